@@ -1,0 +1,39 @@
+# Compiler, linker and switches that hold for every target.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
+
+option(ORVO_TESTS "Build the tests" ON)
+option(ORVO_BENCH "Build the benchmarks" OFF)
+option(ORVO_FUZZ "Build the fuzz targets (needs clang)" OFF)
+option(ORVO_WERROR "Treat warnings as errors" ON)
+set(ORVO_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize= takes them; empty for none")
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast
+                    -Woverloaded-virtual)
+if(ORVO_WERROR)
+  add_compile_options(-Werror)
+endif()
+
+if(ORVO_SANITIZE)
+  add_compile_options(-fsanitize=${ORVO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${ORVO_SANITIZE})
+endif()
+
+find_program(ORVO_CCACHE ccache)
+if(ORVO_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${ORVO_CCACHE}")
+endif()
+find_program(ORVO_MOLD mold)
+if(ORVO_MOLD)
+  add_link_options(-fuse-ld=mold)
+endif()
+
+include_directories("${CMAKE_SOURCE_DIR}")

@@ -1,0 +1,72 @@
+# One line per library, part or test: its name, its sources, what it stands on.
+
+# orvo_shared(<target> SOURCES ... LINK ...): a shared platform library with Qt's moc.
+function(orvo_shared target)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINK;PRIVATE_LINK" ${ARGN})
+  add_library(${target} SHARED ${ARG_SOURCES})
+  set_target_properties(${target} PROPERTIES AUTOMOC ON AUTOUIC ON AUTORCC ON)
+  target_link_libraries(${target} PUBLIC ${ARG_LINK} PRIVATE ${ARG_PRIVATE_LINK})
+endfunction()
+
+# orvo_static(<target> SOURCES ... LINK ...): a static library.
+function(orvo_static target)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+  add_library(${target} STATIC ${ARG_SOURCES})
+  target_link_libraries(${target} PUBLIC ${ARG_LINK})
+endfunction()
+
+# orvo_menu_part(<name> SOURCES ...): one folder of libOrvoMenu.so. Its objects go into the library
+# and, linked once more, into the tests.
+set_property(GLOBAL PROPERTY ORVO_MENU_PARTS "")
+function(orvo_menu_part name)
+  cmake_parse_arguments(ARG "" "" "SOURCES" ${ARGN})
+  set(target orvomenu_${name})
+  add_library(${target} OBJECT ${ARG_SOURCES})
+  set_target_properties(${target} PROPERTIES AUTOMOC ON AUTOUIC ON AUTORCC ON)
+  target_link_libraries(${target} PUBLIC OrvoClient OrvoMdx Qt5::Widgets)
+  set_property(GLOBAL APPEND PROPERTY ORVO_MENU_PARTS ${target})
+endfunction()
+
+# The module library, and the same objects as orvomenu_objects for the tests.
+function(orvo_menu_library)
+  get_property(parts GLOBAL PROPERTY ORVO_MENU_PARTS)
+  add_library(orvomenu_objects INTERFACE)
+  add_library(OrvoMenu MODULE)
+  foreach(part ${parts})
+    target_sources(orvomenu_objects INTERFACE $<TARGET_OBJECTS:${part}>)
+    target_sources(OrvoMenu PRIVATE $<TARGET_OBJECTS:${part}>)
+  endforeach()
+  target_link_libraries(orvomenu_objects INTERFACE OrvoClient OrvoMdx Qt5::Widgets)
+  target_link_libraries(OrvoMenu PRIVATE OrvoClient OrvoMdx Qt5::Widgets)
+  target_link_options(OrvoMenu PRIVATE
+    "LINKER:--version-script=${CMAKE_SOURCE_DIR}/frame/exports.map")
+  set_target_properties(OrvoMenu PROPERTIES LINK_DEPENDS "${CMAKE_SOURCE_DIR}/frame/exports.map")
+endfunction()
+
+# orvo_test(<name> SOURCES ... LINK ... [LABELS ...] [XVFB]): one QtTest executable, run by CTest
+# without a display, or with one of its own (XVFB).
+function(orvo_test name)
+  cmake_parse_arguments(ARG "XVFB" "TIMEOUT" "SOURCES;LINK;LABELS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  set_target_properties(${name} PROPERTIES AUTOMOC ON
+    RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
+  target_link_libraries(${name} PRIVATE ${ARG_LINK} Qt5::Test)
+  if(ARG_XVFB)
+    add_test(NAME ${name} COMMAND "${CMAKE_SOURCE_DIR}/scripts/with-display" $<TARGET_FILE:${name}>)
+  else()
+    add_test(NAME ${name} COMMAND ${name})
+    set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT QT_QPA_PLATFORM=offscreen)
+  endif()
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 120)
+  endif()
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}")
+  # Qt and the X libraries keep caches until exit; leaks of our own are found by the suppressions'
+  # narrowness: they name those libraries only.
+  set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT
+    "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0"
+    "UBSAN_OPTIONS=print_stacktrace=1"
+    "ORVO_BIN_DIR=${CMAKE_BINARY_DIR}/bin"
+    "ORVO_LIB_DIR=${CMAKE_BINARY_DIR}/lib"
+    "ORVO_SOURCE_DIR=${CMAKE_SOURCE_DIR}")
+endfunction()

@@ -1,0 +1,369 @@
+// OrvoClient.h: the contract between a module and its host, the library libOrvoClient.
+//
+// Conventions:
+//  1. Everything here lives on the GUI thread.
+//  2. Texts that cross to the server are Windows-1251; QString parameters are plain QStrings.
+//  3. No operation throws. Server calls block until the answer is there.
+//  4. Notifications reach a module only through MessageOn, which the host calls from its bare event
+//     loop: never inside a slot, a modal dialog, a pop-up menu or a drag.
+//
+// The life of a module: 1 CppCliModule makes it (no server yet); 2 the host fills m_moduleName and
+// registers it; 3 ModuleStart, once; 4 MessageOn whenever notifications wait, only if 3 gave true;
+// 5 closeEvent, ModuleStop, destructor.
+#ifndef ORVO_FRAME_ORVOCLIENT_H
+#define ORVO_FRAME_ORVOCLIENT_H
+
+#include "frame/OrvoMdx.h"
+
+#include <QBitArray>
+#include <QByteArray>
+#include <QDateTime>
+#include <QList>
+#include <QMainWindow>
+#include <QObject>
+#include <QPair>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <QVector>
+#include <QWidget>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#ifdef ORVOCLIENT_LIBRARY
+#define ORVOCLIENT_EXPORT __attribute__((visibility("default")))
+#else
+#define ORVOCLIENT_EXPORT
+#endif
+
+class QAbstractButton;
+class COrvoCliMod;
+class COrvoCliSes;
+class CPopMessageBox;
+
+/// What the host gives a module factory. The host derives from it.
+class ORVOCLIENT_EXPORT COrvoCliApp {
+public:
+    COrvoCliApp();
+    virtual ~COrvoCliApp();
+    COrvoCliApp(const COrvoCliApp&) = delete;
+    COrvoCliApp& operator=(const COrvoCliApp&) = delete;
+
+    COrvoCliSes* m_session = nullptr;   ///< not owned; never null while a module lives
+    COrvoCliMod* m_logModule = nullptr; ///< not owned; takes LogFile
+    QString m_workDir;                  ///< client's base directory, separator at its end
+
+    /// A log line: level, place, text. Called by COrvoCliMod::LogFile.
+    virtual void log(int level, const QString& place, const QString& text);
+    /// A module set its title.
+    virtual void moduleTitle(COrvoCliMod* module, const QString& title, const QString& second);
+    /// A module asks for something (COrvoCliMod::doCall).
+    virtual void moduleCall(COrvoCliMod* module, int code, void* data);
+};
+
+/// Base class of a module: a main window that the host places.
+class ORVOCLIENT_EXPORT COrvoCliMod : public QMainWindow {
+    Q_OBJECT
+public:
+    struct Paths {
+        QString workDir; ///< client's base directory, with the separator at its end
+    };
+
+    explicit COrvoCliMod(COrvoCliApp* app);
+    ~COrvoCliMod() override;
+
+    COrvoCliApp* m_app;                        ///< not owned
+    Paths* m_paths;                            ///< owned by the base class, never null
+    CPopMessageBox* m_popMessageBox = nullptr; ///< child of the module, made when first needed
+    QString m_moduleName;                      ///< "Menu" or "Resources"; the host fills it
+
+    // The order of the virtual operations is part of the contract.
+    virtual void LogFile(int level, QString place, QString text);
+    virtual bool ModuleStart();
+    virtual void ModuleStop();
+    virtual void MessageOn();
+    /// One notification; the block stays the host's. True: handled or ignored.
+    virtual bool MessageData(MDXCliParam* prm);
+    virtual void SetError(QString text);
+    virtual void SetParamMod(QString name, QString value);
+    virtual QString GetParamMod(QString name, QString& value);
+    virtual void SetParamCommand(QString command);
+    virtual void SetParamProfile(QString profile);
+    virtual QString GetParamProfile();
+    virtual void SetParamState(QString state);
+    virtual QString GetParamState();
+    virtual void ParentResizeOn(int width, int height);
+    virtual QStringList GetAlarmsList();
+    virtual void AppIdleEvent();
+    /// The session has reconnected; notifications go on from where they stopped.
+    virtual void ModSesReconnect();
+    virtual void ModDataEditPost();
+    virtual void ModDataEditCancel();
+
+public slots:
+    virtual void slot_modNotify(QString name, QVariant value);
+    virtual void slot_toolFinished();
+    virtual void slot_popMessageBoxClicked(QAbstractButton* button);
+    virtual void slot_endRestructure();
+
+public:
+    void SetModTitle(QString title, QString second);
+    /// Takes the notifications that wait for this module and calls MessageData once for each, in
+    /// order of arrival; returns when none is left.
+    void MessageGet();
+    void doCall(int code, void* data);
+    /// Makes m_popMessageBox, with the module as parent, if it is null.
+    void PopMessageBoxCreate();
+
+    // For the host.
+    /// Puts a notification into the module's queue, which owns it from then on.
+    void messagePut(MDXCliParam* prm);
+    int messagesWaiting() const;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    struct Private;
+    std::unique_ptr<Private> d;
+};
+
+/// The session to the server.
+class ORVOCLIENT_EXPORT COrvoCliSes {
+public:
+    struct Private;
+    explicit COrvoCliSes(std::unique_ptr<Private> p);
+    ~COrvoCliSes();
+    COrvoCliSes(const COrvoCliSes&) = delete;
+    COrvoCliSes& operator=(const COrvoCliSes&) = delete;
+
+    /// Sends "TableRecords", "TableStructure" (data: the table name's bytes) or "UserProp" (no
+    /// data). Non-zero if sent; `*prm` then holds the block of the request, the caller's to free.
+    int PacketExec(const char* name, const void* data, int length, MDXCliParam** prm);
+    /// Non-zero when the reply is there; `*prm` then holds it. Field 0: result code. Field 2: packed
+    /// table, or on failure the server's text (UTF-8) or NULL. `timeout` -1: no limit.
+    int WaitResult(MDXCliParam** prm, int timeout);
+    void PrmFree(MDXCliParam* prm);
+    /// Only "select * from Menu where FolderKey = '...'" (Windows-1251, a quote inside the literal
+    /// doubled or not: everything between the first and the last quote is the key). The result is
+    /// the caller's; null for any other statement and on failure.
+    MDArray* SqlRequest(const char* sql);
+    /// Applies every posted record of the array by its flag, in order of entry, in one transaction:
+    /// all or none. `prm`, if given, receives a reply block with the result code in field 0, the
+    /// caller's to free. Non-zero on success. A failure is reported to the host, which shows it.
+    int SqlUpdate(const char* table, MDArray* records, bool always, MDXCliParam** prm);
+    /// Server time (seconds since 1970-01-01 UTC) in the session's time: local time.
+    QDateTime MdxTimeToSesTime(double time) const;
+
+    Private* data() const { return d.get(); } ///< for the host library
+
+private:
+    std::unique_ptr<Private> d;
+};
+
+/// A new unique identifier: 32 hexadecimal digits.
+ORVOCLIENT_EXPORT QByteArray GenGuid32();
+/// Server time of a date.
+ORVOCLIENT_EXPORT double DateTime_To_MdxTime(const QDateTime& time);
+
+// ---------------------------------------------------------------------------------------------
+// Tools: one job each on the server's stores. Made on the caller's stack; the caller fills the
+// public members, calls Perform(false) and reads `result` (key 0 in the order of the reply; empty
+// after a failure, which the host shows). Rows of stored files: 0 name (text), 1 time (date, may be
+// NULL), 2 size (integer), 3 bytes (block; NULL without data).
+
+class ORVOCLIENT_EXPORT COrvoToolObject : public QObject {
+    Q_OBJECT
+public:
+    explicit COrvoToolObject(COrvoCliMod* module);
+    ~COrvoToolObject() override;
+    /// Runs the job and returns when it is finished. `background` is false.
+    void Perform(bool background);
+
+protected:
+    virtual void run(COrvoCliSes& session) = 0;
+    COrvoCliMod* m_module;
+};
+
+/// Records of a table whose key number `keyNumber` begins with the given values. Table "Menu", key 2
+/// is `MenuResourceKey`.
+class ORVOCLIENT_EXPORT CToolRecByKey : public COrvoToolObject {
+    Q_OBJECT
+public:
+    explicit CToolRecByKey(COrvoCliMod* module);
+    ~CToolRecByKey() override;
+    std::string tableName;
+    int32_t keyNumber = 0;
+    QVector<MDRVar> keyValues;
+    QBitArray keyBits = QBitArray(6); ///< bit i: value i is given
+    CMDArray result;
+
+protected:
+    void run(COrvoCliSes& session) override;
+};
+
+class ORVOCLIENT_EXPORT CToolFormGet : public COrvoToolObject {
+    Q_OBJECT
+public:
+    explicit CToolFormGet(COrvoCliMod* module);
+    ~CToolFormGet() override;
+    QString formName;
+    bool withData = false;
+    CMDArray result;
+
+protected:
+    void run(COrvoCliSes& session) override;
+};
+
+class ORVOCLIENT_EXPORT CToolFileList : public COrvoToolObject {
+    Q_OBJECT
+public:
+    explicit CToolFileList(COrvoCliMod* module);
+    ~CToolFileList() override;
+    QString path; ///< folder captions joined by "/"; empty: the root of the file area
+    QString name;
+    bool reserved = false;
+    CMDArray result;
+
+protected:
+    void run(COrvoCliSes& session) override;
+};
+
+class ORVOCLIENT_EXPORT CToolFileGet : public COrvoToolObject {
+    Q_OBJECT
+public:
+    explicit CToolFileGet(COrvoCliMod* module);
+    ~CToolFileGet() override;
+    QString path;
+    QString name;
+    CMDArray result;
+
+protected:
+    void run(COrvoCliSes& session) override;
+};
+
+class ORVOCLIENT_EXPORT CToolFormPut : public COrvoToolObject {
+    Q_OBJECT
+public:
+    explicit CToolFormPut(COrvoCliMod* module);
+    ~CToolFormPut() override;
+    QString formPath; ///< folder captions below "формы отображения", joined by "/"; may be empty
+    /// `data` must live until Perform has returned.
+    void AddFile(const QString& name, const void* data, qint64 size, double time);
+
+protected:
+    void run(COrvoCliSes& session) override;
+
+private:
+    struct Item;
+    std::vector<Item> m_items;
+};
+
+class ORVOCLIENT_EXPORT CToolFilePut : public COrvoToolObject {
+    Q_OBJECT
+public:
+    explicit CToolFilePut(COrvoCliMod* module);
+    ~CToolFilePut() override;
+    void AddFile(const QString& path, const QString& name, const void* data, qint64 size,
+                 double time);
+
+protected:
+    void run(COrvoCliSes& session) override;
+
+private:
+    struct Item;
+    std::vector<Item> m_items;
+};
+
+class ORVOCLIENT_EXPORT CToolFormDel : public COrvoToolObject {
+    Q_OBJECT
+public:
+    explicit CToolFormDel(COrvoCliMod* module);
+    ~CToolFormDel() override;
+    QStringList names;
+
+protected:
+    void run(COrvoCliSes& session) override;
+};
+
+class ORVOCLIENT_EXPORT CToolFileDel : public COrvoToolObject {
+    Q_OBJECT
+public:
+    explicit CToolFileDel(COrvoCliMod* module);
+    ~CToolFileDel() override;
+    QList<QPair<QString, QString>> files; ///< folder path, name
+
+protected:
+    void run(COrvoCliSes& session) override;
+};
+
+// ---------------------------------------------------------------------------------------------
+// Pop-ups: painted inside the module's window; none runs an event loop of its own.
+
+enum TMessageBoxIcon { MessageBoxIconNone = 0, MessageBoxIconError = 1, MessageBoxIconQuestion = 4 };
+enum TMessageBoxType { MessageBoxTypeOk = 0, MessageBoxTypeYesNo = 5 };
+enum TProgressBarColor { ProgressBarColorDefault = 0, ProgressBarColorGreen = 6 };
+
+class ORVOCLIENT_EXPORT CPopMessageBox : public QWidget {
+    Q_OBJECT
+public:
+    explicit CPopMessageBox(QWidget* parent);
+    ~CPopMessageBox() override;
+    /// Fills the box. `slot` is a slot of the parent as SLOT() spells it (leading digit 1); it
+    /// receives the clicked button as QAbstractButton*. show() returns at once.
+    void setMessage(QString title, QString text, TMessageBoxIcon icon, TMessageBoxType type,
+                    const char* slot);
+    /// Role of a button of this box in the numbering of QMessageBox::ButtonRole; -1 for others.
+    int ButtonRole(QAbstractButton* button) const;
+
+signals:
+    void clicked(QAbstractButton* button);
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    struct Private;
+    std::unique_ptr<Private> d;
+};
+
+class ORVOCLIENT_EXPORT CPopProgressBar : public QWidget {
+    Q_OBJECT
+public:
+    explicit CPopProgressBar(QWidget* parent);
+    ~CPopProgressBar() override;
+    void setText(QString text, QString second);
+    void setRange(int from, int to);
+    void setColor(TProgressBarColor color);
+    /// Shows the value at once: the bar repaints without the event loop.
+    void setValue(int value);
+
+protected:
+    void showEvent(QShowEvent* event) override;
+
+private:
+    struct Private;
+    std::unique_ptr<Private> d;
+};
+
+/// Base of pop-up windows.
+class ORVOCLIENT_EXPORT CPopTemplate : public QWidget {
+    Q_OBJECT
+public:
+    CPopTemplate(QWidget* parent, int32_t reserved);
+    ~CPopTemplate() override;
+    /// Centres the pop-up over its parent.
+    void moveToCenter();
+    bool m_popup = false; ///< set by the picker's callers: stays above the parent's window
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+};
+
+#endif

@@ -1,0 +1,37 @@
+// Schema.h: the one dictionary of tables and fields. DDL, statements and record structures of every
+// store come from it.
+#ifndef ORVO_PLATFORM_STORE_SCHEMA_H
+#define ORVO_PLATFORM_STORE_SCHEMA_H
+
+#include "frame/OrvoMdx.h"
+
+#include <string_view>
+#include <vector>
+
+namespace orvo::store {
+
+struct FieldDef {
+    const char* name;
+    MdxType type;
+    bool link = false; ///< holds the key of another record: empty text is stored as NULL
+};
+
+struct TableDef {
+    const char* name;
+    std::vector<FieldDef> fields; ///< field 0 is KeyLink
+
+    /// Number of the field of that name (without regard to ASCII case), or -1.
+    int find(std::string_view field) const;
+};
+
+/// The tables that the editors know, in the order in which a store may be filled: a link's target
+/// before what links to it.
+const std::vector<TableDef>& tables();
+/// The table of exactly that name, or null.
+const TableDef* findTable(std::string_view name);
+/// Gives an array without fields the structure of the table.
+int makeStructure(const TableDef& table, MDArray* array);
+
+} // namespace orvo::store
+
+#endif

@@ -1,0 +1,167 @@
+// Store.h: what the session, the client and the admin command require of a database.
+//
+// Conventions:
+//  1. Texts are UTF-8 here, Windows-1251 in records; the store converts where it reads and writes
+//     records.
+//  2. Every operation gives a Status. On failure nothing was changed. `text` is one line in Russian
+//     for the user or the administrator: what failed and why; it never holds a password.
+//  3. One thread per Store object. Several processes may have the same store open.
+//  4. Nothing throws across this interface.
+#ifndef ORVO_PLATFORM_STORE_STORE_H
+#define ORVO_PLATFORM_STORE_STORE_H
+
+#include "frame/OrvoMdx.h"
+#include "platform/store/Schema.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orvo::store {
+
+/// Result codes of the server; the numbers with a text of their own in the editors keep it.
+enum Code : int {
+    Ok = 0,
+    BadStructure = -4,
+    ConnectionBroken = -3,
+    BadArguments = -2,
+    NoMemory = -1,
+    NotActive = 2,
+    CannotConnect = 3,
+    BadLogin = 4,
+    UnknownName = 5,
+    Timeout = 7,
+    Refused = 20,   ///< the write breaks a rule: existing key, unknown table or field, no right
+    Failed = 21,    ///< the database failed: disk full, read-only, damaged
+    NewerStore = 22, ///< made by a newer version
+    NotAStore = 23,
+    LogPruned = 24, ///< the change log no longer reaches back to the cursor
+};
+
+struct Status {
+    int code = Ok;
+    std::string text;
+    bool ok() const { return code == Ok; }
+};
+
+struct StoredFile {
+    std::string name;
+    std::optional<double> time; ///< seconds since 1970-01-01 UTC
+    uint64_t size = 0;
+    std::string bytes; ///< empty unless asked for
+};
+
+/// A file on its way into the store; the bytes stay the caller's.
+struct FileToPut {
+    std::string path; ///< folder captions joined by "/"; ignored for forms
+    std::string name;
+    std::string_view bytes;
+    std::optional<double> time;
+};
+
+/// One row of the change log.
+struct Change {
+    int64_t id = 0;
+    int code = 0; ///< 601 insert, 602 update, 603 delete
+    std::string table;
+    std::string key;
+    std::string login; ///< empty: written by hand
+    double time = 0;
+    std::string after;  ///< JSON object: the changed fields; all fields of an insert
+    std::string before; ///< JSON object: their values before; all fields of a delete
+};
+
+struct User {
+    std::string login, lastName, firstName, midlName;
+    bool program = false;
+};
+
+class Store {
+public:
+    virtual ~Store() = default;
+
+    /// For the status bar and messages: the URL without a password.
+    virtual std::string displayName() const = 0;
+    /// The login under which this object writes.
+    virtual std::string login() const = 0;
+
+    // Tables -------------------------------------------------------------------------------------
+
+    /// Structure and all records, with key 0 over KeyLink. UnknownName for an unknown table. The
+    /// array must be empty.
+    virtual Status fetch(std::string_view table, MDArray* into) = 0;
+    /// The records in which a text field equals `value` (UTF-8) exactly, byte for byte, zero bytes
+    /// included.
+    virtual Status fetchWhere(std::string_view table, std::string_view field,
+                              std::string_view value, MDArray* into) = 0;
+    /// Applies the posted records in order of entry, by their flags, in one transaction: all or
+    /// none. Only fields with the user bit are written; empty text in a link field becomes NULL.
+    /// Refused: unknown table, a field that the table lacks, flag 1 on an existing key, flag 0, an
+    /// empty key. Flags 2 and 4 on a missing key write nothing for that record.
+    virtual Status update(std::string_view table, const MDArray* records) = 0;
+
+    // Change log ---------------------------------------------------------------------------------
+
+    /// Id of the newest change: the cursor to take before the first fetch.
+    virtual Status logPosition(int64_t* id) = 0;
+    /// The changes after `cursor`, in commit order, at most `limit` of them. LogPruned if some of
+    /// them are gone.
+    virtual Status readLog(int64_t cursor, int limit, std::vector<Change>* changes) = 0;
+    /// Deletes the changes up to `id` included.
+    virtual Status pruneLog(int64_t id) = 0;
+    /// File descriptor that becomes readable when the log may have grown; -1 if there is none.
+    virtual int wakeFd() const = 0;
+    /// Takes what the descriptor holds. To be called when it is readable, before readLog.
+    virtual void takeWake() = 0;
+    /// A cheap look whether the log may have grown since the last call of changed or readLog; for a
+    /// slow poll behind the descriptor.
+    virtual bool changed() = 0;
+
+    // Stored forms and files ---------------------------------------------------------------------
+
+    /// Files of the form (resource of type 3 with that name), in name order.
+    virtual Status formGet(std::string_view form, bool withBytes,
+                           std::vector<StoredFile>* files) = 0;
+    /// Adds or replaces the files of one form and never deletes others. The form's name: the file
+    /// name that ends in "_", if there is one, else the shortest. A new form gets its MenuResource
+    /// row in the folder of the path. A path that names no folder is refused.
+    virtual Status formPut(std::string_view path, const std::vector<FileToPut>& files) = 0;
+    /// Deletes forms with their records. Unknown names are passed over.
+    virtual Status formDelete(const std::vector<std::string>& forms) = 0;
+    /// Files of that name in the folder (one, or none).
+    virtual Status fileGet(std::string_view path, std::string_view name, bool withBytes,
+                           std::vector<StoredFile>* files) = 0;
+    virtual Status filePut(const std::vector<FileToPut>& files) = 0;
+    virtual Status fileDelete(const std::vector<std::pair<std::string, std::string>>& files) = 0;
+    /// The whole file area: folder path, file without bytes. For the local mirror and listings.
+    virtual Status
+    fileArea(const std::function<void(const std::string& path, const StoredFile& file)>& each) = 0;
+
+    // Administration -----------------------------------------------------------------------------
+
+    virtual Status userAdd(const User& user) = 0;
+    /// What the database itself says about its health: one line per damage, none if sound.
+    virtual Status integrity(std::vector<std::string>* damages) = 0;
+};
+
+struct OpenOptions {
+    std::string login; ///< who writes
+    bool create = false; ///< make the store if it is missing (never overwrites anything)
+};
+
+/// Opens the store behind a URL: "sqlite:///absolute/path.db" (or a plain path). Null on failure,
+/// with one clear line in `status`: missing, not a store, newer, locked, read-only, full. A store
+/// of an older version is migrated in one transaction.
+std::unique_ptr<Store> open(const std::string& url, const OpenOptions& options, Status* status);
+
+/// Whether a file name may enter the store: no separator, no control character, not empty, not "."
+/// or "..".
+bool isPlainFileName(std::string_view name);
+
+} // namespace orvo::store
+
+#endif
