@@ -1,0 +1,200 @@
+#include "frame/CommonFunctions.h"
+
+#include "frame/Records.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+
+#include <functional>
+#include <utility>
+
+namespace {
+
+class ScopeGuard {
+public:
+    explicit ScopeGuard(std::function<void()> atExit) : m_atExit(std::move(atExit)) {}
+    ~ScopeGuard() { m_atExit(); }
+    ScopeGuard(const ScopeGuard&) = delete;
+    ScopeGuard& operator=(const ScopeGuard&) = delete;
+
+private:
+    std::function<void()> m_atExit;
+};
+
+QString tr(const char* text) {
+    return QCoreApplication::translate("CommonFunctions", text);
+}
+
+const char* const noResult =
+    QT_TRANSLATE_NOOP("CommonFunctions", "Операция на сервере не вернула результат.");
+
+int32_t resultCode(const MDXCliParam* reply) {
+    return orvo::integerOf(reply->record, 0);
+}
+
+const char* packedTable(const MDXCliParam* reply) {
+    const char* block = nullptr;
+    MDRGetTextPtr(MDRFldByNum(reply->array, 2), reply->record, &block);
+    return block;
+}
+
+QString codeText(int32_t code) {
+    return QStringLiteral("Ошибка -> %1").arg(getServerErrorText(code));
+}
+
+/// What the server adds to a failure, in UTF-8; empty if it says nothing.
+QString furtherText(const MDXCliParam* reply) {
+    uint32_t length = 0;
+    const char* text = nullptr;
+    if (MDRGetTextRef(MDRFldByNum(reply->array, 2), reply->record, &length, &text) != 0)
+        return QString();
+    return QStringLiteral(" Доп. инф: %1").arg(QString(text));
+}
+
+enum class Wanted { Records, Structure };
+
+int fetchTable(COrvoCliSes* session, const std::string& tableName, CMDArray& table, QString* error,
+               Wanted wanted) {
+    MDXCliParam* prm = nullptr;
+    const ScopeGuard guard([&] {
+        if (prm)
+            session->PrmFree(prm);
+    });
+    error->clear();
+    const char* request = wanted == Wanted::Records ? "TableRecords" : "TableStructure";
+    const int length = static_cast<int>(tableName.size());
+    if (session->PacketExec(request, tableName.data(), length, &prm) == 0) {
+        error->append(tr(noResult));
+        return 0;
+    }
+    const int waited = session->WaitResult(&prm, -1);
+    if (waited == 0 || !prm) {
+        error->append(tr(noResult));
+        return 0;
+    }
+    const int32_t code = resultCode(prm);
+    if (code != 0) {
+        error->append(codeText(code));
+        error->append(furtherText(prm));
+        return 0;
+    }
+    table.status = MDXArrayUnPack(table.array, packedTable(prm), 1);
+    if (wanted == Wanted::Structure && (!table.array || table.array->fieldCount == 0)) {
+        error->append(tr("Отсутствуют поля."));
+        return 0;
+    }
+    return waited;
+}
+
+const char* const attributeWords[] = {"папка", "модуль", "функция", "файл"};
+
+} // namespace
+
+int GetTableRecords(COrvoCliSes* session, const std::string& tableName, CMDArray& table,
+                    QString* error) {
+    return fetchTable(session, tableName, table, error, Wanted::Records);
+}
+
+int GetTableStructure(COrvoCliSes* session, const std::string& tableName, CMDArray& table,
+                      QString* error) {
+    return fetchTable(session, tableName, table, error, Wanted::Structure);
+}
+
+int getUserInfo(COrvoCliSes* session, CMDArray& table, QString& error) {
+    MDXCliParam* prm = nullptr;
+    const ScopeGuard guard([&] {
+        if (prm)
+            session->PrmFree(prm);
+    });
+    if (session->PacketExec("UserProp", nullptr, 0, &prm) == 0) {
+        error = QString::fromUtf8(noResult);
+        return 0;
+    }
+    const int waited = session->WaitResult(&prm, -1);
+    if (waited == 0 || !prm) {
+        error = QString::fromUtf8(noResult);
+        return 0;
+    }
+    const int32_t code = resultCode(prm);
+    if (code != 0) {
+        error = codeText(code);
+        error.append(furtherText(prm));
+        return 0;
+    }
+    table.status = MDXArrayUnPack(table.array, packedTable(prm), 1);
+    error.clear();
+    if (!table.array || table.array->fieldCount == 0) {
+        error = QStringLiteral("Отсутствуют поля");
+        return 0;
+    }
+    return waited;
+}
+
+QString getServerErrorText(int32_t code) {
+    switch (code) {
+    case -4:
+        return tr("Нарушение структуры данных");
+    case -3:
+        return tr("Ошибка операции с сокетом");
+    case -2:
+        return tr("Неверные параметры");
+    case -1:
+        return tr("Недостаточно ОП");
+    case 1:
+        return tr("Модуль не инициализирован");
+    case 2:
+        return tr("Сессия не активна");
+    case 3:
+        return tr("Подключение к серверу не удалось");
+    case 4:
+        return tr("Пользователь не найден или неправильный пароль");
+    case 5:
+        return tr("Имя не найдено");
+    case 6:
+        return tr("Нарушен порядок блочных операций");
+    case 7:
+        return tr("Истек таймаут");
+    case 9:
+        return tr("Превышено количество неверных попыток ввода пароля");
+    case 10:
+        return tr("Подключение с недопустимого IP-адреса");
+    default:
+        return tr("Описание ошибки отсутствует");
+    }
+}
+
+QString convertMenuAttributes(int code) {
+    return code >= 0 && code < 4 ? QString::fromUtf8(attributeWords[code]) : QString();
+}
+
+int getMenuAttributes(const QString& word) {
+    for (int code = 0; code < 4; ++code) {
+        if (orvo::sameText(word, convertMenuAttributes(code)))
+            return code;
+    }
+    return -1;
+}
+
+QString getUserCaption(MDRData* record, CMDArray* users) {
+    if (!record || !users)
+        return QString();
+    const auto text = [&](const char* field) {
+        return orvo::textOf(record, MDRFldByName(users->array, field));
+    };
+    const QString lastName = text("lastName");
+    if (lastName.isEmpty() || orvo::flagOf(record, MDRFldByName(users->array, "program")))
+        return text("login_");
+    const QString firstName = text("firstName");
+    if (firstName.isEmpty())
+        return lastName;
+    QString caption = lastName + QLatin1Char(' ') + firstName.at(0) + QLatin1Char('.');
+    const QString midlName = text("midlName");
+    if (!midlName.isEmpty())
+        caption += QString(midlName.at(0)) + QLatin1Char('.');
+    return caption;
+}
+
+bool checkFileExists(const QString& path) {
+    const QFileInfo info(path);
+    return info.exists() && info.isFile();
+}
