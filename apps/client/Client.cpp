@@ -1,0 +1,208 @@
+#include "apps/client/Client.h"
+
+#include "apps/client/FileMirror.h"
+#include "apps/client/FormViewer.h"
+#include "apps/client/LogPane.h"
+#include "apps/client/MainWindow.h"
+#include "apps/client/StatusLine.h"
+
+#include <QAbstractScrollArea>
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QTimer>
+
+#include <cstdio>
+
+namespace orvo::app {
+
+namespace {
+
+/// Shows that something takes its time, while it lives.
+struct WaitCursor {
+    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~WaitCursor() { QApplication::restoreOverrideCursor(); }
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
+};
+
+} // namespace
+
+Client::Client(const Options& options) : m_options(options) {}
+
+Client::~Client() {
+    stop();
+}
+
+bool Client::openWorkDir(QString* error) {
+    const QFileInfo directory(m_options.workDir);
+    if (QDir().mkpath(m_options.workDir) && directory.isDir() && directory.isWritable())
+        return true;
+    *error = QStringLiteral("Рабочий каталог %1 не создан или закрыт для записи.")
+                 .arg(m_options.workDir);
+    return false;
+}
+
+bool Client::open(QString* error) {
+    store::Status status;
+    store::OpenOptions how;
+    how.login = m_options.login.toStdString();
+    auto store = store::open(m_options.store.toStdString(), how, &status);
+    if (store)
+        m_session = client::makeSession(std::move(store), &status);
+    if (!m_session) {
+        *error = QString::fromStdString(status.text);
+        return false;
+    }
+    if (!openWorkDir(error) || !m_library.load(QCoreApplication::applicationDirPath(), error))
+        return false;
+    m_app.m_session = m_session.get();
+    m_app.m_workDir = m_options.workDir;
+    m_logModule = std::make_unique<COrvoCliMod>(&m_app);
+    m_app.m_logModule = m_logModule.get();
+    m_mirror = std::make_unique<FileMirror>(client::sessionStore(*m_session), m_options.workDir);
+    m_pump = std::make_unique<client::NotificationPump>(*m_session, m_modules);
+    return true;
+}
+
+void Client::show() {
+    store::Store& store = client::sessionStore(*m_session);
+    m_window = std::make_unique<MainWindow>(QString::fromStdString(store.displayName()),
+                                            QString::fromStdString(store.login()));
+    connectAll();
+    m_window->show();
+    QString error;
+    if (!m_mirror->start(&error))
+        fail(QStringLiteral("Файловая область"), error);
+    openModules();
+    m_pump->start();
+}
+
+void Client::connectAll() {
+    LogPane* log = m_window->logPane();
+    StatusLine* status = m_window->statusLine();
+    connect(&m_app, &HostApp::logged, log, &LogPane::add);
+    connect(&m_app, &HostApp::titleChanged, m_window.get(), &MainWindow::setTitle);
+    connect(&m_app, &HostApp::formRequested, this, &Client::openForm);
+    connect(&client::sessionEvents(*m_session), &client::SessionEvents::failed, this,
+            [this](const client::Failure& failure) {
+                fail(failure.operation, failure.text.isEmpty()
+                                            ? QStringLiteral("Ошибка %1").arg(failure.code)
+                                            : failure.text);
+            });
+    connect(m_mirror.get(), &FileMirror::problem, this,
+            [this](const QString& text) { fail(QStringLiteral("Файловая область"), text); });
+    // The editors paint icons from their files, which have just changed.
+    connect(m_mirror.get(), &FileMirror::updated, this, [this] {
+        for (const auto& module : m_modules.modules(client::ModuleState::Running))
+            for (QAbstractScrollArea* area : module->findChildren<QAbstractScrollArea*>())
+                area->viewport()->update();
+    });
+    connect(m_pump.get(), &client::NotificationPump::changed, m_mirror.get(), &FileMirror::changed);
+    connect(m_pump.get(), &client::NotificationPump::connectionChanged, this,
+            [this, status](bool up, const QString& text) {
+                status->setConnected(up, text);
+                if (up)
+                    m_app.log(LogInformation, QStringLiteral("Связь"),
+                              QStringLiteral("Связь с хранилищем восстановлена."));
+                else
+                    fail(QStringLiteral("Связь"), text);
+            });
+    connect(
+        m_pump.get(), &client::NotificationPump::logLost, this,
+        [this] {
+            reopenModules(QStringLiteral("Журнал изменений очищен раньше, чем прочитан: модули "
+                                         "открыты заново."));
+        },
+        Qt::QueuedConnection); // outside of the pump's step
+    connect(m_window.get(), &MainWindow::reopenRequested, this,
+            [this] { reopenModules(QStringLiteral("Модули открыты заново.")); });
+    connect(m_window.get(), &MainWindow::closing, this, &Client::stop);
+}
+
+void Client::openModules() {
+    const WaitCursor wait;
+    for (const QString& name : m_options.modules) {
+        COrvoCliMod* module = m_library.create(&m_app, name);
+        if (!module) {
+            fail(name, QStringLiteral("Библиотека модулей не знает модуля «%1».").arg(name));
+            continue;
+        }
+        m_modules.add(module, name);
+        m_window->addModule(module, name);
+        if (!m_modules.start(module))
+            fail(name, QStringLiteral("Модуль не запущен; причина в журнале. «Клиент» — "
+                                      "«Открыть модули заново» повторит попытку."));
+    }
+}
+
+void Client::reopenModules(const QString& why) {
+    if (!m_pump)
+        return;
+    // Not while a slot of a module waits in a dialog or a menu.
+    if (!m_pump->mayDeliver()) {
+        QTimer::singleShot(100, this, [this, why] { reopenModules(why); });
+        return;
+    }
+    const int current = m_window->currentModule();
+    m_modules.stopAll();
+    m_pump->restart(); // the new place in the log comes before the new tables
+    openModules();
+    m_window->setCurrentModule(current);
+    m_mirror->refresh();
+    m_app.log(LogWarning, QStringLiteral("Клиент"), why);
+}
+
+void Client::openForm(const QString& request) {
+    const WaitCursor wait;
+    QString error;
+    if (app::openForm(client::sessionStore(*m_session), request, m_window.get(), &error))
+        return;
+    m_app.log(LogError, QStringLiteral("Клиент"), error);
+    m_window->showError(error);
+}
+
+void Client::fail(const QString& place, const QString& text) {
+    m_app.log(LogError, place, text);
+    if (m_window)
+        m_window->statusLine()->setFailure(QStringLiteral("%1: %2").arg(place, text));
+}
+
+void Client::stop() {
+    m_pump.reset(); // no notification from here on
+    m_modules.stopAll();
+}
+
+bool Client::settled() const {
+    return m_pump && m_pump->isIdle() && m_mirror->isIdle() &&
+           m_modules.modules(client::ModuleState::Loaded).empty();
+}
+
+void Client::takeScreenshot() {
+    constexpr int lookMs = 50;
+    constexpr int restMs = 400; // repaints and last layouts
+    constexpr int limitMs = 120000;
+    auto* timer = new QTimer(this);
+    QElapsedTimer total;
+    total.start();
+    connect(timer, &QTimer::timeout, this, [this, timer, total, rest = 0]() mutable {
+        rest = settled() ? rest + lookMs : 0;
+        if (rest < restMs && total.elapsed() < limitMs)
+            return;
+        timer->stop();
+        const bool all = m_modules.modules(client::ModuleState::Running).size() ==
+                         static_cast<size_t>(m_options.modules.size());
+        const bool saved = m_window->grab().save(m_options.screenshot, "PNG");
+        if (!saved)
+            std::fprintf(stderr, "orvo-client: снимок %s не записан.\n",
+                         qUtf8Printable(m_options.screenshot));
+        else if (!all)
+            std::fprintf(stderr, "orvo-client: не все модули запущены: %s\n",
+                         qUtf8Printable(m_window->statusLine()->failure()));
+        QCoreApplication::exit(saved && all ? 0 : 1);
+    });
+    timer->start(lookMs);
+}
+
+} // namespace orvo::app

@@ -1,0 +1,65 @@
+// Client.h: the wiring of the client: session, modules, notifications, file mirror, window.
+//
+// The order of a run: 1 open (store, session, work directory, module library; no window yet),
+// 2 show (window, then the modules: load, start), 3 the event loop, 4 stop (when the window closes:
+// modules in order), 5 the destructor.
+#ifndef ORVO_APPS_CLIENT_CLIENT_H
+#define ORVO_APPS_CLIENT_CLIENT_H
+
+#include "apps/client/HostApp.h"
+#include "apps/client/ModuleLibrary.h"
+#include "apps/client/Options.h"
+#include "platform/client/ModuleRegistry.h"
+#include "platform/client/NotificationPump.h"
+#include "platform/client/Session.h"
+
+#include <memory>
+
+namespace orvo::app {
+
+class FileMirror;
+class MainWindow;
+
+class Client : public QObject {
+    Q_OBJECT
+public:
+    explicit Client(const Options& options);
+    ~Client() override;
+
+    /// False, with one line in `error`, if the client cannot work.
+    bool open(QString* error);
+    /// Shows the window and starts the modules in it.
+    void show();
+    /// Ends the event loop when everything that show began is done, with the window in the file of
+    /// the options: exit code 0, or 1 after a line on standard error.
+    void takeScreenshot();
+
+    /// Null before show.
+    MainWindow* window() const { return m_window.get(); }
+    client::ModuleRegistry& modules() { return m_modules; }
+    /// Whether modules, notifications and mirror are at rest.
+    bool settled() const;
+
+private:
+    bool openWorkDir(QString* error);
+    void connectAll();
+    void openModules();
+    void reopenModules(const QString& why);
+    void openForm(const QString& request);
+    void fail(const QString& place, const QString& text);
+    void stop();
+
+    Options m_options;
+    ModuleLibrary m_library;
+    HostApp m_app;
+    std::unique_ptr<COrvoCliSes> m_session;
+    std::unique_ptr<FileMirror> m_mirror;
+    std::unique_ptr<MainWindow> m_window;
+    std::unique_ptr<COrvoCliMod> m_logModule;
+    client::ModuleRegistry m_modules;
+    std::unique_ptr<client::NotificationPump> m_pump;
+};
+
+} // namespace orvo::app
+
+#endif

@@ -1,0 +1,204 @@
+#include "apps/client/FileMirror.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QSaveFile>
+
+#include <cerrno>
+#include <cmath>
+#include <cstring>
+
+namespace orvo::app {
+
+namespace {
+
+constexpr int gatherMs = 30; ///< changes that come together are one comparison
+constexpr int retryMs = 10000;
+constexpr int sliceMs = 8; ///< the window answers in between
+constexpr double sameTime = 0.001;
+
+PathParts split(const std::string& path) {
+    PathParts parts;
+    size_t from = 0;
+    while (from <= path.size()) {
+        const size_t to = std::min(path.find('/', from), path.size());
+        parts.push_back(path.substr(from, to - from));
+        from = to + 1;
+    }
+    return parts;
+}
+
+std::string join(const PathParts& parts) {
+    std::string path;
+    for (const std::string& part : parts)
+        path += (path.empty() ? "" : "/") + part;
+    return path;
+}
+
+QString reason() {
+    return QString::fromLocal8Bit(std::strerror(errno));
+}
+
+} // namespace
+
+FileMirror::FileMirror(store::Store& store, const QString& workDir, QObject* parent)
+    : QObject(parent)
+    , m_store(store)
+    , m_workDir(workDir) {
+    m_compare.setSingleShot(true);
+    m_step.setSingleShot(true);
+    connect(&m_compare, &QTimer::timeout, this, &FileMirror::compare);
+    connect(&m_step, &QTimer::timeout, this, &FileMirror::step);
+}
+
+FileMirror::~FileMirror() = default;
+
+bool FileMirror::start(QString* error) {
+    const QString root = m_workDir + QStringLiteral("files");
+    if (!m_directory.open(QFile::encodeName(root).toStdString())) {
+        *error = QStringLiteral("Каталог %1 недоступен: %2").arg(root, reason());
+        return false;
+    }
+    m_running = true;
+    readManifest();
+    refresh();
+    return true;
+}
+
+void FileMirror::changed(const store::Change& change) {
+    // The file area is the files, the folders that make their paths and the records that name them.
+    if (change.table == "MenuResourceFile")
+        m_contentChanged = true;
+    else if (change.table != "MenuResourceFolder" && change.table != "MenuResource")
+        return;
+    if (!m_running)
+        return;
+    m_idle = false;
+    if (!m_compare.isActive())
+        m_compare.start(gatherMs);
+}
+
+void FileMirror::refresh() {
+    if (!m_running)
+        return;
+    m_idle = false;
+    m_compare.start(0);
+}
+
+void FileMirror::compare() {
+    std::map<std::string, Wanted> wanted;
+    const store::Status status = m_store.fileArea([&](const std::string& path,
+                                                      const store::StoredFile& file) {
+        PathParts parts = path.empty() ? PathParts() : split(path);
+        parts.push_back(file.name);
+        for (const std::string& part : parts)
+            if (!store::isPlainFileName(part)) {
+                tell(QStringLiteral("«%1» не копируется на диск: «%2» не может быть именем "
+                                    "файла.")
+                         .arg(QString::fromStdString(join(parts)), QString::fromStdString(part)));
+                return;
+            }
+        const std::string key = join(parts);
+        const double time = file.time && std::isfinite(*file.time) ? *file.time : 0;
+        const auto local = m_directory.info(parts);
+        // Without a time only the notification tells that the content is another.
+        const bool same = local && local->size == file.size &&
+                          std::fabs(local->time - time) < sameTime && m_manifest.count(key) &&
+                          (file.time || !m_contentChanged);
+        if (!same)
+            m_queue.push_back({parts, path, file.name, time});
+        wanted[key] = {std::move(parts), path, file.name, time};
+    });
+    if (!status.ok()) {
+        m_queue.clear();
+        tell(QStringLiteral("Список файловой области не получен: %1")
+                 .arg(QString::fromStdString(status.text)));
+        m_idle = true;
+        m_compare.start(retryMs);
+        return;
+    }
+    m_contentChanged = false;
+    removeStale(wanted);
+    m_step.start(0);
+}
+
+void FileMirror::removeStale(const std::map<std::string, Wanted>& wanted) {
+    for (auto known = m_manifest.begin(); known != m_manifest.end();) {
+        if (wanted.count(known->first)) {
+            ++known;
+            continue;
+        }
+        m_touched = m_directory.remove(known->second) || m_touched;
+        known = m_manifest.erase(known);
+    }
+}
+
+void FileMirror::step() {
+    QElapsedTimer slice;
+    slice.start();
+    while (!m_queue.empty() && slice.elapsed() < sliceMs) {
+        const Wanted next = std::move(m_queue.front());
+        m_queue.pop_front();
+        fetch(next);
+    }
+    if (m_queue.empty())
+        finish();
+    else
+        m_step.start(0);
+}
+
+void FileMirror::fetch(const Wanted& wanted) {
+    std::vector<store::StoredFile> files;
+    const store::Status status = m_store.fileGet(wanted.path, wanted.name, true, &files);
+    const QString shown = QString::fromStdString(join(wanted.parts));
+    if (!status.ok()) {
+        tell(QStringLiteral("Файл «%1» не получен: %2")
+                 .arg(shown, QString::fromStdString(status.text)));
+        return;
+    }
+    if (files.empty())
+        return; // gone since the listing; its notification follows
+    if (!m_directory.write(wanted.parts, files.front().bytes, wanted.time)) {
+        tell(QStringLiteral("Файл «%1» не записан в %2files: %3").arg(shown, m_workDir, reason()));
+        return;
+    }
+    m_manifest[join(wanted.parts)] = wanted.parts;
+    m_touched = true;
+}
+
+void FileMirror::finish() {
+    if (m_touched) {
+        writeManifest();
+        m_touched = false;
+        emit updated();
+    }
+    m_idle = !m_compare.isActive();
+}
+
+void FileMirror::tell(const QString& text) {
+    if (m_told.contains(text))
+        return;
+    m_told.insert(text);
+    emit problem(text);
+}
+
+void FileMirror::readManifest() {
+    QFile file(m_workDir + QStringLiteral("mirror.list"));
+    if (!file.open(QIODevice::ReadOnly))
+        return;
+    for (const QByteArray& line : file.readAll().split('\n'))
+        if (!line.isEmpty())
+            m_manifest[line.toStdString()] = split(line.toStdString());
+}
+
+void FileMirror::writeManifest() {
+    QSaveFile file(m_workDir + QStringLiteral("mirror.list"));
+    bool ok = file.open(QIODevice::WriteOnly);
+    for (const auto& [path, parts] : m_manifest)
+        ok = ok && file.write((path + "\n").c_str()) >= 0;
+    if (!ok || !file.commit())
+        tell(
+            QStringLiteral("Список копии файловой области не записан: %1").arg(file.errorString()));
+}
+
+} // namespace orvo::app

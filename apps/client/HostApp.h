@@ -1,0 +1,25 @@
+// HostApp.h: the application object of the modules, as signals.
+#ifndef ORVO_APPS_CLIENT_HOSTAPP_H
+#define ORVO_APPS_CLIENT_HOSTAPP_H
+
+#include "frame/OrvoClient.h"
+
+namespace orvo::app {
+
+class HostApp : public QObject, public COrvoCliApp {
+    Q_OBJECT
+public:
+    void log(int level, const QString& place, const QString& text) override;
+    void moduleTitle(COrvoCliMod* module, const QString& title, const QString& second) override;
+    void moduleCall(COrvoCliMod* module, int code, void* data) override;
+
+signals:
+    void logged(int level, const QString& place, const QString& text);
+    void titleChanged(COrvoCliMod* module, const QString& title);
+    /// RUN_FILE: the form's name, and behind a ";" its parameters.
+    void formRequested(const QString& request);
+};
+
+} // namespace orvo::app
+
+#endif

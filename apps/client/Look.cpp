@@ -1,0 +1,50 @@
+#include "apps/client/Look.h"
+
+#include <QApplication>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QPalette>
+#include <QStyleFactory>
+#include <QTranslator>
+
+namespace orvo::app {
+
+namespace {
+
+QPalette calmPalette() {
+    const QColor window(0xf4, 0xf6, 0xf8);
+    const QColor text(0x1f, 0x29, 0x33);
+    const QColor faint(0x8a, 0x94, 0x9e);
+    QPalette palette(QColor(0xee, 0xf1, 0xf4), window);
+    palette.setColor(QPalette::WindowText, text);
+    palette.setColor(QPalette::Text, text);
+    palette.setColor(QPalette::ButtonText, text);
+    palette.setColor(QPalette::Base, Qt::white);
+    palette.setColor(QPalette::AlternateBase, QColor(0xf7, 0xf9, 0xfb));
+    palette.setColor(QPalette::Highlight, QColor(0x2f, 0x6f, 0xb5));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Mid, QColor(0xc3, 0xca, 0xd2));
+    palette.setColor(QPalette::ToolTipBase, QColor(0x2b, 0x34, 0x3e));
+    palette.setColor(QPalette::ToolTipText, Qt::white);
+    palette.setColor(QPalette::PlaceholderText, faint);
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, faint);
+    palette.setColor(QPalette::Inactive, QPalette::Highlight, QColor(0xd5, 0xe2, 0xf0));
+    palette.setColor(QPalette::Inactive, QPalette::HighlightedText, text);
+    return palette;
+}
+
+} // namespace
+
+void applyLook() {
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setPalette(calmPalette());
+    // File dialogs and standard menus speak Russian as the modules do.
+    auto* translator = new QTranslator(qApp); // owned by the application
+    if (translator->load(QLocale(QLocale::Russian), QStringLiteral("qtbase"), QStringLiteral("_"),
+                         QLibraryInfo::location(QLibraryInfo::TranslationsPath)))
+        QApplication::installTranslator(translator);
+    QLocale::setDefault(QLocale(QLocale::Russian));
+}
+
+} // namespace orvo::app

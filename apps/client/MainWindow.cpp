@@ -1,0 +1,94 @@
+#include "apps/client/MainWindow.h"
+
+#include "apps/client/LogPane.h"
+#include "apps/client/StatusLine.h"
+#include "frame/OrvoClient.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDockWidget>
+#include <QMenuBar>
+#include <QTabWidget>
+#include <QThread>
+#include <QTimer>
+
+namespace orvo::app {
+
+MainWindow::MainWindow(const QString& store, const QString& login)
+    : m_tabs(new QTabWidget(this))
+    , m_log(new LogPane(this))
+    , m_status(new StatusLine(store, login, this)) {
+    setObjectName(QStringLiteral("clientWindow"));
+    setWindowTitle(QStringLiteral("Orvo — %1").arg(store));
+    m_tabs->setObjectName(QStringLiteral("modules"));
+    m_tabs->setDocumentMode(true);
+    setCentralWidget(m_tabs);
+    setStatusBar(m_status);
+    auto* dock = new QDockWidget(QStringLiteral("Журнал"), this);
+    dock->setObjectName(QStringLiteral("logDock"));
+    dock->setWidget(m_log);
+    dock->setFeatures(QDockWidget::DockWidgetClosable | QDockWidget::DockWidgetMovable);
+    addDockWidget(Qt::BottomDockWidgetArea, dock);
+    makeMenus();
+    resize(1366, 900);
+    resizeDocks({dock}, {130}, Qt::Vertical);
+}
+
+void MainWindow::makeMenus() {
+    QMenu* client = menuBar()->addMenu(QStringLiteral("&Клиент"));
+    QAction* reopen = client->addAction(QStringLiteral("Открыть модули &заново"));
+    reopen->setShortcut(QKeySequence(QStringLiteral("Ctrl+R")));
+    // Queued: the menu is closed and its loop left before modules go.
+    connect(reopen, &QAction::triggered, this, &MainWindow::reopenRequested, Qt::QueuedConnection);
+    client->addSeparator();
+    QAction* quit = client->addAction(QStringLiteral("В&ыход"));
+    quit->setShortcut(QKeySequence::Quit);
+    connect(quit, &QAction::triggered, this, &QWidget::close, Qt::QueuedConnection);
+    QMenu* view = menuBar()->addMenu(QStringLiteral("&Вид"));
+    view->addAction(findChild<QDockWidget*>()->toggleViewAction());
+}
+
+void MainWindow::addModule(COrvoCliMod* module, const QString& name) {
+    m_tabs->addTab(module, module->windowTitle().isEmpty() ? name : module->windowTitle());
+}
+
+void MainWindow::setTitle(COrvoCliMod* module, const QString& title) {
+    const int index = m_tabs->indexOf(module);
+    if (index >= 0)
+        m_tabs->setTabText(index, QString(title).replace(QLatin1Char('&'), QLatin1String("&&")));
+}
+
+int MainWindow::currentModule() const {
+    return m_tabs->currentIndex();
+}
+
+void MainWindow::setCurrentModule(int index) {
+    m_tabs->setCurrentIndex(index);
+}
+
+void MainWindow::showError(const QString& text) {
+    if (!m_box)
+        m_box = new CPopMessageBox(this); // owned by its parent
+    m_box->setMessage(QStringLiteral("Ошибка"), text, MessageBoxIconError, MessageBoxTypeOk,
+                      SLOT(errorSeen()));
+    m_box->show();
+}
+
+void MainWindow::errorSeen() {
+    m_box->hide();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    // A module whose slot runs a menu or a dialog cannot go before that slot has returned.
+    if (QThread::currentThread()->loopLevel() > 1) {
+        event->ignore();
+        if (QWidget* popup = QApplication::activePopupWidget())
+            popup->close();
+        QTimer::singleShot(50, this, &QWidget::close);
+        return;
+    }
+    emit closing();
+    event->accept();
+}
+
+} // namespace orvo::app

@@ -1,0 +1,35 @@
+// Options.h: the command line of the client.
+#ifndef ORVO_APPS_CLIENT_OPTIONS_H
+#define ORVO_APPS_CLIENT_OPTIONS_H
+
+#include <QString>
+#include <QStringList>
+
+namespace orvo::app {
+
+struct Options {
+    QString store; ///< URL or absolute path
+    QString login;
+    QString workDir;     ///< absolute, with the separator at its end
+    QStringList modules; ///< "Menu", "Resources", in the order asked for; both if none was
+    QString screenshot;  ///< empty: none
+    bool help = false;
+    bool version = false;
+};
+
+/// Reads the arguments (the first is the program's name) and fills in the defaults from the
+/// environment. False, with one line in `error`, for what cannot be meant.
+bool parseOptions(const QStringList& arguments, Options* options, QString* error);
+
+/// The text of --help, lines ended.
+QString helpText();
+/// The text of --version, line ended.
+QString versionText();
+
+/// Empty if windows can be shown, else one line that says why not and what to do. Looks at the
+/// environment only.
+QString displayProblem();
+
+} // namespace orvo::app
+
+#endif

@@ -1,0 +1,35 @@
+// StatusLine.h: the status bar: connection, store, user, and the last failure until it is seen.
+#ifndef ORVO_APPS_CLIENT_STATUSLINE_H
+#define ORVO_APPS_CLIENT_STATUSLINE_H
+
+#include <QStatusBar>
+
+class QLabel;
+class QToolButton;
+
+namespace orvo::app {
+
+class StatusLine : public QStatusBar {
+    Q_OBJECT
+public:
+    StatusLine(const QString& store, const QString& login, QWidget* parent = nullptr);
+
+    void setConnected(bool up, const QString& reason);
+    /// Shows a failure, which stays until the user clicks it; later ones are counted with it.
+    void setFailure(const QString& text);
+    /// The failure on show, without the count; empty if none.
+    QString failure() const { return m_text; }
+
+private:
+    void acknowledge();
+
+    QLabel* m_light; // these: children of the bar
+    QLabel* m_connection;
+    QToolButton* m_failure;
+    QString m_text;
+    int m_count = 0;
+};
+
+} // namespace orvo::app
+
+#endif

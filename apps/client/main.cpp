@@ -1,0 +1,65 @@
+// orvo-client: the engineer's client. Exit codes: 0 done, 1 could not work, 2 wrong command line.
+#include "apps/client/Client.h"
+#include "apps/client/Look.h"
+#include "apps/client/MainWindow.h"
+#include "apps/client/Options.h"
+
+#include <QApplication>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+int refuse(int code, const QString& text) {
+    std::fprintf(stderr, "orvo-client: %s\n", qUtf8Printable(text.simplified()));
+    return code;
+}
+
+/// While the QApplication is made, Qt gives up by aborting and explains itself over many lines.
+/// The user gets one line and an exit code instead.
+void onStartMessage(QtMsgType type, const QMessageLogContext&, const QString& text) {
+    if (type != QtFatalMsg)
+        return;
+    refuse(1, QStringLiteral("Окна показать нельзя (дисплей «%1»): %2")
+                  .arg(qEnvironmentVariable("DISPLAY"), text));
+    std::_Exit(1);
+}
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments << QString::fromUtf8(argv[i]);
+    orvo::app::Options options;
+    QString error;
+    if (!orvo::app::parseOptions(arguments, &options, &error))
+        return refuse(2, error);
+    if (options.help || options.version) {
+        const QString text = options.help ? orvo::app::helpText() : orvo::app::versionText();
+        return std::fputs(text.toUtf8().constData(), stdout) < 0 ? 1 : 0;
+    }
+    error = orvo::app::displayProblem();
+    if (!error.isEmpty())
+        return refuse(1, error);
+
+    // The command line is read; Qt is to see the program's name alone.
+    int qtArgc = 1;
+    char* qtArgv[] = {argv[0], nullptr};
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    const QtMessageHandler usual = qInstallMessageHandler(onStartMessage);
+    QApplication application(qtArgc, qtArgv);
+    qInstallMessageHandler(usual);
+    QCoreApplication::setApplicationName(QStringLiteral("orvo-client"));
+    orvo::app::applyLook();
+
+    orvo::app::Client client(options);
+    if (!client.open(&error))
+        return refuse(1, error);
+    client.show();
+    if (!options.screenshot.isEmpty())
+        client.takeScreenshot();
+    return QApplication::exec();
+}

@@ -1,0 +1,160 @@
+// The application object's defaults and the base class of modules.
+#include "frame/OrvoClient.h"
+
+#include "platform/mdx/MdxBuild.h"
+
+#include <QCloseEvent>
+#include <QHash>
+#include <QPointer>
+
+#include <deque>
+
+namespace {
+
+struct BlockFree {
+    void operator()(MDXCliParam* block) const { orvo::mdx::paramFree(block); }
+};
+using Block = std::unique_ptr<MDXCliParam, BlockFree>;
+
+} // namespace
+
+COrvoCliApp::COrvoCliApp() = default;
+COrvoCliApp::~COrvoCliApp() = default;
+
+void COrvoCliApp::log(int level, const QString& place, const QString& text) {
+    qWarning("[%d] %s: %s", level, qUtf8Printable(place), qUtf8Printable(text));
+}
+
+void COrvoCliApp::moduleTitle(COrvoCliMod*, const QString&, const QString&) {}
+
+void COrvoCliApp::moduleCall(COrvoCliMod*, int, void*) {}
+
+struct COrvoCliMod::Private {
+    std::deque<Block> queue;
+    QHash<QString, QString> params;
+    QString profile;
+    QString state;
+};
+
+COrvoCliMod::COrvoCliMod(COrvoCliApp* app)
+    : m_app(app)
+    , m_paths(new Paths)
+    , d(std::make_unique<Private>()) {
+    if (app)
+        m_paths->workDir = app->m_workDir;
+    // A main window is a window of its own until the host places it.
+    setWindowFlags(Qt::Widget);
+}
+
+COrvoCliMod::~COrvoCliMod() {
+    delete m_paths;
+}
+
+void COrvoCliMod::LogFile(int level, QString place, QString text) {
+    if (m_app)
+        m_app->log(level, place, text);
+}
+
+bool COrvoCliMod::ModuleStart() {
+    return true;
+}
+
+void COrvoCliMod::ModuleStop() {}
+
+void COrvoCliMod::MessageOn() {
+    MessageGet();
+}
+
+bool COrvoCliMod::MessageData(MDXCliParam*) {
+    return true;
+}
+
+void COrvoCliMod::SetError(QString text) {
+    LogFile(5, m_moduleName, text);
+}
+
+void COrvoCliMod::SetParamMod(QString name, QString value) {
+    d->params.insert(name, value);
+}
+
+QString COrvoCliMod::GetParamMod(QString name, QString& value) {
+    value = d->params.value(name);
+    return value;
+}
+
+void COrvoCliMod::SetParamCommand(QString) {}
+
+void COrvoCliMod::SetParamProfile(QString profile) {
+    d->profile = profile;
+}
+
+QString COrvoCliMod::GetParamProfile() {
+    return d->profile;
+}
+
+void COrvoCliMod::SetParamState(QString state) {
+    d->state = state;
+}
+
+QString COrvoCliMod::GetParamState() {
+    return d->state;
+}
+
+void COrvoCliMod::ParentResizeOn(int, int) {} // the tab's layout gives a module its size
+
+QStringList COrvoCliMod::GetAlarmsList() {
+    return {};
+}
+
+void COrvoCliMod::AppIdleEvent() {}
+void COrvoCliMod::ModSesReconnect() {}
+void COrvoCliMod::ModDataEditPost() {}
+void COrvoCliMod::ModDataEditCancel() {}
+void COrvoCliMod::slot_modNotify(QString, QVariant) {}
+void COrvoCliMod::slot_toolFinished() {}
+
+void COrvoCliMod::slot_popMessageBoxClicked(QAbstractButton*) {
+    if (m_popMessageBox)
+        m_popMessageBox->hide();
+}
+
+void COrvoCliMod::slot_endRestructure() {}
+
+void COrvoCliMod::SetModTitle(QString title, QString second) {
+    setWindowTitle(second.isEmpty() ? title : QStringLiteral("%1 — %2").arg(title, second));
+    if (m_app)
+        m_app->moduleTitle(this, title, second);
+}
+
+void COrvoCliMod::MessageGet() {
+    // A handler may close the module: nothing of it is touched after that.
+    const QPointer<COrvoCliMod> self(this);
+    while (self && !d->queue.empty()) {
+        const Block block = std::move(d->queue.front());
+        d->queue.pop_front();
+        MessageData(block.get());
+    }
+}
+
+void COrvoCliMod::doCall(int code, void* what) {
+    if (m_app)
+        m_app->moduleCall(this, code, what);
+}
+
+void COrvoCliMod::PopMessageBoxCreate() {
+    if (!m_popMessageBox)
+        m_popMessageBox = new CPopMessageBox(this); // owned by its parent
+}
+
+void COrvoCliMod::messagePut(MDXCliParam* prm) {
+    if (prm)
+        d->queue.emplace_back(prm);
+}
+
+int COrvoCliMod::messagesWaiting() const {
+    return static_cast<int>(d->queue.size());
+}
+
+void COrvoCliMod::closeEvent(QCloseEvent* event) {
+    event->accept();
+}

@@ -1,0 +1,161 @@
+#include "platform/client/SessionPrivate.h"
+
+#include "platform/client/Blocks.h"
+#include "platform/mdx/MdxBuild.h"
+
+#include <QDateTime>
+#include <QGuiApplication>
+
+#include <cmath>
+#include <cstring>
+#include <string_view>
+#include <utility>
+
+namespace orvo::client {
+
+std::unique_ptr<COrvoCliSes> makeSession(std::unique_ptr<store::Store> store,
+                                         store::Status* status) {
+    auto p = std::make_unique<COrvoCliSes::Private>();
+    if (!store) {
+        *status = {store::BadArguments, "Хранилище не открыто."};
+        return nullptr;
+    }
+    p->store = std::move(store);
+    *status = p->store->logPosition(&p->cursor);
+    if (!status->ok())
+        return nullptr;
+    return std::make_unique<COrvoCliSes>(std::move(p));
+}
+
+store::Store& sessionStore(COrvoCliSes& session) {
+    return *session.data()->store;
+}
+
+SessionEvents& sessionEvents(COrvoCliSes& session) {
+    return session.data()->events;
+}
+
+int64_t sessionCursor(const COrvoCliSes& session) {
+    return session.data()->cursor;
+}
+
+bool sessionBusy(const COrvoCliSes& session) {
+    return session.data()->busy > 0;
+}
+
+CallScope::CallScope(COrvoCliSes::Private& session)
+    : m_session(session)
+    , m_cursor(session.busy == 0 && qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
+    ++m_session.busy;
+    if (m_cursor)
+        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+}
+
+CallScope::~CallScope() {
+    --m_session.busy;
+    if (m_cursor)
+        QGuiApplication::restoreOverrideCursor();
+}
+
+QString onTable(const char* doing, std::string_view table) {
+    return QStringLiteral("%1 «%2»").arg(
+        QString::fromUtf8(doing),
+        QString::fromUtf8(table.data(), static_cast<int>(std::min<size_t>(table.size(), 80))));
+}
+
+} // namespace orvo::client
+
+using namespace orvo;
+using namespace orvo::client;
+
+void COrvoCliSes::Private::report(const QString& operation, const store::Status& status) {
+    if (!status.ok())
+        emit events.failed({operation, status.code, QString::fromStdString(status.text)});
+}
+
+COrvoCliSes::COrvoCliSes(std::unique_ptr<Private> p) : d(std::move(p)) {}
+
+COrvoCliSes::~COrvoCliSes() {
+    for (const auto& [block, request] : d->pending)
+        mdx::paramFree(block);
+}
+
+int COrvoCliSes::PacketExec(const char* name, const void* data, int length, MDXCliParam** prm) {
+    if (!name || !prm || length < 0 || (!data && length > 0))
+        return 0;
+    MDXCliParam* block = makeReply();
+    if (!block)
+        return 0;
+    Request request{name, {}};
+    if (length > 0)
+        request.data.assign(static_cast<const char*>(data), static_cast<size_t>(length));
+    d->pending.emplace(block, std::move(request));
+    *prm = block;
+    return 1;
+}
+
+int COrvoCliSes::WaitResult(MDXCliParam** prm, int /*timeout*/) {
+    if (!prm || !*prm)
+        return 0;
+    const auto found = d->pending.find(*prm);
+    if (found == d->pending.end())
+        return 0;
+    const Request request = std::move(found->second);
+    d->pending.erase(found);
+
+    const CallScope scope(*d);
+    MDXCliParam* reply = answer(*d, request);
+    if (!reply)
+        return 0; // the request's block stays the caller's
+    mdx::paramFree(*prm);
+    *prm = reply;
+    return 1;
+}
+
+void COrvoCliSes::PrmFree(MDXCliParam* prm) {
+    d->pending.erase(prm);
+    mdx::paramFree(prm);
+}
+
+MDArray* COrvoCliSes::SqlRequest(const char* sql) {
+    static constexpr std::string_view head = "select * from Menu where FolderKey = '";
+    const QString operation = QStringLiteral("Выборка элементов меню");
+    const std::string_view text(sql ? sql : "");
+    if (text.size() <= head.size() || text.substr(0, head.size()) != head || text.back() != '\'') {
+        d->report(operation, {store::Refused, "Такой запрос не поддерживается."});
+        return nullptr;
+    }
+    const std::string_view literal = text.substr(head.size(), text.size() - head.size() - 1);
+
+    const CallScope scope(*d);
+    CMDArray rows;
+    store::Status status =
+        d->store->fetchWhere("Menu", "FolderKey", mdx::toUtf8(literal), rows.array);
+    if (status.ok() && !ensureKeyLink(rows.array, MDX_KEY_UNIQUE))
+        status = {store::NoMemory, "Недостаточно памяти."};
+    d->report(operation, status);
+    return status.ok() ? std::exchange(rows.array, nullptr) : nullptr;
+}
+
+int COrvoCliSes::SqlUpdate(const char* table, MDArray* records, bool /*always*/,
+                           MDXCliParam** prm) {
+    const CallScope scope(*d);
+    const std::string_view name(table ? table : "");
+    const store::Status status =
+        table && records ? d->store->update(name, records)
+                         : store::Status{store::BadArguments, "Нет таблицы или записей для неё."};
+    d->report(onTable("Запись в таблицу", name), status);
+    if (prm)
+        *prm = makeReply(status);
+    if (status.ok())
+        emit d->events.written();
+    return status.ok() ? 1 : 0;
+}
+
+QDateTime COrvoCliSes::MdxTimeToSesTime(double time) const {
+    // What a QDateTime can show and a JSON or database number can exceed.
+    constexpr double limit = 253402300800.0; // the year 10000
+    if (!std::isfinite(time) || std::fabs(time) >= limit)
+        return {};
+    return QDateTime::fromMSecsSinceEpoch(std::llround(time * 1000.0));
+}

@@ -1,0 +1,264 @@
+// The base of the tools, and those that read or delete.
+#include "platform/client/SessionPrivate.h"
+
+#include "platform/client/ToolSupport.h"
+#include "platform/mdx/MdxBuild.h"
+
+#include <algorithm>
+#include <cstring>
+#include <exception>
+#include <limits>
+
+using namespace orvo;
+using namespace orvo::client;
+
+COrvoToolObject::COrvoToolObject(COrvoCliMod* module) : m_module(module) {}
+COrvoToolObject::~COrvoToolObject() = default;
+
+void COrvoToolObject::Perform(bool /*background*/) {
+    COrvoCliSes* session = m_module && m_module->m_app ? m_module->m_app->m_session : nullptr;
+    if (!session)
+        return; // a host without a session has nobody to tell either
+    const CallScope scope(*session->data());
+    try {
+        run(*session);
+    } catch (const std::exception& failure) {
+        session->data()->report(objectName(), {store::NoMemory, failure.what()});
+    }
+}
+
+// ---------------------------------------------------------------------------------------------
+
+namespace {
+
+/// Rows of stored files as the editors read them. A fifth field keeps the order of the reply.
+bool fillFiles(CMDArray& result, const std::vector<store::StoredFile>& files) {
+    CMDArray rows;
+    mdx::addField(rows.array, "name", MDX_TEXT);
+    mdx::addField(rows.array, "time", MDX_DATE);
+    mdx::addField(rows.array, "size", MDX_INTEGER);
+    mdx::addField(rows.array, "data", MDX_BLOCK);
+    mdx::addField(rows.array, "order", MDX_INTEGER);
+    mdx::RecordWriter writer(rows.array);
+    int order = 0;
+    for (const store::StoredFile& file : files) {
+        writer.begin();
+        writer.textUtf8(0, file.name.data(), file.name.size());
+        if (file.time)
+            writer.date(1, *file.time);
+        writer.integer(2, static_cast<int32_t>(
+                              std::min<uint64_t>(file.size, std::numeric_limits<int32_t>::max())));
+        if (!file.bytes.empty())
+            writer.block(3, file.bytes.data(), file.bytes.size());
+        writer.integer(4, order++);
+        writer.end();
+    }
+    if (writer.finish() != MDX_OK)
+        return false;
+    rows.KeyAdd("order", MDX_KEY_UNIQUE);
+    if (rows.status != MDX_OK)
+        return false;
+    result.Attach(std::exchange(rows.array, nullptr));
+    return true;
+}
+
+/// Empties a result of an earlier run.
+void clear(CMDArray& result) {
+    CMDArray empty;
+    result.Attach(std::exchange(empty.array, nullptr));
+}
+
+void finishFiles(COrvoCliSes& session, const QString& operation, store::Status status,
+                 const std::vector<store::StoredFile>& files, CMDArray& result) {
+    if (status.ok() && !fillFiles(result, files))
+        status = {store::NoMemory, "Недостаточно памяти."};
+    session.data()->report(operation, status);
+}
+
+/// The server's keys of a table, for the tool that seeks by key number.
+const char* serverKey(const std::string& table, int32_t number) {
+    struct Keys {
+        const char* table;
+        std::initializer_list<const char*> keys;
+    };
+    static const Keys all[] = {
+        {"Menu", {"KeyLink", "parent;order_", "MenuResourceKey", "FolderKey"}},
+        {"MenuFolder", {"KeyLink", "ParentKey;order_;caption"}},
+        {"MenuResource",
+         {"KeyLink", "type_;MenuResourceFolderKey;name_", "type_;name_", "MenuResourceFolderKey"}},
+        {"MenuResourceFolder",
+         {"KeyLink", "type_;ParentKey;caption", "type_;caption", "ParentKey"}},
+        {"Users", {"KeyLink", "login_"}},
+        {"MenuFileExt", {"KeyLink"}},
+    };
+    for (const Keys& entry : all)
+        if (table == entry.table && number >= 0 && static_cast<size_t>(number) < entry.keys.size())
+            return entry.keys.begin()[number];
+    return nullptr;
+}
+
+/// Whether the field has exactly that value; NULL asks for NULL.
+bool equals(MDRField field, const MDRData* record, const MDRVar& wanted) {
+    MDRVar value{};
+    MDRGetVal(field, record, &value);
+    const bool wantsNull = wanted.null || wanted.type == MDX_NONE;
+    if (wantsNull || value.null)
+        return wantsNull && value.null;
+    if (wanted.type != value.type)
+        return false;
+    switch (value.type) {
+    case MDX_BOOLEAN:
+        return (value.value.boolean != 0) == (wanted.value.boolean != 0);
+    case MDX_INTEGER:
+        return value.value.integer == wanted.value.integer;
+    case MDX_DATE:
+        return !(value.value.date < wanted.value.date) && !(wanted.value.date < value.value.date);
+    default:
+        return value.value.text.length == wanted.value.text.length &&
+               (value.value.text.length == 0 ||
+                std::memcmp(value.value.text.pointer, wanted.value.text.pointer,
+                            value.value.text.length) == 0);
+    }
+}
+
+} // namespace
+
+CToolRecByKey::CToolRecByKey(COrvoCliMod* module) : COrvoToolObject(module) {
+    setObjectName(QStringLiteral("RecByKey"));
+}
+
+CToolRecByKey::~CToolRecByKey() = default;
+
+void CToolRecByKey::run(COrvoCliSes& session) {
+    clear(result);
+    const QString operation = onTable("Поиск записей в таблице", tableName);
+    const char* key = serverKey(tableName, keyNumber);
+    if (!key) {
+        session.data()->report(operation, {store::UnknownName, "Нет такой таблицы или ключа."});
+        return;
+    }
+    const QList<QByteArray> fields = QByteArray(key).split(';');
+    const int most = std::min({fields.size(), keyValues.size(), keyBits.size()});
+
+    // The store seeks by one text; the other values are compared here.
+    int seek = -1;
+    for (int i = 0; i < most && seek < 0; ++i)
+        if (keyBits.testBit(i) && keyValues[i].type == MDX_TEXT && !keyValues[i].null)
+            seek = i;
+    CMDArray rows;
+    store::Status status;
+    if (seek >= 0) {
+        const MDRVar& value = keyValues[seek];
+        status = session.data()->store->fetchWhere(
+            tableName, fields[seek].constData(),
+            mdx::toUtf8({value.value.text.pointer, value.value.text.length}), rows.array);
+    } else {
+        status = session.data()->store->fetch(tableName, rows.array);
+    }
+    if (status.ok()) {
+        std::vector<MDRData*> others;
+        for (uint32_t i = 0; i < mdx::postedCount(rows.array); ++i) {
+            MDRData* record = mdx::postedRecord(rows.array, i);
+            for (int k = 0; k < most; ++k)
+                if (keyBits.testBit(k) && k != seek &&
+                    !equals(MDRFldByName(rows.array, fields[k].constData()), record,
+                            keyValues[k])) {
+                    others.push_back(record);
+                    break;
+                }
+        }
+        for (MDRData* record : others)
+            MDARecDel(record);
+        if (rows.array->keyCount == 0)
+            rows.KeyAdd("KeyLink", MDX_KEY_UNIQUE);
+        result.Attach(std::exchange(rows.array, nullptr));
+    }
+    session.data()->report(operation, status);
+}
+
+CToolFormGet::CToolFormGet(COrvoCliMod* module) : COrvoToolObject(module) {
+    setObjectName(QStringLiteral("FormGet"));
+}
+
+CToolFormGet::~CToolFormGet() = default;
+
+void CToolFormGet::run(COrvoCliSes& session) {
+    clear(result);
+    std::vector<store::StoredFile> files;
+    const store::Status status =
+        session.data()->store->formGet(formName.toStdString(), withData, &files);
+    finishFiles(session, QStringLiteral("Чтение формы «%1»").arg(formName), status, files, result);
+}
+
+CToolFileList::CToolFileList(COrvoCliMod* module) : COrvoToolObject(module) {
+    setObjectName(QStringLiteral("FileList"));
+}
+
+CToolFileList::~CToolFileList() = default;
+
+void CToolFileList::run(COrvoCliSes& session) {
+    clear(result);
+    std::vector<store::StoredFile> files;
+    store::Store& store = *session.data()->store;
+    store::Status status;
+    if (!name.isEmpty()) {
+        status = store.fileGet(path.toStdString(), name.toStdString(), false, &files);
+    } else {
+        const std::string folder = path.toStdString();
+        status = store.fileArea([&](const std::string& at, const store::StoredFile& file) {
+            if (at == folder)
+                files.push_back(file);
+        });
+        std::sort(files.begin(), files.end(),
+                  [](const auto& a, const auto& b) { return a.name < b.name; });
+    }
+    finishFiles(session, QStringLiteral("Список файлов папки «%1»").arg(path), status, files,
+                result);
+}
+
+CToolFileGet::CToolFileGet(COrvoCliMod* module) : COrvoToolObject(module) {
+    setObjectName(QStringLiteral("FileGet"));
+}
+
+CToolFileGet::~CToolFileGet() = default;
+
+void CToolFileGet::run(COrvoCliSes& session) {
+    clear(result);
+    std::vector<store::StoredFile> files;
+    const store::Status status =
+        session.data()->store->fileGet(path.toStdString(), name.toStdString(), true, &files);
+    finishFiles(session, QStringLiteral("Чтение файла «%1»").arg(storedPath(path, name)), status,
+                files, result);
+}
+
+CToolFormDel::CToolFormDel(COrvoCliMod* module) : COrvoToolObject(module) {
+    setObjectName(QStringLiteral("FormDel"));
+}
+
+CToolFormDel::~CToolFormDel() = default;
+
+void CToolFormDel::run(COrvoCliSes& session) {
+    std::vector<std::string> forms;
+    for (const QString& form : names)
+        forms.push_back(form.toStdString());
+    finishWrite(session, QStringLiteral("Удаление форм: %1").arg(names.join(QStringLiteral(", "))),
+                session.data()->store->formDelete(forms));
+}
+
+CToolFileDel::CToolFileDel(COrvoCliMod* module) : COrvoToolObject(module) {
+    setObjectName(QStringLiteral("FileDel"));
+}
+
+CToolFileDel::~CToolFileDel() = default;
+
+void CToolFileDel::run(COrvoCliSes& session) {
+    std::vector<std::pair<std::string, std::string>> pairs;
+    QStringList paths;
+    for (const auto& [path, name] : files) {
+        pairs.emplace_back(path.toStdString(), name.toStdString());
+        paths << storedPath(path, name);
+    }
+    finishWrite(session,
+                QStringLiteral("Удаление файлов: %1").arg(paths.join(QStringLiteral(", "))),
+                session.data()->store->fileDelete(pairs));
+}
