@@ -15,7 +15,7 @@ QTextCodec* recordCodec() {
 }
 
 QString fromRecord(const char* bytes) {
-    return bytes ? recordCodec()->toUnicode(bytes) : QString();
+    return bytes && *bytes ? recordCodec()->toUnicode(bytes) : QString();
 }
 
 QByteArray toRecord(const QString& text) {

@@ -27,7 +27,8 @@ namespace orvo {
 
 /// The codec of all record texts, Windows-1251. Never null, not owned.
 QTextCodec* recordCodec();
-/// Record bytes (NUL-terminated; null gives an empty string) as a QString.
+/// Record bytes (NUL-terminated) as a QString. NULL and empty text both give the null string: the
+/// models take a null string for "no icon".
 QString fromRecord(const char* bytes);
 /// A QString as record bytes. A null string gives empty bytes.
 QByteArray toRecord(const QString& text);

@@ -1,0 +1,47 @@
+#include "models/DesckDelegate.h"
+
+#include "models/DesckTreeModel.h"
+#include "models/EditorCommit.h"
+
+#include <QLineEdit>
+#include <QSignalBlocker>
+
+namespace {
+
+bool isNameCell(const QModelIndex& index) {
+    return index.isValid() && index.column() == 0;
+}
+
+} // namespace
+
+DesckDelegate::DesckDelegate(DesckTreeModel* model, QObject* parent)
+    : QStyledItemDelegate(parent)
+    , m_model(model) {}
+
+QWidget* DesckDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&,
+                                     const QModelIndex& index) const {
+    if (!isNameCell(index))
+        return nullptr;
+    auto* editor = new QLineEdit(parent);
+    connect(editor, &QLineEdit::textChanged, this, &DesckDelegate::commitEditorData);
+    return editor;
+}
+
+void DesckDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const {
+    auto* line = qobject_cast<QLineEdit*>(editor);
+    if (!isNameCell(index) || !line)
+        return;
+    const QSignalBlocker blocked(line);
+    line->setText(m_model->data(index, Qt::EditRole).toString());
+}
+
+void DesckDelegate::setModelData(QWidget* editor, QAbstractItemModel* model,
+                                 const QModelIndex& index) const {
+    const auto* line = qobject_cast<const QLineEdit*>(editor);
+    if (isNameCell(index) && line)
+        model->setData(index, line->text(), Qt::EditRole);
+}
+
+void DesckDelegate::commitEditorData() {
+    commitEditor(*this, sender());
+}

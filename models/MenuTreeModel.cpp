@@ -1,0 +1,137 @@
+#include "models/MenuTreeModel.h"
+
+#include "models/DragKeys.h"
+
+#include <QMimeData>
+
+namespace {
+
+enum Column { Caption = 0, Type = 1, Icon = 4, KeyLink = 5 };
+
+const QLatin1String dragType("OrvoMenu/menu/dragdrop");
+
+bool hasType(const TabRec& row, const QString& word) {
+    return row.data(Type).toString().compare(word, Qt::CaseInsensitive) == 0;
+}
+
+bool isFolderRow(const TabRec& row) {
+    return hasType(row, QStringLiteral("папка"));
+}
+
+/// Empty for a row that shows no icon.
+QString iconPath(const TabRec& row, const QString& iconsPath) {
+    if (row.level() == 0)
+        return QStringLiteral(":/res/menu1.png");
+    const QVariant icon = row.data(Icon);
+    if (isFolderRow(row)) {
+        if (!icon.isNull())
+            return iconsPath + icon.toString();
+        return row.isExpanded() ? QStringLiteral(":/res/openfolder1.png")
+                                : QStringLiteral(":/res/closedfolder1.png");
+    }
+    const bool known = hasType(row, QStringLiteral("модуль")) ||
+                       hasType(row, QStringLiteral("файл")) ||
+                       hasType(row, QStringLiteral("функция"));
+    return known && !icon.isNull() ? iconsPath + icon.toString() : QString();
+}
+
+} // namespace
+
+MenuTreeModel::MenuTreeModel(const QStringList& headers, const QString& iconsPath, QObject*)
+    : TreeModelCore(headers, KeyLink,
+                    Qt::ItemIsEditable | Qt::ItemIsDragEnabled | Qt::ItemIsDropEnabled)
+    , m_iconsPath(iconsPath) {}
+
+QVariant MenuTreeModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid())
+        return {};
+    const TabRec& row = *getItem(index);
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::EditRole:
+        return row.data(index.column());
+    case Qt::DecorationRole: {
+        if (index.column() != Caption)
+            return {};
+        const QString path = iconPath(row, m_iconsPath);
+        return path.isEmpty() ? QVariant() : m_icons.icon(path);
+    }
+    case KeyRole:
+        return row.data(KeyLink);
+    default:
+        return {};
+    }
+}
+
+bool MenuTreeModel::moveRows(const QModelIndex& sourceParent, int sourceRow, int count,
+                             const QModelIndex& destinationParent, int destinationChild) {
+    return moveValues(sourceParent, sourceRow, count, destinationParent, destinationChild);
+}
+
+QModelIndex MenuTreeModel::findIndexByKey(const QString& key) const {
+    return key.isEmpty() ? index(0, 0) : TreeModelCore::findIndexByKey(key);
+}
+
+bool MenuTreeModel::itemIsFolder(const QModelIndex& index) const {
+    if (!index.isValid())
+        return false;
+    const TabRec& row = *getItem(index);
+    return row.level() == 0 || isFolderRow(row);
+}
+
+bool MenuTreeModel::itemIsFirstSibling(const QModelIndex& index) const {
+    return index.isValid() && getItem(index)->childNumber() == 0;
+}
+
+bool MenuTreeModel::itemIsLastSibling(const QModelIndex& index) const {
+    if (!index.isValid())
+        return false;
+    const TabRec* row = getItem(index);
+    return row->parent() && row->childNumber() == row->parent()->childCount() - 1;
+}
+
+bool MenuTreeModel::copyChildRows(const QModelIndex& source, const QModelIndex& destination) {
+    copyChildren(source, destination);
+    return true;
+}
+
+QStringList MenuTreeModel::mimeTypes() const {
+    return {dragType};
+}
+
+QMimeData* MenuTreeModel::mimeData(const QModelIndexList& indexes) const {
+    QByteArray payload;
+    for (const QModelIndex& row : dragkeys::rowsOf(indexes))
+        payload += getItemKeyLink(row).toUtf8() + ';';
+    auto* data = new QMimeData;
+    data->setData(dragType, payload);
+    return data;
+}
+
+bool MenuTreeModel::canDropMimeData(const QMimeData* data, Qt::DropAction, int, int,
+                                    const QModelIndex& parent) const {
+    const QStringList keys = dragkeys::keys(dragkeys::payload(data, dragType));
+    const QModelIndex target = firstColumn(parent);
+    for (const QString& key : keys) {
+        const QModelIndex source = findIndexByKey(key);
+        // The walk ends below the top row, which is therefore never refused.
+        for (QModelIndex at = target; at.parent().isValid(); at = at.parent()) {
+            if (at == source)
+                return false;
+        }
+    }
+    if (keys.size() < 2)
+        return true;
+    for (const QString& key : keys) {
+        if (findIndexByKey(key).parent() == target.parent())
+            return false;
+    }
+    return true;
+}
+
+bool MenuTreeModel::dropMimeData(const QMimeData* data, Qt::DropAction, int row, int,
+                                 const QModelIndex& parent) {
+    const QStringList keys = dragkeys::keys(dragkeys::payload(data, dragType));
+    emit dragdropOperation(firstColumn(parent), keys, row < 0 ? -1 : row);
+    return false;
+}

@@ -1,0 +1,56 @@
+#include "models/PopTreeModel.h"
+
+namespace {
+
+enum Column { Name = 0, KeyLink = 4, IsFolder = 5 };
+enum Kind { Module = 1, Function = 2, Form = 3, File = 4 };
+
+} // namespace
+
+PopTreeModel::PopTreeModel(const QStringList& headers, const QString& filesPath, QObject*)
+    : TreeModelCore(headers, KeyLink, Qt::ItemIsEditable)
+    , m_filesPath(filesPath) {}
+
+void PopTreeModel::setInitialFolder(const QString& folder) {
+    m_initialFolderPath = m_filesPath + folder + QLatin1Char('/');
+}
+
+bool PopTreeModel::itemIsFolder(const QModelIndex& index) const {
+    return index.isValid() && getItem(index)->data(IsFolder).toBool();
+}
+
+QVariant PopTreeModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid())
+        return {};
+    const TabRec& row = *getItem(index);
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::EditRole:
+        return row.data(index.column());
+    case Qt::DecorationRole:
+        return index.column() == Name ? decoration(row) : QVariant();
+    case KeyRole:
+        return row.data(KeyLink);
+    default:
+        return {};
+    }
+}
+
+QVariant PopTreeModel::decoration(const TabRec& row) const {
+    if (row.data(IsFolder).toBool())
+        return m_icons.icon(row.isExpanded() ? QStringLiteral(":/res/openfolder1.png")
+                                             : QStringLiteral(":/res/closedfolder1.png"));
+    switch (m_objectType) {
+    case Module:
+        return m_icons.icon(QStringLiteral(":/res/modul1.png"));
+    case Function:
+        return m_icons.icon(QStringLiteral(":/res/function1.png"));
+    case Form:
+        return m_icons.icon(QStringLiteral(":/res/file1.png"));
+    case File:
+        return m_icons.icon(m_showFileIcons ? m_initialFolderPath + row.data(Name).toString()
+                                            : QStringLiteral(":/res/file1.png"));
+    default:
+        return {};
+    }
+}

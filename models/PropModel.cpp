@@ -1,0 +1,108 @@
+#include "models/PropModel.h"
+
+#include <QBrush>
+#include <QColor>
+
+namespace {
+
+enum Column { Caption = 0, Value = 1, Editor = 2, ReadOnly = 3, Name = 4, IsEditRow = 5 };
+
+bool isEditRow(const PaspRec& row) {
+    return row.data(IsEditRow).toBool();
+}
+
+bool isComboRow(const PaspRec& row) {
+    return isEditRow(row) && row.data(Editor).toInt() == MyEditorCombo;
+}
+
+} // namespace
+
+PropModel::PropModel(const QStringList& headers, const QString& iconsPath, QObject*)
+    : TreeModelCore(headers, Name, Qt::ItemIsEditable)
+    , m_iconsPath(iconsPath) {}
+
+QVariant PropModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid())
+        return {};
+    const PaspRec& row = *getItem(index);
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::EditRole:
+        return row.data(index.column());
+    case Qt::BackgroundRole:
+        return isEditRow(row) ? QVariant() : QBrush(QColor(235, 235, 235));
+    case Qt::ForegroundRole:
+        return index.column() == Value && row.data(ReadOnly).toBool() ? QColor(0x80, 0x80, 0x80)
+                                                                      : QVariant();
+    case KeyRole:
+        return row.data(Name);
+    default:
+        return {};
+    }
+}
+
+bool PropModel::setData(const QModelIndex& index, const QVariant& value, int role) {
+    const QVariant old = getItem(index)->data(index.column());
+    // Taken first: a slot of dataChanged may remove the row.
+    const QString name = getItem(index)->data(Name).toString();
+    const bool setsName = index.column() == Name;
+    if (!TreeModelCore::setData(index, value, role))
+        return false;
+    if (value != old)
+        emit editorRowValueChanged(setsName ? value.toString() : name, value);
+    return true;
+}
+
+bool PropModel::addRow(const QVector<QVariant>& values, const QModelIndex& parent) {
+    if (parent.isValid() && parent.column() != 0)
+        return false;
+    Batch rows = newRows(parent);
+    rows.add(values);
+    return insertFilledRows(rowCount(parent), std::move(rows), parent);
+}
+
+bool PropModel::AddEditorRow(const QString& name, const QString& caption, MyEditorType editor,
+                             const QModelIndex& parent, bool readOnly) {
+    return addRow({caption, QVariant(), static_cast<int>(editor), readOnly, name, true}, parent);
+}
+
+bool PropModel::AddCategoryRow(const QString& name, const QString& caption,
+                               const QModelIndex& parent) {
+    return addRow({caption, QVariant(), QVariant(), QVariant(), name, false}, parent);
+}
+
+PaspRec* PropModel::editorRow(const QString& name) const {
+    const QModelIndex index = findIndexByKey(name);
+    return isEditorRow(index) ? item(index) : nullptr;
+}
+
+bool PropModel::setRowValue(const QString& name, const QVariant& value) {
+    PaspRec* row = editorRow(name);
+    return row && store(row, Value, value);
+}
+
+QVariant PropModel::getRowValue(const QString& name) const {
+    const PaspRec* row = editorRow(name);
+    return row ? row->data(Value) : QVariant();
+}
+
+bool PropModel::isEditorRow(const QModelIndex& index) const {
+    return index.isValid() && isEditRow(*getItem(index));
+}
+
+bool PropModel::clearRows() {
+    return rowCount() > 0 && removeRows(0, rowCount());
+}
+
+void PropModel::setComboBox(const QString& name, QComboBox* comboBox) {
+    PaspRec* row = editorRow(name);
+    if (row && isComboRow(*row))
+        row->setComboBox(comboBox);
+}
+
+QComboBox* PropModel::getComboBox(const QModelIndex& index) const {
+    if (!index.isValid())
+        return nullptr;
+    const PaspRec& row = *getItem(index);
+    return isComboRow(row) ? row.comboBox() : nullptr;
+}

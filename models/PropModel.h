@@ -1,0 +1,67 @@
+// PropModel.h: the property grid (passport) of an element or resource.
+#ifndef ORVO_MODELS_PROPMODEL_H
+#define ORVO_MODELS_PROPMODEL_H
+
+#include "models/PaspRec.h"
+#include "models/TreeModelCore.h"
+
+/// How the value of a row is edited.
+enum MyEditorType {
+    MyEditorLine = 0,   ///< a text
+    MyEditorCombo = 1,  ///< a text out of the row's combo box
+    MyEditorCheck = 2,  ///< a bool; an invalid value is partially checked
+    MyEditorButton = 3, ///< a text with a "..." button, not typed
+};
+
+/// Columns: 0 caption, 1 value, 2 MyEditorType, 3 read-only, 4 row name (the key), 5 whether it is
+/// an editor row; a category row is none. Row names compare without regard to case.
+class PropModel : public TreeModelCore<PaspRec> {
+    Q_OBJECT
+public:
+    /// `iconsPath` is stored for the family's sake. `parent` is accepted likewise; the model has no
+    /// QObject parent.
+    PropModel(const QStringList& headers, const QString& iconsPath, QObject* parent = nullptr);
+
+    QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+    /// As in the core; emits editorRowValueChanged if the value differs from the old one, whatever
+    /// the column.
+    bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;
+
+    /// A new last row below `parent`. False, and nothing added, below a column other than 0.
+    bool AddEditorRow(const QString& name, const QString& caption, MyEditorType editor,
+                      const QModelIndex& parent, bool readOnly);
+    bool AddCategoryRow(const QString& name, const QString& caption, const QModelIndex& parent);
+    /// Fills in a value without any signal: it shows at the view's next repaint, and never looks
+    /// like an edit. False if there is no editor row of that name.
+    bool setRowValue(const QString& name, const QVariant& value);
+    /// Invalid if there is no editor row of that name.
+    QVariant getRowValue(const QString& name) const;
+    /// False for an invalid index.
+    bool isEditorRow(const QModelIndex& index) const;
+    /// Removes all rows; false if there are none.
+    bool clearRows();
+    /// The box that the editor of a row of type MyEditorCombo takes its entries from; it stays the
+    /// caller's. Other rows: nothing.
+    void setComboBox(const QString& name, QComboBox* comboBox);
+    /// Null for rows of another type, and for an invalid index.
+    QComboBox* getComboBox(const QModelIndex& index) const;
+    /// The row's value, not its name; a null string for an invalid index.
+    QString getItemKeyLink(const QModelIndex& index) const { return itemText(index, 1); }
+
+public slots:
+    void setItemExpanded(const QModelIndex& index) { setItemExpandedFlag(index, true); }
+    void setItemCollapsed(const QModelIndex& index) { setItemExpandedFlag(index, false); }
+
+signals:
+    /// A value was set through setData: the row's name and the new value of the column set.
+    void editorRowValueChanged(const QString& name, const QVariant& value);
+
+private:
+    bool addRow(const QVector<QVariant>& values, const QModelIndex& parent);
+    /// The editor row of that name, or null.
+    PaspRec* editorRow(const QString& name) const;
+
+    const QString m_iconsPath;
+};
+
+#endif

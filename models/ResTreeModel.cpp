@@ -1,0 +1,235 @@
+#include "models/ResTreeModel.h"
+
+#include "models/DragKeys.h"
+
+#include <QColor>
+#include <QMimeData>
+
+namespace {
+
+enum Column {
+    Name = 0,
+    Resource = 1,
+    Icon = 2,
+    Lock = 3,
+    KeyLink = 5,
+    Type = 6,
+    IsFolder = 9,
+    Blocked = 12
+};
+enum Kind { Module = 1, Function = 2, Form = 3, File = 4, Orphans = 5 };
+enum SearchRole { NameRole = Qt::UserRole + 1, ResourceRole = Qt::UserRole + 2 };
+
+/// The drag format of a type; empty for rows that cannot be dragged.
+QString dragType(int type) {
+    switch (type) {
+    case Module:
+        return QStringLiteral("OrvoResources/modres/dragdrop");
+    case Function:
+        return QStringLiteral("OrvoResources/funcres/dragdrop");
+    case Form:
+        return QStringLiteral("OrvoResources/menures/dragdrop");
+    case File:
+        return QStringLiteral("OrvoResources/sysres/dragdrop");
+    default:
+        return QString();
+    }
+}
+
+} // namespace
+
+ResTreeModel::ResTreeModel(const QStringList& headers, const QString& iconsPath, QObject*)
+    : TreeModelCore(headers, KeyLink,
+                    Qt::ItemIsEditable | Qt::ItemIsDragEnabled | Qt::ItemIsDropEnabled)
+    , m_iconsPath(iconsPath) {}
+
+QVariant ResTreeModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid())
+        return {};
+    const TabRec& row = *getItem(index);
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::EditRole:
+        return row.data(index.column());
+    case Qt::DecorationRole:
+        return decoration(row, index.column());
+    case Qt::ForegroundRole:
+        return index.column() == Name && row.data(Type).toInt() == Orphans ? QColor(Qt::red)
+                                                                           : QVariant();
+    case KeyRole:
+        return row.data(KeyLink);
+    case NameRole:
+        return row.data(Name);
+    case ResourceRole:
+        return row.data(Resource);
+    default:
+        return {};
+    }
+}
+
+QVariant ResTreeModel::decoration(const TabRec& row, int column) const {
+    const int type = row.data(Type).toInt();
+    switch (column) {
+    case Name:
+        if (row.data(IsFolder).toBool())
+            return m_icons.icon(row.isExpanded() ? QStringLiteral(":/res/openfolder1.png")
+                                                 : QStringLiteral(":/res/closedfolder1.png"));
+        if (type == Module)
+            return m_icons.icon(QStringLiteral(":/res/modul1.png"));
+        if (type == Function)
+            return m_icons.icon(QStringLiteral(":/res/function1.png"));
+        if (type == Form || type == File)
+            return m_icons.icon(QStringLiteral(":/res/file1.png"));
+        return {};
+    case Lock: {
+        const QVariant blocked = row.data(Blocked);
+        if (type != Form || blocked.isNull())
+            return {};
+        if (blocked.toInt() == 1)
+            return m_icons.icon(QStringLiteral(":/res/blocked1.png"));
+        if (blocked.toInt() == 2)
+            return m_icons.icon(QStringLiteral(":/res/blocked5.png"));
+        return {};
+    }
+    case Icon: {
+        const QVariant icon = row.data(Icon);
+        return icon.isNull() ? QVariant() : m_icons.icon(m_iconsPath + icon.toString());
+    }
+    default:
+        return {};
+    }
+}
+
+bool ResTreeModel::itemIsFolder(const QModelIndex& index) const {
+    if (!index.isValid())
+        return false;
+    const TabRec& row = *getItem(index);
+    return row.level() == 0 || row.data(IsFolder).toBool();
+}
+
+bool ResTreeModel::itemInSystemArea(const QModelIndex& index) const {
+    return index.isValid() && getItem(index)->data(Type).toInt() == File;
+}
+
+int ResTreeModel::addfileInfo(const QModelIndex& index) {
+    return index.isValid() ? item(index)->addfileInfoElement() : -1;
+}
+
+int ResTreeModel::fileInfoCount(const QModelIndex& index) const {
+    return index.isValid() ? getItem(index)->fileInfoCount() : 0;
+}
+
+void ResTreeModel::clearfileInfo(const QModelIndex& index) {
+    if (index.isValid())
+        item(index)->clearFileInfo();
+}
+
+MyFileInfo* ResTreeModel::getfileInfo(const QModelIndex& index, int number) const {
+    return index.isValid() ? item(index)->getfileInfo(number) : nullptr;
+}
+
+void ResTreeModel::setFileInfo(const QModelIndex& index, int number, const MyFileInfo& info) {
+    if (index.isValid())
+        item(index)->setfileInfo(number, info);
+}
+
+bool ResTreeModel::copyChildRows(const QModelIndex& source, const QModelIndex& destination) {
+    copyChildren(source, destination);
+    return true;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Drag and drop
+
+QStringList ResTreeModel::mimeTypes() const {
+    return {dragType(Form), dragType(File), dragType(Module), dragType(Function)};
+}
+
+QMimeData* ResTreeModel::mimeData(const QModelIndexList& indexes) const {
+    const QModelIndexList rows = dragkeys::rowsOf(indexes);
+    if (rows.isEmpty())
+        return nullptr;
+    const int type = getItem(rows.first())->data(Type).toInt();
+    QStringList keys;
+    for (const QModelIndex& row : rows) {
+        if (getItem(row)->data(Type).toInt() != type)
+            return nullptr;
+        keys.append(getItemKeyLink(row));
+    }
+    const QString format = dragType(type);
+    if (format.isEmpty())
+        return nullptr;
+    auto* data = new QMimeData;
+    data->setData(format, keys.join(QLatin1Char(';')).toUtf8());
+    return data;
+}
+
+bool ResTreeModel::canDropMimeData(const QMimeData* data, Qt::DropAction, int row, int,
+                                   const QModelIndex& parent) const {
+    if (!parent.isValid())
+        return false;
+    const QModelIndex target = firstColumn(parent);
+    const int targetType = getItem(target)->data(Type).toInt();
+    QStringList keys;
+    const QString format = dragType(targetType);
+    if (!format.isEmpty()) {
+        const QString payload = dragkeys::payload(data, format);
+        if (payload.isEmpty())
+            return false;
+        keys = dragkeys::keys(payload);
+    }
+    if (row >= rowCount(target))
+        return false;
+
+    const QModelIndex here = index(row, 0, target);
+    const bool intoHere = here.isValid() && itemIsFolder(here);
+    QModelIndex destination = here;
+    if (here.isValid() && !intoHere)
+        destination = here.parent();
+    else if (!here.isValid())
+        destination = itemIsFolder(target) ? target : target.parent();
+
+    for (const QString& key : keys) {
+        if (!mayDrop(findIndexByKey(key), destination, !intoHere, targetType == File))
+            return false;
+    }
+    return true;
+}
+
+/// `besides`: a row may not stay where it is. `uniqueNames`: the folder stands for a real one.
+bool ResTreeModel::mayDrop(const QModelIndex& source, const QModelIndex& destination, bool besides,
+                           bool uniqueNames) const {
+    if (besides && source.parent() == destination)
+        return false;
+    for (QModelIndex at = destination; getItemLevel(at) >= 2;) {
+        at = at.parent();
+        if (at == source)
+            return false;
+    }
+    if (!uniqueNames)
+        return true;
+    const int column = itemIsFolder(source) ? Name : Resource;
+    const QString name = itemText(source, column);
+    const TabRec* folder = getItem(destination);
+    for (int row = 0; row < folder->childCount(); ++row) {
+        if (folder->child(row)->data(column).toString() == name)
+            return false;
+    }
+    return true;
+}
+
+bool ResTreeModel::dropMimeData(const QMimeData* data, Qt::DropAction, int row, int,
+                                const QModelIndex& parent) {
+    QModelIndex target = firstColumn(parent);
+    if (row < 0 && !itemIsFolder(target))
+        target = target.parent();
+    if (!target.isValid())
+        return false;
+    const QString format = dragType(getItem(target)->data(Type).toInt());
+    if (format.isEmpty())
+        return false;
+    const QString payload = dragkeys::payload(data, format);
+    if (!payload.isNull())
+        emit dragdropOperation(target, dragkeys::keys(payload));
+    return false;
+}

@@ -1,0 +1,90 @@
+// RowBatch.h: rows on their way into a model.
+#ifndef ORVO_MODELS_ROWBATCH_H
+#define ORVO_MODELS_ROWBATCH_H
+
+#include "models/RecordOps.h"
+
+#include <memory>
+
+/// A run of sibling rows, subtrees included, that are filled before they enter a model: the model
+/// then announces the run once, and no view sees an empty row. Made by TreeModelCore::newRows,
+/// taken in by TreeModelCore::insertFilledRows; deletes the rows that were not.
+///
+///     auto rows = model.newRows(parent);
+///     TabRec* folder = rows.add();
+///     folder->setData(0, caption);
+///     rows.add(folder)->setData(0, captionBelow);
+///     model.insertFilledRows(model.rowCount(parent), std::move(rows), parent);
+template <class Record>
+class RowBatch {
+public:
+    /// Rows of `columns` columns whose parent will be a record of that level.
+    RowBatch(int columns, int parentLevel)
+        : m_root(std::make_unique<Record>(QVector<QVariant>()))
+        , m_columns(columns) {
+        m_root->m_level = parentLevel;
+    }
+
+    /// A new last row below `parent`, a row of this batch, or at the top of the run; its values are
+    /// invalid. The batch owns it.
+    Record* add(Record* parent = nullptr) { return add(QVector<QVariant>(m_columns), parent); }
+    /// The same, with its values: the fastest way. Missing ones become invalid, surplus ones are
+    /// dropped.
+    Record* add(QVector<QVariant> values, Record* parent = nullptr) {
+        if (values.size() != m_columns)
+            values.resize(m_columns);
+        Record* under = parent ? parent : m_root.get();
+        auto* row = new Record(values, under);
+        row->m_rowHint = under->m_childItems.size();
+        under->m_childItems.append(row);
+        ++m_count;
+        return row;
+    }
+    /// A copy of the values of `source`, a record of any model, and if wanted of all below it.
+    /// Nothing else of them is copied: not whether they are expanded, nor their file lists.
+    Record* addCopy(const Record& source, bool withChildren, Record* parent = nullptr) {
+        Record* copy = add(source.m_itemData, parent);
+        if (withChildren)
+            addCopiesOfChildren(source, copy);
+        return copy;
+    }
+    /// Copies of all rows below `source`, which itself stays out.
+    void addCopiesOfChildren(const Record& source, Record* parent = nullptr) {
+        std::vector<std::pair<const Record*, Record*>> pending;
+        const auto addAll = [&](const Record& from, Record* under) {
+            for (const Record* child : from.m_childItems) {
+                Record* copy = add(child->m_itemData, under);
+                if (!child->m_childItems.isEmpty())
+                    pending.emplace_back(child, copy);
+            }
+        };
+        addAll(source, parent);
+        while (!pending.empty()) {
+            const auto [from, under] = pending.back();
+            pending.pop_back();
+            addAll(*from, under);
+        }
+    }
+
+    bool isEmpty() const { return m_root->m_childItems.isEmpty(); }
+    /// Rows of the run, and all rows with those below them.
+    int topCount() const { return m_root->m_childItems.size(); }
+    int count() const { return m_count; }
+    int columnCount() const { return m_columns; }
+    int parentLevel() const { return m_root->m_level; }
+
+    /// Hands the run over to the caller, who owns the rows from then on.
+    QList<Record*> release() {
+        m_count = 0;
+        QList<Record*> rows;
+        rows.swap(m_root->m_childItems);
+        return rows;
+    }
+
+private:
+    std::unique_ptr<Record> m_root;
+    int m_columns;
+    int m_count = 0;
+};
+
+#endif
