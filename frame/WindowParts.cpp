@@ -1,0 +1,138 @@
+#include "frame/WindowParts.h"
+
+#include <QCoreApplication>
+#include <QMenu>
+#include <QMessageBox>
+#include <QToolBar>
+#include <QToolButton>
+#include <QTreeView>
+
+namespace orvo {
+namespace {
+
+constexpr int imageSize = 16;
+
+QtMessageHandler previousHandler = nullptr;
+
+void passAllButUnmatchedSlots(QtMsgType type, const QMessageLogContext& context,
+                              const QString& text) {
+    if (text.startsWith(QLatin1String("QMetaObject::connectSlotsByName: No matching signal")))
+        return;
+    if (previousHandler)
+        previousHandler(type, context, text);
+}
+
+QString translated(const COrvoCliMod& module, const char* text) {
+    return QCoreApplication::translate(module.metaObject()->className(), text);
+}
+
+void showBox(COrvoCliMod& module, const char* title, const QString& text, TMessageBoxIcon icon,
+             TMessageBoxType type, const char* slot) {
+    module.PopMessageBoxCreate();
+    module.m_popMessageBox->setMessage(translated(module, title), text, icon, type, slot);
+    module.m_popMessageBox->show();
+}
+
+} // namespace
+
+void setupForm(const std::function<void()>& setupUi) {
+    const QtMessageHandler outer = previousHandler;
+    previousHandler = qInstallMessageHandler(passAllButUnmatchedSlots);
+    setupUi();
+    qInstallMessageHandler(previousHandler);
+    previousHandler = outer;
+}
+
+QIcon image(const char* name) {
+    return QIcon(QStringLiteral(":/res/%1.png").arg(QLatin1String(name)));
+}
+
+void arrangeToolBar(QToolBar* bar) {
+    bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    bar->setIconSize(QSize(imageSize, imageSize));
+}
+
+QToolButton* makeToolButton(QWidget* owner, const char* imageName, const QString& text) {
+    auto* button = new QToolButton(owner);
+    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    button->setIcon(image(imageName));
+    button->setText(text);
+    return button;
+}
+
+QMenu* addInstantMenu(QToolButton* button, std::initializer_list<QAction*> actions) {
+    auto* menu = new QMenu(button);
+    for (QAction* action : actions)
+        menu->addAction(action);
+    button->setPopupMode(QToolButton::InstantPopup);
+    button->setMenu(menu);
+    return menu;
+}
+
+const QString& treeStyleSheet() {
+    static const QString sheet = QStringLiteral(
+        "QTreeView::branch:has-children:!has-siblings:closed{border-image: none;"
+        "image:url(:/res/node_branch_close1.png);}"
+        "QTreeView::branch:closed:has-children:has-siblings{border-image: none;"
+        "image:url(:/res/node_branch_close.png);}"
+        "QTreeView::branch:open:has-children:!has-siblings{border-image: none; "
+        "image:url(:/res/node_branch_open1.png);}"
+        "QTreeView::branch:open:has-children:has-siblings{border-image: none; "
+        "image:url(:/res/node_branch_open.png);}"
+        "QTreeView::branch:has-siblings:adjoins-item{border-image:url(:/res/branch_more.png)}"
+        "QTreeView::branch:!has-children:!has-siblings:adjoins-item{"
+        "border-image:url(:/res/branch_end.png)}"
+        "QTreeView::branch:has-siblings:!adjoins-item{border-image:url(:/res/vline.png)}");
+    return sheet;
+}
+
+void arrangeTree(QTreeView* view, bool styled) {
+    if (styled)
+        view->setStyleSheet(treeStyleSheet());
+    view->setTextElideMode(Qt::ElideNone);
+    view->setContextMenuPolicy(Qt::CustomContextMenu);
+    view->setSelectionBehavior(QAbstractItemView::SelectRows);
+    view->setUniformRowHeights(true);
+    view->setIconSize(QSize(imageSize, imageSize));
+    // The branch images are drawn for this width: a wider step would blur their lines.
+    view->setIndentation(imageSize);
+}
+
+void hideColumns(QTreeView* view, int first, int last) {
+    for (int column = first; column <= last; ++column)
+        view->setColumnHidden(column, true);
+}
+
+QStringList passportColumns() {
+    return {QStringLiteral("caption"),  QStringLiteral("value"), QStringLiteral("editor"),
+            QStringLiteral("readonly"), QStringLiteral("name"),  QStringLiteral("iseditrow")};
+}
+
+void arrangePassport(QTreeView* view) {
+    constexpr int captionWidth = 200;
+    view->setEditTriggers(QAbstractItemView::AllEditTriggers);
+    view->setHeaderHidden(true);
+    hideColumns(view, 2, 5);
+    view->setColumnWidth(0, captionWidth);
+}
+
+QString iconsPath(const COrvoCliMod& module) {
+    return module.m_paths->workDir + QStringLiteral("files/icons/");
+}
+
+void askQuestion(COrvoCliMod& module, const QString& text, const char* slot) {
+    showBox(module, "Уведомление", text, MessageBoxIconQuestion, MessageBoxTypeYesNo, slot);
+}
+
+void showError(COrvoCliMod& module, const QString& text, const char* slot) {
+    showBox(module, "Ошибка", text, MessageBoxIconError, MessageBoxTypeOk, slot);
+}
+
+bool answeredYes(COrvoCliMod& module, QAbstractButton* button) {
+    if (!module.m_popMessageBox)
+        return false;
+    module.m_popMessageBox->hide();
+    return module.m_popMessageBox->ButtonRole(button) == QMessageBox::YesRole;
+}
+
+} // namespace orvo

@@ -1,0 +1,88 @@
+// The three views: models, delegates, columns and connections.
+#include "ui_OrvoMenu.h"
+
+#include "menu/OrvoMenu.h"
+
+#include "frame/WindowParts.h"
+#include "menu/Columns.h"
+
+#include <QItemSelectionModel>
+#include <QTreeView>
+
+using orvo::menu::DesckColumn;
+using orvo::menu::MenuColumn;
+
+namespace {
+
+/// The icon of an open folder differs from that of a closed one.
+template <class Model>
+void followExpansion(const QTreeView* view, const Model* model) {
+    QObject::connect(view, &QTreeView::expanded, model, &Model::setItemExpanded);
+    QObject::connect(view, &QTreeView::collapsed, model, &Model::setItemCollapsed);
+}
+
+} // namespace
+
+void OrvoMenu::setTreeArrangement() {
+    QTreeView* desck = m_ui->tvDesck;
+    orvo::arrangeTree(desck);
+    desck->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    desck->setHeaderHidden(true);
+    desck->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_desckModel = std::make_unique<DesckTreeModel>(
+        QStringList{"Name", "KeyLink", "ParentKey", "Order", "IsFolder", "IsNew"}, this);
+    desck->setModel(m_desckModel.get());
+    orvo::hideColumns(desck, DesckColumn::KeyLink, DesckColumn::IsNew);
+    connect(m_desckModel.get(), &DesckTreeModel::nameChanged, this,
+            &OrvoMenu::on_Desck_NameChanged);
+    m_desckDelegate = std::make_unique<DesckDelegate>(m_desckModel.get(), this);
+    desck->setItemDelegate(m_desckDelegate.get());
+    followExpansion(desck, m_desckModel.get());
+    connect(desck, &QTreeView::customContextMenuRequested, this,
+            &OrvoMenu::showContextMenu_tvDesck);
+    connect(desck, &QTreeView::clicked, this, &OrvoMenu::on_tvDesck_clicked);
+    connect(m_desckDelegate.get(), &QAbstractItemDelegate::closeEditor, this,
+            &OrvoMenu::on_closeDesckeditor);
+
+    QTreeView* menu = m_ui->tvMenu;
+    orvo::arrangeTree(menu);
+    menu->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    menu->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    menu->setDragEnabled(true);
+    menu->setAcceptDrops(true);
+    menu->setDropIndicatorShown(true);
+    m_menuModel = std::make_unique<MenuTreeModel>(
+        QStringList{" ", tr("тип"), tr("команда"), "FolderKey", "Icon", "KeyLink", "MenuResKey",
+                    "OneCopy", "order", "Params", "ParentKey", "Separator", "IsNew"},
+        orvo::iconsPath(*this), this);
+    menu->setModel(m_menuModel.get());
+    orvo::hideColumns(menu, MenuColumn::FolderKey, MenuColumn::IsNew);
+    menu->setColumnWidth(MenuColumn::Caption, 300);
+    followExpansion(menu, m_menuModel.get());
+    connect(menu, &QTreeView::customContextMenuRequested, this, &OrvoMenu::showContextMenu_tvMenu);
+    connect(menu, &QTreeView::clicked, this, &OrvoMenu::on_tvMenu_clicked);
+    connect(menu->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &OrvoMenu::on_tvMenu_selectionChanged);
+    connect(m_menuModel.get(), &MenuTreeModel::dragdropOperation, this,
+            &OrvoMenu::on_menu_dragdrop);
+
+    QTreeView* prop = m_ui->tvProp;
+    m_propModel =
+        std::make_unique<PropModel>(orvo::passportColumns(), orvo::iconsPath(*this), this);
+    prop->setModel(m_propModel.get());
+    orvo::arrangePassport(prop);
+    followExpansion(prop, m_propModel.get());
+    m_passpDelegate = std::make_unique<PasspDelegate>(m_propModel.get(), this);
+    prop->setItemDelegate(m_passpDelegate.get());
+
+    connect(desck->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            &OrvoMenu::on_tvDesck_currentChanged);
+    connect(menu->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            &OrvoMenu::on_tvMenu_currentChanged);
+    connect(m_propModel.get(), &PropModel::editorRowValueChanged, this,
+            &OrvoMenu::on_editor_valueChanged);
+    connect(m_passpDelegate.get(), &PasspDelegate::buttonPressed, this,
+            &OrvoMenu::on_passp_buttonpressed);
+    connect(m_passpDelegate.get(), &PasspDelegate::returnPressed, this,
+            &OrvoMenu::on_passp_returnPressed);
+}

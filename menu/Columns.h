@@ -1,0 +1,47 @@
+// Columns.h: the columns of the trees of the menu editor. The lists of titles that the models are
+// made with follow these orders.
+#ifndef ORVO_MENU_COLUMNS_H
+#define ORVO_MENU_COLUMNS_H
+
+namespace orvo::menu {
+
+/// Columns of `tvDesck`.
+struct DesckColumn {
+    enum { Name, KeyLink, ParentKey, Order, IsFolder, IsNew, Count };
+};
+
+/// Columns of `tvMenu`.
+struct MenuColumn {
+    enum {
+        Caption,
+        Type, ///< "папка", "модуль", "функция", "файл", or nothing if the resource is gone
+        Command, ///< the resource's name
+        FolderKey,
+        Icon,
+        KeyLink,
+        MenuResKey,
+        OneCopy,
+        Order,
+        Params,
+        ParentKey,
+        Separator,
+        IsNew,
+        Count
+    };
+};
+
+/// Keys of rows that no record stands behind.
+inline constexpr char desckRootKey[] = "mainnode";
+inline constexpr char menuRootKey[] = "MenuRootNode";
+
+/// The texts in `order_` of `MenuFolder`: folders come before desktops.
+inline constexpr char folderClass[] = "1000";
+inline constexpr char desktopClass[] = "2000";
+
+/// Clipboard formats.
+inline constexpr char menuMime[] = "OrvoMenu/menu";
+inline constexpr char desckMime[] = "OrvoMenu/descktop";
+
+} // namespace orvo::menu
+
+#endif

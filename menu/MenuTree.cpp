@@ -1,0 +1,123 @@
+// The menu of the current desktop. Its order comes from the key "parent;order_" of `Menu`.
+#include "menu/OrvoMenu.h"
+
+#include "ui_OrvoMenu.h"
+
+#include "frame/CommonFunctions.h"
+#include "frame/FolderWalk.h"
+#include "frame/Records.h"
+#include "menu/Columns.h"
+#include "menu/Rows.h"
+#include "menu/Siblings.h"
+
+using orvo::KeyValues;
+using orvo::menu::MenuColumn;
+using orvo::menu::menuRootKey;
+
+void OrvoMenu::clearMenuModel() {
+    if (m_menuModel) {
+        const int count = m_menuModel->rowCount(QModelIndex());
+        if (count > 0)
+            m_menuModel->removeRows(0, count, QModelIndex());
+    }
+    if (m_propModel)
+        m_propModel->clearRows();
+}
+
+void OrvoMenu::loadMenuTree(const QString& desckKey) {
+    const QByteArray sql =
+        orvo::toRecord(QStringLiteral("select * from Menu where FolderKey = '%1'").arg(desckKey));
+    m_tabMenu.Attach(m_app->m_session->SqlRequest(sql.constData()));
+    orvo::setKeys(m_tabMenu, {"parent;order_"});
+
+    MenuTreeModel& model = *m_menuModel;
+    if (!model.insertRows(0, 1, QModelIndex()))
+        return;
+    const QModelIndex root = model.index(0, 0, QModelIndex());
+    orvo::menu::setRow(model, root,
+                       {{MenuColumn::KeyLink, QString::fromLatin1(menuRootKey)},
+                        {MenuColumn::Caption, tr("Меню")}});
+    const int32_t position = orvo::seekPosition(m_tabMenu, 1, KeyValues());
+    if (position == -1)
+        return;
+    addMenuTree(root, QString(), position);
+    m_ui->tvMenu->expand(root);
+}
+
+void OrvoMenu::loadMenuFolder(const QString& folderKey) {
+    const QModelIndex folder = m_menuModel->findIndexByKey(folderKey);
+    if (folder.isValid())
+        addMenuTree(folder, folderKey,
+                    orvo::seekPosition(m_tabMenu, 1, KeyValues().text(folderKey)));
+}
+
+void OrvoMenu::addMenuTree(const QModelIndex& parent, const QString& key, int32_t position) {
+    auto rows = m_menuModel->newRows(parent);
+    orvo::walkFolders(
+        MenuFolderRow{nullptr, key}, [](const MenuFolderRow& folder) { return folder.key; },
+        [&](const MenuFolderRow& folder) {
+            const bool isTop = !folder.row && folder.key == key;
+            return addMenuRows(
+                rows, folder,
+                isTop ? position : orvo::seekPosition(m_tabMenu, 1, KeyValues().text(folder.key)));
+        });
+    m_menuModel->insertFilledRows(m_menuModel->rowCount(parent), std::move(rows), parent);
+}
+
+std::vector<OrvoMenu::MenuFolderRow> OrvoMenu::addMenuRows(MenuTreeModel::Batch& rows,
+                                                           const MenuFolderRow& folder,
+                                                           int32_t position) const {
+    std::vector<MenuFolderRow> folders;
+    orvo::walkFrom(m_tabMenu, 1, position, [&](const MDRData* record) {
+        if (!orvo::holdsText(record, "parent", folder.key))
+            return false;
+        const QVector<QVariant> values = menuValues(record);
+        TabRec* row = rows.add(values, folder.row);
+        if (orvo::sameText(values[MenuColumn::Type].toString(), convertMenuAttributes(0)))
+            folders.push_back({row, values[MenuColumn::KeyLink].toString()});
+        return true;
+    });
+    return folders;
+}
+
+QVector<QVariant> OrvoMenu::menuValues(const MDRData* record) const {
+    const auto text = [record](const char* field) { return orvo::textOf(record, field); };
+    const QString resourceKey = text("MenuResourceKey");
+    QVector<QVariant> values(MenuColumn::Count);
+    values[MenuColumn::KeyLink] = text("KeyLink");
+    values[MenuColumn::FolderKey] = text("FolderKey");
+    values[MenuColumn::ParentKey] = text("parent");
+    values[MenuColumn::Caption] = text("caption");
+    values[MenuColumn::Params] = text("params");
+    values[MenuColumn::Icon] = text("ico");
+    values[MenuColumn::OneCopy] = orvo::flagOf(record, "oneCopy");
+    values[MenuColumn::Separator] = orvo::flagOf(record, "separator");
+    values[MenuColumn::Order] = orvo::integerOf(record, "order_");
+    values[MenuColumn::MenuResKey] = resourceKey;
+    values[MenuColumn::IsNew] = false;
+    if (resourceKey.isEmpty()) {
+        values[MenuColumn::Type] = convertMenuAttributes(0);
+    } else if (const MDRData* resource = orvo::seekKey(m_tabResource, resourceKey)) {
+        values[MenuColumn::Type] = convertMenuAttributes(orvo::integerOf(resource, "type_"));
+        values[MenuColumn::Command] = orvo::textOf(resource, "name_");
+    }
+    return values;
+}
+
+void OrvoMenu::loadMenuRow(const QModelIndex& parent, int row, MDRData* record) {
+    const QVector<QVariant> values = menuValues(record);
+    for (int column = 0; column < values.size(); ++column)
+        if (values[column].isValid())
+            m_menuModel->setData(m_menuModel->index(row, column, parent), values[column],
+                                 Qt::DisplayRole);
+}
+
+int32_t OrvoMenu::getMenuElementPosition(const QString& key, const QString& parentKey) const {
+    const MDRData* own = orvo::seekKey(m_tabMenu, key);
+    KeyValues exact;
+    orvo::menu::addField(exact, own, "parent");
+    orvo::menu::addField(exact, own, "order_");
+    return orvo::menu::siblingPosition(
+        m_tabMenu, 1, KeyValues().textOrNull(parentKey), key, own, exact,
+        [&](const MDRData* record) { return orvo::holdsText(record, "parent", parentKey); });
+}

@@ -1,0 +1,116 @@
+#include "ui_OrvoMenu.h"
+
+#include "menu/OrvoMenu.h"
+
+#include "frame/CommonFunctions.h"
+#include "frame/Records.h"
+#include "frame/WindowParts.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QMenu>
+#include <QToolButton>
+
+OrvoMenu::OrvoMenu(COrvoCliApp* app)
+    : COrvoCliMod(app)
+    , m_codec(nullptr)
+    , m_clipboard(nullptr)
+    , m_ui(std::make_unique<Ui_OrvoMenu>()) {
+    orvo::setupForm([this] { m_ui->setupUi(this); });
+    connect(qApp, &QApplication::focusChanged, this, &OrvoMenu::on_focus_changed);
+    m_codec = orvo::recordCodec();
+    m_clipboard = QGuiApplication::clipboard();
+    connect(m_clipboard, &QClipboard::dataChanged, this, &OrvoMenu::on_clipboardDataChanged);
+
+    m_btnNewDesck = orvo::makeToolButton(this, "new1", tr("Создать"));
+    m_menuNewDesck =
+        orvo::addInstantMenu(m_btnNewDesck, {m_ui->actAddFoldertvDesck, m_ui->actAddDescktop});
+    m_btnSave = orvo::makeToolButton(this, "checkin1", tr("Сохранить"));
+    connect(m_btnSave, &QToolButton::pressed, this, &OrvoMenu::on_save_pressed);
+    m_btnCancel = orvo::makeToolButton(this, "cancel1", tr("Не сохранять"));
+    connect(m_btnCancel, &QToolButton::pressed, this, &OrvoMenu::on_cancel_pressed);
+    m_btnNewElem = orvo::makeToolButton(this, "newelem1", tr("Новый элемент"));
+    m_menuNewElem =
+        orvo::addInstantMenu(m_btnNewElem, {m_ui->actNewElemFolder, m_ui->actNewElemModul,
+                                            m_ui->actNewElemFunction, m_ui->actNewElemFile});
+
+    QToolBar* bar = m_ui->toolBar;
+    bar->addWidget(m_btnNewDesck);
+    bar->addAction(m_ui->actDeleteFromtvDesck);
+    bar->addSeparator();
+    bar->addWidget(m_btnSave);
+    bar->addWidget(m_btnCancel);
+    bar->addSeparator();
+    bar->addAction(m_ui->actMoveUp);
+    bar->addAction(m_ui->actMoveDown);
+    bar->addSeparator();
+    bar->addWidget(m_btnNewElem);
+    bar->addAction(m_ui->actDeleteElem);
+    orvo::arrangeToolBar(bar);
+
+    m_ui->splitter->setSizes({120, 400});
+}
+
+OrvoMenu::~OrvoMenu() {
+    // Neither the application's signals nor the ends of the views may reach a half-destroyed
+    // window: the connections go first, then the views, and the models that they show last.
+    disconnect(qApp, nullptr, this, nullptr);
+    disconnect(m_clipboard, nullptr, this, nullptr);
+    for (QTreeView* view : {m_ui->tvDesck, m_ui->tvMenu, m_ui->tvProp})
+        if (view->selectionModel())
+            disconnect(view->selectionModel(), nullptr, this, nullptr);
+    delete takeCentralWidget();
+}
+
+bool OrvoMenu::ModuleStart() {
+    SetModTitle(tr("Редактор меню"), QString());
+    if (!loadTables())
+        return false;
+    m_skipDesckChange = false;
+    m_editMode = NoEdit;
+    m_btnSave->setEnabled(false);
+    m_btnCancel->setEnabled(false);
+    setMenuActionsDisabled();
+    setDesckActionsDisabled();
+    setTreeArrangement();
+    loadDesckTreeUpper();
+    return true;
+}
+
+void OrvoMenu::ModuleStop() {}
+
+void OrvoMenu::MessageOn() {
+    MessageGet();
+    if (!m_focusKey.isNull())
+        setMenuFocusedItemAfterChanges();
+}
+
+void OrvoMenu::setMenuFocusedItemAfterChanges() {
+    if (!m_menuModel)
+        return;
+    const QModelIndex row = m_menuModel->findIndexByKey(m_focusKey);
+    if (!row.isValid())
+        return;
+    m_ui->tvMenu->setCurrentIndex(row);
+    m_focusKey.clear();
+}
+
+bool OrvoMenu::loadTables() {
+    QString error;
+    const auto fetch = [&](const char* name, CMDArray& table, const char* place) {
+        if (GetTableRecords(m_app->m_session, name, table, &error))
+            return true;
+        m_app->m_logModule->LogFile(5, QString::fromLatin1(place), error);
+        return false;
+    };
+    if (!fetch("MenuResource", m_tabResource, "OrvoMenu::loadTables->MenuResource"))
+        return false;
+    orvo::setKeys(m_tabResource, {"name_"});
+    if (!fetch("MenuFolder", m_tabFolder, "OrvoMenu::loadTables->MenuFolder"))
+        return false;
+    orvo::setKeys(m_tabFolder,
+                  {"order_;caption", "order_;ParentKey;caption", "ParentKey;order_;caption"});
+    // Logged under the other editor's name, by which this place is known in logs.
+    return fetch("MenuResourceFolder", m_tabResFolder,
+                 "OrvoResources::loadTables->MenuResourceFolder");
+}

@@ -1,0 +1,183 @@
+// OrvoMenu.h: the menu editor: the desktops, and for each desktop the tree of elements that a
+// workstation offers.
+//
+// On the left the desktops and their folders (tvDesck), in the middle the menu of the current
+// desktop (tvMenu), on the right the passport of the current element (tvProp). What a row shows
+// comes from records; a change goes to the server, and tables and trees follow when its
+// notification comes back.
+//
+// The sources are split by subject: OrvoMenu (start, tables, notifications' end), Arrangement (the
+// views), Actions (what is switched on when, context menus), DesktopTree, MenuTree and Passports
+// (filling), CurrentRow (what a move of the current row or the selection does).
+#ifndef ORVO_MENU_ORVOMENU_H
+#define ORVO_MENU_ORVOMENU_H
+
+#include "frame/OrvoClient.h"
+#include "models/models.h"
+#include "picker/ObjectListOwner.h"
+
+#include <QAbstractItemDelegate>
+#include <QPersistentModelIndex>
+#include <QString>
+#include <QStringList>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+class CPopObjectList;
+class QClipboard;
+class QItemSelection;
+class QMenu;
+class QTextCodec;
+class QToolButton;
+class Ui_OrvoMenu;
+
+class OrvoMenu : public COrvoCliMod, public orvo::ObjectListOwner {
+    Q_OBJECT
+public:
+    /// Builds the window; touches no server. `app` and its session must outlive the module.
+    explicit OrvoMenu(COrvoCliApp* app);
+    ~OrvoMenu() override;
+
+    /// Fetches the tables, makes the models and shows the desktops. False, with a line in the log,
+    /// if a table could not be fetched: the window then stays empty and has no models.
+    bool ModuleStart() override;
+    void ModuleStop() override;
+    void MessageOn() override;
+
+    const CMDArray* resourceTable() const override { return &m_tabResource; }
+    const CMDArray* resourceFolderTable() const override { return &m_tabResFolder; }
+
+protected:
+    /// What is being edited. There is one edit at a time, in both trees together.
+    enum EditMode : int32_t {
+        NoEdit = 0,
+        NewDesck = 1,   ///< a new desktop or folder stands in tvDesck, not yet saved
+        NewElement = 2, ///< a new menu folder stands in tvMenu, not yet saved
+        RenameDesck = 3,
+        EditElement = 4, ///< a value of an existing element was changed in the passport
+    };
+
+    QTextCodec* m_codec;     ///< "Windows-1251", for every text to and from a table; not owned
+    QClipboard* m_clipboard; ///< the application's, not owned
+    QToolButton* m_btnNewDesck = nullptr; ///< these buttons are children of the window
+    QToolButton* m_btnSave = nullptr;
+    QToolButton* m_btnCancel = nullptr;
+    QToolButton* m_btnNewElem = nullptr;
+    QMenu* m_menuNewDesck = nullptr; ///< pop-up and child of its button
+    QMenu* m_menuNewElem = nullptr;
+    CMDArray m_tabResource;  ///< `MenuResource`: 0 KeyLink, 1 name_
+    CMDArray m_tabFolder;    ///< `MenuFolder`: 0 KeyLink, 1 order_;caption, 2
+                             ///< order_;ParentKey;caption, 3 ParentKey;order_;caption
+    CMDArray m_tabMenu;      ///< `Menu`, the current desktop only: 0 KeyLink, 1 parent;order_
+    CMDArray m_tabResFolder; ///< `MenuResourceFolder`, with the keys it came with
+    std::unique_ptr<DesckTreeModel> m_desckModel; ///< these are null until the start succeeded
+    std::unique_ptr<MenuTreeModel> m_menuModel;
+    std::unique_ptr<PropModel> m_propModel;
+    std::unique_ptr<PasspDelegate> m_passpDelegate;
+    std::unique_ptr<DesckDelegate> m_desckDelegate;
+    CPopObjectList* m_popList = nullptr; ///< the picker, child of the window, made on first use
+    QString m_popTarget;                 ///< passport row that opened the picker
+    int32_t m_editMode = NoEdit;
+    QPersistentModelIndex
+        m_editDesckIndex; ///< row being created or renamed; invalid once it is gone
+    QPersistentModelIndex m_editMenuIndex; ///< row being created or edited; likewise
+    QString m_currentDesckKey;             ///< key of the current row of tvDesck
+    QString m_currentMenuKey;              ///< key of the current row of tvMenu
+    QString m_focusKey;        ///< row to make current after the next notifications; null: none
+    bool m_cutPending = false; ///< the clipboard holds a cut of this editor
+    bool m_skipDesckChange = false; ///< the next on_tvDesck_currentChanged only clears this
+    std::unique_ptr<Ui_OrvoMenu> m_ui;
+
+    // Start and views
+    bool loadTables();
+    void setTreeArrangement();
+    void setMenuFocusedItemAfterChanges();
+
+    // Actions: nothing happens for an invalid index
+    void setMenuActionsEnabled(const QModelIndex& index);
+    void setMenuActionsDisabled();
+    void setDesckActionsEnabled(const QModelIndex& index);
+    void setDesckActionsDisabled();
+    /// Whether the clipboard offers that format.
+    bool checkMimeType(const QString& format) const;
+
+    // Desktops. The loaders append below `parent`; a folder that is its own ancestor is shown and
+    // not entered again.
+    void loadDesckTreeUpper();
+    /// The sub-folders of a row with all that lies below them.
+    void loadDesckFolder(const QModelIndex& parent);
+    /// The desktops of a row.
+    void loadDesckItems(const QModelIndex& parent);
+    /// The place of a record among its siblings in table order, which is the row it must have. For
+    /// a key that is not among them that of the last sibling; -1 if there is no sibling.
+    int32_t getDesckElementPosition(const QString& key, const QString& parentKey) const;
+    /// Writes a record into an existing row, which is no new row afterwards, and moves it to that
+    /// position among its siblings.
+    void updateNewDesckNode(MDRData* record, int32_t position, const QModelIndex& row);
+    /// Shows a record that has no row yet; nothing happens if its parent has none.
+    void insertElementToDesckTree(MDRData* record);
+
+    // Menu of a desktop
+    void clearMenuModel();
+    /// Fetches the elements of a desktop and shows them. If the fetch fails the last ones stay.
+    void loadMenuTree(const QString& desckKey);
+    /// The elements of the folder of that key, with all that lies below them.
+    void loadMenuFolder(const QString& folderKey);
+    /// Fills one row from a record of `Menu`.
+    void loadMenuRow(const QModelIndex& parent, int row, MDRData* record);
+    /// As getDesckElementPosition, for elements.
+    int32_t getMenuElementPosition(const QString& key, const QString& parentKey) const;
+    void loadFolderPassport(const QModelIndex& index);
+    void loadItemPassport(const QModelIndex& index);
+
+protected slots:
+    void on_focus_changed(QWidget* old, QWidget* now);
+    void on_clipboardDataChanged();
+
+    void showContextMenu_tvDesck(const QPoint& point);
+    void showContextMenu_tvMenu(const QPoint& point);
+
+    void on_tvDesck_currentChanged(const QModelIndex& current, const QModelIndex& previous);
+    void on_tvDesck_clicked(const QModelIndex& index);
+    void on_tvMenu_currentChanged(const QModelIndex& current, const QModelIndex& previous);
+    void on_tvMenu_clicked(const QModelIndex& index);
+    /// Keeps a multiple selection within one parent.
+    void on_tvMenu_selectionChanged(const QItemSelection& selected,
+                                    const QItemSelection& deselected);
+
+    void on_Desck_NameChanged(const QString& text);
+    void on_closeDesckeditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint);
+    void on_menu_dragdrop(const QModelIndex& destindex, QStringList srcList, int option);
+    void on_editor_valueChanged(const QString& rowName, const QVariant& value);
+    void on_passp_buttonpressed(const QString& rowName);
+    void on_passp_returnPressed(const QString& rowName);
+    void on_save_pressed();
+    void on_cancel_pressed();
+
+private:
+    /// Rows for the sub-folders or the desktops of `parentKey`, below `parent` or at the top of the
+    /// batch; gives the new rows.
+    std::vector<TabRec*> addDesckRows(DesckTreeModel::Batch& rows, TabRec* parent,
+                                      const QString& parentKey, bool folders) const;
+    /// All that lies below a folder of the batch.
+    void addDesckFolder(DesckTreeModel::Batch& rows, TabRec* folder) const;
+    int32_t desckPosition(const QString& key, const QString& parentKey, bool atTopLevel) const;
+
+    /// The columns of an element; invalid where a row keeps what it has.
+    QVector<QVariant> menuValues(const MDRData* record) const;
+    struct MenuFolderRow {
+        TabRec* row; ///< null: the row that the batch will hang below
+        QString key;
+    };
+    /// Rows for the elements of a folder, from that position of key 1 on; gives the folders among
+    /// them.
+    std::vector<MenuFolderRow> addMenuRows(MenuTreeModel::Batch& rows, const MenuFolderRow& folder,
+                                           int32_t position) const;
+    /// The same with all that lies below them, as the content of the row `parent`.
+    void addMenuTree(const QModelIndex& parent, const QString& key, int32_t position);
+    void showMenuPassport(const QModelIndex& index);
+};
+
+#endif
