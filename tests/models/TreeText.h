@@ -6,8 +6,9 @@
 #ifndef ORVO_TESTS_MODELS_TREETEXT_H
 #define ORVO_TESTS_MODELS_TREETEXT_H
 
+#include "ModelWatch.h"
+
 #include <QAbstractItemModel>
-#include <QAbstractItemModelTester>
 #include <QStringList>
 
 namespace treetext {
@@ -32,7 +33,7 @@ template <class M>
 struct Watched : M {
     template <class... Args>
     explicit Watched(Args&&... args) : M(std::forward<Args>(args)...) {}
-    QAbstractItemModelTester tester{this, QAbstractItemModelTester::FailureReportingMode::Fatal};
+    ModelWatch watch{this};
 };
 
 } // namespace treetext

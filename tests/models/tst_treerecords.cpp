@@ -34,7 +34,9 @@ private slots:
 
 namespace {
 
-QVector<QVariant> values(int columns) { return QVector<QVariant>(columns); }
+QVector<QVariant> values(int columns) {
+    return QVector<QVariant>(columns);
+}
 
 void name(TabRec& root, const QString& names) {
     for (int i = 0; i < root.childCount(); ++i)
