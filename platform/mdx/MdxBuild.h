@@ -14,8 +14,8 @@ namespace orvo::mdx {
 // ---------------------------------------------------------------------------------------------
 // Windows-1251 and UTF-8
 
-/// UTF-8 to Windows-1251. What the code page lacks, and bytes that are no UTF-8, become '?'. Ends at
-/// the first zero byte.
+/// UTF-8 to Windows-1251. What the code page lacks, and bytes that are no UTF-8, become '?'. Ends
+/// at the first zero byte.
 ORVOMDX_EXPORT std::string toCp1251(std::string_view utf8);
 /// Windows-1251 to UTF-8. The one unassigned code, 0x98, becomes U+0098 and comes back from it.
 ORVOMDX_EXPORT std::string toUtf8(std::string_view cp1251);
@@ -38,6 +38,8 @@ ORVOMDX_EXPORT int fieldNumber(MDRField field);
 /// the unposted ones. Valid until a record is posted or deleted.
 ORVOMDX_EXPORT uint32_t postedCount(const MDArray* array);
 ORVOMDX_EXPORT MDRData* postedRecord(const MDArray* array, uint32_t entry);
+/// Bytes that the keys of the array take, beside its records.
+ORVOMDX_EXPORT size_t keyMemory(const MDArray* array);
 /// The operation flag of a record: 0, 1, 2 or 4.
 ORVOMDX_EXPORT uint32_t recordFlags(const MDRData* record);
 

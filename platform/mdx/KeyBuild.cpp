@@ -1,0 +1,325 @@
+// KeyBuild.cpp: building a key tree from the records of a table: the images of all records are laid
+// out one after the other, their order is found by a radix sort of eight image bytes at a time, and
+// the leaves are filled from left to right.
+#include "platform/mdx/KeyTree.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace orvo::mdx {
+namespace {
+
+struct SortItem {
+    uint64_t word;   ///< eight bytes of the image
+    uint32_t image;  ///< place of the image, in units of eight bytes; rises with the entry
+    uint32_t number; ///< of the record
+};
+
+struct FreeBytes {
+    void operator()(uint8_t* bytes) const noexcept { std::free(bytes); }
+};
+
+// The images of all records: a head and the image's first bytes, with eight zero bytes after them.
+class Images {
+public:
+    static constexpr size_t maxSize = 248; ///< longer ones go on in the record
+    static constexpr size_t room = sizeof(uint16_t) * 2 + maxSize + 8 + 8;
+
+    struct Head {
+        uint16_t size;
+        uint16_t keySize; ///< of the key's own part, or cut if that goes on in the record
+    };
+    static constexpr uint16_t cut = UINT16_MAX;
+
+    // Takes `size` bytes of an image; gives its place.
+    uint32_t add(const uint8_t* image, size_t size, size_t keySize) {
+        if (m_capacity - m_size < room)
+            grow();
+        uint8_t* at = m_bytes.get() + m_size;
+        const size_t kept = std::min(size, maxSize);
+        store(at, Head{static_cast<uint16_t>(size > maxSize ? cut : size),
+                       keySize > maxSize ? cut : static_cast<uint16_t>(keySize)});
+        std::memcpy(at + sizeof(Head), image, kept);
+        std::memset(at + sizeof(Head) + kept, 0, 8);
+        const size_t place = m_size / 8;
+        if (place > UINT32_MAX)
+            throw std::length_error("records");
+        m_size += (sizeof(Head) + kept + 8 + 7) & ~size_t(7);
+        return static_cast<uint32_t>(place);
+    }
+    Head head(uint32_t place) const noexcept { return load<Head>(at(place)); }
+    const uint8_t* image(uint32_t place) const noexcept { return at(place) + sizeof(Head); }
+    const uint8_t* at(uint32_t place) const noexcept { return m_bytes.get() + size_t(place) * 8; }
+
+private:
+    void grow() {
+        const size_t wanted = std::max<size_t>(m_capacity * 2, 4096);
+        auto* bytes = static_cast<uint8_t*>(std::realloc(m_bytes.get(), wanted));
+        if (!bytes)
+            throw std::bad_alloc();
+        static_cast<void>(m_bytes.release());
+        m_bytes.reset(bytes);
+        m_capacity = wanted;
+    }
+
+    std::unique_ptr<uint8_t, FreeBytes> m_bytes;
+    size_t m_size = 0, m_capacity = 0;
+};
+
+// Sorts by word; items with the same word keep their order. `other` has room for as many.
+void radixSort(SortItem* items, SortItem* other, size_t count) {
+    uint32_t counts[8][256] = {};
+    for (size_t i = 0; i < count; ++i)
+        for (unsigned byte = 0; byte < 8; ++byte)
+            ++counts[byte][items[i].word >> (8 * byte) & 0xFF];
+    SortItem* from = items;
+    SortItem* to = other;
+    for (unsigned byte = 0; byte < 8; ++byte) {
+        uint32_t* places = counts[byte];
+        if (places[items[0].word >> (8 * byte) & 0xFF] == count)
+            continue; // the same in all
+        uint32_t sum = 0;
+        for (unsigned i = 0; i < 256; ++i)
+            sum += std::exchange(places[i], sum);
+        for (size_t i = 0; i < count; ++i)
+            to[places[from[i].word >> (8 * byte) & 0xFF]++] = from[i];
+        std::swap(from, to);
+    }
+    if (from != items)
+        std::copy_n(from, count, items);
+}
+
+} // namespace
+
+class KeyBuilder {
+public:
+    KeyBuilder(KeyTree& tree, std::span<const uint32_t> records) : m_tree(tree) {
+        m_items.resize(records.size());
+        ImageBuffer buffer;
+        for (size_t i = 0; i < records.size(); ++i) {
+            if (i + 4 < records.size())
+                __builtin_prefetch(tree.m_pool.at(records[i + 4]));
+            const Record* record = tree.m_pool.at(records[i]);
+            const size_t keySize = tree.m_fields.image(tree.m_pool.postedBody(record), buffer);
+            m_items[i] = {0, m_images.add(buffer.data(), buffer.size(), keySize), records[i]};
+        }
+    }
+
+    void sort() {
+        m_other.resize(m_items.size());
+        sort(m_items.data(), m_items.size(), 0);
+        m_other = {};
+    }
+
+    bool isUnique() const {
+        for (size_t i = 1; i < m_items.size(); ++i) {
+            if (i + ahead < m_items.size())
+                __builtin_prefetch(m_images.at(m_items[i + ahead].image));
+            if (sameKey(m_items[i - 1], m_items[i]))
+                return false;
+        }
+        return true;
+    }
+
+    void fill() {
+        const size_t leaves = (m_items.size() + fillTo - 1) / fillTo;
+        m_tree.growLeaves(leaves);
+        size_t level = leaves;
+        size_t inners = 0;
+        while (level > 1) {
+            level = (level + fillTo - 1) / fillTo;
+            inners += level;
+        }
+        if (inners > 0)
+            m_tree.growInners(inners);
+
+        std::vector<KeyTree::Node*> nodes(leaves);
+        std::vector<uint32_t> firsts(leaves);
+        KeyTree::Leaf* previous = nullptr;
+        for (size_t i = 0; i < leaves; ++i) {
+            const size_t begin = m_items.size() * i / leaves;
+            const size_t end = m_items.size() * (i + 1) / leaves;
+            KeyTree::Leaf* leaf = m_tree.takeLeaf();
+            fillLeaf(*leaf, begin, end);
+            leaf->previous = previous;
+            (previous ? previous->next : m_firstLeaf) = leaf;
+            previous = leaf;
+            nodes[i] = leaf;
+            firsts[i] = m_items[begin].number;
+        }
+        m_tree.m_first = static_cast<KeyTree::Leaf*>(m_firstLeaf);
+        m_tree.m_size = static_cast<uint32_t>(m_items.size());
+        m_tree.m_height = 0;
+        while (nodes.size() > 1)
+            fillLevel(nodes, firsts);
+        m_tree.m_root = nodes[0];
+    }
+
+private:
+    static constexpr size_t fillTo = 116; ///< leaves room for the first insertions
+    static constexpr size_t ahead = 16;
+    static constexpr size_t smallRun = 32;
+
+    // Compares from `depth` on, up to which both agree.
+    bool less(const SortItem& a, const SortItem& b, size_t depth) const {
+        const Images::Head x = m_images.head(a.image), y = m_images.head(b.image);
+        const size_t xSize = std::min<size_t>(x.size, Images::maxSize);
+        const size_t ySize = std::min<size_t>(y.size, Images::maxSize);
+        depth = std::min({depth, xSize, ySize});
+        const int order =
+            std::memcmp(m_images.image(a.image) + depth, m_images.image(b.image) + depth,
+                        std::min(xSize, ySize) - depth);
+        if (order != 0)
+            return order < 0;
+        if (x.size == Images::cut && y.size == Images::cut)
+            if (const int rest = compareRecords(a, b, false); rest != 0)
+                return rest < 0;
+        return a.image < b.image;
+    }
+
+    // Images too long to be laid out whole: compared anew, from the records.
+    int compareRecords(const SortItem& a, const SortItem& b, bool keyOnly) const {
+        ImageBuffer image;
+        const KeyFields& fields = m_tree.m_fields;
+        const auto body = [this](const SortItem& item) {
+            return m_tree.m_pool.postedBody(m_tree.m_pool.at(item.number));
+        };
+        const size_t keySize = fields.image(body(a), image);
+        return fields.compare(image.data(), keyOnly ? keySize : image.size(), body(b), 0);
+    }
+
+    bool sameKey(const SortItem& a, const SortItem& b) const {
+        const Images::Head x = m_images.head(a.image), y = m_images.head(b.image);
+        if (x.keySize != y.keySize)
+            return false;
+        if (x.keySize == Images::cut)
+            return compareRecords(a, b, true) == 0;
+        return std::memcmp(m_images.image(a.image), m_images.image(b.image), x.keySize) == 0;
+    }
+
+    // How many bytes from `depth` on all images share. Eight zero bytes follow each image, so a
+    // word can be loaded at any place up to its end.
+    size_t common(const SortItem* items, size_t count, size_t depth) const {
+        const uint8_t* first = m_images.image(items[0].image);
+        size_t shared =
+            std::min<size_t>(m_images.head(items[0].image).size, Images::maxSize) - depth;
+        for (size_t i = 1; i < count && shared > 0; ++i) {
+            if (i + ahead < count)
+                __builtin_prefetch(m_images.at(items[i + ahead].image));
+            const uint8_t* other = m_images.image(items[i].image);
+            for (size_t k = 0; k < shared; k += 8) {
+                const uint64_t difference =
+                    load<uint64_t>(first + depth + k) ^ load<uint64_t>(other + depth + k);
+                if (difference != 0) {
+                    shared =
+                        std::min(shared, k + static_cast<size_t>(std::countr_zero(difference)) / 8);
+                    break;
+                }
+            }
+        }
+        return shared;
+    }
+
+    void sort(SortItem* items, size_t count, size_t depth) {
+        if (count < 2)
+            return;
+        if (count <= smallRun) {
+            std::sort(items, items + count, [this, depth](const SortItem& a, const SortItem& b) {
+                return less(a, b, depth);
+            });
+            return;
+        }
+        const size_t firstSize = m_images.head(items[0].image).size;
+        const size_t laidOut = std::min<size_t>(firstSize, Images::maxSize);
+        if (depth < laidOut)
+            depth += common(items, count, depth);
+        if (depth >= laidOut) {
+            // All the same as far as laid out, and in the order of their entry.
+            if (firstSize == Images::cut)
+                std::sort(items, items + count,
+                          [this, depth](const SortItem& a, const SortItem& b) {
+                              return less(a, b, depth);
+                          });
+            return;
+        }
+        for (size_t i = 0; i < count; ++i) {
+            if (i + ahead < count)
+                __builtin_prefetch(m_images.image(items[i + ahead].image) + depth);
+            items[i].word = loadOrdered(m_images.image(items[i].image) + depth);
+        }
+        if (count > 512)
+            radixSort(items, m_other.data(), count);
+        else
+            std::sort(items, items + count, [](const SortItem& a, const SortItem& b) {
+                return a.word != b.word ? a.word < b.word : a.image < b.image;
+            });
+        for (size_t begin = 0; begin < count;) {
+            size_t end = begin + 1;
+            while (end < count && items[end].word == items[begin].word)
+                ++end;
+            sort(items + begin, end - begin, depth + 8);
+            begin = end;
+        }
+    }
+
+    void fillLeaf(KeyTree::Leaf& leaf, size_t begin, size_t end) {
+        const uint8_t* low = m_images.image(m_items[begin].image);
+        const uint8_t* high = m_images.image(m_items[end - 1].image);
+        const size_t size = std::min<size_t>({m_images.head(m_items[begin].image).size,
+                                              m_images.head(m_items[end - 1].image).size,
+                                              KeyTree::Node::maxPrefix});
+        const auto prefix = static_cast<size_t>(std::mismatch(low, low + size, high).first - low);
+        std::memcpy(leaf.prefix, low, prefix);
+        leaf.prefixSize = static_cast<uint8_t>(prefix);
+        leaf.count = static_cast<uint16_t>(end - begin);
+        for (size_t i = begin; i < end; ++i) {
+            if (i + ahead < m_items.size())
+                __builtin_prefetch(m_images.at(m_items[i + ahead].image));
+            leaf.words[i - begin] = loadOrdered(m_images.image(m_items[i].image) + prefix);
+            leaf.numbers[i - begin] = m_items[i].number;
+        }
+    }
+
+    void fillLevel(std::vector<KeyTree::Node*>& nodes, std::vector<uint32_t>& firsts) {
+        const size_t count = (nodes.size() + fillTo - 1) / fillTo;
+        for (size_t i = 0; i < count; ++i) {
+            const size_t begin = nodes.size() * i / count;
+            const size_t end = nodes.size() * (i + 1) / count;
+            KeyTree::Inner* inner = m_tree.takeInner();
+            inner->count = static_cast<uint16_t>(end - begin);
+            std::copy(nodes.begin() + static_cast<ptrdiff_t>(begin),
+                      nodes.begin() + static_cast<ptrdiff_t>(end), inner->children);
+            std::copy(firsts.begin() + static_cast<ptrdiff_t>(begin),
+                      firsts.begin() + static_cast<ptrdiff_t>(end), inner->numbers);
+            m_tree.setWords(*inner);
+            KeyTree::recount(*inner);
+            m_levelNodes.push_back(inner);
+            m_levelFirsts.push_back(firsts[begin]);
+        }
+        nodes.swap(m_levelNodes);
+        firsts.swap(m_levelFirsts);
+        m_levelNodes.clear();
+        m_levelFirsts.clear();
+        ++m_tree.m_height;
+    }
+
+    KeyTree& m_tree;
+    Images m_images;
+    std::vector<SortItem> m_items, m_other;
+    std::vector<KeyTree::Node*> m_levelNodes;
+    std::vector<uint32_t> m_levelFirsts;
+    KeyTree::Node* m_firstLeaf = nullptr;
+};
+
+bool KeyTree::build(std::span<const uint32_t> records, bool unique) {
+    if (records.empty())
+        return true;
+    KeyBuilder builder(*this, records);
+    builder.sort();
+    if (unique && !builder.isUnique())
+        return false;
+    builder.fill();
+    return true;
+}
+
+} // namespace orvo::mdx
