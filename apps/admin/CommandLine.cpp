@@ -1,0 +1,187 @@
+#include "apps/admin/CommandLine.h"
+
+#include "apps/admin/Failure.h"
+#include "apps/admin/Output.h"
+#include "apps/admin/Verb.h"
+
+#include <QCoreApplication>
+#include <QStandardPaths>
+#include <QTranslator>
+
+#include <cstring>
+
+namespace orvo::admin {
+
+namespace {
+
+/// The few texts of Qt's parser, so that no translation package has to be installed.
+class ParserTexts : public QTranslator {
+public:
+    using QTranslator::QTranslator;
+    bool isEmpty() const override { return false; }
+
+    QString translate(const char* context, const char* source, const char* /*disambiguation*/,
+                      int /*n*/) const override {
+        static const struct {
+            const char* english;
+            const char* russian;
+        } texts[] = {
+            {"Unknown option '%1'.", "неизвестный ключ «%1»"},
+            {"Unknown options: %1.", "неизвестные ключи: %1"},
+            {"Missing value after '%1'.", "после «%1» нет значения"},
+            {"Unexpected value after '%1'.", "ключ «%1» не принимает значения"},
+            {"Options:", "Ключи:"},
+            {"Arguments:", "Аргументы:"},
+        };
+        if (std::strcmp(context, "QCommandLineParser") == 0)
+            for (const auto& text : texts)
+                if (std::strcmp(source, text.english) == 0)
+                    return QString::fromUtf8(text.russian);
+        return {};
+    }
+};
+
+void addOption(QCommandLineParser& parser, const char* name, const char* description,
+               const char* valueName = nullptr) {
+    parser.addOption({QString::fromUtf8(name), QString::fromUtf8(description),
+                      valueName ? QString::fromUtf8(valueName) : QString()});
+}
+
+void addGeneralOptions(QCommandLineParser& parser) {
+    addOption(parser, "store", "Хранилище: sqlite:///путь/orvo.db или путь к файлу.", "URL");
+    parser.addOption({{QStringLiteral("h"), QStringLiteral("help")},
+                      QString::fromUtf8("Показать справку и закончить.")});
+}
+
+/// Qt's list of options under our own usage line.
+void printHelp(const std::string& usage, const std::string& text, QCommandLineParser& parser) {
+    const QString all = parser.helpText();
+    const int options = all.indexOf(QString::fromUtf8("Ключи:"));
+    out("Вызов: orvo-admin " + usage + "\n\n" + text + "\n\n" +
+        (options < 0 ? QString() : all.mid(options)).toStdString());
+}
+
+void printGeneralHelp(QCommandLineParser& parser) {
+    std::string text = "Ведение хранилища Orvo.\n\nДействия:\n";
+    for (const Verb* verb : verbs()) {
+        std::string line = std::string("  ") + verb->name;
+        line.resize(std::max<size_t>(line.size() + 1, 14), ' ');
+        text += line + verb->summary + "\n";
+    }
+    text += "\nСправка о действии: orvo-admin ДЕЙСТВИЕ --help\n"
+            "Коды завершения: 0 сделано, 1 проверка нашла ошибки, 2 сбой или неверный вызов.";
+    printHelp("[--store URL] ДЕЙСТВИЕ ...", text, parser);
+}
+
+/// The verb that the words begin with, and how many of them are its name; null if none.
+const Verb* findVerb(const QStringList& words, int* used) {
+    for (const int count : {2, 1}) {
+        if (words.size() < count)
+            continue;
+        const QString name = words.mid(0, count).join(QLatin1Char(' '));
+        for (const Verb* verb : verbs())
+            if (name == QLatin1String(verb->name)) {
+                *used = count;
+                return verb;
+            }
+    }
+    return nullptr;
+}
+
+/// Second words of the verbs that begin with this one.
+std::string secondWords(const QString& first) {
+    std::string found;
+    for (const Verb* verb : verbs()) {
+        const QStringList words = QString::fromUtf8(verb->name).split(QLatin1Char(' '));
+        if (words.size() == 2 && words[0] == first)
+            found += (found.empty() ? "" : ", ") + words[1].toStdString();
+    }
+    return found;
+}
+
+[[noreturn]] void refuseVerb(const QStringList& words) {
+    const std::string first = words[0].toStdString();
+    const std::string second = secondWords(words[0]);
+    if (second.empty())
+        throw Failure("неизвестное действие «" + first + "»; список: orvo-admin --help");
+    if (words.size() > 1 && !words[1].startsWith(QLatin1Char('-')))
+        throw Failure("неизвестное действие «" + first + " " + words[1].toStdString() +
+                      "»; после «" + first + "» бывает: " + second);
+    throw Failure("действие «" + first + "» не закончено; дальше бывает: " + second);
+}
+
+std::string defaultStore() {
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    return (folder + QStringLiteral("/orvo/orvo.db")).toStdString();
+}
+
+std::string chosenStore(const QCommandLineParser& general, const QCommandLineParser& own) {
+    const QString option = QStringLiteral("store");
+    for (const QCommandLineParser* parser : {&own, &general})
+        if (parser->isSet(option)) {
+            if (parser->value(option).isEmpty())
+                throw Failure("адрес хранилища после --store пуст");
+            return parser->value(option).toStdString();
+        }
+    return defaultStore();
+}
+
+int runVerb(const Verb& verb, const QStringList& words, const QCommandLineParser& general) {
+    QCommandLineParser parser;
+    addGeneralOptions(parser);
+    if (verb.options)
+        verb.options(parser);
+    const std::string usage =
+        std::string(verb.name) + (*verb.arguments ? " " : "") + verb.arguments;
+    const bool good = parser.parse(words);
+    if (parser.isSet(QStringLiteral("help"))) {
+        printHelp("[--store URL] " + usage,
+                  std::string(verb.summary) + "." + (*verb.help ? "\n" : "") + verb.help, parser);
+        return Done;
+    }
+    if (!good)
+        throw Failure(std::string(verb.name) + ": " + parser.errorText().toStdString());
+    const int count = parser.positionalArguments().size();
+    if (count < verb.least)
+        throw Failure(std::string(verb.name) + ": не хватает аргументов; вызов: orvo-admin " +
+                      usage);
+    if (verb.most >= 0 && count > verb.most)
+        throw Failure(std::string(verb.name) + ": лишний аргумент «" +
+                      parser.positionalArguments().at(verb.most).toStdString() +
+                      "»; вызов: orvo-admin " + usage);
+    return verb.run(Invocation(chosenStore(general, parser), parser));
+}
+
+} // namespace
+
+int runCommandLine(const QStringList& arguments) {
+    ParserTexts texts;
+    QCoreApplication::installTranslator(&texts);
+
+    QCommandLineParser general;
+    general.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
+    addGeneralOptions(general);
+    addOption(general, "version", "Показать версию и закончить.");
+    const bool good = general.parse(arguments);
+    if (general.isSet(QStringLiteral("help"))) {
+        printGeneralHelp(general);
+        return Done;
+    }
+    if (general.isSet(QStringLiteral("version"))) {
+        out("orvo-admin " + QCoreApplication::applicationVersion().toStdString());
+        return Done;
+    }
+    if (!good)
+        throw Failure(general.errorText().toStdString());
+    const QStringList words = general.positionalArguments();
+    if (words.isEmpty())
+        throw Failure("не сказано, что делать; список действий: orvo-admin --help");
+    int used = 0;
+    const Verb* verb = findVerb(words, &used);
+    if (!verb)
+        refuseVerb(words);
+    // The parser takes the first word for the program's name.
+    return runVerb(*verb, QStringList(QStringLiteral("orvo-admin")) + words.mid(used), general);
+}
+
+} // namespace orvo::admin

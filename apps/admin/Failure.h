@@ -1,0 +1,27 @@
+// Failure.h: how a verb gives up. Thrown anywhere below main, which prints it as the one line on
+// standard error and exits with 2.
+#ifndef ORVO_ADMIN_FAILURE_H
+#define ORVO_ADMIN_FAILURE_H
+
+#include "platform/store/Store.h"
+
+#include <stdexcept>
+#include <string>
+
+namespace orvo::admin {
+
+/// What failed and why, UTF-8, without a line feed at the end.
+class Failure : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Throws a Failure "<what>: <text of the status>" unless the status is good.
+inline void require(const store::Status& status, const std::string& what) {
+    if (!status.ok())
+        throw Failure(what + ": " + status.text);
+}
+
+} // namespace orvo::admin
+
+#endif

@@ -1,0 +1,29 @@
+#include "apps/admin/Output.h"
+
+#include <cstdio>
+
+namespace orvo::admin {
+
+std::string cell(std::string_view text) {
+    std::string clean(text);
+    for (char& c : clean)
+        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f)
+            c = ' ';
+    return clean;
+}
+
+void out(std::string_view line) {
+    std::fwrite(line.data(), 1, line.size(), stdout);
+    std::fputc('\n', stdout);
+}
+
+void complain(std::string_view text) {
+    const std::string line = "orvo-admin: " + cell(text) + "\n";
+    std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+bool finishOutput() {
+    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+}
+
+} // namespace orvo::admin

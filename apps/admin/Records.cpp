@@ -1,0 +1,187 @@
+#include "apps/admin/Records.h"
+
+#include "apps/admin/Failure.h"
+#include "platform/mdx/MdxBuild.h"
+
+#include <QString>
+#include <QUuid>
+
+#include <algorithm>
+
+namespace orvo::admin {
+
+namespace {
+
+MDRVar typed(MdxType type) {
+    MDRVar value{};
+    value.type = type;
+    return value;
+}
+
+MDRVar textValue(const std::string& bytes) {
+    MDRVar value = typed(MDX_TEXT);
+    value.value.text = {static_cast<uint32_t>(bytes.size()), bytes.c_str()};
+    return value;
+}
+
+} // namespace
+
+std::string Row::text(const char* field) const {
+    uint32_t length = 0;
+    const char* pointer = nullptr;
+    if (!record_ || MDRGetTextRef(MDRFldByName(record_->owner, field), record_, &length, &pointer))
+        return {};
+    return mdx::toUtf8({pointer, length});
+}
+
+int Row::integer(const char* field) const {
+    int32_t value = 0;
+    if (record_)
+        MDRGetAsInt32(MDRFldByName(record_->owner, field), record_, &value);
+    return value;
+}
+
+bool Row::isNull(const char* field) const {
+    MDRVar value{};
+    value.null = 1;
+    if (record_)
+        MDRGetVal(MDRFldByName(record_->owner, field), record_, &value);
+    return value.null || value.type == MDX_NONE;
+}
+
+Table::Table(store::Store& store, const char* name) : name_(name) {
+    require(store.fetch(name, records_.array), std::string("таблица ") + name + " не читается");
+}
+
+int Table::count() const {
+    return static_cast<int>(mdx::postedCount(records_.array));
+}
+
+Row Table::at(int place) const {
+    return Row(mdx::postedRecord(records_.array, static_cast<uint32_t>(place)));
+}
+
+Row Table::byKey(const std::string& key) const {
+    const std::string bytes = mdx::toCp1251(key);
+    const MDRVar value = textValue(bytes);
+    return Row(key.empty() ? nullptr : MDARecSeekV(records_.array, 0, &value, nullptr));
+}
+
+int Table::placeOf(const Row& row) const {
+    if (places_.empty()) {
+        places_.reserve(static_cast<size_t>(count()));
+        for (int i = 0, end = count(); i < end; ++i)
+            places_.emplace_back(at(i).record_, i);
+        std::sort(places_.begin(), places_.end());
+    }
+    const auto found = std::lower_bound(places_.begin(), places_.end(),
+                                        std::pair<const MDRData*, int>(row.record_, 0));
+    return row && found != places_.end() && found->first == row.record_ ? found->second : -1;
+}
+
+Row Table::find(const std::function<bool(const Row&)>& test) const {
+    for (int i = 0, end = count(); i < end; ++i)
+        if (const Row row = at(i); test(row))
+            return row;
+    return {};
+}
+
+Batch::Batch(const char* table) : definition_(store::findTable(table)) {
+    if (!definition_)
+        throw Failure(std::string("нет таблицы ") + table);
+}
+
+Batch& Batch::begin(std::string_view key, uint32_t flag) {
+    post();
+    if (!records_) {
+        records_.emplace();
+        if (store::makeStructure(*definition_, records_->array) != MDX_OK)
+            throw Failure(std::string("не хватает памяти для таблицы ") + definition_->name);
+    }
+    open_ = MDARecNew(records_->array);
+    if (!open_ || MDRSetFlags(open_, flag) != MDX_OK)
+        throw Failure(std::string("не хватает памяти для таблицы ") + definition_->name);
+    return text("KeyLink", key);
+}
+
+void Batch::set(const char* field, const MDRVar& value) {
+    const MDRField handle = MDRFldByName(records_->array, field);
+    if (MDRSetVal(handle, open_, &value) != MDX_OK || MDRSetUser(handle, open_, 1) != MDX_OK)
+        throw Failure(std::string("поле ") + definition_->name + "." + field +
+                      " не принимает значение");
+}
+
+Batch& Batch::text(const char* field, std::string_view utf8) {
+    const std::string bytes = mdx::toCp1251(utf8);
+    set(field, textValue(bytes));
+    return *this;
+}
+
+Batch& Batch::integer(const char* field, int value) {
+    MDRVar var = typed(MDX_INTEGER);
+    var.value.integer = value;
+    set(field, var);
+    return *this;
+}
+
+Batch& Batch::flag(const char* field, bool value) {
+    MDRVar var = typed(MDX_BOOLEAN);
+    var.value.boolean = value ? 1 : 0;
+    set(field, var);
+    return *this;
+}
+
+Batch& Batch::date(const char* field, double value) {
+    MDRVar var = typed(MDX_DATE);
+    var.value.date = value;
+    set(field, var);
+    return *this;
+}
+
+Batch& Batch::null(const char* field) {
+    MDRVar var = typed(MDX_NONE);
+    var.null = 1;
+    set(field, var);
+    return *this;
+}
+
+void Batch::post() {
+    if (!open_)
+        return;
+    if (MDARecPost(open_, nullptr) != MDX_OK)
+        throw Failure(std::string("не хватает памяти для таблицы ") + definition_->name);
+    open_ = nullptr;
+    ++count_;
+}
+
+void Batch::send(store::Store& store, const std::string& what) {
+    post();
+    if (count_ == 0)
+        return;
+    require(store.update(definition_->name, records_->array), what);
+    records_.reset();
+    count_ = 0;
+}
+
+std::string newKey() {
+    return QUuid::createUuid().toByteArray(QUuid::Id128).toStdString();
+}
+
+void requireStorable(std::string_view utf8, const std::string& what) {
+    for (const char c : utf8)
+        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f)
+            throw Failure(what + " содержит управляющий знак");
+    if (mdx::toUtf8(mdx::toCp1251(utf8)) != utf8)
+        throw Failure(what + " «" + std::string(utf8) +
+                      "» содержит знаки, которых нет в кодировке Windows-1251");
+}
+
+std::string folded(const std::string& text) {
+    return QString::fromStdString(text).toCaseFolded().toStdString();
+}
+
+bool sameText(const std::string& a, const std::string& b) {
+    return QString::fromStdString(a).compare(QString::fromStdString(b), Qt::CaseInsensitive) == 0;
+}
+
+} // namespace orvo::admin

@@ -1,0 +1,70 @@
+// Verb.h: what a verb of orvo-admin is, and the table of them. A new verb is one file in verbs/
+// that defines a Verb, one declaration here and one line in Verbs.cpp.
+#ifndef ORVO_ADMIN_VERB_H
+#define ORVO_ADMIN_VERB_H
+
+#include "platform/store/Store.h"
+
+#include <QCommandLineParser>
+#include <QStringList>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace orvo::admin {
+
+/// Exit codes of the command.
+enum Exit : int {
+    Done = 0,        ///< done; for check: no errors (warnings are allowed)
+    ErrorsFound = 1, ///< check found errors
+    Broken = 2,      ///< wrong arguments, or the work failed: one line on standard error says why
+};
+
+/// One call of a verb, with its arguments counted and its options known.
+class Invocation {
+public:
+    Invocation(std::string storeUrl, const QCommandLineParser& parser);
+
+    /// The arguments behind the verb.
+    const QStringList& arguments() const { return arguments_; }
+    /// The argument at that place, UTF-8.
+    std::string argument(int place) const;
+    bool has(const char* option) const;
+    /// The value of an option, UTF-8; empty if it is not given.
+    std::string value(const char* option) const;
+
+    const std::string& storeUrl() const { return storeUrl_; }
+    /// Opens the store; throws a Failure with the store's own line.
+    std::unique_ptr<store::Store> open() const;
+
+private:
+    std::string storeUrl_;
+    const QCommandLineParser& parser_;
+    QStringList arguments_;
+};
+
+/// The login under which the command writes: it stands in the change log.
+inline constexpr const char* adminLogin = "admin";
+
+struct Verb {
+    const char* name;                     ///< one word, or two: "put form"
+    const char* arguments;                ///< as the usage line shows them
+    const char* summary;                  ///< one line for the list of verbs
+    const char* help;                     ///< some lines more for the help of the verb
+    int least, most;                      ///< number of arguments; most < 0: any number
+    void (*options)(QCommandLineParser&); ///< declares the verb's options; null if it has none
+    int (*run)(const Invocation&);        ///< gives an Exit; may throw Failure
+};
+
+extern const Verb initVerb, demoVerb, checkVerb;
+extern const Verb userAddVerb, userListVerb, extAddVerb, extListVerb;
+extern const Verb lockVerb, unlockVerb;
+extern const Verb putFormVerb, putFileVerb, getFormVerb, getFileVerb, listFormsVerb, listFilesVerb;
+
+/// All verbs in the order of the help.
+const std::vector<const Verb*>& verbs();
+
+} // namespace orvo::admin
+
+#endif

@@ -1,0 +1,43 @@
+#include "apps/admin/Verb.h"
+
+#include "apps/admin/Failure.h"
+
+namespace orvo::admin {
+
+const std::vector<const Verb*>& verbs() {
+    static const std::vector<const Verb*> all = {
+        &initVerb,      &demoVerb,      &checkVerb,                 //
+        &userAddVerb,   &userListVerb,  &extAddVerb,  &extListVerb, //
+        &lockVerb,      &unlockVerb,                                //
+        &putFormVerb,   &putFileVerb,   &getFormVerb, &getFileVerb, //
+        &listFormsVerb, &listFilesVerb,
+    };
+    return all;
+}
+
+Invocation::Invocation(std::string storeUrl, const QCommandLineParser& parser)
+    : storeUrl_(std::move(storeUrl))
+    , parser_(parser)
+    , arguments_(parser.positionalArguments()) {}
+
+std::string Invocation::argument(int place) const {
+    return arguments_.at(place).toStdString();
+}
+
+bool Invocation::has(const char* option) const {
+    return parser_.isSet(QString::fromUtf8(option));
+}
+
+std::string Invocation::value(const char* option) const {
+    return parser_.value(QString::fromUtf8(option)).toStdString();
+}
+
+std::unique_ptr<store::Store> Invocation::open() const {
+    store::Status status;
+    auto opened = store::open(storeUrl_, {adminLogin, false}, &status);
+    if (!opened)
+        throw Failure(status.text);
+    return opened;
+}
+
+} // namespace orvo::admin

@@ -1,0 +1,218 @@
+#include "apps/admin/demo/Demo.h"
+
+#include "apps/admin/Failure.h"
+
+#include <QDir>
+
+#include <algorithm>
+
+namespace orvo::admin {
+
+namespace {
+
+/// Far from the numbers of the folders that exist.
+constexpr uint64_t missingFolder = 0xffffffff;
+
+void textUnlessEmpty(Batch& batch, const char* field, const std::string& text) {
+    if (!text.empty())
+        batch.text(field, text);
+}
+
+std::string joined(const std::string& path, const std::string& name) {
+    return path.empty() ? name : path + "/" + name;
+}
+
+} // namespace
+
+DemoBuilder::DemoBuilder(store::Store& store) : store_(store) {}
+
+void DemoBuilder::build() {
+    addUsers();
+    addExtensions();
+    addCatalogue();
+    for (const Outline& sample : demoOutline("menus.txt"))
+        menus_[sample.column(0)] = sample.children;
+    addDesktops(demoOutline("desktops.txt"), {});
+    sendAll();
+    putContents();
+}
+
+void DemoBuilder::sendAll() {
+    // A link's target before what links to it.
+    for (Batch* batch : {&users_, &extensions_, &folders_, &resources_, &desktops_, &elements_})
+        batch->send(store_, "образцовая установка не записана");
+}
+
+void DemoBuilder::addUsers() {
+    const Table present(store_, "Users");
+    uint64_t number = 0;
+    for (const Outline& user : demoOutline("people.txt")) {
+        ++number;
+        const std::string& login = user.column(0);
+        if (const Row row = present.find(
+                [&](const Row& other) { return sameText(other.text("login_"), login); })) {
+            userKeys_[login] = row.key();
+            continue;
+        }
+        const std::string key = userKeys_[login] = demoKey(DemoKey::User, number);
+        users_.insert(key).text("login_", login).flag("program", user.column(4) == "program");
+        textUnlessEmpty(users_, "lastName", user.column(1));
+        textUnlessEmpty(users_, "firstName", user.column(2));
+        textUnlessEmpty(users_, "midlName", user.column(3));
+    }
+}
+
+void DemoBuilder::addExtensions() {
+    const Table present(store_, "MenuFileExt");
+    uint64_t number = 0;
+    for (const Outline& line : demoOutline("extensions.txt")) {
+        ++number;
+        const std::string& extension = line.column(0);
+        if (!present.find([&](const Row& row) { return sameText(row.text("fileExt"), extension); }))
+            extensions_.insert(demoKey(DemoKey::Extension, number)).text("fileExt", extension);
+    }
+}
+
+void DemoBuilder::addCatalogue() {
+    const Folders folders(store_);
+    int kind = Module;
+    for (const Outline& top : demoOutline("catalogue.txt")) {
+        addResources(top.children, kind, folders.need(kind, {}), {});
+        ++kind;
+    }
+    addIcons();
+    addReports();
+}
+
+std::string DemoBuilder::addFolder(int kind, const std::string& parent,
+                                   const std::string& caption) {
+    const std::string key = demoKey(DemoKey::ResourceFolder, ++numbers_.resourceFolder);
+    folders_.insert(key).text("ParentKey", parent).integer("type_", kind).text("caption", caption);
+    return key;
+}
+
+void DemoBuilder::addResources(const std::vector<Outline>& nodes, int kind,
+                               const std::string& folder, const std::string& path) {
+    for (const Outline& node : nodes) {
+        const std::string& caption = node.column(0);
+        if (node.mark == Outline::Folder)
+            addResources(node.children, kind, addFolder(kind, folder, caption),
+                         joined(path, caption));
+        else if (node.mark == Outline::Missing)
+            addResources(node.children, kind, demoKey(DemoKey::ResourceFolder, missingFolder), {});
+        else
+            addResource(node, kind, folder, path);
+    }
+}
+
+void DemoBuilder::addResource(const Outline& node, int kind, const std::string& folder,
+                              const std::string& path) {
+    const std::string& name = node.column(0);
+    const std::string key = demoKey(DemoKey::Resource, ++numbers_.resource);
+    resources_.insert(key).text("MenuResourceFolderKey", folder).text("name_", name);
+    resources_.integer("type_", kind).text("caption", node.column(1));
+    textUnlessEmpty(resources_, "ico", node.column(2));
+    textUnlessEmpty(resources_, "params", node.column(3));
+    if (!node.column(5).empty()) {
+        resources_.text("UsersKey", userKeys_.at(node.column(5)));
+        resources_.date("dateTimeEdit", demoTime + 977.0 * static_cast<double>(numbers_.resource));
+    }
+    if (kind != File)
+        byName_[name] = {key, node.column(2), node.column(4), kind};
+    captions_[name] = node.column(1);
+    if (kind >= Form)
+        contents_.push_back({kind, path, name, node.column(4)});
+}
+
+void DemoBuilder::addIcons() {
+    const std::string folder = Folders(store_).need(File, iconFolder);
+    for (const QString& name :
+         QDir(QStringLiteral(":/demo/icons")).entryList(QDir::Files, QDir::Name)) {
+        Outline node;
+        node.columns = {name.toStdString(), "Значок " + name.section('.', 0, 0).toStdString()};
+        addResource(node, File, folder, iconFolder);
+    }
+}
+
+void DemoBuilder::addReports() {
+    // Daily reports make up the promised number, however many icons there are.
+    const std::string folder = addFolder(File, {}, "Сводки");
+    const std::string year = addFolder(File, folder, "2024");
+    for (int day = 1; numbers_.resource < demoResources; ++day) {
+        const std::string digits = (day < 10 ? "0" : "") + std::to_string(day);
+        Outline node;
+        node.columns = {"svodka_2024-03-" + digits + ".csv", "Сводка за " + digits + ".03.2024"};
+        addResource(node, File, year, "Сводки/2024");
+    }
+}
+
+void DemoBuilder::putContents() {
+    std::vector<std::string> bytes; // behind the views of the puts
+    bytes.reserve(contents_.size());
+    std::vector<store::FileToPut> files;
+    int day = 0;
+    for (const Content& content : contents_) {
+        if (content.kind == Form) {
+            const auto stored =
+                demoFormFiles(content.name, captions_[content.name], content.sample);
+            std::vector<store::FileToPut> puts;
+            for (const auto& [name, text] : stored)
+                puts.push_back({{}, name, text, demoTime});
+            require(store_.formPut(content.path, puts), "форма «" + content.name + "» не записана");
+            continue;
+        }
+        if (content.path == iconFolder)
+            bytes.push_back(demoFile("icons/" + content.name));
+        else if (content.path.rfind("Сводки", 0) == 0)
+            bytes.push_back(demoReport(++day));
+        else
+            bytes.push_back(demoFile("files/" + content.name));
+        files.push_back({content.path, content.name, bytes.back(), demoTime});
+    }
+    require(store_.filePut(files), "файлы образцовой установки не записаны");
+}
+
+void DemoBuilder::addDesktops(const std::vector<Outline>& nodes, const std::string& parent) {
+    for (const Outline& node : nodes) {
+        const bool isFolder = node.mark == Outline::Folder;
+        const std::string key = demoKey(DemoKey::Desktop, ++numbers_.desktop);
+        desktops_.insert(key).text("caption", node.column(0)).flag("isFolder", isFolder);
+        desktops_.text("ParentKey", parent).text("order_", isFolder ? "1000" : "2000");
+        if (isFolder)
+            addDesktops(node.children, key);
+        else
+            addMenu(node, menus_.at(node.column(1)), key, {});
+    }
+}
+
+void DemoBuilder::addMenu(const Outline& desktop, const std::vector<Outline>& nodes,
+                          const std::string& desktopKey, const std::string& parent) {
+    const auto filled = [&](size_t column, const Outline& node) {
+        return replaced(replaced(node.column(column), "{N}", desktop.column(2)), "{S}",
+                        desktop.column(3));
+    };
+    int order = 0;
+    for (const Outline& node : nodes) {
+        const std::string key = demoKey(DemoKey::Element, ++numbers_.element);
+        elements_.insert(key).text("parent", parent).text("FolderKey", desktopKey);
+        elements_.text("caption", filled(0, node)).integer("order_", order);
+        order += 1000;
+        const std::string& marks = node.column(4);
+        elements_.flag("separator", marks.find("sep") != marks.npos);
+        elements_.flag("oneCopy", marks.find("one") != marks.npos);
+        std::string icon = node.column(2);
+        if (const std::string name = filled(1, node); !name.empty()) {
+            const auto resource = byName_.find(name);
+            if (resource == byName_.end())
+                throw Failure("меню называет ресурс «" + name + "», которого нет");
+            elements_.text("MenuResourceKey", resource->second.key);
+            if (icon.empty())
+                icon = resource->second.icon;
+        }
+        textUnlessEmpty(elements_, "ico", icon);
+        textUnlessEmpty(elements_, "params", filled(3, node));
+        addMenu(desktop, node.children, desktopKey, key);
+    }
+}
+
+} // namespace orvo::admin

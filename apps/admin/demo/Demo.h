@@ -1,0 +1,80 @@
+// Demo.h: the demonstration installation: an invented gas pipeline with three compressor stations.
+#ifndef ORVO_ADMIN_DEMO_DEMO_H
+#define ORVO_ADMIN_DEMO_DEMO_H
+
+#include "apps/admin/Folders.h"
+#include "apps/admin/demo/Content.h"
+#include "platform/store/Store.h"
+
+#include <cstdint>
+#include <map>
+#include <string>
+
+namespace orvo::admin {
+
+/// What the demonstration holds without growth.
+inline constexpr int demoResources = 120;
+inline constexpr int demoElements = 300;
+
+/// Numbers of the next keys, by kind.
+struct DemoNumbers {
+    uint64_t resourceFolder = 0, resource = 0, desktop = 0, element = 0;
+};
+
+/// Fills a store that has its base folders. Throws Failure.
+class DemoBuilder {
+public:
+    explicit DemoBuilder(store::Store& store);
+    void build();
+    /// The keys used so far: where growth goes on.
+    const DemoNumbers& numbers() const { return numbers_; }
+
+private:
+    struct Resource {
+        std::string key, icon, sample;
+        int kind;
+    };
+    void addUsers();
+    void addExtensions();
+    void addCatalogue();
+    void addResources(const std::vector<Outline>& nodes, int kind, const std::string& folder,
+                      const std::string& path);
+    std::string addFolder(int kind, const std::string& parent, const std::string& caption);
+    void addResource(const Outline& node, int kind, const std::string& folder,
+                     const std::string& path);
+    void addIcons();
+    void addReports();
+    void putContents();
+    void addDesktops(const std::vector<Outline>& nodes, const std::string& parent);
+    void addMenu(const Outline& desktop, const std::vector<Outline>& nodes,
+                 const std::string& desktopKey, const std::string& parent);
+    void sendAll();
+
+    struct Content {
+        int kind;
+        std::string path, name, sample;
+    };
+
+    store::Store& store_;
+    DemoNumbers numbers_;
+    Batch users_{"Users"}, extensions_{"MenuFileExt"}, folders_{"MenuResourceFolder"},
+        resources_{"MenuResource"}, desktops_{"MenuFolder"}, elements_{"Menu"};
+    std::map<std::string, std::string> userKeys_;       ///< by login
+    std::map<std::string, Resource> byName_;            ///< resources that menus may start
+    std::map<std::string, std::vector<Outline>> menus_; ///< by sample name
+    std::vector<Content> contents_;               ///< forms and files whose bytes are to be put
+    std::map<std::string, std::string> captions_; ///< of forms
+};
+
+/// The stored files of a form of the demonstration: name and bytes.
+std::vector<std::pair<std::string, std::string>>
+demoFormFiles(const std::string& form, const std::string& caption, const std::string& sample);
+/// A daily report for the day of that number, as text with separated values.
+std::string demoReport(int day);
+
+/// Adds so many resources and elements, evenly over new folders and desktops. Throws Failure.
+void growDemo(store::Store& store, const DemoNumbers& from, int64_t resources, int64_t elements);
+
+} // namespace orvo::admin
+
+#endif

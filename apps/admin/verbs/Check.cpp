@@ -1,0 +1,58 @@
+#include "apps/admin/Failure.h"
+#include "apps/admin/Output.h"
+#include "apps/admin/Verb.h"
+#include "apps/admin/check/Rules.h"
+
+namespace orvo::admin {
+
+namespace {
+
+void checkOptions(QCommandLineParser& parser) {
+    parser.addOption({QStringLiteral("all"),
+                      QString::fromUtf8("Показать все находки, а не первые %1 каждого вида.")
+                          .arg(Findings::shownPerRule)});
+}
+
+int run(const Invocation& call) {
+    const auto store = call.open();
+    Findings findings(call.has("all"));
+    // The database first: what is damaged may not be readable below.
+    std::vector<std::string> damages;
+    require(store->integrity(&damages), "база данных не проверена");
+    for (const std::string& damage : damages)
+        findings.damage(damage);
+
+    const Catalogue catalogue(*store);
+    checkPeople(catalogue, findings);
+    checkDesktops(catalogue, findings);
+    checkElements(catalogue, findings);
+    checkFolders(catalogue, findings);
+    checkResources(catalogue, findings);
+    checkContents(*store, catalogue, findings);
+    findings.finish();
+
+    int records = 0;
+    for (const Table* table : {&catalogue.users, &catalogue.extensions, &catalogue.folders,
+                               &catalogue.resources, &catalogue.desktops, &catalogue.elements})
+        records += table->count();
+    out("проверено записей: " + std::to_string(records) + ", ошибок: " +
+        std::to_string(findings.errors()) + ", замечаний: " + std::to_string(findings.warnings()));
+    return findings.errors() ? ErrorsFound : Done;
+}
+
+} // namespace
+
+const Verb checkVerb = {
+    "check",
+    "[--all]",
+    "Проверить хранилище",
+    "Называет каждую находку на своей строке: таблица, ключ, название, что не так. Ошибка - то,\n"
+    "что потеряно, не видно в редакторах или двусмысленно; замечание - то, на что стоит взглянуть\n"
+    "(например, форма без папки). Код завершения 1, если есть ошибки; замечания его не меняют.",
+    0,
+    0,
+    checkOptions,
+    run,
+};
+
+} // namespace orvo::admin

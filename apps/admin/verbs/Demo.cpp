@@ -1,0 +1,78 @@
+#include "apps/admin/demo/Demo.h"
+#include "apps/admin/Failure.h"
+#include "apps/admin/Output.h"
+#include "apps/admin/Verb.h"
+#include "apps/admin/verbs/BaseFolders.h"
+
+namespace orvo::admin {
+
+namespace {
+
+constexpr int64_t largestScale = 10'000'000;
+
+void demoOptions(QCommandLineParser& parser) {
+    parser.addOption({QStringLiteral("scale"),
+                      QString::fromUtf8("Вырастить до N ресурсов и N элементов меню (от %1 до %2).")
+                          .arg(demoElements)
+                          .arg(largestScale),
+                      QStringLiteral("N")});
+}
+
+int64_t readScale(const Invocation& call) {
+    const std::string text = call.value("scale");
+    bool good = false;
+    const qlonglong scale = QString::fromStdString(text).toLongLong(&good);
+    if (!good || scale < demoElements || scale > largestScale)
+        throw Failure("--scale «" + text + "» не число от " + std::to_string(demoElements) +
+                      " до " + std::to_string(largestScale));
+    return scale;
+}
+
+/// Base folders, users and extensions may be there already; anything else is somebody's work.
+void requireUnused(store::Store& store) {
+    for (const char* name : {"Menu", "MenuFolder", "MenuResource"})
+        if (const int count = Table(store, name).count())
+            throw Failure("образцовая установка не записана: в хранилище уже есть данные (" +
+                          std::string(name) + ", записей: " + std::to_string(count) + ")");
+    const Table folders(store, "MenuResourceFolder");
+    for (int i = 0; i < folders.count(); ++i) {
+        const Row row = folders.at(i);
+        const int type = row.integer("type_");
+        const char* base = type == File ? iconFolder : topCaption(type);
+        if (!row.text("ParentKey").empty() || !base || !sameText(row.text("caption"), base))
+            throw Failure("образцовая установка не записана: в хранилище уже есть данные (папка «" +
+                          row.text("caption") + "»)");
+    }
+}
+
+int run(const Invocation& call) {
+    const int64_t scale = call.has("scale") ? readScale(call) : 0;
+    const auto store = call.open();
+    requireUnused(*store);
+    makeBaseFolders(*store);
+    DemoBuilder builder(*store);
+    builder.build();
+    if (scale)
+        growDemo(*store, builder.numbers(), scale - demoResources, scale - demoElements);
+    out("образцовая установка записана: ресурсов " + std::to_string(scale ? scale : demoResources) +
+        ", элементов меню " + std::to_string(scale ? scale : demoElements));
+    return Done;
+}
+
+} // namespace
+
+const Verb demoVerb = {
+    "demo",
+    "[--scale N]",
+    "Заполнить новое хранилище образцовой установкой",
+    "Придуманный газопровод: рабочие столы в папках, меню, ресурсы всех видов, формы с файлами,\n"
+    "значки, пользователи, две блокировки каждого из двух пользователей и одна форма без папки.\n"
+    "Хранилище, в котором уже есть данные, не меняется. Прерванное заполнение не продолжается:\n"
+    "его начинают заново на новом хранилище.",
+    0,
+    0,
+    demoOptions,
+    run,
+};
+
+} // namespace orvo::admin

@@ -1,0 +1,78 @@
+#include "apps/admin/Failure.h"
+#include "apps/admin/Folders.h"
+#include "apps/admin/LocalFiles.h"
+#include "apps/admin/Output.h"
+#include "apps/admin/Verb.h"
+
+namespace orvo::admin {
+
+namespace {
+
+int extract(const std::vector<store::StoredFile>& files, const std::string& what,
+            const std::string& directory) {
+    if (files.empty())
+        throw Failure(what + " нет, или к ней не сохранено ни одного файла");
+    // A name that leads out of the directory is found before the first file is written.
+    for (const store::StoredFile& file : files)
+        if (!store::isPlainFileName(file.name))
+            throw Failure(what + ": имя «" + file.name +
+                          "» выводит из каталога; ничего не записано");
+    for (const store::StoredFile& file : files) {
+        writeLocalFile(directory, file.name, file.bytes, file.time);
+        out(cell(directory + "/" + file.name));
+    }
+    return Done;
+}
+
+int getForm(const Invocation& call) {
+    requireDirectory(call.argument(1));
+    const auto store = call.open();
+    std::vector<store::StoredFile> files;
+    require(store->formGet(call.argument(0), true, &files), "форма не извлечена");
+    return extract(files, "формы «" + call.argument(0) + "»", call.argument(1));
+}
+
+void fileOptions(QCommandLineParser& parser) {
+    parser.addOption({QStringLiteral("path"),
+                      QString::fromUtf8("Папка: имена через «/»; без ключа - верхняя."),
+                      QString::fromUtf8("ПУТЬ")});
+}
+
+int getFile(const Invocation& call) {
+    const std::string path = call.value("path");
+    const std::string full = path.empty() ? call.argument(0) : path + "/" + call.argument(0);
+    splitPath(path);
+    requireDirectory(call.argument(1));
+    const auto store = call.open();
+    std::vector<store::StoredFile> files;
+    require(store->fileGet(path, call.argument(0), true, &files), "файл не извлечён");
+    if (files.empty())
+        throw Failure("файла «" + full + "» нет");
+    return extract(files, "файл «" + full + "»", call.argument(1));
+}
+
+} // namespace
+
+const Verb getFormVerb = {
+    "get form",
+    "ФОРМА КАТАЛОГ",
+    "Извлечь файлы формы в каталог",
+    "Каталог должен быть. Файлы с теми же именами в нём заменяются, каждый целиком.",
+    2,
+    2,
+    nullptr,
+    getForm,
+};
+
+const Verb getFileVerb = {
+    "get file",
+    "[--path ПУТЬ] ИМЯ КАТАЛОГ",
+    "Извлечь файл из файловых ресурсов",
+    "Каталог должен быть. Файл с тем же именем в нём заменяется целиком.",
+    2,
+    2,
+    fileOptions,
+    getFile,
+};
+
+} // namespace orvo::admin

@@ -1,0 +1,109 @@
+#include "apps/admin/Failure.h"
+#include "apps/admin/Folders.h"
+#include "apps/admin/Output.h"
+#include "apps/admin/Verb.h"
+
+#include <QDateTime>
+
+#include <algorithm>
+
+namespace orvo::admin {
+
+namespace {
+
+void listOptions(QCommandLineParser& parser) {
+    parser.addOption({QStringLiteral("path"),
+                      QString::fromUtf8("Только эта папка и всё, что в ней."),
+                      QString::fromUtf8("ПУТЬ")});
+}
+
+/// Whether a path is the wanted one or below it.
+bool isBelow(const std::string& path, const std::string& wanted) {
+    const std::string a = folded(path), b = folded(wanted);
+    return b.empty() || a == b || (a.size() > b.size() && a.rfind(b, 0) == 0 && a[b.size()] == '/');
+}
+
+std::string join(const std::string& path, const std::string& name) {
+    return path.empty() ? name : path + "/" + name;
+}
+
+void outSorted(std::vector<std::string>& lines) {
+    std::sort(lines.begin(), lines.end());
+    for (const std::string& line : lines)
+        out(line);
+}
+
+std::string shownTime(const std::optional<double>& time) {
+    if (!time || !(*time > -6e10 && *time < 2.5e11))
+        return {};
+    return QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(*time * 1000.0), Qt::UTC)
+        .toString(Qt::ISODate)
+        .toStdString();
+}
+
+int listForms(const Invocation& call) {
+    const std::string wanted = call.value("path");
+    const auto store = call.open();
+    const Folders folders(*store);
+    folders.need(Form, wanted);
+    const Table resources(*store, "MenuResource");
+    const Table users(*store, "Users");
+    std::vector<std::string> lines;
+    for (int i = 0; i < resources.count(); ++i) {
+        const Row row = resources.at(i);
+        if (row.integer("type_") != Form)
+            continue;
+        const std::string folderKey = row.text("MenuResourceFolderKey");
+        const auto path = folderKey.empty() ? std::nullopt : folders.pathOf(folderKey);
+        if (path ? !isBelow(*path, wanted) : !wanted.empty())
+            continue;
+        const std::string place = path ? join(*path, row.text("name_"))
+                                       : "?/" + row.text("name_"); // no folder of that key
+        lines.push_back(cell(place) + "\t" + cell(row.text("caption")) + "\t" +
+                        cell(users.byKey(row.text("UsersKey")).text("login_")));
+    }
+    outSorted(lines);
+    return Done;
+}
+
+int listFiles(const Invocation& call) {
+    const std::string wanted = call.value("path");
+    const auto store = call.open();
+    Folders(*store).need(File, wanted);
+    std::vector<std::string> lines;
+    require(store->fileArea([&](const std::string& path, const store::StoredFile& file) {
+        if (isBelow(path, wanted))
+            lines.push_back(cell(join(path, file.name)) + "\t" + std::to_string(file.size) + "\t" +
+                            shownTime(file.time));
+    }),
+            "файлы не перечислены");
+    outSorted(lines);
+    return Done;
+}
+
+} // namespace
+
+const Verb listFormsVerb = {
+    "list forms",
+    "[--path ПУТЬ]",
+    "Перечислить формы",
+    "На каждой строке через табуляцию: путь и имя формы, название, кто держит блокировку.\n"
+    "Форма, папки которой нет, стоит под «?/».",
+    0,
+    0,
+    listOptions,
+    listForms,
+};
+
+const Verb listFilesVerb = {
+    "list files",
+    "[--path ПУТЬ]",
+    "Перечислить файлы файловых ресурсов",
+    "На каждой строке через табуляцию: путь и имя файла, размер в байтах, время (UTC).",
+    0,
+    0,
+    listOptions,
+    listFiles,
+};
+
+} // namespace orvo::admin

@@ -1,0 +1,95 @@
+#include "apps/admin/Failure.h"
+#include "apps/admin/Folders.h"
+#include "apps/admin/LocalFiles.h"
+#include "apps/admin/Output.h"
+#include "apps/admin/Verb.h"
+
+namespace orvo::admin {
+
+namespace {
+
+void putOptions(QCommandLineParser& parser) {
+    parser.addOption({QStringLiteral("path"),
+                      QString::fromUtf8("Папка: имена через «/»; без ключа - верхняя."),
+                      QString::fromUtf8("ПУТЬ")});
+    parser.addOption(
+        {QStringLiteral("make-folders"), QString::fromUtf8("Сделать папки пути, которых нет.")});
+}
+
+/// Reads all files before anything is sent: an unreadable one leaves the store as it was.
+std::vector<LocalFile> readAll(const Invocation& call) {
+    std::vector<LocalFile> files;
+    for (int i = 0; i < call.arguments().size(); ++i) {
+        files.push_back(readLocalFile(call.argument(i)));
+        for (size_t earlier = 0; earlier + 1 < files.size(); ++earlier)
+            if (sameText(files[earlier].name, files.back().name))
+                throw Failure("ничего не загружено: имя «" + files.back().name + "» дано дважды");
+    }
+    return files;
+}
+
+/// Throws unless the folder is there, or makes it if that was asked for.
+void prepareFolder(const Invocation& call, store::Store& store, int kind) {
+    Folders folders(store);
+    if (call.has("make-folders"))
+        folders.make(store, kind, call.value("path"));
+    else
+        folders.need(kind, call.value("path"));
+}
+
+std::vector<store::FileToPut> asPuts(const std::vector<LocalFile>& files, const std::string& path) {
+    std::vector<store::FileToPut> puts;
+    for (const LocalFile& file : files)
+        puts.push_back({path, file.name, file.bytes, file.time});
+    return puts;
+}
+
+int putForm(const Invocation& call) {
+    const std::string path = call.value("path");
+    splitPath(path);
+    const std::vector<LocalFile> files = readAll(call);
+    const auto store = call.open();
+    prepareFolder(call, *store, Form);
+    require(store->formPut(path, asPuts(files, path)), "форма не загружена");
+    out("форма загружена, файлов: " + std::to_string(files.size()));
+    return Done;
+}
+
+int putFile(const Invocation& call) {
+    const std::string path = call.value("path");
+    splitPath(path);
+    const std::vector<LocalFile> files = readAll(call);
+    const auto store = call.open();
+    prepareFolder(call, *store, File);
+    require(store->filePut(asPuts(files, path)), "файлы не загружены");
+    out("файлов загружено: " + std::to_string(files.size()));
+    return Done;
+}
+
+} // namespace
+
+const Verb putFormVerb = {
+    "put form",
+    "[--path ПУТЬ] [--make-folders] ФАЙЛ...",
+    "Загрузить форму из её файлов",
+    "Все названные файлы составляют одну форму. Её имя - имя файла, который оканчивается на «_»,\n"
+    "а если такого нет, самое короткое. Файлы формы с другими именами остаются в хранилище.\n"
+    "Путь считается от папки «формы отображения».",
+    1,
+    -1,
+    putOptions,
+    putForm,
+};
+
+const Verb putFileVerb = {
+    "put file",
+    "[--path ПУТЬ] [--make-folders] ФАЙЛ...",
+    "Загрузить файлы в файловые ресурсы",
+    "Файл с тем же именем в той же папке заменяется. Загружаются все файлы или ни один.",
+    1,
+    -1,
+    putOptions,
+    putFile,
+};
+
+} // namespace orvo::admin

@@ -1,0 +1,79 @@
+#include "apps/admin/Failure.h"
+#include "apps/admin/Output.h"
+#include "apps/admin/Records.h"
+#include "apps/admin/Verb.h"
+
+namespace orvo::admin {
+
+namespace {
+
+void addOptions(QCommandLineParser& parser) {
+    parser.addOption(
+        {QStringLiteral("last"), QString::fromUtf8("Фамилия."), QString::fromUtf8("ФАМИЛИЯ")});
+    parser.addOption(
+        {QStringLiteral("first"), QString::fromUtf8("Имя."), QString::fromUtf8("ИМЯ")});
+    parser.addOption(
+        {QStringLiteral("middle"), QString::fromUtf8("Отчество."), QString::fromUtf8("ОТЧЕСТВО")});
+    parser.addOption({QStringLiteral("program"),
+                      QString::fromUtf8("Это программа, а не человек: показывается по входу.")});
+}
+
+int add(const Invocation& call) {
+    store::User user{call.argument(0), call.value("last"), call.value("first"),
+                     call.value("middle"), call.has("program")};
+    if (user.login.empty() || user.login.find_first_of(" \t") != std::string::npos)
+        throw Failure("пользователь не добавлен: имя входа пустое или с пробелом");
+    requireStorable(user.login, "имя входа");
+    requireStorable(user.lastName, "фамилия");
+    requireStorable(user.firstName, "имя");
+    requireStorable(user.midlName, "отчество");
+    const auto store = call.open();
+    if (Table(*store, "Users").find([&](const Row& row) {
+            return sameText(row.text("login_"), user.login);
+        }))
+        throw Failure("пользователь не добавлен: «" + user.login + "» уже есть");
+    require(store->userAdd(user), "пользователь не добавлен");
+    out("пользователь добавлен: " + user.login);
+    return Done;
+}
+
+int list(const Invocation& call) {
+    const auto store = call.open();
+    const Table users(*store, "Users");
+    for (int i = 0; i < users.count(); ++i) {
+        const Row row = users.at(i);
+        std::string name = row.text("lastName");
+        for (const char* field : {"firstName", "midlName"})
+            if (const std::string part = row.text(field); !part.empty())
+                name += (name.empty() ? "" : " ") + part;
+        out(cell(row.text("login_")) + "\t" + cell(name) + "\t" +
+            (row.integer("program") ? "программа" : "человек"));
+    }
+    return Done;
+}
+
+} // namespace
+
+const Verb userAddVerb = {
+    "user add",
+    "ВХОД [--last ФАМИЛИЯ] [--first ИМЯ] [--middle ОТЧЕСТВО] [--program]",
+    "Добавить пользователя",
+    "",
+    1,
+    1,
+    addOptions,
+    add,
+};
+
+const Verb userListVerb = {
+    "user list",
+    "",
+    "Перечислить пользователей",
+    "На каждой строке через табуляцию: имя входа, фамилия имя отчество, «человек» или «программа».",
+    0,
+    0,
+    nullptr,
+    list,
+};
+
+} // namespace orvo::admin
