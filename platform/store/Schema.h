@@ -27,7 +27,10 @@ struct TableDef {
 /// The tables that the editors know, in the order in which a store may be filled: a link's target
 /// before what links to it.
 const std::vector<TableDef>& tables();
-/// The table of exactly that name, or null.
+/// The contents of stored forms and files, "MenuResourceFile": logged like the tables above, but
+/// not one of them. The bytes are one more column, "data", which only the stores touch.
+const TableDef& contentTable();
+/// The one of tables() of exactly that name, or null.
 const TableDef* findTable(std::string_view name);
 /// Gives an array without fields the structure of the table.
 int makeStructure(const TableDef& table, MDArray* array);

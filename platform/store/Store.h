@@ -35,8 +35,8 @@ enum Code : int {
     BadLogin = 4,
     UnknownName = 5,
     Timeout = 7,
-    Refused = 20,   ///< the write breaks a rule: existing key, unknown table or field, no right
-    Failed = 21,    ///< the database failed: disk full, read-only, damaged
+    Refused = 20,    ///< the write breaks a rule: existing key, unknown table or field, no right
+    Failed = 21,     ///< the database failed: disk full, read-only, damaged
     NewerStore = 22, ///< made by a newer version
     NotAStore = 23,
     LogPruned = 24, ///< the change log no longer reaches back to the cursor
@@ -149,7 +149,7 @@ public:
 };
 
 struct OpenOptions {
-    std::string login; ///< who writes
+    std::string login;   ///< who writes
     bool create = false; ///< make the store if it is missing (never overwrites anything)
 };
 

@@ -1,0 +1,131 @@
+#include "platform/store/Names.h"
+
+#include "platform/mdx/MdxBuild.h"
+#include "platform/store/Store.h"
+
+#include <algorithm>
+#include <array>
+#include <sys/random.h>
+#include <tuple>
+
+namespace orvo::store {
+
+namespace {
+
+bool isControl(unsigned char c) {
+    return c < 0x20 || c == 0x7F;
+}
+
+/// Length of the valid UTF-8 sequence at the start of the text, 0 if there is none.
+size_t sequenceLength(std::string_view text) {
+    const auto at = [&](size_t i) { return static_cast<unsigned char>(text[i]); };
+    const unsigned lead = at(0);
+    if (lead < 0x80)
+        return 1;
+    const size_t length = lead >= 0xC2 && lead <= 0xDF   ? 2
+                          : lead >= 0xE0 && lead <= 0xEF ? 3
+                          : lead >= 0xF0 && lead <= 0xF4 ? 4
+                                                         : 0;
+    if (length == 0 || text.size() < length)
+        return 0;
+    // The second byte also keeps out overlong forms, surrogates and what lies past U+10FFFF.
+    const unsigned low = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
+    const unsigned high = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
+    if (at(1) < low || at(1) > high)
+        return 0;
+    for (size_t i = 2; i < length; ++i) {
+        if ((at(i) & 0xC0) != 0x80)
+            return 0;
+    }
+    return length;
+}
+
+} // namespace
+
+bool isKey(std::string_view text) {
+    return !text.empty() &&
+           std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
+}
+
+std::string newKey() {
+    std::array<unsigned char, 16> random{};
+    if (getrandom(random.data(), random.size(), 0) != static_cast<ssize_t>(random.size()))
+        return {};
+    std::string key;
+    for (const unsigned char byte : random) {
+        key += "0123456789ABCDEF"[byte >> 4];
+        key += "0123456789ABCDEF"[byte & 15];
+    }
+    return key;
+}
+
+std::string foldedKey(std::string_view key) {
+    std::string folded(key);
+    for (char& c : folded) {
+        if (c >= 'A' && c <= 'Z')
+            c = static_cast<char>(c - 'A' + 'a');
+    }
+    return folded;
+}
+
+bool sameText(std::string_view a, std::string_view b) {
+    return a == b || mdx::compareText(mdx::toCp1251(a), mdx::toCp1251(b)) == 0;
+}
+
+bool isShowable(std::string_view text) {
+    return mdx::toUtf8(mdx::toCp1251(text)) == text;
+}
+
+std::string validUtf8(std::string text) {
+    for (size_t i = 0; i < text.size();) {
+        const size_t length = sequenceLength(std::string_view(text).substr(i));
+        if (length == 0)
+            text[i] = '?';
+        i += std::max<size_t>(length, 1);
+    }
+    return text;
+}
+
+std::string shown(std::string_view text) {
+    constexpr size_t limit = 120;
+    const bool cut = text.size() > limit;
+    std::string out = std::string(text.substr(0, limit));
+    if (cut) { // not in the middle of a letter
+        while (!out.empty() && (static_cast<unsigned char>(out.back()) & 0xC0) == 0x80)
+            out.pop_back();
+        if (!out.empty() && static_cast<unsigned char>(out.back()) >= 0xC0)
+            out.pop_back();
+    }
+    out = validUtf8(std::move(out));
+    std::replace_if(
+        out.begin(), out.end(), [](char c) { return isControl(static_cast<unsigned char>(c)); },
+        '?');
+    return "\"" + out + (cut ? "…\"" : "\"");
+}
+
+std::string formName(const std::vector<std::string_view>& files) {
+    const auto rank = [](std::string_view name) {
+        const bool handle = !name.empty() && name.back() == '_';
+        return std::make_tuple(!handle, mdx::toCp1251(name).size(), name);
+    };
+    const auto best =
+        std::min_element(files.begin(), files.end(),
+                         [&](std::string_view a, std::string_view b) { return rank(a) < rank(b); });
+    return best == files.end() ? std::string() : std::string(*best);
+}
+
+bool isPlainFileName(std::string_view name) {
+    if (name.empty() || name == "." || name == "..")
+        return false;
+    for (size_t i = 0; i < name.size(); ++i) {
+        const auto c = static_cast<unsigned char>(name[i]);
+        if (c == '/' || c == '\\' || isControl(c))
+            return false;
+        // U+0080 to U+009F, the second block of control characters.
+        if (c == 0xC2 && i + 1 < name.size() && static_cast<unsigned char>(name[i + 1]) < 0xA0)
+            return false;
+    }
+    return true;
+}
+
+} // namespace orvo::store

@@ -1,0 +1,38 @@
+// Names.h: rules for keys, names and texts that every kind of store applies alike. All texts are
+// UTF-8.
+#ifndef ORVO_PLATFORM_STORE_NAMES_H
+#define ORVO_PLATFORM_STORE_NAMES_H
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orvo::store {
+
+/// Whether a text may be the key of a new record: printable ASCII, not empty. Keys are compared
+/// without regard to case, which only ASCII does alike in records and in every database.
+bool isKey(std::string_view text);
+/// A new key: 32 hexadecimal digits, random. Empty if the system gives no random bytes.
+std::string newKey();
+/// ASCII letters in lower case: the form in which keys are compared.
+std::string foldedKey(std::string_view key);
+
+/// Whether two texts are the same to the editors, which see them in Windows-1251 and without regard
+/// to case.
+bool sameText(std::string_view a, std::string_view b);
+/// Whether the text comes through Windows-1251 and back unchanged. A name that does not could never
+/// be named by an editor again.
+bool isShowable(std::string_view text);
+/// The text with every byte that is not part of valid UTF-8 replaced by '?', as it reads in
+/// records.
+std::string validUtf8(std::string text);
+/// The text in quotation marks, on one line and not too long: for messages.
+std::string shown(std::string_view text);
+
+/// The name of a form with these files: the file name that ends in "_", if there is one, else the
+/// shortest; of several equally good ones the first in byte order. Empty without files.
+std::string formName(const std::vector<std::string_view>& files);
+
+} // namespace orvo::store
+
+#endif

@@ -1,0 +1,204 @@
+#include "platform/store/SqliteApi.h"
+
+#include <cerrno>
+#include <cstring>
+
+namespace orvo::store::sqlite {
+
+namespace {
+
+std::string quoted(std::string_view text, char quote) {
+    std::string out(1, quote);
+    for (const char c : text) {
+        if (c == quote)
+            out += quote;
+        out += c;
+    }
+    return out + quote;
+}
+
+} // namespace
+
+std::string identifier(std::string_view name) {
+    return quoted(name, '"');
+}
+std::string literal(std::string_view text) {
+    return quoted(text, '\'');
+}
+
+void Statement::bind(int parameter, std::string_view text) {
+    // A null pointer would bind NULL.
+    const int result = sqlite3_bind_text64(get(), parameter, text.empty() ? "" : text.data(),
+                                           text.size(), SQLITE_STATIC, SQLITE_UTF8);
+    if (result != SQLITE_OK)
+        m_bindError = result;
+}
+
+void Statement::bindBytes(int parameter, std::string_view bytes) {
+    const int result = sqlite3_bind_blob64(get(), parameter, bytes.empty() ? "" : bytes.data(),
+                                           bytes.size(), SQLITE_STATIC);
+    if (result != SQLITE_OK)
+        m_bindError = result;
+}
+
+void Statement::bind(int parameter, int64_t number) {
+    const int result = sqlite3_bind_int64(get(), parameter, number);
+    if (result != SQLITE_OK)
+        m_bindError = result;
+}
+
+void Statement::bind(int parameter, const Value& value) {
+    if (const auto* text = std::get_if<std::string>(&value)) {
+        bind(parameter, std::string_view(*text));
+        return;
+    }
+    int result = SQLITE_OK;
+    if (const auto* number = std::get_if<int64_t>(&value))
+        result = sqlite3_bind_int64(get(), parameter, *number);
+    else if (const auto* real = std::get_if<double>(&value))
+        result = sqlite3_bind_double(get(), parameter, *real);
+    else
+        result = sqlite3_bind_null(get(), parameter);
+    if (result != SQLITE_OK)
+        m_bindError = result;
+}
+
+int Statement::step() {
+    return m_bindError != SQLITE_OK ? m_bindError : sqlite3_step(get());
+}
+
+void Statement::reset() noexcept {
+    if (!m_statement)
+        return;
+    sqlite3_reset(get());
+    sqlite3_clear_bindings(get());
+    m_bindError = SQLITE_OK;
+}
+
+std::string_view Statement::text(int column) const {
+    const auto* data = static_cast<const char*>(sqlite3_column_blob(get(), column));
+    const int size = sqlite3_column_bytes(get(), column);
+    return data != nullptr ? std::string_view(data, static_cast<size_t>(size)) : std::string_view();
+}
+
+Value Statement::value(int column) const {
+    switch (sqlite3_column_type(get(), column)) {
+    case SQLITE_INTEGER:
+        return integer(column);
+    case SQLITE_FLOAT:
+        return real(column);
+    case SQLITE_TEXT:
+    case SQLITE_BLOB:
+        return std::string(text(column));
+    default:
+        return std::monostate();
+    }
+}
+
+int Connection::open(const char* name, int flags) {
+    sqlite3* raw = nullptr;
+    const int result =
+        sqlite3_open_v2(name, &raw, flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
+    m_connection.reset(raw); // also a failed one has to be closed
+    if (result == SQLITE_OK) {
+        // A misspelt "name" must not turn into a text.
+        sqlite3_db_config(raw, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+        sqlite3_db_config(raw, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+    }
+    return result;
+}
+
+Statement Connection::prepare(std::string_view sql) const {
+    Statement statement;
+    sqlite3_stmt* raw = nullptr;
+    sqlite3_prepare_v3(get(), sql.data(), static_cast<int>(sql.size()), SQLITE_PREPARE_PERSISTENT,
+                       &raw, nullptr);
+    statement.m_statement.reset(raw);
+    return statement;
+}
+
+int Connection::execute(const char* sql) const {
+    return sqlite3_exec(get(), sql, nullptr, nullptr, nullptr);
+}
+
+int Connection::integer(const char* sql, int64_t* result) const {
+    Statement statement = prepare(sql);
+    if (!statement)
+        return sqlite3_extended_errcode(get());
+    const int code = statement.step();
+    if (code == SQLITE_ROW)
+        *result = statement.integer(0);
+    return code == SQLITE_ROW || code == SQLITE_DONE ? SQLITE_OK : code;
+}
+
+Status Connection::failure(std::string_view what) const {
+    const int extended = get() != nullptr ? sqlite3_extended_errcode(get()) : SQLITE_NOMEM;
+    const int system = get() != nullptr ? sqlite3_system_errno(get()) : 0;
+    const std::string message = get() != nullptr ? sqlite3_errmsg(get()) : "";
+    int code = Failed;
+    std::string why;
+    switch (extended & 0xFF) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+        code = Timeout;
+        why = "база занята другой программой";
+        break;
+    case SQLITE_FULL:
+        why = "на диске не осталось места";
+        break;
+    case SQLITE_READONLY:
+        why = "база доступна только для чтения";
+        break;
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+        why = "файл базы повреждён (" + message + ")";
+        break;
+    case SQLITE_IOERR:
+        if (system == ENOSPC || system == EDQUOT || system == EFBIG)
+            why = "на диске не осталось места";
+        else
+            why = "файл базы не читается или не пишется";
+        if (system != 0)
+            why += std::string(" (") + std::strerror(system) + ")";
+        break;
+    case SQLITE_CONSTRAINT:
+        code = Refused;
+        why = extended == SQLITE_CONSTRAINT_PRIMARYKEY || extended == SQLITE_CONSTRAINT_UNIQUE
+                  ? "такой ключ уже есть"
+                  : "нарушено правило таблицы (" + message + ")";
+        break;
+    case SQLITE_NOMEM:
+        code = NoMemory;
+        why = "не хватает памяти";
+        break;
+    case SQLITE_CANTOPEN:
+        code = CannotConnect;
+        why = "файл базы не открывается";
+        if (system != 0)
+            why += std::string(" (") + std::strerror(system) + ")";
+        break;
+    case SQLITE_TOOBIG:
+        code = Refused;
+        why = "значение слишком велико";
+        break;
+    default:
+        why = message;
+    }
+    return {code, std::string(what) + ": " + why};
+}
+
+Transaction::Transaction(const Connection& connection, Kind kind)
+    : m_connection(connection)
+    , m_begun(connection.execute(kind == Write ? "BEGIN IMMEDIATE" : "BEGIN")) {}
+
+Transaction::~Transaction() {
+    // A grave error may have rolled back already.
+    if (m_begun == SQLITE_OK && sqlite3_get_autocommit(m_connection.get()) == 0)
+        m_connection.execute("ROLLBACK");
+}
+
+int Transaction::commit() {
+    return m_connection.execute("COMMIT");
+}
+
+} // namespace orvo::store::sqlite

@@ -1,0 +1,204 @@
+// Opening and making an SQLite store. A file that is no store is only ever looked at.
+#include "platform/store/SqliteStore.h"
+
+#include "platform/store/Names.h"
+#include "platform/store/SqliteSchema.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace orvo::store::sqlite {
+
+namespace {
+
+// Durable commits. The log is carried over every 16 MiB, which spreads that work over many commits,
+// and its file is cut back after a burst, to no less than that: growing it costs more than
+// overwriting. What is deleted is wiped where that costs no writes.
+const char settings[] = "PRAGMA synchronous = FULL;"
+                        "PRAGMA wal_autocheckpoint = 4000;"
+                        "PRAGMA journal_size_limit = 33554432;"
+                        "PRAGMA secure_delete = FAST;"
+                        "PRAGMA foreign_keys = OFF;";
+
+Status systemError(int code, const std::string& what, int number) {
+    return {code, what + " (" + std::strerror(number) + ")"};
+}
+
+std::string directoryOf(const std::string& path) {
+    const size_t slash = path.rfind('/');
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+/// A "file:" URI for a path, in which '?', '#' and '%' have a meaning.
+std::string uri(const std::string& path, const char* parameters) {
+    std::string out = "file:";
+    for (const char c : path) {
+        if (c == '?')
+            out += "%3f";
+        else if (c == '#')
+            out += "%23";
+        else if (c == '%')
+            out += "%25";
+        else
+            out += c;
+    }
+    return out + parameters;
+}
+
+/// Whether the existing file is a store, by its mark. Opened as immutable it is read without locks
+/// and without a journal, so nothing is made beside it. It is opened through SQLite all the same:
+/// to open and close it by hand would drop the locks of another store object of this process.
+Status look(const std::string& path, const std::string& name) {
+    struct stat info {};
+    if (::stat(path.c_str(), &info) != 0)
+        return systemError(CannotConnect, "Нет доступа к файлу базы " + name, errno);
+    if (S_ISDIR(info.st_mode))
+        return {NotAStore, "Это не хранилище, а каталог: " + name};
+    if (!S_ISREG(info.st_mode))
+        return {NotAStore, "Это не хранилище: " + name};
+    Connection connection;
+    int64_t mark = 0;
+    const int opened =
+        connection.open(uri(path, "?immutable=1").c_str(), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+    if (opened != SQLITE_OK)
+        return connection.failure("Хранилище " + name);
+    const int read = connection.integer("PRAGMA application_id", &mark);
+    if (read != SQLITE_OK && (read & 0xFF) != SQLITE_NOTADB)
+        return connection.failure("Хранилище " + name);
+    if (read != SQLITE_OK || mark != applicationId)
+        return {NotAStore, "Файл не является хранилищем: " + name};
+    return {};
+}
+
+/// A new file under a passing name, deleted unless it got its own.
+class NewFile {
+public:
+    explicit NewFile(const std::string& path) : m_path(path + ".new-" + newKey()) {}
+    ~NewFile() {
+        for (const char* suffix : {"", "-wal", "-shm", "-journal"})
+            ::unlink((m_path + suffix).c_str());
+    }
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
+
+    const std::string& path() const { return m_path; }
+
+    /// 0 or errno. Private from the first moment; its journals get the same mode.
+    int create() const {
+        const int fd = ::open(m_path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0600);
+        if (fd < 0)
+            return errno;
+        ::close(fd);
+        return 0;
+    }
+
+    /// 0 or errno. Never takes the place of a file.
+    int rename(const std::string& path) const {
+        int result =
+            ::renameat2(AT_FDCWD, m_path.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE);
+        if (result != 0 && (errno == EINVAL || errno == ENOSYS))
+            result = ::link(m_path.c_str(), path.c_str()); // a file system that cannot do that
+        return result == 0 ? 0 : errno;
+    }
+
+private:
+    const std::string m_path;
+};
+
+/// Makes a store, complete before anyone can see it under its name.
+Status create(const std::string& path, const std::string& name) {
+    const std::string what = "Хранилище " + name + " не создано";
+    for (const char* suffix : {"-wal", "-journal"}) {
+        // It would be taken for the new file's and spoil it; and it may hold somebody's data.
+        if (::access((path + suffix).c_str(), F_OK) == 0)
+            return {CannotConnect,
+                    what + ": рядом остался журнал прежней базы " + shown(path + suffix)};
+    }
+    const NewFile file(path);
+    if (const int error = file.create(); error != 0)
+        return systemError(CannotConnect, what, error);
+    {
+        Connection connection;
+        if (connection.open(file.path().c_str(), SQLITE_OPEN_READWRITE) != SQLITE_OK ||
+            connection.execute("PRAGMA journal_mode = WAL") != SQLITE_OK ||
+            connection.execute(settings) != SQLITE_OK ||
+            connection.execute("PRAGMA application_id = " + std::to_string(applicationId)) !=
+                SQLITE_OK)
+            return connection.failure(what);
+        const Status status = migrate(connection, migrations());
+        if (!status.ok())
+            return {status.code, what + ": " + status.text};
+        if (connection.execute("PRAGMA wal_checkpoint(TRUNCATE)") != SQLITE_OK)
+            return connection.failure(what);
+    }
+    const int error = file.rename(path);
+    if (error != 0 && error != EEXIST) // another process may have made it in the meantime
+        return systemError(CannotConnect, what, error);
+    const int directory = ::open(directoryOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (directory >= 0) {
+        ::fsync(directory);
+        ::close(directory);
+    }
+    return {};
+}
+
+Status connect(const std::string& path, const std::string& name, Connection* connection) {
+    const std::string what = "Хранилище " + name;
+    if (::faccessat(AT_FDCWD, directoryOf(path).c_str(), W_OK | X_OK, AT_EACCESS) != 0)
+        return systemError(
+            Failed, what + ": в каталог базы нельзя писать, а её журнал лежит там же", errno);
+    if (connection->open(path.c_str(), SQLITE_OPEN_READWRITE) != SQLITE_OK)
+        return connection->failure(what);
+    if (sqlite3_db_readonly(connection->get(), "main") == 1)
+        return {Failed, what + ": файл базы доступен только для чтения"};
+    sqlite3_busy_timeout(connection->get(), busyMilliseconds);
+    if (connection->execute("PRAGMA journal_mode = WAL") != SQLITE_OK ||
+        connection->execute(settings) != SQLITE_OK)
+        return connection->failure(what);
+    const Status status = migrate(*connection, migrations());
+    return status.ok() ? status : Status{status.code, what + ": " + status.text};
+}
+
+} // namespace
+
+std::unique_ptr<Store> openStore(const std::string& location, const OpenOptions& options,
+                                 Status* status) {
+    // SQLite keeps its journals beside the file that a link points to; so must the watch.
+    std::error_code error;
+    std::string path = std::filesystem::absolute(location, error).string();
+    if (const auto real = std::filesystem::canonical(path, error); !error)
+        path = real.string();
+    const std::string name = shown(path);
+
+    *status = {};
+    struct stat info {};
+    if (::lstat(path.c_str(), &info) != 0) {
+        if (errno != ENOENT && errno != ENOTDIR)
+            *status = systemError(CannotConnect, "Нет доступа к файлу базы " + name, errno);
+        else if (!options.create)
+            *status = {CannotConnect, "Нет файла базы " + name};
+        else
+            *status = create(path, name);
+        if (const auto made = std::filesystem::canonical(path, error); !error)
+            path = made.string();
+    }
+    if (status->ok())
+        *status = look(path, name);
+    Connection connection;
+    if (status->ok())
+        *status = connect(path, name, &connection);
+    if (!status->ok())
+        return nullptr;
+    auto store = std::make_unique<SqliteStore>(std::move(connection), path, options.login);
+    *status = store->start();
+    if (!status->ok())
+        return nullptr;
+    return store;
+}
+
+} // namespace orvo::store::sqlite

@@ -1,0 +1,466 @@
+#include "platform/store/SqliteStore.h"
+
+#include "platform/mdx/MdxBuild.h"
+#include "platform/store/Names.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace orvo::store::sqlite {
+
+namespace {
+
+std::string fieldList(const TableDef& table, const std::vector<int>& fields) {
+    std::string list;
+    for (const int field : fields)
+        list +=
+            (list.empty() ? "" : ", ") + identifier(table.fields[static_cast<size_t>(field)].name);
+    return list;
+}
+
+std::string selectAll(const TableDef& table) {
+    std::vector<int> all(table.fields.size());
+    for (size_t i = 0; i < all.size(); ++i)
+        all[i] = static_cast<int>(i);
+    return "SELECT " + fieldList(table, all) + " FROM " + identifier(table.name);
+}
+
+std::string inTable(const TableDef& table) {
+    return "Таблица " + shown(table.name);
+}
+
+/// The present row as a record. The columns have their types by the table's definition; should a
+/// value have another one after all, SQLite's own conversion keeps it readable.
+void writeRecord(const TableDef& table, sqlite3_stmt* row, mdx::RecordWriter& writer) {
+    writer.begin();
+    const int count = static_cast<int>(table.fields.size());
+    for (int i = 0; i < count; ++i) {
+        if (sqlite3_column_type(row, i) == SQLITE_NULL)
+            continue;
+        switch (table.fields[static_cast<size_t>(i)].type) {
+        case MDX_BOOLEAN:
+            writer.boolean(i, sqlite3_column_int64(row, i) != 0);
+            break;
+        case MDX_INTEGER:
+            writer.integer(i, static_cast<int32_t>(std::clamp<int64_t>(
+                                  sqlite3_column_int64(row, i), std::numeric_limits<int32_t>::min(),
+                                  std::numeric_limits<int32_t>::max())));
+            break;
+        case MDX_DATE:
+            writer.date(i, sqlite3_column_double(row, i));
+            break;
+        default: {
+            // The blob interface does not copy to add a terminator.
+            const auto* text = static_cast<const char*>(sqlite3_column_blob(row, i));
+            const auto length = static_cast<size_t>(sqlite3_column_bytes(row, i));
+            writer.textUtf8(i, text != nullptr ? text : "", length);
+        }
+        }
+    }
+    writer.end();
+}
+
+/// Back to no structure and no records.
+void clear(MDArray* array) {
+    MDArray* empty = nullptr;
+    if (MDACreate(&empty, 0) == MDX_OK) {
+        MDACopy(array, empty, 1);
+        MDADestroy(empty);
+    }
+}
+
+} // namespace
+
+SqliteStore::SqliteStore(Connection connection, const std::string& path, const std::string& login)
+    : StoreCore(login)
+    , m_path(path)
+    , m_connection(std::move(connection))
+    , m_watch(path + "-wal") {}
+
+Status SqliteStore::start() {
+    return guarded([&]() -> Status {
+        std::vector<const TableDef*> known = {&contentTable()};
+        for (const TableDef& table : tables())
+            known.push_back(&table);
+        for (const TableDef* table : known) {
+            if (cached(selectAll(*table)) == nullptr)
+                return m_connection.failure("Хранилище " + shown(m_path) + ", " + inTable(*table));
+        }
+        int64_t position = 0;
+        return logPosition(&position);
+    });
+}
+
+Statement* SqliteStore::cached(const std::string& sql) {
+    const auto found = m_statements.find(sql);
+    if (found != m_statements.end())
+        return &found->second;
+    Statement statement = m_connection.prepare(sql);
+    if (!statement)
+        return nullptr;
+    return &m_statements.emplace(sql, std::move(statement)).first->second;
+}
+
+// Tables -----------------------------------------------------------------------------------------
+
+Status SqliteStore::records(const TableDef& table, Statement& statement, MDArray* into) {
+    const ResetAfter reset(statement);
+    MDAKeyDescription key{};
+    std::string_view(table.fields[0].name).copy(key.name, sizeof key.name - 1);
+    int result = makeStructure(table, into);
+    if (result == MDX_OK)
+        result = MDAKeyAdd(into, 1, &key);
+    int step = SQLITE_DONE;
+    if (result == MDX_OK) {
+        mdx::RecordWriter writer(into);
+        while ((step = statement.step()) == SQLITE_ROW)
+            writeRecord(table, statement.get(), writer);
+        result = writer.finish();
+    }
+    Status status;
+    if (step != SQLITE_DONE)
+        status = m_connection.failure(inTable(table));
+    else if (result == MDX_E_MEMORY)
+        status = {NoMemory, inTable(table) + ": не хватает памяти"};
+    else if (result != MDX_OK)
+        status = {BadStructure, inTable(table) + ": записи не складываются в таблицу (код " +
+                                    std::to_string(result) + ")"};
+    if (!status.ok())
+        clear(into);
+    return status;
+}
+
+Status SqliteStore::fetch(std::string_view name, MDArray* into) {
+    return guarded([&]() -> Status {
+        const TableDef* table = findTable(name);
+        if (table == nullptr)
+            return {UnknownName, "Неизвестная таблица " + shown(name)};
+        if (into == nullptr || into->fieldCount != 0)
+            return {BadArguments, inTable(*table) + ": массив для записей не пуст"};
+        Statement* statement = cached(selectAll(*table));
+        if (statement == nullptr)
+            return m_connection.failure(inTable(*table));
+        return records(*table, *statement, into);
+    });
+}
+
+Status SqliteStore::fetchWhere(std::string_view name, std::string_view field,
+                               std::string_view value, MDArray* into) {
+    return guarded([&]() -> Status {
+        const TableDef* table = findTable(name);
+        if (table == nullptr)
+            return {UnknownName, "Неизвестная таблица " + shown(name)};
+        const int number = table->find(field);
+        if (number < 0 || table->fields[static_cast<size_t>(number)].type != MDX_TEXT)
+            return {UnknownName, inTable(*table) + ": нет текстового поля " + shown(field)};
+        if (into == nullptr || into->fieldCount != 0)
+            return {BadArguments, inTable(*table) + ": массив для записей не пуст"};
+        // The first comparison finds by the index, the second is exact where that is not.
+        const std::string where = identifier(table->fields[static_cast<size_t>(number)].name);
+        Statement* statement = cached(selectAll(*table) + " WHERE " + where + " = ?1 AND " + where +
+                                      " COLLATE BINARY = ?1");
+        if (statement == nullptr)
+            return m_connection.failure(inTable(*table));
+        statement->bind(1, value);
+        return records(*table, *statement, into);
+    });
+}
+
+Status SqliteStore::rows(Statement& statement, size_t columns,
+                         const std::function<void(const Row& row)>& each) {
+    const ResetAfter reset(statement);
+    Row row(columns);
+    int step = SQLITE_DONE;
+    while ((step = statement.step()) == SQLITE_ROW) {
+        for (size_t i = 0; i < columns; ++i)
+            row[i] = statement.value(static_cast<int>(i));
+        each(row);
+    }
+    return step == SQLITE_DONE ? Status() : m_connection.failure("Чтение");
+}
+
+Status SqliteStore::select(const TableDef& table, const std::vector<int>& fields,
+                           const std::function<void(const Row& row)>& each) {
+    Statement* statement =
+        cached("SELECT " + fieldList(table, fields) + " FROM " + identifier(table.name));
+    if (statement == nullptr)
+        return m_connection.failure(inTable(table));
+    return rows(*statement, fields.size(), each);
+}
+
+Status SqliteStore::selectWhere(const TableDef& table, const std::vector<int>& fields, int where,
+                                const Value& value,
+                                const std::function<void(const Row& row)>& each) {
+    Statement* statement =
+        cached("SELECT " + fieldList(table, fields) + " FROM " + identifier(table.name) +
+               " WHERE " + identifier(table.fields[static_cast<size_t>(where)].name) + " IS ?1");
+    if (statement == nullptr)
+        return m_connection.failure(inTable(table));
+    statement->bind(1, value);
+    return rows(*statement, fields.size(), each);
+}
+
+// Writing ----------------------------------------------------------------------------------------
+
+Status SqliteStore::inRead(const Work& work) {
+    Transaction transaction(m_connection, Transaction::Read);
+    if (transaction.begun() != SQLITE_OK)
+        return m_connection.failure("Чтение");
+    return work();
+}
+
+Status SqliteStore::setWriter(std::string_view login) {
+    Statement* statement = cached("UPDATE \"NciWriter\" SET \"login\" = ?1");
+    if (statement == nullptr)
+        return m_connection.failure("Запись");
+    const ResetAfter reset(*statement);
+    statement->bind(1, login);
+    return statement->step() == SQLITE_DONE ? Status() : m_connection.failure("Запись");
+}
+
+Status SqliteStore::inWrite(const Work& work) {
+    Transaction transaction(m_connection, Transaction::Write);
+    if (transaction.begun() != SQLITE_OK)
+        return m_connection.failure("Запись");
+    const std::string writer = login();
+    Status status = setWriter(writer);
+    if (status.ok())
+        status = work();
+    if (status.ok())
+        status = setWriter("");
+    if (!status.ok())
+        return status;
+    if (transaction.commit() != SQLITE_OK)
+        return m_connection.failure("Запись");
+    m_grown = true;
+    return {};
+}
+
+Statement* SqliteStore::writing(const TableDef& table, const Write& write, bool bytes) {
+    uint64_t fields = bytes ? 1 : 0; // bit 0 stands for KeyLink, which is always there
+    for (const auto& [number, value] : write.values)
+        fields |= uint64_t(1) << number;
+    Statement& statement = m_writes[{&table, write.flag, fields}];
+    if (statement)
+        return &statement;
+
+    const std::string name = identifier(table.name);
+    const std::string key = identifier(table.fields[0].name);
+    std::vector<std::string> columns;
+    for (const auto& [number, value] : write.values)
+        columns.push_back(identifier(table.fields[static_cast<size_t>(number)].name));
+    if (bytes)
+        columns.push_back("\"data\"");
+    std::string sql;
+    if (write.flag == MDX_INSERT) {
+        sql = "INSERT INTO " + name + " (" + key;
+        std::string places = "?1";
+        for (size_t i = 0; i < columns.size(); ++i) {
+            sql += ", " + columns[i];
+            places += ", ?" + std::to_string(i + 2);
+        }
+        sql += ") VALUES (" + places + ")";
+    } else if (write.flag == MDX_UPDATE) {
+        // Without fields too there is an update, for the sake of its echo.
+        sql = "UPDATE " + name + " SET ";
+        if (columns.empty())
+            sql += key + " = " + key;
+        for (size_t i = 0; i < columns.size(); ++i)
+            sql += (i == 0 ? "" : ", ") + columns[i] + " = ?" + std::to_string(i + 2);
+        sql += " WHERE " + key + " = ?1";
+    } else {
+        sql = "DELETE FROM " + name + " WHERE " + key + " = ?1";
+    }
+    statement = m_connection.prepare(sql);
+    return statement ? &statement : nullptr;
+}
+
+Status SqliteStore::run(const TableDef& table, const Write& write, const std::string_view* bytes) {
+    const auto what = [&] { return inTable(table) + ", запись " + shown(write.key); };
+    Statement* statement = writing(table, write, bytes != nullptr);
+    if (statement == nullptr)
+        return m_connection.failure(what());
+    const ResetAfter reset(*statement);
+    statement->bind(1, std::string_view(write.key));
+    int parameter = 2;
+    for (const auto& [number, value] : write.values)
+        statement->bind(parameter++, value);
+    if (bytes != nullptr)
+        statement->bindBytes(parameter, *bytes);
+    return statement->step() == SQLITE_DONE ? Status() : m_connection.failure(what());
+}
+
+Status SqliteStore::apply(const TableDef& table, const Write& write) {
+    return run(table, write, nullptr);
+}
+
+Status SqliteStore::applyContent(const Write& write, std::string_view bytes) {
+    return run(contentTable(), write, &bytes);
+}
+
+Status SqliteStore::contentBytes(const std::string& key, std::string* bytes) {
+    const char what[] = "Содержимое файла";
+    Statement* find = cached("SELECT rowid FROM \"MenuResourceFile\" WHERE \"KeyLink\" = ?1");
+    if (find == nullptr)
+        return m_connection.failure(what);
+    int64_t rowid = 0;
+    {
+        const ResetAfter reset(*find);
+        find->bind(1, std::string_view(key));
+        if (find->step() != SQLITE_ROW)
+            return m_connection.failure(what);
+        rowid = find->integer(0);
+    }
+    // Straight into its place: a column read would hold the whole of it once more.
+    struct Close {
+        void operator()(sqlite3_blob* blob) const { sqlite3_blob_close(blob); }
+    };
+    sqlite3_blob* raw = nullptr;
+    const int opened =
+        sqlite3_blob_open(m_connection.get(), "main", "MenuResourceFile", "data", rowid, 0, &raw);
+    const std::unique_ptr<sqlite3_blob, Close> blob(raw);
+    if (opened != SQLITE_OK)
+        return m_connection.failure(what);
+    const int size = sqlite3_blob_bytes(blob.get());
+    bytes->resize(static_cast<size_t>(size));
+    if (size > 0 && sqlite3_blob_read(blob.get(), bytes->data(), size, 0) != SQLITE_OK)
+        return m_connection.failure(what);
+    return {};
+}
+
+// Change log -------------------------------------------------------------------------------------
+
+int64_t SqliteStore::dataVersion() {
+    Statement* statement = cached("PRAGMA data_version");
+    if (statement == nullptr)
+        return -1;
+    const ResetAfter reset(*statement);
+    return statement->step() == SQLITE_ROW ? statement->integer(0) : -1;
+}
+
+bool SqliteStore::changed() {
+    bool result = true; // an error is the reader's to meet
+    guarded([&]() -> Status {
+        const int64_t version = dataVersion();
+        result = m_grown || version < 0 || version != m_seenVersion;
+        m_seenVersion = version;
+        m_grown = false;
+        return {};
+    });
+    return result;
+}
+
+Status SqliteStore::logPosition(int64_t* id) {
+    return guarded([&]() -> Status {
+        const char what[] = "Журнал изменений";
+        Statement* statement = cached("SELECT max(coalesce((SELECT max(\"id\") FROM \"NciEvent\"), "
+                                      "0), coalesce((SELECT \"id\" FROM \"NciPruned\"), 0))");
+        if (statement == nullptr)
+            return m_connection.failure(what);
+        const ResetAfter reset(*statement);
+        if (statement->step() != SQLITE_ROW)
+            return m_connection.failure(what);
+        *id = statement->integer(0);
+        return {};
+    });
+}
+
+Status SqliteStore::readLog(int64_t cursor, int limit, std::vector<Change>* changes) {
+    return guarded([&]() -> Status {
+        const char what[] = "Журнал изменений";
+        std::vector<Change> result;
+        // Before the rows: what comes in between shows as a change once more, and is not lost.
+        const int64_t version = dataVersion();
+        const Status status = inRead([&]() -> Status {
+            int64_t newest = 0;
+            int64_t pruned = 0;
+            Status done = logPosition(&newest);
+            if (done.ok() &&
+                m_connection.integer("SELECT \"id\" FROM \"NciPruned\"", &pruned) != SQLITE_OK)
+                done = m_connection.failure(what);
+            if (!done.ok())
+                return done;
+            // A cursor beyond the end is one of another life of this file.
+            if (cursor < pruned || cursor > newest)
+                return {LogPruned, "Журнал изменений не достаёт до события " +
+                                       std::to_string(cursor) + ": он начинается после " +
+                                       std::to_string(pruned)};
+            Statement* statement =
+                cached("SELECT \"id\", \"code\", \"tableName\", \"key\", \"login\", \"time\", "
+                       "\"after\", \"before\" FROM \"NciEvent\" WHERE \"id\" > ?1 ORDER BY \"id\" "
+                       "LIMIT ?2");
+            if (statement == nullptr)
+                return m_connection.failure(what);
+            const ResetAfter reset(*statement);
+            statement->bind(1, cursor);
+            statement->bind(2, int64_t(std::max(limit, 0)));
+            const auto text = [&](int column) {
+                return validUtf8(std::string(statement->text(column)));
+            };
+            int step = SQLITE_DONE;
+            while ((step = statement->step()) == SQLITE_ROW) {
+                Change change;
+                change.id = statement->integer(0);
+                change.code = static_cast<int>(statement->integer(1));
+                change.table = text(2);
+                change.key = text(3);
+                change.login = text(4);
+                change.time = statement->real(5);
+                change.after = text(6);
+                change.before = text(7);
+                result.push_back(std::move(change));
+            }
+            return step == SQLITE_DONE ? Status() : m_connection.failure(what);
+        });
+        if (!status.ok())
+            return status;
+        m_seenVersion = version;
+        m_grown = limit <= 0 || result.size() == static_cast<size_t>(limit);
+        changes->swap(result);
+        return {};
+    });
+}
+
+Status SqliteStore::pruneLog(int64_t id) {
+    return guarded([&] {
+        return inWrite([&]() -> Status {
+            const char what[] = "Журнал изменений";
+            Statement* statement = cached("DELETE FROM \"NciEvent\" WHERE \"id\" <= ?1");
+            if (statement == nullptr)
+                return m_connection.failure(what);
+            const ResetAfter reset(*statement);
+            statement->bind(1, id);
+            return statement->step() == SQLITE_DONE ? Status() : m_connection.failure(what);
+        });
+    });
+}
+
+Status SqliteStore::integrity(std::vector<std::string>* damages) {
+    return guarded([&]() -> Status {
+        std::vector<std::string> result;
+        Statement statement = m_connection.prepare("PRAGMA integrity_check");
+        int step = SQLITE_ERROR;
+        if (statement) {
+            while ((step = statement.step()) == SQLITE_ROW) {
+                // One row may tell of several damages, a line each.
+                const std::string text = validUtf8(std::string(statement.text(0)));
+                for (size_t at = 0; at <= text.size();) {
+                    const size_t end = std::min(text.find('\n', at), text.size());
+                    if (end > at && text.compare(at, end - at, "ok") != 0)
+                        result.push_back(text.substr(at, end - at));
+                    at = end + 1;
+                }
+            }
+        }
+        if (step != SQLITE_DONE) {
+            const Status status = m_connection.failure("Проверка базы");
+            if ((sqlite3_errcode(m_connection.get()) & 0xFF) != SQLITE_CORRUPT)
+                return status;
+            result.push_back(status.text); // too damaged to be checked to the end
+        }
+        damages->swap(result);
+        return {};
+    });
+}
+
+} // namespace orvo::store::sqlite

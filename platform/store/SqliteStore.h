@@ -1,0 +1,84 @@
+// SqliteStore.h: a store in one SQLite file.
+#ifndef ORVO_PLATFORM_STORE_SQLITESTORE_H
+#define ORVO_PLATFORM_STORE_SQLITESTORE_H
+
+#include "platform/store/SqliteApi.h"
+#include "platform/store/SqliteWake.h"
+#include "platform/store/StoreCore.h"
+
+#include <map>
+#include <memory>
+#include <string>
+#include <tuple>
+#include <unordered_map>
+
+namespace orvo::store::sqlite {
+
+/// How long an operation waits for another process's transaction.
+constexpr int busyMilliseconds = 5000;
+
+/// Opens or makes the store at a path; see store::open.
+std::unique_ptr<Store> openStore(const std::string& path, const OpenOptions& options,
+                                 Status* status);
+
+class SqliteStore final : public StoreCore {
+public:
+    /// Takes an open connection to a store of the newest version.
+    SqliteStore(Connection connection, const std::string& path, const std::string& login);
+
+    /// Prepares what every later call relies on. Failed if the file lacks a table or field.
+    Status start();
+
+    std::string displayName() const override { return "sqlite://" + m_path; }
+
+    Status fetch(std::string_view table, MDArray* into) override;
+    Status fetchWhere(std::string_view table, std::string_view field, std::string_view value,
+                      MDArray* into) override;
+
+    Status logPosition(int64_t* id) override;
+    Status readLog(int64_t cursor, int limit, std::vector<Change>* changes) override;
+    Status pruneLog(int64_t id) override;
+    int wakeFd() const override { return m_watch.fd(); }
+    void takeWake() override { m_watch.take(); }
+    bool changed() override;
+
+    Status integrity(std::vector<std::string>* damages) override;
+
+protected:
+    Status inRead(const Work& work) override;
+    Status inWrite(const Work& work) override;
+    Status apply(const TableDef& table, const Write& write) override;
+    Status applyContent(const Write& write, std::string_view bytes) override;
+    Status contentBytes(const std::string& key, std::string* bytes) override;
+    Status select(const TableDef& table, const std::vector<int>& fields,
+                  const std::function<void(const Row& row)>& each) override;
+    Status selectWhere(const TableDef& table, const std::vector<int>& fields, int where,
+                       const Value& value,
+                       const std::function<void(const Row& row)>& each) override;
+
+private:
+    /// A prepared statement that is kept; null if it does not prepare.
+    Statement* cached(const std::string& sql);
+    /// The statement for writes of this shape.
+    Statement* writing(const TableDef& table, const Write& write, bool bytes);
+    Status setWriter(std::string_view login);
+    Status run(const TableDef& table, const Write& write, const std::string_view* bytes);
+    Status records(const TableDef& table, Statement& statement, MDArray* into);
+    Status rows(Statement& statement, size_t columns,
+                const std::function<void(const Row& row)>& each);
+    /// A number that grows whenever another connection has committed; -1 if it cannot be read.
+    int64_t dataVersion();
+
+    const std::string m_path;
+    Connection m_connection; ///< before the statements, which must go first
+    std::unordered_map<std::string, Statement> m_statements;
+    /// By table, flag and the fields written.
+    std::map<std::tuple<const TableDef*, int, uint64_t>, Statement> m_writes;
+    WalWatch m_watch;
+    int64_t m_seenVersion = -1;
+    bool m_grown = true; ///< this object has committed, or the log was not read to its end
+};
+
+} // namespace orvo::store::sqlite
+
+#endif

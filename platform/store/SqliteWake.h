@@ -1,0 +1,33 @@
+// SqliteWake.h: notices that some process has written to the write-ahead log.
+#ifndef ORVO_PLATFORM_STORE_SQLITEWAKE_H
+#define ORVO_PLATFORM_STORE_SQLITEWAKE_H
+
+#include <string>
+
+namespace orvo::store::sqlite {
+
+/// A watch on the "-wal" file, and on its directory for the case that the file is made anew.
+class WalWatch {
+public:
+    explicit WalWatch(const std::string& walPath);
+    ~WalWatch();
+    WalWatch(const WalWatch&) = delete;
+    WalWatch& operator=(const WalWatch&) = delete;
+
+    /// Readable after a write; -1 if the system gives no watch.
+    int fd() const { return m_fd; }
+    /// Takes the waiting events.
+    void take();
+
+private:
+    void watchFile();
+
+    const std::string m_path;
+    const std::string m_name; ///< without its directory
+    int m_fd;
+    int m_file = -1;
+};
+
+} // namespace orvo::store::sqlite
+
+#endif

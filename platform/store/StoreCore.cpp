@@ -1,0 +1,87 @@
+#include "platform/store/StoreCore.h"
+
+#include "platform/store/Names.h"
+
+#include <exception>
+#include <new>
+#include <stdexcept>
+
+namespace orvo::store {
+
+Status statusOfException() noexcept {
+    int code = Failed;
+    try {
+        try {
+            throw;
+        } catch (const std::bad_alloc&) {
+            code = NoMemory;
+            return {code, "Не хватает памяти"};
+        } catch (const std::length_error&) {
+            code = NoMemory;
+            return {code, "Не хватает памяти"};
+        } catch (const std::exception& error) {
+            return {code, std::string("Внутренняя ошибка: ") + error.what()};
+        }
+    } catch (...) { // no memory even for the text
+        return {code, {}};
+    }
+}
+
+Status StoreCore::update(std::string_view tableName, const MDArray* records) {
+    return guarded([&]() -> Status {
+        const TableDef* table = findTable(tableName);
+        if (table == nullptr)
+            return {Refused, "Неизвестная таблица " + shown(tableName)};
+        if (records == nullptr)
+            return {BadArguments, "Нет записей для таблицы " + shown(tableName)};
+        const WritePlan plan(*table, records);
+        if (plan.count() == 0)
+            return {};
+        return inWrite([&]() -> Status {
+            Write write;
+            for (uint32_t entry = 0; entry < plan.count(); ++entry) {
+                Status status = plan.write(entry, &write);
+                if (status.ok())
+                    status = apply(*table, write);
+                if (!status.ok())
+                    return status;
+            }
+            return {};
+        });
+    });
+}
+
+Status StoreCore::userAdd(const User& user) {
+    return guarded([&]() -> Status {
+        const TableDef& table = *findTable("Users");
+        const auto field = [&](const char* name) { return table.find(name); };
+        if (user.login.empty())
+            return {Refused, "Имя пользователя пусто"};
+        for (const std::string* text :
+             {&user.login, &user.lastName, &user.firstName, &user.midlName}) {
+            if (!isShowable(*text))
+                return {Refused, "Знаки вне кодировки Windows-1251 недопустимы: " + shown(*text)};
+        }
+        return inWrite([&]() -> Status {
+            bool taken = false;
+            Status status = select(table, {field("login_")}, [&](const Row& row) {
+                taken = taken || sameText(textOf(row[0]), user.login);
+            });
+            if (!status.ok())
+                return status;
+            if (taken)
+                return {Refused, "Пользователь " + shown(user.login) + " уже есть"};
+            Write write;
+            write.flag = MDX_INSERT;
+            write.key = newKey();
+            write.values = {{field("login_"), user.login},
+                            {field("lastName"), user.lastName},
+                            {field("firstName"), user.firstName},
+                            {field("midlName"), user.midlName},
+                            {field("program"), int64_t(user.program ? 1 : 0)}};
+            return apply(table, write);
+        });
+    });
+}
+
+} // namespace orvo::store

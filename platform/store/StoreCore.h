@@ -1,0 +1,102 @@
+// StoreCore.h: what every kind of store does alike, over a handful of database operations.
+#ifndef ORVO_PLATFORM_STORE_STORECORE_H
+#define ORVO_PLATFORM_STORE_STORECORE_H
+
+#include "platform/store/FolderTree.h"
+#include "platform/store/Store.h"
+#include "platform/store/WritePlan.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orvo::store {
+
+/// The Status of an exception being handled.
+Status statusOfException() noexcept;
+
+/// Runs a body that gives a Status; an exception becomes a Status too, so that none crosses the
+/// interface.
+template <typename Body>
+Status guarded(const Body& body) noexcept {
+    try {
+        return body();
+    } catch (...) {
+        return statusOfException();
+    }
+}
+
+/// The largest content of one stored file. Every database carries it in one value.
+constexpr uint64_t largestFile = 512ull << 20;
+
+class StoreCore : public Store {
+public:
+    std::string login() const final { return m_login; }
+
+    Status update(std::string_view table, const MDArray* records) final;
+
+    Status formGet(std::string_view form, bool withBytes, std::vector<StoredFile>* files) final;
+    Status formPut(std::string_view path, const std::vector<FileToPut>& files) final;
+    Status formDelete(const std::vector<std::string>& forms) final;
+    Status fileGet(std::string_view path, std::string_view name, bool withBytes,
+                   std::vector<StoredFile>* files) final;
+    Status filePut(const std::vector<FileToPut>& files) final;
+    Status fileDelete(const std::vector<std::pair<std::string, std::string>>& files) final;
+    Status fileArea(
+        const std::function<void(const std::string& path, const StoredFile& file)>& each) final;
+
+    Status userAdd(const User& user) final;
+
+protected:
+    explicit StoreCore(std::string login) : m_login(std::move(login)) {}
+
+    // What a kind of store provides. These may throw std::bad_alloc.
+    using Row = std::vector<Value>;
+    using Work = std::function<Status()>;
+
+    /// Runs the work on one snapshot of the database.
+    virtual Status inRead(const Work& work) = 0;
+    /// Runs the work in one transaction that writes under the login; commits if it gives Ok, else
+    /// (also when it throws) nothing is changed.
+    virtual Status inWrite(const Work& work) = 0;
+    /// Applies one write, inside inWrite. An insert of an existing key is Refused; update and
+    /// delete of a missing one do nothing.
+    virtual Status apply(const TableDef& table, const Write& write) = 0;
+    /// Inserts or updates a row of contentTable() together with its bytes, inside inWrite.
+    virtual Status applyContent(const Write& write, std::string_view bytes) = 0;
+    /// The bytes of the content with that key.
+    virtual Status contentBytes(const std::string& key, std::string* bytes) = 0;
+    /// Selects these fields of all rows, or of those where a field equals a value (NULL included).
+    virtual Status select(const TableDef& table, const std::vector<int>& fields,
+                          const std::function<void(const Row& row)>& each) = 0;
+    virtual Status selectWhere(const TableDef& table, const std::vector<int>& fields, int where,
+                               const Value& value,
+                               const std::function<void(const Row& row)>& each) = 0;
+
+private:
+    struct Resource {
+        std::string key, folder, name;
+    };
+    struct Content {
+        std::string key, name;
+        StoredFile file;
+    };
+    Status folders(Area area, std::optional<FolderTree>* tree);
+    Status form(std::string_view name, std::optional<Resource>* found);
+    Status fileIn(const std::vector<std::string>& folders, std::string_view name,
+                  std::optional<Resource>* found);
+    Status contents(const std::string& resource, std::vector<Content>* found);
+    Status insertResource(int type, const std::string& folder, std::string_view name,
+                          Resource* made);
+    Status putContent(const std::string& resource, std::string_view name, const FileToPut& file,
+                      const std::vector<Content>& present);
+    Status putFile(const FolderTree& tree, const FileToPut& file);
+    Status removeResource(const std::string& key);
+
+    const std::string m_login;
+};
+
+} // namespace orvo::store
+
+#endif

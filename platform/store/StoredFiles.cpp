@@ -1,0 +1,409 @@
+// Stored forms and files: resources of type 3 and 4, and their contents.
+#include "platform/store/Names.h"
+#include "platform/store/StoreCore.h"
+
+#include "platform/mdx/MdxBuild.h"
+
+#include <algorithm>
+#include <set>
+#include <unordered_map>
+
+namespace orvo::store {
+
+namespace {
+
+constexpr int formType = 3;
+constexpr int fileType = 4;
+
+/// The fields of the tables by their numbers in the dictionary.
+struct Fields {
+    const TableDef& folder = *findTable("MenuResourceFolder");
+    const TableDef& resource = *findTable("MenuResource");
+    const TableDef& content = contentTable();
+    const int folderParent = folder.find("ParentKey");
+    const int folderType = folder.find("type_");
+    const int folderCaption = folder.find("caption");
+    const int resourceFolder = resource.find("MenuResourceFolderKey");
+    const int resourceName = resource.find("name_");
+    const int resourceType = resource.find("type_");
+    const int resourceCaption = resource.find("caption");
+    const int contentResource = content.find("MenuResourceKey");
+    const int contentName = content.find("name_");
+    const int contentTime = content.find("time");
+    const int contentSize = content.find("size");
+};
+
+const Fields& fields() {
+    static const Fields all;
+    return all;
+}
+
+StoredFile storedFile(const std::string& name, const Value& time, const Value& size) {
+    StoredFile file;
+    file.name = name;
+    if (const auto* seconds = std::get_if<double>(&time))
+        file.time = *seconds;
+    if (const auto* bytes = std::get_if<int64_t>(&size))
+        file.size = static_cast<uint64_t>(std::max<int64_t>(*bytes, 0));
+    return file;
+}
+
+Status checkFile(const FileToPut& file) {
+    if (!isPlainFileName(file.name))
+        return {Refused, "Недопустимое имя файла " + shown(file.name)};
+    if (!isShowable(file.name))
+        return {Refused,
+                "В имени файла " + shown(file.name) + " есть знаки вне кодировки Windows-1251"};
+    if (file.bytes.size() > largestFile)
+        return {Refused, "Файл " + shown(file.name) + " больше " +
+                             std::to_string(largestFile >> 20) + " МиБ"};
+    return {};
+}
+
+/// Of resources with the name, the one that is meant: the very spelling before another case, then
+/// the lowest key, as the editors' tables order them.
+template <typename Resource>
+bool better(const Resource& a, const Resource& b, std::string_view name) {
+    if ((a.name == name) != (b.name == name))
+        return a.name == name;
+    return foldedKey(a.key) < foldedKey(b.key);
+}
+
+Status noFolder(std::string_view path) {
+    return {Refused, "Нет папки с путём " + shown(path)};
+}
+
+} // namespace
+
+Status StoreCore::folders(Area area, std::optional<FolderTree>* tree) {
+    const Fields& f = fields();
+    std::vector<FolderRow> rows;
+    const Status status =
+        selectWhere(f.folder, {0, f.folderParent, f.folderCaption}, f.folderType,
+                    int64_t(area == Area::Forms ? formType : fileType), [&](const Row& row) {
+                        rows.push_back({textOf(row[0]), textOf(row[1]), validUtf8(textOf(row[2]))});
+                    });
+    if (status.ok())
+        tree->emplace(std::move(rows), area);
+    return status;
+}
+
+Status StoreCore::form(std::string_view name, std::optional<Resource>* found) {
+    const Fields& f = fields();
+    return selectWhere(f.resource, {0, f.resourceFolder, f.resourceName}, f.resourceType,
+                       int64_t(formType), [&](const Row& row) {
+                           Resource resource{textOf(row[0]), textOf(row[1]), textOf(row[2])};
+                           if (sameText(resource.name, name) &&
+                               (!*found || better(resource, **found, name)))
+                               *found = std::move(resource);
+                       });
+}
+
+Status StoreCore::fileIn(const std::vector<std::string>& folders, std::string_view name,
+                         std::optional<Resource>* found) {
+    const Fields& f = fields();
+    for (const std::string& folder : folders) {
+        const auto look = [&](const Row& row) {
+            Resource resource{textOf(row[0]), textOf(row[1]), textOf(row[2])};
+            if (row[3] == Value(int64_t(fileType)) && sameText(resource.name, name) &&
+                (!*found || better(resource, **found, name)))
+                *found = std::move(resource);
+        };
+        // The root has two names: no link, and the key of its row in the resource tree.
+        const std::vector<Value> links =
+            folder.empty() ? std::vector<Value>{std::monostate(), std::string("FileResources")}
+                           : std::vector<Value>{folder};
+        for (const Value& link : links) {
+            const Status status =
+                selectWhere(f.resource, {0, f.resourceFolder, f.resourceName, f.resourceType},
+                            f.resourceFolder, link, look);
+            if (!status.ok())
+                return status;
+        }
+        if (*found)
+            break;
+    }
+    return {};
+}
+
+Status StoreCore::contents(const std::string& resource, std::vector<Content>* found) {
+    const Fields& f = fields();
+    found->clear();
+    const Status status =
+        selectWhere(f.content, {0, f.contentName, f.contentTime, f.contentSize}, f.contentResource,
+                    resource, [&](const Row& row) {
+                        std::string name = textOf(row[1]);
+                        StoredFile file = storedFile(name, row[2], row[3]);
+                        found->push_back({textOf(row[0]), std::move(name), std::move(file)});
+                    });
+    std::sort(found->begin(), found->end(), [](const Content& a, const Content& b) {
+        const int order = mdx::compareText(mdx::toCp1251(a.name), mdx::toCp1251(b.name));
+        return order != 0 ? order < 0 : a.name != b.name ? a.name < b.name : a.key < b.key;
+    });
+    return status;
+}
+
+Status StoreCore::insertResource(int type, const std::string& folder, std::string_view name,
+                                 Resource* made) {
+    const Fields& f = fields();
+    Write write;
+    write.flag = MDX_INSERT;
+    write.key = newKey();
+    Value link;
+    if (!folder.empty())
+        link = folder;
+    write.values = {{f.resourceFolder, std::move(link)},
+                    {f.resourceName, std::string(name)},
+                    {f.resourceType, int64_t(type)},
+                    {f.resourceCaption, std::string(name)}};
+    *made = {write.key, folder, std::string(name)};
+    return apply(f.resource, write);
+}
+
+Status StoreCore::putContent(const std::string& resource, std::string_view name,
+                             const FileToPut& file, const std::vector<Content>& present) {
+    const Fields& f = fields();
+    const auto old = std::find_if(present.begin(), present.end(),
+                                  [&](const Content& content) { return content.name == name; });
+    Write write;
+    write.flag = old != present.end() ? MDX_UPDATE : MDX_INSERT;
+    write.key = old != present.end() ? old->key : newKey();
+    if (write.flag == MDX_INSERT)
+        write.values = {{f.contentResource, resource}, {f.contentName, std::string(name)}};
+    Value time;
+    if (file.time)
+        time = *file.time;
+    write.values.emplace_back(f.contentTime, std::move(time));
+    write.values.emplace_back(f.contentSize, static_cast<int64_t>(file.bytes.size()));
+    return applyContent(write, file.bytes);
+}
+
+Status StoreCore::removeResource(const std::string& key) {
+    Write write;
+    write.flag = MDX_DELETE;
+    write.key = key; // its contents go with it: the database sees to that
+    return apply(fields().resource, write);
+}
+
+// ---------------------------------------------------------------------------------------------
+
+Status StoreCore::formGet(std::string_view name, bool withBytes, std::vector<StoredFile>* files) {
+    return guarded([&]() -> Status {
+        std::vector<StoredFile> result;
+        const Status status = inRead([&]() -> Status {
+            std::optional<Resource> resource;
+            Status done = form(name, &resource);
+            std::vector<Content> found;
+            if (done.ok() && resource)
+                done = contents(resource->key, &found);
+            for (Content& content : found) {
+                // A name changed by hand must not lead out of the directory of an extraction.
+                if (!done.ok() || !isPlainFileName(content.name))
+                    continue;
+                if (withBytes) {
+                    done = contentBytes(content.key, &content.file.bytes);
+                    content.file.size = content.file.bytes.size();
+                }
+                result.push_back(std::move(content.file));
+            }
+            return done;
+        });
+        if (status.ok())
+            files->swap(result);
+        return status;
+    });
+}
+
+Status StoreCore::formPut(std::string_view path, const std::vector<FileToPut>& files) {
+    return guarded([&]() -> Status {
+        std::vector<std::string_view> names;
+        for (const FileToPut& file : files) {
+            const Status status = checkFile(file);
+            if (!status.ok())
+                return status;
+            names.push_back(file.name);
+        }
+        if (names.empty())
+            return {Refused, "Форма без файлов"};
+        if (std::set<std::string_view>(names.begin(), names.end()).size() != names.size())
+            return {Refused, "Два файла формы с одним именем"};
+        const std::string name = formName(names);
+
+        return inWrite([&]() -> Status {
+            std::optional<FolderTree> tree;
+            Status status = folders(Area::Forms, &tree);
+            if (!status.ok())
+                return status;
+            const std::vector<std::string> targets = tree->find(path);
+            if (targets.empty())
+                return noFolder(path);
+            std::optional<Resource> resource;
+            status = form(name, &resource);
+            std::vector<Content> present;
+            if (status.ok() && resource) {
+                status = contents(resource->key, &present);
+            } else if (status.ok()) {
+                resource.emplace();
+                status = insertResource(formType, targets.front(), name, &*resource);
+            }
+            for (const FileToPut& file : files) {
+                if (!status.ok())
+                    break;
+                status = putContent(resource->key, file.name, file, present);
+            }
+            return status;
+        });
+    });
+}
+
+Status StoreCore::formDelete(const std::vector<std::string>& forms) {
+    return guarded([&] {
+        return inWrite([&]() -> Status {
+            for (const std::string& name : forms) {
+                std::optional<Resource> resource;
+                Status status = form(name, &resource);
+                if (status.ok() && resource)
+                    status = removeResource(resource->key);
+                if (!status.ok())
+                    return status;
+            }
+            return {};
+        });
+    });
+}
+
+Status StoreCore::fileGet(std::string_view path, std::string_view name, bool withBytes,
+                          std::vector<StoredFile>* files) {
+    return guarded([&]() -> Status {
+        if (!isPlainFileName(name))
+            return {Refused, "Недопустимое имя файла " + shown(name)};
+        std::vector<StoredFile> result;
+        const Status status = inRead([&]() -> Status {
+            std::optional<FolderTree> tree;
+            Status done = folders(Area::Files, &tree);
+            std::optional<Resource> resource;
+            if (done.ok())
+                done = fileIn(tree->find(path), name, &resource);
+            std::vector<Content> found;
+            if (done.ok() && resource)
+                done = contents(resource->key, &found);
+            if (!done.ok() || found.empty())
+                return done;
+            StoredFile& file = found.front().file;
+            file.name = resource->name; // which the record may have changed since
+            if (withBytes) {
+                done = contentBytes(found.front().key, &file.bytes);
+                file.size = file.bytes.size();
+            }
+            result.push_back(std::move(file));
+            return done;
+        });
+        if (status.ok())
+            files->swap(result);
+        return status;
+    });
+}
+
+Status StoreCore::putFile(const FolderTree& tree, const FileToPut& file) {
+    const std::vector<std::string> targets = tree.find(file.path);
+    if (targets.empty())
+        return noFolder(file.path);
+    std::optional<Resource> resource;
+    Status status = fileIn(targets, file.name, &resource);
+    // Names that differ in case are two files on the disks they come from and go to.
+    if (status.ok() && (!resource || resource->name != file.name)) {
+        resource.emplace();
+        status = insertResource(fileType, targets.front(), file.name, &*resource);
+    }
+    std::vector<Content> present;
+    if (status.ok())
+        status = contents(resource->key, &present);
+    if (!status.ok())
+        return status;
+    // The resource's name is the file's; the content keeps the name it came with.
+    const std::string name = present.empty() ? file.name : present.front().name;
+    return putContent(resource->key, name, file, present);
+}
+
+Status StoreCore::filePut(const std::vector<FileToPut>& files) {
+    return guarded([&]() -> Status {
+        for (const FileToPut& file : files) {
+            const Status status = checkFile(file);
+            if (!status.ok())
+                return status;
+        }
+        return inWrite([&]() -> Status {
+            std::optional<FolderTree> tree;
+            Status status = folders(Area::Files, &tree);
+            for (const FileToPut& file : files) {
+                if (!status.ok())
+                    break;
+                status = putFile(*tree, file);
+            }
+            return status;
+        });
+    });
+}
+
+Status StoreCore::fileDelete(const std::vector<std::pair<std::string, std::string>>& files) {
+    return guarded([&] {
+        return inWrite([&]() -> Status {
+            std::optional<FolderTree> tree;
+            Status status = folders(Area::Files, &tree);
+            for (const auto& [path, name] : files) {
+                std::optional<Resource> resource;
+                if (status.ok())
+                    status = fileIn(tree->find(path), name, &resource);
+                if (status.ok() && resource)
+                    status = removeResource(resource->key);
+                if (!status.ok())
+                    break;
+            }
+            return status;
+        });
+    });
+}
+
+Status StoreCore::fileArea(
+    const std::function<void(const std::string& path, const StoredFile& file)>& each) {
+    return guarded([&]() -> Status {
+        const Fields& f = fields();
+        struct Place {
+            std::string path, name;
+        };
+        std::unordered_map<std::string, Place> places; // by folded key of the resource
+        std::vector<std::pair<std::string, StoredFile>> area;
+        const Status status = inRead([&]() -> Status {
+            std::optional<FolderTree> tree;
+            Status done = folders(Area::Files, &tree);
+            if (!done.ok())
+                return done;
+            done = selectWhere(f.resource, {0, f.resourceFolder, f.resourceName}, f.resourceType,
+                               int64_t(fileType), [&](const Row& row) {
+                                   const auto path = tree->path(textOf(row[1]));
+                                   if (path && isPlainFileName(textOf(row[2])))
+                                       places[foldedKey(textOf(row[0]))] = {*path, textOf(row[2])};
+                               });
+            if (!done.ok())
+                return done;
+            return select(
+                f.content, {f.contentResource, f.contentTime, f.contentSize}, [&](const Row& row) {
+                    // Taken out of the map: a resource has one content.
+                    auto place = places.extract(foldedKey(textOf(row[0])));
+                    if (!place.empty())
+                        area.emplace_back(place.mapped().path,
+                                          storedFile(place.mapped().name, row[1], row[2]));
+                });
+        });
+        if (!status.ok())
+            return status;
+        std::sort(area.begin(), area.end(), [](const auto& a, const auto& b) {
+            return std::tie(a.first, a.second.name) < std::tie(b.first, b.second.name);
+        });
+        for (const auto& [path, file] : area)
+            each(path, file); // after the snapshot: the caller may use the store again
+        return {};
+    });
+}
+
+} // namespace orvo::store
