@@ -205,7 +205,9 @@ bool KeyFields::image(const MDRVar* values, ImageBuffer& out) const {
     return fits;
 }
 
-void KeyFields::bytes(const uint8_t* body, size_t from, uint8_t* out, size_t size) const noexcept {
+size_t KeyFields::bytes(const uint8_t* body, size_t from, uint8_t* out,
+                        size_t size) const noexcept {
+    const size_t wanted = size;
     walk(
         m_parts, body, from,
         [&](const uint8_t* at, size_t n) {
@@ -222,8 +224,8 @@ void KeyFields::bytes(const uint8_t* body, size_t from, uint8_t* out, size_t siz
             size -= n;
             return size > 0;
         });
-    if (size > 0)
-        std::memset(out, 0, size);
+    std::memset(out, 0, size);
+    return wanted - size;
 }
 
 int KeyFields::compare(const uint8_t* image, size_t size, const uint8_t* body,

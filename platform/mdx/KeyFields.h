@@ -66,8 +66,9 @@ public:
     /// The image of seek values, `count()` of them laid end to end. False if one is of another type
     /// than its field: no record equals the values then.
     bool image(const MDRVar* values, ImageBuffer& out) const;
-    /// Up to `size` bytes of the image from offset `from` on; the rest of `out` becomes zero.
-    void bytes(const uint8_t* body, size_t from, uint8_t* out, size_t size) const noexcept;
+    /// Up to `size` bytes of the image from offset `from` on; the rest of `out` becomes zero. Gives
+    /// their number.
+    size_t bytes(const uint8_t* body, size_t from, uint8_t* out, size_t size) const noexcept;
     /// Compares `size` bytes, known to agree with the record up to `from`, with its image: below 0,
     /// 0 (they are the image or begin it), above 0.
     int compare(const uint8_t* image, size_t size, const uint8_t* body, size_t from) const noexcept;

@@ -279,9 +279,9 @@ void KeyTree::erase(const Record* record) noexcept {
 // ---------------------------------------------------------------------------------------------
 // Prefixes and words
 
-// The first bytes of a record's image, as many as a prefix and a word can hold.
-void KeyTree::imageStart(uint32_t number, uint8_t* out) const noexcept {
-    m_fields.bytes(m_pool.postedBody(m_pool.at(number)), 0, out, Node::maxPrefix + 8);
+// The first bytes of a record's image, as many as a prefix and a word can hold, or fewer and zeros.
+size_t KeyTree::imageStart(uint32_t number, uint8_t* out) const noexcept {
+    return m_fields.bytes(m_pool.postedBody(m_pool.at(number)), 0, out, Node::maxPrefix + 8);
 }
 
 // Shortens the common prefix to `common` bytes. What was in the prefix moves into the words, which
@@ -312,10 +312,10 @@ void KeyTree::tighten(Node& node, uint32_t* numbers, uint64_t* words,
     if (node.count < first + 2u)
         return;
     uint8_t low[Node::maxPrefix + 8], high[Node::maxPrefix + 8];
-    imageStart(numbers[first], low);
-    imageStart(numbers[node.count - 1], high);
-    const auto common =
-        static_cast<unsigned>(std::mismatch(low, low + Node::maxPrefix, high).first - low);
+    const size_t most =
+        std::min<size_t>({imageStart(numbers[first], low),
+                          imageStart(numbers[node.count - 1], high), Node::maxPrefix});
+    const auto common = static_cast<unsigned>(std::mismatch(low, low + most, high).first - low);
     if (common < node.prefixSize + 4u)
         return;
     std::memcpy(node.prefix, low, common);

@@ -93,7 +93,7 @@ private:
     Found find(const Query& query, Path* path, uint32_t* position) const noexcept;
     bool startsWith(uint32_t number, const Query& query) const noexcept;
 
-    void imageStart(uint32_t number, uint8_t* out) const noexcept;
+    size_t imageStart(uint32_t number, uint8_t* out) const noexcept;
     void shrinkPrefix(Node& node, uint64_t* words, unsigned common) const noexcept;
     uint64_t wordFor(Node& node, uint64_t* words, const uint8_t* start) const noexcept;
     void setWords(Inner& node) const noexcept;

@@ -172,7 +172,7 @@ public:
         QCOMPARE(size_t(array()->recordCount), sorted.size());
         for (size_t i = 0; i < sorted.size(); ++i)
             if (MDARec(array(), int(key), int32_t(i)) != sorted[i]->record)
-                QFAIL(qPrintable(QString("key %1, position %2").arg(key).arg(i)));
+                QFAIL(qPrintable(QString("key %1, position %2: %3 instead of %4").arg(key).arg(i).arg(QString::fromStdString(MDARec(array(), int(key), int32_t(i)) ? textOf(MDARec(array(), int(key), int32_t(i)), 0) : "null"), QString::fromStdString(sorted[i]->key.value_or("NULL")))));
         QVERIFY(!MDARec(array(), int(key), int32_t(sorted.size())));
 
         // Seeks: for values of records present, and for random ones.
