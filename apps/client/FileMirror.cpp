@@ -86,6 +86,7 @@ void FileMirror::refresh() {
 }
 
 void FileMirror::compare() {
+    m_queue.clear(); // what is still missing is found missing again
     std::map<std::string, Wanted> wanted;
     const store::Status status = m_store.fileArea([&](const std::string& path,
                                                       const store::StoredFile& file) {
@@ -111,6 +112,7 @@ void FileMirror::compare() {
     });
     if (!status.ok()) {
         m_queue.clear();
+        m_step.stop();
         tell(QStringLiteral("Список файловой области не получен: %1")
                  .arg(QString::fromStdString(status.text)));
         m_idle = true;

@@ -1,0 +1,229 @@
+// The program as a user starts it, with a module library of its own beside it.
+#include "tests/client/HostFixture.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QImage>
+#include <QProcess>
+#include <QtTest>
+
+using namespace orvo::test;
+
+namespace {
+
+struct Result {
+    int code = -1;
+    bool crashed = false;
+    QStringList errors; ///< lines of standard error
+    QString output;
+};
+
+/// A place like an installation: bin/orvo-client and, if asked for, lib/libOrvoMenu.so.
+struct Place : Host {
+    QString program = dir.path() + "/bin/orvo-client";
+    QString work = dir.path() + "/place/";
+
+    explicit Place(bool withLibrary = true) {
+        QDir().mkpath(dir.path() + "/bin");
+        QDir().mkpath(dir.path() + "/lib");
+        const QString binary = qEnvironmentVariable("ORVO_BIN_DIR") + "/orvo-client";
+        if (!QFile::copy(binary, program))
+            qFatal("no program at %s", qUtf8Printable(binary));
+        const QString library = QCoreApplication::applicationDirPath() + "/libOrvoTestModules.so";
+        if (withLibrary && !QFile::copy(library, dir.path() + "/lib/libOrvoMenu.so"))
+            qFatal("no library at %s", qUtf8Printable(library));
+    }
+    Result run(const QStringList& arguments, const QStringList& environment = {}) const {
+        QProcess process;
+        QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
+        variables.insert("QT_QPA_PLATFORM", "offscreen");
+        for (const QString& one : environment) {
+            const int at = one.indexOf('=');
+            if (at < 0)
+                variables.remove(one);
+            else
+                variables.insert(one.left(at), one.mid(at + 1));
+        }
+        process.setProcessEnvironment(variables);
+        process.start(program, arguments);
+        Result result;
+        if (!process.waitForFinished(90000)) {
+            process.kill();
+            process.waitForFinished();
+            return result;
+        }
+        result.code = process.exitCode();
+        result.crashed = process.exitStatus() != QProcess::NormalExit;
+        result.output = QString::fromUtf8(process.readAllStandardOutput());
+        const QString errors = QString::fromUtf8(process.readAllStandardError());
+        for (const QString& line : errors.split('\n', Qt::SkipEmptyParts))
+            if (!line.contains("propagateSizeHints")) // said by Qt's plugin without a display
+                result.errors << line;
+        return result;
+    }
+    QStringList usual(const QStringList& more = {}) const {
+        return QStringList{"--store",    QString::fromStdString(path),
+                           "--login",    "engineer",
+                           "--work-dir", work} +
+               more;
+    }
+};
+
+} // namespace
+
+#define QVERIFY_ONE_LINE(result)                                                                   \
+    QVERIFY(!(result).crashed);                                                                    \
+    QVERIFY2((result).errors.size() == 1, qPrintable((result).errors.join('\n')));                 \
+    QVERIFY((result).errors[0].startsWith("orvo-client: "))
+
+class TestClientRun : public QObject {
+    Q_OBJECT
+private slots:
+    void helpAndVersionNeedNoDisplay() {
+        Place place;
+        const QStringList bare{"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"};
+        Result help = place.run({"--help"}, bare);
+        QCOMPARE(help.code, 0);
+        QVERIFY(help.output.contains("--screenshot"));
+        Result version = place.run({"--version"}, bare);
+        QCOMPARE(version.code, 0);
+        QVERIFY(version.output.startsWith("orvo-client "));
+    }
+
+    void wrongCommandLinesAreOneLineAndCodeTwo() {
+        Place place;
+        for (const QStringList& arguments :
+             {QStringList("--what"), QStringList({"--module", "Другой"}), QStringList("file"),
+              QStringList("--store")}) {
+            const Result result = place.run(arguments);
+            QCOMPARE(result.code, 2);
+            QVERIFY_ONE_LINE(result);
+        }
+    }
+
+    void withoutADisplayItSaysWhatToDo() {
+        Place place;
+        Result result = place.run(place.usual(), {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"});
+        QCOMPARE(result.code, 1);
+        QVERIFY_ONE_LINE(result);
+        QVERIFY(result.errors[0].contains("DISPLAY"));
+    }
+
+    void aDisplayThatDoesNotAnswerIsNoCrash() {
+        Place place;
+        Result result = place.run(place.usual(), {"QT_QPA_PLATFORM=xcb", "DISPLAY=:4711"});
+        QCOMPARE(result.code, 1);
+        QVERIFY_ONE_LINE(result);
+        QVERIFY(result.errors[0].contains(":4711"));
+    }
+
+    void aMissingStoreIsNamed() {
+        Place place;
+        Result result = place.run(
+            {"--store", place.dir.path() + "/none.db", "--work-dir", place.work, "--login", "x"});
+        QCOMPARE(result.code, 1);
+        QVERIFY_ONE_LINE(result);
+        QVERIFY(result.errors[0].contains("none.db"));
+        QVERIFY(!QFileInfo::exists(place.dir.path() + "/none.db"));
+    }
+
+    void aFileThatIsNoStoreIsRefused() {
+        Place place;
+        QFile file(place.dir.path() + "/text.db");
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("not a database at all, but quite some text in a file");
+        file.close();
+        Result result =
+            place.run({"--store", file.fileName(), "--work-dir", place.work, "--login", "x"});
+        QCOMPARE(result.code, 1);
+        QVERIFY_ONE_LINE(result);
+    }
+
+    void aWorkDirectoryThatCannotBeIsNamed() {
+        Place place;
+        Result result = place.run({"--store", QString::fromStdString(place.path), "--work-dir",
+                                   QString::fromStdString(place.path) + "/below", "--login", "x"});
+        QCOMPARE(result.code, 1);
+        QVERIFY_ONE_LINE(result);
+        QVERIFY(result.errors[0].contains("below"));
+    }
+
+    void aMissingModuleLibraryIsNamed() {
+        Place place(false);
+        Result result = place.run(place.usual());
+        QCOMPARE(result.code, 1);
+        QVERIFY_ONE_LINE(result);
+        QVERIFY(result.errors[0].contains("libOrvoMenu.so"));
+    }
+
+    void aLibraryWithoutTheEntryIsNamed() {
+        Place place(false);
+        // A library of the system that certainly has no such function.
+        QFile maps("/proc/self/maps");
+        QVERIFY(maps.open(QIODevice::ReadOnly));
+        QString other;
+        for (const QByteArray& line : maps.readAll().split('\n'))
+            if (line.contains("libsqlite3.so"))
+                other = QString::fromUtf8(line.mid(line.indexOf('/')));
+        QVERIFY(!other.isEmpty());
+        QVERIFY(QFile::copy(other, place.dir.path() + "/lib/libOrvoMenu.so"));
+        Result result = place.run(place.usual());
+        QCOMPARE(result.code, 1);
+        QVERIFY_ONE_LINE(result);
+        QVERIFY(result.errors[0].contains("CppCliModule"));
+    }
+
+    void theScreenshotShowsTheModulesAndMirrorsTheIcons() {
+        Place place;
+        place.write("MenuResourceFolder", 1,
+                    {{"KeyLink", "f"}, {"type_", "4"}, {"caption", "icons"}});
+        Module module(&place.app);
+        CToolFilePut put(&module);
+        put.AddFile("icons", "a.png", "abc", 3, 1);
+        put.Perform(false);
+        const QString shot = place.dir.path() + "/shot.png";
+        Result result = place.run(place.usual({"--screenshot", shot}));
+        QVERIFY2(result.errors.isEmpty(), qPrintable(result.errors.join('\n')));
+        QCOMPARE(result.code, 0);
+        const QImage image(shot);
+        QVERIFY(image.width() > 600);
+        QSet<QRgb> colours;
+        for (int y = 0; y < image.height(); y += 7)
+            for (int x = 0; x < image.width(); x += 7)
+                colours.insert(image.pixel(x, y));
+        QVERIFY(colours.size() > 4);
+        QFile copy(place.work + "files/icons/a.png");
+        QVERIFY(copy.open(QIODevice::ReadOnly));
+        QCOMPARE(copy.readAll(), QByteArray("abc"));
+    }
+
+    void aScreenshotThatCannotBeWrittenFails() {
+        Place place;
+        Result result =
+            place.run(place.usual({"--screenshot", place.dir.path() + "/no/such/dir/shot.png"}));
+        QCOMPARE(result.code, 1);
+        QVERIFY_ONE_LINE(result);
+    }
+
+    void aModuleThatDoesNotStartIsSaid() {
+        Place place;
+        const QString shot = place.dir.path() + "/shot.png";
+        Result result = place.run(place.usual({"--module", "Menu", "--screenshot", shot}),
+                                  {"ORVO_TEST_FAIL_START=1"});
+        QCOMPARE(result.code, 1);
+        QVERIFY_ONE_LINE(result);
+        QVERIFY(QFileInfo::exists(shot));
+    }
+
+    void aMissingFormIsNoReasonToStop() {
+        Place place;
+        const QString shot = place.dir.path() + "/shot.png";
+        Result result = place.run(place.usual({"--module", "Menu", "--screenshot", shot}),
+                                  {"ORVO_TEST_RUN_FILE=no such form"});
+        QCOMPARE(result.code, 0);
+    }
+};
+
+QTEST_MAIN(TestClientRun)
+#include "tst_client_run.moc"

@@ -1,0 +1,228 @@
+// The local copy of the file area, and that it never leaves its directory.
+#include "apps/client/FileMirror.h"
+#include "platform/client/NotificationPump.h"
+#include "tests/client/HostFixture.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QtTest>
+
+using namespace orvo;
+using namespace orvo::test;
+using app::FileMirror;
+
+namespace {
+
+struct Bench : Host {
+    Module module{&app};
+    client::ModuleRegistry registry;
+    client::NotificationPump pump{*session, registry};
+    QString work = dir.path() + "/work/";
+    app::FileMirror mirror{store(), work};
+    QStringList problems;
+
+    Bench() {
+        QDir().mkpath(work);
+        write("MenuResourceFolder", 1,
+              {{"KeyLink", "icons"}, {"type_", "4"}, {"caption", "icons"}});
+        write("MenuResourceFolder", 1,
+              {{"KeyLink", "sub"}, {"ParentKey", "icons"}, {"type_", "4"}, {"caption", "Цех 1"}});
+        QObject::connect(&pump, &client::NotificationPump::changed, &mirror, &FileMirror::changed);
+        QObject::connect(&mirror, &FileMirror::problem, &mirror,
+                         [this](const QString& text) { problems << text; });
+    }
+    bool start() {
+        QString error;
+        const bool ok = mirror.start(&error);
+        pump.start();
+        return ok && QTest::qWaitFor([this] { return settled(); }, 30000);
+    }
+    bool settled() const { return mirror.isIdle() && pump.isIdle(); }
+    void put(const QString& folder, const QString& name, const QByteArray& bytes,
+             double time = 1700000000.125) {
+        CToolFilePut tool(&module);
+        tool.AddFile(folder, name, bytes.constData(), bytes.size(), time);
+        tool.Perform(false);
+    }
+    QByteArray local(const QString& file) const {
+        QFile copy(work + "files/" + file);
+        return copy.open(QIODevice::ReadOnly) ? copy.readAll() : QByteArray("missing");
+    }
+};
+
+} // namespace
+
+class TestMirror : public QObject {
+    Q_OBJECT
+private slots:
+    void theFileAreaIsCopiedAtStart() {
+        Bench bench;
+        bench.put("icons", "a.png", QByteArray("\0bytes", 6));
+        bench.put("icons/Цех 1", "насос.png", "deep");
+        bench.put("", "root.txt", "");
+        QVERIFY2(bench.failures.isEmpty(), qPrintable(bench.failures.join('\n')));
+        QVERIFY(bench.start());
+        QCOMPARE(bench.local("icons/a.png"), QByteArray("\0bytes", 6));
+        QCOMPARE(bench.local("icons/Цех 1/насос.png"), QByteArray("deep"));
+        QCOMPARE(bench.local("root.txt"), QByteArray());
+        QCOMPARE(QFileInfo(bench.work + "files/icons/a.png").lastModified().toMSecsSinceEpoch(),
+                 1700000000125LL);
+        QVERIFY(bench.problems.isEmpty());
+    }
+
+    void changesFollowByNotification() {
+        Bench bench;
+        bench.put("icons", "a.png", "old");
+        QVERIFY(bench.start());
+        bench.put("icons", "a.png", "newer", 1700000001);
+        bench.put("icons", "b.png", "second");
+        QTRY_COMPARE(bench.local("icons/a.png"), QByteArray("newer"));
+        QTRY_COMPARE(bench.local("icons/b.png"), QByteArray("second"));
+        CToolFileDel del(&bench.module);
+        del.files = {{"icons", "a.png"}};
+        del.Perform(false);
+        QTRY_COMPARE(bench.local("icons/a.png"), QByteArray("missing"));
+        bench.write("MenuResourceFolder", 2, {{"KeyLink", "icons"}, {"caption", "pictures"}});
+        QTRY_COMPARE(bench.local("pictures/b.png"), QByteArray("second"));
+        QTRY_COMPARE(bench.local("icons/b.png"), QByteArray("missing"));
+        QVERIFY(!QFileInfo::exists(bench.work + "files/icons")); // empty folders go too
+    }
+
+    void aFileWithoutATimeIsFollowedAsWell() {
+        Bench bench;
+        bench.put("icons", "a.png", "one", qQNaN());
+        QVERIFY(bench.start());
+        bench.put("icons", "a.png", "two", qQNaN());
+        QTRY_COMPARE(bench.local("icons/a.png"), QByteArray("two"));
+    }
+
+    void whatIsUpToDateIsNotWrittenAgain() {
+        Bench bench;
+        bench.put("icons", "a.png", "same");
+        QVERIFY(bench.start());
+        QFile::remove(bench.work + "files/icons/a.png");
+        FileMirror again(bench.store(), bench.work);
+        QSignalSpy updated(&again, &FileMirror::updated);
+        QString error;
+        QVERIFY(again.start(&error));
+        QTRY_VERIFY(again.isIdle());
+        QCOMPARE(bench.local("icons/a.png"), QByteArray("same")); // damage is repaired
+        QCOMPARE(updated.count(), 1);
+        FileMirror third(bench.store(), bench.work);
+        QSignalSpy untouched(&third, &FileMirror::updated);
+        QVERIFY(third.start(&error));
+        QTRY_VERIFY(third.isIdle());
+        QCOMPARE(untouched.count(), 0);
+    }
+
+    void filesGoneWhileTheClientWasAwayAreRemovedAndOthersAreNot() {
+        Bench bench;
+        bench.put("icons", "a.png", "x");
+        QVERIFY(bench.start());
+        QFile own(bench.work + "files/icons/own.txt");
+        QVERIFY(own.open(QIODevice::WriteOnly));
+        own.write("mine");
+        own.close();
+        CToolFileDel del(&bench.module);
+        del.files = {{"icons", "a.png"}};
+        del.Perform(false);
+        FileMirror later(bench.store(), bench.work);
+        QString error;
+        QVERIFY(later.start(&error));
+        QTRY_VERIFY(later.isIdle());
+        QCOMPARE(bench.local("icons/a.png"), QByteArray("missing"));
+        QCOMPARE(bench.local("icons/own.txt"), QByteArray("mine"));
+    }
+
+    void captionsThatAreNoPlainNamesAreSkippedAndNamed_data() {
+        QTest::addColumn<QString>("caption");
+        for (const char* caption : {"..", ".", "a/../../b", "/etc", "tab\tname"})
+            QTest::newRow(caption) << QString(caption);
+    }
+    void captionsThatAreNoPlainNamesAreSkippedAndNamed() {
+        QFETCH(QString, caption);
+        Bench bench;
+        bench.put("icons", "good.png", "good");
+        bench.put("icons/Цех 1", "bad.png", "bad");
+        QVERIFY(bench.write("MenuResourceFolder", 2,
+                            {{"KeyLink", "sub"}, {"caption", caption.toStdString()}}));
+        QVERIFY(bench.start());
+        QCOMPARE(bench.local("icons/good.png"), QByteArray("good"));
+        QCOMPARE(bench.problems.size(), 1);
+        QVERIFY(bench.problems[0].contains("bad.png"));
+        QVERIFY(!QFileInfo::exists(bench.work + "bad.png"));
+        QVERIFY(!QFileInfo::exists(bench.work + "files/bad.png"));
+        QVERIFY(!QFileInfo::exists(bench.work + "b/bad.png"));
+        QVERIFY(!QFileInfo::exists("/etc/bad.png"));
+        bench.put("icons", "another.png", "x"); // told once, not at every look
+        QTRY_COMPARE(bench.local("icons/another.png"), QByteArray("x"));
+        QCOMPARE(bench.problems.size(), 1);
+    }
+
+    void symbolicLinksAreNotFollowed() {
+        Bench bench;
+        const QString outside = bench.dir.path() + "/outside";
+        QDir().mkpath(outside);
+        QFile victim(outside + "/victim.txt");
+        QVERIFY(victim.open(QIODevice::WriteOnly));
+        victim.write("untouched");
+        victim.close();
+        QDir().mkpath(bench.work + "files");
+        QVERIFY(QFile::link(outside, bench.work + "files/icons"));
+        QVERIFY(QFile::link(outside + "/victim.txt", bench.work + "files/root.txt"));
+        bench.put("icons", "victim.txt", "overwritten");
+        bench.put("", "root.txt", "new content");
+        QVERIFY(bench.start());
+        QVERIFY(victim.open(QIODevice::ReadOnly));
+        QCOMPARE(victim.readAll(), QByteArray("untouched"));
+        QCOMPARE(bench.problems.size(), 1);                           // the folder that is a link
+        QCOMPARE(bench.local("root.txt"), QByteArray("new content")); // the link was replaced
+        QVERIFY(!QFileInfo(bench.work + "files/root.txt").isSymLink());
+    }
+
+    void aManifestFromOtherHandsRemovesNothingOutside() {
+        Bench bench;
+        QFile victim(bench.work + "victim.txt");
+        QVERIFY(victim.open(QIODevice::WriteOnly));
+        victim.write("x");
+        victim.close();
+        QFile list(bench.work + "mirror.list");
+        QVERIFY(list.open(QIODevice::WriteOnly));
+        list.write("../victim.txt\n/etc/hostname\n\n..\n");
+        list.close();
+        QVERIFY(bench.start());
+        QVERIFY(victim.exists());
+    }
+
+    void aDirectoryThatCannotBeUsedIsAnError() {
+        Bench bench;
+        QFile file(bench.work + "files");
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QString error;
+        QVERIFY(!bench.mirror.start(&error));
+        QVERIFY(error.contains("files"));
+        QVERIFY(bench.mirror.isIdle());
+    }
+
+    void aThousandFilesComeInSlices() {
+        Bench bench;
+        for (int i = 0; i < 1000; ++i)
+            bench.put("icons", QStringLiteral("f%1").arg(i), QByteArray(1000, 'x'));
+        QElapsedTimer clock;
+        qint64 longest = 0;
+        QTimer beat;
+        QElapsedTimer since;
+        connect(&beat, &QTimer::timeout, this, [&] { longest = qMax(longest, since.restart()); });
+        since.start();
+        clock.start();
+        beat.start(1);
+        QVERIFY(bench.start());
+        qInfo("1000 files in %lld ms, longest wait %lld ms", clock.elapsed(), longest);
+        QCOMPARE(QDir(bench.work + "files/icons").entryList(QDir::Files).size(), 1000);
+        QVERIFY(longest < 200);
+    }
+};
+
+QTEST_MAIN(TestMirror)
+#include "tst_mirror.moc"

@@ -1,0 +1,91 @@
+// The command line and its defaults.
+#include "apps/client/Options.h"
+
+#include <QtTest>
+
+using namespace orvo::app;
+
+class TestOptions : public QObject {
+    Q_OBJECT
+    static bool parse(const QStringList& arguments, Options* options, QString* error) {
+        return parseOptions(QStringList("orvo-client") + arguments, options, error);
+    }
+
+private slots:
+    void init() {
+        qputenv("XDG_DATA_HOME", "/data");
+        qputenv("USER", "ivanov");
+    }
+
+    void defaultsComeFromTheEnvironment() {
+        Options options;
+        QString error;
+        QVERIFY(parse({}, &options, &error));
+        QCOMPARE(options.store, QString("/data/orvo/orvo.db"));
+        QCOMPARE(options.workDir, QString("/data/orvo/work/"));
+        QCOMPARE(options.login, QString("ivanov"));
+        QCOMPARE(options.modules, QStringList({"Menu", "Resources"}));
+        QVERIFY(options.screenshot.isEmpty());
+        qunsetenv("XDG_DATA_HOME");
+        QVERIFY(parse({}, &options, &error));
+        QCOMPARE(options.store, QDir::homePath() + "/.local/share/orvo/orvo.db");
+        qputenv("XDG_DATA_HOME", "relative"); // to be ignored
+        QVERIFY(parse({}, &options, &error));
+        QCOMPARE(options.store, QDir::homePath() + "/.local/share/orvo/orvo.db");
+        qunsetenv("USER");
+        QVERIFY(parse({}, &options, &error));
+        QVERIFY(!options.login.isEmpty());
+    }
+
+    void everyOptionIsTaken() {
+        Options options;
+        QString error;
+        QVERIFY(parse({"--store", "postgresql:///orvo", "--login=Пётр", "--work-dir", "/w/",
+                       "--module", "resources", "--module", "RESOURCES", "--screenshot", "/a.png"},
+                      &options, &error));
+        QCOMPARE(options.store, QString("postgresql:///orvo"));
+        QCOMPARE(options.login, QString("Пётр"));
+        QCOMPARE(options.workDir, QString("/w/"));
+        QCOMPARE(options.modules, QStringList("Resources"));
+        QCOMPARE(options.screenshot, QString("/a.png"));
+        QVERIFY(parse({"--store", "here.db"}, &options, &error));
+        QCOMPARE(options.store, QDir::currentPath() + "/here.db");
+        QVERIFY(parse({"--help"}, &options, &error) && options.help);
+        QVERIFY(parse({"-v"}, &options, &error) && options.version);
+        for (const char* name : {"--store", "--login", "--work-dir", "--module", "--screenshot"})
+            QVERIFY(helpText().contains(name));
+    }
+
+    void errorsAreOneLine_data() {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::newRow("unknown option") << QStringList("--stor");
+        QTest::newRow("argument") << QStringList("file.db");
+        QTest::newRow("no value") << QStringList("--store");
+        QTest::newRow("empty value") << QStringList("--login=");
+        QTest::newRow("unknown module") << QStringList({"--module", "Меню"});
+        QTest::newRow("value where none is") << QStringList("--help=yes");
+    }
+    void errorsAreOneLine() {
+        QFETCH(QStringList, arguments);
+        Options options;
+        QString error;
+        QVERIFY(!parse(arguments, &options, &error));
+        QVERIFY(!error.isEmpty());
+        QVERIFY(!error.contains('\n'));
+    }
+
+    void withoutADisplayItSaysSo() {
+        const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
+        QVERIFY(displayProblem().isEmpty());
+        qunsetenv("QT_QPA_PLATFORM");
+        qunsetenv("DISPLAY");
+        qunsetenv("WAYLAND_DISPLAY");
+        QVERIFY(displayProblem().contains("DISPLAY"));
+        qputenv("DISPLAY", ":77");
+        QVERIFY(displayProblem().isEmpty());
+        qputenv("QT_QPA_PLATFORM", platform);
+    }
+};
+
+QTEST_MAIN(TestOptions)
+#include "tst_options.moc"

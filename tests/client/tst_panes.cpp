@@ -1,0 +1,94 @@
+// The log and the status line of the window.
+#include "apps/client/LogPane.h"
+#include "apps/client/MainWindow.h"
+#include "apps/client/StatusLine.h"
+#include "tests/client/HostFixture.h"
+
+#include <QAbstractItemModelTester>
+#include <QLabel>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QToolButton>
+#include <QtTest>
+
+using namespace orvo::app;
+
+class TestPanes : public QObject {
+    Q_OBJECT
+private slots:
+    void theLogKeepsItsLinesInOrder() {
+        LogPane log;
+        QAbstractItemModelTester tester(log.model(),
+                                        QAbstractItemModelTester::FailureReportingMode::Fatal);
+        log.add(LogError, "OrvoMenu::loadTables->Menu", "Ошибка\nв две строки");
+        log.add(LogInformation, "a", "b");
+        QCOMPARE(log.topLevelItemCount(), 2);
+        QCOMPARE(log.topLevelItem(0)->text(1), QString("OrvoMenu::loadTables->Menu"));
+        QCOMPARE(log.topLevelItem(0)->text(2), QString("Ошибка в две строки"));
+        QVERIFY(!log.topLevelItem(0)->text(0).isEmpty());
+        for (int i = 0; i < LogPane::mostLines + 10; ++i)
+            log.add(LogInformation, "i", QString::number(i));
+        QCOMPARE(log.topLevelItemCount(), int(LogPane::mostLines));
+        QCOMPARE(log.topLevelItem(log.topLevelItemCount() - 1)->text(2),
+                 QString::number(LogPane::mostLines + 9));
+    }
+
+    void aFailureStaysUntilItIsSeen() {
+        StatusLine line("/tmp/orvo.db", "ivanov");
+        line.show();
+        auto* button = line.findChild<QToolButton*>("failureButton");
+        QVERIFY(!button->isVisible());
+        line.setFailure("Запись: диск полон");
+        QVERIFY(button->isVisible());
+        QVERIFY(button->text().contains("диск полон"));
+        line.setFailure("Запись: <b>нет прав</b>");
+        QVERIFY(button->text().contains("нет прав"));
+        QVERIFY(button->text().contains("2"));
+        QVERIFY(button->toolTip().contains("&lt;b&gt;"));
+        line.setConnected(true, {});
+        QVERIFY(button->isVisible());
+        button->click();
+        QVERIFY(!button->isVisible());
+        QVERIFY(line.failure().isEmpty());
+    }
+
+    void theStatusLineShowsStoreUserAndConnection() {
+        StatusLine line("/tmp/<x>.db", "ivanov");
+        QVERIFY(line.findChild<QLabel*>("storeLabel")->text().contains("/tmp/<x>.db"));
+        QVERIFY(line.findChild<QLabel*>("userLabel")->text().contains("ivanov"));
+        auto* connection = line.findChild<QLabel*>("connectionLabel");
+        const QString up = connection->text();
+        line.setConnected(false, "нет сети");
+        QVERIFY(connection->text() != up);
+        QCOMPARE(connection->toolTip(), QString("нет сети"));
+    }
+
+    void modulesAreTabsWithTheirTitles() {
+        orvo::test::App app;
+        MainWindow window("store", "user");
+        auto* module = new orvo::test::Module(&app);
+        window.addModule(module, "Menu");
+        auto* tabs = window.findChild<QTabWidget*>("modules");
+        QCOMPARE(tabs->count(), 1);
+        QCOMPARE(tabs->tabText(0), QString("Menu"));
+        window.setTitle(module, "Редактор & меню");
+        QCOMPARE(tabs->tabText(0), QString("Редактор && меню"));
+        delete module;
+        QCOMPARE(tabs->count(), 0);
+    }
+
+    void anErrorIsABoxOverTheWindow() {
+        MainWindow window("store", "user");
+        window.show();
+        window.showError("Форма не найдена.");
+        auto* box = window.findChild<CPopMessageBox*>();
+        QVERIFY(box && box->isVisible());
+        for (QPushButton* button : box->findChildren<QPushButton*>())
+            if (button->isVisible())
+                button->click();
+        QVERIFY(box->isHidden());
+    }
+};
+
+QTEST_MAIN(TestPanes)
+#include "tst_panes.moc"

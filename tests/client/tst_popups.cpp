@@ -1,0 +1,242 @@
+// The pop-ups inside a module's window.
+#include "tests/client/HostFixture.h"
+
+#include <QAction>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QToolBar>
+#include <QtTest>
+
+using namespace orvo::test;
+
+namespace {
+
+QPushButton* buttonOf(QWidget* box, const QString& text) {
+    for (QPushButton* button : box->findChildren<QPushButton*>())
+        if (button->text() == text)
+            return button;
+    return nullptr;
+}
+
+struct Bench {
+    App app;
+    Module module{&app};
+    QLineEdit* edit = new QLineEdit(&module);
+    Bench() {
+        module.setCentralWidget(edit);
+        module.resize(800, 600);
+        module.show();
+        module.activateWindow();
+        edit->setFocus();
+        [[maybe_unused]] const bool active = QTest::qWaitForWindowActive(&module);
+    }
+    CPopMessageBox* ask(TMessageBoxType type = MessageBoxTypeYesNo,
+                        const char* slot = SLOT(boxClicked(QAbstractButton*))) {
+        module.PopMessageBoxCreate();
+        module.m_popMessageBox->setMessage(
+            "Уведомление", "Вы действительно хотите удалить рабочий стол \"Пульт\"?",
+            type == MessageBoxTypeYesNo ? MessageBoxIconQuestion : MessageBoxIconError, type, slot);
+        module.m_popMessageBox->show();
+        return module.m_popMessageBox;
+    }
+};
+
+} // namespace
+
+class TestPopups : public QObject {
+    Q_OBJECT
+private slots:
+    void showReturnsAtOnceAndCoversTheModule() {
+        Bench bench;
+        CPopMessageBox* box = bench.ask();
+        QVERIFY(box->isVisible());
+        QVERIFY(!box->isWindow());
+        QCOMPARE(box->geometry(), bench.module.rect());
+        bench.module.resize(900, 700);
+        QTRY_COMPARE(box->geometry(), bench.module.rect());
+    }
+
+    void aQuestionHasYesAndNo() {
+        Bench bench;
+        CPopMessageBox* box = bench.ask();
+        QVERIFY(buttonOf(box, "Да")->isVisible());
+        QVERIFY(buttonOf(box, "Нет")->isVisible());
+        QVERIFY(!buttonOf(box, "ОК")->isVisible());
+        QCOMPARE(box->ButtonRole(buttonOf(box, "Да")), int(QMessageBox::YesRole));
+        QCOMPARE(box->ButtonRole(buttonOf(box, "Да")), 5);
+        QCOMPARE(box->ButtonRole(buttonOf(box, "Нет")), int(QMessageBox::NoRole));
+        QPushButton stranger;
+        QCOMPARE(box->ButtonRole(&stranger), -1);
+        QCOMPARE(box->ButtonRole(nullptr), -1);
+    }
+
+    void aNoticeHasOneButton() {
+        Bench bench;
+        CPopMessageBox* box = bench.ask(MessageBoxTypeOk);
+        QVERIFY(buttonOf(box, "ОК")->isVisible());
+        QVERIFY(!buttonOf(box, "Да")->isVisible());
+        QVERIFY(box->ButtonRole(buttonOf(box, "ОК")) != 5);
+    }
+
+    void theClickedButtonReachesTheSlot() {
+        Bench bench;
+        CPopMessageBox* box = bench.ask();
+        QTest::mouseClick(buttonOf(box, "Да"), Qt::LeftButton);
+        QCOMPARE(bench.module.roles, std::vector<int>{5});
+        QVERIFY(box->isHidden());
+        bench.ask();
+        QTest::mouseClick(buttonOf(box, "Нет"), Qt::LeftButton);
+        QCOMPARE(bench.module.roles, (std::vector<int>{5, 6}));
+    }
+
+    void keysAnswer() {
+        Bench bench;
+        CPopMessageBox* box = bench.ask();
+        QTRY_VERIFY(buttonOf(box, "Да")->hasFocus());
+        QTest::keyClick(buttonOf(box, "Да"), Qt::Key_Return);
+        bench.ask();
+        QTest::keyClick(buttonOf(box, "Да"), Qt::Key_Escape);
+        bench.ask();
+        QTest::keyClick(buttonOf(box, "Да"), Qt::Key_Tab);
+        QVERIFY(buttonOf(box, "Нет")->hasFocus());
+        QTest::keyClick(buttonOf(box, "Нет"), Qt::Key_Enter);
+        QCOMPARE(bench.module.roles, (std::vector<int>{5, 6, 6}));
+        bench.ask(MessageBoxTypeOk);
+        QTest::keyClick(buttonOf(box, "ОК"), Qt::Key_Escape);
+        QCOMPARE(bench.module.roles.back(), int(QMessageBox::AcceptRole));
+        QVERIFY(box->isHidden());
+    }
+
+    void tabStaysInTheBoxAndFocusComesBack() {
+        Bench bench;
+        QTRY_VERIFY(bench.edit->hasFocus());
+        CPopMessageBox* box = bench.ask();
+        for (int i = 0; i < 5; ++i) {
+            QTest::keyClick(QApplication::focusWidget(), i % 2 ? Qt::Key_Tab : Qt::Key_Backtab);
+            QVERIFY(box->isAncestorOf(QApplication::focusWidget()));
+        }
+        box->hide();
+        QVERIFY(bench.edit->hasFocus());
+    }
+
+    void shortcutsBehindTheBoxRest() {
+        Bench bench;
+        QAction action;
+        action.setShortcut(Qt::Key_Delete);
+        bench.module.addAction(&action);
+        QSignalSpy fired(&action, &QAction::triggered);
+        CPopMessageBox* box = bench.ask();
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Delete);
+        QCOMPARE(fired.count(), 0);
+        box->hide();
+        QTest::keyClick(&bench.module, Qt::Key_Delete);
+        QCOMPARE(fired.count(), 1);
+    }
+
+    void theBoxCanBeFilledAgainInsideItsOwnSlot() {
+        Bench bench;
+        CPopMessageBox* box = bench.ask();
+        int errors = 0;
+        QObject::connect(box, &CPopMessageBox::clicked, this, [&](QAbstractButton* button) {
+            if (box->ButtonRole(button) != 5)
+                return;
+            ++errors; // as the deletion of a resource in use: question, then error
+            bench.ask(MessageBoxTypeOk);
+        });
+        QTest::mouseClick(buttonOf(box, "Да"), Qt::LeftButton);
+        QCOMPARE(errors, 1);
+        QVERIFY(box->isVisible());
+        QVERIFY(buttonOf(box, "ОК")->isVisible());
+        QTest::mouseClick(buttonOf(box, "ОК"), Qt::LeftButton);
+        QVERIFY(box->isHidden());
+        QCOMPARE(bench.module.roles.size(), size_t(2)); // each click once
+    }
+
+    void withoutASlotTheBoxClosesItself() {
+        Bench bench;
+        CPopMessageBox* box = bench.ask(MessageBoxTypeOk, nullptr);
+        QTest::mouseClick(buttonOf(box, "ОК"), Qt::LeftButton);
+        QVERIFY(box->isHidden());
+        QVERIFY(bench.module.roles.empty());
+    }
+
+    void textsAreShownAsTheyAre() {
+        Bench bench;
+        bench.module.PopMessageBoxCreate();
+        CPopMessageBox* box = bench.module.m_popMessageBox;
+        const QString text = "<b>жирный</b> & \"кавычки\" " + QString(300, 'w');
+        box->setMessage("<i>x</i>", text, MessageBoxIconError, MessageBoxTypeOk, nullptr);
+        box->show();
+        bool found = false;
+        for (QLabel* label : box->findChildren<QLabel*>()) {
+            QCOMPARE(label->textFormat(), Qt::PlainText);
+            found = found || label->text().remove(QChar(0x200B)) == text;
+            QVERIFY(label->width() < 600);
+        }
+        QVERIFY(found);
+    }
+
+    void clicksDoNotReachTheModuleBehind() {
+        Bench bench;
+        CPopMessageBox* box = bench.ask();
+        QTest::mouseClick(bench.module.childAt(5, 300), Qt::LeftButton);
+        QVERIFY(box->isVisible());
+        QVERIFY(bench.module.roles.empty());
+        QVERIFY(box->isAncestorOf(bench.module.childAt(5, 300)));
+    }
+
+    void theProgressBarRepaintsWithoutTheLoop() {
+        Bench bench;
+        CPopProgressBar bar(&bench.module);
+        QVERIFY(bar.isHidden());
+        bar.setText("Загрузка форм в БД", "");
+        bar.setRange(0, 4);
+        bar.setColor(ProgressBarColorGreen);
+        bar.show();
+        QCOMPARE(bar.geometry(), bench.module.rect());
+        class Painted : public QObject {
+        public:
+            int count = 0;
+            bool eventFilter(QObject*, QEvent* event) override {
+                count += event->type() == QEvent::Paint;
+                return false;
+            }
+        } painted;
+        auto* inner = bar.findChild<QProgressBar*>();
+        inner->installEventFilter(&painted);
+        bool looped = false;
+        QTimer::singleShot(0, this, [&] { looped = true; });
+        for (int i = 0; i < 4; ++i)
+            bar.setValue(i);
+        QVERIFY(!looped);
+        QVERIFY(painted.count >= 4);
+        QCOMPARE(inner->value(), 3);
+        QCOMPARE(inner->maximum(), 4);
+        bar.close();
+        QVERIFY(bar.isHidden());
+    }
+
+    void aPopupWindowIsCentredOverItsParentAndClosesByEscape() {
+        Bench bench;
+        bench.module.move(100, 50);
+        CPopTemplate popup(&bench.module, -1);
+        popup.resize(300, 200);
+        popup.show();
+        QVERIFY(popup.isWindow());
+        QVERIFY(!popup.isModal());
+        QVERIFY(QTest::qWaitForWindowExposed(&popup));
+        const QPoint middle = popup.geometry().center();
+        const QPoint wanted = bench.module.mapToGlobal(bench.module.rect().center());
+        QVERIFY((middle - wanted).manhattanLength() < 6);
+        popup.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&popup));
+        QTest::keyClick(&popup, Qt::Key_Escape);
+        QVERIFY(popup.isHidden());
+    }
+};
+
+QTEST_MAIN(TestPopups)
+#include "tst_popups.moc"

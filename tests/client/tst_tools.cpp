@@ -1,0 +1,279 @@
+// The tools on stored forms and files, and the seek by key.
+#include "platform/mdx/MdxBuild.h"
+#include "tests/client/HostFixture.h"
+
+#include <QtTest>
+
+#include <limits>
+
+using namespace orvo;
+using namespace orvo::test;
+
+namespace {
+
+/// The rows of a result in key 0 order: "name:size:content".
+QStringList rowsOf(const CMDArray& result) {
+    QStringList rows;
+    const MDArray* array = result.array;
+    for (uint32_t i = 0; array->keyCount && i < array->recordCount; ++i) {
+        MDRData* record = MDARec(array, 0, int(i));
+        int32_t size = -1;
+        MDRGetAsInt32(MDRFldByNum(array, 2), record, &size);
+        MDRVar data{};
+        MDRGetVal(MDRFldByNum(array, 3), record, &data);
+        rows << QStringLiteral("%1:%2:%3")
+                    .arg(textOf(array, record, "name"))
+                    .arg(size)
+                    .arg(data.null ? QStringLiteral("NULL")
+                                   : QString::fromUtf8(data.value.text.pointer,
+                                                       int(data.value.text.length)));
+    }
+    return rows;
+}
+
+struct Bench : Host {
+    Module module{&app};
+    Bench() {
+        write("MenuResourceFolder", 1,
+              {{"KeyLink", "f3"}, {"type_", "3"}, {"caption", "формы отображения"}});
+        write("MenuResourceFolder", 1,
+              {{"KeyLink", "f31"}, {"ParentKey", "f3"}, {"type_", "3"}, {"caption", "Цех"}});
+        write("MenuResourceFolder", 1, {{"KeyLink", "f4"}, {"type_", "4"}, {"caption", "icons"}});
+    }
+    void putForm(const QString& folder, const QList<QPair<QString, QByteArray>>& files) {
+        CToolFormPut tool(&module);
+        tool.formPath = folder;
+        for (const auto& [name, bytes] : files)
+            tool.AddFile(name, bytes.constData(), bytes.size(), 1000.5);
+        tool.Perform(false);
+    }
+    void putFile(const QString& folder, const QString& name, const QByteArray& bytes) {
+        CToolFilePut tool(&module);
+        tool.AddFile(folder, name, bytes.constData(), bytes.size(), 1000.5);
+        tool.Perform(false);
+    }
+    QStringList getFile(const QString& folder, const QString& name) {
+        CToolFileGet tool(&module);
+        tool.path = folder;
+        tool.name = name;
+        tool.Perform(false);
+        return rowsOf(tool.result);
+    }
+};
+
+} // namespace
+
+class TestTools : public QObject {
+    Q_OBJECT
+private slots:
+    void toolsAreNamed() {
+        Bench bench;
+        COrvoCliMod* m = &bench.module;
+        QCOMPARE(CToolRecByKey(m).objectName(), QString("RecByKey"));
+        QCOMPARE(CToolFormGet(m).objectName(), QString("FormGet"));
+        QCOMPARE(CToolFileList(m).objectName(), QString("FileList"));
+        QCOMPARE(CToolFileGet(m).objectName(), QString("FileGet"));
+        QCOMPARE(CToolFormDel(m).objectName(), QString("FormDel"));
+        QCOMPARE(CToolFileDel(m).objectName(), QString("FileDel"));
+        QVERIFY(!CToolFormPut(m).objectName().isEmpty());
+        QVERIFY(!CToolFilePut(m).objectName().isEmpty());
+    }
+
+    void aFormGoesInAndComesOutInNameOrder() {
+        Bench bench;
+        bench.putForm("Цех", {{"котёл_b.png", "BB"}, {"котёл", "form"}, {"котёл_a", ""}});
+        QVERIFY2(bench.failures.isEmpty(), qPrintable(bench.failures.join('\n')));
+        CToolFormGet tool(&bench.module);
+        tool.formName = "котёл";
+        tool.withData = true;
+        tool.Perform(false);
+        QCOMPARE(rowsOf(tool.result),
+                 QStringList({"котёл:4:form", "котёл_a:0:NULL", "котёл_b.png:2:BB"}));
+        MDRVar time{};
+        MDRGetVal(MDRFldByNum(tool.result.array, 1), MDARec(tool.result.array, 0, 0), &time);
+        QCOMPARE(int(time.type), int(MDX_DATE));
+        QCOMPARE(double(time.value.date), 1000.5);
+
+        tool.withData = false;
+        tool.Perform(false);
+        QCOMPARE(rowsOf(tool.result),
+                 QStringList({"котёл:4:NULL", "котёл_a:0:NULL", "котёл_b.png:2:NULL"}));
+        tool.formName = "нет такой";
+        tool.Perform(false);
+        QCOMPARE(rowsOf(tool.result), QStringList());
+    }
+
+    void filesAreListedAndFetched() {
+        Bench bench;
+        bench.putFile("icons", "b.png", "bytes");
+        bench.putFile("icons", "a.png", QByteArray("\0x", 2));
+        bench.putFile("", "root.txt", "r");
+        QVERIFY2(bench.failures.isEmpty(), qPrintable(bench.failures.join('\n')));
+        QCOMPARE(bench.getFile("icons", "b.png"), QStringList("b.png:5:bytes"));
+        QCOMPARE(bench.getFile("", "root.txt"), QStringList("root.txt:1:r"));
+        QCOMPARE(bench.getFile("icons", "none"), QStringList());
+        CToolFileList list(&bench.module);
+        list.path = "icons";
+        list.Perform(false);
+        QCOMPARE(rowsOf(list.result), QStringList({"a.png:2:NULL", "b.png:5:NULL"}));
+        list.name = "b.png";
+        list.Perform(false);
+        QCOMPARE(rowsOf(list.result), QStringList("b.png:5:NULL"));
+    }
+
+    void formsAndFilesAreDeleted() {
+        Bench bench;
+        bench.putForm("", {{"scheme", "x"}});
+        bench.putFile("icons", "a.png", "a");
+        CToolFormDel forms(&bench.module);
+        forms.names = QStringList{"scheme", "never was"};
+        forms.Perform(false);
+        CToolFileDel files(&bench.module);
+        files.files = {{"icons", "a.png"}, {"icons", "never was"}};
+        files.Perform(false);
+        QVERIFY2(bench.failures.isEmpty(), qPrintable(bench.failures.join('\n')));
+        CToolFormGet get(&bench.module);
+        get.formName = "scheme";
+        get.Perform(false);
+        QCOMPARE(rowsOf(get.result), QStringList());
+        QCOMPARE(bench.getFile("icons", "a.png"), QStringList());
+    }
+
+    void hostileFileNamesAreRefusedAtTheDoor_data() {
+        QTest::addColumn<QString>("name");
+        for (const char* name : {"../evil", "a/b", ".", "..", "", "/etc/passwd", "line\nbreak"})
+            QTest::newRow(name) << QString(name);
+    }
+    void hostileFileNamesAreRefusedAtTheDoor() {
+        QFETCH(QString, name);
+        Bench bench;
+        bench.putFile("icons", name, "x");
+        QCOMPARE(bench.failures.size(), 1);
+        bench.putForm("Цех", {{"good", "x"}, {name, "x"}});
+        QCOMPARE(bench.failures.size(), 2);
+        CToolFormGet get(&bench.module);
+        get.formName = "good";
+        get.Perform(false);
+        QCOMPARE(rowsOf(get.result), QStringList()); // all or none
+    }
+
+    void impossibleSizesAndBuffersAreRefused() {
+        Bench bench;
+        CToolFilePut negative(&bench.module);
+        negative.AddFile("icons", "a", "x", -1, 0);
+        negative.Perform(false);
+        CToolFormPut null(&bench.module);
+        null.AddFile("a", nullptr, 10, 0);
+        null.Perform(false);
+        QCOMPARE(bench.failures.size(), 2);
+        CToolFilePut empty(&bench.module);
+        empty.AddFile("icons", "empty", nullptr, 0, std::numeric_limits<double>::quiet_NaN());
+        empty.Perform(false);
+        QCOMPARE(bench.failures.size(), 2);
+        QCOMPARE(bench.getFile("icons", "empty"), QStringList("empty:0:NULL"));
+    }
+
+    void anUnknownFolderIsRefusedAndReported() {
+        Bench bench;
+        bench.putForm("нет/такой", {{"scheme", "x"}});
+        QCOMPARE(bench.failures.size(), 1);
+        QVERIFY(bench.failures.first().contains("scheme"));
+    }
+
+    void putWithoutFilesDoesNothing() {
+        Bench bench;
+        CToolFormPut(&bench.module).Perform(false);
+        CToolFilePut(&bench.module).Perform(false);
+        QVERIFY(bench.failures.isEmpty());
+    }
+
+    void recordsAreFoundByResourceKey() {
+        Bench bench;
+        bench.write("Menu", 1, {{"KeyLink", "2"}, {"MenuResourceKey", "res"}, {"caption", "б"}});
+        bench.write("Menu", 1, {{"KeyLink", "1"}, {"MenuResourceKey", "res"}, {"caption", "а"}});
+        bench.write("Menu", 1, {{"KeyLink", "3"}, {"MenuResourceKey", "other"}});
+        bench.write("Menu", 1, {{"KeyLink", "4"}});
+        CToolRecByKey tool(&bench.module);
+        const std::string key = "res";
+        tool.tableName = "Menu";
+        tool.keyNumber = 2;
+        tool.keyValues = {textValue(key)};
+        tool.keyBits.setBit(0);
+        tool.Perform(false);
+        QCOMPARE(tool.result.array->recordCount, 2u);
+        QCOMPARE(int(tool.result.array->fieldCount), 10);
+        QCOMPARE(textOf(tool.result.array, MDARec(tool.result.array, 0, 0), "caption"),
+                 QString("а"));
+        MDRVar null{};
+        null.null = 1;
+        tool.keyValues = {null};
+        tool.Perform(false);
+        QCOMPARE(tool.result.array->recordCount, 1u);
+        QCOMPARE(textOf(tool.result.array, MDARec(tool.result.array, 0, 0), "KeyLink"),
+                 QString("4"));
+    }
+
+    void severalKeyValuesNarrowTheSearch() {
+        Bench bench;
+        bench.write("Menu", 1, {{"KeyLink", "1"}, {"parent", "p"}, {"order_", "1000"}});
+        bench.write("Menu", 1, {{"KeyLink", "2"}, {"parent", "p"}, {"order_", "2000"}});
+        CToolRecByKey tool(&bench.module);
+        const std::string parent = "p";
+        MDRVar order{};
+        order.type = MDX_INTEGER;
+        order.value.integer = 2000;
+        tool.tableName = "Menu";
+        tool.keyNumber = 1;
+        tool.keyValues = {textValue(parent), order};
+        tool.keyBits.setBit(0);
+        tool.Perform(false);
+        QCOMPARE(tool.result.array->recordCount, 2u);
+        tool.keyBits.setBit(1);
+        tool.Perform(false);
+        QCOMPARE(tool.result.array->recordCount, 1u);
+        QCOMPARE(textOf(tool.result.array, MDARec(tool.result.array, 0, 0), "KeyLink"),
+                 QString("2"));
+    }
+
+    void anUnknownKeyLeavesAnEmptyResultAndAReport() {
+        Bench bench;
+        CToolRecByKey tool(&bench.module);
+        tool.tableName = "Menu";
+        for (const int key : {-1, 99, std::numeric_limits<int>::max()}) {
+            tool.keyNumber = key;
+            tool.Perform(false);
+            QCOMPARE(tool.result.array->keyCount, 0u);
+        }
+        tool.tableName = "Нет";
+        tool.keyNumber = 0;
+        tool.Perform(false);
+        QCOMPARE(bench.failures.size(), 4);
+    }
+
+    void aFailedJobEmptiesTheResultOfTheOneBefore() {
+        Bench bench;
+        bench.write("Menu", 1, {{"KeyLink", "1"}});
+        CToolRecByKey tool(&bench.module);
+        tool.tableName = "Menu";
+        tool.Perform(false);
+        QCOMPARE(tool.result.array->recordCount, 1u);
+        tool.tableName = "Nowhere";
+        tool.Perform(false);
+        QVERIFY(tool.result.array);
+        QCOMPARE(tool.result.array->recordCount, 0u);
+    }
+
+    void aToolWithoutASessionDoesNothing() {
+        App app;
+        Module module(&app);
+        CToolFormGet tool(&module);
+        tool.formName = "x";
+        tool.Perform(false);
+        QCOMPARE(tool.result.array->recordCount, 0u);
+        CToolFormGet orphan(nullptr);
+        orphan.Perform(false);
+    }
+};
+
+QTEST_MAIN(TestTools)
+#include "tst_tools.moc"
