@@ -17,6 +17,20 @@ std::string quoted(std::string_view text, char quote) {
     return out + quote;
 }
 
+/// errno behind an input or output error. SQLite's own note of it may be gone by the time its
+/// message is asked for; the files keep theirs.
+int systemErrorOf(sqlite3* connection) {
+    int error = sqlite3_system_errno(connection);
+    sqlite3_file* log = nullptr;
+    if (error == 0 &&
+        sqlite3_file_control(connection, "main", SQLITE_FCNTL_JOURNAL_POINTER, &log) == SQLITE_OK &&
+        log != nullptr && log->pMethods != nullptr)
+        log->pMethods->xFileControl(log, SQLITE_FCNTL_LAST_ERRNO, &error);
+    if (error == 0)
+        sqlite3_file_control(connection, "main", SQLITE_FCNTL_LAST_ERRNO, &error);
+    return error;
+}
+
 } // namespace
 
 std::string identifier(std::string_view name) {
@@ -133,8 +147,10 @@ int Connection::integer(const char* sql, int64_t* result) const {
 
 Status Connection::failure(std::string_view what) const {
     const int extended = get() != nullptr ? sqlite3_extended_errcode(get()) : SQLITE_NOMEM;
-    const int system = get() != nullptr ? sqlite3_system_errno(get()) : 0;
     const std::string message = get() != nullptr ? sqlite3_errmsg(get()) : "";
+    const int system = (extended & 0xFF) == SQLITE_IOERR      ? systemErrorOf(get())
+                       : (extended & 0xFF) == SQLITE_CANTOPEN ? sqlite3_system_errno(get())
+                                                              : 0;
     int code = Failed;
     std::string why;
     switch (extended & 0xFF) {

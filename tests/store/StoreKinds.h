@@ -1,0 +1,32 @@
+// StoreKinds.h: the kinds of store that the common cases run on.
+#ifndef ORVO_TESTS_STORE_STOREKINDS_H
+#define ORVO_TESTS_STORE_STOREKINDS_H
+
+#include <QByteArray>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace orvo::store::test {
+
+class StoreKind {
+public:
+    virtual ~StoreKind() = default;
+    virtual QByteArray name() const = 0;
+    /// Makes a fresh, empty store; false if that failed.
+    virtual bool renew() = 0;
+    /// The URL of that store.
+    virtual std::string url() const = 0;
+    /// Writes past the store, as an administrator would, with the database's own shell. False, with
+    /// the shell's words in `output`, if it refused.
+    virtual bool byHand(const QByteArray& sql, QByteArray* output = nullptr) = 0;
+    /// A text of any bytes as an SQL expression.
+    virtual QByteArray rawText(const QByteArray& bytes) const = 0;
+};
+
+std::vector<std::unique_ptr<StoreKind>> storeKinds();
+
+} // namespace orvo::store::test
+
+#endif

@@ -1,0 +1,343 @@
+// The change log: complete, in commit order, and announced.
+#include "StoreTest.h"
+
+#include <QElapsedTimer>
+
+#include <poll.h>
+
+using namespace orvo::store;
+using namespace orvo::store::test;
+
+class TestLog : public StoreTest {
+    Q_OBJECT
+public:
+    using StoreTest::StoreTest;
+
+private slots:
+    void insertLogsAllFieldsUpdateTheChangedOnesDeleteTheOldOnes();
+    void anUpdateThatChangesNothingIsLoggedAllTheSame();
+    void whatWasStoredIsLogged();
+    void datesAreLoggedToTheLastBit();
+    void timeIsUtcSeconds();
+    void changesByHandHaveNoLogin();
+    void changeOfAKeyByHandIsADeletionAndAnInsert();
+    void everyWriterHasItsLogin();
+    void refusedCallLeavesNoEventAndNoLogin();
+    void readingGoesOnFromTheCursorInPortions();
+    void emptyStoreHasAPosition();
+    void prunedLogIsNoticed();
+    void idsAreNotUsedAgainAfterPruning();
+    void cursorPastTheEndIsNoticed();
+    void logOfSeveralProcessesIsReadInCommitOrderWithoutGaps();
+    void everyCommitWakes();
+    void aReadDoesNotWake();
+    void changedTellsOfOwnAndOtherCommits();
+};
+
+namespace {
+
+bool readable(const Store& store, int milliseconds) {
+    pollfd wait = {store.wakeFd(), POLLIN, 0};
+    return ::poll(&wait, 1, milliseconds) == 1;
+}
+
+} // namespace
+
+void TestLog::insertLogsAllFieldsUpdateTheChangedOnesDeleteTheOldOnes() {
+    ORVO_OK(Batch("MenuFolder")
+                .insert("k", {{"caption", "Стол \"1\"\\\n"}, {"isFolder", false}})
+                .send(*m_store));
+    ORVO_OK(Batch("MenuFolder")
+                .update("k", {{"caption", "Стол"}, {"isFolder", true}, {"order_", QVariant()}})
+                .send(*m_store));
+    ORVO_OK(Batch("MenuFolder").remove("k").send(*m_store));
+    QCOMPARE(log(*m_store),
+             QString(R"(601 MenuFolder k tester {"KeyLink":"k","ParentKey":null,)"
+                     R"("caption":"Стол \"1\"\\\n","order_":null,"isFolder":false} {})"
+                     "\n"
+                     R"(602 MenuFolder k tester {"caption":"Стол","isFolder":true} )"
+                     R"({"caption":"Стол \"1\"\\\n","isFolder":false})"
+                     "\n"
+                     R"(603 MenuFolder k tester {} {"KeyLink":"k","ParentKey":null,)"
+                     R"("caption":"Стол","order_":null,"isFolder":true})"));
+}
+
+void TestLog::anUpdateThatChangesNothingIsLoggedAllTheSame() {
+    ORVO_OK(Batch("MenuFileExt").insert("k", {{"fileExt", "ui"}}).send(*m_store));
+    const int64_t before = position();
+    ORVO_OK(Batch("MenuFileExt").update("k", {{"fileExt", "ui"}}).update("k").send(*m_store));
+    QCOMPARE(log(*m_store, before),
+             QString("602 MenuFileExt k tester {} {}\n602 MenuFileExt k tester {} {}"));
+}
+
+void TestLog::whatWasStoredIsLogged() {
+    const int64_t before = position();
+    ORVO_OK(Batch("MenuFolder").insert("k", {{"ParentKey", ""}, {"caption", ""}}).send(*m_store));
+    ORVO_OK(Batch("MenuFolder").update("k", {{"ParentKey", "AbC"}}).send(*m_store));
+    ORVO_OK(Batch("MenuFolder").update("k", {{"ParentKey", "aBc"}}).send(*m_store));
+    ORVO_OK(Batch("MenuFolder").update("k", {{"ParentKey", ""}}).send(*m_store));
+    QCOMPARE(log(*m_store, before),
+             QString(R"(601 MenuFolder k tester {"KeyLink":"k","ParentKey":null,"caption":"",)"
+                     R"("order_":null,"isFolder":null} {})"
+                     "\n"
+                     R"(602 MenuFolder k tester {"ParentKey":"AbC"} {"ParentKey":null})"
+                     "\n"
+                     R"(602 MenuFolder k tester {"ParentKey":"aBc"} {"ParentKey":"AbC"})"
+                     "\n"
+                     R"(602 MenuFolder k tester {"ParentKey":null} {"ParentKey":"aBc"})"));
+}
+
+void TestLog::datesAreLoggedToTheLastBit() {
+    for (const double date : {1700000000.1234567, 0.1, -1e300, 0.0, 5.0, 1e-300}) {
+        const int64_t before = position();
+        ORVO_OK(Batch("MenuResource").insert("k", {{"dateTimeEdit", date}}).send(*m_store));
+        std::vector<Change> changes;
+        ORVO_OK(m_store->readLog(before, 10, &changes));
+        const QString after = QString::fromStdString(changes.at(0).after);
+        const QString number = after.section("\"dateTimeEdit\":", 1).chopped(1);
+        QCOMPARE(number.toDouble(), date);
+        QVERIFY(number.toDouble() == date); // QCOMPARE would let the last bits go
+        ORVO_OK(Batch("MenuResource").remove("k").send(*m_store));
+    }
+}
+
+void TestLog::timeIsUtcSeconds() {
+    const double before = double(QDateTime::currentMSecsSinceEpoch()) / 1000;
+    ORVO_OK(Batch("MenuFileExt").insert("k").send(*m_store));
+    const double after = double(QDateTime::currentMSecsSinceEpoch()) / 1000;
+    std::vector<Change> changes;
+    ORVO_OK(m_store->readLog(0, 10, &changes));
+    QVERIFY(changes.at(0).time > before - 0.01 && changes.at(0).time < after + 0.01);
+}
+
+void TestLog::changesByHandHaveNoLogin() {
+    QVERIFY(m_kind.byHand(
+        "INSERT INTO \"MenuFileExt\" (\"KeyLink\", \"fileExt\") VALUES ('k', 'a');"
+        "UPDATE \"MenuFileExt\" SET \"fileExt\" = 'b'; DELETE FROM \"MenuFileExt\";"));
+    QCOMPARE(log(*m_store), QString("601 MenuFileExt k  {\"KeyLink\":\"k\",\"fileExt\":\"a\"} {}\n"
+                                    "602 MenuFileExt k  {\"fileExt\":\"b\"} {\"fileExt\":\"a\"}\n"
+                                    "603 MenuFileExt k  {} {\"KeyLink\":\"k\",\"fileExt\":\"b\"}"));
+}
+
+void TestLog::changeOfAKeyByHandIsADeletionAndAnInsert() {
+    ORVO_OK(Batch("MenuFileExt").insert("k", {{"fileExt", "a"}}).insert("l").send(*m_store));
+    const int64_t before = position();
+    QVERIFY(m_kind.byHand("UPDATE \"MenuFileExt\" SET \"KeyLink\" = 'n', \"fileExt\" = 'b' "
+                          "WHERE \"KeyLink\" = 'k';"));
+    QVERIFY(m_kind.byHand("UPDATE \"MenuFileExt\" SET \"KeyLink\" = 'N' WHERE \"KeyLink\" = 'n';"));
+    QVERIFY(
+        !m_kind.byHand("UPDATE \"MenuFileExt\" SET \"KeyLink\" = 'L' WHERE \"fileExt\" = 'b';"));
+    QCOMPARE(log(*m_store, before),
+             QString("603 MenuFileExt k  {} {\"KeyLink\":\"k\",\"fileExt\":\"a\"}\n"
+                     "601 MenuFileExt n  {\"KeyLink\":\"n\",\"fileExt\":\"b\"} {}\n"
+                     "603 MenuFileExt n  {} {\"KeyLink\":\"n\",\"fileExt\":\"b\"}\n"
+                     "601 MenuFileExt N  {\"KeyLink\":\"N\",\"fileExt\":\"b\"} {}"));
+}
+
+void TestLog::everyWriterHasItsLogin() {
+    const auto second = another("второй");
+    QVERIFY(second);
+    ORVO_OK(Batch("MenuFileExt").insert("a").send(*m_store));
+    ORVO_OK(Batch("MenuFileExt").insert("b").send(*second));
+    ORVO_OK(Batch("MenuFileExt").insert("c").send(*m_store));
+    std::vector<Change> changes;
+    ORVO_OK(m_store->readLog(0, 10, &changes));
+    QCOMPARE(changes.at(0).login, std::string("tester"));
+    QCOMPARE(changes.at(1).login, std::string("второй"));
+    QCOMPARE(changes.at(2).login, std::string("tester"));
+}
+
+void TestLog::refusedCallLeavesNoEventAndNoLogin() {
+    ORVO_OK(Batch("MenuFileExt").insert("a").send(*m_store));
+    const int64_t before = position();
+    ORVO_FAILS(Batch("MenuFileExt").insert("b").insert("a").send(*m_store), Refused);
+    QCOMPARE(position(), before);
+    QVERIFY(m_kind.byHand("INSERT INTO \"MenuFileExt\" (\"KeyLink\") VALUES ('c');"));
+    QVERIFY(log(*m_store, before).startsWith("601 MenuFileExt c  {"));
+}
+
+void TestLog::readingGoesOnFromTheCursorInPortions() {
+    for (const char* key : {"a", "b", "c", "d", "e"})
+        ORVO_OK(Batch("MenuFileExt").insert(key).send(*m_store));
+    std::vector<Change> changes;
+    std::string keys;
+    int64_t cursor = 0;
+    for (int portion = 0; portion < 3; ++portion) {
+        ORVO_OK(m_store->readLog(cursor, 2, &changes));
+        for (const Change& change : changes) {
+            QVERIFY(change.id > cursor);
+            cursor = change.id;
+            keys += change.key;
+        }
+    }
+    QCOMPARE(keys, std::string("abcde"));
+    QCOMPARE(cursor, position());
+    ORVO_OK(m_store->readLog(cursor, 2, &changes));
+    QVERIFY(changes.empty());
+    ORVO_OK(m_store->readLog(0, 0, &changes));
+    QVERIFY(changes.empty());
+}
+
+void TestLog::emptyStoreHasAPosition() {
+    QCOMPARE(position(), int64_t(0));
+    QCOMPARE(log(*m_store), QString());
+}
+
+void TestLog::prunedLogIsNoticed() {
+    for (const char* key : {"a", "b", "c", "d"})
+        ORVO_OK(Batch("MenuFileExt").insert(key).send(*m_store));
+    const int64_t last = position();
+    ORVO_OK(m_store->pruneLog(last - 2));
+    std::vector<Change> changes;
+    ORVO_FAILS(m_store->readLog(last - 3, 10, &changes), LogPruned);
+    ORVO_FAILS(m_store->readLog(0, 10, &changes), LogPruned);
+    QVERIFY(changes.empty());
+    ORVO_OK(m_store->readLog(last - 2, 10, &changes));
+    QCOMPARE(changes.size(), size_t(2));
+    QCOMPARE(changes[0].key, std::string("c"));
+    QCOMPARE(position(), last);
+    // By hand too.
+    QVERIFY(m_kind.byHand(
+        "DELETE FROM \"NciEvent\" WHERE \"id\" = " + QByteArray::number(qint64(last - 1)) + ";"));
+    ORVO_FAILS(m_store->readLog(last - 2, 10, &changes), LogPruned);
+    ORVO_OK(m_store->readLog(last - 1, 10, &changes));
+    QCOMPARE(changes.size(), size_t(1));
+}
+
+void TestLog::idsAreNotUsedAgainAfterPruning() {
+    ORVO_OK(Batch("MenuFileExt").insert("a").insert("b").send(*m_store));
+    const int64_t last = position();
+    ORVO_OK(m_store->pruneLog(last + 1000)); // more than there is
+    QCOMPARE(position(), last);
+    std::vector<Change> changes;
+    ORVO_OK(m_store->readLog(last, 10, &changes));
+    ORVO_OK(Batch("MenuFileExt").insert("c").send(*m_store));
+    ORVO_OK(m_store->readLog(last, 10, &changes));
+    QCOMPARE(changes.size(), size_t(1));
+    QVERIFY(changes[0].id > last);
+}
+
+void TestLog::cursorPastTheEndIsNoticed() {
+    ORVO_OK(Batch("MenuFileExt").insert("a").send(*m_store));
+    std::vector<Change> changes;
+    ORVO_FAILS(m_store->readLog(position() + 1, 10, &changes), LogPruned);
+}
+
+void TestLog::logOfSeveralProcessesIsReadInCommitOrderWithoutGaps() {
+    const QList<QByteArray> writers = {"w1", "w2", "w3"};
+    constexpr int count = 60;
+    for (const QByteArray& name : writers)
+        ORVO_OK(Batch("Menu").insert(name.constData()).send(*m_store));
+    ORVO_OK(Batch("Menu").insert("common").send(*m_store));
+    int64_t cursor = position();
+    const int64_t first = cursor;
+    std::vector<std::unique_ptr<QProcess>> processes;
+    for (const QByteArray& name : writers) {
+        processes.push_back(startWriter(m_kind.url(), name.constData(), "common", count));
+        QVERIFY(processes.back()->waitForStarted());
+    }
+    // Read while they write, small portions at a time, and write along.
+    QHash<QByteArray, int> seen;
+    QByteArray lastCaption;
+    int own = 0;
+    QElapsedTimer clock;
+    clock.start();
+    const int total = (int(writers.size()) + 1) * count;
+    for (int read = 0; read < total && clock.elapsed() < 60000;) {
+        if (own < count) {
+            ORVO_OK(Batch("Menu")
+                        .update("common", {{"caption", QString("tester %1").arg(own++)}})
+                        .send(*m_store));
+        }
+        std::vector<Change> changes;
+        ORVO_OK(m_store->readLog(cursor, 3, &changes));
+        for (const Change& change : changes) {
+            QCOMPARE(change.id, cursor + 1);
+            cursor = change.id;
+            ++read;
+            const QByteArray login = QByteArray::fromStdString(change.login);
+            const QByteArray caption = login + " " + QByteArray::number(seen[login]++);
+            QCOMPARE(QByteArray::fromStdString(change.after),
+                     QByteArray("{\"caption\":\"" + caption + "\"}"));
+            // The log is one line of commits: each value before is the one left by the last.
+            if (!lastCaption.isEmpty())
+                QCOMPARE(QByteArray::fromStdString(change.before),
+                         QByteArray("{\"caption\":\"" + lastCaption + "\"}"));
+            lastCaption = caption;
+        }
+    }
+    for (const auto& process : processes) {
+        QVERIFY(process->waitForFinished());
+        QCOMPARE(process->exitCode(), 0);
+    }
+    QCOMPARE(cursor, first + total);
+    for (const QByteArray& name : writers)
+        QCOMPARE(seen[name], count);
+    QCOMPARE(dump(*m_store, "Menu", {"KeyLink", "caption"}).section("\n", 0, 0),
+             "common|" + QString(lastCaption));
+}
+
+void TestLog::everyCommitWakes() {
+    const auto second = another("second");
+    QVERIFY(second);
+    QVERIFY(m_store->wakeFd() >= 0);
+    const auto drain = [&] {
+        m_store->takeWake();
+        std::vector<Change> changes;
+        m_store->readLog(0, 1000, &changes);
+        return changes.size();
+    };
+    drain();
+    ORVO_OK(Batch("MenuFileExt").insert("own").send(*m_store));
+    QVERIFY2(readable(*m_store, 2000), "own commit");
+    QCOMPARE(drain(), size_t(1));
+    ORVO_OK(Batch("MenuFileExt").insert("other").send(*second));
+    QVERIFY2(readable(*m_store, 2000), "another object's commit");
+    QCOMPARE(drain(), size_t(2));
+    QVERIFY(m_kind.byHand("INSERT INTO \"MenuFileExt\" (\"KeyLink\") VALUES ('hand');"));
+    QVERIFY2(readable(*m_store, 2000), "commit by hand");
+    QCOMPARE(drain(), size_t(3));
+    for (int i = 0; i < 100; ++i) { // and every single one
+        ORVO_OK(Batch("MenuFileExt").update("own").send(*second));
+        QVERIFY(readable(*m_store, 2000));
+        QCOMPARE(drain(), size_t(4 + i));
+    }
+}
+
+void TestLog::aReadDoesNotWake() {
+    const auto second = another("second");
+    QVERIFY(second);
+    m_store->takeWake();
+    QVERIFY(!readable(*m_store, 0));
+    dump(*second, "Menu");
+    dump(*m_store, "Menu");
+    position();
+    QVERIFY(!readable(*m_store, 50));
+}
+
+void TestLog::changedTellsOfOwnAndOtherCommits() {
+    const auto second = another("second");
+    QVERIFY(second);
+    m_store->changed();
+    QVERIFY(!m_store->changed());
+    ORVO_OK(Batch("MenuFileExt").insert("a").send(*m_store));
+    QVERIFY(m_store->changed());
+    QVERIFY(!m_store->changed());
+    ORVO_OK(Batch("MenuFileExt").insert("b").send(*second));
+    QVERIFY(m_store->changed());
+    QVERIFY(!m_store->changed());
+    QVERIFY(m_kind.byHand("DELETE FROM \"MenuFileExt\" WHERE \"KeyLink\" = 'a';"));
+    std::vector<Change> changes;
+    ORVO_OK(m_store->readLog(0, 100, &changes));
+    QCOMPARE(changes.size(), size_t(3));
+    QVERIFY(!m_store->changed());
+    // A portion that may not be the last leaves something to come for.
+    ORVO_OK(m_store->readLog(0, 3, &changes));
+    QVERIFY(m_store->changed());
+}
+
+int main(int argc, char** argv) {
+    return runOnAllKinds<TestLog>(argc, argv);
+}
+
+#include "tst_store_log.moc"
