@@ -173,8 +173,9 @@ ORVOMDX_EXPORT MDRData* MDARecSeekV(const MDArray* array, int key, const MDRVar*
 /// it is posted. Null if the array has no structure. An unposted record belongs to the array and
 /// is freed with it.
 ORVOMDX_EXPORT MDRData* MDARecNew(MDArray* array);
-/// The record to write to before the next MDARecPost: the same handle. Reads and seeks see the new
-/// values at once; the keys follow at MDARecPost, and until then keep the record where it was.
+/// The record to write to before the next MDARecPost: the same handle. Reads see the new values at
+/// once; the keys, and with them seeks and positions, follow at MDARecPost, and until then keep the
+/// record where it was. Copying and packing take the values that were posted.
 ORVOMDX_EXPORT MDRData* MDARecEdit(MDRData* record);
 /// Enters a new or edited record into all keys. `*result`, if given, receives 1 if the record is in
 /// the keys afterwards, else 0. MDX_E_DUPLICATE: another record has the value of a unique key; the
@@ -225,7 +226,7 @@ ORVOMDX_EXPORT int MDRGetTextRef(MDRField field, const MDRData* record, uint32_t
                                  const char** pointer);
 /// Stores 1 if the field's user bit is set, else 0.
 ORVOMDX_EXPORT int MDRIsUser(MDRField field, const MDRData* record, uint8_t* user);
-/// Sets (1) or clears (0) the field's user bit.
+/// Sets (1) or clears (0) the field's user bit, at once: it needs no MDARecPost.
 ORVOMDX_EXPORT int MDRSetUser(MDRField field, MDRData* record, int user);
 /// Sets the operation flag: 1 insert, 2 update, 4 delete.
 ORVOMDX_EXPORT int MDRSetFlags(MDRData* record, uint32_t flags);

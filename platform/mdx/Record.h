@@ -72,6 +72,10 @@ public:
     const uint8_t* postedBody(const Record* record) const noexcept {
         return record->is(Record::Edited) ? keptBody(record) : record->body;
     }
+    /// The kept body of an edited record, or null.
+    uint8_t* keptBytes(const Record* record) noexcept {
+        return record->is(Record::Edited) ? const_cast<uint8_t*>(keptBody(record)) : nullptr;
+    }
     uint32_t postedSize(const Record* record) const noexcept;
     /// At least as many bytes as all bodies together.
     size_t memory() const noexcept { return m_pages.bytes() + m_outsideBytes; }

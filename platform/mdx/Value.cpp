@@ -267,15 +267,11 @@ int MDRSetUser(MDRField field, MDRData* data, int user) {
     Record* record = writable(field, data);
     if (!record)
         return MDX_E_ARG;
-    return guarded([&] {
-        uint8_t present = 0;
-        MDRIsUser(field, data, &present);
-        if ((present != 0) == (user != 0))
-            return MDX_OK;
-        beginWrite(tableOf(record), record);
-        setBit(record->bytes() + field->userByte, field->number, user != 0);
-        return MDX_OK;
-    });
+    setBit(record->bytes() + field->userByte, field->number, user != 0);
+    // No key knows of user bits: they are set at once, like the flag.
+    if (uint8_t* posted = tableOf(record).pool().keptBytes(record))
+        setBit(posted + field->userByte, field->number, user != 0);
+    return MDX_OK;
 }
 
 int MDRSetFlags(MDRData* record, uint32_t flags) {

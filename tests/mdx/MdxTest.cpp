@@ -57,8 +57,11 @@ ArrayPtr makeArray(const std::vector<Field>& fields) {
 }
 
 std::vector<Field> allTypes() {
-    return {{"Name", MDX_TEXT}, {"type_", MDX_INTEGER}, {"flag", MDX_BOOLEAN},
-            {"stamp", MDX_DATE}, {"data", MDX_BLOCK}};
+    return {{"Name", MDX_TEXT},
+            {"type_", MDX_INTEGER},
+            {"flag", MDX_BOOLEAN},
+            {"stamp", MDX_DATE},
+            {"data", MDX_BLOCK}};
 }
 
 int addKey(MDArray* array, const std::string& fields, uint32_t flags) {
@@ -149,7 +152,8 @@ std::string dump(const MDArray* array) {
             if (value.null)
                 result += "NULL";
             else if (value.type == MDX_TEXT || value.type == MDX_BLOCK)
-                result += "'" + std::string(value.value.text.pointer, value.value.text.length) + "'";
+                result +=
+                    "'" + std::string(value.value.text.pointer, value.value.text.length) + "'";
             else if (value.type == MDX_INTEGER)
                 result += std::to_string(value.value.integer);
             else if (value.type == MDX_BOOLEAN)

@@ -1,290 +1,322 @@
-// Keys: order, seeks, positions, changes, and the whole of it against a sorted vector.
+// Keys: descriptions, uniqueness, seeks by every kind of value.
 #include "MdxTest.h"
 
 #include <QtTest>
 
-#include <algorithm>
-#include <map>
-#include <optional>
-#include <random>
-#include <set>
+#include <limits>
 
 using namespace mdxtest;
-
-namespace {
-
-// What a record of the model holds; nullopt is NULL.
-struct Row {
-    std::optional<std::string> key, group, name;
-    std::optional<int32_t> type;
-    uint32_t entry = 0;
-    MDRData* record = nullptr;
-};
-
-template <class T>
-int compareOptional(const std::optional<T>& a, const std::optional<T>& b) {
-    if (!a || !b)
-        return int(a.has_value()) - int(b.has_value());
-    if constexpr (std::is_same_v<T, std::string>)
-        return orvo::mdx::compareText(*a, *b);
-    else
-        return *a < *b ? -1 : *a > *b ? 1 : 0;
-}
-
-// Fields of a key by number, 0 key, 1 group, 2 name, 3 type.
-int compareField(const Row& a, const Row& b, int field) {
-    switch (field) {
-    case 0:
-        return compareOptional(a.key, b.key);
-    case 1:
-        return compareOptional(a.group, b.group);
-    case 2:
-        return compareOptional(a.name, b.name);
-    default:
-        return compareOptional(a.type, b.type);
-    }
-}
-
-int compareRows(const Row& a, const Row& b, const std::vector<int>& fields) {
-    for (const int field : fields)
-        if (const int order = compareField(a, b, field))
-            return order;
-    return 0;
-}
-
-bool before(const Row& a, const Row& b, const std::vector<int>& fields) {
-    if (const int order = compareRows(a, b, fields))
-        return order < 0;
-    if (const int order = compareField(a, b, 0))
-        return order < 0;
-    return a.entry < b.entry;
-}
-
-const std::vector<std::vector<int>> keyFields = {{0}, {3, 1, 2}, {3, 2}, {1}, {2}, {2, 3}};
-const char* const keyNames[] = {"KeyLink", "type_;group;name", "type_;name", "group", "name",
-                                "NAME;Type_"};
-
-// The library's array and its model, changed side by side.
-class Pair {
-public:
-    explicit Pair(uint32_t seed)
-        : m_random(seed), m_array(makeArray({{"KeyLink", MDX_TEXT},
-                                             {"group", MDX_TEXT},
-                                             {"name", MDX_TEXT},
-                                             {"type_", MDX_INTEGER},
-                                             {"order_", MDX_INTEGER}})) {}
-
-    MDArray* array() const { return m_array.get(); }
-    size_t size() const { return m_rows.size(); }
-    uint32_t random(uint32_t end) { return std::uniform_int_distribution<uint32_t>(0, end - 1)(m_random); }
-
-    std::optional<std::string> randomText(uint32_t variety, bool longOnes) {
-        switch (random(12)) {
-        case 0:
-            return std::nullopt;
-        case 1:
-            return std::string();
-        case 2:
-            return cp("Ёлка ") + std::to_string(random(variety));
-        case 3:
-            return cp("елка ") + std::to_string(random(variety));
-        case 4:
-            return cp("ЖУК") + std::string(random(3), '_');
-        case 5:
-            return longOnes ? std::string(200 + random(200), 'q') + std::to_string(random(variety))
-                            : std::string("q");
-        case 6:
-            return "common prefix of considerable length, beyond one word " +
-                   std::to_string(random(variety));
-        case 7:
-            return "COMMON prefix of considerable length, beyond one word " +
-                   std::to_string(random(variety));
-        default:
-            return "n" + std::to_string(random(variety));
-        }
-    }
-
-    void fill(Row& row, uint32_t variety) {
-        row.key = random(50) == 0 ? std::nullopt
-                                  : std::optional("K" + std::to_string(random(variety * 40)));
-        row.group = randomText(variety / 4 + 1, false);
-        row.name = randomText(variety, true);
-        row.type = random(10) == 0 ? std::nullopt : std::optional<int32_t>(int32_t(random(5)) - 2);
-    }
-
-    static void write(const Row& row) {
-        const auto put = [&](int field, const std::optional<std::string>& text) {
-            if (text)
-                setText(row.record, field, *text);
-            else
-                set(row.record, field, nullValue());
-        };
-        put(0, row.key);
-        put(1, row.group);
-        put(2, row.name);
-        set(row.record, 3, row.type ? integerValue(*row.type) : nullValue());
-    }
-
-    void insert(uint32_t variety) {
-        Row row;
-        fill(row, variety);
-        row.record = MDARecNew(array());
-        write(row);
-        row.entry = m_nextEntry++;
-        QCOMPARE(MDARecPost(row.record, nullptr), 0);
-        m_rows.push_back(row);
-    }
-
-    void edit(uint32_t variety) {
-        Row& row = m_rows[random(uint32_t(m_rows.size()))];
-        row.record = MDARecEdit(row.record);
-        if (random(3) == 0) {
-            row.type = int32_t(random(5)) - 2;
-        } else {
-            fill(row, variety);
-        }
-        write(row);
-        if (random(4) == 0) { // written twice before it is posted
-            fill(row, variety);
-            write(row);
-        }
-        uint32_t word = 0;
-        QCOMPARE(MDARecPost(row.record, &word), 0);
-        QCOMPARE(word, 1u);
-    }
-
-    void remove() {
-        const size_t index = random(uint32_t(m_rows.size()));
-        if (random(3) == 0)
-            setText(m_rows[index].record, 2, "edited, and not posted");
-        QCOMPARE(MDARecDel(m_rows[index].record), 0);
-        m_rows[index] = m_rows.back();
-        m_rows.pop_back();
-    }
-
-    void checkOrder(size_t key) {
-        std::vector<const Row*> sorted;
-        for (const Row& row : m_rows)
-            sorted.push_back(&row);
-        std::sort(sorted.begin(), sorted.end(), [&](const Row* a, const Row* b) {
-            return before(*a, *b, keyFields[key]);
-        });
-        QCOMPARE(size_t(array()->recordCount), sorted.size());
-        for (size_t i = 0; i < sorted.size(); ++i)
-            if (MDARec(array(), int(key), int32_t(i)) != sorted[i]->record)
-                QFAIL(qPrintable(QString("key %1, position %2: %3 instead of %4").arg(key).arg(i).arg(QString::fromStdString(MDARec(array(), int(key), int32_t(i)) ? textOf(MDARec(array(), int(key), int32_t(i)), 0) : "null"), QString::fromStdString(sorted[i]->key.value_or("NULL")))));
-        QVERIFY(!MDARec(array(), int(key), int32_t(sorted.size())));
-
-        // Seeks: for values of records present, and for random ones.
-        for (int round = 0; round < 40; ++round) {
-            Row probe;
-            fill(probe, 30);
-            if (round % 2 == 0 && !m_rows.empty())
-                probe = m_rows[random(uint32_t(m_rows.size()))];
-            const auto& fields = keyFields[key];
-            // Trailing values NULL, as in the scan of a group.
-            const size_t given = random(uint32_t(fields.size())) + 1;
-            for (size_t f = given; f < fields.size(); ++f) {
-                if (fields[f] == 1)
-                    probe.group.reset();
-                if (fields[f] == 2)
-                    probe.name.reset();
-                if (fields[f] == 3)
-                    probe.type.reset();
-            }
-            std::vector<MDRVar> values;
-            for (const int field : fields) {
-                const auto& text = field == 0 ? probe.key : field == 1 ? probe.group : probe.name;
-                if (field == 3)
-                    values.push_back(probe.type ? integerValue(*probe.type) : nullValue());
-                else
-                    values.push_back(text ? textValue(*text) : nullValue());
-            }
-            const auto place = std::partition_point(
-                sorted.begin(), sorted.end(),
-                [&](const Row* row) { return compareRows(*row, probe, fields) < 0; });
-            int32_t position = 77;
-            const MDRData* found = MDARecSeekV(array(), int(key), values.data(), &position);
-            QCOMPARE(position, place == sorted.end() ? -1 : int32_t(place - sorted.begin()));
-            const bool equal = place != sorted.end() && compareRows(**place, probe, fields) == 0;
-            QCOMPARE(found, equal ? (*place)->record : nullptr);
-            QCOMPARE(MDARecSeekV(array(), int(key), values.data(), nullptr), found);
-        }
-    }
-
-    void checkAll() {
-        for (size_t key = 0; key < array()->keyCount; ++key) {
-            checkOrder(key);
-            if (QTest::currentTestFailed())
-                return;
-        }
-    }
-
-private:
-    std::mt19937 m_random;
-    ArrayPtr m_array;
-    std::vector<Row> m_rows;
-    uint32_t m_nextEntry = 0;
-};
-
-} // namespace
 
 class TestMdxKeys : public QObject {
     Q_OBJECT
 
 private slots:
-    void keysFollowAModelThroughRandomChanges_data() {
-        QTest::addColumn<int>("atStart");
-        QTest::addColumn<int>("changes");
-        QTest::addColumn<int>("variety");
-        QTest::addColumn<bool>("keysFirst");
-        QTest::newRow("from nothing") << 0 << 6000 << 300 << true;
-        QTest::newRow("few distinct values") << 3000 << 3000 << 3 << true;
-        QTest::newRow("keys built over records") << 5000 << 3000 << 2000 << false;
-        QTest::newRow("shrinking to nothing") << 4000 << -1 << 500 << false;
-        QTest::newRow("large") << 30000 << 6000 << 20000 << false;
+    void descriptionsAreChecked() {
+        const ArrayPtr a = makeArray(allTypes());
+        QCOMPARE(addKey(a.get(), "", MDX_KEY_MULTI), int(MDX_E_FORMAT));
+        QCOMPARE(addKey(a.get(), ";", MDX_KEY_MULTI), int(MDX_E_FORMAT));
+        QCOMPARE(addKey(a.get(), "name;", MDX_KEY_MULTI), int(MDX_E_FORMAT));
+        QCOMPARE(addKey(a.get(), "name;;flag", MDX_KEY_MULTI), int(MDX_E_FORMAT));
+        QCOMPARE(addKey(a.get(), "missing", MDX_KEY_MULTI), int(MDX_E_NOFIELD));
+        QCOMPARE(addKey(a.get(), "name;missing", MDX_KEY_MULTI), int(MDX_E_NOFIELD));
+        QCOMPARE(addKey(a.get(), "name", 3), int(MDX_E_FORMAT));
+        MDAKeyDescription description{};
+        description.name[0] = 'n';
+        description.reserved = 1;
+        QCOMPARE(MDAKeyAdd(a.get(), 1, &description), int(MDX_E_FORMAT));
+        QCOMPARE(a->keyCount, 0u);
+        QCOMPARE(addKey(a.get(), "NAME;Flag;stamp;data;type_", MDX_KEY_MULTI), 0);
+        QCOMPARE(a->keyCount, 1u);
+        const ArrayPtr empty = makeArray({});
+        QCOMPARE(addKey(empty.get(), "name", MDX_KEY_MULTI), int(MDX_E_NOFIELD));
     }
-    void keysFollowAModelThroughRandomChanges() {
-        QFETCH(int, atStart);
-        QFETCH(int, changes);
-        QFETCH(int, variety);
-        QFETCH(bool, keysFirst);
-        Pair pair(uint32_t(atStart + changes + variety));
-        const auto addKeys = [&] {
-            for (const char* name : keyNames)
-                QCOMPARE(addKey(pair.array(), name, MDX_KEY_MULTI), 0);
-        };
-        if (keysFirst)
-            addKeys();
-        for (int i = 0; i < atStart; ++i)
-            pair.insert(uint32_t(variety));
-        if (!keysFirst)
-            addKeys();
-        pair.checkAll();
-        if (changes < 0) {
-            while (pair.size() > 0) {
-                pair.remove();
-                if (pair.size() % 800 == 0 || pair.size() < 3)
-                    pair.checkAll();
-                if (QTest::currentTestFailed())
-                    return;
-            }
-            return;
+
+    void aDescriptionMayFillAllItsBytes() {
+        const std::string name(192, 'f');
+        const std::string other(191, 'g');
+        const ArrayPtr a = makeArray({{name.c_str(), MDX_TEXT}, {other.c_str(), MDX_TEXT}});
+        const std::string all = name + ";" + other;
+        QCOMPARE(all.size(), sizeof MDAKeyDescription::name);
+        QCOMPARE(addKey(a.get(), all, MDX_KEY_MULTI), 0);
+    }
+
+    void keysHaveALimit() {
+        const ArrayPtr a = makeArray({{"k", MDX_TEXT}});
+        int status = 0;
+        for (int i = 0; i < 1000 && status == 0; ++i)
+            status = addKey(a.get(), "k", MDX_KEY_MULTI);
+        QCOMPARE(status, int(MDX_E_LIMIT));
+        QCOMPARE(a->keyCount, 64u);
+    }
+
+    void deletingAKeyMovesTheLaterOnesDown() {
+        const ArrayPtr a = makeArray({{"a", MDX_TEXT}, {"b", MDX_TEXT}});
+        post(a.get(), {"1", "y"});
+        post(a.get(), {"2", "x"});
+        for (const char* key : {"a", "b", "a", "b;a"})
+            QCOMPARE(addKey(a.get(), key, MDX_KEY_MULTI), 0);
+        QCOMPARE(MDAKeyDel(a.get(), 4), int(MDX_E_ARG));
+        QCOMPARE(MDAKeyDel(a.get(), -1), int(MDX_E_ARG));
+        QCOMPARE(MDAKeyDel(a.get(), 0), 0);
+        QCOMPARE(order(a.get(), 0), std::string("2 1"));
+        QCOMPARE(order(a.get(), 1), std::string("1 2"));
+        QCOMPARE(order(a.get(), 2), std::string("2 1"));
+        post(a.get(), {"0", "z"});
+        QCOMPARE(order(a.get(), 1), std::string("0 1 2"));
+        QCOMPARE(MDAKeyDel(a.get(), 1), 0);
+        QCOMPARE(order(a.get(), 1), std::string("2 1 0"));
+    }
+
+    void aUniqueKeyRefusesTheSecondRecord() {
+        const ArrayPtr a = makeArray({{"k", MDX_TEXT}, {"n", MDX_TEXT}});
+        addKey(a.get(), "k", MDX_KEY_UNIQUE);
+        addKey(a.get(), "n", MDX_KEY_MULTI);
+        post(a.get(), {"Key", "1"});
+        MDRData* second = MDARecNew(a.get());
+        setText(second, 0, "KEY"); // the same without regard to case
+        uint32_t word = 5;
+        QCOMPARE(MDARecPost(second, &word), int(MDX_E_DUPLICATE));
+        QCOMPARE(word, 0u);
+        QCOMPARE(a->recordCount, 1u);
+        setText(second, 0, "Key2");
+        QCOMPARE(MDARecPost(second, &word), 0);
+        QCOMPARE(word, 1u);
+        QCOMPARE(order(a.get(), 0), std::string("Key Key2"));
+        QCOMPARE(MDARecPost(second, &word), 0); // does not collide with itself
+        setText(second, 0, "KEY2");
+        QCOMPARE(MDARecPost(second, &word), 0);
+    }
+
+    void anEditIntoADuplicateLeavesAllKeys() {
+        const ArrayPtr a = makeArray({{"k", MDX_TEXT}, {"n", MDX_TEXT}});
+        addKey(a.get(), "n", MDX_KEY_MULTI);
+        addKey(a.get(), "k", MDX_KEY_UNIQUE);
+        post(a.get(), {"a", "1"});
+        MDRData* b = post(a.get(), {"b", "2"});
+        setText(b, 0, "a");
+        uint32_t word = 5;
+        QCOMPARE(MDARecPost(b, &word), int(MDX_E_DUPLICATE));
+        QCOMPARE(word, 0u);
+        QCOMPARE(order(a.get(), 0), std::string("a"));
+        QCOMPARE(order(a.get(), 1), std::string("a"));
+        QCOMPARE(textOf(b, 0), std::string("a")); // kept
+        QCOMPARE(MDARecPost(b, &word), int(MDX_E_DUPLICATE));
+        setText(b, 0, "c");
+        QCOMPARE(MDARecPost(b, &word), 0);
+        QCOMPARE(order(a.get(), 1), std::string("a c"));
+        setText(b, 0, "a");
+        MDARecPost(b, &word);
+        QCOMPARE(MDARecDel(b), 0);
+        QCOMPARE(a->recordCount, 1u);
+    }
+
+    void aUniqueKeyIsNotBuiltOverDuplicates() {
+        const ArrayPtr a = makeArray({{"k", MDX_TEXT}, {"n", MDX_TEXT}});
+        post(a.get(), {"x", "1"});
+        post(a.get(), {"X", "2"});
+        QCOMPARE(addKey(a.get(), "k", MDX_KEY_UNIQUE), int(MDX_E_DUPLICATE));
+        QCOMPARE(a->keyCount, 0u);
+        QCOMPARE(addKey(a.get(), "k", MDX_KEY_MULTI), 0);
+        QCOMPARE(addKey(a.get(), "k", MDX_KEY_UNIQUE), int(MDX_E_DUPLICATE));
+        QCOMPARE(a->keyCount, 1u);
+        QCOMPARE(addKey(a.get(), "n;k", MDX_KEY_UNIQUE), 0);
+        // Long keys that differ only beyond what the build lays out.
+        const ArrayPtr b = makeArray({{"n", MDX_INTEGER}, {"k", MDX_TEXT}});
+        for (int i = 0; i < 40; ++i) {
+            MDRData* record = MDARecNew(b.get());
+            set(record, 0, integerValue(i));
+            setText(record, 1, std::string(400, 'x') + std::to_string(39 - i));
+            MDARecPost(record, nullptr);
         }
-        for (int i = 0; i < changes; ++i) {
-            const uint32_t kind = pair.random(10);
-            if (kind < 4 || pair.size() == 0)
-                pair.insert(uint32_t(variety));
-            else if (kind < 7)
-                pair.edit(uint32_t(variety));
-            else
-                pair.remove();
-            if (i % (changes / 6) == 0)
-                pair.checkAll();
-            if (QTest::currentTestFailed())
-                return;
+        QCOMPARE(addKey(b.get(), "k", MDX_KEY_UNIQUE), 0);
+        QCOMPARE(integerOf(MDARec(b.get(), 0, 0), 0), 39);
+        setText(MDARec(b.get(), 0, 0), 1, std::string(400, 'x') + "7");
+        MDARecPost(MDARec(b.get(), 0, 0), nullptr);
+        QCOMPARE(b->recordCount, 39u);
+    }
+
+    void uniquenessEndsWithTheLastUniqueKey() {
+        const ArrayPtr a = makeArray({{"k", MDX_TEXT}});
+        addKey(a.get(), "k", MDX_KEY_UNIQUE);
+        addKey(a.get(), "k", MDX_KEY_MULTI);
+        addKey(a.get(), "k", MDX_KEY_UNIQUE);
+        post(a.get(), {"x"});
+        MDAKeyDel(a.get(), 0);
+        QVERIFY(!post(a.get(), {"x"}));
+        MDAKeyDel(a.get(), 1);
+        QVERIFY(post(a.get(), {"x"}));
+    }
+
+    void nullIsAValueOfItsOwnInAUniqueKey() {
+        const ArrayPtr a = makeArray({{"k", MDX_TEXT}});
+        addKey(a.get(), "k", MDX_KEY_UNIQUE);
+        QCOMPARE(MDARecPost(MDARecNew(a.get()), nullptr), 0);
+        QVERIFY(post(a.get(), {""}));
+        QCOMPARE(MDARecPost(MDARecNew(a.get()), nullptr), int(MDX_E_DUPLICATE));
+    }
+
+    void nullPrecedesEmptyPrecedesText() {
+        const ArrayPtr a = makeArray({{"id", MDX_TEXT}, {"v", MDX_TEXT}});
+        addKey(a.get(), "v", MDX_KEY_MULTI);
+        post(a.get(), {"text", " "});
+        post(a.get(), {"empty", ""});
+        post(a.get(), {"null"});
+        QCOMPARE(order(a.get(), 0), std::string("null empty text"));
+    }
+
+    void equalKeysFollowFieldZeroThenEntry() {
+        const ArrayPtr a = makeArray({{"id", MDX_TEXT}, {"v", MDX_TEXT}, {"n", MDX_INTEGER}});
+        addKey(a.get(), "v", MDX_KEY_MULTI);
+        for (const char* id : {"c", "a", "B", "a", "A"})
+            post(a.get(), {id, "same"});
+        QCOMPARE(order(a.get(), 0), std::string("a a A B c"));
+    }
+
+    void numbersOrderByValue() {
+        const ArrayPtr a = makeArray({{"id", MDX_TEXT},
+                                      {"n", MDX_INTEGER},
+                                      {"d", MDX_DATE},
+                                      {"b", MDX_BOOLEAN},
+                                      {"x", MDX_BLOCK}});
+        const double inf = std::numeric_limits<double>::infinity();
+        const struct {
+            const char* id;
+            int32_t n;
+            double d;
+            bool b;
+            std::string x;
+        } rows[] = {{"p", 5, -1.5, true, std::string("\0", 1)},
+                    {"q", INT32_MIN, inf, false, std::string("\1", 1)},
+                    {"r", -1, -inf, true, ""},
+                    {"s", INT32_MAX, 0.0, false, "\xFF"},
+                    {"t", 0, 1e-300, true, std::string("\0\0", 2)}};
+        for (const auto& row : rows) {
+            MDRData* record = MDARecNew(a.get());
+            setText(record, 0, row.id);
+            set(record, 1, integerValue(row.n));
+            set(record, 2, dateValue(row.d));
+            set(record, 3, booleanValue(row.b));
+            set(record, 4, blockValue(row.x));
+            MDARecPost(record, nullptr);
         }
-        pair.checkAll();
+        MDRData* nothing = MDARecNew(a.get());
+        setText(nothing, 0, "0");
+        MDARecPost(nothing, nullptr);
+        for (const char* key : {"n", "d", "b", "x"})
+            addKey(a.get(), key, MDX_KEY_MULTI);
+        QCOMPARE(order(a.get(), 0), std::string("0 q r t p s"));
+        QCOMPARE(order(a.get(), 1), std::string("0 r p s t q"));
+        QCOMPARE(order(a.get(), 2), std::string("0 q s p r t"));
+        QCOMPARE(order(a.get(), 3), std::string("0 r p t q s"));
+        const MDRVar minusZero = dateValue(-0.0);
+        QCOMPARE(textOf(MDARecSeekV(a.get(), 1, &minusZero, nullptr), 0), std::string("s"));
+        const std::string bytes("\0\0", 2);
+        const MDRVar block = blockValue(bytes);
+        QCOMPARE(textOf(MDARecSeekV(a.get(), 3, &block, nullptr), 0), std::string("t"));
+    }
+
+    void aScanWalksOneGroup() {
+        const ArrayPtr a =
+            makeArray({{"KeyLink", MDX_TEXT}, {"parent", MDX_TEXT}, {"name", MDX_TEXT}});
+        addKey(a.get(), "parent;name", MDX_KEY_MULTI);
+        post(a.get(), {"1", "p1", "b"});
+        post(a.get(), {"2", "P1", "a"});
+        post(a.get(), {"3", "p2", "c"});
+        post(a.get(), {"4", "", "root"});
+        MDRData* orphan = post(a.get(), {"5"});
+        QVERIFY(orphan);
+        const std::string parent = "p1";
+        const MDRVar group[2] = {textValue(parent), nullValue()};
+        int32_t position = -5;
+        QVERIFY(!MDARecSeekV(a.get(), 0, group, &position)); // no record has a NULL name there
+        QCOMPARE(position, 2);
+        QCOMPARE(textOf(MDARec(a.get(), 0, position), 0), std::string("2"));
+        QCOMPARE(textOf(MDARec(a.get(), 0, position + 1), 0), std::string("1"));
+        const std::string beyond = "q";
+        const MDRVar none[2] = {textValue(beyond), nullValue()};
+        QVERIFY(!MDARecSeekV(a.get(), 0, none, &position));
+        QCOMPARE(position, -1);
+        const MDRVar nulls[2] = {nullValue(), nullValue()};
+        QCOMPARE(MDARecSeekV(a.get(), 0, nulls, &position), orphan);
+        QCOMPARE(position, 0);
+    }
+
+    void aValueOfAnotherTypeNeverEquals() {
+        const ArrayPtr a = makeArray(allTypes());
+        for (const char* key : {"name", "type_", "data", "flag"})
+            addKey(a.get(), key, MDX_KEY_MULTI);
+        MDRData* record = MDARecNew(a.get());
+        setText(record, 0, "1");
+        set(record, 1, integerValue(1));
+        set(record, 2, booleanValue(true));
+        set(record, 4, blockValue("\xFF\xFF"));
+        MDARecPost(record, nullptr);
+        const MDRVar number = integerValue(1);
+        const std::string one = "1";
+        const MDRVar text = textValue(one);
+        const MDRVar boolean = booleanValue(true);
+        QVERIFY(!MDARecSeekV(a.get(), 0, &number, nullptr));
+        QVERIFY(!MDARecSeekV(a.get(), 1, &text, nullptr));
+        QVERIFY(!MDARecSeekV(a.get(), 1, &boolean, nullptr));
+        QVERIFY(!MDARecSeekV(a.get(), 2, &text, nullptr));
+        QVERIFY(!MDARecSeekV(a.get(), 3, &number, nullptr));
+        QVERIFY(MDARecSeekV(a.get(), 1, &number, nullptr));
+        // NULL of any type is NULL.
+        MDRVar null = number;
+        null.null = 1;
+        QVERIFY(!MDARecSeekV(a.get(), 0, &null, nullptr));
+        set(record, 0, nullValue());
+        MDARecPost(record, nullptr);
+        QCOMPARE(MDARecSeekV(a.get(), 0, &null, nullptr), record);
+        null = MDRVar{};
+        QCOMPARE(MDARecSeekV(a.get(), 0, &null, nullptr), record);
+    }
+
+    void aSeekTextEndsAtItsFirstZeroByte() {
+        const ArrayPtr a = makeArray({{"k", MDX_TEXT}});
+        addKey(a.get(), "k", MDX_KEY_UNIQUE);
+        MDRData* record = post(a.get(), {"ab"});
+        const std::string bytes("ab\0cd", 5);
+        const MDRVar value = textValue(bytes);
+        QCOMPARE(MDARecSeekV(a.get(), 0, &value, nullptr), record);
+    }
+
+    void positionsOutsideGiveNull() {
+        const ArrayPtr a = makeArray({{"k", MDX_TEXT}});
+        addKey(a.get(), "k", MDX_KEY_MULTI);
+        MDRData* record = post(a.get(), {"x"});
+        QCOMPARE(MDARec(a.get(), 0, 0), record);
+        for (const int position : {-1, 1, INT32_MAX, INT32_MIN})
+            QVERIFY(!MDARec(a.get(), 0, position));
+        QVERIFY(!MDARec(a.get(), 1, 0));
+        QVERIFY(!MDARec(a.get(), -1, 0));
+        int32_t position = 9;
+        const MDRVar value = nullValue();
+        QVERIFY(!MDARecSeekV(a.get(), 7, &value, &position));
+        QCOMPARE(position, -1);
+    }
+
+    void aRepeatedFieldIsAllowed() {
+        const ArrayPtr a = makeArray({{"k", MDX_TEXT}});
+        QCOMPARE(addKey(a.get(), "k;k", MDX_KEY_MULTI), 0);
+        MDRData* record = post(a.get(), {"x"});
+        const std::string x = "x";
+        const MDRVar values[2] = {textValue(x), textValue(x)};
+        QCOMPARE(MDARecSeekV(a.get(), 0, values, nullptr), record);
+    }
+
+    void positionsAreRightWhileScanningAndChanging() {
+        const ArrayPtr a = makeArray({{"k", MDX_TEXT}});
+        addKey(a.get(), "k", MDX_KEY_MULTI);
+        for (int i = 0; i < 1000; ++i)
+            post(a.get(), {std::to_string(1000 + i * 2)});
+        for (int i = 0; i < 1000; ++i) {
+            QCOMPARE(textOf(MDARec(a.get(), 0, i * 2), 0), std::to_string(1000 + i * 2));
+            post(a.get(), {std::to_string(1001 + i * 2)});
+            QCOMPARE(textOf(MDARec(a.get(), 0, i * 2 + 1), 0), std::to_string(1001 + i * 2));
+        }
+        for (int i = 1999; i >= 0; --i)
+            QCOMPARE(textOf(MDARec(a.get(), 0, i), 0), std::to_string(1000 + i));
     }
 };
 
