@@ -1,0 +1,67 @@
+// The manual pages: well-formed, and complete about the command.
+#include "AdminRun.h"
+
+#include <QtTest>
+
+class TestManPages : public QObject {
+    Q_OBJECT
+
+private slots:
+    void pagesFormatWithoutWarnings_data();
+    void pagesFormatWithoutWarnings();
+    void theAdminPageNamesEveryVerbAndOption();
+
+private:
+    static QString page(const QString& name) {
+        return qEnvironmentVariable("ORVO_SOURCE_DIR") + "/docs/man/" + name;
+    }
+};
+
+void TestManPages::pagesFormatWithoutWarnings_data() {
+    QTest::addColumn<QString>("name");
+    QTest::newRow("admin") << "orvo-admin.1";
+    QTest::newRow("client") << "orvo-client.1";
+}
+
+void TestManPages::pagesFormatWithoutWarnings() {
+    QFETCH(QString, name);
+    if (QStandardPaths::findExecutable("man").isEmpty() ||
+        QStandardPaths::findExecutable("groff").isEmpty())
+        QSKIP("man or groff is not installed");
+    QProcess man;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("LC_ALL", "C.UTF-8");
+    environment.insert("MANWIDTH", "100");
+    environment.insert("MANROFFOPT", "");
+    man.setProcessEnvironment(environment);
+    man.start("man", {"--warnings", "-E", "UTF-8", "-l", page(name)});
+    QVERIFY(man.waitForFinished());
+    QCOMPARE(QString::fromUtf8(man.readAllStandardError()), QString());
+    QCOMPARE(man.exitCode(), 0);
+    const QString text = QString::fromUtf8(man.readAllStandardOutput());
+    QVERIFY2(text.contains("ИМЯ") && text.contains("КОДЫ ЗАВЕРШЕНИЯ"), qPrintable(text.left(300)));
+}
+
+void TestManPages::theAdminPageNamesEveryVerbAndOption() {
+    QString text = QString::fromUtf8(AdminRun::read(page("orvo-admin.1")));
+    QVERIFY(!text.isEmpty());
+    text.replace("\\-", "-");
+    const AdminRun admin;
+    const QString help = admin.plain({"--help"}).out;
+    const QStringList lines = help.section("Действия:\n", 1).section("\n\n", 0, 0).split('\n');
+    QVERIFY(lines.size() >= 15);
+    for (const QString& line : lines) {
+        const QString verb = line.trimmed().section(QRegularExpression("\\s{2,}"), 0, 0);
+        QVERIFY2(text.contains("\n.B " + verb) || text.contains("\n.BI \"" + verb),
+                 qPrintable("not in the page: " + verb));
+        const QString verbHelp = admin.plain(verb.split(' ') + QStringList("--help")).out;
+        auto options = QRegularExpression("--[a-z-]+").globalMatch(verbHelp);
+        while (options.hasNext()) {
+            const QString option = options.next().captured();
+            QVERIFY2(text.contains(option), qPrintable(verb + " " + option));
+        }
+    }
+}
+
+QTEST_GUILESS_MAIN(TestManPages)
+#include "tst_man_pages.moc"
