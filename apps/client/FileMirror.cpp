@@ -1,5 +1,7 @@
 #include "apps/client/FileMirror.h"
 
+#include "apps/client/MirrorPaths.h"
+
 #include <QElapsedTimer>
 #include <QFile>
 #include <QSaveFile>
@@ -88,28 +90,29 @@ void FileMirror::refresh() {
 void FileMirror::compare() {
     m_queue.clear(); // what is still missing is found missing again
     std::map<std::string, Wanted> wanted;
-    const store::Status status = m_store.fileArea([&](const std::string& path,
-                                                      const store::StoredFile& file) {
-        PathParts parts = path.empty() ? PathParts() : split(path);
-        parts.push_back(file.name);
-        for (const std::string& part : parts)
-            if (!store::isPlainFileName(part)) {
-                tell(QStringLiteral("«%1» не копируется на диск: «%2» не может быть именем "
-                                    "файла.")
-                         .arg(QString::fromStdString(join(parts)), QString::fromStdString(part)));
+    std::set<std::string> plain;
+    store::Status status = plainFolderPaths(m_store, &plain);
+    if (status.ok())
+        status = m_store.fileArea([&](const std::string& path, const store::StoredFile& file) {
+            PathParts parts = path.empty() ? PathParts() : split(path);
+            parts.push_back(file.name);
+            if (!plain.count(path) || !store::isPlainFileName(file.name)) {
+                tell(QStringLiteral("«%1» не копируется на диск: в пути есть имя, которое не может "
+                                    "быть именем папки или файла.")
+                         .arg(QString::fromStdString(join(parts))));
                 return;
             }
-        const std::string key = join(parts);
-        const double time = file.time && std::isfinite(*file.time) ? *file.time : 0;
-        const auto local = m_directory.info(parts);
-        // Without a time only the notification tells that the content is another.
-        const bool same = local && local->size == file.size &&
-                          std::fabs(local->time - time) < sameTime && m_manifest.count(key) &&
-                          (file.time || !m_contentChanged);
-        if (!same)
-            m_queue.push_back({parts, path, file.name, time});
-        wanted[key] = {std::move(parts), path, file.name, time};
-    });
+            const std::string key = join(parts);
+            const double time = file.time && std::isfinite(*file.time) ? *file.time : 0;
+            const auto local = m_directory.info(parts);
+            // Without a time only the notification tells that the content is another.
+            const bool same = local && local->size == file.size &&
+                              std::fabs(local->time - time) < sameTime && m_manifest.count(key) &&
+                              (file.time || !m_contentChanged);
+            if (!same)
+                m_queue.push_back({parts, path, file.name, time});
+            wanted[key] = {std::move(parts), path, file.name, time};
+        });
     if (!status.ok()) {
         m_queue.clear();
         m_step.stop();

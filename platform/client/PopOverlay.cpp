@@ -62,13 +62,13 @@ bool PopOverlay::eventFilter(QObject* watched, QEvent* event) {
 
 void PopOverlay::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    painter.fillRect(rect(), QColor(18, 24, 33, 110));
+    painter.fillRect(rect(), QColor(18, 24, 33, 90));
     painter.setRenderHint(QPainter::Antialiasing);
     constexpr double radius = 10;
     const QRectF panel = m_panel->geometry();
     painter.setPen(Qt::NoPen);
     for (int spread = 14; spread > 0; --spread) { // a soft shadow, a little below the panel
-        painter.setBrush(QColor(0, 0, 0, 5));
+        painter.setBrush(QColor(0, 0, 0, 4));
         painter.drawRoundedRect(panel.adjusted(-spread, 4 - spread, spread, 4 + spread),
                                 radius + spread, radius + spread);
     }

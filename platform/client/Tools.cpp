@@ -139,6 +139,9 @@ void CToolRecByKey::run(COrvoCliSes& session) {
     }
     const QList<QByteArray> fields = QByteArray(key).split(';');
     const int most = std::min({fields.size(), keyValues.size(), keyBits.size()});
+    for (MDRVar& value : keyValues)
+        if (value.type == MDX_TEXT && !value.value.text.pointer)
+            value.value.text.length = 0;
 
     // The store seeks by one text; the other values are compared here.
     int seek = -1;

@@ -1,7 +1,11 @@
 // A module library as the client loads one: a window with a list of what it was told.
 #include "frame/OrvoClient.h"
 
+#include <QCloseEvent>
+#include <QFile>
 #include <QLabel>
+#include <QMenu>
+#include <QTimer>
 
 #include <cstdlib>
 #include <cstring>
@@ -9,16 +13,22 @@
 
 namespace {
 
+/// What the test asks for through the environment; empty: nothing.
+QString asked(const char* name) {
+    return qEnvironmentVariable(name);
+}
+
 class TestWindow : public COrvoCliMod {
 public:
+    ~TestWindow() override { note("gone"); }
     explicit TestWindow(COrvoCliApp* app) : COrvoCliMod(app), m_label(new QLabel(this)) {
         m_label->setAlignment(Qt::AlignCenter);
         setCentralWidget(m_label);
     }
     bool ModuleStart() override {
         SetModTitle(QStringLiteral("Проба ") + m_moduleName, {});
-        // What the test asks for through the environment.
-        if (std::getenv("ORVO_TEST_FAIL_START")) {
+        note("start");
+        if (!asked("ORVO_TEST_FAIL_START").isEmpty()) {
             m_app->m_logModule->LogFile(5, "TestWindow::ModuleStart", "не вышло");
             return false;
         }
@@ -26,11 +36,42 @@ public:
             const void* block[3] = {nullptr, "RUN_FILE", std::getenv("ORVO_TEST_RUN_FILE")};
             doCall(64, block);
         }
+        if (asked("ORVO_TEST_CLOSE") == m_moduleName)
+            QTimer::singleShot(100, this, [this] { window()->close(); });
+        if (asked("ORVO_TEST_CLOSE") == "Menu in a menu")
+            QTimer::singleShot(100, this, &TestWindow::closeInMenu);
         m_label->setText(m_paths->workDir + "\n" + m_moduleName);
         return true;
     }
 
+    bool MessageData(MDXCliParam*) override {
+        note("message");
+        return true;
+    }
+    void ModuleStop() override { note("stop"); }
+
+protected:
+    void closeEvent(QCloseEvent* event) override {
+        note("close");
+        COrvoCliMod::closeEvent(event);
+    }
+
 private:
+    /// As a user who closes the window while a slot of the module shows its context menu.
+    void closeInMenu() {
+        QMenu menu;
+        menu.addAction(QStringLiteral("Пункт"));
+        QTimer::singleShot(50, window(), [top = window()] { top->close(); });
+        menu.exec(QPoint(10, 10));
+        note("menu left"); // this module must still be there
+    }
+
+    void note(const char* what) {
+        QFile file(asked("ORVO_TEST_LIFE"));
+        if (!file.fileName().isEmpty() && file.open(QIODevice::Append))
+            file.write((m_moduleName + ' ' + what + '\n').toUtf8());
+    }
+
     QLabel* m_label; ///< child of the window
 };
 

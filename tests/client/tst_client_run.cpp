@@ -70,6 +70,13 @@ struct Place : Host {
     }
 };
 
+QStringList linesOf(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly)
+               ? QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts)
+               : QStringList();
+}
+
 } // namespace
 
 #define QVERIFY_ONE_LINE(result)                                                                   \
@@ -214,6 +221,57 @@ private slots:
         QCOMPARE(result.code, 1);
         QVERIFY_ONE_LINE(result);
         QVERIFY(QFileInfo::exists(shot));
+    }
+
+    void closingTheWindowStopsTheModulesInOrder() {
+        Place place;
+        const QString life = place.dir.path() + "/life";
+        Result result =
+            place.run(place.usual(), {"ORVO_TEST_LIFE=" + life, "ORVO_TEST_CLOSE=Resources"});
+        QVERIFY2(result.errors.isEmpty(), qPrintable(result.errors.join('\n')));
+        QCOMPARE(result.code, 0);
+        QCOMPARE(linesOf(life),
+                 QStringList({"Menu start", "Resources start", "Resources close", "Resources stop",
+                              "Resources gone", "Menu close", "Menu stop", "Menu gone"}));
+    }
+
+    void closingWhileAModuleShowsAMenuWaitsForItsSlot() {
+        Place place;
+        const QString life = place.dir.path() + "/life";
+        Result result = place.run(place.usual({"--module", "Menu"}),
+                                  {"ORVO_TEST_LIFE=" + life, "ORVO_TEST_CLOSE=Menu in a menu"});
+        QVERIFY(!result.crashed);
+        QCOMPARE(result.code, 0);
+        QCOMPARE(linesOf(life), QStringList({"Menu start", "Menu menu left", "Menu close",
+                                             "Menu stop", "Menu gone"}));
+    }
+
+    void aPrunedLogOpensTheModulesAnew() {
+        Place place;
+        const QString life = place.dir.path() + "/life";
+        QProcess client;
+        QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
+        variables.insert("ORVO_TEST_LIFE", life);
+        client.setProcessEnvironment(variables);
+        client.start(place.program, place.usual({"--module", "Menu"}));
+        QStringList expected{"Menu start"};
+        QTRY_COMPARE_WITH_TIMEOUT(linesOf(life), expected, 60000);
+        QVERIFY(place.byHand("insert into Menu(KeyLink) values('a')"));
+        expected << "Menu message";
+        QTRY_COMPARE_WITH_TIMEOUT(linesOf(life), expected, 10000);
+        // In one transaction, so that the client cannot have read what is pruned.
+        QVERIFY(place.byHand("begin; insert into Menu(KeyLink) values('b'); delete from NciEvent; "
+                             "commit"));
+        expected << "Menu close"
+                 << "Menu stop"
+                 << "Menu gone"
+                 << "Menu start";
+        QTRY_COMPARE_WITH_TIMEOUT(linesOf(life), expected, 10000);
+        QVERIFY(place.byHand("insert into Menu(KeyLink) values('c')"));
+        expected << "Menu message";
+        QTRY_COMPARE_WITH_TIMEOUT(linesOf(life), expected, 10000);
+        client.kill();
+        QVERIFY(client.waitForFinished());
     }
 
     void aMissingFormIsNoReasonToStop() {
