@@ -1,0 +1,203 @@
+#include "tests/menu/ModuleFixture.h"
+
+#include "platform/client/Blocks.h"
+#include "platform/client/Session.h"
+#include "platform/mdx/MdxBuild.h"
+
+#include <QChildEvent>
+#include <QDir>
+#include <QItemSelectionModel>
+
+#include <sqlite3.h>
+
+namespace orvo::test {
+
+// ---------------------------------------------------------------------------------------------
+// TestStore
+
+TestStore::TestStore() {
+    store::OpenOptions options;
+    options.login = "tester";
+    options.create = true;
+    store::Status status;
+    m_store = store::open(url(), options, &status);
+    if (!m_store)
+        qFatal("no store: %s", status.text.c_str());
+}
+
+TestStore::~TestStore() = default;
+
+std::string TestStore::url() const {
+    return "sqlite://" + QDir(m_directory.path()).filePath("orvo.db").toStdString();
+}
+
+std::unique_ptr<store::Store> TestStore::connect(const char* login) const {
+    store::OpenOptions options;
+    options.login = login;
+    store::Status status;
+    auto opened = store::open(url(), options, &status);
+    if (!opened)
+        qFatal("no connection: %s", status.text.c_str());
+    return opened;
+}
+
+void TestStore::write(const char* table, MdxRecordFlag flag, Fields fields) {
+    const store::TableDef* definition = store::findTable(table);
+    if (!definition)
+        qFatal("no table %s", table);
+    CMDArray records;
+    store::makeStructure(*definition, records.array);
+    records.KeyAdd("KeyLink", MDX_KEY_UNIQUE);
+    MDRData* record = MDARecNew(records.array);
+    MDRSetFlags(record, flag);
+    for (const auto& [name, value] : fields) {
+        if (!MDRFldByName(records.array, name))
+            qFatal("no field %s in %s", name, table);
+        MDRVar var{};
+        const std::string text = mdx::toCp1251(value.toString().toStdString());
+        switch (value.userType()) {
+        case QMetaType::Bool:
+            var.type = MDX_BOOLEAN;
+            var.value.boolean = value.toBool();
+            break;
+        case QMetaType::Int:
+            var.type = MDX_INTEGER;
+            var.value.integer = value.toInt();
+            break;
+        default:
+            if (value.toString().isNull()) {
+                var.null = 1;
+            } else {
+                var.type = MDX_TEXT;
+                var.value.text.length = static_cast<uint32_t>(text.size());
+                var.value.text.pointer = text.c_str();
+            }
+        }
+        records.SetValF(record, name, var);
+    }
+    records.RecPost(record);
+    const store::Status status = m_store->update(table, records.array);
+    if (!status.ok())
+        qFatal("%s not written: %s", table, status.text.c_str());
+}
+
+void TestStore::insert(const char* table, Fields fields) {
+    write(table, MDX_INSERT, fields);
+}
+
+void TestStore::update(const char* table, Fields fields) {
+    write(table, MDX_UPDATE, fields);
+}
+
+void TestStore::remove(const char* table, const char* key) {
+    write(table, MDX_DELETE, {{"KeyLink", QString::fromUtf8(key)}});
+}
+
+void TestStore::sql(const char* statement) {
+    sqlite3* db = nullptr;
+    const std::string path = url().substr(sizeof "sqlite://" - 1);
+    char* error = nullptr;
+    if (sqlite3_open(path.c_str(), &db) != SQLITE_OK ||
+        sqlite3_exec(db, statement, nullptr, nullptr, &error) != SQLITE_OK)
+        qFatal("%s: %s", statement, error ? error : sqlite3_errmsg(db));
+    sqlite3_close(db);
+}
+
+// ---------------------------------------------------------------------------------------------
+// TestHost
+
+struct TestHost::Private {
+    std::unique_ptr<COrvoCliSes> session;
+    std::unique_ptr<COrvoCliMod> logModule;
+    std::unique_ptr<store::Store> reader; ///< reads the change log as a client of its own
+    client::NotificationMaker maker;
+    int64_t cursor = 0;
+};
+
+TestHost::TestHost(TestStore& store) : d(std::make_unique<Private>()) {
+    m_workDir = store.directory() + QStringLiteral("/work/");
+    QDir().mkpath(m_workDir + QStringLiteral("files/icons"));
+    store::Status status;
+    d->session = client::makeSession(store.connect("engineer"), &status);
+    if (!d->session)
+        qFatal("no session: %s", status.text.c_str());
+    m_session = d->session.get();
+    QObject::connect(&client::sessionEvents(*d->session), &client::SessionEvents::failed,
+                     [this](const client::Failure& failure) {
+                         failures.append(failure.operation + ": " + failure.text);
+                     });
+    d->cursor = client::sessionCursor(*d->session);
+    d->reader = store.connect("reader");
+    d->logModule = std::make_unique<COrvoCliMod>(this);
+    m_logModule = d->logModule.get();
+}
+
+TestHost::~TestHost() = default;
+
+store::Store& TestHost::ownStore() {
+    return client::sessionStore(*m_session);
+}
+
+void TestHost::deliver(COrvoCliMod& module) {
+    std::vector<store::Change> changes;
+    const store::Status status = d->reader->readLog(d->cursor, 1 << 20, &changes);
+    if (!status.ok())
+        qFatal("no change log: %s", status.text.c_str());
+    for (const store::Change& change : changes) {
+        d->cursor = change.id;
+        module.messagePut(d->maker.make(change));
+    }
+    module.MessageOn();
+}
+
+void TestHost::log(int level, const QString& place, const QString& text) {
+    logLines.append({level, place, text});
+}
+
+void TestHost::moduleTitle(COrvoCliMod*, const QString& title, const QString& second) {
+    titles << title << second;
+}
+
+// ---------------------------------------------------------------------------------------------
+// ViewWatch
+
+ViewWatch::ViewWatch(QWidget& window) {
+    for (QAbstractItemView* view : window.findChildren<QAbstractItemView*>())
+        view->installEventFilter(this);
+}
+
+bool ViewWatch::eventFilter(QObject* object, QEvent* event) {
+    // A view that is given a model makes a selection model at once, its child.
+    auto* view = qobject_cast<QAbstractItemView*>(object);
+    if (view && event->type() == QEvent::ChildAdded && view->model()) {
+        QAbstractItemModel* model = view->model();
+        std::unique_ptr<ModelWatch>& watch = m_watches[model];
+        if (!watch) {
+            if (model->rowCount() != 0)
+                qFatal("a model was filled before it was watched");
+            watch = std::make_unique<ModelWatch>(model);
+        }
+    }
+    return QObject::eventFilter(object, event);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Trees
+
+QModelIndex findRow(const QAbstractItemModel& model, const QString& text, int column) {
+    const QModelIndex start = model.index(0, 0);
+    if (!start.isValid())
+        return {};
+    const QModelIndexList hits = model.match(model.index(0, column), Qt::DisplayRole, text, 1,
+                                             Qt::MatchExactly | Qt::MatchRecursive);
+    return hits.isEmpty() ? QModelIndex() : hits.first().sibling(hits.first().row(), 0);
+}
+
+void clickRow(QTreeView* view, const QModelIndex& row, Qt::KeyboardModifiers modifiers) {
+    if (!row.isValid())
+        qFatal("no such row to click");
+    view->scrollTo(row);
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, modifiers, view->visualRect(row).center());
+}
+
+} // namespace orvo::test

@@ -1,0 +1,399 @@
+// When the actions of the menu editor are switched on and off, and what the context menus hold.
+#include "tests/menu/MenuProbe.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMenu>
+#include <QMimeData>
+#include <QTimer>
+
+using namespace orvo::test;
+
+namespace {
+
+const QStringList desckActions = {"actAddDescktop",          "actAddFoldertvDesck",
+                                  "actDeleteFromtvDesck",    "actChangeDescktopOrFolder",
+                                  "actCopyDescktopOrFolder", "actPasteDescktopOrFolder"};
+const QStringList newElementActions = {"actNewElemFolder", "actNewElemModul", "actNewElemFunction",
+                                       "actNewElemFile"};
+const QStringList menuActions =
+    newElementActions + QStringList{"actDeleteElem",     "actCopyMenuElement",
+                                    "actCutMenuElement", "actPasteMenuElement",
+                                    "actMoveUp",         "actMoveDown"};
+
+void offer(const char* format) {
+    auto* data = new QMimeData; // the clipboard's from now on
+    data->setData(format, "x");
+    QGuiApplication::clipboard()->setMimeData(data);
+}
+
+/// The texts of a menu in order, "-" for a separator, sub-menus as "text[a,b]".
+QStringList describe(const QMenu* menu) {
+    QStringList entries;
+    for (const QAction* action : menu->actions()) {
+        if (action->isSeparator())
+            entries << "-";
+        else if (action->menu())
+            entries << action->text() + "[" + describe(action->menu()).join(",") + "]";
+        else
+            entries << action->objectName();
+    }
+    return entries;
+}
+
+} // namespace
+
+class TestMenuActions : public QObject {
+    Q_OBJECT
+private slots:
+    void init();
+    void desktopRowsSwitchTheirActions_data();
+    void desktopRowsSwitchTheirActions();
+    void menuRowsSwitchTheirActions_data();
+    void menuRowsSwitchTheirActions();
+    void pasteFollowsTheClipboardOnFolders();
+    void pasteKeepsItsStateOnOtherRows();
+    void desktopPasteKeepsItsStateOnDesktops();
+    void anInvalidRowChangesNothing();
+    void losingTheFocusSwitchesElementActionsOff();
+    void losingTheFocusSwitchesDesktopActionsOff();
+    void aClickSwitchesThemOnAgain();
+    void clicksDoNothingWhileSomethingIsEdited();
+    void desktopContextMenu();
+    void menuContextMenuLeavesTheActionsAsTheyAre();
+    void onlyOfferedFormatsAreThere();
+
+private:
+    QString enabled(MenuEditor& editor, const QStringList& names) const;
+    QStringList shownMenu(MenuEditor& editor, const char* view, const char* iconOf, bool* hasIcon);
+};
+
+void TestMenuActions::init() {
+    QGuiApplication::clipboard()->clear();
+}
+
+/// The enabled ones, joined by blanks, without their prefix.
+QString TestMenuActions::enabled(MenuEditor& editor, const QStringList& names) const {
+    QStringList on;
+    for (const QString& name : names)
+        if (editor.action(qPrintable(name))->isEnabled())
+            on << name.mid(3);
+    return on.join(' ');
+}
+
+void TestMenuActions::desktopRowsSwitchTheirActions_data() {
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("mainnode") << "AddFoldertvDesck";
+    QTest::newRow("ceh") << "AddDescktop AddFoldertvDesck ChangeDescktopOrFolder "
+                            "CopyDescktopOrFolder";
+    QTest::newRow("sklad") << "AddDescktop AddFoldertvDesck DeleteFromtvDesck "
+                              "ChangeDescktopOrFolder CopyDescktopOrFolder";
+    QTest::newRow("obshiy") << "CopyDescktopOrFolder";
+    QTest::newRow("armop") << "AddDescktop DeleteFromtvDesck ChangeDescktopOrFolder "
+                              "CopyDescktopOrFolder";
+    QTest::newRow("armpech") << "AddDescktop DeleteFromtvDesck ChangeDescktopOrFolder "
+                                "CopyDescktopOrFolder";
+}
+
+void TestMenuActions::desktopRowsSwitchTheirActions() {
+    QFETCH(QString, expected);
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(editor.start());
+    // By a change of the current row, from a row with everything else.
+    for (const char* before : {"armop", "sklad"}) {
+        editor.view("tvDesck")->setCurrentIndex(editor->desck(before));
+        editor.view("tvDesck")->setCurrentIndex(editor->desck(QTest::currentDataTag()));
+        QCOMPARE(enabled(editor, desckActions), expected);
+    }
+    // And by a click.
+    for (const QString& name : desckActions)
+        editor.action(qPrintable(name))->setEnabled(!editor.action(qPrintable(name))->isEnabled());
+    QVERIFY(enabled(editor, desckActions) != expected);
+    editor.action("actPasteDescktopOrFolder")->setEnabled(false);
+    clickRow(editor.view("tvDesck"), editor->desck(QTest::currentDataTag()));
+    QCOMPARE(enabled(editor, desckActions), expected);
+}
+
+void TestMenuActions::menuRowsSwitchTheirActions_data() {
+    QTest::addColumn<QString>("expected");
+    const QString create = "NewElemFolder NewElemModul NewElemFunction NewElemFile";
+    const QString edit = "DeleteElem CopyMenuElement CutMenuElement";
+    QTest::newRow("MenuRootNode") << create;
+    QTest::newRow("grafiki") << create + " " + edit + " MoveUp MoveDown";
+    QTest::newRow("glubzhe") << create + " " + edit + " MoveUp";
+    QTest::newRow("trend") << edit + " MoveDown";
+    QTest::newRow("calc") << edit + " MoveUp MoveDown";
+    QTest::newRow("form") << edit;
+    QTest::newRow("shema") << edit + " MoveDown";
+    // An element whose resource is gone is no folder.
+    QTest::newRow("propal") << edit + " MoveUp";
+}
+
+void TestMenuActions::menuRowsSwitchTheirActions() {
+    QFETCH(QString, expected);
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(editor.start());
+    editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
+    editor.view("tvMenu")->expandAll();
+    for (const char* before : {"MenuRootNode", "grafiki", "form"}) {
+        editor.view("tvMenu")->setCurrentIndex(editor->element(before));
+        editor.view("tvMenu")->setCurrentIndex(editor->element(QTest::currentDataTag()));
+        QCOMPARE(enabled(editor, menuActions), expected);
+    }
+    clickRow(editor.view("tvMenu"), editor->element("MenuRootNode"));
+    clickRow(editor.view("tvMenu"), editor->element(QTest::currentDataTag()));
+    QCOMPARE(enabled(editor, menuActions), expected);
+}
+
+void TestMenuActions::pasteFollowsTheClipboardOnFolders() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(editor.start());
+    offer("OrvoMenu/descktop");
+    for (const char* key : {"ceh", "mainnode", "sklad"}) {
+        editor.view("tvDesck")->setCurrentIndex(editor->desck(key));
+        QVERIFY(editor.action("actPasteDescktopOrFolder")->isEnabled());
+    }
+    editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
+    for (const char* key : {"grafiki", "MenuRootNode"}) {
+        editor.view("tvMenu")->setCurrentIndex(editor->element(key));
+        QVERIFY(!editor.action("actPasteMenuElement")->isEnabled());
+    }
+    offer("OrvoMenu/menu");
+    for (const char* key : {"grafiki", "MenuRootNode"}) {
+        editor.view("tvMenu")->setCurrentIndex(editor->element(key));
+        QVERIFY(editor.action("actPasteMenuElement")->isEnabled());
+    }
+    editor.view("tvDesck")->setCurrentIndex(editor->desck("ceh"));
+    QVERIFY(!editor.action("actPasteDescktopOrFolder")->isEnabled());
+}
+
+void TestMenuActions::pasteKeepsItsStateOnOtherRows() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(editor.start());
+    editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
+    offer("OrvoMenu/menu");
+    editor.view("tvMenu")->setCurrentIndex(editor->element("shema"));
+    QVERIFY(!editor.action("actPasteMenuElement")->isEnabled());
+    editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));
+    QGuiApplication::clipboard()->clear();
+    editor.view("tvMenu")->setCurrentIndex(editor->element("shema"));
+    QVERIFY(editor.action("actPasteMenuElement")->isEnabled());
+}
+
+void TestMenuActions::desktopPasteKeepsItsStateOnDesktops() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(editor.start());
+    editor.view("tvDesck")->setCurrentIndex(editor->desck("ceh"));
+    offer("OrvoMenu/descktop");
+    for (const char* key : {"armop", "obshiy"}) {
+        editor.view("tvDesck")->setCurrentIndex(editor->desck(key));
+        QVERIFY(!editor.action("actPasteDescktopOrFolder")->isEnabled());
+    }
+    editor.view("tvDesck")->setCurrentIndex(editor->desck("ceh"));
+    QGuiApplication::clipboard()->clear();
+    for (const char* key : {"armop", "obshiy"}) {
+        editor.view("tvDesck")->setCurrentIndex(editor->desck(key));
+        QVERIFY(editor.action("actPasteDescktopOrFolder")->isEnabled());
+    }
+}
+
+void TestMenuActions::anInvalidRowChangesNothing() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(editor.start());
+    editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
+    editor.view("tvMenu")->setCurrentIndex(editor->element("trend"));
+    const QString desck = enabled(editor, desckActions);
+    const QString menu = enabled(editor, menuActions);
+    editor.view("tvMenu")->setCurrentIndex(QModelIndex());
+    QCOMPARE(enabled(editor, menuActions), menu);
+    editor.view("tvDesck")->setCurrentIndex(QModelIndex());
+    QCOMPARE(enabled(editor, desckActions), desck);
+}
+
+void TestMenuActions::losingTheFocusSwitchesElementActionsOff() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(editor.start());
+    editor->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(editor.module.get()));
+    editor.view("tvDesck")->setFocus();
+    editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
+    editor.view("tvMenu")->setFocus();
+    offer("OrvoMenu/menu");
+    editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));
+    QCOMPARE(enabled(editor, menuActions).split(' ').size(), 10);
+    editor.view("tvProp")->setFocus();
+    QCOMPARE(enabled(editor, menuActions), QString());
+    // Coming back does not switch them on.
+    editor.view("tvMenu")->setFocus();
+    QCOMPARE(enabled(editor, menuActions), QString());
+    editor.view("tvMenu")->setCurrentIndex(editor->element("shema"));
+    QVERIFY(editor.action("actDeleteElem")->isEnabled());
+}
+
+void TestMenuActions::losingTheFocusSwitchesDesktopActionsOff() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(editor.start());
+    editor->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(editor.module.get()));
+    editor.view("tvDesck")->setFocus();
+    editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
+    editor.view("tvMenu")->setCurrentIndex(editor->element("trend"));
+    QVERIFY(!enabled(editor, desckActions).isEmpty());
+    const QString menu = enabled(editor, menuActions);
+    editor.view("tvMenu")->setFocus();
+    QCOMPARE(enabled(editor, desckActions), QString());
+    QCOMPARE(enabled(editor, menuActions), menu);
+    // A view that is none of the two switches nothing.
+    editor.view("tvProp")->setFocus();
+    editor.view("tvMenu")->setCurrentIndex(editor->element("shema"));
+    const QString again = enabled(editor, menuActions);
+    QVERIFY(!again.isEmpty());
+    editor.view("tvDesck")->setFocus();
+    QCOMPARE(enabled(editor, menuActions), again);
+}
+
+void TestMenuActions::aClickSwitchesThemOnAgain() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(editor.start());
+    editor->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(editor.module.get()));
+    clickRow(editor.view("tvDesck"), editor->desck("ceh"));
+    editor.view("tvDesck")->expandAll();
+    clickRow(editor.view("tvDesck"), editor->desck("armop"));
+    clickRow(editor.view("tvMenu"), editor->element("MenuRootNode"));
+    QCOMPARE(enabled(editor, desckActions), QString());
+    QCOMPARE(enabled(editor, menuActions),
+             QString("NewElemFolder NewElemModul NewElemFunction NewElemFile"));
+    clickRow(editor.view("tvDesck"), editor->desck("armop"));
+    QCOMPARE(enabled(editor, menuActions), QString());
+    QVERIFY(editor.action("actCopyDescktopOrFolder")->isEnabled());
+    // In any column.
+    QTreeView* menu = editor.view("tvMenu");
+    const QModelIndex word = editor->element("shema").sibling(editor->element("shema").row(), 1);
+    QTest::mouseClick(menu->viewport(), Qt::LeftButton, {}, menu->visualRect(word).center());
+    QCOMPARE(enabled(editor, menuActions), QString("DeleteElem CopyMenuElement CutMenuElement "
+                                                   "MoveDown"));
+}
+
+void TestMenuActions::clicksDoNothingWhileSomethingIsEdited() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(editor.start());
+    editor.view("tvDesck")->setCurrentIndex(editor->desck("ceh"));
+    for (const char* action : {"actAddDescktop", "actAddFoldertvDesck"})
+        editor.action(action)->setEnabled(false);
+    const QString before = enabled(editor, desckActions);
+    for (const int mode : {1, 2, 3, 4}) {
+        editor->m_editMode = mode;
+        emit editor.view("tvDesck")->clicked(editor->desck("ceh"));
+        QCOMPARE(enabled(editor, desckActions), before);
+    }
+    editor->m_editMode = MenuProbe::NoEdit;
+    emit editor.view("tvDesck")->clicked(editor->desck("ceh"));
+    QVERIFY(editor.action("actAddDescktop")->isEnabled());
+}
+
+/// Opens the context menu of a view and closes it again.
+QStringList TestMenuActions::shownMenu(MenuEditor& editor, const char* view, const char* iconOf,
+                                       bool* hasIcon) {
+    QStringList entries;
+    // This platform lets a pop-up menu take the focus, which no window system does: the view must
+    // not have it.
+    editor.view("tvProp")->setFocus();
+    QTimer::singleShot(0, this, [&] {
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        if (!menu)
+            return;
+        entries = describe(menu);
+        for (const QAction* action : menu->actions())
+            if (action->text() == iconOf)
+                *hasIcon = !action->icon().isNull();
+        menu->close();
+    });
+    emit editor.view(view)->customContextMenuRequested(QPoint(5, 5));
+    return entries;
+}
+
+void TestMenuActions::desktopContextMenu() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(editor.start());
+    editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
+    editor.action("actAddDescktop")->setEnabled(false);
+    bool hasIcon = false;
+    QCOMPARE(shownMenu(editor, "tvDesck", "Создать", &hasIcon),
+             QStringList({"Создать[actAddDescktop,actAddFoldertvDesck]",
+                          "actChangeDescktopOrFolder", "-", "actCopyDescktopOrFolder",
+                          "actPasteDescktopOrFolder", "-", "actDeleteFromtvDesck"}));
+    QVERIFY(hasIcon);
+    // The states are those of the current row again.
+    QVERIFY(editor.action("actAddDescktop")->isEnabled());
+
+    editor.view("tvDesck")->setCurrentIndex(QModelIndex());
+    editor.action("actAddDescktop")->setEnabled(false);
+    QVERIFY(!shownMenu(editor, "tvDesck", "Создать", &hasIcon).isEmpty());
+    QVERIFY(!editor.action("actAddDescktop")->isEnabled());
+}
+
+void TestMenuActions::menuContextMenuLeavesTheActionsAsTheyAre() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(editor.start());
+    editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
+    editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));
+    editor.action("actDeleteElem")->setEnabled(false);
+    bool hasIcon = false;
+    QCOMPARE(shownMenu(editor, "tvMenu", "Новый элемент", &hasIcon),
+             QStringList({"Новый элемент[actNewElemFolder,actNewElemModul,actNewElemFunction,"
+                          "actNewElemFile]",
+                          "-", "actCutMenuElement", "actCopyMenuElement", "actPasteMenuElement",
+                          "-", "actDeleteElem"}));
+    QVERIFY(hasIcon);
+    QVERIFY(!editor.action("actDeleteElem")->isEnabled());
+}
+
+void TestMenuActions::onlyOfferedFormatsAreThere() {
+    TestStore store;
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(!editor->checkMimeType("OrvoMenu/menu"));
+    offer("OrvoMenu/menu");
+    QVERIFY(editor->checkMimeType("OrvoMenu/menu"));
+    QVERIFY(!editor->checkMimeType("OrvoMenu/descktop"));
+}
+
+QTEST_MAIN(TestMenuActions)
+#include "tst_menu_actions.moc"

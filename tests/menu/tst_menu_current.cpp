@@ -1,0 +1,323 @@
+// What a move of the current row does in each state of editing, and the selection within one
+// parent.
+#include "tests/menu/MenuProbe.h"
+
+#include <QItemSelectionModel>
+
+using namespace orvo::test;
+using orvo::menu::DesckColumn;
+using orvo::menu::MenuColumn;
+
+class TestMenuCurrent : public QObject {
+    Q_OBJECT
+private slots:
+    void theCurrentKeysFollow();
+    void theSkipFlagIsUsedUpOnce();
+    void movingOnInTheDesktopsShowsTheNewMenu();
+    void aNewDesktopRowBecomesTheEditedOne();
+    void leavingANewDesktopRowShowsNoOtherMenu();
+    void leavingARenamedRowShowsNoOtherMenu();
+    void leavingAnEditedElementForADesktopShowsItsMenu();
+    void whileANewElementIsOpenTheDesktopsMoveAlone();
+    void aNewElementRowBecomesTheEditedOne();
+    void leavingANewElementRowLeavesThePassportEmpty();
+    void leavingAnEditedElementLeavesThePassportEmpty();
+    void whileADesktopIsEditedElementsHaveNoPassport_data();
+    void whileADesktopIsEditedElementsHaveNoPassport();
+    void aClickSelectsOneRow();
+    void aSelectionStaysWithinOneParent();
+    void aRangeOverLevelsKeepsItsFirstParent();
+    void rowsOfTheSelectedParentMayBeAdded();
+    void selectingAllKeepsOneLevel();
+
+private:
+    QStringList selected(MenuEditor& editor) const;
+    static void openMenu(MenuEditor& editor);
+};
+
+/// Starts with the menu of "armop" shown to its last level.
+void TestMenuCurrent::openMenu(MenuEditor& editor) {
+    QVERIFY(editor.start());
+    editor.view("tvDesck")->expandAll();
+    editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
+    editor.view("tvMenu")->expandAll();
+}
+
+QStringList TestMenuCurrent::selected(MenuEditor& editor) const {
+    QStringList keys;
+    for (const QModelIndex& row : editor.view("tvMenu")->selectionModel()->selectedRows())
+        keys << editor->m_menuModel->getItemKeyLink(row);
+    keys.sort();
+    return keys;
+}
+
+void TestMenuCurrent::theCurrentKeysFollow() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    openMenu(editor);
+    QCOMPARE(editor->m_currentDesckKey, QString("armop"));
+    editor.view("tvMenu")->setCurrentIndex(editor->element("calc"));
+    QCOMPARE(editor->m_currentMenuKey, QString("calc"));
+    editor.view("tvDesck")->setCurrentIndex(QModelIndex());
+    QVERIFY(editor->m_currentDesckKey.isNull());
+    QCOMPARE(editor->m_menuModel->rowCount(), 0);
+}
+
+void TestMenuCurrent::theSkipFlagIsUsedUpOnce() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    openMenu(editor);
+    editor->m_skipDesckChange = true;
+    editor.view("tvDesck")->setCurrentIndex(editor->desck("ceh"));
+    QVERIFY(!editor->m_skipDesckChange);
+    QCOMPARE(editor->m_currentDesckKey, QString("armop"));
+    QVERIFY(editor->element("calc").isValid());
+    editor.view("tvDesck")->setCurrentIndex(editor->desck("pech"));
+    QCOMPARE(editor->m_currentDesckKey, QString("pech"));
+    QVERIFY(!editor->element("calc").isValid());
+}
+
+void TestMenuCurrent::movingOnInTheDesktopsShowsTheNewMenu() {
+    TestStore store;
+    fillPlant(store);
+    addElement(store, "armpech", "druzhok", "", "Другой", 0, "rform");
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    openMenu(editor);
+    editor.view("tvMenu")->setCurrentIndex(editor->element("calc"));
+    editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
+    QVERIFY(editor->element("druzhok").isValid());
+    QVERIFY(!editor->element("calc").isValid());
+    QCOMPARE(editor->m_propModel->rowCount(), 0);
+}
+
+void TestMenuCurrent::aNewDesktopRowBecomesTheEditedOne() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    openMenu(editor);
+    QVERIFY(editor->m_desckModel->insertRows(0, 1, editor->desck("pech")));
+    const QModelIndex row = editor->m_desckModel->index(0, 0, editor->desck("pech"));
+    editor->m_desckModel->setData(row.sibling(0, DesckColumn::IsNew), true, Qt::DisplayRole);
+    editor->m_editMode = MenuProbe::NewDesck;
+    editor.view("tvDesck")->setCurrentIndex(row);
+    QCOMPARE(QModelIndex(editor->m_editDesckIndex), row);
+    QVERIFY(!editor.action("actAddDescktop")->isEnabled());
+    // The menu that is open stays.
+    QVERIFY(editor->element("calc").isValid());
+    // The index follows its row, and ends with it.
+    editor->m_desckModel->insertRows(0, 1, editor->desck("pech"));
+    QCOMPARE(editor->m_editDesckIndex.row(), 1);
+    editor->m_desckModel->removeRows(1, 1, editor->desck("pech"));
+    QVERIFY(!editor->m_editDesckIndex.isValid());
+}
+
+void TestMenuCurrent::leavingANewDesktopRowShowsNoOtherMenu() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    openMenu(editor);
+    editor->m_editMode = MenuProbe::NewDesck;
+    editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
+    QCOMPARE(editor->m_currentDesckKey, QString("armpech"));
+    QVERIFY(editor->element("calc").isValid());
+    QVERIFY(!editor.action("actAddDescktop")->isEnabled());
+}
+
+void TestMenuCurrent::leavingARenamedRowShowsNoOtherMenu() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    openMenu(editor);
+    editor->m_editMode = MenuProbe::RenameDesck;
+    editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
+    QCOMPARE(editor->m_currentDesckKey, QString("armpech"));
+    QVERIFY(editor->element("calc").isValid());
+}
+
+void TestMenuCurrent::leavingAnEditedElementForADesktopShowsItsMenu() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    openMenu(editor);
+    editor->m_editMode = MenuProbe::EditElement;
+    editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
+    QVERIFY(!editor->element("calc").isValid());
+    QVERIFY(editor->element("MenuRootNode").isValid());
+    QVERIFY(editor.action("actCopyDescktopOrFolder")->isEnabled());
+}
+
+void TestMenuCurrent::whileANewElementIsOpenTheDesktopsMoveAlone() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    openMenu(editor);
+    editor->m_editMode = MenuProbe::NewElement;
+    const bool canDelete = editor.action("actDeleteFromtvDesck")->isEnabled();
+    editor.view("tvDesck")->setCurrentIndex(editor->desck("mainnode"));
+    QCOMPARE(editor->m_currentDesckKey, QString("mainnode"));
+    QVERIFY(editor->element("calc").isValid());
+    QCOMPARE(editor.action("actDeleteFromtvDesck")->isEnabled(), canDelete);
+}
+
+void TestMenuCurrent::aNewElementRowBecomesTheEditedOne() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    openMenu(editor);
+    editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));
+    const QModelIndex row = editor->element("glubzhe");
+    editor->m_menuModel->setData(row.sibling(row.row(), MenuColumn::IsNew), true);
+    editor->m_editMode = MenuProbe::NewElement;
+    editor.view("tvMenu")->setCurrentIndex(row);
+    QCOMPARE(QModelIndex(editor->m_editMenuIndex), row);
+    QCOMPARE(editor->m_propModel->getRowValue("name"), QVariant("Глубже"));
+    for (const char* action : {"actDeleteElem", "actNewElemFolder", "actAddDescktop"})
+        QVERIFY(!editor.action(action)->isEnabled());
+}
+
+void TestMenuCurrent::leavingANewElementRowLeavesThePassportEmpty() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    openMenu(editor);
+    editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));
+    editor->m_editMode = MenuProbe::NewElement;
+    editor.view("tvMenu")->setCurrentIndex(editor->element("calc"));
+    QCOMPARE(editor->m_currentMenuKey, QString("calc"));
+    QCOMPARE(editor->m_propModel->rowCount(), 0);
+    QVERIFY(!editor.action("actDeleteElem")->isEnabled());
+    QVERIFY(!editor.action("actAddDescktop")->isEnabled());
+}
+
+void TestMenuCurrent::leavingAnEditedElementLeavesThePassportEmpty() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    openMenu(editor);
+    editor.view("tvMenu")->setCurrentIndex(editor->element("MenuRootNode"));
+    QVERIFY(!editor.action("actDeleteElem")->isEnabled());
+    editor->m_editMode = MenuProbe::EditElement;
+    editor.view("tvMenu")->setCurrentIndex(editor->element("calc"));
+    QCOMPARE(editor->m_currentMenuKey, QString("calc"));
+    QCOMPARE(editor->m_propModel->rowCount(), 0);
+    QVERIFY(!editor.action("actDeleteElem")->isEnabled());
+    // The next change shows a passport again.
+    editor->m_editMode = MenuProbe::NoEdit;
+    editor.view("tvMenu")->setCurrentIndex(editor->element("trend"));
+    QCOMPARE(editor->m_propModel->getRowValue("name"), QVariant("Тренд"));
+}
+
+void TestMenuCurrent::whileADesktopIsEditedElementsHaveNoPassport_data() {
+    QTest::addColumn<int>("mode");
+    QTest::newRow("new") << int(MenuProbe::NewDesck);
+    QTest::newRow("renamed") << int(MenuProbe::RenameDesck);
+}
+
+void TestMenuCurrent::whileADesktopIsEditedElementsHaveNoPassport() {
+    QFETCH(int, mode);
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    openMenu(editor);
+    editor.view("tvMenu")->setCurrentIndex(editor->element("MenuRootNode"));
+    editor->m_editMode = mode;
+    editor.view("tvMenu")->setCurrentIndex(editor->element("calc"));
+    QCOMPARE(editor->m_currentMenuKey, QString("calc"));
+    QCOMPARE(editor->m_propModel->rowCount(), 0);
+    QVERIFY(!editor.action("actDeleteElem")->isEnabled());
+    QCOMPARE(editor->m_editMode, mode);
+}
+
+void TestMenuCurrent::aClickSelectsOneRow() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    openMenu(editor);
+    for (const char* key : {"MenuRootNode", "calc", "form", "propal"}) {
+        clickRow(editor.view("tvMenu"), editor->element(key));
+        QCOMPARE(selected(editor), QStringList(key));
+    }
+}
+
+void TestMenuCurrent::aSelectionStaysWithinOneParent() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    openMenu(editor);
+    QTreeView* view = editor.view("tvMenu");
+    clickRow(view, editor->element("trend"));
+    clickRow(view, editor->element("shema"), Qt::ControlModifier);
+    QCOMPARE(selected(editor), QStringList({"trend"}));
+    clickRow(view, editor->element("form"), Qt::ControlModifier);
+    QCOMPARE(selected(editor), QStringList({"trend"}));
+    clickRow(view, editor->element("MenuRootNode"), Qt::ControlModifier);
+    QCOMPARE(selected(editor), QStringList({"trend"}));
+    // The current row has moved all the same.
+    QCOMPARE(editor->m_currentMenuKey, QString("MenuRootNode"));
+}
+
+void TestMenuCurrent::aRangeOverLevelsKeepsItsFirstParent() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    openMenu(editor);
+    QTreeView* view = editor.view("tvMenu");
+    clickRow(view, editor->element("shema"));
+    clickRow(view, editor->element("propal"), Qt::ShiftModifier);
+    qDebug() << selected(editor);
+    QCOMPARE(selected(editor), QStringList({"grafiki", "propal", "shema"}));
+    clickRow(view, editor->element("trend"));
+    clickRow(view, editor->element("propal"), Qt::ShiftModifier);
+    QCOMPARE(selected(editor), QStringList({"calc", "glubzhe", "trend"}));
+}
+
+void TestMenuCurrent::rowsOfTheSelectedParentMayBeAdded() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    openMenu(editor);
+    QTreeView* view = editor.view("tvMenu");
+    clickRow(view, editor->element("trend"));
+    clickRow(view, editor->element("glubzhe"), Qt::ControlModifier);
+    clickRow(view, editor->element("calc"), Qt::ControlModifier);
+    QCOMPARE(selected(editor), QStringList({"calc", "glubzhe", "trend"}));
+    clickRow(view, editor->element("calc"), Qt::ControlModifier);
+    QCOMPARE(selected(editor), QStringList({"glubzhe", "trend"}));
+    clickRow(view, editor->element("shema"));
+    QCOMPARE(selected(editor), QStringList({"shema"}));
+}
+
+void TestMenuCurrent::selectingAllKeepsOneLevel() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    openMenu(editor);
+    editor.view("tvMenu")->selectAll();
+    const QStringList keys = selected(editor);
+    QVERIFY(!keys.isEmpty());
+    QModelIndex parent = editor->element(qPrintable(keys.first())).parent();
+    for (const QString& key : keys)
+        QCOMPARE(editor->element(qPrintable(key)).parent(), parent);
+}
+
+QTEST_MAIN(TestMenuCurrent)
+#include "tst_menu_current.moc"

@@ -1,0 +1,432 @@
+// The window of the menu editor: its form, its start, the arrangement of the views.
+#include "tests/menu/MenuProbe.h"
+
+#include "frame/WindowParts.h"
+
+#include <QHeaderView>
+#include <QLayout>
+#include <QMenu>
+#include <QSplitter>
+#include <QToolBar>
+#include <QToolButton>
+
+using namespace orvo::test;
+
+class TestMenuWindow : public QObject {
+    Q_OBJECT
+private slots:
+    void actionsHaveTheirTexts_data();
+    void actionsHaveTheirTexts();
+    void theViewsStandInTheirPanes();
+    void theToolBarKeepsItsOrder();
+    void popUpsHoldTheirActions();
+    void theFormWarnsOfNothing();
+    void aWindowKeepsTheNameItHas();
+    void startSetsTheTitle();
+    void startSwitchesSaveAndCancelOff();
+    void startArrangesTheDesktops();
+    void startArrangesTheMenu();
+    void startArrangesThePassport();
+    void expandingAFolderOpensItsIcon();
+    void aTableThatCannotBeFetchedEndsTheStart_data();
+    void aTableThatCannotBeFetchedEndsTheStart();
+    void aModuleThatDidNotStartSurvivesNotifications();
+    void theLastTableKeepsTheKeysItCameWith();
+    void theFocusKeyWaitsForItsRow();
+    void closingAndStoppingIsQuiet();
+    void theWindowMayGoWhileAViewHasTheFocus();
+};
+
+void TestMenuWindow::actionsHaveTheirTexts_data() {
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("toolTip");
+    QTest::addColumn<QString>("image");
+    QTest::newRow("actAddFoldertvDesck") << "Папку"
+                                         << "Создать папку"
+                                         << "closedfolder1";
+    QTest::newRow("actAddDescktop") << "Рабочий стол"
+                                    << "Рабочий стол"
+                                    << "descktop1";
+    QTest::newRow("actMoveUp") << ""
+                               << "Переместить вверх"
+                               << "up1";
+    QTest::newRow("actMoveDown") << ""
+                                 << "Переместить вниз"
+                                 << "down1";
+    QTest::newRow("actNewElemFolder") << "Папка"
+                                      << "Новая папка"
+                                      << "closedfolder1";
+    QTest::newRow("actNewElemModul") << "Модуль"
+                                     << "Новый модуль"
+                                     << "modul1";
+    QTest::newRow("actNewElemFunction") << "Функция"
+                                        << "Новая функция"
+                                        << "function1";
+    QTest::newRow("actNewElemFile") << "Файл"
+                                    << "Новый файл"
+                                    << "file1";
+    QTest::newRow("actDeleteFromtvDesck") << "Удалить"
+                                          << "Удалить папку или рабочий стол"
+                                          << "delete1";
+    QTest::newRow("actDeleteElem") << "Удалить элемент"
+                                   << "Удалить элемент"
+                                   << "delelem1";
+    QTest::newRow("actCopyDescktopOrFolder") << "Копировать"
+                                             << "Копировать"
+                                             << "copy1";
+    QTest::newRow("actPasteDescktopOrFolder") << "Вставить"
+                                              << "Вставить"
+                                              << "paste1";
+    QTest::newRow("actChangeDescktopOrFolder") << "Изменить"
+                                               << "Изменить"
+                                               << "edit1";
+    QTest::newRow("actCutMenuElement") << "Вырезать"
+                                       << "Вырезать"
+                                       << "cut1";
+    QTest::newRow("actCopyMenuElement") << "Копировать"
+                                        << "Копировать"
+                                        << "copy1";
+    QTest::newRow("actPasteMenuElement") << "Вставить"
+                                         << "Вставить"
+                                         << "paste1";
+}
+
+void TestMenuWindow::actionsHaveTheirTexts() {
+    QFETCH(QString, text);
+    QFETCH(QString, toolTip);
+    QFETCH(QString, image);
+    TestStore store;
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    const QAction* action = editor.action(QTest::currentDataTag());
+    QCOMPARE(action->text(), text);
+    QCOMPARE(action->toolTip(), toolTip);
+    QCOMPARE(action->icon().pixmap(16, 16).toImage(),
+             orvo::image(qPrintable(image)).pixmap(16, 16).toImage());
+}
+
+void TestMenuWindow::theViewsStandInTheirPanes() {
+    TestStore store;
+    TestHost host(store);
+    MenuProbe window(&host);
+    QCOMPARE(window.objectName(), QString("OrvoMenu"));
+    QCOMPARE(window.size(), QSize(1146, 825));
+    QCOMPARE(window.windowTitle(), QString("MainWindow"));
+    QCOMPARE(window.centralWidget()->objectName(), QString("centWidget"));
+    const auto* splitter = window.findChild<QSplitter*>("splitter");
+    const auto* inner = window.findChild<QSplitter*>("splitter_2");
+    QCOMPARE(splitter->orientation(), Qt::Horizontal);
+    QCOMPARE(splitter->widget(0)->objectName(), QString("tvDesck"));
+    QCOMPARE(splitter->widget(1)->objectName(), QString("rightw"));
+    QCOMPARE(inner->orientation(), Qt::Horizontal);
+    QCOMPARE(inner->widget(0)->objectName(), QString("tvMenu"));
+    QCOMPARE(inner->widget(1)->objectName(), QString("propw"));
+    for (const char* name : {"tvDesck", "tvMenu", "tvProp"}) {
+        const auto* view = window.findChild<QTreeView*>(name);
+        QVERIFY(view);
+        QCOMPARE(view->font().family(), QString("Calibri"));
+        QCOMPARE(view->font().pointSize(), 12);
+        QVERIFY(!view->model());
+    }
+    for (const char* name : {"verticalLayout", "horizontalLayout"}) {
+        const auto* layout = window.findChild<QLayout*>(name);
+        QCOMPARE(layout->spacing(), 0);
+        QCOMPARE(layout->contentsMargins(), QMargins());
+    }
+}
+
+void TestMenuWindow::theToolBarKeepsItsOrder() {
+    TestStore store;
+    TestHost host(store);
+    MenuProbe window(&host);
+    auto* bar = window.findChild<QToolBar*>("toolBar");
+    QCOMPARE(bar->windowTitle(), QString("toolBar"));
+    QCOMPARE(window.toolBarArea(bar), Qt::TopToolBarArea);
+    QCOMPARE(bar->toolButtonStyle(), Qt::ToolButtonTextBesideIcon);
+    QStringList found;
+    for (QAction* action : bar->actions()) {
+        const auto* button = qobject_cast<QToolButton*>(bar->widgetForAction(action));
+        if (action->isSeparator()) {
+            found << "-";
+        } else if (!action->objectName().isEmpty()) {
+            found << action->objectName();
+        } else {
+            found << button->text();
+            QCOMPARE(button->toolButtonStyle(), Qt::ToolButtonTextBesideIcon);
+            QVERIFY(!button->icon().isNull());
+        }
+    }
+    QCOMPARE(found,
+             QStringList({"Создать", "actDeleteFromtvDesck", "-", "Сохранить", "Не сохранять", "-",
+                          "actMoveUp", "actMoveDown", "-", "Новый элемент", "actDeleteElem"}));
+}
+
+void TestMenuWindow::popUpsHoldTheirActions() {
+    TestStore store;
+    TestHost host(store);
+    MenuProbe window(&host);
+    QMap<QString, QStringList> popUps;
+    for (const QToolButton* button : window.findChildren<QToolButton*>()) {
+        if (!button->menu())
+            continue;
+        QCOMPARE(button->popupMode(), QToolButton::InstantPopup);
+        for (const QAction* action : button->menu()->actions())
+            popUps[button->text()] << action->objectName();
+    }
+    QCOMPARE(popUps.size(), 2);
+    QCOMPARE(popUps["Создать"], QStringList({"actAddFoldertvDesck", "actAddDescktop"}));
+    QCOMPARE(popUps["Новый элемент"], QStringList({"actNewElemFolder", "actNewElemModul",
+                                                   "actNewElemFunction", "actNewElemFile"}));
+}
+
+namespace {
+int warnings = 0;
+void countWarnings(QtMsgType, const QMessageLogContext&, const QString&) {
+    ++warnings;
+}
+} // namespace
+
+// Other messages still get through afterwards.
+void TestMenuWindow::theFormWarnsOfNothing() {
+    TestStore store;
+    TestHost host(store);
+    warnings = 0;
+    const QtMessageHandler previous = qInstallMessageHandler(countWarnings);
+    { MenuProbe window(&host); }
+    const int whileMaking = warnings;
+    qWarning("QMetaObject::connectSlotsByName: No matching signal, said by someone else");
+    qInstallMessageHandler(previous);
+    QCOMPARE(whileMaking, 0);
+    QCOMPARE(warnings, 1);
+}
+
+void TestMenuWindow::aWindowKeepsTheNameItHas() {
+    TestStore store;
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QCOMPARE(editor->objectName(), QString("OrvoMenu"));
+}
+
+void TestMenuWindow::startSetsTheTitle() {
+    TestStore store;
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(host.titles.isEmpty());
+    QVERIFY(editor.start());
+    QCOMPARE(host.titles, QStringList({"Редактор меню", ""}));
+    QVERIFY(host.logLines.isEmpty());
+    QVERIFY(host.failures.isEmpty());
+    QCOMPARE(editor.watchedModels(), 3);
+}
+
+void TestMenuWindow::startSwitchesSaveAndCancelOff() {
+    TestStore store;
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    editor->m_skipDesckChange = true;
+    editor->m_editMode = MenuProbe::EditElement;
+    QVERIFY(editor.start());
+    for (const QToolButton* button : editor->findChildren<QToolButton*>())
+        if (button->text() == "Сохранить" || button->text() == "Не сохранять")
+            QVERIFY(!button->isEnabled());
+    QCOMPARE(editor->m_editMode, int32_t(MenuProbe::NoEdit));
+    QVERIFY(!editor->m_skipDesckChange);
+}
+
+void TestMenuWindow::startArrangesTheDesktops() {
+    TestStore store;
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(editor.start());
+    const QTreeView* view = editor.view("tvDesck");
+    QCOMPARE(view->styleSheet(), orvo::treeStyleSheet());
+    QCOMPARE(view->editTriggers(), QAbstractItemView::NoEditTriggers);
+    QVERIFY(view->isHeaderHidden());
+    QCOMPARE(view->textElideMode(), Qt::ElideNone);
+    QCOMPARE(view->contextMenuPolicy(), Qt::CustomContextMenu);
+    QCOMPARE(view->selectionBehavior(), QAbstractItemView::SelectRows);
+    QCOMPARE(view->selectionMode(), QAbstractItemView::SingleSelection);
+    QStringList titles;
+    for (int column = 0; column < view->model()->columnCount(); ++column) {
+        titles << view->model()->headerData(column, Qt::Horizontal).toString();
+        QCOMPARE(view->isColumnHidden(column), column >= 1);
+    }
+    QCOMPARE(titles, QStringList({"Name", "KeyLink", "ParentKey", "Order", "IsFolder", "IsNew"}));
+    QVERIFY(qobject_cast<DesckDelegate*>(view->itemDelegate()));
+}
+
+void TestMenuWindow::startArrangesTheMenu() {
+    TestStore store;
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(editor.start());
+    const QTreeView* view = editor.view("tvMenu");
+    QCOMPARE(view->styleSheet(), orvo::treeStyleSheet());
+    QCOMPARE(view->editTriggers(), QAbstractItemView::NoEditTriggers);
+    QCOMPARE(view->textElideMode(), Qt::ElideNone);
+    QCOMPARE(view->contextMenuPolicy(), Qt::CustomContextMenu);
+    QCOMPARE(view->selectionBehavior(), QAbstractItemView::SelectRows);
+    QCOMPARE(view->selectionMode(), QAbstractItemView::ExtendedSelection);
+    QVERIFY(view->dragEnabled() && view->acceptDrops() && view->showDropIndicator());
+    QStringList titles;
+    for (int column = 0; column < view->model()->columnCount(); ++column) {
+        titles << view->model()->headerData(column, Qt::Horizontal).toString();
+        QCOMPARE(view->isColumnHidden(column), column >= 3);
+    }
+    QCOMPARE(titles,
+             QStringList({" ", "тип", "команда", "FolderKey", "Icon", "KeyLink", "MenuResKey",
+                          "OneCopy", "order", "Params", "ParentKey", "Separator", "IsNew"}));
+    QCOMPARE(view->columnWidth(0), 300);
+}
+
+void TestMenuWindow::startArrangesThePassport() {
+    TestStore store;
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(editor.start());
+    const QTreeView* view = editor.view("tvProp");
+    QCOMPARE(view->editTriggers(), QAbstractItemView::AllEditTriggers);
+    QVERIFY(view->isHeaderHidden());
+    QStringList titles;
+    for (int column = 0; column < view->model()->columnCount(); ++column) {
+        titles << view->model()->headerData(column, Qt::Horizontal).toString();
+        QCOMPARE(view->isColumnHidden(column), column >= 2);
+    }
+    QCOMPARE(titles, QStringList({"caption", "value", "editor", "readonly", "name", "iseditrow"}));
+    QCOMPARE(view->columnWidth(0), 200);
+    QVERIFY(qobject_cast<PasspDelegate*>(view->itemDelegate()));
+}
+
+void TestMenuWindow::expandingAFolderOpensItsIcon() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(editor.start());
+    const auto iconOf = [](const QModelIndex& row) {
+        return row.data(Qt::DecorationRole).value<QIcon>().pixmap(16, 16).toImage();
+    };
+    const QImage closed = orvo::image("closedfolder1").pixmap(16, 16).toImage();
+    const QImage open = orvo::image("openfolder1").pixmap(16, 16).toImage();
+    QCOMPARE(iconOf(editor->desck("ceh")), closed);
+    editor.view("tvDesck")->expand(editor->desck("ceh"));
+    QCOMPARE(iconOf(editor->desck("ceh")), open);
+    editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
+    QCOMPARE(iconOf(editor->element("grafiki")), closed);
+    editor.view("tvMenu")->expand(editor->element("grafiki"));
+    QCOMPARE(iconOf(editor->element("grafiki")), open);
+    editor.view("tvMenu")->collapse(editor->element("grafiki"));
+    QCOMPARE(iconOf(editor->element("grafiki")), closed);
+}
+
+void TestMenuWindow::aTableThatCannotBeFetchedEndsTheStart_data() {
+    QTest::addColumn<QString>("place");
+    QTest::newRow("MenuResource") << "OrvoMenu::loadTables->MenuResource";
+    QTest::newRow("MenuFolder") << "OrvoMenu::loadTables->MenuFolder";
+    // The other editor's name stands in this place of this one.
+    QTest::newRow("MenuResourceFolder") << "OrvoResources::loadTables->MenuResourceFolder";
+}
+
+void TestMenuWindow::aTableThatCannotBeFetchedEndsTheStart() {
+    QFETCH(QString, place);
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    store.sql(
+        qPrintable(QString("ALTER TABLE \"%1\" RENAME TO \"gone\"").arg(QTest::currentDataTag())));
+    MenuEditor editor(host, "Menu");
+    QVERIFY(!editor.start());
+    QCOMPARE(host.logLines.size(), 1);
+    QCOMPARE(host.logLines[0].level, 5);
+    QCOMPARE(host.logLines[0].place, place);
+    QVERIFY2(host.logLines[0].text.startsWith("Ошибка -> "), qPrintable(host.logLines[0].text));
+    QCOMPARE(host.titles, QStringList({"Редактор меню", ""}));
+    for (const char* name : {"tvDesck", "tvMenu", "tvProp"})
+        QVERIFY(!editor.view(name)->model());
+}
+
+void TestMenuWindow::aModuleThatDidNotStartSurvivesNotifications() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    store.sql("ALTER TABLE \"MenuFolder\" RENAME TO \"gone\"");
+    MenuEditor editor(host, "Menu");
+    QVERIFY(!editor.start());
+    store.sql("ALTER TABLE \"gone\" RENAME TO \"MenuFolder\"");
+    addDesck(store, "novyi", "", "Новый", false);
+    addElement(store, "armop", "eshe", "", "Ещё", 5000);
+    store.update("MenuFolder", {{"KeyLink", "ceh"}, {"caption", "Цех 2"}});
+    store.remove("Menu", "trend");
+    editor->m_focusKey = "eshe";
+    host.deliver(*editor.module);
+    QCOMPARE(editor->m_focusKey, QString("eshe"));
+    QVERIFY(!editor.view("tvDesck")->model());
+}
+
+void TestMenuWindow::theLastTableKeepsTheKeysItCameWith() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(editor.start());
+    QCOMPARE(editor->m_tabResource.array->keyCount, 2u);
+    QCOMPARE(editor->m_tabFolder.array->keyCount, 4u);
+    QCOMPARE(editor->m_tabFolder.array->recordCount, 6u);
+    CMDArray fetched;
+    QVERIFY(host.ownStore().fetch("MenuResourceFolder", fetched.array).ok());
+    QCOMPARE(editor->m_tabResFolder.array->keyCount, fetched.array->keyCount);
+    QCOMPARE(editor->m_tabMenu.array->fieldCount, uint8_t(0));
+}
+
+void TestMenuWindow::theFocusKeyWaitsForItsRow() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(editor.start());
+    editor->m_focusKey = "TREND";
+    editor->MessageOn();
+    QCOMPARE(editor->m_focusKey, QString("TREND"));
+    editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
+    editor->MessageOn();
+    QCOMPARE(editor.view("tvMenu")->currentIndex(), editor->element("trend"));
+    QVERIFY(editor->m_focusKey.isNull());
+    // Without a key nothing moves.
+    editor.view("tvMenu")->setCurrentIndex(editor->element("shema"));
+    editor->MessageOn();
+    QCOMPARE(editor.view("tvMenu")->currentIndex(), editor->element("shema"));
+}
+
+void TestMenuWindow::closingAndStoppingIsQuiet() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    auto window = std::make_unique<MenuProbe>(&host);
+    QVERIFY(window->ModuleStart());
+    window->show();
+    window->close();
+    window->ModuleStop();
+    window.reset();
+    QVERIFY(host.logLines.isEmpty());
+}
+
+void TestMenuWindow::theWindowMayGoWhileAViewHasTheFocus() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    for (const char* name : {"tvDesck", "tvMenu", "tvProp"}) {
+        auto window = std::make_unique<MenuProbe>(&host);
+        QVERIFY(window->ModuleStart());
+        window->show();
+        window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(window.get()));
+        auto* desck = window->findChild<QTreeView*>("tvDesck");
+        desck->setCurrentIndex(window->desck("armop"));
+        window->findChild<QTreeView*>("tvMenu")->setCurrentIndex(window->element("trend"));
+        window->findChild<QTreeView*>(name)->setFocus();
+        window.reset();
+    }
+}
+
+QTEST_MAIN(TestMenuWindow)
+#include "tst_menu_window.moc"
