@@ -24,6 +24,8 @@
 #include <cstring>
 #include <fcntl.h>
 #include <functional>
+#include <limits>
+#include <malloc.h>
 #include <memory>
 #include <string>
 #include <sys/wait.h>
@@ -276,6 +278,10 @@ void benchLargeFile(const QString& directory) {
 } // namespace
 
 int main(int argc, char** argv) {
+    // Freed memory stays with the process, so that after the first round both sides write to memory
+    // that was touched before.
+    mallopt(M_MMAP_MAX, 0);
+    mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
     QCoreApplication application(argc, argv);
     const int records = argc > 1 ? std::max(1, std::atoi(argv[1])) : 1000000;
     // Beside the program, so that it is a disk and not memory.

@@ -22,6 +22,7 @@ namespace {
 const char settings[] = "PRAGMA synchronous = FULL;"
                         "PRAGMA wal_autocheckpoint = 4000;"
                         "PRAGMA journal_size_limit = 33554432;"
+                        "PRAGMA cache_size = -65536;"
                         "PRAGMA secure_delete = FAST;"
                         "PRAGMA foreign_keys = OFF;";
 
