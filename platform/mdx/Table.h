@@ -23,7 +23,7 @@ constexpr size_t maxKeys = 64;
 /// often thrown away unused.
 class Table {
 public:
-    explicit Table(MDArray* owner) : m_owner(owner), m_records(owner) {}
+    explicit Table(MDArray* owner) : m_records(owner) {}
 
     const Structure* structure() const noexcept { return m_structure.get(); }
     /// Only for a table without records and keys.
@@ -88,7 +88,6 @@ private:
 
     static constexpr uint32_t hole = UINT32_MAX;
 
-    MDArray* m_owner;
     StructureRef m_structure;
     RecordPool m_records;
     bool m_hasRecords = false;     ///< a record has been created

@@ -1,0 +1,81 @@
+// Writes the seed corpora: sound images, raw records and key descriptions to start from.
+#include "platform/mdx/MdxBuild.h"
+
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+
+namespace {
+
+std::filesystem::path root;
+
+void write(const char* folder, const char* name, const void* bytes, size_t size) {
+    std::filesystem::create_directories(root / folder);
+    std::ofstream out(root / folder / name, std::ios::binary);
+    out.write(static_cast<const char*>(bytes), static_cast<std::streamsize>(size));
+}
+
+MDArray* makeTable(int records) {
+    MDArray* array = nullptr;
+    MDACreate(&array, 0);
+    const MdxType types[] = {MDX_TEXT, MDX_INTEGER, MDX_BOOLEAN, MDX_DATE, MDX_BLOCK};
+    const char* const names[] = {"KeyLink", "type_", "flag", "stamp", "data"};
+    for (int i = 0; i < 5; ++i)
+        orvo::mdx::addField(array, names[i], types[i]);
+    const char* const keys[] = {"KeyLink", "type_;KeyLink", "data;stamp"};
+    for (const char* key : keys) {
+        MDAKeyDescription description{};
+        std::strcpy(description.name, key);
+        description.flags = key == keys[0] ? 0 : 8;
+        MDAKeyAdd(array, 1, &description);
+    }
+    orvo::mdx::RecordWriter writer(array);
+    for (int i = 0; i < records; ++i) {
+        const std::string key = "key " + std::to_string(i);
+        writer.begin();
+        writer.text1251(0, key.data(), key.size());
+        if (i % 2)
+            writer.integer(1, i % 3);
+        writer.boolean(2, i % 3 == 0);
+        writer.block(4, "\0\1\2\3", size_t(i % 5));
+        writer.end();
+    }
+    writer.finish();
+    return array;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: fuzz_seeds FOLDER\n");
+        return 2;
+    }
+    root = argv[1];
+    for (const int records : {0, 1, 3, 40}) {
+        MDArray* array = makeTable(records);
+        const std::string name = "seed" + std::to_string(records);
+        void* bytes = nullptr;
+        uint32_t size = MDAPack(array, &bytes);
+        write("image", name.c_str(), bytes, size);
+        MDMemFree(bytes);
+        if (const MDRData* record = orvo::mdx::postedRecord(array, uint32_t(records) / 2)) {
+            size = orvo::mdx::rawRecord(record, &bytes);
+            write("raw_record", name.c_str(), bytes, size);
+            MDMemFree(bytes);
+        }
+        MDADestroy(array);
+    }
+    const char* const keys[] = {"\x08"
+                                "a;b",
+                                "\x08"
+                                "C;d;E;a",
+                                "\x08"
+                                "e",
+                                "\x01"
+                                "a"};
+    for (int i = 0; i < 4; ++i)
+        write("key_description", std::to_string(i).c_str(), keys[i], std::strlen(keys[i]));
+    return 0;
+}
