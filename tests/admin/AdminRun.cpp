@@ -71,6 +71,12 @@ QString AdminRun::sql(const QString& statement) const {
     return first;
 }
 
+void AdminRun::copyFrom(const AdminRun& other) const {
+    other.sql(QStringLiteral("pragma wal_checkpoint(truncate)"));
+    if (!QFile::copy(other.storePath(), storePath()))
+        qFatal("cannot copy %s", qPrintable(other.storePath()));
+}
+
 int AdminRun::count(const QString& table) const {
     return sql(QStringLiteral("select count(*) from \"%1\"").arg(table)).toInt();
 }

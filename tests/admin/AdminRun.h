@@ -32,6 +32,9 @@ public:
     /// Makes the store; whether that went well.
     bool init() const { return run({QStringLiteral("init")}).code == 0; }
 
+    /// Makes the store a copy of another one.
+    void copyFrom(const AdminRun& other) const;
+
     /// Runs a statement on the store by hand; the first value of the first row as text. Fails the
     /// program loudly if the statement fails.
     QString sql(const QString& statement) const;

@@ -13,6 +13,22 @@ void checkOptions(QCommandLineParser& parser) {
                           .arg(Findings::shownPerRule)});
 }
 
+/// Checks the tables and gives the number of their records.
+int checkRecords(store::Store& store, Findings& findings) {
+    const Catalogue catalogue(store);
+    checkPeople(catalogue, findings);
+    checkDesktops(catalogue, findings);
+    checkElements(catalogue, findings);
+    checkFolders(catalogue, findings);
+    checkResources(catalogue, findings);
+    checkContents(store, catalogue, findings);
+    int records = 0;
+    for (const Table* table : {&catalogue.users, &catalogue.extensions, &catalogue.folders,
+                               &catalogue.resources, &catalogue.desktops, &catalogue.elements})
+        records += table->count();
+    return records;
+}
+
 int run(const Invocation& call) {
     const auto store = call.open();
     Findings findings(call.has("all"));
@@ -22,19 +38,16 @@ int run(const Invocation& call) {
     for (const std::string& damage : damages)
         findings.damage(damage);
 
-    const Catalogue catalogue(*store);
-    checkPeople(catalogue, findings);
-    checkDesktops(catalogue, findings);
-    checkElements(catalogue, findings);
-    checkFolders(catalogue, findings);
-    checkResources(catalogue, findings);
-    checkContents(*store, catalogue, findings);
-    findings.finish();
-
     int records = 0;
-    for (const Table* table : {&catalogue.users, &catalogue.extensions, &catalogue.folders,
-                               &catalogue.resources, &catalogue.desktops, &catalogue.elements})
-        records += table->count();
+    try {
+        records = checkRecords(*store, findings);
+    } catch (const Failure& failure) {
+        // Of a damaged database some tables may not be readable: one finding more.
+        if (damages.empty())
+            throw;
+        findings.damage(failure.what());
+    }
+    findings.finish();
     out("проверено записей: " + std::to_string(records) + ", ошибок: " +
         std::to_string(findings.errors()) + ", замечаний: " + std::to_string(findings.warnings()));
     return findings.errors() ? ErrorsFound : Done;
