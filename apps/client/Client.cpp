@@ -53,6 +53,10 @@ bool Client::open(QString* error) {
         m_session = client::makeSession(std::move(store), &status);
     if (!m_session) {
         *error = QString::fromStdString(status.text);
+        const QString file = QString(m_options.store).remove(QStringLiteral("sqlite://"));
+        if (!file.contains(QStringLiteral("://")) && !QFileInfo::exists(file))
+            *error += QStringLiteral("; новое хранилище делает orvo-admin --store %1 init")
+                          .arg(m_options.store);
         return false;
     }
     if (!openWorkDir(error) || !m_library.load(QCoreApplication::applicationDirPath(), error))

@@ -13,6 +13,7 @@ namespace {
 constexpr int pollMs = 1000;       ///< behind a wake-up descriptor
 constexpr int pollAloneMs = 100;   ///< without one
 constexpr int blockedRetryMs = 25; ///< while a dialog, menu or drag is up
+constexpr int lastRelookMs = 256;  ///< a commit takes no longer to become visible
 constexpr int firstBackOffMs = 250;
 constexpr int lastBackOffMs = 15000;
 constexpr int readLimit = 256; ///< rows of one read: a fraction of a slice
@@ -28,6 +29,8 @@ NotificationPump::NotificationPump(COrvoCliSes& session, ModuleRegistry& modules
     m_step.setSingleShot(true);
     connect(&m_step, &QTimer::timeout, this, &NotificationPump::step);
     connect(&m_poll, &QTimer::timeout, this, &NotificationPump::poll);
+    m_relook.setSingleShot(true);
+    connect(&m_relook, &QTimer::timeout, this, &NotificationPump::relook);
     connect(&sessionEvents(session), &SessionEvents::written, this, &NotificationPump::request);
 }
 
@@ -79,10 +82,20 @@ void NotificationPump::watch() {
             connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] {
                 sessionStore(m_session).takeWake();
                 request();
+                m_relook.start(1);
             });
         }
     }
     m_poll.start(fd >= 0 ? pollMs : pollAloneMs);
+}
+
+/// A wake-up may come before the change can be read: the writer has written, but its disk is still
+/// busy making it durable. So the log is looked at again, at growing intervals.
+void NotificationPump::relook() {
+    const int next = m_relook.interval() * 2;
+    poll();
+    if (next <= lastRelookMs)
+        m_relook.start(next);
 }
 
 void NotificationPump::poll() {

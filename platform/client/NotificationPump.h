@@ -53,6 +53,7 @@ private:
     void request();
     void watch();
     void poll();
+    void relook();
     void step();
     bool readMore();
     void deliverSlice();
@@ -64,6 +65,7 @@ private:
     std::unique_ptr<QSocketNotifier> m_notifier;
     QTimer m_poll;
     QTimer m_step;
+    QTimer m_relook;
     std::deque<store::Change> m_backlog;
     int64_t m_cursor;
     int m_chunk = 1;       ///< changes handed over at once, by what they cost so far

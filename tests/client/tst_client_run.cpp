@@ -132,6 +132,7 @@ private slots:
         QCOMPARE(result.code, 1);
         QVERIFY_ONE_LINE(result);
         QVERIFY(result.errors[0].contains("none.db"));
+        QVERIFY(result.errors[0].contains("orvo-admin")); // what to do
         QVERIFY(!QFileInfo::exists(place.dir.path() + "/none.db"));
     }
 
