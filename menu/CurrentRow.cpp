@@ -123,6 +123,10 @@ void OrvoMenu::on_tvMenu_selectionChanged(const QItemSelection& selected, const 
         return;
     deselectStrangers(selection, rows, rows.first().parent());
     const QModelIndexList remaining = selection->selectedRows();
-    if (!remaining.isEmpty())
-        deselectStrangers(selection, rows, remaining.first().parent());
+    if (remaining.isEmpty())
+        return;
+    const QModelIndex parent = remaining.first().parent();
+    deselectStrangers(selection, rows, parent);
+    // What was selected before is not in the list; it must not stand beside rows of another parent.
+    deselectStrangers(selection, remaining, parent);
 }

@@ -26,7 +26,9 @@ private slots:
     void whileADesktopIsEditedElementsHaveNoPassport();
     void aClickSelectsOneRow();
     void aSelectionStaysWithinOneParent();
-    void aRangeOverLevelsKeepsItsFirstParent();
+    void aRangeOverLevelsEndsWithinOneParent_data();
+    void aRangeOverLevelsEndsWithinOneParent();
+    void aRangeOfSiblingsIsKeptWhole();
     void rowsOfTheSelectedParentMayBeAdded();
     void selectingAllKeepsOneLevel();
 
@@ -272,20 +274,53 @@ void TestMenuCurrent::aSelectionStaysWithinOneParent() {
     QCOMPARE(editor->m_currentMenuKey, QString("MenuRootNode"));
 }
 
-void TestMenuCurrent::aRangeOverLevelsKeepsItsFirstParent() {
+void TestMenuCurrent::aRangeOverLevelsEndsWithinOneParent_data() {
+    QTest::addColumn<QString>("from");
+    QTest::addColumn<QString>("to");
+    QTest::newRow("over a subtree") << "shema"
+                                    << "propal";
+    QTest::newRow("out of a folder") << "trend"
+                                     << "propal";
+    QTest::newRow("into a folder") << "shema"
+                                   << "form";
+    QTest::newRow("from the root") << "MenuRootNode"
+                                   << "propal";
+    QTest::newRow("upwards") << "propal"
+                             << "shema";
+}
+
+void TestMenuCurrent::aRangeOverLevelsEndsWithinOneParent() {
+    QFETCH(QString, from);
+    QFETCH(QString, to);
     TestStore store;
     fillPlant(store);
     TestHost host(store);
     MenuEditor editor(host, "Menu");
     openMenu(editor);
     QTreeView* view = editor.view("tvMenu");
-    clickRow(view, editor->element("shema"));
-    clickRow(view, editor->element("propal"), Qt::ShiftModifier);
-    qDebug() << selected(editor);
-    QCOMPARE(selected(editor), QStringList({"grafiki", "propal", "shema"}));
+    clickRow(view, editor->element(qPrintable(from)));
+    clickRow(view, editor->element(qPrintable(to)), Qt::ShiftModifier);
+    const QStringList keys = selected(editor);
+    QVERIFY(!keys.isEmpty());
+    for (const QString& key : keys)
+        QCOMPARE(editor->element(qPrintable(key)).parent(),
+                 editor->element(qPrintable(keys.first())).parent());
+}
+
+void TestMenuCurrent::aRangeOfSiblingsIsKeptWhole() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    openMenu(editor);
+    QTreeView* view = editor.view("tvMenu");
     clickRow(view, editor->element("trend"));
-    clickRow(view, editor->element("propal"), Qt::ShiftModifier);
+    clickRow(view, editor->element("glubzhe"), Qt::ShiftModifier);
     QCOMPARE(selected(editor), QStringList({"calc", "glubzhe", "trend"}));
+    view->collapse(editor->element("grafiki"));
+    clickRow(view, editor->element("propal"));
+    clickRow(view, editor->element("shema"), Qt::ShiftModifier);
+    QCOMPARE(selected(editor), QStringList({"grafiki", "propal", "shema"}));
 }
 
 void TestMenuCurrent::rowsOfTheSelectedParentMayBeAdded() {
@@ -314,7 +349,7 @@ void TestMenuCurrent::selectingAllKeepsOneLevel() {
     editor.view("tvMenu")->selectAll();
     const QStringList keys = selected(editor);
     QVERIFY(!keys.isEmpty());
-    QModelIndex parent = editor->element(qPrintable(keys.first())).parent();
+    const QModelIndex parent = editor->element(qPrintable(keys.first())).parent();
     for (const QString& key : keys)
         QCOMPARE(editor->element(qPrintable(key)).parent(), parent);
 }
