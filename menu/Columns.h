@@ -38,6 +38,9 @@ inline constexpr char menuRootKey[] = "MenuRootNode";
 inline constexpr char folderClass[] = "1000";
 inline constexpr char desktopClass[] = "2000";
 
+/// The distance between the `order_` of new neighbours.
+inline constexpr int orderStep = 1000;
+
 /// Clipboard formats.
 inline constexpr char menuMime[] = "OrvoMenu/menu";
 inline constexpr char desckMime[] = "OrvoMenu/descktop";

@@ -24,10 +24,14 @@ void OrvoMenu::clearMenuModel() {
         m_propModel->clearRows();
 }
 
-void OrvoMenu::loadMenuTree(const QString& desckKey) {
+MDArray* OrvoMenu::requestMenu(const QString& desckKey) const {
     const QByteArray sql =
         orvo::toRecord(QStringLiteral("select * from Menu where FolderKey = '%1'").arg(desckKey));
-    m_tabMenu.Attach(m_app->m_session->SqlRequest(sql.constData()));
+    return m_app->m_session->SqlRequest(sql.constData());
+}
+
+void OrvoMenu::loadMenuTree(const QString& desckKey) {
+    m_tabMenu.Attach(requestMenu(desckKey));
     orvo::setKeys(m_tabMenu, {"parent;order_"});
 
     MenuTreeModel& model = *m_menuModel;

@@ -49,6 +49,8 @@ OrvoMenu::OrvoMenu(COrvoCliApp* app)
     orvo::arrangeToolBar(bar);
 
     m_ui->splitter->setSizes({120, 400});
+    // All three columns of the menu beside the two of the passport.
+    m_ui->splitter_2->setSizes({600, 400});
 }
 
 OrvoMenu::~OrvoMenu() {

@@ -8,7 +8,9 @@
 //
 // The sources are split by subject: OrvoMenu (start, tables, notifications' end), Arrangement (the
 // views), Actions (what is switched on when, context menus), DesktopTree, MenuTree and Passports
-// (filling), CurrentRow (what a move of the current row or the selection does).
+// (filling), CurrentRow (what a move of the current row or the selection does), Notifications (what
+// comes back from the server), Creating (new elements, the picker), Editing (save and cancel),
+// DesktopOperations, Clipboard, Ordering (move buttons and drops), Deletion.
 #ifndef ORVO_MENU_ORVOMENU_H
 #define ORVO_MENU_ORVOMENU_H
 
@@ -17,6 +19,7 @@
 #include "picker/ObjectListOwner.h"
 
 #include <QAbstractItemDelegate>
+#include <QMap>
 #include <QPersistentModelIndex>
 #include <QString>
 #include <QStringList>
@@ -31,7 +34,14 @@ class QItemSelection;
 class QMenu;
 class QTextCodec;
 class QToolButton;
+class QTreeView;
 class Ui_OrvoMenu;
+
+namespace orvo {
+class Notification;
+class RowWriter;
+class ScratchTable;
+} // namespace orvo
 
 class OrvoMenu : public COrvoCliMod, public orvo::ObjectListOwner {
     Q_OBJECT
@@ -45,6 +55,8 @@ public:
     bool ModuleStart() override;
     void ModuleStop() override;
     void MessageOn() override;
+    /// Merges a notification into its table and then into the tree. Always true.
+    bool MessageData(MDXCliParam* prm) override;
 
     const CMDArray* resourceTable() const override { return &m_tabResource; }
     const CMDArray* resourceFolderTable() const override { return &m_tabResFolder; }
@@ -132,6 +144,39 @@ protected:
     void loadFolderPassport(const QModelIndex& index);
     void loadItemPassport(const QModelIndex& index);
 
+    // Editing
+    /// Adds the record of an element's row, every field of it.
+    void loadMenuRowToTable(const QModelIndex& index, orvo::ScratchTable& out,
+                            MdxRecordFlag flag) const;
+
+    // Desktop operations. The paste functions add records for one row, or for a folder with all
+    // below it; the null string as `name` keeps the old caption.
+    void pasteDesckItemToDB(const QString& parent, const QString& source, const QString& name,
+                            orvo::ScratchTable& elements, orvo::ScratchTable& desktops);
+    void pasteDesckFolderToDB(const QString& parent, const QString& source, const QString& name,
+                              orvo::ScratchTable& elements, orvo::ScratchTable& desktops);
+
+    // Clipboard. A caption that is not the null string marks a chosen element, to be placed under
+    // `parent`; the null string one that comes with its folder and keeps its relative place.
+    // `keyMap`: old keys of the packed table to new ones.
+    void copyMenuItemToClipboard(const QString& key, orvo::ScratchTable& copies);
+    void copyMenuFolderToClipboard(const QString& key, orvo::ScratchTable& copies);
+    void pasteMenuItemToDB(const QString& desck, const QString& parent, const QString& key,
+                           const QString& caption, const CMDArray& source,
+                           orvo::ScratchTable& target, const QMap<QString, QString>& keyMap);
+    void pasteMenuFolderToDB(const QString& desck, const QString& parent, const QString& key,
+                             const QString& caption, const CMDArray& source,
+                             orvo::ScratchTable& target, const QMap<QString, QString>& keyMap);
+    void deleteAfterCutFromMenu(const CMDArray& source, const QStringList& keys);
+    void addMenuFolderToCut(const QString& key, const CMDArray& source, orvo::ScratchTable& target);
+
+    // Order and deletion
+    /// The `order_` of the last child of a row of the open desktop; the null string is the top of
+    /// the menu. 0 without children.
+    int32_t getLastMenuOrder(const QString& parent) const;
+    /// Adds the delete records of all that lies below an element, each folder before its contents.
+    void deleteMenuFolder(const QString& key, orvo::ScratchTable& out);
+
 protected slots:
     void on_focus_changed(QWidget* old, QWidget* now);
     void on_clipboardDataChanged();
@@ -155,8 +200,81 @@ protected slots:
     void on_passp_returnPressed(const QString& rowName);
     void on_save_pressed();
     void on_cancel_pressed();
+    void on_poplist_OK_Pressed();
+
+    void on_actNewElemModul_triggered();
+    void on_actNewElemFunction_triggered();
+    void on_actNewElemFile_triggered();
+    void on_actNewElemFolder_triggered();
+    void on_actDeleteElem_triggered();
+    void on_actMoveUp_triggered();
+    void on_actMoveDown_triggered();
+    void on_actCopyMenuElement_triggered();
+    void on_actCutMenuElement_triggered();
+    void on_actPasteMenuElement_triggered();
+    void on_actAddDescktop_triggered();
+    void on_actAddFoldertvDesck_triggered();
+    void on_actChangeDescktopOrFolder_triggered();
+    void on_actDeleteFromtvDesck_triggered();
+    void on_actCopyDescktopOrFolder_triggered();
+    void on_actPasteDescktopOrFolder_triggered();
+
+    void removeMenuMessage(QAbstractButton* button);
+    void removeDesckTopMessage(QAbstractButton* button);
 
 private:
+    // Notifications
+    /// The row of an element; invalid for an empty key.
+    QModelIndex elementRow(const QString& key) const;
+    void desckUpdated(const orvo::Notification& change);
+    void desckInserted(const orvo::Notification& change);
+    /// Writes the record into the row, puts it in its place and refreshes what depends on it.
+    void showDesck(const QString& key, MDRData* record, const QModelIndex& row);
+    void elementUpdated(const orvo::Notification& change);
+    void elementInserted(const orvo::Notification& change);
+    void recordDeleted(const orvo::Notification& change, CMDArray& table, QTreeView* view,
+                       const QModelIndex& row);
+
+    // Creating
+    CPopObjectList* picker();
+    void showPicker();
+    void chooseNewElements(int32_t kind);
+    void addChosenElements();
+    void takeChosenValue();
+    void setPassportValue(const QString& rowName, const QString& value);
+
+    // Editing
+    /// A new edit begins: the one that is open is saved first, as by moving the current row.
+    void finishPendingEdit();
+    void saveNewDesck();
+    void saveDesckName();
+    void closeDesckEditor(const QModelIndex& row);
+    void saveElement(const QModelIndex& row, MdxRecordFlag flag);
+    void cancelDesckName();
+    void cancelElement();
+
+    // Desktop operations
+    void addDesckRow(bool isFolder);
+    /// The record of a pasted row; gives its new key.
+    QString pasteDesckRow(const QString& parent, const MDRData* source, const QString& name,
+                          const char* orderClass, orvo::ScratchTable& desktops);
+
+    // Clipboard and order
+    void putOnClipboard(int mode);
+    void pasteMenuFolderRow(const QString& desck, const QString& parent, const QString& key,
+                            const QString& caption, const MDRData* record,
+                            orvo::ScratchTable& target, const QMap<QString, QString>& keyMap);
+    void swapWithNeighbour(int step);
+    orvo::RowWriter addOrder(orvo::ScratchTable& out, const QString& key, int order) const;
+    void dropIntoFolder(const QModelIndex& folder, const QStringList& keys,
+                        orvo::ScratchTable& moved);
+    void dropAmongSiblings(const QModelIndex& source, int position, orvo::ScratchTable& moved);
+    void dropBehindRow(const QModelIndex& source, const QModelIndex& destination, int position,
+                       orvo::ScratchTable& moved, orvo::ScratchTable& shifted);
+
+    /// The elements of a desktop from the server, the caller's; null if it does not answer.
+    MDArray* requestMenu(const QString& desckKey) const;
+
     /// Rows for the sub-folders or the desktops of `parentKey`, below `parent` or at the top of the
     /// batch; gives the new rows.
     std::vector<TabRec*> addDesckRows(DesckTreeModel::Batch& rows, TabRec* parent,

@@ -1,0 +1,253 @@
+// Copy, cut and paste of menu elements. The clipboard carries whole records with everything below
+// them, so that a paste works in another desktop and in another client. What the clipboard brings
+// is anybody's bytes and is checked before it is believed.
+#include "menu/OrvoMenu.h"
+
+#include "ui_OrvoMenu.h"
+
+#include "frame/FolderWalk.h"
+#include "frame/Records.h"
+#include "frame/ScratchTable.h"
+#include "menu/Columns.h"
+#include "menu/MenuPayload.h"
+
+#include <QClipboard>
+#include <QItemSelectionModel>
+#include <QMimeData>
+
+using orvo::KeyValues;
+using orvo::ScratchTable;
+using orvo::menu::menuMime;
+using orvo::menu::MenuPayload;
+using orvo::menu::menuRootKey;
+
+namespace {
+
+/// An element on its way out of a table: what a walk down the folders meets.
+struct Element {
+    QString key;
+    bool isFolder = false;
+    QString caption; ///< given for a chosen element; null for one that comes with its folder
+};
+
+/// What makes an element a folder is the NULL in its resource key.
+bool isFolderRecord(const MDRData* record) {
+    return orvo::isNull(record, "MenuResourceKey");
+}
+
+/// The elements of a folder in the order of key 1.
+std::vector<Element> childrenOf(const CMDArray& table, const QString& key) {
+    std::vector<Element> children;
+    orvo::walkGroup(table, 1, KeyValues().text(key), [&](const MDRData* record) {
+        if (!orvo::holdsText(record, "parent", key))
+            return false;
+        children.push_back({orvo::textOf(record, "KeyLink"), isFolderRecord(record), QString()});
+        return true;
+    });
+    return children;
+}
+
+/// Calls `visit(element)` for the element and, if it is a folder, for all below it: a folder before
+/// its contents. `visit` answers whether to go on below.
+template <class Visit>
+void walkElements(const CMDArray& table, const Element& first, Visit&& visit) {
+    orvo::walkFolders(
+        first, [](const Element& element) { return element.key; },
+        [&](const Element& element) -> std::vector<Element> {
+            if (!visit(element) || !element.isFolder)
+                return {};
+            return childrenOf(table, element.key);
+        });
+}
+
+/// The menu format's bytes on the clipboard; null without any.
+QByteArray payloadBytes(const QClipboard* clipboard) {
+    const QMimeData* offered = clipboard ? clipboard->mimeData() : nullptr;
+    return offered ? offered->data(QLatin1String(menuMime)) : QByteArray();
+}
+
+} // namespace
+
+void OrvoMenu::on_actCopyMenuElement_triggered() {
+    putOnClipboard(MenuPayload::Copy);
+}
+
+void OrvoMenu::on_actCutMenuElement_triggered() {
+    putOnClipboard(MenuPayload::Cut);
+}
+
+void OrvoMenu::putOnClipboard(int mode) {
+    if (!m_clipboard)
+        return;
+    ScratchTable copies(*m_app->m_session, "Menu");
+    if (!copies.fetch())
+        return;
+    orvo::setKeys(copies.table(), {"parent;order_"});
+    QStringList keys;
+    for (const QModelIndex& row : m_ui->tvMenu->selectionModel()->selectedRows(0)) {
+        const QString key = m_menuModel->getItemKeyLink(row);
+        keys.append(key);
+        if (m_menuModel->itemIsFolder(row))
+            copyMenuFolderToClipboard(key, copies);
+        else
+            copyMenuItemToClipboard(key, copies);
+    }
+    if (copies.isEmpty())
+        return;
+    const QByteArray bytes = MenuPayload::write(mode, keys, copies.table());
+    if (bytes.isEmpty())
+        return;
+    auto* mime = new QMimeData; // the clipboard's
+    mime->setData(QLatin1String(menuMime), bytes);
+    // Told beforehand: some platforms report the change before setMimeData returns, and this
+    // editor would then take its own cut for a foreign one.
+    if (mode == MenuPayload::Cut)
+        m_cutPending = true;
+    m_clipboard->setMimeData(mime, QClipboard::Clipboard);
+}
+
+void OrvoMenu::copyMenuItemToClipboard(const QString& key, ScratchTable& copies) {
+    if (const MDRData* record = orvo::seekKey(m_tabMenu, key))
+        copies.add().copyAll(record);
+}
+
+void OrvoMenu::copyMenuFolderToClipboard(const QString& key, ScratchTable& copies) {
+    walkElements(m_tabMenu, {key, true, QString()}, [&](const Element& element) {
+        copyMenuItemToClipboard(element.key, copies);
+        return true;
+    });
+}
+
+void OrvoMenu::on_clipboardDataChanged() {
+    if (MenuPayload::mode(payloadBytes(m_clipboard)) == MenuPayload::Copy)
+        return;
+    // A cut lives only in the editor that made it: whoever else learns of it takes it away.
+    if (!m_cutPending)
+        m_clipboard->clear(QClipboard::Clipboard);
+    m_cutPending = false;
+}
+
+void OrvoMenu::on_actPasteMenuElement_triggered() {
+    if (!m_clipboard || !m_menuModel)
+        return;
+    ScratchTable out(*m_app->m_session, "Menu");
+    if (!out.fetch())
+        return;
+    MenuPayload payload;
+    if (!payload.read(payloadBytes(m_clipboard)))
+        return;
+    if (!m_menuModel->findIndexByKey(m_currentMenuKey).isValid())
+        return;
+    const CMDArray& source = payload.table;
+    QMap<QString, QString> keyMap;
+    orvo::walkAll(source, 0, [&](const MDRData* record) {
+        keyMap.insert(orvo::textOf(record, "KeyLink"), QString::fromLatin1(GenGuid32()));
+        return true;
+    });
+    const QString parent = orvo::sameText(m_currentMenuKey, QString::fromLatin1(menuRootKey))
+                               ? QString()
+                               : m_currentMenuKey;
+    for (const QString& key : payload.keys) {
+        const MDRData* record = orvo::seekKey(source, key);
+        if (!record)
+            continue;
+        // A caption that is not the null string marks a chosen element.
+        QString caption = orvo::textOf(record, "caption");
+        if (caption.isNull())
+            caption = QStringLiteral("");
+        if (isFolderRecord(record))
+            pasteMenuFolderToDB(m_currentDesckKey, parent, key, caption, source, out, keyMap);
+        else if (orvo::seekKey(m_tabResource, orvo::textOf(record, "MenuResourceKey")))
+            pasteMenuItemToDB(m_currentDesckKey, parent, key, caption, source, out, keyMap);
+    }
+    out.send();
+    if (payload.cut)
+        deleteAfterCutFromMenu(source, payload.keys);
+}
+
+void OrvoMenu::pasteMenuItemToDB(const QString& desck, const QString& parent, const QString& key,
+                                 const QString& caption, const CMDArray& source,
+                                 ScratchTable& target, const QMap<QString, QString>& keyMap) {
+    const MDRData* record = orvo::seekKey(source, key);
+    if (!record)
+        return;
+    orvo::RowWriter row = target.add(MDX_INSERT);
+    row.text("KeyLink", keyMap.value(key));
+    if (caption.isNull()) {
+        if (orvo::isNull(record, "parent"))
+            row.null("parent");
+        else
+            row.text("parent", keyMap.value(orvo::textOf(record, "parent")));
+        row.copy("caption", record).copy("order_", record);
+    } else {
+        row.text("parent", parent)
+            .text("caption", caption)
+            .integer("order_", getLastMenuOrder(parent));
+    }
+    for (const char* field : {"params", "MenuResourceKey", "ico", "separator", "oneCopy"})
+        row.copy(field, record);
+    row.text("FolderKey", desck);
+}
+
+void OrvoMenu::pasteMenuFolderRow(const QString& desck, const QString& parent, const QString& key,
+                                  const QString& caption, const MDRData* record,
+                                  ScratchTable& target, const QMap<QString, QString>& keyMap) {
+    orvo::RowWriter row = target.add(MDX_INSERT);
+    row.text("KeyLink", keyMap.value(key));
+    if (caption.isNull()) {
+        // A folder below a folder carries its caption in `parent` and has none itself: other
+        // clients of the server know pasted sub-folders by this.
+        if (orvo::isNull(record, "caption"))
+            row.null("parent");
+        else
+            row.text("parent", orvo::textOf(record, "caption"));
+        row.copy("order_", record);
+    } else {
+        row.textOrNull("parent", parent)
+            .text("caption", caption)
+            .integer("order_", getLastMenuOrder(parent));
+    }
+    for (const char* field : {"params", "ico", "separator", "oneCopy"})
+        row.copy(field, record);
+    row.text("FolderKey", desck);
+}
+
+void OrvoMenu::pasteMenuFolderToDB(const QString& desck, const QString& parent, const QString& key,
+                                   const QString& caption, const CMDArray& source,
+                                   ScratchTable& target, const QMap<QString, QString>& keyMap) {
+    walkElements(source, {key, true, caption}, [&](const Element& element) {
+        const MDRData* record = orvo::seekKey(source, element.key);
+        if (!record)
+            return false;
+        if (element.isFolder)
+            pasteMenuFolderRow(desck, parent, element.key, element.caption, record, target, keyMap);
+        else if (orvo::seekKey(m_tabResource, orvo::textOf(record, "MenuResourceKey")))
+            pasteMenuItemToDB(desck, parent, element.key, element.caption, source, target, keyMap);
+        return true;
+    });
+}
+
+void OrvoMenu::deleteAfterCutFromMenu(const CMDArray& source, const QStringList& keys) {
+    ScratchTable out(*m_app->m_session, "Menu");
+    if (!out.fetch())
+        return;
+    for (const QString& key : keys) {
+        const MDRData* record = orvo::seekKey(source, key);
+        if (!record)
+            continue;
+        if (isFolderRecord(record))
+            addMenuFolderToCut(key, source, out);
+        else
+            out.add(MDX_DELETE).text("KeyLink", key);
+    }
+    out.send();
+}
+
+void OrvoMenu::addMenuFolderToCut(const QString& key, const CMDArray& source,
+                                  ScratchTable& target) {
+    // By the packed table: the source may belong to another desktop than the open one.
+    walkElements(source, {key, true, QString()}, [&](const Element& element) {
+        target.add(MDX_DELETE).text("KeyLink", element.key);
+        return true;
+    });
+}

@@ -1,0 +1,201 @@
+// New elements of a menu, and the picker rows of the passport. Modules, functions and files are
+// chosen in the picker and go to the server at once; a folder stands in the tree as a placeholder
+// until it is saved.
+#include "menu/OrvoMenu.h"
+
+#include "ui_OrvoMenu.h"
+
+#include "frame/CommonFunctions.h"
+#include "frame/Records.h"
+#include "frame/ScratchTable.h"
+#include "menu/Columns.h"
+#include "menu/Rows.h"
+#include "picker/PopObjectList.h"
+
+#include <QItemSelectionModel>
+#include <QToolButton>
+
+using orvo::menu::MenuColumn;
+using orvo::menu::orderStep;
+
+namespace {
+
+constexpr int pickerCaptionColumn = 1;
+constexpr int pickerKeyColumn = 4;
+constexpr int valueColumn = 1;
+
+bool isRow(const QString& rowName, const char* name) {
+    return orvo::sameText(rowName, QString::fromLatin1(name));
+}
+
+/// The `order_` of a new last child of a row.
+int nextOrder(const MenuTreeModel& model, const QModelIndex& parent) {
+    const int children = model.rowCount(parent);
+    return children == 0
+               ? 0
+               : model.index(children - 1, MenuColumn::Order, parent).data().toInt() + orderStep;
+}
+
+} // namespace
+
+CPopObjectList* OrvoMenu::picker() {
+    if (!m_popList) {
+        m_popList = new CPopObjectList(this); // child of the window
+        m_popList->moveToCenter();
+        m_popList->m_popup = true;
+        connect(m_popList, &CPopObjectList::btnOK_pressed, this, &OrvoMenu::on_poplist_OK_Pressed);
+    }
+    return m_popList;
+}
+
+void OrvoMenu::showPicker() {
+    // Each showing lists anew, also when the pop-up still stands open.
+    m_popList->hide();
+    m_popList->show();
+    m_popList->raise();
+    m_popList->activateWindow();
+}
+
+void OrvoMenu::on_actNewElemModul_triggered() {
+    chooseNewElements(CPopObjectList::KindModule);
+}
+
+void OrvoMenu::on_actNewElemFunction_triggered() {
+    chooseNewElements(CPopObjectList::KindFunction);
+}
+
+void OrvoMenu::on_actNewElemFile_triggered() {
+    chooseNewElements(CPopObjectList::KindForm);
+}
+
+void OrvoMenu::chooseNewElements(int32_t kind) {
+    CPopObjectList* list = picker();
+    list->multipleChoice = true;
+    list->objectType = kind;
+    list->chosenName = QString();
+    showPicker();
+}
+
+void OrvoMenu::on_poplist_OK_Pressed() {
+    if (!m_popList)
+        return;
+    if (m_popList->multipleChoice)
+        addChosenElements();
+    else
+        takeChosenValue();
+}
+
+void OrvoMenu::addChosenElements() {
+    if (m_popList->objectType < CPopObjectList::KindModule ||
+        m_popList->objectType > CPopObjectList::KindForm)
+        return;
+    const QModelIndex target = m_menuModel->findIndexByKey(m_currentMenuKey);
+    if (!target.isValid())
+        return;
+    // Empty text for the top of the menu, where a saved folder has NULL.
+    const QString parentKey =
+        m_menuModel->getItemLevel(target) == 0 ? QString() : m_menuModel->getItemKeyLink(target);
+    int order = nextOrder(*m_menuModel, target);
+
+    orvo::ScratchTable out(*m_app->m_session, "Menu");
+    if (!out.fetch())
+        return;
+    for (const QModelIndex& chosen : m_popList->tvObj()->selectionModel()->selectedRows(0)) {
+        if (!chosen.isValid())
+            continue;
+        const QString resourceKey = chosen.siblingAtColumn(pickerKeyColumn).data().toString();
+        const MDRData* resource = orvo::seekKey(m_tabResource, resourceKey);
+        orvo::RowWriter row = out.add(MDX_INSERT);
+        row.text("KeyLink", QString::fromLatin1(GenGuid32()))
+            .text("parent", parentKey)
+            .text("MenuResourceKey", resourceKey)
+            .text("caption", chosen.siblingAtColumn(pickerCaptionColumn).data().toString())
+            .text("FolderKey", m_currentDesckKey)
+            .flag("separator", false)
+            .flag("oneCopy", false)
+            .integer("order_", order);
+        if (resource && !orvo::isNull(resource, "ico"))
+            row.copy("ico", resource);
+        order += orderStep;
+    }
+    out.send();
+}
+
+void OrvoMenu::takeChosenValue() {
+    const QString name = m_popList->chosenName;
+    const QString key = m_popList->chosenKey;
+    if (isRow(m_popTarget, "icon")) {
+        setPassportValue(QStringLiteral("icon"), name);
+    } else if (isRow(m_popTarget, "object")) {
+        setPassportValue(QStringLiteral("object"), name);
+        setPassportValue(QStringLiteral("keylink"), key);
+    }
+}
+
+void OrvoMenu::setPassportValue(const QString& rowName, const QString& value) {
+    const QModelIndex row = m_propModel->findIndexByKey(rowName);
+    m_propModel->setData(row.siblingAtColumn(valueColumn), value, Qt::EditRole);
+}
+
+void OrvoMenu::on_passp_buttonpressed(const QString& rowName) {
+    m_popTarget = rowName;
+    const auto choose = [this](const QString& title, int32_t kind, const QString& source,
+                               const QString& value) {
+        CPopObjectList* list = picker();
+        list->setWindowTitle(title);
+        list->objectType = kind;
+        list->multipleChoice = false;
+        list->sourceName = source;
+        list->chosenName = value;
+        showPicker();
+    };
+    if (isRow(rowName, "icon")) {
+        choose(tr("Выбор иконок АРМ"), CPopObjectList::KindFile, QStringLiteral("icons"),
+               m_propModel->getRowValue(QStringLiteral("icon")).toString());
+    } else if (isRow(rowName, "object")) {
+        const int kind =
+            getMenuAttributes(m_propModel->getRowValue(QStringLiteral("type")).toString());
+        const QString value = m_propModel->getRowValue(QStringLiteral("object")).toString();
+        if (kind == CPopObjectList::KindModule)
+            choose(tr("Выбор модулей АРМ"), kind, QString(), value);
+        else if (kind == CPopObjectList::KindFunction)
+            choose(tr("Выбор функций АРМ"), kind, QString(), value);
+        else if (kind == CPopObjectList::KindForm)
+            choose(tr("Выбор форм отображения АРМ"), kind, QString(), value);
+    }
+}
+
+void OrvoMenu::on_passp_returnPressed(const QString& rowName) {
+    if (!isRow(rowName, "icon"))
+        return;
+    const QString none = QStringLiteral("");
+    m_propModel->setRowValue(rowName, none);
+    // Setting a row's value is no edit of the user's: the change is handed on here.
+    on_editor_valueChanged(rowName, none);
+}
+
+void OrvoMenu::on_actNewElemFolder_triggered() {
+    const QPersistentModelIndex parent(m_ui->tvMenu->currentIndex().siblingAtColumn(0));
+    finishPendingEdit();
+    const int row = m_menuModel->rowCount(parent);
+    const int order = nextOrder(*m_menuModel, parent);
+    if (!m_menuModel->insertRows(row, 1, parent))
+        return;
+    m_btnSave->setEnabled(true);
+    m_btnCancel->setEnabled(true);
+    m_editMode = NewElement;
+    const QModelIndex folder = m_menuModel->index(row, 0, parent);
+    orvo::menu::setRow(*m_menuModel, folder,
+                       {{MenuColumn::KeyLink, QString::fromLatin1(GenGuid32())},
+                        {MenuColumn::Caption, tr("Новая папка")},
+                        {MenuColumn::FolderKey, m_currentDesckKey},
+                        {MenuColumn::ParentKey, m_currentMenuKey},
+                        {MenuColumn::Type, convertMenuAttributes(0)},
+                        {MenuColumn::Separator, false},
+                        {MenuColumn::OneCopy, false},
+                        {MenuColumn::IsNew, true},
+                        {MenuColumn::Order, order}});
+    m_ui->tvMenu->scrollTo(folder);
+    m_ui->tvMenu->selectionModel()->select(folder, QItemSelectionModel::ClearAndSelect);
+    m_ui->tvMenu->setCurrentIndex(folder);
+}

@@ -1,0 +1,78 @@
+// Deleting an element with all that lies below it, after a question in the right grammatical case.
+#include "menu/OrvoMenu.h"
+
+#include "frame/CommonFunctions.h"
+#include "frame/FolderWalk.h"
+#include "frame/Records.h"
+#include "frame/ScratchTable.h"
+#include "frame/WindowParts.h"
+#include "menu/Columns.h"
+
+using orvo::KeyValues;
+using orvo::ScratchTable;
+using orvo::menu::DesckColumn;
+using orvo::menu::MenuColumn;
+
+void OrvoMenu::on_actDeleteElem_triggered() {
+    const QModelIndex element = m_menuModel->findIndexByKey(m_currentMenuKey);
+    const QModelIndex desktop = m_desckModel->findIndexByKey(m_currentDesckKey);
+    if (!element.isValid() && !desktop.isValid())
+        return;
+    const QString name = element.siblingAtColumn(MenuColumn::Caption).data().toString();
+    const QString desktopName = desktop.siblingAtColumn(DesckColumn::Name).data().toString();
+    QString text;
+    if (m_menuModel->itemIsFolder(element)) {
+        text = tr("Вы действительно хотите удалить папку \"") + name +
+               tr("\" вместе со всеми входящими элементами из рабочего стола \"");
+    } else {
+        QString kind = element.siblingAtColumn(MenuColumn::Type).data().toString();
+        // The one kind whose accusative differs.
+        if (orvo::sameText(kind, convertMenuAttributes(2)))
+            kind = tr("функцию");
+        text = tr("Вы действительно хотите удалить ") + kind + tr(" \"") + name +
+               tr("\" из рабочего стола \"");
+    }
+    orvo::askQuestion(*this, text + desktopName + tr("\"?"),
+                      "1removeMenuMessage(QAbstractButton*)");
+}
+
+void OrvoMenu::removeMenuMessage(QAbstractButton* button) {
+    if (!orvo::answeredYes(*this, button))
+        return;
+    ScratchTable out(*m_app->m_session, "Menu");
+    if (!out.fetch())
+        return;
+    // A notification may have removed it while the question stood.
+    const QModelIndex element = m_menuModel->findIndexByKey(m_currentMenuKey);
+    if (!element.isValid())
+        return;
+    out.add(MDX_DELETE).text("KeyLink", m_currentMenuKey);
+    if (m_menuModel->itemIsFolder(element))
+        deleteMenuFolder(m_currentMenuKey, out);
+    out.send();
+}
+
+void OrvoMenu::deleteMenuFolder(const QString& key, ScratchTable& out) {
+    struct Element {
+        QString key;
+        bool isFolder = true;
+    };
+    orvo::walkFolders(
+        Element{key}, [](const Element& element) { return element.key; },
+        [&](const Element& element) -> std::vector<Element> {
+            if (!orvo::sameText(element.key, key))
+                out.add(MDX_DELETE).text("KeyLink", element.key);
+            if (!element.isFolder)
+                return {};
+            std::vector<Element> below;
+            orvo::walkGroup(m_tabMenu, 1, KeyValues().text(element.key),
+                            [&](const MDRData* record) {
+                                if (!orvo::holdsText(record, "parent", element.key))
+                                    return false;
+                                below.push_back({orvo::textOf(record, "KeyLink"),
+                                                 orvo::isNull(record, "MenuResourceKey")});
+                                return true;
+                            });
+            return below;
+        });
+}

@@ -1,0 +1,241 @@
+// Adding, renaming, deleting and copying desktops and their folders. New rows start as placeholders
+// and are written on save; deleting and pasting write at once.
+#include "menu/OrvoMenu.h"
+
+#include "ui_OrvoMenu.h"
+
+#include "frame/FolderWalk.h"
+#include "frame/Records.h"
+#include "frame/ScratchTable.h"
+#include "frame/WindowParts.h"
+#include "menu/Columns.h"
+#include "menu/Rows.h"
+
+#include <QClipboard>
+#include <QItemSelectionModel>
+#include <QMap>
+#include <QMimeData>
+#include <QToolButton>
+
+using orvo::KeyValues;
+using orvo::ScratchTable;
+using orvo::menu::DesckColumn;
+using orvo::menu::desckMime;
+using orvo::menu::desckRootKey;
+using orvo::menu::desktopClass;
+using orvo::menu::folderClass;
+
+void OrvoMenu::on_actAddDescktop_triggered() {
+    addDesckRow(false);
+}
+
+void OrvoMenu::on_actAddFoldertvDesck_triggered() {
+    addDesckRow(true);
+}
+
+void OrvoMenu::addDesckRow(bool isFolder) {
+    const QPersistentModelIndex current(m_ui->tvDesck->currentIndex().siblingAtColumn(0));
+    if (!current.isValid())
+        return;
+    finishPendingEdit();
+    const QModelIndex parent =
+        m_desckModel->isItemFolder(current) ? QModelIndex(current) : current.parent();
+    const QString parentKey = m_desckModel->getItemKeyLink(parent);
+    // Below the top a new folder stands before the desktops; all else goes to the end.
+    int row = m_desckModel->rowCount(parent);
+    if (isFolder && m_desckModel->getItemLevel(parent) != 0) {
+        const int firstDesktop = m_desckModel->getFirstDesckElement(parent);
+        if (firstDesktop >= 0)
+            row = firstDesktop;
+    }
+    if (!m_desckModel->insertRows(row, 1, parent))
+        return;
+    m_btnSave->setEnabled(true);
+    m_btnCancel->setEnabled(true);
+    m_editMode = NewDesck;
+    const QModelIndex added = m_desckModel->index(row, 0, parent);
+    orvo::menu::setRow(
+        *m_desckModel, added,
+        {{DesckColumn::KeyLink, QString::fromLatin1(GenGuid32())},
+         {DesckColumn::IsFolder, isFolder},
+         {DesckColumn::Name, isFolder ? tr("новая папка1") : tr("новый рабочий стол")},
+         {DesckColumn::ParentKey, parentKey},
+         {DesckColumn::Order, QString::fromLatin1(isFolder ? folderClass : desktopClass)},
+         {DesckColumn::IsNew, true}});
+    m_ui->tvDesck->setEditTriggers(QAbstractItemView::AllEditTriggers);
+    m_ui->tvDesck->scrollTo(added);
+    m_ui->tvDesck->selectionModel()->select(added, QItemSelectionModel::ClearAndSelect);
+    m_ui->tvDesck->setCurrentIndex(added);
+}
+
+void OrvoMenu::on_actChangeDescktopOrFolder_triggered() {
+    const QPersistentModelIndex current(m_ui->tvDesck->currentIndex());
+    if (!current.isValid())
+        return;
+    finishPendingEdit();
+    m_btnSave->setEnabled(true);
+    m_btnCancel->setEnabled(true);
+    m_editMode = RenameDesck;
+    setDesckActionsDisabled();
+    m_ui->tvDesck->setEditTriggers(QAbstractItemView::AllEditTriggers);
+    m_ui->tvDesck->edit(current);
+    m_editDesckIndex = current;
+}
+
+void OrvoMenu::on_actDeleteFromtvDesck_triggered() {
+    const QModelIndex current = m_ui->tvDesck->currentIndex();
+    if (!current.isValid())
+        return;
+    if (m_desckModel->isItemFolder(current)) {
+        ScratchTable out(*m_app->m_session, "MenuFolder");
+        if (!out.fetch())
+            return;
+        out.add(MDX_DELETE).text("KeyLink", m_desckModel->getItemKeyLink(current));
+        out.send();
+        return;
+    }
+    const QString name = current.siblingAtColumn(DesckColumn::Name).data().toString();
+    orvo::askQuestion(*this,
+                      tr("Вы действительно хотите удалить рабочий стол \"") + name + tr("\"?"),
+                      "1removeDesckTopMessage(QAbstractButton*)");
+}
+
+void OrvoMenu::removeDesckTopMessage(QAbstractButton* button) {
+    if (!orvo::answeredYes(*this, button))
+        return;
+    ScratchTable elements(*m_app->m_session, "Menu");
+    ScratchTable desktops(*m_app->m_session, "MenuFolder");
+    if (!elements.fetch() || !desktops.fetch())
+        return;
+    // The desktop asked about is the open one, so the table has its elements.
+    orvo::walkAll(m_tabMenu, 0, [&](const MDRData* record) {
+        if (orvo::holdsText(record, "FolderKey", m_currentDesckKey))
+            elements.add(MDX_DELETE).text("KeyLink", orvo::textOf(record, "KeyLink"));
+        return true;
+    });
+    desktops.add(MDX_DELETE).text("KeyLink", m_currentDesckKey);
+    clearMenuModel();
+    m_currentMenuKey.clear();
+    // The elements leave the server before the desktop that they belong to.
+    elements.send();
+    desktops.send();
+}
+
+void OrvoMenu::on_actCopyDescktopOrFolder_triggered() {
+    if (!m_desckModel->findIndexByKey(m_currentDesckKey).isValid() || !m_clipboard)
+        return;
+    auto* mime = new QMimeData; // the clipboard's
+    mime->setData(QLatin1String(desckMime), orvo::toRecord(m_currentDesckKey));
+    m_clipboard->setMimeData(mime, QClipboard::Clipboard);
+}
+
+void OrvoMenu::on_actPasteDescktopOrFolder_triggered() {
+    const QMimeData* offered = m_clipboard ? m_clipboard->mimeData() : nullptr;
+    if (!offered)
+        return;
+    const QString source = orvo::fromRecord(offered->data(QLatin1String(desckMime)).constData());
+    const QModelIndex target = m_desckModel->findIndexByKey(m_currentDesckKey);
+    if (!target.isValid())
+        return;
+    ScratchTable elements(*m_app->m_session, "Menu");
+    ScratchTable desktops(*m_app->m_session, "MenuFolder");
+    if (!elements.fetch() || !desktops.fetch())
+        return;
+    const QModelIndex sourceRow = m_desckModel->findIndexByKey(source);
+    if (!sourceRow.isValid())
+        return;
+    const QString name = sourceRow.siblingAtColumn(DesckColumn::Name).data().toString();
+    const QString parentKey = m_desckModel->getItemKeyLink(target);
+    const QString newName = name + tr("_копия");
+    if (m_desckModel->isItemFolder(sourceRow))
+        pasteDesckFolderToDB(parentKey, source, newName, elements, desktops);
+    else
+        pasteDesckItemToDB(parentKey, source, newName, elements, desktops);
+    // The desktops exist on the server before their elements.
+    desktops.send();
+    elements.send();
+}
+
+QString OrvoMenu::pasteDesckRow(const QString& parent, const MDRData* source, const QString& name,
+                                const char* orderClass, ScratchTable& desktops) {
+    const QString key = QString::fromLatin1(GenGuid32());
+    orvo::RowWriter row = desktops.add(MDX_INSERT);
+    row.text("KeyLink", key);
+    if (orvo::sameText(parent, QString::fromLatin1(desckRootKey)))
+        row.null("ParentKey");
+    else
+        row.text("ParentKey", parent);
+    row.text("order_", QString::fromLatin1(orderClass)).copy("isFolder", source);
+    if (name.isNull())
+        row.copy("caption", source);
+    else
+        row.text("caption", name);
+    return key;
+}
+
+void OrvoMenu::pasteDesckFolderToDB(const QString& parent, const QString& source,
+                                    const QString& name, ScratchTable& elements,
+                                    ScratchTable& desktops) {
+    struct Item {
+        QString parent, source, name;
+        bool isFolder = true;
+    };
+    orvo::walkFolders(
+        Item{parent, source, name}, [](const Item& item) { return item.source; },
+        [&](const Item& item) -> std::vector<Item> {
+            if (!item.isFolder) {
+                pasteDesckItemToDB(item.parent, item.source, item.name, elements, desktops);
+                return {};
+            }
+            const MDRData* record = orvo::seekKey(m_tabFolder, item.source);
+            if (!record)
+                return {};
+            const QString key =
+                pasteDesckRow(item.parent, record, item.name, folderClass, desktops);
+            std::vector<Item> below;
+            orvo::walkGroup(m_tabFolder, 3, KeyValues().text(item.source),
+                            [&](const MDRData* child) {
+                                if (!orvo::holdsText(child, "ParentKey", item.source))
+                                    return false;
+                                // Only the top row of a paste has a name of its own.
+                                below.push_back({key, orvo::textOf(child, "KeyLink"), QString(),
+                                                 orvo::flagOf(child, "isFolder")});
+                                return true;
+                            });
+            return below;
+        });
+}
+
+void OrvoMenu::pasteDesckItemToDB(const QString& parent, const QString& source, const QString& name,
+                                  ScratchTable& elements, ScratchTable& desktops) {
+    const MDRData* record = orvo::seekKey(m_tabFolder, source);
+    if (!record)
+        return;
+    const QString desktop = pasteDesckRow(parent, record, name, desktopClass, desktops);
+
+    // From the server: m_tabMenu has the open desktop only. Without an answer the desktop is pasted
+    // without elements.
+    CMDArray menu;
+    menu.Attach(requestMenu(source));
+    orvo::setKeys(menu);
+    QMap<QString, QString> newKeys;
+    orvo::walkAll(menu, 0, [&](const MDRData* element) {
+        newKeys.insert(orvo::textOf(element, "KeyLink"), QString::fromLatin1(GenGuid32()));
+        return true;
+    });
+    orvo::walkAll(menu, 0, [&](const MDRData* element) {
+        const QString key = newKeys.value(orvo::textOf(element, "KeyLink"));
+        const QString oldParent = orvo::textOf(element, "parent");
+        orvo::RowWriter row = elements.add(MDX_INSERT);
+        row.text("KeyLink", key);
+        if (oldParent.isEmpty())
+            row.null("parent");
+        else
+            row.text("parent", newKeys.value(oldParent));
+        for (const char* field :
+             {"MenuResourceKey", "caption", "params", "ico", "separator", "order_", "oneCopy"})
+            row.copy(field, element);
+        row.text("FolderKey", desktop);
+        return true;
+    });
+}

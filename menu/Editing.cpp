@@ -1,0 +1,246 @@
+// The one edit at a time: what opens it, what is written on save and undone on cancel. Edits are
+// made in the trees; the server sees them on save, and the saved state comes back as a
+// notification.
+#include "menu/OrvoMenu.h"
+
+#include "ui_OrvoMenu.h"
+
+#include "frame/Records.h"
+#include "frame/ScratchTable.h"
+#include "menu/Columns.h"
+
+#include <QToolButton>
+#include <QTreeView>
+
+using orvo::menu::DesckColumn;
+using orvo::menu::desckRootKey;
+using orvo::menu::MenuColumn;
+
+namespace {
+
+/// The column of `tvMenu` that a passport row shows and changes; -1 for rows that show only.
+int columnOf(const QString& rowName) {
+    static const std::pair<const char*, int> columns[] = {
+        {"name", MenuColumn::Caption},        {"icon", MenuColumn::Icon},
+        {"params", MenuColumn::Params},       {"onecopy", MenuColumn::OneCopy},
+        {"separator", MenuColumn::Separator},
+    };
+    for (const auto& [name, column] : columns)
+        if (orvo::sameText(rowName, QString::fromLatin1(name)))
+            return column;
+    return -1;
+}
+
+QString textAt(const QModelIndex& row, int column) {
+    return row.siblingAtColumn(column).data().toString();
+}
+
+/// Removes a placeholder; what stands in its place becomes current, or the last row, or the parent.
+void removePlaceholder(QTreeView* view, const QModelIndex& placeholder) {
+    QAbstractItemModel* model = view->model();
+    const QPersistentModelIndex parent(placeholder.parent());
+    const int row = placeholder.row();
+    if (!model->removeRows(row, 1, parent))
+        return;
+    const int left = model->rowCount(parent);
+    view->setCurrentIndex(left == 0 ? QModelIndex(parent)
+                                    : model->index(std::min(row, left - 1), 0, parent));
+}
+
+/// Makes the parent current and then the row, so that everything about the row is shown afresh.
+void showAgain(QTreeView* view, const QPersistentModelIndex& row) {
+    view->setCurrentIndex(row.parent());
+    view->setCurrentIndex(row);
+}
+
+} // namespace
+
+void OrvoMenu::on_editor_valueChanged(const QString& rowName, const QVariant& value) {
+    const QModelIndex row = m_menuModel->findIndexByKey(m_currentMenuKey);
+    if (!row.isValid())
+        return;
+    // A row without a column opens an edit too.
+    if (m_editMode == NoEdit) {
+        m_editMode = EditElement;
+        m_btnSave->setEnabled(true);
+        m_btnCancel->setEnabled(true);
+    }
+    const int column = columnOf(rowName);
+    if (column >= 0)
+        m_menuModel->setData(row.siblingAtColumn(column), value, Qt::DisplayRole);
+}
+
+void OrvoMenu::finishPendingEdit() {
+    if (m_editMode != NoEdit)
+        on_save_pressed();
+}
+
+void OrvoMenu::on_save_pressed() {
+    m_btnSave->setEnabled(false);
+    m_btnCancel->setEnabled(false);
+    switch (m_editMode) {
+    case NewDesck:
+        saveNewDesck();
+        break;
+    case NewElement:
+        saveElement(m_editMenuIndex, MDX_INSERT);
+        break;
+    case RenameDesck:
+        saveDesckName();
+        break;
+    case EditElement:
+        // The row that the edit was made on, if the current row has moved on; the current row if
+        // that one is gone.
+        saveElement(m_editMenuIndex.isValid() ? QModelIndex(m_editMenuIndex)
+                                              : m_menuModel->findIndexByKey(m_currentMenuKey),
+                    MDX_UPDATE);
+        break;
+    default:
+        break;
+    }
+}
+
+void OrvoMenu::saveNewDesck() {
+    const QModelIndex row = m_editDesckIndex;
+    if (!row.isValid())
+        return;
+    orvo::ScratchTable out(*m_app->m_session, "MenuFolder");
+    if (!out.fetch())
+        return;
+    const QString parentKey = textAt(row, DesckColumn::ParentKey);
+    orvo::RowWriter record = out.add(MDX_INSERT);
+    record.text("KeyLink", textAt(row, DesckColumn::KeyLink))
+        .text("caption", textAt(row, DesckColumn::Name));
+    if (orvo::sameText(parentKey, QString::fromLatin1(desckRootKey)))
+        record.null("ParentKey");
+    else
+        record.text("ParentKey", parentKey);
+    record.text("order_", textAt(row, DesckColumn::Order))
+        .flag("isFolder", row.siblingAtColumn(DesckColumn::IsFolder).data().toBool());
+    record.post();
+
+    m_editMode = NoEdit;
+    closeDesckEditor(row);
+    m_ui->tvDesck->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_editDesckIndex = QModelIndex();
+    MDXCliParam* reply = nullptr;
+    out.send(&reply);
+    m_app->m_session->PrmFree(reply);
+}
+
+void OrvoMenu::saveDesckName() {
+    const QModelIndex row = m_editDesckIndex;
+    if (!row.isValid())
+        return;
+    orvo::ScratchTable out(*m_app->m_session, "MenuFolder");
+    if (!out.fetch())
+        return;
+    closeDesckEditor(row);
+    out.add(MDX_UPDATE)
+        .text("KeyLink", textAt(row, DesckColumn::KeyLink))
+        .text("caption", textAt(row, DesckColumn::Name));
+    m_editMode = NoEdit;
+    m_editDesckIndex = QModelIndex();
+    out.send();
+}
+
+void OrvoMenu::closeDesckEditor(const QModelIndex& row) {
+    if (QWidget* editor = m_ui->tvDesck->indexWidget(row.siblingAtColumn(0)))
+        emit m_desckDelegate->closeEditor(editor, QAbstractItemDelegate::NoHint);
+}
+
+void OrvoMenu::saveElement(const QModelIndex& row, MdxRecordFlag flag) {
+    if (!row.isValid())
+        return;
+    orvo::ScratchTable out(*m_app->m_session, "Menu");
+    if (!out.fetch())
+        return;
+    loadMenuRowToTable(row, out, flag);
+    m_editMode = NoEdit;
+    m_editMenuIndex = QModelIndex();
+    out.send();
+}
+
+void OrvoMenu::loadMenuRowToTable(const QModelIndex& index, orvo::ScratchTable& out,
+                                  MdxRecordFlag flag) const {
+    const auto flagAt = [&](int column) { return index.siblingAtColumn(column).data().toBool(); };
+    orvo::RowWriter record = out.add(flag);
+    record.text("KeyLink", textAt(index, MenuColumn::KeyLink));
+    if (m_menuModel->getItemLevel(index.parent()) != 0)
+        record.text("parent", textAt(index, MenuColumn::ParentKey));
+    else
+        record.null("parent");
+    record.text("FolderKey", textAt(index, MenuColumn::FolderKey))
+        .text("caption", textAt(index, MenuColumn::Caption))
+        .integer("order_", index.siblingAtColumn(MenuColumn::Order).data().toInt())
+        .text("ico", textAt(index, MenuColumn::Icon))
+        .flag("separator", flagAt(MenuColumn::Separator))
+        .flag("oneCopy", flagAt(MenuColumn::OneCopy));
+    if (!m_menuModel->itemIsFolder(index))
+        record.text("MenuResourceKey", textAt(index, MenuColumn::MenuResKey))
+            .text("params", textAt(index, MenuColumn::Params));
+}
+
+void OrvoMenu::on_cancel_pressed() {
+    m_btnSave->setEnabled(false);
+    m_btnCancel->setEnabled(false);
+    switch (m_editMode) {
+    case NewDesck:
+        if (!m_editDesckIndex.isValid())
+            return;
+        m_editMode = NoEdit;
+        m_ui->tvDesck->setEditTriggers(QAbstractItemView::NoEditTriggers);
+        removePlaceholder(m_ui->tvDesck, m_editDesckIndex);
+        break;
+    case NewElement:
+        if (!m_editMenuIndex.isValid())
+            return;
+        m_editMode = NoEdit;
+        removePlaceholder(m_ui->tvMenu, m_editMenuIndex);
+        break;
+    case RenameDesck:
+        cancelDesckName();
+        break;
+    case EditElement:
+        cancelElement();
+        break;
+    default:
+        break;
+    }
+}
+
+void OrvoMenu::cancelDesckName() {
+    const QPersistentModelIndex row = m_editDesckIndex;
+    if (!row.isValid())
+        return;
+    m_editMode = NoEdit;
+    const MDRData* record = orvo::seekKey(m_tabFolder, textAt(row, DesckColumn::KeyLink));
+    if (!record)
+        return;
+    m_ui->tvDesck->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_desckModel->setData(row, orvo::textOf(record, "caption"), Qt::DisplayRole);
+    m_editDesckIndex = QModelIndex();
+    showAgain(m_ui->tvDesck, row);
+}
+
+void OrvoMenu::cancelElement() {
+    const QPersistentModelIndex row(m_menuModel->findIndexByKey(m_currentMenuKey));
+    if (!row.isValid())
+        return;
+    m_editMode = NoEdit;
+    MDRData* record = orvo::seekKey(m_tabMenu, m_currentMenuKey);
+    if (!record)
+        return;
+    loadMenuRow(row.parent(), row.row(), record);
+    showAgain(m_ui->tvMenu, row);
+}
+
+void OrvoMenu::on_Desck_NameChanged(const QString& text) {
+    const QModelIndex current = m_ui->tvDesck->currentIndex();
+    if (current.isValid())
+        m_desckModel->setData(current.siblingAtColumn(DesckColumn::Name), text, Qt::EditRole);
+}
+
+void OrvoMenu::on_closeDesckeditor(QWidget*, QAbstractItemDelegate::EndEditHint) {
+    m_ui->tvDesck->setEditTriggers(QAbstractItemView::NoEditTriggers);
+}

@@ -1,0 +1,186 @@
+// What a notification does: the table first, then the tree. Own writes come back here like anybody
+// else's, and only here do they take effect.
+#include "menu/OrvoMenu.h"
+
+#include "ui_OrvoMenu.h"
+
+#include "frame/Notification.h"
+#include "frame/Records.h"
+#include "menu/Columns.h"
+
+#include <QTreeView>
+
+using orvo::menu::MenuColumn;
+using orvo::menu::menuRootKey;
+
+namespace {
+
+bool standsIn(const QModelIndex& index, const QModelIndex& row) {
+    for (QModelIndex up = index.siblingAtColumn(0); up.isValid(); up = up.parent())
+        if (up == row)
+            return true;
+    return false;
+}
+
+/// Makes the row's parent current and then the row, which refreshes what depends on it: the menu of
+/// a desktop, the passport of an element.
+void bounce(QTreeView* view, const QModelIndex& row) {
+    const QPersistentModelIndex kept(row);
+    view->setCurrentIndex(row.parent());
+    view->setCurrentIndex(kept);
+}
+
+/// Removes a row. If the current row goes with it, the next sibling becomes current, the previous
+/// one behind the last, and the parent after the only one.
+void removeRow(QTreeView* view, const QModelIndex& row) {
+    QAbstractItemModel* model = view->model();
+    const QPersistentModelIndex parent(row.parent());
+    const int number = row.row();
+    const bool currentGoes = standsIn(view->currentIndex(), row);
+    model->removeRows(number, 1, parent);
+    if (!currentGoes)
+        return;
+    const int left = model->rowCount(parent);
+    view->setCurrentIndex(left == 0 ? QModelIndex(parent)
+                                    : model->index(std::min(number, left - 1), 0, parent));
+}
+
+} // namespace
+
+bool OrvoMenu::MessageData(MDXCliParam* prm) {
+    // A module whose start failed has neither tables nor trees to keep in step.
+    if (!m_desckModel || !m_menuModel)
+        return true;
+    const orvo::Notification change(prm);
+    if (!change.isTableEvent())
+        return true;
+    const bool folder = change.isFor("MenuFolder");
+    const bool element = change.isFor("Menu");
+    switch (change.action()) {
+    case OrvoEventUpdate:
+        if (folder)
+            desckUpdated(change);
+        else if (element)
+            elementUpdated(change);
+        break;
+    case OrvoEventDelete:
+        if (folder)
+            recordDeleted(change, m_tabFolder, m_ui->tvDesck,
+                          m_desckModel->findIndexByKey(change.key()));
+        else if (element)
+            recordDeleted(change, m_tabMenu, m_ui->tvMenu, elementRow(change.key()));
+        break;
+    case OrvoEventInsert:
+        if (folder)
+            desckInserted(change);
+        else if (element)
+            elementInserted(change);
+        else if (change.isFor("MenuResource"))
+            orvo::createAndMerge(change.event(), &m_tabResource);
+        break;
+    default:
+        break;
+    }
+    return true;
+}
+
+QModelIndex OrvoMenu::elementRow(const QString& key) const {
+    // The model answers an empty key with the root row, which stands for no record.
+    return key.isEmpty() ? QModelIndex() : m_menuModel->findIndexByKey(key);
+}
+
+void OrvoMenu::desckUpdated(const orvo::Notification& change) {
+    MDRData* record = orvo::editAndMerge(change.event(), &m_tabFolder);
+    const QModelIndex row = m_desckModel->findIndexByKey(change.key());
+    if (record && row.isValid())
+        showDesck(change.key(), record, row);
+}
+
+void OrvoMenu::desckInserted(const orvo::Notification& change) {
+    MDRData* record = orvo::createAndMerge(change.event(), &m_tabFolder);
+    if (!record)
+        return;
+    const QString key = change.key();
+    QModelIndex row = m_desckModel->findIndexByKey(key);
+    if (!row.isValid()) {
+        // Somebody else's row. Without a parent key it has no place in this tree until the next
+        // start.
+        const QString parentKey = orvo::textOf(record, "ParentKey");
+        const int32_t position = getDesckElementPosition(key, parentKey);
+        const QModelIndex parent = m_desckModel->findIndexByKey(parentKey);
+        if (position == -1 || !parent.isValid() || !m_desckModel->insertRows(position, 1, parent))
+            return;
+        row = m_desckModel->index(position, 0, parent);
+    }
+    showDesck(key, record, row);
+}
+
+void OrvoMenu::showDesck(const QString& key, MDRData* record, const QModelIndex& row) {
+    const int32_t position = getDesckElementPosition(key, orvo::textOf(record, "ParentKey"));
+    if (position == -1)
+        return;
+    updateNewDesckNode(record, position, row);
+    bounce(m_ui->tvDesck, m_desckModel->findIndexByKey(key));
+}
+
+void OrvoMenu::elementUpdated(const orvo::Notification& change) {
+    MDRData* record = orvo::editAndMerge(change.event(), &m_tabMenu);
+    const QString key = change.key();
+    const QModelIndex row = elementRow(key);
+    if (!record || !row.isValid())
+        return;
+    const QModelIndex parent = row.parent();
+    const int number = row.row();
+    const QString newParent = orvo::textOf(record, "parent");
+    const QString oldParent = row.siblingAtColumn(MenuColumn::ParentKey).data().toString();
+    const int32_t position = getMenuElementPosition(key, newParent);
+    loadMenuRow(parent, number, record);
+    if (!orvo::sameText(newParent, oldParent)) {
+        const QModelIndex target = m_menuModel->findIndexByKey(
+            newParent.isEmpty() ? QString::fromLatin1(menuRootKey) : newParent);
+        m_menuModel->moveItem(number, position, parent, target);
+        return;
+    }
+    if (position != number && !m_menuModel->moveSiblingItem(number, position, parent))
+        return;
+    // The operator's own row stays current, with a fresh passport.
+    const QModelIndex current = m_menuModel->findIndexByKey(m_currentMenuKey);
+    if (!current.isValid())
+        return;
+    m_ui->tvMenu->update(current);
+    bounce(m_ui->tvMenu, current);
+}
+
+void OrvoMenu::elementInserted(const orvo::Notification& change) {
+    MDRData* record = orvo::createAndMerge(change.event(), &m_tabMenu);
+    if (!record)
+        return;
+    if (!orvo::holdsText(record, "FolderKey", m_currentDesckKey)) {
+        // The table holds the open desktop only.
+        m_tabMenu.RecDel(record);
+        return;
+    }
+    const QString key = change.key();
+    const QModelIndex own = elementRow(key);
+    if (own.isValid()) {
+        loadMenuRow(own.parent(), own.row(), record);
+        return;
+    }
+    const QString parentKey = orvo::textOf(record, "parent");
+    const int32_t position = getMenuElementPosition(key, parentKey);
+    const QModelIndex parent = m_menuModel->findIndexByKey(parentKey);
+    if (position < 0 || !parent.isValid() || !m_menuModel->insertRows(position, 1, parent))
+        return;
+    loadMenuRow(parent, position, record);
+    m_ui->tvMenu->setCurrentIndex(m_menuModel->index(position, 0, parent));
+}
+
+void OrvoMenu::recordDeleted(const orvo::Notification& change, CMDArray& table, QTreeView* view,
+                             const QModelIndex& row) {
+    if (!orvo::findRecord(change.event(), &table))
+        return;
+    if (row.isValid())
+        removeRow(view, row);
+    // Found anew: the removal may have moved the current row and with it the open desktop.
+    table.RecDel(orvo::findRecord(change.event(), &table));
+}

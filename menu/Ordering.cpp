@@ -1,0 +1,156 @@
+// The place of an element among its siblings: the move buttons and drops. Nothing moves here:
+// update records go out, and the rows move when their notifications arrive.
+#include "menu/OrvoMenu.h"
+
+#include "frame/Records.h"
+#include "frame/ScratchTable.h"
+#include "menu/Columns.h"
+
+#include <algorithm>
+#include <limits>
+
+using orvo::KeyValues;
+using orvo::ScratchTable;
+using orvo::menu::MenuColumn;
+using orvo::menu::menuRootKey;
+using orvo::menu::orderStep;
+
+namespace {
+
+int orderAt(const QModelIndex& row) {
+    return row.siblingAtColumn(MenuColumn::Order).data().toInt();
+}
+
+} // namespace
+
+void OrvoMenu::on_actMoveUp_triggered() {
+    swapWithNeighbour(-1);
+}
+
+void OrvoMenu::on_actMoveDown_triggered() {
+    swapWithNeighbour(1);
+}
+
+void OrvoMenu::swapWithNeighbour(int step) {
+    const QModelIndex row = m_menuModel->findIndexByKey(m_currentMenuKey);
+    if (!row.isValid())
+        return;
+    ScratchTable out(*m_app->m_session, "Menu");
+    if (!out.fetch())
+        return;
+    const QModelIndex neighbour = m_menuModel->index(row.row() + step, 0, row.parent());
+    addOrder(out, m_currentMenuKey, orderAt(neighbour));
+    addOrder(out, m_menuModel->getItemKeyLink(neighbour), orderAt(row));
+    m_focusKey = m_currentMenuKey;
+    out.send();
+}
+
+orvo::RowWriter OrvoMenu::addOrder(ScratchTable& out, const QString& key, int order) const {
+    orvo::RowWriter row = out.add(MDX_UPDATE);
+    row.text("KeyLink", key).integer("order_", order);
+    return row;
+}
+
+void OrvoMenu::on_menu_dragdrop(const QModelIndex& destindex, QStringList srcList, int option) {
+    ScratchTable moved(*m_app->m_session, "Menu");
+    ScratchTable shifted(*m_app->m_session, "Menu");
+    if (!moved.fetch() || !shifted.fetch())
+        return;
+    if (option == -1 && m_menuModel->itemIsFolder(destindex)) {
+        dropIntoFolder(destindex, srcList, moved);
+    } else if (srcList.size() == 1) {
+        const bool between = option != -1;
+        const QModelIndex destination = between ? destindex : destindex.parent();
+        const int position = between ? std::max(option - 1, 0) : destindex.row();
+        const QModelIndex source = m_menuModel->findIndexByKey(srcList.first());
+        if (source.isValid() && source.parent() == destination)
+            dropAmongSiblings(source, position, moved);
+        else if (source.isValid())
+            dropBehindRow(source, destination, position, moved, shifted);
+    }
+    // The siblings make room first.
+    shifted.send();
+    moved.send();
+}
+
+namespace {
+
+/// The key that elements below a row have in `parent`; empty, written as NULL, below the root row.
+QString parentKeyOf(const MenuTreeModel& model, const QModelIndex& row) {
+    const QString key = model.getItemKeyLink(row);
+    return key == QLatin1String(menuRootKey) ? QString() : key;
+}
+
+} // namespace
+
+void OrvoMenu::dropIntoFolder(const QModelIndex& folder, const QStringList& keys,
+                              ScratchTable& moved) {
+    const int children = m_menuModel->rowCount(folder);
+    int order =
+        children == 0 ? 0 : orderAt(m_menuModel->index(children - 1, 0, folder)) + orderStep;
+    const QString parentKey = parentKeyOf(*m_menuModel, folder);
+    for (const QString& dragged : keys) {
+        const QString key = m_menuModel->getItemKeyLink(m_menuModel->findIndexByKey(dragged));
+        addOrder(moved, key, order).textOrNull("parent", parentKey);
+        m_focusKey = key;
+        order += orderStep;
+    }
+}
+
+void OrvoMenu::dropAmongSiblings(const QModelIndex& source, int position, ScratchTable& moved) {
+    const QString key = m_menuModel->getItemKeyLink(source);
+    const QModelIndex parent = source.parent();
+    const auto rowAt = [&](int row) { return m_menuModel->index(row, 0, parent); };
+    // Every row between the old place and the new one takes over the order of its neighbour.
+    const auto handOn = [&](int row, int from) {
+        addOrder(moved, m_menuModel->getItemKeyLink(rowAt(row)), orderAt(rowAt(from)));
+    };
+    int place = position;
+    if (position > source.row()) {
+        for (int row = position; row > source.row(); --row)
+            handOn(row, row - 1);
+    } else {
+        place = position + 1;
+        if (place >= source.row())
+            return;
+        for (int row = place; row < source.row(); ++row)
+            handOn(row, row + 1);
+    }
+    addOrder(moved, key, orderAt(rowAt(place)));
+    m_focusKey = key;
+}
+
+void OrvoMenu::dropBehindRow(const QModelIndex& source, const QModelIndex& destination,
+                             int position, ScratchTable& moved, ScratchTable& shifted) {
+    const QString key = m_menuModel->getItemKeyLink(source);
+    const int order = orderAt(m_menuModel->index(position, 0, destination)) + orderStep;
+    for (int row = position + 1; row < m_menuModel->rowCount(destination); ++row) {
+        const QModelIndex sibling = m_menuModel->index(row, 0, destination);
+        addOrder(shifted, m_menuModel->getItemKeyLink(sibling), orderAt(sibling) + orderStep);
+    }
+    addOrder(moved, key, order).textOrNull("parent", parentKeyOf(*m_menuModel, destination));
+    m_focusKey = key;
+}
+
+int32_t OrvoMenu::getLastMenuOrder(const QString& parent) const {
+    KeyValues end;
+    if (parent.isNull())
+        end.null();
+    else
+        end.text(parent);
+    end.integer(std::numeric_limits<int32_t>::max());
+    const auto isChild = [&](const MDRData* record) {
+        return parent.isNull() ? orvo::isNull(record, "parent")
+                               : orvo::holdsText(record, "parent", parent);
+    };
+    // The key ends in `order_`: the last child stands before the first record behind the group.
+    const int32_t behind = orvo::seekPosition(m_tabMenu, 1, end);
+    int32_t last = (behind < 0 ? orvo::recordCount(m_tabMenu) : behind) - 1;
+    orvo::walkFrom(m_tabMenu, 1, behind, [&](const MDRData* record) {
+        const bool child = isChild(record); // of the highest order there is
+        last += child ? 1 : 0;
+        return child;
+    });
+    const MDRData* record = last < 0 ? nullptr : MDARec(m_tabMenu.array, 1, last);
+    return record && isChild(record) ? orvo::integerOf(record, "order_") : 0;
+}
