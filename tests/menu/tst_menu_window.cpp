@@ -6,6 +6,7 @@
 #include <QHeaderView>
 #include <QLayout>
 #include <QMenu>
+#include <QRegularExpression>
 #include <QSplitter>
 #include <QToolBar>
 #include <QToolButton>
@@ -17,6 +18,7 @@ class TestMenuWindow : public QObject {
 private slots:
     void actionsHaveTheirTexts_data();
     void actionsHaveTheirTexts();
+    void everyActionHasItsSlot();
     void theViewsStandInTheirPanes();
     void theToolBarKeepsItsOrder();
     void popUpsHoldTheirActions();
@@ -103,6 +105,19 @@ void TestMenuWindow::actionsHaveTheirTexts() {
     QCOMPARE(action->toolTip(), toolTip);
     QCOMPARE(action->icon().pixmap(16, 16).toImage(),
              orvo::image(qPrintable(image)).pixmap(16, 16).toImage());
+}
+
+// Actions reach their slots by name alone, and nothing is said when a name does not match.
+void TestMenuWindow::everyActionHasItsSlot() {
+    TestStore store;
+    TestHost host(store);
+    MenuProbe window(&host);
+    const auto actions = window.findChildren<QAction*>(QRegularExpression("^act"));
+    QCOMPARE(actions.size(), 16);
+    for (const QAction* action : actions) {
+        const QByteArray slot = "on_" + action->objectName().toLatin1() + "_triggered()";
+        QVERIFY2(window.metaObject()->indexOfSlot(slot) >= 0, slot);
+    }
 }
 
 void TestMenuWindow::theViewsStandInTheirPanes() {
