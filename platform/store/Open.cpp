@@ -1,5 +1,6 @@
 // The one way into a store: which kind a URL names.
 #include "platform/store/Names.h"
+#include "platform/store/PostgresStore.h"
 #include "platform/store/SqliteStore.h"
 #include "platform/store/StoreCore.h"
 
@@ -23,20 +24,14 @@ std::unique_ptr<Store> openSqlite(const std::string& url, const OpenOptions& opt
     return sqlite::openStore(path, options, status);
 }
 
-std::unique_ptr<Store> openPostgres(const std::string&, const OpenOptions&, Status* status) {
-    // Without the URL, which may hold a password.
-    *status = {CannotConnect, "Хранилище PostgreSQL в этой сборке ещё недоступно"};
-    return nullptr;
-}
-
 /// The kinds of store, by the scheme of their URLs.
 const struct Kind {
     const char* scheme;
     OpenFunction open;
 } kinds[] = {
     {"sqlite:", openSqlite},
-    {"postgresql:", openPostgres},
-    {"postgres:", openPostgres},
+    {"postgresql:", postgres::openStore},
+    {"postgres:", postgres::openStore},
 };
 
 } // namespace

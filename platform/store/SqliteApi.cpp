@@ -7,16 +7,6 @@ namespace orvo::store::sqlite {
 
 namespace {
 
-std::string quoted(std::string_view text, char quote) {
-    std::string out(1, quote);
-    for (const char c : text) {
-        if (c == quote)
-            out += quote;
-        out += c;
-    }
-    return out + quote;
-}
-
 /// errno behind an input or output error. SQLite's own note of it may be gone by the time its
 /// message is asked for; the files keep theirs.
 int systemErrorOf(sqlite3* connection) {
@@ -32,13 +22,6 @@ int systemErrorOf(sqlite3* connection) {
 }
 
 } // namespace
-
-std::string identifier(std::string_view name) {
-    return quoted(name, '"');
-}
-std::string literal(std::string_view text) {
-    return quoted(text, '\'');
-}
 
 void Statement::bind(int parameter, std::string_view text) {
     // A null pointer would bind NULL.

@@ -2,6 +2,7 @@
 #ifndef ORVO_PLATFORM_STORE_SQLITEAPI_H
 #define ORVO_PLATFORM_STORE_SQLITEAPI_H
 
+#include "platform/store/Sql.h"
 #include "platform/store/Store.h"
 #include "platform/store/WritePlan.h"
 
@@ -99,11 +100,6 @@ private:
     const Connection& m_connection;
     int m_begun;
 };
-
-/// "name" as SQL takes it.
-std::string identifier(std::string_view name);
-/// 'text' as SQL takes it.
-std::string literal(std::string_view text);
 
 } // namespace orvo::store::sqlite
 

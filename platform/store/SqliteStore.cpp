@@ -10,23 +10,8 @@ namespace orvo::store::sqlite {
 
 namespace {
 
-std::string fieldList(const TableDef& table, const std::vector<int>& fields) {
-    std::string list;
-    for (const int field : fields)
-        list +=
-            (list.empty() ? "" : ", ") + identifier(table.fields[static_cast<size_t>(field)].name);
-    return list;
-}
-
 std::string selectAll(const TableDef& table) {
-    std::vector<int> all(table.fields.size());
-    for (size_t i = 0; i < all.size(); ++i)
-        all[i] = static_cast<int>(i);
-    return "SELECT " + fieldList(table, all) + " FROM " + identifier(table.name);
-}
-
-std::string inTable(const TableDef& table) {
-    return "Таблица " + shown(table.name);
+    return "SELECT " + fieldList(table) + " FROM " + identifier(table.name);
 }
 
 /// The present row as a record. The columns have their types by the table's definition; should a
@@ -67,15 +52,6 @@ void writeRecord(const TableDef& table, sqlite3_stmt* row, mdx::RecordWriter& wr
     writer.end();
 }
 
-/// Back to no structure and no records.
-void clear(MDArray* array) {
-    MDArray* empty = nullptr;
-    if (MDACreate(&empty, 0) == MDX_OK) {
-        MDACopy(array, empty, 1);
-        MDADestroy(empty);
-    }
-}
-
 } // namespace
 
 SqliteStore::SqliteStore(Connection connection, const std::string& path, const std::string& login)
@@ -110,31 +86,14 @@ Statement* SqliteStore::cached(const std::string& sql) {
 
 // Tables -----------------------------------------------------------------------------------------
 
-Status SqliteStore::records(const TableDef& table, Statement& statement, MDArray* into) {
+Status SqliteStore::fetchRows(const TableDef& table, Statement& statement, MDArray* into) {
     const ResetAfter reset(statement);
-    MDAKeyDescription key{};
-    std::string_view(table.fields[0].name).copy(key.name, sizeof key.name - 1);
-    int result = makeStructure(table, into);
-    if (result == MDX_OK)
-        result = MDAKeyAdd(into, 1, &key);
-    int step = SQLITE_DONE;
-    if (result == MDX_OK) {
-        mdx::RecordWriter writer(into);
+    return records(table, into, [&](mdx::RecordWriter& writer) {
+        int step = SQLITE_DONE;
         while ((step = statement.step()) == SQLITE_ROW)
             writeRecord(table, statement.get(), writer);
-        result = writer.finish();
-    }
-    Status status;
-    if (step != SQLITE_DONE)
-        status = m_connection.failure(inTable(table));
-    else if (result == MDX_E_MEMORY)
-        status = {NoMemory, inTable(table) + ": не хватает памяти"};
-    else if (result != MDX_OK)
-        status = {BadStructure, inTable(table) + ": записи не складываются в таблицу (код " +
-                                    std::to_string(result) + ")"};
-    if (!status.ok())
-        clear(into);
-    return status;
+        return step == SQLITE_DONE ? Status() : m_connection.failure(inTable(table));
+    });
 }
 
 Status SqliteStore::fetch(std::string_view name, MDArray* into) {
@@ -147,7 +106,7 @@ Status SqliteStore::fetch(std::string_view name, MDArray* into) {
         Statement* statement = cached(selectAll(*table));
         if (statement == nullptr)
             return m_connection.failure(inTable(*table));
-        return records(*table, *statement, into);
+        return fetchRows(*table, *statement, into);
     });
 }
 
@@ -169,7 +128,7 @@ Status SqliteStore::fetchWhere(std::string_view name, std::string_view field,
         if (statement == nullptr)
             return m_connection.failure(inTable(*table));
         statement->bind(1, value);
-        return records(*table, *statement, into);
+        return fetchRows(*table, *statement, into);
     });
 }
 

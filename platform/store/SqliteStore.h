@@ -63,7 +63,7 @@ private:
     Statement* writing(const TableDef& table, const Write& write, bool bytes);
     Status setWriter(std::string_view login);
     Status run(const TableDef& table, const Write& write, const std::string_view* bytes);
-    Status records(const TableDef& table, Statement& statement, MDArray* into);
+    Status fetchRows(const TableDef& table, Statement& statement, MDArray* into);
     Status rows(Statement& statement, size_t columns,
                 const std::function<void(const Row& row)>& each);
     /// A number that grows whenever another connection has committed; -1 if it cannot be read.

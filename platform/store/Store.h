@@ -69,7 +69,7 @@ struct Change {
     int code = 0; ///< 601 insert, 602 update, 603 delete
     std::string table;
     std::string key;
-    std::string login; ///< empty: written by hand
+    std::string login; ///< who wrote; empty: by hand, past a database that knows no logins
     double time = 0;
     std::string after;  ///< JSON object: the changed fields; all fields of an insert
     std::string before; ///< JSON object: their values before; all fields of a delete
@@ -78,6 +78,9 @@ struct Change {
 struct User {
     std::string login, lastName, firstName, midlName;
     bool program = false;
+    // Only for a database that has logins of its own; another refuses them.
+    bool viewer = false;       ///< may read, but not write
+    std::string password = {}; ///< empty: none is set
 };
 
 class Store {
@@ -143,19 +146,22 @@ public:
 
     // Administration -----------------------------------------------------------------------------
 
+    /// Adds a user, and his login at the database if it has such.
     virtual Status userAdd(const User& user) = 0;
     /// What the database itself says about its health: one line per damage, none if sound.
     virtual Status integrity(std::vector<std::string>* damages) = 0;
 };
 
 struct OpenOptions {
-    std::string login;   ///< who writes
+    /// Who writes. PostgreSQL takes the user of the session, unless that is the store's owner.
+    std::string login;
     bool create = false; ///< make the store if it is missing (never overwrites anything)
 };
 
-/// Opens the store behind a URL: "sqlite:///absolute/path.db" (or a plain path). Null on failure,
-/// with one clear line in `status`: missing, not a store, newer, locked, read-only, full. A store
-/// of an older version is migrated in one transaction.
+/// Opens the store behind a URL: "sqlite:///absolute/path.db" (or a plain path), or
+/// "postgresql://..." as libpq takes it. Null on failure, with one clear line in `status`: missing,
+/// not a store, newer, locked, read-only, full. A store of an older version is migrated in one
+/// transaction.
 std::unique_ptr<Store> open(const std::string& url, const OpenOptions& options, Status* status);
 
 /// Whether a file name may enter the store: no separator, no control character, not empty, not "."

@@ -1,12 +1,26 @@
 #include "platform/store/StoreCore.h"
 
 #include "platform/store/Names.h"
+#include "platform/store/Sql.h"
 
 #include <exception>
 #include <new>
 #include <stdexcept>
 
 namespace orvo::store {
+
+namespace {
+
+/// Back to no structure and no records.
+void clear(MDArray* array) {
+    MDArray* empty = nullptr;
+    if (MDACreate(&empty, 0) == MDX_OK) {
+        MDACopy(array, empty, 1);
+        MDADestroy(empty);
+    }
+}
+
+} // namespace
 
 Status statusOfException() noexcept {
     int code = Failed;
@@ -25,6 +39,29 @@ Status statusOfException() noexcept {
     } catch (...) { // no memory even for the text
         return {code, {}};
     }
+}
+
+Status StoreCore::records(const TableDef& table, MDArray* into,
+                          const std::function<Status(mdx::RecordWriter& writer)>& write) {
+    MDAKeyDescription key{};
+    std::string_view(table.fields[0].name).copy(key.name, sizeof key.name - 1);
+    int result = makeStructure(table, into);
+    if (result == MDX_OK)
+        result = MDAKeyAdd(into, 1, &key);
+    Status status;
+    if (result == MDX_OK) {
+        mdx::RecordWriter writer(into);
+        status = write(writer);
+        result = writer.finish();
+    }
+    if (status.ok() && result == MDX_E_MEMORY)
+        status = {NoMemory, inTable(table) + ": не хватает памяти"};
+    else if (status.ok() && result != MDX_OK)
+        status = {BadStructure, inTable(table) + ": записи не складываются в таблицу (код " +
+                                    std::to_string(result) + ")"};
+    if (!status.ok())
+        clear(into);
+    return status;
 }
 
 Status StoreCore::update(std::string_view tableName, const MDArray* records) {
@@ -51,6 +88,12 @@ Status StoreCore::update(std::string_view tableName, const MDArray* records) {
     });
 }
 
+Status StoreCore::makeLogin(const User& user) {
+    if (user.viewer || !user.password.empty())
+        return {Refused, "Это хранилище не знает паролей и прав"};
+    return {};
+}
+
 Status StoreCore::userAdd(const User& user) {
     return guarded([&]() -> Status {
         const TableDef& table = *findTable("Users");
@@ -71,6 +114,9 @@ Status StoreCore::userAdd(const User& user) {
                 return status;
             if (taken)
                 return {Refused, "Пользователь " + shown(user.login) + " уже есть"};
+            status = makeLogin(user);
+            if (!status.ok())
+                return status;
             Write write;
             write.flag = MDX_INSERT;
             write.key = newKey();

@@ -2,6 +2,7 @@
 #ifndef ORVO_PLATFORM_STORE_STORECORE_H
 #define ORVO_PLATFORM_STORE_STORECORE_H
 
+#include "platform/mdx/MdxBuild.h"
 #include "platform/store/FolderTree.h"
 #include "platform/store/Store.h"
 #include "platform/store/WritePlan.h"
@@ -51,6 +52,11 @@ public:
 protected:
     explicit StoreCore(std::string login) : m_login(std::move(login)) {}
 
+    /// Gives an empty array the table's structure, key 0 and what `write` writes. After a failure
+    /// the array is empty again.
+    static Status records(const TableDef& table, MDArray* into,
+                          const std::function<Status(mdx::RecordWriter& writer)>& write);
+
     // What a kind of store provides. These may throw std::bad_alloc.
     using Row = std::vector<Value>;
     using Work = std::function<Status()>;
@@ -73,6 +79,10 @@ protected:
     virtual Status selectWhere(const TableDef& table, const std::vector<int>& fields, int where,
                                const Value& value,
                                const std::function<void(const Row& row)>& each) = 0;
+
+    /// Makes the login of a new user, inside inWrite. A store without logins refuses what it would
+    /// need one for.
+    virtual Status makeLogin(const User& user);
 
 private:
     struct Resource {

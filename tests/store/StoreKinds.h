@@ -21,6 +21,8 @@ public:
     /// Writes past the store, as an administrator would, with the database's own shell. False, with
     /// the shell's words in `output`, if it refused.
     virtual bool byHand(const QByteArray& sql, QByteArray* output = nullptr) = 0;
+    /// The login in the log of what is written by hand.
+    virtual QByteArray handLogin() const = 0;
     /// A text of any bytes as an SQL expression.
     virtual QByteArray rawText(const QByteArray& bytes) const = 0;
 };

@@ -19,7 +19,7 @@ private slots:
     void whatWasStoredIsLogged();
     void datesAreLoggedToTheLastBit();
     void timeIsUtcSeconds();
-    void changesByHandHaveNoLogin();
+    void changesByHandAreLogged();
     void changeOfAKeyByHandIsADeletionAndAnInsert();
     void everyWriterHasItsLogin();
     void refusedCallLeavesNoEventAndNoLogin();
@@ -110,13 +110,15 @@ void TestLog::timeIsUtcSeconds() {
     QVERIFY(changes.at(0).time > before - 0.01 && changes.at(0).time < after + 0.01);
 }
 
-void TestLog::changesByHandHaveNoLogin() {
+void TestLog::changesByHandAreLogged() {
     QVERIFY(m_kind.byHand(
         "INSERT INTO \"MenuFileExt\" (\"KeyLink\", \"fileExt\") VALUES ('k', 'a');"
         "UPDATE \"MenuFileExt\" SET \"fileExt\" = 'b'; DELETE FROM \"MenuFileExt\";"));
-    QCOMPARE(log(*m_store), QString("601 MenuFileExt k  {\"KeyLink\":\"k\",\"fileExt\":\"a\"} {}\n"
-                                    "602 MenuFileExt k  {\"fileExt\":\"b\"} {\"fileExt\":\"a\"}\n"
-                                    "603 MenuFileExt k  {} {\"KeyLink\":\"k\",\"fileExt\":\"b\"}"));
+    QCOMPARE(log(*m_store),
+             QString("601 MenuFileExt k %1 {\"KeyLink\":\"k\",\"fileExt\":\"a\"} {}\n"
+                     "602 MenuFileExt k %1 {\"fileExt\":\"b\"} {\"fileExt\":\"a\"}\n"
+                     "603 MenuFileExt k %1 {} {\"KeyLink\":\"k\",\"fileExt\":\"b\"}")
+                 .arg(QString(m_kind.handLogin())));
 }
 
 void TestLog::changeOfAKeyByHandIsADeletionAndAnInsert() {
@@ -128,10 +130,11 @@ void TestLog::changeOfAKeyByHandIsADeletionAndAnInsert() {
     QVERIFY(
         !m_kind.byHand("UPDATE \"MenuFileExt\" SET \"KeyLink\" = 'L' WHERE \"fileExt\" = 'b';"));
     QCOMPARE(log(*m_store, before),
-             QString("603 MenuFileExt k  {} {\"KeyLink\":\"k\",\"fileExt\":\"a\"}\n"
-                     "601 MenuFileExt n  {\"KeyLink\":\"n\",\"fileExt\":\"b\"} {}\n"
-                     "603 MenuFileExt n  {} {\"KeyLink\":\"n\",\"fileExt\":\"b\"}\n"
-                     "601 MenuFileExt N  {\"KeyLink\":\"N\",\"fileExt\":\"b\"} {}"));
+             QString("603 MenuFileExt k %1 {} {\"KeyLink\":\"k\",\"fileExt\":\"a\"}\n"
+                     "601 MenuFileExt n %1 {\"KeyLink\":\"n\",\"fileExt\":\"b\"} {}\n"
+                     "603 MenuFileExt n %1 {} {\"KeyLink\":\"n\",\"fileExt\":\"b\"}\n"
+                     "601 MenuFileExt N %1 {\"KeyLink\":\"N\",\"fileExt\":\"b\"} {}")
+                 .arg(QString(m_kind.handLogin())));
 }
 
 void TestLog::everyWriterHasItsLogin() {
@@ -153,7 +156,7 @@ void TestLog::refusedCallLeavesNoEventAndNoLogin() {
     ORVO_FAILS(Batch("MenuFileExt").insert("b").insert("a").send(*m_store), Refused);
     QCOMPARE(position(), before);
     QVERIFY(m_kind.byHand("INSERT INTO \"MenuFileExt\" (\"KeyLink\") VALUES ('c');"));
-    QVERIFY(log(*m_store, before).startsWith("601 MenuFileExt c  {"));
+    QVERIFY(log(*m_store, before).startsWith("601 MenuFileExt c " + m_kind.handLogin() + " {"));
 }
 
 void TestLog::readingGoesOnFromTheCursorInPortions() {

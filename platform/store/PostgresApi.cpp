@@ -1,0 +1,328 @@
+#include "platform/store/PostgresApi.h"
+
+#include "platform/store/Names.h"
+
+#include <bit>
+#include <chrono>
+#include <cstring>
+#include <poll.h>
+
+namespace orvo::store::postgres {
+
+namespace {
+
+// Types of values by their fixed numbers in every server.
+constexpr Oid booleanType = 16;
+constexpr Oid bigintType = 20;
+constexpr Oid integerType = 23;
+constexpr Oid textType = 25;
+constexpr Oid doubleType = 701;
+
+Oid typeOf(MdxType type) {
+    switch (type) {
+    case MDX_BOOLEAN:
+        return booleanType;
+    case MDX_INTEGER:
+        return integerType;
+    case MDX_DATE:
+        return doubleType;
+    default:
+        return textType;
+    }
+}
+
+std::string bigEndian(uint64_t value, int bytes) {
+    std::string out;
+    for (int shift = (bytes - 1) * 8; shift >= 0; shift -= 8)
+        out += static_cast<char>(value >> shift & 0xFF);
+    return out;
+}
+
+uint64_t fromBigEndian(std::string_view bytes) {
+    uint64_t value = 0;
+    for (const char byte : bytes)
+        value = value << 8 | static_cast<unsigned char>(byte);
+    return value;
+}
+
+/// Set once a connection stands; the store's statements rely on them.
+const char settings[] = "SET standard_conforming_strings = on;"
+                        "SET client_min_messages = warning;"
+                        "SET lock_timeout = '5s';"
+                        "SET idle_in_transaction_session_timeout = '60s';"
+                        "SET extra_float_digits = 1";
+
+bool startsWith(std::string_view text, std::string_view what) {
+    return text.substr(0, what.size()) == what;
+}
+
+/// The codes of a server that goes away, or no longer takes writes because another one does now.
+bool isBreak(std::string_view state) {
+    return startsWith(state, "08") || startsWith(state, "57P0") || state == "25006" ||
+           state == "25P03";
+}
+
+/// The error code in a message at full length ("FATAL:  28P01: ..."), whatever its language.
+std::string stateIn(std::string_view message) {
+    for (size_t i = 0; i + 7 <= message.size(); ++i) {
+        if (message[i] != ' ' || message[i + 6] != ':')
+            continue;
+        const std::string_view state = message.substr(i + 1, 5);
+        bool digit = false;
+        bool plain = true;
+        for (const char c : state) {
+            digit = digit || (c >= '0' && c <= '9');
+            plain = plain && ((c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z'));
+        }
+        if (digit && plain)
+            return std::string(state);
+    }
+    return {};
+}
+
+} // namespace
+
+bool isText(std::string_view text) {
+    return text.find('\0') == std::string_view::npos && validUtf8(std::string(text)) == text;
+}
+
+Parameters& Parameters::text(std::string_view value) {
+    m_values.push_back({textType, false, value, {}});
+    return *this;
+}
+
+Parameters& Parameters::integer(int64_t value) {
+    m_values.push_back({bigintType, false, {}, bigEndian(static_cast<uint64_t>(value), 8)});
+    return *this;
+}
+
+Parameters& Parameters::field(MdxType type, const Value& value) {
+    Parameter parameter;
+    parameter.type = typeOf(type);
+    parameter.null = false;
+    if (const auto* text = std::get_if<std::string>(&value))
+        parameter.bytes = *text;
+    else if (const auto* real = std::get_if<double>(&value))
+        parameter.own = bigEndian(std::bit_cast<uint64_t>(*real), 8);
+    else if (const auto* number = std::get_if<int64_t>(&value))
+        parameter.own = bigEndian(static_cast<uint64_t>(*number), type == MDX_BOOLEAN ? 1 : 4);
+    else
+        parameter.null = true;
+    m_values.push_back(std::move(parameter));
+    return *this;
+}
+
+// Results ----------------------------------------------------------------------------------------
+
+bool isNull(const PGresult* result, int row, int column) {
+    return PQgetisnull(result, row, column) != 0;
+}
+
+std::string_view textAt(const PGresult* result, int row, int column) {
+    return {PQgetvalue(result, row, column), static_cast<size_t>(PQgetlength(result, row, column))};
+}
+
+int64_t integerAt(const PGresult* result, int row, int column) {
+    const std::string_view bytes = textAt(result, row, column);
+    const uint64_t value = fromBigEndian(bytes);
+    return bytes.size() == 4 ? static_cast<int32_t>(value) : static_cast<int64_t>(value);
+}
+
+double realAt(const PGresult* result, int row, int column) {
+    return std::bit_cast<double>(fromBigEndian(textAt(result, row, column)));
+}
+
+bool booleanAt(const PGresult* result, int row, int column) {
+    return fromBigEndian(textAt(result, row, column)) != 0;
+}
+
+Value valueAt(MdxType type, const PGresult* result, int row, int column) {
+    if (isNull(result, row, column))
+        return std::monostate();
+    switch (type) {
+    case MDX_BOOLEAN:
+        return int64_t(booleanAt(result, row, column) ? 1 : 0);
+    case MDX_INTEGER:
+        return integerAt(result, row, column);
+    case MDX_DATE:
+        return realAt(result, row, column);
+    default:
+        return std::string(textAt(result, row, column));
+    }
+}
+
+bool succeeded(const PGresult* result) {
+    const ExecStatusType status = PQresultStatus(result);
+    return status == PGRES_TUPLES_OK || status == PGRES_COMMAND_OK;
+}
+
+std::string_view stateOf(const PGresult* result) {
+    const char* state = PQresultErrorField(result, PG_DIAG_SQLSTATE);
+    return state != nullptr ? std::string_view(state) : std::string_view();
+}
+
+// Connection -------------------------------------------------------------------------------------
+
+Status Connection::open(const Url& url) {
+    close();
+    const Url::Arrays arrays = url.arrays();
+    const auto begin = std::chrono::steady_clock::now();
+    m_connection.reset(PQconnectdbParams(arrays.names.data(), arrays.values.data(), 0));
+    if (!m_connection)
+        return {NoMemory, "Не хватает памяти"};
+    PQsetNoticeProcessor(
+        get(), [](void*, const char*) {}, nullptr);
+    const std::string where = "Нет подключения к " + shown(url.displayName()) + ": ";
+    if (!usable()) {
+        std::string why = url.withoutSecrets(PQerrorMessage(get()));
+        std::string state;
+        // A server that answers at once is asked once more, for the code of its refusal: its words
+        // are in a language of its own.
+        if (std::chrono::steady_clock::now() - begin < std::chrono::seconds(1)) {
+            PQsetErrorVerbosity(get(), PQERRORS_VERBOSE);
+            PQreset(get());
+            PQsetErrorVerbosity(get(), PQERRORS_DEFAULT);
+            if (!usable())
+                state = stateIn(PQerrorMessage(get()));
+        }
+        if (!usable()) {
+            const bool noPassword = PQconnectionNeedsPassword(get()) != 0;
+            close();
+            if (startsWith(state, "28") || noPassword)
+                return {BadLogin,
+                        where + "пользователь не найден или неправильный пароль (" + why + ")"};
+            if (state == "3D000")
+                return {UnknownName, where + "нет базы " + shown(url.get("dbname"))};
+            return {CannotConnect, where + why};
+        }
+    }
+    const Result set = execute(settings);
+    if (!succeeded(set.get()))
+        return failure(where, set.get());
+    return {};
+}
+
+void Connection::close() {
+    m_connection.reset();
+    m_prepared.clear();
+}
+
+bool Connection::alive() {
+    while (usable()) {
+        pollfd wait = {PQsocket(get()), POLLIN, 0};
+        if (::poll(&wait, 1, 0) != 1)
+            break;
+        if (PQconsumeInput(get()) == 0)
+            break;
+        PQisBusy(get()); // reads what has come: a parting word of the server among it
+    }
+    if (!usable())
+        close();
+    return usable();
+}
+
+Result Connection::execute(const std::string& sql) const {
+    return Result(PQexec(get(), sql.c_str()));
+}
+
+bool Connection::sendPrepare(const std::string& sql, const Parameters& parameters) {
+    std::vector<Oid> types;
+    for (const auto& parameter : parameters.m_values)
+        types.push_back(parameter.type);
+    const std::string name = "s" + std::to_string(m_made++);
+    if (PQsendPrepare(get(), name.c_str(), sql.c_str(), static_cast<int>(types.size()),
+                      types.data()) == 0)
+        return false;
+    m_prepared.emplace(sql, name);
+    return true;
+}
+
+bool Connection::sendRun(const std::string& sql, const Parameters& parameters) const {
+    const std::vector<Parameters::Parameter>& all = parameters.m_values;
+    std::vector<const char*> values;
+    std::vector<int> lengths;
+    const std::vector<int> formats(all.size(), 1);
+    for (const auto& parameter : all) {
+        const std::string_view bytes = parameter.own.empty() ? parameter.bytes : parameter.own;
+        values.push_back(parameter.null ? nullptr : bytes.empty() ? "" : bytes.data());
+        lengths.push_back(static_cast<int>(bytes.size()));
+    }
+    return PQsendQueryPrepared(get(), m_prepared.at(sql).c_str(), static_cast<int>(all.size()),
+                               values.data(), lengths.data(), formats.data(), 1) != 0;
+}
+
+Result Connection::query(const std::string& sql, const Parameters& parameters, int milliseconds) {
+    using Clock = std::chrono::steady_clock;
+    const auto end = Clock::now() + std::chrono::milliseconds(milliseconds);
+    const auto answer = [&]() -> Result {
+        while (milliseconds >= 0 && PQisBusy(get()) != 0) {
+            const auto left =
+                std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
+            pollfd wait = {PQsocket(get()), POLLIN, 0};
+            if (left <= 0 || ::poll(&wait, 1, static_cast<int>(left)) != 1) {
+                close();
+                return {};
+            }
+            if (PQconsumeInput(get()) == 0)
+                break; // the result below tells why
+        }
+        Result last(PQgetResult(get()));
+        while (const Result rest{PQgetResult(get())})
+            continue;
+        return last;
+    };
+    if (!isPrepared(sql)) {
+        if (!sendPrepare(sql, parameters))
+            return {};
+        Result prepared = answer();
+        if (!prepared || !succeeded(prepared.get())) {
+            forget(sql);
+            return prepared;
+        }
+    }
+    if (!sendRun(sql, parameters))
+        return {};
+    return answer();
+}
+
+Status Connection::failure(std::string_view what, const PGresult* result) {
+    const std::string state(stateOf(result));
+    const char* primary = PQresultErrorField(result, PG_DIAG_MESSAGE_PRIMARY);
+    std::string message = primary != nullptr ? primary
+                          : result != nullptr && *PQresultErrorMessage(result)
+                              ? PQresultErrorMessage(result)
+                          : get() != nullptr ? PQerrorMessage(get())
+                                             : "";
+    message = Url().withoutSecrets(std::move(message));
+    int code = Failed;
+    std::string why = message;
+    if (!usable() || isBreak(state)) {
+        code = ConnectionBroken;
+        why = "соединение с базой потеряно" + (message.empty() ? "" : " (" + message + ")");
+        close();
+    } else if (state == "23505") {
+        code = Refused;
+        why = "такой ключ уже есть";
+    } else if (state == "42501") {
+        code = Refused;
+        why = "недостаточно прав (" + message + ")";
+    } else if (startsWith(state, "23") || startsWith(state, "22")) {
+        code = Refused;
+        why = "нарушено правило таблицы (" + message + ")";
+    } else if (startsWith(state, "54")) {
+        code = Refused;
+        why = "значение слишком велико (" + message + ")";
+    } else if (state == "55P03" || startsWith(state, "40")) {
+        code = Timeout;
+        why = "база занята другой программой";
+    } else if (state == "53100") {
+        why = "на диске сервера не осталось места";
+    } else if (startsWith(state, "53")) {
+        why = "серверу не хватает ресурсов (" + message + ")";
+    } else if (startsWith(state, "XX")) {
+        why = "база повреждена (" + message + ")";
+    }
+    return {code, std::string(what) + ": " + why};
+}
+
+} // namespace orvo::store::postgres

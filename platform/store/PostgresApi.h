@@ -1,0 +1,99 @@
+// PostgresApi.h: libpq behind types that release what they hold.
+#ifndef ORVO_PLATFORM_STORE_POSTGRESAPI_H
+#define ORVO_PLATFORM_STORE_POSTGRESAPI_H
+
+#include "platform/store/PostgresUrl.h"
+#include "platform/store/Store.h"
+#include "platform/store/WritePlan.h"
+
+#include <libpq-fe.h>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace orvo::store::postgres {
+
+struct ClearResult {
+    void operator()(PGresult* result) const { PQclear(result); }
+};
+using Result = std::unique_ptr<PGresult, ClearResult>;
+
+/// Whether a text can be one of the database: valid UTF-8 without zero bytes. Any other equals no
+/// text of the database.
+bool isText(std::string_view text);
+
+/// The values of a statement, in the binary form. Texts are not copied: they must outlive the
+/// sending.
+class Parameters {
+public:
+    Parameters& text(std::string_view value);
+    Parameters& integer(int64_t value); ///< bigint
+    /// As a field of that type holds it.
+    Parameters& field(MdxType type, const Value& value);
+
+private:
+    friend class Connection;
+    struct Parameter {
+        Oid type = 0;
+        bool null = true;
+        std::string_view bytes; ///< of a text
+        std::string own;        ///< of anything else
+    };
+    std::vector<Parameter> m_values;
+};
+
+// Columns of a binary result.
+bool isNull(const PGresult* result, int row, int column);
+int64_t integerAt(const PGresult* result, int row, int column); ///< integer or bigint
+double realAt(const PGresult* result, int row, int column);
+std::string_view textAt(const PGresult* result, int row, int column); ///< or bytes
+bool booleanAt(const PGresult* result, int row, int column);
+Value valueAt(MdxType type, const PGresult* result, int row, int column);
+
+/// A connection to a server, and the statements prepared there.
+class Connection {
+public:
+    /// Connects, within the time the URL allows. CannotConnect or BadLogin.
+    Status open(const Url& url);
+    void close();
+    PGconn* get() const { return m_connection.get(); }
+    bool usable() const { return m_connection && PQstatus(get()) == CONNECTION_OK; }
+    /// Takes what has come in unasked and tells whether the connection still stands.
+    bool alive();
+
+    /// Runs a text of one or more statements; the result of the last. Never null.
+    Result execute(const std::string& sql) const;
+    /// Runs one statement, prepared on first use, and waits for its result in binary form. Past
+    /// the time limit (-1: none) the connection is closed.
+    Result query(const std::string& sql, const Parameters& parameters, int milliseconds = -1);
+
+    // For pipelines: sends without waiting. False if the connection broke.
+    bool isPrepared(const std::string& sql) const { return m_prepared.count(sql) != 0; }
+    bool sendPrepare(const std::string& sql, const Parameters& parameters);
+    bool sendRun(const std::string& sql, const Parameters& parameters) const;
+    /// To be called when the server did not come to prepare the statement after all.
+    void forget(const std::string& sql) { m_prepared.erase(sql); }
+
+    /// A Status for a failed result (null: the connection's last error): "what: why". A broken
+    /// connection is closed.
+    Status failure(std::string_view what, const PGresult* result);
+
+private:
+    struct Finish {
+        void operator()(PGconn* connection) const { PQfinish(connection); }
+    };
+    std::unique_ptr<PGconn, Finish> m_connection;
+    std::unordered_map<std::string, std::string> m_prepared; ///< names by text
+    unsigned m_made = 0;
+};
+
+/// Whether a result is what it should be: rows or a finished command.
+bool succeeded(const PGresult* result);
+/// The error code of a result; empty if there is none.
+std::string_view stateOf(const PGresult* result);
+
+} // namespace orvo::store::postgres
+
+#endif

@@ -1,0 +1,220 @@
+#include "platform/store/PostgresCopy.h"
+
+#include <bit>
+#include <cstring>
+
+namespace orvo::store::postgres {
+
+namespace {
+
+constexpr std::string_view signature("PGCOPY\n\377\r\n\0", 11);
+constexpr size_t headerSize = signature.size() + 8;
+
+/// Reads numbers and values from a message, and never past its end.
+class Reader {
+public:
+    explicit Reader(std::string_view bytes) : m_at(bytes.data()), m_end(m_at + bytes.size()) {}
+    size_t left() const { return static_cast<size_t>(m_end - m_at); }
+
+    bool take(size_t length, const char** bytes) {
+        if (left() < length)
+            return false;
+        *bytes = m_at;
+        m_at += length;
+        return true;
+    }
+    template <typename Number>
+    bool number(Number* value) {
+        const char* bytes = nullptr;
+        if (!take(sizeof *value, &bytes))
+            return false;
+        *value = decode<Number>(bytes);
+        return true;
+    }
+    template <typename Number>
+    static Number decode(const char* bytes) {
+        if constexpr (sizeof(Number) == 2) {
+            uint16_t raw = 0;
+            std::memcpy(&raw, bytes, 2);
+            return std::bit_cast<Number>(__builtin_bswap16(raw));
+        } else if constexpr (sizeof(Number) == 4) {
+            uint32_t raw = 0;
+            std::memcpy(&raw, bytes, 4);
+            return std::bit_cast<Number>(__builtin_bswap32(raw));
+        } else {
+            uint64_t raw = 0;
+            std::memcpy(&raw, bytes, 8);
+            return std::bit_cast<Number>(__builtin_bswap64(raw));
+        }
+    }
+
+private:
+    const char* m_at;
+    const char* m_end;
+};
+static_assert(std::endian::native == std::endian::little);
+
+/// Takes what the server says after the rows, to the end.
+Status finish(Connection& connection, std::string_view what) {
+    Status status;
+    while (connection.usable()) {
+        const Result end(PQgetResult(connection.get()));
+        if (!end)
+            return status;
+        if (!succeeded(end.get()) && status.ok())
+            status = connection.failure(what, end.get());
+    }
+    return status.ok() ? connection.failure(what, nullptr) : status;
+}
+
+/// Takes the messages of a copy one by one. Always reads to the end, so that the connection can be
+/// used again; what comes after `each` has refused is dropped.
+template <typename Each>
+Status messages(Connection& connection, const std::string& sql, std::string_view what,
+                const Each& each) {
+    const Status broken = {BadStructure, std::string(what) + ": сервер прислал непонятные данные"};
+    {
+        const Result begun = connection.execute(sql);
+        if (PQresultStatus(begun.get()) != PGRES_COPY_OUT)
+            return connection.failure(what, begun.get());
+    }
+    struct Free {
+        void operator()(char* memory) const { PQfreemem(memory); }
+    };
+    bool headed = false;
+    Status status;
+    for (;;) {
+        char* raw = nullptr;
+        const int length = PQgetCopyData(connection.get(), &raw, 0);
+        const std::unique_ptr<char, Free> message(raw);
+        if (length < 0)
+            break;
+        if (!status.ok())
+            continue;
+        std::string_view bytes(raw, static_cast<size_t>(length));
+        if (!headed) {
+            headed = true;
+            if (bytes.size() < headerSize || bytes.substr(0, signature.size()) != signature) {
+                status = broken;
+                continue;
+            }
+            const size_t extension = Reader::decode<uint32_t>(bytes.data() + headerSize - 4);
+            bytes.remove_prefix(headerSize);
+            if (extension > bytes.size()) {
+                status = broken;
+                continue;
+            }
+            bytes.remove_prefix(extension);
+        }
+        Reader reader(bytes);
+        while (status.ok() && reader.left() > 0) {
+            int16_t fields = 0;
+            if (!reader.number(&fields) || (fields >= 0 && !each(reader, fields)))
+                status = broken;
+            else if (fields < 0 && reader.left() > 0)
+                status = broken; // nothing follows the trailer
+        }
+    }
+    const Status ended = finish(connection, what);
+    if (!ended.ok())
+        return ended;
+    return status;
+}
+
+} // namespace
+
+Status copyOut(Connection& connection, const std::string& sql, std::string_view what,
+               const TableDef& table, mdx::RecordWriter& writer) {
+    return messages(connection, sql, what, [&](Reader& reader, int fields) {
+        if (static_cast<size_t>(fields) != table.fields.size())
+            return false;
+        writer.begin();
+        int number = 0;
+        for (const FieldDef& field : table.fields) {
+            int32_t length = 0;
+            const char* value = nullptr;
+            if (!reader.number(&length))
+                return false;
+            if (length < 0) {
+                ++number;
+                continue;
+            }
+            if (!reader.take(static_cast<size_t>(length), &value))
+                return false;
+            switch (field.type) {
+            case MDX_BOOLEAN:
+                if (length != 1)
+                    return false;
+                writer.boolean(number, *value != 0);
+                break;
+            case MDX_INTEGER:
+                if (length != 4)
+                    return false;
+                writer.integer(number, Reader::decode<int32_t>(value));
+                break;
+            case MDX_DATE:
+                if (length != 8)
+                    return false;
+                writer.date(number, Reader::decode<double>(value));
+                break;
+            default:
+                writer.textUtf8(number, value, static_cast<size_t>(length));
+            }
+            ++number;
+        }
+        writer.end();
+        return true;
+    });
+}
+
+Status copyOut(Connection& connection, const std::string& sql, std::string_view what,
+               std::string* bytes) {
+    return messages(connection, sql, what, [&](Reader& reader, int fields) {
+        int32_t length = 0;
+        const char* value = nullptr;
+        if (fields != 1 || !reader.number(&length) || length < 0 ||
+            !reader.take(static_cast<size_t>(length), &value))
+            return false;
+        bytes->append(value, static_cast<size_t>(length));
+        return true;
+    });
+}
+
+Status copyIn(Connection& connection, const std::string& sql, std::string_view what,
+              std::string_view key, std::string_view bytes) {
+    constexpr size_t piece = 512 << 10;
+    {
+        const Result begun = connection.execute(sql);
+        if (PQresultStatus(begun.get()) != PGRES_COPY_IN)
+            return connection.failure(what, begun.get());
+    }
+    const auto number = [](std::string* out, uint64_t value, int size) {
+        for (int shift = (size - 1) * 8; shift >= 0; shift -= 8)
+            *out += static_cast<char>(value >> shift & 0xFF);
+    };
+    PGconn* server = connection.get();
+    const auto put = [&](std::string_view data) {
+        return PQputCopyData(server, data.data(), static_cast<int>(data.size())) == 1;
+    };
+    std::string head(signature);
+    head.append(8, '\0');
+    bool sent = true;
+    for (size_t part = 0; sent && part * piece < bytes.size(); ++part) {
+        const std::string_view data = bytes.substr(part * piece, piece);
+        number(&head, 3, 2);
+        number(&head, key.size(), 4);
+        head += key;
+        number(&head, 4, 4);
+        number(&head, part, 4);
+        number(&head, data.size(), 4);
+        sent = put(head) && put(data);
+        head.clear();
+    }
+    number(&head, 0xFFFF, 2);
+    sent = sent && put(head) && PQputCopyEnd(server, nullptr) == 1;
+    // Where the sending was stopped, the server says why.
+    const Status status = finish(connection, what);
+    return status.ok() && !sent ? connection.failure(what, nullptr) : status;
+}
+
+} // namespace orvo::store::postgres

@@ -1,0 +1,170 @@
+// The change log of a PostgreSQL store, and its health.
+#include "platform/store/PostgresStore.h"
+
+#include "platform/store/Names.h"
+#include "platform/store/PostgresSchema.h"
+#include "platform/store/Sql.h"
+
+#include <algorithm>
+
+namespace orvo::store::postgres {
+
+namespace {
+
+const char logName[] = "Журнал изменений";
+
+/// How long the regular look at the log waits for the server.
+constexpr int lookMilliseconds = 2000;
+
+/// The end of the log, pruned or not.
+const char newestId[] =
+    "SELECT greatest(coalesce((SELECT max(\"id\") FROM public.\"NciEvent\"), 0), "
+    "coalesce((SELECT \"id\" FROM public.\"NciPruned\"), 0))";
+
+} // namespace
+
+Status PostgresStore::newest(int64_t* id, int milliseconds) {
+    const Result result = m_connection.query(newestId, {}, milliseconds);
+    if (!succeeded(result.get()))
+        return m_connection.failure(logName, result.get());
+    *id = integerAt(result.get(), 0, 0);
+    m_known = *id;
+    return {};
+}
+
+Status PostgresStore::logPosition(int64_t* id) {
+    return guarded([&]() -> Status {
+        const Status status = ready();
+        return status.ok() ? newest(id, -1) : status;
+    });
+}
+
+Status PostgresStore::readLog(int64_t cursor, int limit, std::vector<Change>* changes) {
+    return guarded([&]() -> Status {
+        const Status status = ready();
+        if (!status.ok())
+            return status;
+        m_listener.revive(m_url); // before the rows: what comes in between is announced
+        // One statement is one snapshot.
+        const Result result = m_connection.query(
+            std::string("WITH ends AS (SELECT (SELECT \"id\" FROM public.\"NciPruned\") AS pruned, "
+                        "(") +
+                newestId +
+                ") AS newest) SELECT ends.*, e.\"id\", e.\"code\", e.\"tableName\", e.\"key\", "
+                "e.\"login\", e.\"time\", e.\"after\", e.\"before\" FROM ends LEFT JOIN LATERAL "
+                "(SELECT * FROM public.\"NciEvent\" WHERE \"id\" > $1 ORDER BY \"id\" LIMIT $2) e "
+                "ON true ORDER BY e.\"id\"",
+            Parameters().integer(cursor).integer(std::max(limit, 0)));
+        if (!succeeded(result.get()))
+            return m_connection.failure(logName, result.get());
+        const PGresult* row = result.get();
+        const int64_t pruned = isNull(row, 0, 0) ? 0 : integerAt(row, 0, 0);
+        const int64_t newest = integerAt(row, 0, 1);
+        m_known = newest;
+        // A cursor beyond the end is one of another life of this database.
+        if (cursor < pruned || cursor > newest)
+            return {LogPruned, "Журнал изменений не достаёт до события " + std::to_string(cursor) +
+                                   ": он начинается после " + std::to_string(pruned)};
+        std::vector<Change> read;
+        const auto text = [&](int i, int column) { return std::string(textAt(row, i, column)); };
+        for (int i = 0; i < PQntuples(row) && !isNull(row, i, 2); ++i) {
+            Change change;
+            change.id = integerAt(row, i, 2);
+            change.code = static_cast<int>(integerAt(row, i, 3));
+            change.table = text(i, 4);
+            change.key = text(i, 5);
+            change.login = text(i, 6);
+            change.time = realAt(row, i, 7);
+            change.after = text(i, 8);
+            change.before = text(i, 9);
+            read.push_back(std::move(change));
+        }
+        m_seen = newest;
+        m_more = limit <= 0 || read.size() == static_cast<size_t>(limit);
+        changes->swap(read);
+        return {};
+    });
+}
+
+Status PostgresStore::pruneLog(int64_t id) {
+    return guarded([&] {
+        return inWrite([&] {
+            return send("DELETE FROM public.\"NciEvent\" WHERE \"id\" <= $1",
+                        Parameters().integer(id), logName, true);
+        });
+    });
+}
+
+void PostgresStore::takeWake() {
+    guarded([&]() -> Status {
+        m_listener.take();
+        return {};
+    });
+}
+
+bool PostgresStore::changed() {
+    bool result = true; // an error is the reader's to meet
+    guarded([&]() -> Status {
+        if (!m_connection.alive() || m_session.empty())
+            return {};
+        m_listener.revive(m_url);
+        int64_t id = -1;
+        const Status status = newest(&id, lookMilliseconds);
+        result = !status.ok() || m_more || id != m_seen;
+        m_seen = id;
+        m_more = false;
+        return {};
+    });
+    return result;
+}
+
+Status PostgresStore::integrity(std::vector<std::string>* damages) {
+    return guarded([&]() -> Status {
+        const Status status = ready();
+        if (!status.ok())
+            return status;
+        std::vector<std::string> found;
+        const auto lines = [&](const std::string& sql) -> Status {
+            const Result result = m_connection.execute(sql);
+            if (succeeded(result.get())) {
+                for (int row = 0; row < PQntuples(result.get()); ++row)
+                    found.emplace_back(textAt(result.get(), row, 0));
+                return {};
+            }
+            const bool damage = stateOf(result.get()).substr(0, 2) == "XX";
+            const Status failed = m_connection.failure("Проверка базы", result.get());
+            if (!damage)
+                return failed;
+            found.push_back(failed.text);
+            return {};
+        };
+        std::vector<std::string> checks = {
+            "SELECT 'Счётчик повреждённых страниц базы: ' || checksum_failures FROM "
+            "pg_stat_database WHERE datname = current_database() AND checksum_failures > 0",
+            "SELECT 'Недействительный индекс ' || indexrelid::regclass FROM pg_index JOIN pg_class "
+            "c ON c.oid = indrelid WHERE c.relnamespace = 'public'::regnamespace AND NOT "
+            "indisvalid",
+            "SELECT 'Отключён триггер ' || tgname || ' таблицы ' || tgrelid::regclass FROM "
+            "pg_trigger JOIN pg_class c ON c.oid = tgrelid WHERE c.relnamespace = "
+            "'public'::regnamespace AND tgenabled NOT IN ('O', 'A')",
+            "SELECT 'Размер содержимого ' || f.\"KeyLink\" || ' не сходится с записанным' FROM "
+            "public.\"MenuResourceFile\" f WHERE f.\"size\" IS DISTINCT FROM (SELECT "
+            "coalesce(sum(octet_length(\"data\")), 0) FROM public.\"MenuResourceFileData\" d WHERE "
+            "d.\"KeyLink\" = f.\"KeyLink\")"};
+        std::vector<std::string> names = {contentTable().name, "MenuResourceFileData", "NciEvent"};
+        for (const TableDef& table : tables())
+            names.emplace_back(table.name);
+        for (const std::string& name : names) // every value is read once
+            checks.push_back("SELECT s::text FROM (SELECT sum(length(t::text)) AS s FROM " +
+                             qualified(name) + " t) x WHERE s < 0");
+        for (const std::string& check : checks) {
+            const Status done = lines(check);
+            if (!done.ok())
+                return done;
+        }
+        damages->swap(found);
+        return {};
+    });
+}
+
+} // namespace orvo::store::postgres

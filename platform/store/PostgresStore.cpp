@@ -1,0 +1,239 @@
+#include "platform/store/PostgresStore.h"
+
+#include "platform/mdx/MdxBuild.h"
+#include "platform/store/Names.h"
+#include "platform/store/PostgresCopy.h"
+#include "platform/store/PostgresSchema.h"
+#include "platform/store/Sql.h"
+
+#include <sys/random.h>
+
+namespace orvo::store::postgres {
+
+namespace {
+
+/// The present row of a binary result as a record.
+void writeRecord(const TableDef& table, const PGresult* result, int row,
+                 mdx::RecordWriter& writer) {
+    writer.begin();
+    int i = 0;
+    for (const FieldDef& field : table.fields) {
+        if (!isNull(result, row, i)) {
+            switch (field.type) {
+            case MDX_BOOLEAN:
+                writer.boolean(i, booleanAt(result, row, i));
+                break;
+            case MDX_INTEGER:
+                writer.integer(i, static_cast<int32_t>(integerAt(result, row, i)));
+                break;
+            case MDX_DATE:
+                writer.date(i, realAt(result, row, i));
+                break;
+            default: {
+                const std::string_view text = textAt(result, row, i);
+                writer.textUtf8(i, text.data(), text.size());
+            }
+            }
+        }
+        ++i;
+    }
+    writer.end();
+}
+
+/// A random number for an advisory lock, as text.
+std::string sessionNumber() {
+    int64_t number = 0;
+    if (getrandom(&number, sizeof number, 0) != sizeof number)
+        return {};
+    return std::to_string(number);
+}
+
+} // namespace
+
+PostgresStore::PostgresStore(Url url, Connection connection, const std::string& login,
+                             bool asAnother)
+    : StoreCore(login)
+    , m_url(std::move(url))
+    , m_asLogin(asAnother ? login : std::string())
+    , m_connection(std::move(connection)) {}
+
+Status PostgresStore::start() {
+    return guarded([&]() -> Status {
+        std::vector<const TableDef*> known = {&contentTable()};
+        for (const TableDef& table : tables())
+            known.push_back(&table);
+        for (const TableDef* table : known) {
+            const Result result = m_connection.query(
+                "SELECT " + fieldList(*table) + " FROM " + qualified(table->name) + " LIMIT 0", {});
+            if (!succeeded(result.get()))
+                return m_connection.failure(
+                    "Хранилище " + shown(displayName()) + ", " + inTable(*table), result.get());
+        }
+        const Status status = connect();
+        if (status.ok())
+            m_listener.revive(m_url);
+        return status;
+    });
+}
+
+/// Makes what a connection needs to be the store's; connects before, if that is necessary.
+Status PostgresStore::connect() {
+    if (!m_connection.usable()) {
+        m_session.clear();
+        const Status status = m_connection.open(m_url);
+        if (!status.ok())
+            return status;
+    }
+    // As long as this lock is held, the session may still be at work; see findOut.
+    const std::string session = sessionNumber();
+    if (session.empty())
+        return {Failed, "Система не даёт случайных чисел"};
+    const Result locked = m_connection.execute("SELECT pg_advisory_lock(" + session + "::bigint)");
+    if (!succeeded(locked.get()))
+        return m_connection.failure("Подключение", locked.get());
+    m_session = session;
+    int64_t id = 0;
+    return newest(&id, -1);
+}
+
+Status PostgresStore::ready() {
+    // A call that was left by an exception may have left the connection in the middle of something.
+    if (m_connection.usable() && PQtransactionStatus(m_connection.get()) != PQTRANS_IDLE)
+        m_connection.close();
+    return m_connection.alive() && !m_session.empty() ? Status() : connect();
+}
+
+// Tables -----------------------------------------------------------------------------------------
+
+Status PostgresStore::fetch(std::string_view name, MDArray* into) {
+    return guarded([&]() -> Status {
+        const TableDef* table = findTable(name);
+        if (table == nullptr)
+            return {UnknownName, "Неизвестная таблица " + shown(name)};
+        if (into == nullptr || into->fieldCount != 0)
+            return {BadArguments, inTable(*table) + ": массив для записей не пуст"};
+        const Status status = ready();
+        if (!status.ok())
+            return status;
+        return records(*table, into, [&](mdx::RecordWriter& writer) {
+            return copyOut(m_connection,
+                           "COPY " + qualified(table->name) + " (" + fieldList(*table) +
+                               ") TO STDOUT (FORMAT binary)",
+                           inTable(*table), *table, writer);
+        });
+    });
+}
+
+Status PostgresStore::fetchWhere(std::string_view name, std::string_view field,
+                                 std::string_view value, MDArray* into) {
+    return guarded([&]() -> Status {
+        const TableDef* table = findTable(name);
+        if (table == nullptr)
+            return {UnknownName, "Неизвестная таблица " + shown(name)};
+        const int number = table->find(field);
+        if (number < 0 || table->fields[static_cast<size_t>(number)].type != MDX_TEXT)
+            return {UnknownName, inTable(*table) + ": нет текстового поля " + shown(field)};
+        if (into == nullptr || into->fieldCount != 0)
+            return {BadArguments, inTable(*table) + ": массив для записей не пуст"};
+        const Status status = ready();
+        if (!status.ok())
+            return status;
+        // The first comparison finds by the index, the second is exact where that is not.
+        const FieldDef& which = table->fields[static_cast<size_t>(number)];
+        const std::string where = identifier(which.name);
+        std::string sql = "SELECT " + fieldList(*table) + " FROM " + qualified(table->name) +
+                          " WHERE " + where + " = $1";
+        if (which.link || number == 0)
+            sql += " AND lower(" + where + ") = lower($1 COLLATE \"C\")";
+        return records(*table, into, [&](mdx::RecordWriter& writer) -> Status {
+            if (!isText(value))
+                return {};
+            const Result result = m_connection.query(sql, Parameters().text(value));
+            if (!succeeded(result.get()))
+                return m_connection.failure(inTable(*table), result.get());
+            for (int row = 0; row < PQntuples(result.get()); ++row)
+                writeRecord(*table, result.get(), row, writer);
+            return {};
+        });
+    });
+}
+
+Status PostgresStore::rows(const TableDef& table, const std::vector<int>& fields,
+                           const std::string& sql, const Parameters& parameters,
+                           const std::function<void(const Row& row)>& each) {
+    const Status status = settle(); // what was sent before has to show
+    if (!status.ok())
+        return status;
+    const Result result = m_connection.query(sql, parameters);
+    if (!succeeded(result.get()))
+        return m_connection.failure(inTable(table), result.get());
+    Row row(fields.size());
+    for (int number = 0; number < PQntuples(result.get()); ++number) {
+        for (size_t i = 0; i < fields.size(); ++i)
+            row[i] = valueAt(table.fields[static_cast<size_t>(fields[i])].type, result.get(),
+                             number, static_cast<int>(i));
+        each(row);
+    }
+    return {};
+}
+
+Status PostgresStore::select(const TableDef& table, const std::vector<int>& fields,
+                             const std::function<void(const Row& row)>& each) {
+    return rows(table, fields,
+                "SELECT " + fieldList(table, fields) + " FROM " + qualified(table.name), {}, each);
+}
+
+Status PostgresStore::selectWhere(const TableDef& table, const std::vector<int>& fields, int where,
+                                  const Value& value,
+                                  const std::function<void(const Row& row)>& each) {
+    const FieldDef& field = table.fields[static_cast<size_t>(where)];
+    const std::string name = identifier(field.name);
+    const std::string sql =
+        "SELECT " + fieldList(table, fields) + " FROM " + qualified(table.name) + " WHERE ";
+    if (std::holds_alternative<std::monostate>(value))
+        return rows(table, fields, sql + name + " IS NULL", {}, each);
+    const auto* text = std::get_if<std::string>(&value);
+    if (text != nullptr && !isText(*text))
+        return {};
+    if (text != nullptr && (field.link || where == 0)) {
+        const std::string folded = foldedKey(*text);
+        return rows(table, fields, sql + "lower(" + name + ") = $1", Parameters().text(folded),
+                    each);
+    }
+    return rows(table, fields, sql + name + " = $1", Parameters().field(field.type, value), each);
+}
+
+Status PostgresStore::inRead(const Work& work) {
+    Status status = ready();
+    if (!status.ok())
+        return status;
+    const Result begun = m_connection.execute("BEGIN ISOLATION LEVEL REPEATABLE READ, READ ONLY");
+    if (!succeeded(begun.get()))
+        return m_connection.failure("Чтение", begun.get());
+    try {
+        status = work();
+    } catch (...) {
+        m_connection.execute("ROLLBACK");
+        throw;
+    }
+    if (m_connection.usable())
+        m_connection.execute("ROLLBACK"); // nothing to keep
+    return status;
+}
+
+Status PostgresStore::contentBytes(const std::string& key, std::string* bytes) {
+    const char what[] = "Содержимое файла";
+    const std::string from =
+        " FROM public.\"MenuResourceFileData\" WHERE \"KeyLink\" = " + literal(key);
+    const Result size =
+        m_connection.execute("SELECT coalesce(sum(octet_length(\"data\")), 0)" + from);
+    if (!succeeded(size.get()))
+        return m_connection.failure(what, size.get());
+    bytes->clear();
+    bytes->reserve(std::strtoull(PQgetvalue(size.get(), 0, 0), nullptr, 10));
+    return copyOut(m_connection,
+                   "COPY (SELECT \"data\"" + from + " ORDER BY \"part\") TO STDOUT (FORMAT binary)",
+                   what, bytes);
+}
+
+} // namespace orvo::store::postgres

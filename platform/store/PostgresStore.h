@@ -1,0 +1,112 @@
+// PostgresStore.h: a store in a database of a PostgreSQL server.
+//
+// Who writes: the login in the change log is the user of the session, which the server vouches for.
+// Only who owns the store (or is a superuser) may write under OpenOptions::login instead, as the
+// administrator's command does; for anyone else that option has no effect.
+//
+// Connections: a lost one is made anew by the next call, within the time that the URL's
+// connect_timeout allows (3 s). The call that meets the loss fails with ConnectionBroken. A write
+// that does finds out, when it can reach the server again within a few seconds, whether it was
+// saved: then it succeeds, or says that it was not; otherwise it says that nobody knows.
+#ifndef ORVO_PLATFORM_STORE_POSTGRESSTORE_H
+#define ORVO_PLATFORM_STORE_POSTGRESSTORE_H
+
+#include "platform/store/PostgresApi.h"
+#include "platform/store/PostgresWake.h"
+#include "platform/store/StoreCore.h"
+
+#include <deque>
+#include <memory>
+#include <string>
+
+namespace orvo::store::postgres {
+
+/// Opens or makes the store behind a URL; see store::open. With `create` the database is made too,
+/// if it is missing and the user may do that.
+std::unique_ptr<Store> openStore(const std::string& url, const OpenOptions& options,
+                                 Status* status);
+
+class PostgresStore final : public StoreCore {
+public:
+    /// Takes a connection to a store of the newest version.
+    PostgresStore(Url url, Connection connection, const std::string& login, bool asAnother);
+
+    /// Prepares what every later call relies on.
+    Status start();
+
+    std::string displayName() const override { return m_url.displayName(); }
+
+    Status fetch(std::string_view table, MDArray* into) override;
+    Status fetchWhere(std::string_view table, std::string_view field, std::string_view value,
+                      MDArray* into) override;
+
+    Status logPosition(int64_t* id) override;
+    Status readLog(int64_t cursor, int limit, std::vector<Change>* changes) override;
+    Status pruneLog(int64_t id) override;
+    int wakeFd() const override { return m_listener.fd(); }
+    void takeWake() override;
+    bool changed() override;
+
+    Status integrity(std::vector<std::string>* damages) override;
+
+protected:
+    Status inRead(const Work& work) override;
+    Status inWrite(const Work& work) override;
+    Status apply(const TableDef& table, const Write& write) override;
+    Status applyContent(const Write& write, std::string_view bytes) override;
+    Status contentBytes(const std::string& key, std::string* bytes) override;
+    Status select(const TableDef& table, const std::vector<int>& fields,
+                  const std::function<void(const Row& row)>& each) override;
+    Status selectWhere(const TableDef& table, const std::vector<int>& fields, int where,
+                       const Value& value,
+                       const std::function<void(const Row& row)>& each) override;
+    Status makeLogin(const User& user) override;
+
+private:
+    /// A statement on its way: what to say if it fails.
+    struct Sent {
+        std::string prepared; ///< text of a preparation; empty for a run
+        std::string what;
+        bool writes = false;
+    };
+
+    /// Connects if the connection is gone.
+    Status ready();
+    Status connect();
+    Status rows(const TableDef& table, const std::vector<int>& fields, const std::string& sql,
+                const Parameters& parameters, const std::function<void(const Row& row)>& each);
+    Status newest(int64_t* id, int milliseconds);
+
+    // Writing: statements go out in one stream, and their results are met later.
+    Status begin(const std::string& call);
+    Status commit();
+    void rollback();
+    /// Sends a statement; the first failure met so far.
+    Status send(const std::string& sql, const Parameters& parameters, std::string what,
+                bool writes);
+    /// Takes results until that many are outstanding.
+    void receive(size_t left);
+    void receiveOne();
+    /// Waits for everything sent, and leaves the stream.
+    Status settle();
+    /// After the connection broke at a commit: whether the transaction is in the log.
+    Status findOut(const std::string& call, int64_t since, const std::string& session);
+
+    const Url m_url;
+    const std::string m_asLogin; ///< to write under; empty: the session's user
+    Connection m_connection;
+    std::string m_session; ///< a number that only this connection has locked
+    Listener m_listener;
+
+    std::deque<Sent> m_sent;
+    Status m_failure;
+    bool m_commitSent = false;
+
+    int64_t m_known = 0; ///< an id that the log has reached
+    int64_t m_seen = -1; ///< the newest id at the last look
+    bool m_more = false; ///< the log was not read to its end
+};
+
+} // namespace orvo::store::postgres
+
+#endif

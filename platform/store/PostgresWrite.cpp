@@ -1,0 +1,287 @@
+// Writing to a PostgreSQL store: a transaction is one stream of statements, sent without waiting
+// for their results.
+#include "platform/store/PostgresStore.h"
+
+#include "platform/store/Names.h"
+#include "platform/store/PostgresCopy.h"
+#include "platform/store/PostgresSchema.h"
+#include "platform/store/Sql.h"
+
+#include <chrono>
+#include <thread>
+
+namespace orvo::store::postgres {
+
+namespace {
+
+/// So many results may be outstanding. They fit into the buffers between here and the server:
+/// otherwise both might wait for the other to read.
+constexpr size_t mostOutstanding = 512;
+
+/// How long the outcome of a commit is looked for after the connection broke.
+constexpr std::chrono::seconds outcomePatience(5);
+
+const char dataTable[] = "public.\"MenuResourceFileData\"";
+
+/// The statement for a write of this shape.
+std::string statement(const TableDef& table, const Write& write) {
+    const std::string name = qualified(table.name);
+    const std::string key = identifier(table.fields[0].name);
+    const auto column = [&](int number) {
+        return identifier(table.fields[static_cast<size_t>(number)].name);
+    };
+    const std::string where = " WHERE lower(" + key + ") = $1";
+    if (write.flag == MDX_DELETE)
+        return "DELETE FROM " + name + where;
+    int parameter = 2;
+    if (write.flag == MDX_INSERT) {
+        std::string columns = key;
+        std::string places = "$1";
+        for (const auto& [number, value] : write.values) {
+            columns += ", " + column(number);
+            places += ", $" + std::to_string(parameter++);
+        }
+        return "INSERT INTO " + name + " (" + columns + ") VALUES (" + places + ")";
+    }
+    // Without fields too there is an update, for the sake of its echo.
+    std::string set = write.values.empty() ? key + " = " + key : "";
+    for (const auto& [number, value] : write.values)
+        set += (set.empty() ? "" : ", ") + column(number) + " = $" + std::to_string(parameter++);
+    return "UPDATE " + name + " SET " + set + where;
+}
+
+} // namespace
+
+// The stream -------------------------------------------------------------------------------------
+
+Status PostgresStore::send(const std::string& sql, const Parameters& parameters, std::string what,
+                           bool writes) {
+    if (!m_failure.ok())
+        return m_failure;
+    if (PQpipelineStatus(m_connection.get()) == PQ_PIPELINE_OFF &&
+        PQenterPipelineMode(m_connection.get()) == 0)
+        return m_failure = m_connection.failure(what, nullptr);
+    if (!m_connection.isPrepared(sql)) {
+        if (!m_connection.sendPrepare(sql, parameters))
+            return m_failure = m_connection.failure(what, nullptr);
+        m_sent.push_back({sql, what, writes});
+    }
+    if (!m_connection.sendRun(sql, parameters))
+        return m_failure = m_connection.failure(what, nullptr);
+    m_sent.push_back({{}, std::move(what), writes});
+    if (m_sent.size() > mostOutstanding) {
+        if (PQsendFlushRequest(m_connection.get()) == 0)
+            return m_failure = m_connection.failure("Запись", nullptr);
+        receive(mostOutstanding / 2);
+    }
+    return m_failure;
+}
+
+void PostgresStore::receiveOne() {
+    const Sent sent = std::move(m_sent.front());
+    m_sent.pop_front();
+    while (const Result result{PQgetResult(m_connection.get())}) {
+        if (succeeded(result.get()))
+            continue;
+        if (!sent.prepared.empty())
+            m_connection.forget(sent.prepared);
+        if (PQresultStatus(result.get()) == PGRES_PIPELINE_ABORTED || !m_failure.ok())
+            continue;
+        if (stateOf(result.get()) == "42501" && sent.writes)
+            m_failure = {Refused, sent.what + ": у пользователя " +
+                                      shown(PQuser(m_connection.get())) + " нет права на запись"};
+        else
+            m_failure = m_connection.failure(sent.what, result.get());
+        if (!m_connection.usable())
+            return;
+    }
+    if (!m_connection.usable() && m_failure.ok())
+        m_failure = m_connection.failure(sent.what, nullptr);
+}
+
+void PostgresStore::receive(size_t left) {
+    while (m_sent.size() > left && m_connection.usable())
+        receiveOne();
+}
+
+Status PostgresStore::settle() {
+    if (m_connection.usable() && PQpipelineStatus(m_connection.get()) != PQ_PIPELINE_OFF) {
+        if (PQpipelineSync(m_connection.get()) == 0 && m_failure.ok())
+            m_failure = m_connection.failure("Запись", nullptr);
+        receive(0);
+        while (m_connection.usable()) { // up to the mark itself
+            const Result mark(PQgetResult(m_connection.get()));
+            if (PQresultStatus(mark.get()) == PGRES_PIPELINE_SYNC)
+                break;
+        }
+        if (m_connection.usable() && PQexitPipelineMode(m_connection.get()) == 0 && m_failure.ok())
+            m_failure = m_connection.failure("Запись", nullptr);
+    }
+    if (!m_connection.usable() && m_failure.ok())
+        m_failure = {ConnectionBroken, "Запись: соединение с базой потеряно"};
+    return m_failure;
+}
+
+Status PostgresStore::begin(const std::string& call) {
+    m_sent.clear();
+    m_failure = {};
+    m_commitSent = false;
+    const char what[] = "Запись";
+    send("BEGIN", {}, what, false);
+    // Who writes waits here for who writes already, before it holds anything else.
+    send(std::string("SELECT ") + takeLogLock +
+             ", set_config('orvo.login', $1, true), set_config('orvo.call', $2, true)",
+         Parameters().text(m_asLogin).text(call), what, false);
+    return m_failure;
+}
+
+Status PostgresStore::commit() {
+    m_commitSent = true;
+    send("COMMIT", {}, "Запись", false);
+    return settle();
+}
+
+void PostgresStore::rollback() {
+    settle();
+    if (m_connection.usable() && PQtransactionStatus(m_connection.get()) != PQTRANS_IDLE)
+        m_connection.execute("ROLLBACK");
+    m_sent.clear();
+    m_failure = {};
+}
+
+Status PostgresStore::inWrite(const Work& work) {
+    Status status = ready();
+    if (!status.ok())
+        return status;
+    const std::string call = newKey();
+    const std::string session = m_session;
+    const int64_t since = m_known;
+    status = begin(call);
+    try {
+        if (status.ok())
+            status = work();
+        if (status.ok())
+            status = commit();
+    } catch (...) {
+        rollback();
+        throw;
+    }
+    if (status.ok() || m_connection.usable()) {
+        if (!status.ok())
+            rollback();
+        return status;
+    }
+    m_sent.clear();
+    m_failure = {};
+    if (status.code != ConnectionBroken)
+        return status;
+    if (!m_commitSent)
+        return {ConnectionBroken, status.text + "; изменения не сохранены"};
+    return findOut(call, since, session);
+}
+
+Status PostgresStore::findOut(const std::string& call, int64_t since, const std::string& session) {
+    const std::string lost = "Соединение с базой потеряно при записи: ";
+    const Status unknown = {ConnectionBroken, lost + "неизвестно, сохранено ли изменение"};
+    const auto end = std::chrono::steady_clock::now() + outcomePatience;
+    while (!connect().ok()) {
+        if (std::chrono::steady_clock::now() > end)
+            return unknown;
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+    // The old session may not have noticed anything yet and commit later. It holds the lock of its
+    // number as long as it lives.
+    const std::string number = session + "::bigint";
+    m_connection.execute(
+        "SELECT pg_terminate_backend(pid) FROM pg_locks WHERE locktype = 'advisory' AND granted "
+        "AND objsubid = 1 AND (classid::bigint << 32 | objid::bigint) = " +
+        number +
+        " AND database = (SELECT oid FROM pg_database WHERE datname = "
+        "current_database())");
+    const Result gone = m_connection.execute("SELECT pg_advisory_lock(" + number +
+                                             "), pg_advisory_unlock(" + number + ")");
+    if (!succeeded(gone.get()))
+        return unknown;
+    const Result found = m_connection.query(
+        "SELECT EXISTS (SELECT FROM public.\"NciEvent\" WHERE \"id\" > $1 AND \"call\" = $2), "
+        "(SELECT \"id\" > $1 FROM public.\"NciPruned\")",
+        Parameters().integer(since).text(call));
+    if (!succeeded(found.get()))
+        return unknown;
+    if (booleanAt(found.get(), 0, 0))
+        return {};
+    if (booleanAt(found.get(), 0, 1))
+        return unknown; // the log was pruned in the meantime
+    return {ConnectionBroken, lost + "изменения не сохранены"};
+}
+
+// The writes -------------------------------------------------------------------------------------
+
+Status PostgresStore::apply(const TableDef& table, const Write& write) {
+    std::string what = "Таблица " + shown(table.name) + ", запись " + shown(write.key);
+    const bool insert = write.flag == MDX_INSERT;
+    if (!insert && !isText(write.key))
+        return {}; // the key of no record
+    const std::string key = insert ? write.key : foldedKey(write.key);
+    Parameters parameters;
+    parameters.text(key);
+    for (const auto& [number, value] : write.values) {
+        const FieldDef& field = table.fields[static_cast<size_t>(number)];
+        const auto* text = std::get_if<std::string>(&value);
+        if (text != nullptr && !isText(*text))
+            return {Refused, what + ": недопустимый знак в поле " + shown(field.name)};
+        parameters.field(field.type, value);
+    }
+    return send(statement(table, write), parameters, std::move(what), true);
+}
+
+Status PostgresStore::applyContent(const Write& write, std::string_view bytes) {
+    const TableDef& table = contentTable();
+    Status status = apply(table, write);
+    if (status.ok() && write.flag == MDX_UPDATE)
+        status = send(std::string("DELETE FROM ") + dataTable + " WHERE \"KeyLink\" = $1",
+                      Parameters().text(write.key), "Содержимое файла", true);
+    if (status.ok())
+        status = settle();
+    if (!status.ok() || bytes.empty())
+        return status;
+    return copyIn(m_connection,
+                  std::string("COPY ") + dataTable +
+                      " (\"KeyLink\", \"part\", \"data\") FROM STDIN (FORMAT binary)",
+                  "Содержимое файла", write.key, bytes);
+}
+
+Status PostgresStore::makeLogin(const User& user) {
+    const std::string what = "Пользователь " + shown(user.login);
+    // Longer names would be cut.
+    if (user.login.size() > 63 || !isText(user.login) || user.login.starts_with("pg_"))
+        return {Refused, what + ": такое имя не годится для входа на сервер"};
+    Status status = settle();
+    if (!status.ok())
+        return status;
+    const std::string role = identifier(user.login);
+    const Result present = m_connection.query("SELECT FROM pg_roles WHERE rolname = $1",
+                                              Parameters().text(user.login));
+    if (!succeeded(present.get()))
+        return m_connection.failure(what, present.get());
+    const bool exists = PQntuples(present.get()) != 0;
+    if (exists && !user.password.empty())
+        return {Refused, what + ": такой вход на сервере уже есть, его пароль не меняется"};
+    std::string sql = exists ? "" : "CREATE ROLE " + role + " LOGIN";
+    if (!user.password.empty()) {
+        // Scrambled here: the password itself enters no statement, and so no log of the server.
+        struct Free {
+            void operator()(char* text) const { PQfreemem(text); }
+        };
+        const std::unique_ptr<char, Free> scrambled(PQencryptPasswordConn(
+            m_connection.get(), user.password.c_str(), user.login.c_str(), "scram-sha-256"));
+        if (!scrambled)
+            return {Failed, what + ": пароль не принят"};
+        sql += " PASSWORD " + literal(scrambled.get());
+    }
+    sql += std::string("; GRANT ") + (user.viewer ? viewerRole : engineerRole) + " TO " + role;
+    const Result made = m_connection.execute(sql);
+    return succeeded(made.get()) ? Status() : m_connection.failure(what, made.get());
+}
+
+} // namespace orvo::store::postgres

@@ -1,0 +1,92 @@
+#include "PostgresCluster.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QThread>
+
+namespace orvo::store::test {
+
+std::unique_ptr<PostgresCluster> PostgresCluster::start() {
+    std::unique_ptr<PostgresCluster> cluster(new PostgresCluster);
+    QTemporaryDir directory(QDir::tempPath() + "/orvo-pg-XXXXXX");
+    directory.setAutoRemove(false); // the keeper does that
+    cluster->m_directory = directory.path();
+    // In a session of its own, so that it outlives whoever is killed together with this process;
+    // and through a pipe that no other child holds open.
+    const QString script = QFile::decodeName(qgetenv("ORVO_SOURCE_DIR")) + "/scripts/pg-cluster";
+    const QString command =
+        QString("exec setsid -f '%1' '%2' >/dev/null").arg(script, directory.path());
+    cluster->m_pipe.reset(popen(QFile::encodeName(command).constData(), "we"));
+    QElapsedTimer clock;
+    clock.start();
+    QFile ready(directory.filePath("ready"));
+    QFile failed(directory.filePath("failed"));
+    while (!ready.exists() && !failed.exists() && clock.elapsed() < 90000)
+        QThread::msleep(20);
+    if (!ready.open(QIODevice::ReadOnly)) {
+        failed.open(QIODevice::ReadOnly);
+        qWarning("No PostgreSQL: %s", failed.readAll().constData());
+        return nullptr;
+    }
+    const QList<QByteArray> lines = ready.readAll().split('\n');
+    cluster->m_programs = QFile::decodeName(lines.value(0));
+    cluster->m_data = QFile::decodeName(lines.value(1));
+    cluster->m_as = QString(lines.value(2)).split(' ', Qt::SkipEmptyParts);
+    return cluster;
+}
+
+PostgresCluster::~PostgresCluster() {
+    m_pipe.reset();
+    QElapsedTimer clock;
+    clock.start();
+    while (QDir(m_directory).exists() && clock.elapsed() < 20000)
+        QThread::msleep(10);
+}
+
+std::string PostgresCluster::url(const std::string& database, const std::string& user) const {
+    return "postgresql://" + user + "@/" + database + "?host=" + m_directory.toStdString();
+}
+
+bool PostgresCluster::run(const QString& program, const QStringList& arguments,
+                          QByteArray* output) const {
+    QStringList command = m_as;
+    command << m_programs + "/" + program << arguments;
+    QProcess process;
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    // A server started here must not hold the pipe open.
+    if (output == nullptr)
+        process.setStandardOutputFile(QProcess::nullDevice());
+    process.setStandardInputFile(QProcess::nullDevice());
+    process.setWorkingDirectory(m_directory);
+    const QString name = command.takeFirst();
+    process.start(name, command);
+    const bool finished = process.waitForFinished(120000);
+    if (output != nullptr)
+        *output = process.readAll();
+    return finished && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+}
+
+bool PostgresCluster::shell(const QString& database, const QByteArray& sql, QByteArray* output,
+                            const QString& user, const QString& port) const {
+    QProcess shell;
+    shell.setProcessChannelMode(QProcess::MergedChannels);
+    shell.start(m_programs + "/psql",
+                {"-X", "-q", "-A", "-t", "-v", "ON_ERROR_STOP=1", "-h", m_directory, "-p", port,
+                 "-U", user, "-d", database, "-f", "-"});
+    shell.write("SET client_encoding = 'UTF8';\n" + sql + "\n");
+    shell.closeWriteChannel();
+    const bool finished = shell.waitForFinished(60000);
+    if (output != nullptr)
+        *output = shell.readAll().trimmed();
+    return finished && shell.exitStatus() == QProcess::NormalExit && shell.exitCode() == 0;
+}
+
+bool PostgresCluster::restart(const char* mode) const {
+    return run("pg_ctl",
+               {"restart", "-s", "-w", "-m", mode, "-D", m_data, "-l", m_data + "/server.log"});
+}
+
+} // namespace orvo::store::test

@@ -1,0 +1,49 @@
+// PostgresCluster.h: a PostgreSQL server of the test's own, on a Unix socket in a temporary
+// directory. It goes, with its directory, when the object does or the process ends in any way.
+#ifndef ORVO_TESTS_STORE_POSTGRESCLUSTER_H
+#define ORVO_TESTS_STORE_POSTGRESCLUSTER_H
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <cstdio>
+#include <memory>
+#include <string>
+
+namespace orvo::store::test {
+
+class PostgresCluster {
+public:
+    /// Null, with a warning, if no server comes up. Local users are trusted, but for the login
+    /// "needs_password". "postgres" is the superuser.
+    static std::unique_ptr<PostgresCluster> start();
+    ~PostgresCluster();
+
+    /// The URL of a database; `user` with a password, if need be.
+    std::string url(const std::string& database, const std::string& user = "postgres") const;
+    QString directory() const { return m_directory; }
+    QString data() const { return m_data; }
+
+    /// Runs one of the server's programs as the cluster's user; its words in `output`.
+    bool run(const QString& program, const QStringList& arguments,
+             QByteArray* output = nullptr) const;
+    /// Gives a text to the server's shell, which stops at the first error.
+    bool shell(const QString& database, const QByteArray& sql, QByteArray* output = nullptr,
+               const QString& user = "postgres", const QString& port = "5432") const;
+    /// pg_ctl restart, by default without any warning to those connected.
+    bool restart(const char* mode = "immediate") const;
+
+private:
+    PostgresCluster() = default;
+    struct Close {
+        void operator()(FILE* pipe) const { pclose(pipe); }
+    };
+    QString m_directory, m_programs, m_data;
+    QStringList m_as; ///< put before a command
+    std::unique_ptr<FILE, Close> m_pipe;
+};
+
+} // namespace orvo::store::test
+
+#endif
