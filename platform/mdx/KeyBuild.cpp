@@ -4,7 +4,6 @@
 #include "platform/mdx/KeyTree.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace orvo::mdx {
 namespace {
@@ -13,10 +12,6 @@ struct SortItem {
     uint64_t word;   ///< eight bytes of the image
     uint32_t image;  ///< place of the image, in units of eight bytes; rises with the entry
     uint32_t number; ///< of the record
-};
-
-struct FreeBytes {
-    void operator()(uint8_t* bytes) const noexcept { std::free(bytes); }
 };
 
 // The images of all records: a head and the image's first bytes, with eight zero bytes after them.
@@ -33,38 +28,45 @@ public:
 
     // Takes `size` bytes of an image; gives its place.
     uint32_t add(const uint8_t* image, size_t size, size_t keySize) {
-        if (m_capacity - m_size < room)
-            grow();
-        uint8_t* at = m_bytes.get() + m_size;
+        if (m_end - m_used < room)
+            addBlock();
+        uint8_t* at = m_blocks.back() + m_used;
         const size_t kept = std::min(size, maxSize);
         store(at, Head{static_cast<uint16_t>(size > maxSize ? cut : size),
                        keySize > maxSize ? cut : static_cast<uint16_t>(keySize)});
         std::memcpy(at + sizeof(Head), image, kept);
         std::memset(at + sizeof(Head) + kept, 0, 8);
-        const size_t place = m_size / 8;
-        if (place > UINT32_MAX)
-            throw std::length_error("records");
-        m_size += (sizeof(Head) + kept + 8 + 7) & ~size_t(7);
+        const size_t place = ((m_blocks.size() - 1) << blockShift) + m_used / 8;
+        m_used += (sizeof(Head) + kept + 8 + 7) & ~size_t(7);
         return static_cast<uint32_t>(place);
     }
     Head head(uint32_t place) const noexcept { return load<Head>(at(place)); }
     const uint8_t* image(uint32_t place) const noexcept { return at(place) + sizeof(Head); }
-    const uint8_t* at(uint32_t place) const noexcept { return m_bytes.get() + size_t(place) * 8; }
-
-private:
-    void grow() {
-        const size_t wanted = std::max<size_t>(m_capacity * 2, 4096);
-        auto* bytes = static_cast<uint8_t*>(std::realloc(m_bytes.get(), wanted));
-        if (!bytes)
-            throw std::bad_alloc();
-        static_cast<void>(m_bytes.release());
-        m_bytes.reset(bytes);
-        m_capacity = wanted;
+    const uint8_t* at(uint32_t place) const noexcept {
+        return m_blocks[place >> blockShift] + size_t(place & blockMask) * 8;
     }
 
-    std::unique_ptr<uint8_t, FreeBytes> m_bytes;
-    size_t m_size = 0, m_capacity = 0;
+private:
+    static constexpr unsigned blockShift = 18; // of huge pages, in units of eight bytes
+    static constexpr uint32_t blockMask = (1u << blockShift) - 1;
+
+    void addBlock() {
+        if (m_blocks.size() > UINT32_MAX >> blockShift)
+            throw std::length_error("records");
+        m_end = m_blocks.empty() ? 16384 : hugePage;
+        m_blocks.push_back(nullptr);
+        m_blocks.back() = m_pages.add(m_end);
+        m_used = 0;
+    }
+
+    Pages m_pages;
+    std::vector<uint8_t*> m_blocks;
+    size_t m_used = 0, m_end = 0; ///< of the last block
 };
+
+inline bool wordThenEntry(const SortItem& a, const SortItem& b) noexcept {
+    return a.word != b.word ? a.word < b.word : a.image < b.image;
+}
 
 // Sorts by word; items with the same word keep their order. `other` has room for as many.
 void radixSort(SortItem* items, SortItem* other, size_t count) {
@@ -72,9 +74,18 @@ void radixSort(SortItem* items, SortItem* other, size_t count) {
     for (size_t i = 0; i < count; ++i)
         for (unsigned byte = 0; byte < 8; ++byte)
             ++counts[byte][items[i].word >> (8 * byte) & 0xFF];
+    // The upper bytes alone tell most items apart if they have many values: the passes for the
+    // lower ones are then left out, and the few that still agree are sorted afterwards.
+    unsigned lowest = 8;
+    double groups = 1;
+    while (lowest > 0 && groups < 4.0 * double(count)) {
+        --lowest;
+        groups *= double(
+            std::count_if(counts[lowest], counts[lowest] + 256, [](uint32_t n) { return n > 0; }));
+    }
     SortItem* from = items;
     SortItem* to = other;
-    for (unsigned byte = 0; byte < 8; ++byte) {
+    for (unsigned byte = lowest; byte < 8; ++byte) {
         uint32_t* places = counts[byte];
         if (places[items[0].word >> (8 * byte) & 0xFF] == count)
             continue; // the same in all
@@ -87,6 +98,16 @@ void radixSort(SortItem* items, SortItem* other, size_t count) {
     }
     if (from != items)
         std::copy_n(from, count, items);
+    if (lowest == 0)
+        return;
+    for (size_t begin = 0; begin < count;) {
+        size_t end = begin + 1;
+        while (end < count && items[end].word >> (8 * lowest) == items[begin].word >> (8 * lowest))
+            ++end;
+        if (end - begin > 1)
+            std::sort(items + begin, items + end, wordThenEntry);
+        begin = end;
+    }
 }
 
 } // namespace
@@ -94,22 +115,22 @@ void radixSort(SortItem* items, SortItem* other, size_t count) {
 class KeyBuilder {
 public:
     KeyBuilder(KeyTree& tree, std::span<const uint32_t> records) : m_tree(tree) {
-        m_items.resize(records.size());
+        const size_t size = records.size() * sizeof(SortItem);
+        const size_t whole = size < hugePage ? size : (size + hugePage - 1) / hugePage * hugePage;
+        m_items = {reinterpret_cast<SortItem*>(m_pages.add(whole)), records.size()};
+        m_other = reinterpret_cast<SortItem*>(m_pages.add(whole));
         ImageBuffer buffer;
         for (size_t i = 0; i < records.size(); ++i) {
             if (i + 4 < records.size())
                 __builtin_prefetch(tree.m_pool.at(records[i + 4]));
             const Record* record = tree.m_pool.at(records[i]);
             const size_t keySize = tree.m_fields.image(tree.m_pool.postedBody(record), buffer);
-            m_items[i] = {0, m_images.add(buffer.data(), buffer.size(), keySize), records[i]};
+            new (&m_items[i])
+                SortItem{0, m_images.add(buffer.data(), buffer.size(), keySize), records[i]};
         }
     }
 
-    void sort() {
-        m_other.resize(m_items.size());
-        sort(m_items.data(), m_items.size(), 0);
-        m_other = {};
-    }
+    void sort() { sort(m_items.data(), m_items.size(), 0); }
 
     bool isUnique() const {
         for (size_t i = 1; i < m_items.size(); ++i) {
@@ -122,7 +143,10 @@ public:
     }
 
     void fill() {
-        const size_t leaves = (m_items.size() + fillTo - 1) / fillTo;
+        std::vector<size_t> ends;
+        for (size_t begin = 0; begin < m_items.size(); begin = ends.back())
+            ends.push_back(leafEnd(begin));
+        const size_t leaves = ends.size();
         m_tree.growLeaves(leaves);
         size_t level = leaves;
         size_t inners = 0;
@@ -137,10 +161,9 @@ public:
         std::vector<uint32_t> firsts(leaves);
         KeyTree::Leaf* previous = nullptr;
         for (size_t i = 0; i < leaves; ++i) {
-            const size_t begin = m_items.size() * i / leaves;
-            const size_t end = m_items.size() * (i + 1) / leaves;
+            const size_t begin = i == 0 ? 0 : ends[i - 1];
             KeyTree::Leaf* leaf = m_tree.takeLeaf();
-            fillLeaf(*leaf, begin, end);
+            fillLeaf(*leaf, begin, ends[i]);
             leaf->previous = previous;
             (previous ? previous->next : m_firstLeaf) = leaf;
             previous = leaf;
@@ -157,6 +180,7 @@ public:
 
 private:
     static constexpr size_t fillTo = 116; ///< leaves room for the first insertions
+    static constexpr size_t leastFill = 88;
     static constexpr size_t ahead = 16;
     static constexpr size_t smallRun = 32;
 
@@ -248,11 +272,9 @@ private:
             items[i].word = loadOrdered(m_images.image(items[i].image) + depth);
         }
         if (count > 512)
-            radixSort(items, m_other.data(), count);
+            radixSort(items, m_other, count);
         else
-            std::sort(items, items + count, [](const SortItem& a, const SortItem& b) {
-                return a.word != b.word ? a.word < b.word : a.image < b.image;
-            });
+            std::sort(items, items + count, wordThenEntry);
         for (size_t begin = 0; begin < count;) {
             size_t end = begin + 1;
             while (end < count && items[end].word == items[begin].word)
@@ -260,6 +282,41 @@ private:
             sort(items + begin, end - begin, depth + 8);
             begin = end;
         }
+    }
+
+    size_t sharedWithPrevious(size_t at) const {
+        const uint8_t* a = m_images.image(m_items[at - 1].image);
+        const uint8_t* b = m_images.image(m_items[at].image);
+        const size_t size =
+            std::min<size_t>({m_images.head(m_items[at - 1].image).size,
+                              m_images.head(m_items[at].image).size, KeyTree::Node::maxPrefix});
+        for (size_t k = 0; k < size; k += 8)
+            if (const uint64_t difference = load<uint64_t>(a + k) ^ load<uint64_t>(b + k))
+                return std::min(size, k + static_cast<size_t>(std::countr_zero(difference)) / 8);
+        return size;
+    }
+
+    // Where the leaf that begins there ends. It is not filled as told if ending elsewhere keeps a
+    // group of records with the same leading values in one leaf: its prefix then holds those values
+    // and its words tell the records apart.
+    size_t leafEnd(size_t begin) const {
+        const size_t left = m_items.size() - begin;
+        if (left <= KeyTree::nodeEntries - 4)
+            return m_items.size();
+        size_t best = begin + fillTo;
+        size_t least = sharedWithPrevious(best);
+        if (least < 8)
+            return best;
+        least -= 8; // what it must gain
+        const size_t last = std::min(left - 1, size_t(KeyTree::nodeEntries - 2));
+        for (size_t size = leastFill; size <= last; ++size) {
+            const size_t shared = sharedWithPrevious(begin + size);
+            if (shared < least || (shared == least && begin + size <= begin + fillTo)) {
+                least = shared;
+                best = begin + size;
+            }
+        }
+        return best;
     }
 
     void fillLeaf(KeyTree::Leaf& leaf, size_t begin, size_t end) {
@@ -305,7 +362,9 @@ private:
 
     KeyTree& m_tree;
     Images m_images;
-    std::vector<SortItem> m_items, m_other;
+    Pages m_pages;
+    std::span<SortItem> m_items;
+    SortItem* m_other = nullptr; ///< room for as many
     std::vector<KeyTree::Node*> m_levelNodes;
     std::vector<uint32_t> m_levelFirsts;
     KeyTree::Node* m_firstLeaf = nullptr;

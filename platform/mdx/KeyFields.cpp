@@ -43,9 +43,19 @@ unsigned putNumber(const KeyPart& part, const uint8_t* body, uint8_t* out) noexc
     }
 }
 
+inline uint64_t weight(uint64_t characters, unsigned byte) noexcept {
+    return uint64_t(textWeights[characters >> (8 * byte) & 0xFF]) << (8 * byte);
+}
+
 inline void putWeights(const char* text, size_t length, uint8_t* out) noexcept {
-    for (size_t i = 0; i < length; ++i)
-        out[i] = textWeights[static_cast<uint8_t>(text[i])];
+    // Eight table look-ups a store; left to itself the compiler gathers them in vectors, slowly.
+    for (; length >= 8; length -= 8, text += 8, out += 8) {
+        const auto c = load<uint64_t>(text);
+        store(out, weight(c, 0) | weight(c, 1) | weight(c, 2) | weight(c, 3) | weight(c, 4) |
+                       weight(c, 5) | weight(c, 6) | weight(c, 7));
+    }
+    while (length-- > 0)
+        *out++ = textWeights[static_cast<uint8_t>(*text++)];
 }
 
 // Both need room for twice the length and one byte.
@@ -245,6 +255,14 @@ int KeyFields::compare(const uint8_t* image, size_t size, const uint8_t* body,
         },
         [&](const char* text, size_t n) {
             n = std::min(n, static_cast<size_t>(end - at));
+            for (; n >= 8; n -= 8, text += 8, at += 8) {
+                uint8_t weights[8];
+                putWeights(text, 8, weights);
+                if (load<uint64_t>(weights) != load<uint64_t>(at)) {
+                    result = loadOrdered(at) < loadOrdered(weights) ? -1 : 1;
+                    return false;
+                }
+            }
             for (size_t i = 0; i < n; ++i) {
                 const uint8_t weight = textWeights[static_cast<uint8_t>(text[i])];
                 if (at[i] != weight) {

@@ -10,7 +10,7 @@ inline unsigned firstNotLess(const uint64_t* words, unsigned count, uint64_t wor
     const uint64_t* base = words;
     while (count > 1) {
         const unsigned half = count / 2;
-        base += base[half - 1] < word ? half : 0;
+        base += half & -static_cast<unsigned>(base[half - 1] < word); // no branch to mispredict
         count -= half;
     }
     return static_cast<unsigned>(base - words) + (count == 1 && *base < word ? 1 : 0);
@@ -34,6 +34,7 @@ size_t KeyTree::memory() const noexcept {
 
 int KeyTree::compare(const Query& query, uint32_t number, size_t from, bool& equal) const noexcept {
     const Record* record = m_pool.at(number);
+    __builtin_prefetch(reinterpret_cast<const char*>(record) + 64);
     const int order = m_fields.compare(query.image, query.size, m_pool.postedBody(record), from);
     equal = order == 0 && (query.entry == noEntry || query.entry == record->entry);
     if (order != 0 || equal)
@@ -103,13 +104,20 @@ unsigned KeyTree::childFor(const Inner& node, const Query& query) const noexcept
 KeyTree::Found KeyTree::find(const Query& query, Path* path, uint32_t* position) const noexcept {
     Node* node = m_root;
     uint32_t before = 0;
-    while (!node->isLeaf) {
+    for (unsigned level = m_height; level > 0;) {
         auto* inner = static_cast<Inner*>(node);
         const unsigned index = childFor(*inner, query);
         before += inner->before[index];
         if (path)
             path->steps[path->depth++] = {inner, index};
         node = inner->children[index];
+        // All words of the leaf are asked for at once: waiting for one line after the other is what
+        // a search costs.
+        if (--level == 0) {
+            const auto* bytes = reinterpret_cast<const char*>(node);
+            for (size_t line = 0; line < sizeof(Node) + sizeof(Leaf::words); line += 64)
+                __builtin_prefetch(bytes + line);
+        }
     }
     auto* leaf = static_cast<Leaf*>(node);
     bool equal = false;

@@ -126,10 +126,9 @@ Record* Table::create(uint32_t bodySize) {
 }
 
 Record* Table::createEmpty() {
+    // Room for the texts of a record like those before, so that its body stays beside its head.
     const uint32_t fixed = m_structure->fixedSize();
-    // Some room for texts, so that most records keep their body beside their head.
-    constexpr uint32_t textRoom = 160;
-    Record* record = create(fixed + textRoom);
+    Record* record = create(std::max(fixed + 96, std::min(m_typicalSize, 4096u)));
     std::memset(record->bytes(), 0, fixed);
     record->bodySize = fixed;
     record->set(Record::Canonical, true);
@@ -158,6 +157,7 @@ int Table::postNew(Record* record) {
         if (tree.unique && tree.tree->conflicts(record))
             return MDX_E_DUPLICATE;
     }
+    m_typicalSize = m_typicalSize / 4 * 3 + (record->bodySize + 32) / 4;
     m_order.push_back(record->number);
     record->entry = static_cast<uint32_t>(m_order.size() - 1);
     record->set(Record::Posted, true);

@@ -93,6 +93,7 @@ private:
     bool m_hasRecords = false;     ///< a record has been created
     std::vector<uint32_t> m_order; ///< posted records by entry, with holes of the deleted ones
     size_t m_holes = 0;
+    uint32_t m_typicalSize = 0; ///< about what a body takes
     std::vector<Key> m_keys;
     std::vector<Tree> m_trees;
 };
