@@ -3,6 +3,10 @@
 #include "apps/admin/Records.h"
 #include "apps/admin/Verb.h"
 
+#include <QFile>
+
+#include <cstdio>
+
 namespace orvo::admin {
 
 namespace {
@@ -16,17 +20,39 @@ void addOptions(QCommandLineParser& parser) {
         {QStringLiteral("middle"), QString::fromUtf8("Отчество."), QString::fromUtf8("ОТЧЕСТВО")});
     parser.addOption({QStringLiteral("program"),
                       QString::fromUtf8("Это программа, а не человек: показывается по входу.")});
+    parser.addOption(
+        {QStringLiteral("viewer"), QString::fromUtf8("Только читает (хранилище PostgreSQL).")});
+    parser.addOption(
+        {QStringLiteral("password-stdin"),
+         QString::fromUtf8("Задать пароль входа: первая строка стандартного ввода (хранилище "
+                           "PostgreSQL).")});
+}
+
+/// The password is taken from standard input: on the command line every user of the machine could
+/// read it.
+std::string passwordFromInput() {
+    QFile input;
+    if (!input.open(stdin, QIODevice::ReadOnly))
+        throw Failure("пользователь не добавлен: стандартный ввод закрыт");
+    QByteArray line = input.readLine(4096);
+    if (line.endsWith('\n'))
+        line.chop(1);
+    if (line.isEmpty() || line.contains('\0'))
+        throw Failure("пользователь не добавлен: на стандартном вводе нет пароля");
+    return line.toStdString();
 }
 
 int add(const Invocation& call) {
-    store::User user{call.argument(0), call.value("last"), call.value("first"),
-                     call.value("middle"), call.has("program")};
+    store::User user{call.argument(0),     call.value("last"),  call.value("first"),
+                     call.value("middle"), call.has("program"), call.has("viewer")};
     if (user.login.empty() || user.login.find_first_of(" \t") != std::string::npos)
         throw Failure("пользователь не добавлен: имя входа пустое или с пробелом");
     requireStorable(user.login, "имя входа");
     requireStorable(user.lastName, "фамилия");
     requireStorable(user.firstName, "имя");
     requireStorable(user.midlName, "отчество");
+    if (call.has("password-stdin"))
+        user.password = passwordFromInput();
     const auto store = call.open();
     if (Table(*store, "Users").find([&](const Row& row) {
             return sameText(row.text("login_"), user.login);
@@ -56,9 +82,11 @@ int list(const Invocation& call) {
 
 const Verb userAddVerb = {
     "user add",
-    "ВХОД [--last ФАМИЛИЯ] [--first ИМЯ] [--middle ОТЧЕСТВО] [--program]",
+    "ВХОД [--last ФАМИЛИЯ] [--first ИМЯ] [--middle ОТЧЕСТВО] [--program] [--viewer] "
+    "[--password-stdin]",
     "Добавить пользователя",
-    "",
+    "В хранилище PostgreSQL пользователь получает и вход на сервер: с правом записи или, с\n"
+    "--viewer, только чтения.",
     1,
     1,
     addOptions,
