@@ -10,7 +10,8 @@
 // views), Actions (what is switched on when, context menus), DesktopTree, MenuTree and Passports
 // (filling), CurrentRow (what a move of the current row or the selection does), Notifications (what
 // comes back from the server), Creating (new elements, the picker), Editing (save and cancel),
-// DesktopOperations, Clipboard, Ordering (move buttons and drops), Deletion.
+// DesktopOperations, Clipboard, Ordering (move buttons and drops), Deletion,
+// Diagnostics (the tables as text).
 #ifndef ORVO_MENU_ORVOMENU_H
 #define ORVO_MENU_ORVOMENU_H
 
@@ -57,6 +58,11 @@ public:
     void MessageOn() override;
     /// Merges a notification into its table and then into the tree. Always true.
     bool MessageData(MDXCliParam* prm) override;
+
+    /// The records that this editor holds of `MenuFolder`, `Menu` (the open desktop) or
+    /// `MenuResource`, by key: a line of field names, then a line per record, values split by tabs,
+    /// NULL as \N. A null string for any other table.
+    Q_INVOKABLE QString tableText(const QString& table) const;
 
     const CMDArray* resourceTable() const override { return &m_tabResource; }
     const CMDArray* resourceFolderTable() const override { return &m_tabResFolder; }

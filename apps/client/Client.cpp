@@ -2,8 +2,10 @@
 
 #include "apps/client/FileMirror.h"
 #include "apps/client/FormViewer.h"
+#include "apps/client/Inspector.h"
 #include "apps/client/LogPane.h"
 #include "apps/client/MainWindow.h"
+#include "apps/client/Showcase.h"
 #include "apps/client/StatusLine.h"
 
 #include <QAbstractScrollArea>
@@ -11,6 +13,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QThread>
 #include <QTimer>
 
 #include <cstdio>
@@ -67,7 +70,27 @@ bool Client::open(QString* error) {
     m_app.m_logModule = m_logModule.get();
     m_mirror = std::make_unique<FileMirror>(client::sessionStore(*m_session), m_options.workDir);
     m_pump = std::make_unique<client::NotificationPump>(*m_session, m_modules);
-    return true;
+    return m_options.inspect.isEmpty() || openInspector(error);
+}
+
+bool Client::openInspector(QString* error) {
+    Inspector::Sources sources;
+    sources.modules = [this] {
+        std::vector<QObject*> modules;
+        for (const auto& module : m_modules.modules(client::ModuleState::Running))
+            modules.push_back(module);
+        return modules;
+    };
+    sources.state = [this]() -> QJsonObject {
+        return {
+            {"settled", settled()},
+            {"mayDeliver", m_pump && m_pump->mayDeliver()},
+            {"loopLevel", QThread::currentThread()->loopLevel()},
+            {"running", static_cast<int>(m_modules.modules(client::ModuleState::Running).size())},
+            {"failure", m_window ? m_window->statusLine()->failure() : QString()}};
+    };
+    m_inspector = std::make_unique<Inspector>(std::move(sources));
+    return m_inspector->listen(m_options.inspect, error);
 }
 
 void Client::show() {
@@ -190,23 +213,36 @@ void Client::takeScreenshot() {
     auto* timer = new QTimer(this);
     QElapsedTimer total;
     total.start();
-    connect(timer, &QTimer::timeout, this, [this, timer, total, rest = 0]() mutable {
+    connect(timer, &QTimer::timeout, this, [=, this, arranged = false, rest = 0]() mutable {
         rest = settled() ? rest + lookMs : 0;
-        if (rest < restMs && total.elapsed() < limitMs)
+        const bool late = total.elapsed() >= limitMs;
+        if (rest < restMs && !late)
             return;
+        if (!arranged && !late) {
+            for (const auto& module : m_modules.modules(client::ModuleState::Running))
+                if (module->isVisible())
+                    arrangeShowcase(*module);
+            arranged = true;
+            rest = 0;
+            return;
+        }
         timer->stop();
-        const bool all = m_modules.modules(client::ModuleState::Running).size() ==
-                         static_cast<size_t>(m_options.modules.size());
-        const bool saved = m_window->grab().save(m_options.screenshot, "PNG");
-        if (!saved)
-            std::fprintf(stderr, "orvo-client: снимок %s не записан.\n",
-                         qUtf8Printable(m_options.screenshot));
-        else if (!all)
-            std::fprintf(stderr, "orvo-client: не все модули запущены: %s\n",
-                         qUtf8Printable(m_window->statusLine()->failure()));
-        QCoreApplication::exit(saved && all ? 0 : 1);
+        saveScreenshot();
     });
     timer->start(lookMs);
+}
+
+void Client::saveScreenshot() {
+    const bool all = m_modules.modules(client::ModuleState::Running).size() ==
+                     static_cast<size_t>(m_options.modules.size());
+    const bool saved = m_window->grab().save(m_options.screenshot, "PNG");
+    if (!saved)
+        std::fprintf(stderr, "orvo-client: снимок %s не записан.\n",
+                     qUtf8Printable(m_options.screenshot));
+    else if (!all)
+        std::fprintf(stderr, "orvo-client: не все модули запущены: %s\n",
+                     qUtf8Printable(m_window->statusLine()->failure()));
+    QCoreApplication::exit(saved && all ? 0 : 1);
 }
 
 } // namespace orvo::app

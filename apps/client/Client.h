@@ -18,6 +18,7 @@
 namespace orvo::app {
 
 class FileMirror;
+class Inspector;
 class MainWindow;
 
 class Client : public QObject {
@@ -30,8 +31,9 @@ public:
     bool open(QString* error);
     /// Shows the window and starts the modules in it.
     void show();
-    /// Ends the event loop when everything that show began is done, with the window in the file of
-    /// the options: exit code 0, or 1 after a line on standard error.
+    /// Ends the event loop when everything that show began is done, with the window, and something
+    /// worth seeing in it, in the file of the options: exit code 0, or 1 after a line on standard
+    /// error.
     void takeScreenshot();
 
     /// Null before show.
@@ -42,6 +44,8 @@ public:
 
 private:
     bool openWorkDir(QString* error);
+    bool openInspector(QString* error);
+    void saveScreenshot();
     void connectAll();
     void openModules();
     void reopenModules(const QString& why);
@@ -58,6 +62,7 @@ private:
     std::unique_ptr<COrvoCliMod> m_logModule;
     client::ModuleRegistry m_modules;
     std::unique_ptr<client::NotificationPump> m_pump;
+    std::unique_ptr<Inspector> m_inspector; ///< asks those above; null if not asked for
 };
 
 } // namespace orvo::app

@@ -21,16 +21,16 @@ QPalette calmPalette() {
     palette.setColor(QPalette::ButtonText, text);
     palette.setColor(QPalette::Base, Qt::white);
     palette.setColor(QPalette::AlternateBase, QColor(0xf7, 0xf9, 0xfb));
-    palette.setColor(QPalette::Highlight, QColor(0x2f, 0x6f, 0xb5));
-    palette.setColor(QPalette::HighlightedText, Qt::white);
+    // One colour with and without the focus: the branches of a styled tree know only the first, and
+    // a row of two colours looks broken.
+    palette.setColor(QPalette::Highlight, QColor(0xcb, 0xdf, 0xf4));
+    palette.setColor(QPalette::HighlightedText, text);
     palette.setColor(QPalette::Mid, QColor(0xc3, 0xca, 0xd2));
     palette.setColor(QPalette::ToolTipBase, QColor(0x2b, 0x34, 0x3e));
     palette.setColor(QPalette::ToolTipText, Qt::white);
     palette.setColor(QPalette::PlaceholderText, faint);
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, faint);
-    palette.setColor(QPalette::Inactive, QPalette::Highlight, QColor(0xd5, 0xe2, 0xf0));
-    palette.setColor(QPalette::Inactive, QPalette::HighlightedText, text);
     return palette;
 }
 

@@ -38,9 +38,10 @@ bool parseOptions(const QStringList& arguments, Options* options, QString* error
     const QCommandLineOption workDir(QStringLiteral("work-dir"), {}, QStringLiteral("DIR"));
     const QCommandLineOption module(QStringLiteral("module"), {}, QStringLiteral("MODULE"));
     const QCommandLineOption shot(QStringLiteral("screenshot"), {}, QStringLiteral("FILE"));
+    const QCommandLineOption inspect(QStringLiteral("inspect"), {}, QStringLiteral("SOCKET"));
     const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")});
     const QCommandLineOption version(QStringList{QStringLiteral("v"), QStringLiteral("version")});
-    parser.addOptions({store, login, workDir, module, shot, help, version});
+    parser.addOptions({store, login, workDir, module, shot, inspect, help, version});
     if (!parser.parse(arguments)) {
         const QStringList unknown = parser.unknownOptionNames();
         *error =
@@ -57,7 +58,7 @@ bool parseOptions(const QStringList& arguments, Options* options, QString* error
     }
     options->help = parser.isSet(help);
     options->version = parser.isSet(version);
-    for (const QCommandLineOption& option : {store, login, workDir, module, shot})
+    for (const QCommandLineOption& option : {store, login, workDir, module, shot, inspect})
         if (parser.isSet(option) && parser.value(option).isEmpty()) {
             *error = QStringLiteral("Пустое значение параметра --%1.").arg(option.names().first());
             return false;
@@ -78,6 +79,7 @@ bool parseOptions(const QStringList& arguments, Options* options, QString* error
         options->workDir += QLatin1Char('/');
     if (parser.isSet(shot))
         options->screenshot = absolute(parser.value(shot));
+    options->inspect = parser.value(inspect);
 
     const QStringList known{QStringLiteral("Menu"), QStringLiteral("Resources")};
     for (const QString& asked : parser.values(module)) {
@@ -102,7 +104,7 @@ QString helpText() {
         "orvo-client: клиент инженера: редактор меню и редактор ресурсов.\n"
         "\n"
         "orvo-client [--store URL] [--login NAME] [--work-dir DIR]\n"
-        "            [--module Menu|Resources]... [--screenshot FILE]\n"
+        "            [--module Menu|Resources]... [--screenshot FILE] [--inspect SOCKET]\n"
         "\n"
         "  --store URL        хранилище: sqlite:///путь/orvo.db, просто путь или postgresql://…\n"
         "                     (иначе $XDG_DATA_HOME/orvo/orvo.db)\n"
@@ -111,6 +113,8 @@ QString helpText() {
         "                     (иначе $XDG_DATA_HOME/orvo/work)\n"
         "  --module MODULE    открыть этот модуль; можно повторять (иначе открываются оба)\n"
         "  --screenshot FILE  открыть модули, записать снимок окна в PNG и завершиться\n"
+        "  --inspect SOCKET   отвечать через локальный сокет, что стоит в окнах и таблицах (для\n"
+        "                     поддержки и проверок; только чтение, только этому пользователю)\n"
         "  -h, --help         эта справка\n"
         "  -v, --version      версия\n");
 }

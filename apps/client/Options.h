@@ -13,6 +13,7 @@ struct Options {
     QString workDir;     ///< absolute, with the separator at its end
     QStringList modules; ///< "Menu", "Resources", in the order asked for; both if none was
     QString screenshot;  ///< empty: none
+    QString inspect;     ///< name of the socket that answers questions; empty: none
     bool help = false;
     bool version = false;
 };
