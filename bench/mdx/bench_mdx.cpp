@@ -9,7 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <numeric>
+#include <malloc.h>
 #include <random>
 
 using namespace bench;
@@ -277,7 +277,7 @@ struct Bench {
                true);
     }
 
-    // Source bytes touched, target pages fresh, in the packing and in memcpy alike.
+    // Source bytes touched, target pages fresh from the system, in the packing and in memcpy alike.
     void packing(bool withKeys) {
         if (!withKeys)
             dropKeys(array);
@@ -285,8 +285,10 @@ struct Bench {
         for (int i = 0; i < rounds + 1; ++i) {
             void* image = nullptr;
             uint32_t length = 0;
+            malloc_trim(0);
             pack.push_back(seconds([&] { length = MDAPack(array, &image); }));
             void* target = nullptr;
+            malloc_trim(0);
             copy.push_back(seconds([&] {
                 target = std::malloc(length);
                 std::memcpy(target, image, length);

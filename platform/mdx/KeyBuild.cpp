@@ -145,7 +145,7 @@ public:
     void fill() {
         std::vector<size_t> ends;
         for (size_t begin = 0; begin < m_items.size(); begin = ends.back())
-            ends.push_back(leafEnd(begin));
+            ends.push_back(leafEnd(begin, ends.size()));
         const size_t leaves = ends.size();
         m_tree.growLeaves(leaves);
         size_t level = leaves;
@@ -181,6 +181,7 @@ public:
 private:
     static constexpr size_t fillTo = 116; ///< leaves room for the first insertions
     static constexpr size_t leastFill = 88;
+    static constexpr size_t averageFill = 107; ///< keeps a key within 16 bytes a record
     static constexpr size_t ahead = 16;
     static constexpr size_t smallRun = 32;
 
@@ -296,10 +297,11 @@ private:
         return size;
     }
 
-    // Where the leaf that begins there ends. It is not filled as told if ending elsewhere keeps a
-    // group of records with the same leading values in one leaf: its prefix then holds those values
-    // and its words tell the records apart.
-    size_t leafEnd(size_t begin) const {
+    // Where the leaf that begins there ends. It is not filled as told if ending elsewhere keeps the
+    // records with the same leading values in leaves of their own: the prefix then holds those
+    // values, and the words tell the records apart. A group that fills between one leaf and two is
+    // halved, as long as the leaves before it were full enough.
+    size_t leafEnd(size_t begin, size_t leavesBefore) const {
         const size_t left = m_items.size() - begin;
         if (left <= KeyTree::nodeEntries - 4)
             return m_items.size();
@@ -308,14 +310,24 @@ private:
         if (least < 8)
             return best;
         least -= 8; // what it must gain
-        const size_t last = std::min(left - 1, size_t(KeyTree::nodeEntries - 2));
+        const size_t most = KeyTree::nodeEntries - 2;
+        const size_t last = std::min(left - 1, most);
+        bool gains = false;
         for (size_t size = leastFill; size <= last; ++size) {
             const size_t shared = sharedWithPrevious(begin + size);
-            if (shared < least || (shared == least && begin + size <= begin + fillTo)) {
+            if (shared < least || (shared == least && (!gains || begin + size <= begin + fillTo))) {
                 least = shared;
                 best = begin + size;
+                gains = true;
             }
         }
+        if (gains)
+            return best;
+        for (size_t size = last + 1; size < std::min(left, 2 * most); ++size)
+            if (sharedWithPrevious(begin + size) <= least) {
+                const size_t half = begin + size / 2;
+                return half >= (leavesBefore + 1) * averageFill ? half : best;
+            }
         return best;
     }
 

@@ -5,10 +5,16 @@
 namespace orvo::mdx {
 namespace {
 
-// First of `count` ascending words that is not less than `word`.
-inline unsigned firstNotLess(const uint64_t* words, unsigned count, uint64_t word) noexcept {
+// First of `count` ascending words that is not less than `word`. The record numbers beside it are
+// asked for as soon as the search has come near.
+inline unsigned firstNotLess(const uint64_t* words, const uint32_t* numbers, unsigned count,
+                             uint64_t word) noexcept {
     const uint64_t* base = words;
     while (count > 1) {
+        if (count <= 32 && count > 16) {
+            __builtin_prefetch(numbers + (base - words));
+            __builtin_prefetch(numbers + (base - words) + 16);
+        }
         const unsigned half = count / 2;
         base += half & -static_cast<unsigned>(base[half - 1] < word); // no branch to mispredict
         count -= half;
@@ -62,7 +68,7 @@ unsigned KeyTree::lowerBound(const Node& node, const uint32_t* numbers, const ui
     }
     const size_t known = node.prefixSize + size_t(8);
     const uint64_t word = loadOrdered(query.image + node.prefixSize);
-    unsigned low = first + firstNotLess(words + first, count - first, word);
+    unsigned low = first + firstNotLess(words + first, numbers + first, count - first, word);
     if (low == count)
         return low;
     if (query.entry == noEntry && query.size <= known) {
@@ -72,14 +78,35 @@ unsigned KeyTree::lowerBound(const Node& node, const uint32_t* numbers, const ui
     }
     if (words[low] != word)
         return low;
-    if (compare(query, numbers[low], known, equal) <= 0)
-        return low;
-    unsigned high = low + 1; // [low + 1, high) are to share the word
+    unsigned high = low + 1; // [low, high) are to share the word
     while (high < count && words[high] == word)
         ++high;
-    const unsigned end = high;
+    // Each comparison waits for a record from memory; those the next two may be about are on their
+    // way meanwhile.
+    const auto ask = [&](unsigned from, unsigned to, auto&& again, int levels) -> void {
+        if (from >= to)
+            return;
+        const unsigned middle = (from + to) / 2;
+        const auto* record = reinterpret_cast<const char*>(m_pool.at(numbers[middle]));
+        __builtin_prefetch(record);
+        __builtin_prefetch(record + 64);
+        if (levels > 1) {
+            again(from, middle, again, levels - 1);
+            again(middle + 1, to, again, levels - 1);
+        }
+    };
     bool middleEqual = false;
-    for (++low; low < high;) {
+    if (query.entry == noEntry) { // the start of a group is sought most of the time
+        if (high - low > 1)
+            ask(low + 1, high, ask, 2);
+        if (compare(query, numbers[low], known, equal) <= 0)
+            return low;
+        ++low;
+        equal = false;
+    }
+    while (low < high) {
+        if (high - low > 1)
+            ask(low, high, ask, 3);
         const unsigned middle = (low + high) / 2;
         if (compare(query, numbers[middle], known, middleEqual) > 0) {
             low = middle + 1;
@@ -88,8 +115,6 @@ unsigned KeyTree::lowerBound(const Node& node, const uint32_t* numbers, const ui
             equal = middleEqual;
         }
     }
-    if (low == end)
-        equal = false;
     return low;
 }
 
@@ -101,13 +126,14 @@ unsigned KeyTree::childFor(const Inner& node, const Query& query) const noexcept
     return equal && query.entry != noEntry ? next : next - 1;
 }
 
-KeyTree::Found KeyTree::find(const Query& query, Path* path, uint32_t* position) const noexcept {
+// The leaf in which the query has its place.
+KeyTree::Leaf* KeyTree::descend(const Query& query, Path* path, uint32_t* before) const noexcept {
     Node* node = m_root;
-    uint32_t before = 0;
     for (unsigned level = m_height; level > 0;) {
         auto* inner = static_cast<Inner*>(node);
         const unsigned index = childFor(*inner, query);
-        before += inner->before[index];
+        if (before)
+            *before += inner->before[index];
         if (path)
             path->steps[path->depth++] = {inner, index};
         node = inner->children[index];
@@ -119,7 +145,12 @@ KeyTree::Found KeyTree::find(const Query& query, Path* path, uint32_t* position)
                 __builtin_prefetch(bytes + line);
         }
     }
-    auto* leaf = static_cast<Leaf*>(node);
+    return static_cast<Leaf*>(node);
+}
+
+KeyTree::Found KeyTree::find(const Query& query, Path* path, uint32_t* position) const noexcept {
+    uint32_t before = 0;
+    Leaf* leaf = descend(query, path, &before);
     bool equal = false;
     unsigned index = lowerBound(*leaf, leaf->numbers, leaf->words, 0, query, equal);
     if (position)
@@ -256,9 +287,9 @@ void KeyTree::insert(const Record* record) noexcept {
 void KeyTree::erase(const Record* record) noexcept {
     m_scanLeaf = nullptr;
     Path path;
-    const Found found = find({m_old.data(), m_old.size(), record->entry}, &path, nullptr);
-    Leaf* leaf = found.leaf;
-    const unsigned index = found.index;
+    Leaf* leaf = descend({m_old.data(), m_old.size(), record->entry}, &path, nullptr);
+    const auto index = static_cast<unsigned>(
+        std::find(leaf->numbers, leaf->numbers + leaf->count - 1, record->number) - leaf->numbers);
     const size_t behind = leaf->count - index - size_t(1);
     std::memmove(leaf->words + index, leaf->words + index + 1, behind * sizeof *leaf->words);
     std::memmove(leaf->numbers + index, leaf->numbers + index + 1, behind * sizeof *leaf->numbers);

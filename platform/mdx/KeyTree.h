@@ -90,6 +90,7 @@ private:
     unsigned lowerBound(const Node& node, const uint32_t* numbers, const uint64_t* words,
                         unsigned first, const Query& query, bool& equal) const noexcept;
     unsigned childFor(const Inner& node, const Query& query) const noexcept;
+    Leaf* descend(const Query& query, Path* path, uint32_t* before) const noexcept;
     Found find(const Query& query, Path* path, uint32_t* position) const noexcept;
     bool startsWith(uint32_t number, const Query& query) const noexcept;
 

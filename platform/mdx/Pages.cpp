@@ -7,23 +7,45 @@
 namespace orvo::mdx {
 
 void Pages::Free::operator()(uint8_t* block) const noexcept {
-    std::free(block);
+    if (mapped > 0)
+        munmap(block, mapped);
+    else
+        std::free(block);
+}
+
+Pages::Block Pages::take(size_t size) {
+    if (size < hugePage || size % hugePage != 0) {
+        auto* block = static_cast<uint8_t*>(std::aligned_alloc(64, size));
+        if (!block)
+            throw std::bad_alloc();
+        return Block(block);
+    }
+    // Mapped with room to align, and what is too much unmapped again.
+    void* mapping =
+        mmap(nullptr, size + hugePage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (mapping == MAP_FAILED)
+        throw std::bad_alloc();
+    auto* start = static_cast<uint8_t*>(mapping);
+    const size_t before = (hugePage - reinterpret_cast<uintptr_t>(start) % hugePage) % hugePage;
+    if (before > 0)
+        munmap(start, before);
+    if (before < hugePage)
+        munmap(start + before + size, hugePage - before);
+    madvise(start + before, size, MADV_HUGEPAGE); // a wish; without it all is only slower
+    return Block(start + before, Free{size});
 }
 
 uint8_t* Pages::add(size_t size) {
-    const bool huge = size >= hugePage && size % hugePage == 0;
     size = (size + 63) & ~size_t(63);
     m_blocks.emplace_back();
-    void* block = std::aligned_alloc(huge ? hugePage : 64, size);
-    if (!block) {
+    try {
+        m_blocks.back() = take(size);
+    } catch (...) {
         m_blocks.pop_back();
-        throw std::bad_alloc();
+        throw;
     }
-    m_blocks.back().reset(static_cast<uint8_t*>(block));
-    if (huge)
-        madvise(block, size, MADV_HUGEPAGE); // a wish; without it all is only slower
     m_bytes += size;
-    return static_cast<uint8_t*>(block);
+    return m_blocks.back().get();
 }
 
 } // namespace orvo::mdx
