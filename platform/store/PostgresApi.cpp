@@ -172,7 +172,8 @@ Status Connection::open(const Url& url) {
         return {NoMemory, "Не хватает памяти"};
     PQsetNoticeProcessor(
         get(), [](void*, const char*) {}, nullptr);
-    const std::string where = "Нет подключения к " + shown(url.displayName()) + ": ";
+    const std::string what = "Нет подключения к " + shown(url.displayName());
+    const std::string where = what + ": ";
     if (!usable()) {
         std::string why = url.withoutSecrets(PQerrorMessage(get()));
         std::string state;
@@ -198,7 +199,7 @@ Status Connection::open(const Url& url) {
     }
     const Result set = execute(settings);
     if (!succeeded(set.get()))
-        return failure(where, set.get());
+        return failure(what, set.get());
     return {};
 }
 

@@ -150,9 +150,10 @@ void PostgresStore::rollback() {
 }
 
 Status PostgresStore::inWrite(const Work& work) {
+    const char notSaved[] = "; изменения не сохранены";
     Status status = ready();
     if (!status.ok())
-        return status;
+        return {status.code, status.text + notSaved};
     const std::string call = newKey();
     const std::string session = m_session;
     const int64_t since = m_known;
@@ -176,7 +177,7 @@ Status PostgresStore::inWrite(const Work& work) {
     if (status.code != ConnectionBroken)
         return status;
     if (!m_commitSent)
-        return {ConnectionBroken, status.text + "; изменения не сохранены"};
+        return {ConnectionBroken, status.text + notSaved};
     return findOut(call, since, session);
 }
 
