@@ -1,0 +1,66 @@
+#include "tests/e2e/Hands.h"
+
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QThread>
+
+namespace orvo::test::hands {
+
+namespace {
+
+QStringList move(const QPoint& to) {
+    return {"mousemove", QString::number(to.x()), QString::number(to.y())};
+}
+
+} // namespace
+
+bool xdotool(const QStringList& commands) {
+    return QProcess::execute("xdotool", commands) == 0;
+}
+
+bool click(const QPoint& at, int button, const QString& modifier) {
+    // Two clicks at one place are to be two, and no double click.
+    constexpr int doubleClickMs = 450;
+    static QElapsedTimer sinceLast;
+    static QPoint last;
+    if (button == 1 && sinceLast.isValid() && (at - last).manhattanLength() < 16 &&
+        sinceLast.elapsed() < doubleClickMs)
+        QThread::msleep(static_cast<unsigned long>(doubleClickMs - sinceLast.elapsed()));
+    last = at;
+    QStringList commands = move(at);
+    if (!modifier.isEmpty())
+        commands << "keydown" << modifier;
+    commands << "click" << QString::number(button);
+    if (!modifier.isEmpty())
+        commands << "keyup" << modifier;
+    const bool done = xdotool(commands);
+    sinceLast.start();
+    return done;
+}
+
+bool drag(const QPoint& from, const QPoint& to) {
+    QStringList commands = move(from);
+    commands << "mousedown"
+             << "1";
+    constexpr int steps = 12;
+    for (int i = 1; i <= steps; ++i)
+        commands << move(from + (to - from) * i / steps) << "sleep"
+                 << "0.04";
+    // Over the target itself once more: it answers the source before the button is let go.
+    commands << move(to + QPoint(1, 0)) << "sleep"
+             << "0.1" << move(to) << "sleep"
+             << "0.2";
+    commands << "mouseup"
+             << "1";
+    return xdotool(commands);
+}
+
+bool key(const QString& name) {
+    return xdotool({"key", name});
+}
+
+bool type(const QString& text) {
+    return xdotool({"type", "--delay", "2", text});
+}
+
+} // namespace orvo::test::hands

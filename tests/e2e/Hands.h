@@ -1,0 +1,24 @@
+// Hands.h: mouse and keyboard of the display, through xdotool.
+#ifndef ORVO_TESTS_E2E_HANDS_H
+#define ORVO_TESTS_E2E_HANDS_H
+
+#include <QPoint>
+#include <QString>
+#include <QStringList>
+
+namespace orvo::test::hands {
+
+/// False if the commands failed.
+bool xdotool(const QStringList& commands);
+
+bool click(const QPoint& at, int button = 1, const QString& modifier = {});
+/// Presses at `from`, moves in steps as a hand does, and lets go at `to`.
+bool drag(const QPoint& from, const QPoint& to);
+/// Key names of X, as "ctrl+a" or "Return".
+bool key(const QString& name);
+/// ASCII only: other letters would depend on the keyboard of the display.
+bool type(const QString& text);
+
+} // namespace orvo::test::hands
+
+#endif
