@@ -3,6 +3,8 @@
 #include <QChar>
 
 #include <algorithm>
+#include <cstring>
+#include <utility>
 
 namespace {
 
@@ -16,63 +18,113 @@ uint folded(ushort unit, ushort before) {
     return QChar::toCaseFolded(uint(unit));
 }
 
+/// Up to four folded code units, one in each 16 bits.
+uint64_t foldedUnits(const QChar* text, int from, int to) {
+    uint64_t units = 0;
+    for (int i = from; i < to; ++i) {
+        const ushort before = i > 0 ? text[i - 1].unicode() : ushort(0);
+        const uint64_t unit = folded(text[i].unicode(), before) & 0xffffu;
+        units |= unit << (16 * (i - from));
+    }
+    return units;
+}
+
+/// The same for four units below 0x80: 0x20 is added to those from 'A' to 'Z'.
+uint64_t foldedAscii(uint64_t units) {
+    constexpr uint64_t each = 0x0001000100010001u;
+    const uint64_t fromA = units + (0x80 - 'A') * each;
+    const uint64_t behindZ = units + (0x80 - 'Z' - 1) * each;
+    return units + ((fromA & ~behindZ & (0x80 * each)) >> 2);
+}
+
+/// The text in a value that is a text: read where it stands, its reference count untouched.
+const QString* heldText(const QVariant& value) {
+    return value.userType() == QMetaType::QString ? static_cast<const QString*>(value.constData())
+                                                  : nullptr;
+}
+
+static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "units are packed as they lie in memory");
+
 } // namespace
 
 uint32_t KeyIndex::hash(const QString& key) {
-    uint32_t h = 0x811c9dc5u;
-    ushort before = 0;
-    for (const QChar c : key) {
-        h = (h ^ folded(c.unicode(), before)) * 0x01000193u;
-        before = c.unicode();
+    const QChar* text = key.constData();
+    const int length = key.size();
+    uint64_t h = static_cast<uint64_t>(length) * 0x9e3779b97f4a7c15u;
+    for (int at = 0; at < length; at += 4) {
+        uint64_t four = 0;
+        if (length - at >= 4)
+            std::memcpy(&four, text + at, sizeof four);
+        if (length - at >= 4 && (four & 0xff80ff80ff80ff80u) == 0)
+            four = foldedAscii(four);
+        else
+            four = foldedUnits(text, at, std::min(at + 4, length));
+        h = (h ^ four) * 0xff51afd7ed558ccdu;
+        h ^= h >> 32;
     }
-    h ^= h >> 16;
-    h *= 0x85ebca6bu;
-    h ^= h >> 13;
-    h *= 0xc2b2ae35u;
-    h ^= h >> 16;
-    return h ? h : 1;
+    h *= 0xc4ceb9fe1a85ec53u;
+    const auto upper = static_cast<uint32_t>(h >> 32);
+    return upper ? upper : 1;
 }
 
 uint32_t KeyIndex::hash(const QVariant& key) {
-    if (key.userType() == QMetaType::QString) {
-        const QString& text = *static_cast<const QString*>(key.constData());
-        return text.isEmpty() ? 0 : hash(text);
-    }
-    const QString text = key.toString();
-    return text.isEmpty() ? 0 : hash(text);
+    const QString* held = heldText(key);
+    const QString text = held ? QString() : key.toString();
+    const QString& read = held ? *held : text;
+    return read.isEmpty() ? 0 : hash(read);
+}
+
+bool KeyIndex::isKey(const QVariant& value, const QString& key) {
+    const QString* held = heldText(value);
+    const QString text = held ? QString() : value.toString();
+    const QString& read = held ? *held : text;
+    // The same bytes are the usual case, and far quicker seen.
+    return read == key || read.compare(key, Qt::CaseInsensitive) == 0;
 }
 
 size_t KeyIndex::find(uint32_t hash) const {
     size_t slot = home(hash);
-    while (m_hashes[slot] != 0 && m_hashes[slot] != hash)
+    while (m_slots[slot].hash != 0 && m_slots[slot].hash != hash)
         slot = next(slot);
     return slot;
 }
 
 void KeyIndex::insert(uint32_t hash, void* row) {
     reserve(1);
-    const size_t slot = find(hash);
-    if (m_hashes[slot] == 0) {
-        m_hashes[slot] = hash;
-        m_rows[slot] = row;
+    enter(hash, row);
+}
+
+void KeyIndex::insertAll(const std::vector<Entry>& entries) {
+    reserve(entries.size());
+    constexpr size_t ahead = 12;
+    for (size_t i = 0; i < entries.size(); ++i) {
+        if (i + ahead < entries.size())
+            __builtin_prefetch(&m_slots[home(entries[i + ahead].hash)], 1);
+        enter(entries[i].hash, entries[i].row);
+    }
+}
+
+void KeyIndex::enter(uint32_t hash, void* row) {
+    Entry& entry = m_slots[find(hash)];
+    if (entry.hash == 0) {
+        entry = {hash, row};
         ++m_used;
         return;
     }
     auto& crowd = m_crowds[hash];
-    if (m_rows[slot]) {
-        crowd.insert(m_rows[slot]);
-        m_rows[slot] = nullptr;
-    }
+    if (entry.row)
+        crowd.insert(std::exchange(entry.row, nullptr));
     crowd.insert(row);
 }
 
 void KeyIndex::remove(uint32_t hash, void* row) {
-    if (m_hashes.empty())
+    if (m_slots.empty())
         return;
     const size_t slot = find(hash);
-    if (m_hashes[slot] == 0)
+    Entry& entry = m_slots[slot];
+    if (entry.hash == 0)
         return;
-    if (m_rows[slot] == row) {
+    if (entry.row == row) {
         vacate(slot);
         return;
     }
@@ -81,53 +133,44 @@ void KeyIndex::remove(uint32_t hash, void* row) {
         return;
     crowd->second.erase(row);
     if (crowd->second.size() == 1) {
-        m_rows[slot] = *crowd->second.begin();
+        entry.row = *crowd->second.begin();
         m_crowds.erase(crowd);
     }
 }
 
 /// Closes the gap by moving back the entries that stand behind it only because it was taken.
 void KeyIndex::vacate(size_t gap) {
-    for (size_t slot = next(gap); m_hashes[slot] != 0; slot = next(slot)) {
-        const size_t wanted = home(m_hashes[slot]);
+    for (size_t slot = next(gap); m_slots[slot].hash != 0; slot = next(slot)) {
+        const size_t wanted = home(m_slots[slot].hash);
         const bool staysBehindGap =
             gap < slot ? wanted > gap && wanted <= slot : wanted > gap || wanted <= slot;
         if (staysBehindGap)
             continue;
-        m_hashes[gap] = m_hashes[slot];
-        m_rows[gap] = m_rows[slot];
+        m_slots[gap] = m_slots[slot];
         gap = slot;
     }
-    m_hashes[gap] = 0;
-    m_rows[gap] = nullptr;
+    m_slots[gap] = {};
     --m_used;
 }
 
 void KeyIndex::clear() {
-    m_hashes.clear();
-    m_rows.clear();
-    m_hashes.shrink_to_fit();
-    m_rows.shrink_to_fit();
+    m_slots.clear();
+    m_slots.shrink_to_fit();
     m_crowds.clear();
     m_used = 0;
 }
 
 void KeyIndex::reserve(size_t further) {
     const size_t wanted = m_used + further;
-    if (wanted * 4 > m_hashes.size() * 3)
-        resize(std::max({wanted + wanted / 3 + 1, m_hashes.size() * 2, size_t(16)}));
+    if (wanted * 4 > m_slots.size() * 3)
+        resize(std::max({wanted + wanted / 3 + 1, m_slots.size() * 2, size_t(16)}));
 }
 
 void KeyIndex::resize(size_t size) {
-    std::vector<uint32_t> hashes(size, 0);
-    std::vector<void*> rows(size, nullptr);
-    hashes.swap(m_hashes);
-    rows.swap(m_rows);
-    for (size_t i = 0; i < hashes.size(); ++i) {
-        if (hashes[i] == 0)
-            continue;
-        const size_t slot = find(hashes[i]);
-        m_hashes[slot] = hashes[i];
-        m_rows[slot] = rows[i];
+    std::vector<Entry> old(size);
+    old.swap(m_slots);
+    for (const Entry& entry : old) {
+        if (entry.hash != 0)
+            m_slots[find(entry.hash)] = entry;
     }
 }

@@ -55,7 +55,8 @@ private:
     PaspRec* m_parentItem; ///< not owned
     int32_t m_level;
     bool m_expanded = false;
-    mutable int32_t m_rowHint = 0;
+    mutable int32_t m_rowHint = 0; ///< the row it was last seen at
+    uint32_t m_keyHash = 0;        ///< of a row on its way into a model, see RowBatch
 };
 
 #endif

@@ -25,10 +25,17 @@ struct RecordOps {
                                                                 : QVariant();
     }
 
+    /// The same without a copy; null outside the columns.
+    static const QVariant* value(const Record& record, int column) {
+        return column >= 0 && column < record.m_itemData.size() ? &record.m_itemData.at(column)
+                                                                : nullptr;
+    }
+
     static bool setData(Record& record, int column, const QVariant& value) {
         if (column < 0 || column >= record.m_itemData.size())
             return false;
         record.m_itemData[column] = value;
+        record.m_keyHash = 0; // the key may have changed
         return true;
     }
 

@@ -2,9 +2,12 @@
 #ifndef ORVO_MODELS_ROWBATCH_H
 #define ORVO_MODELS_ROWBATCH_H
 
+#include "models/KeyIndex.h"
 #include "models/RecordOps.h"
 
 #include <memory>
+#include <utility>
+#include <vector>
 
 /// A run of sibling rows, subtrees included, that are filled before they enter a model: the model
 /// then announces the run once, and no view sees an empty row. Made by TreeModelCore::newRows,
@@ -18,10 +21,12 @@
 template <class Record>
 class RowBatch {
 public:
-    /// Rows of `columns` columns whose parent will be a record of that level.
-    RowBatch(int columns, int parentLevel)
+    /// Rows of `columns` columns whose parent will be a record of that level, for a model with that
+    /// key column.
+    RowBatch(int columns, int keyColumn, int parentLevel)
         : m_root(std::make_unique<Record>(QVector<QVariant>()))
-        , m_columns(columns) {
+        , m_columns(columns)
+        , m_keyColumn(keyColumn) {
         m_root->m_level = parentLevel;
     }
 
@@ -33,11 +38,15 @@ public:
     Record* add(QVector<QVariant> values, Record* parent = nullptr) {
         if (values.size() != m_columns)
             values.resize(m_columns);
+        if (!m_rows.empty())
+            hashKey(*m_rows.back());
         Record* under = parent ? parent : m_root.get();
-        auto* row = new Record(values, under);
+        m_rows.push_back(nullptr);
+        auto* row = new Record(m_noValues, under);
+        m_rows.back() = row;
+        row->m_itemData.swap(values);
         row->m_rowHint = under->m_childItems.size();
         under->m_childItems.append(row);
-        ++m_count;
         return row;
     }
     /// A copy of the values of `source`, a record of any model, and if wanted of all below it.
@@ -66,25 +75,47 @@ public:
         }
     }
 
-    bool isEmpty() const { return m_root->m_childItems.isEmpty(); }
+    bool isEmpty() const { return m_rows.empty(); }
     /// Rows of the run, and all rows with those below them.
     int topCount() const { return m_root->m_childItems.size(); }
-    int count() const { return m_count; }
+    int count() const { return static_cast<int>(m_rows.size()); }
     int columnCount() const { return m_columns; }
     int parentLevel() const { return m_root->m_level; }
 
+    /// The keys of all rows, for the index of the model.
+    std::vector<KeyIndex::Entry> keys() {
+        std::vector<KeyIndex::Entry> entries;
+        entries.reserve(m_rows.size());
+        for (Record* row : m_rows) {
+            if (const uint32_t hash = hashKey(*row))
+                entries.push_back({hash, row});
+        }
+        return entries;
+    }
     /// Hands the run over to the caller, who owns the rows from then on.
     QList<Record*> release() {
-        m_count = 0;
+        m_rows.clear();
         QList<Record*> rows;
         rows.swap(m_root->m_childItems);
         return rows;
     }
 
 private:
+    /// A row's key is hashed when the next row comes, while the row is still near at hand; a value
+    /// set later undoes that.
+    uint32_t hashKey(Record& row) const {
+        if (row.m_keyHash == 0) {
+            if (const QVariant* value = RecordOps<Record>::value(row, m_keyColumn))
+                row.m_keyHash = KeyIndex::hash(*value);
+        }
+        return row.m_keyHash;
+    }
+
     std::unique_ptr<Record> m_root;
+    std::vector<Record*> m_rows; ///< in the order they came; owned by their parents
+    QVector<QVariant> m_noValues;
     int m_columns;
-    int m_count = 0;
+    int m_keyColumn;
 };
 
 #endif

@@ -83,10 +83,11 @@ private:
     std::unique_ptr<MyFileInfo[]> m_fileInfo;
     int32_t m_level;
     bool m_expanded = false;
-    Qt::CheckState m_checkState = Qt::Unchecked;
+    Qt::CheckState m_checkState : 8;
     int32_t m_fileInfoCount = 0;
-    mutable int32_t m_rowHint = 0;
-    int32_t m_furtherLists = 0; ///< lists of other records that hold this one, see getChildrens
+    mutable int32_t m_rowHint = 0; ///< the row it was last seen at
+    uint32_t m_keyHash = 0;        ///< of a row on its way into a model, see RowBatch
+    int32_t m_furtherLists = 0;    ///< lists of other records that hold this one, see getChildrens
 };
 
 #endif

@@ -18,7 +18,9 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <memory>
 #include <utility>
+#include <vector>
 
 /// The role that answers each model's key column.
 enum TreeModelRole { KeyRole = Qt::AccessibleDescriptionRole };
@@ -145,7 +147,7 @@ public:
     /// Loading in bulk: an empty batch for rows below `parent`, to be filled and handed to
     /// insertFilledRows. Rows below those rows go into the same batch.
     Batch newRows(const QModelIndex& parent = {}) const {
-        return Batch(columnCount(), item(parent)->level());
+        return Batch(columnCount(), m_keyColumn, item(parent)->level());
     }
     /// Takes the batch in at `position` below `parent` with one announcement, which comes when all
     /// values are in place. False, and the batch as it was, if the position is impossible or the
@@ -158,10 +160,7 @@ public:
         if (batch.isEmpty())
             return true;
         beginInsertRows(firstColumn(parent), position, position + batch.topCount() - 1);
-        m_keys.reserve(static_cast<size_t>(batch.count()));
-        const QList<Record*> rows = batch.release();
-        Ops::attach(*record, position, rows);
-        Ops::forEach(rows, [this](Record* row) { rememberKey(row); });
+        enter(*record, position, batch);
         endInsertRows();
         return true;
     }
@@ -175,8 +174,8 @@ public:
         const Record* first = nullptr;
         m_keys.forEach(KeyIndex::hash(key), [&](void* entry) {
             const auto* row = static_cast<const Record*>(entry);
-            if (row->data(m_keyColumn).toString().compare(key, Qt::CaseInsensitive) == 0 &&
-                (!first || comesBefore(*row, *first)))
+            const QVariant* value = Ops::value(*row, m_keyColumn);
+            if (value && KeyIndex::isKey(*value, key) && (!first || comesBefore(*row, *first)))
                 first = row;
         });
         return indexOf(first);
@@ -300,10 +299,8 @@ protected:
             copies.addCopy(*source->child(row), false);
         for (int row = sourceRow; row < sourceRow + count; ++row)
             forgetKey(source->child(row));
-        const QList<Record*> rows = copies.release();
-        Ops::attach(*target, destinationChild, rows);
+        enter(*target, destinationChild, copies);
         const bool removed = source->removeChildren(sourceRow, count);
-        Ops::forEach(rows, [this](Record* row) { rememberKey(row); });
         endMoveRows();
         return removed;
     }
@@ -316,12 +313,22 @@ private:
             list.append(header);
         return list;
     }
+    void enter(Record& parent, int position, Batch& batch) {
+        const std::vector<KeyIndex::Entry> keys = batch.keys();
+        Ops::attach(parent, position, batch.release());
+        m_keys.insertAll(keys);
+    }
+    /// 0 for a row without a key.
+    uint32_t keyHash(const Record& row) const {
+        const QVariant* value = Ops::value(row, m_keyColumn);
+        return value ? KeyIndex::hash(*value) : 0;
+    }
     void rememberKey(Record* row) {
-        if (const uint32_t hash = KeyIndex::hash(row->data(m_keyColumn)))
+        if (const uint32_t hash = keyHash(*row))
             m_keys.insert(hash, row);
     }
     void forgetKey(Record* row) {
-        if (const uint32_t hash = KeyIndex::hash(row->data(m_keyColumn)))
+        if (const uint32_t hash = keyHash(*row))
             m_keys.remove(hash, row);
     }
     void indexAllKeys() {
