@@ -237,6 +237,10 @@ void OrvoMenu::cancelElement() {
 
 void OrvoMenu::on_Desck_NameChanged(const QString& text) {
     const QModelIndex current = m_ui->tvDesck->currentIndex();
+    // The editor's last word may come when the current row has moved on already, even from within
+    // the removal of the edited row: it is none of the new row's.
+    if (m_editDesckIndex.isValid() && current.siblingAtColumn(0) != m_editDesckIndex)
+        return;
     if (current.isValid())
         m_desckModel->setData(current.siblingAtColumn(DesckColumn::Name), text, Qt::EditRole);
 }
