@@ -2,6 +2,8 @@
 
 #include "platform/store/Sql.h"
 
+#include <algorithm>
+
 namespace orvo::store::postgres {
 
 namespace {
@@ -42,32 +44,46 @@ std::string index(const char* table, const char* field, bool link) {
            (link ? "lower(" + name + ")" : name) + ");\n";
 }
 
+// The functions below run with the owner's rights on behalf of anyone. Setting a search path of
+// their own would make every call several times as expensive, so everything in them is qualified
+// instead: neither a function nor an operator can be slipped in.
+
+constexpr const char* equals = " OPERATOR(pg_catalog.=) ";
+
 /// The value as JSON text.
 std::string json(const char* row, const FieldDef& field) {
-    return "coalesce(to_json(" + named(row, field) + ")::text, 'null')";
+    return "coalesce(pg_catalog.to_json(" + named(row, field) + ")::pg_catalog.text, 'null')";
 }
 
 /// JSON object of all values of a row ("NEW." or "OLD.").
 std::string whole(const TableDef& table, const char* row) {
-    std::string sql = "'{";
+    std::string sql = "pg_catalog.concat('{";
     for (const FieldDef& field : table.fields) {
         if (&field != &table.fields.front())
-            sql += " || ',";
-        sql += std::string("\"") + field.name + "\":' || " + json(row, field);
+            sql += ", ',";
+        sql += std::string("\"") + field.name + "\":', " + json(row, field);
     }
-    return sql + " || '}'";
+    return sql + ", '}')";
 }
 
 /// JSON object of the values of a row that the update changed.
 std::string changed(const TableDef& table, const char* row) {
-    std::string sql = "'{' || substr(";
+    std::string sql = "pg_catalog.concat('{', pg_catalog.substr(pg_catalog.concat(";
     for (size_t i = 1; i < table.fields.size(); ++i) { // a changed key is no update
         const FieldDef& field = table.fields[i];
-        sql += std::string(i == 1 ? "" : " ||\n      ") + "CASE WHEN " + named("OLD.", field) +
-               " IS DISTINCT FROM " + named("NEW.", field) + " THEN ',\"" + field.name +
-               "\":' || " + json(row, field) + " ELSE '' END";
+        const std::string before = named("OLD.", field);
+        const std::string after = named("NEW.", field);
+        sql += std::string(i == 1 ? "" : ",\n      ") + "CASE WHEN coalesce(" + before + equals +
+               after + ", " + before + " IS NULL AND " + after +
+               " IS NULL) THEN '' ELSE pg_catalog.concat(',\"" + field.name + "\":', " +
+               json(row, field) + ") END";
     }
-    return sql + ", 2) || '}'";
+    return sql + "), 2), '}')";
+}
+
+bool hasDates(const TableDef& table) {
+    return std::any_of(table.fields.begin(), table.fields.end(),
+                       [](const FieldDef& field) { return field.type == MDX_DATE; });
 }
 
 std::string logEvent(const TableDef& table, int code, const char* key, const std::string& after,
@@ -81,14 +97,15 @@ std::string logTriggers(const TableDef& table, const std::string& onDelete = {},
                         const std::string& onNewKey = {}) {
     const std::string function = qualified(std::string(table.name) + ".log");
     const std::string on = " ON " + qualified(table.name);
+    // Dates to the last bit, whatever the session is set to.
     std::string sql = "CREATE FUNCTION " + function +
-                      "() RETURNS trigger LANGUAGE plpgsql SECURITY DEFINER\n"
-                      "  SET search_path = pg_catalog, pg_temp SET extra_float_digits = 1 AS "
-                      "$orvo$\nBEGIN\n  IF TG_OP = 'INSERT' THEN\n";
+                      "() RETURNS trigger LANGUAGE plpgsql SECURITY DEFINER" +
+                      (hasDates(table) ? " SET extra_float_digits = 1" : "") +
+                      " AS $orvo$\nBEGIN\n  IF TG_OP" + equals + "'INSERT' THEN\n";
     sql += logEvent(table, 601, "NEW.\"KeyLink\"", whole(table, "NEW."), "'{}'");
-    sql += "  ELSIF TG_OP = 'DELETE' THEN\n" + onDelete;
+    sql += std::string("  ELSIF TG_OP") + equals + "'DELETE' THEN\n" + onDelete;
     sql += logEvent(table, 603, "OLD.\"KeyLink\"", "'{}'", whole(table, "OLD."));
-    sql += "  ELSIF OLD.\"KeyLink\" = NEW.\"KeyLink\" THEN\n";
+    sql += std::string("  ELSIF OLD.\"KeyLink\"") + equals + "NEW.\"KeyLink\" THEN\n";
     sql += logEvent(table, 602, "NEW.\"KeyLink\"", changed(table, "NEW."), changed(table, "OLD."));
     sql += "  ELSE\n";
     sql += logEvent(table, 603, "OLD.\"KeyLink\"", "'{}'", whole(table, "OLD."));
@@ -132,10 +149,9 @@ INSERT INTO public."NciPruned" VALUES (0);
 CREATE TABLE public."NciStore" ("version" integer NOT NULL);
 INSERT INTO public."NciStore" VALUES (0);
 
-CREATE FUNCTION public."NciLock"() RETURNS trigger LANGUAGE plpgsql
-  SET search_path = pg_catalog, pg_temp AS $orvo$
+CREATE FUNCTION public."NciLock"() RETURNS trigger LANGUAGE plpgsql AS $orvo$
 BEGIN
-  PERFORM )") +
+  PERFORM pg_catalog.)") +
            takeLogLock + R"(;
   RETURN NULL;
 END $orvo$;
@@ -147,8 +163,9 @@ BEGIN
   RETURN NULL;
 END $orvo$;
 
-CREATE FUNCTION public."NciLog"(p_code integer, p_table text, p_key text, p_after text,
-  p_before text) RETURNS void LANGUAGE plpgsql AS $orvo$
+CREATE FUNCTION public."NciLog"(p_code pg_catalog.int4,
+  p_table pg_catalog.text, p_key pg_catalog.text, p_after pg_catalog.text,
+  p_before pg_catalog.text) RETURNS void LANGUAGE plpgsql AS $orvo$
 DECLARE
   v_login text := session_user;
   v_other text := current_setting('orvo.login', true);
@@ -160,10 +177,10 @@ BEGIN
   PERFORM )" +
            takeLogLock +
            R"(;
-  INSERT INTO public."NciEvent" VALUES (nextval('public."NciEventId"'), p_code, p_table, p_key,
-    v_login, extract(epoch FROM clock_timestamp())::double precision, p_after, p_before,
-    coalesce(current_setting('orvo.call', true), ''));
-  PERFORM pg_notify(')" +
+  INSERT INTO public."NciEvent" VALUES (pg_catalog.nextval('public."NciEventId"'), p_code, p_table,
+    p_key, v_login, pg_catalog.date_part('epoch', pg_catalog.clock_timestamp()), p_after, p_before,
+    coalesce(pg_catalog.current_setting('orvo.call', true), ''));
+  PERFORM pg_catalog.pg_notify(')" +
            wakeChannel + R"(', '');
 END $orvo$;
 REVOKE ALL ON FUNCTION public."NciLog"(integer, text, text, text, text) FROM PUBLIC;
@@ -228,7 +245,8 @@ ALTER TABLE public."MenuResourceFileData" ALTER COLUMN "data" SET STORAGE EXTERN
     sql += "CREATE INDEX ON public.\"MenuResource\" (\"type_\");\n";
     sql += index(content.name, "MenuResourceKey", true);
 
-    const std::string owned = " WHERE lower(\"MenuResourceKey\") = lower(OLD.\"KeyLink\");\n";
+    const std::string owned = std::string(" WHERE pg_catalog.lower(\"MenuResourceKey\")") + equals +
+                              "pg_catalog.lower(OLD.\"KeyLink\");\n";
     for (const TableDef& table : tables()) {
         // Content goes, and changes its owner's key, with its resource.
         const bool owner = std::string_view(table.name) == "MenuResource";
