@@ -7,8 +7,10 @@
 //    without a row until the tree is loaded again.
 //  - stray: a row that does not stand where its record says. A desktop or folder stays below its
 //    old parent; an element moved below an unknown one stands at the very top; one moved below
-//    itself stays.
+//    itself stays. And one whose parent is no folder: a change shows it there, loading does not.
 //  - unsaved: a row of this editor alone, a placeholder.
+//  - another's menu: while a placeholder or a new name is open, a move to another desktop saves and
+//    leaves the menu that stands there; it is not compared until a menu is loaded again.
 //  - blurred: a parent that had any of these among its children. Positions are counted in the table
 //    and rows in the tree, so the order below it is no longer that of the table.
 //
@@ -17,6 +19,8 @@
 #include "platform/client/Session.h"
 #include "tests/menu/MenuProbe.h"
 
+#include <QLineEdit>
+#include <QMimeData>
 #include <QPushButton>
 #include <QSet>
 #include <QtTest>
@@ -36,12 +40,13 @@ struct Row {
     QString parent; ///< key of the row above; empty below the top row, "?" beside it
     QString values;
     int place = 0;
+    bool folder = false;
 };
 using Rows = QMap<QString, Row>;
 
 /// The rows below the top row, by key.
 Rows rowsOf(const QAbstractItemModel* model, int keyColumn, const QVector<int>& columns,
-            int isNewColumn, QSet<QString>* unsaved) {
+            int isNewColumn, int folderColumn, QSet<QString>* unsaved) {
     Rows rows;
     const std::function<void(const QModelIndex&, const QString&, int)> walk =
         [&](const QModelIndex& parent, const QString& parentKey, int depth) {
@@ -53,7 +58,9 @@ Rows rowsOf(const QAbstractItemModel* model, int keyColumn, const QVector<int>& 
                     QStringList values;
                     for (const int column : columns)
                         values << index.siblingAtColumn(column).data().toString();
-                    rows[key] = {depth == 0 ? QStringLiteral("?") : parentKey, values.join('|'), i};
+                    rows[key] = {depth == 0 ? QStringLiteral("?") : parentKey, values.join('|'), i,
+                                 QStringList{"true", QStringLiteral("папка")}.contains(
+                                     index.siblingAtColumn(folderColumn).data().toString())};
                     if (index.siblingAtColumn(isNewColumn).data().toBool())
                         unsaved->insert(key);
                 }
@@ -81,6 +88,9 @@ struct Differences {
         }
         for (auto row = rows.begin(); row != rows.end(); ++row) {
             const bool known = parents.contains(row.key());
+            // Loading enters folders only.
+            if (!row->parent.isEmpty() && !rows.value(row->parent).folder)
+                stray.insert(row.key());
             if (!known || parents[row.key()] != row->parent) {
                 blurred.insert(row->parent);
                 if (known) {
@@ -178,6 +188,11 @@ public:
         m_editor = std::make_unique<MenuEditor>(*m_host, "Menu");
         if (!m_editor->start())
             qFatal("an editor does not start");
+        QObject::connect(probe().m_menuModel.get(), &QAbstractItemModel::rowsInserted,
+                         probe().m_menuModel.get(), [this](const QModelIndex& parent) {
+                             if (!parent.isValid() && probe().m_menuModel->rowCount() == 1)
+                                 m_menuOf = probe().m_currentDesckKey;
+                         });
         // A menu is loaded when its top row comes.
         QObject::connect(probe().m_menuModel.get(), &QAbstractItemModel::rowsAboutToBeRemoved,
                          probe().m_menuModel.get(), [this](const QModelIndex& parent, int first) {
@@ -222,11 +237,11 @@ public:
 
     Rows desckRows(QSet<QString>* unsaved) {
         return rowsOf(probe().m_desckModel.get(), DesckColumn::KeyLink, desckColumns,
-                      DesckColumn::IsNew, unsaved);
+                      DesckColumn::IsNew, DesckColumn::IsFolder, unsaved);
     }
     Rows menuRows(QSet<QString>* unsaved) {
         return rowsOf(probe().m_menuModel.get(), MenuColumn::KeyLink, menuColumns,
-                      MenuColumn::IsNew, unsaved);
+                      MenuColumn::IsNew, MenuColumn::Type, unsaved);
     }
 
     /// The first difference to an editor opened now that is not required; empty if there is none.
@@ -245,13 +260,14 @@ public:
         QSet<QString> unsaved;
         QString found = compare(desckRows(&unsaved),
                                 rowsOf(other.m_desckModel.get(), DesckColumn::KeyLink, desckColumns,
-                                       DesckColumn::IsNew, &none),
+                                       DesckColumn::IsNew, DesckColumn::IsFolder, &none),
                                 m_desckKnown);
         if (!found.isEmpty())
             return "tvDesck: " + found;
         const QModelIndex desktop = other.m_desckModel->findIndexByKey(probe().m_currentDesckKey);
         const QModelIndex own = probe().m_desckModel->findIndexByKey(probe().m_currentDesckKey);
-        if (!desktop.isValid() || !own.isValid() || probe().m_menuModel->rowCount() == 0)
+        if (!desktop.isValid() || !own.isValid() || probe().m_menuModel->rowCount() == 0 ||
+            m_menuOf != probe().m_currentDesckKey)
             return {};
         fresh.view("tvDesck")->setCurrentIndex(desktop);
         if (other.m_menuModel->rowCount() == 0)
@@ -260,7 +276,7 @@ public:
             return "Menu:\n" + probe().tableText("Menu") + "\nfresh:\n" + other.tableText("Menu");
         found = compare(menuRows(&unsaved),
                         rowsOf(other.m_menuModel.get(), MenuColumn::KeyLink, menuColumns,
-                               MenuColumn::IsNew, &none),
+                               MenuColumn::IsNew, MenuColumn::Type, &none),
                         m_menuKnown);
         return found.isEmpty() ? found : "tvMenu: " + found;
     }
@@ -275,6 +291,7 @@ private:
     orvo::client::NotificationMaker m_maker;
     std::deque<orvo::store::Change> m_waiting;
     int64_t m_cursor = 0;
+    QString m_menuOf; ///< the desktop whose menu was loaded last
     Differences m_desckKnown;
     Differences m_menuKnown;
     std::unique_ptr<MenuEditor> m_editor;
@@ -508,7 +525,9 @@ class TestMenuRandom : public QObject {
             } else {
                 say("rename");
                 call(module, "on_actChangeDescktopOrFolder_triggered");
-                module.m_desckModel->setData(place, caption(), Qt::EditRole);
+                // As by the keyboard: each letter comes from the row's editor.
+                if (auto* editor = desck->viewport()->findChild<QLineEdit*>())
+                    editor->setText(caption());
             }
         }
         }
