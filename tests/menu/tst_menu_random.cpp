@@ -542,7 +542,7 @@ private slots:
             seed = std::random_device{}();
         const int steps = qEnvironmentVariableIsSet("ORVO_STEPS")
                               ? qEnvironmentVariableIntValue("ORVO_STEPS")
-                              : 2500;
+                              : 1200;
         qInfo("ORVO_SEED=%d ORVO_STEPS=%d", static_cast<int>(seed), steps);
         m_random.seed(seed);
 
