@@ -175,7 +175,7 @@ int getMenuAttributes(const QString& word) {
     return -1;
 }
 
-QString getUserCaption(MDRData* record, CMDArray* users) {
+QString getUserCaption(MDRData* record, const CMDArray* users) {
     if (!record || !users)
         return QString();
     const auto text = [&](const char* field) {

@@ -33,8 +33,23 @@ QString convertMenuAttributes(int code);
 int getMenuAttributes(const QString& word);
 /// How a user of the table `Users` is shown: family name and initials; the login for programs and
 /// for users without a family name. Empty if the record or the table is null.
-QString getUserCaption(MDRData* record, CMDArray* users);
+QString getUserCaption(MDRData* record, const CMDArray* users);
 /// Whether the path is an existing file; false for directories.
 bool checkFileExists(const QString& path);
+
+namespace orvo {
+
+/// One step of a module's start: runs `request(session, error)`, which gives non-zero on success.
+/// After a failure the text goes to the log under that place.
+template <class Request>
+bool fetchOrLog(COrvoCliMod& module, const char* place, Request request) {
+    QString error;
+    if (request(module.m_app->m_session, &error))
+        return true;
+    module.m_app->m_logModule->LogFile(5, QString::fromLatin1(place), error);
+    return false;
+}
+
+} // namespace orvo
 
 #endif

@@ -103,6 +103,13 @@ void hideColumns(QTreeView* view, int first, int last) {
         view->setColumnHidden(column, true);
 }
 
+void takeDownViews(QMainWindow& window) {
+    for (const QTreeView* view : window.findChildren<QTreeView*>())
+        if (view->selectionModel())
+            QObject::disconnect(view->selectionModel(), nullptr, &window, nullptr);
+    delete window.takeCentralWidget();
+}
+
 QStringList passportColumns() {
     return {QStringLiteral("caption"),  QStringLiteral("value"), QStringLiteral("editor"),
             QStringLiteral("readonly"), QStringLiteral("name"),  QStringLiteral("iseditrow")};

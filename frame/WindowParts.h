@@ -15,6 +15,7 @@
 class QAbstractButton;
 class QAbstractItemModel;
 class QAction;
+class QMainWindow;
 class QMenu;
 class QToolBar;
 class QToolButton;
@@ -54,6 +55,10 @@ const QString& treeStyleSheet();
 void arrangeTree(QTreeView* view, bool styled = true);
 /// Hides the columns from `first` to `last`. The view has its model.
 void hideColumns(QTreeView* view, int first, int last);
+
+/// Deletes the central widget with the views below it, for a module's destructor: what the
+/// selections tell while they go no longer reaches the module, and its models outlive their views.
+void takeDownViews(QMainWindow& window);
 
 /// The column titles of the passport grid.
 QStringList passportColumns();

@@ -3,6 +3,7 @@
 
 #include "menu/OrvoMenu.h"
 
+#include "frame/ViewRows.h"
 #include "frame/WindowParts.h"
 #include "menu/Columns.h"
 
@@ -11,17 +12,6 @@
 
 using orvo::menu::DesckColumn;
 using orvo::menu::MenuColumn;
-
-namespace {
-
-/// The icon of an open folder differs from that of a closed one.
-template <class Model>
-void followExpansion(const QTreeView* view, const Model* model) {
-    QObject::connect(view, &QTreeView::expanded, model, &Model::setItemExpanded);
-    QObject::connect(view, &QTreeView::collapsed, model, &Model::setItemCollapsed);
-}
-
-} // namespace
 
 void OrvoMenu::setTreeArrangement() {
     QTreeView* desck = m_ui->tvDesck;
@@ -37,7 +27,7 @@ void OrvoMenu::setTreeArrangement() {
             &OrvoMenu::on_Desck_NameChanged);
     m_desckDelegate = std::make_unique<DesckDelegate>(m_desckModel.get(), this);
     desck->setItemDelegate(m_desckDelegate.get());
-    followExpansion(desck, m_desckModel.get());
+    orvo::followExpansion(desck, m_desckModel.get());
     connect(desck, &QTreeView::customContextMenuRequested, this,
             &OrvoMenu::showContextMenu_tvDesck);
     connect(desck, &QTreeView::clicked, this, &OrvoMenu::on_tvDesck_clicked);
@@ -58,7 +48,7 @@ void OrvoMenu::setTreeArrangement() {
     menu->setModel(m_menuModel.get());
     orvo::hideColumns(menu, MenuColumn::FolderKey, MenuColumn::IsNew);
     menu->setColumnWidth(MenuColumn::Caption, 300);
-    followExpansion(menu, m_menuModel.get());
+    orvo::followExpansion(menu, m_menuModel.get());
     connect(menu, &QTreeView::customContextMenuRequested, this, &OrvoMenu::showContextMenu_tvMenu);
     connect(menu, &QTreeView::clicked, this, &OrvoMenu::on_tvMenu_clicked);
     connect(menu->selectionModel(), &QItemSelectionModel::selectionChanged, this,
@@ -71,7 +61,7 @@ void OrvoMenu::setTreeArrangement() {
         std::make_unique<PropModel>(orvo::passportColumns(), orvo::iconsPath(*this), this);
     prop->setModel(m_propModel.get());
     orvo::arrangePassport(prop);
-    followExpansion(prop, m_propModel.get());
+    orvo::followExpansion(prop, m_propModel.get());
     m_passpDelegate = std::make_unique<PasspDelegate>(m_propModel.get(), this);
     prop->setItemDelegate(m_passpDelegate.get());
 

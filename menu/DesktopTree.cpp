@@ -5,18 +5,18 @@
 
 #include "frame/FolderWalk.h"
 #include "frame/Records.h"
+#include "frame/Siblings.h"
+#include "frame/ViewRows.h"
 #include "menu/Columns.h"
-#include "menu/Rows.h"
-#include "menu/Siblings.h"
 
 #include <QItemSelectionModel>
 
 using orvo::KeyValues;
+using orvo::setRow;
 using orvo::menu::DesckColumn;
 using orvo::menu::desckRootKey;
 using orvo::menu::desktopClass;
 using orvo::menu::folderClass;
-using orvo::menu::setRow;
 
 namespace {
 
@@ -115,11 +115,11 @@ int32_t OrvoMenu::desckPosition(const QString& key, const QString& parentKey,
     const auto exact = [own](std::initializer_list<const char*> fields) {
         KeyValues values;
         for (const char* field : fields)
-            orvo::menu::addField(values, own, field);
+            orvo::addField(values, own, field);
         return values;
     };
     if (!atTopLevel)
-        return orvo::menu::siblingPosition(
+        return orvo::siblingPosition(
             m_tabFolder, 3, KeyValues().text(parentKey), key, own,
             exact({"ParentKey", "order_", "caption"}),
             [&](const MDRData* record) { return orvo::holdsText(record, "ParentKey", parentKey); });

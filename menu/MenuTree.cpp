@@ -6,9 +6,9 @@
 #include "frame/CommonFunctions.h"
 #include "frame/FolderWalk.h"
 #include "frame/Records.h"
+#include "frame/Siblings.h"
+#include "frame/ViewRows.h"
 #include "menu/Columns.h"
-#include "menu/Rows.h"
-#include "menu/Siblings.h"
 
 using orvo::KeyValues;
 using orvo::menu::MenuColumn;
@@ -38,9 +38,9 @@ void OrvoMenu::loadMenuTree(const QString& desckKey) {
     if (!model.insertRows(0, 1, QModelIndex()))
         return;
     const QModelIndex root = model.index(0, 0, QModelIndex());
-    orvo::menu::setRow(model, root,
-                       {{MenuColumn::KeyLink, QString::fromLatin1(menuRootKey)},
-                        {MenuColumn::Caption, tr("Меню")}});
+    orvo::setRow(model, root,
+                 {{MenuColumn::KeyLink, QString::fromLatin1(menuRootKey)},
+                  {MenuColumn::Caption, tr("Меню")}});
     const int32_t position = orvo::seekPosition(m_tabMenu, 1, KeyValues());
     if (position == -1)
         return;
@@ -109,19 +109,15 @@ QVector<QVariant> OrvoMenu::menuValues(const MDRData* record) const {
 }
 
 void OrvoMenu::loadMenuRow(const QModelIndex& parent, int row, MDRData* record) {
-    const QVector<QVariant> values = menuValues(record);
-    for (int column = 0; column < values.size(); ++column)
-        if (values[column].isValid())
-            m_menuModel->setData(m_menuModel->index(row, column, parent), values[column],
-                                 Qt::DisplayRole);
+    orvo::setRow(*m_menuModel, m_menuModel->index(row, 0, parent), menuValues(record));
 }
 
 int32_t OrvoMenu::getMenuElementPosition(const QString& key, const QString& parentKey) const {
     const MDRData* own = orvo::seekKey(m_tabMenu, key);
     KeyValues exact;
-    orvo::menu::addField(exact, own, "parent");
-    orvo::menu::addField(exact, own, "order_");
-    return orvo::menu::siblingPosition(
+    orvo::addField(exact, own, "parent");
+    orvo::addField(exact, own, "order_");
+    return orvo::siblingPosition(
         m_tabMenu, 1, KeyValues().textOrNull(parentKey), key, own, exact,
         [&](const MDRData* record) { return orvo::holdsText(record, "parent", parentKey); });
 }

@@ -6,46 +6,13 @@
 
 #include "frame/Notification.h"
 #include "frame/Records.h"
+#include "frame/ViewRows.h"
 #include "menu/Columns.h"
 
 #include <QTreeView>
 
 using orvo::menu::MenuColumn;
 using orvo::menu::menuRootKey;
-
-namespace {
-
-bool standsIn(const QModelIndex& index, const QModelIndex& row) {
-    for (QModelIndex up = index.siblingAtColumn(0); up.isValid(); up = up.parent())
-        if (up == row)
-            return true;
-    return false;
-}
-
-/// Makes the row's parent current and then the row, which refreshes what depends on it: the menu of
-/// a desktop, the passport of an element.
-void bounce(QTreeView* view, const QModelIndex& row) {
-    const QPersistentModelIndex kept(row);
-    view->setCurrentIndex(row.parent());
-    view->setCurrentIndex(kept);
-}
-
-/// Removes a row. If the current row goes with it, the next sibling becomes current, the previous
-/// one behind the last, and the parent after the only one.
-void removeRow(QTreeView* view, const QModelIndex& row) {
-    QAbstractItemModel* model = view->model();
-    const QPersistentModelIndex parent(row.parent());
-    const int number = row.row();
-    const bool currentGoes = standsIn(view->currentIndex(), row);
-    model->removeRows(number, 1, parent);
-    if (!currentGoes)
-        return;
-    const int left = model->rowCount(parent);
-    view->setCurrentIndex(left == 0 ? QModelIndex(parent)
-                                    : model->index(std::min(number, left - 1), 0, parent));
-}
-
-} // namespace
 
 bool OrvoMenu::MessageData(MDXCliParam* prm) {
     // A module whose start failed has neither tables nor trees to keep in step.
@@ -65,10 +32,10 @@ bool OrvoMenu::MessageData(MDXCliParam* prm) {
         break;
     case OrvoEventDelete:
         if (folder)
-            recordDeleted(change, m_tabFolder, m_ui->tvDesck,
-                          m_desckModel->findIndexByKey(change.key()));
+            orvo::removeRecord(change, m_tabFolder, m_ui->tvDesck,
+                               m_desckModel->findIndexByKey(change.key()));
         else if (element)
-            recordDeleted(change, m_tabMenu, m_ui->tvMenu, elementRow(change.key()));
+            orvo::removeRecord(change, m_tabMenu, m_ui->tvMenu, elementRow(change.key()));
         break;
     case OrvoEventInsert:
         if (folder)
@@ -120,7 +87,7 @@ void OrvoMenu::showDesck(const QString& key, MDRData* record, const QModelIndex&
     if (position == -1)
         return;
     updateNewDesckNode(record, position, row);
-    bounce(m_ui->tvDesck, m_desckModel->findIndexByKey(key));
+    orvo::makeCurrentAnew(m_ui->tvDesck, m_desckModel->findIndexByKey(key));
 }
 
 void OrvoMenu::elementUpdated(const orvo::Notification& change) {
@@ -138,17 +105,21 @@ void OrvoMenu::elementUpdated(const orvo::Notification& change) {
     if (!orvo::sameText(newParent, oldParent)) {
         const QModelIndex target = m_menuModel->findIndexByKey(
             newParent.isEmpty() ? QString::fromLatin1(menuRootKey) : newParent);
-        m_menuModel->moveItem(number, position, parent, target);
+        // Without a row for the new parent the element waits where it stands.
+        if (target.isValid())
+            m_menuModel->moveItem(number, position, parent, target);
         return;
     }
+    // The operator's own row stays current, with a fresh passport, also if it is the one that
+    // moves.
+    const QString currentKey = m_currentMenuKey;
     if (position != number && !m_menuModel->moveSiblingItem(number, position, parent))
         return;
-    // The operator's own row stays current, with a fresh passport.
-    const QModelIndex current = m_menuModel->findIndexByKey(m_currentMenuKey);
+    const QModelIndex current = m_menuModel->findIndexByKey(currentKey);
     if (!current.isValid())
         return;
     m_ui->tvMenu->update(current);
-    bounce(m_ui->tvMenu, current);
+    orvo::makeCurrentAnew(m_ui->tvMenu, current);
 }
 
 void OrvoMenu::elementInserted(const orvo::Notification& change) {
@@ -173,14 +144,4 @@ void OrvoMenu::elementInserted(const orvo::Notification& change) {
         return;
     loadMenuRow(parent, position, record);
     m_ui->tvMenu->setCurrentIndex(m_menuModel->index(position, 0, parent));
-}
-
-void OrvoMenu::recordDeleted(const orvo::Notification& change, CMDArray& table, QTreeView* view,
-                             const QModelIndex& row) {
-    if (!orvo::findRecord(change.event(), &table))
-        return;
-    if (row.isValid())
-        removeRow(view, row);
-    // Found anew: the removal may have moved the current row and with it the open desktop.
-    table.RecDel(orvo::findRecord(change.event(), &table));
 }

@@ -58,10 +58,7 @@ OrvoMenu::~OrvoMenu() {
     // window: the connections go first, then the views, and the models that they show last.
     disconnect(qApp, nullptr, this, nullptr);
     disconnect(m_clipboard, nullptr, this, nullptr);
-    for (QTreeView* view : {m_ui->tvDesck, m_ui->tvMenu, m_ui->tvProp})
-        if (view->selectionModel())
-            disconnect(view->selectionModel(), nullptr, this, nullptr);
-    delete takeCentralWidget();
+    orvo::takeDownViews(*this);
 }
 
 bool OrvoMenu::ModuleStart() {
@@ -98,12 +95,10 @@ void OrvoMenu::setMenuFocusedItemAfterChanges() {
 }
 
 bool OrvoMenu::loadTables() {
-    QString error;
-    const auto fetch = [&](const char* name, CMDArray& table, const char* place) {
-        if (GetTableRecords(m_app->m_session, name, table, &error))
-            return true;
-        m_app->m_logModule->LogFile(5, QString::fromLatin1(place), error);
-        return false;
+    const auto fetch = [this](const char* name, CMDArray& table, const char* place) {
+        return orvo::fetchOrLog(*this, place, [&](COrvoCliSes* session, QString* error) {
+            return GetTableRecords(session, name, table, error);
+        });
     };
     if (!fetch("MenuResource", m_tabResource, "OrvoMenu::loadTables->MenuResource"))
         return false;

@@ -5,6 +5,7 @@
 
 #include "frame/CommonFunctions.h"
 #include "menu/Columns.h"
+#include "models/Passport.h"
 
 #include <QTreeView>
 
@@ -12,25 +13,10 @@ using orvo::menu::MenuColumn;
 
 namespace {
 
-struct PassportRow {
-    const char* name;
-    QString caption;
-    MyEditorType editor;
-    bool readOnly;
-    QVariant value;
-};
-
 /// One category with these rows below it, opened.
 void fillPassport(QTreeView* view, PropModel& model, const QString& category,
-                  std::initializer_list<PassportRow> rows) {
-    model.AddCategoryRow(QStringLiteral("properties"), category, QModelIndex());
-    const QModelIndex parent = model.findIndexByKey(QStringLiteral("properties"));
-    for (const PassportRow& row : rows) {
-        const QString name = QString::fromLatin1(row.name);
-        model.AddEditorRow(name, row.caption, row.editor, parent, row.readOnly);
-        model.setRowValue(name, row.value);
-    }
-    view->expand(parent);
+                  std::initializer_list<orvo::PassportRow> rows) {
+    view->expand(orvo::addPassportCategory(model, QStringLiteral("properties"), category, rows));
 }
 
 } // namespace
@@ -50,10 +36,12 @@ void OrvoMenu::loadFolderPassport(const QModelIndex& index) {
     const QString type = convertMenuAttributes(value(MenuColumn::Type).toInt());
     fillPassport(
         m_ui->tvProp, *m_propModel, tr("Свойства"),
-        {{"type", tr("Тип"), MyEditorLine, true, type},
-         {"name", tr("Наименование"), MyEditorLine, false, value(MenuColumn::Caption)},
-         {"icon", tr("Иконка"), MyEditorButton, false, value(MenuColumn::Icon)},
-         {"separator", tr("Разделитель"), MyEditorCheck, false, value(MenuColumn::Separator)}});
+        {{QStringLiteral("type"), tr("Тип"), MyEditorLine, true, type},
+         {QStringLiteral("name"), tr("Наименование"), MyEditorLine, false,
+          value(MenuColumn::Caption)},
+         {QStringLiteral("icon"), tr("Иконка"), MyEditorButton, false, value(MenuColumn::Icon)},
+         {QStringLiteral("separator"), tr("Разделитель"), MyEditorCheck, false,
+          value(MenuColumn::Separator)}});
 }
 
 void OrvoMenu::loadItemPassport(const QModelIndex& index) {
@@ -62,12 +50,18 @@ void OrvoMenu::loadItemPassport(const QModelIndex& index) {
     const auto value = [&](int column) { return index.sibling(index.row(), column).data(); };
     fillPassport(
         m_ui->tvProp, *m_propModel, tr("Свойства"),
-        {{"keylink", tr("Идентификатор"), MyEditorLine, true, value(MenuColumn::MenuResKey)},
-         {"type", tr("Тип"), MyEditorLine, true, value(MenuColumn::Type)},
-         {"name", tr("Наименование"), MyEditorLine, false, value(MenuColumn::Caption)},
-         {"object", tr("Объект"), MyEditorButton, false, value(MenuColumn::Command)},
-         {"params", tr("Параметры"), MyEditorLine, false, value(MenuColumn::Params)},
-         {"onecopy", tr("Один эжкземпляр"), MyEditorCheck, false, value(MenuColumn::OneCopy)},
-         {"icon", tr("Иконка"), MyEditorButton, false, value(MenuColumn::Icon)},
-         {"separator", tr("Разделитель"), MyEditorCheck, false, value(MenuColumn::Separator)}});
+        {{QStringLiteral("keylink"), tr("Идентификатор"), MyEditorLine, true,
+          value(MenuColumn::MenuResKey)},
+         {QStringLiteral("type"), tr("Тип"), MyEditorLine, true, value(MenuColumn::Type)},
+         {QStringLiteral("name"), tr("Наименование"), MyEditorLine, false,
+          value(MenuColumn::Caption)},
+         {QStringLiteral("object"), tr("Объект"), MyEditorButton, false,
+          value(MenuColumn::Command)},
+         {QStringLiteral("params"), tr("Параметры"), MyEditorLine, false,
+          value(MenuColumn::Params)},
+         {QStringLiteral("onecopy"), tr("Один эжкземпляр"), MyEditorCheck, false,
+          value(MenuColumn::OneCopy)},
+         {QStringLiteral("icon"), tr("Иконка"), MyEditorButton, false, value(MenuColumn::Icon)},
+         {QStringLiteral("separator"), tr("Разделитель"), MyEditorCheck, false,
+          value(MenuColumn::Separator)}});
 }

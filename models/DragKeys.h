@@ -10,7 +10,7 @@ class QMimeData;
 
 namespace dragkeys {
 
-/// One index of column 0 for each run of indexes of one row.
+/// One index of column 0 for each run of indexes of one row: the rows of a drag or a selection.
 QModelIndexList rowsOf(const QModelIndexList& indexes);
 
 /// The payload of that type: UTF-8 up to the first zero byte. A null string if there is none.

@@ -1,12 +1,12 @@
 // Siblings.h: the place of a record among its siblings, from the order of a key.
-#ifndef ORVO_MENU_SIBLINGS_H
-#define ORVO_MENU_SIBLINGS_H
+#ifndef ORVO_FRAME_SIBLINGS_H
+#define ORVO_FRAME_SIBLINGS_H
 
 #include "frame/Records.h"
 
 #include <cstdint>
 
-namespace orvo::menu {
+namespace orvo {
 
 /// Adds the value of a record's field, NULL as NULL, to the values of a seek.
 inline KeyValues& addField(KeyValues& values, const MDRData* record, const char* field) {
@@ -50,6 +50,6 @@ int32_t siblingPosition(const CMDArray& table, int key, const KeyValues& group,
     return count;
 }
 
-} // namespace orvo::menu
+} // namespace orvo
 
 #endif

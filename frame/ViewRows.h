@@ -1,0 +1,48 @@
+// ViewRows.h: moves on the rows of a tree and its view that both editors make: writing a row,
+// refreshing the current one, and following a deletion.
+#ifndef ORVO_FRAME_VIEWROWS_H
+#define ORVO_FRAME_VIEWROWS_H
+
+#include "frame/OrvoMdx.h"
+
+#include <QAbstractItemModel>
+#include <QTreeView>
+#include <QVariant>
+#include <QVector>
+
+#include <initializer_list>
+#include <utility>
+
+namespace orvo {
+
+class Notification;
+
+/// Writes columns of the row of an index. Not an edit: models that report edits stay silent.
+void setRow(QAbstractItemModel& model, const QModelIndex& row,
+            std::initializer_list<std::pair<int, QVariant>> values);
+/// The same with one value per column; an invalid value leaves its column as it is.
+void setRow(QAbstractItemModel& model, const QModelIndex& row, const QVector<QVariant>& values);
+
+/// Whether the view's current row is that row or stands below it; any column counts.
+bool currentStandsIn(const QTreeView* view, const QModelIndex& row);
+/// Makes the row's parent current and then the row, which refreshes all that depends on the current
+/// row.
+void makeCurrentAnew(QTreeView* view, const QModelIndex& row);
+/// Removes a row. If the current row goes with it, the next sibling becomes current, the previous
+/// one behind the last, and the parent after the only one.
+void removeRow(QTreeView* view, const QModelIndex& row);
+/// Follows a notification of a deletion: the row goes first, if there is one, then the record. A
+/// key that the table does not have changes nothing.
+void removeRecord(const Notification& change, CMDArray& table, QTreeView* view,
+                  const QModelIndex& row);
+
+/// The icon of an open folder differs from that of a closed one: the model is told of both.
+template <class Model>
+void followExpansion(const QTreeView* view, const Model* model) {
+    QObject::connect(view, &QTreeView::expanded, model, &Model::setItemExpanded);
+    QObject::connect(view, &QTreeView::collapsed, model, &Model::setItemCollapsed);
+}
+
+} // namespace orvo
+
+#endif

@@ -1,0 +1,16 @@
+#include "models/Passport.h"
+
+namespace orvo {
+
+QModelIndex addPassportCategory(PropModel& model, const QString& name, const QString& caption,
+                                std::initializer_list<PassportRow> rows) {
+    model.AddCategoryRow(name, caption, QModelIndex());
+    const QModelIndex category = model.index(model.rowCount() - 1, 0);
+    for (const PassportRow& row : rows) {
+        model.AddEditorRow(row.name, row.caption, row.editor, category, row.readOnly);
+        model.setRowValue(row.name, row.value);
+    }
+    return category;
+}
+
+} // namespace orvo
