@@ -8,8 +8,8 @@
 #include "frame/CommonFunctions.h"
 #include "frame/Records.h"
 #include "frame/ScratchTable.h"
+#include "frame/ViewRows.h"
 #include "menu/Columns.h"
-#include "menu/Rows.h"
 #include "picker/PopObjectList.h"
 
 #include <QItemSelectionModel>
@@ -69,6 +69,8 @@ void OrvoMenu::on_actNewElemFile_triggered() {
 }
 
 void OrvoMenu::chooseNewElements(int32_t kind) {
+    if (!m_menuModel)
+        return; // the start failed
     CPopObjectList* list = picker();
     list->multipleChoice = true;
     list->objectType = kind;
@@ -139,36 +141,40 @@ void OrvoMenu::setPassportValue(const QString& rowName, const QString& value) {
 
 void OrvoMenu::on_passp_buttonpressed(const QString& rowName) {
     m_popTarget = rowName;
-    const auto choose = [this](const QString& title, int32_t kind, const QString& source,
-                               const QString& value) {
-        CPopObjectList* list = picker();
-        list->setWindowTitle(title);
-        list->objectType = kind;
-        list->multipleChoice = false;
-        list->sourceName = source;
-        list->chosenName = value;
-        showPicker();
+    const auto valueOf = [this](const char* row) {
+        return m_propModel->getRowValue(QString::fromLatin1(row)).toString();
     };
     if (isRow(rowName, "icon")) {
-        choose(tr("Выбор иконок АРМ"), CPopObjectList::KindFile, QStringLiteral("icons"),
-               m_propModel->getRowValue(QStringLiteral("icon")).toString());
+        CPopObjectList* list = picker();
+        list->setWindowTitle(tr("Выбор иконок АРМ"));
+        list->objectType = CPopObjectList::KindFile;
+        list->multipleChoice = false;
+        list->sourceName = QStringLiteral("icons");
+        list->chosenName = valueOf("icon");
+        showPicker();
     } else if (isRow(rowName, "object")) {
-        const int kind =
-            getMenuAttributes(m_propModel->getRowValue(QStringLiteral("type")).toString());
-        const QString value = m_propModel->getRowValue(QStringLiteral("object")).toString();
-        if (kind == CPopObjectList::KindModule)
-            choose(tr("Выбор модулей АРМ"), kind, QString(), value);
-        else if (kind == CPopObjectList::KindFunction)
-            choose(tr("Выбор функций АРМ"), kind, QString(), value);
+        CPopObjectList* list = picker();
+        list->multipleChoice = false;
+        list->chosenName = valueOf("object");
+        const int kind = getMenuAttributes(valueOf("type"));
+        if (kind == CPopObjectList::KindFunction)
+            list->setWindowTitle(tr("Выбор функций АРМ"));
         else if (kind == CPopObjectList::KindForm)
-            choose(tr("Выбор форм отображения АРМ"), kind, QString(), value);
+            list->setWindowTitle(tr("Выбор форм отображения АРМ"));
+        else if (kind == CPopObjectList::KindModule)
+            list->setWindowTitle(tr("Выбор модулей АРМ"));
+        else
+            return;
+        list->objectType = kind;
+        list->sourceName = QString();
+        showPicker();
     }
 }
 
 void OrvoMenu::on_passp_returnPressed(const QString& rowName) {
     if (!isRow(rowName, "icon"))
         return;
-    const QString none = QStringLiteral("");
+    const QString none; // null, which the tree takes for "no icon" at once
     m_propModel->setRowValue(rowName, none);
     // Setting a row's value is no edit of the user's: the change is handed on here.
     on_editor_valueChanged(rowName, none);
@@ -176,7 +182,8 @@ void OrvoMenu::on_passp_returnPressed(const QString& rowName) {
 
 void OrvoMenu::on_actNewElemFolder_triggered() {
     const QPersistentModelIndex parent(m_ui->tvMenu->currentIndex().siblingAtColumn(0));
-    finishPendingEdit();
+    if (!parent.isValid() || !finishEdit())
+        return;
     const int row = m_menuModel->rowCount(parent);
     const int order = nextOrder(*m_menuModel, parent);
     if (!m_menuModel->insertRows(row, 1, parent))
@@ -185,16 +192,16 @@ void OrvoMenu::on_actNewElemFolder_triggered() {
     m_btnCancel->setEnabled(true);
     m_editMode = NewElement;
     const QModelIndex folder = m_menuModel->index(row, 0, parent);
-    orvo::menu::setRow(*m_menuModel, folder,
-                       {{MenuColumn::KeyLink, QString::fromLatin1(GenGuid32())},
-                        {MenuColumn::Caption, tr("Новая папка")},
-                        {MenuColumn::FolderKey, m_currentDesckKey},
-                        {MenuColumn::ParentKey, m_currentMenuKey},
-                        {MenuColumn::Type, convertMenuAttributes(0)},
-                        {MenuColumn::Separator, false},
-                        {MenuColumn::OneCopy, false},
-                        {MenuColumn::IsNew, true},
-                        {MenuColumn::Order, order}});
+    orvo::setRow(*m_menuModel, folder,
+                 {{MenuColumn::KeyLink, QString::fromLatin1(GenGuid32())},
+                  {MenuColumn::Caption, tr("Новая папка")},
+                  {MenuColumn::FolderKey, m_currentDesckKey},
+                  {MenuColumn::ParentKey, m_currentMenuKey},
+                  {MenuColumn::Type, convertMenuAttributes(0)},
+                  {MenuColumn::Separator, false},
+                  {MenuColumn::OneCopy, false},
+                  {MenuColumn::IsNew, true},
+                  {MenuColumn::Order, order}});
     m_ui->tvMenu->scrollTo(folder);
     m_ui->tvMenu->selectionModel()->select(folder, QItemSelectionModel::ClearAndSelect);
     m_ui->tvMenu->setCurrentIndex(folder);

@@ -5,11 +5,10 @@
 #include "ui_OrvoMenu.h"
 
 #include "menu/Columns.h"
+#include "models/LikeRows.h"
 
 #include <QItemSelectionModel>
 #include <QTreeView>
-
-#include <algorithm>
 
 using orvo::menu::DesckColumn;
 using orvo::menu::MenuColumn;
@@ -18,27 +17,6 @@ namespace {
 
 bool isNewRow(const QModelIndex& row, int column) {
     return row.sibling(row.row(), column).data().toBool();
-}
-
-/// The rows of a selection by their indexes of column 0, in the selection's order.
-QModelIndexList rowsOf(const QItemSelection& selection) {
-    QModelIndexList rows;
-    QModelIndex lastParent;
-    for (const QModelIndex& index : selection.indexes()) {
-        const QModelIndex parent = index.parent();
-        if (!rows.isEmpty() && rows.last().row() == index.row() && lastParent == parent)
-            continue;
-        rows.append(index.sibling(index.row(), 0));
-        lastParent = parent;
-    }
-    return rows;
-}
-
-void deselectStrangers(QItemSelectionModel* selection, const QModelIndexList& rows,
-                       const QModelIndex& parent) {
-    for (const QModelIndex& row : rows)
-        if (row.parent() != parent)
-            selection->select(row, QItemSelectionModel::Deselect | QItemSelectionModel::Rows);
 }
 
 } // namespace
@@ -57,14 +35,14 @@ void OrvoMenu::on_tvDesck_currentChanged(const QModelIndex& current, const QMode
         if (isNewRow(current, DesckColumn::IsNew))
             m_editDesckIndex = current;
         else
-            on_save_pressed();
+            finishEdit();
         return;
     case RenameDesck:
         m_editDesckIndex = previous;
-        on_save_pressed();
+        finishEdit();
         return;
     case EditElement:
-        on_save_pressed();
+        finishEdit();
         break;
     default:
         return;
@@ -90,12 +68,12 @@ void OrvoMenu::on_tvMenu_currentChanged(const QModelIndex& current, const QModel
             m_editMenuIndex = current;
             showMenuPassport(current);
         } else {
-            on_save_pressed();
+            finishEdit();
         }
         break;
     case EditElement:
         m_editMenuIndex = previous;
-        on_save_pressed();
+        finishEdit();
         break;
     default:
         break;
@@ -113,20 +91,7 @@ void OrvoMenu::on_tvMenu_clicked(const QModelIndex& index) {
 }
 
 void OrvoMenu::on_tvMenu_selectionChanged(const QItemSelection& selected, const QItemSelection&) {
-    if (selected.isEmpty())
-        return;
-    QItemSelectionModel* selection = m_ui->tvMenu->selectionModel();
-    if (selection->selectedRows().size() == 1)
-        return;
-    const QModelIndexList rows = rowsOf(selected);
-    if (rows.isEmpty())
-        return;
-    deselectStrangers(selection, rows, rows.first().parent());
-    const QModelIndexList remaining = selection->selectedRows();
-    if (remaining.isEmpty())
-        return;
-    const QModelIndex parent = remaining.first().parent();
-    deselectStrangers(selection, rows, parent);
-    // What was selected before is not in the list; it must not stand beside rows of another parent.
-    deselectStrangers(selection, remaining, parent);
+    orvo::keepRowsAlike(
+        *m_ui->tvMenu->selectionModel(), selected,
+        [](const QModelIndex& a, const QModelIndex& b) { return a.parent() == b.parent(); });
 }

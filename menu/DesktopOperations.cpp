@@ -37,7 +37,8 @@ void OrvoMenu::addDesckRow(bool isFolder) {
     const QPersistentModelIndex current(m_ui->tvDesck->currentIndex().siblingAtColumn(0));
     if (!current.isValid())
         return;
-    finishPendingEdit();
+    if (!finishEdit())
+        return;
     const QModelIndex parent =
         m_desckModel->isItemFolder(current) ? QModelIndex(current) : current.parent();
     const QString parentKey = m_desckModel->getItemKeyLink(parent);
@@ -72,7 +73,8 @@ void OrvoMenu::on_actChangeDescktopOrFolder_triggered() {
     const QPersistentModelIndex current(m_ui->tvDesck->currentIndex());
     if (!current.isValid())
         return;
-    finishPendingEdit();
+    if (!finishEdit())
+        return;
     m_btnSave->setEnabled(true);
     m_btnCancel->setEnabled(true);
     m_editMode = RenameDesck;

@@ -70,9 +70,23 @@ void OrvoMenu::on_editor_valueChanged(const QString& rowName, const QVariant& va
         m_menuModel->setData(row.siblingAtColumn(column), value, Qt::DisplayRole);
 }
 
-void OrvoMenu::finishPendingEdit() {
-    if (m_editMode != NoEdit)
-        on_save_pressed();
+bool OrvoMenu::finishEdit() {
+    if (m_editMode == NoEdit)
+        return true;
+    on_save_pressed();
+    const bool desck = m_editMode == NewDesck || m_editMode == RenameDesck;
+    const bool rowThere = desck ? m_editDesckIndex.isValid() : editedElement().isValid();
+    if (!rowThere)
+        m_editMode = NoEdit;
+    return m_editMode == NoEdit;
+}
+
+QModelIndex OrvoMenu::editedElement() const {
+    // The row that the edit was made on, if the current row has moved on. The current row if that
+    // one is gone; a new row has no such stand-in.
+    if (m_editMode == NewElement || m_editMenuIndex.isValid())
+        return m_editMenuIndex;
+    return m_menuModel ? m_menuModel->findIndexByKey(m_currentMenuKey) : QModelIndex();
 }
 
 void OrvoMenu::on_save_pressed() {
@@ -83,17 +97,13 @@ void OrvoMenu::on_save_pressed() {
         saveNewDesck();
         break;
     case NewElement:
-        saveElement(m_editMenuIndex, MDX_INSERT);
+        saveElement(editedElement(), MDX_INSERT);
         break;
     case RenameDesck:
         saveDesckName();
         break;
     case EditElement:
-        // The row that the edit was made on, if the current row has moved on; the current row if
-        // that one is gone.
-        saveElement(m_editMenuIndex.isValid() ? QModelIndex(m_editMenuIndex)
-                                              : m_menuModel->findIndexByKey(m_currentMenuKey),
-                    MDX_UPDATE);
+        saveElement(editedElement(), MDX_UPDATE);
         break;
     default:
         break;
@@ -145,8 +155,10 @@ void OrvoMenu::saveDesckName() {
 }
 
 void OrvoMenu::closeDesckEditor(const QModelIndex& row) {
-    if (QWidget* editor = m_ui->tvDesck->indexWidget(row.siblingAtColumn(0)))
-        emit m_desckDelegate->closeEditor(editor, QAbstractItemDelegate::NoHint);
+    // Becoming current is an edit trigger: a move away has opened an editor on the next row too.
+    for (const QModelIndex& edited : {row, m_ui->tvDesck->currentIndex()})
+        if (QWidget* editor = m_ui->tvDesck->indexWidget(edited.siblingAtColumn(0)))
+            emit m_desckDelegate->closeEditor(editor, QAbstractItemDelegate::NoHint);
 }
 
 void OrvoMenu::saveElement(const QModelIndex& row, MdxRecordFlag flag) {

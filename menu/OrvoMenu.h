@@ -61,7 +61,7 @@ public:
 
     /// The records that this editor holds of `MenuFolder`, `Menu` (the open desktop) or
     /// `MenuResource`, by key: a line of field names, then a line per record, values split by tabs,
-    /// NULL as \N. A null string for any other table.
+    /// NULL as \\N. A null string for any other table.
     Q_INVOKABLE QString tableText(const QString& table) const;
 
     const CMDArray* resourceTable() const override { return &m_tabResource; }
@@ -238,8 +238,6 @@ private:
     void showDesck(const QString& key, MDRData* record, const QModelIndex& row);
     void elementUpdated(const orvo::Notification& change);
     void elementInserted(const orvo::Notification& change);
-    void recordDeleted(const orvo::Notification& change, CMDArray& table, QTreeView* view,
-                       const QModelIndex& row);
 
     // Creating
     CPopObjectList* picker();
@@ -250,11 +248,14 @@ private:
     void setPassportValue(const QString& rowName, const QString& value);
 
     // Editing
-    /// A new edit begins: the one that is open is saved first, as by moving the current row.
-    void finishPendingEdit();
+    /// Saves the open edit because the engineer turns to something else. An edit whose row is gone
+    /// just ends. False if it stays open, because the server gave no structure to write in.
+    bool finishEdit();
     void saveNewDesck();
     void saveDesckName();
+    /// Closes the editors of names, on that row and on the current one.
     void closeDesckEditor(const QModelIndex& row);
+    QModelIndex editedElement() const;
     void saveElement(const QModelIndex& row, MdxRecordFlag flag);
     void cancelDesckName();
     void cancelElement();

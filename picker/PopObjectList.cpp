@@ -5,6 +5,7 @@
 #include "picker/ObjectListOwner.h"
 #include "ui_PopObjectList.h"
 
+#include <QFileInfo>
 #include <QItemSelectionModel>
 #include <QShowEvent>
 
@@ -186,6 +187,9 @@ void CPopObjectList::loadSysFiles() {
     if (!found)
         return;
     if (!key.isNull()) {
+        // The disk may tell case apart where captions do not: the area bears the folder's caption.
+        if (!QFileInfo::exists(treeModel->initialFolderPath()))
+            treeModel->setInitialFolder(orvo::textOf(orvo::seekKey(folderTable, key), "caption"));
         loadSysFolders(key);
         loadSysItems(key);
     }
