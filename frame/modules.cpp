@@ -3,6 +3,7 @@
 #include "frame/OrvoClient.h"
 #include "frame/Records.h"
 #include "menu/OrvoMenu.h"
+#include "resources/OrvoResources.h"
 
 #include <QString>
 
@@ -11,7 +12,8 @@ namespace {
 COrvoCliMod* makeModule(COrvoCliApp* app, const QString& name) {
     if (orvo::sameText(name, QStringLiteral("Menu")))
         return new OrvoMenu(app); // owned by the caller
-    // "Resources" has no module yet and is answered like any other unknown name.
+    if (orvo::sameText(name, QStringLiteral("Resources")))
+        return new OrvoResources(app); // likewise
     return nullptr;
 }
 

@@ -1,0 +1,74 @@
+// The two views: models, delegate, columns and connections.
+#include "ui_OrvoResources.h"
+
+#include "resources/OrvoResources.h"
+
+#include "frame/ViewRows.h"
+#include "frame/WindowParts.h"
+#include "resources/Columns.h"
+
+#include <QItemSelectionModel>
+#include <QTreeView>
+
+using orvo::resources::ResColumn;
+
+namespace {
+
+constexpr int textWidth = 350;
+
+QString passportStyleSheet() {
+    return QStringLiteral("QTreeView::branch:has-children:!has-siblings:closed{border-image:none;"
+                          "image:url(:/res/node_branch_close.png);}"
+                          "QTreeView::branch:closed:has-children:has-siblings{border-image:none;"
+                          "image:url(:/res/node_branch_close.png);}"
+                          "QTreeView::branch:open:has-children:!has-siblings{border-image: none; "
+                          "image:url(:/res/node_branch_open.png);}"
+                          "QTreeView::branch:open:has-children:has-siblings{border-image: none; "
+                          "image:url(:/res/node_branch_open.png);}");
+}
+
+} // namespace
+
+void OrvoResources::setTreeArrangement() {
+    QTreeView* tree = m_ui->tvRes;
+    orvo::arrangeTree(tree);
+    // A value is edited in the passport only: an editor in the tree would write nowhere.
+    tree->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    tree->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    tree->setDragEnabled(true);
+    tree->setAcceptDrops(true);
+    tree->setDropIndicatorShown(true);
+    m_resModel = std::make_unique<ResTreeModel>(
+        QStringList{tr("Наименование"), tr("Ресурс"), tr("Иконка"), tr("Заблокировано"),
+                    tr("Дата блокировки"), "KeyLink", "type", "params", "FolderKey", "IsFolder",
+                    "Date", "Size", "Blocked", "IsNew"},
+        orvo::iconsPath(*this), this);
+    tree->setModel(m_resModel.get());
+    orvo::hideColumns(tree, ResColumn::KeyLink, ResColumn::IsNew);
+    tree->setColumnWidth(ResColumn::Caption, textWidth);
+    tree->setColumnWidth(ResColumn::Name, textWidth);
+    connect(tree, &QTreeView::customContextMenuRequested, this,
+            &OrvoResources::showContextMenu_tvRes);
+
+    QTreeView* prop = m_ui->tvProp;
+    prop->setStyleSheet(passportStyleSheet());
+    m_propModel =
+        std::make_unique<PropModel>(orvo::passportColumns(), orvo::iconsPath(*this), this);
+    prop->setModel(m_propModel.get());
+    orvo::arrangePassport(prop);
+    orvo::followExpansion(prop, m_propModel.get());
+    m_passpDelegate = std::make_unique<PasspDelegate>(m_propModel.get(), this);
+    prop->setItemDelegate(m_passpDelegate.get());
+    orvo::followExpansion(tree, m_resModel.get());
+
+    connect(tree->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            &OrvoResources::on_tvRes_currentChanged);
+    connect(tree->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &OrvoResources::on_tvRes_selectionChanged);
+    connect(m_propModel.get(), &PropModel::editorRowValueChanged, this,
+            &OrvoResources::on_editor_valueChanged);
+    connect(m_passpDelegate.get(), &PasspDelegate::buttonPressed, this,
+            &OrvoResources::on_passp_buttonpressed);
+    connect(m_resModel.get(), &ResTreeModel::dragdropOperation, this,
+            &OrvoResources::on_res_dragdrop);
+}

@@ -1,0 +1,50 @@
+// What a move of the current row or of the selection does. A move away from an unsaved row saves
+// it: the editor never asks whether changes are to be dropped.
+#include "resources/OrvoResources.h"
+
+#include "ui_OrvoResources.h"
+
+#include "models/LikeRows.h"
+#include "resources/Columns.h"
+
+#include <QItemSelectionModel>
+
+using orvo::resources::ResColumn;
+
+void OrvoResources::on_tvRes_currentChanged(const QModelIndex& current, const QModelIndex&) {
+    m_currentKey = m_resModel->getItemKeyLink(current);
+    m_propModel->clearRows();
+    switch (m_editState) {
+    case Idle:
+        setActionsDisabled();
+        if (m_resModel->itemInSystemArea(current))
+            setActionsEnabledSystem(current);
+        else
+            setActionsEnabledMenuRes(current);
+        break;
+    case NewRow:
+        if (current.sibling(current.row(), ResColumn::IsNew).data().toBool())
+            m_newItemIndex = current.siblingAtColumn(0);
+        else
+            on_save_pressed();
+        break;
+    case EditRow:
+        on_save_pressed();
+        break;
+    default:
+        return;
+    }
+    showPassport(current);
+}
+
+void OrvoResources::on_tvRes_selectionChanged(const QItemSelection& selected,
+                                              const QItemSelection&) {
+    // The kind of a row tells its area as well.
+    orvo::keepRowsAlike(*m_ui->tvRes->selectionModel(), selected,
+                        [this](const QModelIndex& a, const QModelIndex& b) {
+                            return a.parent() == b.parent() &&
+                                   a.siblingAtColumn(ResColumn::Type).data() ==
+                                       b.siblingAtColumn(ResColumn::Type).data() &&
+                                   m_resModel->itemIsFolder(a) == m_resModel->itemIsFolder(b);
+                        });
+}

@@ -1,0 +1,142 @@
+// From the server's stores to the disk: the paths in the stores, extraction, and opening a form in
+// the host.
+#include "resources/OrvoResources.h"
+
+#include "ui_OrvoResources.h"
+
+#include "frame/Records.h"
+#include "resources/Columns.h"
+
+#include <QFileDialog>
+#include <QItemSelectionModel>
+#include <QSaveFile>
+#include <QTreeView>
+
+#include <algorithm>
+#include <array>
+
+using orvo::resources::ResColumn;
+
+namespace {
+
+constexpr int nameField = 0;
+constexpr int sizeField = 2;
+constexpr int contentField = 3;
+
+constexpr int callRun = 64;
+
+QString captionOf(const QModelIndex& index) {
+    return index.siblingAtColumn(ResColumn::Caption).data().toString();
+}
+
+QString nameOf(const QModelIndex& index) {
+    return index.siblingAtColumn(ResColumn::Name).data().toString();
+}
+
+int typeOf(const QModelIndex& index) {
+    return index.siblingAtColumn(ResColumn::Type).data().toInt();
+}
+
+/// Whether the name means a file in the directory it is put behind, and nothing else.
+bool isPlainFileName(const QString& name) {
+    return !name.isEmpty() && name != QLatin1String(".") && name != QLatin1String("..") &&
+           std::none_of(name.begin(), name.end(), [](QChar c) {
+               return c == QLatin1Char('/') || c == QLatin1Char('\\') ||
+                      c.category() == QChar::Other_Control;
+           });
+}
+
+/// Writes the files of a tool's reply into a directory. An existing file is replaced at once and
+/// only when all of the new one is on the disk; one that cannot be written stays as it was.
+void writeFiles(const CMDArray& files, const QString& directory) {
+    orvo::walkAll(files, 0, [&](const MDRData* record) {
+        const QString name = orvo::textOf(record, nameField);
+        if (orvo::integerOf(record, sizeField) == 0 || !isPlainFileName(name))
+            return true;
+        uint32_t length = 0;
+        const char* content = nullptr;
+        if (MDRGetTextRef(orvo::fieldOf(record, contentField), record, &length, &content) != MDX_OK)
+            return true;
+        QSaveFile file(directory + name);
+        // A file may be writable where its directory is not.
+        file.setDirectWriteFallback(true);
+        if (file.open(QIODevice::WriteOnly)) {
+            file.write(content, length);
+            file.commit();
+        }
+        return true;
+    });
+}
+
+} // namespace
+
+QString OrvoResources::getFormPath(const QModelIndex& index) const {
+    if (m_resModel->getItemLevel(index) == 1)
+        return {};
+    QString path = captionOf(index);
+    for (QModelIndex at = index; m_resModel->getItemLevel(at) >= 3;) {
+        at = at.parent();
+        path.prepend(captionOf(at) + QLatin1Char('/'));
+    }
+    return path;
+}
+
+QString OrvoResources::getFilePath(const QModelIndex& index) const {
+    QStringList path;
+    for (QModelIndex at = index; m_resModel->getItemLevel(at) > 1;) {
+        at = at.parent();
+        path.prepend(captionOf(at));
+    }
+    if (m_resModel->itemIsFolder(index) && m_resModel->getItemLevel(index) > 0)
+        path.append(captionOf(index));
+    return path.join(QLatin1Char('/'));
+}
+
+void OrvoResources::on_actExtractFiles_triggered() {
+    QItemSelectionModel* selection = m_ui->tvRes->selectionModel();
+    if (!selection || selection->selectedRows().isEmpty())
+        return;
+    const QModelIndex first = selection->selectedRows().first();
+    if (m_resModel->itemIsFolder(first))
+        return;
+    const int type = typeOf(first);
+    const bool isForm = type == orvo::resources::Form;
+    QFileDialog dialog(this);
+    dialog.setFileMode(QFileDialog::Directory);
+    dialog.setOption(QFileDialog::ShowDirsOnly);
+    if ((isForm || type == orvo::resources::File) && dialog.exec() == QDialog::Accepted &&
+        !dialog.selectedFiles().isEmpty()) {
+        const QString directory = dialog.selectedFiles().first() + QLatin1Char('/');
+        for (const QModelIndex& row : selection->selectedRows()) {
+            if (typeOf(row) != type)
+                continue;
+            if (isForm) {
+                CToolFormGet tool(this);
+                tool.formName = nameOf(row);
+                tool.withData = true;
+                tool.Perform(false);
+                writeFiles(tool.result, directory);
+            } else {
+                CToolFileGet tool(this);
+                tool.name = nameOf(row);
+                tool.path = getFilePath(row);
+                tool.Perform(false);
+                writeFiles(tool.result, directory);
+            }
+        }
+    }
+    m_ui->tvRes->clearSelection();
+}
+
+void OrvoResources::on_actOpenScheme_triggered() {
+    const MDRData* record = orvo::seekKey(m_tabResource, m_currentKey);
+    if (!record || orvo::isNull(record, "name_"))
+        return;
+    QString text = orvo::textOf(record, "name_");
+    if (!orvo::isNull(record, "params"))
+        text += QLatin1Char(';') + orvo::textOf(record, "params");
+    const QByteArray bytes = orvo::toRecord(text);
+    // The host reads three machine words: a reserved one, the command, its argument.
+    std::array<const void*, 3> block{nullptr, "RUN_FILE", bytes.constData()};
+    doCall(callRun, block.data());
+}

@@ -1,0 +1,190 @@
+#include "ui_OrvoResources.h"
+
+#include "resources/OrvoResources.h"
+
+#include "frame/CommonFunctions.h"
+#include "frame/Records.h"
+#include "frame/ScratchTable.h"
+#include "frame/WindowParts.h"
+#include "resources/Columns.h"
+
+#include <QClipboard>
+#include <QComboBox>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QToolButton>
+
+using orvo::KeyValues;
+
+OrvoResources::OrvoResources(COrvoCliApp* app)
+    : COrvoCliMod(app)
+    , m_codec(nullptr)
+    , m_clipboard(nullptr)
+    , m_ui(std::make_unique<Ui_OrvoResources>()) {
+    orvo::setupForm([this] { m_ui->setupUi(this); });
+    m_codec = orvo::recordCodec();
+    m_clipboard = QGuiApplication::clipboard();
+    connect(m_clipboard, &QClipboard::dataChanged, this, &OrvoResources::on_clipboardDataChanged);
+
+    m_btnCreate = orvo::makeToolButton(this, "new1", tr("Создать"));
+    m_menuCreate = orvo::addInstantMenu(
+        m_btnCreate, {m_ui->actAddModule, m_ui->actAddFunction, m_ui->actAddFolder});
+    m_btnSave = orvo::makeToolButton(this, "checkin1", tr("Сохранить"));
+    connect(m_btnSave, &QToolButton::pressed, this, &OrvoResources::on_save_pressed);
+    m_btnCancel = orvo::makeToolButton(this, "cancel1", tr("Не сохранять"));
+    connect(m_btnCancel, &QToolButton::pressed, this, &OrvoResources::on_cancel_pressed);
+
+    QToolBar* bar = m_ui->toolBar;
+    bar->addWidget(m_btnCreate);
+    bar->addAction(m_ui->actLoadFiles);
+    bar->addAction(m_ui->actDelete);
+    bar->addAction(m_ui->actExtractFiles);
+    bar->addSeparator();
+    bar->addWidget(m_btnSave);
+    bar->addWidget(m_btnCancel);
+    bar->addSeparator();
+    orvo::arrangeToolBar(bar);
+    makeSearchBar();
+
+    m_ui->splitter->setSizes({400, 150});
+}
+
+void OrvoResources::makeSearchBar() {
+    QToolBar* bar = m_ui->toolBar;
+    m_edSearch = new QLineEdit(this); // widgets of the tool bar become its children
+    m_edSearch->setSizePolicy(QSizePolicy());
+    m_edSearch->setClearButtonEnabled(true);
+    if (auto* clear = m_edSearch->findChild<QToolButton*>())
+        clear->setIcon(orvo::image("cancel1"));
+    m_edSearch->addAction(orvo::image("search1"), QLineEdit::LeadingPosition);
+    m_edSearch->setPlaceholderText(tr("Поиск..."));
+    connect(m_edSearch, &QLineEdit::textChanged, this, &OrvoResources::on_search_textChanged);
+    bar->addWidget(m_edSearch);
+
+    m_btnSearchDown = orvo::makeToolButton(this, "down2", QString());
+    m_btnSearchUp = orvo::makeToolButton(this, "up2", QString());
+    for (QToolButton* button : {m_btnSearchDown, m_btnSearchUp}) {
+        button->setToolButtonStyle(Qt::ToolButtonIconOnly);
+        bar->addWidget(button);
+    }
+    connect(m_btnSearchDown, &QToolButton::pressed, this, &OrvoResources::on_search_down_pressed);
+    connect(m_btnSearchUp, &QToolButton::pressed, this, &OrvoResources::on_search_up_pressed);
+
+    m_lblSearch = new QLabel(tr(" Искать по: "), this);
+    m_lblSearch->setFont(m_ui->tvRes->font());
+    bar->addWidget(m_lblSearch);
+
+    m_cmbSearch = new QComboBox(this);
+    m_cmbSearch->setStyleSheet(QStringLiteral("QComboBox { background-color: white }"));
+    m_cmbSearch->setFocusPolicy(Qt::NoFocus);
+    m_cmbSearch->addItems({tr("Наименование"), tr("Ресурс")});
+    m_cmbSearch->setCurrentIndex(0);
+    m_cmbSearch->setFont(m_ui->tvRes->font());
+    connect(m_cmbSearch, qOverload<int>(&QComboBox::currentIndexChanged), this,
+            &OrvoResources::on_searchCmb_indexChanged);
+    bar->addWidget(m_cmbSearch);
+}
+
+OrvoResources::~OrvoResources() {
+    disconnect(m_clipboard, nullptr, this, nullptr);
+    orvo::takeDownViews(*this);
+}
+
+bool OrvoResources::ModuleStart() {
+    SetModTitle(tr("Редактор ресурсов"), QString());
+    if (!loadTables())
+        return false;
+    setTreeArrangement();
+    loadResTreeUpper();
+    setActionsDisabled();
+    m_btnSave->setEnabled(false);
+    m_btnCancel->setEnabled(false);
+    m_editState = Idle;
+    return true;
+}
+
+void OrvoResources::ModuleStop() {}
+
+void OrvoResources::MessageOn() {
+    MessageGet();
+    if (!m_focusKey.isEmpty())
+        setResFocusedItemAfterChanges();
+}
+
+void OrvoResources::setResFocusedItemAfterChanges() {
+    if (!m_resModel)
+        return;
+    const QModelIndex row = m_resModel->findIndexByKey(m_focusKey);
+    if (!row.isValid())
+        return;
+    m_ui->tvRes->setCurrentIndex(row);
+    m_focusKey.clear();
+}
+
+bool OrvoResources::fetch(const char* name, CMDArray& table, const char* place) {
+    return orvo::fetchOrLog(*this, place, [&](COrvoCliSes* session, QString* error) {
+        return GetTableRecords(session, name, table, error);
+    });
+}
+
+bool OrvoResources::loadTables() {
+    if (!fetch("MenuResource", m_tabResource, "OrvoResources::loadTables->MenuResource"))
+        return false;
+    orvo::setKeys(m_tabResource,
+                  {"type_;MenuResourceFolderKey;name_", "type_;name_", "MenuResourceFolderKey"});
+    if (!fetch("MenuResourceFolder", m_tabResFolder,
+               "OrvoResources::loadTables->MenuResourceFolder"))
+        return false;
+    orvo::setKeys(m_tabResFolder, {"type_;ParentKey;caption", "type_;caption", "ParentKey"});
+    if (!fetch("Users", m_tabUsers, "OrvoResources::loadTables->Users"))
+        return false;
+    orvo::setKeys(m_tabUsers, {"login_"});
+    if (!fetch("MenuFileExt", m_tabFileExt, "OrvoResources::loadTables->MenuFileExt"))
+        return false;
+    orvo::setKeys(m_tabFileExt);
+    if (!fetchUser())
+        return false;
+    const auto structure = [&](COrvoCliSes* session, QString* error) {
+        return GetTableStructure(session, "MenuResource", m_tabOrphans, error);
+    };
+    if (!orvo::fetchOrLog(*this, "OrvoResources::loadTables->MenuResource", structure))
+        return false;
+    orvo::setKeys(m_tabOrphans);
+    findOrphans();
+    return true;
+}
+
+bool OrvoResources::fetchUser() {
+    CMDArray user;
+    const auto request = [&](COrvoCliSes* session, QString* error) {
+        return getUserInfo(session, user, *error);
+    };
+    if (!orvo::fetchOrLog(*this, "OrvoResources::loadTables->getUserInfo", request))
+        return false;
+    const MDRData* record = MDARec(user.array, 0, 0);
+    m_userProp0 = orvo::textOf(record, 0);
+    m_userProp1 = orvo::textOf(record, 1);
+    m_userLogin = orvo::textOf(record, 2);
+    return true;
+}
+
+void OrvoResources::findOrphans() {
+    constexpr int form = orvo::resources::Form;
+    orvo::walkGroup(m_tabResource, 1, KeyValues().integer(form), [&](const MDRData* record) {
+        if (orvo::integerOf(record, "type_") != form)
+            return false;
+        const bool hasFolder =
+            orvo::isNull(record, "MenuResourceFolderKey") ||
+            orvo::seekKey(m_tabResFolder, orvo::textOf(record, "MenuResourceFolderKey"));
+        if (!hasFolder)
+            orvo::RowWriter(m_tabOrphans, MDARecNew(m_tabOrphans.array)).copyAll(record);
+        return true;
+    });
+}
+
+void OrvoResources::on_common_error_message(QAbstractButton*) {
+    if (m_popMessageBox)
+        m_popMessageBox->hide();
+}

@@ -1,0 +1,237 @@
+// OrvoResources.h: the resource editor: the catalogue of what menu elements start, in folders by
+// kind, with the files that the server's stores hold for it.
+//
+// On the left the tree of folders and resources (tvRes) in two areas, the menu's and the files', on
+// the right the passport of the current row (tvProp). A change goes to the server, and tables and
+// tree follow when its notification comes back.
+//
+// The sources are split by subject: OrvoResources (start, tables, notifications' end), Arrangement
+// (the views), Actions (what is switched on when, context menu), CurrentRow (what a move of the
+// current row or the selection does), Tree (filling, rows, positions), Passports, Notifications
+// (what comes back from the server), Extraction (paths, files to the disk, opening a form), Later
+// (the slots whose subjects are still to be written).
+#ifndef ORVO_RESOURCES_ORVORESOURCES_H
+#define ORVO_RESOURCES_ORVORESOURCES_H
+
+#include "frame/OrvoClient.h"
+#include "models/models.h"
+#include "picker/ObjectListOwner.h"
+
+#include <QList>
+#include <QPersistentModelIndex>
+#include <QString>
+#include <QStringList>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+class CPopObjectList;
+class QClipboard;
+class QComboBox;
+class QItemSelection;
+class QLabel;
+class QLineEdit;
+class QMenu;
+class QTextCodec;
+class QToolButton;
+class Ui_OrvoResources;
+
+namespace orvo {
+class Notification;
+} // namespace orvo
+
+class OrvoResources : public COrvoCliMod, public orvo::ObjectListOwner {
+    Q_OBJECT
+public:
+    /// Builds the window; touches no server. `app` and its session must outlive the module.
+    explicit OrvoResources(COrvoCliApp* app);
+    ~OrvoResources() override;
+
+    /// Fetches the tables, makes the models and shows the catalogue. False, with a line in the log,
+    /// if a table could not be fetched: the window then stays empty and has no models.
+    bool ModuleStart() override;
+    void ModuleStop() override;
+    void MessageOn() override;
+    /// Merges a notification into its table and then into the tree. Always true.
+    bool MessageData(MDXCliParam* prm) override;
+
+    const CMDArray* resourceTable() const override { return &m_tabResource; }
+    const CMDArray* resourceFolderTable() const override { return &m_tabResFolder; }
+
+protected:
+    /// What is being edited. There is one edit at a time.
+    enum EditState : uint32_t {
+        Idle = 0,
+        NewRow = 1,  ///< m_newItemIndex stands in the tree, not yet saved
+        EditRow = 2, ///< a value of the row m_editKey was changed in the passport
+    };
+
+    QTextCodec* m_codec; ///< "Windows-1251", for every text to and from a table; not owned
+    QString m_userProp0; ///< what the server tells of the user first and second; nothing reads it
+    QString m_userProp1;
+    QString m_userLogin;
+    QClipboard* m_clipboard; ///< the application's, not owned
+    uint32_t m_editState = Idle;
+    QToolButton* m_btnCreate = nullptr; ///< these widgets are children of the window
+    QToolButton* m_btnSave = nullptr;
+    QToolButton* m_btnCancel = nullptr;
+    QMenu* m_menuCreate = nullptr; ///< pop-up and child of its button
+    QLabel* m_lblSearch = nullptr;
+    QLineEdit* m_edSearch = nullptr;
+    QComboBox* m_cmbSearch = nullptr;
+    QToolButton* m_btnSearchUp = nullptr;
+    QToolButton* m_btnSearchDown = nullptr;
+    CMDArray m_tabResource;  ///< `MenuResource`: 0 KeyLink, 1 type_;MenuResourceFolderKey;name_, 2
+                             ///< type_;name_, 3 MenuResourceFolderKey
+    CMDArray m_tabResFolder; ///< `MenuResourceFolder`: 0 KeyLink, 1 type_;ParentKey;caption, 2
+                             ///< type_;caption, 3 ParentKey
+    CMDArray m_tabUsers;     ///< `Users`: 0 KeyLink, 1 login_
+    CMDArray m_tabFileExt;   ///< `MenuFileExt`: 0 KeyLink
+    CMDArray m_tabOrphans;   ///< forms whose folder did not exist at the start: 0 KeyLink
+    std::unique_ptr<ResTreeModel> m_resModel; ///< these are null until the start succeeded
+    std::unique_ptr<PropModel> m_propModel;
+    std::unique_ptr<PasspDelegate> m_passpDelegate;
+    CPopObjectList* m_popList =
+        nullptr;          ///< the icon picker, child of the window, made on first use
+    QString m_popTarget;  ///< passport row that opened the picker
+    QString m_editObject; ///< of the open edit, as last typed
+    QString m_editCaption;
+    QList<QPersistentModelIndex> m_searchHits; ///< a hit whose row is gone is invalid
+    int32_t m_searchPos = 0;                   ///< may stand one place past either end
+    QString m_currentKey;                      ///< key of the current row of tvRes
+    QString m_editKey;                         ///< key of the row edited in EditRow
+    QPersistentModelIndex m_newItemIndex;      ///< the row of NewRow; invalid once it is gone
+    QString m_focusKey; ///< row to make current after the next notifications; null: none
+    std::unique_ptr<Ui_OrvoResources> m_ui;
+
+    // Start and views
+    bool loadTables();
+    void setTreeArrangement();
+    void setResFocusedItemAfterChanges();
+
+    // Actions: nothing happens for an invalid index
+    void setActionsDisabled();
+    void setActionsEnabledMenuRes(const QModelIndex& index);
+    void setActionsEnabledSystem(const QModelIndex& index);
+    /// Whether the clipboard holds rows of that kind, cut by a resource editor.
+    bool checkClipBoardType(int type) const;
+
+    // Tree. The loaders append below `parent`; a folder that is its own ancestor is shown and not
+    // entered again.
+    void loadResTreeUpper();
+    /// The sub-folders of a folder row with all that lies below them.
+    void loadFolders(int type, QModelIndex parent);
+    /// The resources of a folder row.
+    void loadItems(int type, QModelIndex parent);
+    /// The level below the row of the file area.
+    void loadSysRootFolders(const QModelIndex& parent);
+    void loadSysRootItems(const QModelIndex& parent);
+    /// Write a record into an existing row. A folder is no new row afterwards, while a resource
+    /// keeps what the column IsNew says. What a record does not tell of a lock stays as it was.
+    void loadResFolderRow(const QModelIndex& parent, int row, MDRData* rec);
+    void loadResItemRow(const QModelIndex& parent, int row, MDRData* rec);
+    /// The place of a folder among its sibling folders in table order; -1 if it is not among them.
+    int32_t getResFolderPosition(const QString& key, const QString& parentKey, int type) const;
+    /// The place of a resource among its sibling resources, behind getFolderCount rows.
+    int32_t getResItemPosition(const QString& key, const QString& folderKey, int type) const;
+    /// How many folders stand before the resources of a row; the empty key is the top of the file
+    /// area.
+    int getFolderCount(const QString& key) const;
+
+    // Passports: nothing happens for an invalid index. Those of forms and files ask the server.
+    void loadFolderPassport(const QModelIndex& index);
+    void loadItemPassport(const QModelIndex& index);
+
+    // Paths in the stores: captions joined by "/", none at either end
+    /// Of the folder of a form, from level 2 down to it; empty at level 1.
+    QString getFormPath(const QModelIndex& index) const;
+    /// Of a row of the file area, from level 1 down to its folder; a folder's own caption too.
+    QString getFilePath(const QModelIndex& index) const;
+
+protected slots:
+    void on_tvRes_currentChanged(const QModelIndex& current, const QModelIndex& previous);
+    /// Keeps a multiple selection to rows of one parent, one kind, and all folders or none.
+    void on_tvRes_selectionChanged(const QItemSelection& selected,
+                                   const QItemSelection& deselected);
+    void on_editor_valueChanged(const QString& rowName, const QVariant& value);
+    void on_passp_buttonpressed(const QString& rowName);
+    void on_poplist_OK_Pressed();
+    void showContextMenu_tvRes(const QPoint& pos);
+
+    void on_actAddModule_triggered();
+    void on_actAddFunction_triggered();
+    void on_actAddFolder_triggered();
+    void on_actDelete_triggered();
+    void on_actLoadFiles_triggered();
+    /// Asks for a directory and writes the files of the selected forms or files into it.
+    void on_actExtractFiles_triggered();
+    void on_actCut_triggered();
+    void on_actPaste_triggered();
+    /// Has the host open the current form.
+    void on_actOpenScheme_triggered();
+
+    void on_save_pressed();
+    void on_cancel_pressed();
+    void on_res_dragdrop(const QModelIndex& destindex, QStringList srcList);
+    void on_clipboardDataChanged();
+
+    void on_search_up_pressed();
+    void on_search_down_pressed();
+    void on_search_textChanged(const QString& text);
+    void on_searchCmb_indexChanged(int curIndex);
+
+    void removeResourceMessage(QAbstractButton* button);
+    void on_common_error_message(QAbstractButton* button);
+
+private:
+    // Start
+    bool fetch(const char* name, CMDArray& table, const char* place);
+    bool fetchUser();
+    /// Copies the forms whose folder does not exist.
+    void findOrphans();
+    void makeSearchBar();
+
+    // Actions
+    /// Switches all actions off but these.
+    void enableOnly(const QList<QAction*>& actions);
+
+    // Tree
+    /// Rows for the folders or the resources of a folder, below `parent` or at the top of the
+    /// batch; addFolderRows gives the new rows.
+    std::vector<TabRec*> addFolderRows(ResTreeModel::Batch& rows, TabRec* parent, int type,
+                                       const QString& parentKey) const;
+    void addItemRows(ResTreeModel::Batch& rows, TabRec* parent, int type,
+                     const QString& folderKey) const;
+    /// The folders of that parent key with all below them, as rows below `parent`. False if there
+    /// are none.
+    bool appendFolders(int type, const QString& parentKey, const QModelIndex& parent);
+    void appendItems(int type, const QString& folderKey, const QModelIndex& parent);
+    void appendOrphans(const QModelIndex& parent);
+    /// A row without a record.
+    QModelIndex addFixedRow(const QModelIndex& parent, const char* key, const QString& caption,
+                            int type);
+    /// The columns of a row; invalid where the row keeps what it has.
+    QVector<QVariant> folderValues(const MDRData* record) const;
+    QVector<QVariant> itemValues(const MDRData* record) const;
+    void addLock(const MDRData* record, QVector<QVariant>& values) const;
+    /// The row of a folder key; the empty key is the top of the file area.
+    QModelIndex folderRow(const QString& key) const;
+
+    // Passports
+    void showPassport(const QModelIndex& index);
+    /// A category for each stored file of a tool's reply.
+    void addFileRows(const CMDArray& files, const QString& timeFormat);
+    /// A time of the server, in local time; a null string for NULL.
+    QString timeText(const MDRData* record, MDRField field, const QString& format) const;
+
+    // Notifications
+    void folderUpdated(const orvo::Notification& change);
+    void folderInserted(const orvo::Notification& change);
+    void resourceUpdated(const orvo::Notification& change);
+    void resourceInserted(const orvo::Notification& change);
+    /// Makes the row of that key current anew, with a fresh passport.
+    void selectAgain(const QString& key);
+};
+
+#endif

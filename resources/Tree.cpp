@@ -1,0 +1,243 @@
+// The tree of folders and resources. Its order is not computed here: it comes from key 1 of the two
+// tables, so that each level is one run of records.
+#include "resources/OrvoResources.h"
+
+#include "ui_OrvoResources.h"
+
+#include "frame/CommonFunctions.h"
+#include "frame/FolderWalk.h"
+#include "frame/Records.h"
+#include "frame/Siblings.h"
+#include "frame/ViewRows.h"
+#include "resources/Columns.h"
+
+#include <QTreeView>
+
+using orvo::KeyValues;
+using orvo::resources::ResColumn;
+
+namespace {
+
+constexpr char folderParent[] = "ParentKey";
+constexpr char resourceParent[] = "MenuResourceFolderKey";
+
+QString keyOf(const TabRec* row) {
+    return row->data(ResColumn::KeyLink).toString();
+}
+
+/// The records of one kind under one parent: a run of key 1 of either table.
+struct Group {
+    int type;
+    const char* parentField;
+    QString parentKey;
+
+    KeyValues start() const { return KeyValues().integer(type).textOrNull(parentKey); }
+    bool holds(const MDRData* record) const {
+        return orvo::integerOf(record, "type_") == type &&
+               orvo::holdsText(record, parentField, parentKey);
+    }
+};
+
+/// Calls visit(record) for the records of the group in order.
+template <class Visit>
+void walkRecords(const CMDArray& table, const Group& group, Visit visit) {
+    orvo::walkGroup(table, 1, group.start(), [&](const MDRData* record) {
+        if (!group.holds(record))
+            return false;
+        visit(record);
+        return true;
+    });
+}
+
+int32_t positionOf(const CMDArray& table, const QString& key, const Group& group,
+                   const char* nameField) {
+    const MDRData* own = orvo::seekKey(table, key);
+    if (!own || !group.holds(own))
+        return -1;
+    KeyValues exact;
+    for (const char* field : {"type_", group.parentField, nameField})
+        orvo::addField(exact, own, field);
+    return orvo::siblingPosition(table, 1, group.start(), key, own, exact,
+                                 [&](const MDRData* record) { return group.holds(record); });
+}
+
+} // namespace
+
+void OrvoResources::loadResTreeUpper() {
+    using namespace orvo::resources;
+    const QModelIndex root = addFixedRow(QModelIndex(), menuRootKey, tr("Ресурсы меню"), MenuArea);
+    const QModelIndex files = addFixedRow(QModelIndex(), fileRootKey, tr("Файловые ресурсы"), File);
+    // The folders of the three kinds come from the server. A catalogue without one of them is not
+    // whole, and what would follow stays away.
+    for (int type : {Module, Function, Form})
+        if (!appendFolders(type, QString(), root))
+            return;
+    appendOrphans(root);
+    loadSysRootFolders(files);
+    loadSysRootItems(files);
+    m_ui->tvRes->expand(root);
+    m_ui->tvRes->expand(files);
+}
+
+QModelIndex OrvoResources::addFixedRow(const QModelIndex& parent, const char* key,
+                                       const QString& caption, int type) {
+    auto rows = m_resModel->newRows(parent);
+    TabRec* row = rows.add();
+    row->setData(ResColumn::KeyLink, QString::fromLatin1(key));
+    row->setData(ResColumn::Caption, caption);
+    row->setData(ResColumn::IsFolder, true);
+    row->setData(ResColumn::Type, type);
+    const int number = m_resModel->rowCount(parent);
+    m_resModel->insertFilledRows(number, std::move(rows), parent);
+    return m_resModel->index(number, 0, parent);
+}
+
+void OrvoResources::appendOrphans(const QModelIndex& parent) {
+    if (orvo::recordCount(m_tabOrphans) == 0)
+        return;
+    const QModelIndex folder = addFixedRow(parent, orvo::resources::orphansKey,
+                                           tr("Непривязанные объекты"), orvo::resources::Orphans);
+    auto rows = m_resModel->newRows(folder);
+    orvo::walkAll(m_tabOrphans, 0, [&](const MDRData* record) {
+        TabRec* row = rows.add();
+        row->setData(ResColumn::IsFolder, false);
+        row->setData(ResColumn::KeyLink, orvo::textOf(record, "KeyLink"));
+        row->setData(ResColumn::Type, orvo::integerOf(record, "type_"));
+        row->setData(ResColumn::Caption, orvo::textOf(record, "caption"));
+        row->setData(ResColumn::Params, orvo::textOf(record, "params"));
+        row->setData(ResColumn::Name, orvo::textOf(record, "name_"));
+        row->setData(ResColumn::FolderKey, orvo::textOf(record, resourceParent));
+        return true;
+    });
+    m_resModel->insertFilledRows(0, std::move(rows), folder);
+}
+
+std::vector<TabRec*> OrvoResources::addFolderRows(ResTreeModel::Batch& rows, TabRec* parent,
+                                                  int type, const QString& parentKey) const {
+    std::vector<TabRec*> added;
+    walkRecords(m_tabResFolder, {type, folderParent, parentKey}, [&](const MDRData* record) {
+        added.push_back(rows.add(folderValues(record), parent));
+    });
+    return added;
+}
+
+void OrvoResources::addItemRows(ResTreeModel::Batch& rows, TabRec* parent, int type,
+                                const QString& folderKey) const {
+    walkRecords(m_tabResource, {type, resourceParent, folderKey},
+                [&](const MDRData* record) { rows.add(itemValues(record), parent); });
+}
+
+bool OrvoResources::appendFolders(int type, const QString& parentKey, const QModelIndex& parent) {
+    auto rows = m_resModel->newRows(parent);
+    const std::vector<TabRec*> folders = addFolderRows(rows, nullptr, type, parentKey);
+    for (TabRec* folder : folders)
+        orvo::walkFolders(folder, keyOf, [&](TabRec* row) {
+            std::vector<TabRec*> below = addFolderRows(rows, row, type, keyOf(row));
+            addItemRows(rows, row, type, keyOf(row));
+            return below;
+        });
+    m_resModel->insertFilledRows(m_resModel->rowCount(parent), std::move(rows), parent);
+    return !folders.empty();
+}
+
+void OrvoResources::appendItems(int type, const QString& folderKey, const QModelIndex& parent) {
+    auto rows = m_resModel->newRows(parent);
+    addItemRows(rows, nullptr, type, folderKey);
+    m_resModel->insertFilledRows(m_resModel->rowCount(parent), std::move(rows), parent);
+}
+
+void OrvoResources::loadFolders(int type, QModelIndex parent) {
+    appendFolders(type, m_resModel->getItemKeyLink(parent), parent);
+}
+
+void OrvoResources::loadItems(int type, QModelIndex parent) {
+    appendItems(type, m_resModel->getItemKeyLink(parent), parent);
+}
+
+void OrvoResources::loadSysRootFolders(const QModelIndex& parent) {
+    appendFolders(orvo::resources::File, QString(), parent);
+}
+
+void OrvoResources::loadSysRootItems(const QModelIndex& parent) {
+    appendItems(orvo::resources::File, QString(), parent);
+}
+
+void OrvoResources::loadResFolderRow(const QModelIndex& parent, int row, MDRData* rec) {
+    orvo::setRow(*m_resModel, m_resModel->index(row, 0, parent), folderValues(rec));
+}
+
+void OrvoResources::loadResItemRow(const QModelIndex& parent, int row, MDRData* rec) {
+    orvo::setRow(*m_resModel, m_resModel->index(row, 0, parent), itemValues(rec));
+}
+
+QVector<QVariant> OrvoResources::folderValues(const MDRData* record) const {
+    QVector<QVariant> values(ResColumn::Count);
+    values[ResColumn::IsFolder] = true;
+    values[ResColumn::KeyLink] = orvo::textOf(record, "KeyLink");
+    values[ResColumn::FolderKey] = orvo::textOf(record, folderParent);
+    values[ResColumn::Type] = orvo::integerOf(record, "type_");
+    values[ResColumn::Caption] = orvo::textOf(record, "caption");
+    values[ResColumn::IsNew] = false;
+    return values;
+}
+
+QVector<QVariant> OrvoResources::itemValues(const MDRData* record) const {
+    const int type = orvo::integerOf(record, "type_");
+    QVector<QVariant> values(ResColumn::Count);
+    values[ResColumn::IsFolder] = false;
+    values[ResColumn::KeyLink] = orvo::textOf(record, "KeyLink");
+    values[ResColumn::Type] = type;
+    values[ResColumn::Caption] = orvo::textOf(record, "caption");
+    values[ResColumn::Params] = orvo::textOf(record, "params");
+    values[ResColumn::Name] = orvo::textOf(record, "name_");
+    values[ResColumn::Icon] = orvo::textOf(record, "ico");
+    values[ResColumn::FolderKey] = orvo::textOf(record, resourceParent);
+    values[ResColumn::Blocked] = orvo::resources::NotLocked;
+    if (type == orvo::resources::Form)
+        addLock(record, values);
+    return values;
+}
+
+void OrvoResources::addLock(const MDRData* record, QVector<QVariant>& values) const {
+    const QString userKey = orvo::textOf(record, "UsersKey");
+    if (userKey.isEmpty())
+        return;
+    MDRData* user = orvo::seekKey(m_tabUsers, userKey);
+    if (!user)
+        return;
+    const QString caption = getUserCaption(user, &m_tabUsers);
+    values[ResColumn::Lock] = caption;
+    if (caption.isEmpty())
+        return;
+    const QString time = timeText(record, orvo::fieldOf(record, "dateTimeEdit"),
+                                  QStringLiteral("dd.MM.yyyy hh:mm:ss"));
+    if (!time.isEmpty())
+        values[ResColumn::LockTime] = time;
+    values[ResColumn::Blocked] = orvo::holdsText(user, "login_", m_userLogin)
+                                     ? orvo::resources::LockedHere
+                                     : orvo::resources::LockedElsewhere;
+}
+
+int32_t OrvoResources::getResFolderPosition(const QString& key, const QString& parentKey,
+                                            int type) const {
+    return positionOf(m_tabResFolder, key, {type, folderParent, parentKey}, "caption");
+}
+
+int32_t OrvoResources::getResItemPosition(const QString& key, const QString& folderKey,
+                                          int type) const {
+    return positionOf(m_tabResource, key, {type, resourceParent, folderKey}, "name_");
+}
+
+QModelIndex OrvoResources::folderRow(const QString& key) const {
+    return m_resModel->findIndexByKey(
+        key.isEmpty() ? QString::fromLatin1(orvo::resources::fileRootKey) : key);
+}
+
+int OrvoResources::getFolderCount(const QString& key) const {
+    const QModelIndex parent = folderRow(key);
+    const int rows = m_resModel->rowCount(parent);
+    int count = 0;
+    while (count < rows && m_resModel->itemIsFolder(m_resModel->index(count, 0, parent)))
+        ++count;
+    return count;
+}

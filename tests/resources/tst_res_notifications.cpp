@@ -1,0 +1,323 @@
+// How the resource editor follows the server.
+#include "tests/resources/ResProbe.h"
+
+#include "frame/Records.h"
+
+#include <QSignalSpy>
+
+using namespace orvo::test;
+
+class TestResNotifications : public QObject {
+    Q_OBJECT
+private slots:
+    void init();
+    void cleanup();
+
+    void aChangedResourceIsRewrittenAndSorted();
+    void aChangedFolderIsRewrittenAndSorted();
+    void aChangeOfTheCurrentRowRefreshesIt();
+    void aChangeOfAnotherRowLeavesTheCurrentOne();
+    void aMovedResourceStandsBehindTheFolders();
+    void aMovedFileGoesToTheTopOfTheFileArea();
+    void aMovedFolderTakesItsRowsAlong();
+    void aFolderWithoutParentBecomesATopRow();
+    void aMoveIntoAnUnknownFolderHurtsNothing();
+    void anOwnNewResourceFindsItsPlace();
+    void anOwnNewResourceStaysNew();
+    void anOwnNewFolderLosesItsMark();
+    void anotherClientsResourceGetsARow();
+    void anotherClientsFolderGetsNone();
+    void aResourceInAnUnknownFolderGetsNoRow();
+    void aFileAtTheTopGetsNoRow();
+    void aKnownKeyIsNotInsertedAgain();
+    void theOnlyRowLeavesItsFolderCurrent();
+    void theLastRowLeavesThePreviousCurrent();
+    void anyOtherRowLeavesTheNextCurrent();
+    void anotherRowLeavesTheCurrentOne();
+    void aDeletedFolderGoesWithItsTable();
+    void aKeyUnknownToTheTableRemovesNothing();
+    void anEditedRowIsOverwritten();
+    void otherTablesAreIgnored();
+    void aStrangeBlockIsIgnored();
+
+private:
+    void deliver() { host->deliver(*editor->module); }
+    void makeCurrent(const char* key) { view()->setCurrentIndex((*editor)->row(key)); }
+    QTreeView* view() const { return editor->view("tvRes"); }
+    ResProbe& probe() const { return *editor->module; }
+    QStringList children(const char* key) const {
+        QStringList keys;
+        const QModelIndex parent = probe().row(key);
+        for (int row = 0; row < probe().m_resModel->rowCount(parent); ++row)
+            keys << probe().m_resModel->getItemKeyLink(probe().m_resModel->index(row, 0, parent));
+        return keys;
+    }
+    /// A row as the add actions make it.
+    void addPlaceholder(const char* parent, const char* key, int type, bool folder) {
+        const QModelIndex under = probe().row(parent);
+        const int row = folder ? 0 : probe().m_resModel->rowCount(under);
+        QVERIFY(probe().m_resModel->insertRows(row, 1, under));
+        const auto set = [&](int column, const QVariant& value) {
+            probe().m_resModel->setData(probe().m_resModel->index(row, column, under), value);
+        };
+        set(ResColumn::KeyLink, QString(key));
+        set(ResColumn::FolderKey, QString(parent));
+        set(ResColumn::Type, type);
+        set(ResColumn::IsFolder, folder);
+        set(ResColumn::IsNew, true);
+    }
+
+    std::unique_ptr<TestStore> store;
+    std::unique_ptr<TestHost> host;
+    std::unique_ptr<ResEditor> editor;
+};
+
+void TestResNotifications::init() {
+    store = std::make_unique<TestStore>();
+    fillCatalogue(*store);
+    host = std::make_unique<TestHost>(*store);
+    editor = std::make_unique<ResEditor>(*host, "Resources");
+    QVERIFY(editor->start());
+}
+
+void TestResNotifications::cleanup() {
+    editor.reset();
+    host.reset();
+    store.reset();
+}
+
+void TestResNotifications::aChangedResourceIsRewrittenAndSorted() {
+    store->update("MenuResource", {{"KeyLink", QString("rtable")},
+                                   {"name_", QString("Archive")},
+                                   {"caption", QString("Хранилище")}});
+    deliver();
+    QCOMPARE(children("mod"), QStringList({"alarms", "trends", "rtable", "rlog"}));
+    QCOMPARE(probe().text("rtable", ResColumn::Caption), QString("Хранилище"));
+    QCOMPARE(probe().text("rtable", ResColumn::Name), QString("Archive"));
+}
+
+void TestResNotifications::aChangedFolderIsRewrittenAndSorted() {
+    store->update("MenuResourceFolder",
+                  {{"KeyLink", QString("trends")}, {"caption", QString("Азбука")}});
+    deliver();
+    QCOMPARE(children("mod"), QStringList({"alarms", "trends", "rlog", "rtable"}));
+    store->update("MenuResourceFolder",
+                  {{"KeyLink", QString("alarms")}, {"caption", QString("Ямы")}});
+    deliver();
+    QCOMPARE(children("mod"), QStringList({"trends", "alarms", "rlog", "rtable"}));
+    QCOMPARE(children("trends"), QStringList("rtrend"));
+}
+
+void TestResNotifications::aChangeOfTheCurrentRowRefreshesIt() {
+    for (const char* key : {"rlog", "rtable"}) {
+        makeCurrent(key);
+        store->update("MenuResource", {{"KeyLink", QString(key)}, {"caption", QString("Новое")}});
+        deliver();
+        QCOMPARE(probe().m_currentKey, QString(key));
+        QCOMPARE(probe().passport("caption"), QVariant("Новое"));
+        QCOMPARE(view()->currentIndex(), probe().row(key));
+        QVERIFY(view()->selectionModel()->isRowSelected(probe().row(key).row(),
+                                                        probe().row(key).parent()));
+    }
+    makeCurrent("trends");
+    store->update("MenuResourceFolder",
+                  {{"KeyLink", QString("trends")}, {"caption", QString("Азот")}});
+    deliver();
+    QCOMPARE(probe().m_currentKey, QString("trends"));
+    QCOMPARE(probe().passport("caption"), QVariant("Азот"));
+}
+
+void TestResNotifications::aChangeOfAnotherRowLeavesTheCurrentOne() {
+    makeCurrent("rlog");
+    const QSignalSpy moves(view()->selectionModel(), &QItemSelectionModel::currentChanged);
+    store->update("MenuResource", {{"KeyLink", QString("rtable")}, {"name_", QString("Aa")}});
+    deliver();
+    QCOMPARE(moves.count(), 0);
+    QCOMPARE(view()->currentIndex(), probe().row("rlog"));
+}
+
+void TestResNotifications::aMovedResourceStandsBehindTheFolders() {
+    store->update("MenuResource",
+                  {{"KeyLink", QString("rtrend")}, {"MenuResourceFolderKey", QString("mod")}});
+    deliver();
+    QCOMPARE(children("mod"), QStringList({"alarms", "trends", "rlog", "rtable", "rtrend"}));
+    QCOMPARE(children("trends"), QStringList());
+    QCOMPARE(probe().text("rtrend", ResColumn::FolderKey), QString("mod"));
+}
+
+void TestResNotifications::aMovedFileGoesToTheTopOfTheFileArea() {
+    store->update("MenuResource",
+                  {{"KeyLink", QString("rmanual")}, {"MenuResourceFolderKey", QString()}});
+    deliver();
+    QCOMPARE(children("FileResources"), QStringList({"docs", "icons", "rmanual", "rreadme"}));
+}
+
+void TestResNotifications::aMovedFolderTakesItsRowsAlong() {
+    store->update("MenuResourceFolder",
+                  {{"KeyLink", QString("docs")}, {"ParentKey", QString("icons")}});
+    deliver();
+    QCOMPARE(children("icons"), QStringList({"docs", "rpump"}));
+    QCOMPARE(children("docs"), QStringList({"deep", "rmanual"}));
+    QCOMPARE(probe().m_resModel->getItemLevel(probe().row("rmanual")), 3);
+}
+
+void TestResNotifications::aFolderWithoutParentBecomesATopRow() {
+    store->update("MenuResourceFolder", {{"KeyLink", QString("deep")}, {"ParentKey", QString()}});
+    deliver();
+    QVERIFY(!probe().row("deep").parent().isValid());
+    QCOMPARE(probe().m_resModel->getItemLevel(probe().row("deep")), 0);
+    QCOMPARE(probe().row("deep").row(), probe().getResFolderPosition("deep", "", 4));
+    QCOMPARE(probe().m_resModel->rowCount(), 3);
+}
+
+void TestResNotifications::aMoveIntoAnUnknownFolderHurtsNothing() {
+    store->update("MenuResource",
+                  {{"KeyLink", QString("rlog")}, {"MenuResourceFolderKey", QString("nosuch")}});
+    deliver();
+    // The first of an unknown folder is placed behind the top rows.
+    QVERIFY(!probe().row("rlog").parent().isValid());
+    QCOMPARE(probe().row("rlog").row(), 2);
+    QCOMPARE(children("mod"), QStringList({"alarms", "trends", "rtable"}));
+}
+
+void TestResNotifications::anOwnNewResourceFindsItsPlace() {
+    addPlaceholder("mod", "new", 1, false);
+    makeCurrent("new");
+    addItem(*store, "new", 1, "mod", "Alpha", "Альфа");
+    deliver();
+    QCOMPARE(children("mod"), QStringList({"alarms", "trends", "new", "rlog", "rtable"}));
+    QCOMPARE(view()->currentIndex(), probe().row("new"));
+    QCOMPARE(probe().passport("caption"), QVariant("Альфа"));
+    QCOMPARE(probe().text("new", ResColumn::Name), QString("Alpha"));
+}
+
+void TestResNotifications::anOwnNewResourceStaysNew() {
+    addPlaceholder("mod", "new", 1, false);
+    addItem(*store, "new", 1, "mod", "Alpha", "Альфа");
+    deliver();
+    QCOMPARE(probe().row("new", ResColumn::IsNew).data(), QVariant(true));
+}
+
+void TestResNotifications::anOwnNewFolderLosesItsMark() {
+    addPlaceholder("mod", "new", 1, true);
+    makeCurrent("new");
+    addFolder(*store, "new", 1, "mod", "Прочее");
+    deliver();
+    QCOMPARE(children("mod"), QStringList({"alarms", "new", "trends", "rlog", "rtable"}));
+    QCOMPARE(probe().row("new", ResColumn::IsNew).data(), QVariant(false));
+    QCOMPARE(view()->currentIndex(), probe().row("new"));
+}
+
+void TestResNotifications::anotherClientsResourceGetsARow() {
+    makeCurrent("rlog");
+    addItem(*store, "foreign", 1, "mod", "Melody", "Мелодия");
+    deliver();
+    QCOMPARE(children("mod"), QStringList({"alarms", "trends", "rlog", "foreign", "rtable"}));
+    QVERIFY(!probe().row("foreign", ResColumn::IsNew).data().isValid());
+    QCOMPARE(view()->currentIndex(), probe().row("rlog"));
+    QVERIFY(view()->isExpanded(probe().row("mod"))); // scrolled to
+}
+
+void TestResNotifications::anotherClientsFolderGetsNone() {
+    addFolder(*store, "foreign", 1, "mod", "Чужая");
+    deliver();
+    QVERIFY(!probe().row("foreign").isValid());
+    QVERIFY(orvo::seekKey(probe().m_tabResFolder, "foreign"));
+}
+
+void TestResNotifications::aResourceInAnUnknownFolderGetsNoRow() {
+    addFolder(*store, "foreign", 1, "mod", "Чужая");
+    addItem(*store, "inside", 1, "foreign", "Inside", "Внутри");
+    deliver();
+    QVERIFY(!probe().row("inside").isValid());
+    QVERIFY(orvo::seekKey(probe().m_tabResource, "inside"));
+}
+
+void TestResNotifications::aFileAtTheTopGetsNoRow() {
+    addItem(*store, "top", 4, "", "top.txt", "Верх");
+    deliver();
+    QVERIFY(!probe().row("top").isValid());
+    QVERIFY(orvo::seekKey(probe().m_tabResource, "top"));
+}
+
+void TestResNotifications::aKnownKeyIsNotInsertedAgain() {
+    addItem(*store, "foreign", 1, "mod", "Melody", "Мелодия");
+    deliver();
+    const int rows = probe().m_resModel->rowCount(probe().row("mod"));
+    store->remove("MenuResource", "foreign");
+    addItem(*store, "foreign", 1, "mod", "Melody", "Снова");
+    deliver();
+    QCOMPARE(probe().m_resModel->rowCount(probe().row("mod")), rows);
+    QCOMPARE(probe().text("foreign", ResColumn::Caption), QString("Снова"));
+}
+
+void TestResNotifications::theOnlyRowLeavesItsFolderCurrent() {
+    makeCurrent("rtrend");
+    store->remove("MenuResource", "rtrend");
+    deliver();
+    QCOMPARE(probe().m_currentKey, QString("trends"));
+    QVERIFY(!orvo::seekKey(probe().m_tabResource, "rtrend"));
+    QVERIFY(editor->action("actDelete")->isEnabled());
+}
+
+void TestResNotifications::theLastRowLeavesThePreviousCurrent() {
+    makeCurrent("rtable");
+    store->remove("MenuResource", "rtable");
+    deliver();
+    QCOMPARE(probe().m_currentKey, QString("rlog"));
+}
+
+void TestResNotifications::anyOtherRowLeavesTheNextCurrent() {
+    makeCurrent("rlog");
+    store->remove("MenuResource", "rlog");
+    deliver();
+    QCOMPARE(probe().m_currentKey, QString("rtable"));
+}
+
+void TestResNotifications::anotherRowLeavesTheCurrentOne() {
+    makeCurrent("rlog");
+    const QSignalSpy moves(view()->selectionModel(), &QItemSelectionModel::currentChanged);
+    store->remove("MenuResource", "rtable");
+    deliver();
+    QCOMPARE(moves.count(), 0);
+    QCOMPARE(children("mod"), QStringList({"alarms", "trends", "rlog"}));
+}
+
+void TestResNotifications::aDeletedFolderGoesWithItsTable() {
+    store->remove("MenuResourceFolder", "alarms");
+    deliver();
+    QVERIFY(!probe().row("alarms").isValid());
+    QVERIFY(!orvo::seekKey(probe().m_tabResFolder, "alarms"));
+}
+
+void TestResNotifications::aKeyUnknownToTheTableRemovesNothing() {
+    probe().m_tabResource.RecDel(orvo::seekKey(probe().m_tabResource, "rlog"));
+    store->remove("MenuResource", "rlog");
+    deliver();
+    QVERIFY(probe().row("rlog").isValid());
+}
+
+void TestResNotifications::anEditedRowIsOverwritten() {
+    makeCurrent("rlog");
+    probe().m_resModel->setData(probe().row("rlog"), QString("Правка"));
+    store->update("MenuResource", {{"KeyLink", QString("rlog")}, {"params", QString("x")}});
+    deliver();
+    QCOMPARE(probe().text("rlog", ResColumn::Caption), QString("Журнал"));
+    QCOMPARE(probe().text("rlog", ResColumn::Params), QString("x"));
+}
+
+void TestResNotifications::otherTablesAreIgnored() {
+    const int records = orvo::recordCount(probe().m_tabUsers);
+    addUser(*store, "unew", "sidorov", "Сидоров", "Олег");
+    store->insert("MenuFolder", {{"KeyLink", QString("rlog")}, {"caption", QString("Стол")}});
+    deliver();
+    QCOMPARE(orvo::recordCount(probe().m_tabUsers), records);
+    QCOMPARE(probe().text("rlog", ResColumn::Caption), QString("Журнал"));
+}
+
+void TestResNotifications::aStrangeBlockIsIgnored() {
+    QVERIFY(probe().MessageData(nullptr));
+}
+
+QTEST_MAIN(TestResNotifications)
+#include "tst_res_notifications.moc"

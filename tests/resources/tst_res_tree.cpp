@@ -1,0 +1,317 @@
+// The tree of the resource editor: filling it, its rows and positions.
+#include "tests/resources/ResProbe.h"
+
+#include "frame/Records.h"
+#include "tests/models/TreeText.h"
+
+using namespace orvo::test;
+
+class TestResTree : public QObject {
+    Q_OBJECT
+private slots:
+    void theCatalogueIsShownInTableOrder();
+    void bothAreasAreExpanded();
+    void columnsOfFoldersAndResources();
+    void aKindWithoutTopFolderEndsTheLoading_data();
+    void aKindWithoutTopFolderEndsTheLoading();
+    void withoutOrphansThereIsNoOrphanRow();
+    void orphansShowNoIconAndNoLock();
+    void equalNamesKeepTheTablesOrder();
+    void aFileInAFolderOfAnotherKindHasNoRow();
+    void aFolderBelowTheKeyOfTheFileAreaIsPassedOver();
+    void aCircleOfFoldersIsNotFollowed();
+    void locksShowTheirOwner_data();
+    void locksShowTheirOwner();
+    void aReleasedLockLeavesItsTexts();
+    void anUnknownUserLocksNothing();
+    void foldersHavePositions();
+    void resourcesHavePositions();
+    void foldersBeforeResourcesAreCounted();
+};
+
+void TestResTree::theCatalogueIsShownInTableOrder() {
+    TestStore store;
+    fillCatalogue(store);
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    QCOMPARE(editor.watchedModels(), 2);
+    QCOMPARE(treetext::print(*editor->m_resModel, ResColumn::KeyLink),
+             QString("Ресурсы меню #MenuResources\n"
+                     "  модули #mod\n"
+                     "    Аварии #alarms\n"
+                     "    Тренды #trends\n"
+                     "      Тренд #rtrend\n"
+                     "    Журнал #rlog\n"
+                     "    Архив #rtable\n"
+                     "  функции #fun\n"
+                     "    Расчёты #calc\n"
+                     "      Расчёт #rcalc\n"
+                     "  формы отображения #frm\n"
+                     "    Котлы #boilers\n"
+                     "      Старые #old\n"
+                     "      Котёл #rboiler\n"
+                     "      Горелка #rburner\n"
+                     "    Барабан #rdrum\n"
+                     "  Непривязанные объекты #WrongFolder\n"
+                     "    Потерянная #rlost\n"
+                     "Файловые ресурсы #FileResources\n"
+                     "  docs #docs\n"
+                     "    deep #deep\n"
+                     "    Руководство #rmanual\n"
+                     "  icons #icons\n"
+                     "    Насос #rpump\n"
+                     "  Прочти #rreadme\n"));
+}
+
+void TestResTree::bothAreasAreExpanded() {
+    TestStore store;
+    fillCatalogue(store);
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    QTreeView* view = editor.view("tvRes");
+    QVERIFY(view->isExpanded(editor->row("MenuResources")));
+    QVERIFY(view->isExpanded(editor->row("FileResources")));
+    QVERIFY(!view->isExpanded(editor->row("mod")));
+}
+
+void TestResTree::columnsOfFoldersAndResources() {
+    TestStore store;
+    fillCatalogue(store);
+    store.update("MenuResource", {{"KeyLink", QString("rtrend")},
+                                  {"params", QString("/fast")},
+                                  {"ico", QString("pump.png")}});
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    const auto columns = [&](const char* key) {
+        QVariantList values;
+        for (int column = 0; column < ResColumn::Count; ++column)
+            values << editor->row(key, column).data();
+        return values;
+    };
+    const QVariant none;
+    QCOMPARE(columns("trends"), (QVariantList{"Тренды", none, none, none, none, "trends", 1, none,
+                                              "mod", true, none, none, none, false}));
+    QCOMPARE(columns("rtrend"), (QVariantList{"Тренд", "Trend", "pump.png", none, none, "rtrend", 1,
+                                              "/fast", "trends", false, none, none, 0, none}));
+    QCOMPARE(columns("MenuResources"),
+             (QVariantList{"Ресурсы меню", none, none, none, none, "MenuResources", 0, none, none,
+                           true, none, none, none, none}));
+    QCOMPARE(columns("FileResources").at(ResColumn::Type), QVariant(4));
+    QVERIFY(editor->row("rlog", ResColumn::Icon).data().isNull());
+    QVERIFY(editor->text("mod", ResColumn::FolderKey).isEmpty());
+}
+
+void TestResTree::aKindWithoutTopFolderEndsTheLoading_data() {
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QStringList>("kinds");
+    QTest::newRow("module") << "mod" << QStringList();
+    QTest::newRow("function") << "fun" << QStringList("mod");
+    QTest::newRow("form") << "frm" << QStringList({"mod", "fun"});
+}
+
+void TestResTree::aKindWithoutTopFolderEndsTheLoading() {
+    QFETCH(QString, key);
+    QFETCH(QStringList, kinds);
+    TestStore store;
+    fillCatalogue(store);
+    store.remove("MenuResourceFolder", qPrintable(key));
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    const QModelIndex root = editor->row("MenuResources");
+    QStringList shown;
+    for (int row = 0; row < editor->m_resModel->rowCount(root); ++row)
+        shown << editor->m_resModel->getItemKeyLink(editor->m_resModel->index(row, 0, root));
+    QCOMPARE(shown, kinds);
+    QCOMPARE(editor->m_resModel->rowCount(editor->row("FileResources")), 0);
+    QVERIFY(!editor.view("tvRes")->isExpanded(root));
+    QVERIFY(!editor.view("tvRes")->isExpanded(editor->row("FileResources")));
+}
+
+void TestResTree::withoutOrphansThereIsNoOrphanRow() {
+    TestStore store;
+    fillCatalogue(store);
+    store.remove("MenuResource", "rlost");
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    QCOMPARE(orvo::recordCount(editor->m_tabOrphans), 0);
+    QVERIFY(!editor->row("WrongFolder").isValid());
+    QCOMPARE(editor->m_resModel->rowCount(editor->row("FileResources")), 3);
+}
+
+void TestResTree::orphansShowNoIconAndNoLock() {
+    TestStore store;
+    fillCatalogue(store);
+    store.update("MenuResource", {{"KeyLink", QString("rlost")},
+                                  {"ico", QString("pump.png")},
+                                  {"params", QString("p")},
+                                  {"UsersKey", QString("uother")}});
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    QCOMPARE(orvo::recordCount(editor->m_tabOrphans), 1);
+    QCOMPARE(editor->text("rlost", ResColumn::Name), QString("Lost"));
+    QCOMPARE(editor->text("rlost", ResColumn::Params), QString("p"));
+    QCOMPARE(editor->text("rlost", ResColumn::FolderKey), QString("nofolder"));
+    QCOMPARE(editor->row("rlost", ResColumn::Type).data(), QVariant(3));
+    QCOMPARE(editor->row("rlost", ResColumn::IsFolder).data(), QVariant(false));
+    for (int column : {ResColumn::Icon, ResColumn::Lock, ResColumn::LockTime, ResColumn::Blocked})
+        QVERIFY(!editor->row("rlost", column).data().isValid());
+    QCOMPARE(editor->row("WrongFolder", ResColumn::Type).data(), QVariant(5));
+    QVERIFY(!editor->row("rnowhere").isValid());
+}
+
+void TestResTree::equalNamesKeepTheTablesOrder() {
+    TestStore store;
+    fillCatalogue(store);
+    addItem(store, "same2", 1, "alarms", "Same", "Второй");
+    addItem(store, "same1", 1, "alarms", "same", "Первый");
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    QCOMPARE(editor->row("same1").row(), editor->getResItemPosition("same1", "alarms", 1));
+    QCOMPARE(editor->row("same2").row(), editor->getResItemPosition("same2", "alarms", 1));
+    QCOMPARE(editor->row("same1").row() + editor->row("same2").row(), 1);
+}
+
+void TestResTree::aFileInAFolderOfAnotherKindHasNoRow() {
+    TestStore store;
+    fillCatalogue(store);
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    QVERIFY(!editor->row("rstray").isValid());
+    QVERIFY(orvo::seekKey(editor->m_tabResource, "rstray"));
+}
+
+void TestResTree::aFolderBelowTheKeyOfTheFileAreaIsPassedOver() {
+    TestStore store;
+    fillCatalogue(store);
+    addFolder(store, "literal", 4, "FileResources", "literal");
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    QVERIFY(!editor->row("literal").isValid());
+}
+
+void TestResTree::aCircleOfFoldersIsNotFollowed() {
+    TestStore store;
+    fillCatalogue(store);
+    addFolder(store, "a", 1, "b", "A");
+    addFolder(store, "b", 1, "a", "B");
+    addFolder(store, "self", 1, "self", "Self");
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    QVERIFY(!editor->row("a").isValid());
+    QVERIFY(!editor->row("self").isValid());
+}
+
+void TestResTree::locksShowTheirOwner_data() {
+    QTest::addColumn<QString>("user");
+    QTest::addColumn<QString>("caption");
+    QTest::addColumn<int>("blocked");
+    QTest::newRow("own, in another case") << "ueng"
+                                          << "Иванов П." << 1;
+    QTest::newRow("another's") << "uother"
+                               << "Петрова А." << 2;
+}
+
+void TestResTree::locksShowTheirOwner() {
+    QFETCH(QString, user);
+    TestStore store;
+    fillCatalogue(store);
+    store.update("MenuResource", {{"KeyLink", QString("rboiler")}, {"UsersKey", user}});
+    store.sql("UPDATE MenuResource SET dateTimeEdit = 86400 WHERE KeyLink = 'rboiler'");
+    store.update("MenuResource", {{"KeyLink", QString("rtrend")}, {"UsersKey", user}});
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    QTEST(editor->text("rboiler", ResColumn::Lock), "caption");
+    QCOMPARE(editor->text("rboiler", ResColumn::LockTime),
+             QDateTime::fromSecsSinceEpoch(86400).toString("dd.MM.yyyy hh:mm:ss"));
+    QTEST(editor->row("rboiler", ResColumn::Blocked).data().toInt(), "blocked");
+    QVERIFY(!editor->row("rboiler", ResColumn::Lock).data(Qt::DecorationRole).isNull());
+    // Only forms are locked.
+    QVERIFY(editor->text("rtrend", ResColumn::Lock).isEmpty());
+    QCOMPARE(editor->row("rtrend", ResColumn::Blocked).data(), QVariant(0));
+}
+
+void TestResTree::aReleasedLockLeavesItsTexts() {
+    TestStore store;
+    fillCatalogue(store);
+    store.update("MenuResource", {{"KeyLink", QString("rboiler")}, {"UsersKey", QString("ueng")}});
+    store.sql("UPDATE MenuResource SET dateTimeEdit = 86400 WHERE KeyLink = 'rboiler'");
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    const QString time = editor->text("rboiler", ResColumn::LockTime);
+    QVERIFY(!time.isEmpty());
+    store.sql("UPDATE MenuResource SET UsersKey = NULL, dateTimeEdit = NULL "
+              "WHERE KeyLink = 'rboiler'");
+    host.deliver(*editor.module);
+    QCOMPARE(editor->row("rboiler", ResColumn::Blocked).data(), QVariant(0));
+    QVERIFY(editor->row("rboiler", ResColumn::Lock).data(Qt::DecorationRole).isNull());
+    QCOMPARE(editor->text("rboiler", ResColumn::Lock), QString("Иванов П."));
+    QCOMPARE(editor->text("rboiler", ResColumn::LockTime), time);
+}
+
+void TestResTree::anUnknownUserLocksNothing() {
+    TestStore store;
+    fillCatalogue(store);
+    store.update("MenuResource",
+                 {{"KeyLink", QString("rboiler")}, {"UsersKey", QString("nobody")}});
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    QVERIFY(editor->text("rboiler", ResColumn::Lock).isEmpty());
+    QCOMPARE(editor->row("rboiler", ResColumn::Blocked).data(), QVariant(0));
+}
+
+void TestResTree::foldersHavePositions() {
+    TestStore store;
+    fillCatalogue(store);
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    QCOMPARE(editor->getResFolderPosition("alarms", "mod", 1), 0);
+    QCOMPARE(editor->getResFolderPosition("TRENDS", "MOD", 1), 1);
+    QCOMPARE(editor->getResFolderPosition("docs", "", 4), 0);
+    QCOMPARE(editor->getResFolderPosition("icons", "", 4), 1);
+    QCOMPARE(editor->getResFolderPosition("trends", "fun", 1), -1);
+    QCOMPARE(editor->getResFolderPosition("trends", "mod", 2), -1);
+    QCOMPARE(editor->getResFolderPosition("nosuch", "mod", 1), -1);
+}
+
+void TestResTree::resourcesHavePositions() {
+    TestStore store;
+    fillCatalogue(store);
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    QCOMPARE(editor->getResItemPosition("rlog", "mod", 1), 0);
+    QCOMPARE(editor->getResItemPosition("rtable", "mod", 1), 1);
+    QCOMPARE(editor->getResItemPosition("rreadme", "", 4), 0);
+    QCOMPARE(editor->getResItemPosition("rlog", "trends", 1), -1);
+    QCOMPARE(editor->getResItemPosition("rlog", "mod", 4), -1);
+    QCOMPARE(editor->getResItemPosition("nosuch", "mod", 1), -1);
+}
+
+void TestResTree::foldersBeforeResourcesAreCounted() {
+    TestStore store;
+    fillCatalogue(store);
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    QCOMPARE(editor->getFolderCount("mod"), 2);
+    QCOMPARE(editor->getFolderCount("trends"), 0);
+    QCOMPARE(editor->getFolderCount(""), 2);
+    QCOMPARE(editor->getFolderCount("FileResources"), 2);
+}
+
+QTEST_MAIN(TestResTree)
+#include "tst_res_tree.moc"
