@@ -5,59 +5,32 @@
 
 #include "ui_OrvoMenu.h"
 
-#include "frame/FolderWalk.h"
 #include "frame/Records.h"
 #include "frame/ScratchTable.h"
 #include "menu/Columns.h"
+#include "menu/ElementWalk.h"
 #include "menu/MenuPayload.h"
 
 #include <QClipboard>
 #include <QItemSelectionModel>
 #include <QMimeData>
 
-using orvo::KeyValues;
 using orvo::ScratchTable;
+using orvo::menu::Element;
+using orvo::menu::isFolderRecord;
 using orvo::menu::menuMime;
 using orvo::menu::MenuPayload;
 using orvo::menu::menuRootKey;
+using orvo::menu::newKeyOf;
+using orvo::menu::walkElements;
 
 namespace {
 
-/// An element on its way out of a table: what a walk down the folders meets.
-struct Element {
-    QString key;
-    bool isFolder = false;
-    QString caption; ///< given for a chosen element; null for one that comes with its folder
-};
-
-/// What makes an element a folder is the NULL in its resource key.
-bool isFolderRecord(const MDRData* record) {
-    return orvo::isNull(record, "MenuResourceKey");
-}
-
-/// The elements of a folder in the order of key 1.
-std::vector<Element> childrenOf(const CMDArray& table, const QString& key) {
-    std::vector<Element> children;
-    orvo::walkGroup(table, 1, KeyValues().text(key), [&](const MDRData* record) {
-        if (!orvo::holdsText(record, "parent", key))
-            return false;
-        children.push_back({orvo::textOf(record, "KeyLink"), isFolderRecord(record), QString()});
-        return true;
-    });
-    return children;
-}
-
-/// Calls `visit(element)` for the element and, if it is a folder, for all below it: a folder before
-/// its contents. `visit` answers whether to go on below.
-template <class Visit>
-void walkElements(const CMDArray& table, const Element& first, Visit&& visit) {
-    orvo::walkFolders(
-        first, [](const Element& element) { return element.key; },
-        [&](const Element& element) -> std::vector<Element> {
-            if (!visit(element) || !element.isFolder)
-                return {};
-            return childrenOf(table, element.key);
-        });
+/// Whether the record of a key stands in a scratch table already. Only a payload from elsewhere
+/// names an element twice, or a folder and what lies below it; each goes out once, and a long list
+/// of folders within each other costs no more than their records.
+bool holds(const ScratchTable& table, const QString& key) {
+    return orvo::seekKey(table.table(), key) != nullptr;
 }
 
 /// The menu format's bytes on the clipboard; null without any.
@@ -77,7 +50,7 @@ void OrvoMenu::on_actCutMenuElement_triggered() {
 }
 
 void OrvoMenu::putOnClipboard(int mode) {
-    if (!m_clipboard)
+    if (!m_clipboard || !m_menuModel)
         return;
     ScratchTable copies(*m_app->m_session, "Menu");
     if (!copies.fetch())
@@ -112,7 +85,7 @@ void OrvoMenu::copyMenuItemToClipboard(const QString& key, ScratchTable& copies)
 }
 
 void OrvoMenu::copyMenuFolderToClipboard(const QString& key, ScratchTable& copies) {
-    walkElements(m_tabMenu, {key, true, QString()}, [&](const Element& element) {
+    walkElements(m_tabMenu, key, [&](const Element& element) {
         copyMenuItemToClipboard(element.key, copies);
         return true;
     });
@@ -139,11 +112,7 @@ void OrvoMenu::on_actPasteMenuElement_triggered() {
     if (!m_menuModel->findIndexByKey(m_currentMenuKey).isValid())
         return;
     const CMDArray& source = payload.table;
-    QMap<QString, QString> keyMap;
-    orvo::walkAll(source, 0, [&](const MDRData* record) {
-        keyMap.insert(orvo::textOf(record, "KeyLink"), QString::fromLatin1(GenGuid32()));
-        return true;
-    });
+    const QMap<QString, QString> keyMap = orvo::menu::newKeysFor(source);
     const QString parent = orvo::sameText(m_currentMenuKey, QString::fromLatin1(menuRootKey))
                                ? QString()
                                : m_currentMenuKey;
@@ -169,15 +138,15 @@ void OrvoMenu::pasteMenuItemToDB(const QString& desck, const QString& parent, co
                                  const QString& caption, const CMDArray& source,
                                  ScratchTable& target, const QMap<QString, QString>& keyMap) {
     const MDRData* record = orvo::seekKey(source, key);
-    if (!record)
+    if (!record || holds(target, newKeyOf(keyMap, key)))
         return;
     orvo::RowWriter row = target.add(MDX_INSERT);
-    row.text("KeyLink", keyMap.value(key));
+    row.text("KeyLink", newKeyOf(keyMap, key));
     if (caption.isNull()) {
         if (orvo::isNull(record, "parent"))
             row.null("parent");
         else
-            row.text("parent", keyMap.value(orvo::textOf(record, "parent")));
+            row.text("parent", newKeyOf(keyMap, orvo::textOf(record, "parent")));
         row.copy("caption", record).copy("order_", record);
     } else {
         row.text("parent", parent)
@@ -193,10 +162,10 @@ void OrvoMenu::pasteMenuFolderRow(const QString& desck, const QString& parent, c
                                   const QString& caption, const MDRData* record,
                                   ScratchTable& target, const QMap<QString, QString>& keyMap) {
     orvo::RowWriter row = target.add(MDX_INSERT);
-    row.text("KeyLink", keyMap.value(key));
+    row.text("KeyLink", newKeyOf(keyMap, key));
     if (caption.isNull()) {
-        // A folder below a folder carries its caption in `parent` and has none itself: other
-        // clients of the server know pasted sub-folders by this.
+        // A folder below a folder goes out with its caption in `parent` and without a caption of
+        // its own. That is how it is to be, odd as it looks.
         if (orvo::isNull(record, "caption"))
             row.null("parent");
         else
@@ -215,14 +184,16 @@ void OrvoMenu::pasteMenuFolderRow(const QString& desck, const QString& parent, c
 void OrvoMenu::pasteMenuFolderToDB(const QString& desck, const QString& parent, const QString& key,
                                    const QString& caption, const CMDArray& source,
                                    ScratchTable& target, const QMap<QString, QString>& keyMap) {
-    walkElements(source, {key, true, caption}, [&](const Element& element) {
+    walkElements(source, key, [&](const Element& element) {
         const MDRData* record = orvo::seekKey(source, element.key);
-        if (!record)
+        if (!record || holds(target, newKeyOf(keyMap, element.key)))
             return false;
+        // What comes with its folder has no caption given.
+        const QString given = element.isFirst ? caption : QString();
         if (element.isFolder)
-            pasteMenuFolderRow(desck, parent, element.key, element.caption, record, target, keyMap);
+            pasteMenuFolderRow(desck, parent, element.key, given, record, target, keyMap);
         else if (orvo::seekKey(m_tabResource, orvo::textOf(record, "MenuResourceKey")))
-            pasteMenuItemToDB(desck, parent, element.key, element.caption, source, target, keyMap);
+            pasteMenuItemToDB(desck, parent, element.key, given, source, target, keyMap);
         return true;
     });
 }
@@ -237,7 +208,7 @@ void OrvoMenu::deleteAfterCutFromMenu(const CMDArray& source, const QStringList&
             continue;
         if (isFolderRecord(record))
             addMenuFolderToCut(key, source, out);
-        else
+        else if (!holds(out, key))
             out.add(MDX_DELETE).text("KeyLink", key);
     }
     out.send();
@@ -246,7 +217,9 @@ void OrvoMenu::deleteAfterCutFromMenu(const CMDArray& source, const QStringList&
 void OrvoMenu::addMenuFolderToCut(const QString& key, const CMDArray& source,
                                   ScratchTable& target) {
     // By the packed table: the source may belong to another desktop than the open one.
-    walkElements(source, {key, true, QString()}, [&](const Element& element) {
+    walkElements(source, key, [&](const Element& element) {
+        if (holds(target, element.key))
+            return false;
         target.add(MDX_DELETE).text("KeyLink", element.key);
         return true;
     });

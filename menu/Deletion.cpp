@@ -2,18 +2,19 @@
 #include "menu/OrvoMenu.h"
 
 #include "frame/CommonFunctions.h"
-#include "frame/FolderWalk.h"
 #include "frame/Records.h"
 #include "frame/ScratchTable.h"
 #include "frame/WindowParts.h"
 #include "menu/Columns.h"
+#include "menu/ElementWalk.h"
 
-using orvo::KeyValues;
 using orvo::ScratchTable;
 using orvo::menu::DesckColumn;
 using orvo::menu::MenuColumn;
 
 void OrvoMenu::on_actDeleteElem_triggered() {
+    if (!m_menuModel)
+        return;
     const QModelIndex element = m_menuModel->findIndexByKey(m_currentMenuKey);
     const QModelIndex desktop = m_desckModel->findIndexByKey(m_currentDesckKey);
     if (!element.isValid() && !desktop.isValid())
@@ -53,26 +54,10 @@ void OrvoMenu::removeMenuMessage(QAbstractButton* button) {
 }
 
 void OrvoMenu::deleteMenuFolder(const QString& key, ScratchTable& out) {
-    struct Element {
-        QString key;
-        bool isFolder = true;
-    };
-    orvo::walkFolders(
-        Element{key}, [](const Element& element) { return element.key; },
-        [&](const Element& element) -> std::vector<Element> {
-            if (!orvo::sameText(element.key, key))
-                out.add(MDX_DELETE).text("KeyLink", element.key);
-            if (!element.isFolder)
-                return {};
-            std::vector<Element> below;
-            orvo::walkGroup(m_tabMenu, 1, KeyValues().text(element.key),
-                            [&](const MDRData* record) {
-                                if (!orvo::holdsText(record, "parent", element.key))
-                                    return false;
-                                below.push_back({orvo::textOf(record, "KeyLink"),
-                                                 orvo::isNull(record, "MenuResourceKey")});
-                                return true;
-                            });
-            return below;
-        });
+    // By the table: a new row that is not yet saved has nothing to delete.
+    orvo::menu::walkElements(m_tabMenu, key, [&](const orvo::menu::Element& element) {
+        if (!element.isFirst)
+            out.add(MDX_DELETE).text("KeyLink", element.key);
+        return true;
+    });
 }

@@ -21,6 +21,12 @@ int orderAt(const QModelIndex& row) {
     return row.siblingAtColumn(MenuColumn::Order).data().toInt();
 }
 
+/// One step further. The field ends where an int does, and rows from other hands may stand there.
+int stepBehind(int order) {
+    return order > std::numeric_limits<int>::max() - orderStep ? std::numeric_limits<int>::max()
+                                                               : order + orderStep;
+}
+
 } // namespace
 
 void OrvoMenu::on_actMoveUp_triggered() {
@@ -32,6 +38,8 @@ void OrvoMenu::on_actMoveDown_triggered() {
 }
 
 void OrvoMenu::swapWithNeighbour(int step) {
+    if (!m_menuModel)
+        return;
     const QModelIndex row = m_menuModel->findIndexByKey(m_currentMenuKey);
     if (!row.isValid())
         return;
@@ -87,13 +95,13 @@ void OrvoMenu::dropIntoFolder(const QModelIndex& folder, const QStringList& keys
                               ScratchTable& moved) {
     const int children = m_menuModel->rowCount(folder);
     int order =
-        children == 0 ? 0 : orderAt(m_menuModel->index(children - 1, 0, folder)) + orderStep;
+        children == 0 ? 0 : stepBehind(orderAt(m_menuModel->index(children - 1, 0, folder)));
     const QString parentKey = parentKeyOf(*m_menuModel, folder);
     for (const QString& dragged : keys) {
         const QString key = m_menuModel->getItemKeyLink(m_menuModel->findIndexByKey(dragged));
         addOrder(moved, key, order).textOrNull("parent", parentKey);
         m_focusKey = key;
-        order += orderStep;
+        order = stepBehind(order);
     }
 }
 
@@ -123,10 +131,10 @@ void OrvoMenu::dropAmongSiblings(const QModelIndex& source, int position, Scratc
 void OrvoMenu::dropBehindRow(const QModelIndex& source, const QModelIndex& destination,
                              int position, ScratchTable& moved, ScratchTable& shifted) {
     const QString key = m_menuModel->getItemKeyLink(source);
-    const int order = orderAt(m_menuModel->index(position, 0, destination)) + orderStep;
+    const int order = stepBehind(orderAt(m_menuModel->index(position, 0, destination)));
     for (int row = position + 1; row < m_menuModel->rowCount(destination); ++row) {
         const QModelIndex sibling = m_menuModel->index(row, 0, destination);
-        addOrder(shifted, m_menuModel->getItemKeyLink(sibling), orderAt(sibling) + orderStep);
+        addOrder(shifted, m_menuModel->getItemKeyLink(sibling), stepBehind(orderAt(sibling)));
     }
     addOrder(moved, key, order).textOrNull("parent", parentKeyOf(*m_menuModel, destination));
     m_focusKey = key;

@@ -1,0 +1,92 @@
+// OperationsProbe.h: the menu editor with its operations in reach: desktops, clipboard, order,
+// deletion.
+#ifndef ORVO_TESTS_MENU_OPERATIONSPROBE_H
+#define ORVO_TESTS_MENU_OPERATIONSPROBE_H
+
+#include "tests/menu/MenuProbe.h"
+
+#include <QAbstractButton>
+#include <QLabel>
+#include <QToolButton>
+
+namespace orvo::test {
+
+class OperationsProbe : public MenuProbe {
+public:
+    using MenuProbe::MenuProbe;
+
+    using OrvoMenu::getLastMenuOrder;
+    using OrvoMenu::m_btnCancel;
+    using OrvoMenu::m_btnSave;
+    using OrvoMenu::m_clipboard;
+    using OrvoMenu::m_cutPending;
+    using OrvoMenu::on_actAddDescktop_triggered;
+    using OrvoMenu::on_actAddFoldertvDesck_triggered;
+    using OrvoMenu::on_actChangeDescktopOrFolder_triggered;
+    using OrvoMenu::on_actCopyDescktopOrFolder_triggered;
+    using OrvoMenu::on_actCopyMenuElement_triggered;
+    using OrvoMenu::on_actCutMenuElement_triggered;
+    using OrvoMenu::on_actDeleteElem_triggered;
+    using OrvoMenu::on_actDeleteFromtvDesck_triggered;
+    using OrvoMenu::on_actMoveDown_triggered;
+    using OrvoMenu::on_actMoveUp_triggered;
+    using OrvoMenu::on_actNewElemFolder_triggered;
+    using OrvoMenu::on_actPasteDescktopOrFolder_triggered;
+    using OrvoMenu::on_actPasteMenuElement_triggered;
+    using OrvoMenu::on_cancel_pressed;
+    using OrvoMenu::on_menu_dragdrop;
+    using OrvoMenu::on_save_pressed;
+    using OrvoMenu::removeDesckTopMessage;
+    using OrvoMenu::removeMenuMessage;
+};
+
+/// The editor, started, with all desktops in sight.
+class OperationsEditor : public EditorUnderTest<OperationsProbe> {
+public:
+    explicit OperationsEditor(TestHost& host) : EditorUnderTest(host, "Menu") {
+        if (!start())
+            qFatal("the editor did not start");
+        view("tvDesck")->expandAll();
+    }
+
+    /// Makes a row of `tvDesck` current, and so opens the menu of a desktop, down to its last
+    /// level.
+    void openDesck(const char* key) {
+        view("tvDesck")->setCurrentIndex(module->desck(key));
+        view("tvMenu")->expandAll();
+    }
+    void makeCurrent(const char* element) {
+        view("tvMenu")->setCurrentIndex(module->element(element));
+    }
+    /// Makes the rows the selection, the last one current.
+    void selectElements(std::initializer_list<const char*> keys) {
+        view("tvMenu")->selectionModel()->clear();
+        for (const char* key : keys)
+            view("tvMenu")->selectionModel()->setCurrentIndex(
+                module->element(key), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    }
+
+    CPopMessageBox* box() const { return module->m_popMessageBox; }
+    bool isAsking() const { return box() && box()->isVisible(); }
+    /// The text of the box.
+    QString question() const {
+        QStringList texts;
+        for (const QLabel* label : box()->findChildren<QLabel*>())
+            texts << label->text();
+        return texts.join('\n');
+    }
+    QAbstractButton* button(int role) const {
+        for (QAbstractButton* button : box()->findChildren<QAbstractButton*>())
+            if (box()->ButtonRole(button) == role)
+                return button;
+        qFatal("the box has no button of role %d", role);
+    }
+    void answer(int role) { QTest::mouseClick(button(role), Qt::LeftButton); }
+
+    static constexpr int Yes = 5;
+    static constexpr int No = 6;
+};
+
+} // namespace orvo::test
+
+#endif
