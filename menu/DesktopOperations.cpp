@@ -9,6 +9,7 @@
 #include "frame/ScratchTable.h"
 #include "frame/WindowParts.h"
 #include "menu/Columns.h"
+#include "menu/ElementWalk.h"
 #include "menu/Rows.h"
 
 #include <QClipboard>
@@ -24,6 +25,7 @@ using orvo::menu::desckMime;
 using orvo::menu::desckRootKey;
 using orvo::menu::desktopClass;
 using orvo::menu::folderClass;
+using orvo::menu::newKeyOf;
 
 void OrvoMenu::on_actAddDescktop_triggered() {
     addDesckRow(false);
@@ -63,10 +65,11 @@ void OrvoMenu::addDesckRow(bool isFolder) {
          {DesckColumn::ParentKey, parentKey},
          {DesckColumn::Order, QString::fromLatin1(isFolder ? folderClass : desktopClass)},
          {DesckColumn::IsNew, true}});
-    m_ui->tvDesck->setEditTriggers(QAbstractItemView::AllEditTriggers);
     m_ui->tvDesck->scrollTo(added);
     m_ui->tvDesck->selectionModel()->select(added, QItemSelectionModel::ClearAndSelect);
     m_ui->tvDesck->setCurrentIndex(added);
+    // Only now: becoming current is a trigger too, and no editor is to open by itself.
+    m_ui->tvDesck->setEditTriggers(QAbstractItemView::AllEditTriggers);
 }
 
 void OrvoMenu::on_actChangeDescktopOrFolder_triggered() {
@@ -124,7 +127,7 @@ void OrvoMenu::removeDesckTopMessage(QAbstractButton* button) {
 }
 
 void OrvoMenu::on_actCopyDescktopOrFolder_triggered() {
-    if (!m_desckModel->findIndexByKey(m_currentDesckKey).isValid() || !m_clipboard)
+    if (!m_clipboard || !m_desckModel || !m_desckModel->findIndexByKey(m_currentDesckKey).isValid())
         return;
     auto* mime = new QMimeData; // the clipboard's
     mime->setData(QLatin1String(desckMime), orvo::toRecord(m_currentDesckKey));
@@ -133,7 +136,7 @@ void OrvoMenu::on_actCopyDescktopOrFolder_triggered() {
 
 void OrvoMenu::on_actPasteDescktopOrFolder_triggered() {
     const QMimeData* offered = m_clipboard ? m_clipboard->mimeData() : nullptr;
-    if (!offered)
+    if (!offered || !m_desckModel)
         return;
     const QString source = orvo::fromRecord(offered->data(QLatin1String(desckMime)).constData());
     const QModelIndex target = m_desckModel->findIndexByKey(m_currentDesckKey);
@@ -220,20 +223,15 @@ void OrvoMenu::pasteDesckItemToDB(const QString& parent, const QString& source, 
     CMDArray menu;
     menu.Attach(requestMenu(source));
     orvo::setKeys(menu);
-    QMap<QString, QString> newKeys;
+    const QMap<QString, QString> newKeys = orvo::menu::newKeysFor(menu);
     orvo::walkAll(menu, 0, [&](const MDRData* element) {
-        newKeys.insert(orvo::textOf(element, "KeyLink"), QString::fromLatin1(GenGuid32()));
-        return true;
-    });
-    orvo::walkAll(menu, 0, [&](const MDRData* element) {
-        const QString key = newKeys.value(orvo::textOf(element, "KeyLink"));
         const QString oldParent = orvo::textOf(element, "parent");
         orvo::RowWriter row = elements.add(MDX_INSERT);
-        row.text("KeyLink", key);
+        row.text("KeyLink", newKeyOf(newKeys, orvo::textOf(element, "KeyLink")));
         if (oldParent.isEmpty())
             row.null("parent");
         else
-            row.text("parent", newKeys.value(oldParent));
+            row.text("parent", newKeyOf(newKeys, oldParent));
         for (const char* field :
              {"MenuResourceKey", "caption", "params", "ico", "separator", "order_", "oneCopy"})
             row.copy(field, element);
