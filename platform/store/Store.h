@@ -103,8 +103,8 @@ public:
                               std::string_view value, MDArray* into) = 0;
     /// Applies the posted records in order of entry, by their flags, in one transaction: all or
     /// none. Only fields with the user bit are written; empty text in a link field becomes NULL.
-    /// Refused: unknown table, a field that the table lacks, flag 1 on an existing key, flag 0, an
-    /// empty key. Flags 2 and 4 on a missing key write nothing for that record.
+    /// Refused: unknown table, a field that the table lacks, flag 1 on an existing key or on an
+    /// empty one, flag 0. Flags 2 and 4 on a missing or empty key write nothing for that record.
     virtual Status update(std::string_view table, const MDArray* records) = 0;
 
     // Change log ---------------------------------------------------------------------------------

@@ -97,10 +97,13 @@ Status WritePlan::write(uint32_t entry, Write* into) const {
     if (m_key != nullptr && MDRGetVal(m_key, record, &var) == MDX_OK && var.type == MDX_TEXT &&
         var.null == 0)
         into->key = textOfVar(var);
+    into->flag = static_cast<int>(mdx::recordFlags(record));
+    // No record has the empty key: there is none to change, as with any other key that is missing.
+    if (into->key.empty() && (into->flag == MDX_UPDATE || into->flag == MDX_DELETE))
+        return {};
     if (into->key.empty())
         return refused(where + ": запись без ключа KeyLink");
 
-    into->flag = static_cast<int>(mdx::recordFlags(record));
     const std::string whose = where + ", запись " + shown(into->key);
     if (into->flag != MDX_INSERT && into->flag != MDX_UPDATE && into->flag != MDX_DELETE)
         return refused(whose + ": недопустимый признак операции " + std::to_string(into->flag));

@@ -37,8 +37,8 @@ public:
 
     uint32_t count() const;
     /// What the record of that entry asks for. Refused: a marked field that the table lacks, a
-    /// value that the field cannot hold, an unknown flag, an empty key, a key for a new record that
-    /// is no key (isKey).
+    /// value that the field cannot hold, an unknown flag, a key for a new record that is empty or
+    /// no key (isKey). An update or deletion with an empty key asks for nothing.
     Status write(uint32_t entry, Write* into) const;
 
 private:

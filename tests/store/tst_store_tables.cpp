@@ -201,6 +201,8 @@ void TestTables::updateAndDeleteOfAMissingKeyWriteNothing() {
     ORVO_OK(Batch("MenuFileExt")
                 .update("no", {{"fileExt", "1"}})
                 .remove("neither")
+                .update("", {{"fileExt", "1"}})
+                .remove("")
                 .insert("yes", {{"fileExt", "2"}})
                 .send(*m_store));
     QCOMPARE(dump(*m_store, "MenuFileExt"), "yes|2");
@@ -239,10 +241,6 @@ void TestTables::refusedCallsChangeNothing_data() {
                             << "" << QVariant();
     QTest::newRow("empty key") << "Menu" << 1 << ""
                                << "" << QVariant();
-    QTest::newRow("empty key of an update") << "Menu" << 2 << ""
-                                            << "caption" << QVariant("x");
-    QTest::newRow("empty key of a deletion") << "Menu" << 4 << ""
-                                             << "" << QVariant();
     QTest::newRow("key outside ASCII") << "Menu" << 1 << "ключ"
                                        << "" << QVariant();
     QTest::newRow("key with a line break") << "Menu" << 1 << "a\nb"
