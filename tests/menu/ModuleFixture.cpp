@@ -12,6 +12,34 @@
 
 namespace orvo::test {
 
+void setFields(CMDArray& table, MDRData* record, Fields fields) {
+    for (const auto& [name, value] : fields) {
+        if (!MDRFldByName(table.array, name))
+            qFatal("no field %s", name);
+        MDRVar var{};
+        const std::string text = mdx::toCp1251(value.toString().toStdString());
+        switch (value.userType()) {
+        case QMetaType::Bool:
+            var.type = MDX_BOOLEAN;
+            var.value.boolean = value.toBool();
+            break;
+        case QMetaType::Int:
+            var.type = MDX_INTEGER;
+            var.value.integer = value.toInt();
+            break;
+        default:
+            if (value.toString().isNull()) {
+                var.null = 1;
+            } else {
+                var.type = MDX_TEXT;
+                var.value.text.length = static_cast<uint32_t>(text.size());
+                var.value.text.pointer = text.c_str();
+            }
+        }
+        table.SetValF(record, name, var);
+    }
+}
+
 // ---------------------------------------------------------------------------------------------
 // TestStore
 
@@ -50,31 +78,7 @@ void TestStore::write(const char* table, MdxRecordFlag flag, Fields fields) {
     records.KeyAdd("KeyLink", MDX_KEY_UNIQUE);
     MDRData* record = MDARecNew(records.array);
     MDRSetFlags(record, flag);
-    for (const auto& [name, value] : fields) {
-        if (!MDRFldByName(records.array, name))
-            qFatal("no field %s in %s", name, table);
-        MDRVar var{};
-        const std::string text = mdx::toCp1251(value.toString().toStdString());
-        switch (value.userType()) {
-        case QMetaType::Bool:
-            var.type = MDX_BOOLEAN;
-            var.value.boolean = value.toBool();
-            break;
-        case QMetaType::Int:
-            var.type = MDX_INTEGER;
-            var.value.integer = value.toInt();
-            break;
-        default:
-            if (value.toString().isNull()) {
-                var.null = 1;
-            } else {
-                var.type = MDX_TEXT;
-                var.value.text.length = static_cast<uint32_t>(text.size());
-                var.value.text.pointer = text.c_str();
-            }
-        }
-        records.SetValF(record, name, var);
-    }
+    setFields(records, record, fields);
     records.RecPost(record);
     const store::Status status = m_store->update(table, records.array);
     if (!status.ok())
@@ -118,7 +122,9 @@ TestHost::TestHost(TestStore& store) : d(std::make_unique<Private>()) {
     m_workDir = store.directory() + QStringLiteral("/work/");
     QDir().mkpath(m_workDir + QStringLiteral("files/icons"));
     store::Status status;
-    d->session = client::makeSession(store.connect("engineer"), &status);
+    auto watch = std::make_unique<WriteWatch>(store.connect("engineer"));
+    m_writes = watch.get();
+    d->session = client::makeSession(std::move(watch), &status);
     if (!d->session)
         qFatal("no session: %s", status.text.c_str());
     m_session = d->session.get();

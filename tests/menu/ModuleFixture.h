@@ -12,6 +12,7 @@
 
 #include "frame/OrvoClient.h"
 #include "platform/store/Store.h"
+#include "tests/menu/WriteWatch.h"
 #include "tests/models/ModelWatch.h"
 
 #include <QAction>
@@ -31,6 +32,9 @@ namespace orvo::test {
 
 /// Fields of a record: bool, int, or QString (a null QString is NULL).
 using Fields = std::initializer_list<std::pair<const char*, QVariant>>;
+
+/// Sets fields of a record and marks them as set. A field that the table lacks ends the test.
+void setFields(CMDArray& table, MDRData* record, Fields fields);
 
 /// A store file of its own, removed at the end. Writes go through the same door as a session's, or
 /// as SQL from a foreign hand.
@@ -74,6 +78,8 @@ public:
     /// as the client does.
     void deliver(COrvoCliMod& module);
     store::Store& ownStore();
+    /// What the module wrote, call by call.
+    WriteWatch& writes() { return *m_writes; }
 
     QVector<LogLine> logLines;
     QStringList titles;   ///< title and second text of each SetModTitle
@@ -85,6 +91,7 @@ public:
 private:
     struct Private;
     std::unique_ptr<Private> d;
+    WriteWatch* m_writes = nullptr; ///< the session's
 };
 
 /// Puts a fatal tester on every model that a view below `window` is given, at the moment the view
