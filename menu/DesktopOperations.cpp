@@ -7,10 +7,10 @@
 #include "frame/FolderWalk.h"
 #include "frame/Records.h"
 #include "frame/ScratchTable.h"
+#include "frame/ViewRows.h"
 #include "frame/WindowParts.h"
 #include "menu/Columns.h"
 #include "menu/ElementWalk.h"
-#include "menu/Rows.h"
 
 #include <QClipboard>
 #include <QItemSelectionModel>
@@ -57,14 +57,13 @@ void OrvoMenu::addDesckRow(bool isFolder) {
     m_btnCancel->setEnabled(true);
     m_editMode = NewDesck;
     const QModelIndex added = m_desckModel->index(row, 0, parent);
-    orvo::menu::setRow(
-        *m_desckModel, added,
-        {{DesckColumn::KeyLink, QString::fromLatin1(GenGuid32())},
-         {DesckColumn::IsFolder, isFolder},
-         {DesckColumn::Name, isFolder ? tr("новая папка1") : tr("новый рабочий стол")},
-         {DesckColumn::ParentKey, parentKey},
-         {DesckColumn::Order, QString::fromLatin1(isFolder ? folderClass : desktopClass)},
-         {DesckColumn::IsNew, true}});
+    orvo::setRow(*m_desckModel, added,
+                 {{DesckColumn::KeyLink, QString::fromLatin1(GenGuid32())},
+                  {DesckColumn::IsFolder, isFolder},
+                  {DesckColumn::Name, isFolder ? tr("новая папка1") : tr("новый рабочий стол")},
+                  {DesckColumn::ParentKey, parentKey},
+                  {DesckColumn::Order, QString::fromLatin1(isFolder ? folderClass : desktopClass)},
+                  {DesckColumn::IsNew, true}});
     m_ui->tvDesck->scrollTo(added);
     m_ui->tvDesck->selectionModel()->select(added, QItemSelectionModel::ClearAndSelect);
     m_ui->tvDesck->setCurrentIndex(added);
