@@ -1,0 +1,426 @@
+#include "tests/menu/MenuClipboardTest.h"
+
+void TestMenuClipboard::aPastedElementIsTheLastInItsFolder() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("armop");
+    editor.selectElements({"shema"});
+    editor->on_actCopyMenuElement_triggered();
+    editor.makeCurrent("grafiki");
+    QVERIFY(editor.action("actPasteMenuElement")->isEnabled());
+    editor.action("actPasteMenuElement")->trigger();
+    QCOMPARE(host.writes().take(),
+             QString("Menu\n"
+                     "  +#1 parent='grafiki' FolderKey='armop' caption='Схема' order_=2000 "
+                     "ico=NULL separator=NULL oneCopy=NULL MenuResourceKey='rform' params=NULL\n"));
+    QCOMPARE(editor->m_menuModel->rowCount(editor->element("grafiki")), 3);
+    host.deliver(*editor.module);
+    QCOMPARE(editor->m_menuModel->rowCount(editor->element("grafiki")), 4);
+    QCOMPARE(host.failures, QStringList());
+}
+
+void TestMenuClipboard::pastingAtTheTop() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("armop");
+    editor.selectElements({"calc", "glubzhe"});
+    editor->on_actCopyMenuElement_triggered();
+    editor.makeCurrent("MenuRootNode");
+    editor->on_actPasteMenuElement_triggered();
+    // An element has the empty text for the top, a folder NULL.
+    const QString rest = " ico=NULL separator=NULL oneCopy=NULL";
+    QCOMPARE(host.writes().take(),
+             "Menu\n"
+             "  +#1 parent='' FolderKey='armop' caption='Расчёт' order_=2000" +
+                 rest +
+                 " MenuResourceKey='rcalc' params=NULL\n"
+                 "  +#2 parent=NULL FolderKey='armop' caption='Глубже' order_=2000" +
+                 rest +
+                 " params=NULL\n"
+                 "  +#3 parent='#2' FolderKey='armop' caption='Котёл' order_=0" +
+                 rest + " MenuResourceKey='rform' params=NULL\n");
+    host.deliver(*editor.module);
+    QVERIFY2(shownMenu(editor).contains("\n  Глубже\n    Котёл\n"), qPrintable(shownMenu(editor)));
+    QVERIFY(shownMenu(editor).contains("\n  Расчёт\n"));
+    QCOMPARE(host.failures, QStringList());
+}
+
+void TestMenuClipboard::pastingIntoAnotherDesktop() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("armop");
+    editor.selectElements({"glubzhe"});
+    editor->on_actCopyMenuElement_triggered();
+    editor.openDesck("armpech");
+    editor.makeCurrent("MenuRootNode");
+    editor->on_actPasteMenuElement_triggered();
+    const QString rest = " ico=NULL separator=NULL oneCopy=NULL";
+    QCOMPARE(host.writes().take(),
+             "Menu\n"
+             "  +#1 parent=NULL FolderKey='armpech' caption='Глубже' order_=0" +
+                 rest +
+                 " params=NULL\n"
+                 "  +#2 parent='#1' FolderKey='armpech' caption='Котёл' order_=0" +
+                 rest + " MenuResourceKey='rform' params=NULL\n");
+    host.deliver(*editor.module);
+    QCOMPARE(shownMenu(editor), QString("Меню\n  Глубже\n    Котёл\n"));
+}
+
+void TestMenuClipboard::everyPasteMakesNewKeys() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("armop");
+    editor.selectElements({"glubzhe"});
+    editor->on_actCopyMenuElement_triggered();
+    editor.makeCurrent("grafiki");
+    editor->on_actPasteMenuElement_triggered();
+    editor->on_actPasteMenuElement_triggered();
+    QCOMPARE(host.writes().calls.size(), 2);
+    const QString written = host.writes().take();
+    QVERIFY2(written.contains("+#1 ") && written.contains("+#2 ") && written.contains("+#3 ") &&
+                 written.contains("+#4 parent='#3'"),
+             qPrintable(written));
+    QCOMPARE(host.failures, QStringList());
+}
+
+void TestMenuClipboard::allChosenElementsGetTheOrderOfTheLastChild() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("armop");
+    editor.selectElements({"trend", "calc"});
+    editor->on_actCopyMenuElement_triggered();
+    editor.makeCurrent("glubzhe"); // its last child has the order 0
+    editor->on_actPasteMenuElement_triggered();
+    const QString written = host.writes().take();
+    QCOMPARE(written.count("parent='glubzhe'"), 2);
+    QCOMPARE(written.count("order_=0 "), 2);
+}
+
+void TestMenuClipboard::aPastedFolderKeepsWhatLiesBelow() {
+    TestStore store;
+    fillPlant(store);
+    store.update("Menu", {{"KeyLink", QString("grafiki")},
+                          {"ico", QString("f.png")},
+                          {"separator", true},
+                          {"oneCopy", false},
+                          {"params", QString("p")}});
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("armop");
+    editor.selectElements({"grafiki"});
+    editor->on_actCopyMenuElement_triggered();
+    editor.openDesck("armpech");
+    editor.makeCurrent("MenuRootNode");
+    editor->on_actPasteMenuElement_triggered();
+    const QString rest = " ico=NULL separator=NULL oneCopy=NULL";
+    QCOMPARE(host.writes().take(),
+             "Menu\n"
+             "  +#1 parent=NULL FolderKey='armpech' caption='Графики' order_=0 ico='f.png' "
+             "separator=true oneCopy=false params='p'\n"
+             "  +#2 parent='#1' FolderKey='armpech' caption='Тренд' order_=0" +
+                 rest +
+                 " MenuResourceKey='rtrend' params=NULL\n"
+                 "  +#3 parent='#1' FolderKey='armpech' caption='Расчёт' order_=1000" +
+                 rest +
+                 " MenuResourceKey='rcalc' params=NULL\n"
+                 "  +#4 parent='Глубже' FolderKey='armpech' order_=2000" +
+                 rest +
+                 " params=NULL\n"
+                 "  +#5 parent='#4' FolderKey='armpech' caption='Котёл' order_=0" +
+                 rest + " MenuResourceKey='rform' params=NULL\n");
+    QCOMPARE(host.failures, QStringList());
+}
+
+void TestMenuClipboard::subFoldersCarryTheirCaptionAsParent() {
+    TestStore store;
+    fillPlant(store);
+    addElement(store, "armop", "dno", "glubzhe", "", 7);
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("armop");
+    editor.selectElements({"glubzhe"});
+    editor->on_actCopyMenuElement_triggered();
+    editor.makeCurrent("MenuRootNode");
+    editor->on_actPasteMenuElement_triggered();
+    const QString written = host.writes().take();
+    // The chosen folder has both as they should be; a sub-folder without a caption has neither.
+    QVERIFY2(written.contains("+#1 parent=NULL FolderKey='armop' caption='Глубже'"),
+             qPrintable(written));
+    QVERIFY2(written.contains("+#3 parent='' FolderKey='armop' order_=7") ||
+                 written.contains("+#3 parent=NULL FolderKey='armop' order_=7"),
+             qPrintable(written));
+    QCOMPARE(host.failures, QStringList());
+}
+
+void TestMenuClipboard::elementsWithoutTheirResourceStayOut() {
+    TestStore store;
+    fillPlant(store);
+    addElement(store, "armop", "gone", "glubzhe", "Нет его", 5, "nosuch");
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("armop");
+    editor.selectElements({"glubzhe", "calc"});
+    editor->on_actCopyMenuElement_triggered();
+    editor.makeCurrent("MenuRootNode");
+    editor->on_actPasteMenuElement_triggered();
+    QCOMPARE(host.writes().calls.size(), 1);
+    QCOMPARE(host.writes().calls[0].records.size(), 3);
+    QVERIFY(!host.writes().take().contains("Нет его"));
+    // A chosen one is dropped too, and then nothing is left to write.
+    editor.selectElements({"propal"});
+    editor->on_actCopyMenuElement_triggered();
+    editor.makeCurrent("MenuRootNode");
+    editor->on_actPasteMenuElement_triggered();
+    QCOMPARE(host.writes().take(), QString());
+}
+
+void TestMenuClipboard::pastingOnAnElementTakesItAsParent() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("armop");
+    editor.selectElements({"shema"});
+    editor->on_actCopyMenuElement_triggered();
+    editor.makeCurrent("calc");
+    editor->on_actPasteMenuElement_triggered();
+    QVERIFY(host.writes().take().contains("+#1 parent='calc' FolderKey='armop' caption='Схема' "
+                                          "order_=0"));
+}
+
+void TestMenuClipboard::anElementWithoutACaptionIsPlacedAsChosen() {
+    TestStore store;
+    fillPlant(store);
+    addElement(store, "armop", "nemoy", "grafiki", "", 9000, "rtrend");
+    store.sql("UPDATE \"Menu\" SET \"caption\" = NULL WHERE \"KeyLink\" = 'nemoy'");
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("armop");
+    editor.selectElements({"nemoy"});
+    editor->on_actCopyMenuElement_triggered();
+    editor.makeCurrent("glubzhe");
+    editor->on_actPasteMenuElement_triggered();
+    QVERIFY(host.writes().take().contains("+#1 parent='glubzhe' FolderKey='armop' caption='' "
+                                          "order_=0"));
+}
+
+void TestMenuClipboard::parentsCompareWithoutCase() {
+    TestStore store;
+    fillPlant(store);
+    addElement(store, "armop", "vnutri", "GLUBZHE", "Внутри", 5, "rtrend");
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("armop");
+    editor.selectElements({"glubzhe"});
+    editor->on_actCopyMenuElement_triggered();
+    editor.makeCurrent("MenuRootNode");
+    editor->on_actPasteMenuElement_triggered();
+    const QString written = host.writes().take();
+    QVERIFY2(written.contains("+#3 parent='#1' FolderKey='armop' caption='Внутри'"),
+             qPrintable(written));
+}
+
+void TestMenuClipboard::keysWithoutARecordAreSkipped() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("armop");
+    editor.selectElements({"shema"});
+    editor->on_actCopyMenuElement_triggered();
+    QByteArray bytes = payload();
+    putOnClipboard(bytes.replace("0\nshema;\n", "0\nnosuch;;shema;calc;\n"));
+    editor.makeCurrent("grafiki");
+    editor->on_actPasteMenuElement_triggered();
+    QCOMPARE(host.writes().calls.size(), 1);
+    QCOMPARE(host.writes().calls[0].records.size(), 1);
+}
+
+void TestMenuClipboard::aCopyIsPastedInAnotherClient() {
+    TestStore store;
+    fillPlant(store);
+    TestStore otherStore;
+    addDesck(otherStore, "f", "", "Другой цех", true);
+    addDesck(otherStore, "d", "f", "Другой стол", false);
+    addResource(otherStore, "rcalc", 2, "Calc");
+    TestHost host(store);
+    OperationsEditor editor(host);
+    TestHost otherHost(otherStore);
+    OperationsEditor other(otherHost);
+    editor.openDesck("armop");
+    editor.selectElements({"grafiki"});
+    editor->on_actCopyMenuElement_triggered();
+    other.openDesck("d");
+    other.makeCurrent("MenuRootNode");
+    other->on_actPasteMenuElement_triggered();
+    // Of the resources that client knows one.
+    QCOMPARE(otherHost.writes().calls.size(), 1);
+    QCOMPARE(otherHost.writes().calls[0].records.size(), 3);
+    const QString written = otherHost.writes().take();
+    QVERIFY(written.contains("FolderKey='d' caption='Расчёт'"));
+    QVERIFY(!written.contains("Тренд"));
+    QCOMPARE(host.writes().take(), QString());
+}
+
+void TestMenuClipboard::withoutATargetNothingIsPasted() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("armop");
+    editor.selectElements({"shema"});
+    editor->on_actCopyMenuElement_triggered();
+    editor->m_currentMenuKey = "nosuch";
+    editor->on_actPasteMenuElement_triggered();
+    // A folder of desktops shows no menu at all.
+    editor.openDesck("ceh");
+    editor->on_actPasteMenuElement_triggered();
+    QCOMPARE(host.writes().take(), QString());
+}
+
+void TestMenuClipboard::theClipboardStaysAfterAPaste() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("armop");
+    editor.selectElements({"shema"});
+    editor->on_actCutMenuElement_triggered();
+    const QByteArray before = payload();
+    QVERIFY(!before.isEmpty());
+    editor.makeCurrent("grafiki");
+    editor->on_actPasteMenuElement_triggered();
+    QCOMPARE(payload(), before);
+}
+
+void TestMenuClipboard::thePastedRowBecomesCurrent() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("armop");
+    editor.selectElements({"shema"});
+    editor->on_actCopyMenuElement_triggered();
+    editor.makeCurrent("glubzhe");
+    editor->on_actPasteMenuElement_triggered();
+    QCOMPARE(editor->m_currentMenuKey, QString("glubzhe"));
+    host.deliver(*editor.module);
+    const QModelIndex current = editor.view("tvMenu")->currentIndex();
+    QCOMPARE(current.data().toString(), QString("Схема"));
+    QCOMPARE(current.parent(), editor->element("glubzhe"));
+}
+
+// Cutting ----------------------------------------------------------------------------------------
+
+void TestMenuClipboard::aPastedCutDeletesItsSource() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("armop");
+    editor.selectElements({"trend", "calc"});
+    editor->on_actCutMenuElement_triggered();
+    editor.makeCurrent("MenuRootNode");
+    editor->on_actPasteMenuElement_triggered();
+    QCOMPARE(host.writes().calls.size(), 2);
+    QCOMPARE(host.writes().calls[0].records.size(), 2);
+    QCOMPARE(host.writes().calls[1].table, QString("Menu"));
+    QCOMPARE(host.writes().calls[1].records, QStringList({"-trend", "-calc"}));
+    host.deliver(*editor.module);
+    QVERIFY(!editor->element("trend").isValid());
+    QVERIFY(!editor->element("calc").isValid());
+    QVERIFY2(shownMenu(editor).contains("\n  Тренд\n"), qPrintable(shownMenu(editor)));
+    QCOMPARE(host.failures, QStringList());
+}
+
+void TestMenuClipboard::aCutFolderIsDeletedWhole() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("armop");
+    editor.selectElements({"grafiki"});
+    editor->on_actCutMenuElement_triggered();
+    editor.makeCurrent("MenuRootNode");
+    editor->on_actPasteMenuElement_triggered();
+    QCOMPARE(host.writes().calls.size(), 2);
+    QCOMPARE(host.writes().calls[1].records,
+             QStringList({"-grafiki", "-trend", "-calc", "-glubzhe", "-form"}));
+}
+
+void TestMenuClipboard::aCutOfAnotherDesktopIsDeleted() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("armop");
+    editor.selectElements({"glubzhe"});
+    editor->on_actCutMenuElement_triggered();
+    editor.openDesck("armpech");
+    editor.makeCurrent("MenuRootNode");
+    editor->on_actPasteMenuElement_triggered();
+    QCOMPARE(host.writes().calls.size(), 2);
+    QCOMPARE(host.writes().calls[1].records, QStringList({"-glubzhe", "-form"}));
+    host.deliver(*editor.module);
+    editor.openDesck("armop");
+    QVERIFY(!editor->element("glubzhe").isValid());
+    QVERIFY(!editor->element("form").isValid());
+}
+
+void TestMenuClipboard::aCutElementWithoutItsResourceIsDeletedAllTheSame() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("armop");
+    editor.selectElements({"propal"});
+    editor->on_actCutMenuElement_triggered();
+    editor.makeCurrent("grafiki");
+    editor->on_actPasteMenuElement_triggered();
+    QCOMPARE(host.writes().take(), QString("Menu\n  -propal\n"));
+}
+
+void TestMenuClipboard::aSecondPasteOfACutDeletesNothingMore() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("armop");
+    editor.selectElements({"trend"});
+    editor->on_actCutMenuElement_triggered();
+    editor.makeCurrent("MenuRootNode");
+    editor->on_actPasteMenuElement_triggered();
+    host.deliver(*editor.module);
+    editor.makeCurrent("MenuRootNode");
+    editor->on_actPasteMenuElement_triggered();
+    QCOMPARE(host.writes().calls.size(), 4);
+    host.deliver(*editor.module);
+    QCOMPARE(shownMenu(editor).count("\n  Тренд\n"), 2);
+    QCOMPARE(host.failures, QStringList());
+}
+
+void TestMenuClipboard::aRefusedPasteStillDeletesTheCut() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("armop");
+    editor.selectElements({"trend"});
+    editor->on_actCutMenuElement_triggered();
+    editor.makeCurrent("MenuRootNode");
+    host.writes().refusedTable = "Menu";
+    editor->on_actPasteMenuElement_triggered();
+    QCOMPARE(host.writes().calls.size(), 2);
+    QCOMPARE(host.writes().calls[1].records, QStringList("-trend"));
+    QVERIFY(!editor.isAsking());
+}
