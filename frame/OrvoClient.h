@@ -142,8 +142,8 @@ public:
     /// Sends "TableRecords", "TableStructure" (data: the table name's bytes) or "UserProp" (no
     /// data). Non-zero if sent; `*prm` then holds the block of the request, the caller's to free.
     int PacketExec(const char* name, const void* data, int length, MDXCliParam** prm);
-    /// Non-zero when the reply is there; `*prm` then holds it. Field 0: result code. Field 2: packed
-    /// table, or on failure the server's text (UTF-8) or NULL. `timeout` -1: no limit.
+    /// Non-zero when the reply is there; `*prm` then holds it. Field 0: result code. Field 2:
+    /// packed table, or on failure the server's text (UTF-8) or NULL. `timeout` -1: no limit.
     int WaitResult(MDXCliParam** prm, int timeout);
     void PrmFree(MDXCliParam* prm);
     /// Only "select * from Menu where FolderKey = '...'" (Windows-1251, a quote inside the literal
@@ -187,8 +187,8 @@ protected:
     COrvoCliMod* m_module;
 };
 
-/// Records of a table whose key number `keyNumber` begins with the given values. Table "Menu", key 2
-/// is `MenuResourceKey`.
+/// Records of a table whose key number `keyNumber` begins with the given values. Table "Menu", key
+/// 2 is `MenuResourceKey`.
 class ORVOCLIENT_EXPORT CToolRecByKey : public COrvoToolObject {
     Q_OBJECT
 public:
@@ -302,7 +302,11 @@ protected:
 // ---------------------------------------------------------------------------------------------
 // Pop-ups: painted inside the module's window; none runs an event loop of its own.
 
-enum TMessageBoxIcon { MessageBoxIconNone = 0, MessageBoxIconError = 1, MessageBoxIconQuestion = 4 };
+enum TMessageBoxIcon {
+    MessageBoxIconNone = 0,
+    MessageBoxIconError = 1,
+    MessageBoxIconQuestion = 4
+};
 enum TMessageBoxType { MessageBoxTypeOk = 0, MessageBoxTypeYesNo = 5 };
 enum TProgressBarColor { ProgressBarColorDefault = 0, ProgressBarColorGreen = 6 };
 

@@ -236,8 +236,8 @@ ORVOMDX_EXPORT int MDRSetFlags(MDRData* record, uint32_t flags);
 
 /// Makes the record empty: every read from it is refused.
 ORVOMDX_EXPORT void MDRRecInit(MDRData* record);
-/// Whether the `length` bytes at `raw` are one well-formed raw record: MDX_OK or MDX_E_FORMAT. To be
-/// asked before MDRRecSet for bytes that came from outside.
+/// Whether the `length` bytes at `raw` are one well-formed raw record: MDX_OK or MDX_E_FORMAT. To
+/// be asked before MDRRecSet for bytes that came from outside.
 ORVOMDX_EXPORT int MDRRecCheck(const void* raw, uint32_t length);
 /// Makes the record refer to those bytes, which must outlive it. MDX_E_FORMAT, and an empty record,
 /// if they do not begin as a raw record.
