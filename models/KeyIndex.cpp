@@ -37,12 +37,6 @@ uint64_t foldedAscii(uint64_t units) {
     return units + ((fromA & ~behindZ & (0x80 * each)) >> 2);
 }
 
-/// The text in a value that is a text: read where it stands, its reference count untouched.
-const QString* heldText(const QVariant& value) {
-    return value.userType() == QMetaType::QString ? static_cast<const QString*>(value.constData())
-                                                  : nullptr;
-}
-
 static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "units are packed as they lie in memory");
 
 } // namespace
@@ -67,19 +61,13 @@ uint32_t KeyIndex::hash(const QString& key) {
     return upper ? upper : 1;
 }
 
-uint32_t KeyIndex::hash(const QVariant& key) {
-    const QString* held = heldText(key);
-    const QString text = held ? QString() : key.toString();
-    const QString& read = held ? *held : text;
-    return read.isEmpty() ? 0 : hash(read);
-}
-
-bool KeyIndex::isKey(const QVariant& value, const QString& key) {
-    const QString* held = heldText(value);
-    const QString text = held ? QString() : value.toString();
-    const QString& read = held ? *held : text;
-    // The same bytes are the usual case, and far quicker seen.
-    return read == key || read.compare(key, Qt::CaseInsensitive) == 0;
+KeyIndex::Entry KeyIndex::entry(void* row, const QVariant& key) {
+    const bool isText = key.userType() == QMetaType::QString;
+    Entry entry;
+    entry.row = row;
+    entry.key = isText ? *static_cast<const QString*>(key.constData()) : key.toString();
+    entry.hash = entry.key.isEmpty() ? 0 : hash(entry.key);
+    return entry;
 }
 
 size_t KeyIndex::find(uint32_t hash) const {
@@ -89,51 +77,55 @@ size_t KeyIndex::find(uint32_t hash) const {
     return slot;
 }
 
-void KeyIndex::insert(uint32_t hash, void* row) {
+void KeyIndex::insert(Entry entry) {
+    if (entry.hash == 0)
+        return;
     reserve(1);
-    enter(hash, row);
+    enter(std::move(entry));
 }
 
-void KeyIndex::insertAll(const std::vector<Entry>& entries) {
+void KeyIndex::insertAll(std::vector<Entry> entries) {
     reserve(entries.size());
     constexpr size_t ahead = 12;
     for (size_t i = 0; i < entries.size(); ++i) {
         if (i + ahead < entries.size())
             __builtin_prefetch(&m_slots[home(entries[i + ahead].hash)], 1);
-        enter(entries[i].hash, entries[i].row);
+        if (entries[i].hash != 0)
+            enter(std::move(entries[i]));
     }
 }
 
-void KeyIndex::enter(uint32_t hash, void* row) {
-    Entry& entry = m_slots[find(hash)];
-    if (entry.hash == 0) {
-        entry = {hash, row};
+void KeyIndex::enter(Entry entry) {
+    Entry& slot = m_slots[find(entry.hash)];
+    if (slot.hash == 0) {
+        slot = std::move(entry);
         ++m_used;
         return;
     }
-    auto& crowd = m_crowds[hash];
-    if (entry.row)
-        crowd.insert(std::exchange(entry.row, nullptr));
-    crowd.insert(row);
+    auto& crowd = m_crowds[entry.hash];
+    if (slot.row)
+        crowd.emplace(std::exchange(slot.row, nullptr), std::exchange(slot.key, QString()));
+    crowd.emplace(entry.row, std::move(entry.key));
 }
 
-void KeyIndex::remove(uint32_t hash, void* row) {
-    if (m_slots.empty())
+void KeyIndex::remove(const Entry& entry) {
+    if (m_slots.empty() || entry.hash == 0)
         return;
-    const size_t slot = find(hash);
-    Entry& entry = m_slots[slot];
-    if (entry.hash == 0)
+    const size_t at = find(entry.hash);
+    Entry& slot = m_slots[at];
+    if (slot.hash == 0)
         return;
-    if (entry.row == row) {
-        vacate(slot);
+    if (slot.row == entry.row) {
+        vacate(at);
         return;
     }
-    const auto crowd = m_crowds.find(hash);
+    const auto crowd = m_crowds.find(entry.hash);
     if (crowd == m_crowds.end())
         return;
-    crowd->second.erase(row);
+    crowd->second.erase(entry.row);
     if (crowd->second.size() == 1) {
-        entry.row = *crowd->second.begin();
+        slot.row = crowd->second.begin()->first;
+        slot.key = crowd->second.begin()->second;
         m_crowds.erase(crowd);
     }
 }
@@ -146,7 +138,7 @@ void KeyIndex::vacate(size_t gap) {
             gap < slot ? wanted > gap && wanted <= slot : wanted > gap || wanted <= slot;
         if (staysBehindGap)
             continue;
-        m_slots[gap] = m_slots[slot];
+        m_slots[gap] = std::move(m_slots[slot]);
         gap = slot;
     }
     m_slots[gap] = {};
@@ -169,8 +161,8 @@ void KeyIndex::reserve(size_t further) {
 void KeyIndex::resize(size_t size) {
     std::vector<Entry> old(size);
     old.swap(m_slots);
-    for (const Entry& entry : old) {
+    for (Entry& entry : old) {
         if (entry.hash != 0)
-            m_slots[find(entry.hash)] = entry;
+            m_slots[find(entry.hash)] = std::move(entry);
     }
 }

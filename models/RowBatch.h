@@ -39,11 +39,11 @@ public:
         if (values.size() != m_columns)
             values.resize(m_columns);
         if (!m_rows.empty())
-            hashKey(*m_rows.back());
+            noteKey(m_rows.back());
         Record* under = parent ? parent : m_root.get();
-        m_rows.push_back(nullptr);
+        m_rows.emplace_back();
         auto* row = new Record(m_noValues, under);
-        m_rows.back() = row;
+        m_rows.back().row = row;
         row->m_itemData.swap(values);
         row->m_rowHint = under->m_childItems.size();
         under->m_childItems.append(row);
@@ -75,25 +75,19 @@ public:
         }
     }
 
-    bool isEmpty() const { return m_rows.empty(); }
+    bool isEmpty() const { return topCount() == 0; }
     /// Rows of the run, and all rows with those below them.
     int topCount() const { return m_root->m_childItems.size(); }
     int count() const { return static_cast<int>(m_rows.size()); }
     int columnCount() const { return m_columns; }
     int parentLevel() const { return m_root->m_level; }
 
-    /// The keys of all rows, for the index of the model.
-    std::vector<KeyIndex::Entry> keys() {
-        std::vector<KeyIndex::Entry> entries;
-        entries.reserve(m_rows.size());
-        for (Record* row : m_rows) {
-            if (const uint32_t hash = hashKey(*row))
-                entries.push_back({hash, row});
-        }
-        return entries;
-    }
-    /// Hands the run over to the caller, who owns the rows from then on.
-    QList<Record*> release() {
+    /// Hands the run over to the caller, who owns the rows from then on; `keys` receives the keys
+    /// of all rows, for the index of the model.
+    QList<Record*> release(std::vector<KeyIndex::Entry>& keys) {
+        for (KeyIndex::Entry& row : m_rows)
+            noteKey(row);
+        keys = std::move(m_rows);
         m_rows.clear();
         QList<Record*> rows;
         rows.swap(m_root->m_childItems);
@@ -101,18 +95,19 @@ public:
     }
 
 private:
-    /// A row's key is hashed when the next row comes, while the row is still near at hand; a value
+    /// A row's key is noted when the next row comes, while the row is still near at hand; a value
     /// set later undoes that.
-    uint32_t hashKey(Record& row) const {
-        if (row.m_keyHash == 0) {
-            if (const QVariant* value = RecordOps<Record>::value(row, m_keyColumn))
-                row.m_keyHash = KeyIndex::hash(*value);
-        }
-        return row.m_keyHash;
+    void noteKey(KeyIndex::Entry& entry) const {
+        auto* row = static_cast<Record*>(entry.row);
+        if (row->m_keyHash != 0)
+            return;
+        if (const QVariant* value = RecordOps<Record>::value(*row, m_keyColumn))
+            entry = KeyIndex::entry(row, *value);
+        row->m_keyHash = entry.hash;
     }
 
     std::unique_ptr<Record> m_root;
-    std::vector<Record*> m_rows; ///< in the order they came; owned by their parents
+    std::vector<KeyIndex::Entry> m_rows; ///< in the order they came; owned by their parents
     QVector<QVariant> m_noValues;
     int m_columns;
     int m_keyColumn;

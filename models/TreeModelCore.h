@@ -172,10 +172,9 @@ public:
         if (key.isEmpty())
             return {};
         const Record* first = nullptr;
-        m_keys.forEach(KeyIndex::hash(key), [&](void* entry) {
+        m_keys.forEach(key, [&](void* entry) {
             const auto* row = static_cast<const Record*>(entry);
-            const QVariant* value = Ops::value(*row, m_keyColumn);
-            if (value && KeyIndex::isKey(*value, key) && (!first || comesBefore(*row, *first)))
+            if (!first || comesBefore(*row, *first))
                 first = row;
         });
         return indexOf(first);
@@ -314,23 +313,16 @@ private:
         return list;
     }
     void enter(Record& parent, int position, Batch& batch) {
-        const std::vector<KeyIndex::Entry> keys = batch.keys();
-        Ops::attach(parent, position, batch.release());
-        m_keys.insertAll(keys);
+        std::vector<KeyIndex::Entry> keys;
+        Ops::attach(parent, position, batch.release(keys));
+        m_keys.insertAll(std::move(keys));
     }
-    /// 0 for a row without a key.
-    uint32_t keyHash(const Record& row) const {
-        const QVariant* value = Ops::value(row, m_keyColumn);
-        return value ? KeyIndex::hash(*value) : 0;
+    KeyIndex::Entry keyEntry(Record* row) const {
+        const QVariant* value = Ops::value(*row, m_keyColumn);
+        return KeyIndex::entry(row, value ? *value : QVariant());
     }
-    void rememberKey(Record* row) {
-        if (const uint32_t hash = keyHash(*row))
-            m_keys.insert(hash, row);
-    }
-    void forgetKey(Record* row) {
-        if (const uint32_t hash = keyHash(*row))
-            m_keys.remove(hash, row);
-    }
+    void rememberKey(Record* row) { m_keys.insert(keyEntry(row)); }
+    void forgetKey(Record* row) { m_keys.remove(keyEntry(row)); }
     void indexAllKeys() {
         m_keys.clear();
         QList<Record*> top;
