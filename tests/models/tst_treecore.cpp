@@ -402,7 +402,7 @@ void TreeCore::findingAnswersAsMatchThroughRandomChanges() {
         }
         return true;
     };
-    for (int turn = 0; turn < 1500; ++turn) {
+    for (int turn = 0; turn < 500; ++turn) {
         const QModelIndex at = anyRow(model, random);
         const int rows = model.rowCount(at);
         switch (random.below(9)) {
