@@ -2,6 +2,7 @@
 
 #include <QTextCodec>
 
+#include <array>
 #include <cstring>
 
 namespace orvo {
@@ -14,12 +15,56 @@ QTextCodec* recordCodec() {
     return codec;
 }
 
+namespace {
+
+/// The code page both ways, asked of the codec once: it sets up a converter for each text.
+struct CodePage {
+    std::array<QChar, 256> toText;
+    std::array<char, 0x10000> toByte{}; ///< 0: not in the code page, or U+0000
+
+    CodePage() {
+        for (int byte = 0; byte < 256; ++byte) {
+            const char c = static_cast<char>(byte);
+            const QString text = recordCodec()->toUnicode(&c, 1);
+            toText[static_cast<size_t>(byte)] =
+                text.size() == 1 ? text[0] : QChar::ReplacementCharacter;
+            if (text.size() == 1 && recordCodec()->fromUnicode(text) == QByteArray(&c, 1))
+                toByte[text[0].unicode()] = c;
+        }
+    }
+};
+
+const CodePage& codePage() {
+    static const CodePage page;
+    return page;
+}
+
+} // namespace
+
 QString fromRecord(const char* bytes) {
-    return bytes && *bytes ? recordCodec()->toUnicode(bytes) : QString();
+    if (!bytes || !*bytes)
+        return {};
+    const CodePage& page = codePage();
+    const size_t length = std::strlen(bytes);
+    QString text(static_cast<int>(length), Qt::Uninitialized);
+    QChar* out = text.data();
+    for (size_t i = 0; i < length; ++i)
+        out[i] = page.toText[static_cast<unsigned char>(bytes[i])];
+    return text;
 }
 
 QByteArray toRecord(const QString& text) {
-    return recordCodec()->fromUnicode(text);
+    const CodePage& page = codePage();
+    QByteArray bytes(text.size(), Qt::Uninitialized);
+    char* out = bytes.data();
+    for (const QChar letter : text) {
+        const char byte = page.toByte[letter.unicode()];
+        // What the code page lacks is the codec's to replace.
+        if (byte == 0)
+            return recordCodec()->fromUnicode(text);
+        *out++ = byte;
+    }
+    return bytes;
 }
 
 bool sameText(const QString& a, const QString& b) {

@@ -57,4 +57,27 @@ void removeRecord(const Notification& change, CMDArray& table, QTreeView* view,
     table.RecDel(findRecord(change.event(), &table));
 }
 
+QuietViews::QuietViews(std::initializer_list<QTreeView*> views) {
+    for (QTreeView* view : views) {
+        // Out of sight it does none of this anyway, and notes to scroll when it is shown.
+        if (!view->isVisible())
+            continue;
+        m_views.push_back(
+            {view, view->currentIndex(), view->updatesEnabled(), view->hasAutoScroll()});
+        view->setUpdatesEnabled(false);
+        view->setAutoScroll(false);
+    }
+}
+
+QuietViews::~QuietViews() {
+    for (const Quiet& quiet : m_views) {
+        quiet.view->setAutoScroll(quiet.autoScroll);
+        const QModelIndex current = quiet.view->currentIndex();
+        if (quiet.autoScroll && current.isValid() && quiet.current != current)
+            quiet.view->scrollTo(current);
+        if (quiet.updates)
+            quiet.view->setUpdatesEnabled(true);
+    }
+}
+
 } // namespace orvo

@@ -6,12 +6,14 @@
 #include "frame/OrvoMdx.h"
 
 #include <QAbstractItemModel>
+#include <QPersistentModelIndex>
 #include <QTreeView>
 #include <QVariant>
 #include <QVector>
 
 #include <initializer_list>
 #include <utility>
+#include <vector>
 
 namespace orvo {
 
@@ -35,6 +37,26 @@ void removeRow(QTreeView* view, const QModelIndex& row);
 /// key that the table does not have changes nothing.
 void removeRecord(const Notification& change, CMDArray& table, QTreeView* view,
                   const QModelIndex& row);
+
+/// While one lives, the views follow changes without repainting, scrolling or laying out their rows
+/// each time; at its end once, scrolled to the current row if that is another one. For bursts of
+/// notifications: a view's layout costs more than the change. The views must outlive it.
+class QuietViews {
+public:
+    explicit QuietViews(std::initializer_list<QTreeView*> views);
+    ~QuietViews();
+    QuietViews(const QuietViews&) = delete;
+    QuietViews& operator=(const QuietViews&) = delete;
+
+private:
+    struct Quiet {
+        QTreeView* view;
+        QPersistentModelIndex current;
+        bool updates;
+        bool autoScroll;
+    };
+    std::vector<Quiet> m_views;
+};
 
 /// The icon of an open folder differs from that of a closed one: the model is told of both.
 template <class Model>

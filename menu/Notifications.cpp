@@ -118,7 +118,8 @@ void OrvoMenu::elementUpdated(const orvo::Notification& change) {
     const QModelIndex current = m_menuModel->findIndexByKey(currentKey);
     if (!current.isValid())
         return;
-    m_ui->tvMenu->update(current);
+    // All of the view: to find the place of one row it would lay out every row at once.
+    m_ui->tvMenu->viewport()->update();
     orvo::makeCurrentAnew(m_ui->tvMenu, current);
 }
 

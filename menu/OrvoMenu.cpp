@@ -4,6 +4,7 @@
 
 #include "frame/CommonFunctions.h"
 #include "frame/Records.h"
+#include "frame/ViewRows.h"
 #include "frame/WindowParts.h"
 
 #include <QApplication>
@@ -79,7 +80,10 @@ bool OrvoMenu::ModuleStart() {
 void OrvoMenu::ModuleStop() {}
 
 void OrvoMenu::MessageOn() {
-    MessageGet();
+    {
+        const orvo::QuietViews quiet({m_ui->tvDesck, m_ui->tvMenu, m_ui->tvProp});
+        MessageGet();
+    }
     if (!m_focusKey.isNull())
         setMenuFocusedItemAfterChanges();
 }
