@@ -8,9 +8,9 @@
 // The sources are split by subject: OrvoResources (start, tables, notifications' end), Arrangement
 // (the views), Actions (what is switched on when, context menu), CurrentRow (what a move of the
 // current row or the selection does), Tree (filling, rows, positions), Passports, Notifications
-// (what comes back from the server), Extraction (paths, files to the disk, opening a form), Creating
-// (new rows, edits of the passport, the icon picker), Saving (save and cancel), Upload, Deletion,
-// Search, Clipboard (cut, paste and drops).
+// (what comes back from the server), Extraction (paths, files to the disk, opening a form),
+// Creating (new rows, edits of the passport, the icon picker), Saving (save and cancel), Upload,
+// Deletion, Search, Clipboard (cut, paste and drops).
 #ifndef ORVO_RESOURCES_ORVORESOURCES_H
 #define ORVO_RESOURCES_ORVORESOURCES_H
 
