@@ -34,12 +34,17 @@ void makeCurrentAnew(QTreeView* view, const QModelIndex& row) {
 }
 
 void removeRow(QTreeView* view, const QModelIndex& row) {
+    if (currentStandsIn(view, row))
+        removePlaceholder(view, row);
+    else
+        view->model()->removeRows(row.row(), 1, row.parent());
+}
+
+void removePlaceholder(QTreeView* view, const QModelIndex& row) {
     QAbstractItemModel* model = view->model();
     const QPersistentModelIndex parent(row.parent());
     const int number = row.row();
-    const bool currentGoes = currentStandsIn(view, row);
-    model->removeRows(number, 1, parent);
-    if (!currentGoes)
+    if (!model->removeRows(number, 1, parent))
         return;
     const int left = model->rowCount(parent);
     view->setCurrentIndex(left == 0 ? QModelIndex(parent)

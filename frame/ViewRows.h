@@ -33,6 +33,9 @@ void makeCurrentAnew(QTreeView* view, const QModelIndex& row);
 /// Removes a row. If the current row goes with it, the next sibling becomes current, the previous
 /// one behind the last, and the parent after the only one.
 void removeRow(QTreeView* view, const QModelIndex& row);
+/// Removes a row that was never saved. Wherever the current row is, the row that then stands in its
+/// place becomes current, or the last one, or the parent if none is left.
+void removePlaceholder(QTreeView* view, const QModelIndex& row);
 /// Follows a notification of a deletion: the row goes first, if there is one, then the record. A
 /// key that the table does not have changes nothing.
 void removeRecord(const Notification& change, CMDArray& table, QTreeView* view,

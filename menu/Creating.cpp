@@ -10,6 +10,7 @@
 #include "frame/ScratchTable.h"
 #include "frame/ViewRows.h"
 #include "menu/Columns.h"
+#include "models/Passport.h"
 #include "picker/PopObjectList.h"
 
 #include <QItemSelectionModel>
@@ -22,7 +23,6 @@ namespace {
 
 constexpr int pickerCaptionColumn = 1;
 constexpr int pickerKeyColumn = 4;
-constexpr int valueColumn = 1;
 
 bool isRow(const QString& rowName, const char* name) {
     return orvo::sameText(rowName, QString::fromLatin1(name));
@@ -39,21 +39,7 @@ int nextOrder(const MenuTreeModel& model, const QModelIndex& parent) {
 } // namespace
 
 CPopObjectList* OrvoMenu::picker() {
-    if (!m_popList) {
-        m_popList = new CPopObjectList(this); // child of the window
-        m_popList->moveToCenter();
-        m_popList->m_popup = true;
-        connect(m_popList, &CPopObjectList::btnOK_pressed, this, &OrvoMenu::on_poplist_OK_Pressed);
-    }
-    return m_popList;
-}
-
-void OrvoMenu::showPicker() {
-    // Each showing lists anew, also when the pop-up still stands open.
-    m_popList->hide();
-    m_popList->show();
-    m_popList->raise();
-    m_popList->activateWindow();
+    return orvo::ownPicker(this, m_popList, &OrvoMenu::on_poplist_OK_Pressed);
 }
 
 void OrvoMenu::on_actNewElemModul_triggered() {
@@ -75,7 +61,7 @@ void OrvoMenu::chooseNewElements(int32_t kind) {
     list->multipleChoice = true;
     list->objectType = kind;
     list->chosenName = QString();
-    showPicker();
+    list->showAnew();
 }
 
 void OrvoMenu::on_poplist_OK_Pressed() {
@@ -127,16 +113,11 @@ void OrvoMenu::takeChosenValue() {
     const QString name = m_popList->chosenName;
     const QString key = m_popList->chosenKey;
     if (isRow(m_popTarget, "icon")) {
-        setPassportValue(QStringLiteral("icon"), name);
+        orvo::editPassportValue(*m_propModel, QStringLiteral("icon"), name);
     } else if (isRow(m_popTarget, "object")) {
-        setPassportValue(QStringLiteral("object"), name);
-        setPassportValue(QStringLiteral("keylink"), key);
+        orvo::editPassportValue(*m_propModel, QStringLiteral("object"), name);
+        orvo::editPassportValue(*m_propModel, QStringLiteral("keylink"), key);
     }
-}
-
-void OrvoMenu::setPassportValue(const QString& rowName, const QString& value) {
-    const QModelIndex row = m_propModel->findIndexByKey(rowName);
-    m_propModel->setData(row.siblingAtColumn(valueColumn), value, Qt::EditRole);
 }
 
 void OrvoMenu::on_passp_buttonpressed(const QString& rowName) {
@@ -151,7 +132,7 @@ void OrvoMenu::on_passp_buttonpressed(const QString& rowName) {
         list->multipleChoice = false;
         list->sourceName = QStringLiteral("icons");
         list->chosenName = valueOf("icon");
-        showPicker();
+        list->showAnew();
     } else if (isRow(rowName, "object")) {
         CPopObjectList* list = picker();
         list->multipleChoice = false;
@@ -167,7 +148,7 @@ void OrvoMenu::on_passp_buttonpressed(const QString& rowName) {
             return;
         list->objectType = kind;
         list->sourceName = QString();
-        showPicker();
+        list->showAnew();
     }
 }
 

@@ -7,6 +7,7 @@
 
 #include "frame/Records.h"
 #include "frame/ScratchTable.h"
+#include "frame/ViewRows.h"
 #include "menu/Columns.h"
 
 #include <QToolButton>
@@ -33,24 +34,6 @@ int columnOf(const QString& rowName) {
 
 QString textAt(const QModelIndex& row, int column) {
     return row.siblingAtColumn(column).data().toString();
-}
-
-/// Removes a placeholder; what stands in its place becomes current, or the last row, or the parent.
-void removePlaceholder(QTreeView* view, const QModelIndex& placeholder) {
-    QAbstractItemModel* model = view->model();
-    const QPersistentModelIndex parent(placeholder.parent());
-    const int row = placeholder.row();
-    if (!model->removeRows(row, 1, parent))
-        return;
-    const int left = model->rowCount(parent);
-    view->setCurrentIndex(left == 0 ? QModelIndex(parent)
-                                    : model->index(std::min(row, left - 1), 0, parent));
-}
-
-/// Makes the parent current and then the row, so that everything about the row is shown afresh.
-void showAgain(QTreeView* view, const QPersistentModelIndex& row) {
-    view->setCurrentIndex(row.parent());
-    view->setCurrentIndex(row);
 }
 
 } // namespace
@@ -202,13 +185,13 @@ void OrvoMenu::on_cancel_pressed() {
             return;
         m_editMode = NoEdit;
         m_ui->tvDesck->setEditTriggers(QAbstractItemView::NoEditTriggers);
-        removePlaceholder(m_ui->tvDesck, m_editDesckIndex);
+        orvo::removePlaceholder(m_ui->tvDesck, m_editDesckIndex);
         break;
     case NewElement:
         if (!m_editMenuIndex.isValid())
             return;
         m_editMode = NoEdit;
-        removePlaceholder(m_ui->tvMenu, m_editMenuIndex);
+        orvo::removePlaceholder(m_ui->tvMenu, m_editMenuIndex);
         break;
     case RenameDesck:
         cancelDesckName();
@@ -232,7 +215,7 @@ void OrvoMenu::cancelDesckName() {
     m_ui->tvDesck->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_desckModel->setData(row, orvo::textOf(record, "caption"), Qt::DisplayRole);
     m_editDesckIndex = QModelIndex();
-    showAgain(m_ui->tvDesck, row);
+    orvo::makeCurrentAnew(m_ui->tvDesck, row);
 }
 
 void OrvoMenu::cancelElement() {
@@ -244,7 +227,7 @@ void OrvoMenu::cancelElement() {
     if (!record)
         return;
     loadMenuRow(row.parent(), row.row(), record);
-    showAgain(m_ui->tvMenu, row);
+    orvo::makeCurrentAnew(m_ui->tvMenu, row);
 }
 
 void OrvoMenu::on_Desck_NameChanged(const QString& text) {

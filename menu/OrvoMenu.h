@@ -241,11 +241,9 @@ private:
 
     // Creating
     CPopObjectList* picker();
-    void showPicker();
     void chooseNewElements(int32_t kind);
     void addChosenElements();
     void takeChosenValue();
-    void setPassportValue(const QString& rowName, const QString& value);
 
     // Editing
     /// Saves the open edit because the engineer turns to something else. An edit whose row is gone

@@ -25,6 +25,10 @@ struct PassportRow {
 QModelIndex addPassportCategory(PropModel& model, const QString& name, const QString& caption,
                                 std::initializer_list<PassportRow> rows);
 
+/// Changes the value of a row as the user's own edit does: the model reports it. Nothing happens if
+/// the grid has no such row.
+void editPassportValue(PropModel& model, const QString& rowName, const QVariant& value);
+
 } // namespace orvo
 
 #endif

@@ -64,6 +64,13 @@ QTreeView* CPopObjectList::tvObj() const {
     return m_ui->tvObj;
 }
 
+void CPopObjectList::showAnew() {
+    hide();
+    show();
+    raise();
+    activateWindow();
+}
+
 void CPopObjectList::showEvent(QShowEvent* event) {
     CPopTemplate::showEvent(event);
     // A window that the desktop brings back keeps what it shows.

@@ -48,6 +48,8 @@ public:
 
     /// The tree, for the caller's look at the selected rows.
     QTreeView* tvObj() const;
+    /// Shows the pop-up in front of its window, its list loaded anew, also if it still stands open.
+    void showAnew();
 
     void refreshTables();
     void clearModel();
@@ -83,5 +85,22 @@ private:
 
     std::unique_ptr<PopTreeModel> m_model;
 };
+
+namespace orvo {
+
+/// The picker of an editor: made when it is first asked for, as a child of the editor's window and
+/// over its middle, and kept in `list`. `chosen`, a slot of the editor, runs at each OK.
+template <class Editor>
+CPopObjectList* ownPicker(Editor* editor, CPopObjectList*& list, void (Editor::*chosen)()) {
+    if (!list) {
+        list = new CPopObjectList(editor);
+        list->moveToCenter();
+        list->m_popup = true;
+        QObject::connect(list, &CPopObjectList::btnOK_pressed, editor, chosen);
+    }
+    return list;
+}
+
+} // namespace orvo
 
 #endif

@@ -26,10 +26,10 @@ void OrvoResources::on_tvRes_currentChanged(const QModelIndex& current, const QM
         if (current.sibling(current.row(), ResColumn::IsNew).data().toBool())
             m_newItemIndex = current.siblingAtColumn(0);
         else
-            on_save_pressed();
+            finishEdit();
         break;
     case EditRow:
-        on_save_pressed();
+        finishEdit();
         break;
     default:
         return;

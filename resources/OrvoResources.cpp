@@ -5,6 +5,7 @@
 #include "frame/CommonFunctions.h"
 #include "frame/Records.h"
 #include "frame/ScratchTable.h"
+#include "frame/ViewRows.h"
 #include "frame/WindowParts.h"
 #include "resources/Columns.h"
 
@@ -108,7 +109,10 @@ bool OrvoResources::ModuleStart() {
 void OrvoResources::ModuleStop() {}
 
 void OrvoResources::MessageOn() {
-    MessageGet();
+    {
+        const orvo::QuietViews quiet({m_ui->tvRes, m_ui->tvProp});
+        MessageGet();
+    }
     if (!m_focusKey.isEmpty())
         setResFocusedItemAfterChanges();
 }

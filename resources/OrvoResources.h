@@ -40,6 +40,7 @@ class Ui_OrvoResources;
 
 namespace orvo {
 class Notification;
+class ScratchTable;
 } // namespace orvo
 
 class OrvoResources : public COrvoCliMod, public orvo::ObjectListOwner {
@@ -144,6 +145,18 @@ protected:
     void loadFolderPassport(const QModelIndex& index);
     void loadItemPassport(const QModelIndex& index);
 
+    // Saving. The checks tell whether the name may be used for the row of `index`; if not,
+    // `message` says why.
+    /// Unique among the resources of its kind, in whatever folder.
+    bool checkResourceName(const QString& name, const QModelIndex& index, QString* message);
+    /// Unique among the folders of its parent, the folder itself included.
+    bool checkResFolderName(const QString& caption, const QModelIndex& index, QString* message);
+    /// Add the record of a row, every field of it.
+    void loadResFolderToTable(const QModelIndex& index, orvo::ScratchTable& out,
+                              MdxRecordFlag flag) const;
+    void loadResourceToTable(const QModelIndex& index, orvo::ScratchTable& out,
+                             MdxRecordFlag flag) const;
+
     // Paths in the stores: captions joined by "/", none at either end
     /// Of the folder of a form, from level 2 down to it; empty at level 1.
     QString getFormPath(const QModelIndex& index) const;
@@ -225,6 +238,26 @@ private:
     void addFileRows(const CMDArray& files, const QString& timeFormat);
     /// A time of the server, in local time; a null string for NULL.
     QString timeText(const MDRData* record, MDRField field, const QString& format) const;
+
+    // Creating and saving
+    void addRow(const QString& caption, bool isFolder);
+    /// Saves the open edit because the engineer turns to something else. An edit whose row is gone
+    /// just ends. False if it stays open: its name is refused, or the server gave no structure.
+    bool finishEdit();
+    /// Whether another client removed the row that the open edit is about.
+    bool editIsLost() const;
+    void endEdit();
+    void saveRow(const QModelIndex& row, MdxRecordFlag flag);
+    void cancelEdit();
+
+    // Deletion
+    void deleteRecord(const char* table, const QString& key);
+    /// Of the selected rows.
+    void deleteForms();
+    void deleteFiles();
+    /// Whether elements of any menu start that resource; asks the server.
+    bool isInMenus(const QString& key);
+    void showReferenceError();
 
     // Notifications
     void folderUpdated(const orvo::Notification& change);

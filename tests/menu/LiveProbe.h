@@ -10,7 +10,6 @@
 #include "frame/Records.h"
 #include "picker/PopObjectList.h"
 
-#include <QLineEdit>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QToolButton>
@@ -32,12 +31,6 @@ public:
     using OrvoMenu::on_passp_returnPressed;
     using OrvoMenu::on_poplist_OK_Pressed;
 };
-
-/// Types a text, Cyrillic too, key by key.
-inline void typeText(QWidget* editor, const QString& text) {
-    for (const QChar letter : text)
-        QTest::sendKeyEvent(QTest::Click, editor, Qt::Key_unknown, QString(letter), Qt::NoModifier);
-}
 
 /// The rows of fillPlant, and what `fill` adds, in a started editor with all desktops in sight and
 /// the menu of "armop" open to its last level.
@@ -102,15 +95,7 @@ struct Live {
     }
     /// The open editor of a passport row.
     QLineEdit* lineOf(const char* row) {
-        const QModelIndex value =
-            editor->m_propModel->findIndexByKey(QString::fromLatin1(row)).siblingAtColumn(1);
-        propView()->setCurrentIndex(value);
-        if (!propView()->indexWidget(value))
-            propView()->edit(value);
-        auto* line = qobject_cast<QLineEdit*>(propView()->indexWidget(value));
-        if (!line)
-            qFatal("no editor for %s", row);
-        return line;
+        return passportLine(propView(), *editor->m_propModel, row);
     }
 
     // What the server tells

@@ -4,9 +4,8 @@
 #define ORVO_TESTS_MENU_OPERATIONSPROBE_H
 
 #include "tests/menu/MenuProbe.h"
+#include "tests/menu/WindowHands.h"
 
-#include <QAbstractButton>
-#include <QLabel>
 #include <QToolButton>
 
 namespace orvo::test {
@@ -67,24 +66,14 @@ public:
     }
 
     CPopMessageBox* box() const { return module->m_popMessageBox; }
-    bool isAsking() const { return box() && box()->isVisible(); }
+    bool isAsking() const { return boxStands(*module); }
     /// The text of the box.
-    QString question() const {
-        QStringList texts;
-        for (const QLabel* label : box()->findChildren<QLabel*>())
-            texts << label->text();
-        return texts.join('\n');
-    }
-    QAbstractButton* button(int role) const {
-        for (QAbstractButton* button : box()->findChildren<QAbstractButton*>())
-            if (box()->ButtonRole(button) == role)
-                return button;
-        qFatal("the box has no button of role %d", role);
-    }
-    void answer(int role) { QTest::mouseClick(button(role), Qt::LeftButton); }
+    QString question() const { return boxText(*module); }
+    QAbstractButton* button(int role) const { return boxButton(*module, role); }
+    void answer(int role) { answerBox(*module, role); }
 
-    static constexpr int Yes = 5;
-    static constexpr int No = 6;
+    static constexpr int Yes = YesRole;
+    static constexpr int No = NoRole;
 };
 
 } // namespace orvo::test
