@@ -165,8 +165,8 @@ KeyValues::KeyValues() {
 }
 
 KeyValues& KeyValues::add(const MDRVar& value) {
-    Q_ASSERT(m_count < m_bytes.size());
-    m_values[m_count++] = value;
+    if (m_count < m_bytes.size())
+        m_values[m_count++] = value;
     return *this;
 }
 
@@ -179,7 +179,8 @@ KeyValues& KeyValues::textOrNull(const QString& text) {
 }
 
 KeyValues& KeyValues::bytes(const QByteArray& bytes) {
-    Q_ASSERT(m_count < m_bytes.size());
+    if (m_count == m_bytes.size())
+        return *this;
     m_bytes[m_count] = bytes;
     return add(textVar(m_bytes[m_count]));
 }

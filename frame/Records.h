@@ -106,6 +106,8 @@ bool isEmptyText(const MDRData* record, F field) {
 /// given are NULL, so a list of the leading values finds the start of their group:
 ///
 ///     seekPosition(table, 3, KeyValues().text(parent))
+///
+/// Room is for eight, twice what the widest key takes; any further one stays NULL.
 class KeyValues {
 public:
     KeyValues();

@@ -27,8 +27,10 @@ public:
     bool isItemFolder(const QModelIndex& index) const;
     /// -1 for an invalid index, 0 for the top row.
     int getItemLevel(const QModelIndex& index) const { return itemLevel(index); }
-    /// Whether there are rows below; of the whole tree for an invalid index.
-    bool hasChildren(const QModelIndex& index) const { return rowCount(index) > 0; }
+    /// Whether there are rows below; of the whole tree for an invalid index. Beside the base
+    /// class's function of that name, which the views ask, and which it does not override.
+    bool hasChildren(const QModelIndex& index) { return rowCount(index) > 0; }
+    using QAbstractItemModel::hasChildren;
     /// Row of the first child that is a desktop; -1 if there is none or the index is invalid.
     int getFirstDesckElement(const QModelIndex& index) const;
     /// Moves a row among its siblings: the values only, a folder arrives empty.

@@ -9,6 +9,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPainter>
+#include <QPersistentModelIndex>
 #include <QSignalBlocker>
 #include <QStyle>
 #include <QToolButton>
@@ -71,7 +72,14 @@ QWidget* PasspDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem
     case MyEditorCheck: {
         auto* check = new QCheckBox(parent);
         connect(check, &QCheckBox::stateChanged, this, &PasspDelegate::commitEditorData);
+        // The owner hears of the new value at once. Should it show another passport upon that, the
+        // view must not go on with this cell.
+        const QPersistentModelIndex cell = index;
         m_model->setData(index, !index.data(Qt::DisplayRole).toBool(), Qt::EditRole);
+        if (!cell.isValid()) {
+            delete check;
+            return nullptr;
+        }
         return check;
     }
     case MyEditorButton: {

@@ -11,8 +11,8 @@ bool isEditRow(const PaspRec& row) {
     return row.data(IsEditRow).toBool();
 }
 
-bool isComboRow(const PaspRec& row) {
-    return isEditRow(row) && row.data(Editor).toInt() == MyEditorCombo;
+bool isCombo(const PaspRec& row) {
+    return row.data(Editor).toInt() == MyEditorCombo;
 }
 
 } // namespace
@@ -96,7 +96,7 @@ bool PropModel::clearRows() {
 
 void PropModel::setComboBox(const QString& name, QComboBox* comboBox) {
     PaspRec* row = editorRow(name);
-    if (row && isComboRow(*row))
+    if (row && isCombo(*row))
         row->setComboBox(comboBox);
 }
 
@@ -104,5 +104,5 @@ QComboBox* PropModel::getComboBox(const QModelIndex& index) const {
     if (!index.isValid())
         return nullptr;
     const PaspRec& row = *getItem(index);
-    return isComboRow(row) ? row.comboBox() : nullptr;
+    return isCombo(row) ? row.comboBox() : nullptr;
 }

@@ -181,7 +181,7 @@ bool ResTreeModel::canDropMimeData(const QMimeData* data, Qt::DropAction, int ro
     if (row >= rowCount(target))
         return false;
 
-    const QModelIndex here = index(row, 0, target);
+    const QModelIndex here = index(row, 0, parent);
     const bool intoHere = here.isValid() && itemIsFolder(here);
     QModelIndex destination = here;
     if (here.isValid() && !intoHere)
@@ -189,33 +189,34 @@ bool ResTreeModel::canDropMimeData(const QMimeData* data, Qt::DropAction, int ro
     else if (!here.isValid())
         destination = itemIsFolder(target) ? target : target.parent();
 
+    QModelIndexList above;
+    for (QModelIndex at = destination; getItemLevel(at) >= 2;)
+        above.append(at = at.parent());
+    QSet<QString> folderNames, resourceNames;
     for (const QString& key : keys) {
-        if (!mayDrop(findIndexByKey(key), destination, !intoHere, targetType == File))
+        const QModelIndex source = findIndexByKey(key);
+        if (!intoHere && source.parent() == destination)
             return false;
+        if (above.contains(source))
+            return false;
+        if (itemIsFolder(source))
+            folderNames.insert(itemText(source, Name));
+        else
+            resourceNames.insert(itemText(source, Resource));
     }
-    return true;
+    // The file area stands for real folders, in which names are unique.
+    return targetType != File || !(holdsAny(destination, Name, folderNames) ||
+                                   holdsAny(destination, Resource, resourceNames));
 }
 
-/// `besides`: a row may not stay where it is. `uniqueNames`: the folder stands for a real one.
-bool ResTreeModel::mayDrop(const QModelIndex& source, const QModelIndex& destination, bool besides,
-                           bool uniqueNames) const {
-    if (besides && source.parent() == destination)
-        return false;
-    for (QModelIndex at = destination; getItemLevel(at) >= 2;) {
-        at = at.parent();
-        if (at == source)
-            return false;
+bool ResTreeModel::holdsAny(const QModelIndex& folder, int column,
+                            const QSet<QString>& texts) const {
+    const TabRec* row = getItem(folder);
+    for (int i = 0; i < row->childCount() && !texts.isEmpty(); ++i) {
+        if (texts.contains(row->child(i)->data(column).toString()))
+            return true;
     }
-    if (!uniqueNames)
-        return true;
-    const int column = itemIsFolder(source) ? Name : Resource;
-    const QString name = itemText(source, column);
-    const TabRec* folder = getItem(destination);
-    for (int row = 0; row < folder->childCount(); ++row) {
-        if (folder->child(row)->data(column).toString() == name)
-            return false;
-    }
-    return true;
+    return false;
 }
 
 bool ResTreeModel::dropMimeData(const QMimeData* data, Qt::DropAction, int row, int,

@@ -6,6 +6,8 @@
 #include "models/TabRec.h"
 #include "models/TreeModelCore.h"
 
+#include <QSet>
+
 /// Columns: 0 name, 1 resource, 2 icon file name, 3 lock, 4 date of the lock, 5 KeyLink (the key),
 /// 6 type (0 menu root, 1 module, 2 function, 3 form, 4 file, 5 orphan folder), 7 params,
 /// 8 FolderKey, 9 whether it is a folder, 10 date, 11 size, 12 blocked (1 by this user, 2 by
@@ -42,8 +44,10 @@ public:
     int getItemLevel(const QModelIndex& index) const { return itemLevel(index); }
     /// Whether the row is of type 4; false for an invalid index.
     bool itemInSystemArea(const QModelIndex& index) const;
-    /// Whether there are rows below; of the whole tree for an invalid index.
-    bool hasChildren(const QModelIndex& index) const { return rowCount(index) > 0; }
+    /// Whether there are rows below; of the whole tree for an invalid index. Beside the base
+    /// class's function of that name, which the views ask, and which it does not override.
+    bool hasChildren(const QModelIndex& index) { return rowCount(index) > 0; }
+    using QAbstractItemModel::hasChildren;
 
     // The list of files that a row may carry.
     int addfileInfo(const QModelIndex& index); ///< the new element's position; -1: invalid index
@@ -72,8 +76,8 @@ signals:
 
 private:
     QVariant decoration(const TabRec& row, int column) const;
-    bool mayDrop(const QModelIndex& source, const QModelIndex& destination, bool besides,
-                 bool uniqueNames) const;
+    /// Whether a row of the folder has one of these texts in a column.
+    bool holdsAny(const QModelIndex& folder, int column, const QSet<QString>& texts) const;
 
     const QString m_iconsPath;
     mutable IconCache m_icons;

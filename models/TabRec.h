@@ -83,7 +83,7 @@ private:
     std::unique_ptr<MyFileInfo[]> m_fileInfo;
     int32_t m_level;
     bool m_expanded = false;
-    Qt::CheckState m_checkState : 8;
+    Qt::CheckState m_checkState : 8 = Qt::Unchecked;
     int32_t m_fileInfoCount = 0;
     mutable int32_t m_rowHint = 0; ///< the row it was last seen at
     uint32_t m_keyHash = 0;        ///< of a row on its way into a model, see RowBatch

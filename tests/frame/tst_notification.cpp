@@ -150,6 +150,8 @@ void NotificationTest::theTableNameStandsBetweenTheFifthCharacterAndTheComma_dat
     QTest::newRow("the first comma counts") << QByteArray("NCI:a,b,c") << "a";
     QTest::newRow("no comma") << QByteArray("NCI:Menu") << "";
     QTest::newRow("comma at once") << QByteArray("NCI:,Menu") << "";
+    QTest::newRow("comma too early") << QByteArray("NCI,Menu") << "Menu";
+    QTest::newRow("comma first") << QByteArray(",abcMenu,1") << "Menu,1";
     QTest::newRow("empty") << QByteArray("") << "";
 }
 

@@ -78,6 +78,8 @@ private slots:
     void aServerErrorIsToldInWords();
     void furtherInformationIsUtf8_data() { bothFetches(); }
     void furtherInformationIsUtf8();
+    void emptyFurtherInformationIsAppendedAllTheSame();
+    void aTableNameGoesAsItsBytes();
     void theErrorTextIsClearedFirst_data() { bothFetches(); }
     void theErrorTextIsClearedFirst();
     void anEmptyBlockIsAStructureWithoutFields();
@@ -192,6 +194,25 @@ void Requests::furtherInformationIsUtf8() {
     QString error;
     QCOMPARE(fetch(server.session.get(), "Menu", table, &error), 0);
     QCOMPARE(error, QString("Ошибка -> Недостаточно ОП Доп. инф: таблица занята"));
+}
+
+void Requests::emptyFurtherInformationIsAppendedAllTheSame() {
+    Server server;
+    server.answer(failure(5, ""));
+    CMDArray table;
+    QString error;
+    QCOMPARE(GetTableRecords(server.session.get(), "Menu", table, &error), 0);
+    QCOMPARE(error, QString("Ошибка -> Имя не найдено Доп. инф: "));
+}
+
+void Requests::aTableNameGoesAsItsBytes() {
+    Server server;
+    server.answerStructure();
+    CMDArray table;
+    QString error;
+    const std::string name = "Меню\xff";
+    QVERIFY(GetTableStructure(server.session.get(), name, table, &error));
+    QCOMPARE(server.script.data, QByteArray::fromStdString(name));
 }
 
 void Requests::theErrorTextIsClearedFirst() {

@@ -255,6 +255,34 @@ private slots:
         QCOMPARE(table.status, int(MDX_E_DUPLICATE));
     }
 
+    void aFieldListIsReadUpToItsThreeHundredAndEightyFourthCharacter() {
+        CMDArray table;
+        std::string list;
+        for (int i = 0; i < 48; ++i) {
+            const std::string name = "fld" + std::to_string(i < 47 ? 1000 + i : 10000);
+            orvo::mdx::addField(table.array, name.c_str(), MDX_INTEGER);
+            list += (i > 0 ? ";" : "") + name;
+        }
+        QCOMPARE(list.size(), size_t(384));
+        table.KeyAdd((list + "0;nothing").c_str(), MDX_KEY_MULTI);
+        QCOMPARE(table.status, int(MDX_OK));
+        QCOMPARE(table.array->keyCount, 1u);
+        table.KeyAdd((list.substr(0, 383) + "x").c_str(), MDX_KEY_MULTI);
+        QCOMPARE(table.status, int(MDX_E_NOFIELD));
+    }
+
+    void aRefusedValueMarksItsFieldAllTheSame() {
+        CMDArray table;
+        orvo::mdx::addField(table.array, "n", MDX_INTEGER);
+        MDRData* record = MDARecNew(table.array);
+        const std::string text = "no number";
+        table.SetValF(record, "n", textValue(text));
+        uint8_t marked = 0;
+        MDRIsUser(MDRFldByNum(table.array, 0), record, &marked);
+        QCOMPARE(int(marked), 1);
+        QVERIFY(isNull(record, 0));
+    }
+
     void unknownFieldsReadAsNoneAndWriteNothing() {
         CMDArray table;
         orvo::mdx::addField(table.array, "k", MDX_TEXT);

@@ -37,6 +37,7 @@ private slots:
     void anotherColumnIsNeverReportedAsName();
     void anUnacceptedRoleIsNeitherStoredNorReported();
     void theNameIsReportedAfterTheChange();
+    void hasChildrenDoesNotOverrideTheBaseClassOne();
     void answersForAnInvalidIndex();
     void theFirstDesktopIsFound();
     void rowsBelowAreSeenFromAnyColumn();
@@ -144,6 +145,19 @@ void DesckTree::theNameIsReportedAfterTheChange() {
             [&] { order << "nameChanged " + model.index(0, 0).data().toString(); });
     model.setData(model.index(0, 0), "b");
     QCOMPARE(order, QStringList({"dataChanged", "nameChanged b"}));
+}
+
+void DesckTree::hasChildrenDoesNotOverrideTheBaseClassOne() {
+    struct Closed : DesckTreeModel {
+        using DesckTreeModel::DesckTreeModel;
+        bool hasChildren(const QModelIndex&) const override { return false; }
+    };
+    Closed model(headers(6));
+    fill(model, Key, "a #a\n");
+    DesckTreeModel& plain = model;
+    const QAbstractItemModel& base = model;
+    QVERIFY(plain.hasChildren(QModelIndex()));
+    QVERIFY(!base.hasChildren());
 }
 
 void DesckTree::answersForAnInvalidIndex() {

@@ -100,6 +100,7 @@ private slots:
     void anUnsetCheckOpensTrue();
     void aReadOnlyCheckTurnsOverAllTheSame();
     void eachOpeningTurnsOverOnce();
+    void aCheckWhoseOwnerClearsTheGridOpensNoEditor();
     void aClickIntoAnOpenCheckWritesTheModel();
     void anUnsetValueIsPartiallyChecked();
     void partiallyCheckedWritesAnUnsetValue();
@@ -235,6 +236,16 @@ void PasspDelegateTest::eachOpeningTurnsOverOnce() {
     bench.open<QCheckBox>("copy");
     QCOMPARE(bench.model.getRowValue("copy"), QVariant(false));
     QCOMPARE(reported.count(), 2);
+}
+
+void PasspDelegateTest::aCheckWhoseOwnerClearsTheGridOpensNoEditor() {
+    Bench bench;
+    connect(&bench.model, &PropModel::editorRowValueChanged, &bench.model,
+            [&] { bench.model.clearRows(); });
+    bench.view.setCurrentIndex(bench.cell("copy"));
+    QCOMPARE(bench.model.rowCount(), 0);
+    QVERIFY(bench.view.findChildren<QCheckBox*>().isEmpty());
+    QTest::qWait(1);
 }
 
 void PasspDelegateTest::aClickIntoAnOpenCheckWritesTheModel() {

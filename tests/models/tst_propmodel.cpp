@@ -242,6 +242,9 @@ void PropTree::comboBoxesBelongToComboRowsOnly() {
     QVERIFY(!model.getComboBox(model.cell("name", 1)));
     QVERIFY(!model.getComboBox(model.cell("properties", 1)));
     QVERIFY(!model.getComboBox(QModelIndex()));
+    // The type alone decides, of whatever row.
+    model.setData(model.cell("properties", 2), int(MyEditorCombo));
+    QVERIFY(!model.getComboBox(model.cell("properties", 1)));
     // Whatever the record holds, the type decides.
     model.setData(model.cell("kind", 2), int(MyEditorLine));
     QVERIFY(!model.getComboBox(model.cell("kind", 1)));

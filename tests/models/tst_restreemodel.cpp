@@ -84,6 +84,7 @@ private slots:
     void orphansAreRedInTheFirstColumn();
     void searchRolesAnswerNameAndResource();
     void anEmptyKeyFindsNothing();
+    void hasChildrenDoesNotOverrideTheBaseClassOne();
     void answersForAnInvalidIndex();
     void areasAndFolders();
     void fileListsBelongToRows();
@@ -107,10 +108,12 @@ private slots:
     void aFolderIsNotDroppedBelowItself();
     void aFolderOnItselfPassesTheAncestorRule();
     void betweenRowsTheFolderBelowTheIndicatorCounts();
+    void betweenRowsOfAnotherColumnTheFolderAboveCounts();
     void betweenRowsAResourceMeansItsParent();
     void behindTheLastRowNothingIsDropped();
     void filesAreUniqueInTheirFolder();
     void foldersOfFilesAreUniqueByName();
+    void namesOfFilesAreComparedByCase();
     void inTheMenuAreaNamesMayRepeat();
     void aDropIsReportedAndChangesNothing();
     void aDropOnAResourceReportsItsFolder();
@@ -223,6 +226,19 @@ void ResTree::anEmptyKeyFindsNothing() {
     QVERIFY(!model.findIndexByKey(QString()).isValid());
     QVERIFY(!model.findIndexByKey("").isValid());
     QCOMPARE(model.findIndexByKey("wrongfolder").data().toString(), QString("lost"));
+}
+
+void ResTree::hasChildrenDoesNotOverrideTheBaseClassOne() {
+    struct Closed : ResTreeModel {
+        using ResTreeModel::ResTreeModel;
+        bool hasChildren(const QModelIndex&) const override { return false; }
+    };
+    Closed model(headers(14), QString());
+    fill(model, Key, "a #a\n");
+    ResTreeModel& plain = model;
+    const QAbstractItemModel& base = model;
+    QVERIFY(plain.hasChildren(QModelIndex()));
+    QVERIFY(!base.hasChildren());
 }
 
 void ResTree::answersForAnInvalidIndex() {
@@ -427,6 +443,13 @@ void ResTree::betweenRowsTheFolderBelowTheIndicatorCounts() {
     QVERIFY(!model.mayDrop({"mf"}, model.row("mf"), 0));
 }
 
+void ResTree::betweenRowsOfAnotherColumnTheFolderAboveCounts() {
+    Model model(tree);
+    // There are no rows below another column, so that nothing stands below the indicator.
+    QVERIFY(model.mayDrop({"ma"}, model.row("m"), 0));
+    QVERIFY(!model.mayDrop({"ma"}, model.row("m").siblingAtColumn(3), 0));
+}
+
 void ResTree::betweenRowsAResourceMeansItsParent() {
     Model model(tree);
     QVERIFY(!model.mayDrop({"ma"}, model.row("m"), 2));
@@ -457,6 +480,14 @@ void ResTree::foldersOfFilesAreUniqueByName() {
     QVERIFY(!model.mayDrop({"i"}, model.row("d")));
     model.setData(model.row("d3"), "Icons");
     QVERIFY(model.mayDrop({"d3"}, model.row("FileResources")));
+}
+
+void ResTree::namesOfFilesAreComparedByCase() {
+    Model model(tree);
+    QVERIFY(!model.mayDrop({"i1"}, model.row("d")));
+    const QModelIndex name = model.row("i1").siblingAtColumn(1);
+    model.setData(name, name.data().toString().toUpper());
+    QVERIFY(model.mayDrop({"i1"}, model.row("d")));
 }
 
 void ResTree::inTheMenuAreaNamesMayRepeat() {
