@@ -8,6 +8,10 @@ namespace orvo::test {
 
 namespace {
 
+QString text(std::string_view bytes) {
+    return QString::fromUtf8(bytes.data(), static_cast<int>(bytes.size()));
+}
+
 QString shown(const MDRVar& value) {
     if (value.null != 0 || value.type == MDX_NONE)
         return QStringLiteral("NULL");
@@ -52,7 +56,7 @@ QString shown(const MDArray* records, const MDRData* record) {
 WriteWatch::WriteWatch(std::unique_ptr<store::Store> store) : m_store(std::move(store)) {}
 
 store::Status WriteWatch::update(std::string_view table, const MDArray* records) {
-    WriteCall call{QString::fromUtf8(table.data(), static_cast<int>(table.size())), {}};
+    WriteCall call{text(table), {}};
     for (uint32_t i = 0; i < mdx::postedCount(records); ++i)
         call.records.append(shown(records, mdx::postedRecord(records, i)));
     const bool refused = call.table == refusedTable;
@@ -125,6 +129,10 @@ store::Status WriteWatch::formDelete(const std::vector<std::string>& forms) {
 store::Status WriteWatch::fileGet(std::string_view path, std::string_view name, bool withBytes,
                                   std::vector<store::StoredFile>* files) {
     return m_store->fileGet(path, name, withBytes, files);
+    QString job = QStringLiteral("delete forms");
+    for (const std::string& form : forms)
+        job += ' ' + text(form);
+    jobs << job;
 }
 store::Status WriteWatch::filePut(const std::vector<store::FileToPut>& files) {
     return m_store->filePut(files);
@@ -136,6 +144,10 @@ WriteWatch::fileDelete(const std::vector<std::pair<std::string, std::string>>& f
 store::Status WriteWatch::fileArea(
     const std::function<void(const std::string& path, const store::StoredFile& file)>& each) {
     return m_store->fileArea(each);
+    QString job = QStringLiteral("delete files");
+    for (const auto& [path, name] : files)
+        job += ' ' + text(path) + '/' + text(name);
+    jobs << job;
 }
 store::Status WriteWatch::userAdd(const store::User& user) {
     return m_store->userAdd(user);

@@ -29,6 +29,9 @@ public:
 
     QVector<WriteCall> calls;
     QString refusedTable; ///< writes to this table are refused
+    /// Look-ups by a link and deletions of stored forms and files, a line each: what it was, then
+    /// what it was asked for.
+    QStringList jobs;
 
     /// The calls as text, a table name and then an indented line for each record; keys that the
     /// editor made are numbered by their first mention, "#1", "#2". Forgets the calls.

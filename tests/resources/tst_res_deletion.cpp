@@ -1,0 +1,457 @@
+// Deleting folders at once, and resources after a question.
+#include "tests/menu/Outage.h"
+#include "tests/resources/WritingProbe.h"
+
+using namespace orvo::test;
+
+namespace {
+
+constexpr char referenced[] =
+    "Ошибка\nВыполнение операции невозможно, так как на ресурс есть ссылки из меню.";
+
+orvo::store::FileToPut file(const char* path, const char* name, std::string_view bytes) {
+    return {path, name, bytes, {}};
+}
+
+void put(const orvo::store::Status& status) {
+    if (!status.ok())
+        qFatal("not stored: %s", status.text.c_str());
+}
+
+/// An element of a menu that starts a resource.
+void refer(TestStore& store, const char* resource) {
+    store.insert("Menu", {{"KeyLink", "e" + QString(resource)},
+                          {"FolderKey", QString("desck")},
+                          {"caption", QString("Ссылка")},
+                          {"MenuResourceKey", QString(resource)}});
+}
+
+/// With what was written and asked for since the editor stood there.
+struct Deleting : Writing {
+    explicit Deleting(Fill fill = nullptr) : Writing(fill) { forget(); }
+    void forget() {
+        written();
+        host.writes().jobs.clear();
+    }
+    QStringList jobs() { return host.writes().jobs; }
+    /// Asks to delete the current row and answers Yes.
+    void confirm() {
+        forget();
+        editor->on_actDelete_triggered();
+        if (box().isEmpty())
+            qFatal("there is no question");
+        answer(YesRole);
+    }
+    QStringList storedForms() {
+        QStringList names;
+        for (const char* form : {"Boiler", "Burner", "Drum"}) {
+            std::vector<orvo::store::StoredFile> files;
+            put(host.ownStore().formGet(form, false, &files));
+            if (!files.empty())
+                names << form;
+        }
+        return names;
+    }
+    QStringList storedFiles() {
+        QStringList names;
+        put(host.ownStore().fileArea(
+            [&](const std::string& path, const orvo::store::StoredFile& stored) {
+                names << QString::fromStdString(path + "/" + stored.name);
+            }));
+        names.sort();
+        return names;
+    }
+};
+
+void storeForms(TestStore& store) {
+    const auto connection = store.connect();
+    put(connection->formPut("Котлы", {file("", "Boiler", "b"), file("", "Boiler.png", "png")}));
+    put(connection->formPut("Котлы", {file("", "Burner", "b")}));
+    put(connection->formPut("", {file("", "Drum", "d")}));
+}
+
+void storeFiles(TestStore& store) {
+    put(store.connect()->filePut({file("docs", "manual.txt", "m"), file("docs", "note.txt", "n"),
+                                  file("docs/deep", "low.txt", "l"), file("", "readme.txt", "r")}));
+}
+
+} // namespace
+
+class TestResDeletion : public QObject {
+    Q_OBJECT
+private slots:
+    // Folders
+    void anEmptyFolderIsDeletedAtOnce();
+    void aFolderWithRowsOffersNoDeletion();
+    void whetherAFolderIsEmptyIsSeenWhenItBecomesCurrent();
+    void aFolderWithoutAStructureStays();
+    void aRefusedFolderStays();
+
+    // The question
+    void theQuestion_data();
+    void theQuestion();
+    void withoutACurrentRowThereIsNoQuestion();
+    void aNegativeAnswerLeavesNothingSelected();
+    void aClosedBoxIsANegativeAnswer();
+    void whatIsCurrentThenCounts();
+    void aRowThatIsGoneIsLeft();
+    void aRowWithoutAKindIsLeft();
+
+    // Modules and functions
+    void aModuleIsDeleted();
+    void aFunctionIsDeleted();
+    void ofSeveralModulesTheCurrentOneIsDeleted();
+    void aModuleThatMenusReferToStays();
+    void aModuleWithoutAStructureStays();
+    void aRefusedModuleStays();
+
+    // Forms
+    void theSelectedFormsAreDeleted();
+    void aFormThatMenusReferToIsDeletedAllTheSame();
+    void theFirstReferenceEndsTheSearch();
+    void withoutASelectedFormNothingIsDeleted();
+
+    // Files
+    void theSelectedFilesAreDeleted();
+    void aFileAtTheTopIsDeleted();
+    void filesAreDeletedWhateverMenusReferTo();
+    void withoutASelectedFileNothingIsDeleted();
+};
+
+// Folders ----------------------------------------------------------------------------------------
+
+void TestResDeletion::anEmptyFolderIsDeletedAtOnce() {
+    Deleting live;
+    live.makeCurrent("alarms");
+    QVERIFY(live.editor.action("actDelete")->isEnabled());
+    live.editor.action("actDelete")->trigger();
+    QCOMPARE(live.box(), QString());
+    QCOMPARE(live.written(), QString("MenuResourceFolder\n  -alarms\n"));
+    QVERIFY(live->row("alarms").isValid());
+    QVERIFY(orvo::seekKey(live->m_tabResFolder, "alarms"));
+    live.deliver();
+    QVERIFY(!live->row("alarms").isValid());
+    QVERIFY(!orvo::seekKey(live->m_tabResFolder, "alarms"));
+    QCOMPARE(live.currentKey(), QString("trends"));
+}
+
+void TestResDeletion::aFolderWithRowsOffersNoDeletion() {
+    Deleting live;
+    live.makeCurrent("trends");
+    QVERIFY(!live.editor.action("actDelete")->isEnabled());
+    live.makeCurrent("docs");
+    QVERIFY(!live.editor.action("actDelete")->isEnabled());
+}
+
+void TestResDeletion::whetherAFolderIsEmptyIsSeenWhenItBecomesCurrent() {
+    Deleting live;
+    live.makeCurrent("alarms");
+    addItem(live.store, "late", 1, "alarms", "Late", "Позже");
+    live.deliver();
+    QVERIFY(live.editor.action("actDelete")->isEnabled());
+    live.editor.action("actDelete")->trigger();
+    QCOMPARE(live.written(), QString("MenuResourceFolder\n  -alarms\n"));
+    live.makeCurrent("rlog");
+    live.makeCurrent("alarms");
+    QVERIFY(!live.editor.action("actDelete")->isEnabled());
+}
+
+void TestResDeletion::aFolderWithoutAStructureStays() {
+    Deleting live;
+    live.makeCurrent("alarms");
+    const StructureOutage outage;
+    live.editor.action("actDelete")->trigger();
+    QCOMPARE(live.written(), QString());
+    QCOMPARE(live.box(), QString());
+}
+
+void TestResDeletion::aRefusedFolderStays() {
+    Deleting live;
+    live.makeCurrent("alarms");
+    live.host.writes().refusedTable = "MenuResourceFolder";
+    live.editor.action("actDelete")->trigger();
+    live.deliver();
+    QVERIFY(live->row("alarms").isValid());
+    QCOMPARE(live.host.failures.size(), 1);
+    QCOMPARE(live.box(), QString());
+}
+
+// The question -----------------------------------------------------------------------------------
+
+void TestResDeletion::theQuestion_data() {
+    QTest::addColumn<QStringList>("selected");
+    QTest::addColumn<QString>("question");
+    const QString words = "Уведомление\nВы действительно хотите удалить выделенные элементы (%1) "
+                          "из списка %2";
+    QTest::newRow("module") << QStringList("rlog") << words.arg("1", "ресурсов меню?");
+    QTest::newRow("function") << QStringList("rcalc") << words.arg("1", "ресурсов меню?");
+    QTest::newRow("forms") << QStringList({"rboiler", "rburner"})
+                           << words.arg("2", "ресурсов меню?");
+    QTest::newRow("file") << QStringList("rmanual") << words.arg("1", "системных ресурсов?");
+    QTest::newRow("orphan") << QStringList("rlost") << words.arg("1", "ресурсов меню?");
+}
+
+void TestResDeletion::theQuestion() {
+    QFETCH(QStringList, selected);
+    Deleting live;
+    live.makeCurrent(qPrintable(selected.first()));
+    for (const QString& key : selected)
+        live.view()->selectionModel()->setCurrentIndex(
+            live->row(qPrintable(key)), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    live.editor.action("actDelete")->setEnabled(true);
+    live.editor.action("actDelete")->trigger();
+    QTEST(live.box(), "question");
+    QVERIFY(boxButton(*live.editor.module, YesRole));
+    QVERIFY(boxButton(*live.editor.module, NoRole));
+    QCOMPARE(live.written(), QString());
+    QCOMPARE(live.jobs(), QStringList());
+}
+
+void TestResDeletion::withoutACurrentRowThereIsNoQuestion() {
+    Deleting live;
+    live.makeCurrent("rlog");
+    live->m_currentKey = "nosuch";
+    live->on_actDelete_triggered();
+    QCOMPARE(live.box(), QString());
+    QCOMPARE(live.written(), QString());
+}
+
+void TestResDeletion::aNegativeAnswerLeavesNothingSelected() {
+    Deleting live;
+    live.select({"rlog", "rtable"});
+    live.editor.action("actDelete")->trigger();
+    live.answer(NoRole);
+    QCOMPARE(live.box(), QString());
+    QVERIFY(!live.view()->selectionModel()->hasSelection());
+    QCOMPARE(live.currentKey(), QString("rtable"));
+    QCOMPARE(live.written(), QString());
+    QCOMPARE(live.jobs(), QStringList());
+}
+
+void TestResDeletion::aClosedBoxIsANegativeAnswer() {
+    Deleting live;
+    live.select({"rlog"});
+    live.editor.action("actDelete")->trigger();
+    live->removeResourceMessage(nullptr);
+    QCOMPARE(live.box(), QString());
+    QVERIFY(!live.view()->selectionModel()->hasSelection());
+    QCOMPARE(live.written(), QString());
+}
+
+void TestResDeletion::whatIsCurrentThenCounts() {
+    Deleting live;
+    live.makeCurrent("rlog");
+    live.editor.action("actDelete")->trigger();
+    live.makeCurrent("rcalc");
+    live.answer(YesRole);
+    QCOMPARE(live.written(), QString("MenuResource\n  -rcalc\n"));
+}
+
+void TestResDeletion::aRowThatIsGoneIsLeft() {
+    Deleting live;
+    live.makeCurrent("rlog");
+    live.editor.action("actDelete")->trigger();
+    live->m_currentKey = "nosuch";
+    live.answer(YesRole);
+    QCOMPARE(live.box(), QString());
+    QCOMPARE(live.written(), QString());
+    QCOMPARE(live.jobs(), QStringList());
+}
+
+void TestResDeletion::aRowWithoutAKindIsLeft() {
+    Deleting live;
+    for (const char* key : {"MenuResources", "WrongFolder"}) {
+        live.makeCurrent("rlog");
+        live.editor.action("actDelete")->trigger();
+        live.makeCurrent(key);
+        live.answer(YesRole);
+        QCOMPARE(live.written(), QString());
+        QCOMPARE(live.jobs(), QStringList());
+    }
+}
+
+// Modules and functions --------------------------------------------------------------------------
+
+void TestResDeletion::aModuleIsDeleted() {
+    Deleting live;
+    live.makeCurrent("rlog");
+    live.confirm();
+    QCOMPARE(live.jobs(), QStringList("look up Menu MenuResourceKey rlog"));
+    QCOMPARE(live.written(), QString("MenuResource\n  -rlog\n"));
+    QCOMPARE(live.box(), QString());
+    QVERIFY(live->row("rlog").isValid());
+    live.deliver();
+    QVERIFY(!live->row("rlog").isValid());
+    QVERIFY(!orvo::seekKey(live->m_tabResource, "rlog"));
+    QCOMPARE(live.currentKey(), QString("rtable"));
+}
+
+void TestResDeletion::aFunctionIsDeleted() {
+    Deleting live;
+    live.makeCurrent("rcalc");
+    live.confirm();
+    QCOMPARE(live.written(), QString("MenuResource\n  -rcalc\n"));
+    live.deliver();
+    QCOMPARE(live.currentKey(), QString("calc"));
+}
+
+void TestResDeletion::ofSeveralModulesTheCurrentOneIsDeleted() {
+    Deleting live([](TestStore& store) {
+        addItem(store, "rextra", 1, "mod", "Extra", "Ещё");
+        refer(store, "rlog"); // selected, not current
+    });
+    live.select({"rlog", "rextra", "rtable"});
+    live.confirm();
+    QCOMPARE(live.box(), QString());
+    QCOMPARE(live.jobs(), QStringList("look up Menu MenuResourceKey rtable"));
+    QCOMPARE(live.written(), QString("MenuResource\n  -rtable\n"));
+}
+
+void TestResDeletion::aModuleThatMenusReferToStays() {
+    Deleting live([](TestStore& store) { refer(store, "rlog"); });
+    live.makeCurrent("rlog");
+    live.confirm();
+    QCOMPARE(live.box(), QString(referenced));
+    QCOMPARE(live.written(), QString());
+    live->on_common_error_message(nullptr);
+    QCOMPARE(live.box(), QString());
+    // Another client takes the reference away.
+    live.store.remove("Menu", "erlog");
+    live.confirm();
+    QCOMPARE(live.box(), QString());
+    QCOMPARE(live.written(), QString("MenuResource\n  -rlog\n"));
+}
+
+void TestResDeletion::aModuleWithoutAStructureStays() {
+    Deleting live;
+    live.makeCurrent("rlog");
+    const StructureOutage outage;
+    live.confirm();
+    QCOMPARE(live.written(), QString());
+    QCOMPARE(live.box(), QString());
+}
+
+void TestResDeletion::aRefusedModuleStays() {
+    Deleting live;
+    live.makeCurrent("rlog");
+    live.host.writes().refusedTable = "MenuResource";
+    live.confirm();
+    live.deliver();
+    QVERIFY(live->row("rlog").isValid());
+    QCOMPARE(live.box(), QString());
+}
+
+// Forms ------------------------------------------------------------------------------------------
+
+void TestResDeletion::theSelectedFormsAreDeleted() {
+    Deleting live(storeForms);
+    live.select({"rboiler", "rburner"});
+    live.confirm();
+    QCOMPARE(live.jobs(),
+             QStringList({"look up Menu MenuResourceKey rboiler",
+                          "look up Menu MenuResourceKey rburner", "delete forms Boiler Burner"}));
+    QCOMPARE(live.box(), QString());
+    QCOMPARE(live.written(), QString());
+    QCOMPARE(live.storedForms(), QStringList("Drum"));
+    QVERIFY(live->row("rboiler").isValid());
+    live.deliver();
+    QVERIFY(!live->row("rboiler").isValid());
+    QVERIFY(!live->row("rburner").isValid());
+    QVERIFY(live->row("rdrum").isValid());
+    QCOMPARE(live.host.failures, QStringList());
+}
+
+void TestResDeletion::aFormThatMenusReferToIsDeletedAllTheSame() {
+    Deleting live([](TestStore& store) {
+        storeForms(store);
+        refer(store, "rburner");
+    });
+    live.select({"rburner"});
+    live.confirm();
+    QCOMPARE(live.box(), QString(referenced));
+    QCOMPARE(live.jobs().last(), QString("delete forms Burner"));
+    QCOMPARE(live.storedForms(), QStringList({"Boiler", "Drum"}));
+    live.deliver();
+    QVERIFY(!live->row("rburner").isValid());
+    QCOMPARE(live.box(), QString(referenced));
+}
+
+void TestResDeletion::theFirstReferenceEndsTheSearch() {
+    Deleting live([](TestStore& store) {
+        storeForms(store);
+        addItem(store, "rpipe", 3, "boilers", "Pipe", "Труба");
+        refer(store, "rburner");
+    });
+    live.select({"rboiler", "rburner", "rpipe"});
+    live.confirm();
+    QCOMPARE(live.box(), QString(referenced));
+    QCOMPARE(live.jobs(), QStringList({"look up Menu MenuResourceKey rboiler",
+                                       "look up Menu MenuResourceKey rburner",
+                                       "delete forms Boiler Burner Pipe"}));
+}
+
+void TestResDeletion::withoutASelectedFormNothingIsDeleted() {
+    Deleting live(storeForms);
+    live.makeCurrent("rboiler");
+    live.view()->clearSelection();
+    live.confirm();
+    QCOMPARE(live.jobs(), QStringList());
+    QCOMPARE(live.box(), QString());
+    QCOMPARE(live.storedForms().size(), 3);
+}
+
+// Files ------------------------------------------------------------------------------------------
+
+void TestResDeletion::theSelectedFilesAreDeleted() {
+    Deleting live(storeFiles);
+    QVERIFY(findRow(*live->m_resModel, "note.txt", ResColumn::Name).isValid());
+    live.makeCurrent("rmanual");
+    live.view()->selectionModel()->setCurrentIndex(
+        findRow(*live->m_resModel, "note.txt", ResColumn::Name),
+        QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    live.confirm();
+    QCOMPARE(live.jobs(), QStringList("delete files docs/manual.txt docs/note.txt"));
+    QCOMPARE(live.storedFiles(), QStringList({"/readme.txt", "docs/deep/low.txt"}));
+    QVERIFY(live->row("rmanual").isValid());
+    live.deliver();
+    QVERIFY(!live->row("rmanual").isValid());
+    QVERIFY(!findRow(*live->m_resModel, "note.txt", ResColumn::Name).isValid());
+    // Deeper, the path is longer.
+    live.makeCurrent(findRow(*live->m_resModel, "low.txt", ResColumn::Name));
+    live.confirm();
+    QCOMPARE(live.jobs(), QStringList("delete files docs/deep/low.txt"));
+    QCOMPARE(live.host.failures, QStringList());
+}
+
+void TestResDeletion::aFileAtTheTopIsDeleted() {
+    Deleting live(storeFiles);
+    live.makeCurrent("rreadme");
+    live.confirm();
+    QCOMPARE(live.jobs(), QStringList("delete files /readme.txt"));
+    QVERIFY(!live.storedFiles().contains("/readme.txt"));
+    live.deliver();
+    QVERIFY(!live->row("rreadme").isValid());
+}
+
+void TestResDeletion::filesAreDeletedWhateverMenusReferTo() {
+    Deleting live([](TestStore& store) {
+        storeFiles(store);
+        refer(store, "rmanual");
+    });
+    live.makeCurrent("rmanual");
+    live.confirm();
+    QCOMPARE(live.box(), QString());
+    QCOMPARE(live.jobs(), QStringList("delete files docs/manual.txt"));
+}
+
+void TestResDeletion::withoutASelectedFileNothingIsDeleted() {
+    Deleting live(storeFiles);
+    live.makeCurrent("rmanual");
+    live.view()->clearSelection();
+    live.confirm();
+    QCOMPARE(live.jobs(), QStringList());
+    QCOMPARE(live.storedFiles().size(), 4);
+}
+
+QTEST_MAIN(TestResDeletion)
+#include "tst_res_deletion.moc"
