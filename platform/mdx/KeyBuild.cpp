@@ -1,9 +1,12 @@
 // KeyBuild.cpp: building a key tree from the records of a table: the images of all records are laid
 // out one after the other, their order is found by a radix sort of eight image bytes at a time, and
-// the leaves are filled from left to right.
+// the leaves are filled from left to right. Of a large table two threads do half of each step.
+#include "platform/mdx/Both.h"
+#include "platform/mdx/KeyImages.h"
 #include "platform/mdx/KeyTree.h"
 
 #include <algorithm>
+#include <array>
 
 namespace orvo::mdx {
 namespace {
@@ -12,56 +15,6 @@ struct SortItem {
     uint64_t word;   ///< eight bytes of the image
     uint32_t image;  ///< place of the image, in units of eight bytes; rises with the entry
     uint32_t number; ///< of the record
-};
-
-// The images of all records: a head and the image's first bytes, with eight zero bytes after them.
-class Images {
-public:
-    static constexpr size_t maxSize = 248; ///< longer ones go on in the record
-    static constexpr size_t room = sizeof(uint16_t) * 2 + maxSize + 8 + 8;
-
-    struct Head {
-        uint16_t size;
-        uint16_t keySize; ///< of the key's own part, or cut if that goes on in the record
-    };
-    static constexpr uint16_t cut = UINT16_MAX;
-
-    // Takes `size` bytes of an image; gives its place.
-    uint32_t add(const uint8_t* image, size_t size, size_t keySize) {
-        if (m_end - m_used < room)
-            addBlock();
-        uint8_t* at = m_blocks.back() + m_used;
-        const size_t kept = std::min(size, maxSize);
-        store(at, Head{static_cast<uint16_t>(size > maxSize ? cut : size),
-                       keySize > maxSize ? cut : static_cast<uint16_t>(keySize)});
-        std::memcpy(at + sizeof(Head), image, kept);
-        std::memset(at + sizeof(Head) + kept, 0, 8);
-        const size_t place = ((m_blocks.size() - 1) << blockShift) + m_used / 8;
-        m_used += (sizeof(Head) + kept + 8 + 7) & ~size_t(7);
-        return static_cast<uint32_t>(place);
-    }
-    Head head(uint32_t place) const noexcept { return load<Head>(at(place)); }
-    const uint8_t* image(uint32_t place) const noexcept { return at(place) + sizeof(Head); }
-    const uint8_t* at(uint32_t place) const noexcept {
-        return m_blocks[place >> blockShift] + size_t(place & blockMask) * 8;
-    }
-
-private:
-    static constexpr unsigned blockShift = 18; // of huge pages, in units of eight bytes
-    static constexpr uint32_t blockMask = (1u << blockShift) - 1;
-
-    void addBlock() {
-        if (m_blocks.size() > UINT32_MAX >> blockShift)
-            throw std::length_error("records");
-        m_end = m_blocks.empty() ? 16384 : hugePage;
-        m_blocks.push_back(nullptr);
-        m_blocks.back() = m_pages.add(m_end);
-        m_used = 0;
-    }
-
-    Pages m_pages;
-    std::vector<uint8_t*> m_blocks;
-    size_t m_used = 0, m_end = 0; ///< of the last block
 };
 
 inline bool wordThenEntry(const SortItem& a, const SortItem& b) noexcept {
@@ -119,18 +72,20 @@ public:
         const size_t whole = size < hugePage ? size : (size + hugePage - 1) / hugePage * hugePage;
         m_items = {reinterpret_cast<SortItem*>(m_pages.add(whole)), records.size()};
         m_other = reinterpret_cast<SortItem*>(m_pages.add(whole));
-        ImageBuffer buffer;
-        for (size_t i = 0; i < records.size(); ++i) {
-            if (i + 4 < records.size())
-                __builtin_prefetch(tree.m_pool.at(records[i + 4]));
-            const Record* record = tree.m_pool.at(records[i]);
-            const size_t keySize = tree.m_fields.image(tree.m_pool.postedBody(record), buffer);
-            new (&m_items[i])
-                SortItem{0, m_images.add(buffer.data(), buffer.size(), keySize), records[i]};
+        if (records.size() < manyRecords) {
+            layOut(records, m_items, m_images);
+            return;
         }
+        const size_t half = records.size() / 2;
+        Images others;
+        both([&] { layOut(records.first(half), m_items.first(half), m_images); },
+             [&] { layOut(records.subspan(half), m_items.subspan(half), others); });
+        const uint32_t moved = m_images.append(std::move(others));
+        for (SortItem& item : m_items.subspan(half))
+            item.image += moved;
     }
 
-    void sort() { sort(m_items.data(), m_items.size(), 0); }
+    void sort() { sort(m_items.data(), m_items.size(), 0, m_items.size() >= manyRecords); }
 
     bool isUnique() const {
         for (size_t i = 1; i < m_items.size(); ++i) {
@@ -161,15 +116,21 @@ public:
         std::vector<uint32_t> firsts(leaves);
         KeyTree::Leaf* previous = nullptr;
         for (size_t i = 0; i < leaves; ++i) {
-            const size_t begin = i == 0 ? 0 : ends[i - 1];
             KeyTree::Leaf* leaf = m_tree.takeLeaf();
-            fillLeaf(*leaf, begin, ends[i]);
             leaf->previous = previous;
             (previous ? previous->next : m_firstLeaf) = leaf;
             previous = leaf;
             nodes[i] = leaf;
-            firsts[i] = m_items[begin].number;
+            firsts[i] = m_items[i == 0 ? 0 : ends[i - 1]].number;
         }
+        const auto fillLeaves = [&](size_t first, size_t last) {
+            for (size_t i = first; i < last; ++i)
+                fillLeaf(static_cast<KeyTree::Leaf&>(*nodes[i]), i == 0 ? 0 : ends[i - 1], ends[i]);
+        };
+        if (m_items.size() < manyRecords)
+            fillLeaves(0, leaves);
+        else
+            both([&] { fillLeaves(0, leaves / 2); }, [&] { fillLeaves(leaves / 2, leaves); });
         m_tree.m_first = static_cast<KeyTree::Leaf*>(m_firstLeaf);
         m_tree.m_size = static_cast<uint32_t>(m_items.size());
         m_tree.m_height = 0;
@@ -184,6 +145,19 @@ private:
     static constexpr size_t averageFill = 107; ///< keeps a key within 16 bytes a record
     static constexpr size_t ahead = 16;
     static constexpr size_t smallRun = 32;
+    static constexpr size_t manyRecords = 1 << 16; ///< from which a second thread pays
+
+    void layOut(std::span<const uint32_t> records, std::span<SortItem> items, Images& images) {
+        ImageBuffer buffer;
+        for (size_t i = 0; i < records.size(); ++i) {
+            if (i + 4 < records.size())
+                __builtin_prefetch(m_tree.m_pool.at(records[i + 4]));
+            const Record* record = m_tree.m_pool.at(records[i]);
+            const size_t keySize = m_tree.m_fields.image(m_tree.m_pool.postedBody(record), buffer);
+            new (&items[i])
+                SortItem{0, images.add(buffer.data(), buffer.size(), keySize), records[i]};
+        }
+    }
 
     // Compares from `depth` on, up to which both agree.
     bool less(const SortItem& a, const SortItem& b, size_t depth) const {
@@ -245,7 +219,8 @@ private:
         return shared;
     }
 
-    void sort(SortItem* items, size_t count, size_t depth) {
+    // `second`: a second thread may help.
+    void sort(SortItem* items, size_t count, size_t depth, bool second) {
         if (count < 2)
             return;
         if (count <= smallRun) {
@@ -267,20 +242,61 @@ private:
                           });
             return;
         }
+        if (!second || count < manyRecords) {
+            loadWords(items, count, depth);
+            sortByWord(items, count, depth, false);
+            return;
+        }
+        both([&] { loadWords(items, count / 2, depth); },
+             [&] { loadWords(items + count / 2, count - count / 2, depth); });
+        const size_t low = partition(items, count);
+        if (low < count / 8 || count - low < count / 8) {
+            sortByWord(items, count, depth, true);
+            return;
+        }
+        both([&] { sortByWord(items, low, depth, false); },
+             [&] { sortByWord(items + low, count - low, depth, false); });
+    }
+
+    void loadWords(SortItem* items, size_t count, size_t depth) const {
         for (size_t i = 0; i < count; ++i) {
             if (i + ahead < count)
                 __builtin_prefetch(m_images.image(items[i + ahead].image) + depth);
             items[i].word = loadOrdered(m_images.image(items[i].image) + depth);
         }
+    }
+
+    // Brings the items with the lesser words to the front, about half of them if the words allow,
+    // each side in the order it had. Gives their number.
+    size_t partition(SortItem* items, size_t count) {
+        std::array<uint64_t, 255> sample;
+        for (size_t i = 0; i < sample.size(); ++i)
+            sample[i] = items[count / sample.size() * i].word;
+        std::nth_element(sample.begin(), sample.begin() + sample.size() / 2, sample.end());
+        const uint64_t middle = sample[sample.size() / 2];
+        SortItem* low = items;
+        SortItem* high = otherOf(items);
+        for (size_t i = 0; i < count; ++i) {
+            const SortItem item = items[i];
+            *(item.word < middle ? low : high)++ = item;
+        }
+        std::copy(otherOf(items), high, low);
+        return static_cast<size_t>(low - items);
+    }
+
+    // The spare room beside an item.
+    SortItem* otherOf(SortItem* items) const { return m_other + (items - m_items.data()); }
+
+    void sortByWord(SortItem* items, size_t count, size_t depth, bool second) {
         if (count > 512)
-            radixSort(items, m_other, count);
+            radixSort(items, otherOf(items), count);
         else
             std::sort(items, items + count, wordThenEntry);
         for (size_t begin = 0; begin < count;) {
             size_t end = begin + 1;
             while (end < count && items[end].word == items[begin].word)
                 ++end;
-            sort(items + begin, end - begin, depth + 8);
+            sort(items + begin, end - begin, depth + 8, second);
             begin = end;
         }
     }

@@ -3,9 +3,12 @@
 
 #include <QtTest>
 
+#include <algorithm>
 #include <limits>
 
 using namespace mdxtest;
+
+Q_DECLARE_METATYPE(std::string)
 
 class TestMdxKeys : public QObject {
     Q_OBJECT
@@ -294,6 +297,51 @@ private slots:
         const MDRVar value = nullValue();
         QVERIFY(!MDARecSeekV(a.get(), 7, &value, &position));
         QCOMPARE(position, -1);
+    }
+
+    // So many records that two threads share the work.
+    void aKeyOverManyRecordsIsSortedLikeAnyOther_data() {
+        QTest::addColumn<int>("values");
+        QTest::addColumn<std::string>("head");
+        QTest::newRow("all different") << 1 << std::string();
+        QTest::newRow("all the same") << 0 << std::string();
+        QTest::newRow("three values") << 3 << std::string();
+        QTest::newRow("behind a head longer than a word") << 1 << std::string(60, 'h');
+        QTest::newRow("behind a head longer than what is laid out") << 1 << std::string(300, 'h');
+    }
+
+    void aKeyOverManyRecordsIsSortedLikeAnyOther() {
+        QFETCH(int, values);
+        QFETCH(std::string, head);
+        const uint32_t count = 70'000;
+        const ArrayPtr a = makeArray({{"k", MDX_TEXT}, {"v", MDX_TEXT}});
+        std::vector<std::pair<std::string, std::string>> expected; // value, key
+        orvo::mdx::RecordWriter writer(a.get());
+        for (uint32_t i = 0; i < count; ++i) {
+            // A permutation of all numbers of 32 bits.
+            const uint32_t mixed = i * 2654435761u;
+            const std::string key = std::to_string(mixed);
+            const std::string value =
+                head + std::to_string(values == 0   ? 7
+                                      : values == 1 ? mixed
+                                                    : mixed % static_cast<uint32_t>(values));
+            writer.begin();
+            writer.text1251(0, key.data(), key.size());
+            writer.text1251(1, value.data(), value.size());
+            writer.end();
+            expected.emplace_back(value, key);
+        }
+        QCOMPARE(writer.finish(), int(MDX_OK));
+        QCOMPARE(addKey(a.get(), "v", MDX_KEY_MULTI), int(MDX_OK));
+        std::sort(expected.begin(), expected.end());
+        for (uint32_t i = 0; i < count; ++i) {
+            const MDRData* record = MDARec(a.get(), 0, static_cast<int32_t>(i));
+            QVERIFY(record);
+            if (textOf(record, 0) != expected[i].second)
+                QCOMPARE(textOf(record, 0), expected[i].second);
+        }
+        QCOMPARE(addKey(a.get(), "k", MDX_KEY_UNIQUE), int(MDX_OK));
+        QCOMPARE(addKey(a.get(), "v", MDX_KEY_UNIQUE), int(values == 1 ? MDX_OK : MDX_E_DUPLICATE));
     }
 
     void aRepeatedFieldIsAllowed() {
