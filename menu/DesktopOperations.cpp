@@ -120,6 +120,9 @@ void OrvoMenu::removeDesckTopMessage(QAbstractButton* button) {
     desktops.add(MDX_DELETE).text("KeyLink", m_currentDesckKey);
     clearMenuModel();
     m_currentMenuKey.clear();
+    // What was being edited there is gone, and the view tells nobody.
+    if (m_editMode == NewElement || m_editMode == EditElement)
+        finishEdit();
     // The elements leave the server before the desktop that they belong to.
     elements.send();
     desktops.send();

@@ -13,6 +13,8 @@
 #include <QToolButton>
 #include <QTreeView>
 
+#include <algorithm>
+
 using orvo::menu::DesckColumn;
 using orvo::menu::desckRootKey;
 using orvo::menu::MenuColumn;
@@ -223,6 +225,8 @@ void OrvoMenu::cancelElement() {
     if (!row.isValid())
         return;
     m_editMode = NoEdit;
+    // A save that failed on the way here has left the row that it was for.
+    m_editMenuIndex = QModelIndex();
     MDRData* record = orvo::seekKey(m_tabMenu, m_currentMenuKey);
     if (!record)
         return;

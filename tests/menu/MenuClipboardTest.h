@@ -55,6 +55,7 @@ private slots:
     void copyingTheRootRowLeavesTheClipboard();
     void withoutASelectionTheClipboardStays();
     void aRowWithoutARecordGivesItsKeyAlone();
+    void aFolderWithoutARecordGivesWhatLiesBelowAlone();
     void aCircleInTheTableIsCopiedOnce();
     void aCutChangesNothing();
 
@@ -73,6 +74,7 @@ private slots:
     void everyPasteMakesNewKeys();
     void allChosenElementsGetTheOrderOfTheLastChild();
     void aPastedFolderKeepsWhatLiesBelow();
+    void subFoldersCarryTheirCaptionAsParent_data();
     void subFoldersCarryTheirCaptionAsParent();
     void elementsWithoutTheirResourceStayOut();
     void pastingOnAnElementTakesItAsParent();
@@ -88,6 +90,7 @@ private slots:
     void aCutFolderIsDeletedWhole();
     void aCutOfAnotherDesktopIsDeleted();
     void aCutElementWithoutItsResourceIsDeletedAllTheSame();
+    void aCutKeyWithoutARecordIsNotDeleted();
     void aSecondPasteOfACutDeletesNothingMore();
     void aRefusedPasteStillDeletesTheCut();
 };

@@ -48,6 +48,7 @@ private slots:
     void addingWithoutACurrentRowDoesNothing();
     void aNewRowIsWrittenOnSaveAndComesBack();
     void aSecondNewRowSavesTheFirst();
+    void newRowsAreNotNumbered();
     void leavingANewRowOpensNoEditorElsewhere();
 
     void renamingOpensAnEditor();
@@ -78,6 +79,9 @@ private slots:
     void pastingAtTheTopWritesNoParent();
     void pastingOnADesktopTakesItsKeyAsParent();
     void aFolderWithOnlyAFolderIsPasted();
+    void theOrderOfAPastedRowIsThatOfItsKind();
+    void whetherARowIsAFolderIsCopied();
+    void theNewNameIsMadeOfWhatTheTreeShows();
     void theKeyEndsAtAZeroByte();
     void foreignKeysPasteNothing_data();
     void foreignKeysPasteNothing();

@@ -174,6 +174,25 @@ void TestMenuClipboard::aRowWithoutARecordGivesItsKeyAlone() {
     QCOMPARE(host.writes().calls[0].records.size(), 1);
 }
 
+void TestMenuClipboard::aFolderWithoutARecordGivesWhatLiesBelowAlone() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("armop");
+    editor->m_tabMenu.RecDel(orvo::seekKey(editor->m_tabMenu, "glubzhe"));
+    editor.selectElements({"glubzhe"});
+    editor->on_actCutMenuElement_triggered();
+    MenuPayload read;
+    QVERIFY(read.read(payload()));
+    QCOMPARE(read.keys, QStringList("glubzhe"));
+    QCOMPARE(keysInOrder(read.table.array, 0), QStringList("form"));
+    // Its key is skipped, and nothing leads to what lies below: neither pasted nor deleted.
+    editor.makeCurrent("MenuRootNode");
+    editor->on_actPasteMenuElement_triggered();
+    QCOMPARE(host.writes().take(), QString());
+}
+
 void TestMenuClipboard::aCircleInTheTableIsCopiedOnce() {
     TestStore store;
     fillPlant(store);

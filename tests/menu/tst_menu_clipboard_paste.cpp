@@ -141,10 +141,25 @@ void TestMenuClipboard::aPastedFolderKeepsWhatLiesBelow() {
     QCOMPARE(host.failures, QStringList());
 }
 
+void TestMenuClipboard::subFoldersCarryTheirCaptionAsParent_data() {
+    QTest::addColumn<QString>("caption");
+    QTest::addColumn<QString>("parent");
+    QTest::newRow("a text") << "'Дно'"
+                            << "'Дно'";
+    QTest::newRow("an empty text") << "''"
+                                   << "''";
+    QTest::newRow("none") << "NULL"
+                          << "NULL";
+}
+
 void TestMenuClipboard::subFoldersCarryTheirCaptionAsParent() {
+    QFETCH(QString, caption);
+    QFETCH(QString, parent);
     TestStore store;
     fillPlant(store);
-    addElement(store, "armop", "dno", "glubzhe", "", 7);
+    addElement(store, "armop", "dno", "glubzhe", "Дно", 7);
+    store.sql(
+        qPrintable("UPDATE \"Menu\" SET \"caption\" = " + caption + " WHERE \"KeyLink\" = 'dno'"));
     TestHost host(store);
     OperationsEditor editor(host);
     editor.openDesck("armop");
@@ -153,11 +168,10 @@ void TestMenuClipboard::subFoldersCarryTheirCaptionAsParent() {
     editor.makeCurrent("MenuRootNode");
     editor->on_actPasteMenuElement_triggered();
     const QString written = host.writes().take();
-    // The chosen folder has both as they should be; a sub-folder without a caption has neither.
+    // The chosen folder has both as they should be.
     QVERIFY2(written.contains("+#1 parent=NULL FolderKey='armop' caption='Глубже'"),
              qPrintable(written));
-    QVERIFY2(written.contains("+#3 parent='' FolderKey='armop' order_=7") ||
-                 written.contains("+#3 parent=NULL FolderKey='armop' order_=7"),
+    QVERIFY2(written.contains("+#3 parent=" + parent + " FolderKey='armop' order_=7"),
              qPrintable(written));
     QCOMPARE(host.failures, QStringList());
 }
@@ -388,6 +402,22 @@ void TestMenuClipboard::aCutElementWithoutItsResourceIsDeletedAllTheSame() {
     editor.makeCurrent("grafiki");
     editor->on_actPasteMenuElement_triggered();
     QCOMPARE(host.writes().take(), QString("Menu\n  -propal\n"));
+}
+
+void TestMenuClipboard::aCutKeyWithoutARecordIsNotDeleted() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("armop");
+    editor.selectElements({"trend", "calc"});
+    editor->m_tabMenu.RecDel(orvo::seekKey(editor->m_tabMenu, "calc"));
+    editor->on_actCutMenuElement_triggered();
+    editor.makeCurrent("MenuRootNode");
+    editor->on_actPasteMenuElement_triggered();
+    QCOMPARE(host.writes().calls.size(), 2);
+    QCOMPARE(host.writes().calls[0].records.size(), 1);
+    QCOMPARE(host.writes().calls[1].records, QStringList("-trend"));
 }
 
 void TestMenuClipboard::aSecondPasteOfACutDeletesNothingMore() {

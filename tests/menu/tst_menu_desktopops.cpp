@@ -146,6 +146,23 @@ void TestMenuDesktopOps::aSecondNewRowSavesTheFirst() {
     QCOMPARE(editor->m_desckModel->rowCount(editor->desck("sklad")), 1);
 }
 
+void TestMenuDesktopOps::newRowsAreNotNumbered() {
+    TestStore store;
+    fillPlant(store);
+    addDesck(store, "papka1", "sklad", "новая папка1", true);
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("sklad");
+    for (int i = 0; i < 2; ++i) {
+        editor->on_actAddFoldertvDesck_triggered();
+        QCOMPARE(editor.view("tvDesck")->currentIndex().data(), QVariant("новая папка1"));
+        editor->on_save_pressed();
+        host.deliver(*editor.module);
+        editor.openDesck("sklad");
+    }
+    QCOMPARE(shownDescks(editor).count("новая папка1\n"), 3);
+}
+
 void TestMenuDesktopOps::leavingANewRowOpensNoEditorElsewhere() {
     TestStore store;
     fillPlant(store);

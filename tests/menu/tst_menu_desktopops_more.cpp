@@ -213,6 +213,59 @@ void TestMenuDesktopOps::aFolderWithOnlyAFolderIsPasted() {
                      "  +#2 ParentKey='#1' caption='Внутренняя' order_='1000' isFolder=true\n"));
 }
 
+void TestMenuDesktopOps::theOrderOfAPastedRowIsThatOfItsKind() {
+    TestStore store;
+    fillPlant(store);
+    addDesck(store, "krayniy", "", "Крайний", false, "777");
+    addDesck(store, "papka", "", "Папка", true, "5");
+    addDesck(store, "vnutri", "papka", "Внутри", false, "888");
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("sklad");
+    putDesckOnClipboard("krayniy");
+    editor->on_actPasteDescktopOrFolder_triggered();
+    QCOMPARE(host.writes().take(),
+             QString("MenuFolder\n  +#1 ParentKey='sklad' caption='Крайний_копия' order_='2000' "
+                     "isFolder=false\n"));
+    putDesckOnClipboard("papka");
+    editor->on_actPasteDescktopOrFolder_triggered();
+    QCOMPARE(host.writes().take(),
+             QString("MenuFolder\n"
+                     "  +#1 ParentKey='sklad' caption='Папка_копия' order_='1000' isFolder=true\n"
+                     "  +#2 ParentKey='#1' caption='Внутри' order_='2000' isFolder=false\n"));
+}
+
+void TestMenuDesktopOps::whetherARowIsAFolderIsCopied() {
+    TestStore store;
+    fillPlant(store);
+    store.sql("UPDATE \"MenuFolder\" SET \"isFolder\" = NULL WHERE \"KeyLink\" = 'obshiy'");
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("sklad");
+    putDesckOnClipboard("obshiy");
+    editor->on_actPasteDescktopOrFolder_triggered();
+    QCOMPARE(host.writes().take(),
+             QString("MenuFolder\n  +#1 ParentKey='sklad' caption='Общий_копия' order_='2000' "
+                     "isFolder=NULL\n"));
+}
+
+void TestMenuDesktopOps::theNewNameIsMadeOfWhatTheTreeShows() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor->m_desckModel->setData(editor->desck("armpech"), "Иное", Qt::DisplayRole);
+    editor->m_desckModel->setData(editor->desck("pech"), "Горн", Qt::DisplayRole);
+    editor.openDesck("sklad");
+    putDesckOnClipboard("pech");
+    editor->on_actPasteDescktopOrFolder_triggered();
+    // What lies below comes from the table.
+    QCOMPARE(host.writes().take(),
+             QString("MenuFolder\n"
+                     "  +#1 ParentKey='sklad' caption='Горн_копия' order_='1000' isFolder=true\n"
+                     "  +#2 ParentKey='#1' caption='АРМ печи' order_='2000' isFolder=false\n"));
+}
+
 void TestMenuDesktopOps::theKeyEndsAtAZeroByte() {
     TestStore store;
     fillPlant(store);

@@ -80,6 +80,7 @@ private slots:
     void severalElementsBetweenRowsAreLeft();
     void anUnknownElementIsLeft();
     void aDropNowhereComesToTheTop();
+    void aFolderDroppedIntoItselfStays();
     void aDropLeavesThePendingEdit();
     void aDropIntoAModelReachesTheEditor();
     void theEmptyAreaRefusesDrops();
@@ -409,6 +410,28 @@ void TestMenuOrder::aDropNowhereComesToTheTop() {
     QCOMPARE(order.host.failures, QStringList());
     order.deliver();
     QCOMPARE(order.editor->element("b").parent(), order.editor->element("MenuRootNode"));
+}
+
+void TestMenuOrder::aFolderDroppedIntoItselfStays() {
+    // The view refuses it; a call that comes all the same ends.
+    Order order;
+    addElement(order.store, "stol", "inner", "abcd", "inner", 9000);
+    order.deliver();
+    order.drop("abcd", {"abcd"}, -1);
+    QCOMPARE(order.written(), QString("Menu\n  ~abcd parent='abcd' order_=10000\n"));
+    order.drop("inner", {"abcd"}, 0);
+    QCOMPARE(order.written(), QString("Menu\n  ~abcd parent='inner' order_=1000\n"));
+    order.deliver();
+    QCOMPARE(order.editor->element("abcd").parent(), order.editor->element("MenuRootNode"));
+    QCOMPARE(order.below("abcd"), QString("a b c d inner"));
+    // What now stands in a circle is deleted once.
+    order.editor.makeCurrent("abcd");
+    order.editor->on_actDeleteElem_triggered();
+    order.editor.answer(order.editor.Yes);
+    QCOMPARE(order.host.writes().calls.last().records,
+             QStringList({"-abcd", "-a", "-b", "-c", "-d", "-inner"}));
+    order.deliver();
+    QCOMPARE(order.below("MenuRootNode"), QString("pqr pusto"));
 }
 
 void TestMenuOrder::aDropLeavesThePendingEdit() {

@@ -113,7 +113,9 @@ private slots:
     void changedBytesWriteNothingUnsound();
     void otherStructuresPasteNothing_data();
     void otherStructuresPasteNothing();
+    void otherTypesPasteNothingUnsound();
     void otherKeysMakeNoDifference();
+    void anEmptyResourceIsNoFolder();
     void twoRecordsOfOneKeyPasteNothing();
     void circlesArePastedOnce();
     void aRecordUnderItselfIsPastedOnce();
@@ -283,6 +285,40 @@ void TestMenuPayload::otherStructuresPasteNothing() {
     QCOMPARE(target.host.failures, QStringList());
 }
 
+void TestMenuPayload::otherTypesPasteNothingUnsound() {
+    // The fields have the right names, and each in turn is of every type there is.
+    const std::initializer_list<const char*> fields{
+        "KeyLink", "parent", "order_", "caption", "MenuResourceKey", "ico", "oneCopy"};
+    for (const char* odd : fields)
+        for (const MdxType type : {MDX_BOOLEAN, MDX_INTEGER, MDX_DATE, MDX_TEXT, MDX_BLOCK}) {
+            Packed packed(std::initializer_list<const char*>{});
+            for (const char* field : fields)
+                orvo::mdx::addField(packed.table.array, field,
+                                    field == odd                     ? type
+                                    : qstrcmp(field, "order_") == 0  ? MDX_INTEGER
+                                    : qstrcmp(field, "oneCopy") == 0 ? MDX_BOOLEAN
+                                                                     : MDX_TEXT);
+            packed.add("a", {}).add("b", "a", "rtrend").add("c", "b");
+            Target target;
+            target.pasteCut(packed.bytes("1", "a;b;"));
+            QVERIFY2(target.host.failures.isEmpty(),
+                     qPrintable(QString("%1 of type %2: %3")
+                                    .arg(odd)
+                                    .arg(int(type))
+                                    .arg(target.host.failures.join(' '))));
+            QVERIFY(target.recordsWritten() <= 6);
+        }
+}
+
+void TestMenuPayload::anEmptyResourceIsNoFolder() {
+    // Only NULL makes a folder; a resource of no name is one that is gone.
+    Packed packed;
+    packed.add("a", {}, "").add("b", "a", "rtrend");
+    Target target;
+    target.pasteCut(packed.bytes("1", "a;"));
+    QCOMPARE(target.host.writes().take(), QString("Menu\n  -a\n"));
+}
+
 void TestMenuPayload::otherKeysMakeNoDifference() {
     for (const auto keys : {std::initializer_list<const char*>{},
                             {"caption"},
@@ -362,8 +398,9 @@ void TestMenuPayload::aVeryDeepChainIsPasted() {
         packed.add("k" + QByteArray::number(i),
                    i == 0 ? QByteArray() : "k" + QByteArray::number(i - 1));
     Target target;
-    target.paste(packed.bytes("0", "k0;"));
-    QCOMPARE(target.recordsWritten(), depth);
+    target.pasteCut(packed.bytes("1", "k0;"));
+    QCOMPARE(target.host.writes().calls.size(), 2);
+    QCOMPARE(target.recordsWritten(), 2 * depth);
     QCOMPARE(target.host.failures, QStringList());
 }
 
