@@ -64,11 +64,11 @@ void removeRecord(const Notification& change, CMDArray& table, QTreeView* view,
 
 QuietViews::QuietViews(std::initializer_list<QTreeView*> views) {
     for (QTreeView* view : views) {
+        m_views.push_back({view, view->currentIndex(), QModelIndex(), view->isVisible(),
+                           view->updatesEnabled(), view->hasAutoScroll()});
         // Out of sight it does none of this anyway, and notes to scroll when it is shown.
         if (!view->isVisible())
             continue;
-        m_views.push_back(
-            {view, view->currentIndex(), view->updatesEnabled(), view->hasAutoScroll()});
         view->setUpdatesEnabled(false);
         view->setAutoScroll(false);
     }
@@ -76,13 +76,24 @@ QuietViews::QuietViews(std::initializer_list<QTreeView*> views) {
 
 QuietViews::~QuietViews() {
     for (const Quiet& quiet : m_views) {
-        quiet.view->setAutoScroll(quiet.autoScroll);
+        if (quiet.visible)
+            quiet.view->setAutoScroll(quiet.autoScroll);
         const QModelIndex current = quiet.view->currentIndex();
-        if (quiet.autoScroll && current.isValid() && quiet.current != current)
+        if (quiet.target.isValid())
+            quiet.view->scrollTo(quiet.target);
+        else if (quiet.visible && quiet.autoScroll && current.isValid() && quiet.current != current)
             quiet.view->scrollTo(current);
-        if (quiet.updates)
+        if (quiet.visible && quiet.updates)
             quiet.view->setUpdatesEnabled(true);
     }
+}
+
+void QuietViews::scrollTo(QTreeView* view, const QModelIndex& row) {
+    for (QModelIndex up = row.parent(); up.isValid(); up = up.parent())
+        view->expand(up);
+    for (Quiet& quiet : m_views)
+        if (quiet.view == view)
+            quiet.target = row;
 }
 
 } // namespace orvo

@@ -42,8 +42,9 @@ void removeRecord(const Notification& change, CMDArray& table, QTreeView* view,
                   const QModelIndex& row);
 
 /// While one lives, the views follow changes without repainting, scrolling or laying out their rows
-/// each time; at its end once, scrolled to the current row if that is another one. For bursts of
-/// notifications: a view's layout costs more than the change. The views must outlive it.
+/// each time; at its end once, scrolled to the row that was asked for last, or to the current row
+/// if that is another one. For bursts of notifications: a view's layout costs more than the change.
+/// The views must outlive it.
 class QuietViews {
 public:
     explicit QuietViews(std::initializer_list<QTreeView*> views);
@@ -51,10 +52,16 @@ public:
     QuietViews(const QuietViews&) = delete;
     QuietViews& operator=(const QuietViews&) = delete;
 
+    /// Opens the folders above a row at once and scrolls to it at the end, if it is still there
+    /// then and no other row of its view was asked for. `view` is one of the views.
+    void scrollTo(QTreeView* view, const QModelIndex& row);
+
 private:
     struct Quiet {
         QTreeView* view;
         QPersistentModelIndex current;
+        QPersistentModelIndex target;
+        bool visible;
         bool updates;
         bool autoScroll;
     };

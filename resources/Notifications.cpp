@@ -25,6 +25,13 @@ QString folderKeyOf(const QModelIndex& row) {
 
 } // namespace
 
+void OrvoResources::showRow(const QModelIndex& row) {
+    if (m_quiet)
+        m_quiet->scrollTo(m_ui->tvRes, row);
+    else
+        m_ui->tvRes->scrollTo(row);
+}
+
 bool OrvoResources::MessageData(MDXCliParam* prm) {
     // A module whose start failed has neither tables nor a tree to keep in step.
     if (!m_resModel)
@@ -65,7 +72,7 @@ void OrvoResources::selectAgain(const QString& key) {
     if (!row.isValid())
         return;
     orvo::makeCurrentAnew(m_ui->tvRes, row);
-    m_ui->tvRes->scrollTo(row);
+    showRow(row);
 }
 
 void OrvoResources::folderUpdated(const orvo::Notification& change) {
@@ -166,5 +173,5 @@ void OrvoResources::resourceInserted(const orvo::Notification& change) {
     auto rows = m_resModel->newRows(target);
     rows.add(itemValues(record));
     if (m_resModel->insertFilledRows(newRow, std::move(rows), target))
-        m_ui->tvRes->scrollTo(m_resModel->index(newRow, 0, target));
+        showRow(m_resModel->index(newRow, 0, target));
 }

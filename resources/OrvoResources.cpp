@@ -110,8 +110,10 @@ void OrvoResources::ModuleStop() {}
 
 void OrvoResources::MessageOn() {
     {
-        const orvo::QuietViews quiet({m_ui->tvRes, m_ui->tvProp});
+        orvo::QuietViews quiet({m_ui->tvRes, m_ui->tvProp});
+        m_quiet = &quiet;
         MessageGet();
+        m_quiet = nullptr;
     }
     if (!m_focusKey.isEmpty())
         setResFocusedItemAfterChanges();

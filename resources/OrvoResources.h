@@ -40,6 +40,7 @@ class Ui_OrvoResources;
 
 namespace orvo {
 class Notification;
+class QuietViews;
 class ScratchTable;
 } // namespace orvo
 
@@ -60,6 +61,10 @@ public:
 
     const CMDArray* resourceTable() const override { return &m_tabResource; }
     const CMDArray* resourceFolderTable() const override { return &m_tabResFolder; }
+    /// The records that this editor holds of `MenuResource` or `MenuResourceFolder`, as
+    /// orvo::tableText shows them. A null string for any other table.
+    Q_INVOKABLE QString tableText(const QString& table) const;
+
 
 protected:
     /// What is being edited. There is one edit at a time.
@@ -269,3 +274,6 @@ private:
 };
 
 #endif
+    orvo::QuietViews* m_quiet = nullptr; ///< while MessageOn takes them; not owned
+    /// Scrolls to a row, of several in one MessageOn to the last.
+    void showRow(const QModelIndex& row);
