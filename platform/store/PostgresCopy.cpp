@@ -168,53 +168,139 @@ Status copyOut(Connection& connection, const std::string& sql, std::string_view 
 }
 
 Status copyOut(Connection& connection, const std::string& sql, std::string_view what,
-               std::string* bytes) {
-    return messages(connection, sql, what, [&](Reader& reader, int fields) {
+               const TableDef& table,
+               const std::function<Status(const std::vector<Value>& row)>& each) {
+    std::vector<Value> row(table.fields.size());
+    Status refused;
+    const Status status = messages(connection, sql, what, [&](Reader& reader, int fields) {
+        if (static_cast<size_t>(fields) != row.size())
+            return false;
+        for (size_t i = 0; i < row.size(); ++i) {
+            int32_t length = 0;
+            const char* bytes = nullptr;
+            if (!reader.number(&length))
+                return false;
+            row[i] = std::monostate();
+            if (length < 0)
+                continue;
+            if (!reader.take(static_cast<size_t>(length), &bytes))
+                return false;
+            const MdxType type = table.fields[i].type;
+            if (type == MDX_BOOLEAN && length == 1)
+                row[i] = int64_t(*bytes != 0 ? 1 : 0);
+            else if (type == MDX_INTEGER && length == 4)
+                row[i] = int64_t(Reader::decode<int32_t>(bytes));
+            else if (type == MDX_DATE && length == 8)
+                row[i] = Reader::decode<double>(bytes);
+            else if (type == MDX_TEXT)
+                row[i] = std::string(bytes, static_cast<size_t>(length));
+            else
+                return false;
+        }
+        refused = each(row);
+        return refused.ok();
+    });
+    return refused.ok() ? status : refused;
+}
+
+Status copyOut(Connection& connection, const std::string& sql, std::string_view what,
+               const std::function<Status(std::string_view bytes)>& each) {
+    Status refused;
+    const Status status = messages(connection, sql, what, [&](Reader& reader, int fields) {
         int32_t length = 0;
         const char* value = nullptr;
         if (fields != 1 || !reader.number(&length) || length < 0 ||
             !reader.take(static_cast<size_t>(length), &value))
             return false;
-        bytes->append(value, static_cast<size_t>(length));
-        return true;
+        refused = each({value, static_cast<size_t>(length)});
+        return refused.ok();
     });
+    return refused.ok() ? status : refused;
+}
+
+// In ---------------------------------------------------------------------------------------------
+
+namespace {
+
+constexpr size_t partSize = 512 << 10;
+
+void appendNumber(std::string* out, uint64_t value, int size) {
+    for (int shift = (size - 1) * 8; shift >= 0; shift -= 8)
+        *out += static_cast<char>(value >> shift & 0xFF);
+}
+
+bool putData(const Connection& connection, std::string_view data) {
+    return PQputCopyData(connection.get(), data.data(), static_cast<int>(data.size())) == 1;
+}
+
+} // namespace
+
+ContentCopy::ContentCopy(Connection& connection, std::string what, std::string key)
+    : m_connection(&connection)
+    , m_what(std::move(what))
+    , m_key(std::move(key)) {}
+
+Status ContentCopy::begin(const std::string& sql) {
+    const Result begun = m_connection->execute(sql);
+    if (PQresultStatus(begun.get()) != PGRES_COPY_IN)
+        return m_connection->failure(m_what, begun.get());
+    m_head.assign(signature);
+    m_head.append(8, '\0');
+    return {};
+}
+
+Status ContentCopy::sendPart(std::string_view data) {
+    appendNumber(&m_head, 3, 2);
+    appendNumber(&m_head, m_key.size(), 4);
+    m_head += m_key;
+    appendNumber(&m_head, 4, 4);
+    appendNumber(&m_head, m_number++, 4);
+    appendNumber(&m_head, data.size(), 4);
+    m_sent = m_sent && putData(*m_connection, m_head) && putData(*m_connection, data);
+    m_head.clear();
+    // Where the sending was stopped, the server says why.
+    return m_sent ? Status() : end();
+}
+
+Status ContentCopy::put(std::string_view bytes) {
+    Status status;
+    while (status.ok() && m_part.size() + bytes.size() >= partSize) {
+        const size_t more = partSize - m_part.size();
+        if (m_part.empty()) {
+            status = sendPart(bytes.substr(0, more));
+        } else {
+            m_part += bytes.substr(0, more);
+            status = sendPart(m_part);
+            m_part.clear();
+        }
+        bytes.remove_prefix(more);
+    }
+    m_part += bytes;
+    return status;
+}
+
+Status ContentCopy::end() {
+    if (m_sent && !m_part.empty()) {
+        const std::string last = std::move(m_part);
+        m_part.clear();
+        const Status status = sendPart(last);
+        if (!status.ok())
+            return status;
+    }
+    appendNumber(&m_head, 0xFFFF, 2);
+    m_sent =
+        m_sent && putData(*m_connection, m_head) && PQputCopyEnd(m_connection->get(), nullptr) == 1;
+    const Status status = finish(*m_connection, m_what);
+    return status.ok() && !m_sent ? m_connection->failure(m_what, nullptr) : status;
 }
 
 Status copyIn(Connection& connection, const std::string& sql, std::string_view what,
               std::string_view key, std::string_view bytes) {
-    constexpr size_t piece = 512 << 10;
-    {
-        const Result begun = connection.execute(sql);
-        if (PQresultStatus(begun.get()) != PGRES_COPY_IN)
-            return connection.failure(what, begun.get());
-    }
-    const auto number = [](std::string* out, uint64_t value, int size) {
-        for (int shift = (size - 1) * 8; shift >= 0; shift -= 8)
-            *out += static_cast<char>(value >> shift & 0xFF);
-    };
-    PGconn* server = connection.get();
-    const auto put = [&](std::string_view data) {
-        return PQputCopyData(server, data.data(), static_cast<int>(data.size())) == 1;
-    };
-    std::string head(signature);
-    head.append(8, '\0');
-    bool sent = true;
-    for (size_t part = 0; sent && part * piece < bytes.size(); ++part) {
-        const std::string_view data = bytes.substr(part * piece, piece);
-        number(&head, 3, 2);
-        number(&head, key.size(), 4);
-        head += key;
-        number(&head, 4, 4);
-        number(&head, part, 4);
-        number(&head, data.size(), 4);
-        sent = put(head) && put(data);
-        head.clear();
-    }
-    number(&head, 0xFFFF, 2);
-    sent = sent && put(head) && PQputCopyEnd(server, nullptr) == 1;
-    // Where the sending was stopped, the server says why.
-    const Status status = finish(connection, what);
-    return status.ok() && !sent ? connection.failure(what, nullptr) : status;
+    ContentCopy copy(connection, std::string(what), std::string(key));
+    Status status = copy.begin(sql);
+    if (status.ok())
+        status = copy.put(bytes);
+    return status.ok() ? copy.end() : status;
 }
 
 } // namespace orvo::store::postgres

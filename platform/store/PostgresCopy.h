@@ -21,12 +21,39 @@ namespace orvo::store::postgres {
 Status copyOut(Connection& connection, const std::string& sql, std::string_view what,
                const TableDef& table, mdx::RecordWriter& writer);
 
-/// Runs a COPY of one bytea column and appends its values to `bytes`.
+/// The same with the rows as values, one at a time. What comes after the first call that does not
+/// give Ok is dropped.
 Status copyOut(Connection& connection, const std::string& sql, std::string_view what,
-               std::string* bytes);
+               const TableDef& table,
+               const std::function<Status(const std::vector<Value>& row)>& each);
 
-/// Runs a "COPY ... (text, integer, bytea) FROM STDIN (FORMAT binary)" with the bytes in pieces,
-/// numbered from 0.
+/// Runs a COPY of one bytea column and hands over its values.
+Status copyOut(Connection& connection, const std::string& sql, std::string_view what,
+               const std::function<Status(std::string_view bytes)>& each);
+
+/// A "COPY ... (text, integer, bytea) FROM STDIN (FORMAT binary)" that sends bytes under one key in
+/// parts of half a mebibyte, numbered from 0.
+class ContentCopy {
+public:
+    ContentCopy(Connection& connection, std::string what, std::string key);
+
+    Status begin(const std::string& sql);
+    Status put(std::string_view bytes);
+    /// Ends the copy, also a failed one.
+    Status end();
+
+private:
+    Status sendPart(std::string_view data);
+
+    Connection* m_connection;
+    std::string m_what, m_key;
+    std::string m_head; ///< of the stream, until it is sent
+    std::string m_part; ///< bytes that make no whole part yet
+    uint64_t m_number = 0;
+    bool m_sent = true;
+};
+
+/// Copies all of it at once.
 Status copyIn(Connection& connection, const std::string& sql, std::string_view what,
               std::string_view key, std::string_view bytes);
 

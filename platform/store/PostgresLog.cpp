@@ -65,20 +65,7 @@ Status PostgresStore::readLog(int64_t cursor, int limit, std::vector<Change>* ch
         if (cursor < pruned || cursor > newest)
             return {LogPruned, "Журнал изменений не достаёт до события " + std::to_string(cursor) +
                                    ": он начинается после " + std::to_string(pruned)};
-        std::vector<Change> read;
-        const auto text = [&](int i, int column) { return std::string(textAt(row, i, column)); };
-        for (int i = 0; i < PQntuples(row) && !isNull(row, i, 2); ++i) {
-            Change change;
-            change.id = integerAt(row, i, 2);
-            change.code = static_cast<int>(integerAt(row, i, 3));
-            change.table = text(i, 4);
-            change.key = text(i, 5);
-            change.login = text(i, 6);
-            change.time = realAt(row, i, 7);
-            change.after = text(i, 8);
-            change.before = text(i, 9);
-            read.push_back(std::move(change));
-        }
+        std::vector<Change> read = changesIn(row, 2);
         m_seen = newest;
         m_more = limit <= 0 || read.size() == static_cast<size_t>(limit);
         changes->swap(read);

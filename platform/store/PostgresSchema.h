@@ -22,6 +22,11 @@ constexpr const char* takeLogLock = "pg_advisory_xact_lock(1332901487, 1)";
 /// Announces, without contents, that the log has grown.
 constexpr const char* wakeChannel = "orvo";
 
+/// The copy of a content's bytes into its table.
+constexpr const char* copyContentIn =
+    "COPY public.\"MenuResourceFileData\" (\"KeyLink\", \"part\", \"data\") FROM STDIN (FORMAT "
+    "binary)";
+
 /// public."name".
 std::string qualified(std::string_view name);
 

@@ -233,7 +233,10 @@ Status PostgresStore::contentBytes(const std::string& key, std::string* bytes) {
     bytes->reserve(std::strtoull(PQgetvalue(size.get(), 0, 0), nullptr, 10));
     return copyOut(m_connection,
                    "COPY (SELECT \"data\"" + from + " ORDER BY \"part\") TO STDOUT (FORMAT binary)",
-                   what, bytes);
+                   what, [&](std::string_view piece) -> Status {
+                       bytes->append(piece);
+                       return {};
+                   });
 }
 
 } // namespace orvo::store::postgres

@@ -12,6 +12,7 @@
 #define ORVO_PLATFORM_STORE_POSTGRESSTORE_H
 
 #include "platform/store/PostgresApi.h"
+#include "platform/store/PostgresCopy.h"
 #include "platform/store/PostgresWake.h"
 #include "platform/store/StoreCore.h"
 
@@ -49,6 +50,11 @@ public:
 
     Status integrity(std::vector<std::string>* damages) override;
 
+    Status logBefore(double time, int64_t* id, int64_t* count) override;
+    Status backup(const std::string& file, const Progress& progress) override;
+    Status restore(const std::string& file, const Progress& progress) override;
+    Status missingLogins(std::vector<std::string>* logins) override;
+
 protected:
     Status inRead(const Work& work) override;
     Status inWrite(const Work& work) override;
@@ -61,6 +67,17 @@ protected:
                        const Value& value,
                        const std::function<void(const Row& row)>& each) override;
     Status makeLogin(const User& user) override;
+    bool hasLogins() const override { return true; }
+    Status measure(Amount* amount) override;
+    Status selectInOrder(const TableDef& table,
+                         const std::function<Status(const Row& row)>& each) override;
+    Status contentPieces(const std::string& key,
+                         const std::function<Status(std::string_view piece)>& each) override;
+    Status clearAll() override;
+    Status beginContent(const Write& write, uint64_t size) override;
+    Status contentPiece(std::string_view piece) override;
+    Status endContent() override;
+    Status selectChanges(const std::string& which, std::vector<Change>* changes) override;
 
 private:
     /// A statement on its way: what to say if it fails.
@@ -76,6 +93,8 @@ private:
     Status rows(const TableDef& table, const std::vector<int>& fields, const std::string& sql,
                 const Parameters& parameters, const std::function<void(const Row& row)>& each);
     Status newest(int64_t* id, int milliseconds);
+    /// The changes in a result, from that column on, up to a row without one.
+    static std::vector<Change> changesIn(const PGresult* rows, int column);
 
     // Writing: statements go out in one stream, and their results are met later.
     Status begin(const std::string& call);
@@ -101,6 +120,8 @@ private:
     std::deque<Sent> m_sent;
     Status m_failure;
     bool m_commitSent = false;
+
+    std::optional<ContentCopy> m_content; ///< open between beginContent and endContent
 
     int64_t m_known = 0; ///< an id that the log has reached
     int64_t m_seen = -1; ///< the newest id at the last look

@@ -219,7 +219,9 @@ Status PostgresStore::findOut(const std::string& call, int64_t since, const std:
 // The writes -------------------------------------------------------------------------------------
 
 Status PostgresStore::apply(const TableDef& table, const Write& write) {
-    std::string what = "Таблица " + shown(table.name) + ", запись " + shown(write.key);
+    std::string what = write.place.empty()
+                           ? "Таблица " + shown(table.name) + ", запись " + shown(write.key)
+                           : write.place;
     const bool insert = write.flag == MDX_INSERT;
     if (!insert && !isText(write.key))
         return {}; // the key of no record
@@ -246,10 +248,7 @@ Status PostgresStore::applyContent(const Write& write, std::string_view bytes) {
         status = settle();
     if (!status.ok() || bytes.empty())
         return status;
-    return copyIn(m_connection,
-                  std::string("COPY ") + dataTable +
-                      " (\"KeyLink\", \"part\", \"data\") FROM STDIN (FORMAT binary)",
-                  "Содержимое файла", write.key, bytes);
+    return copyIn(m_connection, copyContentIn, "Содержимое файла", write.key, bytes);
 }
 
 Status PostgresStore::makeLogin(const User& user) {

@@ -60,6 +60,12 @@ void Statement::bind(int parameter, const Value& value) {
         m_bindError = result;
 }
 
+void Statement::bindRoom(int parameter, uint64_t size) {
+    const int result = sqlite3_bind_zeroblob64(get(), parameter, size);
+    if (result != SQLITE_OK)
+        m_bindError = result;
+}
+
 int Statement::step() {
     return m_bindError != SQLITE_OK ? m_bindError : sqlite3_step(get());
 }

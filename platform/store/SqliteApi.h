@@ -23,6 +23,7 @@ public:
     /// Parameters count from 1. A text is not copied: it must outlive the stepping.
     void bind(int parameter, std::string_view text);
     void bindBytes(int parameter, std::string_view bytes);
+    void bindRoom(int parameter, uint64_t size); ///< so many zero bytes
     void bind(int parameter, int64_t number);
     void bind(int parameter, const Value& value);
 
@@ -82,6 +83,12 @@ private:
     };
     std::unique_ptr<sqlite3, Close> m_connection;
 };
+
+struct CloseBlob {
+    void operator()(sqlite3_blob* blob) const { sqlite3_blob_close(blob); }
+};
+/// A value that is read or written in pieces. Must not outlive its connection.
+using Blob = std::unique_ptr<sqlite3_blob, CloseBlob>;
 
 /// A transaction that is rolled back unless it is committed.
 class Transaction {

@@ -35,25 +35,9 @@ std::string directoryOf(const std::string& path) {
     return slash == 0 ? "/" : path.substr(0, slash);
 }
 
-/// A "file:" URI for a path, in which '?', '#' and '%' have a meaning.
-std::string uri(const std::string& path, const char* parameters) {
-    std::string out = "file:";
-    for (const char c : path) {
-        if (c == '?')
-            out += "%3f";
-        else if (c == '#')
-            out += "%23";
-        else if (c == '%')
-            out += "%25";
-        else
-            out += c;
-    }
-    return out + parameters;
-}
-
-/// Whether the existing file is a store, by its mark. Opened as immutable it is read without locks
-/// and without a journal, so nothing is made beside it. It is opened through SQLite all the same:
-/// to open and close it by hand would drop the locks of another store object of this process.
+/// Whether the existing file is a store, by its mark. Opened as immutable nothing is made beside
+/// it. It is opened through SQLite all the same: to open and close it by hand would drop the locks
+/// of another store object of this process.
 Status look(const std::string& path, const std::string& name) {
     struct stat info {};
     if (::stat(path.c_str(), &info) != 0)
@@ -65,7 +49,7 @@ Status look(const std::string& path, const std::string& name) {
     Connection connection;
     int64_t mark = 0;
     const int opened =
-        connection.open(uri(path, "?immutable=1").c_str(), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+        connection.open(immutableUri(path).c_str(), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
     if (opened != SQLITE_OK)
         return connection.failure("Хранилище " + name);
     const int read = connection.integer("PRAGMA application_id", &mark);
@@ -166,6 +150,21 @@ Status connect(const std::string& path, const std::string& name, Connection* con
 }
 
 } // namespace
+
+std::string immutableUri(const std::string& path) {
+    std::string out = "file:";
+    for (const char c : path) {
+        if (c == '?')
+            out += "%3f";
+        else if (c == '#')
+            out += "%23";
+        else if (c == '%')
+            out += "%25";
+        else
+            out += c;
+    }
+    return out + "?immutable=1";
+}
 
 std::unique_ptr<Store> openStore(const std::string& location, const OpenOptions& options,
                                  Status* status) {

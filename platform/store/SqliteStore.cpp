@@ -194,8 +194,10 @@ Status SqliteStore::inWrite(const Work& work) {
         status = work();
     if (status.ok())
         status = setWriter("");
-    if (!status.ok())
+    if (!status.ok()) {
+        m_content.reset();
         return status;
+    }
     if (transaction.commit() != SQLITE_OK)
         return m_connection.failure("Запись");
     m_grown = true;
@@ -241,9 +243,12 @@ Statement* SqliteStore::writing(const TableDef& table, const Write& write, bool 
     return statement ? &statement : nullptr;
 }
 
-Status SqliteStore::run(const TableDef& table, const Write& write, const std::string_view* bytes) {
-    const auto what = [&] { return inTable(table) + ", запись " + shown(write.key); };
-    Statement* statement = writing(table, write, bytes != nullptr);
+Status SqliteStore::run(const TableDef& table, const Write& write, const std::string_view* bytes,
+                        std::optional<uint64_t> room) {
+    const auto what = [&] {
+        return write.place.empty() ? inTable(table) + ", запись " + shown(write.key) : write.place;
+    };
+    Statement* statement = writing(table, write, bytes != nullptr || room);
     if (statement == nullptr)
         return m_connection.failure(what());
     const ResetAfter reset(*statement);
@@ -253,6 +258,8 @@ Status SqliteStore::run(const TableDef& table, const Write& write, const std::st
         statement->bind(parameter++, value);
     if (bytes != nullptr)
         statement->bindBytes(parameter, *bytes);
+    if (room)
+        statement->bindRoom(parameter, *room);
     return statement->step() == SQLITE_DONE ? Status() : m_connection.failure(what());
 }
 
@@ -266,27 +273,11 @@ Status SqliteStore::applyContent(const Write& write, std::string_view bytes) {
 
 Status SqliteStore::contentBytes(const std::string& key, std::string* bytes) {
     const char what[] = "Содержимое файла";
-    Statement* find = cached("SELECT rowid FROM \"MenuResourceFile\" WHERE \"KeyLink\" = ?1");
-    if (find == nullptr)
-        return m_connection.failure(what);
-    int64_t rowid = 0;
-    {
-        const ResetAfter reset(*find);
-        find->bind(1, std::string_view(key));
-        if (find->step() != SQLITE_ROW)
-            return m_connection.failure(what);
-        rowid = find->integer(0);
-    }
     // Straight into its place: a column read would hold the whole of it once more.
-    struct Close {
-        void operator()(sqlite3_blob* blob) const { sqlite3_blob_close(blob); }
-    };
-    sqlite3_blob* raw = nullptr;
-    const int opened =
-        sqlite3_blob_open(m_connection.get(), "main", "MenuResourceFile", "data", rowid, 0, &raw);
-    const std::unique_ptr<sqlite3_blob, Close> blob(raw);
-    if (opened != SQLITE_OK)
-        return m_connection.failure(what);
+    Blob blob;
+    const Status status = openContent(key, false, &blob);
+    if (!status.ok())
+        return status;
     const int size = sqlite3_blob_bytes(blob.get());
     bytes->resize(static_cast<size_t>(size));
     if (size > 0 && sqlite3_blob_read(blob.get(), bytes->data(), size, 0) != SQLITE_OK)
@@ -360,23 +351,7 @@ Status SqliteStore::readLog(int64_t cursor, int limit, std::vector<Change>* chan
             const ResetAfter reset(*statement);
             statement->bind(1, cursor);
             statement->bind(2, int64_t(std::max(limit, 0)));
-            const auto text = [&](int column) {
-                return validUtf8(std::string(statement->text(column)));
-            };
-            int step = SQLITE_DONE;
-            while ((step = statement->step()) == SQLITE_ROW) {
-                Change change;
-                change.id = statement->integer(0);
-                change.code = static_cast<int>(statement->integer(1));
-                change.table = text(2);
-                change.key = text(3);
-                change.login = text(4);
-                change.time = statement->real(5);
-                change.after = text(6);
-                change.before = text(7);
-                result.push_back(std::move(change));
-            }
-            return step == SQLITE_DONE ? Status() : m_connection.failure(what);
+            return readChanges(*statement, &result);
         });
         if (!status.ok())
             return status;

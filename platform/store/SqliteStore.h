@@ -8,6 +8,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <tuple>
 #include <unordered_map>
@@ -16,6 +17,10 @@ namespace orvo::store::sqlite {
 
 /// How long an operation waits for another process's transaction.
 constexpr int busyMilliseconds = 5000;
+
+/// A "file:" URI by which a file is read without locks and without a journal, so that nothing is
+/// made beside it.
+std::string immutableUri(const std::string& path);
 
 /// Opens or makes the store at a path; see store::open.
 std::unique_ptr<Store> openStore(const std::string& path, const OpenOptions& options,
@@ -44,6 +49,10 @@ public:
 
     Status integrity(std::vector<std::string>* damages) override;
 
+    Status logBefore(double time, int64_t* id, int64_t* count) override;
+    Status backup(const std::string& file, const Progress& progress) override;
+    Status restore(const std::string& file, const Progress& progress) override;
+
 protected:
     Status inRead(const Work& work) override;
     Status inWrite(const Work& work) override;
@@ -55,6 +64,16 @@ protected:
     Status selectWhere(const TableDef& table, const std::vector<int>& fields, int where,
                        const Value& value,
                        const std::function<void(const Row& row)>& each) override;
+    Status measure(Amount* amount) override;
+    Status selectInOrder(const TableDef& table,
+                         const std::function<Status(const Row& row)>& each) override;
+    Status contentPieces(const std::string& key,
+                         const std::function<Status(std::string_view piece)>& each) override;
+    Status clearAll() override;
+    Status beginContent(const Write& write, uint64_t size) override;
+    Status contentPiece(std::string_view piece) override;
+    Status endContent() override;
+    Status selectChanges(const std::string& which, std::vector<Change>* changes) override;
 
 private:
     /// A prepared statement that is kept; null if it does not prepare.
@@ -62,10 +81,16 @@ private:
     /// The statement for writes of this shape.
     Statement* writing(const TableDef& table, const Write& write, bool bytes);
     Status setWriter(std::string_view login);
-    Status run(const TableDef& table, const Write& write, const std::string_view* bytes);
+    /// `bytes` are those of a content; or `room` is left for as many, which come later.
+    Status run(const TableDef& table, const Write& write, const std::string_view* bytes,
+               std::optional<uint64_t> room = {});
+    Status openContent(const std::string& key, bool write, Blob* blob);
+    Status readChanges(Statement& statement, std::vector<Change>* changes);
     Status fetchRows(const TableDef& table, Statement& statement, MDArray* into);
     Status rows(Statement& statement, size_t columns,
                 const std::function<void(const Row& row)>& each);
+    /// Makes all readers of the log find their cursors pruned, those of before `position` too.
+    Status startNewLog(int64_t position);
     /// A number that grows whenever another connection has committed; -1 if it cannot be read.
     int64_t dataVersion();
 
@@ -74,6 +99,8 @@ private:
     std::unordered_map<std::string, Statement> m_statements;
     /// By table, flag and the fields written.
     std::map<std::tuple<const TableDef*, int, uint64_t>, Statement> m_writes;
+    Blob m_content; ///< open between beginContent and endContent
+    int m_contentAt = 0;
     WalWatch m_watch;
     int64_t m_seenVersion = -1;
     bool m_grown = true; ///< this object has committed, or the log was not read to its end

@@ -4,6 +4,7 @@
 
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/FolderTree.h"
+#include "platform/store/Maintenance.h"
 #include "platform/store/Store.h"
 #include "platform/store/WritePlan.h"
 
@@ -31,7 +32,7 @@ Status guarded(const Body& body) noexcept {
 /// The largest content of one stored file. Every database carries it in one value.
 constexpr uint64_t largestFile = 512ull << 20;
 
-class StoreCore : public Store {
+class StoreCore : public MaintainedStore {
 public:
     std::string login() const final { return m_login; }
 
@@ -48,6 +49,12 @@ public:
         const std::function<void(const std::string& path, const StoredFile& file)>& each) final;
 
     Status userAdd(const User& user) final;
+
+    Status history(const LogQuery& query, int limit, std::vector<Change>* changes) final;
+    Status writeOut(Receiver& into) final;
+    Status fill(const std::function<Status(Receiver& store)>& work) final;
+    Status loginAdd(const User& user) final;
+    Status missingLogins(std::vector<std::string>* logins) override;
 
 protected:
     explicit StoreCore(std::string login) : m_login(std::move(login)) {}
@@ -83,8 +90,32 @@ protected:
     /// Makes the login of a new user, inside inWrite. A store without logins refuses what it would
     /// need one for.
     virtual Status makeLogin(const User& user);
+    virtual bool hasLogins() const { return false; }
+
+    // For what Maintenance.h asks.
+    struct Amount {
+        uint64_t records = 0, contents = 0, bytes = 0;
+    };
+    /// How much the store holds, inside inRead.
+    virtual Status measure(Amount* amount) = 0;
+    /// Selects all rows in the order of their keys, not all at once, inside inRead.
+    virtual Status selectInOrder(const TableDef& table,
+                                 const std::function<Status(const Row& row)>& each) = 0;
+    /// Hands over the bytes of the content with that key piece by piece, inside inRead.
+    virtual Status contentPieces(const std::string& key,
+                                 const std::function<Status(std::string_view piece)>& each) = 0;
+    /// Deletes all records and contents, inside inWrite.
+    virtual Status clearAll() = 0;
+    /// Inserts a row of contentTable(), whose bytes come in pieces, `size` in all, before anything
+    /// else is written; inside inWrite.
+    virtual Status beginContent(const Write& write, uint64_t size) = 0;
+    virtual Status contentPiece(std::string_view piece) = 0;
+    virtual Status endContent() = 0;
+    /// Selects changes of the log; `which` is what follows the table in the statement.
+    virtual Status selectChanges(const std::string& which, std::vector<Change>* changes) = 0;
 
 private:
+    class Filler;
     struct Resource {
         std::string key, folder, name;
     };

@@ -26,7 +26,8 @@ struct Write {
     int flag = 0;    ///< MdxRecordFlag
     std::string key; ///< KeyLink, UTF-8
     std::vector<std::pair<int, Value>>
-        values; ///< field numbers of the TableDef, rising; no KeyLink
+        values;             ///< field numbers of the TableDef, rising; no KeyLink
+    std::string place = {}; ///< names the record in messages; empty: by table and key
 };
 
 /// Reads the posted records of an array as writes to a table. The array and the table must outlive

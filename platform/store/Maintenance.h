@@ -1,0 +1,98 @@
+// Maintenance.h: what the administrator's command requires of a store beyond Store.h: its history,
+// its whole content on the way out and in, and copies of it that serve as backups.
+//
+// The conventions of Store.h hold.
+#ifndef ORVO_PLATFORM_STORE_MAINTENANCE_H
+#define ORVO_PLATFORM_STORE_MAINTENANCE_H
+
+#include "platform/store/Store.h"
+#include "platform/store/WritePlan.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orvo::store {
+
+/// Code of a Status: the work was ended because its Progress said so.
+constexpr int Stopped = 25;
+
+/// Told now and then how far long work has come: how much is done, and how much there is in all
+/// (0: nobody knows), in the same unit. False ends the work, which then leaves nothing half-done.
+using Progress = std::function<bool(uint64_t done, uint64_t all)>;
+
+/// Which changes of the log are wanted; what is left empty lets every change pass.
+struct LogQuery {
+    std::string table;                ///< of exactly this name
+    std::string key;                  ///< without regard to case, as keys compare
+    std::optional<std::string> login; ///< of exactly this name; empty: by hand
+    std::optional<double> since;      ///< made at that time or later
+    std::optional<double> until;      ///< made before that time
+    int64_t below = 0;                ///< with a lower id than this; 0: any
+};
+
+/// Takes a whole installation: all records table by table in the order of tables(), then the
+/// contents, each followed by its bytes. The first call that does not give Ok ends the work.
+class Receiver {
+public:
+    virtual ~Receiver() = default;
+    /// How much is to come, before everything else.
+    virtual Status expect(uint64_t records, uint64_t contents, uint64_t bytes) = 0;
+    /// A record: a value for each field of the table. `place` names it in messages; empty: by its
+    /// table and key.
+    virtual Status record(const TableDef& table, const std::vector<Value>& values,
+                          const std::string& place) = 0;
+    /// A record of contentTable(), whose "size" tells how many bytes follow.
+    virtual Status content(const std::vector<Value>& values, const std::string& place) = 0;
+    virtual Status bytes(std::string_view piece) = 0;
+};
+
+class MaintainedStore : public Store {
+public:
+    // Change log ---------------------------------------------------------------------------------
+
+    /// The newest changes that the query lets pass, newest first, at most `limit` of them.
+    virtual Status history(const LogQuery& query, int limit, std::vector<Change>* changes) = 0;
+    /// How many of the oldest changes were made before that time, one after the other without a
+    /// later one between, and the id of the last of them (0: none).
+    virtual Status logBefore(double time, int64_t* id, int64_t* count) = 0;
+
+    // The whole content --------------------------------------------------------------------------
+
+    /// Hands over all records and contents of one moment, each kind in the order of its keys. What
+    /// others write meanwhile neither waits nor shows.
+    virtual Status writeOut(Receiver& into) = 0;
+    /// Replaces all records and contents by what `work` hands over, in one transaction; the change
+    /// log tells of it record by record. Refused: an existing or impossible key, a value that its
+    /// field cannot hold, content of another length than its record says. Links to missing records
+    /// and circles of parents are taken: what a store holds can be put into another one.
+    virtual Status fill(const std::function<Status(Receiver& store)>& work) = 0;
+
+    // Backups ------------------------------------------------------------------------------------
+
+    /// Copies the store as it is at one moment, its log included, into a file, which is there and
+    /// empty. Others may write meanwhile. On failure the file's content is undefined.
+    virtual Status backup(const std::string& file, const Progress& progress) = 0;
+    /// Makes the store what the backup holds, whatever it was. All readers of the log find their
+    /// cursors pruned. Refused if the file is no backup of this kind of store or is damaged.
+    virtual Status restore(const std::string& file, const Progress& progress) = 0;
+
+    // Logins -------------------------------------------------------------------------------------
+
+    /// Gives a user who is in the table Users his login at the database. Refused by a database that
+    /// has no logins.
+    virtual Status loginAdd(const User& user) = 0;
+    /// The logins in the table Users that the database does not know; none if it has no logins.
+    virtual Status missingLogins(std::vector<std::string>* logins) = 0;
+};
+
+/// As store::open.
+std::unique_ptr<MaintainedStore> openMaintained(const std::string& url, const OpenOptions& options,
+                                                Status* status);
+
+} // namespace orvo::store
+
+#endif

@@ -1,0 +1,234 @@
+// Backups of a PostgreSQL store: the archives of the server's own programs. Those take one snapshot
+// while others write, carry the log and whatever rights were granted along, and can be read by any
+// administrator of the server without this program.
+#include "platform/store/PostgresSchema.h"
+#include "platform/store/PostgresStore.h"
+
+#include "platform/store/Names.h"
+
+#include <QFileInfo>
+#include <QProcess>
+#include <QStandardPaths>
+
+#include <memory>
+
+namespace orvo::store::postgres {
+
+namespace {
+
+constexpr int lookMilliseconds = 100; ///< between two looks at the progress
+constexpr qint64 mostUnsent = 4 << 20;
+
+/// The address as the environment of a program: unlike its arguments nobody else can read it.
+QProcessEnvironment environmentFor(const Url& url) {
+    struct Free {
+        void operator()(PQconninfoOption* options) const { PQconninfoFree(options); }
+    };
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    const std::unique_ptr<PQconninfoOption, Free> options(PQconndefaults());
+    for (const PQconninfoOption* option = options.get();
+         option != nullptr && option->keyword != nullptr; ++option) {
+        const std::string value = url.get(option->keyword);
+        if (option->envvar != nullptr && !value.empty())
+            environment.insert(QString::fromUtf8(option->envvar), QString::fromStdString(value));
+    }
+    return environment;
+}
+
+/// One of the server's programs at work. It is killed when it is given up.
+class Program {
+public:
+    Program(const Url& url, const char* name, std::string what)
+        : m_url(url)
+        , m_name(name)
+        , m_what(std::move(what)) {
+        process.setProcessEnvironment(environmentFor(url));
+    }
+    ~Program() {
+        if (process.state() != QProcess::NotRunning) {
+            process.kill();
+            process.waitForFinished();
+        }
+    }
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    Status start(const QStringList& arguments) {
+        const QString path = QStandardPaths::findExecutable(QString::fromUtf8(m_name));
+        if (path.isEmpty())
+            return {Failed, m_what + ": нет программы " + m_name + " (пакет postgresql-client)"};
+        process.start(path, arguments);
+        if (!process.waitForStarted())
+            return {Failed, m_what + ": программа " + std::string(m_name) + " не запускается (" +
+                                process.errorString().toStdString() + ")"};
+        return {};
+    }
+
+    /// Waits for the end; `look` is asked now and then whether to go on.
+    Status finish(const std::function<bool()>& look) {
+        while (process.state() != QProcess::NotRunning &&
+               !process.waitForFinished(lookMilliseconds))
+            if (!look())
+                return stopped();
+        return result();
+    }
+
+    Status result() {
+        if (process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0)
+            return {};
+        // The first line says what it was; the rest is where.
+        const QByteArray words = process.readAllStandardError().trimmed();
+        const std::string line =
+            words.left(words.indexOf('\n') < 0 ? words.size() : words.indexOf('\n')).toStdString();
+        return {Failed, m_what + ": " +
+                            (line.empty() ? std::string(m_name) + " не закончила работу"
+                                          : m_url.withoutSecrets(validUtf8(line)))};
+    }
+    Status stopped() const { return {Stopped, m_what + ": прервано"}; }
+
+    QProcess process;
+
+private:
+    const Url& m_url;
+    const char* m_name;
+    const std::string m_what;
+};
+
+Status output(const Url& url, const char* program, const QStringList& arguments,
+              const std::string& what, QByteArray* text) {
+    Program run(url, program, what);
+    Status status = run.start(arguments);
+    if (!status.ok())
+        return status;
+    run.process.closeWriteChannel();
+    status = run.finish([] { return true; });
+    *text = run.process.readAllStandardOutput();
+    return status;
+}
+
+/// Refuses an archive that holds no store, or a newer one.
+Status checkArchive(const Url& url, const std::string& file) {
+    const std::string what = "Резервная копия " + shown(file);
+    const QString path = QString::fromStdString(file);
+    QByteArray list;
+    Status status = output(url, "pg_restore", {"--list", path}, what, &list);
+    if (!status.ok())
+        return {status.code == Failed ? int(NotAStore) : status.code, status.text};
+    if (!list.contains(" TABLE public NciStore ") || !list.contains(" TABLE public NciEvent "))
+        return {NotAStore, what + ": в ней нет хранилища"};
+    QByteArray data;
+    status = output(url, "pg_restore",
+                    {"--data-only", "--schema=public", "--table=NciStore", "--file=-", path}, what,
+                    &data);
+    if (!status.ok())
+        return status;
+    const int copy = data.indexOf("\nCOPY ");
+    const int line = copy < 0 ? -1 : data.indexOf('\n', copy + 1);
+    const int version = line < 0 ? 0 : data.mid(line + 1, 12).split('\n').first().toInt();
+    if (version < 1)
+        return {NotAStore, what + ": в ней нет хранилища"};
+    if (version > static_cast<int>(migrations().size()))
+        return {NewerStore, what + " сделана более новой версией программы (версия " +
+                                std::to_string(version) + ", известна " +
+                                std::to_string(migrations().size()) + ")"};
+    return {};
+}
+
+/// Opens the transaction: nobody else writes any more, and what is there goes. The owner stays.
+QByteArray beginning() {
+    std::string sql = "BEGIN;\nSET LOCAL client_min_messages = warning;\n"
+                      "SET LOCAL lock_timeout = '10s';\n"
+                      "SELECT format('SET LOCAL ROLE %I', pg_get_userbyid(relowner)) FROM pg_class "
+                      "WHERE oid = 'public.\"NciEvent\"'::regclass \\gexec\n";
+    sql +=
+        std::string("SELECT ") + takeLogLock +
+        ";\nSELECT greatest(coalesce((SELECT max(\"id\") FROM public.\"NciEvent\"), 0), "
+        "coalesce((SELECT max(\"id\") FROM public.\"NciPruned\"), 0)) AS position \\gset orvo_\n";
+    std::vector<std::string> names = {"MenuResourceFileData", contentTable().name};
+    for (const TableDef& table : tables())
+        names.emplace_back(table.name);
+    for (const char* name : {"NciEvent", "NciPruned", "NciStore"})
+        names.emplace_back(name);
+    for (const std::string& name : names)
+        sql += "DROP TABLE IF EXISTS " + qualified(name) + " CASCADE;\nDROP FUNCTION IF EXISTS " +
+               qualified(name + ".log") + " CASCADE;\n";
+    for (const char* name : {"NciLock", "NciTruncate", "NciLog", "NciPrune"})
+        sql += "DROP FUNCTION IF EXISTS " + qualified(name) + " CASCADE;\n";
+    return QByteArray::fromStdString(sql);
+}
+
+/// Every number of a change that was ever given out becomes too low for a reader, and the next
+/// change gets a higher one.
+QByteArray ending() {
+    return QByteArray("\nUPDATE public.\"NciPruned\" SET \"id\" = 1 + greatest(:orvo_position, "
+                      "\"id\", coalesce((SELECT max(\"id\") FROM public.\"NciEvent\"), 0));\n"
+                      "SELECT pg_catalog.setval('public.\"NciEventId\"', (SELECT \"id\" FROM "
+                      "public.\"NciPruned\"));\nSELECT pg_catalog.pg_notify('") +
+           wakeChannel + "', '');\nCOMMIT;\n";
+}
+
+} // namespace
+
+Status PostgresStore::backup(const std::string& file, const Progress& progress) {
+    return guarded([&]() -> Status {
+        const QString path = QString::fromStdString(file);
+        Program dump(m_url, "pg_dump", "Резервная копия");
+        const Status status = dump.start({"--format=custom", "--no-password", "--file=" + path});
+        if (!status.ok())
+            return status;
+        return dump.finish([&] {
+            return !progress || progress(static_cast<uint64_t>(QFileInfo(path).size()), 0);
+        });
+    });
+}
+
+Status PostgresStore::restore(const std::string& file, const Progress& progress) {
+    return guarded([&]() -> Status {
+        const std::string what = "Восстановление";
+        Status status = checkArchive(m_url, file);
+        if (!status.ok())
+            return status;
+        Program reader(m_url, "pg_restore", what);
+        Program writer(m_url, "psql", what);
+        writer.process.setStandardOutputFile(QProcess::nullDevice());
+        status = reader.start({"--no-owner", "--file=-", QString::fromStdString(file)});
+        if (status.ok())
+            status = writer.start(
+                {"--no-psqlrc", "--quiet", "--no-password", "--set=ON_ERROR_STOP=1", "--file=-"});
+        if (!status.ok())
+            return status;
+        reader.process.closeWriteChannel();
+        writer.process.write(beginning());
+        uint64_t done = 0;
+        for (bool more = true; more;) {
+            if (progress && !progress(done, 0))
+                return writer.stopped();
+            more = reader.process.waitForReadyRead(lookMilliseconds) ||
+                   reader.process.state() != QProcess::NotRunning;
+            const QByteArray piece = reader.process.readAllStandardOutput();
+            done += static_cast<uint64_t>(piece.size());
+            writer.process.write(piece);
+            while (writer.process.state() == QProcess::Running &&
+                   writer.process.bytesToWrite() > mostUnsent) {
+                writer.process.waitForBytesWritten(lookMilliseconds);
+                if (progress && !progress(done, 0))
+                    return writer.stopped();
+            }
+            if (writer.process.state() == QProcess::NotRunning)
+                return writer.result(); // without the end nothing is committed
+        }
+        // Only an archive that was read to its end may be kept.
+        status = reader.result();
+        if (!status.ok())
+            return status;
+        writer.process.write(ending());
+        writer.process.closeWriteChannel();
+        status = writer.finish([&] { return !progress || progress(done, 0); });
+        if (!status.ok())
+            return status;
+        status = ready();
+        return status.ok() ? migrate(m_connection, migrations(), false) : status;
+    });
+}
+
+} // namespace orvo::store::postgres

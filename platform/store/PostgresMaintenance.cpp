@@ -1,0 +1,151 @@
+// A PostgreSQL store's whole content on its way out and in, questions to its log, and its logins.
+#include "platform/store/Names.h"
+#include "platform/store/PostgresCopy.h"
+#include "platform/store/PostgresSchema.h"
+#include "platform/store/PostgresStore.h"
+#include "platform/store/Sql.h"
+
+namespace orvo::store::postgres {
+
+namespace {
+
+constexpr const char* logName = "Журнал изменений";
+constexpr const char* contentName = "Содержимое файла";
+
+} // namespace
+
+Status PostgresStore::measure(Amount* amount) {
+    std::string records;
+    for (const TableDef& table : tables())
+        records +=
+            (records.empty() ? "SELECT (SELECT count(*) FROM " : " + (SELECT count(*) FROM ") +
+            qualified(table.name) + ")";
+    const Result result = m_connection.query(
+        records + ", (SELECT count(*) FROM public.\"MenuResourceFile\"), (SELECT "
+                  "coalesce(sum(\"size\"), 0)::bigint FROM public.\"MenuResourceFile\")",
+        {});
+    if (!succeeded(result.get()))
+        return m_connection.failure("Чтение", result.get());
+    amount->records = static_cast<uint64_t>(integerAt(result.get(), 0, 0));
+    amount->contents = static_cast<uint64_t>(integerAt(result.get(), 0, 1));
+    amount->bytes = static_cast<uint64_t>(integerAt(result.get(), 0, 2));
+    return {};
+}
+
+Status PostgresStore::selectInOrder(const TableDef& table,
+                                    const std::function<Status(const Row& row)>& each) {
+    return copyOut(m_connection,
+                   "COPY (SELECT " + fieldList(table) + " FROM " + qualified(table.name) +
+                       " ORDER BY lower(\"KeyLink\")) TO STDOUT (FORMAT binary)",
+                   inTable(table), table, each);
+}
+
+Status PostgresStore::contentPieces(const std::string& key,
+                                    const std::function<Status(std::string_view piece)>& each) {
+    return copyOut(
+        m_connection,
+        "COPY (SELECT \"data\" FROM public.\"MenuResourceFileData\" WHERE \"KeyLink\" = " +
+            literal(key) + " ORDER BY \"part\") TO STDOUT (FORMAT binary)",
+        contentName, each);
+}
+
+Status PostgresStore::clearAll() {
+    Status status = send("DELETE FROM public.\"MenuResourceFile\"", {}, contentName, true);
+    for (auto table = tables().rbegin(); status.ok() && table != tables().rend(); ++table)
+        status = send("DELETE FROM " + qualified(table->name), {}, inTable(*table), true);
+    return status;
+}
+
+Status PostgresStore::beginContent(const Write& write, uint64_t /*size*/) {
+    Status status = apply(contentTable(), write);
+    if (status.ok())
+        status = settle();
+    if (!status.ok())
+        return status;
+    m_content.emplace(m_connection, write.place.empty() ? contentName : write.place, write.key);
+    return m_content->begin(copyContentIn);
+}
+
+Status PostgresStore::contentPiece(std::string_view piece) {
+    return m_content->put(piece);
+}
+
+Status PostgresStore::endContent() {
+    const Status status = m_content->end();
+    m_content.reset();
+    return status;
+}
+
+std::vector<Change> PostgresStore::changesIn(const PGresult* rows, int column) {
+    std::vector<Change> changes;
+    const auto text = [&](int i, int at) { return std::string(textAt(rows, i, column + at)); };
+    for (int i = 0; i < PQntuples(rows) && !isNull(rows, i, column); ++i) {
+        Change change;
+        change.id = integerAt(rows, i, column);
+        change.code = static_cast<int>(integerAt(rows, i, column + 1));
+        change.table = text(i, 2);
+        change.key = text(i, 3);
+        change.login = text(i, 4);
+        change.time = realAt(rows, i, column + 5);
+        change.after = text(i, 6);
+        change.before = text(i, 7);
+        changes.push_back(std::move(change));
+    }
+    return changes;
+}
+
+Status PostgresStore::selectChanges(const std::string& which, std::vector<Change>* changes) {
+    const Status status = ready();
+    if (!status.ok())
+        return status;
+    if (!isText(which))
+        return {BadArguments, std::string(logName) + ": недопустимый знак в условии"};
+    const Result result = m_connection.query(
+        "SELECT \"id\", \"code\", \"tableName\", \"key\", \"login\", \"time\", \"after\", "
+        "\"before\" FROM public.\"NciEvent\"" +
+            which,
+        {});
+    if (!succeeded(result.get()))
+        return m_connection.failure(logName, result.get());
+    *changes = changesIn(result.get(), 0);
+    return {};
+}
+
+Status PostgresStore::logBefore(double time, int64_t* id, int64_t* count) {
+    return guarded([&]() -> Status {
+        const Status status = ready();
+        if (!status.ok())
+            return status;
+        const Result result = m_connection.query(
+            "SELECT coalesce(max(\"id\"), 0), count(*) FROM public.\"NciEvent\" WHERE \"id\" < "
+            "coalesce((SELECT min(\"id\") FROM public.\"NciEvent\" WHERE \"time\" >= $1), "
+            "9223372036854775807)",
+            Parameters().field(MDX_DATE, Value(time)));
+        if (!succeeded(result.get()))
+            return m_connection.failure(logName, result.get());
+        *id = integerAt(result.get(), 0, 0);
+        *count = integerAt(result.get(), 0, 1);
+        return {};
+    });
+}
+
+Status PostgresStore::missingLogins(std::vector<std::string>* logins) {
+    return guarded([&]() -> Status {
+        const Status status = ready();
+        if (!status.ok())
+            return status;
+        const Result result = m_connection.query(
+            "SELECT \"login_\" FROM public.\"Users\" u WHERE \"login_\" <> '' AND NOT EXISTS "
+            "(SELECT "
+            "FROM pg_catalog.pg_roles WHERE rolname = u.\"login_\" AND rolcanlogin) ORDER BY 1",
+            {});
+        if (!succeeded(result.get()))
+            return m_connection.failure("Входы на сервер", result.get());
+        logins->clear();
+        for (int row = 0; row < PQntuples(result.get()); ++row)
+            logins->emplace_back(textAt(result.get(), row, 0));
+        return {};
+    });
+}
+
+} // namespace orvo::store::postgres

@@ -1,0 +1,185 @@
+// An SQLite store's whole content on its way out and in, and questions to its log.
+#include "platform/store/Names.h"
+#include "platform/store/SqliteStore.h"
+
+#include <algorithm>
+
+namespace orvo::store::sqlite {
+
+namespace {
+
+constexpr const char* logName = "Журнал изменений";
+constexpr const char* contentName = "Содержимое файла";
+
+/// So much of a stored file is in memory at once.
+constexpr int pieceSize = 1 << 20;
+
+} // namespace
+
+Status SqliteStore::measure(Amount* amount) {
+    std::string records;
+    for (const TableDef& table : tables())
+        records +=
+            (records.empty() ? "SELECT (SELECT count(*) FROM " : " + (SELECT count(*) FROM ") +
+            identifier(table.name) + ")";
+    Statement* statement =
+        cached(records + ", (SELECT count(*) FROM \"MenuResourceFile\"), "
+                         "(SELECT coalesce(sum(\"size\"), 0) FROM \"MenuResourceFile\")");
+    if (statement == nullptr)
+        return m_connection.failure("Чтение");
+    const ResetAfter reset(*statement);
+    if (statement->step() != SQLITE_ROW)
+        return m_connection.failure("Чтение");
+    amount->records = static_cast<uint64_t>(statement->integer(0));
+    amount->contents = static_cast<uint64_t>(statement->integer(1));
+    amount->bytes = static_cast<uint64_t>(statement->integer(2));
+    return {};
+}
+
+Status SqliteStore::selectInOrder(const TableDef& table,
+                                  const std::function<Status(const Row& row)>& each) {
+    Statement* statement = cached("SELECT " + fieldList(table) + " FROM " + identifier(table.name) +
+                                  " ORDER BY \"KeyLink\"");
+    if (statement == nullptr)
+        return m_connection.failure(inTable(table));
+    const ResetAfter reset(*statement);
+    Row row(table.fields.size());
+    int step = SQLITE_DONE;
+    while ((step = statement->step()) == SQLITE_ROW) {
+        for (size_t i = 0; i < row.size(); ++i)
+            row[i] = statement->value(static_cast<int>(i));
+        const Status status = each(row);
+        if (!status.ok())
+            return status;
+    }
+    return step == SQLITE_DONE ? Status() : m_connection.failure(inTable(table));
+}
+
+Status SqliteStore::openContent(const std::string& key, bool write, Blob* blob) {
+    Statement* find = cached("SELECT rowid FROM \"MenuResourceFile\" WHERE \"KeyLink\" = ?1");
+    if (find == nullptr)
+        return m_connection.failure(contentName);
+    const ResetAfter reset(*find);
+    find->bind(1, std::string_view(key));
+    if (find->step() != SQLITE_ROW)
+        return m_connection.failure(contentName);
+    sqlite3_blob* raw = nullptr;
+    const int opened = sqlite3_blob_open(m_connection.get(), "main", "MenuResourceFile", "data",
+                                         find->integer(0), write ? 1 : 0, &raw);
+    blob->reset(raw);
+    return opened == SQLITE_OK ? Status() : m_connection.failure(contentName);
+}
+
+Status SqliteStore::contentPieces(const std::string& key,
+                                  const std::function<Status(std::string_view piece)>& each) {
+    Blob blob;
+    Status status = openContent(key, false, &blob);
+    if (!status.ok())
+        return status;
+    const int size = sqlite3_blob_bytes(blob.get());
+    std::string piece;
+    for (int at = 0; status.ok() && at < size; at += pieceSize) {
+        piece.resize(static_cast<size_t>(std::min(pieceSize, size - at)));
+        if (sqlite3_blob_read(blob.get(), piece.data(), static_cast<int>(piece.size()), at) !=
+            SQLITE_OK)
+            return m_connection.failure(contentName);
+        status = each(piece);
+    }
+    return status;
+}
+
+Status SqliteStore::clearAll() {
+    m_content.reset();
+    std::string sql = "DELETE FROM \"MenuResourceFile\";";
+    for (auto table = tables().rbegin(); table != tables().rend(); ++table)
+        sql += "DELETE FROM " + identifier(table->name) + ";";
+    return m_connection.execute(sql) == SQLITE_OK ? Status() : m_connection.failure("Запись");
+}
+
+Status SqliteStore::beginContent(const Write& write, uint64_t size) {
+    // Room first, the bytes into it after: no value has to be in memory as a whole.
+    const Status status = run(contentTable(), write, nullptr, size);
+    if (!status.ok() || size == 0)
+        return status;
+    m_contentAt = 0;
+    return openContent(write.key, true, &m_content);
+}
+
+Status SqliteStore::contentPiece(std::string_view piece) {
+    if (!m_content || sqlite3_blob_write(m_content.get(), piece.data(),
+                                         static_cast<int>(piece.size()), m_contentAt) != SQLITE_OK)
+        return m_connection.failure(contentName);
+    m_contentAt += static_cast<int>(piece.size());
+    return {};
+}
+
+Status SqliteStore::endContent() {
+    // Closed by hand: this is where a late error shows.
+    sqlite3_blob* blob = m_content.release();
+    return sqlite3_blob_close(blob) == SQLITE_OK ? Status() : m_connection.failure(contentName);
+}
+
+Status SqliteStore::readChanges(Statement& statement, std::vector<Change>* changes) {
+    const auto text = [&](int column) { return validUtf8(std::string(statement.text(column))); };
+    int step = SQLITE_DONE;
+    while ((step = statement.step()) == SQLITE_ROW) {
+        Change change;
+        change.id = statement.integer(0);
+        change.code = static_cast<int>(statement.integer(1));
+        change.table = text(2);
+        change.key = text(3);
+        change.login = text(4);
+        change.time = statement.real(5);
+        change.after = text(6);
+        change.before = text(7);
+        changes->push_back(std::move(change));
+    }
+    return step == SQLITE_DONE ? Status() : m_connection.failure(logName);
+}
+
+Status SqliteStore::selectChanges(const std::string& which, std::vector<Change>* changes) {
+    Statement statement = m_connection.prepare(
+        "SELECT \"id\", \"code\", \"tableName\", \"key\", \"login\", \"time\", \"after\", "
+        "\"before\" FROM \"NciEvent\"" +
+        which);
+    return statement ? readChanges(statement, changes) : m_connection.failure(logName);
+}
+
+Status SqliteStore::logBefore(double time, int64_t* id, int64_t* count) {
+    return guarded([&]() -> Status {
+        Statement* statement =
+            cached("SELECT coalesce(max(\"id\"), 0), count(*) FROM \"NciEvent\" WHERE \"id\" < "
+                   "coalesce((SELECT min(\"id\") FROM \"NciEvent\" WHERE \"time\" >= ?1), "
+                   "9223372036854775807)");
+        if (statement == nullptr)
+            return m_connection.failure(logName);
+        const ResetAfter reset(*statement);
+        statement->bind(1, Value(time));
+        if (statement->step() != SQLITE_ROW)
+            return m_connection.failure(logName);
+        *id = statement->integer(0);
+        *count = statement->integer(1);
+        return {};
+    });
+}
+
+Status SqliteStore::startNewLog(int64_t position) {
+    return inWrite([&]() -> Status {
+        int64_t newest = 0;
+        const Status status = logPosition(&newest);
+        if (!status.ok())
+            return status;
+        // A number beyond all that were ever given out: whoever holds one of them holds too low a
+        // one, and the next change gets a higher one.
+        const std::string next = std::to_string(std::max(position, newest) + 1);
+        return m_connection.execute(
+                   "UPDATE \"NciPruned\" SET \"id\" = " + next +
+                   "; DELETE FROM sqlite_sequence WHERE name = 'NciEvent'; INSERT INTO "
+                   "sqlite_sequence (name, seq) VALUES ('NciEvent', " +
+                   next + ")") == SQLITE_OK
+                   ? Status()
+                   : m_connection.failure(logName);
+    });
+}
+
+} // namespace orvo::store::sqlite

@@ -1,0 +1,260 @@
+// A store's whole content on its way out and in, and what else only the administrator asks for,
+// as far as it is alike in every kind of store.
+#include "platform/store/Maintenance.h"
+#include "platform/store/Names.h"
+#include "platform/store/Sql.h"
+#include "platform/store/StoreCore.h"
+
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+namespace orvo::store {
+
+namespace {
+
+Status refused(const std::string& place, const std::string& why) {
+    return {Refused, place + ": " + why};
+}
+
+std::string placeOf(const TableDef& table, const std::vector<Value>& values) {
+    return inTable(table) + ", запись " + shown(textOf(values.front()));
+}
+
+/// Whether a value is one that the field can hold.
+bool fits(const Value& value, const FieldDef& field) {
+    if (std::holds_alternative<std::monostate>(value))
+        return true;
+    const auto* number = std::get_if<int64_t>(&value);
+    switch (field.type) {
+    case MDX_BOOLEAN:
+        return number != nullptr && (*number == 0 || *number == 1);
+    case MDX_INTEGER:
+        return number != nullptr && *number >= std::numeric_limits<int32_t>::min() &&
+               *number <= std::numeric_limits<int32_t>::max();
+    case MDX_DATE: {
+        const auto* real = std::get_if<double>(&value);
+        return real != nullptr && std::isfinite(*real);
+    }
+    default:
+        return std::holds_alternative<std::string>(value);
+    }
+}
+
+std::string number(double value) {
+    char text[32];
+    return {text, std::to_chars(text, text + sizeof text, value).ptr};
+}
+
+} // namespace
+
+// Out --------------------------------------------------------------------------------------------
+
+Status StoreCore::writeOut(Receiver& into) {
+    return guarded([&] {
+        return inRead([&]() -> Status {
+            Amount amount;
+            Status status = measure(&amount);
+            if (status.ok())
+                status = into.expect(amount.records, amount.contents, amount.bytes);
+            for (const TableDef& table : tables()) {
+                if (!status.ok())
+                    return status;
+                status = selectInOrder(table,
+                                       [&](const Row& row) { return into.record(table, row, {}); });
+            }
+            // Their bytes are other statements, so the records are taken first; they are small.
+            std::vector<Row> contents;
+            if (status.ok())
+                status = selectInOrder(contentTable(), [&](const Row& row) -> Status {
+                    contents.push_back(row);
+                    return {};
+                });
+            for (const Row& content : contents) {
+                if (!status.ok())
+                    return status;
+                status = into.content(content, {});
+                if (status.ok())
+                    status =
+                        contentPieces(textOf(content[0]), [&](std::string_view piece) -> Status {
+                            return into.bytes(piece);
+                        });
+            }
+            return status;
+        });
+    });
+}
+
+// In ---------------------------------------------------------------------------------------------
+
+/// Checks what comes and writes it.
+class StoreCore::Filler : public Receiver {
+public:
+    explicit Filler(StoreCore& store) : m_store(store) {}
+
+    Status expect(uint64_t /*records*/, uint64_t /*contents*/, uint64_t /*bytes*/) override {
+        return {};
+    }
+
+    Status record(const TableDef& table, const std::vector<Value>& values,
+                  const std::string& place) override {
+        Status status = endContent();
+        if (status.ok())
+            status = plan(table, values, place);
+        return status.ok() ? m_store.apply(table, m_write) : status;
+    }
+
+    Status content(const std::vector<Value>& values, const std::string& place) override {
+        const TableDef& table = contentTable();
+        static const auto sizeField = static_cast<size_t>(table.find("size"));
+        static const auto nameField = static_cast<size_t>(table.find("name_"));
+        Status status = endContent();
+        if (status.ok())
+            status = plan(table, values, place);
+        if (!status.ok())
+            return status;
+        const auto* size = std::get_if<int64_t>(&values[sizeField]);
+        if (size == nullptr || *size < 0 || static_cast<uint64_t>(*size) > largestFile)
+            return refused(m_write.place, "размер содержимого не от 0 до " +
+                                              std::to_string(largestFile >> 20) + " МиБ");
+        if (!isPlainFileName(textOf(values[nameField])))
+            return refused(m_write.place,
+                           "недопустимое имя файла " + shown(textOf(values[nameField])));
+        status = m_store.beginContent(m_write, static_cast<uint64_t>(*size));
+        m_open = status.ok();
+        m_left = static_cast<uint64_t>(*size);
+        return status;
+    }
+
+    Status bytes(std::string_view piece) override {
+        if (!m_open)
+            return {BadArguments, "Содержимое без записи"};
+        if (piece.size() > m_left)
+            return refused(m_write.place, "содержимое длиннее, чем сказано в записи");
+        m_left -= piece.size();
+        return piece.empty() ? Status() : m_store.contentPiece(piece);
+    }
+
+    /// To be called at the end of it all.
+    Status endContent() {
+        if (!m_open)
+            return {};
+        m_open = false;
+        if (m_left != 0)
+            return refused(m_write.place, "содержимое короче, чем сказано в записи");
+        return m_store.endContent();
+    }
+
+private:
+    Status plan(const TableDef& table, const std::vector<Value>& values, const std::string& place) {
+        if (values.size() != table.fields.size())
+            return {BadArguments, inTable(table) + ": запись с другим числом полей"};
+        m_write.flag = MDX_INSERT;
+        m_write.key = textOf(values.front());
+        m_write.place = place.empty() ? placeOf(table, values) : place;
+        m_write.values.clear();
+        if (!isKey(m_write.key))
+            return refused(m_write.place,
+                           "в ключе KeyLink допустимы только печатные знаки ASCII, хотя бы один");
+        for (size_t i = 1; i < values.size(); ++i) {
+            const FieldDef& field = table.fields[i];
+            if (!fits(values[i], field))
+                return refused(m_write.place, "значение не подходит полю " + shown(field.name));
+            // All fields, so that one statement serves all records of a table.
+            const bool none = field.link && textOf(values[i]).empty();
+            m_write.values.emplace_back(static_cast<int>(i), none ? Value() : values[i]);
+        }
+        return {};
+    }
+
+    StoreCore& m_store;
+    Write m_write;
+    bool m_open = false;
+    uint64_t m_left = 0; ///< of the open content
+};
+
+Status StoreCore::fill(const std::function<Status(Receiver& store)>& work) {
+    return guarded([&] {
+        return inWrite([&]() -> Status {
+            Status status = clearAll();
+            Filler filler(*this);
+            if (status.ok())
+                status = work(filler);
+            if (status.ok())
+                status = filler.endContent();
+            return status;
+        });
+    });
+}
+
+// Change log -------------------------------------------------------------------------------------
+
+Status StoreCore::history(const LogQuery& query, int limit, std::vector<Change>* changes) {
+    return guarded([&]() -> Status {
+        std::string where;
+        const auto also = [&](const std::string& condition) {
+            where += (where.empty() ? " WHERE " : " AND ") + condition;
+        };
+        for (const std::string* text : {&query.table, &query.key})
+            if (text->find('\0') != std::string::npos)
+                return {BadArguments, "Журнал изменений: нулевой знак в условии"};
+        if (!query.table.empty())
+            also("\"tableName\" = " + literal(query.table));
+        if (!query.key.empty())
+            also("lower(\"key\") = " + literal(foldedKey(query.key)));
+        if (query.login)
+            also("\"login\" = " + literal(*query.login));
+        if (query.since)
+            also("\"time\" >= " + number(*query.since));
+        if (query.until)
+            also("\"time\" < " + number(*query.until));
+        if (query.below > 0)
+            also("\"id\" < " + std::to_string(query.below));
+        std::vector<Change> result;
+        const Status status = selectChanges(
+            where + " ORDER BY \"id\" DESC LIMIT " + std::to_string(std::max(limit, 0)), &result);
+        if (status.ok())
+            changes->swap(result);
+        return status;
+    });
+}
+
+// Logins -----------------------------------------------------------------------------------------
+
+Status StoreCore::loginAdd(const User& user) {
+    return guarded([&]() -> Status {
+        if (!hasLogins())
+            return {Refused, "У этого хранилища нет входов: его файл открывает тот, кому это "
+                             "позволяют права на файл"};
+        const TableDef& table = *findTable("Users");
+        return inWrite([&]() -> Status {
+            bool known = false;
+            User exact = user;
+            const Status status = select(table, {table.find("login_")}, [&](const Row& row) {
+                if (sameText(textOf(row[0]), user.login) &&
+                    (!known || textOf(row[0]) == user.login))
+                    exact.login = textOf(row[0]);
+                known = known || sameText(textOf(row[0]), user.login);
+            });
+            if (!status.ok())
+                return status;
+            if (!known)
+                return {Refused, "Пользователя " + shown(user.login) + " нет"};
+            return makeLogin(exact);
+        });
+    });
+}
+
+Status StoreCore::missingLogins(std::vector<std::string>* logins) {
+    logins->clear();
+    return {};
+}
+
+std::unique_ptr<MaintainedStore> openMaintained(const std::string& url, const OpenOptions& options,
+                                                Status* status) {
+    // Every kind of store is a StoreCore.
+    return std::unique_ptr<MaintainedStore>(
+        static_cast<MaintainedStore*>(open(url, options, status).release()));
+}
+
+} // namespace orvo::store
