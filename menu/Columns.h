@@ -3,6 +3,8 @@
 #ifndef ORVO_MENU_COLUMNS_H
 #define ORVO_MENU_COLUMNS_H
 
+#include <limits>
+
 namespace orvo::menu {
 
 /// Columns of `tvDesck`.
@@ -40,6 +42,11 @@ inline constexpr char desktopClass[] = "2000";
 
 /// The distance between the `order_` of new neighbours.
 inline constexpr int orderStep = 1000;
+/// One step further. The field ends where an int does, and rows from other hands may stand there.
+constexpr int stepBehind(int order) {
+    return order > std::numeric_limits<int>::max() - orderStep ? std::numeric_limits<int>::max()
+                                                               : order + orderStep;
+}
 
 /// Clipboard formats.
 inline constexpr char menuMime[] = "OrvoMenu/menu";

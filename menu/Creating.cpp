@@ -17,7 +17,7 @@
 #include <QToolButton>
 
 using orvo::menu::MenuColumn;
-using orvo::menu::orderStep;
+using orvo::menu::stepBehind;
 
 namespace {
 
@@ -33,7 +33,7 @@ int nextOrder(const MenuTreeModel& model, const QModelIndex& parent) {
     const int children = model.rowCount(parent);
     return children == 0
                ? 0
-               : model.index(children - 1, MenuColumn::Order, parent).data().toInt() + orderStep;
+               : stepBehind(model.index(children - 1, MenuColumn::Order, parent).data().toInt());
 }
 
 } // namespace
@@ -104,7 +104,7 @@ void OrvoMenu::addChosenElements() {
             .integer("order_", order);
         if (resource && !orvo::isNull(resource, "ico"))
             row.copy("ico", resource);
-        order += orderStep;
+        order = stepBehind(order);
     }
     out.send();
 }

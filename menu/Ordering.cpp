@@ -13,18 +13,12 @@ using orvo::KeyValues;
 using orvo::ScratchTable;
 using orvo::menu::MenuColumn;
 using orvo::menu::menuRootKey;
-using orvo::menu::orderStep;
+using orvo::menu::stepBehind;
 
 namespace {
 
 int orderAt(const QModelIndex& row) {
     return row.siblingAtColumn(MenuColumn::Order).data().toInt();
-}
-
-/// One step further. The field ends where an int does, and rows from other hands may stand there.
-int stepBehind(int order) {
-    return order > std::numeric_limits<int>::max() - orderStep ? std::numeric_limits<int>::max()
-                                                               : order + orderStep;
 }
 
 } // namespace

@@ -3,6 +3,9 @@
 #define ORVO_TESTS_MENU_MENUNOTIFICATIONSTEST_H
 #include "tests/menu/LiveProbe.h"
 
+#include <QSignalSpy>
+
+#include <functional>
 #include <random>
 
 using namespace orvo::test;
@@ -35,6 +38,8 @@ private slots:
     void anUpdatedDesktopIsRewrittenMovedAndMadeCurrent();
     void anUpdatedTopFolderMovesAmongTheTopRows();
     void anUpdatedDesktopInItsPlaceShowsItsMenuAnew();
+    void aFolderThatMovesArrivesEmpty();
+    void aFolderInItsPlaceKeepsItsRows();
     void aDesktopStaysUnderItsOldFolder();
     void anUpdateOfAnUnknownDesktopDoesNothing();
     void aDesktopWithoutARowIsUpdatedInTheTable();
@@ -50,6 +55,8 @@ private slots:
     void anElementOfAnotherDesktopIsNotUpdated();
     void onlyTheMarkedFieldsAreMerged();
     void withoutACurrentElementAnUpdateShowsTheTop();
+    void aPlaceBehindRowsThatAreNotShownIsRefused();
+    void theRowIsMadeCurrentByWayOfItsParent();
 
     // Deletions
     void deletingTheOnlyDesktopSelectsTheFolder();
@@ -72,6 +79,7 @@ private slots:
     void anInsertedElementOfAnUnknownParentEntersTheTableOnly();
     void anElementOfAnotherDesktopLeavesNoTrace();
     void theOwnNewElementKeepsItsPlace();
+    void theOwnNewElementLeavesTheSelectionAlone();
     void anInsertedResourceNamesNewElements();
 
     // Input that is not what it should be

@@ -18,6 +18,9 @@ public:
     using OrvoMenu::getDesckElementPosition;
     using OrvoMenu::getMenuElementPosition;
     using OrvoMenu::insertElementToDesckTree;
+    using OrvoMenu::loadDesckFolder;
+    using OrvoMenu::loadDesckItems;
+    using OrvoMenu::loadMenuFolder;
     using OrvoMenu::loadMenuRow;
     using OrvoMenu::m_currentDesckKey;
     using OrvoMenu::m_currentMenuKey;

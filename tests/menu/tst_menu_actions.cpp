@@ -7,6 +7,8 @@
 #include <QMimeData>
 #include <QTimer>
 
+#include <utility>
+
 using namespace orvo::test;
 
 namespace {
@@ -20,6 +22,12 @@ const QStringList menuActions =
     newElementActions + QStringList{"actDeleteElem",     "actCopyMenuElement",
                                     "actCutMenuElement", "actPasteMenuElement",
                                     "actMoveUp",         "actMoveDown"};
+
+class ClipboardProbe : public MenuProbe {
+public:
+    using MenuProbe::MenuProbe;
+    using OrvoMenu::m_clipboard;
+};
 
 void offer(const char* format) {
     auto* data = new QMimeData; // the clipboard's from now on
@@ -57,6 +65,7 @@ private slots:
     void anInvalidRowChangesNothing();
     void losingTheFocusSwitchesElementActionsOff();
     void losingTheFocusSwitchesDesktopActionsOff();
+    void whereTheFocusGoesMakesNoDifference();
     void aClickSwitchesThemOnAgain();
     void clicksDoNothingWhileSomethingIsEdited();
     void desktopContextMenu();
@@ -276,6 +285,38 @@ void TestMenuActions::losingTheFocusSwitchesDesktopActionsOff() {
     QCOMPARE(enabled(editor, menuActions), again);
 }
 
+void TestMenuActions::whereTheFocusGoesMakesNoDifference() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(editor.start());
+    QTreeView* const desck = editor.view("tvDesck");
+    QTreeView* const menu = editor.view("tvMenu");
+    QWidget elsewhere;
+    desck->setCurrentIndex(editor->desck("armop"));
+    for (QWidget* now : {static_cast<QWidget*>(nullptr), &elsewhere, static_cast<QWidget*>(desck),
+                         static_cast<QWidget*>(menu)}) {
+        menu->setCurrentIndex(editor->element("grafiki"));
+        menu->setCurrentIndex(editor->element("calc"));
+        emit menu->clicked(editor->element("calc"));
+        emit desck->clicked(editor->desck("armop"));
+        const QString menuOn = enabled(editor, menuActions);
+        const QString desckOn = enabled(editor, desckActions);
+        QVERIFY(!menuOn.isEmpty() && !desckOn.isEmpty());
+        // Coming from elsewhere, also to one of the two, switches nothing.
+        emit qApp->focusChanged(&elsewhere, now);
+        emit qApp->focusChanged(nullptr, now);
+        QCOMPARE(enabled(editor, menuActions), menuOn);
+        QCOMPARE(enabled(editor, desckActions), desckOn);
+        emit qApp->focusChanged(desck, now);
+        QCOMPARE(enabled(editor, menuActions), menuOn);
+        QCOMPARE(enabled(editor, desckActions), QString());
+        emit qApp->focusChanged(menu, now);
+        QCOMPARE(enabled(editor, menuActions), QString());
+    }
+}
+
 void TestMenuActions::aClickSwitchesThemOnAgain() {
     TestStore store;
     fillPlant(store);
@@ -320,12 +361,23 @@ void TestMenuActions::clicksDoNothingWhileSomethingIsEdited() {
     editor->m_editMode = MenuProbe::NoEdit;
     emit editor.view("tvDesck")->clicked(editor->desck("ceh"));
     QVERIFY(editor.action("actAddDescktop")->isEnabled());
+
+    editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
+    for (const int mode : {1, 2, 3, 4}) {
+        editor->m_editMode = mode;
+        emit editor.view("tvMenu")->clicked(editor->element("calc"));
+        QCOMPARE(enabled(editor, menuActions), QString());
+    }
+    editor->m_editMode = MenuProbe::NoEdit;
+    emit editor.view("tvMenu")->clicked(editor->element("calc"));
+    QVERIFY(editor.action("actDeleteElem")->isEnabled());
 }
 
 /// Opens the context menu of a view and closes it again.
 QStringList TestMenuActions::shownMenu(MenuEditor& editor, const char* view, const char* iconOf,
                                        bool* hasIcon) {
     QStringList entries;
+    QPoint menuPosition;
     // This platform lets a pop-up menu take the focus, which no window system does: the view must
     // not have it.
     editor.view("tvProp")->setFocus();
@@ -334,12 +386,16 @@ QStringList TestMenuActions::shownMenu(MenuEditor& editor, const char* view, con
         if (!menu)
             return;
         entries = describe(menu);
+        menuPosition = menu->pos();
         for (const QAction* action : menu->actions())
             if (action->text() == iconOf)
                 *hasIcon = !action->icon().isNull();
         menu->close();
     });
-    emit editor.view(view)->customContextMenuRequested(QPoint(5, 5));
+    const QPoint point(5, 5);
+    emit editor.view(view)->customContextMenuRequested(point);
+    if (menuPosition != editor.view(view)->viewport()->mapToGlobal(point))
+        qFatal("the menu stands at %d, %d", menuPosition.x(), menuPosition.y());
     return entries;
 }
 
@@ -388,11 +444,14 @@ void TestMenuActions::menuContextMenuLeavesTheActionsAsTheyAre() {
 void TestMenuActions::onlyOfferedFormatsAreThere() {
     TestStore store;
     TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    EditorUnderTest<ClipboardProbe> editor(host, "Menu");
     QVERIFY(!editor->checkMimeType("OrvoMenu/menu"));
     offer("OrvoMenu/menu");
     QVERIFY(editor->checkMimeType("OrvoMenu/menu"));
     QVERIFY(!editor->checkMimeType("OrvoMenu/descktop"));
+    QClipboard* clipboard = std::exchange(editor->m_clipboard, nullptr);
+    QVERIFY(!editor->checkMimeType("OrvoMenu/menu"));
+    editor->m_clipboard = clipboard;
 }
 
 QTEST_MAIN(TestMenuActions)

@@ -4,6 +4,8 @@
 
 #include "models/MyButtonEdit.h"
 
+#include <limits>
+
 using namespace orvo::test;
 using orvo::menu::MenuColumn;
 
@@ -83,8 +85,10 @@ private slots:
     void severalChosenResourcesGoOutInOneCall();
     void theLastElementToArriveIsSelected();
     void theFirstElementOfAFolderHasOrderZero();
+    void ordersEndAtTheLastNumber();
     void anElementAtTheTopHasEmptyTextAsParent();
     void aResourceThatIsGoneStillMakesAnElement();
+    void aResourceWithAnEmptyIconGivesAnEmptyIcon();
     void aFolderOfTheCatalogueIsNoLessAnElement();
     void withoutASelectionNothingIsSent();
     void withoutATargetNothingIsSent();
@@ -245,6 +249,25 @@ void TestMenuCreating::theFirstElementOfAFolderHasOrderZero() {
     QVERIFY2(written.contains("order_=1000"), qPrintable(written));
 }
 
+void TestMenuCreating::ordersEndAtTheLastNumber() {
+    constexpr int last = std::numeric_limits<int>::max();
+    Creating live;
+    live.store.update("Menu", {{"KeyLink", QString("form")}, {"order_", last - 1500}});
+    live.deliver();
+    live.makeCurrent("glubzhe");
+    live->on_actNewElemModul_triggered();
+    live.choose({"Archive", "Events", "Inner"});
+    live.ok();
+    const QString written = live.written();
+    QCOMPARE(written.count(QString("order_=%1 ").arg(last - 500)), 1);
+    QCOMPARE(written.count(QString("order_=%1 ").arg(last)), 2);
+    live.deliver();
+    live.makeCurrent("glubzhe");
+    live->on_actNewElemFolder_triggered();
+    QCOMPARE(live.menuView()->currentIndex().siblingAtColumn(MenuColumn::Order).data(),
+             QVariant(last));
+}
+
 void TestMenuCreating::anElementAtTheTopHasEmptyTextAsParent() {
     Creating live;
     live.makeCurrent("MenuRootNode");
@@ -270,6 +293,21 @@ void TestMenuCreating::aResourceThatIsGoneStillMakesAnElement() {
     const QString written = live.written();
     QVERIFY2(written.contains("MenuResourceKey='m1'"), qPrintable(written));
     QVERIFY2(!written.contains("ico="), qPrintable(written));
+}
+
+// Only where there is none the field is left out.
+void TestMenuCreating::aResourceWithAnEmptyIconGivesAnEmptyIcon() {
+    Creating live;
+    live.makeCurrent("grafiki");
+    MDRData* record = live->m_tabResource.RecEdit(orvo::seekKey(live->m_tabResource, "m1"));
+    live->m_tabResource.SetValF(record, "ico", orvo::textVar(QByteArray("")));
+    live->m_tabResource.RecPost(record);
+    live->on_actNewElemModul_triggered();
+    live.choose({"Archive", "Events"});
+    live.ok();
+    const QString written = live.written();
+    QCOMPARE(written.count("ico="), 1);
+    QVERIFY2(written.contains("ico=''"), qPrintable(written));
 }
 
 void TestMenuCreating::aFolderOfTheCatalogueIsNoLessAnElement() {
@@ -385,7 +423,8 @@ void TestMenuCreating::aNewFolderStandsInTheTreeAtOnce() {
     QVERIFY(!live.editor.action("actAddDescktop")->isEnabled());
     QCOMPARE(live.written(), QString());
     QVERIFY(live->m_menuModel->itemIsFolder(row));
-    QVERIFY(live.menuView()->visualRect(row).isValid());
+    QCOMPARE(live.menuView()->selectionModel()->selectedRows(), QModelIndexList{row});
+    QVERIFY(live.menuView()->viewport()->rect().intersects(live.menuView()->visualRect(row)));
 }
 
 void TestMenuCreating::theFirstFolderOfAFolderHasOrderZero() {

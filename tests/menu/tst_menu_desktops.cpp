@@ -39,7 +39,9 @@ private slots:
     void positionsAmongEqualCaptionsAreDistinct();
     void updatingANodeWritesAndMovesIt();
     void insertingAnElementPlacesItAndReturnsToTheCurrentRow();
+    void anElementOfTheRootRowTakesTheLastPlace();
     void anElementOfAMissingParentIsNotInserted();
+    void foldersAndDesktopsOfARowAreLoadedApart();
 };
 
 void TestMenuDesktops::anEmptyTableGivesTheRootRowAlone() {
@@ -51,6 +53,7 @@ void TestMenuDesktops::anEmptyTableGivesTheRootRowAlone() {
     const QModelIndex root = editor->m_desckModel->index(0, 0);
     QVERIFY(editor.view("tvDesck")->isExpanded(root));
     QCOMPARE(editor.view("tvDesck")->currentIndex(), root);
+    QCOMPARE(editor.view("tvDesck")->selectionModel()->selectedRows(), QModelIndexList{root});
 }
 
 void TestMenuDesktops::foldersComeBeforeDesktopsInOrderOfCaption() {
@@ -343,6 +346,55 @@ void TestMenuDesktops::anElementOfAMissingParentIsNotInserted() {
     QVERIFY(editor.start());
     const QString before = shown(editor);
     editor->insertElementToDesckTree(orvo::seekKey(editor->m_tabFolder, "lost"));
+    QCOMPARE(shown(editor), before);
+}
+
+// The level of the parent's row decides which siblings count, not the text in the record.
+void TestMenuDesktops::anElementOfTheRootRowTakesTheLastPlace() {
+    TestStore store;
+    fillPlant(store);
+    addDesck(store, "odd", "MAINNODE", "Азбука", false);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(editor.start());
+    QVERIFY(!editor->desck("odd").isValid());
+    QCOMPARE(editor->getDesckElementPosition("odd", "mainnode"), 0);
+    editor->insertElementToDesckTree(orvo::seekKey(editor->m_tabFolder, "odd"));
+    QCOMPARE(editor->desck("odd").parent(), editor->desck("mainnode"));
+    QCOMPARE(editor->desck("odd").row(), 2);
+    QCOMPARE(editor->desck("obshiy").row(), 3);
+}
+
+void TestMenuDesktops::foldersAndDesktopsOfARowAreLoadedApart() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(editor.start());
+    const auto empty = [&] {
+        const QModelIndex ceh = editor->desck("ceh");
+        editor->m_desckModel->removeRows(0, editor->m_desckModel->rowCount(ceh), ceh);
+    };
+    const auto below = [&] {
+        const QModelIndex ceh = editor->desck("ceh");
+        return treetext::print(*editor->m_desckModel, DesckColumn::KeyLink, {2, 4, 5}, ceh)
+            .remove(QRegularExpression(" \\d+=(?=[ \\n])"));
+    };
+    empty();
+    editor->loadDesckFolder(editor->desck("ceh"));
+    const QString folders = "Печь #pech 2=ceh 4=true 5=false\n"
+                            "  АРМ печи #armpech 2=pech 4=false 5=false\n";
+    QCOMPARE(below(), folders);
+    editor->loadDesckItems(editor->desck("ceh"));
+    const QString desktops = "АРМ оператора #armop 2=ceh 4=false 5=false\n";
+    QCOMPARE(below(), folders + desktops);
+    empty();
+    editor->loadDesckItems(editor->desck("ceh"));
+    QCOMPARE(below(), desktops);
+    // A desktop has neither.
+    const QString before = shown(editor);
+    editor->loadDesckFolder(editor->desck("armop"));
+    editor->loadDesckItems(editor->desck("armop"));
     QCOMPARE(shown(editor), before);
 }
 

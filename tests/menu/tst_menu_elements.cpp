@@ -46,6 +46,8 @@ private slots:
     void theRootRowHasNothingButCaptionAndKey();
     void anEmptyDesktopShowsACollapsedRoot();
     void aFolderOfDesktopsShowsNoMenuAtAll();
+    void keysCompareWithoutRegardToCase();
+    void aFolderIsLoadedByItsKey();
     void elementsOfAMissingParentAreNotShown();
     void aDesktopWithOnlyLostElementsShowsAnEmptyMenu();
     void aCircleOfFoldersIsNotShownAndDoesNotHang();
@@ -158,6 +160,40 @@ void TestMenuElements::aFolderOfDesktopsShowsNoMenuAtAll() {
     editor.view("tvDesck")->setCurrentIndex(editor->desck("ceh"));
     QCOMPARE(shown(editor), QString());
     QCOMPARE(passport(editor), QStringList());
+}
+
+void TestMenuElements::keysCompareWithoutRegardToCase() {
+    TestStore store;
+    fillPlant(store);
+    addElement(store, "armop", "unten", "GRAFIKI", "Внизу", 5000, "RForm");
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(editor.start());
+    editor.view("tvDesck")->setCurrentIndex(editor->desck("ARMOP"));
+    const QModelIndex row = editor->element("UNTEN");
+    QVERIFY(row.isValid());
+    QCOMPARE(row.parent(), editor->element("Grafiki"));
+    QCOMPARE(row.sibling(row.row(), MenuColumn::Command).data(), QVariant("Boiler"));
+    QCOMPARE(row.sibling(row.row(), MenuColumn::MenuResKey).data(), QVariant("RForm"));
+    QCOMPARE(editor->getMenuElementPosition("Unten", "grafiki"), row.row());
+}
+
+void TestMenuElements::aFolderIsLoadedByItsKey() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(editor.start());
+    editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
+    const QString before = shown(editor, {1, 2, 10});
+    const QModelIndex folder = editor->element("grafiki");
+    editor->m_menuModel->removeRows(0, editor->m_menuModel->rowCount(folder), folder);
+    editor->loadMenuFolder("GRAFIKI");
+    QCOMPARE(shown(editor, {1, 2, 10}), before);
+    // Without a row, or without records below it, nothing is shown.
+    for (const char* key : {"nosuch", "calc"})
+        editor->loadMenuFolder(key);
+    QCOMPARE(shown(editor, {1, 2, 10}), before);
 }
 
 void TestMenuElements::elementsOfAMissingParentAreNotShown() {

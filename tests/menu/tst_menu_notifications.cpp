@@ -183,6 +183,27 @@ void TestMenuNotifications::anUpdatedDesktopInItsPlaceShowsItsMenuAnew() {
     QVERIFY(!live.menuView()->currentIndex().isValid());
 }
 
+// Its rows come back with the next start, their records stay.
+void TestMenuNotifications::aFolderThatMovesArrivesEmpty() {
+    Live live([](TestStore& store) { addDesck(store, "anbau", "ceh", "Анбау", true); });
+    QCOMPARE(live.below(live->desck("ceh")), QString("anbau pech armop"));
+    QCOMPARE(live.below(live->desck("pech")), QString("armpech"));
+    live.store.update("MenuFolder", {{"KeyLink", QString("pech")}, {"caption", QString("А печь")}});
+    live.deliver();
+    QCOMPARE(live.below(live->desck("ceh")), QString("pech anbau armop"));
+    QCOMPARE(live.below(live->desck("pech")), QString());
+    QCOMPARE(live.currentDesck(), QString("pech"));
+    QCOMPARE(inTable(live->m_tabFolder, "armpech", "caption"), QString("АРМ печи"));
+}
+
+void TestMenuNotifications::aFolderInItsPlaceKeepsItsRows() {
+    Live live;
+    live.store.update("MenuFolder", {{"KeyLink", QString("pech")}, {"caption", QString("Печи")}});
+    live.deliver();
+    QCOMPARE(live->desck("pech").data(), QVariant("Печи"));
+    QCOMPARE(live.below(live->desck("pech")), QString("armpech"));
+}
+
 void TestMenuNotifications::aDesktopStaysUnderItsOldFolder() {
     Live live(moreDesktops);
     addDesck(live.store, "polka", "sklad", "Яполка", false);

@@ -215,6 +215,91 @@ void TestMenuNotifications::theOwnNewElementKeepsItsPlace() {
     QCOMPARE(live.below(live->element("glubzhe")), "form " + second + " spaet");
 }
 
+void TestMenuNotifications::theOwnNewElementLeavesTheSelectionAlone() {
+    Live live;
+    live.makeCurrent("grafiki");
+    live->on_actNewElemFolder_triggered();
+    const QString key = live.currentElement();
+    live.press(live->m_btnSave);
+    live.makeCurrent("shema");
+    live.deliver();
+    QCOMPARE(live->m_menuModel->findIndexByKey(key).siblingAtColumn(MenuColumn::IsNew).data(),
+             QVariant(false));
+    QCOMPARE(live.currentElement(), QString("shema"));
+}
+
+// What depends on the current row hears of a change twice: of the parent, and of the row again.
+void TestMenuNotifications::theRowIsMadeCurrentByWayOfItsParent() {
+    Live live;
+    const auto told = [](QTreeView* view, const std::function<void()>& change) {
+        QStringList keys;
+        const auto connection = QObject::connect(
+            view->selectionModel(), &QItemSelectionModel::currentChanged,
+            [&](const QModelIndex& current) { keys << current.data(KeyRole).toString(); });
+        change();
+        QObject::disconnect(connection);
+        return keys.join(' ');
+    };
+    live.makeCurrent("calc");
+    // Another element in its place, and the own one.
+    for (const char* key : {"shema", "calc"})
+        QCOMPARE(told(live.menuView(),
+                      [&] {
+                          live.store.update(
+                              "Menu", {{"KeyLink", QString(key)}, {"caption", QString("Иная")}});
+                          live.deliver();
+                      }),
+                 QString("grafiki calc"));
+    QCOMPARE(told(live.menuView(),
+                  [&] {
+                      live.store.update("Menu", {{"KeyLink", QString("shema")}, {"order_", 1500}});
+                      live.deliver();
+                  }),
+             QString("grafiki calc"));
+    // A desktop, whichever is current.
+    for (const char* current : {"armop", "obshiy"}) {
+        live.openDesck(current);
+        QCOMPARE(told(live.desckView(),
+                      [&] {
+                          live.store.update("MenuFolder", {{"KeyLink", QString("armop")},
+                                                           {"caption", QString("Иной")}});
+                          live.deliver();
+                      }),
+                 QString("ceh armop"));
+    }
+    QCOMPARE(told(live.desckView(),
+                  [&] {
+                      addDesck(live.store, "neu", "pech", "Новый", false);
+                      live.deliver();
+                  }),
+             QString("pech neu"));
+}
+
+// Records may stand in the table without a row: a place counted over them is not in the tree.
+void TestMenuNotifications::aPlaceBehindRowsThatAreNotShownIsRefused() {
+    Live live;
+    addElement(live.store, "armop", "verborgen", "nosuch", "Без места", 500, "rform");
+    live.deliver();
+    live.store.update("Menu", {{"KeyLink", QString("verborgen")}, {"parent", QString("grafiki")}});
+    live.deliver();
+    QCOMPARE(inTable(live->m_tabMenu, "verborgen", "parent"), QString("grafiki"));
+    QVERIFY(!live->element("verborgen").isValid());
+    live.makeCurrent("calc");
+    QSignalSpy moves(live.menuView()->selectionModel(), &QItemSelectionModel::currentChanged);
+    live.store.update("Menu", {{"KeyLink", QString("trend")}, {"order_", 9000}});
+    live.deliver();
+    // The row is written, and nothing else happens.
+    QCOMPARE(live.below(live->element("grafiki")), QString("trend calc glubzhe"));
+    QCOMPARE(live.cell("trend", MenuColumn::Order), QVariant(9000));
+    QCOMPARE(moves.count(), 0);
+    // A new row finds no place behind the last one either.
+    addElement(live.store, "armop", "neu", "grafiki", "Новый", 20000, "rform");
+    live.deliver();
+    QVERIFY(!live->element("neu").isValid());
+    QCOMPARE(inTable(live->m_tabMenu, "neu", "caption"), QString("Новый"));
+    QCOMPARE(live.currentElement(), QString("calc"));
+}
+
 void TestMenuNotifications::anInsertedResourceNamesNewElements() {
     Live live;
     addResource(live.store, "rneu", 1, "Neu");

@@ -10,6 +10,7 @@
 #include <QSplitter>
 #include <QToolBar>
 #include <QToolButton>
+#include <QTranslator>
 
 using namespace orvo::test;
 
@@ -23,7 +24,10 @@ private slots:
     void theToolBarKeepsItsOrder();
     void popUpsHoldTheirActions();
     void theFormWarnsOfNothing();
-    void aWindowKeepsTheNameItHas();
+    void aWindowIsNamedAfterItsClass();
+    void thePanesShareTheWidth();
+    void clicksReachTheirSlotsTwice();
+    void everyTextCanBeTranslated();
     void startSetsTheTitle();
     void startSwitchesSaveAndCancelOff();
     void startArrangesTheDesktops();
@@ -159,6 +163,7 @@ void TestMenuWindow::theToolBarKeepsItsOrder() {
     QCOMPARE(window.toolBarArea(bar), Qt::TopToolBarArea);
     QCOMPARE(bar->toolButtonStyle(), Qt::ToolButtonTextBesideIcon);
     QStringList found;
+    QList<QImage> images;
     for (QAction* action : bar->actions()) {
         const auto* button = qobject_cast<QToolButton*>(bar->widgetForAction(action));
         if (action->isSeparator()) {
@@ -168,9 +173,13 @@ void TestMenuWindow::theToolBarKeepsItsOrder() {
         } else {
             found << button->text();
             QCOMPARE(button->toolButtonStyle(), Qt::ToolButtonTextBesideIcon);
-            QVERIFY(!button->icon().isNull());
+            images << button->icon().pixmap(16, 16).toImage();
         }
     }
+    QCOMPARE(images.size(), 4);
+    int number = 0;
+    for (const char* name : {"new1", "checkin1", "cancel1", "newelem1"})
+        QCOMPARE(images[number++], orvo::image(name).pixmap(16, 16).toImage());
     QCOMPARE(found,
              QStringList({"Создать", "actDeleteFromtvDesck", "-", "Сохранить", "Не сохранять", "-",
                           "actMoveUp", "actMoveDown", "-", "Новый элемент", "actDeleteElem"}));
@@ -215,11 +224,95 @@ void TestMenuWindow::theFormWarnsOfNothing() {
     QCOMPARE(warnings, 1);
 }
 
-void TestMenuWindow::aWindowKeepsTheNameItHas() {
+void TestMenuWindow::aWindowIsNamedAfterItsClass() {
     TestStore store;
     TestHost host(store);
     MenuEditor editor(host, "Menu");
     QCOMPARE(editor->objectName(), QString("OrvoMenu"));
+}
+
+void TestMenuWindow::thePanesShareTheWidth() {
+    TestStore store;
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(editor.start());
+    const QList<int> sizes = editor.child<QSplitter>("splitter")->sizes();
+    QCOMPARE(sizes.size(), 2);
+    const double ratio = double(sizes[0]) / sizes[1];
+    QVERIFY2(qAbs(ratio - 120.0 / 400) < 0.02, qPrintable(QString::number(ratio)));
+}
+
+namespace {
+
+struct Receivers : QTreeView {
+    static constexpr auto count = &Receivers::receivers; ///< protected, but only asked
+};
+
+} // namespace
+
+// By name, as every slot, and once more with the arrangement of the views: the slots only say what
+// is switched on, and say it again.
+void TestMenuWindow::clicksReachTheirSlotsTwice() {
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    const char* const clicked = SIGNAL(clicked(QModelIndex));
+    const auto connected = [&](const char* name) {
+        return (editor.view(name)->*Receivers::count)(clicked);
+    };
+    const int byName = connected("tvDesck") - connected("tvProp");
+    QCOMPARE(byName, 1);
+    QCOMPARE(connected("tvMenu") - connected("tvProp"), 1);
+    QVERIFY(editor.start());
+    QCOMPARE(connected("tvDesck") - connected("tvProp"), 2);
+    QCOMPARE(connected("tvMenu") - connected("tvProp"), 2);
+}
+
+namespace {
+
+/// Marks every text that is asked for under one context.
+class Marking : public QTranslator {
+public:
+    QString translate(const char* context, const char* text, const char*, int) const override {
+        return qstrcmp(context, "OrvoMenu") == 0 ? "<" + QString::fromUtf8(text) + ">" : QString();
+    }
+    bool isEmpty() const override { return false; }
+};
+
+} // namespace
+
+void TestMenuWindow::everyTextCanBeTranslated() {
+    Marking marking;
+    QVERIFY(qApp->installTranslator(&marking));
+    TestStore store;
+    fillPlant(store);
+    TestHost host(store);
+    MenuEditor editor(host, "Menu");
+    QVERIFY(editor.start());
+    editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
+    QStringList texts = host.titles.mid(0, 1);
+    for (const QAction* action : editor->findChildren<QAction*>(QRegularExpression("^act")))
+        texts << action->text() << action->toolTip();
+    for (const QToolButton* button :
+         editor.child<QToolBar>("toolBar")->findChildren<QToolButton*>())
+        texts << button->text();
+    texts << editor->desck("mainnode").data().toString()
+          << editor->element("MenuRootNode").data().toString();
+    for (int column : {orvo::menu::MenuColumn::Type, orvo::menu::MenuColumn::Command})
+        texts << editor->m_menuModel->headerData(column, Qt::Horizontal).toString();
+    for (const char* element : {"grafiki", "trend"}) {
+        editor.view("tvMenu")->setCurrentIndex(editor->element(element));
+        const PropModel& passport = *editor->m_propModel;
+        const QModelIndex category = passport.index(0, 0);
+        texts << category.data().toString();
+        for (int row = 0; row < passport.rowCount(category); ++row)
+            texts << passport.index(row, 0, category).data().toString();
+    }
+    qApp->removeTranslator(&marking);
+    QVERIFY(texts.size() > 40);
+    for (const QString& text : texts)
+        QVERIFY2(text.isEmpty() || (text.startsWith('<') && text.endsWith('>')), qPrintable(text));
 }
 
 void TestMenuWindow::startSetsTheTitle() {
@@ -332,6 +425,12 @@ void TestMenuWindow::expandingAFolderOpensItsIcon() {
     QCOMPARE(iconOf(editor->element("grafiki")), open);
     editor.view("tvMenu")->collapse(editor->element("grafiki"));
     QCOMPARE(iconOf(editor->element("grafiki")), closed);
+    // The passport's category has no icon to show it.
+    editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));
+    const QModelIndex category = editor->m_propModel->index(0, 0);
+    QVERIFY(editor->m_propModel->getItem(category)->isExpanded());
+    editor.view("tvProp")->collapse(category);
+    QVERIFY(!editor->m_propModel->getItem(category)->isExpanded());
 }
 
 void TestMenuWindow::aTableThatCannotBeFetchedEndsTheStart_data() {
@@ -356,6 +455,7 @@ void TestMenuWindow::aTableThatCannotBeFetchedEndsTheStart() {
     QCOMPARE(host.logLines[0].place, place);
     QVERIFY2(host.logLines[0].text.startsWith("Ошибка -> "), qPrintable(host.logLines[0].text));
     QCOMPARE(host.titles, QStringList({"Редактор меню", ""}));
+    QVERIFY(!editor->m_popMessageBox);
     for (const char* name : {"tvDesck", "tvMenu", "tvProp"})
         QVERIFY(!editor.view(name)->model());
 }

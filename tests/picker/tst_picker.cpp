@@ -3,9 +3,11 @@
 #include "tests/models/TreeText.h"
 
 #include "frame/Records.h"
+#include "frame/WindowParts.h"
 #include "picker/PopObjectList.h"
 
 #include <QAction>
+#include <QLayout>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QSignalSpy>
@@ -137,6 +139,8 @@ private slots:
     void withoutASourceTheWholeAreaIsListed();
     void columnsAndSelectionFollowTheKind();
     void iconFilesShowThemselves();
+    void iconsTellTheKind_data();
+    void iconsTellTheKind();
     void theNameGivenIsPreselected();
     void aNameOfTwoFoldersSelectsTheFirstInTheTree();
     void aNameThatIsNowhereSelectsNothing();
@@ -179,6 +183,18 @@ void TestPicker::theFormIsAsDesigned() {
     QCOMPARE(action("actNew")->toolTip(), QString("Новая таблица"));
     QCOMPARE(action("actDel")->text(), QString("Удалить"));
     QCOMPARE(action("actDel")->toolTip(), QString("Удалить таблицу"));
+    for (const char* name : {"actProp", "actNew", "actDel"})
+        QVERIFY(action(name)->associatedWidgets().isEmpty());
+    const QLayout* layout = picker->layout();
+    QCOMPARE(layout->objectName(), QString("verticalLayout"));
+    QCOMPARE(layout->count(), 2);
+    QCOMPARE(layout->itemAt(0)->widget()->objectName(), QString("tvObj"));
+    const QLayout* row = layout->itemAt(1)->layout();
+    QCOMPARE(row->objectName(), QString("hl"));
+    QCOMPARE(row->count(), 3);
+    QCOMPARE(row->itemAt(0)->spacerItem()->sizeHint(), QSize(40, 20));
+    QCOMPARE(row->itemAt(1)->widget(), static_cast<QWidget*>(picker.button("btnOK")));
+    QCOMPARE(row->itemAt(2)->widget(), static_cast<QWidget*>(picker.button("btnCancel")));
     QTreeView* tree = picker->tvObj();
     QCOMPARE(tree->textElideMode(), Qt::ElideNone);
     QCOMPARE(tree->selectionBehavior(), QAbstractItemView::SelectRows);
@@ -344,6 +360,33 @@ void TestPicker::iconFilesShowThemselves() {
     QVERIFY(colour("m1") != QColor(Qt::red));
 }
 
+void TestPicker::iconsTellTheKind_data() {
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QByteArray>("image");
+    QTest::newRow("modules") << 1 << "m1" << QByteArray("modul1");
+    QTest::newRow("functions") << 2 << "f1" << QByteArray("function1");
+    QTest::newRow("forms") << 3 << "r1" << QByteArray("file1");
+    QTest::newRow("files") << 4 << "d1" << QByteArray("file1");
+    QTest::newRow("folder of modules") << 1 << "farch" << QByteArray("closedfolder1");
+    QTest::newRow("folder of files") << 4 << "fdocs" << QByteArray("closedfolder1");
+}
+
+void TestPicker::iconsTellTheKind() {
+    QFETCH(int, kind);
+    QFETCH(QString, key);
+    QFETCH(QByteArray, image);
+    Picker picker;
+    picker.show(kind);
+    // Folders show closed also when they are open.
+    picker->tvObj()->expandAll();
+    const QModelIndex row = picker->treeModel->findIndexByKey(key);
+    QVERIFY(row.isValid());
+    QCOMPARE(row.data(Qt::DecorationRole).value<QIcon>().pixmap(16, 16).toImage(),
+             orvo::image(image.constData()).pixmap(16, 16).toImage());
+    QVERIFY(!row.siblingAtColumn(1).data(Qt::DecorationRole).isValid());
+}
+
 void TestPicker::theNameGivenIsPreselected() {
     Picker picker;
     picker.show(1, "Deep");
@@ -366,9 +409,21 @@ void TestPicker::aNameOfTwoFoldersSelectsTheFirstInTheTree() {
     resource(picker.store, "a0", 1, "nosuch", "Same", "Нигде");
     picker.host.deliver(*picker.editor.module);
     picker.show(1, "Same");
-    QCOMPARE(picker.selected().size(), 1);
-    QVERIFY(picker.selected() == QStringList("m3") || picker.selected() == QStringList("m4"));
-    QCOMPARE(picker->chosenKey, picker.selected().first());
+    QString first;
+    QStringList named;
+    orvo::walkAll(picker->resourceTable, 2, [&](const MDRData* record) {
+        const QString key = orvo::textOf(record, "KeyLink");
+        if (orvo::holdsText(record, "name_", "Same")) {
+            named << key;
+            if (first.isEmpty() && picker->treeModel->findIndexByKey(key).isValid())
+                first = key;
+        }
+        return true;
+    });
+    QCOMPARE(named, (QStringList{"a0", "m3", "m4"}));
+    QCOMPARE(first, QString("m3"));
+    QCOMPARE(picker.selected(), QStringList(first));
+    QCOMPARE(picker->chosenKey, first);
 }
 
 void TestPicker::aNameThatIsNowhereSelectsNothing() {
@@ -538,7 +593,15 @@ void TestPicker::theCopiesHaveTheirKeys() {
              QString("farch fdeep fdocs ffrm ffun ficons fmod fpumps fzeta"));
     QCOMPARE(keysBy(picker->folderTable, 2),
              QString("farch fdeep fmod fzeta ffun ffrm fdocs ficons fpumps"));
+    QCOMPARE(keysBy(picker->folderTable, 1),
+             QString("fmod fdeep farch fzeta ffun ffrm fdocs ficons fpumps"));
+    QCOMPARE(keysBy(picker->folderTable, 3),
+             QString("fdocs ffrm ffun ficons fmod fdeep fpumps farch fzeta"));
     QCOMPARE(orvo::recordCount(picker->resourceTable), 13);
+    QCOMPARE(keysBy(picker->resourceTable, 0), QString("d1 d2 f1 i1 i2 i3 m0 m1 m2 m3 m4 m5 r1"));
+    QCOMPARE(keysBy(picker->resourceTable, 1), QString("m0 m3 m5 m2 m1 m4 f1 r1 d2 d1 i1 i2 i3"));
+    QCOMPARE(keysBy(picker->resourceTable, 2), QString("m2 m5 m0 m3 m4 m1 f1 r1 d2 d1 i1 i3 i2"));
+    QCOMPARE(keysBy(picker->resourceTable, 3), QString("d2 m0 m3 m5 d1 r1 f1 i1 i2 m1 m2 i3 m4"));
 }
 
 void TestPicker::anotherModuleGivesNoTables() {
@@ -549,9 +612,11 @@ void TestPicker::anotherModuleGivesNoTables() {
 }
 
 void TestPicker::theModuleNameComparesWithoutCase() {
-    Picker picker("mENU");
-    picker.show(1);
-    QCOMPARE(picker.text(), QString(modulesText));
+    for (const char* name : {"mENU", "Resources", "RESOURCES"}) {
+        Picker picker(name);
+        picker.show(1);
+        QCOMPARE(picker.text(), QString(modulesText));
+    }
 }
 
 void TestPicker::aMissingTableKeepsTheLastCopy() {
