@@ -5,6 +5,7 @@
 
 #include "ui_OrvoMenu.h"
 
+#include "frame/ClipboardRows.h"
 #include "frame/Records.h"
 #include "frame/ScratchTable.h"
 #include "menu/Columns.h"
@@ -13,7 +14,6 @@
 
 #include <QClipboard>
 #include <QItemSelectionModel>
-#include <QMimeData>
 
 using orvo::ScratchTable;
 using orvo::menu::Element;
@@ -31,12 +31,6 @@ namespace {
 /// of folders within each other costs no more than their records.
 bool holds(const ScratchTable& table, const QString& key) {
     return orvo::seekKey(table.table(), key) != nullptr;
-}
-
-/// The menu format's bytes on the clipboard; null without any.
-QByteArray payloadBytes(const QClipboard* clipboard) {
-    const QMimeData* offered = clipboard ? clipboard->mimeData() : nullptr;
-    return offered ? offered->data(QLatin1String(menuMime)) : QByteArray();
 }
 
 } // namespace
@@ -70,13 +64,11 @@ void OrvoMenu::putOnClipboard(int mode) {
     const QByteArray bytes = MenuPayload::write(mode, keys, copies.table());
     if (bytes.isEmpty())
         return;
-    auto* mime = new QMimeData; // the clipboard's
-    mime->setData(QLatin1String(menuMime), bytes);
     // Told beforehand: some platforms report the change before setMimeData returns, and this
     // editor would then take its own cut for a foreign one.
     if (mode == MenuPayload::Cut)
         m_cutPending = true;
-    m_clipboard->setMimeData(mime, QClipboard::Clipboard);
+    orvo::offerOnClipboard(*m_clipboard, menuMime, bytes);
 }
 
 void OrvoMenu::copyMenuItemToClipboard(const QString& key, ScratchTable& copies) {
@@ -92,7 +84,7 @@ void OrvoMenu::copyMenuFolderToClipboard(const QString& key, ScratchTable& copie
 }
 
 void OrvoMenu::on_clipboardDataChanged() {
-    if (MenuPayload::mode(payloadBytes(m_clipboard)) == MenuPayload::Copy)
+    if (MenuPayload::mode(orvo::clipboardBytes(m_clipboard, menuMime)) == MenuPayload::Copy)
         return;
     // A cut lives only in the editor that made it: whoever else learns of it takes it away.
     if (!m_cutPending)
@@ -107,7 +99,7 @@ void OrvoMenu::on_actPasteMenuElement_triggered() {
     if (!out.fetch())
         return;
     MenuPayload payload;
-    if (!payload.read(payloadBytes(m_clipboard)))
+    if (!payload.read(orvo::clipboardBytes(m_clipboard, menuMime)))
         return;
     if (!m_menuModel->findIndexByKey(m_currentMenuKey).isValid())
         return;

@@ -4,6 +4,7 @@
 
 #include "ui_OrvoMenu.h"
 
+#include "frame/ClipboardRows.h"
 #include "frame/FolderWalk.h"
 #include "frame/Records.h"
 #include "frame/ScratchTable.h"
@@ -15,7 +16,6 @@
 #include <QClipboard>
 #include <QItemSelectionModel>
 #include <QMap>
-#include <QMimeData>
 #include <QToolButton>
 
 using orvo::KeyValues;
@@ -131,16 +131,14 @@ void OrvoMenu::removeDesckTopMessage(QAbstractButton* button) {
 void OrvoMenu::on_actCopyDescktopOrFolder_triggered() {
     if (!m_clipboard || !m_desckModel || !m_desckModel->findIndexByKey(m_currentDesckKey).isValid())
         return;
-    auto* mime = new QMimeData; // the clipboard's
-    mime->setData(QLatin1String(desckMime), orvo::toRecord(m_currentDesckKey));
-    m_clipboard->setMimeData(mime, QClipboard::Clipboard);
+    orvo::offerOnClipboard(*m_clipboard, desckMime, orvo::toRecord(m_currentDesckKey));
 }
 
 void OrvoMenu::on_actPasteDescktopOrFolder_triggered() {
-    const QMimeData* offered = m_clipboard ? m_clipboard->mimeData() : nullptr;
-    if (!offered || !m_desckModel)
+    if (!m_desckModel)
         return;
-    const QString source = orvo::fromRecord(offered->data(QLatin1String(desckMime)).constData());
+    const QString source =
+        orvo::fromRecord(orvo::clipboardBytes(m_clipboard, desckMime).constData());
     const QModelIndex target = m_desckModel->findIndexByKey(m_currentDesckKey);
     if (!target.isValid())
         return;

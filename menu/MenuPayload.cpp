@@ -1,13 +1,12 @@
 #include "menu/MenuPayload.h"
 
+#include "frame/ClipboardRows.h"
 #include "frame/Records.h"
 
 #include <memory>
 
 namespace orvo::menu {
 namespace {
-
-constexpr char lineFeed = '\n';
 
 struct ImageFree {
     void operator()(void* image) const { MDMemFree(image); }
@@ -21,28 +20,23 @@ QByteArray MenuPayload::write(int mode, const QStringList& keys, const CMDArray&
     const std::unique_ptr<void, ImageFree> guard(image);
     if (!image || length == 0)
         return {};
-    QByteArray bytes = QByteArray::number(mode) + lineFeed;
-    for (const QString& key : keys)
-        bytes += key.toUtf8() + ';';
-    bytes += lineFeed;
-    bytes.append(static_cast<const char*>(image), static_cast<int>(length));
-    return bytes;
+    return ClipboardRows{
+        mode, keys,
+        QByteArray::fromRawData(static_cast<const char*>(image), static_cast<int>(length))}
+        .bytes();
 }
 
 int MenuPayload::mode(const QByteArray& bytes) {
-    const int end = bytes.indexOf(lineFeed);
-    return (end < 0 ? bytes : bytes.left(end)).toInt();
+    return ClipboardRows::numberOf(bytes).value_or(Copy);
 }
 
 bool MenuPayload::read(const QByteArray& bytes) {
-    const int modeEnd = bytes.indexOf(lineFeed);
-    const int keysEnd = modeEnd < 0 ? -1 : bytes.indexOf(lineFeed, modeEnd + 1);
-    if (keysEnd < 0)
+    const std::optional<ClipboardRows> rows = ClipboardRows::read(bytes);
+    if (!rows)
         return false;
-    cut = mode(bytes) == Cut;
-    keys = QString::fromUtf8(bytes.mid(modeEnd + 1, keysEnd - modeEnd - 1))
-               .split(QLatin1Char(';'), Qt::SkipEmptyParts);
-    const QByteArray image = bytes.mid(keysEnd + 1);
+    cut = rows->number == Cut;
+    keys = rows->keys;
+    const QByteArray& image = rows->rest;
     if (MDAUnpackN(table.array, image.constData(), static_cast<uint32_t>(image.size())) != MDX_OK)
         return false;
     // An image of ours has just these keys; another may have any, or records that share one

@@ -1,9 +1,6 @@
-// MenuPayload.h: menu elements on the clipboard, format "OrvoMenu/menu":
-//
-//     payload = mode LF keys LF image
-//     mode    = "0" (copy) | "1" (cut), in decimal digits
-//     keys    = { key ";" }        chosen rows in the order of the selection, UTF-8
-//     image   = bytes of MDAPack   records of the chosen rows and of all below them
+// MenuPayload.h: menu elements on the clipboard, format "OrvoMenu/menu": rows as in
+// frame/ClipboardRows.h, where the number is the mode, "0" (copy) or "1" (cut), and the rest the
+// image that MDAPack makes of the records of the chosen rows and of all below them.
 #ifndef ORVO_MENU_MENUPAYLOAD_H
 #define ORVO_MENU_MENUPAYLOAD_H
 

@@ -4,13 +4,12 @@
 
 #include "resources/OrvoResources.h"
 
+#include "frame/ClipboardRows.h"
 #include "frame/Records.h"
 #include "frame/WindowParts.h"
 #include "resources/Columns.h"
 
-#include <QClipboard>
 #include <QMenu>
-#include <QMimeData>
 
 using orvo::resources::ResColumn;
 
@@ -89,16 +88,8 @@ void OrvoResources::setActionsEnabledSystem(const QModelIndex& index) {
 }
 
 bool OrvoResources::checkClipBoardType(int type) const {
-    if (!m_clipboard)
-        return false;
-    const QMimeData* offered = m_clipboard->mimeData();
-    const QByteArray payload =
-        offered ? offered->data(QLatin1String(orvo::resources::resourcesMime)) : QByteArray();
-    if (payload.isEmpty())
-        return false;
-    bool isNumber = false;
-    const int kind = payload.left(payload.indexOf('\n')).toInt(&isNumber);
-    return isNumber && kind == type;
+    return orvo::ClipboardRows::numberOf(
+               orvo::clipboardBytes(m_clipboard, orvo::resources::resourcesMime)) == type;
 }
 
 void OrvoResources::showContextMenu_tvRes(const QPoint& pos) {

@@ -43,6 +43,7 @@ void OrvoResources::setTreeArrangement() {
                     tr("Дата блокировки"), "KeyLink", "type", "params", "FolderKey", "IsFolder",
                     "Date", "Size", "Blocked", "IsNew"},
         orvo::iconsPath(*this), this);
+    m_searchHits = std::make_unique<RowSearch>(*m_resModel, ResColumn::KeyLink);
     tree->setModel(m_resModel.get());
     orvo::hideColumns(tree, ResColumn::KeyLink, ResColumn::IsNew);
     tree->setColumnWidth(ResColumn::Caption, textWidth);

@@ -15,6 +15,8 @@
 #define ORVO_RESOURCES_ORVORESOURCES_H
 
 #include "frame/OrvoClient.h"
+#include "frame/ScratchTable.h"
+#include "models/RowSearch.h"
 #include "models/models.h"
 #include "picker/ObjectListOwner.h"
 
@@ -41,7 +43,6 @@ class Ui_OrvoResources;
 namespace orvo {
 class Notification;
 class QuietViews;
-class ScratchTable;
 } // namespace orvo
 
 class OrvoResources : public COrvoCliMod, public orvo::ObjectListOwner {
@@ -104,11 +105,11 @@ protected:
     QString m_popTarget;  ///< passport row that opened the picker
     QString m_editObject; ///< of the open edit, as last typed
     QString m_editCaption;
-    QList<QPersistentModelIndex> m_searchHits; ///< a hit whose row is gone is invalid
-    int32_t m_searchPos = 0;                   ///< may stand one place past either end
-    QString m_currentKey;                      ///< key of the current row of tvRes
-    QString m_editKey;                         ///< key of the row edited in EditRow
-    QPersistentModelIndex m_newItemIndex;      ///< the row of NewRow; invalid once it is gone
+    std::unique_ptr<RowSearch> m_searchHits; ///< in m_resModel, and null as long as it is
+    int32_t m_searchPos = 0;                 ///< may stand one place past either end
+    QString m_currentKey;                    ///< key of the current row of tvRes
+    QString m_editKey;                       ///< key of the row edited in EditRow
+    QPersistentModelIndex m_newItemIndex;    ///< the row of NewRow; invalid once it is gone
     QString m_focusKey; ///< row to make current after the next notifications; null: none
     std::unique_ptr<Ui_OrvoResources> m_ui;
 
@@ -167,6 +168,18 @@ protected:
     QString getFormPath(const QModelIndex& index) const;
     /// Of a row of the file area, from level 1 down to its folder; a folder's own caption too.
     QString getFilePath(const QModelIndex& index) const;
+
+    // Upload. What cannot be read whole is named in the log and stays away.
+    /// Puts a file into a folder of the file area.
+    void loadFileToDB(const QString& file, const QString& path);
+    /// Puts a form: all files beside the chosen one whose names begin with its name, less one "_"
+    /// at its end. Gives the chosen file's name; empty text if it could not be opened.
+    QString loadFormToDB(const QString& file, const QString& path);
+
+    // Clipboard: copies of the records of a resource, and of a folder with all below it
+    void copyResItemToClipboard(const QString& key, orvo::ScratchTable& resources) const;
+    void copyResFolderToClipboard(const QString& key, orvo::ScratchTable& resources,
+                                  orvo::ScratchTable& folders) const;
 
 protected slots:
     void on_tvRes_currentChanged(const QModelIndex& current, const QModelIndex& previous);
@@ -263,6 +276,30 @@ private:
     /// Whether elements of any menu start that resource; asks the server.
     bool isInMenus(const QString& key);
     void showReferenceError();
+
+    // Upload
+    /// The name filter of the dialog that asks for forms.
+    QString formFilter() const;
+    /// Asks the server to have the forms of those names in that folder. A form without a record yet
+    /// stands there already, where the upload put it.
+    void moveForms(const QStringList& names, const QString& folderKey);
+    void logUnread(const char* place, const QString& file, const QString& reason);
+
+    // Search
+    /// Makes the row of a hit current.
+    void showHit(int32_t number);
+    /// The first number from `from` on, by `step`, whose hit still has its row; past the end or the
+    /// beginning if there is none.
+    int32_t livingHit(int32_t from, int step) const;
+    /// Goes to the next hit in a direction, which one button stands for and the other against.
+    void stepSearch(int step, QToolButton* forth, QToolButton* back);
+
+    // Moving rows
+    /// How the link to a folder is written, which tells by what the empty key goes out.
+    using LinkWriter = orvo::RowWriter& (orvo::RowWriter::*)(const char* field, const QString& key);
+    /// Asks the server to have the rows in that folder, each once; keys without a row are passed
+    /// over. The last one gets the focus when it has moved.
+    void sendToFolder(const QStringList& keys, const QString& folder, LinkWriter writeLink);
 
     // Notifications
     void folderUpdated(const orvo::Notification& change);

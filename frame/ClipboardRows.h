@@ -1,0 +1,44 @@
+// ClipboardRows.h: rows on the clipboard. Both editors cut and paste by the keys of the rows, and
+// their formats begin alike:
+//
+//     payload = number LF keys LF rest
+//     number  = decimal digits     what is offered, in the editor's own count
+//     keys    = { key ";" }        the chosen rows in the order of the selection, UTF-8
+//     rest    = any bytes          what the format has beyond that, often nothing
+#ifndef ORVO_FRAME_CLIPBOARDROWS_H
+#define ORVO_FRAME_CLIPBOARDROWS_H
+
+#include <QByteArray>
+#include <QStringList>
+
+#include <optional>
+
+class QClipboard;
+
+namespace orvo {
+
+/// A payload taken apart, or to be put together. What the clipboard brings is anybody's bytes:
+/// nothing is believed but what stands there whole, and the keys still have to be found.
+struct ClipboardRows {
+    int number = 0;
+    QStringList keys; ///< none is empty
+    QByteArray rest;
+
+    /// The payload. No key may hold ";" or a line feed.
+    QByteArray bytes() const;
+    /// The number before the first line feed, or of all bytes if there is none; nothing if they are
+    /// no number.
+    static std::optional<int> numberOf(const QByteArray& bytes);
+    /// Nothing unless both line feeds are there. A number that is none reads as 0, and bytes that
+    /// are no UTF-8 make keys that name no row.
+    static std::optional<ClipboardRows> read(const QByteArray& bytes);
+};
+
+/// What the clipboard offers in that format; empty for nothing, and without a clipboard.
+QByteArray clipboardBytes(const QClipboard* clipboard, const char* mime);
+/// Puts bytes of that format on the clipboard, alone.
+void offerOnClipboard(QClipboard& clipboard, const char* mime, const QByteArray& bytes);
+
+} // namespace orvo
+
+#endif

@@ -1,0 +1,579 @@
+// Rows on their way to another folder: cut and paste, drops, and bytes on the clipboard that no
+// editor has put there.
+#include "tests/resources/ResProbe.h"
+
+#include "frame/Records.h"
+#include "tests/menu/Outage.h"
+
+#include <QClipboard>
+#include <QElapsedTimer>
+#include <QItemSelectionModel>
+#include <QMimeData>
+
+using namespace orvo::test;
+using orvo::resources::resourcesMime;
+
+namespace {
+
+class ClipboardProbe : public ResProbe {
+public:
+    using ResProbe::ResProbe;
+
+    using OrvoResources::on_actCut_triggered;
+    using OrvoResources::on_actPaste_triggered;
+    using OrvoResources::on_res_dragdrop;
+};
+
+QClipboard& clipboard() {
+    return *QGuiApplication::clipboard();
+}
+
+QByteArray onClipboard() {
+    const QMimeData* offered = clipboard().mimeData();
+    return offered ? offered->data(resourcesMime) : QByteArray();
+}
+
+void putOnClipboard(const QByteArray& bytes) {
+    auto* mime = new QMimeData; // the clipboard's
+    mime->setData(resourcesMime, bytes);
+    clipboard().setMimeData(mime);
+}
+
+/// The editor over the catalogue, all rows in sight.
+struct Window {
+    Window() : host((fillCatalogue(store), store)), editor(host, "Resources") {
+        if (!editor.start())
+            qFatal("the editor did not start");
+        tree = editor.view("tvRes");
+        tree->expandAll();
+    }
+    /// Makes the rows the selection, the last one current.
+    void select(std::initializer_list<const char*> keys) {
+        tree->selectionModel()->clear();
+        for (const char* key : keys)
+            tree->selectionModel()->setCurrentIndex(
+                editor->row(key), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    }
+    void makeCurrent(const char* key) { tree->setCurrentIndex(editor->row(key)); }
+    QString current() const {
+        return editor.module->m_resModel->getItemKeyLink(tree->currentIndex());
+    }
+    QString parentOf(const char* key) const {
+        return editor.module->m_resModel->getItemKeyLink(editor.module->row(key).parent());
+    }
+    void paste(const QByteArray& bytes, const char* target) {
+        makeCurrent(target);
+        putOnClipboard(bytes);
+        editor->on_actPaste_triggered();
+    }
+    QString written() { return host.writes().take(); }
+    void deliver() { host.deliver(*editor.module); }
+
+    TestStore store;
+    TestHost host;
+    EditorUnderTest<ClipboardProbe> editor;
+    QTreeView* tree = nullptr;
+};
+
+} // namespace
+
+class TestResClipboard : public QObject {
+    Q_OBJECT
+private slots:
+    void init() { clipboard().clear(); }
+
+    void aCutPutsTheKeysOnTheClipboard();
+    void aCutChangesNothing();
+    void aCutOfAFolderNamesItAlone();
+    void theTypeIsThatOfTheFirstRow();
+    void aCutOfNothingLeavesTheClipboard();
+    void aCutOfRowsWithoutRecordsLeavesTheClipboard_data();
+    void aCutOfRowsWithoutRecordsLeavesTheClipboard();
+    void aFolderKnownByItsContentsIsCut();
+    void aFolderInACircleIsCut();
+    void aCutWithoutAServerLeavesTheClipboard();
+
+    void aPasteMovesTheRows();
+    void aPasteTakesTheCutOffTheClipboard();
+    void foldersGoOutBehindResources();
+    void pastedAtTheTopOfTheFileAreaTheLinkIsNull();
+    void theRowOfTheMenuAreaIsAFolderLikeAnyOther();
+    void pastedOnAResourceNothingHappens();
+    void withoutACurrentRowNothingIsPasted();
+    void rowsThatAreGoneAreLeftOut();
+    void withoutAnyRowNothingGoesOut();
+    void theTypeOfTheTargetDoesNotMatter();
+    void aFolderIsPastedIntoItself();
+    void pastedWhereItIsARowIsSelectedAnew();
+    void aRefusedPasteLeavesTheRows();
+    void aPasteWithoutAServerLosesTheCut();
+    void theActionsAreConnected();
+
+    void otherTypesStayOnTheClipboard_data();
+    void otherTypesStayOnTheClipboard();
+    void hostileBytesWriteNothing_data();
+    void hostileBytesWriteNothing();
+    void aRowNamedTwiceGoesOutOnce();
+    void manyUnknownKeysAreQuicklyPassedOver();
+    void theClipboardsTypeIsTold();
+    void foreignChangesOfTheClipboardAreIgnored();
+
+    void aDropMovesTheRows();
+    void aDropAtTheTopWritesEmptyText_data();
+    void aDropAtTheTopWritesEmptyText();
+    void aDropLeavesOutRowsThatAreGone();
+    void aDropOfFoldersAndResources();
+    void aDropThroughTheModel();
+    void aDropWithoutAServerWritesNothing();
+    void theFocusWaitsForItsRow();
+};
+
+// Cutting ----------------------------------------------------------------------------------------
+
+void TestResClipboard::aCutPutsTheKeysOnTheClipboard() {
+    Window window;
+    window.select({"rlog", "rtable"});
+    window.editor->on_actCut_triggered();
+    QCOMPARE(onClipboard(), QByteArray("1\nrlog;rtable;\n"));
+    QCOMPARE(clipboard().mimeData()->formats(), QStringList(resourcesMime));
+}
+
+void TestResClipboard::aCutChangesNothing() {
+    Window window;
+    window.select({"rlog"});
+    window.editor->on_actCut_triggered();
+    QCOMPARE(window.written(), QString());
+    QCOMPARE(window.parentOf("rlog"), QString("mod"));
+    QVERIFY(window.editor->m_focusKey.isEmpty());
+    QVERIFY(window.tree->selectionModel()->isSelected(window.editor->row("rlog")));
+}
+
+void TestResClipboard::aCutOfAFolderNamesItAlone() {
+    Window window;
+    window.select({"boilers"});
+    window.editor->on_actCut_triggered();
+    QCOMPARE(onClipboard(), QByteArray("3\nboilers;\n"));
+}
+
+void TestResClipboard::theTypeIsThatOfTheFirstRow() {
+    Window window;
+    window.select({"rpump"});
+    window.editor->on_actCut_triggered();
+    QCOMPARE(onClipboard(), QByteArray("4\nrpump;\n"));
+    window.select({"rcalc"});
+    window.editor->on_actCut_triggered();
+    QCOMPARE(onClipboard(), QByteArray("2\nrcalc;\n"));
+}
+
+void TestResClipboard::aCutOfNothingLeavesTheClipboard() {
+    Window window;
+    clipboard().setText("before");
+    window.tree->clearSelection();
+    window.editor->on_actCut_triggered();
+    QCOMPARE(clipboard().text(), QString("before"));
+}
+
+void TestResClipboard::aCutOfRowsWithoutRecordsLeavesTheClipboard_data() {
+    QTest::addColumn<QByteArray>("key");
+    for (const char* key : {"MenuResources", "FileResources", "WrongFolder", "unsaved"})
+        QTest::newRow(key) << QByteArray(key);
+}
+
+void TestResClipboard::aCutOfRowsWithoutRecordsLeavesTheClipboard() {
+    QFETCH(QByteArray, key);
+    Window window;
+    const QModelIndex folder = window.editor->row("mod");
+    window.editor->m_resModel->insertRows(0, 1, folder);
+    window.editor->m_resModel->setData(
+        window.editor->m_resModel->index(0, ResColumn::KeyLink, folder), "unsaved");
+    clipboard().setText("before");
+    window.select({key.constData()});
+    window.editor->on_actCut_triggered();
+    QCOMPARE(clipboard().text(), QString("before"));
+}
+
+void TestResClipboard::aFolderKnownByItsContentsIsCut() {
+    Window window;
+    // The folder's own record goes; what lies in it is still in the tables.
+    window.editor->m_tabResFolder.RecDel(MDARec(window.editor->m_tabResFolder.array, 0, [&] {
+        for (uint32_t i = 0;; ++i)
+            if (orvo::textOf(MDARec(window.editor->m_tabResFolder.array, 0, i), "KeyLink") ==
+                "boilers")
+                return i;
+    }()));
+    window.select({"boilers"});
+    window.editor->on_actCut_triggered();
+    QCOMPARE(onClipboard(), QByteArray("3\nboilers;\n"));
+}
+
+void TestResClipboard::aFolderInACircleIsCut() {
+    Window window;
+    window.store.update("MenuResourceFolder", {{"KeyLink", "docs"}, {"ParentKey", "deep"}});
+    window.deliver();
+    window.select({"deep"});
+    window.editor->on_actCut_triggered();
+    QCOMPARE(onClipboard(), QByteArray("4\ndeep;\n"));
+}
+
+void TestResClipboard::aCutWithoutAServerLeavesTheClipboard() {
+    Window window;
+    clipboard().setText("before");
+    window.select({"rlog"});
+    const StructureOutage outage;
+    window.editor->on_actCut_triggered();
+    QCOMPARE(clipboard().text(), QString("before"));
+}
+
+// Pasting ----------------------------------------------------------------------------------------
+
+void TestResClipboard::aPasteMovesTheRows() {
+    Window window;
+    window.select({"rlog", "rtable"});
+    window.editor->on_actCut_triggered();
+    window.makeCurrent("alarms");
+    window.editor->on_actPaste_triggered();
+    QCOMPARE(window.written(), QString("MenuResource\n"
+                                       "  ~rlog MenuResourceFolderKey='alarms'\n"
+                                       "  ~rtable MenuResourceFolderKey='alarms'\n"));
+    // Nothing moves before the server says so.
+    QCOMPARE(window.parentOf("rlog"), QString("mod"));
+    QCOMPARE(window.current(), QString("alarms"));
+    QCOMPARE(window.editor->m_focusKey, QString("rtable"));
+    window.deliver();
+    QCOMPARE(window.parentOf("rlog"), QString("alarms"));
+    QCOMPARE(window.parentOf("rtable"), QString("alarms"));
+    QCOMPARE(window.current(), QString("rtable"));
+    QVERIFY(window.editor->m_focusKey.isNull());
+}
+
+void TestResClipboard::aPasteTakesTheCutOffTheClipboard() {
+    Window window;
+    window.select({"rlog"});
+    window.editor->on_actCut_triggered();
+    window.makeCurrent("alarms");
+    window.editor->on_actPaste_triggered();
+    QVERIFY(onClipboard().isEmpty());
+    window.written();
+    window.makeCurrent("trends");
+    window.editor->on_actPaste_triggered();
+    QCOMPARE(window.written(), QString());
+}
+
+void TestResClipboard::foldersGoOutBehindResources() {
+    Window window;
+    window.paste("1\ntrends;rlog;\n", "alarms");
+    QCOMPARE(window.written(), QString("MenuResource\n"
+                                       "  ~rlog MenuResourceFolderKey='alarms'\n"
+                                       "MenuResourceFolder\n"
+                                       "  ~trends ParentKey='alarms'\n"));
+    window.deliver();
+    QCOMPARE(window.parentOf("trends"), QString("alarms"));
+    QCOMPARE(window.parentOf("rtrend"), QString("trends"));
+}
+
+void TestResClipboard::pastedAtTheTopOfTheFileAreaTheLinkIsNull() {
+    Window window;
+    window.paste("4\nrpump;deep;\n", "FileResources");
+    QCOMPARE(window.written(), QString("MenuResource\n"
+                                       "  ~rpump MenuResourceFolderKey=NULL\n"
+                                       "MenuResourceFolder\n"
+                                       "  ~deep ParentKey=NULL\n"));
+    window.deliver();
+    QCOMPARE(window.parentOf("rpump"), QString("FileResources"));
+}
+
+void TestResClipboard::theRowOfTheMenuAreaIsAFolderLikeAnyOther() {
+    Window window;
+    window.paste("1\nrlog;\n", "MenuResources");
+    QCOMPARE(window.written(), QString("MenuResource\n"
+                                       "  ~rlog MenuResourceFolderKey='MenuResources'\n"));
+}
+
+void TestResClipboard::pastedOnAResourceNothingHappens() {
+    Window window;
+    window.paste("1\nrlog;\n", "rtrend");
+    QCOMPARE(window.written(), QString());
+    QVERIFY(onClipboard().isEmpty());
+    QVERIFY(window.editor->m_focusKey.isEmpty());
+}
+
+void TestResClipboard::withoutACurrentRowNothingIsPasted() {
+    Window window;
+    putOnClipboard("1\nrlog;\n");
+    window.tree->setCurrentIndex(QModelIndex());
+    window.editor->on_actPaste_triggered();
+    QCOMPARE(window.written(), QString());
+    QVERIFY(onClipboard().isEmpty());
+}
+
+void TestResClipboard::rowsThatAreGoneAreLeftOut() {
+    Window window;
+    window.paste("1\nrlog;gone;rtable;alsogone;\n", "alarms");
+    QCOMPARE(window.written(), QString("MenuResource\n"
+                                       "  ~rlog MenuResourceFolderKey='alarms'\n"
+                                       "  ~rtable MenuResourceFolderKey='alarms'\n"));
+    QCOMPARE(window.editor->m_focusKey, QString("rtable"));
+}
+
+void TestResClipboard::withoutAnyRowNothingGoesOut() {
+    Window window;
+    window.paste("1\ngone;\n", "alarms");
+    QCOMPARE(window.host.writes().calls.size(), 0);
+    QVERIFY(onClipboard().isEmpty());
+}
+
+void TestResClipboard::theTypeOfTheTargetDoesNotMatter() {
+    Window window;
+    window.paste("3\nrboiler;\n", "alarms");
+    QCOMPARE(window.written(), QString("MenuResource\n"
+                                       "  ~rboiler MenuResourceFolderKey='alarms'\n"));
+}
+
+void TestResClipboard::aFolderIsPastedIntoItself() {
+    Window window;
+    window.paste("4\ndocs;\n", "deep");
+    QCOMPARE(window.written(), QString("MenuResourceFolder\n"
+                                       "  ~docs ParentKey='deep'\n"));
+    window.deliver(); // the row cannot go below itself, and nothing breaks
+    QVERIFY(window.editor->row("deep").isValid());
+}
+
+void TestResClipboard::pastedWhereItIsARowIsSelectedAnew() {
+    Window window;
+    window.paste("1\nrtable;rlog;\n", "mod");
+    QCOMPARE(window.written(), QString("MenuResource\n"
+                                       "  ~rtable MenuResourceFolderKey='mod'\n"
+                                       "  ~rlog MenuResourceFolderKey='mod'\n"));
+    window.deliver();
+    QCOMPARE(window.current(), QString("rlog"));
+    QCOMPARE(window.parentOf("rlog"), QString("mod"));
+}
+
+void TestResClipboard::aRefusedPasteLeavesTheRows() {
+    Window window;
+    window.host.writes().refusedTable = "MenuResource";
+    window.paste("1\nrlog;trends;\n", "alarms");
+    window.deliver();
+    QCOMPARE(window.parentOf("rlog"), QString("mod"));
+    QCOMPARE(window.parentOf("trends"), QString("alarms")); // a call of its own
+    QCOMPARE(window.current(), QString("trends"));
+    QVERIFY(!window.editor->m_popMessageBox);
+    window.paste("1\nrlog;\n", "alarms");
+    window.deliver();
+    QCOMPARE(window.parentOf("rlog"), QString("mod"));
+    QCOMPARE(window.current(), QString("rlog"));
+}
+
+void TestResClipboard::aPasteWithoutAServerLosesTheCut() {
+    Window window;
+    const StructureOutage outage;
+    window.paste("1\nrlog;\n", "alarms");
+    QCOMPARE(window.written(), QString());
+    QVERIFY(onClipboard().isEmpty());
+    QVERIFY(window.editor->m_focusKey.isEmpty());
+}
+
+void TestResClipboard::theActionsAreConnected() {
+    Window window;
+    window.select({"rtrend"});
+    window.editor.action("actCut")->trigger();
+    QCOMPARE(onClipboard(), QByteArray("1\nrtrend;\n"));
+    window.makeCurrent("alarms");
+    QVERIFY(window.editor.action("actPaste")->isEnabled());
+    window.editor.action("actPaste")->trigger();
+    QCOMPARE(window.written(), QString("MenuResource\n"
+                                       "  ~rtrend MenuResourceFolderKey='alarms'\n"));
+    window.select({"rtrend"});
+    clipboard().setText("before");
+    window.editor.action("actCopy")->setEnabled(true);
+    window.editor.action("actCopy")->trigger();
+    QCOMPARE(clipboard().text(), QString("before"));
+}
+
+// Foreign bytes ----------------------------------------------------------------------------------
+
+void TestResClipboard::otherTypesStayOnTheClipboard_data() {
+    QTest::addColumn<QByteArray>("type");
+    for (const char* type :
+         {"0", "5", "-1", "", "x", "1x", "99999999999999999999", "4294967297", "0x1", "1.0", "٣"})
+        QTest::newRow(type) << QByteArray(type);
+}
+
+void TestResClipboard::otherTypesStayOnTheClipboard() {
+    QFETCH(QByteArray, type);
+    Window window;
+    const QByteArray bytes = type + "\nrlog;\n";
+    window.paste(bytes, "alarms");
+    QCOMPARE(window.written(), QString());
+    QCOMPARE(onClipboard(), bytes);
+}
+
+void TestResClipboard::hostileBytesWriteNothing_data() {
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("nothing") << QByteArray("");
+    QTest::newRow("no line feed") << QByteArray("1");
+    QTest::newRow("no second line feed") << QByteArray("1\nrlog;");
+    QTest::newRow("no keys") << QByteArray("1\n\n");
+    QTest::newRow("only separators") << QByteArray("1\n;;;\n");
+    QTest::newRow("line feeds") << QByteArray("\n\n\n\n");
+    QTest::newRow("keys first") << QByteArray("rlog;\n1\n");
+    QTest::newRow("no UTF-8") << QByteArray("1\n\xff\xfe\xf0\x28;\xc3;\n");
+    QTest::newRow("zero bytes") << QByteArray("1\n\0rlog;rtable;\n", 16);
+    QTest::newRow("other separator") << QByteArray("1\nrlog,rtable\n");
+    QTest::newRow("quotes") << QByteArray("1\n' OR 1=1 --;\n");
+    QTest::newRow("separators without end")
+        << QByteArray("1\n") + QByteArray(8 << 20, ';') + QByteArray("\n");
+    QTest::newRow("one endless key") << QByteArray("1\n") + QByteArray(8 << 20, 'r') + ";\n";
+}
+
+void TestResClipboard::hostileBytesWriteNothing() {
+    QFETCH(QByteArray, bytes);
+    Window window;
+    window.paste(bytes, "alarms");
+    QCOMPARE(window.host.writes().calls.size(), 0);
+    QVERIFY(window.editor->m_focusKey.isEmpty());
+    QVERIFY(!window.editor->m_popMessageBox);
+    window.makeCurrent("trends"); // looks at the clipboard
+}
+
+void TestResClipboard::aRowNamedTwiceGoesOutOnce() {
+    Window window;
+    window.paste("1\nrlog;RLOG;rlog;\n", "alarms");
+    QCOMPARE(window.written(), QString("MenuResource\n"
+                                       "  ~rlog MenuResourceFolderKey='alarms'\n"));
+}
+
+void TestResClipboard::manyUnknownKeysAreQuicklyPassedOver() {
+    Window window;
+    QByteArray bytes = "1\n";
+    for (int i = 0; i < 200000; ++i)
+        bytes += "rlog;unknown" + QByteArray::number(i) + ';';
+    QElapsedTimer timer;
+    timer.start();
+    window.paste(bytes + '\n', "alarms");
+    QCOMPARE(window.written(), QString("MenuResource\n"
+                                       "  ~rlog MenuResourceFolderKey='alarms'\n"));
+    QVERIFY2(timer.elapsed() < 20000, "the time grows faster than the keys");
+}
+
+void TestResClipboard::theClipboardsTypeIsTold() {
+    Window window;
+    window.select({"rlog"});
+    window.editor->on_actCut_triggered();
+    QVERIFY(window.editor->checkClipBoardType(1));
+    QVERIFY(!window.editor->checkClipBoardType(3));
+    clipboard().setText("1\nrlog;\n");
+    QVERIFY(!window.editor->checkClipBoardType(1));
+    putOnClipboard("x\nrlog;\n");
+    QVERIFY(!window.editor->checkClipBoardType(0));
+    clipboard().clear();
+    QVERIFY(!window.editor->checkClipBoardType(0));
+}
+
+void TestResClipboard::foreignChangesOfTheClipboardAreIgnored() {
+    Window window;
+    window.select({"rlog"});
+    window.editor->on_actCut_triggered();
+    clipboard().setText("foreign");
+    QCOMPARE(clipboard().text(), QString("foreign"));
+    window.makeCurrent("alarms");
+    window.editor->on_actPaste_triggered();
+    QCOMPARE(clipboard().text(), QString("foreign"));
+    QCOMPARE(window.written(), QString());
+}
+
+// Dropping ---------------------------------------------------------------------------------------
+
+void TestResClipboard::aDropMovesTheRows() {
+    Window window;
+    window.editor->on_res_dragdrop(window.editor->row("alarms"), {"rlog", "rtable"});
+    QCOMPARE(window.written(), QString("MenuResource\n"
+                                       "  ~rlog MenuResourceFolderKey='alarms'\n"
+                                       "  ~rtable MenuResourceFolderKey='alarms'\n"));
+    QCOMPARE(window.parentOf("rlog"), QString("mod"));
+    QCOMPARE(window.editor->m_focusKey, QString("rtable"));
+    window.deliver();
+    QCOMPARE(window.parentOf("rlog"), QString("alarms"));
+    QCOMPARE(window.current(), QString("rtable"));
+    QVERIFY(window.editor->m_focusKey.isNull());
+}
+
+void TestResClipboard::aDropAtTheTopWritesEmptyText_data() {
+    QTest::addColumn<QByteArray>("target");
+    QTest::newRow("files") << QByteArray("FileResources");
+    QTest::newRow("menus") << QByteArray("MenuResources");
+}
+
+void TestResClipboard::aDropAtTheTopWritesEmptyText() {
+    QFETCH(QByteArray, target);
+    Window window;
+    window.editor->on_res_dragdrop(window.editor->row(target), {"rpump", "deep"});
+    QCOMPARE(window.written(), QString("MenuResource\n"
+                                       "  ~rpump MenuResourceFolderKey=''\n"
+                                       "MenuResourceFolder\n"
+                                       "  ~deep ParentKey=''\n"));
+    window.deliver();
+    QCOMPARE(window.parentOf("rpump"), QString("FileResources"));
+}
+
+void TestResClipboard::aDropLeavesOutRowsThatAreGone() {
+    Window window;
+    window.editor->on_res_dragdrop(window.editor->row("alarms"), {"gone", "rlog", "lost"});
+    QCOMPARE(window.written(), QString("MenuResource\n"
+                                       "  ~rlog MenuResourceFolderKey='alarms'\n"));
+    QCOMPARE(window.editor->m_focusKey, QString("rlog"));
+    window.editor->on_res_dragdrop(window.editor->row("alarms"), {"gone"});
+    window.editor->on_res_dragdrop(window.editor->row("alarms"), {});
+    QCOMPARE(window.host.writes().calls.size(), 0);
+}
+
+void TestResClipboard::aDropOfFoldersAndResources() {
+    Window window;
+    window.editor->on_res_dragdrop(window.editor->row("icons"), {"deep", "rmanual", "rreadme"});
+    QCOMPARE(window.written(), QString("MenuResource\n"
+                                       "  ~rmanual MenuResourceFolderKey='icons'\n"
+                                       "  ~rreadme MenuResourceFolderKey='icons'\n"
+                                       "MenuResourceFolder\n"
+                                       "  ~deep ParentKey='icons'\n"));
+    window.deliver();
+    QCOMPARE(window.parentOf("deep"), QString("icons"));
+    QCOMPARE(window.current(), QString("rreadme"));
+}
+
+void TestResClipboard::aDropThroughTheModel() {
+    Window window;
+    ResTreeModel& model = *window.editor->m_resModel;
+    const std::unique_ptr<QMimeData> drag(
+        model.mimeData({window.editor->row("rlog"), window.editor->row("rtable")}));
+    QVERIFY(drag);
+    const QModelIndex target = window.editor->row("alarms");
+    QVERIFY(model.canDropMimeData(drag.get(), Qt::MoveAction, -1, 0, target));
+    QVERIFY(!model.dropMimeData(drag.get(), Qt::MoveAction, -1, 0, target));
+    QCOMPARE(window.written(), QString("MenuResource\n"
+                                       "  ~rlog MenuResourceFolderKey='alarms'\n"
+                                       "  ~rtable MenuResourceFolderKey='alarms'\n"));
+}
+
+void TestResClipboard::aDropWithoutAServerWritesNothing() {
+    Window window;
+    const StructureOutage outage;
+    window.editor->on_res_dragdrop(window.editor->row("alarms"), {"rlog"});
+    QCOMPARE(window.written(), QString());
+    QVERIFY(window.editor->m_focusKey.isEmpty());
+}
+
+void TestResClipboard::theFocusWaitsForItsRow() {
+    Window window;
+    window.makeCurrent("rlog");
+    window.editor->m_focusKey = "later";
+    window.deliver();
+    QCOMPARE(window.editor->m_focusKey, QString("later"));
+    QCOMPARE(window.current(), QString("rlog"));
+    addItem(window.store, "later", 1, "mod", "Later", "Позже");
+    window.deliver();
+    QVERIFY(window.editor->m_focusKey.isNull());
+    QCOMPARE(window.current(), QString("later"));
+}
+
+QTEST_MAIN(TestResClipboard)
+#include "tst_res_clipboard.moc"
