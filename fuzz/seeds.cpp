@@ -1,4 +1,5 @@
-// Writes the seed corpora: sound images, raw records and key descriptions to start from.
+// Writes the seed corpora: sound images, raw records, key descriptions and clipboard payloads to
+// start from.
 #include "platform/mdx/MdxBuild.h"
 
 #include <cstdio>
@@ -45,6 +46,45 @@ MDArray* makeTable(int records) {
     return array;
 }
 
+/// A menu as the clipboard carries it: every other element a folder below the one before.
+std::string makePayload(const char* mode, int records) {
+    MDArray* array = nullptr;
+    MDACreate(&array, 0);
+    for (const char* name : {"KeyLink", "parent", "MenuResourceKey", "caption"})
+        orvo::mdx::addField(array, name, MDX_TEXT);
+    orvo::mdx::addField(array, "order_", MDX_INTEGER);
+    for (const char* key : {"KeyLink", "parent;order_"}) {
+        MDAKeyDescription description{};
+        std::strcpy(description.name, key);
+        description.flags = std::strchr(key, ';') ? 8 : 0;
+        MDAKeyAdd(array, 1, &description);
+    }
+    std::string keys;
+    orvo::mdx::RecordWriter writer(array);
+    for (int i = 0; i < records; ++i) {
+        const std::string key = "k" + std::to_string(i);
+        const std::string parent = "k" + std::to_string(i / 2);
+        writer.begin();
+        writer.text1251(0, key.data(), key.size());
+        if (i > 0)
+            writer.text1251(1, parent.data(), parent.size());
+        if (i % 2)
+            writer.text1251(2, "r", 1);
+        writer.integer(4, i * 1000);
+        writer.end();
+        if (i % 3 == 0)
+            keys += key + ';';
+    }
+    writer.finish();
+    void* bytes = nullptr;
+    const uint32_t size = MDAPack(array, &bytes);
+    const std::string payload =
+        mode + ('\n' + keys) + '\n' + std::string(static_cast<const char*>(bytes), size);
+    MDMemFree(bytes);
+    MDADestroy(array);
+    return payload;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -66,6 +106,8 @@ int main(int argc, char** argv) {
             MDMemFree(bytes);
         }
         MDADestroy(array);
+        const std::string payload = makePayload(records % 2 ? "1" : "0", records);
+        write("menu_payload", name.c_str(), payload.data(), payload.size());
     }
     const char* const keys[] = {"\x08"
                                 "a;b",
