@@ -3,6 +3,7 @@
 
 #include "platform/client/ToolSupport.h"
 #include "platform/mdx/MdxBuild.h"
+#include "platform/store/Schema.h"
 
 #include <algorithm>
 #include <cstring>
@@ -97,7 +98,14 @@ const char* serverKey(const std::string& table, int32_t number) {
     return nullptr;
 }
 
-/// Whether the field has exactly that value; NULL asks for NULL.
+/// The bytes of a text value; a caller's length without a pointer counts for nothing.
+std::string_view textOf(const MDRVar& value) {
+    return value.value.text.pointer
+               ? std::string_view(value.value.text.pointer, value.value.text.length)
+               : std::string_view();
+}
+
+/// Whether the field has that value as keys compare; NULL asks for NULL.
 bool equals(MDRField field, const MDRData* record, const MDRVar& wanted) {
     MDRVar value{};
     MDRGetVal(field, record, &value);
@@ -114,11 +122,21 @@ bool equals(MDRField field, const MDRData* record, const MDRVar& wanted) {
     case MDX_DATE:
         return !(value.value.date < wanted.value.date) && !(wanted.value.date < value.value.date);
     default:
-        return value.value.text.length == wanted.value.text.length &&
-               (value.value.text.length == 0 ||
-                std::memcmp(value.value.text.pointer, wanted.value.text.pointer,
-                            value.value.text.length) == 0);
+        return mdx::compareText(textOf(value), textOf(wanted)) == 0;
     }
+}
+
+/// The number of a given key field by which the store can seek; -1 if there is none.
+int seekField(const std::string& table, const QList<QByteArray>& fields, int given,
+              const QVector<MDRVar>& values, const QBitArray& bits) {
+    const store::TableDef* def = store::findTable(table);
+    for (int i = 0; def && i < given; ++i) {
+        const int number = def->find(fields[i].toStdString());
+        if (number >= 0 && store::isKeyOrLink(*def, def->fields[static_cast<size_t>(number)]) &&
+            bits.testBit(i) && values[i].type == MDX_TEXT && !values[i].null)
+            return i;
+    }
+    return -1;
 }
 
 } // namespace
@@ -139,25 +157,14 @@ void CToolRecByKey::run(COrvoCliSes& session) {
     }
     const QList<QByteArray> fields = QByteArray(key).split(';');
     const int most = std::min({fields.size(), keyValues.size(), keyBits.size()});
-    for (MDRVar& value : keyValues)
-        if (value.type == MDX_TEXT && !value.value.text.pointer)
-            value.value.text.length = 0;
-
-    // The store seeks by one text; the other values are compared here.
-    int seek = -1;
-    for (int i = 0; i < most && seek < 0; ++i)
-        if (keyBits.testBit(i) && keyValues[i].type == MDX_TEXT && !keyValues[i].null)
-            seek = i;
+    // The store seeks by one key or link; the other values are compared here.
+    const int seek = seekField(tableName, fields, most, keyValues, keyBits);
     CMDArray rows;
-    store::Status status;
-    if (seek >= 0) {
-        const MDRVar& value = keyValues[seek];
-        status = session.data()->store->fetchWhere(
-            tableName, fields[seek].constData(),
-            mdx::toUtf8({value.value.text.pointer, value.value.text.length}), rows.array);
-    } else {
-        status = session.data()->store->fetch(tableName, rows.array);
-    }
+    const store::Status status =
+        seek >= 0
+            ? session.data()->store->fetchLinked(tableName, fields[seek].constData(),
+                                                 mdx::toUtf8(textOf(keyValues[seek])), rows.array)
+            : session.data()->store->fetch(tableName, rows.array);
     if (status.ok()) {
         std::vector<MDRData*> others;
         for (uint32_t i = 0; i < mdx::postedCount(rows.array); ++i) {

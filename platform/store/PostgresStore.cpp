@@ -124,37 +124,29 @@ Status PostgresStore::fetch(std::string_view name, MDArray* into) {
     });
 }
 
-Status PostgresStore::fetchWhere(std::string_view name, std::string_view field,
-                                 std::string_view value, MDArray* into) {
-    return guarded([&]() -> Status {
-        const TableDef* table = findTable(name);
-        if (table == nullptr)
-            return {UnknownName, "Неизвестная таблица " + shown(name)};
-        const int number = table->find(field);
-        if (number < 0 || table->fields[static_cast<size_t>(number)].type != MDX_TEXT)
-            return {UnknownName, inTable(*table) + ": нет текстового поля " + shown(field)};
-        if (into == nullptr || into->fieldCount != 0)
-            return {BadArguments, inTable(*table) + ": массив для записей не пуст"};
-        const Status status = ready();
-        if (!status.ok())
-            return status;
-        // The first comparison finds by the index, the second is exact where that is not.
-        const FieldDef& which = table->fields[static_cast<size_t>(number)];
-        const std::string where = identifier(which.name);
-        std::string sql = "SELECT " + fieldList(*table) + " FROM " + qualified(table->name) +
-                          " WHERE " + where + " = $1";
-        if (which.link || number == 0)
-            sql += " AND lower(" + where + ") = lower($1 COLLATE \"C\")";
-        return records(*table, into, [&](mdx::RecordWriter& writer) -> Status {
-            if (!isText(value))
-                return {};
-            const Result result = m_connection.query(sql, Parameters().text(value));
-            if (!succeeded(result.get()))
-                return m_connection.failure(inTable(*table), result.get());
-            for (int row = 0; row < PQntuples(result.get()); ++row)
-                writeRecord(*table, result.get(), row, writer);
+Status PostgresStore::fetchMatching(const TableDef& table, const FieldDef& field, TextMatch match,
+                                    std::string_view value, MDArray* into) {
+    const Status status = ready();
+    if (!status.ok())
+        return status;
+    // The folded comparison finds by the index, the other is exact.
+    const std::string where = identifier(field.name);
+    const std::string folded = "lower(" + where + ") = lower($1 COLLATE \"C\")";
+    const std::string exact = where + " = $1";
+    std::string sql = "SELECT " + fieldList(table) + " FROM " + qualified(table.name) + " WHERE ";
+    if (match == TextMatch::Key)
+        sql += folded;
+    else
+        sql += isKeyOrLink(table, field) ? folded + " AND " + exact : exact;
+    return records(table, into, [&](mdx::RecordWriter& writer) -> Status {
+        if (!isText(value))
             return {};
-        });
+        const Result result = m_connection.query(sql, Parameters().text(value));
+        if (!succeeded(result.get()))
+            return m_connection.failure(inTable(table), result.get());
+        for (int row = 0; row < PQntuples(result.get()); ++row)
+            writeRecord(table, result.get(), row, writer);
+        return {};
     });
 }
 

@@ -38,8 +38,6 @@ public:
     std::string displayName() const override { return m_url.displayName(); }
 
     Status fetch(std::string_view table, MDArray* into) override;
-    Status fetchWhere(std::string_view table, std::string_view field, std::string_view value,
-                      MDArray* into) override;
 
     Status logPosition(int64_t* id) override;
     Status readLog(int64_t cursor, int limit, std::vector<Change>* changes) override;
@@ -56,6 +54,8 @@ public:
     Status missingLogins(std::vector<std::string>* logins) override;
 
 protected:
+    Status fetchMatching(const TableDef& table, const FieldDef& field, TextMatch match,
+                         std::string_view value, MDArray* into) override;
     Status inRead(const Work& work) override;
     Status inWrite(const Work& work) override;
     Status apply(const TableDef& table, const Write& write) override;

@@ -79,6 +79,10 @@ const TableDef* findTable(std::string_view name) {
     return nullptr;
 }
 
+bool isKeyOrLink(const TableDef& table, const FieldDef& field) {
+    return field.link || &field == &table.fields.front();
+}
+
 int makeStructure(const TableDef& table, MDArray* array) {
     for (const FieldDef& field : table.fields) {
         const int status = mdx::addField(array, field.name, field.type);

@@ -32,6 +32,8 @@ const std::vector<TableDef>& tables();
 const TableDef& contentTable();
 /// The one of tables() of exactly that name, or null.
 const TableDef* findTable(std::string_view name);
+/// Whether the field holds this record's key or another's.
+bool isKeyOrLink(const TableDef& table, const FieldDef& field);
 /// Gives an array without fields the structure of the table.
 int makeStructure(const TableDef& table, MDArray* array);
 

@@ -110,26 +110,18 @@ Status SqliteStore::fetch(std::string_view name, MDArray* into) {
     });
 }
 
-Status SqliteStore::fetchWhere(std::string_view name, std::string_view field,
-                               std::string_view value, MDArray* into) {
-    return guarded([&]() -> Status {
-        const TableDef* table = findTable(name);
-        if (table == nullptr)
-            return {UnknownName, "Неизвестная таблица " + shown(name)};
-        const int number = table->find(field);
-        if (number < 0 || table->fields[static_cast<size_t>(number)].type != MDX_TEXT)
-            return {UnknownName, inTable(*table) + ": нет текстового поля " + shown(field)};
-        if (into == nullptr || into->fieldCount != 0)
-            return {BadArguments, inTable(*table) + ": массив для записей не пуст"};
-        // The first comparison finds by the index, the second is exact where that is not.
-        const std::string where = identifier(table->fields[static_cast<size_t>(number)].name);
-        Statement* statement = cached(selectAll(*table) + " WHERE " + where + " = ?1 AND " + where +
-                                      " COLLATE BINARY = ?1");
-        if (statement == nullptr)
-            return m_connection.failure(inTable(*table));
-        statement->bind(1, value);
-        return fetchRows(*table, *statement, into);
-    });
+Status SqliteStore::fetchMatching(const TableDef& table, const FieldDef& field, TextMatch match,
+                                  std::string_view value, MDArray* into) {
+    // The first comparison finds by the index, the second is exact where that is not.
+    const std::string where = identifier(field.name);
+    std::string sql = selectAll(table) + " WHERE " + where + " = ?1";
+    if (match == TextMatch::Exact)
+        sql += " AND " + where + " COLLATE BINARY = ?1";
+    Statement* statement = cached(sql);
+    if (statement == nullptr)
+        return m_connection.failure(inTable(table));
+    statement->bind(1, value);
+    return fetchRows(table, *statement, into);
 }
 
 Status SqliteStore::rows(Statement& statement, size_t columns,

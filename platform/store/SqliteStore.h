@@ -37,8 +37,6 @@ public:
     std::string displayName() const override { return "sqlite://" + m_path; }
 
     Status fetch(std::string_view table, MDArray* into) override;
-    Status fetchWhere(std::string_view table, std::string_view field, std::string_view value,
-                      MDArray* into) override;
 
     Status logPosition(int64_t* id) override;
     Status readLog(int64_t cursor, int limit, std::vector<Change>* changes) override;
@@ -54,6 +52,8 @@ public:
     Status restore(const std::string& file, const Progress& progress) override;
 
 protected:
+    Status fetchMatching(const TableDef& table, const FieldDef& field, TextMatch match,
+                         std::string_view value, MDArray* into) override;
     Status inRead(const Work& work) override;
     Status inWrite(const Work& work) override;
     Status apply(const TableDef& table, const Write& write) override;

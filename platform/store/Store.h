@@ -101,6 +101,10 @@ public:
     /// included.
     virtual Status fetchWhere(std::string_view table, std::string_view field,
                               std::string_view value, MDArray* into) = 0;
+    /// The records in which a key or link field names `key`, without regard to case as keys
+    /// compare. UnknownName for a field that is neither.
+    virtual Status fetchLinked(std::string_view table, std::string_view field, std::string_view key,
+                               MDArray* into) = 0;
     /// Applies the posted records in order of entry, by their flags, in one transaction: all or
     /// none. Only fields with the user bit are written; empty text in a link field becomes NULL.
     /// Refused: unknown table, a field that the table lacks, flag 1 on an existing key or on an

@@ -64,6 +64,34 @@ Status StoreCore::records(const TableDef& table, MDArray* into,
     return status;
 }
 
+Status StoreCore::fetchWhere(std::string_view name, std::string_view field, std::string_view value,
+                             MDArray* into) {
+    return fetchField(name, field, TextMatch::Exact, value, into);
+}
+
+Status StoreCore::fetchLinked(std::string_view name, std::string_view field, std::string_view key,
+                              MDArray* into) {
+    return fetchField(name, field, TextMatch::Key, key, into);
+}
+
+Status StoreCore::fetchField(std::string_view name, std::string_view field, TextMatch match,
+                             std::string_view value, MDArray* into) {
+    return guarded([&]() -> Status {
+        const TableDef* table = findTable(name);
+        if (table == nullptr)
+            return {UnknownName, "Неизвестная таблица " + shown(name)};
+        const int number = table->find(field);
+        const FieldDef* which = number < 0 ? nullptr : &table->fields[static_cast<size_t>(number)];
+        if (which == nullptr || which->type != MDX_TEXT)
+            return {UnknownName, inTable(*table) + ": нет текстового поля " + shown(field)};
+        if (match == TextMatch::Key && !isKeyOrLink(*table, *which))
+            return {UnknownName, inTable(*table) + ": поле " + shown(field) + " не хранит ключей"};
+        if (into == nullptr || into->fieldCount != 0)
+            return {BadArguments, inTable(*table) + ": массив для записей не пуст"};
+        return fetchMatching(*table, *which, match, value, into);
+    });
+}
+
 Status StoreCore::update(std::string_view tableName, const MDArray* records) {
     return guarded([&]() -> Status {
         const TableDef* table = findTable(tableName);

@@ -36,6 +36,10 @@ class StoreCore : public MaintainedStore {
 public:
     std::string login() const final { return m_login; }
 
+    Status fetchWhere(std::string_view table, std::string_view field, std::string_view value,
+                      MDArray* into) final;
+    Status fetchLinked(std::string_view table, std::string_view field, std::string_view key,
+                       MDArray* into) final;
     Status update(std::string_view table, const MDArray* records) final;
 
     Status formGet(std::string_view form, bool withBytes, std::vector<StoredFile>* files) final;
@@ -67,6 +71,13 @@ protected:
     // What a kind of store provides. These may throw std::bad_alloc.
     using Row = std::vector<Value>;
     using Work = std::function<Status()>;
+
+    /// How a text field is compared: byte for byte, or as keys and links are, without regard to the
+    /// case of ASCII letters (they hold no others).
+    enum class TextMatch { Exact, Key };
+    /// Fetches into an empty array the records whose field matches; Key for a key or link only.
+    virtual Status fetchMatching(const TableDef& table, const FieldDef& field, TextMatch match,
+                                 std::string_view value, MDArray* into) = 0;
 
     /// Runs the work on one snapshot of the database.
     virtual Status inRead(const Work& work) = 0;
@@ -123,6 +134,8 @@ private:
         std::string key, name;
         StoredFile file;
     };
+    Status fetchField(std::string_view table, std::string_view field, TextMatch match,
+                      std::string_view value, MDArray* into);
     Status folders(Area area, std::optional<FolderTree>* tree);
     Status form(std::string_view name, std::optional<Resource>* found);
     Status fileIn(const std::vector<std::string>& folders, std::string_view name,

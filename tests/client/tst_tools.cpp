@@ -213,6 +213,43 @@ private slots:
                  QString("4"));
     }
 
+    void recordsAreFoundInWhateverCaseTheReferenceIsWritten() {
+        Bench bench;
+        bench.write("Menu", 1, {{"KeyLink", "1"}, {"MenuResourceKey", "ReS"}, {"parent", "Up"}});
+        bench.write("Menu", 1, {{"KeyLink", "2"}, {"MenuResourceKey", "resx"}});
+        CToolRecByKey tool(&bench.module);
+        const std::string key = "rEs";
+        tool.tableName = "Menu";
+        tool.keyNumber = 2;
+        tool.keyValues = {textValue(key)};
+        tool.keyBits.setBit(0);
+        tool.Perform(false);
+        QCOMPARE(tool.result.array->recordCount, 1u);
+        QCOMPARE(textOf(tool.result.array, MDARec(tool.result.array, 0, 0), "KeyLink"),
+                 QString("1"));
+    }
+
+    void aFieldThatIsNoKeyIsComparedAsKeysAreSorted() {
+        Bench bench;
+        bench.write("MenuResource", 1, {{"KeyLink", "1"}, {"type_", "3"}, {"name_", "Схема Ё"}});
+        bench.write("MenuResource", 1, {{"KeyLink", "2"}, {"type_", "3"}, {"name_", "Схема"}});
+        bench.write("MenuResource", 1, {{"KeyLink", "3"}, {"type_", "4"}, {"name_", "схема ё"}});
+        CToolRecByKey tool(&bench.module);
+        const std::string name = orvo::mdx::toCp1251("схема ё");
+        MDRVar type{};
+        type.type = MDX_INTEGER;
+        type.value.integer = 3;
+        tool.tableName = "MenuResource";
+        tool.keyNumber = 2;
+        tool.keyValues = {type, textValue(name)};
+        tool.keyBits.setBit(0);
+        tool.keyBits.setBit(1);
+        tool.Perform(false);
+        QCOMPARE(tool.result.array->recordCount, 1u);
+        QCOMPARE(textOf(tool.result.array, MDARec(tool.result.array, 0, 0), "KeyLink"),
+                 QString("1"));
+    }
+
     void severalKeyValuesNarrowTheSearch() {
         Bench bench;
         bench.write("Menu", 1, {{"KeyLink", "1"}, {"parent", "p"}, {"order_", "1000"}});

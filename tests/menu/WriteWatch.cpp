@@ -97,6 +97,11 @@ store::Status WriteWatch::fetchWhere(std::string_view table, std::string_view fi
                                      std::string_view value, MDArray* into) {
     return m_store->fetchWhere(table, field, value, into);
 }
+store::Status WriteWatch::fetchLinked(std::string_view table, std::string_view field,
+                                      std::string_view key, MDArray* into) {
+    jobs << QStringLiteral("look up ") + text(table) + ' ' + text(field) + ' ' + text(key);
+    return m_store->fetchLinked(table, field, key, into);
+}
 store::Status WriteWatch::logPosition(int64_t* id) {
     return m_store->logPosition(id);
 }
@@ -124,30 +129,30 @@ store::Status WriteWatch::formPut(std::string_view path,
     return m_store->formPut(path, files);
 }
 store::Status WriteWatch::formDelete(const std::vector<std::string>& forms) {
+    QString job = QStringLiteral("delete forms");
+    for (const std::string& form : forms)
+        job += ' ' + text(form);
+    jobs << job;
     return m_store->formDelete(forms);
 }
 store::Status WriteWatch::fileGet(std::string_view path, std::string_view name, bool withBytes,
                                   std::vector<store::StoredFile>* files) {
     return m_store->fileGet(path, name, withBytes, files);
-    QString job = QStringLiteral("delete forms");
-    for (const std::string& form : forms)
-        job += ' ' + text(form);
-    jobs << job;
 }
 store::Status WriteWatch::filePut(const std::vector<store::FileToPut>& files) {
     return m_store->filePut(files);
 }
 store::Status
 WriteWatch::fileDelete(const std::vector<std::pair<std::string, std::string>>& files) {
+    QString job = QStringLiteral("delete files");
+    for (const auto& [path, name] : files)
+        job += ' ' + text(path) + '/' + text(name);
+    jobs << job;
     return m_store->fileDelete(files);
 }
 store::Status WriteWatch::fileArea(
     const std::function<void(const std::string& path, const store::StoredFile& file)>& each) {
     return m_store->fileArea(each);
-    QString job = QStringLiteral("delete files");
-    for (const auto& [path, name] : files)
-        job += ' ' + text(path) + '/' + text(name);
-    jobs << job;
 }
 store::Status WriteWatch::userAdd(const store::User& user) {
     return m_store->userAdd(user);

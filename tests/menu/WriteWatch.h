@@ -42,6 +42,8 @@ public:
     store::Status fetch(std::string_view table, MDArray* into) override;
     store::Status fetchWhere(std::string_view table, std::string_view field, std::string_view value,
                              MDArray* into) override;
+    store::Status fetchLinked(std::string_view table, std::string_view field, std::string_view key,
+                              MDArray* into) override;
     store::Status update(std::string_view table, const MDArray* records) override;
     store::Status logPosition(int64_t* id) override;
     store::Status readLog(int64_t cursor, int limit, std::vector<store::Change>* changes) override;

@@ -29,6 +29,7 @@ private slots:
     void fetchOfAnUnknownTableSaysSo();
     void fetchNeedsAnEmptyArray();
     void fetchWhereComparesExactly();
+    void fetchLinkedComparesWithoutRegardToCase();
     void hostileValuesInFetchWhereAreData_data();
     void hostileValuesInFetchWhereAreData();
     void oneStoreObjectSeesTheWritesOfAnother();
@@ -381,6 +382,27 @@ void TestTables::fetchWhereComparesExactly() {
     QCOMPARE(where("KeyLink", "5"), "5");
     QCOMPARE(where("FolderKey", "ab"), "");
     QCOMPARE(where("FolderKey", "abc%"), "");
+}
+
+void TestTables::fetchLinkedComparesWithoutRegardToCase() {
+    ORVO_OK(Batch("Menu")
+                .insert("one", {{"MenuResourceKey", "Abc"}})
+                .insert("two", {{"MenuResourceKey", "aBC"}})
+                .insert("three", {{"MenuResourceKey", "abcd"}})
+                .insert("four")
+                .send(*m_store));
+    const auto linked = [&](const char* field, std::string_view key) {
+        CMDArray array;
+        const Status status = m_store->fetchLinked("Menu", field, key, array.array);
+        return status.ok() ? dump(array.array, {"KeyLink"}) : QString::fromStdString(status.text);
+    };
+    QCOMPARE(linked("MenuResourceKey", "ABC"), "one\ntwo");
+    QCOMPARE(linked("KeyLink", "THREE"), "three");
+    QCOMPARE(linked("MenuResourceKey", ""), "");
+    QCOMPARE(linked("MenuResourceKey", "ab%"), "");
+    CMDArray array;
+    ORVO_FAILS(m_store->fetchLinked("Menu", "caption", "x", array.array), UnknownName);
+    ORVO_FAILS(m_store->fetchLinked("Меню", "KeyLink", "x", array.array), UnknownName);
 }
 
 void TestTables::hostileValuesInFetchWhereAreData_data() {
