@@ -53,15 +53,19 @@ QString Tree::text() const {
 // ClientProcess
 
 ClientProcess::ClientProcess(const QString& directory, const QString& store, const QString& user,
-                             const QRect& place)
+                             const QRect& place, const QStringList& which)
     : login(user)
+    , modules(which)
     , m_socketPath(directory + '/' + user + ".sock")
     , m_place(place) {
     m_process.setStandardOutputFile(directory + '/' + user + ".out");
     m_process.setStandardErrorFile(directory + '/' + user + ".err", QIODevice::Append);
-    m_process.start(qEnvironmentVariable("ORVO_BIN_DIR") + "/orvo-client",
-                    {"--store", store, "--login", user, "--work-dir", directory + "/work-" + user,
-                     "--module", "Menu", "--inspect", m_socketPath});
+    QStringList arguments{"--store",   store,        "--login",
+                          user,        "--work-dir", directory + "/work-" + user,
+                          "--inspect", m_socketPath};
+    for (const QString& module : modules)
+        arguments << "--module" << module;
+    m_process.start(qEnvironmentVariable("ORVO_BIN_DIR") + "/orvo-client", arguments);
     m_process.waitForStarted();
 }
 
@@ -86,8 +90,9 @@ bool ClientProcess::waitUp() {
     }
     while (timer.elapsed() < 60000 && m_socket.state() == QLocalSocket::ConnectedState) {
         const QJsonObject state = ask("state");
-        if (state["running"].toInt() == 1) {
-            if (isInPlace() && state["settled"].toBool() && !tree("tvDesck").rows.empty())
+        if (state["running"].toInt() == modules.size()) {
+            const char* first = modules.last() == "Menu" ? "tvDesck" : "tvRes";
+            if (isInPlace() && state["settled"].toBool() && !tree(first).rows.empty())
                 return true;
             moveIntoPlace();
         }

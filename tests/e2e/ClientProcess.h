@@ -45,10 +45,10 @@ struct Control {
 
 class ClientProcess {
 public:
-    /// Starts a client with the menu editor; the window is at `place` soon after. Everything it
+    /// Starts a client with these modules; the window is at `place` soon after. Everything it
     /// writes goes below `directory`.
     ClientProcess(const QString& directory, const QString& store, const QString& login,
-                  const QRect& place);
+                  const QRect& place, const QStringList& modules = {"Menu"});
     ~ClientProcess();
 
     /// Waits until the window is up and the module loaded; moves the window to its place.
@@ -71,6 +71,7 @@ public:
     QStringList table(const char* name);
 
     const QString login;
+    const QStringList modules;
 
 private:
     bool isInPlace();

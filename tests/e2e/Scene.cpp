@@ -48,9 +48,10 @@ Scene::Scene() {
     m_store = std::make_unique<StoreView>(path);
 }
 
-bool Scene::startLeft() {
-    m_left = std::make_unique<ClientProcess>(m_directory.path(), m_store->path, "left",
-                                             QRect(5, 5, 1385, 960));
+bool Scene::startLeft(const QStringList& modules, const QString& login, const QRect& place) {
+    m_left.reset();
+    m_left =
+        std::make_unique<ClientProcess>(m_directory.path(), m_store->path, login, place, modules);
     return m_left->waitUp() || fail("the left client does not come up: " + m_left->errors());
 }
 

@@ -21,7 +21,8 @@ public:
     /// Makes the store; starts no client.
     Scene();
 
-    bool startLeft();
+    bool startLeft(const QStringList& modules = {"Menu"}, const QString& login = "left",
+                   const QRect& place = {5, 5, 1385, 960});
     bool startRight();
     void stopRight() { m_right.reset(); }
     ClientProcess& left() { return *m_left; }
