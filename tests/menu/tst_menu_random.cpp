@@ -1,23 +1,19 @@
 // Thousands of changes in random order, by two editors and a foreign hand on one store. At every
 // quiet point each editor shows what an editor opened at that moment would show, but for the
-// differences that are required. They are found by watching each single notification:
+// differences that are required (TreeDifferences.h), and those of its own:
 //
-//  - lost: a record without a row. Its parent was unknown when it came, or its row went away with
-//    a row above it (a deleted folder; a desktop folder that moved among its siblings). It stays
-//    without a row until the tree is loaded again.
-//  - stray: a row that does not stand where its record says. A desktop or folder stays below its
-//    old parent; an element moved below an unknown one stands at the very top; one moved below
-//    itself stays. And one whose parent is no folder: a change shows it there, loading does not.
-//  - unsaved: a row of this editor alone, a placeholder.
+//  - lost is also what went away with a row above it: a deleted folder, or a desktop folder that
+//    moved among its siblings.
+//  - stray: a desktop or folder stays below its old parent; an element moved below an unknown one
+//    stands at the very top; one moved below itself stays.
 //  - another's menu: while a placeholder or a new name is open, a move to another desktop saves and
 //    leaves the menu that stands there; it is not compared until a menu is loaded again.
-//  - blurred: a parent that had any of these among its children. Positions are counted in the table
-//    and rows in the tree, so the order below it is no longer that of the table.
 //
 // The seed is printed; ORVO_SEED sets it, ORVO_STEPS the number of steps.
 #include "platform/client/Blocks.h"
 #include "platform/client/Session.h"
 #include "tests/menu/MenuProbe.h"
+#include "tests/menu/TreeDifferences.h"
 
 #include <QLineEdit>
 #include <QMimeData>
@@ -36,18 +32,10 @@ using orvo::menu::MenuColumn;
 
 namespace {
 
-struct Row {
-    QString parent; ///< key of the row above; empty below the top row, "?" beside it
-    QString values;
-    int place = 0;
-    bool folder = false;
-};
-using Rows = QMap<QString, Row>;
-
 /// The rows below the top row, by key.
-Rows rowsOf(const QAbstractItemModel* model, int keyColumn, const QVector<int>& columns,
-            int isNewColumn, int folderColumn, QSet<QString>* unsaved) {
-    Rows rows;
+TreeRows rowsOf(const QAbstractItemModel* model, int keyColumn, const QVector<int>& columns,
+                int isNewColumn, int folderColumn, QSet<QString>* unsaved) {
+    TreeRows rows;
     const std::function<void(const QModelIndex&, const QString&, int)> walk =
         [&](const QModelIndex& parent, const QString& parentKey, int depth) {
             for (int i = 0; i < model->rowCount(parent); ++i) {
@@ -69,90 +57,6 @@ Rows rowsOf(const QAbstractItemModel* model, int keyColumn, const QVector<int>& 
         };
     walk({}, QString(), 0);
     return rows;
-}
-
-/// What is required to differ in one tree since it was loaded.
-struct Differences {
-    QSet<QString> lost, stray, unsaved, blurred;
-    void clear() { *this = {}; }
-
-    /// Takes note of how table and tree stand to each other at this moment.
-    void watch(const Rows& rows, const QMap<QString, QString>& parents,
-               QSet<QString> placeholders) {
-        unsaved = std::move(placeholders);
-        for (auto record = parents.begin(); record != parents.end(); ++record) {
-            if (!rows.contains(record.key())) {
-                lost.insert(record.key());
-                blurred.insert(record.value());
-            }
-        }
-        for (auto row = rows.begin(); row != rows.end(); ++row) {
-            const bool known = parents.contains(row.key());
-            // Loading enters folders only.
-            if (!row->parent.isEmpty() && !rows.value(row->parent).folder)
-                stray.insert(row.key());
-            if (!known || parents[row.key()] != row->parent) {
-                blurred.insert(row->parent);
-                if (known) {
-                    blurred.insert(parents[row.key()]);
-                    stray.insert(row.key());
-                }
-            }
-        }
-    }
-    static bool within(const QString& key, const Rows& rows, const QSet<QString>& set) {
-        QSet<QString> seen;
-        for (QString up = key; !up.isEmpty() && !seen.contains(up); up = rows.value(up).parent) {
-            if (set.contains(up))
-                return true;
-            seen.insert(up);
-        }
-        return false;
-    }
-};
-
-int comparedRows = 0;
-int comparedFamilies = 0;
-
-/// The first difference that is not required; empty if there is none.
-QString compare(const Rows& live, const Rows& fresh, const Differences& known) {
-    for (auto row = fresh.begin(); row != fresh.end(); ++row) {
-        if (!live.contains(row.key())) {
-            if (!Differences::within(row.key(), fresh, known.lost) &&
-                !Differences::within(row.key(), fresh, known.stray))
-                return "not shown: " + row.key() + " " + row->values;
-            continue;
-        }
-        if (live[row.key()].parent != row->parent && !known.stray.contains(row.key()))
-            return QString("%1 stands below %2, not %3")
-                .arg(row.key(), live[row.key()].parent, row->parent);
-        if (live[row.key()].values != row->values)
-            return QString("%1 shows %2, not %3")
-                .arg(row.key(), live[row.key()].values, row->values);
-        ++comparedRows;
-    }
-    for (auto row = live.begin(); row != live.end(); ++row) {
-        if (!fresh.contains(row.key()) && !known.unsaved.contains(row.key()) &&
-            !Differences::within(row.key(), live, known.stray) &&
-            !Differences::within(row.key(), live, known.unsaved))
-            return "shown for nothing: " + row.key() + " " + row->values;
-    }
-    QMap<QString, QMap<int, QString>> liveOrder;
-    QMap<QString, QMap<int, QString>> freshOrder;
-    for (auto row = live.begin(); row != live.end(); ++row)
-        liveOrder[row->parent][row->place] = row.key();
-    for (auto row = fresh.begin(); row != fresh.end(); ++row)
-        freshOrder[row->parent][row->place] = row.key();
-    for (auto family = freshOrder.begin(); family != freshOrder.end(); ++family) {
-        if (known.blurred.contains(family.key()) || !liveOrder.contains(family.key()))
-            continue;
-        if (liveOrder[family.key()].values() != family->values())
-            return QString("order below \"%1\": %2, not %3")
-                .arg(family.key(), QStringList(liveOrder[family.key()].values()).join(' '),
-                     QStringList(family->values()).join(' '));
-        ++comparedFamilies;
-    }
-    return {};
 }
 
 const QVector<int> desckColumns{DesckColumn::Name, DesckColumn::IsFolder};
@@ -226,20 +130,20 @@ public:
 
     void watch() {
         QSet<QString> unsaved;
-        const Rows descks = desckRows(&unsaved);
+        const TreeRows descks = desckRows(&unsaved);
         m_desckKnown.watch(descks, parentsIn(probe(), "MenuFolder"), unsaved);
         unsaved.clear();
-        const Rows elements = menuRows(&unsaved);
+        const TreeRows elements = menuRows(&unsaved);
         // Over a folder no menu is shown, whatever the table still holds.
         if (probe().m_menuModel->rowCount() > 0)
             m_menuKnown.watch(elements, parentsIn(probe(), "Menu"), unsaved);
     }
 
-    Rows desckRows(QSet<QString>* unsaved) {
+    TreeRows desckRows(QSet<QString>* unsaved) {
         return rowsOf(probe().m_desckModel.get(), DesckColumn::KeyLink, desckColumns,
                       DesckColumn::IsNew, DesckColumn::IsFolder, unsaved);
     }
-    Rows menuRows(QSet<QString>* unsaved) {
+    TreeRows menuRows(QSet<QString>* unsaved) {
         return rowsOf(probe().m_menuModel.get(), MenuColumn::KeyLink, menuColumns,
                       MenuColumn::IsNew, MenuColumn::Type, unsaved);
     }
@@ -258,10 +162,10 @@ public:
             return "MenuResource differs";
         QSet<QString> none;
         QSet<QString> unsaved;
-        QString found = compare(desckRows(&unsaved),
-                                rowsOf(other.m_desckModel.get(), DesckColumn::KeyLink, desckColumns,
-                                       DesckColumn::IsNew, DesckColumn::IsFolder, &none),
-                                m_desckKnown);
+        QString found = m_desckKnown.compare(desckRows(&unsaved),
+                                             rowsOf(other.m_desckModel.get(), DesckColumn::KeyLink,
+                                                    desckColumns, DesckColumn::IsNew,
+                                                    DesckColumn::IsFolder, &none));
         if (!found.isEmpty())
             return "tvDesck: " + found;
         const QModelIndex desktop = other.m_desckModel->findIndexByKey(probe().m_currentDesckKey);
@@ -274,13 +178,16 @@ public:
             return {};
         if (probe().tableText("Menu") != other.tableText("Menu"))
             return "Menu:\n" + probe().tableText("Menu") + "\nfresh:\n" + other.tableText("Menu");
-        found = compare(menuRows(&unsaved),
-                        rowsOf(other.m_menuModel.get(), MenuColumn::KeyLink, menuColumns,
-                               MenuColumn::IsNew, MenuColumn::Type, &none),
-                        m_menuKnown);
+        found = m_menuKnown.compare(
+            menuRows(&unsaved), rowsOf(other.m_menuModel.get(), MenuColumn::KeyLink, menuColumns,
+                                       MenuColumn::IsNew, MenuColumn::Type, &none));
         return found.isEmpty() ? found : "tvMenu: " + found;
     }
 
+    int comparedRows() const { return m_desckKnown.comparedRows + m_menuKnown.comparedRows; }
+    int comparedFamilies() const {
+        return m_desckKnown.comparedFamilies + m_menuKnown.comparedFamilies;
+    }
     bool isAtRest() { return probe().m_editMode == MenuProbe::NoEdit; }
     QStringList failures() const { return m_host->failures; }
 
@@ -592,6 +499,12 @@ private slots:
             // What a tree of desktops has lost comes back when the editor is opened again.
             if (chance(15))
                 m_engineers[below(2)]->open();
+        }
+        int comparedRows = 0;
+        int comparedFamilies = 0;
+        for (const auto& engineer : m_engineers) {
+            comparedRows += engineer->comparedRows();
+            comparedFamilies += engineer->comparedFamilies();
         }
         qInfo("%d quiet points, %d rows and the order of %d families compared", quietPoints,
               comparedRows, comparedFamilies);
