@@ -75,8 +75,8 @@ int main(int argc, char* argv[]) {
         give("which folder?");
     Painter painter(argv[1]);
 
-    painter.open("Модули");
-    painter.open("Формы отображения");
+    painter.open("модули");
+    painter.open("формы отображения");
     painter.open("КС-1 Верхнеозёрск");
     painter.choose("КС-1: агрегаты");
     painter.take("resources.png");
