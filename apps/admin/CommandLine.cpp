@@ -48,7 +48,8 @@ void addOption(QCommandLineParser& parser, const char* name, const char* descrip
 }
 
 void addGeneralOptions(QCommandLineParser& parser) {
-    addOption(parser, "store", "Хранилище: sqlite:///путь/orvo.db или путь к файлу.", "URL");
+    addOption(parser, "store",
+              "Хранилище: путь к файлу, sqlite:///путь/orvo.db или postgresql://узел/база.", "URL");
     parser.addOption({{QStringLiteral("h"), QStringLiteral("help")},
                       QString::fromUtf8("Показать справку и закончить.")});
 }
@@ -69,7 +70,8 @@ void printGeneralHelp(QCommandLineParser& parser) {
         text += line + verb->summary + "\n";
     }
     text += "\nСправка о действии: orvo-admin ДЕЙСТВИЕ --help\n"
-            "Коды завершения: 0 сделано, 1 проверка нашла ошибки, 2 сбой или неверный вызов.";
+            "Коды завершения: 0 сделано, 1 проверка нашла ошибки, 2 сбой или неверный вызов,\n"
+            "130 прервано.";
     printHelp("[--store URL] ДЕЙСТВИЕ ...", text, parser);
 }
 

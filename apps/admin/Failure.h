@@ -1,9 +1,9 @@
 // Failure.h: how a verb gives up. Thrown anywhere below main, which prints it as the one line on
-// standard error and exits with 2.
+// standard error and exits with 2, or 130 if the user wanted it.
 #ifndef ORVO_ADMIN_FAILURE_H
 #define ORVO_ADMIN_FAILURE_H
 
-#include "platform/store/Store.h"
+#include "platform/store/Maintenance.h"
 
 #include <stdexcept>
 #include <string>
@@ -16,8 +16,17 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Throws a Failure "<what>: <text of the status>" unless the status is good.
+/// The user ended the work.
+class Interruption : public Failure {
+public:
+    using Failure::Failure;
+};
+
+/// Throws a Failure "<what>: <text of the status>" unless the status is good; an Interruption if
+/// the work was stopped.
 inline void require(const store::Status& status, const std::string& what) {
+    if (status.code == store::Stopped)
+        throw Interruption(what + ": прервано");
     if (!status.ok())
         throw Failure(what + ": " + status.text);
 }

@@ -22,6 +22,10 @@ void complain(std::string_view text) {
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
+bool outputTaken() {
+    return std::ferror(stdout) == 0;
+}
+
 bool finishOutput() {
     return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
 }

@@ -14,6 +14,8 @@ void out(std::string_view line);
 void complain(std::string_view text);
 /// Whether all output has been taken.
 bool finishOutput();
+/// Whether output is still taken: false once a stream took no more.
+bool outputTaken();
 /// The text with control characters replaced by blanks: one cell of a line for people and scripts.
 std::string cell(std::string_view text);
 

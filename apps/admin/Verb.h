@@ -3,7 +3,7 @@
 #ifndef ORVO_ADMIN_VERB_H
 #define ORVO_ADMIN_VERB_H
 
-#include "platform/store/Store.h"
+#include "platform/store/Maintenance.h"
 
 #include <QCommandLineParser>
 #include <QStringList>
@@ -16,9 +16,10 @@ namespace orvo::admin {
 
 /// Exit codes of the command.
 enum Exit : int {
-    Done = 0,        ///< done; for check: no errors (warnings are allowed)
-    ErrorsFound = 1, ///< check found errors
-    Broken = 2,      ///< wrong arguments, or the work failed: one line on standard error says why
+    Done = 0,          ///< done; for check: no errors (warnings are allowed)
+    ErrorsFound = 1,   ///< check found errors
+    Broken = 2,        ///< wrong arguments, or the work failed: one line on standard error says why
+    Interrupted = 130, ///< the user ended the work; it left nothing half-done
 };
 
 /// One call of a verb, with its arguments counted and its options known.
@@ -36,7 +37,7 @@ public:
 
     const std::string& storeUrl() const { return storeUrl_; }
     /// Opens the store; throws a Failure with the store's own line.
-    std::unique_ptr<store::Store> open() const;
+    std::unique_ptr<store::MaintainedStore> open() const;
 
 private:
     std::string storeUrl_;
@@ -58,9 +59,10 @@ struct Verb {
 };
 
 extern const Verb initVerb, demoVerb, checkVerb;
-extern const Verb userAddVerb, userListVerb, extAddVerb, extListVerb;
+extern const Verb userAddVerb, userLoginVerb, userListVerb, extAddVerb, extListVerb;
 extern const Verb lockVerb, unlockVerb;
 extern const Verb putFormVerb, putFileVerb, getFormVerb, getFileVerb, listFormsVerb, listFilesVerb;
+extern const Verb historyVerb, pruneVerb, exportVerb, importVerb, backupVerb, restoreVerb;
 
 /// All verbs in the order of the help.
 const std::vector<const Verb*>& verbs();

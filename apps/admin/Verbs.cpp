@@ -6,11 +6,14 @@ namespace orvo::admin {
 
 const std::vector<const Verb*>& verbs() {
     static const std::vector<const Verb*> all = {
-        &initVerb,      &demoVerb,      &checkVerb,                 //
-        &userAddVerb,   &userListVerb,  &extAddVerb,  &extListVerb, //
-        &lockVerb,      &unlockVerb,                                //
-        &putFormVerb,   &putFileVerb,   &getFormVerb, &getFileVerb, //
-        &listFormsVerb, &listFilesVerb,
+        &initVerb,      &demoVerb,      &checkVerb,                  //
+        &userAddVerb,   &userLoginVerb, &userListVerb,               //
+        &extAddVerb,    &extListVerb,                                //
+        &lockVerb,      &unlockVerb,                                 //
+        &putFormVerb,   &putFileVerb,   &getFormVerb,  &getFileVerb, //
+        &listFormsVerb, &listFilesVerb,                              //
+        &historyVerb,   &pruneVerb,                                  //
+        &backupVerb,    &restoreVerb,   &exportVerb,   &importVerb,
     };
     return all;
 }
@@ -32,9 +35,9 @@ std::string Invocation::value(const char* option) const {
     return parser_.value(QString::fromUtf8(option)).toStdString();
 }
 
-std::unique_ptr<store::Store> Invocation::open() const {
+std::unique_ptr<store::MaintainedStore> Invocation::open() const {
     store::Status status;
-    auto opened = store::open(storeUrl_, {adminLogin, false}, &status);
+    auto opened = store::openMaintained(storeUrl_, {adminLogin, false}, &status);
     if (!opened)
         throw Failure(status.text);
     return opened;

@@ -26,6 +26,9 @@ int main(int argc, char** argv) {
         if (!finishOutput())
             throw Failure("вывод не принят: диск полон или канал закрыт");
         return code;
+    } catch (const Interruption& interruption) {
+        complain(interruption.what());
+        return Interrupted;
     } catch (const Failure& failure) {
         complain(failure.what());
     } catch (const std::bad_alloc&) {

@@ -67,7 +67,7 @@ void TestAdminCommandLine::nonsenseIsRefusedInOneLine_data() {
     QTest::newRow("unknown verb") << QStringList{"explode"} << "неизвестное действие «explode»";
     QTest::newRow("empty verb") << QStringList{""} << "неизвестное действие «»";
     QTest::newRow("a verb with a line feed") << QStringList{"a\nb"} << "неизвестное действие «a b»";
-    QTest::newRow("half a verb") << QStringList{"user"} << "бывает: add, list";
+    QTest::newRow("half a verb") << QStringList{"user"} << "бывает: add, login, list";
     QTest::newRow("wrong second word") << QStringList{"put", "table"} << "бывает: form, file";
     QTest::newRow("unknown option")
         << QStringList{"--sotre", "x", "check"} << "неизвестный ключ «sotre»";

@@ -28,21 +28,12 @@ int64_t readScale(const Invocation& call) {
     return scale;
 }
 
-/// Base folders, users and extensions may be there already; anything else is somebody's work.
+/// Users and extensions may be there already; anything else is somebody's work.
 void requireUnused(store::Store& store) {
-    for (const char* name : {"Menu", "MenuFolder", "MenuResource"})
-        if (const int count = Table(store, name).count())
-            throw Failure("образцовая установка не записана: в хранилище уже есть данные (" +
-                          std::string(name) + ", записей: " + std::to_string(count) + ")");
-    const Table folders(store, "MenuResourceFolder");
-    for (int i = 0; i < folders.count(); ++i) {
-        const Row row = folders.at(i);
-        const int type = row.integer("type_");
-        const char* base = type == File ? iconFolder : topCaption(type);
-        if (!row.text("ParentKey").empty() || !base || !sameText(row.text("caption"), base))
-            throw Failure("образцовая установка не записана: в хранилище уже есть данные (папка «" +
-                          row.text("caption") + "»)");
-    }
+    const std::string work = findWork(store, false);
+    if (!work.empty())
+        throw Failure("образцовая установка не записана: в хранилище уже есть данные (" + work +
+                      ")");
 }
 
 int run(const Invocation& call) {

@@ -20,6 +20,24 @@ void makeBaseFolders(store::Store& store) {
     batch.send(store, "начальные папки не сделаны");
 }
 
+std::string findWork(store::Store& store, bool peopleToo) {
+    std::vector<const char*> names = {"Menu", "MenuFolder", "MenuResource"};
+    if (peopleToo)
+        names.insert(names.end(), {"Users", "MenuFileExt"});
+    for (const char* name : names)
+        if (const int count = Table(store, name).count())
+            return std::string(name) + ", записей: " + std::to_string(count);
+    const Table folders(store, "MenuResourceFolder");
+    for (int i = 0; i < folders.count(); ++i) {
+        const Row row = folders.at(i);
+        const int type = row.integer("type_");
+        const char* base = type == File ? iconFolder : topCaption(type);
+        if (!row.text("ParentKey").empty() || !base || !sameText(row.text("caption"), base))
+            return "папка «" + row.text("caption") + "»";
+    }
+    return {};
+}
+
 namespace {
 
 /// A plain path gets the folders above it; a URL names a place that is there already.

@@ -30,15 +30,15 @@ void addOptions(QCommandLineParser& parser) {
 
 /// The password is taken from standard input: on the command line every user of the machine could
 /// read it.
-std::string passwordFromInput() {
+std::string passwordFromInput(const std::string& what) {
     QFile input;
     if (!input.open(stdin, QIODevice::ReadOnly))
-        throw Failure("пользователь не добавлен: стандартный ввод закрыт");
+        throw Failure(what + ": стандартный ввод закрыт");
     QByteArray line = input.readLine(4096);
     if (line.endsWith('\n'))
         line.chop(1);
     if (line.isEmpty() || line.contains('\0'))
-        throw Failure("пользователь не добавлен: на стандартном вводе нет пароля");
+        throw Failure(what + ": на стандартном вводе нет пароля");
     return line.toStdString();
 }
 
@@ -52,7 +52,7 @@ int add(const Invocation& call) {
     requireStorable(user.firstName, "имя");
     requireStorable(user.midlName, "отчество");
     if (call.has("password-stdin"))
-        user.password = passwordFromInput();
+        user.password = passwordFromInput("пользователь не добавлен");
     const auto store = call.open();
     if (Table(*store, "Users").find([&](const Row& row) {
             return sameText(row.text("login_"), user.login);
@@ -60,6 +60,24 @@ int add(const Invocation& call) {
         throw Failure("пользователь не добавлен: «" + user.login + "» уже есть");
     require(store->userAdd(user), "пользователь не добавлен");
     out("пользователь добавлен: " + user.login);
+    return Done;
+}
+
+void loginOptions(QCommandLineParser& parser) {
+    parser.addOption({QStringLiteral("viewer"), QString::fromUtf8("Только читает.")});
+    parser.addOption({QStringLiteral("password-stdin"),
+                      QString::fromUtf8("Задать пароль входа: первая строка стандартного ввода.")});
+}
+
+int login(const Invocation& call) {
+    store::User user;
+    user.login = call.argument(0);
+    user.viewer = call.has("viewer");
+    if (call.has("password-stdin"))
+        user.password = passwordFromInput("вход не дан");
+    const auto store = call.open();
+    require(store->loginAdd(user), "вход не дан");
+    out("вход на сервер дан: " + user.login);
     return Done;
 }
 
@@ -91,6 +109,18 @@ const Verb userAddVerb = {
     1,
     addOptions,
     add,
+};
+
+const Verb userLoginVerb = {
+    "user login",
+    "ВХОД [--viewer] [--password-stdin]",
+    "Дать пользователю вход на сервер",
+    "Для пользователя, который есть в таблице, но не на сервере: после import в другое хранилище\n"
+    "PostgreSQL или restore на другой сервер. Права и пароль - как у user add.",
+    1,
+    1,
+    loginOptions,
+    login,
 };
 
 const Verb userListVerb = {

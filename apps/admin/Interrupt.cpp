@@ -1,0 +1,80 @@
+#include "apps/admin/Interrupt.h"
+
+#include "apps/admin/Failure.h"
+#include "apps/admin/Verb.h"
+
+#include <atomic>
+#include <csignal>
+#include <cstring>
+#include <string_view>
+#include <unistd.h>
+
+namespace orvo::admin {
+
+namespace {
+
+constexpr unsigned patienceSeconds = 3;
+
+// Everything that a handler touches is lock-free or never changes while the handler may run.
+std::atomic<bool> interrupted = false;
+char fileToRemove[4096] = "";
+std::atomic<bool> hasFile = false;
+
+void endAtOnce() {
+    if (hasFile)
+        ::unlink(fileToRemove);
+    static constexpr std::string_view line = "orvo-admin: прервано\n";
+    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, line.data(), line.size());
+    ::_exit(Interrupted);
+}
+
+void onSignal(int) {
+    if (interrupted.exchange(true))
+        endAtOnce();
+    ::alarm(patienceSeconds);
+}
+
+void onAlarm(int) {
+    endAtOnce();
+}
+
+void take(int signal, void (*handler)(int)) {
+    struct sigaction action {};
+    action.sa_handler = handler;
+    sigemptyset(&action.sa_mask);
+    // The work goes on where the signal met it; it looks at the flag by itself.
+    action.sa_flags = handler == SIG_DFL ? 0 : SA_RESTART;
+    sigaction(signal, &action, nullptr);
+}
+
+} // namespace
+
+Interruptible::Interruptible() {
+    interrupted = false;
+    take(SIGALRM, onAlarm);
+    take(SIGINT, onSignal);
+    take(SIGTERM, onSignal);
+}
+
+Interruptible::~Interruptible() {
+    ::alarm(0);
+    take(SIGINT, SIG_DFL);
+    take(SIGTERM, SIG_DFL);
+    take(SIGALRM, SIG_DFL);
+}
+
+bool Interruptible::requested() {
+    return interrupted;
+}
+
+void removeAtSuddenEnd(const std::string& path) {
+    hasFile = false;
+    if (path.empty())
+        return;
+    if (path.size() >= sizeof fileToRemove)
+        throw Failure("путь слишком длинный");
+    std::memcpy(fileToRemove, path.c_str(), path.size() + 1);
+    hasFile = true;
+}
+
+} // namespace orvo::admin

@@ -1,0 +1,68 @@
+#include "apps/admin/NewFile.h"
+
+#include "apps/admin/Failure.h"
+#include "apps/admin/Interrupt.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace orvo::admin {
+
+namespace {
+
+[[noreturn]] void refuse(const std::string& place, const char* why) {
+    throw Failure("файл «" + place + "» не записан: " + why);
+}
+
+int flushed(const std::string& path, int flags) {
+    const int file = ::open(path.c_str(), flags | O_CLOEXEC);
+    const int result = file < 0 ? -1 : ::fsync(file);
+    const int error = errno;
+    if (file >= 0)
+        ::close(file);
+    errno = error;
+    return result;
+}
+
+} // namespace
+
+NewFile::NewFile(std::string place) : m_place(std::move(place)) {
+    struct stat info {};
+    if (m_place.empty())
+        refuse(m_place, "имя пустое");
+    if (::stat(m_place.c_str(), &info) == 0 && !S_ISREG(info.st_mode))
+        refuse(m_place, S_ISDIR(info.st_mode) ? "это каталог" : "это не обычный файл");
+    std::string name = m_place + ".new-XXXXXX";
+    const int file = ::mkostemp(name.data(), O_CLOEXEC); // mode 0600
+    if (file < 0)
+        refuse(m_place, std::strerror(errno));
+    ::close(file);
+    m_path = name;
+    removeAtSuddenEnd(m_path);
+}
+
+NewFile::~NewFile() {
+    if (m_path.empty())
+        return;
+    for (const char* suffix : {"", "-journal", "-wal", "-shm"})
+        ::unlink((m_path + suffix).c_str());
+    removeAtSuddenEnd({});
+}
+
+void NewFile::put() {
+    if (flushed(m_path, O_RDONLY) != 0 || std::rename(m_path.c_str(), m_place.c_str()) != 0)
+        refuse(m_place, std::strerror(errno));
+    m_path.clear();
+    removeAtSuddenEnd({});
+    const size_t slash = m_place.rfind('/');
+    // The name too; where a file system cannot do that, the file is there all the same.
+    flushed(slash == std::string::npos ? "." : m_place.substr(0, slash + 1),
+            O_RDONLY | O_DIRECTORY);
+}
+
+} // namespace orvo::admin

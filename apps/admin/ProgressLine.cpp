@@ -1,0 +1,52 @@
+#include "apps/admin/ProgressLine.h"
+
+#include "apps/admin/Interrupt.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <unistd.h>
+
+namespace orvo::admin {
+
+void progressOption(QCommandLineParser& parser) {
+    parser.addOption(
+        {QStringLiteral("progress"),
+         QString::fromUtf8("Показывать ход работы, даже если поток ошибок не терминал.")});
+}
+
+ProgressLine::ProgressLine(const Invocation& call, std::string what)
+    : m_what(std::move(what))
+    , m_terminal(::isatty(STDERR_FILENO) == 1)
+    , m_shown(m_terminal || call.has("progress"))
+    , m_next(std::chrono::steady_clock::now()) {}
+
+ProgressLine::~ProgressLine() {
+    if (m_terminal && m_width > 0)
+        write(std::string());
+}
+
+bool ProgressLine::operator()(uint64_t done, uint64_t all) {
+    if (Interruptible::requested())
+        return false;
+    const auto now = std::chrono::steady_clock::now();
+    if (!m_shown || now < m_next)
+        return true;
+    m_next = now + std::chrono::milliseconds(m_terminal ? 200 : 1000);
+    write(m_what + ": " +
+          (all > 0 ? std::to_string(std::min(done, all) * 100 / all) + " %"
+                   : std::to_string(done >> 20) + " МБ"));
+    return true;
+}
+
+void ProgressLine::write(const std::string& text) {
+    if (!m_terminal) {
+        std::fprintf(stderr, "%s\n", text.c_str());
+        return;
+    }
+    const std::string blanks(m_width > text.size() ? m_width - text.size() : 0, ' ');
+    std::fprintf(stderr, "\r%s%s%s", text.c_str(), blanks.c_str(), text.empty() ? "\r" : "");
+    std::fflush(stderr);
+    m_width = text.size();
+}
+
+} // namespace orvo::admin

@@ -1,0 +1,41 @@
+// ProgressLine.h: how far long work has come, on standard error: one line that is written over on a
+// terminal, or, where --progress asks for it, a line now and then.
+#ifndef ORVO_ADMIN_PROGRESSLINE_H
+#define ORVO_ADMIN_PROGRESSLINE_H
+
+#include "apps/admin/Verb.h"
+#include "platform/store/Maintenance.h"
+
+#include <chrono>
+#include <string>
+
+namespace orvo::admin {
+
+/// Declares --progress.
+void progressOption(QCommandLineParser& parser);
+
+class ProgressLine {
+public:
+    /// `what` begins the line. Shows nothing if there is no terminal and --progress is not given.
+    ProgressLine(const Invocation& call, std::string what);
+    /// Clears what stands on the terminal.
+    ~ProgressLine();
+    ProgressLine(const ProgressLine&) = delete;
+    ProgressLine& operator=(const ProgressLine&) = delete;
+
+    /// Shows it, not too often: a percentage, or megabytes if `all` is 0. False if the user has
+    /// ended the work. As a store takes it.
+    bool operator()(uint64_t done, uint64_t all);
+
+private:
+    void write(const std::string& text);
+
+    const std::string m_what;
+    const bool m_terminal, m_shown;
+    std::chrono::steady_clock::time_point m_next;
+    size_t m_width = 0; ///< of what stands on the terminal
+};
+
+} // namespace orvo::admin
+
+#endif

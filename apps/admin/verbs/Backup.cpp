@@ -1,0 +1,86 @@
+#include "apps/admin/Failure.h"
+#include "apps/admin/Interrupt.h"
+#include "apps/admin/NewFile.h"
+#include "apps/admin/Output.h"
+#include "apps/admin/ProgressLine.h"
+#include "apps/admin/Records.h"
+#include "apps/admin/Verb.h"
+#include "apps/admin/verbs/BaseFolders.h"
+
+#include <QFileInfo>
+
+namespace orvo::admin {
+
+namespace {
+
+int backup(const Invocation& call) {
+    const auto store = call.open();
+    const Interruptible stoppable;
+    NewFile file(call.argument(0));
+    {
+        ProgressLine progress(call, "резервная копия");
+        require(store->backup(file.path(), std::ref(progress)), "резервная копия не сделана");
+    }
+    file.put();
+    out("резервная копия сделана: " + call.argument(0) +
+        ", байт: " + std::to_string(QFileInfo(QString::fromStdString(call.argument(0))).size()));
+    return Done;
+}
+
+void restoreOptions(QCommandLineParser& parser) {
+    progressOption(parser);
+    parser.addOption({QStringLiteral("replace"),
+                      QString::fromUtf8("Хранилище не пустое: всё, что в нём есть, пропадёт.")});
+}
+
+int restore(const Invocation& call) {
+    const QFileInfo file(QString::fromStdString(call.argument(0)));
+    if (!file.isFile() || !file.isReadable())
+        throw Failure("хранилище не восстановлено: файла «" + call.argument(0) +
+                      "» нет, или он не читается");
+    const auto store = call.open();
+    if (!call.has("replace"))
+        if (const std::string work = findWork(*store, true); !work.empty())
+            throw Failure("хранилище не восстановлено: оно не пустое (" + work +
+                          "); заменить его - ключ --replace");
+    const Interruptible stoppable;
+    {
+        ProgressLine progress(call, "восстановление");
+        require(store->restore(file.absoluteFilePath().toStdString(), std::ref(progress)),
+                "хранилище не восстановлено");
+    }
+    out("хранилище восстановлено: " + store->displayName());
+    return Done;
+}
+
+} // namespace
+
+const Verb backupVerb = {
+    "backup",
+    "[--progress] ФАЙЛ",
+    "Сделать резервную копию хранилища",
+    "Копия снимает один момент, в который остальные продолжают работать, и содержит всё, с "
+    "журналом\n"
+    "изменений. Файл появляется целиком или никак; прежний файл с этим именем заменяется. Копия\n"
+    "хранилища SQLite сама хранилище; копию хранилища PostgreSQL делает pg_dump, и читает её\n"
+    "pg_restore.",
+    1,
+    1,
+    progressOption,
+    backup,
+};
+
+const Verb restoreVerb = {
+    "restore",
+    "[--replace] [--progress] ФАЙЛ",
+    "Восстановить хранилище из резервной копии",
+    "Хранилище должно быть (init) и быть того же вида, что и копия. Одной транзакцией: удаётся "
+    "всё\n"
+    "или ничего не меняется. Открытые клиенты замечают замену и открывают свои модули заново.",
+    1,
+    1,
+    restoreOptions,
+    restore,
+};
+
+} // namespace orvo::admin

@@ -1,0 +1,312 @@
+// Backups, the way back, and what an interruption leaves: nothing.
+#include "AdminTest.h"
+
+#include <csignal>
+
+class TestAdminBackup : public AdminTest {
+    Q_OBJECT
+public:
+    using AdminTest::AdminTest;
+
+private slots:
+    void aBackupBringsEverythingBack();
+    void aBackupIsOneMomentWhileOthersWrite();
+    void aStoreInUseNeedsReplace();
+    void readersNoticeARestore();
+    void changesGoOnAfterARestore();
+    void aBackupFileIsComplete();
+    void whatIsNoBackupChangesNothing();
+    void aDamagedBackupChangesNothing();
+    void aNewerBackupIsRefused();
+    void anInterruptedBackupLeavesNoFile();
+    void anInterruptedExportLeavesNoFile();
+    void anInterruptedRestoreChangesNothing();
+    void anInterruptedImportChangesNothing();
+    void aKilledImportChangesNothing();
+
+private:
+    QString file() const { return m_admin->path("copy"); }
+    /// A process of the command, started on the store.
+    std::unique_ptr<QProcess> start(const QStringList& arguments) const {
+        auto process = std::make_unique<QProcess>();
+        process->start(qEnvironmentVariable("ORVO_BIN_DIR") + "/orvo-admin",
+                       onStore(m_kind, arguments));
+        return process->waitForStarted() ? std::move(process) : nullptr;
+    }
+    /// Ends it as Ctrl-C does; whether it ended as it should.
+    static bool interrupt(QProcess& process, QByteArray* words) {
+        ::kill(static_cast<pid_t>(process.processId()), SIGINT);
+        const bool ended = process.waitForFinished(20000);
+        *words = process.readAllStandardError();
+        return ended && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 130 &&
+               words->count('\n') == 1 && words->contains("прервано");
+    }
+    /// A session of PostgreSQL that holds a lock until it is killed.
+    std::unique_ptr<QProcess> lock(const QByteArray& table) const {
+        auto shell = std::make_unique<QProcess>();
+        shell->start("psql", {"-X", "-q", "-d", QString::fromStdString(m_kind.url()), "-f", "-"});
+        shell->write("BEGIN; LOCK TABLE \"" + table +
+                     "\" IN ACCESS EXCLUSIVE MODE; \\echo locked\n");
+        return shell->waitForReadyRead(20000) ? std::move(shell) : nullptr;
+    }
+    static void end(QProcess& process) {
+        process.kill();
+        process.waitForFinished();
+    }
+};
+
+void TestAdminBackup::aBackupBringsEverythingBack() {
+    ORVO_DONE(run({"demo"}));
+    const QByteArray before = content();
+    const QStringList log = run({"history", "--json"}).lines();
+    ORVO_DONE(run({"backup", file()}));
+    ORVO_DONE(run({"user", "add", "later_b"}));
+    ORVO_DONE(run({"restore", "--replace", file()}));
+    QCOMPARE(content(), before);
+    QCOMPARE(run({"history", "--json"}).lines(), log);
+    QCOMPARE(run({"check"}).code, 0);
+
+    // Into a fresh store of the kind too, as after a loss.
+    QVERIFY(QFile::copy(file(), m_admin->path("kept")));
+    QVERIFY(m_kind.renew());
+    ORVO_DONE(run({"init"}));
+    ORVO_DONE(run({"restore", m_admin->path("kept")}));
+    QCOMPARE(content(), before);
+    QCOMPARE(run({"history", "--json"}).lines(), log);
+    ORVO_DONE(run({"user", "add", "after_b"}));
+    QCOMPARE(run({"check"}).code, 0);
+}
+
+void TestAdminBackup::aBackupIsOneMomentWhileOthersWrite() {
+    ORVO_DONE(run({"demo", "--scale", "2000"}));
+    // Two tables that are always changed together.
+    const auto process = start({"backup", file()});
+    QVERIFY(process);
+    int written = 0;
+    while (process->state() != QProcess::NotRunning || written == 0) {
+        const QByteArray mark = QByteArray::number(++written);
+        QVERIFY(m_kind.byHand("BEGIN; UPDATE \"MenuFolder\" SET \"caption\" = '" + mark +
+                              "'; UPDATE \"Users\" SET \"lastName\" = '" + mark + "'; COMMIT;"));
+        process->waitForFinished(0);
+    }
+    QCOMPARE(process->exitCode(), 0);
+    ORVO_DONE(run({"restore", "--replace", file()}));
+    QByteArray captions, names;
+    const auto ask = [&](const char* sql, QByteArray* into) {
+        QVERIFY(m_kind.byHand(sql, into));
+        *into = into->trimmed();
+    };
+    ask("SELECT min(\"caption\") FROM \"MenuFolder\";", &captions);
+    ask("SELECT min(\"lastName\") FROM \"Users\";", &names);
+    // As the demonstration left both, or both of one transaction.
+    QVERIFY(!captions.isEmpty() && !names.isEmpty());
+    bool number = false;
+    captions.toInt(&number);
+    if (number)
+        QCOMPARE(names, captions);
+}
+
+void TestAdminBackup::aStoreInUseNeedsReplace() {
+    ORVO_DONE(run({"backup", file()}));
+    ORVO_DONE(run({"restore", file()})); // nothing but the starting folders
+    ORVO_DONE(run({"ext", "add", ".ui"}));
+    const QByteArray before = content();
+    ORVO_REFUSED(run({"restore", file()}), "не пустое");
+    QCOMPARE(content(), before);
+}
+
+void TestAdminBackup::readersNoticeARestore() {
+    ORVO_DONE(run({"backup", file()}));
+    ORVO_DONE(run({"ext", "add", ".ui"}));
+    const auto reader = open();
+    int64_t position = 0;
+    QVERIFY(reader->logPosition(&position).ok());
+    ORVO_DONE(run({"restore", "--replace", file()}));
+    QVERIFY(reader->changed());
+    // Wherever a reader stood, in this life of the store or before.
+    std::vector<orvo::store::Change> changes;
+    for (int64_t cursor = 0; cursor <= position; ++cursor)
+        QCOMPARE(reader->readLog(cursor, 10, &changes).code, int(orvo::store::LogPruned));
+    QVERIFY(reader->logPosition(&position).ok());
+    ORVO_DONE(run({"ext", "add", ".txt"}));
+    QVERIFY(reader->readLog(position, 10, &changes).ok());
+    QCOMPARE(changes.size(), size_t(1));
+    QVERIFY(changes[0].id > position);
+}
+
+void TestAdminBackup::changesGoOnAfterARestore() {
+    const auto writer = open();
+    ORVO_DONE(run({"backup", file()}));
+    ORVO_DONE(run({"restore", file()}));
+    // A client that had the store open all the time.
+    orvo::store::User user{"after_b", "А", "Б", "В"};
+    const orvo::store::Status status = writer->userAdd(user);
+    QVERIFY2(status.ok(), status.text.c_str());
+    QCOMPARE(run({"user", "list"}).out, QString("after_b\tА Б В\tчеловек\n"));
+    if (isPostgres())
+        QVERIFY(m_kind.byHand("DROP ROLE IF EXISTS after_b, later_b;"));
+}
+
+void TestAdminBackup::aBackupFileIsComplete() {
+    ORVO_DONE(run({"demo"}));
+    m_admin->write("copy", "old");
+    ORVO_DONE(run({"backup", file()}));
+    QCOMPARE(QDir(m_admin->path()).entryList(QDir::Files), QStringList{"copy"});
+    QCOMPARE(QFileInfo(file()).permissions() & (QFile::ReadGroup | QFile::ReadOther),
+             QFile::Permissions());
+    if (isPostgres())
+        return;
+    // It can be used as it is.
+    const QByteArray before = content();
+    const AdminResult direct = m_admin->plain({"--store", file(), "export", "-"});
+    QCOMPARE(direct.code, 0);
+    QCOMPARE(direct.out.toUtf8(), before);
+}
+
+void TestAdminBackup::whatIsNoBackupChangesNothing() {
+    ORVO_DONE(run({"ext", "add", ".ui"}));
+    const QByteArray before = content();
+    ORVO_DONE(run({"backup", m_admin->path("own")}));
+    ORVO_REFUSED(run({"restore", "--replace", m_admin->path("none")}), "нет, или он не читается");
+    ORVO_REFUSED(run({"restore", "--replace", m_admin->path()}), "нет, или он не читается");
+    for (const char* bytes : {"", "text", "PGDMP", "SQLite format 3"})
+        ORVO_REFUSED(run({"restore", "--replace", m_admin->write("bad", bytes)}),
+                     "Резервная копия");
+    // A backup of the other kind of store.
+    if (m_other.name() != m_kind.name()) {
+        QVERIFY(m_other.renew());
+        ORVO_DONE(runOn(m_other, {"backup", file()}));
+        ORVO_REFUSED(run({"restore", "--replace", file()}), "Резервная копия");
+    }
+    if (!isPostgres()) {
+        const QString self = QString::fromStdString(m_kind.url()).mid(9);
+        ORVO_REFUSED(run({"restore", "--replace", self}), "сам файл хранилища");
+        ORVO_REFUSED(run({"backup", m_admin->path()}), "это каталог");
+    }
+    QCOMPARE(content(), before);
+}
+
+void TestAdminBackup::aDamagedBackupChangesNothing() {
+    ORVO_DONE(run({"demo"}));
+    const QByteArray before = content();
+    ORVO_DONE(run({"backup", file()}));
+    const QByteArray good = AdminRun::read(file());
+    for (int part = 1; part < 8; ++part) {
+        m_admin->write("cut", good.left(good.size() * part / 8));
+        const AdminResult result = run({"restore", "--replace", m_admin->path("cut")});
+        QVERIFY2(result.code == 2, qPrintable(QString::number(part) + result.out));
+        QVERIFY2(result.err.count('\n') == 1, qPrintable(result.err));
+    }
+    QCOMPARE(content(), before);
+}
+
+void TestAdminBackup::aNewerBackupIsRefused() {
+    ORVO_DONE(run({"backup", m_admin->path("own")}));
+    QVERIFY(m_kind.byHand(isPostgres() ? "UPDATE \"NciStore\" SET \"version\" = 99;"
+                                       : "PRAGMA user_version = 99;"));
+    // The command opens no such store, so its backup is made by other means.
+    if (isPostgres()) {
+        QProcess dump;
+        dump.start("pg_dump", {"-Fc", "-f", file(), "-d", QString::fromStdString(m_kind.url())});
+        QVERIFY(dump.waitForFinished());
+        QCOMPARE(dump.exitCode(), 0);
+    } else {
+        QVERIFY(m_kind.byHand("VACUUM INTO '" + file().toUtf8() + "';"));
+    }
+    QVERIFY(m_kind.renew());
+    ORVO_REFUSED(run({"restore", file()}), "более новой версией программы (версия 99, известна ");
+    QCOMPARE(run({"check"}).code, 1); // as renewed: no folders
+}
+
+void TestAdminBackup::anInterruptedBackupLeavesNoFile() {
+    std::unique_ptr<QProcess> lock;
+    if (isPostgres())
+        QVERIFY((lock = this->lock("MenuResourceFileData")));
+    else // something that takes its time
+        QVERIFY(
+            m_kind.byHand("INSERT INTO \"MenuResourceFile\" VALUES ('k', 'x', 'f', 0, 500000000, "
+                          "zeroblob(500000000));"));
+    QByteArray words;
+    const auto process = start({"backup", file()});
+    QVERIFY(process);
+    QTRY_VERIFY(!QDir(m_admin->path()).entryList({"copy.new-*"}, QDir::Files).isEmpty());
+    QVERIFY2(interrupt(*process, &words), words);
+    QVERIFY(QDir(m_admin->path()).entryList(QDir::Files).isEmpty());
+    if (lock)
+        end(*lock);
+}
+
+void TestAdminBackup::anInterruptedExportLeavesNoFile() {
+    QVERIFY(m_kind.byHand(
+        isPostgres() ? "INSERT INTO \"MenuFileExt\" SELECT i, repeat('x', 1000) FROM "
+                       "generate_series(1, 300000) i;"
+                     : "INSERT INTO \"MenuFileExt\" WITH RECURSIVE n(i) AS (SELECT 1 UNION "
+                       "ALL SELECT i + 1 FROM n WHERE i < 300000) SELECT i, "
+                       "printf('%01000d', i) FROM n;"));
+    QByteArray words;
+    const auto process = start({"export", file()});
+    QVERIFY(process);
+    const auto size = [&] {
+        const auto found = QDir(m_admin->path()).entryInfoList({"copy.new-*"}, QDir::Files);
+        return found.isEmpty() ? 0 : found[0].size();
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(size() > 0, 60000);
+    QVERIFY2(interrupt(*process, &words), words);
+    QVERIFY(QDir(m_admin->path()).entryList(QDir::Files).isEmpty());
+}
+
+void TestAdminBackup::anInterruptedRestoreChangesNothing() {
+    if (!isPostgres())
+        QVERIFY(
+            m_kind.byHand("INSERT INTO \"MenuResourceFile\" VALUES ('k', 'x', 'f', 0, 500000000, "
+                          "zeroblob(500000000));"));
+    ORVO_DONE(run({"backup", file()}));
+    if (!isPostgres())
+        QVERIFY(m_kind.byHand("DELETE FROM \"MenuResourceFile\";"));
+    ORVO_DONE(run({"ext", "add", ".ui"}));
+    const QByteArray before = content();
+    std::unique_ptr<QProcess> lock;
+    if (isPostgres())
+        QVERIFY((lock = this->lock("MenuResourceFileData")));
+    const auto process = start({"restore", "--replace", file()});
+    QVERIFY(process);
+    QTest::qWait(isPostgres() ? 2000 : 300);
+    QByteArray words;
+    QVERIFY2(interrupt(*process, &words), words);
+    if (lock)
+        end(*lock);
+    QCOMPARE(content(), before);
+    QCOMPARE(run({"history", "--limit", "1"}).lines().value(1), QString("    fileExt: «.ui»"));
+}
+
+void TestAdminBackup::anInterruptedImportChangesNothing() {
+    ORVO_DONE(run({"demo"}));
+    const QByteArray before = content();
+    const auto process = start({"import", "--replace", "-"});
+    QVERIFY(process);
+    // In the middle of the records, and nothing more comes: the end is not waited for.
+    process->write(before.left(before.size() / 3));
+    QVERIFY(process->waitForBytesWritten());
+    QTest::qWait(500);
+    QByteArray words;
+    QVERIFY2(interrupt(*process, &words), words);
+    QTRY_COMPARE(content(), before);
+    ORVO_DONE(run({"ext", "add", ".later"}));
+}
+
+void TestAdminBackup::aKilledImportChangesNothing() {
+    ORVO_DONE(run({"demo"}));
+    const QByteArray before = content();
+    const auto process = start({"import", "--replace", "-"});
+    QVERIFY(process);
+    process->write(before.left(before.size() - 100));
+    QVERIFY(process->waitForBytesWritten());
+    QTest::qWait(500);
+    end(*process);
+    QTRY_COMPARE(content(), before);
+}
+
+int main(int argc, char** argv) {
+    return runOnAllKinds<TestAdminBackup>(argc, argv);
+}
+#include "tst_admin_backup.moc"

@@ -1,0 +1,126 @@
+// Every verb on every kind of store.
+#include "AdminTest.h"
+
+class TestAdminStores : public AdminTest {
+    Q_OBJECT
+public:
+    using AdminTest::AdminTest;
+
+private slots:
+    void initAgainChangesNothing();
+    void theDemonstrationIsSoundAndTheSameInEveryStore();
+    void usersAreAddedOnceAndListed();
+    void extensionsAreAddedOnceAndListed();
+    void aFormIsLockedShownAndUnlocked();
+    void formsComeBackAsTheyWere();
+    void filesComeBackAsTheyWere();
+    void checkFindsACircleOfParents();
+    void aLoginIsGivenToAUserOfTheTable();
+    void aStoreThatCannotBeReachedIsOneLine();
+};
+
+void TestAdminStores::initAgainChangesNothing() {
+    const QByteArray before = content();
+    const AdminResult again = run({"init"});
+    QCOMPARE(again.code, 0);
+    QVERIFY(again.out.startsWith("хранилище уже есть: "));
+    QCOMPARE(content(), before);
+}
+
+void TestAdminStores::theDemonstrationIsSoundAndTheSameInEveryStore() {
+    ORVO_DONE(run({"demo"}));
+    const AdminResult check = run({"check"});
+    QCOMPARE(check.code, 0);
+    QVERIFY2(check.out.endsWith("ошибок: 0, замечаний: 1\n"), qPrintable(check.out));
+    ORVO_REFUSED(run({"demo"}), "уже есть данные");
+    QVERIFY(m_other.renew());
+    ORVO_DONE(runOn(m_other, {"init"}));
+    ORVO_DONE(runOn(m_other, {"demo"}));
+    QCOMPARE(runOn(m_other, {"list", "forms"}).out, run({"list", "forms"}).out);
+    QCOMPARE(runOn(m_other, {"list", "files"}).out, run({"list", "files"}).out);
+    QVERIFY(run({"list", "files"}).lines().size() > 10);
+}
+
+void TestAdminStores::usersAreAddedOnceAndListed() {
+    ORVO_DONE(run({"user", "add", "petrov_t", "--last", "Петров", "--first", "Пётр"}));
+    ORVO_REFUSED(run({"user", "add", "PETROV_T"}), "уже есть");
+    QCOMPARE(run({"user", "list"}).out, QString("petrov_t\tПетров Пётр\tчеловек\n"));
+}
+
+void TestAdminStores::extensionsAreAddedOnceAndListed() {
+    ORVO_DONE(run({"ext", "add", ".ui"}));
+    ORVO_REFUSED(run({"ext", "add", ".UI"}), "уже есть");
+    QCOMPARE(run({"ext", "list"}).out, QString(".ui\n"));
+}
+
+void TestAdminStores::aFormIsLockedShownAndUnlocked() {
+    ORVO_DONE(run({"put", "form", m_admin->write("src/схема.ui", "text")}));
+    ORVO_DONE(run({"user", "add", "anna_t"}));
+    ORVO_DONE(run({"lock", "СХЕМА.ui", "--login", "anna_t"}));
+    QCOMPARE(run({"list", "forms"}).out, QString("схема.ui\tсхема.ui\tanna_t\n"));
+    ORVO_DONE(run({"unlock", "схема.ui"}));
+    QCOMPARE(run({"list", "forms"}).out, QString("схема.ui\tсхема.ui\t\n"));
+}
+
+void TestAdminStores::formsComeBackAsTheyWere() {
+    QByteArray bytes(1 << 20, '\0');
+    for (int i = 0; i < bytes.size(); ++i)
+        bytes[i] = static_cast<char>(i * 7 + i / 251);
+    ORVO_DONE(run({"put", "form", "--make-folders", "--path", "Станции/КС-4",
+                   m_admin->write("src/a.ui", bytes), m_admin->write("src/a.ui.txt", "")}));
+    QDir().mkpath(m_admin->path("out"));
+    ORVO_DONE(run({"get", "form", "a.ui", m_admin->path("out")}));
+    QCOMPARE(AdminRun::read(m_admin->path("out/a.ui")), bytes);
+    QVERIFY(QFile::exists(m_admin->path("out/a.ui.txt")));
+    QCOMPARE(QFileInfo(m_admin->path("out/a.ui.txt")).size(), 0);
+}
+
+void TestAdminStores::filesComeBackAsTheyWere() {
+    ORVO_DONE(run({"put", "file", "--path", "icons", m_admin->write("src/значок.png", "png")}));
+    ORVO_DONE(run({"put", "file", "--path", "icons", m_admin->write("src/значок.png", "newer")}));
+    QDir().mkpath(m_admin->path("out"));
+    ORVO_DONE(run({"get", "file", "--path", "icons", "значок.png", m_admin->path("out")}));
+    QCOMPARE(AdminRun::read(m_admin->path("out/значок.png")), QByteArray("newer"));
+    ORVO_REFUSED(run({"put", "file", "--path", "нет", m_admin->write("src/x", "x")}), "нет");
+}
+
+void TestAdminStores::checkFindsACircleOfParents() {
+    QVERIFY(m_kind.byHand("INSERT INTO \"MenuResourceFolder\" VALUES ('a', 'b', 1, 'А'), "
+                          "('b', 'a', 1, 'Б');"));
+    const AdminResult check = run({"check"});
+    QCOMPARE(check.code, 1);
+    QVERIFY2(check.out.contains("круг"), qPrintable(check.out));
+}
+
+void TestAdminStores::aLoginIsGivenToAUserOfTheTable() {
+    QVERIFY(
+        m_kind.byHand("INSERT INTO \"Users\" (\"KeyLink\", \"login_\") VALUES ('k', 'Clara_t');"));
+    if (!isPostgres()) {
+        ORVO_REFUSED(run({"user", "login", "Clara_t"}), "нет входов");
+        return;
+    }
+    ORVO_REFUSED(run({"user", "login", "nobody_t"}), "нет");
+    QVERIFY(m_kind.byHand("DROP ROLE IF EXISTS \"Clara_t\";"));
+    ORVO_DONE(run({"user", "login", "clara_t"}));
+    QByteArray found;
+    QVERIFY(m_kind.byHand("SELECT pg_has_role('Clara_t', 'orvo_engineer', 'MEMBER');", &found));
+    QCOMPARE(found, QByteArray("t"));
+    // A second time changes nothing; a password of a login that is there is not touched.
+    ORVO_DONE(run({"user", "login", "clara_t"}));
+    QVERIFY(m_kind.byHand("DROP ROLE \"Clara_t\";"));
+}
+
+void TestAdminStores::aStoreThatCannotBeReachedIsOneLine() {
+    const QString url = isPostgres() ? "postgresql://nobody@/none?host=" + m_admin->path()
+                                     : "sqlite://" + m_admin->path("none.db");
+    for (const QStringList& verb :
+         {QStringList{"check"}, QStringList{"history"}, QStringList{"export", "-"},
+          QStringList{"prune", "--older-than", "1d"}, QStringList{"backup", m_admin->path("copy")}})
+        ORVO_REFUSED(m_admin->plain(QStringList{"--store", url} + verb), "");
+    QVERIFY(!QFile::exists(m_admin->path("copy")));
+}
+
+int main(int argc, char** argv) {
+    return runOnAllKinds<TestAdminStores>(argc, argv);
+}
+#include "tst_admin_stores.moc"
