@@ -27,6 +27,7 @@ NotificationPump::NotificationPump(COrvoCliSes& session, ModuleRegistry& modules
     , m_modules(modules)
     , m_cursor(sessionCursor(session)) {
     m_step.setSingleShot(true);
+    m_step.setTimerType(Qt::PreciseTimer);
     connect(&m_step, &QTimer::timeout, this, &NotificationPump::step);
     connect(&m_poll, &QTimer::timeout, this, &NotificationPump::poll);
     m_relook.setSingleShot(true);
@@ -69,7 +70,14 @@ void NotificationPump::request() {
         return;
     m_unread = true;
     if (m_backOffMs == 0 && !m_step.isActive())
-        m_step.start(0);
+        m_step.start(untilNextFrame());
+}
+
+/// However fast the changes come, the window is painted once a frame for all that came meanwhile.
+int NotificationPump::untilNextFrame() const {
+    return m_sliceBegin.isValid()
+               ? static_cast<int>(std::clamp<qint64>(frameMs - m_sliceBegin.elapsed(), 0, frameMs))
+               : 0;
 }
 
 /// Follows the store's descriptor, which a new connection may have changed.
@@ -115,7 +123,7 @@ void NotificationPump::step() {
         return;
     deliverSlice();
     if (!m_stopped && !isIdle() && !m_step.isActive())
-        m_step.start(0);
+        m_step.start(untilNextFrame());
 }
 
 /// Reads the next rows of the log. False if there was no answer.
@@ -149,8 +157,7 @@ bool NotificationPump::readMore() {
 
 void NotificationPump::deliverSlice() {
     m_delivering = true;
-    QElapsedTimer slice;
-    slice.start();
+    m_sliceBegin.start();
     while (!m_backlog.empty()) {
         const size_t count = std::min(m_backlog.size(), static_cast<size_t>(m_chunk));
         std::vector<store::Change> chunk(
@@ -172,7 +179,7 @@ void NotificationPump::deliverSlice() {
         const qint64 each = std::max<qint64>(1, cost.nsecsElapsed() / static_cast<qint64>(count));
         m_chunk =
             static_cast<int>(std::clamp<qint64>(sliceBudgetMs * 250'000LL / each, 1, largestChunk));
-        if (m_stopped || slice.elapsed() >= sliceBudgetMs)
+        if (m_stopped || m_sliceBegin.elapsed() >= sliceBudgetMs)
             break;
     }
     m_delivering = false;

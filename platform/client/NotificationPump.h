@@ -3,7 +3,8 @@
 // The change log is read past the session's cursor and handed to the modules in commit order, from
 // the bare event loop only: never while a slot runs a loop of its own, a modal dialog, a pop-up
 // menu or a drag is up, or a call of the session is running. Until then the changes stay in the
-// log. Delivery goes in slices of about sliceBudgetMs, between which the window answers.
+// log. Delivery goes in slices of about sliceBudgetMs, one a frame, between which the window
+// answers and paints.
 #ifndef ORVO_PLATFORM_CLIENT_NOTIFICATIONPUMP_H
 #define ORVO_PLATFORM_CLIENT_NOTIFICATIONPUMP_H
 
@@ -23,7 +24,8 @@ namespace orvo::client {
 class ORVOCLIENT_EXPORT NotificationPump : public QObject {
     Q_OBJECT
 public:
-    static constexpr int sliceBudgetMs = 8;
+    static constexpr int frameMs = 16;
+    static constexpr int sliceBudgetMs = 10;
 
     /// Session and registry outlive the pump. Nothing happens before start.
     NotificationPump(COrvoCliSes& session, ModuleRegistry& modules, QObject* parent = nullptr);
@@ -51,6 +53,7 @@ signals:
 
 private:
     void request();
+    int untilNextFrame() const;
     void watch();
     void poll();
     void relook();
@@ -66,6 +69,7 @@ private:
     QTimer m_poll;
     QTimer m_step;
     QTimer m_relook;
+    QElapsedTimer m_sliceBegin; ///< of the last one
     std::deque<store::Change> m_backlog;
     int64_t m_cursor;
     int m_chunk = 1;       ///< changes handed over at once, by what they cost so far
