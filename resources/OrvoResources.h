@@ -60,12 +60,12 @@ public:
     /// Merges a notification into its table and then into the tree. Always true.
     bool MessageData(MDXCliParam* prm) override;
 
-    const CMDArray* resourceTable() const override { return &m_tabResource; }
-    const CMDArray* resourceFolderTable() const override { return &m_tabResFolder; }
     /// The records that this editor holds of `MenuResource` or `MenuResourceFolder`, as
     /// orvo::tableText shows them. A null string for any other table.
     Q_INVOKABLE QString tableText(const QString& table) const;
 
+    const CMDArray* resourceTable() const override { return &m_tabResource; }
+    const CMDArray* resourceFolderTable() const override { return &m_tabResFolder; }
 
 protected:
     /// What is being edited. There is one edit at a time.
@@ -302,6 +302,9 @@ private:
     void sendToFolder(const QStringList& keys, const QString& folder, LinkWriter writeLink);
 
     // Notifications
+    orvo::QuietViews* m_quiet = nullptr; ///< while MessageOn takes them; not owned
+    /// Scrolls to a row, of several in one MessageOn to the last.
+    void showRow(const QModelIndex& row);
     void folderUpdated(const orvo::Notification& change);
     void folderInserted(const orvo::Notification& change);
     void resourceUpdated(const orvo::Notification& change);
@@ -311,6 +314,3 @@ private:
 };
 
 #endif
-    orvo::QuietViews* m_quiet = nullptr; ///< while MessageOn takes them; not owned
-    /// Scrolls to a row, of several in one MessageOn to the last.
-    void showRow(const QModelIndex& row);
