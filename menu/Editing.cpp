@@ -215,6 +215,8 @@ void OrvoMenu::cancelDesckName() {
     if (!record)
         return;
     m_ui->tvDesck->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    // First: an editor still open would have the last word when the current row changes.
+    closeDesckEditor(row);
     m_desckModel->setData(row, orvo::textOf(record, "caption"), Qt::DisplayRole);
     m_editDesckIndex = QModelIndex();
     orvo::makeCurrentAnew(m_ui->tvDesck, row);
