@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 #include <limits>
 
@@ -50,6 +51,37 @@ private:
     static constexpr size_t units = std::numeric_limits<ushort>::max() + 1;
     std::array<char, units> m_codes;
 };
+
+/// The first place of `part`, which is not empty, from `at` on; `end` if there is none. Eight
+/// places are looked at in one step, by the first and the last letter of the part: a search that
+/// every second row answers must not be set up anew for each.
+const char* findPart(const char* at, const char* end, const std::string& part) {
+    static_assert(std::endian::native == std::endian::little);
+    constexpr uint64_t ones = 0x0101010101010101;
+    const auto all = [](char letter) { return ones * static_cast<uint8_t>(letter); };
+    const auto load = [](const char* from) {
+        uint64_t word = 0;
+        std::memcpy(&word, from, sizeof word);
+        return word;
+    };
+    const size_t size = part.size();
+    const uint64_t first = all(part.front());
+    const uint64_t last = all(part.back());
+    const auto left = [&] { return static_cast<size_t>(end - at); };
+    for (; left() >= size + 7; at += 8) {
+        // A byte is zero where both letters are right; above the first such there may be others.
+        const uint64_t unlike = (load(at) ^ first) | (load(at + size - 1) ^ last);
+        for (uint64_t zeros = (unlike - ones) & ~unlike & (ones << 7); zeros; zeros &= zeros - 1) {
+            const char* place = at + std::countr_zero(zeros) / 8;
+            if (std::memcmp(place, part.data(), size) == 0)
+                return place;
+        }
+    }
+    for (; left() >= size; ++at)
+        if (std::memcmp(at, part.data(), size) == 0)
+            return at;
+    return end;
+}
 
 const LetterCodes& letterCodes() {
     static const LetterCodes codes;
@@ -110,17 +142,17 @@ public:
         enter(m_search.record({}));
         while (!m_levels.empty()) {
             Level& level = m_levels.back();
-            const bool hits = level.hit < level.hits.size();
             const bool folders = level.folder < level.folderCount();
-            if (!hits && !folders) {
+            if (level.hit == level.hits.size() && !folders) {
                 if (!nextBlock(level))
                     m_levels.pop_back();
                 continue;
             }
             // A row comes before those below it.
-            if (hits && (!folders || level.hits[level.hit] <= level.folderRow()))
-                m_search.m_hits.push_back(level.child(level.hits[level.hit++]));
-            else
+            const int until = folders ? level.folderRow() : blockSize;
+            for (; level.hit < level.hits.size() && level.hits[level.hit] <= until; ++level.hit)
+                m_search.m_hits.push_back(level.child(level.hits[level.hit]));
+            if (folders)
                 enter(level.child(level.block->folders[level.folder++]));
         }
     }
@@ -167,13 +199,10 @@ private:
         const char* end = begin + block.text.size();
         size_t row = 0;
         for (const char* at = begin; at < end; at = begin + block.ends[row++]) {
-            const void* found =
-                m_codes.size() == 1
-                    ? std::memchr(at, m_codes[0], static_cast<size_t>(end - at))
-                    : memmem(at, static_cast<size_t>(end - at), m_codes.data(), m_codes.size());
-            if (!found)
+            const char* found = m_codes.empty() ? at : findPart(at, end, m_codes);
+            if (found == end)
                 return;
-            const auto offset = static_cast<size_t>(static_cast<const char*>(found) - begin);
+            const auto offset = static_cast<size_t>(found - begin);
             while (block.ends[row] <= offset)
                 ++row;
             rows.push_back(static_cast<uint16_t>(row));

@@ -6,9 +6,12 @@
 //     measurement, medians of five, in turns.
 //  2. Finding a row by its key, against the recursive match it stands for, in the same model; and
 //     how the cost grows with the tree.
+//  3. A keystroke in the search field, against the match it stands for, in the same model; what the
+//     first one costs, which copies the texts; and what changes cost while hits are kept.
 //
 // Ratios stand beside their budgets; the exit code is 1 if one is missed.
 #include "models/ResTreeModel.h"
+#include "models/RowSearch.h"
 
 #include <QCoreApplication>
 #include <QStandardItemModel>
@@ -281,6 +284,94 @@ void benchFind(int rows) {
     }
 }
 
+/// Rows whose captions are all different, as in a catalogue.
+void fillCaptions(ResTreeModel& model, int rows) {
+    static const char* const words[] = {"Насос", "Котёл", "Турбина", "Задвижка", "Тренд", "Щит"};
+    auto batch = model.newRows();
+    for (int first = 0; first < rows; first += folderSize) {
+        TabRec* folder = nullptr;
+        Rows values = makeFolder(first, std::min(folderSize, rows - first));
+        for (size_t i = 0; i < values.size(); ++i) {
+            const int row = first + static_cast<int>(i);
+            values[i][0] = QStringLiteral("%1 питательный %2").arg(words[row % 6]).arg(row);
+            TabRec* made = batch.add(std::move(values[i]), folder);
+            folder = folder ? folder : made;
+        }
+    }
+    model.insertFilledRows(0, std::move(batch));
+}
+
+/// The least ratio over texts that half of the rows have, few, and none.
+double benchKeystrokes(const ResTreeModel& model, RowSearch& search) {
+    double least = 0;
+    for (const char* text : {"щ", "а", "на", "насос", "Питательный", "турбина питательный 12",
+                             "99999", "нет такого"}) {
+        const QString wanted = QString::fromUtf8(text);
+        std::vector<double> own, peer;
+        for (int round = 0; round < 5; ++round) {
+            own.push_back(seconds([&] { search.find(0, wanted); }));
+            QModelIndexList hits;
+            peer.push_back(seconds([&] {
+                hits = model.match(model.index(0, 0), Qt::UserRole + 1, wanted, -1,
+                                   Qt::MatchContains | Qt::MatchRecursive);
+            }));
+            if (hits.size() != search.count() ||
+                (!hits.isEmpty() && hits.last() != search.hit(search.count() - 1)))
+                std::exit(2);
+        }
+        const double ratio = median(peer) / median(own);
+        least = least > 0 ? std::min(least, ratio) : ratio;
+        std::printf("  %7d hits %8.1f ms, match %7.1f ms, %6.1fx  \"%s\"\n", search.count(),
+                    median(own) * 1e3, median(peer) * 1e3, ratio, text);
+    }
+    return least;
+}
+
+/// What changes of rows cost that notifications bring while hits are kept.
+void benchChanges(ResTreeModel& model, RowSearch& search) {
+    const auto folderOf = [&](int row) { return model.index(row % model.rowCount(), 0); };
+    const auto rename = [&](int row) {
+        const QModelIndex folder = folderOf(row);
+        model.setData(model.index(row % model.rowCount(folder), 0, folder),
+                      QStringLiteral("Насос %1").arg(row));
+    };
+    const auto move = [&](int row) {
+        const QModelIndex folder = folderOf(row);
+        model.moveSiblingItem(row % model.rowCount(folder), 0, folder);
+    };
+    constexpr int changes = 1000;
+    const auto each = [&](auto change) {
+        return seconds([&] {
+                   for (int i = 0; i < changes; ++i)
+                       change(i * 7919);
+               }) /
+               changes;
+    };
+    const double firstMove = seconds([&] { move(1); });
+    const double renames = each(rename);
+    const double moves = each(move);
+    std::printf(
+        "  while %d hits are kept: the first row that moves %.1f ms, a further one %.1f us, "
+        "one renamed %.1f us\n",
+        search.count(), firstMove * 1e3, moves * 1e6, renames * 1e6);
+    std::printf("  the keystroke after %d changes all over the tree %.1f ms\n", 2 * changes,
+                seconds([&] { search.find(0, QStringLiteral("насос")); }) * 1e3);
+}
+
+void benchSearch(int rows) {
+    ResTreeModel model(headers(), QString());
+    fillCaptions(model, rows);
+    RowSearch search(model, keyColumn);
+    std::printf("A keystroke in the search field over %d rows\n", rows);
+    const double heap = heapBytes();
+    const double first = seconds([&] { search.find(0, QStringLiteral("я")); });
+    std::printf("  the first one %.1f ms, which then keeps %.0f bytes a row\n", first * 1e3,
+                (heapBytes() - heap) / rows);
+    report("search against match, the least", benchKeystrokes(model, search), 15);
+    search.find(0, QStringLiteral("а"));
+    benchChanges(model, search);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -292,5 +383,6 @@ int main(int argc, char** argv) {
     }
     benchFill(rows);
     benchFind(rows);
+    benchSearch(rows);
     return missed ? 1 : 0;
 }

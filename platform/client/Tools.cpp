@@ -32,8 +32,9 @@ void COrvoToolObject::Perform(bool /*background*/) {
 
 namespace {
 
-/// Rows of stored files as the editors read them. A fifth field keeps the order of the reply.
-bool fillFiles(CMDArray& result, const std::vector<store::StoredFile>& files) {
+/// Rows of stored files as the editors read them. A fifth field keeps the order of the reply. The
+/// files' bytes are gone then: large ones should not be in memory more often than they must.
+bool fillFiles(CMDArray& result, std::vector<store::StoredFile>& files) {
     CMDArray rows;
     mdx::addField(rows.array, "name", MDX_TEXT);
     mdx::addField(rows.array, "time", MDX_DATE);
@@ -42,7 +43,7 @@ bool fillFiles(CMDArray& result, const std::vector<store::StoredFile>& files) {
     mdx::addField(rows.array, "order", MDX_INTEGER);
     mdx::RecordWriter writer(rows.array);
     int order = 0;
-    for (const store::StoredFile& file : files) {
+    for (store::StoredFile& file : files) {
         writer.begin();
         writer.textUtf8(0, file.name.data(), file.name.size());
         if (file.time)
@@ -51,6 +52,7 @@ bool fillFiles(CMDArray& result, const std::vector<store::StoredFile>& files) {
                               std::min<uint64_t>(file.size, std::numeric_limits<int32_t>::max())));
         if (!file.bytes.empty())
             writer.block(3, file.bytes.data(), file.bytes.size());
+        std::string().swap(file.bytes); // an assignment would keep the memory
         writer.integer(4, order++);
         writer.end();
     }
@@ -70,7 +72,7 @@ void clear(CMDArray& result) {
 }
 
 void finishFiles(COrvoCliSes& session, const QString& operation, store::Status status,
-                 const std::vector<store::StoredFile>& files, CMDArray& result) {
+                 std::vector<store::StoredFile>& files, CMDArray& result) {
     if (status.ok() && !fillFiles(result, files))
         status = {store::NoMemory, "Недостаточно памяти."};
     session.data()->report(operation, status);

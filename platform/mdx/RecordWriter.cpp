@@ -67,9 +67,11 @@ void RecordWriter::Private::text(int field, size_t room, Fill&& fill) {
         fail(MDX_E_LIMIT);
         return;
     }
-    if (body.size() < size + room + 5) {
+    if (const size_t needed = size + room + 5; body.size() < needed) {
+        // Ahead of records of any usual size; a stored file should not be in memory once more.
+        constexpr size_t usual = 1 << 20;
         if (guarded([&] {
-                body.resize((size + room + 5) * 2);
+                body.resize(needed < usual ? needed * 2 : needed);
                 return MDX_OK;
             }) != MDX_OK) {
             fail(MDX_E_MEMORY);

@@ -31,13 +31,6 @@ void Statement::bind(int parameter, std::string_view text) {
         m_bindError = result;
 }
 
-void Statement::bindBytes(int parameter, std::string_view bytes) {
-    const int result = sqlite3_bind_blob64(get(), parameter, bytes.empty() ? "" : bytes.data(),
-                                           bytes.size(), SQLITE_STATIC);
-    if (result != SQLITE_OK)
-        m_bindError = result;
-}
-
 void Statement::bind(int parameter, int64_t number) {
     const int result = sqlite3_bind_int64(get(), parameter, number);
     if (result != SQLITE_OK)

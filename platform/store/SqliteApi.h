@@ -22,7 +22,6 @@ public:
 
     /// Parameters count from 1. A text is not copied: it must outlive the stepping.
     void bind(int parameter, std::string_view text);
-    void bindBytes(int parameter, std::string_view bytes);
     void bindRoom(int parameter, uint64_t size); ///< so many zero bytes
     void bind(int parameter, int64_t number);
     void bind(int parameter, const Value& value);

@@ -98,7 +98,7 @@ Status SqliteStore::clearAll() {
 
 Status SqliteStore::beginContent(const Write& write, uint64_t size) {
     // Room first, the bytes into it after: no value has to be in memory as a whole.
-    const Status status = run(contentTable(), write, nullptr, size);
+    const Status status = run(contentTable(), write, size);
     if (!status.ok() || size == 0)
         return status;
     m_contentAt = 0;

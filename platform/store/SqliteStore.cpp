@@ -235,12 +235,11 @@ Statement* SqliteStore::writing(const TableDef& table, const Write& write, bool 
     return statement ? &statement : nullptr;
 }
 
-Status SqliteStore::run(const TableDef& table, const Write& write, const std::string_view* bytes,
-                        std::optional<uint64_t> room) {
+Status SqliteStore::run(const TableDef& table, const Write& write, std::optional<uint64_t> room) {
     const auto what = [&] {
         return write.place.empty() ? inTable(table) + ", запись " + shown(write.key) : write.place;
     };
-    Statement* statement = writing(table, write, bytes != nullptr || room);
+    Statement* statement = writing(table, write, room.has_value());
     if (statement == nullptr)
         return m_connection.failure(what());
     const ResetAfter reset(*statement);
@@ -248,19 +247,22 @@ Status SqliteStore::run(const TableDef& table, const Write& write, const std::st
     int parameter = 2;
     for (const auto& [number, value] : write.values)
         statement->bind(parameter++, value);
-    if (bytes != nullptr)
-        statement->bindBytes(parameter, *bytes);
     if (room)
         statement->bindRoom(parameter, *room);
     return statement->step() == SQLITE_DONE ? Status() : m_connection.failure(what());
 }
 
 Status SqliteStore::apply(const TableDef& table, const Write& write) {
-    return run(table, write, nullptr);
+    return run(table, write, {});
 }
 
 Status SqliteStore::applyContent(const Write& write, std::string_view bytes) {
-    return run(contentTable(), write, &bytes);
+    // Into room made for it: a bound value would be copied whole into the row.
+    Status status = beginContent(write, bytes.size());
+    if (status.ok() && !bytes.empty())
+        status = contentPiece(bytes);
+    const Status ended = endContent();
+    return status.ok() ? ended : status;
 }
 
 Status SqliteStore::contentBytes(const std::string& key, std::string* bytes) {

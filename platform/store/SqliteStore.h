@@ -81,9 +81,8 @@ private:
     /// The statement for writes of this shape.
     Statement* writing(const TableDef& table, const Write& write, bool bytes);
     Status setWriter(std::string_view login);
-    /// `bytes` are those of a content; or `room` is left for as many, which come later.
-    Status run(const TableDef& table, const Write& write, const std::string_view* bytes,
-               std::optional<uint64_t> room = {});
+    /// `room` is for the bytes of a content, which come later.
+    Status run(const TableDef& table, const Write& write, std::optional<uint64_t> room);
     Status openContent(const std::string& key, bool write, Blob* blob);
     Status readChanges(Statement& statement, std::vector<Change>* changes);
     Status fetchRows(const TableDef& table, Statement& statement, MDArray* into);
