@@ -40,6 +40,10 @@ void onAlarm(int) {
 
 void take(int signal, void (*handler)(int)) {
     struct sigaction action {};
+    // What whoever started this process had ignored stays so (nohup).
+    if (sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN)
+        return;
+    action = {};
     action.sa_handler = handler;
     sigemptyset(&action.sa_mask);
     // The work goes on where the signal met it; it looks at the flag by itself.
@@ -54,12 +58,14 @@ Interruptible::Interruptible() {
     take(SIGALRM, onAlarm);
     take(SIGINT, onSignal);
     take(SIGTERM, onSignal);
+    take(SIGHUP, onSignal);
 }
 
 Interruptible::~Interruptible() {
     ::alarm(0);
     take(SIGINT, SIG_DFL);
     take(SIGTERM, SIG_DFL);
+    take(SIGHUP, SIG_DFL);
     take(SIGALRM, SIG_DFL);
 }
 

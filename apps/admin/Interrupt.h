@@ -1,7 +1,7 @@
-// Interrupt.h: what SIGINT and SIGTERM do to long work: it ends at the next good place, the way any
-// failure ends, so that what is half-done is taken back. Where no such place comes within some
-// seconds, or on a second signal, the process ends at once; a database takes back by itself what
-// was not committed.
+// Interrupt.h: what SIGINT, SIGTERM and SIGHUP do to long work: it ends at the next good place, the
+// way any failure ends, so that what is half-done is taken back. Where no such place comes within
+// some seconds, or on a second signal, the process ends at once; a database takes back by itself
+// what was not committed.
 #ifndef ORVO_ADMIN_INTERRUPT_H
 #define ORVO_ADMIN_INTERRUPT_H
 

@@ -7,6 +7,7 @@ public:
     using AdminTest::AdminTest;
 
 private slots:
+    void init();
     void anInstallationGoesThroughAnotherStoreUnchanged();
     void oddValuesComeThrough();
     void contentsOfAllSizesComeThrough();
@@ -27,6 +28,9 @@ private slots:
     void progressShowsOnlyWhenAsked();
 
 private:
+    static constexpr const char* hostile = "whatIsWrongIsNamedAndChangesNothing";
+    QByteArray m_good; ///< what the store holds while the hostile files are tried
+
     /// A small installation with one of everything.
     void fillALittle() const;
     QByteArray exported() const { return content(); }
@@ -34,6 +38,15 @@ private:
         return run(QStringList{"import"} + options + QStringList{m_admin->write("in.json", json)});
     }
 };
+
+void TestAdminTransfer::init() {
+    // What is refused changes nothing: the hostile files all meet the same store.
+    const bool again = qstrcmp(QTest::currentTestFunction(), hostile) == 0 && !m_good.isEmpty();
+    if (again)
+        m_admin = std::make_unique<AdminRun>();
+    else
+        AdminTest::init();
+}
 
 void TestAdminTransfer::fillALittle() const {
     QCOMPARE(run({"user", "add", "anna_x", "--last", "Иванова"}).code, 0);
@@ -272,16 +285,18 @@ void TestAdminTransfer::whatIsWrongIsNamedAndChangesNothing() {
     QFETCH(QByteArray, what);
     QFETCH(QByteArray, by);
     QFETCH(QString, message);
-    fillALittle();
-    const QByteArray good = exported();
-    QByteArray bad = good;
+    if (m_good.isEmpty()) {
+        fillALittle();
+        m_good = exported();
+    }
+    QByteArray bad = m_good;
     const int at = what == "]\n}\n" ? bad.lastIndexOf(what) : bad.indexOf(what);
     QVERIFY2(at >= 0, bad);
     bad.replace(at, what.size(), by);
     const AdminResult result = import(bad, {"--replace"});
     QVERIFY2(result.refused("ничего не загружено: строка "), qPrintable(result.err));
     QVERIFY2(result.err.contains(message), qPrintable(result.err));
-    QCOMPARE(exported(), good);
+    QCOMPARE(exported(), m_good);
     // The line that is named is the one that was made bad.
     const int line = bad.left(at + by.size()).count('\n') + 1;
     const int named =

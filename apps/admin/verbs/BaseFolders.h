@@ -2,7 +2,7 @@
 #ifndef ORVO_ADMIN_VERBS_BASEFOLDERS_H
 #define ORVO_ADMIN_VERBS_BASEFOLDERS_H
 
-#include "platform/store/Store.h"
+#include "platform/store/Maintenance.h"
 
 #include <string>
 
@@ -14,7 +14,7 @@ void makeBaseFolders(store::Store& store);
 
 /// Names something in the store besides those folders, for a message; empty if there is nothing.
 /// Users and extensions count only if `peopleToo`. Throws Failure.
-std::string findWork(store::Store& store, bool peopleToo);
+std::string findWork(store::MaintainedStore& store, bool peopleToo);
 
 } // namespace orvo::admin
 

@@ -29,7 +29,7 @@ int64_t readScale(const Invocation& call) {
 }
 
 /// Users and extensions may be there already; anything else is somebody's work.
-void requireUnused(store::Store& store) {
+void requireUnused(store::MaintainedStore& store) {
     const std::string work = findWork(store, false);
     if (!work.empty())
         throw Failure("образцовая установка не записана: в хранилище уже есть данные (" + work +

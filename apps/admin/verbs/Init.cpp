@@ -20,7 +20,39 @@ void makeBaseFolders(store::Store& store) {
     batch.send(store, "начальные папки не сделаны");
 }
 
-std::string findWork(store::Store& store, bool peopleToo) {
+namespace {
+
+/// Counts, and takes nothing.
+class Counter : public store::Receiver {
+public:
+    uint64_t records = 0;
+
+    store::Status expect(uint64_t count, uint64_t /*contents*/, uint64_t /*bytes*/) override {
+        records = count;
+        return {store::Stopped, {}};
+    }
+    store::Status record(const store::TableDef& /*table*/,
+                         const std::vector<store::Value>& /*values*/,
+                         const std::string& /*place*/) override {
+        return {};
+    }
+    store::Status content(const std::vector<store::Value>& /*values*/,
+                          const std::string& /*place*/) override {
+        return {};
+    }
+    store::Status bytes(std::string_view /*piece*/) override { return {}; }
+};
+
+} // namespace
+
+std::string findWork(store::MaintainedStore& store, bool peopleToo) {
+    // A large store is not fetched only to be counted.
+    Counter counter;
+    const store::Status counted = store.writeOut(counter);
+    if (counted.code != store::Stopped)
+        require(counted, "записи не сосчитаны");
+    if (peopleToo && counter.records > 1000)
+        return "записей: " + std::to_string(counter.records);
     std::vector<const char*> names = {"Menu", "MenuFolder", "MenuResource"};
     if (peopleToo)
         names.insert(names.end(), {"Users", "MenuFileExt"});
