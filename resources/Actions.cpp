@@ -88,8 +88,8 @@ void OrvoResources::setActionsEnabledSystem(const QModelIndex& index) {
 }
 
 bool OrvoResources::checkClipBoardType(int type) const {
-    return orvo::ClipboardRows::numberOf(
-               orvo::clipboardBytes(m_clipboard, orvo::resources::resourcesMime)) == type;
+    const QByteArray bytes = orvo::clipboardBytes(m_clipboard, orvo::resources::resourcesMime);
+    return bytes.contains('\n') && orvo::ClipboardRows::numberOf(bytes) == type;
 }
 
 void OrvoResources::showContextMenu_tvRes(const QPoint& pos) {

@@ -3,6 +3,9 @@
 
 #include "frame/Records.h"
 
+#include "platform/client/Blocks.h"
+
+#include <QScrollBar>
 #include <QSignalSpy>
 
 using namespace orvo::test;
@@ -37,8 +40,13 @@ private slots:
     void aDeletedFolderGoesWithItsTable();
     void aKeyUnknownToTheTableRemovesNothing();
     void anEditedRowIsOverwritten();
+    void aBurstOpensEachFolderAndEndsAtTheLastRow();
+    void aRowThatWentAgainInABurstIsNoAim();
+    void outOfSightABurstShowsItsRowsToo();
+    void aNotificationThatComesAloneIsShown();
     void otherTablesAreIgnored();
     void aStrangeBlockIsIgnored();
+    void theTablesAreTold();
 
 private:
     void deliver() { host->deliver(*editor->module); }
@@ -306,6 +314,58 @@ void TestResNotifications::anEditedRowIsOverwritten() {
     QCOMPARE(probe().text("rlog", ResColumn::Params), QString("x"));
 }
 
+void TestResNotifications::aBurstOpensEachFolderAndEndsAtTheLastRow() {
+    makeCurrent("rlog");
+    for (int i = 0; i < 100; ++i)
+        addItem(*store, qPrintable(QString("many%1").arg(i)), 1, "alarms",
+                qPrintable(QString("Many%1").arg(i)), "Один из многих");
+    addItem(*store, "low", 4, "deep", "low.txt", "Глубоко");
+    addItem(*store, "last", 3, "old", "Last", "Последняя");
+    deliver();
+    for (const char* key : {"alarms", "docs", "deep", "boilers", "old"})
+        QVERIFY2(view()->isExpanded(probe().row(key)), key);
+    const QRect seen = view()->viewport()->rect();
+    QVERIFY(seen.contains(view()->visualRect(probe().row("last"))));
+    QVERIFY(!seen.intersects(view()->visualRect(probe().row("rlog"))) ||
+            !seen.intersects(view()->visualRect(probe().row("low"))));
+    QCOMPARE(view()->currentIndex(), probe().row("rlog"));
+    QVERIFY(view()->updatesEnabled());
+    QVERIFY(view()->hasAutoScroll());
+}
+
+void TestResNotifications::aRowThatWentAgainInABurstIsNoAim() {
+    makeCurrent("rlog");
+    const int before = view()->verticalScrollBar()->value();
+    addItem(*store, "brief", 3, "old", "Brief", "Ненадолго");
+    store->remove("MenuResource", "brief");
+    deliver();
+    QVERIFY(!probe().row("brief").isValid());
+    QCOMPARE(view()->verticalScrollBar()->value(), before);
+}
+
+void TestResNotifications::outOfSightABurstShowsItsRowsToo() {
+    editor->module->hide();
+    addItem(*store, "first", 4, "docs", "first.txt", "Раньше");
+    addItem(*store, "low", 4, "deep", "low.txt", "Глубоко");
+    deliver();
+    editor->module->show();
+    QVERIFY(QTest::qWaitForWindowExposed(editor->module.get()));
+    QVERIFY(view()->isExpanded(probe().row("docs")));
+    QVERIFY(view()->isExpanded(probe().row("deep")));
+    QVERIFY(view()->viewport()->rect().contains(view()->visualRect(probe().row("low"))));
+}
+
+void TestResNotifications::aNotificationThatComesAloneIsShown() {
+    addItem(*store, "low", 4, "deep", "low.txt", "Глубоко");
+    std::vector<orvo::store::Change> changes;
+    QVERIFY(store->connect()->readLog(0, 1000, &changes).ok());
+    orvo::client::NotificationMaker maker;
+    MDXCliParam* block = maker.make(changes.back());
+    probe().MessageData(block); // past MessageOn
+    host->m_session->PrmFree(block);
+    QVERIFY(view()->viewport()->rect().contains(view()->visualRect(probe().row("low"))));
+}
+
 void TestResNotifications::otherTablesAreIgnored() {
     const int records = orvo::recordCount(probe().m_tabUsers);
     addUser(*store, "unew", "sidorov", "Сидоров", "Олег");
@@ -317,6 +377,15 @@ void TestResNotifications::otherTablesAreIgnored() {
 
 void TestResNotifications::aStrangeBlockIsIgnored() {
     QVERIFY(probe().MessageData(nullptr));
+}
+
+void TestResNotifications::theTablesAreTold() {
+    const QString resources = probe().tableText("menuresource");
+    QVERIFY(resources.startsWith("KeyLink\tMenuResourceFolderKey\ttype_\tname_\tcaption\t"
+                                 "params\tico\tUsersKey\n"));
+    QVERIFY(resources.contains("\nrlog\tmod\t1\tLog\tЖурнал\t\\N\t\\N\t\\N\n"));
+    QVERIFY(probe().tableText("MenuResourceFolder").contains("\ntrends\tmod\t1\tТренды\n"));
+    QVERIFY(probe().tableText("Users").isNull());
 }
 
 QTEST_MAIN(TestResNotifications)
