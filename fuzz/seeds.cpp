@@ -109,6 +109,14 @@ int main(int argc, char** argv) {
         const std::string payload = makePayload(records % 2 ? "1" : "0", records);
         write("menu_payload", name.c_str(), payload.data(), payload.size());
     }
+    const char* const exports[] = {
+        R"({"format":"orvo-export","version":1,"tables":{"Users":[{"KeyLink":"a","program":true}],)"
+        R"("MenuFileExt":[],"MenuResourceFolder":[{"KeyLink":"f","type_":-3,"caption":null}],)"
+        R"("MenuResource":[{"KeyLink":"r","dateTimeEdit":1.5}],"MenuFolder":[],"Menu":[]},)"
+        R"("files":[{"KeyLink":"c","name_":"n","size":4,"data":["dGV4","dA=="]}]})",
+        R"({"format":"orvo-export","version":1,"files":[],"tables":{"Menu":[{"caption":"\u0401"}]}})"};
+    for (int i = 0; i < 2; ++i)
+        write("export", std::to_string(i).c_str(), exports[i], std::strlen(exports[i]));
     const char* const keys[] = {"\x08"
                                 "a;b",
                                 "\x08"
