@@ -10,7 +10,7 @@
 // current row or the selection does), Tree (filling, rows, positions), Passports, Notifications
 // (what comes back from the server), Extraction (paths, files to the disk, opening a form),
 // Creating (new rows, edits of the passport, the icon picker), Saving (save and cancel), Upload,
-// Deletion, Search, Clipboard (cut, paste and drops).
+// Deletion, Search, Clipboard (cut, paste and drops), Diagnostics (the tables as text).
 #ifndef ORVO_RESOURCES_ORVORESOURCES_H
 #define ORVO_RESOURCES_ORVORESOURCES_H
 
