@@ -1,11 +1,17 @@
 #include "platform/store/PostgresApi.h"
 
 #include "platform/store/Names.h"
+#include "platform/store/Patience.h"
 
 #include <bit>
+#include <cerrno>
 #include <chrono>
+#include <condition_variable>
+#include <cstdlib>
 #include <cstring>
+#include <mutex>
 #include <poll.h>
+#include <thread>
 
 namespace orvo::store::postgres {
 
@@ -163,40 +169,96 @@ std::string_view stateOf(const PGresult* result) {
 
 // Connection -------------------------------------------------------------------------------------
 
+namespace {
+
+/// One try to connect. The system's part of it (names, for example) knows no steps, so where
+/// someone may lose patience, it runs beside; one that was given up ends by itself.
+struct Attempt {
+    explicit Attempt(Url to) : url(std::move(to)) {}
+
+    void run() {
+        const Url::Arrays arrays = url.arrays();
+        const auto begin = std::chrono::steady_clock::now();
+        ConnectionHandle own(PQconnectdbParams(arrays.names.data(), arrays.values.data(), 0));
+        if (own && PQstatus(own.get()) != CONNECTION_OK) {
+            why = url.withoutSecrets(PQerrorMessage(own.get()));
+            // A server that answers at once is asked once more, for the code of its refusal: its
+            // words are in a language of its own.
+            if (std::chrono::steady_clock::now() - begin < std::chrono::seconds(1)) {
+                PQsetErrorVerbosity(own.get(), PQERRORS_VERBOSE);
+                PQreset(own.get());
+                PQsetErrorVerbosity(own.get(), PQERRORS_DEFAULT);
+                if (PQstatus(own.get()) != CONNECTION_OK)
+                    state = stateIn(PQerrorMessage(own.get()));
+            }
+        }
+        connection = std::move(own);
+    }
+
+    const Url url;
+    ConnectionHandle connection; ///< null: no memory
+    std::string why, state;
+
+    std::mutex mutex; ///< of the one below, when it runs beside
+    std::condition_variable over;
+    bool done = false;
+};
+
+/// Null if the thread's patience came to its end.
+std::shared_ptr<Attempt> attempt(const Url& url) {
+    auto one = std::make_shared<Attempt>(url);
+    if (!hasPatience()) {
+        one->run();
+        return one;
+    }
+    std::thread([one] {
+        try {
+            one->run();
+        } catch (...) { // no memory: there is no connection then
+        }
+        const std::lock_guard lock(one->mutex);
+        one->done = true;
+        one->over.notify_all();
+    }).detach();
+    std::unique_lock lock(one->mutex);
+    while (!one->over.wait_for(lock, std::chrono::milliseconds(waitStepMs),
+                               [&] { return one->done; })) {
+        if (!stillPatient())
+            return nullptr;
+    }
+    return one;
+}
+
+} // namespace
+
 Status Connection::open(const Url& url) {
     close();
-    const Url::Arrays arrays = url.arrays();
-    const auto begin = std::chrono::steady_clock::now();
-    m_connection.reset(PQconnectdbParams(arrays.names.data(), arrays.values.data(), 0));
-    if (!m_connection)
-        return {NoMemory, "Не хватает памяти"};
-    PQsetNoticeProcessor(
-        get(), [](void*, const char*) {}, nullptr);
+    m_end = End::None;
+    m_silentMs = std::atoi(url.get("tcp_user_timeout").c_str());
     const std::string what = "Нет подключения к " + shown(url.displayName());
     const std::string where = what + ": ";
-    if (!usable()) {
-        std::string why = url.withoutSecrets(PQerrorMessage(get()));
-        std::string state;
-        // A server that answers at once is asked once more, for the code of its refusal: its words
-        // are in a language of its own.
-        if (std::chrono::steady_clock::now() - begin < std::chrono::seconds(1)) {
-            PQsetErrorVerbosity(get(), PQERRORS_VERBOSE);
-            PQreset(get());
-            PQsetErrorVerbosity(get(), PQERRORS_DEFAULT);
-            if (!usable())
-                state = stateIn(PQerrorMessage(get()));
-        }
-        if (!usable()) {
-            const bool noPassword = PQconnectionNeedsPassword(get()) != 0;
-            close();
-            if (startsWith(state, "28") || noPassword)
-                return {BadLogin,
-                        where + "пользователь не найден или неправильный пароль (" + why + ")"};
-            if (state == "3D000")
-                return {UnknownName, where + "нет базы " + shown(url.get("dbname"))};
-            return {CannotConnect, where + why};
-        }
+    const std::shared_ptr<Attempt> made = attempt(url);
+    if (!made) {
+        m_end = End::GivenUp;
+        return {Timeout, where + "ожидание прервано"};
     }
+    m_connection = std::move(made->connection);
+    if (!m_connection)
+        return {NoMemory, "Не хватает памяти"};
+    if (!usable()) {
+        const bool noPassword = PQconnectionNeedsPassword(get()) != 0;
+        close();
+        if (startsWith(made->state, "28") || noPassword)
+            return {BadLogin,
+                    where + "пользователь не найден или неправильный пароль (" + made->why + ")"};
+        if (made->state == "3D000")
+            return {UnknownName, where + "нет базы " + shown(url.get("dbname"))};
+        return {CannotConnect, where + made->why};
+    }
+    PQsetNoticeProcessor(
+        get(), [](void*, const char*) {}, nullptr);
+    if (PQsetnonblocking(get(), 1) != 0)
+        return failure(what, nullptr);
     const Result set = execute(settings);
     if (!succeeded(set.get()))
         return failure(what, set.get());
@@ -206,6 +268,73 @@ Status Connection::open(const Url& url) {
 void Connection::close() {
     m_connection.reset();
     m_prepared.clear();
+}
+
+// Waiting ----------------------------------------------------------------------------------------
+
+/// Until the server has something to say, or (POLLOUT) takes more. Past all patience the connection
+/// is closed.
+bool Connection::wait(short events) {
+    using Clock = std::chrono::steady_clock;
+    const auto begin = Clock::now();
+    for (;;) {
+        const auto silent =
+            std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin).count();
+        if (m_hurried && m_silentMs > 0 && silent >= m_silentMs) {
+            close();
+            m_end = End::Silent;
+            return false;
+        }
+        pollfd socket = {PQsocket(get()), events, 0};
+        const int ready = ::poll(&socket, 1, waitStepMs);
+        if (ready > 0 || (ready < 0 && errno != EINTR))
+            return true; // if it is a failure, libpq will meet it
+        if (ready == 0 && !stillPatient()) {
+            close();
+            m_end = End::GivenUp;
+            return false;
+        }
+    }
+}
+
+bool Connection::flush() {
+    while (usable()) {
+        const int left = PQflush(get());
+        if (left <= 0)
+            return left == 0;
+        // A server whose own words nobody takes may stop to listen.
+        if (!wait(POLLIN | POLLOUT) || PQconsumeInput(get()) == 0)
+            return false;
+    }
+    return false;
+}
+
+bool Connection::awaitInput() {
+    return wait(POLLIN) && PQconsumeInput(get()) != 0;
+}
+
+/// False if the connection was closed. Where it only broke, there is a result that tells.
+bool Connection::awaitResult() {
+    flush();
+    while (usable() && PQisBusy(get()) != 0) {
+        if (!awaitInput())
+            break;
+    }
+    return get() != nullptr;
+}
+
+Result Connection::next() {
+    return awaitResult() ? Result(PQgetResult(get())) : Result();
+}
+
+int Connection::copyData(char** message) {
+    for (;;) {
+        const int length = PQgetCopyData(get(), message, 1);
+        if (length != 0)
+            return length;
+        if (!awaitInput() && !usable())
+            return -2;
+    }
 }
 
 bool Connection::alive() {
@@ -222,8 +351,19 @@ bool Connection::alive() {
     return usable();
 }
 
-Result Connection::execute(const std::string& sql) const {
-    return Result(PQexec(get(), sql.c_str()));
+Result Connection::execute(const std::string& sql) {
+    Result last;
+    while (usable() && next()) // what an earlier call has left
+        continue;
+    if (usable() && PQsendQuery(get(), sql.c_str()) != 0) {
+        while (Result result = next()) {
+            const ExecStatusType status = PQresultStatus(result.get());
+            last = std::move(result);
+            if (status == PGRES_COPY_IN || status == PGRES_COPY_OUT || !usable())
+                break;
+        }
+    }
+    return last ? std::move(last) : Result(PQmakeEmptyPGresult(nullptr, PGRES_FATAL_ERROR));
 }
 
 bool Connection::sendPrepare(const std::string& sql, const Parameters& parameters) {
@@ -253,37 +393,32 @@ bool Connection::sendRun(const std::string& sql, const Parameters& parameters) c
 }
 
 Result Connection::query(const std::string& sql, const Parameters& parameters, int milliseconds) {
-    using Clock = std::chrono::steady_clock;
-    const auto end = Clock::now() + std::chrono::milliseconds(milliseconds);
+    const int usual = m_silentMs;
+    if (milliseconds >= 0)
+        m_silentMs = milliseconds;
     const auto answer = [&]() -> Result {
-        while (milliseconds >= 0 && PQisBusy(get()) != 0) {
-            const auto left =
-                std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
-            pollfd wait = {PQsocket(get()), POLLIN, 0};
-            if (left <= 0 || ::poll(&wait, 1, static_cast<int>(left)) != 1) {
-                close();
-                return {};
-            }
-            if (PQconsumeInput(get()) == 0)
-                break; // the result below tells why
-        }
-        Result last(PQgetResult(get()));
-        while (const Result rest{PQgetResult(get())})
+        Result last = next();
+        while (last && usable() && next())
             continue;
         return last;
     };
-    if (!isPrepared(sql)) {
-        if (!sendPrepare(sql, parameters))
-            return {};
-        Result prepared = answer();
-        if (!prepared || !succeeded(prepared.get())) {
-            forget(sql);
-            return prepared;
+    const auto run = [&]() -> Result {
+        if (!isPrepared(sql)) {
+            if (!sendPrepare(sql, parameters))
+                return {};
+            Result prepared = answer();
+            if (!prepared || !succeeded(prepared.get())) {
+                forget(sql);
+                return prepared;
+            }
         }
-    }
-    if (!sendRun(sql, parameters))
-        return {};
-    return answer();
+        if (!sendRun(sql, parameters))
+            return {};
+        return answer();
+    };
+    Result result = run();
+    m_silentMs = usual;
+    return result;
 }
 
 Status Connection::failure(std::string_view what, const PGresult* result) {
@@ -297,7 +432,13 @@ Status Connection::failure(std::string_view what, const PGresult* result) {
     message = Url().withoutSecrets(std::move(message));
     int code = Failed;
     std::string why = message;
-    if (!usable() || isBreak(state)) {
+    if (m_end == End::GivenUp) {
+        code = Timeout;
+        why = "ожидание прервано";
+    } else if (m_end == End::Silent) {
+        code = ConnectionBroken;
+        why = "сервер не отвечает";
+    } else if (!usable() || isBreak(state)) {
         code = ConnectionBroken;
         why = "соединение с базой потеряно" + (message.empty() ? "" : " (" + message + ")");
         close();

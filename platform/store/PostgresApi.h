@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace orvo::store::postgres {
@@ -52,19 +53,31 @@ std::string_view textAt(const PGresult* result, int row, int column); ///< or by
 bool booleanAt(const PGresult* result, int row, int column);
 Value valueAt(MdxType type, const PGresult* result, int row, int column);
 
+struct FinishConnection {
+    void operator()(PGconn* connection) const { PQfinish(connection); }
+};
+using ConnectionHandle = std::unique_ptr<PGconn, FinishConnection>;
+
 /// A connection to a server, and the statements prepared there.
+///
+/// Nothing here blocks in libpq: every wait goes in steps and asks the thread's patience (see
+/// Patience.h). A server that is silent in the middle of a call for longer than the URL's
+/// tcp_user_timeout (20 s; 0: no limit) counts as lost: no system tells of one that is frozen.
 class Connection {
 public:
-    /// Connects, within the time the URL allows. CannotConnect or BadLogin.
+    /// Connects, within the time the URL allows. CannotConnect, BadLogin, or Timeout if given up.
     Status open(const Url& url);
     void close();
+    /// Whether the last call ended because the patience did.
+    bool givenUp() const { return m_end == End::GivenUp; }
     PGconn* get() const { return m_connection.get(); }
     bool usable() const { return m_connection && PQstatus(get()) == CONNECTION_OK; }
     /// Takes what has come in unasked and tells whether the connection still stands.
     bool alive();
 
-    /// Runs a text of one or more statements; the result of the last. Never null.
-    Result execute(const std::string& sql) const;
+    /// Runs a text of one or more statements; the result of the last, or of the first that failed
+    /// or begins a COPY. Never null.
+    Result execute(const std::string& sql);
     /// Runs one statement, prepared on first use, and waits for its result in binary form. Past
     /// the time limit (-1: none) the connection is closed.
     Result query(const std::string& sql, const Parameters& parameters, int milliseconds = -1);
@@ -75,18 +88,44 @@ public:
     bool sendRun(const std::string& sql, const Parameters& parameters) const;
     /// To be called when the server did not come to prepare the statement after all.
     void forget(const std::string& sql) { m_prepared.erase(sql); }
+    /// Sends what is still to be sent. False if the connection broke or was given up.
+    bool flush();
+    /// Waits for the next result; as PQgetResult gives it. Null also if the wait was given up.
+    Result next();
+    /// The next message of a COPY out: its length, -1 at the end, -2 on failure.
+    int copyData(char** message);
 
     /// A Status for a failed result (null: the connection's last error): "what: why". A broken
     /// connection is closed.
     Status failure(std::string_view what, const PGresult* result);
 
-private:
-    struct Finish {
-        void operator()(PGconn* connection) const { PQfinish(connection); }
+    /// Waits without end for one that has much to do, as long as it lives.
+    class Unhurried {
+    public:
+        explicit Unhurried(Connection& connection)
+            : m_connection(connection)
+            , m_before(std::exchange(connection.m_hurried, false)) {}
+        ~Unhurried() { m_connection.m_hurried = m_before; }
+        Unhurried(const Unhurried&) = delete;
+        Unhurried& operator=(const Unhurried&) = delete;
+
+    private:
+        Connection& m_connection;
+        const bool m_before;
     };
-    std::unique_ptr<PGconn, Finish> m_connection;
+
+private:
+    enum class End { None, GivenUp, Silent };
+    bool wait(short events);
+    bool awaitInput();
+    bool awaitResult();
+
+    ConnectionHandle m_connection;
     std::unordered_map<std::string, std::string> m_prepared; ///< names by text
     unsigned m_made = 0;
+    int m_silentMs = 0; ///< so long a server may be silent; 0: for ever
+    bool m_hurried = true;
+    End m_end = End::None; ///< why the connection was closed here
 };
 
 /// Whether a result is what it should be: rows or a finished command.

@@ -58,8 +58,8 @@ static_assert(std::endian::native == std::endian::little);
 Status finish(Connection& connection, std::string_view what) {
     Status status;
     while (connection.usable()) {
-        const Result end(PQgetResult(connection.get()));
-        if (!end)
+        const Result end = connection.next();
+        if (!end && connection.usable())
             return status;
         if (!succeeded(end.get()) && status.ok())
             status = connection.failure(what, end.get());
@@ -85,7 +85,7 @@ Status messages(Connection& connection, const std::string& sql, std::string_view
     Status status;
     for (;;) {
         char* raw = nullptr;
-        const int length = PQgetCopyData(connection.get(), &raw, 0);
+        const int length = connection.copyData(&raw);
         const std::unique_ptr<char, Free> message(raw);
         if (length < 0)
             break;
@@ -229,8 +229,10 @@ void appendNumber(std::string* out, uint64_t value, int size) {
         *out += static_cast<char>(value >> shift & 0xFF);
 }
 
-bool putData(const Connection& connection, std::string_view data) {
-    return PQputCopyData(connection.get(), data.data(), static_cast<int>(data.size())) == 1;
+/// Sends the data to the end, or parts would gather in memory.
+bool putData(Connection& connection, std::string_view data) {
+    return PQputCopyData(connection.get(), data.data(), static_cast<int>(data.size())) == 1 &&
+           connection.flush();
 }
 
 } // namespace
@@ -289,7 +291,8 @@ Status ContentCopy::end() {
     }
     appendNumber(&m_head, 0xFFFF, 2);
     m_sent =
-        m_sent && putData(*m_connection, m_head) && PQputCopyEnd(m_connection->get(), nullptr) == 1;
+        m_sent && putData(*m_connection, m_head) && PQputCopyEnd(m_connection->get(), nullptr) == 1 &&
+        m_connection->flush();
     const Status status = finish(*m_connection, m_what);
     return status.ok() && !m_sent ? m_connection->failure(m_what, nullptr) : status;
 }

@@ -44,7 +44,8 @@ Status PostgresStore::readLog(int64_t cursor, int limit, std::vector<Change>* ch
         const Status status = ready();
         if (!status.ok())
             return status;
-        m_listener.revive(m_url); // before the rows: what comes in between is announced
+        if (m_followed)
+            m_listener.revive(m_url); // before the rows: what comes in between is announced
         // One statement is one snapshot.
         const Result result = m_connection.query(
             std::string("WITH ends AS (SELECT (SELECT \"id\" FROM public.\"NciPruned\") AS pruned, "
@@ -75,11 +76,23 @@ Status PostgresStore::readLog(int64_t cursor, int limit, std::vector<Change>* ch
 
 Status PostgresStore::pruneLog(int64_t id) {
     return guarded([&] {
+        const Connection::Unhurried unhurried(m_connection);
         return inWrite([&] {
             return send("DELETE FROM public.\"NciEvent\" WHERE \"id\" <= $1",
                         Parameters().integer(id), logName, true);
         });
     });
+}
+
+int PostgresStore::wakeFd() const {
+    if (!m_followed) {
+        m_followed = true;
+        guarded([&]() -> Status {
+            m_listener.revive(m_url);
+            return {};
+        });
+    }
+    return m_listener.fd();
 }
 
 void PostgresStore::takeWake() {
@@ -94,7 +107,8 @@ bool PostgresStore::changed() {
     guarded([&]() -> Status {
         if (!m_connection.alive() || m_session.empty())
             return {};
-        m_listener.revive(m_url);
+        if (m_followed)
+            m_listener.revive(m_url);
         int64_t id = -1;
         const Status status = newest(&id, lookMilliseconds);
         result = !status.ok() || m_more || id != m_seen;
@@ -110,6 +124,7 @@ Status PostgresStore::integrity(std::vector<std::string>* damages) {
         const Status status = ready();
         if (!status.ok())
             return status;
+        const Connection::Unhurried unhurried(m_connection); // all there is gets read
         std::vector<std::string> found;
         const auto lines = [&](const std::string& sql) -> Status {
             const Result result = m_connection.execute(sql);

@@ -306,6 +306,7 @@ Status migrate(Connection& connection, const std::vector<std::string>& steps, bo
     const char what[] = "Обновление хранилища";
     if (std::string_view(PQparameterStatus(connection.get(), "server_encoding")) != "UTF8")
         return {Refused, "Кодировка базы не UTF8"};
+    const Connection::Unhurried unhurried(connection);
     Result result = connection.execute("BEGIN; SELECT pg_advisory_xact_lock(1332901487, 2)");
     if (!succeeded(result.get()))
         return connection.failure(what, result.get());

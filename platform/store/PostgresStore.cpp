@@ -69,10 +69,7 @@ Status PostgresStore::start() {
                 return m_connection.failure(
                     "Хранилище " + shown(displayName()) + ", " + inTable(*table), result.get());
         }
-        const Status status = connect();
-        if (status.ok())
-            m_listener.revive(m_url);
-        return status;
+        return connect();
     });
 }
 

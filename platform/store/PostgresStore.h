@@ -5,7 +5,8 @@
 // administrator's command does; for anyone else that option has no effect.
 //
 // Connections: a lost one is made anew by the next call, within the time that the URL's
-// connect_timeout allows (3 s). The call that meets the loss fails with ConnectionBroken. A write
+// connect_timeout allows (3 s). The call that meets the loss fails with ConnectionBroken, and with
+// Timeout if the thread's patience ends it. A write
 // that does finds out, when it can reach the server again within a few seconds, whether it was
 // saved: then it succeeds, or says that it was not; otherwise it says that nobody knows.
 #ifndef ORVO_PLATFORM_STORE_POSTGRESSTORE_H
@@ -42,7 +43,7 @@ public:
     Status logPosition(int64_t* id) override;
     Status readLog(int64_t cursor, int limit, std::vector<Change>* changes) override;
     Status pruneLog(int64_t id) override;
-    int wakeFd() const override { return m_listener.fd(); }
+    int wakeFd() const override;
     void takeWake() override;
     bool changed() override;
 
@@ -115,7 +116,8 @@ private:
     const std::string m_asLogin; ///< to write under; empty: the session's user
     Connection m_connection;
     std::string m_session; ///< a number that only this connection has locked
-    Listener m_listener;
+    mutable Listener m_listener;
+    mutable bool m_followed = false; ///< someone asked for the descriptor: the listener connects
 
     std::deque<Sent> m_sent;
     Status m_failure;

@@ -3,6 +3,7 @@
 #include "platform/store/PostgresStore.h"
 
 #include "platform/store/Names.h"
+#include "platform/store/Patience.h"
 #include "platform/store/PostgresCopy.h"
 #include "platform/store/PostgresSchema.h"
 #include "platform/store/Sql.h"
@@ -20,6 +21,8 @@ constexpr size_t mostOutstanding = 512;
 
 /// How long the outcome of a commit is looked for after the connection broke.
 constexpr std::chrono::seconds outcomePatience(5);
+
+const char unknownOutcome[] = ": неизвестно, сохранено ли изменение";
 
 const char dataTable[] = "public.\"MenuResourceFileData\"";
 
@@ -80,7 +83,7 @@ Status PostgresStore::send(const std::string& sql, const Parameters& parameters,
 void PostgresStore::receiveOne() {
     const Sent sent = std::move(m_sent.front());
     m_sent.pop_front();
-    while (const Result result{PQgetResult(m_connection.get())}) {
+    while (const Result result = m_connection.next()) {
         if (succeeded(result.get()))
             continue;
         if (!sent.prepared.empty())
@@ -110,7 +113,7 @@ Status PostgresStore::settle() {
             m_failure = m_connection.failure("Запись", nullptr);
         receive(0);
         while (m_connection.usable()) { // up to the mark itself
-            const Result mark(PQgetResult(m_connection.get()));
+            const Result mark = m_connection.next();
             if (PQresultStatus(mark.get()) == PGRES_PIPELINE_SYNC)
                 break;
         }
@@ -118,7 +121,7 @@ Status PostgresStore::settle() {
             m_failure = m_connection.failure("Запись", nullptr);
     }
     if (!m_connection.usable() && m_failure.ok())
-        m_failure = {ConnectionBroken, "Запись: соединение с базой потеряно"};
+        m_failure = m_connection.failure("Запись", nullptr);
     return m_failure;
 }
 
@@ -174,21 +177,25 @@ Status PostgresStore::inWrite(const Work& work) {
     }
     m_sent.clear();
     m_failure = {};
-    if (status.code != ConnectionBroken)
+    if (status.code != ConnectionBroken && !m_connection.givenUp())
         return status;
     if (!m_commitSent)
-        return {ConnectionBroken, status.text + notSaved};
+        return {status.code, status.text + notSaved};
+    if (m_connection.givenUp()) // and so is the search for the outcome
+        return {Timeout, status.text + unknownOutcome};
     return findOut(call, since, session);
 }
 
 Status PostgresStore::findOut(const std::string& call, int64_t since, const std::string& session) {
-    const std::string lost = "Соединение с базой потеряно при записи: ";
-    const Status unknown = {ConnectionBroken, lost + "неизвестно, сохранено ли изменение"};
+    const std::string lost = "Соединение с базой потеряно при записи";
+    const Status unknown = {ConnectionBroken, lost + unknownOutcome};
     const auto end = std::chrono::steady_clock::now() + outcomePatience;
     while (!connect().ok()) {
-        if (std::chrono::steady_clock::now() > end)
+        if (m_connection.givenUp() || std::chrono::steady_clock::now() > end)
             return unknown;
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        std::this_thread::sleep_for(std::chrono::milliseconds(waitStepMs));
+        if (!stillPatient())
+            return unknown;
     }
     // The old session may not have noticed anything yet and commit later. It holds the lock of its
     // number as long as it lives.
@@ -213,7 +220,7 @@ Status PostgresStore::findOut(const std::string& call, int64_t since, const std:
         return {};
     if (booleanAt(found.get(), 0, 1))
         return unknown; // the log was pruned in the meantime
-    return {ConnectionBroken, lost + "изменения не сохранены"};
+    return {ConnectionBroken, lost + ": изменения не сохранены"};
 }
 
 // The writes -------------------------------------------------------------------------------------
@@ -248,6 +255,7 @@ Status PostgresStore::applyContent(const Write& write, std::string_view bytes) {
         status = settle();
     if (!status.ok() || bytes.empty())
         return status;
+    const Connection::Unhurried unhurried(m_connection); // a large file, a slow disk
     return copyIn(m_connection, copyContentIn, "Содержимое файла", write.key, bytes);
 }
 

@@ -5,6 +5,7 @@
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/FolderTree.h"
 #include "platform/store/Maintenance.h"
+#include "platform/store/Patience.h"
 #include "platform/store/Store.h"
 #include "platform/store/WritePlan.h"
 
@@ -22,6 +23,7 @@ Status statusOfException() noexcept;
 /// interface.
 template <typename Body>
 Status guarded(const Body& body) noexcept {
+    const CallMark mark;
     try {
         return body();
     } catch (...) {

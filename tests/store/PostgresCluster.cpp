@@ -22,23 +22,44 @@ std::unique_ptr<PostgresCluster> PostgresCluster::start() {
     cluster->m_pipe.reset(popen(QFile::encodeName(command).constData(), "we"));
     QElapsedTimer clock;
     clock.start();
-    QFile ready(directory.filePath("ready"));
+    const QFile ready(directory.filePath("ready"));
     QFile failed(directory.filePath("failed"));
     while (!ready.exists() && !failed.exists() && clock.elapsed() < 90000)
         QThread::msleep(20);
-    if (!ready.open(QIODevice::ReadOnly)) {
+    if (!cluster->readReady()) {
         failed.open(QIODevice::ReadOnly);
         qWarning("No PostgreSQL: %s", failed.readAll().constData());
         return nullptr;
     }
-    const QList<QByteArray> lines = ready.readAll().split('\n');
-    cluster->m_programs = QFile::decodeName(lines.value(0));
-    cluster->m_data = QFile::decodeName(lines.value(1));
-    cluster->m_as = QString(lines.value(2)).split(' ', Qt::SkipEmptyParts);
     return cluster;
 }
 
+bool PostgresCluster::readReady() {
+    QFile ready(m_directory + "/ready");
+    if (!ready.open(QIODevice::ReadOnly))
+        return false;
+    const QList<QByteArray> lines = ready.readAll().split('\n');
+    m_programs = QFile::decodeName(lines.value(0));
+    m_data = QFile::decodeName(lines.value(1));
+    m_as = QString(lines.value(2)).split(' ', Qt::SkipEmptyParts);
+    return true;
+}
+
+PostgresCluster* PostgresCluster::shared() {
+    static const std::unique_ptr<PostgresCluster> cluster = [] {
+        QFile where(QFile::decodeName(qgetenv("ORVO_PG_CLUSTER")));
+        std::unique_ptr<PostgresCluster> running(new PostgresCluster);
+        if (where.open(QIODevice::ReadOnly))
+            running->m_directory = QFile::decodeName(where.readAll().trimmed());
+        return running->readReady() ? std::move(running) : start();
+    }();
+    return cluster.get();
+}
+
 PostgresCluster::~PostgresCluster() {
+    if (!m_pipe)
+        return; // another's
+    thaw();
     m_pipe.reset();
     QElapsedTimer clock;
     clock.start();
@@ -82,6 +103,52 @@ bool PostgresCluster::shell(const QString& database, const QByteArray& sql, QByt
     if (output != nullptr)
         *output = shell.readAll().trimmed();
     return finished && shell.exitStatus() == QProcess::NormalExit && shell.exitCode() == 0;
+}
+
+bool PostgresCluster::terminateAll() const {
+    return shell("postgres",
+                 "SELECT pg_terminate_backend(pid, 10000) FROM pg_stat_activity WHERE pid <> "
+                 "pg_backend_pid() AND backend_type = 'client backend';");
+}
+
+bool PostgresCluster::startStandby() const {
+    const QString standby = m_directory + "/standby";
+    QByteArray words;
+    if (!run("pg_basebackup",
+             {"-h", m_directory, "-U", "postgres", "-D", standby, "-R", "-X", "stream", "-c",
+              "fast", "--no-sync"},
+             &words)) {
+        qWarning("%s", words.constData());
+        return false;
+    }
+    return run("pg_ctl", {"start", "-s", "-w", "-D", standby, "-o", "-p 5433", "-l",
+                          standby + "/server.log"}) &&
+           shell("postgres",
+                 "ALTER SYSTEM SET synchronous_standby_names = '*'; SELECT pg_reload_conf();");
+}
+
+std::string PostgresCluster::urlOfBoth(const std::string& database) const {
+    const std::string directory = m_directory.toStdString();
+    return "postgresql://postgres@/" + database + "?host=" + directory + "," + directory +
+           "&port=5432,5433&target_session_attrs=read-write";
+}
+
+bool PostgresCluster::failOver() const {
+    return run("pg_ctl", {"stop", "-s", "-m", "immediate", "-D", m_data}) &&
+           run("pg_ctl", {"promote", "-s", "-w", "-D", m_directory + "/standby"}) &&
+           shell("postgres",
+                 "ALTER SYSTEM SET synchronous_standby_names = ''; SELECT pg_reload_conf();",
+                 nullptr, "postgres", "5433");
+}
+
+bool PostgresCluster::signalAll(const char* name) const {
+    QFile file(m_data + "/postmaster.pid");
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QString postmaster = file.readLine().trimmed();
+    // The postmaster first, so that it makes no more; its own processes are its children.
+    return !postmaster.isEmpty() && QProcess::execute("kill", {"-s", name, postmaster}) == 0 &&
+           QProcess::execute("pkill", {"--signal", name, "-P", postmaster}) == 0;
 }
 
 bool PostgresCluster::restart(const char* mode) const {

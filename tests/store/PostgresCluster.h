@@ -18,6 +18,9 @@ public:
     /// Null, with a warning, if no server comes up. Local users are trusted, but for the login
     /// "needs_password". "postgres" is the superuser.
     static std::unique_ptr<PostgresCluster> start();
+    /// One for the whole process: that of the CTest run, if ORVO_PG_CLUSTER names the file that
+    /// tells where it is, else its own. Nobody stops or freezes it. Null as with start.
+    static PostgresCluster* shared();
     ~PostgresCluster();
 
     /// The URL of a database; `user` with a password, if need be.
@@ -33,9 +36,26 @@ public:
                const QString& user = "postgres", const QString& port = "5432") const;
     /// pg_ctl restart, by default without any warning to those connected.
     bool restart(const char* mode = "immediate") const;
+    /// Ends every session on the server but the one that asks, and waits until they are gone.
+    bool terminateAll() const;
+
+    /// Starts a standby at port 5433 of the same directory; from then on a commit is reported when
+    /// the standby has it too.
+    bool startStandby() const;
+    /// The URL with both servers.
+    std::string urlOfBoth(const std::string& database) const;
+    /// Stops the first server at once and lets the standby take over. The first stays down.
+    bool failOver() const;
+
+    /// Stops every process of the server where it stands, and lets them go on. A frozen server is
+    /// let go on before it is taken down.
+    bool freeze() const { return signalAll("STOP"); }
+    bool thaw() const { return signalAll("CONT"); }
 
 private:
     PostgresCluster() = default;
+    bool readReady();
+    bool signalAll(const char* name) const;
     struct Close {
         void operator()(FILE* pipe) const { pclose(pipe); }
     };

@@ -37,12 +37,7 @@ protected:
                 const QString& user = "postgres") const {
         return m_cluster->shell(m_database, sql, output, user);
     }
-    /// Ends every session on the server but the one that asks, and waits until they are gone.
-    bool terminateAll() const {
-        return m_cluster->shell(
-            "postgres", "SELECT pg_terminate_backend(pid, 10000) FROM pg_stat_activity WHERE pid "
-                        "<> pg_backend_pid() AND backend_type = 'client backend';");
-    }
+    bool terminateAll() const { return m_cluster->terminateAll(); }
 
     std::unique_ptr<PostgresCluster> m_cluster;
     QString m_database;

@@ -2,11 +2,14 @@
 
 #include "PostgresCluster.h"
 
+#include "platform/store/PostgresApi.h"
 #include "platform/store/Store.h"
 
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
+
+#include <unistd.h>
 
 namespace orvo::store::test {
 
@@ -47,55 +50,148 @@ private:
     std::unique_ptr<QTemporaryDir> m_directory;
 };
 
+QByteArray rawPostgresText(const QByteArray& bytes) {
+    return "convert_from('\\x" + bytes.toHex() + "', 'UTF8')";
+}
+
 /// One server for all cases, with a database for each.
 class PostgresKind : public StoreKind {
 public:
+    ~PostgresKind() override { drop(); }
     QByteArray name() const override { return "postgresql"; }
 
     bool renew() override {
-        if (!m_cluster)
-            m_cluster = PostgresCluster::start();
-        Status status = {Failed, "no server"};
-        if (!m_cluster)
-            return false;
-        if (m_number > 0)
-            m_cluster->shell("postgres", "DROP DATABASE \"" + database() + "\" WITH (FORCE);");
-        ++m_number;
+        drop();
+        return PostgresCluster::shared() != nullptr && make();
+    }
+
+    std::string url() const override {
+        return PostgresCluster::shared()->url(m_database.toStdString());
+    }
+
+    bool byHand(const QByteArray& sql, QByteArray* output) override {
+        return PostgresCluster::shared()->shell(m_database, sql, output);
+    }
+
+    QByteArray handLogin() const override { return "postgres"; }
+
+    QByteArray rawText(const QByteArray& bytes) const override { return rawPostgresText(bytes); }
+
+protected:
+    bool make() {
+        static int number = 0;
+        m_database = "orvo" + QByteArray::number(::getpid()) + '_' + QByteArray::number(++number);
+        Status status;
         if (open(url(), {"maker", true}, &status))
             return true;
         qWarning("%s", status.text.c_str());
         return false;
     }
-
-    std::string url() const override { return m_cluster->url(database().toStdString()); }
-
-    bool byHand(const QByteArray& sql, QByteArray* output) override {
-        return m_cluster->shell(database(), sql, output);
+    void drop() {
+        if (!m_database.isEmpty())
+            PostgresCluster::shared()->shell("postgres",
+                                             "DROP DATABASE \"" + m_database + "\" WITH (FORCE);");
+        m_database.clear();
     }
+    QByteArray m_database;
+};
 
-    QByteArray handLogin() const override { return "postgres"; }
+/// Databases that have been used serve the next; the last ones go with the server.
+class QuickPostgresKind : public PostgresKind {
+public:
+    ~QuickPostgresKind() override { giveBack(); }
 
-    QByteArray rawText(const QByteArray& bytes) const override {
-        return "convert_from('\\x" + bytes.toHex() + "', 'UTF8')";
+    bool renew() override {
+        giveBack();
+        if (PostgresCluster::shared() == nullptr)
+            return false;
+        std::vector<QByteArray>& used = usedOnes();
+        if (!used.empty()) {
+            m_database = used.back();
+            used.pop_back();
+            if (empty())
+                return true;
+            drop();
+        }
+        return make();
     }
 
 private:
-    QByteArray database() const { return "orvo" + QByteArray::number(m_number); }
-    std::unique_ptr<PostgresCluster> m_cluster;
-    int m_number = 0;
+    static std::vector<QByteArray>& usedOnes() {
+        static std::vector<QByteArray> names;
+        return names;
+    }
+    void giveBack() {
+        if (!m_database.isEmpty())
+            usedOnes().push_back(m_database);
+        m_database.clear();
+    }
+    /// As a new store; false if it cannot be made one, for want of a table, for example.
+    bool empty() const {
+        postgres::Url address;
+        postgres::Connection connection;
+        if (!address.parse(url()).ok() || !connection.open(address).ok())
+            return false;
+        std::string sql = "SET session_replication_role = replica; TRUNCATE public.\"NciEvent\", "
+                          "public.\"MenuResourceFile\", public.\"MenuResourceFileData\"";
+        for (const TableDef& table : tables())
+            sql += ", public.\"" + std::string(table.name) + "\"";
+        sql += "; UPDATE public.\"NciPruned\" SET \"id\" = 0; "
+               "SELECT setval('public.\"NciEventId\"', 1, false)";
+        return postgres::succeeded(connection.execute(sql).get());
+    }
 };
 
 } // namespace
 
 std::vector<std::unique_ptr<StoreKind>> storeKinds() {
     std::vector<std::unique_ptr<StoreKind>> kinds;
-    // ORVO_STORE_KIND names one of them, for a closer look.
     const QByteArray only = qgetenv("ORVO_STORE_KIND");
     if (only.isEmpty() || only == "sqlite")
         kinds.push_back(std::make_unique<SqliteKind>());
     if (only.isEmpty() || only == "postgresql")
         kinds.push_back(std::make_unique<PostgresKind>());
     return kinds;
+}
+
+namespace {
+
+class GivenKind : public StoreKind {
+public:
+    GivenKind(const PostgresCluster& cluster, QByteArray database, std::string url)
+        : m_cluster(cluster)
+        , m_database(std::move(database))
+        , m_url(std::move(url)) {}
+    QByteArray name() const override { return "postgresql"; }
+    bool renew() override {
+        Status status;
+        return open(m_url, {{}, true}, &status) != nullptr;
+    }
+    std::string url() const override { return m_url; }
+    bool byHand(const QByteArray& sql, QByteArray* output) override {
+        return m_cluster.shell(m_database, sql, output, "postgres", "5432") ||
+               m_cluster.shell(m_database, sql, output, "postgres", "5433");
+    }
+    QByteArray handLogin() const override { return "postgres"; }
+    QByteArray rawText(const QByteArray& bytes) const override { return rawPostgresText(bytes); }
+
+private:
+    const PostgresCluster& m_cluster;
+    const QByteArray m_database;
+    const std::string m_url;
+};
+
+} // namespace
+
+std::unique_ptr<StoreKind> kindOn(const PostgresCluster& cluster, const QByteArray& database,
+                                  const std::string& url) {
+    return std::make_unique<GivenKind>(cluster, database, url);
+}
+
+std::unique_ptr<StoreKind> quickStoreKind() {
+    if (qgetenv("ORVO_STORE_KIND") == "postgresql")
+        return std::make_unique<QuickPostgresKind>();
+    return std::make_unique<SqliteKind>();
 }
 
 } // namespace orvo::store::test

@@ -27,7 +27,18 @@ public:
     virtual QByteArray rawText(const QByteArray& bytes) const = 0;
 };
 
+/// All kinds, or the one that ORVO_STORE_KIND names, for a closer look.
 std::vector<std::unique_ptr<StoreKind>> storeKinds();
+
+/// The kind that ORVO_STORE_KIND names; SQLite by default. Its renew is quick: what is left of
+/// another store that was used and given back is emptied.
+std::unique_ptr<StoreKind> quickStoreKind();
+
+class PostgresCluster;
+/// A database of a server that the test may do anything to; renew makes the store if there is none.
+/// By hand it is written at whichever of the ports 5432 and 5433 answers.
+std::unique_ptr<StoreKind> kindOn(const PostgresCluster& cluster, const QByteArray& database,
+                                  const std::string& url);
 
 } // namespace orvo::store::test
 

@@ -228,20 +228,9 @@ void TestBreaks::crashOfTheServerDuringAStreamLosesNothing() {
 
 void TestBreaks::standbyTakesOverDuringAStream() {
     // Last: the first server stays down.
-    const QString standby = m_cluster->directory() + "/standby";
-    QByteArray words;
-    QVERIFY2(m_cluster->run("pg_basebackup",
-                            {"-h", m_cluster->directory(), "-U", "postgres", "-D", standby, "-R",
-                             "-X", "stream", "-c", "fast", "--no-sync"},
-                            &words),
-             words);
-    QVERIFY(m_cluster->run("pg_ctl", {"start", "-s", "-w", "-D", standby, "-o", "-p 5433", "-l",
-                                      standby + "/server.log"}));
-    // A commit is reported when the standby has it too.
-    QVERIFY(byHand("ALTER SYSTEM SET synchronous_standby_names = '*'; SELECT pg_reload_conf();"));
+    QVERIFY(m_cluster->startStandby());
     const std::string directory = m_cluster->directory().toStdString();
-    const std::string url = "postgresql://postgres@/" + m_database.toStdString() +
-                            "?host=" + directory + "," + directory + "&port=5432,5433";
+    const std::string url = m_cluster->urlOfBoth(m_database.toStdString());
     // The standby may come first: it takes no writes, so it is passed over.
     const std::string turned = "postgresql://postgres@/" + m_database.toStdString() +
                                "?host=" + directory + "," + directory + "&port=5433,5432";
@@ -256,13 +245,7 @@ void TestBreaks::standbyTakesOverDuringAStream() {
     {
         Stream stream(url);
         QTRY_VERIFY_WITH_TIMEOUT(stream.savedCount() > 30, 60000);
-        QVERIFY(
-            m_cluster->run("pg_ctl", {"stop", "-s", "-m", "immediate", "-D", m_cluster->data()}));
-        QVERIFY(m_cluster->run("pg_ctl", {"promote", "-s", "-w", "-D", standby}));
-        QVERIFY(m_cluster->shell("postgres",
-                                 "ALTER SYSTEM SET synchronous_standby_names = ''; SELECT "
-                                 "pg_reload_conf();",
-                                 &words, "postgres", "5433"));
+        QVERIFY(m_cluster->failOver());
         const size_t before = stream.savedCount();
         QTRY_VERIFY_WITH_TIMEOUT(stream.savedCount() > before + 30, 60000);
         stream.end();
