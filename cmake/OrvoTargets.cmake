@@ -43,24 +43,47 @@ function(orvo_menu_library)
   set_target_properties(OrvoMenu PROPERTIES LINK_DEPENDS "${CMAKE_SOURCE_DIR}/frame/exports.map")
 endfunction()
 
-# orvo_test(<name> SOURCES ... LINK ... [LABELS ...] [XVFB]): one QtTest executable, run by CTest
-# without a display, or with one of its own (XVFB).
+# orvo_test(<name> SOURCES ... LINK ... [LABELS ...] [XVFB] [POSTGRES]): one QtTest executable, run
+# by CTest without a display, or with one of its own (XVFB). POSTGRES: run once more as
+# <name>_postgres on a PostgreSQL store; one cluster serves all of those.
 function(orvo_test name)
-  cmake_parse_arguments(ARG "XVFB" "TIMEOUT" "SOURCES;LINK;LABELS" ${ARGN})
+  cmake_parse_arguments(ARG "XVFB;POSTGRES" "TIMEOUT" "SOURCES;LINK;LABELS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   set_target_properties(${name} PROPERTIES AUTOMOC ON
     RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
   target_link_libraries(${name} PRIVATE ${ARG_LINK} Qt5::Test)
-  if(ARG_XVFB)
-    add_test(NAME ${name} COMMAND "${CMAKE_SOURCE_DIR}/scripts/with-display" $<TARGET_FILE:${name}>)
-  else()
-    add_test(NAME ${name} COMMAND ${name})
-    set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT QT_QPA_PLATFORM=offscreen)
-  endif()
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 300)
   endif()
-  set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}")
+  orvo_run(${name} ${name} ${ARG_XVFB} ${ARG_TIMEOUT} "${ARG_LABELS}")
+  if(ARG_POSTGRES)
+    orvo_run(${name}_postgres ${name} ${ARG_XVFB} ${ARG_TIMEOUT} "${ARG_LABELS};postgres")
+    set_property(TEST ${name}_postgres APPEND PROPERTY ENVIRONMENT
+      ORVO_STORE_KIND=postgresql "ORVO_PG_CLUSTER=${CMAKE_BINARY_DIR}/pg-cluster.path")
+    set_tests_properties(${name}_postgres PROPERTIES FIXTURES_REQUIRED postgres)
+  endif()
+endfunction()
+
+# orvo_postgres_fixture(): starts the cluster of the <name>_postgres tests before the first of them
+# and stops it after the last.
+function(orvo_postgres_fixture)
+  foreach(verb start stop)
+    add_test(NAME postgres_${verb} COMMAND "${CMAKE_SOURCE_DIR}/scripts/pg-fixture" ${verb}
+      "${CMAKE_BINARY_DIR}/pg-cluster.path")
+  endforeach()
+  set_tests_properties(postgres_start PROPERTIES FIXTURES_SETUP postgres)
+  set_tests_properties(postgres_stop PROPERTIES FIXTURES_CLEANUP postgres)
+endfunction()
+
+# One run of a test's executable; for orvo_test.
+function(orvo_run name target xvfb timeout labels)
+  if(xvfb)
+    add_test(NAME ${name} COMMAND "${CMAKE_SOURCE_DIR}/scripts/with-display" $<TARGET_FILE:${target}>)
+  else()
+    add_test(NAME ${name} COMMAND ${target})
+    set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT QT_QPA_PLATFORM=offscreen)
+  endif()
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${timeout} LABELS "${labels}")
   # Qt and the X libraries keep caches until exit; leaks of our own are found by the suppressions'
   # narrowness: they name those libraries only.
   set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT

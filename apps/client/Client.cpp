@@ -7,6 +7,7 @@
 #include "apps/client/MainWindow.h"
 #include "apps/client/Showcase.h"
 #include "apps/client/StatusLine.h"
+#include "apps/client/WindowPatience.h"
 
 #include <QAbstractScrollArea>
 #include <QApplication>
@@ -52,7 +53,8 @@ bool Client::open(QString* error) {
     store::OpenOptions how;
     how.login = m_options.login.toStdString();
     auto store = store::open(m_options.store.toStdString(), how, &status);
-    if (store)
+    auto reader = store ? store::open(m_options.store.toStdString(), how, &status) : nullptr;
+    if (reader)
         m_session = client::makeSession(std::move(store), &status);
     if (!m_session) {
         *error = QString::fromStdString(status.text);
@@ -69,7 +71,11 @@ bool Client::open(QString* error) {
     m_logModule = std::make_unique<COrvoCliMod>(&m_app);
     m_app.m_logModule = m_logModule.get();
     m_mirror = std::make_unique<FileMirror>(client::sessionStore(*m_session), m_options.workDir);
-    m_pump = std::make_unique<client::NotificationPump>(*m_session, m_modules);
+    m_pump = std::make_unique<client::NotificationPump>(*m_session, m_modules, std::move(reader));
+    m_patience = std::make_unique<WindowPatience>(
+        QString::fromStdString(client::sessionStore(*m_session).displayName()),
+        QCoreApplication::applicationFilePath());
+    m_patient = std::make_unique<store::PatienceScope>(m_patience.get());
     return m_options.inspect.isEmpty() || openInspector(error);
 }
 
@@ -108,7 +114,6 @@ void Client::show() {
 
 void Client::connectAll() {
     LogPane* log = m_window->logPane();
-    StatusLine* status = m_window->statusLine();
     connect(&m_app, &HostApp::logged, log, &LogPane::add);
     connect(&m_app, &HostApp::titleChanged, m_window.get(), &MainWindow::setTitle);
     connect(&m_app, &HostApp::formRequested, this, &Client::openForm);
@@ -128,14 +133,7 @@ void Client::connectAll() {
     });
     connect(m_pump.get(), &client::NotificationPump::changed, m_mirror.get(), &FileMirror::changed);
     connect(m_pump.get(), &client::NotificationPump::connectionChanged, this,
-            [this, status](bool up, const QString& text) {
-                status->setConnected(up, text);
-                if (up)
-                    m_app.log(LogInformation, QStringLiteral("Связь"),
-                              QStringLiteral("Связь с хранилищем восстановлена."));
-                else
-                    fail(QStringLiteral("Связь"), text);
-            });
+            &Client::connectionChanged);
     connect(
         m_pump.get(), &client::NotificationPump::logLost, this,
         [this] {
@@ -146,6 +144,16 @@ void Client::connectAll() {
     connect(m_window.get(), &MainWindow::reopenRequested, this,
             [this] { reopenModules(QStringLiteral("Модули открыты заново.")); });
     connect(m_window.get(), &MainWindow::closing, this, &Client::stop);
+}
+
+void Client::connectionChanged(bool up, const QString& text) {
+    m_window->statusLine()->setConnected(up, text);
+    m_mirror->setConnected(up);
+    if (up)
+        m_app.log(LogInformation, QStringLiteral("Связь"),
+                  QStringLiteral("Связь с хранилищем восстановлена."));
+    else
+        fail(QStringLiteral("Связь"), text);
 }
 
 void Client::openModules() {

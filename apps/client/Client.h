@@ -12,6 +12,7 @@
 #include "platform/client/ModuleRegistry.h"
 #include "platform/client/NotificationPump.h"
 #include "platform/client/Session.h"
+#include "platform/store/Patience.h"
 
 #include <memory>
 
@@ -20,6 +21,7 @@ namespace orvo::app {
 class FileMirror;
 class Inspector;
 class MainWindow;
+class WindowPatience;
 
 class Client : public QObject {
     Q_OBJECT
@@ -52,10 +54,13 @@ private:
     void openForm(const QString& request);
     void fail(const QString& place, const QString& text);
     void stop();
+    void connectionChanged(bool up, const QString& text);
 
     Options m_options;
     ModuleLibrary m_library;
     HostApp m_app;
+    std::unique_ptr<WindowPatience> m_patience; ///< of this thread, as long as the client lives
+    std::unique_ptr<store::PatienceScope> m_patient;
     std::unique_ptr<COrvoCliSes> m_session;
     std::unique_ptr<FileMirror> m_mirror;
     std::unique_ptr<MainWindow> m_window;

@@ -76,12 +76,23 @@ void FileMirror::changed(const store::Change& change) {
     if (!m_running)
         return;
     m_idle = false;
-    if (!m_compare.isActive())
+    if (m_connected && !m_compare.isActive())
         m_compare.start(gatherMs);
 }
 
+void FileMirror::setConnected(bool up) {
+    m_connected = up;
+    if (up) {
+        refresh();
+        return;
+    }
+    m_compare.stop();
+    m_step.stop();
+    m_idle = true;
+}
+
 void FileMirror::refresh() {
-    if (!m_running)
+    if (!m_running || !m_connected)
         return;
     m_idle = false;
     m_compare.start(0);
@@ -114,17 +125,22 @@ void FileMirror::compare() {
             wanted[key] = {std::move(parts), path, file.name, time};
         });
     if (!status.ok()) {
-        m_queue.clear();
-        m_step.stop();
         tell(QStringLiteral("Список файловой области не получен: %1")
                  .arg(QString::fromStdString(status.text)));
-        m_idle = true;
-        m_compare.start(retryMs);
+        tryLater();
         return;
     }
     m_contentChanged = false;
     removeStale(wanted);
     m_step.start(0);
+}
+
+void FileMirror::tryLater() {
+    m_queue.clear();
+    m_step.stop();
+    m_idle = true;
+    if (m_connected)
+        m_compare.start(retryMs);
 }
 
 void FileMirror::removeStale(const std::map<std::string, Wanted>& wanted) {
@@ -144,7 +160,10 @@ void FileMirror::step() {
     while (!m_queue.empty() && slice.elapsed() < sliceMs) {
         const Wanted next = std::move(m_queue.front());
         m_queue.pop_front();
-        fetch(next);
+        if (!fetch(next)) {
+            tryLater();
+            return;
+        }
     }
     if (m_queue.empty())
         finish();
@@ -152,23 +171,25 @@ void FileMirror::step() {
         m_step.start(0);
 }
 
-void FileMirror::fetch(const Wanted& wanted) {
+bool FileMirror::fetch(const Wanted& wanted) {
     std::vector<store::StoredFile> files;
     const store::Status status = m_store.fileGet(wanted.path, wanted.name, true, &files);
     const QString shown = QString::fromStdString(join(wanted.parts));
     if (!status.ok()) {
         tell(QStringLiteral("Файл «%1» не получен: %2")
                  .arg(shown, QString::fromStdString(status.text)));
-        return;
+        return status.code != store::ConnectionBroken && status.code != store::CannotConnect &&
+               status.code != store::Timeout;
     }
     if (files.empty())
-        return; // gone since the listing; its notification follows
+        return true; // gone since the listing; its notification follows
     if (!m_directory.write(wanted.parts, files.front().bytes, wanted.time)) {
         tell(QStringLiteral("Файл «%1» не записан в %2files: %3").arg(shown, m_workDir, reason()));
-        return;
+        return true;
     }
     m_manifest[join(wanted.parts)] = wanted.parts;
     m_touched = true;
+    return true;
 }
 
 void FileMirror::finish() {

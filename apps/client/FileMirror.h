@@ -32,6 +32,8 @@ public:
     void changed(const store::Change& change);
     /// Compares anew, e.g. after the change log had a gap.
     void refresh();
+    /// While the store does not answer nothing is asked of it; afterwards all is compared anew.
+    void setConnected(bool up);
     bool isIdle() const { return m_idle; }
 
 signals:
@@ -50,7 +52,9 @@ private:
     void step();
     void finish();
     void removeStale(const std::map<std::string, Wanted>& wanted);
-    void fetch(const Wanted& wanted);
+    /// False if the store does not answer.
+    bool fetch(const Wanted& wanted);
+    void tryLater();
     void tell(const QString& text);
     void readManifest();
     void writeManifest();
@@ -65,6 +69,7 @@ private:
     QSet<QString> m_told;
     bool m_contentChanged = false; ///< since the last comparison
     bool m_running = false;
+    bool m_connected = true;
     bool m_idle = true;
     bool m_touched = false;
 };

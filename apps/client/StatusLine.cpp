@@ -21,17 +21,18 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
     : QStatusBar(parent)
     , m_light(new QLabel(this))
     , m_connection(makeLabel({}, this))
-    , m_failure(new QToolButton(this)) {
+    , m_storeLabel(makeLabel(QStringLiteral("Хранилище: %1").arg(store), this))
+    , m_failure(new QToolButton(this))
+    , m_store(store) {
     m_light->setFixedSize(10, 10);
-    auto* storeLabel = makeLabel(QStringLiteral("Хранилище: %1").arg(store), this);
-    storeLabel->setObjectName(QStringLiteral("storeLabel"));
+    m_storeLabel->setObjectName(QStringLiteral("storeLabel"));
     auto* userLabel = makeLabel(QStringLiteral("Пользователь: %1").arg(login), this);
     userLabel->setObjectName(QStringLiteral("userLabel"));
     m_connection->setObjectName(QStringLiteral("connectionLabel"));
     setContentsMargins(8, 0, 4, 0);
     addWidget(m_light);
     addWidget(m_connection);
-    addWidget(storeLabel);
+    addWidget(m_storeLabel);
     addWidget(userLabel);
 
     m_failure->setObjectName(QStringLiteral("failureButton"));
@@ -49,7 +50,14 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
 void StatusLine::setConnected(bool up, const QString& reason) {
     m_light->setStyleSheet(QStringLiteral("background:%1;border-radius:5px")
                                .arg(up ? QStringLiteral("#3f9b5c") : QStringLiteral("#c9372c")));
-    m_connection->setText(up ? QStringLiteral("Подключено") : QStringLiteral("Нет связи"));
+    if (up)
+        m_since.clear();
+    else if (m_since.isEmpty())
+        m_since = QTime::currentTime().toString(QStringLiteral("HH:mm:ss"));
+    m_connection->setText(up ? QStringLiteral("Подключено")
+                             : QStringLiteral("Нет связи с %1 с %2").arg(m_store, m_since));
+    m_connection->setStyleSheet(up ? QString() : QStringLiteral("color:#9c2a20"));
+    m_storeLabel->setVisible(up); // the other label names it then
     m_connection->setToolTip(reason);
 }
 

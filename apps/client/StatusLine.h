@@ -14,6 +14,7 @@ class StatusLine : public QStatusBar {
 public:
     StatusLine(const QString& store, const QString& login, QWidget* parent = nullptr);
 
+    /// Shows the state of the connection; a lost one with the time at which that was first told.
     void setConnected(bool up, const QString& reason);
     /// Shows a failure, which stays until the user clicks it; later ones are counted with it.
     void setFailure(const QString& text);
@@ -25,7 +26,10 @@ private:
 
     QLabel* m_light; // these: children of the bar
     QLabel* m_connection;
+    QLabel* m_storeLabel;
     QToolButton* m_failure;
+    const QString m_store;
+    QString m_since; ///< time of the loss; empty: connected
     QString m_text;
     int m_count = 0;
 };

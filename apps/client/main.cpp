@@ -3,6 +3,7 @@
 #include "apps/client/Look.h"
 #include "apps/client/MainWindow.h"
 #include "apps/client/Options.h"
+#include "apps/client/WaitPane.h"
 
 #include <QApplication>
 
@@ -34,7 +35,8 @@ int main(int argc, char* argv[]) {
         arguments << QString::fromUtf8(argv[i]);
     orvo::app::Options options;
     QString error;
-    if (!orvo::app::parseOptions(arguments, &options, &error))
+    const bool pane = orvo::app::isWaitPane(argc, argv);
+    if (!pane && !orvo::app::parseOptions(arguments, &options, &error))
         return refuse(2, error);
     if (options.help || options.version) {
         const QString text = options.help ? orvo::app::helpText() : orvo::app::versionText();
@@ -54,6 +56,8 @@ int main(int argc, char* argv[]) {
     qInstallMessageHandler(usual);
     QCoreApplication::setApplicationName(QStringLiteral("orvo-client"));
     orvo::app::applyLook();
+    if (pane)
+        return orvo::app::runWaitPane(arguments);
 
     orvo::app::Client client(options);
     if (!client.open(&error))

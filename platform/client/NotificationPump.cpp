@@ -1,37 +1,33 @@
 #include "platform/client/NotificationPump.h"
 
 #include <QApplication>
-#include <QSocketNotifier>
 #include <QThread>
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace orvo::client {
 
 namespace {
 
-constexpr int pollMs = 1000;       ///< behind a wake-up descriptor
-constexpr int pollAloneMs = 100;   ///< without one
 constexpr int blockedRetryMs = 25; ///< while a dialog, menu or drag is up
-constexpr int lastRelookMs = 256;  ///< a commit takes no longer to become visible
-constexpr int firstBackOffMs = 250;
-constexpr int lastBackOffMs = 15000;
-constexpr int readLimit = 256; ///< rows of one read: a fraction of a slice
 constexpr int largestChunk = 64;
+constexpr size_t enoughBacklog = 1024; ///< more waits with the follower
 
 } // namespace
 
-NotificationPump::NotificationPump(COrvoCliSes& session, ModuleRegistry& modules, QObject* parent)
+NotificationPump::NotificationPump(COrvoCliSes& session, ModuleRegistry& modules,
+                                   std::unique_ptr<store::Store> reader, QObject* parent)
     : QObject(parent)
     , m_session(session)
     , m_modules(modules)
+    , m_follower(std::move(reader))
     , m_cursor(sessionCursor(session)) {
     m_step.setSingleShot(true);
     m_step.setTimerType(Qt::PreciseTimer);
     connect(&m_step, &QTimer::timeout, this, &NotificationPump::step);
-    connect(&m_poll, &QTimer::timeout, this, &NotificationPump::poll);
-    m_relook.setSingleShot(true);
-    connect(&m_relook, &QTimer::timeout, this, &NotificationPump::relook);
+    connect(&m_follower, &LogFollower::arrived, this, &NotificationPump::arrived);
     connect(&sessionEvents(session), &SessionEvents::written, this, &NotificationPump::request);
 }
 
@@ -39,24 +35,20 @@ NotificationPump::~NotificationPump() = default;
 
 void NotificationPump::start() {
     m_stopped = false;
-    watch();
+    m_follower.begin(m_cursor);
     request(); // what came since the session was made
 }
 
 bool NotificationPump::restart() {
     m_backlog.clear();
+    m_gap = false;
     const store::Status status = sessionStore(m_session).logPosition(&m_cursor);
-    m_stopped = false;
-    if (!status.ok()) {
-        connectionLost(status);
-        return false;
-    }
-    request();
-    return true;
+    start();
+    return status.ok();
 }
 
 bool NotificationPump::isIdle() const {
-    return m_backlog.empty() && !m_unread;
+    return m_stopped || (m_backlog.empty() && m_answered == m_asked);
 }
 
 bool NotificationPump::mayDeliver() const {
@@ -66,11 +58,8 @@ bool NotificationPump::mayDeliver() const {
 }
 
 void NotificationPump::request() {
-    if (m_stopped)
-        return;
-    m_unread = true;
-    if (m_backOffMs == 0 && !m_step.isActive())
-        m_step.start(untilNextFrame());
+    if (!m_stopped)
+        m_asked = m_follower.look();
 }
 
 /// However fast the changes come, the window is painted once a frame for all that came meanwhile.
@@ -80,36 +69,24 @@ int NotificationPump::untilNextFrame() const {
                : 0;
 }
 
-/// Follows the store's descriptor, which a new connection may have changed.
-void NotificationPump::watch() {
-    const int fd = sessionStore(m_session).wakeFd();
-    if (!m_notifier || m_notifier->socket() != fd) {
-        m_notifier.reset();
-        if (fd >= 0) {
-            m_notifier = std::make_unique<QSocketNotifier>(fd, QSocketNotifier::Read);
-            connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] {
-                sessionStore(m_session).takeWake();
-                request();
-                m_relook.start(1);
-            });
-        }
+/// The state of the connection shows at once; changes wait for the bare loop.
+void NotificationPump::arrived() {
+    const bool enough = m_stopped || m_backlog.size() >= enoughBacklog;
+    LogFollower::News news = enough ? m_follower.takeTurns() : m_follower.take();
+    if (!enough) {
+        std::move(news.changes.begin(), news.changes.end(), std::back_inserter(m_backlog));
+        m_answered = news.answered;
+        m_gap = m_gap || news.pruned;
     }
-    m_poll.start(fd >= 0 ? pollMs : pollAloneMs);
-}
-
-/// A wake-up may come before the change can be read: the writer has written, but its disk is still
-/// busy making it durable. So the log is looked at again, at growing intervals.
-void NotificationPump::relook() {
-    const int next = m_relook.interval() * 2;
-    poll();
-    if (next <= lastRelookMs)
-        m_relook.start(next);
-}
-
-void NotificationPump::poll() {
-    if (!m_stopped && m_backOffMs == 0 && !sessionBusy(m_session) &&
-        sessionStore(m_session).changed())
-        request();
+    if ((!m_backlog.empty() || m_gap) && !m_step.isActive())
+        m_step.start(untilNextFrame());
+    for (const store::Status& turn : news.turns) {
+        if (turn.ok()) {
+            m_reconnected = true;
+            m_step.start(0);
+        }
+        emit connectionChanged(turn.ok(), QString::fromStdString(turn.text));
+    }
 }
 
 void NotificationPump::step() {
@@ -119,40 +96,23 @@ void NotificationPump::step() {
         m_step.start(blockedRetryMs);
         return;
     }
-    if (m_unread && m_backlog.empty() && !readMore())
-        return;
-    deliverSlice();
-    if (!m_stopped && !isIdle() && !m_step.isActive())
-        m_step.start(untilNextFrame());
-}
-
-/// Reads the next rows of the log. False if there was no answer.
-bool NotificationPump::readMore() {
-    std::vector<store::Change> rows;
-    const store::Status status = sessionStore(m_session).readLog(m_cursor, readLimit, &rows);
-    if (status.code == store::LogPruned) {
-        m_stopped = true;
-        m_unread = false;
-        emit logLost();
-        return false;
-    }
-    if (!status.ok()) {
-        connectionLost(status);
-        return false;
-    }
-    m_unread = rows.size() == static_cast<size_t>(readLimit);
-    if (!rows.empty())
-        m_cursor = rows.back().id;
-    std::move(rows.begin(), rows.end(), std::back_inserter(m_backlog));
-    if (m_backOffMs != 0) {
-        m_backOffMs = 0;
-        watch();
-        emit connectionChanged(true, {});
+    if (std::exchange(m_reconnected, false)) {
         for (const QPointer<COrvoCliMod>& module : m_modules.modules(ModuleState::Running))
             if (module)
                 module->ModSesReconnect();
     }
-    return true;
+    deliverSlice();
+    if (m_stopped)
+        return;
+    if (m_backlog.size() < enoughBacklog && !m_gap)
+        arrived(); // what waited
+    if (m_backlog.empty() && m_gap) {
+        m_stopped = true;
+        m_gap = false;
+        emit logLost();
+    } else if (!m_backlog.empty() && !m_step.isActive()) {
+        m_step.start(untilNextFrame());
+    }
 }
 
 void NotificationPump::deliverSlice() {
@@ -183,16 +143,6 @@ void NotificationPump::deliverSlice() {
             break;
     }
     m_delivering = false;
-}
-
-void NotificationPump::connectionLost(const store::Status& status) {
-    const bool first = m_backOffMs == 0;
-    m_unread = true;
-    m_backOffMs = first ? firstBackOffMs : std::min(m_backOffMs * 2, lastBackOffMs);
-    m_notifier.reset(); // a dead descriptor would be readable for ever
-    m_step.start(m_backOffMs);
-    if (first)
-        emit connectionChanged(false, QString::fromStdString(status.text));
 }
 
 } // namespace orvo::client

@@ -1,14 +1,15 @@
 // NotificationPump.h: brings the changes of the store to the running modules.
 //
-// The change log is read past the session's cursor and handed to the modules in commit order, from
-// the bare event loop only: never while a slot runs a loop of its own, a modal dialog, a pop-up
-// menu or a drag is up, or a call of the session is running. Until then the changes stay in the
-// log. Delivery goes in slices of about sliceBudgetMs, one a frame, between which the window
-// answers and paints.
+// The change log is read past the session's cursor (by a LogFollower, beside the window) and handed
+// to the modules in commit order, from the bare event loop only: never while a slot runs a loop of
+// its own, a modal dialog, a pop-up menu or a drag is up, or a call of the session is running.
+// Until then the changes wait. Delivery goes in slices of about sliceBudgetMs, one a frame,
+// between which the window answers and paints.
 #ifndef ORVO_PLATFORM_CLIENT_NOTIFICATIONPUMP_H
 #define ORVO_PLATFORM_CLIENT_NOTIFICATIONPUMP_H
 
 #include "platform/client/Blocks.h"
+#include "platform/client/LogFollower.h"
 #include "platform/client/ModuleRegistry.h"
 #include "platform/client/Session.h"
 
@@ -16,8 +17,6 @@
 #include <QTimer>
 
 #include <deque>
-
-class QSocketNotifier;
 
 namespace orvo::client {
 
@@ -27,15 +26,17 @@ public:
     static constexpr int frameMs = 16;
     static constexpr int sliceBudgetMs = 10;
 
-    /// Session and registry outlive the pump. Nothing happens before start.
-    NotificationPump(COrvoCliSes& session, ModuleRegistry& modules, QObject* parent = nullptr);
+    /// Session and registry outlive the pump. `reader` is another way into the session's store, on
+    /// which the log is read; not null. Nothing happens before start.
+    NotificationPump(COrvoCliSes& session, ModuleRegistry& modules,
+                     std::unique_ptr<store::Store> reader, QObject* parent = nullptr);
     ~NotificationPump() override;
 
     /// Begins at the session's cursor.
     void start();
     /// Begins anew at the end of the log, after logLost and before the modules are opened anew.
-    /// False if the store does not answer; the connection is then reported as lost, and the pump
-    /// asks again by itself until logLost comes once more.
+    /// False if the store does not answer; the pump then goes on from where it was, and as soon as
+    /// the store answers, logLost comes once more if it is still due.
     bool restart();
     /// Whether everything that the log held at the last look has been delivered.
     bool isIdle() const;
@@ -48,34 +49,31 @@ signals:
     /// The log no longer reaches back to the cursor: the modules must be opened anew. The pump
     /// rests until restart.
     void logLost();
-    /// The store stopped or resumed answering; `text` says why it stopped.
+    /// The store stopped or resumed answering; `text` says why it stopped. May come at any time;
+    /// the modules hear of the resumption (ModSesReconnect) from the bare event loop only.
     void connectionChanged(bool up, const QString& text);
 
 private:
     void request();
+    void arrived();
     int untilNextFrame() const;
-    void watch();
-    void poll();
-    void relook();
     void step();
-    bool readMore();
     void deliverSlice();
-    void connectionLost(const store::Status& status);
 
     COrvoCliSes& m_session;
     ModuleRegistry& m_modules;
     NotificationMaker m_maker;
-    std::unique_ptr<QSocketNotifier> m_notifier;
-    QTimer m_poll;
+    LogFollower m_follower;
     QTimer m_step;
-    QTimer m_relook;
     QElapsedTimer m_sliceBegin; ///< of the last one
     std::deque<store::Change> m_backlog;
-    int64_t m_cursor;
-    int m_chunk = 1;       ///< changes handed over at once, by what they cost so far
-    int m_backOffMs = 0;   ///< 0: connected
-    bool m_unread = false; ///< the log may hold more
-    bool m_stopped = true; ///< before start, and after logLost
+    int64_t m_cursor;           ///< where the follower began
+    uint64_t m_asked = 0;       ///< number of the last look asked for
+    uint64_t m_answered = 0;    ///< number of the last look answered
+    int m_chunk = 1;            ///< changes handed over at once, by what they cost so far
+    bool m_reconnected = false; ///< the modules are to be told
+    bool m_gap = false;         ///< after the backlog the log has a gap
+    bool m_stopped = true;      ///< before start, and after logLost
     bool m_delivering = false;
 };
 

@@ -3,7 +3,6 @@
 #include "platform/mdx/MdxBuild.h"
 
 #include <QCloseEvent>
-#include <QProcess>
 
 namespace orvo::test {
 
@@ -96,9 +95,20 @@ QStringList Module::keys() const {
     return all;
 }
 
-Host::Host(const std::string& login) : path((dir.path() + "/orvo.db").toStdString()) {
+namespace {
+
+std::unique_ptr<store::test::StoreKind> renewedKind() {
+    auto kind = store::test::quickStoreKind();
+    if (!kind->renew())
+        qFatal("no store");
+    return kind;
+}
+
+} // namespace
+
+Host::Host(const std::string& login) : kind(renewedKind()), url(kind->url()) {
     store::Status status;
-    auto opened = store::open("sqlite://" + path, {login, true}, &status);
+    auto opened = store::open(url, {login, false}, &status);
     if (!opened)
         qFatal("no store: %s", status.text.c_str());
     session = client::makeSession(std::move(opened), &status);
@@ -119,7 +129,7 @@ Host::~Host() = default;
 
 std::unique_ptr<store::Store> Host::connectAgain(const std::string& login) const {
     store::Status status;
-    auto opened = store::open("sqlite://" + path, {login, false}, &status);
+    auto opened = store::open(url, {login, false}, &status);
     if (!opened)
         qFatal("no second connection: %s", status.text.c_str());
     return opened;
@@ -134,13 +144,11 @@ int Host::write(const char* table, uint32_t flag, const Fields& fields) {
 }
 
 bool Host::byHand(const QString& sql) const {
-    QProcess program;
-    program.start(QStringLiteral("sqlite3"), {QString::fromStdString(path), sql});
-    if (!program.waitForFinished(20000) || program.exitCode() != 0) {
-        qWarning("sqlite3: %s", program.readAllStandardError().constData());
-        return false;
-    }
-    return true;
+    QByteArray words;
+    const bool done = kind->byHand(sql.toUtf8() + ';', &words);
+    if (!done)
+        qWarning("by hand: %s", words.constData());
+    return done;
 }
 
 QString textOf(const MDArray* array, const MDRData* record, const char* field) {

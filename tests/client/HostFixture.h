@@ -1,11 +1,12 @@
-// HostFixture.h: a real SQLite store in a temporary directory, a session on it, and a module that
-// remembers what it was told.
+// HostFixture.h: a real store (of the kind that ORVO_STORE_KIND names, a file by default), a
+// session on it, and a module that remembers what it was told.
 #ifndef ORVO_TESTS_CLIENT_HOSTFIXTURE_H
 #define ORVO_TESTS_CLIENT_HOSTFIXTURE_H
 
 #include "frame/OrvoClient.h"
 #include "platform/client/Session.h"
 #include "platform/store/Store.h"
+#include "tests/store/StoreKinds.h"
 
 #include <QStringList>
 #include <QTemporaryDir>
@@ -77,7 +78,8 @@ public:
     ~Host();
 
     QTemporaryDir dir;
-    std::string path; ///< of the database file
+    std::unique_ptr<store::test::StoreKind> kind;
+    const std::string url; ///< of the store
     App app;
     std::unique_ptr<COrvoCliSes> session;
     QStringList failures; ///< "operation|code|text" of each failure reported
@@ -87,8 +89,10 @@ public:
     std::unique_ptr<store::Store> connectAgain(const std::string& login = "other") const;
     /// Writes one record through the session with that flag.
     int write(const char* table, uint32_t flag, const Fields& fields);
-    /// Runs SQL with the sqlite3 program, as an administrator would by hand.
+    /// Runs SQL with the database's own shell, as an administrator would by hand.
     bool byHand(const QString& sql) const;
+    /// The login in the log of what was written so.
+    QString handLogin() const { return QString::fromUtf8(kind->handLogin()); }
 };
 
 /// The text of a field, decoded; a null QString for NULL.

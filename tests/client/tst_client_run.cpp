@@ -63,7 +63,7 @@ struct Place : Host {
         return result;
     }
     QStringList usual(const QStringList& more = {}) const {
-        return QStringList{"--store",    QString::fromStdString(path),
+        return QStringList{"--store",    QString::fromStdString(url),
                            "--login",    "engineer",
                            "--work-dir", work} +
                more;
@@ -150,8 +150,10 @@ private slots:
 
     void aWorkDirectoryThatCannotBeIsNamed() {
         Place place;
-        Result result = place.run({"--store", QString::fromStdString(place.path), "--work-dir",
-                                   QString::fromStdString(place.path) + "/below", "--login", "x"});
+        QFile file(place.dir.path() + "/file");
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        Result result = place.run({"--store", QString::fromStdString(place.url), "--work-dir",
+                                   file.fileName() + "/below", "--login", "x"});
         QCOMPARE(result.code, 1);
         QVERIFY_ONE_LINE(result);
         QVERIFY(result.errors[0].contains("below"));
@@ -257,18 +259,19 @@ private slots:
         client.start(place.program, place.usual({"--module", "Menu"}));
         QStringList expected{"Menu start"};
         QTRY_COMPARE_WITH_TIMEOUT(linesOf(life), expected, 60000);
-        QVERIFY(place.byHand("insert into Menu(KeyLink) values('a')"));
+        QVERIFY(place.byHand("insert into \"Menu\"(\"KeyLink\") values('a')"));
         expected << "Menu message";
         QTRY_COMPARE_WITH_TIMEOUT(linesOf(life), expected, 10000);
         // In one transaction, so that the client cannot have read what is pruned.
-        QVERIFY(place.byHand("begin; insert into Menu(KeyLink) values('b'); delete from NciEvent; "
-                             "commit"));
+        QVERIFY(place.byHand(
+            "begin; insert into \"Menu\"(\"KeyLink\") values('b'); delete from \"NciEvent\"; "
+            "commit"));
         expected << "Menu close"
                  << "Menu stop"
                  << "Menu gone"
                  << "Menu start";
         QTRY_COMPARE_WITH_TIMEOUT(linesOf(life), expected, 10000);
-        QVERIFY(place.byHand("insert into Menu(KeyLink) values('c')"));
+        QVERIFY(place.byHand("insert into \"Menu\"(\"KeyLink\") values('c')"));
         expected << "Menu message";
         QTRY_COMPARE_WITH_TIMEOUT(linesOf(life), expected, 10000);
         client.kill();

@@ -17,7 +17,7 @@ namespace {
 struct Bench : Host {
     Module module{&app};
     client::ModuleRegistry registry;
-    client::NotificationPump pump{*session, registry};
+    client::NotificationPump pump{*session, registry, connectAgain()};
     QString work = dir.path() + "/work/";
     app::FileMirror mirror{store(), work};
     QStringList problems;

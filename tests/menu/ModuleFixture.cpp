@@ -8,8 +8,6 @@
 #include <QDir>
 #include <QItemSelectionModel>
 
-#include <sqlite3.h>
-
 namespace orvo::test {
 
 void setFields(CMDArray& table, MDRData* record, Fields fields) {
@@ -43,15 +41,22 @@ void setFields(CMDArray& table, MDRData* record, Fields fields) {
 // ---------------------------------------------------------------------------------------------
 // TestStore
 
-TestStore::TestStore() {
-    store::OpenOptions options;
-    options.login = "tester";
-    options.create = true;
-    store::Status status;
-    m_store = store::open(url(), options, &status);
-    if (!m_store)
-        qFatal("no store: %s", status.text.c_str());
+namespace {
+
+std::unique_ptr<store::test::StoreKind> renewedKind() {
+    auto kind = store::test::quickStoreKind();
+    if (!kind->renew())
+        qFatal("no store");
+    return kind;
 }
+
+} // namespace
+
+TestStore::TestStore() : TestStore(renewedKind()) {}
+
+TestStore::TestStore(std::unique_ptr<store::test::StoreKind> kind)
+    : m_kind(std::move(kind))
+    , m_store(connect()) {}
 
 TestStore::~TestStore() = default;
 
@@ -60,7 +65,11 @@ std::string TestStore::url() const {
     const QByteArray given = qgetenv("ORVO_TEST_STORE");
     if (!given.isEmpty())
         return given.toStdString();
-    return "sqlite://" + QDir(m_directory.path()).filePath("orvo.db").toStdString();
+    return m_kind->url();
+}
+
+QString TestStore::handLogin() const {
+    return QString::fromUtf8(m_kind->handLogin());
 }
 
 std::unique_ptr<store::Store> TestStore::connect(const char* login) const {
@@ -102,13 +111,9 @@ void TestStore::remove(const char* table, const char* key) {
 }
 
 void TestStore::sql(const char* statement) {
-    sqlite3* db = nullptr;
-    const std::string path = url().substr(sizeof "sqlite://" - 1);
-    char* error = nullptr;
-    if (sqlite3_open(path.c_str(), &db) != SQLITE_OK ||
-        sqlite3_exec(db, statement, nullptr, nullptr, &error) != SQLITE_OK)
-        qFatal("%s: %s", statement, error ? error : sqlite3_errmsg(db));
-    sqlite3_close(db);
+    QByteArray words;
+    if (!m_kind->byHand(QByteArray(statement) + ';', &words))
+        qFatal("%s: %s", statement, words.constData());
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -14,6 +14,7 @@
 #include "platform/store/Store.h"
 #include "tests/menu/WriteWatch.h"
 #include "tests/models/ModelWatch.h"
+#include "tests/store/StoreKinds.h"
 
 #include <QAction>
 #include <QStringList>
@@ -36,11 +37,13 @@ using Fields = std::initializer_list<std::pair<const char*, QVariant>>;
 /// Sets fields of a record and marks them as set. A field that the table lacks ends the test.
 void setFields(CMDArray& table, MDRData* record, Fields fields);
 
-/// A store file of its own, removed at the end. Writes go through the same door as a session's, or
-/// as SQL from a foreign hand.
+/// A store of its own, removed at the end: a file, or a database of a server if ORVO_STORE_KIND
+/// says so. Writes go through the same door as a session's, or as SQL from a foreign hand.
 class TestStore {
 public:
     TestStore();
+    /// One of the test's own making, already renewed.
+    explicit TestStore(std::unique_ptr<store::test::StoreKind> kind);
     ~TestStore();
 
     QString directory() const { return m_directory.path(); }
@@ -51,13 +54,16 @@ public:
     void insert(const char* table, Fields fields);
     void update(const char* table, Fields fields);
     void remove(const char* table, const char* key);
-    /// Executes SQL on the file itself.
+    /// Executes SQL with the database's own shell, so in words that every kind of store knows.
     void sql(const char* statement);
+    /// The login in the log of what was written so.
+    QString handLogin() const;
 
 private:
     void write(const char* table, MdxRecordFlag flag, Fields fields);
 
-    QTemporaryDir m_directory;
+    QTemporaryDir m_directory; ///< of the clients
+    std::unique_ptr<store::test::StoreKind> m_kind;
     std::unique_ptr<store::Store> m_store;
 };
 

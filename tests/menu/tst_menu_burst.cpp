@@ -76,7 +76,8 @@ struct Client {
         view("tvDesck")->expandAll();
         view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         view("tvMenu")->expandAll();
-        pump = std::make_unique<NotificationPump>(*host.m_session, registry);
+        pump =
+            std::make_unique<NotificationPump>(*host.m_session, registry, store.connect("reader"));
         pump->start();
         settle();
     }

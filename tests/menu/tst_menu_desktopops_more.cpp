@@ -416,7 +416,7 @@ void TestMenuDesktopOps::aVeryDeepFolderIsPasted() {
     addDesck(store, "f0", "", "Дно", true);
     store.sql("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 20000) "
               "INSERT INTO \"MenuFolder\" (\"KeyLink\", \"ParentKey\", \"caption\", \"order_\", "
-              "\"isFolder\") SELECT 'f' || i, 'f' || (i - 1), 'x', '1000', 1 FROM n");
+              "\"isFolder\") SELECT 'f' || i, 'f' || (i - 1), 'x', '1000', TRUE FROM n");
     TestHost host(store);
     EditorUnderTest<OperationsProbe> editor(host, "Menu");
     QVERIFY(editor.start());

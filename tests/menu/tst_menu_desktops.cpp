@@ -188,7 +188,7 @@ void TestMenuDesktops::aVeryDeepTreeIsLoaded() {
         QString("WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < %1) "
                 "INSERT INTO \"MenuFolder\" (\"KeyLink\", \"ParentKey\", \"caption\", \"order_\", "
                 "\"isFolder\") SELECT 'k' || i, CASE i WHEN 0 THEN NULL ELSE 'k' || (i - 1) END, "
-                "'n', '1000', 1 FROM n")
+                "'n', '1000', TRUE FROM n")
             .arg(depth - 1)));
     TestHost host(store);
     auto window = std::make_unique<MenuProbe>(&host);

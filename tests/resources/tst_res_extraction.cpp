@@ -252,7 +252,8 @@ void TestResExtraction::namesThatLeaveTheDirectoryAreSkipped() {
     put(host.ownStore().formPut("Котлы",
                                 {file("", "Boiler", "good"), file("", "Boiler.bad", "evil")}));
     store.sql(qPrintable(
-        QString("UPDATE MenuResourceFile SET name_ = '%1' WHERE name_ = 'Boiler.bad'").arg(name)));
+        QString("UPDATE \"MenuResourceFile\" SET \"name_\" = '%1' WHERE \"name_\" = 'Boiler.bad'")
+            .arg(name)));
     ResEditor editor(host, "Resources");
     QVERIFY(editor.start());
     QTemporaryDir outer;
@@ -292,13 +293,13 @@ void TestResExtraction::aFailedJobWritesNothing() {
     TestHost host(store);
     ResEditor editor(host, "Resources");
     QVERIFY(editor.start());
-    store.sql("ALTER TABLE MenuResourceFile RENAME TO Away");
+    store.sql("ALTER TABLE \"MenuResourceFile\" RENAME TO \"Away\"");
     QTemporaryDir target;
     select(editor, {"rboiler"});
     QVERIFY(extract(editor, target.path()));
     QVERIFY(QDir(target.path()).isEmpty());
     QCOMPARE(host.failures.size(), 1);
-    store.sql("ALTER TABLE Away RENAME TO MenuResourceFile");
+    store.sql("ALTER TABLE \"Away\" RENAME TO \"MenuResourceFile\"");
 }
 
 void TestResExtraction::theHostOpensTheForm_data() {

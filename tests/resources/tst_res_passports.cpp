@@ -212,12 +212,12 @@ void TestResPassports::aFailedJobLeavesTheCommonRows() {
     put(host.ownStore().formPut("Котлы", {file("", "Boiler", "1")}));
     ResEditor editor(host, "Resources");
     QVERIFY(editor.start());
-    store.sql("ALTER TABLE MenuResourceFile RENAME TO Away");
+    store.sql("ALTER TABLE \"MenuResourceFile\" RENAME TO \"Away\"");
     editor.view("tvRes")->setCurrentIndex(editor->row("rboiler"));
     QCOMPARE(rowsOf(*editor->m_propModel).size(), 7);
     QCOMPARE(host.failures.size(), 1);
     QVERIFY(!editor->m_popMessageBox);
-    store.sql("ALTER TABLE Away RENAME TO MenuResourceFile");
+    store.sql("ALTER TABLE \"Away\" RENAME TO \"MenuResourceFile\"");
 }
 
 void TestResPassports::theFixedRowsHaveFolderPassports() {

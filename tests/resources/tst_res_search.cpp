@@ -366,13 +366,13 @@ void TestResSearch::anEmptyWindowFindsNothing() {
     fillCatalogue(store);
     TestHost host(store);
     EditorUnderTest<SearchProbe> editor(host, "Resources");
-    store.sql("ALTER TABLE Users RENAME TO Away");
+    store.sql("ALTER TABLE \"Users\" RENAME TO \"Away\"");
     QVERIFY(!editor.start());
     editor->m_edSearch->setText("а");
     editor->m_cmbSearch->setCurrentIndex(1);
     editor->on_search_down_pressed();
     editor->on_search_up_pressed();
-    store.sql("ALTER TABLE Away RENAME TO Users");
+    store.sql("ALTER TABLE \"Away\" RENAME TO \"Users\"");
 }
 
 QTEST_MAIN(TestResSearch)

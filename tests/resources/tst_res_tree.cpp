@@ -226,7 +226,7 @@ void TestResTree::locksShowTheirOwner() {
     TestStore store;
     fillCatalogue(store);
     store.update("MenuResource", {{"KeyLink", QString("rboiler")}, {"UsersKey", user}});
-    store.sql("UPDATE MenuResource SET dateTimeEdit = 86400 WHERE KeyLink = 'rboiler'");
+    store.sql("UPDATE \"MenuResource\" SET \"dateTimeEdit\" = 86400 WHERE \"KeyLink\" = 'rboiler'");
     store.update("MenuResource", {{"KeyLink", QString("rtrend")}, {"UsersKey", user}});
     TestHost host(store);
     ResEditor editor(host, "Resources");
@@ -245,14 +245,14 @@ void TestResTree::aReleasedLockLeavesItsTexts() {
     TestStore store;
     fillCatalogue(store);
     store.update("MenuResource", {{"KeyLink", QString("rboiler")}, {"UsersKey", QString("ueng")}});
-    store.sql("UPDATE MenuResource SET dateTimeEdit = 86400 WHERE KeyLink = 'rboiler'");
+    store.sql("UPDATE \"MenuResource\" SET \"dateTimeEdit\" = 86400 WHERE \"KeyLink\" = 'rboiler'");
     TestHost host(store);
     ResEditor editor(host, "Resources");
     QVERIFY(editor.start());
     const QString time = editor->text("rboiler", ResColumn::LockTime);
     QVERIFY(!time.isEmpty());
-    store.sql("UPDATE MenuResource SET UsersKey = NULL, dateTimeEdit = NULL "
-              "WHERE KeyLink = 'rboiler'");
+    store.sql("UPDATE \"MenuResource\" SET \"UsersKey\" = NULL, \"dateTimeEdit\" = NULL "
+              "WHERE \"KeyLink\" = 'rboiler'");
     host.deliver(*editor.module);
     QCOMPARE(editor->row("rboiler", ResColumn::Blocked).data(), QVariant(0));
     QVERIFY(editor->row("rboiler", ResColumn::Lock).data(Qt::DecorationRole).isNull());

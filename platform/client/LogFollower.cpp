@@ -1,0 +1,216 @@
+#include "platform/client/LogFollower.h"
+
+#include "platform/store/Patience.h"
+
+#include <algorithm>
+#include <chrono>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+namespace orvo::client {
+
+namespace {
+
+constexpr int pollMs = 1000;      ///< behind a wake-up descriptor
+constexpr int pollAloneMs = 100;  ///< without one
+constexpr int lastRelookMs = 256; ///< a commit takes no longer to become visible
+constexpr int readLimit = 256;    ///< rows of one read
+constexpr size_t mostUntaken = 4096;
+
+using Clock = std::chrono::steady_clock;
+
+int millisecondsUntil(Clock::time_point when) {
+    const auto left =
+        std::chrono::duration_cast<std::chrono::milliseconds>(when - Clock::now()).count();
+    return static_cast<int>(std::clamp<int64_t>(left + 1, 0, pollMs));
+}
+
+} // namespace
+
+/// What both threads share is below the mutex; the rest is the worker thread's alone.
+class LogFollower::Worker : public store::Patience {
+public:
+    Worker(std::unique_ptr<store::Store> store, LogFollower& owner)
+        : m_owner(owner)
+        , m_store(std::move(store))
+        , m_signal(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
+    ~Worker() override {
+        if (m_signal >= 0)
+            ::close(m_signal);
+    }
+
+    bool goOn() override { return !stop; }
+    void signal() const {
+        const uint64_t one = 1;
+        if (m_signal >= 0 && ::write(m_signal, &one, sizeof one) < 0)
+            return; // full: it is readable all the same
+    }
+    void run();
+
+    std::mutex mutex;
+    std::atomic<bool> stop = false;
+    uint64_t asked = 0;      ///< number of the last look
+    uint64_t generation = 0; ///< number of the last begin; 0: none yet
+    int64_t from = 0;        ///< where it was to begin
+    News news;
+
+private:
+    void obey();
+    void readOnce();
+    void rest();
+
+    LogFollower& m_owner;
+    std::unique_ptr<store::Store> m_store;
+    const int m_signal;
+    uint64_t m_asked = 0;
+    uint64_t m_generation = 0;
+    int64_t m_cursor = 0;
+    int m_backOffMs = 0; ///< 0: connected
+    int m_relookMs = 0;  ///< 0: none
+    Clock::time_point m_next{};
+    bool m_unread = false; ///< the log may hold more
+    bool m_full = false;   ///< too much waits to be taken
+    bool m_pruned = false;
+};
+
+void LogFollower::Worker::run() {
+    const store::PatienceScope scope(this);
+    while (!stop) {
+        obey();
+        const bool due = m_backOffMs == 0 || Clock::now() >= m_next;
+        if (m_generation != 0 && m_unread && !m_full && !m_pruned && due)
+            readOnce();
+        else
+            rest();
+    }
+}
+
+void LogFollower::Worker::obey() {
+    const std::lock_guard lock(mutex);
+    if (m_generation != generation) {
+        m_generation = generation;
+        m_cursor = from;
+        m_pruned = false;
+        m_unread = true;
+    }
+    if (m_asked != asked) {
+        m_asked = asked;
+        m_unread = true;
+    }
+    m_full = news.changes.size() >= mostUntaken;
+}
+
+void LogFollower::Worker::readOnce() {
+    std::vector<store::Change> rows;
+    store::Status status = m_store->readLog(m_cursor, readLimit, &rows);
+    const std::lock_guard lock(mutex);
+    if (stop || m_generation != generation)
+        return;
+    const bool answered = status.ok() || status.code == store::LogPruned;
+    if (!answered) {
+        const bool first = m_backOffMs == 0;
+        m_backOffMs = first ? firstBackOffMs : std::min(m_backOffMs * 2, lastBackOffMs);
+        m_next = Clock::now() + std::chrono::milliseconds(m_backOffMs);
+        if (first)
+            news.turns.push_back(std::move(status));
+    } else if (m_backOffMs != 0) {
+        m_backOffMs = 0;
+        news.turns.emplace_back();
+    }
+    if (answered) {
+        m_unread = rows.size() == static_cast<size_t>(readLimit);
+        m_pruned = !status.ok();
+        news.pruned = m_pruned;
+        if (!rows.empty())
+            m_cursor = rows.back().id;
+        std::move(rows.begin(), rows.end(), std::back_inserter(news.changes));
+        if (!m_unread)
+            news.answered = m_asked;
+    }
+    m_owner.tell();
+}
+
+/// Until there is reason to look again.
+void LogFollower::Worker::rest() {
+    const bool idle = m_generation == 0 || m_full || m_pruned;
+    const bool away = m_backOffMs != 0;
+    // A descriptor of a lost connection would be readable for ever.
+    const int wake = idle || away ? -1 : m_store->wakeFd();
+    const int usual = wake >= 0 ? pollMs : pollAloneMs;
+    pollfd waits[] = {{m_signal, POLLIN, 0}, {wake, POLLIN, 0}};
+    const int timeout = idle             ? pollMs
+                        : away           ? millisecondsUntil(m_next)
+                        : m_relookMs > 0 ? m_relookMs
+                                         : usual;
+    const int ready = ::poll(waits, 2, timeout);
+    if (waits[0].revents != 0) {
+        uint64_t count = 0;
+        if (::read(m_signal, &count, sizeof count) < 0)
+            count = 0; // taken already
+    }
+    if (idle || away || stop)
+        return;
+    if (waits[1].revents != 0) {
+        m_store->takeWake();
+        m_unread = true;
+        // A wake-up may come before the change can be read: the writer has written, but its disk is
+        // still busy making it durable. So the log is looked at again, at growing intervals.
+        m_relookMs = 1;
+    } else if (ready == 0) {
+        if (m_relookMs > 0)
+            m_relookMs = m_relookMs * 2 <= lastRelookMs ? m_relookMs * 2 : 0;
+        if (m_store->changed())
+            m_unread = true;
+    }
+}
+
+LogFollower::LogFollower(std::unique_ptr<store::Store> store, QObject* parent)
+    : QObject(parent)
+    , m_worker(std::make_unique<Worker>(std::move(store), *this))
+    , m_thread([worker = m_worker.get()] { worker->run(); }) {}
+
+LogFollower::~LogFollower() {
+    m_worker->stop = true;
+    m_worker->signal();
+    m_thread.join();
+}
+
+void LogFollower::begin(int64_t cursor) {
+    const std::lock_guard lock(m_worker->mutex);
+    ++m_worker->generation;
+    m_worker->from = cursor;
+    m_worker->news.changes.clear();
+    m_worker->news.pruned = false;
+    m_worker->signal();
+}
+
+uint64_t LogFollower::look() {
+    const std::lock_guard lock(m_worker->mutex);
+    ++m_worker->asked;
+    m_worker->signal();
+    return m_worker->asked;
+}
+
+LogFollower::News LogFollower::take() {
+    const std::lock_guard lock(m_worker->mutex);
+    News& waiting = m_worker->news;
+    News taken;
+    std::swap(taken, waiting);
+    waiting.answered = taken.answered;
+    m_worker->signal();
+    return taken;
+}
+
+LogFollower::News LogFollower::takeTurns() {
+    const std::lock_guard lock(m_worker->mutex);
+    News taken;
+    std::swap(taken.turns, m_worker->news.turns);
+    return taken;
+}
+
+void LogFollower::tell() {
+    QMetaObject::invokeMethod(this, &LogFollower::arrived, Qt::QueuedConnection);
+}
+
+} // namespace orvo::client

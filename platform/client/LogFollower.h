@@ -1,0 +1,65 @@
+// LogFollower.h: reads the change log past a cursor, in a thread and over a connection of its own,
+// so that a server that is slow, frozen or gone never holds up a window.
+#ifndef ORVO_PLATFORM_CLIENT_LOGFOLLOWER_H
+#define ORVO_PLATFORM_CLIENT_LOGFOLLOWER_H
+
+#include "frame/OrvoClient.h"
+#include "platform/store/Store.h"
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace orvo::client {
+
+class ORVOCLIENT_EXPORT LogFollower : public QObject {
+    Q_OBJECT
+public:
+    /// After a failure the log is looked at again so much later, and each time twice as late.
+    static constexpr int firstBackOffMs = 250;
+    static constexpr int lastBackOffMs = 15000;
+
+    /// What was found since the last take.
+    struct News {
+        std::vector<store::Change> changes; ///< in commit order
+        /// Each time the store stopped answering (why) or answered again (Ok), in order.
+        std::vector<store::Status> turns;
+        /// Everything in the log at the time of the look() that gave this number is in what was
+        /// taken.
+        uint64_t answered = 0;
+        /// After these changes the log has a gap; nothing more is read before begin.
+        bool pruned = false;
+    };
+
+    /// Takes the store over; nothing happens before begin. Not null.
+    explicit LogFollower(std::unique_ptr<store::Store> store, QObject* parent = nullptr);
+    /// Waits for no server.
+    ~LogFollower() override;
+
+    /// Reads from that place on, also anew; what was found before and not taken is forgotten.
+    void begin(int64_t cursor);
+    /// The log may have grown. The number that News::answered will reach.
+    uint64_t look();
+    /// Takes what was found. Reading pauses while very much waits to be taken.
+    News take();
+    /// The turns only.
+    News takeTurns();
+
+signals:
+    /// There may be something to take. Emitted in the thread of this object.
+    void arrived();
+
+private:
+    class Worker;
+    void tell();
+
+    std::unique_ptr<Worker> m_worker; ///< what the thread works on; goes after it
+    std::thread m_thread;
+};
+
+} // namespace orvo::client
+
+#endif
