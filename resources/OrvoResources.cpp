@@ -56,6 +56,8 @@ void OrvoResources::makeSearchBar() {
     QToolBar* bar = m_ui->toolBar;
     m_edSearch = new QLineEdit(this); // widgets of the tool bar become its children
     m_edSearch->setSizePolicy(QSizePolicy());
+    // The clear button comes and goes; what stands beside the edit is not to move under the mouse.
+    m_edSearch->setMinimumWidth(30 * m_edSearch->fontMetrics().averageCharWidth());
     m_edSearch->setClearButtonEnabled(true);
     if (auto* clear = m_edSearch->findChild<QToolButton*>())
         clear->setIcon(orvo::image("cancel1"));

@@ -98,6 +98,7 @@ private slots:
     void hitsOfMovedRowsAreFollowed();
     void rowsThatComeLaterAreNoHits();
     void nothingIsWritten();
+    void theButtonsStayInTheirPlace();
     void anEmptyWindowFindsNothing();
 };
 
@@ -359,6 +360,15 @@ void TestResSearch::nothingIsWritten() {
     window.type("нет такого");
     QCOMPARE(window.host.writes().take(), QString());
     QVERIFY(!window.editor->m_popMessageBox);
+}
+
+void TestResSearch::theButtonsStayInTheirPlace() {
+    Window window;
+    QCoreApplication::processEvents();
+    const QRect before = window.editor->m_btnSearchDown->geometry();
+    window.type("тренд"); // the button that clears the field appears
+    QTest::qWait(50);
+    QCOMPARE(window.editor->m_btnSearchDown->geometry(), before);
 }
 
 void TestResSearch::anEmptyWindowFindsNothing() {
