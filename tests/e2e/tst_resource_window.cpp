@@ -1,0 +1,112 @@
+// An engineer in the resource editor with mouse and keyboard: a file goes up, is found by typing,
+// cut and pasted into another folder. What is done is what is stored. The functions
+// are one story, in this order.
+#include "tests/e2e/Hands.h"
+#include "tests/e2e/Scene.h"
+
+#include <QFile>
+#include <QtTest>
+
+using namespace orvo::test;
+
+#define DO(act) QVERIFY2(act, m_scene->why())
+#define DONE(condition)                                                                            \
+    QVERIFY2(m_scene->waitFor(#condition, [&] { return condition; }), m_scene->why())
+
+class TestResourceWindow : public QObject {
+    Q_OBJECT
+    std::unique_ptr<Scene> m_scene;
+    QTemporaryDir m_local;
+
+    const QString m_documents = QStringLiteral("Документы");
+    const QString m_reports = QStringLiteral("Сводки");
+    const QString m_file = QStringLiteral("uploaded.txt");
+
+    ClientProcess& client() { return m_scene->left(); }
+    QString value(const QString& sql) const { return m_scene->store().value(sql); }
+    /// The caption of the folder that the store has the file in; null without such a file.
+    QString storedIn() const {
+        return value("select f.caption from MenuResource r join MenuResourceFolder f on "
+                     "f.KeyLink = r.MenuResourceFolderKey where r.name_ = " +
+                     quoted(m_file));
+    }
+    /// The same in the tree on the screen.
+    QString shownIn() {
+        const Tree tree = client().tree("tvRes");
+        const int row = tree.find(m_file);
+        const int parent = row < 0 ? -1 : tree.parentOf(row);
+        return parent < 0 ? QString() : tree.rows[static_cast<size_t>(parent)].cells[0];
+    }
+    QString current() {
+        const Tree tree = client().tree("tvRes");
+        return tree.current() < 0 ? QString()
+                                  : tree.rows[static_cast<size_t>(tree.current())].cells[0];
+    }
+    QJsonObject focus() { return client().ask("windows")["focus"].toObject(); }
+
+private slots:
+    void initTestCase() {
+        m_scene = std::make_unique<Scene>();
+        DO(m_scene->startLeft({"Resources"}));
+    }
+
+    void cleanup() {
+        const QString picture = qEnvironmentVariable("ORVO_E2E_PICTURE");
+        if (QTest::currentTestFailed() && !picture.isEmpty())
+            QProcess::execute("import", {"-window", "root", picture});
+    }
+
+    void aFileGoesUp() {
+        QFile file(m_local.filePath(m_file));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("from the disk");
+        file.close();
+        DO(m_scene->clickRow(client(), "tvRes", m_documents));
+        DO(m_scene->press(client(), "actLoadFiles"));
+        DONE(focus()["name"].toString() == "fileNameEdit");
+        QVERIFY(hands::type(file.fileName()));
+        QVERIFY(hands::key("Return"));
+        DONE(storedIn() == m_documents);
+        DONE(shownIn() == m_documents);
+        QCOMPARE(value("select c.data from MenuResourceFile c where c.name_ = " + quoted(m_file)),
+                 QString("from the disk"));
+    }
+
+    void typingFindsIt() {
+        DO(m_scene->clickRow(client(), "tvRes", m_reports));
+        // The field stands right of this button.
+        const std::vector<Control> button = client().controls(QStringLiteral("Не сохранять"));
+        QCOMPARE(button.size(), size_t(1));
+        const QRect beside = button.front().rect;
+        QVERIFY(hands::click({beside.right() + 80, beside.center().y()}));
+        DONE(focus()["class"].toString() == "QLineEdit");
+        QVERIFY(hands::type("uploaded"));
+        DONE(current() == m_file);
+        QVERIFY(hands::type("x"));
+        QTest::qWait(200);
+        QCOMPARE(current(), m_file);
+    }
+
+    void aCutIsPasted() {
+        DO(m_scene->clickRow(client(), "tvRes", m_file, {}, 3));
+        DO(m_scene->press(client(), "actCut"));
+        QCOMPARE(storedIn(), m_documents);
+        DO(m_scene->clickRow(client(), "tvRes", m_reports));
+        DO(m_scene->clickRow(client(), "tvRes", m_reports, {}, 3));
+        DO(m_scene->press(client(), "actPaste"));
+        DONE(storedIn() == m_reports);
+        DONE(shownIn() == m_reports);
+        DONE(current() == m_file);
+    }
+
+    void theClientSaidNothing() {
+        QCOMPARE(client().failure(), QString());
+        QVERIFY(client().isRunning());
+        QCOMPARE(m_scene->admin({"check"}), 0);
+    }
+
+    void cleanupTestCase() { m_scene.reset(); }
+};
+
+QTEST_MAIN(TestResourceWindow)
+#include "tst_resource_window.moc"
