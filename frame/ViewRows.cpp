@@ -62,9 +62,36 @@ void removeRecord(const Notification& change, CMDArray& table, QTreeView* view,
     table.RecDel(findRecord(change.event(), &table));
 }
 
+namespace {
+
+/// Has the view follow the current row or not. Its own slot for that lays out all open rows, to
+/// find the places of the old and the new row, which are to be repainted.
+void listen(QTreeView* view, QItemSelectionModel* selection, bool on) {
+    if (on)
+        QObject::connect(selection, SIGNAL(currentChanged(QModelIndex, QModelIndex)), view,
+                         SLOT(currentChanged(QModelIndex, QModelIndex)));
+    else
+        QObject::disconnect(selection, SIGNAL(currentChanged(QModelIndex, QModelIndex)), view,
+                            SLOT(currentChanged(QModelIndex, QModelIndex)));
+}
+
+/// Whether nothing but the repaint hangs on that: it also ends an editor that is open, and may open
+/// one.
+bool onlyRepaints(const QTreeView& view) {
+    return view.selectionModel() && !(view.editTriggers() & QTreeView::CurrentChanged) &&
+           !view.indexWidget(view.currentIndex());
+}
+
+} // namespace
+
 QuietViews::QuietViews(std::initializer_list<QTreeView*> views) {
     for (QTreeView* view : views) {
-        m_views.push_back({view, view->currentIndex(), QModelIndex(), view->isVisible(),
+        const bool visible = view->isVisible();
+        QItemSelectionModel* deaf =
+            visible && onlyRepaints(*view) ? view->selectionModel() : nullptr;
+        if (deaf)
+            listen(view, deaf, false);
+        m_views.push_back({view, deaf, view->currentIndex(), QModelIndex(), visible,
                            view->updatesEnabled(), view->hasAutoScroll()});
         // Out of sight it does none of this anyway, and notes to scroll when it is shown.
         if (!view->isVisible())
@@ -76,6 +103,8 @@ QuietViews::QuietViews(std::initializer_list<QTreeView*> views) {
 
 QuietViews::~QuietViews() {
     for (const Quiet& quiet : m_views) {
+        if (quiet.deaf)
+            listen(quiet.view, quiet.deaf, true);
         if (quiet.visible)
             quiet.view->setAutoScroll(quiet.autoScroll);
         const QModelIndex current = quiet.view->currentIndex();

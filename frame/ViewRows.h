@@ -6,7 +6,9 @@
 #include "frame/OrvoMdx.h"
 
 #include <QAbstractItemModel>
+#include <QItemSelectionModel>
 #include <QPersistentModelIndex>
+#include <QPointer>
 #include <QTreeView>
 #include <QVariant>
 #include <QVector>
@@ -59,6 +61,7 @@ public:
 private:
     struct Quiet {
         QTreeView* view;
+        QPointer<QItemSelectionModel> deaf; ///< to which the view does not listen meanwhile
         QPersistentModelIndex current;
         QPersistentModelIndex target;
         bool visible;
