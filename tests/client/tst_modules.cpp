@@ -1,4 +1,5 @@
 // The base class of modules and the registry of their lives.
+#include "frame/CommonFunctions.h"
 #include "platform/client/Blocks.h"
 #include "platform/client/ModuleRegistry.h"
 #include "platform/mdx/MdxBuild.h"
@@ -6,6 +7,8 @@
 
 #include <QPointer>
 #include <QtTest>
+
+#include <cstring>
 
 using namespace orvo;
 using namespace orvo::test;
@@ -24,6 +27,16 @@ store::Change change(int code, const char* table, const char* key, const char* a
     c.time = 12.5;
     c.after = after;
     return c;
+}
+
+/// The place of a virtual operation in its class's table, in bytes, up to a constant: a pointer to
+/// a virtual member holds it in its first word.
+template <class Member>
+intptr_t placeOf(Member member) {
+    intptr_t place = 0;
+    static_assert(sizeof member >= sizeof place);
+    std::memcpy(&place, &member, sizeof place);
+    return place;
 }
 
 } // namespace
@@ -54,6 +67,56 @@ private slots:
         QCOMPARE(app.calls.size(), size_t(1));
         QCOMPARE(app.calls[0].code, 64);
         QCOMPARE(app.calls[0].data, static_cast<void*>(&word));
+    }
+
+    // A module built elsewhere calls and overrides these by their places.
+    void theVirtualOperationsKeepTheirOrder() {
+        using M = COrvoCliMod;
+        const intptr_t places[] = {placeOf(&QMainWindow::createPopupMenu),
+                                   placeOf(&M::LogFile),
+                                   placeOf(&M::ModuleStart),
+                                   placeOf(&M::ModuleStop),
+                                   placeOf(&M::MessageOn),
+                                   placeOf(&M::MessageData),
+                                   placeOf(&M::SetError),
+                                   placeOf(&M::SetParamMod),
+                                   placeOf(&M::GetParamMod),
+                                   placeOf(&M::SetParamCommand),
+                                   placeOf(&M::SetParamProfile),
+                                   placeOf(&M::GetParamProfile),
+                                   placeOf(&M::SetParamState),
+                                   placeOf(&M::GetParamState),
+                                   placeOf(&M::ParentResizeOn),
+                                   placeOf(&M::GetAlarmsList),
+                                   placeOf(&M::AppIdleEvent),
+                                   placeOf(&M::ModSesReconnect),
+                                   placeOf(&M::ModDataEditPost),
+                                   placeOf(&M::ModDataEditCancel),
+                                   placeOf(&M::slot_modNotify),
+                                   placeOf(&M::slot_toolFinished),
+                                   placeOf(&M::slot_popMessageBoxClicked),
+                                   placeOf(&M::slot_endRestructure)};
+        for (size_t i = 1; i < std::size(places); ++i)
+            QCOMPARE(places[i] - places[0], static_cast<intptr_t>(i * sizeof(void*)));
+    }
+
+    void aFailedFetchIsLoggedThroughTheLogModule() {
+        App app;
+        App elsewhere;
+        Module module(&app);
+        Module logger(&elsewhere);
+        app.m_logModule = &logger;
+        const auto answer = [](int result) {
+            return [result](COrvoCliSes*, QString* error) {
+                *error = "нет связи";
+                return result;
+            };
+        };
+        QVERIFY(fetchOrLog(module, "OrvoMenu::loadTables->Menu", answer(1)));
+        QVERIFY(elsewhere.logs.isEmpty());
+        QVERIFY(!fetchOrLog(module, "OrvoMenu::loadTables->Menu", answer(0)));
+        QCOMPARE(elsewhere.logs, QStringList("5|OrvoMenu::loadTables->Menu|нет связи"));
+        QVERIFY(app.logs.isEmpty());
     }
 
     void aModuleWithoutAnApplicationIsHarmless() {
@@ -107,6 +170,21 @@ private slots:
         QCOMPARE(module.messagesWaiting(), 0);
         module.MessageGet();
         QCOMPARE(module.messages.size(), size_t(3));
+    }
+
+    void whatComesWhileOthersAreTakenIsTakenToo() {
+        App app;
+        Module module(&app);
+        client::NotificationMaker maker;
+        module.onMessage = [&](const Message& m) {
+            if (m.key.size() < 3)
+                module.messagePut(
+                    maker.make(change(601, "Menu", (m.key + "+").toUtf8().constData(), "{}")));
+        };
+        module.messagePut(maker.make(change(601, "Menu", "a", "{}")));
+        module.MessageGet();
+        QCOMPARE(module.keys(), QStringList({"a", "a+", "a++"}));
+        QCOMPARE(module.messagesWaiting(), 0);
     }
 
     void aModuleMayDieInsideItsOwnNotification() {

@@ -90,6 +90,34 @@ private slots:
         QCOMPARE(table.array->recordCount, 1u);
     }
 
+    void everyTableHasTheFieldsThatTheEditorsRead_data() {
+        QTest::addColumn<QString>("fields");
+        QTest::newRow("MenuFolder") << "KeyLink 9, ParentKey 9, caption 9, order_ 9, isFolder 1";
+        QTest::newRow("Menu") << "KeyLink 9, parent 9, FolderKey 9, caption 9, order_ 5, ico 9, "
+                                 "separator 1, oneCopy 1, MenuResourceKey 9, params 9";
+        QTest::newRow("MenuResource")
+            << "KeyLink 9, MenuResourceFolderKey 9, name_ 9, type_ 5, caption 9, params 9, ico 9, "
+               "UsersKey 9, dateTimeEdit 7";
+        QTest::newRow("MenuResourceFolder") << "KeyLink 9, ParentKey 9, type_ 5, caption 9";
+        QTest::newRow("Users")
+            << "KeyLink 9, login_ 9, lastName 9, firstName 9, midlName 9, program 1";
+        QTest::newRow("MenuFileExt") << "KeyLink 9, fileExt 9";
+    }
+    void everyTableHasTheFieldsThatTheEditorsRead() {
+        QFETCH(QString, fields);
+        Host host;
+        Reply reply{*host.session};
+        QVERIFY(reply.ask("TableStructure", QTest::currentDataTag()));
+        CMDArray table;
+        QVERIFY(reply.unpack(table));
+        QStringList found;
+        for (int i = 0; i < table.array->fieldCount; ++i) {
+            const MDRField field = MDRFldByNum(table.array, i);
+            found << QStringLiteral("%1 %2").arg(mdx::fieldName(field)).arg(mdx::fieldType(field));
+        }
+        QCOMPARE(found.join(", "), fields);
+    }
+
     void changesOfOneKeyAllStayInATableOfChanges() {
         Host host;
         host.write("Menu", 1, {{"KeyLink", "a"}});
@@ -262,6 +290,17 @@ private slots:
         Host host;
         QVERIFY(!host.session->SqlRequest(sql.constData()));
         QCOMPARE(host.failures.size(), 1);
+    }
+
+    void aSelectionThatFailsLeavesTheTableAsItWas() {
+        Host host;
+        host.write("Menu", 1, {{"KeyLink", "a"}, {"FolderKey", "x"}});
+        CMDArray rows;
+        rows.Attach(host.session->SqlRequest("select * from Menu where FolderKey = 'x'"));
+        QCOMPARE(rows.array->recordCount, 1u);
+        rows.Attach(host.session->SqlRequest("select * from Menu"));
+        QCOMPARE(rows.status, -3);
+        QCOMPARE(rows.array->recordCount, 1u);
     }
 
     void sqlRequestOfNullIsRefused() {

@@ -79,6 +79,20 @@ private slots:
         QVERIFY(!CToolFilePut(m).objectName().isEmpty());
     }
 
+    void toolsStartAsTheirCallersCountOn() {
+        Bench bench;
+        const CToolFormGet form(&bench.module);
+        QVERIFY(!form.withData);
+        QVERIFY(!CToolFileList(&bench.module).reserved);
+        const CToolRecByKey records(&bench.module);
+        QCOMPARE(records.keyBits, QBitArray(6));
+        QVERIFY(records.keyValues.isEmpty());
+        for (const CMDArray* result : {&form.result, &records.result}) {
+            QVERIFY(result->array);
+            QCOMPARE(result->array->keyCount, 0u);
+        }
+    }
+
     void aFormGoesInAndComesOutInNameOrder() {
         Bench bench;
         bench.putForm("Цех", {{"котёл_b.png", "BB"}, {"котёл", "form"}, {"котёл_a", ""}});
