@@ -5,6 +5,7 @@
 
 #include <QtTest>
 
+#include <cstddef>
 #include <random>
 
 using namespace orvo;
@@ -103,11 +104,19 @@ private slots:
     void surplusFieldsAreDropped();
     // Both
     void theStepsGiveTheRecord();
+    void theKeyIsSoughtByTheBytesItCameIn();
     void aTableThatIsNullIsRefused();
     void randomDamageNeverBreaksAnything();
 };
 
 void NotificationTest::aBlockOfTenFieldsIsATableEvent() {
+    using E = TEventNciParse;
+    static_assert(offsetof(E, param) == 0 && offsetof(E, param) < offsetof(E, action) &&
+                  offsetof(E, action) < offsetof(E, key) &&
+                  offsetof(E, key) < offsetof(E, source) &&
+                  offsetof(E, source) < offsetof(E, tableName) &&
+                  offsetof(E, tableName) < offsetof(E, recordType) &&
+                  offsetof(E, recordType) < offsetof(E, record));
     Message m;
     m.key = "k1";
     m.setText("caption", "x");
@@ -402,6 +411,22 @@ void NotificationTest::theStepsGiveTheRecord() {
     QCOMPARE(findRecord(n.event(), &local.table), made);
     QVERIFY(!createAndMerge(n.event(), &local.table));
     QCOMPARE(editAndMerge(n.event(), &local.table), made);
+}
+
+void NotificationTest::theKeyIsSoughtByTheBytesItCameIn() {
+    Message m;
+    m.key = toRecord("ключ").toStdString(); // no UTF-8
+    m.setText("caption", "new");
+    Local local;
+    add(local.table, "ключ", "p", "old", 7);
+    const ParamPtr block = m.block();
+    const Notification n(block.get());
+    QVERIFY(!insertToBaseTable(n.event(), &local.table));
+    QVERIFY(updateBaseTable(n.event(), &local.table));
+    QCOMPARE(local.text("ключ"), QString("p new 7"));
+    local.table.RecDel(seekKey(local.table, "ключ"));
+    QVERIFY(insertToBaseTable(n.event(), &local.table));
+    QCOMPARE(local.text("ключ"), QString(" new 0"));
 }
 
 void NotificationTest::aTableThatIsNullIsRefused() {

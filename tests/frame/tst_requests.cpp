@@ -5,12 +5,22 @@
 #include "frame/CommonFunctions.h"
 #include "frame/ScratchTable.h"
 
+#include <QTranslator>
 #include <QtTest>
 
 using namespace orvo;
 using namespace tables;
 
 namespace {
+
+/// Puts a sign before every text that is translated.
+struct Signs : QTranslator {
+    Signs() { QCoreApplication::installTranslator(this); }
+    bool isEmpty() const override { return false; }
+    QString translate(const char*, const char* text, const char*, int) const override {
+        return '*' + QString::fromUtf8(text);
+    }
+};
 
 const QString noResult = "Операция на сервере не вернула результат.";
 
@@ -90,6 +100,7 @@ private slots:
     void userInfoReplacesTheErrorText();
     void userInfoClearsTheErrorOnSuccess();
     void userInfoWithoutFieldsHasNoFullStop();
+    void onlyTheTablesErrorsAreTranslated();
     void errorTexts_data();
     void errorTexts();
     // Scratch tables
@@ -323,6 +334,32 @@ void Requests::userInfoWithoutFieldsHasNoFullStop() {
     QString error = "old";
     QCOMPARE(getUserInfo(server.session.get(), table, error), 0);
     QCOMPARE(error, QString("Отсутствуют поля"));
+}
+
+void Requests::onlyTheTablesErrorsAreTranslated() {
+    const Signs signs;
+    Server server;
+    CMDArray table;
+    QString error;
+    server.answer(success(nullptr, 0));
+    GetTableStructure(server.session.get(), "Nothing", table, &error);
+    QCOMPARE(error, QString("*Отсутствуют поля."));
+    server.answer(success(nullptr, 0));
+    getUserInfo(server.session.get(), table, error);
+    QCOMPARE(error, QString("Отсутствуют поля"));
+    server.script.sent = false;
+    for (const Fetch fetch : {Fetch(GetTableRecords), Fetch(GetTableStructure)}) {
+        fetch(server.session.get(), "Menu", table, &error);
+        QCOMPARE(error, '*' + noResult);
+    }
+    getUserInfo(server.session.get(), table, error);
+    QCOMPARE(error, noResult);
+    server.script.sent = true;
+    server.script.waited = 0;
+    GetTableRecords(server.session.get(), "Menu", table, &error);
+    QCOMPARE(error, '*' + noResult);
+    getUserInfo(server.session.get(), table, error);
+    QCOMPARE(error, noResult);
 }
 
 void Requests::errorTexts_data() {

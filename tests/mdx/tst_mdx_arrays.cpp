@@ -3,6 +3,8 @@
 
 #include <QtTest>
 
+#include <cstddef>
+
 using namespace mdxtest;
 using orvo::mdx::postedCount;
 using orvo::mdx::postedRecord;
@@ -222,6 +224,8 @@ private slots:
     // CMDArray
 
     void theTableObjectOwnsAnEmptyArray() {
+        static_assert(offsetof(CMDArray, array) == 0);
+        static_assert(offsetof(CMDArray, status) == sizeof(void*));
         CMDArray table;
         QVERIFY(table.array);
         QCOMPARE(table.status, 0);

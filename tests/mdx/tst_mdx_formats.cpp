@@ -103,6 +103,37 @@ private slots:
         QCOMPARE(textOf(MDARec(b.get(), 2, 599), 0), std::string("zzz"));
     }
 
+    // As a paste seeks in what the clipboard brought.
+    void anUnpackedTableIsSoughtByItsOwnKeys() {
+        const ArrayPtr a =
+            makeArray({{"KeyLink", MDX_TEXT}, {"parent", MDX_TEXT}, {"order_", MDX_INTEGER}});
+        addKey(a.get(), "KeyLink", MDX_KEY_UNIQUE);
+        addKey(a.get(), "parent;order_", MDX_KEY_MULTI);
+        const auto element = [&](const char* key, const char* parent, int place) {
+            MDRData* record = MDARecNew(a.get());
+            setText(record, 0, key);
+            if (*parent != '\0')
+                setText(record, 1, parent);
+            set(record, 2, integerValue(place));
+            MDARecPost(record, nullptr);
+        };
+        element("c", "a", 2000);
+        element("b", "a", 1000);
+        element("a", "", 1000);
+        const Bytes image = packed(a.get());
+        const ArrayPtr b = makeArray({});
+        QCOMPARE(MDAUnpackN(b.get(), image.block.get(), image.length), 0);
+        const std::string key = "A";
+        const MDRVar exact = textValue(key);
+        QCOMPARE(textOf(MDARecSeekV(b.get(), 0, &exact, nullptr), 0), std::string("a"));
+        const MDRVar group[2] = {exact, nullValue()};
+        int32_t position = -1;
+        MDARecSeekV(b.get(), 1, group, &position);
+        QCOMPARE(position, 1);
+        QCOMPARE(textOf(MDARec(b.get(), 1, position), 0), std::string("b"));
+        QCOMPARE(textOf(MDARec(b.get(), 1, position + 1), 0), std::string("c"));
+    }
+
     void anEditedRecordIsPackedAsItWasPosted() {
         const ArrayPtr a = makeArray({{"k", MDX_TEXT}});
         addKey(a.get(), "k", MDX_KEY_UNIQUE);

@@ -113,6 +113,52 @@ private slots:
         QCOMPARE(textOf(m_record, 4), std::string("\0a\0b\0", 5));
     }
 
+    // Callers lay values out byte by byte, and hand several of them on end to end.
+    void aValueIsLaidOutByteByByte() {
+        const auto bytes = [](uint8_t type, uint8_t null, auto at2) {
+            std::string all(14, '\0');
+            all[0] = static_cast<char>(type);
+            all[1] = static_cast<char>(null);
+            std::memcpy(all.data() + 2, &at2, sizeof at2);
+            return all;
+        };
+        const auto read = [&](int field) {
+            MDRVar value;
+            std::memset(&value, 0xAA, sizeof value);
+            MDRGetVal(MDRFldByNum(m_array.get(), field), m_record, &value);
+            return std::string(reinterpret_cast<const char*>(&value), sizeof value);
+        };
+        const std::string written[] = {bytes(5, 0, int32_t(-2)), bytes(1, 0, uint8_t(1)),
+                                       bytes(7, 0, -1.5e9)};
+        for (int i = 0; i < 3; ++i) {
+            MDRVar value;
+            std::memcpy(&value, written[i].data(), sizeof value);
+            QCOMPARE(set(m_record, i + 1, value), 0);
+            QCOMPARE(read(i + 1), written[i]);
+        }
+        for (const int field : {0, 4}) {
+            const char text[] = "abc";
+            std::string raw = bytes(field == 0 ? 9 : 10, 0, uint32_t(3));
+            const char* pointer = text;
+            std::memcpy(raw.data() + 6, &pointer, sizeof pointer);
+            MDRVar value;
+            std::memcpy(&value, raw.data(), sizeof value);
+            QCOMPARE(set(m_record, field, value), 0);
+            const std::string back = read(field);
+            QCOMPARE(back.substr(0, 6), raw.substr(0, 6));
+            std::memcpy(&pointer, back.data() + 6, sizeof pointer);
+            QVERIFY(pointer != text);
+            QCOMPARE(std::string(pointer), std::string("abc"));
+        }
+        // NULL is type 0 with a null byte, whatever stands behind.
+        MDRVar null;
+        std::memset(&null, 0xAA, sizeof null);
+        null.type = 0;
+        null.null = 1;
+        QCOMPARE(set(m_record, 1, null), 0);
+        QCOMPARE(read(1), bytes(0, 1, int32_t(0)));
+    }
+
     void emptyTextIsNotNull() {
         QCOMPARE(setText(m_record, 0, ""), 0);
         QVERIFY(!isNull(m_record, 0));
