@@ -48,6 +48,8 @@ private slots:
     void onlyTheNameColumnHasAnEditor();
     void anInvalidIndexHasNoEditor();
     void otherWidgetsAreLeftAlone();
+    void onlyAWidgetThatSendsIsCommitted();
+    void theDelegateBelongsToItsParent();
     void closingTheEditorIsTold();
     void theSignalDataChangedIsSilent();
 };
@@ -129,6 +131,28 @@ void DesckDelegateTest::otherWidgetsAreLeftAlone() {
     bench.delegate.setEditorData(&plain, bench.name());
     bench.delegate.setModelData(&plain, &bench.model, bench.name());
     QCOMPARE(bench.name().data().toString(), QString("alpha"));
+}
+
+void DesckDelegateTest::onlyAWidgetThatSendsIsCommitted() {
+    Bench bench;
+    QSignalSpy committed(&bench.delegate, &QAbstractItemDelegate::commitData);
+    QMetaObject::invokeMethod(&bench.delegate, "commitEditorData"); // sent by nobody
+    QObject thing;
+    connect(&thing, SIGNAL(objectNameChanged(QString)), &bench.delegate, SLOT(commitEditorData()));
+    thing.setObjectName("x");
+    QCOMPARE(committed.count(), 0);
+    QWidget widget;
+    connect(&widget, SIGNAL(objectNameChanged(QString)), &bench.delegate, SLOT(commitEditorData()));
+    widget.setObjectName("x");
+    QCOMPARE(committed.count(), 1);
+    QCOMPARE(committed.at(0).at(0).value<QWidget*>(), &widget);
+}
+
+void DesckDelegateTest::theDelegateBelongsToItsParent() {
+    Bench bench;
+    QObject owner;
+    const auto* delegate = new DesckDelegate(&bench.model, &owner); // its parent's
+    QCOMPARE(delegate->parent(), &owner);
 }
 
 void DesckDelegateTest::closingTheEditorIsTold() {

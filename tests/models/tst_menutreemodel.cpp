@@ -62,6 +62,7 @@ private slots:
     void anElementWithoutIconShowsNone();
     void elementsOfKnownTypesShowTheirIconFile();
     void aFolderWithIconShowsItsFile();
+    void anEmptyIconNameIsAFileName();
     void anUnknownTypeShowsNoIcon();
     void typesCompareWithoutRegardToCaseButWithBlanks();
     void onlyTheFirstColumnHasAnIcon();
@@ -146,6 +147,18 @@ void MenuTree::aFolderWithIconShowsItsFile() {
     QVERIFY(showsImage(model.row("a"), dir.filePath("pump.png")));
     model.setItemExpanded(model.row("a"));
     QVERIFY(showsImage(model.row("a"), dir.filePath("pump.png")));
+}
+
+void MenuTree::anEmptyIconNameIsAFileName() {
+    // Only a name that is null means that there is none.
+    QTemporaryDir dir;
+    Model model(menu, dir.path() + '/');
+    for (const char* key : {"a", "c"}) {
+        model.setData(model.row(key).siblingAtColumn(4), "");
+        const QVariant shown = model.row(key).data(Qt::DecorationRole);
+        QCOMPARE(shown.userType(), int(QMetaType::QIcon));
+        QVERIFY(shown.value<QIcon>().pixmap(16, 16).isNull());
+    }
 }
 
 void MenuTree::anUnknownTypeShowsNoIcon() {

@@ -266,16 +266,23 @@ void TreeCore::persistentIndexesFollowRowsAndDieWithThem() {
 }
 
 void TreeCore::roleZeroToTwoWriteAndOthersAreRefused() {
-    Res model(headers(14), QString());
-    fill(model, ResKey, "a\n");
-    const QModelIndex cell = model.index(0, 3);
-    for (const int role : {0, 1, 2}) {
-        QVERIFY(model.setData(cell, role, role));
-        QCOMPARE(cell.data().toInt(), role);
+    Desck desck(headers(6));
+    Watched<MenuTreeModel> menu(headers(13), QString());
+    Res res(headers(14), QString());
+    Watched<PropModel> prop(headers(6), QString());
+    Watched<PopTreeModel> pop(headers(7), QString());
+    for (QAbstractItemModel* model :
+         std::initializer_list<QAbstractItemModel*>{&desck, &menu, &res, &prop, &pop}) {
+        QVERIFY(model->insertRows(0, 1));
+        const QModelIndex cell = model->index(0, 3);
+        for (const int role : {0, 1, 2}) {
+            QVERIFY(model->setData(cell, role, role));
+            QCOMPARE(cell.data().toInt(), role);
+        }
+        for (const int role : {3, 12, 256})
+            QVERIFY(!model->setData(cell, 99, role));
+        QCOMPARE(cell.data().toInt(), 2);
     }
-    for (const int role : {3, 12, 256})
-        QVERIFY(!model.setData(cell, 99, role));
-    QCOMPARE(cell.data().toInt(), 2);
 }
 
 void TreeCore::aStoredValueIsAnnouncedWithoutRoles() {
@@ -329,6 +336,23 @@ void TreeCore::expandingEmitsNothing() {
     model.setItemCollapsed(model.index(0, 0));
     QVERIFY(!model.getItem(model.index(0, 0))->isExpanded());
     QCOMPARE(changed.count(), 0);
+
+    const auto expands = [](auto& other) {
+        other.insertRows(0, 1);
+        QSignalSpy announced(&other, &QAbstractItemModel::dataChanged);
+        other.setItemExpanded(other.index(0, 1)); // a row by any of its columns
+        const bool expanded = other.getItem(other.index(0, 0))->isExpanded();
+        other.setItemCollapsed(other.index(0, 0));
+        return expanded && !other.getItem(other.index(0, 0))->isExpanded() && announced.isEmpty();
+    };
+    Watched<MenuTreeModel> menu(headers(13), QString());
+    Res res(headers(14), QString());
+    Watched<PropModel> prop(headers(6), QString());
+    Watched<PopTreeModel> pop(headers(7), QString());
+    QVERIFY(expands(menu));
+    QVERIFY(expands(res));
+    QVERIFY(expands(prop));
+    QVERIFY(expands(pop));
 }
 
 void TreeCore::modelsWithoutMovesRefuseThemSilently() {

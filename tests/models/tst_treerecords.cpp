@@ -30,6 +30,7 @@ private slots:
     void aCheckStateIsKept();
     void aChainOfAHundredThousandRecordsIsDeleted();
     void aPassportRowKeepsItsBoxOnlyWhileItLives();
+    void passportRowsDoAsTreeRowsDo();
 };
 
 namespace {
@@ -307,6 +308,45 @@ void TreeRecords::aPassportRowKeepsItsBoxOnlyWhileItLives() {
     QCOMPARE(row.comboBox(), box.get());
     box.reset();
     QVERIFY(!row.comboBox());
+}
+
+void TreeRecords::passportRowsDoAsTreeRowsDo() {
+    PaspRec root({QVariant("a"), QVariant("b")});
+    QCOMPARE(root.level(), -1);
+    QVERIFY(!root.isExpanded());
+    QVERIFY(!root.comboBox());
+    QVERIFY(!root.insertChildren(1, 1, 2));
+    QVERIFY(!root.insertChildren(-1, 1, 2));
+    QVERIFY(root.insertChildren(0, 0, 2));
+    QVERIFY(root.insertChildren(0, 2, 2));
+    QVERIFY(root.insertChildren(root.childCount(), 1, 2));
+    QCOMPARE(root.childCount(), 3);
+    QVERIFY(!root.child(-1));
+    QVERIFY(!root.child(3));
+    PaspRec* last = root.child(2);
+    QCOMPARE(last->parent(), &root);
+    QCOMPARE(last->childNumber(), 2);
+    QCOMPARE(last->level(), 0);
+    QVERIFY(last->setData(1, 5));
+    QVERIFY(!last->setData(2, 5));
+    QVERIFY(!last->setData(-1, 5));
+    QVERIFY(!last->data(2).isValid());
+    QVERIFY(last->insertChildren(0, 1, 2));
+    QCOMPARE(last->child(0)->level(), 1);
+    QVERIFY(!root.insertColumns(3, 1));
+    QVERIFY(root.insertColumns(0, 1));
+    QCOMPARE(last->child(0)->columnCount(), 3);
+    QCOMPARE(last->data(2), QVariant(5));
+    QVERIFY(!root.removeColumns(2, 2));
+    QVERIFY(root.removeColumns(0, 2));
+    QCOMPARE(root.data(0), QVariant("b"));
+    QCOMPARE(last->data(0), QVariant(5));
+    QVERIFY(!root.removeChildren(2, 2));
+    QVERIFY(root.removeChildren(0, 2));
+    QCOMPARE(root.child(0), last);
+    QVERIFY(root.removeChildren(0, 1));
+    QVERIFY(root.removeChildren(0, 0));
+    QVERIFY(!root.removeChildren(0, 1));
 }
 
 QTEST_MAIN(TreeRecords)
