@@ -4,12 +4,6 @@
 #include <QMimeData>
 
 namespace orvo {
-namespace {
-
-constexpr char lineFeed = '\n';
-constexpr char separator = ';';
-
-} // namespace
 
 QByteArray ClipboardRows::bytes() const {
     QByteArray bytes = QByteArray::number(number) + lineFeed;

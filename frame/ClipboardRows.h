@@ -20,12 +20,21 @@ namespace orvo {
 /// A payload taken apart, or to be put together. What the clipboard brings is anybody's bytes:
 /// nothing is believed but what stands there whole, and the keys still have to be found.
 struct ClipboardRows {
+    static constexpr char lineFeed = '\n';
+    static constexpr char separator = ';';
+
     int number = 0;
     QStringList keys; ///< none is empty
     QByteArray rest;
 
-    /// The payload. No key may hold ";" or a line feed.
+    /// The payload; canName must hold for each key.
     QByteArray bytes() const;
+    /// Whether a payload can name the row of that key: one with a separator in it, as only a
+    /// foreign hand makes them, would be read as the keys of other rows.
+    static bool canName(const QString& key) {
+        return !key.contains(QLatin1Char(separator)) && !key.contains(QLatin1Char(lineFeed)) &&
+               !key.contains(QChar::Null);
+    }
     /// The number before the first line feed, or of all bytes if there is none; nothing if they are
     /// no number.
     static std::optional<int> numberOf(const QByteArray& bytes);

@@ -1,5 +1,6 @@
 #include "models/ResTreeModel.h"
 
+#include "frame/ClipboardRows.h"
 #include "models/DragKeys.h"
 
 #include <QColor>
@@ -152,9 +153,10 @@ QMimeData* ResTreeModel::mimeData(const QModelIndexList& indexes) const {
     const int type = getItem(rows.first())->data(Type).toInt();
     QStringList keys;
     for (const QModelIndex& row : rows) {
-        if (getItem(row)->data(Type).toInt() != type)
+        const QString key = getItemKeyLink(row);
+        if (getItem(row)->data(Type).toInt() != type || !orvo::ClipboardRows::canName(key))
             return nullptr;
-        keys.append(getItemKeyLink(row));
+        keys.append(key);
     }
     const QString format = dragType(type);
     if (format.isEmpty())

@@ -29,10 +29,12 @@ void OrvoResources::on_actCut_triggered() {
         return;
     ClipboardRows cut;
     for (const QModelIndex& row : m_ui->tvRes->selectionModel()->selectedRows(0)) {
+        const QString key = m_resModel->getItemKeyLink(row);
+        if (!ClipboardRows::canName(key))
+            continue;
         // The rows of a selection are of one type.
         if (cut.keys.isEmpty())
             cut.number = row.siblingAtColumn(ResColumn::Type).data().toInt();
-        const QString key = m_resModel->getItemKeyLink(row);
         cut.keys.append(key);
         // The copies are no part of the payload. One is proof enough that the tables know of what
         // is cut.
@@ -94,6 +96,10 @@ void OrvoResources::on_actPaste_triggered() {
 }
 
 void OrvoResources::on_res_dragdrop(const QModelIndex& destindex, QStringList srcList) {
+    // The server does not know that folder yet, and may never do: what went there would be lost to
+    // every tree.
+    if (m_editState == NewRow && destindex.isValid() && destindex == m_newItemIndex)
+        return;
     QString folder = m_resModel->getItemKeyLink(destindex);
     for (const char* top : {orvo::resources::fileRootKey, orvo::resources::menuRootKey})
         if (orvo::sameText(folder, QString::fromLatin1(top)))

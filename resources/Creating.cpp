@@ -80,6 +80,7 @@ void OrvoResources::addRow(const QString& caption, bool isFolder) {
     m_editCaption = caption;
     m_editObject = isFolder ? QStringLiteral("folder") : QString();
     m_editState = NewRow;
+    m_newItemIndex = added;
     setActionsDisabled();
     m_ui->tvRes->scrollTo(added);
     m_ui->tvRes->setCurrentIndex(added);
@@ -89,6 +90,9 @@ void OrvoResources::on_editor_valueChanged(const QString& rowName, const QVarian
     const QModelIndex row = m_resModel->findIndexByKey(m_currentKey);
     if (!row.isValid())
         return;
+    // Nothing can come of an edit whose row is gone: it must not swallow this one.
+    if (editIsLost())
+        endEdit();
     // A row without a column opens an edit too.
     if (m_editState == Idle) {
         m_editState = EditRow;

@@ -14,6 +14,8 @@ using orvo::resources::ResColumn;
 void OrvoResources::on_tvRes_currentChanged(const QModelIndex& current, const QModelIndex&) {
     m_currentKey = m_resModel->getItemKeyLink(current);
     m_propModel->clearRows();
+    if (editIsLost())
+        endEdit();
     switch (m_editState) {
     case Idle:
         setActionsDisabled();
@@ -26,10 +28,10 @@ void OrvoResources::on_tvRes_currentChanged(const QModelIndex& current, const QM
         if (current.sibling(current.row(), ResColumn::IsNew).data().toBool())
             m_newItemIndex = current.siblingAtColumn(0);
         else
-            finishEdit();
+            on_save_pressed();
         break;
     case EditRow:
-        finishEdit();
+        on_save_pressed();
         break;
     default:
         return;

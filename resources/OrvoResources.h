@@ -259,8 +259,8 @@ private:
 
     // Creating and saving
     void addRow(const QString& caption, bool isFolder);
-    /// Saves the open edit because the engineer turns to something else. An edit whose row is gone
-    /// just ends. False if it stays open: its name is refused, or the server gave no structure.
+    /// Saves the open edit because another one is to begin. An edit whose row is gone just ends.
+    /// False if it stays open: its name is refused, or the server gave no structure.
     bool finishEdit();
     /// Whether another client removed the row that the open edit is about.
     bool editIsLost() const;
