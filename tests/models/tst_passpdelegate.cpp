@@ -121,6 +121,8 @@ private slots:
     // Foreign widgets
     void aWidgetOfAnotherKindIsLeftAlone();
     void categoryRowsAreNeitherReadNorWritten();
+    void onlyACheckHearsOfItsFilling();
+    void readOnlyConcernsLinesAlone();
     // Geometry
     void aCheckEditorStandsInTheMiddle_data();
     void aCheckEditorStandsInTheMiddle();
@@ -129,6 +131,8 @@ private slots:
     // Painting
     void aCheckCellPaintsItsIndicatorWithoutText_data();
     void aCheckCellPaintsItsIndicatorWithoutText();
+    void aSelectedCheckCellPaintsTheSelection_data();
+    void aSelectedCheckCellPaintsTheSelection();
     void aButtonCellPaintsTextAndButton();
     void otherCellsArePaintedByTheBaseClass();
     void anOpenEditorCoversThePaintedIndicator();
@@ -440,6 +444,39 @@ void PasspDelegateTest::categoryRowsAreNeitherReadNorWritten() {
     QCOMPARE(line.text(), QString("text"));
 }
 
+void PasspDelegateTest::onlyACheckHearsOfItsFilling() {
+    Bench bench;
+    bench.model.setRowValue("kind", "two");
+    QLineEdit line;
+    QComboBox combo;
+    combo.addItems({"one", "two"});
+    QCheckBox check;
+    QSignalSpy texts(&line, &QLineEdit::textChanged);
+    QSignalSpy choices(&combo, qOverload<int>(&QComboBox::currentIndexChanged));
+    QSignalSpy states(&check, &QCheckBox::stateChanged);
+    bench.delegate.setEditorData(&line, bench.cell("name"));
+    bench.delegate.setEditorData(&combo, bench.cell("kind"));
+    QCOMPARE(combo.currentIndex(), 0); // the text moves no selection
+    bench.model.setRowValue("kind", QVariant());
+    bench.delegate.setEditorData(&combo, bench.cell("kind"));
+    QCOMPARE(combo.currentIndex(), -1);
+    bench.delegate.setEditorData(&check, bench.cell("copy"));
+    QCOMPARE(line.text(), QString("alpha"));
+    QCOMPARE(texts.count(), 0);
+    QCOMPARE(choices.count(), 0);
+    QCOMPARE(states.count(), 1);
+}
+
+void PasspDelegateTest::readOnlyConcernsLinesAlone() {
+    Bench bench;
+    for (const char* name : {"name", "copy", "icon", "kind"})
+        bench.model.setData(bench.cell(name, 3), true);
+    QVERIFY(bench.create<QLineEdit>("name")->isReadOnly());
+    for (const char* name : {"copy", "icon", "kind"})
+        QVERIFY(bench.create<QWidget>(name)->isEnabled());
+    QVERIFY(bench.create<MyButtonEdit>("icon")->button()->isEnabled());
+}
+
 // ---------------------------------------------------------------------------------------------
 // Geometry
 
@@ -527,6 +564,37 @@ void PasspDelegateTest::aCheckCellPaintsItsIndicatorWithoutText() {
     QCOMPARE(shown.copy(0, 0, indicator.left() - 10, size.height()),
              background.copy(0, 0, indicator.left() - 10, size.height()));
     QVERIFY(shown != background);
+}
+
+void PasspDelegateTest::aSelectedCheckCellPaintsTheSelection_data() {
+    QTest::addColumn<bool>("inAView");
+    QTest::newRow("in a view, with its style") << true;
+    QTest::newRow("by itself, with the application's") << false;
+}
+
+void PasspDelegateTest::aSelectedCheckCellPaintsTheSelection() {
+    QFETCH(bool, inAView);
+    Bench bench;
+    bench.model.setRowValue("copy", true);
+    QStyleOptionViewItem option = bench.option({7, 3, 121, 25});
+    option.state |= QStyle::State_Selected | QStyle::State_Active;
+    option.showDecorationSelected = true; // the whole row, as a tree shows it
+    if (!inAView)
+        option.widget = nullptr;
+    QStandardItemModel empty(1, 1);
+    empty.setData(empty.index(0, 0), QString(""));
+    const QImage cell = painted({140, 32}, [&](QPainter& painter) {
+        bench.delegate.drawStyleSheet(&painter, option, bench.cell("copy"));
+    });
+    const QImage expected = painted({140, 32}, [&](QPainter& painter) {
+        QStyledItemDelegate().paint(&painter, option, empty.index(0, 0));
+    });
+    QCOMPARE(cell, expected);
+    option.state &= ~QStyle::State_Selected;
+    const QImage unselected = painted({140, 32}, [&](QPainter& painter) {
+        bench.delegate.drawStyleSheet(&painter, option, bench.cell("copy"));
+    });
+    QVERIFY(cell != unselected);
 }
 
 void PasspDelegateTest::aButtonCellPaintsTextAndButton() {

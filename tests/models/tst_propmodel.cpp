@@ -245,6 +245,8 @@ void PropTree::comboBoxesBelongToComboRowsOnly() {
     // The type alone decides, of whatever row.
     model.setData(model.cell("properties", 2), int(MyEditorCombo));
     QVERIFY(!model.getComboBox(model.cell("properties", 1)));
+    model.setComboBox("properties", &box); // no editor row
+    QVERIFY(!model.getComboBox(model.cell("properties", 1)));
     // Whatever the record holds, the type decides.
     model.setData(model.cell("kind", 2), int(MyEditorLine));
     QVERIFY(!model.getComboBox(model.cell("kind", 1)));
