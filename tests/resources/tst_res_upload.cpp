@@ -8,14 +8,20 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QItemSelectionModel>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
 #include <QProgressBar>
 #include <QTimer>
 
+#include <cstring>
 #include <functional>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 using namespace orvo::test;
 using orvo::store::StoredFile;
@@ -40,10 +46,11 @@ struct Shown {
 class BarWatch : public QObject {
 public:
     BarWatch() { qApp->installEventFilter(this); }
-    QStringList texts;
+    QStringList texts; ///< those that show
     QList<int> values;
     int from = -1, to = -1;
-    bool isOpen() const { return m_bar && m_bar->isVisible(); }
+    bool isGreen = false;
+    bool isThere() const { return m_bar; }
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override {
@@ -51,8 +58,12 @@ protected:
         if (bar && event->type() == QEvent::Show && !m_bar) {
             m_bar = bar;
             for (const QLabel* label : bar->findChildren<QLabel*>())
-                texts << label->text();
+                if (!label->isHidden())
+                    texts << label->text();
             auto* inner = bar->findChild<QProgressBar*>();
+            CPopProgressBar green(bar->parentWidget());
+            green.setColor(ProgressBarColorGreen);
+            isGreen = inner->styleSheet() == green.findChild<QProgressBar*>()->styleSheet();
             from = inner->minimum();
             to = inner->maximum();
             connect(inner, &QProgressBar::valueChanged, this,
@@ -168,6 +179,22 @@ struct Window {
         });
         return key;
     }
+    /// The names of the files stored since the last call, in the order in which they were.
+    QStringList storedInOrder() {
+        std::vector<orvo::store::Change> changes;
+        if (!host.ownStore().readLog(cursor, 1 << 20, &changes).ok())
+            qFatal("no log");
+        QStringList names;
+        for (const auto& change : changes) {
+            cursor = change.id;
+            if (change.table == "MenuResourceFile")
+                names << QJsonDocument::fromJson(QByteArray::fromStdString(change.after))
+                             .object()
+                             .value("name_")
+                             .toString();
+        }
+        return names;
+    }
     void deliver() { host.deliver(*editor.module); }
     QStringList log() const {
         QStringList lines;
@@ -200,6 +227,20 @@ void extract(Window& window, const QString& key, const QString& directory) {
     window.editor.action("actExtractFiles")->trigger();
 }
 
+/// A socket in the file system that nobody listens to.
+bool makeSocket(const QString& path) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::strncpy(address.sun_path, qPrintable(path), sizeof(address.sun_path) - 1);
+    const int handle = socket(AF_UNIX, SOCK_STREAM, 0);
+    if (handle < 0)
+        return false;
+    const auto* at = reinterpret_cast<const sockaddr*>(&address);
+    const bool bound = bind(handle, at, sizeof address) == 0;
+    close(handle);
+    return bound;
+}
+
 QByteArray content(const QString& path) {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(none)");
@@ -223,6 +264,7 @@ private slots:
     void aFormGoesUpWithItsGroup();
     void theUnderscoreIsNoPartOfTheStem();
     void aSuffixStaysInTheStem();
+    void membersGoUpFromTheLastToTheFirst();
     void directoriesAreNoMembers();
     void wildcardsInNamesAreLetters();
     void aFormGoesIntoItsFolder_data();
@@ -252,6 +294,7 @@ private slots:
     void aFailedUploadLeavesNothing();
 
     void theBarCountsTheFiles();
+    void anOpenEditStaysOpen();
     void nothingChangesBeforeTheNotifications();
 };
 
@@ -360,6 +403,16 @@ void TestResUpload::aSuffixStaysInTheStem() {
     QCOMPARE(window.form("Turbine.png"),
              QStringList({"Turbine.png=png@0", "Turbine.png.bak=bak@0"}));
     QCOMPARE(window.form("Turbine"), QStringList());
+}
+
+void TestResUpload::membersGoUpFromTheLastToTheFirst() {
+    Window window;
+    for (const char* name : {"Turbine.b", "Turbine", "Turbine.c", "Turbine.a"})
+        window.put(name, name);
+    window.storedInOrder();
+    window.upload("boilers", {"Turbine"});
+    QCOMPARE(window.storedInOrder(),
+             QStringList({"Turbine.c", "Turbine.b", "Turbine.a", "Turbine"}));
 }
 
 void TestResUpload::directoriesAreNoMembers() {
@@ -578,15 +631,16 @@ void TestResUpload::whatCannotBeReadIsNamedInTheLog() {
     QVERIFY(QDir(window.local.path()).mkdir("directory"));
     QVERIFY(QFile::link("/nonexistent/target", window.local.filePath("dangling")));
     QCOMPARE(mkfifo(qPrintable(window.local.filePath("pipe")), 0600), 0);
+    QVERIFY(makeSocket(window.local.filePath("socket")));
     window.put("vanishes.txt", "gone");
     window.duringTheDialog = [&] { QFile::remove(window.local.filePath("vanishes.txt")); };
-    window.upload("docs", {"good.txt", "directory", "pipe", "vanishes.txt", "last.txt"});
+    window.upload("docs", {"good.txt", "directory", "pipe", "socket", "vanishes.txt", "last.txt"});
     window.editor->loadFileToDB(window.local.filePath("dangling"), "docs");
     QCOMPARE(window.file("docs", "good.txt").size(), 1);
     QCOMPARE(window.file("docs", "last.txt").size(), 1);
-    QVERIFY2(window.log().size() == 4, qPrintable(window.log().join(QChar(10))));
-    for (int i = 0; i < 4; ++i) {
-        const char* const names[] = {"directory", "pipe", "vanishes.txt", "dangling"};
+    QVERIFY2(window.log().size() == 5, qPrintable(window.log().join(QChar(10))));
+    for (int i = 0; i < 5; ++i) {
+        const char* const names[] = {"directory", "pipe", "socket", "vanishes.txt", "dangling"};
         QVERIFY2(window.log()[i].contains(names[i]), names[i]);
         QCOMPARE(window.host.logLines[i].level, 5);
         QCOMPARE(window.file("docs", names[i]), QStringList());
@@ -680,23 +734,35 @@ void TestResUpload::theBarCountsTheFiles() {
     {
         BarWatch bar;
         window.upload("docs", names);
-        QVERIFY(bar.texts.contains("Загрузка файлов в БД"));
+        QCOMPARE(bar.texts, QStringList("Загрузка файлов в БД"));
+        QVERIFY(bar.isGreen);
         QCOMPARE(bar.from, 0);
         QCOMPARE(bar.to, 4);
         QCOMPARE(bar.values, QList<int>({1, 2, 3})); // from 0 to one less than the top
-        QVERIFY(!bar.isOpen());
+        QVERIFY(!bar.isThere());
     }
     BarWatch bar;
     window.upload("boilers", {"a"});
-    QVERIFY(bar.texts.contains("Загрузка форм в БД"));
+    QCOMPARE(bar.texts, QStringList("Загрузка форм в БД"));
+    QVERIFY(bar.isGreen);
     QCOMPARE(bar.to, 1);
-    QVERIFY(!bar.isOpen());
+    QVERIFY(!bar.isThere());
+}
+
+void TestResUpload::anOpenEditStaysOpen() {
+    Window window;
+    window.put("a.txt", "a");
+    window.editor.view("tvRes")->setCurrentIndex(window.editor->row("docs"));
+    window.editor->m_editState = UploadProbe::EditRow;
+    window.upload("docs", {"a.txt"});
+    QCOMPARE(window.file("docs", "a.txt").size(), 1);
+    QCOMPARE(window.editor->m_editState, UploadProbe::EditRow);
+    QCOMPARE(window.host.writes().calls.size(), 0);
 }
 
 void TestResUpload::nothingChangesBeforeTheNotifications() {
     Window window;
     window.put("Turbine", "form");
-    window.editor->m_editState = UploadProbe::Idle;
     const int rows = window.editor->m_resModel->rowCount(window.editor->row("boilers"));
     window.upload("boilers", {"Turbine"});
     QCOMPARE(window.editor->m_resModel->rowCount(window.editor->row("boilers")), rows);
