@@ -89,6 +89,7 @@ private slots:
     void aCutOfNothingLeavesTheClipboard();
     void aCutOfRowsWithoutRecordsLeavesTheClipboard_data();
     void aCutOfRowsWithoutRecordsLeavesTheClipboard();
+    void aFolderKnownByItsContentsIsCut_data();
     void aFolderKnownByItsContentsIsCut();
     void aFolderInACircleIsCut();
     void aCutWithoutAServerLeavesTheClipboard();
@@ -102,6 +103,7 @@ private slots:
     void withoutACurrentRowNothingIsPasted();
     void rowsThatAreGoneAreLeftOut();
     void withoutAnyRowNothingGoesOut();
+    void aRowNamedInAnotherCaseIsMoved();
     void theTypeOfTheTargetDoesNotMatter();
     void aFolderIsPastedIntoItself();
     void pastedWhereItIsARowIsSelectedAnew();
@@ -192,18 +194,27 @@ void TestResClipboard::aCutOfRowsWithoutRecordsLeavesTheClipboard() {
     QCOMPARE(clipboard().text(), QString("before"));
 }
 
+void TestResClipboard::aFolderKnownByItsContentsIsCut_data() {
+    QTest::addColumn<QStringList>("gone");
+    QTest::addColumn<bool>("isCut");
+    const QStringList forms{"rboiler", "rburner"};
+    QTest::newRow("by resources and a folder") << QStringList("boilers") << true;
+    QTest::newRow("by resources") << QStringList({"boilers", "old"}) << true;
+    QTest::newRow("by a folder") << QStringList("boilers") + forms << true;
+    QTest::newRow("by nothing") << QStringList({"boilers", "old"}) + forms << false;
+}
+
 void TestResClipboard::aFolderKnownByItsContentsIsCut() {
+    QFETCH(QStringList, gone);
     Window window;
-    // The folder's own record goes; what lies in it is still in the tables.
-    window.editor->m_tabResFolder.RecDel(MDARec(window.editor->m_tabResFolder.array, 0, [&] {
-        for (uint32_t i = 0;; ++i)
-            if (orvo::textOf(MDARec(window.editor->m_tabResFolder.array, 0, i), "KeyLink") ==
-                "boilers")
-                return i;
-    }()));
+    for (const QString& key : gone)
+        for (CMDArray* table : {&window.editor->m_tabResFolder, &window.editor->m_tabResource})
+            if (MDRData* record = orvo::seekKey(*table, key))
+                table->RecDel(record);
     window.select({"boilers"});
     window.editor->on_actCut_triggered();
-    QCOMPARE(onClipboard(), QByteArray("3\nboilers;\n"));
+    QFETCH(bool, isCut);
+    QCOMPARE(onClipboard(), isCut ? QByteArray("3\nboilers;\n") : QByteArray());
 }
 
 void TestResClipboard::aFolderInACircleIsCut() {
@@ -320,6 +331,18 @@ void TestResClipboard::withoutAnyRowNothingGoesOut() {
     window.paste("1\ngone;\n", "alarms");
     QCOMPARE(window.host.writes().calls.size(), 0);
     QVERIFY(onClipboard().isEmpty());
+}
+
+void TestResClipboard::aRowNamedInAnotherCaseIsMoved() {
+    Window window;
+    window.paste("1\nRLog;\n", "alarms");
+    QCOMPARE(window.written(), QString("MenuResource\n"
+                                       "  ~RLog MenuResourceFolderKey='alarms'\n"));
+    window.deliver();
+    QCOMPARE(window.parentOf("rlog"), QString("alarms"));
+    QCOMPARE(window.current().toLower(), QString("rlog"));
+    QVERIFY(window.editor->m_focusKey.isNull());
+    QCOMPARE(window.host.failures, QStringList());
 }
 
 void TestResClipboard::theTypeOfTheTargetDoesNotMatter() {

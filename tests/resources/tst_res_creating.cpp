@@ -465,6 +465,11 @@ void TestResCreating::theIconsButtonOpensThePicker() {
     QCOMPARE(list->objectType, 4);
     QCOMPARE(list->sourceName, QString("icons"));
     QVERIFY(list->m_popup);
+    const QPoint place = list->pos();
+    list->move(0, 0);
+    list->moveToCenter();
+    QVERIFY(!list->pos().isNull());
+    QCOMPARE(place, list->pos());
     QVERIFY(!list->multipleChoice);
     QCOMPARE(list->chosenName, QString());
     QCOMPARE(list->treeModel->rowCount(), 1);

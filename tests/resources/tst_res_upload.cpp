@@ -651,6 +651,8 @@ void TestResUpload::whatCannotBeReadIsNamedInTheLog() {
 
 void TestResUpload::aFormWithoutItsFileIsNotSent() {
     Window window;
+    addItem(window.store, "rnameless", 3, "boilers", "", "Без имени");
+    window.deliver();
     window.put("Boiler.png", "png");
     window.changesOf("");
     window.upload("old", {"Boiler"});
