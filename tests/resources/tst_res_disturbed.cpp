@@ -38,6 +38,9 @@ private slots:
     void aRefusedEditThatIsDeletedIsInNoOtherEditsWay();
     void aNewRowWhoseFolderIsDeleted_data();
     void aNewRowWhoseFolderIsDeleted();
+    void aNewRowAmongForeignOnes();
+    void aNameTakenMeanwhileIsRefused();
+    void aCaptionTakenMeanwhileIsRefused();
     void anOpenLineOutlivesABurst();
     void theEchoOfTheFirstEditComesDuringTheSecond();
     void twoEditsInARowAreTwoWrites();
@@ -149,6 +152,57 @@ void TestResDisturbed::aNewRowWhoseFolderIsDeleted() {
     QCOMPARE(live.cell("rmanual", ResColumn::Params), QVariant("-x"));
     live.save();
     QVERIFY(live.written().contains("~rmanual"));
+}
+
+void TestResDisturbed::aNewRowAmongForeignOnes() {
+    Writing live;
+    live.makeCurrent("alarms");
+    live.editor.action("actAddModule")->trigger();
+    const QString key = live.currentKey();
+    live.type("object", "Mid");
+    addItem(live.store, "first", 1, "alarms", "A", "Первый");
+    addItem(live.store, "last", 1, "alarms", "Z", "Последний");
+    live.deliver();
+    QCOMPARE(live.currentKey(), key);
+    QCOMPARE(live.state(), NewRow);
+    QCOMPARE(QModelIndex(live->m_newItemIndex), live->row(qPrintable(key)));
+    live.save();
+    QVERIFY(live.written().contains("MenuResourceFolderKey='alarms' name_='Mid'"));
+    live.deliver();
+    QCOMPARE(live.below("alarms"), "first " + key + " last");
+    QCOMPARE(live.currentKey(), key);
+}
+
+void TestResDisturbed::aNameTakenMeanwhileIsRefused() {
+    Writing live;
+    live.makeCurrent("alarms");
+    live.editor.action("actAddModule")->trigger();
+    live.type("object", "Mid");
+    addItem(live.store, "first", 1, "trends", "MID", "Первый");
+    live.deliver();
+    live.save();
+    QCOMPARE(live.box(), QString("Ошибка\nТакой ресурс уже существует. Данные не сохранены."));
+    QCOMPARE(live.state(), NewRow);
+    QCOMPARE(live.written(), QString());
+    live.store.remove("MenuResource", "first");
+    live.deliver();
+    live.save();
+    QVERIFY(live.written().contains("name_='Mid'"));
+}
+
+void TestResDisturbed::aCaptionTakenMeanwhileIsRefused() {
+    Writing live;
+    live.makeCurrent("mod");
+    live.editor.action("actAddFolder")->trigger();
+    live.type("caption", "Чужая");
+    // It shows nowhere before the next start, and is a sibling all the same.
+    addFolder(live.store, "theirs", 1, "mod", "ЧУЖАЯ");
+    live.deliver();
+    QVERIFY(!live->row("theirs").isValid());
+    live.save();
+    QVERIFY(live.box().contains("Папка с таким именем уже существует"));
+    QCOMPARE(live.state(), NewRow);
+    QCOMPARE(live.written(), QString());
 }
 
 void TestResDisturbed::anOpenLineOutlivesABurst() {

@@ -82,6 +82,7 @@ private slots:
     void oneHitLeavesNoSteps();
     void stepsEndAtBothEnds();
     void stepsBeyondTheEndsComeBack();
+    void aNewSearchBeginsAtItsFirstHit();
     void nothingFoundTurnsTheTextRed();
     void clearingTheFieldTakesTheRedAway();
     void clearingTheFieldKeepsRowAndHits();
@@ -172,6 +173,21 @@ void TestResSearch::stepsBeyondTheEndsComeBack() {
     QCOMPARE(window.editor->m_searchPos, -1);
     window.editor->on_search_down_pressed();
     QCOMPARE(window.editor->m_searchPos, 0);
+}
+
+void TestResSearch::aNewSearchBeginsAtItsFirstHit() {
+    Window window;
+    window.type("а");
+    for (int i = 0; i < 3; ++i)
+        window.down();
+    QCOMPARE(window.editor->m_searchPos, 3);
+    window.type("ар");
+    const QStringList hits = window.editor->hits();
+    QCOMPARE(window.current(), hits[0]);
+    QCOMPARE(window.editor->m_searchPos, 0);
+    QCOMPARE(window.steps(), QString("down"));
+    window.down();
+    QCOMPARE(window.current(), hits[1]);
 }
 
 void TestResSearch::nothingFoundTurnsTheTextRed() {
