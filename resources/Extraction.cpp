@@ -46,24 +46,51 @@ bool isPlainFileName(const QString& name) {
            });
 }
 
+/// Tells the log of a file that is in the store and not on the disk.
+void logUnwritten(const COrvoCliMod& module, const QString& file, const QString& reason) {
+    module.m_app->m_logModule->LogFile(
+        5, QStringLiteral("OrvoResources::on_actExtractFiles_triggered"),
+        OrvoResources::tr("Файл «%1» не извлечён: %2").arg(file, reason));
+}
+
+/// Writes all of it. What is left after a disk is full is tried again: only that tells the reason,
+/// which the commit would lose.
+bool writeWhole(QSaveFile& file, const char* content, qint64 length) {
+    while (length > 0) {
+        const qint64 written = file.write(content, length);
+        if (written <= 0)
+            return false;
+        content += written;
+        length -= written;
+    }
+    return file.flush();
+}
+
 /// Writes the files of a tool's reply into a directory. An existing file is replaced at once and
-/// only when all of the new one is on the disk; one that cannot be written stays as it was.
-void writeFiles(const CMDArray& files, const QString& directory) {
+/// only when all of the new one is on the disk; one that cannot be written stays as it was, and the
+/// log names it.
+void writeFiles(const COrvoCliMod& module, const CMDArray& files, const QString& directory) {
     orvo::walkAll(files, 0, [&](const MDRData* record) {
-        const QString name = orvo::textOf(record, nameField);
-        if (orvo::integerOf(record, sizeField) == 0 || !isPlainFileName(name))
+        if (orvo::integerOf(record, sizeField) == 0)
             return true;
+        const QString name = orvo::textOf(record, nameField);
+        if (!isPlainFileName(name)) {
+            logUnwritten(module, name, OrvoResources::tr("недопустимое имя"));
+            return true;
+        }
         uint32_t length = 0;
         const char* content = nullptr;
-        if (MDRGetTextRef(orvo::fieldOf(record, contentField), record, &length, &content) != MDX_OK)
+        if (MDRGetTextRef(orvo::fieldOf(record, contentField), record, &length, &content) !=
+            MDX_OK) {
+            logUnwritten(module, name, OrvoResources::tr("содержимое не получено"));
             return true;
+        }
         QSaveFile file(directory + name);
         // A file may be writable where its directory is not.
         file.setDirectWriteFallback(true);
-        if (file.open(QIODevice::WriteOnly)) {
-            file.write(content, length);
-            file.commit();
-        }
+        if (!file.open(QIODevice::WriteOnly) || !writeWhole(file, content, length) ||
+            !file.commit())
+            logUnwritten(module, file.fileName(), file.errorString());
         return true;
     });
 }
@@ -115,13 +142,13 @@ void OrvoResources::on_actExtractFiles_triggered() {
                 tool.formName = nameOf(row);
                 tool.withData = true;
                 tool.Perform(false);
-                writeFiles(tool.result, directory);
+                writeFiles(*this, tool.result, directory);
             } else {
                 CToolFileGet tool(this);
                 tool.name = nameOf(row);
                 tool.path = getFilePath(row);
                 tool.Perform(false);
-                writeFiles(tool.result, directory);
+                writeFiles(*this, tool.result, directory);
             }
         }
     }

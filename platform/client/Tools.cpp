@@ -78,6 +78,14 @@ void finishFiles(COrvoCliSes& session, const QString& operation, store::Status s
     session.data()->report(operation, status);
 }
 
+/// Content that is asked for by its name and is not there is a failure: a list may be empty.
+store::Status wanted(store::Status status, const std::vector<store::StoredFile>& files,
+                     const char* what) {
+    if (status.ok() && files.empty())
+        return {store::UnknownName, what};
+    return status;
+}
+
 /// The server's keys of a table, for the tool that seeks by key number.
 const char* serverKey(const std::string& table, int32_t number) {
     struct Keys {
@@ -197,8 +205,9 @@ CToolFormGet::~CToolFormGet() = default;
 void CToolFormGet::run(COrvoCliSes& session) {
     clear(result);
     std::vector<store::StoredFile> files;
-    const store::Status status =
-        session.data()->store->formGet(formName.toStdString(), withData, &files);
+    store::Status status = session.data()->store->formGet(formName.toStdString(), withData, &files);
+    if (withData)
+        status = wanted(std::move(status), files, "В хранилище нет файлов этой формы.");
     finishFiles(session, QStringLiteral("Чтение формы «%1»").arg(formName), status, files, result);
 }
 
@@ -237,10 +246,10 @@ CToolFileGet::~CToolFileGet() = default;
 void CToolFileGet::run(COrvoCliSes& session) {
     clear(result);
     std::vector<store::StoredFile> files;
-    const store::Status status =
+    store::Status status =
         session.data()->store->fileGet(path.toStdString(), name.toStdString(), true, &files);
-    finishFiles(session, QStringLiteral("Чтение файла «%1»").arg(storedPath(path, name)), status,
-                files, result);
+    finishFiles(session, QStringLiteral("Чтение файла «%1»").arg(storedPath(path, name)),
+                wanted(std::move(status), files, "В хранилище нет этого файла."), files, result);
 }
 
 CToolFormDel::CToolFormDel(COrvoCliMod* module) : COrvoToolObject(module) {

@@ -7,6 +7,10 @@
 #include <QItemSelectionModel>
 #include <QTimer>
 
+#include <cerrno>
+#include <functional>
+#include <sys/mount.h>
+
 using namespace orvo::test;
 
 namespace {
@@ -30,7 +34,8 @@ void select(ResEditor& editor, std::initializer_list<const char*> keys) {
 
 /// Extracts the selection into a directory; an empty one stands for Cancel. True if the dialog was
 /// shown.
-bool extract(ResEditor& editor, const QString& directory) {
+bool extract(ResEditor& editor, const QString& directory,
+             const std::function<void()>& duringTheDialog = {}) {
     bool shown = false;
     QTimer::singleShot(0, [&] {
         auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
@@ -46,6 +51,8 @@ bool extract(ResEditor& editor, const QString& directory) {
             return;
         }
         dialog->selectFile(directory);
+        if (duringTheDialog)
+            duringTheDialog();
         static_cast<QDialog*>(dialog)->done(QDialog::Accepted);
     });
     editor.action("actExtractFiles")->setEnabled(true);
@@ -57,6 +64,28 @@ QByteArray content(const QString& path) {
     QFile opened(path);
     return opened.open(QIODevice::ReadOnly) ? opened.readAll() : QByteArray("(none)");
 }
+
+/// A file system of its own over a directory, as an administrator of the machine may mount it.
+class Mounted {
+public:
+    Mounted(const QString& at, const char* options) : m_at(at.toLocal8Bit()) {
+        m_done = ::mount("tmpfs", m_at.constData(), "tmpfs", MS_NODEV | MS_NOSUID, options) == 0;
+    }
+    ~Mounted() {
+        if (m_done)
+            ::umount2(m_at.constData(), MNT_DETACH);
+    }
+    Mounted(const Mounted&) = delete;
+    Mounted& operator=(const Mounted&) = delete;
+    bool done() const { return m_done; }
+    bool makeReadOnly() {
+        return ::mount("tmpfs", m_at.constData(), "tmpfs", MS_REMOUNT | MS_RDONLY, nullptr) == 0;
+    }
+
+private:
+    QByteArray m_at;
+    bool m_done;
+};
 
 class CallingHost : public TestHost {
 public:
@@ -85,6 +114,8 @@ private slots:
     void pathsOfFiles();
     void formsLandFlatInTheDirectory();
     void filesAreWritten();
+    void severalFilesComeFromTheirPaths();
+    void theLaterFormOverwritesTheEarlier();
     void emptyFilesAreNotCreated();
     void equalNamesOverwriteEachOther();
     void aCancelledDialogWritesNothing();
@@ -93,6 +124,12 @@ private slots:
     void namesThatLeaveTheDirectoryAreSkipped_data();
     void namesThatLeaveTheDirectoryAreSkipped();
     void whatCannotBeWrittenIsPassedOver();
+    void aFullDiskLeavesWhatWasThere();
+    void aDirectoryThatTakesNothingIsNamedInTheLog();
+    void aDirectoryThatVanishedIsNamedInTheLog();
+    void whatVanishedFromTheStoreIsReported_data();
+    void whatVanishedFromTheStoreIsReported();
+    void extractionLeavesEditAndTreeAsTheyAre();
     void aFailedJobWritesNothing();
     void theHostOpensTheForm_data();
     void theHostOpensTheForm();
@@ -169,6 +206,49 @@ void TestResExtraction::filesAreWritten() {
     QVERIFY(extract(editor, target.path()));
     QCOMPARE(content(target.filePath("manual.txt")), QByteArray("read me"));
     QCOMPARE(content(target.filePath("readme.txt")), QByteArray("top"));
+}
+
+// Two files of one name in two folders are two files.
+void TestResExtraction::severalFilesComeFromTheirPaths() {
+    TestStore store;
+    fillCatalogue(store);
+    addItem(store, "rsame", 4, "deep", "manual.txt", "Руководство");
+    addItem(store, "rnote", 4, "deep", "note.txt", "Заметка");
+    TestHost host(store);
+    put(host.ownStore().filePut({file("docs", "manual.txt", "of docs"),
+                                 file("docs/deep", "manual.txt", "of deep"),
+                                 file("docs/deep", "note.txt", "note")}));
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    QTemporaryDir target;
+    select(editor, {"rsame", "rnote"});
+    QVERIFY(extract(editor, target.path()));
+    QCOMPARE(content(target.filePath("manual.txt")), QByteArray("of deep"));
+    QCOMPARE(content(target.filePath("note.txt")), QByteArray("note"));
+    select(editor, {"rmanual"});
+    QVERIFY(extract(editor, target.path()));
+    QCOMPARE(content(target.filePath("manual.txt")), QByteArray("of docs"));
+}
+
+void TestResExtraction::theLaterFormOverwritesTheEarlier() {
+    TestStore store;
+    fillCatalogue(store);
+    TestHost host(store);
+    put(host.ownStore().formPut("Котлы", {file("", "Boiler", "1"), file("", "Boiler.png", "x")}));
+    put(host.ownStore().formPut("Котлы", {file("", "Burner", "2"), file("", "Burner.png", "y")}));
+    store.sql(
+        "UPDATE \"MenuResourceFile\" SET \"name_\" = 'common.png' WHERE \"name_\" LIKE '%.png'");
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    for (const auto& [first, second, last] :
+         {std::tuple{"rboiler", "rburner", "y"}, std::tuple{"rburner", "rboiler", "x"}}) {
+        QTemporaryDir target;
+        select(editor, {first, second});
+        QVERIFY(extract(editor, target.path()));
+        QCOMPARE(QDir(target.path()).entryList(QDir::Files),
+                 QStringList({"Boiler", "Burner", "common.png"}));
+        QCOMPARE(content(target.filePath("common.png")), QByteArray(last));
+    }
 }
 
 void TestResExtraction::emptyFilesAreNotCreated() {
@@ -283,8 +363,135 @@ void TestResExtraction::whatCannotBeWrittenIsPassedOver() {
     QVERIFY(extract(editor, target.path()));
     QVERIFY(QDir(target.filePath("Boiler/inner")).exists());
     QCOMPARE(content(target.filePath("Boiler.txt")), QByteArray("two"));
-    QVERIFY(host.logLines.isEmpty());
+    QCOMPARE(host.logLines.size(), 1);
+    QCOMPARE(host.logLines.first().level, 5);
+    QCOMPARE(host.logLines.first().place, QString("OrvoResources::on_actExtractFiles_triggered"));
+    QVERIFY(host.logLines.first().text.contains(target.filePath("Boiler")));
     QVERIFY(!editor->m_popMessageBox);
+}
+
+void TestResExtraction::aFullDiskLeavesWhatWasThere() {
+    QTemporaryDir target;
+    const Mounted small(target.path(), "size=64k");
+    if (!small.done())
+        QSKIP("a small file system can be mounted by the administrator only");
+    TestStore store;
+    fillCatalogue(store);
+    TestHost host(store);
+    const std::string large(200 << 10, 'x');
+    put(host.ownStore().formPut("Котлы",
+                                {file("", "Boiler", large), file("", "Boiler.txt", "two")}));
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    QFile old(target.filePath("Boiler"));
+    QVERIFY(old.open(QIODevice::WriteOnly) && old.write("old") == 3);
+    old.close();
+    select(editor, {"rboiler"});
+    QVERIFY(extract(editor, target.path()));
+    QCOMPARE(content(target.filePath("Boiler")), QByteArray("old"));
+    QCOMPARE(content(target.filePath("Boiler.txt")), QByteArray("two"));
+    QCOMPARE(QDir(target.path()).entryList(QDir::Files | QDir::Hidden),
+             QStringList({"Boiler", "Boiler.txt"}));
+    QCOMPARE(host.logLines.size(), 1);
+    QVERIFY2(host.logLines.first().text.contains(qt_error_string(ENOSPC)),
+             qPrintable(host.logLines.first().text));
+    QVERIFY(!editor->m_popMessageBox);
+    QVERIFY(!editor.view("tvRes")->selectionModel()->hasSelection());
+}
+
+void TestResExtraction::aDirectoryThatTakesNothingIsNamedInTheLog() {
+    QTemporaryDir target;
+    QFile::setPermissions(target.path(), QFile::ReadOwner | QFile::ExeOwner);
+    Mounted readOnly(target.path(), "size=64k");
+    const bool mayWrite = QFileInfo(target.path()).isWritable(); // not of everybody
+    if (mayWrite && !(readOnly.done() && readOnly.makeReadOnly()))
+        QSKIP("no directory is unwritable here");
+    TestStore store;
+    fillCatalogue(store);
+    TestHost host(store);
+    put(host.ownStore().formPut("Котлы", {file("", "Boiler", "1"), file("", "Boiler.txt", "2")}));
+    put(host.ownStore().filePut({file("docs", "manual.txt", "3")}));
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    select(editor, {"rboiler"});
+    QVERIFY(extract(editor, target.path()));
+    QCOMPARE(host.logLines.size(), 2);
+    select(editor, {"rmanual"});
+    QVERIFY(extract(editor, target.path()));
+    QCOMPARE(host.logLines.size(), 3);
+    QVERIFY(host.logLines.last().text.contains("manual.txt"));
+    QVERIFY(QDir(target.path()).isEmpty());
+    QVERIFY(!editor->m_popMessageBox);
+    QFile::setPermissions(target.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+void TestResExtraction::aDirectoryThatVanishedIsNamedInTheLog() {
+    TestStore store;
+    fillCatalogue(store);
+    TestHost host(store);
+    put(host.ownStore().formPut("Котлы", {file("", "Boiler", "1")}));
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    QTemporaryDir outer;
+    const QString target = outer.filePath("target");
+    QVERIFY(QDir().mkpath(target));
+    select(editor, {"rboiler"});
+    QVERIFY(extract(editor, target, [&] { QVERIFY(QDir().rmdir(target)); }));
+    QCOMPARE(host.logLines.size(), 1);
+    QVERIFY(host.logLines.first().text.contains("Boiler"));
+    QVERIFY(QDir(outer.path()).isEmpty());
+}
+
+void TestResExtraction::whatVanishedFromTheStoreIsReported_data() {
+    QTest::addColumn<QString>("sql");
+    QTest::addColumn<QByteArray>("key");
+    QTest::newRow("content of a form")
+        << "DELETE FROM \"MenuResourceFile\"" << QByteArray("rboiler");
+    QTest::newRow("form") << "DELETE FROM \"MenuResource\" WHERE \"KeyLink\" = 'rboiler'"
+                          << QByteArray("rboiler");
+    QTest::newRow("content of a file")
+        << "DELETE FROM \"MenuResourceFile\"" << QByteArray("rmanual");
+    QTest::newRow("file") << "DELETE FROM \"MenuResource\" WHERE \"KeyLink\" = 'rmanual'"
+                          << QByteArray("rmanual");
+    QTest::newRow("folder of a file")
+        << "DELETE FROM \"MenuResourceFolder\" WHERE \"KeyLink\" = 'docs'" << QByteArray("rmanual");
+}
+
+void TestResExtraction::whatVanishedFromTheStoreIsReported() {
+    QFETCH(QString, sql);
+    QFETCH(QByteArray, key);
+    TestStore store;
+    fillCatalogue(store);
+    TestHost host(store);
+    put(host.ownStore().formPut("Котлы", {file("", "Boiler", "1")}));
+    put(host.ownStore().filePut({file("docs", "manual.txt", "3")}));
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    QTemporaryDir target;
+    select(editor, {key.constData()});
+    QVERIFY(extract(editor, target.path(), [&] { store.sql(qPrintable(sql)); }));
+    QVERIFY(QDir(target.path()).isEmpty());
+    QCOMPARE(host.failures.size(), 1);
+    QVERIFY(!editor->m_popMessageBox);
+}
+
+void TestResExtraction::extractionLeavesEditAndTreeAsTheyAre() {
+    TestStore store;
+    fillCatalogue(store);
+    TestHost host(store);
+    put(host.ownStore().formPut("Котлы", {file("", "Boiler", "1")}));
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    const QString before = editor->tableText("MenuResource");
+    editor->m_editState = ResProbe::EditRow;
+    QTemporaryDir target;
+    select(editor, {"rboiler"});
+    QVERIFY(extract(editor, target.path()));
+    QCOMPARE(editor->m_editState, uint32_t(ResProbe::EditRow));
+    QCOMPARE(editor->tableText("MenuResource"), before);
+    QVERIFY(editor->row("rboiler").isValid());
+    QCOMPARE(host.writes().take(), QString());
+    editor->m_editState = ResProbe::Idle;
 }
 
 void TestResExtraction::aFailedJobWritesNothing() {
