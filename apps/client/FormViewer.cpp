@@ -4,6 +4,7 @@
 
 #include <QBuffer>
 #include <QFile>
+#include <QFileInfo>
 #include <QFontDatabase>
 #include <QImageReader>
 #include <QLabel>
@@ -31,9 +32,13 @@ QWidget* scrolled(QWidget* content, const QSize& least) {
     return area;
 }
 
-/// A Designer form, alive. Null if the bytes are none.
-QWidget* asForm(const QByteArray& bytes, const QString& directory) {
-    if (!bytes.left(4096).contains("<ui"))
+/// A Designer form, alive. Null if the bytes are none, with the reason in `damage` if they were to
+/// be one.
+QWidget* asForm(const QByteArray& bytes, const QString& name, const QString& directory,
+                QString* damage) {
+    const bool isNamed = name.endsWith(QLatin1String(".ui"), Qt::CaseInsensitive);
+    const bool isMarked = bytes.left(4096).contains("<ui");
+    if (!isNamed && !isMarked)
         return nullptr;
     QBuffer buffer;
     buffer.setData(bytes);
@@ -42,25 +47,42 @@ QWidget* asForm(const QByteArray& bytes, const QString& directory) {
     loader.clearPluginPaths(); // a stored form brings no code with it
     loader.setWorkingDirectory(directory);
     QWidget* form = loader.load(&buffer);
-    if (!form)
+    if (!form) {
+        // A text that merely mentions the mark is no form.
+        const QByteArray start = bytes.left(4096).trimmed();
+        if (isNamed || start.startsWith("<?xml") || start.startsWith("<ui"))
+            *damage = loader.errorString();
         return nullptr;
+    }
     const QSize size = form->size();
     form->setWindowFlags(Qt::Widget);
     return scrolled(form, size);
 }
 
-QWidget* asPicture(const QByteArray& bytes) {
+/// A picture. Null if the bytes are none, with the reason in `damage` if they were to be one.
+QWidget* asPicture(const QByteArray& bytes, const QString& name, QString* damage) {
     QBuffer buffer;
     buffer.setData(bytes);
     buffer.open(QIODevice::ReadOnly);
     QImageReader reader(&buffer);
     constexpr int largestSide = 16384; // a picture's header may claim anything
+    if (!reader.canRead()) {
+        const QByteArray suffix = QFileInfo(name).suffix().toLower().toLatin1();
+        if (QImageReader::supportedImageFormats().contains(suffix))
+            *damage = reader.errorString();
+        return nullptr;
+    }
     const QSize size = reader.size();
-    if (!reader.canRead() || size.width() > largestSide || size.height() > largestSide)
+    if (size.width() > largestSide || size.height() > largestSide) {
+        *damage =
+            QStringLiteral("рисунок %1 × %2 слишком велик").arg(size.width()).arg(size.height());
         return nullptr;
+    }
     const QImage image = reader.read();
-    if (image.isNull())
+    if (image.isNull()) {
+        *damage = reader.errorString();
         return nullptr;
+    }
     auto* label = new QLabel;
     label->setAlignment(Qt::AlignCenter);
     label->setPixmap(QPixmap::fromImage(image));
@@ -95,6 +117,22 @@ QWidget* asText(const QByteArray& bytes) {
     view->setFrameShape(QFrame::NoFrame);
     view->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     return view;
+}
+
+/// A word above a view.
+QWidget* withNotice(QWidget* view, const QString& notice) {
+    auto* label = new QLabel(notice);
+    label->setObjectName(QStringLiteral("damageLabel"));
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    label->setMargin(8);
+    label->setStyleSheet(QStringLiteral("background:#fbe9e7;color:#9c2a20"));
+    auto* both = new QWidget;
+    auto* column = new QVBoxLayout(both);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(label);
+    column->addWidget(view, 1);
+    return both;
 }
 
 /// The files of the longest form name that the request begins with.
@@ -146,20 +184,38 @@ QWidget* openForm(store::Store& store, const QString& request, QWidget* parent, 
     tabs->setDocumentMode(true);
     tabs->setTabBarAutoHide(true);
     // The form itself is what the user came for.
-    std::vector<const store::StoredFile*> rest;
+    struct Rest {
+        const store::StoredFile* file;
+        QString damage;
+    };
+    std::vector<Rest> rest;
     for (const store::StoredFile& file : files) {
-        const QByteArray bytes = QByteArray::fromStdString(file.bytes);
         const QString title = QString::fromStdString(file.name);
-        if (QWidget* form = asForm(bytes, beside.path()))
+        QString damage;
+        if (QWidget* form =
+                asForm(QByteArray::fromStdString(file.bytes), title, beside.path(), &damage))
             tabs->addTab(form, title);
         else
-            rest.push_back(&file);
+            rest.push_back({&file, damage});
     }
-    for (const store::StoredFile* file : rest) {
+    QStringList damaged;
+    for (auto& [file, damage] : rest) {
         const QByteArray bytes = QByteArray::fromStdString(file->bytes);
-        QWidget* view = asPicture(bytes);
-        tabs->addTab(view ? view : asText(bytes), QString::fromStdString(file->name));
+        const QString title = QString::fromStdString(file->name);
+        QWidget* view = damage.isEmpty() ? asPicture(bytes, title, &damage) : nullptr;
+        if (!view)
+            view = asText(bytes);
+        if (!damage.isEmpty()) {
+            view = withNotice(
+                view,
+                QStringLiteral("Файл «%1» повреждён и показан как есть: %2").arg(title, damage));
+            damaged << title;
+        }
+        tabs->addTab(view, title);
     }
+    if (!damaged.isEmpty())
+        *error = QStringLiteral("Форма «%1»: повреждены файлы %2.")
+                     .arg(name, damaged.join(QStringLiteral(", ")));
     tabs->setCurrentIndex(0);
     auto* fill = new QVBoxLayout(window.get());
     fill->setContentsMargins(0, 0, 0, 0);

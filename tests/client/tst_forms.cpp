@@ -94,6 +94,8 @@ private slots:
         for (int i = 0; i < tabs->count(); ++i)
             if (auto* text = qobject_cast<QPlainTextEdit*>(tabs->widget(i)))
                 texts[tabs->tabText(i)] = text->toPlainText();
+            else if (auto* below = tabs->widget(i)->findChild<QPlainTextEdit*>())
+                texts[tabs->tabText(i)] = below->toPlainText();
         QCOMPARE(texts.value("a_utf8"), QString("Привет"));
         QCOMPARE(texts.value("a_win"), QString("Привет"));
         QVERIFY(texts.value("a_bin").contains("7f 00 01"));
@@ -103,6 +105,44 @@ private slots:
         for (QLabel* label : window->findChildren<QLabel*>())
             picture = picture || (label->pixmap(Qt::ReturnByValue).size() == QSize(33, 22));
         QVERIFY(picture);
+    }
+
+    void whatIsDamagedIsSaid_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<bool>("isDamaged");
+        const QByteArray form(designerForm);
+        QTest::newRow("form cut short") << "a_" << form.left(form.size() / 2) << true;
+        QTest::newRow("form without its start") << "a.ui" << QByteArray("\x01\x02\x03", 3) << true;
+        QTest::newRow("empty form") << "a.ui" << QByteArray() << true;
+        QTest::newRow("picture cut short") << "a.png" << png(200, 200).left(40) << true;
+        QTest::newRow("picture of zeros") << "a.png" << QByteArray(1000, '\0') << true;
+        QTest::newRow("too large a picture") << "a.PNG" << png(20000, 1) << true;
+        QTest::newRow("text that tells of forms")
+            << "a.txt" << QByteArray("see <ui version=\"4.0\"> and so on") << false;
+        QTest::newRow("anything") << "a.bin" << QByteArray("\x00\xff", 2) << false;
+        QTest::newRow("whole form") << "a.ui" << form << false;
+        QTest::newRow("whole picture") << "a.png" << png(20, 20) << false;
+    }
+
+    void whatIsDamagedIsSaid() {
+        QFETCH(QString, name);
+        QFETCH(QByteArray, bytes);
+        QFETCH(bool, isDamaged);
+        Bench bench;
+        bench.put({{name, bytes}, {name + ".second", "whole"}});
+        QString error;
+        auto window = bench.open(name, &error);
+        QVERIFY(window);
+        QCOMPARE(window->findChild<QTabWidget*>()->count(), 2);
+        const auto* notice = window->findChild<QLabel*>("damageLabel");
+        QCOMPARE(notice != nullptr, isDamaged);
+        QCOMPARE(!error.isEmpty(), isDamaged);
+        if (isDamaged) {
+            QVERIFY2(notice->text().contains("«" + name + "»"), qPrintable(notice->text()));
+            QVERIFY2(notice->text().size() > 40, qPrintable(notice->text())); // with the reason
+            QVERIFY2(error.contains(name), qPrintable(error));
+        }
     }
 
     void parametersAreCutFromTheName() {
