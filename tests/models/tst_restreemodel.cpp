@@ -91,6 +91,8 @@ private slots:
     void aMovedRowLeavesItsFileListBehind();
     void rowsMoveWithTheirSubtrees();
     void aRowMovesToTheTop();
+    void impossibleMovesChangeNothing();
+    void aMovedFolderIsClosed();
     void formatsAreOfferedInOrder();
     void onlyMovesAreOffered();
     void aDragOfOneTypeCarriesKeysJoinedBySemicolons();
@@ -115,6 +117,7 @@ private slots:
     void foldersOfFilesAreUniqueByName();
     void namesOfFilesAreComparedByCase();
     void inTheMenuAreaNamesMayRepeat();
+    void unknownKeysAreJudgedAsFilesWithoutAName();
     void aDropIsReportedAndChangesNothing();
     void aDropOnAResourceReportsItsFolder();
     void aDropBetweenRowsReportsTheirParent();
@@ -311,6 +314,27 @@ void ResTree::aRowMovesToTheTop() {
     QCOMPARE(print(model, Key, {}, model.row("mf")), QString("mg #mg\n  mga #mga\nmfa #mfa\n"));
 }
 
+void ResTree::impossibleMovesChangeNothing() {
+    Model model(tree);
+    const QString before = model.text();
+    const QModelIndex modules = model.row("m");
+    for (const auto& [from, to] : {std::pair{-1, 0}, {0, -1}, {0, 3}, {3, 0}})
+        QVERIFY(!model.moveSiblingItem(from, to, modules));
+    QVERIFY(model.moveSiblingItem(2, 2, modules));
+    const QModelIndex functions = model.row("f");
+    for (const auto& [from, to] : {std::pair{-1, 0}, {3, 0}, {0, -1}, {0, 2}, {0, 3}})
+        QVERIFY(!model.moveItem(from, to, modules, functions));
+    QVERIFY(model.copyChildRows(model.row("ma"), functions));
+    QCOMPARE(model.text(), before);
+}
+
+void ResTree::aMovedFolderIsClosed() {
+    Model model(tree);
+    model.setItemExpanded(model.row("mf"));
+    QVERIFY(model.moveSiblingItem(0, 1, model.row("m")));
+    QVERIFY(showsImage(model.row("mf"), ":/res/closedfolder1.png"));
+}
+
 // ---------------------------------------------------------------------------------------------
 // Drags
 
@@ -495,6 +519,19 @@ void ResTree::inTheMenuAreaNamesMayRepeat() {
     model.setData(model.row("mfa").siblingAtColumn(1), "ma");
     model.setData(model.row("mfa"), "ma");
     QVERIFY(model.mayDrop({"mfa"}, model.row("m")));
+}
+
+// Rows that another window drags and this tree does not have.
+void ResTree::unknownKeysAreJudgedAsFilesWithoutAName() {
+    Model model(tree);
+    const auto modules = payload("nosuch", typeName(1));
+    const auto files = payload("nosuch", typeName(4));
+    const auto drop = [&](const QMimeData& data, const char* target) {
+        return model.canDropMimeData(&data, Qt::MoveAction, -1, -1, model.row(target));
+    };
+    QVERIFY(drop(*modules, "m"));
+    QVERIFY(drop(*files, "i"));
+    QVERIFY(!drop(*files, "d")); // its folder "icons" has no resource name either
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -31,6 +31,8 @@ private slots:
     void pasteFollowsTheClipboard_data();
     void pasteFollowsTheClipboard();
     void aRenamedFolderOfAKindOffersNothing();
+    void aRowOfAnUnknownKindOffersNothing();
+    void aTopRowOfFilesOffersWhatTheFileAreaDoes();
     void aLockedFormCanBeUnlocked();
     void theClipboardIsReadWithCare_data();
     void theClipboardIsReadWithCare();
@@ -38,6 +40,7 @@ private slots:
     void theContextMenuShowsAllButCopying();
     void aSelectionHoldsRowsThatAreAlike_data();
     void aSelectionHoldsRowsThatAreAlike();
+    void ofRowsSelectedAtOnceThoseLikeTheFirstRemain();
     void actionsFollowTheCurrentRowOnly();
     void anUnsavedNewRowIsRemembered();
     void inAnEditTheActionsStay();
@@ -148,6 +151,31 @@ void TestResActions::aRenamedFolderOfAKindOffersNothing() {
     QCOMPARE(enabledActions(*editor.module), QString());
     editor.view("tvRes")->setCurrentIndex(editor->row("fun"));
     QCOMPARE(enabledActions(*editor.module), QString("actAddFolder actAddFunction"));
+}
+
+void TestResActions::aRowOfAnUnknownKindOffersNothing() {
+    TestStore store;
+    fillCatalogue(store);
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    editor->m_resModel->setData(editor->row("rlog", ResColumn::Type), 5);
+    editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));
+    QCOMPARE(enabledActions(*editor.module), QString());
+}
+
+void TestResActions::aTopRowOfFilesOffersWhatTheFileAreaDoes() {
+    TestStore store;
+    fillCatalogue(store);
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    store.update("MenuResource",
+                 {{"KeyLink", QString("rmanual")}, {"MenuResourceFolderKey", QString("nosuch")}});
+    host.deliver(*editor.module);
+    QCOMPARE(editor->m_resModel->getItemLevel(editor->row("rmanual")), 0);
+    editor.view("tvRes")->setCurrentIndex(editor->row("rmanual"));
+    QCOMPARE(enabledActions(*editor.module), QString("actAddFolder actLoadFiles"));
 }
 
 void TestResActions::aLockedFormCanBeUnlocked() {
@@ -270,6 +298,35 @@ void TestResActions::aSelectionHoldsRowsThatAreAlike() {
     QCOMPARE(keys, remain);
 }
 
+void TestResActions::ofRowsSelectedAtOnceThoseLikeTheFirstRemain() {
+    TestStore store;
+    fillCatalogue(store);
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    QItemSelectionModel* selection = editor.view("tvRes")->selectionModel();
+    const auto keys = [&] {
+        QStringList list;
+        for (const QModelIndex& row : selection->selectedRows())
+            list << editor->m_resModel->getItemKeyLink(row);
+        list.sort();
+        return list;
+    };
+    const auto rows = [&](std::initializer_list<const char*> list) {
+        QItemSelection range;
+        for (const char* key : list)
+            range.select(editor->row(key), editor->row(key, ResColumn::IsNew));
+        return range;
+    };
+    selection->select(rows({"rlog", "trends", "rtrend", "rtable", "rmanual"}),
+                      QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    QCOMPARE(keys(), QStringList({"rlog", "rtable"}));
+    // What is selected already counts more than what comes.
+    selection->select(rows({"alarms", "trends", "rtrend"}),
+                      QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    QCOMPARE(keys(), QStringList({"rlog", "rtable"}));
+}
+
 void TestResActions::actionsFollowTheCurrentRowOnly() {
     TestStore store;
     fillCatalogue(store);
@@ -291,6 +348,7 @@ void TestResActions::anUnsavedNewRowIsRemembered() {
     ResEditor editor(host, "Resources");
     QVERIFY(editor.start());
     editor->m_editState = ResProbe::NewRow;
+    editor->m_newItemIndex = editor->row("rtable");
     const QModelIndex row = editor->row("rlog");
     editor->m_resModel->setData(row.siblingAtColumn(ResColumn::IsNew), true);
     editor.view("tvRes")->setCurrentIndex(row.siblingAtColumn(ResColumn::Name));
@@ -306,6 +364,7 @@ void TestResActions::inAnEditTheActionsStay() {
     QVERIFY(editor.start());
     editor.view("tvRes")->setCurrentIndex(editor->row("rcalc"));
     editor->m_editState = ResProbe::NewRow;
+    editor->m_newItemIndex = editor->row("rlog");
     editor->m_resModel->setData(editor->row("rlog", ResColumn::IsNew), true);
     editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));
     QVERIFY(editor.action("actAddFunction")->isEnabled());

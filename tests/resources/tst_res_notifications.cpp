@@ -20,7 +20,11 @@ private slots:
     void aChangedFolderIsRewrittenAndSorted();
     void aChangeOfTheCurrentRowRefreshesIt();
     void aChangeOfAnotherRowLeavesTheCurrentOne();
+    void aChangeUnknownToTheTableChangesNothing();
     void aMovedResourceStandsBehindTheFolders();
+    void aMovedCurrentRowIsNotSelectedAgain();
+    void anOrphanIsRewrittenInItsPlace();
+    void anOrphanMovesIntoAFolder();
     void aMovedFileGoesToTheTopOfTheFileArea();
     void aMovedFolderTakesItsRowsAlong();
     void aFolderWithoutParentBecomesATopRow();
@@ -38,6 +42,8 @@ private slots:
     void anyOtherRowLeavesTheNextCurrent();
     void anotherRowLeavesTheCurrentOne();
     void aDeletedFolderGoesWithItsTable();
+    void aFolderTakesTheCurrentRowWithIt();
+    void theFormsOfADeletedFolderAreNoOrphansYet();
     void aKeyUnknownToTheTableRemovesNothing();
     void anEditedRowIsOverwritten();
     void aBurstOpensEachFolderAndEndsAtTheLastRow();
@@ -45,6 +51,8 @@ private slots:
     void outOfSightABurstShowsItsRowsToo();
     void aNotificationThatComesAloneIsShown();
     void otherTablesAreIgnored();
+    void storedContentIsIgnored();
+    void otherEventsAreIgnored();
     void aStrangeBlockIsIgnored();
     void theTablesAreTold();
 
@@ -142,6 +150,54 @@ void TestResNotifications::aChangeOfAnotherRowLeavesTheCurrentOne() {
     deliver();
     QCOMPARE(moves.count(), 0);
     QCOMPARE(view()->currentIndex(), probe().row("rlog"));
+}
+
+void TestResNotifications::aChangeUnknownToTheTableChangesNothing() {
+    probe().m_tabResource.RecDel(orvo::seekKey(probe().m_tabResource, "rlog"));
+    probe().m_tabResFolder.RecDel(orvo::seekKey(probe().m_tabResFolder, "alarms"));
+    store->update("MenuResource", {{"KeyLink", QString("rlog")}, {"caption", QString("Новое")}});
+    store->update("MenuResourceFolder",
+                  {{"KeyLink", QString("alarms")}, {"caption", QString("Новое")}});
+    deliver();
+    QCOMPARE(probe().text("rlog", ResColumn::Caption), QString("Журнал"));
+    QCOMPARE(probe().text("alarms", ResColumn::Caption), QString("Аварии"));
+    QVERIFY(!orvo::seekKey(probe().m_tabResource, "rlog"));
+    QVERIFY(!orvo::seekKey(probe().m_tabResFolder, "alarms"));
+}
+
+void TestResNotifications::aMovedCurrentRowIsNotSelectedAgain() {
+    makeCurrent("rtrend");
+    store->update("MenuResource",
+                  {{"KeyLink", QString("rtrend")}, {"MenuResourceFolderKey", QString("mod")}});
+    deliver();
+    QVERIFY(probe().row("rtrend").isValid());
+    QVERIFY(view()->currentIndex() != probe().row("rtrend"));
+    makeCurrent("old");
+    store->update("MenuResourceFolder",
+                  {{"KeyLink", QString("old")}, {"ParentKey", QString("frm")}});
+    deliver();
+    QCOMPARE(children("frm"), QStringList({"boilers", "old", "rdrum"}));
+    QVERIFY(view()->currentIndex() != probe().row("old"));
+}
+
+void TestResNotifications::anOrphanIsRewrittenInItsPlace() {
+    const QString orphans = QString::number(orvo::recordCount(probe().m_tabOrphans));
+    store->update("MenuResource", {{"KeyLink", QString("rlost")}, {"caption", QString("Нашлась")}});
+    deliver();
+    QCOMPARE(children("WrongFolder"), QStringList("rlost"));
+    QCOMPARE(probe().text("rlost", ResColumn::Caption), QString("Нашлась"));
+    // The copy of the record stays as it was at the start.
+    QCOMPARE(QString::number(orvo::recordCount(probe().m_tabOrphans)), orphans);
+    QCOMPARE(orvo::textOf(orvo::seekKey(probe().m_tabOrphans, "rlost"), "caption"),
+             QString("Потерянная"));
+}
+
+void TestResNotifications::anOrphanMovesIntoAFolder() {
+    store->update("MenuResource",
+                  {{"KeyLink", QString("rlost")}, {"MenuResourceFolderKey", QString("boilers")}});
+    deliver();
+    QCOMPARE(children("WrongFolder"), QStringList());
+    QCOMPARE(children("boilers"), QStringList({"old", "rboiler", "rburner", "rlost"}));
 }
 
 void TestResNotifications::aMovedResourceStandsBehindTheFolders() {
@@ -298,6 +354,24 @@ void TestResNotifications::aDeletedFolderGoesWithItsTable() {
     QVERIFY(!orvo::seekKey(probe().m_tabResFolder, "alarms"));
 }
 
+void TestResNotifications::aFolderTakesTheCurrentRowWithIt() {
+    makeCurrent("rtrend");
+    store->sql("DELETE FROM \"MenuResourceFolder\" WHERE \"KeyLink\" = 'trends'");
+    deliver();
+    QVERIFY(!probe().row("rtrend").isValid());
+    QCOMPARE(probe().m_currentKey, QString("rlog")); // the row that stands there now
+    QCOMPARE(view()->currentIndex(), probe().row("rlog"));
+}
+
+void TestResNotifications::theFormsOfADeletedFolderAreNoOrphansYet() {
+    store->sql("DELETE FROM \"MenuResourceFolder\" WHERE \"KeyLink\" = 'boilers'");
+    deliver();
+    QVERIFY(!probe().row("rboiler").isValid());
+    QVERIFY(orvo::seekKey(probe().m_tabResource, "rboiler"));
+    QCOMPARE(children("WrongFolder"), QStringList("rlost"));
+    QCOMPARE(orvo::recordCount(probe().m_tabOrphans), 1);
+}
+
 void TestResNotifications::aKeyUnknownToTheTableRemovesNothing() {
     probe().m_tabResource.RecDel(orvo::seekKey(probe().m_tabResource, "rlog"));
     store->remove("MenuResource", "rlog");
@@ -373,6 +447,37 @@ void TestResNotifications::otherTablesAreIgnored() {
     deliver();
     QCOMPARE(orvo::recordCount(probe().m_tabUsers), records);
     QCOMPARE(probe().text("rlog", ResColumn::Caption), QString("Журнал"));
+}
+
+void TestResNotifications::storedContentIsIgnored() {
+    const QString resources = probe().tableText("MenuResource");
+    const QString folders = probe().tableText("MenuResourceFolder");
+    QVERIFY(host->ownStore().formPut("Котлы", {{"", "Boiler", "1", {}}}).ok());
+    // Under a key that a resource has as well.
+    store->sql("UPDATE \"MenuResourceFile\" SET \"KeyLink\" = 'rlog' WHERE \"name_\" = 'Boiler'");
+    store->sql("UPDATE \"MenuResourceFile\" SET \"name_\" = 'Other' WHERE \"KeyLink\" = 'rlog'");
+    store->sql("DELETE FROM \"MenuResourceFile\" WHERE \"KeyLink\" = 'rlog'");
+    deliver();
+    QCOMPARE(probe().tableText("MenuResource"), resources);
+    QCOMPARE(probe().tableText("MenuResourceFolder"), folders);
+    QVERIFY(probe().row("rlog").isValid());
+}
+
+void TestResNotifications::otherEventsAreIgnored() {
+    const QString before = probe().tableText("MenuResource");
+    addItem(*store, "foreign", 1, "mod", "Melody", "Мелодия");
+    std::vector<orvo::store::Change> changes;
+    QVERIFY(store->connect()->readLog(0, 1000, &changes).ok());
+    orvo::client::NotificationMaker maker;
+    MDXCliParam* block = maker.make(changes.back());
+    for (const int32_t action : {631, 600, 0}) {
+        const MDRVar code = orvo::integerVar(action);
+        QCOMPARE(MDRSetVal(orvo::fieldOf(block->record, 1), block->record, &code), MDX_OK);
+        QVERIFY(probe().MessageData(block));
+        QCOMPARE(probe().tableText("MenuResource"), before);
+        QVERIFY(!probe().row("foreign").isValid());
+    }
+    host->m_session->PrmFree(block);
 }
 
 void TestResNotifications::aStrangeBlockIsIgnored() {

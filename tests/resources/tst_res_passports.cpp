@@ -55,6 +55,8 @@ private slots:
     void aFileShowsTheOddYear();
     void aFailedJobLeavesTheCommonRows();
     void theFixedRowsHaveFolderPassports();
+    void aRowOfAnUnknownKindIsNotExpanded();
+    void aFileWithoutContentShowsTheCommonRows();
 };
 
 void TestResPassports::aFolderHasThreeRows() {
@@ -231,6 +233,32 @@ void TestResPassports::theFixedRowsHaveFolderPassports() {
         QCOMPARE(rowsOf(*editor->m_propModel).size(), 4);
         QCOMPARE(editor->passport("keylink"), QVariant(key));
     }
+}
+
+void TestResPassports::aRowOfAnUnknownKindIsNotExpanded() {
+    TestStore store;
+    fillCatalogue(store);
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    editor->m_resModel->setData(editor->row("rlog", ResColumn::Type), 7);
+    editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));
+    QCOMPARE(rowsOf(*editor->m_propModel).size(), 7);
+    QCOMPARE(editor->passport("type").toString(), QString());
+    QVERIFY(!editor.view("tvProp")->isExpanded(editor->m_propModel->index(0, 0)));
+}
+
+void TestResPassports::aFileWithoutContentShowsTheCommonRows() {
+    TestStore store;
+    fillCatalogue(store);
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    editor.view("tvRes")->setCurrentIndex(editor->row("rmanual"));
+    QCOMPARE(rowsOf(*editor->m_propModel).size(), 7);
+    QVERIFY(editor.view("tvProp")->isExpanded(editor->m_propModel->index(0, 0)));
+    // Only a look: nothing is missed.
+    QCOMPARE(host.failures, QStringList());
 }
 
 QTEST_MAIN(TestResPassports)

@@ -2,6 +2,7 @@
 #include "tests/resources/ResProbe.h"
 
 #include "frame/Records.h"
+#include "tests/models/IconCheck.h"
 #include "tests/models/TreeText.h"
 
 using namespace orvo::test;
@@ -16,6 +17,10 @@ private slots:
     void aKindWithoutTopFolderEndsTheLoading();
     void withoutOrphansThereIsNoOrphanRow();
     void orphansShowNoIconAndNoLock();
+    void orphansAreMarkedCopiesOfTheirRecords();
+    void onlyFormsAreOrphans();
+    void iconsComeFromTheWorkDirectory();
+    void anOpenFolderShowsIt();
     void equalNamesKeepTheTablesOrder();
     void aFileInAFolderOfAnotherKindHasNoRow();
     void aFolderBelowTheKeyOfTheFileAreaIsPassedOver();
@@ -24,6 +29,8 @@ private slots:
     void locksShowTheirOwner();
     void aReleasedLockLeavesItsTexts();
     void anUnknownUserLocksNothing();
+    void aUserWithoutANameLocksNothing();
+    void aLockWithoutATimeShowsNone();
     void foldersHavePositions();
     void resourcesHavePositions();
     void foldersBeforeResourcesAreCounted();
@@ -165,6 +172,71 @@ void TestResTree::orphansShowNoIconAndNoLock() {
     QVERIFY(!editor->row("rnowhere").isValid());
 }
 
+void TestResTree::orphansAreMarkedCopiesOfTheirRecords() {
+    TestStore store;
+    fillCatalogue(store);
+    addItem(store, "ralso", 3, "nowhere", "Also", "Тоже");
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    QCOMPARE(orvo::recordCount(editor->m_tabOrphans), 2);
+    // By key, not by name.
+    QCOMPARE(editor->row("ralso").row(), 0);
+    QCOMPARE(editor->row("rlost").row(), 1);
+    const MDRData* orphan = orvo::seekKey(editor->m_tabOrphans, "rlost");
+    const MDRData* record = orvo::seekKey(editor->m_tabResource, "rlost");
+    QVERIFY(orphan && record && orphan != record);
+    for (int field = 0; field < editor->m_tabOrphans.array->fieldCount; ++field) {
+        uint8_t marked = 0;
+        QCOMPARE(MDRIsUser(orvo::fieldOf(orphan, field), orphan, &marked), MDX_OK);
+        QCOMPARE(int(marked), 1);
+        QCOMPARE(orvo::textOf(orphan, field), orvo::textOf(record, field));
+    }
+}
+
+void TestResTree::onlyFormsAreOrphans() {
+    TestStore store;
+    fillCatalogue(store);
+    store.remove("MenuResource", "rlost");
+    addItem(store, "rastray", 1, "nofolder", "Stray", "Модуль");
+    addItem(store, "rbstray", 2, "nofolder", "Stray", "Функция");
+    addItem(store, "rcstray", 4, "nofolder", "stray.txt", "Файл");
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    QCOMPARE(orvo::recordCount(editor->m_tabOrphans), 0);
+    QVERIFY(!editor->row("WrongFolder").isValid());
+    for (const char* key : {"rastray", "rbstray", "rcstray"})
+        QVERIFY(!editor->row(key).isValid());
+}
+
+void TestResTree::iconsComeFromTheWorkDirectory() {
+    TestStore store;
+    fillCatalogue(store);
+    store.update("MenuResource", {{"KeyLink", QString("rlog")}, {"ico", QString("green.png")}});
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    const QString icon = editor->m_paths->workDir + "files/icons/green.png";
+    QVERIFY(makeImage(icon, Qt::green));
+    QVERIFY(editor.start());
+    QVERIFY(showsImage(editor->row("rlog", ResColumn::Icon), icon));
+    QVERIFY(showsNothing(editor->row("rtable", ResColumn::Icon)));
+}
+
+void TestResTree::anOpenFolderShowsIt() {
+    TestStore store;
+    fillCatalogue(store);
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    QVERIFY(showsImage(editor->row("MenuResources"), ":/res/openfolder1.png"));
+    QVERIFY(showsImage(editor->row("mod"), ":/res/closedfolder1.png"));
+    editor.view("tvRes")->expand(editor->row("mod"));
+    QVERIFY(showsImage(editor->row("mod"), ":/res/openfolder1.png"));
+    editor.view("tvRes")->collapse(editor->row("mod"));
+    QVERIFY(showsImage(editor->row("mod"), ":/res/closedfolder1.png"));
+}
+
 void TestResTree::equalNamesKeepTheTablesOrder() {
     TestStore store;
     fillCatalogue(store);
@@ -175,7 +247,8 @@ void TestResTree::equalNamesKeepTheTablesOrder() {
     QVERIFY(editor.start());
     QCOMPARE(editor->row("same1").row(), editor->getResItemPosition("same1", "alarms", 1));
     QCOMPARE(editor->row("same2").row(), editor->getResItemPosition("same2", "alarms", 1));
-    QCOMPARE(editor->row("same1").row() + editor->row("same2").row(), 1);
+    QCOMPARE(editor->row("same1").row(), 0);
+    QCOMPARE(editor->row("same2").row(), 1);
 }
 
 void TestResTree::aFileInAFolderOfAnotherKindHasNoRow() {
@@ -272,6 +345,34 @@ void TestResTree::anUnknownUserLocksNothing() {
     QCOMPARE(editor->row("rboiler", ResColumn::Blocked).data(), QVariant(0));
 }
 
+void TestResTree::aUserWithoutANameLocksNothing() {
+    TestStore store;
+    fillCatalogue(store);
+    addUser(store, "unameless", "", "", "");
+    store.update("MenuResource",
+                 {{"KeyLink", QString("rboiler")}, {"UsersKey", QString("unameless")}});
+    store.sql("UPDATE \"MenuResource\" SET \"dateTimeEdit\" = 86400 WHERE \"KeyLink\" = 'rboiler'");
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    QVERIFY(editor->text("rboiler", ResColumn::Lock).isEmpty());
+    QVERIFY(!editor->row("rboiler", ResColumn::LockTime).data().isValid());
+    QCOMPARE(editor->row("rboiler", ResColumn::Blocked).data(), QVariant(0));
+}
+
+void TestResTree::aLockWithoutATimeShowsNone() {
+    TestStore store;
+    fillCatalogue(store);
+    store.update("MenuResource",
+                 {{"KeyLink", QString("rboiler")}, {"UsersKey", QString("uother")}});
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    QCOMPARE(editor->text("rboiler", ResColumn::Lock), QString("Петрова А."));
+    QVERIFY(!editor->row("rboiler", ResColumn::LockTime).data().isValid());
+    QCOMPARE(editor->row("rboiler", ResColumn::Blocked).data(), QVariant(2));
+}
+
 void TestResTree::foldersHavePositions() {
     TestStore store;
     fillCatalogue(store);
@@ -285,6 +386,7 @@ void TestResTree::foldersHavePositions() {
     QCOMPARE(editor->getResFolderPosition("trends", "fun", 1), -1);
     QCOMPARE(editor->getResFolderPosition("trends", "mod", 2), -1);
     QCOMPARE(editor->getResFolderPosition("nosuch", "mod", 1), -1);
+    QCOMPARE(editor->getResFolderPosition("nosuch", "zzz", 9), -1); // past the last record
 }
 
 void TestResTree::resourcesHavePositions() {
@@ -311,6 +413,7 @@ void TestResTree::foldersBeforeResourcesAreCounted() {
     QCOMPARE(editor->getFolderCount("trends"), 0);
     QCOMPARE(editor->getFolderCount(""), 2);
     QCOMPARE(editor->getFolderCount("FileResources"), 2);
+    QCOMPARE(editor->getFolderCount("nosuch"), 2); // of the top rows
 }
 
 QTEST_MAIN(TestResTree)

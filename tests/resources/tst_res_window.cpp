@@ -4,6 +4,7 @@
 #include "frame/Records.h"
 #include "frame/WindowParts.h"
 #include "frame/modules.h"
+#include "tests/menu/Outage.h"
 
 #include <QComboBox>
 #include <QHeaderView>
@@ -49,6 +50,7 @@ private slots:
     void startArrangesThePassport();
     void aTableThatCannotBeFetchedEndsTheStart_data();
     void aTableThatCannotBeFetchedEndsTheStart();
+    void withoutAStructureTheStartEnds();
     void aModuleThatDidNotStartSurvivesWhatComes();
     void theFocusKeyWaitsForItsRow();
     void anErrorBoxIsHidden();
@@ -273,6 +275,9 @@ void TestResWindow::startArrangesTheTree() {
     ResEditor editor(host, "Resources");
     QVERIFY(editor.start());
     const QTreeView* view = editor.view("tvRes");
+    const QList<int> sizes = editor.child<QSplitter>("splitter")->sizes();
+    const double share = sizes[0] / double(sizes[0] + sizes[1]);
+    QVERIFY2(std::abs(share - 400.0 / 550) < 0.02, qPrintable(QString::number(share)));
     QStringList titles;
     for (int column = 0; column < view->model()->columnCount(); ++column) {
         titles << view->model()->headerData(column, Qt::Horizontal).toString();
@@ -354,6 +359,24 @@ void TestResWindow::aTableThatCannotBeFetchedEndsTheStart() {
     QCOMPARE(host.titles.size(), 2);
 }
 
+void TestResWindow::withoutAStructureTheStartEnds() {
+    TestStore store;
+    fillCatalogue(store);
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    {
+        const StructureOutage outage;
+        QVERIFY(!editor.start());
+    }
+    QCOMPARE(host.logLines.size(), 1);
+    QCOMPARE(host.logLines.first().level, 5);
+    QCOMPARE(host.logLines.first().place, QString("OrvoResources::loadTables->MenuResource"));
+    QVERIFY(!editor->m_resModel);
+    // What was loaded before stays.
+    QVERIFY(orvo::seekKey(editor->m_tabResource, "rlog"));
+    QCOMPARE(editor->m_userLogin, QString("engineer"));
+}
+
 void TestResWindow::aModuleThatDidNotStartSurvivesWhatComes() {
     TestStore store;
     fillCatalogue(store);
@@ -395,6 +418,10 @@ void TestResWindow::anErrorBoxIsHidden() {
     editor->on_common_error_message(nullptr);
     orvo::showError(*editor.module, "Нет", SLOT(on_common_error_message(QAbstractButton*)));
     QVERIFY(editor->m_popMessageBox->isVisible());
+    QStringList texts;
+    for (const QLabel* label : editor->m_popMessageBox->findChildren<QLabel*>())
+        texts << label->text();
+    QVERIFY(texts.contains("Ошибка") && texts.contains("Нет"));
     editor->on_common_error_message(nullptr);
     QVERIFY(!editor->m_popMessageBox->isVisible());
 }
