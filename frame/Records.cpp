@@ -218,7 +218,8 @@ int32_t seekPosition(const CMDArray& table, int key, const KeyValues& values) {
 void setKeys(CMDArray& table, std::initializer_list<const char*> further) {
     table.KeyAdd("KeyLink", MDX_KEY_UNIQUE);
     while (table.array && table.array->keyCount >= 2) {
-        if (MDAKeyDel(table.array, 0) != MDX_OK)
+        table.status = MDAKeyDel(table.array, 0);
+        if (table.status != MDX_OK)
             break;
     }
     for (const char* fields : further)
