@@ -113,8 +113,13 @@ void Client::show() {
 }
 
 void Client::connectAll() {
-    LogPane* log = m_window->logPane();
-    connect(&m_app, &HostApp::logged, log, &LogPane::add);
+    connect(&m_app, &HostApp::logged, m_window.get(),
+            [this](int level, const QString& place, const QString& text) {
+                m_window->logPane()->add(level, place, text);
+                // What a module could not do shows until it is seen: the module itself is silent.
+                if (level >= LogError)
+                    m_window->statusLine()->setFailure(text);
+            });
     connect(&m_app, &HostApp::titleChanged, m_window.get(), &MainWindow::setTitle);
     connect(&m_app, &HostApp::formRequested, this, &Client::openForm);
     connect(&client::sessionEvents(*m_session), &client::SessionEvents::failed, this,
@@ -192,16 +197,21 @@ void Client::reopenModules(const QString& why) {
 void Client::openForm(const QString& request) {
     const WaitCursor wait;
     QString error;
-    if (app::openForm(client::sessionStore(*m_session), request, m_window.get(), &error))
-        return;
-    m_app.log(LogError, QStringLiteral("Клиент"), error);
-    m_window->showError(error);
+    const bool opened =
+        app::openForm(client::sessionStore(*m_session), request, m_window.get(), &error);
+    if (!opened) {
+        m_window->logPane()->add(LogError, QStringLiteral("Клиент"), error);
+        m_window->showError(error);
+    } else if (!error.isEmpty()) {
+        fail(QStringLiteral("Клиент"), error);
+    }
 }
 
 void Client::fail(const QString& place, const QString& text) {
-    m_app.log(LogError, place, text);
-    if (m_window)
-        m_window->statusLine()->setFailure(QStringLiteral("%1: %2").arg(place, text));
+    if (!m_window)
+        return;
+    m_window->logPane()->add(LogError, place, text);
+    m_window->statusLine()->setFailure(QStringLiteral("%1: %2").arg(place, text));
 }
 
 void Client::stop() {
