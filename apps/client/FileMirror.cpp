@@ -4,8 +4,11 @@
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QSaveFile>
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstring>
@@ -35,6 +38,30 @@ std::string join(const PathParts& parts) {
     for (const std::string& part : parts)
         path += (path.empty() ? "" : "/") + part;
     return path;
+}
+
+/// Whether a change of that record can move, name, add or remove a file of the area. A comparison
+/// takes the longer the more files there are, and most changes of a catalogue are about others.
+bool concernsFiles(const store::Change& change) {
+    constexpr int fileType = 4;
+    const bool isFolder = change.table == "MenuResourceFolder";
+    if (!isFolder && change.table != "MenuResource")
+        return false;
+    const auto fields = [](const std::string& json) {
+        return QJsonDocument::fromJson(QByteArray::fromStdString(json)).object();
+    };
+    constexpr int updated = 602;
+    if (change.code == updated) {
+        // Only what has changed is told: not of what type the record is.
+        const QStringList placing = isFolder
+                                        ? QStringList{"caption", "ParentKey", "type_"}
+                                        : QStringList{"name_", "MenuResourceFolderKey", "type_"};
+        const QJsonObject after = fields(change.after);
+        return std::any_of(placing.begin(), placing.end(),
+                           [&](const QString& field) { return after.contains(field); });
+    }
+    const QJsonObject record = fields(change.after.size() > 2 ? change.after : change.before);
+    return !record.contains("type_") || record["type_"].toInt() == fileType;
 }
 
 QString reason() {
@@ -71,7 +98,7 @@ void FileMirror::changed(const store::Change& change) {
     // The file area is the files, the folders that make their paths and the records that name them.
     if (change.table == "MenuResourceFile")
         m_contentChanged = true;
-    else if (change.table != "MenuResourceFolder" && change.table != "MenuResource")
+    else if (!concernsFiles(change))
         return;
     if (!m_running)
         return;

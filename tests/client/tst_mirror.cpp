@@ -71,6 +71,37 @@ private slots:
         QVERIFY(bench.problems.isEmpty());
     }
 
+    // Comparing takes its time where there are many files.
+    void changesOfOtherRecordsAreNoReasonToCompare() {
+        Bench bench;
+        bench.write("MenuResource", 1, {{"KeyLink", "m"}, {"type_", "1"}, {"name_", "Module"}});
+        bench.put("icons", "a.png", "bytes");
+        QVERIFY(bench.start());
+        std::vector<store::Change> seen;
+        QVERIFY(bench.store().readLog(0, 1000, &seen).ok());
+        const int64_t past = seen.back().id;
+        const auto compares = [&](const store::Change& change) {
+            bench.mirror.changed(change);
+            const bool idle = bench.mirror.isIdle();
+            return !idle && QTest::qWaitFor([&] { return bench.settled(); }, 30000);
+        };
+        bench.write("MenuResource", 2, {{"KeyLink", "m"}, {"caption", "Модуль"}});
+        bench.write("MenuResource", 1, {{"KeyLink", "n"}, {"type_", "3"}, {"name_", "Form"}});
+        bench.write("MenuResource", 4, {{"KeyLink", "n"}});
+        bench.write("MenuResourceFolder", 1, {{"KeyLink", "f"}, {"type_", "2"}, {"caption", "x"}});
+        bench.write("MenuFolder", 1, {{"KeyLink", "d"}, {"caption", "x"}});
+        bench.write("MenuResource", 2, {{"KeyLink", "m"}, {"name_", "Other"}}); // may be a file
+        bench.write("MenuResourceFolder", 2, {{"KeyLink", "sub"}, {"caption", "Цех 2"}});
+        bench.write("MenuResource", 1, {{"KeyLink", "z"}, {"type_", "4"}, {"name_", "z.txt"}});
+        bench.write("MenuResource", 4, {{"KeyLink", "z"}});
+        QTRY_VERIFY(bench.settled());
+        std::vector<store::Change> changes;
+        QVERIFY(bench.store().readLog(past, 1000, &changes).ok());
+        QCOMPARE(changes.size(), size_t(9));
+        for (size_t i = 0; i < changes.size(); ++i)
+            QVERIFY2(compares(changes[i]) == (i >= 5), qPrintable(QString::number(i)));
+    }
+
     void changesFollowByNotification() {
         Bench bench;
         bench.put("icons", "a.png", "old");
