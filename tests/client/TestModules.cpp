@@ -32,6 +32,8 @@ public:
             m_app->m_logModule->LogFile(5, "TestWindow::ModuleStart", "не вышло");
             return false;
         }
+        if (!asked("ORVO_TEST_LOG").isEmpty())
+            m_app->m_logModule->LogFile(5, "TestWindow::ModuleStart", asked("ORVO_TEST_LOG"));
         if (std::getenv("ORVO_TEST_RUN_FILE")) {
             const void* block[3] = {nullptr, "RUN_FILE", std::getenv("ORVO_TEST_RUN_FILE")};
             doCall(64, block);

@@ -5,6 +5,9 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLocalSocket>
 #include <QProcess>
 #include <QtTest>
 
@@ -274,6 +277,35 @@ private slots:
         QVERIFY(place.byHand("insert into \"Menu\"(\"KeyLink\") values('c')"));
         expected << "Menu message";
         QTRY_COMPARE_WITH_TIMEOUT(linesOf(life), expected, 10000);
+        client.kill();
+        QVERIFY(client.waitForFinished());
+    }
+
+    void whatAModuleReportsShowsUntilItIsSeen() {
+        Place place;
+        QProcess client;
+        QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
+        variables.insert("QT_QPA_PLATFORM", "offscreen");
+        variables.insert("ORVO_TEST_LOG", "Файл не извлечён: диск полон");
+        client.setProcessEnvironment(variables);
+        const QString at = place.dir.path() + "/inspect.sock";
+        client.start(place.program, place.usual({"--module", "Menu", "--inspect", at}));
+        QVERIFY(client.waitForStarted());
+        QLocalSocket socket;
+        const auto isUp = [&] {
+            if (socket.state() != QLocalSocket::ConnectedState)
+                socket.connectToServer(at);
+            return socket.waitForConnected(100);
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(isUp(), 20000);
+        const auto state = [&] {
+            socket.write("state\n");
+            while (!socket.canReadLine() && socket.waitForReadyRead(5000)) {
+            }
+            return QJsonDocument::fromJson(socket.readLine()).object();
+        };
+        QTRY_COMPARE_WITH_TIMEOUT(state()["running"].toInt(), 1, 20000);
+        QCOMPARE(state()["failure"].toString(), QString("Файл не извлечён: диск полон"));
         client.kill();
         QVERIFY(client.waitForFinished());
     }
