@@ -197,6 +197,11 @@ private slots:
         bar.setColor(ProgressBarColorGreen);
         bar.show();
         QCOMPARE(bar.geometry(), bench.module.rect());
+        QStringList words;
+        for (const QLabel* label : bar.findChildren<QLabel*>())
+            if (label->isVisible())
+                words << label->text().remove(QChar(0x200B));
+        QCOMPARE(words, QStringList("Загрузка форм в БД"));
         class Painted : public QObject {
         public:
             int count = 0;

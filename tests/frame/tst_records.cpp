@@ -274,6 +274,12 @@ void Records::furtherKeysFollowInOrder() {
     QCOMPARE(order(table, 0), QString("a b c"));
     QCOMPARE(order(table, 1), QString("c b a"));
     QCOMPARE(order(table, 2), QString("b c a"));
+    // They take several records of one value.
+    QVERIFY(add(table, "d", "p", "x", 1));
+    QCOMPARE(table.status, int(MDX_OK));
+    QCOMPARE(order(table, 1), QString("c d b a"));
+    QCOMPARE(order(table, 2), QString("b c d a"));
+    table.RecDel(seekKey(table, "d"));
     setKeys(table, {"order_"});
     QCOMPARE(table.array->keyCount, 2u);
     QCOMPARE(order(table, 1), QString("c b a"));

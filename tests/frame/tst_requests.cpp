@@ -93,6 +93,7 @@ private slots:
     void theErrorTextIsClearedFirst_data() { bothFetches(); }
     void theErrorTextIsClearedFirst();
     void anEmptyBlockIsAStructureWithoutFields();
+    void recordsWithoutFieldsAreNoFailure();
     void aDamagedBlockIsAStructureWithoutFields();
     void aDamagedBlockLeavesNoRecords();
     void everyBlockIsFreedOnEveryWayOut();
@@ -243,6 +244,16 @@ void Requests::anEmptyBlockIsAStructureWithoutFields() {
     QString error;
     QCOMPARE(GetTableStructure(server.session.get(), "Nothing", table, &error), 0);
     QCOMPARE(error, QString("Отсутствуют поля."));
+}
+
+void Requests::recordsWithoutFieldsAreNoFailure() {
+    Server server;
+    server.answer(success(nullptr, 0));
+    CMDArray table;
+    QString error;
+    QCOMPARE(GetTableRecords(server.session.get(), "Nothing", table, &error), 1);
+    QCOMPARE(error, QString());
+    QCOMPARE(int(table.array->fieldCount), 0);
 }
 
 void Requests::aDamagedBlockIsAStructureWithoutFields() {

@@ -316,7 +316,10 @@ void MenuTree::aRowMovesWithItsSubtreeToAnotherParent() {
 void MenuTree::aMoveAboveTheSourceParentFindsItAgain() {
     Model model(menu);
     // The new row pushes the source parent down while its row is still to be removed.
+    QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
     QVERIFY(model.moveItem(1, 0, model.row("a"), model.index(0, 0)));
+    QCOMPARE(removed.count(), 1);
+    QCOMPARE(removed.at(0).at(0).toModelIndex(), model.row("a"));
     QCOMPARE(print(model, Key, {}, model.index(0, 0)),
              QString("a2 #a2\n  a21 #a21\na #a\n  a1 #a1\nb #b\nc #c\n"));
     QCOMPARE(model.getItemLevel(model.row("a21")), 2);

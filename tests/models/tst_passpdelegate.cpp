@@ -8,9 +8,11 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QPainter>
+#include <QProxyStyle>
 #include <QSignalSpy>
 #include <QStandardItemModel>
 #include <QStyle>
+#include <QStyleFactory>
 #include <QStyleOptionButton>
 #include <QToolButton>
 #include <QTreeView>
@@ -77,6 +79,41 @@ QImage painted(const QSize& size, Draw draw) {
     return image;
 }
 
+/// The application's style while it lives; keeps what is asked of it for buttons.
+class ButtonsAsked {
+public:
+    struct Asked {
+        QStyle::ControlElement element;
+        QStyle::State state;
+        QRect rect;
+        QString text;
+        const QWidget* widget;
+    };
+    ButtonsAsked() : m_before(QApplication::style()->objectName()) {
+        QApplication::setStyle(new Style(*this, m_before)); // the application's
+    }
+    ~ButtonsAsked() { QApplication::setStyle(QStyleFactory::create(m_before)); }
+    std::vector<Asked> asked;
+
+private:
+    class Style : public QProxyStyle {
+    public:
+        Style(ButtonsAsked& owner, const QString& base) : QProxyStyle(base), m_owner(owner) {}
+        void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                         const QWidget* widget) const override {
+            const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
+            if (button && (element == CE_CheckBox || element == CE_PushButton))
+                m_owner.asked.push_back(
+                    {element, button->state, button->rect, button->text, widget});
+            QProxyStyle::drawControl(element, option, painter, widget);
+        }
+
+    private:
+        ButtonsAsked& m_owner;
+    };
+    const QString m_before;
+};
+
 QRect checkIndicator() {
     const QStyleOptionButton plain;
     return QApplication::style()->subElementRect(QStyle::SE_CheckBoxIndicator, &plain, nullptr);
@@ -134,6 +171,7 @@ private slots:
     void aSelectedCheckCellPaintsTheSelection_data();
     void aSelectedCheckCellPaintsTheSelection();
     void aButtonCellPaintsTextAndButton();
+    void paintedButtonsAreEnabledOnes();
     void otherCellsArePaintedByTheBaseClass();
     void anOpenEditorCoversThePaintedIndicator();
     void theSignalDataChangedIsSilent();
@@ -619,6 +657,31 @@ void PasspDelegateTest::aButtonCellPaintsTextAndButton() {
         QStyledItemDelegate().paint(&painter, bench.option(cell), bench.cell("icon"));
     });
     QVERIFY(shown != textOnly);
+}
+
+void PasspDelegateTest::paintedButtonsAreEnabledOnes() {
+    Bench bench;
+    bench.model.setRowValue("copy", true);
+    QStyleOptionViewItem option = bench.option({7, 3, 121, 25});
+    option.state &= ~QStyle::State_Enabled; // of the view, not of the button
+    ButtonsAsked style;
+    painted({140, 32}, [&](QPainter& painter) {
+        bench.delegate.paint(&painter, option, bench.cell("copy"));
+        bench.delegate.paint(&painter, option, bench.cell("separator"));
+        bench.delegate.paint(&painter, option, bench.cell("icon"));
+    });
+    QCOMPARE(style.asked.size(), size_t(3));
+    const QStyle::State enabled = QStyle::State_Enabled;
+    QCOMPARE(style.asked[0].element, QStyle::CE_CheckBox);
+    QCOMPARE(style.asked[0].state, enabled | QStyle::State_On);
+    QCOMPARE(style.asked[1].state, enabled | QStyle::State_Off);
+    QCOMPARE(style.asked[2].element, QStyle::CE_PushButton);
+    QCOMPARE(style.asked[2].state, enabled);
+    QCOMPARE(style.asked[2].text, QString("..."));
+    for (const ButtonsAsked::Asked& button : style.asked) {
+        QCOMPARE(button.rect.right(), option.rect.right());
+        QVERIFY(!button.widget);
+    }
 }
 
 void PasspDelegateTest::otherCellsArePaintedByTheBaseClass() {

@@ -247,6 +247,9 @@ void PropTree::comboBoxesBelongToComboRowsOnly() {
     QVERIFY(!model.getComboBox(model.cell("properties", 1)));
     model.setComboBox("properties", &box); // no editor row
     QVERIFY(!model.getComboBox(model.cell("properties", 1)));
+    // A row that was no combo row when the box came has none later.
+    model.setData(model.cell("name", 2), int(MyEditorCombo));
+    QVERIFY(!model.getComboBox(model.cell("name", 1)));
     // Whatever the record holds, the type decides.
     model.setData(model.cell("kind", 2), int(MyEditorLine));
     QVERIFY(!model.getComboBox(model.cell("kind", 1)));

@@ -248,6 +248,11 @@ void TreeCore::removingARowTakesItsSubtreeAlong() {
     for (const char* key : {"1", "2", "3"})
         QVERIFY(!model.findIndexByKey(key).isValid());
     QCOMPARE(model.findIndexByKey("4"), model.index(0, 0));
+    // A parent of another column is the same row.
+    fill(model, DesckKey, "e #5\n", model.index(0, 0));
+    QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
+    QVERIFY(model.removeRows(0, 1, model.index(0, 2)));
+    QCOMPARE(removed.at(0).at(0).toModelIndex(), model.index(0, 0));
 }
 
 void TreeCore::persistentIndexesFollowRowsAndDieWithThem() {
