@@ -276,6 +276,48 @@ private slots:
         QCOMPARE(none.array->recordCount, 0u);
     }
 
+    void hostileKeysFindTheirOwnElementsOnly_data() {
+        QTest::addColumn<QString>("key");
+        QTest::newRow("a quote") << "'";
+        QTest::newRow("quotes") << "''' or '' = '";
+        QTest::newRow("double quotes") << "\"Menu\"";
+        QTest::newRow("backslashes") << "\\ \\\\ \\' \\x27 \\000 \\";
+        QTest::newRow("a second statement") << "x'; delete from \"Menu\"; --";
+        QTest::newRow("a comment") << "x' /* ' */ -- ";
+        QTest::newRow("patterns") << "%_*?[a-z]";
+        QTest::newRow("places of parameters") << "$1 ?1 :key @key %s %1";
+        QTest::newRow("dollar quotes") << "$$ or $a$";
+        QTest::newRow("control characters") << "\t\r\n\x01\x7f";
+        QTest::newRow("Cyrillic") << QStringLiteral("Ёж №1 «ЯЫ»");
+        QTest::newRow("10 kB") << QStringLiteral("'\\Ж\"").repeated(2560);
+    }
+    void hostileKeysFindTheirOwnElementsOnly() {
+        QFETCH(QString, key);
+        const std::string text = key.toStdString();
+        Host host;
+        QCOMPARE(host.write("Menu", 1, {{"KeyLink", "own"}, {"FolderKey", text}}), 1);
+        host.write("Menu", 1, {{"KeyLink", "longer"}, {"FolderKey", text + "'"}});
+        host.write("Menu", 1, {{"KeyLink", "other"}, {"FolderKey", "x"}});
+        CMDArray rows;
+        rows.Attach(host.session->SqlRequest(
+            mdx::toCp1251("select * from Menu where FolderKey = '" + text + "'").c_str()));
+        QCOMPARE(host.failures, QStringList());
+        QCOMPARE(rows.status, 0);
+        QCOMPARE(rows.array->recordCount, 1u);
+        QCOMPARE(textOf(rows.array, MDARec(rows.array, 0, 0), "KeyLink"), QString("own"));
+        QCOMPARE(textOf(rows.array, MDARec(rows.array, 0, 0), "FolderKey"), key);
+        CMDArray all;
+        QVERIFY(host.store().fetch("Menu", all.array).ok());
+        QCOMPARE(all.array->recordCount, 3u);
+    }
+
+    void aZeroByteEndsTheRequestWhichIsRefused() {
+        Host host;
+        host.write("Menu", 1, {{"KeyLink", "a"}, {"FolderKey", "x"}});
+        QVERIFY(!host.session->SqlRequest("select * from Menu where FolderKey = 'x\0' or '1'='1'"));
+        QCOMPARE(host.failures.size(), 1);
+    }
+
     void sqlRequestRefusesEverythingElse_data() {
         QTest::addColumn<QByteArray>("sql");
         QTest::newRow("empty") << QByteArray("");
