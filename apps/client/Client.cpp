@@ -93,6 +93,7 @@ bool Client::openInspector(QString* error) {
             {"mayDeliver", m_pump && m_pump->mayDeliver()},
             {"loopLevel", QThread::currentThread()->loopLevel()},
             {"running", static_cast<int>(m_modules.modules(client::ModuleState::Running).size())},
+            {"connection", m_window ? m_window->statusLine()->connection() : QString()},
             {"failure", m_window ? m_window->statusLine()->failure() : QString()}};
     };
     m_inspector = std::make_unique<Inspector>(std::move(sources));
@@ -124,6 +125,8 @@ void Client::connectAll() {
     connect(&m_app, &HostApp::formRequested, this, &Client::openForm);
     connect(&client::sessionEvents(*m_session), &client::SessionEvents::failed, this,
             [this](const client::Failure& failure) {
+                m_outdated = m_outdated || failure.code == store::ConnectionBroken ||
+                             failure.code == store::CannotConnect || failure.code == store::Timeout;
                 fail(failure.operation, failure.text.isEmpty()
                                             ? QStringLiteral("Ошибка %1").arg(failure.code)
                                             : failure.text);
@@ -154,11 +157,16 @@ void Client::connectAll() {
 void Client::connectionChanged(bool up, const QString& text) {
     m_window->statusLine()->setConnected(up, text);
     m_mirror->setConnected(up);
-    if (up)
-        m_app.log(LogInformation, QStringLiteral("Связь"),
-                  QStringLiteral("Связь с хранилищем восстановлена."));
+    const QString place = QStringLiteral("Связь");
+    if (!up)
+        fail(place, text);
+    else if (m_outdated)
+        // The editors do not look at results. Opening them anew could cost an unfinished edit, so
+        // that is left to the user.
+        fail(place, QStringLiteral("восстановлена, но выполнено не всё: «Клиент» — «Открыть модули "
+                                   "заново» покажет, что сохранено."));
     else
-        fail(QStringLiteral("Связь"), text);
+        m_app.log(LogInformation, place, QStringLiteral("Связь с хранилищем восстановлена."));
 }
 
 void Client::openModules() {
@@ -185,6 +193,7 @@ void Client::reopenModules(const QString& why) {
         QTimer::singleShot(100, this, [this, why] { reopenModules(why); });
         return;
     }
+    m_outdated = false;
     const int current = m_window->currentModule();
     m_modules.stopAll();
     m_pump->restart(); // the new place in the log comes before the new tables

@@ -66,6 +66,7 @@ private:
     std::unique_ptr<MainWindow> m_window;
     std::unique_ptr<COrvoCliMod> m_logModule;
     client::ModuleRegistry m_modules;
+    bool m_outdated = false; ///< a call failed for want of the server: the editors may not show it
     std::unique_ptr<client::NotificationPump> m_pump;
     std::unique_ptr<Inspector> m_inspector; ///< asks those above; null if not asked for
 };

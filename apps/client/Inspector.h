@@ -5,7 +5,7 @@
 // {"error": text}. Rectangles are [x, y, width, height] in global coordinates, only of what is
 // visible.
 //
-//     state          whether all is at rest, loop level, title and failure line
+//     state          whether all is at rest, loop level, the lines on connection and failure
 //     windows        top-level windows and open pop-ups, and the widget that has the focus
 //     tree NAME      rows of the QTreeView of that object name, depth first
 //     control NAME   actions, buttons and menu entries of that object name or text

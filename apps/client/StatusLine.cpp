@@ -4,9 +4,13 @@
 #include <QTime>
 #include <QToolButton>
 
+#include <algorithm>
+
 namespace orvo::app {
 
 namespace {
+
+constexpr int narrowest = 200;
 
 QLabel* makeLabel(const QString& text, QWidget* parent) {
     auto* label = new QLabel(text, parent);
@@ -22,18 +26,18 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
     , m_light(new QLabel(this))
     , m_connection(makeLabel({}, this))
     , m_storeLabel(makeLabel(QStringLiteral("Хранилище: %1").arg(store), this))
+    , m_userLabel(makeLabel(QStringLiteral("Пользователь: %1").arg(login), this))
     , m_failure(new QToolButton(this))
     , m_store(store) {
     m_light->setFixedSize(10, 10);
     m_storeLabel->setObjectName(QStringLiteral("storeLabel"));
-    auto* userLabel = makeLabel(QStringLiteral("Пользователь: %1").arg(login), this);
-    userLabel->setObjectName(QStringLiteral("userLabel"));
+    m_userLabel->setObjectName(QStringLiteral("userLabel"));
     m_connection->setObjectName(QStringLiteral("connectionLabel"));
     setContentsMargins(8, 0, 4, 0);
     addWidget(m_light);
     addWidget(m_connection);
     addWidget(m_storeLabel);
-    addWidget(userLabel);
+    addWidget(m_userLabel);
 
     m_failure->setObjectName(QStringLiteral("failureButton"));
     m_failure->setCursor(Qt::PointingHandCursor);
@@ -41,6 +45,7 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
         QStringLiteral("QToolButton{background:#fbe9e7;color:#9c2a20;border:1px solid #e0a49d;"
                        "border-radius:4px;padding:2px 10px}"
                        "QToolButton:hover{background:#f6d9d5}"));
+    m_failure->setMinimumWidth(narrowest); // its text never makes the window wider
     m_failure->hide();
     addPermanentWidget(m_failure);
     connect(m_failure, &QToolButton::clicked, this, &StatusLine::acknowledge);
@@ -59,19 +64,39 @@ void StatusLine::setConnected(bool up, const QString& reason) {
     m_connection->setStyleSheet(up ? QString() : QStringLiteral("color:#9c2a20"));
     m_storeLabel->setVisible(up); // the other label names it then
     m_connection->setToolTip(reason);
+    fitFailure();
+}
+
+QString StatusLine::connection() const {
+    return m_connection->text();
 }
 
 void StatusLine::setFailure(const QString& text) {
     ++m_count;
     m_text = text.simplified();
-    constexpr int widest = 520;
-    const QString count = m_count > 1 ? QStringLiteral(" (всего %1)").arg(m_count) : QString();
-    m_failure->setText(m_failure->fontMetrics().elidedText(m_text, Qt::ElideRight, widest) + count);
+    fitFailure();
     m_failure->setToolTip(
         QStringLiteral("<p style='white-space:pre-wrap'>%1  %2</p>"
                        "<p>Щёлкните, чтобы убрать. Все сообщения — в журнале.</p>")
             .arg(QTime::currentTime().toString(QStringLiteral("HH:mm:ss")), text.toHtmlEscaped()));
     m_failure->show();
+}
+
+/// As much of the text as there is room for beside what stands on the left.
+void StatusLine::fitFailure() {
+    constexpr int margins = 140; // of the bar, the button and the size grip
+    int taken = margins;
+    for (const QWidget* one : {m_connection, m_storeLabel, m_userLabel})
+        taken += one->isHidden() ? 0 : one->sizeHint().width();
+    const QString count = m_count > 1 ? QStringLiteral(" (всего %1)").arg(m_count) : QString();
+    const QFontMetrics metrics = m_failure->fontMetrics();
+    const int room = std::max(narrowest, width() - taken - metrics.horizontalAdvance(count));
+    m_failure->setText(metrics.elidedText(m_text, Qt::ElideRight, room) + count);
+}
+
+void StatusLine::resizeEvent(QResizeEvent* event) {
+    QStatusBar::resizeEvent(event);
+    fitFailure();
 }
 
 void StatusLine::acknowledge() {

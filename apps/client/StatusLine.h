@@ -20,13 +20,20 @@ public:
     void setFailure(const QString& text);
     /// The failure on show, without the count; empty if none.
     QString failure() const { return m_text; }
+    /// What is shown about the connection.
+    QString connection() const;
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void fitFailure();
     void acknowledge();
 
     QLabel* m_light; // these: children of the bar
     QLabel* m_connection;
     QLabel* m_storeLabel;
+    QLabel* m_userLabel;
     QToolButton* m_failure;
     const QString m_store;
     QString m_since; ///< time of the loss; empty: connected

@@ -133,6 +133,8 @@ MDArray* COrvoCliSes::SqlRequest(const char* sql) {
         d->store->fetchWhere("Menu", "FolderKey", mdx::toUtf8(literal), rows.array);
     if (status.ok() && !ensureKeyLink(rows.array, MDX_KEY_UNIQUE))
         status = {store::NoMemory, "Недостаточно памяти."};
+    if (!status.ok()) // the editor keeps what it shows
+        status.text += "; на экране прежнее меню";
     d->report(operation, status);
     return status.ok() ? std::exchange(rows.array, nullptr) : nullptr;
 }

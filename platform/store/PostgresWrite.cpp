@@ -153,10 +153,10 @@ void PostgresStore::rollback() {
 }
 
 Status PostgresStore::inWrite(const Work& work) {
-    const char notSaved[] = "; изменения не сохранены";
+    const char notSaved[] = "изменения не сохранены: "; // first: the rest may be long
     Status status = ready();
     if (!status.ok())
-        return {status.code, status.text + notSaved};
+        return {status.code, notSaved + status.text};
     const std::string call = newKey();
     const std::string session = m_session;
     const int64_t since = m_known;
@@ -180,7 +180,7 @@ Status PostgresStore::inWrite(const Work& work) {
     if (status.code != ConnectionBroken && !m_connection.givenUp())
         return status;
     if (!m_commitSent)
-        return {status.code, status.text + notSaved};
+        return {status.code, notSaved + status.text};
     if (m_connection.givenUp()) // and so is the search for the outcome
         return {Timeout, status.text + unknownOutcome};
     return findOut(call, since, session);

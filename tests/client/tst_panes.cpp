@@ -35,6 +35,7 @@ private slots:
 
     void aFailureStaysUntilItIsSeen() {
         StatusLine line("/tmp/orvo.db", "ivanov");
+        line.resize(1400, line.sizeHint().height());
         line.show();
         auto* button = line.findChild<QToolButton*>("failureButton");
         QVERIFY(!button->isVisible());
@@ -50,6 +51,26 @@ private slots:
         button->click();
         QVERIFY(!button->isVisible());
         QVERIFY(line.failure().isEmpty());
+    }
+
+    void aLongFailureTakesTheRoomThereIsAndMakesNoWindowWider() {
+        MainWindow window("store", "user");
+        window.resize(900, 500);
+        window.show();
+        auto* button = window.findChild<QToolButton*>("failureButton");
+        window.statusLine()->setFailure(QString("long ").repeated(200));
+        QTest::qWait(50);
+        QCOMPARE(window.width(), 900);
+        const int length = button->text().size();
+        window.resize(1300, 500);
+        QTest::qWait(50);
+        QCOMPARE(window.width(), 1300);
+        QVERIFY(button->text().size() > length + 20);
+        QVERIFY(button->width() >= button->sizeHint().width());
+        window.resize(900, 500);
+        QTest::qWait(50);
+        QCOMPARE(window.width(), 900);
+        QCOMPARE(button->text().size(), length);
     }
 
     void theStatusLineShowsStoreUserAndConnection() {
