@@ -39,31 +39,30 @@ QPoint pointIn(const QRect& cell) {
 
 } // namespace
 
-Scene::Scene() {
-    const QString path = m_directory.filePath("orvo.db");
-    for (const QStringList& verb : {QStringList("init"), QStringList("demo")})
-        if (QProcess::execute(qEnvironmentVariable("ORVO_BIN_DIR") + "/orvo-admin",
-                              QStringList{"--store", path} + verb) != 0)
-            qFatal("orvo-admin %s failed", qUtf8Printable(verb.first()));
-    m_store = std::make_unique<StoreView>(path);
+Scene::Scene(std::unique_ptr<store::test::StoreKind> kind) {
+    if (!kind->renew())
+        qFatal("no store");
+    m_store = std::make_unique<StoreView>(std::move(kind));
+    if (admin({"demo"}) != 0)
+        qFatal("orvo-admin demo failed");
 }
 
 bool Scene::startLeft(const QStringList& modules, const QString& login, const QRect& place) {
     m_left.reset();
     m_left =
-        std::make_unique<ClientProcess>(m_directory.path(), m_store->path, login, place, modules);
+        std::make_unique<ClientProcess>(m_directory.path(), m_store->url(), login, place, modules);
     return m_left->waitUp() || fail("the left client does not come up: " + m_left->errors());
 }
 
 bool Scene::startRight() {
-    m_right = std::make_unique<ClientProcess>(m_directory.path(), m_store->path, "right",
+    m_right = std::make_unique<ClientProcess>(m_directory.path(), m_store->url(), "right",
                                               QRect(1405, 5, 1385, 960));
     return m_right->waitUp() || fail("the right client does not come up: " + m_right->errors());
 }
 
 int Scene::admin(const QStringList& arguments) const {
     return QProcess::execute(qEnvironmentVariable("ORVO_BIN_DIR") + "/orvo-admin",
-                             QStringList{"--store", m_store->path} + arguments);
+                             QStringList{"--store", m_store->url()} + arguments);
 }
 
 bool Scene::fail(const QString& why) {
@@ -153,10 +152,10 @@ QString Scene::menuDifference(ClientProcess& client, const QString& desktop) con
     // The tree as the store means it: by order_, and by the key where that is equal.
     QMap<QString, QVector<QStringList>> children;
     for (const QStringList& row :
-         m_store->rows("select KeyLink, ifnull(parent,''), caption, ifnull(ico,''), order_, "
-                       "ifnull(params,''), ifnull(oneCopy,0), ifnull(separator,0), "
-                       "ifnull(MenuResourceKey,'') from Menu where " +
-                       ofDesktop + " order by order_, KeyLink"))
+         m_store->rows("select KeyLink, coalesce(parent,''), caption, coalesce(ico,''), order_, "
+                       "coalesce(params,''), coalesce(oneCopy,false), coalesce(separator,false), "
+                       "coalesce(MenuResourceKey,'') from Menu where " +
+                       ofDesktop + " order by order_ nulls first, KeyLink"))
         children[row[1]].append(row);
     QStringList stored;
     const std::function<void(const QString&, int)> walk = [&](const QString& parent, int depth) {
@@ -306,13 +305,13 @@ bool Scene::pick(ClientProcess& client, const QString& caption, const QString& n
 }
 
 bool Scene::openDesktop(const QString& caption) {
-    return clickRow(*m_left, "tvDesck", caption) && clickRow(*m_right, "tvDesck", caption) &&
-           waitFor("both show the menu",
-                   [&] {
-                       return m_left->tree("tvMenu").rows.size() > 1 &&
-                              m_right->tree("tvMenu").rows.size() > 1;
-                   }) &&
-           agree();
+    for (ClientProcess* client : {m_left.get(), m_right.get()}) {
+        if (client != nullptr &&
+            !(clickRow(*client, "tvDesck", caption) &&
+              waitFor("the menu shows", [&] { return client->tree("tvMenu").rows.size() > 1; })))
+            return false;
+    }
+    return agree();
 }
 
 } // namespace orvo::test
