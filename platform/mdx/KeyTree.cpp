@@ -246,10 +246,16 @@ bool KeyTree::sameImages() const noexcept {
            std::memcmp(m_old.data(), m_new.data(), m_old.size()) == 0;
 }
 
-bool KeyTree::conflicts(const Record* record) const noexcept {
+bool KeyTree::conflicts(const Record* record) noexcept {
     if (m_size == 0)
         return false;
+    // A query ends in zero bytes; here the part of field 0 stands behind the key's own.
+    uint8_t* const tail = m_new.grow(0) - (m_new.size() - m_newKey);
+    uint8_t kept[8];
+    std::memcpy(kept, tail, sizeof kept);
+    std::memset(tail, 0, sizeof kept);
     const Found found = find({m_new.data(), m_newKey, noEntry}, nullptr, nullptr);
+    std::memcpy(tail, kept, sizeof kept);
     return found.equal && found.index < found.leaf->count &&
            found.leaf->numbers[found.index] != record->number;
 }

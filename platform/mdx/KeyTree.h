@@ -51,7 +51,7 @@ public:
     /// Whether the two noted images are the same.
     bool sameImages() const noexcept;
     /// Whether another record has the key noted by prepareInsert.
-    bool conflicts(const Record* record) const noexcept;
+    bool conflicts(const Record* record) noexcept;
     void erase(const Record* record) noexcept;
     void insert(const Record* record) noexcept;
 

@@ -90,6 +90,23 @@ private slots:
         QCOMPARE(MDARecPost(second, &word), 0);
     }
 
+    void aUniqueKeyOverALaterFieldRefusesWhateverTheFirstFieldIs() {
+        for (const char* head : {"", "a head longer than a word "}) {
+            const ArrayPtr a = makeArray({{"k", MDX_TEXT}, {"n", MDX_TEXT}});
+            addKey(a.get(), "n", MDX_KEY_UNIQUE);
+            const std::string taken = std::string(head) + "x";
+            QVERIFY(post(a.get(), {"m", taken}));
+            QVERIFY(post(a.get(), {"m", std::string(head) + "z"}));
+            for (const char* first : {"", "a", "m", "z"})
+                QVERIFY(!post(a.get(), {first, taken}));
+            MDRData* other = post(a.get(), {"q", std::string(head) + "y"});
+            QVERIFY(other);
+            setText(other, 1, taken);
+            QCOMPARE(MDARecPost(other, nullptr), int(MDX_E_DUPLICATE));
+            QCOMPARE(order(a.get(), 0), std::string("m m"));
+        }
+    }
+
     void anEditIntoADuplicateLeavesAllKeys() {
         const ArrayPtr a = makeArray({{"k", MDX_TEXT}, {"n", MDX_TEXT}});
         addKey(a.get(), "n", MDX_KEY_MULTI);
