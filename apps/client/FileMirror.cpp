@@ -7,6 +7,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSaveFile>
+#include <QSignalBlocker>
 
 #include <algorithm>
 #include <cerrno>
@@ -80,7 +81,13 @@ FileMirror::FileMirror(store::Store& store, const QString& workDir, QObject* par
     connect(&m_step, &QTimer::timeout, this, &FileMirror::step);
 }
 
-FileMirror::~FileMirror() = default;
+FileMirror::~FileMirror() {
+    // What an unfinished copy has brought so far need not be fetched again. Who listens may be on
+    // his way out as well.
+    const QSignalBlocker silent(this);
+    if (m_touched)
+        writeManifest();
+}
 
 bool FileMirror::start(QString* error) {
     const QString root = m_workDir + QStringLiteral("files");

@@ -71,6 +71,29 @@ private slots:
         QVERIFY(bench.problems.isEmpty());
     }
 
+    void anUnfinishedCopyGoesOnWhereItStopped() {
+        Bench bench;
+        for (int i = 0; i < 200; ++i)
+            bench.put("icons", QString("%1.png").arg(i), "bytes");
+        const auto listed = [&] {
+            QFile list(bench.work + "mirror.list");
+            return list.open(QIODevice::ReadOnly) ? list.readAll().count('\n') : 0;
+        };
+        {
+            FileMirror first(bench.store(), bench.work);
+            QString error;
+            QVERIFY(first.start(&error));
+            QTRY_VERIFY(!QDir(bench.work + "files/icons").isEmpty());
+            if (first.isIdle())
+                QSKIP("the copy was too quick to be interrupted");
+        }
+        const int part = listed();
+        QVERIFY(part > 0);
+        QCOMPARE(part, QDir(bench.work + "files/icons").entryList(QDir::Files).size());
+        QVERIFY(bench.start());
+        QCOMPARE(listed(), 200);
+    }
+
     // Comparing takes its time where there are many files.
     void changesOfOtherRecordsAreNoReasonToCompare() {
         Bench bench;
