@@ -57,7 +57,9 @@ public:
     /// field the structure (which may be null) lacks.
     static int parse(std::string_view description, const Structure* structure, KeyFields& result);
 
-    bool operator==(const KeyFields& other) const { return m_parts == other.m_parts; }
+    bool operator==(const KeyFields& other) const {
+        return m_count == other.m_count && m_parts == other.m_parts;
+    }
     /// Number of fields the description names.
     unsigned count() const noexcept { return m_count; }
 

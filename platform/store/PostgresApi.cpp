@@ -351,10 +351,30 @@ bool Connection::alive() {
     return usable();
 }
 
+/// Takes what an earlier call has left; a copy that was given up midway is ended.
+void Connection::takeRest() {
+    while (usable()) {
+        const Result left = next();
+        if (!left)
+            return;
+        const ExecStatusType status = PQresultStatus(left.get());
+        if (status == PGRES_COPY_IN) {
+            int ended = 0;
+            while ((ended = PQputCopyEnd(get(), "given up")) == 0 && flush())
+                continue;
+            if (ended != 1)
+                close();
+        } else if (status == PGRES_COPY_OUT) {
+            char* row = nullptr;
+            while (copyData(&row) > 0)
+                PQfreemem(row);
+        }
+    }
+}
+
 Result Connection::execute(const std::string& sql) {
     Result last;
-    while (usable() && next()) // what an earlier call has left
-        continue;
+    takeRest();
     if (usable() && PQsendQuery(get(), sql.c_str()) != 0) {
         while (Result result = next()) {
             const ExecStatusType status = PQresultStatus(result.get());

@@ -117,6 +117,7 @@ public:
 private:
     enum class End { None, GivenUp, Silent };
     bool wait(short events);
+    void takeRest();
     bool awaitInput();
     bool awaitResult();
 

@@ -117,6 +117,7 @@ QString follow(const std::string& url, int64_t cursor, unsigned seed, const std:
     int total = 0;
     while (total < writers * changesEach()) {
         std::vector<Change> changes;
+        const bool ended = stop; // asked first: what is committed later is still to be read
         status = store->readLog(cursor, 1 + int(random() % 300), &changes);
         if (!status.ok())
             return QString::fromStdString(status.text);
@@ -153,7 +154,7 @@ QString follow(const std::string& url, int64_t cursor, unsigned seed, const std:
                           .arg(after.value("parent").toString("-"));
         }
         if (changes.empty()) {
-            if (stop)
+            if (ended)
                 return QString("%1 changes only").arg(total);
             pollfd wait = {store->wakeFd(), POLLIN, 0};
             ::poll(&wait, 1, 1000);
