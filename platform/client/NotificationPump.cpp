@@ -11,8 +11,7 @@ namespace orvo::client {
 
 namespace {
 
-constexpr int blockedRetryMs = 25; ///< while a dialog, menu or drag is up
-constexpr int largestChunk = 64;
+constexpr int blockedRetryMs = 25;     ///< while a dialog, menu or drag is up
 constexpr size_t enoughBacklog = 1024; ///< more waits with the follower
 
 } // namespace
@@ -119,7 +118,7 @@ void NotificationPump::deliverSlice() {
     m_delivering = true;
     m_sliceBegin.start();
     while (!m_backlog.empty()) {
-        const size_t count = std::min(m_backlog.size(), static_cast<size_t>(m_chunk));
+        const size_t count = std::min(m_backlog.size(), static_cast<size_t>(m_chunk.changes()));
         std::vector<store::Change> chunk(
             std::make_move_iterator(m_backlog.begin()),
             std::make_move_iterator(m_backlog.begin() + static_cast<ptrdiff_t>(count)));
@@ -136,9 +135,7 @@ void NotificationPump::deliverSlice() {
                 module->MessageOn();
         }
         // A quarter of the slice at once is few enough to end in time.
-        const qint64 each = std::max<qint64>(1, cost.nsecsElapsed() / static_cast<qint64>(count));
-        m_chunk =
-            static_cast<int>(std::clamp<qint64>(sliceBudgetMs * 250'000LL / each, 1, largestChunk));
+        m_chunk.took(static_cast<int>(count), cost.nsecsElapsed(), sliceBudgetMs * 250'000LL);
         if (m_stopped || m_sliceBegin.elapsed() >= sliceBudgetMs)
             break;
     }

@@ -9,6 +9,7 @@
 #define ORVO_PLATFORM_CLIENT_NOTIFICATIONPUMP_H
 
 #include "platform/client/Blocks.h"
+#include "platform/client/ChunkSize.h"
 #include "platform/client/LogFollower.h"
 #include "platform/client/ModuleRegistry.h"
 #include "platform/client/Session.h"
@@ -70,7 +71,7 @@ private:
     int64_t m_cursor;           ///< where the follower began
     uint64_t m_asked = 0;       ///< number of the last look asked for
     uint64_t m_answered = 0;    ///< number of the last look answered
-    int m_chunk = 1;            ///< changes handed over at once, by what they cost so far
+    ChunkSize m_chunk;          ///< changes handed over at once
     bool m_reconnected = false; ///< the modules are to be told
     bool m_gap = false;         ///< after the backlog the log has a gap
     bool m_stopped = true;      ///< before start, and after logLost
