@@ -1,0 +1,536 @@
+// MenuRandomActs.h: the menu editor of a random run (RandomRun.h): how it is compared, and what an
+// engineer and a foreign hand do to menus.
+//
+// Its trees may differ from new ones in what TreeDifferences.h says, and besides:
+//
+//  - lost is also what went away with a row above it: a deleted folder, or a desktop folder that
+//    moved among its siblings.
+//  - stray: a desktop or folder stays below its old parent; an element moved below an unknown one
+//    stands at the very top; one moved below itself stays.
+//  - another's menu: while a placeholder or a new name is open, a move to another desktop saves and
+//    leaves the menu that stands there; it is not compared until a menu is loaded again.
+//  - aged resources: the editor keeps each resource as it was when it learnt of it, renamed or
+//    deleted as it may be since. Elements show it so.
+//  - early elements: one that was shown before its resource was known says nothing of it until it
+//    is shown anew.
+#ifndef ORVO_TESTS_MENU_MENURANDOMACTS_H
+#define ORVO_TESTS_MENU_MENURANDOMACTS_H
+
+#include "tests/menu/MenuProbe.h"
+#include "tests/menu/RandomRun.h"
+
+#include "frame/CommonFunctions.h"
+#include "picker/PopObjectList.h"
+
+#include <QLineEdit>
+#include <QMimeData>
+#include <QPushButton>
+#include <QSet>
+
+namespace orvo::test {
+
+using menu::DesckColumn;
+using menu::MenuColumn;
+
+/// The rows below the top row, by key.
+inline TreeRows rowsOf(const QAbstractItemModel* model, int keyColumn, const QVector<int>& columns,
+                       int isNewColumn, int folderColumn, QSet<QString>* unsaved) {
+    TreeRows rows;
+    const std::function<void(const QModelIndex&, const QString&, int)> walk =
+        [&](const QModelIndex& parent, const QString& parentKey, int depth) {
+            for (int i = 0; i < model->rowCount(parent); ++i) {
+                const QModelIndex index = model->index(i, 0, parent);
+                const QString key = index.siblingAtColumn(keyColumn).data().toString();
+                const bool top = depth == 0 && i == 0 && parentKey.isNull();
+                if (!top) {
+                    QStringList values;
+                    for (const int column : columns)
+                        values << index.siblingAtColumn(column).data().toString();
+                    rows[key] = {depth == 0 ? QStringLiteral("?") : parentKey, values.join('|'), i,
+                                 QStringList{"true", QStringLiteral("папка")}.contains(
+                                     index.siblingAtColumn(folderColumn).data().toString())};
+                    if (index.siblingAtColumn(isNewColumn).data().toBool())
+                        unsaved->insert(key);
+                }
+                walk(index, top || depth == 0 ? QStringLiteral("") : key, depth + 1);
+            }
+        };
+    walk({}, QString(), 0);
+    return rows;
+}
+
+/// The menu editor of one client.
+class MenuPart {
+public:
+    void open(TestHost& host) {
+        m_desckKnown.clear();
+        m_menuKnown.clear();
+        m_resources.clear();
+        m_aged.clear();
+        m_early.clear();
+        m_staleFault.clear();
+        m_editor = std::make_unique<MenuEditor>(host, "Menu");
+        if (!m_editor->start())
+            qFatal("an editor does not start");
+        QObject::connect(probe().m_menuModel.get(), &QAbstractItemModel::rowsInserted,
+                         probe().m_menuModel.get(), [this](const QModelIndex& parent) {
+                             if (!parent.isValid() && probe().m_menuModel->rowCount() == 1)
+                                 m_menuOf = probe().m_currentDesckKey;
+                         });
+        // A menu is loaded when its top row comes.
+        QObject::connect(probe().m_menuModel.get(), &QAbstractItemModel::rowsAboutToBeRemoved,
+                         probe().m_menuModel.get(), [this](const QModelIndex& parent, int first) {
+                             if (!parent.isValid() && first == 0) {
+                                 m_menuKnown.clear();
+                                 m_early.clear();
+                             }
+                         });
+    }
+    void close() { m_editor.reset(); }
+
+    MenuProbe& probe() { return *m_editor->module; }
+    COrvoCliMod& module() { return probe(); }
+    QTreeView* view(const char* name) { return m_editor->view(name); }
+    bool isAtRest() { return probe().m_editMode == MenuProbe::NoEdit; }
+    void cancel() { QMetaObject::invokeMethod(&probe(), "on_cancel_pressed"); }
+    int comparedRows() const { return m_desckKnown.comparedRows + m_menuKnown.comparedRows; }
+    int comparedFamilies() const {
+        return m_desckKnown.comparedFamilies + m_menuKnown.comparedFamilies;
+    }
+
+    /// Key and parent of each record that the editor holds, the empty text for no parent.
+    QMap<QString, QString> parents(const char* table) {
+        QMap<QString, QString> found;
+        for (const QStringList& fields : recordLines(probe(), table))
+            found[fields[0]] = fieldText(fields[1]);
+        return found;
+    }
+
+    void seen(const store::Change& change) {
+        if (change.table == "MenuResource" && change.code != OrvoEventInsert)
+            m_aged.insert(QString::fromStdString(change.key));
+    }
+
+    void watch() {
+        watchResources();
+        QSet<QString> unsaved;
+        const TreeRows descks = desckRows(probe(), &unsaved);
+        m_desckKnown.watch(descks, parents("MenuFolder"), unsaved);
+        unsaved.clear();
+        const TreeRows elements = menuRows(probe(), &unsaved);
+        // Over a folder no menu is shown, whatever the table still holds.
+        if (probe().m_menuModel->rowCount() > 0)
+            m_menuKnown.watch(elements, parents("Menu"), unsaved);
+        for (auto row = elements.begin(); row != elements.end(); ++row)
+            if (!m_resources.contains(resourceOf(row.key())))
+                m_early.insert(row.key());
+    }
+
+    /// The first difference to an editor opened now that is not required; empty if there is none.
+    QString check(TestStore& store) {
+        TestHost host(store);
+        MenuEditor fresh(host, "Menu");
+        if (!fresh.start())
+            return "a fresh editor does not start";
+        MenuProbe& other = *fresh.module;
+        if (probe().tableText("MenuFolder") != other.tableText("MenuFolder"))
+            return "MenuFolder:\n" + probe().tableText("MenuFolder") + "\nfresh:\n" +
+                   other.tableText("MenuFolder");
+        QString found = compareResources(other);
+        if (!found.isEmpty())
+            return found;
+        QSet<QString> none;
+        found = m_desckKnown.compare(desckRows(probe(), &none), desckRows(other, &none));
+        if (!found.isEmpty())
+            return "tvDesck: " + found;
+        const QModelIndex desktop = other.m_desckModel->findIndexByKey(probe().m_currentDesckKey);
+        const QModelIndex own = probe().m_desckModel->findIndexByKey(probe().m_currentDesckKey);
+        if (!desktop.isValid() || !own.isValid() || probe().m_menuModel->rowCount() == 0 ||
+            m_menuOf != probe().m_currentDesckKey)
+            return {};
+        fresh.view("tvDesck")->setCurrentIndex(desktop);
+        if (other.m_menuModel->rowCount() == 0)
+            return {};
+        if (probe().tableText("Menu") != other.tableText("Menu"))
+            return "Menu:\n" + probe().tableText("Menu") + "\nfresh:\n" + other.tableText("Menu");
+        found = m_menuKnown.compare(menuRows(probe(), &none), menuRows(other, &none));
+        if (found.isEmpty())
+            found = compareCommands();
+        return found.isEmpty() ? found : "tvMenu: " + found;
+    }
+
+    /// The resources of the elements that are shown.
+    QStringList usedResources() {
+        QStringList used;
+        for (const QString& key : parents("Menu").keys())
+            if (const QString resource = resourceOf(key); !resource.isEmpty())
+                used << resource;
+        return used;
+    }
+
+    int comparedCommands = 0; ///< elements compared with their resource
+    int agedCommands = 0;     ///< those of them whose resource has changed since
+
+private:
+    static TreeRows desckRows(const MenuProbe& probe, QSet<QString>* unsaved) {
+        return rowsOf(probe.m_desckModel.get(), DesckColumn::KeyLink,
+                      {DesckColumn::Name, DesckColumn::IsFolder}, DesckColumn::IsNew,
+                      DesckColumn::IsFolder, unsaved);
+    }
+    static TreeRows menuRows(const MenuProbe& probe, QSet<QString>* unsaved) {
+        return rowsOf(probe.m_menuModel.get(), MenuColumn::KeyLink,
+                      {MenuColumn::Caption, MenuColumn::FolderKey, MenuColumn::Icon,
+                       MenuColumn::MenuResKey, MenuColumn::OneCopy, MenuColumn::Order,
+                       MenuColumn::Params, MenuColumn::Separator},
+                      MenuColumn::IsNew, MenuColumn::Type, unsaved);
+    }
+    QString resourceOf(const QString& element) {
+        return probe()
+            .m_menuModel->findIndexByKey(element)
+            .siblingAtColumn(MenuColumn::MenuResKey)
+            .data()
+            .toString();
+    }
+
+    static QMap<QString, QStringList> resourcesIn(const MenuProbe& probe) {
+        QMap<QString, QStringList> found;
+        for (const QStringList& fields : recordLines(probe, "MenuResource"))
+            found[fields[0]] = fields;
+        return found;
+    }
+    void watchResources() {
+        const QMap<QString, QStringList> now = resourcesIn(probe());
+        for (auto known = m_resources.begin(); known != m_resources.end(); ++known)
+            if (now.value(known.key()) != *known)
+                m_staleFault = "resource changed or gone: " + known->join('|');
+        m_resources = now;
+    }
+    QString compareResources(const MenuProbe& fresh) {
+        if (!m_staleFault.isEmpty())
+            return m_staleFault;
+        const QMap<QString, QStringList> stored = resourcesIn(fresh);
+        for (auto one = stored.begin(); one != stored.end(); ++one) {
+            if (!m_resources.contains(one.key()))
+                return "resource not known: " + one->join('|');
+            if (m_resources[one.key()] != *one && !m_aged.contains(one.key()))
+                return "resource known as " + m_resources[one.key()].join('|') + ", not " +
+                       one->join('|');
+        }
+        for (auto one = m_resources.begin(); one != m_resources.end(); ++one)
+            if (!stored.contains(one.key()) && !m_aged.contains(one.key()))
+                return "resource known for nothing: " + one->join('|');
+        return {};
+    }
+    /// Each element says of its resource what the editor knows.
+    QString compareCommands() {
+        const auto text = [&](const QString& key, int column) {
+            return probe()
+                .m_menuModel->findIndexByKey(key)
+                .siblingAtColumn(column)
+                .data()
+                .toString();
+        };
+        for (const QString& key : parents("Menu").keys()) {
+            const QString resource = text(key, MenuColumn::MenuResKey);
+            if (resource.isEmpty())
+                continue;
+            const QString shown =
+                text(key, MenuColumn::Type) + ' ' + text(key, MenuColumn::Command);
+            const QStringList fields = m_resources.value(resource);
+            const QString known = fields.isEmpty() ? QStringLiteral(" ")
+                                                   : convertMenuAttributes(fields[2].toInt()) +
+                                                         ' ' + fieldText(fields[1]);
+            ++comparedCommands;
+            agedCommands += m_aged.contains(resource);
+            if (shown != known && !(shown == " " && m_early.contains(key)))
+                return key + " says \"" + shown + "\" of its resource, not \"" + known + '"';
+        }
+        return {};
+    }
+
+    QString m_menuOf; ///< the desktop whose menu was loaded last
+    Differences m_desckKnown;
+    Differences m_menuKnown;
+    QMap<QString, QStringList> m_resources; ///< what the editor knows of each
+    QSet<QString> m_aged;                   ///< resources that were changed or deleted since
+    QSet<QString> m_early;                  ///< elements shown before their resource was known
+    QString m_staleFault;
+    std::unique_ptr<MenuEditor> m_editor;
+};
+
+/// What is done to menus at random.
+class MenuRandomActs {
+public:
+    /// `anyPart`: the editor of either client. `anyResource`: a key for elements of a foreign hand.
+    MenuRandomActs(Chances& chances, TestStore& store, std::function<MenuPart&()> anyPart,
+                   std::function<QString()> anyResource)
+        : m_chances(chances)
+        , m_store(store)
+        , m_anyPart(std::move(anyPart))
+        , m_anyResource(std::move(anyResource)) {}
+
+    /// Desktops d1 to d3 and elements of the resource, in a store that holds none.
+    static void fill(TestStore& store, const char* resource) {
+        addDesck(store, "p1", "", "Цех", true);
+        addDesck(store, "p2", "p1", "Участок", true);
+        addDesck(store, "d1", "p1", "Первый", false);
+        addDesck(store, "d2", "p1", "Второй", false);
+        addDesck(store, "d3", "p2", "Третий", false);
+        for (int i = 0; i < 12; ++i) {
+            const QByteArray key = "e" + QByteArray::number(i);
+            const QByteArray parent = i < 6 ? QByteArray() : "e" + QByteArray::number(i % 3);
+            addElement(store, i % 3 == 2 ? "d2" : "d1", key.constData(), parent.constData(),
+                       "Начало", i * 500, i < 3 ? nullptr : resource);
+        }
+    }
+
+    void foreignAct() {
+        const QString key = anyKey("Menu");
+        const QByteArray id = key.toUtf8();
+        switch (m_chances.below(10)) {
+        case 0:
+        case 1: {
+            const QString made = m_chances.newKey('f');
+            m_chances.say("foreign element " + made);
+            m_store.insert(
+                "Menu", {{"KeyLink", made},
+                         {"FolderKey", anyDesktop()},
+                         {"parent", m_chances.chance(40)   ? QString()
+                                    : m_chances.chance(90) ? key
+                                                           : QString("nowhere")},
+                         {"caption", caption()},
+                         {"order_", m_chances.below(12) * 500},
+                         {"MenuResourceKey", m_chances.chance(60) ? m_anyResource() : QString()}});
+            break;
+        }
+        case 2:
+            m_chances.say("foreign caption " + key);
+            m_store.update("Menu", {{"KeyLink", key}, {"caption", caption()}});
+            break;
+        case 3:
+        case 4:
+            m_chances.say("foreign order " + key);
+            m_store.update("Menu", {{"KeyLink", key}, {"order_", m_chances.below(12) * 500}});
+            break;
+        case 5: {
+            const QString parent = m_chances.chance(40) ? QString() : anyKey("Menu");
+            m_chances.say("foreign move " + key + " below " + parent);
+            m_store.update("Menu", {{"KeyLink", key}, {"parent", parent}});
+            break;
+        }
+        case 6:
+            if (m_chances.chance(60)) {
+                m_chances.say("foreign delete " + key);
+                m_store.remove("Menu", id.constData());
+            }
+            break;
+        case 7: {
+            const QString desck = anyKey("MenuFolder");
+            if (desck.startsWith('d'))
+                break;
+            m_chances.say("foreign desktop caption " + desck);
+            m_store.update("MenuFolder", {{"KeyLink", desck}, {"caption", caption()}});
+            break;
+        }
+        case 8: {
+            const QString made = m_chances.newKey('g');
+            const bool folder = m_chances.chance(30);
+            m_chances.say("foreign desktop " + made);
+            m_store.insert("MenuFolder",
+                           {{"KeyLink", made},
+                            {"ParentKey", m_chances.chance(10) ? QString() : QString("p1")},
+                            {"caption", caption()},
+                            {"order_", QString(folder ? "1000" : "2000")},
+                            {"isFolder", folder}});
+            break;
+        }
+        default: {
+            const QString desck = anyKey("MenuFolder");
+            if (!desck.startsWith('g'))
+                break;
+            m_chances.say("foreign delete of desktop " + desck);
+            m_store.remove("MenuFolder", desck.toUtf8().constData());
+        }
+        }
+    }
+
+    void ownAct(MenuPart& part) {
+        MenuProbe& module = part.probe();
+        QTreeView* menu = part.view("tvMenu");
+        QTreeView* desck = part.view("tvDesck");
+        const QModelIndex current = menu->currentIndex();
+        const bool onElement = module.m_menuModel->getItemLevel(current) > 0;
+        const bool onFolder = module.m_menuModel->itemIsFolder(current);
+        switch (m_chances.below(16)) {
+        case 0: {
+            const QModelIndex row = m_chances.chance(70)
+                                        ? module.m_desckModel->findIndexByKey(anyDesktop())
+                                        : m_chances.anyRow(*module.m_desckModel);
+            m_chances.say("desktop " + module.m_desckModel->getItemKeyLink(row));
+            desck->setCurrentIndex(row);
+            break;
+        }
+        case 1:
+        case 2:
+        case 3: {
+            const QModelIndex row = m_chances.anyRow(*module.m_menuModel);
+            m_chances.say("element " + module.m_menuModel->getItemKeyLink(row));
+            if (row.isValid())
+                menu->setCurrentIndex(row);
+            break;
+        }
+        case 4:
+            if (onElement && !module.m_menuModel->itemIsFirstSibling(current)) {
+                m_chances.say("up");
+                call(module, "on_actMoveUp_triggered");
+            }
+            break;
+        case 5:
+            if (onElement && !module.m_menuModel->itemIsLastSibling(current)) {
+                m_chances.say("down");
+                call(module, "on_actMoveDown_triggered");
+            }
+            break;
+        case 6:
+            if (onFolder && part.isAtRest()) {
+                m_chances.say("new folder");
+                call(module, "on_actNewElemFolder_triggered");
+            }
+            break;
+        case 7:
+        case 8: {
+            const QModelIndex value =
+                module.m_propModel->findIndexByKey(m_chances.chance(60) ? "name" : "icon");
+            if (value.isValid()) {
+                m_chances.say("passport");
+                module.m_propModel->setData(value.siblingAtColumn(1), caption(), Qt::EditRole);
+            }
+            break;
+        }
+        case 9:
+        case 10:
+            m_chances.say("save");
+            call(module, "on_save_pressed");
+            break;
+        case 11:
+            m_chances.say("cancel");
+            part.cancel();
+            break;
+        case 12: {
+            const QModelIndex source = m_chances.anyRow(*module.m_menuModel);
+            const QModelIndex target = m_chances.anyRow(*module.m_menuModel);
+            if (!source.isValid() || module.m_menuModel->getItemLevel(source) == 0)
+                break;
+            const std::unique_ptr<QMimeData> data(module.m_menuModel->mimeData({source}));
+            const int row = m_chances.chance(50)
+                                ? -1
+                                : m_chances.below(module.m_menuModel->rowCount(target) + 1);
+            if (!module.m_menuModel->canDropMimeData(data.get(), Qt::MoveAction, row, 0, target))
+                break;
+            m_chances.say(QString("drop %1 on %2 at %3")
+                              .arg(module.m_menuModel->getItemKeyLink(source),
+                                   module.m_menuModel->getItemKeyLink(target))
+                              .arg(row));
+            module.m_menuModel->dropMimeData(data.get(), Qt::MoveAction, row, 0, target);
+            break;
+        }
+        case 13:
+            if (onElement && part.isAtRest()) {
+                m_chances.say("copy");
+                call(module, "on_actCopyMenuElement_triggered");
+            }
+            if (onFolder && part.isAtRest() && !isFull(module)) {
+                m_chances.say("paste");
+                call(module, "on_actPasteMenuElement_triggered");
+            }
+            break;
+        case 14:
+            if (onElement && part.isAtRest()) {
+                m_chances.say("delete");
+                call(module, "on_actDeleteElem_triggered");
+                answer(module, m_chances.chance(80));
+            }
+            break;
+        default: {
+            const QModelIndex place = desck->currentIndex();
+            if (!part.isAtRest() || module.m_desckModel->getItemLevel(place) < 2)
+                break;
+            if (m_chances.chance(50)) {
+                m_chances.say("new desktop");
+                call(module, "on_actAddDescktop_triggered");
+            } else {
+                m_chances.say("rename");
+                call(module, "on_actChangeDescktopOrFolder_triggered");
+                // As by the keyboard: each letter comes from the row's editor.
+                if (auto* editor = desck->viewport()->findChild<QLineEdit*>())
+                    editor->setText(caption());
+            }
+        }
+        }
+    }
+
+    /// Chooses in the picker: resources as new elements, or the icon or object of the current one.
+    void pick(MenuPart& part) {
+        MenuProbe& module = part.probe();
+        const int what = m_chances.below(5);
+        if (what < 3) {
+            static const char* const slots_[] = {"on_actNewElemModul_triggered",
+                                                 "on_actNewElemFunction_triggered",
+                                                 "on_actNewElemFile_triggered"};
+            if (isFull(module))
+                return;
+            call(module, slots_[what]);
+        } else {
+            const QString row = what == 3 ? "icon" : "object";
+            if (!module.m_propModel->findIndexByKey(row).isValid())
+                return;
+            QMetaObject::invokeMethod(&module, "on_passp_buttonpressed", Q_ARG(QString, row));
+        }
+        auto* list = module.findChild<CPopObjectList*>();
+        if (!list || !list->isVisible())
+            return;
+        QTreeView* tree = list->tvObj();
+        QStringList chosen;
+        for (int i = 1 + m_chances.below(list->multipleChoice ? 3 : 1); i > 0; --i) {
+            const QModelIndex row = m_chances.anyRow(*list->treeModel);
+            if (!row.isValid())
+                break;
+            chosen << row.data().toString();
+            tree->selectionModel()->setCurrentIndex(
+                row, QItemSelectionModel::Rows |
+                         (list->multipleChoice ? QItemSelectionModel::Select
+                                               : QItemSelectionModel::ClearAndSelect));
+        }
+        m_chances.say(QString("pick %1: %2").arg(what).arg(chosen.join(", ")));
+        list->findChild<QPushButton*>(m_chances.chance(90) ? "btnOK" : "btnCancel")->click();
+    }
+
+private:
+    QString anyKey(const char* table) { return m_chances.oneOf(m_anyPart().parents(table).keys()); }
+    QString anyDesktop() { return m_chances.oneOf({"d1", "d2", "d3"}); }
+    QString caption() { return m_chances.word(50, 9); }
+    static bool isFull(const MenuProbe& module) {
+        return module.tableText("Menu").count('\n') >= 60;
+    }
+    static void call(MenuProbe& module, const char* slot) {
+        if (!QMetaObject::invokeMethod(&module, slot))
+            qFatal("no slot %s", slot);
+    }
+    static void answer(MenuProbe& module, bool yes) {
+        const QString text = yes ? QStringLiteral("Да") : QStringLiteral("Нет");
+        for (QPushButton* button : module.findChildren<QPushButton*>())
+            if (button->isVisible() && button->text() == text) {
+                button->click();
+                return;
+            }
+    }
+
+    Chances& m_chances;
+    TestStore& m_store;
+    std::function<MenuPart&()> m_anyPart;
+    std::function<QString()> m_anyResource;
+};
+
+} // namespace orvo::test
+
+#endif
