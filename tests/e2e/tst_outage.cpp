@@ -95,10 +95,15 @@ class TestOutage : public QObject {
             "^Нет связи с postgresql://.* с \\d\\d:\\d\\d:\\d\\d$");
         return line.match(connection()).hasMatch();
     }
-    /// Takes the line on a failure away where there is one.
+    /// Takes the line on a failure away where there is one. Right after a wait the client drops
+    /// clicks, so one may not be enough.
     bool acknowledge() {
         for (ClientProcess* one : {&m_scene->left(), &m_scene->right()})
-            if (!one->failure().isEmpty() && !m_scene->press(*one, "failureButton"))
+            if (!waitFor([&] {
+                    if (!one->failure().isEmpty())
+                        m_scene->press(*one, "failureButton");
+                    return one->failure().isEmpty();
+                }))
                 return false;
         return true;
     }
