@@ -290,9 +290,8 @@ Status ContentCopy::end() {
             return status;
     }
     appendNumber(&m_head, 0xFFFF, 2);
-    m_sent =
-        m_sent && putData(*m_connection, m_head) && PQputCopyEnd(m_connection->get(), nullptr) == 1 &&
-        m_connection->flush();
+    m_sent = m_sent && putData(*m_connection, m_head) &&
+             PQputCopyEnd(m_connection->get(), nullptr) == 1 && m_connection->flush();
     const Status status = finish(*m_connection, m_what);
     return status.ok() && !m_sent ? m_connection->failure(m_what, nullptr) : status;
 }
