@@ -115,7 +115,7 @@ Host::Host(const std::string& login) : kind(renewedKind()), url(kind->url()) {
     if (!session)
         qFatal("no session: %s", status.text.c_str());
     app.m_session = session.get();
-    app.m_workDir = dir.path() + "/work/";
+    app.m_workDir = dir.path() + "/workdir/";
     QObject::connect(&client::sessionEvents(*session), &client::SessionEvents::failed,
                      &client::sessionEvents(*session), [this](const client::Failure& failure) {
                          failures << QStringLiteral("%1|%2|%3")

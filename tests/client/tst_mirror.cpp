@@ -18,7 +18,7 @@ struct Bench : Host {
     Module module{&app};
     client::ModuleRegistry registry;
     client::NotificationPump pump{*session, registry, connectAgain()};
-    QString work = dir.path() + "/work/";
+    QString work = dir.path() + "/workdir/";
     app::FileMirror mirror{store(), work};
     QStringList problems;
 

@@ -128,7 +128,7 @@ struct TestHost::Private {
 };
 
 TestHost::TestHost(TestStore& store) : d(std::make_unique<Private>()) {
-    m_workDir = store.directory() + QStringLiteral("/work/");
+    m_workDir = store.directory() + QStringLiteral("/workdir/");
     QDir().mkpath(m_workDir + QStringLiteral("files/icons"));
     store::Status status;
     auto watch = std::make_unique<WriteWatch>(store.connect("engineer"));
