@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstring>
+#include <optional>
 
 namespace orvo {
 
@@ -53,18 +54,28 @@ QString fromRecord(const char* bytes) {
     return text;
 }
 
-QByteArray toRecord(const QString& text) {
+namespace {
+
+/// Nothing if the code page lacks a letter of the text, or U+0000 is one.
+std::optional<QByteArray> exactly(const QString& text) {
     const CodePage& page = codePage();
     QByteArray bytes(text.size(), Qt::Uninitialized);
     char* out = bytes.data();
     for (const QChar letter : text) {
         const char byte = page.toByte[letter.unicode()];
-        // What the code page lacks is the codec's to replace.
         if (byte == 0)
-            return recordCodec()->fromUnicode(text);
+            return {};
         *out++ = byte;
     }
     return bytes;
+}
+
+} // namespace
+
+QByteArray toRecord(const QString& text) {
+    const std::optional<QByteArray> bytes = exactly(text);
+    // What the code page lacks is the codec's to replace.
+    return bytes ? *bytes : recordCodec()->fromUnicode(text);
 }
 
 bool sameText(const QString& a, const QString& b) {
@@ -206,7 +217,9 @@ MDRData* seek(const CMDArray& table, int key, const KeyValues& values) {
 }
 
 MDRData* seekKey(const CMDArray& table, const QString& keyLink) {
-    return seek(table, 0, KeyValues().text(keyLink));
+    // With its letters replaced it would be another key, which a record may have.
+    const std::optional<QByteArray> bytes = exactly(keyLink);
+    return bytes ? seek(table, 0, KeyValues().bytes(*bytes)) : nullptr;
 }
 
 int32_t seekPosition(const CMDArray& table, int key, const KeyValues& values) {

@@ -137,7 +137,8 @@ int recordCount(const CMDArray& table);
 
 /// The record whose key equals the values, or null.
 MDRData* seek(const CMDArray& table, int key, const KeyValues& values);
-/// The record of that identifier (key 0 is `KeyLink`), or null.
+/// The record of that identifier (key 0 is `KeyLink`), or null; an identifier with letters that the
+/// code page lacks is no record's.
 MDRData* seekKey(const CMDArray& table, const QString& keyLink);
 /// The position of the first record not less than the values, -1 if there is none.
 int32_t seekPosition(const CMDArray& table, int key, const KeyValues& values);

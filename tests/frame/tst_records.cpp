@@ -35,6 +35,7 @@ private slots:
     void settingKeysLeavesExactlyOne();
     void furtherKeysFollowInOrder();
     void anExactSeekFindsByIdentifier();
+    void anIdentifierThatNoRecordCanHoldFindsNone();
     void aPositionInAnEmptyTableIsMinusOne();
     void aPositionBehindTheLastIsMinusOne();
     void leadingValuesFindTheStartOfAGroup();
@@ -297,6 +298,18 @@ void Records::anExactSeekFindsByIdentifier() {
     QCOMPARE(seek(table, 1, KeyValues().text("p").integer(5)), a);
     QVERIFY(!seek(table, 1, KeyValues().text("p").integer(7)));
     QVERIFY(!seek(table, 9, KeyValues().text("p")));
+}
+
+// The codec writes '?' for what the code page lacks, and a text ends at its first zero.
+void Records::anIdentifierThatNoRecordCanHoldFindsNone() {
+    CMDArray table;
+    define(table);
+    setKeys(table, {"parent;order_"});
+    add(table, "k?", "p", "", 5);
+    QVERIFY(seekKey(table, "k?"));
+    QVERIFY(!seekKey(table, QString("k") + QChar(0x2192)));
+    QVERIFY(!seekKey(table, QString("k") + QChar(0xFFFD)));
+    QVERIFY(!seekKey(table, QString("k?") + QChar(0) + "rest"));
 }
 
 void Records::aPositionInAnEmptyTableIsMinusOne() {

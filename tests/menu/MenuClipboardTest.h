@@ -81,6 +81,7 @@ private slots:
     void anElementWithoutACaptionIsPlacedAsChosen();
     void parentsCompareWithoutCase();
     void keysWithoutARecordAreSkipped();
+    void aKeyThatNoRecordCanHoldPastesNothing();
     void aCopyIsPastedInAnotherClient();
     void withoutATargetNothingIsPasted();
     void theClipboardStaysAfterAPaste();

@@ -260,6 +260,24 @@ void TestMenuClipboard::keysWithoutARecordAreSkipped() {
     QCOMPARE(host.writes().calls[0].records.size(), 1);
 }
 
+// Read with its letters replaced, the key on the line would be the record's, which has no new key.
+void TestMenuClipboard::aKeyThatNoRecordCanHoldPastesNothing() {
+    TestStore store;
+    fillPlant(store);
+    addElement(store, "armop", "k?", "", "Знак", 9000, "rcalc");
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("armop");
+    editor.selectElements({"k?"});
+    editor->on_actCopyMenuElement_triggered();
+    QByteArray bytes = payload();
+    QVERIFY(bytes.startsWith("0\nk?;\n"));
+    putOnClipboard(bytes.replace("0\nk?;\n", "0\nk\xB7;k\xE2\x86\x92;\n"));
+    editor.makeCurrent("grafiki");
+    editor->on_actPasteMenuElement_triggered();
+    QCOMPARE(host.writes().take(), QString());
+}
+
 void TestMenuClipboard::aCopyIsPastedInAnotherClient() {
     TestStore store;
     fillPlant(store);
