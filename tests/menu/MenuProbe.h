@@ -104,6 +104,12 @@ inline void fillPlant(TestStore& store) {
     addElement(store, "armop", "propal", "", "Пропавший", 2000, "nosuch");
 }
 
+/// An editor on the plant, not started yet.
+class PlantEditor : public Ground, public MenuEditor {
+public:
+    PlantEditor() : Ground(fillPlant), MenuEditor(host, "Menu") {}
+};
+
 } // namespace orvo::test
 
 #endif

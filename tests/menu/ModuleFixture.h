@@ -149,6 +149,21 @@ private:
     ViewWatch m_watch;
 };
 
+/// What an editor stands on: a store with the rows that `fill` writes, and a host of its own. The
+/// first base of a fixture, so that it outlives the editor:
+///     class PlantEditor : public Ground, public MenuEditor
+struct Ground {
+    explicit Ground(void (*fill)(TestStore& store)) : host(filled(store, fill)) {}
+    TestStore store;
+    TestHost host;
+
+private:
+    static TestStore& filled(TestStore& store, void (*fill)(TestStore& store)) {
+        fill(store);
+        return store;
+    }
+};
+
 /// The first row whose text in `column` is `text`; invalid if there is none.
 QModelIndex findRow(const QAbstractItemModel& model, const QString& text, int column = 0);
 /// Clicks on a row in column 0, scrolled into view.

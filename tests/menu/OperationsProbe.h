@@ -76,6 +76,12 @@ public:
     static constexpr int No = NoRole;
 };
 
+/// The same on the plant.
+class PlantOperations : public Ground, public OperationsEditor {
+public:
+    PlantOperations() : Ground(fillPlant), OperationsEditor(host) {}
+};
+
 } // namespace orvo::test
 
 #endif

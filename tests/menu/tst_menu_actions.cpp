@@ -106,10 +106,7 @@ void TestMenuActions::desktopRowsSwitchTheirActions_data() {
 
 void TestMenuActions::desktopRowsSwitchTheirActions() {
     QFETCH(QString, expected);
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     // By a change of the current row, from a row with everything else.
     for (const char* before : {"armop", "sklad"}) {
@@ -143,10 +140,7 @@ void TestMenuActions::menuRowsSwitchTheirActions_data() {
 
 void TestMenuActions::menuRowsSwitchTheirActions() {
     QFETCH(QString, expected);
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
     editor.view("tvMenu")->expandAll();
@@ -161,10 +155,7 @@ void TestMenuActions::menuRowsSwitchTheirActions() {
 }
 
 void TestMenuActions::pasteFollowsTheClipboardOnFolders() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     offer("OrvoMenu/descktop");
     for (const char* key : {"ceh", "mainnode", "sklad"}) {
@@ -186,10 +177,7 @@ void TestMenuActions::pasteFollowsTheClipboardOnFolders() {
 }
 
 void TestMenuActions::pasteKeepsItsStateOnOtherRows() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
     offer("OrvoMenu/menu");
@@ -202,10 +190,7 @@ void TestMenuActions::pasteKeepsItsStateOnOtherRows() {
 }
 
 void TestMenuActions::desktopPasteKeepsItsStateOnDesktops() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     editor.view("tvDesck")->setCurrentIndex(editor->desck("ceh"));
     offer("OrvoMenu/descktop");
@@ -222,10 +207,7 @@ void TestMenuActions::desktopPasteKeepsItsStateOnDesktops() {
 }
 
 void TestMenuActions::anInvalidRowChangesNothing() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
     editor.view("tvMenu")->setCurrentIndex(editor->element("trend"));
@@ -238,10 +220,7 @@ void TestMenuActions::anInvalidRowChangesNothing() {
 }
 
 void TestMenuActions::losingTheFocusSwitchesElementActionsOff() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     editor->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(editor.module.get()));
@@ -261,10 +240,7 @@ void TestMenuActions::losingTheFocusSwitchesElementActionsOff() {
 }
 
 void TestMenuActions::losingTheFocusSwitchesDesktopActionsOff() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     editor->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(editor.module.get()));
@@ -286,10 +262,7 @@ void TestMenuActions::losingTheFocusSwitchesDesktopActionsOff() {
 }
 
 void TestMenuActions::whereTheFocusGoesMakesNoDifference() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     QTreeView* const desck = editor.view("tvDesck");
     QTreeView* const menu = editor.view("tvMenu");
@@ -318,10 +291,7 @@ void TestMenuActions::whereTheFocusGoesMakesNoDifference() {
 }
 
 void TestMenuActions::aClickSwitchesThemOnAgain() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     editor->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(editor.module.get()));
@@ -344,10 +314,7 @@ void TestMenuActions::aClickSwitchesThemOnAgain() {
 }
 
 void TestMenuActions::clicksDoNothingWhileSomethingIsEdited() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     editor.view("tvDesck")->setCurrentIndex(editor->desck("ceh"));
     for (const char* action : {"actAddDescktop", "actAddFoldertvDesck"})
@@ -400,10 +367,7 @@ QStringList TestMenuActions::shownMenu(MenuEditor& editor, const char* view, con
 }
 
 void TestMenuActions::desktopContextMenu() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
     editor.action("actAddDescktop")->setEnabled(false);
@@ -423,10 +387,7 @@ void TestMenuActions::desktopContextMenu() {
 }
 
 void TestMenuActions::menuContextMenuLeavesTheActionsAsTheyAre() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
     editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));

@@ -7,10 +7,7 @@ void TestMenuClipboard::init() {
 // Copying ----------------------------------------------------------------------------------------
 
 void TestMenuClipboard::theCopiedBytes() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.selectElements({"calc", "trend", "glubzhe"});
     editor.action("actCopyMenuElement")->trigger();
@@ -27,14 +24,11 @@ void TestMenuClipboard::theCopiedBytes() {
     QCOMPARE(MDAUnpackN(table.array, image.constData(), uint32_t(image.size())), int(MDX_OK));
     QVERIFY(MDAUnpackN(table.array, image.constData(), uint32_t(image.size() - 1)) != MDX_OK);
     QVERIFY(!editor->m_cutPending);
-    QCOMPARE(host.writes().take(), QString());
+    QCOMPARE(editor.host.writes().take(), QString());
 }
 
 void TestMenuClipboard::theCutBytes() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.selectElements({"form"});
     editor.action("actCutMenuElement")->trigger();
@@ -42,10 +36,7 @@ void TestMenuClipboard::theCutBytes() {
 }
 
 void TestMenuClipboard::thePackedTableHasTheRecordsWithTwoKeys() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.selectElements({"grafiki", "shema"});
     editor->on_actCopyMenuElement_triggered();
@@ -107,10 +98,7 @@ void TestMenuClipboard::thePackedRecordsAreWholeAndUnflagged() {
 }
 
 void TestMenuClipboard::aFolderBringsAllBelowIt() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.selectElements({"grafiki"});
     editor->on_actCopyMenuElement_triggered();
@@ -125,10 +113,7 @@ void TestMenuClipboard::aFolderBringsAllBelowIt() {
 }
 
 void TestMenuClipboard::copyingTheRootRowLeavesTheClipboard() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     QGuiApplication::clipboard()->setText("before");
     editor.selectElements({"MenuRootNode"});
@@ -139,10 +124,7 @@ void TestMenuClipboard::copyingTheRootRowLeavesTheClipboard() {
 }
 
 void TestMenuClipboard::withoutASelectionTheClipboardStays() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     QGuiApplication::clipboard()->setText("before");
     editor.selectElements({});
@@ -152,10 +134,7 @@ void TestMenuClipboard::withoutASelectionTheClipboardStays() {
 }
 
 void TestMenuClipboard::aRowWithoutARecordGivesItsKeyAlone() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor->m_tabMenu.RecDel(orvo::seekKey(editor->m_tabMenu, "calc"));
     QGuiApplication::clipboard()->setText("before");
@@ -170,15 +149,12 @@ void TestMenuClipboard::aRowWithoutARecordGivesItsKeyAlone() {
     QCOMPARE(orvo::recordCount(read.table), 1);
     editor.makeCurrent("glubzhe");
     editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(host.writes().calls.size(), 1);
-    QCOMPARE(host.writes().calls[0].records.size(), 1);
+    QCOMPARE(editor.host.writes().calls.size(), 1);
+    QCOMPARE(editor.host.writes().calls[0].records.size(), 1);
 }
 
 void TestMenuClipboard::aFolderWithoutARecordGivesWhatLiesBelowAlone() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor->m_tabMenu.RecDel(orvo::seekKey(editor->m_tabMenu, "glubzhe"));
     editor.selectElements({"glubzhe"});
@@ -190,14 +166,11 @@ void TestMenuClipboard::aFolderWithoutARecordGivesWhatLiesBelowAlone() {
     // Its key is skipped, and nothing leads to what lies below: neither pasted nor deleted.
     editor.makeCurrent("MenuRootNode");
     editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(host.writes().take(), QString());
+    QCOMPARE(editor.host.writes().take(), QString());
 }
 
 void TestMenuClipboard::aCircleInTheTableIsCopiedOnce() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     // Known to the table before the tree: the upper folder now hangs below the lower one.
     MDRData* record = editor->m_tabMenu.RecEdit(orvo::seekKey(editor->m_tabMenu, "grafiki"));
@@ -212,31 +185,25 @@ void TestMenuClipboard::aCircleInTheTableIsCopiedOnce() {
     // The circle is pasted once too.
     editor.makeCurrent("MenuRootNode");
     editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(host.writes().calls.size(), 1);
-    QCOMPARE(host.writes().calls[0].records.size(), 5);
+    QCOMPARE(editor.host.writes().calls.size(), 1);
+    QCOMPARE(editor.host.writes().calls[0].records.size(), 5);
 }
 
 void TestMenuClipboard::aCutChangesNothing() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     const QString before = shownMenu(editor);
     editor.selectElements({"grafiki"});
     editor->on_actCutMenuElement_triggered();
-    host.deliver(*editor.module);
+    editor.host.deliver(*editor.module);
     QCOMPARE(shownMenu(editor), before);
-    QCOMPARE(host.writes().take(), QString());
+    QCOMPARE(editor.host.writes().take(), QString());
 }
 
 // A cut on the clipboard -------------------------------------------------------------------------
 
 void TestMenuClipboard::theFirstCutSurvivesInItsEditor() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     QVERIFY(!editor->m_cutPending);
     editor.selectElements({"form"});
@@ -248,10 +215,7 @@ void TestMenuClipboard::theFirstCutSurvivesInItsEditor() {
 }
 
 void TestMenuClipboard::theNextCutSurvivesToo() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     for (const char* key : {"form", "trend", "form"}) {
         editor.selectElements({key});
@@ -262,11 +226,8 @@ void TestMenuClipboard::theNextCutSurvivesToo() {
 }
 
 void TestMenuClipboard::aSecondEditorTakesACutAway() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
-    TestHost otherHost(store);
+    PlantOperations editor;
+    TestHost otherHost(editor.store);
     OperationsEditor other(otherHost);
     editor.openDesck("armop");
     editor.selectElements({"form"});
@@ -275,16 +236,13 @@ void TestMenuClipboard::aSecondEditorTakesACutAway() {
     QVERIFY(payload().isEmpty());
     editor.makeCurrent("grafiki");
     editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(host.writes().take(), QString());
+    QCOMPARE(editor.host.writes().take(), QString());
     QVERIFY(editor->element("form").isValid());
 }
 
 void TestMenuClipboard::aCopyIsLeftAlone() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
-    TestHost otherHost(store);
+    PlantOperations editor;
+    TestHost otherHost(editor.store);
     OperationsEditor other(otherHost);
     editor.openDesck("armop");
     editor.selectElements({"form"});
@@ -333,17 +291,14 @@ void TestMenuClipboard::otherFormatsAreLeftAlone() {
 }
 
 void TestMenuClipboard::anotherContentLosesTheCut() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.selectElements({"form"});
     editor->on_actCutMenuElement_triggered();
     QGuiApplication::clipboard()->setText("else");
     editor.makeCurrent("grafiki");
     editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(host.writes().take(), QString());
+    QCOMPARE(editor.host.writes().take(), QString());
     QVERIFY(editor->element("form").isValid());
 }
 

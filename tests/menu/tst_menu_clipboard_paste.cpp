@@ -1,31 +1,25 @@
 #include "tests/menu/MenuClipboardTest.h"
 
 void TestMenuClipboard::aPastedElementIsTheLastInItsFolder() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.selectElements({"shema"});
     editor->on_actCopyMenuElement_triggered();
     editor.makeCurrent("grafiki");
     QVERIFY(editor.action("actPasteMenuElement")->isEnabled());
     editor.action("actPasteMenuElement")->trigger();
-    QCOMPARE(host.writes().take(),
+    QCOMPARE(editor.host.writes().take(),
              QString("Menu\n"
                      "  +#1 parent='grafiki' FolderKey='armop' caption='Схема' order_=2000 "
                      "ico=NULL separator=NULL oneCopy=NULL MenuResourceKey='rform' params=NULL\n"));
     QCOMPARE(editor->m_menuModel->rowCount(editor->element("grafiki")), 3);
-    host.deliver(*editor.module);
+    editor.host.deliver(*editor.module);
     QCOMPARE(editor->m_menuModel->rowCount(editor->element("grafiki")), 4);
-    QCOMPARE(host.failures, QStringList());
+    QCOMPARE(editor.host.failures, QStringList());
 }
 
 void TestMenuClipboard::pastingAtTheTop() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.selectElements({"calc", "glubzhe"});
     editor->on_actCopyMenuElement_triggered();
@@ -33,7 +27,7 @@ void TestMenuClipboard::pastingAtTheTop() {
     editor->on_actPasteMenuElement_triggered();
     // An element has the empty text for the top, a folder NULL.
     const QString rest = " ico=NULL separator=NULL oneCopy=NULL";
-    QCOMPARE(host.writes().take(),
+    QCOMPARE(editor.host.writes().take(),
              "Menu\n"
              "  +#1 parent='' FolderKey='armop' caption='Расчёт' order_=2000" +
                  rest +
@@ -43,17 +37,14 @@ void TestMenuClipboard::pastingAtTheTop() {
                  " params=NULL\n"
                  "  +#3 parent='#2' FolderKey='armop' caption='Котёл' order_=0" +
                  rest + " MenuResourceKey='rform' params=NULL\n");
-    host.deliver(*editor.module);
+    editor.host.deliver(*editor.module);
     QVERIFY2(shownMenu(editor).contains("\n  Глубже\n    Котёл\n"), qPrintable(shownMenu(editor)));
     QVERIFY(shownMenu(editor).contains("\n  Расчёт\n"));
-    QCOMPARE(host.failures, QStringList());
+    QCOMPARE(editor.host.failures, QStringList());
 }
 
 void TestMenuClipboard::pastingIntoAnotherDesktop() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.selectElements({"glubzhe"});
     editor->on_actCopyMenuElement_triggered();
@@ -61,47 +52,41 @@ void TestMenuClipboard::pastingIntoAnotherDesktop() {
     editor.makeCurrent("MenuRootNode");
     editor->on_actPasteMenuElement_triggered();
     const QString rest = " ico=NULL separator=NULL oneCopy=NULL";
-    QCOMPARE(host.writes().take(),
+    QCOMPARE(editor.host.writes().take(),
              "Menu\n"
              "  +#1 parent=NULL FolderKey='armpech' caption='Глубже' order_=0" +
                  rest +
                  " params=NULL\n"
                  "  +#2 parent='#1' FolderKey='armpech' caption='Котёл' order_=0" +
                  rest + " MenuResourceKey='rform' params=NULL\n");
-    host.deliver(*editor.module);
+    editor.host.deliver(*editor.module);
     QCOMPARE(shownMenu(editor), QString("Меню\n  Глубже\n    Котёл\n"));
 }
 
 void TestMenuClipboard::everyPasteMakesNewKeys() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.selectElements({"glubzhe"});
     editor->on_actCopyMenuElement_triggered();
     editor.makeCurrent("grafiki");
     editor->on_actPasteMenuElement_triggered();
     editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(host.writes().calls.size(), 2);
-    const QString written = host.writes().take();
+    QCOMPARE(editor.host.writes().calls.size(), 2);
+    const QString written = editor.host.writes().take();
     QVERIFY2(written.contains("+#1 ") && written.contains("+#2 ") && written.contains("+#3 ") &&
                  written.contains("+#4 parent='#3'"),
              qPrintable(written));
-    QCOMPARE(host.failures, QStringList());
+    QCOMPARE(editor.host.failures, QStringList());
 }
 
 void TestMenuClipboard::allChosenElementsGetTheOrderOfTheLastChild() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.selectElements({"trend", "calc"});
     editor->on_actCopyMenuElement_triggered();
     editor.makeCurrent("glubzhe"); // its last child has the order 0
     editor->on_actPasteMenuElement_triggered();
-    const QString written = host.writes().take();
+    const QString written = editor.host.writes().take();
     QCOMPARE(written.count("parent='glubzhe'"), 2);
     QCOMPARE(written.count("order_=0 "), 2);
 }
@@ -199,17 +184,15 @@ void TestMenuClipboard::elementsWithoutTheirResourceStayOut() {
 }
 
 void TestMenuClipboard::pastingOnAnElementTakesItAsParent() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.selectElements({"shema"});
     editor->on_actCopyMenuElement_triggered();
     editor.makeCurrent("calc");
     editor->on_actPasteMenuElement_triggered();
-    QVERIFY(host.writes().take().contains("+#1 parent='calc' FolderKey='armop' caption='Схема' "
-                                          "order_=0"));
+    QVERIFY(
+        editor.host.writes().take().contains("+#1 parent='calc' FolderKey='armop' caption='Схема' "
+                                             "order_=0"));
 }
 
 void TestMenuClipboard::anElementWithoutACaptionIsPlacedAsChosen() {
@@ -245,10 +228,7 @@ void TestMenuClipboard::parentsCompareWithoutCase() {
 }
 
 void TestMenuClipboard::keysWithoutARecordAreSkipped() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.selectElements({"shema"});
     editor->on_actCopyMenuElement_triggered();
@@ -256,8 +236,8 @@ void TestMenuClipboard::keysWithoutARecordAreSkipped() {
     putOnClipboard(bytes.replace("0\nshema;\n", "0\nnosuch;;shema;calc;\n"));
     editor.makeCurrent("grafiki");
     editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(host.writes().calls.size(), 1);
-    QCOMPARE(host.writes().calls[0].records.size(), 1);
+    QCOMPARE(editor.host.writes().calls.size(), 1);
+    QCOMPARE(editor.host.writes().calls[0].records.size(), 1);
 }
 
 // Read with its letters replaced, the key on the line would be the record's, which has no new key.
@@ -305,10 +285,7 @@ void TestMenuClipboard::aCopyIsPastedInAnotherClient() {
 }
 
 void TestMenuClipboard::withoutATargetNothingIsPasted() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.selectElements({"shema"});
     editor->on_actCopyMenuElement_triggered();
@@ -317,14 +294,11 @@ void TestMenuClipboard::withoutATargetNothingIsPasted() {
     // A folder of desktops shows no menu at all.
     editor.openDesck("ceh");
     editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(host.writes().take(), QString());
+    QCOMPARE(editor.host.writes().take(), QString());
 }
 
 void TestMenuClipboard::theClipboardStaysAfterAPaste() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.selectElements({"shema"});
     editor->on_actCutMenuElement_triggered();
@@ -336,17 +310,14 @@ void TestMenuClipboard::theClipboardStaysAfterAPaste() {
 }
 
 void TestMenuClipboard::thePastedRowBecomesCurrent() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.selectElements({"shema"});
     editor->on_actCopyMenuElement_triggered();
     editor.makeCurrent("glubzhe");
     editor->on_actPasteMenuElement_triggered();
     QCOMPARE(editor->m_currentMenuKey, QString("glubzhe"));
-    host.deliver(*editor.module);
+    editor.host.deliver(*editor.module);
     const QModelIndex current = editor.view("tvMenu")->currentIndex();
     QCOMPARE(current.data().toString(), QString("Схема"));
     QCOMPARE(current.parent(), editor->element("glubzhe"));
@@ -355,120 +326,99 @@ void TestMenuClipboard::thePastedRowBecomesCurrent() {
 // Cutting ----------------------------------------------------------------------------------------
 
 void TestMenuClipboard::aPastedCutDeletesItsSource() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.selectElements({"trend", "calc"});
     editor->on_actCutMenuElement_triggered();
     editor.makeCurrent("MenuRootNode");
     editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(host.writes().calls.size(), 2);
-    QCOMPARE(host.writes().calls[0].records.size(), 2);
-    QCOMPARE(host.writes().calls[1].table, QString("Menu"));
-    QCOMPARE(host.writes().calls[1].records, QStringList({"-trend", "-calc"}));
-    host.deliver(*editor.module);
+    QCOMPARE(editor.host.writes().calls.size(), 2);
+    QCOMPARE(editor.host.writes().calls[0].records.size(), 2);
+    QCOMPARE(editor.host.writes().calls[1].table, QString("Menu"));
+    QCOMPARE(editor.host.writes().calls[1].records, QStringList({"-trend", "-calc"}));
+    editor.host.deliver(*editor.module);
     QVERIFY(!editor->element("trend").isValid());
     QVERIFY(!editor->element("calc").isValid());
     QVERIFY2(shownMenu(editor).contains("\n  Тренд\n"), qPrintable(shownMenu(editor)));
-    QCOMPARE(host.failures, QStringList());
+    QCOMPARE(editor.host.failures, QStringList());
 }
 
 void TestMenuClipboard::aCutFolderIsDeletedWhole() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.selectElements({"grafiki"});
     editor->on_actCutMenuElement_triggered();
     editor.makeCurrent("MenuRootNode");
     editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(host.writes().calls.size(), 2);
-    QCOMPARE(host.writes().calls[1].records,
+    QCOMPARE(editor.host.writes().calls.size(), 2);
+    QCOMPARE(editor.host.writes().calls[1].records,
              QStringList({"-grafiki", "-trend", "-calc", "-glubzhe", "-form"}));
 }
 
 void TestMenuClipboard::aCutOfAnotherDesktopIsDeleted() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.selectElements({"glubzhe"});
     editor->on_actCutMenuElement_triggered();
     editor.openDesck("armpech");
     editor.makeCurrent("MenuRootNode");
     editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(host.writes().calls.size(), 2);
-    QCOMPARE(host.writes().calls[1].records, QStringList({"-glubzhe", "-form"}));
-    host.deliver(*editor.module);
+    QCOMPARE(editor.host.writes().calls.size(), 2);
+    QCOMPARE(editor.host.writes().calls[1].records, QStringList({"-glubzhe", "-form"}));
+    editor.host.deliver(*editor.module);
     editor.openDesck("armop");
     QVERIFY(!editor->element("glubzhe").isValid());
     QVERIFY(!editor->element("form").isValid());
 }
 
 void TestMenuClipboard::aCutElementWithoutItsResourceIsDeletedAllTheSame() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.selectElements({"propal"});
     editor->on_actCutMenuElement_triggered();
     editor.makeCurrent("grafiki");
     editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(host.writes().take(), QString("Menu\n  -propal\n"));
+    QCOMPARE(editor.host.writes().take(), QString("Menu\n  -propal\n"));
 }
 
 void TestMenuClipboard::aCutKeyWithoutARecordIsNotDeleted() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.selectElements({"trend", "calc"});
     editor->m_tabMenu.RecDel(orvo::seekKey(editor->m_tabMenu, "calc"));
     editor->on_actCutMenuElement_triggered();
     editor.makeCurrent("MenuRootNode");
     editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(host.writes().calls.size(), 2);
-    QCOMPARE(host.writes().calls[0].records.size(), 1);
-    QCOMPARE(host.writes().calls[1].records, QStringList("-trend"));
+    QCOMPARE(editor.host.writes().calls.size(), 2);
+    QCOMPARE(editor.host.writes().calls[0].records.size(), 1);
+    QCOMPARE(editor.host.writes().calls[1].records, QStringList("-trend"));
 }
 
 void TestMenuClipboard::aSecondPasteOfACutDeletesNothingMore() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.selectElements({"trend"});
     editor->on_actCutMenuElement_triggered();
     editor.makeCurrent("MenuRootNode");
     editor->on_actPasteMenuElement_triggered();
-    host.deliver(*editor.module);
+    editor.host.deliver(*editor.module);
     editor.makeCurrent("MenuRootNode");
     editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(host.writes().calls.size(), 4);
-    host.deliver(*editor.module);
+    QCOMPARE(editor.host.writes().calls.size(), 4);
+    editor.host.deliver(*editor.module);
     QCOMPARE(shownMenu(editor).count("\n  Тренд\n"), 2);
-    QCOMPARE(host.failures, QStringList());
+    QCOMPARE(editor.host.failures, QStringList());
 }
 
 void TestMenuClipboard::aRefusedPasteStillDeletesTheCut() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.selectElements({"trend"});
     editor->on_actCutMenuElement_triggered();
     editor.makeCurrent("MenuRootNode");
-    host.writes().refusedTable = "Menu";
+    editor.host.writes().refusedTable = "Menu";
     editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(host.writes().calls.size(), 2);
-    QCOMPARE(host.writes().calls[1].records, QStringList("-trend"));
+    QCOMPARE(editor.host.writes().calls.size(), 2);
+    QCOMPARE(editor.host.writes().calls[1].records, QStringList("-trend"));
     QVERIFY(!editor.isAsking());
 }

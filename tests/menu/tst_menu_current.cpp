@@ -54,10 +54,7 @@ QStringList TestMenuCurrent::selected(MenuEditor& editor) const {
 }
 
 void TestMenuCurrent::theCurrentKeysFollow() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     openMenu(editor);
     QCOMPARE(editor->m_currentDesckKey, QString("armop"));
     editor.view("tvMenu")->setCurrentIndex(editor->element("calc"));
@@ -68,10 +65,7 @@ void TestMenuCurrent::theCurrentKeysFollow() {
 }
 
 void TestMenuCurrent::theSkipFlagIsUsedUpOnce() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     openMenu(editor);
     editor->m_skipDesckChange = true;
     editor.view("tvDesck")->setCurrentIndex(editor->desck("ceh"));
@@ -98,10 +92,7 @@ void TestMenuCurrent::movingOnInTheDesktopsShowsTheNewMenu() {
 }
 
 void TestMenuCurrent::aNewDesktopRowBecomesTheEditedOne() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     openMenu(editor);
     QVERIFY(editor->m_desckModel->insertRows(0, 1, editor->desck("pech")));
     const QModelIndex row = editor->m_desckModel->index(0, 0, editor->desck("pech"));
@@ -120,10 +111,7 @@ void TestMenuCurrent::aNewDesktopRowBecomesTheEditedOne() {
 }
 
 void TestMenuCurrent::leavingANewDesktopRowShowsNoOtherMenu() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     openMenu(editor);
     editor->m_editMode = MenuProbe::NewDesck;
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
@@ -133,10 +121,7 @@ void TestMenuCurrent::leavingANewDesktopRowShowsNoOtherMenu() {
 }
 
 void TestMenuCurrent::leavingARenamedRowShowsNoOtherMenu() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     openMenu(editor);
     editor->m_editMode = MenuProbe::RenameDesck;
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
@@ -145,10 +130,7 @@ void TestMenuCurrent::leavingARenamedRowShowsNoOtherMenu() {
 }
 
 void TestMenuCurrent::leavingAnEditedElementForADesktopShowsItsMenu() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     openMenu(editor);
     editor->m_editMode = MenuProbe::EditElement;
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
@@ -158,10 +140,7 @@ void TestMenuCurrent::leavingAnEditedElementForADesktopShowsItsMenu() {
 }
 
 void TestMenuCurrent::whileANewElementIsOpenTheDesktopsMoveAlone() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     openMenu(editor);
     editor->m_editMode = MenuProbe::NewElement;
     const bool canDelete = editor.action("actDeleteFromtvDesck")->isEnabled();
@@ -172,10 +151,7 @@ void TestMenuCurrent::whileANewElementIsOpenTheDesktopsMoveAlone() {
 }
 
 void TestMenuCurrent::aNewElementRowBecomesTheEditedOne() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     openMenu(editor);
     editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));
     const QModelIndex row = editor->element("glubzhe");
@@ -189,10 +165,7 @@ void TestMenuCurrent::aNewElementRowBecomesTheEditedOne() {
 }
 
 void TestMenuCurrent::leavingANewElementRowLeavesThePassportEmpty() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     openMenu(editor);
     editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));
     editor->m_editMode = MenuProbe::NewElement;
@@ -204,10 +177,7 @@ void TestMenuCurrent::leavingANewElementRowLeavesThePassportEmpty() {
 }
 
 void TestMenuCurrent::leavingAnEditedElementLeavesThePassportEmpty() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     openMenu(editor);
     editor.view("tvMenu")->setCurrentIndex(editor->element("MenuRootNode"));
     QVERIFY(!editor.action("actDeleteElem")->isEnabled());
@@ -230,10 +200,7 @@ void TestMenuCurrent::whileADesktopIsEditedElementsHaveNoPassport_data() {
 
 void TestMenuCurrent::whileADesktopIsEditedElementsHaveNoPassport() {
     QFETCH(int, mode);
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     openMenu(editor);
     editor.view("tvMenu")->setCurrentIndex(editor->element("MenuRootNode"));
     editor->m_editMode = mode;
@@ -245,10 +212,7 @@ void TestMenuCurrent::whileADesktopIsEditedElementsHaveNoPassport() {
 }
 
 void TestMenuCurrent::aClickSelectsOneRow() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     openMenu(editor);
     for (const char* key : {"MenuRootNode", "calc", "form", "propal"}) {
         clickRow(editor.view("tvMenu"), editor->element(key));
@@ -257,10 +221,7 @@ void TestMenuCurrent::aClickSelectsOneRow() {
 }
 
 void TestMenuCurrent::aSelectionStaysWithinOneParent() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     openMenu(editor);
     QTreeView* view = editor.view("tvMenu");
     clickRow(view, editor->element("trend"));
@@ -292,10 +253,7 @@ void TestMenuCurrent::aRangeOverLevelsEndsWithinOneParent_data() {
 void TestMenuCurrent::aRangeOverLevelsEndsWithinOneParent() {
     QFETCH(QString, from);
     QFETCH(QString, to);
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     openMenu(editor);
     QTreeView* view = editor.view("tvMenu");
     clickRow(view, editor->element(qPrintable(from)));
@@ -308,10 +266,7 @@ void TestMenuCurrent::aRangeOverLevelsEndsWithinOneParent() {
 }
 
 void TestMenuCurrent::aRangeOfSiblingsIsKeptWhole() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     openMenu(editor);
     QTreeView* view = editor.view("tvMenu");
     clickRow(view, editor->element("trend"));
@@ -324,10 +279,7 @@ void TestMenuCurrent::aRangeOfSiblingsIsKeptWhole() {
 }
 
 void TestMenuCurrent::rowsOfTheSelectedParentMayBeAdded() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     openMenu(editor);
     QTreeView* view = editor.view("tvMenu");
     clickRow(view, editor->element("trend"));
@@ -341,10 +293,7 @@ void TestMenuCurrent::rowsOfTheSelectedParentMayBeAdded() {
 }
 
 void TestMenuCurrent::selectingAllKeepsOneLevel() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     openMenu(editor);
     editor.view("tvMenu")->selectAll();
     const QStringList keys = selected(editor);

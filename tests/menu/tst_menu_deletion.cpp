@@ -57,23 +57,17 @@ void TestMenuDeletion::theQuestion_data() {
 void TestMenuDeletion::theQuestion() {
     QFETCH(QString, key);
     QFETCH(QString, text);
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.makeCurrent(qPrintable(key));
     editor.action("actDeleteElem")->trigger();
     QVERIFY(editor.isAsking());
     QCOMPARE(editor.question(), "Уведомление\n" + text);
-    QCOMPARE(host.writes().take(), QString());
+    QCOMPARE(editor.host.writes().take(), QString());
 }
 
 void TestMenuDeletion::theQuestionWithoutItsElement() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor->m_currentMenuKey = "nosuch";
     editor->on_actDeleteElem_triggered();
@@ -81,14 +75,11 @@ void TestMenuDeletion::theQuestionWithoutItsElement() {
     QCOMPARE(editor.question(), QString("Уведомление\nВы действительно хотите удалить  \"\" из "
                                         "рабочего стола \"АРМ оператора\"?"));
     editor.answer(editor.Yes);
-    QCOMPARE(host.writes().take(), QString());
+    QCOMPARE(editor.host.writes().take(), QString());
 }
 
 void TestMenuDeletion::theQuestionWithoutItsDesktop() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.makeCurrent("form");
     editor->m_currentDesckKey = "nosuch";
@@ -98,10 +89,7 @@ void TestMenuDeletion::theQuestionWithoutItsDesktop() {
 }
 
 void TestMenuDeletion::withoutBothThereIsNoQuestion() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor->m_currentMenuKey = "nosuch";
     editor->m_currentDesckKey = "nosuch";
     editor->on_actDeleteElem_triggered();
@@ -109,33 +97,27 @@ void TestMenuDeletion::withoutBothThereIsNoQuestion() {
 }
 
 void TestMenuDeletion::aNegativeAnswerChangesNothing() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.makeCurrent("grafiki");
     editor->on_actDeleteElem_triggered();
     editor.answer(editor.No);
     QVERIFY(!editor.isAsking());
     editor->removeMenuMessage(nullptr);
-    QCOMPARE(host.writes().take(), QString());
+    QCOMPARE(editor.host.writes().take(), QString());
     QVERIFY(editor->element("grafiki").isValid());
 }
 
 void TestMenuDeletion::anElementIsDeleted() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.makeCurrent("calc");
     editor->on_actDeleteElem_triggered();
     editor.answer(editor.Yes);
     QVERIFY(!editor.isAsking());
-    QCOMPARE(host.writes().take(), QString("Menu\n  -calc\n"));
+    QCOMPARE(editor.host.writes().take(), QString("Menu\n  -calc\n"));
     QVERIFY(editor->element("calc").isValid());
-    host.deliver(*editor.module);
+    editor.host.deliver(*editor.module);
     QVERIFY(!editor->element("calc").isValid());
     QVERIFY(!orvo::seekKey(editor->m_tabMenu, "calc"));
     QCOMPARE(editor->m_currentMenuKey, QString("glubzhe"));
@@ -183,53 +165,41 @@ void TestMenuDeletion::anEmptyFolderIsOneRecord() {
 }
 
 void TestMenuDeletion::theAnswerAppliesToWhatIsCurrentThen() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.makeCurrent("calc");
     editor->on_actDeleteElem_triggered();
     // Another client's deletion makes the next sibling current while the question stands.
-    store.remove("Menu", "calc");
-    host.deliver(*editor.module);
+    editor.store.remove("Menu", "calc");
+    editor.host.deliver(*editor.module);
     QCOMPARE(editor->m_currentMenuKey, QString("glubzhe"));
     editor.answer(editor.Yes);
-    QCOMPARE(host.writes().take(), QString("Menu\n  -glubzhe\n  -form\n"));
+    QCOMPARE(editor.host.writes().take(), QString("Menu\n  -glubzhe\n  -form\n"));
 }
 
 void TestMenuDeletion::anElementGoneMeanwhileIsLeft() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.makeCurrent("calc");
     editor->on_actDeleteElem_triggered();
     editor->m_currentMenuKey = "nosuch";
     editor.answer(editor.Yes);
-    QCOMPARE(host.writes().take(), QString());
+    QCOMPARE(editor.host.writes().take(), QString());
 }
 
 void TestMenuDeletion::anElementGoneFromTheTreeIsLeft() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.makeCurrent("calc");
     editor->on_actDeleteElem_triggered();
-    store.remove("MenuFolder", "armop");
-    host.deliver(*editor.module);
+    editor.store.remove("MenuFolder", "armop");
+    editor.host.deliver(*editor.module);
     editor.answer(editor.Yes);
-    QCOMPARE(host.writes().take(), QString());
+    QCOMPARE(editor.host.writes().take(), QString());
 }
 
 void TestMenuDeletion::aNewRowBelowIsNoRecord() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.makeCurrent("glubzhe");
     editor->on_actNewElemFolder_triggered();
@@ -238,7 +208,7 @@ void TestMenuDeletion::aNewRowBelowIsNoRecord() {
     editor->m_currentMenuKey = "glubzhe";
     editor->on_actDeleteElem_triggered();
     editor.answer(editor.Yes);
-    QCOMPARE(host.writes().take(), QString("Menu\n  -glubzhe\n  -form\n"));
+    QCOMPARE(editor.host.writes().take(), QString("Menu\n  -glubzhe\n  -form\n"));
     QVERIFY(editor->m_menuModel->findIndexByKey(placeholder).isValid());
     editor->m_editMode = MenuProbe::NoEdit;
 }
@@ -270,10 +240,7 @@ void TestMenuDeletion::childrenAreFoundWithoutCase() {
 }
 
 void TestMenuDeletion::aCircleIsDeletedOnce() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.makeCurrent("grafiki");
     MDRData* record = editor->m_tabMenu.RecEdit(orvo::seekKey(editor->m_tabMenu, "grafiki"));
@@ -281,19 +248,16 @@ void TestMenuDeletion::aCircleIsDeletedOnce() {
     editor->m_tabMenu.RecPost(record);
     editor->on_actDeleteElem_triggered();
     editor.answer(editor.Yes);
-    QCOMPARE(host.writes().take(), QString("Menu\n"
-                                           "  -grafiki\n"
-                                           "  -trend\n"
-                                           "  -calc\n"
-                                           "  -glubzhe\n"
-                                           "  -form\n"));
+    QCOMPARE(editor.host.writes().take(), QString("Menu\n"
+                                                  "  -grafiki\n"
+                                                  "  -trend\n"
+                                                  "  -calc\n"
+                                                  "  -glubzhe\n"
+                                                  "  -form\n"));
 }
 
 void TestMenuDeletion::theRootRowDeletesNothing() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     // Before any element was chosen, and with the root row current.
     editor->on_actDeleteElem_triggered();
@@ -302,32 +266,26 @@ void TestMenuDeletion::theRootRowDeletesNothing() {
     QVERIFY(!editor.action("actDeleteElem")->isEnabled());
     editor->on_actDeleteElem_triggered();
     editor.answer(editor.Yes);
-    QCOMPARE(host.writes().take(), QString("Menu\n  -\nMenu\n  -MenuRootNode\n"));
-    QCOMPARE(host.failures, QStringList());
-    host.deliver(*editor.module);
+    QCOMPARE(editor.host.writes().take(), QString("Menu\n  -\nMenu\n  -MenuRootNode\n"));
+    QCOMPARE(editor.host.failures, QStringList());
+    editor.host.deliver(*editor.module);
     QCOMPARE(orvo::recordCount(editor->m_tabMenu), 7);
 }
 
 void TestMenuDeletion::aRefusalLeavesTheRows() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.makeCurrent("grafiki");
-    host.writes().refusedTable = "Menu";
+    editor.host.writes().refusedTable = "Menu";
     editor->on_actDeleteElem_triggered();
     editor.answer(editor.Yes);
-    host.deliver(*editor.module);
+    editor.host.deliver(*editor.module);
     QVERIFY(editor->element("form").isValid());
     QVERIFY(!editor.isAsking());
 }
 
 void TestMenuDeletion::anOpenEditStays() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.makeCurrent("calc");
     editor->m_editMode = MenuProbe::EditElement;
@@ -339,10 +297,7 @@ void TestMenuDeletion::anOpenEditStays() {
 
 void TestMenuDeletion::aVeryDeepFolderIsDeleted() {
     constexpr int depth = 100000;
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.makeCurrent("glubzhe");
     // Only the table is so deep: what comes by notification need not be in the tree.
@@ -357,8 +312,8 @@ void TestMenuDeletion::aVeryDeepFolderIsDeleted() {
     }
     editor->on_actDeleteElem_triggered();
     editor.answer(editor.Yes);
-    QCOMPARE(host.writes().calls.size(), 1);
-    QCOMPARE(host.writes().calls[0].records.size(), depth + 2);
+    QCOMPARE(editor.host.writes().calls.size(), 1);
+    QCOMPARE(editor.host.writes().calls[0].records.size(), depth + 2);
     // And copied.
     editor.selectElements({"glubzhe"});
     editor->on_actCopyMenuElement_triggered();

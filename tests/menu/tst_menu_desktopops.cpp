@@ -7,10 +7,7 @@ void TestMenuDesktopOps::init() {
 // Adding -----------------------------------------------------------------------------------------
 
 void TestMenuDesktopOps::aNewDesktopStandsAtTheEndOfItsFolder() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("ceh");
     editor->on_actAddDescktop_triggered();
     const QModelIndex row = editor.view("tvDesck")->currentIndex();
@@ -20,14 +17,11 @@ void TestMenuDesktopOps::aNewDesktopStandsAtTheEndOfItsFolder() {
     QCOMPARE(key.size(), 32);
     QCOMPARE(rowValues(row), QVariantList({"новый рабочий стол", key, "ceh", "2000", false, true}));
     QVERIFY(editor.view("tvDesck")->selectionModel()->isSelected(row));
-    QCOMPARE(host.writes().take(), QString());
+    QCOMPARE(editor.host.writes().take(), QString());
 }
 
 void TestMenuDesktopOps::addingOnADesktopPlacesTheNewRowBesideIt() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armpech");
     editor->on_actAddDescktop_triggered();
     const QModelIndex row = editor.view("tvDesck")->currentIndex();
@@ -37,10 +31,7 @@ void TestMenuDesktopOps::addingOnADesktopPlacesTheNewRowBesideIt() {
 }
 
 void TestMenuDesktopOps::aNewFolderAtTheTopGoesToTheEnd() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("mainnode");
     editor->on_actAddFoldertvDesck_triggered();
     const QModelIndex row = editor.view("tvDesck")->currentIndex();
@@ -51,10 +42,7 @@ void TestMenuDesktopOps::aNewFolderAtTheTopGoesToTheEnd() {
 }
 
 void TestMenuDesktopOps::aNewFolderBelowGoesBeforeTheFirstDesktop() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop"); // a desktop: its folder counts
     editor->on_actAddFoldertvDesck_triggered();
     const QModelIndex row = editor.view("tvDesck")->currentIndex();
@@ -77,10 +65,7 @@ void TestMenuDesktopOps::aNewFolderWithoutDesktopsGoesToTheEnd() {
 }
 
 void TestMenuDesktopOps::addingOpensAnEditByNoEditor() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("ceh");
     editor->on_actAddDescktop_triggered();
     const QModelIndex row = editor.view("tvDesck")->currentIndex();
@@ -96,10 +81,7 @@ void TestMenuDesktopOps::addingOpensAnEditByNoEditor() {
 }
 
 void TestMenuDesktopOps::addingWithoutACurrentRowDoesNothing() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.view("tvDesck")->setCurrentIndex(QModelIndex());
     const QString before = shownDescks(editor);
     editor->on_actAddDescktop_triggered();
@@ -109,40 +91,35 @@ void TestMenuDesktopOps::addingWithoutACurrentRowDoesNothing() {
 }
 
 void TestMenuDesktopOps::aNewRowIsWrittenOnSaveAndComesBack() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("ceh");
     editor->on_actAddFoldertvDesck_triggered();
     const QString key = editor->m_currentDesckKey;
     editor->on_save_pressed();
-    QCOMPARE(host.writes().take(),
+    QCOMPARE(editor.host.writes().take(),
              QString("MenuFolder\n"
                      "  +#1 ParentKey='ceh' caption='новая папка1' order_='1000' isFolder=true\n"));
     QVERIFY(editor->m_desckModel->findIndexByKey(key).siblingAtColumn(5).data().toBool());
-    host.deliver(*editor.module);
+    editor.host.deliver(*editor.module);
     QVERIFY(!editor->m_desckModel->findIndexByKey(key).siblingAtColumn(5).data().toBool());
 }
 
 void TestMenuDesktopOps::aSecondNewRowSavesTheFirst() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("sklad");
     editor->on_actAddDescktop_triggered();
     const QString first = editor->m_currentDesckKey;
     editor->on_actAddDescktop_triggered();
-    QCOMPARE(host.writes().take(), QString("MenuFolder\n"
-                                           "  +#1 ParentKey='sklad' caption='новый рабочий стол' "
-                                           "order_='2000' isFolder=false\n"));
+    QCOMPARE(editor.host.writes().take(),
+             QString("MenuFolder\n"
+                     "  +#1 ParentKey='sklad' caption='новый рабочий стол' "
+                     "order_='2000' isFolder=false\n"));
     QVERIFY(editor->m_currentDesckKey != first);
     QCOMPARE(editor->m_editMode, int32_t(MenuProbe::NewDesck));
     QCOMPARE(QModelIndex(editor->m_editDesckIndex), editor.view("tvDesck")->currentIndex());
     QVERIFY(editor->m_btnSave->isEnabled());
     editor->on_cancel_pressed();
-    host.deliver(*editor.module);
+    editor.host.deliver(*editor.module);
     QCOMPARE(editor->m_desckModel->rowCount(editor->desck("sklad")), 1);
 }
 
@@ -164,14 +141,11 @@ void TestMenuDesktopOps::newRowsAreNotNumbered() {
 }
 
 void TestMenuDesktopOps::leavingANewRowOpensNoEditorElsewhere() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("ceh");
     editor->on_actAddDescktop_triggered();
     clickRow(editor.view("tvDesck"), editor->desck("sklad"));
-    QCOMPARE(host.writes().calls.size(), 1);
+    QCOMPARE(editor.host.writes().calls.size(), 1);
     QCOMPARE(editor.view("tvDesck")->editTriggers(), QAbstractItemView::NoEditTriggers);
     QTest::qWait(QApplication::doubleClickInterval() + 50);
     QVERIFY(editor.view("tvDesck")->findChildren<QLineEdit*>().isEmpty());
@@ -180,10 +154,7 @@ void TestMenuDesktopOps::leavingANewRowOpensNoEditorElsewhere() {
 // Renaming ---------------------------------------------------------------------------------------
 
 void TestMenuDesktopOps::renamingOpensAnEditor() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     QVERIFY(editor.action("actChangeDescktopOrFolder")->isEnabled());
     editor->on_actChangeDescktopOrFolder_triggered();
@@ -200,54 +171,42 @@ void TestMenuDesktopOps::renamingOpensAnEditor() {
 }
 
 void TestMenuDesktopOps::renamingWritesTheCaptionAlone() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor->on_actChangeDescktopOrFolder_triggered();
     editor.view("tvDesck")->findChild<QLineEdit*>()->setText("Пульт");
     editor->on_save_pressed();
-    QCOMPARE(host.writes().take(), QString("MenuFolder\n  ~armop caption='Пульт'\n"));
+    QCOMPARE(editor.host.writes().take(), QString("MenuFolder\n  ~armop caption='Пульт'\n"));
     QCOMPARE(editor.view("tvDesck")->editTriggers(), QAbstractItemView::NoEditTriggers);
 }
 
 void TestMenuDesktopOps::renamingSavesAPendingEdit() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("sklad");
     editor->on_actAddDescktop_triggered();
     editor->on_actChangeDescktopOrFolder_triggered();
-    QCOMPARE(host.writes().calls.size(), 1);
+    QCOMPARE(editor.host.writes().calls.size(), 1);
     QCOMPARE(editor->m_editMode, int32_t(MenuProbe::RenameDesck));
     editor.view("tvDesck")->findChild<QLineEdit*>()->setText("Вдогонку");
     editor->on_save_pressed();
-    host.deliver(*editor.module);
+    editor.host.deliver(*editor.module);
     QVERIFY(shownDescks(editor).contains("\n  Склад\n    Вдогонку\n"));
 }
 
 void TestMenuDesktopOps::leavingARenamedRowOpensNoEditorElsewhere() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor->on_actChangeDescktopOrFolder_triggered();
     editor.view("tvDesck")->findChild<QLineEdit*>()->setText("Пульт");
     clickRow(editor.view("tvDesck"), editor->desck("sklad"));
-    QCOMPARE(host.writes().take(), QString("MenuFolder\n  ~armop caption='Пульт'\n"));
+    QCOMPARE(editor.host.writes().take(), QString("MenuFolder\n  ~armop caption='Пульт'\n"));
     QCOMPARE(editor.view("tvDesck")->editTriggers(), QAbstractItemView::NoEditTriggers);
     QTest::qWait(QApplication::doubleClickInterval() + 50);
     QVERIFY(editor.view("tvDesck")->findChildren<QLineEdit*>().isEmpty());
 }
 
 void TestMenuDesktopOps::renamingWithoutACurrentRowDoesNothing() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.view("tvDesck")->setCurrentIndex(QModelIndex());
     editor->on_actChangeDescktopOrFolder_triggered();
     QCOMPARE(editor->m_editMode, int32_t(MenuProbe::NoEdit));
@@ -257,84 +216,69 @@ void TestMenuDesktopOps::renamingWithoutACurrentRowDoesNothing() {
 // Deleting ---------------------------------------------------------------------------------------
 
 void TestMenuDesktopOps::anEmptyFolderIsDeletedWithoutAQuestion() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("sklad");
     editor.action("actDeleteFromtvDesck")->trigger();
     QVERIFY(!editor.isAsking());
-    QCOMPARE(host.writes().take(), QString("MenuFolder\n  -sklad\n"));
+    QCOMPARE(editor.host.writes().take(), QString("MenuFolder\n  -sklad\n"));
     QVERIFY(editor->desck("sklad").isValid());
-    host.deliver(*editor.module);
+    editor.host.deliver(*editor.module);
     QVERIFY(!editor->desck("sklad").isValid());
 }
 
 void TestMenuDesktopOps::aDesktopIsAskedAbout() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.action("actDeleteFromtvDesck")->trigger();
     QVERIFY(editor.isAsking());
     QCOMPARE(editor.question(),
              QString("Уведомление\n"
                      "Вы действительно хотите удалить рабочий стол \"АРМ оператора\"?"));
-    QCOMPARE(host.writes().take(), QString());
+    QCOMPARE(editor.host.writes().take(), QString());
 }
 
 void TestMenuDesktopOps::aNegativeAnswerChangesNothing() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor->on_actDeleteFromtvDesck_triggered();
     editor.answer(editor.No);
     QVERIFY(!editor.isAsking());
-    QCOMPARE(host.writes().take(), QString());
+    QCOMPARE(editor.host.writes().take(), QString());
     QVERIFY(editor->element("calc").isValid());
     // Nor does a button of no box.
     editor->removeDesckTopMessage(nullptr);
-    QCOMPARE(host.writes().take(), QString());
+    QCOMPARE(editor.host.writes().take(), QString());
 }
 
 void TestMenuDesktopOps::aDeletedDesktopTakesItsElementsAlong() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.makeCurrent("calc");
     editor->on_actDeleteFromtvDesck_triggered();
     editor.answer(editor.Yes);
     QVERIFY(!editor.isAsking());
-    QCOMPARE(host.writes().take(), QString("Menu\n"
-                                           "  -calc\n"
-                                           "  -form\n"
-                                           "  -glubzhe\n"
-                                           "  -grafiki\n"
-                                           "  -propal\n"
-                                           "  -shema\n"
-                                           "  -trend\n"
-                                           "MenuFolder\n"
-                                           "  -armop\n"));
+    QCOMPARE(editor.host.writes().take(), QString("Menu\n"
+                                                  "  -calc\n"
+                                                  "  -form\n"
+                                                  "  -glubzhe\n"
+                                                  "  -grafiki\n"
+                                                  "  -propal\n"
+                                                  "  -shema\n"
+                                                  "  -trend\n"
+                                                  "MenuFolder\n"
+                                                  "  -armop\n"));
     QVERIFY(editor->m_currentMenuKey.isNull());
-    host.deliver(*editor.module);
+    editor.host.deliver(*editor.module);
     QVERIFY(!editor->desck("armop").isValid());
-    QCOMPARE(host.failures, QStringList());
+    QCOMPARE(editor.host.failures, QStringList());
 }
 
 void TestMenuDesktopOps::aDesktopWithoutElementsIsDeletedInOneCall() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armpech");
     editor->on_actDeleteFromtvDesck_triggered();
     editor.answer(editor.Yes);
-    QCOMPARE(host.writes().take(), QString("MenuFolder\n  -armpech\n"));
+    QCOMPARE(editor.host.writes().take(), QString("MenuFolder\n  -armpech\n"));
 }
 
 void TestMenuDesktopOps::onlyElementsOfTheDesktopAreDeleted() {
@@ -355,10 +299,7 @@ void TestMenuDesktopOps::onlyElementsOfTheDesktopAreDeleted() {
 }
 
 void TestMenuDesktopOps::theMenuEmptiesBeforeTheServerAnswers() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.makeCurrent("calc");
     editor->on_actDeleteFromtvDesck_triggered();
@@ -370,38 +311,29 @@ void TestMenuDesktopOps::theMenuEmptiesBeforeTheServerAnswers() {
 }
 
 void TestMenuDesktopOps::aRefusedDeletionOfElementsLetsTheDesktopGo() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor->on_actDeleteFromtvDesck_triggered();
-    host.writes().refusedTable = "Menu";
+    editor.host.writes().refusedTable = "Menu";
     editor.answer(editor.Yes);
-    QCOMPARE(host.writes().calls.size(), 2);
-    host.deliver(*editor.module);
+    QCOMPARE(editor.host.writes().calls.size(), 2);
+    editor.host.deliver(*editor.module);
     QVERIFY(!editor->desck("armop").isValid());
     QVERIFY(!editor.isAsking());
 }
 
 void TestMenuDesktopOps::deletingWithoutACurrentRowDoesNothing() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.view("tvDesck")->setCurrentIndex(QModelIndex());
     editor->on_actDeleteFromtvDesck_triggered();
     QVERIFY(!editor.isAsking());
-    QCOMPARE(host.writes().take(), QString());
+    QCOMPARE(editor.host.writes().take(), QString());
 }
 
 // Copying and pasting ----------------------------------------------------------------------------
 
 void TestMenuDesktopOps::copyingPutsTheBareKeyOnTheClipboard() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armop");
     editor.action("actCopyDescktopOrFolder")->trigger();
     QCOMPARE(QGuiApplication::clipboard()->mimeData()->formats(), QStringList(desckMime));
@@ -409,14 +341,11 @@ void TestMenuDesktopOps::copyingPutsTheBareKeyOnTheClipboard() {
     editor.openDesck("ceh");
     editor->on_actCopyDescktopOrFolder_triggered();
     QCOMPARE(desckOnClipboard(), QByteArray("ceh"));
-    QCOMPARE(host.writes().take(), QString());
+    QCOMPARE(editor.host.writes().take(), QString());
 }
 
 void TestMenuDesktopOps::copyingWithoutACurrentDesktopLeavesTheClipboard() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     putDesckOnClipboard("before");
     editor.view("tvDesck")->setCurrentIndex(QModelIndex());
     editor->on_actCopyDescktopOrFolder_triggered();

@@ -61,17 +61,14 @@ void TestMenuDesktopOps::aPastedDesktopHasNewKeysAndOldValues() {
 }
 
 void TestMenuDesktopOps::theElementsComeFromTheServer() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armpech");
     editor->on_actCopyDescktopOrFolder_triggered();
     // Another desktop is open at the time of the paste, and the copied one gets an element.
     editor.openDesck("armop");
-    addElement(store, "armpech", "pozdnee", "", "Позднее", 5);
+    addElement(editor.store, "armpech", "pozdnee", "", "Позднее", 5);
     editor->on_actPasteDescktopOrFolder_triggered();
-    const QString written = host.writes().take();
+    const QString written = editor.host.writes().take();
     QVERIFY2(written.contains("caption='Позднее' order_=5"), qPrintable(written));
     QVERIFY(!written.contains("Тренд"));
 }
@@ -104,15 +101,12 @@ void TestMenuDesktopOps::parentsCompareWithoutCase() {
 }
 
 void TestMenuDesktopOps::aDesktopWithoutElementsIsPastedInOneCall() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armpech");
     editor->on_actCopyDescktopOrFolder_triggered();
     editor.openDesck("sklad");
     editor->on_actPasteDescktopOrFolder_triggered();
-    QCOMPARE(host.writes().take(),
+    QCOMPARE(editor.host.writes().take(),
              QString("MenuFolder\n  +#1 ParentKey='sklad' caption='АРМ печи_копия' order_='2000' "
                      "isFolder=false\n"));
 }
@@ -175,27 +169,21 @@ void TestMenuDesktopOps::onlyTheTopRowOfAPasteHasTheSuffix() {
 }
 
 void TestMenuDesktopOps::pastingAtTheTopWritesNoParent() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     putDesckOnClipboard("armpech");
     editor.openDesck("mainnode");
     editor->on_actPasteDescktopOrFolder_triggered();
-    QCOMPARE(host.writes().take(),
+    QCOMPARE(editor.host.writes().take(),
              QString("MenuFolder\n  +#1 ParentKey=NULL caption='АРМ печи_копия' order_='2000' "
                      "isFolder=false\n"));
 }
 
 void TestMenuDesktopOps::pastingOnADesktopTakesItsKeyAsParent() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     putDesckOnClipboard("armpech");
     editor.openDesck("armop");
     editor->on_actPasteDescktopOrFolder_triggered();
-    QVERIFY(host.writes().take().contains("ParentKey='armop'"));
+    QVERIFY(editor.host.writes().take().contains("ParentKey='armop'"));
 }
 
 void TestMenuDesktopOps::aFolderWithOnlyAFolderIsPasted() {
@@ -250,31 +238,25 @@ void TestMenuDesktopOps::whetherARowIsAFolderIsCopied() {
 }
 
 void TestMenuDesktopOps::theNewNameIsMadeOfWhatTheTreeShows() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor->m_desckModel->setData(editor->desck("armpech"), "Иное", Qt::DisplayRole);
     editor->m_desckModel->setData(editor->desck("pech"), "Горн", Qt::DisplayRole);
     editor.openDesck("sklad");
     putDesckOnClipboard("pech");
     editor->on_actPasteDescktopOrFolder_triggered();
     // What lies below comes from the table.
-    QCOMPARE(host.writes().take(),
+    QCOMPARE(editor.host.writes().take(),
              QString("MenuFolder\n"
                      "  +#1 ParentKey='sklad' caption='Горн_копия' order_='1000' isFolder=true\n"
                      "  +#2 ParentKey='#1' caption='АРМ печи' order_='2000' isFolder=false\n"));
 }
 
 void TestMenuDesktopOps::theKeyEndsAtAZeroByte() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     putDesckOnClipboard(QByteArray("armpech\0and more", 16));
     editor.openDesck("sklad");
     editor->on_actPasteDescktopOrFolder_triggered();
-    QVERIFY(host.writes().take().contains("АРМ печи_копия"));
+    QVERIFY(editor.host.writes().take().contains("АРМ печи_копия"));
 }
 
 void TestMenuDesktopOps::foreignKeysPasteNothing_data() {
@@ -291,102 +273,81 @@ void TestMenuDesktopOps::foreignKeysPasteNothing_data() {
 
 void TestMenuDesktopOps::foreignKeysPasteNothing() {
     QFETCH(QByteArray, bytes);
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     putDesckOnClipboard(bytes);
     editor.openDesck("sklad");
     editor->on_actPasteDescktopOrFolder_triggered();
-    QCOMPARE(host.writes().take(), QString());
-    QCOMPARE(host.failures, QStringList());
+    QCOMPARE(editor.host.writes().take(), QString());
+    QCOMPARE(editor.host.failures, QStringList());
     QGuiApplication::clipboard()->setText("armop");
     editor->on_actPasteDescktopOrFolder_triggered();
-    QCOMPARE(host.writes().take(), QString());
+    QCOMPARE(editor.host.writes().take(), QString());
 }
 
 void TestMenuDesktopOps::aSourceDeletedMeanwhilePastesNothing() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     editor.openDesck("armpech");
     editor->on_actCopyDescktopOrFolder_triggered();
     editor.openDesck("sklad");
-    store.remove("MenuFolder", "armpech");
-    host.deliver(*editor.module);
+    editor.store.remove("MenuFolder", "armpech");
+    editor.host.deliver(*editor.module);
     editor->on_actPasteDescktopOrFolder_triggered();
-    QCOMPARE(host.writes().take(), QString());
+    QCOMPARE(editor.host.writes().take(), QString());
 }
 
 void TestMenuDesktopOps::withoutATargetNothingIsPasted() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     putDesckOnClipboard("armop");
     editor.view("tvDesck")->setCurrentIndex(QModelIndex());
     editor->on_actPasteDescktopOrFolder_triggered();
     editor->m_currentDesckKey = "nosuch";
     editor->on_actPasteDescktopOrFolder_triggered();
-    QCOMPARE(host.writes().take(), QString());
+    QCOMPARE(editor.host.writes().take(), QString());
 }
 
 void TestMenuDesktopOps::withoutAnAnswerTheDesktopIsPastedBare() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     putDesckOnClipboard("armop");
     editor.openDesck("sklad");
-    store.sql("ALTER TABLE \"Menu\" RENAME TO \"gone\"");
+    editor.store.sql("ALTER TABLE \"Menu\" RENAME TO \"gone\"");
     editor->on_actPasteDescktopOrFolder_triggered();
-    QCOMPARE(host.writes().take(),
+    QCOMPARE(editor.host.writes().take(),
              QString("MenuFolder\n  +#1 ParentKey='sklad' caption='АРМ оператора_копия' "
                      "order_='2000' isFolder=false\n"));
     QVERIFY(!editor.isAsking());
 }
 
 void TestMenuDesktopOps::aRefusedDesktopStillSendsItsElements() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     putDesckOnClipboard("armop");
     editor.openDesck("sklad");
-    host.writes().refusedTable = "MenuFolder";
+    editor.host.writes().refusedTable = "MenuFolder";
     editor->on_actPasteDescktopOrFolder_triggered();
-    QCOMPARE(host.writes().calls.size(), 2);
-    QCOMPARE(host.writes().calls[1].table, QString("Menu"));
+    QCOMPARE(editor.host.writes().calls.size(), 2);
+    QCOMPARE(editor.host.writes().calls[1].table, QString("Menu"));
     QVERIFY(!editor.isAsking());
 }
 
 void TestMenuDesktopOps::aPastedFolderMayHoldItself() {
     // A folder pasted into itself is read from the table, which the paste does not change.
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     putDesckOnClipboard("pech");
     editor.openDesck("pech");
     editor->on_actPasteDescktopOrFolder_triggered();
-    QCOMPARE(host.writes().take(),
+    QCOMPARE(editor.host.writes().take(),
              QString("MenuFolder\n"
                      "  +#1 ParentKey='pech' caption='Печь_копия' order_='1000' isFolder=true\n"
                      "  +#2 ParentKey='#1' caption='АРМ печи' order_='2000' isFolder=false\n"));
 }
 
 void TestMenuDesktopOps::pastingIntoItsOwnSubFolderEnds() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    OperationsEditor editor(host);
+    PlantOperations editor;
     putDesckOnClipboard("ceh");
     editor.openDesck("pech");
     editor->on_actPasteDescktopOrFolder_triggered();
-    QCOMPARE(host.writes().calls.size(), 2);
-    QCOMPARE(host.writes().calls[0].records.size(), 4);
-    host.deliver(*editor.module);
+    QCOMPARE(editor.host.writes().calls.size(), 2);
+    QCOMPARE(editor.host.writes().calls[0].records.size(), 4);
+    editor.host.deliver(*editor.module);
     QVERIFY(shownDescks(editor).contains("    Печь\n      Цех 1_копия\n        Печь\n"));
 }
 

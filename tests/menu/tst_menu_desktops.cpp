@@ -83,10 +83,7 @@ void TestMenuDesktops::foldersComeBeforeDesktopsInOrderOfCaption() {
 }
 
 void TestMenuDesktops::columnsAreFilledByLevel() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     const auto row = [&](const char* key) {
         QVariantList values;
@@ -202,10 +199,7 @@ void TestMenuDesktops::aVeryDeepTreeIsLoaded() {
 }
 
 void TestMenuDesktops::theRootRowIsExpandedCurrentAndSelected() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     const QTreeView* view = editor.view("tvDesck");
     const QModelIndex root = editor->desck("mainnode");
@@ -240,10 +234,7 @@ void TestMenuDesktops::positionsFollowTheTable() {
 }
 
 void TestMenuDesktops::aKeyThatIsNoSiblingGetsTheLastPlace() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     QCOMPARE(editor->getDesckElementPosition("nosuch", "ceh"), 1);
     QCOMPARE(editor->getDesckElementPosition("nosuch", ""), 2);
@@ -314,10 +305,7 @@ void TestMenuDesktops::updatingANodeWritesAndMovesIt() {
 }
 
 void TestMenuDesktops::insertingAnElementPlacesItAndReturnsToTheCurrentRow() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
     // Rows that other clients have made, and that this one knows from its table alone.
@@ -366,10 +354,7 @@ void TestMenuDesktops::anElementOfTheRootRowTakesTheLastPlace() {
 }
 
 void TestMenuDesktops::foldersAndDesktopsOfARowAreLoadedApart() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     const auto empty = [&] {
         const QModelIndex ceh = editor->desck("ceh");

@@ -68,10 +68,7 @@ private slots:
 };
 
 void TestMenuElements::aDesktopShowsItsMenuToTheFirstLevel() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
     QCOMPARE(shown(editor, {1, 2}), QString("Меню #MenuRootNode\n"
@@ -85,7 +82,7 @@ void TestMenuElements::aDesktopShowsItsMenuToTheFirstLevel() {
     QVERIFY(editor.view("tvMenu")->isExpanded(editor->element("MenuRootNode")));
     QVERIFY(!editor.view("tvMenu")->isExpanded(editor->element("grafiki")));
     QVERIFY(!editor.view("tvMenu")->currentIndex().isValid());
-    QVERIFY(host.failures.isEmpty());
+    QVERIFY(editor.host.failures.isEmpty());
 }
 
 void TestMenuElements::allColumnsAreFilled() {
@@ -125,10 +122,7 @@ void TestMenuElements::allColumnsAreFilled() {
 }
 
 void TestMenuElements::theRootRowHasNothingButCaptionAndKey() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
     const QModelIndex root = editor->element("MenuRootNode");
@@ -138,10 +132,7 @@ void TestMenuElements::theRootRowHasNothingButCaptionAndKey() {
 }
 
 void TestMenuElements::anEmptyDesktopShowsACollapsedRoot() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
     QCOMPARE(shown(editor), QString("Меню #MenuRootNode\n"));
@@ -149,10 +140,7 @@ void TestMenuElements::anEmptyDesktopShowsACollapsedRoot() {
 }
 
 void TestMenuElements::aFolderOfDesktopsShowsNoMenuAtAll() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
     editor.view("tvMenu")->setCurrentIndex(editor->element("shema"));
@@ -179,10 +167,7 @@ void TestMenuElements::keysCompareWithoutRegardToCase() {
 }
 
 void TestMenuElements::aFolderIsLoadedByItsKey() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
     const QString before = shown(editor, {1, 2, 10});
@@ -290,14 +275,11 @@ void TestMenuElements::foldersAreWhatHasNoResource() {
 }
 
 void TestMenuElements::aFailedFetchShowsTheOldRowsAgain() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
     const QString before = shown(editor, {1, 2, 8});
-    store.sql("ALTER TABLE \"Menu\" RENAME TO \"gone\"");
+    editor.store.sql("ALTER TABLE \"Menu\" RENAME TO \"gone\"");
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
     QCOMPARE(shown(editor, {1, 2, 8}), before);
     QCOMPARE(editor->m_currentDesckKey, QString("armpech"));
@@ -306,12 +288,9 @@ void TestMenuElements::aFailedFetchShowsTheOldRowsAgain() {
 }
 
 void TestMenuElements::aFailedFirstFetchShowsTheRootAlone() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
-    store.sql("ALTER TABLE \"Menu\" RENAME TO \"gone\"");
+    editor.store.sql("ALTER TABLE \"Menu\" RENAME TO \"gone\"");
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
     QCOMPARE(shown(editor), QString("Меню #MenuRootNode\n"));
 }
@@ -331,13 +310,10 @@ void TestMenuElements::keysWithQuotesReachTheServerWhole() {
 }
 
 void TestMenuElements::comingBackFetchesAnew() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
-    addElement(store, "armpech", "late", "", "Позже", 0);
+    addElement(editor.store, "armpech", "late", "", "Позже", 0);
     QVERIFY(!editor->element("late").isValid());
     editor.view("tvDesck")->setCurrentIndex(editor->desck("ceh"));
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
@@ -368,10 +344,7 @@ void TestMenuElements::positionsFollowTheTable() {
 }
 
 void TestMenuElements::aKeyThatIsNoSiblingGetsTheLastPlace() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     QCOMPARE(editor->getMenuElementPosition("trend", ""), -1);
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
@@ -384,10 +357,7 @@ void TestMenuElements::aKeyThatIsNoSiblingGetsTheLastPlace() {
 }
 
 void TestMenuElements::anElementWithoutItsResourceKeepsItsWords() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
     const QModelIndex row = editor->element("propal");
@@ -418,10 +388,7 @@ void TestMenuElements::theFolderPassport() {
 }
 
 void TestMenuElements::theRootRowShowsTheFolderPassport() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
     editor.view("tvMenu")->setCurrentIndex(editor->element("MenuRootNode"));
@@ -457,10 +424,7 @@ void TestMenuElements::theElementPassport() {
 }
 
 void TestMenuElements::fillingAPassportIsNoEdit() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     QSignalSpy edits(editor->m_propModel.get(), &PropModel::editorRowValueChanged);
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
@@ -471,10 +435,7 @@ void TestMenuElements::fillingAPassportIsNoEdit() {
 }
 
 void TestMenuElements::theCategoryIsOpenAndTheFlagsToggleInPlace() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
     editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));

@@ -253,10 +253,7 @@ struct Receivers : QTreeView {
 // By name, as every slot, and once more with the arrangement of the views: the slots only say what
 // is switched on, and say it again.
 void TestMenuWindow::clicksReachTheirSlotsTwice() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     const char* const clicked = SIGNAL(clicked(QModelIndex));
     const auto connected = [&](const char* name) {
         return (editor.view(name)->*Receivers::count)(clicked);
@@ -285,13 +282,10 @@ public:
 void TestMenuWindow::everyTextCanBeTranslated() {
     Marking marking;
     QVERIFY(qApp->installTranslator(&marking));
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
-    QStringList texts = host.titles.mid(0, 1);
+    QStringList texts = editor.host.titles.mid(0, 1);
     for (const QAction* action : editor->findChildren<QAction*>(QRegularExpression("^act")))
         texts << action->text() << action->toolTip();
     for (const QToolButton* button :
@@ -406,10 +400,7 @@ void TestMenuWindow::startArrangesThePassport() {
 }
 
 void TestMenuWindow::expandingAFolderOpensItsIcon() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     const auto iconOf = [](const QModelIndex& row) {
         return row.data(Qt::DecorationRole).value<QIcon>().pixmap(16, 16).toImage();
@@ -479,25 +470,19 @@ void TestMenuWindow::aModuleThatDidNotStartSurvivesNotifications() {
 }
 
 void TestMenuWindow::theLastTableKeepsTheKeysItCameWith() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     QCOMPARE(editor->m_tabResource.array->keyCount, 2u);
     QCOMPARE(editor->m_tabFolder.array->keyCount, 4u);
     QCOMPARE(editor->m_tabFolder.array->recordCount, 6u);
     CMDArray fetched;
-    QVERIFY(host.ownStore().fetch("MenuResourceFolder", fetched.array).ok());
+    QVERIFY(editor.host.ownStore().fetch("MenuResourceFolder", fetched.array).ok());
     QCOMPARE(editor->m_tabResFolder.array->keyCount, fetched.array->keyCount);
     QCOMPARE(editor->m_tabMenu.array->fieldCount, uint8_t(0));
 }
 
 void TestMenuWindow::theFocusKeyWaitsForItsRow() {
-    TestStore store;
-    fillPlant(store);
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
+    PlantEditor editor;
     QVERIFY(editor.start());
     editor->m_focusKey = "TREND";
     editor->MessageOn();

@@ -108,6 +108,12 @@ inline void fillCatalogue(TestStore& store) {
     addUser(store, "uother", "petrova", "Петрова", "Анна");
 }
 
+/// An editor on that catalogue, not started yet.
+class CatalogueEditor : public Ground, public ResEditor {
+public:
+    CatalogueEditor() : Ground(fillCatalogue), ResEditor(host, "Resources") {}
+};
+
 } // namespace orvo::test
 
 #endif

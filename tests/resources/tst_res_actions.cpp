@@ -92,10 +92,7 @@ QString enabledActions(const ResProbe& editor) {
 } // namespace
 
 void TestResActions::rowsOfferTheirActions() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     const bool isLog = qstrcmp(QTest::currentDataTag(), "rlog") == 0;
     editor.view("tvRes")->setCurrentIndex(editor->row(isLog ? "rtable" : "rlog"));
@@ -124,10 +121,7 @@ void TestResActions::pasteFollowsTheClipboard_data() {
 void TestResActions::pasteFollowsTheClipboard() {
     QFETCH(QByteArray, key);
     QFETCH(int, kind);
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     for (int held = 0; held <= 5; ++held) {
         putOnClipboard(QByteArray::number(held) + "\nkey;\n");
@@ -154,10 +148,7 @@ void TestResActions::aRenamedFolderOfAKindOffersNothing() {
 }
 
 void TestResActions::aRowOfAnUnknownKindOffersNothing() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     editor->m_resModel->setData(editor->row("rlog", ResColumn::Type), 5);
     editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));
@@ -165,14 +156,11 @@ void TestResActions::aRowOfAnUnknownKindOffersNothing() {
 }
 
 void TestResActions::aTopRowOfFilesOffersWhatTheFileAreaDoes() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
-    store.update("MenuResource",
-                 {{"KeyLink", QString("rmanual")}, {"MenuResourceFolderKey", QString("nosuch")}});
-    host.deliver(*editor.module);
+    editor.store.update("MenuResource", {{"KeyLink", QString("rmanual")},
+                                         {"MenuResourceFolderKey", QString("nosuch")}});
+    editor.host.deliver(*editor.module);
     QCOMPARE(editor->m_resModel->getItemLevel(editor->row("rmanual")), 0);
     editor.view("tvRes")->setCurrentIndex(editor->row("rmanual"));
     QCOMPARE(enabledActions(*editor.module), QString("actAddFolder actLoadFiles"));
@@ -236,10 +224,7 @@ void TestResActions::muteActionsDoNothing() {
 }
 
 void TestResActions::theContextMenuShowsAllButCopying() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     editor.view("tvRes")->setCurrentIndex(editor->row("rtrend"));
     QStringList shown;
@@ -281,10 +266,7 @@ void TestResActions::aSelectionHoldsRowsThatAreAlike_data() {
 void TestResActions::aSelectionHoldsRowsThatAreAlike() {
     QFETCH(QStringList, select);
     QFETCH(QStringList, remain);
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     QItemSelectionModel* selection = editor.view("tvRes")->selectionModel();
     for (const QString& key : select)
@@ -299,10 +281,7 @@ void TestResActions::aSelectionHoldsRowsThatAreAlike() {
 }
 
 void TestResActions::ofRowsSelectedAtOnceThoseLikeTheFirstRemain() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     QItemSelectionModel* selection = editor.view("tvRes")->selectionModel();
     const auto keys = [&] {
@@ -328,10 +307,7 @@ void TestResActions::ofRowsSelectedAtOnceThoseLikeTheFirstRemain() {
 }
 
 void TestResActions::actionsFollowTheCurrentRowOnly() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     QTreeView* view = editor.view("tvRes");
     view->setCurrentIndex(editor->row("trends"));
@@ -342,10 +318,7 @@ void TestResActions::actionsFollowTheCurrentRowOnly() {
 }
 
 void TestResActions::anUnsavedNewRowIsRemembered() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     editor->m_editState = ResProbe::NewRow;
     editor->m_newItemIndex = editor->row("rtable");
@@ -357,10 +330,7 @@ void TestResActions::anUnsavedNewRowIsRemembered() {
 }
 
 void TestResActions::inAnEditTheActionsStay() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     editor.view("tvRes")->setCurrentIndex(editor->row("rcalc"));
     editor->m_editState = ResProbe::NewRow;
@@ -372,10 +342,7 @@ void TestResActions::inAnEditTheActionsStay() {
 }
 
 void TestResActions::anUnknownStateShowsNoPassport() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     editor->m_editState = 3;
     editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));

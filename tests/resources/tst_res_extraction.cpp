@@ -144,10 +144,7 @@ void TestResExtraction::pathsOfForms_data() {
 }
 
 void TestResExtraction::pathsOfForms() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     QTEST(editor->getFormPath(editor->row(QTest::currentDataTag())), "path");
 }
@@ -302,10 +299,7 @@ void TestResExtraction::foldersAndModulesAskNothing_data() {
 }
 
 void TestResExtraction::foldersAndModulesAskNothing() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     select(editor, {QTest::currentDataTag()});
     QVERIFY(!extract(editor, QString()));
@@ -495,18 +489,15 @@ void TestResExtraction::extractionLeavesEditAndTreeAsTheyAre() {
 }
 
 void TestResExtraction::aFailedJobWritesNothing() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
-    store.sql("ALTER TABLE \"MenuResourceFile\" RENAME TO \"Away\"");
+    editor.store.sql("ALTER TABLE \"MenuResourceFile\" RENAME TO \"Away\"");
     QTemporaryDir target;
     select(editor, {"rboiler"});
     QVERIFY(extract(editor, target.path()));
     QVERIFY(QDir(target.path()).isEmpty());
-    QCOMPARE(host.failures.size(), 1);
-    store.sql("ALTER TABLE \"Away\" RENAME TO \"MenuResourceFile\"");
+    QCOMPARE(editor.host.failures.size(), 1);
+    editor.store.sql("ALTER TABLE \"Away\" RENAME TO \"MenuResourceFile\"");
 }
 
 void TestResExtraction::theHostOpensTheForm_data() {

@@ -60,10 +60,7 @@ private slots:
 };
 
 void TestResPassports::aFolderHasThreeRows() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     editor.view("tvRes")->setCurrentIndex(editor->row("trends"));
     QCOMPARE(rowsOf(*editor->m_propModel),
@@ -74,10 +71,7 @@ void TestResPassports::aFolderHasThreeRows() {
 }
 
 void TestResPassports::aNewFolderOpensItsCaption() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     editor->m_resModel->setData(editor->row("trends", ResColumn::IsNew), true);
     editor.view("tvRes")->setCurrentIndex(editor->row("trends"));
@@ -87,10 +81,7 @@ void TestResPassports::aNewFolderOpensItsCaption() {
 }
 
 void TestResPassports::aNewModuleOpensNothing() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     editor->m_resModel->setData(editor->row("rlog", ResColumn::IsNew), true);
     editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));
@@ -122,10 +113,7 @@ void TestResPassports::aModuleHasSixRows() {
 }
 
 void TestResPassports::theTypeOfAFileIsEmpty() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     editor.view("tvRes")->setCurrentIndex(editor->row("rmanual"));
     QCOMPARE(editor->passport("type").toString(), QString());
@@ -154,10 +142,7 @@ void TestResPassports::aFormShowsItsFiles() {
 }
 
 void TestResPassports::aFormWithoutFilesShowsTheCommonRows() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     editor.view("tvRes")->setCurrentIndex(editor->row("rdrum"));
     QCOMPARE(rowsOf(*editor->m_propModel).size(), 7);
@@ -223,10 +208,7 @@ void TestResPassports::aFailedJobLeavesTheCommonRows() {
 }
 
 void TestResPassports::theFixedRowsHaveFolderPassports() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     for (const char* key : {"MenuResources", "FileResources", "WrongFolder"}) {
         editor.view("tvRes")->setCurrentIndex(editor->row(key));
@@ -236,10 +218,7 @@ void TestResPassports::theFixedRowsHaveFolderPassports() {
 }
 
 void TestResPassports::aRowOfAnUnknownKindIsNotExpanded() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     editor->m_resModel->setData(editor->row("rlog", ResColumn::Type), 7);
     editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));
@@ -249,16 +228,13 @@ void TestResPassports::aRowOfAnUnknownKindIsNotExpanded() {
 }
 
 void TestResPassports::aFileWithoutContentShowsTheCommonRows() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     editor.view("tvRes")->setCurrentIndex(editor->row("rmanual"));
     QCOMPARE(rowsOf(*editor->m_propModel).size(), 7);
     QVERIFY(editor.view("tvProp")->isExpanded(editor->m_propModel->index(0, 0)));
     // Only a look: nothing is missed.
-    QCOMPARE(host.failures, QStringList());
+    QCOMPARE(editor.host.failures, QStringList());
 }
 
 QTEST_MAIN(TestResPassports)

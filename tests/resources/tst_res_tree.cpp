@@ -37,10 +37,7 @@ private slots:
 };
 
 void TestResTree::theCatalogueIsShownInTableOrder() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     QCOMPARE(editor.watchedModels(), 2);
     QCOMPARE(treetext::print(*editor->m_resModel, ResColumn::KeyLink),
@@ -72,10 +69,7 @@ void TestResTree::theCatalogueIsShownInTableOrder() {
 }
 
 void TestResTree::bothAreasAreExpanded() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     QTreeView* view = editor.view("tvRes");
     QVERIFY(view->isExpanded(editor->row("MenuResources")));
@@ -224,10 +218,7 @@ void TestResTree::iconsComeFromTheWorkDirectory() {
 }
 
 void TestResTree::anOpenFolderShowsIt() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     QVERIFY(showsImage(editor->row("MenuResources"), ":/res/openfolder1.png"));
     QVERIFY(showsImage(editor->row("mod"), ":/res/closedfolder1.png"));
@@ -252,10 +243,7 @@ void TestResTree::equalNamesKeepTheTablesOrder() {
 }
 
 void TestResTree::aFileInAFolderOfAnotherKindHasNoRow() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     QVERIFY(!editor->row("rstray").isValid());
     QVERIFY(orvo::seekKey(editor->m_tabResource, "rstray"));
@@ -374,10 +362,7 @@ void TestResTree::aLockWithoutATimeShowsNone() {
 }
 
 void TestResTree::foldersHavePositions() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     QCOMPARE(editor->getResFolderPosition("alarms", "mod", 1), 0);
     QCOMPARE(editor->getResFolderPosition("TRENDS", "MOD", 1), 1);
@@ -390,10 +375,7 @@ void TestResTree::foldersHavePositions() {
 }
 
 void TestResTree::resourcesHavePositions() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     QCOMPARE(editor->getResItemPosition("rlog", "mod", 1), 0);
     QCOMPARE(editor->getResItemPosition("rtable", "mod", 1), 1);
@@ -404,10 +386,7 @@ void TestResTree::resourcesHavePositions() {
 }
 
 void TestResTree::foldersBeforeResourcesAreCounted() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     QCOMPARE(editor->getFolderCount("mod"), 2);
     QCOMPARE(editor->getFolderCount("trends"), 0);

@@ -224,13 +224,10 @@ void TestResWindow::theFormWarnsOfNothing() {
 }
 
 void TestResWindow::startSetsTheTitleAndSwitchesEverythingOff() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
-    QCOMPARE(host.titles, QStringList({"Редактор ресурсов", ""}));
-    QVERIFY(host.logLines.isEmpty());
+    QCOMPARE(editor.host.titles, QStringList({"Редактор ресурсов", ""}));
+    QVERIFY(editor.host.logLines.isEmpty());
     for (const QAction* action : editor->findChildren<QAction*>(QRegularExpression("^act")))
         QVERIFY2(!action->isEnabled(), qPrintable(action->objectName()));
     for (const QToolButton* button : editor->findChildren<QToolButton*>())
@@ -240,19 +237,13 @@ void TestResWindow::startSetsTheTitleAndSwitchesEverythingOff() {
 }
 
 void TestResWindow::startKnowsTheUser() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     QCOMPARE(editor->m_userLogin, QString("engineer"));
 }
 
 void TestResWindow::startGivesTheTablesTheirKeys() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     QCOMPARE(editor->m_tabResource.array->keyCount, 4u);
     QCOMPARE(editor->m_tabResFolder.array->keyCount, 4u);
@@ -269,10 +260,7 @@ void TestResWindow::startGivesTheTablesTheirKeys() {
 }
 
 void TestResWindow::startArrangesTheTree() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     const QTreeView* view = editor.view("tvRes");
     const QList<int> sizes = editor.child<QSplitter>("splitter")->sizes();
@@ -313,10 +301,7 @@ void TestResWindow::startArrangesTheTree() {
 }
 
 void TestResWindow::startArrangesThePassport() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     const QTreeView* view = editor.view("tvProp");
     for (int column = 0; column < 6; ++column)
@@ -360,17 +345,15 @@ void TestResWindow::aTableThatCannotBeFetchedEndsTheStart() {
 }
 
 void TestResWindow::withoutAStructureTheStartEnds() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     {
         const StructureOutage outage;
         QVERIFY(!editor.start());
     }
-    QCOMPARE(host.logLines.size(), 1);
-    QCOMPARE(host.logLines.first().level, 5);
-    QCOMPARE(host.logLines.first().place, QString("OrvoResources::loadTables->MenuResource"));
+    QCOMPARE(editor.host.logLines.size(), 1);
+    QCOMPARE(editor.host.logLines.first().level, 5);
+    QCOMPARE(editor.host.logLines.first().place,
+             QString("OrvoResources::loadTables->MenuResource"));
     QVERIFY(!editor->m_resModel);
     // What was loaded before stays.
     QVERIFY(orvo::seekKey(editor->m_tabResource, "rlog"));
@@ -394,26 +377,20 @@ void TestResWindow::aModuleThatDidNotStartSurvivesWhatComes() {
 }
 
 void TestResWindow::theFocusKeyWaitsForItsRow() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     editor->m_focusKey = "later";
-    host.deliver(*editor.module);
+    editor.host.deliver(*editor.module);
     QCOMPARE(editor->m_focusKey, QString("later"));
     QVERIFY(editor->m_currentKey != "later");
-    addItem(store, "later", 1, "mod", "Later", "Позже");
-    host.deliver(*editor.module);
+    addItem(editor.store, "later", 1, "mod", "Later", "Позже");
+    editor.host.deliver(*editor.module);
     QVERIFY(editor->m_focusKey.isNull());
     QCOMPARE(editor->m_currentKey, QString("later"));
 }
 
 void TestResWindow::anErrorBoxIsHidden() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     editor->on_common_error_message(nullptr);
     orvo::showError(*editor.module, "Нет", SLOT(on_common_error_message(QAbstractButton*)));
@@ -427,16 +404,13 @@ void TestResWindow::anErrorBoxIsHidden() {
 }
 
 void TestResWindow::theWindowMayGoWithACurrentRow() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
+    CatalogueEditor editor;
     QVERIFY(editor.start());
     editor.view("tvRes")->setCurrentIndex(editor->row("rtrend"));
     editor.view("tvProp")->setFocus();
     editor->close();
     editor->ModuleStop();
-    QCOMPARE(host.failures, QStringList());
+    QCOMPARE(editor.host.failures, QStringList());
 }
 
 QTEST_MAIN(TestResWindow)
