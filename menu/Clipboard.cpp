@@ -53,6 +53,8 @@ void OrvoMenu::putOnClipboard(int mode) {
     QStringList keys;
     for (const QModelIndex& row : m_ui->tvMenu->selectionModel()->selectedRows(0)) {
         const QString key = m_menuModel->getItemKeyLink(row);
+        if (!orvo::ClipboardRows::canName(key))
+            continue;
         keys.append(key);
         if (m_menuModel->itemIsFolder(row))
             copyMenuFolderToClipboard(key, copies);

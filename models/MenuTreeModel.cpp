@@ -1,5 +1,6 @@
 #include "models/MenuTreeModel.h"
 
+#include "frame/ClipboardRows.h"
 #include "models/DragKeys.h"
 
 #include <QMimeData>
@@ -101,8 +102,11 @@ QStringList MenuTreeModel::mimeTypes() const {
 
 QMimeData* MenuTreeModel::mimeData(const QModelIndexList& indexes) const {
     QByteArray payload;
-    for (const QModelIndex& row : dragkeys::rowsOf(indexes))
-        payload += getItemKeyLink(row).toUtf8() + ';';
+    for (const QModelIndex& row : dragkeys::rowsOf(indexes)) {
+        const QString key = getItemKeyLink(row);
+        if (orvo::ClipboardRows::canName(key))
+            payload += key.toUtf8() + ';';
+    }
     auto* data = new QMimeData;
     data->setData(dragType, payload);
     return data;

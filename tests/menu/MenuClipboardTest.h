@@ -56,6 +56,7 @@ private slots:
     void withoutASelectionTheClipboardStays();
     void aRowWithoutARecordGivesItsKeyAlone();
     void aFolderWithoutARecordGivesWhatLiesBelowAlone();
+    void aKeyThatReadsAsOthersIsLeftOut();
     void aCircleInTheTableIsCopiedOnce();
     void aCutChangesNothing();
 

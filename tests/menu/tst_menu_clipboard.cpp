@@ -169,6 +169,24 @@ void TestMenuClipboard::aFolderWithoutARecordGivesWhatLiesBelowAlone() {
     QCOMPARE(editor.host.writes().take(), QString());
 }
 
+void TestMenuClipboard::aKeyThatReadsAsOthersIsLeftOut() {
+    TestStore store;
+    fillPlant(store);
+    addElement(store, "armop", "trend;calc", "", "Чужой", 9000, "rcalc");
+    TestHost host(store);
+    OperationsEditor editor(host);
+    editor.openDesck("armop");
+    editor.selectElements({"trend;calc"});
+    editor->on_actCutMenuElement_triggered();
+    QCOMPARE(payload(), QByteArray());
+    editor.selectElements({"trend;calc", "shema"});
+    editor->on_actCopyMenuElement_triggered();
+    QVERIFY(payload().startsWith("0\nshema;\n"));
+    MenuPayload read;
+    QVERIFY(read.read(payload()));
+    QCOMPARE(orvo::recordCount(read.table), 1);
+}
+
 void TestMenuClipboard::aCircleInTheTableIsCopiedOnce() {
     PlantOperations editor;
     editor.openDesck("armop");

@@ -89,6 +89,7 @@ private slots:
     void aDragCarriesEachKeyWithASemicolon();
     void severalColumnsOfARowAreOneKey();
     void onlyAdjacentRepeatsAreFolded();
+    void aKeyThatReadsAsOthersIsNotDragged();
     void anEmptyDragHasAnEmptyPayload();
     void onlyMovesAreOffered();
     void onlyOneFormatIsOffered();
@@ -393,6 +394,12 @@ void MenuTree::onlyAdjacentRepeatsAreFolded() {
     QCOMPARE(model.drag({"a1", "a2", "a1"})->data(dragType), QByteArray("a1;a2;a1;"));
     // The same row number below another parent is another row.
     QCOMPARE(model.drag({"a1", "a21"})->data(dragType), QByteArray("a1;a21;"));
+}
+
+void MenuTree::aKeyThatReadsAsOthersIsNotDragged() {
+    Model model(QString(menu) + "Чужой #a1;a2\n");
+    QVERIFY(model.row("a1;a2").isValid());
+    QCOMPARE(model.drag({"a1;a2", "c"})->data(dragType), QByteArray("c;"));
 }
 
 void MenuTree::anEmptyDragHasAnEmptyPayload() {
