@@ -137,7 +137,8 @@ void walk(const std::vector<KeyPart>& parts, const uint8_t* body, size_t from, T
 
 int KeyFields::parse(std::string_view description, const Structure* structure, KeyFields& result) {
     result = {};
-    if (description.empty())
+    // An image may bring zeros, which no field's name has.
+    if (description.empty() || description.find('\0') != std::string_view::npos)
         return MDX_E_FORMAT;
     bool hasFirst = false;
     for (size_t at = 0; at <= description.size();) {

@@ -61,6 +61,7 @@ public:
         return reinterpret_cast<const MDRFieldDef*>(this + 1);
     }
     std::span<const MDRFieldDef> list() const noexcept { return {fields(), m_count}; }
+    /// The field of that name, which has no zeros in it; null if there is none.
     const MDRFieldDef* find(std::string_view name) const noexcept;
 
 private:

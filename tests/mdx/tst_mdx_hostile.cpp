@@ -110,6 +110,29 @@ private slots:
             }
     }
 
+    // In a table with the name's place in the hash such a name led past the end of the last
+    // field's.
+    void zerosInAKeyDescriptionAreRefused() {
+        const ArrayPtr a = makeArray({{"KeyLink", MDX_TEXT},
+                                      {"type_", MDX_INTEGER},
+                                      {"flag", MDX_BOOLEAN},
+                                      {"stamp", MDX_DATE},
+                                      {"data", MDX_BLOCK}});
+        QCOMPARE(addKey(a.get(), "data;stamp", MDX_KEY_MULTI), 0);
+        const std::string image = packed(a.get()).text();
+        const size_t at = image.find("data;stamp");
+        QVERIFY(at != std::string::npos);
+        for (const std::string_view name :
+             {std::string_view("data\0\0\0\5\0\0", 10), std::string_view("data\0stamp", 10),
+              std::string_view("\0data;stam", 10), std::string_view("data;stam\0", 10)}) {
+            std::string bytes = image;
+            bytes.replace(at, name.size(), name);
+            const ArrayPtr b = victim();
+            QCOMPARE(unpack(b.get(), bytes), int(MDX_E_FORMAT));
+            QCOMPARE(int(b->fieldCount), 0);
+        }
+    }
+
     void everyTruncationOfARawRecordIsRefused() {
         const ArrayPtr a = victim();
         const std::string bytes = raw(orvo::mdx::postedRecord(a.get(), 3)).text();
