@@ -76,6 +76,20 @@ bool isShowable(std::string_view text) {
     return mdx::toUtf8(mdx::toCp1251(text)) == text;
 }
 
+std::optional<std::string> foldedName(std::string_view name) {
+    constexpr size_t length = 2; // of each of those letters
+    const std::string_view upper(upperLetters);
+    std::string folded = foldedKey(name.substr(0, name.find('\0'))); // as far as it is shown
+    if (mdx::toCp1251(folded).find('?') != std::string::npos)
+        return std::nullopt;
+    for (size_t i = 0; i + length <= folded.size(); ++i) {
+        const size_t found = upper.find(std::string_view(folded).substr(i, length));
+        if (found != std::string_view::npos && found % length == 0)
+            folded.replace(i, length, &lowerLetters[found], length);
+    }
+    return folded;
+}
+
 std::string validUtf8(std::string text) {
     for (size_t i = 0; i < text.size();) {
         const size_t length = sequenceLength(std::string_view(text).substr(i));

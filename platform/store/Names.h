@@ -3,6 +3,7 @@
 #ifndef ORVO_PLATFORM_STORE_NAMES_H
 #define ORVO_PLATFORM_STORE_NAMES_H
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,6 +29,15 @@ bool isShowable(std::string_view text);
 std::string validUtf8(std::string text);
 /// The text in quotation marks, on one line and not too long: for messages.
 std::string shown(std::string_view text);
+
+/// The letters beyond ASCII that have two cases in Windows-1251, in the same order. Indexes of
+/// released stores are made with them: never to be changed.
+constexpr const char upperLetters[] = "АБВГҐЃДЂЕЁЄЖЗЅИІЇЙЈКЌЛЉМНЊОПРСТЋУЎФХЦЧЏШЩЪЫЬЭЮЯ";
+constexpr const char lowerLetters[] = "абвгґѓдђеёєжзѕиіїйјкќлљмнњопрстћуўфхцчџшщъыьэюя";
+/// The form in which the databases' indexes over names hold a name: texts without '?' are the same
+/// to the editors exactly if this is equal. Nothing for a text that reads with a '?' in
+/// Windows-1251, which any letter may stand behind that is not in it.
+std::optional<std::string> foldedName(std::string_view name);
 
 /// The name of a form with these files: the file name that ends in "_", if there is one, else the
 /// shortest; of several equally good ones the first in byte order. Empty without files.

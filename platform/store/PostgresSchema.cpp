@@ -1,5 +1,6 @@
 #include "platform/store/PostgresSchema.h"
 
+#include "platform/store/Names.h"
 #include "platform/store/Sql.h"
 
 #include <algorithm>
@@ -260,6 +261,13 @@ ALTER TABLE public."MenuResourceFileData" ALTER COLUMN "data" SET STORAGE EXTERN
     return sql + logTriggers(content) + rights();
 }
 
+/// Version 2: stored forms and files are found by their names, however many there are.
+std::string secondStep() {
+    const std::string on = "CREATE INDEX ON public.\"MenuResource\" USING hash ((";
+    return on + foldedNameExpression() + ")) WHERE \"type_\" = 3;\n" + on +
+           foldedPlaceExpression() + ")) WHERE \"type_\" = 4;\n";
+}
+
 /// -1: the database holds no store.
 Status version(Connection& connection, size_t newest, int64_t* version) {
     const char what[] = "Версия хранилища";
@@ -287,8 +295,20 @@ std::string qualified(std::string_view name) {
     return "public." + identifier(name);
 }
 
+const std::string& foldedNameExpression() {
+    static const std::string expression =
+        "lower(translate(\"name_\", " + literal(upperLetters) + ", " + literal(lowerLetters) + "))";
+    return expression;
+}
+
+const std::string& foldedPlaceExpression() {
+    static const std::string expression =
+        "lower(coalesce(\"MenuResourceFolderKey\", '')) || '/' || " + foldedNameExpression();
+    return expression;
+}
+
 const std::vector<std::string>& migrations() {
-    static const std::vector<std::string> steps = {firstStep()};
+    static const std::vector<std::string> steps = {firstStep(), secondStep()};
     return steps;
 }
 

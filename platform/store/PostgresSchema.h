@@ -34,6 +34,11 @@ std::string qualified(std::string_view name);
 /// never changed.
 const std::vector<std::string>& migrations();
 
+/// The expression, over "MenuResource", that gives foldedName() of the name.
+const std::string& foldedNameExpression();
+/// The same behind the folded link to a folder (empty for NULL) and "/".
+const std::string& foldedPlaceExpression();
+
 /// Brings the store to the newest version, all missing steps in one transaction. NotAStore if the
 /// database holds none and `create` is false; NewerStore if it is beyond the steps. Nothing is
 /// written if it is there already.

@@ -67,6 +67,10 @@ protected:
     Status selectWhere(const TableDef& table, const std::vector<int>& fields, int where,
                        const Value& value,
                        const std::function<void(const Row& row)>& each) override;
+    Status selectStored(int type, std::string_view folded, const std::optional<Value>& folder,
+                        const std::function<void(const Row& row)>& each) override;
+    Status changedSince(const TableDef& table, int64_t since, int64_t* newest,
+                        bool* changed) override;
     Status makeLogin(const User& user) override;
     bool hasLogins() const override { return true; }
     Status measure(Amount* amount) override;

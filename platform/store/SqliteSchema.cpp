@@ -1,5 +1,7 @@
 #include "platform/store/SqliteSchema.h"
 
+#include "platform/store/Names.h"
+
 namespace orvo::store::sqlite {
 
 namespace {
@@ -200,6 +202,29 @@ CREATE TABLE "NciReplaced" ("tableName" TEXT NOT NULL, "key" TEXT NOT NULL COLLA
     return sql + logTriggers(content);
 }
 
+/// The text with some of the letters in lower case: from one of upperLetters up to another.
+std::string folded(std::string text, size_t from, size_t to) {
+    constexpr size_t length = 2; // of each letter
+    for (size_t i = from; i < to; ++i)
+        text = "replace(" + text + ", '" + std::string(&upperLetters[i * length], length) + "', '" +
+               std::string(&lowerLetters[i * length], length) + "')";
+    return text;
+}
+
+constexpr size_t letters = (sizeof upperLetters - 1) / 2;
+/// SQLite's parser does not nest all of them: so many are folded in a column of their own.
+constexpr size_t lettersInColumn = letters / 2;
+
+/// Version 2: stored forms and files are found by their names, however many there are.
+std::string secondStep() {
+    // A zero byte ends the text in records. The column is computed and never stored.
+    const std::string shown = "substr(\"name_\", 1, instr(\"name_\" || char(0), char(0)) - 1)";
+    return "ALTER TABLE \"MenuResource\" ADD COLUMN \"nameFolding\" TEXT AS (" +
+           folded(shown, 0, lettersInColumn) +
+           ") VIRTUAL;\nCREATE INDEX \"MenuResource.stored\" ON \"MenuResource\" (\"type_\", " +
+           foldedNameExpression() + ", \"MenuResourceFolderKey\") WHERE " + storedRows + ";\n";
+}
+
 Status version(const Connection& connection, size_t newest, int64_t* version) {
     *version = 0;
     if (connection.integer("PRAGMA user_version", version) != SQLITE_OK)
@@ -214,8 +239,14 @@ Status version(const Connection& connection, size_t newest, int64_t* version) {
 
 } // namespace
 
+const std::string& foldedNameExpression() {
+    static const std::string expression =
+        folded("\"nameFolding\"", lettersInColumn, letters) + " COLLATE NOCASE";
+    return expression;
+}
+
 const std::vector<std::string>& migrations() {
-    static const std::vector<std::string> steps = {firstStep()};
+    static const std::vector<std::string> steps = {firstStep(), secondStep()};
     return steps;
 }
 

@@ -19,6 +19,12 @@ constexpr int applicationId = 0x4F72766F;
 /// A released step is never changed.
 const std::vector<std::string>& migrations();
 
+/// The expression, over "MenuResource", that gives foldedName() of the name as the editors see it,
+/// with ASCII letters compared without regard to case.
+const std::string& foldedNameExpression();
+/// Holds for the rows that the index over it is about.
+constexpr const char* storedRows = "\"type_\" IN (3, 4)";
+
 /// Brings the store to the newest version, all missing steps in one transaction. NewerStore if it
 /// is beyond the steps. Nothing is written if it is there already.
 Status migrate(const Connection& connection, const std::vector<std::string>& steps);

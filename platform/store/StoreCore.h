@@ -9,7 +9,9 @@
 #include "platform/store/Store.h"
 #include "platform/store/WritePlan.h"
 
+#include <array>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -100,6 +102,16 @@ protected:
                                const Value& value,
                                const std::function<void(const Row& row)>& each) = 0;
 
+    /// Selects key, folder and name of the resources of a stored kind (type 3 or 4) whose
+    /// foldedName() that is: all of them, or those with that link to a folder (NULL included).
+    virtual Status selectStored(int type, std::string_view folded,
+                                const std::optional<Value>& folder,
+                                const std::function<void(const Row& row)>& each) = 0;
+    /// The newest id of the log, and whether records of the table have changed after the id
+    /// `since`, or may have, the log no longer telling. Inside inRead or inWrite.
+    virtual Status changedSince(const TableDef& table, int64_t since, int64_t* newest,
+                                bool* changed) = 0;
+
     /// Makes the login of a new user, inside inWrite. A store without logins refuses what it would
     /// need one for.
     virtual Status makeLogin(const User& user);
@@ -138,7 +150,17 @@ private:
     };
     Status fetchField(std::string_view table, std::string_view field, TextMatch match,
                       std::string_view value, MDArray* into);
-    Status folders(Area area, std::optional<FolderTree>* tree);
+    /// A tree of folders, and the id of the log up to which it is right.
+    struct KnownFolders {
+        std::shared_ptr<const FolderTree> tree;
+        int64_t position = 0;
+    };
+    enum class Within { Read, Write };
+    /// The folders of an area as the present transaction sees them.
+    Status folders(Area area, Within transaction, std::shared_ptr<const FolderTree>* tree);
+    Status forms(std::string_view name, const std::function<void(const Row& row)>& each);
+    Status filesIn(const Value& folder, std::string_view name,
+                   const std::function<void(const Row& row)>& each);
     Status form(std::string_view name, std::optional<Resource>* found);
     Status fileIn(const std::vector<std::string>& folders, std::string_view name,
                   std::optional<Resource>* found);
@@ -151,6 +173,8 @@ private:
     Status removeResource(const std::string& key);
 
     const std::string m_login;
+    /// By area: made of tens of thousands of records, and asked for with every file.
+    std::array<KnownFolders, 2> m_folders;
 };
 
 } // namespace orvo::store

@@ -75,48 +75,78 @@ Status noFolder(std::string_view path) {
 
 } // namespace
 
-Status StoreCore::folders(Area area, std::optional<FolderTree>* tree) {
+Status StoreCore::folders(Area area, Within transaction, std::shared_ptr<const FolderTree>* tree) {
     const Fields& f = fields();
-    std::vector<FolderRow> rows;
-    const Status status =
-        selectWhere(f.folder, {0, f.folderParent, f.folderCaption}, f.folderType,
-                    int64_t(area == Area::Forms ? formType : fileType), [&](const Row& row) {
-                        rows.push_back({textOf(row[0]), textOf(row[1]), validUtf8(textOf(row[2]))});
-                    });
-    if (status.ok())
-        tree->emplace(std::move(rows), area);
-    return status;
+    KnownFolders& known = m_folders.at(static_cast<size_t>(area));
+    int64_t newest = 0;
+    bool changed = true;
+    Status status = changedSince(f.folder, known.position, &newest, &changed);
+    if (!status.ok())
+        return status;
+    if (!known.tree || changed) {
+        std::vector<FolderRow> rows;
+        status = selectWhere(
+            f.folder, {0, f.folderParent, f.folderCaption}, f.folderType,
+            int64_t(area == Area::Forms ? formType : fileType), [&](const Row& row) {
+                rows.push_back({textOf(row[0]), textOf(row[1]), validUtf8(textOf(row[2]))});
+            });
+        if (!status.ok())
+            return status;
+        *tree = std::make_shared<const FolderTree>(std::move(rows), area);
+    } else {
+        *tree = known.tree;
+    }
+    // What a transaction has written may never be, and its numbers may come again for other
+    // changes.
+    if (transaction == Within::Read)
+        known = {*tree, newest};
+    return {};
+}
+
+/// The forms that may have the name: key, folder, name.
+Status StoreCore::forms(std::string_view name, const std::function<void(const Row& row)>& each) {
+    const Fields& f = fields();
+    if (const auto folded = foldedName(name))
+        return selectStored(formType, *folded, std::nullopt, each);
+    return selectWhere(f.resource, {0, f.resourceFolder, f.resourceName}, f.resourceType,
+                       int64_t(formType), each);
+}
+
+/// The files with that link to a folder that may have the name: key, folder, name.
+Status StoreCore::filesIn(const Value& folder, std::string_view name,
+                          const std::function<void(const Row& row)>& each) {
+    const Fields& f = fields();
+    if (const auto folded = foldedName(name))
+        return selectStored(fileType, *folded, folder, each);
+    return selectWhere(f.resource, {0, f.resourceFolder, f.resourceName, f.resourceType},
+                       f.resourceFolder, folder, [&](const Row& row) {
+                           if (row[3] == Value(int64_t(fileType)))
+                               each(row);
+                       });
 }
 
 Status StoreCore::form(std::string_view name, std::optional<Resource>* found) {
-    const Fields& f = fields();
-    return selectWhere(f.resource, {0, f.resourceFolder, f.resourceName}, f.resourceType,
-                       int64_t(formType), [&](const Row& row) {
-                           Resource resource{textOf(row[0]), textOf(row[1]), textOf(row[2])};
-                           if (sameText(resource.name, name) &&
-                               (!*found || better(resource, **found, name)))
-                               *found = std::move(resource);
-                       });
+    return forms(name, [&](const Row& row) {
+        Resource resource{textOf(row[0]), textOf(row[1]), textOf(row[2])};
+        if (sameText(resource.name, name) && (!*found || better(resource, **found, name)))
+            *found = std::move(resource);
+    });
 }
 
 Status StoreCore::fileIn(const std::vector<std::string>& folders, std::string_view name,
                          std::optional<Resource>* found) {
-    const Fields& f = fields();
+    const auto look = [&](const Row& row) {
+        Resource resource{textOf(row[0]), textOf(row[1]), textOf(row[2])};
+        if (sameText(resource.name, name) && (!*found || better(resource, **found, name)))
+            *found = std::move(resource);
+    };
     for (const std::string& folder : folders) {
-        const auto look = [&](const Row& row) {
-            Resource resource{textOf(row[0]), textOf(row[1]), textOf(row[2])};
-            if (row[3] == Value(int64_t(fileType)) && sameText(resource.name, name) &&
-                (!*found || better(resource, **found, name)))
-                *found = std::move(resource);
-        };
         // The root has two names: no link, and the key of its row in the resource tree.
         const std::vector<Value> links =
             folder.empty() ? std::vector<Value>{std::monostate(), std::string("FileResources")}
                            : std::vector<Value>{folder};
         for (const Value& link : links) {
-            const Status status =
-                selectWhere(f.resource, {0, f.resourceFolder, f.resourceName, f.resourceType},
-                            f.resourceFolder, link, look);
+            const Status status = filesIn(link, name, look);
             if (!status.ok())
                 return status;
         }
@@ -230,8 +260,8 @@ Status StoreCore::formPut(std::string_view path, const std::vector<FileToPut>& f
         const std::string name = formName(names);
 
         return inWrite([&]() -> Status {
-            std::optional<FolderTree> tree;
-            Status status = folders(Area::Forms, &tree);
+            std::shared_ptr<const FolderTree> tree;
+            Status status = folders(Area::Forms, Within::Write, &tree);
             if (!status.ok())
                 return status;
             const std::vector<std::string> targets = tree->find(path);
@@ -279,8 +309,8 @@ Status StoreCore::fileGet(std::string_view path, std::string_view name, bool wit
             return {Refused, "Недопустимое имя файла " + shown(name)};
         std::vector<StoredFile> result;
         const Status status = inRead([&]() -> Status {
-            std::optional<FolderTree> tree;
-            Status done = folders(Area::Files, &tree);
+            std::shared_ptr<const FolderTree> tree;
+            Status done = folders(Area::Files, Within::Read, &tree);
             std::optional<Resource> resource;
             if (done.ok())
                 done = fileIn(tree->find(path), name, &resource);
@@ -333,8 +363,8 @@ Status StoreCore::filePut(const std::vector<FileToPut>& files) {
                 return status;
         }
         return inWrite([&]() -> Status {
-            std::optional<FolderTree> tree;
-            Status status = folders(Area::Files, &tree);
+            std::shared_ptr<const FolderTree> tree;
+            Status status = folders(Area::Files, Within::Write, &tree);
             for (const FileToPut& file : files) {
                 if (!status.ok())
                     break;
@@ -348,8 +378,8 @@ Status StoreCore::filePut(const std::vector<FileToPut>& files) {
 Status StoreCore::fileDelete(const std::vector<std::pair<std::string, std::string>>& files) {
     return guarded([&] {
         return inWrite([&]() -> Status {
-            std::optional<FolderTree> tree;
-            Status status = folders(Area::Files, &tree);
+            std::shared_ptr<const FolderTree> tree;
+            Status status = folders(Area::Files, Within::Write, &tree);
             for (const auto& [path, name] : files) {
                 std::optional<Resource> resource;
                 if (status.ok())
@@ -374,8 +404,8 @@ Status StoreCore::fileArea(
         std::unordered_map<std::string, Place> places; // by folded key of the resource
         std::vector<std::pair<std::string, StoredFile>> area;
         const Status status = inRead([&]() -> Status {
-            std::optional<FolderTree> tree;
-            Status done = folders(Area::Files, &tree);
+            std::shared_ptr<const FolderTree> tree;
+            Status done = folders(Area::Files, Within::Read, &tree);
             if (!done.ok())
                 return done;
             done = selectWhere(f.resource, {0, f.resourceFolder, f.resourceName}, f.resourceType,

@@ -29,6 +29,7 @@ private slots:
     void databaseWithoutAStoreIsNone();
     void newerStoreIsRefused();
     void missingStepsRunInOneTransaction();
+    void storedNamesAreFoundByAnIndex();
     void storeWithoutATableIsRefused();
     void initAgainChangesNothing();
     void truncateByHandIsLogged();
@@ -322,6 +323,19 @@ void TestAccess::missingStepsRunInOneTransaction() {
     QByteArray words;
     QVERIFY(byHand("SELECT a, \"version\" FROM second, \"NciStore\";", &words));
     QCOMPARE(words, "x|" + QByteArray::number(int(released) + 2));
+}
+
+void TestAccess::storedNamesAreFoundByAnIndex() {
+    for (const QByteArray& where :
+         {" 3 AND " + QByteArray::fromStdString(postgres::foldedNameExpression()),
+          " 4 AND (" + QByteArray::fromStdString(postgres::foldedPlaceExpression()) + ")"}) {
+        QByteArray plan;
+        QVERIFY(byHand("SET enable_seqscan = off; SET enable_bitmapscan = off; EXPLAIN SELECT * "
+                       "FROM \"MenuResource\" WHERE \"type_\" =" +
+                           where + " = 'x';",
+                       &plan));
+        QVERIFY2(plan.contains("Index Scan") && plan.contains("Index Cond"), plan);
+    }
 }
 
 void TestAccess::storeWithoutATableIsRefused() {

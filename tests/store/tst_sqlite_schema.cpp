@@ -20,6 +20,7 @@ private slots:
     void replaceByHandIsLoggedAsAnUpdate();
     void ignoredAndMergedInsertsByHandAreLoggedAsTheyAre();
     void missingStepsRunInOneTransaction();
+    void storeOfTheFirstVersionComesToFindNames();
     void failedStepLeavesTheOldVersion();
     void newerStoreIsRefusedUnchanged();
     void storeWithoutATableIsRefused();
@@ -67,6 +68,15 @@ void TestSqliteSchema::fieldsAreThoseOfTheDictionary() {
         QVERIFY2(shell(QString("EXPLAIN QUERY PLAN SELECT * FROM %1 = 'x'").arg(where))
                      .contains("USING INDEX"),
                  where);
+    const QString named =
+        QString("EXPLAIN QUERY PLAN SELECT \"name_\" FROM \"MenuResource\" "
+                "WHERE %1 AND \"type_\" = 3 AND %2 = 'x'")
+            .arg(sqlite::storedRows, QString::fromStdString(sqlite::foldedNameExpression()));
+    QVERIFY2(shell(named).contains("MenuResource.stored (type_=? AND <expr>=?)"),
+             qPrintable(shell(named)));
+    QVERIFY(
+        shell(named + " AND \"MenuResourceFolderKey\" IS NULL")
+            .contains("MenuResource.stored (type_=? AND <expr>=? AND MenuResourceFolderKey=?)"));
 }
 
 void TestSqliteSchema::fileIsMarkedAsAStore() {
@@ -137,6 +147,33 @@ void TestSqliteSchema::missingStepsRunInOneTransaction() {
                                                          "x"));
     QCOMPARE(shell("PRAGMA user_version"), QString::number(released + 2));
     QCOMPARE(shell("SELECT fileExt FROM MenuFileExt"), QString("a"));
+}
+
+void TestSqliteSchema::storeOfTheFirstVersionComesToFindNames() {
+    const QString old = m_directory->filePath("old.db");
+    {
+        sqlite::Connection connection;
+        QCOMPARE(
+            connection.open(old.toUtf8().constData(), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE),
+            SQLITE_OK);
+        QCOMPARE(
+            connection.execute("PRAGMA application_id = " + std::to_string(sqlite::applicationId)),
+            SQLITE_OK);
+        const Status made = sqlite::migrate(connection, {sqlite::migrations().front()});
+        QVERIFY2(made.ok(), made.text.c_str());
+        QCOMPARE(connection.execute(
+                     "INSERT INTO \"MenuResource\" (\"KeyLink\", \"name_\", \"type_\") VALUES "
+                     "('f', 'Щит', 3);"
+                     "INSERT INTO \"MenuResourceFile\" VALUES ('c', 'f', 'Щит', 1, 1, x'41')"),
+                 SQLITE_OK);
+    }
+    Status status;
+    const auto store = orvo::store::open(old.toStdString(), {"tester"}, &status);
+    QVERIFY2(store, status.text.c_str());
+    std::vector<StoredFile> found;
+    QVERIFY(store->formGet("щИТ", true, &found).ok());
+    QCOMPARE(found.size(), size_t(1));
+    QCOMPARE(found.front().bytes, std::string("A"));
 }
 
 void TestSqliteSchema::failedStepLeavesTheOldVersion() {

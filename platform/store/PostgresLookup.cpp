@@ -1,0 +1,49 @@
+// What stored forms and files are found by in a PostgreSQL store.
+#include "platform/store/Names.h"
+#include "platform/store/PostgresSchema.h"
+#include "platform/store/PostgresStore.h"
+
+namespace orvo::store::postgres {
+
+Status PostgresStore::selectStored(int type, std::string_view folded,
+                                   const std::optional<Value>& folder,
+                                   const std::function<void(const Row& row)>& each) {
+    static const TableDef& table = *findTable("MenuResource");
+    static const std::vector<int> fields = {0, table.find("MenuResourceFolderKey"),
+                                            table.find("name_")};
+    std::string wanted(folded);
+    if (folder) {
+        const auto* key = std::get_if<std::string>(&*folder);
+        wanted = (key != nullptr ? foldedKey(*key) : std::string()) + "/" + wanted;
+    }
+    if (!isText(wanted))
+        return {};
+    // The type stands in the statement: by it the planner knows that the index serves.
+    return rows(table, fields,
+                "SELECT \"KeyLink\", \"MenuResourceFolderKey\", \"name_\" FROM "
+                "public.\"MenuResource\" WHERE \"type_\" = " +
+                    std::to_string(type) + " AND (" +
+                    (folder ? foldedPlaceExpression() : foldedNameExpression()) + ") = $1",
+                Parameters().text(wanted), each);
+}
+
+Status PostgresStore::changedSince(const TableDef& table, int64_t since, int64_t* newest,
+                                   bool* changed) {
+    const Status status = settle(); // what was sent before has to show
+    if (!status.ok())
+        return status;
+    const Result result = m_connection.query(
+        "SELECT greatest(coalesce((SELECT max(\"id\") FROM public.\"NciEvent\"), 0), pruned), "
+        "pruned > $1 OR EXISTS (SELECT FROM public.\"NciEvent\" WHERE \"id\" > $1 AND "
+        "\"tableName\" = $2) FROM (SELECT coalesce((SELECT \"id\" FROM public.\"NciPruned\"), 0) "
+        "AS pruned) AS ends",
+        Parameters().integer(since).text(table.name));
+    if (!succeeded(result.get()))
+        return m_connection.failure("Журнал изменений", result.get());
+    *newest = integerAt(result.get(), 0, 0);
+    // A newest id below is one of another life of this database.
+    *changed = booleanAt(result.get(), 0, 1) || *newest < since;
+    return {};
+}
+
+} // namespace orvo::store::postgres
