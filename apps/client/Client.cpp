@@ -70,7 +70,10 @@ bool Client::open(QString* error) {
     m_app.m_workDir = m_options.workDir;
     m_logModule = std::make_unique<COrvoCliMod>(&m_app);
     m_app.m_logModule = m_logModule.get();
-    m_mirror = std::make_unique<FileMirror>(client::sessionStore(*m_session), m_options.workDir);
+    m_mirror =
+        std::make_unique<FileMirror>([url = m_options.store.toStdString(), how](
+                                         store::Status* why) { return store::open(url, how, why); },
+                                     m_options.workDir);
     m_pump = std::make_unique<client::NotificationPump>(*m_session, m_modules, std::move(reader));
     m_patience = std::make_unique<WindowPatience>(
         QString::fromStdString(client::sessionStore(*m_session).displayName()),
@@ -133,6 +136,7 @@ void Client::connectAll() {
             });
     connect(m_mirror.get(), &FileMirror::problem, this,
             [this](const QString& text) { fail(QStringLiteral("Файловая область"), text); });
+    connect(m_mirror.get(), &FileMirror::progress, m_window->statusLine(), &StatusLine::setCopying);
     // The editors paint icons from their files, which have just changed.
     connect(m_mirror.get(), &FileMirror::updated, this, [this] {
         for (const auto& module : m_modules.modules(client::ModuleState::Running))

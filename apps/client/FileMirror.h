@@ -2,27 +2,28 @@
 #ifndef ORVO_APPS_CLIENT_FILEMIRROR_H
 #define ORVO_APPS_CLIENT_FILEMIRROR_H
 
-#include "apps/client/MirrorDirectory.h"
+#include "apps/client/MirrorWorker.h"
 #include "platform/store/Store.h"
 
 #include <QObject>
-#include <QSet>
 #include <QString>
-#include <QTimer>
 
-#include <deque>
-#include <map>
+#include <memory>
 
 namespace orvo::app {
 
 /// Files that it wrote itself, listed in "mirror.list" beside "files/", are removed when the store
 /// no longer has them; whatever else lies there is left alone. A folder or file whose name is no
 /// plain file name is passed over and named in `problem`, once.
+///
+/// The work is done in a thread of its own; no call here waits for it but the destructor, for the
+/// one file that is on its way.
 class FileMirror : public QObject {
     Q_OBJECT
 public:
-    /// The store outlives the mirror. `workDir` exists and ends in a separator.
-    FileMirror(store::Store& store, const QString& workDir, QObject* parent = nullptr);
+    /// `workDir` exists and ends in a separator.
+    FileMirror(StoreOpener open, const QString& workDir, const MirrorPace& pace = {},
+               QObject* parent = nullptr);
     ~FileMirror() override;
 
     /// Begins with a full comparison. False, with the reason in `error`, if the directory cannot be
@@ -34,44 +35,28 @@ public:
     void refresh();
     /// While the store does not answer nothing is asked of it; afterwards all is compared anew.
     void setConnected(bool up);
-    bool isIdle() const { return m_idle; }
+    /// Whether all that was asked for is done, or cannot be done now.
+    bool isIdle() const;
 
 signals:
     void problem(const QString& text);
     /// Files below "files/" have changed.
     void updated();
+    /// A copy that takes its time: so many of so many files. 0 of 0 when it has ended.
+    void progress(int done, int all);
 
 private:
-    struct Wanted {
-        PathParts parts;
-        std::string path; ///< of the folder, as the store has it
-        std::string name;
-        double time;
-    };
-    void compare();
-    void step();
-    void finish();
-    void removeStale(const std::map<std::string, Wanted>& wanted);
-    /// False if the store does not answer.
-    bool fetch(const Wanted& wanted);
-    void tryLater();
-    void tell(const QString& text);
-    void readManifest();
-    void writeManifest();
+    void ask(int milliseconds, bool contents);
+    void finish(uint64_t number);
 
-    store::Store& m_store;
-    QString m_workDir;
-    MirrorDirectory m_directory;
-    QTimer m_compare;
-    QTimer m_step;
-    std::deque<Wanted> m_queue;
-    std::map<std::string, PathParts> m_manifest; ///< relative path: its parts
-    QSet<QString> m_told;
-    bool m_contentChanged = false; ///< since the last comparison
-    bool m_running = false;
+    const StoreOpener m_open;
+    const QString m_workDir;
+    const MirrorPace m_pace;
+    std::unique_ptr<MirrorWorker> m_worker; ///< null: not started
+    uint64_t m_asked = 0;
+    uint64_t m_answered = 0;
     bool m_connected = true;
-    bool m_idle = true;
-    bool m_touched = false;
+    bool m_shown = false; ///< progress was told and its end was not
 };
 
 } // namespace orvo::app

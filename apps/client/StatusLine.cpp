@@ -1,6 +1,7 @@
 #include "apps/client/StatusLine.h"
 
 #include <QLabel>
+#include <QLocale>
 #include <QTime>
 #include <QToolButton>
 
@@ -27,6 +28,7 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
     , m_connection(makeLabel({}, this))
     , m_storeLabel(makeLabel(QStringLiteral("Хранилище: %1").arg(store), this))
     , m_userLabel(makeLabel(QStringLiteral("Пользователь: %1").arg(login), this))
+    , m_copying(makeLabel({}, this))
     , m_failure(new QToolButton(this))
     , m_store(store) {
     m_light->setFixedSize(10, 10);
@@ -38,6 +40,9 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
     addWidget(m_connection);
     addWidget(m_storeLabel);
     addWidget(m_userLabel);
+    m_copying->setObjectName(QStringLiteral("copyingLabel"));
+    addWidget(m_copying);
+    m_copying->hide();
 
     m_failure->setObjectName(QStringLiteral("failureButton"));
     m_failure->setCursor(Qt::PointingHandCursor);
@@ -71,6 +76,14 @@ QString StatusLine::connection() const {
     return m_connection->text();
 }
 
+void StatusLine::setCopying(int done, int all) {
+    const QLocale numbers;
+    m_copying->setText(QStringLiteral("Копирование файлов: %1 из %2")
+                           .arg(numbers.toString(done), numbers.toString(all)));
+    m_copying->setVisible(all > 0);
+    fitFailure();
+}
+
 void StatusLine::setFailure(const QString& text) {
     ++m_count;
     m_text = text.simplified();
@@ -86,7 +99,7 @@ void StatusLine::setFailure(const QString& text) {
 void StatusLine::fitFailure() {
     constexpr int margins = 140; // of the bar, the button and the size grip
     int taken = margins;
-    for (const QWidget* one : {m_connection, m_storeLabel, m_userLabel})
+    for (const QWidget* one : {m_connection, m_storeLabel, m_userLabel, m_copying})
         taken += one->isHidden() ? 0 : one->sizeHint().width();
     const QString count = m_count > 1 ? QStringLiteral(" (всего %1)").arg(m_count) : QString();
     const QFontMetrics metrics = m_failure->fontMetrics();

@@ -16,6 +16,8 @@ public:
 
     /// Shows the state of the connection; a lost one with the time at which that was first told.
     void setConnected(bool up, const QString& reason);
+    /// Shows that so many of so many files are copied; 0 of 0: nothing of the kind.
+    void setCopying(int done, int all);
     /// Shows a failure, which stays until the user clicks it; later ones are counted with it.
     void setFailure(const QString& text);
     /// The failure on show, without the count; empty if none.
@@ -34,6 +36,7 @@ private:
     QLabel* m_connection;
     QLabel* m_storeLabel;
     QLabel* m_userLabel;
+    QLabel* m_copying;
     QToolButton* m_failure;
     const QString m_store;
     QString m_since; ///< time of the loss; empty: connected

@@ -53,6 +53,19 @@ private slots:
         QVERIFY(line.failure().isEmpty());
     }
 
+    void aCopyShowsHowFarItIsUntilItEnds() {
+        StatusLine line("/tmp/orvo.db", "ivanov");
+        line.resize(1400, line.sizeHint().height());
+        line.show();
+        auto* label = line.findChild<QLabel*>("copyingLabel");
+        QVERIFY(!label->isVisible());
+        line.setCopying(12, 150);
+        QVERIFY(label->isVisible());
+        QVERIFY(label->text().contains("12 из 150"));
+        line.setCopying(0, 0);
+        QVERIFY(!label->isVisible());
+    }
+
     void aLongFailureTakesTheRoomThereIsAndMakesNoWindowWider() {
         MainWindow window("store", "user");
         window.resize(900, 500);

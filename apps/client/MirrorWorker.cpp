@@ -1,0 +1,282 @@
+#include "apps/client/MirrorWorker.h"
+
+#include "apps/client/MirrorPaths.h"
+
+#include <QFile>
+#include <QSaveFile>
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstring>
+#include <set>
+
+namespace orvo::app {
+
+namespace {
+
+constexpr double sameTime = 0.001;
+/// What the editors show at once.
+constexpr std::string_view iconFolder = "icons";
+
+PathParts split(const std::string& path) {
+    PathParts parts;
+    size_t from = 0;
+    while (from <= path.size()) {
+        const size_t to = std::min(path.find('/', from), path.size());
+        parts.push_back(path.substr(from, to - from));
+        from = to + 1;
+    }
+    return parts;
+}
+
+std::string join(const std::string& folder, const std::string& name) {
+    return folder.empty() ? name : folder + "/" + name;
+}
+
+bool isIcon(const std::string& folder) {
+    return folder.starts_with(iconFolder) &&
+           (folder.size() == iconFolder.size() || folder[iconFolder.size()] == '/');
+}
+
+QString reason() {
+    return QString::fromLocal8Bit(std::strerror(errno));
+}
+
+QString textOf(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+} // namespace
+
+MirrorWorker::MirrorWorker(StoreOpener open, MirrorDirectory directory, const QString& workDir,
+                           const MirrorPace& pace)
+    : m_open(std::move(open))
+    , m_directory(std::move(directory))
+    , m_workDir(workDir)
+    , m_pace(pace)
+    , m_thread([this] { run(); }) {}
+
+MirrorWorker::~MirrorWorker() {
+    {
+        const std::lock_guard lock(m_mutex);
+        m_stop = true;
+    }
+    m_wake.notify_all();
+    m_thread.join();
+}
+
+void MirrorWorker::ask(uint64_t number, int milliseconds, bool contents) {
+    {
+        const std::lock_guard lock(m_mutex);
+        const auto due = Clock::now() + std::chrono::milliseconds(milliseconds);
+        // Who asks again does not put off what was asked before.
+        m_due = m_asked == 0 || m_due < Clock::now() ? due : std::min(m_due, due);
+        m_contents = m_contents || contents;
+        m_asked = number;
+    }
+    m_wake.notify_all();
+}
+
+void MirrorWorker::setConnected(bool up) {
+    {
+        const std::lock_guard lock(m_mutex);
+        m_up = up;
+    }
+    m_wake.notify_all();
+}
+
+template <class Signal>
+void MirrorWorker::post(Signal signal) {
+    QMetaObject::invokeMethod(this, std::move(signal), Qt::QueuedConnection);
+}
+
+void MirrorWorker::run() {
+    const store::PatienceScope scope(this);
+    readManifest();
+    uint64_t done = 0;
+    bool retry = false;
+    std::unique_lock lock(m_mutex);
+    while (!m_stop) {
+        const bool wanted = m_up && (retry || m_asked != done);
+        if (!wanted && !m_store) {
+            m_wake.wait(lock);
+        } else if (!wanted) {
+            if (m_wake.wait_for(lock, m_pace.close) == std::cv_status::timeout) {
+                lock.unlock(); // a server may take its time over a farewell
+                m_store.reset();
+                lock.lock();
+            }
+        } else if (Clock::now() < m_due) {
+            m_wake.wait_until(lock, m_due);
+        } else {
+            done = m_asked;
+            const bool contents = std::exchange(m_contents, false);
+            lock.unlock();
+            const End end = pass(done, contents);
+            lock.lock();
+            retry = end != End::Done;
+            m_contents = m_contents || (retry && contents);
+            if (end == End::Failed)
+                m_due = Clock::now() + m_pace.retry;
+            if (end != End::Anew)
+                post([this, done] { emit answered(done); });
+        }
+    }
+    lock.unlock();
+    if (m_touched)
+        writeManifest();
+}
+
+bool MirrorWorker::openStore() {
+    if (m_store)
+        return true;
+    store::Status status;
+    m_store = m_open(&status);
+    if (!m_store && goOn())
+        tell(QStringLiteral("Файловая область не открыта: %1").arg(textOf(status.text)));
+    return m_store != nullptr;
+}
+
+MirrorWorker::End MirrorWorker::pass(uint64_t number, bool contents) {
+    const Clock::time_point begin = Clock::now();
+    std::vector<Wanted> queue;
+    if (!openStore() || !list(contents, &queue))
+        return End::Failed;
+    bool changed = removeStale();
+    // What depends on this listing alone must be copied before the next one.
+    const bool mayBreakOff = !contents;
+    Clock::time_point told = begin + m_pace.tellAfter - m_pace.tellEvery;
+    Clock::time_point staged = Clock::now();
+    const int all = static_cast<int>(queue.size());
+    End end = End::Done;
+    for (int done = 0; done < all && end == End::Done; ++done) {
+        if (!goOn() || !fetch(queue[static_cast<size_t>(done)])) {
+            end = End::Failed;
+            break;
+        }
+        changed = true;
+        const Clock::time_point now = Clock::now();
+        if (now - told >= m_pace.tellEvery) {
+            told = now;
+            post([this, done, all] { emit progress(done + 1, all); });
+        }
+        if (now - staged >= m_pace.stage) {
+            staged = now;
+            writeManifest();
+            post([this] { emit updated(); });
+            if (mayBreakOff && m_asked != number)
+                end = End::Anew;
+        }
+    }
+    if (m_touched)
+        writeManifest();
+    if (changed)
+        post([this] { emit updated(); });
+    return end;
+}
+
+bool MirrorWorker::list(bool contents, std::vector<Wanted>* queue) {
+    ++m_listing;
+    std::set<std::string> plain;
+    store::Status status = plainFolderPaths(*m_store, &plain);
+    if (status.ok() && goOn())
+        status = m_store->fileArea([&](const std::string& folder, const store::StoredFile& file) {
+            if (!goOn())
+                return;
+            if (plain.count(folder) && store::isPlainFileName(file.name))
+                consider(folder, file, contents, queue);
+            else
+                tell(QStringLiteral("«%1» не копируется на диск: в пути есть имя, которое не "
+                                    "может быть именем папки или файла.")
+                         .arg(textOf(join(folder, file.name))));
+        });
+    if (!status.ok() && goOn())
+        tell(QStringLiteral("Список файловой области не получен: %1").arg(textOf(status.text)));
+    std::stable_partition(queue->begin(), queue->end(),
+                          [](const Wanted& wanted) { return isIcon(wanted.folder); });
+    return status.ok() && goOn();
+}
+
+void MirrorWorker::consider(const std::string& folder, const store::StoredFile& file, bool contents,
+                            std::vector<Wanted>* queue) {
+    const double time = file.time && std::isfinite(*file.time) ? *file.time : 0;
+    const std::string path = join(folder, file.name);
+    const auto known = m_manifest.find(path);
+    bool same = known != m_manifest.end();
+    if (same) {
+        known->second = m_listing;
+        const auto local = m_directory.info(split(path));
+        // Without a time only the notification tells that the content is another.
+        same = local && local->size == file.size && std::fabs(local->time - time) < sameTime &&
+               (file.time || !contents);
+    }
+    if (!same)
+        queue->push_back({folder, file.name, time});
+}
+
+bool MirrorWorker::removeStale() {
+    bool changed = false;
+    for (auto known = m_manifest.begin(); known != m_manifest.end();) {
+        if (known->second == m_listing) {
+            ++known;
+            continue;
+        }
+        changed = m_directory.remove(split(known->first)) || changed;
+        known = m_manifest.erase(known);
+        m_touched = true;
+    }
+    return changed;
+}
+
+bool MirrorWorker::fetch(const Wanted& wanted) {
+    std::vector<store::StoredFile> files;
+    const store::Status status = m_store->fileGet(wanted.folder, wanted.name, true, &files);
+    const std::string path = join(wanted.folder, wanted.name);
+    if (!status.ok()) {
+        if (goOn())
+            tell(QStringLiteral("Файл «%1» не получен: %2").arg(textOf(path), textOf(status.text)));
+        return status.code != store::ConnectionBroken && status.code != store::CannotConnect &&
+               status.code != store::Timeout;
+    }
+    if (files.empty())
+        return true; // gone since the listing; its notification follows
+    if (!m_directory.write(split(path), files.front().bytes, wanted.time)) {
+        tell(QStringLiteral("Файл «%1» не записан в %2files: %3")
+                 .arg(textOf(path), m_workDir, reason()));
+        return true;
+    }
+    m_manifest[path] = m_listing;
+    m_touched = true;
+    return true;
+}
+
+void MirrorWorker::tell(const QString& text) {
+    if (m_told.contains(text))
+        return;
+    m_told.insert(text);
+    post([this, text] { emit problem(text); });
+}
+
+void MirrorWorker::readManifest() {
+    QFile file(m_workDir + QStringLiteral("mirror.list"));
+    if (!file.open(QIODevice::ReadOnly))
+        return;
+    for (const QByteArray& line : file.readAll().split('\n'))
+        if (!line.isEmpty())
+            m_manifest.emplace_hint(m_manifest.end(), line.toStdString(), 0);
+}
+
+void MirrorWorker::writeManifest() {
+    QSaveFile file(m_workDir + QStringLiteral("mirror.list"));
+    bool ok = file.open(QIODevice::WriteOnly);
+    for (const auto& known : m_manifest)
+        ok = ok && file.write((known.first + "\n").c_str()) >= 0;
+    if (ok && file.commit())
+        m_touched = false;
+    else
+        tell(
+            QStringLiteral("Список копии файловой области не записан: %1").arg(file.errorString()));
+}
+
+} // namespace orvo::app

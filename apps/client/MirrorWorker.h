@@ -1,0 +1,118 @@
+// MirrorWorker.h: the thread in which the file area is compared and copied. However many files
+// there are, and however slow the server, the window does not wait for it.
+#ifndef ORVO_APPS_CLIENT_MIRRORWORKER_H
+#define ORVO_APPS_CLIENT_MIRRORWORKER_H
+
+#include "apps/client/MirrorDirectory.h"
+#include "platform/store/Patience.h"
+#include "platform/store/Store.h"
+
+#include <QObject>
+#include <QSet>
+#include <QString>
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace orvo::app {
+
+/// Opens a store of its own for whoever calls it, in any thread. Null, with the reason, on failure.
+using StoreOpener = std::function<std::unique_ptr<store::Store>(store::Status* status)>;
+
+/// When things are done that are not done at once.
+struct MirrorPace {
+    using Milliseconds = std::chrono::milliseconds;
+    Milliseconds retry{10000};   ///< after a failure
+    Milliseconds close{60000};   ///< of the store, when there is nothing to do
+    Milliseconds tellAfter{500}; ///< how far the copy is
+    Milliseconds tellEvery{200}; ///< the same from then on
+    /// A long copy shows its files, notes what it has, and turns to what has changed meanwhile.
+    Milliseconds stage{3000};
+};
+
+class MirrorWorker : public QObject, private store::Patience {
+    Q_OBJECT
+public:
+    /// `directory` is open; `workDir` ends in a separator. The store is opened when there is
+    /// something to do, and closed when there has been nothing for a while.
+    MirrorWorker(StoreOpener open, MirrorDirectory directory, const QString& workDir,
+                 const MirrorPace& pace = {});
+    /// Ends the work between two files, waiting for no server. What was copied is kept in mind.
+    ~MirrorWorker() override;
+
+    /// Asks for a comparison that begins after `milliseconds`, or as soon as the present one ends.
+    /// `contents`: contents may have changed, so that files without a time are copied anew.
+    void ask(uint64_t number, int milliseconds, bool contents);
+    /// While the store does not answer nothing is asked of it.
+    void setConnected(bool up);
+
+signals:
+    // Emitted in the thread of this object.
+
+    /// Everything asked for up to that number is done, or has failed and will be tried again.
+    void answered(quint64 number);
+    void problem(const QString& text);
+    /// Files have changed.
+    void updated();
+    /// A copy that takes its time: so many of so many files.
+    void progress(int done, int all);
+
+private:
+    using Clock = std::chrono::steady_clock;
+    struct Wanted {
+        std::string folder; ///< as the store has it
+        std::string name;
+        double time;
+    };
+    enum class End { Done, Failed, Anew };
+
+    bool goOn() override { return !m_stop && m_up; }
+    void run();
+    bool openStore();
+    End pass(uint64_t number, bool contents);
+    bool list(bool contents, std::vector<Wanted>* queue);
+    void consider(const std::string& folder, const store::StoredFile& file, bool contents,
+                  std::vector<Wanted>* queue);
+    bool removeStale();
+    /// False if the store does not answer.
+    bool fetch(const Wanted& wanted);
+    void tell(const QString& text);
+    void readManifest();
+    void writeManifest();
+    /// Emits in the thread of this object.
+    template <class Signal>
+    void post(Signal signal);
+
+    const StoreOpener m_open;
+    const MirrorDirectory m_directory;
+    const QString m_workDir;
+    const MirrorPace m_pace;
+    std::atomic<bool> m_stop = false;
+    std::atomic<bool> m_up = true;
+    std::atomic<uint64_t> m_asked = 0;
+
+    std::mutex m_mutex; ///< over these
+    std::condition_variable m_wake;
+    Clock::time_point m_due{}; ///< of the comparison asked for
+    bool m_contents = false;
+
+    // The thread's alone.
+    std::unique_ptr<store::Store> m_store;
+    std::map<std::string, uint64_t> m_manifest; ///< path: the listing that named it last
+    uint64_t m_listing = 0;
+    QSet<QString> m_told;
+    bool m_touched = false; ///< the manifest has changed since it was written
+
+    std::thread m_thread; ///< last: it begins when everything else is there
+};
+
+} // namespace orvo::app
+
+#endif
