@@ -6,6 +6,15 @@
 
 namespace orvo {
 
+namespace {
+
+/// Not only equal: a number and its text, or no text and an empty one, are two values.
+bool isSame(const QVariant& a, const QVariant& b) {
+    return a.userType() == b.userType() && a.isNull() == b.isNull() && a == b;
+}
+
+} // namespace
+
 void setRow(QAbstractItemModel& model, const QModelIndex& row,
             std::initializer_list<std::pair<int, QVariant>> values) {
     const QModelIndex parent = row.parent();
@@ -15,9 +24,14 @@ void setRow(QAbstractItemModel& model, const QModelIndex& row,
 
 void setRow(QAbstractItemModel& model, const QModelIndex& row, const QVector<QVariant>& values) {
     const QModelIndex parent = row.parent();
-    for (int column = 0; column < values.size(); ++column)
-        if (values[column].isValid())
-            model.setData(model.index(row.row(), column, parent), values[column], Qt::DisplayRole);
+    for (int column = 0; column < values.size(); ++column) {
+        if (!values[column].isValid())
+            continue;
+        const QModelIndex cell = model.index(row.row(), column, parent);
+        // Told of a change, a view looks for the row among all that are open.
+        if (!isSame(cell.data(Qt::DisplayRole), values[column]))
+            model.setData(cell, values[column], Qt::DisplayRole);
+    }
 }
 
 bool currentStandsIn(const QTreeView* view, const QModelIndex& row) {

@@ -1,11 +1,14 @@
 #include "frame/WindowParts.h"
 
 #include <QCoreApplication>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QMessageBox>
 #include <QToolBar>
 #include <QToolButton>
 #include <QTreeView>
+
+#include <vector>
 
 namespace orvo {
 namespace {
@@ -32,6 +35,45 @@ void showBox(COrvoCliMod& module, const char* title, const QString& text, TMessa
     module.m_popMessageBox->setMessage(translated(module, title), text, icon, type, slot);
     module.m_popMessageBox->show();
 }
+
+/// Expands a row and all folders below it, with one layout at the end.
+void expandBelow(QTreeView& view, const QModelIndex& top) {
+    view.expandRecursively(top, 0);
+    const QAbstractItemModel& model = *view.model();
+    std::vector<QModelIndex> pending{top};
+    while (!pending.empty()) {
+        const QModelIndex parent = pending.back();
+        pending.pop_back();
+        for (int row = 0; row < model.rowCount(parent); ++row) {
+            const QModelIndex child = model.index(row, 0, parent);
+            if (!model.hasChildren(child))
+                continue;
+            view.expand(child);
+            pending.push_back(child);
+        }
+    }
+}
+
+/// The key "*" expands what has rows below it and nothing else. The view itself would keep in mind
+/// that a row without any is expanded too: a persistent index for every row of the tree, all of
+/// which are looked at with each row that comes or goes.
+class StarKey : public QObject {
+public:
+    explicit StarKey(QTreeView* view) : QObject(view) {}
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        auto* view = qobject_cast<QTreeView*>(watched);
+        if (!view || event->type() != QEvent::KeyPress ||
+            static_cast<QKeyEvent*>(event)->key() != Qt::Key_Asterisk)
+            return false;
+        const QModelIndex current = view->currentIndex().siblingAtColumn(0);
+        if (!current.isValid() || !view->itemsExpandable())
+            return false;
+        expandBelow(*view, current);
+        return true;
+    }
+};
 
 } // namespace
 
@@ -96,6 +138,7 @@ void arrangeTree(QTreeView* view, bool styled) {
     view->setIconSize(QSize(imageSize, imageSize));
     // The branch images are drawn for this width: a wider step would blur their lines.
     view->setIndentation(imageSize);
+    view->installEventFilter(new StarKey(view)); // the view's child
 }
 
 void hideColumns(QTreeView* view, int first, int last) {

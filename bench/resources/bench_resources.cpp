@@ -1,8 +1,14 @@
-// bench_resources [MIB]: what the resource editor needs of memory for a file on its way up to the
-// store and back, against the file's own size of MIB (200) mebibytes.
+// bench_resources [MIB | --rows N]: two measurements of the resource editor; with an argument, one
+// of them. The exit code is 1 if a budget is missed.
 //
-// Each way runs in a process of its own, whose peak of resident memory above what it had before is
-// taken. The exit code is 1 if a budget is missed.
+// The first: what it needs of memory for a file on its way up to the store and back, against the
+// file's own size of MIB (200) mebibytes. Each way runs in a process of its own, whose peak of
+// resident memory above what it had before is taken.
+//
+// The second, in a process of its own too: a catalogue of N (100000) resources in a real store and
+// a real window. Its start and memory; notifications merged, in bursts and alone (processor time);
+// a row chosen, up to its passport; folders opened; frames of scrolling.
+#include "bench/resources/Scale.h"
 #include "tests/resources/ResProbe.h"
 
 #include <QElapsedTimer>
@@ -89,15 +95,20 @@ void inWindow(TestStore& store, double& before, const std::function<void(UploadP
         std::exit(2);
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const int mib = argc > 1 ? std::atoi(argv[1]) : 200;
-    if (mib < 1 || mib > 512) {
-        std::fprintf(stderr, "usage: bench_resources [MIB]   (1 to 512)\n");
-        return 2;
+bool scaleInChild(int rows) {
+    std::fflush(stdout);
+    const pid_t child = fork();
+    if (child == 0) {
+        const bool met = orvo::bench::measureScale(rows);
+        std::fflush(stdout);
+        _exit(met ? 0 : 1);
     }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return status == 0;
+}
+
+void measureFiles(int mib) {
     const QTemporaryDir local;
     const QString path = local.filePath("large");
     writeFile(path, mib);
@@ -123,5 +134,23 @@ int main(int argc, char** argv) {
                 std::exit(2);
         });
     });
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const bool rowsAsked = argc == 3 && qstrcmp(argv[1], "--rows") == 0;
+    const int mib = argc == 2 ? std::atoi(argv[1]) : 200;
+    const int rows = rowsAsked ? std::atoi(argv[2]) : 100000;
+    if (mib < 1 || mib > 512 || rows < 1000 || rows > 5000000 || (argc > 2 && !rowsAsked)) {
+        std::fprintf(stderr,
+                     "usage: bench_resources [MIB | --rows N]   (1 to 512; 1000 to 5000000)\n");
+        return 2;
+    }
+    if (!rowsAsked)
+        measureFiles(mib);
+    if (argc != 2 && !scaleInChild(rows))
+        missed = true;
     return missed ? 1 : 0;
 }

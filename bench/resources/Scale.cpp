@@ -1,0 +1,306 @@
+#include "bench/resources/Scale.h"
+
+#include "bench/resources/Catalogue.h"
+#include "frame/Records.h"
+#include "tests/menu/Notices.h"
+#include "tests/resources/ResProbe.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QImage>
+#include <QScrollBar>
+
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+#include <functional>
+#include <vector>
+
+using namespace orvo::test;
+
+namespace orvo::bench {
+
+namespace {
+
+constexpr int perRound = 400;
+constexpr int perSingle = 20;
+constexpr int rounds = 5;
+constexpr double mergeBudget = 50;     // microseconds
+constexpr double choiceBudget = 50e3;  // of a row: nobody feels it
+constexpr double frameBudget = 16.6e3; // sixty pictures a second
+
+double wall(const std::function<void()>& work) {
+    QElapsedTimer timer;
+    timer.start();
+    work();
+    return static_cast<double>(timer.nsecsElapsed()) / 1000;
+}
+
+/// Processor time: what others do on the machine meanwhile does not count.
+double processor(const std::function<void()>& work) {
+    const auto now = [] {
+        timespec time{};
+        clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+        return static_cast<double>(time.tv_sec) * 1e6 + static_cast<double>(time.tv_nsec) * 1e-3;
+    };
+    const double begin = now();
+    work();
+    return now() - begin;
+}
+
+double median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+/// From the system, in MiB: "VmHWM:" the most that was resident, "VmRSS:" what is.
+double memory(const char* what) {
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (status.open(QIODevice::ReadOnly))
+        for (const QByteArray& line : status.readAll().split('\n'))
+            if (line.startsWith(what))
+                return line.mid(static_cast<int>(qstrlen(what)))
+                           .trimmed()
+                           .split(' ')
+                           .first()
+                           .toDouble() /
+                       1024;
+    return 0;
+}
+
+class Scale {
+public:
+    Scale(ResProbe& editor, Catalogue& catalogue)
+        : m_editor(editor)
+        , m_catalogue(catalogue)
+        , m_tree(*editor.findChild<QTreeView*>(QStringLiteral("tvRes"))) {}
+
+    void merging(bool budgeted) {
+        const auto resource = [](Fields fields) { return rawRecordOf("MenuResource", fields); };
+        const auto text = [](const QByteArray& key) { return QString::fromLatin1(key); };
+        merge("update in place", budgeted, [&](int n) {
+            return Notice{602, "MenuResource", m_catalogue.any(),
+                          resource({{"caption", QString("Станция %1").arg(n)}})};
+        });
+        merge("rename, moving the row", budgeted, [&](int n) {
+            return Notice{
+                602, "MenuResource", m_catalogue.any(),
+                resource({{"name_", QString("n_%1_%2").arg(m_catalogue.below(1000)).arg(n)}})};
+        });
+        merge("move to another folder", budgeted, [&](int) {
+            return Notice{602, "MenuResource", m_catalogue.any(1),
+                          resource({{"MenuResourceFolderKey", text(m_catalogue.anyFolder(1))}})};
+        });
+        const int first = m_made;
+        merge("insertion", budgeted, [&](int) {
+            return Notice{601, "MenuResource", "new-" + QByteArray::number(m_made++),
+                          resource({{"MenuResourceFolderKey", text(m_catalogue.anyFolder(2))},
+                                    {"type_", 2},
+                                    {"name_", QString("x%1").arg(m_catalogue.below(100000))},
+                                    {"caption", QString("Новая")},
+                                    {"ico", QString("pump.png")}})};
+        });
+        int gone = first;
+        merge("deletion", budgeted, [&](int) {
+            return Notice{603, "MenuResource", "new-" + QByteArray::number(gone++), {}};
+        });
+        merge("rename of a folder of 200", false, [&](int n) {
+            return Notice{602, "MenuResourceFolder", m_catalogue.anyFolder(1),
+                          rawRecordOf("MenuResourceFolder", {{"caption", QString("У%1").arg(n)}})};
+        });
+    }
+
+    void choosing() {
+        const char* const kinds[] = {"", "a module", "a function", "a form", "a file"};
+        for (int kind = 1; kind <= 4; ++kind)
+            choose(kinds[kind], [&] { return m_catalogue.any(kind); });
+        choose("a folder", [&] { return m_catalogue.anyFolder(2); });
+        each("select 200 rows", choiceBudget, 9, [&] {
+            const QModelIndex folder = m_editor.row(m_catalogue.anyFolder(1).constData());
+            const int last = m_editor.m_resModel->rowCount(folder) - 1;
+            m_tree.selectionModel()->select({m_editor.m_resModel->index(0, 0, folder),
+                                             m_editor.m_resModel->index(last, 0, folder)},
+                                            QItemSelectionModel::ClearAndSelect |
+                                                QItemSelectionModel::Rows);
+            QCoreApplication::processEvents();
+        });
+        m_tree.clearSelection();
+    }
+
+    void scrolling() {
+        QScrollBar& bar = *m_tree.verticalScrollBar();
+        const auto frame = [&](int value) {
+            bar.setValue(value);
+            QCoreApplication::processEvents(); // and with them the picture
+        };
+        bar.setValue(bar.maximum() / 3);
+        QCoreApplication::processEvents();
+        each("a page down", frameBudget, 40, [&] { frame(bar.value() + bar.pageStep()); });
+        each("a line down", frameBudget, 40, [&] { frame(bar.value() + bar.singleStep()); });
+        each("the bar dragged", frameBudget, 40,
+             [&] { frame(m_catalogue.below(bar.maximum() + 1)); });
+    }
+
+    void opening() {
+        report("all folders opened",
+               wall([&] {
+                   for (const char* root : {"MenuResources", "FileResources"}) {
+                       m_tree.setCurrentIndex(m_editor.row(root));
+                       QTest::keyClick(&m_tree, Qt::Key_Asterisk);
+                   }
+                   QCoreApplication::processEvents();
+               }) / 1000,
+               "ms", 0);
+    }
+    void closing() {
+        report("all folders closed", wall([&] {
+                                         m_tree.collapseAll();
+                                         QCoreApplication::processEvents();
+                                     }) / 1000,
+               "ms", 0);
+    }
+    void oneFolder() {
+        const auto folder = [&] { return m_editor.row(m_catalogue.anyFolder(1).constData()); };
+        std::vector<double> close;
+        std::vector<double> open;
+        for (int i = 0; i < rounds; ++i) {
+            const QModelIndex row = folder();
+            close.push_back(wall([&] {
+                m_tree.collapse(row);
+                QCoreApplication::processEvents();
+            }));
+            open.push_back(wall([&] {
+                m_tree.expand(row);
+                QCoreApplication::processEvents();
+            }));
+        }
+        report("one folder closed", median(close) / 1000, "ms", choiceBudget / 1000);
+        report("one folder opened", median(open) / 1000, "ms", choiceBudget / 1000);
+    }
+
+    void report(const char* what, double value, const char* unit, double budget) {
+        const bool tooMuch = budget > 0 && value > budget;
+        m_missed |= tooMuch;
+        std::printf("  %-28s %9.1f %s", what, value, unit);
+        if (budget > 0)
+            std::printf("  (budget %.0f)%s", budget, tooMuch ? "  MISSED" : "");
+        std::puts("");
+        std::fflush(stdout);
+    }
+    bool missed() const { return m_missed; }
+
+private:
+    /// The median and the worst of several.
+    void each(const char* what, double budget, int times, const std::function<void()>& work) {
+        std::vector<double> costs;
+        for (int i = 0; i < times; ++i)
+            costs.push_back(wall(work));
+        const double worst = *std::max_element(costs.begin(), costs.end());
+        const double cost = median(costs);
+        const bool tooMuch = cost > budget;
+        m_missed |= tooMuch;
+        std::printf("  %-28s %9.2f ms, worst %8.2f ms  (budget %.0f)%s\n", what, cost / 1000,
+                    worst / 1000, budget / 1000, tooMuch ? "  MISSED" : "");
+        std::fflush(stdout);
+    }
+
+    void choose(const char* what, const std::function<QByteArray()>& key) {
+        each(what, choiceBudget, 15, [&] {
+            m_tree.setCurrentIndex(m_editor.row(key().constData()));
+            QCoreApplication::processEvents();
+        });
+    }
+
+    void merge(const char* what, bool budgeted, const std::function<Notice(int)>& next) {
+        std::vector<double> burst;
+        std::vector<double> alone;
+        int number = 0;
+        for (int round = 0; round < rounds; ++round) {
+            std::vector<MDXCliParam*> blocks;
+            for (int i = 0; i < perRound + perSingle; ++i)
+                blocks.push_back(next(number++).make());
+            for (int i = 0; i < perRound; ++i)
+                m_editor.messagePut(blocks[static_cast<size_t>(i)]);
+            burst.push_back(processor([&] { m_editor.MessageOn(); }) / perRound);
+            QCoreApplication::processEvents();
+            alone.push_back(processor([&] {
+                                for (int i = perRound; i < perRound + perSingle; ++i) {
+                                    m_editor.messagePut(blocks[static_cast<size_t>(i)]);
+                                    m_editor.MessageOn();
+                                }
+                            }) /
+                            perSingle);
+            QCoreApplication::processEvents();
+        }
+        const double cost = median(burst);
+        const bool tooMuch = budgeted && cost > mergeBudget;
+        m_missed |= tooMuch;
+        std::printf("  %-28s %9.1f us, alone %9.1f us", what, cost, median(alone));
+        if (budgeted)
+            std::printf("  (budget %.0f)%s", mergeBudget, tooMuch ? "  MISSED" : "");
+        std::puts("");
+        std::fflush(stdout);
+    }
+
+    ResProbe& m_editor;
+    Catalogue& m_catalogue;
+    QTreeView& m_tree;
+    bool m_missed = false;
+    int m_made = 0;
+};
+
+} // namespace
+
+bool measureScale(int rows) {
+    int argc = 1;
+    char name[] = "bench_resources";
+    char* argv[] = {name, nullptr};
+    const QApplication app(argc, argv);
+    TestStore store;
+    Catalogue catalogue(rows);
+    catalogue.fill(store);
+    TestHost host(store);
+    QDir().mkpath(host.m_workDir + "files/icons");
+    QImage icon(16, 16, QImage::Format_ARGB32);
+    icon.fill(Qt::darkGreen);
+    icon.save(host.m_workDir + "files/icons/pump.png");
+
+    ResProbe editor(&host);
+    editor.m_moduleName = QStringLiteral("Resources");
+    editor.resize(1146, 825);
+    const double before = memory("VmRSS:");
+    bool started = false;
+    const double start = wall([&] { started = editor.ModuleStart(); });
+    if (!started)
+        return false;
+    Scale scale(editor, catalogue);
+    std::printf("%u resources\n", orvo::recordCount(editor.m_tabResource));
+    scale.report("start", start / 1000, "ms", 0);
+    scale.report("memory above the bare window", memory("VmHWM:") - before, "MiB", 0);
+    std::puts("A notification, table and tree, the window not yet shown:");
+    scale.merging(true);
+    scale.report("shown", wall([&] {
+                              editor.show();
+                              QCoreApplication::processEvents();
+                          }) / 1000,
+                 "ms", 0);
+    std::puts("A row chosen, up to its passport:");
+    scale.choosing();
+    std::puts("A notification in the open window, folders opened as rows come:");
+    scale.merging(false);
+    std::puts("Folders:");
+    scale.opening();
+    scale.oneFolder();
+    std::puts("Scrolling with all folders open, up to the picture:");
+    scale.scrolling();
+    std::puts("A row chosen with all folders open:");
+    scale.choosing();
+    std::puts("A notification with all folders open:");
+    scale.merging(false);
+    scale.closing();
+    scale.report("memory at the end, the most", memory("VmHWM:"), "MiB", 0);
+    return !scale.missed() && host.failures.isEmpty() && host.logLines.isEmpty();
+}
+
+} // namespace orvo::bench
