@@ -58,24 +58,41 @@ bool MirrorDirectory::open(const std::string& path) {
     return m_root.valid();
 }
 
+void MirrorDirectory::forgetFolder() {
+    m_folder = Descriptor();
+    m_folderPath.clear();
+}
+
 /// Opens the folder of the file, step by step from the root.
-Descriptor MirrorDirectory::folder(const PathParts& path, bool make) const {
+Descriptor MirrorDirectory::folder(const PathParts& path, bool make) {
     errno = EINVAL;
-    if (path.empty())
+    if (path.empty() || !store::isPlainFileName(path.back()))
         return Descriptor();
-    for (const std::string& part : path)
+    const PathParts folders(path.begin(), path.end() - 1);
+    const auto again = [](const Descriptor& open) {
+        return Descriptor(::fcntl(open.get(), F_DUPFD_CLOEXEC, 0));
+    };
+    if (m_folder.valid() && folders == m_folderPath)
+        return again(m_folder);
+    for (const std::string& part : folders)
         if (!store::isPlainFileName(part))
             return Descriptor();
-    Descriptor at(::fcntl(m_root.get(), F_DUPFD_CLOEXEC, 0));
-    for (size_t i = 0; at.valid() && i + 1 < path.size(); ++i) {
-        if (make && ::mkdirat(at.get(), path[i].c_str(), 0700) != 0 && errno != EEXIST)
+    Descriptor at = again(m_root);
+    for (const std::string& part : folders) {
+        if (!at.valid())
+            return at;
+        if (make && ::mkdirat(at.get(), part.c_str(), 0700) != 0 && errno != EEXIST)
             return Descriptor();
-        at = Descriptor(::openat(at.get(), path[i].c_str(), folderFlags));
+        at = Descriptor(::openat(at.get(), part.c_str(), folderFlags));
+    }
+    if (at.valid()) {
+        m_folder = again(at);
+        m_folderPath = folders;
     }
     return at;
 }
 
-std::optional<MirrorDirectory::Info> MirrorDirectory::info(const PathParts& path) const {
+std::optional<MirrorDirectory::Info> MirrorDirectory::info(const PathParts& path) {
     const Descriptor at = folder(path, false);
     struct stat found {};
     if (!at.valid() || ::fstatat(at.get(), path.back().c_str(), &found, AT_SYMLINK_NOFOLLOW) != 0 ||
@@ -86,15 +103,20 @@ std::optional<MirrorDirectory::Info> MirrorDirectory::info(const PathParts& path
                     static_cast<double>(found.st_mtim.tv_nsec) / 1e9};
 }
 
-bool MirrorDirectory::write(const PathParts& path, std::string_view bytes, double time) const {
-    const Descriptor at = folder(path, true);
+bool MirrorDirectory::write(const PathParts& path, std::string_view bytes, double time) {
+    Descriptor at = folder(path, true);
     if (!at.valid())
         return false;
     char part[40];
     std::snprintf(part, sizeof part, ".orvo-%08x-%08x", static_cast<unsigned>(::getpid()),
                   std::random_device()());
-    Descriptor file(
-        ::openat(at.get(), part, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    constexpr int newFile = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+    Descriptor file(::openat(at.get(), part, newFile, 0600));
+    if (!file.valid() && errno == ENOENT) { // the folder was removed meanwhile
+        forgetFolder();
+        at = folder(path, true);
+        file = Descriptor(at.valid() ? ::openat(at.get(), part, newFile, 0600) : -1);
+    }
     if (!file.valid())
         return false;
     const timespec times[2] = {toTimespec(time), toTimespec(time)};
@@ -108,10 +130,11 @@ bool MirrorDirectory::write(const PathParts& path, std::string_view bytes, doubl
     return ok;
 }
 
-bool MirrorDirectory::remove(const PathParts& path) const {
+bool MirrorDirectory::remove(const PathParts& path) {
     Descriptor at = folder(path, false);
     if (!at.valid() || ::unlinkat(at.get(), path.back().c_str(), 0) != 0)
         return false;
+    forgetFolder(); // it may go as well
     PathParts above = path;
     while (above.size() > 1) {
         above.pop_back();

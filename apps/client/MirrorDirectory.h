@@ -41,16 +41,21 @@ public:
         double time; ///< of the last change, seconds since 1970-01-01 UTC
     };
     /// Size and time of a regular file; none if it is missing or something else.
-    std::optional<Info> info(const PathParts& path) const;
+    std::optional<Info> info(const PathParts& path);
     /// Writes the file under another name first and puts it in place at once, making the folders.
     /// False with errno set (ELOOP, ENOTDIR: a link or a file where a folder should be).
-    bool write(const PathParts& path, std::string_view bytes, double time) const;
+    bool write(const PathParts& path, std::string_view bytes, double time);
     /// Removes the file and the folders above it that are empty then.
-    bool remove(const PathParts& path) const;
+    bool remove(const PathParts& path);
+    /// The folder of the last file is kept open for the next one. Forgotten, it is looked for anew:
+    /// somebody may have moved it since.
+    void forgetFolder();
 
 private:
-    Descriptor folder(const PathParts& path, bool make) const;
+    Descriptor folder(const PathParts& path, bool make);
     Descriptor m_root;
+    Descriptor m_folder; ///< of the file before
+    PathParts m_folderPath;
 };
 
 } // namespace orvo::app

@@ -178,6 +178,7 @@ MirrorWorker::End MirrorWorker::pass(uint64_t number, bool contents) {
 
 bool MirrorWorker::list(bool contents, std::vector<Wanted>* queue) {
     ++m_listing;
+    m_directory.forgetFolder();
     std::set<std::string> plain;
     store::Status status = plainFolderPaths(*m_store, &plain);
     if (status.ok() && goOn())

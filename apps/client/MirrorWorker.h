@@ -91,7 +91,7 @@ private:
     void post(Signal signal);
 
     const StoreOpener m_open;
-    const MirrorDirectory m_directory;
+    MirrorDirectory m_directory; ///< the thread's alone
     const QString m_workDir;
     const MirrorPace m_pace;
     std::atomic<bool> m_stop = false;

@@ -331,6 +331,24 @@ private slots:
         QCOMPARE(list.readAll().count('\n'), 20);
     }
 
+    void foldersTakenAwayAndMovedAreMadeAgain() {
+        Bench bench;
+        bench.put("icons/Цех 1", "a.png", "x");
+        bench.put("icons/Цех 1", "b.png", "y");
+        QVERIFY(bench.start());
+        const QString folder = bench.work + "files/icons/Цех 1";
+        QVERIFY(QDir(folder).removeRecursively());
+        bench.mirror.refresh();
+        QTRY_COMPARE(bench.local("icons/Цех 1/b.png"), QByteArray("y"));
+        QTRY_VERIFY(bench.settled());
+        QCOMPARE(bench.local("icons/Цех 1/a.png"), QByteArray("x"));
+        QVERIFY(QDir().rename(folder, bench.work + "files/elsewhere"));
+        bench.mirror.refresh();
+        QTRY_COMPARE(bench.local("icons/Цех 1/b.png"), QByteArray("y"));
+        QCOMPARE(bench.local("icons/Цех 1/a.png"), QByteArray("x"));
+        QVERIFY(bench.problems.isEmpty());
+    }
+
     void iconsComeFirst() {
         Bench bench;
         bench.write("MenuResourceFolder", 1,
