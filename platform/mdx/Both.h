@@ -8,14 +8,18 @@
 
 namespace orvo::mdx {
 
+inline bool hasSecondProcessor() {
+    static const bool has = std::thread::hardware_concurrency() >= 2;
+    return has;
+}
+
 /// Runs both, at the same time if there is a second processor. Throws what either threw, once both
 /// have ended.
 template <class One, class Other>
 void both(One&& one, Other&& other) {
-    static const bool alone = std::thread::hardware_concurrency() < 2;
     std::exception_ptr failure;
     std::thread thread;
-    if (!alone) {
+    if (hasSecondProcessor()) {
         try {
             thread = std::thread([&] {
                 try {

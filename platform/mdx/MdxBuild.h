@@ -48,6 +48,9 @@ ORVOMDX_EXPORT uint32_t recordFlags(const MDRData* record);
 /// writer is finished or destroyed). Field numbers must rise within a record; fields not written
 /// are NULL.
 ///
+/// Values are copied before a call returns. Of many records a second thread writes the later ones,
+/// so until the writer is finished nothing else may use the array, and what failed shows there.
+///
 ///     RecordWriter w(array);
 ///     while (row) { w.begin(); w.text1251(0, ...); w.integer(3, ...); w.end(); }
 ///     status = w.finish();

@@ -43,9 +43,11 @@ private slots:
         for (MDArray* array : {a.get(), b.get()})
             QCOMPARE(addKey(array, "type_;name", MDX_KEY_MULTI), 0);
         RecordWriter writer(b.get());
-        for (int i = 0; i < 3000; ++i) {
+        constexpr int count = 12000; // the later ones go through the second thread
+        for (int i = 0; i < count; ++i) {
             const std::string text = i % 7 == 0 ? "" : "Имя " + std::to_string(i * 7919 % 3000);
-            const std::string block(size_t(i % 50 == 0 ? 20000 : i % 5), '\0');
+            const int size = i % 1000 == 999 ? 100000 : i % 50 == 0 ? 20000 : i % 5;
+            const std::string block(size_t(size), static_cast<char>(i));
             MDRData* record = MDARecNew(a.get());
             setText(record, 0, cp(text.c_str()));
             writer.begin();
@@ -65,7 +67,7 @@ private slots:
         }
         QCOMPARE(b->recordCount, 0u); // nothing before the end
         QCOMPARE(writer.finish(), 0);
-        QCOMPARE(b->recordCount, 3000u);
+        QCOMPARE(b->recordCount, uint32_t(count));
         QVERIFY(dump(a.get()) == dump(b.get()));
         QVERIFY(packed(a.get()).text() == packed(b.get()).text());
     }
@@ -137,6 +139,56 @@ private slots:
         nowhere.end();
         QCOMPARE(nowhere.finish(), int(MDX_E_ARG));
         QCOMPARE(orvo::mdx::postedCount(a.get()), 0u);
+    }
+
+    void mistakesInManyRecordsAreReported() {
+        for (const bool wrongType : {true, false}) {
+            const ArrayPtr a = makeArray(allTypes());
+            addKey(a.get(), "name", MDX_KEY_MULTI);
+            RecordWriter writer(a.get());
+            for (int i = 0; i < 20000; ++i) {
+                writer.begin();
+                if (i == 10000)
+                    writer.integer(wrongType ? 0 : 1000, i);
+                else
+                    writer.text1251(0, "name", 4);
+                writer.end();
+            }
+            QCOMPARE(writer.finish(), int(wrongType ? MDX_E_TYPE : MDX_E_ARG));
+            QCOMPARE(a->recordCount, 10000u); // those before
+        }
+    }
+
+    void aWriterOfManyRecordsCanBeLeftOrUsedAgain() {
+        const ArrayPtr a = makeArray(allTypes());
+        addKey(a.get(), "name", MDX_KEY_MULTI);
+        const std::string large(200000, 'x');
+        const auto write = [&](RecordWriter& writer, int count) {
+            for (int i = 0; i < count; ++i) {
+                writer.begin();
+                writer.textUtf8(0, "Имя", 6);
+                if (i + 1 == count)
+                    writer.block(4, large.data(), large.size());
+                writer.end();
+            }
+        };
+        {
+            RecordWriter writer(a.get());
+            write(writer, 9000);
+            QCOMPARE(writer.finish(), 0);
+            QCOMPARE(a->recordCount, 9000u);
+            write(writer, 9001);
+            writer.begin(); // never ended: no record
+            writer.textUtf8(0, "Имя", 6);
+        } // the destructor finishes
+        QCOMPARE(a->recordCount, 18001u);
+        const MDRData* last = orvo::mdx::postedRecord(a.get(), 18000);
+        uint32_t length = 0;
+        const char* bytes = nullptr;
+        QCOMPARE(MDRGetTextRef(MDRFldByNum(a.get(), 0), last, &length, &bytes), int(MDX_OK));
+        QCOMPARE(std::string(bytes, length), cp("Имя"));
+        QCOMPARE(MDRGetTextRef(MDRFldByNum(a.get(), 4), last, &length, &bytes), int(MDX_OK));
+        QVERIFY(std::string(bytes, length) == large);
     }
 
     void aBlockHoldsItsFields() {
