@@ -58,6 +58,11 @@ const char settings[] = "SET standard_conforming_strings = on;"
                         "SET idle_in_transaction_session_timeout = '60s';"
                         "SET extra_float_digits = 1";
 
+/// A stream is long when it has more than the system holds of it at a time; how long it is left
+/// alone then to send on, in which time that does not run full.
+constexpr int longStream = 256 << 10;
+constexpr std::chrono::microseconds gathering(100);
+
 bool startsWith(std::string_view text, std::string_view what) {
     return text.substr(0, what.size()) == what;
 }
@@ -327,12 +332,26 @@ Result Connection::next() {
     return awaitResult() ? Result(PQgetResult(get())) : Result();
 }
 
+// Whoever waits for each of the server's small packets is woken for each of them, which costs both
+// sides more than the data itself. In the midst of a long stream they are left to gather.
 int Connection::copyData(char** message) {
+    enum { Look, Nap, Wait } next = m_streamed >= longStream ? Look : Wait;
     for (;;) {
         const int length = PQgetCopyData(get(), message, 1);
-        if (length != 0)
+        if (length != 0) {
+            if (length > 0 && m_streamed < longStream)
+                m_streamed += length;
             return length;
-        if (!awaitInput() && !usable())
+        }
+        if (next == Wait) {
+            if (!awaitInput() && !usable())
+                return -2;
+            continue;
+        }
+        if (next == Nap)
+            std::this_thread::sleep_for(gathering);
+        next = next == Look ? Nap : Wait;
+        if (PQconsumeInput(get()) == 0 && !usable())
             return -2;
     }
 }
@@ -375,6 +394,7 @@ void Connection::takeRest() {
 Result Connection::execute(const std::string& sql) {
     Result last;
     takeRest();
+    m_streamed = 0;
     if (usable() && PQsendQuery(get(), sql.c_str()) != 0) {
         while (Result result = next()) {
             const ExecStatusType status = PQresultStatus(result.get());

@@ -124,6 +124,7 @@ private:
     ConnectionHandle m_connection;
     std::unordered_map<std::string, std::string> m_prepared; ///< names by text
     unsigned m_made = 0;
+    int m_streamed = 0; ///< bytes of the COPY under way, as far as that matters
     int m_silentMs = 0; ///< so long a server may be silent; 0: for ever
     bool m_hurried = true;
     End m_end = End::None; ///< why the connection was closed here

@@ -8,6 +8,8 @@
 
 #include <QElapsedTimer>
 
+#include <thread>
+
 using namespace orvo::store;
 using namespace orvo::store::test;
 
@@ -108,6 +110,59 @@ private slots:
             QVERIFY(m_cluster->thaw());
         }
         ORVO_OK(run());
+    }
+
+    void aLongTableIsGivenUpInTheMiddleAndComesWholeAfterwards() {
+        constexpr int count = 200000;
+        QVERIFY(byHand("SET session_replication_role = replica;" // no log
+                       "INSERT INTO \"MenuFileExt\" SELECT 'key' || i, repeat('я', i % 50) || i "
+                       "FROM generate_series(1, " +
+                       QByteArray::number(count) + ") i;"));
+        const auto isWhole = [&] {
+            CMDArray array;
+            ORVO_OK(m_store->fetch("MenuFileExt", array.array));
+            QCOMPARE(array.array->recordCount, uint32_t(count));
+            for (const int i : {1, 4097, 77777, count}) {
+                const std::string key = "KEY" + std::to_string(i);
+                MDRVar value{};
+                value.type = MDX_TEXT;
+                value.value.text.length = static_cast<uint32_t>(key.size());
+                value.value.text.pointer = key.c_str();
+                const MDRData* record = MDARecSeekV(array.array, 0, &value, nullptr);
+                uint32_t length = 0;
+                const char* bytes = nullptr;
+                QCOMPARE(MDRGetTextRef(MDRFldByNum(array.array, 1), record, &length, &bytes),
+                         int(MDX_OK));
+                QCOMPARE(std::string(bytes, length),
+                         std::string(size_t(i % 50), '\xFF') + std::to_string(i));
+            }
+        };
+        isWhole();
+        int givenUp = 0;
+        for (const int milliseconds : {5, 20, 40, 80}) {
+            std::thread freezing([&] {
+                std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+                m_cluster->freeze();
+            });
+            ShortPatience patience(200);
+            CMDArray array;
+            Status status;
+            {
+                const PatienceScope scope(&patience);
+                status = m_store->fetch("MenuFileExt", array.array);
+            }
+            freezing.join();
+            QVERIFY(m_cluster->thaw());
+            if (status.ok()) {
+                QCOMPARE(array.array->recordCount, uint32_t(count));
+                continue;
+            }
+            ++givenUp;
+            ORVO_FAILS(status, Timeout);
+            QCOMPARE(int(array.array->fieldCount), 0);
+        }
+        QVERIFY(givenUp > 0);
+        isWhole();
     }
 
     void aWriteThatWasGivenUpIsUnknown() {
