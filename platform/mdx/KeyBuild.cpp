@@ -88,13 +88,13 @@ public:
     void sort() { sort(m_items.data(), m_items.size(), 0, m_items.size() >= manyRecords); }
 
     bool isUnique() const {
-        for (size_t i = 1; i < m_items.size(); ++i) {
-            if (i + ahead < m_items.size())
-                __builtin_prefetch(m_images.at(m_items[i + ahead].image));
-            if (sameKey(m_items[i - 1], m_items[i]))
-                return false;
-        }
-        return true;
+        const size_t count = m_items.size();
+        if (count < manyRecords)
+            return differ(1, count);
+        bool low = false;
+        bool high = false;
+        both([&] { low = differ(1, count / 2); }, [&] { high = differ(count / 2, count); });
+        return low && high;
     }
 
     void fill() {
@@ -194,6 +194,17 @@ private:
         if (x.keySize == Images::cut)
             return compareRecords(a, b, true) == 0;
         return std::memcmp(m_images.image(a.image), m_images.image(b.image), x.keySize) == 0;
+    }
+
+    // Whether the items from first to last each have another key than the one before.
+    bool differ(size_t first, size_t last) const {
+        for (size_t i = first; i < last; ++i) {
+            if (i + ahead < last)
+                __builtin_prefetch(m_images.at(m_items[i + ahead].image));
+            if (sameKey(m_items[i - 1], m_items[i]))
+                return false;
+        }
+        return true;
     }
 
     // How many bytes from `depth` on all images share. Eight zero bytes follow each image, so a
