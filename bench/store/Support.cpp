@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <limits>
 #include <malloc.h>
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -47,6 +48,17 @@ double memory(const char* name) {
 void keepMemory() {
     mallopt(M_MMAP_MAX, 0);
     mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
+}
+
+void touchMemory() {
+    constexpr size_t size = 768u << 20;
+    void* mapping =
+        ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    check(mapping != MAP_FAILED, "no memory");
+    ::madvise(mapping, size, MADV_HUGEPAGE);
+    for (size_t i = 0; i < size; i += 4096)
+        static_cast<volatile char*>(mapping)[i] = 1;
+    ::munmap(mapping, size);
 }
 
 double seconds(const std::function<void()>& work) {
@@ -117,6 +129,7 @@ void fill(store::Store& target, int records) {
 }
 
 double fetchIntoRecords(store::Store& source, int records) {
+    touchMemory();
     CMDArray array;
     const double time = seconds([&] {
         const store::Status status = source.fetch("MenuResource", array.array);
@@ -128,6 +141,7 @@ double fetchIntoRecords(store::Store& source, int records) {
 
 double fetchThroughQt(const char* driver, const QString& database, const QString& host,
                       const QString& user, int records) {
+    touchMemory();
     double time = 0;
     {
         QSqlDatabase connection = QSqlDatabase::addDatabase(driver, "peer");

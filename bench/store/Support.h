@@ -16,6 +16,10 @@ namespace orvo::bench {
 /// Freed memory stays with the process, so that after the first round both sides write to memory
 /// that was touched before.
 void keepMemory();
+/// The same for memory that goes back to the system as soon as it is free: the system has as much
+/// of it at hand as a fetch takes. In a virtual machine it may have to ask the host for each page
+/// otherwise, which takes longer than the fetch. To be called before each measured fetch.
+void touchMemory();
 double seconds(const std::function<void()>& work);
 double median(std::vector<double> values);
 /// Ends the program with the text unless it holds.

@@ -78,6 +78,7 @@ void benchWrites(const std::string& url, const char* what, const char* budget) {
 }
 
 double fetchAndDrop(store::postgres::Connection& connection, int records) {
+    touchMemory();
     int rows = 0;
     const double time = seconds([&] {
         const auto begun = connection.execute(
