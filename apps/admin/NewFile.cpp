@@ -31,12 +31,15 @@ int flushed(const std::string& path, int flags) {
 
 } // namespace
 
-NewFile::NewFile(std::string place) : m_place(std::move(place)) {
+NewFile::NewFile(std::string place, const store::MaintainedStore& store)
+    : m_place(std::move(place)) {
     struct stat info {};
     if (m_place.empty())
         refuse(m_place, "имя пустое");
     if (::stat(m_place.c_str(), &info) == 0 && !S_ISREG(info.st_mode))
         refuse(m_place, S_ISDIR(info.st_mode) ? "это каталог" : "это не обычный файл");
+    if (store.livesIn(m_place))
+        refuse(m_place, "это сам файл хранилища");
     std::string name = m_place + ".new-XXXXXX";
     const int file = ::mkostemp(name.data(), O_CLOEXEC); // mode 0600
     if (file < 0)

@@ -2,6 +2,8 @@
 #ifndef ORVO_ADMIN_NEWFILE_H
 #define ORVO_ADMIN_NEWFILE_H
 
+#include "platform/store/Maintenance.h"
+
 #include <string>
 
 namespace orvo::admin {
@@ -10,8 +12,9 @@ namespace orvo::admin {
 /// is put there. For one at a time.
 class NewFile {
 public:
-    /// Throws Failure: no directory, no right, or something else than a regular file at the place.
-    explicit NewFile(std::string place);
+    /// Throws Failure: no directory, no right, something else than a regular file at the place, or
+    /// a file of the store itself.
+    NewFile(std::string place, const store::MaintainedStore& store);
     ~NewFile();
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;

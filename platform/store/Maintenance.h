@@ -73,6 +73,9 @@ public:
 
     // Backups ------------------------------------------------------------------------------------
 
+    /// Whether a file of the disk, there or still to be made, is one of those that the store lives
+    /// in: what is put in its place takes the store's content with it.
+    virtual bool livesIn(const std::string& file) const = 0;
     /// Copies the store as it is at one moment, its log included, into a file, which is there and
     /// empty. Others may write meanwhile. On failure the file's content is undefined.
     virtual Status backup(const std::string& file, const Progress& progress) = 0;

@@ -5,6 +5,7 @@
 #include "platform/store/PostgresStore.h"
 
 #include "platform/store/Names.h"
+#include "platform/store/Sql.h"
 
 #include <QFileInfo>
 #include <QProcess>
@@ -157,10 +158,29 @@ QByteArray beginning() {
     return QByteArray::fromStdString(sql);
 }
 
+/// Fails where what came from the archive lacks a table or a field, so that nothing is committed.
+std::string checkTables() {
+    std::string sql;
+    const auto select = [&sql](const std::string& columns, const char* table) {
+        sql += "SELECT " + columns + " FROM " + qualified(table) + " LIMIT 0;\n";
+    };
+    for (const TableDef& table : tables())
+        select(fieldList(table), table.name);
+    select(fieldList(contentTable()), contentTable().name);
+    select("\"KeyLink\", \"part\", \"data\"", "MenuResourceFileData");
+    select("\"id\", \"code\", \"tableName\", \"key\", \"login\", \"time\", \"after\", \"before\", "
+           "\"call\"",
+           "NciEvent");
+    select("\"id\"", "NciPruned");
+    select("\"version\"", "NciStore");
+    return sql;
+}
+
 /// Every number of a change that was ever given out becomes too low for a reader, and the next
 /// change gets a higher one.
 QByteArray ending() {
-    return QByteArray("\nUPDATE public.\"NciPruned\" SET \"id\" = 1 + greatest(:orvo_position, "
+    return QByteArray("\n") + QByteArray::fromStdString(checkTables()) +
+           QByteArray("UPDATE public.\"NciPruned\" SET \"id\" = 1 + greatest(:orvo_position, "
                       "\"id\", coalesce((SELECT max(\"id\") FROM public.\"NciEvent\"), 0));\n"
                       "SELECT pg_catalog.setval('public.\"NciEventId\"', (SELECT \"id\" FROM "
                       "public.\"NciPruned\"));\nSELECT pg_catalog.pg_notify('") +

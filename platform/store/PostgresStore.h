@@ -50,6 +50,7 @@ public:
     Status integrity(std::vector<std::string>* damages) override;
 
     Status logBefore(double time, int64_t* id, int64_t* count) override;
+    bool livesIn(const std::string& /*file*/) const override { return false; }
     Status backup(const std::string& file, const Progress& progress) override;
     Status restore(const std::string& file, const Progress& progress) override;
     Status missingLogins(std::vector<std::string>* logins) override;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
 #include <sys/stat.h>
 #include <thread>
 
@@ -50,6 +51,23 @@ Status copyPages(const Connection& from, const Connection& into, const char* wha
     return into.failure(what);
 }
 
+/// What every version of a store has: without it nothing could read or write the store.
+Status checkTables(const Connection& backup, const std::string& what) {
+    const auto selects = [&](const std::string& columns, const char* table) {
+        return bool(backup.prepare("SELECT " + columns + " FROM " + identifier(table)));
+    };
+    bool whole = selects(fieldList(contentTable()) + ", \"data\"", contentTable().name);
+    for (const TableDef& table : tables())
+        whole = whole && selects(fieldList(table), table.name);
+    whole = whole &&
+            selects("\"id\", \"code\", \"tableName\", \"key\", \"login\", \"time\", \"after\", "
+                    "\"before\"",
+                    "NciEvent") &&
+            selects("\"login\"", "NciWriter") && selects("\"id\"", "NciPruned") &&
+            selects("\"tableName\", \"key\", \"before\"", "NciReplaced");
+    return whole ? Status() : backup.failure(what + " неполная");
+}
+
 /// Opens a backup for reading, if it is one. Nothing is made beside it.
 Status openBackup(const std::string& file, Connection* connection) {
     const std::string what = "Резервная копия " + shown(file);
@@ -78,7 +96,7 @@ Status openBackup(const std::string& file, Connection* connection) {
         return connection->failure(what);
     if (check.text(0) != "ok")
         return {Failed, what + " повреждена: " + shown(check.text(0))};
-    return {};
+    return checkTables(*connection, what);
 }
 
 bool sameFile(const std::string& a, const std::string& b) {
@@ -90,10 +108,23 @@ bool sameFile(const std::string& a, const std::string& b) {
 
 } // namespace
 
+bool SqliteStore::livesIn(const std::string& file) const {
+    const std::filesystem::path place(file);
+    const std::filesystem::path above = place.has_parent_path() ? place.parent_path() : ".";
+    for (const char* suffix : {"", "-wal", "-shm", "-journal"}) {
+        const std::filesystem::path own(m_path + suffix);
+        // By name too: what is not there yet would be taken for the store's when it is.
+        if (sameFile(file, own) ||
+            (place.filename() == own.filename() && sameFile(above, own.parent_path())))
+            return true;
+    }
+    return false;
+}
+
 Status SqliteStore::backup(const std::string& file, const Progress& progress) {
     return guarded([&]() -> Status {
         const char what[] = "Резервная копия";
-        if (sameFile(file, m_path))
+        if (livesIn(file))
             return {Refused, "Резервная копия: это сам файл хранилища"};
         Connection target;
         if (target.open(file.c_str(), SQLITE_OPEN_READWRITE) != SQLITE_OK)
@@ -115,7 +146,7 @@ Status SqliteStore::backup(const std::string& file, const Progress& progress) {
 Status SqliteStore::restore(const std::string& file, const Progress& progress) {
     return guarded([&]() -> Status {
         const char what[] = "Восстановление";
-        if (sameFile(file, m_path))
+        if (livesIn(file))
             return {Refused, "Восстановление: это сам файл хранилища"};
         Connection source;
         int64_t position = 0;

@@ -16,7 +16,11 @@ private slots:
     void changesGoOnAfterARestore();
     void aBackupFileIsComplete();
     void whatIsNoBackupChangesNothing();
+    void aBackupOrAnExportOntoTheStoreItselfIsRefused();
     void aDamagedBackupChangesNothing();
+    void aBackupWithoutATableChangesNothing_data();
+    void aBackupWithoutATableChangesNothing();
+    void aBackupOfAnEarlierVersionBringsItsContent();
     void aNewerBackupIsRefused();
     void anInterruptedBackupLeavesNoFile();
     void anInterruptedExportLeavesNoFile();
@@ -48,6 +52,14 @@ private:
         shell->write("BEGIN; LOCK TABLE \"" + table +
                      "\" IN ACCESS EXCLUSIVE MODE; \\echo locked\n");
         return shell->waitForReadyRead(20000) ? std::move(shell) : nullptr;
+    }
+    /// A backup of the store as it is, made by other means than the command.
+    bool copy() const {
+        if (!isPostgres())
+            return m_kind.byHand("VACUUM INTO '" + file().toUtf8() + "';");
+        QProcess dump;
+        dump.start("pg_dump", {"-Fc", "-f", file(), "-d", QString::fromStdString(m_kind.url())});
+        return dump.waitForFinished() && dump.exitCode() == 0;
     }
     static void end(QProcess& process) {
         process.kill();
@@ -200,19 +212,89 @@ void TestAdminBackup::aDamagedBackupChangesNothing() {
     QCOMPARE(content(), before);
 }
 
+void TestAdminBackup::aBackupOrAnExportOntoTheStoreItselfIsRefused() {
+    if (isPostgres())
+        QSKIP("a file of its own is what a store in an SQLite file has");
+    ORVO_DONE(run({"ext", "add", ".ui"}));
+    const QString own = QString::fromStdString(m_kind.url()).mid(9);
+    const QFileInfo place(own);
+    const QString link = m_admin->path("link");
+    QVERIFY(QFile::link(own, link));
+    // What writes all the time: the file and its journals are in use.
+    const auto writer = open();
+    QVERIFY(writer->userAdd({"anna", "А", "Б", "В"}).ok());
+    QVERIFY(QFileInfo::exists(own + "-wal"));
+    ORVO_DONE(run({"put", "file", m_admin->write(place.fileName(), "text")}));
+    const QByteArray before = content();
+    for (const QString& file : {own, own + "-wal", own + "-shm", own + "-journal", link,
+                                place.path() + "/./" + place.fileName()})
+        for (const char* verb : {"export", "backup"})
+            ORVO_REFUSED(run({verb, file}), "сам файл хранилища");
+    // Nor does a stored file of that name come out over it.
+    ORVO_REFUSED(run({"get", "file", place.fileName(), place.path()}), "сам файл хранилища");
+    ORVO_DONE(run({"get", "file", place.fileName(), m_admin->path()}));
+    QVERIFY(!QFileInfo::exists(own + "-journal"));
+    QCOMPARE(content(), before);
+    QVERIFY(writer->userAdd({"boris", "А", "Б", "В"}).ok());
+    QCOMPARE(run({"user", "list"}).lines().size(), 2);
+}
+
+void TestAdminBackup::aBackupWithoutATableChangesNothing_data() {
+    QTest::addColumn<QByteArray>("damage");
+    QTest::newRow("a table") << QByteArray("DROP TABLE \"MenuFileExt\"");
+    QTest::newRow("contents") << QByteArray("DROP TABLE \"MenuResourceFile\"");
+    QTest::newRow("the log") << QByteArray("DROP TABLE \"NciEvent\"");
+    QTest::newRow("what is pruned") << QByteArray("DROP TABLE \"NciPruned\"");
+    QTest::newRow("a field") << QByteArray("ALTER TABLE \"Users\" RENAME COLUMN \"midlName\" TO "
+                                           "\"other\"");
+}
+
+void TestAdminBackup::aBackupWithoutATableChangesNothing() {
+    QFETCH(QByteArray, damage);
+    ORVO_DONE(run({"ext", "add", ".ui"}));
+    const QByteArray before = content();
+    ORVO_DONE(run({"backup", m_admin->path("own")}));
+    // The store loses it, and its backup is made by other means.
+    const bool cascade = isPostgres() && damage.startsWith("DROP");
+    QVERIFY(m_kind.byHand(damage + (cascade ? " CASCADE;" : ";")));
+    QVERIFY(copy());
+    QVERIFY(m_kind.renew());
+    ORVO_DONE(run({"init"}));
+    ORVO_DONE(run({"restore", "--replace", m_admin->path("own")}));
+    QCOMPARE(content(), before);
+    const AdminResult refused = run({"restore", "--replace", file()});
+    QVERIFY2(refused.code == 2, qPrintable(refused.out + refused.err));
+    QVERIFY2(refused.err.count('\n') == 1, qPrintable(refused.err));
+    QCOMPARE(content(), before);
+    ORVO_DONE(run({"ext", "add", ".later"}));
+}
+
+void TestAdminBackup::aBackupOfAnEarlierVersionBringsItsContent() {
+    ORVO_DONE(run({"demo"}));
+    const QByteArray before = content();
+    // As version 1 left it: without the index over names.
+    QVERIFY(m_kind.byHand(
+        isPostgres()
+            ? "DO $$ DECLARE i text; BEGIN FOR i IN SELECT indexrelid::regclass FROM pg_index "
+              "WHERE indrelid = '\"MenuResource\"'::regclass AND indpred IS NOT NULL LOOP EXECUTE "
+              "'DROP INDEX ' || i; END LOOP; END $$; UPDATE \"NciStore\" SET \"version\" = 1;"
+            : "DROP INDEX \"MenuResource.stored\"; ALTER TABLE \"MenuResource\" DROP COLUMN "
+              "\"nameFolding\"; PRAGMA user_version = 1;"));
+    QVERIFY(copy());
+    QVERIFY(m_kind.renew());
+    ORVO_DONE(run({"init"}));
+    ORVO_DONE(run({"restore", file()}));
+    QCOMPARE(content(), before);
+    ORVO_DONE(run({"put", "file", "--path", "icons", m_admin->write("new.png", "bytes")}));
+    ORVO_DONE(run({"get", "file", "--path", "icons", "new.png", m_admin->path()}));
+    QCOMPARE(run({"check"}).code, 0);
+}
+
 void TestAdminBackup::aNewerBackupIsRefused() {
     ORVO_DONE(run({"backup", m_admin->path("own")}));
     QVERIFY(m_kind.byHand(isPostgres() ? "UPDATE \"NciStore\" SET \"version\" = 99;"
                                        : "PRAGMA user_version = 99;"));
-    // The command opens no such store, so its backup is made by other means.
-    if (isPostgres()) {
-        QProcess dump;
-        dump.start("pg_dump", {"-Fc", "-f", file(), "-d", QString::fromStdString(m_kind.url())});
-        QVERIFY(dump.waitForFinished());
-        QCOMPARE(dump.exitCode(), 0);
-    } else {
-        QVERIFY(m_kind.byHand("VACUUM INTO '" + file().toUtf8() + "';"));
-    }
+    QVERIFY(copy()); // the command opens no such store
     QVERIFY(m_kind.renew());
     ORVO_REFUSED(run({"restore", file()}), "более новой версией программы (версия 99, известна ");
     QCOMPARE(run({"check"}).code, 1); // as renewed: no folders

@@ -16,7 +16,7 @@ namespace {
 int backup(const Invocation& call) {
     const auto store = call.open();
     const Interruptible stoppable;
-    NewFile file(call.argument(0));
+    NewFile file(call.argument(0), *store);
     {
         ProgressLine progress(call, "резервная копия");
         require(store->backup(file.path(), std::ref(progress)), "резервная копия не сделана");

@@ -8,8 +8,8 @@ namespace orvo::admin {
 
 namespace {
 
-int extract(const std::vector<store::StoredFile>& files, const std::string& what,
-            const std::string& directory) {
+int extract(const store::MaintainedStore& store, const std::vector<store::StoredFile>& files,
+            const std::string& what, const std::string& directory) {
     if (files.empty())
         throw Failure(what + " нет, или к ней не сохранено ни одного файла");
     // A name that leads out of the directory is found before the first file is written.
@@ -17,6 +17,10 @@ int extract(const std::vector<store::StoredFile>& files, const std::string& what
         if (!store::isPlainFileName(file.name))
             throw Failure(what + ": имя «" + file.name +
                           "» выводит из каталога; ничего не записано");
+    for (const store::StoredFile& file : files)
+        if (store.livesIn(directory + "/" + file.name))
+            throw Failure(what + ": на месте «" + file.name +
+                          "» лежит сам файл хранилища; ничего не записано");
     for (const store::StoredFile& file : files) {
         writeLocalFile(directory, file.name, file.bytes, file.time);
         out(cell(directory + "/" + file.name));
@@ -29,7 +33,7 @@ int getForm(const Invocation& call) {
     const auto store = call.open();
     std::vector<store::StoredFile> files;
     require(store->formGet(call.argument(0), true, &files), "форма не извлечена");
-    return extract(files, "формы «" + call.argument(0) + "»", call.argument(1));
+    return extract(*store, files, "формы «" + call.argument(0) + "»", call.argument(1));
 }
 
 void fileOptions(QCommandLineParser& parser) {
@@ -48,7 +52,7 @@ int getFile(const Invocation& call) {
     require(store->fileGet(path, call.argument(0), true, &files), "файл не извлечён");
     if (files.empty())
         throw Failure("файла «" + full + "» нет");
-    return extract(files, "файл «" + full + "»", call.argument(1));
+    return extract(*store, files, "файл «" + full + "»", call.argument(1));
 }
 
 } // namespace

@@ -43,7 +43,7 @@ int exportAll(const Invocation& call) {
         write(stdout);
         return Done;
     }
-    NewFile file(place);
+    NewFile file(place, *store);
     const Stream stream(std::fopen(file.path().c_str(), "we"));
     if (!stream)
         throw Failure(std::string(what) + ": " + std::strerror(errno));
