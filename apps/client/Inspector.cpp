@@ -2,9 +2,12 @@
 
 #include "apps/client/WidgetReport.h"
 
+#include <QDir>
+#include <QFile>
 #include <QJsonDocument>
 #include <QLocalSocket>
 
+#include <sys/stat.h>
 #include <utility>
 
 namespace orvo::app {
@@ -17,6 +20,24 @@ QJsonObject failure(const QString& text) {
     return {{QStringLiteral("error"), text}};
 }
 
+/// What stands where the socket is to be and must not be lost; empty if nothing does. The server
+/// itself does not look: it makes its socket elsewhere and renames it over whatever is there.
+QString inTheWay(const QString& name) {
+    constexpr int answerMs = 500;
+    const QString path = name.startsWith(QLatin1Char('/'))
+                             ? name
+                             : QDir::cleanPath(QDir::tempPath()) + QLatin1Char('/') + name;
+    struct stat found {};
+    if (::lstat(QFile::encodeName(path).constData(), &found) != 0)
+        return {};
+    if (!S_ISSOCK(found.st_mode))
+        return QStringLiteral("уже есть файл с таким именем");
+    QLocalSocket other;
+    other.connectToServer(name);
+    return other.waitForConnected(answerMs) ? QStringLiteral("он занят другой программой")
+                                            : QString();
+}
+
 } // namespace
 
 Inspector::Inspector(Sources sources, QObject* parent)
@@ -27,19 +48,13 @@ Inspector::Inspector(Sources sources, QObject* parent)
 }
 
 bool Inspector::listen(const QString& name, QString* error) {
-    if (m_server.listen(name))
-        return true;
-    if (m_server.serverError() == QAbstractSocket::AddressInUseError) {
-        constexpr int answerMs = 500;
-        QLocalSocket other;
-        other.connectToServer(name);
-        if (!other.waitForConnected(answerMs)) {
-            QLocalServer::removeServer(name);
-            if (m_server.listen(name))
-                return true;
-        }
+    QString hindrance = inTheWay(name);
+    if (hindrance.isEmpty()) {
+        if (m_server.listen(name))
+            return true;
+        hindrance = m_server.errorString();
     }
-    *error = QStringLiteral("Сокет %1 не открыт: %2").arg(name, m_server.errorString());
+    *error = QStringLiteral("Сокет %1 не открыт: %2").arg(name, hindrance);
     return false;
 }
 

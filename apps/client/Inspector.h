@@ -35,8 +35,8 @@ public:
     explicit Inspector(Sources sources, QObject* parent = nullptr);
 
     /// Opens the socket, for this user only: a name, or the path of a socket file. A socket left
-    /// behind by a client that died is taken over; one that answers is not. False, with one line in
-    /// `error`, if it cannot be opened.
+    /// behind by a client that died is taken over; one that answers is not, nor is the place of any
+    /// other file. False, with one line in `error`, if it cannot be opened.
     bool listen(const QString& name, QString* error);
 
     /// The answer to one question.
