@@ -11,6 +11,7 @@ private slots:
     void aSoundStoreHasNoFindings();
     void everyDefectIsFoundAlone_data();
     void everyDefectIsFoundAlone();
+    void keysOfFixedRowsAreFound();
     void aCycleIsToldOnceWithItsLength();
     void damagedPagesAreFound();
     void aFloodIsCutUnlessAllIsWanted();
@@ -208,6 +209,30 @@ void TestAdminCheck::everyDefectIsFoundAlone() {
     }
     QVERIFY2(found == 1, qPrintable(result.out));
     QVERIFY2(others == 0, qPrintable(result.out)); // a warning brings no errors along
+}
+
+void TestAdminCheck::keysOfFixedRowsAreFound() {
+    const AdminRun admin;
+    admin.copyFrom(sound_);
+    // Keys compare without regard to case.
+    admin.sql("insert into MenuFolder values ('MainNode', null, 'Стол', '2000', 0)");
+    admin.sql("insert into Menu values ('MenuRootNode', null, 'd2', 'Э', 0, null, 0, 0, 'r1', "
+              "null)");
+    QStringList keys = {"MenuFolder MainNode", "Menu MenuRootNode"};
+    for (const char* key : {"MenuResources", "FILERESOURCES", "WrongFolder"}) {
+        admin.sql(QString("insert into MenuResourceFolder values ('%1', null, 4, '%1')").arg(key));
+        admin.sql(QString("insert into MenuResource(KeyLink, MenuResourceFolderKey, name_, type_) "
+                          "values ('%1', 'f1', '%1', 1)")
+                      .arg(key));
+        keys << QString("MenuResourceFolder ") + key << QString("MenuResource ") + key;
+    }
+    const AdminResult result = admin.run({"check"});
+    QCOMPARE(result.code, 1);
+    for (const QString& key : keys)
+        QVERIFY2(result.out.contains(
+                     QRegularExpression("ошибка: " + key + " «[^»]*»: такой ключ у строки дерева")),
+                 qPrintable(key + '\n' + result.out));
+    QVERIFY2(result.out.contains("ошибок: 8,"), qPrintable(result.out));
 }
 
 void TestAdminCheck::aCycleIsToldOnceWithItsLength() {

@@ -29,6 +29,8 @@ void checkElements(const Catalogue& catalogue, Findings& findings);
 void checkFolders(const Catalogue& catalogue, Findings& findings);
 /// Resources, their folders, names and locks.
 void checkResources(const Catalogue& catalogue, Findings& findings);
+/// Records with the keys that the editors give to the fixed rows of their trees.
+void checkFixedKeys(const Catalogue& catalogue, Findings& findings);
 /// Files without stored content. (Forms may stand without files: their menus can be laid out
 /// first.)
 void checkContents(store::Store& store, const Catalogue& catalogue, Findings& findings);

@@ -21,6 +21,7 @@ int checkRecords(store::Store& store, Findings& findings) {
     checkElements(catalogue, findings);
     checkFolders(catalogue, findings);
     checkResources(catalogue, findings);
+    checkFixedKeys(catalogue, findings);
     checkContents(store, catalogue, findings);
     int records = 0;
     for (const Table* table : {&catalogue.users, &catalogue.extensions, &catalogue.folders,
