@@ -66,7 +66,9 @@ bool parseOptions(const QStringList& arguments, Options* options, QString* error
 
     options->store =
         parser.isSet(store) ? parser.value(store) : dataHome() + QStringLiteral("/orvo/orvo.db");
-    if (!options->store.contains(QStringLiteral("://")))
+    // "sqlite:path" is an address like "sqlite:///path".
+    if (!options->store.contains(QStringLiteral("://")) &&
+        !options->store.startsWith(QStringLiteral("sqlite:")))
         options->store = absolute(options->store);
     options->login = parser.isSet(login) ? parser.value(login) : systemLogin();
     if (options->login.isEmpty()) {

@@ -11,6 +11,7 @@ private slots:
     void initAgainChangesNothing();
     void initGivesBackAMissingFolder();
     void initRefusesAPlaceThatCannotBe();
+    void anAddressMakesNoFolders();
     void usersAreAddedAndListed();
     void aLoginIsTakenOnce_data();
     void aLoginIsTakenOnce();
@@ -73,6 +74,20 @@ void TestAdminBasics::initRefusesAPlaceThatCannotBe() {
     admin.write("file", "x");
     const AdminResult result = admin.plain({"--store", admin.path("file/store.db"), "init"});
     QVERIFY2(result.refused("хранилище не сделано"), qPrintable(result.err));
+}
+
+void TestAdminBasics::anAddressMakesNoFolders() {
+    const AdminRun admin;
+    const QString url = "sqlite:" + admin.path("store.db");
+    const AdminResult made = admin.plain({"--store", url, "init"});
+    QVERIFY2(made.code == 0, qPrintable(made.err));
+    QCOMPARE(QDir(admin.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+             QStringList{"store.db"});
+    QVERIFY(admin.plain({"--store", "sqlite:" + admin.path("none/store.db"), "init"})
+                .refused("хранилище не сделано"));
+    QVERIFY(!QFileInfo::exists(admin.path("none")));
+    QCOMPARE(QDir(admin.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+             QStringList{"store.db"});
 }
 
 void TestAdminBasics::usersAreAddedAndListed() {

@@ -56,6 +56,17 @@ private slots:
             QVERIFY(helpText().contains(name));
     }
 
+    void anAddressIsNoPathBelowTheCurrentDirectory() {
+        Options options;
+        QString error;
+        for (const char* url : {"sqlite:/data/a.db", "sqlite:a.db", "sqlite:///data/a.db"}) {
+            QVERIFY(parse({"--store", url}, &options, &error));
+            QCOMPARE(options.store, QString(url));
+        }
+        QVERIFY(parse({"--store", "./sqlite:a.db"}, &options, &error));
+        QCOMPARE(options.store, QDir::currentPath() + "/sqlite:a.db");
+    }
+
     void errorsAreOneLine_data() {
         QTest::addColumn<QStringList>("arguments");
         QTest::newRow("unknown option") << QStringList("--stor");

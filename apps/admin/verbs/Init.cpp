@@ -74,7 +74,7 @@ namespace {
 
 /// A plain path gets the folders above it; a URL names a place that is there already.
 void makeFolderAbove(const std::string& url) {
-    if (url.find("://") != std::string::npos)
+    if (url.find("://") != std::string::npos || url.starts_with("sqlite:"))
         return;
     const QString folder = QFileInfo(QString::fromStdString(url)).absolutePath();
     if (!QDir().mkpath(folder))
