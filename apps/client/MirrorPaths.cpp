@@ -37,7 +37,9 @@ store::Status plainFolderPaths(store::Store& store, std::set<std::string>* paths
     }
     std::unordered_map<std::string, const store::FolderRow*> byKey;
     for (const store::FolderRow& row : rows)
-        byKey[store::FolderTree::link(row.key)] = &row;
+        // A record with the key of a top row is nobody's parent: what names it hangs at the top.
+        if (const std::string key = store::FolderTree::link(row.key); !key.empty())
+            byKey[key] = &row;
     const store::FolderTree tree(rows, store::Area::Files);
     *paths = {std::string()};
     for (const store::FolderRow& row : rows) {

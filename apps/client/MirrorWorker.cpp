@@ -16,6 +16,7 @@ namespace orvo::app {
 namespace {
 
 constexpr double sameTime = 0.001;
+constexpr double latestTime = 4294967296.0;
 /// What the editors show at once.
 constexpr std::string_view iconFolder = "icons";
 
@@ -201,16 +202,19 @@ bool MirrorWorker::list(bool contents, std::vector<Wanted>* queue) {
 
 void MirrorWorker::consider(const std::string& folder, const store::StoredFile& file, bool contents,
                             std::vector<Wanted>* queue) {
-    const double time = file.time && std::isfinite(*file.time) ? *file.time : 0;
+    // No disk holds every time that a store does, and what it makes of another would look changed
+    // each time.
+    const bool holds = file.time && *file.time >= 0 && *file.time < latestTime;
+    const double time = holds ? *file.time : 0;
     const std::string path = join(folder, file.name);
     const auto known = m_manifest.find(path);
     bool same = known != m_manifest.end();
     if (same) {
         known->second = m_listing;
         const auto local = m_directory.info(split(path));
-        // Without a time only the notification tells that the content is another.
+        // Without a time of its own only the notification tells that the content is another.
         same = local && local->size == file.size && std::fabs(local->time - time) < sameTime &&
-               (file.time || !contents);
+               (holds || !contents);
     }
     if (!same)
         queue->push_back({folder, file.name, time});

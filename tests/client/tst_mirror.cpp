@@ -161,6 +161,51 @@ private slots:
         QTRY_COMPARE(bench.local("icons/a.png"), QByteArray("two"));
     }
 
+    void aTimeThatTheDiskCannotHoldIsCopiedOnce_data() {
+        QTest::addColumn<double>("time");
+        for (const double time : {1e300, -1e300, 4294967296.0 * 8, -5e9, -0.5})
+            QTest::newRow(QByteArray::number(time)) << time;
+    }
+    void aTimeThatTheDiskCannotHoldIsCopiedOnce() {
+        QFETCH(double, time);
+        Bench bench;
+        bench.put("icons", "a.png", "one", time);
+        QVERIFY2(bench.failures.isEmpty(), qPrintable(bench.failures.join('\n')));
+        QVERIFY(bench.start());
+        QCOMPARE(bench.local("icons/a.png"), QByteArray("one"));
+        FileMirror again(bench.opener(), bench.work);
+        QSignalSpy updated(&again, &FileMirror::updated);
+        QString error;
+        QVERIFY(again.start(&error));
+        QTRY_VERIFY(again.isIdle());
+        QCOMPARE(updated.count(), 0);
+        bench.put("icons", "a.png", "two", time); // told by its notification alone
+        QTRY_COMPARE(bench.local("icons/a.png"), QByteArray("two"));
+    }
+
+    void aFolderWithTheKeyOfTheTopRowKeepsNobodyWaiting_data() {
+        QTest::addColumn<QByteArray>("key");
+        QTest::addColumn<QByteArray>("parent");
+        for (const char* key : {"FileResources", "menuresources"})
+            for (const char* parent : {"", "FileResources", "MenuResources", "icons"})
+                QTest::newRow(QByteArray(key) + " in " + parent)
+                    << QByteArray(key) << QByteArray(parent);
+    }
+    void aFolderWithTheKeyOfTheTopRowKeepsNobodyWaiting() {
+        QFETCH(QByteArray, key);
+        QFETCH(QByteArray, parent);
+        Bench bench;
+        bench.put("icons", "a.png", "x");
+        bench.write("MenuResourceFolder", 1,
+                    {{"KeyLink", key.toStdString()},
+                     {"ParentKey", parent.toStdString()},
+                     {"type_", "4"},
+                     {"caption", "top"}});
+        QVERIFY2(bench.failures.isEmpty(), qPrintable(bench.failures.join('\n')));
+        QVERIFY(bench.start());
+        QCOMPARE(bench.local("icons/a.png"), QByteArray("x"));
+    }
+
     void whatIsUpToDateIsNotWrittenAgain() {
         Bench bench;
         bench.put("icons", "a.png", "same");
