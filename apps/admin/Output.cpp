@@ -1,15 +1,13 @@
 #include "apps/admin/Output.h"
 
+#include "platform/store/Names.h"
+
 #include <cstdio>
 
 namespace orvo::admin {
 
 std::string cell(std::string_view text) {
-    std::string clean(text);
-    for (char& c : clean)
-        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f)
-            c = ' ';
-    return clean;
+    return store::withoutControls(text, ' ');
 }
 
 void out(std::string_view line) {

@@ -2,6 +2,7 @@
 
 #include "apps/admin/Failure.h"
 #include "platform/mdx/MdxBuild.h"
+#include "platform/store/Names.h"
 
 #include <QString>
 #include <QUuid>
@@ -168,8 +169,8 @@ std::string newKey() {
 }
 
 void requireStorable(std::string_view utf8, const std::string& what) {
-    for (const char c : utf8)
-        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f)
+    for (size_t i = 0; i < utf8.size(); ++i)
+        if (store::controlLength(utf8.substr(i)) > 0)
             throw Failure(what + " содержит управляющий знак");
     if (mdx::toUtf8(mdx::toCp1251(utf8)) != utf8)
         throw Failure(what + " «" + std::string(utf8) +

@@ -1,5 +1,7 @@
 #include "apps/client/LogPane.h"
 
+#include "apps/client/Look.h"
+
 #include <QAction>
 #include <QClipboard>
 #include <QGuiApplication>
@@ -36,7 +38,7 @@ void LogPane::add(int level, const QString& place, const QString& text) {
     const bool atEnd = verticalScrollBar()->value() == verticalScrollBar()->maximum();
     auto* line = new QTreeWidgetItem(
         {QTime::currentTime().toString(QStringLiteral("HH:mm:ss")), place, text.simplified()});
-    line->setToolTip(2, text);
+    line->setToolTip(2, plainToolTip(text));
     if (level >= LogError)
         line->setForeground(2, QColor(0xb3, 0x2d, 0x23));
     else if (level >= LogWarning)

@@ -36,6 +36,15 @@ QPalette calmPalette() {
 
 } // namespace
 
+QString plainToolTip(const QString& text, const QString& hint) {
+    QString tip;
+    if (!text.isEmpty())
+        tip = QStringLiteral("<p style='white-space:pre-wrap'>%1</p>").arg(text.toHtmlEscaped());
+    if (!hint.isEmpty())
+        tip += QStringLiteral("<p>%1</p>").arg(hint.toHtmlEscaped());
+    return tip;
+}
+
 void applyLook() {
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setPalette(calmPalette());

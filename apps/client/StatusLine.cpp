@@ -1,5 +1,7 @@
 #include "apps/client/StatusLine.h"
 
+#include "apps/client/Look.h"
+
 #include <QLabel>
 #include <QLocale>
 #include <QTime>
@@ -68,7 +70,7 @@ void StatusLine::setConnected(bool up, const QString& reason) {
                              : QStringLiteral("Нет связи с %1 с %2").arg(m_store, m_since));
     m_connection->setStyleSheet(up ? QString() : QStringLiteral("color:#9c2a20"));
     m_storeLabel->setVisible(up); // the other label names it then
-    m_connection->setToolTip(reason);
+    m_connection->setToolTip(plainToolTip(reason));
     fitFailure();
 }
 
@@ -88,10 +90,9 @@ void StatusLine::setFailure(const QString& text) {
     ++m_count;
     m_text = text.simplified();
     fitFailure();
-    m_failure->setToolTip(
-        QStringLiteral("<p style='white-space:pre-wrap'>%1  %2</p>"
-                       "<p>Щёлкните, чтобы убрать. Все сообщения — в журнале.</p>")
-            .arg(QTime::currentTime().toString(QStringLiteral("HH:mm:ss")), text.toHtmlEscaped()));
+    m_failure->setToolTip(plainToolTip(
+        QTime::currentTime().toString(QStringLiteral("HH:mm:ss")) + QStringLiteral("  ") + text,
+        QStringLiteral("Щёлкните, чтобы убрать. Все сообщения — в журнале.")));
     m_failure->show();
 }
 

@@ -12,10 +12,6 @@ namespace orvo::store {
 
 namespace {
 
-bool isControl(unsigned char c) {
-    return c < 0x20 || c == 0x7F;
-}
-
 /// Length of the valid UTF-8 sequence at the start of the text, 0 if there is none.
 size_t sequenceLength(std::string_view text) {
     const auto at = [&](size_t i) { return static_cast<unsigned char>(text[i]); };
@@ -100,6 +96,26 @@ std::string validUtf8(std::string text) {
     return text;
 }
 
+size_t controlLength(std::string_view text) {
+    const auto at = [&](size_t i) {
+        return i < text.size() ? static_cast<unsigned char>(text[i]) : 0xFF;
+    };
+    if (at(0) < 0x20 || at(0) == 0x7F)
+        return 1;
+    return at(0) == 0xC2 && at(1) >= 0x80 && at(1) < 0xA0 ? 2 : 0;
+}
+
+std::string withoutControls(std::string_view text, char instead) {
+    std::string out;
+    out.reserve(text.size());
+    for (size_t i = 0; i < text.size();) {
+        const size_t length = controlLength(text.substr(i));
+        out += length > 0 ? instead : text[i];
+        i += std::max<size_t>(length, 1);
+    }
+    return out;
+}
+
 std::string shown(std::string_view text) {
     constexpr size_t limit = 120;
     const bool cut = text.size() > limit;
@@ -110,10 +126,7 @@ std::string shown(std::string_view text) {
         if (!out.empty() && static_cast<unsigned char>(out.back()) >= 0xC0)
             out.pop_back();
     }
-    out = validUtf8(std::move(out));
-    std::replace_if(
-        out.begin(), out.end(), [](char c) { return isControl(static_cast<unsigned char>(c)); },
-        '?');
+    out = withoutControls(validUtf8(std::move(out)), '?');
     return "\"" + out + (cut ? "…\"" : "\"");
 }
 
@@ -131,14 +144,9 @@ std::string formName(const std::vector<std::string_view>& files) {
 bool isPlainFileName(std::string_view name) {
     if (name.empty() || name == "." || name == "..")
         return false;
-    for (size_t i = 0; i < name.size(); ++i) {
-        const auto c = static_cast<unsigned char>(name[i]);
-        if (c == '/' || c == '\\' || isControl(c))
+    for (size_t i = 0; i < name.size(); ++i)
+        if (name[i] == '/' || name[i] == '\\' || controlLength(name.substr(i)) > 0)
             return false;
-        // U+0080 to U+009F, the second block of control characters.
-        if (c == 0xC2 && i + 1 < name.size() && static_cast<unsigned char>(name[i + 1]) < 0xA0)
-            return false;
-    }
     return true;
 }
 

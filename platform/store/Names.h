@@ -27,6 +27,11 @@ bool isShowable(std::string_view text);
 /// The text with every byte that is not part of valid UTF-8 replaced by '?', as it reads in
 /// records.
 std::string validUtf8(std::string text);
+/// Length of the control character that the text begins with, of those of ASCII or of U+0080 to
+/// U+009F, which terminals obey as well; 0 if it begins with none.
+size_t controlLength(std::string_view text);
+/// The text with another character in the place of each control character.
+std::string withoutControls(std::string_view text, char instead);
 /// The text in quotation marks, on one line and not too long: for messages.
 std::string shown(std::string_view text);
 

@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QTabWidget>
+#include <QTextDocument>
 #include <QToolButton>
 #include <QtTest>
 
@@ -94,7 +95,28 @@ private slots:
         const QString up = connection->text();
         line.setConnected(false, "нет сети");
         QVERIFY(connection->text() != up);
-        QCOMPARE(connection->toolTip(), QString("нет сети"));
+        QVERIFY(connection->toolTip().contains("нет сети"));
+        line.setConnected(true, {});
+        QVERIFY(connection->toolTip().isEmpty());
+    }
+
+    void markupInWhatAServerSaysIsShownAsItStands() {
+        const QString text = "<b>нет</b> <img src='x'> & нет\nещё";
+        const auto shown = [](const QString& tip) {
+            QTextDocument document;
+            document.setHtml(tip);
+            return Qt::mightBeRichText(tip) ? document.toPlainText() : tip;
+        };
+        StatusLine line("/tmp/orvo.db", "ivanov");
+        line.setConnected(false, text);
+        auto* connection = line.findChild<QLabel*>("connectionLabel");
+        QCOMPARE(shown(connection->toolTip()), text);
+        // Without a tag it is not read as markup in one place and as text in the other.
+        line.setConnected(false, "a & b");
+        QCOMPARE(shown(connection->toolTip()), QString("a & b"));
+        LogPane log;
+        log.add(LogError, "place", text);
+        QCOMPARE(shown(log.topLevelItem(0)->toolTip(2)), text);
     }
 
     void modulesAreTabsWithTheirTitles() {

@@ -128,6 +128,9 @@ void TestParts::brokenUtf8IsMended() {
 void TestParts::shownTextIsOneShortLine() {
     QCOMPARE(shown("Ёж"), std::string("\"Ёж\""));
     QCOMPARE(shown("a\nb"), std::string("\"a?b\""));
+    QCOMPARE(shown("a\xC2\x9B"
+                   "31mb\xC2\xA0"),
+             std::string("\"a?31mb\xC2\xA0\""));
     std::string cyrillic;
     for (int i = 0; i < 10000; ++i)
         cyrillic += i % 7 == 0 ? "a" : "ж";
