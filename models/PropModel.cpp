@@ -2,6 +2,7 @@
 
 #include <QBrush>
 #include <QColor>
+#include <QScopedValueRollback>
 
 namespace {
 
@@ -42,6 +43,8 @@ QVariant PropModel::data(const QModelIndex& index, int role) const {
 }
 
 bool PropModel::setData(const QModelIndex& index, const QVariant& value, int role) {
+    if (m_clearing)
+        return false;
     const QVariant old = getItem(index)->data(index.column());
     // Taken first: a slot of dataChanged may remove the row.
     const QString name = getItem(index)->data(Name).toString();
@@ -91,6 +94,7 @@ bool PropModel::isEditorRow(const QModelIndex& index) const {
 }
 
 bool PropModel::clearRows() {
+    const QScopedValueRollback<bool> clearing(m_clearing, true);
     return rowCount() > 0 && removeRows(0, rowCount());
 }
 

@@ -38,7 +38,8 @@ public:
     QVariant getRowValue(const QString& name) const;
     /// False for an invalid index.
     bool isEditorRow(const QModelIndex& index) const;
-    /// Removes all rows; false if there are none.
+    /// Removes all rows; false if there are none. An editor that is still open closes with its row,
+    /// and what it then says is not taken: the owner may show another passport already.
     bool clearRows();
     /// The box that the editor of a row of type MyEditorCombo takes its entries from; it stays the
     /// caller's. Other rows: nothing.
@@ -62,6 +63,7 @@ private:
     PaspRec* editorRow(const QString& name) const;
 
     const QString m_iconsPath;
+    bool m_clearing = false;
 };
 
 #endif

@@ -40,7 +40,7 @@ void OrvoResources::on_actCut_triggered() {
         // is cut.
         if (!resources.isEmpty() || !folders.isEmpty())
             continue;
-        if (m_resModel->itemIsFolder(row))
+        if (orvo::resources::isFolder(row))
             copyResFolderToClipboard(key, resources, folders);
         else
             copyResItemToClipboard(key, resources);
@@ -87,7 +87,7 @@ void OrvoResources::on_actPaste_triggered() {
     // From here on the cut is gone, whatever becomes of it.
     m_clipboard->clear(QClipboard::Clipboard);
     const QModelIndex target = m_ui->tvRes->currentIndex();
-    if (!rows || !m_resModel->itemIsFolder(target))
+    if (!rows || !orvo::resources::isFolder(target))
         return;
     QString folder = m_resModel->getItemKeyLink(target);
     if (orvo::sameText(folder, QString::fromLatin1(orvo::resources::fileRootKey)))
@@ -121,7 +121,7 @@ void OrvoResources::sendToFolder(const QStringList& keys, const QString& folder,
         if (!row.isValid() || sent.contains(folded))
             continue;
         sent.insert(folded);
-        const bool isFolder = m_resModel->itemIsFolder(row);
+        const bool isFolder = orvo::resources::isFolder(row);
         orvo::RowWriter record = (isFolder ? folders : resources).add(MDX_UPDATE);
         record.text("KeyLink", key);
         (record.*writeLink)(isFolder ? "ParentKey" : "MenuResourceFolderKey", folder);

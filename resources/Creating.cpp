@@ -56,8 +56,10 @@ void OrvoResources::addRow(const QString& caption, bool isFolder) {
     const QModelIndex current = m_resModel->findIndexByKey(m_currentKey);
     if (!current.isValid())
         return;
-    const QPersistentModelIndex parent(m_resModel->itemIsFolder(current) ? current
-                                                                         : current.parent());
+    const QPersistentModelIndex parent(orvo::resources::isFolder(current) ? current
+                                                                          : current.parent());
+    if (!parent.isValid())
+        return; // beside a resource whose folder is not known
     // There is one edit at a time.
     if (!finishEdit())
         return;

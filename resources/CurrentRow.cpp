@@ -47,6 +47,6 @@ void OrvoResources::on_tvRes_selectionChanged(const QItemSelection& selected,
                             return a.parent() == b.parent() &&
                                    a.siblingAtColumn(ResColumn::Type).data() ==
                                        b.siblingAtColumn(ResColumn::Type).data() &&
-                                   m_resModel->itemIsFolder(a) == m_resModel->itemIsFolder(b);
+                                   orvo::resources::isFolder(a) == orvo::resources::isFolder(b);
                         });
 }

@@ -31,7 +31,7 @@ void OrvoResources::on_actDelete_triggered() {
     const QModelIndex row = m_resModel->findIndexByKey(m_currentKey);
     if (!row.isValid())
         return;
-    if (m_resModel->itemIsFolder(row)) {
+    if (orvo::resources::isFolder(row)) {
         deleteRecord("MenuResourceFolder", m_resModel->getItemKeyLink(row));
         return;
     }

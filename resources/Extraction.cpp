@@ -114,7 +114,7 @@ QString OrvoResources::getFilePath(const QModelIndex& index) const {
         at = at.parent();
         path.prepend(captionOf(at));
     }
-    if (m_resModel->itemIsFolder(index) && m_resModel->getItemLevel(index) > 0)
+    if (orvo::resources::isFolder(index) && m_resModel->getItemLevel(index) > 0)
         path.append(captionOf(index));
     return path.join(QLatin1Char('/'));
 }
@@ -124,7 +124,7 @@ void OrvoResources::on_actExtractFiles_triggered() {
     if (!selection || selection->selectedRows().isEmpty())
         return;
     const QModelIndex first = selection->selectedRows().first();
-    if (m_resModel->itemIsFolder(first))
+    if (orvo::resources::isFolder(first))
         return;
     const int type = typeOf(first);
     const bool isForm = type == orvo::resources::Form;

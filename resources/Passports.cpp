@@ -29,7 +29,7 @@ void expandTopRows(QTreeView* view) {
 } // namespace
 
 void OrvoResources::showPassport(const QModelIndex& index) {
-    if (m_resModel->itemIsFolder(index))
+    if (orvo::resources::isFolder(index))
         loadFolderPassport(index);
     else
         loadItemPassport(index);

@@ -103,7 +103,7 @@ void OrvoResources::on_save_pressed() {
 }
 
 void OrvoResources::saveRow(const QModelIndex& row, MdxRecordFlag flag) {
-    const bool isFolder = m_resModel->itemIsFolder(row);
+    const bool isFolder = orvo::resources::isFolder(row);
     QString message;
     // The name of an existing resource is not the user's to change.
     const bool named = isFolder
@@ -173,7 +173,7 @@ void OrvoResources::cancelEdit() {
     if (!row.isValid())
         return;
     m_editState = Idle;
-    const bool isFolder = m_resModel->itemIsFolder(row);
+    const bool isFolder = orvo::resources::isFolder(row);
     MDRData* record = orvo::seekKey(isFolder ? m_tabResFolder : m_tabResource, m_editKey);
     if (!record)
         return;

@@ -237,7 +237,7 @@ int OrvoResources::getFolderCount(const QString& key) const {
     const QModelIndex parent = folderRow(key);
     const int rows = m_resModel->rowCount(parent);
     int count = 0;
-    while (count < rows && m_resModel->itemIsFolder(m_resModel->index(count, 0, parent)))
+    while (count < rows && orvo::resources::isFolder(m_resModel->index(count, 0, parent)))
         ++count;
     return count;
 }

@@ -91,7 +91,7 @@ void OrvoResources::on_actLoadFiles_triggered() {
     if (!m_resModel)
         return;
     QModelIndex folder = m_resModel->findIndexByKey(m_currentKey);
-    if (folder.isValid() && !m_resModel->itemIsFolder(folder))
+    if (folder.isValid() && !orvo::resources::isFolder(folder))
         folder = folder.parent();
     if (!folder.isValid())
         return;

@@ -39,6 +39,7 @@ public:
     using OrvoResources::on_editor_valueChanged;
     using OrvoResources::on_passp_buttonpressed;
     using OrvoResources::on_poplist_OK_Pressed;
+    using OrvoResources::on_res_dragdrop;
     using OrvoResources::on_save_pressed;
     using OrvoResources::removeResourceMessage;
 };

@@ -47,6 +47,9 @@ private slots:
     void aSecondCancelChangesNothing();
     void aCancelAfterTheRecordIsGone();
     void aMovedRowIsSavedWhereItStands();
+    void aResourceOfAnUnknownFolderIsStillAResource_data();
+    void aResourceOfAnUnknownFolderIsStillAResource();
+    void anEditorThatClosesWithItsRowWritesNoOther();
 
     // A question
     void theRowOfTheQuestionIsDeleted();
@@ -335,6 +338,75 @@ void TestResDisturbed::aMovedRowIsSavedWhereItStands() {
     live.save();
     QCOMPARE(live.written(), QString("MenuResourceFolder\n  ~trends ParentKey='alarms' type_=1 "
                                      "caption='Графики'\n"));
+}
+
+void TestResDisturbed::aResourceOfAnUnknownFolderIsStillAResource_data() {
+    QTest::addColumn<QString>("act");
+    QTest::addColumn<QString>("written");
+    QTest::addColumn<QString>("caption");
+    QTest::newRow("save") << "save"
+                          << "MenuResource\n  ~rlog MenuResourceFolderKey='theirs' name_='Log' "
+                             "type_=1 caption='Дневник' params='' ico=''\n"
+                          << "Дневник";
+    QTest::newRow("cancel") << "cancel"
+                            << ""
+                            << "Журнал";
+    QTest::newRow("drop") << "drop"
+                          << "MenuResource\n  ~rlog MenuResourceFolderKey='trends'\n"
+                          << "Журнал";
+    QTest::newRow("delete") << "delete"
+                            << "MenuResource\n  -rlog\n"
+                            << "Журнал";
+}
+
+void TestResDisturbed::aResourceOfAnUnknownFolderIsStillAResource() {
+    QFETCH(QString, act);
+    Writing live;
+    // Another client moves it into a folder of its own, which has no row here: it is at the top.
+    addFolder(live.store, "theirs", 1, "mod", "Чужая");
+    live.store.update("MenuResource",
+                      {{"KeyLink", QString("rlog")}, {"MenuResourceFolderKey", QString("theirs")}});
+    live.deliver();
+    QVERIFY(live->row("rlog").isValid());
+    QVERIFY(!live->row("rlog").parent().isValid());
+    live.makeCurrent("rlog");
+    QCOMPARE(live->passport("object"), QVariant("Log"));
+    live.written();
+    if (act == "drop") {
+        live->on_res_dragdrop(live->row("trends"), {"rlog"});
+    } else if (act == "delete") {
+        live->on_actDelete_triggered();
+        live.answer(YesRole);
+    } else {
+        live.type("caption", "Дневник");
+        act == "save" ? live.save() : live.cancel();
+    }
+    QTEST(live.written(), "written");
+    QCOMPARE(live.state(), Idle);
+    QTEST(live.cell("rlog", ResColumn::Caption).toString(), "caption");
+    live.deliver();
+    if (act == "delete") {
+        QVERIFY(!live->row("rlog").isValid());
+        return;
+    }
+    QTEST(live.cell("rlog", ResColumn::Caption).toString(), "caption");
+    if (act == "drop")
+        QCOMPARE(live->row("rlog").parent(), live->row("trends"));
+}
+
+void TestResDisturbed::anEditorThatClosesWithItsRowWritesNoOther() {
+    Writing live;
+    live.makeCurrent("trends");
+    live->on_actAddModule_triggered();
+    // Open on a value that was never set, and so shown as another one than it is.
+    QVERIFY(passportLine(live.propView(), *live->m_propModel, "object"));
+    live.makeCurrent("rlog"); // by the keyboard or by a search: the editor does not lose the focus
+    QCOMPARE(live.cell("rlog", ResColumn::Name), QVariant("Log"));
+    if (!live.box().isEmpty())
+        live->on_common_error_message(nullptr);
+    live.cancel();
+    QCOMPARE(live.cell("rlog", ResColumn::Name), QVariant("Log"));
+    QCOMPARE(live.written(), QString());
 }
 
 // A question -------------------------------------------------------------------------------------
