@@ -67,6 +67,7 @@ private slots:
     void aDesktopChangeWithoutAnswersEndsWithTheNextMove();
     void theRowOfANewDesktopMayMove();
     void theNameOfARowMayChangeUnderItsEditor();
+    void aCancelledNameIsNotWrittenBackByTheOpenEditor();
     void anEndedEditorWritesNoOtherRow();
 
     void theLowestRowOfAVeryDeepMenuIsWorkedOn();
@@ -265,6 +266,27 @@ void TestMenuInterrupted::theNameOfARowMayChangeUnderItsEditor() {
     QCOMPARE(live->desck("armop").data().toString(),
              orvo::textOf(orvo::seekKey(live->m_tabFolder, "armop"), "caption"));
     QCOMPARE(live->desck("ceh").data(), QVariant("Цех 1"));
+}
+
+void TestMenuInterrupted::aCancelledNameIsNotWrittenBackByTheOpenEditor() {
+    Interrupted live(Rename);
+    auto* line =
+        qobject_cast<QLineEdit*>(live.desckView()->indexWidget(live.desckView()->currentIndex()));
+    QVERIFY(line);
+    line->selectAll();
+    typeText(line, "Бюро");
+    QCOMPARE(live->desck("armop").data(), QVariant("Бюро"));
+    // While the tree has yet to be laid out its view tells the editor of no change.
+    live.store.remove("MenuFolder", "sklad");
+    live.deliver();
+    QCOMPARE(live.mode(), int32_t(Rename));
+    live.press(live->m_btnCancel);
+    QCOMPARE(live->desck("armop").data(), QVariant("АРМ оператора"));
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCOMPARE(live->desck("armop").data(), QVariant("АРМ оператора"));
+    QCOMPARE(live.mode(), int32_t(None));
+    QCOMPARE(live.written(), QString());
 }
 
 void TestMenuInterrupted::anEndedEditorWritesNoOtherRow() {
