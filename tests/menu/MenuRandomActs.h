@@ -20,6 +20,7 @@
 #include "tests/menu/RandomRun.h"
 
 #include "frame/CommonFunctions.h"
+#include "frame/Records.h"
 #include "picker/PopObjectList.h"
 
 #include <QLineEdit>
@@ -92,7 +93,22 @@ public:
     COrvoCliMod& module() { return probe(); }
     QTreeView* view(const char* name) { return m_editor->view(name); }
     bool isAtRest() { return probe().m_editMode == MenuProbe::NoEdit; }
-    void cancel() { QMetaObject::invokeMethod(&probe(), "on_cancel_pressed"); }
+    void cancel() {
+        const MenuProbe& module = probe();
+        if (module.m_editMode == MenuProbe::EditElement &&
+            orvo::seekKey(module.m_tabMenu, module.m_currentMenuKey))
+            m_menuKnown.typed.remove(module.m_currentMenuKey);
+        if (module.m_editMode == MenuProbe::RenameDesck) {
+            const QString desck = module.m_desckModel->getItemKeyLink(module.m_editDesckIndex);
+            if (orvo::seekKey(module.m_tabFolder, desck))
+                m_desckKnown.typed.remove(desck);
+        }
+        QMetaObject::invokeMethod(&probe(), "on_cancel_pressed");
+    }
+    /// Something is to be typed into the passport of the current element.
+    void typeElement() { m_menuKnown.typed.insert(probe().m_currentMenuKey); }
+    /// Something is to be typed into the name of the current desktop.
+    void typeDesck() { m_desckKnown.typed.insert(probe().m_currentDesckKey); }
     int comparedRows() const { return m_desckKnown.comparedRows + m_menuKnown.comparedRows; }
     int comparedFamilies() const {
         return m_desckKnown.comparedFamilies + m_menuKnown.comparedFamilies;
@@ -109,6 +125,11 @@ public:
     void seen(const store::Change& change) {
         if (change.table == "MenuResource" && change.code != OrvoEventInsert)
             m_aged.insert(QString::fromStdString(change.key));
+        // What a record says takes the place of what was typed.
+        if (change.table == "Menu")
+            m_menuKnown.typed.remove(QString::fromStdString(change.key));
+        if (change.table == "MenuFolder")
+            m_desckKnown.typed.remove(QString::fromStdString(change.key));
     }
 
     void watch() {
@@ -124,7 +145,12 @@ public:
         for (auto row = elements.begin(); row != elements.end(); ++row)
             if (!m_resources.contains(resourceOf(row.key())))
                 m_early.insert(row.key());
+        fault = m_desckKnown.unlikeItsRecord(descks, storedDescks());
+        if (fault.isEmpty())
+            fault = m_menuKnown.unlikeItsRecord(elements, storedElements());
     }
+
+    QString fault; ///< what watch() found wrong
 
     /// The first difference to an editor opened now that is not required; empty if there is none.
     QString check(TestStore& store) {
@@ -190,6 +216,26 @@ private:
             .siblingAtColumn(MenuColumn::MenuResKey)
             .data()
             .toString();
+    }
+
+    static QString flagText(const QString& field) { return field == "1" ? "true" : "false"; }
+    /// Name and kind of each desktop and folder that the editor holds.
+    QMap<QString, QString> storedDescks() {
+        QMap<QString, QString> values;
+        for (const QStringList& fields : recordLines(probe(), "MenuFolder"))
+            values[fields[0]] = fieldText(fields[2]) + '|' + flagText(fields[4]);
+        return values;
+    }
+    /// What the editor holds of each element.
+    QMap<QString, QString> storedElements() {
+        QMap<QString, QString> values;
+        for (const QStringList& fields : recordLines(probe(), "Menu"))
+            values[fields[0]] =
+                QStringList{fieldText(fields[3]), fieldText(fields[2]), fieldText(fields[5]),
+                            fieldText(fields[8]), flagText(fields[7]),  fields[4],
+                            fieldText(fields[9]), flagText(fields[6])}
+                    .join('|');
+        return values;
     }
 
     static QMap<QString, QStringList> resourcesIn(const MenuProbe& probe) {
@@ -403,6 +449,7 @@ public:
                 module.m_propModel->findIndexByKey(m_chances.chance(60) ? "name" : "icon");
             if (value.isValid()) {
                 m_chances.say("passport");
+                part.typeElement();
                 module.m_propModel->setData(value.siblingAtColumn(1), caption(), Qt::EditRole);
             }
             break;
@@ -460,6 +507,7 @@ public:
                 call(module, "on_actAddDescktop_triggered");
             } else {
                 m_chances.say("rename");
+                part.typeDesck();
                 call(module, "on_actChangeDescktopOrFolder_triggered");
                 // As by the keyboard: each letter comes from the row's editor.
                 if (auto* editor = desck->viewport()->findChild<QLineEdit*>())
@@ -484,6 +532,7 @@ public:
             const QString row = what == 3 ? "icon" : "object";
             if (!module.m_propModel->findIndexByKey(row).isValid())
                 return;
+            part.typeElement();
             QMetaObject::invokeMethod(&module, "on_passp_buttonpressed", Q_ARG(QString, row));
         }
         auto* list = module.findChild<CPopObjectList*>();

@@ -9,14 +9,20 @@
 //     QVERIFY2(found.isEmpty(), qPrintable(found));
 //     QVERIFY(run.comparedEnough());
 //
-// The seed is printed; ORVO_SEED sets it, ORVO_STEPS the number of steps.
+// The seed is printed; ORVO_SEED sets it, ORVO_STEPS the number of steps. A seed repeats a run
+// exactly: what is chosen, the keys of new records, the order of hashes. The digest of the change
+// log that is printed at the end tells.
 #ifndef ORVO_TESTS_MENU_RANDOMRUN_H
 #define ORVO_TESTS_MENU_RANDOMRUN_H
 
 #include "platform/client/Blocks.h"
 #include "platform/client/Session.h"
 #include "tests/menu/ModuleFixture.h"
+#include "tests/menu/SeededKeys.h"
 #include "tests/menu/TreeDifferences.h"
+
+#include <QCryptographicHash>
+#include <QHash>
 
 #include <algorithm>
 #include <deque>
@@ -30,15 +36,16 @@ namespace orvo::test {
 /// Chances drawn from a seed, and what was last done with them.
 class Chances {
 public:
-    Chances() {
-        bool given = false;
-        seed = qEnvironmentVariableIntValue("ORVO_SEED", &given);
-        if (!given)
-            seed = static_cast<int>(std::random_device{}());
+    Chances() : Chances(givenSeed()) {
         if (qEnvironmentVariableIsSet("ORVO_STEPS"))
             steps = qEnvironmentVariableIntValue("ORVO_STEPS");
         qInfo("ORVO_SEED=%d ORVO_STEPS=%d", seed, steps);
-        m_random.seed(static_cast<unsigned>(seed));
+    }
+    explicit Chances(int from)
+        : seed(from)
+        , m_random(static_cast<unsigned>(from))
+        , m_keys(static_cast<unsigned>(from)) {
+        qSetGlobalQHashSeed(0);
     }
 
     int below(int limit) { return static_cast<int>(m_random() % static_cast<unsigned>(limit)); }
@@ -67,18 +74,32 @@ public:
     /// A key that no record has yet.
     QString newKey(char letter) { return QLatin1Char(letter) + QString::number(++m_made); }
 
+    /// Whose acts are told of next.
+    void setActor(const QString& actor) { m_actor = actor; }
     void say(const QString& act) {
-        m_done << act;
-        if (m_done.size() > 40)
+        m_done << m_actor + ": " + act;
+        if (m_done.size() > 60)
             m_done.removeFirst();
     }
-    QString lastActs() const { return m_done.join('\n'); }
+    /// Tells what was done last, an act in a line: all at once would be too long for one message.
+    void tellLastActs() const {
+        for (const QString& act : m_done)
+            qInfo("%s", qPrintable(act));
+    }
 
-    int seed = 0;
+    const int seed;
     int steps = 1200;
 
 private:
+    static int givenSeed() {
+        bool given = false;
+        const int named = qEnvironmentVariableIntValue("ORVO_SEED", &given);
+        return given ? named : static_cast<int>(std::random_device{}());
+    }
+
     std::mt19937 m_random;
+    SeededKeys m_keys;
+    QString m_actor;
     QStringList m_done;
     int m_made = 0;
 };
@@ -102,9 +123,9 @@ inline QString fieldText(const QString& field) {
 /// blocks, each put to all of its editors before the next, as the client does.
 ///
 /// A part has: open(host), close(), module(), seen(change) just before the editor gets a
-/// notification, watch() after all that may have changed its trees, isAtRest(), cancel(),
-/// check(store) for the first difference that is not required, and the figures comparedRows() and
-/// comparedFamilies().
+/// notification, watch() after all that may have changed its trees, fault with what was then wrong
+/// at any time, isAtRest(), cancel(), check(store) for the first difference that is not required,
+/// and the figures comparedRows() and comparedFamilies().
 template <class... Parts>
 class RandomClient {
 public:
@@ -165,6 +186,15 @@ public:
         });
         return found;
     }
+    /// What must not be at any time, and is now; empty if there is no such thing.
+    QString fault() {
+        QString found;
+        each([&](auto& part) {
+            if (found.isEmpty())
+                found = part.fault;
+        });
+        return found;
+    }
     TestHost& host() { return *m_host; }
     void watch() {
         each([](auto& part) { part.watch(); });
@@ -191,9 +221,36 @@ private:
     std::tuple<Parts...> m_parts;
 };
 
+/// All changes of a store but for their times, a line each.
+inline QStringList changeLines(const TestStore& store) {
+    std::vector<store::Change> changes;
+    if (!store.connect("reader")->readLog(0, 1 << 30, &changes).ok())
+        qFatal("no change log");
+    QStringList lines;
+    for (const store::Change& change : changes)
+        lines << QString("%1 %2 %3 %4 %5 %6 %7")
+                     .arg(change.id)
+                     .arg(change.code)
+                     .arg(QString::fromStdString(change.table), QString::fromStdString(change.key),
+                          QString::fromStdString(change.login),
+                          QString::fromStdString(change.after),
+                          QString::fromStdString(change.before));
+    return lines;
+}
+
+/// Says which history the store has seen: the same after runs of the same seed.
+inline void tellHistory(const TestStore& store) {
+    const QStringList lines = changeLines(store);
+    const QByteArray digest =
+        QCryptographicHash::hash(lines.join('\n').toUtf8(), QCryptographicHash::Sha256);
+    qInfo("%d changes, digest %s", lines.size(), digest.toHex().left(16).constData());
+}
+
 template <class Client>
 class RandomRun : public Chances {
 public:
+    using Chances::Chances;
+
     int mostAtOnce = 1;    ///< notifications in one block
     int cancelPercent = 0; ///< of the edits that are open at a quiet point
     int reopenPercent = 15;
@@ -208,32 +265,38 @@ public:
     }
     Client& anyClient() { return *m_clients[below(2)]; }
 
-    /// Does all steps, or as many as go well: the first difference and what led to it, or an empty
-    /// text.
+    /// Does all steps, or as many as go well: the first difference, or an empty text. Tells what
+    /// led to it.
     QString work(const std::function<void()>& foreignAct,
                  const std::function<void(Client&)>& ownAct) {
         for (int step = 0; step < steps; ++step) {
             if (chance(35)) {
+                setActor("hand");
                 foreignAct();
             } else {
-                Client& client = anyClient();
-                ownAct(client);
-                client.watch();
+                const int number = below(2);
+                setActor(QString::number(number));
+                ownAct(*m_clients[number]);
+                m_clients[number]->watch();
             }
             for (int i = below(4); i > 0; --i) {
-                Client& client = anyClient();
-                client.step(1 + below(mostAtOnce));
+                const int number = below(2);
+                const int most = 1 + below(mostAtOnce);
+                if (m_clients[number]->step(most)) {
+                    setActor(QString::number(number));
+                    say(QString("hears of at most %1").arg(most));
+                }
             }
-            if (!chance(8))
-                continue;
-            const QString found = quietPoint();
-            if (!found.isEmpty())
-                return QString("ORVO_SEED=%1, step %2: %3\nlast acts:\n%4")
-                    .arg(seed)
-                    .arg(step)
-                    .arg(found, lastActs());
+            const bool quiet = chance(8);
+            QString found = fault();
+            if (found.isEmpty() && quiet)
+                found = quietPoint();
+            if (!found.isEmpty()) {
+                tellLastActs();
+                return QString("ORVO_SEED=%1, step %2: %3").arg(seed).arg(step).arg(found);
+            }
             // What a tree has lost comes back when the editor is opened again.
-            if (chance(reopenPercent))
+            if (quiet && chance(reopenPercent))
                 anyClient().open();
         }
         return {};
@@ -262,16 +325,24 @@ public:
     }
 
 private:
+    QString fault() {
+        QString found = m_clients[0]->fault();
+        return found.isEmpty() ? m_clients[1]->fault() : found;
+    }
     QString quietPoint() {
         ++m_quietPoints;
-        for (auto& client : m_clients)
-            client->each([&](auto& part) {
+        for (int i = 0; i < 2; ++i)
+            m_clients[i]->each([&](auto& part) {
                 if (part.isAtRest() || !chance(cancelPercent))
                     return;
+                setActor(QString::number(i));
                 say("cancel");
                 part.cancel();
                 part.watch();
             });
+        const QString cancelled = fault();
+        if (!cancelled.isEmpty())
+            return cancelled;
         for (bool any = true; any;) {
             any = false;
             for (auto& client : m_clients)

@@ -69,6 +69,21 @@ public:
         }
     }
 
+    /// The first row whose leading values are not those of its record, though nothing was typed
+    /// into it; empty if there is none. `stored`: the values of the records, by key.
+    QString unlikeItsRecord(const TreeRows& rows, const QMap<QString, QString>& stored) const {
+        for (auto record = stored.begin(); record != stored.end(); ++record) {
+            const auto row = rows.find(record.key());
+            if (row == rows.end() || typed.contains(record.key()))
+                continue;
+            const QString shown = row->values.section('|', 0, record->count('|'));
+            if (shown != *record)
+                return QString("%1 shows %2, and its record says %3")
+                    .arg(record.key(), shown, *record);
+        }
+        return {};
+    }
+
     /// The first difference that is not required; empty if there is none.
     QString compare(const TreeRows& live, const TreeRows& fresh) {
         for (auto row = fresh.begin(); row != fresh.end(); ++row) {

@@ -20,6 +20,7 @@ private slots:
         const QString found =
             run.work([&] { acts.foreignAct(); },
                      [&](auto& client) { acts.ownAct(client.template part<MenuPart>()); });
+        tellHistory(store);
         QVERIFY2(found.isEmpty(), qPrintable(found));
         QVERIFY(run.comparedEnough());
     }

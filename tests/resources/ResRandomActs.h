@@ -87,7 +87,10 @@ public:
                 unsaved.insert(row.key());
         known.watch(rows, parents, unsaved);
         known.blurred << fixedRows[0] << orphans;
+        fault = known.unlikeItsRecord(rows, storedValues());
     }
+
+    QString fault; ///< what watch() found wrong
 
     /// The first difference to an editor opened now that is not required; empty if there is none.
     QString check(TestStore& store) {
@@ -155,6 +158,20 @@ private:
             };
         walk({}, QStringLiteral(""));
         return rows;
+    }
+
+    /// Caption, name, kind, parameters and folder of each record that the editor holds.
+    QMap<QString, QString> storedValues() {
+        QMap<QString, QString> values;
+        for (const QStringList& fields : recordLines(probe(), "MenuResource"))
+            values[fields[0]] = QStringList{fieldText(fields[4]), fieldText(fields[3]), fields[2],
+                                            fieldText(fields[5]), fieldText(fields[1])}
+                                    .join('|');
+        for (const QStringList& fields : recordLines(probe(), "MenuResourceFolder"))
+            values[fields[0]] =
+                QStringList{fieldText(fields[3]), "", fields[2], "", fieldText(fields[1])}.join(
+                    '|');
+        return values;
     }
 
     /// Where loading would place each record; "none": nowhere.

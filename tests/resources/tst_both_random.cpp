@@ -13,67 +13,64 @@ using namespace orvo::test;
 
 using BothEditors = RandomClient<MenuPart, ResPart>;
 
-class TestBothRandom : public QObject {
-    Q_OBJECT
-    EachStore m_stores;
+namespace {
 
-private slots:
-    void bothEditorsShowWhatIsStoredAfterAnyChanges_data() { m_stores.addRows(); }
-    void bothEditorsShowWhatIsStoredAfterAnyChanges() {
-        TestStore store(m_stores.renewed());
-        RandomRun<BothEditors> run;
-        ResRandomActs::fill(store, run);
+/// A run over a store that is still empty.
+class BothRun : public RandomRun<BothEditors> {
+public:
+    using RandomRun::RandomRun;
+
+    /// The first difference, or a deletion that must not be; empty if all went well.
+    QString over(TestStore& store) {
+        ResRandomActs::fill(store, *this);
         MenuRandomActs::fill(store, "rtrend");
-        run.mostAtOnce = 3;
-        run.cancelPercent = 60;
-        run.open(store);
-        const auto anyResources = [&]() -> ResPart& { return run.anyClient().part<ResPart>(); };
-        ResRandomActs resources(run, store, anyResources);
+        mostAtOnce = 3;
+        cancelPercent = 60;
+        open(store);
+        const auto anyResources = [&]() -> ResPart& { return anyClient().part<ResPart>(); };
+        ResRandomActs resources(*this, store, anyResources);
         MenuRandomActs menus(
-            run, store, [&]() -> MenuPart& { return run.anyClient().part<MenuPart>(); },
+            *this, store, [&]() -> MenuPart& { return anyClient().part<MenuPart>(); },
             [&] {
                 // One that is gone, too: the other client may not yet have heard of its end.
-                return run.oneOf(anyResources().records("MenuResource").keys());
+                return oneOf(anyResources().records("MenuResource").keys());
             });
         QString deleted;
-        const QString found = run.work(
+        const QString found = work(
             [&] {
-                if (run.chance(50))
+                if (chance(50))
                     menus.foreignAct();
                 else
                     resources.foreignAct();
             },
             [&](BothEditors& client) {
-                if (run.chance(15))
+                if (chance(15))
                     menus.pick(client.part<MenuPart>());
-                else if (run.chance(8))
+                else if (chance(8))
                     resources.removeResource(client.part<ResPart>(),
-                                             run.oneOf(client.part<MenuPart>().usedResources()));
-                else if (run.chance(50))
+                                             oneOf(client.part<MenuPart>().usedResources()));
+                else if (chance(50))
                     menus.ownAct(client.part<MenuPart>());
                 else
                     resources.ownAct(client.part<ResPart>());
                 if (deleted.isEmpty())
                     deleted = deletedInUse(store, client.host());
             });
-        // The buttons in the search line fade, and Qt frees a fade only at its end.
-        QTest::qWait(300);
-        QVERIFY2(found.isEmpty(), qPrintable(found));
-        QVERIFY2(deleted.isEmpty(), qPrintable(deleted));
-        QVERIFY(run.comparedEnough());
-        int commands = 0;
-        int aged = 0;
-        run.eachClient([&](BothEditors& client) {
-            commands += client.part<MenuPart>().comparedCommands;
-            aged += client.part<MenuPart>().agedCommands;
-        });
-        qInfo("%d elements compared with their resource, %d of them with one changed since",
-              commands, aged);
-        QVERIFY(commands > 0);
-        qInfo("%d deletions met a menu that refers to the resource", resources.toldOfMenus);
+        m_toldOfMenus = resources.toldOfMenus;
+        return found.isEmpty() ? deleted : found;
     }
 
+    int comparedCommands() { return sum(&MenuPart::comparedCommands); }
+    int agedCommands() { return sum(&MenuPart::agedCommands); }
+    /// How often a deletion met a menu that refers to the resource.
+    int toldOfMenus() const { return m_toldOfMenus; }
+
 private:
+    int sum(int MenuPart::*figure) {
+        int all = 0;
+        eachClient([&](BothEditors& client) { all += client.part<MenuPart>().*figure; });
+        return all;
+    }
     /// A module or function that an editor has just deleted though a menu refers to it; empty if
     /// there is none. Forgets the writes.
     static QString deletedInUse(TestStore& store, TestHost& host) {
@@ -95,6 +92,47 @@ private:
             }
         }
         return {};
+    }
+
+    int m_toldOfMenus = 0;
+};
+
+} // namespace
+
+class TestBothRandom : public QObject {
+    Q_OBJECT
+    EachStore m_stores;
+
+private slots:
+    void bothEditorsShowWhatIsStoredAfterAnyChanges_data() { m_stores.addRows(); }
+    void bothEditorsShowWhatIsStoredAfterAnyChanges() {
+        TestStore store(m_stores.renewed());
+        BothRun run;
+        const QString found = run.over(store);
+        // The buttons in the search line fade, and Qt frees a fade only at its end.
+        QTest::qWait(300);
+        tellHistory(store);
+        QVERIFY2(found.isEmpty(), qPrintable(found));
+        QVERIFY(run.comparedEnough());
+        qInfo("%d elements compared with their resource, %d of them with one changed since",
+              run.comparedCommands(), run.agedCommands());
+        QVERIFY(run.comparedCommands() > 0);
+        qInfo("%d deletions met a menu that refers to the resource", run.toldOfMenus());
+    }
+
+    void aSeedRepeatsARun() {
+        QStringList histories[2];
+        for (QStringList& history : histories) {
+            TestStore store;
+            BothRun run(7);
+            run.steps = 150;
+            const QString found = run.over(store);
+            QVERIFY2(found.isEmpty(), qPrintable(found));
+            history = changeLines(store);
+        }
+        QTest::qWait(300);
+        QVERIFY(histories[0].size() > 50);
+        QCOMPARE(histories[0], histories[1]);
     }
 };
 

@@ -28,6 +28,7 @@ private slots:
                      [&](auto& client) { acts.ownAct(client.template part<ResPart>()); });
         // The buttons in the search line fade, and Qt frees a fade only at its end.
         QTest::qWait(300);
+        tellHistory(store);
         QVERIFY2(found.isEmpty(), qPrintable(found));
         QVERIFY(run.comparedEnough());
     }
