@@ -3,8 +3,21 @@
 #define ORVO_PLATFORM_CLIENT_TOOLSUPPORT_H
 
 #include "platform/client/SessionPrivate.h"
+#include "platform/mdx/Body.h"
+#include "platform/store/Names.h"
 
 namespace orvo::client {
+
+/// Refuses a content that no record carries. A store may hold it all the same: the administrator's
+/// command brings it in and out.
+inline store::Status checkCarried(const std::string& name, uint64_t size) {
+    if (size <= mdx::maxText)
+        return {};
+    return {store::Refused, "Файл " + store::shown(name) + " не меньше " +
+                                std::to_string((mdx::maxText + 1) >> 20) +
+                                " МиБ: редакторы таких не переносят, это делает orvo-admin (put, "
+                                "get)."};
+}
 
 /// Folder path and name as one text for messages.
 inline QString storedPath(const QString& path, const QString& name) {

@@ -32,9 +32,14 @@ void COrvoToolObject::Perform(bool /*background*/) {
 
 namespace {
 
+const store::Status noMemory{store::NoMemory, "Недостаточно памяти."};
+
 /// Rows of stored files as the editors read them. A fifth field keeps the order of the reply. The
 /// files' bytes are gone then: large ones should not be in memory more often than they must.
-bool fillFiles(CMDArray& result, std::vector<store::StoredFile>& files) {
+store::Status fillFiles(CMDArray& result, std::vector<store::StoredFile>& files) {
+    for (const store::StoredFile& file : files)
+        if (const store::Status status = checkCarried(file.name, file.bytes.size()); !status.ok())
+            return status;
     CMDArray rows;
     mdx::addField(rows.array, "name", MDX_TEXT);
     mdx::addField(rows.array, "time", MDX_DATE);
@@ -57,12 +62,12 @@ bool fillFiles(CMDArray& result, std::vector<store::StoredFile>& files) {
         writer.end();
     }
     if (writer.finish() != MDX_OK)
-        return false;
+        return noMemory;
     rows.KeyAdd("order", MDX_KEY_UNIQUE);
     if (rows.status != MDX_OK)
-        return false;
+        return noMemory;
     result.Attach(std::exchange(rows.array, nullptr));
-    return true;
+    return {};
 }
 
 /// Empties a result of an earlier run.
@@ -73,8 +78,8 @@ void clear(CMDArray& result) {
 
 void finishFiles(COrvoCliSes& session, const QString& operation, store::Status status,
                  std::vector<store::StoredFile>& files, CMDArray& result) {
-    if (status.ok() && !fillFiles(result, files))
-        status = {store::NoMemory, "Недостаточно памяти."};
+    if (status.ok())
+        status = fillFiles(result, files);
     session.data()->report(operation, status);
 }
 

@@ -8,20 +8,19 @@ using namespace orvo::client;
 
 namespace {
 
-/// Makes the store's view of one file. False if the caller's size or buffer cannot be right.
-bool toPut(const QString& path, const QString& name, const void* data, qint64 size, double time,
-           store::FileToPut* file) {
+/// Makes the store's view of one file. Refused if the caller's size or buffer cannot be right, or
+/// if it could not be read back.
+store::Status toPut(const QString& path, const QString& name, const void* data, qint64 size,
+                    double time, store::FileToPut* file) {
     if (size < 0 || (size > 0 && !data))
-        return false;
+        return {store::BadArguments, "Неверный размер или содержимое файла."};
     file->path = path.toStdString();
     file->name = name.toStdString();
     file->bytes = {static_cast<const char*>(data), static_cast<size_t>(size)};
     if (std::isfinite(time))
         file->time = time;
-    return true;
+    return checkCarried(file->name, file->bytes.size());
 }
-
-const store::Status badFile{store::BadArguments, "Неверный размер или содержимое файла."};
 
 } // namespace
 
@@ -47,10 +46,9 @@ void CToolFormPut::run(COrvoCliSes& session) {
         return;
     std::vector<store::FileToPut> files(m_items.size());
     store::Status status;
-    for (size_t i = 0; i < m_items.size(); ++i) {
+    for (size_t i = 0; status.ok() && i < m_items.size(); ++i) {
         const Item& item = m_items[i];
-        if (!toPut(formPath, item.name, item.data, item.size, item.time, &files[i]))
-            status = badFile;
+        status = toPut(formPath, item.name, item.data, item.size, item.time, &files[i]);
     }
     if (status.ok())
         status = session.data()->store->formPut(formPath.toStdString(), files);
@@ -81,10 +79,9 @@ void CToolFilePut::run(COrvoCliSes& session) {
         return;
     std::vector<store::FileToPut> files(m_items.size());
     store::Status status;
-    for (size_t i = 0; i < m_items.size(); ++i) {
+    for (size_t i = 0; status.ok() && i < m_items.size(); ++i) {
         const Item& item = m_items[i];
-        if (!toPut(item.path, item.name, item.data, item.size, item.time, &files[i]))
-            status = badFile;
+        status = toPut(item.path, item.name, item.data, item.size, item.time, &files[i]);
     }
     if (status.ok())
         status = session.data()->store->filePut(files);

@@ -4,7 +4,9 @@
 
 #include <QtTest>
 
+#include <cstdlib>
 #include <limits>
+#include <memory>
 
 using namespace orvo;
 using namespace orvo::test;
@@ -192,6 +194,44 @@ private slots:
         bench.putForm("нет/такой", {{"scheme", "x"}});
         QCOMPARE(bench.failures.size(), 1);
         QVERIFY(bench.failures.first().contains("scheme"));
+    }
+
+    void aFileThatNoRecordCarriesIsNamedAsSuch() {
+        Bench bench;
+        constexpr size_t size = 256u << 20;
+        // Pages of zeros that take no memory as long as nobody writes to them.
+        const std::unique_ptr<void, decltype(&std::free)> zeros(std::calloc(size, 1), &std::free);
+        QVERIFY(zeros);
+        const auto named = [&](int count) {
+            return bench.failures.size() == count && bench.failures.last().contains("large") &&
+                   bench.failures.last().contains("МиБ") &&
+                   bench.failures.last().contains("orvo-admin");
+        };
+        CToolFilePut file(&bench.module);
+        file.AddFile("icons", "large.bin", zeros.get(), size, 1000.5);
+        file.AddFile("icons", "small.bin", zeros.get(), 10, 1000.5);
+        file.Perform(false);
+        QVERIFY2(named(1), qPrintable(bench.failures.join('\n')));
+        CToolFormPut form(&bench.module);
+        form.AddFile("form", zeros.get(), 10, 1000.5);
+        form.AddFile("form.large", zeros.get(), size, 1000.5);
+        form.Perform(false);
+        QVERIFY2(named(2), qPrintable(bench.failures.join('\n')));
+        CToolFileList list(&bench.module);
+        list.path = "icons";
+        list.Perform(false);
+        QCOMPARE(rowsOf(list.result), QStringList());
+
+        // What came in by another door is listed, and says what it is.
+        store::FileToPut put;
+        put.path = "icons";
+        put.name = "large.bin";
+        put.bytes = {static_cast<const char*>(zeros.get()), size};
+        QVERIFY(bench.store().filePut({put}).ok());
+        list.Perform(false);
+        QCOMPARE(rowsOf(list.result), QStringList("large.bin:268435456:NULL"));
+        QCOMPARE(bench.getFile("icons", "large.bin"), QStringList());
+        QVERIFY2(named(3), qPrintable(bench.failures.join('\n')));
     }
 
     void putWithoutFilesDoesNothing() {
