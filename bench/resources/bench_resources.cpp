@@ -6,8 +6,8 @@
 // resident memory above what it had before is taken.
 //
 // The second, in a process of its own too: a catalogue of N (100000) resources in a real store and
-// a real window. Its start and memory; notifications merged, in bursts and alone (processor time);
-// a row chosen, up to its passport; folders opened; frames of scrolling.
+// a real window. Its start and memory; notifications merged, in bursts and alone; a row chosen, up
+// to its passport; frames of scrolling (all these in processor time); folders opened.
 #include "bench/resources/Scale.h"
 #include "tests/resources/ResProbe.h"
 
