@@ -106,6 +106,9 @@ void OrvoMenu::on_actPasteMenuElement_triggered() {
     if (!m_menuModel->findIndexByKey(m_currentMenuKey).isValid())
         return;
     const CMDArray& source = payload.table;
+    // What is cut cannot come to lie below itself: the copies would go with what they lie below.
+    if (payload.cut && orvo::seekKey(source, m_currentMenuKey))
+        return;
     const QMap<QString, QString> keyMap = orvo::menu::newKeysFor(source);
     const QString parent = orvo::sameText(m_currentMenuKey, QString::fromLatin1(menuRootKey))
                                ? QString()

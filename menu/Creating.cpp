@@ -77,7 +77,10 @@ void OrvoMenu::addChosenElements() {
     if (m_popList->objectType < CPopObjectList::KindModule ||
         m_popList->objectType > CPopObjectList::KindForm)
         return;
-    const QModelIndex target = m_menuModel->findIndexByKey(m_currentMenuKey);
+    QModelIndex target = m_menuModel->findIndexByKey(m_currentMenuKey);
+    // While the picker stood open another client's element may have become current.
+    if (!m_menuModel->itemIsFolder(target))
+        target = target.parent();
     if (!target.isValid())
         return;
     // Empty text for the top of the menu, where a saved folder has NULL.
@@ -98,7 +101,7 @@ void OrvoMenu::addChosenElements() {
             .text("parent", parentKey)
             .text("MenuResourceKey", resourceKey)
             .text("caption", chosen.siblingAtColumn(pickerCaptionColumn).data().toString())
-            .text("FolderKey", m_currentDesckKey)
+            .text("FolderKey", openDesckKey())
             .flag("separator", false)
             .flag("oneCopy", false)
             .integer("order_", order);
@@ -176,7 +179,7 @@ void OrvoMenu::on_actNewElemFolder_triggered() {
     orvo::setRow(*m_menuModel, folder,
                  {{MenuColumn::KeyLink, QString::fromLatin1(GenGuid32())},
                   {MenuColumn::Caption, tr("Новая папка")},
-                  {MenuColumn::FolderKey, m_currentDesckKey},
+                  {MenuColumn::FolderKey, openDesckKey()},
                   {MenuColumn::ParentKey, m_currentMenuKey},
                   {MenuColumn::Type, convertMenuAttributes(0)},
                   {MenuColumn::Separator, false},

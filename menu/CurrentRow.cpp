@@ -38,7 +38,8 @@ void OrvoMenu::on_tvDesck_currentChanged(const QModelIndex& current, const QMode
             finishEdit();
         return;
     case RenameDesck:
-        m_editDesckIndex = previous;
+        if (!m_editDesckIndex.isValid())
+            m_editDesckIndex = previous;
         finishEdit();
         return;
     case EditElement:
@@ -51,6 +52,8 @@ void OrvoMenu::on_tvDesck_currentChanged(const QModelIndex& current, const QMode
     setDesckActionsEnabled(current);
     if (!m_desckModel->isItemFolder(current))
         loadMenuTree(m_currentDesckKey);
+    else
+        m_openDesckKey.clear();
 }
 
 void OrvoMenu::on_tvMenu_currentChanged(const QModelIndex& current, const QModelIndex& previous) {
@@ -66,13 +69,15 @@ void OrvoMenu::on_tvMenu_currentChanged(const QModelIndex& current, const QModel
         setMenuActionsDisabled();
         if (isNewRow(current, MenuColumn::IsNew)) {
             m_editMenuIndex = current;
+            m_editMenuKey = m_currentMenuKey;
             showMenuPassport(current);
         } else {
             finishEdit();
         }
         break;
     case EditElement:
-        m_editMenuIndex = previous;
+        if (!m_editMenuIndex.isValid())
+            m_editMenuIndex = previous.isValid() ? QModelIndex(previous) : editedElement();
         finishEdit();
         break;
     default:

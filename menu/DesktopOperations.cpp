@@ -90,7 +90,13 @@ void OrvoMenu::on_actDeleteFromtvDesck_triggered() {
     const QModelIndex current = m_ui->tvDesck->currentIndex();
     if (!current.isValid())
         return;
+    if (m_editMode == NewDesck && current == m_editDesckIndex) {
+        on_cancel_pressed(); // never saved, so there is nothing to delete
+        return;
+    }
     if (m_desckModel->isItemFolder(current)) {
+        if (holdsDesktops(m_desckModel->getItemKeyLink(current)))
+            return;
         ScratchTable out(*m_app->m_session, "MenuFolder");
         if (!out.fetch())
             return;
@@ -104,15 +110,37 @@ void OrvoMenu::on_actDeleteFromtvDesck_triggered() {
                       "1removeDesckTopMessage(QAbstractButton*)");
 }
 
+bool OrvoMenu::holdsDesktops(const QString& folderKey) const {
+    // By the table: a folder that has moved stands empty in the tree until the next start.
+    bool holds = false;
+    orvo::walkGroup(m_tabFolder, 3, KeyValues().text(folderKey), [&](const MDRData* record) {
+        holds = orvo::holdsText(record, "ParentKey", folderKey);
+        return false;
+    });
+    return holds;
+}
+
 void OrvoMenu::removeDesckTopMessage(QAbstractButton* button) {
     if (!orvo::answeredYes(*this, button))
+        return;
+    // A notification may have made a folder current while the question stood, or taken the row.
+    const QModelIndex desktop = m_desckModel->findIndexByKey(m_currentDesckKey);
+    if (desktop.isValid() && m_desckModel->isItemFolder(desktop))
         return;
     ScratchTable elements(*m_app->m_session, "Menu");
     ScratchTable desktops(*m_app->m_session, "MenuFolder");
     if (!elements.fetch() || !desktops.fetch())
         return;
-    // The desktop asked about is the open one, so the table has its elements.
-    orvo::walkAll(m_tabMenu, 0, [&](const MDRData* record) {
+    // The table has its elements, unless it could not be opened when it became current.
+    CMDArray fetched;
+    const bool isOpen = orvo::sameText(openDesckKey(), m_currentDesckKey);
+    if (!isOpen)
+        fetched.Attach(requestMenu(m_currentDesckKey));
+    if (!isOpen && !fetched.array)
+        return;
+    if (!isOpen)
+        orvo::setKeys(fetched, {});
+    orvo::walkAll(isOpen ? m_tabMenu : fetched, 0, [&](const MDRData* record) {
         if (orvo::holdsText(record, "FolderKey", m_currentDesckKey))
             elements.add(MDX_DELETE).text("KeyLink", orvo::textOf(record, "KeyLink"));
         return true;

@@ -46,13 +46,18 @@ void OrvoMenu::on_editor_valueChanged(const QString& rowName, const QVariant& va
         return;
     // A row without a column opens an edit too.
     if (m_editMode == NoEdit) {
+        endElementEdit();
         m_editMode = EditElement;
+        m_editMenuKey = m_currentMenuKey;
         m_btnSave->setEnabled(true);
         m_btnCancel->setEnabled(true);
     }
     const int column = columnOf(rowName);
-    if (column >= 0)
-        m_menuModel->setData(row.siblingAtColumn(column), value, Qt::DisplayRole);
+    if (column < 0)
+        return;
+    if (m_editMode == EditElement)
+        m_editValues[column] = value;
+    m_menuModel->setData(row.siblingAtColumn(column), value, Qt::DisplayRole);
 }
 
 bool OrvoMenu::finishEdit() {
@@ -61,17 +66,48 @@ bool OrvoMenu::finishEdit() {
     on_save_pressed();
     const bool desck = m_editMode == NewDesck || m_editMode == RenameDesck;
     const bool rowThere = desck ? m_editDesckIndex.isValid() : editedElement().isValid();
-    if (!rowThere)
-        m_editMode = NoEdit;
+    if (!rowThere) {
+        endElementEdit();
+        // The row that became current instead is not to be renamed.
+        if (desck) {
+            closeDesckEditor(QModelIndex());
+            m_ui->tvDesck->setEditTriggers(QAbstractItemView::NoEditTriggers);
+        }
+    }
     return m_editMode == NoEdit;
 }
 
+void OrvoMenu::endElementEdit() {
+    m_editMode = NoEdit;
+    m_editMenuIndex = QModelIndex();
+    m_editMenuKey.clear();
+    m_editValues.clear();
+}
+
+bool OrvoMenu::isEdited(const QString& key) const {
+    return m_editMode == EditElement && orvo::sameText(key, m_editMenuKey);
+}
+
+void OrvoMenu::keepEdit(const QModelIndex& row, const MDRData* record) {
+    // An own write of its place has come back when the record has that place.
+    const auto parent = m_editValues.constFind(MenuColumn::ParentKey);
+    if (m_editValues.value(MenuColumn::Order) == QVariant(orvo::integerOf(record, "order_")) &&
+        (parent == m_editValues.constEnd() ||
+         orvo::holdsText(record, "parent", parent->toString()))) {
+        m_editValues.remove(MenuColumn::Order);
+        m_editValues.remove(MenuColumn::ParentKey);
+    }
+    for (auto value = m_editValues.constBegin(); value != m_editValues.constEnd(); ++value)
+        if (value.key() != MenuColumn::Order && value.key() != MenuColumn::ParentKey)
+            m_menuModel->setData(row.siblingAtColumn(value.key()), *value, Qt::DisplayRole);
+}
+
 QModelIndex OrvoMenu::editedElement() const {
-    // The row that the edit was made on, if the current row has moved on. The current row if that
-    // one is gone; a new row has no such stand-in.
-    if (m_editMode == NewElement || m_editMenuIndex.isValid())
+    // The row that the edit was made on. If it is gone, because it moved with a folder above it,
+    // the one that now has its key.
+    if (m_editMenuIndex.isValid() || !m_menuModel)
         return m_editMenuIndex;
-    return m_menuModel ? m_menuModel->findIndexByKey(m_currentMenuKey) : QModelIndex();
+    return elementRow(m_editMenuKey.isEmpty() ? m_currentMenuKey : m_editMenuKey);
 }
 
 void OrvoMenu::on_save_pressed() {
@@ -153,8 +189,7 @@ void OrvoMenu::saveElement(const QModelIndex& row, MdxRecordFlag flag) {
     if (!out.fetch())
         return;
     loadMenuRowToTable(row, out, flag);
-    m_editMode = NoEdit;
-    m_editMenuIndex = QModelIndex();
+    endElementEdit();
     out.send();
 }
 
@@ -163,13 +198,16 @@ void OrvoMenu::loadMenuRowToTable(const QModelIndex& index, orvo::ScratchTable& 
     const auto flagAt = [&](int column) { return index.siblingAtColumn(column).data().toBool(); };
     orvo::RowWriter record = out.add(flag);
     record.text("KeyLink", textAt(index, MenuColumn::KeyLink));
-    if (m_menuModel->getItemLevel(index.parent()) != 0)
+    const QVariant order = index.siblingAtColumn(MenuColumn::Order).data();
+    if (m_editValues.contains(MenuColumn::ParentKey))
+        record.textOrNull("parent", m_editValues[MenuColumn::ParentKey].toString());
+    else if (m_menuModel->getItemLevel(index.parent()) != 0)
         record.text("parent", textAt(index, MenuColumn::ParentKey));
     else
         record.null("parent");
     record.text("FolderKey", textAt(index, MenuColumn::FolderKey))
         .text("caption", textAt(index, MenuColumn::Caption))
-        .integer("order_", index.siblingAtColumn(MenuColumn::Order).data().toInt())
+        .integer("order_", m_editValues.value(MenuColumn::Order, order).toInt())
         .text("ico", textAt(index, MenuColumn::Icon))
         .flag("separator", flagAt(MenuColumn::Separator))
         .flag("oneCopy", flagAt(MenuColumn::OneCopy));
@@ -189,12 +227,14 @@ void OrvoMenu::on_cancel_pressed() {
         m_ui->tvDesck->setEditTriggers(QAbstractItemView::NoEditTriggers);
         orvo::removePlaceholder(m_ui->tvDesck, m_editDesckIndex);
         break;
-    case NewElement:
-        if (!m_editMenuIndex.isValid())
+    case NewElement: {
+        const QPersistentModelIndex row = editedElement();
+        if (!row.isValid())
             return;
-        m_editMode = NoEdit;
-        orvo::removePlaceholder(m_ui->tvMenu, m_editMenuIndex);
+        endElementEdit();
+        orvo::removePlaceholder(m_ui->tvMenu, row);
         break;
+    }
     case RenameDesck:
         cancelDesckName();
         break;
@@ -226,9 +266,7 @@ void OrvoMenu::cancelElement() {
     const QPersistentModelIndex row(m_menuModel->findIndexByKey(m_currentMenuKey));
     if (!row.isValid())
         return;
-    m_editMode = NoEdit;
-    // A save that failed on the way here has left the row that it was for.
-    m_editMenuIndex = QModelIndex();
+    endElementEdit();
     MDRData* record = orvo::seekKey(m_tabMenu, m_currentMenuKey);
     if (!record)
         return;

@@ -30,8 +30,15 @@ MDArray* OrvoMenu::requestMenu(const QString& desckKey) const {
     return m_app->m_session->SqlRequest(sql.constData());
 }
 
+QString OrvoMenu::openDesckKey() const {
+    return m_openDesckKey.isNull() ? m_currentDesckKey : m_openDesckKey;
+}
+
 void OrvoMenu::loadMenuTree(const QString& desckKey) {
-    m_tabMenu.Attach(requestMenu(desckKey));
+    MDArray* fetched = requestMenu(desckKey);
+    if (fetched)
+        m_openDesckKey = desckKey;
+    m_tabMenu.Attach(fetched);
     orvo::setKeys(m_tabMenu, {"parent;order_"});
 
     MenuTreeModel& model = *m_menuModel;

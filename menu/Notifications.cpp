@@ -9,10 +9,22 @@
 #include "frame/ViewRows.h"
 #include "menu/Columns.h"
 
+#include <QAction>
 #include <QTreeView>
 
 using orvo::menu::MenuColumn;
 using orvo::menu::menuRootKey;
+
+namespace {
+
+bool standsBelow(const QModelIndex& row, const QModelIndex& above) {
+    for (QModelIndex up = row.parent(); up.isValid(); up = up.parent())
+        if (up == above)
+            return true;
+    return false;
+}
+
+} // namespace
 
 bool OrvoMenu::MessageData(MDXCliParam* prm) {
     // A module whose start failed has neither tables nor trees to keep in step.
@@ -32,10 +44,9 @@ bool OrvoMenu::MessageData(MDXCliParam* prm) {
         break;
     case OrvoEventDelete:
         if (folder)
-            orvo::removeRecord(change, m_tabFolder, m_ui->tvDesck,
-                               m_desckModel->findIndexByKey(change.key()));
+            orvo::removeRecord(change, m_tabFolder, m_ui->tvDesck, desckRow(change.key()));
         else if (element)
-            orvo::removeRecord(change, m_tabMenu, m_ui->tvMenu, elementRow(change.key()));
+            elementDeleted(change);
         break;
     case OrvoEventInsert:
         if (folder)
@@ -52,13 +63,23 @@ bool OrvoMenu::MessageData(MDXCliParam* prm) {
 }
 
 QModelIndex OrvoMenu::elementRow(const QString& key) const {
-    // The model answers an empty key with the root row, which stands for no record.
+    // The model answers an empty key with the root row, and with it the whole menu would go.
     return key.isEmpty() ? QModelIndex() : m_menuModel->findIndexByKey(key);
+}
+
+QModelIndex OrvoMenu::recordRow(const QString& key) const {
+    return orvo::sameText(key, QString::fromLatin1(menuRootKey)) ? QModelIndex() : elementRow(key);
+}
+
+QModelIndex OrvoMenu::desckRow(const QString& key) const {
+    return orvo::sameText(key, QString::fromLatin1(orvo::menu::desckRootKey))
+               ? QModelIndex()
+               : m_desckModel->findIndexByKey(key);
 }
 
 void OrvoMenu::desckUpdated(const orvo::Notification& change) {
     MDRData* record = orvo::editAndMerge(change.event(), &m_tabFolder);
-    const QModelIndex row = m_desckModel->findIndexByKey(change.key());
+    const QModelIndex row = desckRow(change.key());
     if (record && row.isValid())
         showDesck(change.key(), record, row);
 }
@@ -68,7 +89,7 @@ void OrvoMenu::desckInserted(const orvo::Notification& change) {
     if (!record)
         return;
     const QString key = change.key();
-    QModelIndex row = m_desckModel->findIndexByKey(key);
+    QModelIndex row = desckRow(key);
     if (!row.isValid()) {
         // Somebody else's row. Without a parent key it has no place in this tree until the next
         // start.
@@ -86,6 +107,10 @@ void OrvoMenu::showDesck(const QString& key, MDRData* record, const QModelIndex&
     const int32_t position = getDesckElementPosition(key, orvo::textOf(record, "ParentKey"));
     if (position == -1)
         return;
+    // A row that moves leaves those below it behind: an edit there is saved first.
+    const bool editsDesck = m_editMode == NewDesck || m_editMode == RenameDesck;
+    if (editsDesck && position != row.row() && standsBelow(m_editDesckIndex, row))
+        finishEdit();
     updateNewDesckNode(record, position, row);
     orvo::makeCurrentAnew(m_ui->tvDesck, m_desckModel->findIndexByKey(key));
 }
@@ -93,7 +118,7 @@ void OrvoMenu::showDesck(const QString& key, MDRData* record, const QModelIndex&
 void OrvoMenu::elementUpdated(const orvo::Notification& change) {
     MDRData* record = orvo::editAndMerge(change.event(), &m_tabMenu);
     const QString key = change.key();
-    const QModelIndex row = elementRow(key);
+    const QModelIndex row = recordRow(key);
     if (!record || !row.isValid())
         return;
     const QModelIndex parent = row.parent();
@@ -102,12 +127,26 @@ void OrvoMenu::elementUpdated(const orvo::Notification& change) {
     const QString oldParent = row.siblingAtColumn(MenuColumn::ParentKey).data().toString();
     const int32_t position = getMenuElementPosition(key, newParent);
     loadMenuRow(parent, number, record);
+    const bool edited = isEdited(key);
+    if (edited)
+        keepEdit(row, record);
     if (!orvo::sameText(newParent, oldParent)) {
         const QModelIndex target = m_menuModel->findIndexByKey(
             newParent.isEmpty() ? QString::fromLatin1(menuRootKey) : newParent);
         // Without a row for the new parent the element waits where it stands.
-        if (target.isValid())
-            m_menuModel->moveItem(number, position, parent, target);
+        if (!target.isValid())
+            return;
+        // An edit is saved in the new place: from the one that it leaves it would undo the move.
+        if (edited)
+            m_editMode = NoEdit;
+        moveElement(row, position, target);
+        if (edited) {
+            m_editMode = EditElement;
+            m_editMenuIndex = elementRow(key);
+            m_editValues[MenuColumn::ParentKey] = newParent;
+            finishEdit();
+        }
+        limitMoves();
         return;
     }
     // The operator's own row stays current, with a fresh passport, also if it is the one that
@@ -127,13 +166,13 @@ void OrvoMenu::elementInserted(const orvo::Notification& change) {
     MDRData* record = orvo::createAndMerge(change.event(), &m_tabMenu);
     if (!record)
         return;
-    if (!orvo::holdsText(record, "FolderKey", m_currentDesckKey)) {
+    if (!orvo::holdsText(record, "FolderKey", openDesckKey())) {
         // The table holds the open desktop only.
         m_tabMenu.RecDel(record);
         return;
     }
     const QString key = change.key();
-    const QModelIndex own = elementRow(key);
+    const QModelIndex own = recordRow(key);
     if (own.isValid()) {
         loadMenuRow(own.parent(), own.row(), record);
         return;
@@ -145,4 +184,28 @@ void OrvoMenu::elementInserted(const orvo::Notification& change) {
         return;
     loadMenuRow(parent, position, record);
     m_ui->tvMenu->setCurrentIndex(m_menuModel->index(position, 0, parent));
+}
+
+void OrvoMenu::moveElement(const QModelIndex& row, int32_t position, const QModelIndex& target) {
+    QTreeView* view = m_ui->tvMenu;
+    const bool hadCurrent = view->currentIndex().isValid();
+    m_menuModel->moveItem(row.row(), position, row.parent(), target);
+    // A row moves as a copy, and a view forgets a current row below the one that goes.
+    if (hadCurrent && !view->currentIndex().isValid())
+        view->setCurrentIndex(elementRow(m_currentMenuKey));
+}
+
+void OrvoMenu::elementDeleted(const orvo::Notification& change) {
+    orvo::removeRecord(change, m_tabMenu, m_ui->tvMenu, recordRow(change.key()));
+    limitMoves();
+}
+
+void OrvoMenu::limitMoves() {
+    const QModelIndex current = m_ui->tvMenu->currentIndex().siblingAtColumn(0);
+    if (!current.isValid())
+        return;
+    if (m_menuModel->itemIsFirstSibling(current))
+        m_ui->actMoveUp->setEnabled(false);
+    if (m_menuModel->itemIsLastSibling(current))
+        m_ui->actMoveDown->setEnabled(false);
 }

@@ -47,10 +47,19 @@ void OrvoMenu::swapWithNeighbour(int step) {
     out.send();
 }
 
-orvo::RowWriter OrvoMenu::addOrder(ScratchTable& out, const QString& key, int order) const {
+orvo::RowWriter OrvoMenu::addOrder(ScratchTable& out, const QString& key, int order) {
+    // An open edit of that element may be saved before this comes back, with all its fields.
+    if (isEdited(key))
+        m_editValues[MenuColumn::Order] = order;
     orvo::RowWriter row = out.add(MDX_UPDATE);
     row.text("KeyLink", key).integer("order_", order);
     return row;
+}
+
+void OrvoMenu::addPlace(ScratchTable& out, const QString& key, int order, const QString& parent) {
+    if (isEdited(key))
+        m_editValues[MenuColumn::ParentKey] = parent;
+    addOrder(out, key, order).textOrNull("parent", parent);
 }
 
 void OrvoMenu::on_menu_dragdrop(const QModelIndex& destindex, QStringList srcList, int option) {
@@ -93,7 +102,7 @@ void OrvoMenu::dropIntoFolder(const QModelIndex& folder, const QStringList& keys
     const QString parentKey = parentKeyOf(*m_menuModel, folder);
     for (const QString& dragged : keys) {
         const QString key = m_menuModel->getItemKeyLink(m_menuModel->findIndexByKey(dragged));
-        addOrder(moved, key, order).textOrNull("parent", parentKey);
+        addPlace(moved, key, order, parentKey);
         m_focusKey = key;
         order = stepBehind(order);
     }
@@ -130,7 +139,7 @@ void OrvoMenu::dropBehindRow(const QModelIndex& source, const QModelIndex& desti
         const QModelIndex sibling = m_menuModel->index(row, 0, destination);
         addOrder(shifted, m_menuModel->getItemKeyLink(sibling), stepBehind(orderAt(sibling)));
     }
-    addOrder(moved, key, order).textOrNull("parent", parentKeyOf(*m_menuModel, destination));
+    addPlace(moved, key, order, parentKeyOf(*m_menuModel, destination));
     m_focusKey = key;
 }
 

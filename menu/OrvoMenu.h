@@ -24,6 +24,7 @@
 #include <QPersistentModelIndex>
 #include <QString>
 #include <QStringList>
+#include <QVariant>
 
 #include <cstdint>
 #include <memory>
@@ -101,8 +102,13 @@ protected:
     QPersistentModelIndex
         m_editDesckIndex; ///< row being created or renamed; invalid once it is gone
     QPersistentModelIndex m_editMenuIndex; ///< row being created or edited; likewise
-    QString m_currentDesckKey;             ///< key of the current row of tvDesck
-    QString m_currentMenuKey;              ///< key of the current row of tvMenu
+    QString m_editMenuKey; ///< of the element being created or edited, whose row may be made anew
+    /// What an edit of an existing element has changed, by column of tvMenu; and its Order and
+    /// ParentKey as long as an own write of its place has not come back.
+    QMap<int, QVariant> m_editValues;
+    QString m_openDesckKey;    ///< of the desktop whose elements m_tabMenu holds; null: the current
+    QString m_currentDesckKey; ///< key of the current row of tvDesck
+    QString m_currentMenuKey;  ///< key of the current row of tvMenu
     QString m_focusKey;        ///< row to make current after the next notifications; null: none
     bool m_cutPending = false; ///< the clipboard holds a cut of this editor
     bool m_skipDesckChange = false; ///< the next on_tvDesck_currentChanged only clears this
@@ -230,13 +236,21 @@ protected slots:
 
 private:
     // Notifications
-    /// The row of an element; invalid for an empty key.
+    /// The row of an element, the root row for its key; invalid for an empty key.
     QModelIndex elementRow(const QString& key) const;
+    /// The row of a record; invalid for the keys of the root rows, which stand for none.
+    QModelIndex recordRow(const QString& key) const;
+    QModelIndex desckRow(const QString& key) const;
     void desckUpdated(const orvo::Notification& change);
     void desckInserted(const orvo::Notification& change);
     /// Writes the record into the row, puts it in its place and refreshes what depends on it.
     void showDesck(const QString& key, MDRData* record, const QModelIndex& row);
     void elementUpdated(const orvo::Notification& change);
+    void elementDeleted(const orvo::Notification& change);
+    /// Moves a row with what lies below it; a current row among that stays current.
+    void moveElement(const QModelIndex& row, int32_t position, const QModelIndex& target);
+    /// Switches off a move button whose neighbour has gone.
+    void limitMoves();
     void elementInserted(const orvo::Notification& change);
 
     // Creating
@@ -253,7 +267,16 @@ private:
     void saveDesckName();
     /// Closes the editors of names, on that row and on the current one.
     void closeDesckEditor(const QModelIndex& row);
+    /// The row of the element being created or edited, wherever it has moved with the folders above
+    /// it; invalid if it is gone.
     QModelIndex editedElement() const;
+    /// Whether an edit of that existing element is open.
+    bool isEdited(const QString& key) const;
+    /// Puts what the engineer has typed over what a notification has just written into the edited
+    /// row, so that the edit goes on.
+    void keepEdit(const QModelIndex& row, const MDRData* record);
+    /// Ends an edit of an element; nothing is written.
+    void endElementEdit();
     void saveElement(const QModelIndex& row, MdxRecordFlag flag);
     void cancelDesckName();
     void cancelElement();
@@ -270,7 +293,9 @@ private:
                             const QString& caption, const MDRData* record,
                             orvo::ScratchTable& target, const QMap<QString, QString>& keyMap);
     void swapWithNeighbour(int step);
-    orvo::RowWriter addOrder(orvo::ScratchTable& out, const QString& key, int order) const;
+    orvo::RowWriter addOrder(orvo::ScratchTable& out, const QString& key, int order);
+    /// The same with another parent, empty for the top of the menu.
+    void addPlace(orvo::ScratchTable& out, const QString& key, int order, const QString& parent);
     void dropIntoFolder(const QModelIndex& folder, const QStringList& keys,
                         orvo::ScratchTable& moved);
     void dropAmongSiblings(const QModelIndex& source, int position, orvo::ScratchTable& moved);
@@ -279,6 +304,11 @@ private:
 
     /// The elements of a desktop from the server, the caller's; null if it does not answer.
     MDArray* requestMenu(const QString& desckKey) const;
+    /// The desktop whose elements m_tabMenu holds: the current one, as long as its elements came
+    /// when it was made current and no new element kept the menu of another.
+    QString openDesckKey() const;
+    /// Whether the table has rows below a folder of desktops.
+    bool holdsDesktops(const QString& folderKey) const;
 
     /// Rows for the sub-folders or the desktops of `parentKey`, below `parent` or at the top of the
     /// batch; gives the new rows.

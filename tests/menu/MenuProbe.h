@@ -27,6 +27,7 @@ public:
     using OrvoMenu::m_desckModel;
     using OrvoMenu::m_editDesckIndex;
     using OrvoMenu::m_editMenuIndex;
+    using OrvoMenu::m_editMenuKey;
     using OrvoMenu::m_editMode;
     using OrvoMenu::m_focusKey;
     using OrvoMenu::m_menuModel;

@@ -424,6 +424,7 @@ void TestMenuEditing::withoutItsRowASaveChangesNothing() {
     Editing live(state);
     live->m_editDesckIndex = QModelIndex();
     live->m_editMenuIndex = QModelIndex();
+    live->m_editMenuKey = "gone";
     live->m_currentMenuKey = "gone";
     live.save();
     QCOMPARE(live.mode(), state);
@@ -581,6 +582,7 @@ void TestMenuEditing::withoutItsRowACancelChangesNothing() {
     const QString before = live.menuText() + live.desckText();
     live->m_editDesckIndex = QModelIndex();
     live->m_editMenuIndex = QModelIndex();
+    live->m_editMenuKey = "gone";
     live->m_currentMenuKey = "gone";
     live.cancel();
     QCOMPARE(live.mode(), state);

@@ -93,6 +93,7 @@ const Operation operations[] = {
      [](Mishap& live) {
          live.select("calc");
          live->on_actCutMenuElement_triggered();
+         live.select("glubzhe");
      },
      [](Mishap& live) { live->on_actPasteMenuElement_triggered(); }},
     {"an element moves up", [](Mishap& live) { live.makeCurrent("calc"); },
