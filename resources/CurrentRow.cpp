@@ -12,6 +12,8 @@
 using orvo::resources::ResColumn;
 
 void OrvoResources::on_tvRes_currentChanged(const QModelIndex& current, const QModelIndex&) {
+    if (m_following)
+        return;
     m_currentKey = m_resModel->getItemKeyLink(current);
     m_propModel->clearRows();
     if (editIsLost())

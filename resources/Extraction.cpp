@@ -97,13 +97,19 @@ void writeFiles(const COrvoCliMod& module, const CMDArray& files, const QString&
 
 } // namespace
 
+QString OrvoResources::storedCaption(const QModelIndex& index) const {
+    // By the table: what is being typed, or was refused, may be another folder's name.
+    const MDRData* record = orvo::seekKey(m_tabResFolder, m_resModel->getItemKeyLink(index));
+    return record ? orvo::textOf(record, "caption") : captionOf(index);
+}
+
 QString OrvoResources::getFormPath(const QModelIndex& index) const {
     if (m_resModel->getItemLevel(index) == 1)
         return {};
-    QString path = captionOf(index);
+    QString path = storedCaption(index);
     for (QModelIndex at = index; m_resModel->getItemLevel(at) >= 3;) {
         at = at.parent();
-        path.prepend(captionOf(at) + QLatin1Char('/'));
+        path.prepend(storedCaption(at) + QLatin1Char('/'));
     }
     return path;
 }
@@ -112,10 +118,10 @@ QString OrvoResources::getFilePath(const QModelIndex& index) const {
     QStringList path;
     for (QModelIndex at = index; m_resModel->getItemLevel(at) > 1;) {
         at = at.parent();
-        path.prepend(captionOf(at));
+        path.prepend(storedCaption(at));
     }
     if (orvo::resources::isFolder(index) && m_resModel->getItemLevel(index) > 0)
-        path.append(captionOf(index));
+        path.append(storedCaption(index));
     return path.join(QLatin1Char('/'));
 }
 

@@ -32,6 +32,23 @@ void OrvoResources::showRow(const QModelIndex& row) {
         m_ui->tvRes->scrollTo(row);
 }
 
+template <class Move>
+void OrvoResources::moveFolder(Move move) {
+    // A folder moves as a copy: indexes of rows below the one that goes are lost, and a view
+    // forgets a current row there without a word.
+    QTreeView* view = m_ui->tvRes;
+    const QString newKey = m_resModel->getItemKeyLink(m_newItemIndex);
+    const QString currentKey = m_resModel->getItemKeyLink(view->currentIndex());
+    move();
+    if (!newKey.isEmpty())
+        m_newItemIndex = m_resModel->findIndexByKey(newKey);
+    if (currentKey.isEmpty() || view->currentIndex().isValid())
+        return;
+    m_following = true;
+    view->setCurrentIndex(m_resModel->findIndexByKey(currentKey));
+    m_following = false;
+}
+
 bool OrvoResources::MessageData(MDXCliParam* prm) {
     // A module whose start failed has neither tables nor a tree to keep in step.
     if (!m_resModel)
@@ -91,11 +108,14 @@ void OrvoResources::folderUpdated(const orvo::Notification& change) {
     if (!stays) {
         // Without a parent key the folder becomes a top row.
         if (position != -1)
-            m_resModel->moveItem(number, position, parent, m_resModel->findIndexByKey(newParent));
+            moveFolder([&] {
+                m_resModel->moveItem(number, position, parent,
+                                     m_resModel->findIndexByKey(newParent));
+            });
         return;
     }
     if (position != -1)
-        m_resModel->moveSiblingItem(number, position, parent);
+        moveFolder([&] { m_resModel->moveSiblingItem(number, position, parent); });
     if (again)
         selectAgain(key);
 }
@@ -139,7 +159,7 @@ void OrvoResources::folderInserted(const orvo::Notification& change) {
     const int32_t position = getResFolderPosition(key, orvo::textOf(record, "ParentKey"),
                                                   orvo::integerOf(record, "type_"));
     if (position != -1)
-        m_resModel->moveSiblingItem(number, position, parent);
+        moveFolder([&] { m_resModel->moveSiblingItem(number, position, parent); });
     if (again)
         selectAgain(key);
 }

@@ -305,6 +305,13 @@ private:
     orvo::QuietViews* m_quiet = nullptr; ///< while MessageOn takes them; not owned
     /// Scrolls to a row, of several in one MessageOn to the last.
     void showRow(const QModelIndex& row);
+    /// The caption of a folder as the server has it; of a row without a record as it is shown.
+    QString storedCaption(const QModelIndex& index) const;
+    /// Moves a folder by calling `move`; the new row and the current row, if they lie below it, are
+    /// taken along, and an edit there stays open.
+    template <class Move>
+    void moveFolder(Move move);
+    bool m_following = false; ///< the current row is made current again in its new place
     void folderUpdated(const orvo::Notification& change);
     void folderInserted(const orvo::Notification& change);
     void resourceUpdated(const orvo::Notification& change);

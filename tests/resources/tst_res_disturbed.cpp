@@ -50,6 +50,12 @@ private slots:
     void aResourceOfAnUnknownFolderIsStillAResource_data();
     void aResourceOfAnUnknownFolderIsStillAResource();
     void anEditorThatClosesWithItsRowWritesNoOther();
+    void aNewRowOutlivesTheMoveOfItsFolder_data();
+    void aNewRowOutlivesTheMoveOfItsFolder();
+    void aRenamedFolderKeepsTheNewRowInIt();
+    void aRefusedCaptionIsNoPartOfThePath();
+    void theCurrentRowStaysCurrentWhenItsFolderMoves();
+    void anOpenLineOutlivesTheMoveOfItsFolder();
 
     // A question
     void theRowOfTheQuestionIsDeleted();
@@ -407,6 +413,96 @@ void TestResDisturbed::anEditorThatClosesWithItsRowWritesNoOther() {
     live.cancel();
     QCOMPARE(live.cell("rlog", ResColumn::Name), QVariant("Log"));
     QCOMPARE(live.written(), QString());
+}
+
+void TestResDisturbed::aNewRowOutlivesTheMoveOfItsFolder_data() {
+    QTest::addColumn<QString>("field");
+    QTest::addColumn<QString>("value");
+    QTest::newRow("among its siblings") << "caption"
+                                        << "Яркие";
+    QTest::newRow("to another parent") << "ParentKey"
+                                       << "trends";
+}
+
+void TestResDisturbed::aNewRowOutlivesTheMoveOfItsFolder() {
+    QFETCH(QString, field);
+    QFETCH(QString, value);
+    Writing live;
+    live.makeCurrent("alarms");
+    live.editor.action("actAddModule")->trigger();
+    const QString key = live.currentKey();
+    live.type("object", "Mid");
+    live.store.update("MenuResourceFolder",
+                      {{"KeyLink", QString("alarms")}, {field.toLatin1().constData(), value}});
+    live.deliver();
+    QCOMPARE(live.state(), NewRow);
+    QCOMPARE(live.currentKey(), key);
+    QCOMPARE(QModelIndex(live->m_newItemIndex), live->row(qPrintable(key)));
+    QVERIFY(live.buttonsEnabled());
+    live.save();
+    QVERIFY(live.written().contains("+#1 MenuResourceFolderKey='alarms' name_='Mid'"));
+    live.deliver();
+    QVERIFY(orvo::seekKey(live->m_tabResource, key));
+}
+
+void TestResDisturbed::aRenamedFolderKeepsTheNewRowInIt() {
+    Writing live;
+    live.makeCurrent("alarms");
+    live.type("caption", "Яркие");
+    live.editor.action("actAddModule")->trigger(); // saves the new caption first
+    const QString key = live.currentKey();
+    live.deliver();
+    QCOMPARE(live.below("mod"), QString("trends alarms rlog rtable"));
+    live.written();
+    live.type("object", "Mid");
+    live.save();
+    QVERIFY(live.written().contains("+#1 MenuResourceFolderKey='alarms' name_='Mid'"));
+    live.deliver();
+    QVERIFY(orvo::seekKey(live->m_tabResource, key));
+}
+
+void TestResDisturbed::aRefusedCaptionIsNoPartOfThePath() {
+    Writing live;
+    live.makeCurrent("docs");
+    live.type("caption", "icons");
+    QCOMPARE(live->getFilePath(live->row("docs")), QString("docs"));
+    QCOMPARE(live->getFilePath(live->row("rmanual")), QString("docs"));
+    live.makeCurrent("rmanual"); // another folder has that caption
+    QCOMPARE(live.written(), QString());
+    QCOMPARE(live->getFilePath(live->row("rmanual")), QString("docs"));
+    live.makeCurrent("boilers");
+    live.type("caption", "Иные");
+    QCOMPARE(live->getFormPath(live->row("old")), QString("Котлы/Старые"));
+}
+
+void TestResDisturbed::theCurrentRowStaysCurrentWhenItsFolderMoves() {
+    Writing live;
+    live.makeCurrent("trends");
+    live.type("caption", "А");
+    live.makeCurrent("rtrend"); // saves the new caption
+    live.deliver();
+    QCOMPARE(live.below("mod"), QString("trends alarms rlog rtable"));
+    QCOMPARE(live.currentKey(), QString("rtrend"));
+    QCOMPARE(live.view()->selectionModel()->selectedRows().size(), 1);
+}
+
+void TestResDisturbed::anOpenLineOutlivesTheMoveOfItsFolder() {
+    Writing live;
+    live.makeCurrent("rtrend");
+    QLineEdit* line = passportLine(live.propView(), *live->m_propModel, "caption");
+    line->selectAll();
+    typeText(line, "Граф");
+    live.store.update("MenuResourceFolder",
+                      {{"KeyLink", QString("trends")}, {"caption", QString("А")}});
+    live.deliver();
+    QCOMPARE(live.state(), EditRow);
+    QCOMPARE(live.written(), QString());
+    const QModelIndex value = live->m_propModel->findIndexByKey("caption").siblingAtColumn(1);
+    QCOMPARE(live.propView()->indexWidget(value), line);
+    typeText(line, "ик");
+    live.save();
+    QVERIFY(live.written().contains("~rtrend MenuResourceFolderKey='trends' name_='Trend' type_=1 "
+                                    "caption='График'"));
 }
 
 // A question -------------------------------------------------------------------------------------
