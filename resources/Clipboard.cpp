@@ -123,7 +123,10 @@ void OrvoResources::sendToFolder(const QStringList& keys, const QString& folder,
         sent.insert(folded);
         const bool isFolder = orvo::resources::isFolder(row);
         orvo::RowWriter record = (isFolder ? folders : resources).add(MDX_UPDATE);
-        record.text("KeyLink", key);
+        // A key in letters that no record can hold finds its row all the same, and would go out as
+        // another key.
+        const bool holds = orvo::fromRecord(orvo::toRecord(key)) == key;
+        record.text("KeyLink", holds ? key : m_resModel->getItemKeyLink(row));
         (record.*writeLink)(isFolder ? "ParentKey" : "MenuResourceFolderKey", folder);
         m_focusKey = key;
     }

@@ -23,6 +23,20 @@ QString folderKeyOf(const QModelIndex& row) {
     return row.siblingAtColumn(ResColumn::FolderKey).data().toString();
 }
 
+/// Whether a record bears the key of a fixed row. It gets no row here, and does nothing to that
+/// one, with which everything below it would go.
+bool isFixedKey(const QString& key) {
+    using namespace orvo::resources;
+    for (const char* fixed : {menuRootKey, fileRootKey, orphansKey})
+        if (orvo::sameText(key, QString::fromLatin1(fixed)))
+            return true;
+    return false;
+}
+
+QModelIndex rowOfRecord(const ResTreeModel& model, const QString& key) {
+    return isFixedKey(key) ? QModelIndex() : model.findIndexByKey(key);
+}
+
 } // namespace
 
 void OrvoResources::showRow(const QModelIndex& row) {
@@ -68,7 +82,7 @@ bool OrvoResources::MessageData(MDXCliParam* prm) {
     case OrvoEventDelete:
         if (folder || resource)
             orvo::removeRecord(change, folder ? m_tabResFolder : m_tabResource, m_ui->tvRes,
-                               m_resModel->findIndexByKey(change.key()));
+                               rowOfRecord(*m_resModel, change.key()));
         break;
     case OrvoEventInsert:
         // What is stored of a form or a file is asked for when its row becomes current: the table
@@ -95,7 +109,7 @@ void OrvoResources::selectAgain(const QString& key) {
 void OrvoResources::folderUpdated(const orvo::Notification& change) {
     MDRData* record = orvo::editAndMerge(change.event(), &m_tabResFolder);
     const QString key = change.key();
-    const QModelIndex row = m_resModel->findIndexByKey(key);
+    const QModelIndex row = rowOfRecord(*m_resModel, key);
     if (!record || !row.isValid())
         return;
     const bool again = isCurrent(m_ui->tvRes, row);
@@ -123,7 +137,7 @@ void OrvoResources::folderUpdated(const orvo::Notification& change) {
 void OrvoResources::resourceUpdated(const orvo::Notification& change) {
     MDRData* record = orvo::editAndMerge(change.event(), &m_tabResource);
     const QString key = change.key();
-    const QModelIndex row = m_resModel->findIndexByKey(key);
+    const QModelIndex row = rowOfRecord(*m_resModel, key);
     if (!record || !row.isValid())
         return;
     const bool again = isCurrent(m_ui->tvRes, row);
@@ -148,7 +162,7 @@ void OrvoResources::resourceUpdated(const orvo::Notification& change) {
 void OrvoResources::folderInserted(const orvo::Notification& change) {
     MDRData* record = orvo::createAndMerge(change.event(), &m_tabResFolder);
     const QString key = change.key();
-    const QModelIndex row = m_resModel->findIndexByKey(key);
+    const QModelIndex row = rowOfRecord(*m_resModel, key);
     // Somebody else's folder shows at the next start only.
     if (!record || !row.isValid())
         return;
@@ -166,13 +180,13 @@ void OrvoResources::folderInserted(const orvo::Notification& change) {
 
 void OrvoResources::resourceInserted(const orvo::Notification& change) {
     MDRData* record = orvo::createAndMerge(change.event(), &m_tabResource);
-    if (!record)
-        return;
     const QString key = change.key();
+    if (!record || isFixedKey(key))
+        return;
     const QString folderKey = orvo::textOf(record, "MenuResourceFolderKey");
     const int count = getFolderCount(folderKey);
     const int32_t position = getResItemPosition(key, folderKey, orvo::integerOf(record, "type_"));
-    const QModelIndex row = m_resModel->findIndexByKey(key);
+    const QModelIndex row = rowOfRecord(*m_resModel, key);
     if (row.isValid()) {
         const bool again = isCurrent(m_ui->tvRes, row);
         const QModelIndex parent = row.parent();

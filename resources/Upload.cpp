@@ -187,7 +187,10 @@ void OrvoResources::moveForms(const QStringList& names, const QString& folderKey
             name.isEmpty() ? nullptr
                            : orvo::seek(m_tabResource, 2,
                                         KeyValues().integer(orvo::resources::Form).text(name));
-        if (record && !orvo::holdsText(record, "MenuResourceFolderKey", folderKey))
+        // A name with letters that no record can hold was refused, and is sought with them
+        // replaced: what is found then is another form.
+        if (record && orvo::holdsText(record, "name_", name) &&
+            !orvo::holdsText(record, "MenuResourceFolderKey", folderKey))
             moved.add(MDX_UPDATE).copy("KeyLink", record).text("MenuResourceFolderKey", folderKey);
     }
     moved.send();

@@ -104,6 +104,7 @@ private slots:
     void rowsThatAreGoneAreLeftOut();
     void withoutAnyRowNothingGoesOut();
     void aRowNamedInAnotherCaseIsMoved();
+    void aKeyInForeignLettersMovesTheRowItFound();
     void theTypeOfTheTargetDoesNotMatter();
     void aFolderIsPastedIntoItself();
     void pastedWhereItIsARowIsSelectedAnew();
@@ -342,6 +343,29 @@ void TestResClipboard::aRowNamedInAnotherCaseIsMoved() {
     QCOMPARE(window.parentOf("rlog"), QString("alarms"));
     QCOMPARE(window.current().toLower(), QString("rlog"));
     QVERIFY(window.editor->m_focusKey.isNull());
+    QCOMPARE(window.host.failures, QStringList());
+}
+
+void TestResClipboard::aKeyInForeignLettersMovesTheRowItFound() {
+    Window window;
+    addItem(window.store, "?", 1, "mod", "Question", "Вопрос");
+    addItem(window.store, "disk", 1, "mod", "Disk", "Диск");
+    window.deliver();
+    // The Kelvin sign and the long s are a "k" and an "s" in another case.
+    for (const char* key : {"dis\u212A", "di\u017Fk"}) {
+        window.paste(QByteArray("1\n") + key + ";\n", "alarms");
+        QCOMPARE(window.written(), QString("MenuResource\n"
+                                           "  ~disk MenuResourceFolderKey='alarms'\n"));
+        window.deliver();
+        QCOMPARE(window.parentOf("disk"), QString("alarms"));
+        QCOMPARE(window.current(), QString("disk"));
+        window.editor->on_res_dragdrop(window.editor->row("trends"), {QString::fromUtf8(key)});
+        QCOMPARE(window.written(), QString("MenuResource\n"
+                                           "  ~disk MenuResourceFolderKey='trends'\n"));
+        window.deliver();
+        QCOMPARE(window.parentOf("disk"), QString("trends"));
+    }
+    QCOMPARE(window.parentOf("?"), QString("mod"));
     QCOMPARE(window.host.failures, QStringList());
 }
 

@@ -45,6 +45,8 @@ private slots:
     void aFolderTakesTheCurrentRowWithIt();
     void theFormsOfADeletedFolderAreNoOrphansYet();
     void aKeyUnknownToTheTableRemovesNothing();
+    void aRecordWithTheKeyOfAFixedRowLeavesThatRowAlone_data();
+    void aRecordWithTheKeyOfAFixedRowLeavesThatRowAlone();
     void anEditedRowIsOverwritten();
     void aBurstOpensEachFolderAndEndsAtTheLastRow();
     void aRowThatWentAgainInABurstIsNoAim();
@@ -377,6 +379,46 @@ void TestResNotifications::aKeyUnknownToTheTableRemovesNothing() {
     store->remove("MenuResource", "rlog");
     deliver();
     QVERIFY(probe().row("rlog").isValid());
+}
+
+void TestResNotifications::aRecordWithTheKeyOfAFixedRowLeavesThatRowAlone_data() {
+    QTest::addColumn<QByteArray>("key");
+    QTest::addColumn<bool>("folder");
+    for (const char* key : {"MenuResources", "fileresources", "WrongFolder"})
+        for (const bool folder : {true, false})
+            QTest::newRow(QByteArray(key) + (folder ? ", a folder" : ", a resource"))
+                << QByteArray(key) << folder;
+}
+
+void TestResNotifications::aRecordWithTheKeyOfAFixedRowLeavesThatRowAlone() {
+    QFETCH(QByteArray, key);
+    QFETCH(bool, folder);
+    makeCurrent("rlog");
+    const char* table = folder ? "MenuResourceFolder" : "MenuResource";
+    const CMDArray& records = folder ? probe().m_tabResFolder : probe().m_tabResource;
+    const auto shown = [&] {
+        QStringList rows = children(key);
+        for (int column = 0; column <= ResColumn::IsFolder; ++column)
+            rows << probe().text(key, column);
+        return rows << children("mod") << children("docs");
+    };
+    const QStringList before = shown();
+    if (folder)
+        addFolder(*store, key, 1, "mod", "Чужая");
+    else
+        addItem(*store, key, 1, "mod", "Foreign", "Чужой");
+    deliver();
+    QCOMPARE(shown(), before);
+    QVERIFY(orvo::seekKey(records, key));
+    store->update(table, {{"KeyLink", QString(key)}, {"caption", QString("Другое")}});
+    deliver();
+    QCOMPARE(shown(), before);
+    QCOMPARE(orvo::textOf(orvo::seekKey(records, key), "caption"), QString("Другое"));
+    store->remove(table, key);
+    deliver();
+    QCOMPARE(shown(), before);
+    QVERIFY(!orvo::seekKey(records, key));
+    QCOMPARE(view()->currentIndex(), probe().row("rlog"));
 }
 
 void TestResNotifications::anEditedRowIsOverwritten() {

@@ -271,6 +271,7 @@ private slots:
     void aFormGoesIntoItsFolder();
     void anExistingFormIsMoved();
     void aMovedFormIsFoundByTheChosenName();
+    void aNameThatIsRefusedMovesNoOtherForm();
     void aFormInItsFolderIsNotMoved();
     void severalFilesOfAFormAreSentSeveralTimes();
     void severalFormsAreMovedInOneCall();
@@ -467,6 +468,22 @@ void TestResUpload::anExistingFormIsMoved() {
     window.deliver();
     QCOMPARE(window.parentOf("rboiler"), QString("old"));
     QCOMPARE(window.form("Boiler"), QStringList("Boiler=form@5"));
+}
+
+void TestResUpload::aNameThatIsRefusedMovesNoOtherForm() {
+    Window window;
+    // As the refused name reads where its arrow is not known.
+    addItem(window.store, "rasked", 3, "boilers", "a?", "Вопрос");
+    window.deliver();
+    window.put("a→", "form");
+    window.put("BOILER", "form");
+    window.upload("old", {"a→", "BOILER"});
+    QCOMPARE(window.host.failures.size(), 1);
+    QCOMPARE(window.host.writes().take(), QString("MenuResource\n"
+                                                  "  ~rboiler MenuResourceFolderKey='old'\n"));
+    window.deliver();
+    QCOMPARE(window.parentOf("rasked"), QString("boilers"));
+    QCOMPARE(window.parentOf("rboiler"), QString("old"));
 }
 
 void TestResUpload::aMovedFormIsFoundByTheChosenName() {
