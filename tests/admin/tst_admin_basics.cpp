@@ -25,6 +25,7 @@ private slots:
     void aLockOfAUserWhoIsGoneIsTaken();
     void lockingNeedsAFormAndAUser();
     void changesReachTheChangeLog();
+    void aTerminalGetsNoControlCharacters();
 
 private:
     static void addForm(const AdminRun& admin, const QString& name);
@@ -229,6 +230,21 @@ void TestAdminBasics::changesReachTheChangeLog() {
     QCOMPARE(admin.sql("select code || ' ' || tableName || ' ' || login from NciEvent "
                        "order by id desc limit 1"),
              QString("601 Users admin"));
+}
+
+void TestAdminBasics::aTerminalGetsNoControlCharacters() {
+    const AdminRun admin;
+    QVERIFY(admin.init());
+    // Of both blocks: the second is as good as an escape character to a terminal.
+    admin.sql("insert into MenuFolder values ('k', null, 'a' || char(155) || '31mb' || char(27) "
+              "|| 'c' || char(133) || char(127) || 'd' || char(160), '1000', 1)");
+    const AdminResult result = admin.run({"history"});
+    QCOMPARE(result.code, 0);
+    QVERIFY(result.out.contains("31mb"));
+    QVERIFY(result.out.contains(QChar(0xA0)));
+    for (const QChar letter : result.out)
+        QVERIFY2(letter == '\n' || letter.category() != QChar::Other_Control,
+                 qPrintable(QString::number(letter.unicode(), 16)));
 }
 
 QTEST_GUILESS_MAIN(TestAdminBasics)
