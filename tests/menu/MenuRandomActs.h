@@ -125,11 +125,14 @@ public:
     void seen(const store::Change& change) {
         if (change.table == "MenuResource" && change.code != OrvoEventInsert)
             m_aged.insert(QString::fromStdString(change.key));
-        // What a record says takes the place of what was typed.
-        if (change.table == "Menu")
-            m_menuKnown.typed.remove(QString::fromStdString(change.key));
+        // What a record says takes the place of what was typed, but for an element still edited.
+        const QString key = QString::fromStdString(change.key);
+        const bool edited = probe().m_editMode == MenuProbe::EditElement &&
+                            orvo::sameText(probe().m_editMenuKey, key);
+        if (change.table == "Menu" && !edited)
+            m_menuKnown.typed.remove(key);
         if (change.table == "MenuFolder")
-            m_desckKnown.typed.remove(QString::fromStdString(change.key));
+            m_desckKnown.typed.remove(key);
     }
 
     void watch() {
