@@ -78,6 +78,14 @@ Notification::~Notification() {
     MDRTypFree(&m_event.recordType);
 }
 
+bool Notification::brings(const char* field) const {
+    uint8_t marked = 0;
+    return m_event.recordType.fieldCount > 0 &&
+           MDRIsUser(MDRFldByName(&m_event.recordType, field), &m_event.record, &marked) ==
+               MDX_OK &&
+           marked != 0;
+}
+
 bool Notification::isFor(const char* tableName) const {
     return sameText(m_event.tableName, QString::fromLatin1(tableName));
 }

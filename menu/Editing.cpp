@@ -5,6 +5,7 @@
 
 #include "ui_OrvoMenu.h"
 
+#include "frame/Notification.h"
 #include "frame/Records.h"
 #include "frame/ScratchTable.h"
 #include "frame/ViewRows.h"
@@ -14,6 +15,7 @@
 #include <QTreeView>
 
 #include <algorithm>
+#include <utility>
 
 using orvo::menu::DesckColumn;
 using orvo::menu::desckRootKey;
@@ -88,7 +90,20 @@ bool OrvoMenu::isEdited(const QString& key) const {
     return m_editMode == EditElement && orvo::sameText(key, m_editMenuKey);
 }
 
-void OrvoMenu::keepEdit(const QModelIndex& row, const MDRData* record) {
+void OrvoMenu::keepEdit(const QModelIndex& row, const MDRData* record,
+                        const orvo::Notification& change) {
+    static const std::pair<int, const char*> fields[] = {
+        {MenuColumn::Caption, "caption"},     {MenuColumn::Icon, "ico"},
+        {MenuColumn::Params, "params"},       {MenuColumn::OneCopy, "oneCopy"},
+        {MenuColumn::Separator, "separator"},
+    };
+    for (const auto& [column, field] : fields) {
+        if (change.brings(field))
+            m_editValues.remove(column); // somebody was quicker
+        else if (m_editValues.contains(column))
+            m_menuModel->setData(row.siblingAtColumn(column), m_editValues[column],
+                                 Qt::DisplayRole);
+    }
     // An own write of its place has come back when the record has that place.
     const auto parent = m_editValues.constFind(MenuColumn::ParentKey);
     if (m_editValues.value(MenuColumn::Order) == QVariant(orvo::integerOf(record, "order_")) &&
@@ -97,9 +112,6 @@ void OrvoMenu::keepEdit(const QModelIndex& row, const MDRData* record) {
         m_editValues.remove(MenuColumn::Order);
         m_editValues.remove(MenuColumn::ParentKey);
     }
-    for (auto value = m_editValues.constBegin(); value != m_editValues.constEnd(); ++value)
-        if (value.key() != MenuColumn::Order && value.key() != MenuColumn::ParentKey)
-            m_menuModel->setData(row.siblingAtColumn(value.key()), *value, Qt::DisplayRole);
 }
 
 QModelIndex OrvoMenu::editedElement() const {

@@ -129,7 +129,7 @@ void OrvoMenu::elementUpdated(const orvo::Notification& change) {
     loadMenuRow(parent, number, record);
     const bool edited = isEdited(key);
     if (edited)
-        keepEdit(row, record);
+        keepEdit(row, record, change);
     if (!orvo::sameText(newParent, oldParent)) {
         const QModelIndex target = m_menuModel->findIndexByKey(
             newParent.isEmpty() ? QString::fromLatin1(menuRootKey) : newParent);

@@ -272,9 +272,9 @@ private:
     QModelIndex editedElement() const;
     /// Whether an edit of that existing element is open.
     bool isEdited(const QString& key) const;
-    /// Puts what the engineer has typed over what a notification has just written into the edited
-    /// row, so that the edit goes on.
-    void keepEdit(const QModelIndex& row, const MDRData* record);
+    /// Puts what the engineer has typed back into the edited row, which a notification has just
+    /// written anew, so that the edit goes on; but for the fields that the notification brings.
+    void keepEdit(const QModelIndex& row, const MDRData* record, const orvo::Notification& change);
     /// Ends an edit of an element; nothing is written.
     void endElementEdit();
     void saveElement(const QModelIndex& row, MdxRecordFlag flag);

@@ -70,7 +70,8 @@ private slots:
     void aNewFolderGoesAlongWithAFolderThatMoves();
     void aNewFolderBelowAMovedFolderCanBeCancelled_data() { movesOfAFolder(); }
     void aNewFolderBelowAMovedFolderCanBeCancelled();
-    void whatWasTypedOutlivesAForeignChangeOfTheElement();
+    void whatWasTypedOutlivesAForeignChangeOfOtherFields();
+    void aForeignChangeOfTheSameFieldStands();
     void anEditedElementThatOthersMoveIsSavedInItsNewPlace();
     void anEditedElementIsDropped_data();
     void anEditedElementIsDropped();
@@ -170,17 +171,26 @@ void TestMenuMeanwhile::aNewFolderBelowAMovedFolderCanBeCancelled() {
     QCOMPARE(live.written(), QString());
 }
 
-void TestMenuMeanwhile::whatWasTypedOutlivesAForeignChangeOfTheElement() {
+void TestMenuMeanwhile::whatWasTypedOutlivesAForeignChangeOfOtherFields() {
     Meanwhile live;
     live.edit("calc");
-    live.store.update(
-        "Menu",
-        {{"KeyLink", QString("calc")}, {"caption", QString("Чужое")}, {"params", QString("-x")}});
+    live.store.update("Menu", {{"KeyLink", QString("calc")}, {"params", QString("-x")}});
     live.settle();
     live.makeCurrent("shema");
     live.settle();
     QCOMPARE(live.recordText("calc", "caption"), QString("Иное"));
     QCOMPARE(live.recordText("calc", "params"), QString("-x"));
+}
+
+void TestMenuMeanwhile::aForeignChangeOfTheSameFieldStands() {
+    Meanwhile live;
+    live.edit("calc");
+    live.store.update("Menu", {{"KeyLink", QString("calc")}, {"caption", QString("Чужое")}});
+    live.settle();
+    live.makeCurrent("shema");
+    live.settle();
+    QCOMPARE(live.recordText("calc", "caption"), QString("Чужое"));
+    QCOMPARE(live.cell("calc", MenuColumn::Caption).toString(), QString("Чужое"));
 }
 
 void TestMenuMeanwhile::anEditedElementThatOthersMoveIsSavedInItsNewPlace() {
