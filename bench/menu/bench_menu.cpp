@@ -8,6 +8,7 @@
 // time, medians of five rounds.
 #include "tests/menu/MenuProbe.h"
 
+#include "bench/Timing.h"
 #include "frame/Records.h"
 #include "tests/menu/Notices.h"
 
@@ -16,12 +17,12 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <functional>
 #include <random>
 #include <vector>
 
 using namespace orvo::test;
+using orvo::bench::processorMicroseconds;
 
 namespace {
 
@@ -30,18 +31,6 @@ constexpr int perRound = 400;
 constexpr int perSingle = 20;
 constexpr int rounds = 5;
 constexpr double budget = 50; // microseconds
-
-/// Processor time: what others do on the machine meanwhile does not count.
-double microseconds(const std::function<void()>& work) {
-    const auto now = [] {
-        timespec time{};
-        clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-        return static_cast<double>(time.tv_sec) * 1e6 + static_cast<double>(time.tv_nsec) * 1e-3;
-    };
-    const double begin = now();
-    work();
-    return now() - begin;
-}
 
 QByteArray keyOf(int row) {
     return "element-" + QByteArray::number(row);
@@ -91,9 +80,9 @@ struct Bench {
                 singles.push_back(next(number++).make());
             for (MDXCliParam* block : blocks)
                 editor.messagePut(block);
-            costs.push_back(microseconds([&] { editor.MessageOn(); }) / perRound);
+            costs.push_back(processorMicroseconds([&] { editor.MessageOn(); }) / perRound);
             QCoreApplication::processEvents();
-            single.push_back(microseconds([&] {
+            single.push_back(processorMicroseconds([&] {
                                  for (MDXCliParam* block : singles) {
                                      editor.messagePut(block);
                                      editor.MessageOn();

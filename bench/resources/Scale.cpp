@@ -1,5 +1,6 @@
 #include "bench/resources/Scale.h"
 
+#include "bench/Timing.h"
 #include "bench/resources/Catalogue.h"
 #include "frame/Records.h"
 #include "tests/menu/Notices.h"
@@ -13,7 +14,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
 #include <functional>
 #include <vector>
 
@@ -36,23 +36,6 @@ double wall(const std::function<void()>& work) {
     timer.start();
     work();
     return static_cast<double>(timer.nsecsElapsed()) / 1000;
-}
-
-/// Processor time: what others do on the machine meanwhile does not count.
-double processor(const std::function<void()>& work) {
-    const auto now = [] {
-        timespec time{};
-        clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-        return static_cast<double>(time.tv_sec) * 1e6 + static_cast<double>(time.tv_nsec) * 1e-3;
-    };
-    const double begin = now();
-    work();
-    return now() - begin;
-}
-
-double median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
 }
 
 /// From the system, in MiB: "VmHWM:" the most that was resident, "VmRSS:" what is.
@@ -196,7 +179,7 @@ private:
     void each(const char* what, double budget, int times, const std::function<void()>& work) {
         std::vector<double> costs;
         for (int i = 0; i < times; ++i)
-            costs.push_back(processor(work));
+            costs.push_back(processorMicroseconds(work));
         const double worst = *std::max_element(costs.begin(), costs.end());
         const double cost = median(costs);
         const bool tooMuch = cost > budget;
@@ -223,9 +206,9 @@ private:
                 blocks.push_back(next(number++).make());
             for (int i = 0; i < perRound; ++i)
                 m_editor.messagePut(blocks[static_cast<size_t>(i)]);
-            burst.push_back(processor([&] { m_editor.MessageOn(); }) / perRound);
+            burst.push_back(processorMicroseconds([&] { m_editor.MessageOn(); }) / perRound);
             QCoreApplication::processEvents();
-            alone.push_back(processor([&] {
+            alone.push_back(processorMicroseconds([&] {
                                 for (int i = perRound; i < perRound + perSingle; ++i) {
                                     m_editor.messagePut(blocks[static_cast<size_t>(i)]);
                                     m_editor.MessageOn();

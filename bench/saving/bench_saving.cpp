@@ -9,6 +9,7 @@
 //
 // The store is in memory, if the system has a file system there: what a disk takes to keep a write
 // depends on the disk and not on the number. The exit code is 1 if a budget is missed.
+#include "bench/Timing.h"
 #include "tests/resources/WritingProbe.h"
 
 #include <QElapsedTimer>
@@ -21,6 +22,7 @@
 #include <unistd.h>
 
 using namespace orvo::test;
+using orvo::bench::median;
 namespace store = orvo::store;
 
 namespace {
@@ -85,11 +87,6 @@ void fillModules(TestStore& store, int count) {
                    {"name_", QString("Module%1").arg(i)},
                    {"caption", QString("Модуль %1").arg(i)}});
     });
-}
-
-double median(std::vector<double> values) {
-    std::nth_element(values.begin(), values.begin() + std::ssize(values) / 2, values.end());
-    return values[values.size() / 2];
 }
 
 class SavingBench {
