@@ -1,0 +1,34 @@
+#include "editor/TypedValues.h"
+
+#include "editor/RecordFields.h"
+#include "frame/Notification.h"
+
+#include <QAbstractItemModel>
+
+namespace orvo::editor {
+
+void TypedValues::type(int column, const QVariant& value, const QVariant& shown) {
+    const auto known = m_typed.find(column);
+    if (known == m_typed.end())
+        m_typed.insert(column, {value, shown});
+    else
+        known->value = value;
+}
+
+void TypedValues::merge(const Notification& change, const MDRData* record,
+                        const RecordFields& fields) {
+    for (const RecordField& field : fields) {
+        const auto typed = m_typed.find(field.column);
+        if (typed == m_typed.end() || !field.name || !change.brings(field.name))
+            continue;
+        if (field.read(record) != typed->base)
+            m_typed.erase(typed);
+    }
+}
+
+void TypedValues::show(QAbstractItemModel& model, const QModelIndex& row) const {
+    for (auto typed = m_typed.begin(); typed != m_typed.end(); ++typed)
+        model.setData(row.siblingAtColumn(typed.key()), typed->value, Qt::DisplayRole);
+}
+
+} // namespace orvo::editor
