@@ -61,7 +61,8 @@ int fetchTable(COrvoCliSes* session, const std::string& tableName, CMDArray& tab
             session->PrmFree(prm);
     });
     error->clear();
-    const char* request = wanted == Wanted::Records ? "TableRecords" : "TableStructure";
+    const char* request =
+        wanted == Wanted::Records ? orvo::request::TableRecords : orvo::request::TableStructure;
     const int length = static_cast<int>(tableName.size());
     if (session->PacketExec(request, tableName.data(), length, &prm) == 0) {
         error->append(tr(noResult));
@@ -86,7 +87,12 @@ int fetchTable(COrvoCliSes* session, const std::string& tableName, CMDArray& tab
     return waited;
 }
 
-const char* const attributeWords[] = {"папка", "модуль", "функция", "файл"};
+/// By the code that each word stands for: a menu folder's, then the kinds'.
+const QString& attributeWord(int code) {
+    static const QString words[] = {QStringLiteral("папка"), QStringLiteral("модуль"),
+                                    QStringLiteral("функция"), QStringLiteral("файл")};
+    return words[code];
+}
 
 } // namespace
 
@@ -106,7 +112,7 @@ int getUserInfo(COrvoCliSes* session, CMDArray& table, QString& error) {
         if (prm)
             session->PrmFree(prm);
     });
-    if (session->PacketExec("UserProp", nullptr, 0, &prm) == 0) {
+    if (session->PacketExec(orvo::request::UserProp, nullptr, 0, &prm) == 0) {
         error = QString::fromUtf8(noResult);
         return 0;
     }
@@ -164,12 +170,12 @@ QString getServerErrorText(int32_t code) {
 }
 
 QString convertMenuAttributes(int code) {
-    return code >= 0 && code < 4 ? QString::fromUtf8(attributeWords[code]) : QString();
+    return code >= 0 && code < 4 ? attributeWord(code) : QString();
 }
 
 int getMenuAttributes(const QString& word) {
     for (int code = 0; code < 4; ++code) {
-        if (orvo::sameText(word, convertMenuAttributes(code)))
+        if (orvo::sameText(word, attributeWord(code)))
             return code;
     }
     return -1;
@@ -181,14 +187,15 @@ QString getUserCaption(MDRData* record, const CMDArray* users) {
     const auto text = [&](const char* field) {
         return orvo::textOf(record, MDRFldByName(users->array, field));
     };
-    const QString lastName = text("lastName");
-    if (lastName.isEmpty() || orvo::flagOf(record, MDRFldByName(users->array, "program")))
-        return text("login_");
-    const QString firstName = text("firstName");
+    const QString lastName = text(orvo::field::lastName);
+    if (lastName.isEmpty() ||
+        orvo::flagOf(record, MDRFldByName(users->array, orvo::field::program)))
+        return text(orvo::field::login_);
+    const QString firstName = text(orvo::field::firstName);
     if (firstName.isEmpty())
         return lastName;
     QString caption = lastName + QLatin1Char(' ') + firstName.at(0) + QLatin1Char('.');
-    const QString midlName = text("midlName");
+    const QString midlName = text(orvo::field::midlName);
     if (!midlName.isEmpty())
         caption += QString(midlName.at(0)) + QLatin1Char('.');
     return caption;

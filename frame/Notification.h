@@ -7,17 +7,11 @@
 #define ORVO_FRAME_NOTIFICATION_H
 
 #include "frame/OrvoMdx.h"
+#include "frame/Vocabulary.h"
 
 #include <QString>
 
 #include <cstdint>
-
-enum OrvoEvent : int32_t {
-    OrvoEventInsert = 601,
-    OrvoEventUpdate = 602,
-    OrvoEventDelete = 603,
-    OrvoEventOther = 631, ///< parsed like an insert; no module acts on it
-};
 
 /// A parsed notification. Lives no longer than the block: `key` and `source` point into it. Plain
 /// data; orvo::Notification fills and frees one.

@@ -229,7 +229,7 @@ int32_t seekPosition(const CMDArray& table, int key, const KeyValues& values) {
 }
 
 void setKeys(CMDArray& table, std::initializer_list<const char*> further) {
-    table.KeyAdd("KeyLink", MDX_KEY_UNIQUE);
+    table.KeyAdd(field::KeyLink, MDX_KEY_UNIQUE);
     while (table.array && table.array->keyCount >= 2) {
         table.status = MDAKeyDel(table.array, 0);
         if (table.status != MDX_OK)

@@ -9,6 +9,7 @@
 #define ORVO_FRAME_RECORDS_H
 
 #include "frame/OrvoMdx.h"
+#include "frame/Vocabulary.h"
 
 #include <QByteArray>
 #include <QDateTime>

@@ -45,7 +45,7 @@ int32_t siblingPosition(const CMDArray& table, int key, const KeyValues& group,
         if (!isSibling(record))
             return false;
         ++count;
-        return !holdsText(record, "KeyLink", keyLink);
+        return !holdsText(record, field::KeyLink, keyLink);
     });
     return count;
 }

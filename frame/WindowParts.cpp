@@ -1,5 +1,7 @@
 #include "frame/WindowParts.h"
 
+#include "frame/Vocabulary.h"
+
 #include <QCoreApplication>
 #include <QKeyEvent>
 #include <QMenu>
@@ -167,7 +169,8 @@ void arrangePassport(QTreeView* view) {
 }
 
 QString iconsPath(const COrvoCliMod& module) {
-    return module.m_paths->workDir + QStringLiteral("files/icons/");
+    return module.m_paths->workDir + QLatin1String(mirrorPath) + QLatin1String(iconFolder) +
+           QLatin1Char('/');
 }
 
 void askQuestion(COrvoCliMod& module, const QString& text, const char* slot) {

@@ -1,6 +1,7 @@
 #include "models/MenuTreeModel.h"
 
 #include "frame/ClipboardRows.h"
+#include "frame/CommonFunctions.h"
 #include "models/DragKeys.h"
 
 #include <QMimeData>
@@ -11,12 +12,13 @@ enum Column { Caption = 0, Type = 1, Icon = 4, KeyLink = 5 };
 
 const QLatin1String dragType("OrvoMenu/menu/dragdrop");
 
-bool hasType(const TabRec& row, const QString& word) {
-    return row.data(Type).toString().compare(word, Qt::CaseInsensitive) == 0;
+/// What the word in the row's type column stands for; see getMenuAttributes.
+int typeOf(const TabRec& row) {
+    return getMenuAttributes(row.data(Type).toString());
 }
 
 bool isFolderRow(const TabRec& row) {
-    return hasType(row, QStringLiteral("папка"));
+    return typeOf(row) == 0;
 }
 
 /// Empty for a row that shows no icon.
@@ -30,10 +32,7 @@ QString iconPath(const TabRec& row, const QString& iconsPath) {
         return row.isExpanded() ? QStringLiteral(":/res/openfolder1.png")
                                 : QStringLiteral(":/res/closedfolder1.png");
     }
-    const bool known = hasType(row, QStringLiteral("модуль")) ||
-                       hasType(row, QStringLiteral("файл")) ||
-                       hasType(row, QStringLiteral("функция"));
-    return known && !icon.isNull() ? iconsPath + icon.toString() : QString();
+    return typeOf(row) > 0 && !icon.isNull() ? iconsPath + icon.toString() : QString();
 }
 
 } // namespace

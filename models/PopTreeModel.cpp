@@ -1,9 +1,11 @@
 #include "models/PopTreeModel.h"
 
+#include "frame/Vocabulary.h"
+
 namespace {
 
 enum Column { Name = 0, KeyLink = 4, IsFolder = 5 };
-enum Kind { Module = 1, Function = 2, Form = 3, File = 4 };
+using orvo::Kind;
 
 } // namespace
 
@@ -41,13 +43,13 @@ QVariant PopTreeModel::decoration(const TabRec& row) const {
         return m_icons.icon(row.isExpanded() ? QStringLiteral(":/res/openfolder1.png")
                                              : QStringLiteral(":/res/closedfolder1.png"));
     switch (m_objectType) {
-    case Module:
+    case Kind::Module:
         return m_icons.icon(QStringLiteral(":/res/modul1.png"));
-    case Function:
+    case Kind::Function:
         return m_icons.icon(QStringLiteral(":/res/function1.png"));
-    case Form:
+    case Kind::Form:
         return m_icons.icon(QStringLiteral(":/res/file1.png"));
-    case File:
+    case Kind::File:
         return m_icons.icon(m_showFileIcons ? m_initialFolderPath + row.data(Name).toString()
                                             : QStringLiteral(":/res/file1.png"));
     default:

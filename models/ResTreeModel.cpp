@@ -1,6 +1,7 @@
 #include "models/ResTreeModel.h"
 
 #include "frame/ClipboardRows.h"
+#include "frame/Vocabulary.h"
 #include "models/DragKeys.h"
 
 #include <QColor>
@@ -18,19 +19,19 @@ enum Column {
     IsFolder = 9,
     Blocked = 12
 };
-enum Kind { Module = 1, Function = 2, Form = 3, File = 4, Orphans = 5 };
+using orvo::Kind;
 enum SearchRole { NameRole = Qt::UserRole + 1, ResourceRole = Qt::UserRole + 2 };
 
 /// The drag format of a type; empty for rows that cannot be dragged.
 QString dragType(int type) {
     switch (type) {
-    case Module:
+    case Kind::Module:
         return QStringLiteral("OrvoResources/modres/dragdrop");
-    case Function:
+    case Kind::Function:
         return QStringLiteral("OrvoResources/funcres/dragdrop");
-    case Form:
+    case Kind::Form:
         return QStringLiteral("OrvoResources/menures/dragdrop");
-    case File:
+    case Kind::File:
         return QStringLiteral("OrvoResources/sysres/dragdrop");
     default:
         return QString();
@@ -55,8 +56,8 @@ QVariant ResTreeModel::data(const QModelIndex& index, int role) const {
     case Qt::DecorationRole:
         return decoration(row, index.column());
     case Qt::ForegroundRole:
-        return index.column() == Name && row.data(Type).toInt() == Orphans ? QColor(Qt::red)
-                                                                           : QVariant();
+        return index.column() == Name && row.data(Type).toInt() == Kind::Orphans ? QColor(Qt::red)
+                                                                                 : QVariant();
     case KeyRole:
         return row.data(KeyLink);
     case NameRole:
@@ -75,16 +76,16 @@ QVariant ResTreeModel::decoration(const TabRec& row, int column) const {
         if (row.data(IsFolder).toBool())
             return m_icons.icon(row.isExpanded() ? QStringLiteral(":/res/openfolder1.png")
                                                  : QStringLiteral(":/res/closedfolder1.png"));
-        if (type == Module)
+        if (type == Kind::Module)
             return m_icons.icon(QStringLiteral(":/res/modul1.png"));
-        if (type == Function)
+        if (type == Kind::Function)
             return m_icons.icon(QStringLiteral(":/res/function1.png"));
-        if (type == Form || type == File)
+        if (type == Kind::Form || type == Kind::File)
             return m_icons.icon(QStringLiteral(":/res/file1.png"));
         return {};
     case Lock: {
         const QVariant blocked = row.data(Blocked);
-        if (type != Form || blocked.isNull())
+        if (type != Kind::Form || blocked.isNull())
             return {};
         if (blocked.toInt() == 1)
             return m_icons.icon(QStringLiteral(":/res/blocked1.png"));
@@ -109,7 +110,7 @@ bool ResTreeModel::itemIsFolder(const QModelIndex& index) const {
 }
 
 bool ResTreeModel::itemInSystemArea(const QModelIndex& index) const {
-    return index.isValid() && getItem(index)->data(Type).toInt() == File;
+    return index.isValid() && getItem(index)->data(Type).toInt() == Kind::File;
 }
 
 int ResTreeModel::addfileInfo(const QModelIndex& index) {
@@ -143,7 +144,8 @@ bool ResTreeModel::copyChildRows(const QModelIndex& source, const QModelIndex& d
 // Drag and drop
 
 QStringList ResTreeModel::mimeTypes() const {
-    return {dragType(Form), dragType(File), dragType(Module), dragType(Function)};
+    return {dragType(Kind::Form), dragType(Kind::File), dragType(Kind::Module),
+            dragType(Kind::Function)};
 }
 
 QMimeData* ResTreeModel::mimeData(const QModelIndexList& indexes) const {
@@ -207,8 +209,8 @@ bool ResTreeModel::canDropMimeData(const QMimeData* data, Qt::DropAction, int ro
             resourceNames.insert(itemText(source, Resource));
     }
     // The file area stands for real folders, in which names are unique.
-    return targetType != File || !(holdsAny(destination, Name, folderNames) ||
-                                   holdsAny(destination, Resource, resourceNames));
+    return targetType != Kind::File || !(holdsAny(destination, Name, folderNames) ||
+                                         holdsAny(destination, Resource, resourceNames));
 }
 
 bool ResTreeModel::holdsAny(const QModelIndex& folder, int column,
