@@ -2,6 +2,7 @@
 
 #include "models/DesckTreeModel.h"
 #include "models/EditorCommit.h"
+#include "models/RecordTextValidator.h"
 
 #include <QLineEdit>
 #include <QSignalBlocker>
@@ -23,6 +24,7 @@ QWidget* DesckDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem
     if (!isNameCell(index))
         return nullptr;
     auto* editor = new QLineEdit(parent);
+    RecordTextValidator::install(editor);
     connect(editor, &QLineEdit::textChanged, this, &DesckDelegate::commitEditorData);
     return editor;
 }

@@ -3,6 +3,7 @@
 #include "models/EditorCommit.h"
 #include "models/MyButtonEdit.h"
 #include "models/PropModel.h"
+#include "models/RecordTextValidator.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -56,6 +57,7 @@ QWidget* PasspDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem
     case MyEditorLine: {
         auto* line = new QLineEdit(parent);
         line->setReadOnly(cell(index, 3).toBool());
+        RecordTextValidator::install(line);
         connect(line, &QLineEdit::textChanged, this, &PasspDelegate::commitEditorData);
         return line;
     }

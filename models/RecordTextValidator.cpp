@@ -1,0 +1,75 @@
+#include "models/RecordTextValidator.h"
+
+#include "frame/Records.h"
+
+#include <QCoreApplication>
+#include <QLineEdit>
+#include <QToolTip>
+
+#include <algorithm>
+
+namespace {
+
+bool holds(const QString& text) {
+    return orvo::fromRecord(orvo::toRecord(text)) == text;
+}
+
+QString shownLetter(uint code) {
+    if (QChar::isPrint(code) && !QChar::isMark(code) && !QChar::isSpace(code))
+        return QString::fromUcs4(&code, 1);
+    return QStringLiteral("U+%1").arg(code, 4, 16, QLatin1Char('0')).toUpper();
+}
+
+/// Said once for all of a paste, which may be a whole page.
+QString refusal(const QStringList& letters) {
+    constexpr int shownAtMost = 10;
+    QStringList shown;
+    for (const QString& letter : letters.mid(0, shownAtMost))
+        shown << QStringLiteral("«%1»").arg(letter);
+    QString text = shown.join(QStringLiteral(", "));
+    if (letters.size() > shownAtMost)
+        text += QCoreApplication::translate("RecordTextValidator", " и ещё %1")
+                    .arg(letters.size() - shownAtMost);
+    return (letters.size() == 1
+                ? QCoreApplication::translate("RecordTextValidator",
+                                              "Не введено: знака %1 нет в кодировке Windows-1251.")
+                : QCoreApplication::translate(
+                      "RecordTextValidator", "Не введено: знаков %1 нет в кодировке Windows-1251."))
+        .arg(text);
+}
+
+} // namespace
+
+void RecordTextValidator::install(QLineEdit* field) {
+    auto* validator = new RecordTextValidator(field);
+    connect(validator, &RecordTextValidator::refused, field, [field](const QStringList& letters) {
+        QToolTip::showText(field->mapToGlobal(field->rect().bottomLeft()), refusal(letters), field);
+    });
+    field->setValidator(validator);
+}
+
+QStringList RecordTextValidator::missingLetters(const QString& text) {
+    QStringList letters;
+    if (holds(text))
+        return letters;
+    for (const uint code : text.toUcs4()) {
+        const QString shown = shownLetter(code);
+        if (!holds(QString::fromUcs4(&code, 1)) && !letters.contains(shown))
+            letters << shown;
+    }
+    return letters;
+}
+
+QValidator::State RecordTextValidator::validate(QString& text, int& cursor) const {
+    if (holds(text))
+        return Acceptable;
+    const QString composed = text.normalized(QString::NormalizationForm_C);
+    if (holds(composed)) {
+        const QString before = text.left(cursor).normalized(QString::NormalizationForm_C);
+        text = composed;
+        cursor = std::min(before.size(), text.size());
+        return Acceptable;
+    }
+    emit refused(missingLetters(text));
+    return Invalid;
+}

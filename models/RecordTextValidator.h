@@ -1,0 +1,32 @@
+// RecordTextValidator.h: keeps letters out of a field that no record can hold.
+#ifndef ORVO_MODELS_RECORDTEXTVALIDATOR_H
+#define ORVO_MODELS_RECORDTEXTVALIDATOR_H
+
+#include <QStringList>
+#include <QValidator>
+
+class QLineEdit;
+
+/// Records hold Windows-1251. A letter beyond it would be stored as "?" without a word: the field
+/// refuses the input that brings it, a paste as a whole, and a tool tip at the field names the
+/// letters. A letter that came in parts ("й" as "и" and its breve) is put together instead.
+/// A text that the field is filled with is never refused.
+class RecordTextValidator : public QValidator {
+    Q_OBJECT
+public:
+    /// Watches what is typed into the field and becomes its child.
+    static void install(QLineEdit* field);
+    /// The letters of a text that records lack, each once, in their order; a letter that does not
+    /// show is given as "U+200B".
+    static QStringList missingLetters(const QString& text);
+
+    State validate(QString& text, int& cursor) const override;
+
+signals:
+    void refused(const QStringList& letters) const;
+
+private:
+    using QValidator::QValidator;
+};
+
+#endif

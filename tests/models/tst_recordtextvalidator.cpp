@@ -1,0 +1,132 @@
+// Letters that no record can hold, in the fields of both editors.
+#include "TreeText.h"
+
+#include "models/DesckDelegate.h"
+#include "models/DesckTreeModel.h"
+#include "models/PasspDelegate.h"
+#include "models/PropModel.h"
+#include "models/RecordTextValidator.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QLineEdit>
+#include <QToolTip>
+#include <QTreeView>
+#include <QtTest>
+
+using namespace treetext;
+
+namespace {
+
+struct PassportField {
+    Watched<PropModel> model{headers(6), QString("icons/")};
+    PasspDelegate delegate{&model, nullptr};
+    QTreeView view;
+
+    PassportField() {
+        model.AddCategoryRow("properties", "Свойства", QModelIndex());
+        model.AddEditorRow("name", "Наименование", MyEditorLine, model.index(0, 0), false);
+        model.setRowValue("name", "Насос");
+        view.setModel(&model);
+        view.setItemDelegate(&delegate);
+        view.expandAll();
+        view.show();
+    }
+    QLineEdit* open() {
+        const QModelIndex cell = model.findIndexByKey("name").siblingAtColumn(1);
+        view.setCurrentIndex(cell);
+        view.edit(cell);
+        return qobject_cast<QLineEdit*>(view.indexWidget(cell));
+    }
+    QString stored() const { return model.getRowValue("name").toString(); }
+};
+
+void typeText(QWidget* field, const QString& text) {
+    QTest::sendKeyEvent(QTest::Click, field, Qt::Key_unknown, text, Qt::NoModifier);
+}
+
+} // namespace
+
+class RecordTextValidatorTest : public QObject {
+    Q_OBJECT
+private slots:
+    void cleanup() { QToolTip::hideText(); }
+
+    void lettersOfTheCodePageAreMissingNothing();
+    void missingLettersAreNamedOnce();
+
+    void aLetterThatRecordsLackIsRefusedAndNamed();
+    void aPasteIsRefusedAsAWhole();
+    void aLetterInPartsIsPutTogether();
+    void aDesktopNameRefusesThemToo();
+};
+
+void RecordTextValidatorTest::lettersOfTheCodePageAreMissingNothing() {
+    QCOMPARE(RecordTextValidator::missingLetters("Насос №1 «Ёж» – €?"), QStringList());
+    QCOMPARE(RecordTextValidator::missingLetters(QString()), QStringList());
+}
+
+void RecordTextValidatorTest::missingLettersAreNamedOnce() {
+    QCOMPARE(RecordTextValidator::missingLetters("mañana ☢ señor"), QStringList({"ñ", "☢"}));
+    QCOMPARE(RecordTextValidator::missingLetters(QString::fromUtf8("насос 😀")), QStringList("😀"));
+    QCOMPARE(RecordTextValidator::missingLetters(QString("a") + QChar(0x200b)),
+             QStringList("U+200B"));
+}
+
+void RecordTextValidatorTest::aLetterThatRecordsLackIsRefusedAndNamed() {
+    PassportField field;
+    QLineEdit* line = field.open();
+    line->end(false);
+    typeText(line, "ñ");
+    QCOMPARE(line->text(), QString("Насос"));
+    QCOMPARE(field.stored(), QString("Насос"));
+    QCOMPARE(QToolTip::text(), QString("Не введено: знака «ñ» нет в кодировке Windows-1251."));
+    typeText(line, "ы");
+    QCOMPARE(field.stored(), QString("Насосы"));
+    QCOMPARE(line->cursorPosition(), 6);
+}
+
+void RecordTextValidatorTest::aPasteIsRefusedAsAWhole() {
+    PassportField field;
+    QLineEdit* line = field.open();
+    line->end(false);
+    QGuiApplication::clipboard()->setText(" mañana ☢");
+    line->paste();
+    QCOMPARE(field.stored(), QString("Насос"));
+    QCOMPARE(QToolTip::text(),
+             QString("Не введено: знаков «ñ», «☢» нет в кодировке Windows-1251."));
+    line->undo();
+    QCOMPARE(line->text(), QString("Насос"));
+}
+
+void RecordTextValidatorTest::aLetterInPartsIsPutTogether() {
+    PassportField field;
+    QLineEdit* line = field.open();
+    line->selectAll();
+    QGuiApplication::clipboard()->setText(
+        QString::fromUtf8("Край").normalized(QString::NormalizationForm_D));
+    line->paste();
+    QCOMPARE(field.stored(), QString("Край"));
+    QCOMPARE(line->cursorPosition(), 4);
+    QCOMPARE(QToolTip::text(), QString());
+}
+
+void RecordTextValidatorTest::aDesktopNameRefusesThemToo() {
+    Watched<DesckTreeModel> model{headers(6)};
+    DesckDelegate delegate{&model, nullptr};
+    QTreeView view;
+    fill(model, 1, "top #t 4=true\n  alpha #a 4=false\n");
+    view.setModel(&model);
+    view.setItemDelegate(&delegate);
+    view.expandAll();
+    view.show();
+    view.edit(model.findIndexByKey("a"));
+    auto* line = view.viewport()->findChild<QLineEdit*>();
+    QVERIFY(line);
+    typeText(line, "ñ");
+    QCOMPARE(model.findIndexByKey("a").data().toString(), QString("alpha"));
+    QCOMPARE(QToolTip::text(), QString("Не введено: знака «ñ» нет в кодировке Windows-1251."));
+}
+
+QTEST_MAIN(RecordTextValidatorTest)
+#include "tst_recordtextvalidator.moc"
