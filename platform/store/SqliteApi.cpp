@@ -1,5 +1,7 @@
 #include "platform/store/SqliteApi.h"
 
+#include "platform/store/SqliteDamage.h"
+
 #include <cerrno>
 #include <cstring>
 
@@ -19,6 +21,23 @@ int systemErrorOf(sqlite3* connection) {
     if (error == 0)
         sqlite3_file_control(connection, "main", SQLITE_FCNTL_LAST_ERRNO, &error);
     return error;
+}
+
+/// So long the check of the file may take that a failed call waits for.
+constexpr int64_t checkMilliseconds = 3000;
+
+/// What is to be said of a database that SQLite could make no sense of. That may be damage, or
+/// another program's doing: only the check of the whole, log included, tells.
+std::string damageWords(sqlite3* connection, const std::string& message) {
+    const auto damages = findDamages(connection, 1, checkMilliseconds);
+    if (!damages)
+        return "база не читается (" + message + "); повреждена ли она, скажет orvo-admin check";
+    if (damages->empty())
+        return "база не читалась (" + message +
+               "), но её проверка повреждений не нашла; повторите попытку";
+    return "файл базы повреждён (" + damages->front() +
+           "); ничего не удаляйте: данные извлекает sqlite3 ФАЙЛ .recover, см. руководство "
+           "администратора, «Повреждённый файл SQLite»";
 }
 
 } // namespace
@@ -149,7 +168,7 @@ Status Connection::failure(std::string_view what) const {
         break;
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
-        why = "файл базы повреждён (" + message + ")";
+        why = damageWords(get(), message);
         break;
     case SQLITE_IOERR:
         if (system == ENOSPC || system == EDQUOT || system == EFBIG)

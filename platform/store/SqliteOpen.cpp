@@ -35,9 +35,54 @@ std::string directoryOf(const std::string& path) {
     return slash == 0 ? "/" : path.substr(0, slash);
 }
 
-/// Whether the existing file is a store, by its mark. Opened as immutable nothing is made beside
-/// it. It is opened through SQLite all the same: to open and close it by hand would drop the locks
-/// of another store object of this process.
+/// What SQLite's own first bytes of a database file say: the mark, 0 if it is no database. Read
+/// through SQLite's handle: to open and close the file by hand would drop the locks of another
+/// store object of this process. Opened as immutable nothing is made beside it; the rest of the
+/// file is not looked at, for it means nothing without its log.
+Status markInHeader(const std::string& path, const std::string& what, int64_t* mark) {
+    constexpr char magic[] = "SQLite format 3"; // with the zero byte at its end
+    constexpr size_t markAt = 68, size = markAt + 4;
+    Connection connection;
+    const int opened =
+        connection.open(immutableUri(path).c_str(), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+    if (opened != SQLITE_OK)
+        return connection.failure(what);
+    sqlite3_file* file = nullptr;
+    sqlite3_file_control(connection.get(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
+    unsigned char head[size] = {};
+    const int read = file != nullptr && file->pMethods != nullptr
+                         ? file->pMethods->xRead(file, head, sizeof head, 0)
+                         : SQLITE_IOERR;
+    if (read != SQLITE_OK && read != SQLITE_IOERR_SHORT_READ)
+        return systemError(CannotConnect, what + ": файл базы не читается", errno);
+    *mark = 0;
+    if (std::memcmp(head, magic, sizeof magic) == 0)
+        for (size_t i = markAt; i < size; ++i)
+            *mark = *mark << 8 | head[i];
+    return {};
+}
+
+/// The mark as SQLite reads it from file and log together. The log may hold the newer first page,
+/// or the only good one. Neither file is changed, and nothing is made beside them.
+int64_t markWithLog(const std::string& path) {
+    int64_t mark = 0;
+    Connection connection;
+    if (connection.open(path.c_str(), SQLITE_OPEN_READWRITE) != SQLITE_OK)
+        return 0;
+    sqlite3_db_config(connection.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+    // Alone with the file SQLite keeps the index of the log in memory. If another program has the
+    // database open, that index is there already.
+    for (const char* mode : {"EXCLUSIVE", "NORMAL"}) {
+        if (connection.execute(std::string("PRAGMA locking_mode = ") + mode) != SQLITE_OK)
+            break;
+        const int read = connection.integer("PRAGMA application_id", &mark);
+        if ((read & 0xFF) != SQLITE_BUSY)
+            break;
+    }
+    return mark;
+}
+
+/// Whether the existing file is a store, by its mark.
 Status look(const std::string& path, const std::string& name) {
     struct stat info {};
     if (::stat(path.c_str(), &info) != 0)
@@ -46,18 +91,17 @@ Status look(const std::string& path, const std::string& name) {
         return {NotAStore, "Это не хранилище, а каталог: " + name};
     if (!S_ISREG(info.st_mode))
         return {NotAStore, "Это не хранилище: " + name};
-    Connection connection;
     int64_t mark = 0;
-    const int opened =
-        connection.open(immutableUri(path).c_str(), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
-    if (opened != SQLITE_OK)
-        return connection.failure("Хранилище " + name);
-    const int read = connection.integer("PRAGMA application_id", &mark);
-    if (read != SQLITE_OK && (read & 0xFF) != SQLITE_NOTADB)
-        return connection.failure("Хранилище " + name);
-    if (read != SQLITE_OK || mark != applicationId)
-        return {NotAStore, "Файл не является хранилищем: " + name};
-    return {};
+    const Status status = markInHeader(path, "Хранилище " + name, &mark);
+    if (!status.ok() || mark == applicationId)
+        return status;
+    // To SQLite a log belongs to no empty file: it would delete it.
+    struct stat log {};
+    const bool hasLog = ::stat((path + "-wal").c_str(), &log) == 0 && log.st_size > 0;
+    if (info.st_size > 0 && hasLog && markWithLog(path) == applicationId)
+        return {};
+    return {NotAStore, "Файл не является хранилищем: " + name +
+                           (hasLog ? "; рядом лежит журнал, не удаляйте его" : "")};
 }
 
 /// A new file under a passing name, deleted unless it got its own.

@@ -2,6 +2,7 @@
 
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/Names.h"
+#include "platform/store/SqliteDamage.h"
 
 #include <algorithm>
 #include <limits>
@@ -372,28 +373,10 @@ Status SqliteStore::pruneLog(int64_t id) {
 
 Status SqliteStore::integrity(std::vector<std::string>* damages) {
     return guarded([&]() -> Status {
-        std::vector<std::string> result;
-        Statement statement = m_connection.prepare("PRAGMA integrity_check");
-        int step = SQLITE_ERROR;
-        if (statement) {
-            while ((step = statement.step()) == SQLITE_ROW) {
-                // One row may tell of several damages, a line each.
-                const std::string text = validUtf8(std::string(statement.text(0)));
-                for (size_t at = 0; at <= text.size();) {
-                    const size_t end = std::min(text.find('\n', at), text.size());
-                    if (end > at && text.compare(at, end - at, "ok") != 0)
-                        result.push_back(text.substr(at, end - at));
-                    at = end + 1;
-                }
-            }
-        }
-        if (step != SQLITE_DONE) {
-            const Status status = m_connection.failure("Проверка базы");
-            if ((sqlite3_errcode(m_connection.get()) & 0xFF) != SQLITE_CORRUPT)
-                return status;
-            result.push_back(status.text); // too damaged to be checked to the end
-        }
-        damages->swap(result);
+        auto found = findDamages(m_connection.get(), 0);
+        if (!found)
+            return m_connection.failure("Проверка базы");
+        damages->swap(*found);
         return {};
     });
 }
