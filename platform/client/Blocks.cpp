@@ -13,6 +13,20 @@ struct MemFree {
 };
 using Memory = std::unique_ptr<void, MemFree>;
 
+/// The row's key says which record changed: values that name another one must not move it there.
+void keepKey(const MDArray* array, MDRData* record, const std::string& key) {
+    const MDRField field = MDRFldByNum(array, 0);
+    uint8_t marked = 0;
+    if (MDRIsUser(field, record, &marked) != MDX_OK || marked == 0)
+        return;
+    const std::string bytes = mdx::toCp1251(key);
+    MDRVar value{};
+    value.type = MDX_TEXT;
+    value.value.text.length = static_cast<uint32_t>(bytes.size());
+    value.value.text.pointer = bytes.c_str();
+    MDRSetVal(field, record, &value);
+}
+
 } // namespace
 
 bool ensureKeyLink(MDArray* array, uint32_t flags) {
@@ -87,6 +101,7 @@ MDXCliParam* NotificationMaker::make(const store::Change& change) {
         return block;
     // What is no object, or does not fit, leaves a record in which nothing is marked.
     store::setFromJson(*definition, change.after, record);
+    keepKey(scratch, record, change.key);
     int marked = 0;
     for (int i = 0; i < scratch->fieldCount; ++i) {
         uint8_t user = 0;

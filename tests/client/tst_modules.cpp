@@ -223,6 +223,19 @@ private slots:
         QVERIFY(!m.marked.at("ico").isValid());
     }
 
+    void valuesThatNameAnotherRecordDoNotMoveTheRowsOwn() {
+        App app;
+        Module module(&app);
+        client::NotificationMaker maker;
+        module.messagePut(
+            maker.make(change(601, "Menu", "mine", R"({"KeyLink":"other","caption":"Насос"})")));
+        module.MessageOn();
+        const Message& m = module.messages.at(0);
+        QCOMPARE(m.key, QString("mine"));
+        QCOMPARE(m.marked.at("KeyLink").toString(), QString("mine"));
+        QCOMPARE(m.marked.at("caption").toString(), QString("Насос"));
+    }
+
     void theRawRecordHasTheFieldOrderOfTheTable() {
         client::NotificationMaker maker;
         MDXCliParam* block = maker.make(change(602, "Menu", "k", R"({"params":"p"})"));
