@@ -85,6 +85,17 @@ std::string makePayload(const char* mode, int records) {
     return payload;
 }
 
+/// A row of the change log, its values in their order.
+std::string change(char code, const char* key, const char* after) {
+    return std::string(1, code) +
+           "\x1e"
+           "Menu\x1e" +
+           key +
+           "\x1e"
+           "anna\x1e" +
+           after;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -127,5 +138,12 @@ int main(int argc, char** argv) {
                                 "a"};
     for (int i = 0; i < 4; ++i)
         write("key_description", std::to_string(i).c_str(), keys[i], std::strlen(keys[i]));
+    const std::string changes[] = {
+        change('\0', "k1", R"({"KeyLink":"k1","parent":null,"caption":"\u0401","order_":1000})") +
+            '\x1d' + change('\1', "k1", R"({"order_":2000,"oneCopy":true,"parent":"k2"})"),
+        change('\0', "k2", R"({"KeyLink":"k2","caption":"b"})") + '\x1d' +
+            change('\2', "k2", "{}") + '\x1d' + change('\1', "k2", R"({"caption":5,"x":[]})")};
+    for (int i = 0; i < 2; ++i)
+        write("change", std::to_string(i).c_str(), changes[i].data(), changes[i].size());
     return 0;
 }
