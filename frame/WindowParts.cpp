@@ -32,9 +32,10 @@ QString translated(const COrvoCliMod& module, const char* text) {
 }
 
 void showBox(COrvoCliMod& module, const char* title, const QString& text, TMessageBoxIcon icon,
-             TMessageBoxType type, const char* slot) {
+             TMessageBoxType type, const char* slot, const QString& details = {}) {
     module.PopMessageBoxCreate();
     module.m_popMessageBox->setMessage(translated(module, title), text, icon, type, slot);
+    module.m_popMessageBox->setDetails(details);
     module.m_popMessageBox->show();
 }
 
@@ -173,8 +174,24 @@ QString iconsPath(const COrvoCliMod& module) {
            QLatin1Char('/');
 }
 
-void askQuestion(COrvoCliMod& module, const QString& text, const char* slot) {
-    showBox(module, "Уведомление", text, MessageBoxIconQuestion, MessageBoxTypeYesNo, slot);
+void askQuestion(COrvoCliMod& module, const QString& text, const char* slot,
+                 const QString& details) {
+    showBox(module, "Уведомление", text, MessageBoxIconQuestion, MessageBoxTypeYesNo, slot,
+            details);
+}
+
+QString nameLines(const QStringList& names) {
+    constexpr int shownAtMost = 10;
+    constexpr int longest = 80;
+    QStringList lines;
+    for (const QString& name : names.mid(0, shownAtMost)) {
+        const QString line = name.simplified();
+        lines << (line.size() > longest ? line.left(longest - 1) + QChar(0x2026) : line);
+    }
+    if (names.size() > shownAtMost)
+        lines << QCoreApplication::translate("CPopMessageBox", "и ещё %1")
+                     .arg(names.size() - shownAtMost);
+    return lines.join(QLatin1Char('\n'));
 }
 
 void showError(COrvoCliMod& module, const QString& text, const char* slot) {

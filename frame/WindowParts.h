@@ -76,8 +76,11 @@ QString iconsPath(const COrvoCliMod& module);
 // Message boxes: both return at once; the flow goes on in `slot`, a slot of the module as SLOT()
 // spells it, which takes the clicked button as QAbstractButton*.
 
-/// A question with Yes and No.
-void askQuestion(COrvoCliMod& module, const QString& text, const char* slot);
+/// A question with Yes and No. `details` stand below it: what it is about, by name.
+void askQuestion(COrvoCliMod& module, const QString& text, const char* slot,
+                 const QString& details = {});
+/// Names for the details of a question, a line each: the first ten, then how many there are more.
+QString nameLines(const QStringList& names);
 /// A notice of an error with one button.
 void showError(COrvoCliMod& module, const QString& text, const char* slot);
 /// Hides the module's box and tells whether the button was its Yes. False without a box.

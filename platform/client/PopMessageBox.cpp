@@ -82,6 +82,8 @@ struct CPopMessageBox::Private {
     Sign* sign;
     PopText* title;
     PopText* text;
+    QVBoxLayout* words;
+    QPointer<PopText> details; ///< made when there are any
     QPushButton* yes;
     QPushButton* no;
     QPushButton* ok;
@@ -106,12 +108,12 @@ CPopMessageBox::CPopMessageBox(QWidget* parent) : QWidget(parent), d(std::make_u
     auto* body = new QHBoxLayout;
     body->setSpacing(18);
     body->addWidget(d->sign, 0, Qt::AlignTop);
-    auto* words = new QVBoxLayout;
-    words->setSpacing(8);
-    words->addWidget(d->title);
-    words->addWidget(d->text);
-    words->addStretch();
-    body->addLayout(words);
+    d->words = new QVBoxLayout;
+    d->words->setSpacing(8);
+    d->words->addWidget(d->title);
+    d->words->addWidget(d->text);
+    d->words->addStretch();
+    body->addLayout(d->words);
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(10);
     buttons->addStretch();
@@ -140,6 +142,7 @@ void CPopMessageBox::setMessage(QString title, QString text, TMessageBoxIcon ico
     d->title->setPlain(title);
     d->title->setHidden(title.isEmpty());
     d->text->setPlain(text);
+    delete d->details;
     d->sign->setIcon(icon);
     d->yes->setVisible(question);
     d->no->setVisible(question);
@@ -154,6 +157,15 @@ void CPopMessageBox::setMessage(QString title, QString text, TMessageBoxIcon ico
     // A box refilled while it stands takes the keyboard for its new buttons.
     if (isVisible())
         (question ? d->yes : d->ok)->setFocus(Qt::OtherFocusReason);
+}
+
+void CPopMessageBox::setDetails(const QString& details) {
+    delete d->details;
+    if (details.isEmpty())
+        return;
+    d->details = new PopText(d->text->parentWidget(), 1.0, false);
+    d->details->setPlain(details);
+    d->words->insertWidget(d->words->indexOf(d->text) + 1, d->details);
 }
 
 int CPopMessageBox::ButtonRole(QAbstractButton* button) const {

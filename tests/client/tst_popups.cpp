@@ -73,6 +73,21 @@ private slots:
         QCOMPARE(box->ButtonRole(nullptr), -1);
     }
 
+    void detailsStandBelowTheTextUntilTheNextMessage() {
+        Bench bench;
+        CPopMessageBox* box = bench.ask();
+        box->setDetails("модуль «Тренд»\nмодуль «Журнал»");
+        const auto details = [box] {
+            QStringList texts;
+            for (const QLabel* label : box->findChildren<QLabel*>())
+                texts << label->text();
+            return texts.filter("Тренд");
+        };
+        QCOMPARE(details(), QStringList("модуль «Тренд»\nмодуль «Журнал»"));
+        bench.ask();
+        QCOMPARE(details(), QStringList());
+    }
+
     void aNoticeHasOneButton() {
         Bench bench;
         CPopMessageBox* box = bench.ask(MessageBoxTypeOk);

@@ -43,6 +43,17 @@ struct Tree {
 class TestWindowParts : public QObject {
     Q_OBJECT
 private slots:
+    void aListOfNamesIsShort() {
+        QCOMPARE(orvo::nameLines({}), QString());
+        QCOMPARE(orvo::nameLines({"Насос", "Цех\n№ 2"}), QString("Насос\nЦех № 2"));
+        QStringList names;
+        for (int i = 0; i < 12; ++i)
+            names << QString::number(i);
+        QCOMPARE(orvo::nameLines(names.mid(0, 10)).count('\n'), 9);
+        QVERIFY(orvo::nameLines(names).endsWith("9\nи ещё 2"));
+        QCOMPARE(orvo::nameLines({QString(500, 'x')}).size(), 80);
+    }
+
     void starOpensAllFoldersBelowTheCurrentRow_data() {
         QTest::addColumn<int>("column");
         QTest::newRow("first column") << 0;
