@@ -51,8 +51,10 @@ uint64_t fromBigEndian(std::string_view bytes) {
     return value;
 }
 
-/// Set once a connection stands; the store's statements rely on them.
-const char settings[] = "SET standard_conforming_strings = on;"
+/// Set once a connection stands; the store's statements rely on them. With that search path a name
+/// without a schema is never one that somebody has made in the database.
+const char settings[] = "SET search_path = pg_catalog, pg_temp;"
+                        "SET standard_conforming_strings = on;"
                         "SET client_min_messages = warning;"
                         "SET lock_timeout = '5s';"
                         "SET idle_in_transaction_session_timeout = '60s';"
@@ -164,7 +166,7 @@ Value valueAt(MdxType type, const PGresult* result, int row, int column) {
 
 bool succeeded(const PGresult* result) {
     const ExecStatusType status = PQresultStatus(result);
-    return status == PGRES_TUPLES_OK || status == PGRES_COMMAND_OK;
+    return status == PGRES_TUPLES_OK || status == PGRES_COMMAND_OK || status == PGRES_EMPTY_QUERY;
 }
 
 std::string_view stateOf(const PGresult* result) {
@@ -258,6 +260,8 @@ Status Connection::open(const Url& url) {
                     where + "пользователь не найден или неправильный пароль (" + made->why + ")"};
         if (made->state == "3D000")
             return {UnknownName, where + "нет базы " + shown(url.get("dbname"))};
+        if (made->state == "42501")
+            return {Refused, where + "недостаточно прав (" + made->why + ")"};
         return {CannotConnect, where + made->why};
     }
     PQsetNoticeProcessor(

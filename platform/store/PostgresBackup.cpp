@@ -125,7 +125,8 @@ Status checkArchive(const Url& url, const std::string& file) {
         return status;
     const int copy = data.indexOf("\nCOPY ");
     const int line = copy < 0 ? -1 : data.indexOf('\n', copy + 1);
-    const int version = line < 0 ? 0 : data.mid(line + 1, 12).split('\n').first().toInt();
+    const int version =
+        line < 0 ? 0 : data.mid(line + 1, 12).simplified().split(' ').first().toInt();
     if (version < 1)
         return {NotAStore, what + ": в ней нет хранилища"};
     if (version > static_cast<int>(migrations().size()))
@@ -148,13 +149,11 @@ QByteArray beginning() {
     std::vector<std::string> names = {"MenuResourceFileData", contentTable().name};
     for (const TableDef& table : tables())
         names.emplace_back(table.name);
-    for (const char* name : {"NciEvent", "NciPruned", "NciStore"})
+    for (const char* name : {"NciEvent", "NciPruned", "NciStore", "NciLock"})
         names.emplace_back(name);
     for (const std::string& name : names)
-        sql += "DROP TABLE IF EXISTS " + qualified(name) + " CASCADE;\nDROP FUNCTION IF EXISTS " +
-               qualified(name + ".log") + " CASCADE;\n";
-    for (const char* name : {"NciLock", "NciTruncate", "NciLog", "NciPrune"})
-        sql += "DROP FUNCTION IF EXISTS " + qualified(name) + " CASCADE;\n";
+        sql += "DROP TABLE IF EXISTS " + qualified(name) + " CASCADE;\n";
+    sql += dropFunctions();
     return QByteArray::fromStdString(sql);
 }
 
@@ -180,10 +179,14 @@ std::string checkTables() {
 /// change gets a higher one.
 QByteArray ending() {
     return QByteArray("\n") + QByteArray::fromStdString(checkTables()) +
-           QByteArray("UPDATE public.\"NciPruned\" SET \"id\" = 1 + greatest(:orvo_position, "
-                      "\"id\", coalesce((SELECT max(\"id\") FROM public.\"NciEvent\"), 0));\n"
-                      "SELECT pg_catalog.setval('public.\"NciEventId\"', (SELECT \"id\" FROM "
-                      "public.\"NciPruned\"));\nSELECT pg_catalog.pg_notify('") +
+           // An archive of an earlier version has none; the update of the version makes it.
+           QByteArray(
+               "DO $orvo$ BEGIN UPDATE public.\"NciStore\" SET \"identity\" = "
+               "pg_catalog.gen_random_uuid(); EXCEPTION WHEN undefined_column THEN NULL; "
+               "END $orvo$;\nUPDATE public.\"NciPruned\" SET \"id\" = 1 + greatest(:orvo_position, "
+               "\"id\", coalesce((SELECT max(\"id\") FROM public.\"NciEvent\"), 0));\n"
+               "SELECT pg_catalog.setval('public.\"NciEventId\"', (SELECT \"id\" FROM "
+               "public.\"NciPruned\"));\nSELECT pg_catalog.pg_notify('") +
            wakeChannel + "', '');\nCOMMIT;\n";
 }
 
@@ -247,7 +250,7 @@ Status PostgresStore::restore(const std::string& file, const Progress& progress)
         if (!status.ok())
             return status;
         status = ready();
-        return status.ok() ? migrate(m_connection, migrations(), false) : status;
+        return status.ok() ? migrate(m_connection, false) : status;
     });
 }
 

@@ -45,7 +45,7 @@ std::unique_ptr<Store> openStore(const std::string& location, const OpenOptions&
     if (!status->ok())
         return nullptr;
     const std::string what = "Хранилище " + shown(url.displayName());
-    *status = migrate(connection, migrations(), options.create);
+    *status = migrate(connection, options.create);
     if (!status->ok()) {
         status->text = what + ": " + status->text;
         return nullptr;

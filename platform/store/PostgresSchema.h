@@ -5,11 +5,11 @@
 #ifndef ORVO_PLATFORM_STORE_POSTGRESSCHEMA_H
 #define ORVO_PLATFORM_STORE_POSTGRESSCHEMA_H
 
+#include "platform/store/Migrations.h"
 #include "platform/store/PostgresApi.h"
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace orvo::store::postgres {
 
@@ -17,8 +17,9 @@ namespace orvo::store::postgres {
 constexpr const char* engineerRole = "orvo_engineer";
 constexpr const char* viewerRole = "orvo_viewer";
 
-/// Held, until the transaction ends, by whoever adds to the log.
-constexpr const char* takeLogLock = "pg_advisory_xact_lock(1332901487, 1)";
+/// Takes the lock that whoever adds to the log holds until the transaction ends. Only who may write
+/// can take it.
+constexpr const char* takeLogLock = "public.\"NciTakeLock\"()";
 /// Announces, without contents, that the log has grown.
 constexpr const char* wakeChannel = "orvo";
 
@@ -30,19 +31,24 @@ constexpr const char* copyContentIn =
 /// public."name".
 std::string qualified(std::string_view name);
 
-/// What leads from each version to the next; the first from an empty database. A released step is
-/// never changed.
-const std::vector<std::string>& migrations();
+/// SQL that drops the functions of a store of any version, and with them its triggers.
+std::string dropFunctions();
+/// SQL that makes functions, triggers and rights.
+std::string functionsAndRights(const Dictionary& dictionary);
 
 /// The expression, over "MenuResource", that gives foldedName() of the name.
 const std::string& foldedNameExpression();
 /// The same behind the folded link to a folder (empty for NULL) and "/".
 const std::string& foldedPlaceExpression();
 
-/// Brings the store to the newest version, all missing steps in one transaction. NotAStore if the
+/// Brings the store to the newest version: all missing steps and then functions, triggers and
+/// rights anew, in one transaction. They become those of the store's owner. NotAStore if the
 /// database holds none and `create` is false; NewerStore if it is beyond the steps. Nothing is
 /// written if it is there already.
-Status migrate(Connection& connection, const std::vector<std::string>& steps, bool create);
+Status migrate(Connection& connection, const MigrationSteps& steps, const Dictionary& dictionary,
+               bool create);
+/// With the steps and the dictionary of this program.
+Status migrate(Connection& connection, bool create);
 
 } // namespace orvo::store::postgres
 

@@ -100,6 +100,21 @@ Status PostgresStore::ready() {
     return m_connection.alive() && !m_session.empty() ? Status() : connect();
 }
 
+Status PostgresStore::identity(std::string* identity) {
+    return guarded([&]() -> Status {
+        const Status status = ready();
+        if (!status.ok())
+            return status;
+        const char what[] = "Хранилище";
+        const Result result =
+            m_connection.query("SELECT \"identity\" FROM public.\"NciStore\"", {});
+        if (!succeeded(result.get()) || PQntuples(result.get()) == 0)
+            return m_connection.failure(what, result.get());
+        *identity = textAt(result.get(), 0, 0);
+        return {};
+    });
+}
+
 // Tables -----------------------------------------------------------------------------------------
 
 Status PostgresStore::fetch(std::string_view name, MDArray* into) {

@@ -38,6 +38,8 @@ public:
 
     std::string displayName() const override { return m_url.displayName(); }
 
+    Status identity(std::string* identity) override;
+
     Status fetch(std::string_view table, MDArray* into) override;
 
     Status logPosition(int64_t* id) override;

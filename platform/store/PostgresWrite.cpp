@@ -134,7 +134,7 @@ Status PostgresStore::begin(const std::string& call) {
     // Who writes waits here for who writes already, before it holds anything else.
     send(std::string("SELECT ") + takeLogLock +
              ", set_config('orvo.login', $1, true), set_config('orvo.call', $2, true)",
-         Parameters().text(m_asLogin).text(call), what, false);
+         Parameters().text(m_asLogin).text(call), what, true);
     return m_failure;
 }
 

@@ -1,5 +1,5 @@
-// Schema.h: the one dictionary of tables and fields. DDL, statements and record structures of every
-// store come from it.
+// Schema.h: the one dictionary of tables and fields. Statements, record structures and the triggers
+// of every store come from it; the tables themselves from the steps of Migrations.h.
 #ifndef ORVO_PLATFORM_STORE_SCHEMA_H
 #define ORVO_PLATFORM_STORE_SCHEMA_H
 
@@ -24,12 +24,22 @@ struct TableDef {
     int find(std::string_view field) const;
 };
 
-/// The tables that the editors know, in the order in which a store may be filled: a link's target
-/// before what links to it.
-const std::vector<TableDef>& tables();
-/// The contents of stored forms and files, "MenuResourceFile": logged like the tables above, but
-/// not one of them. The bytes are one more column, "data", which only the stores touch.
-const TableDef& contentTable();
+struct Dictionary {
+    /// The tables that the editors know, in the order in which a store may be filled: a link's
+    /// target before what links to it.
+    std::vector<TableDef> tables;
+    /// The contents of stored forms and files, "MenuResourceFile": logged like the tables above,
+    /// but not one of them. The bytes are one more column, "data", which only the stores touch.
+    TableDef content;
+};
+
+const Dictionary& dictionary();
+inline const std::vector<TableDef>& tables() {
+    return dictionary().tables;
+}
+inline const TableDef& contentTable() {
+    return dictionary().content;
+}
 /// The one of tables() of exactly that name, or null.
 const TableDef* findTable(std::string_view name);
 /// Whether the field holds this record's key or another's.

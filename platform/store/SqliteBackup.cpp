@@ -159,7 +159,7 @@ Status SqliteStore::restore(const std::string& file, const Progress& progress) {
         if (!status.ok())
             return status;
         m_grown = true;
-        status = migrate(m_connection, migrations());
+        status = migrate(m_connection);
         return status.ok() ? startNewLog(position) : status;
     });
 }

@@ -1,5 +1,6 @@
 // An SQLite store's whole content on its way out and in, and questions to its log.
 #include "platform/store/Names.h"
+#include "platform/store/SqliteSchema.h"
 #include "platform/store/SqliteStore.h"
 
 #include <algorithm>
@@ -173,7 +174,7 @@ Status SqliteStore::startNewLog(int64_t position) {
         // one, and the next change gets a higher one.
         const std::string next = std::to_string(std::max(position, newest) + 1);
         return m_connection.execute(
-                   "UPDATE \"NciPruned\" SET \"id\" = " + next +
+                   std::string(newIdentity) + "UPDATE \"NciPruned\" SET \"id\" = " + next +
                    "; DELETE FROM sqlite_sequence WHERE name = 'NciEvent'; INSERT INTO "
                    "sqlite_sequence (name, seq) VALUES ('NciEvent', " +
                    next + ")") == SQLITE_OK

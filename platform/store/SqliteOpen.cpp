@@ -159,7 +159,7 @@ Status create(const std::string& path, const std::string& name) {
             connection.execute("PRAGMA application_id = " + std::to_string(applicationId)) !=
                 SQLITE_OK)
             return connection.failure(what);
-        const Status status = migrate(connection, migrations());
+        const Status status = migrate(connection);
         if (!status.ok())
             return {status.code, what + ": " + status.text};
         if (connection.execute("PRAGMA wal_checkpoint(TRUNCATE)") != SQLITE_OK)
@@ -189,7 +189,7 @@ Status connect(const std::string& path, const std::string& name, Connection* con
     if (connection->execute("PRAGMA journal_mode = WAL") != SQLITE_OK ||
         connection->execute(settings) != SQLITE_OK)
         return connection->failure(what);
-    const Status status = migrate(*connection, migrations());
+    const Status status = migrate(*connection);
     return status.ok() ? status : Status{status.code, what + ": " + status.text};
 }
 

@@ -5,19 +5,26 @@
 #ifndef ORVO_PLATFORM_STORE_SQLITESCHEMA_H
 #define ORVO_PLATFORM_STORE_SQLITESCHEMA_H
 
+#include "platform/store/Migrations.h"
+#include "platform/store/Schema.h"
 #include "platform/store/SqliteApi.h"
 
 #include <string>
-#include <vector>
 
 namespace orvo::store::sqlite {
 
 /// "Orvo": marks a file as a store (PRAGMA application_id).
 constexpr int applicationId = 0x4F72766F;
 
-/// What leads from each version to the next (PRAGMA user_version); the first from an empty file.
-/// A released step is never changed.
-const std::vector<std::string>& migrations();
+/// Gives the store a new identity.
+constexpr const char* newIdentity = "UPDATE \"NciStore\" SET \"identity\" = (SELECT "
+                                    "lower(substr(h, 1, 8) || '-' || substr(h, 9, 4) || "
+                                    "'-4' || substr(h, 14, 3) || '-8' || substr(h, 18, 3) || '-' "
+                                    "|| substr(h, 21, 12)) FROM (SELECT "
+                                    "hex(randomblob(16)) AS h));";
+
+/// The triggers, which write the change log, as SQL.
+std::string triggers(const Dictionary& dictionary);
 
 /// The expression, over "MenuResource", that gives foldedName() of the name as the editors see it,
 /// with ASCII letters compared without regard to case.
@@ -25,9 +32,13 @@ const std::string& foldedNameExpression();
 /// Holds for the rows that the index over it is about.
 constexpr const char* storedRows = "\"type_\" IN (3, 4)";
 
-/// Brings the store to the newest version, all missing steps in one transaction. NewerStore if it
-/// is beyond the steps. Nothing is written if it is there already.
-Status migrate(const Connection& connection, const std::vector<std::string>& steps);
+/// Brings the store to the newest version (PRAGMA user_version): all missing steps and then the
+/// triggers anew, in one transaction. NewerStore if it is beyond the steps. Nothing is written if
+/// it is there already.
+Status migrate(const Connection& connection, const MigrationSteps& steps,
+               const Dictionary& dictionary);
+/// With the steps and the dictionary of this program.
+Status migrate(const Connection& connection);
 
 } // namespace orvo::store::sqlite
 

@@ -85,6 +85,20 @@ Statement* SqliteStore::cached(const std::string& sql) {
     return &m_statements.emplace(sql, std::move(statement)).first->second;
 }
 
+Status SqliteStore::identity(std::string* identity) {
+    return guarded([&]() -> Status {
+        const char what[] = "Хранилище";
+        Statement* statement = cached("SELECT \"identity\" FROM \"NciStore\"");
+        if (statement == nullptr)
+            return m_connection.failure(what);
+        const ResetAfter reset(*statement);
+        if (statement->step() != SQLITE_ROW)
+            return m_connection.failure(what);
+        *identity = statement->text(0);
+        return {};
+    });
+}
+
 // Tables -----------------------------------------------------------------------------------------
 
 Status SqliteStore::fetchRows(const TableDef& table, Statement& statement, MDArray* into) {

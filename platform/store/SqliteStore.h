@@ -36,6 +36,8 @@ public:
 
     std::string displayName() const override { return "sqlite://" + m_path; }
 
+    Status identity(std::string* identity) override;
+
     Status fetch(std::string_view table, MDArray* into) override;
 
     Status logPosition(int64_t* id) override;

@@ -92,6 +92,11 @@ public:
     /// The login under which this object writes.
     virtual std::string login() const = 0;
 
+    /// Names the life of the store that its log tells of, as a UUID: made with a new store, and
+    /// made anew when a backup is restored. A number of the log means something only together with
+    /// it.
+    virtual Status identity(std::string* identity) = 0;
+
     // Tables -------------------------------------------------------------------------------------
 
     /// Structure and all records, with key 0 over KeyLink. UnknownName for an unknown table. The

@@ -90,6 +90,9 @@ std::string WriteWatch::displayName() const {
 std::string WriteWatch::login() const {
     return m_store->login();
 }
+store::Status WriteWatch::identity(std::string* identity) {
+    return m_store->identity(identity);
+}
 store::Status WriteWatch::fetch(std::string_view table, MDArray* into) {
     return m_store->fetch(table, into);
 }

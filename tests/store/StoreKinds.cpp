@@ -15,6 +15,11 @@ namespace orvo::store::test {
 
 namespace {
 
+/// A file of tests/store/data.
+QString dataFile(const QString& name) {
+    return QFile::decodeName(qgetenv("ORVO_SOURCE_DIR")) + "/tests/store/data/" + name;
+}
+
 class SqliteKind : public StoreKind {
 public:
     QByteArray name() const override { return "sqlite"; }
@@ -23,6 +28,21 @@ public:
         m_directory = std::make_unique<QTemporaryDir>();
         Status status;
         return m_directory->isValid() && open(url(), {"maker", true}, &status) != nullptr;
+    }
+
+    bool renewAsOf(int version) override {
+        m_directory = std::make_unique<QTemporaryDir>();
+        return m_directory->isValid() &&
+               QFile::copy(dataFile(QString("sqlite-%1.db").arg(version)), file());
+    }
+
+    QByteArray structure() override {
+        QByteArray text;
+        return byHand("SELECT type, name, sql FROM sqlite_master WHERE name NOT LIKE 'sqlite_%' "
+                      "ORDER BY type, name; PRAGMA user_version; PRAGMA application_id;",
+                      &text)
+                   ? text
+                   : QByteArray();
     }
 
     std::string url() const override { return "sqlite://" + file().toStdString(); }
@@ -65,6 +85,42 @@ public:
         return PostgresCluster::shared() != nullptr && make();
     }
 
+    bool renewAsOf(int version) override {
+        drop();
+        PostgresCluster* cluster = PostgresCluster::shared();
+        QFile dump(dataFile(QString("postgres-%1.sql").arg(version)));
+        QByteArray words;
+        newName();
+        if (cluster != nullptr && dump.open(QIODevice::ReadOnly) &&
+            cluster->shell("postgres",
+                           "DO $$ BEGIN CREATE ROLE orvo_engineer; EXCEPTION WHEN "
+                           "duplicate_object THEN NULL; END $$; DO $$ BEGIN CREATE ROLE "
+                           "orvo_viewer; EXCEPTION WHEN duplicate_object THEN NULL; END $$;"
+                           "CREATE DATABASE \"" +
+                               m_database + "\" TEMPLATE template0 ENCODING 'UTF8' LOCALE 'C';",
+                           &words) &&
+            cluster->shell(m_database, dump.readAll(), &words))
+            return true;
+        qWarning("%s", words.constData());
+        return false;
+    }
+
+    QByteArray structure() override {
+        QByteArray text;
+        const PostgresCluster& cluster = *PostgresCluster::shared();
+        if (!cluster.run("pg_dump",
+                         {"--schema-only", "-h", cluster.directory(), "-U", "postgres", m_database},
+                         &text))
+            return {};
+        QByteArray rights;
+        byHand("SELECT datacl FROM pg_database WHERE datname = current_database();", &rights);
+        QByteArray lines;
+        for (const QByteArray& line : text.split('\n'))
+            if (!line.startsWith("\\")) // a word that differs in each dump
+                lines += line + '\n';
+        return lines + rights;
+    }
+
     std::string url() const override {
         return PostgresCluster::shared()->url(m_database.toStdString());
     }
@@ -78,9 +134,12 @@ public:
     QByteArray rawText(const QByteArray& bytes) const override { return rawPostgresText(bytes); }
 
 protected:
-    bool make() {
+    void newName() {
         static int number = 0;
         m_database = "orvo" + QByteArray::number(::getpid()) + '_' + QByteArray::number(++number);
+    }
+    bool make() {
+        newName();
         Status status;
         if (open(url(), {"maker", true}, &status))
             return true;

@@ -16,6 +16,11 @@ public:
     virtual QByteArray name() const = 0;
     /// Makes a fresh, empty store; false if that failed.
     virtual bool renew() = 0;
+    /// Makes the store that a program of that version left, with records and contents (data/).
+    virtual bool renewAsOf(int /*version*/) { return false; }
+    /// Tables, columns, indexes, triggers, functions and rights as text, alike for stores that are
+    /// alike.
+    virtual QByteArray structure() { return {}; }
     /// The URL of that store.
     virtual std::string url() const = 0;
     /// Writes past the store, as an administrator would, with the database's own shell. False, with

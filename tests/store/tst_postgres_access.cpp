@@ -128,7 +128,7 @@ void TestAccess::logCannotBeForged() {
          {"INSERT INTO \"NciEvent\" SELECT 999, 601, 'Menu', 'k', 'director', 0, '{}', '{}', '';",
           "UPDATE \"NciEvent\" SET \"login\" = 'director';", "DELETE FROM \"NciEvent\";",
           "TRUNCATE \"NciEvent\";", "SELECT nextval('\"NciEventId\"');",
-          "SELECT \"NciLog\"(601, 'Menu', 'k', '{}', '{}');",
+          "SELECT \"NciTakeLock\"(); UPDATE \"NciStore\" SET \"identity\" = 'x';",
           "UPDATE \"NciPruned\" SET \"id\" = 0;", "UPDATE \"NciStore\" SET \"version\" = 0;",
           "TRUNCATE \"Menu\";", "ALTER TABLE \"Menu\" DISABLE TRIGGER ALL;",
           "CREATE TEMP TABLE \"Menu\" (LIKE public.\"Menu\"); CREATE TRIGGER t AFTER INSERT ON "
@@ -312,14 +312,14 @@ void TestAccess::missingStepsRunInOneTransaction() {
     ORVO_OK(connection.open(url));
     std::vector<std::string> steps = postgres::migrations();
     const size_t released = steps.size();
-    steps.emplace_back("CREATE TABLE second (a text); DROP TABLE \"Menu\"");
+    steps.emplace_back("CREATE TABLE public.second (a text); DROP TABLE public.\"Menu\"");
     steps.emplace_back("this is no statement");
-    ORVO_FAILS(postgres::migrate(connection, steps, false), Failed);
+    ORVO_FAILS(postgres::migrate(connection, steps, dictionary(), false), Failed);
     QCOMPARE(dump(*m_store, "Menu"), "");
-    steps.back() = "INSERT INTO second VALUES ('x')";
-    steps[released] = "CREATE TABLE second (a text)";
-    ORVO_OK(postgres::migrate(connection, steps, false));
-    ORVO_OK(postgres::migrate(connection, steps, false)); // and once only
+    steps.back() = "INSERT INTO public.second VALUES ('x')";
+    steps[released] = "CREATE TABLE public.second (a text)";
+    ORVO_OK(postgres::migrate(connection, steps, dictionary(), false));
+    ORVO_OK(postgres::migrate(connection, steps, dictionary(), false)); // and once only
     QByteArray words;
     QVERIFY(byHand("SELECT a, \"version\" FROM second, \"NciStore\";", &words));
     QCOMPARE(words, "x|" + QByteArray::number(int(released) + 2));

@@ -158,11 +158,11 @@ void TestBreaks::lossDuringACallIsReportedAndTheNextCallWorks() {
     postgres::Connection other;
     ORVO_OK(other.open(url));
     QVERIFY(postgres::succeeded(
-        other.execute("BEGIN; INSERT INTO \"MenuFileExt\" VALUES ('o', 'x')").get()));
+        other.execute("BEGIN; INSERT INTO public.\"MenuFileExt\" VALUES ('o', 'x')").get()));
     std::thread ender([&] {
         std::this_thread::sleep_for(std::chrono::milliseconds(300));
         m_cluster->shell("postgres", "SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE "
-                                     "wait_event = 'advisory';");
+                                     "wait_event_type = 'Lock';");
     });
     const Status status = Batch("MenuFileExt").insert("k").send(*m_store);
     ender.join();
@@ -185,7 +185,8 @@ void TestBreaks::wakeComesBackAfterALoss() {
         QCOMPARE(::poll(&wait, 1, 0), 0); // once
         ORVO_OK(m_store->readLog(0, 10, &changes));
         QCOMPARE(m_store->wakeFd(), fd);
-        QVERIFY(byHand("INSERT INTO \"MenuFileExt\" VALUES ('" + QByteArray(key) + "', 'x');"));
+        QVERIFY(
+            byHand("INSERT INTO public.\"MenuFileExt\" VALUES ('" + QByteArray(key) + "', 'x');"));
         QCOMPARE(::poll(&wait, 1, 5000), 1);
         m_store->takeWake();
         const size_t before = changes.size();

@@ -65,7 +65,7 @@ public:
             status = connection.open(url);
         std::minstd_rand random(unsigned(writer + 1));
         for (int i = 0; status.ok() && i < changesEach();) {
-            std::vector<std::string> steps = {"BEGIN"};
+            std::vector<std::string> steps = {"BEGIN; SET LOCAL search_path = public"};
             for (int left = 1 + int(random() % 9); left > 0 && i < changesEach(); --left, ++i) {
                 // Below one of another writer, if that is there already: it came before then.
                 const int other = int(random() % writers);
@@ -209,7 +209,7 @@ void TestOrder::lateCommitOfAnEarlyNumberIsNotSkipped() {
     postgres::Connection early;
     ORVO_OK(early.open(url));
     QVERIFY(postgres::succeeded(
-        early.execute("BEGIN; INSERT INTO \"MenuFileExt\" VALUES ('early', 'x')").get()));
+        early.execute("BEGIN; INSERT INTO public.\"MenuFileExt\" VALUES ('early', 'x')").get()));
     std::thread late([&] {
         Status status;
         const auto store = open(m_cluster->url(m_database.toStdString()), {}, &status);
@@ -266,7 +266,7 @@ void TestOrder::writerWaitsForAnotherOnlySoLong() {
     postgres::Connection other;
     ORVO_OK(other.open(url));
     QVERIFY(postgres::succeeded(
-        other.execute("BEGIN; INSERT INTO \"MenuFileExt\" VALUES ('k', 'x')").get()));
+        other.execute("BEGIN; INSERT INTO public.\"MenuFileExt\" VALUES ('k', 'x')").get()));
     QElapsedTimer clock;
     clock.start();
     ORVO_FAILS(Batch("MenuFileExt").insert("n").send(*m_store), Timeout);

@@ -101,7 +101,7 @@ void TestOutcome::writeOfASessionThatHasNotNoticedIsEnded() {
     postgres::Connection other;
     ORVO_OK(other.open(url));
     QVERIFY(postgres::succeeded(
-        other.execute("BEGIN; INSERT INTO \"MenuFileExt\" VALUES ('o', 'x')").get()));
+        other.execute("BEGIN; INSERT INTO public.\"MenuFileExt\" VALUES ('o', 'x')").get()));
     m_proxy->next(PostgresProxy::HalfOpen);
     const Status status = Batch("MenuFileExt").insert("k").send(*m_through);
     ORVO_FAILS(status, ConnectionBroken);

@@ -20,7 +20,6 @@ private slots:
     void replaceByHandIsLoggedAsAnUpdate();
     void ignoredAndMergedInsertsByHandAreLoggedAsTheyAre();
     void missingStepsRunInOneTransaction();
-    void storeOfTheFirstVersionComesToFindNames();
     void failedStepLeavesTheOldVersion();
     void newerStoreIsRefusedUnchanged();
     void storeWithoutATableIsRefused();
@@ -54,7 +53,7 @@ void TestSqliteSchema::fieldsAreThoseOfTheDictionary() {
     QCOMPARE(shell("SELECT group_concat(name, ' ') FROM (SELECT name FROM pragma_table_list "
                    "WHERE strict ORDER BY name)"),
              QString("Menu MenuFileExt MenuFolder MenuResource MenuResourceFile "
-                     "MenuResourceFolder NciEvent NciPruned NciReplaced NciWriter Users"));
+                     "MenuResourceFolder NciEvent NciPruned NciReplaced NciStore NciWriter Users"));
     QCOMPARE(shell("SELECT name FROM pragma_table_info('MenuResourceFile') "
                    "ORDER BY cid DESC LIMIT 1"),
              QString("data"));
@@ -137,43 +136,16 @@ void TestSqliteSchema::missingStepsRunInOneTransaction() {
     std::vector<std::string> steps = sqlite::migrations();
     const size_t released = steps.size();
     steps.push_back("CREATE TABLE second (a) STRICT"); // no such type: fails
-    QVERIFY(!sqlite::migrate(connection, steps).ok());
+    QVERIFY(!sqlite::migrate(connection, steps, dictionary()).ok());
     steps[released] = "CREATE TABLE second (a TEXT) STRICT; INSERT INTO second VALUES ('x')";
     steps.push_back("ALTER TABLE second ADD COLUMN b TEXT; UPDATE second SET b = a");
-    const Status status = sqlite::migrate(connection, steps);
+    const Status status = sqlite::migrate(connection, steps, dictionary());
     QVERIFY2(status.ok(), status.text.c_str());
-    QVERIFY(sqlite::migrate(connection, steps).ok()); // and once only
+    QVERIFY(sqlite::migrate(connection, steps, dictionary()).ok()); // and once only
     QCOMPARE(shell("SELECT a || b FROM second"), QString("x"
                                                          "x"));
     QCOMPARE(shell("PRAGMA user_version"), QString::number(released + 2));
     QCOMPARE(shell("SELECT fileExt FROM MenuFileExt"), QString("a"));
-}
-
-void TestSqliteSchema::storeOfTheFirstVersionComesToFindNames() {
-    const QString old = m_directory->filePath("old.db");
-    {
-        sqlite::Connection connection;
-        QCOMPARE(
-            connection.open(old.toUtf8().constData(), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE),
-            SQLITE_OK);
-        QCOMPARE(
-            connection.execute("PRAGMA application_id = " + std::to_string(sqlite::applicationId)),
-            SQLITE_OK);
-        const Status made = sqlite::migrate(connection, {sqlite::migrations().front()});
-        QVERIFY2(made.ok(), made.text.c_str());
-        QCOMPARE(connection.execute(
-                     "INSERT INTO \"MenuResource\" (\"KeyLink\", \"name_\", \"type_\") VALUES "
-                     "('f', 'Щит', 3);"
-                     "INSERT INTO \"MenuResourceFile\" VALUES ('c', 'f', 'Щит', 1, 1, x'41')"),
-                 SQLITE_OK);
-    }
-    Status status;
-    const auto store = orvo::store::open(old.toStdString(), {"tester"}, &status);
-    QVERIFY2(store, status.text.c_str());
-    std::vector<StoredFile> found;
-    QVERIFY(store->formGet("щИТ", true, &found).ok());
-    QCOMPARE(found.size(), size_t(1));
-    QCOMPARE(found.front().bytes, std::string("A"));
 }
 
 void TestSqliteSchema::failedStepLeavesTheOldVersion() {
@@ -183,7 +155,7 @@ void TestSqliteSchema::failedStepLeavesTheOldVersion() {
     std::vector<std::string> steps = sqlite::migrations();
     steps.push_back("DROP TABLE \"Menu\"; CREATE TABLE second (a TEXT)");
     steps.push_back("this is no statement");
-    const Status status = sqlite::migrate(connection, steps);
+    const Status status = sqlite::migrate(connection, steps, dictionary());
     QCOMPARE(status.code, int(Failed));
     QVERIFY(!status.text.empty());
     QCOMPARE(shell(".dump"), before);

@@ -1,0 +1,236 @@
+// The functions, triggers and rights of a PostgreSQL store, made from the dictionary.
+//
+// The functions that log run with the owner's rights on behalf of whoever writes, who may have made
+// types, functions, operators and tables of any name in a schema of his own. So each sets its
+// search path, and names what it uses with its schema all the same. Setting a path is paid per
+// call, which is why one call does all that a row needs.
+#include "platform/store/PostgresSchema.h"
+
+#include "platform/store/Sql.h"
+
+#include <algorithm>
+
+namespace orvo::store::postgres {
+
+namespace {
+
+constexpr const char* equals = " OPERATOR(pg_catalog.=) ";
+
+std::string both() {
+    return std::string(engineerRole) + ", " + viewerRole;
+}
+
+/// What every function of ours begins with.
+std::string function(const std::string& name, const char* returns, const char* settings) {
+    return "CREATE FUNCTION " + qualified(name) + "() RETURNS " + returns +
+           " LANGUAGE plpgsql SET search_path = pg_catalog, pg_temp " + settings + " AS $orvo$\n";
+}
+
+std::string named(const char* prefix, const FieldDef& field) {
+    return std::string(prefix) + identifier(field.name);
+}
+
+/// The value as JSON text.
+std::string json(const char* row, const FieldDef& field) {
+    return "coalesce(pg_catalog.to_json(" + named(row, field) + ")::pg_catalog.text, 'null')";
+}
+
+/// JSON object of all values of a row ("NEW." or "OLD.").
+std::string whole(const TableDef& table, const char* row) {
+    std::string sql = "pg_catalog.concat('{";
+    for (const FieldDef& field : table.fields) {
+        if (&field != &table.fields.front())
+            sql += ", ',";
+        sql += std::string("\"") + field.name + "\":', " + json(row, field);
+    }
+    return sql + ", '}')";
+}
+
+/// JSON object of the values of a row that the update changed.
+std::string changed(const TableDef& table, const char* row) {
+    std::string sql = "pg_catalog.concat('{', pg_catalog.substr(pg_catalog.concat(";
+    for (size_t i = 1; i < table.fields.size(); ++i) { // a changed key is no update
+        const FieldDef& field = table.fields[i];
+        const std::string before = named("OLD.", field);
+        const std::string after = named("NEW.", field);
+        sql += std::string(i == 1 ? "" : ",\n      ") + "CASE WHEN coalesce(" + before + equals +
+               after + ", " + before + " IS NULL AND " + after +
+               " IS NULL) THEN '' ELSE pg_catalog.concat(',\"" + field.name + "\":', " +
+               json(row, field) + ") END";
+    }
+    return sql + "), 2), '}')";
+}
+
+bool hasDates(const TableDef& table) {
+    return std::any_of(table.fields.begin(), table.fields.end(),
+                       [](const FieldDef& field) { return field.type == MDX_DATE; });
+}
+
+std::string logEvent(const TableDef& table, int code, const char* key, const std::string& after,
+                     const std::string& before) {
+    return "    INSERT INTO public.\"NciEvent\" VALUES "
+           "(pg_catalog.nextval('public.\"NciEventId\"'), " +
+           std::to_string(code) + ", " + literal(table.name) + ",\n      " + key +
+           ", v_login, pg_catalog.date_part('epoch', pg_catalog.clock_timestamp()),\n      " +
+           after + ",\n      " + before + ", v_call);\n";
+}
+
+/// The login is that of the session, which nobody can choose. Only who owns the store, as whom the
+/// function runs, may write under another one: the administrator's command, for example. "call"
+/// tells a writer that lost its connection whether its transaction is in the log.
+constexpr const char* writer = R"(DECLARE
+  v_login pg_catalog.text := session_user;
+  v_other pg_catalog.text := pg_catalog.current_setting('orvo.login', true);
+  v_call pg_catalog.text := coalesce(pg_catalog.current_setting('orvo.call', true), '');
+BEGIN
+  IF v_other OPERATOR(pg_catalog.<>) ''
+      AND pg_catalog.pg_has_role(session_user, current_user, 'MEMBER') THEN
+    v_login := v_other;
+  END IF;
+)";
+
+std::string trigger(const char* name, const char* when, const std::string& table,
+                    const std::string& options, const char* each, const std::string& function) {
+    return "CREATE TRIGGER " + identifier(name) + " " + when + " ON " + qualified(table) + " " +
+           options + "FOR EACH " + each + " EXECUTE FUNCTION " + qualified(function) + "();\n";
+}
+
+/// `onDelete` and `onNewKey` are statements that run before a deletion and after a change of key.
+std::string logTriggers(const TableDef& table, const std::string& onDelete = {},
+                        const std::string& onNewKey = {}) {
+    const std::string name = std::string(table.name) + ".log";
+    // Dates to the last bit, whatever the session is set to.
+    std::string sql = function(name, "trigger",
+                               hasDates(table) ? "SET extra_float_digits = 1 SECURITY DEFINER"
+                                               : "SECURITY DEFINER") +
+                      writer + "  IF TG_OP" + equals + "'INSERT' THEN\n";
+    sql += logEvent(table, 601, "NEW.\"KeyLink\"", whole(table, "NEW."), "'{}'");
+    sql += std::string("  ELSIF TG_OP") + equals + "'DELETE' THEN\n" + onDelete;
+    sql += logEvent(table, 603, "OLD.\"KeyLink\"", "'{}'", whole(table, "OLD."));
+    sql += std::string("  ELSIF OLD.\"KeyLink\"") + equals + "NEW.\"KeyLink\" THEN\n";
+    sql += logEvent(table, 602, "NEW.\"KeyLink\"", changed(table, "NEW."), changed(table, "OLD."));
+    sql += "  ELSE\n";
+    sql += logEvent(table, 603, "OLD.\"KeyLink\"", "'{}'", whole(table, "OLD."));
+    sql += logEvent(table, 601, "NEW.\"KeyLink\"", whole(table, "NEW."), "'{}'");
+    sql += onNewKey + "  END IF;\n  RETURN NULL;\nEND $orvo$;\n";
+    sql += trigger("log", "AFTER INSERT OR UPDATE OR DELETE", table.name, "", "ROW", name);
+    sql += trigger("lock", "BEFORE INSERT OR UPDATE OR DELETE", table.name, "", "STATEMENT",
+                   "NciLock");
+    sql += trigger("truncate", "BEFORE TRUNCATE", table.name, "", "STATEMENT", "NciTruncate");
+    return sql;
+}
+
+/// What serves the log as a whole.
+std::string logFunctions() {
+    // A number alone is not commit order: whoever adds a row holds the lock from before the number
+    // is drawn until the transaction has ended. The lock is taken before the statement touches a
+    // row, so that two transactions never wait for each other across it and a row.
+    const std::string lock =
+        std::string("BEGIN\n  LOCK TABLE public.\"NciLock\" IN EXCLUSIVE MODE;\n"
+                    "  PERFORM pg_catalog.pg_notify('") +
+        wakeChannel + "', '');\n";
+    std::string sql =
+        function("NciLock", "trigger", "SECURITY DEFINER") + lock + "  RETURN NULL;\nEND $orvo$;\n";
+    sql += function("NciTakeLock", "void", "SECURITY DEFINER") + lock + "END $orvo$;\n";
+    sql += function("NciTruncate", "trigger", "") + R"(BEGIN
+  EXECUTE pg_catalog.format('DELETE FROM %I.%I', TG_TABLE_SCHEMA, TG_TABLE_NAME);
+  RETURN NULL;
+END $orvo$;
+)";
+    sql += function("NciPrune", "trigger", "") + R"(BEGIN
+  IF TG_OP OPERATOR(pg_catalog.=) 'TRUNCATE' THEN
+    DELETE FROM public."NciEvent";
+  ELSE
+    UPDATE public."NciPruned" SET "id" = greatest("id", (SELECT pg_catalog.max("id") FROM gone));
+  END IF;
+  RETURN NULL;
+END $orvo$;
+)";
+    sql += trigger("pruned", "AFTER DELETE", "NciEvent", "REFERENCING OLD TABLE AS gone ",
+                   "STATEMENT", "NciPrune");
+    return sql + trigger("truncate", "BEFORE TRUNCATE", "NciEvent", "", "STATEMENT", "NciPrune");
+}
+
+/// Takes every right on the thing away from everybody but the owner, and gives these.
+std::string grant(const std::string& rights, const std::string& thing, const std::string& to) {
+    std::string sql = "REVOKE ALL ON " + thing + " FROM PUBLIC, " + both() + ";\n";
+    return rights.empty() ? sql : sql + "GRANT " + rights + " ON " + thing + " TO " + to + ";\n";
+}
+
+/// Nobody but our roles gets into the database, and nobody but its owner makes anything in the
+/// schema that the store lies in. The owner of the store can say so only if he owns the database.
+std::string rightsOfDatabase() {
+    return R"(DO $orvo$ BEGIN
+  EXECUTE pg_catalog.format('REVOKE ALL ON DATABASE %1$I FROM PUBLIC; '
+    'GRANT CONNECT ON DATABASE %1$I TO )" +
+           both() + R"(', pg_catalog.current_database());
+  REVOKE CREATE ON SCHEMA public FROM PUBLIC, )" +
+           both() + R"(;
+EXCEPTION WHEN insufficient_privilege THEN NULL;
+END $orvo$;
+GRANT USAGE ON SCHEMA public TO )" +
+           both() + ";\n";
+}
+
+std::string rights(const Dictionary& dictionary) {
+    std::string sql = rightsOfDatabase();
+    std::vector<std::string> functions = {"NciLock", "NciTakeLock", "NciTruncate", "NciPrune",
+                                          std::string(dictionary.content.name) + ".log"};
+    std::vector<std::string> names = {dictionary.content.name, "MenuResourceFileData"};
+    for (const TableDef& table : dictionary.tables) {
+        names.emplace_back(table.name);
+        functions.push_back(std::string(table.name) + ".log");
+    }
+    // Or anyone could hang them on a table of his own and log what never happened.
+    for (const std::string& name : functions)
+        sql += grant(name == "NciTakeLock" ? "EXECUTE" : "", "FUNCTION " + qualified(name) + "()",
+                     engineerRole);
+    for (const char* name : {"NciEvent", "NciPruned", "NciStore"})
+        sql += grant("SELECT", qualified(name), both());
+    sql += grant("SELECT", "SEQUENCE " + qualified("NciEventId"), both());
+    sql += grant("", qualified("NciLock"), {});
+    for (const std::string& name : names) {
+        sql += grant("SELECT", qualified(name), both());
+        // Users are logins of the database: only who may make those may change them.
+        if (name != "Users")
+            sql += "GRANT INSERT, UPDATE, DELETE ON " + qualified(name) + " TO " + engineerRole +
+                   ";\n";
+    }
+    return sql;
+}
+
+} // namespace
+
+std::string dropFunctions() {
+    // With their triggers. Whatever others made under names of another form stays.
+    return R"(DO $orvo$ DECLARE
+  name pg_catalog.regprocedure;
+BEGIN
+  FOR name IN SELECT p.oid FROM pg_catalog.pg_proc p
+      WHERE p.pronamespace OPERATOR(pg_catalog.=) 'public'::pg_catalog.regnamespace
+        AND (p.proname OPERATOR(pg_catalog.~) '^Nci[A-Z]'
+          OR p.proname OPERATOR(pg_catalog.~) '^[A-Z][A-Za-z]*[.]log$') LOOP
+    EXECUTE pg_catalog.format('DROP FUNCTION %s CASCADE', name);
+  END LOOP;
+END $orvo$;
+)";
+}
+
+std::string functionsAndRights(const Dictionary& dictionary) {
+    std::string sql = logFunctions();
+    const std::string owned = std::string(" WHERE pg_catalog.lower(\"MenuResourceKey\")") + equals +
+                              "pg_catalog.lower(OLD.\"KeyLink\");\n";
+    for (const TableDef& table : dictionary.tables) {
+        // Content goes, and changes its owner's key, with its resource.
+        const bool owner = std::string_view(table.name) == "MenuResource";
+        sql +=
+            logTriggers(table, owner ? "    DELETE FROM public.\"MenuResourceFile\"" + owned : "",
+                        owner ? "    UPDATE public.\"MenuResourceFile\" SET \"MenuResourceKey\" = "
+                                "NEW.\"KeyLink\"" +
+                                    owned
+                              : "");
+    }
+    return sql + logTriggers(dictionary.content) + rights(dictionary);
+}
+
+} // namespace orvo::store::postgres

@@ -1,0 +1,141 @@
+// The triggers of an SQLite store, made from the dictionary.
+#include "platform/store/SqliteSchema.h"
+
+#include "platform/store/Sql.h"
+
+namespace orvo::store::sqlite {
+
+namespace {
+
+std::string named(const char* prefix, const FieldDef& field) {
+    return std::string(prefix) + identifier(field.name);
+}
+
+/// The value as JSON text.
+std::string json(const char* row, const FieldDef& field) {
+    const std::string value = named(row, field);
+    switch (field.type) {
+    case MDX_BOOLEAN:
+        return "CASE WHEN " + value + " IS NULL THEN 'null' WHEN " + value +
+               " THEN 'true' ELSE 'false' END";
+    case MDX_DATE: // json_quote would round
+        return "CASE WHEN " + value + " IS NULL THEN 'null' ELSE printf('%!.17g', " + value +
+               ") END";
+    default:
+        return "json_quote(" + value + ")";
+    }
+}
+
+/// JSON object of all values of a row ("NEW.", "OLD." or "").
+std::string whole(const TableDef& table, const char* row) {
+    std::string sql = "'{";
+    for (const FieldDef& field : table.fields) {
+        if (&field != &table.fields.front())
+            sql += " || ',";
+        sql += std::string("\"") + field.name + "\":' || " + json(row, field);
+    }
+    return sql + " || '}'";
+}
+
+/// JSON object of the values of a row that the update changed.
+std::string changed(const TableDef& table, const char* row) {
+    std::string sql = "'{' || substr(";
+    for (const FieldDef& field : table.fields) {
+        if (&field == &table.fields.front())
+            continue; // a changed key is no update
+        if (&field != &table.fields[1])
+            sql += " ||\n    ";
+        sql += "CASE WHEN " + named("OLD.", field) + " COLLATE BINARY IS NOT " +
+               named("NEW.", field) + " THEN ',\"" + field.name + "\":' || " + json(row, field) +
+               " ELSE '' END";
+    }
+    return sql + ", 2) || '}'";
+}
+
+/// Adds a row to the log. The store puts its login into NciWriter and takes it away before it
+/// commits, so it is empty for whoever writes by hand.
+std::string logEvent(const TableDef& table, const std::string& code, const char* key,
+                     const std::string& after, const std::string& before) {
+    return "  INSERT INTO \"NciEvent\" (\"code\", \"tableName\", \"key\", \"login\", \"time\", "
+           "\"after\", \"before\")\n  VALUES (" +
+           code + ", " + literal(table.name) + ", " + key +
+           ",\n    coalesce((SELECT \"login\" FROM \"NciWriter\"), ''), (julianday('now') - "
+           "2440587.5) * 86400.0,\n    " +
+           after + ",\n    " + before + ");\n";
+}
+
+std::string trigger(const TableDef& table, const char* name, const std::string& when,
+                    const std::string& body) {
+    return "CREATE TRIGGER " + identifier(std::string(table.name) + "." + name) + " " + when +
+           "\nBEGIN\n" + body + "END;\n";
+}
+
+/// The triggers that log a table's changes. `onDelete` and `onNewKey` are statements that run
+/// before a deletion and after a change of key.
+std::string logTriggers(const TableDef& table, const std::string& onDelete = {},
+                        const std::string& onNewKey = {}) {
+    const std::string name = identifier(table.name);
+    const std::string on = " ON " + name;
+    const std::string replaced = "\"tableName\" = " + literal(table.name) + " AND \"key\" = ";
+    const std::string before =
+        "(SELECT \"before\" FROM \"NciReplaced\" WHERE " + replaced + "NEW.\"KeyLink\")";
+    const std::string sameKey = "OLD.\"KeyLink\" COLLATE BINARY = NEW.\"KeyLink\"";
+    const std::string otherKey = "OLD.\"KeyLink\" COLLATE BINARY <> NEW.\"KeyLink\"";
+
+    std::string sql;
+    // INSERT OR REPLACE deletes the old row without a delete trigger. What it replaces is put aside
+    // before, and the insert is then logged as the update that it is.
+    sql += trigger(table, "inserting", "BEFORE INSERT" + on,
+                   "  DELETE FROM \"NciReplaced\" WHERE " + replaced + "NEW.\"KeyLink\";\n" +
+                       "  INSERT INTO \"NciReplaced\" SELECT " + literal(table.name) +
+                       ", \"KeyLink\",\n    " + whole(table, "") + "\n    FROM " + name +
+                       " WHERE \"KeyLink\" = NEW.\"KeyLink\";\n");
+    sql += trigger(table, "inserted", "AFTER INSERT" + on,
+                   logEvent(table, "CASE WHEN " + before + " IS NULL THEN 601 ELSE 602 END",
+                            "NEW.\"KeyLink\"", whole(table, "NEW."),
+                            "coalesce(" + before + ", '{}')") +
+                       "  DELETE FROM \"NciReplaced\" WHERE " + replaced + "NEW.\"KeyLink\";\n");
+    sql += trigger(
+        table, "updated", "AFTER UPDATE" + on + " WHEN " + sameKey,
+        logEvent(table, "602", "NEW.\"KeyLink\"", changed(table, "NEW."), changed(table, "OLD.")));
+    sql += trigger(table, "rekeying",
+                   "BEFORE UPDATE OF \"KeyLink\"" + on + " WHEN " + otherKey +
+                       " AND EXISTS (SELECT 1 FROM " + name +
+                       " WHERE \"KeyLink\" = NEW.\"KeyLink\" AND rowid <> OLD.rowid)",
+                   "  SELECT RAISE(ABORT, 'KeyLink exists');\n");
+    sql += trigger(table, "rekeyed", "AFTER UPDATE OF \"KeyLink\"" + on + " WHEN " + otherKey,
+                   logEvent(table, "603", "OLD.\"KeyLink\"", "'{}'", whole(table, "OLD.")) +
+                       logEvent(table, "601", "NEW.\"KeyLink\"", whole(table, "NEW."), "'{}'") +
+                       onNewKey);
+    sql +=
+        trigger(table, "deleted", "AFTER DELETE" + on,
+                onDelete + logEvent(table, "603", "OLD.\"KeyLink\"", "'{}'", whole(table, "OLD.")) +
+                    "  DELETE FROM \"NciReplaced\" WHERE " + replaced + "OLD.\"KeyLink\";\n");
+    return sql;
+}
+
+} // namespace
+
+std::string triggers(const Dictionary& dictionary) {
+    std::string sql = R"(
+CREATE TRIGGER "NciEvent.deleted" AFTER DELETE ON "NciEvent"
+BEGIN
+  UPDATE "NciPruned" SET "id" = OLD."id" WHERE "id" < OLD."id";
+END;
+)";
+    for (const TableDef& table : dictionary.tables) {
+        // Content goes, and changes its owner's key, with its resource.
+        const bool owner = std::string_view(table.name) == "MenuResource";
+        sql += logTriggers(
+            table,
+            owner ? "  DELETE FROM \"MenuResourceFile\" WHERE \"MenuResourceKey\" = "
+                    "OLD.\"KeyLink\";\n"
+                  : "",
+            owner ? "  UPDATE \"MenuResourceFile\" SET \"MenuResourceKey\" = NEW.\"KeyLink\" WHERE "
+                    "\"MenuResourceKey\" = OLD.\"KeyLink\";\n"
+                  : "");
+    }
+    return sql + logTriggers(dictionary.content);
+}
+
+} // namespace orvo::store::sqlite

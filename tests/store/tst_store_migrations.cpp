@@ -1,0 +1,225 @@
+// Stores of earlier versions, brought up to date: in the end they are as new ones.
+#include "StoreTest.h"
+
+#include "platform/store/Maintenance.h"
+#include "platform/store/PostgresSchema.h"
+#include "platform/store/SqliteSchema.h"
+
+#include <QCryptographicHash>
+#include <QRegularExpression>
+#include <QTemporaryFile>
+
+using namespace orvo::store;
+using namespace orvo::store::test;
+
+namespace {
+
+constexpr int oldVersions[] = {1, 2};
+
+} // namespace
+
+class TestMigrations : public StoreTest {
+    Q_OBJECT
+public:
+    explicit TestMigrations(StoreKind& kind) : StoreTest(kind) {}
+
+private slots:
+    void oldStoreBecomesLikeANewOne_data();
+    void oldStoreBecomesLikeANewOne();
+    void oldStoreKeepsWhatItHolds_data();
+    void oldStoreKeepsWhatItHolds();
+    void addedFieldIsLogged_data();
+    void addedFieldIsLogged();
+    void triggersAreMadeAnewByAStepWithoutAStatement();
+    void triggersChangeOnlyWithAStep();
+    void storeHasAnIdentityOfItsOwn();
+    void restoreIsANewLife();
+
+private:
+    bool isSqlite() const { return m_kind.name() == "sqlite"; }
+    size_t newest() const {
+        return (isSqlite() ? sqlite::migrations() : postgres::migrations()).size();
+    }
+    /// Runs the released steps and this one, with that dictionary.
+    Status migrateFurther(const std::string& step, const Dictionary& dictionary) const;
+    std::string identity() const;
+};
+
+Status TestMigrations::migrateFurther(const std::string& step, const Dictionary& fields) const {
+    if (isSqlite()) {
+        sqlite::Connection connection;
+        connection.open(m_kind.url().substr(strlen("sqlite://")).c_str(), SQLITE_OPEN_READWRITE);
+        MigrationSteps steps = sqlite::migrations();
+        steps.push_back(step);
+        return sqlite::migrate(connection, steps, fields);
+    }
+    postgres::Url url;
+    postgres::Connection connection;
+    Status status = url.parse(m_kind.url());
+    if (status.ok())
+        status = connection.open(url);
+    MigrationSteps steps = postgres::migrations();
+    steps.push_back(step);
+    return status.ok() ? postgres::migrate(connection, steps, fields, false) : status;
+}
+
+std::string TestMigrations::identity() const {
+    std::string identity;
+    const Status status = another("reader")->identity(&identity);
+    return status.ok() ? identity : status.text;
+}
+
+void TestMigrations::oldStoreBecomesLikeANewOne_data() {
+    QTest::addColumn<int>("version");
+    for (const int version : oldVersions)
+        QTest::newRow(qPrintable(QString::number(version))) << version;
+}
+
+void TestMigrations::oldStoreBecomesLikeANewOne() {
+    QFETCH(int, version);
+    const QList<QByteArray> fresh = m_kind.structure().split('\n');
+    QVERIFY(fresh.size() > 100);
+    m_store.reset();
+    QVERIFY(m_kind.renewAsOf(version));
+    QVERIFY(m_kind.structure().split('\n') != fresh);
+    QVERIFY(another("first"));
+    const QList<QByteArray> now = m_kind.structure().split('\n');
+    for (int i = 0; i < std::min(now.size(), fresh.size()); ++i)
+        QCOMPARE(now[i], fresh[i]);
+    QCOMPARE(now.size(), fresh.size());
+}
+
+void TestMigrations::oldStoreKeepsWhatItHolds_data() {
+    oldStoreBecomesLikeANewOne_data();
+}
+
+void TestMigrations::oldStoreKeepsWhatItHolds() {
+    QFETCH(int, version);
+    m_store.reset();
+    QVERIFY(m_kind.renewAsOf(version));
+    m_store = another("tester");
+    QVERIFY(m_store);
+    QCOMPARE(dump(*m_store, "Menu"),
+             QString("m1|-|mf2|Щит ГЩУ|1000|-|false|true|r1|a=1\nm2|m1|mf2|План|2000|a.png|true|-|"
+                     "R2|-"));
+    std::vector<StoredFile> found;
+    ORVO_OK(m_store->formGet("щИТ_", true, &found));
+    QCOMPARE(found.size(), size_t(1));
+    QCOMPARE(found.front().bytes, std::string("Форма"));
+    std::vector<std::string> damages;
+    ORVO_OK(m_store->integrity(&damages));
+    QCOMPARE(damages, std::vector<std::string>());
+    // The log goes on where it was: of the update itself it does not tell.
+    QCOMPARE(position(), int64_t(15));
+    QVERIFY(orvo::store::test::log(*m_store).startsWith("601 Users u1 "));
+    ORVO_OK(Batch("MenuFileExt").insert("k", {{"fileExt", "a"}}).send(*m_store));
+    ORVO_OK(Batch("MenuResource").remove("r1").send(*m_store));
+    QVERIFY(orvo::store::test::log(*m_store, 15)
+                .startsWith("601 MenuFileExt k tester {\"KeyLink\":\"k\",\"fileExt\":\"a\"} {}\n"
+                            "603 MenuResourceFile c1 tester {} {\"KeyLink\":\"c1\""));
+}
+
+void TestMigrations::addedFieldIsLogged_data() {
+    QTest::addColumn<int>("version");
+    QTest::newRow("new") << 0;
+    for (const int version : oldVersions)
+        QTest::newRow(qPrintable(QString::number(version))) << version;
+}
+
+void TestMigrations::addedFieldIsLogged() {
+    QFETCH(int, version);
+    m_store.reset();
+    if (version > 0)
+        QVERIFY(m_kind.renewAsOf(version));
+    Dictionary extended = dictionary();
+    const auto table = std::find_if(extended.tables.begin(), extended.tables.end(),
+                                    [](const TableDef& t) { return t.find("fileExt") >= 0; });
+    table->fields.push_back({"hint", MDX_TEXT});
+    ORVO_OK(migrateFurther(isSqlite() ? "ALTER TABLE \"MenuFileExt\" ADD COLUMN \"hint\" TEXT"
+                                      : "ALTER TABLE public.\"MenuFileExt\" ADD COLUMN \"hint\" "
+                                        "text COLLATE \"C\"",
+                           extended));
+    QVERIFY(m_kind.byHand("DELETE FROM \"NciEvent\";"
+                          "INSERT INTO \"MenuFileExt\" VALUES ('k', 'a', 'of step');"
+                          "UPDATE \"MenuFileExt\" SET \"hint\" = 'b' WHERE \"KeyLink\" = 'k';"));
+    QByteArray text;
+    QVERIFY(m_kind.byHand("SELECT \"code\", \"after\", \"before\" FROM \"NciEvent\" ORDER BY "
+                          "\"id\";",
+                          &text));
+    QCOMPARE(text.trimmed(), QByteArray(R"(601|{"KeyLink":"k","fileExt":"a","hint":"of step"}|{})"
+                                        "\n"
+                                        R"(602|{"hint":"b"}|{"hint":"of step"})"));
+    // This program does not know that version.
+    Status status;
+    QVERIFY(!open(m_kind.url(), {}, &status));
+    QCOMPARE(status.code, int(NewerStore));
+}
+
+void TestMigrations::triggersAreMadeAnewByAStepWithoutAStatement() {
+    m_store.reset();
+    const QByteArray fresh = m_kind.structure();
+    QVERIFY(m_kind.byHand(isSqlite() ? "DROP TRIGGER \"Menu.inserted\";"
+                                     : "DROP FUNCTION \"Menu.log\" CASCADE;"));
+    QVERIFY(m_kind.structure() != fresh);
+    ORVO_OK(migrateFurther("-- The triggers changed.\n", dictionary()));
+    const QByteArray version = QByteArray::number(int(newest()));
+    QVERIFY(m_kind.byHand(isSqlite() ? "PRAGMA user_version = " + version
+                                     : "UPDATE \"NciStore\" SET \"version\" = " + version + ";"));
+    QCOMPARE(m_kind.structure(), fresh);
+}
+
+/// Stores of the newest version keep the triggers that they have: new ones come with a step.
+void TestMigrations::triggersChangeOnlyWithAStep() {
+    const std::string text =
+        isSqlite() ? sqlite::triggers(dictionary()) : postgres::functionsAndRights(dictionary());
+    const QByteArray now =
+        m_kind.name() + ' ' + QByteArray::number(int(newest())) + ' ' +
+        QCryptographicHash::hash(QByteArray::fromStdString(text), QCryptographicHash::Sha256)
+            .toHex();
+    QFile file(qEnvironmentVariable("ORVO_SOURCE_DIR") + "/tests/store/data/triggers.txt");
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QVERIFY2(file.readAll().split('\n').contains(now),
+             "The triggers are not those of this version: add a step to platform/store/migrations, "
+             "if only an empty one, and to tests/store/data/triggers.txt: " +
+                 now);
+}
+
+void TestMigrations::storeHasAnIdentityOfItsOwn() {
+    const std::string first = identity();
+    QVERIFY2(QRegularExpression("^[0-9a-f]{8}(-[0-9a-f]{4}){3}-[0-9a-f]{12}$")
+                 .match(QString::fromStdString(first))
+                 .hasMatch(),
+             first.c_str());
+    ORVO_OK(Batch("MenuFileExt").insert("k").send(*m_store));
+    QCOMPARE(identity(), first);
+    m_store.reset();
+    QVERIFY(m_kind.renew());
+    QVERIFY(identity() != first);
+    for (const int version : oldVersions) {
+        QVERIFY(m_kind.renewAsOf(version));
+        const std::string old = identity();
+        QCOMPARE(old.size(), first.size());
+        QVERIFY(m_kind.renewAsOf(version));
+        QVERIFY(identity() != old);
+    }
+}
+
+void TestMigrations::restoreIsANewLife() {
+    const std::string first = identity();
+    QTemporaryFile file;
+    QVERIFY(file.open());
+    Status status;
+    const auto store = openMaintained(m_kind.url(), {"tester", false}, &status);
+    QVERIFY2(store, status.text.c_str());
+    ORVO_OK(store->backup(file.fileName().toStdString(), {}));
+    QCOMPARE(identity(), first);
+    ORVO_OK(store->restore(file.fileName().toStdString(), {}));
+    QVERIFY(identity() != first);
+    QCOMPARE(identity().size(), first.size());
+}
+
+int main(int argc, char** argv) {
+    return runOnAllKinds<TestMigrations>(argc, argv);
+}
+
+#include "tst_store_migrations.moc"
