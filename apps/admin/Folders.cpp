@@ -8,7 +8,7 @@ namespace {
 
 /// A folder made under one of the fixed top rows of the tree is saved with that row's key.
 bool isTopRow(const std::string& parent) {
-    return parent.empty() || sameText(parent, "FileResources") || sameText(parent, "MenuResources");
+    return parent.empty() || sameText(parent, rowkey::files) || sameText(parent, rowkey::resources);
 }
 
 std::string place(int kind, const std::string& parent, const std::string& caption) {
@@ -21,11 +21,11 @@ std::string place(int kind, const std::string& parent, const std::string& captio
 const char* topCaption(int kind) {
     switch (kind) {
     case Module:
-        return "модули";
+        return topfolder::modules;
     case Function:
-        return "функции";
+        return topfolder::functions;
     case Form:
-        return "формы отображения";
+        return topfolder::forms;
     default:
         return nullptr;
     }
@@ -56,10 +56,11 @@ std::vector<std::string> splitPath(const std::string& path) {
 }
 
 Folders::Folders(store::Store& store) {
-    const Table table(store, "MenuResourceFolder");
+    const Table table(store, table::MenuResourceFolder);
     for (int i = 0; i < table.count(); ++i) {
         const Row row = table.at(i);
-        add(row.key(), {row.integer("type_"), row.text("ParentKey"), row.text("caption")});
+        add(row.key(),
+            {row.integer(field::type_), row.text(field::ParentKey), row.text(field::caption)});
     }
 }
 
@@ -97,7 +98,7 @@ std::string Folders::need(int kind, const std::string& path) const {
 }
 
 void Folders::make(store::Store& store, int kind, const std::string& path) {
-    Batch batch("MenuResourceFolder");
+    Batch batch(table::MenuResourceFolder);
     std::string parent;
     std::vector<std::string> captions = splitPath(path);
     const char* top = topCaption(kind);
@@ -107,8 +108,8 @@ void Folders::make(store::Store& store, int kind, const std::string& path) {
         std::string key = child(kind, parent, captions[level]).value_or(std::string());
         if (key.empty()) {
             key = top && level == 0 ? topKey(kind) : newKey();
-            batch.insert(key).text("ParentKey", parent).integer("type_", kind);
-            batch.text("caption", captions[level]);
+            batch.insert(key).text(field::ParentKey, parent).integer(field::type_, kind);
+            batch.text(field::caption, captions[level]);
             add(key, {kind, parent, captions[level]});
         }
         parent = key;

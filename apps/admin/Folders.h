@@ -4,6 +4,7 @@
 #define ORVO_ADMIN_FOLDERS_H
 
 #include "apps/admin/Records.h"
+#include "frame/Vocabulary.h"
 
 #include <map>
 #include <optional>
@@ -12,15 +13,14 @@
 
 namespace orvo::admin {
 
-/// Kinds of resources: `type_` of resources and folders.
-enum Kind : int { Module = 1, Function = 2, Form = 3, File = 4 };
+inline constexpr int Module = Kind::Module, Function = Kind::Function, Form = Kind::Form,
+                     File = Kind::File;
 
 /// Caption that the editors expect of the top folder of the kinds 1 to 3; null for the others.
 const char* topCaption(int kind);
 /// Its key in stores that this command makes: the same in every store.
 std::string topKey(int kind);
-/// The folder of the file area whose files the editors offer as icons.
-inline constexpr const char* iconFolder = "icons";
+/// The key of the folder of icons in stores that this command makes.
 std::string iconFolderKey();
 
 /// The captions of a path; empty for the empty path. Throws Failure for one that no folder can

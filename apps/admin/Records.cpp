@@ -102,7 +102,7 @@ Batch& Batch::begin(std::string_view key, uint32_t flag) {
     open_ = MDARecNew(records_->array);
     if (!open_ || MDRSetFlags(open_, flag) != MDX_OK)
         throw Failure(std::string("не хватает памяти для таблицы ") + definition_->name);
-    return text("KeyLink", key);
+    return text(field::KeyLink, key);
 }
 
 void Batch::set(const char* field, const MDRVar& value) {

@@ -3,6 +3,7 @@
 #define ORVO_ADMIN_RECORDS_H
 
 #include "frame/OrvoMdx.h"
+#include "frame/Vocabulary.h"
 #include "platform/store/Store.h"
 
 #include <functional>
@@ -27,7 +28,7 @@ public:
     int integer(const char* field) const;
     bool isNull(const char* field) const;
     /// Field 0 of every table.
-    std::string key() const { return text("KeyLink"); }
+    std::string key() const { return text(field::KeyLink); }
 
 private:
     friend class Table;

@@ -16,14 +16,14 @@ void checkContents(store::Store& store, const Catalogue& catalogue, Findings& fi
     const Table& table = catalogue.resources;
     for (int i = 0; i < table.count(); ++i) {
         const Row resource = table.at(i);
-        if (resource.integer("type_") != File || resource.text("name_").empty())
+        if (resource.integer(field::type_) != File || resource.text(field::name_).empty())
             continue;
-        const std::string name = resource.text("name_");
+        const std::string name = resource.text(field::name_);
         if (!store::isPlainFileName(name)) {
             findings.warning(table, resource, "имя не годится для файла, на диск не переносится");
             continue;
         }
-        const auto path = folders.pathOf(resource.text("MenuResourceFolderKey"));
+        const auto path = folders.pathOf(resource.text(field::MenuResourceFolderKey));
         if (path && !stored.count(folded(*path) + '\n' + folded(name)))
             findings.warning(table, resource, "содержимого файла в хранилище нет:", name);
     }

@@ -5,7 +5,7 @@
 namespace orvo::admin {
 
 std::string shownName(const Row& row) {
-    for (const char* field : {"caption", "name_", "login_", "fileExt"})
+    for (const char* field : {field::caption, field::name_, field::login_, field::fileExt})
         if (const std::string text = row.text(field); !text.empty())
             return cell(text);
     return {};

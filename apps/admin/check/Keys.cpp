@@ -7,10 +7,10 @@ void checkFixedKeys(const Catalogue& catalogue, Findings& findings) {
         const Table& table;
         std::vector<const char*> keys;
     } trees[] = {
-        {catalogue.desktops, {"mainnode"}},
-        {catalogue.elements, {"MenuRootNode"}},
-        {catalogue.folders, {"MenuResources", "FileResources", "WrongFolder"}},
-        {catalogue.resources, {"MenuResources", "FileResources", "WrongFolder"}},
+        {catalogue.desktops, {rowkey::desktops}},
+        {catalogue.elements, {rowkey::elements}},
+        {catalogue.folders, {rowkey::resources, rowkey::files, rowkey::orphans}},
+        {catalogue.resources, {rowkey::resources, rowkey::files, rowkey::orphans}},
     };
     for (const auto& tree : trees)
         for (const char* key : tree.keys)

@@ -9,12 +9,12 @@ namespace orvo::admin {
 /// The tables, fetched once and read by several rules.
 struct Catalogue {
     explicit Catalogue(store::Store& store)
-        : users(store, "Users")
-        , extensions(store, "MenuFileExt")
-        , folders(store, "MenuResourceFolder")
-        , resources(store, "MenuResource")
-        , desktops(store, "MenuFolder")
-        , elements(store, "Menu") {}
+        : users(store, table::Users)
+        , extensions(store, table::MenuFileExt)
+        , folders(store, table::MenuResourceFolder)
+        , resources(store, table::MenuResource)
+        , desktops(store, table::MenuFolder)
+        , elements(store, table::Menu) {}
 
     Table users, extensions, folders, resources, desktops, elements;
 };

@@ -44,32 +44,35 @@ void DemoBuilder::sendAll() {
 }
 
 void DemoBuilder::addUsers() {
-    const Table present(store_, "Users");
+    const Table present(store_, table::Users);
     uint64_t number = 0;
     for (const Outline& user : demoOutline("people.txt")) {
         ++number;
         const std::string& login = user.column(0);
         if (const Row row = present.find(
-                [&](const Row& other) { return sameText(other.text("login_"), login); })) {
+                [&](const Row& other) { return sameText(other.text(field::login_), login); })) {
             userKeys_[login] = row.key();
             continue;
         }
         const std::string key = userKeys_[login] = demoKey(DemoKey::User, number);
-        users_.insert(key).text("login_", login).flag("program", user.column(4) == "program");
-        textUnlessEmpty(users_, "lastName", user.column(1));
-        textUnlessEmpty(users_, "firstName", user.column(2));
-        textUnlessEmpty(users_, "midlName", user.column(3));
+        users_.insert(key)
+            .text(field::login_, login)
+            .flag(field::program, user.column(4) == "program");
+        textUnlessEmpty(users_, field::lastName, user.column(1));
+        textUnlessEmpty(users_, field::firstName, user.column(2));
+        textUnlessEmpty(users_, field::midlName, user.column(3));
     }
 }
 
 void DemoBuilder::addExtensions() {
-    const Table present(store_, "MenuFileExt");
+    const Table present(store_, table::MenuFileExt);
     uint64_t number = 0;
     for (const Outline& line : demoOutline("extensions.txt")) {
         ++number;
         const std::string& extension = line.column(0);
-        if (!present.find([&](const Row& row) { return sameText(row.text("fileExt"), extension); }))
-            extensions_.insert(demoKey(DemoKey::Extension, number)).text("fileExt", extension);
+        if (!present.find(
+                [&](const Row& row) { return sameText(row.text(field::fileExt), extension); }))
+            extensions_.insert(demoKey(DemoKey::Extension, number)).text(field::fileExt, extension);
     }
 }
 
@@ -87,7 +90,10 @@ void DemoBuilder::addCatalogue() {
 std::string DemoBuilder::addFolder(int kind, const std::string& parent,
                                    const std::string& caption) {
     const std::string key = demoKey(DemoKey::ResourceFolder, ++numbers_.resourceFolder);
-    folders_.insert(key).text("ParentKey", parent).integer("type_", kind).text("caption", caption);
+    folders_.insert(key)
+        .text(field::ParentKey, parent)
+        .integer(field::type_, kind)
+        .text(field::caption, caption);
     return key;
 }
 
@@ -109,13 +115,14 @@ void DemoBuilder::addResource(const Outline& node, int kind, const std::string& 
                               const std::string& path) {
     const std::string& name = node.column(0);
     const std::string key = demoKey(DemoKey::Resource, ++numbers_.resource);
-    resources_.insert(key).text("MenuResourceFolderKey", folder).text("name_", name);
-    resources_.integer("type_", kind).text("caption", node.column(1));
-    textUnlessEmpty(resources_, "ico", node.column(2));
-    textUnlessEmpty(resources_, "params", node.column(3));
+    resources_.insert(key).text(field::MenuResourceFolderKey, folder).text(field::name_, name);
+    resources_.integer(field::type_, kind).text(field::caption, node.column(1));
+    textUnlessEmpty(resources_, field::ico, node.column(2));
+    textUnlessEmpty(resources_, field::params, node.column(3));
     if (!node.column(5).empty()) {
-        resources_.text("UsersKey", userKeys_.at(node.column(5)));
-        resources_.date("dateTimeEdit", demoTime + 977.0 * static_cast<double>(numbers_.resource));
+        resources_.text(field::UsersKey, userKeys_.at(node.column(5)));
+        resources_.date(field::dateTimeEdit,
+                        demoTime + 977.0 * static_cast<double>(numbers_.resource));
     }
     if (kind != File)
         byName_[name] = {key, node.column(2), node.column(4), kind};
@@ -176,8 +183,9 @@ void DemoBuilder::addDesktops(const std::vector<Outline>& nodes, const std::stri
     for (const Outline& node : nodes) {
         const bool isFolder = node.mark == Outline::Folder;
         const std::string key = demoKey(DemoKey::Desktop, ++numbers_.desktop);
-        desktops_.insert(key).text("caption", node.column(0)).flag("isFolder", isFolder);
-        desktops_.text("ParentKey", parent).text("order_", isFolder ? "1000" : "2000");
+        desktops_.insert(key).text(field::caption, node.column(0)).flag(field::isFolder, isFolder);
+        desktops_.text(field::ParentKey, parent)
+            .text(field::order_, isFolder ? sortclass::folder : sortclass::desktop);
         if (isFolder)
             addDesktops(node.children, key);
         else
@@ -194,23 +202,23 @@ void DemoBuilder::addMenu(const Outline& desktop, const std::vector<Outline>& no
     int order = 0;
     for (const Outline& node : nodes) {
         const std::string key = demoKey(DemoKey::Element, ++numbers_.element);
-        elements_.insert(key).text("parent", parent).text("FolderKey", desktopKey);
-        elements_.text("caption", filled(0, node)).integer("order_", order);
+        elements_.insert(key).text(field::parent, parent).text(field::FolderKey, desktopKey);
+        elements_.text(field::caption, filled(0, node)).integer(field::order_, order);
         order += 1000;
         const std::string& marks = node.column(4);
-        elements_.flag("separator", marks.find("sep") != marks.npos);
-        elements_.flag("oneCopy", marks.find("one") != marks.npos);
+        elements_.flag(field::separator, marks.find("sep") != marks.npos);
+        elements_.flag(field::oneCopy, marks.find("one") != marks.npos);
         std::string icon = node.column(2);
         if (const std::string name = filled(1, node); !name.empty()) {
             const auto resource = byName_.find(name);
             if (resource == byName_.end())
                 throw Failure("меню называет ресурс «" + name + "», которого нет");
-            elements_.text("MenuResourceKey", resource->second.key);
+            elements_.text(field::MenuResourceKey, resource->second.key);
             if (icon.empty())
                 icon = resource->second.icon;
         }
-        textUnlessEmpty(elements_, "ico", icon);
-        textUnlessEmpty(elements_, "params", filled(3, node));
+        textUnlessEmpty(elements_, field::ico, icon);
+        textUnlessEmpty(elements_, field::params, filled(3, node));
         addMenu(desktop, node.children, desktopKey, key);
     }
 }

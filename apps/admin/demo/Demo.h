@@ -57,8 +57,9 @@ private:
 
     store::Store& store_;
     DemoNumbers numbers_;
-    Batch users_{"Users"}, extensions_{"MenuFileExt"}, folders_{"MenuResourceFolder"},
-        resources_{"MenuResource"}, desktops_{"MenuFolder"}, elements_{"Menu"};
+    Batch users_{table::Users}, extensions_{table::MenuFileExt},
+        folders_{table::MenuResourceFolder}, resources_{table::MenuResource},
+        desktops_{table::MenuFolder}, elements_{table::Menu};
     std::map<std::string, std::string> userKeys_;       ///< by login
     std::map<std::string, Resource> byName_;            ///< resources that menus may start
     std::map<std::string, std::vector<Outline>> menus_; ///< by sample name

@@ -124,13 +124,13 @@ private:
         const int64_t parts =
             divideUp(growth.count, kind == File ? filesInFolder : resourcesInFolder);
         const std::vector<std::string> keys = growFolders(kind, parts);
-        Batch batch("MenuResource");
+        Batch batch(table::MenuResource);
         for (int64_t item = 0; item < growth.count; ++item) {
             const int64_t part = partOf(item, growth.count, parts);
-            batch.insert(resourceKey(kind, item)).text("name_", nameOf(kind, item));
-            batch.text("MenuResourceFolderKey", keys[static_cast<size_t>(part)]);
-            batch.integer("type_", kind).text("caption", captionOf(kind, item));
-            batch.text("ico", subject(kind, item).column(1));
+            batch.insert(resourceKey(kind, item)).text(field::name_, nameOf(kind, item));
+            batch.text(field::MenuResourceFolderKey, keys[static_cast<size_t>(part)]);
+            batch.integer(field::type_, kind).text(field::caption, captionOf(kind, item));
+            batch.text(field::ico, subject(kind, item).column(1));
             sendIfFull(batch);
         }
         send(batch);
@@ -141,13 +141,13 @@ private:
     /// The new folders of a kind, in groups; their keys by number.
     std::vector<std::string> growFolders(int kind, int64_t parts) {
         const std::string top = folders_.need(kind, {});
-        Batch batch("MenuResourceFolder");
+        Batch batch(table::MenuResourceFolder);
         std::vector<std::string> keys;
         std::string group;
         const auto add = [&](const std::string& parent, const std::string& caption) {
             const std::string key = demoKey(DemoKey::ResourceFolder, ++numbers_.resourceFolder);
-            batch.insert(key).text("ParentKey", parent).integer("type_", kind);
-            batch.text("caption", caption);
+            batch.insert(key).text(field::ParentKey, parent).integer(field::type_, kind);
+            batch.text(field::caption, caption);
             return key;
         };
         for (int64_t part = 0; part < parts; ++part) {
@@ -184,13 +184,14 @@ private:
         if (elementCount_ == 0)
             return;
         const int64_t desktops = divideUp(elementCount_, elementsOnDesktop);
-        Batch rows("MenuFolder");
+        Batch rows(table::MenuFolder);
         std::vector<std::string> keys;
         std::string group;
         const auto add = [&](const std::string& parent, const std::string& caption, bool isFolder) {
             const std::string key = demoKey(DemoKey::Desktop, ++numbers_.desktop);
-            rows.insert(key).text("ParentKey", parent).text("caption", caption);
-            rows.text("order_", isFolder ? "1000" : "2000").flag("isFolder", isFolder);
+            rows.insert(key).text(field::ParentKey, parent).text(field::caption, caption);
+            rows.text(field::order_, isFolder ? sortclass::folder : sortclass::desktop)
+                .flag(field::isFolder, isFolder);
             return key;
         };
         std::string region;
@@ -205,7 +206,7 @@ private:
         }
         send(rows);
 
-        Batch batch("Menu");
+        Batch batch(table::Menu);
         for (int64_t desktop = 0; desktop < desktops; ++desktop) {
             const int64_t begin = partBegin(desktop, elementCount_, desktops);
             const int64_t end = partBegin(desktop + 1, elementCount_, desktops);
@@ -221,17 +222,17 @@ private:
             const int64_t block = (item - begin) / (elementsInMenuFolder + 1);
             const std::string key =
                 demoKey(DemoKey::Element, numbers_.element + static_cast<uint64_t>(item) + 1);
-            batch.insert(key).text("FolderKey", desktop).flag("oneCopy", item % 9 == 0);
-            batch.flag("separator", item % 8 == 5);
+            batch.insert(key).text(field::FolderKey, desktop).flag(field::oneCopy, item % 9 == 0);
+            batch.flag(field::separator, item % 8 == 5);
             // A folder, and what stands in it; a folder that would stay empty is an element.
             if (place == 0 && item + 1 < end) {
                 folder = key;
-                batch.integer("order_", static_cast<int>(block) * 1000);
-                batch.text("caption", nodeCaption(item)).text("ico", "map.png");
+                batch.integer(field::order_, static_cast<int>(block) * 1000);
+                batch.text(field::caption, nodeCaption(item)).text(field::ico, "map.png");
             } else {
                 const bool top = place == 0;
-                batch.text("parent", top ? std::string() : folder);
-                batch.integer("order_", static_cast<int>(top ? block : place - 1) * 1000);
+                batch.text(field::parent, top ? std::string() : folder);
+                batch.integer(field::order_, static_cast<int>(top ? block : place - 1) * 1000);
                 setTarget(batch, item);
             }
             sendIfFull(batch);
@@ -253,9 +254,9 @@ private:
         // With no new resources to start, the first module of the demonstration.
         const std::string key =
             startable > 0 ? resourceKey(kind, target) : demoKey(DemoKey::Resource, 1);
-        batch.text("caption", captionOf(kind, target)).text("MenuResourceKey", key);
-        batch.text("ico", subject(kind, target).column(1));
-        batch.text("params", "Узел=" + std::to_string(target % 1000));
+        batch.text(field::caption, captionOf(kind, target)).text(field::MenuResourceKey, key);
+        batch.text(field::ico, subject(kind, target).column(1));
+        batch.text(field::params, "Узел=" + std::to_string(target % 1000));
     }
 
     store::Store& store_;

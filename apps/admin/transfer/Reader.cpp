@@ -1,5 +1,6 @@
 #include "apps/admin/transfer/Format.h"
 
+#include "frame/Vocabulary.h"
 #include "platform/store/Names.h"
 
 #include <QByteArray>
@@ -330,7 +331,7 @@ private:
     }
 
     bool openContent() {
-        static const auto sizeField = static_cast<size_t>(store::contentTable().find("size"));
+        static const auto sizeField = static_cast<size_t>(store::contentTable().find(field::size));
         const auto* size = std::get_if<int64_t>(&m_values[sizeField]);
         if (size == nullptr)
             return fail("перед \"data\" нет размера \"size\"");

@@ -15,12 +15,12 @@ int add(const Invocation& call) {
         throw Failure("расширение «" + extension +
                       "» не добавлено: оно пустое или содержит пробел, скобку, косую черту, * ? ;");
     const auto store = call.open();
-    if (Table(*store, "MenuFileExt").find([&](const Row& row) {
-            return sameText(row.text("fileExt"), extension);
+    if (Table(*store, table::MenuFileExt).find([&](const Row& row) {
+            return sameText(row.text(field::fileExt), extension);
         }))
         throw Failure("расширение «" + extension + "» не добавлено: оно уже есть");
-    Batch batch("MenuFileExt");
-    batch.insert(newKey()).text("fileExt", extension);
+    Batch batch(table::MenuFileExt);
+    batch.insert(newKey()).text(field::fileExt, extension);
     batch.send(*store, "расширение не добавлено");
     out("расширение добавлено: " + extension);
     return Done;
@@ -28,9 +28,9 @@ int add(const Invocation& call) {
 
 int list(const Invocation& call) {
     const auto store = call.open();
-    const Table extensions(*store, "MenuFileExt");
+    const Table extensions(*store, table::MenuFileExt);
     for (int i = 0; i < extensions.count(); ++i)
-        out(cell(extensions.at(i).text("fileExt")));
+        out(cell(extensions.at(i).text(field::fileExt)));
     return Done;
 }
 

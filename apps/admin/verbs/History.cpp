@@ -2,6 +2,7 @@
 #include "apps/admin/Moments.h"
 #include "apps/admin/Output.h"
 #include "apps/admin/Verb.h"
+#include "frame/Vocabulary.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -88,11 +89,11 @@ std::string shownValue(const QJsonValue& value, MdxType type) {
 
 const char* wordOf(int code) {
     switch (code) {
-    case 601:
+    case OrvoEventInsert:
         return "добавлено";
-    case 602:
+    case OrvoEventUpdate:
         return "изменено";
-    case 603:
+    case OrvoEventDelete:
         return "удалено";
     default:
         return "?";
@@ -101,7 +102,7 @@ const char* wordOf(int code) {
 
 /// What people call the record, if the change tells.
 std::string nameIn(const QJsonObject& after, const QJsonObject& before) {
-    for (const char* field : {"caption", "name_", "login_", "fileExt"})
+    for (const char* field : {field::caption, field::name_, field::login_, field::fileExt})
         for (const QJsonObject* values : {&after, &before})
             if (const QString name = values->value(QLatin1String(field)).toString();
                 !name.isEmpty())
@@ -126,7 +127,7 @@ void print(const store::Change& change) {
         const QJsonValue now = after.value(name), was = before.value(name);
         const bool nothing = now.isNull() || now.isUndefined();
         std::string line = std::string("    ") + field.name + ": ";
-        if (change.code == 602) {
+        if (change.code == OrvoEventUpdate) {
             if (now == was)
                 continue;
             line += shownValue(was, field.type) + " -> " + shownValue(now, field.type);
@@ -139,7 +140,7 @@ void print(const store::Change& change) {
         any = true;
         out(line);
     }
-    if (!any && change.code == 602)
+    if (!any && change.code == OrvoEventUpdate)
         out(change.table == store::contentTable().name ? "    (содержимое)"
                                                        : "    (без изменений)");
 }

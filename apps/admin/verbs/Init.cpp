@@ -11,12 +11,14 @@ namespace orvo::admin {
 
 void makeBaseFolders(store::Store& store) {
     const Folders folders(store);
-    Batch batch("MenuResourceFolder");
+    Batch batch(table::MenuResourceFolder);
     for (const int kind : {Module, Function, Form})
         if (!folders.find(kind, {}))
-            batch.insert(topKey(kind)).integer("type_", kind).text("caption", topCaption(kind));
+            batch.insert(topKey(kind))
+                .integer(field::type_, kind)
+                .text(field::caption, topCaption(kind));
     if (!folders.find(File, iconFolder))
-        batch.insert(iconFolderKey()).integer("type_", File).text("caption", iconFolder);
+        batch.insert(iconFolderKey()).integer(field::type_, File).text(field::caption, iconFolder);
     batch.send(store, "начальные папки не сделаны");
 }
 
@@ -53,19 +55,20 @@ std::string findWork(store::MaintainedStore& store, bool peopleToo) {
         require(counted, "записи не сосчитаны");
     if (peopleToo && counter.records > 1000)
         return "записей: " + std::to_string(counter.records);
-    std::vector<const char*> names = {"Menu", "MenuFolder", "MenuResource"};
+    std::vector<const char*> names = {table::Menu, table::MenuFolder, table::MenuResource};
     if (peopleToo)
-        names.insert(names.end(), {"Users", "MenuFileExt"});
+        names.insert(names.end(), {table::Users, table::MenuFileExt});
     for (const char* name : names)
         if (const int count = Table(store, name).count())
             return std::string(name) + ", записей: " + std::to_string(count);
-    const Table folders(store, "MenuResourceFolder");
+    const Table folders(store, table::MenuResourceFolder);
     for (int i = 0; i < folders.count(); ++i) {
         const Row row = folders.at(i);
-        const int type = row.integer("type_");
+        const int type = row.integer(field::type_);
         const char* base = type == File ? iconFolder : topCaption(type);
-        if (!row.text("ParentKey").empty() || !base || !sameText(row.text("caption"), base))
-            return "папка «" + row.text("caption") + "»";
+        if (!row.text(field::ParentKey).empty() || !base ||
+            !sameText(row.text(field::caption), base))
+            return "папка «" + row.text(field::caption) + "»";
     }
     return {};
 }

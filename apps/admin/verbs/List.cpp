@@ -46,21 +46,21 @@ int listForms(const Invocation& call) {
     const auto store = call.open();
     const Folders folders(*store);
     folders.need(Form, wanted);
-    const Table resources(*store, "MenuResource");
-    const Table users(*store, "Users");
+    const Table resources(*store, table::MenuResource);
+    const Table users(*store, table::Users);
     std::vector<std::string> lines;
     for (int i = 0; i < resources.count(); ++i) {
         const Row row = resources.at(i);
-        if (row.integer("type_") != Form)
+        if (row.integer(field::type_) != Form)
             continue;
-        const std::string folderKey = row.text("MenuResourceFolderKey");
+        const std::string folderKey = row.text(field::MenuResourceFolderKey);
         const auto path = folderKey.empty() ? std::nullopt : folders.pathOf(folderKey);
         if (path ? !isBelow(*path, wanted) : !wanted.empty())
             continue;
-        const std::string place = path ? join(*path, row.text("name_"))
-                                       : "?/" + row.text("name_"); // no folder of that key
-        lines.push_back(cell(place) + "\t" + cell(row.text("caption")) + "\t" +
-                        cell(users.byKey(row.text("UsersKey")).text("login_")));
+        const std::string place = path ? join(*path, row.text(field::name_))
+                                       : "?/" + row.text(field::name_); // no folder of that key
+        lines.push_back(cell(place) + "\t" + cell(row.text(field::caption)) + "\t" +
+                        cell(users.byKey(row.text(field::UsersKey)).text(field::login_)));
     }
     outSorted(lines);
     return Done;

@@ -11,7 +11,7 @@ namespace {
 
 Row needForm(const Table& resources, const std::string& name) {
     const Row form = resources.find([&](const Row& row) {
-        return row.integer("type_") == Form && sameText(row.text("name_"), name);
+        return row.integer(field::type_) == Form && sameText(row.text(field::name_), name);
     });
     if (!form)
         throw Failure("формы «" + name + "» нет");
@@ -29,38 +29,39 @@ int lock(const Invocation& call) {
     if (login.empty())
         throw Failure("форма не заблокирована: не сказано, кем (--login ВХОД)");
     const auto store = call.open();
-    const Table resources(*store, "MenuResource");
-    const Table users(*store, "Users");
+    const Table resources(*store, table::MenuResource);
+    const Table users(*store, table::Users);
     const Row form = needForm(resources, name);
     const Row user =
-        users.find([&](const Row& row) { return sameText(row.text("login_"), login); });
+        users.find([&](const Row& row) { return sameText(row.text(field::login_), login); });
     if (!user)
         throw Failure("форма не заблокирована: пользователя «" + login + "» нет");
     // A lock of a user who is gone holds nothing.
-    const Row holder = users.byKey(form.text("UsersKey"));
+    const Row holder = users.byKey(form.text(field::UsersKey));
     if (holder && !sameText(holder.key(), user.key()))
-        throw Failure("форма «" + name + "» не заблокирована: её держит «" + holder.text("login_") +
-                      "»");
-    Batch batch("MenuResource");
-    batch.update(form.key()).text("UsersKey", user.key());
-    batch.date("dateTimeEdit", static_cast<double>(QDateTime::currentMSecsSinceEpoch()) / 1000.0);
+        throw Failure("форма «" + name + "» не заблокирована: её держит «" +
+                      holder.text(field::login_) + "»");
+    Batch batch(table::MenuResource);
+    batch.update(form.key()).text(field::UsersKey, user.key());
+    batch.date(field::dateTimeEdit,
+               static_cast<double>(QDateTime::currentMSecsSinceEpoch()) / 1000.0);
     batch.send(*store, "форма не заблокирована");
-    out("форма заблокирована: " + form.text("name_") + ", " + user.text("login_"));
+    out("форма заблокирована: " + form.text(field::name_) + ", " + user.text(field::login_));
     return Done;
 }
 
 int unlock(const Invocation& call) {
     const auto store = call.open();
-    const Table resources(*store, "MenuResource");
+    const Table resources(*store, table::MenuResource);
     const Row form = needForm(resources, call.argument(0));
-    if (form.isNull("UsersKey") && form.isNull("dateTimeEdit")) {
-        out("форма не была заблокирована: " + form.text("name_"));
+    if (form.isNull(field::UsersKey) && form.isNull(field::dateTimeEdit)) {
+        out("форма не была заблокирована: " + form.text(field::name_));
         return Done;
     }
-    Batch batch("MenuResource");
-    batch.update(form.key()).null("UsersKey").null("dateTimeEdit");
+    Batch batch(table::MenuResource);
+    batch.update(form.key()).null(field::UsersKey).null(field::dateTimeEdit);
     batch.send(*store, "блокировка не снята");
-    out("блокировка снята: " + form.text("name_"));
+    out("блокировка снята: " + form.text(field::name_));
     return Done;
 }
 

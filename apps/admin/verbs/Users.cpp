@@ -54,8 +54,8 @@ int add(const Invocation& call) {
     if (call.has("password-stdin"))
         user.password = passwordFromInput("пользователь не добавлен");
     const auto store = call.open();
-    if (Table(*store, "Users").find([&](const Row& row) {
-            return sameText(row.text("login_"), user.login);
+    if (Table(*store, table::Users).find([&](const Row& row) {
+            return sameText(row.text(field::login_), user.login);
         }))
         throw Failure("пользователь не добавлен: «" + user.login + "» уже есть");
     require(store->userAdd(user), "пользователь не добавлен");
@@ -83,15 +83,15 @@ int login(const Invocation& call) {
 
 int list(const Invocation& call) {
     const auto store = call.open();
-    const Table users(*store, "Users");
+    const Table users(*store, table::Users);
     for (int i = 0; i < users.count(); ++i) {
         const Row row = users.at(i);
-        std::string name = row.text("lastName");
-        for (const char* field : {"firstName", "midlName"})
+        std::string name = row.text(field::lastName);
+        for (const char* field : {field::firstName, field::midlName})
             if (const std::string part = row.text(field); !part.empty())
                 name += (name.empty() ? "" : " ") + part;
-        out(cell(row.text("login_")) + "\t" + cell(name) + "\t" +
-            (row.integer("program") ? "программа" : "человек"));
+        out(cell(row.text(field::login_)) + "\t" + cell(name) + "\t" +
+            (row.integer(field::program) ? "программа" : "человек"));
     }
     return Done;
 }
