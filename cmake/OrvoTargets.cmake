@@ -84,6 +84,9 @@ function(orvo_run name target xvfb timeout labels)
     set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT QT_QPA_PLATFORM=offscreen)
   endif()
   set_tests_properties(${name} PROPERTIES TIMEOUT ${timeout} LABELS "${labels}")
+  if(ORVO_COST_${name})
+    set_tests_properties(${name} PROPERTIES COST ${ORVO_COST_${name}})
+  endif()
   # Qt and the X libraries keep caches until exit; leaks of our own are found by the suppressions'
   # narrowness: they name those libraries only.
   set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT
