@@ -1,4 +1,5 @@
 // The named requests: "TableRecords", "TableStructure", "UserProp".
+#include "frame/Vocabulary.h"
 #include "platform/client/Blocks.h"
 #include "platform/client/SessionPrivate.h"
 #include "platform/mdx/MdxBuild.h"
@@ -43,7 +44,7 @@ std::string textOf(const CMDArray& table, MDRData* record, const char* field) {
 /// The name of a user as a heading: family name, given name, patronymic; the login without these.
 std::string userCaption(const CMDArray& users, MDRData* user, const std::string& login) {
     std::string caption;
-    for (const char* field : {"lastName", "firstName", "midlName"}) {
+    for (const char* field : {field::lastName, field::firstName, field::midlName}) {
         const std::string part = textOf(users, user, field);
         if (!part.empty())
             caption += (caption.empty() ? "" : " ") + part;
@@ -54,7 +55,8 @@ std::string userCaption(const CMDArray& users, MDRData* user, const std::string&
 MDXCliParam* userProp(COrvoCliSes::Private& session) {
     CMDArray users;
     const std::string login = session.store->login();
-    const store::Status status = session.store->fetchWhere("Users", "login_", login, users.array);
+    const store::Status status =
+        session.store->fetchWhere(table::Users, field::login_, login, users.array);
     session.report(QStringLiteral("Чтение сведений о пользователе"), status);
     if (!status.ok())
         return makeReply(status);
@@ -62,11 +64,11 @@ MDXCliParam* userProp(COrvoCliSes::Private& session) {
     // A login without a row in Users is allowed to work; its key is then empty.
     MDRData* user = mdx::postedRecord(users.array, 0);
     const std::string login1251 = mdx::toCp1251(login);
-    const std::string key = textOf(users, user, "KeyLink");
+    const std::string key = textOf(users, user, field::KeyLink);
     const std::string caption = userCaption(users, user, login1251);
 
     CMDArray properties;
-    for (const char* field : {"KeyLink", "caption", "login"})
+    for (const char* field : {field::KeyLink, field::caption, "login"})
         mdx::addField(properties.array, field, MDX_TEXT);
     mdx::RecordWriter writer(properties.array);
     writer.begin();
@@ -82,11 +84,11 @@ MDXCliParam* userProp(COrvoCliSes::Private& session) {
 } // namespace
 
 MDXCliParam* answer(COrvoCliSes::Private& session, const Request& request) {
-    if (request.name == "TableRecords")
+    if (request.name == request::TableRecords)
         return tableRecords(session, request.data);
-    if (request.name == "TableStructure")
+    if (request.name == request::TableStructure)
         return tableStructure(session, request.data);
-    if (request.name == "UserProp")
+    if (request.name == request::UserProp)
         return userProp(session);
     const store::Status unknown{store::UnknownName, "Неизвестный запрос."};
     session.report(QStringLiteral("Запрос «%1»").arg(QString::fromStdString(request.name)),

@@ -1,5 +1,6 @@
 #include "platform/store/FolderTree.h"
 
+#include "frame/Vocabulary.h"
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/Names.h"
 
@@ -8,8 +9,6 @@
 namespace orvo::store {
 
 namespace {
-
-const char formsCaption[] = "формы отображения";
 
 /// Folders nested deeper are in no place: paths grow with the depth, and a chain without end in
 /// damaged data must not eat the memory.
@@ -21,7 +20,8 @@ std::string FolderTree::link(std::string_view key) {
     std::string folded = foldedKey(key);
     // The rows at the top of the resource tree have no record, but a folder made under one of them
     // is saved with that row's key as its parent.
-    if (folded == "fileresources" || folded == "menuresources")
+    static const std::string top[] = {foldedKey(rowkey::files), foldedKey(rowkey::resources)};
+    if (folded == top[0] || folded == top[1])
         folded.clear();
     return folded;
 }
@@ -46,7 +46,7 @@ FolderTree::FolderTree(std::vector<FolderRow> folders, Area area) : m_area(area)
     m_roots = std::move(byParent[""]);
     if (area == Area::Forms) {
         std::stable_partition(m_roots.begin(), m_roots.end(), [this](size_t node) {
-            return sameText(m_nodes[node].caption, formsCaption);
+            return sameText(m_nodes[node].caption, topfolder::forms);
         });
     }
 

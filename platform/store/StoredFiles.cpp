@@ -2,6 +2,7 @@
 #include "platform/store/Names.h"
 #include "platform/store/StoreCore.h"
 
+#include "frame/Vocabulary.h"
 #include "platform/mdx/MdxBuild.h"
 
 #include <algorithm>
@@ -17,20 +18,20 @@ constexpr int fileType = 4;
 
 /// The fields of the tables by their numbers in the dictionary.
 struct Fields {
-    const TableDef& folder = *findTable("MenuResourceFolder");
-    const TableDef& resource = *findTable("MenuResource");
+    const TableDef& folder = *findTable(table::MenuResourceFolder);
+    const TableDef& resource = *findTable(table::MenuResource);
     const TableDef& content = contentTable();
-    const int folderParent = folder.find("ParentKey");
-    const int folderType = folder.find("type_");
-    const int folderCaption = folder.find("caption");
-    const int resourceFolder = resource.find("MenuResourceFolderKey");
-    const int resourceName = resource.find("name_");
-    const int resourceType = resource.find("type_");
-    const int resourceCaption = resource.find("caption");
-    const int contentResource = content.find("MenuResourceKey");
-    const int contentName = content.find("name_");
-    const int contentTime = content.find("time");
-    const int contentSize = content.find("size");
+    const int folderParent = folder.find(field::ParentKey);
+    const int folderType = folder.find(field::type_);
+    const int folderCaption = folder.find(field::caption);
+    const int resourceFolder = resource.find(field::MenuResourceFolderKey);
+    const int resourceName = resource.find(field::name_);
+    const int resourceType = resource.find(field::type_);
+    const int resourceCaption = resource.find(field::caption);
+    const int contentResource = content.find(field::MenuResourceKey);
+    const int contentName = content.find(field::name_);
+    const int contentTime = content.find(field::time);
+    const int contentSize = content.find(field::size);
 };
 
 const Fields& fields() {
@@ -143,7 +144,7 @@ Status StoreCore::fileIn(const std::vector<std::string>& folders, std::string_vi
     for (const std::string& folder : folders) {
         // The root has two names: no link, and the key of its row in the resource tree.
         const std::vector<Value> links =
-            folder.empty() ? std::vector<Value>{std::monostate(), std::string("FileResources")}
+            folder.empty() ? std::vector<Value>{std::monostate(), std::string(rowkey::files)}
                            : std::vector<Value>{folder};
         for (const Value& link : links) {
             const Status status = filesIn(link, name, look);
