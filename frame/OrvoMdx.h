@@ -181,7 +181,8 @@ ORVOMDX_EXPORT MDRData* MDARecEdit(MDRData* record);
 /// the keys afterwards, else 0. MDX_E_DUPLICATE: another record has the value of a unique key; the
 /// record is then in no key, and is kept until it is posted with another value or deleted.
 ORVOMDX_EXPORT int MDARecPost(MDRData* record, uint32_t* result);
-/// Removes the record from all keys and from the array at once. The handle ends here.
+/// Removes the record from all keys and from the array at once. The handle ends here: until a new
+/// record takes its place, reads and writes through it are refused with MDX_E_ARG.
 ORVOMDX_EXPORT int MDARecDel(MDRData* record);
 
 // ---------------------------------------------------------------------------------------------
@@ -198,7 +199,8 @@ ORVOMDX_EXPORT int MDAUnpackN(MDArray* array, const void* image, uint32_t length
 /// MDAUnpackN.
 ORVOMDX_EXPORT int MDAUnpack(MDArray* array, const void* image);
 /// Fills the array from the packed block of a server reply (`one` is 1): the same format. The block
-/// must come from a block field of a reply (MDRGetTextPtr), which is what knows its length.
+/// must come from a block field of a reply (MDRGetTextPtr), which is what knows its length;
+/// MDX_E_FORMAT for an image of MDAPack, which does not.
 ORVOMDX_EXPORT int MDXArrayUnPack(MDArray* array, const void* block, int one);
 /// Frees a block that the library allocated. Null is allowed.
 ORVOMDX_EXPORT void MDMemFree(void* block);
@@ -244,13 +246,22 @@ ORVOMDX_EXPORT int MDRRecCheck(const void* raw, uint32_t length);
 ORVOMDX_EXPORT int MDRRecSet(MDRData* record, const void* raw);
 /// Makes the description empty.
 ORVOMDX_EXPORT void MDRTypInit(MDRType* type);
-/// Builds the field description that the raw record carries. `source` is "NCI"; another source, or
-/// an empty record, is MDX_E_ARG. The description is empty on failure.
+/// Builds the field description that the raw record carries, in place of what the description held.
+/// `source` is "NCI"; another source, or an empty record, is MDX_E_ARG. The description, which has
+/// been initialised, is empty on failure.
 ORVOMDX_EXPORT int MDRTypGen(MDRType* type, const char* source, const MDRData* record);
 /// Frees what MDRTypGen allocated and makes the description empty. Safe on an empty one.
 ORVOMDX_EXPORT void MDRTypFree(MDRType* type);
 
 } // extern "C"
+
+// An array is a description only for looking up its fields: these three would take away its own.
+template <class Array>
+void MDRTypInit(Array* array) = delete;
+template <class Array>
+int MDRTypGen(Array* array, const char* source, const MDRData* record) = delete;
+template <class Array>
+void MDRTypFree(Array* array) = delete;
 
 // ---------------------------------------------------------------------------------------------
 

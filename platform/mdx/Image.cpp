@@ -7,6 +7,32 @@
 
 namespace orvo::mdx {
 
+namespace {
+
+constexpr size_t blockHead = 16; ///< zeros; keeps the alignment of the heap
+
+}
+
+void FreeBlock::operator()(uint8_t* block) const noexcept {
+    if (block)
+        std::free(block - blockHead);
+}
+
+Block allocateBlock(size_t size) noexcept {
+    auto* head = static_cast<uint8_t*>(std::malloc(blockHead + size));
+    if (!head)
+        return nullptr;
+    std::memset(head, 0, blockHead);
+    return Block(head + blockHead);
+}
+
+void shrinkBlock(Block& block, size_t size) noexcept {
+    if (void* fitted = std::realloc(block.get() - blockHead, blockHead + size)) {
+        static_cast<void>(block.release());
+        block.reset(static_cast<uint8_t*>(fitted) + blockHead);
+    }
+}
+
 size_t fieldsSize(const Structure* structure) noexcept {
     size_t size = 0;
     if (structure)
@@ -45,11 +71,6 @@ namespace {
 
 constexpr size_t ahead = 8; // records to prefetch
 
-struct FreeBytes {
-    void operator()(uint8_t* bytes) const noexcept { std::free(bytes); }
-};
-using Bytes = std::unique_ptr<uint8_t, FreeBytes>;
-
 // Writes the records to `out`; gives the byte after them.
 uint8_t* writeRecords(Table& table, uint8_t* out) {
     const RecordPool& pool = table.pool();
@@ -75,7 +96,7 @@ uint8_t* writeRecords(Table& table, uint8_t* out) {
     return out;
 }
 
-uint32_t pack(Table& table, bool withRecords, Bytes& image) {
+uint32_t pack(Table& table, bool withRecords, Block& image) {
     const Structure* structure = table.structure();
     size_t room = headSize + fieldsSize(structure);
     for (const Table::Key& key : table.keys())
@@ -84,7 +105,7 @@ uint32_t pack(Table& table, bool withRecords, Bytes& image) {
     // At most; what is not written is given back.
     if (count > 0)
         room += table.pool().memory() + size_t(count) * 4;
-    image.reset(static_cast<uint8_t*>(std::malloc(room)));
+    image = allocateBlock(room);
     if (!image)
         return 0;
     uint8_t* head = image.get();
@@ -106,10 +127,7 @@ uint32_t pack(Table& table, bool withRecords, Bytes& image) {
     head[16] = static_cast<uint8_t>(structure ? structure->count() : 0);
     head[17] = static_cast<uint8_t>(table.keys().size());
     head[18] = head[19] = 0;
-    if (void* fitted = std::realloc(head, length)) {
-        static_cast<void>(image.release());
-        image.reset(static_cast<uint8_t*>(fitted));
-    }
+    shrinkBlock(image, length);
     return static_cast<uint32_t>(length);
 }
 
@@ -186,7 +204,7 @@ uint32_t packReply(const MDArray* array, bool withRecords, void** block) {
         return 0;
     uint32_t length = 0;
     guarded([&] {
-        Bytes image;
+        Block image;
         length = pack(*arrayOf(array)->table, withRecords, image);
         if (length > 0)
             *block = image.release();
@@ -240,7 +258,7 @@ int MDXArrayUnPack(MDArray* array, const void* block, int one) {
 }
 
 void MDMemFree(void* block) {
-    std::free(block);
+    FreeBlock()(static_cast<uint8_t*>(block));
 }
 
 } // extern "C"

@@ -20,6 +20,7 @@
 #include "platform/mdx/Structure.h"
 
 #include <cstddef>
+#include <memory>
 #include <string_view>
 
 namespace orvo::mdx {
@@ -27,6 +28,17 @@ namespace orvo::mdx {
 constexpr std::string_view imageMagic("ORVOMDX\x01", 8);
 constexpr std::string_view rawMagic("ORVOREC\x01", 8);
 constexpr size_t headSize = 20; ///< of both
+
+/// Images and raw records that a caller frees with MDMemFree. A text or block of a record has its
+/// length in the four bytes before it; these have zeros there, so that MDXArrayUnPack, which goes
+/// by that length, refuses them.
+struct FreeBlock {
+    void operator()(uint8_t* block) const noexcept;
+};
+using Block = std::unique_ptr<uint8_t, FreeBlock>;
+Block allocateBlock(size_t size) noexcept; ///< null if memory ran out
+/// Gives back what the block has beyond `size` bytes.
+void shrinkBlock(Block& block, size_t size) noexcept;
 
 /// A cursor over bytes that are not trusted: what does not fit makes it bad, and reads of a bad
 /// cursor give zeros.

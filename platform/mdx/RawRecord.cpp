@@ -3,7 +3,6 @@
 #include "platform/mdx/MdxBuild.h"
 #include "platform/mdx/Table.h"
 
-#include <cstdlib>
 #include <string_view>
 
 namespace orvo::mdx {
@@ -42,9 +41,10 @@ uint32_t rawRecord(const MDRData* data, void** raw) {
     const Structure& structure = *tableOf(record).structure();
     const size_t bodyOffset = headSize + fieldsSize(&structure);
     const size_t length = bodyOffset + canonicalSize(record->body, structure);
-    auto* bytes = static_cast<uint8_t*>(std::malloc(length));
-    if (!bytes)
+    Block block = allocateBlock(length);
+    if (!block)
         return 0;
+    uint8_t* bytes = block.get();
     std::memcpy(bytes, rawMagic.data(), rawMagic.size());
     store(bytes + 8, static_cast<uint32_t>(length));
     store(bytes + 12, static_cast<uint32_t>(bodyOffset));
@@ -53,7 +53,7 @@ uint32_t rawRecord(const MDRData* data, void** raw) {
     bytes[18] = bytes[19] = 0;
     writeFields(&structure, bytes + headSize);
     writeCanonical(record->body, structure, bytes + bodyOffset);
-    *raw = bytes;
+    *raw = block.release();
     return static_cast<uint32_t>(length);
 }
 
@@ -96,7 +96,7 @@ int MDRRecSet(MDRData* record, const void* raw) {
 }
 
 int MDRTypGen(MDRType* type, const char* source, const MDRData* record) {
-    MDRTypInit(type);
+    MDRTypFree(type);
     if (!type || !source || std::string_view(source) != "NCI" || !record || record->owner ||
         !record->body)
         return MDX_E_ARG;

@@ -86,7 +86,11 @@ void RecordPool::destroy(Record* record) noexcept {
         freeOutside(record->bytes());
     const uint32_t number = record->number;
     uint32_t& first = m_free[record->units];
+    // The head stays in its place until another record takes it: reads and writes through the old
+    // handle find no owner and no body there, and refuse.
     record->owner = nullptr;
+    record->body = nullptr;
+    record->bodySize = 0;
     record->number = first; // the chain of free places
     first = number + 1;
 }

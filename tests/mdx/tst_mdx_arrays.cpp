@@ -106,6 +106,45 @@ private slots:
         QCOMPARE(MDARecDel(nullptr), int(MDX_E_ARG));
     }
 
+    void aDeletedRecordIsRefusedByReadersAndWriters_data() {
+        QTest::addColumn<int>("length");
+        QTest::newRow("text beside the head") << 40;
+        QTest::newRow("text in a block of its own") << 40000;
+    }
+    void aDeletedRecordIsRefusedByReadersAndWriters() {
+        QFETCH(int, length);
+        const ArrayPtr a = makeArray(allTypes());
+        addKey(a.get(), "name", MDX_KEY_MULTI);
+        MDRData* record = MDARecNew(a.get());
+        setText(record, 0, std::string(size_t(length), 'x'));
+        set(record, 1, integerValue(5));
+        QCOMPARE(MDARecPost(record, nullptr), 0);
+        QCOMPARE(MDARecDel(record), 0);
+
+        const MDRField name = MDRFldByNum(a.get(), 0);
+        MDRVar value = integerValue(7);
+        int32_t number = 7;
+        const char* text = "untouched";
+        uint32_t size = 7;
+        uint8_t user = 7;
+        QCOMPARE(MDRGetVal(name, record, &value), int(MDX_E_ARG));
+        QCOMPARE(MDRGetAsInt32(MDRFldByNum(a.get(), 1), record, &number), int(MDX_E_ARG));
+        QCOMPARE(MDRGetTextPtr(name, record, &text), int(MDX_E_ARG));
+        QCOMPARE(MDRGetTextRef(name, record, &size, &text), int(MDX_E_ARG));
+        QCOMPARE(MDRIsUser(name, record, &user), int(MDX_E_ARG));
+        QCOMPARE(int32_t(value.value.integer), 7);
+        QCOMPARE(number, 7);
+        QCOMPARE(text, "untouched");
+        QCOMPARE(size, 7u);
+        QCOMPARE(int(user), 7);
+        void* bytes = nullptr;
+        QCOMPARE(orvo::mdx::rawRecord(record, &bytes), 0u);
+        QCOMPARE(setText(record, 0, "y"), int(MDX_E_ARG));
+        QCOMPARE(MDARecPost(record, nullptr), int(MDX_E_ARG));
+        QCOMPARE(MDARecDel(record), int(MDX_E_ARG));
+        QVERIFY(!MDARecEdit(record));
+    }
+
     void recordsStayWhereTheyAre() {
         const ArrayPtr a = makeArray({{"k", MDX_TEXT}});
         addKey(a.get(), "k", MDX_KEY_MULTI);

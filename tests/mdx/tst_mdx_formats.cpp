@@ -5,6 +5,18 @@
 
 using namespace mdxtest;
 
+// An array is a description to look fields up in, and never one to make anew or free.
+template <class Type>
+constexpr bool isFreeable = requires(Type* type) {
+    MDRTypFree(type);
+};
+template <class Type>
+constexpr bool isInitialisable = requires(Type* type) {
+    MDRTypInit(type);
+};
+static_assert(isFreeable<MDRType> && isInitialisable<MDRType>);
+static_assert(!isFreeable<MDArray> && !isInitialisable<MDArray>);
+
 namespace {
 
 QByteArray hex(const Bytes& bytes) {
@@ -167,6 +179,31 @@ private slots:
         QCOMPARE(MDAPack(nullptr, &image), 0u);
         QVERIFY(!image);
         QCOMPARE(MDAPack(a.get(), nullptr), 0u);
+    }
+
+    void onlyTheBlockOfAReplyUnpacksAsOne() {
+        const ArrayPtr a = smallTable();
+        const ArrayPtr b = makeArray({});
+        const Bytes image = packed(a.get()); // the caller's own, with no length before it
+        QCOMPARE(MDXArrayUnPack(b.get(), image.block.get(), 1), int(MDX_E_FORMAT));
+        const Bytes record = raw(orvo::mdx::postedRecord(a.get(), 0));
+        QCOMPARE(MDXArrayUnPack(b.get(), record.block.get(), 1), int(MDX_E_FORMAT));
+        QCOMPARE(int(b->fieldCount), 0);
+    }
+
+    void aDescriptionIsMadeAnewInPlaceOfTheOld() {
+        const ArrayPtr a = smallTable();
+        const Bytes bytes = raw(orvo::mdx::postedRecord(a.get(), 0));
+        MDRData alone;
+        QCOMPARE(MDRRecSet(&alone, bytes.block.get()), 0);
+        MDRType type;
+        MDRTypInit(&type);
+        QCOMPARE(MDRTypGen(&type, "NCI", &alone), 0);
+        QCOMPARE(MDRTypGen(&type, "NCI", &alone), 0); // the leak checker looks after the first
+        QCOMPARE(type.fieldCount, a->fieldCount);
+        QCOMPARE(MDRTypGen(&type, "XYZ", &alone), int(MDX_E_ARG));
+        QCOMPARE(int(type.fieldCount), 0);
+        QVERIFY(!type.fields);
     }
 
     void aRawRecordReadsLikeARecord() {
