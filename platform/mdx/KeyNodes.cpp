@@ -2,11 +2,17 @@
 #include "platform/mdx/KeyTree.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace orvo::mdx {
 
 uint32_t KeyTree::total(const Node* node) noexcept {
     return node->isLeaf ? node->count : node->total;
+}
+
+bool KeyTree::countsAdd(const Inner& node) noexcept {
+    const unsigned last = node.count - 1u;
+    return node.before[last] + total(node.children[last]) == node.total;
 }
 
 void KeyTree::recount(Inner& node) noexcept {
@@ -230,6 +236,7 @@ void KeyTree::reserveNodes() {
 }
 
 KeyTree::Leaf* KeyTree::takeLeaf() noexcept {
+    assert(m_freeLeaves && "6: prepareInsert has been called");
     auto* leaf = static_cast<Leaf*>(m_freeLeaves);
     m_freeLeaves = leaf->next;
     --m_freeLeafCount;
@@ -261,6 +268,7 @@ void KeyTree::freeInner(Inner* inner) noexcept {
 }
 
 KeyTree::Inner* KeyTree::takeInner() noexcept {
+    assert(m_freeInners && "6: prepareInsert has been called");
     auto* inner = static_cast<Inner*>(m_freeInners);
     m_freeInners = inner->next;
     --m_freeInnerCount;

@@ -1,6 +1,7 @@
 #include "platform/mdx/KeyTree.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace orvo::mdx {
 namespace {
@@ -281,12 +282,15 @@ void KeyTree::insert(const Record* record) noexcept {
     leaf->words[index] = word;
     leaf->numbers[index] = record->number;
     ++leaf->count;
+    assert((index == 0 || leaf->words[index - 1] <= word) && "3, 4: order of a leaf");
+    assert((behind == 0 || word <= leaf->words[index + 1]) && "3, 4: order of a leaf");
     ++m_size;
-    for (unsigned i = 0; i < path.depth; ++i) {
+    for (unsigned i = path.depth; i-- > 0;) {
         auto& [node, at] = path.steps[i];
         ++node->total;
         for (unsigned k = at + 1; k < node->count; ++k)
             ++node->before[k];
+        assert(countsAdd(*node) && "5: counts of an inner node");
     }
 }
 
@@ -296,16 +300,18 @@ void KeyTree::erase(const Record* record) noexcept {
     Leaf* leaf = descend({m_old.data(), m_old.size(), record->entry}, &path, nullptr);
     const auto index = static_cast<unsigned>(
         std::find(leaf->numbers, leaf->numbers + leaf->count - 1, record->number) - leaf->numbers);
+    assert(leaf->numbers[index] == record->number && "3: the record is where its image leads");
     const size_t behind = leaf->count - index - size_t(1);
     std::memmove(leaf->words + index, leaf->words + index + 1, behind * sizeof *leaf->words);
     std::memmove(leaf->numbers + index, leaf->numbers + index + 1, behind * sizeof *leaf->numbers);
     --leaf->count;
     --m_size;
-    for (unsigned i = 0; i < path.depth; ++i) {
+    for (unsigned i = path.depth; i-- > 0;) {
         auto& [node, at] = path.steps[i];
         --node->total;
         for (unsigned k = at + 1; k < node->count; ++k)
             --node->before[k];
+        assert(countsAdd(*node) && "5: counts of an inner node");
     }
     if (leaf->count == 0) {
         freeLeaf(leaf);

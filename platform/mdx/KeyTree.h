@@ -8,6 +8,7 @@
 #ifndef ORVO_PLATFORM_MDX_KEYTREE_H
 #define ORVO_PLATFORM_MDX_KEYTREE_H
 
+#include "platform/mdx/FirstBroken.h"
 #include "platform/mdx/KeyFields.h"
 #include "platform/mdx/Record.h"
 
@@ -15,6 +16,21 @@
 
 namespace orvo::mdx {
 
+/// Between two calls all of this holds; check() looks at it.
+///
+///  1. The leaves form a chain from m_first on, each with 1 to nodeEntries records; m_size counts
+///     the records of all. Without records there is no node, and m_height is 0.
+///  2. All leaves are m_height levels below the root, and every inner node has 1 to nodeEntries
+///     children.
+///  3. The records are posted ones, ascending by the image of their posted body and then by entry.
+///  4. All images of a leaf begin with its prefix (a short image as if zeros followed), and beside
+///     each number stand the eight bytes behind the prefix.
+///  5. Separator i > 0 of an inner node is the first record below child i, with prefix and word as
+///     in a leaf; before[i] counts the records below the children to its left, total those below
+///     all.
+///  6. Every node taken from m_pages is in the tree or in one of the two free lists, whose lengths
+///     are counted. After prepareInsert they hold what one insertion can need.
+///  7. m_scanLeaf is null, or a leaf of the tree whose first record has the position m_scanStart.
 class KeyTree {
 public:
     /// The tree reads records from `pool`, which must outlive it.
@@ -55,6 +71,9 @@ public:
     void erase(const Record* record) noexcept;
     void insert(const Record* record) noexcept;
 
+    /// Looks at every invariant above.
+    void check(FirstBroken& broken) const;
+
     /// Bytes of memory the nodes take.
     size_t memory() const noexcept;
 
@@ -85,6 +104,7 @@ private:
     static constexpr uint32_t noEntry = UINT32_MAX;
 
     friend class KeyBuilder;
+    friend class KeyTreeCheck;
 
     int compare(const Query& query, uint32_t number, size_t from, bool& equal) const noexcept;
     unsigned lowerBound(const Node& node, const uint32_t* numbers, const uint64_t* words,
@@ -107,6 +127,7 @@ private:
     void mergeLeaf(Path& path) noexcept;
     static void recount(Inner& node) noexcept;
     static uint32_t total(const Node* node) noexcept;
+    static bool countsAdd(const Inner& node) noexcept;
 
     void reserveNodes();
     void freeLeaf(Leaf* leaf) noexcept;

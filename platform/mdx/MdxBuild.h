@@ -40,6 +40,9 @@ ORVOMDX_EXPORT uint32_t postedCount(const MDArray* array);
 ORVOMDX_EXPORT MDRData* postedRecord(const MDArray* array, uint32_t entry);
 /// Bytes that the keys of the array take, beside its records.
 ORVOMDX_EXPORT size_t keyMemory(const MDArray* array);
+/// The first invariant of the array, its keys and records (Table.h, KeyTree.h, Record.h) that does
+/// not hold; empty if all do. For tests: it looks at every record.
+ORVOMDX_EXPORT std::string check(const MDArray* array);
 /// The operation flag of a record: 0, 1, 2 or 4.
 ORVOMDX_EXPORT uint32_t recordFlags(const MDRData* record);
 

@@ -1,24 +1,26 @@
 #include "platform/mdx/Pages.h"
 
-#include <cstdlib>
 #include <new>
 #include <sys/mman.h>
 
 namespace orvo::mdx {
 
+namespace {
+
+constexpr std::align_val_t alignment{64};
+
+}
+
 void Pages::Free::operator()(uint8_t* block) const noexcept {
     if (mapped > 0)
         munmap(block, mapped);
     else
-        std::free(block);
+        ::operator delete(block, alignment);
 }
 
 Pages::Block Pages::take(size_t size) {
     if (size < hugePage || size % hugePage != 0) {
-        auto* block = static_cast<uint8_t*>(std::aligned_alloc(64, size));
-        if (!block)
-            throw std::bad_alloc();
-        return Block(block);
+        return Block(static_cast<uint8_t*>(::operator new(size, alignment)));
     }
     // Mapped with room to align, and what is too much unmapped again.
     void* mapping =

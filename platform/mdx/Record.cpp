@@ -1,7 +1,8 @@
 #include "platform/mdx/Record.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <cassert>
+#include <new>
 
 namespace orvo::mdx {
 
@@ -19,7 +20,7 @@ struct RecordPool::Outside {
 RecordPool::~RecordPool() {
     while (m_outside) {
         Outside* next = m_outside->next;
-        std::free(m_outside);
+        ::operator delete(m_outside);
         m_outside = next;
     }
 }
@@ -81,6 +82,7 @@ Record* RecordPool::create(uint32_t bodySize) {
 }
 
 void RecordPool::destroy(Record* record) noexcept {
+    assert(record->owner == m_owner && at(record->number) == record && "1: a record of this pool");
     dropPosted(record);
     if (record->is(Record::Outside))
         freeOutside(record->bytes());
@@ -102,9 +104,7 @@ uint32_t RecordPool::capacity(const Record* record) const noexcept {
 }
 
 RecordPool::Outside* RecordPool::newOutside(uint32_t capacity) {
-    auto* block = static_cast<Outside*>(std::malloc(sizeof(Outside) + capacity));
-    if (!block)
-        throw std::bad_alloc();
+    auto* block = static_cast<Outside*>(::operator new(sizeof(Outside) + capacity));
     *block = {nullptr, m_outside, capacity};
     if (m_outside)
         m_outside->previous = block;
@@ -129,7 +129,7 @@ void RecordPool::freeOutside(uint8_t* body) noexcept {
     (block->previous ? block->previous->next : m_outside) = block->next;
     if (block->next)
         block->next->previous = block->previous;
-    std::free(block);
+    ::operator delete(block);
 }
 
 void RecordPool::keepPosted(Record* record) {
@@ -144,6 +144,7 @@ void RecordPool::dropPosted(Record* record) noexcept {
     if (!record->is(Record::Edited))
         return;
     const auto kept = m_kept.find(record->number);
+    assert(kept != m_kept.end() && "3: an edited record has its posted body");
     m_outsideBytes -= kept->second.size;
     m_kept.erase(kept);
     record->set(Record::Edited, false);

@@ -3,6 +3,7 @@
 #define ORVO_PLATFORM_MDX_RECORD_H
 
 #include "platform/mdx/Body.h"
+#include "platform/mdx/FirstBroken.h"
 #include "platform/mdx/Pages.h"
 
 #include <unordered_map>
@@ -43,6 +44,16 @@ inline const Record* recordOf(const MDRData* data) noexcept {
 
 /// All records of one array. A record number is the address of its head in units of 16 bytes
 /// within numbered chunks, so that the key trees reach a record without a table of addresses.
+///
+/// Of each record that is not destroyed this holds; check() looks at it.
+///
+///  1. It has the pool's owner, and its number leads back to it.
+///  2. Its body follows the head, or is a block of its own and the record Outside; either way there
+///     is room for bodySize bytes.
+///  3. An Edited record, and no other, has a copy of the body it was posted with.
+///  4. A Canonical record has a canonical body (Body.h).
+///
+/// A destroyed record has no owner and no body; its number chains the free places of its size.
 class RecordPool {
 public:
     explicit RecordPool(MDArray* owner) : m_owner(owner) {}
@@ -77,6 +88,8 @@ public:
         return record->is(Record::Edited) ? const_cast<uint8_t*>(keptBody(record)) : nullptr;
     }
     uint32_t postedSize(const Record* record) const noexcept;
+    /// Looks at the invariants above but the last.
+    void check(const Record* record, FirstBroken& broken) const;
     /// At least as many bytes as all bodies together.
     size_t memory() const noexcept { return m_pages.bytes() + m_outsideBytes; }
 

@@ -1,6 +1,7 @@
 #include "platform/mdx/Table.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace orvo::mdx {
 
@@ -106,6 +107,7 @@ void Table::compactOrder() noexcept {
 }
 
 void Table::leaveOrder(Record* record) noexcept {
+    assert(m_order[record->entry] == record->number && "1: its place in the order");
     m_order[record->entry] = hole;
     ++m_holes;
     record->set(Record::Posted, false);

@@ -21,6 +21,16 @@ constexpr size_t maxKeys = 64;
 /// Keys over the same fields share a tree. The tree of a key that is not unique is built when the
 /// key is first asked for, if the key came with a packed image: tables arrive with keys that are
 /// often thrown away unused.
+///
+/// Between two calls all of this holds; checkOrder and checkTrees look at it.
+///
+///  1. m_order lists the posted records: that at place i has the entry i. A deleted one leaves a
+///     hole; m_holes counts them, and none is at the end.
+///  2. Each key has a tree, and each tree the number of its keys; a tree is unique if one of them
+///     is.
+///  3. A tree that is built holds exactly the posted records, with the values they were posted
+///     with.
+///  4. A unique tree is built, and no two of its records have the same key.
 class Table {
 public:
     explicit Table(MDArray* owner) : m_records(owner) {}
@@ -71,6 +81,10 @@ public:
         record->state |= Record::Posted | Record::Canonical;
     }
     void adoptOrder(std::vector<uint32_t> order) noexcept { m_order = std::move(order); }
+
+    /// Look at the invariants above, at those of the posted records, and at those of the trees.
+    void checkOrder(FirstBroken& broken) const;
+    void checkTrees(FirstBroken& broken) const;
 
 private:
     struct Tree {

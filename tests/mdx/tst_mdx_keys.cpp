@@ -312,8 +312,11 @@ private slots:
         QVERIFY(!MDARec(a.get(), -1, 0));
         int32_t position = 9;
         const MDRVar value = nullValue();
-        QVERIFY(!MDARecSeekV(a.get(), 7, &value, &position));
-        QCOMPARE(position, -1);
+        for (const int key : {7, 1, -1, INT32_MIN}) {
+            position = 9;
+            QVERIFY(!MDARecSeekV(a.get(), key, &value, &position));
+            QCOMPARE(position, -1);
+        }
     }
 
     // So many records that two threads share the work.

@@ -223,7 +223,14 @@ public:
         }
     }
 
+    /// After each change while that is cheap, now and then in a large array.
+    void checkInvariants(int change) {
+        if (m_rows.size() < 250 || change % 500 == 0)
+            QCOMPARE(orvo::mdx::check(array()), std::string());
+    }
+
     void checkAll() {
+        QCOMPARE(orvo::mdx::check(array()), std::string());
         for (size_t key = 0; key < array()->keyCount; ++key) {
             checkOrder(key);
             if (QTest::currentTestFailed())
@@ -250,6 +257,7 @@ private slots:
         QTest::addColumn<int>("variety");
         QTest::addColumn<bool>("keysFirst");
         QTest::newRow("from nothing") << 0 << 6000 << 300 << true;
+        QTest::newRow("few records") << 100 << 2000 << 20 << true;
         QTest::newRow("few distinct values") << 3000 << 3000 << 3 << true;
         QTest::newRow("keys built over records") << 5000 << 3000 << 2000 << false;
         QTest::newRow("shrinking to nothing") << 4000 << -1 << 500 << false;
@@ -275,6 +283,7 @@ private slots:
         if (changes < 0) {
             while (pair.size() > 0) {
                 pair.remove();
+                pair.checkInvariants(int(pair.size()));
                 if (pair.size() % 800 == 0 || pair.size() < 3)
                     pair.checkAll();
                 if (QTest::currentTestFailed())
@@ -290,6 +299,7 @@ private slots:
                 pair.edit(uint32_t(variety));
             else
                 pair.remove();
+            pair.checkInvariants(i);
             if (i % (changes / 6) == 0)
                 pair.checkAll();
             if (QTest::currentTestFailed())
