@@ -80,6 +80,9 @@ int fetchTable(COrvoCliSes* session, const std::string& tableName, CMDArray& tab
         return 0;
     }
     table.status = MDXArrayUnPack(table.array, packedTable(prm), 1);
+    // The request itself has succeeded, but an empty table must not pass for what the server holds.
+    if (wanted == Wanted::Records && table.status != MDX_OK)
+        error->append(tr("Ответ сервера не читается."));
     if (wanted == Wanted::Structure && (!table.array || table.array->fieldCount == 0)) {
         error->append(tr("Отсутствуют поля."));
         return 0;

@@ -14,7 +14,8 @@
 
 /// Fetches a table with its records. Non-zero on success; otherwise the reason is in `error`, which
 /// is cleared at the start. `session` and `error` are not null. The keys are those the server gave;
-/// see orvo::setKeys. `table.status` tells how the reply's table unpacked.
+/// see orvo::setKeys. `table.status` tells how the reply's table unpacked; if it did not, the table
+/// is empty and `error` says so, although the result is that of a success.
 int GetTableRecords(COrvoCliSes* session, const std::string& tableName, CMDArray& table,
                     QString* error);
 /// Fetches the structure of a table, without records. As GetTableRecords; a reply without fields is
@@ -40,14 +41,15 @@ bool checkFileExists(const QString& path);
 namespace orvo {
 
 /// One step of a module's start: runs `request(session, error)`, which gives non-zero on success.
-/// After a failure the text goes to the log under that place.
+/// After a failure, and for a reply that cannot be read, the text goes to the log under that
+/// place.
 template <class Request>
 bool fetchOrLog(COrvoCliMod& module, const char* place, Request request) {
     QString error;
-    if (request(module.m_app->m_session, &error))
-        return true;
-    module.m_app->m_logModule->LogFile(5, QString::fromLatin1(place), error);
-    return false;
+    const bool done = request(module.m_app->m_session, &error);
+    if (!done || !error.isEmpty())
+        module.m_app->m_logModule->LogFile(5, QString::fromLatin1(place), error);
+    return done;
 }
 
 } // namespace orvo

@@ -110,6 +110,9 @@ void Attributes::captions_data() {
     QTest::newRow("no given name") << S{"ivanov", "Иванов", "", "Петрович"} << false << "Иванов";
     QTest::newRow("family name alone") << S{"ivanov", "Иванов"} << false << "Иванов";
     QTest::newRow("no family name") << S{"ivanov", "", "Иван", "Петрович"} << false << "ivanov";
+    QTest::newRow("a blank family name") << S{"ivanov", " ", "Иван"} << false << "  И.";
+    QTest::newRow("given names in small letters")
+        << S{"ivanov", "Иванов", "иван", "петрович"} << false << "Иванов и.п.";
     QTest::newRow("a program") << S{"robot", "Иванов", "Иван", "Петрович"} << true << "robot";
     QTest::newRow("a program without names") << S{"robot"} << true << "robot";
     QTest::newRow("nothing at all") << S{} << false << "";

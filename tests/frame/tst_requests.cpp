@@ -22,6 +22,15 @@ struct Signs : QTranslator {
     }
 };
 
+/// A module that keeps what it is told to log.
+struct LogKeeper : COrvoCliMod {
+    using COrvoCliMod::COrvoCliMod;
+    QStringList lines; ///< "level place text"
+    void LogFile(int level, QString place, QString text) override {
+        lines << QStringLiteral("%1 %2 %3").arg(level).arg(place, text);
+    }
+};
+
 const QString noResult = "Операция на сервере не вернула результат.";
 
 /// A reply with that code; field 2 is a text, or nothing.
@@ -96,6 +105,7 @@ private slots:
     void recordsWithoutFieldsAreNoFailure();
     void aDamagedBlockIsAStructureWithoutFields();
     void aDamagedBlockLeavesNoRecords();
+    void aTableThatCannotBeReadIsLogged();
     void everyBlockIsFreedOnEveryWayOut();
     void userInfoIsFetchedWithoutData();
     void userInfoReplacesTheErrorText();
@@ -252,7 +262,7 @@ void Requests::recordsWithoutFieldsAreNoFailure() {
     CMDArray table;
     QString error;
     QCOMPARE(GetTableRecords(server.session.get(), "Nothing", table, &error), 1);
-    QCOMPARE(error, QString());
+    QCOMPARE(error, QString("Ответ сервера не читается."));
     QCOMPARE(int(table.array->fieldCount), 0);
 }
 
@@ -275,6 +285,27 @@ void Requests::aDamagedBlockLeavesNoRecords() {
     GetTableRecords(server.session.get(), "Menu", table, &error);
     QCOMPARE(recordCount(table), 0);
     QVERIFY(table.status != MDX_OK);
+}
+
+void Requests::aTableThatCannotBeReadIsLogged() {
+    Server server;
+    COrvoCliApp app;
+    app.m_session = server.session.get();
+    LogKeeper module(&app);
+    app.m_logModule = &module;
+    CMDArray table;
+    const auto fetch = [&](COrvoCliSes* session, QString* error) {
+        return GetTableRecords(session, "Menu", table, error);
+    };
+    server.answer(success(server.stored, true));
+    QVERIFY(fetchOrLog(module, "Place", fetch));
+    QCOMPARE(module.lines, QStringList());
+    server.answer(success("no image at all", 15));
+    QVERIFY(fetchOrLog(module, "Place", fetch)); // the reply has come, and is no failure of it
+    QCOMPARE(module.lines, QStringList{"5 Place Ответ сервера не читается."});
+    server.answer(failure(3));
+    QVERIFY(!fetchOrLog(module, "Place", fetch));
+    QCOMPARE(module.lines.size(), 2);
 }
 
 void Requests::everyBlockIsFreedOnEveryWayOut() {
@@ -518,5 +549,5 @@ void Requests::aReplyAskedForIsTheCallers() {
     QCOMPARE(server.script.alive, 0);
 }
 
-QTEST_GUILESS_MAIN(Requests)
+QTEST_MAIN(Requests)
 #include "tst_requests.moc"
