@@ -33,7 +33,13 @@ endif()
 
 find_program(ORVO_CCACHE ccache)
 if(ORVO_CCACHE)
-  set(CMAKE_CXX_COMPILER_LAUNCHER "${ORVO_CCACHE}")
+  # A fresh clone beside an older one finds what that one has compiled, precompiled headers included.
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env
+    "CCACHE_BASEDIR=${CMAKE_SOURCE_DIR}" CCACHE_NOHASHDIR=1
+    CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime "${ORVO_CCACHE}")
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    add_compile_options(-fpch-preprocess)
+  endif()
 endif()
 find_program(ORVO_MOLD mold)
 if(ORVO_MOLD)

@@ -6,6 +6,7 @@ function(orvo_shared target)
   add_library(${target} SHARED ${ARG_SOURCES})
   set_target_properties(${target} PROPERTIES AUTOMOC ON AUTOUIC ON AUTORCC ON)
   target_link_libraries(${target} PUBLIC ${ARG_LINK} PRIVATE ${ARG_PRIVATE_LINK})
+  orvo_reuse(${target} orvo_pch_widgets)
 endfunction()
 
 # orvo_static(<target> SOURCES ... LINK ...): a static library.
@@ -24,6 +25,7 @@ function(orvo_menu_part name)
   add_library(${target} OBJECT ${ARG_SOURCES})
   set_target_properties(${target} PROPERTIES AUTOMOC ON AUTOUIC ON AUTORCC ON)
   target_link_libraries(${target} PUBLIC OrvoClient OrvoMdx Qt5::Widgets)
+  orvo_reuse(${target} orvo_pch_widgets)
   set_property(GLOBAL APPEND PROPERTY ORVO_MENU_PARTS ${target})
 endfunction()
 
@@ -52,6 +54,14 @@ function(orvo_test name)
   set_target_properties(${name} PROPERTIES AUTOMOC ON
     RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
   target_link_libraries(${name} PRIVATE ${ARG_LINK} Qt5::Test)
+  # What links any of these sees the widgets.
+  if("${ARG_LINK}" MATCHES "orvomenu|OrvoClient|host_fixture|client_parts|Widgets|test_trees|scene")
+    orvo_reuse(${name} orvo_pch_widgets_test)
+  elseif("${ARG_LINK}" MATCHES "Gui|Network")
+    # Definitions of their own.
+  else()
+    orvo_reuse(${name} orvo_pch_test)
+  endif()
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 300)
   endif()

@@ -1,0 +1,1 @@
+// Nothing: a set of precompiled headers needs a source (OrvoPrecompiled.cmake).
