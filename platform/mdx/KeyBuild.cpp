@@ -1,9 +1,9 @@
 // KeyBuild.cpp: building a key tree from the records of a table: the images of all records are laid
 // out one after the other, their order is found by a radix sort of eight image bytes at a time, and
 // the leaves are filled from left to right. Of a large table two threads do half of each step.
-#include "platform/mdx/Both.h"
 #include "platform/mdx/KeyImages.h"
 #include "platform/mdx/KeyTree.h"
+#include "platform/mdx/RunInParallel.h"
 
 #include <algorithm>
 #include <array>
@@ -78,8 +78,8 @@ public:
         }
         const size_t half = records.size() / 2;
         Images others;
-        both([&] { layOut(records.first(half), m_items.first(half), m_images); },
-             [&] { layOut(records.subspan(half), m_items.subspan(half), others); });
+        runInParallel([&] { layOut(records.first(half), m_items.first(half), m_images); },
+                      [&] { layOut(records.subspan(half), m_items.subspan(half), others); });
         const uint32_t moved = m_images.append(std::move(others));
         for (SortItem& item : m_items.subspan(half))
             item.image += moved;
@@ -93,7 +93,8 @@ public:
             return differ(1, count);
         bool low = false;
         bool high = false;
-        both([&] { low = differ(1, count / 2); }, [&] { high = differ(count / 2, count); });
+        runInParallel([&] { low = differ(1, count / 2); },
+                      [&] { high = differ(count / 2, count); });
         return low && high;
     }
 
@@ -130,7 +131,8 @@ public:
         if (m_items.size() < manyRecords)
             fillLeaves(0, leaves);
         else
-            both([&] { fillLeaves(0, leaves / 2); }, [&] { fillLeaves(leaves / 2, leaves); });
+            runInParallel([&] { fillLeaves(0, leaves / 2); },
+                          [&] { fillLeaves(leaves / 2, leaves); });
         m_tree.m_first = static_cast<KeyTree::Leaf*>(m_firstLeaf);
         m_tree.m_size = static_cast<uint32_t>(m_items.size());
         m_tree.m_height = 0;
@@ -258,15 +260,15 @@ private:
             sortByWord(items, count, depth, false);
             return;
         }
-        both([&] { loadWords(items, count / 2, depth); },
-             [&] { loadWords(items + count / 2, count - count / 2, depth); });
+        runInParallel([&] { loadWords(items, count / 2, depth); },
+                      [&] { loadWords(items + count / 2, count - count / 2, depth); });
         const size_t low = partition(items, count);
         if (low < count / 8 || count - low < count / 8) {
             sortByWord(items, count, depth, true);
             return;
         }
-        both([&] { sortByWord(items, low, depth, false); },
-             [&] { sortByWord(items + low, count - low, depth, false); });
+        runInParallel([&] { sortByWord(items, low, depth, false); },
+                      [&] { sortByWord(items + low, count - low, depth, false); });
     }
 
     void loadWords(SortItem* items, size_t count, size_t depth) const {

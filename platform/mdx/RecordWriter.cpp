@@ -1,6 +1,6 @@
-#include "platform/mdx/Both.h"
 #include "platform/mdx/MdxBuild.h"
 #include "platform/mdx/RecordBatches.h"
+#include "platform/mdx/RunInParallel.h"
 #include "platform/mdx/Table.h"
 
 #include <optional>

@@ -1,6 +1,6 @@
-// Both.h: two halves of a long piece of work at once.
-#ifndef ORVO_PLATFORM_MDX_BOTH_H
-#define ORVO_PLATFORM_MDX_BOTH_H
+// RunInParallel.h: two halves of a long piece of work at once.
+#ifndef ORVO_PLATFORM_MDX_RUNINPARALLEL_H
+#define ORVO_PLATFORM_MDX_RUNINPARALLEL_H
 
 #include <exception>
 #include <system_error>
@@ -16,7 +16,7 @@ inline bool hasSecondProcessor() {
 /// Runs both, at the same time if there is a second processor. Throws what either threw, once both
 /// have ended.
 template <class One, class Other>
-void both(One&& one, Other&& other) {
+void runInParallel(One&& one, Other&& other) {
     std::exception_ptr failure;
     std::thread thread;
     if (hasSecondProcessor()) {
