@@ -96,6 +96,7 @@ void KeyIndex::insertAll(std::vector<Entry> entries) {
 }
 
 void KeyIndex::enter(Entry entry) {
+    Q_ASSERT(entry.row && m_used < m_slots.size()); // 1: an empty slot ends every search
     Entry& slot = m_slots[find(entry.hash)];
     if (slot.hash == 0) {
         slot = std::move(entry);
@@ -150,6 +151,38 @@ void KeyIndex::clear() {
     m_slots.shrink_to_fit();
     m_crowds.clear();
     m_used = 0;
+}
+
+size_t KeyIndex::count() const {
+    size_t rows = m_used - m_crowds.size();
+    for (const auto& [hash, crowd] : m_crowds)
+        rows += crowd.size();
+    return rows;
+}
+
+const char* KeyIndex::check() const {
+    size_t used = 0;
+    size_t crowded = 0;
+    for (size_t i = 0; i < m_slots.size(); ++i) {
+        const Entry& slot = m_slots[i];
+        if (slot.hash == 0)
+            continue;
+        ++used;
+        if (find(slot.hash) != i)
+            return "key index 2: a slot that its hash does not lead to";
+        crowded += slot.row ? 0 : 1;
+        if (slot.row ? hash(slot.key) != slot.hash : m_crowds.count(slot.hash) == 0)
+            return "key index 3: what a slot holds";
+    }
+    if (used != m_used || used * 4 > m_slots.size() * 3)
+        return "key index 1: number of used slots";
+    if (crowded != m_crowds.size())
+        return "key index 3: a crowd without a slot";
+    for (const auto& [hash, crowd] : m_crowds) {
+        if (crowd.size() < 2)
+            return "key index 3: a crowd of one";
+    }
+    return nullptr;
 }
 
 void KeyIndex::reserve(size_t further) {

@@ -14,6 +14,13 @@
 /// with the row, so that a search need not go through the row to compare it. Rows whose hashes are
 /// equal stand aside, so that a key borne by many rows slows nothing else down. Does not own the
 /// rows.
+///
+/// Between two calls all of this holds; check() looks at it.
+///
+///  1. m_used counts the slots with a hash; they are at most three quarters of all.
+///  2. No hash has two slots, and none of the slots from its home to its own is empty.
+///  3. A slot of one row holds that row and its key. A hash of two and more rows has a slot without
+///     a row, and they are all in m_crowds, which holds nothing else.
 class KeyIndex {
 public:
     struct Entry {
@@ -34,6 +41,10 @@ public:
     /// Nothing happens if the row is not there under that key.
     void remove(const Entry& entry);
     void clear();
+    /// Rows entered.
+    size_t count() const;
+    /// The first invariant that does not hold; null if all do. For tests: it looks at every slot.
+    const char* check() const;
 
     /// Calls visit(row) for each row of that key, without regard to case and in no order.
     template <class Visit>

@@ -18,6 +18,12 @@
 ///     folder->setData(0, caption);
 ///     rows.add(folder)->setData(0, captionBelow);
 ///     model.insertFilledRows(model.rowCount(parent), std::move(rows), parent);
+///
+///  1. m_rows has one entry for each row below m_root.
+///  2. A row with a hash has it, and its key, in its entry too. The last row has none, and one
+///  whose
+///     key was set after it was noted has none again; release notes them.
+///  3. Each row has the columns of the batch and a level one more than its parent's.
 template <class Record>
 class RowBatch {
 public:
@@ -85,8 +91,11 @@ public:
     /// Hands the run over to the caller, who owns the rows from then on; `keys` receives the keys
     /// of all rows, for the index of the model.
     QList<Record*> release(std::vector<KeyIndex::Entry>& keys) {
-        for (KeyIndex::Entry& row : m_rows)
+        for (KeyIndex::Entry& row : m_rows) {
             noteKey(row);
+            Q_ASSERT(static_cast<Record*>(row.row)->m_keyHash == row.hash);          // 2
+            Q_ASSERT(static_cast<Record*>(row.row)->m_itemData.size() == m_columns); // 3
+        }
         keys = std::move(m_rows);
         m_rows.clear();
         QList<Record*> rows;

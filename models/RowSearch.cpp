@@ -7,6 +7,7 @@
 #include <bit>
 #include <cstring>
 #include <limits>
+#include <unordered_set>
 
 namespace {
 
@@ -106,12 +107,13 @@ RowSearch::RowSearch(const TreeModelCore<TabRec>& model, int keyColumn)
             drop(from.parent(), from.row(), to.row(), from.column(), to.column());
     });
     follow(&Model::rowsInserted, [this](const QModelIndex& parent, int first, int last) {
-        rowsCame(parent, first, last);
+        onRowsInserted(parent, first, last);
     });
-    follow(&Model::rowsAboutToBeRemoved,
-           [this](const QModelIndex& parent, int first, int last) { rowsGo(parent, first, last); });
+    follow(&Model::rowsAboutToBeRemoved, [this](const QModelIndex& parent, int first, int last) {
+        onRowsAboutToBeRemoved(parent, first, last);
+    });
     follow(&Model::rowsRemoved,
-           [this](const QModelIndex& parent, int first) { rowsWent(parent, first); });
+           [this](const QModelIndex& parent, int first) { onRowsRemoved(parent, first); });
     follow(&Model::rowsAboutToBeMoved, [this] {
         keepKeys();
         dropAll();
@@ -253,6 +255,7 @@ void RowSearch::make(Block& block, const TabRec& parent, int first, int column) 
 // Hits
 
 int RowSearch::count() const {
+    Q_ASSERT(m_hits.empty() || m_hitKeys.empty()); // 1
     return static_cast<int>(std::max(m_hits.size(), m_hitKeys.size()));
 }
 
@@ -278,6 +281,40 @@ void RowSearch::keepKeys() {
     for (const TabRec* row : m_hits)
         m_hitKeys.push_back(row->data(m_keyColumn).toString());
     m_hits.clear();
+}
+
+const char* RowSearch::check() const {
+    if (!m_hits.empty() && !m_hitKeys.empty())
+        return "search 1: hits of two kinds";
+    std::unordered_set<const TabRec*> rows{record({})};
+    std::vector<const TabRec*> pending{record({})};
+    while (!pending.empty()) {
+        const TabRec* row = pending.back();
+        pending.pop_back();
+        for (int below = 0; below < row->childCount(); ++below) {
+            pending.push_back(row->child(below));
+            rows.insert(row->child(below));
+        }
+    }
+    for (const TabRec* row : m_hits)
+        if (rows.count(row) == 0)
+            return "search 1: a hit that is no row";
+    for (const auto& [column, parents] : m_columns) {
+        for (const auto& [parent, blocks] : parents) {
+            if (rows.count(parent) == 0)
+                return "search 2: blocks of a row that is gone";
+            if (blocks.size() > size_t(parent->childCount() + blockSize - 1) / blockSize)
+                return "search 2: more blocks than rows fill";
+            for (size_t i = 0; i < blocks.size(); ++i) {
+                Block now;
+                if (blocks[i].made)
+                    make(now, *parent, static_cast<int>(i) * blockSize, column);
+                if (blocks[i].made && !(blocks[i] == now))
+                    return "search 3: a block that is not as it would be made";
+            }
+        }
+    }
+    return nullptr;
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -311,12 +348,12 @@ void RowSearch::rowsShifted(const QModelIndex& parent, int first, bool whole) {
              std::numeric_limits<int>::max());
 }
 
-void RowSearch::rowsCame(const QModelIndex& parent, int first, int last) {
+void RowSearch::onRowsInserted(const QModelIndex& parent, int first, int last) {
     if (!m_columns.empty())
         rowsShifted(parent, first, m_model.rowCount(parent) == last - first + 1);
 }
 
-void RowSearch::rowsGo(const QModelIndex& parent, int first, int last) {
+void RowSearch::onRowsAboutToBeRemoved(const QModelIndex& parent, int first, int last) {
     if (!m_hits.empty())
         keepKeys();
     if (m_columns.empty())
@@ -334,7 +371,7 @@ void RowSearch::rowsGo(const QModelIndex& parent, int first, int last) {
     }
 }
 
-void RowSearch::rowsWent(const QModelIndex& parent, int first) {
+void RowSearch::onRowsRemoved(const QModelIndex& parent, int first) {
     if (!m_columns.empty())
         rowsShifted(parent, first, m_model.rowCount(parent) == 0);
 }

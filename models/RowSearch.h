@@ -30,6 +30,14 @@
 /// persistent indexes, of which every change of rows would have to care for each; and a hit never
 /// dangles: a row that is gone is no hit any more, one that was taken out and put in elsewhere is
 /// found at its new place.
+///
+/// Outside the calls, and outside the model's changes, all of this holds; check() looks at it.
+///
+///  1. The hits are in m_hits, and then no row has been removed or moved since they were found, or
+///     in m_hitKeys: never in both.
+///  2. m_columns has blocks only for rows of the model that have rows below them or had them, and
+///     not more than those fill.
+///  3. A block that counts as made holds what making it now would give.
 class RowSearch {
 public:
     /// `model` must outlive this object; `keyColumn` is what its findIndexByKey compares.
@@ -43,6 +51,9 @@ public:
     int count() const;
     /// Column 0 of the row of a hit; invalid if the row is gone, and for a number out of range.
     QModelIndex hit(int number) const;
+    /// The first invariant that does not hold; null if all do. For tests: it makes every block
+    /// anew.
+    const char* check() const;
 
 private:
     /// Up to `blockSize` rows of one parent.
@@ -52,6 +63,8 @@ private:
         std::vector<uint16_t> others;  ///< rows with letters that have no code
         std::vector<uint16_t> folders; ///< rows with rows below them
         bool made = false;
+
+        bool operator==(const Block&) const = default;
     };
     using Blocks = std::vector<Block>;
     using Column = std::unordered_map<const TabRec*, Blocks>; ///< by parent
@@ -63,9 +76,9 @@ private:
     /// Drops the blocks of the rows from `first` to `last` in these columns.
     void drop(const QModelIndex& parent, int first, int last, int firstColumn, int lastColumn);
     void dropAll() { m_columns.clear(); }
-    void rowsCame(const QModelIndex& parent, int first, int last);
-    void rowsGo(const QModelIndex& parent, int first, int last);
-    void rowsWent(const QModelIndex& parent, int first);
+    void onRowsInserted(const QModelIndex& parent, int first, int last);
+    void onRowsAboutToBeRemoved(const QModelIndex& parent, int first, int last);
+    void onRowsRemoved(const QModelIndex& parent, int first);
     /// The rows of `parent` from `first` on have other numbers now; `whole`: it has become a parent
     /// or is none any more.
     void rowsShifted(const QModelIndex& parent, int first, bool whole);

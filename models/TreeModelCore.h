@@ -27,6 +27,14 @@ enum TreeModelRole { KeyRole = Qt::AccessibleDescriptionRole };
 static_assert(KeyRole == 12, "the key role of the system");
 
 /// Record is TabRec or PaspRec. Lives on the GUI thread.
+///
+/// Whenever control is outside the model, in slots of its signals too, all of this holds; check()
+/// looks at it. (While rows are announced as about to change, it holds for the state before.)
+///
+///  1. Every row is listed once, by its parent, whose level is one less. The root has the level -1
+///     and no parent.
+///  2. Every row has as many values as the header.
+///  3. The index of keys holds every row with a key, under that key, and nothing else.
 template <class Record>
 class TreeModelCore : public QAbstractItemModel {
 public:
@@ -180,6 +188,37 @@ public:
         return indexOf(first);
     }
 
+    /// The first invariant that does not hold; null if all do. For tests: it looks at every row.
+    const char* check() const {
+        size_t keyed = 0;
+        std::vector<const Record*> pending{m_root.get()};
+        if (m_root->parent() || m_root->level() != -1)
+            return "tree 1: the root";
+        while (!pending.empty()) {
+            const Record* parent = pending.back();
+            pending.pop_back();
+            for (int i = 0; i < parent->childCount(); ++i) {
+                const Record* row = parent->child(i);
+                if (row->parent() != parent || row->level() != parent->level() + 1 ||
+                    row->childNumber() != i)
+                    return "tree 1: a row and its parent";
+                if (row->columnCount() != m_root->columnCount())
+                    return "tree 2: values of a row";
+                const QString key = row->data(m_keyColumn).toString();
+                bool found = key.isEmpty();
+                keyed += found ? 0 : 1;
+                if (!found)
+                    m_keys.forEach(key, [&](void* entry) { found = found || entry == row; });
+                if (!found)
+                    return "tree 3: a row that its key does not find";
+                pending.push_back(row);
+            }
+        }
+        if (keyed != m_keys.count())
+            return "tree 3: a key of a row that is gone";
+        return m_keys.check();
+    }
+
 protected:
     using Ops = RecordOps<Record>;
 
@@ -313,6 +352,8 @@ private:
         return list;
     }
     void enter(Record& parent, int position, Batch& batch) {
+        Q_ASSERT(batch.columnCount() == columnCount());  // 2
+        Q_ASSERT(batch.parentLevel() == parent.level()); // 1
         std::vector<KeyIndex::Entry> keys;
         Ops::attach(parent, position, batch.release(keys));
         m_keys.insertAll(std::move(keys));

@@ -94,6 +94,7 @@ void KeyIndexTest::rowsAreFoundThroughRandomChanges() {
             have.erase(row);
             index.remove(KeyIndex::entry(row, spelt));
         }
+        QVERIFY2(!index.check(), index.check());
         if (turn % 50 == 0) {
             for (const QString& each : keys)
                 QCOMPARE(found(index, each.toLower()), expected[each]);

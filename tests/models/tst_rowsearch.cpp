@@ -343,6 +343,8 @@ void TestRowSearch::asMatchInRandomTrees() {
         default:
             tree.removeRows(row.row(), 1, row.parent());
         }
+        QVERIFY2(!tree.search.check(), tree.search.check());
+        QVERIFY2(!tree.check(), tree.check());
         for (int i = 0; i < kept.size(); ++i) {
             QCOMPARE(tree.search.hit(i), tree.findIndexByKey(keys[i]));
             if (kept[i].isValid())
