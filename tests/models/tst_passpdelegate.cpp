@@ -130,6 +130,8 @@ private slots:
     void theDelegateHasNoParentObject();
     // Lines
     void aLineWritesTheModelAtEachKeyAndKeepsItsCursor();
+    void deletingAtTheStartOfALineKeepsTheCursorThere();
+    void rowsClearedUnderAnOpenEditorSayNothing();
     void aReadOnlyLineCannotBeTyped();
     // Checks
     void aClickTurnsACheckOver();
@@ -219,6 +221,37 @@ void PasspDelegateTest::aLineWritesTheModelAtEachKeyAndKeepsItsCursor() {
     QCOMPARE(reported.count(), 2);
     QCOMPARE(reported.at(0).at(0).toString(), QString("name"));
     QCOMPARE(reported.at(0).at(1).value<QVariant>(), QVariant("al_pha"));
+}
+
+void PasspDelegateTest::deletingAtTheStartOfALineKeepsTheCursorThere() {
+    Bench bench;
+    auto* line = bench.open<QLineEdit>("name");
+    line->deselect();
+    line->setCursorPosition(0);
+    QTest::keyClick(line, Qt::Key_Delete);
+    QCOMPARE(bench.model.getRowValue("name"), QVariant("lpha"));
+    QCOMPARE(line->cursorPosition(), 0);
+    QTest::keyClick(line, Qt::Key_Delete);
+    QCOMPARE(bench.model.getRowValue("name"), QVariant("pha"));
+    QCOMPARE(line->cursorPosition(), 0);
+}
+
+// The view closes an editor with its row and takes what it says, which is of another passport.
+void PasspDelegateTest::rowsClearedUnderAnOpenEditorSayNothing() {
+    Bench bench;
+    QApplication::setActiveWindow(&bench.view);
+    QSignalSpy reported(&bench.model, &PropModel::editorRowValueChanged);
+    auto* line = bench.open<QLineEdit>("name");
+    line->setFocus();
+    QVERIFY(line->hasFocus());
+    bench.model.setRowValue("name", "of the next element");
+    QVERIFY(bench.model.clearRows());
+    QCOMPARE(reported.count(), 0);
+    QCOMPARE(bench.model.rowCount(), 0);
+    // Rows that come afterwards are edited as ever.
+    bench.model.AddEditorRow("name", "Наименование", MyEditorLine, QModelIndex(), false);
+    QVERIFY(bench.model.setData(bench.cell("name"), "typed"));
+    QCOMPARE(reported.count(), 1);
 }
 
 void PasspDelegateTest::aReadOnlyLineCannotBeTyped() {

@@ -80,6 +80,7 @@ private slots:
     void theLockIconStandsInItsColumn_data();
     void theLockIconStandsInItsColumn();
     void theIconColumnShowsTheIconItself();
+    void anEmptyIconNameIsNotNoIcon();
     void otherColumnsHaveNoIcon();
     void orphansAreRedInTheFirstColumn();
     void searchRolesAnswerNameAndResource();
@@ -108,6 +109,7 @@ private slots:
     void aRowGoesToASiblingFolder();
     void aRowDroppedOnAResourceGoesToItsFolder();
     void aFolderIsNotDroppedBelowItself();
+    void theTopRowIsNoFolderAboveADestination();
     void aFolderOnItselfPassesTheAncestorRule();
     void betweenRowsTheFolderBelowTheIndicatorCounts();
     void betweenRowsOfAnotherColumnTheFolderAboveCounts();
@@ -121,6 +123,7 @@ private slots:
     void aDropIsReportedAndChangesNothing();
     void aDropOnAResourceReportsItsFolder();
     void aDropBetweenRowsReportsTheirParent();
+    void aDropBetweenRowsBelowAResourceReportsTheResource();
     void aDropOfAnotherTypeReportsNothing();
     void aDropOnTheMenuRootReportsNothing();
     void aDropOnTheEmptyAreaReportsNothing();
@@ -191,6 +194,16 @@ void ResTree::theIconColumnShowsTheIconItself() {
     model.setData(model.index(0, 2), "pump.png");
     QVERIFY(showsImage(model.index(0, 2), dir.filePath("pump.png")));
     QCOMPARE(model.index(0, 2).data().toString(), QString("pump.png"));
+}
+
+void ResTree::anEmptyIconNameIsNotNoIcon() {
+    QTemporaryDir dir;
+    QVERIFY(makeImage(dir.filePath("pump.png"), Qt::green));
+    Model model("a #a 6=1 9=false\n", dir.filePath("pump.png"));
+    model.setData(model.index(0, 2), "");
+    QVERIFY(showsImage(model.index(0, 2), dir.filePath("pump.png")));
+    model.setData(model.index(0, 2), QString());
+    QVERIFY(showsNothing(model.index(0, 2)));
 }
 
 void ResTree::otherColumnsHaveNoIcon() {
@@ -451,6 +464,20 @@ void ResTree::aFolderIsNotDroppedBelowItself() {
     QVERIFY(model.mayDrop({"mf"}, model.row("mfa")));
 }
 
+void ResTree::theTopRowIsNoFolderAboveADestination() {
+    Model model(tree);
+    const auto top = payload("MenuResources", typeName(1));
+    const auto drop = [&](const char* target) {
+        return model.canDropMimeData(top.get(), Qt::MoveAction, -1, -1, model.row(target));
+    };
+    // The walk over the folders above ends at level 1: the top row itself is never among them.
+    QVERIFY(drop("m"));
+    QVERIFY(drop("mf"));
+    QVERIFY(drop("mg"));
+    const auto modules = payload("m", typeName(1));
+    QVERIFY(!model.canDropMimeData(modules.get(), Qt::MoveAction, -1, -1, model.row("mf")));
+}
+
 void ResTree::aFolderOnItselfPassesTheAncestorRule() {
     Model model(tree);
     QVERIFY(model.mayDrop({"mf"}, model.row("mf")));
@@ -562,6 +589,13 @@ void ResTree::aDropBetweenRowsReportsTheirParent() {
     // The folder below the indicator counted for whether it is allowed, not for where it goes.
     model.dropMimeData(model.drag({"mfa"}).get(), Qt::MoveAction, 0, 0, model.row("m"));
     QCOMPARE(drops.at(0).at(0).toModelIndex(), model.row("m"));
+}
+
+void ResTree::aDropBetweenRowsBelowAResourceReportsTheResource() {
+    Model model(tree);
+    QSignalSpy drops(&model, &ResTreeModel::dragdropOperation);
+    model.dropMimeData(model.drag({"ma"}).get(), Qt::MoveAction, 0, 0, model.row("mfa"));
+    QCOMPARE(drops.at(0).at(0).toModelIndex(), model.row("mfa"));
 }
 
 void ResTree::aDropOfAnotherTypeReportsNothing() {
