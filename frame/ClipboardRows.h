@@ -17,8 +17,8 @@ class QClipboard;
 
 namespace orvo {
 
-/// A payload taken apart, or to be put together. What the clipboard brings is anybody's bytes:
-/// nothing is believed but what stands there whole, and the keys still have to be found.
+/// A payload taken apart, or to be put together. Untrusted input: every length is checked, and keys
+/// are looked up before use.
 struct ClipboardRows {
     static constexpr char lineFeed = '\n';
     static constexpr char separator = ';';

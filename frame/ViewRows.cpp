@@ -101,12 +101,12 @@ bool onlyRepaints(const QTreeView& view) {
 QuietViews::QuietViews(std::initializer_list<QTreeView*> views) {
     for (QTreeView* view : views) {
         const bool visible = view->isVisible();
-        QItemSelectionModel* deaf =
+        QItemSelectionModel* disconnectedSelection =
             visible && onlyRepaints(*view) ? view->selectionModel() : nullptr;
-        if (deaf)
-            listen(view, deaf, false);
-        m_views.push_back({view, deaf, view->currentIndex(), QModelIndex(), visible,
-                           view->updatesEnabled(), view->hasAutoScroll()});
+        if (disconnectedSelection)
+            listen(view, disconnectedSelection, false);
+        m_views.push_back({view, disconnectedSelection, view->currentIndex(), QModelIndex(),
+                           visible, view->updatesEnabled(), view->hasAutoScroll()});
         // Out of sight it does none of this anyway, and notes to scroll when it is shown.
         if (!view->isVisible())
             continue;
@@ -117,8 +117,8 @@ QuietViews::QuietViews(std::initializer_list<QTreeView*> views) {
 
 QuietViews::~QuietViews() {
     for (const Quiet& quiet : m_views) {
-        if (quiet.deaf)
-            listen(quiet.view, quiet.deaf, true);
+        if (quiet.disconnectedSelection)
+            listen(quiet.view, quiet.disconnectedSelection, true);
         if (quiet.visible)
             quiet.view->setAutoScroll(quiet.autoScroll);
         const QModelIndex current = quiet.view->currentIndex();

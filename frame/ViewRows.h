@@ -61,7 +61,8 @@ public:
 private:
     struct Quiet {
         QTreeView* view;
-        QPointer<QItemSelectionModel> deaf; ///< to which the view does not listen meanwhile
+        QPointer<QItemSelectionModel>
+            disconnectedSelection; ///< to which the view does not listen meanwhile
         QPersistentModelIndex current;
         QPersistentModelIndex target;
         bool visible;

@@ -60,9 +60,9 @@ void expandBelow(QTreeView& view, const QModelIndex& top) {
 /// The key "*" expands what has rows below it and nothing else. The view itself would keep in mind
 /// that a row without any is expanded too: a persistent index for every row of the tree, all of
 /// which are looked at with each row that comes or goes.
-class StarKey : public QObject {
+class ExpandAllKeyFilter : public QObject {
 public:
-    explicit StarKey(QTreeView* view) : QObject(view) {}
+    explicit ExpandAllKeyFilter(QTreeView* view) : QObject(view) {}
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
@@ -141,7 +141,7 @@ void arrangeTree(QTreeView* view, bool styled) {
     view->setIconSize(QSize(imageSize, imageSize));
     // The branch images are drawn for this width: a wider step would blur their lines.
     view->setIndentation(imageSize);
-    view->installEventFilter(new StarKey(view)); // the view's child
+    view->installEventFilter(new ExpandAllKeyFilter(view)); // the view's child
 }
 
 void hideColumns(QTreeView* view, int first, int last) {

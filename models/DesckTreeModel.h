@@ -11,7 +11,7 @@
 class DesckTreeModel : public TreeModelCore<TabRec> {
     Q_OBJECT
 public:
-    /// `parent` is accepted for the callers' sake; the model has no QObject parent.
+    /// `parent`: Unused; the published interface has this parameter.
     explicit DesckTreeModel(const QStringList& headers, QObject* parent = nullptr);
 
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;

@@ -15,8 +15,8 @@
 class MenuTreeModel : public TreeModelCore<TabRec> {
     Q_OBJECT
 public:
-    /// `iconsPath` ends with the separator. `parent` is accepted for the callers' sake; the model
-    /// has no QObject parent.
+    /// `iconsPath` ends with the separator. `parent`: Unused; the published interface has this
+    /// parameter.
     MenuTreeModel(const QStringList& headers, const QString& iconsPath, QObject* parent = nullptr);
 
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;

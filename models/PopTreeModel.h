@@ -13,8 +13,8 @@
 class PopTreeModel : public TreeModelCore<TabRec> {
     Q_OBJECT
 public:
-    /// `filesPath` ends with the separator. `parent` is accepted for the callers' sake; the model
-    /// has no QObject parent.
+    /// `filesPath` ends with the separator. `parent`: Unused; the published interface has this
+    /// parameter.
     PopTreeModel(const QStringList& headers, const QString& filesPath, QObject* parent = nullptr);
 
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;

@@ -18,8 +18,7 @@ enum MyEditorType {
 class PropModel : public TreeModelCore<PaspRec> {
     Q_OBJECT
 public:
-    /// `iconsPath` is stored for the family's sake. `parent` is accepted likewise; the model has no
-    /// QObject parent.
+    /// `iconsPath`, `parent`: Unused; the published interface has this parameter.
     PropModel(const QStringList& headers, const QString& iconsPath, QObject* parent = nullptr);
 
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;

@@ -104,7 +104,7 @@ void MirrorWorker::run() {
             m_wake.wait(lock);
         } else if (!wanted) {
             if (m_wake.wait_for(lock, m_pace.close) == std::cv_status::timeout) {
-                lock.unlock(); // a server may take its time over a farewell
+                lock.unlock(); // closing the connection may block
                 m_store.reset();
                 lock.lock();
             }

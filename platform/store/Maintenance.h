@@ -69,7 +69,7 @@ public:
     /// log tells of it record by record. Refused: an existing or impossible key, a value that its
     /// field cannot hold, content of another length than its record says. Links to missing records
     /// and circles of parents are taken: what a store holds can be put into another one.
-    virtual Status fill(const std::function<Status(Receiver& store)>& work) = 0;
+    virtual Status replaceAll(const std::function<Status(Receiver& store)>& work) = 0;
 
     // Backups ------------------------------------------------------------------------------------
 

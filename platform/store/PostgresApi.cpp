@@ -289,7 +289,7 @@ bool Connection::wait(short events) {
     for (;;) {
         const auto silent =
             std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin).count();
-        if (m_hurried && m_silentMs > 0 && silent >= m_silentMs) {
+        if (m_timeLimited && m_silentMs > 0 && silent >= m_silentMs) {
             close();
             m_end = End::Silent;
             return false;
@@ -311,7 +311,7 @@ bool Connection::flush() {
         const int left = PQflush(get());
         if (left <= 0)
             return left == 0;
-        // A server whose own words nobody takes may stop to listen.
+        // If its output is not read, the server blocks and no longer reads ours.
         if (!wait(POLLIN | POLLOUT) || PQconsumeInput(get()) == 0)
             return false;
     }
@@ -367,7 +367,7 @@ bool Connection::alive() {
             break;
         if (PQconsumeInput(get()) == 0)
             break;
-        PQisBusy(get()); // reads what has come: a parting word of the server among it
+        PQisBusy(get()); // reads a final error message, if any
     }
     if (!usable())
         close();

@@ -99,15 +99,15 @@ public:
     /// connection is closed.
     Status failure(std::string_view what, const PGresult* result);
 
-    /// Waits without end for one that has much to do, as long as it lives.
-    class Unhurried {
+    /// Lifts the time limit on an answer while it exists; the connection still has to stay alive.
+    class NoTimeoutScope {
     public:
-        explicit Unhurried(Connection& connection)
+        explicit NoTimeoutScope(Connection& connection)
             : m_connection(connection)
-            , m_before(std::exchange(connection.m_hurried, false)) {}
-        ~Unhurried() { m_connection.m_hurried = m_before; }
-        Unhurried(const Unhurried&) = delete;
-        Unhurried& operator=(const Unhurried&) = delete;
+            , m_before(std::exchange(connection.m_timeLimited, false)) {}
+        ~NoTimeoutScope() { m_connection.m_timeLimited = m_before; }
+        NoTimeoutScope(const NoTimeoutScope&) = delete;
+        NoTimeoutScope& operator=(const NoTimeoutScope&) = delete;
 
     private:
         Connection& m_connection;
@@ -126,7 +126,7 @@ private:
     unsigned m_made = 0;
     int m_streamed = 0; ///< bytes of the COPY under way, as far as that matters
     int m_silentMs = 0; ///< so long a server may be silent; 0: for ever
-    bool m_hurried = true;
+    bool m_timeLimited = true;
     End m_end = End::None; ///< why the connection was closed here
 };
 

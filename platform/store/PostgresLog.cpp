@@ -62,7 +62,7 @@ Status PostgresStore::readLog(int64_t cursor, int limit, std::vector<Change>* ch
         const int64_t pruned = isNull(row, 0, 0) ? 0 : integerAt(row, 0, 0);
         const int64_t newest = integerAt(row, 0, 1);
         m_known = newest;
-        // A cursor beyond the end is one of another life of this database.
+        // The cursor was taken before the store was recreated or restored.
         if (cursor < pruned || cursor > newest)
             return {LogPruned, "Журнал изменений не достаёт до события " + std::to_string(cursor) +
                                    ": он начинается после " + std::to_string(pruned)};
@@ -76,7 +76,7 @@ Status PostgresStore::readLog(int64_t cursor, int limit, std::vector<Change>* ch
 
 Status PostgresStore::pruneLog(int64_t id) {
     return guarded([&] {
-        const Connection::Unhurried unhurried(m_connection);
+        const Connection::NoTimeoutScope noTimeout(m_connection);
         return inWrite([&] {
             return send("DELETE FROM public.\"NciEvent\" WHERE \"id\" <= $1",
                         Parameters().integer(id), logName, true);
@@ -124,7 +124,7 @@ Status PostgresStore::integrity(std::vector<std::string>* damages) {
         const Status status = ready();
         if (!status.ok())
             return status;
-        const Connection::Unhurried unhurried(m_connection); // all there is gets read
+        const Connection::NoTimeoutScope noTimeout(m_connection); // all there is gets read
         std::vector<std::string> found;
         const auto lines = [&](const std::string& sql) -> Status {
             const Result result = m_connection.execute(sql);

@@ -34,7 +34,7 @@ Status PostgresStore::measure(Amount* amount) {
 
 Status PostgresStore::selectInOrder(const TableDef& table,
                                     const std::function<Status(const Row& row)>& each) {
-    const Connection::Unhurried unhurried(m_connection); // sorts before the first row
+    const Connection::NoTimeoutScope noTimeout(m_connection); // sorts before the first row
     return copyOut(m_connection,
                    "COPY (SELECT " + fieldList(table) + " FROM " + qualified(table.name) +
                        " ORDER BY lower(\"KeyLink\")) TO STDOUT (FORMAT binary)",
@@ -51,7 +51,7 @@ Status PostgresStore::contentPieces(const std::string& key,
 }
 
 Status PostgresStore::clearAll() {
-    const Connection::Unhurried unhurried(m_connection); // each row writes the log
+    const Connection::NoTimeoutScope noTimeout(m_connection); // each row writes the log
     Status status = send("DELETE FROM public.\"MenuResourceFile\"", {}, contentName, true);
     for (auto table = tables().rbegin(); status.ok() && table != tables().rend(); ++table)
         status = send("DELETE FROM " + qualified(table->name), {}, inTable(*table), true);
@@ -73,7 +73,7 @@ Status PostgresStore::contentPiece(std::string_view piece) {
 }
 
 Status PostgresStore::endContent() {
-    const Connection::Unhurried unhurried(m_connection); // a large file, a slow disk
+    const Connection::NoTimeoutScope noTimeout(m_connection); // a large file, a slow disk
     const Status status = m_content->end();
     m_content.reset();
     return status;
@@ -103,7 +103,7 @@ Status PostgresStore::selectChanges(const std::string& which, std::vector<Change
         return status;
     if (!isText(which))
         return {BadArguments, std::string(logName) + ": недопустимый знак в условии"};
-    const Connection::Unhurried unhurried(m_connection); // a long log
+    const Connection::NoTimeoutScope noTimeout(m_connection); // a long log
     const Result result = m_connection.query(
         "SELECT \"id\", \"code\", \"tableName\", \"key\", \"login\", \"time\", \"after\", "
         "\"before\" FROM public.\"NciEvent\"" +
@@ -120,7 +120,7 @@ Status PostgresStore::logBefore(double time, int64_t* id, int64_t* count) {
         const Status status = ready();
         if (!status.ok())
             return status;
-        const Connection::Unhurried unhurried(m_connection); // a long log
+        const Connection::NoTimeoutScope noTimeout(m_connection); // a long log
         const Result result = m_connection.query(
             "SELECT coalesce(max(\"id\"), 0), count(*) FROM public.\"NciEvent\" WHERE \"id\" < "
             "coalesce((SELECT min(\"id\") FROM public.\"NciEvent\" WHERE \"time\" >= $1), "

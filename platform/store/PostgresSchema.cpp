@@ -65,7 +65,7 @@ Status migrate(Connection& connection, const MigrationSteps& steps, const Dictio
     const char what[] = "Обновление хранилища";
     if (std::string_view(PQparameterStatus(connection.get(), "server_encoding")) != "UTF8")
         return {Refused, "Кодировка базы не UTF8"};
-    const Connection::Unhurried unhurried(connection);
+    const Connection::NoTimeoutScope noTimeout(connection);
     const auto run = [&](const std::string& sql) {
         if (!status.ok())
             return;

@@ -81,7 +81,7 @@ Status PostgresStore::connect() {
         if (!status.ok())
             return status;
     }
-    // As long as this lock is held, the session may still be at work; see findOut.
+    // As long as this lock is held, the session may still be at work; see resolveCommitOutcome.
     const std::string session = sessionNumber();
     if (session.empty())
         return {Failed, "Система не даёт случайных чисел"};

@@ -117,7 +117,7 @@ private:
     /// Waits for everything sent, and leaves the stream.
     Status settle();
     /// After the connection broke at a commit: whether the transaction is in the log.
-    Status findOut(const std::string& call, int64_t since, const std::string& session);
+    Status resolveCommitOutcome(const std::string& call, int64_t since, const std::string& session);
 
     const Url m_url;
     const std::string m_asLogin; ///< to write under; empty: the session's user

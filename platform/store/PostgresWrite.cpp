@@ -183,10 +183,11 @@ Status PostgresStore::inWrite(const Work& work) {
         return {status.code, notSaved + status.text};
     if (m_connection.givenUp()) // and so is the search for the outcome
         return {Timeout, status.text + unknownOutcome};
-    return findOut(call, since, session);
+    return resolveCommitOutcome(call, since, session);
 }
 
-Status PostgresStore::findOut(const std::string& call, int64_t since, const std::string& session) {
+Status PostgresStore::resolveCommitOutcome(const std::string& call, int64_t since,
+                                           const std::string& session) {
     const std::string lost = "Соединение с базой потеряно при записи";
     const Status unknown = {ConnectionBroken, lost + unknownOutcome};
     const auto end = std::chrono::steady_clock::now() + outcomePatience;
@@ -255,7 +256,7 @@ Status PostgresStore::applyContent(const Write& write, std::string_view bytes) {
         status = settle();
     if (!status.ok() || bytes.empty())
         return status;
-    const Connection::Unhurried unhurried(m_connection); // a large file, a slow disk
+    const Connection::NoTimeoutScope noTimeout(m_connection); // a large file, a slow disk
     return copyIn(m_connection, copyContentIn, "Содержимое файла", write.key, bytes);
 }
 

@@ -346,7 +346,7 @@ Status SqliteStore::readLog(int64_t cursor, int limit, std::vector<Change>* chan
                 done = m_connection.failure(what);
             if (!done.ok())
                 return done;
-            // A cursor beyond the end is one of another life of this file.
+            // The cursor was taken before the store was recreated or restored.
             if (cursor < pruned || cursor > newest)
                 return {LogPruned, "Журнал изменений не достаёт до события " +
                                        std::to_string(cursor) + ": он начинается после " +

@@ -60,7 +60,7 @@ public:
 
     Status history(const LogQuery& query, int limit, std::vector<Change>* changes) final;
     Status writeOut(Receiver& into) final;
-    Status fill(const std::function<Status(Receiver& store)>& work) final;
+    Status replaceAll(const std::function<Status(Receiver& store)>& work) final;
     Status loginAdd(const User& user) final;
     Status missingLogins(std::vector<std::string>* logins) override;
 

@@ -173,7 +173,7 @@ private:
     uint64_t m_left = 0; ///< of the open content
 };
 
-Status StoreCore::fill(const std::function<Status(Receiver& store)>& work) {
+Status StoreCore::replaceAll(const std::function<Status(Receiver& store)>& work) {
     return guarded([&] {
         return inWrite([&]() -> Status {
             Status status = clearAll();

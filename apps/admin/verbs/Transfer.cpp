@@ -85,7 +85,7 @@ int importAll(const Invocation& call) {
     {
         ProgressLine progress(call, "загрузка");
         const store::Progress look = std::ref(progress);
-        require(store->fill([&](store::Receiver& into) {
+        require(store->replaceAll([&](store::Receiver& into) {
             return readExport(stream.get(), size, into, look, &count);
         }),
                 what);
