@@ -1,5 +1,7 @@
 #include "apps/client/FileMirror.h"
 
+#include "frame/Vocabulary.h"
+
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -17,25 +19,24 @@ constexpr int gatherMs = 30; ///< changes that come together are one comparison
 /// Whether a change of that record can move, name, add or remove a file of the area. A comparison
 /// takes the longer the more files there are, and most changes of a catalogue are about others.
 bool concernsFiles(const store::Change& change) {
-    constexpr int fileType = 4;
-    const bool isFolder = change.table == "MenuResourceFolder";
-    if (!isFolder && change.table != "MenuResource")
+    namespace field = orvo::field;
+    const bool isFolder = change.table == orvo::table::MenuResourceFolder;
+    if (!isFolder && change.table != orvo::table::MenuResource)
         return false;
     const auto fields = [](const std::string& json) {
         return QJsonDocument::fromJson(QByteArray::fromStdString(json)).object();
     };
-    constexpr int updated = 602;
-    if (change.code == updated) {
+    if (change.code == OrvoEventUpdate) {
         // Only what has changed is told: not of what type the record is.
-        const QStringList placing = isFolder
-                                        ? QStringList{"caption", "ParentKey", "type_"}
-                                        : QStringList{"name_", "MenuResourceFolderKey", "type_"};
+        const QStringList placing =
+            isFolder ? QStringList{field::caption, field::ParentKey, field::type_}
+                     : QStringList{field::name_, field::MenuResourceFolderKey, field::type_};
         const QJsonObject after = fields(change.after);
         return std::any_of(placing.begin(), placing.end(),
-                           [&](const QString& field) { return after.contains(field); });
+                           [&](const QString& name) { return after.contains(name); });
     }
     const QJsonObject record = fields(change.after.size() > 2 ? change.after : change.before);
-    return !record.contains("type_") || record["type_"].toInt() == fileType;
+    return !record.contains(field::type_) || record[field::type_].toInt() == orvo::Kind::File;
 }
 
 } // namespace
@@ -72,7 +73,7 @@ bool FileMirror::start(QString* error) {
 
 void FileMirror::changed(const store::Change& change) {
     // The file area is the files, the folders that make their paths and the records that name them.
-    const bool contents = change.table == "MenuResourceFile";
+    const bool contents = change.table == orvo::table::MenuResourceFile;
     if (m_worker && (contents || concernsFiles(change)))
         ask(gatherMs, contents);
 }

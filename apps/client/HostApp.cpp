@@ -1,5 +1,6 @@
 #include "apps/client/HostApp.h"
 
+#include "frame/Vocabulary.h"
 #include "platform/mdx/MdxBuild.h"
 
 #include <cstring>
@@ -31,7 +32,7 @@ void HostApp::moduleTitle(COrvoCliMod* module, const QString& title, const QStri
 void HostApp::moduleCall(COrvoCliMod* module, int code, void* data) {
     const auto* block = static_cast<const RunBlock*>(data);
     if (code == callRun && block && block->command && block->argument &&
-        std::strcmp(block->command, "RUN_FILE") == 0) {
+        std::strcmp(block->command, orvo::runFileCommand) == 0) {
         emit formRequested(QString::fromStdString(mdx::toUtf8(block->argument)));
         return;
     }

@@ -1,6 +1,7 @@
 #include "apps/client/MirrorWorker.h"
 
 #include "apps/client/MirrorPaths.h"
+#include "frame/Vocabulary.h"
 
 #include <QFile>
 #include <QSaveFile>
@@ -18,7 +19,7 @@ namespace {
 constexpr double sameTime = 0.001;
 constexpr double latestTime = 4294967296.0;
 /// What the editors show at once.
-constexpr std::string_view iconFolder = "icons";
+constexpr std::string_view iconFolder = orvo::iconFolder;
 
 PathParts split(const std::string& path) {
     PathParts parts;
