@@ -1,5 +1,6 @@
 #include "apps/client/MirrorPaths.h"
 
+#include "frame/Vocabulary.h"
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/FolderTree.h"
 
@@ -20,20 +21,19 @@ std::string textOf(const MDArray* array, const char* field, const MDRData* recor
 } // namespace
 
 store::Status plainFolderPaths(store::Store& store, std::set<std::string>* paths) {
-    constexpr int fileKind = 4;
     CMDArray table;
-    store::Status status = store.fetch("MenuResourceFolder", table.array);
+    store::Status status = store.fetch(table::MenuResourceFolder, table.array);
     if (!status.ok())
         return status;
     std::vector<store::FolderRow> rows;
     for (uint32_t i = 0; i < mdx::postedCount(table.array); ++i) {
         const MDRData* record = mdx::postedRecord(table.array, i);
         int32_t kind = 0;
-        MDRGetAsInt32(MDRFldByName(table.array, "type_"), record, &kind);
-        if (kind == fileKind)
-            rows.push_back({textOf(table.array, "KeyLink", record),
-                            textOf(table.array, "ParentKey", record),
-                            textOf(table.array, "caption", record)});
+        MDRGetAsInt32(MDRFldByName(table.array, field::type_), record, &kind);
+        if (kind == Kind::File)
+            rows.push_back({textOf(table.array, field::KeyLink, record),
+                            textOf(table.array, field::ParentKey, record),
+                            textOf(table.array, field::caption, record)});
     }
     std::unordered_map<std::string, const store::FolderRow*> byKey;
     for (const store::FolderRow& row : rows)
