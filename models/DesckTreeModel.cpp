@@ -27,7 +27,7 @@ QVariant DesckTreeModel::data(const QModelIndex& index, int role) const {
     case Qt::EditRole:
         return row.data(index.column());
     case Qt::DecorationRole:
-        return index.column() == Name ? m_icons.icon(iconPath(row)) : QVariant();
+        return index.column() == Name ? m_icons.resource(iconPath(row)) : QVariant();
     case KeyRole:
         return row.data(KeyLink);
     default:

@@ -1,26 +1,70 @@
 #include "models/IconCache.h"
 
-#include <QFileInfo>
+#include "models/IconFile.h"
+#include "models/IconLoader.h"
 
-QIcon IconCache::icon(const QString& path) {
-    // Icon names come from records: a tree full of names without files must not fill the memory.
-    constexpr int limit = 4096;
-    const bool onDisk = !path.startsWith(QLatin1Char(':'));
-    const auto known = m_entries.constFind(path);
-    if (!onDisk && known != m_entries.constEnd())
-        return known->icon;
-    Entry entry;
-    if (onDisk) {
-        const QFileInfo file(path);
-        entry.changed = file.lastModified();
-        entry.size = file.isFile() ? file.size() : -1;
-        if (known != m_entries.constEnd() && known->changed == entry.changed &&
-            known->size == entry.size)
-            return known->icon;
+#include <QIconEngine>
+#include <QPainter>
+
+#include <algorithm>
+
+namespace {
+
+class FileIconEngine : public QIconEngine {
+public:
+    FileIconEngine(std::shared_ptr<IconLoader> loader, std::shared_ptr<IconPicture> picture)
+        : m_loader(std::move(loader))
+        , m_picture(std::move(picture)) {}
+
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode,
+               QIcon::State state) override {
+        noteWidget(painter->device());
+        m_loader->refresh(m_picture);
+        m_picture->icon.paint(painter, rect, Qt::AlignCenter, mode, state);
     }
-    entry.icon = QIcon(path);
-    if (m_entries.size() >= limit)
-        m_entries.clear();
-    m_entries.insert(path, entry);
-    return entry.icon;
+
+    QSize actualSize(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+        // The room is kept, so that a row does not jump when its picture comes.
+        return m_picture->isKnown ? m_picture->icon.actualSize(size, mode, state) : size;
+    }
+
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+        constexpr int patienceMs = 250;
+        m_loader->refresh(m_picture);
+        m_loader->wait(m_picture, patienceMs);
+        return m_picture->icon.pixmap(size, mode, state);
+    }
+
+    QIconEngine* clone() const override { return new FileIconEngine(m_loader, m_picture); }
+
+private:
+    void noteWidget(QPaintDevice* device) {
+        if (!device || device->devType() != QInternal::Widget)
+            return;
+        auto* widget = static_cast<QWidget*>(device);
+        auto& widgets = m_picture->shownOn;
+        if (std::find(widgets.begin(), widgets.end(), widget) == widgets.end())
+            widgets.emplace_back(widget);
+    }
+
+    const std::shared_ptr<IconLoader> m_loader;
+    const std::shared_ptr<IconPicture> m_picture;
+};
+
+} // namespace
+
+IconCache::IconCache() = default;
+IconCache::~IconCache() = default;
+
+QIcon IconCache::resource(const QString& path) {
+    const auto known = m_resources.constFind(path);
+    return known != m_resources.constEnd() ? *known : *m_resources.insert(path, QIcon(path));
+}
+
+QIcon IconCache::file(const QString& folder, const QString& name) {
+    if (name.size() > iconfile::maxNameSize)
+        return {};
+    if (!m_loader)
+        m_loader = IconLoader::shared();
+    return QIcon(new FileIconEngine(m_loader, m_loader->picture(folder, name)));
 }

@@ -1,25 +1,37 @@
-// IconCache.h: the icons of a model's rows, so that painting a row decodes no image.
+// IconCache.h: the icons of a model's rows, so that painting a row reads and decodes no image.
 #ifndef ORVO_MODELS_ICONCACHE_H
 #define ORVO_MODELS_ICONCACHE_H
 
-#include <QDateTime>
 #include <QHash>
 #include <QIcon>
 #include <QString>
 
-/// Gives the icon of an image file or resource. A file on disk that has changed since is read anew,
-/// one that is not there gives an icon without an image.
+#include <memory>
+
+class IconLoader;
+
+/// Gives icons at once. One of a file shows its picture when it has been read on another thread:
+/// views that have painted it are then repainted. Each paint has the file looked at again, so one
+/// that has changed is shown anew by a repaint. A file that is missing, lies outside of its folder,
+/// is no regular one, or is too large (IconFile.h) gives an icon without a picture.
+///
+/// Who takes the pixmap of such an icon instead of painting it cannot be told later; he waits a
+/// moment for the file.
 class IconCache {
 public:
-    QIcon icon(const QString& path);
+    IconCache();
+    ~IconCache();
+    IconCache(const IconCache&) = delete;
+    IconCache& operator=(const IconCache&) = delete;
+
+    /// One of the library's own images, ":/res/...".
+    QIcon resource(const QString& path);
+    /// The image file `name` in `folder`; `name` comes from a record and is not trusted.
+    QIcon file(const QString& folder, const QString& name);
 
 private:
-    struct Entry {
-        QIcon icon;
-        QDateTime changed;
-        qint64 size = -1;
-    };
-    QHash<QString, Entry> m_entries;
+    QHash<QString, QIcon> m_resources;
+    std::shared_ptr<IconLoader> m_loader; ///< null until a file is asked for
 };
 
 #endif

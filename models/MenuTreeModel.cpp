@@ -21,20 +21,6 @@ bool isFolderRow(const TabRec& row) {
     return typeOf(row) == 0;
 }
 
-/// Empty for a row that shows no icon.
-QString iconPath(const TabRec& row, const QString& iconsPath) {
-    if (row.level() == 0)
-        return QStringLiteral(":/res/menu1.png");
-    const QVariant icon = row.data(Icon);
-    if (isFolderRow(row)) {
-        if (!icon.isNull())
-            return iconsPath + icon.toString();
-        return row.isExpanded() ? QStringLiteral(":/res/openfolder1.png")
-                                : QStringLiteral(":/res/closedfolder1.png");
-    }
-    return typeOf(row) > 0 && !icon.isNull() ? iconsPath + icon.toString() : QString();
-}
-
 } // namespace
 
 MenuTreeModel::MenuTreeModel(const QStringList& headers, const QString& iconsPath, QObject*)
@@ -50,17 +36,24 @@ QVariant MenuTreeModel::data(const QModelIndex& index, int role) const {
     case Qt::DisplayRole:
     case Qt::EditRole:
         return row.data(index.column());
-    case Qt::DecorationRole: {
-        if (index.column() != Caption)
-            return {};
-        const QString path = iconPath(row, m_iconsPath);
-        return path.isEmpty() ? QVariant() : m_icons.icon(path);
-    }
+    case Qt::DecorationRole:
+        return index.column() == Caption ? decoration(row) : QVariant();
     case KeyRole:
         return row.data(KeyLink);
     default:
         return {};
     }
+}
+
+QVariant MenuTreeModel::decoration(const TabRec& row) const {
+    if (row.level() == 0)
+        return m_icons.resource(QStringLiteral(":/res/menu1.png"));
+    const QVariant icon = row.data(Icon);
+    if (isFolderRow(row) && icon.isNull())
+        return m_icons.resource(row.isExpanded() ? QStringLiteral(":/res/openfolder1.png")
+                                                 : QStringLiteral(":/res/closedfolder1.png"));
+    return typeOf(row) >= 0 && !icon.isNull() ? m_icons.file(m_iconsPath, icon.toString())
+                                              : QVariant();
 }
 
 bool MenuTreeModel::moveRows(const QModelIndex& sourceParent, int sourceRow, int count,

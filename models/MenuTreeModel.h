@@ -71,6 +71,8 @@ signals:
     void dragdropOperation(const QModelIndex& destindex, QStringList srcList, int opt);
 
 private:
+    QVariant decoration(const TabRec& row) const;
+
     const QString m_iconsPath;
     mutable IconCache m_icons;
 };

@@ -40,18 +40,18 @@ QVariant PopTreeModel::data(const QModelIndex& index, int role) const {
 
 QVariant PopTreeModel::decoration(const TabRec& row) const {
     if (row.data(IsFolder).toBool())
-        return m_icons.icon(row.isExpanded() ? QStringLiteral(":/res/openfolder1.png")
-                                             : QStringLiteral(":/res/closedfolder1.png"));
+        return m_icons.resource(row.isExpanded() ? QStringLiteral(":/res/openfolder1.png")
+                                                 : QStringLiteral(":/res/closedfolder1.png"));
     switch (m_objectType) {
     case Kind::Module:
-        return m_icons.icon(QStringLiteral(":/res/modul1.png"));
+        return m_icons.resource(QStringLiteral(":/res/modul1.png"));
     case Kind::Function:
-        return m_icons.icon(QStringLiteral(":/res/function1.png"));
+        return m_icons.resource(QStringLiteral(":/res/function1.png"));
     case Kind::Form:
-        return m_icons.icon(QStringLiteral(":/res/file1.png"));
+        return m_icons.resource(QStringLiteral(":/res/file1.png"));
     case Kind::File:
-        return m_icons.icon(m_showFileIcons ? m_initialFolderPath + row.data(Name).toString()
-                                            : QStringLiteral(":/res/file1.png"));
+        return m_showFileIcons ? m_icons.file(m_initialFolderPath, row.data(Name).toString())
+                               : m_icons.resource(QStringLiteral(":/res/file1.png"));
     default:
         return {};
     }

@@ -74,28 +74,28 @@ QVariant ResTreeModel::decoration(const TabRec& row, int column) const {
     switch (column) {
     case Name:
         if (row.data(IsFolder).toBool())
-            return m_icons.icon(row.isExpanded() ? QStringLiteral(":/res/openfolder1.png")
-                                                 : QStringLiteral(":/res/closedfolder1.png"));
+            return m_icons.resource(row.isExpanded() ? QStringLiteral(":/res/openfolder1.png")
+                                                     : QStringLiteral(":/res/closedfolder1.png"));
         if (type == Kind::Module)
-            return m_icons.icon(QStringLiteral(":/res/modul1.png"));
+            return m_icons.resource(QStringLiteral(":/res/modul1.png"));
         if (type == Kind::Function)
-            return m_icons.icon(QStringLiteral(":/res/function1.png"));
+            return m_icons.resource(QStringLiteral(":/res/function1.png"));
         if (type == Kind::Form || type == Kind::File)
-            return m_icons.icon(QStringLiteral(":/res/file1.png"));
+            return m_icons.resource(QStringLiteral(":/res/file1.png"));
         return {};
     case Lock: {
         const QVariant blocked = row.data(Blocked);
         if (type != Kind::Form || blocked.isNull())
             return {};
         if (blocked.toInt() == 1)
-            return m_icons.icon(QStringLiteral(":/res/blocked1.png"));
+            return m_icons.resource(QStringLiteral(":/res/blocked1.png"));
         if (blocked.toInt() == 2)
-            return m_icons.icon(QStringLiteral(":/res/blocked5.png"));
+            return m_icons.resource(QStringLiteral(":/res/blocked5.png"));
         return {};
     }
     case Icon: {
         const QVariant icon = row.data(Icon);
-        return icon.isNull() ? QVariant() : m_icons.icon(m_iconsPath + icon.toString());
+        return icon.isNull() ? QVariant() : m_icons.file(m_iconsPath, icon.toString());
     }
     default:
         return {};
