@@ -210,13 +210,14 @@ void Client::reopenModules(const QString& why) {
 void Client::openForm(const QString& request) {
     const WaitCursor wait;
     QString error;
-    const bool opened =
+    FormWindow* form =
         app::openForm(client::sessionStore(*m_session), request, m_window.get(), &error);
-    if (!opened) {
+    if (form) {
+        connect(form, &FormWindow::problem, this,
+                [this](const QString& text) { fail(QStringLiteral("Форма"), text); });
+    } else {
         m_window->logPane()->add(LogError, QStringLiteral("Клиент"), error);
         m_window->showError(error);
-    } else if (!error.isEmpty()) {
-        fail(QStringLiteral("Клиент"), error);
     }
 }
 

@@ -1,139 +1,19 @@
 #include "apps/client/FormViewer.h"
 
-#include "platform/mdx/MdxBuild.h"
+#include "apps/client/FormView.h"
+#include "apps/client/Look.h"
+#include "apps/formview/FormMark.h"
 
-#include <QBuffer>
+#include <QCoreApplication>
 #include <QFile>
-#include <QFileInfo>
-#include <QFontDatabase>
-#include <QImageReader>
-#include <QLabel>
-#include <QPlainTextEdit>
-#include <QScrollArea>
 #include <QTabWidget>
-#include <QTemporaryDir>
-#include <QTextCodec>
-#include <QUiLoader>
 #include <QVBoxLayout>
 
 #include <algorithm>
-#include <memory>
 
 namespace orvo::app {
 
 namespace {
-
-QWidget* scrolled(QWidget* content, const QSize& least) {
-    auto* area = new QScrollArea;
-    area->setFrameShape(QFrame::NoFrame);
-    content->setMinimumSize(content->minimumSize().expandedTo(least));
-    area->setWidgetResizable(true);
-    area->setWidget(content);
-    return area;
-}
-
-/// A Designer form, alive. Null if the bytes are none, with the reason in `damage` if they were to
-/// be one.
-QWidget* asForm(const QByteArray& bytes, const QString& name, const QString& directory,
-                QString* damage) {
-    const bool isNamed = name.endsWith(QLatin1String(".ui"), Qt::CaseInsensitive);
-    const bool isMarked = bytes.left(4096).contains("<ui");
-    if (!isNamed && !isMarked)
-        return nullptr;
-    QBuffer buffer;
-    buffer.setData(bytes);
-    buffer.open(QIODevice::ReadOnly);
-    QUiLoader loader;
-    loader.clearPluginPaths(); // a stored form brings no code with it
-    loader.setWorkingDirectory(directory);
-    QWidget* form = loader.load(&buffer);
-    if (!form) {
-        // A text that merely mentions the mark is no form.
-        const QByteArray start = bytes.left(4096).trimmed();
-        if (isNamed || start.startsWith("<?xml") || start.startsWith("<ui"))
-            *damage = loader.errorString();
-        return nullptr;
-    }
-    const QSize size = form->size();
-    form->setWindowFlags(Qt::Widget);
-    return scrolled(form, size);
-}
-
-/// A picture. Null if the bytes are none, with the reason in `damage` if they were to be one.
-QWidget* asPicture(const QByteArray& bytes, const QString& name, QString* damage) {
-    QBuffer buffer;
-    buffer.setData(bytes);
-    buffer.open(QIODevice::ReadOnly);
-    QImageReader reader(&buffer);
-    constexpr int largestSide = 16384; // a picture's header may claim anything
-    if (!reader.canRead()) {
-        const QByteArray suffix = QFileInfo(name).suffix().toLower().toLatin1();
-        if (QImageReader::supportedImageFormats().contains(suffix))
-            *damage = reader.errorString();
-        return nullptr;
-    }
-    const QSize size = reader.size();
-    if (size.width() > largestSide || size.height() > largestSide) {
-        *damage =
-            QStringLiteral("рисунок %1 × %2 слишком велик").arg(size.width()).arg(size.height());
-        return nullptr;
-    }
-    const QImage image = reader.read();
-    if (image.isNull()) {
-        *damage = reader.errorString();
-        return nullptr;
-    }
-    auto* label = new QLabel;
-    label->setAlignment(Qt::AlignCenter);
-    label->setPixmap(QPixmap::fromImage(image));
-    return scrolled(label, image.size());
-}
-
-QString decode(const QByteArray& bytes) {
-    QTextCodec::ConverterState state;
-    const QString text =
-        QTextCodec::codecForName("UTF-8")->toUnicode(bytes.constData(), bytes.size(), &state);
-    if (state.invalidChars == 0 && state.remainingChars == 0)
-        return text;
-    return QString::fromStdString(
-        mdx::toUtf8({bytes.constData(), static_cast<size_t>(bytes.size())}));
-}
-
-QWidget* asText(const QByteArray& bytes) {
-    constexpr int most = 1 << 20;
-    constexpr int dumped = 4096;
-    QString text;
-    if (bytes.contains('\0')) {
-        text = QStringLiteral("Двоичный файл, %1 байт\n\n").arg(bytes.size());
-        for (int row = 0; row < std::min(bytes.size(), dumped); row += 16)
-            text += QString::fromLatin1(bytes.mid(row, 16).toHex(' ')) + QLatin1Char('\n');
-    } else {
-        text = decode(bytes.left(most));
-        if (bytes.size() > most)
-            text += QStringLiteral("\n… показан первый мегабайт");
-    }
-    auto* view = new QPlainTextEdit(text);
-    view->setReadOnly(true);
-    view->setFrameShape(QFrame::NoFrame);
-    view->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    return view;
-}
-
-/// A word above a view.
-QWidget* withNotice(QWidget* view, const QString& notice) {
-    auto* label = new QLabel(notice);
-    label->setObjectName(QStringLiteral("damageLabel"));
-    label->setTextFormat(Qt::PlainText);
-    label->setWordWrap(true);
-    label->setMargin(8);
-    label->setStyleSheet(QStringLiteral("background:#fbe9e7;color:#9c2a20"));
-    auto* both = new QWidget;
-    auto* column = new QVBoxLayout(both);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->addWidget(label);
-    column->addWidget(view, 1);
-    return both;
-}
 
 /// The files of the longest form name that the request begins with.
 store::Status find(store::Store& store, const QString& request, QString* name,
@@ -151,9 +31,70 @@ store::Status find(store::Store& store, const QString& request, QString* name,
     return {};
 }
 
+formview::Document makeDocument(const store::StoredFile& file, const QString& directory) {
+    formview::Document document;
+    document.name = QString::fromStdString(file.name);
+    document.size = static_cast<qint64>(file.bytes.size());
+    document.bytes =
+        QByteArray(file.bytes.data(),
+                   static_cast<int>(std::min<qint64>(document.size, formview::largestFile)));
+    document.directory = directory;
+    return document;
+}
+
 } // namespace
 
-QWidget* openForm(store::Store& store, const QString& request, QWidget* parent, QString* error) {
+FormWindow::FormWindow(const QString& program, const QString& name,
+                       const std::vector<store::StoredFile>& files, const ProcessLimits& limits,
+                       QWidget* parent)
+    : QWidget(parent, Qt::Window)
+    , m_tabs(new QTabWidget(this)) {
+    setObjectName(QStringLiteral("formWindow"));
+    setWindowTitle(QStringLiteral("Форма — %1").arg(oneLine(name)));
+    m_tabs->setDocumentMode(true);
+    m_tabs->setTabBarAutoHide(true);
+    m_tabs->setElideMode(Qt::ElideMiddle);
+    auto* fill = new QVBoxLayout(this);
+    fill->setContentsMargins(0, 0, 0, 0);
+    fill->addWidget(m_tabs);
+    resize(640, 480);
+
+    std::vector<formview::Document> documents;
+    for (const store::StoredFile& file : files) {
+        documents.push_back(makeDocument(file, m_beside.path()));
+        if (!m_beside.isValid() || !store::isPlainFileName(file.name))
+            continue;
+        QFile copy(m_beside.filePath(documents.back().name));
+        if (copy.open(QIODevice::WriteOnly))
+            copy.write(file.bytes.data(), static_cast<qint64>(file.bytes.size()));
+    }
+    std::stable_partition(documents.begin(), documents.end(), [](const auto& document) {
+        return formview::looksLikeForm(document.bytes, document.name);
+    });
+    for (formview::Document& document : documents) {
+        const QString title = oneLine(document.name);
+        auto* view = new FormView(program, std::move(document), limits);
+        connect(view, &FormView::problem, this, &FormWindow::problem);
+        connect(view, &FormView::shown, this, [this, view] { fit(view); });
+        m_tabs->addTab(view, QString(title).replace(QLatin1Char('&'), QLatin1String("&&")));
+    }
+    m_tabs->setCurrentIndex(0);
+}
+
+/// Once, as large as the first file likes it.
+void FormWindow::fit(QWidget* view) {
+    if (!std::exchange(m_isFitted, true))
+        resize((size() - view->size() + view->sizeHint().boundedTo({1280, 900}))
+                   .expandedTo({640, 480})
+                   .boundedTo({1280, 900}));
+}
+
+QString formViewProgram() {
+    return QCoreApplication::applicationDirPath() + QStringLiteral("/orvo-form-view");
+}
+
+FormWindow* openForm(store::Store& store, const QString& request, QWidget* parent, QString* error,
+                     const QString& program, const ProcessLimits& limits) {
     QString name;
     std::vector<store::StoredFile> files;
     const store::Status status = find(store, request, &name, &files);
@@ -166,63 +107,10 @@ QWidget* openForm(store::Store& store, const QString& request, QWidget* parent, 
         *error = QStringLiteral("Форма «%1» не найдена или не имеет файлов.").arg(name);
         return nullptr;
     }
-    // Pictures that a Designer form names lie beside it.
-    const QTemporaryDir beside;
-    for (const store::StoredFile& file : files) {
-        if (!beside.isValid() || !store::isPlainFileName(file.name))
-            continue;
-        QFile copy(beside.filePath(QString::fromStdString(file.name)));
-        if (copy.open(QIODevice::WriteOnly))
-            copy.write(file.bytes.data(), static_cast<qint64>(file.bytes.size()));
-    }
-
-    auto window = std::make_unique<QWidget>(parent, Qt::Window);
+    auto* window = new FormWindow(program, name, files, limits, parent);
     window->setAttribute(Qt::WA_DeleteOnClose);
-    window->setObjectName(QStringLiteral("formWindow"));
-    window->setWindowTitle(QStringLiteral("Форма — %1").arg(name));
-    auto* tabs = new QTabWidget(window.get());
-    tabs->setDocumentMode(true);
-    tabs->setTabBarAutoHide(true);
-    // The form itself is what the user came for.
-    struct Rest {
-        const store::StoredFile* file;
-        QString damage;
-    };
-    std::vector<Rest> rest;
-    for (const store::StoredFile& file : files) {
-        const QString title = QString::fromStdString(file.name);
-        QString damage;
-        if (QWidget* form =
-                asForm(QByteArray::fromStdString(file.bytes), title, beside.path(), &damage))
-            tabs->addTab(form, title);
-        else
-            rest.push_back({&file, damage});
-    }
-    QStringList damaged;
-    for (auto& [file, damage] : rest) {
-        const QByteArray bytes = QByteArray::fromStdString(file->bytes);
-        const QString title = QString::fromStdString(file->name);
-        QWidget* view = damage.isEmpty() ? asPicture(bytes, title, &damage) : nullptr;
-        if (!view)
-            view = asText(bytes);
-        if (!damage.isEmpty()) {
-            view = withNotice(
-                view,
-                QStringLiteral("Файл «%1» повреждён и показан как есть: %2").arg(title, damage));
-            damaged << title;
-        }
-        tabs->addTab(view, title);
-    }
-    if (!damaged.isEmpty())
-        *error = QStringLiteral("Форма «%1»: повреждены файлы %2.")
-                     .arg(name, damaged.join(QStringLiteral(", ")));
-    tabs->setCurrentIndex(0);
-    auto* fill = new QVBoxLayout(window.get());
-    fill->setContentsMargins(0, 0, 0, 0);
-    fill->addWidget(tabs);
-    window->resize(tabs->sizeHint().expandedTo({640, 480}).boundedTo({1280, 900}));
     window->show();
-    return window.release();
+    return window;
 }
 
 } // namespace orvo::app

@@ -2,21 +2,52 @@
 #ifndef ORVO_APPS_CLIENT_FORMVIEWER_H
 #define ORVO_APPS_CLIENT_FORMVIEWER_H
 
+#include "apps/client/FormProcess.h"
 #include "platform/store/Store.h"
 
 #include <QString>
+#include <QTemporaryDir>
+#include <QWidget>
 
-class QWidget;
+class QTabWidget;
 
 namespace orvo::app {
 
-/// Opens a window on the stored files of the form that `request` names: Qt Designer forms live,
-/// pictures as pictures, the rest as text; one tab for each file if there are several. `request` is
-/// the form's name, or the name, ";" and parameters; a name may hold ";" itself, so the longest one
-/// that exists is meant. The window deletes itself when closed, and belongs to `parent`. A file
-/// that is damaged is shown as text with a word of it above, and `error` names it too; else `error`
-/// stays as it was. Null, with one line in `error`, if there is no such form or it has no files.
-QWidget* openForm(store::Store& store, const QString& request, QWidget* parent, QString* error);
+/// The stored files of one form, each in a tab of its own: Qt Designer forms live, pictures as
+/// pictures, the rest as text. Each tab that has been looked at has a process of its own
+/// (FormView.h), so that nothing in a file can hold up or end the client or another tab. Forms come
+/// first: they are what the user came for.
+class FormWindow : public QWidget {
+    Q_OBJECT
+public:
+    /// `program` shows a file.
+    FormWindow(const QString& program, const QString& name,
+               const std::vector<store::StoredFile>& files, const ProcessLimits& limits,
+               QWidget* parent);
+
+    const QTabWidget* tabs() const { return m_tabs; }
+
+signals:
+    /// A file is damaged or cannot be shown; one line.
+    void problem(const QString& text);
+
+private:
+    void fit(QWidget* view);
+
+    QTemporaryDir m_beside; ///< the files, for forms that name pictures
+    QTabWidget* m_tabs;     ///< child
+    bool m_isFitted = false;
+};
+
+/// The program that shows files, beside this one.
+QString formViewProgram();
+
+/// Opens a window on the stored files of the form that `request` names: the form's name, or the
+/// name, ";" and parameters; a name may hold ";" itself, so the longest one that exists is meant.
+/// The window deletes itself when closed, and belongs to `parent`. Null, with one line in `error`,
+/// if there is no such form or it has no files.
+FormWindow* openForm(store::Store& store, const QString& request, QWidget* parent, QString* error,
+                     const QString& program = formViewProgram(), const ProcessLimits& limits = {});
 
 } // namespace orvo::app
 

@@ -36,13 +36,27 @@ QPalette calmPalette() {
 
 } // namespace
 
+QString clipped(const QString& text, int longest) {
+    return text.size() > longest ? text.left(longest) + QChar(0x2026) : text;
+}
+
 QString plainToolTip(const QString& text, const QString& hint) {
     QString tip;
     if (!text.isEmpty())
-        tip = QStringLiteral("<p style='white-space:pre-wrap'>%1</p>").arg(text.toHtmlEscaped());
+        tip = QStringLiteral("<p style='white-space:pre-wrap'>%1</p>")
+                  .arg(clipped(text).toHtmlEscaped());
     if (!hint.isEmpty())
         tip += QStringLiteral("<p>%1</p>").arg(hint.toHtmlEscaped());
     return tip;
+}
+
+QString oneLine(QString text) {
+    constexpr int longest = 120;
+    text = clipped(text, longest);
+    for (QChar& letter : text)
+        if (!letter.isPrint())
+            letter = QLatin1Char(' ');
+    return text;
 }
 
 void applyLook() {

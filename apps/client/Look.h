@@ -10,6 +10,13 @@ namespace orvo::app {
 /// hold what reads as markup. With `hint` a line of our own below it. Empty for two empty texts.
 QString plainToolTip(const QString& text, const QString& hint = {});
 
+/// As much of a text from elsewhere as is worth laying out; the end of a longer one as "…".
+QString clipped(const QString& text, int longest = 2000);
+
+/// A text from elsewhere as the title of a tab or window: control characters as blanks, and the end
+/// of a long one as "…".
+QString oneLine(QString text);
+
 /// To be called once, after the QApplication is made and before the first window.
 void applyLook();
 

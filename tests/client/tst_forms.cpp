@@ -1,59 +1,40 @@
-// Stored forms shown in a window.
+// Stored forms shown in a window, by the process beside the client.
+#include "apps/client/FormView.h"
 #include "apps/client/FormViewer.h"
 #include "apps/client/HostApp.h"
-#include "tests/client/HostFixture.h"
+#include "apps/formview/Content.h"
+#include "tests/client/FormBench.h"
 
-#include <QBuffer>
-#include <QImage>
 #include <QLabel>
-#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QtTest>
 
+#include <csignal>
+
 using namespace orvo;
 using namespace orvo::test;
+using app::FormView;
 
 namespace {
 
 const char* const designerForm = R"(<?xml version="1.0" encoding="UTF-8"?>
 <ui version="4.0"><class>Form</class><widget class="QWidget" name="Form">
 <property name="geometry"><rect><x>0</x><y>0</y><width>320</width><height>200</height></rect></property>
-<widget class="QPushButton" name="start"><property name="geometry"><rect><x>10</x><y>10</y>
+<widget class="QCheckBox" name="start"><property name="geometry"><rect><x>10</x><y>10</y>
+<width>100</width><height>30</height></rect></property></widget>
+<widget class="QFrame" name="lamp"><property name="geometry"><rect><x>100</x><y>100</y>
+<width>50</width><height>50</height></rect></property><property name="visible"><bool>false</bool></property>
+<property name="styleSheet"><string>background:#ff00ff</string></property></widget>
+<widget class="QLineEdit" name="edit"><property name="geometry"><rect><x>10</x><y>60</y>
+<width>100</width><height>30</height></rect></property></widget>
+<widget class="QComboBox" name="list"><property name="geometry"><rect><x>200</x><y>10</y>
 <width>100</width><height>30</height></rect></property>
-<property name="text"><string>Пуск насоса</string></property></widget></widget></ui>)";
-
-QByteArray png(int width, int height) {
-    QImage image(width, height, QImage::Format_RGB32);
-    image.fill(Qt::darkGreen);
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "PNG");
-    return bytes;
-}
-
-struct Bench : Host {
-    Module module{&app};
-    Bench() {
-        write("MenuResourceFolder", 1,
-              {{"KeyLink", "f"}, {"type_", "3"}, {"caption", "формы отображения"}});
-    }
-    void put(const QList<QPair<QString, QByteArray>>& files) {
-        CToolFormPut tool(&module);
-        for (const auto& [name, bytes] : files)
-            tool.AddFile(name, bytes.constData(), bytes.size(), 1);
-        tool.Perform(false);
-    }
-    std::unique_ptr<QWidget> open(const QString& request, QString* error = nullptr) {
-        QString ignored;
-        std::unique_ptr<QWidget> window(
-            app::openForm(store(), request, nullptr, error ? error : &ignored));
-        if (window)
-            window->setAttribute(Qt::WA_DeleteOnClose, false);
-        return window;
-    }
-};
+<property name="styleSheet"><string>QAbstractItemView { background:#00ffff }</string></property>
+<item><property name="text"><string>a</string></property></item>
+<item><property name="text"><string>b</string></property></item></widget>
+</widget><connections><connection><sender>start</sender><signal>toggled(bool)</signal>
+<receiver>lamp</receiver><slot>setVisible(bool)</slot></connection></connections></ui>)";
 
 } // namespace
 
@@ -61,50 +42,111 @@ class TestForms : public QObject {
     Q_OBJECT
 private slots:
     void aDesignerFormIsLive() {
-        Bench bench;
+        FormBench bench;
         bench.put({{"котёл_", designerForm}, {"котёл.png", png(20, 10)}, {"котёл.txt", "текст"}});
         auto window = bench.open("котёл_");
         QVERIFY(window);
         QVERIFY(window->isVisible());
         QVERIFY(window->windowTitle().contains("котёл_"));
-        auto* button = window->findChild<QPushButton*>("start");
-        QVERIFY(button);
-        QCOMPARE(button->text(), QString("Пуск насоса"));
-        QSignalSpy clicked(button, &QPushButton::clicked);
-        QTest::mouseClick(button, Qt::LeftButton);
-        QCOMPARE(clicked.count(), 1);
-        auto* tabs = window->findChild<QTabWidget*>();
-        QCOMPARE(tabs->count(), 3);
-        QCOMPARE(tabs->tabText(0), QString("котёл_"));
+        QCOMPARE(window->tabs()->count(), 3);
+        QCOMPARE(window->tabs()->tabText(0), QString("котёл_"));
+        FormView* view = currentView(*window);
+        QTRY_COMPARE_WITH_TIMEOUT(view->state(), FormView::State::Shown, patienceMs);
+        QTRY_VERIFY(!view->canvas()->image().isNull());
+        QVERIFY(!hasColor(*view, Qt::magenta));
+        QTest::mouseClick(canvasOf(*view), Qt::LeftButton, {}, {20, 25});
+        QTRY_VERIFY(hasColor(*view, Qt::magenta)); // its lamp is on
+        QTest::mouseClick(canvasOf(*view), Qt::LeftButton, {}, {20, 25});
+        QTRY_VERIFY(!hasColor(*view, Qt::magenta));
     }
 
-    void picturesAndTextsAreShownAsWhatTheyAre() {
-        Bench bench;
-        const QByteArray cp1251 = QByteArray("\xcf\xf0\xe8\xe2\xe5\xf2");
-        bench.put({{"a", png(33, 22)},
-                   {"a_utf8", "Привет"},
-                   {"a_win", cp1251},
-                   {"a_bin", QByteArray("\x7f\x00\x01", 3)},
-                   {"a_bad.ui", "<ui version=\"4.0\"><widget class="}});
-        auto window = bench.open("a");
-        QVERIFY(window);
-        auto* tabs = window->findChild<QTabWidget*>();
-        QCOMPARE(tabs->count(), 5);
-        QHash<QString, QString> texts;
-        for (int i = 0; i < tabs->count(); ++i)
-            if (auto* text = qobject_cast<QPlainTextEdit*>(tabs->widget(i)))
-                texts[tabs->tabText(i)] = text->toPlainText();
-            else if (auto* below = tabs->widget(i)->findChild<QPlainTextEdit*>())
-                texts[tabs->tabText(i)] = below->toPlainText();
-        QCOMPARE(texts.value("a_utf8"), QString("Привет"));
-        QCOMPARE(texts.value("a_win"), QString("Привет"));
-        QVERIFY(texts.value("a_bin").contains("7f 00 01"));
-        QVERIFY(texts.value("a_bad.ui").startsWith("<ui"));
-        QVERIFY(!texts.contains("a"));
-        bool picture = false;
-        for (QLabel* label : window->findChildren<QLabel*>())
-            picture = picture || (label->pixmap(Qt::ReturnByValue).size() == QSize(33, 22));
-        QVERIFY(picture);
+    void keysReachTheForm() {
+        FormBench bench;
+        bench.put({{"a.ui", designerForm}});
+        auto window = bench.open("a.ui");
+        FormView* view = currentView(*window);
+        QTRY_VERIFY_WITH_TIMEOUT(!view->canvas()->image().isNull(), patienceMs);
+        QTest::mouseClick(canvasOf(*view), Qt::LeftButton, {}, {20, 25});
+        QTRY_VERIFY(hasColor(*view, Qt::magenta));
+        QTest::keyClick(canvasOf(*view), Qt::Key_Space);
+        QTRY_VERIFY(!hasColor(*view, Qt::magenta));
+    }
+
+    void aListOpensOverTheForm() {
+        FormBench bench;
+        bench.put({{"a.ui", designerForm}});
+        auto window = bench.open("a.ui");
+        FormView* view = currentView(*window);
+        QTRY_VERIFY_WITH_TIMEOUT(!view->canvas()->image().isNull(), patienceMs);
+        QVERIFY(!hasColor(*view, Qt::cyan));
+        QTest::mouseClick(canvasOf(*view), Qt::LeftButton, {}, {250, 25});
+        QTRY_VERIFY(hasColor(*view, Qt::cyan));
+        QTest::keyClick(canvasOf(*view), Qt::Key_Escape);
+        QTRY_VERIFY(!hasColor(*view, Qt::cyan));
+    }
+
+    void theFormFollowsTheSizeOfTheWindow() {
+        FormBench bench;
+        bench.put({{"a.ui", designerForm}});
+        auto window = bench.open("a.ui");
+        FormView* view = currentView(*window);
+        QTRY_VERIFY_WITH_TIMEOUT(!view->canvas()->image().isNull(), patienceMs);
+        window->resize(1000, 850);
+        QTRY_COMPARE(view->canvas()->image().size(), view->canvas()->size());
+        QCOMPARE(view->canvas()->size(), QSize(1000, 850));
+    }
+
+    void aFormLooksAsQtPaintsIt_data() {
+        QTest::addColumn<QString>("name");
+        for (const char* name : {"panel.ui", "units.ui"})
+            QTest::newRow(name) << name;
+    }
+
+    /// Forms of the demonstration, shown by the viewer and in this process.
+    void aFormLooksAsQtPaintsIt() {
+        QFETCH(QString, name);
+        QFile file(qEnvironmentVariable("ORVO_SOURCE_DIR") + "/apps/admin/demo/data/forms/" + name);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        formview::Document document;
+        document.bytes = file.readAll();
+        document.name = name;
+        document.directory = QDir::currentPath();
+        FormBench bench;
+        bench.put({{name, document.bytes}});
+        auto window = bench.open(name);
+        FormView* view = currentView(*window);
+        QTRY_VERIFY_WITH_TIMEOUT(!view->canvas()->image().isNull(), patienceMs);
+        const formview::Content content = formview::makeContent(document);
+        QVERIFY2(content.notice.isEmpty(), qPrintable(content.notice));
+        const auto expected = [&] {
+            content.widget->resize(view->canvas()->size());
+            return content.widget->grab().toImage().convertToFormat(QImage::Format_RGB32);
+        };
+        if (qEnvironmentVariableIsSet("ORVO_KEEP_PICTURES")) {
+            QTest::qWait(2000);
+            expected().save(name + ".expected.png");
+            view->canvas()->image().save(name + ".shown.png");
+        }
+        QTRY_COMPARE(view->canvas()->image().convertToFormat(QImage::Format_RGB32), expected());
+    }
+
+    void aPictureIsShown() {
+        FormBench bench;
+        bench.put({{"a.png", png(33, 22)}});
+        auto window = bench.open("a.png");
+        FormView* view = currentView(*window);
+        QTRY_VERIFY_WITH_TIMEOUT(hasColor(*view, Qt::darkGreen), patienceMs);
+    }
+
+    void aFormShowsThePicturesStoredBesideIt() {
+        FormBench bench;
+        const QByteArray form = R"(<ui version="4.0"><widget class="QLabel" name="Form">
+            <property name="pixmap"><pixmap>котёл.png</pixmap></property></widget></ui>)";
+        bench.put({{"котёл_", form}, {"котёл.png", png(20, 10)}});
+        auto window = bench.open("котёл_");
+        FormView* view = currentView(*window);
+        QTRY_VERIFY_WITH_TIMEOUT(hasColor(*view, Qt::darkGreen), patienceMs);
+        QVERIFY(view->findChild<QLabel*>("damageLabel")->isHidden());
     }
 
     void whatIsDamagedIsSaid_data() {
@@ -129,24 +171,105 @@ private slots:
         QFETCH(QString, name);
         QFETCH(QByteArray, bytes);
         QFETCH(bool, isDamaged);
-        Bench bench;
+        FormBench bench;
         bench.put({{name, bytes}, {name + ".second", "whole"}});
-        QString error;
-        auto window = bench.open(name, &error);
+        auto window = bench.open(name);
         QVERIFY(window);
-        QCOMPARE(window->findChild<QTabWidget*>()->count(), 2);
-        const auto* notice = window->findChild<QLabel*>("damageLabel");
-        QCOMPARE(notice != nullptr, isDamaged);
-        QCOMPARE(!error.isEmpty(), isDamaged);
+        QCOMPARE(window->tabs()->count(), 2);
+        QSignalSpy problems(window.get(), &app::FormWindow::problem);
+        FormView* view = currentView(*window);
+        QTRY_COMPARE_WITH_TIMEOUT(view->state(), FormView::State::Shown, patienceMs);
+        const auto* notice = view->findChild<QLabel*>("damageLabel");
+        QCOMPARE(!notice->isHidden(), isDamaged);
+        QCOMPARE(problems.count(), isDamaged ? 1 : 0);
         if (isDamaged) {
             QVERIFY2(notice->text().contains("«" + name + "»"), qPrintable(notice->text()));
             QVERIFY2(notice->text().size() > 40, qPrintable(notice->text())); // with the reason
-            QVERIFY2(error.contains(name), qPrintable(error));
+            QVERIFY2(problems[0][0].toString().contains(name),
+                     qPrintable(problems[0][0].toString()));
         }
     }
 
+    void aViewerThatEndsIsSaidAndMayBeStartedAgain() {
+        FormBench bench;
+        bench.put({{"a.ui", designerForm}});
+        auto window = bench.open("a.ui");
+        QSignalSpy problems(window.get(), &app::FormWindow::problem);
+        FormView* view = currentView(*window);
+        QTRY_COMPARE_WITH_TIMEOUT(view->state(), FormView::State::Shown, patienceMs);
+        ::kill(static_cast<pid_t>(view->processId()), SIGSEGV);
+        QTRY_COMPARE(view->state(), FormView::State::Failed);
+        QCOMPARE(problems.count(), 1);
+        const auto* failure = view->findChild<QLabel*>("failureLabel");
+        QVERIFY(failure->isVisible());
+        QVERIFY2(failure->text().contains("a.ui"), qPrintable(failure->text()));
+        view->findChild<QPushButton*>()->click();
+        QTRY_COMPARE_WITH_TIMEOUT(view->state(), FormView::State::Shown, patienceMs);
+        QVERIFY(failure->isHidden());
+        QTRY_VERIFY(!view->canvas()->image().isNull());
+    }
+
+    void aViewerThatStopsIsEnded() {
+        FormBench bench;
+        bench.limits.answerMs = 1000;
+        bench.put({{"a.txt", "text"}});
+        auto window = bench.open("a.txt");
+        FormView* view = currentView(*window);
+        QTRY_COMPARE_WITH_TIMEOUT(view->state(), FormView::State::Shown, patienceMs);
+        ::kill(static_cast<pid_t>(view->processId()), SIGSTOP);
+        QTRY_COMPARE(view->state(), FormView::State::Failed);
+        QVERIFY(view->findChild<QLabel*>("failureLabel")->text().contains("не отвечает"));
+    }
+
+    void aViewerThatTakesTooMuchMemoryIsEnded() {
+        FormBench bench;
+        bench.limits.memory = 4 << 20; // less than any needs
+        bench.put({{"a.txt", "text"}});
+        auto window = bench.open("a.txt");
+        FormView* view = currentView(*window);
+        QTRY_COMPARE_WITH_TIMEOUT(view->state(), FormView::State::Failed, patienceMs);
+        const QString text = view->findChild<QLabel*>("failureLabel")->text();
+        // A build without sanitizers may end before Qt has started.
+        QVERIFY2(text.contains("памяти") || text.contains("завершился"), qPrintable(text));
+    }
+
+    void aMissingViewerIsSaid() {
+        FormBench bench;
+        bench.program = "/nowhere/orvo-form-view";
+        bench.put({{"a.txt", "text"}});
+        auto window = bench.open("a.txt");
+        FormView* view = currentView(*window);
+        QTRY_COMPARE(view->state(), FormView::State::Failed);
+        QVERIFY(view->findChild<QLabel*>("failureLabel")->text().contains("не запускается"));
+    }
+
+    void theViewerEndsWithItsWindow() {
+        FormBench bench;
+        bench.put({{"a.txt", "text"}});
+        auto window = bench.open("a.txt");
+        QTRY_COMPARE_WITH_TIMEOUT(currentView(*window)->state(), FormView::State::Shown,
+                                  patienceMs);
+        const auto process = static_cast<pid_t>(currentView(*window)->processId());
+        QCOMPARE(::kill(process, 0), 0);
+        window.reset();
+        QCOMPARE(::kill(process, 0), -1);
+    }
+
+    void titlesAreShownLetterByLetterInOneLine() {
+        FormBench bench;
+        const QString name = "<b>&a;" + QString(5000, 'x');
+        store::StoredFile file;
+        file.name = name.toStdString();
+        file.bytes = "text";
+        const app::FormWindow window(bench.program, "a\nb" + name, {file}, bench.limits, nullptr);
+        QVERIFY(window.tabs()->tabText(0).startsWith("<b>&&a;"));
+        QVERIFY(window.tabs()->tabText(0).size() < 200);
+        QVERIFY(window.windowTitle().contains("a b<b>&a;"));
+        QVERIFY(window.windowTitle().size() < 200);
+    }
+
     void parametersAreCutFromTheName() {
-        Bench bench;
+        FormBench bench;
         bench.put({{"a", "one"}});
         bench.put({{"a;b", "two"}});
         QVERIFY(bench.open("a;x=1;y=2")->windowTitle().endsWith("— a"));
@@ -154,7 +277,7 @@ private slots:
     }
 
     void aMissingFormIsAClearMessage() {
-        Bench bench;
+        FormBench bench;
         QString error;
         QVERIFY(!bench.open("нет такой;параметр", &error));
         QVERIFY(error.contains("«нет такой»"));
