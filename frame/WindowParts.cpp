@@ -1,5 +1,6 @@
 #include "frame/WindowParts.h"
 
+#include "frame/RowDelegate.h"
 #include "frame/Vocabulary.h"
 
 #include <QCoreApplication>
@@ -142,6 +143,7 @@ void arrangeTree(QTreeView* view, bool styled) {
     // The branch images are drawn for this width: a wider step would blur their lines.
     view->setIndentation(imageSize);
     view->installEventFilter(new ExpandAllKeyFilter(view)); // the view's child
+    view->setItemDelegate(new RowDelegate(view));           // likewise
 }
 
 void hideColumns(QTreeView* view, int first, int last) {

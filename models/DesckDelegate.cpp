@@ -16,7 +16,7 @@ bool isNameCell(const QModelIndex& index) {
 } // namespace
 
 DesckDelegate::DesckDelegate(DesckTreeModel* model, QObject* parent)
-    : QStyledItemDelegate(parent)
+    : RowDelegate(parent)
     , m_model(model) {}
 
 QWidget* DesckDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&,

@@ -2,12 +2,12 @@
 #ifndef ORVO_MODELS_DESCKDELEGATE_H
 #define ORVO_MODELS_DESCKDELEGATE_H
 
-#include <QStyledItemDelegate>
+#include "frame/RowDelegate.h"
 
 class DesckTreeModel;
 
 /// A line edit in column 0, which writes the model at each keystroke.
-class DesckDelegate : public QStyledItemDelegate {
+class DesckDelegate : public orvo::RowDelegate {
     Q_OBJECT
 public:
     /// The model is not owned and outlives the delegate.

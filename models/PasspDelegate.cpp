@@ -202,7 +202,7 @@ void PasspDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     if (type == MyEditorCheck)
         paintCheck(painter, option, index);
     else
-        QStyledItemDelegate::paint(painter, option, index);
+        RowDelegate::paint(painter, option, index);
     if (type == MyEditorButton)
         paintButton(painter, option, index);
 }

@@ -2,14 +2,14 @@
 #ifndef ORVO_MODELS_PASSPDELEGATE_H
 #define ORVO_MODELS_PASSPDELEGATE_H
 
-#include <QStyledItemDelegate>
+#include "frame/RowDelegate.h"
 
 class PropModel;
 
 /// Chooses the editor of a row by its MyEditorType, moves values between editor and model, and
 /// paints check boxes and "..." buttons into the cells, so that they show while no editor is open.
 /// Only column 1 of an editor row ever has an editor.
-class PasspDelegate : public QStyledItemDelegate {
+class PasspDelegate : public orvo::RowDelegate {
     Q_OBJECT
 public:
     /// The model is not owned and outlives the delegate. `parent` is accepted for the callers'

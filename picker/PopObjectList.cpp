@@ -1,6 +1,7 @@
 #include "picker/PopObjectList.h"
 
 #include "frame/Records.h"
+#include "frame/RowDelegate.h"
 #include "frame/WindowParts.h"
 #include "picker/ObjectListOwner.h"
 #include "ui_PopObjectList.h"
@@ -49,6 +50,7 @@ CPopObjectList::CPopObjectList(QMainWindow* parent)
     m_ui->tvObj->setTextElideMode(Qt::ElideNone);
     m_ui->tvObj->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_ui->tvObj->setUniformRowHeights(true);
+    m_ui->tvObj->setItemDelegate(new orvo::RowDelegate(m_ui->tvObj)); // the view's child
     m_model = std::make_unique<PopTreeModel>(columnTitles(), filesPath(parent), this);
     treeModel = m_model.get();
     m_ui->tvObj->setModel(treeModel);

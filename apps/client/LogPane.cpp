@@ -36,8 +36,8 @@ LogPane::LogPane(QWidget* parent) : QTreeWidget(parent) {
 
 void LogPane::add(int level, const QString& place, const QString& text) {
     const bool atEnd = verticalScrollBar()->value() == verticalScrollBar()->maximum();
-    auto* line = new QTreeWidgetItem(
-        {QTime::currentTime().toString(QStringLiteral("HH:mm:ss")), place, text.simplified()});
+    auto* line = new QTreeWidgetItem({QTime::currentTime().toString(QStringLiteral("HH:mm:ss")),
+                                      oneLine(place), clipped(text.simplified())});
     line->setToolTip(2, plainToolTip(text));
     if (level >= LogError)
         line->setForeground(2, QColor(0xb3, 0x2d, 0x23));

@@ -1,6 +1,7 @@
 #include "apps/client/MainWindow.h"
 
 #include "apps/client/LogPane.h"
+#include "apps/client/Look.h"
 #include "apps/client/StatusLine.h"
 #include "frame/OrvoClient.h"
 
@@ -49,13 +50,14 @@ void MainWindow::makeMenus() {
 }
 
 void MainWindow::addModule(COrvoCliMod* module, const QString& name) {
-    m_tabs->addTab(module, module->windowTitle().isEmpty() ? name : module->windowTitle());
+    m_tabs->addTab(module, QString());
+    setTitle(module, module->windowTitle().isEmpty() ? name : module->windowTitle());
 }
 
 void MainWindow::setTitle(COrvoCliMod* module, const QString& title) {
     const int index = m_tabs->indexOf(module);
     if (index >= 0)
-        m_tabs->setTabText(index, QString(title).replace(QLatin1Char('&'), QLatin1String("&&")));
+        m_tabs->setTabText(index, oneLine(title).replace(QLatin1Char('&'), QLatin1String("&&")));
 }
 
 int MainWindow::currentModule() const {

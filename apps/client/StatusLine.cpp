@@ -88,7 +88,7 @@ void StatusLine::setCopying(int done, int all) {
 
 void StatusLine::setFailure(const QString& text) {
     ++m_count;
-    m_text = text.simplified();
+    m_text = clipped(text.simplified());
     fitFailure();
     m_failure->setToolTip(plainToolTip(
         QTime::currentTime().toString(QStringLiteral("HH:mm:ss")) + QStringLiteral("  ") + text,
@@ -105,7 +105,9 @@ void StatusLine::fitFailure() {
     const QString count = m_count > 1 ? QStringLiteral(" (всего %1)").arg(m_count) : QString();
     const QFontMetrics metrics = m_failure->fontMetrics();
     const int room = std::max(narrowest, width() - taken - metrics.horizontalAdvance(count));
-    m_failure->setText(metrics.elidedText(m_text, Qt::ElideRight, room) + count);
+    m_failure->setText(metrics.elidedText(m_text, Qt::ElideRight, room)
+                           .replace(QLatin1Char('&'), QLatin1String("&&")) +
+                       count);
 }
 
 void StatusLine::resizeEvent(QResizeEvent* event) {

@@ -91,9 +91,11 @@ void PopText::setPlain(const QString& text) {
     constexpr int narrowest = 240;
     constexpr int widest = 440;
     constexpr int longestWord = 36; // beyond it a word may break
+    constexpr int longest = 4000;   // letters; more would be laid out beyond any screen
+    const QString shown = text.size() > longest ? text.left(longest) + QChar(0x2026) : text;
     QString breakable;
     int run = 0;
-    for (const QChar c : text) {
+    for (const QChar c : shown) {
         run = c.isSpace() ? 0 : run + 1;
         breakable += c;
         if (run >= longestWord && !c.isHighSurrogate()) {
@@ -102,7 +104,7 @@ void PopText::setPlain(const QString& text) {
         }
     }
     int width = 0;
-    for (const QString& line : text.split(QLatin1Char('\n')))
+    for (const QString& line : shown.split(QLatin1Char('\n')))
         width = std::max(width, fontMetrics().horizontalAdvance(line) + 4);
     setFixedWidth(std::clamp(width, narrowest, widest));
     setText(breakable);

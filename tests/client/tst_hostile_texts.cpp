@@ -1,0 +1,228 @@
+// The client on a store in which every text looks like markup, or never ends: all of it is shown
+// letter by letter, in one line, and nothing waits for its layout.
+#include "apps/client/Client.h"
+#include "apps/client/LogPane.h"
+#include "apps/client/MainWindow.h"
+#include "apps/client/StatusLine.h"
+#include "tests/client/HostFixture.h"
+
+#include <QAbstractButton>
+#include <QAbstractItemView>
+#include <QAction>
+#include <QElapsedTimer>
+#include <QGroupBox>
+#include <QLabel>
+#include <QScrollBar>
+#include <QTabBar>
+#include <QTextDocument>
+#include <QTreeView>
+#include <QtTest>
+
+#include <algorithm>
+
+using namespace orvo;
+using namespace orvo::test;
+
+namespace {
+
+const QString mark = QStringLiteral("жирный");
+
+QString hostileText() {
+    return QStringLiteral("<img src=x><b>жирный</b>&amp;&Л\t\x01\x1b[31m\r\n");
+}
+
+/// Desktops, elements, resources and users, each text of them `text`, and a number where rows of
+/// one name may not stand side by side.
+void fill(Host& host, const QString& text) {
+    const std::string bytes = text.toStdString();
+    for (const char* type : {"1", "2", "3"}) {
+        const std::string folder = std::string("folder") + type;
+        host.write("MenuResourceFolder", 1,
+                   {{"KeyLink", folder}, {"type_", type}, {"caption", bytes + type}});
+        host.write("MenuResource", 1,
+                   {{"KeyLink", std::string("res") + type},
+                    {"type_", type},
+                    {"MenuResourceFolderKey", folder},
+                    {"name_", bytes + type},
+                    {"caption", bytes},
+                    {"params", bytes},
+                    {"ico", bytes}});
+    }
+    host.write("MenuFolder", 1, {{"KeyLink", "desk"}, {"caption", bytes}, {"order_", "2000"}});
+    for (const char* key : {"a", "b"})
+        host.write("Menu", 1,
+                   {{"KeyLink", key},
+                    {"FolderKey", "desk"},
+                    {"MenuResourceKey", "res1"},
+                    {"caption", bytes},
+                    {"params", bytes},
+                    {"ico", bytes},
+                    {"order_", "1000"}});
+}
+
+/// The client in this process, with both editors open.
+struct Running {
+    Host host;
+    std::unique_ptr<app::Client> client;
+
+    explicit Running(const QString& text) {
+        fill(host, text);
+        app::Options options;
+        options.store = QString::fromStdString(host.url);
+        options.login = "<b>engineer</b>";
+        options.workDir = host.dir.path() + "/workdir/";
+        options.modules = QStringList{"Menu", "Resources"};
+        client = std::make_unique<app::Client>(options);
+        QString error;
+        if (!client->open(&error))
+            qFatal("%s", qPrintable(error));
+        client->show();
+    }
+    ~Running() { client->window()->close(); }
+    template <class T>
+    QList<T> all(const QString& name = {}) const {
+        return client->window()->findChildren<T>(name);
+    }
+};
+
+bool isMarkup(const QString& text) {
+    return text.contains(QLatin1String("<img")) && Qt::mightBeRichText(text);
+}
+
+/// What is wrong with the texts of a widget; empty if it shows them as they are.
+QString wrongTexts(const QWidget& widget) {
+    const QString where = QStringLiteral("%1 %2: ").arg(
+        QLatin1String(widget.metaObject()->className()), widget.objectName());
+    if (isMarkup(widget.toolTip()) || isMarkup(widget.whatsThis()))
+        return where + widget.toolTip();
+    if (const auto* label = qobject_cast<const QLabel*>(&widget))
+        if (label->text().contains(mark) && label->textFormat() != Qt::PlainText)
+            return where + label->text();
+    const auto hasShortcut = [](const QString& text) {
+        return QString(text).remove(QStringLiteral("&&")).contains(QLatin1Char('&'));
+    };
+    if (const auto* button = qobject_cast<const QAbstractButton*>(&widget))
+        if (button->text().contains(mark) && hasShortcut(button->text()))
+            return where + button->text();
+    if (const auto* box = qobject_cast<const QGroupBox*>(&widget))
+        if (box->title().contains(mark) && hasShortcut(box->title()))
+            return where + box->title();
+    if (const auto* bar = qobject_cast<const QTabBar*>(&widget))
+        for (int i = 0; i < bar->count(); ++i)
+            if (isMarkup(bar->tabToolTip(i)) ||
+                (bar->tabText(i).contains(mark) && hasShortcut(bar->tabText(i))))
+                return where + bar->tabText(i);
+    for (const QAction* action : widget.actions())
+        if (isMarkup(action->toolTip()) ||
+            (action->text().contains(mark) && hasShortcut(action->text())))
+            return where + action->text();
+    return {};
+}
+
+void walk(const QAbstractItemModel& model, const QModelIndex& parent,
+          const std::function<void(const QModelIndex&)>& visit) {
+    for (int row = 0; row < model.rowCount(parent); ++row) {
+        for (int column = 0; column < model.columnCount(parent); ++column)
+            visit(model.index(row, column, parent));
+        walk(model, model.index(row, 0, parent), visit);
+    }
+}
+
+/// Everything that is wrong anywhere in the client.
+QStringList wrongTexts(const Running& running, int* seen) {
+    QStringList wrong;
+    for (const QWidget* widget : running.all<QWidget*>())
+        if (const QString one = wrongTexts(*widget); !one.isEmpty())
+            wrong << one;
+    for (const QAbstractItemView* view : running.all<QAbstractItemView*>())
+        if (view->model())
+            walk(*view->model(), {}, [&](const QModelIndex& cell) {
+                *seen += cell.data().toString().contains(mark);
+                for (const int role : {Qt::ToolTipRole, Qt::StatusTipRole, Qt::WhatsThisRole})
+                    if (isMarkup(cell.data(role).toString()))
+                        wrong << view->objectName() + cell.data(role).toString();
+            });
+    return wrong;
+}
+
+} // namespace
+
+class TestHostileTexts : public QObject {
+    Q_OBJECT
+private slots:
+    void markupIsShownLetterByLetter() {
+        const Running running(hostileText());
+        QTRY_VERIFY_WITH_TIMEOUT(running.client->settled(), 20000);
+        running.client->window()->statusLine()->setFailure(hostileText());
+        running.client->window()->statusLine()->setConnected(true, hostileText());
+        running.client->window()->logPane()->add(app::LogError, hostileText(), hostileText());
+        int seen = 0;
+        QStringList wrong = wrongTexts(running, &seen);
+        // Each row becomes the current one: passports, menus of desktops.
+        for (QTreeView* view : running.all<QTreeView*>()) {
+            view->expandAll();
+            QModelIndex row = view->model() ? view->model()->index(0, 0) : QModelIndex();
+            for (int i = 0; row.isValid() && i < 50; ++i, row = view->indexBelow(row)) {
+                view->setCurrentIndex(row);
+                QCoreApplication::processEvents();
+                wrong += wrongTexts(running, &seen);
+            }
+        }
+        // Questions, and the picker.
+        for (const char* name :
+             {"actDeleteElem", "actDeleteFromtvDesck", "actDelete", "actNewElemModul"})
+            for (QAction* action : running.all<QAction*>(name)) {
+                action->setEnabled(true);
+                action->trigger();
+                QCoreApplication::processEvents();
+                wrong += wrongTexts(running, &seen);
+            }
+        wrong.removeDuplicates();
+        QVERIFY2(wrong.isEmpty(), qPrintable(wrong.join("\n")));
+        QVERIFY2(seen > 100, qPrintable(QString::number(seen)));
+        int labels = 0;
+        for (const QLabel* label : running.all<QLabel*>())
+            labels += label->text().contains(mark);
+        QVERIFY2(labels > 0, "no question names what it is about");
+    }
+
+    void rowsAreOneLineHigh() {
+        const Running running(hostileText() + "\n\n\n" + hostileText());
+        QTRY_VERIFY_WITH_TIMEOUT(running.client->settled(), 20000);
+        for (const QTreeView* view : running.all<QTreeView*>())
+            for (QModelIndex row = view->indexAt({1, 1}); row.isValid();
+                 row = view->indexBelow(row)) {
+                const int height = view->visualRect(row).height();
+                QVERIFY2(height < 3 * view->fontMetrics().height(),
+                         qPrintable(QString("%1: %2").arg(view->objectName()).arg(height)));
+            }
+    }
+
+    void aTextOfAMillionLettersHoldsUpNothing() {
+        const QString text = QString("W").repeated(1'000'000);
+        const Running running(text);
+        QTRY_VERIFY_WITH_TIMEOUT(running.client->settled(), 60000);
+        running.client->window()->statusLine()->setFailure(text);
+        running.client->window()->logPane()->add(app::LogError, text, text);
+        qint64 longest = 0;
+        QElapsedTimer clock;
+        for (QTreeView* view : running.all<QTreeView*>()) {
+            view->expandAll();
+            for (int i = 0; i < 5; ++i) {
+                clock.start();
+                view->viewport()->repaint();
+                longest = std::max(longest, clock.elapsed());
+            }
+        }
+        clock.start();
+        running.client->window()->statusLine()->repaint();
+        running.client->window()->resize(1200, 800);
+        QCoreApplication::processEvents();
+        longest = std::max(longest, clock.elapsed());
+        qInfo("longest paint with texts of a million letters: %lld ms", longest);
+        QVERIFY2(longest < 300, qPrintable(QString::number(longest)));
+    }
+};
+
+QTEST_MAIN(TestHostileTexts)
+#include "tst_hostile_texts.moc"

@@ -1,0 +1,65 @@
+// Texts of rows as they are painted.
+#include "frame/RowDelegate.h"
+
+#include <QElapsedTimer>
+#include <QPainter>
+#include <QPixmap>
+#include <QStandardItemModel>
+#include <QtTest>
+
+using orvo::displayLine;
+using orvo::RowDelegate;
+
+class TestRowDelegate : public QObject {
+    Q_OBJECT
+private slots:
+    void aTextIsOneLine_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("line");
+        QTest::newRow("plain") << "Насос 1"
+                               << "Насос 1";
+        QTest::newRow("markup") << "<b>a</b>&amp;"
+                                << "<b>a</b>&amp;";
+        QTest::newRow("lines") << "a\r\nb\tc"
+                               << "a  b c";
+        QTest::newRow("separators") << QString("a") + QChar(0x2028) + QChar(0x2029) << "a  ";
+        QTest::newRow("control characters") << QString("a\x01\x1b[31m") + QChar(0) << "a  [31m ";
+        QTest::newRow("empty") << ""
+                               << "";
+        const QString longest(RowDelegate::longestLine, 'x');
+        QTest::newRow("longest") << longest << longest;
+        QTest::newRow("too long") << longest + "yz" << longest + QChar(0x2026);
+    }
+
+    void aTextIsOneLine() {
+        QFETCH(QString, text);
+        QFETCH(QString, line);
+        QCOMPARE(displayLine(text), line);
+        QCOMPARE(RowDelegate().displayText(text, QLocale()), line);
+    }
+
+    void otherValuesAreShownAsAlways() {
+        const QLocale locale(QLocale::Russian);
+        QCOMPARE(RowDelegate().displayText(1.5, locale),
+                 QStyledItemDelegate().displayText(1.5, locale));
+    }
+
+    void aMillionLettersArePaintedAtOnce() {
+        QStandardItemModel model(1, 1);
+        model.setItem(0, 0, new QStandardItem(QString(1'000'000, 'W')));
+        QPixmap pixels(300, 20);
+        QPainter painter(&pixels);
+        QStyleOptionViewItem option;
+        option.rect = pixels.rect();
+        const RowDelegate delegate;
+        delegate.paint(&painter, option, model.index(0, 0)); // fonts are loaded
+        QElapsedTimer clock;
+        clock.start();
+        delegate.paint(&painter, option, model.index(0, 0));
+        delegate.sizeHint(option, model.index(0, 0));
+        QVERIFY2(clock.elapsed() < 50, qPrintable(QString::number(clock.elapsed())));
+    }
+};
+
+QTEST_MAIN(TestRowDelegate)
+#include "tst_rowdelegate.moc"
