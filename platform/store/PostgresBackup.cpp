@@ -4,6 +4,7 @@
 #include "platform/store/PostgresSchema.h"
 #include "platform/store/PostgresStore.h"
 
+#include "platform/store/Checksum.h"
 #include "platform/store/Names.h"
 #include "platform/store/Sql.h"
 
@@ -175,10 +176,28 @@ std::string checkTables() {
     return sql;
 }
 
+/// Fails where rows are not as the editors can bring them about: stored content without its
+/// resource, or of another length than it says.
+std::string checkRows() {
+    return R"(DO $orvo$ BEGIN
+IF EXISTS (SELECT 1 FROM public."MenuResourceFile" AS f WHERE NOT EXISTS (SELECT 1 FROM
+    public."MenuResource" AS r WHERE lower(r."KeyLink") = lower(f."MenuResourceKey"))) THEN
+  RAISE EXCEPTION 'копия изменена: содержимое файла без его ресурса';
+END IF;
+IF EXISTS (SELECT 1 FROM public."MenuResourceFile" AS f WHERE coalesce(f."size", 0) <>
+    (SELECT coalesce(sum(length(d."data")), 0) FROM public."MenuResourceFileData" AS d
+     WHERE d."KeyLink" = f."KeyLink")) THEN
+  RAISE EXCEPTION 'копия изменена: содержимое файла не той длины';
+END IF;
+END $orvo$;
+)";
+}
+
 /// Every number of a change that was ever given out becomes too low for a reader, and the next
 /// change gets a higher one.
-QByteArray ending() {
+QByteArray ending(bool vouchedFor) {
     return QByteArray("\n") + QByteArray::fromStdString(checkTables()) +
+           QByteArray::fromStdString(vouchedFor ? std::string() : checkRows()) +
            // An archive of an earlier version has none; the update of the version makes it.
            QByteArray(
                "DO $orvo$ BEGIN UPDATE public.\"NciStore\" SET \"identity\" = "
@@ -208,7 +227,10 @@ Status PostgresStore::backup(const std::string& file, const Progress& progress) 
 Status PostgresStore::restore(const std::string& file, const Progress& progress) {
     return guarded([&]() -> Status {
         const std::string what = "Восстановление";
-        Status status = checkArchive(m_url, file);
+        const bool vouchedFor = hasChecksum(file);
+        Status status = verifyChecksum(file, progress);
+        if (status.ok())
+            status = checkArchive(m_url, file);
         if (!status.ok())
             return status;
         Program reader(m_url, "pg_restore", what);
@@ -244,7 +266,7 @@ Status PostgresStore::restore(const std::string& file, const Progress& progress)
         status = reader.result();
         if (!status.ok())
             return status;
-        writer.process.write(ending());
+        writer.process.write(ending(vouchedFor));
         writer.process.closeWriteChannel();
         status = writer.finish([&] { return !progress || progress(done, 0); });
         if (!status.ok())

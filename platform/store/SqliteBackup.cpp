@@ -1,11 +1,14 @@
 // Copies of an SQLite store, page by page. A backup is a store itself, complete in one file.
+#include "platform/store/Checksum.h"
 #include "platform/store/Names.h"
+#include "platform/store/SqliteDamage.h"
 #include "platform/store/SqliteSchema.h"
 #include "platform/store/SqliteStore.h"
 
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
+#include <limits>
 #include <sys/stat.h>
 #include <thread>
 
@@ -69,8 +72,7 @@ Status checkTables(const Connection& backup, const std::string& what) {
 }
 
 /// Opens a backup for reading, if it is one. Nothing is made beside it.
-Status openBackup(const std::string& file, Connection* connection) {
-    const std::string what = "Резервная копия " + shown(file);
+Status openBackup(const std::string& file, const std::string& what, Connection* connection) {
     struct stat info {};
     if (::stat((file + "-wal").c_str(), &info) == 0 && info.st_size > 0)
         return {Refused, what + ": рядом лежит журнал " + shown(file + "-wal") +
@@ -91,12 +93,119 @@ Status openBackup(const std::string& file, Connection* connection) {
         return {NewerStore, what + " сделана более новой версией программы (версия " +
                                 std::to_string(version) + ", известна " +
                                 std::to_string(migrations().size()) + ")"};
-    Statement check = connection->prepare("PRAGMA quick_check(1)");
-    if (!check || check.step() != SQLITE_ROW)
-        return connection->failure(what);
-    if (check.text(0) != "ok")
-        return {Failed, what + " повреждена: " + shown(check.text(0))};
-    return checkTables(*connection, what);
+    return {};
+}
+
+/// Tables, indexes and, of the newest version, triggers as a store of that version has them. What
+/// somebody added besides may be there.
+Status checkDefinitions(const Connection& backup, const std::string& what) {
+    int64_t version = 0;
+    if (backup.integer("PRAGMA user_version", &version) != SQLITE_OK)
+        return backup.failure(what);
+    // The triggers of an earlier version are made anew when it is updated.
+    const bool newest = version == static_cast<int64_t>(migrations().size());
+    Connection fresh;
+    int made = fresh.open(":memory:", SQLITE_OPEN_READWRITE);
+    for (int64_t step = 0; made == SQLITE_OK && step < version; ++step)
+        made = fresh.execute(migrations()[static_cast<size_t>(step)]);
+    if (made == SQLITE_OK && newest)
+        made = fresh.execute(triggers(dictionary()));
+    if (made != SQLITE_OK)
+        return fresh.failure(what);
+    Statement wanted = fresh.prepare(
+        std::string("SELECT type, name, sql FROM sqlite_schema WHERE sql IS NOT NULL") +
+        (newest ? "" : " AND type <> 'trigger'"));
+    Statement present =
+        backup.prepare("SELECT sql = ?3 FROM sqlite_schema WHERE type = ?1 AND name = ?2");
+    if (!wanted || !present)
+        return backup.failure(what);
+    while (wanted.step() == SQLITE_ROW) {
+        const ResetAfter reset(present);
+        for (int i = 0; i < 3; ++i)
+            present.bind(i + 1, wanted.text(i));
+        if (present.step() != SQLITE_ROW || present.integer(0) != 1)
+            return {Refused, what + " изменена: " + std::string(wanted.text(0)) + " " +
+                                 shown(wanted.text(1)) + " не такой, как делает программа"};
+    }
+    return {};
+}
+
+/// What the editors cannot bring about: stored content without its resource, a log without order.
+Status checkRows(const Connection& backup, const std::string& what) {
+    const struct {
+        const char* words;
+        const char* count; ///< of the rows that must not be
+    } rules[] = {
+        {"содержимое файла без его ресурса",
+         "SELECT count(*) FROM \"MenuResourceFile\" AS f WHERE NOT EXISTS (SELECT 1 FROM "
+         "\"MenuResource\" AS r WHERE r.\"KeyLink\" = f.\"MenuResourceKey\")"},
+        {"невозможная строка журнала изменений",
+         "SELECT count(*) FROM \"NciEvent\" WHERE \"id\" < 1 OR \"code\" NOT IN (601, 602, 603)"},
+        {"счётчик журнала изменений отстаёт от журнала",
+         "SELECT coalesce((SELECT max(\"id\") FROM \"NciEvent\"), 0) > coalesce((SELECT max(seq) "
+         "FROM sqlite_sequence WHERE name = 'NciEvent'), 0)"},
+        {"не одна строка в таблице NciPruned", "SELECT count(*) <> 1 FROM \"NciPruned\""},
+        {"не одна строка в таблице NciWriter", "SELECT count(*) <> 1 FROM \"NciWriter\""},
+    };
+    for (const auto& rule : rules) {
+        int64_t count = 0;
+        if (backup.integer(rule.count, &count) != SQLITE_OK)
+            return backup.failure(what);
+        if (count != 0)
+            return {Refused, what + " изменена: " + rule.words};
+    }
+    return {};
+}
+
+/// Refuses what is damaged. What no checksum vouches for is looked at more closely: the editors,
+/// and whoever writes by hand, may have left in a store what nobody would put into a backup.
+Status checkContent(const Connection& backup, const std::string& what, bool vouchedFor) {
+    const auto damages = findDamages(backup.get(), 1);
+    if (!damages)
+        return backup.failure(what);
+    if (!damages->empty())
+        return {Failed, what + " повреждена: " + shown(damages->front())};
+    Status status = checkTables(backup, what);
+    if (status.ok() && !vouchedFor)
+        status = checkDefinitions(backup, what);
+    if (status.ok() && !vouchedFor)
+        status = checkRows(backup, what);
+    return status;
+}
+
+/// Makes all readers of the log find their cursors pruned, those of up to `position` too, and those
+/// of the changes that are made until the copy has taken the store's place.
+Status startNewLog(const Connection& copy, int64_t position) {
+    constexpr int64_t meanwhile = 1000000;
+    int64_t newest = 0;
+    const char what[] = "Журнал изменений";
+    if (copy.integer("SELECT max(coalesce((SELECT max(\"id\") FROM \"NciEvent\"), 0), "
+                     "coalesce((SELECT \"id\" FROM \"NciPruned\"), 0))",
+                     &newest) != SQLITE_OK)
+        return copy.failure(what);
+    int64_t stores = 0;
+    if (copy.integer("SELECT count(*) FROM \"NciStore\"", &stores) != SQLITE_OK)
+        return copy.failure(what);
+    if (stores != 1)
+        return {Refused, "Резервная копия изменена: не одна строка в таблице NciStore"};
+    if (newest > std::numeric_limits<int64_t>::max() / 2)
+        return {Refused, std::string(what) + " в копии испорчен: невозможный номер изменения"};
+    const std::string next = std::to_string(std::max(position, newest) + meanwhile);
+    return copy.execute(std::string(newIdentity) + "UPDATE \"NciPruned\" SET \"id\" = " + next +
+                        "; DELETE FROM sqlite_sequence WHERE name = 'NciEvent'; INSERT INTO "
+                        "sqlite_sequence (name, seq) VALUES ('NciEvent', " +
+                        next + ")") == SQLITE_OK
+               ? Status()
+               : copy.failure(what);
+}
+
+/// The progress of one of several parts of the work, as a progress of the whole.
+Progress part(const Progress& progress, uint64_t number, uint64_t parts) {
+    if (!progress)
+        return {};
+    return [&progress, number, parts](uint64_t done, uint64_t all) {
+        return progress(number * all + done, parts * all);
+    };
 }
 
 bool sameFile(const std::string& a, const std::string& b) {
@@ -146,21 +255,39 @@ Status SqliteStore::backup(const std::string& file, const Progress& progress) {
 Status SqliteStore::restore(const std::string& file, const Progress& progress) {
     return guarded([&]() -> Status {
         const char what[] = "Восстановление";
+        const std::string backup = "Резервная копия " + shown(file);
         if (livesIn(file))
             return {Refused, "Восстановление: это сам файл хранилища"};
         Connection source;
+        Status status = openBackup(file, backup, &source);
+        const bool vouchedFor = hasChecksum(file);
+        if (status.ok())
+            status = verifyChecksum(file, part(progress, 0, 3));
+        // Checked, updated and given its place in the log in a temporary file: then one transaction
+        // puts all of it into the store, or nothing. What is checked is what is put there. That
+        // file has no name, and goes with the connection.
+        Connection copy;
+        if (status.ok() &&
+            (copy.open("", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE) != SQLITE_OK ||
+             copy.execute("PRAGMA journal_mode = OFF") != SQLITE_OK))
+            status = copy.failure(what);
+        if (status.ok())
+            status = copyPages(source, copy, what, part(progress, 1, 3));
+        if (status.ok())
+            status = checkContent(copy, backup, vouchedFor);
+        if (status.ok())
+            status = migrate(copy);
         int64_t position = 0;
-        Status status = openBackup(file, &source);
         if (status.ok())
             status = logPosition(&position);
-        // One transaction; the file stays the same, so whoever has it open sees the new content.
         if (status.ok())
-            status = copyPages(source, m_connection, what, progress);
-        if (!status.ok())
-            return status;
-        m_grown = true;
-        status = migrate(m_connection);
-        return status.ok() ? startNewLog(position) : status;
+            status = startNewLog(copy, position);
+        // The store's file stays the same, so whoever has it open sees the new content.
+        if (status.ok())
+            status = copyPages(copy, m_connection, what, part(progress, 2, 3));
+        if (status.ok())
+            m_grown = true;
+        return status;
     });
 }
 

@@ -164,23 +164,4 @@ Status SqliteStore::logBefore(double time, int64_t* id, int64_t* count) {
     });
 }
 
-Status SqliteStore::startNewLog(int64_t position) {
-    return inWrite([&]() -> Status {
-        int64_t newest = 0;
-        const Status status = logPosition(&newest);
-        if (!status.ok())
-            return status;
-        // A number beyond all that were ever given out: whoever holds one of them holds too low a
-        // one, and the next change gets a higher one.
-        const std::string next = std::to_string(std::max(position, newest) + 1);
-        return m_connection.execute(
-                   std::string(newIdentity) + "UPDATE \"NciPruned\" SET \"id\" = " + next +
-                   "; DELETE FROM sqlite_sequence WHERE name = 'NciEvent'; INSERT INTO "
-                   "sqlite_sequence (name, seq) VALUES ('NciEvent', " +
-                   next + ")") == SQLITE_OK
-                   ? Status()
-                   : m_connection.failure(logName);
-    });
-}
-
 } // namespace orvo::store::sqlite

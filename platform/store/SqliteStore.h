@@ -95,8 +95,6 @@ private:
     Status fetchRows(const TableDef& table, Statement& statement, MDArray* into);
     Status rows(Statement& statement, size_t columns,
                 const std::function<void(const Row& row)>& each);
-    /// Makes all readers of the log find their cursors pruned, those of before `position` too.
-    Status startNewLog(int64_t position);
     /// A number that grows whenever another connection has committed; -1 if it cannot be read.
     int64_t dataVersion();
 

@@ -15,6 +15,12 @@ private slots:
     void readersNoticeARestore();
     void changesGoOnAfterARestore();
     void aBackupFileIsComplete();
+    void aBackupComesWithItsChecksum();
+    void aBackupUnlikeItsChecksumIsRefused();
+    void aBackupWithoutChecksumIsTakenWithAWord();
+    void aBackupWithoutChecksumMustBeAsTheProgramMakesIt_data();
+    void aBackupWithoutChecksumMustBeAsTheProgramMakesIt();
+    void aChecksumVouchesForWhatWasInTheStore();
     void whatIsNoBackupChangesNothing();
     void aBackupOrAnExportOntoTheStoreItselfIsRefused();
     void aDamagedBackupChangesNothing();
@@ -55,6 +61,7 @@ private:
     }
     /// A backup of the store as it is, made by other means than the command.
     bool copy() const {
+        QFile::remove(file()); // SQLite's own copy takes no file's place
         if (!isPostgres())
             return m_kind.byHand("VACUUM INTO '" + file().toUtf8() + "';");
         QProcess dump;
@@ -163,7 +170,7 @@ void TestAdminBackup::aBackupFileIsComplete() {
     ORVO_DONE(run({"demo"}));
     m_admin->write("copy", "old");
     ORVO_DONE(run({"backup", file()}));
-    QCOMPARE(QDir(m_admin->path()).entryList(QDir::Files), QStringList{"copy"});
+    QCOMPARE(QDir(m_admin->path()).entryList(QDir::Files), (QStringList{"copy", "copy.sha256"}));
     QCOMPARE(QFileInfo(file()).permissions() & (QFile::ReadGroup | QFile::ReadOther),
              QFile::Permissions());
     if (isPostgres())
@@ -173,6 +180,99 @@ void TestAdminBackup::aBackupFileIsComplete() {
     const AdminResult direct = m_admin->plain({"--store", file(), "export", "-"});
     QCOMPARE(direct.code, 0);
     QCOMPARE(direct.out.toUtf8(), before);
+}
+
+void TestAdminBackup::aBackupComesWithItsChecksum() {
+    const auto verified = [&] {
+        QProcess sum;
+        sum.setWorkingDirectory(m_admin->path());
+        sum.start("sha256sum", {"-c", "copy.sha256"});
+        return sum.waitForFinished() && sum.exitCode() == 0;
+    };
+    ORVO_DONE(run({"backup", file()}));
+    QVERIFY(verified());
+    ORVO_DONE(run({"ext", "add", ".later"}));
+    ORVO_DONE(run({"backup", file()})); // in the place of both
+    QVERIFY(verified());
+    const AdminResult restored = run({"restore", "--replace", file()});
+    QCOMPARE(restored.code, 0);
+    QVERIFY2(!restored.out.contains("контрольной суммы"), qPrintable(restored.out));
+}
+
+void TestAdminBackup::aBackupUnlikeItsChecksumIsRefused() {
+    ORVO_DONE(run({"demo"}));
+    const QByteArray before = content();
+    ORVO_DONE(run({"backup", file()}));
+    // One letter of a text: what no check of the content could find.
+    QByteArray bytes = AdminRun::read(file());
+    const int at = isPostgres() ? bytes.size() - 2000 : bytes.indexOf("icons");
+    QVERIFY(at > 0);
+    bytes[at] = bytes[at] == 'I' ? 'i' : 'I';
+    m_admin->write("copy", bytes);
+    ORVO_REFUSED(run({"restore", "--replace", file()}), "контрольная сумма не та");
+    QCOMPARE(content(), before);
+    ORVO_DONE(run({"backup", m_admin->path("other")}));
+    m_admin->write("other.sha256", "no sum");
+    ORVO_REFUSED(run({"restore", "--replace", m_admin->path("other")}), "контрольная сумма не та");
+    QCOMPARE(content(), before);
+}
+
+void TestAdminBackup::aBackupWithoutChecksumIsTakenWithAWord() {
+    ORVO_DONE(run({"demo"}));
+    const QByteArray before = content();
+    ORVO_DONE(run({"backup", file()}));
+    ORVO_DONE(run({"ext", "add", ".later"}));
+    QVERIFY(QFile::remove(file() + ".sha256"));
+    const AdminResult restored = run({"restore", "--replace", file()});
+    QVERIFY2(restored.code == 0, qPrintable(restored.err));
+    QVERIFY2(restored.out.contains("контрольной суммы рядом с копией нет"),
+             qPrintable(restored.out));
+    QCOMPARE(content(), before);
+}
+
+void TestAdminBackup::aBackupWithoutChecksumMustBeAsTheProgramMakesIt_data() {
+    QTest::addColumn<QByteArray>("change");
+    const auto add = [&](const char* name, const char* sqlite, const char* postgres) {
+        if (*(isPostgres() ? postgres : sqlite))
+            QTest::newRow(name) << QByteArray(isPostgres() ? postgres : sqlite);
+    };
+    add("content without its resource",
+        "INSERT INTO \"MenuResourceFile\" VALUES ('k', 'x', 'f', 0, 3, x'616263');",
+        "INSERT INTO \"MenuResourceFile\" VALUES ('k', 'x', 'f', 0, 0);");
+    add("trigger gone", "DROP TRIGGER \"Users.updated\";", "");
+    add("trigger changed",
+        "PRAGMA writable_schema = ON; UPDATE sqlite_schema SET sql = replace(sql, '602', '603') "
+        "WHERE name = 'Users.updated';",
+        "");
+    add("index gone", "DROP INDEX \"Menu.parent\";", "");
+    add("impossible change", "UPDATE \"NciEvent\" SET \"code\" = 604;", "");
+    add("counter behind", "UPDATE sqlite_sequence SET seq = 1;", "");
+}
+
+void TestAdminBackup::aBackupWithoutChecksumMustBeAsTheProgramMakesIt() {
+    QFETCH(QByteArray, change);
+    ORVO_DONE(run({"ext", "add", ".ui"}));
+    const QByteArray before = content();
+    ORVO_DONE(run({"backup", m_admin->path("own")}));
+    QVERIFY(m_kind.byHand(change));
+    QVERIFY(copy());
+    ORVO_DONE(run({"restore", "--replace", m_admin->path("own")}));
+    ORVO_REFUSED(run({"restore", "--replace", file()}), "изменена: ");
+    QCOMPARE(content(), before);
+}
+
+void TestAdminBackup::aChecksumVouchesForWhatWasInTheStore() {
+    // What somebody did by hand must not cost him his backup.
+    QVERIFY(m_kind.byHand(
+        isPostgres() ? "INSERT INTO \"MenuResourceFile\" VALUES ('k', 'x', 'f', 0, 0);"
+                     : "INSERT INTO \"MenuResourceFile\" VALUES ('k', 'x', 'f', 0, 3, x'616263'); "
+                       "DROP INDEX \"Menu.parent\";"));
+    const QByteArray before = content();
+    ORVO_DONE(run({"backup", file()}));
+    QVERIFY(m_kind.renew());
+    ORVO_DONE(run({"init"}));
+    ORVO_DONE(run({"restore", "--replace", file()}));
+    QCOMPARE(content(), before);
 }
 
 void TestAdminBackup::whatIsNoBackupChangesNothing() {

@@ -6,12 +6,33 @@
 #include "apps/admin/Records.h"
 #include "apps/admin/Verb.h"
 #include "apps/admin/verbs/BaseFolders.h"
+#include "platform/store/Checksum.h"
 
+#include <QFile>
 #include <QFileInfo>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 
 namespace orvo::admin {
 
 namespace {
+
+void putChecksum(const std::string& place, const std::string& sum, const std::string& backup,
+                 const store::MaintainedStore& store) {
+    NewFile file(place, store);
+    const std::string line = store::checksumLine(
+        sum, QFileInfo(QString::fromStdString(backup)).fileName().toStdString());
+    QFile writer(QString::fromStdString(file.path()));
+    if (!writer.open(QIODevice::WriteOnly) ||
+        writer.write(line.data(), static_cast<qint64>(line.size())) !=
+            static_cast<qint64>(line.size()) ||
+        !writer.flush())
+        throw Failure("контрольная сумма «" + place +
+                      "» не записана: " + writer.errorString().toStdString());
+    file.put();
+}
 
 int backup(const Invocation& call) {
     const auto store = call.open();
@@ -21,7 +42,15 @@ int backup(const Invocation& call) {
         ProgressLine progress(call, "резервная копия");
         require(store->backup(file.path(), std::ref(progress)), "резервная копия не сделана");
     }
+    // Before the file moves: a checksum of what was written, never of what stood there before.
+    std::string sum;
+    require(store::sumOf(file.path(), {}, &sum), "резервная копия не сделана");
+    const std::string sumFile = store::checksumFile(call.argument(0));
+    if (std::remove(sumFile.c_str()) != 0 && errno != ENOENT)
+        throw Failure("резервная копия не сделана: прежний файл «" + sumFile +
+                      "» не удаляется: " + std::strerror(errno));
     file.put();
+    putChecksum(sumFile, sum, call.argument(0), *store);
     out("резервная копия сделана: " + call.argument(0) +
         ", байт: " + std::to_string(QFileInfo(QString::fromStdString(call.argument(0))).size()));
     return Done;
@@ -50,6 +79,8 @@ int restore(const Invocation& call) {
                 "хранилище не восстановлено");
     }
     out("хранилище восстановлено: " + store->displayName());
+    if (!store::hasChecksum(file.absoluteFilePath().toStdString()))
+        out("контрольной суммы рядом с копией нет: проверено её устройство, но не каждый байт");
     return Done;
 }
 
@@ -61,7 +92,8 @@ const Verb backupVerb = {
     "Сделать резервную копию хранилища",
     "Копия снимает один момент, в который остальные продолжают работать, и содержит всё, с "
     "журналом\n"
-    "изменений. Файл появляется целиком или никак; прежний файл с этим именем заменяется. Копия\n"
+    "изменений. Файл появляется целиком или никак; прежний файл с этим именем заменяется. Рядом\n"
+    "ложится его контрольная сумма, ФАЙЛ.sha256: её проверяют restore и sha256sum -c. Копия\n"
     "хранилища SQLite сама хранилище; копию хранилища PostgreSQL делает pg_dump, и читает её\n"
     "pg_restore.",
     1,
@@ -76,7 +108,10 @@ const Verb restoreVerb = {
     "Восстановить хранилище из резервной копии",
     "Хранилище должно быть (init) и быть того же вида, что и копия. Одной транзакцией: удаётся "
     "всё\n"
-    "или ничего не меняется. Открытые клиенты замечают замену и открывают свои модули заново.",
+    "или ничего не меняется. Копия проверяется целиком и по контрольной сумме рядом с ней; без "
+    "суммы\n"
+    "строже проверяется её устройство. Открытые клиенты замечают замену и открывают свои модули\n"
+    "заново.",
     1,
     1,
     restoreOptions,
