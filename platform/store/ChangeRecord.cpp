@@ -71,4 +71,29 @@ bool setFromJson(const TableDef& table, const std::string& json, MDRData* record
     return false;
 }
 
+std::map<int, Value> valuesFromJson(const TableDef& table, const std::string& json) {
+    std::map<int, Value> values;
+    const QJsonObject object =
+        QJsonDocument::fromJson(QByteArray::fromRawData(json.data(), static_cast<int>(json.size())))
+            .object();
+    for (auto it = object.begin(); it != object.end(); ++it) {
+        const int number = table.find(it.key().toStdString());
+        if (number < 0)
+            continue;
+        const MdxType type = table.fields[static_cast<size_t>(number)].type;
+        const QJsonValue value = it.value();
+        const double real = value.isBool() ? (value.toBool() ? 1 : 0) : value.toDouble();
+        if (value.isNull())
+            values[number] = std::monostate();
+        else if (type == MDX_TEXT && value.isString())
+            values[number] = value.toString().toStdString();
+        else if (type == MDX_DATE && value.isDouble())
+            values[number] = real;
+        else if ((type == MDX_BOOLEAN || type == MDX_INTEGER) &&
+                 (value.isDouble() || value.isBool()) && std::fabs(real) < 1e15)
+            values[number] = static_cast<int64_t>(real);
+    }
+    return values;
+}
+
 } // namespace orvo::store

@@ -3,7 +3,9 @@
 #define ORVO_PLATFORM_STORE_CHANGERECORD_H
 
 #include "platform/store/Store.h"
+#include "platform/store/WritePlan.h"
 
+#include <map>
 #include <string>
 
 namespace orvo::store {
@@ -13,6 +15,9 @@ namespace orvo::store {
 /// user bit; a JSON null sets NULL. Names that the table lacks and values that the field cannot
 /// hold are passed over. False, and nothing set, if the text is no JSON object or memory ran out.
 bool setFromJson(const TableDef& table, const std::string& json, MDRData* record);
+
+/// The same values by their fields' numbers, for comparing; none if the text is no JSON object.
+std::map<int, Value> valuesFromJson(const TableDef& table, const std::string& json);
 
 } // namespace orvo::store
 

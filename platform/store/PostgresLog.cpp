@@ -39,13 +39,14 @@ Status PostgresStore::logPosition(int64_t* id) {
     });
 }
 
-Status PostgresStore::readLog(int64_t cursor, int limit, std::vector<Change>* changes) {
+Status PostgresStore::readLog(const LogCursor& cursor, int limit, std::vector<Change>* changes) {
     return guarded([&]() -> Status {
         const Status status = ready();
         if (!status.ok())
             return status;
         if (m_followed)
             m_listener.revive(m_url); // before the rows: what comes in between is announced
+        const bool proved = !cursor.proof.empty(); // by the cursor's own change
         // One statement is one snapshot.
         const Result result = m_connection.query(
             std::string("WITH ends AS (SELECT (SELECT \"id\" FROM public.\"NciPruned\") AS pruned, "
@@ -53,20 +54,20 @@ Status PostgresStore::readLog(int64_t cursor, int limit, std::vector<Change>* ch
                 newestId +
                 ") AS newest) SELECT ends.*, e.\"id\", e.\"code\", e.\"tableName\", e.\"key\", "
                 "e.\"login\", e.\"time\", e.\"after\", e.\"before\" FROM ends LEFT JOIN LATERAL "
-                "(SELECT * FROM public.\"NciEvent\" WHERE \"id\" > $1 ORDER BY \"id\" LIMIT $2) e "
+                "(SELECT * FROM public.\"NciEvent\" WHERE \"id\" >= $1 ORDER BY \"id\" LIMIT $2) e "
                 "ON true ORDER BY e.\"id\"",
-            Parameters().integer(cursor).integer(std::max(limit, 0)));
+            Parameters()
+                .integer(proved ? cursor.id : cursor.id + 1)
+                .integer(int64_t(std::max(limit, 0)) + (proved ? 1 : 0)));
         if (!succeeded(result.get()))
             return m_connection.failure(logName, result.get());
         const PGresult* row = result.get();
         const int64_t pruned = isNull(row, 0, 0) ? 0 : integerAt(row, 0, 0);
         const int64_t newest = integerAt(row, 0, 1);
         m_known = newest;
-        // The cursor was taken before the store was recreated or restored.
-        if (cursor < pruned || cursor > newest)
-            return {LogPruned, "Журнал изменений не достаёт до события " + std::to_string(cursor) +
-                                   ": он начинается после " + std::to_string(pruned)};
         std::vector<Change> read = changesIn(row, 2);
+        if (const Status place = checkCursor(cursor, pruned, newest, &read); !place.ok())
+            return place;
         m_seen = newest;
         m_more = limit <= 0 || read.size() == static_cast<size_t>(limit);
         changes->swap(read);

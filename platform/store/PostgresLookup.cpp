@@ -5,6 +5,18 @@
 
 namespace orvo::store::postgres {
 
+namespace {
+
+/// Keys, which are printable ASCII, a line each.
+std::string lines(const std::vector<std::string>& keys) {
+    std::string list;
+    for (const std::string& key : keys)
+        list += (list.empty() ? "" : "\n") + key;
+    return list;
+}
+
+} // namespace
+
 Status PostgresStore::selectStored(int type, std::string_view folded,
                                    const std::optional<Value>& folder,
                                    const std::function<void(const Row& row)>& each) {
@@ -43,6 +55,33 @@ Status PostgresStore::changedSince(const TableDef& table, int64_t since, int64_t
     *newest = integerAt(result.get(), 0, 0);
     // A newest id below is one of another life of this database.
     *changed = booleanAt(result.get(), 0, 1) || *newest < since;
+    return {};
+}
+
+Status PostgresStore::storedKeys(const TableDef& table, const std::vector<std::string>& keys,
+                                 std::set<std::string>* stored) {
+    const std::string list = lines(keys);
+    return rows(table, {0},
+                "SELECT \"KeyLink\" FROM " + qualified(table.name) +
+                    " WHERE lower(\"KeyLink\") = ANY (string_to_array($1, E'\\n'))",
+                Parameters().text(list),
+                [&](const Row& row) { stored->insert(foldedKey(textOf(row.front()))); });
+}
+
+Status PostgresStore::changesOf(const TableDef& table, const std::vector<std::string>& keys,
+                                int64_t since, std::vector<Change>* changes) {
+    const Status status = settle(); // what was sent before has to show
+    if (!status.ok())
+        return status;
+    const std::string list = lines(keys);
+    const Result result = m_connection.query(
+        "SELECT \"id\", \"code\", \"tableName\", \"key\", \"login\", \"time\", \"after\", "
+        "\"before\" FROM public.\"NciEvent\" WHERE \"id\" > $1 AND \"tableName\" = $2 AND "
+        "lower(\"key\") = ANY (string_to_array($3, E'\\n')) ORDER BY \"id\"",
+        Parameters().integer(since).text(table.name).text(list));
+    if (!succeeded(result.get()))
+        return m_connection.failure("Журнал изменений", result.get());
+    *changes = changesIn(result.get(), 0);
     return {};
 }
 

@@ -43,7 +43,7 @@ public:
     Status fetch(std::string_view table, MDArray* into) override;
 
     Status logPosition(int64_t* id) override;
-    Status readLog(int64_t cursor, int limit, std::vector<Change>* changes) override;
+    Status readLog(const LogCursor& cursor, int limit, std::vector<Change>* changes) override;
     Status pruneLog(int64_t id) override;
     int wakeFd() const override;
     void takeWake() override;
@@ -76,6 +76,10 @@ protected:
                         bool* changed) override;
     Status makeLogin(const User& user) override;
     bool hasLogins() const override { return true; }
+    Status storedKeys(const TableDef& table, const std::vector<std::string>& keys,
+                      std::set<std::string>* stored) override;
+    Status changesOf(const TableDef& table, const std::vector<std::string>& keys, int64_t since,
+                     std::vector<Change>* changes) override;
     Status measure(Amount* amount) override;
     Status selectInOrder(const TableDef& table,
                          const std::function<Status(const Row& row)>& each) override;
@@ -93,6 +97,7 @@ private:
         std::string prepared; ///< text of a preparation; empty for a run
         std::string what;
         bool writes = false;
+        bool tells = false; ///< its result is what the transaction left in the log
     };
 
     /// Connects if the connection is gone.
@@ -114,6 +119,8 @@ private:
     /// Takes results until that many are outstanding.
     void receive(size_t left);
     void receiveOne();
+    /// Takes the result of the statement that tells what a call left in the log.
+    void takeWritten(const PGresult* result);
     /// Waits for everything sent, and leaves the stream.
     Status settle();
     /// After the connection broke at a commit: whether the transaction is in the log.

@@ -24,6 +24,12 @@ constexpr std::chrono::seconds outcomePatience(5);
 
 const char unknownOutcome[] = ": неизвестно, сохранено ли изменение";
 
+/// The last change that a call left in the log, and the id of its first.
+const char writtenOfCall[] =
+    "SELECT \"id\", \"code\", \"tableName\", \"key\", \"login\", \"time\", \"after\", \"before\", "
+    "(SELECT min(\"id\") FROM public.\"NciEvent\" WHERE \"id\" > $1 AND \"call\" = $2) FROM "
+    "public.\"NciEvent\" WHERE \"id\" > $1 AND \"call\" = $2 ORDER BY \"id\" DESC LIMIT 1";
+
 const char dataTable[] = "public.\"MenuResourceFileData\"";
 
 /// The statement for a write of this shape.
@@ -84,8 +90,11 @@ void PostgresStore::receiveOne() {
     const Sent sent = std::move(m_sent.front());
     m_sent.pop_front();
     while (const Result result = m_connection.next()) {
-        if (succeeded(result.get()))
+        if (succeeded(result.get())) {
+            if (sent.tells && sent.prepared.empty())
+                takeWritten(result.get());
             continue;
+        }
         if (!sent.prepared.empty())
             m_connection.forget(sent.prepared);
         if (PQresultStatus(result.get()) == PGRES_PIPELINE_ABORTED || !m_failure.ok())
@@ -139,9 +148,22 @@ Status PostgresStore::begin(const std::string& call) {
 }
 
 Status PostgresStore::commit() {
+    send(writtenOfCall, Parameters().integer(m_written.since).text(m_written.call), "Запись",
+         false);
+    if (m_failure.ok() && !m_sent.empty())
+        m_sent.back().tells = true;
     m_commitSent = true;
     send("COMMIT", {}, "Запись", false);
     return settle();
+}
+
+void PostgresStore::takeWritten(const PGresult* result) {
+    const std::vector<Change> last = changesIn(result, 0);
+    if (last.empty())
+        return;
+    m_written.first = integerAt(result, 0, 8);
+    m_written.last = LogCursor(last.front());
+    m_known = last.front().id;
 }
 
 void PostgresStore::rollback() {
@@ -154,12 +176,15 @@ void PostgresStore::rollback() {
 
 Status PostgresStore::inWrite(const Work& work) {
     const char notSaved[] = "изменения не сохранены: "; // first: the rest may be long
+    m_written = {};
     Status status = ready();
     if (!status.ok())
         return {status.code, notSaved + status.text};
     const std::string call = newKey();
     const std::string session = m_session;
     const int64_t since = m_known;
+    m_written.since = since;
+    m_written.call = call;
     status = begin(call);
     try {
         if (status.ok())
@@ -171,8 +196,10 @@ Status PostgresStore::inWrite(const Work& work) {
         throw;
     }
     if (status.ok() || m_connection.usable()) {
-        if (!status.ok())
+        if (!status.ok()) {
             rollback();
+            m_written = {};
+        }
         return status;
     }
     m_sent.clear();
@@ -181,6 +208,9 @@ Status PostgresStore::inWrite(const Work& work) {
         return status;
     if (!m_commitSent)
         return {status.code, notSaved + status.text};
+    m_written.first = 0; // said by a transaction that may not have ended
+    m_written.last = {};
+    m_written.unknown = true;
     if (m_connection.givenUp()) // and so is the search for the outcome
         return {Timeout, status.text + unknownOutcome};
     return resolveCommitOutcome(call, since, session);
@@ -217,10 +247,17 @@ Status PostgresStore::resolveCommitOutcome(const std::string& call, int64_t sinc
         Parameters().integer(since).text(call));
     if (!succeeded(found.get()))
         return unknown;
-    if (booleanAt(found.get(), 0, 0))
+    if (booleanAt(found.get(), 0, 0)) {
+        const Result left =
+            m_connection.query(writtenOfCall, Parameters().integer(since).text(call));
+        if (succeeded(left.get()))
+            takeWritten(left.get());
+        m_written.unknown = false;
         return {};
+    }
     if (booleanAt(found.get(), 0, 1))
         return unknown; // the log was pruned in the meantime
+    m_written.unknown = false;
     return {ConnectionBroken, lost + ": изменения не сохранены"};
 }
 

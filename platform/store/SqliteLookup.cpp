@@ -1,9 +1,29 @@
 // What stored forms and files are found by in an SQLite store.
 #include "platform/store/Names.h"
+#include "platform/store/Sql.h"
 #include "platform/store/SqliteSchema.h"
 #include "platform/store/SqliteStore.h"
 
 namespace orvo::store::sqlite {
+
+namespace {
+
+/// Keys, which are printable ASCII, as a JSON array.
+std::string jsonList(const std::vector<std::string>& keys) {
+    std::string list = "[";
+    for (const std::string& key : keys) {
+        list += list.size() == 1 ? "\"" : ",\"";
+        for (const char c : key) {
+            if (c == '"' || c == '\\')
+                list += '\\';
+            list += c;
+        }
+        list += '"';
+    }
+    return list + "]";
+}
+
+} // namespace
 
 Status SqliteStore::selectStored(int type, std::string_view folded,
                                  const std::optional<Value>& folder,
@@ -44,6 +64,34 @@ Status SqliteStore::changedSince(const TableDef& table, int64_t since, int64_t* 
     // A newest id below is one of another life of this file.
     *changed = statement->integer(1) != 0 || *newest < since;
     return {};
+}
+
+Status SqliteStore::storedKeys(const TableDef& table, const std::vector<std::string>& keys,
+                               std::set<std::string>* stored) {
+    Statement* statement = cached("SELECT \"KeyLink\" FROM " + identifier(table.name) +
+                                  " WHERE \"KeyLink\" IN (SELECT \"value\" FROM json_each(?1))");
+    if (statement == nullptr)
+        return m_connection.failure(inTable(table));
+    const std::string list = jsonList(keys);
+    statement->bind(1, std::string_view(list));
+    return rows(*statement, 1,
+                [&](const Row& row) { stored->insert(foldedKey(textOf(row.front()))); });
+}
+
+Status SqliteStore::changesOf(const TableDef& table, const std::vector<std::string>& keys,
+                              int64_t since, std::vector<Change>* changes) {
+    Statement* statement =
+        cached("SELECT \"id\", \"code\", \"tableName\", \"key\", \"login\", \"time\", "
+               "\"after\", \"before\" FROM \"NciEvent\" WHERE \"id\" > ?1 AND \"tableName\" = ?2 "
+               "AND lower(\"key\") IN (SELECT \"value\" FROM json_each(?3)) ORDER BY \"id\"");
+    if (statement == nullptr)
+        return m_connection.failure("Журнал изменений");
+    const ResetAfter reset(*statement);
+    const std::string list = jsonList(keys);
+    statement->bind(1, since);
+    statement->bind(2, std::string_view(table.name));
+    statement->bind(3, std::string_view(list));
+    return readChanges(*statement, changes);
 }
 
 } // namespace orvo::store::sqlite

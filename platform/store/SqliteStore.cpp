@@ -191,12 +191,38 @@ Status SqliteStore::setWriter(std::string_view login) {
     return statement->step() == SQLITE_DONE ? Status() : m_connection.failure("Запись");
 }
 
+/// Within one transaction the log grows by its own changes only, without gaps.
+Status SqliteStore::lastChange(int64_t before, Written* written) {
+    int64_t newest = 0;
+    Status status = logPosition(&newest);
+    if (!status.ok() || newest <= before)
+        return status;
+    Statement* statement =
+        cached("SELECT \"id\", \"code\", \"tableName\", \"key\", \"login\", \"time\", \"after\", "
+               "\"before\" FROM \"NciEvent\" WHERE \"id\" = ?1");
+    if (statement == nullptr)
+        return m_connection.failure("Журнал изменений");
+    const ResetAfter reset(*statement);
+    statement->bind(1, newest);
+    std::vector<Change> last;
+    status = readChanges(*statement, &last);
+    if (status.ok() && !last.empty()) {
+        written->first = before + 1;
+        written->last = LogCursor(last.front());
+    }
+    return status;
+}
+
 Status SqliteStore::inWrite(const Work& work) {
     Transaction transaction(m_connection, Transaction::Write);
     if (transaction.begun() != SQLITE_OK)
         return m_connection.failure("Запись");
     const std::string writer = login();
-    Status status = setWriter(writer);
+    m_written = {};
+    int64_t before = 0;
+    Status status = logPosition(&before);
+    if (status.ok())
+        status = setWriter(writer);
     if (status.ok())
         status = work();
     if (status.ok())
@@ -205,8 +231,13 @@ Status SqliteStore::inWrite(const Work& work) {
         m_content.reset();
         return status;
     }
+    Written written;
+    written.since = before;
+    if (status = lastChange(before, &written); !status.ok())
+        return status;
     if (transaction.commit() != SQLITE_OK)
         return m_connection.failure("Запись");
+    m_written = std::move(written);
     m_grown = true;
     return {};
 }
@@ -331,7 +362,7 @@ Status SqliteStore::logPosition(int64_t* id) {
     });
 }
 
-Status SqliteStore::readLog(int64_t cursor, int limit, std::vector<Change>* changes) {
+Status SqliteStore::readLog(const LogCursor& cursor, int limit, std::vector<Change>* changes) {
     return guarded([&]() -> Status {
         const char what[] = "Журнал изменений";
         std::vector<Change> result;
@@ -346,21 +377,18 @@ Status SqliteStore::readLog(int64_t cursor, int limit, std::vector<Change>* chan
                 done = m_connection.failure(what);
             if (!done.ok())
                 return done;
-            // The cursor was taken before the store was recreated or restored.
-            if (cursor < pruned || cursor > newest)
-                return {LogPruned, "Журнал изменений не достаёт до события " +
-                                       std::to_string(cursor) + ": он начинается после " +
-                                       std::to_string(pruned)};
             Statement* statement =
                 cached("SELECT \"id\", \"code\", \"tableName\", \"key\", \"login\", \"time\", "
-                       "\"after\", \"before\" FROM \"NciEvent\" WHERE \"id\" > ?1 ORDER BY \"id\" "
+                       "\"after\", \"before\" FROM \"NciEvent\" WHERE \"id\" >= ?1 ORDER BY \"id\" "
                        "LIMIT ?2");
             if (statement == nullptr)
                 return m_connection.failure(what);
             const ResetAfter reset(*statement);
-            statement->bind(1, cursor);
-            statement->bind(2, int64_t(std::max(limit, 0)));
-            return readChanges(*statement, &result);
+            const bool proved = !cursor.proof.empty(); // by the cursor's own change
+            statement->bind(1, proved ? cursor.id : cursor.id + 1);
+            statement->bind(2, int64_t(std::max(limit, 0)) + (proved ? 1 : 0));
+            done = readChanges(*statement, &result);
+            return done.ok() ? checkCursor(cursor, pruned, newest, &result) : done;
         });
         if (!status.ok())
             return status;

@@ -41,7 +41,7 @@ public:
     Status fetch(std::string_view table, MDArray* into) override;
 
     Status logPosition(int64_t* id) override;
-    Status readLog(int64_t cursor, int limit, std::vector<Change>* changes) override;
+    Status readLog(const LogCursor& cursor, int limit, std::vector<Change>* changes) override;
     Status pruneLog(int64_t id) override;
     int wakeFd() const override { return m_watch.fd(); }
     void takeWake() override { m_watch.take(); }
@@ -71,6 +71,10 @@ protected:
                         const std::function<void(const Row& row)>& each) override;
     Status changedSince(const TableDef& table, int64_t since, int64_t* newest,
                         bool* changed) override;
+    Status storedKeys(const TableDef& table, const std::vector<std::string>& keys,
+                      std::set<std::string>* stored) override;
+    Status changesOf(const TableDef& table, const std::vector<std::string>& keys, int64_t since,
+                     std::vector<Change>* changes) override;
     Status measure(Amount* amount) override;
     Status selectInOrder(const TableDef& table,
                          const std::function<Status(const Row& row)>& each) override;
@@ -88,6 +92,8 @@ private:
     /// The statement for writes of this shape.
     Statement* writing(const TableDef& table, const Write& write, bool bytes);
     Status setWriter(std::string_view login);
+    /// What the present transaction has added to the log, which reached `before`.
+    Status lastChange(int64_t before, Written* written);
     /// `room` is for the bytes of a content, which come later.
     Status run(const TableDef& table, const Write& write, std::optional<uint64_t> room);
     Status openContent(const std::string& key, bool write, Blob* blob);

@@ -19,6 +19,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace orvo::store {
@@ -39,7 +40,9 @@ enum Code : int {
     Failed = 21,     ///< the database failed: disk full, read-only, damaged
     NewerStore = 22, ///< made by a newer version
     NotAStore = 23,
-    LogPruned = 24, ///< the change log no longer reaches back to the cursor
+    LogPruned = 24,     ///< the change log no longer reaches back to the cursor
+    ParentDeleted = 26, ///< a record was to be placed below one that was deleted
+    LogReplaced = 27,   ///< the change log is not the one in which the cursor was taken
 };
 
 struct Status {
@@ -75,6 +78,31 @@ struct Change {
     std::string before; ///< JSON object: their values before; all fields of a delete
 };
 
+/// A place in the change log, with proof that the log there is the one that was read: a server may
+/// have failed over to one that lacks the last changes, and others have been written since.
+struct LogCursor {
+    int64_t id = 0;
+    std::string proof; ///< proofOf the change of that id; empty: it is gone, or nobody asks for it
+
+    LogCursor(int64_t place = 0) : id(place) {} // NOLINT(google-explicit-constructor)
+    LogCursor(int64_t place, std::string proofOfIt) : id(place), proof(std::move(proofOfIt)) {}
+    /// The place behind a change.
+    explicit LogCursor(const Change& change);
+};
+
+/// A digest of everything that the log knows of a change.
+std::string proofOf(const Change& change);
+
+/// What a write call left in the log, or may have left there.
+struct Written {
+    int64_t since = 0;    ///< the log had reached this change before
+    int64_t first = 0;    ///< its first change; 0: it left none, as far as anyone knows
+    LogCursor last;       ///< its last one
+    std::string call;     ///< names the call in the log of a server
+    bool unknown = false; ///< the connection was lost at the commit, and nobody could be asked
+};
+enum class Outcome { Saved, NotSaved, Unknown };
+
 struct User {
     std::string login, lastName, firstName, midlName;
     bool program = false;
@@ -82,6 +110,8 @@ struct User {
     bool viewer = false;       ///< may read, but not write
     std::string password = {}; ///< empty: none is set
 };
+
+struct UpdateGuard;
 
 class Store {
 public:
@@ -114,15 +144,27 @@ public:
     /// none. Only fields with the user bit are written; empty text in a link field becomes NULL.
     /// Refused: unknown table, a field that the table lacks, flag 1 on an existing key or on an
     /// empty one, flag 0. Flags 2 and 4 on a missing or empty key write nothing for that record.
-    virtual Status update(std::string_view table, const MDArray* records) = 0;
+    ///
+    /// With a guard (Merge.h) updates give way to what others wrote after guard->seen, field by
+    /// field, inside the same transaction; updates of missing records are reported; and a new
+    /// record, or one that is moved, is refused if the record that it is placed below was deleted.
+    virtual Status update(std::string_view table, const MDArray* records,
+                          UpdateGuard* guard = nullptr) = 0;
 
     // Change log ---------------------------------------------------------------------------------
 
     /// Id of the newest change: the cursor to take before the first fetch.
     virtual Status logPosition(int64_t* id) = 0;
+    /// The same with proof.
+    virtual Status logEnd(LogCursor* cursor) = 0;
     /// The changes after `cursor`, in commit order, at most `limit` of them. LogPruned if some of
-    /// them are gone.
-    virtual Status readLog(int64_t cursor, int limit, std::vector<Change>* changes) = 0;
+    /// them are gone; LogReplaced if the proof fails, and then it cannot be told what was missed.
+    virtual Status readLog(const LogCursor& cursor, int limit, std::vector<Change>* changes) = 0;
+    /// What the last write call of this object left in the log, if it succeeded or its outcome is
+    /// unknown.
+    virtual const Written& lastWritten() const = 0;
+    /// Whether the log has what a write call left there. Unknown: pruned since.
+    virtual Status outcomeOf(const Written& written, Outcome* outcome) = 0;
     /// Deletes the changes up to `id` included.
     virtual Status pruneLog(int64_t id) = 0;
     /// File descriptor that becomes readable when the log may have grown; -1 if there is none.

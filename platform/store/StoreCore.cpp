@@ -1,5 +1,6 @@
 #include "platform/store/StoreCore.h"
 
+#include "platform/store/Merge.h"
 #include "platform/store/Names.h"
 #include "platform/store/Sql.h"
 
@@ -92,7 +93,7 @@ Status StoreCore::fetchField(std::string_view name, std::string_view field, Text
     });
 }
 
-Status StoreCore::update(std::string_view tableName, const MDArray* records) {
+Status StoreCore::update(std::string_view tableName, const MDArray* records, UpdateGuard* guard) {
     return guarded([&]() -> Status {
         const TableDef* table = findTable(tableName);
         if (table == nullptr)
@@ -102,6 +103,21 @@ Status StoreCore::update(std::string_view tableName, const MDArray* records) {
         const WritePlan plan(*table, records);
         if (plan.count() == 0)
             return {};
+        if (guard != nullptr) {
+            std::vector<Write> writes(plan.count());
+            for (uint32_t entry = 0; entry < plan.count(); ++entry)
+                if (const Status status = plan.write(entry, &writes[entry]); !status.ok())
+                    return status;
+            UpdateGuard found;
+            found.seen = guard->seen;
+            found.own = guard->own;
+            const Status status = inWrite([&] { return applyGuarded(*table, writes, found); });
+            if (status.ok())
+                *guard = std::move(found);
+            else
+                guard->parentDeletion = std::move(found.parentDeletion);
+            return status;
+        }
         return inWrite([&]() -> Status {
             Write write;
             for (uint32_t entry = 0; entry < plan.count(); ++entry) {

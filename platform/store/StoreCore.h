@@ -13,6 +13,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -44,7 +45,12 @@ public:
                       MDArray* into) final;
     Status fetchLinked(std::string_view table, std::string_view field, std::string_view key,
                        MDArray* into) final;
-    Status update(std::string_view table, const MDArray* records) final;
+    Status update(std::string_view table, const MDArray* records,
+                  UpdateGuard* guard = nullptr) final;
+
+    Status logEnd(LogCursor* cursor) final;
+    const Written& lastWritten() const final { return m_written; }
+    Status outcomeOf(const Written& written, Outcome* outcome) final;
 
     Status formGet(std::string_view form, bool withBytes, std::vector<StoredFile>* files) final;
     Status formPut(std::string_view path, const std::vector<FileToPut>& files) final;
@@ -117,6 +123,22 @@ protected:
     virtual Status makeLogin(const User& user);
     virtual bool hasLogins() const { return false; }
 
+    /// Checks a cursor against the ends of the log and the changes read from the cursor's own on,
+    /// which is taken away.
+    static Status checkCursor(const LogCursor& cursor, int64_t pruned, int64_t newest,
+                              std::vector<Change>* changes);
+    /// Of the last inWrite.
+    Written m_written;
+
+    // For guarded updates. Keys are those of isKey, folded.
+
+    /// Adds the folded keys of those records of the table that are stored. Inside inWrite.
+    virtual Status storedKeys(const TableDef& table, const std::vector<std::string>& keys,
+                              std::set<std::string>* stored) = 0;
+    /// The changes after `since` of these records, in the order of the log. Inside inWrite.
+    virtual Status changesOf(const TableDef& table, const std::vector<std::string>& keys,
+                             int64_t since, std::vector<Change>* changes) = 0;
+
     // For what Maintenance.h asks.
     struct Amount {
         uint64_t records = 0, contents = 0, bytes = 0;
@@ -141,6 +163,12 @@ protected:
 
 private:
     class Filler;
+    /// The writes of one guarded update, inside inWrite.
+    Status applyGuarded(const TableDef& table, std::vector<Write>& writes, UpdateGuard& guard);
+    Status lastDeletion(const TableDef& table, const std::string& key,
+                        std::optional<Change>* deletion);
+    Status checkParents(const TableDef& table, const std::vector<Write>& writes,
+                        std::optional<Change>* deletedParent);
     struct Resource {
         std::string key, folder, name;
     };

@@ -50,7 +50,8 @@ public:
         : WriteWatch(std::move(store))
         , m_weather(weather) {}
 
-    store::Status readLog(int64_t cursor, int limit, std::vector<store::Change>* changes) override {
+    store::Status readLog(const store::LogCursor& cursor, int limit,
+                          std::vector<store::Change>* changes) override {
         m_weather.stuck = m_weather.frozen.load();
         while (m_weather.frozen) {
             if (!store::stillPatient())

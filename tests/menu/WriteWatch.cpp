@@ -55,7 +55,8 @@ QString shown(const MDArray* records, const MDRData* record) {
 
 WriteWatch::WriteWatch(std::unique_ptr<store::Store> store) : m_store(std::move(store)) {}
 
-store::Status WriteWatch::update(std::string_view table, const MDArray* records) {
+store::Status WriteWatch::update(std::string_view table, const MDArray* records,
+                                 store::UpdateGuard* guard) {
     WriteCall call{text(table), {}};
     for (uint32_t i = 0; i < mdx::postedCount(records); ++i)
         call.records.append(shown(records, mdx::postedRecord(records, i)));
@@ -63,7 +64,7 @@ store::Status WriteWatch::update(std::string_view table, const MDArray* records)
     calls.append(std::move(call));
     if (refused)
         return {store::Refused, "refused by the test"};
-    return m_store->update(table, records);
+    return m_store->update(table, records, guard);
 }
 
 QString WriteWatch::take() {
@@ -108,8 +109,18 @@ store::Status WriteWatch::fetchLinked(std::string_view table, std::string_view f
 store::Status WriteWatch::logPosition(int64_t* id) {
     return m_store->logPosition(id);
 }
-store::Status WriteWatch::readLog(int64_t cursor, int limit, std::vector<store::Change>* changes) {
+store::Status WriteWatch::logEnd(store::LogCursor* cursor) {
+    return m_store->logEnd(cursor);
+}
+store::Status WriteWatch::readLog(const store::LogCursor& cursor, int limit,
+                                  std::vector<store::Change>* changes) {
     return m_store->readLog(cursor, limit, changes);
+}
+const store::Written& WriteWatch::lastWritten() const {
+    return m_store->lastWritten();
+}
+store::Status WriteWatch::outcomeOf(const store::Written& written, store::Outcome* outcome) {
+    return m_store->outcomeOf(written, outcome);
 }
 store::Status WriteWatch::pruneLog(int64_t id) {
     return m_store->pruneLog(id);

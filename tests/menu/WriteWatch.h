@@ -45,9 +45,14 @@ public:
                              MDArray* into) override;
     store::Status fetchLinked(std::string_view table, std::string_view field, std::string_view key,
                               MDArray* into) override;
-    store::Status update(std::string_view table, const MDArray* records) override;
+    store::Status update(std::string_view table, const MDArray* records,
+                         store::UpdateGuard* guard) override;
     store::Status logPosition(int64_t* id) override;
-    store::Status readLog(int64_t cursor, int limit, std::vector<store::Change>* changes) override;
+    store::Status logEnd(store::LogCursor* cursor) override;
+    store::Status readLog(const store::LogCursor& cursor, int limit,
+                          std::vector<store::Change>* changes) override;
+    const store::Written& lastWritten() const override;
+    store::Status outcomeOf(const store::Written& written, store::Outcome* outcome) override;
     store::Status pruneLog(int64_t id) override;
     int wakeFd() const override;
     void takeWake() override;

@@ -25,7 +25,9 @@ public:
     Batch& remove(const char* key) { return add(MDX_DELETE, key, {}); }
     Batch& add(int flag, const char* key, Fields fields);
 
-    Status send(Store& store) { return store.update(m_table, array.array); }
+    Status send(Store& store, UpdateGuard* guard = nullptr) {
+        return store.update(m_table, array.array, guard);
+    }
 
     CMDArray array;
 

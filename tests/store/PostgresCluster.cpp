@@ -7,6 +7,9 @@
 #include <QTemporaryDir>
 #include <QThread>
 
+#include <chrono>
+#include <thread>
+
 namespace orvo::store::test {
 
 std::unique_ptr<PostgresCluster> PostgresCluster::start() {
@@ -111,7 +114,7 @@ bool PostgresCluster::terminateAll() const {
                  "pg_backend_pid() AND backend_type = 'client backend';");
 }
 
-bool PostgresCluster::startStandby() const {
+bool PostgresCluster::startStandby(Shipping shipping) const {
     const QString standby = m_directory + "/standby";
     QByteArray words;
     if (!run("pg_basebackup",
@@ -123,8 +126,38 @@ bool PostgresCluster::startStandby() const {
     }
     return run("pg_ctl", {"start", "-s", "-w", "-D", standby, "-o", "-p 5433", "-l",
                           standby + "/server.log"}) &&
-           shell("postgres",
-                 "ALTER SYSTEM SET synchronous_standby_names = '*'; SELECT pg_reload_conf();");
+           (shipping == Shipping::Asynchronous ||
+            shell("postgres",
+                  "ALTER SYSTEM SET synchronous_standby_names = '*'; SELECT pg_reload_conf();"));
+}
+
+bool PostgresCluster::stopShipping() const {
+    constexpr int tries = 300;
+    QByteArray end, state;
+    if (!shell("postgres", "SELECT 'at ' || pg_current_wal_flush_lsn()", &end))
+        return false;
+    const auto onStandby = [&](const QByteArray& sql, QByteArray* output) {
+        return shell("postgres", sql, output, "postgres", "5433");
+    };
+    const QByteArray lsn = end.mid(end.indexOf("at ") + 3).trimmed().split('\n').first().trimmed();
+    for (int i = 0; i < tries; ++i) {
+        onStandby("SELECT CASE WHEN pg_last_wal_replay_lsn() >= '" + lsn +
+                      "'::pg_lsn THEN 'there' END",
+                  &state);
+        if (state.contains("there"))
+            break;
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+    if (!state.contains("there") || !onStandby("ALTER SYSTEM SET primary_conninfo = ''", nullptr) ||
+        !onStandby("SELECT pg_reload_conf()", nullptr))
+        return false;
+    for (int i = 0; i < tries; ++i) {
+        if (onStandby("SELECT 'receivers ' || count(*) FROM pg_stat_wal_receiver", &state) &&
+            state.contains("receivers 0"))
+            return true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+    return false;
 }
 
 std::string PostgresCluster::urlOfBoth(const std::string& database) const {

@@ -39,9 +39,12 @@ public:
     /// Ends every session on the server but the one that asks, and waits until they are gone.
     bool terminateAll() const;
 
-    /// Starts a standby at port 5433 of the same directory; from then on a commit is reported when
-    /// the standby has it too.
-    bool startStandby() const;
+    enum class Shipping { Synchronous, Asynchronous };
+    /// Starts a standby at port 5433 of the same directory; if it is synchronous, a commit is
+    /// reported from then on when the standby has it too.
+    bool startStandby(Shipping shipping = Shipping::Synchronous) const;
+    /// Waits until the standby has everything, and lets it get nothing more.
+    bool stopShipping() const;
     /// The URL with both servers.
     std::string urlOfBoth(const std::string& database) const;
     /// Stops the first server at once and lets the standby take over. The first stays down.

@@ -28,6 +28,10 @@ private slots:
     void prunedLogIsNoticed();
     void idsAreNotUsedAgainAfterPruning();
     void cursorPastTheEndIsNoticed();
+    void cursorOfAnotherLogIsNoticed();
+    void provedCursorOutlivesPruningUpToIt();
+    void aWriteKnowsWhatItLeftInTheLog();
+    void whatBecameOfAWriteCanBeAsked();
     void logOfSeveralProcessesIsReadInCommitOrderWithoutGaps();
     void everyCommitWakes();
     void aReadDoesNotWake();
@@ -224,6 +228,93 @@ void TestLog::cursorPastTheEndIsNoticed() {
     ORVO_OK(Batch("MenuFileExt").insert("a").send(*m_store));
     std::vector<Change> changes;
     ORVO_FAILS(m_store->readLog(position() + 1, 10, &changes), LogPruned);
+}
+
+/// As after a fail-over to a server that lacked the last changes: their ids are there, and more of
+/// them, but they tell of other things.
+void TestLog::cursorOfAnotherLogIsNoticed() {
+    for (const char* key : {"a", "b", "c"})
+        ORVO_OK(Batch("MenuFileExt").insert(key).send(*m_store));
+    std::vector<Change> changes;
+    ORVO_OK(m_store->readLog(0, 100, &changes));
+    const LogCursor read(changes.back());
+    LogCursor end;
+    ORVO_OK(m_store->logEnd(&end));
+    QCOMPARE(end.id, read.id);
+    QCOMPARE(end.proof, read.proof);
+    ORVO_OK(m_store->readLog(read, 10, &changes));
+    QVERIFY(changes.empty());
+    ORVO_OK(Batch("MenuFileExt").insert("d").send(*m_store));
+    ORVO_OK(m_store->readLog(read, 10, &changes));
+    QCOMPARE(changes.size(), size_t(1));
+    const LogCursor next(changes.back());
+    QVERIFY(m_kind.byHand("UPDATE \"NciEvent\" SET \"key\" = 'other' WHERE \"id\" = " +
+                          QByteArray::number(qint64(read.id)) + ";"));
+    ORVO_FAILS(m_store->readLog(read, 10, &changes), LogReplaced);
+    ORVO_OK(m_store->readLog(next, 10, &changes));
+    ORVO_FAILS(m_store->readLog({next.id + 1, next.proof}, 10, &changes), LogReplaced);
+}
+
+void TestLog::provedCursorOutlivesPruningUpToIt() {
+    ORVO_OK(Batch("MenuFileExt").insert("a").insert("b").send(*m_store));
+    LogCursor end;
+    ORVO_OK(m_store->logEnd(&end));
+    ORVO_OK(m_store->pruneLog(end.id));
+    ORVO_OK(Batch("MenuFileExt").insert("c").send(*m_store));
+    std::vector<Change> changes;
+    ORVO_OK(m_store->readLog(end, 10, &changes));
+    QCOMPARE(changes.size(), size_t(1));
+    ORVO_OK(m_store->pruneLog(position()));
+    ORVO_FAILS(m_store->readLog(end, 10, &changes), LogPruned);
+}
+
+void TestLog::aWriteKnowsWhatItLeftInTheLog() {
+    const int64_t before = position();
+    ORVO_OK(Batch("MenuFileExt").insert("a").insert("b").insert("c").send(*m_store));
+    LogCursor end;
+    ORVO_OK(m_store->logEnd(&end));
+    QCOMPARE(m_store->lastWritten().first, before + 1);
+    QCOMPARE(m_store->lastWritten().last.id, before + 3);
+    QCOMPARE(m_store->lastWritten().last.proof, end.proof);
+    QVERIFY(!Batch("MenuFileExt").insert("a").send(*m_store).ok());
+    QCOMPARE(m_store->lastWritten().first, int64_t(0));
+    ORVO_OK(Batch("MenuFileExt").remove("none").send(*m_store));
+    QCOMPARE(m_store->lastWritten().first, int64_t(0));
+}
+
+void TestLog::whatBecameOfAWriteCanBeAsked() {
+    ORVO_OK(Batch("MenuFileExt").insert("a").send(*m_store));
+    const Written first = m_store->lastWritten();
+    ORVO_OK(Batch("MenuFileExt").insert("b").send(*m_store));
+    const Written second = m_store->lastWritten();
+    const auto reader = another("reader");
+    Outcome outcome = Outcome::Unknown;
+    ORVO_OK(reader->outcomeOf(first, &outcome));
+    QVERIFY(outcome == Outcome::Saved);
+    QVERIFY(m_kind.byHand("UPDATE \"NciEvent\" SET \"time\" = \"time\" + 1 WHERE \"id\" = " +
+                          QByteArray::number(qint64(second.last.id)) + ";"));
+    ORVO_OK(reader->outcomeOf(second, &outcome));
+    QVERIFY(outcome == Outcome::NotSaved);
+    Written beyond = second;
+    beyond.last.id += 10;
+    ORVO_OK(reader->outcomeOf(beyond, &outcome));
+    QVERIFY(outcome == Outcome::NotSaved);
+    ORVO_OK(m_store->pruneLog(first.last.id));
+    ORVO_OK(reader->outcomeOf(first, &outcome));
+    QVERIFY(outcome == Outcome::Unknown);
+    if (!first.call.empty()) { // asked by name, when the answer to the commit was lost
+        Written lost;
+        lost.since = first.last.id;
+        lost.call = second.call;
+        ORVO_OK(reader->outcomeOf(lost, &outcome));
+        QVERIFY(outcome == Outcome::Saved);
+        lost.call = first.call;
+        ORVO_OK(reader->outcomeOf(lost, &outcome));
+        QVERIFY(outcome == Outcome::NotSaved);
+        lost.since = 0;
+        ORVO_OK(reader->outcomeOf(lost, &outcome));
+        QVERIFY(outcome == Outcome::Unknown);
+    }
 }
 
 void TestLog::logOfSeveralProcessesIsReadInCommitOrderWithoutGaps() {

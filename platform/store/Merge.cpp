@@ -1,0 +1,123 @@
+#include "platform/store/Merge.h"
+
+#include "platform/mdx/MdxBuild.h"
+#include "platform/store/ChangeRecord.h"
+#include "platform/store/Names.h"
+
+#include <algorithm>
+#include <cstring>
+#include <unordered_map>
+#include <utility>
+
+namespace orvo::store {
+
+namespace {
+
+/// Whether two values read alike in a record. Another's text may hold letters that a record has a
+/// question mark for; a writer that gives back what it read has not changed them.
+bool sameInRecords(const Value& a, const Value& b) {
+    const auto* one = std::get_if<std::string>(&a);
+    const auto* other = std::get_if<std::string>(&b);
+    if (one != nullptr && other != nullptr)
+        return mdx::toCp1251(*one) == mdx::toCp1251(*other);
+    return a == b;
+}
+
+/// What became of one field after the writer last saw it.
+struct FieldState {
+    std::vector<Value> seen; ///< values that the writer may show: as seen, and as written since
+    Value now;
+    int64_t id = 0; ///< another's change that gave it this value; 0: nobody else's
+    std::string login;
+    double time = 0;
+};
+
+struct ParentEntry {
+    const char* table;
+    ParentField parent;
+};
+
+constexpr ParentEntry parents[] = {
+    {"Menu", {"parent", "Menu"}},
+    {"Menu", {"FolderKey", "MenuFolder"}},
+    {"MenuFolder", {"ParentKey", "MenuFolder"}},
+    {"MenuResource", {"MenuResourceFolderKey", "MenuResourceFolder"}},
+    {"MenuResourceFolder", {"ParentKey", "MenuResourceFolder"}},
+};
+
+} // namespace
+
+std::vector<ParentField> parentFields(const TableDef& table) {
+    std::vector<ParentField> found;
+    for (const ParentEntry& entry : parents)
+        if (std::strcmp(entry.table, table.name) == 0)
+            found.push_back(entry.parent);
+    return found;
+}
+
+struct Merge::Records {
+    std::unordered_map<std::string, std::unordered_map<int, FieldState>> byKey; ///< folded keys
+};
+
+Merge::Merge(const TableDef& table, const std::vector<Change>& changes, UpdateGuard& guard)
+    : m_table(table)
+    , m_guard(guard)
+    , m_records(std::make_unique<Records>()) {
+    const auto isOwn = [&](int64_t id) {
+        const auto after =
+            std::upper_bound(guard.own.begin(), guard.own.end(), id,
+                             [](int64_t left, const IdRange& range) { return left < range.first; });
+        return after != guard.own.begin() && id <= std::prev(after)->last;
+    };
+    for (const Change& change : changes) {
+        auto& fields = m_records->byKey[foldedKey(change.key)];
+        const bool own = isOwn(change.id);
+        const std::map<int, Value> before = valuesFromJson(table, change.before);
+        const std::map<int, Value> after = valuesFromJson(table, change.after);
+        for (const auto& [number, value] : before) {
+            const auto [field, first] = fields.try_emplace(number);
+            if (first) {
+                field->second.seen.push_back(value);
+                field->second.now = value;
+            }
+        }
+        for (const auto& [number, value] : after) {
+            FieldState& field = fields[number];
+            if (own) {
+                field.seen.push_back(value);
+                field.id = 0;
+            } else if (!sameInRecords(value, field.now)) {
+                const bool asSeen = !field.seen.empty() && sameInRecords(value, field.seen.back());
+                field.id = asSeen ? 0 : change.id;
+                field.login = change.login;
+                field.time = change.time;
+            }
+            field.now = value;
+        }
+    }
+}
+
+Merge::~Merge() = default;
+
+void Merge::reduce(Write& write) const {
+    const auto record = m_records->byKey.find(foldedKey(write.key));
+    if (write.flag != MDX_UPDATE || record == m_records->byKey.end())
+        return;
+    const auto leftOut = [&](const std::pair<int, Value>& value) {
+        const auto found = record->second.find(value.first);
+        if (found == record->second.end() || found->second.id == 0)
+            return false;
+        const FieldState& field = found->second;
+        const auto isIt = [&](const Value& other) { return sameInRecords(value.second, other); };
+        if (isIt(field.now) || std::any_of(field.seen.begin(), field.seen.end(), isIt))
+            return true;
+        m_guard.conflicts.push_back({write.key, value.first, value.second, field.now,
+                                     field.seen.empty() ? Value() : field.seen.back(), field.id,
+                                     field.login, field.time});
+        return true;
+    };
+    write.values.erase(std::remove_if(write.values.begin(), write.values.end(), leftOut),
+                       write.values.end());
+}
+
+} // namespace orvo::store

@@ -1,0 +1,108 @@
+// Places in the change log and their proof, alike in every kind of store.
+#include "platform/store/StoreCore.h"
+
+#include <QCryptographicHash>
+
+#include <cstring>
+
+namespace orvo::store {
+
+namespace {
+
+const char logName[] = "Журнал изменений";
+
+} // namespace
+
+LogCursor::LogCursor(const Change& change) : id(change.id), proof(proofOf(change)) {}
+
+std::string proofOf(const Change& change) {
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    const auto add = [&](const void* bytes, size_t size) {
+        hash.addData(static_cast<const char*>(bytes), static_cast<int>(size));
+    };
+    add(&change.id, sizeof change.id);
+    add(&change.code, sizeof change.code);
+    add(&change.time, sizeof change.time);
+    for (const std::string* text :
+         {&change.table, &change.key, &change.login, &change.after, &change.before}) {
+        const uint64_t size = text->size(); // or two texts could be cut elsewhere
+        add(&size, sizeof size);
+        add(text->data(), text->size());
+    }
+    return hash.result().toHex().toStdString();
+}
+
+Status StoreCore::checkCursor(const LogCursor& cursor, int64_t pruned, int64_t newest,
+                              std::vector<Change>* changes) {
+    const bool proved = !cursor.proof.empty();
+    const std::string place = "события " + std::to_string(cursor.id);
+    if (cursor.id < pruned || (cursor.id > newest && !proved))
+        // Beyond the end: the cursor was taken before the store was made anew or restored.
+        return {LogPruned, std::string(logName) + " не достаёт до " + place +
+                               ": он начинается после " + std::to_string(pruned)};
+    if (!proved)
+        return {};
+    if (!changes->empty() && changes->front().id == cursor.id) {
+        const bool same = proofOf(changes->front()) == cursor.proof;
+        changes->erase(changes->begin());
+        if (same)
+            return {};
+    } else if (cursor.id == pruned) {
+        return {}; // pruned exactly up to it
+    }
+    return {LogReplaced,
+            std::string(logName) + " не содержит прочитанного " + place +
+                ": хранилище вернулось к более раннему состоянию, последние изменения потеряны"};
+}
+
+Status StoreCore::logEnd(LogCursor* cursor) {
+    return guarded([&]() -> Status {
+        LogCursor end;
+        Status status = logPosition(&end.id);
+        std::vector<Change> last;
+        if (status.ok())
+            status = selectChanges(" WHERE \"id\" = " + std::to_string(end.id), &last);
+        if (!status.ok())
+            return status;
+        *cursor = last.empty() ? end : LogCursor(last.front());
+        return {};
+    });
+}
+
+Status StoreCore::outcomeOf(const Written& written, Outcome* outcome) {
+    return guarded([&]() -> Status {
+        *outcome = Outcome::Unknown;
+        if (written.last.proof.empty() && written.call.empty())
+            return {};
+        std::vector<Change> found;
+        Status status = selectChanges(written.last.proof.empty()
+                                          ? " WHERE \"id\" > " + std::to_string(written.since) +
+                                                " AND \"call\" = '" + written.call + "' LIMIT 1"
+                                          : " WHERE \"id\" = " + std::to_string(written.last.id),
+                                      &found);
+        if (!status.ok())
+            return status;
+        if (!found.empty()) {
+            const bool same =
+                written.last.proof.empty() || proofOf(found.front()) == written.last.proof;
+            *outcome = same ? Outcome::Saved : Outcome::NotSaved;
+            return {};
+        }
+        const int64_t place = written.last.proof.empty() ? written.since : written.last.id - 1;
+        status = readLog(place, 0, &found);
+        if (status.ok() || status.code == LogReplaced)
+            *outcome = Outcome::NotSaved;
+        else if (status.code != LogPruned)
+            return status;
+        else {
+            int64_t newest = 0;
+            if (status = logPosition(&newest); !status.ok())
+                return status;
+            if (newest < place) // not pruned: the log ends before it
+                *outcome = Outcome::NotSaved;
+        }
+        return {};
+    });
+}
+
+} // namespace orvo::store

@@ -1,0 +1,330 @@
+// Guarded updates: what another wrote since the writer last looked stays, field by field.
+#include "StoreTest.h"
+
+#include "platform/store/Merge.h"
+
+#include <QRandomGenerator>
+
+using namespace orvo::store;
+using namespace orvo::store::test;
+
+class TestMerge : public StoreTest {
+    Q_OBJECT
+public:
+    using StoreTest::StoreTest;
+
+private slots:
+    void init();
+
+    void unchangedFieldsKeepWhatAnotherWrote();
+    void sameFieldOfBothIsAConflictAndNotWritten();
+    void sameValueOfBothIsNoConflict();
+    void valueThatAnotherPutBackIsFree();
+    void ownWritesAreNoConflict();
+    void anotherAfterMyOwnWriteIsAConflict();
+    void questionMarksReadFromTheStoreAreNoChange();
+    void nullAndEmptyLinksAreAlike();
+    void everyTypeIsCompared();
+    void withoutAPlaceInTheLogEverythingIsWritten();
+    void whatIsLeftOutEntirelyStillEchoes();
+    void updateOfADeletedRecordTellsWhoDeletedIt();
+    void updateOfAnUnknownRecordIsReportedOnce();
+    void recordInsertedInTheSameCallIsNotMissing();
+    void childOfADeletedFolderIsRefusedAndNothingChanges();
+    void movingBelowADeletedFolderIsRefused();
+    void orphanThatStaysWhereItIsMayBeChanged();
+    void captionsInThePlaceOfAParentAreTaken();
+    void editsOfDifferentFieldsAtRandomPaceAllLast();
+
+private:
+    int64_t m_seen = 0;
+    std::unique_ptr<Store> m_other;
+    UpdateGuard guard() const {
+        UpdateGuard made;
+        made.seen = m_seen;
+        return made;
+    }
+    QString record(const char* key);
+};
+
+void TestMerge::init() {
+    StoreTest::init();
+    QVERIFY(m_store);
+    m_other = another("other");
+    ORVO_OK(Batch("MenuFolder")
+                .insert("hall", {{"caption", "Цех"}, {"order_", "1000"}, {"isFolder", true}})
+                .insert("desk", {{"caption", "КС-3"}, {"order_", "2000"}, {"isFolder", false}})
+                .send(*m_store));
+    ORVO_OK(Batch("Menu")
+                .insert("pump", {{"caption", "Насос"},
+                                 {"ico", "pump.png"},
+                                 {"order_", 1000},
+                                 {"oneCopy", false},
+                                 {"FolderKey", "desk"}})
+                .send(*m_store));
+    m_seen = position();
+}
+
+QString TestMerge::record(const char* key) {
+    CMDArray rows;
+    const Status status = m_store->fetchLinked("Menu", "KeyLink", key, rows.array);
+    return status.ok() ? dump(rows.array, {"caption", "ico", "order_", "oneCopy", "parent"})
+                       : QString::fromStdString(status.text);
+}
+
+void TestMerge::unchangedFieldsKeepWhatAnotherWrote() {
+    ORVO_OK(Batch("Menu").update("pump", {{"ico", "new.png"}}).send(*m_other));
+    UpdateGuard mine = guard();
+    ORVO_OK(Batch("Menu")
+                .update("PUMP", {{"caption", "Насос 2"}, {"ico", "pump.png"}, {"order_", 1000}})
+                .send(*m_store, &mine));
+    QCOMPARE(record("pump"), QString("Насос 2|new.png|1000|false|-"));
+    QVERIFY(mine.conflicts.empty());
+}
+
+void TestMerge::sameFieldOfBothIsAConflictAndNotWritten() {
+    ORVO_OK(Batch("Menu").update("pump", {{"caption", "Помпа"}}).send(*m_other));
+    UpdateGuard mine = guard();
+    ORVO_OK(Batch("Menu")
+                .update("pump", {{"caption", "Насос 2"}, {"ico", "mine.png"}})
+                .send(*m_store, &mine));
+    QCOMPARE(record("pump"), QString("Помпа|mine.png|1000|false|-"));
+    QCOMPARE(mine.conflicts.size(), size_t(1));
+    const Conflict& conflict = mine.conflicts.front();
+    QCOMPARE(conflict.key, std::string("pump"));
+    QCOMPARE(conflict.field, findTable("Menu")->find("caption"));
+    QCOMPARE(textOf(conflict.mine), std::string("Насос 2"));
+    QCOMPARE(textOf(conflict.theirs), std::string("Помпа"));
+    QCOMPARE(textOf(conflict.before), std::string("Насос"));
+    QCOMPARE(QByteArray(conflict.login.c_str()), QByteArray(m_other->login().c_str()));
+    QVERIFY(conflict.time > 1.6e9);
+    QCOMPARE(conflict.id, m_seen + 1);
+}
+
+void TestMerge::sameValueOfBothIsNoConflict() {
+    ORVO_OK(Batch("Menu").update("pump", {{"caption", "Помпа"}}).send(*m_other));
+    UpdateGuard mine = guard();
+    ORVO_OK(Batch("Menu").update("pump", {{"caption", "Помпа"}}).send(*m_store, &mine));
+    QVERIFY(mine.conflicts.empty());
+}
+
+void TestMerge::valueThatAnotherPutBackIsFree() {
+    ORVO_OK(Batch("Menu").update("pump", {{"caption", "Помпа"}}).send(*m_other));
+    ORVO_OK(Batch("Menu").update("pump", {{"caption", "Насос"}}).send(*m_other));
+    UpdateGuard mine = guard();
+    ORVO_OK(Batch("Menu").update("pump", {{"caption", "Насос 2"}}).send(*m_store, &mine));
+    QVERIFY(mine.conflicts.empty());
+    QCOMPARE(record("pump"), QString("Насос 2|pump.png|1000|false|-"));
+}
+
+void TestMerge::ownWritesAreNoConflict() {
+    ORVO_OK(Batch("Menu").update("pump", {{"caption", "Раз"}}).send(*m_store));
+    const int64_t own = position();
+    ORVO_OK(Batch("Menu").update("pump", {{"ico", "other.png"}}).send(*m_other));
+    UpdateGuard mine = guard();
+    mine.own = {{own, own}};
+    ORVO_OK(Batch("Menu")
+                .update("pump", {{"caption", "Два"}, {"ico", "pump.png"}})
+                .send(*m_store, &mine));
+    QVERIFY(mine.conflicts.empty());
+    QCOMPARE(record("pump"), QString("Два|other.png|1000|false|-"));
+}
+
+void TestMerge::anotherAfterMyOwnWriteIsAConflict() {
+    ORVO_OK(Batch("Menu").update("pump", {{"caption", "Раз"}}).send(*m_store));
+    const int64_t own = position();
+    ORVO_OK(Batch("Menu").update("pump", {{"caption", "Помпа"}}).send(*m_other));
+    UpdateGuard mine = guard();
+    mine.own = {{own, own}};
+    UpdateGuard again = mine;
+    ORVO_OK(Batch("Menu").update("pump", {{"caption", "Раз"}}).send(*m_store, &mine));
+    QVERIFY(mine.conflicts.empty()); // nothing was typed since
+    ORVO_OK(Batch("Menu").update("pump", {{"caption", "Два"}}).send(*m_store, &again));
+    QCOMPARE(again.conflicts.size(), size_t(1));
+    QCOMPARE(textOf(again.conflicts.front().before), std::string("Раз"));
+    QCOMPARE(record("pump"), QString("Помпа|pump.png|1000|false|-"));
+}
+
+void TestMerge::questionMarksReadFromTheStoreAreNoChange() {
+    QVERIFY(m_kind.byHand("UPDATE \"Menu\" SET \"caption\" = 'β' WHERE \"KeyLink\" = 'pump';"));
+    m_seen = position();
+    ORVO_OK(Batch("Menu").update("pump", {{"caption", "Помпа"}}).send(*m_other));
+    UpdateGuard mine = guard();
+    ORVO_OK(Batch("Menu").update("pump", {{"caption", "?"}}).send(*m_store, &mine));
+    QVERIFY(mine.conflicts.empty());
+    QCOMPARE(record("pump"), QString("Помпа|pump.png|1000|false|-"));
+}
+
+void TestMerge::nullAndEmptyLinksAreAlike() {
+    ORVO_OK(Batch("Menu").insert("box", {{"caption", "Папка"}}).send(*m_other));
+    ORVO_OK(Batch("Menu").update("pump", {{"parent", "box"}}).send(*m_other));
+    UpdateGuard mine = guard();
+    ORVO_OK(
+        Batch("Menu").update("pump", {{"parent", ""}, {"caption", "Мой"}}).send(*m_store, &mine));
+    QVERIFY(mine.conflicts.empty());
+    QCOMPARE(record("pump"), QString("Мой|pump.png|1000|false|box"));
+}
+
+void TestMerge::everyTypeIsCompared() {
+    ORVO_OK(Batch("MenuResource")
+                .insert("form", {{"name_", "Pump_"}, {"type_", 3}, {"dateTimeEdit", 1.1e9 / 3}})
+                .send(*m_store));
+    m_seen = position();
+    ORVO_OK(Batch("Menu").update("pump", {{"order_", 5}, {"oneCopy", true}}).send(*m_other));
+    ORVO_OK(Batch("MenuResource")
+                .update("form", {{"dateTimeEdit", 1.7e9 / 7}, {"UsersKey", "u"}})
+                .send(*m_other));
+    UpdateGuard mine = guard();
+    ORVO_OK(
+        Batch("Menu").update("pump", {{"order_", 1000}, {"oneCopy", false}}).send(*m_store, &mine));
+    QVERIFY(mine.conflicts.empty());
+    QCOMPARE(record("pump"), QString("Насос|pump.png|5|true|-"));
+    UpdateGuard form = guard();
+    ORVO_OK(Batch("MenuResource")
+                .update("form", {{"dateTimeEdit", 1.1e9 / 3}, {"UsersKey", QVariant()}})
+                .send(*m_store, &form));
+    QVERIFY(form.conflicts.empty());
+    QVERIFY(dump(*m_store, "MenuResource", {"UsersKey"}).startsWith("u"));
+    UpdateGuard lock = guard();
+    ORVO_OK(Batch("MenuResource").update("form", {{"UsersKey", "me"}}).send(*m_store, &lock));
+    QCOMPARE(lock.conflicts.size(), size_t(1));
+}
+
+void TestMerge::withoutAPlaceInTheLogEverythingIsWritten() {
+    ORVO_OK(Batch("Menu").update("pump", {{"caption", "Помпа"}}).send(*m_other));
+    UpdateGuard mine;
+    ORVO_OK(Batch("Menu").update("pump", {{"caption", "Насос"}}).send(*m_store, &mine));
+    QCOMPARE(record("pump"), QString("Насос|pump.png|1000|false|-"));
+}
+
+void TestMerge::whatIsLeftOutEntirelyStillEchoes() {
+    ORVO_OK(Batch("Menu").update("pump", {{"caption", "Помпа"}}).send(*m_other));
+    UpdateGuard mine = guard();
+    ORVO_OK(Batch("Menu").update("pump", {{"caption", "Насос 2"}}).send(*m_store, &mine));
+    QCOMPARE(position(), m_seen + 2);
+}
+
+void TestMerge::updateOfADeletedRecordTellsWhoDeletedIt() {
+    ORVO_OK(Batch("Menu").remove("pump").send(*m_other));
+    UpdateGuard mine = guard();
+    ORVO_OK(Batch("Menu").update("pump", {{"caption", "Насос 2"}}).send(*m_store, &mine));
+    QCOMPARE(mine.missing.size(), size_t(1));
+    QVERIFY(mine.missing.front().deletion);
+    QCOMPARE(mine.missing.front().deletion->login, m_other->login());
+    QVERIFY(mine.missing.front().deletion->before.find("Насос") != std::string::npos);
+    QCOMPARE(position(), m_seen + 1);
+}
+
+void TestMerge::updateOfAnUnknownRecordIsReportedOnce() {
+    UpdateGuard mine = guard();
+    ORVO_OK(Batch("Menu")
+                .update("never", {{"caption", "Раз"}})
+                .update("NEVER", {{"caption", "Два"}})
+                .update("", {{"caption", "Три"}}) // no key: nothing is asked for
+                .send(*m_store, &mine));
+    QCOMPARE(mine.missing.size(), size_t(1));
+    QCOMPARE(mine.missing.front().key, std::string("never"));
+    QVERIFY(!mine.missing.front().deletion);
+}
+
+void TestMerge::recordInsertedInTheSameCallIsNotMissing() {
+    UpdateGuard mine = guard();
+    ORVO_OK(Batch("Menu")
+                .insert("new", {{"caption", "Раз"}})
+                .update("new", {{"caption", "Два"}})
+                .send(*m_store, &mine));
+    QVERIFY(mine.missing.empty());
+    QCOMPARE(record("new"), QString("Два|-|-|-|-"));
+}
+
+void TestMerge::childOfADeletedFolderIsRefusedAndNothingChanges() {
+    ORVO_OK(Batch("MenuFolder").remove("hall").send(*m_other));
+    const int64_t before = position();
+    UpdateGuard mine = guard();
+    const Status status = Batch("MenuFolder")
+                              .update("desk", {{"caption", "КС-4"}})
+                              .insert("new", {{"caption", "Пульт"}, {"ParentKey", "HALL"}})
+                              .send(*m_store, &mine);
+    ORVO_FAILS(status, ParentDeleted);
+    QVERIFY(status.text.find("Цех") != std::string::npos);
+    QVERIFY(status.text.find(m_other->login()) != std::string::npos);
+    QCOMPARE(position(), before);
+}
+
+void TestMerge::movingBelowADeletedFolderIsRefused() {
+    ORVO_OK(Batch("MenuFolder").remove("hall").send(*m_other));
+    UpdateGuard mine = guard();
+    ORVO_FAILS(Batch("MenuFolder").update("desk", {{"ParentKey", "hall"}}).send(*m_store, &mine),
+               ParentDeleted);
+}
+
+void TestMerge::orphanThatStaysWhereItIsMayBeChanged() {
+    ORVO_OK(Batch("MenuFolder").update("desk", {{"ParentKey", "hall"}}).send(*m_store));
+    m_seen = position();
+    ORVO_OK(Batch("MenuFolder").remove("hall").send(*m_other));
+    UpdateGuard mine = guard();
+    ORVO_OK(Batch("MenuFolder")
+                .update("desk", {{"ParentKey", "hall"}, {"caption", "КС-4"}})
+                .send(*m_store, &mine));
+}
+
+void TestMerge::captionsInThePlaceOfAParentAreTaken() {
+    UpdateGuard mine = guard();
+    ORVO_OK(Batch("Menu")
+                .insert("a", {{"parent", "Насосная"}, {"FolderKey", "desk"}})
+                .insert("b", {{"parent", "Pumps"}, {"FolderKey", "desk"}})
+                .send(*m_store, &mine));
+}
+
+/// Two writers, each of whole rows as it last saw them with one of its own two fields changed. Each
+/// looks at the log now and then only.
+void TestMerge::editsOfDifferentFieldsAtRandomPaceAllLast() {
+    struct Writer {
+        Store* store;
+        QStringList fields;
+        QMap<QString, QVariant> row;
+        UpdateGuard guard;
+    };
+    const QMap<QString, QVariant> first = {
+        {"caption", "Насос"}, {"ico", "pump.png"}, {"order_", 1000}, {"params", QVariant()}};
+    ORVO_OK(Batch("Menu").update("pump", {{"params", QVariant()}}).send(*m_store));
+    m_seen = position();
+    Writer writers[] = {{m_store.get(), {"caption", "order_"}, first, guard()},
+                        {m_other.get(), {"ico", "params"}, first, guard()}};
+    QMap<QString, QVariant> expected = first;
+    QRandomGenerator random(20260);
+    for (int round = 0; round < 400; ++round) {
+        Writer& writer = writers[random.bounded(2)];
+        if (random.bounded(4) == 0) { // looks
+            writer.row = expected;
+            writer.guard = {};
+            writer.guard.seen = position();
+        }
+        const QString field = writer.fields[random.bounded(2)];
+        writer.row[field] = field == "order_" ? QVariant(round) : QVariant(QString::number(round));
+        expected[field] = writer.row[field];
+        Batch batch("Menu");
+        batch.update("pump", {{"caption", writer.row["caption"]},
+                              {"ico", writer.row["ico"]},
+                              {"order_", writer.row["order_"]},
+                              {"params", writer.row["params"]}});
+        ORVO_OK(batch.send(*writer.store, &writer.guard));
+        QVERIFY(writer.guard.conflicts.empty());
+        const int64_t own = position();
+        writer.guard.own.push_back({own, own});
+    }
+    CMDArray rows;
+    ORVO_OK(m_store->fetchLinked("Menu", "KeyLink", "pump", rows.array));
+    const auto shown = [&](const char* field) {
+        return expected[field].isValid() ? expected[field].toString() : QString("-");
+    };
+    QCOMPARE(
+        dump(rows.array, {"caption", "ico", "order_", "params"}),
+        QStringList({shown("caption"), shown("ico"), shown("order_"), shown("params")}).join('|'));
+}
+
+int main(int argc, char** argv) {
+    return runOnAllKinds<TestMerge>(argc, argv);
+}
+
+#include "tst_store_merge.moc"
