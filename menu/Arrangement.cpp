@@ -19,10 +19,9 @@ void OrvoMenu::setTreeArrangement() {
     desck->setEditTriggers(QAbstractItemView::NoEditTriggers);
     desck->setHeaderHidden(true);
     desck->setSelectionMode(QAbstractItemView::SingleSelection);
-    m_desckModel = std::make_unique<DesckTreeModel>(
-        QStringList{"Name", "KeyLink", "ParentKey", "Order", "IsFolder", "IsNew"}, this);
+    m_desckModel = std::make_unique<DesckTreeModel>(m_desckFields.titles(), this);
     desck->setModel(m_desckModel.get());
-    orvo::hideColumns(desck, DesckColumn::KeyLink, DesckColumn::IsNew);
+    orvo::hideColumns(desck, DesckColumn::KeyLink, m_desckFields.columnCount() - 1);
     connect(m_desckModel.get(), &DesckTreeModel::nameChanged, this,
             &OrvoMenu::on_Desck_NameChanged);
     m_desckDelegate = std::make_unique<DesckDelegate>(m_desckModel.get(), this);
@@ -41,12 +40,12 @@ void OrvoMenu::setTreeArrangement() {
     menu->setDragEnabled(true);
     menu->setAcceptDrops(true);
     menu->setDropIndicatorShown(true);
-    m_menuModel = std::make_unique<MenuTreeModel>(
-        QStringList{" ", tr("тип"), tr("команда"), "FolderKey", "Icon", "KeyLink", "MenuResKey",
-                    "OneCopy", "order", "Params", "ParentKey", "Separator", "IsNew"},
-        orvo::iconsPath(*this), this);
+    QStringList titles = m_elementFields.titles();
+    for (QString& title : titles)
+        title = tr(title.toUtf8().constData());
+    m_menuModel = std::make_unique<MenuTreeModel>(titles, orvo::iconsPath(*this), this);
     menu->setModel(m_menuModel.get());
-    orvo::hideColumns(menu, MenuColumn::FolderKey, MenuColumn::IsNew);
+    orvo::hideColumns(menu, MenuColumn::FolderKey, m_elementFields.columnCount() - 1);
     menu->setColumnWidth(MenuColumn::Caption, 300);
     orvo::followExpansion(menu, m_menuModel.get());
     connect(menu, &QTreeView::customContextMenuRequested, this, &OrvoMenu::showContextMenu_tvMenu);

@@ -16,6 +16,8 @@
 #include <QItemSelectionModel>
 
 using orvo::ScratchTable;
+using orvo::editor::Copied;
+using orvo::editor::RecordField;
 using orvo::menu::Element;
 using orvo::menu::isFolderRecord;
 using orvo::menu::menuMime;
@@ -144,15 +146,21 @@ void OrvoMenu::pasteMenuItemToDB(const QString& desck, const QString& parent, co
             row.null("parent");
         else
             row.text("parent", newKeyOf(keyMap, orvo::textOf(record, "parent")));
-        row.copy("caption", record).copy("order_", record);
+        copyFields(row, record, Copied::Place, orvo::editor::ItemRows);
     } else {
         row.text("parent", parent)
             .text("caption", caption)
             .integer("order_", getLastMenuOrder(parent));
     }
-    for (const char* field : {"params", "MenuResourceKey", "ico", "separator", "oneCopy"})
-        row.copy(field, record);
+    copyFields(row, record, Copied::Value, orvo::editor::ItemRows);
     row.text("FolderKey", desck);
+}
+
+void OrvoMenu::copyFields(orvo::RowWriter& row, const MDRData* source, Copied how,
+                          orvo::editor::Rows kind) const {
+    for (const RecordField& field : m_elementFields)
+        if (field.copied == how && (field.copiedOn & kind) != 0)
+            row.copy(field.name, source);
 }
 
 void OrvoMenu::pasteMenuFolderRow(const QString& desck, const QString& parent, const QString& key,
@@ -173,8 +181,7 @@ void OrvoMenu::pasteMenuFolderRow(const QString& desck, const QString& parent, c
             .text("caption", caption)
             .integer("order_", getLastMenuOrder(parent));
     }
-    for (const char* field : {"params", "ico", "separator", "oneCopy"})
-        row.copy(field, record);
+    copyFields(row, record, Copied::Value, orvo::editor::FolderRows);
     row.text("FolderKey", desck);
 }
 

@@ -16,6 +16,8 @@
 #include <QItemSelectionModel>
 #include <QToolButton>
 
+using orvo::editor::FieldType;
+using orvo::editor::RecordField;
 using orvo::menu::MenuColumn;
 using orvo::menu::stepBehind;
 
@@ -102,9 +104,10 @@ void OrvoMenu::addChosenElements() {
             .text("MenuResourceKey", resourceKey)
             .text("caption", chosen.siblingAtColumn(pickerCaptionColumn).data().toString())
             .text("FolderKey", openDesckKey())
-            .flag("separator", false)
-            .flag("oneCopy", false)
             .integer("order_", order);
+        for (const RecordField& field : m_elementFields)
+            if (field.type == FieldType::Flag)
+                field.write(row, false);
         if (resource && !orvo::isNull(resource, "ico"))
             row.copy("ico", resource);
         order = stepBehind(order);
@@ -172,20 +175,21 @@ void OrvoMenu::on_actNewElemFolder_triggered() {
     const int order = nextOrder(*m_menuModel, parent);
     if (!m_menuModel->insertRows(row, 1, parent))
         return;
-    m_btnSave->setEnabled(true);
-    m_btnCancel->setEnabled(true);
-    m_editMode = NewElement;
+    const QString key = QString::fromLatin1(GenGuid32());
     const QModelIndex folder = m_menuModel->index(row, 0, parent);
     orvo::setRow(*m_menuModel, folder,
-                 {{MenuColumn::KeyLink, QString::fromLatin1(GenGuid32())},
+                 {{MenuColumn::KeyLink, key},
                   {MenuColumn::Caption, tr("Новая папка")},
                   {MenuColumn::FolderKey, openDesckKey()},
                   {MenuColumn::ParentKey, m_currentMenuKey},
                   {MenuColumn::Type, convertMenuAttributes(0)},
-                  {MenuColumn::Separator, false},
-                  {MenuColumn::OneCopy, false},
                   {MenuColumn::IsNew, true},
                   {MenuColumn::Order, order}});
+    for (const RecordField& field : m_elementFields)
+        if (field.type == FieldType::Flag)
+            orvo::setRow(*m_menuModel, folder, {{field.column, false}});
+    m_elementEdit.beginNew(folder, key);
+    enableEditButtons(true);
     m_ui->tvMenu->scrollTo(folder);
     m_ui->tvMenu->selectionModel()->select(folder, QItemSelectionModel::ClearAndSelect);
     m_ui->tvMenu->setCurrentIndex(folder);

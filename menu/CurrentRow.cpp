@@ -10,8 +10,7 @@
 #include <QItemSelectionModel>
 #include <QTreeView>
 
-using orvo::menu::DesckColumn;
-using orvo::menu::MenuColumn;
+using namespace orvo::menu;
 
 namespace {
 
@@ -21,7 +20,7 @@ bool isNewRow(const QModelIndex& row, int column) {
 
 } // namespace
 
-void OrvoMenu::on_tvDesck_currentChanged(const QModelIndex& current, const QModelIndex& previous) {
+void OrvoMenu::on_tvDesck_currentChanged(const QModelIndex& current, const QModelIndex&) {
     if (m_skipDesckChange) {
         m_skipDesckChange = false;
         return;
@@ -33,13 +32,11 @@ void OrvoMenu::on_tvDesck_currentChanged(const QModelIndex& current, const QMode
     case NewDesck:
         setDesckActionsDisabled();
         if (isNewRow(current, DesckColumn::IsNew))
-            m_editDesckIndex = current;
+            m_desckEdit.takePlaceholder(current, m_currentDesckKey);
         else
             finishEdit();
         return;
     case RenameDesck:
-        if (!m_editDesckIndex.isValid())
-            m_editDesckIndex = previous;
         finishEdit();
         return;
     case EditElement:
@@ -56,10 +53,11 @@ void OrvoMenu::on_tvDesck_currentChanged(const QModelIndex& current, const QMode
         m_openDesckKey.clear();
 }
 
-void OrvoMenu::on_tvMenu_currentChanged(const QModelIndex& current, const QModelIndex& previous) {
+void OrvoMenu::on_tvMenu_currentChanged(const QModelIndex& current, const QModelIndex&) {
     m_currentMenuKey = m_menuModel->getItemKeyLink(current);
     m_propModel->clearRows();
-    switch (m_editMode) {
+    // An edit of a row that moves is no edit that the engineer leaves.
+    switch (m_movesRows && m_editMode == EditElement ? int32_t(NoEdit) : m_editMode) {
     case NoEdit:
         showMenuPassport(current);
         setMenuActionsEnabled(current);
@@ -68,16 +66,13 @@ void OrvoMenu::on_tvMenu_currentChanged(const QModelIndex& current, const QModel
         setDesckActionsDisabled();
         setMenuActionsDisabled();
         if (isNewRow(current, MenuColumn::IsNew)) {
-            m_editMenuIndex = current;
-            m_editMenuKey = m_currentMenuKey;
+            m_elementEdit.takePlaceholder(current, m_currentMenuKey);
             showMenuPassport(current);
         } else {
             finishEdit();
         }
         break;
     case EditElement:
-        if (!m_editMenuIndex.isValid())
-            m_editMenuIndex = previous.isValid() ? QModelIndex(previous) : editedElement();
         finishEdit();
         break;
     default:

@@ -20,6 +20,8 @@
 
 using orvo::KeyValues;
 using orvo::ScratchTable;
+using orvo::editor::Copied;
+using orvo::editor::RecordField;
 using orvo::menu::DesckColumn;
 using orvo::menu::desckMime;
 using orvo::menu::desckRootKey;
@@ -53,17 +55,17 @@ void OrvoMenu::addDesckRow(bool isFolder) {
     }
     if (!m_desckModel->insertRows(row, 1, parent))
         return;
-    m_btnSave->setEnabled(true);
-    m_btnCancel->setEnabled(true);
-    m_editMode = NewDesck;
+    const QString key = QString::fromLatin1(GenGuid32());
     const QModelIndex added = m_desckModel->index(row, 0, parent);
     orvo::setRow(*m_desckModel, added,
-                 {{DesckColumn::KeyLink, QString::fromLatin1(GenGuid32())},
+                 {{DesckColumn::KeyLink, key},
                   {DesckColumn::IsFolder, isFolder},
                   {DesckColumn::Name, isFolder ? tr("новая папка1") : tr("новый рабочий стол")},
                   {DesckColumn::ParentKey, parentKey},
                   {DesckColumn::Order, QString::fromLatin1(isFolder ? folderClass : desktopClass)},
                   {DesckColumn::IsNew, true}});
+    m_desckEdit.beginNew(added, key);
+    enableEditButtons(true);
     m_ui->tvDesck->scrollTo(added);
     m_ui->tvDesck->selectionModel()->select(added, QItemSelectionModel::ClearAndSelect);
     m_ui->tvDesck->setCurrentIndex(added);
@@ -77,20 +79,18 @@ void OrvoMenu::on_actChangeDescktopOrFolder_triggered() {
         return;
     if (!finishEdit())
         return;
-    m_btnSave->setEnabled(true);
-    m_btnCancel->setEnabled(true);
-    m_editMode = RenameDesck;
+    m_desckEdit.beginRename(current, m_desckModel->getItemKeyLink(current));
+    enableEditButtons(true);
     setDesckActionsDisabled();
     m_ui->tvDesck->setEditTriggers(QAbstractItemView::AllEditTriggers);
     m_ui->tvDesck->edit(current);
-    m_editDesckIndex = current;
 }
 
 void OrvoMenu::on_actDeleteFromtvDesck_triggered() {
     const QModelIndex current = m_ui->tvDesck->currentIndex();
     if (!current.isValid())
         return;
-    if (m_editMode == NewDesck && current == m_editDesckIndex) {
+    if (m_desckEdit.isNew() && current == m_editDesckIndex) {
         on_cancel_pressed(); // never saved, so there is nothing to delete
         return;
     }
@@ -149,7 +149,7 @@ void OrvoMenu::removeDesckTopMessage(QAbstractButton* button) {
     clearMenuModel();
     m_currentMenuKey.clear();
     // What was being edited there is gone, and the view tells nobody.
-    if (m_editMode == NewElement || m_editMode == EditElement)
+    if (m_elementEdit.isOpen())
         finishEdit();
     // The elements leave the server before the desktop that they belong to.
     elements.send();
@@ -198,7 +198,10 @@ QString OrvoMenu::pasteDesckRow(const QString& parent, const MDRData* source, co
         row.null("ParentKey");
     else
         row.text("ParentKey", parent);
-    row.text("order_", QString::fromLatin1(orderClass)).copy("isFolder", source);
+    row.text("order_", QString::fromLatin1(orderClass));
+    for (const RecordField& field : m_desckFields)
+        if (field.copied == Copied::Value)
+            row.copy(field.name, source);
     if (name.isNull())
         row.copy("caption", source);
     else
@@ -260,9 +263,9 @@ void OrvoMenu::pasteDesckItemToDB(const QString& parent, const QString& source, 
             row.null("parent");
         else
             row.text("parent", newKeyOf(newKeys, oldParent));
-        for (const char* field :
-             {"MenuResourceKey", "caption", "params", "ico", "separator", "order_", "oneCopy"})
-            row.copy(field, element);
+        for (const RecordField& field : m_elementFields)
+            if (field.copied != Copied::Never)
+                row.copy(field.name, element);
         row.text("FolderKey", desktop);
         return true;
     });

@@ -136,13 +136,8 @@ int32_t OrvoMenu::desckPosition(const QString& key, const QString& parentKey,
 
 void OrvoMenu::updateNewDesckNode(MDRData* record, int32_t position, const QModelIndex& row) {
     const QModelIndex parent = row.parent();
-    setRow(*m_desckModel, row,
-           {{DesckColumn::KeyLink, orvo::textOf(record, "KeyLink")},
-            {DesckColumn::Name, orvo::textOf(record, "caption")},
-            {DesckColumn::ParentKey, orvo::textOf(record, "ParentKey")},
-            {DesckColumn::Order, orvo::textOf(record, "order_")},
-            {DesckColumn::IsFolder, orvo::flagOf(record, "isFolder")},
-            {DesckColumn::IsNew, false}});
+    setRow(*m_desckModel, row, m_desckFields.values(record));
+    setRow(*m_desckModel, row, {{DesckColumn::IsNew, false}});
     if (position != row.row())
         m_desckModel->moveSiblingItem(row.row(), position, parent);
 }
@@ -157,11 +152,6 @@ void OrvoMenu::insertElementToDesckTree(MDRData* record) {
     const int32_t position = desckPosition(key, parentKey, m_desckModel->getItemLevel(parent) == 0);
     if (position == -1 || !m_desckModel->insertRows(position, 1, parent))
         return;
-    setRow(*m_desckModel, m_desckModel->index(position, 0, parent),
-           {{DesckColumn::Name, orvo::textOf(record, "caption")},
-            {DesckColumn::KeyLink, key},
-            {DesckColumn::ParentKey, parentKey},
-            {DesckColumn::Order, orvo::textOf(record, "order_")},
-            {DesckColumn::IsFolder, orvo::flagOf(record, "isFolder")}});
+    setRow(*m_desckModel, m_desckModel->index(position, 0, parent), m_desckFields.values(record));
     m_ui->tvDesck->setCurrentIndex(m_desckModel->findIndexByKey(m_currentDesckKey));
 }

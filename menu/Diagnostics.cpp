@@ -13,12 +13,8 @@ QString OrvoMenu::tableText(const QString& table) const {
         QStringList fields;
     };
     const std::array<Shown, 3> tables{
-        Shown{
-            "MenuFolder", &m_tabFolder, {"KeyLink", "ParentKey", "caption", "order_", "isFolder"}},
-        Shown{"Menu",
-              &m_tabMenu,
-              {"KeyLink", "parent", "FolderKey", "caption", "order_", "ico", "separator", "oneCopy",
-               "MenuResourceKey", "params"}},
+        Shown{"MenuFolder", &m_tabFolder, m_desckFields.names()},
+        Shown{"Menu", &m_tabMenu, m_elementFields.names()},
         Shown{"MenuResource", &m_tabResource, {"KeyLink", "name_", "type_"}}};
     for (const Shown& one : tables) {
         if (orvo::sameText(table, QString::fromLatin1(one.name)))

@@ -5,7 +5,6 @@
 
 #include "ui_OrvoMenu.h"
 
-#include "frame/Notification.h"
 #include "frame/Records.h"
 #include "frame/ScratchTable.h"
 #include "frame/ViewRows.h"
@@ -14,33 +13,12 @@
 #include <QToolButton>
 #include <QTreeView>
 
-#include <algorithm>
-#include <utility>
+using namespace orvo::menu;
 
-using orvo::menu::DesckColumn;
-using orvo::menu::desckRootKey;
-using orvo::menu::MenuColumn;
-
-namespace {
-
-/// The column of `tvMenu` that a passport row shows and changes; -1 for rows that show only.
-int columnOf(const QString& rowName) {
-    static const std::pair<const char*, int> columns[] = {
-        {"name", MenuColumn::Caption},        {"icon", MenuColumn::Icon},
-        {"params", MenuColumn::Params},       {"onecopy", MenuColumn::OneCopy},
-        {"separator", MenuColumn::Separator},
-    };
-    for (const auto& [name, column] : columns)
-        if (orvo::sameText(rowName, QString::fromLatin1(name)))
-            return column;
-    return -1;
+void OrvoMenu::enableEditButtons(bool enabled) {
+    m_btnSave->setEnabled(enabled);
+    m_btnCancel->setEnabled(enabled);
 }
-
-QString textAt(const QModelIndex& row, int column) {
-    return row.siblingAtColumn(column).data().toString();
-}
-
-} // namespace
 
 void OrvoMenu::on_editor_valueChanged(const QString& rowName, const QVariant& value) {
     const QModelIndex row = m_menuModel->findIndexByKey(m_currentMenuKey);
@@ -48,143 +26,71 @@ void OrvoMenu::on_editor_valueChanged(const QString& rowName, const QVariant& va
         return;
     // A row without a column opens an edit too.
     if (m_editMode == NoEdit) {
-        endElementEdit();
-        m_editMode = EditElement;
-        m_editMenuKey = m_currentMenuKey;
-        m_btnSave->setEnabled(true);
-        m_btnCancel->setEnabled(true);
+        m_elementEdit.beginChange(row, m_menuModel->getItemKeyLink(row));
+        enableEditButtons(true);
     }
-    const int column = columnOf(rowName);
-    if (column < 0)
-        return;
-    if (m_editMode == EditElement)
-        m_editValues[column] = value;
-    m_menuModel->setData(row.siblingAtColumn(column), value, Qt::DisplayRole);
+    const int column = m_elementFields.editedColumn(rowName);
+    if (column >= 0)
+        m_elementEdit.change(*m_menuModel, row, column, value);
 }
 
 bool OrvoMenu::finishEdit() {
     if (m_editMode == NoEdit)
         return true;
     on_save_pressed();
-    const bool desck = m_editMode == NewDesck || m_editMode == RenameDesck;
-    const bool rowThere = desck ? m_editDesckIndex.isValid() : editedElement().isValid();
-    if (!rowThere) {
-        endElementEdit();
+    if (m_desckEdit.isOpen() && !m_editDesckIndex.isValid()) {
+        m_desckEdit.end();
         // The row that became current instead is not to be renamed.
-        if (desck) {
-            closeDesckEditor(QModelIndex());
-            m_ui->tvDesck->setEditTriggers(QAbstractItemView::NoEditTriggers);
-        }
+        closeDesckEditor(QModelIndex());
+        m_ui->tvDesck->setEditTriggers(QAbstractItemView::NoEditTriggers);
     }
+    if (m_elementEdit.isOpen() && !m_elementEdit.row(*m_menuModel).isValid())
+        m_elementEdit.end();
     return m_editMode == NoEdit;
 }
 
-void OrvoMenu::endElementEdit() {
-    m_editMode = NoEdit;
-    m_editMenuIndex = QModelIndex();
-    m_editMenuKey.clear();
-    m_editValues.clear();
-}
-
-bool OrvoMenu::isEdited(const QString& key) const {
-    return m_editMode == EditElement && orvo::sameText(key, m_editMenuKey);
-}
-
-void OrvoMenu::keepEdit(const QModelIndex& row, const MDRData* record,
-                        const orvo::Notification& change) {
-    static const std::pair<int, const char*> fields[] = {
-        {MenuColumn::Caption, "caption"},     {MenuColumn::Icon, "ico"},
-        {MenuColumn::Params, "params"},       {MenuColumn::OneCopy, "oneCopy"},
-        {MenuColumn::Separator, "separator"},
-    };
-    for (const auto& [column, field] : fields) {
-        if (change.brings(field))
-            m_editValues.remove(column); // somebody was quicker
-        else if (m_editValues.contains(column))
-            m_menuModel->setData(row.siblingAtColumn(column), m_editValues[column],
-                                 Qt::DisplayRole);
-    }
-    // An own write of its place has come back when the record has that place.
-    const auto parent = m_editValues.constFind(MenuColumn::ParentKey);
-    if (m_editValues.value(MenuColumn::Order) == QVariant(orvo::integerOf(record, "order_")) &&
-        (parent == m_editValues.constEnd() ||
-         orvo::holdsText(record, "parent", parent->toString()))) {
-        m_editValues.remove(MenuColumn::Order);
-        m_editValues.remove(MenuColumn::ParentKey);
-    }
-}
-
-QModelIndex OrvoMenu::editedElement() const {
-    // The row that the edit was made on. If it is gone, because it moved with a folder above it,
-    // the one that now has its key.
-    if (m_editMenuIndex.isValid() || !m_menuModel)
-        return m_editMenuIndex;
-    return elementRow(m_editMenuKey.isEmpty() ? m_currentMenuKey : m_editMenuKey);
-}
-
 void OrvoMenu::on_save_pressed() {
-    m_btnSave->setEnabled(false);
-    m_btnCancel->setEnabled(false);
+    enableEditButtons(false);
     switch (m_editMode) {
     case NewDesck:
-        saveNewDesck();
+    case RenameDesck:
+        saveDesck();
         break;
     case NewElement:
-        saveElement(editedElement(), MDX_INSERT);
-        break;
-    case RenameDesck:
-        saveDesckName();
+        saveElement(m_elementEdit.row(*m_menuModel), MDX_INSERT);
         break;
     case EditElement:
-        saveElement(editedElement(), MDX_UPDATE);
+        saveElement(m_elementEdit.row(*m_menuModel), MDX_UPDATE);
         break;
     default:
         break;
     }
 }
 
-void OrvoMenu::saveNewDesck() {
-    const QModelIndex row = m_editDesckIndex;
+void OrvoMenu::saveDesck() {
+    const QPersistentModelIndex row = m_editDesckIndex;
     if (!row.isValid())
         return;
     orvo::ScratchTable out(*m_app->m_session, "MenuFolder");
     if (!out.fetch())
         return;
-    const QString parentKey = textAt(row, DesckColumn::ParentKey);
-    orvo::RowWriter record = out.add(MDX_INSERT);
-    record.text("KeyLink", textAt(row, DesckColumn::KeyLink))
-        .text("caption", textAt(row, DesckColumn::Name));
-    if (orvo::sameText(parentKey, QString::fromLatin1(desckRootKey)))
-        record.null("ParentKey");
-    else
-        record.text("ParentKey", parentKey);
-    record.text("order_", textAt(row, DesckColumn::Order))
-        .flag("isFolder", row.siblingAtColumn(DesckColumn::IsFolder).data().toBool());
-    record.post();
-
-    m_editMode = NoEdit;
+    const bool isNew = m_desckEdit.isNew();
+    // The editor's last word is part of the name.
     closeDesckEditor(row);
-    m_ui->tvDesck->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_editDesckIndex = QModelIndex();
+    {
+        orvo::RowWriter record = out.add(isNew ? MDX_INSERT : MDX_UPDATE);
+        m_desckEdit.write(record);
+    }
+    if (isNew)
+        m_ui->tvDesck->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_desckEdit.end();
+    if (!isNew) {
+        out.send();
+        return;
+    }
     MDXCliParam* reply = nullptr;
     out.send(&reply);
     m_app->m_session->PrmFree(reply);
-}
-
-void OrvoMenu::saveDesckName() {
-    const QModelIndex row = m_editDesckIndex;
-    if (!row.isValid())
-        return;
-    orvo::ScratchTable out(*m_app->m_session, "MenuFolder");
-    if (!out.fetch())
-        return;
-    closeDesckEditor(row);
-    out.add(MDX_UPDATE)
-        .text("KeyLink", textAt(row, DesckColumn::KeyLink))
-        .text("caption", textAt(row, DesckColumn::Name));
-    m_editMode = NoEdit;
-    m_editDesckIndex = QModelIndex();
-    out.send();
 }
 
 void OrvoMenu::closeDesckEditor(const QModelIndex& row) {
@@ -201,52 +107,25 @@ void OrvoMenu::saveElement(const QModelIndex& row, MdxRecordFlag flag) {
     if (!out.fetch())
         return;
     loadMenuRowToTable(row, out, flag);
-    endElementEdit();
+    m_elementEdit.end();
     out.send();
 }
 
 void OrvoMenu::loadMenuRowToTable(const QModelIndex& index, orvo::ScratchTable& out,
                                   MdxRecordFlag flag) const {
-    const auto flagAt = [&](int column) { return index.siblingAtColumn(column).data().toBool(); };
     orvo::RowWriter record = out.add(flag);
-    record.text("KeyLink", textAt(index, MenuColumn::KeyLink));
-    const QVariant order = index.siblingAtColumn(MenuColumn::Order).data();
-    if (m_editValues.contains(MenuColumn::ParentKey))
-        record.textOrNull("parent", m_editValues[MenuColumn::ParentKey].toString());
-    else if (m_menuModel->getItemLevel(index.parent()) != 0)
-        record.text("parent", textAt(index, MenuColumn::ParentKey));
-    else
-        record.null("parent");
-    record.text("FolderKey", textAt(index, MenuColumn::FolderKey))
-        .text("caption", textAt(index, MenuColumn::Caption))
-        .integer("order_", m_editValues.value(MenuColumn::Order, order).toInt())
-        .text("ico", textAt(index, MenuColumn::Icon))
-        .flag("separator", flagAt(MenuColumn::Separator))
-        .flag("oneCopy", flagAt(MenuColumn::OneCopy));
-    if (!m_menuModel->itemIsFolder(index))
-        record.text("MenuResourceKey", textAt(index, MenuColumn::MenuResKey))
-            .text("params", textAt(index, MenuColumn::Params));
+    m_elementEdit.write(*m_menuModel, index, record);
 }
 
 void OrvoMenu::on_cancel_pressed() {
-    m_btnSave->setEnabled(false);
-    m_btnCancel->setEnabled(false);
+    enableEditButtons(false);
     switch (m_editMode) {
     case NewDesck:
-        if (!m_editDesckIndex.isValid())
-            return;
-        m_editMode = NoEdit;
-        m_ui->tvDesck->setEditTriggers(QAbstractItemView::NoEditTriggers);
-        orvo::removePlaceholder(m_ui->tvDesck, m_editDesckIndex);
+        cancelNewDesck();
         break;
-    case NewElement: {
-        const QPersistentModelIndex row = editedElement();
-        if (!row.isValid())
-            return;
-        endElementEdit();
-        orvo::removePlaceholder(m_ui->tvMenu, row);
+    case NewElement:
+        cancelNewElement();
         break;
-    }
     case RenameDesck:
         cancelDesckName();
         break;
@@ -258,19 +137,37 @@ void OrvoMenu::on_cancel_pressed() {
     }
 }
 
+void OrvoMenu::cancelNewDesck() {
+    const QPersistentModelIndex row = m_editDesckIndex;
+    if (!row.isValid())
+        return;
+    // First: an editor still open would have the last word when the current row changes.
+    closeDesckEditor(row);
+    m_desckEdit.end();
+    m_ui->tvDesck->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    orvo::removePlaceholder(m_ui->tvDesck, row);
+}
+
+void OrvoMenu::cancelNewElement() {
+    const QPersistentModelIndex row(m_elementEdit.row(*m_menuModel));
+    if (!row.isValid())
+        return;
+    m_elementEdit.end();
+    orvo::removePlaceholder(m_ui->tvMenu, row);
+}
+
 void OrvoMenu::cancelDesckName() {
     const QPersistentModelIndex row = m_editDesckIndex;
     if (!row.isValid())
         return;
-    m_editMode = NoEdit;
-    const MDRData* record = orvo::seekKey(m_tabFolder, textAt(row, DesckColumn::KeyLink));
+    const MDRData* record = orvo::seekKey(m_tabFolder, m_desckEdit.key());
+    if (record)
+        closeDesckEditor(row);
+    m_desckEdit.end();
     if (!record)
         return;
     m_ui->tvDesck->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    // First: an editor still open would have the last word when the current row changes.
-    closeDesckEditor(row);
     m_desckModel->setData(row, orvo::textOf(record, "caption"), Qt::DisplayRole);
-    m_editDesckIndex = QModelIndex();
     orvo::makeCurrentAnew(m_ui->tvDesck, row);
 }
 
@@ -278,7 +175,7 @@ void OrvoMenu::cancelElement() {
     const QPersistentModelIndex row(m_menuModel->findIndexByKey(m_currentMenuKey));
     if (!row.isValid())
         return;
-    endElementEdit();
+    m_elementEdit.end();
     MDRData* record = orvo::seekKey(m_tabMenu, m_currentMenuKey);
     if (!record)
         return;

@@ -92,19 +92,8 @@ std::vector<OrvoMenu::MenuFolderRow> OrvoMenu::addMenuRows(MenuTreeModel::Batch&
 }
 
 QVector<QVariant> OrvoMenu::menuValues(const MDRData* record) const {
-    const auto text = [record](const char* field) { return orvo::textOf(record, field); };
-    const QString resourceKey = text("MenuResourceKey");
-    QVector<QVariant> values(MenuColumn::Count);
-    values[MenuColumn::KeyLink] = text("KeyLink");
-    values[MenuColumn::FolderKey] = text("FolderKey");
-    values[MenuColumn::ParentKey] = text("parent");
-    values[MenuColumn::Caption] = text("caption");
-    values[MenuColumn::Params] = text("params");
-    values[MenuColumn::Icon] = text("ico");
-    values[MenuColumn::OneCopy] = orvo::flagOf(record, "oneCopy");
-    values[MenuColumn::Separator] = orvo::flagOf(record, "separator");
-    values[MenuColumn::Order] = orvo::integerOf(record, "order_");
-    values[MenuColumn::MenuResKey] = resourceKey;
+    QVector<QVariant> values = m_elementFields.values(record);
+    const QString resourceKey = values[MenuColumn::MenuResKey].toString();
     values[MenuColumn::IsNew] = false;
     if (resourceKey.isEmpty()) {
         values[MenuColumn::Type] = convertMenuAttributes(0);

@@ -10,6 +10,7 @@
 #include "menu/Columns.h"
 
 #include <QAction>
+#include <QScopedValueRollback>
 #include <QTreeView>
 
 using orvo::menu::MenuColumn;
@@ -108,8 +109,7 @@ void OrvoMenu::showDesck(const QString& key, MDRData* record, const QModelIndex&
     if (position == -1)
         return;
     // A row that moves leaves those below it behind: an edit there is saved first.
-    const bool editsDesck = m_editMode == NewDesck || m_editMode == RenameDesck;
-    if (editsDesck && position != row.row() && standsBelow(m_editDesckIndex, row))
+    if (m_desckEdit.isOpen() && position != row.row() && standsBelow(m_editDesckIndex, row))
         finishEdit();
     updateNewDesckNode(record, position, row);
     orvo::makeCurrentAnew(m_ui->tvDesck, m_desckModel->findIndexByKey(key));
@@ -127,9 +127,7 @@ void OrvoMenu::elementUpdated(const orvo::Notification& change) {
     const QString oldParent = row.siblingAtColumn(MenuColumn::ParentKey).data().toString();
     const int32_t position = getMenuElementPosition(key, newParent);
     loadMenuRow(parent, number, record);
-    const bool edited = isEdited(key);
-    if (edited)
-        keepEdit(row, record, change);
+    m_elementEdit.merge(*m_menuModel, row, record, change);
     if (!orvo::sameText(newParent, oldParent)) {
         const QModelIndex target = m_menuModel->findIndexByKey(
             newParent.isEmpty() ? QString::fromLatin1(menuRootKey) : newParent);
@@ -137,15 +135,10 @@ void OrvoMenu::elementUpdated(const orvo::Notification& change) {
         if (!target.isValid())
             return;
         // An edit is saved in the new place: from the one that it leaves it would undo the move.
-        if (edited)
-            m_editMode = NoEdit;
+        const bool edited = m_elementEdit.changes(key);
         moveElement(row, position, target);
-        if (edited) {
-            m_editMode = EditElement;
-            m_editMenuIndex = elementRow(key);
-            m_editValues[MenuColumn::ParentKey] = newParent;
+        if (edited)
             finishEdit();
-        }
         limitMoves();
         return;
     }
@@ -189,6 +182,7 @@ void OrvoMenu::elementInserted(const orvo::Notification& change) {
 void OrvoMenu::moveElement(const QModelIndex& row, int32_t position, const QModelIndex& target) {
     QTreeView* view = m_ui->tvMenu;
     const bool hadCurrent = view->currentIndex().isValid();
+    const QScopedValueRollback<bool> moving(m_movesRows, true);
     m_menuModel->moveItem(row.row(), position, row.parent(), target);
     // A row moves as a copy, and a view forgets a current row below the one that goes.
     if (hadCurrent && !view->currentIndex().isValid())

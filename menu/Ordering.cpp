@@ -48,18 +48,15 @@ void OrvoMenu::swapWithNeighbour(int step) {
 }
 
 orvo::RowWriter OrvoMenu::addOrder(ScratchTable& out, const QString& key, int order) {
-    // An open edit of that element may be saved before this comes back, with all its fields.
-    if (isEdited(key))
-        m_editValues[MenuColumn::Order] = order;
+    m_elementEdit.sendsPlace(key, order);
     orvo::RowWriter row = out.add(MDX_UPDATE);
     row.text("KeyLink", key).integer("order_", order);
     return row;
 }
 
 void OrvoMenu::addPlace(ScratchTable& out, const QString& key, int order, const QString& parent) {
-    if (isEdited(key))
-        m_editValues[MenuColumn::ParentKey] = parent;
     addOrder(out, key, order).textOrNull("parent", parent);
+    m_elementEdit.sendsPlace(key, order, parent);
 }
 
 void OrvoMenu::on_menu_dragdrop(const QModelIndex& destindex, QStringList srcList, int option) {

@@ -6,6 +6,7 @@
 #include "frame/Records.h"
 #include "frame/ViewRows.h"
 #include "frame/WindowParts.h"
+#include "menu/RecordLists.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -16,6 +17,8 @@ OrvoMenu::OrvoMenu(COrvoCliApp* app)
     : COrvoCliMod(app)
     , m_codec(nullptr)
     , m_clipboard(nullptr)
+    , m_elementFields(orvo::menu::elementFields())
+    , m_desckFields(orvo::menu::desckFields())
     , m_ui(std::make_unique<Ui_OrvoMenu>()) {
     orvo::setupForm([this] { m_ui->setupUi(this); });
     connect(qApp, &QApplication::focusChanged, this, &OrvoMenu::on_focus_changed);
@@ -67,9 +70,9 @@ bool OrvoMenu::ModuleStart() {
     if (!loadTables())
         return false;
     m_skipDesckChange = false;
-    m_editMode = NoEdit;
-    m_btnSave->setEnabled(false);
-    m_btnCancel->setEnabled(false);
+    m_elementEdit.end();
+    m_desckEdit.end();
+    enableEditButtons(false);
     setMenuActionsDisabled();
     setDesckActionsDisabled();
     setTreeArrangement();

@@ -15,7 +15,11 @@
 #ifndef ORVO_MENU_ORVOMENU_H
 #define ORVO_MENU_ORVOMENU_H
 
+#include "editor/RecordFields.h"
 #include "frame/OrvoClient.h"
+#include "menu/DesckEdit.h"
+#include "menu/ElementEdit.h"
+#include "menu/OpenEdit.h"
 #include "models/models.h"
 #include "picker/ObjectListOwner.h"
 
@@ -69,15 +73,6 @@ public:
     const CMDArray* resourceFolderTable() const override { return &m_tabResFolder; }
 
 protected:
-    /// What is being edited. There is one edit at a time, in both trees together.
-    enum EditMode : int32_t {
-        NoEdit = 0,
-        NewDesck = 1,   ///< a new desktop or folder stands in tvDesck, not yet saved
-        NewElement = 2, ///< a new menu folder stands in tvMenu, not yet saved
-        RenameDesck = 3,
-        EditElement = 4, ///< a value of an existing element was changed in the passport
-    };
-
     QTextCodec* m_codec;     ///< "Windows-1251", for every text to and from a table; not owned
     QClipboard* m_clipboard; ///< the application's, not owned
     QToolButton* m_btnNewDesck = nullptr; ///< these buttons are children of the window
@@ -98,14 +93,16 @@ protected:
     std::unique_ptr<DesckDelegate> m_desckDelegate;
     CPopObjectList* m_popList = nullptr; ///< the picker, child of the window, made on first use
     QString m_popTarget;                 ///< passport row that opened the picker
-    int32_t m_editMode = NoEdit;
-    QPersistentModelIndex
-        m_editDesckIndex; ///< row being created or renamed; invalid once it is gone
-    QPersistentModelIndex m_editMenuIndex; ///< row being created or edited; likewise
-    QString m_editMenuKey; ///< of the element being created or edited, whose row may be made anew
-    /// What an edit of an existing element has changed, by column of tvMenu; and its Order and
-    /// ParentKey as long as an own write of its place has not come back.
-    QMap<int, QVariant> m_editValues;
+    orvo::editor::RecordFields m_elementFields; ///< of tvMenu
+    orvo::editor::RecordFields m_desckFields;   ///< of tvDesck
+    orvo::menu::OpenEdit m_openEdit;            ///< which of the two edits is open, if any
+    orvo::menu::DesckEdit m_desckEdit{m_openEdit, m_desckFields};
+    orvo::menu::ElementEdit m_elementEdit{m_openEdit, m_elementFields};
+    // What is open, an orvo::menu::EditMode, and on which row: only the edits write these.
+    const int32_t& m_editMode = m_openEdit.mode();
+    const QPersistentModelIndex& m_editDesckIndex = m_desckEdit.index();
+    const QPersistentModelIndex& m_editMenuIndex = m_elementEdit.index();
+    const QString& m_editMenuKey = m_elementEdit.key();
     QString m_openDesckKey;    ///< of the desktop whose elements m_tabMenu holds; null: the current
     QString m_currentDesckKey; ///< key of the current row of tvDesck
     QString m_currentMenuKey;  ///< key of the current row of tvMenu
@@ -247,6 +244,7 @@ private:
     void showDesck(const QString& key, MDRData* record, const QModelIndex& row);
     void elementUpdated(const orvo::Notification& change);
     void elementDeleted(const orvo::Notification& change);
+    bool m_movesRows = false; ///< the current row changes by a move of rows, not by the engineer
     /// Moves a row with what lies below it; a current row among that stays current.
     void moveElement(const QModelIndex& row, int32_t position, const QModelIndex& target);
     /// Switches off a move button whose neighbour has gone.
@@ -263,21 +261,14 @@ private:
     /// Saves the open edit because the engineer turns to something else. An edit whose row is gone
     /// just ends. False if it stays open, because the server gave no structure to write in.
     bool finishEdit();
-    void saveNewDesck();
-    void saveDesckName();
+    void saveDesck();
+    /// Switches the buttons of the open edit.
+    void enableEditButtons(bool enabled);
     /// Closes the editors of names, on that row and on the current one.
     void closeDesckEditor(const QModelIndex& row);
-    /// The row of the element being created or edited, wherever it has moved with the folders above
-    /// it; invalid if it is gone.
-    QModelIndex editedElement() const;
-    /// Whether an edit of that existing element is open.
-    bool isEdited(const QString& key) const;
-    /// Puts what the engineer has typed back into the edited row, which a notification has just
-    /// written anew, so that the edit goes on; but for the fields that the notification brings.
-    void keepEdit(const QModelIndex& row, const MDRData* record, const orvo::Notification& change);
-    /// Ends an edit of an element; nothing is written.
-    void endElementEdit();
     void saveElement(const QModelIndex& row, MdxRecordFlag flag);
+    void cancelNewDesck();
+    void cancelNewElement();
     void cancelDesckName();
     void cancelElement();
 
@@ -289,6 +280,9 @@ private:
 
     // Clipboard and order
     void putOnClipboard(int mode);
+    /// The fields that are copied so on such rows.
+    void copyFields(orvo::RowWriter& row, const MDRData* source, orvo::editor::Copied how,
+                    orvo::editor::Rows kind) const;
     void pasteMenuFolderRow(const QString& desck, const QString& parent, const QString& key,
                             const QString& caption, const MDRData* record,
                             orvo::ScratchTable& target, const QMap<QString, QString>& keyMap);
@@ -331,6 +325,8 @@ private:
     /// The same with all that lies below them, as the content of the row `parent`.
     void addMenuTree(const QModelIndex& parent, const QString& key, int32_t position);
     void showMenuPassport(const QModelIndex& index);
+    /// The passport of a row, as of one of that kind.
+    void fillPassport(const QModelIndex& index, orvo::editor::Rows kind);
 };
 
 #endif

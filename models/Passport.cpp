@@ -3,7 +3,7 @@
 namespace orvo {
 
 QModelIndex addPassportCategory(PropModel& model, const QString& name, const QString& caption,
-                                std::initializer_list<PassportRow> rows) {
+                                const std::vector<PassportRow>& rows) {
     model.AddCategoryRow(name, caption, QModelIndex());
     const QModelIndex category = model.index(model.rowCount() - 1, 0);
     for (const PassportRow& row : rows) {

@@ -7,7 +7,7 @@
 #include <QString>
 #include <QVariant>
 
-#include <initializer_list>
+#include <vector>
 
 namespace orvo {
 
@@ -23,7 +23,7 @@ struct PassportRow {
 /// Adds a category behind what the grid shows, with these rows and their values below it, and gives
 /// its index.
 QModelIndex addPassportCategory(PropModel& model, const QString& name, const QString& caption,
-                                std::initializer_list<PassportRow> rows);
+                                const std::vector<PassportRow>& rows);
 
 /// Changes the value of a row as the user's own edit does: the model reports it. Nothing happens if
 /// the grid has no such row.

@@ -13,8 +13,8 @@ public:
     using OrvoMenu::OrvoMenu;
 
     using OrvoMenu::checkMimeType;
-    using OrvoMenu::EditElement;
-    using OrvoMenu::EditMode;
+    using enum menu::EditMode;
+    using EditMode = menu::EditMode;
     using OrvoMenu::getDesckElementPosition;
     using OrvoMenu::getMenuElementPosition;
     using OrvoMenu::insertElementToDesckTree;
@@ -37,10 +37,6 @@ public:
     using OrvoMenu::m_tabMenu;
     using OrvoMenu::m_tabResFolder;
     using OrvoMenu::m_tabResource;
-    using OrvoMenu::NewDesck;
-    using OrvoMenu::NewElement;
-    using OrvoMenu::NoEdit;
-    using OrvoMenu::RenameDesck;
     using OrvoMenu::updateNewDesckNode;
 
     QModelIndex desck(const char* key) const {

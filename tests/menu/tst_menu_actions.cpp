@@ -1,4 +1,5 @@
 // When the actions of the menu editor are switched on and off, and what the context menus hold.
+#include "models/Passport.h"
 #include "tests/menu/MenuProbe.h"
 
 #include <QClipboard>
@@ -316,28 +317,33 @@ void TestMenuActions::aClickSwitchesThemOnAgain() {
 void TestMenuActions::clicksDoNothingWhileSomethingIsEdited() {
     PlantEditor editor;
     QVERIFY(editor.start());
-    editor.view("tvDesck")->setCurrentIndex(editor->desck("ceh"));
-    for (const char* action : {"actAddDescktop", "actAddFoldertvDesck"})
-        editor.action(action)->setEnabled(false);
-    const QString before = enabled(editor, desckActions);
-    for (const int mode : {1, 2, 3, 4}) {
-        editor->m_editMode = mode;
-        emit editor.view("tvDesck")->clicked(editor->desck("ceh"));
-        QCOMPARE(enabled(editor, desckActions), before);
-    }
-    editor->m_editMode = MenuProbe::NoEdit;
-    emit editor.view("tvDesck")->clicked(editor->desck("ceh"));
-    QVERIFY(editor.action("actAddDescktop")->isEnabled());
-
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
-    for (const int mode : {1, 2, 3, 4}) {
-        editor->m_editMode = mode;
-        emit editor.view("tvMenu")->clicked(editor->element("calc"));
+    editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));
+    const auto click = [&](const char* view, const QModelIndex& row) {
+        emit editor.view(view)->clicked(row);
+    };
+    for (const char* begin : {"on_actAddDescktop_triggered", "on_actNewElemFolder_triggered",
+                              "on_actChangeDescktopOrFolder_triggered", ""}) {
+        if (*begin)
+            QVERIFY(QMetaObject::invokeMethod(editor.module.get(), begin));
+        else
+            orvo::editPassportValue(*editor->m_propModel, "name", "Иное");
+        QVERIFY(editor->m_editMode != MenuProbe::NoEdit);
+        for (const QString& action : desckActions + menuActions)
+            editor.action(qPrintable(action))->setEnabled(false);
+        click("tvDesck", editor->desck("ceh"));
+        click("tvMenu", editor->element("grafiki"));
+        QCOMPARE(enabled(editor, desckActions), QString());
         QCOMPARE(enabled(editor, menuActions), QString());
+        QVERIFY(QMetaObject::invokeMethod(editor.module.get(), "on_cancel_pressed"));
+        click("tvDesck", editor->desck("ceh"));
+        click("tvMenu", editor->element("grafiki"));
+        QVERIFY(editor.action("actAddDescktop")->isEnabled());
+        QVERIFY(editor.action("actDeleteElem")->isEnabled());
+        // Cancelling has made other rows current.
+        editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
+        editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));
     }
-    editor->m_editMode = MenuProbe::NoEdit;
-    emit editor.view("tvMenu")->clicked(editor->element("calc"));
-    QVERIFY(editor.action("actDeleteElem")->isEnabled());
 }
 
 /// Opens the context menu of a view and closes it again.

@@ -1,12 +1,21 @@
 // What a move of the current row does in each state of editing, and the selection within one
 // parent.
+#include "models/Passport.h"
 #include "tests/menu/MenuProbe.h"
 
 #include <QItemSelectionModel>
 
 using namespace orvo::test;
-using orvo::menu::DesckColumn;
-using orvo::menu::MenuColumn;
+
+namespace {
+
+/// Begins an edit as its action does.
+void begin(MenuEditor& editor, const char* slot) {
+    if (!QMetaObject::invokeMethod(editor.module.get(), slot))
+        qFatal("no slot %s", slot);
+}
+
+} // namespace
 
 class TestMenuCurrent : public QObject {
     Q_OBJECT
@@ -94,26 +103,24 @@ void TestMenuCurrent::movingOnInTheDesktopsShowsTheNewMenu() {
 void TestMenuCurrent::aNewDesktopRowBecomesTheEditedOne() {
     PlantEditor editor;
     openMenu(editor);
-    QVERIFY(editor->m_desckModel->insertRows(0, 1, editor->desck("pech")));
-    const QModelIndex row = editor->m_desckModel->index(0, 0, editor->desck("pech"));
-    editor->m_desckModel->setData(row.sibling(0, DesckColumn::IsNew), true, Qt::DisplayRole);
-    editor->m_editMode = MenuProbe::NewDesck;
-    editor.view("tvDesck")->setCurrentIndex(row);
+    begin(editor, "on_actAddDescktop_triggered");
+    const QModelIndex row = editor.view("tvDesck")->currentIndex();
     QCOMPARE(QModelIndex(editor->m_editDesckIndex), row);
     QVERIFY(!editor.action("actAddDescktop")->isEnabled());
     // The menu that is open stays.
     QVERIFY(editor->element("calc").isValid());
     // The index follows its row, and ends with it.
-    editor->m_desckModel->insertRows(0, 1, editor->desck("pech"));
-    QCOMPARE(editor->m_editDesckIndex.row(), 1);
-    editor->m_desckModel->removeRows(1, 1, editor->desck("pech"));
+    const int number = row.row();
+    editor->m_desckModel->insertRows(0, 1, editor->desck("ceh"));
+    QCOMPARE(editor->m_editDesckIndex.row(), number + 1);
+    editor->m_desckModel->removeRows(number + 1, 1, editor->desck("ceh"));
     QVERIFY(!editor->m_editDesckIndex.isValid());
 }
 
 void TestMenuCurrent::leavingANewDesktopRowShowsNoOtherMenu() {
     PlantEditor editor;
     openMenu(editor);
-    editor->m_editMode = MenuProbe::NewDesck;
+    begin(editor, "on_actAddDescktop_triggered");
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
     QCOMPARE(editor->m_currentDesckKey, QString("armpech"));
     QVERIFY(editor->element("calc").isValid());
@@ -123,7 +130,7 @@ void TestMenuCurrent::leavingANewDesktopRowShowsNoOtherMenu() {
 void TestMenuCurrent::leavingARenamedRowShowsNoOtherMenu() {
     PlantEditor editor;
     openMenu(editor);
-    editor->m_editMode = MenuProbe::RenameDesck;
+    begin(editor, "on_actChangeDescktopOrFolder_triggered");
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
     QCOMPARE(editor->m_currentDesckKey, QString("armpech"));
     QVERIFY(editor->element("calc").isValid());
@@ -132,7 +139,8 @@ void TestMenuCurrent::leavingARenamedRowShowsNoOtherMenu() {
 void TestMenuCurrent::leavingAnEditedElementForADesktopShowsItsMenu() {
     PlantEditor editor;
     openMenu(editor);
-    editor->m_editMode = MenuProbe::EditElement;
+    editor.view("tvMenu")->setCurrentIndex(editor->element("calc"));
+    orvo::editPassportValue(*editor->m_propModel, "name", "Иное");
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
     QVERIFY(!editor->element("calc").isValid());
     QVERIFY(editor->element("MenuRootNode").isValid());
@@ -142,7 +150,8 @@ void TestMenuCurrent::leavingAnEditedElementForADesktopShowsItsMenu() {
 void TestMenuCurrent::whileANewElementIsOpenTheDesktopsMoveAlone() {
     PlantEditor editor;
     openMenu(editor);
-    editor->m_editMode = MenuProbe::NewElement;
+    editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));
+    begin(editor, "on_actNewElemFolder_triggered");
     const bool canDelete = editor.action("actDeleteFromtvDesck")->isEnabled();
     editor.view("tvDesck")->setCurrentIndex(editor->desck("mainnode"));
     QCOMPARE(editor->m_currentDesckKey, QString("mainnode"));
@@ -154,12 +163,9 @@ void TestMenuCurrent::aNewElementRowBecomesTheEditedOne() {
     PlantEditor editor;
     openMenu(editor);
     editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));
-    const QModelIndex row = editor->element("glubzhe");
-    editor->m_menuModel->setData(row.sibling(row.row(), MenuColumn::IsNew), true);
-    editor->m_editMode = MenuProbe::NewElement;
-    editor.view("tvMenu")->setCurrentIndex(row);
-    QCOMPARE(QModelIndex(editor->m_editMenuIndex), row);
-    QCOMPARE(editor->m_propModel->getRowValue("name"), QVariant("Глубже"));
+    begin(editor, "on_actNewElemFolder_triggered");
+    QCOMPARE(QModelIndex(editor->m_editMenuIndex), editor.view("tvMenu")->currentIndex());
+    QCOMPARE(editor->m_propModel->getRowValue("name"), QVariant("Новая папка"));
     for (const char* action : {"actDeleteElem", "actNewElemFolder", "actAddDescktop"})
         QVERIFY(!editor.action(action)->isEnabled());
 }
@@ -168,7 +174,7 @@ void TestMenuCurrent::leavingANewElementRowLeavesThePassportEmpty() {
     PlantEditor editor;
     openMenu(editor);
     editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));
-    editor->m_editMode = MenuProbe::NewElement;
+    begin(editor, "on_actNewElemFolder_triggered");
     editor.view("tvMenu")->setCurrentIndex(editor->element("calc"));
     QCOMPARE(editor->m_currentMenuKey, QString("calc"));
     QCOMPARE(editor->m_propModel->rowCount(), 0);
@@ -180,30 +186,33 @@ void TestMenuCurrent::leavingAnEditedElementLeavesThePassportEmpty() {
     PlantEditor editor;
     openMenu(editor);
     editor.view("tvMenu")->setCurrentIndex(editor->element("MenuRootNode"));
-    QVERIFY(!editor.action("actDeleteElem")->isEnabled());
-    editor->m_editMode = MenuProbe::EditElement;
+    editor.view("tvMenu")->setCurrentIndex(editor->element("shema"));
+    orvo::editPassportValue(*editor->m_propModel, "name", "Иное");
+    for (const char* action : {"actDeleteElem", "actNewElemFolder"})
+        editor.action(action)->setEnabled(false);
     editor.view("tvMenu")->setCurrentIndex(editor->element("calc"));
     QCOMPARE(editor->m_currentMenuKey, QString("calc"));
     QCOMPARE(editor->m_propModel->rowCount(), 0);
     QVERIFY(!editor.action("actDeleteElem")->isEnabled());
     // The next change shows a passport again.
-    editor->m_editMode = MenuProbe::NoEdit;
     editor.view("tvMenu")->setCurrentIndex(editor->element("trend"));
     QCOMPARE(editor->m_propModel->getRowValue("name"), QVariant("Тренд"));
 }
 
 void TestMenuCurrent::whileADesktopIsEditedElementsHaveNoPassport_data() {
-    QTest::addColumn<int>("mode");
-    QTest::newRow("new") << int(MenuProbe::NewDesck);
-    QTest::newRow("renamed") << int(MenuProbe::RenameDesck);
+    QTest::addColumn<QByteArray>("slot");
+    QTest::newRow("new") << QByteArray("on_actAddDescktop_triggered");
+    QTest::newRow("renamed") << QByteArray("on_actChangeDescktopOrFolder_triggered");
 }
 
 void TestMenuCurrent::whileADesktopIsEditedElementsHaveNoPassport() {
-    QFETCH(int, mode);
+    QFETCH(QByteArray, slot);
     PlantEditor editor;
     openMenu(editor);
     editor.view("tvMenu")->setCurrentIndex(editor->element("MenuRootNode"));
-    editor->m_editMode = mode;
+    begin(editor, slot.constData());
+    const int32_t mode = editor->m_editMode;
+    QVERIFY(mode != MenuProbe::NoEdit);
     editor.view("tvMenu")->setCurrentIndex(editor->element("calc"));
     QCOMPARE(editor->m_currentMenuKey, QString("calc"));
     QCOMPARE(editor->m_propModel->rowCount(), 0);

@@ -1,4 +1,5 @@
 // Deleting an element with all that lies below it.
+#include "models/Passport.h"
 #include "tests/menu/OperationsProbe.h"
 #include "tests/models/TreeText.h"
 
@@ -210,7 +211,6 @@ void TestMenuDeletion::aNewRowBelowIsNoRecord() {
     editor.answer(editor.Yes);
     QCOMPARE(editor.host.writes().take(), QString("Menu\n  -glubzhe\n  -form\n"));
     QVERIFY(editor->m_menuModel->findIndexByKey(placeholder).isValid());
-    editor->m_editMode = MenuProbe::NoEdit;
 }
 
 void TestMenuDeletion::whatHasAnotherParentStays() {
@@ -289,11 +289,10 @@ void TestMenuDeletion::anOpenEditStays() {
     PlantOperations editor;
     editor.openDesck("armop");
     editor.makeCurrent("calc");
-    editor->m_editMode = MenuProbe::EditElement;
+    orvo::editPassportValue(*editor->m_propModel, "name", "Иное");
     editor->on_actDeleteElem_triggered();
     editor.answer(editor.Yes);
     QCOMPARE(editor->m_editMode, int32_t(MenuProbe::EditElement));
-    editor->m_editMode = MenuProbe::NoEdit;
 }
 
 void TestMenuDeletion::aVeryDeepFolderIsDeleted() {

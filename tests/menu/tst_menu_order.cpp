@@ -1,4 +1,5 @@
 // The place of an element among its siblings: the move buttons, drops, the last order of a folder.
+#include "models/Passport.h"
 #include "tests/menu/OperationsProbe.h"
 #include "tests/models/TreeText.h"
 
@@ -437,11 +438,10 @@ void TestMenuOrder::aFolderDroppedIntoItselfStays() {
 void TestMenuOrder::aDropLeavesThePendingEdit() {
     Order order;
     order.editor.makeCurrent("c");
-    order.editor->m_editMode = MenuProbe::EditElement;
+    orvo::editPassportValue(*order.editor->m_propModel, "name", "Иное");
     order.drop("abcd", {"d"}, 1);
     order.editor->on_actMoveUp_triggered();
     QCOMPARE(order.editor->m_editMode, int32_t(MenuProbe::EditElement));
-    order.editor->m_editMode = MenuProbe::NoEdit;
 }
 
 void TestMenuOrder::aDropIntoAModelReachesTheEditor() {

@@ -326,7 +326,6 @@ void TestMenuWindow::startSwitchesSaveAndCancelOff() {
     TestHost host(store);
     MenuEditor editor(host, "Menu");
     editor->m_skipDesckChange = true;
-    editor->m_editMode = MenuProbe::EditElement;
     QVERIFY(editor.start());
     for (const QToolButton* button : editor->findChildren<QToolButton*>())
         if (button->text() == "Сохранить" || button->text() == "Не сохранять")

@@ -1,0 +1,123 @@
+#include "menu/ElementEdit.h"
+
+#include "editor/RecordFields.h"
+#include "frame/Notification.h"
+#include "frame/Records.h"
+#include "frame/ScratchTable.h"
+#include "menu/Columns.h"
+#include "models/MenuTreeModel.h"
+
+namespace orvo::menu {
+
+ElementEdit::ElementEdit(OpenEdit& open, const editor::RecordFields& fields)
+    : m_open(open)
+    , m_fields(fields) {}
+
+bool ElementEdit::isOpen() const {
+    return m_open.m_mode == NewElement || m_open.m_mode == EditElement;
+}
+
+bool ElementEdit::changes(const QString& key) const {
+    return m_open.m_mode == EditElement && sameText(key, m_key);
+}
+
+QModelIndex ElementEdit::row(const MenuTreeModel& model) const {
+    if (m_row.isValid())
+        return m_row;
+    return m_key.isEmpty() ? QModelIndex() : model.findIndexByKey(m_key);
+}
+
+void ElementEdit::beginNew(const QModelIndex& placeholder, const QString& key) {
+    Q_ASSERT(m_open.m_mode == NoEdit);
+    m_open.m_mode = NewElement;
+    takePlaceholder(placeholder, key);
+}
+
+void ElementEdit::beginChange(const QModelIndex& row, const QString& key) {
+    Q_ASSERT(m_open.m_mode == NoEdit);
+    m_open.m_mode = EditElement;
+    m_row = row;
+    m_key = key;
+    check();
+}
+
+void ElementEdit::takePlaceholder(const QModelIndex& placeholder, const QString& key) {
+    Q_ASSERT(isNew());
+    m_row = placeholder;
+    m_key = key;
+    check();
+}
+
+void ElementEdit::change(MenuTreeModel& model, const QModelIndex& row, int column,
+                         const QVariant& value) {
+    const QModelIndex cell = row.siblingAtColumn(column);
+    if (changes(model.getItemKeyLink(row)))
+        m_typed.type(column, value, cell.data());
+    model.setData(cell, value, Qt::DisplayRole);
+    check();
+}
+
+void ElementEdit::sendsPlace(const QString& key, int order) {
+    if (!changes(key))
+        return;
+    m_place = Place{order, m_place ? m_place->parent : std::nullopt};
+}
+
+void ElementEdit::sendsPlace(const QString& key, int order, const QString& parent) {
+    if (changes(key))
+        m_place = Place{order, parent};
+}
+
+void ElementEdit::merge(MenuTreeModel& model, const QModelIndex& row, const MDRData* record,
+                        const Notification& change) {
+    if (!changes(change.key()))
+        return;
+    m_typed.merge(change, record, m_fields);
+    m_typed.show(model, row);
+    if (m_place && m_place->order == integerOf(record, "order_") &&
+        (!m_place->parent || holdsText(record, "parent", *m_place->parent)))
+        m_place.reset();
+    check();
+}
+
+void ElementEdit::end() {
+    if (isOpen())
+        m_open.m_mode = NoEdit;
+    m_row = QModelIndex();
+    m_key.clear();
+    m_typed.clear();
+    m_place.reset();
+    check();
+}
+
+void ElementEdit::write(const MenuTreeModel& model, const QModelIndex& row,
+                        RowWriter& record) const {
+    const editor::Rows kind = model.itemIsFolder(row) ? editor::FolderRows : editor::ItemRows;
+    writeParent(model, row, record);
+    for (const editor::RecordField& field : m_fields) {
+        if ((field.saved & kind) == 0)
+            continue;
+        if (field.column == MenuColumn::Order && m_place)
+            field.write(record, m_place->order);
+        else
+            field.write(record, row.siblingAtColumn(field.column).data());
+    }
+}
+
+void ElementEdit::writeParent(const MenuTreeModel& model, const QModelIndex& row,
+                              RowWriter& record) const {
+    if (m_place && m_place->parent)
+        record.textOrNull("parent", *m_place->parent);
+    else if (model.getItemLevel(row.parent()) != 0)
+        record.text("parent", row.siblingAtColumn(MenuColumn::ParentKey).data().toString());
+    else
+        record.null("parent");
+}
+
+void ElementEdit::check() const {
+    Q_ASSERT(isOpen() == !m_key.isEmpty());
+    Q_ASSERT(isOpen() || (!m_row.isValid() && m_typed.isEmpty() && !m_place));
+    Q_ASSERT(!isNew() || (m_typed.isEmpty() && !m_place));
+}
+
+} // namespace orvo::menu

@@ -1,0 +1,125 @@
+#include "menu/RecordLists.h"
+
+#include "menu/Columns.h"
+
+#include <QCoreApplication>
+
+namespace orvo::menu {
+
+using editor::AllRows;
+using editor::Copied;
+using editor::FieldType;
+using editor::FolderRows;
+using editor::ItemRows;
+using editor::RecordFields;
+
+// Titles and captions are translated where they are shown.
+#define ORVO_TEXT(text) QT_TRANSLATE_NOOP("OrvoMenu", text)
+
+const RecordFields& elementFields() {
+    static const RecordFields fields{
+        {.column = MenuColumn::KeyLink, .title = "KeyLink", .name = "KeyLink", .saved = AllRows},
+        // By the row above; see ElementEdit.
+        {.column = MenuColumn::ParentKey, .title = "ParentKey", .name = "parent"},
+        {.column = MenuColumn::FolderKey,
+         .title = "FolderKey",
+         .name = "FolderKey",
+         .saved = AllRows},
+        {.column = MenuColumn::Caption,
+         .title = " ",
+         .name = "caption",
+         .saved = AllRows,
+         .copied = Copied::Place,
+         .passport = {.row = "name", .caption = ORVO_TEXT("Наименование"), .position = 3}},
+        {.column = MenuColumn::Order,
+         .title = "order",
+         .name = "order_",
+         .type = FieldType::Integer,
+         .saved = AllRows,
+         .copied = Copied::Place},
+        {.column = MenuColumn::Icon,
+         .title = "Icon",
+         .name = "ico",
+         .saved = AllRows,
+         .copied = Copied::Value,
+         .passport = {.row = "icon",
+                      .caption = ORVO_TEXT("Иконка"),
+                      .editor = MyEditorButton,
+                      .position = 7}},
+        {.column = MenuColumn::Separator,
+         .title = "Separator",
+         .name = "separator",
+         .type = FieldType::Flag,
+         .saved = AllRows,
+         .copied = Copied::Value,
+         .passport = {.row = "separator",
+                      .caption = ORVO_TEXT("Разделитель"),
+                      .editor = MyEditorCheck,
+                      .position = 8}},
+        {.column = MenuColumn::OneCopy,
+         .title = "OneCopy",
+         .name = "oneCopy",
+         .type = FieldType::Flag,
+         .saved = AllRows,
+         .copied = Copied::Value,
+         .passport = {.row = "onecopy",
+                      .caption = ORVO_TEXT("Один эжкземпляр"),
+                      .editor = MyEditorCheck,
+                      .position = 6,
+                      .on = ItemRows}},
+        // NULL on a folder, which is what makes it one.
+        {.column = MenuColumn::MenuResKey,
+         .title = "MenuResKey",
+         .name = "MenuResourceKey",
+         .saved = ItemRows,
+         .copied = Copied::Value,
+         .copiedOn = ItemRows,
+         .passport = {.row = "keylink",
+                      .caption = ORVO_TEXT("Идентификатор"),
+                      .readOnly = true,
+                      .position = 1,
+                      .on = ItemRows}},
+        {.column = MenuColumn::Params,
+         .title = "Params",
+         .name = "params",
+         .saved = ItemRows,
+         .copied = Copied::Value,
+         .passport =
+             {.row = "params", .caption = ORVO_TEXT("Параметры"), .position = 5, .on = ItemRows}},
+        // Told by the element's resource.
+        {.column = MenuColumn::Type,
+         .title = ORVO_TEXT("тип"),
+         .passport = {.row = "type", .caption = ORVO_TEXT("Тип"), .readOnly = true, .position = 2}},
+        {.column = MenuColumn::Command,
+         .title = ORVO_TEXT("команда"),
+         .passport = {.row = "object",
+                      .caption = ORVO_TEXT("Объект"),
+                      .editor = MyEditorButton,
+                      .position = 4,
+                      .on = ItemRows}},
+        {.column = MenuColumn::IsNew, .title = "IsNew"},
+    };
+    return fields;
+}
+
+const RecordFields& desckFields() {
+    static const RecordFields fields{
+        {.column = DesckColumn::KeyLink, .title = "KeyLink", .name = "KeyLink", .saved = AllRows},
+        // NULL below the root row; see DesckEdit.
+        {.column = DesckColumn::ParentKey, .title = "ParentKey", .name = "ParentKey"},
+        {.column = DesckColumn::Name, .title = "Name", .name = "caption", .saved = AllRows},
+        {.column = DesckColumn::Order, .title = "Order", .name = "order_", .saved = AllRows},
+        {.column = DesckColumn::IsFolder,
+         .title = "IsFolder",
+         .name = "isFolder",
+         .type = FieldType::Flag,
+         .saved = AllRows,
+         .copied = Copied::Value},
+        {.column = DesckColumn::IsNew, .title = "IsNew"},
+    };
+    return fields;
+}
+
+#undef ORVO_TEXT
+
+} // namespace orvo::menu
