@@ -1,5 +1,6 @@
 #include "platform/store/StoreCore.h"
 
+#include "platform/store/LinkCycles.h"
 #include "platform/store/Merge.h"
 #include "platform/store/Names.h"
 #include "platform/store/Sql.h"
@@ -93,6 +94,19 @@ Status StoreCore::fetchField(std::string_view name, std::string_view field, Text
     });
 }
 
+Status StoreCore::refuseCycles(const TableDef& table, const std::vector<Write>& writes) {
+    if (!LinkCycles::concern(table))
+        return {};
+    LinkCycles cycles(table);
+    for (const Write& write : writes)
+        cycles.add(write);
+    return cycles.check([&](const std::string& key, std::string* parent) {
+        parent->clear();
+        return selectWhere(table, {cycles.field()}, 0, key,
+                           [&](const Row& row) { *parent = textOf(row[0]); });
+    });
+}
+
 Status StoreCore::update(std::string_view tableName, const MDArray* records, UpdateGuard* guard) {
     return guarded([&]() -> Status {
         const TableDef* table = findTable(tableName);
@@ -103,11 +117,11 @@ Status StoreCore::update(std::string_view tableName, const MDArray* records, Upd
         const WritePlan plan(*table, records);
         if (plan.count() == 0)
             return {};
+        std::vector<Write> writes(plan.count());
+        for (uint32_t entry = 0; entry < plan.count(); ++entry)
+            if (const Status status = plan.write(entry, &writes[entry]); !status.ok())
+                return status;
         if (guard != nullptr) {
-            std::vector<Write> writes(plan.count());
-            for (uint32_t entry = 0; entry < plan.count(); ++entry)
-                if (const Status status = plan.write(entry, &writes[entry]); !status.ok())
-                    return status;
             UpdateGuard found;
             found.seen = guard->seen;
             found.own = guard->own;
@@ -119,14 +133,11 @@ Status StoreCore::update(std::string_view tableName, const MDArray* records, Upd
             return status;
         }
         return inWrite([&]() -> Status {
-            Write write;
-            for (uint32_t entry = 0; entry < plan.count(); ++entry) {
-                Status status = plan.write(entry, &write);
-                if (status.ok())
-                    status = apply(*table, write);
-                if (!status.ok())
+            if (const Status status = refuseCycles(*table, writes); !status.ok())
+                return status;
+            for (const Write& write : writes)
+                if (const Status status = apply(*table, write); !status.ok())
                     return status;
-            }
             return {};
         });
     });

@@ -176,6 +176,8 @@ private:
         std::string key, name;
         StoredFile file;
     };
+    /// Refuses an update that would put a record below itself; inside inWrite.
+    Status refuseCycles(const TableDef& table, const std::vector<Write>& writes);
     Status fetchField(std::string_view table, std::string_view field, TextMatch match,
                       std::string_view value, MDArray* into);
     /// A tree of folders, and the id of the log up to which it is right.

@@ -137,6 +137,8 @@ Status StoreCore::applyGuarded(const TableDef& table, std::vector<Write>& writes
     }
     if (const Status status = checkParents(table, writes, &guard.parentDeletion); !status.ok())
         return status;
+    if (const Status status = refuseCycles(table, writes); !status.ok())
+        return status;
     for (const Write& write : writes)
         if (const Status status = apply(table, write); !status.ok())
             return status;

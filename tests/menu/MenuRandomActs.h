@@ -125,13 +125,16 @@ public:
     void seen(const store::Change& change) {
         if (change.table == "MenuResource" && change.code != OrvoEventInsert)
             m_aged.insert(QString::fromStdString(change.key));
-        // What a record says takes the place of what was typed, but for an element still edited.
+        // What a record says takes the place of what was typed, but for a row still edited.
         const QString key = QString::fromStdString(change.key);
         const bool edited = probe().m_editMode == MenuProbe::EditElement &&
                             orvo::sameText(probe().m_editMenuKey, key);
         if (change.table == "Menu" && !edited)
             m_menuKnown.typed.remove(key);
-        if (change.table == "MenuFolder")
+        const bool renamed =
+            probe().m_editMode == MenuProbe::RenameDesck &&
+            orvo::sameText(probe().m_desckModel->getItemKeyLink(probe().m_editDesckIndex), key);
+        if (change.table == "MenuFolder" && !renamed)
             m_desckKnown.typed.remove(key);
     }
 
@@ -364,7 +367,7 @@ public:
         case 5: {
             const QString parent = m_chances.chance(40) ? QString() : anyKey("Menu");
             m_chances.say("foreign move " + key + " below " + parent);
-            m_store.update("Menu", {{"KeyLink", key}, {"parent", parent}});
+            m_store.moveBelow("Menu", "parent", key, parent);
             break;
         }
         case 6:

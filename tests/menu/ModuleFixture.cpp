@@ -82,7 +82,7 @@ std::unique_ptr<store::Store> TestStore::connect(const char* login) const {
     return opened;
 }
 
-void TestStore::write(const char* table, MdxRecordFlag flag, Fields fields) {
+store::Status TestStore::tryWrite(const char* table, MdxRecordFlag flag, Fields fields) {
     const store::TableDef* definition = store::findTable(table);
     if (!definition)
         qFatal("no table %s", table);
@@ -93,7 +93,19 @@ void TestStore::write(const char* table, MdxRecordFlag flag, Fields fields) {
     MDRSetFlags(record, flag);
     setFields(records, record, fields);
     records.RecPost(record);
-    const store::Status status = m_store->update(table, records.array);
+    return m_store->update(table, records.array);
+}
+
+void TestStore::moveBelow(const char* table, const char* link, const QString& key,
+                          const QString& parent) {
+    const store::Status status = tryWrite(table, MDX_UPDATE, {{"KeyLink", key}, {link, parent}});
+    if (!status.ok())
+        sql(qPrintable(QStringLiteral("UPDATE \"%1\" SET \"%2\" = '%3' WHERE \"KeyLink\" = '%4'")
+                           .arg(table, link, parent, key)));
+}
+
+void TestStore::write(const char* table, MdxRecordFlag flag, Fields fields) {
+    const store::Status status = tryWrite(table, flag, fields);
     if (!status.ok())
         qFatal("%s not written: %s", table, status.text.c_str());
 }

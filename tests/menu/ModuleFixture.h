@@ -54,12 +54,16 @@ public:
     void insert(const char* table, Fields fields);
     void update(const char* table, Fields fields);
     void remove(const char* table, const char* key);
+    /// Sets the link of a record to its parent, a null QString for none. A circle of parents, which
+    /// the store refuses, is written by a foreign hand.
+    void moveBelow(const char* table, const char* link, const QString& key, const QString& parent);
     /// Executes SQL with the database's own shell, so in words that every kind of store knows.
     void sql(const char* statement);
     /// The login in the log of what was written so.
     QString handLogin() const;
 
 private:
+    store::Status tryWrite(const char* table, MdxRecordFlag flag, Fields fields);
     void write(const char* table, MdxRecordFlag flag, Fields fields);
 
     QTemporaryDir m_directory; ///< of the clients

@@ -359,7 +359,7 @@ void TestMenuDesktopOps::aCircleOfFoldersIsPastedOnce() {
     TestHost host(store);
     OperationsEditor editor(host);
     // Another client hangs the upper folder below the lower one; the row stays where it was.
-    store.update("MenuFolder", {{"KeyLink", QString("f1")}, {"ParentKey", QString("F2")}});
+    store.moveBelow("MenuFolder", "ParentKey", "f1", "F2");
     host.deliver(*editor.module);
     putDesckOnClipboard("f1");
     editor.openDesck("mainnode");

@@ -293,7 +293,7 @@ public:
             if (!mayMove)
                 break;
             m_chances.say("foreign move of folder " + folder + " to " + link);
-            m_store.update("MenuResourceFolder", {{"KeyLink", folder}, {"ParentKey", link}});
+            m_store.moveBelow("MenuResourceFolder", "ParentKey", folder, link);
             break;
         }
         case 11:

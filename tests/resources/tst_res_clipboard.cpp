@@ -220,7 +220,7 @@ void TestResClipboard::aFolderKnownByItsContentsIsCut() {
 
 void TestResClipboard::aFolderInACircleIsCut() {
     Window window;
-    window.store.update("MenuResourceFolder", {{"KeyLink", "docs"}, {"ParentKey", "deep"}});
+    window.store.moveBelow("MenuResourceFolder", "ParentKey", "docs", "deep");
     window.deliver();
     window.select({"deep"});
     window.editor->on_actCut_triggered();

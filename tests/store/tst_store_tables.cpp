@@ -3,6 +3,8 @@
 
 #include "platform/mdx/MdxBuild.h"
 
+#include <functional>
+
 using namespace orvo::store;
 using namespace orvo::store::test;
 
@@ -37,6 +39,9 @@ private slots:
     void valuesOfForeignTypesCannotBeWrittenByHand();
     void usersAreAddedOnce();
     void manyRecordsGoInOneCall();
+    void nothingComesToLieBelowItself_data();
+    void nothingComesToLieBelowItself();
+    void aCircleThatIsThereCanBeMended();
 };
 
 namespace {
@@ -436,6 +441,76 @@ void TestTables::hostileValuesInFetchWhereAreData() {
         QCOMPARE(none.array->recordCount, 0u);
     }
     QCOMPARE(dump(*m_store, "Menu", {"KeyLink"}), "hit\nmiss\nnull");
+}
+
+void TestTables::nothingComesToLieBelowItself_data() {
+    QTest::addColumn<QByteArray>("table");
+    QTest::addColumn<QByteArray>("link");
+    QTest::newRow("elements") << QByteArray("Menu") << QByteArray("parent");
+    QTest::newRow("desktops") << QByteArray("MenuFolder") << QByteArray("ParentKey");
+    QTest::newRow("resources") << QByteArray("MenuResourceFolder") << QByteArray("ParentKey");
+}
+
+void TestTables::nothingComesToLieBelowItself() {
+    QFETCH(QByteArray, table);
+    QFETCH(QByteArray, link);
+    const auto batch = [&] { return Batch(table.constData()); };
+    ORVO_OK(batch()
+                .insert("a")
+                .insert("b", {{link, "a"}})
+                .insert("c", {{link, "B"}})
+                .insert("d")
+                .send(*m_store));
+    const QString before = dump(*m_store, table);
+    const int64_t end = position();
+    const std::function<Status()> circles[] = {
+        [&] {
+            return batch().update("a", {{link, "a"}}).send(*m_store);
+        },
+        [&] {
+            return batch().update("A", {{link, "c"}}).send(*m_store);
+        },
+        [&] {
+            return batch()
+                .update("a", {{link, "C"}})
+                .update("d", {{"caption", "Д"}})
+                .send(*m_store);
+        },
+        // Each alone would do.
+        [&] {
+            return batch().update("d", {{link, "c"}}).update("a", {{link, "d"}}).send(*m_store);
+        },
+        [&] {
+            return batch().insert("e", {{link, "e"}}).send(*m_store);
+        },
+        [&] {
+            return batch().insert("e", {{link, "f"}}).insert("f", {{link, "e"}}).send(*m_store);
+        },
+    };
+    for (const auto& circle : circles) {
+        const Status status = circle();
+        QCOMPARE(status.code, Refused);
+        QVERIFY2(QString::fromStdString(status.text).contains("внутри самой себя"),
+                 status.text.c_str());
+        QCOMPARE(dump(*m_store, table), before);
+        QCOMPARE(position(), end);
+    }
+    // What a later record of the same call takes apart is no circle, nor is another place.
+    ORVO_OK(batch().update("b", {{link, QVariant()}}).update("a", {{link, "c"}}).send(*m_store));
+    ORVO_OK(batch().update("d", {{link, "a"}}).update("nobody", {{link, "d"}}).send(*m_store));
+    QCOMPARE(dump(*m_store, table, {"KeyLink", QString(link)}), "a|c\nb|-\nc|B\nd|a");
+}
+
+void TestTables::aCircleThatIsThereCanBeMended() {
+    ORVO_OK(Batch("Menu").insert("a", {{"parent", "b"}}).insert("x").send(*m_store));
+    // A record that comes back to one that names it closes a circle, as a foreign hand does.
+    ORVO_OK(Batch("Menu").insert("b", {{"parent", "a"}}).send(*m_store));
+    ORVO_OK(Batch("Menu").update("a", {{"parent", "B"}, {"caption", "А"}}).send(*m_store));
+    ORVO_OK(Batch("Menu").update("x", {{"parent", "a"}}).send(*m_store));
+    ORVO_OK(Batch("Menu").update("b", {{"parent", QVariant()}}).send(*m_store));
+    QCOMPARE(Batch("Menu").update("b", {{"parent", "x"}}).send(*m_store).code, Refused);
+    ORVO_OK(Batch("Menu").remove("a").send(*m_store));
+    QCOMPARE(dump(*m_store, "Menu", {"KeyLink", "parent"}), "b|-\nx|a");
 }
 
 void TestTables::oneStoreObjectSeesTheWritesOfAnother() {

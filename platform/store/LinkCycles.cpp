@@ -1,0 +1,68 @@
+#include "platform/store/LinkCycles.h"
+
+#include "platform/store/Names.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+namespace orvo::store {
+
+int LinkCycles::parentField(const TableDef& table) {
+    return std::max(table.find("parent"), table.find("ParentKey"));
+}
+
+void LinkCycles::add(const Write& write) {
+    if (write.flag == MDX_DELETE)
+        m_links[foldedKey(write.key)] = {{}, write.key, write.flag};
+    for (const auto& [number, value] : write.values)
+        if (number == m_field)
+            m_links[foldedKey(write.key)] = {foldedKey(textOf(value)), write.key, write.flag};
+}
+
+Status LinkCycles::check(const ParentOf& parentOf) const {
+    Sound sound;
+    for (const auto& [key, link] : m_links) {
+        if (link.parent.empty())
+            continue;
+        const Status status = checkOne(key, parentOf, &sound);
+        if (!status.ok())
+            return status;
+    }
+    return {};
+}
+
+Status LinkCycles::checkOne(const std::string& key, const ParentOf& parentOf, Sound* sound) const {
+    const Link& own = m_links.at(key);
+    const bool isNew = own.flag == MDX_INSERT;
+    std::string parent;
+    if (!isNew) {
+        const Status status = parentOf(key, &parent);
+        if (!status.ok() || foldedKey(parent) == own.parent)
+            return status;
+    }
+    std::unordered_set<std::string> seen{key};
+    std::unordered_set<std::string>& known = isNew ? sound->amongWrites : sound->upToRoot;
+    std::string at = own.parent;
+    while (!at.empty() && known.count(at) == 0) {
+        if (at == key)
+            return {Refused, "Таблица " + shown(m_table.name) + ", запись " + shown(own.key) +
+                                 ": папка оказалась бы внутри самой себя"};
+        if (!seen.insert(at).second)
+            return {}; // a circle above, which this record is no part of
+        const auto written = m_links.find(at);
+        if (written != m_links.end()) {
+            at = written->second.parent;
+            continue;
+        }
+        if (isNew)
+            break;
+        const Status status = parentOf(at, &parent);
+        if (!status.ok())
+            return status;
+        at = foldedKey(parent);
+    }
+    known.merge(seen);
+    return {};
+}
+
+} // namespace orvo::store
