@@ -3,6 +3,7 @@
 
 #include "resources/OrvoResources.h"
 
+#include "editor/PassportKeys.h"
 #include "frame/ViewRows.h"
 #include "frame/WindowParts.h"
 #include "resources/Columns.h"
@@ -57,6 +58,7 @@ void OrvoResources::setTreeArrangement() {
         std::make_unique<PropModel>(orvo::passportColumns(), orvo::iconsPath(*this), this);
     prop->setModel(m_propModel.get());
     orvo::arrangePassport(prop);
+    orvo::editor::passFlagsByKeys(prop);
     orvo::followExpansion(prop, m_propModel.get());
     m_passpDelegate = std::make_unique<PasspDelegate>(m_propModel.get(), this);
     prop->setItemDelegate(m_passpDelegate.get());
