@@ -4,6 +4,7 @@
 
 #include "frame/FolderWalk.h"
 #include "frame/Records.h"
+#include "frame/Vocabulary.h"
 
 #include <vector>
 
@@ -28,7 +29,8 @@ void walkChildren(const CMDArray& table, const char* link, int type, const QStri
     else
         values.text(key);
     orvo::walkGroup(table, 1, values, [&](const MDRData* record) {
-        if (orvo::integerOf(record, "type_") != type || !orvo::holdsText(record, link, key))
+        if (orvo::integerOf(record, orvo::field::type_) != type ||
+            !orvo::holdsText(record, link, key))
             return false;
         each(record);
         return true;
@@ -48,11 +50,12 @@ void CPopObjectList::loadFoldersOf(int type, const QString& key) {
             std::vector<QString> below;
             const QModelIndex parent = parentRow(*treeModel, folder);
             auto rows = treeModel->newRows(parent);
-            walkChildren(folderTable, "ParentKey", type, folder, [&](const MDRData* record) {
-                below.push_back(orvo::textOf(record, "KeyLink"));
-                rows.add(
-                    rowValues(orvo::textOf(record, "caption"), QVariant(), below.back(), true));
-            });
+            walkChildren(folderTable, orvo::field::ParentKey, type, folder,
+                         [&](const MDRData* record) {
+                             below.push_back(orvo::textOf(record, orvo::field::KeyLink));
+                             rows.add(rowValues(orvo::textOf(record, orvo::field::caption),
+                                                QVariant(), below.back(), true));
+                         });
             treeModel->insertFilledRows(treeModel->rowCount(parent), std::move(rows), parent);
             // The resources of the folder asked for are the caller's to load.
             if (folder != key)
@@ -64,10 +67,12 @@ void CPopObjectList::loadFoldersOf(int type, const QString& key) {
 void CPopObjectList::loadItemsOf(int type, const QString& key, bool withCaption) {
     const QModelIndex parent = parentRow(*treeModel, key);
     auto rows = treeModel->newRows(parent);
-    walkChildren(resourceTable, "MenuResourceFolderKey", type, key, [&](const MDRData* record) {
-        rows.add(rowValues(orvo::textOf(record, "name_"),
-                           withCaption ? orvo::textOf(record, "caption") : QVariant(),
-                           orvo::textOf(record, "KeyLink"), false));
-    });
+    walkChildren(resourceTable, orvo::field::MenuResourceFolderKey, type, key,
+                 [&](const MDRData* record) {
+                     rows.add(rowValues(orvo::textOf(record, orvo::field::name_),
+                                        withCaption ? orvo::textOf(record, orvo::field::caption)
+                                                    : QVariant(),
+                                        orvo::textOf(record, orvo::field::KeyLink), false));
+                 });
     treeModel->insertFilledRows(treeModel->rowCount(parent), std::move(rows), parent);
 }

@@ -2,6 +2,7 @@
 
 #include "frame/Records.h"
 #include "frame/RowDelegate.h"
+#include "frame/Vocabulary.h"
 #include "frame/WindowParts.h"
 #include "picker/ObjectListOwner.h"
 #include "ui_PopObjectList.h"
@@ -25,16 +26,19 @@ enum Column {
 };
 
 const QStringList& columnTitles() {
-    static const QStringList titles{QStringLiteral("Имя"),       QStringLiteral("Описание"),
-                                    QStringLiteral("UserBlock"), QStringLiteral("DateBlock"),
-                                    QStringLiteral("KeyLink"),   QStringLiteral("IsFolder"),
+    static const QStringList titles{QStringLiteral("Имя"),
+                                    QStringLiteral("Описание"),
+                                    QStringLiteral("UserBlock"),
+                                    QStringLiteral("DateBlock"),
+                                    QString::fromLatin1(orvo::field::KeyLink),
+                                    QStringLiteral("IsFolder"),
                                     QStringLiteral("Blocked")};
     return titles;
 }
 
 QString filesPath(const QObject* owner) {
     const auto* module = qobject_cast<const COrvoCliMod*>(owner);
-    return module ? module->m_paths->workDir + QStringLiteral("files/") : QString();
+    return module ? module->m_paths->workDir + QString::fromLatin1(orvo::mirrorPath) : QString();
 }
 
 } // namespace
@@ -102,7 +106,8 @@ void CPopObjectList::showEvent(QShowEvent* event) {
         loadForms();
         break;
     default:
-        treeModel->setShowFileIcons(orvo::sameText(sourceName, QStringLiteral("icons")));
+        treeModel->setShowFileIcons(
+            orvo::sameText(sourceName, QString::fromLatin1(orvo::iconFolder)));
         treeModel->setInitialFolder(sourceName);
         loadSysFiles();
     }
@@ -130,10 +135,8 @@ void CPopObjectList::refreshTables() {
         orvo::setKeys(own, keys);
         own.status = status;
     };
-    copy(resourceTable, owner->resourceTable(),
-         {"type_;MenuResourceFolderKey;name_", "type_;name_", "MenuResourceFolderKey"});
-    copy(folderTable, owner->resourceFolderTable(),
-         {"type_;ParentKey;caption", "type_;caption", "ParentKey"});
+    copy(resourceTable, owner->resourceTable(), orvo::keylist::MenuResource);
+    copy(folderTable, owner->resourceFolderTable(), orvo::keylist::MenuResourceFolder);
 }
 
 void CPopObjectList::clearModel() {
@@ -159,15 +162,15 @@ void CPopObjectList::on_btnCancel_clicked() {
 }
 
 void CPopObjectList::loadModules() {
-    loadRoot(KindModule, QStringLiteral("модули"));
+    loadRoot(KindModule, QString::fromUtf8(orvo::topfolder::modules));
 }
 
 void CPopObjectList::loadFunctions() {
-    loadRoot(KindFunction, QStringLiteral("функции"));
+    loadRoot(KindFunction, QString::fromUtf8(orvo::topfolder::functions));
 }
 
 void CPopObjectList::loadForms() {
-    loadRoot(KindForm, QStringLiteral("формы отображения"));
+    loadRoot(KindForm, QString::fromUtf8(orvo::topfolder::forms));
 }
 
 void CPopObjectList::loadFolders(const QString& key) {
@@ -198,7 +201,8 @@ void CPopObjectList::loadSysFiles() {
     if (!key.isNull()) {
         // The disk may tell case apart where captions do not: the area bears the folder's caption.
         if (!QFileInfo::exists(treeModel->initialFolderPath()))
-            treeModel->setInitialFolder(orvo::textOf(orvo::seekKey(folderTable, key), "caption"));
+            treeModel->setInitialFolder(
+                orvo::textOf(orvo::seekKey(folderTable, key), orvo::field::caption));
         loadSysFolders(key);
         loadSysItems(key);
     }
@@ -228,11 +232,11 @@ QString CPopObjectList::rootFolder(int type, const QString& caption, bool* found
     *found = position >= 0;
     QString key;
     orvo::walkFrom(folderTable, 1, position, [&](MDRData* record) {
-        if (orvo::integerOf(record, "type_") != type)
+        if (orvo::integerOf(record, orvo::field::type_) != type)
             return false;
-        if (!orvo::holdsText(record, "caption", caption))
+        if (!orvo::holdsText(record, orvo::field::caption, caption))
             return true;
-        key = orvo::textOf(record, "KeyLink");
+        key = orvo::textOf(record, orvo::field::KeyLink);
         return false;
     });
     return key;
@@ -241,11 +245,11 @@ QString CPopObjectList::rootFolder(int type, const QString& caption, bool* found
 void CPopObjectList::preselect(int type) {
     orvo::walkGroup(resourceTable, 2, KeyValues().integer(type).text(chosenName),
                     [&](MDRData* record) {
-                        if (orvo::integerOf(record, "type_") != type)
+                        if (orvo::integerOf(record, orvo::field::type_) != type)
                             return false;
-                        if (!orvo::holdsText(record, "name_", chosenName))
+                        if (!orvo::holdsText(record, orvo::field::name_, chosenName))
                             return true;
-                        const QString key = orvo::textOf(record, "KeyLink");
+                        const QString key = orvo::textOf(record, orvo::field::KeyLink);
                         const QModelIndex row = treeModel->findIndexByKey(key);
                         if (!row.isValid())
                             return true;

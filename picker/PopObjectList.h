@@ -9,6 +9,7 @@
 #define ORVO_PICKER_POPOBJECTLIST_H
 
 #include "frame/OrvoClient.h"
+#include "frame/Vocabulary.h"
 #include "models/PopTreeModel.h"
 
 #include <QString>
@@ -26,7 +27,12 @@ QT_END_NAMESPACE
 class CPopObjectList : public CPopTemplate {
     Q_OBJECT
 public:
-    enum Kind : int32_t { KindModule = 1, KindFunction = 2, KindForm = 3, KindFile = 4 };
+    enum Kind : int32_t {
+        KindModule = orvo::Kind::Module,
+        KindFunction = orvo::Kind::Function,
+        KindForm = orvo::Kind::Form,
+        KindFile = orvo::Kind::File
+    };
 
     /// `parent` is the editor's window: a COrvoCliMod that is an orvo::ObjectListOwner.
     explicit CPopObjectList(QMainWindow* parent);
