@@ -76,7 +76,8 @@ bool OrvoMenu::checkMimeType(const QString& format) const {
     if (!m_clipboard)
         return false;
     const QMimeData* offered = m_clipboard->mimeData();
-    return offered && offered->hasFormat(format);
+    return (offered && offered->hasFormat(format)) ||
+           (format == QLatin1String(orvo::menu::menuMime) && ownCutIsGood());
 }
 
 void OrvoMenu::showContextMenu_tvDesck(const QPoint& point) {

@@ -3,6 +3,7 @@
 
 #include "menu/OrvoMenu.h"
 
+#include "editor/PassportKeys.h"
 #include "frame/ViewRows.h"
 #include "frame/WindowParts.h"
 #include "menu/Columns.h"
@@ -60,6 +61,7 @@ void OrvoMenu::setTreeArrangement() {
         std::make_unique<PropModel>(orvo::passportColumns(), orvo::iconsPath(*this), this);
     prop->setModel(m_propModel.get());
     orvo::arrangePassport(prop);
+    orvo::editor::passFlagsByKeys(prop);
     orvo::followExpansion(prop, m_propModel.get());
     m_passpDelegate = std::make_unique<PasspDelegate>(m_propModel.get(), this);
     prop->setItemDelegate(m_passpDelegate.get());

@@ -8,12 +8,14 @@
 #include "frame/ClipboardRows.h"
 #include "frame/Records.h"
 #include "frame/ScratchTable.h"
+#include "frame/Vocabulary.h"
 #include "menu/Columns.h"
 #include "menu/ElementWalk.h"
 #include "menu/MenuPayload.h"
 
 #include <QClipboard>
 #include <QItemSelectionModel>
+#include <QMimeData>
 
 using orvo::ScratchTable;
 using orvo::editor::Copied;
@@ -48,10 +50,10 @@ void OrvoMenu::on_actCutMenuElement_triggered() {
 void OrvoMenu::putOnClipboard(int mode) {
     if (!m_clipboard || !m_menuModel)
         return;
-    ScratchTable copies(*m_app->m_session, "Menu");
+    ScratchTable copies(*m_app->m_session, orvo::table::Menu);
     if (!copies.fetch())
         return;
-    orvo::setKeys(copies.table(), {"parent;order_"});
+    orvo::setKeys(copies.table(), orvo::keylist::Menu);
     QStringList keys;
     for (const QModelIndex& row : m_ui->tvMenu->selectionModel()->selectedRows(0)) {
         const QString key = m_menuModel->getItemKeyLink(row);
@@ -70,9 +72,20 @@ void OrvoMenu::putOnClipboard(int mode) {
         return;
     // Told beforehand: some platforms report the change before setMimeData returns, and this
     // editor would then take its own cut for a foreign one.
-    if (mode == MenuPayload::Cut)
-        m_cutPending = true;
+    m_cutPending = mode == MenuPayload::Cut;
+    m_ownCut = mode == MenuPayload::Cut ? bytes : QByteArray();
     orvo::offerOnClipboard(*m_clipboard, menuMime, bytes);
+}
+
+bool OrvoMenu::ownCutIsGood() const {
+    // Another editor that learns of a cut takes it off the clipboard; here it is still good, until
+    // something else is offered.
+    const QMimeData* offered = m_clipboard ? m_clipboard->mimeData() : nullptr;
+    return !m_ownCut.isEmpty() && (!offered || offered->formats().isEmpty());
+}
+
+QByteArray OrvoMenu::menuClipboard() const {
+    return ownCutIsGood() ? m_ownCut : orvo::clipboardBytes(m_clipboard, menuMime);
 }
 
 void OrvoMenu::copyMenuItemToClipboard(const QString& key, ScratchTable& copies) {
@@ -88,7 +101,10 @@ void OrvoMenu::copyMenuFolderToClipboard(const QString& key, ScratchTable& copie
 }
 
 void OrvoMenu::on_clipboardDataChanged() {
-    if (MenuPayload::mode(orvo::clipboardBytes(m_clipboard, menuMime)) == MenuPayload::Copy)
+    const QByteArray bytes = orvo::clipboardBytes(m_clipboard, menuMime);
+    if (!ownCutIsGood() && bytes != m_ownCut)
+        m_ownCut.clear();
+    if (MenuPayload::mode(bytes) == MenuPayload::Copy)
         return;
     // A cut lives only in the editor that made it: whoever else learns of it takes it away.
     if (!m_cutPending)
@@ -99,38 +115,55 @@ void OrvoMenu::on_clipboardDataChanged() {
 void OrvoMenu::on_actPasteMenuElement_triggered() {
     if (!m_clipboard || !m_menuModel)
         return;
-    ScratchTable out(*m_app->m_session, "Menu");
+    ScratchTable out(*m_app->m_session, orvo::table::Menu);
     if (!out.fetch())
         return;
     MenuPayload payload;
-    if (!payload.read(orvo::clipboardBytes(m_clipboard, menuMime)))
+    if (!payload.read(menuClipboard()))
         return;
-    if (!m_menuModel->findIndexByKey(m_currentMenuKey).isValid())
+    const QModelIndex target = m_menuModel->findIndexByKey(m_currentMenuKey);
+    // Nothing lies below an element: its folder takes what is pasted on it.
+    const QModelIndex folder = m_menuModel->itemIsFolder(target) ? target : target.parent();
+    if (!folder.isValid())
         return;
     const CMDArray& source = payload.table;
-    // What is cut cannot come to lie below itself: the copies would go with what they lie below.
-    if (payload.cut && orvo::seekKey(source, m_currentMenuKey))
+    if (payload.cut && refusesCutInto(target, payload))
         return;
     const QMap<QString, QString> keyMap = orvo::menu::newKeysFor(source);
-    const QString parent = orvo::sameText(m_currentMenuKey, QString::fromLatin1(menuRootKey))
-                               ? QString()
-                               : m_currentMenuKey;
+    const QString folderKey = m_menuModel->getItemKeyLink(folder);
+    const QString parent =
+        orvo::sameText(folderKey, QString::fromLatin1(menuRootKey)) ? QString() : folderKey;
+    // The menu that is shown need not be the current desktop's.
+    const QString desck = openDesckKey();
     for (const QString& key : payload.keys) {
         const MDRData* record = orvo::seekKey(source, key);
         if (!record)
             continue;
         // A caption that is not the null string marks a chosen element.
-        QString caption = orvo::textOf(record, "caption");
+        QString caption = orvo::textOf(record, orvo::field::caption);
         if (caption.isNull())
             caption = QStringLiteral("");
         if (isFolderRecord(record))
-            pasteMenuFolderToDB(m_currentDesckKey, parent, key, caption, source, out, keyMap);
-        else if (orvo::seekKey(m_tabResource, orvo::textOf(record, "MenuResourceKey")))
-            pasteMenuItemToDB(m_currentDesckKey, parent, key, caption, source, out, keyMap);
+            pasteMenuFolderToDB(desck, parent, key, caption, source, out, keyMap);
+        else if (orvo::seekKey(m_tabResource, orvo::textOf(record, orvo::field::MenuResourceKey)))
+            pasteMenuItemToDB(desck, parent, key, caption, source, out, keyMap);
     }
     out.send();
     if (payload.cut)
         deleteAfterCutFromMenu(source, payload.keys);
+}
+
+bool OrvoMenu::refusesCutInto(const QModelIndex& target, const MenuPayload& payload) {
+    // The copies would go with what they lie below.
+    QModelIndex cut;
+    for (QModelIndex row = target; row.isValid(); row = row.parent())
+        if (orvo::seekKey(payload.table, m_menuModel->getItemKeyLink(row)))
+            cut = row;
+    if (!cut.isValid())
+        return false;
+    const QString name = cut.siblingAtColumn(orvo::menu::MenuColumn::Caption).data().toString();
+    showRefusal(tr("Вырезанное нельзя вставить в само себя: \"%1\".").arg(name));
+    return true;
 }
 
 void OrvoMenu::pasteMenuItemToDB(const QString& desck, const QString& parent, const QString& key,
@@ -140,20 +173,21 @@ void OrvoMenu::pasteMenuItemToDB(const QString& desck, const QString& parent, co
     if (!record || holds(target, newKeyOf(keyMap, key)))
         return;
     orvo::RowWriter row = target.add(MDX_INSERT);
-    row.text("KeyLink", newKeyOf(keyMap, key));
+    row.text(orvo::field::KeyLink, newKeyOf(keyMap, key));
     if (caption.isNull()) {
-        if (orvo::isNull(record, "parent"))
-            row.null("parent");
+        if (orvo::isNull(record, orvo::field::parent))
+            row.null(orvo::field::parent);
         else
-            row.text("parent", newKeyOf(keyMap, orvo::textOf(record, "parent")));
+            row.text(orvo::field::parent,
+                     newKeyOf(keyMap, orvo::textOf(record, orvo::field::parent)));
         copyFields(row, record, Copied::Place, orvo::editor::ItemRows);
     } else {
-        row.text("parent", parent)
-            .text("caption", caption)
-            .integer("order_", getLastMenuOrder(parent));
+        row.text(orvo::field::parent, parent)
+            .text(orvo::field::caption, caption)
+            .integer(orvo::field::order_, getLastMenuOrder(parent));
     }
     copyFields(row, record, Copied::Value, orvo::editor::ItemRows);
-    row.text("FolderKey", desck);
+    row.text(orvo::field::FolderKey, desck);
 }
 
 void OrvoMenu::copyFields(orvo::RowWriter& row, const MDRData* source, Copied how,
@@ -167,22 +201,22 @@ void OrvoMenu::pasteMenuFolderRow(const QString& desck, const QString& parent, c
                                   const QString& caption, const MDRData* record,
                                   ScratchTable& target, const QMap<QString, QString>& keyMap) {
     orvo::RowWriter row = target.add(MDX_INSERT);
-    row.text("KeyLink", newKeyOf(keyMap, key));
+    row.text(orvo::field::KeyLink, newKeyOf(keyMap, key));
     if (caption.isNull()) {
         // A folder below a folder goes out with its caption in `parent` and without a caption of
         // its own. That is how it is to be, odd as it looks.
-        if (orvo::isNull(record, "caption"))
-            row.null("parent");
+        if (orvo::isNull(record, orvo::field::caption))
+            row.null(orvo::field::parent);
         else
-            row.text("parent", orvo::textOf(record, "caption"));
-        row.copy("order_", record);
+            row.text(orvo::field::parent, orvo::textOf(record, orvo::field::caption));
+        row.copy(orvo::field::order_, record);
     } else {
-        row.textOrNull("parent", parent)
-            .text("caption", caption)
-            .integer("order_", getLastMenuOrder(parent));
+        row.textOrNull(orvo::field::parent, parent)
+            .text(orvo::field::caption, caption)
+            .integer(orvo::field::order_, getLastMenuOrder(parent));
     }
     copyFields(row, record, Copied::Value, orvo::editor::FolderRows);
-    row.text("FolderKey", desck);
+    row.text(orvo::field::FolderKey, desck);
 }
 
 void OrvoMenu::pasteMenuFolderToDB(const QString& desck, const QString& parent, const QString& key,
@@ -196,14 +230,14 @@ void OrvoMenu::pasteMenuFolderToDB(const QString& desck, const QString& parent, 
         const QString given = element.isFirst ? caption : QString();
         if (element.isFolder)
             pasteMenuFolderRow(desck, parent, element.key, given, record, target, keyMap);
-        else if (orvo::seekKey(m_tabResource, orvo::textOf(record, "MenuResourceKey")))
+        else if (orvo::seekKey(m_tabResource, orvo::textOf(record, orvo::field::MenuResourceKey)))
             pasteMenuItemToDB(desck, parent, element.key, given, source, target, keyMap);
         return true;
     });
 }
 
 void OrvoMenu::deleteAfterCutFromMenu(const CMDArray& source, const QStringList& keys) {
-    ScratchTable out(*m_app->m_session, "Menu");
+    ScratchTable out(*m_app->m_session, orvo::table::Menu);
     if (!out.fetch())
         return;
     for (const QString& key : keys) {
@@ -213,7 +247,7 @@ void OrvoMenu::deleteAfterCutFromMenu(const CMDArray& source, const QStringList&
         if (isFolderRecord(record))
             addMenuFolderToCut(key, source, out);
         else if (!holds(out, key))
-            out.add(MDX_DELETE).text("KeyLink", key);
+            out.add(MDX_DELETE).text(orvo::field::KeyLink, key);
     }
     out.send();
 }
@@ -224,7 +258,7 @@ void OrvoMenu::addMenuFolderToCut(const QString& key, const CMDArray& source,
     walkElements(source, key, [&](const Element& element) {
         if (holds(target, element.key))
             return false;
-        target.add(MDX_DELETE).text("KeyLink", element.key);
+        target.add(MDX_DELETE).text(orvo::field::KeyLink, element.key);
         return true;
     });
 }

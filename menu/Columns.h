@@ -3,6 +3,8 @@
 #ifndef ORVO_MENU_COLUMNS_H
 #define ORVO_MENU_COLUMNS_H
 
+#include "frame/Vocabulary.h"
+
 #include <limits>
 
 namespace orvo::menu {
@@ -33,12 +35,12 @@ struct MenuColumn {
 };
 
 /// Keys of rows that no record stands behind.
-inline constexpr char desckRootKey[] = "mainnode";
-inline constexpr char menuRootKey[] = "MenuRootNode";
+inline constexpr const char* desckRootKey = rowkey::desktops;
+inline constexpr const char* menuRootKey = rowkey::elements;
 
 /// The texts in `order_` of `MenuFolder`: folders come before desktops.
-inline constexpr char folderClass[] = "1000";
-inline constexpr char desktopClass[] = "2000";
+inline constexpr const char* folderClass = sortclass::folder;
+inline constexpr const char* desktopClass = sortclass::desktop;
 
 /// The distance between the `order_` of new neighbours.
 inline constexpr int orderStep = 1000;

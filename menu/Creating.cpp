@@ -9,6 +9,7 @@
 #include "frame/Records.h"
 #include "frame/ScratchTable.h"
 #include "frame/ViewRows.h"
+#include "frame/Vocabulary.h"
 #include "menu/Columns.h"
 #include "models/Passport.h"
 #include "picker/PopObjectList.h"
@@ -25,6 +26,7 @@ namespace {
 
 constexpr int pickerCaptionColumn = 1;
 constexpr int pickerKeyColumn = 4;
+constexpr int pickerFolderColumn = 5;
 
 bool isRow(const QString& rowName, const char* name) {
     return orvo::sameText(rowName, QString::fromLatin1(name));
@@ -79,7 +81,7 @@ void OrvoMenu::addChosenElements() {
     if (m_popList->objectType < CPopObjectList::KindModule ||
         m_popList->objectType > CPopObjectList::KindForm)
         return;
-    QModelIndex target = m_menuModel->findIndexByKey(m_currentMenuKey);
+    QModelIndex target = elementRow(m_currentMenuKey);
     // While the picker stood open another client's element may have become current.
     if (!m_menuModel->itemIsFolder(target))
         target = target.parent();
@@ -90,32 +92,48 @@ void OrvoMenu::addChosenElements() {
         m_menuModel->getItemLevel(target) == 0 ? QString() : m_menuModel->getItemKeyLink(target);
     int order = nextOrder(*m_menuModel, target);
 
-    orvo::ScratchTable out(*m_app->m_session, "Menu");
+    orvo::ScratchTable out(*m_app->m_session, orvo::table::Menu);
     if (!out.fetch())
         return;
     for (const QModelIndex& chosen : m_popList->tvObj()->selectionModel()->selectedRows(0)) {
-        if (!chosen.isValid())
+        if (!chosen.isValid() || chosen.siblingAtColumn(pickerFolderColumn).data().toBool())
             continue;
         const QString resourceKey = chosen.siblingAtColumn(pickerKeyColumn).data().toString();
         const MDRData* resource = orvo::seekKey(m_tabResource, resourceKey);
         orvo::RowWriter row = out.add(MDX_INSERT);
-        row.text("KeyLink", QString::fromLatin1(GenGuid32()))
-            .text("parent", parentKey)
-            .text("MenuResourceKey", resourceKey)
-            .text("caption", chosen.siblingAtColumn(pickerCaptionColumn).data().toString())
-            .text("FolderKey", openDesckKey())
-            .integer("order_", order);
+        row.text(orvo::field::KeyLink, QString::fromLatin1(GenGuid32()))
+            .text(orvo::field::parent, parentKey)
+            .text(orvo::field::MenuResourceKey, resourceKey)
+            .text(orvo::field::caption,
+                  chosen.siblingAtColumn(pickerCaptionColumn).data().toString())
+            .text(orvo::field::FolderKey, openDesckKey())
+            .integer(orvo::field::order_, order);
         for (const RecordField& field : m_elementFields)
             if (field.type == FieldType::Flag)
                 field.write(row, false);
-        if (resource && !orvo::isNull(resource, "ico"))
-            row.copy("ico", resource);
+        if (resource && !orvo::isNull(resource, orvo::field::ico))
+            row.copy(orvo::field::ico, resource);
         order = stepBehind(order);
     }
+    if (out.isEmpty() && folderIsChosen())
+        refuseChosenFolder();
     out.send();
 }
 
+bool OrvoMenu::folderIsChosen() const {
+    const QModelIndexList rows = m_popList->tvObj()->selectionModel()->selectedRows(0);
+    return !rows.isEmpty() && rows.first().siblingAtColumn(pickerFolderColumn).data().toBool();
+}
+
+void OrvoMenu::refuseChosenFolder() {
+    showRefusal(tr("Выбрана папка \"%1\", а нужно то, что в ней.").arg(m_popList->chosenName));
+}
+
 void OrvoMenu::takeChosenValue() {
+    if (folderIsChosen()) {
+        refuseChosenFolder();
+        return;
+    }
     const QString name = m_popList->chosenName;
     const QString key = m_popList->chosenKey;
     if (isRow(m_popTarget, "icon")) {
@@ -136,7 +154,7 @@ void OrvoMenu::on_passp_buttonpressed(const QString& rowName) {
         list->setWindowTitle(tr("Выбор иконок АРМ"));
         list->objectType = CPopObjectList::KindFile;
         list->multipleChoice = false;
-        list->sourceName = QStringLiteral("icons");
+        list->sourceName = QString::fromLatin1(orvo::iconFolder);
         list->chosenName = valueOf("icon");
         list->showAnew();
     } else if (isRow(rowName, "object")) {
@@ -168,8 +186,12 @@ void OrvoMenu::on_passp_returnPressed(const QString& rowName) {
 }
 
 void OrvoMenu::on_actNewElemFolder_triggered() {
-    const QPersistentModelIndex parent(m_ui->tvMenu->currentIndex().siblingAtColumn(0));
-    if (!parent.isValid() || !finishEdit())
+    if (!m_menuModel)
+        return; // the start failed
+    const QModelIndex current = m_ui->tvMenu->currentIndex().siblingAtColumn(0);
+    const QPersistentModelIndex parent(m_menuModel->itemIsFolder(current) ? current
+                                                                          : current.parent());
+    if (!parent.isValid() || !finishEdit() || !parent.isValid())
         return;
     const int row = m_menuModel->rowCount(parent);
     const int order = nextOrder(*m_menuModel, parent);
@@ -181,7 +203,7 @@ void OrvoMenu::on_actNewElemFolder_triggered() {
                  {{MenuColumn::KeyLink, key},
                   {MenuColumn::Caption, tr("Новая папка")},
                   {MenuColumn::FolderKey, openDesckKey()},
-                  {MenuColumn::ParentKey, m_currentMenuKey},
+                  {MenuColumn::ParentKey, m_menuModel->getItemKeyLink(parent)},
                   {MenuColumn::Type, convertMenuAttributes(0)},
                   {MenuColumn::IsNew, true},
                   {MenuColumn::Order, order}});

@@ -31,7 +31,7 @@ void OrvoMenu::on_tvDesck_currentChanged(const QModelIndex& current, const QMode
         break;
     case NewDesck:
         setDesckActionsDisabled();
-        if (isNewRow(current, DesckColumn::IsNew))
+        if (isNewRow(current, DesckColumn::IsNew) && !m_desckEdit.wasSent(m_currentDesckKey))
             m_desckEdit.takePlaceholder(current, m_currentDesckKey);
         else
             finishEdit();
@@ -65,7 +65,7 @@ void OrvoMenu::on_tvMenu_currentChanged(const QModelIndex& current, const QModel
     case NewElement:
         setDesckActionsDisabled();
         setMenuActionsDisabled();
-        if (isNewRow(current, MenuColumn::IsNew)) {
+        if (isNewRow(current, MenuColumn::IsNew) && !m_elementEdit.wasSent(m_currentMenuKey)) {
             m_elementEdit.takePlaceholder(current, m_currentMenuKey);
             showMenuPassport(current);
         } else {
@@ -91,7 +91,14 @@ void OrvoMenu::on_tvMenu_clicked(const QModelIndex& index) {
 }
 
 void OrvoMenu::on_tvMenu_selectionChanged(const QItemSelection& selected, const QItemSelection&) {
-    orvo::keepRowsAlike(
-        *m_ui->tvMenu->selectionModel(), selected,
-        [](const QModelIndex& a, const QModelIndex& b) { return a.parent() == b.parent(); });
+    QItemSelectionModel* selection = m_ui->tvMenu->selectionModel();
+    orvo::keepRowsAlike(*selection, selected, [](const QModelIndex& a, const QModelIndex& b) {
+        return a.parent() == b.parent();
+    });
+    // A clicked row that may not stand beside the others does not stay current either: what is
+    // typed, pasted and deleted concerns a row that is highlighted.
+    const QModelIndex current = selection->currentIndex();
+    const QModelIndexList rows = selection->selectedRows();
+    if (selected.contains(current) && !selection->isSelected(current) && !rows.isEmpty())
+        selection->setCurrentIndex(rows.last(), QItemSelectionModel::NoUpdate);
 }

@@ -1,12 +1,18 @@
 // Deleting an element with all that lies below it, after a question in the right grammatical case.
 #include "menu/OrvoMenu.h"
 
+#include "ui_OrvoMenu.h"
+
 #include "frame/CommonFunctions.h"
 #include "frame/Records.h"
 #include "frame/ScratchTable.h"
+#include "frame/Vocabulary.h"
 #include "frame/WindowParts.h"
 #include "menu/Columns.h"
 #include "menu/ElementWalk.h"
+
+#include <QItemSelectionModel>
+#include <QTreeView>
 
 using orvo::ScratchTable;
 using orvo::menu::DesckColumn;
@@ -19,6 +25,10 @@ void OrvoMenu::on_actDeleteElem_triggered() {
     const QModelIndex desktop = m_desckModel->findIndexByKey(m_currentDesckKey);
     if (!element.isValid() && !desktop.isValid())
         return;
+    // What is named and deleted is what is highlighted.
+    if (element.isValid())
+        m_ui->tvMenu->selectionModel()->select(element, QItemSelectionModel::ClearAndSelect |
+                                                            QItemSelectionModel::Rows);
     const QString name = element.siblingAtColumn(MenuColumn::Caption).data().toString();
     const QString desktopName = desktop.siblingAtColumn(DesckColumn::Name).data().toString();
     QString text;
@@ -40,14 +50,14 @@ void OrvoMenu::on_actDeleteElem_triggered() {
 void OrvoMenu::removeMenuMessage(QAbstractButton* button) {
     if (!orvo::answeredYes(*this, button))
         return;
-    ScratchTable out(*m_app->m_session, "Menu");
+    ScratchTable out(*m_app->m_session, orvo::table::Menu);
     if (!out.fetch())
         return;
     // A notification may have removed it while the question stood.
     const QModelIndex element = elementRow(m_currentMenuKey);
     if (!element.isValid())
         return;
-    out.add(MDX_DELETE).text("KeyLink", m_currentMenuKey);
+    out.add(MDX_DELETE).text(orvo::field::KeyLink, m_currentMenuKey);
     if (m_menuModel->itemIsFolder(element))
         deleteMenuFolder(m_currentMenuKey, out);
     out.send();
@@ -57,7 +67,7 @@ void OrvoMenu::deleteMenuFolder(const QString& key, ScratchTable& out) {
     // By the table: a new row that is not yet saved has nothing to delete.
     orvo::menu::walkElements(m_tabMenu, key, [&](const orvo::menu::Element& element) {
         if (!element.isFirst)
-            out.add(MDX_DELETE).text("KeyLink", element.key);
+            out.add(MDX_DELETE).text(orvo::field::KeyLink, element.key);
         return true;
     });
 }

@@ -4,18 +4,24 @@
 // Invariants, asserted in debug builds:
 // 1. It is open if, and only if, the mode is NewDesck or RenameDesck; then the key is that of the
 //    row, and not empty.
-// 2. Closed, it has no row and no key.
+// 2. Closed, it has no row, no key and no typed name.
 #ifndef ORVO_MENU_DESCKEDIT_H
 #define ORVO_MENU_DESCKEDIT_H
 
+#include "editor/TypedValues.h"
+#include "frame/OrvoMdx.h"
 #include "menu/OpenEdit.h"
 
 #include <QPersistentModelIndex>
+#include <QSet>
 #include <QString>
 
+class DesckTreeModel;
+
 namespace orvo {
+class Notification;
 class RowWriter;
-}
+} // namespace orvo
 
 namespace orvo::editor {
 class RecordFields;
@@ -33,6 +39,9 @@ public:
     /// The row; invalid once it is gone.
     const QPersistentModelIndex& index() const { return m_row; }
     const QString& key() const { return m_key; }
+    /// Whether the row of that key was new and has been sent: until its record comes back it looks
+    /// like a placeholder.
+    bool wasSent(const QString& key) const { return m_sent.contains(key.toCaseFolded()); }
 
     // Transitions. begin: from no edit; the others but end() need an open one.
 
@@ -41,11 +50,17 @@ public:
     void beginRename(const QModelIndex& row, const QString& key);
     /// Another placeholder has become current and is saved in place of the first.
     void takePlaceholder(const QModelIndex& placeholder, const QString& key);
+    /// The engineer has typed a name into the row.
+    void type(const QString& name);
+    /// A change of the row's record has entered the table and been written into `row`: a typed name
+    /// that it does not overtake goes back there. Nothing for any other record.
+    void merge(DesckTreeModel& model, const QModelIndex& row, const MDRData* record,
+               const Notification& change);
     /// Ends it; nothing is written. Also when none is open.
     void end();
 
-    /// The record of the new row, or the new name of the existing one.
-    void write(RowWriter& record) const;
+    /// The record of the new row, or the new name of the existing one, on its way to the server.
+    void write(RowWriter& record);
 
 private:
     void check() const;
@@ -54,6 +69,9 @@ private:
     const editor::RecordFields& m_fields;
     QString m_key;
     QPersistentModelIndex m_row;
+    QString m_shown; ///< the name that the row had at the beginning
+    editor::TypedValues m_typed;
+    QSet<QString> m_sent; ///< keys of new rows that were saved
 };
 
 } // namespace orvo::menu

@@ -5,10 +5,12 @@
 #include "ui_OrvoMenu.h"
 
 #include "frame/ClipboardRows.h"
+#include "frame/CommonFunctions.h"
 #include "frame/FolderWalk.h"
 #include "frame/Records.h"
 #include "frame/ScratchTable.h"
 #include "frame/ViewRows.h"
+#include "frame/Vocabulary.h"
 #include "frame/WindowParts.h"
 #include "menu/Columns.h"
 #include "menu/ElementWalk.h"
@@ -95,12 +97,12 @@ void OrvoMenu::on_actDeleteFromtvDesck_triggered() {
         return;
     }
     if (m_desckModel->isItemFolder(current)) {
-        if (holdsDesktops(m_desckModel->getItemKeyLink(current)))
+        if (refusesFullFolder(current))
             return;
-        ScratchTable out(*m_app->m_session, "MenuFolder");
+        ScratchTable out(*m_app->m_session, orvo::table::MenuFolder);
         if (!out.fetch())
             return;
-        out.add(MDX_DELETE).text("KeyLink", m_desckModel->getItemKeyLink(current));
+        out.add(MDX_DELETE).text(orvo::field::KeyLink, m_desckModel->getItemKeyLink(current));
         out.send();
         return;
     }
@@ -110,14 +112,32 @@ void OrvoMenu::on_actDeleteFromtvDesck_triggered() {
                       "1removeDesckTopMessage(QAbstractButton*)");
 }
 
-bool OrvoMenu::holdsDesktops(const QString& folderKey) const {
-    // By the table: a folder that has moved stands empty in the tree until the next start.
-    bool holds = false;
-    orvo::walkGroup(m_tabFolder, 3, KeyValues().text(folderKey), [&](const MDRData* record) {
-        holds = orvo::holdsText(record, "ParentKey", folderKey);
+bool OrvoMenu::refusesFullFolder(const QModelIndex& folder) {
+    // Others may have put something into it that this window does not show yet.
+    CMDArray stored;
+    QString error;
+    if (!GetTableRecords(m_app->m_session, orvo::table::MenuFolder, stored, &error))
+        return true;
+    const QString key = m_desckModel->getItemKeyLink(folder);
+    bool holds = m_desckModel->hasChildren(folder);
+    orvo::setKeys(stored, {orvo::field::ParentKey});
+    orvo::walkGroup(stored, 1, KeyValues().text(key), [&](const MDRData* record) {
+        holds = holds || orvo::holdsText(record, orvo::field::ParentKey, key);
         return false;
     });
+    if (holds)
+        showRefusal(tr("Папка \"%1\" не удалена: в ней есть рабочие столы или папки.")
+                        .arg(folder.siblingAtColumn(DesckColumn::Name).data().toString()));
     return holds;
+}
+
+void OrvoMenu::showRefusal(const QString& text) {
+    orvo::showError(*this, text, "1on_common_error_message(QAbstractButton*)");
+}
+
+void OrvoMenu::on_common_error_message(QAbstractButton*) {
+    if (m_popMessageBox)
+        m_popMessageBox->hide();
 }
 
 void OrvoMenu::removeDesckTopMessage(QAbstractButton* button) {
@@ -127,8 +147,8 @@ void OrvoMenu::removeDesckTopMessage(QAbstractButton* button) {
     const QModelIndex desktop = m_desckModel->findIndexByKey(m_currentDesckKey);
     if (desktop.isValid() && m_desckModel->isItemFolder(desktop))
         return;
-    ScratchTable elements(*m_app->m_session, "Menu");
-    ScratchTable desktops(*m_app->m_session, "MenuFolder");
+    ScratchTable elements(*m_app->m_session, orvo::table::Menu);
+    ScratchTable desktops(*m_app->m_session, orvo::table::MenuFolder);
     if (!elements.fetch() || !desktops.fetch())
         return;
     // The table has its elements, unless it could not be opened when it became current.
@@ -141,11 +161,12 @@ void OrvoMenu::removeDesckTopMessage(QAbstractButton* button) {
     if (!isOpen)
         orvo::setKeys(fetched, {});
     orvo::walkAll(isOpen ? m_tabMenu : fetched, 0, [&](const MDRData* record) {
-        if (orvo::holdsText(record, "FolderKey", m_currentDesckKey))
-            elements.add(MDX_DELETE).text("KeyLink", orvo::textOf(record, "KeyLink"));
+        if (orvo::holdsText(record, orvo::field::FolderKey, m_currentDesckKey))
+            elements.add(MDX_DELETE)
+                .text(orvo::field::KeyLink, orvo::textOf(record, orvo::field::KeyLink));
         return true;
     });
-    desktops.add(MDX_DELETE).text("KeyLink", m_currentDesckKey);
+    desktops.add(MDX_DELETE).text(orvo::field::KeyLink, m_currentDesckKey);
     clearMenuModel();
     m_currentMenuKey.clear();
     // What was being edited there is gone, and the view tells nobody.
@@ -170,8 +191,8 @@ void OrvoMenu::on_actPasteDescktopOrFolder_triggered() {
     const QModelIndex target = m_desckModel->findIndexByKey(m_currentDesckKey);
     if (!target.isValid())
         return;
-    ScratchTable elements(*m_app->m_session, "Menu");
-    ScratchTable desktops(*m_app->m_session, "MenuFolder");
+    ScratchTable elements(*m_app->m_session, orvo::table::Menu);
+    ScratchTable desktops(*m_app->m_session, orvo::table::MenuFolder);
     if (!elements.fetch() || !desktops.fetch())
         return;
     const QModelIndex sourceRow = m_desckModel->findIndexByKey(source);
@@ -193,19 +214,19 @@ QString OrvoMenu::pasteDesckRow(const QString& parent, const MDRData* source, co
                                 const char* orderClass, ScratchTable& desktops) {
     const QString key = QString::fromLatin1(GenGuid32());
     orvo::RowWriter row = desktops.add(MDX_INSERT);
-    row.text("KeyLink", key);
+    row.text(orvo::field::KeyLink, key);
     if (orvo::sameText(parent, QString::fromLatin1(desckRootKey)))
-        row.null("ParentKey");
+        row.null(orvo::field::ParentKey);
     else
-        row.text("ParentKey", parent);
-    row.text("order_", QString::fromLatin1(orderClass));
+        row.text(orvo::field::ParentKey, parent);
+    row.text(orvo::field::order_, QString::fromLatin1(orderClass));
     for (const RecordField& field : m_desckFields)
         if (field.copied == Copied::Value)
             row.copy(field.name, source);
     if (name.isNull())
-        row.copy("caption", source);
+        row.copy(orvo::field::caption, source);
     else
-        row.text("caption", name);
+        row.text(orvo::field::caption, name);
     return key;
 }
 
@@ -229,15 +250,15 @@ void OrvoMenu::pasteDesckFolderToDB(const QString& parent, const QString& source
             const QString key =
                 pasteDesckRow(item.parent, record, item.name, folderClass, desktops);
             std::vector<Item> below;
-            orvo::walkGroup(m_tabFolder, 3, KeyValues().text(item.source),
-                            [&](const MDRData* child) {
-                                if (!orvo::holdsText(child, "ParentKey", item.source))
-                                    return false;
-                                // Only the top row of a paste has a name of its own.
-                                below.push_back({key, orvo::textOf(child, "KeyLink"), QString(),
-                                                 orvo::flagOf(child, "isFolder")});
-                                return true;
-                            });
+            orvo::walkGroup(
+                m_tabFolder, 3, KeyValues().text(item.source), [&](const MDRData* child) {
+                    if (!orvo::holdsText(child, orvo::field::ParentKey, item.source))
+                        return false;
+                    // Only the top row of a paste has a name of its own.
+                    below.push_back({key, orvo::textOf(child, orvo::field::KeyLink), QString(),
+                                     orvo::flagOf(child, orvo::field::isFolder)});
+                    return true;
+                });
             return below;
         });
 }
@@ -256,17 +277,18 @@ void OrvoMenu::pasteDesckItemToDB(const QString& parent, const QString& source, 
     orvo::setKeys(menu);
     const QMap<QString, QString> newKeys = orvo::menu::newKeysFor(menu);
     orvo::walkAll(menu, 0, [&](const MDRData* element) {
-        const QString oldParent = orvo::textOf(element, "parent");
+        const QString oldParent = orvo::textOf(element, orvo::field::parent);
         orvo::RowWriter row = elements.add(MDX_INSERT);
-        row.text("KeyLink", newKeyOf(newKeys, orvo::textOf(element, "KeyLink")));
+        row.text(orvo::field::KeyLink,
+                 newKeyOf(newKeys, orvo::textOf(element, orvo::field::KeyLink)));
         if (oldParent.isEmpty())
-            row.null("parent");
+            row.null(orvo::field::parent);
         else
-            row.text("parent", newKeyOf(newKeys, oldParent));
+            row.text(orvo::field::parent, newKeyOf(newKeys, oldParent));
         for (const RecordField& field : m_elementFields)
             if (field.copied != Copied::Never)
                 row.copy(field.name, element);
-        row.text("FolderKey", desktop);
+        row.text(orvo::field::FolderKey, desktop);
         return true;
     });
 }

@@ -7,6 +7,7 @@
 #include "frame/Records.h"
 #include "frame/Siblings.h"
 #include "frame/ViewRows.h"
+#include "frame/Vocabulary.h"
 #include "menu/Columns.h"
 
 #include <QItemSelectionModel>
@@ -21,7 +22,7 @@ using orvo::menu::folderClass;
 namespace {
 
 bool standsAtTop(const MDRData* record) {
-    return orvo::isEmptyText(record, "ParentKey");
+    return orvo::isEmptyText(record, orvo::field::ParentKey);
 }
 
 QString keyOf(const TabRec* row) {
@@ -46,11 +47,11 @@ void OrvoMenu::loadDesckTreeUpper() {
         if (!standsAtTop(record))
             return true;
         TabRec* row = rows.add();
-        row->setData(DesckColumn::Name, orvo::textOf(record, "caption"));
-        row->setData(DesckColumn::Order, orvo::textOf(record, "order_"));
-        row->setData(DesckColumn::KeyLink, orvo::textOf(record, "KeyLink"));
-        row->setData(DesckColumn::IsFolder, orvo::flagOf(record, "isFolder"));
-        if (orvo::flagOf(record, "isFolder"))
+        row->setData(DesckColumn::Name, orvo::textOf(record, orvo::field::caption));
+        row->setData(DesckColumn::Order, orvo::textOf(record, orvo::field::order_));
+        row->setData(DesckColumn::KeyLink, orvo::textOf(record, orvo::field::KeyLink));
+        row->setData(DesckColumn::IsFolder, orvo::flagOf(record, orvo::field::isFolder));
+        if (orvo::flagOf(record, orvo::field::isFolder))
             addDesckFolder(rows, row);
         return true;
     });
@@ -66,20 +67,21 @@ std::vector<TabRec*> OrvoMenu::addDesckRows(DesckTreeModel::Batch& rows, TabRec*
                                             const QString& parentKey, bool folders) const {
     const QString order = QString::fromLatin1(folders ? folderClass : desktopClass);
     std::vector<TabRec*> added;
-    orvo::walkGroup(m_tabFolder, 2, KeyValues().text(order).text(parentKey).text(QString()),
-                    [&](const MDRData* record) {
-                        if (!orvo::holdsText(record, "ParentKey", parentKey) ||
-                            !orvo::holdsText(record, "order_", order))
-                            return false;
-                        TabRec* row = rows.add(parent);
-                        row->setData(DesckColumn::KeyLink, orvo::textOf(record, "KeyLink"));
-                        row->setData(DesckColumn::Name, orvo::textOf(record, "caption"));
-                        row->setData(DesckColumn::ParentKey, orvo::textOf(record, "ParentKey"));
-                        row->setData(DesckColumn::IsFolder, folders);
-                        row->setData(DesckColumn::IsNew, false);
-                        added.push_back(row);
-                        return true;
-                    });
+    orvo::walkGroup(
+        m_tabFolder, 2, KeyValues().text(order).text(parentKey).text(QString()),
+        [&](const MDRData* record) {
+            if (!orvo::holdsText(record, orvo::field::ParentKey, parentKey) ||
+                !orvo::holdsText(record, orvo::field::order_, order))
+                return false;
+            TabRec* row = rows.add(parent);
+            row->setData(DesckColumn::KeyLink, orvo::textOf(record, orvo::field::KeyLink));
+            row->setData(DesckColumn::Name, orvo::textOf(record, orvo::field::caption));
+            row->setData(DesckColumn::ParentKey, orvo::textOf(record, orvo::field::ParentKey));
+            row->setData(DesckColumn::IsFolder, folders);
+            row->setData(DesckColumn::IsNew, false);
+            added.push_back(row);
+            return true;
+        });
     return added;
 }
 
@@ -121,30 +123,40 @@ int32_t OrvoMenu::desckPosition(const QString& key, const QString& parentKey,
     if (!atTopLevel)
         return orvo::siblingPosition(
             m_tabFolder, 3, KeyValues().text(parentKey), key, own,
-            exact({"ParentKey", "order_", "caption"}),
-            [&](const MDRData* record) { return orvo::holdsText(record, "ParentKey", parentKey); });
+            exact({orvo::field::ParentKey, orvo::field::order_, orvo::field::caption}),
+            [&](const MDRData* record) {
+                return orvo::holdsText(record, orvo::field::ParentKey, parentKey);
+            });
     // The top level is not a group of key 1, which mixes it with all others.
     int32_t count = -1;
     orvo::walkAll(m_tabFolder, 1, [&](const MDRData* record) {
         if (!standsAtTop(record))
             return true;
         ++count;
-        return !orvo::holdsText(record, "KeyLink", key);
+        return !orvo::holdsText(record, orvo::field::KeyLink, key);
     });
     return count;
 }
 
 void OrvoMenu::updateNewDesckNode(MDRData* record, int32_t position, const QModelIndex& row) {
     const QModelIndex parent = row.parent();
+    const bool expanded = m_ui->tvDesck->isExpanded(row);
     setRow(*m_desckModel, row, m_desckFields.values(record));
     setRow(*m_desckModel, row, {{DesckColumn::IsNew, false}});
-    if (position != row.row())
-        m_desckModel->moveSiblingItem(row.row(), position, parent);
+    if (position == row.row() || !m_desckModel->moveSiblingItem(row.row(), position, parent))
+        return;
+    // Only the row itself has moved.
+    const QModelIndex folder = m_desckModel->index(position, 0, parent);
+    if (!m_desckModel->isItemFolder(folder) || m_desckModel->hasChildren(folder))
+        return;
+    loadDesckFolder(folder);
+    loadDesckItems(folder);
+    m_ui->tvDesck->setExpanded(folder, expanded);
 }
 
 void OrvoMenu::insertElementToDesckTree(MDRData* record) {
-    const QString key = orvo::textOf(record, "KeyLink");
-    const QString parentKey = orvo::textOf(record, "ParentKey");
+    const QString key = orvo::textOf(record, orvo::field::KeyLink);
+    const QString parentKey = orvo::textOf(record, orvo::field::ParentKey);
     const QModelIndex parent = m_desckModel->findIndexByKey(
         parentKey.isEmpty() ? QString::fromLatin1(desckRootKey) : parentKey);
     if (!parent.isValid())

@@ -3,6 +3,7 @@
 
 #include "frame/Records.h"
 #include "frame/TableText.h"
+#include "frame/Vocabulary.h"
 
 #include <array>
 
@@ -13,9 +14,11 @@ QString OrvoMenu::tableText(const QString& table) const {
         QStringList fields;
     };
     const std::array<Shown, 3> tables{
-        Shown{"MenuFolder", &m_tabFolder, m_desckFields.names()},
-        Shown{"Menu", &m_tabMenu, m_elementFields.names()},
-        Shown{"MenuResource", &m_tabResource, {"KeyLink", "name_", "type_"}}};
+        Shown{orvo::table::MenuFolder, &m_tabFolder, m_desckFields.names()},
+        Shown{orvo::table::Menu, &m_tabMenu, m_elementFields.names()},
+        Shown{orvo::table::MenuResource,
+              &m_tabResource,
+              {orvo::field::KeyLink, orvo::field::name_, orvo::field::type_}}};
     for (const Shown& one : tables) {
         if (orvo::sameText(table, QString::fromLatin1(one.name)))
             return orvo::tableText(*one.records, one.fields);

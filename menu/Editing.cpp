@@ -8,11 +8,13 @@
 #include "frame/Records.h"
 #include "frame/ScratchTable.h"
 #include "frame/ViewRows.h"
+#include "frame/Vocabulary.h"
 #include "menu/Columns.h"
 
 #include <QToolButton>
 #include <QTreeView>
 
+using orvo::sameText;
 using namespace orvo::menu;
 
 void OrvoMenu::enableEditButtons(bool enabled) {
@@ -21,17 +23,35 @@ void OrvoMenu::enableEditButtons(bool enabled) {
 }
 
 void OrvoMenu::on_editor_valueChanged(const QString& rowName, const QVariant& value) {
-    const QModelIndex row = m_menuModel->findIndexByKey(m_currentMenuKey);
+    const QPersistentModelIndex row(m_menuModel->findIndexByKey(m_currentMenuKey));
+    if (!row.isValid())
+        return;
+    const QString key = m_menuModel->getItemKeyLink(row);
+    // The open edit of a desktop or of another element, which could not be saved when it was left,
+    // is saved first. If it cannot be now, nothing is taken that would be lost; nor is it for the
+    // top row, which no record stands behind.
+    const bool isOpenHere = m_elementEdit.isOpen() && sameText(key, m_editMenuKey);
+    if (m_menuModel->getItemLevel(row) == 0 || (!isOpenHere && !finishEdit())) {
+        refuseTyping(row);
+        return;
+    }
     if (!row.isValid())
         return;
     // A row without a column opens an edit too.
     if (m_editMode == NoEdit) {
-        m_elementEdit.beginChange(row, m_menuModel->getItemKeyLink(row));
+        m_elementEdit.beginChange(row, key);
         enableEditButtons(true);
+        // The engineer stays here, whatever an own move still makes current.
+        m_focusKey.clear();
     }
     const int column = m_elementFields.editedColumn(rowName);
     if (column >= 0)
         m_elementEdit.change(*m_menuModel, row, column, value);
+}
+
+void OrvoMenu::refuseTyping(const QModelIndex& row) {
+    m_propModel->clearRows();
+    showMenuPassport(row);
 }
 
 bool OrvoMenu::finishEdit() {
@@ -71,7 +91,7 @@ void OrvoMenu::saveDesck() {
     const QPersistentModelIndex row = m_editDesckIndex;
     if (!row.isValid())
         return;
-    orvo::ScratchTable out(*m_app->m_session, "MenuFolder");
+    orvo::ScratchTable out(*m_app->m_session, orvo::table::MenuFolder);
     if (!out.fetch())
         return;
     const bool isNew = m_desckEdit.isNew();
@@ -103,7 +123,7 @@ void OrvoMenu::closeDesckEditor(const QModelIndex& row) {
 void OrvoMenu::saveElement(const QModelIndex& row, MdxRecordFlag flag) {
     if (!row.isValid())
         return;
-    orvo::ScratchTable out(*m_app->m_session, "Menu");
+    orvo::ScratchTable out(*m_app->m_session, orvo::table::Menu);
     if (!out.fetch())
         return;
     loadMenuRowToTable(row, out, flag);
@@ -112,7 +132,7 @@ void OrvoMenu::saveElement(const QModelIndex& row, MdxRecordFlag flag) {
 }
 
 void OrvoMenu::loadMenuRowToTable(const QModelIndex& index, orvo::ScratchTable& out,
-                                  MdxRecordFlag flag) const {
+                                  MdxRecordFlag flag) {
     orvo::RowWriter record = out.add(flag);
     m_elementEdit.write(*m_menuModel, index, record);
 }
@@ -167,20 +187,24 @@ void OrvoMenu::cancelDesckName() {
     if (!record)
         return;
     m_ui->tvDesck->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_desckModel->setData(row, orvo::textOf(record, "caption"), Qt::DisplayRole);
+    m_desckModel->setData(row, orvo::textOf(record, orvo::field::caption), Qt::DisplayRole);
     orvo::makeCurrentAnew(m_ui->tvDesck, row);
 }
 
 void OrvoMenu::cancelElement() {
-    const QPersistentModelIndex row(m_menuModel->findIndexByKey(m_currentMenuKey));
+    // An edit that could not be saved when its row was left is still that row's.
+    const QPersistentModelIndex row(m_elementEdit.row(*m_menuModel));
     if (!row.isValid())
         return;
+    const QString key = m_elementEdit.key();
     m_elementEdit.end();
-    MDRData* record = orvo::seekKey(m_tabMenu, m_currentMenuKey);
+    MDRData* record = orvo::seekKey(m_tabMenu, key);
     if (!record)
         return;
     loadMenuRow(row.parent(), row.row(), record);
-    orvo::makeCurrentAnew(m_ui->tvMenu, row);
+    const QModelIndex current = elementRow(m_currentMenuKey);
+    if (current.isValid())
+        orvo::makeCurrentAnew(m_ui->tvMenu, current);
 }
 
 void OrvoMenu::on_Desck_NameChanged(const QString& text) {
@@ -189,8 +213,10 @@ void OrvoMenu::on_Desck_NameChanged(const QString& text) {
     // the removal of the edited row: it is none of the new row's.
     if (m_editDesckIndex.isValid() && current.siblingAtColumn(0) != m_editDesckIndex)
         return;
-    if (current.isValid())
-        m_desckModel->setData(current.siblingAtColumn(DesckColumn::Name), text, Qt::EditRole);
+    if (!current.isValid())
+        return;
+    m_desckModel->setData(current.siblingAtColumn(DesckColumn::Name), text, Qt::EditRole);
+    m_desckEdit.type(text);
 }
 
 void OrvoMenu::on_closeDesckeditor(QWidget*, QAbstractItemDelegate::EndEditHint) {

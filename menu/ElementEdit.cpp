@@ -4,6 +4,7 @@
 #include "frame/Notification.h"
 #include "frame/Records.h"
 #include "frame/ScratchTable.h"
+#include "frame/Vocabulary.h"
 #include "menu/Columns.h"
 #include "models/MenuTreeModel.h"
 
@@ -74,8 +75,8 @@ void ElementEdit::merge(MenuTreeModel& model, const QModelIndex& row, const MDRD
         return;
     m_typed.merge(change, record, m_fields);
     m_typed.show(model, row);
-    if (m_place && m_place->order == integerOf(record, "order_") &&
-        (!m_place->parent || holdsText(record, "parent", *m_place->parent)))
+    if (m_place && m_place->order == integerOf(record, orvo::field::order_) &&
+        (!m_place->parent || holdsText(record, orvo::field::parent, *m_place->parent)))
         m_place.reset();
     check();
 }
@@ -90,8 +91,9 @@ void ElementEdit::end() {
     check();
 }
 
-void ElementEdit::write(const MenuTreeModel& model, const QModelIndex& row,
-                        RowWriter& record) const {
+void ElementEdit::write(const MenuTreeModel& model, const QModelIndex& row, RowWriter& record) {
+    if (isNew())
+        m_sent.insert(m_key.toCaseFolded());
     const editor::Rows kind = model.itemIsFolder(row) ? editor::FolderRows : editor::ItemRows;
     writeParent(model, row, record);
     for (const editor::RecordField& field : m_fields) {
@@ -106,12 +108,16 @@ void ElementEdit::write(const MenuTreeModel& model, const QModelIndex& row,
 
 void ElementEdit::writeParent(const MenuTreeModel& model, const QModelIndex& row,
                               RowWriter& record) const {
+    const QString parent = row.siblingAtColumn(MenuColumn::ParentKey).data().toString();
+    const bool atTop = model.getItemLevel(row.parent()) == 0;
     if (m_place && m_place->parent)
-        record.textOrNull("parent", *m_place->parent);
-    else if (model.getItemLevel(row.parent()) != 0)
-        record.text("parent", row.siblingAtColumn(MenuColumn::ParentKey).data().toString());
-    else
-        record.null("parent");
+        record.textOrNull(orvo::field::parent, *m_place->parent);
+    else if (!atTop)
+        record.text(orvo::field::parent, parent);
+    else if (parent.isEmpty() || sameText(parent, QString::fromLatin1(menuRootKey)))
+        record.null(orvo::field::parent);
+    else // it was moved into a folder that has no row yet, and waits at the top
+        record.text(orvo::field::parent, parent);
 }
 
 void ElementEdit::check() const {

@@ -16,6 +16,7 @@
 #include "menu/OpenEdit.h"
 
 #include <QPersistentModelIndex>
+#include <QSet>
 #include <QString>
 
 #include <optional>
@@ -40,6 +41,9 @@ public:
 
     bool isOpen() const;
     bool isNew() const { return m_open.m_mode == NewElement; }
+    /// Whether the row of that key was new and has been sent: until its record comes back it looks
+    /// like a placeholder.
+    bool wasSent(const QString& key) const { return m_sent.contains(key.toCaseFolded()); }
     /// Whether it is the edit of that existing element.
     bool changes(const QString& key) const;
     const QString& key() const { return m_key; }
@@ -68,8 +72,8 @@ public:
     /// Ends it; nothing is written. Also when none is open.
     void end();
 
-    /// Every field of the element's row, as it is to be saved.
-    void write(const MenuTreeModel& model, const QModelIndex& row, RowWriter& record) const;
+    /// Every field of the element's row, on its way to the server.
+    void write(const MenuTreeModel& model, const QModelIndex& row, RowWriter& record);
 
 private:
     struct Place {
@@ -86,6 +90,7 @@ private:
     QPersistentModelIndex m_row;
     editor::TypedValues m_typed;
     std::optional<Place> m_place; ///< sent, and not come back yet
+    QSet<QString> m_sent;         ///< keys of new rows that were saved
 };
 
 } // namespace orvo::menu

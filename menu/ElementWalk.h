@@ -7,6 +7,7 @@
 #include "frame/FolderWalk.h"
 #include "frame/OrvoClient.h"
 #include "frame/Records.h"
+#include "frame/Vocabulary.h"
 
 #include <QMap>
 #include <QString>
@@ -18,14 +19,15 @@ namespace orvo::menu {
 
 /// What makes an element a folder is the NULL in its resource key.
 inline bool isFolderRecord(const MDRData* record) {
-    return isNull(record, "MenuResourceKey");
+    return isNull(record, orvo::field::MenuResourceKey);
 }
 
 /// New keys for all records of a table, which are to be written once more as others.
 inline QMap<QString, QString> newKeysFor(const CMDArray& table) {
     QMap<QString, QString> keys;
     walkAll(table, 0, [&](const MDRData* record) {
-        keys.insert(textOf(record, "KeyLink").toCaseFolded(), QString::fromLatin1(GenGuid32()));
+        keys.insert(textOf(record, orvo::field::KeyLink).toCaseFolded(),
+                    QString::fromLatin1(GenGuid32()));
         return true;
     });
     return keys;
@@ -57,9 +59,9 @@ void walkElements(const CMDArray& table, const QString& key, Visit&& visit) {
             if (!visit(element) || !element.isFolder)
                 return below;
             walkGroup(table, 1, KeyValues().text(element.key), [&](const MDRData* record) {
-                if (!holdsText(record, "parent", element.key))
+                if (!holdsText(record, orvo::field::parent, element.key))
                     return false;
-                below.push_back({textOf(record, "KeyLink"), isFolderRecord(record)});
+                below.push_back({textOf(record, orvo::field::KeyLink), isFolderRecord(record)});
                 return true;
             });
             return below;

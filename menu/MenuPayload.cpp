@@ -2,6 +2,7 @@
 
 #include "frame/ClipboardRows.h"
 #include "frame/Records.h"
+#include "frame/Vocabulary.h"
 
 #include <memory>
 
@@ -43,10 +44,10 @@ bool MenuPayload::read(const QByteArray& bytes) {
     // identifier, below which a walk could branch without end.
     while (table.array->keyCount > 0 && MDAKeyDel(table.array, 0) == MDX_OK) {
     }
-    table.KeyAdd("KeyLink", MDX_KEY_UNIQUE);
+    table.KeyAdd(orvo::field::KeyLink, MDX_KEY_UNIQUE);
     if (table.status != MDX_OK)
         return false;
-    table.KeyAdd("parent;order_", MDX_KEY_MULTI);
+    table.KeyAdd(*keylist::Menu.begin(), MDX_KEY_MULTI);
     return table.status == MDX_OK && recordCount(table) > 0;
 }
 

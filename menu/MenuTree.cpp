@@ -8,6 +8,7 @@
 #include "frame/Records.h"
 #include "frame/Siblings.h"
 #include "frame/ViewRows.h"
+#include "frame/Vocabulary.h"
 #include "menu/Columns.h"
 
 using orvo::KeyValues;
@@ -39,7 +40,7 @@ void OrvoMenu::loadMenuTree(const QString& desckKey) {
     if (fetched)
         m_openDesckKey = desckKey;
     m_tabMenu.Attach(fetched);
-    orvo::setKeys(m_tabMenu, {"parent;order_"});
+    orvo::setKeys(m_tabMenu, orvo::keylist::Menu);
 
     MenuTreeModel& model = *m_menuModel;
     if (!model.insertRows(0, 1, QModelIndex()))
@@ -80,7 +81,7 @@ std::vector<OrvoMenu::MenuFolderRow> OrvoMenu::addMenuRows(MenuTreeModel::Batch&
                                                            int32_t position) const {
     std::vector<MenuFolderRow> folders;
     orvo::walkFrom(m_tabMenu, 1, position, [&](const MDRData* record) {
-        if (!orvo::holdsText(record, "parent", folder.key))
+        if (!orvo::holdsText(record, orvo::field::parent, folder.key))
             return false;
         const QVector<QVariant> values = menuValues(record);
         TabRec* row = rows.add(values, folder.row);
@@ -98,8 +99,9 @@ QVector<QVariant> OrvoMenu::menuValues(const MDRData* record) const {
     if (resourceKey.isEmpty()) {
         values[MenuColumn::Type] = convertMenuAttributes(0);
     } else if (const MDRData* resource = orvo::seekKey(m_tabResource, resourceKey)) {
-        values[MenuColumn::Type] = convertMenuAttributes(orvo::integerOf(resource, "type_"));
-        values[MenuColumn::Command] = orvo::textOf(resource, "name_");
+        values[MenuColumn::Type] =
+            convertMenuAttributes(orvo::integerOf(resource, orvo::field::type_));
+        values[MenuColumn::Command] = orvo::textOf(resource, orvo::field::name_);
     }
     return values;
 }
@@ -111,9 +113,10 @@ void OrvoMenu::loadMenuRow(const QModelIndex& parent, int row, MDRData* record) 
 int32_t OrvoMenu::getMenuElementPosition(const QString& key, const QString& parentKey) const {
     const MDRData* own = orvo::seekKey(m_tabMenu, key);
     KeyValues exact;
-    orvo::addField(exact, own, "parent");
-    orvo::addField(exact, own, "order_");
-    return orvo::siblingPosition(
-        m_tabMenu, 1, KeyValues().textOrNull(parentKey), key, own, exact,
-        [&](const MDRData* record) { return orvo::holdsText(record, "parent", parentKey); });
+    orvo::addField(exact, own, orvo::field::parent);
+    orvo::addField(exact, own, orvo::field::order_);
+    return orvo::siblingPosition(m_tabMenu, 1, KeyValues().textOrNull(parentKey), key, own, exact,
+                                 [&](const MDRData* record) {
+                                     return orvo::holdsText(record, orvo::field::parent, parentKey);
+                                 });
 }

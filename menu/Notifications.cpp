@@ -7,6 +7,7 @@
 #include "frame/Notification.h"
 #include "frame/Records.h"
 #include "frame/ViewRows.h"
+#include "frame/Vocabulary.h"
 #include "menu/Columns.h"
 
 #include <QAction>
@@ -34,28 +35,34 @@ bool OrvoMenu::MessageData(MDXCliParam* prm) {
     const orvo::Notification change(prm);
     if (!change.isTableEvent())
         return true;
-    const bool folder = change.isFor("MenuFolder");
-    const bool element = change.isFor("Menu");
+    const bool folder = change.isFor(orvo::table::MenuFolder);
+    const bool element = change.isFor(orvo::table::Menu);
     switch (change.action()) {
     case OrvoEventUpdate:
         if (folder)
             desckUpdated(change);
         else if (element)
             elementUpdated(change);
+        else if (change.isFor(orvo::table::MenuResourceFolder))
+            orvo::editAndMerge(change.event(), &m_tabResFolder);
         break;
     case OrvoEventDelete:
         if (folder)
             orvo::removeRecord(change, m_tabFolder, m_ui->tvDesck, desckRow(change.key()));
         else if (element)
             elementDeleted(change);
+        else if (change.isFor(orvo::table::MenuResourceFolder))
+            forgetResourceFolder(change);
         break;
     case OrvoEventInsert:
         if (folder)
             desckInserted(change);
         else if (element)
             elementInserted(change);
-        else if (change.isFor("MenuResource"))
+        else if (change.isFor(orvo::table::MenuResource))
             orvo::createAndMerge(change.event(), &m_tabResource);
+        else if (change.isFor(orvo::table::MenuResourceFolder))
+            orvo::createAndMerge(change.event(), &m_tabResFolder);
         break;
     default:
         break;
@@ -78,11 +85,16 @@ QModelIndex OrvoMenu::desckRow(const QString& key) const {
                : m_desckModel->findIndexByKey(key);
 }
 
+void OrvoMenu::forgetResourceFolder(const orvo::Notification& change) {
+    if (MDRData* record = orvo::findRecord(change.event(), &m_tabResFolder))
+        m_tabResFolder.RecDel(record);
+}
+
 void OrvoMenu::desckUpdated(const orvo::Notification& change) {
     MDRData* record = orvo::editAndMerge(change.event(), &m_tabFolder);
     const QModelIndex row = desckRow(change.key());
     if (record && row.isValid())
-        showDesck(change.key(), record, row);
+        showDesck(change, record, row);
 }
 
 void OrvoMenu::desckInserted(const orvo::Notification& change) {
@@ -94,24 +106,30 @@ void OrvoMenu::desckInserted(const orvo::Notification& change) {
     if (!row.isValid()) {
         // Somebody else's row. Without a parent key it has no place in this tree until the next
         // start.
-        const QString parentKey = orvo::textOf(record, "ParentKey");
+        const QString parentKey = orvo::textOf(record, orvo::field::ParentKey);
         const int32_t position = getDesckElementPosition(key, parentKey);
         const QModelIndex parent = m_desckModel->findIndexByKey(parentKey);
         if (position == -1 || !parent.isValid() || !m_desckModel->insertRows(position, 1, parent))
             return;
         row = m_desckModel->index(position, 0, parent);
     }
-    showDesck(key, record, row);
+    showDesck(change, record, row);
 }
 
-void OrvoMenu::showDesck(const QString& key, MDRData* record, const QModelIndex& row) {
-    const int32_t position = getDesckElementPosition(key, orvo::textOf(record, "ParentKey"));
+void OrvoMenu::showDesck(const orvo::Notification& change, MDRData* record,
+                         const QModelIndex& row) {
+    const QString key = change.key();
+    const int32_t position =
+        getDesckElementPosition(key, orvo::textOf(record, orvo::field::ParentKey));
     if (position == -1)
         return;
-    // A row that moves leaves those below it behind: an edit there is saved first.
-    if (m_desckEdit.isOpen() && position != row.row() && standsBelow(m_editDesckIndex, row))
+    // A row that moves is made anew, with those below it: an edit there is saved first.
+    const QModelIndex edited = m_editDesckIndex.sibling(m_editDesckIndex.row(), 0);
+    if (m_desckEdit.isOpen() && position != row.row() &&
+        (edited == row || standsBelow(edited, row)))
         finishEdit();
     updateNewDesckNode(record, position, row);
+    m_desckEdit.merge(*m_desckModel, m_desckModel->findIndexByKey(key), record, change);
     orvo::makeCurrentAnew(m_ui->tvDesck, m_desckModel->findIndexByKey(key));
 }
 
@@ -123,7 +141,7 @@ void OrvoMenu::elementUpdated(const orvo::Notification& change) {
         return;
     const QModelIndex parent = row.parent();
     const int number = row.row();
-    const QString newParent = orvo::textOf(record, "parent");
+    const QString newParent = orvo::textOf(record, orvo::field::parent);
     const QString oldParent = row.siblingAtColumn(MenuColumn::ParentKey).data().toString();
     const int32_t position = getMenuElementPosition(key, newParent);
     loadMenuRow(parent, number, record);
@@ -134,11 +152,7 @@ void OrvoMenu::elementUpdated(const orvo::Notification& change) {
         // Without a row for the new parent the element waits where it stands.
         if (!target.isValid())
             return;
-        // An edit is saved in the new place: from the one that it leaves it would undo the move.
-        const bool edited = m_elementEdit.changes(key);
         moveElement(row, position, target);
-        if (edited)
-            finishEdit();
         limitMoves();
         return;
     }
@@ -159,7 +173,7 @@ void OrvoMenu::elementInserted(const orvo::Notification& change) {
     MDRData* record = orvo::createAndMerge(change.event(), &m_tabMenu);
     if (!record)
         return;
-    if (!orvo::holdsText(record, "FolderKey", openDesckKey())) {
+    if (!orvo::holdsText(record, orvo::field::FolderKey, openDesckKey())) {
         // The table holds the open desktop only.
         m_tabMenu.RecDel(record);
         return;
@@ -168,25 +182,58 @@ void OrvoMenu::elementInserted(const orvo::Notification& change) {
     const QModelIndex own = recordRow(key);
     if (own.isValid()) {
         loadMenuRow(own.parent(), own.row(), record);
+        // What was typed since the save is not in the record.
+        m_elementEdit.merge(*m_menuModel, own, record, change);
         return;
     }
-    const QString parentKey = orvo::textOf(record, "parent");
+    const QString parentKey = orvo::textOf(record, orvo::field::parent);
     const int32_t position = getMenuElementPosition(key, parentKey);
     const QModelIndex parent = m_menuModel->findIndexByKey(parentKey);
     if (position < 0 || !parent.isValid() || !m_menuModel->insertRows(position, 1, parent))
         return;
     loadMenuRow(parent, position, record);
-    m_ui->tvMenu->setCurrentIndex(m_menuModel->index(position, 0, parent));
+    gatherChildren(key);
+    m_ui->tvMenu->setCurrentIndex(elementRow(key));
+}
+
+void OrvoMenu::gatherChildren(const QString& key) {
+    QStringList folders{key};
+    while (!folders.isEmpty()) {
+        const QString folderKey = folders.takeFirst();
+        QStringList children;
+        orvo::walkGroup(m_tabMenu, 1, orvo::KeyValues().text(folderKey),
+                        [&](const MDRData* record) {
+                            if (!orvo::holdsText(record, orvo::field::parent, folderKey))
+                                return false;
+                            children << orvo::textOf(record, orvo::field::KeyLink);
+                            return true;
+                        });
+        for (const QString& child : children) {
+            const QModelIndex folder = elementRow(folderKey);
+            const QModelIndex row = recordRow(child);
+            const int place = m_menuModel->rowCount(folder);
+            if (row.isValid()) {
+                if (row.parent() != folder)
+                    moveElement(row, place, folder);
+            } else if (m_menuModel->insertRows(place, 1, folder)) {
+                loadMenuRow(folder, place, orvo::seekKey(m_tabMenu, child));
+                folders << child;
+            }
+        }
+    }
 }
 
 void OrvoMenu::moveElement(const QModelIndex& row, int32_t position, const QModelIndex& target) {
+    // A row moves as a copy: the view leaves the old one for a sibling, or forgets a current row
+    // below it.
     QTreeView* view = m_ui->tvMenu;
-    const bool hadCurrent = view->currentIndex().isValid();
+    const QModelIndex current = view->currentIndex();
+    const bool goesAlong = orvo::currentStandsIn(view, row);
+    const QString key = m_menuModel->getItemKeyLink(current);
     const QScopedValueRollback<bool> moving(m_movesRows, true);
     m_menuModel->moveItem(row.row(), position, row.parent(), target);
-    // A row moves as a copy, and a view forgets a current row below the one that goes.
-    if (hadCurrent && !view->currentIndex().isValid())
-        view->setCurrentIndex(elementRow(m_currentMenuKey));
+    if (current.isValid() && goesAlong)
+        view->setCurrentIndex(elementRow(key));
 }
 
 void OrvoMenu::elementDeleted(const orvo::Notification& change) {

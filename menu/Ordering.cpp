@@ -4,6 +4,7 @@
 
 #include "frame/Records.h"
 #include "frame/ScratchTable.h"
+#include "frame/Vocabulary.h"
 #include "menu/Columns.h"
 
 #include <algorithm>
@@ -37,31 +38,56 @@ void OrvoMenu::swapWithNeighbour(int step) {
     const QModelIndex row = m_menuModel->findIndexByKey(m_currentMenuKey);
     if (!row.isValid())
         return;
-    ScratchTable out(*m_app->m_session, "Menu");
+    ScratchTable out(*m_app->m_session, orvo::table::Menu);
     if (!out.fetch())
         return;
     const QModelIndex neighbour = m_menuModel->index(row.row() + step, 0, row.parent());
+    if (neighbour.isValid() && orderAt(neighbour) == orderAt(row)) {
+        renumber(row, row.row() + step, out);
+        m_focusKey = m_currentMenuKey;
+        out.send();
+        return;
+    }
     addOrder(out, m_currentMenuKey, orderAt(neighbour));
     addOrder(out, m_menuModel->getItemKeyLink(neighbour), orderAt(row));
     m_focusKey = m_currentMenuKey;
     out.send();
 }
 
+void OrvoMenu::renumber(const QModelIndex& moved, int place, ScratchTable& out) {
+    std::vector<QModelIndex> rows;
+    for (int row = 0; row < m_menuModel->rowCount(moved.parent()); ++row)
+        rows.push_back(m_menuModel->index(row, 0, moved.parent()));
+    const QModelIndex row = rows[static_cast<size_t>(moved.row())];
+    rows.erase(rows.begin() + moved.row());
+    rows.insert(rows.begin() + place, row);
+    // From the lowest order there is, so that the siblings keep their range.
+    int order = std::numeric_limits<int>::max();
+    for (const QModelIndex& sibling : rows)
+        order = std::min(order, orderAt(sibling));
+    for (const QModelIndex& sibling : rows) {
+        const bool isNew = sibling.siblingAtColumn(MenuColumn::IsNew).data().toBool();
+        if (orderAt(sibling) != order && !isNew)
+            addOrder(out, m_menuModel->getItemKeyLink(sibling), order);
+        order = stepBehind(order);
+    }
+}
+
 orvo::RowWriter OrvoMenu::addOrder(ScratchTable& out, const QString& key, int order) {
     m_elementEdit.sendsPlace(key, order);
     orvo::RowWriter row = out.add(MDX_UPDATE);
-    row.text("KeyLink", key).integer("order_", order);
+    row.text(orvo::field::KeyLink, key).integer(orvo::field::order_, order);
     return row;
 }
 
 void OrvoMenu::addPlace(ScratchTable& out, const QString& key, int order, const QString& parent) {
-    addOrder(out, key, order).textOrNull("parent", parent);
+    addOrder(out, key, order).textOrNull(orvo::field::parent, parent);
     m_elementEdit.sendsPlace(key, order, parent);
 }
 
 void OrvoMenu::on_menu_dragdrop(const QModelIndex& destindex, QStringList srcList, int option) {
-    ScratchTable moved(*m_app->m_session, "Menu");
-    ScratchTable shifted(*m_app->m_session, "Menu");
+    ScratchTable moved(*m_app->m_session, orvo::table::Menu);
+    ScratchTable shifted(*m_app->m_session, orvo::table::Menu);
     if (!moved.fetch() || !shifted.fetch())
         return;
     if (option == -1 && m_menuModel->itemIsFolder(destindex)) {
@@ -113,18 +139,23 @@ void OrvoMenu::dropAmongSiblings(const QModelIndex& source, int position, Scratc
     const auto handOn = [&](int row, int from) {
         addOrder(moved, m_menuModel->getItemKeyLink(rowAt(row)), orderAt(rowAt(from)));
     };
-    int place = position;
-    if (position > source.row()) {
-        for (int row = position; row > source.row(); --row)
-            handOn(row, row - 1);
-    } else {
-        place = position + 1;
-        if (place >= source.row())
-            return;
-        for (int row = place; row < source.row(); ++row)
-            handOn(row, row + 1);
+    const int target = position > source.row() ? position : position + 1;
+    if (position <= source.row() && target >= source.row())
+        return;
+    bool equal = false;
+    for (int row = std::min(target, source.row()); row < std::max(target, source.row()); ++row)
+        equal = equal || orderAt(rowAt(row)) == orderAt(rowAt(row + 1));
+    if (equal) {
+        // Handing equal orders on would move nothing.
+        renumber(source, target, moved);
+        m_focusKey = key;
+        return;
     }
-    addOrder(moved, key, orderAt(rowAt(place)));
+    for (int row = target; row > source.row(); --row)
+        handOn(row, row - 1);
+    for (int row = target; row < source.row(); ++row)
+        handOn(row, row + 1);
+    addOrder(moved, key, orderAt(rowAt(target)));
     m_focusKey = key;
 }
 
@@ -148,8 +179,8 @@ int32_t OrvoMenu::getLastMenuOrder(const QString& parent) const {
         end.text(parent);
     end.integer(std::numeric_limits<int32_t>::max());
     const auto isChild = [&](const MDRData* record) {
-        return parent.isNull() ? orvo::isNull(record, "parent")
-                               : orvo::holdsText(record, "parent", parent);
+        return parent.isNull() ? orvo::isNull(record, orvo::field::parent)
+                               : orvo::holdsText(record, orvo::field::parent, parent);
     };
     // The key ends in `order_`: the last child stands before the first record behind the group.
     const int32_t behind = orvo::seekPosition(m_tabMenu, 1, end);
@@ -160,5 +191,5 @@ int32_t OrvoMenu::getLastMenuOrder(const QString& parent) const {
         return child;
     });
     const MDRData* record = last < 0 ? nullptr : MDARec(m_tabMenu.array, 1, last);
-    return record && isChild(record) ? orvo::integerOf(record, "order_") : 0;
+    return record && isChild(record) ? orvo::integerOf(record, orvo::field::order_) : 0;
 }

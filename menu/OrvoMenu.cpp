@@ -5,6 +5,7 @@
 #include "frame/CommonFunctions.h"
 #include "frame/Records.h"
 #include "frame/ViewRows.h"
+#include "frame/Vocabulary.h"
 #include "frame/WindowParts.h"
 #include "menu/RecordLists.h"
 
@@ -107,14 +108,13 @@ bool OrvoMenu::loadTables() {
             return GetTableRecords(session, name, table, error);
         });
     };
-    if (!fetch("MenuResource", m_tabResource, "OrvoMenu::loadTables->MenuResource"))
+    if (!fetch(orvo::table::MenuResource, m_tabResource, "OrvoMenu::loadTables->MenuResource"))
         return false;
-    orvo::setKeys(m_tabResource, {"name_"});
-    if (!fetch("MenuFolder", m_tabFolder, "OrvoMenu::loadTables->MenuFolder"))
+    orvo::setKeys(m_tabResource, orvo::keylist::MenuResourceByName);
+    if (!fetch(orvo::table::MenuFolder, m_tabFolder, "OrvoMenu::loadTables->MenuFolder"))
         return false;
-    orvo::setKeys(m_tabFolder,
-                  {"order_;caption", "order_;ParentKey;caption", "ParentKey;order_;caption"});
+    orvo::setKeys(m_tabFolder, orvo::keylist::MenuFolder);
     // Logged under the other editor's name, by which this place is known in logs.
-    return fetch("MenuResourceFolder", m_tabResFolder,
+    return fetch(orvo::table::MenuResourceFolder, m_tabResFolder,
                  "OrvoResources::loadTables->MenuResourceFolder");
 }

@@ -6,6 +6,9 @@
 // comes from records; a change goes to the server, and tables and trees follow when its
 // notification comes back.
 //
+// What is being edited is an object: an ElementEdit or a DesckEdit, of which one is open at most.
+// The fields of the records stand once, in RecordLists.
+//
 // The sources are split by subject: OrvoMenu (start, tables, notifications' end), Arrangement (the
 // views), Actions (what is switched on when, context menus), DesktopTree, MenuTree and Passports
 // (filling), CurrentRow (what a move of the current row or the selection does), Notifications (what
@@ -48,6 +51,10 @@ class Notification;
 class RowWriter;
 class ScratchTable;
 } // namespace orvo
+
+namespace orvo::menu {
+struct MenuPayload;
+}
 
 class OrvoMenu : public COrvoCliMod, public orvo::ObjectListOwner {
     Q_OBJECT
@@ -108,6 +115,7 @@ protected:
     QString m_currentMenuKey;  ///< key of the current row of tvMenu
     QString m_focusKey;        ///< row to make current after the next notifications; null: none
     bool m_cutPending = false; ///< the clipboard holds a cut of this editor
+    QByteArray m_ownCut;       ///< the last cut, as long as nothing else has been offered since
     bool m_skipDesckChange = false; ///< the next on_tvDesck_currentChanged only clears this
     std::unique_ptr<Ui_OrvoMenu> m_ui;
 
@@ -155,8 +163,7 @@ protected:
 
     // Editing
     /// Adds the record of an element's row, every field of it.
-    void loadMenuRowToTable(const QModelIndex& index, orvo::ScratchTable& out,
-                            MdxRecordFlag flag) const;
+    void loadMenuRowToTable(const QModelIndex& index, orvo::ScratchTable& out, MdxRecordFlag flag);
 
     // Desktop operations. The paste functions add records for one row, or for a folder with all
     // below it; the null string as `name` keeps the old caption.
@@ -230,6 +237,7 @@ protected slots:
 
     void removeMenuMessage(QAbstractButton* button);
     void removeDesckTopMessage(QAbstractButton* button);
+    void on_common_error_message(QAbstractButton* button);
 
 private:
     // Notifications
@@ -238,13 +246,18 @@ private:
     /// The row of a record; invalid for the keys of the root rows, which stand for none.
     QModelIndex recordRow(const QString& key) const;
     QModelIndex desckRow(const QString& key) const;
+    /// The picker lists by the folders of resources; no tree shows them.
+    void forgetResourceFolder(const orvo::Notification& change);
     void desckUpdated(const orvo::Notification& change);
     void desckInserted(const orvo::Notification& change);
     /// Writes the record into the row, puts it in its place and refreshes what depends on it.
-    void showDesck(const QString& key, MDRData* record, const QModelIndex& row);
+    void showDesck(const orvo::Notification& change, MDRData* record, const QModelIndex& row);
     void elementUpdated(const orvo::Notification& change);
     void elementDeleted(const orvo::Notification& change);
     bool m_movesRows = false; ///< the current row changes by a move of rows, not by the engineer
+    /// The elements that the table has in a folder whose row is new: those that waited for it
+    /// elsewhere come to it, and those that had no row get one.
+    void gatherChildren(const QString& key);
     /// Moves a row with what lies below it; a current row among that stays current.
     void moveElement(const QModelIndex& row, int32_t position, const QModelIndex& target);
     /// Switches off a move button whose neighbour has gone.
@@ -255,6 +268,10 @@ private:
     CPopObjectList* picker();
     void chooseNewElements(int32_t kind);
     void addChosenElements();
+    /// A folder of the picker is no resource: nothing can be made of it, and its choice is refused
+    /// in a box.
+    bool folderIsChosen() const;
+    void refuseChosenFolder();
     void takeChosenValue();
 
     // Editing
@@ -262,6 +279,8 @@ private:
     /// just ends. False if it stays open, because the server gave no structure to write in.
     bool finishEdit();
     void saveDesck();
+    /// Shows the passport of the current row anew, without what was just typed into it.
+    void refuseTyping(const QModelIndex& row);
     /// Switches the buttons of the open edit.
     void enableEditButtons(bool enabled);
     /// Closes the editors of names, on that row and on the current one.
@@ -280,6 +299,12 @@ private:
 
     // Clipboard and order
     void putOnClipboard(int mode);
+    /// Whether the last cut is still what a paste takes, though the clipboard is empty.
+    bool ownCutIsGood() const;
+    /// The payload that a paste of elements would take.
+    QByteArray menuClipboard() const;
+    /// Whether a row is, or lies below, what was cut; says so in a box.
+    bool refusesCutInto(const QModelIndex& target, const orvo::menu::MenuPayload& payload);
     /// The fields that are copied so on such rows.
     void copyFields(orvo::RowWriter& row, const MDRData* source, orvo::editor::Copied how,
                     orvo::editor::Rows kind) const;
@@ -287,6 +312,8 @@ private:
                             const QString& caption, const MDRData* record,
                             orvo::ScratchTable& target, const QMap<QString, QString>& keyMap);
     void swapWithNeighbour(int step);
+    /// Adds orders that differ for a row and its siblings, as if the row stood at that place.
+    void renumber(const QModelIndex& moved, int place, orvo::ScratchTable& out);
     orvo::RowWriter addOrder(orvo::ScratchTable& out, const QString& key, int order);
     /// The same with another parent, empty for the top of the menu.
     void addPlace(orvo::ScratchTable& out, const QString& key, int order, const QString& parent);
@@ -301,8 +328,10 @@ private:
     /// The desktop whose elements m_tabMenu holds: the current one, as long as its elements came
     /// when it was made current and no new element kept the menu of another.
     QString openDesckKey() const;
-    /// Whether the table has rows below a folder of desktops.
-    bool holdsDesktops(const QString& folderKey) const;
+    /// Whether a folder of desktops is to stay, since there is something in it or the server does
+    /// not answer; says the former in a box.
+    bool refusesFullFolder(const QModelIndex& folder);
+    void showRefusal(const QString& text);
 
     /// Rows for the sub-folders or the desktops of `parentKey`, below `parent` or at the top of the
     /// batch; gives the new rows.

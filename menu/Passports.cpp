@@ -38,8 +38,10 @@ void OrvoMenu::fillPassport(const QModelIndex& index, orvo::editor::Rows kind) {
         // The word of a folder is no number and reads as 0, which is its code; the root has none.
         if (field->column == MenuColumn::Type && kind == FolderRows)
             value = convertMenuAttributes(value.toInt());
+        // No record stands behind the top row.
+        const bool readOnly = cell.readOnly || m_menuModel->getItemLevel(index) == 0;
         rows.push_back(
-            {QString::fromLatin1(cell.row), tr(cell.caption), cell.editor, cell.readOnly, value});
+            {QString::fromLatin1(cell.row), tr(cell.caption), cell.editor, readOnly, value});
     }
     m_ui->tvProp->expand(orvo::addPassportCategory(*m_propModel, QStringLiteral("properties"),
                                                    tr("Свойства"), rows));

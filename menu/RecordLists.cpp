@@ -1,4 +1,5 @@
 #include "menu/RecordLists.h"
+#include "frame/Vocabulary.h"
 
 #include "menu/Columns.h"
 
@@ -18,28 +19,31 @@ using editor::RecordFields;
 
 const RecordFields& elementFields() {
     static const RecordFields fields{
-        {.column = MenuColumn::KeyLink, .title = "KeyLink", .name = "KeyLink", .saved = AllRows},
+        {.column = MenuColumn::KeyLink,
+         .title = "KeyLink",
+         .name = orvo::field::KeyLink,
+         .saved = AllRows},
         // By the row above; see ElementEdit.
-        {.column = MenuColumn::ParentKey, .title = "ParentKey", .name = "parent"},
+        {.column = MenuColumn::ParentKey, .title = "ParentKey", .name = orvo::field::parent},
         {.column = MenuColumn::FolderKey,
          .title = "FolderKey",
-         .name = "FolderKey",
+         .name = orvo::field::FolderKey,
          .saved = AllRows},
         {.column = MenuColumn::Caption,
          .title = " ",
-         .name = "caption",
+         .name = orvo::field::caption,
          .saved = AllRows,
          .copied = Copied::Place,
          .passport = {.row = "name", .caption = ORVO_TEXT("Наименование"), .position = 3}},
         {.column = MenuColumn::Order,
          .title = "order",
-         .name = "order_",
+         .name = orvo::field::order_,
          .type = FieldType::Integer,
          .saved = AllRows,
          .copied = Copied::Place},
         {.column = MenuColumn::Icon,
          .title = "Icon",
-         .name = "ico",
+         .name = orvo::field::ico,
          .saved = AllRows,
          .copied = Copied::Value,
          .passport = {.row = "icon",
@@ -48,7 +52,7 @@ const RecordFields& elementFields() {
                       .position = 7}},
         {.column = MenuColumn::Separator,
          .title = "Separator",
-         .name = "separator",
+         .name = orvo::field::separator,
          .type = FieldType::Flag,
          .saved = AllRows,
          .copied = Copied::Value,
@@ -58,7 +62,7 @@ const RecordFields& elementFields() {
                       .position = 8}},
         {.column = MenuColumn::OneCopy,
          .title = "OneCopy",
-         .name = "oneCopy",
+         .name = orvo::field::oneCopy,
          .type = FieldType::Flag,
          .saved = AllRows,
          .copied = Copied::Value,
@@ -70,7 +74,7 @@ const RecordFields& elementFields() {
         // NULL on a folder, which is what makes it one.
         {.column = MenuColumn::MenuResKey,
          .title = "MenuResKey",
-         .name = "MenuResourceKey",
+         .name = orvo::field::MenuResourceKey,
          .saved = ItemRows,
          .copied = Copied::Value,
          .copiedOn = ItemRows,
@@ -81,7 +85,7 @@ const RecordFields& elementFields() {
                       .on = ItemRows}},
         {.column = MenuColumn::Params,
          .title = "Params",
-         .name = "params",
+         .name = orvo::field::params,
          .saved = ItemRows,
          .copied = Copied::Value,
          .passport =
@@ -104,14 +108,23 @@ const RecordFields& elementFields() {
 
 const RecordFields& desckFields() {
     static const RecordFields fields{
-        {.column = DesckColumn::KeyLink, .title = "KeyLink", .name = "KeyLink", .saved = AllRows},
+        {.column = DesckColumn::KeyLink,
+         .title = "KeyLink",
+         .name = orvo::field::KeyLink,
+         .saved = AllRows},
         // NULL below the root row; see DesckEdit.
-        {.column = DesckColumn::ParentKey, .title = "ParentKey", .name = "ParentKey"},
-        {.column = DesckColumn::Name, .title = "Name", .name = "caption", .saved = AllRows},
-        {.column = DesckColumn::Order, .title = "Order", .name = "order_", .saved = AllRows},
+        {.column = DesckColumn::ParentKey, .title = "ParentKey", .name = orvo::field::ParentKey},
+        {.column = DesckColumn::Name,
+         .title = "Name",
+         .name = orvo::field::caption,
+         .saved = AllRows},
+        {.column = DesckColumn::Order,
+         .title = "Order",
+         .name = orvo::field::order_,
+         .saved = AllRows},
         {.column = DesckColumn::IsFolder,
          .title = "IsFolder",
-         .name = "isFolder",
+         .name = orvo::field::isFolder,
          .type = FieldType::Flag,
          .saved = AllRows,
          .copied = Copied::Value},

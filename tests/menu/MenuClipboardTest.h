@@ -78,7 +78,6 @@ private slots:
     void subFoldersCarryTheirCaptionAsParent_data();
     void subFoldersCarryTheirCaptionAsParent();
     void elementsWithoutTheirResourceStayOut();
-    void pastingOnAnElementTakesItAsParent();
     void anElementWithoutACaptionIsPlacedAsChosen();
     void parentsCompareWithoutCase();
     void keysWithoutARecordAreSkipped();

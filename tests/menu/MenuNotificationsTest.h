@@ -38,7 +38,7 @@ private slots:
     void anUpdatedDesktopIsRewrittenMovedAndMadeCurrent();
     void anUpdatedTopFolderMovesAmongTheTopRows();
     void anUpdatedDesktopInItsPlaceShowsItsMenuAnew();
-    void aFolderThatMovesArrivesEmpty();
+    void aFolderThatMovesKeepsItsRows();
     void aFolderInItsPlaceKeepsItsRows();
     void aDesktopStaysUnderItsOldFolder();
     void anUpdateOfAnUnknownDesktopDoesNothing();

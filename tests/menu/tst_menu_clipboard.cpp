@@ -252,9 +252,10 @@ void TestMenuClipboard::aSecondEditorTakesACutAway() {
     editor->on_actCutMenuElement_triggered();
     QCoreApplication::processEvents();
     QVERIFY(payload().isEmpty());
-    editor.makeCurrent("grafiki");
-    editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(editor.host.writes().take(), QString());
+    other.openDesck("armop");
+    other.makeCurrent("grafiki");
+    other->on_actPasteMenuElement_triggered();
+    QCOMPARE(otherHost.writes().take(), QString());
     QVERIFY(editor->element("form").isValid());
 }
 

@@ -183,18 +183,6 @@ void TestMenuClipboard::elementsWithoutTheirResourceStayOut() {
     QCOMPARE(host.writes().take(), QString());
 }
 
-void TestMenuClipboard::pastingOnAnElementTakesItAsParent() {
-    PlantOperations editor;
-    editor.openDesck("armop");
-    editor.selectElements({"shema"});
-    editor->on_actCopyMenuElement_triggered();
-    editor.makeCurrent("calc");
-    editor->on_actPasteMenuElement_triggered();
-    QVERIFY(
-        editor.host.writes().take().contains("+#1 parent='calc' FolderKey='armop' caption='Схема' "
-                                             "order_=0"));
-}
-
 void TestMenuClipboard::anElementWithoutACaptionIsPlacedAsChosen() {
     TestStore store;
     fillPlant(store);

@@ -89,7 +89,7 @@ private slots:
     void anElementAtTheTopHasEmptyTextAsParent();
     void aResourceThatIsGoneStillMakesAnElement();
     void aResourceWithAnEmptyIconGivesAnEmptyIcon();
-    void aFolderOfTheCatalogueIsNoLessAnElement();
+    void aFolderOfTheCatalogueIsNoElement();
     void withoutASelectionNothingIsSent();
     void withoutATargetNothingIsSent();
     void withoutAStructureNothingIsSent();
@@ -310,14 +310,14 @@ void TestMenuCreating::aResourceWithAnEmptyIconGivesAnEmptyIcon() {
     QVERIFY2(written.contains("ico=''"), qPrintable(written));
 }
 
-void TestMenuCreating::aFolderOfTheCatalogueIsNoLessAnElement() {
+void TestMenuCreating::aFolderOfTheCatalogueIsNoElement() {
     Creating live;
     live.makeCurrent("grafiki");
     live->on_actNewElemModul_triggered();
-    live.choose({"Подпапка"});
+    live.choose({"Подпапка", "Archive"});
     live.ok();
     const QString written = live.written();
-    QVERIFY2(written.contains("caption=''") && written.contains("MenuResourceKey='fsub'"),
+    QVERIFY2(written.count("\n  ") == 1 && written.contains("MenuResourceKey='m1'"),
              qPrintable(written));
 }
 

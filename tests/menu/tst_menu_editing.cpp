@@ -93,7 +93,6 @@ private slots:
     void savingANameWritesKeyAndCaptionAlone();
     void savingAnElementWritesAllItsFields();
     void savingAFolderWritesNoObject();
-    void savingTheRootWritesNothingToTheStore();
     void aRefusedWriteEndsTheEditAllTheSame();
     void withoutAStructureTheEditStaysOpen_data();
     void withoutAStructureTheEditStaysOpen();
@@ -372,21 +371,6 @@ void TestMenuEditing::savingAFolderWritesNoObject() {
              qPrintable(written));
 }
 
-void TestMenuEditing::savingTheRootWritesNothingToTheStore() {
-    Editing live;
-    live.makeCurrent("MenuRootNode");
-    live.type("name", "Иное");
-    QCOMPARE(live.mode(), Element);
-    live.save();
-    QCOMPARE(live.mode(), None);
-    live.deliver();
-    QCOMPARE(orvo::recordCount(live->m_tabMenu), 7);
-    live.openDesck("armpech");
-    live.openDesck("armop");
-    QCOMPARE(live->element("MenuRootNode").data(), QVariant("Меню"));
-    QCOMPARE(orvo::recordCount(live->m_tabMenu), 7);
-}
-
 void TestMenuEditing::aRefusedWriteEndsTheEditAllTheSame() {
     Editing live(NewElement);
     live.host.writes().refusedTable = "Menu";
@@ -549,7 +533,6 @@ void TestMenuEditing::aNameWithoutARecordStaysAsTyped() {
     live.cancel();
     QCOMPARE(live.mode(), None);
     QCOMPARE(live->desck("armop").data(), QVariant("Бюро"));
-    QCOMPARE(QModelIndex(live->m_editDesckIndex), live->desck("armop"));
 }
 
 void TestMenuEditing::aCancelledElementComesBackFromTheTable() {

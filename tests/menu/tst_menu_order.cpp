@@ -63,7 +63,7 @@ private slots:
     void upSwapsWithTheRowBefore();
     void downSwapsWithTheRowAfter();
     void theMovedElementStaysCurrent();
-    void equalOrdersSwapWithoutEffect();
+    void aMoveAmongEqualOrdersMakesThemDiffer();
     void aMissingNeighbourCountsAsZero();
     void movingWithoutACurrentElementDoesNothing();
     void movingReadsTheTreeNotTheTable();
@@ -130,15 +130,15 @@ void TestMenuOrder::theMovedElementStaysCurrent() {
     QCOMPARE(order.below("abcd"), QString("c a b d"));
 }
 
-void TestMenuOrder::equalOrdersSwapWithoutEffect() {
+void TestMenuOrder::aMoveAmongEqualOrdersMakesThemDiffer() {
     Order order;
     order.store.update("Menu", {{"KeyLink", QString("b")}, {"order_", 1000}});
     order.deliver();
     order.editor.makeCurrent("b");
     order.editor->on_actMoveUp_triggered();
-    QCOMPARE(order.written(), QString("Menu\n  ~b order_=1000\n  ~a order_=1000\n"));
+    QCOMPARE(order.written(), QString("Menu\n  ~a order_=2000\n"));
     order.deliver();
-    QCOMPARE(order.below("abcd"), QString("a b c d"));
+    QCOMPARE(order.below("abcd"), QString("b a c d"));
 }
 
 void TestMenuOrder::aMissingNeighbourCountsAsZero() {
