@@ -56,8 +56,9 @@ public:
 
     /// The newest changes that the query lets pass, newest first, at most `limit` of them.
     virtual Status history(const LogQuery& query, int limit, std::vector<Change>* changes) = 0;
-    /// How many of the oldest changes were made before that time, one after the other without a
-    /// later one between, and the id of the last of them (0: none).
+    /// How many of the oldest changes were made before that time, and the id of the last of them
+    /// (0: none): up to the first that was made at that time or later. A change dated after now
+    /// says nothing of when it was made; those that follow it do.
     virtual Status logBefore(double time, int64_t* id, int64_t* count) = 0;
 
     // The whole content --------------------------------------------------------------------------

@@ -16,9 +16,11 @@ const char logName[] = "Журнал изменений";
 /// How long the regular look at the log waits for the server.
 constexpr int lookMilliseconds = 2000;
 
-/// The end of the log, pruned or not.
+/// The end of the log, pruned or not. A row with a number that the store has not given out yet was
+/// put there by hand: who read it would not see the changes that come.
 const char newestId[] =
-    "SELECT greatest(coalesce((SELECT max(\"id\") FROM public.\"NciEvent\"), 0), "
+    "SELECT greatest(coalesce((SELECT max(\"id\") FROM public.\"NciEvent\" WHERE \"id\" <= (SELECT "
+    "last_value FROM public.\"NciEventId\")), 0), "
     "coalesce((SELECT \"id\" FROM public.\"NciPruned\"), 0))";
 
 } // namespace
@@ -54,7 +56,8 @@ Status PostgresStore::readLog(const LogCursor& cursor, int limit, std::vector<Ch
                 newestId +
                 ") AS newest) SELECT ends.*, e.\"id\", e.\"code\", e.\"tableName\", e.\"key\", "
                 "e.\"login\", e.\"time\", e.\"after\", e.\"before\" FROM ends LEFT JOIN LATERAL "
-                "(SELECT * FROM public.\"NciEvent\" WHERE \"id\" >= $1 ORDER BY \"id\" LIMIT $2) e "
+                "(SELECT * FROM public.\"NciEvent\" WHERE \"id\" >= $1 AND \"id\" <= newest ORDER "
+                "BY \"id\" LIMIT $2) e "
                 "ON true ORDER BY e.\"id\"",
             Parameters()
                 .integer(proved ? cursor.id : cursor.id + 1)
@@ -153,7 +156,15 @@ Status PostgresStore::integrity(std::vector<std::string>* damages) {
             "SELECT 'Размер содержимого ' || f.\"KeyLink\" || ' не сходится с записанным' FROM "
             "public.\"MenuResourceFile\" f WHERE f.\"size\" IS DISTINCT FROM (SELECT "
             "coalesce(sum(octet_length(\"data\")), 0) FROM public.\"MenuResourceFileData\" d WHERE "
-            "d.\"KeyLink\" = f.\"KeyLink\")"};
+            "d.\"KeyLink\" = f.\"KeyLink\")",
+            "SELECT 'Содержимое ' || s.\"KeyLink\" || ' не сходится с контрольной суммой' FROM "
+            "public.\"MenuResourceFileSum\" s WHERE s.\"sha256\" <> encode(sha256(coalesce((SELECT "
+            "string_agg(d.\"data\", '' ORDER BY d.\"part\") FROM public.\"MenuResourceFileData\" d "
+            "WHERE d.\"KeyLink\" = s.\"KeyLink\"), '')), 'hex')",
+            "SELECT 'В журнале изменений строка ' || \"id\" || ' с номером, которого хранилище не "
+            "давало: более новые изменения за ней не видны' FROM public.\"NciEvent\" WHERE \"id\" "
+            "> "
+            "(SELECT last_value FROM public.\"NciEventId\")"};
         std::vector<std::string> names = {contentTable().name, "MenuResourceFileData", "NciEvent"};
         for (const TableDef& table : tables())
             names.emplace_back(table.name);

@@ -64,11 +64,14 @@ Status PostgresStore::beginContent(const Write& write, uint64_t /*size*/) {
         status = settle();
     if (!status.ok())
         return status;
+    m_contentKey = write.key;
+    m_contentSum.reset();
     m_content.emplace(m_connection, write.place.empty() ? contentName : write.place, write.key);
     return m_content->begin(copyContentIn);
 }
 
 Status PostgresStore::contentPiece(std::string_view piece) {
+    m_contentSum.add(piece);
     return m_content->put(piece);
 }
 
@@ -76,7 +79,7 @@ Status PostgresStore::endContent() {
     const Connection::NoTimeoutScope noTimeout(m_connection); // a large file, a slow disk
     const Status status = m_content->end();
     m_content.reset();
-    return status;
+    return status.ok() ? putChecksum(m_contentKey, m_contentSum.text()) : status;
 }
 
 std::vector<Change> PostgresStore::changesIn(const PGresult* rows, int column) {
@@ -122,9 +125,10 @@ Status PostgresStore::logBefore(double time, int64_t* id, int64_t* count) {
             return status;
         const Connection::NoTimeoutScope noTimeout(m_connection); // a long log
         const Result result = m_connection.query(
-            "SELECT coalesce(max(\"id\"), 0), count(*) FROM public.\"NciEvent\" WHERE \"id\" < "
-            "coalesce((SELECT min(\"id\") FROM public.\"NciEvent\" WHERE \"time\" >= $1), "
-            "9223372036854775807)",
+            "SELECT coalesce(max(\"id\"), 0), count(*) FROM public.\"NciEvent\" WHERE \"id\" <= "
+            "(SELECT max(\"id\") FROM public.\"NciEvent\" WHERE \"time\" < $1 AND \"id\" < "
+            "coalesce((SELECT min(\"id\") FROM public.\"NciEvent\" WHERE \"time\" >= $1 AND "
+            "\"time\" <= date_part('epoch', clock_timestamp())), 9223372036854775807))",
             Parameters().field(MDX_DATE, Value(time)));
         if (!succeeded(result.get()))
             return m_connection.failure(logName, result.get());

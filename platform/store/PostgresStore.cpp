@@ -6,8 +6,6 @@
 #include "platform/store/PostgresSchema.h"
 #include "platform/store/Sql.h"
 
-#include <sys/random.h>
-
 namespace orvo::store::postgres {
 
 namespace {
@@ -38,14 +36,6 @@ void writeRecord(const TableDef& table, const PGresult* result, int row,
         ++i;
     }
     writer.end();
-}
-
-/// A random number for an advisory lock, as text.
-std::string sessionNumber() {
-    int64_t number = 0;
-    if (getrandom(&number, sizeof number, 0) != sizeof number)
-        return {};
-    return std::to_string(number);
 }
 
 } // namespace
@@ -81,14 +71,14 @@ Status PostgresStore::connect() {
         if (!status.ok())
             return status;
     }
-    // As long as this lock is held, the session may still be at work; see resolveCommitOutcome.
-    const std::string session = sessionNumber();
-    if (session.empty())
-        return {Failed, "Система не даёт случайных чисел"};
-    const Result locked = m_connection.execute("SELECT pg_advisory_lock(" + session + "::bigint)");
-    if (!succeeded(locked.get()))
-        return m_connection.failure("Подключение", locked.get());
-    m_session = session;
+    // While the server lists this session, it may still be at work; see resolveCommitOutcome.
+    const Result session = m_connection.query(
+        "SELECT format('pid = %s AND backend_start = %L::timestamptz', pid, backend_start) FROM "
+        "pg_stat_activity WHERE pid = pg_backend_pid()",
+        {});
+    if (!succeeded(session.get()) || PQntuples(session.get()) != 1)
+        return m_connection.failure("Подключение", session.get());
+    m_session = textAt(session.get(), 0, 0);
     int64_t id = 0;
     return newest(&id, -1);
 }

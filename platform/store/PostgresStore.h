@@ -12,6 +12,7 @@
 #ifndef ORVO_PLATFORM_STORE_POSTGRESSTORE_H
 #define ORVO_PLATFORM_STORE_POSTGRESSTORE_H
 
+#include "platform/store/ContentChecksum.h"
 #include "platform/store/PostgresApi.h"
 #include "platform/store/PostgresCopy.h"
 #include "platform/store/PostgresWake.h"
@@ -123,13 +124,15 @@ private:
     void takeWritten(const PGresult* result);
     /// Waits for everything sent, and leaves the stream.
     Status settle();
+    /// Whose transaction keeps others from writing, as the end of a sentence; empty if none does.
+    std::string whoWrites();
     /// After the connection broke at a commit: whether the transaction is in the log.
     Status resolveCommitOutcome(const std::string& call, int64_t since, const std::string& session);
 
     const Url m_url;
     const std::string m_asLogin; ///< to write under; empty: the session's user
     Connection m_connection;
-    std::string m_session; ///< a number that only this connection has locked
+    std::string m_session; ///< which of pg_stat_activity this session is, as a condition
     mutable Listener m_listener;
     mutable bool m_followed = false; ///< someone asked for the descriptor: the listener connects
 
@@ -137,7 +140,12 @@ private:
     Status m_failure;
     bool m_commitSent = false;
 
+    /// Sends the checksum of a content's bytes.
+    Status putChecksum(const std::string& key, const std::string& sum);
+
     std::optional<ContentCopy> m_content; ///< open between beginContent and endContent
+    std::string m_contentKey;
+    Checksum m_contentSum;
 
     int64_t m_known = 0; ///< an id that the log has reached
     int64_t m_seen = -1; ///< the newest id at the last look

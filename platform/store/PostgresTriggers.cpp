@@ -146,9 +146,43 @@ END $orvo$;
   RETURN NULL;
 END $orvo$;
 )";
+    // Rows come from the functions above, with numbers in their order: a number from elsewhere
+    // would hide those that follow from whoever has read it.
+    sql += function("NciRefuse", "trigger", "") + R"(BEGIN
+  RAISE EXCEPTION 'the log gives its ids itself' USING ERRCODE = 'insufficient_privilege';
+END $orvo$;
+)";
+    sql += trigger("number", "BEFORE INSERT OR UPDATE OF \"id\"", "NciEvent", "",
+                   "STATEMENT WHEN (pg_catalog.pg_trigger_depth() OPERATOR(pg_catalog.=) 0)",
+                   "NciRefuse");
     sql += trigger("pruned", "AFTER DELETE", "NciEvent", "REFERENCING OLD TABLE AS gone ",
                    "STATEMENT", "NciPrune");
     return sql + trigger("truncate", "BEFORE TRUNCATE", "NciEvent", "", "STATEMENT", "NciPrune");
+}
+
+/// Bytes that change make an event of their content's row, unless the same transaction wrote that
+/// row already: then it is in the log.
+std::string contentTriggers(const TableDef& content) {
+    const std::string data = "MenuResourceFileData";
+    const auto touch = [&](const char* unless, const char* rows) {
+        return std::string("  IF TG_OP OPERATOR(pg_catalog.<>) '") + unless +
+               "' THEN\n    UPDATE " + qualified(content.name) +
+               " SET \"KeyLink\" = \"KeyLink\"\n    WHERE xmin OPERATOR(pg_catalog.<>) "
+               "pg_catalog.pg_current_xact_id()::pg_catalog.xid\n      AND \"KeyLink\" "
+               "OPERATOR(pg_catalog.=) ANY (SELECT \"KeyLink\" FROM " +
+               rows + ");\n  END IF;\n";
+    };
+    std::string sql = function(data + ".log", "trigger", "SECURITY DEFINER") + "BEGIN\n" +
+                      touch("INSERT", "gone") + touch("DELETE", "come") +
+                      "  RETURN NULL;\nEND $orvo$;\n";
+    const auto after = [&](const char* name, const char* when, const char* rows) {
+        sql += trigger(name, when, data, rows, "STATEMENT", data + ".log");
+    };
+    after("inserted", "AFTER INSERT", "REFERENCING NEW TABLE AS come ");
+    after("deleted", "AFTER DELETE", "REFERENCING OLD TABLE AS gone ");
+    after("updated", "AFTER UPDATE", "REFERENCING OLD TABLE AS gone NEW TABLE AS come ");
+    sql += trigger("lock", "BEFORE INSERT OR UPDATE OR DELETE", data, "", "STATEMENT", "NciLock");
+    return sql + trigger("truncate", "BEFORE TRUNCATE", data, "", "STATEMENT", "NciTruncate");
 }
 
 /// Takes every right on the thing away from everybody but the owner, and gives these.
@@ -174,7 +208,12 @@ GRANT USAGE ON SCHEMA public TO )" +
 
 std::string rights(const Dictionary& dictionary) {
     std::string sql = rightsOfDatabase();
-    std::vector<std::string> functions = {"NciLock", "NciTakeLock", "NciTruncate", "NciPrune",
+    std::vector<std::string> functions = {"NciLock",
+                                          "NciTakeLock",
+                                          "NciTruncate",
+                                          "NciPrune",
+                                          "NciRefuse",
+                                          "MenuResourceFileData.log",
                                           std::string(dictionary.content.name) + ".log"};
     std::vector<std::string> names = {dictionary.content.name, "MenuResourceFileData"};
     for (const TableDef& table : dictionary.tables) {
@@ -189,6 +228,10 @@ std::string rights(const Dictionary& dictionary) {
         sql += grant("SELECT", qualified(name), both());
     sql += grant("SELECT", "SEQUENCE " + qualified("NciEventId"), both());
     sql += grant("", qualified("NciLock"), {});
+    // Not to be deleted: what has no checksum is not checked. It goes with its content.
+    sql += grant("SELECT", qualified("MenuResourceFileSum"), both());
+    sql += std::string("GRANT INSERT, UPDATE ON ") + qualified("MenuResourceFileSum") + " TO " +
+           engineerRole + ";\n";
     for (const std::string& name : names) {
         sql += grant("SELECT", qualified(name), both());
         // Users are logins of the database: only who may make those may change them.
@@ -230,7 +273,8 @@ std::string functionsAndRights(const Dictionary& dictionary) {
                                     owned
                               : "");
     }
-    return sql + logTriggers(dictionary.content) + rights(dictionary);
+    return sql + logTriggers(dictionary.content) + contentTriggers(dictionary.content) +
+           rights(dictionary);
 }
 
 } // namespace orvo::store::postgres

@@ -198,6 +198,8 @@ Status PostgresStore::inWrite(const Work& work) {
     if (status.ok() || m_connection.usable()) {
         if (!status.ok()) {
             rollback();
+            if (status.code == Timeout && m_connection.usable())
+                status.text += whoWrites();
             m_written = {};
         }
         return status;
@@ -216,6 +218,18 @@ Status PostgresStore::inWrite(const Work& work) {
     return resolveCommitOutcome(call, since, session);
 }
 
+std::string PostgresStore::whoWrites() {
+    const Result result = m_connection.query(
+        "SELECT DISTINCT usename::text, pid::bigint FROM pg_locks JOIN pg_stat_activity USING "
+        "(pid) "
+        "WHERE relation = 'public.\"NciLock\"'::regclass AND granted AND pid <> pg_backend_pid()",
+        {});
+    if (!succeeded(result.get()) || PQntuples(result.get()) == 0)
+        return {};
+    return ": её держит незаконченная запись входа " + shown(textAt(result.get(), 0, 0)) +
+           " (процесс сервера " + std::to_string(integerAt(result.get(), 0, 1)) + ")";
+}
+
 Status PostgresStore::resolveCommitOutcome(const std::string& call, int64_t since,
                                            const std::string& session) {
     const std::string lost = "Соединение с базой потеряно при записи";
@@ -228,19 +242,16 @@ Status PostgresStore::resolveCommitOutcome(const std::string& call, int64_t sinc
         if (!stillPatient())
             return unknown;
     }
-    // The old session may not have noticed anything yet and commit later. It holds the lock of its
-    // number as long as it lives.
-    const std::string number = session + "::bigint";
-    m_connection.execute(
-        "SELECT pg_terminate_backend(pid) FROM pg_locks WHERE locktype = 'advisory' AND granted "
-        "AND objsubid = 1 AND (classid::bigint << 32 | objid::bigint) = " +
-        number +
-        " AND database = (SELECT oid FROM pg_database WHERE datname = "
-        "current_database())");
-    const Result gone = m_connection.execute("SELECT pg_advisory_lock(" + number +
-                                             "), pg_advisory_unlock(" + number + ")");
-    if (!succeeded(gone.get()))
-        return unknown;
+    // The old session may not have noticed anything yet and commit later.
+    m_connection.execute("SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE " + session);
+    for (bool gone = false; !gone;) {
+        const Result listed = m_connection.execute("SELECT FROM pg_stat_activity WHERE " + session);
+        if (!succeeded(listed.get()) || std::chrono::steady_clock::now() > end || !stillPatient())
+            return unknown;
+        gone = PQntuples(listed.get()) == 0;
+        if (!gone)
+            std::this_thread::sleep_for(std::chrono::milliseconds(waitStepMs));
+    }
     const Result found = m_connection.query(
         "SELECT EXISTS (SELECT FROM public.\"NciEvent\" WHERE \"id\" > $1 AND \"call\" = $2), "
         "(SELECT \"id\" > $1 FROM public.\"NciPruned\")",
@@ -290,11 +301,22 @@ Status PostgresStore::applyContent(const Write& write, std::string_view bytes) {
         status = send(std::string("DELETE FROM ") + dataTable + " WHERE \"KeyLink\" = $1",
                       Parameters().text(write.key), "Содержимое файла", true);
     if (status.ok())
+        status = putChecksum(write.key, checksum(bytes));
+    if (status.ok())
         status = settle();
     if (!status.ok() || bytes.empty())
         return status;
     const Connection::NoTimeoutScope noTimeout(m_connection); // a large file, a slow disk
     return copyIn(m_connection, copyContentIn, "Содержимое файла", write.key, bytes);
+}
+
+Status PostgresStore::putChecksum(const std::string& key, const std::string& sum) {
+    // For the row that there is: an update of a missing key has written nothing.
+    return send(
+        "INSERT INTO public.\"MenuResourceFileSum\" SELECT \"KeyLink\", $2 FROM "
+        "public.\"MenuResourceFile\" WHERE \"KeyLink\" = $1 ON CONFLICT (\"KeyLink\") DO UPDATE "
+        "SET \"sha256\" = excluded.\"sha256\"",
+        Parameters().text(key).text(sum), "Содержимое файла", true);
 }
 
 Status PostgresStore::makeLogin(const User& user) {

@@ -89,6 +89,30 @@ Status SqliteStore::contentPieces(const std::string& key,
     return status;
 }
 
+Status SqliteStore::checkContents(std::vector<std::string>* damages) {
+    return inRead([&]() -> Status {
+        Statement* sums = cached("SELECT \"KeyLink\", \"sha256\" FROM \"MenuResourceFileSum\" JOIN "
+                                 "\"MenuResourceFile\" USING (\"KeyLink\") ORDER BY 1");
+        if (sums == nullptr)
+            return m_connection.failure(contentName);
+        const ResetAfter reset(*sums);
+        int step = SQLITE_DONE;
+        while ((step = sums->step()) == SQLITE_ROW) {
+            const std::string key(sums->text(0));
+            Checksum sum;
+            const Status status = contentPieces(key, [&](std::string_view piece) -> Status {
+                sum.add(piece);
+                return {};
+            });
+            if (!status.ok())
+                return status;
+            if (sum.text() != sums->text(1))
+                damages->push_back("Содержимое " + key + " не сходится с контрольной суммой");
+        }
+        return step == SQLITE_DONE ? Status() : m_connection.failure(contentName);
+    });
+}
+
 Status SqliteStore::clearAll() {
     m_content.reset();
     std::string sql = "DELETE FROM \"MenuResourceFile\";";
@@ -100,9 +124,11 @@ Status SqliteStore::clearAll() {
 Status SqliteStore::beginContent(const Write& write, uint64_t size) {
     // Room first, the bytes into it after: no value has to be in memory as a whole.
     const Status status = run(contentTable(), write, size);
+    m_contentKey = write.key;
+    m_contentSum.reset();
+    m_contentAt = 0;
     if (!status.ok() || size == 0)
         return status;
-    m_contentAt = 0;
     return openContent(write.key, true, &m_content);
 }
 
@@ -111,13 +137,26 @@ Status SqliteStore::contentPiece(std::string_view piece) {
                                          static_cast<int>(piece.size()), m_contentAt) != SQLITE_OK)
         return m_connection.failure(contentName);
     m_contentAt += static_cast<int>(piece.size());
+    m_contentSum.add(piece);
     return {};
 }
 
 Status SqliteStore::endContent() {
     // Closed by hand: this is where a late error shows.
     sqlite3_blob* blob = m_content.release();
-    return sqlite3_blob_close(blob) == SQLITE_OK ? Status() : m_connection.failure(contentName);
+    if (sqlite3_blob_close(blob) != SQLITE_OK)
+        return m_connection.failure(contentName);
+    // For the row that there is: an update of a missing key has written nothing.
+    Statement* statement =
+        cached("INSERT OR REPLACE INTO \"MenuResourceFileSum\" SELECT \"KeyLink\", "
+               "?2 FROM \"MenuResourceFile\" WHERE \"KeyLink\" = ?1");
+    if (statement == nullptr)
+        return m_connection.failure(contentName);
+    const ResetAfter reset(*statement);
+    const std::string sum = m_contentSum.text();
+    statement->bind(1, std::string_view(m_contentKey));
+    statement->bind(2, std::string_view(sum));
+    return statement->step() == SQLITE_DONE ? Status() : m_connection.failure(contentName);
 }
 
 Status SqliteStore::readChanges(Statement& statement, std::vector<Change>* changes) {
@@ -149,9 +188,11 @@ Status SqliteStore::selectChanges(const std::string& which, std::vector<Change>*
 Status SqliteStore::logBefore(double time, int64_t* id, int64_t* count) {
     return guarded([&]() -> Status {
         Statement* statement =
-            cached("SELECT coalesce(max(\"id\"), 0), count(*) FROM \"NciEvent\" WHERE \"id\" < "
-                   "coalesce((SELECT min(\"id\") FROM \"NciEvent\" WHERE \"time\" >= ?1), "
-                   "9223372036854775807)");
+            cached("SELECT coalesce(max(\"id\"), 0), count(*) FROM \"NciEvent\" WHERE \"id\" <= "
+                   "(SELECT max(\"id\") FROM \"NciEvent\" WHERE \"time\" < ?1 AND \"id\" < "
+                   "coalesce((SELECT min(\"id\") FROM \"NciEvent\" WHERE \"time\" >= ?1 AND "
+                   "\"time\" <= (julianday('now') - 2440587.5) * 86400.0), "
+                   "9223372036854775807))");
         if (statement == nullptr)
             return m_connection.failure(logName);
         const ResetAfter reset(*statement);

@@ -1,5 +1,6 @@
 #include "platform/store/SqliteSchema.h"
 
+#include "platform/store/ContentChecksum.h"
 #include "platform/store/Names.h"
 #include "platform/store/Sql.h"
 
@@ -32,6 +33,13 @@ int dropTriggers(const Connection& connection) {
     while ((step = statement.step()) == SQLITE_ROW)
         sql += "DROP TRIGGER " + identifier(statement.text(0)) + ";";
     return step == SQLITE_DONE ? connection.execute(sql) : step;
+}
+
+/// orvo_sha256(bytes), for the steps.
+void sha256(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
+    const auto* data = static_cast<const char*>(sqlite3_value_blob(values[0]));
+    const std::string sum = checksum({data, static_cast<size_t>(sqlite3_value_bytes(values[0]))});
+    sqlite3_result_text(context, sum.data(), static_cast<int>(sum.size()), SQLITE_TRANSIENT);
 }
 
 Status version(const Connection& connection, size_t newest, int64_t* version) {
@@ -70,6 +78,10 @@ Status migrate(const Connection& connection, const MigrationSteps& steps,
         return status;
     // First, so that the log does not tell of what the steps do to the records.
     int done = dropTriggers(connection);
+    if (done == SQLITE_OK)
+        done = sqlite3_create_function(connection.get(), "orvo_sha256", 1,
+                                       SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, sha256, nullptr,
+                                       nullptr);
     for (auto step = static_cast<size_t>(present); done == SQLITE_OK && step < steps.size(); ++step)
         done = connection.execute(steps[step]);
     if (done == SQLITE_OK)

@@ -418,8 +418,10 @@ Status SqliteStore::integrity(std::vector<std::string>* damages) {
         auto found = findDamages(m_connection.get(), 0);
         if (!found)
             return m_connection.failure("Проверка базы");
-        damages->swap(*found);
-        return {};
+        const Status status = found->empty() ? checkContents(&*found) : Status();
+        if (status.ok())
+            damages->swap(*found);
+        return status;
     });
 }
 

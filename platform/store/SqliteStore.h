@@ -2,6 +2,7 @@
 #ifndef ORVO_PLATFORM_STORE_SQLITESTORE_H
 #define ORVO_PLATFORM_STORE_SQLITESTORE_H
 
+#include "platform/store/ContentChecksum.h"
 #include "platform/store/SqliteApi.h"
 #include "platform/store/SqliteWake.h"
 #include "platform/store/StoreCore.h"
@@ -96,6 +97,8 @@ private:
     Status lastChange(int64_t before, Written* written);
     /// `room` is for the bytes of a content, which come later.
     Status run(const TableDef& table, const Write& write, std::optional<uint64_t> room);
+    /// Adds a line for each content whose bytes are not those that the checksum was made of.
+    Status checkContents(std::vector<std::string>* damages);
     Status openContent(const std::string& key, bool write, Blob* blob);
     Status readChanges(Statement& statement, std::vector<Change>* changes);
     Status fetchRows(const TableDef& table, Statement& statement, MDArray* into);
@@ -111,6 +114,8 @@ private:
     std::map<std::tuple<const TableDef*, int, uint64_t>, Statement> m_writes;
     Blob m_content; ///< open between beginContent and endContent
     int m_contentAt = 0;
+    std::string m_contentKey;
+    Checksum m_contentSum;
     WalWatch m_watch;
     int64_t m_seenVersion = -1;
     bool m_grown = true; ///< this object has committed, or the log was not read to its end

@@ -85,16 +85,26 @@ std::string logTriggers(const TableDef& table, const std::string& onDelete = {},
     std::string sql;
     // INSERT OR REPLACE deletes the old row without a delete trigger. What it replaces is put aside
     // before, and the insert is then logged as the update that it is.
+    // A row that is replaced for its rowid would go without a trace (and -1 stands for none given).
+    const std::string taken = "EXISTS (SELECT 1 FROM " + name + " WHERE rowid = NEW.rowid AND ";
     sql += trigger(table, "inserting", "BEFORE INSERT" + on,
-                   "  DELETE FROM \"NciReplaced\" WHERE " + replaced + "NEW.\"KeyLink\";\n" +
-                       "  INSERT INTO \"NciReplaced\" SELECT " + literal(table.name) +
-                       ", \"KeyLink\",\n    " + whole(table, "") + "\n    FROM " + name +
-                       " WHERE \"KeyLink\" = NEW.\"KeyLink\";\n");
+                   "  SELECT RAISE(ABORT, 'rowid exists') WHERE NEW.rowid <> -1 AND " + taken +
+                       "\"KeyLink\" <> NEW.\"KeyLink\");\n"
+                       "  DELETE FROM \"NciReplaced\" WHERE " +
+                       replaced + "NEW.\"KeyLink\";\n" + "  INSERT INTO \"NciReplaced\" SELECT " +
+                       literal(table.name) + ", \"KeyLink\",\n    " + whole(table, "") +
+                       "\n    FROM " + name + " WHERE \"KeyLink\" = NEW.\"KeyLink\";\n");
     sql += trigger(table, "inserted", "AFTER INSERT" + on,
                    logEvent(table, "CASE WHEN " + before + " IS NULL THEN 601 ELSE 602 END",
                             "NEW.\"KeyLink\"", whole(table, "NEW."),
                             "coalesce(" + before + ", '{}')") +
-                       "  DELETE FROM \"NciReplaced\" WHERE " + replaced + "NEW.\"KeyLink\";\n");
+                       "  DELETE FROM \"NciReplaced\" WHERE " + replaced +
+                       "NEW.\"KeyLink\";\n"
+                       "  SELECT RAISE(ABORT, 'rowid below 1') WHERE NEW.rowid < 1;\n");
+    sql += trigger(table, "renumbering",
+                   "BEFORE UPDATE" + on + " WHEN OLD.rowid <> NEW.rowid AND " + taken +
+                       "rowid <> OLD.rowid)",
+                   "  SELECT RAISE(ABORT, 'rowid exists');\n");
     sql += trigger(
         table, "updated", "AFTER UPDATE" + on + " WHEN " + sameKey,
         logEvent(table, "602", "NEW.\"KeyLink\"", changed(table, "NEW."), changed(table, "OLD.")));
@@ -118,6 +128,16 @@ std::string logTriggers(const TableDef& table, const std::string& onDelete = {},
 
 std::string triggers(const Dictionary& dictionary) {
     std::string sql = R"(
+CREATE TRIGGER "NciEvent.inserted" AFTER INSERT ON "NciEvent" WHEN NEW."id" <> 1 + max(
+    coalesce((SELECT max("id") FROM "NciEvent" WHERE "id" < NEW."id"), 0),
+    coalesce((SELECT seq FROM sqlite_sequence WHERE name = 'NciEvent'), 0))
+BEGIN
+  SELECT RAISE(ABORT, 'the log gives its ids itself');
+END;
+CREATE TRIGGER "NciEvent.renumbering" BEFORE UPDATE OF "id" ON "NciEvent" WHEN OLD."id" <> NEW."id"
+BEGIN
+  SELECT RAISE(ABORT, 'the log gives its ids itself');
+END;
 CREATE TRIGGER "NciEvent.deleted" AFTER DELETE ON "NciEvent"
 BEGIN
   UPDATE "NciPruned" SET "id" = OLD."id" WHERE "id" < OLD."id";
@@ -135,7 +155,10 @@ END;
                     "\"MenuResourceKey\" = OLD.\"KeyLink\";\n"
                   : "");
     }
-    return sql + logTriggers(dictionary.content);
+    const std::string sum = "\"MenuResourceFileSum\"";
+    const std::string ofOld = " WHERE \"KeyLink\" = OLD.\"KeyLink\";\n";
+    return sql + logTriggers(dictionary.content, "  DELETE FROM " + sum + ofOld,
+                             "  UPDATE " + sum + " SET \"KeyLink\" = NEW.\"KeyLink\"" + ofOld);
 }
 
 } // namespace orvo::store::sqlite

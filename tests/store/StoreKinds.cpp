@@ -192,7 +192,8 @@ private:
         if (!address.parse(url()).ok() || !connection.open(address).ok())
             return false;
         std::string sql = "SET session_replication_role = replica; TRUNCATE public.\"NciEvent\", "
-                          "public.\"MenuResourceFile\", public.\"MenuResourceFileData\"";
+                          "public.\"MenuResourceFile\", public.\"MenuResourceFileData\", "
+                          "public.\"MenuResourceFileSum\"";
         for (const TableDef& table : tables())
             sql += ", public.\"" + std::string(table.name) + "\"";
         sql += "; UPDATE public.\"NciPruned\" SET \"id\" = 0; "

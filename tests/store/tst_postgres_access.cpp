@@ -1,8 +1,11 @@
 // Who may do what on a server, and what nobody gets to see.
 #include "PostgresTest.h"
 
+#include "platform/store/Maintenance.h"
 #include "platform/store/PostgresSchema.h"
 #include "platform/store/PostgresUrl.h"
+
+#include <QTemporaryFile>
 
 using namespace orvo::store;
 using namespace orvo::store::test;
@@ -36,6 +39,9 @@ private slots:
     void replacedRowByHandIsLogged();
     void textNobodyCanStoreIsRefused();
     void integrityFindsWhatIsBroken();
+    void waitingWriterIsToldWhomItWaitsFor();
+    void onlyOurRolesGetIn();
+    void ownerNeedsNoRightOnTheServer();
 };
 
 void TestAccess::engineerWritesUnderHisLogin() {
@@ -416,9 +422,71 @@ void TestAccess::integrityFindsWhatIsBroken() {
     QVERIFY(byHand("UPDATE \"MenuResourceFileData\" SET \"data\" = 'b';"
                    "ALTER TABLE \"Menu\" DISABLE TRIGGER \"log\";"));
     ORVO_OK(m_store->integrity(&damages));
-    QCOMPARE(damages.size(), size_t(2));
+    QCOMPARE(damages.size(), size_t(3));
     QVERIFY(damages[0].find("Menu") != std::string::npos);
-    QVERIFY(damages[1].find("не сходится") != std::string::npos);
+    QVERIFY(damages[1].find("не сходится с записанным") != std::string::npos);
+    QVERIFY(damages[2].find("не сходится с контрольной суммой") != std::string::npos);
+}
+
+void TestAccess::waitingWriterIsToldWhomItWaitsFor() {
+    QVERIFY(login("slow"));
+    QVERIFY(login("quick"));
+    postgres::Url url;
+    ORVO_OK(url.parse(m_cluster->url(m_database.toStdString(), "slow")));
+    postgres::Connection other;
+    ORVO_OK(other.open(url));
+    QVERIFY(postgres::succeeded(
+        other.execute("BEGIN; INSERT INTO public.\"MenuFileExt\" VALUES ('o', 'x')").get()));
+    const auto store = opened("quick");
+    QVERIFY(store);
+    const Status status = Batch("MenuFileExt").insert("k").send(*store);
+    ORVO_FAILS(status, Timeout);
+    QVERIFY2(status.text.find("незаконченная запись входа \"slow\"") != std::string::npos,
+             status.text.c_str());
+    QVERIFY(postgres::succeeded(other.execute("COMMIT").get()));
+    ORVO_OK(Batch("MenuFileExt").insert("k").send(*store));
+}
+
+void TestAccess::onlyOurRolesGetIn() {
+    QByteArray words;
+    QVERIFY(byHand("CREATE ROLE visitor LOGIN;"));
+    QVERIFY(!byHand("SELECT 1;", &words, "visitor"));
+    QVERIFY2(words.contains("CONNECT"), words);
+    QVERIFY(byHand("GRANT orvo_viewer TO visitor;"));
+    QVERIFY(byHand("SELECT count(*) FROM \"Menu\";", &words, "visitor"));
+    QVERIFY(!byHand("CREATE TEMPORARY TABLE t (a int);", &words, "visitor"));
+    QVERIFY(byHand("SHOW idle_in_transaction_session_timeout;", &words, "visitor"));
+    QCOMPARE(words, QByteArray("5min"));
+}
+
+/// The least that the administrator of a server gives: a login, a database of its own, and the two
+/// roles, which it may hand on.
+void TestAccess::ownerNeedsNoRightOnTheServer() {
+    QVERIFY(
+        byHand("CREATE ROLE keeper LOGIN; GRANT orvo_engineer, orvo_viewer TO keeper WITH ADMIN "
+               "OPTION; CREATE ROLE vera LOGIN;"));
+    QVERIFY(
+        byHand("CREATE DATABASE kept OWNER keeper TEMPLATE template0 ENCODING 'UTF8' LOCALE 'C';"));
+    Status status;
+    const std::string url = m_cluster->url("kept", "keeper");
+    const auto store = openMaintained(url, {"boss", true}, &status);
+    QVERIFY2(store, status.text.c_str());
+    ORVO_OK(Batch("MenuFileExt").insert("k").send(*store));
+    ORVO_OK(store->userAdd({"vera", "", "", ""})); // who has a login
+    ORVO_FAILS(store->userAdd({"nobody", "", "", ""}), Refused);
+    const auto engineer = open(m_cluster->url("kept", "vera"), {}, &status);
+    QVERIFY2(engineer, status.text.c_str());
+    ORVO_OK(Batch("MenuFileExt").insert("n").send(*engineer));
+    QTemporaryFile file;
+    QVERIFY(file.open());
+    ORVO_OK(store->backup(file.fileName().toStdString(), {}));
+    ORVO_OK(store->restore(file.fileName().toStdString(), {}));
+    std::vector<std::string> damages;
+    ORVO_OK(store->integrity(&damages));
+    QCOMPARE(damages, std::vector<std::string>());
+    ORVO_OK(Batch("MenuFileExt").remove("n").send(*store));
+    ORVO_OK(store->pruneLog(1));
+    ORVO_OK(Batch("MenuFileExt").insert("n").send(*engineer));
 }
 
 QTEST_GUILESS_MAIN(TestAccess)

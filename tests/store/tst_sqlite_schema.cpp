@@ -18,6 +18,7 @@ private slots:
     void fieldsAreThoseOfTheDictionary();
     void fileIsMarkedAsAStore();
     void replaceByHandIsLoggedAsAnUpdate();
+    void noRowIsReplacedWithoutATrace();
     void ignoredAndMergedInsertsByHandAreLoggedAsTheyAre();
     void missingStepsRunInOneTransaction();
     void failedStepLeavesTheOldVersion();
@@ -53,7 +54,8 @@ void TestSqliteSchema::fieldsAreThoseOfTheDictionary() {
     QCOMPARE(shell("SELECT group_concat(name, ' ') FROM (SELECT name FROM pragma_table_list "
                    "WHERE strict ORDER BY name)"),
              QString("Menu MenuFileExt MenuFolder MenuResource MenuResourceFile "
-                     "MenuResourceFolder NciEvent NciPruned NciReplaced NciStore NciWriter Users"));
+                     "MenuResourceFileSum MenuResourceFolder NciEvent NciPruned NciReplaced "
+                     "NciStore NciWriter Users"));
     QCOMPARE(shell("SELECT name FROM pragma_table_info('MenuResourceFile') "
                    "ORDER BY cid DESC LIMIT 1"),
              QString("data"));
@@ -110,6 +112,37 @@ void TestSqliteSchema::replaceByHandIsLoggedAsAnUpdate() {
                  replaced + "\n601 MenuFileExt n  {\"KeyLink\":\"n\",\"fileExt\":\"c\"} {}");
         QCOMPARE(dump(*store, "MenuFileExt"), QString("k|b\nn|c"));
     }
+}
+
+void TestSqliteSchema::noRowIsReplacedWithoutATrace() {
+    const auto store = reopen();
+    QVERIFY(store);
+    QCOMPARE(shell("INSERT INTO MenuFileExt VALUES ('a', '1'), ('b', '2'), ('c', '3')"), QString());
+    int64_t before = 0;
+    store->logPosition(&before);
+    const QString rows = dump(*store, "MenuFileExt");
+    for (const char* sql :
+         {"INSERT OR REPLACE INTO MenuFileExt(rowid, KeyLink) VALUES (1, 'new')",
+          "INSERT OR REPLACE INTO MenuFileExt(rowid, KeyLink) VALUES (1, 'c')",
+          "REPLACE INTO MenuFileExt(rowid, KeyLink) VALUES (9, 'x'), (2, 'y')",
+          "INSERT OR REPLACE INTO MenuFileExt(rowid, KeyLink) VALUES ('2', 'new')",
+          "INSERT OR REPLACE INTO MenuFileExt(rowid, KeyLink) VALUES (-1, 'new')",
+          "UPDATE OR REPLACE MenuFileExt SET rowid = 3 WHERE KeyLink = 'a'",
+          "UPDATE OR REPLACE MenuFileExt SET KeyLink = 'b' WHERE KeyLink = 'a'",
+          "UPDATE OR REPLACE MenuFileExt SET rowid = 2, KeyLink = 'n' WHERE KeyLink = 'a'"}) {
+        QVERIFY2(!shell(sql).isEmpty(), sql);
+        QCOMPARE(dump(*store, "MenuFileExt"), rows);
+    }
+    QCOMPARE(orvo::store::test::log(*store, before), QString());
+    // The row itself may be named by its rowid.
+    QCOMPARE(
+        shell("INSERT OR REPLACE INTO MenuFileExt(rowid, KeyLink, fileExt) VALUES (1, 'A', 'z')"),
+        QString());
+    QCOMPARE(orvo::store::test::log(*store, before).count("602 MenuFileExt A"), 1);
+    QCOMPARE(
+        shell("UPDATE MenuFileExt SET rowid = 77 WHERE KeyLink = 'b'; DELETE FROM MenuFileExt"),
+        QString());
+    QCOMPARE(orvo::store::test::log(*store, before).count("603 MenuFileExt"), 3);
 }
 
 void TestSqliteSchema::ignoredAndMergedInsertsByHandAreLoggedAsTheyAre() {

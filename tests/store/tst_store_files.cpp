@@ -1,6 +1,8 @@
 // Stored forms and files.
 #include "StoreTest.h"
 
+#include <QCryptographicHash>
+
 #include <QElapsedTimer>
 
 using namespace orvo::store;
@@ -12,6 +14,8 @@ public:
     using StoreTest::StoreTest;
 
 private slots:
+    void bytesChangedByHandAreLoggedAndSeenByTheCheck();
+    void contentKeepsItsChecksum();
     void init();
 
     void newFormGetsItsRecordInTheFolderOfThePath();
@@ -436,6 +440,68 @@ void TestFiles::fileOf200MebibytesGoesInAndOut() {
     QVERIFY(found.at(0).bytes == bytes);
     ORVO_OK(m_store->fileDelete({{"", "large"}}));
     QCOMPARE(area(), "");
+}
+
+void TestFiles::bytesChangedByHandAreLoggedAndSeenByTheCheck() {
+    ORVO_OK(m_store->filePut({{"", "x", "bytes", {}}}));
+    ORVO_OK(m_store->filePut({{"", "y", "other", {}}}));
+    std::vector<std::string> damages;
+    ORVO_OK(m_store->integrity(&damages));
+    QCOMPARE(damages, std::vector<std::string>());
+    const QByteArray key = "(SELECT \"KeyLink\" FROM \"MenuResourceFile\" WHERE \"name_\" = 'x')";
+    const bool isSqlite = m_kind.name() == "sqlite";
+    const int64_t before = position();
+    QVERIFY(m_kind.byHand((isSqlite ? "UPDATE \"MenuResourceFile\" SET \"data\" = x'4142434445' "
+                                    : "UPDATE \"MenuResourceFileData\" SET \"data\" = 'ABCDE' ") +
+                          QByteArray("WHERE \"KeyLink\" = ") + key + ";"));
+    std::vector<Change> changes;
+    ORVO_OK(m_store->readLog(before, 100, &changes));
+    QCOMPARE(changes.size(), size_t(1));
+    QCOMPARE(changes[0].code, 602);
+    QCOMPARE(changes[0].table, std::string("MenuResourceFile"));
+    ORVO_OK(m_store->integrity(&damages));
+    QCOMPARE(damages.size(), size_t(1));
+    QVERIFY2(damages[0] == "Содержимое " + changes[0].key + " не сходится с контрольной суммой",
+             damages[0].c_str());
+    ORVO_OK(m_store->filePut({{"", "x", "again", {}}}));
+    ORVO_OK(m_store->integrity(&damages));
+    QCOMPARE(damages, std::vector<std::string>());
+    if (isSqlite)
+        return;
+    // However the bytes go; one event for each content and transaction.
+    const int64_t then = position();
+    QVERIFY(m_kind.byHand(
+        "DELETE FROM \"MenuResourceFileData\";"
+        "BEGIN; INSERT INTO \"MenuResourceFileData\" SELECT \"KeyLink\", 0, 'a' FROM "
+        "\"MenuResourceFile\"; UPDATE \"MenuResourceFileData\" SET \"part\" = 1; COMMIT;"
+        "TRUNCATE \"MenuResourceFileData\";"));
+    ORVO_OK(m_store->readLog(then, 100, &changes));
+    QCOMPARE(changes.size(), size_t(6));
+}
+
+void TestFiles::contentKeepsItsChecksum() {
+    ORVO_OK(m_store->filePut({{"", "empty", "", {}}}));
+    const std::string large(3 << 20, 'x');
+    ORVO_OK(m_store->filePut({{"", "large", large, {}}}));
+    QByteArray sums;
+    const QByteArray query = "SELECT \"name_\", \"sha256\" FROM \"MenuResourceFile\" JOIN "
+                             "\"MenuResourceFileSum\" USING (\"KeyLink\") ORDER BY 1;";
+    QVERIFY(m_kind.byHand(query, &sums));
+    const auto line = [](const char* name, const std::string& bytes) {
+        return QByteArray(name) + '|' +
+               QCryptographicHash::hash(QByteArray::fromStdString(bytes),
+                                        QCryptographicHash::Sha256)
+                   .toHex();
+    };
+    QCOMPARE(sums.trimmed(), line("empty", "") + '\n' + line("large", large));
+    QVERIFY(m_kind.byHand(
+        "UPDATE \"MenuResourceFile\" SET \"KeyLink\" = 'new' WHERE \"name_\" = 'large';"));
+    ORVO_OK(m_store->fileDelete({{"", "empty"}}));
+    QVERIFY(m_kind.byHand(query, &sums));
+    QCOMPARE(sums.trimmed(), line("large", large));
+    std::vector<std::string> damages;
+    ORVO_OK(m_store->integrity(&damages));
+    QCOMPARE(damages, std::vector<std::string>());
 }
 
 int main(int argc, char** argv) {

@@ -1,6 +1,8 @@
 // The change log: complete, in commit order, and announced.
 #include "StoreTest.h"
 
+#include "platform/store/Maintenance.h"
+
 #include <QElapsedTimer>
 
 #include <poll.h>
@@ -14,6 +16,9 @@ public:
     using StoreTest::StoreTest;
 
 private slots:
+    void rowDatedAheadKeepsNothingFromBeingPruned();
+    void newRowsStayWhateverTheirDates();
+    void idsAreNotGivenByHand();
     void insertLogsAllFieldsUpdateTheChangedOnesDeleteTheOldOnes();
     void anUpdateThatChangesNothingIsLoggedAllTheSame();
     void whatWasStoredIsLogged();
@@ -428,6 +433,71 @@ void TestLog::changedTellsOfOwnAndOtherCommits() {
     // A portion that may not be the last leaves something to come for.
     ORVO_OK(m_store->readLog(0, 3, &changes));
     QVERIFY(m_store->changed());
+}
+
+void TestLog::rowDatedAheadKeepsNothingFromBeingPruned() {
+    for (const char* key : {"a", "b", "c", "d"})
+        ORVO_OK(Batch("MenuFileExt").insert(key).send(*m_store));
+    const int64_t last = position();
+    const QByteArray ahead = QByteArray::number(qint64(last - 2));
+    QVERIFY(m_kind.byHand(
+        "UPDATE \"NciEvent\" SET \"time\" = \"time\" - 100 * 86400.0;"
+        "UPDATE \"NciEvent\" SET \"time\" = \"time\" + 465 * 86400.0 WHERE \"id\" = " +
+        ahead + ";"));
+    ORVO_OK(Batch("MenuFileExt").insert("e").send(*m_store));
+    Status status;
+    const auto store = openMaintained(m_kind.url(), {"tester", false}, &status);
+    QVERIFY2(store, status.text.c_str());
+    const double monthAgo = QDateTime::currentSecsSinceEpoch() - 30 * 86400.0;
+    int64_t id = 0;
+    int64_t count = 0;
+    ORVO_OK(store->logBefore(monthAgo, &id, &count));
+    QCOMPARE(id, last);
+    QCOMPARE(count, last);
+}
+
+void TestLog::newRowsStayWhateverTheirDates() {
+    for (const char* key : {"a", "b", "c"})
+        ORVO_OK(Batch("MenuFileExt").insert(key).send(*m_store));
+    const int64_t last = position();
+    Status status;
+    const auto store = openMaintained(m_kind.url(), {"tester", false}, &status);
+    QVERIFY2(store, status.text.c_str());
+    const double monthAgo = QDateTime::currentSecsSinceEpoch() - 30 * 86400.0;
+    int64_t id = 0;
+    int64_t count = 0;
+    // The newest dated back does not take those before it along, nor do those dated ahead go.
+    QVERIFY(m_kind.byHand("UPDATE \"NciEvent\" SET \"time\" = 0 WHERE \"id\" = " +
+                          QByteArray::number(qint64(last)) + ";"));
+    ORVO_OK(store->logBefore(monthAgo, &id, &count));
+    QCOMPARE(count, int64_t(0));
+    QVERIFY(m_kind.byHand("UPDATE \"NciEvent\" SET \"time\" = 99999999999;"));
+    ORVO_OK(store->logBefore(monthAgo, &id, &count));
+    QCOMPARE(count, int64_t(0));
+}
+
+void TestLog::idsAreNotGivenByHand() {
+    ORVO_OK(Batch("MenuFileExt").insert("a").insert("b").send(*m_store));
+    const int64_t before = position();
+    const QByteArray call = m_kind.name() == "sqlite" ? "" : ", ''";
+    for (const QByteArray& id : {QByteArray("1000000"), QByteArray("9223372036854775807"),
+                                 QByteArray("-5"), QByteArray::number(qint64(before))})
+        for (const QByteArray& insert : {QByteArray("INSERT INTO "), QByteArray("REPLACE INTO ")})
+            QVERIFY(!m_kind.byHand(insert + "\"NciEvent\" VALUES (" + id +
+                                   ", 601, 'Menu', 'k', 'x', 0, '{}', '{}'" + call + ");"));
+    QVERIFY(!m_kind.byHand("UPDATE \"NciEvent\" SET \"id\" = 1000000 WHERE \"id\" = " +
+                           QByteArray::number(qint64(before)) + ";"));
+    QCOMPARE(position(), before);
+    ORVO_OK(Batch("MenuFileExt").insert("c").send(*m_store));
+    QVERIFY(m_kind.byHand("INSERT INTO \"MenuFileExt\" VALUES ('d', 'x'), ('e', 'x');"
+                          "UPDATE \"MenuFileExt\" SET \"fileExt\" = 'y';"));
+    std::vector<Change> changes;
+    ORVO_OK(m_store->readLog(before, 100, &changes));
+    QCOMPARE(changes.size(), size_t(8));
+    // An emptied log goes on from where it was.
+    ORVO_OK(m_store->pruneLog(changes.back().id));
+    ORVO_OK(Batch("MenuFileExt").remove("c").send(*m_store));
+    QCOMPARE(position(), changes.back().id + 1);
 }
 
 int main(int argc, char** argv) {
