@@ -1,6 +1,7 @@
 // Backups of a PostgreSQL store: the archives of the server's own programs. Those take one snapshot
-// while others write, carry the log and whatever rights were granted along, and can be read by any
-// administrator of the server without this program.
+// while others write, carry the log along, and can be read by any administrator of the server
+// without this program. Only the schema of the store is copied and restored: what else is in the
+// database belongs to others.
 #include "platform/store/PostgresSchema.h"
 #include "platform/store/PostgresStore.h"
 
@@ -10,7 +11,9 @@
 
 #include <QFileInfo>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QStandardPaths>
+#include <QTemporaryFile>
 
 #include <memory>
 
@@ -108,8 +111,40 @@ Status output(const Url& url, const char* program, const QStringList& arguments,
     return status;
 }
 
+/// The tables of a store of the newest version.
+std::vector<std::string> ownTables() {
+    std::vector<std::string> names = {"MenuResourceFileData", "MenuResourceFileSum",
+                                      contentTable().name};
+    for (const TableDef& table : tables())
+        names.emplace_back(table.name);
+    for (const char* name : {"NciEvent", "NciPruned", "NciStore", "NciLock"})
+        names.emplace_back(name);
+    return names;
+}
+
+/// Whether an entry of an archive's list is one of a store's tables or goes with one. Functions,
+/// triggers and rights are not taken from an archive, but made as this program makes them; whatever
+/// else was in the database is left alone.
+bool isOwn(const QString& entry) {
+    static const QRegularExpression line(
+        "^\\d+; \\d+ \\d+ (TABLE|TABLE DATA|SEQUENCE|SEQUENCE OWNED BY|SEQUENCE SET|CONSTRAINT|FK "
+        "CONSTRAINT|INDEX|DEFAULT) public (\\w+)");
+    const QRegularExpressionMatch match = line.match(entry);
+    if (!match.hasMatch())
+        return false;
+    const QString name = match.captured(2);
+    if (name == "NciEventId")
+        return true;
+    for (const std::string& own : ownTables()) {
+        const QString table = QString::fromStdString(own);
+        if (name == table || (match.captured(1) == "INDEX" && name.startsWith(table + "_")))
+            return true;
+    }
+    return false;
+}
+
 /// Refuses an archive that holds no store, or a newer one.
-Status checkArchive(const Url& url, const std::string& file) {
+Status checkArchive(const Url& url, const std::string& file, QByteArray* entries, int* version) {
     const std::string what = "Резервная копия " + shown(file);
     const QString path = QString::fromStdString(file);
     QByteArray list;
@@ -118,6 +153,9 @@ Status checkArchive(const Url& url, const std::string& file) {
         return {status.code == Failed ? int(NotAStore) : status.code, status.text};
     if (!list.contains(" TABLE public NciStore ") || !list.contains(" TABLE public NciEvent "))
         return {NotAStore, what + ": в ней нет хранилища"};
+    for (const QByteArray& entry : list.split('\n'))
+        if (isOwn(QString::fromUtf8(entry)))
+            *entries += entry + '\n';
     QByteArray data;
     status = output(url, "pg_restore",
                     {"--data-only", "--schema=public", "--table=NciStore", "--file=-", path}, what,
@@ -126,20 +164,20 @@ Status checkArchive(const Url& url, const std::string& file) {
         return status;
     const int copy = data.indexOf("\nCOPY ");
     const int line = copy < 0 ? -1 : data.indexOf('\n', copy + 1);
-    const int version =
-        line < 0 ? 0 : data.mid(line + 1, 12).simplified().split(' ').first().toInt();
-    if (version < 1)
+    *version = line < 0 ? 0 : data.mid(line + 1, 12).simplified().split(' ').first().toInt();
+    if (*version < 1)
         return {NotAStore, what + ": в ней нет хранилища"};
-    if (version > static_cast<int>(migrations().size()))
+    if (*version > static_cast<int>(migrations().size()))
         return {NewerStore, what + " сделана более новой версией программы (версия " +
-                                std::to_string(version) + ", известна " +
+                                std::to_string(*version) + ", известна " +
                                 std::to_string(migrations().size()) + ")"};
     return {};
 }
 
 /// Opens the transaction: nobody else writes any more, and what is there goes. The owner stays.
 QByteArray beginning() {
-    std::string sql = "BEGIN;\nSET LOCAL client_min_messages = warning;\n"
+    std::string sql = "BEGIN;\nSET search_path = pg_catalog, pg_temp;\n"
+                      "SET LOCAL client_min_messages = warning;\n"
                       "SET LOCAL lock_timeout = '10s';\n"
                       "SELECT format('SET LOCAL ROLE %I', pg_get_userbyid(relowner)) FROM pg_class "
                       "WHERE oid = 'public.\"NciEvent\"'::regclass \\gexec\n";
@@ -147,18 +185,12 @@ QByteArray beginning() {
         std::string("SELECT ") + takeLogLock +
         ";\nSELECT greatest(coalesce((SELECT max(\"id\") FROM public.\"NciEvent\"), 0), "
         "coalesce((SELECT max(\"id\") FROM public.\"NciPruned\"), 0)) AS position \\gset orvo_\n";
-    std::vector<std::string> names = {"MenuResourceFileData", contentTable().name};
-    for (const TableDef& table : tables())
-        names.emplace_back(table.name);
-    for (const char* name : {"NciEvent", "NciPruned", "NciStore", "NciLock"})
-        names.emplace_back(name);
-    for (const std::string& name : names)
+    for (const std::string& name : ownTables())
         sql += "DROP TABLE IF EXISTS " + qualified(name) + " CASCADE;\n";
-    sql += dropFunctions();
-    return QByteArray::fromStdString(sql);
+    return QByteArray::fromStdString(sql + dropFunctions());
 }
 
-/// Fails where what came from the archive lacks a table or a field, so that nothing is committed.
+/// Fails where the store lacks a table or a field, so that nothing is committed.
 std::string checkTables() {
     std::string sql;
     const auto select = [&sql](const std::string& columns, const char* table) {
@@ -168,11 +200,12 @@ std::string checkTables() {
         select(fieldList(table), table.name);
     select(fieldList(contentTable()), contentTable().name);
     select("\"KeyLink\", \"part\", \"data\"", "MenuResourceFileData");
+    select("\"KeyLink\", \"sha256\"", "MenuResourceFileSum");
     select("\"id\", \"code\", \"tableName\", \"key\", \"login\", \"time\", \"after\", \"before\", "
            "\"call\"",
            "NciEvent");
     select("\"id\"", "NciPruned");
-    select("\"version\"", "NciStore");
+    select("\"version\", \"identity\"", "NciStore");
     return sql;
 }
 
@@ -193,29 +226,51 @@ END $orvo$;
 )";
 }
 
-/// Every number of a change that was ever given out becomes too low for a reader, and the next
-/// change gets a higher one.
-QByteArray ending(bool vouchedFor) {
-    return QByteArray("\n") + QByteArray::fromStdString(checkTables()) +
-           QByteArray::fromStdString(vouchedFor ? std::string() : checkRows()) +
-           // An archive of an earlier version has none; the update of the version makes it.
-           QByteArray(
-               "DO $orvo$ BEGIN UPDATE public.\"NciStore\" SET \"identity\" = "
-               "pg_catalog.gen_random_uuid(); EXCEPTION WHEN undefined_column THEN NULL; "
-               "END $orvo$;\nUPDATE public.\"NciPruned\" SET \"id\" = 1 + greatest(:orvo_position, "
-               "\"id\", coalesce((SELECT max(\"id\") FROM public.\"NciEvent\"), 0));\n"
-               "SELECT pg_catalog.setval('public.\"NciEventId\"', (SELECT \"id\" FROM "
-               "public.\"NciPruned\"));\nSELECT pg_catalog.pg_notify('") +
+/// Brings what came from an archive of that version up to date. Every number of a change that was
+/// ever given out becomes too low for a reader, and the next change gets a higher one.
+QByteArray ending(int version, bool vouchedFor) {
+    std::string sql = "\nSET search_path = pg_catalog, pg_temp;\n";
+    for (auto step = static_cast<size_t>(version); step < migrations().size(); ++step)
+        sql += migrations()[step];
+    sql += functionsAndRights(dictionary()) + checkTables() +
+           (vouchedFor ? std::string() : checkRows()) +
+           "UPDATE public.\"NciStore\" SET \"version\" = " + std::to_string(migrations().size()) +
+           ", \"identity\" = gen_random_uuid();\n"
+           "UPDATE public.\"NciPruned\" SET \"id\" = 1 + greatest(:orvo_position, "
+           "\"id\", coalesce((SELECT max(\"id\") FROM public.\"NciEvent\"), 0));\n"
+           "SELECT setval('public.\"NciEventId\"', (SELECT \"id\" FROM public.\"NciPruned\"));\n"
+           "SELECT pg_notify('" +
            wakeChannel + "', '');\nCOMMIT;\n";
+    return QByteArray::fromStdString(sql);
 }
 
 } // namespace
 
 Status PostgresStore::backup(const std::string& file, const Progress& progress) {
     return guarded([&]() -> Status {
+        const char what[] = "Резервная копия";
         const QString path = QString::fromStdString(file);
-        Program dump(m_url, "pg_dump", "Резервная копия");
-        const Status status = dump.start({"--format=custom", "--no-password", "--file=" + path});
+        Status status = ready();
+        if (!status.ok())
+            return status;
+        QStringList arguments = {"--format=custom", "--no-password", "--schema=public",
+                                 "--file=" + path};
+        // What others have put beside the store may be beyond our rights.
+        std::string own = "'NciEventId'";
+        for (const std::string& name : ownTables())
+            own += ", " + literal(name);
+        const Result others = m_connection.query(
+            "SELECT relname::text FROM pg_class WHERE relnamespace = 'public'::regnamespace AND "
+            "relkind IN ('r', 'p', 'v', 'm', 'f', 'S') AND relname NOT IN (" +
+                own + ")",
+            {});
+        if (!succeeded(others.get()))
+            return m_connection.failure(what, others.get());
+        for (int row = 0; row < PQntuples(others.get()); ++row)
+            arguments << QString::fromStdString("--exclude-table=public." +
+                                                identifier(textAt(others.get(), row, 0)));
+        Program dump(m_url, "pg_dump", what);
+        status = dump.start(arguments);
         if (!status.ok())
             return status;
         return dump.finish([&] {
@@ -228,15 +283,22 @@ Status PostgresStore::restore(const std::string& file, const Progress& progress)
     return guarded([&]() -> Status {
         const std::string what = "Восстановление";
         const bool vouchedFor = hasChecksum(file);
+        QByteArray entries;
+        int version = 0;
         Status status = verifyChecksum(file, progress);
         if (status.ok())
-            status = checkArchive(m_url, file);
+            status = checkArchive(m_url, file, &entries, &version);
         if (!status.ok())
             return status;
+        QTemporaryFile list;
+        if (!list.open() || list.write(entries) != entries.size() || !list.flush())
+            return {Failed,
+                    what + ": нет места для списка (" + list.errorString().toStdString() + ")"};
         Program reader(m_url, "pg_restore", what);
         Program writer(m_url, "psql", what);
         writer.process.setStandardOutputFile(QProcess::nullDevice());
-        status = reader.start({"--no-owner", "--file=-", QString::fromStdString(file)});
+        status = reader.start({"--no-owner", "--use-list=" + list.fileName(), "--file=-",
+                               QString::fromStdString(file)});
         if (status.ok())
             status = writer.start(
                 {"--no-psqlrc", "--quiet", "--no-password", "--set=ON_ERROR_STOP=1", "--file=-"});
@@ -266,13 +328,12 @@ Status PostgresStore::restore(const std::string& file, const Progress& progress)
         status = reader.result();
         if (!status.ok())
             return status;
-        writer.process.write(ending(vouchedFor));
+        writer.process.write(ending(version, vouchedFor));
         writer.process.closeWriteChannel();
         status = writer.finish([&] { return !progress || progress(done, 0); });
         if (!status.ok())
             return status;
-        status = ready();
-        return status.ok() ? migrate(m_connection, false) : status;
+        return status.ok() ? ready() : status;
     });
 }
 

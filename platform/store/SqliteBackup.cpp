@@ -106,6 +106,8 @@ Status checkDefinitions(const Connection& backup, const std::string& what) {
     const bool newest = version == static_cast<int64_t>(migrations().size());
     Connection fresh;
     int made = fresh.open(":memory:", SQLITE_OPEN_READWRITE);
+    if (made == SQLITE_OK)
+        made = addStepFunctions(fresh);
     for (int64_t step = 0; made == SQLITE_OK && step < version; ++step)
         made = fresh.execute(migrations()[static_cast<size_t>(step)]);
     if (made == SQLITE_OK && newest)

@@ -62,6 +62,12 @@ const std::string& foldedNameExpression() {
     return expression;
 }
 
+int addStepFunctions(const Connection& connection) {
+    return sqlite3_create_function(connection.get(), "orvo_sha256", 1,
+                                   SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, sha256, nullptr,
+                                   nullptr);
+}
+
 Status migrate(const Connection& connection, const MigrationSteps& steps,
                const Dictionary& dictionary) {
     int64_t present = 0;
@@ -79,9 +85,7 @@ Status migrate(const Connection& connection, const MigrationSteps& steps,
     // First, so that the log does not tell of what the steps do to the records.
     int done = dropTriggers(connection);
     if (done == SQLITE_OK)
-        done = sqlite3_create_function(connection.get(), "orvo_sha256", 1,
-                                       SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, sha256, nullptr,
-                                       nullptr);
+        done = addStepFunctions(connection);
     for (auto step = static_cast<size_t>(present); done == SQLITE_OK && step < steps.size(); ++step)
         done = connection.execute(steps[step]);
     if (done == SQLITE_OK)

@@ -32,6 +32,9 @@ const std::string& foldedNameExpression();
 /// Holds for the rows that the index over it is about.
 constexpr const char* storedRows = "\"type_\" IN (3, 4)";
 
+/// Gives the connection the functions of the program that the steps call. A result code of SQLite.
+int addStepFunctions(const Connection& connection);
+
 /// Brings the store to the newest version (PRAGMA user_version): all missing steps and then the
 /// triggers anew, in one transaction. NewerStore if it is beyond the steps. Nothing is written if
 /// it is there already.

@@ -9,6 +9,7 @@ public:
     using AdminTest::AdminTest;
 
 private slots:
+    void whatOthersKeepInTheDatabaseIsLeftAlone();
     void aBackupBringsEverythingBack();
     void aBackupIsOneMomentWhileOthersWrite();
     void aStoreInUseNeedsReplace();
@@ -372,6 +373,7 @@ void TestAdminBackup::aBackupWithoutATableChangesNothing() {
 void TestAdminBackup::aBackupOfAnEarlierVersionBringsItsContent() {
     for (const int version : {1, 2}) {
         QVERIFY(m_kind.renewAsOf(version));
+        QFile::remove(file());
         QVERIFY(copy());
         const QByteArray before = content();
         QVERIFY(before.contains("Щит ГЩУ"));
@@ -382,6 +384,31 @@ void TestAdminBackup::aBackupOfAnEarlierVersionBringsItsContent() {
         ORVO_DONE(run({"put", "file", "--path", "Файлы", m_admin->write("new.png", "bytes")}));
         ORVO_DONE(run({"get", "file", "--path", "Файлы", "new.png", m_admin->path()}));
     }
+}
+
+void TestAdminBackup::whatOthersKeepInTheDatabaseIsLeftAlone() {
+    if (!isPostgres())
+        QSKIP("a file holds nothing else");
+    ORVO_DONE(run({"demo"}));
+    QVERIFY(m_kind.byHand(
+        "SELECT lo_create(0); CREATE SCHEMA another; CREATE TABLE another.kept (a int);"
+        "INSERT INTO another.kept VALUES (7); CREATE TABLE public.\"Odd \"\"name\" (a int);"
+        "CREATE FOREIGN DATA WRAPPER w; CREATE SERVER s FOREIGN DATA WRAPPER w;"
+        "CREATE FOREIGN TABLE public.far (a int) SERVER s;"
+        "CREATE FOREIGN TABLE another.far (a int) SERVER s;"
+        "CREATE VIEW public.seen AS SELECT * FROM another.kept;"
+        "CREATE FUNCTION public.mine() RETURNS int LANGUAGE sql AS 'SELECT 1';"));
+    const QByteArray before = content();
+    ORVO_DONE(run({"backup", m_admin->path("own")}));
+    ORVO_DONE(run({"ext", "add", ".later"}));
+    ORVO_DONE(run({"restore", "--replace", m_admin->path("own")}));
+    QCOMPARE(content(), before);
+    QByteArray words;
+    QVERIFY(m_kind.byHand("SELECT a, public.mine() FROM another.kept, "
+                          "(SELECT 1 FROM pg_largeobject_metadata) l, (SELECT FROM public.seen) s;",
+                          &words));
+    QCOMPARE(words, QByteArray("7|1"));
+    QCOMPARE(run({"check"}).code, 0);
 }
 
 void TestAdminBackup::aNewerBackupIsRefused() {
