@@ -131,14 +131,30 @@ std::string shown(std::string_view text) {
 }
 
 std::string formName(const std::vector<std::string_view>& files) {
-    const auto rank = [](std::string_view name) {
-        const bool handle = !name.empty() && name.back() == '_';
-        return std::make_tuple(!handle, mdx::toCp1251(name).size(), name);
+    if (files.empty())
+        return {};
+    const auto isHandle = [](std::string_view name) { return !name.empty() && name.back() == '_'; };
+    // What all names begin with.
+    const std::string first = mdx::toCp1251(files.front());
+    size_t common = first.size();
+    for (std::string_view file : files) {
+        const std::string name = mdx::toCp1251(file);
+        size_t length = 0;
+        while (length < common && length < name.size() &&
+               mdx::compareText(name.substr(length, 1), first.substr(length, 1)) == 0)
+            ++length;
+        common = length;
+    }
+    // A form is chosen by one of its files; the others were found because they begin like it.
+    const auto rank = [&](std::string_view name) {
+        const size_t length = mdx::toCp1251(name).size();
+        const bool leads = length - (isHandle(name) ? 1 : 0) <= common;
+        return std::make_tuple(!leads, !isHandle(name), length, name);
     };
-    const auto best =
-        std::min_element(files.begin(), files.end(),
-                         [&](std::string_view a, std::string_view b) { return rank(a) < rank(b); });
-    return best == files.end() ? std::string() : std::string(*best);
+    return std::string(
+        *std::min_element(files.begin(), files.end(), [&](std::string_view a, std::string_view b) {
+            return rank(a) < rank(b);
+        }));
 }
 
 bool isPlainFileName(std::string_view name) {

@@ -44,8 +44,9 @@ constexpr const char lowerLetters[] = "абвгґѓдђеёєжзѕиіїйјк�
 /// Windows-1251, which any letter may stand behind that is not in it.
 std::optional<std::string> foldedName(std::string_view name);
 
-/// The name of a form with these files: the file name that ends in "_", if there is one, else the
-/// shortest; of several equally good ones the first in byte order. Empty without files.
+/// The name of a form with these files: of those with which, less a "_" at the end, all names begin
+/// (of all, if there is none), one that ends in "_" before the shortest; of several equally good
+/// ones the first in byte order. Empty without files.
 std::string formName(const std::vector<std::string_view>& files);
 
 } // namespace orvo::store

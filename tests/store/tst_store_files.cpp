@@ -20,6 +20,7 @@ private slots:
 
     void newFormGetsItsRecordInTheFolderOfThePath();
     void nameOfAFormIsTheNameWithTheUnderscoreElseTheShortest();
+    void aFormIsNotNamedAfterAnotherThatBeginsLikeIt();
     void formPutAddsAndReplacesAndDeletesNothing();
     void formThatExistsElsewhereKeepsItsPlace();
     void formWithoutATopFolderIsRefused();
@@ -126,6 +127,19 @@ void TestFiles::nameOfAFormIsTheNameWithTheUnderscoreElseTheShortest() {
     // Letters count, not bytes.
     ORVO_OK(m_store->formPut("", {{"", "абв", "1", {}}, {"", "abcd", "2", {}}}));
     QCOMPARE(files("абв"), "abcd=2 абв=1");
+}
+
+void TestFiles::aFormIsNotNamedAfterAnotherThatBeginsLikeIt() {
+    // All that begins like the chosen file goes along; the choice is what all of them begin with.
+    ORVO_OK(m_store->formPut("", {{"", "Pump2_", "2", {}},
+                                  {"", "Pump2_.png", "p", {}},
+                                  {"", "Pump.png", "p", {}},
+                                  {"", "Pump", "1", {}}}));
+    QCOMPARE(files("Pump"), "Pump=1 Pump.png=1 Pump2_=1 Pump2_.png=1");
+    QCOMPARE(files("Pump2_"), "");
+    ORVO_OK(m_store->formPut(
+        "", {{"", "Valve2_", "2", {}}, {"", "VALVE_", "1", {}}, {"", "Valve.png", "p", {}}}));
+    QCOMPARE(files("VALVE_"), "Valve.png=1 Valve2_=1 VALVE_=1");
 }
 
 void TestFiles::formPutAddsAndReplacesAndDeletesNothing() {
