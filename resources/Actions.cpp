@@ -5,12 +5,13 @@
 #include "resources/OrvoResources.h"
 
 #include "frame/ClipboardRows.h"
-#include "frame/Records.h"
 #include "frame/WindowParts.h"
 #include "resources/Columns.h"
 
 #include <QMenu>
 
+using orvo::Kind;
+using orvo::resources::kindOf;
 using orvo::resources::ResColumn;
 
 void OrvoResources::enableOnly(const QList<QAction*>& actions) {
@@ -25,66 +26,81 @@ void OrvoResources::setActionsDisabled() {
     enableOnly({});
 }
 
-void OrvoResources::setActionsEnabledMenuRes(const QModelIndex& index) {
-    using namespace orvo::resources;
-    if (!index.isValid())
-        return;
-    const auto value = [&](int column) { return index.sibling(index.row(), column).data(); };
+std::optional<QList<QAction*>> OrvoResources::menuActions(const QModelIndex& row) const {
     const auto creator = [this](int kind) {
-        return kind == Module     ? m_ui->actAddModule
-               : kind == Function ? m_ui->actAddFunction
-                                  : m_ui->actLoadFiles;
+        return kind == Kind::Module     ? m_ui->actAddModule
+               : kind == Kind::Function ? m_ui->actAddFunction
+                                        : m_ui->actLoadFiles;
     };
-    const int level = m_resModel->getItemLevel(index);
-    if (level == 0) {
-        setActionsDisabled();
-        return;
-    }
+    const int level = m_resModel->getItemLevel(row);
+    if (level == 0)
+        return QList<QAction*>();
     if (level == 1) {
         // The folders of the kinds are known by their captions: one that was renamed offers
         // nothing.
-        const QString caption = value(ResColumn::Caption).toString();
-        if (orvo::sameText(caption, QStringLiteral("модули")))
-            enableOnly({m_ui->actAddFolder, creator(Module)});
-        else if (orvo::sameText(caption, QStringLiteral("функции")))
-            enableOnly({m_ui->actAddFolder, creator(Function)});
-        else if (orvo::sameText(caption, QStringLiteral("формы отображения")))
-            enableOnly({m_ui->actAddFolder, creator(Form)});
-        return;
+        const QString caption = orvo::resources::textAt(row, ResColumn::Caption);
+        const std::pair<const char*, int> tops[] = {{orvo::topfolder::modules, Kind::Module},
+                                                    {orvo::topfolder::functions, Kind::Function},
+                                                    {orvo::topfolder::forms, Kind::Form}};
+        for (const auto& [name, kind] : tops)
+            if (orvo::sameText(caption, QString::fromUtf8(name)))
+                return QList<QAction*>{m_ui->actAddFolder, creator(kind)};
+        return {};
     }
-    const int kind = value(ResColumn::Type).toInt();
-    if (kind < Module || kind > Form)
-        return;
-    const bool isFolder = m_resModel->itemIsFolder(index);
+    const int kind = kindOf(row);
+    if (kind < Kind::Module || kind > Kind::Form)
+        return {};
+    const bool isFolder = m_resModel->itemIsFolder(row);
     QList<QAction*> on{m_ui->actAddFolder, creator(kind), m_ui->actCut};
     if (isFolder && checkClipBoardType(kind))
         on << m_ui->actPaste;
-    if (!isFolder || !m_resModel->hasChildren(index))
+    if (!isFolder || !m_resModel->hasChildren(row))
         on << m_ui->actDelete;
-    if (kind == Form && !isFolder) {
+    if (kind == Kind::Form && !isFolder) {
         on << m_ui->actExtractFiles << m_ui->actOpenScheme;
-        if (value(ResColumn::Blocked).toInt() >= LockedHere)
+        if (row.siblingAtColumn(ResColumn::Blocked).data().toInt() >= orvo::resources::LockedHere)
             on << m_ui->actUnBlock;
     }
-    enableOnly(on);
+    return on;
 }
 
-void OrvoResources::setActionsEnabledSystem(const QModelIndex& index) {
-    if (!index.isValid())
-        return;
-    const bool isRoot = m_resModel->getItemLevel(index) == 0;
-    const bool isFolder = m_resModel->itemIsFolder(index);
+QList<QAction*> OrvoResources::systemActions(const QModelIndex& row) const {
+    const bool isRoot = m_resModel->getItemLevel(row) == 0;
+    const bool isFolder = m_resModel->itemIsFolder(row);
     QList<QAction*> on{m_ui->actAddFolder, m_ui->actLoadFiles};
     if (!isFolder)
         on << m_ui->actExtractFiles;
-    else if (checkClipBoardType(orvo::resources::File))
+    else if (checkClipBoardType(Kind::File))
         on << m_ui->actPaste;
     if (!isRoot) {
         on << m_ui->actCut;
-        if (!isFolder || !m_resModel->hasChildren(index))
+        if (!isFolder || !m_resModel->hasChildren(row))
             on << m_ui->actDelete;
     }
-    enableOnly(on);
+    return on;
+}
+
+void OrvoResources::setActionsEnabledMenuRes(const QModelIndex& index) {
+    if (!index.isValid())
+        return;
+    if (const auto actions = menuActions(index))
+        enableOnly(*actions);
+}
+
+void OrvoResources::setActionsEnabledSystem(const QModelIndex& index) {
+    if (index.isValid())
+        enableOnly(systemActions(index));
+}
+
+bool OrvoResources::permits(QAction* action, const QModelIndex& row) const {
+    if (m_resModel->itemInSystemArea(row))
+        return systemActions(row).contains(action);
+    const auto actions = menuActions(row);
+    return actions && actions->contains(action);
+}
+
+void OrvoResources::refuse(const QString& reason) {
+    orvo::showError(*this, reason, "1on_common_error_message(QAbstractButton*)");
 }
 
 bool OrvoResources::checkClipBoardType(int type) const {

@@ -7,6 +7,7 @@
 #include "frame/ViewRows.h"
 #include "frame/WindowParts.h"
 #include "resources/Columns.h"
+#include "resources/Fields.h"
 
 #include <QItemSelectionModel>
 #include <QTreeView>
@@ -28,6 +29,13 @@ QString passportStyleSheet() {
                           "image:url(:/res/node_branch_open.png);}");
 }
 
+QStringList columnTitles() {
+    QStringList titles;
+    for (const QString& title : orvo::resources::itemFields().titles())
+        titles << OrvoResources::tr(title.toUtf8().constData());
+    return titles;
+}
+
 } // namespace
 
 void OrvoResources::setTreeArrangement() {
@@ -39,11 +47,7 @@ void OrvoResources::setTreeArrangement() {
     tree->setDragEnabled(true);
     tree->setAcceptDrops(true);
     tree->setDropIndicatorShown(true);
-    m_resModel = std::make_unique<ResTreeModel>(
-        QStringList{tr("Наименование"), tr("Ресурс"), tr("Иконка"), tr("Заблокировано"),
-                    tr("Дата блокировки"), "KeyLink", "type", "params", "FolderKey", "IsFolder",
-                    "Date", "Size", "Blocked", "IsNew"},
-        orvo::iconsPath(*this), this);
+    m_resModel = std::make_unique<ResTreeModel>(columnTitles(), orvo::iconsPath(*this), this);
     m_searchHits = std::make_unique<RowSearch>(*m_resModel, ResColumn::KeyLink);
     tree->setModel(m_resModel.get());
     orvo::hideColumns(tree, ResColumn::KeyLink, ResColumn::IsNew);

@@ -1,7 +1,9 @@
-// Columns.h: the columns of the tree of the resource editor, the kinds of its rows, and the keys of
-// those that no record stands behind.
+// Columns.h: the columns of the tree of the resource editor, and what its rows are.
 #ifndef ORVO_RESOURCES_COLUMNS_H
 #define ORVO_RESOURCES_COLUMNS_H
+
+#include "frame/Records.h"
+#include "frame/Vocabulary.h"
 
 #include <QModelIndex>
 #include <QVariant>
@@ -17,7 +19,7 @@ struct ResColumn {
         Lock,     ///< who holds the form's lock
         LockTime, ///< since when, as text
         KeyLink,
-        Type, ///< ResKind
+        Type, ///< Kind
         Params,
         FolderKey, ///< `ParentKey` of a folder
         IsFolder,
@@ -29,10 +31,16 @@ struct ResColumn {
     };
 };
 
-/// `type_`. Folders bear the kind of what they hold.
-enum ResKind { MenuArea = 0, Module = 1, Function = 2, Form = 3, File = 4, Orphans = 5 };
-
 enum LockState { NotLocked = 0, LockedHere = 1, LockedElsewhere = 2 };
+
+inline QString textAt(const QModelIndex& row, int column) {
+    return row.siblingAtColumn(column).data().toString();
+}
+
+/// Kind of a row; None for an invalid index.
+inline int kindOf(const QModelIndex& row) {
+    return row.siblingAtColumn(ResColumn::Type).data().toInt();
+}
 
 /// Whether a row is a fixed folder or its record is a folder's. The model calls every top row a
 /// folder, and a resource may stand there, too: one whose folder has no row in this window.
@@ -40,10 +48,13 @@ inline bool isFolder(const QModelIndex& row) {
     return row.siblingAtColumn(ResColumn::IsFolder).data().toBool();
 }
 
-/// Keys of rows that no record stands behind.
-inline constexpr char menuRootKey[] = "MenuResources";
-inline constexpr char fileRootKey[] = "FileResources";
-inline constexpr char orphansKey[] = "WrongFolder";
+/// Whether a row's key is that of a row without a record.
+inline bool isFixedKey(const QString& key) {
+    for (const char* fixed : {rowkey::resources, rowkey::files, rowkey::orphans})
+        if (sameText(key, QString::fromLatin1(fixed)))
+            return true;
+    return false;
+}
 
 /// The clipboard format.
 inline constexpr char resourcesMime[] = "OrvoResources/resources";

@@ -4,112 +4,108 @@
 
 #include "ui_OrvoResources.h"
 
-#include "frame/Records.h"
 #include "frame/ViewRows.h"
 #include "models/Passport.h"
 #include "picker/PopObjectList.h"
 #include "resources/Columns.h"
+#include "resources/Fields.h"
 
 #include <QToolButton>
 
+using orvo::resources::isFolder;
 using orvo::resources::ResColumn;
 
 namespace {
 
-constexpr char iconRow[] = "icon";
-
-/// The column of `tvRes` that a passport row shows and changes; -1 for rows that show only.
-int columnOf(const QString& rowName) {
-    static const std::pair<const char*, int> columns[] = {
-        {"caption", ResColumn::Caption},
-        {"object", ResColumn::Name},
-        {"params", ResColumn::Params},
-        {iconRow, ResColumn::Icon},
-    };
-    for (const auto& [name, column] : columns)
-        if (orvo::sameText(rowName, QString::fromLatin1(name)))
-            return column;
-    return -1;
-}
-
 bool isIconRow(const QString& rowName) {
-    return orvo::sameText(rowName, QString::fromLatin1(iconRow));
+    return orvo::sameText(rowName, QLatin1String("icon"));
 }
 
 } // namespace
 
 void OrvoResources::on_actAddModule_triggered() {
-    addRow(tr("новый модуль"), false);
+    addRow(m_ui->actAddModule, tr("новый модуль"));
 }
 
 void OrvoResources::on_actAddFunction_triggered() {
-    addRow(tr("новая функция"), false);
+    addRow(m_ui->actAddFunction, tr("новая функция"));
 }
 
 void OrvoResources::on_actAddFolder_triggered() {
-    addRow(tr("новая папка"), true);
+    addRow(m_ui->actAddFolder, tr("новая папка"));
 }
 
-void OrvoResources::addRow(const QString& caption, bool isFolder) {
+void OrvoResources::addRow(QAction* action, const QString& caption) {
     if (!m_resModel)
         return; // the start failed
     const QModelIndex current = m_resModel->findIndexByKey(m_currentKey);
     if (!current.isValid())
         return;
-    const QPersistentModelIndex parent(orvo::resources::isFolder(current) ? current
-                                                                          : current.parent());
-    if (!parent.isValid())
-        return; // beside a resource whose folder is not known
+    const QPersistentModelIndex parent(isFolder(current) ? current : current.parent());
+    const bool orphans = orvo::sameText(m_resModel->getItemKeyLink(parent),
+                                        QString::fromLatin1(orvo::rowkey::orphans));
+    // No record stands behind the folder of the orphans, and none is known of a resource at the
+    // top: what is made there would be shown by no start.
+    if (!parent.isValid() || orphans || !permits(action, current)) {
+        refuse(tr("Здесь этого создать нельзя: %1.").arg(describe(current)));
+        return;
+    }
     // There is one edit at a time.
     if (!finishEdit())
         return;
     // A resource takes its kind from its folder.
+    const bool folder = action == m_ui->actAddFolder;
     const QVariant type = parent.sibling(parent.row(), ResColumn::Type).data();
     const QString folderKey = m_resModel->getItemKeyLink(parent);
-    const int row = isFolder ? 0 : m_resModel->rowCount(parent);
+    const int row = folder ? 0 : m_resModel->rowCount(parent);
     if (!m_resModel->insertRows(row, 1, parent))
         return;
     m_btnSave->setEnabled(true);
     m_btnCancel->setEnabled(true);
     const QModelIndex added = m_resModel->index(row, 0, parent);
+    const QString key = QString::fromLatin1(GenGuid32());
     orvo::setRow(*m_resModel, added,
-                 {{ResColumn::KeyLink, QString::fromLatin1(GenGuid32())},
+                 {{ResColumn::KeyLink, key},
                   {ResColumn::FolderKey, folderKey},
                   {ResColumn::Caption, caption},
-                  {ResColumn::IsFolder, isFolder},
+                  {ResColumn::IsFolder, folder},
                   {ResColumn::Type, type},
                   {ResColumn::IsNew, true}});
-    m_editCaption = caption;
-    m_editObject = isFolder ? QStringLiteral("folder") : QString();
-    m_editState = NewRow;
-    m_newItemIndex = added;
+    m_edit.beginNew(added, key, folder ? QStringLiteral("folder") : QString(), caption);
     setActionsDisabled();
     m_ui->tvRes->scrollTo(added);
     m_ui->tvRes->setCurrentIndex(added);
 }
 
 void OrvoResources::on_editor_valueChanged(const QString& rowName, const QVariant& value) {
-    const QModelIndex row = m_resModel->findIndexByKey(m_currentKey);
+    QModelIndex row = m_resModel->findIndexByKey(m_currentKey);
     if (!row.isValid())
         return;
     // Nothing can come of an edit whose row is gone: it must not swallow this one.
-    if (editIsLost())
+    if (m_edit.isLost())
         endEdit();
+    if (m_edit.isOpen() && !m_edit.isOf(m_currentKey)) {
+        // It waits because its name was refused. What is typed here would show, and be stored with
+        // neither row.
+        const QString edited = describe(m_edit.row());
+        const QString reason = saveEdit();
+        if (m_edit.isOpen()) {
+            m_propModel->clearRows();
+            showPassport(row);
+            refuse(tr("Сначала закончите правку: %1.\n%2").arg(edited, reason));
+            return;
+        }
+        row = m_resModel->findIndexByKey(m_currentKey);
+    }
     // A row without a column opens an edit too.
-    if (m_editState == Idle) {
-        m_editState = EditRow;
-        m_editKey = m_currentKey;
+    if (!m_edit.isOpen()) {
+        m_edit.begin(row, m_currentKey);
         m_btnSave->setEnabled(true);
         m_btnCancel->setEnabled(true);
     }
-    const int column = columnOf(rowName);
-    if (column < 0)
-        return;
-    m_resModel->setData(row.siblingAtColumn(column), value, Qt::DisplayRole);
-    if (column == ResColumn::Caption)
-        m_editCaption = value.toString();
-    else if (column == ResColumn::Name)
-        m_editObject = value.toString();
+    const int column = orvo::resources::itemFields().editedColumn(rowName);
+    if (column >= 0)
+        m_edit.change(*m_resModel, column, value);
 }
 
 void OrvoResources::on_passp_buttonpressed(const QString& rowName) {
@@ -119,12 +115,12 @@ void OrvoResources::on_passp_buttonpressed(const QString& rowName) {
     CPopObjectList* list = orvo::ownPicker(this, m_popList, &OrvoResources::on_poplist_OK_Pressed);
     list->setWindowTitle(tr("Выбор иконок АРМ"));
     list->objectType = CPopObjectList::KindFile;
-    list->sourceName = QStringLiteral("icons");
+    list->sourceName = QString::fromLatin1(orvo::iconFolder);
     // What was chosen last is offered again.
     list->showAnew();
 }
 
 void OrvoResources::on_poplist_OK_Pressed() {
     if (m_popList && isIconRow(m_popTarget))
-        orvo::editPassportValue(*m_propModel, QString::fromLatin1(iconRow), m_popList->chosenName);
+        orvo::editPassportValue(*m_propModel, QStringLiteral("icon"), m_popList->chosenName);
 }

@@ -16,27 +16,17 @@ void OrvoResources::on_tvRes_currentChanged(const QModelIndex& current, const QM
         return;
     m_currentKey = m_resModel->getItemKeyLink(current);
     m_propModel->clearRows();
-    if (editIsLost())
+    if (m_edit.isLost())
         endEdit();
-    switch (m_editState) {
-    case Idle:
+    if (!m_edit.isOpen()) {
         setActionsDisabled();
         if (m_resModel->itemInSystemArea(current))
             setActionsEnabledSystem(current);
         else
             setActionsEnabledMenuRes(current);
-        break;
-    case NewRow:
-        if (current.sibling(current.row(), ResColumn::IsNew).data().toBool())
-            m_newItemIndex = current.siblingAtColumn(0);
-        else
-            on_save_pressed();
-        break;
-    case EditRow:
+    } else if (m_editState != NewRow || current.siblingAtColumn(0) != m_newItemIndex) {
+        // A new row that was saved before bears the mark of a new one still, and is another row.
         on_save_pressed();
-        break;
-    default:
-        return;
     }
     showPassport(current);
 }

@@ -4,7 +4,6 @@
 
 #include "ui_OrvoResources.h"
 
-#include "frame/Records.h"
 #include "frame/ScratchTable.h"
 #include "frame/WindowParts.h"
 #include "resources/Columns.h"
@@ -13,14 +12,25 @@
 
 #include <algorithm>
 
+using orvo::KeyValues;
+using orvo::Kind;
+using orvo::resources::kindOf;
 using orvo::resources::ResColumn;
+using orvo::resources::textAt;
 
 namespace {
 
-constexpr int menuResourceKey = 2; ///< the server's key of `Menu` by `MenuResourceKey`
+// Keys of the server
+constexpr int menuResourceKey = 2;   ///< of `Menu` by `MenuResourceKey`
+constexpr int resourceFolderKey = 3; ///< of `MenuResource` by `MenuResourceFolderKey`
+constexpr int folderParentKey = 3;   ///< of `MenuResourceFolder` by `ParentKey`
 
 QString nameOf(const QModelIndex& row) {
-    return row.siblingAtColumn(ResColumn::Name).data().toString();
+    return textAt(row, ResColumn::Name);
+}
+
+QString keyOf(const QModelIndex& row) {
+    return textAt(row, ResColumn::KeyLink);
 }
 
 } // namespace
@@ -28,20 +38,73 @@ QString nameOf(const QModelIndex& row) {
 void OrvoResources::on_actDelete_triggered() {
     if (!m_resModel)
         return; // the start failed
-    const QModelIndex row = m_resModel->findIndexByKey(m_currentKey);
-    if (!row.isValid())
+    if (!m_resModel->findIndexByKey(m_currentKey).isValid())
         return;
+    agreeOnSelection();
+    const QModelIndex row = m_resModel->findIndexByKey(m_currentKey);
     if (orvo::resources::isFolder(row)) {
-        deleteRecord("MenuResourceFolder", m_resModel->getItemKeyLink(row));
+        deleteFolder(row);
         return;
     }
+    if (!settlePath(row))
+        return;
     const int count = m_ui->tvRes->selectionModel()->selectedRows().size();
     orvo::askQuestion(
         *this,
         tr("Вы действительно хотите удалить выделенные элементы") + tr(" (") +
             QString::number(count) + tr(") из списка ") +
             (m_resModel->itemInSystemArea(row) ? tr("системных ресурсов?") : tr("ресурсов меню?")),
-        "1removeResourceMessage(QAbstractButton*)");
+        "1removeResourceMessage(QAbstractButton*)", questionDetails(row));
+}
+
+void OrvoResources::agreeOnSelection() {
+    // A row of another folder becomes current by a click that adds to the selection, and is not
+    // selected: what is highlighted is meant.
+    QItemSelectionModel* selection = m_ui->tvRes->selectionModel();
+    const QModelIndexList selected = selection->selectedRows();
+    const QModelIndex current = selection->currentIndex();
+    if (selected.isEmpty())
+        selection->select(current, QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    else if (!selection->isRowSelected(current.row(), current.parent()))
+        selection->setCurrentIndex(selected.last(), QItemSelectionModel::NoUpdate);
+}
+
+QString OrvoResources::questionDetails(const QModelIndex& current) const {
+    const int kind = kindOf(current);
+    // Of modules and functions the current one goes, however many are selected.
+    if (kind == Kind::Module || kind == Kind::Function)
+        return tr("Будет удалено: %1.").arg(describe(current));
+    QStringList names;
+    for (const QModelIndex& row : m_ui->tvRes->selectionModel()->selectedRows())
+        names << describe(row);
+    return orvo::nameLines(names);
+}
+
+void OrvoResources::deleteFolder(const QModelIndex& folder) {
+    if (isTopFolder(folder) || orvo::resources::isFixedKey(keyOf(folder)))
+        refuse(tr("Не удалено: %1 держит все ресурсы своего вида.").arg(describe(folder)));
+    else if (!isEmptyFolder(folder))
+        refuse(tr("Не удалено: %1 не пуста. Сначала удалите или переместите то, что в ней. Папки, "
+                  "созданные другими, видны после повторного открытия редактора.")
+                   .arg(describe(folder)));
+    else
+        deleteRecords(orvo::table::MenuResourceFolder, {keyOf(folder)});
+}
+
+bool OrvoResources::isEmptyFolder(const QModelIndex& folder) {
+    const QString key = keyOf(folder);
+    const auto holds = [&](const CMDArray& table, const char* link) {
+        bool found = false;
+        orvo::walkGroup(table, 3, KeyValues().text(key), [&](const MDRData* record) {
+            found = orvo::holdsText(record, link, key);
+            return false;
+        });
+        return found;
+    };
+    return m_resModel->rowCount(folder) == 0 && !holds(m_tabResFolder, orvo::field::ParentKey) &&
+           !holds(m_tabResource, orvo::field::MenuResourceFolderKey) &&
+           !hasRecords(orvo::table::MenuResourceFolder, folderParentKey, key) &&
+           !hasRecords(orvo::table::MenuResource, resourceFolderKey, key);
 }
 
 void OrvoResources::removeResourceMessage(QAbstractButton* button) {
@@ -53,31 +116,54 @@ void OrvoResources::removeResourceMessage(QAbstractButton* button) {
     const QModelIndex row = m_resModel->findIndexByKey(m_currentKey);
     if (!row.isValid())
         return;
-    switch (row.siblingAtColumn(ResColumn::Type).data().toInt()) {
-    case orvo::resources::Form:
+    switch (kindOf(row)) {
+    case Kind::Form:
         deleteForms();
         break;
-    case orvo::resources::File:
+    case Kind::File:
         deleteFiles();
         break;
-    case orvo::resources::Module:
-    case orvo::resources::Function:
-        if (isInMenus(m_currentKey))
+    case Kind::Module:
+    case Kind::Function:
+        if (isInMenus(row))
             showReferenceError();
         else
-            deleteRecord("MenuResource", m_currentKey);
+            deleteRecords(orvo::table::MenuResource, {m_currentKey});
         break;
     default:
         break;
     }
 }
 
-void OrvoResources::deleteRecord(const char* table, const QString& key) {
+void OrvoResources::deleteRecords(const char* table, const QStringList& keys) {
+    if (keys.isEmpty())
+        return;
     orvo::ScratchTable out(*m_app->m_session, table);
     if (!out.fetch())
         return;
-    out.add(MDX_DELETE).text("KeyLink", key);
+    for (const QString& key : keys)
+        out.add(MDX_DELETE).text(orvo::field::KeyLink, key);
     out.send();
+}
+
+bool OrvoResources::isAmbiguous(const QModelIndex& row) const {
+    const int kind = kindOf(row);
+    const QString name = nameOf(row);
+    int namesakes = 0;
+    orvo::walkGroup(m_tabResource, 2, KeyValues().integer(kind).text(name),
+                    [&](const MDRData* record) {
+                        if (orvo::integerOf(record, orvo::field::type_) != kind ||
+                            !orvo::holdsText(record, orvo::field::name_, name))
+                            return false;
+                        // Files are found by their folder, too.
+                        if (kind != Kind::File ||
+                            folderLinks(textAt(row, ResColumn::FolderKey), kind)
+                                .contains(orvo::textOf(record, orvo::field::MenuResourceFolderKey),
+                                          Qt::CaseInsensitive))
+                            ++namesakes;
+                        return namesakes < 2;
+                    });
+    return namesakes > 1;
 }
 
 void OrvoResources::deleteForms() {
@@ -85,39 +171,74 @@ void OrvoResources::deleteForms() {
     if (rows.isEmpty())
         return;
     // A menu that refers to a form keeps nothing from being deleted: the engineer is told of it.
-    if (std::any_of(rows.begin(), rows.end(), [this](const QModelIndex& row) {
-            return isInMenus(m_resModel->getItemKeyLink(row));
-        }))
+    if (std::any_of(rows.begin(), rows.end(),
+                    [this](const QModelIndex& row) { return isInMenus(row); }))
         showReferenceError();
+    // The tool knows forms by their names. Of two with one name it would take either; the record
+    // takes what is stored for it along.
+    QStringList keys;
     CToolFormDel tool(this);
     for (const QModelIndex& row : rows)
-        tool.names.append(nameOf(row));
-    tool.Perform(false);
+        if (isAmbiguous(row))
+            keys.append(keyOf(row));
+        else
+            tool.names.append(nameOf(row));
+    if (!tool.names.isEmpty())
+        tool.Perform(false);
+    deleteRecords(orvo::table::MenuResource, keys);
 }
 
 void OrvoResources::deleteFiles() {
     const QModelIndexList rows = m_ui->tvRes->selectionModel()->selectedRows();
     if (rows.isEmpty())
         return;
+    QStringList keys;
     CToolFileDel tool(this);
     for (const QModelIndex& row : rows)
-        tool.files.append({getFilePath(row.parent()), nameOf(row)});
-    tool.Perform(false);
+        if (isAmbiguous(row))
+            keys.append(keyOf(row));
+        else
+            tool.files.append({getFilePath(row.parent()), nameOf(row)});
+    if (!tool.files.isEmpty())
+        tool.Perform(false);
+    deleteRecords(orvo::table::MenuResource, keys);
 }
 
-bool OrvoResources::isInMenus(const QString& key) {
+bool OrvoResources::isInMenus(const QModelIndex& row) {
+    QStringList elements;
+    lookUp(orvo::table::Menu, menuResourceKey, keyOf(row), [&](const CMDArray& found) {
+        orvo::walkAll(found, 0, [&](const MDRData* record) {
+            elements << QStringLiteral("«%1»").arg(orvo::textOf(record, orvo::field::caption));
+            return true;
+        });
+    });
+    if (!elements.isEmpty())
+        m_app->m_logModule->LogFile(
+            5, QStringLiteral("OrvoResources::removeResourceMessage"),
+            tr("%1: ссылаются элементы меню: %2")
+                .arg(describe(row), orvo::nameLines(elements).replace('\n', ", ")));
+    return !elements.isEmpty();
+}
+
+bool OrvoResources::hasRecords(const char* table, int keyNumber, const QString& key) {
+    bool found = false;
+    lookUp(table, keyNumber, key,
+           [&](const CMDArray& records) { found = orvo::recordCount(records) > 0; });
+    return found;
+}
+
+void OrvoResources::lookUp(const char* table, int keyNumber, const QString& key,
+                           const std::function<void(const CMDArray& found)>& use) {
     const QByteArray bytes = orvo::toRecord(key); // outlives the tool's run
     CToolRecByKey tool(this);
-    tool.tableName = "Menu";
-    tool.keyNumber = menuResourceKey;
+    tool.tableName = table;
+    tool.keyNumber = keyNumber;
     tool.keyValues.append(orvo::textVar(bytes));
     tool.keyBits.setBit(0);
     tool.Perform(false);
-    return orvo::recordCount(tool.result) > 0;
+    use(tool.result);
 }
 
 void OrvoResources::showReferenceError() {
-    orvo::showError(*this,
-                    tr("Выполнение операции невозможно, так как на ресурс есть ссылки из меню."),
-                    "1on_common_error_message(QAbstractButton*)");
+    refuse(tr("Выполнение операции невозможно, так как на ресурс есть ссылки из меню."));
 }

@@ -5,10 +5,11 @@
 #include "frame/TableText.h"
 
 QString OrvoResources::tableText(const QString& table) const {
-    if (orvo::sameText(table, QStringLiteral("MenuResource")))
-        return orvo::tableText(m_tabResource, {"KeyLink", "MenuResourceFolderKey", "type_", "name_",
-                                               "caption", "params", "ico", "UsersKey"});
-    if (orvo::sameText(table, QStringLiteral("MenuResourceFolder")))
-        return orvo::tableText(m_tabResFolder, {"KeyLink", "ParentKey", "type_", "caption"});
+    using namespace orvo::field;
+    if (orvo::sameText(table, QString::fromLatin1(orvo::table::MenuResource)))
+        return orvo::tableText(m_tabResource, {KeyLink, MenuResourceFolderKey, type_, name_,
+                                               orvo::field::caption, params, ico, UsersKey});
+    if (orvo::sameText(table, QString::fromLatin1(orvo::table::MenuResourceFolder)))
+        return orvo::tableText(m_tabResFolder, {KeyLink, ParentKey, type_, orvo::field::caption});
     return {};
 }

@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <array>
 
+using orvo::resources::kindOf;
 using orvo::resources::ResColumn;
 
 namespace {
@@ -26,15 +27,11 @@ constexpr int contentField = 3;
 constexpr int callRun = 64;
 
 QString captionOf(const QModelIndex& index) {
-    return index.siblingAtColumn(ResColumn::Caption).data().toString();
+    return orvo::resources::textAt(index, ResColumn::Caption);
 }
 
 QString nameOf(const QModelIndex& index) {
-    return index.siblingAtColumn(ResColumn::Name).data().toString();
-}
-
-int typeOf(const QModelIndex& index) {
-    return index.siblingAtColumn(ResColumn::Type).data().toInt();
+    return orvo::resources::textAt(index, ResColumn::Name);
 }
 
 /// Whether the name means a file in the directory it is put behind, and nothing else.
@@ -71,9 +68,11 @@ bool writeWhole(QSaveFile& file, const char* content, qint64 length) {
 /// log names it.
 void writeFiles(const COrvoCliMod& module, const CMDArray& files, const QString& directory) {
     orvo::walkAll(files, 0, [&](const MDRData* record) {
-        if (orvo::integerOf(record, sizeField) == 0)
-            return true;
         const QString name = orvo::textOf(record, nameField);
+        if (orvo::integerOf(record, sizeField) == 0) {
+            logUnwritten(module, name, OrvoResources::tr("файл пуст"));
+            return true;
+        }
         if (!isPlainFileName(name)) {
             logUnwritten(module, name, OrvoResources::tr("недопустимое имя"));
             return true;
@@ -97,32 +96,29 @@ void writeFiles(const COrvoCliMod& module, const CMDArray& files, const QString&
 
 } // namespace
 
-QString OrvoResources::storedCaption(const QModelIndex& index) const {
-    // By the table: what is being typed, or was refused, may be another folder's name.
-    const MDRData* record = orvo::seekKey(m_tabResFolder, m_resModel->getItemKeyLink(index));
-    return record ? orvo::textOf(record, "caption") : captionOf(index);
-}
-
 QString OrvoResources::getFormPath(const QModelIndex& index) const {
     if (m_resModel->getItemLevel(index) == 1)
         return {};
-    QString path = storedCaption(index);
+    QString path = captionOf(index);
     for (QModelIndex at = index; m_resModel->getItemLevel(at) >= 3;) {
         at = at.parent();
-        path.prepend(storedCaption(at) + QLatin1Char('/'));
+        path.prepend(captionOf(at) + QLatin1Char('/'));
     }
     return path;
 }
 
 QString OrvoResources::getFilePath(const QModelIndex& index) const {
-    QStringList path;
+    QString path;
+    const auto join = [](const QString& above, const QString& below) {
+        return below.isEmpty() ? above : above + QLatin1Char('/') + below;
+    };
     for (QModelIndex at = index; m_resModel->getItemLevel(at) > 1;) {
         at = at.parent();
-        path.prepend(storedCaption(at));
+        path = join(captionOf(at), path);
     }
     if (orvo::resources::isFolder(index) && m_resModel->getItemLevel(index) > 0)
-        path.append(storedCaption(index));
-    return path.join(QLatin1Char('/'));
+        path = path.isEmpty() ? captionOf(index) : path + QLatin1Char('/') + captionOf(index);
+    return path;
 }
 
 void OrvoResources::on_actExtractFiles_triggered() {
@@ -130,18 +126,18 @@ void OrvoResources::on_actExtractFiles_triggered() {
     if (!selection || selection->selectedRows().isEmpty())
         return;
     const QModelIndex first = selection->selectedRows().first();
-    if (orvo::resources::isFolder(first))
+    if (orvo::resources::isFolder(first) || !settlePath(first))
         return;
-    const int type = typeOf(first);
-    const bool isForm = type == orvo::resources::Form;
+    const int type = kindOf(first);
+    const bool isForm = type == orvo::Kind::Form;
     QFileDialog dialog(this);
     dialog.setFileMode(QFileDialog::Directory);
     dialog.setOption(QFileDialog::ShowDirsOnly);
-    if ((isForm || type == orvo::resources::File) && dialog.exec() == QDialog::Accepted &&
+    if ((isForm || type == orvo::Kind::File) && dialog.exec() == QDialog::Accepted &&
         !dialog.selectedFiles().isEmpty()) {
         const QString directory = dialog.selectedFiles().first() + QLatin1Char('/');
         for (const QModelIndex& row : selection->selectedRows()) {
-            if (typeOf(row) != type)
+            if (kindOf(row) != type)
                 continue;
             if (isForm) {
                 CToolFormGet tool(this);
@@ -163,13 +159,13 @@ void OrvoResources::on_actExtractFiles_triggered() {
 
 void OrvoResources::on_actOpenScheme_triggered() {
     const MDRData* record = orvo::seekKey(m_tabResource, m_currentKey);
-    if (!record || orvo::isNull(record, "name_"))
+    if (!record || orvo::isNull(record, orvo::field::name_))
         return;
-    QString text = orvo::textOf(record, "name_");
-    if (!orvo::isNull(record, "params"))
-        text += QLatin1Char(';') + orvo::textOf(record, "params");
+    QString text = orvo::textOf(record, orvo::field::name_);
+    if (!orvo::isNull(record, orvo::field::params))
+        text += QLatin1Char(';') + orvo::textOf(record, orvo::field::params);
     const QByteArray bytes = orvo::toRecord(text);
     // The host reads three machine words: a reserved one, the command, its argument.
-    std::array<const void*, 3> block{nullptr, "RUN_FILE", bytes.constData()};
+    std::array<const void*, 3> block{nullptr, orvo::runFileCommand, bytes.constData()};
     doCall(callRun, block.data());
 }

@@ -5,7 +5,6 @@
 #include "ui_OrvoResources.h"
 
 #include "frame/Notification.h"
-#include "frame/Records.h"
 #include "frame/ViewRows.h"
 #include "resources/Columns.h"
 
@@ -20,21 +19,13 @@ bool isCurrent(const QTreeView* view, const QModelIndex& row) {
 }
 
 QString folderKeyOf(const QModelIndex& row) {
-    return row.siblingAtColumn(ResColumn::FolderKey).data().toString();
+    return orvo::resources::textAt(row, ResColumn::FolderKey);
 }
 
-/// Whether a record bears the key of a fixed row. It gets no row here, and does nothing to that
-/// one, with which everything below it would go.
-bool isFixedKey(const QString& key) {
-    using namespace orvo::resources;
-    for (const char* fixed : {menuRootKey, fileRootKey, orphansKey})
-        if (orvo::sameText(key, QString::fromLatin1(fixed)))
-            return true;
-    return false;
-}
-
+/// The row of a record. One that bears the key of a fixed row gets none here, and does nothing to
+/// that row, with which everything below it would go.
 QModelIndex rowOfRecord(const ResTreeModel& model, const QString& key) {
-    return isFixedKey(key) ? QModelIndex() : model.findIndexByKey(key);
+    return orvo::resources::isFixedKey(key) ? QModelIndex() : model.findIndexByKey(key);
 }
 
 } // namespace
@@ -47,20 +38,45 @@ void OrvoResources::showRow(const QModelIndex& row) {
 }
 
 template <class Move>
-void OrvoResources::moveFolder(Move move) {
-    // A folder moves as a copy: indexes of rows below the one that goes are lost, and a view
-    // forgets a current row there without a word.
+void OrvoResources::moveRow(Move move, MoveKind kind) {
+    // A row moves as a copy of it and of all below it. Its old self goes, and with it indexes, the
+    // current row and the selection.
     QTreeView* view = m_ui->tvRes;
-    const QString newKey = m_resModel->getItemKeyLink(m_newItemIndex);
-    const QString currentKey = m_resModel->getItemKeyLink(view->currentIndex());
+    QItemSelectionModel* selection = view->selectionModel();
+    const QModelIndex current = view->currentIndex();
+    const QString currentKey = m_resModel->getItemKeyLink(current);
+    const bool selected =
+        current.isValid() && selection->isRowSelected(current.row(), current.parent());
+    const bool editHasRow = m_edit.row().isValid();
+    // Leaving the row would save what is being typed, here or elsewhere, before its time.
+    const bool keepsCurrent = kind == AmongSiblings || m_edit.isOpen();
+    m_following = keepsCurrent;
     move();
-    if (!newKey.isEmpty())
-        m_newItemIndex = m_resModel->findIndexByKey(newKey);
-    if (currentKey.isEmpty() || view->currentIndex().isValid())
-        return;
+    if (editHasRow && m_edit.isLost())
+        m_edit.follow(m_resModel->findIndexByKey(m_editKey));
     m_following = true;
-    view->setCurrentIndex(m_resModel->findIndexByKey(currentKey));
+    const QModelIndex now = view->currentIndex();
+    const bool lost =
+        kind == WithSubtree && !m_edit.isOpen()
+            ? !now.isValid()
+            : keepsCurrent && !orvo::sameText(m_resModel->getItemKeyLink(now), currentKey);
+    if (!currentKey.isEmpty() && lost)
+        selection->setCurrentIndex(m_resModel->findIndexByKey(currentKey),
+                                   selected
+                                       ? QItemSelectionModel::Select | QItemSelectionModel::Rows
+                                       : QItemSelectionModel::NoUpdate);
     m_following = false;
+}
+
+void OrvoResources::mergeEdit(const orvo::Notification& change, const MDRData* record,
+                              const QModelIndex& row) {
+    for (const auto& [column, typed] :
+         m_edit.merge(*m_resModel, row, change, record, fieldsOf(row)))
+        m_app->m_logModule->LogFile(
+            5, QStringLiteral("OrvoResources::MessageData"),
+            tr("%1: «%2» изменено другим, набранное «%3» не сохранено")
+                .arg(describe(row), m_resModel->headerData(column, Qt::Horizontal).toString(),
+                     typed.toString()));
 }
 
 bool OrvoResources::MessageData(MDXCliParam* prm) {
@@ -70,8 +86,10 @@ bool OrvoResources::MessageData(MDXCliParam* prm) {
     const orvo::Notification change(prm);
     if (!change.isTableEvent())
         return true;
-    const bool folder = change.isFor("MenuResourceFolder");
-    const bool resource = change.isFor("MenuResource");
+    const bool folder = change.isFor(orvo::table::MenuResourceFolder);
+    const bool resource = change.isFor(orvo::table::MenuResource);
+    if (folder || resource)
+        m_focusCame = m_focusCame || orvo::sameText(change.key(), m_focusKey);
     switch (change.action()) {
     case OrvoEventUpdate:
         if (folder)
@@ -80,9 +98,11 @@ bool OrvoResources::MessageData(MDXCliParam* prm) {
             resourceUpdated(change);
         break;
     case OrvoEventDelete:
-        if (folder || resource)
+        if (folder || resource) {
+            m_edit.forget(change.key());
             orvo::removeRecord(change, folder ? m_tabResFolder : m_tabResource, m_ui->tvRes,
                                rowOfRecord(*m_resModel, change.key()));
+        }
         break;
     case OrvoEventInsert:
         // What is stored of a form or a file is asked for when its row becomes current: the table
@@ -102,7 +122,11 @@ void OrvoResources::selectAgain(const QString& key) {
     const QPersistentModelIndex row(m_resModel->findIndexByKey(key));
     if (!row.isValid())
         return;
-    orvo::makeCurrentAnew(m_ui->tvRes, row);
+    // Leaving the row would save what is being typed, here or elsewhere, before its time.
+    if (m_edit.isOpen())
+        refreshPassport(row);
+    else
+        orvo::makeCurrentAnew(m_ui->tvRes, row);
     showRow(row);
 }
 
@@ -113,23 +137,27 @@ void OrvoResources::folderUpdated(const orvo::Notification& change) {
     if (!record || !row.isValid())
         return;
     const bool again = isCurrent(m_ui->tvRes, row);
-    const QString newParent = orvo::textOf(record, "ParentKey");
+    const QString newParent = orvo::textOf(record, orvo::field::ParentKey);
     const bool stays = orvo::sameText(newParent, folderKeyOf(row));
     const QModelIndex parent = row.parent();
     const int number = row.row();
     loadResFolderRow(parent, number, record);
-    const int32_t position = getResFolderPosition(key, newParent, orvo::integerOf(record, "type_"));
+    mergeEdit(change, record, row);
+    const int32_t position =
+        getResFolderPosition(key, newParent, orvo::integerOf(record, orvo::field::type_));
     if (!stays) {
         // Without a parent key the folder becomes a top row.
         if (position != -1)
-            moveFolder([&] {
-                m_resModel->moveItem(number, position, parent,
-                                     m_resModel->findIndexByKey(newParent));
-            });
+            moveRow(
+                [&] {
+                    m_resModel->moveItem(number, position, parent,
+                                         m_resModel->findIndexByKey(newParent));
+                },
+                WithSubtree);
         return;
     }
     if (position != -1)
-        moveFolder([&] { m_resModel->moveSiblingItem(number, position, parent); });
+        moveRow([&] { m_resModel->moveSiblingItem(number, position, parent); }, AmongSiblings);
     if (again)
         selectAgain(key);
 }
@@ -141,20 +169,27 @@ void OrvoResources::resourceUpdated(const orvo::Notification& change) {
     if (!record || !row.isValid())
         return;
     const bool again = isCurrent(m_ui->tvRes, row);
-    const QString newFolder = orvo::textOf(record, "MenuResourceFolderKey");
+    const QString newFolder = orvo::textOf(record, orvo::field::MenuResourceFolderKey);
     const bool stays = orvo::sameText(newFolder, folderKeyOf(row));
     const QModelIndex parent = row.parent();
     const int number = row.row();
     loadResItemRow(parent, number, record);
+    mergeEdit(change, record, row);
     const int count = getFolderCount(newFolder);
-    const int32_t position = getResItemPosition(key, newFolder, orvo::integerOf(record, "type_"));
+    const int32_t position =
+        getResItemPosition(key, newFolder, orvo::integerOf(record, orvo::field::type_));
     if (!stays) {
         if (position != -1)
-            m_resModel->moveItem(number, count + position, parent, folderRow(newFolder));
+            moveRow(
+                [&] {
+                    m_resModel->moveItem(number, count + position, parent, folderRow(newFolder));
+                },
+                ToAnotherParent);
         return;
     }
     if (position != -1)
-        m_resModel->moveSiblingItem(number, count + position, parent);
+        moveRow([&] { m_resModel->moveSiblingItem(number, count + position, parent); },
+                AmongSiblings);
     if (again)
         selectAgain(key);
 }
@@ -170,10 +205,11 @@ void OrvoResources::folderInserted(const orvo::Notification& change) {
     const QModelIndex parent = row.parent();
     const int number = row.row();
     loadResFolderRow(parent, number, record);
-    const int32_t position = getResFolderPosition(key, orvo::textOf(record, "ParentKey"),
-                                                  orvo::integerOf(record, "type_"));
+    mergeEdit(change, record, row);
+    const int32_t position = getResFolderPosition(key, orvo::textOf(record, orvo::field::ParentKey),
+                                                  orvo::integerOf(record, orvo::field::type_));
     if (position != -1)
-        moveFolder([&] { m_resModel->moveSiblingItem(number, position, parent); });
+        moveRow([&] { m_resModel->moveSiblingItem(number, position, parent); }, AmongSiblings);
     if (again)
         selectAgain(key);
 }
@@ -181,19 +217,22 @@ void OrvoResources::folderInserted(const orvo::Notification& change) {
 void OrvoResources::resourceInserted(const orvo::Notification& change) {
     MDRData* record = orvo::createAndMerge(change.event(), &m_tabResource);
     const QString key = change.key();
-    if (!record || isFixedKey(key))
+    if (!record || orvo::resources::isFixedKey(key))
         return;
-    const QString folderKey = orvo::textOf(record, "MenuResourceFolderKey");
+    const QString folderKey = orvo::textOf(record, orvo::field::MenuResourceFolderKey);
     const int count = getFolderCount(folderKey);
-    const int32_t position = getResItemPosition(key, folderKey, orvo::integerOf(record, "type_"));
+    const int32_t position =
+        getResItemPosition(key, folderKey, orvo::integerOf(record, orvo::field::type_));
     const QModelIndex row = rowOfRecord(*m_resModel, key);
     if (row.isValid()) {
         const bool again = isCurrent(m_ui->tvRes, row);
         const QModelIndex parent = row.parent();
         const int number = row.row();
         loadResItemRow(parent, number, record);
+        mergeEdit(change, record, row);
         if (position != -1)
-            m_resModel->moveSiblingItem(number, count + position, parent);
+            moveRow([&] { m_resModel->moveSiblingItem(number, count + position, parent); },
+                    AmongSiblings);
         if (again)
             selectAgain(key);
         return;

@@ -3,7 +3,6 @@
 #include "resources/OrvoResources.h"
 
 #include "frame/CommonFunctions.h"
-#include "frame/Records.h"
 #include "frame/ScratchTable.h"
 #include "frame/ViewRows.h"
 #include "frame/WindowParts.h"
@@ -104,7 +103,7 @@ bool OrvoResources::ModuleStart() {
     setActionsDisabled();
     m_btnSave->setEnabled(false);
     m_btnCancel->setEnabled(false);
-    m_editState = Idle;
+    m_edit.end();
     return true;
 }
 
@@ -117,7 +116,8 @@ void OrvoResources::MessageOn() {
         MessageGet();
         m_quiet = nullptr;
     }
-    if (!m_focusKey.isEmpty())
+    // Not before its own change has come: what others do makes no row current.
+    if (!m_focusKey.isEmpty() && m_focusCame)
         setResFocusedItemAfterChanges();
 }
 
@@ -129,6 +129,7 @@ void OrvoResources::setResFocusedItemAfterChanges() {
         return;
     m_ui->tvRes->setCurrentIndex(row);
     m_focusKey.clear();
+    m_focusCame = false;
 }
 
 bool OrvoResources::fetch(const char* name, CMDArray& table, const char* place) {
@@ -138,24 +139,23 @@ bool OrvoResources::fetch(const char* name, CMDArray& table, const char* place) 
 }
 
 bool OrvoResources::loadTables() {
-    if (!fetch("MenuResource", m_tabResource, "OrvoResources::loadTables->MenuResource"))
+    if (!fetch(orvo::table::MenuResource, m_tabResource, "OrvoResources::loadTables->MenuResource"))
         return false;
-    orvo::setKeys(m_tabResource,
-                  {"type_;MenuResourceFolderKey;name_", "type_;name_", "MenuResourceFolderKey"});
-    if (!fetch("MenuResourceFolder", m_tabResFolder,
+    orvo::setKeys(m_tabResource, orvo::keylist::MenuResource);
+    if (!fetch(orvo::table::MenuResourceFolder, m_tabResFolder,
                "OrvoResources::loadTables->MenuResourceFolder"))
         return false;
-    orvo::setKeys(m_tabResFolder, {"type_;ParentKey;caption", "type_;caption", "ParentKey"});
-    if (!fetch("Users", m_tabUsers, "OrvoResources::loadTables->Users"))
+    orvo::setKeys(m_tabResFolder, orvo::keylist::MenuResourceFolder);
+    if (!fetch(orvo::table::Users, m_tabUsers, "OrvoResources::loadTables->Users"))
         return false;
-    orvo::setKeys(m_tabUsers, {"login_"});
-    if (!fetch("MenuFileExt", m_tabFileExt, "OrvoResources::loadTables->MenuFileExt"))
+    orvo::setKeys(m_tabUsers, orvo::keylist::Users);
+    if (!fetch(orvo::table::MenuFileExt, m_tabFileExt, "OrvoResources::loadTables->MenuFileExt"))
         return false;
     orvo::setKeys(m_tabFileExt);
     if (!fetchUser())
         return false;
     const auto structure = [&](COrvoCliSes* session, QString* error) {
-        return GetTableStructure(session, "MenuResource", m_tabOrphans, error);
+        return GetTableStructure(session, orvo::table::MenuResource, m_tabOrphans, error);
     };
     if (!orvo::fetchOrLog(*this, "OrvoResources::loadTables->MenuResource", structure))
         return false;
@@ -179,13 +179,13 @@ bool OrvoResources::fetchUser() {
 }
 
 void OrvoResources::findOrphans() {
-    constexpr int form = orvo::resources::Form;
+    constexpr int form = orvo::Kind::Form;
     orvo::walkGroup(m_tabResource, 1, KeyValues().integer(form), [&](const MDRData* record) {
-        if (orvo::integerOf(record, "type_") != form)
+        if (orvo::integerOf(record, orvo::field::type_) != form)
             return false;
         const bool hasFolder =
-            orvo::isNull(record, "MenuResourceFolderKey") ||
-            orvo::seekKey(m_tabResFolder, orvo::textOf(record, "MenuResourceFolderKey"));
+            orvo::isNull(record, orvo::field::MenuResourceFolderKey) ||
+            orvo::seekKey(m_tabResFolder, orvo::textOf(record, orvo::field::MenuResourceFolderKey));
         if (!hasFolder)
             orvo::RowWriter(m_tabOrphans, MDARecNew(m_tabOrphans.array)).copyAll(record);
         return true;

@@ -10,7 +10,8 @@
 // current row or the selection does), Tree (filling, rows, positions), Passports, Notifications
 // (what comes back from the server), Extraction (paths, files to the disk, opening a form),
 // Creating (new rows, edits of the passport, the icon picker), Saving (save and cancel), Upload,
-// Deletion, Search, Clipboard (cut, paste and drops), Diagnostics (the tables as text).
+// Deletion, Search, Clipboard (cut, paste and drops), Diagnostics (the tables as text). Beside the
+// window: ResourceEdit (the open edit), Fields (columns and fields), Columns (what rows are).
 #ifndef ORVO_RESOURCES_ORVORESOURCES_H
 #define ORVO_RESOURCES_ORVORESOURCES_H
 
@@ -19,6 +20,7 @@
 #include "models/RowSearch.h"
 #include "models/models.h"
 #include "picker/ObjectListOwner.h"
+#include "resources/ResourceEdit.h"
 
 #include <QList>
 #include <QPersistentModelIndex>
@@ -26,7 +28,9 @@
 #include <QStringList>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 class CPopObjectList;
@@ -44,6 +48,10 @@ namespace orvo {
 class Notification;
 class QuietViews;
 } // namespace orvo
+
+namespace orvo::editor {
+class RecordFields;
+}
 
 class OrvoResources : public COrvoCliMod, public orvo::ObjectListOwner {
     Q_OBJECT
@@ -68,19 +76,21 @@ public:
     const CMDArray* resourceFolderTable() const override { return &m_tabResFolder; }
 
 protected:
-    /// What is being edited. There is one edit at a time.
-    enum EditState : uint32_t {
-        Idle = 0,
-        NewRow = 1,  ///< m_newItemIndex stands in the tree, not yet saved
-        EditRow = 2, ///< a value of the row m_editKey was changed in the passport
-    };
+    using ResourceEdit = orvo::resources::ResourceEdit;
+    static constexpr uint32_t Idle = ResourceEdit::Idle;
+    static constexpr uint32_t NewRow = ResourceEdit::NewRow;
+    static constexpr uint32_t EditRow = ResourceEdit::EditRow;
+
+    /// What is being edited. There is one edit at a time; its state is written by it alone, and
+    /// m_editState, m_editObject, m_editCaption, m_editKey and m_newItemIndex show it.
+    ResourceEdit m_edit;
 
     QTextCodec* m_codec; ///< "Windows-1251", for every text to and from a table; not owned
     QString m_userProp0; ///< what the server tells of the user first and second; nothing reads it
     QString m_userProp1;
     QString m_userLogin;
     QClipboard* m_clipboard; ///< the application's, not owned
-    uint32_t m_editState = Idle;
+    const uint32_t& m_editState = m_edit.state();
     QToolButton* m_btnCreate = nullptr; ///< these widgets are children of the window
     QToolButton* m_btnSave = nullptr;
     QToolButton* m_btnCancel = nullptr;
@@ -101,15 +111,15 @@ protected:
     std::unique_ptr<PropModel> m_propModel;
     std::unique_ptr<PasspDelegate> m_passpDelegate;
     CPopObjectList* m_popList =
-        nullptr;          ///< the icon picker, child of the window, made on first use
-    QString m_popTarget;  ///< passport row that opened the picker
-    QString m_editObject; ///< of the open edit, as last typed
-    QString m_editCaption;
+        nullptr;         ///< the icon picker, child of the window, made on first use
+    QString m_popTarget; ///< passport row that opened the picker
+    const QString& m_editObject = m_edit.object(); ///< of the open edit, as last typed
+    const QString& m_editCaption = m_edit.caption();
     std::unique_ptr<RowSearch> m_searchHits; ///< in m_resModel, and null as long as it is
     int32_t m_searchPos = 0;                 ///< may stand one place past either end
     QString m_currentKey;                    ///< key of the current row of tvRes
-    QString m_editKey;                       ///< key of the row edited in EditRow
-    QPersistentModelIndex m_newItemIndex;    ///< the row of NewRow; invalid once it is gone
+    const QString& m_editKey = m_edit.key(); ///< key of the row that is edited
+    const QPersistentModelIndex& m_newItemIndex = m_edit.newRow(); ///< invalid once it is gone
     QString m_focusKey; ///< row to make current after the next notifications; null: none
     std::unique_ptr<Ui_OrvoResources> m_ui;
 
@@ -163,7 +173,7 @@ protected:
     void loadResourceToTable(const QModelIndex& index, orvo::ScratchTable& out,
                              MdxRecordFlag flag) const;
 
-    // Paths in the stores: captions joined by "/", none at either end
+    // Paths in the stores: captions as the rows show them, joined by "/"
     /// Of the folder of a form, from level 2 down to it; empty at level 1.
     QString getFormPath(const QModelIndex& index) const;
     /// Of a row of the file area, from level 1 down to its folder; a folder's own caption too.
@@ -227,6 +237,15 @@ private:
     // Actions
     /// Switches all actions off but these.
     void enableOnly(const QList<QAction*>& actions);
+    /// What the rules allow on a row, whatever is switched on at the moment; nothing for rows of
+    /// which they say nothing.
+    std::optional<QList<QAction*>> menuActions(const QModelIndex& row) const;
+    QList<QAction*> systemActions(const QModelIndex& row) const;
+    /// Whether an action is allowed on a row. The switches tell of the row that was current when
+    /// they were set: an action that acts judges its row anew.
+    bool permits(QAction* action, const QModelIndex& row) const;
+    /// Says in a box why something is not done.
+    void refuse(const QString& reason);
 
     // Tree
     /// Rows for the folders or the resources of a folder, below `parent` or at the top of the
@@ -243,6 +262,22 @@ private:
     /// A row without a record.
     QModelIndex addFixedRow(const QModelIndex& parent, const char* key, const QString& caption,
                             int type);
+    /// The fields behind a row.
+    const orvo::editor::RecordFields& fieldsOf(const QModelIndex& row) const;
+    /// A row in words: what it is, its caption, and the resource if that is another word.
+    QString describe(const QModelIndex& row) const;
+    /// Keys by which the records of a folder name it; the top of the file area has two.
+    QStringList folderLinks(const QString& folderKey, int type) const;
+    /// Whether a sub-folder with another key has that caption: among the rows below a folder, and
+    /// among the records with one of these links.
+    bool hasFolderRow(const QModelIndex& parent, const QString& caption,
+                      const QString& exceptKey) const;
+    bool hasFolderRecord(const QStringList& links, const QString& caption,
+                         const QString& exceptKey) const;
+    /// Whether a folder of the file area has another sub-folder or file of that name. Folders are
+    /// told apart without regard to case, files by every letter.
+    bool hasNamesake(const QModelIndex& folder, bool isFolder, const QString& name,
+                     const QString& exceptKey) const;
     /// The columns of a row; invalid where the row keeps what it has.
     QVector<QVariant> folderValues(const MDRData* record) const;
     QVector<QVariant> itemValues(const MDRData* record) const;
@@ -252,29 +287,50 @@ private:
 
     // Passports
     void showPassport(const QModelIndex& index);
+    /// Shows the values of a row anew in the passport that stands there, open editors included.
+    void refreshPassport(const QModelIndex& row);
+    void addPassportRows(const QModelIndex& index);
     /// A category for each stored file of a tool's reply.
     void addFileRows(const CMDArray& files, const QString& timeFormat);
     /// A time of the server, in local time; a null string for NULL.
     QString timeText(const MDRData* record, MDRField field, const QString& format) const;
 
     // Creating and saving
-    void addRow(const QString& caption, bool isFolder);
+    void addRow(QAction* action, const QString& caption);
     /// Saves the open edit because another one is to begin. An edit whose row is gone just ends.
     /// False if it stays open: its name is refused, or the server gave no structure.
     bool finishEdit();
-    /// Whether another client removed the row that the open edit is about.
-    bool editIsLost() const;
+    /// Saves the open edit if it is of a folder on the way to a row, before anything is done there:
+    /// a name that was typed and not saved may lead to another folder. False as in finishEdit.
+    bool settlePath(const QModelIndex& row);
     void endEdit();
-    void saveRow(const QModelIndex& row, MdxRecordFlag flag);
+    /// Saves the open edit. Gives the reason if its name may not be used, and then nothing happens.
+    QString saveEdit();
+    /// Why the edited row may not be saved; empty if it may.
+    QString nameRefusal(const QModelIndex& row);
     void cancelEdit();
 
     // Deletion
-    void deleteRecord(const char* table, const QString& key);
+    /// Makes what is highlighted and what is current the same thing, if they differ.
+    void agreeOnSelection();
+    void deleteFolder(const QModelIndex& folder);
+    /// Whether a folder is empty by the rows, by the tables and by the server, which knows what
+    /// others have put there.
+    bool isEmptyFolder(const QModelIndex& folder);
+    bool hasRecords(const char* table, int keyNumber, const QString& key);
+    /// What the server has of a table by one of its keys.
+    void lookUp(const char* table, int keyNumber, const QString& key,
+                const std::function<void(const CMDArray& found)>& use);
+    /// The names of what a question is about.
+    QString questionDetails(const QModelIndex& current) const;
+    void deleteRecords(const char* table, const QStringList& keys);
+    /// Whether another record bears the name by which the tools would find that one.
+    bool isAmbiguous(const QModelIndex& row) const;
     /// Of the selected rows.
     void deleteForms();
     void deleteFiles();
-    /// Whether elements of any menu start that resource; asks the server.
-    bool isInMenus(const QString& key);
+    /// Whether elements of any menu start that resource; asks the server. The log names them.
+    bool isInMenus(const QModelIndex& row);
     void showReferenceError();
 
     // Upload
@@ -300,23 +356,38 @@ private:
     /// Asks the server to have the rows in that folder, each once; keys without a row are passed
     /// over. The last one gets the focus when it has moved.
     void sendToFolder(const QStringList& keys, const QString& folder, LinkWriter writeLink);
+    /// Why a row may not go into a folder; empty if it may.
+    QString moveRefusal(const QModelIndex& row, const QModelIndex& target) const;
+    /// The same of several rows: the first reason.
+    QString moveRefusal(const QStringList& keys, const QModelIndex& target) const;
+    /// Whether it is a folder that the records of a kind hang on, at the top of the menu area.
+    bool isTopFolder(const QModelIndex& row) const;
 
     // Notifications
     orvo::QuietViews* m_quiet = nullptr; ///< while MessageOn takes them; not owned
     /// Scrolls to a row, of several in one MessageOn to the last.
     void showRow(const QModelIndex& row);
-    /// The caption of a folder as the server has it; of a row without a record as it is shown.
-    QString storedCaption(const QModelIndex& index) const;
-    /// Moves a folder by calling `move`; the new row and the current row, if they lie below it, are
-    /// taken along, and an edit there stays open.
+    enum MoveKind {
+        AmongSiblings,
+        ToAnotherParent, ///< of a resource
+        WithSubtree,     ///< of a folder to another parent
+    };
+    /// Moves a row by calling `move`. A row moves as a copy: the edited row is taken along if it is
+    /// that one or below it. The current row is, too, while an edit is open and among siblings;
+    /// otherwise only if it stood below a folder.
     template <class Move>
-    void moveFolder(Move move);
+    void moveRow(Move move, MoveKind kind);
     bool m_following = false; ///< the current row is made current again in its new place
+    bool m_focusCame = false; ///< a change of m_focusKey has come since it was set
+    /// What was typed into the row of a change goes back into it; what somebody else has replaced
+    /// is named in the log.
+    void mergeEdit(const orvo::Notification& change, const MDRData* record, const QModelIndex& row);
     void folderUpdated(const orvo::Notification& change);
     void folderInserted(const orvo::Notification& change);
     void resourceUpdated(const orvo::Notification& change);
     void resourceInserted(const orvo::Notification& change);
-    /// Makes the row of that key current anew, with a fresh passport.
+    /// Shows the row of that key anew, which is current. Without an edit it is made current once
+    /// more; an edit is not to be left for that.
     void selectAgain(const QString& key);
 };
 

@@ -5,9 +5,9 @@
 #include "ui_OrvoResources.h"
 
 #include "frame/CommonFunctions.h"
-#include "frame/Records.h"
 #include "models/Passport.h"
 #include "resources/Columns.h"
+#include "resources/Fields.h"
 
 #include <QTreeView>
 
@@ -35,47 +35,62 @@ void OrvoResources::showPassport(const QModelIndex& index) {
         loadItemPassport(index);
 }
 
+void OrvoResources::addPassportRows(const QModelIndex& index) {
+    const bool folder = orvo::resources::isFolder(index);
+    const bool isNew = index.siblingAtColumn(ResColumn::IsNew).data().toBool();
+    std::vector<orvo::PassportRow> rows;
+    for (const orvo::editor::RecordField* field :
+         fieldsOf(index).passport(folder ? orvo::editor::FolderRows : orvo::editor::ItemRows)) {
+        const orvo::editor::PassportCell& cell = field->passport;
+        QVariant value = index.siblingAtColumn(field->column).data();
+        if (field->column == ResColumn::Type)
+            value = folder ? tr("папка") : convertMenuAttributes(value.toInt());
+        // A resource is named once and for all.
+        const bool named = field->column == ResColumn::Name && !isNew;
+        rows.push_back({QString::fromLatin1(cell.row), tr(cell.caption), cell.editor,
+                        cell.readOnly || named, value});
+    }
+    orvo::addPassportCategory(*m_propModel, QStringLiteral("properties"), tr("Свойства"), rows);
+}
+
+void OrvoResources::refreshPassport(const QModelIndex& row) {
+    for (const orvo::editor::RecordField& field : fieldsOf(row)) {
+        if (!field.isEditable())
+            continue;
+        const QString name = QString::fromLatin1(field.passport.row);
+        const QModelIndex cell = m_propModel->findIndexByKey(name).siblingAtColumn(valueColumn);
+        const QVariant value = row.siblingAtColumn(field.column).data();
+        if (cell.data() == value || !m_propModel->setRowValue(name, value))
+            continue;
+        if (QWidget* editor = m_ui->tvProp->indexWidget(cell))
+            m_passpDelegate->setEditorData(editor, cell);
+    }
+    m_ui->tvProp->viewport()->update();
+}
+
 void OrvoResources::loadFolderPassport(const QModelIndex& index) {
     if (!index.isValid())
         return;
-    const auto value = [&](int column) { return index.sibling(index.row(), column).data(); };
-    const QModelIndex category = orvo::addPassportCategory(
-        *m_propModel, QStringLiteral("properties"), tr("Свойства"),
-        {{QStringLiteral("keylink"), tr("Идентификатор"), MyEditorLine, true,
-          value(ResColumn::KeyLink)},
-         {QStringLiteral("type"), tr("Тип"), MyEditorLine, true, tr("папка")},
-         {QStringLiteral("caption"), tr("Наименование"), MyEditorLine, false,
-          value(ResColumn::Caption)}});
+    addPassportRows(index);
+    const QModelIndex category = m_propModel->index(m_propModel->rowCount() - 1, 0);
     m_ui->tvProp->expand(category);
     // A new folder can be named at once.
-    if (value(ResColumn::IsNew).toBool())
+    if (index.siblingAtColumn(ResColumn::IsNew).data().toBool())
         m_ui->tvProp->edit(m_propModel->index(captionRow, valueColumn, category));
 }
 
 void OrvoResources::loadItemPassport(const QModelIndex& index) {
     if (!index.isValid())
         return;
-    const auto value = [&](int column) { return index.sibling(index.row(), column).data(); };
-    const int type = value(ResColumn::Type).toInt();
-    const QString name = value(ResColumn::Name).toString();
-    const QModelIndex category = orvo::addPassportCategory(
-        *m_propModel, QStringLiteral("properties"), tr("Свойства"),
-        {{QStringLiteral("keylink"), tr("Идентификатор"), MyEditorLine, true,
-          value(ResColumn::KeyLink)},
-         {QStringLiteral("type"), tr("Тип"), MyEditorLine, true, convertMenuAttributes(type)},
-         {QStringLiteral("caption"), tr("Наименование"), MyEditorLine, false,
-          value(ResColumn::Caption)},
-         {QStringLiteral("object"), tr("Объект"), MyEditorLine, !value(ResColumn::IsNew).toBool(),
-          name},
-         {QStringLiteral("icon"), tr("Иконка"), MyEditorButton, false, value(ResColumn::Icon)},
-         {QStringLiteral("params"), tr("Параметры"), MyEditorLine, false,
-          value(ResColumn::Params)}});
-    switch (type) {
-    case orvo::resources::Module:
-    case orvo::resources::Function:
+    addPassportRows(index);
+    const QModelIndex category = m_propModel->index(m_propModel->rowCount() - 1, 0);
+    const QString name = orvo::resources::textAt(index, ResColumn::Name);
+    switch (orvo::resources::kindOf(index)) {
+    case orvo::Kind::Module:
+    case orvo::Kind::Function:
         m_ui->tvProp->expand(category);
         break;
-    case orvo::resources::Form: {
+    case orvo::Kind::Form: {
         CToolFormGet tool(this);
         tool.formName = name;
         tool.withData = false;
@@ -84,7 +99,7 @@ void OrvoResources::loadItemPassport(const QModelIndex& index) {
         expandTopRows(m_ui->tvProp);
         break;
     }
-    case orvo::resources::File: {
+    case orvo::Kind::File: {
         CToolFileList tool(this);
         tool.name = name;
         tool.path = getFilePath(index.parent());

@@ -7,25 +7,16 @@
 #include "frame/Records.h"
 #include "frame/ScratchTable.h"
 #include "frame/ViewRows.h"
-#include "frame/WindowParts.h"
 #include "resources/Columns.h"
+#include "resources/Fields.h"
 
 #include <QToolButton>
 
 using orvo::KeyValues;
+using orvo::resources::isFolder;
+using orvo::resources::kindOf;
 using orvo::resources::ResColumn;
-
-namespace {
-
-QVariant valueAt(const QModelIndex& row, int column) {
-    return row.siblingAtColumn(column).data();
-}
-
-QString textAt(const QModelIndex& row, int column) {
-    return valueAt(row, column).toString();
-}
-
-} // namespace
+using orvo::resources::textAt;
 
 bool OrvoResources::checkResourceName(const QString& name, const QModelIndex& index,
                                       QString* message) {
@@ -33,13 +24,19 @@ bool OrvoResources::checkResourceName(const QString& name, const QModelIndex& in
         *message = tr("Свойство Объект не может быть пустым. Данные не сохранены.");
         return false;
     }
-    // Unique among all of its kind, in whatever folder.
-    const int type = valueAt(index, ResColumn::Type).toInt();
-    if (orvo::seek(m_tabResource, 2, KeyValues().integer(type).text(name))) {
-        *message = tr("Такой ресурс уже существует. Данные не сохранены.");
-        return false;
+    // Unique among all of its kind, in whatever folder. What this window has saved a moment ago is
+    // in its rows before it is in the table.
+    const int type = kindOf(index);
+    bool taken = orvo::seek(m_tabResource, 2, KeyValues().integer(type).text(name)) != nullptr;
+    for (const QString& key : m_edit.expected()) {
+        const QModelIndex row = m_resModel->findIndexByKey(key);
+        taken = taken || (row.isValid() && !isFolder(row) && kindOf(row) == type &&
+                          row != index.siblingAtColumn(0) &&
+                          orvo::sameText(textAt(row, ResColumn::Name), name));
     }
-    return true;
+    if (taken)
+        *message = tr("Такой ресурс уже существует. Данные не сохранены.");
+    return !taken;
 }
 
 bool OrvoResources::checkResFolderName(const QString& caption, const QModelIndex& index,
@@ -50,134 +47,155 @@ bool OrvoResources::checkResFolderName(const QString& caption, const QModelIndex
     }
     // A folder that is saved again is among these itself: its old name is taken.
     const QString parentKey = textAt(index, ResColumn::FolderKey);
-    bool taken = false;
-    orvo::walkGroup(m_tabResFolder, 3, KeyValues().textOrNull(parentKey),
-                    [&](const MDRData* record) {
-                        if (!orvo::holdsText(record, "ParentKey", parentKey))
-                            return false;
-                        taken = orvo::holdsText(record, "caption", caption);
-                        return !taken;
-                    });
+    const bool taken = hasFolderRow(index.parent(), caption, textAt(index, ResColumn::KeyLink)) ||
+                       hasFolderRecord(folderLinks(parentKey, kindOf(index)), caption, QString());
     if (taken)
         *message =
             tr("Папка с таким именем уже существует у данного родителя. Данные не сохранены.");
     return !taken;
 }
 
+QStringList OrvoResources::folderLinks(const QString& folderKey, int type) const {
+    const QString files = QString::fromLatin1(orvo::rowkey::files);
+    const bool top = folderKey.isEmpty() || orvo::sameText(folderKey, files);
+    return type == orvo::Kind::File && top ? QStringList{QString(), files} : QStringList{folderKey};
+}
+
+bool OrvoResources::hasFolderRow(const QModelIndex& parent, const QString& caption,
+                                 const QString& exceptKey) const {
+    // What this window has just named is in its rows before it is in the table.
+    for (int number = 0; number < m_resModel->rowCount(parent); ++number) {
+        const QModelIndex row = m_resModel->index(number, 0, parent);
+        if (!isFolder(row))
+            break; // folders come first
+        if (orvo::sameText(textAt(row, ResColumn::Caption), caption) &&
+            !orvo::sameText(textAt(row, ResColumn::KeyLink), exceptKey))
+            return true;
+    }
+    return false;
+}
+
+bool OrvoResources::hasFolderRecord(const QStringList& links, const QString& caption,
+                                    const QString& exceptKey) const {
+    bool found = false;
+    for (const QString& link : links)
+        orvo::walkGroup(m_tabResFolder, 3, KeyValues().textOrNull(link),
+                        [&](const MDRData* record) {
+                            if (!orvo::holdsText(record, orvo::field::ParentKey, link))
+                                return false;
+                            found = orvo::holdsText(record, orvo::field::caption, caption) &&
+                                    !orvo::holdsText(record, orvo::field::KeyLink, exceptKey);
+                            return !found;
+                        });
+    return found;
+}
+
 void OrvoResources::loadResFolderToTable(const QModelIndex& index, orvo::ScratchTable& out,
                                          MdxRecordFlag flag) const {
-    out.add(flag)
-        .text("KeyLink", textAt(index, ResColumn::KeyLink))
-        .text("ParentKey", textAt(index, ResColumn::FolderKey))
-        .integer("type_", valueAt(index, ResColumn::Type).toInt())
-        .text("caption", textAt(index, ResColumn::Caption));
+    orvo::RowWriter record = out.add(flag);
+    for (const orvo::editor::RecordField& field : orvo::resources::folderFields())
+        field.write(record, index.siblingAtColumn(field.column).data());
 }
 
 void OrvoResources::loadResourceToTable(const QModelIndex& index, orvo::ScratchTable& out,
                                         MdxRecordFlag flag) const {
-    out.add(flag)
-        .text("KeyLink", textAt(index, ResColumn::KeyLink))
-        .text("MenuResourceFolderKey", textAt(index, ResColumn::FolderKey))
-        .text("name_", textAt(index, ResColumn::Name))
-        .integer("type_", valueAt(index, ResColumn::Type).toInt())
-        .text("caption", textAt(index, ResColumn::Caption))
-        .text("params", textAt(index, ResColumn::Params))
-        .text("ico", textAt(index, ResColumn::Icon));
+    orvo::RowWriter record = out.add(flag);
+    for (const orvo::editor::RecordField& field : orvo::resources::itemFields()) {
+        if (!field.name)
+            continue;
+        const QVariant value = index.siblingAtColumn(field.column).data();
+        const MDRData* stored =
+            value.isValid() ? nullptr
+                            : orvo::seekKey(m_tabResource, textAt(index, ResColumn::KeyLink));
+        // A form without a folder shows no icon. It has one all the same.
+        if (stored)
+            record.copy(field.name, stored);
+        else
+            field.write(record, value);
+    }
 }
 
 void OrvoResources::on_save_pressed() {
-    switch (m_editState) {
-    case NewRow:
-        if (m_newItemIndex.isValid())
-            saveRow(m_newItemIndex, MDX_INSERT);
-        break;
-    case EditRow: {
-        const QModelIndex row = m_resModel->findIndexByKey(m_editKey);
-        if (row.isValid())
-            saveRow(row, MDX_UPDATE);
-        break;
-    }
-    default:
-        break;
-    }
+    const QString refusal = saveEdit();
+    if (!refusal.isEmpty())
+        refuse(refusal);
 }
 
-void OrvoResources::saveRow(const QModelIndex& row, MdxRecordFlag flag) {
-    const bool isFolder = orvo::resources::isFolder(row);
+QString OrvoResources::nameRefusal(const QModelIndex& row) {
     QString message;
-    // The name of an existing resource is not the user's to change.
-    const bool named = isFolder
-                           ? checkResFolderName(m_editCaption, row, &message)
-                           : flag != MDX_INSERT || checkResourceName(m_editObject, row, &message);
-    if (!named) {
-        orvo::showError(*this, message, "1on_common_error_message(QAbstractButton*)");
-        return;
-    }
-    orvo::ScratchTable out(*m_app->m_session, isFolder ? "MenuResourceFolder" : "MenuResource");
+    if (isFolder(row))
+        checkResFolderName(m_editCaption, row, &message);
+    else if (m_editState == NewRow) // the name of an existing resource is not the user's to change
+        checkResourceName(m_editObject, row, &message);
+    return message;
+}
+
+QString OrvoResources::saveEdit() {
+    const QModelIndex row = m_edit.row();
+    if (!row.isValid())
+        return {};
+    const QString refusal = nameRefusal(row);
+    if (!refusal.isEmpty())
+        return refusal;
+    const bool folder = isFolder(row);
+    orvo::ScratchTable out(*m_app->m_session,
+                           folder ? orvo::table::MenuResourceFolder : orvo::table::MenuResource);
     if (!out.fetch())
-        return;
-    if (isFolder)
+        return {};
+    const MdxRecordFlag flag = m_editState == NewRow ? MDX_INSERT : MDX_UPDATE;
+    if (folder)
         loadResFolderToTable(row, out, flag);
     else
         loadResourceToTable(row, out, flag);
-    if (flag == MDX_INSERT)
-        m_newItemIndex = QModelIndex();
+    m_edit.saved();
     endEdit();
     out.send();
+    return {};
 }
 
 void OrvoResources::endEdit() {
-    m_editState = Idle;
+    m_edit.end();
     m_btnSave->setEnabled(false);
     m_btnCancel->setEnabled(false);
 }
 
-bool OrvoResources::editIsLost() const {
-    switch (m_editState) {
-    case NewRow:
-        return !m_newItemIndex.isValid();
-    case EditRow:
-        return !m_resModel->findIndexByKey(m_editKey).isValid();
-    default:
-        return false;
-    }
-}
-
 bool OrvoResources::finishEdit() {
     on_save_pressed();
-    if (editIsLost())
+    if (m_edit.isLost())
         endEdit();
-    return m_editState == Idle;
+    return !m_edit.isOpen();
+}
+
+bool OrvoResources::settlePath(const QModelIndex& row) {
+    for (QModelIndex at = row.siblingAtColumn(0); at.isValid(); at = at.parent())
+        if (at == m_edit.row() && isFolder(at))
+            return finishEdit();
+    return true;
 }
 
 void OrvoResources::on_cancel_pressed() {
     m_btnSave->setEnabled(false);
     m_btnCancel->setEnabled(false);
-    switch (m_editState) {
-    case NewRow:
-        if (!m_newItemIndex.isValid())
-            return;
-        m_editState = Idle;
-        orvo::removePlaceholder(m_ui->tvRes, m_newItemIndex);
-        break;
-    case EditRow:
+    if (m_editState == NewRow && m_newItemIndex.isValid()) {
+        const QPersistentModelIndex row = m_newItemIndex;
+        m_edit.end();
+        orvo::removePlaceholder(m_ui->tvRes, row);
+    } else if (m_editState == EditRow) {
         cancelEdit();
-        break;
-    default:
-        break;
     }
 }
 
 void OrvoResources::cancelEdit() {
-    const QPersistentModelIndex row(m_resModel->findIndexByKey(m_editKey));
+    const QPersistentModelIndex row(m_edit.row());
     if (!row.isValid())
         return;
-    m_editState = Idle;
-    const bool isFolder = orvo::resources::isFolder(row);
-    MDRData* record = orvo::seekKey(isFolder ? m_tabResFolder : m_tabResource, m_editKey);
+    const QString key = m_editKey;
+    m_edit.end();
+    const bool folder = isFolder(row);
+    MDRData* record = orvo::seekKey(folder ? m_tabResFolder : m_tabResource, key);
     if (!record)
         return;
-    if (isFolder)
+    if (folder)
         loadResFolderRow(row.parent(), row.row(), record);
     else
         loadResItemRow(row.parent(), row.row(), record);

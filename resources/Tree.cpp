@@ -6,20 +6,21 @@
 
 #include "frame/CommonFunctions.h"
 #include "frame/FolderWalk.h"
-#include "frame/Records.h"
 #include "frame/Siblings.h"
 #include "frame/ViewRows.h"
 #include "resources/Columns.h"
+#include "resources/Fields.h"
 
 #include <QTreeView>
 
 using orvo::KeyValues;
+using orvo::Kind;
 using orvo::resources::ResColumn;
 
 namespace {
 
-constexpr char folderParent[] = "ParentKey";
-constexpr char resourceParent[] = "MenuResourceFolderKey";
+constexpr auto& folderParent = orvo::field::ParentKey;
+constexpr auto& resourceParent = orvo::field::MenuResourceFolderKey;
 
 QString keyOf(const TabRec* row) {
     return row->data(ResColumn::KeyLink).toString();
@@ -33,7 +34,7 @@ struct Group {
 
     KeyValues start() const { return KeyValues().integer(type).textOrNull(parentKey); }
     bool holds(const MDRData* record) const {
-        return orvo::integerOf(record, "type_") == type &&
+        return orvo::integerOf(record, orvo::field::type_) == type &&
                orvo::holdsText(record, parentField, parentKey);
     }
 };
@@ -55,7 +56,7 @@ int32_t positionOf(const CMDArray& table, const QString& key, const Group& group
     if (!own || !group.holds(own))
         return -1;
     KeyValues exact;
-    for (const char* field : {"type_", group.parentField, nameField})
+    for (const char* field : {orvo::field::type_, group.parentField, nameField})
         orvo::addField(exact, own, field);
     return orvo::siblingPosition(table, 1, group.start(), key, own, exact,
                                  [&](const MDRData* record) { return group.holds(record); });
@@ -64,12 +65,13 @@ int32_t positionOf(const CMDArray& table, const QString& key, const Group& group
 } // namespace
 
 void OrvoResources::loadResTreeUpper() {
-    using namespace orvo::resources;
-    const QModelIndex root = addFixedRow(QModelIndex(), menuRootKey, tr("Ресурсы меню"), MenuArea);
-    const QModelIndex files = addFixedRow(QModelIndex(), fileRootKey, tr("Файловые ресурсы"), File);
+    const QModelIndex root =
+        addFixedRow(QModelIndex(), orvo::rowkey::resources, tr("Ресурсы меню"), Kind::None);
+    const QModelIndex files =
+        addFixedRow(QModelIndex(), orvo::rowkey::files, tr("Файловые ресурсы"), Kind::File);
     // The folders of the three kinds come from the server. A catalogue without one of them is not
     // whole, and what would follow stays away.
-    for (int type : {Module, Function, Form})
+    for (int type : {Kind::Module, Kind::Function, Kind::Form})
         if (!appendFolders(type, QString(), root))
             return;
     appendOrphans(root);
@@ -95,17 +97,17 @@ QModelIndex OrvoResources::addFixedRow(const QModelIndex& parent, const char* ke
 void OrvoResources::appendOrphans(const QModelIndex& parent) {
     if (orvo::recordCount(m_tabOrphans) == 0)
         return;
-    const QModelIndex folder = addFixedRow(parent, orvo::resources::orphansKey,
-                                           tr("Непривязанные объекты"), orvo::resources::Orphans);
+    const QModelIndex folder =
+        addFixedRow(parent, orvo::rowkey::orphans, tr("Непривязанные объекты"), Kind::Orphans);
     auto rows = m_resModel->newRows(folder);
     orvo::walkAll(m_tabOrphans, 0, [&](const MDRData* record) {
         TabRec* row = rows.add();
         row->setData(ResColumn::IsFolder, false);
-        row->setData(ResColumn::KeyLink, orvo::textOf(record, "KeyLink"));
-        row->setData(ResColumn::Type, orvo::integerOf(record, "type_"));
-        row->setData(ResColumn::Caption, orvo::textOf(record, "caption"));
-        row->setData(ResColumn::Params, orvo::textOf(record, "params"));
-        row->setData(ResColumn::Name, orvo::textOf(record, "name_"));
+        row->setData(ResColumn::KeyLink, orvo::textOf(record, orvo::field::KeyLink));
+        row->setData(ResColumn::Type, orvo::integerOf(record, orvo::field::type_));
+        row->setData(ResColumn::Caption, orvo::textOf(record, orvo::field::caption));
+        row->setData(ResColumn::Params, orvo::textOf(record, orvo::field::params));
+        row->setData(ResColumn::Name, orvo::textOf(record, orvo::field::name_));
         row->setData(ResColumn::FolderKey, orvo::textOf(record, resourceParent));
         return true;
     });
@@ -155,11 +157,11 @@ void OrvoResources::loadItems(int type, QModelIndex parent) {
 }
 
 void OrvoResources::loadSysRootFolders(const QModelIndex& parent) {
-    appendFolders(orvo::resources::File, QString(), parent);
+    appendFolders(Kind::File, QString(), parent);
 }
 
 void OrvoResources::loadSysRootItems(const QModelIndex& parent) {
-    appendItems(orvo::resources::File, QString(), parent);
+    appendItems(Kind::File, QString(), parent);
 }
 
 void OrvoResources::loadResFolderRow(const QModelIndex& parent, int row, MDRData* rec) {
@@ -171,35 +173,55 @@ void OrvoResources::loadResItemRow(const QModelIndex& parent, int row, MDRData* 
 }
 
 QVector<QVariant> OrvoResources::folderValues(const MDRData* record) const {
-    QVector<QVariant> values(ResColumn::Count);
+    QVector<QVariant> values = orvo::resources::folderFields().values(record);
+    values.resize(ResColumn::Count);
     values[ResColumn::IsFolder] = true;
-    values[ResColumn::KeyLink] = orvo::textOf(record, "KeyLink");
-    values[ResColumn::FolderKey] = orvo::textOf(record, folderParent);
-    values[ResColumn::Type] = orvo::integerOf(record, "type_");
-    values[ResColumn::Caption] = orvo::textOf(record, "caption");
     values[ResColumn::IsNew] = false;
     return values;
 }
 
 QVector<QVariant> OrvoResources::itemValues(const MDRData* record) const {
-    const int type = orvo::integerOf(record, "type_");
-    QVector<QVariant> values(ResColumn::Count);
+    QVector<QVariant> values = orvo::resources::itemFields().values(record);
     values[ResColumn::IsFolder] = false;
-    values[ResColumn::KeyLink] = orvo::textOf(record, "KeyLink");
-    values[ResColumn::Type] = type;
-    values[ResColumn::Caption] = orvo::textOf(record, "caption");
-    values[ResColumn::Params] = orvo::textOf(record, "params");
-    values[ResColumn::Name] = orvo::textOf(record, "name_");
-    values[ResColumn::Icon] = orvo::textOf(record, "ico");
-    values[ResColumn::FolderKey] = orvo::textOf(record, resourceParent);
     values[ResColumn::Blocked] = orvo::resources::NotLocked;
-    if (type == orvo::resources::Form)
+    if (values[ResColumn::Type].toInt() == Kind::Form)
         addLock(record, values);
     return values;
 }
 
+const orvo::editor::RecordFields& OrvoResources::fieldsOf(const QModelIndex& row) const {
+    return orvo::resources::isFolder(row) ? orvo::resources::folderFields()
+                                          : orvo::resources::itemFields();
+}
+
+QString OrvoResources::describe(const QModelIndex& row) const {
+    QString caption = orvo::resources::textAt(row, ResColumn::Caption);
+    const QString name = orvo::resources::textAt(row, ResColumn::Name);
+    if (caption.isEmpty() && name.isEmpty()) // typed away: it is known by what it was
+        caption = orvo::textOf(orvo::seekKey(m_tabResFolder, m_resModel->getItemKeyLink(row)),
+                               orvo::field::caption);
+    const auto word = [&] {
+        if (orvo::resources::isFolder(row))
+            return tr("папка");
+        switch (orvo::resources::kindOf(row)) {
+        case Kind::Module:
+            return tr("модуль");
+        case Kind::Function:
+            return tr("функция");
+        case Kind::Form:
+            return tr("форма");
+        default:
+            return tr("файл");
+        }
+    };
+    const QString text = word() + QStringLiteral(" «%1»").arg(caption.isEmpty() ? name : caption);
+    return name.isEmpty() || caption.isEmpty() || orvo::sameText(name, caption)
+               ? text
+               : text + QStringLiteral(" (%1)").arg(name);
+}
+
 void OrvoResources::addLock(const MDRData* record, QVector<QVariant>& values) const {
-    const QString userKey = orvo::textOf(record, "UsersKey");
+    const QString userKey = orvo::textOf(record, orvo::field::UsersKey);
     if (userKey.isEmpty())
         return;
     MDRData* user = orvo::seekKey(m_tabUsers, userKey);
@@ -209,28 +231,28 @@ void OrvoResources::addLock(const MDRData* record, QVector<QVariant>& values) co
     values[ResColumn::Lock] = caption;
     if (caption.isEmpty())
         return;
-    const QString time = timeText(record, orvo::fieldOf(record, "dateTimeEdit"),
+    const QString time = timeText(record, orvo::fieldOf(record, orvo::field::dateTimeEdit),
                                   QStringLiteral("dd.MM.yyyy hh:mm:ss"));
     if (!time.isEmpty())
         values[ResColumn::LockTime] = time;
-    values[ResColumn::Blocked] = orvo::holdsText(user, "login_", m_userLogin)
+    values[ResColumn::Blocked] = orvo::holdsText(user, orvo::field::login_, m_userLogin)
                                      ? orvo::resources::LockedHere
                                      : orvo::resources::LockedElsewhere;
 }
 
 int32_t OrvoResources::getResFolderPosition(const QString& key, const QString& parentKey,
                                             int type) const {
-    return positionOf(m_tabResFolder, key, {type, folderParent, parentKey}, "caption");
+    return positionOf(m_tabResFolder, key, {type, folderParent, parentKey}, orvo::field::caption);
 }
 
 int32_t OrvoResources::getResItemPosition(const QString& key, const QString& folderKey,
                                           int type) const {
-    return positionOf(m_tabResource, key, {type, resourceParent, folderKey}, "name_");
+    return positionOf(m_tabResource, key, {type, resourceParent, folderKey}, orvo::field::name_);
 }
 
 QModelIndex OrvoResources::folderRow(const QString& key) const {
-    return m_resModel->findIndexByKey(
-        key.isEmpty() ? QString::fromLatin1(orvo::resources::fileRootKey) : key);
+    return m_resModel->findIndexByKey(key.isEmpty() ? QString::fromLatin1(orvo::rowkey::files)
+                                                    : key);
 }
 
 int OrvoResources::getFolderCount(const QString& key) const {

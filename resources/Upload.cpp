@@ -2,7 +2,6 @@
 // share its name. The records behind them come back as notifications.
 #include "resources/OrvoResources.h"
 
-#include "frame/Records.h"
 #include "frame/ScratchTable.h"
 #include "resources/Columns.h"
 
@@ -15,8 +14,8 @@
 #include <optional>
 
 using orvo::KeyValues;
+using orvo::Kind;
 using orvo::ScratchTable;
-using orvo::resources::ResColumn;
 
 namespace {
 
@@ -95,11 +94,15 @@ void OrvoResources::on_actLoadFiles_triggered() {
         folder = folder.parent();
     if (!folder.isValid())
         return;
-    const int type = folder.siblingAtColumn(ResColumn::Type).data().toInt();
-    if (type != orvo::resources::Form && type != orvo::resources::File)
+    const int type = orvo::resources::kindOf(folder);
+    if (type != Kind::Form && type != Kind::File) {
+        refuse(tr("Здесь нет места загруженным файлам: %1.").arg(describe(folder)));
+        return;
+    }
+    if (!settlePath(folder))
         return;
     // Taken now: the dialog runs the event loop, and the row may be gone afterwards.
-    const bool isForm = type == orvo::resources::Form;
+    const bool isForm = type == Kind::Form;
     const QString path = isForm ? getFormPath(folder) : getFilePath(folder);
     const QString folderKey = m_resModel->getItemKeyLink(folder);
 
@@ -123,7 +126,7 @@ void OrvoResources::on_actLoadFiles_triggered() {
 QString OrvoResources::formFilter() const {
     QString filter = tr("Все файлы (");
     orvo::walkAll(m_tabFileExt, 0, [&](const MDRData* record) {
-        filter += QLatin1Char('*') + orvo::textOf(record, "fileExt") + QLatin1Char(' ');
+        filter += QLatin1Char('*') + orvo::textOf(record, orvo::field::fileExt) + QLatin1Char(' ');
         return true;
     });
     return filter + QLatin1Char(')');
@@ -179,19 +182,21 @@ void OrvoResources::logUnread(const char* place, const QString& file, const QStr
 }
 
 void OrvoResources::moveForms(const QStringList& names, const QString& folderKey) {
-    ScratchTable moved(*m_app->m_session, "MenuResource");
+    ScratchTable moved(*m_app->m_session, orvo::table::MenuResource);
     if (!moved.fetch())
         return;
     for (const QString& name : names) {
         const MDRData* record =
-            name.isEmpty() ? nullptr
-                           : orvo::seek(m_tabResource, 2,
-                                        KeyValues().integer(orvo::resources::Form).text(name));
+            name.isEmpty()
+                ? nullptr
+                : orvo::seek(m_tabResource, 2, KeyValues().integer(Kind::Form).text(name));
         // A name with letters that no record can hold was refused, and is sought with them
         // replaced: what is found then is another form.
-        if (record && orvo::holdsText(record, "name_", name) &&
-            !orvo::holdsText(record, "MenuResourceFolderKey", folderKey))
-            moved.add(MDX_UPDATE).copy("KeyLink", record).text("MenuResourceFolderKey", folderKey);
+        if (record && orvo::holdsText(record, orvo::field::name_, name) &&
+            !orvo::holdsText(record, orvo::field::MenuResourceFolderKey, folderKey))
+            moved.add(MDX_UPDATE)
+                .copy(orvo::field::KeyLink, record)
+                .text(orvo::field::MenuResourceFolderKey, folderKey);
     }
     moved.send();
 }

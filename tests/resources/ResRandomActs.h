@@ -71,9 +71,11 @@ public:
     }
 
     void seen(const store::Change& change) {
-        // What a record says takes the place of what was typed.
-        if (change.table == "MenuResource" || change.table == "MenuResourceFolder")
-            known.typed.remove(QString::fromStdString(change.key));
+        // What a record says takes the place of what was typed, but for a row still edited.
+        const QString key = QString::fromStdString(change.key);
+        const bool edited = !isAtRest() && orvo::sameText(probe().m_editKey, key);
+        if (!edited && (change.table == "MenuResource" || change.table == "MenuResourceFolder"))
+            known.typed.remove(key);
     }
 
     void watch() {
@@ -424,10 +426,7 @@ private:
     }
     /// Makes a row current, or one more of the selection, if it may be so now.
     static bool makeCurrent(ResPart& part, const QModelIndex& row, bool oneMore) {
-        // A saved row that is still marked as new would take the place of the one that is not yet
-        // saved.
-        if (!row.isValid() || (!part.isAtRest() && row != part.probe().m_newItemIndex &&
-                               row.siblingAtColumn(ResColumn::IsNew).data().toBool()))
+        if (!row.isValid())
             return false;
         if (oneMore)
             part.view()->selectionModel()->setCurrentIndex(row, QItemSelectionModel::Select |

@@ -59,6 +59,10 @@ private slots:
     void aNewFolderWithoutACaptionIsRefused();
     void aTakenCaptionIsRefused_data();
     void aTakenCaptionIsRefused();
+    void aNameIsTakenFromItsSaveOn_data();
+    void aNameIsTakenFromItsSaveOn();
+    void aFolderOfTheFileAreaNeedsANameOfItsOwnAtTheTop();
+    void aSavedOrphanKeepsItsIcon();
     void aSecondNewFolderNeedsANameOfItsOwn();
     void theSameCaptionBelowAnotherParentIsFree();
     void withoutItsRowASaveChangesNothing();
@@ -71,7 +75,6 @@ private slots:
     void anUnchangedFolderIsRefused_data();
     void anUnchangedFolderIsRefused();
     void aTopFolderIsCheckedAmongTheTopFolders();
-    void anEditOfAFolderLeavesTheNewRow();
     void theCaptionIsCheckedAsTypedAndWrittenAsShown();
     void withoutTheEditedRowASaveChangesNothing();
 
@@ -88,12 +91,15 @@ private slots:
     // Moving on
     void leavingANewRowSavesIt();
     void leavingARefusedNewRowKeepsItOpen();
-    void anotherNewRowTakesTheEditOver();
+    void aSavedNewRowIsLeftAloneByTheNext();
+    void aRefusedNewRowBesideASavedOneIsDroppedAlone();
     void leavingAnEditedRowSavesIt();
     void leavingARefusedEditKeepsItOpen();
     void anEditEndsWhenItsRowIsGone_data();
     void anEditEndsWhenItsRowIsGone();
-    void valuesOfAnotherRowAreNotSavedWithTheEdit();
+    void whileARefusedEditWaitsNoOtherRowIsEdited_data();
+    void whileARefusedEditWaitsNoOtherRowIsEdited();
+    void anEditThatCanBeSavedNowMakesWayForTheNext();
 
     // Cancel
     void withoutAnEditCancelDisablesTheButtonsOnly();
@@ -102,7 +108,6 @@ private slots:
     void aCancelledOnlyRowLeavesItsFolderCurrent();
     void aCancelledRowBringsTheActionsBack();
     void aCancelledRowThatIsNotCurrent();
-    void withoutItsNewRowACancelChangesNothing();
     void aCancelledResourceComesBackFromTheTable();
     void aCancelledFolderComesBackFromTheTable();
     void aCancelledEditMakesItsRowCurrent();

@@ -36,7 +36,6 @@ public:
     using OrvoResources::on_actAddModule_triggered;
     using OrvoResources::on_actDelete_triggered;
     using OrvoResources::on_cancel_pressed;
-    using OrvoResources::on_editor_valueChanged;
     using OrvoResources::on_passp_buttonpressed;
     using OrvoResources::on_poplist_OK_Pressed;
     using OrvoResources::on_res_dragdrop;

@@ -42,9 +42,7 @@ private slots:
     void aSelectionHoldsRowsThatAreAlike();
     void ofRowsSelectedAtOnceThoseLikeTheFirstRemain();
     void actionsFollowTheCurrentRowOnly();
-    void anUnsavedNewRowIsRemembered();
     void inAnEditTheActionsStay();
-    void anUnknownStateShowsNoPassport();
 };
 
 void TestResActions::init() {
@@ -317,37 +315,14 @@ void TestResActions::actionsFollowTheCurrentRowOnly() {
     QVERIFY(editor.action("actDelete")->isEnabled());
 }
 
-void TestResActions::anUnsavedNewRowIsRemembered() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    editor->m_editState = ResProbe::NewRow;
-    editor->m_newItemIndex = editor->row("rtable");
-    const QModelIndex row = editor->row("rlog");
-    editor->m_resModel->setData(row.siblingAtColumn(ResColumn::IsNew), true);
-    editor.view("tvRes")->setCurrentIndex(row.siblingAtColumn(ResColumn::Name));
-    QCOMPARE(QModelIndex(editor->m_newItemIndex), row);
-    QCOMPARE(editor->passport("keylink"), QVariant("rlog"));
-}
-
 void TestResActions::inAnEditTheActionsStay() {
     CatalogueEditor editor;
     QVERIFY(editor.start());
     editor.view("tvRes")->setCurrentIndex(editor->row("rcalc"));
-    editor->m_editState = ResProbe::NewRow;
-    editor->m_newItemIndex = editor->row("rlog");
-    editor->m_resModel->setData(editor->row("rlog", ResColumn::IsNew), true);
+    editor->on_editor_valueChanged("caption", QString("Иное"));
     editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));
     QVERIFY(editor.action("actAddFunction")->isEnabled());
     QVERIFY(!editor.action("actAddModule")->isEnabled());
-}
-
-void TestResActions::anUnknownStateShowsNoPassport() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    editor->m_editState = 3;
-    editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));
-    QCOMPARE(editor->m_propModel->rowCount(), 0);
-    QCOMPARE(editor->m_currentKey, QString("rlog"));
 }
 
 QTEST_MAIN(TestResActions)

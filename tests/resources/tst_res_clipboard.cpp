@@ -1,5 +1,6 @@
 // Rows on their way to another folder: cut and paste, drops, and bytes on the clipboard that no
 // editor has put there.
+#include "tests/menu/WindowHands.h"
 #include "tests/resources/ResProbe.h"
 
 #include "frame/Records.h"
@@ -41,7 +42,9 @@ void putOnClipboard(const QByteArray& bytes) {
 
 /// The editor over the catalogue, all rows in sight.
 struct Window {
-    Window() : host((fillCatalogue(store), store)), editor(host, "Resources") {
+    explicit Window(void (*fill)(TestStore&) = nullptr)
+        : host((fillCatalogue(store), fill ? fill(store) : void(), store))
+        , editor(host, "Resources") {
         if (!editor.start())
             qFatal("the editor did not start");
         tree = editor.view("tvRes");
@@ -98,15 +101,17 @@ private slots:
     void aPasteTakesTheCutOffTheClipboard();
     void foldersGoOutBehindResources();
     void pastedAtTheTopOfTheFileAreaTheLinkIsNull();
-    void theRowOfTheMenuAreaIsAFolderLikeAnyOther();
     void pastedOnAResourceNothingHappens();
     void withoutACurrentRowNothingIsPasted();
     void rowsThatAreGoneAreLeftOut();
     void withoutAnyRowNothingGoesOut();
     void aRowNamedInAnotherCaseIsMoved();
     void aKeyInForeignLettersMovesTheRowItFound();
-    void theTypeOfTheTargetDoesNotMatter();
-    void aFolderIsPastedIntoItself();
+    void whatWouldBeLostIsNotMoved_data();
+    void whatWouldBeLostIsNotMoved();
+    void filesThatDifferInCaseAreNoNamesakes();
+    void aResourceAtTheTopTakesNoDrop();
+    void theFolderOfAKindIsNotCut();
     void pastedWhereItIsARowIsSelectedAnew();
     void aRefusedPasteLeavesTheRows();
     void aPasteWithoutAServerLosesTheCut();
@@ -294,13 +299,6 @@ void TestResClipboard::pastedAtTheTopOfTheFileAreaTheLinkIsNull() {
     QCOMPARE(window.parentOf("rpump"), QString("FileResources"));
 }
 
-void TestResClipboard::theRowOfTheMenuAreaIsAFolderLikeAnyOther() {
-    Window window;
-    window.paste("1\nrlog;\n", "MenuResources");
-    QCOMPARE(window.written(), QString("MenuResource\n"
-                                       "  ~rlog MenuResourceFolderKey='MenuResources'\n"));
-}
-
 void TestResClipboard::pastedOnAResourceNothingHappens() {
     Window window;
     window.paste("1\nrlog;\n", "rtrend");
@@ -369,20 +367,84 @@ void TestResClipboard::aKeyInForeignLettersMovesTheRowItFound() {
     QCOMPARE(window.host.failures, QStringList());
 }
 
-void TestResClipboard::theTypeOfTheTargetDoesNotMatter() {
-    Window window;
-    window.paste("3\nrboiler;\n", "alarms");
-    QCOMPARE(window.written(), QString("MenuResource\n"
-                                       "  ~rboiler MenuResourceFolderKey='alarms'\n"));
+void TestResClipboard::whatWouldBeLostIsNotMoved_data() {
+    QTest::addColumn<QByteArray>("row");
+    QTest::addColumn<QByteArray>("target");
+    QTest::addColumn<QString>("reason");
+    const auto add = [](const char* name, const char* row, const char* target, const char* why) {
+        QTest::newRow(name) << QByteArray(row) << QByteArray(target) << QString(why);
+    };
+    add("a form among modules", "rboiler", "alarms", "Здесь место ресурсам другого вида");
+    add("a module among functions", "rlog", "calc", "Здесь место ресурсам другого вида");
+    add("among forms without a folder", "rboiler", "WrongFolder", "другого вида");
+    add("a folder into itself", "docs", "docs", "Папку нельзя поместить в неё саму.");
+    add("a folder below itself", "docs", "deep", "Папку нельзя поместить в неё саму.");
+    add("a folder of menus below itself", "boilers", "old", "Папку нельзя поместить в неё саму.");
+    add("the folder of a kind", "frm", "boilers", "Эта папка держит все ресурсы своего вида.");
+    add("a file beside its namesake", "rtwin", "docs", "Такое имя там уже есть: папка «docs».");
+    add("at the top", "rtop", "FileResources", "Такое имя там уже есть");
+    add("beside one not shown", "rtwin2", "FileResources", "Такое имя там уже есть");
+    add("a folder beside its namesake", "deep2", "docs", "Такое имя там уже есть: папка «docs».");
 }
 
-void TestResClipboard::aFolderIsPastedIntoItself() {
+void TestResClipboard::whatWouldBeLostIsNotMoved() {
+    QFETCH(QByteArray, row);
+    QFETCH(QByteArray, target);
+    QFETCH(QString, reason);
+    const auto fill = [](TestStore& store) {
+        addItem(store, "rtwin", 4, "icons", "manual.txt", "Другое руководство");
+        addItem(store, "rtop", 4, "icons", "readme.txt", "Другое");
+        addItem(store, "rtwin2", 4, "icons", "hidden.txt", "Ещё");
+        addItem(store, "rhidden", 4, "FileResources", "hidden.txt", "Не видно");
+        addFolder(store, "deep2", 4, "icons", "DEEP");
+    };
+    Window window(fill);
+    const QByteArray kind =
+        QByteArray::number(window.editor->row(row, ResColumn::Type).data().toInt());
+    const QByteArray payload = kind + '\n' + row + ";\n";
+    window.paste(payload, target);
+    QCOMPARE(window.written(), QString());
+    QVERIFY(boxStands(*window.editor.module));
+    QVERIFY2(boxText(*window.editor.module).startsWith("Ошибка\nНе перемещено: "), "a title");
+    QVERIFY2(boxText(*window.editor.module).contains(reason),
+             qPrintable(boxText(*window.editor.module)));
+    QCOMPARE(onClipboard(), payload); // for a better place
+    window.editor->on_common_error_message(nullptr);
+    window.editor->on_res_dragdrop(window.editor->row(target), {QString(row)});
+    QVERIFY(boxStands(*window.editor.module));
+    QCOMPARE(window.written(), QString());
+    QVERIFY(window.editor->m_focusKey.isEmpty());
+}
+
+void TestResClipboard::filesThatDifferInCaseAreNoNamesakes() {
+    Window window([](TestStore& store) {
+        addItem(store, "rtwin", 4, "icons", "Manual.txt", "Другое руководство");
+    });
+    window.paste("4\nrtwin;\n", "docs");
+    QCOMPARE(window.written(), QString("MenuResource\n  ~rtwin MenuResourceFolderKey='docs'\n"));
+}
+
+void TestResClipboard::aResourceAtTheTopTakesNoDrop() {
     Window window;
-    window.paste("4\ndocs;\n", "deep");
-    QCOMPARE(window.written(), QString("MenuResourceFolder\n"
-                                       "  ~docs ParentKey='deep'\n"));
-    window.deliver(); // the row cannot go below itself, and nothing breaks
-    QVERIFY(window.editor->row("deep").isValid());
+    addFolder(window.store, "late", 1, "mod", "Позже"); // has no row before the next start
+    window.store.update("MenuResource",
+                        {{"KeyLink", QString("rlog")}, {"MenuResourceFolderKey", QString("late")}});
+    window.deliver();
+    QVERIFY(!window.editor->row("rlog").parent().isValid());
+    window.editor->on_res_dragdrop(window.editor->row("rlog"), {"rtable"});
+    QCOMPARE(window.written(), QString());
+    QVERIFY(boxText(*window.editor.module).contains("Это не папка: модуль «Журнал» (Log)."));
+}
+
+void TestResClipboard::theFolderOfAKindIsNotCut() {
+    Window window;
+    clipboard().setText("before");
+    window.select({"frm"});
+    window.editor.action("actCut")->setEnabled(true); // left switched on by another row
+    window.editor.action("actCut")->trigger();
+    QCOMPARE(clipboard().text(), QString("before"));
+    QVERIFY(boxText(*window.editor.module)
+                .contains("Не вырезано: папка «формы отображения» держит все ресурсы"));
 }
 
 void TestResClipboard::pastedWhereItIsARowIsSelectedAnew() {

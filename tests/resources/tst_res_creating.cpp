@@ -13,6 +13,8 @@ private slots:
     void aNewRowBesideAResource();
     void aNewRowOfAnyKind_data();
     void aNewRowOfAnyKind();
+    void whereNothingCanStandNothingIsMade_data();
+    void whereNothingCanStandNothingIsMade();
     void aFolderOfTheFileRootBearsTheKeyOfItsRow();
     void aNewRowIsAKeyOfItsOwn();
     void aNewRowIsInSight();
@@ -140,9 +142,42 @@ void TestResCreating::aNewRowOfAnyKind() {
     live.editor.action("actAddFolder")->trigger();
     QCOMPARE(live.cell(live.current(), ResColumn::Type), QVariant(type));
     live.cancel();
-    // The kind is the folder's, whatever the action is called.
+    // An action that was left switched on makes nothing of another kind.
+    const QString before = treetext::print(*live->m_resModel, ResColumn::KeyLink);
     live->on_actAddModule_triggered();
-    QCOMPARE(live.cell(live.current(), ResColumn::Type), QVariant(type));
+    if (type == 1) {
+        QCOMPARE(live.cell(live.current(), ResColumn::Type), QVariant(type));
+        return;
+    }
+    QVERIFY2(live.box().startsWith("Ошибка\nЗдесь этого создать нельзя: "), qPrintable(live.box()));
+    QCOMPARE(treetext::print(*live->m_resModel, ResColumn::KeyLink), before);
+    QCOMPARE(live.state(), Idle);
+}
+
+void TestResCreating::whereNothingCanStandNothingIsMade_data() {
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("named");
+    QTest::newRow("beside a form without a folder") << "rlost"
+                                                    << "форма «Потерянная» (Lost)";
+    QTest::newRow("in the folder of those") << "WrongFolder"
+                                            << "папка «Непривязанные объекты»";
+    QTest::newRow("at the top") << "MenuResources"
+                                << "папка «Ресурсы меню»";
+}
+
+void TestResCreating::whereNothingCanStandNothingIsMade() {
+    QFETCH(QString, key);
+    QFETCH(QString, named);
+    Writing live;
+    const QString before = treetext::print(*live->m_resModel, ResColumn::KeyLink);
+    live.makeCurrent(qPrintable(key));
+    live->on_actAddFolder_triggered();
+    QCOMPARE(live.box(), "Ошибка\nЗдесь этого создать нельзя: " + named + ".");
+    QCOMPARE(treetext::print(*live->m_resModel, ResColumn::KeyLink), before);
+    QCOMPARE(live.state(), Idle);
+    live->on_common_error_message(nullptr);
+    QMetaObject::invokeMethod(live.editor.module.get(), "on_actLoadFiles_triggered");
+    QVERIFY(live.box().startsWith("Ошибка\nЗдесь нет места загруженным файлам: "));
 }
 
 void TestResCreating::aFolderOfTheFileRootBearsTheKeyOfItsRow() {

@@ -83,7 +83,10 @@ private slots:
     // Folders
     void anEmptyFolderIsDeletedAtOnce();
     void aFolderWithRowsOffersNoDeletion();
-    void whetherAFolderIsEmptyIsSeenWhenItBecomesCurrent();
+    void whatOthersPutIntoAFolderKeepsIt_data();
+    void whatOthersPutIntoAFolderKeepsIt();
+    void anActionLeftSwitchedOnDeletesNoFullFolder_data();
+    void anActionLeftSwitchedOnDeletesNoFullFolder();
     void aFolderWithoutAStructureStays();
     void aRefusedFolderStays();
 
@@ -109,13 +112,15 @@ private slots:
     void theSelectedFormsAreDeleted();
     void aFormThatMenusReferToIsDeletedAllTheSame();
     void theFirstReferenceEndsTheSearch();
-    void withoutASelectedFormNothingIsDeleted();
+    void whatIsNotHighlightedIsHighlightedBeforeTheQuestion();
+    void aRowThatIsCurrentAndNotHighlightedIsNotDeleted_data();
+    void aRowThatIsCurrentAndNotHighlightedIsNotDeleted();
+    void ofTwoFormsOfOneNameTheHighlightedOneGoes();
 
     // Files
     void theSelectedFilesAreDeleted();
     void aFileAtTheTopIsDeleted();
     void filesAreDeletedWhateverMenusReferTo();
-    void withoutASelectedFileNothingIsDeleted();
 };
 
 // Folders ----------------------------------------------------------------------------------------
@@ -143,17 +148,58 @@ void TestResDeletion::aFolderWithRowsOffersNoDeletion() {
     QVERIFY(!live.editor.action("actDelete")->isEnabled());
 }
 
-void TestResDeletion::whetherAFolderIsEmptyIsSeenWhenItBecomesCurrent() {
+void TestResDeletion::whatOthersPutIntoAFolderKeepsIt_data() {
+    QTest::addColumn<QString>("what");
+    QTest::addColumn<bool>("told");
+    for (const char* what : {"resource", "folder"})
+        for (const bool told : {true, false})
+            QTest::addRow("%s %s", what, told ? "known here" : "not yet known here")
+                << what << told;
+}
+
+void TestResDeletion::whatOthersPutIntoAFolderKeepsIt() {
+    QFETCH(QString, what);
+    QFETCH(bool, told);
     Deleting live;
     live.makeCurrent("alarms");
-    addItem(live.store, "late", 1, "alarms", "Late", "Позже");
-    live.deliver();
+    if (what == "resource")
+        addItem(live.store, "late", 1, "alarms", "Late", "Позже");
+    else
+        addFolder(live.store, "late", 1, "alarms", "Позже"); // has no row before the next start
+    if (told)
+        live.deliver();
     QVERIFY(live.editor.action("actDelete")->isEnabled());
     live.editor.action("actDelete")->trigger();
-    QCOMPARE(live.written(), QString("MenuResourceFolder\n  -alarms\n"));
+    QCOMPARE(live.written(), QString());
+    QVERIFY2(live.box().startsWith("Ошибка\nНе удалено: папка «Аварии» не пуста."),
+             qPrintable(live.box()));
+    live.deliver();
+    QVERIFY(orvo::seekKey(live->m_tabResFolder, "alarms"));
+}
+
+void TestResDeletion::anActionLeftSwitchedOnDeletesNoFullFolder_data() {
+    QTest::addColumn<QString>("folder");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("full") << "trends"
+                          << "Не удалено: папка «Тренды» не пуста";
+    QTest::newRow("of a kind") << "frm"
+                               << "Не удалено: папка «формы отображения» держит все ресурсы";
+    QTest::newRow("top row") << "MenuResources"
+                             << "Не удалено: папка «Ресурсы меню» держит все ресурсы";
+}
+
+void TestResDeletion::anActionLeftSwitchedOnDeletesNoFullFolder() {
+    QFETCH(QString, folder);
+    QFETCH(QString, reason);
+    Deleting live;
     live.makeCurrent("rlog");
-    live.makeCurrent("alarms");
-    QVERIFY(!live.editor.action("actDelete")->isEnabled());
+    live.type("caption", "Дневник");
+    live.makeCurrent(qPrintable(folder)); // saves, and leaves the actions as they are
+    QVERIFY(live.editor.action("actDelete")->isEnabled());
+    live.forget();
+    live.editor.action("actDelete")->trigger();
+    QVERIFY2(live.box().contains(reason), qPrintable(live.box()));
+    QCOMPARE(live.written(), QString());
 }
 
 void TestResDeletion::aFolderWithoutAStructureStays() {
@@ -183,12 +229,24 @@ void TestResDeletion::theQuestion_data() {
     QTest::addColumn<QString>("question");
     const QString words = "Уведомление\nВы действительно хотите удалить выделенные элементы (%1) "
                           "из списка %2";
-    QTest::newRow("module") << QStringList("rlog") << words.arg("1", "ресурсов меню?");
-    QTest::newRow("function") << QStringList("rcalc") << words.arg("1", "ресурсов меню?");
+    QTest::newRow("module") << QStringList("rlog")
+                            << words.arg("1", "ресурсов меню?\nБудет удалено: модуль «Журнал» "
+                                              "(Log).");
+    QTest::newRow("function") << QStringList("rcalc")
+                              << words.arg("1", "ресурсов меню?\nБудет удалено: функция «Расчёт» "
+                                                "(Calc).");
+    // Of several the current one goes.
+    QTest::newRow("modules") << QStringList({"rlog", "rtable"})
+                             << words.arg("2", "ресурсов меню?\nБудет удалено: модуль «Архив» "
+                                               "(Table).");
     QTest::newRow("forms") << QStringList({"rboiler", "rburner"})
-                           << words.arg("2", "ресурсов меню?");
-    QTest::newRow("file") << QStringList("rmanual") << words.arg("1", "системных ресурсов?");
-    QTest::newRow("orphan") << QStringList("rlost") << words.arg("1", "ресурсов меню?");
+                           << words.arg("2", "ресурсов меню?\nформа «Котёл» (Boiler)\n"
+                                             "форма «Горелка» (Burner)");
+    QTest::newRow("file") << QStringList("rmanual")
+                          << words.arg("1", "системных ресурсов?\nфайл «Руководство» "
+                                            "(manual.txt)");
+    QTest::newRow("orphan") << QStringList("rlost")
+                            << words.arg("1", "ресурсов меню?\nформа «Потерянная» (Lost)");
 }
 
 void TestResDeletion::theQuestion() {
@@ -312,6 +370,8 @@ void TestResDeletion::aModuleThatMenusReferToStays() {
     live.makeCurrent("rlog");
     live.confirm();
     QCOMPARE(live.box(), QString(referenced));
+    QCOMPARE(live.host.logLines.last().text,
+             QString("модуль «Журнал» (Log): ссылаются элементы меню: «Ссылка»"));
     QCOMPARE(live.written(), QString());
     live->on_common_error_message(nullptr);
     QCOMPARE(live.box(), QString());
@@ -390,14 +450,60 @@ void TestResDeletion::theFirstReferenceEndsTheSearch() {
                                        "delete forms Boiler Burner Pipe"}));
 }
 
-void TestResDeletion::withoutASelectedFormNothingIsDeleted() {
+void TestResDeletion::whatIsNotHighlightedIsHighlightedBeforeTheQuestion() {
     Deleting live(storeForms);
     live.makeCurrent("rboiler");
-    live.view()->clearSelection();
-    live.confirm();
-    QCOMPARE(live.jobs(), QStringList());
-    QCOMPARE(live.box(), QString());
-    QCOMPARE(live.storedForms().size(), 3);
+    live.editor.action("actDelete")->trigger();
+    live.answer(NoRole); // leaves nothing selected
+    live.editor.action("actDelete")->trigger();
+    QVERIFY(live.box().contains(" (1) "));
+    QVERIFY(live.box().endsWith("форма «Котёл» (Boiler)"));
+    QVERIFY(live.view()->selectionModel()->isRowSelected(live.current().row(),
+                                                         live.current().parent()));
+    live.answer(YesRole);
+    QCOMPARE(live.jobs().last(), QString("delete forms Boiler"));
+}
+
+void TestResDeletion::aRowThatIsCurrentAndNotHighlightedIsNotDeleted_data() {
+    QTest::addColumn<QString>("clicked");
+    QTest::newRow("another folder's") << "rtrend";
+    QTest::newRow("of another kind") << "rcalc";
+    QTest::newRow("a folder") << "alarms";
+}
+
+void TestResDeletion::aRowThatIsCurrentAndNotHighlightedIsNotDeleted() {
+    QFETCH(QString, clicked);
+    Deleting live;
+    live.view()->expandAll();
+    clickRow(live.view(), live->row("rlog"));
+    clickRow(live.view(), live->row(qPrintable(clicked)), Qt::ControlModifier);
+    QCOMPARE(live.currentKey(), clicked);
+    QVERIFY(
+        live.view()->selectionModel()->isRowSelected(live->row("rlog").row(), live->row("mod")));
+    live.editor.action("actDelete")->setEnabled(true);
+    live.editor.action("actDelete")->trigger();
+    QVERIFY2(live.box().endsWith("(1) из списка ресурсов меню?\nБудет удалено: модуль «Журнал» "
+                                 "(Log)."),
+             qPrintable(live.box()));
+    live.answer(YesRole);
+    QCOMPARE(live.written(), QString("MenuResource\n  -rlog\n"));
+}
+
+void TestResDeletion::ofTwoFormsOfOneNameTheHighlightedOneGoes() {
+    Deleting live([](TestStore& store) {
+        storeForms(store);
+        addItem(store, "rtwin", 3, "old", "Boiler", "Старый котёл");
+    });
+    for (const char* key : {"rtwin", "rboiler"}) {
+        live.makeCurrent(key);
+        live.confirm();
+        QVERIFY(!live.jobs().join(' ').contains(key == QString("rtwin") ? "delete" : "rtwin"));
+        live.deliver();
+        QVERIFY(!live->row(key).isValid());
+        if (key == QString("rtwin"))
+            QCOMPARE(live.storedForms(), QStringList({"Boiler", "Burner", "Drum"}));
+    }
+    QCOMPARE(live.storedForms(), QStringList({"Burner", "Drum"}));
 }
 
 // Files ------------------------------------------------------------------------------------------
@@ -442,15 +548,6 @@ void TestResDeletion::filesAreDeletedWhateverMenusReferTo() {
     live.confirm();
     QCOMPARE(live.box(), QString());
     QCOMPARE(live.jobs(), QStringList("delete files docs/manual.txt"));
-}
-
-void TestResDeletion::withoutASelectedFileNothingIsDeleted() {
-    Deleting live(storeFiles);
-    live.makeCurrent("rmanual");
-    live.view()->clearSelection();
-    live.confirm();
-    QCOMPARE(live.jobs(), QStringList());
-    QCOMPARE(live.storedFiles().size(), 4);
 }
 
 QTEST_MAIN(TestResDeletion)

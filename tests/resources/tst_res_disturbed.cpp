@@ -42,7 +42,6 @@ private slots:
     void aNameTakenMeanwhileIsRefused();
     void aCaptionTakenMeanwhileIsRefused();
     void anOpenLineOutlivesABurst();
-    void theEchoOfTheFirstEditComesDuringTheSecond();
     void twoEditsInARowAreTwoWrites();
     void aSecondCancelChangesNothing();
     void aCancelAfterTheRecordIsGone();
@@ -53,7 +52,7 @@ private slots:
     void aNewRowOutlivesTheMoveOfItsFolder_data();
     void aNewRowOutlivesTheMoveOfItsFolder();
     void aRenamedFolderKeepsTheNewRowInIt();
-    void aRefusedCaptionIsNoPartOfThePath();
+    void belowAFolderWhoseNameWasRefusedNothingIsDone();
     void theCurrentRowStaysCurrentWhenItsFolderMoves();
     void anOpenLineOutlivesTheMoveOfItsFolder();
 
@@ -242,29 +241,6 @@ void TestResDisturbed::anOpenLineOutlivesABurst() {
                                     "caption='Дневник'"));
 }
 
-void TestResDisturbed::theEchoOfTheFirstEditComesDuringTheSecond() {
-    Writing live;
-    live.makeCurrent("rlog");
-    live.type("caption", "Дневник");
-    live.save();
-    live.type("params", "-x");
-    QCOMPARE(live.state(), EditRow);
-    live.written();
-    live.deliver();
-    // The echo replaces what is shown, and refreshing the row saves it as it is then.
-    QCOMPARE(live.cell("rlog", ResColumn::Caption), QVariant("Дневник"));
-    QCOMPARE(live.cell("rlog", ResColumn::Params).toString(), QString());
-    QCOMPARE(live->passport("params").toString(), QString());
-    QCOMPARE(live.state(), Idle);
-    QVERIFY(!live.buttonsEnabled());
-    QCOMPARE(live.written(),
-             QString("MenuResource\n  ~rlog MenuResourceFolderKey='mod' name_='Log' type_=1 "
-                     "caption='Дневник' params='' ico=''\n"));
-    live.deliver();
-    QCOMPARE(live.currentKey(), QString("rlog"));
-    QCOMPARE(live.written(), QString());
-}
-
 void TestResDisturbed::twoEditsInARowAreTwoWrites() {
     Writing live;
     live.makeCurrent("rlog");
@@ -339,8 +315,9 @@ void TestResDisturbed::aMovedRowIsSavedWhereItStands() {
                       {{"KeyLink", QString("trends")}, {"ParentKey", QString("alarms")}});
     live.deliver();
     QCOMPARE(live->row("trends").parent(), live->row("alarms"));
-    live->m_editCaption = "Графики";
-    live->m_resModel->setData(live->row("trends"), "Графики");
+    live.makeCurrent("trends");
+    live->on_common_error_message(nullptr);
+    live.type("caption", "Графики");
     live.save();
     QCOMPARE(live.written(), QString("MenuResourceFolder\n  ~trends ParentKey='alarms' type_=1 "
                                      "caption='Графики'\n"));
@@ -461,18 +438,24 @@ void TestResDisturbed::aRenamedFolderKeepsTheNewRowInIt() {
     QVERIFY(orvo::seekKey(live->m_tabResource, key));
 }
 
-void TestResDisturbed::aRefusedCaptionIsNoPartOfThePath() {
+void TestResDisturbed::belowAFolderWhoseNameWasRefusedNothingIsDone() {
     Writing live;
     live.makeCurrent("docs");
-    live.type("caption", "icons");
-    QCOMPARE(live->getFilePath(live->row("docs")), QString("docs"));
+    live.type("caption", "icons"); // another folder's
+    QCOMPARE(live->getFilePath(live->row("rmanual")), QString("icons"));
+    live.makeCurrent("rmanual");
+    live->on_common_error_message(nullptr);
+    QCOMPARE(live.state(), EditRow);
+    live.host.writes().jobs.clear();
+    for (const char* action :
+         {"on_actDelete_triggered", "on_actLoadFiles_triggered", "on_actExtractFiles_triggered"}) {
+        QMetaObject::invokeMethod(live.editor.module.get(), action);
+        QVERIFY(live.box().contains("Папка с таким именем уже существует"));
+        live->on_common_error_message(nullptr);
+    }
+    QCOMPARE(live.host.writes().jobs, QStringList());
+    live.cancel();
     QCOMPARE(live->getFilePath(live->row("rmanual")), QString("docs"));
-    live.makeCurrent("rmanual"); // another folder has that caption
-    QCOMPARE(live.written(), QString());
-    QCOMPARE(live->getFilePath(live->row("rmanual")), QString("docs"));
-    live.makeCurrent("boilers");
-    live.type("caption", "Иные");
-    QCOMPARE(live->getFormPath(live->row("old")), QString("Котлы/Старые"));
 }
 
 void TestResDisturbed::theCurrentRowStaysCurrentWhenItsFolderMoves() {

@@ -112,6 +112,7 @@ private slots:
     void pathsOfForms();
     void pathsOfFiles_data();
     void pathsOfFiles();
+    void pathsAreThoseOfTheRows();
     void formsLandFlatInTheDirectory();
     void filesAreWritten();
     void severalFilesComeFromTheirPaths();
@@ -167,6 +168,31 @@ void TestResExtraction::pathsOfFiles() {
     ResEditor editor(host, "Resources");
     QVERIFY(editor.start());
     QTEST(editor->getFilePath(editor->row(QTest::currentDataTag())), "path");
+}
+
+void TestResExtraction::pathsAreThoseOfTheRows() {
+    TestStore store;
+    fillCatalogue(store);
+    addFolder(store, "bare", 4, "", "");
+    addFolder(store, "inbare", 4, "bare", "low");
+    addItem(store, "rinbare", 4, "bare", "x.txt", "X");
+    addItem(store, "rlow", 4, "inbare", "y.txt", "Y");
+    addFolder(store, "bareform", 3, "frm", "");
+    addFolder(store, "inbareform", 3, "bareform", "low");
+    TestHost host(store);
+    ResEditor editor(host, "Resources");
+    QVERIFY(editor.start());
+    // A folder without a caption leaves no slash of its own in a path of files.
+    QCOMPARE(editor->getFilePath(editor->row("bare")), QString());
+    QCOMPARE(editor->getFilePath(editor->row("rinbare")), QString());
+    QCOMPARE(editor->getFilePath(editor->row("inbare")), QString("low"));
+    QCOMPARE(editor->getFilePath(editor->row("rlow")), QString("/low"));
+    QCOMPARE(editor->getFormPath(editor->row("inbareform")), QString("/low"));
+    // As the rows show them, not as the table has them.
+    editor->m_resModel->setData(editor->row("docs"), "бумаги", Qt::DisplayRole);
+    QCOMPARE(editor->getFilePath(editor->row("deep")), QString("бумаги/deep"));
+    editor->m_resModel->setData(editor->row("boilers"), "Печи", Qt::DisplayRole);
+    QCOMPARE(editor->getFormPath(editor->row("old")), QString("Печи/Старые"));
 }
 
 void TestResExtraction::formsLandFlatInTheDirectory() {
@@ -259,6 +285,8 @@ void TestResExtraction::emptyFilesAreNotCreated() {
     select(editor, {"rboiler"});
     QVERIFY(extract(editor, target.path()));
     QCOMPARE(QDir(target.path()).entryList(QDir::Files), QStringList("Boiler.txt"));
+    QCOMPARE(host.logLines.size(), 1);
+    QCOMPARE(host.logLines.first().text, QString("Файл «Boiler» не извлечён: файл пуст"));
 }
 
 void TestResExtraction::equalNamesOverwriteEachOther() {
@@ -477,15 +505,14 @@ void TestResExtraction::extractionLeavesEditAndTreeAsTheyAre() {
     ResEditor editor(host, "Resources");
     QVERIFY(editor.start());
     const QString before = editor->tableText("MenuResource");
-    editor->m_editState = ResProbe::EditRow;
     QTemporaryDir target;
-    select(editor, {"rboiler"});
+    editor.view("tvRes")->setCurrentIndex(editor->row("rboiler"));
+    editor->on_editor_valueChanged("caption", QString("Иное"));
     QVERIFY(extract(editor, target.path()));
     QCOMPARE(editor->m_editState, uint32_t(ResProbe::EditRow));
     QCOMPARE(editor->tableText("MenuResource"), before);
     QVERIFY(editor->row("rboiler").isValid());
     QCOMPARE(host.writes().take(), QString());
-    editor->m_editState = ResProbe::Idle;
 }
 
 void TestResExtraction::aFailedJobWritesNothing() {

@@ -223,6 +223,64 @@ void TestResSaving::aTakenCaptionIsRefused() {
     QCOMPARE(live.state(), NewRow);
 }
 
+void TestResSaving::aNameIsTakenFromItsSaveOn_data() {
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<QString>("row");
+    QTest::addColumn<QString>("folder");
+    QTest::addColumn<QString>("refusal");
+    QTest::newRow("folder") << "actAddFolder"
+                            << "caption"
+                            << "mod" << takenFolder;
+    QTest::newRow("resource, in another folder") << "actAddModule"
+                                                 << "object"
+                                                 << "trends" << takenName;
+}
+
+void TestResSaving::aNameIsTakenFromItsSaveOn() {
+    QFETCH(QString, action);
+    QFETCH(QString, row);
+    QFETCH(QString, folder);
+    QFETCH(QString, refusal);
+    NewRowOpen live(qPrintable(action), "mod");
+    live.type(qPrintable(row), "Fresh");
+    live.save(); // and its notification has not come yet
+    live.written();
+    live.makeCurrent(qPrintable(folder));
+    QMetaObject::invokeMethod(live.editor.module.get(), qPrintable("on_" + action + "_triggered"));
+    live.type(qPrintable(row), "FRESH");
+    live.save();
+    QCOMPARE(live.box(), refusal);
+    QCOMPARE(live.written(), QString());
+}
+
+void TestResSaving::aFolderOfTheFileAreaNeedsANameOfItsOwnAtTheTop() {
+    // Records name the top in two ways.
+    NewRowOpen live("actAddFolder", "FileResources");
+    live.type("caption", "Docs");
+    live.save();
+    QCOMPARE(live.box(), QString(takenFolder));
+    live.type("caption", "fresh");
+    live.save();
+    live.deliver();
+    live->on_common_error_message(nullptr);
+    live.makeCurrent("docs");
+    live.type("caption", "FRESH");
+    live.save();
+    QCOMPARE(live.box(), QString(takenFolder));
+}
+
+void TestResSaving::aSavedOrphanKeepsItsIcon() {
+    EditOpen live("rlost", "caption", "Найденная", [](TestStore& store) {
+        store.update("MenuResource", {{"KeyLink", QString("rlost")}, {"ico", QString("a.png")}});
+    });
+    live.save();
+    QVERIFY(live.written().contains("caption='Найденная' params='' ico='a.png'"));
+    live.deliver();
+    live->on_editor_valueChanged("icon", QString());
+    live.save();
+    QVERIFY(live.written().contains("ico=''"));
+}
+
 void TestResSaving::aSecondNewFolderNeedsANameOfItsOwn() {
     NewRowOpen live("actAddFolder", "mod");
     live.save();
@@ -249,8 +307,11 @@ void TestResSaving::theSameCaptionBelowAnotherParentIsFree() {
 
 void TestResSaving::withoutItsRowASaveChangesNothing() {
     NewRowOpen live("actAddModule", "trends");
-    live.type("object", "Report");
-    live->m_newItemIndex = QModelIndex();
+    live.makeCurrent("rlog"); // refused: it has no name yet
+    live->on_common_error_message(nullptr);
+    live.store.remove("MenuResource", "rtrend");
+    live.store.remove("MenuResourceFolder", "trends");
+    live.deliver();
     live.save();
     QCOMPARE(live.state(), NewRow);
     QVERIFY(live.buttonsEnabled());
@@ -355,14 +416,6 @@ void TestResSaving::aTopFolderIsCheckedAmongTheTopFolders() {
                                      "caption='Тренды'\n"));
 }
 
-void TestResSaving::anEditOfAFolderLeavesTheNewRow() {
-    EditOpen live("trends", "caption", "Азбука");
-    live->m_newItemIndex = live->row("rlog");
-    live.save();
-    QCOMPARE(QModelIndex(live->m_newItemIndex), live->row("rlog"));
-    QCOMPARE(live.state(), Idle);
-}
-
 void TestResSaving::theCaptionIsCheckedAsTypedAndWrittenAsShown() {
     EditOpen live("trends", "caption", "Своё");
     live.store.update("MenuResourceFolder",
@@ -381,8 +434,11 @@ void TestResSaving::theCaptionIsCheckedAsTypedAndWrittenAsShown() {
 }
 
 void TestResSaving::withoutTheEditedRowASaveChangesNothing() {
-    EditOpen live("rlog", "caption", "Дневник");
-    live->m_editKey = "nosuch";
+    EditOpen live("deep", "caption", "");
+    live.makeCurrent("rlog"); // refused
+    live->on_common_error_message(nullptr);
+    live.store.remove("MenuResourceFolder", "deep");
+    live.deliver();
     live.save();
     QCOMPARE(live.state(), EditRow);
     QVERIFY(live.buttonsEnabled());
@@ -396,10 +452,8 @@ void TestResSaving::withoutAnEditNothingIsSaved() {
     live.makeCurrent("rlog");
     live->on_save_pressed();
     QCOMPARE(live.state(), Idle);
-    live->m_editState = 7;
-    live->on_save_pressed();
     live->on_cancel_pressed();
-    QCOMPARE(live.state(), 7U);
+    QCOMPARE(live.state(), Idle);
     QCOMPARE(live.written(), QString());
 }
 

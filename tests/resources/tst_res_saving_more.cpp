@@ -39,7 +39,7 @@ void TestResSaving::leavingARefusedNewRowKeepsItOpen() {
     QCOMPARE(live.state(), Idle);
 }
 
-void TestResSaving::anotherNewRowTakesTheEditOver() {
+void TestResSaving::aSavedNewRowIsLeftAloneByTheNext() {
     NewRowOpen live("actAddModule", "mod");
     live.type("object", "Alpha");
     live.save();
@@ -48,13 +48,34 @@ void TestResSaving::anotherNewRowTakesTheEditOver() {
     const QString saved = live.key;
     live.editor.action("actAddModule")->trigger();
     const QString key = live.currentKey();
+    live.type("object", "Beta");
     // The saved one bears the mark of a new row still.
     live.makeCurrent(qPrintable(saved));
-    QCOMPARE(live.state(), NewRow);
-    QCOMPARE(QModelIndex(live->m_newItemIndex), live->row(qPrintable(saved)));
+    QCOMPARE(live.state(), Idle);
+    QVERIFY(live.written().contains("name_='Beta'"));
+    live.makeCurrent("rlog");
+    live.cancel();
+    live.deliver();
     QCOMPARE(live.written(), QString());
-    live.makeCurrent(qPrintable(key));
-    QCOMPARE(QModelIndex(live->m_newItemIndex), live->row(qPrintable(key)));
+    QCOMPARE(live.host.failures, QStringList());
+    QVERIFY(live->row(qPrintable(saved)).isValid());
+    QVERIFY(orvo::seekKey(live->m_tabResource, key));
+}
+
+void TestResSaving::aRefusedNewRowBesideASavedOneIsDroppedAlone() {
+    NewRowOpen live("actAddModule", "mod");
+    live.type("object", "Alpha");
+    live.save();
+    live.deliver();
+    live.editor.action("actAddModule")->trigger();
+    const QString refused = live.currentKey();
+    live.makeCurrent(qPrintable(live.key));
+    QCOMPARE(live.box(), QString(emptyObject));
+    QCOMPARE(QModelIndex(live->m_newItemIndex), live->row(qPrintable(refused)));
+    live->on_common_error_message(nullptr);
+    live.cancel();
+    QVERIFY(!live->row(qPrintable(refused)).isValid());
+    QVERIFY(live->row(qPrintable(live.key)).isValid());
 }
 
 void TestResSaving::leavingAnEditedRowSavesIt() {
@@ -117,18 +138,50 @@ void TestResSaving::anEditEndsWhenItsRowIsGone() {
     QCOMPARE(live.enabledActions(), QStringList({"AddFolder", "AddModule", "Cut", "Delete"}));
 }
 
-void TestResSaving::valuesOfAnotherRowAreNotSavedWithTheEdit() {
-    EditOpen live("trends", "caption", "Аварии");
+void TestResSaving::whileARefusedEditWaitsNoOtherRowIsEdited_data() {
+    QTest::addColumn<QString>("value");
+    QTest::newRow("a word that would do for the edit") << "Свободно";
+    QTest::newRow("a word that is taken") << "Аварии";
+}
+
+void TestResSaving::whileARefusedEditWaitsNoOtherRowIsEdited() {
+    QFETCH(QString, value);
+    EditOpen live("trends", "caption", "");
     live.makeCurrent("rlog");
     live->on_common_error_message(nullptr);
-    live.type("caption", "Свободно");
-    // The values show in the other row; the words are those of the edit.
-    QCOMPARE(live.cell("rlog", ResColumn::Caption), QVariant("Свободно"));
-    QCOMPARE(live->m_editCaption, QString("Свободно"));
+    live->on_editor_valueChanged("caption", value);
+    // Shown and stored with neither row, it would be lost without a word.
+    QCOMPARE(live.box(), "Ошибка\nСначала закончите правку: папка «Тренды».\n" +
+                             QString(emptyFolder).section('\n', 1));
+    QCOMPARE(live.cell("rlog", ResColumn::Caption), QVariant("Журнал"));
+    QCOMPARE(live->passport("caption"), QVariant("Журнал"));
+    QCOMPARE(live->m_editCaption, QString());
+    QCOMPARE(live->m_editKey, QString("trends"));
+    live->on_common_error_message(nullptr);
     live.save();
-    QCOMPARE(live.written(), QString("MenuResourceFolder\n  ~trends ParentKey='mod' type_=1 "
-                                     "caption='Аварии'\n"));
-    QCOMPARE(live.state(), Idle);
+    QCOMPARE(live.box(), QString(emptyFolder));
+    QCOMPARE(live.written(), QString());
+    live->on_common_error_message(nullptr);
+    live.cancel();
+    live.makeCurrent("rlog");
+    live.type("caption", value);
+    live.save();
+    QVERIFY(live.written().contains("~rlog"));
+}
+
+void TestResSaving::anEditThatCanBeSavedNowMakesWayForTheNext() {
+    EditOpen live("trends", "caption", "Аварии");
+    live.makeCurrent("rlog"); // refused
+    live->on_common_error_message(nullptr);
+    live.store.update("MenuResourceFolder",
+                      {{"KeyLink", QString("alarms")}, {"caption", QString("Тревоги")}});
+    live.deliver();
+    live.type("caption", "Дневник");
+    QVERIFY(live.written().contains("~trends ParentKey='mod' type_=1 caption='Аварии'"));
+    QCOMPARE(live->m_editKey, QString("rlog"));
+    live.save();
+    QVERIFY(live.written().contains("~rlog MenuResourceFolderKey='mod' name_='Log' type_=1 "
+                                    "caption='Дневник'"));
 }
 
 // Cancel -----------------------------------------------------------------------------------------
@@ -189,15 +242,6 @@ void TestResSaving::aCancelledRowThatIsNotCurrent() {
     QVERIFY(!live->row(qPrintable(live.key)).isValid());
 }
 
-void TestResSaving::withoutItsNewRowACancelChangesNothing() {
-    NewRowOpen live("actAddModule", "mod");
-    live->m_newItemIndex = QModelIndex();
-    live.cancel();
-    QVERIFY(!live.buttonsEnabled());
-    QCOMPARE(live.state(), NewRow);
-    QVERIFY(live->row(qPrintable(live.key)).isValid());
-}
-
 void TestResSaving::aCancelledResourceComesBackFromTheTable() {
     EditOpen live("rlog", "caption", "Дневник");
     live.type("params", "-x");
@@ -241,12 +285,15 @@ void TestResSaving::anEditWithoutARecordStaysAsTyped() {
 }
 
 void TestResSaving::withoutTheEditedRowACancelChangesNothing() {
-    EditOpen live("rlog", "caption", "Дневник");
-    live->m_editKey = "nosuch";
+    EditOpen live("deep", "caption", "");
+    live.makeCurrent("rlog"); // refused
+    live->on_common_error_message(nullptr);
+    live.store.remove("MenuResourceFolder", "deep");
+    live.deliver();
     live.cancel();
     QVERIFY(!live.buttonsEnabled());
     QCOMPARE(live.state(), EditRow);
-    QCOMPARE(live.cell("rlog", ResColumn::Caption), QVariant("Дневник"));
+    QCOMPARE(live.currentKey(), QString("rlog"));
 }
 
 void TestResSaving::aCancelledTopRowComesBack() {

@@ -302,10 +302,8 @@ void TestResSearch::theHitsAreThoseOfMatch() {
 
 void TestResSearch::oneEditIsSavedByTheSearch() {
     Window window;
-    window.editor->m_editState = SearchProbe::EditRow;
-    window.editor->m_editKey = "rlog";
-    window.editor->m_editCaption = "Журнал событий";
-    window.editor->m_editObject = "Log";
+    window.editor.view("tvRes")->setCurrentIndex(window.editor->row("rlog"));
+    window.editor->on_editor_valueChanged("caption", QString("Журнал событий"));
     window.type("насос");
     QVERIFY2(window.host.writes().take().contains("~rlog"), "the open edit was not saved");
     QCOMPARE(window.current(), QString("rpump"));

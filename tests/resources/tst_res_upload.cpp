@@ -393,6 +393,11 @@ void TestResUpload::theUnderscoreIsNoPartOfTheStem() {
     other.put("Turbine.png", "png");
     other.upload("boilers", {"Turbine__"});
     QCOMPARE(other.form("Turbine__"), QStringList({"Turbine_.png=png@0", "Turbine__=two@0"}));
+    Window third;
+    for (const char* name : {"Pump", "Pump2_"})
+        third.put(name, "pump");
+    third.upload("boilers", {"Pump"});
+    QCOMPARE(third.form("Pump"), QStringList({"Pump=pump@0", "Pump2_=pump@0"}));
 }
 
 void TestResUpload::aSuffixStaysInTheStem() {
@@ -771,9 +776,9 @@ void TestResUpload::theBarCountsTheFiles() {
 void TestResUpload::anOpenEditStaysOpen() {
     Window window;
     window.put("a.txt", "a");
-    window.editor.view("tvRes")->setCurrentIndex(window.editor->row("docs"));
-    window.editor->m_editState = UploadProbe::EditRow;
-    window.upload("docs", {"a.txt"});
+    window.editor.view("tvRes")->setCurrentIndex(window.editor->row("rmanual"));
+    window.editor->on_editor_valueChanged("caption", QString("Иное"));
+    window.upload("rmanual", {"a.txt"});
     QCOMPARE(window.file("docs", "a.txt").size(), 1);
     QCOMPARE(window.editor->m_editState, UploadProbe::EditRow);
     QCOMPARE(window.host.writes().calls.size(), 0);

@@ -1,0 +1,61 @@
+#include "resources/Fields.h"
+
+#include "resources/Columns.h"
+
+namespace orvo::resources {
+
+using editor::Copied;
+using editor::FieldType;
+using editor::RecordFields;
+
+constexpr auto text = FieldType::Text;
+constexpr auto integer = FieldType::Integer;
+constexpr auto items = editor::ItemRows;
+constexpr auto folders = editor::FolderRows;
+constexpr auto never = Copied::Never; // rows of this tree move, none is copied
+constexpr auto all = editor::AllRows;
+
+const RecordFields& itemFields() {
+    // clang-format off
+    static const RecordFields fields{
+        {ResColumn::KeyLink, "KeyLink", field::KeyLink, text, items, never, all,
+         {"keylink", "Идентификатор", MyEditorLine, true, 0}},
+        {ResColumn::FolderKey, "FolderKey", field::MenuResourceFolderKey, text, items},
+        {ResColumn::Name, "Ресурс", field::name_, text, items, never, all,
+         {"object", "Объект", MyEditorLine, false, 3}},
+        {ResColumn::Type, "type", field::type_, integer, items, never, all,
+         {"type", "Тип", MyEditorLine, true, 1}},
+        {ResColumn::Caption, "Наименование", field::caption, text, items, never, all,
+         {"caption", "Наименование", MyEditorLine, false, 2}},
+        {ResColumn::Params, "params", field::params, text, items, never, all,
+         {"params", "Параметры", MyEditorLine, false, 5}},
+        {ResColumn::Icon, "Иконка", field::ico, text, items, never, all,
+         {"icon", "Иконка", MyEditorButton, false, 4}},
+        {ResColumn::Lock, "Заблокировано"},
+        {ResColumn::LockTime, "Дата блокировки"},
+        {ResColumn::IsFolder, "IsFolder"},
+        {ResColumn::Date, "Date"},
+        {ResColumn::Size, "Size"},
+        {ResColumn::Blocked, "Blocked"},
+        {ResColumn::IsNew, "IsNew"},
+    };
+    // clang-format on
+    return fields;
+}
+
+const RecordFields& folderFields() {
+    // clang-format off
+    static const RecordFields fields{
+        {ResColumn::KeyLink, "KeyLink", field::KeyLink, text, folders, never, all,
+         {"keylink", "Идентификатор", MyEditorLine, true, 0}},
+        {ResColumn::FolderKey, "FolderKey", field::ParentKey, text, folders},
+        {ResColumn::Type, "type", field::type_, integer, folders, never, all,
+         {"type", "Тип", MyEditorLine, true, 1}},
+        {ResColumn::Caption, "Наименование", field::caption, text, folders, never, all,
+         {"caption", "Наименование", MyEditorLine, false, 2}},
+    };
+    // clang-format on
+    return fields;
+}
+
+} // namespace orvo::resources

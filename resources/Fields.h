@@ -1,0 +1,17 @@
+// Fields.h: the columns of the resource tree with the fields of the two records behind its rows, a
+// resource's and a folder's. Filling a row, its passport, saving and merging go through them.
+#ifndef ORVO_RESOURCES_FIELDS_H
+#define ORVO_RESOURCES_FIELDS_H
+
+#include "editor/RecordFields.h"
+
+namespace orvo::resources {
+
+/// Of `MenuResource`. They name all columns of the tree.
+const editor::RecordFields& itemFields();
+/// Of `MenuResourceFolder`.
+const editor::RecordFields& folderFields();
+
+} // namespace orvo::resources
+
+#endif
