@@ -310,6 +310,8 @@ enum TMessageBoxIcon {
 enum TMessageBoxType { MessageBoxTypeOk = 0, MessageBoxTypeYesNo = 5 };
 enum TProgressBarColor { ProgressBarColorDefault = 0, ProgressBarColorGreen = 6 };
 
+/// While the box stands, what it covers gets neither mouse nor keys, shortcuts of its actions
+/// included; the rest of the window stays usable.
 class ORVOCLIENT_EXPORT CPopMessageBox : public QWidget {
     Q_OBJECT
 public:
@@ -323,16 +325,38 @@ public:
     void setDetails(const QString& details);
     /// Role of a button of this box in the numbering of QMessageBox::ButtonRole; -1 for others.
     int ButtonRole(QAbstractButton* button) const;
+    /// Whether the box was filled with a question, which has Yes and No.
+    bool isQuestion() const;
+    /// Names the records that the question is about, from one table, and those of that table which
+    /// lie below them: after setMessage, which forgets those of the last question. What others do
+    /// to them while the box stands is then told in it; if all of them are deleted, or something is
+    /// put into one, which the answer could not have meant, the question is withdrawn and becomes a
+    /// notice that says so.
+    void setSubject(const QString& table, const QStringList& keys, const QStringList& below = {});
+
+    // For the host.
+    /// Whether a question about something stands.
+    bool isAbout() const;
+    QString subjectTable() const;
+    QStringList subjectKeys() const;
+    QStringList subjectBelow() const;
+    /// Adds a line below the text.
+    void addNote(const QString& line);
+    /// Makes the question a notice: its text, that line, one button that hides the box.
+    void withdraw(const QString& line);
 
 signals:
     void clicked(QAbstractButton* button);
 
 protected:
     void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void connectSlot(const char* slot);
+
     struct Private;
     std::unique_ptr<Private> d;
 };

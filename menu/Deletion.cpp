@@ -43,8 +43,15 @@ void OrvoMenu::on_actDeleteElem_triggered() {
         text = tr("Вы действительно хотите удалить ") + kind + tr(" \"") + name +
                tr("\" из рабочего стола \"");
     }
+    QStringList below;
+    orvo::menu::walkElements(m_tabMenu, m_currentMenuKey, [&](const orvo::menu::Element& one) {
+        if (!one.isFirst)
+            below << one.key;
+        return true;
+    });
     orvo::askQuestion(*this, text + desktopName + tr("\"?"),
                       "1removeMenuMessage(QAbstractButton*)");
+    m_popMessageBox->setSubject(QString::fromLatin1(orvo::table::Menu), {m_currentMenuKey}, below);
 }
 
 void OrvoMenu::removeMenuMessage(QAbstractButton* button) {

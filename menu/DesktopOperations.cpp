@@ -110,6 +110,7 @@ void OrvoMenu::on_actDeleteFromtvDesck_triggered() {
     orvo::askQuestion(*this,
                       tr("Вы действительно хотите удалить рабочий стол \"") + name + tr("\"?"),
                       "1removeDesckTopMessage(QAbstractButton*)");
+    m_popMessageBox->setSubject(QString::fromLatin1(orvo::table::MenuFolder), {m_currentDesckKey});
 }
 
 bool OrvoMenu::refusesFullFolder(const QModelIndex& folder) {

@@ -5,6 +5,7 @@
 #include "ui_OrvoResources.h"
 
 #include "frame/ScratchTable.h"
+#include "frame/Vocabulary.h"
 #include "frame/WindowParts.h"
 #include "resources/Columns.h"
 
@@ -48,13 +49,19 @@ void OrvoResources::on_actDelete_triggered() {
     }
     if (!settlePath(row))
         return;
-    const int count = m_ui->tvRes->selectionModel()->selectedRows().size();
+    const QModelIndexList selected = m_ui->tvRes->selectionModel()->selectedRows();
+    const int count = selected.size();
+    QStringList keys{m_resModel->getItemKeyLink(row)};
+    for (const QModelIndex& one : selected)
+        if (one != row)
+            keys << m_resModel->getItemKeyLink(one);
     orvo::askQuestion(
         *this,
         tr("Вы действительно хотите удалить выделенные элементы") + tr(" (") +
             QString::number(count) + tr(") из списка ") +
             (m_resModel->itemInSystemArea(row) ? tr("системных ресурсов?") : tr("ресурсов меню?")),
         "1removeResourceMessage(QAbstractButton*)", questionDetails(row));
+    m_popMessageBox->setSubject(QString::fromLatin1(orvo::table::MenuResource), keys);
 }
 
 void OrvoResources::agreeOnSelection() {

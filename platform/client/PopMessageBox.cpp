@@ -2,6 +2,7 @@
 
 #include "platform/client/PopOverlay.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -10,7 +11,10 @@
 #include <QPainterPath>
 #include <QPointer>
 #include <QPushButton>
+#include <QTimer>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 using orvo::client::PopOverlay;
 using orvo::client::PopText;
@@ -56,6 +60,50 @@ private:
     TMessageBoxIcon m_icon = MessageBoxIconNone;
 };
 
+bool isInput(QEvent::Type type) {
+    switch (type) {
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+    case QEvent::ShortcutOverride:
+    case QEvent::Shortcut:
+    case QEvent::InputMethod:
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::Wheel:
+    case QEvent::ContextMenu:
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::Drop:
+    case QEvent::TabletPress:
+    case QEvent::TouchBegin:
+    case QEvent::NativeGesture:
+    case QEvent::FocusIn:
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// Whether that is input for something that a box on `window` covers: a widget in there, or an
+/// action shown in there.
+bool isCovered(QObject* target, QWidget* window, QEvent* event) {
+    if (!window || !isInput(event->type()))
+        return false;
+    const auto covers = [window](const QWidget* one) {
+        return one && (one == window || window->isAncestorOf(one));
+    };
+    if (const auto* widget = qobject_cast<QWidget*>(target))
+        return covers(widget);
+    if (event->type() != QEvent::Shortcut)
+        return false;
+    if (const auto* action = qobject_cast<QAction*>(target)) {
+        const QList<QWidget*> holders = action->associatedWidgets();
+        return std::any_of(holders.begin(), holders.end(), covers);
+    }
+    return covers(qobject_cast<QWidget*>(target->parent()));
+}
+
 QPushButton* makeButton(QWidget* parent, const QString& text, bool accent) {
     auto* button = new QPushButton(text, parent);
     button->setAutoDefault(false);
@@ -89,8 +137,19 @@ struct CPopMessageBox::Private {
     QPushButton* ok;
     QByteArray slot; ///< connected to `clicked` now
     QPointer<QWidget> focusBefore;
+    QPointer<PopText> notes; ///< made when there are any, at the end
+    QStringList noted;       ///< their lines
+    QString table;           ///< of the subject
+    QStringList keys;
+    QStringList below;
 
     bool isQuestion() const { return !yes->isHidden(); }
+    void setQuestion(bool on) {
+        yes->setVisible(on);
+        no->setVisible(on);
+        ok->setVisible(!on);
+    }
+    QPushButton* defaultButton() const { return isQuestion() ? yes : ok; }
 };
 
 CPopMessageBox::CPopMessageBox(QWidget* parent) : QWidget(parent), d(std::make_unique<Private>()) {
@@ -143,20 +202,28 @@ void CPopMessageBox::setMessage(QString title, QString text, TMessageBoxIcon ico
     d->title->setHidden(title.isEmpty());
     d->text->setPlain(text);
     delete d->details;
+    delete d->notes;
+    d->noted.clear();
+    d->table.clear();
+    d->keys.clear();
+    d->below.clear();
     d->sign->setIcon(icon);
-    d->yes->setVisible(question);
-    d->no->setVisible(question);
-    d->ok->setVisible(!question);
+    d->setQuestion(question);
 
+    connectSlot(slot);
+    // A box refilled while it stands takes the keyboard for its new buttons.
+    if (isVisible())
+        d->defaultButton()->setFocus(Qt::OtherFocusReason);
+}
+
+/// The one slot that hears of clicks; null: none.
+void CPopMessageBox::connectSlot(const char* slot) {
     if (!d->slot.isEmpty() && parent())
         disconnect(this, SIGNAL(clicked(QAbstractButton*)), parent(), d->slot.constData());
     d->slot.clear();
     if (slot && *slot && parent() &&
         connect(this, SIGNAL(clicked(QAbstractButton*)), parent(), slot))
         d->slot = slot;
-    // A box refilled while it stands takes the keyboard for its new buttons.
-    if (isVisible())
-        (question ? d->yes : d->ok)->setFocus(Qt::OtherFocusReason);
 }
 
 void CPopMessageBox::setDetails(const QString& details) {
@@ -178,6 +245,57 @@ int CPopMessageBox::ButtonRole(QAbstractButton* button) const {
     return QMessageBox::InvalidRole;
 }
 
+bool CPopMessageBox::isQuestion() const {
+    return d->isQuestion();
+}
+
+void CPopMessageBox::setSubject(const QString& table, const QStringList& keys,
+                                const QStringList& below) {
+    d->table = table;
+    d->keys = keys;
+    d->below = below;
+}
+
+bool CPopMessageBox::isAbout() const {
+    return !isHidden() && d->isQuestion() && !d->keys.isEmpty();
+}
+
+QString CPopMessageBox::subjectTable() const {
+    return d->table;
+}
+
+QStringList CPopMessageBox::subjectKeys() const {
+    return d->keys;
+}
+
+QStringList CPopMessageBox::subjectBelow() const {
+    return d->below;
+}
+
+void CPopMessageBox::addNote(const QString& line) {
+    constexpr int mostLines = 4;
+    d->noted << line;
+    QStringList lines = d->noted.mid(std::max(0, d->noted.size() - mostLines));
+    if (d->noted.size() > mostLines)
+        lines.prepend(QStringLiteral("… и ещё %1").arg(d->noted.size() - mostLines));
+    if (!d->notes) {
+        d->notes = new PopText(d->text->parentWidget(), 1.0, true);
+        d->words->insertWidget(d->words->count() - 1, d->notes); // above the stretch
+    }
+    d->notes->setPlain(lines.join(QLatin1Char('\n')));
+}
+
+void CPopMessageBox::withdraw(const QString& line) {
+    addNote(line);
+    connectSlot(nullptr);
+    d->keys.clear();
+    d->below.clear();
+    d->sign->setIcon(MessageBoxIconError);
+    d->setQuestion(false);
+    if (isVisible())
+        d->ok->setFocus(Qt::OtherFocusReason);
+}
+
 void CPopMessageBox::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     if (event->spontaneous())
@@ -186,7 +304,15 @@ void CPopMessageBox::showEvent(QShowEvent* event) {
     QWidget* before = QApplication::focusWidget();
     if (before && parentWidget() && parentWidget()->isAncestorOf(before) && !isAncestorOf(before))
         d->focusBefore = before;
-    (d->isQuestion() ? d->yes : d->ok)->setFocus(Qt::OtherFocusReason);
+    d->defaultButton()->setFocus(Qt::OtherFocusReason);
+    qApp->removeEventFilter(this);
+    qApp->installEventFilter(this);
+}
+
+void CPopMessageBox::hideEvent(QHideEvent* event) {
+    QWidget::hideEvent(event);
+    if (isHidden()) // not only with its tab
+        qApp->removeEventFilter(this);
 }
 
 void CPopMessageBox::keyPressEvent(QKeyEvent* event) {
@@ -208,8 +334,10 @@ void CPopMessageBox::keyPressEvent(QKeyEvent* event) {
 }
 
 bool CPopMessageBox::eventFilter(QObject* watched, QEvent* event) {
+    const auto* widget = qobject_cast<QWidget*>(watched);
+    const bool own = widget && (widget == this || isAncestorOf(widget));
     // No shortcut of an action fires behind the box.
-    if (event->type() == QEvent::ShortcutOverride) {
+    if (own && event->type() == QEvent::ShortcutOverride) {
         event->accept();
         return true;
     }
@@ -217,6 +345,16 @@ bool CPopMessageBox::eventFilter(QObject* watched, QEvent* event) {
         if (d->focusBefore && parentWidget() && parentWidget()->isVisible())
             d->focusBefore->setFocus(Qt::OtherFocusReason);
         d->focusBefore.clear();
+    }
+    if (!own && !isHidden() && isCovered(watched, parentWidget(), event)) {
+        if (event->type() != QEvent::FocusIn)
+            return true;
+        // Once the focus has settled there: another tab was left for this one.
+        QPointer<QWidget> button(d->defaultButton());
+        QTimer::singleShot(0, this, [this, button] {
+            if (button && button->isVisible() && !isAncestorOf(QApplication::focusWidget()))
+                button->setFocus(Qt::OtherFocusReason);
+        });
     }
     return QWidget::eventFilter(watched, event);
 }

@@ -2,11 +2,13 @@
 #include "tests/client/HostFixture.h"
 
 #include <QAction>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QToolBar>
 #include <QtTest>
 
@@ -123,6 +125,56 @@ private slots:
         QTest::keyClick(buttonOf(box, "ОК"), Qt::Key_Escape);
         QCOMPARE(bench.module.roles.back(), int(QMessageBox::AcceptRole));
         QVERIFY(box->isHidden());
+    }
+
+    void whatABoxCoversTakesNeitherMouseNorKeys() {
+        Bench bench;
+        auto* button = new QPushButton("Писать", &bench.module);
+        bench.module.addToolBar("Панель")->addWidget(button);
+        auto* act = new QAction("Удалить", &bench.module);
+        act->setShortcut(Qt::Key_Delete);
+        bench.module.addAction(act);
+        QSignalSpy pressed(button, &QPushButton::pressed);
+        QSignalSpy triggered(act, &QAction::triggered);
+        QTRY_VERIFY(bench.edit->hasFocus());
+        const auto tryAll = [&] {
+            QTest::mouseClick(button, Qt::LeftButton);
+            QTest::keyClick(bench.edit, Qt::Key_X);
+            QTest::keyClick(bench.edit, Qt::Key_Delete);
+            QTest::keyClick(&bench.module, Qt::Key_Delete);
+        };
+        CPopMessageBox* box = bench.ask();
+        tryAll();
+        QCOMPARE(pressed.count(), 0);
+        QCOMPARE(triggered.count(), 0);
+        QCOMPARE(bench.edit->text(), QString());
+        // The keyboard goes back to the question from whatever took it.
+        bench.edit->setFocus();
+        QTRY_VERIFY(box->isAncestorOf(QApplication::focusWidget()));
+        box->hide();
+        bench.edit->setFocus();
+        tryAll();
+        QCOMPARE(pressed.count(), 1);
+        QCOMPARE(bench.edit->text(), QString("x"));
+    }
+
+    void theRestOfTheWindowStaysUsableBesideABox() {
+        QMainWindow window;
+        App app;
+        auto* module = new Module(&app);
+        auto* beside = new QLineEdit;
+        auto* middle = new QWidget;
+        auto* row = new QHBoxLayout(middle);
+        row->addWidget(module);
+        row->addWidget(beside);
+        window.setCentralWidget(middle);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        module->PopMessageBoxCreate();
+        module->m_popMessageBox->show();
+        beside->setFocus();
+        QTest::keyClick(beside, Qt::Key_X);
+        QCOMPARE(beside->text(), QString("x"));
     }
 
     void tabStaysInTheBoxAndFocusComesBack() {
