@@ -109,6 +109,17 @@ public slots:
     virtual void slot_endRestructure();
 
 public:
+    // The open edit: what the user has typed or made and neither saved nor dropped. While there is
+    // one the host holds the changes of others back and does not close the module without asking.
+    // The defaults are those of a module that has none. Called from the bare event loop only.
+    /// What is being edited, in words for a list ("элемент «Архив»"); empty: no edit is open.
+    virtual QString ModEditText() const;
+    /// Saves it as the module's own command does. False if it is still open, because the module
+    /// refuses what was typed and has said why. Whether the store took it, the session tells.
+    virtual bool ModEditSave();
+    /// Drops it as the module's own command does.
+    virtual void ModEditCancel();
+
     void SetModTitle(QString title, QString second);
     /// Takes the notifications that wait for this module and calls MessageData once for each, in
     /// order of arrival; returns when none is left.

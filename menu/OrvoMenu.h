@@ -14,7 +14,7 @@
 // (filling), CurrentRow (what a move of the current row or the selection does), Notifications (what
 // comes back from the server), Creating (new elements, the picker), Editing (save and cancel),
 // DesktopOperations, Clipboard, Ordering (move buttons and drops), Deletion,
-// Diagnostics (the tables as text).
+// ModEdit (what the host asks of it), Diagnostics (the tables as text).
 #ifndef ORVO_MENU_ORVOMENU_H
 #define ORVO_MENU_ORVOMENU_H
 
@@ -70,6 +70,9 @@ public:
     void MessageOn() override;
     /// Merges a notification into its table and then into the tree. Always true.
     bool MessageData(MDXCliParam* prm) override;
+    QString ModEditText() const override;
+    bool ModEditSave() override;
+    void ModEditCancel() override;
 
     /// The records that this editor holds of `MenuFolder`, `Menu` (the open desktop) or
     /// `MenuResource`, by key: a line of field names, then a line per record, values split by tabs,

@@ -10,8 +10,9 @@
 // current row or the selection does), Tree (filling, rows, positions), Passports, Notifications
 // (what comes back from the server), Extraction (paths, files to the disk, opening a form),
 // Creating (new rows, edits of the passport, the icon picker), Saving (save and cancel), Upload,
-// Deletion, Search, Clipboard (cut, paste and drops), Diagnostics (the tables as text). Beside the
-// window: ResourceEdit (the open edit), Fields (columns and fields), Columns (what rows are).
+// Deletion, Search, Clipboard (cut, paste and drops), ModEdit (what the host asks of it),
+// Diagnostics (the tables as text). Beside the window: ResourceEdit (the open edit), Fields
+// (columns and fields), Columns (what rows are).
 #ifndef ORVO_RESOURCES_ORVORESOURCES_H
 #define ORVO_RESOURCES_ORVORESOURCES_H
 
@@ -67,6 +68,9 @@ public:
     void MessageOn() override;
     /// Merges a notification into its table and then into the tree. Always true.
     bool MessageData(MDXCliParam* prm) override;
+    QString ModEditText() const override;
+    bool ModEditSave() override;
+    void ModEditCancel() override;
 
     /// The records that this editor holds of `MenuResource` or `MenuResourceFolder`, as
     /// orvo::tableText shows them. A null string for any other table.

@@ -120,6 +120,16 @@ void COrvoCliMod::slot_popMessageBoxClicked(QAbstractButton*) {
 
 void COrvoCliMod::slot_endRestructure() {}
 
+QString COrvoCliMod::ModEditText() const {
+    return {};
+}
+
+bool COrvoCliMod::ModEditSave() {
+    return true;
+}
+
+void COrvoCliMod::ModEditCancel() {}
+
 void COrvoCliMod::SetModTitle(QString title, QString second) {
     setWindowTitle(second.isEmpty() ? title : QStringLiteral("%1 — %2").arg(title, second));
     if (m_app)

@@ -1,9 +1,12 @@
 #include "platform/client/NotificationPump.h"
 
+#include "platform/client/QuestionNotes.h"
+
 #include <QApplication>
 #include <QThread>
 
 #include <algorithm>
+#include <cassert>
 #include <iterator>
 #include <utility>
 
@@ -12,6 +15,7 @@ namespace orvo::client {
 namespace {
 
 constexpr int blockedRetryMs = 25;     ///< while a dialog, menu or drag is up
+constexpr int heldRetryMs = 50;        ///< while a module has the engineer's attention
 constexpr size_t enoughBacklog = 1024; ///< more waits with the follower
 
 } // namespace
@@ -27,27 +31,37 @@ NotificationPump::NotificationPump(COrvoCliSes& session, ModuleRegistry& modules
     m_step.setTimerType(Qt::PreciseTimer);
     connect(&m_step, &QTimer::timeout, this, &NotificationPump::step);
     connect(&m_follower, &LogFollower::arrived, this, &NotificationPump::arrived);
-    connect(&sessionEvents(session), &SessionEvents::written, this, &NotificationPump::request);
+    connect(&sessionEvents(session), &SessionEvents::written, this, &NotificationPump::written);
 }
 
 NotificationPump::~NotificationPump() = default;
 
 void NotificationPump::start() {
     m_stopped = false;
+    m_announcedId = m_cursor;
     m_follower.begin(m_cursor);
     request(); // what came since the session was made
 }
 
 bool NotificationPump::restart() {
-    m_backlog.clear();
+    m_log.clear();
+    m_first = m_announced = 0;
+    m_readers.clear();
     m_gap = false;
     const store::Status status = sessionStore(m_session).logPosition(&m_cursor);
     start();
+    tellHeld();
     return status.ok();
 }
 
 bool NotificationPump::isIdle() const {
-    return m_stopped || (m_backlog.empty() && m_answered == m_asked);
+    return m_stopped || (isAllDelivered() && m_answered == m_asked);
+}
+
+bool NotificationPump::isAllDelivered() const {
+    return m_announced == end() && std::all_of(m_readers.begin(), m_readers.end(), [this](auto& r) {
+               return !r.module || r.at == end();
+           });
 }
 
 bool NotificationPump::mayDeliver() const {
@@ -61,6 +75,15 @@ void NotificationPump::request() {
         m_asked = m_follower.look();
 }
 
+/// The module on show is the one that wrote: no other has the mouse or the keyboard.
+void NotificationPump::written() {
+    request();
+    followModules();
+    for (Reader& reader : m_readers)
+        if (reader.module && reader.module->isVisible())
+            reader.echoLook = m_asked;
+}
+
 /// However fast the changes come, the window is painted once a frame for all that came meanwhile.
 int NotificationPump::untilNextFrame() const {
     return m_sliceBegin.isValid()
@@ -70,14 +93,16 @@ int NotificationPump::untilNextFrame() const {
 
 /// The state of the connection shows at once; changes wait for the bare loop.
 void NotificationPump::arrived() {
-    const bool enough = m_stopped || m_backlog.size() >= enoughBacklog;
+    const bool enough = m_stopped || end() - m_announced >= enoughBacklog;
     LogFollower::News news = enough ? m_follower.takeTurns() : m_follower.take();
     if (!enough) {
-        std::move(news.changes.begin(), news.changes.end(), std::back_inserter(m_backlog));
+        std::move(news.changes.begin(), news.changes.end(), std::back_inserter(m_log));
         m_answered = news.answered;
         m_gap = m_gap || news.pruned;
+        noteEchoes();
     }
-    if ((!m_backlog.empty() || m_gap) && !m_step.isActive())
+    const bool fresh = m_announced < end() || m_gap;
+    if (fresh && (!m_step.isActive() || m_step.remainingTime() > untilNextFrame()))
         m_step.start(untilNextFrame());
     for (const store::Status& turn : news.turns) {
         if (turn.ok()) {
@@ -86,6 +111,88 @@ void NotificationPump::arrived() {
         }
         emit connectionChanged(turn.ok(), QString::fromStdString(turn.text));
     }
+}
+
+/// A new module has read its tables after all that was announced by then.
+void NotificationPump::followModules() {
+    const auto running = m_modules.modules(ModuleState::Running);
+    m_readers.erase(std::remove_if(m_readers.begin(), m_readers.end(),
+                                   [&](const Reader& reader) {
+                                       return std::find(running.begin(), running.end(),
+                                                        reader.module) == running.end();
+                                   }),
+                    m_readers.end());
+    for (const QPointer<COrvoCliMod>& module : running)
+        if (!readerOf(module))
+            m_readers.push_back({module, m_announced, m_announcedId});
+}
+
+NotificationPump::Reader* NotificationPump::readerOf(const COrvoCliMod* module) {
+    for (Reader& reader : m_readers)
+        if (module && reader.module == module)
+            return &reader;
+    return nullptr;
+}
+
+int64_t NotificationPump::lastGiven(const COrvoCliMod* module) const {
+    for (const Reader& reader : m_readers)
+        if (module && reader.module == module)
+            return reader.given;
+    return m_announcedId;
+}
+
+void NotificationPump::noteEchoes() {
+    for (Reader& reader : m_readers)
+        if (reader.echoLook != 0 && m_answered >= reader.echoLook) {
+            reader.echoLook = 0;
+            reader.echoBefore = end();
+        }
+}
+
+uint64_t NotificationPump::limitOf(const Reader& reader) const {
+    switch (attentionIn(*reader.module)) {
+    case Attention::None:
+        return m_announced;
+    case Attention::Cell:
+    case Attention::Edit:
+        return reader.echoLook != 0 ? m_announced : std::min(reader.echoBefore, m_announced);
+    default:
+        return reader.at;
+    }
+}
+
+bool NotificationPump::isSomethingDue() const {
+    return m_announced < end() || std::any_of(m_readers.begin(), m_readers.end(), [this](auto& r) {
+               return r.module && r.at < limitOf(r);
+           });
+}
+
+bool NotificationPump::isAttended() const {
+    const auto running = m_modules.modules(ModuleState::Running);
+    return std::any_of(running.begin(), running.end(),
+                       [](const auto& module) { return attentionIn(*module) != Attention::None; });
+}
+
+std::vector<NotificationPump::Held> NotificationPump::held() const {
+    std::vector<Held> all;
+    for (const Reader& reader : m_readers) {
+        if (!reader.module || reader.at >= m_announced)
+            continue;
+        const Attention why = attentionIn(*reader.module);
+        if (why != Attention::None)
+            all.push_back({reader.module, why, static_cast<int>(m_announced - reader.at)});
+    }
+    return all;
+}
+
+void NotificationPump::tellHeld() {
+    std::vector<std::pair<QPointer<COrvoCliMod>, int>> now;
+    for (const Held& one : held())
+        now.emplace_back(one.module, one.changes);
+    if (now == m_told)
+        return;
+    m_told = std::move(now);
+    emit heldChanged();
 }
 
 void NotificationPump::step() {
@@ -103,43 +210,83 @@ void NotificationPump::step() {
     deliverSlice();
     if (m_stopped)
         return;
-    if (m_backlog.size() < enoughBacklog && !m_gap)
+    if (end() - m_announced < enoughBacklog && !m_gap)
         arrived(); // what waited
-    if (m_backlog.empty() && m_gap) {
+    tellHeld();
+    const bool done = isAllDelivered();
+    if (done && m_gap && !isAttended()) {
         m_stopped = true;
         m_gap = false;
         emit logLost();
-    } else if (!m_backlog.empty() && !m_step.isActive()) {
-        m_step.start(untilNextFrame());
+    } else if ((!done || m_gap) && !m_step.isActive()) {
+        m_step.start(isSomethingDue() ? untilNextFrame() : heldRetryMs);
     }
 }
 
 void NotificationPump::deliverSlice() {
     m_delivering = true;
     m_sliceBegin.start();
-    while (!m_backlog.empty()) {
-        const size_t count = std::min(m_backlog.size(), static_cast<size_t>(m_chunk.changes()));
-        std::vector<store::Change> chunk(
-            std::make_move_iterator(m_backlog.begin()),
-            std::make_move_iterator(m_backlog.begin() + static_cast<ptrdiff_t>(count)));
-        m_backlog.erase(m_backlog.begin(), m_backlog.begin() + static_cast<ptrdiff_t>(count));
+    followModules();
+    while (!m_stopped) {
+        const auto count = static_cast<size_t>(m_chunk.changes());
         QElapsedTimer cost;
         cost.start();
-        for (const store::Change& change : chunk)
-            emit changed(change);
-        for (const QPointer<COrvoCliMod>& module : m_modules.modules(ModuleState::Running)) {
-            for (const store::Change& change : chunk)
-                if (module)
-                    module->messagePut(m_maker.make(change));
-            if (module)
-                module->MessageOn();
-        }
+        size_t most = announce(count);
+        for (const QPointer<COrvoCliMod>& module : m_modules.modules(ModuleState::Running))
+            most = std::max(most, deliver(module, count));
+        forgetDelivered();
+        if (most == 0)
+            break;
         // A quarter of the slice at once is few enough to end in time.
-        m_chunk.took(static_cast<int>(count), cost.nsecsElapsed(), sliceBudgetMs * 250'000LL);
-        if (m_stopped || m_sliceBegin.elapsed() >= sliceBudgetMs)
+        m_chunk.took(static_cast<int>(most), cost.nsecsElapsed(), sliceBudgetMs * 250'000LL);
+        if (m_sliceBegin.elapsed() >= sliceBudgetMs)
             break;
     }
     m_delivering = false;
+}
+
+/// Tells the host of the next changes; how many there were.
+size_t NotificationPump::announce(size_t count) {
+    const uint64_t from = m_announced;
+    const uint64_t to = std::min<uint64_t>(end(), from + count);
+    for (uint64_t place = from; place < to; ++place) {
+        const store::Change& change = m_log[place - m_first];
+        emit changed(change);
+        for (const Reader& reader : m_readers)
+            if (reader.module)
+                noteInQuestion(*reader.module, change);
+    }
+    if (to > from)
+        m_announcedId = m_log[to - 1 - m_first].id;
+    m_announced = to;
+    return to - from;
+}
+
+/// Gives a module its next changes; how many there were.
+size_t NotificationPump::deliver(COrvoCliMod* module, size_t count) {
+    Reader* reader = readerOf(module);
+    if (!reader)
+        return 0;
+    const uint64_t from = reader->at;
+    const uint64_t to = std::min<uint64_t>(limitOf(*reader), from + count);
+    assert(m_first <= from && from <= m_announced && m_announced <= end());
+    if (to <= from)
+        return 0;
+    for (uint64_t place = from; place < to; ++place)
+        module->messagePut(m_maker.make(m_log[place - m_first]));
+    reader->at = to;
+    reader->given = m_log[to - 1 - m_first].id;
+    module->MessageOn(); // may write, or take modules down: `reader` ends here
+    return to - from;
+}
+
+void NotificationPump::forgetDelivered() {
+    uint64_t needed = m_announced;
+    for (const Reader& reader : m_readers)
+        if (reader.module)
+            needed = std::min(needed, reader.at);
+    m_log.erase(m_log.begin(), m_log.begin() + static_cast<ptrdiff_t>(needed - m_first));
+    m_first = needed;
 }
 
 } // namespace orvo::client

@@ -5,9 +5,18 @@
 // its own, a modal dialog, a pop-up menu or a drag is up, or a call of the session is running.
 // Until then the changes wait. Delivery goes in slices of about sliceBudgetMs, one a frame,
 // between which the window answers and paints.
+//
+// Each module has its own place in the order of changes. A module that has the engineer's attention
+// (Attention.h) gets nothing until that ends, however long it takes, while the log is read on and
+// the other modules follow it. What the engineer writes meanwhile ends the hold on a typed cell or
+// an open edit up to its own echo: what was done must be seen, in its place among the rest.
+//
+// Invariants: 1 first <= at <= announced <= end, for the place `at` of every module; 2 nothing
+// before the first of these places is kept; 3 a module is given each change once.
 #ifndef ORVO_PLATFORM_CLIENT_NOTIFICATIONPUMP_H
 #define ORVO_PLATFORM_CLIENT_NOTIFICATIONPUMP_H
 
+#include "platform/client/Attention.h"
 #include "platform/client/Blocks.h"
 #include "platform/client/ChunkSize.h"
 #include "platform/client/LogFollower.h"
@@ -41,39 +50,81 @@ public:
     bool restart();
     /// Whether everything that the log held at the last look has been delivered.
     bool isIdle() const;
-    /// Whether notifications may be delivered at this moment.
+    /// Whether notifications may be delivered at this moment, to modules that are not held.
     bool mayDeliver() const;
+
+    /// What is held back from a module.
+    struct Held {
+        QPointer<COrvoCliMod> module;
+        Attention why = Attention::None;
+        int changes = 0; ///< at least 1
+    };
+    /// The modules from which something is held back now.
+    std::vector<Held> held() const;
+    /// The number in the log of the last change that the module was given; where reading began if
+    /// nothing was.
+    int64_t lastGiven(const COrvoCliMod* module) const;
 
 signals:
     /// Every change, whatever its table, once, in commit order, just before the modules get it.
     void changed(const orvo::store::Change& change);
     /// The log no longer reaches back to the cursor: the modules must be opened anew. The pump
-    /// rests until restart.
+    /// rests until restart. Not emitted while a module has the engineer's attention.
     void logLost();
+    /// held() has changed.
+    void heldChanged();
     /// The store stopped or resumed answering; `text` says why it stopped. May come at any time;
     /// the modules hear of the resumption (ModSesReconnect) from the bare event loop only.
     void connectionChanged(bool up, const QString& text);
 
 private:
+    /// A running module and how far it is. Places are numbers of changes since start.
+    struct Reader {
+        QPointer<COrvoCliMod> module;
+        uint64_t at = 0;         ///< place of the next change
+        int64_t given = 0;       ///< number in the log of the last one
+        uint64_t echoLook = 0;   ///< the look that will find its last write; 0: none is awaited
+        uint64_t echoBefore = 0; ///< the echo of its last write is before this place
+    };
+
     void request();
+    void written();
     void arrived();
     int untilNextFrame() const;
     void step();
     void deliverSlice();
+    size_t announce(size_t count);
+    size_t deliver(COrvoCliMod* module, size_t count);
+    void followModules();
+    void noteEchoes();
+    void forgetDelivered();
+    void tellHeld();
+    Reader* readerOf(const COrvoCliMod* module);
+    /// The place before which the module may be given changes now.
+    uint64_t limitOf(const Reader& reader) const;
+    bool isSomethingDue() const;
+    bool isAttended() const;
+    bool isAllDelivered() const;
+    uint64_t end() const { return m_first + m_log.size(); }
 
     COrvoCliSes& m_session;
     ModuleRegistry& m_modules;
     NotificationMaker m_maker;
     LogFollower m_follower;
     QTimer m_step;
-    QElapsedTimer m_sliceBegin; ///< of the last one
-    std::deque<store::Change> m_backlog;
-    int64_t m_cursor;           ///< where the follower began
+    QElapsedTimer m_sliceBegin;      ///< of the last one
+    std::deque<store::Change> m_log; ///< what not every module has been given
+    uint64_t m_first = 0;            ///< place of the first of these
+    uint64_t m_announced = 0;        ///< place of the next one for `changed`
+    int64_t m_announcedId = 0;       ///< number in the log of the one before
+    std::vector<Reader> m_readers;
+    std::vector<std::pair<QPointer<COrvoCliMod>, int>> m_told; ///< at the last heldChanged
+    int64_t m_cursor;                                          ///< where the follower began
     uint64_t m_asked = 0;       ///< number of the last look asked for
     uint64_t m_answered = 0;    ///< number of the last look answered
     ChunkSize m_chunk;          ///< changes handed over at once
     bool m_reconnected = false; ///< the modules are to be told
-    bool m_gap = false;         ///< after the backlog the log has a gap
+    bool m_gap = false;         ///< after these changes the log has a gap
     bool m_stopped = true;      ///< before start, and after logLost
     bool m_delivering = false;
 };

@@ -1,0 +1,38 @@
+// What the host asks of the open edit before it closes the editor or opens it anew.
+#include "menu/OrvoMenu.h"
+
+#include "menu/Columns.h"
+
+using orvo::menu::DesckColumn;
+using orvo::menu::MenuColumn;
+
+QString OrvoMenu::ModEditText() const {
+    const auto named = [](const QString& what, const QModelIndex& row, int column) {
+        const QString name = row.siblingAtColumn(column).data().toString();
+        return what.arg(name.isEmpty() ? tr("без имени") : name);
+    };
+    switch (m_editMode) {
+    case orvo::menu::NewDesck:
+        return named(m_editDesckIndex.isValid() && m_desckModel->isItemFolder(m_editDesckIndex)
+                         ? tr("новая папка «%1»")
+                         : tr("новый рабочий стол «%1»"),
+                     m_editDesckIndex, DesckColumn::Name);
+    case orvo::menu::RenameDesck:
+        return named(tr("новое имя «%1»"), m_editDesckIndex, DesckColumn::Name);
+    case orvo::menu::NewElement:
+        return named(tr("новая папка меню «%1»"), m_elementEdit.row(*m_menuModel),
+                     MenuColumn::Caption);
+    case orvo::menu::EditElement:
+        return named(tr("элемент «%1»"), m_elementEdit.row(*m_menuModel), MenuColumn::Caption);
+    default:
+        return {};
+    }
+}
+
+bool OrvoMenu::ModEditSave() {
+    return finishEdit();
+}
+
+void OrvoMenu::ModEditCancel() {
+    on_cancel_pressed();
+}

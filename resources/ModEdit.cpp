@@ -1,0 +1,24 @@
+// What the host asks of the open edit before it closes the editor or opens it anew.
+#include "resources/OrvoResources.h"
+
+#include "resources/Columns.h"
+
+using orvo::resources::ResColumn;
+using orvo::resources::ResourceEdit;
+
+QString OrvoResources::ModEditText() const {
+    if (!m_edit.isOpen())
+        return {};
+    const QString name = m_edit.row().siblingAtColumn(ResColumn::Caption).data().toString();
+    const QString what =
+        m_editState == ResourceEdit::NewRow ? tr("новая строка «%1»") : tr("строка «%1»");
+    return what.arg(name.isEmpty() ? tr("без имени") : name);
+}
+
+bool OrvoResources::ModEditSave() {
+    return finishEdit();
+}
+
+void OrvoResources::ModEditCancel() {
+    on_cancel_pressed();
+}
