@@ -128,10 +128,16 @@ public:
     /// Makes m_popMessageBox, with the module as parent, if it is null.
     void PopMessageBoxCreate();
 
+    /// Whether what is being done may make another row the current one. Not while MessageData takes
+    /// a change that another login wrote and the user wants to stay where he is.
+    bool mayMoveCurrent() const;
+
     // For the host.
     /// Puts a notification into the module's queue, which owns it from then on.
     void messagePut(MDXCliParam* prm);
     int messagesWaiting() const;
+    /// Whether the changes of others move the current row, as they do at first.
+    void setFollowsOthers(bool on);
 
 protected:
     void closeEvent(QCloseEvent* event) override;

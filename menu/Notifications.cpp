@@ -130,7 +130,8 @@ void OrvoMenu::showDesck(const orvo::Notification& change, MDRData* record,
         finishEdit();
     updateNewDesckNode(record, position, row);
     m_desckEdit.merge(*m_desckModel, m_desckModel->findIndexByKey(key), record, change);
-    orvo::makeCurrentAnew(m_ui->tvDesck, m_desckModel->findIndexByKey(key));
+    if (mayMoveCurrent())
+        orvo::makeCurrentAnew(m_ui->tvDesck, m_desckModel->findIndexByKey(key));
 }
 
 void OrvoMenu::elementUpdated(const orvo::Notification& change) {
@@ -193,7 +194,8 @@ void OrvoMenu::elementInserted(const orvo::Notification& change) {
         return;
     loadMenuRow(parent, position, record);
     gatherChildren(key);
-    m_ui->tvMenu->setCurrentIndex(elementRow(key));
+    if (mayMoveCurrent())
+        m_ui->tvMenu->setCurrentIndex(elementRow(key));
 }
 
 void OrvoMenu::gatherChildren(const QString& key) {

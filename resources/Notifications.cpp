@@ -245,6 +245,6 @@ void OrvoResources::resourceInserted(const orvo::Notification& change) {
         return;
     auto rows = m_resModel->newRows(target);
     rows.add(itemValues(record));
-    if (m_resModel->insertFilledRows(newRow, std::move(rows), target))
+    if (m_resModel->insertFilledRows(newRow, std::move(rows), target) && mayMoveCurrent())
         showRow(m_resModel->index(newRow, 0, target));
 }

@@ -1,6 +1,7 @@
 // The application object's defaults and the base class of modules.
 #include "frame/OrvoClient.h"
 
+#include "platform/client/Session.h"
 #include "platform/mdx/MdxBuild.h"
 
 #include <QCloseEvent>
@@ -15,6 +16,17 @@ struct BlockFree {
     void operator()(MDXCliParam* block) const { orvo::mdx::paramFree(block); }
 };
 using Block = std::unique_ptr<MDXCliParam, BlockFree>;
+
+/// Whether another login than that of the session wrote the change.
+bool isForeign(const MDXCliParam* block, const COrvoCliApp* app) {
+    constexpr int loginField = 3;
+    const char* login = nullptr;
+    if (!app || !app->m_session ||
+        MDRGetTextPtr(MDRFldByNum(block->array, loginField), block->record, &login) != MDX_OK)
+        return true;
+    const std::string& own = orvo::client::sessionStore(*app->m_session).login();
+    return orvo::mdx::toUtf8(login ? login : "") != own;
+}
 
 } // namespace
 
@@ -34,6 +46,8 @@ struct COrvoCliMod::Private {
     QHash<QString, QString> params;
     QString profile;
     QString state;
+    bool followsOthers = true;
+    bool takesForeign = false; ///< MessageData has a change of another login
 };
 
 COrvoCliMod::COrvoCliMod(COrvoCliApp* app)
@@ -142,8 +156,19 @@ void COrvoCliMod::MessageGet() {
     while (self && !d->queue.empty()) {
         const Block block = std::move(d->queue.front());
         d->queue.pop_front();
+        d->takesForeign = !d->followsOthers && isForeign(block.get(), m_app);
         MessageData(block.get());
+        if (self)
+            d->takesForeign = false;
     }
+}
+
+bool COrvoCliMod::mayMoveCurrent() const {
+    return !d->takesForeign;
+}
+
+void COrvoCliMod::setFollowsOthers(bool on) {
+    d->followsOthers = on;
 }
 
 void COrvoCliMod::doCall(int code, void* what) {
