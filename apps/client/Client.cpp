@@ -1,5 +1,6 @@
 #include "apps/client/Client.h"
 
+#include "apps/client/CloseGuard.h"
 #include "apps/client/FileMirror.h"
 #include "apps/client/FormViewer.h"
 #include "apps/client/Inspector.h"
@@ -97,7 +98,8 @@ bool Client::openInspector(QString* error) {
             {"loopLevel", QThread::currentThread()->loopLevel()},
             {"running", static_cast<int>(m_modules.modules(client::ModuleState::Running).size())},
             {"connection", m_window ? m_window->statusLine()->connection() : QString()},
-            {"failure", m_window ? m_window->statusLine()->failure() : QString()}};
+            {"failure", m_window ? m_window->statusLine()->failure() : QString()},
+            {"held", m_window ? m_window->statusLine()->held() : QString()}};
     };
     m_inspector = std::make_unique<Inspector>(std::move(sources));
     return m_inspector->listen(m_options.inspect, error);
@@ -107,6 +109,8 @@ void Client::show() {
     store::Store& store = client::sessionStore(*m_session);
     m_window = std::make_unique<MainWindow>(QString::fromStdString(store.displayName()),
                                             QString::fromStdString(store.login()));
+    m_guard = std::make_unique<CloseGuard>();
+    addOpenEdits();
     connectAll();
     m_window->show();
     QString error;
@@ -150,12 +154,63 @@ void Client::connectAll() {
         m_pump.get(), &client::NotificationPump::logLost, this,
         [this] {
             reopenModules(QStringLiteral("Журнал изменений очищен раньше, чем прочитан: модули "
-                                         "открыты заново."));
+                                         "открыты заново."),
+                          true);
         },
         Qt::QueuedConnection); // outside of the pump's step
     connect(m_window.get(), &MainWindow::reopenRequested, this,
-            [this] { reopenModules(QStringLiteral("Модули открыты заново.")); });
+            [this] { reopenModules(QStringLiteral("Модули открыты заново."), false); });
     connect(m_window.get(), &MainWindow::closing, this, &Client::stop);
+    m_window->setCloseCheck([this] {
+        return m_guard->mayGo(m_window.get(), QStringLiteral("Выход"),
+                              {[this] { m_window->closeNow(); }, {}});
+    });
+    connect(m_pump.get(), &client::NotificationPump::heldChanged, this, &Client::showHeld);
+    connect(m_window.get(), &MainWindow::followsOthersChanged, this, [this](bool on) {
+        for (const auto& module : m_modules.modules(client::ModuleState::Running))
+            module->setFollowsOthers(on);
+    });
+}
+
+void Client::addOpenEdits() {
+    m_guard->addSource([this] {
+        std::vector<CloseGuard::Unsaved> all;
+        for (const QPointer<COrvoCliMod>& module :
+             m_modules.modules(client::ModuleState::Running)) {
+            const QString edit = module->ModEditText();
+            if (edit.isEmpty())
+                continue;
+            all.push_back(
+                {QStringLiteral("%1: %2").arg(module->windowTitle(), edit), [this, module] {
+                     // The module does not look at results; the session tells of them.
+                     bool stored = true;
+                     const auto watch =
+                         connect(&client::sessionEvents(*m_session), &client::SessionEvents::failed,
+                                 this, [&] { stored = false; });
+                     const bool closed = !module || module->ModEditSave();
+                     disconnect(watch);
+                     return closed && stored;
+                 }});
+        }
+        return all;
+    });
+}
+
+void Client::showHeld() {
+    int most = 0;
+    QStringList lines;
+    for (const client::NotificationPump::Held& one : m_pump->held()) {
+        most = std::max(most, one.changes);
+        const char* why = one.why == client::Attention::Question ? "стоит вопрос"
+                          : one.why == client::Attention::Picker ? "открыт выбор"
+                          : one.why == client::Attention::Cell
+                              ? "открыта ячейка"
+                              : "правка не сохранена и не отменена";
+        lines << QStringLiteral("%1: %2").arg(one.module->windowTitle(), QString::fromUtf8(why));
+    }
+    if (most > 0)
+        lines << QStringLiteral("Изменения других покажутся, когда вы закончите.");
+    m_window->statusLine()->setHeld(most, lines.join('\n'));
 }
 
 void Client::connectionChanged(bool up, const QString& text) {
@@ -182,6 +237,7 @@ void Client::openModules() {
             continue;
         }
         m_modules.add(module, name);
+        module->setFollowsOthers(m_window->followsOthers());
         m_window->addModule(module, name);
         if (!m_modules.start(module))
             fail(name, QStringLiteral("Модуль не запущен; причина в журнале. «Клиент» — "
@@ -189,14 +245,33 @@ void Client::openModules() {
     }
 }
 
-void Client::reopenModules(const QString& why) {
+void Client::reopenModules(const QString& why, bool must) {
     if (!m_pump)
         return;
     // Not while a slot of a module waits in a dialog or a menu.
     if (!m_pump->mayDeliver()) {
-        QTimer::singleShot(100, this, [this, why] { reopenModules(why); });
+        QTimer::singleShot(100, this, [this, why, must] { reopenModules(why, must); });
         return;
     }
+    CloseGuard::Answers answers{[this, why] { reopenNow(why); }, {}};
+    if (must)
+        answers.stay = [this, why] { reopenWhenClean(why); };
+    if (m_guard->mayGo(m_window.get(), QStringLiteral("Открыть модули заново"), answers))
+        reopenNow(why);
+}
+
+/// The modules no longer follow the store; the user goes on with his edit all the same.
+void Client::reopenWhenClean(const QString& why) {
+    constexpr int lookMs = 500;
+    if (m_guard->isClean())
+        reopenModules(why, true);
+    else
+        QTimer::singleShot(lookMs, this, [this, why] { reopenWhenClean(why); });
+}
+
+void Client::reopenNow(const QString& why) {
+    if (!m_pump)
+        return;
     m_outdated = false;
     const int current = m_window->currentModule();
     m_modules.stopAll();

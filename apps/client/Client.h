@@ -18,6 +18,7 @@
 
 namespace orvo::app {
 
+class CloseGuard;
 class FileMirror;
 class Inspector;
 class MainWindow;
@@ -41,6 +42,8 @@ public:
     /// Null before show.
     MainWindow* window() const { return m_window.get(); }
     client::ModuleRegistry& modules() { return m_modules; }
+    /// Knows the open edits of the modules; others may add what they keep. Null before show.
+    CloseGuard* closeGuard() const { return m_guard.get(); }
     /// Whether modules, notifications and mirror are at rest.
     bool settled() const;
 
@@ -50,7 +53,12 @@ private:
     void saveScreenshot();
     void connectAll();
     void openModules();
-    void reopenModules(const QString& why);
+    /// `must`: an answer that keeps them open only puts it off.
+    void reopenModules(const QString& why, bool must);
+    void reopenNow(const QString& why);
+    void reopenWhenClean(const QString& why);
+    void addOpenEdits();
+    void showHeld();
     void openForm(const QString& request);
     void fail(const QString& place, const QString& text);
     void stop();
@@ -64,6 +72,7 @@ private:
     std::unique_ptr<COrvoCliSes> m_session;
     std::unique_ptr<FileMirror> m_mirror;
     std::unique_ptr<MainWindow> m_window;
+    std::unique_ptr<CloseGuard> m_guard;
     std::unique_ptr<COrvoCliMod> m_logModule;
     client::ModuleRegistry m_modules;
     bool m_outdated = false; ///< a call failed for want of the server: the editors may not show it

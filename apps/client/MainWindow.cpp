@@ -9,11 +9,23 @@
 #include <QCloseEvent>
 #include <QDockWidget>
 #include <QMenuBar>
+#include <QSettings>
 #include <QTabWidget>
 #include <QThread>
 #include <QTimer>
 
 namespace orvo::app {
+
+namespace {
+
+constexpr char stayKey[] = "view/stayAtOwnRow";
+
+QSettings settings() {
+    return {QSettings::IniFormat, QSettings::UserScope, QStringLiteral("Orvo"),
+            QStringLiteral("orvo-client")};
+}
+
+} // namespace
 
 MainWindow::MainWindow(const QString& store, const QString& login)
     : m_tabs(new QTabWidget(this))
@@ -47,6 +59,19 @@ void MainWindow::makeMenus() {
     connect(quit, &QAction::triggered, this, &QWidget::close, Qt::QueuedConnection);
     QMenu* view = menuBar()->addMenu(QStringLiteral("&Вид"));
     view->addAction(findChild<QDockWidget*>()->toggleViewAction());
+    view->addSeparator();
+    m_stay = view->addAction(QStringLiteral("&Не переводить меня к правкам других"));
+    m_stay->setObjectName(QStringLiteral("actStay"));
+    m_stay->setCheckable(true);
+    m_stay->setChecked(settings().value(QLatin1String(stayKey), false).toBool());
+    connect(m_stay, &QAction::toggled, this, [this](bool stay) {
+        settings().setValue(QLatin1String(stayKey), stay);
+        emit followsOthersChanged(!stay);
+    });
+}
+
+bool MainWindow::followsOthers() const {
+    return !m_stay->isChecked();
 }
 
 void MainWindow::addModule(COrvoCliMod* module, const QString& name) {
@@ -89,8 +114,17 @@ void MainWindow::closeEvent(QCloseEvent* event) {
         QTimer::singleShot(50, this, &QWidget::close);
         return;
     }
+    if (!m_closesNow && m_closeCheck && !m_closeCheck()) {
+        event->ignore();
+        return;
+    }
     emit closing();
     event->accept();
+}
+
+void MainWindow::closeNow() {
+    m_closesNow = true;
+    close();
 }
 
 } // namespace orvo::app

@@ -4,8 +4,11 @@
 
 #include <QMainWindow>
 
+#include <functional>
+
 class COrvoCliMod;
 class CPopMessageBox;
+class QAction;
 class QTabWidget;
 
 namespace orvo::app {
@@ -29,8 +32,16 @@ public:
     /// A message over the whole window; returns at once.
     void showError(const QString& text);
 
+    /// Asked before the window closes; false: it stays, and whoever answered calls closeNow later.
+    void setCloseCheck(std::function<bool()> check) { m_closeCheck = std::move(check); }
+    /// Closes without asking.
+    void closeNow();
+    /// Whether the changes of others move the current row; the user's choice, kept between runs.
+    bool followsOthers() const;
+
 signals:
     void reopenRequested();
+    void followsOthersChanged(bool on);
     /// The window is about to close: the modules are to be stopped now.
     void closing();
 
@@ -47,6 +58,9 @@ private:
     LogPane* m_log;
     StatusLine* m_status;
     CPopMessageBox* m_box = nullptr;
+    QAction* m_stay; ///< "do not take me to the changes of others"
+    std::function<bool()> m_closeCheck;
+    bool m_closesNow = false;
 };
 
 } // namespace orvo::app

@@ -22,6 +22,16 @@ QLabel* makeLabel(const QString& text, QWidget* parent) {
     return label;
 }
 
+/// "1 правка ждёт", "3 правки ждут", "5 правок ждут"
+QString heldText(int changes) {
+    const int tens = changes / 10 % 10;
+    const int ones = changes % 10;
+    const bool few = tens != 1 && ones >= 2 && ones <= 4;
+    if (tens != 1 && ones == 1)
+        return QStringLiteral("%1 правка ждёт").arg(changes);
+    return (few ? QStringLiteral("%1 правки ждут") : QStringLiteral("%1 правок ждут")).arg(changes);
+}
+
 } // namespace
 
 StatusLine::StatusLine(const QString& store, const QString& login, QWidget* parent)
@@ -31,6 +41,7 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
     , m_storeLabel(makeLabel(QStringLiteral("Хранилище: %1").arg(store), this))
     , m_userLabel(makeLabel(QStringLiteral("Пользователь: %1").arg(login), this))
     , m_copying(makeLabel({}, this))
+    , m_held(makeLabel({}, this))
     , m_failure(new QToolButton(this))
     , m_store(store) {
     m_light->setFixedSize(10, 10);
@@ -45,6 +56,9 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
     m_copying->setObjectName(QStringLiteral("copyingLabel"));
     addWidget(m_copying);
     m_copying->hide();
+    m_held->setObjectName(QStringLiteral("heldLabel"));
+    addWidget(m_held);
+    m_held->hide();
 
     m_failure->setObjectName(QStringLiteral("failureButton"));
     m_failure->setCursor(Qt::PointingHandCursor);
@@ -86,6 +100,17 @@ void StatusLine::setCopying(int done, int all) {
     fitFailure();
 }
 
+void StatusLine::setHeld(int changes, const QString& why) {
+    m_held->setText(changes > 0 ? heldText(changes) : QString());
+    m_held->setToolTip(plainToolTip(why));
+    m_held->setVisible(changes > 0);
+    fitFailure();
+}
+
+QString StatusLine::held() const {
+    return m_held->text();
+}
+
 void StatusLine::setFailure(const QString& text) {
     ++m_count;
     m_text = clipped(text.simplified());
@@ -100,7 +125,7 @@ void StatusLine::setFailure(const QString& text) {
 void StatusLine::fitFailure() {
     constexpr int margins = 140; // of the bar, the button and the size grip
     int taken = margins;
-    for (const QWidget* one : {m_connection, m_storeLabel, m_userLabel, m_copying})
+    for (const QWidget* one : {m_connection, m_storeLabel, m_userLabel, m_copying, m_held})
         taken += one->isHidden() ? 0 : one->sizeHint().width();
     const QString count = m_count > 1 ? QStringLiteral(" (всего %1)").arg(m_count) : QString();
     const QFontMetrics metrics = m_failure->fontMetrics();

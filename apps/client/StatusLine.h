@@ -18,6 +18,10 @@ public:
     void setConnected(bool up, const QString& reason);
     /// Shows that so many of so many files are copied; 0 of 0: nothing of the kind.
     void setCopying(int done, int all);
+    /// Shows that so many changes of others wait, and in the tool tip for what; 0: none do.
+    void setHeld(int changes, const QString& why);
+    /// What is shown about them; empty if none wait.
+    QString held() const;
     /// Shows a failure, which stays until the user clicks it; later ones are counted with it.
     void setFailure(const QString& text);
     /// The failure on show, without the count; empty if none.
@@ -37,6 +41,7 @@ private:
     QLabel* m_storeLabel;
     QLabel* m_userLabel;
     QLabel* m_copying;
+    QLabel* m_held;
     QToolButton* m_failure;
     const QString m_store;
     QString m_since; ///< time of the loss; empty: connected

@@ -58,6 +58,9 @@ ClientProcess::ClientProcess(const QString& directory, const QString& store, con
     , modules(which)
     , m_socketPath(directory + '/' + user + ".sock")
     , m_place(place) {
+    QProcessEnvironment own = QProcessEnvironment::systemEnvironment();
+    own.insert("XDG_CONFIG_HOME", directory + "/config-" + user);
+    m_process.setProcessEnvironment(own);
     m_process.setStandardOutputFile(directory + '/' + user + ".out");
     m_process.setStandardErrorFile(directory + '/' + user + ".err", QIODevice::Append);
     QStringList arguments{"--store",   store,        "--login",

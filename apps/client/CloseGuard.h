@@ -1,0 +1,57 @@
+// CloseGuard.h: asks before something that was typed goes with a window or a module.
+//
+// Who keeps something of that kind names it in a source: open edits of the modules, and whatever
+// else is not yet in the store. One question names all of it and offers to save, not to save, and
+// to stay.
+#ifndef ORVO_APPS_CLIENT_CLOSEGUARD_H
+#define ORVO_APPS_CLIENT_CLOSEGUARD_H
+
+#include <QObject>
+#include <QPointer>
+#include <QString>
+
+#include <functional>
+#include <vector>
+
+class QMessageBox;
+class QWidget;
+
+namespace orvo::app {
+
+class CloseGuard : public QObject {
+    Q_OBJECT
+public:
+    /// One thing that would be lost.
+    struct Unsaved {
+        QString what; ///< a line of the question: "Редактор меню: элемент «Архив»"
+        /// Tries to store it. False if it is not stored; why, the user has been told.
+        std::function<bool()> save;
+    };
+    using Source = std::function<std::vector<Unsaved>()>;
+    struct Answers {
+        std::function<void()> go;   ///< saved, or given up
+        std::function<void()> stay; ///< nothing changes; may be null
+    };
+
+    explicit CloseGuard(QObject* parent = nullptr);
+    ~CloseGuard() override;
+
+    /// Asked each time anew, in the order of adding.
+    void addSource(Source source);
+    bool isClean() const;
+    /// True if nothing would be lost: the caller goes on at once, and no answer is called. Else the
+    /// question is put over `window`, and one of the answers is called later, from the event loop.
+    /// While a question stands another call gives false and is forgotten.
+    bool mayGo(QWidget* window, const QString& title, Answers answers);
+
+private:
+    std::vector<Unsaved> unsaved() const;
+    void answered(QWidget* window, const QString& title, const Answers& answers);
+
+    std::vector<Source> m_sources;
+    QPointer<QMessageBox> m_question; ///< deletes itself when closed
+};
+
+} // namespace orvo::app
+
+#endif

@@ -1,0 +1,311 @@
+// One engineer is in the middle of something while others write: what he answers, chooses, types
+// and closes falls on what he had before him. The functions are one story, in this order.
+#include "tests/e2e/Hands.h"
+#include "tests/e2e/Scene.h"
+
+#include <QJsonArray>
+#include <QtTest>
+
+using namespace orvo::test;
+
+#define DO(act) QVERIFY2(act, m_scene->why())
+#define SOON(condition)                                                                            \
+    QVERIFY2(m_scene->waitFor(#condition, [&] { return condition; }), m_scene->why())
+/// A step is done when the store holds it and both clients show it.
+#define DONE(condition)                                                                            \
+    SOON(condition);                                                                               \
+    DO(m_scene->agree())
+
+namespace {
+
+const QString station = QStringLiteral("КС-1 «Верхнеозёрск»");
+const QString secondStation = QStringLiteral("КС-2 «Кедровый Лог»");
+const QString menuTop = QStringLiteral("Меню");
+const QString save = QStringLiteral("Сохранить");
+const QString yes = QStringLiteral("Да");
+const QString ok = QStringLiteral("ОК");
+const QString nameRow = QStringLiteral("Наименование");
+const QString newElement = QStringLiteral("Новый элемент");
+
+} // namespace
+
+class TestAttentionClients : public QObject {
+    Q_OBJECT
+    std::unique_ptr<Scene> m_scene;
+
+    ClientProcess& left() { return m_scene->left(); }
+    ClientProcess& right() { return m_scene->right(); }
+    QString value(const QString& sql) const { return m_scene->store().value(sql); }
+    int number(const QString& sql) const { return value(sql).toInt(); }
+    QString desktop(const QString& caption) const {
+        return value("select KeyLink from MenuFolder where caption = " + quoted(caption));
+    }
+    QString element(const QString& caption) const {
+        return value("select KeyLink from Menu where caption = " + quoted(caption));
+    }
+    int elementsOf(const QString& desktopKey) const {
+        return number("select count(*) from Menu where FolderKey = " + quoted(desktopKey));
+    }
+    /// The other engineer, whose hands do not take the keyboard of this display.
+    bool another(const QString& sql) const { return m_scene->store().foreignWrite(sql); }
+    bool insertElement(const QString& key, const QString& caption, const QString& parent,
+                       int order) const {
+        return another(QString("insert into Menu (KeyLink, parent, FolderKey, caption, order_) "
+                               "values (%1, %2, %3, %4, %5)")
+                           .arg(quoted(key), parent.isNull() ? "null" : quoted(parent),
+                                quoted(desktop(station)), quoted(caption))
+                           .arg(order));
+    }
+    bool rightShows(const char* tree, const QString& text) {
+        return m_scene->waitFor("the right client shows it",
+                                [&] { return right().tree(tree).find(text) >= 0; });
+    }
+    /// Long enough for a change that is not held to have come to the left one too.
+    bool comesToTheRight(const char* tree, const QString& text) {
+        const bool there = rightShows(tree, text);
+        QTest::qWait(300);
+        return there;
+    }
+    QString current(ClientProcess& client, const char* name) {
+        const Tree tree = client.tree(name);
+        const int row = tree.current();
+        return row < 0 ? QString() : tree.rows[static_cast<size_t>(row)].cells[0];
+    }
+    bool isUp(const QString& button) {
+        for (const Control& control : left().controls(button))
+            if (control.visible)
+                return true;
+        return false;
+    }
+    /// Answers the question that comes before something is closed, once its window stands still.
+    bool answerClosing(const char* button) {
+        if (!m_scene->waitFor("the question is asked", [&] { return isUp(button); }))
+            return false;
+        QTest::qWait(500);
+        return m_scene->press(left(), button);
+    }
+    bool held() { return !left().ask("state")["held"].toString().isEmpty(); }
+
+private slots:
+    void initTestCase() {
+        m_scene = std::make_unique<Scene>();
+        DO(m_scene->startLeft());
+        DO(m_scene->startRight());
+        // Rows of the test's own, deep enough for a folder with something in it.
+        QVERIFY(insertElement("att1", "First", {}, 90000));
+        QVERIFY(insertElement("att2", "Second", {}, 91000));
+        QVERIFY(insertElement("att2a", "Inner", "att2", 0));
+        QVERIFY(insertElement("att3", "Third", {}, 92000));
+        DO(m_scene->agree());
+        DO(m_scene->openDesktop(station));
+    }
+
+    void cleanup() {
+        const QString picture = qEnvironmentVariable("ORVO_E2E_PICTURE");
+        if (QTest::currentTestFailed() && !picture.isEmpty())
+            QProcess::execute("import", {"-window", "root", picture});
+    }
+
+    void aDeletionOfADesktopHitsTheOneThatWasAskedAbout() {
+        const QString asked = desktop(secondStation);
+        const QString other = desktop(station);
+        const int untouched = elementsOf(other);
+        QVERIFY(untouched > 3);
+        DO(m_scene->clickRow(left(), "tvDesck", secondStation));
+        DO(m_scene->press(left(), "actDeleteFromtvDesck"));
+        SOON(isUp(yes));
+        QVERIFY(
+            another("update MenuFolder set caption = 'Renamed' where KeyLink = " + quoted(other)));
+        DO(comesToTheRight("tvDesck", "Renamed"));
+        hands::key("Return");
+        SOON(desktop(secondStation).isNull());
+        QTest::qWait(300);
+        QCOMPARE(desktop("Renamed"), other);
+        QCOMPARE(elementsOf(other), untouched);
+        QCOMPARE(elementsOf(asked), 0);
+        QVERIFY(another("update MenuFolder set caption = " + quoted(station) +
+                        " where KeyLink = " + quoted(other)));
+        DONE(desktop(station) == other);
+        QVERIFY(!held());
+    }
+
+    void aDeletionOfAnElementHitsTheOneThatWasAskedAbout() {
+        DO(m_scene->openDesktop(station));
+        DO(m_scene->clickRow(left(), "tvMenu", "First"));
+        DO(m_scene->press(left(), "actDeleteElem"));
+        SOON(isUp(yes));
+        // The new row would become the current one.
+        QVERIFY(insertElement("att4", "Fourth", {}, 93000));
+        DO(comesToTheRight("tvMenu", "Fourth"));
+        hands::key("Return");
+        DONE(element("First").isNull());
+        QVERIFY(!element("Fourth").isNull());
+    }
+
+    void aQuestionAboutARowThatIsGoneSaysSoAndHitsNoOther() {
+        const int all = number("select count(*) from Menu");
+        DO(m_scene->clickRow(left(), "tvMenu", "Second"));
+        DO(m_scene->press(left(), "actDeleteElem"));
+        SOON(isUp(yes));
+        QVERIFY(another("begin; delete from Menu where KeyLink = 'att2a'; delete from Menu where "
+                        "KeyLink = 'att2'; commit"));
+        SOON(right().tree("tvMenu").find("Second") < 0);
+        QTest::qWait(300);
+        hands::key("Return"); // yes, or the only button of the notice
+        DONE(number("select count(*) from Menu") == all - 2);
+        QVERIFY(!isUp(yes));
+        QVERIFY(!isUp(ok));
+        QVERIFY(!element("Third").isNull());
+    }
+
+    void aQuestionTellsWhatOthersDoToItsSubject() {
+        DO(m_scene->clickRow(left(), "tvMenu", "Third"));
+        DO(m_scene->press(left(), "actDeleteElem"));
+        SOON(isUp(yes));
+        QVERIFY(another("update Menu set caption = 'Third, renamed' where KeyLink = 'att3'"));
+        DO(comesToTheRight("tvMenu", "Third, renamed"));
+        QVERIFY(isUp(yes)); // still a question
+        QVERIFY(insertElement("att3a", "Put inside", "att3", 0));
+        SOON(!isUp(yes) && isUp(ok)); // what it asked is not what would be done
+        DO(m_scene->press(left(), ok));
+        DONE(!element("Put inside").isNull());
+    }
+
+    void theWindowBelowAQuestionTakesNeitherMouseNorKeys() {
+        DO(m_scene->clickRow(left(), "tvMenu", "Fourth"));
+        const auto other = m_scene->reveal(left(), "tvMenu", "Third, renamed");
+        const auto desktops = m_scene->reveal(left(), "tvDesck", station);
+        QVERIFY(other && desktops);
+        DO(m_scene->press(left(), "actDeleteElem"));
+        SOON(isUp(yes));
+        hands::click(other->center());
+        hands::click(desktops->center());
+        hands::click(other->center(), 3);
+        hands::key("Down");
+        QTest::qWait(300);
+        QCOMPARE(current(left(), "tvMenu"), QString("Fourth"));
+        QVERIFY(isUp(yes));
+        hands::key("Escape");
+        SOON(!isUp(yes));
+        DO(m_scene->agree());
+        QVERIFY(!element("Fourth").isNull());
+    }
+
+    void aChoiceGoesWhereThePickerWasOpenedFor() {
+        QVERIFY(insertElement("attx", "Folder X", {}, 94000));
+        DO(m_scene->agree());
+        DO(m_scene->clickRow(left(), "tvMenu", "Folder X"));
+        DO(m_scene->pressAll(left(), {newElement, "actNewElemModul"}));
+        DO(m_scene->clickRow(left(), "tvObj", "Trends"));
+        QVERIFY(insertElement("atty", "Folder Y", {}, 95000));
+        DO(comesToTheRight("tvMenu", "Folder Y"));
+        QVERIFY(left().tree("tvMenu").find("Folder Y") < 0);
+        DO(m_scene->press(left(), "btnOK"));
+        DONE(number("select count(*) from Menu where parent = 'attx'") == 1);
+        QCOMPARE(number("select count(*) from Menu where parent = 'atty'"), 0);
+    }
+
+    void whatIsBeingTypedStaysInItsCellUntilItIsSaved() {
+        DO(m_scene->clickRow(left(), "tvMenu", "Fourth"));
+        DO(m_scene->fill(left(), nameRow, "Half of a na"));
+        QVERIFY(insertElement("attz", "Of another", {}, 96000));
+        QVERIFY(another("update Menu set params = 'x' where KeyLink = 'attx'"));
+        DO(comesToTheRight("tvMenu", "Of another"));
+        SOON(held());
+        QCOMPARE(left().ask("windows")["focus"].toObject()["class"].toString(),
+                 QString("QLineEdit"));
+        QCOMPARE(element("Half of a na"), QString()); // not stored by anybody's doing
+        hands::type("me");
+        SOON(left().tree("tvProp").find("Half of a name", 1) >= 0);
+        DO(m_scene->press(left(), save));
+        DONE(element("Half of a name") == "att4");
+        QVERIFY(!held());
+        QVERIFY(left().tree("tvMenu").find("Of another") >= 0);
+    }
+
+    void anEditWaitsAlthoughItsCellWasLeft() {
+        DO(m_scene->clickRow(left(), "tvMenu", "Half of a name"));
+        DO(m_scene->fill(left(), nameRow, "Not finished"));
+        DO(m_scene->clickRow(right(), "tvMenu", menuTop)); // another window has the keyboard
+        QVERIFY(another("update Menu set params = 'y' where KeyLink = 'attx'"));
+        SOON(held());
+        QTest::qWait(300);
+        QCOMPARE(element("Not finished"), QString());
+        DO(m_scene->press(left(), QStringLiteral("Не сохранять")));
+        DO(m_scene->agree());
+        QCOMPARE(element("Not finished"), QString());
+    }
+
+    void closingAndOpeningAnewAskAboutAnOpenEdit() {
+        DO(m_scene->clickRow(left(), "tvMenu", "Half of a name"));
+        DO(m_scene->fill(left(), nameRow, "Typed before closing"));
+        for (const char* shortcut : {"ctrl+q", "ctrl+r"}) {
+            hands::key(shortcut);
+            DO(answerClosing("closeStay"));
+            SOON(!isUp("closeStay"));
+            QVERIFY(left().isRunning());
+            QVERIFY(left().tree("tvProp").find("Typed before closing", 1) >= 0);
+        }
+        QCOMPARE(element("Typed before closing"), QString());
+        hands::key("ctrl+r");
+        DO(answerClosing("closeSave"));
+        SOON(element("Typed before closing") == "att4");
+        DO(m_scene->openDesktop(station));
+
+        DO(m_scene->clickRow(left(), "tvMenu", "Typed before closing"));
+        DO(m_scene->fill(left(), nameRow, "Typed and dropped"));
+        hands::key("ctrl+q");
+        DO(answerClosing("closeDrop"));
+        SOON(!left().isRunning());
+        QCOMPARE(element("Typed and dropped"), QString());
+        DO(m_scene->startLeft());
+        DO(m_scene->openDesktop(station));
+        hands::key("ctrl+q"); // nothing is open: nothing is asked
+        SOON(!left().isRunning());
+        DO(m_scene->startLeft());
+        DO(m_scene->openDesktop(station));
+    }
+
+    void whoWantsToStayIsNotTakenToTheChangesOfOthers() {
+        DO(m_scene->clickRow(left(), "tvMenu", "Third, renamed"));
+        DO(m_scene->pressAll(left(), {QStringLiteral("Вид"), "actStay"}));
+        QVERIFY(insertElement("atts", "Far from here", {}, 97000));
+        QVERIFY(another("update MenuFolder set caption = caption || ' 2' where order_ = '2000' and "
+                        "KeyLink <> " +
+                        quoted(desktop(station))));
+        DONE(!element("Far from here").isNull());
+        QCOMPARE(current(left(), "tvMenu"), QString("Third, renamed"));
+        QCOMPARE(current(left(), "tvDesck"), station);
+        QVERIFY(current(right(), "tvDesck") != station); // as is usual
+        // One's own new row is shown all the same.
+        DO(m_scene->clickRow(left(), "tvMenu", menuTop));
+        DO(m_scene->pressAll(left(), {newElement, "actNewElemFolder"}));
+        DO(m_scene->press(left(), save));
+        SOON(current(left(), "tvMenu") == QStringLiteral("Новая папка"));
+
+        hands::key("ctrl+q");
+        SOON(!left().isRunning());
+        DO(m_scene->startLeft());
+        DO(m_scene->press(left(), QStringLiteral("Вид")));
+        SOON(left().ask("control actStay")["controls"].toArray()[0].toObject()["checked"].toBool());
+        hands::key("Escape");
+    }
+
+    void theStoreIsSoundAndTheClientsSaidNothing() {
+        QCOMPARE(m_scene->admin({"check"}), 0);
+        for (ClientProcess* client : {&left(), &right()}) {
+            QVERIFY(client->isRunning());
+            QStringList said;
+            for (const QString& line : client->errors().split('\n', Qt::SkipEmptyParts))
+                if (!line.contains("XDG_RUNTIME_DIR"))
+                    said << line;
+            QVERIFY2(said.isEmpty(), qPrintable(said.join('\n')));
+        }
+        m_scene.reset();
+    }
+
+    void cleanupTestCase() { m_scene.reset(); }
+};
+
+QTEST_MAIN(TestAttentionClients)
+#include "tst_attention_clients.moc"
