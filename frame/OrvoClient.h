@@ -138,6 +138,10 @@ public:
     int messagesWaiting() const;
     /// Whether the changes of others move the current row, as they do at first.
     void setFollowsOthers(bool on);
+    /// The change of the log up to which the module has been told; -1: unknown. What it reads by
+    /// itself may be newer.
+    int64_t messagesSeen() const;
+    void setMessagesSeen(int64_t change);
 
 protected:
     void closeEvent(QCloseEvent* event) override;

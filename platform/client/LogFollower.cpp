@@ -52,7 +52,7 @@ public:
     std::atomic<bool> stop = false;
     uint64_t asked = 0;      ///< number of the last look
     uint64_t generation = 0; ///< number of the last begin; 0: none yet
-    int64_t from = 0;        ///< where it was to begin
+    store::LogCursor from;   ///< where it was to begin
     News news;
 
 private:
@@ -65,7 +65,7 @@ private:
     const int m_signal;
     uint64_t m_asked = 0;
     uint64_t m_generation = 0;
-    int64_t m_cursor = 0;
+    store::LogCursor m_cursor;
     int m_backOffMs = 0; ///< 0: connected
     int m_relookMs = 0;  ///< 0: none
     Clock::time_point m_next{};
@@ -107,7 +107,8 @@ void LogFollower::Worker::readOnce() {
     const std::lock_guard lock(mutex);
     if (stop || m_generation != generation)
         return;
-    const bool answered = status.ok() || status.code == store::LogPruned;
+    const bool replaced = status.code == store::LogReplaced;
+    const bool answered = status.ok() || status.code == store::LogPruned || replaced;
     if (!answered) {
         const bool first = m_backOffMs == 0;
         m_backOffMs = first ? firstBackOffMs : std::min(m_backOffMs * 2, lastBackOffMs);
@@ -122,8 +123,9 @@ void LogFollower::Worker::readOnce() {
         m_unread = rows.size() == static_cast<size_t>(readLimit);
         m_pruned = !status.ok();
         news.pruned = m_pruned;
+        news.replaced = replaced;
         if (!rows.empty())
-            m_cursor = rows.back().id;
+            m_cursor = store::LogCursor(rows.back());
         std::move(rows.begin(), rows.end(), std::back_inserter(news.changes));
         if (!m_unread)
             news.answered = m_asked;
@@ -176,12 +178,13 @@ LogFollower::~LogFollower() {
     m_thread.join();
 }
 
-void LogFollower::begin(int64_t cursor) {
+void LogFollower::begin(store::LogCursor cursor) {
     const std::lock_guard lock(m_worker->mutex);
     ++m_worker->generation;
-    m_worker->from = cursor;
+    m_worker->from = std::move(cursor);
     m_worker->news.changes.clear();
     m_worker->news.pruned = false;
+    m_worker->news.replaced = false;
     m_worker->signal();
 }
 

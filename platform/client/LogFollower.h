@@ -32,6 +32,8 @@ public:
         uint64_t answered = 0;
         /// After these changes the log has a gap; nothing more is read before begin.
         bool pruned = false;
+        /// ...because the log is not the one that was read before.
+        bool replaced = false;
     };
 
     /// Takes the store over; nothing happens before begin. Not null.
@@ -40,7 +42,7 @@ public:
     ~LogFollower() override;
 
     /// Reads from that place on, also anew; what was found before and not taken is forgotten.
-    void begin(int64_t cursor);
+    void begin(store::LogCursor cursor);
     /// The log may have grown. The number that News::answered will reach.
     uint64_t look();
     /// Takes what was found. Reading pauses while very much waits to be taken.

@@ -8,6 +8,8 @@
 #include <QHash>
 #include <QPointer>
 
+#include <algorithm>
+#include <cstdlib>
 #include <deque>
 
 namespace {
@@ -26,6 +28,16 @@ bool isForeign(const MDXCliParam* block, const COrvoCliApp* app) {
         return true;
     const std::string& own = orvo::client::sessionStore(*app->m_session).login();
     return orvo::mdx::toUtf8(login ? login : "") != own;
+}
+
+/// The change that a notification tells of; 0 if it is none of the log's.
+int64_t changeOf(const MDXCliParam& block) {
+    const char* id = nullptr;
+    const MDRField field = MDRFldByNum(block.array, 0);
+    return orvo::mdx::fieldType(field) == MDX_TEXT &&
+                   MDRGetTextPtr(field, block.record, &id) == MDX_OK && id
+               ? std::strtoll(id, nullptr, 10)
+               : 0;
 }
 
 } // namespace
@@ -48,6 +60,7 @@ struct COrvoCliMod::Private {
     QString state;
     bool followsOthers = true;
     bool takesForeign = false; ///< MessageData has a change of another login
+    int64_t seen = -1;
 };
 
 COrvoCliMod::COrvoCliMod(COrvoCliApp* app)
@@ -160,6 +173,8 @@ void COrvoCliMod::MessageGet() {
         MessageData(block.get());
         if (self)
             d->takesForeign = false;
+        if (self && d->seen >= 0)
+            d->seen = std::max(d->seen, changeOf(*block));
     }
 }
 
@@ -184,6 +199,14 @@ void COrvoCliMod::PopMessageBoxCreate() {
 void COrvoCliMod::messagePut(MDXCliParam* prm) {
     if (prm)
         d->queue.emplace_back(prm);
+}
+
+int64_t COrvoCliMod::messagesSeen() const {
+    return d->seen;
+}
+
+void COrvoCliMod::setMessagesSeen(int64_t change) {
+    d->seen = change;
 }
 
 int COrvoCliMod::messagesWaiting() const {

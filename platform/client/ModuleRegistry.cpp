@@ -1,8 +1,35 @@
 #include "platform/client/ModuleRegistry.h"
 
+#include "platform/client/Session.h"
+
 #include <algorithm>
 
 namespace orvo::client {
+
+/// The application object of one module: the host's, with a session handle that knows the module.
+class ModuleRegistry::ModuleApp : public COrvoCliApp {
+public:
+    ModuleApp(COrvoCliApp& app, COrvoCliMod& module)
+        : m_app(app)
+        , m_handle(makeModuleSession(*app.m_session, module)) {
+        m_session = m_handle.get();
+        m_logModule = app.m_logModule;
+        m_workDir = app.m_workDir;
+    }
+    void log(int level, const QString& place, const QString& text) override {
+        m_app.log(level, place, text);
+    }
+    void moduleTitle(COrvoCliMod* module, const QString& title, const QString& second) override {
+        m_app.moduleTitle(module, title, second);
+    }
+    void moduleCall(COrvoCliMod* module, int code, void* data) override {
+        m_app.moduleCall(module, code, data);
+    }
+
+private:
+    COrvoCliApp& m_app;
+    const std::unique_ptr<COrvoCliSes> m_handle;
+};
 
 ModuleRegistry::ModuleRegistry(QObject* parent) : QObject(parent) {}
 
@@ -21,7 +48,7 @@ void ModuleRegistry::add(COrvoCliMod* module, const QString& name) {
     if (!module || find(module))
         return;
     module->m_moduleName = name;
-    m_entries.push_back({module, ModuleState::Loaded});
+    m_entries.push_back({module, ModuleState::Loaded, nullptr});
 }
 
 bool ModuleRegistry::start(COrvoCliMod* module) {
@@ -29,6 +56,10 @@ bool ModuleRegistry::start(COrvoCliMod* module) {
     if (!entry || entry->state != ModuleState::Loaded)
         return false;
     entry->state = ModuleState::Starting;
+    if (module->m_app && module->m_app->m_session) {
+        entry->app = std::make_shared<ModuleApp>(*module->m_app, *module);
+        module->m_app = entry->app.get();
+    }
     const bool running = module->ModuleStart();
     entry = find(module); // the start may have changed the list
     if (!entry)

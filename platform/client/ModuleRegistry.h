@@ -6,6 +6,7 @@
 
 #include <QPointer>
 
+#include <memory>
 #include <vector>
 
 namespace orvo::client {
@@ -30,7 +31,8 @@ public:
 
     /// Takes a new module over and names it: state Loaded. Null is passed over.
     void add(COrvoCliMod* module, const QString& name);
-    /// Calls ModuleStart of a loaded module: state Running or Failed. False for any other module.
+    /// Gives a loaded module a handle of the session of its own (m_app->m_session) and calls its
+    /// ModuleStart: state Running or Failed. False for any other module.
     bool start(COrvoCliMod* module);
     /// Closes, stops and deletes the module. Not to be called from a slot of that module.
     void stop(COrvoCliMod* module);
@@ -42,9 +44,11 @@ public:
     std::vector<QPointer<COrvoCliMod>> modules(ModuleState state) const;
 
 private:
+    class ModuleApp;
     struct Entry {
         QPointer<COrvoCliMod> module;
         ModuleState state;
+        std::shared_ptr<ModuleApp> app; ///< null before start
     };
     Entry* find(const COrvoCliMod* module);
     std::vector<Entry> m_entries;

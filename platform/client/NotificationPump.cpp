@@ -38,7 +38,7 @@ NotificationPump::~NotificationPump() = default;
 
 void NotificationPump::start() {
     m_stopped = false;
-    m_announcedId = m_cursor;
+    m_announcedId = m_cursor.id;
     m_follower.begin(m_cursor);
     request(); // what came since the session was made
 }
@@ -48,7 +48,7 @@ bool NotificationPump::restart() {
     m_first = m_announced = 0;
     m_readers.clear();
     m_gap = false;
-    const store::Status status = sessionStore(m_session).logPosition(&m_cursor);
+    const store::Status status = sessionStore(m_session).logEnd(&m_cursor);
     start();
     tellHeld();
     return status.ok();
@@ -100,6 +100,7 @@ void NotificationPump::arrived() {
         m_answered = news.answered;
         m_gap = m_gap || news.pruned;
         noteEchoes();
+        m_replaced = m_replaced || news.replaced;
     }
     const bool fresh = m_announced < end() || m_gap;
     if (fresh && (!m_step.isActive() || m_step.remainingTime() > untilNextFrame()))
@@ -217,7 +218,7 @@ void NotificationPump::step() {
     if (done && m_gap && !isAttended()) {
         m_stopped = true;
         m_gap = false;
-        emit logLost();
+        emit logLost(std::exchange(m_replaced, false));
     } else if ((!done || m_gap) && !m_step.isActive()) {
         m_step.start(isSomethingDue() ? untilNextFrame() : heldRetryMs);
     }

@@ -69,8 +69,9 @@ signals:
     /// Every change, whatever its table, once, in commit order, just before the modules get it.
     void changed(const orvo::store::Change& change);
     /// The log no longer reaches back to the cursor: the modules must be opened anew. The pump
-    /// rests until restart. Not emitted while a module has the engineer's attention.
-    void logLost();
+    /// rests until restart. Not emitted while a module has the engineer's attention. `replaced`:
+    /// the store no longer has the last changes that were read.
+    void logLost(bool replaced);
     /// held() has changed.
     void heldChanged();
     /// The store stopped or resumed answering; `text` says why it stopped. May come at any time;
@@ -119,12 +120,13 @@ private:
     int64_t m_announcedId = 0;       ///< number in the log of the one before
     std::vector<Reader> m_readers;
     std::vector<std::pair<QPointer<COrvoCliMod>, int>> m_told; ///< at the last heldChanged
-    int64_t m_cursor;                                          ///< where the follower began
+    store::LogCursor m_cursor;                                 ///< where the follower began
     uint64_t m_asked = 0;       ///< number of the last look asked for
     uint64_t m_answered = 0;    ///< number of the last look answered
     ChunkSize m_chunk;          ///< changes handed over at once
     bool m_reconnected = false; ///< the modules are to be told
     bool m_gap = false;         ///< after these changes the log has a gap
+    bool m_replaced = false;    ///< ...and the log is another one
     bool m_stopped = true;      ///< before start, and after logLost
     bool m_delivering = false;
 };

@@ -15,16 +15,33 @@ namespace orvo::client {
 
 std::unique_ptr<COrvoCliSes> makeSession(std::unique_ptr<store::Store> store,
                                          store::Status* status) {
-    auto p = std::make_unique<COrvoCliSes::Private>();
     if (!store) {
         *status = {store::BadArguments, "Хранилище не открыто."};
         return nullptr;
     }
-    p->store = std::move(store);
-    *status = p->store->logPosition(&p->cursor);
+    auto core = std::make_shared<SessionCore>();
+    core->store = std::move(store);
+    *status = core->store->logEnd(&core->cursor);
     if (!status->ok())
         return nullptr;
-    return std::make_unique<COrvoCliSes>(std::move(p));
+    return std::make_unique<COrvoCliSes>(
+        std::make_unique<COrvoCliSes::Private>(std::move(core), nullptr));
+}
+
+std::unique_ptr<COrvoCliSes> makeModuleSession(const COrvoCliSes& session, COrvoCliMod& module) {
+    const auto& core = session.data()->core;
+    // What is in the log by now will be in the tables that the module reads.
+    int64_t seen = -1;
+    if (core->store->logPosition(&seen).ok())
+        module.setMessagesSeen(seen);
+    return std::make_unique<COrvoCliSes>(std::make_unique<COrvoCliSes::Private>(core, &module));
+}
+
+void setUnwritten(COrvoCliSes& session, UnwrittenList* list) {
+    session.data()->core->unwritten = list;
+    if (list)
+        QObject::connect(list, &UnwrittenList::written, &sessionEvents(session),
+                         &SessionEvents::written);
 }
 
 store::Store& sessionStore(COrvoCliSes& session) {
@@ -35,17 +52,18 @@ SessionEvents& sessionEvents(COrvoCliSes& session) {
     return session.data()->events;
 }
 
-int64_t sessionCursor(const COrvoCliSes& session) {
-    return session.data()->cursor;
+const store::LogCursor& sessionCursor(const COrvoCliSes& session) {
+    return session.data()->core->cursor;
 }
 
 bool sessionBusy(const COrvoCliSes& session) {
-    return session.data()->busy > 0;
+    return session.data()->core->busy > 0;
 }
 
-CallScope::CallScope(COrvoCliSes::Private& session)
-    : m_session(session)
-    , m_cursor(session.busy == 0 && qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
+CallScope::CallScope(const COrvoCliSes::Private& session)
+    : m_session(*session.core)
+    , m_cursor(m_session.busy == 0 &&
+               qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
     ++m_session.busy;
     if (m_cursor)
         QGuiApplication::setOverrideCursor(Qt::WaitCursor);
@@ -67,6 +85,12 @@ QString onTable(const char* doing, std::string_view table) {
 
 using namespace orvo;
 using namespace orvo::client;
+
+COrvoCliSes::Private::Private(std::shared_ptr<SessionCore> shared, COrvoCliMod* whose)
+    : core(std::move(shared))
+    , store(core->store.get())
+    , events(core->events)
+    , module(whose) {}
 
 void COrvoCliSes::Private::report(const QString& operation, const store::Status& status) {
     if (!status.ok())
@@ -142,15 +166,13 @@ MDArray* COrvoCliSes::SqlRequest(const char* sql) {
 int COrvoCliSes::SqlUpdate(const char* table, MDArray* records, bool /*always*/,
                            MDXCliParam** prm) {
     const CallScope scope(*d);
-    const std::string_view name(table ? table : "");
-    const store::Status status =
-        table && records ? d->store->update(name, records)
-                         : store::Status{store::BadArguments, "Нет таблицы или записей для неё."};
-    d->report(onTable("Запись в таблицу", name), status);
+    store::Status status{store::BadArguments, "Нет таблицы или записей для неё."};
+    if (table && records)
+        status = d->write(WriteRequest::ofRecords(table, records));
+    else
+        d->report(onTable("Запись в таблицу", table ? table : ""), status);
     if (prm)
         *prm = makeReply(status);
-    if (status.ok())
-        emit d->events.written();
     return status.ok() ? 1 : 0;
 }
 

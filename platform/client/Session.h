@@ -36,12 +36,27 @@ signals:
 ORVOCLIENT_EXPORT std::unique_ptr<COrvoCliSes> makeSession(std::unique_ptr<store::Store> store,
                                                            store::Status* status);
 
+/// A handle of the same session for one module, which must outlive it. By it the session knows
+/// whose a write is, and up to which change that module has seen the log: what others wrote later
+/// stays (store/Merge.h). To be made before the module reads its tables.
+ORVOCLIENT_EXPORT std::unique_ptr<COrvoCliSes> makeModuleSession(const COrvoCliSes& session,
+                                                                 COrvoCliMod& module);
+
+class UnwrittenList;
+/// Where the session keeps the writes that fail; null (the default): nowhere. The list is made on
+/// the session's store and outlives the session's calls.
+ORVOCLIENT_EXPORT void setUnwritten(COrvoCliSes& session, UnwrittenList* list);
+/// After the server may have failed over to one without the last changes: adds to the list of
+/// setUnwritten what this session wrote within the last minutes and the store no longer has. The
+/// number of entries.
+ORVOCLIENT_EXPORT int listLostWrites(COrvoCliSes& session);
+
 /// The session's store; lives as long as the session.
 ORVOCLIENT_EXPORT store::Store& sessionStore(COrvoCliSes& session);
 /// The session's signals; live as long as the session.
 ORVOCLIENT_EXPORT SessionEvents& sessionEvents(COrvoCliSes& session);
 /// The place in the change log from which notifications are to be read.
-ORVOCLIENT_EXPORT int64_t sessionCursor(const COrvoCliSes& session);
+ORVOCLIENT_EXPORT const store::LogCursor& sessionCursor(const COrvoCliSes& session);
 /// Whether a call or a tool of the session is running.
 ORVOCLIENT_EXPORT bool sessionBusy(const COrvoCliSes& session);
 

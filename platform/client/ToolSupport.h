@@ -24,14 +24,6 @@ inline QString storedPath(const QString& path, const QString& name) {
     return path.isEmpty() ? name : path + QLatin1Char('/') + name;
 }
 
-/// Ends a writing tool: a failure is reported, a success announces its notifications.
-inline void finishWrite(COrvoCliSes& session, const QString& operation,
-                        const store::Status& status) {
-    session.data()->report(operation, status);
-    if (status.ok())
-        emit session.data()->events.written();
-}
-
 } // namespace orvo::client
 
 #endif

@@ -264,11 +264,11 @@ CToolFormDel::CToolFormDel(COrvoCliMod* module) : COrvoToolObject(module) {
 CToolFormDel::~CToolFormDel() = default;
 
 void CToolFormDel::run(COrvoCliSes& session) {
-    std::vector<std::string> forms;
+    WriteRequest request;
+    request.kind = WriteRequest::FormDelete;
     for (const QString& form : names)
-        forms.push_back(form.toStdString());
-    finishWrite(session, QStringLiteral("Удаление форм: %1").arg(names.join(QStringLiteral(", "))),
-                session.data()->store->formDelete(forms));
+        request.files.push_back({{}, form, {}, {}});
+    session.data()->write(std::move(request));
 }
 
 CToolFileDel::CToolFileDel(COrvoCliMod* module) : COrvoToolObject(module) {
@@ -278,13 +278,9 @@ CToolFileDel::CToolFileDel(COrvoCliMod* module) : COrvoToolObject(module) {
 CToolFileDel::~CToolFileDel() = default;
 
 void CToolFileDel::run(COrvoCliSes& session) {
-    std::vector<std::pair<std::string, std::string>> pairs;
-    QStringList paths;
-    for (const auto& [path, name] : files) {
-        pairs.emplace_back(path.toStdString(), name.toStdString());
-        paths << storedPath(path, name);
-    }
-    finishWrite(session,
-                QStringLiteral("Удаление файлов: %1").arg(paths.join(QStringLiteral(", "))),
-                session.data()->store->fileDelete(pairs));
+    WriteRequest request;
+    request.kind = WriteRequest::FileDelete;
+    for (const auto& [path, name] : files)
+        request.files.push_back({path, name, {}, {}});
+    session.data()->write(std::move(request));
 }

@@ -1,5 +1,6 @@
 // The tools that bring files into the stores.
 #include "platform/client/ToolSupport.h"
+#include "platform/client/WriteWords.h"
 
 #include <cmath>
 
@@ -8,18 +9,29 @@ using namespace orvo::client;
 
 namespace {
 
-/// Makes the store's view of one file. Refused if the caller's size or buffer cannot be right, or
-/// if it could not be read back.
-store::Status toPut(const QString& path, const QString& name, const void* data, qint64 size,
-                    double time, store::FileToPut* file) {
+/// Adds one file to a request; its bytes stay the caller's. Refused if the caller's size or buffer
+/// cannot be right, or if it could not be read back.
+store::Status addFile(WriteRequest& request, const QString& path, const QString& name,
+                      const void* data, qint64 size, double time) {
     if (size < 0 || (size > 0 && !data))
         return {store::BadArguments, "Неверный размер или содержимое файла."};
-    file->path = path.toStdString();
-    file->name = name.toStdString();
-    file->bytes = {static_cast<const char*>(data), static_cast<size_t>(size)};
+    const store::Status status = checkCarried(name.toStdString(), static_cast<uint64_t>(size));
+    WriteRequest::File file{path, name, {}, {}};
+    if (status.ok())
+        file.bytes =
+            QByteArray::fromRawData(static_cast<const char*>(data), static_cast<int>(size));
     if (std::isfinite(time))
-        file->time = time;
-    return checkCarried(file->name, file->bytes.size());
+        file.time = time;
+    request.files.push_back(std::move(file));
+    return status;
+}
+
+/// Sends what could be added; the first failure leaves nothing to send.
+void finish(COrvoCliSes& session, WriteRequest request, store::Status status) {
+    if (status.ok())
+        session.data()->write(std::move(request));
+    else // nothing that could be repeated
+        session.data()->report(describe(request, nullptr).what, status);
 }
 
 } // namespace
@@ -44,15 +56,14 @@ void CToolFormPut::AddFile(const QString& name, const void* data, qint64 size, d
 void CToolFormPut::run(COrvoCliSes& session) {
     if (m_items.empty())
         return;
-    std::vector<store::FileToPut> files(m_items.size());
+    WriteRequest request;
+    request.kind = WriteRequest::FormPut;
+    request.formPath = formPath;
     store::Status status;
-    for (size_t i = 0; status.ok() && i < m_items.size(); ++i) {
-        const Item& item = m_items[i];
-        status = toPut(formPath, item.name, item.data, item.size, item.time, &files[i]);
-    }
-    if (status.ok())
-        status = session.data()->store->formPut(formPath.toStdString(), files);
-    finishWrite(session, QStringLiteral("Загрузка формы «%1»").arg(m_items.front().name), status);
+    for (const Item& item : m_items)
+        if (status.ok())
+            status = addFile(request, {}, item.name, item.data, item.size, item.time);
+    finish(session, std::move(request), std::move(status));
 }
 
 struct CToolFilePut::Item {
@@ -77,16 +88,11 @@ void CToolFilePut::AddFile(const QString& path, const QString& name, const void*
 void CToolFilePut::run(COrvoCliSes& session) {
     if (m_items.empty())
         return;
-    std::vector<store::FileToPut> files(m_items.size());
+    WriteRequest request;
+    request.kind = WriteRequest::FilePut;
     store::Status status;
-    for (size_t i = 0; status.ok() && i < m_items.size(); ++i) {
-        const Item& item = m_items[i];
-        status = toPut(item.path, item.name, item.data, item.size, item.time, &files[i]);
-    }
-    if (status.ok())
-        status = session.data()->store->filePut(files);
-    finishWrite(session,
-                QStringLiteral("Загрузка файла «%1»")
-                    .arg(storedPath(m_items.front().path, m_items.front().name)),
-                status);
+    for (const Item& item : m_items)
+        if (status.ok())
+            status = addFile(request, item.path, item.name, item.data, item.size, item.time);
+    finish(session, std::move(request), std::move(status));
 }

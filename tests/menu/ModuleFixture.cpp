@@ -153,7 +153,7 @@ TestHost::TestHost(TestStore& store) : d(std::make_unique<Private>()) {
                      [this](const client::Failure& failure) {
                          failures.append(failure.operation + ": " + failure.text);
                      });
-    d->cursor = client::sessionCursor(*d->session);
+    d->cursor = client::sessionCursor(*d->session).id;
     d->reader = store.connect("reader");
     d->logModule = std::make_unique<COrvoCliMod>(this);
     m_logModule = d->logModule.get();

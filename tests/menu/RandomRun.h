@@ -138,7 +138,7 @@ public:
     void open() {
         close();
         m_host = std::make_unique<TestHost>(m_store);
-        m_cursor = client::sessionCursor(*m_host->m_session);
+        m_cursor = client::sessionCursor(*m_host->m_session).id;
         m_waiting.clear();
         (part<Parts>().open(*m_host), ...);
         (part<Parts>().watch(), ...);

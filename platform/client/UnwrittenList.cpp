@@ -1,0 +1,547 @@
+#include "platform/client/UnwrittenList.h"
+
+#include "platform/client/UnwrittenFiles.h"
+#include "platform/store/ChangeRecord.h"
+#include "platform/store/Names.h"
+
+#include <QUuid>
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+#include <utility>
+
+namespace orvo::client {
+
+namespace {
+
+using RecordKey = std::pair<std::string, std::string>; ///< table, folded key
+
+/// The records that an entry would make.
+std::set<RecordKey> madeBy(const UnwrittenEntry& entry) {
+    std::set<RecordKey> keys;
+    // A conflict's record is there, and so is what it needs.
+    if (entry.state == UnwrittenEntry::Conflict)
+        return keys;
+    for (const RecordWrite& record : recordsOf(entry.request))
+        if (record.flag == MDX_INSERT)
+            keys.emplace(entry.request.table, store::foldedKey(record.key));
+    return keys;
+}
+
+/// The records without which a request would write nothing, or something that nobody sees.
+std::set<RecordKey> neededFor(const WriteRequest& request) {
+    std::set<RecordKey> keys;
+    const store::TableDef* table = store::findTable(request.table);
+    if (!table)
+        return keys;
+    for (const RecordWrite& record : recordsOf(request)) {
+        keys.emplace(request.table, store::foldedKey(record.key));
+        for (const store::ParentField& parent : store::parentFields(*table))
+            for (const auto& [number, value] : record.values)
+                if (number == table->find(parent.field) && !store::textOf(value).empty())
+                    keys.emplace(parent.table, store::foldedKey(store::textOf(value)));
+    }
+    return keys;
+}
+
+bool meet(const std::set<RecordKey>& one, const std::set<RecordKey>& other) {
+    return std::any_of(one.begin(), one.end(),
+                       [&](const RecordKey& key) { return other.count(key) != 0; });
+}
+
+QString newId() {
+    return QUuid::createUuid().toString(QUuid::WithoutBraces);
+}
+
+/// The record of a deletion as an insert, with later values over it.
+RecordWrite madeAnew(const store::TableDef& table, const std::string& json,
+                     const RecordWrite& over) {
+    std::map<int, store::Value> values = store::valuesFromJson(table, json);
+    values.erase(0);
+    for (const auto& [number, value] : over.values)
+        values[number] = value;
+    return {MDX_INSERT, over.key, {values.begin(), values.end()}};
+}
+
+} // namespace
+
+UnwrittenList::UnwrittenList(store::Store& store, QObject* parent)
+    : QObject(parent)
+    , m_store(store) {}
+
+UnwrittenList::~UnwrittenList() = default;
+
+bool UnwrittenList::keepIn(const QString& directory, QString* error) {
+    auto files = std::make_unique<UnwrittenFiles>(
+        QString::fromStdString(m_store.displayName() + ' ' + m_store.login()));
+    if (!files->open(directory, error))
+        return false;
+    m_files = std::move(files);
+    QStringList problems;
+    for (UnwrittenEntry& left : m_files->takeOver(&problems)) {
+        left.words = describe(left.request, &m_store);
+        m_entries.push_back(std::move(left));
+    }
+    if (!problems.isEmpty())
+        emit told(QStringLiteral("Несохранённое не прочитано, файлы оставлены на месте: %1")
+                      .arg(problems.join(QStringLiteral(", "))));
+    connectionReturned();
+    emit changed();
+    return true;
+}
+
+const UnwrittenEntry* UnwrittenList::find(const QString& id) const {
+    const auto found = std::find_if(m_entries.begin(), m_entries.end(),
+                                    [&](const UnwrittenEntry& entry) { return entry.id == id; });
+    return found == m_entries.end() ? nullptr : &*found;
+}
+
+UnwrittenEntry* UnwrittenList::entry(const QString& id) {
+    return const_cast<UnwrittenEntry*>(std::as_const(*this).find(id));
+}
+
+QString UnwrittenList::summary() const {
+    if (m_entries.empty())
+        return {};
+    QString text = QStringLiteral("Не записано: ") + m_entries.front().words.what;
+    if (m_entries.size() > 1)
+        text += QStringLiteral(" и ещё %1").arg(m_entries.size() - 1);
+    return text;
+}
+
+const UnwrittenEntry* UnwrittenList::neededBy(const WriteRequest& request) const {
+    if (m_entries.empty())
+        return nullptr;
+    const std::set<RecordKey> needed = neededFor(request);
+    for (const UnwrittenEntry& entry : m_entries)
+        if (meet(needed, madeBy(entry)))
+            return &entry;
+    return nullptr;
+}
+
+void UnwrittenList::save(const UnwrittenEntry& entry) {
+    QString error;
+    if (m_files && !m_files->save(entry, &error))
+        emit told(error);
+}
+
+/// The id is a copy: it may be that of the very entry that goes.
+void UnwrittenList::remove(QString id) { // NOLINT(performance-unnecessary-value-param)
+    m_entries.erase(std::remove_if(m_entries.begin(), m_entries.end(),
+                                   [&](const UnwrittenEntry& entry) { return entry.id == id; }),
+                    m_entries.end());
+    if (m_files)
+        m_files->remove(id);
+}
+
+void UnwrittenList::add(UnwrittenEntry entry, bool canAsk) {
+    entry.request.keep();
+    if (entry.id.isEmpty())
+        entry.id = newId();
+    if (!entry.when.isValid())
+        entry.when = QDateTime::currentDateTime();
+    if (entry.state == UnwrittenEntry::Gone || entry.state == UnwrittenEntry::Conflict) {
+        // One entry for a record: what was typed later goes over what was typed before.
+        const store::TableDef* table = store::findTable(entry.request.table);
+        const std::vector<RecordWrite> records = recordsOf(entry.request);
+        for (size_t i = 0; table && records.size() == 1 && i < m_entries.size(); ++i) {
+            const UnwrittenEntry& old = m_entries[i];
+            const std::vector<RecordWrite> before = recordsOf(old.request);
+            if (old.state != entry.state || old.request.table != entry.request.table ||
+                before.size() != 1 ||
+                store::foldedKey(before[0].key) != store::foldedKey(records[0].key))
+                continue;
+            RecordWrite both = records[0];
+            for (const auto& value : before[0].values)
+                if (std::none_of(both.values.begin(), both.values.end(),
+                                 [&](const auto& one) { return one.first == value.first; }))
+                    both.values.push_back(value);
+            std::sort(both.values.begin(), both.values.end(),
+                      [](const auto& a, const auto& b) { return a.first < b.first; });
+            for (const Theirs& one : old.theirs)
+                if (std::none_of(entry.theirs.begin(), entry.theirs.end(),
+                                 [&](const Theirs& other) { return other.field == one.field; }))
+                    entry.theirs.push_back(one);
+            entry.request = requestOf(*table, {both});
+            remove(QString(old.id));
+            break;
+        }
+    }
+    if (entry.words.what.isEmpty())
+        entry.words = describe(entry.request, canAsk ? &m_store : nullptr);
+    save(entry);
+    const QString id = entry.id;
+    m_entries.push_back(std::move(entry));
+    emit changed();
+    emit added(id);
+}
+
+void UnwrittenList::superseded(const WriteRequest& request) {
+    if (m_entries.empty() || request.kind != WriteRequest::Records)
+        return;
+    const store::TableDef* table = store::findTable(request.table);
+    const std::vector<RecordWrite> done = recordsOf(request);
+    bool any = false;
+    for (size_t i = 0; table && i < m_entries.size();) {
+        UnwrittenEntry& entry = m_entries[i];
+        if (entry.request.table != request.table || entry.request.kind != WriteRequest::Records ||
+            entry.state == UnwrittenEntry::Unknown) {
+            ++i;
+            continue;
+        }
+        std::vector<RecordWrite> left;
+        bool less = false;
+        for (RecordWrite record : recordsOf(entry.request)) {
+            for (const RecordWrite& now : done) {
+                if (record.flag != MDX_UPDATE ||
+                    store::foldedKey(now.key) != store::foldedKey(record.key))
+                    continue;
+                const size_t before = record.values.size();
+                const auto outdated = [&](const auto& value) {
+                    return now.flag == MDX_DELETE || std::find(now.values.begin(), now.values.end(),
+                                                               value) != now.values.end();
+                };
+                record.values.erase(
+                    std::remove_if(record.values.begin(), record.values.end(), outdated),
+                    record.values.end());
+                less = less || record.values.size() != before;
+            }
+            if (record.flag != MDX_UPDATE || !record.values.empty())
+                left.push_back(std::move(record));
+        }
+        if (!less) {
+            ++i;
+            continue;
+        }
+        any = true;
+        if (left.empty()) {
+            remove(QString(entry.id));
+            continue;
+        }
+        entry.request = requestOf(*table, left);
+        entry.words = describe(entry.request, &m_store);
+        save(entry);
+        ++i;
+    }
+    if (any)
+        emit changed();
+}
+
+WriteRequest UnwrittenList::withoutUnwritten(const WriteRequest& request) {
+    const store::TableDef* table = store::findTable(request.table);
+    if (m_entries.empty() || !table || request.kind != WriteRequest::Records)
+        return request;
+    std::set<RecordKey> made;
+    for (const UnwrittenEntry& entry : m_entries)
+        made.merge(madeBy(entry));
+    std::vector<RecordWrite> left;
+    std::set<RecordKey> dropped;
+    for (RecordWrite& record : recordsOf(request)) {
+        RecordKey key{request.table, store::foldedKey(record.key)};
+        if (record.flag == MDX_DELETE && made.count(key) != 0)
+            dropped.insert(std::move(key));
+        else
+            left.push_back(std::move(record));
+    }
+    if (dropped.empty())
+        return request;
+    for (size_t i = 0; i < m_entries.size();) {
+        UnwrittenEntry& entry = m_entries[i];
+        std::vector<RecordWrite> records = recordsOf(entry.request);
+        const size_t before = records.size();
+        records.erase(
+            std::remove_if(
+                records.begin(), records.end(),
+                [&](const RecordWrite& record) {
+                    return dropped.count({entry.request.table, store::foldedKey(record.key)}) != 0;
+                }),
+            records.end());
+        if (records.size() == before) {
+            ++i;
+        } else if (records.empty()) {
+            remove(QString(entry.id));
+        } else {
+            entry.request = requestOf(*store::findTable(entry.request.table), records);
+            save(entry);
+            ++i;
+        }
+    }
+    emit changed();
+    return left.empty() ? WriteRequest{} : requestOf(*table, left);
+}
+
+/// The folder that was deleted, as it was; and those above it.
+store::Status UnwrittenList::restoreParent(UnwrittenEntry& entry, int depth) {
+    constexpr int deepest = 32;
+    const store::TableDef* table = store::findTable(entry.deletedParentTable);
+    if (!table || depth == deepest)
+        return {};
+    const RecordWrite folder =
+        madeAnew(*table, entry.deletedParent, {MDX_INSERT, entry.deletedParentKey, {}});
+    UnwrittenEntry above;
+    above.request = requestOf(*table, {folder});
+    store::UpdateGuard guard;
+    bool unknown = false;
+    store::Status status = perform(above.request, m_store, &guard, &unknown);
+    if (status.code == store::ParentDeleted && guard.parentDeletion) {
+        above.deletedParent = guard.parentDeletion->before;
+        above.deletedParentKey = guard.parentDeletion->key;
+        above.deletedParentTable = guard.parentDeletion->table;
+        status = restoreParent(above, depth + 1);
+        if (status.ok())
+            status = perform(above.request, m_store, &guard, &unknown);
+    }
+    if (status.ok())
+        entry.deletedParent = entry.deletedParentKey = entry.deletedParentTable = {};
+    return status;
+}
+
+store::Status UnwrittenList::write(UnwrittenEntry& entry, store::UpdateGuard* guard,
+                                   bool* unknown) {
+    if (!entry.deletedParentTable.empty())
+        if (const store::Status status = restoreParent(entry, 0); !status.ok())
+            return status;
+    if (entry.state != UnwrittenEntry::Gone)
+        return perform(entry.request, m_store, guard, unknown);
+    const store::TableDef* table = store::findTable(entry.request.table);
+    const std::vector<RecordWrite> records = recordsOf(entry.request);
+    if (!table || records.empty())
+        return {store::BadStructure, "Записи не читаются."};
+    return perform(requestOf(*table, {madeAnew(*table, entry.deletedRecord, records.front())}),
+                   m_store, guard, unknown);
+}
+
+bool UnwrittenList::repeat(const QString& id) {
+    UnwrittenEntry* which = entry(id);
+    if (!which || m_busy || which->state == UnwrittenEntry::Unknown)
+        return !which;
+    if (which->state == UnwrittenEntry::Waiting) {
+        const UnwrittenEntry* before = neededBy(which->request);
+        if (before && before != which && before->when <= which->when &&
+            before < which) // invariant 1: those before it
+            return false;
+    }
+    m_busy = true;
+    store::UpdateGuard guard;
+    guard.seen = which->seen;
+    guard.own = which->own;
+    bool unknown = false;
+    const store::Status status = write(*which, &guard, &unknown);
+    m_busy = false;
+    if (status.ok()) {
+        const UnwrittenEntry done = *which;
+        if (const store::Written& made = m_store.lastWritten(); made.first > 0) {
+            // What the same module gave later knows what it gave before.
+            const store::IdRange range{made.first, made.last.id};
+            for (auto later = m_entries.begin() + (which - m_entries.data());
+                 later != m_entries.end(); ++later)
+                if (later->module == done.module)
+                    later->own.push_back(range);
+            m_repeated[done.module].push_back(range);
+        }
+        remove(done.id);
+        if (const store::TableDef* table = store::findTable(done.request.table)) {
+            for (UnwrittenEntry& other : conflictEntries(*table, guard, m_store))
+                add(std::move(other), true);
+            for (UnwrittenEntry& other : missingEntries(done.request, guard))
+                add(std::move(other), true);
+        }
+        emit changed();
+        emit written();
+        emit told(QStringLiteral("Записано: %1").arg(done.words.what));
+        free();
+        return true;
+    }
+    which->why = QString::fromStdString(status.text);
+    if (unknown) {
+        which->state = UnwrittenEntry::Unknown;
+        which->written = m_store.lastWritten();
+    } else if (which->state == UnwrittenEntry::Waiting) {
+        which->state = UnwrittenEntry::Refused;
+    }
+    if (status.code == store::ParentDeleted && guard.parentDeletion) {
+        which->deletedParent = guard.parentDeletion->before;
+        which->deletedParentKey = guard.parentDeletion->key;
+        which->deletedParentTable = guard.parentDeletion->table;
+    }
+    save(*which);
+    emit changed();
+    return false;
+}
+
+std::vector<store::IdRange> UnwrittenList::takeRepeated(const QString& module) {
+    const auto found = m_repeated.find(module);
+    if (found == m_repeated.end())
+        return {};
+    std::vector<store::IdRange> ranges = std::move(found->second);
+    m_repeated.erase(found);
+    return ranges;
+}
+
+/// Makes the calls that waited for nothing but what is written now.
+void UnwrittenList::free() {
+    for (size_t i = 0; i < m_entries.size(); ++i) {
+        const UnwrittenEntry& waiting = m_entries[i];
+        if (waiting.state != UnwrittenEntry::Waiting)
+            continue;
+        const UnwrittenEntry* before = neededBy(waiting.request);
+        if (before && before < &waiting)
+            continue;
+        repeat(QString(waiting.id)); // goes on from there
+        return;
+    }
+}
+
+int UnwrittenList::repeatAll() {
+    QStringList ids;
+    for (const UnwrittenEntry& entry : m_entries)
+        if (entry.state != UnwrittenEntry::Conflict)
+            ids << entry.id;
+    int left = 0;
+    for (const QString& id : ids)
+        if (find(id) && !repeat(id))
+            ++left;
+    return left;
+}
+
+void UnwrittenList::giveUp(const QString& id) {
+    const UnwrittenEntry* which = find(id);
+    if (!which)
+        return;
+    const std::set<RecordKey> made = madeBy(*which);
+    remove(id);
+    // What waits for records that will never be goes, too.
+    QStringList after;
+    for (const UnwrittenEntry& waiting : m_entries)
+        if (waiting.state == UnwrittenEntry::Waiting && meet(neededFor(waiting.request), made))
+            after << waiting.id;
+    for (const QString& one : after)
+        giveUp(one);
+    emit changed();
+}
+
+void UnwrittenList::setMine(const QString& id, const std::string& key, int field,
+                            const QString& text) {
+    UnwrittenEntry* which = entry(id);
+    const store::TableDef* table = which ? store::findTable(which->request.table) : nullptr;
+    if (!table)
+        return;
+    std::vector<RecordWrite> records = recordsOf(which->request);
+    for (RecordWrite& record : records)
+        for (auto& [number, value] : record.values) {
+            if (number != field || record.key != key)
+                continue;
+            const MdxType type = table->fields[static_cast<size_t>(field)].type;
+            bool good = true;
+            if (type == MDX_TEXT)
+                value = text.toStdString();
+            else if (const int integer = text.toInt(&good); type == MDX_INTEGER && good)
+                value = int64_t(integer);
+        }
+    which->request = requestOf(*table, records);
+    which->words = describe(which->request, &m_store);
+    save(*which);
+    emit changed();
+}
+
+void UnwrittenList::connectionReturned() {
+    bool any = false;
+    QStringList saved;
+    for (size_t i = 0; i < m_entries.size();) {
+        UnwrittenEntry& entry = m_entries[i];
+        ++i;
+        if (entry.words.fields.empty() || entry.words.place.isEmpty()) {
+            entry.words = describe(entry.request, &m_store);
+            any = true;
+        }
+        if (entry.state != UnwrittenEntry::Unknown)
+            continue;
+        store::Outcome outcome = store::Outcome::Unknown;
+        if (!m_store.outcomeOf(entry.written, &outcome).ok())
+            break;
+        any = true;
+        if (outcome == store::Outcome::Saved) {
+            saved << entry.words.what;
+            remove(QString(entry.id));
+            --i;
+        } else {
+            entry.state = UnwrittenEntry::Refused;
+            entry.why = outcome == store::Outcome::NotSaved
+                            ? QStringLiteral("связь потеряна при записи; в хранилище этого нет")
+                            : QStringLiteral("связь потеряна при записи; журнал изменений очищен, "
+                                             "и узнать исход уже нельзя");
+            save(entry);
+        }
+    }
+    if (any)
+        emit changed();
+    for (const QString& what : saved)
+        emit told(QStringLiteral("Связь терялась при записи, но записано: %1").arg(what));
+    if (!saved.isEmpty())
+        free();
+}
+
+std::vector<UnwrittenEntry> conflictEntries(const store::TableDef& table,
+                                            const store::UpdateGuard& guard, store::Store& store) {
+    std::vector<UnwrittenEntry> entries;
+    std::map<std::string, std::vector<const store::Conflict*>> byKey;
+    for (const store::Conflict& conflict : guard.conflicts)
+        byKey[store::foldedKey(conflict.key)].push_back(&conflict);
+    for (const auto& [key, conflicts] : byKey) {
+        UnwrittenEntry entry;
+        entry.state = UnwrittenEntry::Conflict;
+        RecordWrite record{MDX_UPDATE, conflicts.front()->key, {}};
+        QStringList who;
+        for (const store::Conflict* conflict : conflicts) {
+            record.values.emplace_back(conflict->field, conflict->mine);
+            const QString login = conflict->login.empty() ? QStringLiteral("(вручную)")
+                                                          : QString::fromStdString(conflict->login);
+            entry.theirs.push_back(
+                {conflict->key, conflict->field,
+                 valueWords(table, conflict->field, conflict->theirs, &store), login,
+                 QDateTime::fromMSecsSinceEpoch(std::llround(conflict->time * 1000.0))});
+            who << login;
+            entry.seen = std::max(entry.seen, conflict->id);
+        }
+        who.removeDuplicates();
+        entry.request = requestOf(table, {record});
+        entry.why =
+            QStringLiteral("эти же поля изменил другой: %1").arg(who.join(QStringLiteral(", ")));
+        entries.push_back(std::move(entry));
+    }
+    return entries;
+}
+
+std::vector<UnwrittenEntry> missingEntries(const WriteRequest& request,
+                                           const store::UpdateGuard& guard) {
+    std::vector<UnwrittenEntry> entries;
+    const store::TableDef* table = store::findTable(request.table);
+    if (!table || guard.missing.empty())
+        return entries;
+    const std::vector<RecordWrite> records = recordsOf(request);
+    for (const store::MissingRecord& missing : guard.missing) {
+        RecordWrite wanted{MDX_UPDATE, missing.key, {}};
+        for (const RecordWrite& record : records)
+            if (record.flag == MDX_UPDATE &&
+                store::foldedKey(record.key) == store::foldedKey(missing.key))
+                wanted.values = record.values;
+        UnwrittenEntry entry;
+        entry.state = UnwrittenEntry::Gone;
+        entry.request = requestOf(*table, {wanted});
+        entry.why = QStringLiteral("записи нет в хранилище");
+        if (missing.deletion) {
+            entry.deletedRecord = missing.deletion->before;
+            const QString login = QString::fromStdString(missing.deletion->login);
+            entry.why =
+                QStringLiteral("запись удалена: %1, %2")
+                    .arg(login.isEmpty() ? QStringLiteral("вручную") : login,
+                         QDateTime::fromMSecsSinceEpoch(std::llround(missing.deletion->time * 1000))
+                             .toString(QStringLiteral("dd.MM.yyyy HH:mm:ss")));
+        }
+        entries.push_back(std::move(entry));
+    }
+    return entries;
+}
+
+} // namespace orvo::client

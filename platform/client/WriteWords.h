@@ -1,0 +1,45 @@
+// WriteWords.h: a write call in words: what was to be done to which record, where it is, and which
+// fields were to change from what to what.
+#ifndef ORVO_PLATFORM_CLIENT_WRITEWORDS_H
+#define ORVO_PLATFORM_CLIENT_WRITEWORDS_H
+
+#include "platform/client/WriteRequest.h"
+
+#include <QString>
+
+#include <vector>
+
+namespace orvo::client {
+
+/// One field of one record.
+struct FieldWords {
+    std::string key;
+    int field = 0; ///< number in the table
+    QString name;  ///< "Название"
+    QString before;
+    QString mine;
+    bool known = false; ///< `before` is what the store has
+};
+
+struct WriteWords {
+    QString what; ///< "Переименован рабочий стол «КС-3»: было «КС-2»"
+    QString place; ///< "Участок 1 / КС-3 / Насосная"; empty if unknown or at the top
+    std::vector<FieldWords> fields;
+};
+
+/// Describes a request. Names, places and old values are looked up in the store; null: it cannot be
+/// asked, and only what the request tells is said.
+ORVOCLIENT_EXPORT WriteWords describe(const WriteRequest& request, store::Store* store);
+
+/// "рабочий стол «КС-3»", from the values of a record of the table; `key` if it has no name.
+ORVOCLIENT_EXPORT QString recordWords(const store::TableDef& table,
+                                      const std::map<int, store::Value>& values,
+                                      const std::string& key);
+/// A field as people know it, and a value of it.
+ORVOCLIENT_EXPORT QString fieldWord(const store::TableDef& table, int field);
+ORVOCLIENT_EXPORT QString valueWords(const store::TableDef& table, int field,
+                                     const store::Value& value, store::Store* store);
+
+} // namespace orvo::client
+
+#endif
