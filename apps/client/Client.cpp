@@ -8,11 +8,13 @@
 #include "apps/client/MainWindow.h"
 #include "apps/client/Showcase.h"
 #include "apps/client/StatusLine.h"
+#include "apps/client/UnwrittenPane.h"
 #include "apps/client/WindowPatience.h"
 
 #include <QAbstractScrollArea>
 #include <QApplication>
 #include <QDir>
+#include <QDockWidget>
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QThread>
@@ -67,6 +69,8 @@ bool Client::open(QString* error) {
     }
     if (!openWorkDir(error) || !m_library.load(QCoreApplication::applicationDirPath(), error))
         return false;
+    m_unwritten = std::make_unique<client::UnwrittenList>(client::sessionStore(*m_session));
+    client::setUnwritten(*m_session, m_unwritten.get());
     m_app.m_session = m_session.get();
     m_app.m_workDir = m_options.workDir;
     m_logModule = std::make_unique<COrvoCliMod>(&m_app);
@@ -112,6 +116,7 @@ void Client::show() {
     m_guard = std::make_unique<CloseGuard>();
     addOpenEdits();
     connectAll();
+    showUnwritten();
     m_window->show();
     QString error;
     if (!m_mirror->start(&error))
@@ -152,18 +157,29 @@ void Client::connectAll() {
             &Client::connectionChanged);
     connect(
         m_pump.get(), &client::NotificationPump::logLost, this,
-        [this] {
-            reopenModules(QStringLiteral("Журнал изменений очищен раньше, чем прочитан: модули "
-                                         "открыты заново."),
-                          true);
+        [this](bool replaced) {
+            const int lost = client::listLostWrites(*m_session);
+            const QString what =
+                !replaced ? QStringLiteral("Журнал изменений очищен раньше, чем прочитан: модули "
+                                           "открыты заново.")
+                : lost == 0
+                    ? QStringLiteral("Хранилище вернулось к более раннему состоянию, последние "
+                                     "изменения потеряны: модули открыты заново.")
+                    : QStringLiteral("Хранилище вернулось к более раннему состоянию, последние "
+                                     "изменения потеряны: модули открыты заново, ваши потерянные "
+                                     "записи — в «Не записано».");
+            if (replaced)
+                fail(QStringLiteral("Хранилище"), what);
+            reopenModules(what, true);
         },
         Qt::QueuedConnection); // outside of the pump's step
     connect(m_window.get(), &MainWindow::reopenRequested, this,
             [this] { reopenModules(QStringLiteral("Модули открыты заново."), false); });
     connect(m_window.get(), &MainWindow::closing, this, &Client::stop);
     m_window->setCloseCheck([this] {
+        m_leaving = true;
         return m_guard->mayGo(m_window.get(), QStringLiteral("Выход"),
-                              {[this] { m_window->closeNow(); }, {}});
+                              {[this] { m_window->closeNow(); }, [this] { m_leaving = false; }});
     });
     connect(m_pump.get(), &client::NotificationPump::heldChanged, this, &Client::showHeld);
     connect(m_window.get(), &MainWindow::followsOthersChanged, this, [this](bool on) {
@@ -194,6 +210,13 @@ void Client::addOpenEdits() {
         }
         return all;
     });
+    // What is not written outlives the modules and the process; the user should know of it when he
+    // goes.
+    m_guard->addSource([this]() -> std::vector<CloseGuard::Unsaved> {
+        if (!m_leaving || m_unwritten->isEmpty())
+            return {};
+        return {{m_unwritten->summary(), [this] { return m_unwritten->repeatAll() == 0; }}};
+    });
 }
 
 void Client::showHeld() {
@@ -213,10 +236,44 @@ void Client::showHeld() {
     m_window->statusLine()->setHeld(most, lines.join('\n'));
 }
 
+/// What is not written has a pane that comes up by itself, now and whenever something is added.
+void Client::showUnwritten() {
+    QDockWidget* pane =
+        m_window->addPane(new UnwrittenPane(*m_unwritten), {}, QStringLiteral("unwrittenDock"));
+    const auto setTitle = [this, pane] {
+        const QString title = QStringLiteral("Не записано");
+        const size_t count = m_unwritten->entries().size();
+        pane->setWindowTitle(count > 0 ? QStringLiteral("%1 (%2)").arg(title).arg(count) : title);
+        if (count == 0)
+            pane->hide();
+    };
+    const auto raise = [pane] {
+        pane->show();
+        pane->raise();
+    };
+    setTitle();
+    connect(m_unwritten.get(), &client::UnwrittenList::changed, pane, setTitle);
+    connect(m_unwritten.get(), &client::UnwrittenList::added, pane, raise);
+    connect(m_unwritten.get(), &client::UnwrittenList::told, this, [this](const QString& text) {
+        m_window->logPane()->add(LogInformation, QStringLiteral("Не записано"), text);
+    });
+    QString error;
+    if (!m_unwritten->keepIn(m_options.workDir + QStringLiteral("unwritten"), &error))
+        fail(QStringLiteral("Не записано"), error);
+    if (!m_unwritten->isEmpty()) {
+        raise();
+        fail(QStringLiteral("С прошлого раза"), m_unwritten->summary());
+    }
+}
+
 void Client::connectionChanged(bool up, const QString& text) {
     m_window->statusLine()->setConnected(up, text);
     m_mirror->setConnected(up);
     const QString place = QStringLiteral("Связь");
+    if (up) {
+        m_unwritten->connectionReturned();
+        client::listLostWrites(*m_session);
+    }
     if (!up)
         fail(place, text);
     else if (m_outdated)

@@ -12,6 +12,7 @@
 #include "platform/client/ModuleRegistry.h"
 #include "platform/client/NotificationPump.h"
 #include "platform/client/Session.h"
+#include "platform/client/UnwrittenList.h"
 #include "platform/store/Patience.h"
 
 #include <memory>
@@ -60,6 +61,7 @@ private:
     void addOpenEdits();
     void showHeld();
     void openForm(const QString& request);
+    void showUnwritten();
     void fail(const QString& place, const QString& text);
     void stop();
     void connectionChanged(bool up, const QString& text);
@@ -70,9 +72,11 @@ private:
     std::unique_ptr<WindowPatience> m_patience; ///< of this thread, as long as the client lives
     std::unique_ptr<store::PatienceScope> m_patient;
     std::unique_ptr<COrvoCliSes> m_session;
+    std::unique_ptr<client::UnwrittenList> m_unwritten; ///< on the session's store
     std::unique_ptr<FileMirror> m_mirror;
     std::unique_ptr<MainWindow> m_window;
     std::unique_ptr<CloseGuard> m_guard;
+    bool m_leaving = false; ///< the window was asked to close
     std::unique_ptr<COrvoCliMod> m_logModule;
     client::ModuleRegistry m_modules;
     bool m_outdated = false; ///< a call failed for want of the server: the editors may not show it

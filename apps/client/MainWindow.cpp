@@ -30,21 +30,21 @@ QSettings settings() {
 MainWindow::MainWindow(const QString& store, const QString& login)
     : m_tabs(new QTabWidget(this))
     , m_log(new LogPane(this))
-    , m_status(new StatusLine(store, login, this)) {
+    , m_status(new StatusLine(store, login, this))
+    , m_logDock(new QDockWidget(QStringLiteral("Журнал"), this)) {
     setObjectName(QStringLiteral("clientWindow"));
     setWindowTitle(QStringLiteral("Orvo — %1").arg(store));
     m_tabs->setObjectName(QStringLiteral("modules"));
     m_tabs->setDocumentMode(true);
     setCentralWidget(m_tabs);
     setStatusBar(m_status);
-    auto* dock = new QDockWidget(QStringLiteral("Журнал"), this);
-    dock->setObjectName(QStringLiteral("logDock"));
-    dock->setWidget(m_log);
-    dock->setFeatures(QDockWidget::DockWidgetClosable | QDockWidget::DockWidgetMovable);
-    addDockWidget(Qt::BottomDockWidgetArea, dock);
+    m_logDock->setObjectName(QStringLiteral("logDock"));
+    m_logDock->setWidget(m_log);
+    m_logDock->setFeatures(QDockWidget::DockWidgetClosable | QDockWidget::DockWidgetMovable);
+    addDockWidget(Qt::BottomDockWidgetArea, m_logDock);
     makeMenus();
     resize(1366, 900);
-    resizeDocks({dock}, {130}, Qt::Vertical);
+    resizeDocks({m_logDock}, {130}, Qt::Vertical);
 }
 
 void MainWindow::makeMenus() {
@@ -57,10 +57,10 @@ void MainWindow::makeMenus() {
     QAction* quit = client->addAction(QStringLiteral("В&ыход"));
     quit->setShortcut(QKeySequence::Quit);
     connect(quit, &QAction::triggered, this, &QWidget::close, Qt::QueuedConnection);
-    QMenu* view = menuBar()->addMenu(QStringLiteral("&Вид"));
-    view->addAction(findChild<QDockWidget*>()->toggleViewAction());
-    view->addSeparator();
-    m_stay = view->addAction(QStringLiteral("&Не переводить меня к правкам других"));
+    m_view = menuBar()->addMenu(QStringLiteral("&Вид"));
+    m_view->addAction(m_logDock->toggleViewAction());
+    m_view->addSeparator();
+    m_stay = m_view->addAction(QStringLiteral("&Не переводить меня к правкам других"));
     m_stay->setObjectName(QStringLiteral("actStay"));
     m_stay->setCheckable(true);
     m_stay->setChecked(settings().value(QLatin1String(stayKey), false).toBool());
@@ -77,6 +77,18 @@ bool MainWindow::followsOthers() const {
 void MainWindow::addModule(COrvoCliMod* module, const QString& name) {
     m_tabs->addTab(module, QString());
     setTitle(module, module->windowTitle().isEmpty() ? name : module->windowTitle());
+}
+
+QDockWidget* MainWindow::addPane(QWidget* content, const QString& title, const QString& name) {
+    auto* dock = new QDockWidget(title, this);
+    dock->setObjectName(name);
+    dock->setWidget(content);
+    dock->setFeatures(QDockWidget::DockWidgetClosable | QDockWidget::DockWidgetMovable);
+    addDockWidget(Qt::BottomDockWidgetArea, dock);
+    tabifyDockWidget(m_logDock, dock);
+    dock->hide();
+    m_view->addAction(dock->toggleViewAction());
+    return dock;
 }
 
 void MainWindow::setTitle(COrvoCliMod* module, const QString& title) {

@@ -9,6 +9,8 @@
 class COrvoCliMod;
 class CPopMessageBox;
 class QAction;
+class QDockWidget;
+class QMenu;
 class QTabWidget;
 
 namespace orvo::app {
@@ -26,6 +28,8 @@ public:
 
     /// Places a module in a tab of its own. It stays the caller's to delete; the tab goes with it.
     void addModule(COrvoCliMod* module, const QString& name);
+    /// Places a widget, which becomes the window's, in a pane beside the log, closed at first.
+    QDockWidget* addPane(QWidget* content, const QString& title, const QString& name);
     void setTitle(COrvoCliMod* module, const QString& title);
     int currentModule() const;
     void setCurrentModule(int index);
@@ -57,6 +61,8 @@ private:
     QTabWidget* m_tabs; // these: children of the window
     LogPane* m_log;
     StatusLine* m_status;
+    QDockWidget* m_logDock;
+    QMenu* m_view = nullptr;
     CPopMessageBox* m_box = nullptr;
     QAction* m_stay; ///< "do not take me to the changes of others"
     std::function<bool()> m_closeCheck;

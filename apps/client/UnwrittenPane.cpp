@@ -1,0 +1,191 @@
+#include "apps/client/UnwrittenPane.h"
+
+#include "apps/client/Look.h"
+#include "frame/Vocabulary.h"
+#include "platform/store/Schema.h"
+
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QPushButton>
+#include <QTimer>
+#include <QTreeWidget>
+
+#include <cstring>
+#include <optional>
+
+namespace orvo::app {
+
+namespace {
+
+using client::UnwrittenEntry;
+
+constexpr int idRole = Qt::UserRole;
+constexpr int keyRole = Qt::UserRole + 1;
+constexpr int fieldRole = Qt::UserRole + 2;
+
+QString stamp(const QDateTime& time) {
+    return time.toString(time.date() == QDate::currentDate() ? QStringLiteral("HH:mm:ss")
+                                                             : QStringLiteral("dd.MM.yyyy HH:mm"));
+}
+
+QString stateWord(const UnwrittenEntry& entry) {
+    switch (entry.state) {
+    case UnwrittenEntry::Unknown:
+        return QStringLiteral("Исход неизвестен");
+    case UnwrittenEntry::Gone:
+        return QStringLiteral("Записи больше нет");
+    case UnwrittenEntry::Conflict:
+        return QStringLiteral("Изменил и другой");
+    case UnwrittenEntry::Lost:
+        return QStringLiteral("Потеряно сервером");
+    case UnwrittenEntry::Waiting:
+        return QStringLiteral("Ждёт очереди");
+    default:
+        return QStringLiteral("Отказано");
+    }
+}
+
+/// The text of a field in one line that can be edited; none for other values, and for keys.
+std::optional<QString> textIn(const store::TableDef& table,
+                              const std::vector<client::RecordWrite>& records,
+                              const client::FieldWords& field) {
+    const store::FieldDef& def = table.fields[static_cast<size_t>(field.field)];
+    if (def.link || std::strcmp(def.name, field::FolderKey) == 0)
+        return {};
+    for (const client::RecordWrite& record : records)
+        for (const auto& [number, value] : record.values)
+            if (number == field.field && record.key == field.key)
+                if (const auto* text = std::get_if<std::string>(&value);
+                    text && text->find('\n') == std::string::npos)
+                    return QString::fromStdString(*text);
+    return {};
+}
+
+} // namespace
+
+UnwrittenPane::UnwrittenPane(client::UnwrittenList& list, QWidget* parent)
+    : QWidget(parent)
+    , m_list(list)
+    , m_tree(new QTreeWidget(this))
+    , m_repeat(new QPushButton(this))
+    , m_repeatAll(new QPushButton(QStringLiteral("Повторить всё"), this))
+    , m_giveUp(new QPushButton(this)) {
+    setObjectName(QStringLiteral("unwrittenPane"));
+    m_tree->setObjectName(QStringLiteral("unwrittenTree"));
+    m_repeat->setObjectName(QStringLiteral("unwrittenRepeat"));
+    m_repeatAll->setObjectName(QStringLiteral("unwrittenRepeatAll"));
+    m_giveUp->setObjectName(QStringLiteral("unwrittenGiveUp"));
+    m_tree->setHeaderLabels({QStringLiteral("Что не записано"), QStringLiteral("Где / было"),
+                             QStringLiteral("Почему / набрано"),
+                             QStringLiteral("Когда / у другого")});
+    m_tree->setFrameShape(QFrame::NoFrame);
+    m_tree->setAlternatingRowColors(true);
+    m_tree->header()->setStretchLastSection(true);
+    m_tree->header()->resizeSection(What, 430);
+    m_tree->header()->resizeSection(Where, 260);
+    m_tree->header()->resizeSection(Why, 360);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->setContentsMargins(6, 4, 6, 4);
+    for (QPushButton* button : {m_repeat, m_giveUp, m_repeatAll})
+        buttons->addWidget(button);
+    buttons->addStretch();
+    auto* all = new QVBoxLayout(this);
+    all->setContentsMargins(0, 0, 0, 0);
+    all->setSpacing(0);
+    all->addWidget(m_tree);
+    all->addLayout(buttons);
+
+    connect(m_repeat, &QPushButton::clicked, this, [this] { m_list.repeat(currentId()); });
+    connect(m_repeatAll, &QPushButton::clicked, this, [this] { m_list.repeatAll(); });
+    connect(m_giveUp, &QPushButton::clicked, this, [this] { m_list.giveUp(currentId()); });
+    connect(m_tree, &QTreeWidget::currentItemChanged, this, &UnwrittenPane::updateActions);
+    connect(m_tree, &QTreeWidget::itemChanged, this, &UnwrittenPane::textChanged);
+    connect(&m_list, &client::UnwrittenList::changed, this, &UnwrittenPane::fill);
+    fill();
+}
+
+QString UnwrittenPane::currentId() const {
+    const QTreeWidgetItem* row = m_tree->currentItem();
+    if (row && row->parent())
+        row = row->parent();
+    return row ? row->data(0, idRole).toString() : QString();
+}
+
+void UnwrittenPane::addFields(QTreeWidgetItem* row, const UnwrittenEntry& entry) {
+    const store::TableDef* table = store::findTable(entry.request.table);
+    const std::vector<client::RecordWrite> records = client::recordsOf(entry.request);
+    for (const client::FieldWords& field : entry.words.fields) {
+        auto* line = new QTreeWidgetItem(row);
+        line->setText(Field, field.name);
+        line->setText(Before,
+                      field.known ? QStringLiteral("в хранилище: ") + field.before : QString());
+        line->setText(Mine, field.mine);
+        line->setData(Field, keyRole, QString::fromStdString(field.key));
+        line->setData(Field, fieldRole, field.field);
+        for (const client::Theirs& theirs : entry.theirs)
+            if (theirs.field == field.field && theirs.key == field.key)
+                line->setText(Others, QStringLiteral("%1 — %2, %3")
+                                          .arg(theirs.value, theirs.login, stamp(theirs.time)));
+        // What is edited is the whole value: words may be cut short.
+        const std::optional<QString> value = table ? textIn(*table, records, field) : std::nullopt;
+        if (value) {
+            line->setFlags(line->flags() | Qt::ItemIsEditable);
+            line->setText(Mine, *value);
+        }
+        for (int column = 0; column < Count; ++column)
+            line->setToolTip(column, plainToolTip(line->text(column)));
+    }
+}
+
+void UnwrittenPane::fill() {
+    const QString current = currentId();
+    m_filling = true;
+    m_tree->clear();
+    for (const UnwrittenEntry& entry : m_list.entries()) {
+        auto* row = new QTreeWidgetItem(m_tree);
+        row->setText(What, entry.words.what);
+        row->setText(Where, entry.words.place);
+        row->setText(Why, QStringLiteral("%1: %2").arg(stateWord(entry), entry.why));
+        row->setText(When, stamp(entry.when));
+        row->setData(0, idRole, entry.id);
+        row->setForeground(Why, QColor(0xb3, 0x2d, 0x23));
+        for (int column = 0; column < Count; ++column)
+            row->setToolTip(column, plainToolTip(row->text(column)));
+        addFields(row, entry);
+        row->setExpanded(entry.state == UnwrittenEntry::Conflict);
+        if (entry.id == current || current.isEmpty())
+            m_tree->setCurrentItem(row);
+    }
+    if (!m_tree->currentItem() && m_tree->topLevelItemCount() > 0)
+        m_tree->setCurrentItem(m_tree->topLevelItem(0));
+    m_filling = false;
+    updateActions();
+}
+
+void UnwrittenPane::updateActions() {
+    const UnwrittenEntry* entry = m_list.find(currentId());
+    const bool conflict = entry && entry->state == UnwrittenEntry::Conflict;
+    const bool again =
+        entry && (entry->state == UnwrittenEntry::Gone || !entry->deletedParentTable.empty());
+    m_repeat->setText(conflict ? QStringLiteral("Взять моё")
+                      : again  ? QStringLiteral("Создать заново")
+                               : QStringLiteral("Повторить"));
+    m_giveUp->setText(conflict ? QStringLiteral("Взять чужое") : QStringLiteral("Отказаться"));
+    m_repeat->setEnabled(entry && entry->state != UnwrittenEntry::Unknown);
+    m_giveUp->setEnabled(entry != nullptr);
+    m_repeatAll->setEnabled(!m_list.isEmpty());
+}
+
+void UnwrittenPane::textChanged(QTreeWidgetItem* row, int column) {
+    if (m_filling || column != Mine || !row->parent())
+        return;
+    const QString id = row->parent()->data(0, idRole).toString();
+    const std::string key = row->data(Field, keyRole).toString().toStdString();
+    const int field = row->data(Field, fieldRole).toInt();
+    const QString text = row->text(Mine);
+    // The view is still ending its edit; the list's change fills it anew.
+    QTimer::singleShot(0, this, [=, this] { m_list.setMine(id, key, field, text); });
+}
+
+} // namespace orvo::app
