@@ -117,15 +117,21 @@ std::string defaultStore() {
     return (folder + QStringLiteral("/orvo/orvo.db")).toStdString();
 }
 
-std::string chosenStore(const QCommandLineParser& general, const QCommandLineParser& own) {
+store::StoreUrl chosenStore(const QCommandLineParser& general, const QCommandLineParser& own) {
     const QString option = QStringLiteral("store");
     for (const QCommandLineParser* parser : {&own, &general})
         if (parser->isSet(option)) {
             if (parser->value(option).isEmpty())
                 throw Failure("адрес хранилища после --store пуст");
-            return parser->value(option).toStdString();
+            store::StoreUrl url;
+            const store::Status status = url.parse(parser->value(option).toStdString());
+            if (!status.ok())
+                throw Failure(status.text);
+            return url;
         }
-    return defaultStore();
+    store::StoreUrl url;
+    url.parse(defaultStore());
+    return url;
 }
 
 int runVerb(const Verb& verb, const QStringList& words, const QCommandLineParser& general) {

@@ -1,6 +1,7 @@
 #include "apps/admin/Output.h"
 
 #include "platform/store/Names.h"
+#include "platform/store/StoreUrl.h"
 
 #include <cstdio>
 
@@ -16,7 +17,8 @@ void out(std::string_view line) {
 }
 
 void complain(std::string_view text) {
-    const std::string line = "orvo-admin: " + cell(text) + "\n";
+    // Whatever word of the command line the message repeats may be an address in a wrong place.
+    const std::string line = "orvo-admin: " + store::withoutCredentials(cell(text)) + "\n";
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 

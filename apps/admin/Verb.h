@@ -4,6 +4,7 @@
 #define ORVO_ADMIN_VERB_H
 
 #include "platform/store/Maintenance.h"
+#include "platform/store/StoreUrl.h"
 
 #include <QCommandLineParser>
 #include <QStringList>
@@ -25,7 +26,7 @@ enum Exit : int {
 /// One call of a verb, with its arguments counted and its options known.
 class Invocation {
 public:
-    Invocation(std::string storeUrl, const QCommandLineParser& parser);
+    Invocation(store::StoreUrl storeUrl, const QCommandLineParser& parser);
 
     /// The arguments behind the verb.
     const QStringList& arguments() const { return arguments_; }
@@ -35,12 +36,12 @@ public:
     /// The value of an option, UTF-8; empty if it is not given.
     std::string value(const char* option) const;
 
-    const std::string& storeUrl() const { return storeUrl_; }
+    const store::StoreUrl& storeUrl() const { return storeUrl_; }
     /// Opens the store; throws a Failure with the store's own line.
     std::unique_ptr<store::MaintainedStore> open() const;
 
 private:
-    std::string storeUrl_;
+    store::StoreUrl storeUrl_;
     const QCommandLineParser& parser_;
     QStringList arguments_;
 };

@@ -18,7 +18,7 @@ const std::vector<const Verb*>& verbs() {
     return all;
 }
 
-Invocation::Invocation(std::string storeUrl, const QCommandLineParser& parser)
+Invocation::Invocation(store::StoreUrl storeUrl, const QCommandLineParser& parser)
     : storeUrl_(std::move(storeUrl))
     , parser_(parser)
     , arguments_(parser.positionalArguments()) {}
@@ -37,7 +37,7 @@ std::string Invocation::value(const char* option) const {
 
 std::unique_ptr<store::MaintainedStore> Invocation::open() const {
     store::Status status;
-    auto opened = store::openMaintained(storeUrl_, {adminLogin, false}, &status);
+    auto opened = store::openMaintained(storeUrl_.text(), {adminLogin, false}, &status);
     if (!opened)
         throw Failure(status.text);
     return opened;

@@ -10,6 +10,7 @@
 #include "apps/client/StatusLine.h"
 #include "apps/client/UnwrittenPane.h"
 #include "apps/client/WindowPatience.h"
+#include "platform/store/StoreUrl.h"
 
 #include <QAbstractScrollArea>
 #include <QApplication>
@@ -61,10 +62,12 @@ bool Client::open(QString* error) {
         m_session = client::makeSession(std::move(store), &status);
     if (!m_session) {
         *error = QString::fromStdString(status.text);
-        const QString file = QString(m_options.store).remove(QStringLiteral("sqlite://"));
-        if (!file.contains(QStringLiteral("://")) && !QFileInfo::exists(file))
-            *error += QStringLiteral("; новое хранилище делает orvo-admin --store %1 init")
-                          .arg(m_options.store);
+        store::StoreUrl url;
+        const bool isFile = url.parse(m_options.store.toStdString()).ok() && !url.file().empty();
+        if (isFile && !QFileInfo::exists(QString::fromStdString(url.file())))
+            *error +=
+                QStringLiteral("; новое хранилище делает orvo-admin --store %1 init")
+                    .arg(QString::fromStdString(url.isPath() ? url.file() : url.displayName()));
         return false;
     }
     if (!openWorkDir(error) || !m_library.load(QCoreApplication::applicationDirPath(), error))

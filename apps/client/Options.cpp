@@ -1,5 +1,7 @@
 #include "apps/client/Options.h"
 
+#include "platform/store/StoreUrl.h"
+
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
@@ -33,7 +35,7 @@ QString absolute(const QString& path) {
 
 bool parseOptions(const QStringList& arguments, Options* options, QString* error) {
     QCommandLineParser parser;
-    const QCommandLineOption store(QStringLiteral("store"), {}, QStringLiteral("URL"));
+    const QCommandLineOption storeOption(QStringLiteral("store"), {}, QStringLiteral("URL"));
     const QCommandLineOption login(QStringLiteral("login"), {}, QStringLiteral("NAME"));
     const QCommandLineOption workDir(QStringLiteral("work-dir"), {}, QStringLiteral("DIR"));
     const QCommandLineOption module(QStringLiteral("module"), {}, QStringLiteral("MODULE"));
@@ -41,7 +43,7 @@ bool parseOptions(const QStringList& arguments, Options* options, QString* error
     const QCommandLineOption inspect(QStringLiteral("inspect"), {}, QStringLiteral("SOCKET"));
     const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")});
     const QCommandLineOption version(QStringList{QStringLiteral("v"), QStringLiteral("version")});
-    parser.addOptions({store, login, workDir, module, shot, inspect, help, version});
+    parser.addOptions({storeOption, login, workDir, module, shot, inspect, help, version});
     if (!parser.parse(arguments)) {
         const QStringList unknown = parser.unknownOptionNames();
         *error =
@@ -58,18 +60,22 @@ bool parseOptions(const QStringList& arguments, Options* options, QString* error
     }
     options->help = parser.isSet(help);
     options->version = parser.isSet(version);
-    for (const QCommandLineOption& option : {store, login, workDir, module, shot, inspect})
+    for (const QCommandLineOption& option : {storeOption, login, workDir, module, shot, inspect})
         if (parser.isSet(option) && parser.value(option).isEmpty()) {
             *error = QStringLiteral("Пустое значение параметра --%1.").arg(option.names().first());
             return false;
         }
 
-    options->store =
-        parser.isSet(store) ? parser.value(store) : dataHome() + QStringLiteral("/orvo/orvo.db");
-    // "sqlite:path" is an address like "sqlite:///path".
-    if (!options->store.contains(QStringLiteral("://")) &&
-        !options->store.startsWith(QStringLiteral("sqlite:")))
-        options->store = absolute(options->store);
+    options->store = parser.isSet(storeOption) ? parser.value(storeOption)
+                                               : dataHome() + QStringLiteral("/orvo/orvo.db");
+    store::StoreUrl url;
+    const store::Status status = url.parse(options->store.toStdString());
+    if (!status.ok()) {
+        *error = QString::fromStdString(status.text);
+        return false;
+    }
+    if (url.isPath())
+        options->store = absolute(QString::fromStdString(url.file()));
     options->login = parser.isSet(login) ? parser.value(login) : systemLogin();
     if (options->login.isEmpty()) {
         *error = QStringLiteral("Имя пользователя неизвестно; задайте --login NAME.");

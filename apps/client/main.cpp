@@ -5,6 +5,8 @@
 #include "apps/client/Options.h"
 #include "apps/client/WaitPane.h"
 
+#include "platform/store/StoreUrl.h"
+
 #include <QApplication>
 
 #include <cstdio>
@@ -13,7 +15,9 @@
 namespace {
 
 int refuse(int code, const QString& text) {
-    std::fprintf(stderr, "orvo-client: %s\n", qUtf8Printable(text.simplified()));
+    // Whatever word of the command line the message repeats may be an address in a wrong place.
+    const std::string line = orvo::store::withoutCredentials(text.simplified().toStdString());
+    std::fprintf(stderr, "orvo-client: %s\n", line.c_str());
     return code;
 }
 

@@ -27,8 +27,16 @@ Status createDatabase(const Url& url) {
 
 } // namespace
 
-std::unique_ptr<Store> openStore(const std::string& location, const OpenOptions& options,
-                                 Status* status) {
+Status parseUrl(const std::string& text, Location* location) {
+    Url url;
+    const Status status = url.parse(text);
+    if (status.ok())
+        *location = {url.displayName(), {}};
+    return status;
+}
+
+std::unique_ptr<MaintainedStore> openStore(const std::string& location, const OpenOptions& options,
+                                           Status* status) {
     Url url;
     *status = url.parse(location);
     if (!status->ok())

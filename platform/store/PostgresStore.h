@@ -13,6 +13,7 @@
 #define ORVO_PLATFORM_STORE_POSTGRESSTORE_H
 
 #include "platform/store/ContentChecksum.h"
+#include "platform/store/Kinds.h"
 #include "platform/store/PostgresApi.h"
 #include "platform/store/PostgresCopy.h"
 #include "platform/store/PostgresWake.h"
@@ -24,10 +25,11 @@
 
 namespace orvo::store::postgres {
 
-/// Opens or makes the store behind a URL; see store::open. With `create` the database is made too,
-/// if it is missing and the user may do that.
-std::unique_ptr<Store> openStore(const std::string& url, const OpenOptions& options,
-                                 Status* status);
+/// See Kinds.h.
+Status parseUrl(const std::string& url, Location* location);
+/// With `create` the database is made too, if it is missing and the user may do that.
+std::unique_ptr<MaintainedStore> openStore(const std::string& url, const OpenOptions& options,
+                                           Status* status);
 
 class PostgresStore final : public StoreCore {
 public:

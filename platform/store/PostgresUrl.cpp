@@ -37,6 +37,35 @@ std::string escaped(const std::string& text, const char* also) {
     return out;
 }
 
+/// Whether the address can be taken apart in one way only. libpq finds a host or a database in what
+/// a password with a "@", "/" or blank in it leaves over, and would name it in its messages.
+bool isUnambiguous(const std::string& url) {
+    const auto has = [](std::string_view text, const char* any) {
+        return text.find_first_of(any) != std::string_view::npos;
+    };
+    for (const char c : url)
+        if (static_cast<unsigned char>(c) <= ' ' || c == 0x7F)
+            return false;
+    std::string_view rest = std::string_view(url).substr(url.find("://") + 3);
+    const size_t sign = rest.find('@');
+    if (sign < rest.find('/')) // as libpq looks for the name of a user
+        rest.remove_prefix(sign + 1);
+    const std::string_view place = rest.substr(0, rest.find('?'));
+    const std::string_view hosts = place.substr(0, place.find('/'));
+    const std::string_view base = place.substr(hosts.size());
+    if (has(hosts, "@=;&'\"!$()*+<>\\^`{|}") || (!base.empty() && has(base.substr(1), "@=;:&/'\"")))
+        return false;
+    // Behind a host, out of the brackets of one with colons of its own, there stands a number.
+    for (size_t at = 0; at < hosts.size(); ++at) {
+        if (hosts[at] == '[')
+            at = std::min(hosts.find(']', at), hosts.size());
+        else if (hosts[at] == ':' &&
+                 hosts.find_first_not_of("0123456789", at + 1) < hosts.find(',', at + 1))
+            return false;
+    }
+    return true;
+}
+
 std::vector<std::string> parts(const std::string& list) {
     std::vector<std::string> out;
     for (size_t at = 0; at <= list.size();) {
@@ -52,9 +81,11 @@ std::vector<std::string> parts(const std::string& list) {
 Status Url::parse(const std::string& url) {
     // libpq's own words would quote the address, and with it the password.
     const Status bad = {BadArguments, "Непонятный адрес хранилища PostgreSQL; он имеет вид "
-                                      "postgresql://ПОЛЬЗОВАТЕЛЬ@УЗЕЛ/БАЗА"};
+                                      "postgresql://ПОЛЬЗОВАТЕЛЬ@УЗЕЛ/БАЗА; особые знаки пишутся "
+                                      "в нём кодом: @ как %40, / как %2F"};
     if (url.find('\0') != std::string::npos ||
-        (!url.starts_with("postgresql://") && !url.starts_with("postgres://")))
+        (!url.starts_with("postgresql://") && !url.starts_with("postgres://")) ||
+        !isUnambiguous(url))
         return bad;
     struct Free {
         void operator()(PQconninfoOption* options) const { PQconninfoFree(options); }

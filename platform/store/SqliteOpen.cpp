@@ -210,11 +210,30 @@ std::string immutableUri(const std::string& path) {
     return out + "?immutable=1";
 }
 
-std::unique_ptr<Store> openStore(const std::string& location, const OpenOptions& options,
-                                 Status* status) {
+Status parseUrl(const std::string& url, Location* location) {
+    std::string path = url.substr(url.find(':') + 1);
+    const bool full = path.starts_with("//");
+    if (full)
+        path.erase(0, 2);
+    // "sqlite://name/..." would name a machine.
+    if (!isPathText(path) || (full && path.front() != '/'))
+        return {BadArguments, "В адресе хранилища вида sqlite нет пути к файлу; он имеет вид "
+                              "sqlite:///путь/orvo.db"};
+    std::error_code error;
+    location->file = std::filesystem::absolute(path, error).string();
+    location->displayName = "sqlite://" + location->file;
+    return {};
+}
+
+std::unique_ptr<MaintainedStore> openStore(const std::string& url, const OpenOptions& options,
+                                           Status* status) {
+    Location location;
+    *status = parseUrl(url, &location);
+    if (!status->ok())
+        return nullptr;
     // SQLite keeps its journals beside the file that a link points to; so must the watch.
     std::error_code error;
-    std::string path = std::filesystem::absolute(location, error).string();
+    std::string path = location.file;
     if (const auto real = std::filesystem::canonical(path, error); !error)
         path = real.string();
     const std::string name = shown(path);

@@ -3,6 +3,7 @@
 #define ORVO_PLATFORM_STORE_SQLITESTORE_H
 
 #include "platform/store/ContentChecksum.h"
+#include "platform/store/Kinds.h"
 #include "platform/store/SqliteApi.h"
 #include "platform/store/SqliteWake.h"
 #include "platform/store/StoreCore.h"
@@ -23,9 +24,10 @@ constexpr int busyMilliseconds = 5000;
 /// made beside it.
 std::string immutableUri(const std::string& path);
 
-/// Opens or makes the store at a path; see store::open.
-std::unique_ptr<Store> openStore(const std::string& path, const OpenOptions& options,
-                                 Status* status);
+/// See Kinds.h.
+Status parseUrl(const std::string& url, Location* location);
+std::unique_ptr<MaintainedStore> openStore(const std::string& url, const OpenOptions& options,
+                                           Status* status);
 
 class SqliteStore final : public StoreCore {
 public:

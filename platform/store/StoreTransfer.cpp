@@ -250,11 +250,4 @@ Status StoreCore::missingLogins(std::vector<std::string>* logins) {
     return {};
 }
 
-std::unique_ptr<MaintainedStore> openMaintained(const std::string& url, const OpenOptions& options,
-                                                Status* status) {
-    // Every kind of store is a StoreCore.
-    return std::unique_ptr<MaintainedStore>(
-        static_cast<MaintainedStore*>(open(url, options, status).release()));
-}
-
 } // namespace orvo::store

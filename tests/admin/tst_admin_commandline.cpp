@@ -1,5 +1,6 @@
 // The command line: help, version, and everything that makes no sense.
 #include "AdminRun.h"
+#include "tests/store/HostileUrls.h"
 
 #include <QtTest>
 
@@ -18,6 +19,8 @@ private slots:
     void aMissingStoreIsNotMade();
     void whatIsNoStoreIsLeftAlone();
     void aPipeThatIsClosedIsAFailure();
+    void noPasswordOfAnAddressIsRepeated_data();
+    void noPasswordOfAnAddressIsRepeated();
 };
 
 namespace {
@@ -148,6 +151,33 @@ void TestAdminCommandLine::aPipeThatIsClosedIsAFailure() {
     QVERIFY(shell.waitForFinished());
     QCOMPARE(shell.exitCode(), 2);
     QVERIFY(QString::fromUtf8(shell.readAllStandardError()).contains("вывод не принят"));
+}
+
+void TestAdminCommandLine::noPasswordOfAnAddressIsRepeated_data() {
+    QTest::addColumn<QString>("url");
+    for (const char* url : orvo::store::test::hostileUrls)
+        QTest::newRow(url) << QString::fromUtf8(url);
+}
+
+void TestAdminCommandLine::noPasswordOfAnAddressIsRepeated() {
+    QFETCH(QString, url);
+    const AdminRun admin;
+    const QString old = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(admin.path()));
+    // Where it belongs, and where somebody forgot "--store".
+    for (const QStringList& words :
+         {QStringList{"--store", url, "check"}, QStringList{"--store=" + url, "init"},
+          QStringList{url, "check"}, QStringList{"check", url}, QStringList{"restore", url},
+          QStringList{"check", "--store" + url}, QStringList{"user", url}}) {
+        const AdminResult result = admin.plain(words);
+        QCOMPARE(result.code, 2);
+        QVERIFY(!result.err.isEmpty());
+        for (const char* part : orvo::store::test::secretParts)
+            QVERIFY2(!(result.out + result.err).contains(part), qPrintable(result.err));
+    }
+    QVERIFY(QDir::setCurrent(old));
+    QVERIFY2(QDir(admin.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot).isEmpty(),
+             qPrintable(QDir(admin.path()).entryList().join(' ')));
 }
 
 QTEST_GUILESS_MAIN(TestAdminCommandLine)

@@ -1,5 +1,6 @@
 // The program as a user starts it, with a module library of its own beside it.
 #include "tests/client/HostFixture.h"
+#include "tests/store/HostileUrls.h"
 
 #include <QDir>
 #include <QFile>
@@ -109,6 +110,23 @@ private slots:
             const Result result = place.run(arguments);
             QCOMPARE(result.code, 2);
             QVERIFY_ONE_LINE(result);
+        }
+    }
+
+    void noPasswordOfAnAddressIsRepeated() {
+        Place place;
+        const QString work = place.dir.path() + "/none/";
+        for (const char* text : orvo::store::test::hostileUrls) {
+            const QString url = QString::fromUtf8(text);
+            // Where it belongs, and where somebody forgot "--store".
+            for (const QStringList& words :
+                 {QStringList{"--store", url, "--work-dir", work}, QStringList{url}}) {
+                const Result result = place.run(words);
+                QVERIFY(result.code == 1 || result.code == 2);
+                QVERIFY_ONE_LINE(result);
+                for (const char* part : orvo::store::test::secretParts)
+                    QVERIFY2(!result.errors[0].contains(part), qPrintable(result.errors[0]));
+            }
         }
     }
 

@@ -1,5 +1,7 @@
 #include "tests/e2e/StoreView.h"
 
+#include "platform/store/StoreUrl.h"
+
 #include <QRegularExpression>
 
 #include <libpq-fe.h>
@@ -111,9 +113,10 @@ private:
 };
 
 StoreView::StoreView(std::unique_ptr<store::test::StoreKind> kind) : m_kind(std::move(kind)) {
-    const std::string file = "sqlite://";
-    if (m_kind->url().rfind(file, 0) == 0)
-        m_reader = std::make_unique<SqliteReader>(m_kind->url().substr(file.size()));
+    store::StoreUrl url;
+    url.parse(m_kind->url());
+    if (!url.file().empty())
+        m_reader = std::make_unique<SqliteReader>(url.file());
     else
         m_reader = std::make_unique<PostgresReader>(m_kind->url());
 }

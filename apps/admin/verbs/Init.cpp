@@ -76,10 +76,10 @@ std::string findWork(store::MaintainedStore& store, bool peopleToo) {
 namespace {
 
 /// A plain path gets the folders above it; a URL names a place that is there already.
-void makeFolderAbove(const std::string& url) {
-    if (url.find("://") != std::string::npos || url.starts_with("sqlite:"))
+void makeFolderAbove(const store::StoreUrl& url) {
+    if (!url.isPath())
         return;
-    const QString folder = QFileInfo(QString::fromStdString(url)).absolutePath();
+    const QString folder = QFileInfo(QString::fromStdString(url.file())).absolutePath();
     if (!QDir().mkpath(folder))
         throw Failure("хранилище не сделано: каталог «" + folder.toStdString() + "» не создаётся");
 }
@@ -87,8 +87,9 @@ void makeFolderAbove(const std::string& url) {
 int run(const Invocation& call) {
     makeFolderAbove(call.storeUrl());
     store::Status status;
-    const bool present = store::open(call.storeUrl(), {adminLogin, false}, &status) != nullptr;
-    const auto store = store::open(call.storeUrl(), {adminLogin, true}, &status);
+    const std::string& url = call.storeUrl().text();
+    const bool present = store::open(url, {adminLogin, false}, &status) != nullptr;
+    const auto store = store::open(url, {adminLogin, true}, &status);
     if (!store)
         throw Failure("хранилище не сделано: " + status.text);
     makeBaseFolders(*store);
