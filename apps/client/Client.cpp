@@ -277,8 +277,14 @@ void Client::connectionChanged(bool up, const QString& text) {
         m_unwritten->connectionReturned();
         client::listLostWrites(*m_session);
     }
+    store::StoreUrl url;
+    const bool isFile = url.parse(m_options.store.toStdString()).ok() && !url.file().empty();
     if (!up)
-        fail(place, text);
+        // A server is looked for again by itself; what stands at a path may be another store.
+        fail(place, isFile ? text + QStringLiteral("; запись остановлена. Когда хранилище будет на "
+                                                   "месте, его откроет «Клиент» — «Открыть модули "
+                                                   "заново».")
+                           : text);
     else if (m_outdated)
         // The editors do not look at results. Opening them anew could cost an unfinished edit, so
         // that is left to the user.
@@ -332,6 +338,12 @@ void Client::reopenWhenClean(const QString& why) {
 void Client::reopenNow(const QString& why) {
     if (!m_pump)
         return;
+    // A store that is not there any more is not to take the modules with it: what they show is what
+    // is left of it.
+    if (const store::Status status = client::sessionStore(*m_session).reopen(); !status.ok()) {
+        fail(QStringLiteral("Связь"), QString::fromStdString(status.text));
+        return;
+    }
     m_outdated = false;
     const int current = m_window->currentModule();
     m_modules.stopAll();

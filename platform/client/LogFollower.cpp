@@ -66,8 +66,9 @@ private:
     uint64_t m_asked = 0;
     uint64_t m_generation = 0;
     store::LogCursor m_cursor;
-    int m_backOffMs = 0; ///< 0: connected
-    int m_relookMs = 0;  ///< 0: none
+    bool m_reopen = false; ///< the store is to be opened anew, if it is not there any more
+    int m_backOffMs = 0;   ///< 0: connected
+    int m_relookMs = 0;    ///< 0: none
     Clock::time_point m_next{};
     bool m_unread = false; ///< the log may hold more
     bool m_full = false;   ///< too much waits to be taken
@@ -91,6 +92,8 @@ void LogFollower::Worker::obey() {
     if (m_generation != generation) {
         m_generation = generation;
         m_cursor = from;
+        m_reopen = true;
+        m_next = {}; // whoever asks does not wait for the next attempt
         m_pruned = false;
         m_unread = true;
     }
@@ -103,7 +106,11 @@ void LogFollower::Worker::obey() {
 
 void LogFollower::Worker::readOnce() {
     std::vector<store::Change> rows;
-    store::Status status = m_store->readLog(m_cursor, readLimit, &rows);
+    store::Status status = m_reopen ? m_store->reopen() : store::Status();
+    if (status.ok()) {
+        m_reopen = false;
+        status = m_store->readLog(m_cursor, readLimit, &rows);
+    }
     const std::lock_guard lock(mutex);
     if (stop || m_generation != generation)
         return;

@@ -48,7 +48,9 @@ bool NotificationPump::restart() {
     m_first = m_announced = 0;
     m_readers.clear();
     m_gap = false;
-    const store::Status status = sessionStore(m_session).logEnd(&m_cursor);
+    store::Status status = sessionStore(m_session).reopen();
+    if (status.ok())
+        status = sessionStore(m_session).logEnd(&m_cursor);
     start();
     tellHeld();
     return status.ok();

@@ -80,8 +80,10 @@ public:
     /// Copies the store as it is at one moment, its log included, into a file, which is there and
     /// empty. Others may write meanwhile. On failure the file's content is undefined.
     virtual Status backup(const std::string& file, const Progress& progress) = 0;
-    /// Makes the store what the backup holds, whatever it was. All readers of the log find their
-    /// cursors pruned. Refused if the file is no backup of this kind of store or is damaged.
+    /// Makes the store what the backup holds, whatever it was, in one transaction. All readers of
+    /// the log find their cursors pruned. Refused, with nothing changed, if the file is no backup
+    /// of this kind of store, is damaged, or has not the checksum beside it (Checksum.h). Without
+    /// one its tables and rows must be as the program makes them; that leaves edited texts unseen.
     virtual Status restore(const std::string& file, const Progress& progress) = 0;
 
     // Logins -------------------------------------------------------------------------------------

@@ -195,6 +195,11 @@ Status connect(const std::string& path, const std::string& name, Connection* con
 
 } // namespace
 
+Status connectTo(const std::string& path, Connection* connection) {
+    const Status status = look(path, shown(path));
+    return status.ok() ? connect(path, shown(path), connection) : status;
+}
+
 std::string immutableUri(const std::string& path) {
     std::string out = "file:";
     for (const char c : path) {
@@ -250,11 +255,9 @@ std::unique_ptr<MaintainedStore> openStore(const std::string& url, const OpenOpt
         if (const auto made = std::filesystem::canonical(path, error); !error)
             path = made.string();
     }
-    if (status->ok())
-        *status = look(path, name);
     Connection connection;
     if (status->ok())
-        *status = connect(path, name, &connection);
+        *status = connectTo(path, &connection);
     if (!status->ok())
         return nullptr;
     auto store = std::make_unique<SqliteStore>(std::move(connection), path, options.login);

@@ -5,6 +5,7 @@
 #include "platform/store/SqliteDamage.h"
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 
 namespace orvo::store::sqlite {
@@ -71,7 +72,64 @@ Status SqliteStore::start() {
                 return m_connection.failure("Хранилище " + shown(m_path) + ", " + inTable(*table));
         }
         int64_t position = 0;
-        return logPosition(&position);
+        const Status status = logPosition(&position);
+        if (status.ok())
+            m_place.emplace(m_path, [this] {
+                std::string name;
+                return identity(&name).ok() ? name : std::string();
+            });
+        return status;
+    });
+}
+
+SqliteStore::~SqliteStore() {
+    if (!present().ok())
+        letGo();
+}
+
+Status SqliteStore::present() {
+    const Place::State state = m_place ? m_place->look() : Place::There;
+    if (state == Place::There)
+        return {};
+    return {ConnectionBroken, "Хранилище " + shown(m_path) + ": " + Place::words(state)};
+}
+
+void SqliteStore::letGo() {
+    // A log that only this connection has left is carried over by closing, as always.
+    const bool own = m_place->look() == Place::JournalGone;
+    if (!own || !m_place->hasNoOtherLog())
+        sqlite3_db_config(m_connection.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+}
+
+Status SqliteStore::reopen() {
+    return guarded([&]() -> Status {
+        Status status = present();
+        if (status.ok())
+            return status;
+        const Place::State state = m_place->look();
+        if (state == Place::Gone)
+            return {CannotConnect, "Нет файла базы " + shown(m_path)};
+        // All connections of this process share the index that is gone: another one would join
+        // them. What the removed log holds is brought into the file while that harms nobody.
+        if (state == Place::JournalGone && m_place->hasNoOtherLog())
+            m_connection.execute("PRAGMA wal_checkpoint(FULL)");
+        if (state != Place::Replaced)
+            return status;
+        if (const int error = m_place->putLogAside(); error != 0)
+            return {CannotConnect, "Журнал прежней базы " + shown(m_path + "-wal") +
+                                       " не переименован (" + std::strerror(error) + ")"};
+        Connection fresh;
+        status = connectTo(m_path, &fresh);
+        if (!status.ok())
+            return status;
+        letGo();
+        m_content.reset();
+        m_statements.clear();
+        m_writes.clear();
+        m_connection = std::move(fresh);
+        forgetWhatWasRead();
+        m_grown = true;
+        return start();
     });
 }
 
@@ -214,19 +272,24 @@ Status SqliteStore::lastChange(int64_t before, Written* written) {
 }
 
 Status SqliteStore::inWrite(const Work& work) {
+    Status status = present();
+    if (!status.ok())
+        return status;
     Transaction transaction(m_connection, Transaction::Write);
     if (transaction.begun() != SQLITE_OK)
         return m_connection.failure("Запись");
     const std::string writer = login();
     m_written = {};
     int64_t before = 0;
-    Status status = logPosition(&before);
+    status = logPosition(&before);
     if (status.ok())
         status = setWriter(writer);
     if (status.ok())
         status = work();
     if (status.ok())
         status = setWriter("");
+    if (status.ok())
+        status = present();
     if (!status.ok()) {
         m_content.reset();
         return status;
@@ -336,15 +399,15 @@ int64_t SqliteStore::dataVersion() {
 }
 
 bool SqliteStore::changed() {
-    bool result = true; // an error is the reader's to meet
-    guarded([&]() -> Status {
+    bool result = true;
+    const Status looked = guarded([&]() -> Status {
         const int64_t version = dataVersion();
-        result = m_grown || version < 0 || version != m_seenVersion;
+        result = m_grown || version < 0 || version != m_seenVersion || !present().ok();
         m_seenVersion = version;
         m_grown = false;
         return {};
     });
-    return result;
+    return result || !looked.ok(); // an error is the reader's to meet
 }
 
 Status SqliteStore::logPosition(int64_t* id) {
@@ -366,6 +429,8 @@ Status SqliteStore::readLog(const LogCursor& cursor, int limit, std::vector<Chan
     return guarded([&]() -> Status {
         const char what[] = "Журнал изменений";
         std::vector<Change> result;
+        if (Status lost = present(); !lost.ok())
+            return lost;
         // Before the rows: what comes in between shows as a change once more, and is not lost.
         const int64_t version = dataVersion();
         const Status status = inRead([&]() -> Status {

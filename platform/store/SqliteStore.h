@@ -5,6 +5,7 @@
 #include "platform/store/ContentChecksum.h"
 #include "platform/store/Kinds.h"
 #include "platform/store/SqliteApi.h"
+#include "platform/store/SqlitePlace.h"
 #include "platform/store/SqliteWake.h"
 #include "platform/store/StoreCore.h"
 
@@ -24,6 +25,10 @@ constexpr int busyMilliseconds = 5000;
 /// made beside it.
 std::string immutableUri(const std::string& path);
 
+/// Opens the store that is in the file at a path without links. NotAStore and its like leave
+/// everything as it was.
+Status connectTo(const std::string& path, Connection* connection);
+
 /// See Kinds.h.
 Status parseUrl(const std::string& url, Location* location);
 std::unique_ptr<MaintainedStore> openStore(const std::string& url, const OpenOptions& options,
@@ -37,7 +42,10 @@ public:
     /// Prepares what every later call relies on. Failed if the file lacks a table or field.
     Status start();
 
+    ~SqliteStore() override;
+
     std::string displayName() const override { return "sqlite://" + m_path; }
+    Status reopen() override;
 
     Status identity(std::string* identity) override;
 
@@ -90,6 +98,10 @@ protected:
     Status selectChanges(const std::string& which, std::vector<Change>* changes) override;
 
 private:
+    /// ConnectionBroken if the files at the path are no longer the ones that are open.
+    Status present();
+    /// Keeps the connection from writing into files that are not its own any more when it closes.
+    void letGo();
     /// A prepared statement that is kept; null if it does not prepare.
     Statement* cached(const std::string& sql);
     /// The statement for writes of this shape.
@@ -110,7 +122,8 @@ private:
     int64_t dataVersion();
 
     const std::string m_path;
-    Connection m_connection; ///< before the statements, which must go first
+    std::optional<Place> m_place; ///< none before start
+    Connection m_connection;      ///< before the statements, which must go first
     std::unordered_map<std::string, Statement> m_statements;
     /// By table, flag and the fields written.
     std::map<std::tuple<const TableDef*, int, uint64_t>, Statement> m_writes;

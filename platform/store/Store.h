@@ -121,6 +121,10 @@ public:
     virtual std::string displayName() const = 0;
     /// The login under which this object writes.
     virtual std::string login() const = 0;
+    /// Opens the store at the same address once more, if what was opened is no longer there: every
+    /// call then gives ConnectionBroken until this gives Ok. A cursor of before is void. Ok, and
+    /// nothing done, for a store that is there, or that finds its own way back.
+    virtual Status reopen() { return {}; }
 
     /// Names the life of the store that its log tells of, as a UUID: made with a new store, and
     /// made anew when a backup is restored. A number of the log means something only together with

@@ -71,6 +71,9 @@ public:
     Status missingLogins(std::vector<std::string>* logins) override;
 
 protected:
+    /// Nothing that was read before says anything about the store that is open now.
+    void forgetWhatWasRead() { m_folders = {}; }
+
     explicit StoreCore(std::string login) : m_login(std::move(login)) {}
 
     /// Gives an empty array the table's structure, key 0 and what `write` writes. After a failure

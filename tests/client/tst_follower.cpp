@@ -2,6 +2,7 @@
 // nothing is lost or comes twice.
 #include "platform/client/NotificationPump.h"
 #include "platform/store/Patience.h"
+#include "platform/store/StoreUrl.h"
 #include "tests/client/HostFixture.h"
 #include "tests/menu/WriteWatch.h"
 
@@ -229,6 +230,35 @@ private slots:
         QVERIFY(!bench.pump->isIdle());
         bench.weather.down = false;
         QTRY_COMPARE(bench.module->keys(), QStringList("a"));
+    }
+
+    void aStoreThatIsRemovedOrReplacedIsToldAndOpenedAnewOnRequest() {
+        Bench bench;
+        store::StoreUrl url;
+        QVERIFY(url.parse(bench.url).ok());
+        if (url.file().empty())
+            QSKIP("a server's store has no file to be removed");
+        const QString file = QString::fromStdString(url.file());
+        bench.insert("before");
+        QTRY_COMPARE(bench.module->keys(), QStringList("before"));
+        QVERIFY(QFile::rename(file, file + ".away"));
+        QTRY_COMPARE(bench.turns.size(), 1); // nobody has written: the slow look finds it
+        QVERIFY2(bench.turns[0].contains("удалён или перемещён"), qPrintable(bench.turns[0]));
+        QVERIFY(!bench.insert("lost"));
+        QCOMPARE(bench.failures.size(), 1);
+        QVERIFY2(bench.failures[0].contains("удалён или перемещён"), qPrintable(bench.failures[0]));
+        QVERIFY(!bench.pump->restart()); // nothing is there yet
+
+        const std::string other = url.file() + ".other";
+        store::Status status;
+        QVERIFY(store::open(other, {"maker", true}, &status));
+        QVERIFY(QFile::rename(QString::fromStdString(other), file));
+        QVERIFY(!bench.insert("lost too")); // it may be another store: nobody has asked for it
+        QVERIFY(bench.pump->restart());
+        QTRY_COMPARE(bench.turns.size(), 2);
+        QCOMPARE(bench.turns[1], QString("up"));
+        QVERIFY(bench.insert("after"));
+        QTRY_COMPARE(bench.module->keys(), QStringList({"before", "after"}));
     }
 
     void veryMuchThatWaitsStaysInTheLog() {

@@ -40,6 +40,7 @@ public:
     std::string displayName() const override;
     std::string login() const override;
     store::Status identity(std::string* identity) override;
+    store::Status reopen() override { return m_store->reopen(); }
     store::Status fetch(std::string_view table, MDArray* into) override;
     store::Status fetchWhere(std::string_view table, std::string_view field, std::string_view value,
                              MDArray* into) override;

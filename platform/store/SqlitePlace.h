@@ -1,0 +1,68 @@
+// SqlitePlace.h: whether the files of an open store are still the ones at its path.
+//
+// Nothing keeps anybody from removing, moving or overwriting them under a program that has them
+// open. That program would write into a file without a name, or mix two stores into one.
+#ifndef ORVO_PLATFORM_STORE_SQLITEPLACE_H
+#define ORVO_PLATFORM_STORE_SQLITEPLACE_H
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <sys/types.h>
+
+namespace orvo::store::sqlite {
+
+class Place {
+public:
+    enum State {
+        There,
+        Gone,        ///< no file at the path any more
+        Replaced,    ///< another file is there
+        JournalGone, ///< its log, or the index of that, is not the one of then
+        Overwritten, ///< the same file, with the content of another
+    };
+
+    /// What is at the path now. A connection has read from it, so that all files are there.
+    /// `identity` gives the identity of the store as the connection reads it from file and log.
+    Place(std::string path, std::function<std::string()> identity);
+
+    /// Cheap: for every write. What was Gone or Replaced may come back, the rest stays as found.
+    State look();
+    /// The state in words, for the end of a sentence.
+    static const char* words(State state);
+
+    /// Whether nobody can have opened the store with another log than the one of then.
+    bool hasNoOtherLog() const;
+    /// Once the place has been Replaced and before the other file is opened: puts the log of the
+    /// former one, if it is still there, under another name, so that it is not taken for the new
+    /// file's. 0 or errno.
+    int putLogAside() const;
+
+private:
+    struct File {
+        dev_t device = 0;
+        ino_t number = 0;
+        bool operator==(const File&) const = default;
+    };
+    /// What every write to a file changes.
+    struct Stamp {
+        off_t size = 0;
+        int64_t seconds = 0, nanoseconds = 0;
+        bool operator==(const Stamp&) const = default;
+    };
+    static std::optional<File> fileAt(const std::string& path, Stamp* stamp = nullptr);
+    bool isOverwritten();
+
+    const std::string m_path;
+    const std::function<std::string()> m_identityWithLog;
+    std::string m_identity; ///< as last seen in the file itself
+    Stamp m_stamp;
+    std::optional<File> m_file, m_log, m_index;
+    int64_t m_newest = 0; ///< the highest number of a change seen in the file itself, without log
+    State m_last = There;
+};
+
+} // namespace orvo::store::sqlite
+
+#endif
