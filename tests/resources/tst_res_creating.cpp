@@ -398,10 +398,11 @@ void TestResCreating::anEditOpensOnce() {
     QCOMPARE(live->m_editKey, QString("rlog"));
     QVERIFY(live.buttonsEnabled());
     // Later values belong to the same edit.
-    live->m_currentKey = "rtable";
-    live->on_editor_valueChanged("params", QString("-y"));
+    live.type("caption", "Дневник");
     QCOMPARE(live->m_editKey, QString("rlog"));
-    QCOMPARE(live.cell("rtable", ResColumn::Params), QVariant("-y"));
+    QCOMPARE(live.written(), QString());
+    live.save();
+    QVERIFY(live.written().contains("caption='Дневник' params='-x'"));
 }
 
 void TestResCreating::anUnknownRowOpensAnEditToo() {
@@ -433,7 +434,7 @@ void TestResCreating::thePassportOfANewRowWritesThatRow() {
     live.type("object", "Report");
     live.type("params", "-day");
     QCOMPARE(live.state(), NewRow);
-    QCOMPARE(live->m_editKey, QString());
+    QCOMPARE(live->m_editKey, live.currentKey());
     QCOMPARE(live.cell(live.current(), ResColumn::Caption), QVariant("Отчёты"));
     QCOMPARE(live.cell(live.current(), ResColumn::Name), QVariant("Report"));
     QCOMPARE(live.cell(live.current(), ResColumn::Params), QVariant("-day"));

@@ -12,8 +12,8 @@ namespace {
 
 /// A folder whose only row is a new one, not yet saved and not to be saved as it is.
 struct RefusedRow : Writing {
-    explicit RefusedRow(const char* action) {
-        makeCurrent("deep");
+    RefusedRow(const char* action, const char* folder) {
+        makeCurrent(folder);
         editor.action(action)->trigger();
         key = currentKey();
         if (state() != NewRow)
@@ -135,31 +135,38 @@ void TestResDisturbed::aRefusedEditThatIsDeletedIsInNoOtherEditsWay() {
 
 void TestResDisturbed::aNewRowWhoseFolderIsDeleted_data() {
     QTest::addColumn<QString>("action");
-    QTest::newRow("folder, its line open") << "actAddFolder";
-    QTest::newRow("resource") << "actAddModule";
+    QTest::addColumn<QString>("folder");
+    QTest::addColumn<QString>("neighbour");
+    QTest::newRow("folder, its line open") << "actAddFolder"
+                                           << "deep"
+                                           << "rmanual";
+    QTest::newRow("resource") << "actAddModule"
+                              << "alarms"
+                              << "trends";
 }
 
 void TestResDisturbed::aNewRowWhoseFolderIsDeleted() {
     QFETCH(QString, action);
-    RefusedRow live(qPrintable(action));
+    QFETCH(QString, folder);
+    QFETCH(QString, neighbour);
+    RefusedRow live(qPrintable(action), qPrintable(folder));
     live.type("caption", "");
-    live.store.remove("MenuResourceFolder", "deep");
+    live.store.remove("MenuResourceFolder", qPrintable(folder));
     live.deliver();
-    QVERIFY(!live->row("deep").isValid());
+    QVERIFY(!live->row(qPrintable(folder)).isValid());
     QVERIFY(!live->row(qPrintable(live.key)).isValid());
-    QCOMPARE(live.currentKey(), QString("rmanual"));
-    QCOMPARE(live->m_currentKey, QString("rmanual"));
-    QCOMPARE(live->passport("object"), QVariant("manual.txt"));
-    QCOMPARE(live.enabledActions(),
-             QStringList({"AddFolder", "Cut", "Delete", "ExtractFiles", "LoadFiles"}));
+    QCOMPARE(live.currentKey(), neighbour);
+    QCOMPARE(live->m_currentKey, neighbour);
+    QCOMPARE(live->passport("keylink"), QVariant(neighbour));
+    QVERIFY(live.enabledActions().contains("AddFolder"));
     QCOMPARE(live.state(), Idle);
     QVERIFY(!live.buttonsEnabled());
     QCOMPARE(live.written(), QString());
-    live.type("params", "-x");
+    live.type("caption", "Иное");
     QCOMPARE(live.state(), EditRow);
-    QCOMPARE(live.cell("rmanual", ResColumn::Params), QVariant("-x"));
+    QCOMPARE(live.cell(qPrintable(neighbour), ResColumn::Caption), QVariant("Иное"));
     live.save();
-    QVERIFY(live.written().contains("~rmanual"));
+    QVERIFY(live.written().contains("~" + neighbour));
 }
 
 void TestResDisturbed::aNewRowAmongForeignOnes() {
