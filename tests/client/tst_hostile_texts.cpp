@@ -9,7 +9,6 @@
 #include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QAction>
-#include <QElapsedTimer>
 #include <QGroupBox>
 #include <QLabel>
 #include <QScrollBar>
@@ -19,6 +18,8 @@
 #include <QtTest>
 
 #include <algorithm>
+#include <ctime>
+#include <functional>
 
 using namespace orvo;
 using namespace orvo::test;
@@ -145,6 +146,19 @@ QStringList wrongTexts(const Running& running, int* seen) {
     return wrong;
 }
 
+/// Milliseconds of processor time that this thread spends on it: a busy machine is no fault of
+/// ours.
+qint64 workOf(const std::function<void()>& what) {
+    const auto now = [] {
+        timespec time{};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return time.tv_sec * 1000LL + time.tv_nsec / 1'000'000;
+    };
+    const qint64 begin = now();
+    what();
+    return now() - begin;
+}
+
 } // namespace
 
 class TestHostileTexts : public QObject {
@@ -205,20 +219,16 @@ private slots:
         running.client->window()->statusLine()->setFailure(text);
         running.client->window()->logPane()->add(app::LogError, text, text);
         qint64 longest = 0;
-        QElapsedTimer clock;
         for (QTreeView* view : running.all<QTreeView*>()) {
             view->expandAll();
-            for (int i = 0; i < 5; ++i) {
-                clock.start();
-                view->viewport()->repaint();
-                longest = std::max(longest, clock.elapsed());
-            }
+            for (int i = 0; i < 5; ++i)
+                longest = std::max(longest, workOf([&] { view->viewport()->repaint(); }));
         }
-        clock.start();
-        running.client->window()->statusLine()->repaint();
-        running.client->window()->resize(1200, 800);
-        QCoreApplication::processEvents();
-        longest = std::max(longest, clock.elapsed());
+        longest = std::max(longest, workOf([&] {
+                               running.client->window()->statusLine()->repaint();
+                               running.client->window()->resize(1200, 800);
+                               QCoreApplication::processEvents();
+                           }));
         qInfo("longest paint with texts of a million letters: %lld ms", longest);
         QVERIFY2(longest < 300, qPrintable(QString::number(longest)));
     }
