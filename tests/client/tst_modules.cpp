@@ -108,7 +108,8 @@ private slots:
         app.m_logModule = &logger;
         const auto answer = [](int result) {
             return [result](COrvoCliSes*, QString* error) {
-                *error = "нет связи";
+                if (result == 0)
+                    *error = "нет связи";
                 return result;
             };
         };
