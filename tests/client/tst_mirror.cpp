@@ -197,11 +197,13 @@ private slots:
         Bench bench;
         bench.put("icons", "a.png", "x");
         bench.write("MenuResourceFolder", 1,
-                    {{"KeyLink", key.toStdString()},
-                     {"ParentKey", parent.toStdString()},
-                     {"type_", "4"},
-                     {"caption", "top"}});
+                    {{"KeyLink", key.toStdString()}, {"type_", "4"}, {"caption", "top"}});
         QVERIFY2(bench.failures.isEmpty(), qPrintable(bench.failures.join('\n')));
+        // By hand: the store refuses to put a folder below itself.
+        const QString table = bench.kind->name() == "sqlite" ? "\"MenuResourceFolder\""
+                                                             : "public.\"MenuResourceFolder\"";
+        QVERIFY(parent.isEmpty() || bench.byHand("UPDATE " + table + " SET \"ParentKey\" = '" +
+                                                 parent + "' WHERE \"KeyLink\" = '" + key + "'"));
         QVERIFY(bench.start());
         QCOMPARE(bench.local("icons/a.png"), QByteArray("x"));
     }

@@ -213,9 +213,11 @@ void TestMenuElements::aDesktopWithOnlyLostElementsShowsAnEmptyMenu() {
 void TestMenuElements::aCircleOfFoldersIsNotShownAndDoesNotHang() {
     TestStore store;
     fillPlant(store);
-    addElement(store, "armop", "a", "b", "А", 0);
+    addElement(store, "armop", "a", "", "А", 0);
     addElement(store, "armop", "b", "a", "Б", 0);
-    addElement(store, "armop", "self", "SELF", "Сам", 0);
+    addElement(store, "armop", "self", "", "Сам", 0);
+    store.moveBelow("Menu", "parent", "a", "b");
+    store.moveBelow("Menu", "parent", "self", "SELF");
     TestHost host(store);
     MenuEditor editor(host, "Menu");
     QVERIFY(editor.start());
@@ -387,15 +389,15 @@ void TestMenuElements::theFolderPassport() {
                           "separator|Разделитель|2|false|true"}));
 }
 
+// Nothing in it can be edited: no record stands behind the root row.
 void TestMenuElements::theRootRowShowsTheFolderPassport() {
     PlantEditor editor;
     QVERIFY(editor.start());
     editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
     editor.view("tvMenu")->setCurrentIndex(editor->element("MenuRootNode"));
-    QCOMPARE(passport(editor),
-             QStringList({"[properties|Свойства]", "type|Тип|0|true|папка",
-                          "name|Наименование|0|false|Меню", "icon|Иконка|3|false|",
-                          "separator|Разделитель|2|false|"}));
+    QCOMPARE(passport(editor), QStringList({"[properties|Свойства]", "type|Тип|0|true|папка",
+                                            "name|Наименование|0|true|Меню", "icon|Иконка|3|true|",
+                                            "separator|Разделитель|2|true|"}));
 }
 
 void TestMenuElements::theElementPassport() {

@@ -197,13 +197,19 @@ void ResTree::theIconColumnShowsTheIconItself() {
 }
 
 void ResTree::anEmptyIconNameIsNotNoIcon() {
+    // Only a name that is null means that there is none. An empty one names no file of the folder,
+    // whatever the path of the folder itself leads to.
     QTemporaryDir dir;
     QVERIFY(makeImage(dir.filePath("pump.png"), Qt::green));
-    Model model("a #a 6=1 9=false\n", dir.filePath("pump.png"));
-    model.setData(model.index(0, 2), "");
-    QVERIFY(showsImage(model.index(0, 2), dir.filePath("pump.png")));
-    model.setData(model.index(0, 2), QString());
-    QVERIFY(showsNothing(model.index(0, 2)));
+    for (const QString& path : {dir.path() + '/', dir.filePath("pump.png")}) {
+        Model model("a #a 6=1 9=false\n", path);
+        model.setData(model.index(0, 2), "");
+        const QVariant shown = model.index(0, 2).data(Qt::DecorationRole);
+        QCOMPARE(shown.userType(), int(QMetaType::QIcon));
+        QVERIFY(shown.value<QIcon>().pixmap(16, 16).isNull());
+        model.setData(model.index(0, 2), QString());
+        QVERIFY(showsNothing(model.index(0, 2)));
+    }
 }
 
 void ResTree::otherColumnsHaveNoIcon() {

@@ -199,6 +199,7 @@ void TestResDisturbed::aNameTakenMeanwhileIsRefused() {
     QCOMPARE(live.box(), QString("Ошибка\nТакой ресурс уже существует. Данные не сохранены."));
     QCOMPARE(live.state(), NewRow);
     QCOMPARE(live.written(), QString());
+    live->on_common_error_message(nullptr);
     live.store.remove("MenuResource", "first");
     live.deliver();
     live.save();

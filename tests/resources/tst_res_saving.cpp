@@ -291,6 +291,7 @@ void TestResSaving::aSecondNewFolderNeedsANameOfItsOwn() {
     live.save();
     QCOMPARE(live.box(), QString(takenFolder));
     QCOMPARE(live.written(), QString());
+    live->on_common_error_message(nullptr);
     live.type("caption", "новая папка 2");
     live.save();
     QCOMPARE(live.written(), QString("MenuResourceFolder\n  +#1 ParentKey='mod' type_=1 "
@@ -410,6 +411,7 @@ void TestResSaving::aTopFolderIsCheckedAmongTheTopFolders() {
     EditOpen live("docs", "caption", "icons");
     live.save();
     QCOMPARE(live.box(), QString(takenFolder));
+    live->on_common_error_message(nullptr);
     live.type("caption", "Тренды"); // the name of a deeper folder
     live.save();
     QCOMPARE(live.written(), QString("MenuResourceFolder\n  ~docs ParentKey='' type_=4 "

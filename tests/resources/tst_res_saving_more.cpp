@@ -101,6 +101,7 @@ void TestResSaving::leavingARefusedEditKeepsItOpen() {
     live.makeCurrent("rtable");
     QCOMPARE(live.box(), QString(takenFolder));
     QCOMPARE(live.written(), QString());
+    live->on_common_error_message(nullptr);
     live.cancel();
     QCOMPARE(live.currentKey(), QString("trends"));
     QCOMPARE(live.cell("trends", ResColumn::Caption), QVariant("Тренды"));
@@ -236,6 +237,7 @@ void TestResSaving::aCancelledRowThatIsNotCurrent() {
     NewRowOpen live("actAddModule", "mod");
     live.makeCurrent("rcalc");
     QCOMPARE(live.state(), NewRow); // refused
+    live->on_common_error_message(nullptr);
     live.cancel();
     QCOMPARE(live.currentKey(), QString("rtable"));
     QCOMPARE(live.state(), Idle);
@@ -269,6 +271,7 @@ void TestResSaving::aCancelledFolderComesBackFromTheTable() {
 void TestResSaving::aCancelledEditMakesItsRowCurrent() {
     EditOpen live("trends", "caption", "");
     live.makeCurrent("rcalc"); // refused
+    live->on_common_error_message(nullptr);
     live.cancel();
     QCOMPARE(live.currentKey(), QString("trends"));
     QCOMPARE(live.cell("trends", ResColumn::Caption), QVariant("Тренды"));

@@ -262,9 +262,11 @@ void TestResTree::aFolderBelowTheKeyOfTheFileAreaIsPassedOver() {
 void TestResTree::aCircleOfFoldersIsNotFollowed() {
     TestStore store;
     fillCatalogue(store);
-    addFolder(store, "a", 1, "b", "A");
+    addFolder(store, "a", 1, "", "A");
     addFolder(store, "b", 1, "a", "B");
-    addFolder(store, "self", 1, "self", "Self");
+    addFolder(store, "self", 1, "", "Self");
+    store.moveBelow("MenuResourceFolder", "ParentKey", "a", "b");
+    store.moveBelow("MenuResourceFolder", "ParentKey", "self", "self");
     TestHost host(store);
     ResEditor editor(host, "Resources");
     QVERIFY(editor.start());
