@@ -175,6 +175,19 @@ Status checkContent(const Connection& backup, const std::string& what, bool vouc
     return status;
 }
 
+/// Refuses stored bytes that are not those of the checksum beside them. Of the newest version.
+Status checkBytes(const Connection& backup, const std::string& what) {
+    int64_t count = 0;
+    if (addStepFunctions(backup) != SQLITE_OK ||
+        backup.integer("SELECT count(*) FROM \"MenuResourceFileSum\" JOIN \"MenuResourceFile\" "
+                       "USING (\"KeyLink\") WHERE orvo_sha256(\"data\") <> \"sha256\"",
+                       &count) != SQLITE_OK)
+        return backup.failure(what);
+    if (count != 0)
+        return {Refused, what + " изменена: содержимое файла не сходится с его контрольной суммой"};
+    return {};
+}
+
 /// Makes all readers of the log find their cursors pruned, those of up to `position` too, and those
 /// of the changes that are made until the copy has taken the store's place.
 Status startNewLog(const Connection& copy, int64_t position) {
@@ -279,6 +292,8 @@ Status SqliteStore::restore(const std::string& file, const Progress& progress) {
             status = checkContent(copy, backup, vouchedFor);
         if (status.ok())
             status = migrate(copy);
+        if (status.ok() && !vouchedFor)
+            status = checkBytes(copy, backup);
         int64_t position = 0;
         if (status.ok())
             status = logPosition(&position);
