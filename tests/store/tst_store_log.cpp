@@ -1,4 +1,5 @@
 // The change log: complete, in commit order, and announced.
+#include "LogReplay.h"
 #include "StoreTest.h"
 
 #include "platform/store/Maintenance.h"
@@ -41,6 +42,7 @@ private slots:
     void everyCommitWakes();
     void aReadDoesNotWake();
     void changedTellsOfOwnAndOtherCommits();
+    void logCarriedOutGivesTheTables();
 };
 
 namespace {
@@ -498,6 +500,33 @@ void TestLog::idsAreNotGivenByHand() {
     ORVO_OK(m_store->pruneLog(changes.back().id));
     ORVO_OK(Batch("MenuFileExt").remove("c").send(*m_store));
     QCOMPARE(position(), changes.back().id + 1);
+}
+
+void TestLog::logCarriedOutGivesTheTables() {
+    ORVO_OK(Batch("MenuFolder")
+                .insert("Folder", {{"caption", "Стол"}, {"isFolder", true}})
+                .insert("gone")
+                .send(*m_store));
+    ORVO_OK(Batch("MenuFolder")
+                .update("fOLDER", {{"caption", "Другой"}})
+                .remove("gone")
+                .send(*m_store));
+    ORVO_OK(
+        Batch("MenuResourceFolder").insert("f", {{"type_", 4}, {"caption", "c"}}).send(*m_store));
+    ORVO_OK(m_store->filePut({{"c", "x", "bytes", 1.1e9 + 1.0 / 3}}));
+    ORVO_OK(m_store->filePut({{"c", "x", "other bytes", {}}}));
+    QVERIFY(m_kind.byHand("UPDATE \"MenuFolder\" SET \"KeyLink\" = 'rekeyed';"
+                          "INSERT INTO \"MenuFileExt\" VALUES ('k', 'a'), ('n', NULL);"
+                          "DELETE FROM \"MenuFileExt\" WHERE \"KeyLink\" = 'k';"));
+    QCOMPARE(replayDifferences(m_kind.url()), QStringList());
+    // And a table that says something else is named.
+    const bool lite = m_kind.name() == "sqlite";
+    QVERIFY(m_kind.byHand(lite ? "DROP TRIGGER \"MenuFileExt.updated\";"
+                               : "ALTER TABLE \"MenuFileExt\" DISABLE TRIGGER ALL;"));
+    QVERIFY(m_kind.byHand("UPDATE \"MenuFileExt\" SET \"fileExt\" = 'b';"));
+    QCOMPARE(
+        replayDifferences(m_kind.url()),
+        QStringList("MenuFileExt has KeyLink=\"n\" fileExt=\"b\", not KeyLink=\"n\" fileExt=NULL"));
 }
 
 int main(int argc, char** argv) {
