@@ -101,6 +101,7 @@ function(orvo_run name target xvfb timeout labels)
   set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT
     "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0"
     "UBSAN_OPTIONS=print_stacktrace=1"
+    "XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/tests/config/${name}"
     "ORVO_BIN_DIR=${CMAKE_BINARY_DIR}/bin"
     "ORVO_LIB_DIR=${CMAKE_BINARY_DIR}/lib"
     "ORVO_SOURCE_DIR=${CMAKE_SOURCE_DIR}")

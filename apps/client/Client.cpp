@@ -9,6 +9,7 @@
 #include "apps/client/Showcase.h"
 #include "apps/client/StatusLine.h"
 #include "apps/client/UnwrittenPane.h"
+#include "apps/client/WindowMemory.h"
 #include "apps/client/WindowPatience.h"
 #include "platform/store/StoreUrl.h"
 
@@ -117,6 +118,12 @@ void Client::show() {
     m_window = std::make_unique<MainWindow>(QString::fromStdString(store.displayName()),
                                             QString::fromStdString(store.login()));
     m_guard = std::make_unique<CloseGuard>();
+    int tab = 0;
+    if (m_options.screenshot.isEmpty()) { // pictures are the same for everybody
+        m_memory = std::make_unique<WindowMemory>(QString::fromStdString(store.displayName()),
+                                                  QString::fromStdString(store.login()));
+        tab = m_memory->restoreWindow(*m_window);
+    }
     addOpenEdits();
     connectAll();
     showUnwritten();
@@ -125,6 +132,7 @@ void Client::show() {
     if (!m_mirror->start(&error))
         fail(QStringLiteral("Файловая область"), error);
     openModules();
+    m_window->setCurrentModule(tab);
     m_pump->start();
 }
 
@@ -178,7 +186,12 @@ void Client::connectAll() {
         Qt::QueuedConnection); // outside of the pump's step
     connect(m_window.get(), &MainWindow::reopenRequested, this,
             [this] { reopenModules(QStringLiteral("Модули открыты заново."), false); });
-    connect(m_window.get(), &MainWindow::closing, this, &Client::stop);
+    connect(m_window.get(), &MainWindow::closing, this, [this] {
+        rememberModules();
+        if (m_memory)
+            m_memory->saveWindow(*m_window, m_window->currentModule());
+        stop();
+    });
     m_window->setCloseCheck([this] {
         m_leaving = true;
         return m_guard->mayGo(m_window.get(), QStringLiteral("Выход"),
@@ -308,7 +321,17 @@ void Client::openModules() {
         if (!m_modules.start(module))
             fail(name, QStringLiteral("Модуль не запущен; причина в журнале. «Клиент» — "
                                       "«Открыть модули заново» повторит попытку."));
+        else if (m_memory)
+            m_memory->restoreModule(name, *module);
     }
+}
+
+/// How the user left the modules, for when they are opened again.
+void Client::rememberModules() {
+    if (!m_memory)
+        return;
+    for (const QPointer<COrvoCliMod>& module : m_modules.modules(client::ModuleState::Running))
+        m_memory->saveModule(module->m_moduleName, *module);
 }
 
 void Client::reopenModules(const QString& why, bool must) {
@@ -346,6 +369,7 @@ void Client::reopenNow(const QString& why) {
     }
     m_outdated = false;
     const int current = m_window->currentModule();
+    rememberModules();
     m_modules.stopAll();
     m_pump->restart(); // the new place in the log comes before the new tables
     openModules();

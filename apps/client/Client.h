@@ -23,6 +23,7 @@ class CloseGuard;
 class FileMirror;
 class Inspector;
 class MainWindow;
+class WindowMemory;
 class WindowPatience;
 
 class Client : public QObject {
@@ -54,6 +55,7 @@ private:
     void saveScreenshot();
     void connectAll();
     void openModules();
+    void rememberModules();
     /// `must`: an answer that keeps them open only puts it off.
     void reopenModules(const QString& why, bool must);
     void reopenNow(const QString& why);
@@ -75,6 +77,7 @@ private:
     std::unique_ptr<client::UnwrittenList> m_unwritten; ///< on the session's store
     std::unique_ptr<FileMirror> m_mirror;
     std::unique_ptr<MainWindow> m_window;
+    std::unique_ptr<WindowMemory> m_memory; ///< null: for a picture, nothing is remembered
     std::unique_ptr<CloseGuard> m_guard;
     bool m_leaving = false; ///< the window was asked to close
     std::unique_ptr<COrvoCliMod> m_logModule;

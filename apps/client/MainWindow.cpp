@@ -3,6 +3,7 @@
 #include "apps/client/LogPane.h"
 #include "apps/client/Look.h"
 #include "apps/client/StatusLine.h"
+#include "apps/client/WindowMemory.h"
 #include "frame/OrvoClient.h"
 
 #include <QApplication>
@@ -19,11 +20,6 @@ namespace orvo::app {
 namespace {
 
 constexpr char stayKey[] = "view/stayAtOwnRow";
-
-QSettings settings() {
-    return {QSettings::IniFormat, QSettings::UserScope, QStringLiteral("Orvo"),
-            QStringLiteral("orvo-client")};
-}
 
 } // namespace
 
@@ -63,9 +59,9 @@ void MainWindow::makeMenus() {
     m_stay = m_view->addAction(QStringLiteral("&Не переводить меня к правкам других"));
     m_stay->setObjectName(QStringLiteral("actStay"));
     m_stay->setCheckable(true);
-    m_stay->setChecked(settings().value(QLatin1String(stayKey), false).toBool());
+    m_stay->setChecked(clientSettings().value(QLatin1String(stayKey), false).toBool());
     connect(m_stay, &QAction::toggled, this, [this](bool stay) {
-        settings().setValue(QLatin1String(stayKey), stay);
+        clientSettings().setValue(QLatin1String(stayKey), stay);
         emit followsOthersChanged(!stay);
     });
 }

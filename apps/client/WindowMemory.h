@@ -1,0 +1,42 @@
+// WindowMemory.h: how a user left the window on a store, for the next time: place and docks of the
+// window, the tab, and of each module its splitters, column widths, open rows and current row.
+//
+// Kept in the user's settings, a group for each store and login. What comes from there is only ever
+// a wish: sizes are clamped, unknown names and keys passed over, numbers bounded; a damaged file
+// means an arrangement as on the first day.
+#ifndef ORVO_APPS_CLIENT_WINDOWMEMORY_H
+#define ORVO_APPS_CLIENT_WINDOWMEMORY_H
+
+#include <QString>
+
+class QMainWindow;
+class QSettings;
+class QWidget;
+
+namespace orvo::app {
+
+/// The user's settings of the client. Written atomically; several clients may have them open.
+QSettings clientSettings();
+
+class WindowMemory {
+public:
+    /// `store` is its display name.
+    WindowMemory(const QString& store, const QString& login);
+
+    void saveWindow(const QMainWindow& window, int tab) const;
+    /// Leaves the window as it is where nothing is known; gives the tab, 0 if none is known.
+    int restoreWindow(QMainWindow& window) const;
+
+    /// A module is known by its name; its views and splitters by their object names.
+    void saveModule(const QString& name, const QWidget& module) const;
+    /// To be called when its trees stand. A row that is gone is passed over, with what is below it;
+    /// of a current row that is gone the nearest row above it becomes current.
+    void restoreModule(const QString& name, QWidget& module) const;
+
+private:
+    QString m_group;
+};
+
+} // namespace orvo::app
+
+#endif
