@@ -126,6 +126,9 @@ std::optional<std::vector<std::string>> findDamages(sqlite3* connection, int lim
     std::vector<std::string> found;
     const int ended = check(connection, limit > 0 ? "(" + std::to_string(limit) + ")" : "",
                             static_cast<size_t>(limit), &found);
+    // A damaged file stays as it is: its log may be all that can still be saved.
+    if (ended != SQLITE_DONE || !found.empty())
+        sqlite3_db_config(connection, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
     if (ended != SQLITE_DONE && !isDamageCode(ended))
         return {};
     const std::string message = validUtf8(sqlite3_errmsg(connection));

@@ -14,7 +14,8 @@ namespace orvo::store::sqlite {
 /// damage in Russian, each with the table or index it is in where that can be told; none if the
 /// database is sound. At most `limit` of them; 0: all. Nothing if the check could not be carried
 /// through: `milliseconds` were over (0: no limit), or the database is busy or cannot be read; the
-/// connection then explains the error.
+/// connection then explains the error. Unless the database is sound, its log is left beside it when
+/// the connection closes.
 std::optional<std::vector<std::string>> findDamages(sqlite3* connection, int limit,
                                                     int64_t milliseconds = 0);
 

@@ -16,6 +16,7 @@ private slots:
     }
     void aDamagedTableIsNamedWithTheWayOut();
     void aCutOffFileIsNamedWithTheWayOut();
+    void aDamagedFileAndItsLogStayAsTheyAre();
     void theWayOutOfTheManualSavesTheRest();
 
 private:
@@ -56,6 +57,26 @@ void TestAdminDamage::aCutOffFileIsNamedWithTheWayOut() {
         const AdminResult result = m_admin->run(words);
         QVERIFY2(result.refused("файл обрезан: страниц 20 из "), qPrintable(result.err));
         QVERIFY2(result.refused("ничего не удаляйте"), qPrintable(result.err));
+    }
+}
+
+void TestAdminDamage::aDamagedFileAndItsLogStayAsTheyAre() {
+    damage("MenuResource");
+    const QString store = m_admin->storePath();
+    // With a log, as a program leaves them that was killed.
+    QProcess program;
+    program.start("sqlite3", {"-batch", store});
+    program.write("UPDATE \"Menu\" SET \"caption\" = 'later'; SELECT 'changed';\n");
+    QVERIFY(program.waitForReadyRead());
+    program.kill();
+    QVERIFY(program.waitForFinished());
+    const QByteArray file = AdminRun::read(store), log = AdminRun::read(store + "-wal");
+    QVERIFY(!log.isEmpty());
+    for (const QStringList& words : {QStringList{"check"}, QStringList{"list", "forms"}}) {
+        const AdminResult result = m_admin->run(words);
+        QVERIFY2(result.code != 0, qPrintable(result.out));
+        QVERIFY(AdminRun::read(store) == file);
+        QVERIFY(AdminRun::read(store + "-wal") == log);
     }
 }
 
