@@ -68,7 +68,11 @@ RecordWrite madeAnew(const store::TableDef& table, const std::string& json,
 
 UnwrittenList::UnwrittenList(store::Store& store, QObject* parent)
     : QObject(parent)
-    , m_store(store) {}
+    , m_store(store) {
+    constexpr int pause = 10000;
+    m_retry.setInterval(pause);
+    connect(&m_retry, &QTimer::timeout, this, &UnwrittenList::saveRest);
+}
 
 UnwrittenList::~UnwrittenList() = default;
 
@@ -122,8 +126,25 @@ const UnwrittenEntry* UnwrittenList::neededBy(const WriteRequest& request) const
 
 void UnwrittenList::save(const UnwrittenEntry& entry) {
     QString error;
-    if (m_files && !m_files->save(entry, &error))
+    m_unsaved.erase(entry.id);
+    if (m_files && !m_files->save(entry, &error)) {
+        m_unsaved.insert(entry.id);
+        m_retry.start();
         emit told(error);
+    }
+}
+
+/// A full disk has room again some time.
+void UnwrittenList::saveRest() {
+    QString error;
+    while (!m_unsaved.empty()) {
+        const UnwrittenEntry* unsaved = find(*m_unsaved.begin());
+        if (unsaved != nullptr && !m_files->save(*unsaved, &error))
+            return;
+        m_unsaved.erase(m_unsaved.begin());
+    }
+    m_retry.stop();
+    emit told(QStringLiteral("Список «Не записано» снова хранится на диске весь"));
 }
 
 /// The id is a copy: it may be that of the very entry that goes.
@@ -131,6 +152,7 @@ void UnwrittenList::remove(QString id) { // NOLINT(performance-unnecessary-value
     m_entries.erase(std::remove_if(m_entries.begin(), m_entries.end(),
                                    [&](const UnwrittenEntry& entry) { return entry.id == id; }),
                     m_entries.end());
+    m_unsaved.erase(id);
     if (m_files)
         m_files->remove(id);
 }

@@ -17,9 +17,11 @@
 #include <QDateTime>
 #include <QObject>
 #include <QString>
+#include <QTimer>
 
 #include <map>
 #include <memory>
+#include <set>
 #include <vector>
 
 namespace orvo::client {
@@ -117,6 +119,7 @@ signals:
 private:
     UnwrittenEntry* entry(const QString& id);
     void save(const UnwrittenEntry& entry);
+    void saveRest();
     void remove(QString id);
     store::Status write(UnwrittenEntry& entry, store::UpdateGuard* guard, bool* unknown);
     store::Status restoreParent(UnwrittenEntry& entry, int depth);
@@ -126,6 +129,8 @@ private:
     std::vector<UnwrittenEntry> m_entries;
     std::map<QString, std::vector<store::IdRange>> m_repeated; ///< by module
     std::unique_ptr<UnwrittenFiles> m_files;                   ///< null: in memory only
+    std::set<QString> m_unsaved; ///< ids of the entries that the disk did not take,
+    QTimer m_retry;              ///< which are tried again while there are any
     bool m_busy = false;
 };
 
