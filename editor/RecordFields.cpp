@@ -67,6 +67,12 @@ QVector<QVariant> RecordFields::values(const MDRData* record) const {
     return values;
 }
 
+void RecordFields::write(RowWriter& record, const QModelIndex& row, Rows kind) const {
+    for (const RecordField& field : m_fields)
+        if ((field.saved & kind) != 0)
+            field.write(record, row.siblingAtColumn(field.column).data());
+}
+
 std::vector<const RecordField*> RecordFields::passport(Rows on) const {
     std::vector<const RecordField*> shown;
     for (const RecordField& field : m_fields)

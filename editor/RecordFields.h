@@ -10,6 +10,7 @@
 #include "frame/Records.h"
 #include "models/PropModel.h"
 
+#include <QModelIndex>
 #include <QStringList>
 #include <QVariant>
 #include <QVector>
@@ -82,6 +83,8 @@ public:
     int editedColumn(const QString& passportRow) const;
     /// The fields of a record by column; invalid where no field stands behind one.
     QVector<QVariant> values(const MDRData* record) const;
+    /// Sets the fields that are saved on such rows as a row shows them.
+    void write(RowWriter& record, const QModelIndex& row, Rows kind) const;
     /// The entries with a passport row on such rows, in the order of the passport.
     std::vector<const RecordField*> passport(Rows on) const;
 

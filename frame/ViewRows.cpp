@@ -98,7 +98,7 @@ bool onlyRepaints(const QTreeView& view) {
 
 } // namespace
 
-QuietViews::QuietViews(std::initializer_list<QTreeView*> views) {
+QuietViews::QuietViews(const std::vector<QTreeView*>& views) {
     for (QTreeView* view : views) {
         const bool visible = view->isVisible();
         QItemSelectionModel* disconnectedSelection =

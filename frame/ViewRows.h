@@ -1,4 +1,4 @@
-// ViewRows.h: moves on the rows of a tree and its view that both editors make: writing a row,
+// ViewRows.h: moves on the rows of a tree and its view that several windows make: writing a row,
 // refreshing the current one, and following a deletion.
 #ifndef ORVO_FRAME_VIEWROWS_H
 #define ORVO_FRAME_VIEWROWS_H
@@ -49,7 +49,7 @@ void removeRecord(const Notification& change, CMDArray& table, QTreeView* view,
 /// The views must outlive it.
 class QuietViews {
 public:
-    explicit QuietViews(std::initializer_list<QTreeView*> views);
+    explicit QuietViews(const std::vector<QTreeView*>& views);
     ~QuietViews();
     QuietViews(const QuietViews&) = delete;
     QuietViews& operator=(const QuietViews&) = delete;

@@ -6,7 +6,6 @@
 #include <QCoreApplication>
 #include <QKeyEvent>
 #include <QMenu>
-#include <QMessageBox>
 #include <QToolBar>
 #include <QToolButton>
 #include <QTreeView>
@@ -26,18 +25,6 @@ void passAllButUnmatchedSlots(QtMsgType type, const QMessageLogContext& context,
         return;
     if (previousHandler)
         previousHandler(type, context, text);
-}
-
-QString translated(const COrvoCliMod& module, const char* text) {
-    return QCoreApplication::translate(module.metaObject()->className(), text);
-}
-
-void showBox(COrvoCliMod& module, const char* title, const QString& text, TMessageBoxIcon icon,
-             TMessageBoxType type, const char* slot, const QString& details = {}) {
-    module.PopMessageBoxCreate();
-    module.m_popMessageBox->setMessage(translated(module, title), text, icon, type, slot);
-    module.m_popMessageBox->setDetails(details);
-    module.m_popMessageBox->show();
 }
 
 /// Expands a row and all folders below it, with one layout at the end.
@@ -151,13 +138,6 @@ void hideColumns(QTreeView* view, int first, int last) {
         view->setColumnHidden(column, true);
 }
 
-void takeDownViews(QMainWindow& window) {
-    for (const QTreeView* view : window.findChildren<QTreeView*>())
-        if (view->selectionModel())
-            QObject::disconnect(view->selectionModel(), nullptr, &window, nullptr);
-    delete window.takeCentralWidget();
-}
-
 QStringList passportColumns() {
     return {QStringLiteral("caption"),  QStringLiteral("value"), QStringLiteral("editor"),
             QStringLiteral("readonly"), QStringLiteral("name"),  QStringLiteral("iseditrow")};
@@ -176,12 +156,6 @@ QString iconsPath(const COrvoCliMod& module) {
            QLatin1Char('/');
 }
 
-void askQuestion(COrvoCliMod& module, const QString& text, const char* slot,
-                 const QString& details) {
-    showBox(module, "Уведомление", text, MessageBoxIconQuestion, MessageBoxTypeYesNo, slot,
-            details);
-}
-
 QString nameLines(const QStringList& names) {
     constexpr int shownAtMost = 10;
     constexpr int longest = 80;
@@ -194,17 +168,6 @@ QString nameLines(const QStringList& names) {
         lines << QCoreApplication::translate("CPopMessageBox", "и ещё %1")
                      .arg(names.size() - shownAtMost);
     return lines.join(QLatin1Char('\n'));
-}
-
-void showError(COrvoCliMod& module, const QString& text, const char* slot) {
-    showBox(module, "Ошибка", text, MessageBoxIconError, MessageBoxTypeOk, slot);
-}
-
-bool answeredYes(COrvoCliMod& module, QAbstractButton* button) {
-    if (!module.m_popMessageBox)
-        return false;
-    module.m_popMessageBox->hide();
-    return module.m_popMessageBox->ButtonRole(button) == QMessageBox::YesRole;
 }
 
 } // namespace orvo

@@ -1,5 +1,4 @@
-// WindowParts.h: the parts of a window that both editors have: the look of the trees and of the
-// passport grid, tool buttons, question and error boxes.
+// WindowParts.h: the look that all windows share: trees, the passport grid, tool buttons.
 #ifndef ORVO_FRAME_WINDOWPARTS_H
 #define ORVO_FRAME_WINDOWPARTS_H
 
@@ -12,10 +11,8 @@
 #include <functional>
 #include <initializer_list>
 
-class QAbstractButton;
 class QAbstractItemModel;
 class QAction;
-class QMainWindow;
 class QMenu;
 class QToolBar;
 class QToolButton;
@@ -56,10 +53,6 @@ void arrangeTree(QTreeView* view, bool styled = true);
 /// Hides the columns from `first` to `last`. The view has its model.
 void hideColumns(QTreeView* view, int first, int last);
 
-/// Deletes the central widget with the views below it, for a module's destructor: what the
-/// selections tell while they go no longer reaches the module, and its models outlive their views.
-void takeDownViews(QMainWindow& window);
-
 /// The column titles of the passport grid.
 QStringList passportColumns();
 /// The passport grid: any trigger opens an editor, no header, caption and value are shown. The view
@@ -73,18 +66,10 @@ void arrangePassport(QTreeView* view);
 QString iconsPath(const COrvoCliMod& module);
 
 // ---------------------------------------------------------------------------------------------
-// Message boxes: both return at once; the flow goes on in `slot`, a slot of the module as SLOT()
-// spells it, which takes the clicked button as QAbstractButton*.
+// Boxes
 
-/// A question with Yes and No. `details` stand below it: what it is about, by name.
-void askQuestion(COrvoCliMod& module, const QString& text, const char* slot,
-                 const QString& details = {});
 /// Names for the details of a question, a line each: the first ten, then how many there are more.
 QString nameLines(const QStringList& names);
-/// A notice of an error with one button.
-void showError(COrvoCliMod& module, const QString& text, const char* slot);
-/// Hides the module's box and tells whether the button was its Yes. False without a box.
-bool answeredYes(COrvoCliMod& module, QAbstractButton* button);
 
 } // namespace orvo
 

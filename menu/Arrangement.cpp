@@ -3,7 +3,6 @@
 
 #include "menu/OrvoMenu.h"
 
-#include "editor/PassportKeys.h"
 #include "frame/ViewRows.h"
 #include "frame/WindowParts.h"
 #include "menu/Columns.h"
@@ -56,24 +55,11 @@ void OrvoMenu::setTreeArrangement() {
     connect(m_menuModel.get(), &MenuTreeModel::dragdropOperation, this,
             &OrvoMenu::on_menu_dragdrop);
 
-    QTreeView* prop = m_ui->tvProp;
-    m_propModel =
-        std::make_unique<PropModel>(orvo::passportColumns(), orvo::iconsPath(*this), this);
-    prop->setModel(m_propModel.get());
-    orvo::arrangePassport(prop);
-    orvo::editor::passFlagsByKeys(prop);
-    orvo::followExpansion(prop, m_propModel.get());
-    m_passpDelegate = std::make_unique<PasspDelegate>(m_propModel.get(), this);
-    prop->setItemDelegate(m_passpDelegate.get());
-
+    arrangePassport(m_ui->tvProp);
     connect(desck->selectionModel(), &QItemSelectionModel::currentChanged, this,
             &OrvoMenu::on_tvDesck_currentChanged);
     connect(menu->selectionModel(), &QItemSelectionModel::currentChanged, this,
             &OrvoMenu::on_tvMenu_currentChanged);
-    connect(m_propModel.get(), &PropModel::editorRowValueChanged, this,
-            &OrvoMenu::on_editor_valueChanged);
-    connect(m_passpDelegate.get(), &PasspDelegate::buttonPressed, this,
-            &OrvoMenu::on_passp_buttonpressed);
     connect(m_passpDelegate.get(), &PasspDelegate::returnPressed, this,
             &OrvoMenu::on_passp_returnPressed);
 }

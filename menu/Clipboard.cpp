@@ -162,7 +162,7 @@ bool OrvoMenu::refusesCutInto(const QModelIndex& target, const MenuPayload& payl
     if (!cut.isValid())
         return false;
     const QString name = cut.siblingAtColumn(orvo::menu::MenuColumn::Caption).data().toString();
-    showRefusal(tr("Вырезанное нельзя вставить в само себя: \"%1\".").arg(name));
+    refuse(tr("Вырезанное нельзя вставить в само себя: \"%1\".").arg(name));
     return true;
 }
 

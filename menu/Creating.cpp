@@ -42,10 +42,6 @@ int nextOrder(const MenuTreeModel& model, const QModelIndex& parent) {
 
 } // namespace
 
-CPopObjectList* OrvoMenu::picker() {
-    return orvo::ownPicker(this, m_popList, &OrvoMenu::on_poplist_OK_Pressed);
-}
-
 void OrvoMenu::on_actNewElemModul_triggered() {
     chooseNewElements(CPopObjectList::KindModule);
 }
@@ -126,7 +122,7 @@ bool OrvoMenu::folderIsChosen() const {
 }
 
 void OrvoMenu::refuseChosenFolder() {
-    showRefusal(tr("Выбрана папка \"%1\", а нужно то, что в ней.").arg(m_popList->chosenName));
+    refuse(tr("Выбрана папка \"%1\", а нужно то, что в ней.").arg(m_popList->chosenName));
 }
 
 void OrvoMenu::takeChosenValue() {
@@ -136,8 +132,8 @@ void OrvoMenu::takeChosenValue() {
     }
     const QString name = m_popList->chosenName;
     const QString key = m_popList->chosenKey;
-    if (isRow(m_popTarget, "icon")) {
-        orvo::editPassportValue(*m_propModel, QStringLiteral("icon"), name);
+    if (isIconRow(m_popTarget)) {
+        takeChosenIcon();
     } else if (isRow(m_popTarget, "object")) {
         orvo::editPassportValue(*m_propModel, QStringLiteral("object"), name);
         orvo::editPassportValue(*m_propModel, QStringLiteral("keylink"), key);
@@ -149,12 +145,8 @@ void OrvoMenu::on_passp_buttonpressed(const QString& rowName) {
     const auto valueOf = [this](const char* row) {
         return m_propModel->getRowValue(QString::fromLatin1(row)).toString();
     };
-    if (isRow(rowName, "icon")) {
-        CPopObjectList* list = picker();
-        list->setWindowTitle(tr("Выбор иконок АРМ"));
-        list->objectType = CPopObjectList::KindFile;
-        list->multipleChoice = false;
-        list->sourceName = QString::fromLatin1(orvo::iconFolder);
+    if (isIconRow(rowName)) {
+        CPopObjectList* list = iconPicker();
         list->chosenName = valueOf("icon");
         list->showAnew();
     } else if (isRow(rowName, "object")) {
@@ -177,7 +169,7 @@ void OrvoMenu::on_passp_buttonpressed(const QString& rowName) {
 }
 
 void OrvoMenu::on_passp_returnPressed(const QString& rowName) {
-    if (!isRow(rowName, "icon"))
+    if (!isIconRow(rowName))
         return;
     const QString none; // null, which the tree takes for "no icon" at once
     m_propModel->setRowValue(rowName, none);

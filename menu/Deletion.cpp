@@ -49,13 +49,15 @@ void OrvoMenu::on_actDeleteElem_triggered() {
             below << one.key;
         return true;
     });
-    orvo::askQuestion(*this, text + desktopName + tr("\"?"),
-                      "1removeMenuMessage(QAbstractButton*)");
-    m_popMessageBox->setSubject(QString::fromLatin1(orvo::table::Menu), {m_currentMenuKey}, below);
+    ask({.text = text + desktopName + tr("\"?"),
+         .slot = SLOT(removeMenuMessage(QAbstractButton*)),
+         .table = orvo::table::Menu,
+         .keys = {m_currentMenuKey},
+         .below = below});
 }
 
 void OrvoMenu::removeMenuMessage(QAbstractButton* button) {
-    if (!orvo::answeredYes(*this, button))
+    if (!answeredYes(button))
         return;
     ScratchTable out(*m_app->m_session, orvo::table::Menu);
     if (!out.fetch())

@@ -81,7 +81,7 @@ void OrvoMenu::on_actChangeDescktopOrFolder_triggered() {
         return;
     if (!finishEdit())
         return;
-    m_desckEdit.beginRename(current, m_desckModel->getItemKeyLink(current));
+    m_desckEdit.begin(current, m_desckModel->getItemKeyLink(current));
     enableEditButtons(true);
     setDesckActionsDisabled();
     m_ui->tvDesck->setEditTriggers(QAbstractItemView::AllEditTriggers);
@@ -99,18 +99,14 @@ void OrvoMenu::on_actDeleteFromtvDesck_triggered() {
     if (m_desckModel->isItemFolder(current)) {
         if (refusesFullFolder(current))
             return;
-        ScratchTable out(*m_app->m_session, orvo::table::MenuFolder);
-        if (!out.fetch())
-            return;
-        out.add(MDX_DELETE).text(orvo::field::KeyLink, m_desckModel->getItemKeyLink(current));
-        out.send();
+        deleteRecords(orvo::table::MenuFolder, {m_desckModel->getItemKeyLink(current)});
         return;
     }
     const QString name = current.siblingAtColumn(DesckColumn::Name).data().toString();
-    orvo::askQuestion(*this,
-                      tr("Вы действительно хотите удалить рабочий стол \"") + name + tr("\"?"),
-                      "1removeDesckTopMessage(QAbstractButton*)");
-    m_popMessageBox->setSubject(QString::fromLatin1(orvo::table::MenuFolder), {m_currentDesckKey});
+    ask({.text = tr("Вы действительно хотите удалить рабочий стол \"") + name + tr("\"?"),
+         .slot = SLOT(removeDesckTopMessage(QAbstractButton*)),
+         .table = orvo::table::MenuFolder,
+         .keys = {m_currentDesckKey}});
 }
 
 bool OrvoMenu::refusesFullFolder(const QModelIndex& folder) {
@@ -127,22 +123,13 @@ bool OrvoMenu::refusesFullFolder(const QModelIndex& folder) {
         return false;
     });
     if (holds)
-        showRefusal(tr("Папка \"%1\" не удалена: в ней есть рабочие столы или папки.")
-                        .arg(folder.siblingAtColumn(DesckColumn::Name).data().toString()));
+        refuse(tr("Папка \"%1\" не удалена: в ней есть рабочие столы или папки.")
+                   .arg(folder.siblingAtColumn(DesckColumn::Name).data().toString()));
     return holds;
 }
 
-void OrvoMenu::showRefusal(const QString& text) {
-    orvo::showError(*this, text, "1on_common_error_message(QAbstractButton*)");
-}
-
-void OrvoMenu::on_common_error_message(QAbstractButton*) {
-    if (m_popMessageBox)
-        m_popMessageBox->hide();
-}
-
 void OrvoMenu::removeDesckTopMessage(QAbstractButton* button) {
-    if (!orvo::answeredYes(*this, button))
+    if (!answeredYes(button))
         return;
     // A notification may have made a folder current while the question stood, or taken the row.
     const QModelIndex desktop = m_desckModel->findIndexByKey(m_currentDesckKey);

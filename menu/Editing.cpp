@@ -17,11 +17,6 @@
 using orvo::sameText;
 using namespace orvo::menu;
 
-void OrvoMenu::enableEditButtons(bool enabled) {
-    m_btnSave->setEnabled(enabled);
-    m_btnCancel->setEnabled(enabled);
-}
-
 void OrvoMenu::on_editor_valueChanged(const QString& rowName, const QVariant& value) {
     const QPersistentModelIndex row(m_menuModel->findIndexByKey(m_currentMenuKey));
     if (!row.isValid())
@@ -39,7 +34,7 @@ void OrvoMenu::on_editor_valueChanged(const QString& rowName, const QVariant& va
         return;
     // A row without a column opens an edit too.
     if (m_editMode == NoEdit) {
-        m_elementEdit.beginChange(row, key);
+        m_elementEdit.begin(row, key);
         enableEditButtons(true);
         // The engineer stays here, whatever an own move still makes current.
         m_focusKey.clear();

@@ -14,46 +14,33 @@ ElementEdit::ElementEdit(OpenEdit& open, const editor::RecordFields& fields)
     : m_open(open)
     , m_fields(fields) {}
 
-bool ElementEdit::isOpen() const {
-    return m_open.m_mode == NewElement || m_open.m_mode == EditElement;
-}
-
 bool ElementEdit::changes(const QString& key) const {
-    return m_open.m_mode == EditElement && sameText(key, m_key);
+    return state() == EditRow && isOf(key);
 }
 
 QModelIndex ElementEdit::row(const MenuTreeModel& model) const {
-    if (m_row.isValid())
-        return m_row;
-    return m_key.isEmpty() ? QModelIndex() : model.findIndexByKey(m_key);
+    if (index().isValid())
+        return index();
+    return isOpen() ? model.findIndexByKey(key()) : QModelIndex();
 }
 
 void ElementEdit::beginNew(const QModelIndex& placeholder, const QString& key) {
     Q_ASSERT(m_open.m_mode == NoEdit);
     m_open.m_mode = NewElement;
-    takePlaceholder(placeholder, key);
+    RecordEdit::beginNew(placeholder, key);
 }
 
-void ElementEdit::beginChange(const QModelIndex& row, const QString& key) {
+void ElementEdit::begin(const QModelIndex& row, const QString& key) {
     Q_ASSERT(m_open.m_mode == NoEdit);
     m_open.m_mode = EditElement;
-    m_row = row;
-    m_key = key;
-    check();
-}
-
-void ElementEdit::takePlaceholder(const QModelIndex& placeholder, const QString& key) {
-    Q_ASSERT(isNew());
-    m_row = placeholder;
-    m_key = key;
-    check();
+    RecordEdit::begin(row, key);
 }
 
 void ElementEdit::change(MenuTreeModel& model, const QModelIndex& row, int column,
                          const QVariant& value) {
     const QModelIndex cell = row.siblingAtColumn(column);
     if (changes(model.getItemKeyLink(row)))
-        m_typed.type(column, value, cell.data());
+        typed().type(column, value, cell.data());
     model.setData(cell, value, Qt::DisplayRole);
     check();
 }
@@ -69,12 +56,11 @@ void ElementEdit::sendsPlace(const QString& key, int order, const QString& paren
         m_place = Place{order, parent};
 }
 
-void ElementEdit::merge(MenuTreeModel& model, const QModelIndex& row, const MDRData* record,
-                        const Notification& change) {
+void ElementEdit::merge(MenuTreeModel& model, const QModelIndex& row, const Notification& change,
+                        const MDRData* record) {
     if (!changes(change.key()))
         return;
-    m_typed.merge(change, record, m_fields);
-    m_typed.show(model, row);
+    RecordEdit::merge(model, row, change, record, m_fields);
     if (m_place && m_place->order == integerOf(record, orvo::field::order_) &&
         (!m_place->parent || holdsText(record, orvo::field::parent, *m_place->parent)))
         m_place.reset();
@@ -84,16 +70,14 @@ void ElementEdit::merge(MenuTreeModel& model, const QModelIndex& row, const MDRD
 void ElementEdit::end() {
     if (isOpen())
         m_open.m_mode = NoEdit;
-    m_row = QModelIndex();
-    m_key.clear();
-    m_typed.clear();
+    RecordEdit::end();
+    forgetKey();
     m_place.reset();
     check();
 }
 
 void ElementEdit::write(const MenuTreeModel& model, const QModelIndex& row, RowWriter& record) {
-    if (isNew())
-        m_sent.insert(m_key.toCaseFolded());
+    markSent();
     const editor::Rows kind = model.itemIsFolder(row) ? editor::FolderRows : editor::ItemRows;
     writeParent(model, row, record);
     for (const editor::RecordField& field : m_fields) {
@@ -121,9 +105,9 @@ void ElementEdit::writeParent(const MenuTreeModel& model, const QModelIndex& row
 }
 
 void ElementEdit::check() const {
-    Q_ASSERT(isOpen() == !m_key.isEmpty());
-    Q_ASSERT(isOpen() || (!m_row.isValid() && m_typed.isEmpty() && !m_place));
-    Q_ASSERT(!isNew() || (m_typed.isEmpty() && !m_place));
+    Q_ASSERT(isOpen() == (m_open.m_mode == NewElement || m_open.m_mode == EditElement)); // 1
+    Q_ASSERT(isOpen() || (key().isEmpty() && !m_place));                                 // 2
+    Q_ASSERT(!isNew() || (typed().isEmpty() && !m_place));                               // 3
 }
 
 } // namespace orvo::menu

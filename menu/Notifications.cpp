@@ -28,46 +28,28 @@ bool standsBelow(const QModelIndex& row, const QModelIndex& above) {
 
 } // namespace
 
-bool OrvoMenu::MessageData(MDXCliParam* prm) {
-    // A module whose start failed has neither tables nor trees to keep in step.
-    if (!m_desckModel || !m_menuModel)
-        return true;
-    const orvo::Notification change(prm);
-    if (!change.isTableEvent())
-        return true;
-    const bool folder = change.isFor(orvo::table::MenuFolder);
-    const bool element = change.isFor(orvo::table::Menu);
-    switch (change.action()) {
-    case OrvoEventUpdate:
-        if (folder)
-            desckUpdated(change);
-        else if (element)
-            elementUpdated(change);
-        else if (change.isFor(orvo::table::MenuResourceFolder))
-            orvo::editAndMerge(change.event(), &m_tabResFolder);
-        break;
-    case OrvoEventDelete:
-        if (folder)
-            orvo::removeRecord(change, m_tabFolder, m_ui->tvDesck, desckRow(change.key()));
-        else if (element)
-            elementDeleted(change);
-        else if (change.isFor(orvo::table::MenuResourceFolder))
-            forgetResourceFolder(change);
-        break;
-    case OrvoEventInsert:
-        if (folder)
-            desckInserted(change);
-        else if (element)
-            elementInserted(change);
-        else if (change.isFor(orvo::table::MenuResource))
-            orvo::createAndMerge(change.event(), &m_tabResource);
-        else if (change.isFor(orvo::table::MenuResourceFolder))
-            orvo::createAndMerge(change.event(), &m_tabResFolder);
-        break;
-    default:
-        break;
-    }
-    return true;
+void OrvoMenu::followTables() {
+    const auto to = [this](void (OrvoMenu::*apply)(const orvo::Notification&)) {
+        return [this, apply](const orvo::Notification& change) { (this->*apply)(change); };
+    };
+    const auto create = [](CMDArray& table) {
+        return [&table](const orvo::Notification& change) {
+            orvo::createAndMerge(change.event(), &table);
+        };
+    };
+    const auto edit = [](CMDArray& table) {
+        return [&table](const orvo::Notification& change) {
+            orvo::editAndMerge(change.event(), &table);
+        };
+    };
+    follow({{orvo::table::MenuFolder, to(&OrvoMenu::desckInserted), to(&OrvoMenu::desckUpdated),
+             to(&OrvoMenu::desckDeleted)},
+            {orvo::table::Menu, to(&OrvoMenu::elementInserted), to(&OrvoMenu::elementUpdated),
+             to(&OrvoMenu::elementDeleted)},
+            {orvo::table::MenuResource, create(m_tabResource), {}, {}},
+            {orvo::table::MenuResourceFolder, create(m_tabResFolder), edit(m_tabResFolder),
+             to(&OrvoMenu::forgetResourceFolder)}},
+           {m_ui->tvDesck, m_ui->tvMenu, m_ui->tvProp});
 }
 
 QModelIndex OrvoMenu::elementRow(const QString& key) const {
@@ -95,6 +77,10 @@ void OrvoMenu::desckUpdated(const orvo::Notification& change) {
     const QModelIndex row = desckRow(change.key());
     if (record && row.isValid())
         showDesck(change, record, row);
+}
+
+void OrvoMenu::desckDeleted(const orvo::Notification& change) {
+    orvo::removeRecord(change, m_tabFolder, m_ui->tvDesck, desckRow(change.key()));
 }
 
 void OrvoMenu::desckInserted(const orvo::Notification& change) {
@@ -129,7 +115,7 @@ void OrvoMenu::showDesck(const orvo::Notification& change, MDRData* record,
         (edited == row || standsBelow(edited, row)))
         finishEdit();
     updateNewDesckNode(record, position, row);
-    m_desckEdit.merge(*m_desckModel, m_desckModel->findIndexByKey(key), record, change);
+    m_desckEdit.merge(*m_desckModel, m_desckModel->findIndexByKey(key), change, record);
     if (mayMoveCurrent())
         orvo::makeCurrentAnew(m_ui->tvDesck, m_desckModel->findIndexByKey(key));
 }
@@ -146,7 +132,7 @@ void OrvoMenu::elementUpdated(const orvo::Notification& change) {
     const QString oldParent = row.siblingAtColumn(MenuColumn::ParentKey).data().toString();
     const int32_t position = getMenuElementPosition(key, newParent);
     loadMenuRow(parent, number, record);
-    m_elementEdit.merge(*m_menuModel, row, record, change);
+    m_elementEdit.merge(*m_menuModel, row, change, record);
     if (!orvo::sameText(newParent, oldParent)) {
         const QModelIndex target = m_menuModel->findIndexByKey(
             newParent.isEmpty() ? QString::fromLatin1(menuRootKey) : newParent);
@@ -184,7 +170,7 @@ void OrvoMenu::elementInserted(const orvo::Notification& change) {
     if (own.isValid()) {
         loadMenuRow(own.parent(), own.row(), record);
         // What was typed since the save is not in the record.
-        m_elementEdit.merge(*m_menuModel, own, record, change);
+        m_elementEdit.merge(*m_menuModel, own, change, record);
         return;
     }
     const QString parentKey = orvo::textOf(record, orvo::field::parent);

@@ -2,38 +2,26 @@
 
 #include "menu/OrvoMenu.h"
 
-#include "frame/CommonFunctions.h"
 #include "frame/Records.h"
-#include "frame/ViewRows.h"
 #include "frame/Vocabulary.h"
 #include "frame/WindowParts.h"
 #include "menu/RecordLists.h"
 
 #include <QApplication>
-#include <QClipboard>
 #include <QMenu>
 #include <QToolButton>
 
 OrvoMenu::OrvoMenu(COrvoCliApp* app)
-    : COrvoCliMod(app)
-    , m_codec(nullptr)
-    , m_clipboard(nullptr)
+    : EditorWindow(app)
     , m_elementFields(orvo::menu::elementFields())
     , m_desckFields(orvo::menu::desckFields())
     , m_ui(std::make_unique<Ui_OrvoMenu>()) {
     orvo::setupForm([this] { m_ui->setupUi(this); });
     connect(qApp, &QApplication::focusChanged, this, &OrvoMenu::on_focus_changed);
-    m_codec = orvo::recordCodec();
-    m_clipboard = QGuiApplication::clipboard();
-    connect(m_clipboard, &QClipboard::dataChanged, this, &OrvoMenu::on_clipboardDataChanged);
-
     m_btnNewDesck = orvo::makeToolButton(this, "new1", tr("Создать"));
     m_menuNewDesck =
         orvo::addInstantMenu(m_btnNewDesck, {m_ui->actAddFoldertvDesck, m_ui->actAddDescktop});
-    m_btnSave = orvo::makeToolButton(this, "checkin1", tr("Сохранить"));
-    connect(m_btnSave, &QToolButton::pressed, this, &OrvoMenu::on_save_pressed);
-    m_btnCancel = orvo::makeToolButton(this, "cancel1", tr("Не сохранять"));
-    connect(m_btnCancel, &QToolButton::pressed, this, &OrvoMenu::on_cancel_pressed);
+    makeEditButtons();
     m_btnNewElem = orvo::makeToolButton(this, "newelem1", tr("Новый элемент"));
     m_menuNewElem =
         orvo::addInstantMenu(m_btnNewElem, {m_ui->actNewElemFolder, m_ui->actNewElemModul,
@@ -62,8 +50,7 @@ OrvoMenu::~OrvoMenu() {
     // Neither the application's signals nor the ends of the views may reach a half-destroyed
     // window: the connections go first, then the views, and the models that they show last.
     disconnect(qApp, nullptr, this, nullptr);
-    disconnect(m_clipboard, nullptr, this, nullptr);
-    orvo::takeDownViews(*this);
+    destroyViews();
 }
 
 bool OrvoMenu::ModuleStart() {
@@ -77,17 +64,14 @@ bool OrvoMenu::ModuleStart() {
     setMenuActionsDisabled();
     setDesckActionsDisabled();
     setTreeArrangement();
+    followTables();
     loadDesckTreeUpper();
     return true;
 }
 
 void OrvoMenu::ModuleStop() {}
 
-void OrvoMenu::MessageOn() {
-    {
-        const orvo::QuietViews quiet({m_ui->tvDesck, m_ui->tvMenu, m_ui->tvProp});
-        MessageGet();
-    }
+void OrvoMenu::notificationsTaken() {
     if (!m_focusKey.isNull())
         setMenuFocusedItemAfterChanges();
 }
@@ -103,18 +87,12 @@ void OrvoMenu::setMenuFocusedItemAfterChanges() {
 }
 
 bool OrvoMenu::loadTables() {
-    const auto fetch = [this](const char* name, CMDArray& table, const char* place) {
-        return orvo::fetchOrLog(*this, place, [&](COrvoCliSes* session, QString* error) {
-            return GetTableRecords(session, name, table, error);
-        });
-    };
-    if (!fetch(orvo::table::MenuResource, m_tabResource, "OrvoMenu::loadTables->MenuResource"))
+    if (!fetch(orvo::table::MenuResource, m_tabResource))
         return false;
     orvo::setKeys(m_tabResource, orvo::keylist::MenuResourceByName);
-    if (!fetch(orvo::table::MenuFolder, m_tabFolder, "OrvoMenu::loadTables->MenuFolder"))
+    if (!fetch(orvo::table::MenuFolder, m_tabFolder))
         return false;
     orvo::setKeys(m_tabFolder, orvo::keylist::MenuFolder);
     // Logged under the other editor's name, by which this place is known in logs.
-    return fetch(orvo::table::MenuResourceFolder, m_tabResFolder,
-                 "OrvoResources::loadTables->MenuResourceFolder");
+    return fetch(orvo::table::MenuResourceFolder, m_tabResFolder, "OrvoResources");
 }

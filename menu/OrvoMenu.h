@@ -6,8 +6,9 @@
 // comes from records; a change goes to the server, and tables and trees follow when its
 // notification comes back.
 //
-// What is being edited is an object: an ElementEdit or a DesckEdit, of which one is open at most.
-// The fields of the records stand once, in RecordLists.
+// What it shares with every editor is in editor/EditorWindow.h. What is being edited is an object:
+// an ElementEdit or a DesckEdit, of which one is open at most. The fields of the records stand
+// once, in RecordLists.
 //
 // The sources are split by subject: OrvoMenu (start, tables, notifications' end), Arrangement (the
 // views), Actions (what is switched on when, context menus), DesktopTree, MenuTree and Passports
@@ -18,13 +19,11 @@
 #ifndef ORVO_MENU_ORVOMENU_H
 #define ORVO_MENU_ORVOMENU_H
 
-#include "editor/RecordFields.h"
-#include "frame/OrvoClient.h"
+#include "editor/EditorWindow.h"
 #include "menu/DesckEdit.h"
 #include "menu/ElementEdit.h"
 #include "menu/OpenEdit.h"
 #include "models/models.h"
-#include "picker/ObjectListOwner.h"
 
 #include <QAbstractItemDelegate>
 #include <QMap>
@@ -37,11 +36,8 @@
 #include <memory>
 #include <vector>
 
-class CPopObjectList;
-class QClipboard;
 class QItemSelection;
 class QMenu;
-class QTextCodec;
 class QToolButton;
 class QTreeView;
 class Ui_OrvoMenu;
@@ -56,7 +52,7 @@ namespace orvo::menu {
 struct MenuPayload;
 }
 
-class OrvoMenu : public COrvoCliMod, public orvo::ObjectListOwner {
+class OrvoMenu : public orvo::editor::EditorWindow {
     Q_OBJECT
 public:
     /// Builds the window; touches no server. `app` and its session must outlive the module.
@@ -67,9 +63,6 @@ public:
     /// if a table could not be fetched: the window then stays empty and has no models.
     bool ModuleStart() override;
     void ModuleStop() override;
-    void MessageOn() override;
-    /// Merges a notification into its table and then into the tree. Always true.
-    bool MessageData(MDXCliParam* prm) override;
     QString ModEditText() const override;
     bool ModEditSave() override;
     void ModEditCancel() override;
@@ -83,11 +76,7 @@ public:
     const CMDArray* resourceFolderTable() const override { return &m_tabResFolder; }
 
 protected:
-    QTextCodec* m_codec;     ///< "Windows-1251", for every text to and from a table; not owned
-    QClipboard* m_clipboard; ///< the application's, not owned
     QToolButton* m_btnNewDesck = nullptr; ///< these buttons are children of the window
-    QToolButton* m_btnSave = nullptr;
-    QToolButton* m_btnCancel = nullptr;
     QToolButton* m_btnNewElem = nullptr;
     QMenu* m_menuNewDesck = nullptr; ///< pop-up and child of its button
     QMenu* m_menuNewElem = nullptr;
@@ -98,11 +87,7 @@ protected:
     CMDArray m_tabResFolder; ///< `MenuResourceFolder`, with the keys it came with
     std::unique_ptr<DesckTreeModel> m_desckModel; ///< these are null until the start succeeded
     std::unique_ptr<MenuTreeModel> m_menuModel;
-    std::unique_ptr<PropModel> m_propModel;
-    std::unique_ptr<PasspDelegate> m_passpDelegate;
     std::unique_ptr<DesckDelegate> m_desckDelegate;
-    CPopObjectList* m_popList = nullptr; ///< the picker, child of the window, made on first use
-    QString m_popTarget;                 ///< passport row that opened the picker
     orvo::editor::RecordFields m_elementFields; ///< of tvMenu
     orvo::editor::RecordFields m_desckFields;   ///< of tvDesck
     orvo::menu::OpenEdit m_openEdit;            ///< which of the two edits is open, if any
@@ -116,7 +101,6 @@ protected:
     QString m_openDesckKey;    ///< of the desktop whose elements m_tabMenu holds; null: the current
     QString m_currentDesckKey; ///< key of the current row of tvDesck
     QString m_currentMenuKey;  ///< key of the current row of tvMenu
-    QString m_focusKey;        ///< row to make current after the next notifications; null: none
     bool m_cutPending = false; ///< the clipboard holds a cut of this editor
     QByteArray m_ownCut;       ///< the last cut, as long as nothing else has been offered since
     bool m_skipDesckChange = false; ///< the next on_tvDesck_currentChanged only clears this
@@ -198,7 +182,7 @@ protected:
 
 protected slots:
     void on_focus_changed(QWidget* old, QWidget* now);
-    void on_clipboardDataChanged();
+    void on_clipboardDataChanged() override;
 
     void showContextMenu_tvDesck(const QPoint& point);
     void showContextMenu_tvMenu(const QPoint& point);
@@ -214,12 +198,12 @@ protected slots:
     void on_Desck_NameChanged(const QString& text);
     void on_closeDesckeditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint);
     void on_menu_dragdrop(const QModelIndex& destindex, QStringList srcList, int option);
-    void on_editor_valueChanged(const QString& rowName, const QVariant& value);
-    void on_passp_buttonpressed(const QString& rowName);
+    void on_editor_valueChanged(const QString& rowName, const QVariant& value) override;
+    void on_passp_buttonpressed(const QString& rowName) override;
     void on_passp_returnPressed(const QString& rowName);
-    void on_save_pressed();
-    void on_cancel_pressed();
-    void on_poplist_OK_Pressed();
+    void on_save_pressed() override;
+    void on_cancel_pressed() override;
+    void on_poplist_OK_Pressed() override;
 
     void on_actNewElemModul_triggered();
     void on_actNewElemFunction_triggered();
@@ -240,10 +224,12 @@ protected slots:
 
     void removeMenuMessage(QAbstractButton* button);
     void removeDesckTopMessage(QAbstractButton* button);
-    void on_common_error_message(QAbstractButton* button);
 
 private:
     // Notifications
+    void notificationsTaken() override;
+    /// What changes of the tables do.
+    void followTables();
     /// The row of an element, the root row for its key; invalid for an empty key.
     QModelIndex elementRow(const QString& key) const;
     /// The row of a record; invalid for the keys of the root rows, which stand for none.
@@ -252,6 +238,7 @@ private:
     /// The picker lists by the folders of resources; no tree shows them.
     void forgetResourceFolder(const orvo::Notification& change);
     void desckUpdated(const orvo::Notification& change);
+    void desckDeleted(const orvo::Notification& change);
     void desckInserted(const orvo::Notification& change);
     /// Writes the record into the row, puts it in its place and refreshes what depends on it.
     void showDesck(const orvo::Notification& change, MDRData* record, const QModelIndex& row);
@@ -268,7 +255,6 @@ private:
     void elementInserted(const orvo::Notification& change);
 
     // Creating
-    CPopObjectList* picker();
     void chooseNewElements(int32_t kind);
     void addChosenElements();
     /// A folder of the picker is no resource: nothing can be made of it, and its choice is refused
@@ -284,8 +270,6 @@ private:
     void saveDesck();
     /// Shows the passport of the current row anew, without what was just typed into it.
     void refuseTyping(const QModelIndex& row);
-    /// Switches the buttons of the open edit.
-    void enableEditButtons(bool enabled);
     /// Closes the editors of names, on that row and on the current one.
     void closeDesckEditor(const QModelIndex& row);
     void saveElement(const QModelIndex& row, MdxRecordFlag flag);
@@ -334,7 +318,6 @@ private:
     /// Whether a folder of desktops is to stay, since there is something in it or the server does
     /// not answer; says the former in a box.
     bool refusesFullFolder(const QModelIndex& folder);
-    void showRefusal(const QString& text);
 
     /// Rows for the sub-folders or the desktops of `parentKey`, below `parent` or at the top of the
     /// batch; gives the new rows.

@@ -5,7 +5,6 @@
 
 #include "frame/CommonFunctions.h"
 #include "menu/Columns.h"
-#include "models/Passport.h"
 
 #include <QTreeView>
 
@@ -31,18 +30,13 @@ void OrvoMenu::loadItemPassport(const QModelIndex& index) {
 void OrvoMenu::fillPassport(const QModelIndex& index, orvo::editor::Rows kind) {
     if (!index.isValid())
         return;
-    std::vector<orvo::PassportRow> rows;
-    for (const orvo::editor::RecordField* field : m_elementFields.passport(kind)) {
-        const orvo::editor::PassportCell& cell = field->passport;
-        QVariant value = index.siblingAtColumn(field->column).data();
+    const bool isTop = m_menuModel->getItemLevel(index) == 0;
+    const auto adjust = [&](const orvo::editor::RecordField& field, orvo::PassportRow& shown) {
         // The word of a folder is no number and reads as 0, which is its code; the root has none.
-        if (field->column == MenuColumn::Type && kind == FolderRows)
-            value = convertMenuAttributes(value.toInt());
-        // No record stands behind the top row.
-        const bool readOnly = cell.readOnly || m_menuModel->getItemLevel(index) == 0;
-        rows.push_back(
-            {QString::fromLatin1(cell.row), tr(cell.caption), cell.editor, readOnly, value});
-    }
-    m_ui->tvProp->expand(orvo::addPassportCategory(*m_propModel, QStringLiteral("properties"),
-                                                   tr("Свойства"), rows));
+        if (field.column == MenuColumn::Type && kind == FolderRows)
+            shown.value = convertMenuAttributes(shown.value.toInt());
+        // The top row has no record.
+        shown.readOnly = shown.readOnly || isTop;
+    };
+    m_ui->tvProp->expand(addPassport(index, m_elementFields, kind, adjust));
 }

@@ -92,21 +92,4 @@ private:
     std::unique_ptr<PopTreeModel> m_model;
 };
 
-namespace orvo {
-
-/// The picker of an editor: made when it is first asked for, as a child of the editor's window and
-/// over its middle, and kept in `list`. `chosen`, a slot of the editor, runs at each OK.
-template <class Editor>
-CPopObjectList* ownPicker(Editor* editor, CPopObjectList*& list, void (Editor::*chosen)()) {
-    if (!list) {
-        list = new CPopObjectList(editor);
-        list->moveToCenter();
-        list->m_popup = true;
-        QObject::connect(list, &CPopObjectList::btnOK_pressed, editor, chosen);
-    }
-    return list;
-}
-
-} // namespace orvo
-
 #endif

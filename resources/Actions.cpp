@@ -99,10 +99,6 @@ bool OrvoResources::permits(QAction* action, const QModelIndex& row) const {
     return actions && actions->contains(action);
 }
 
-void OrvoResources::refuse(const QString& reason) {
-    orvo::showError(*this, reason, "1on_common_error_message(QAbstractButton*)");
-}
-
 bool OrvoResources::checkClipBoardType(int type) const {
     const QByteArray bytes = orvo::clipboardBytes(m_clipboard, orvo::resources::resourcesMime);
     return bytes.contains('\n') && orvo::ClipboardRows::numberOf(bytes) == type;

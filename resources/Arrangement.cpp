@@ -3,7 +3,6 @@
 
 #include "resources/OrvoResources.h"
 
-#include "editor/PassportKeys.h"
 #include "frame/ViewRows.h"
 #include "frame/WindowParts.h"
 #include "resources/Columns.h"
@@ -56,26 +55,14 @@ void OrvoResources::setTreeArrangement() {
     connect(tree, &QTreeView::customContextMenuRequested, this,
             &OrvoResources::showContextMenu_tvRes);
 
-    QTreeView* prop = m_ui->tvProp;
-    prop->setStyleSheet(passportStyleSheet());
-    m_propModel =
-        std::make_unique<PropModel>(orvo::passportColumns(), orvo::iconsPath(*this), this);
-    prop->setModel(m_propModel.get());
-    orvo::arrangePassport(prop);
-    orvo::editor::passFlagsByKeys(prop);
-    orvo::followExpansion(prop, m_propModel.get());
-    m_passpDelegate = std::make_unique<PasspDelegate>(m_propModel.get(), this);
-    prop->setItemDelegate(m_passpDelegate.get());
+    m_ui->tvProp->setStyleSheet(passportStyleSheet());
+    arrangePassport(m_ui->tvProp);
     orvo::followExpansion(tree, m_resModel.get());
 
     connect(tree->selectionModel(), &QItemSelectionModel::currentChanged, this,
             &OrvoResources::on_tvRes_currentChanged);
     connect(tree->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &OrvoResources::on_tvRes_selectionChanged);
-    connect(m_propModel.get(), &PropModel::editorRowValueChanged, this,
-            &OrvoResources::on_editor_valueChanged);
-    connect(m_passpDelegate.get(), &PasspDelegate::buttonPressed, this,
-            &OrvoResources::on_passp_buttonpressed);
     connect(m_resModel.get(), &ResTreeModel::dragdropOperation, this,
             &OrvoResources::on_res_dragdrop);
 }

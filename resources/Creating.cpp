@@ -15,14 +15,6 @@
 using orvo::resources::isFolder;
 using orvo::resources::ResColumn;
 
-namespace {
-
-bool isIconRow(const QString& rowName) {
-    return orvo::sameText(rowName, QLatin1String("icon"));
-}
-
-} // namespace
-
 void OrvoResources::on_actAddModule_triggered() {
     addRow(m_ui->actAddModule, tr("новый модуль"));
 }
@@ -60,8 +52,7 @@ void OrvoResources::addRow(QAction* action, const QString& caption) {
     const int row = folder ? 0 : m_resModel->rowCount(parent);
     if (!m_resModel->insertRows(row, 1, parent))
         return;
-    m_btnSave->setEnabled(true);
-    m_btnCancel->setEnabled(true);
+    enableEditButtons(true);
     const QModelIndex added = m_resModel->index(row, 0, parent);
     const QString key = QString::fromLatin1(GenGuid32());
     orvo::setRow(*m_resModel, added,
@@ -100,8 +91,7 @@ void OrvoResources::on_editor_valueChanged(const QString& rowName, const QVarian
     // A row without a column opens an edit too.
     if (!m_edit.isOpen()) {
         m_edit.begin(row, m_currentKey);
-        m_btnSave->setEnabled(true);
-        m_btnCancel->setEnabled(true);
+        enableEditButtons(true);
     }
     const int column = orvo::resources::itemFields().editedColumn(rowName);
     if (column >= 0)
@@ -112,15 +102,11 @@ void OrvoResources::on_passp_buttonpressed(const QString& rowName) {
     m_popTarget = rowName;
     if (!isIconRow(rowName))
         return;
-    CPopObjectList* list = orvo::ownPicker(this, m_popList, &OrvoResources::on_poplist_OK_Pressed);
-    list->setWindowTitle(tr("Выбор иконок АРМ"));
-    list->objectType = CPopObjectList::KindFile;
-    list->sourceName = QString::fromLatin1(orvo::iconFolder);
     // What was chosen last is offered again.
-    list->showAnew();
+    iconPicker()->showAnew();
 }
 
 void OrvoResources::on_poplist_OK_Pressed() {
     if (m_popList && isIconRow(m_popTarget))
-        orvo::editPassportValue(*m_propModel, QStringLiteral("icon"), m_popList->chosenName);
+        takeChosenIcon();
 }

@@ -55,13 +55,14 @@ void OrvoResources::on_actDelete_triggered() {
     for (const QModelIndex& one : selected)
         if (one != row)
             keys << m_resModel->getItemKeyLink(one);
-    orvo::askQuestion(
-        *this,
-        tr("Вы действительно хотите удалить выделенные элементы") + tr(" (") +
-            QString::number(count) + tr(") из списка ") +
-            (m_resModel->itemInSystemArea(row) ? tr("системных ресурсов?") : tr("ресурсов меню?")),
-        "1removeResourceMessage(QAbstractButton*)", questionDetails(row));
-    m_popMessageBox->setSubject(QString::fromLatin1(orvo::table::MenuResource), keys);
+    ask({.text =
+             tr("Вы действительно хотите удалить выделенные элементы") + tr(" (") +
+             QString::number(count) + tr(") из списка ") +
+             (m_resModel->itemInSystemArea(row) ? tr("системных ресурсов?") : tr("ресурсов меню?")),
+         .slot = SLOT(removeResourceMessage(QAbstractButton*)),
+         .table = orvo::table::MenuResource,
+         .keys = keys,
+         .details = questionDetails(row)});
 }
 
 void OrvoResources::agreeOnSelection() {
@@ -115,7 +116,7 @@ bool OrvoResources::isEmptyFolder(const QModelIndex& folder) {
 }
 
 void OrvoResources::removeResourceMessage(QAbstractButton* button) {
-    if (!orvo::answeredYes(*this, button)) {
+    if (!answeredYes(button)) {
         m_ui->tvRes->clearSelection();
         return;
     }
@@ -140,17 +141,6 @@ void OrvoResources::removeResourceMessage(QAbstractButton* button) {
     default:
         break;
     }
-}
-
-void OrvoResources::deleteRecords(const char* table, const QStringList& keys) {
-    if (keys.isEmpty())
-        return;
-    orvo::ScratchTable out(*m_app->m_session, table);
-    if (!out.fetch())
-        return;
-    for (const QString& key : keys)
-        out.add(MDX_DELETE).text(orvo::field::KeyLink, key);
-    out.send();
 }
 
 bool OrvoResources::isAmbiguous(const QModelIndex& row) const {

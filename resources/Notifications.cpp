@@ -30,13 +30,6 @@ QModelIndex rowOfRecord(const ResTreeModel& model, const QString& key) {
 
 } // namespace
 
-void OrvoResources::showRow(const QModelIndex& row) {
-    if (m_quiet)
-        m_quiet->scrollTo(m_ui->tvRes, row);
-    else
-        m_ui->tvRes->scrollTo(row);
-}
-
 template <class Move>
 void OrvoResources::moveRow(Move move, MoveKind kind) {
     // A row moves as a copy of it and of all below it. Its old self goes, and with it indexes, the
@@ -79,43 +72,30 @@ void OrvoResources::mergeEdit(const orvo::Notification& change, const MDRData* r
                      typed.toString()));
 }
 
-bool OrvoResources::MessageData(MDXCliParam* prm) {
-    // A module whose start failed has neither tables nor a tree to keep in step.
-    if (!m_resModel)
-        return true;
-    const orvo::Notification change(prm);
-    if (!change.isTableEvent())
-        return true;
-    const bool folder = change.isFor(orvo::table::MenuResourceFolder);
-    const bool resource = change.isFor(orvo::table::MenuResource);
-    if (folder || resource)
-        m_focusCame = m_focusCame || orvo::sameText(change.key(), m_focusKey);
-    switch (change.action()) {
-    case OrvoEventUpdate:
-        if (folder)
-            folderUpdated(change);
-        else if (resource)
-            resourceUpdated(change);
-        break;
-    case OrvoEventDelete:
-        if (folder || resource) {
-            m_edit.forget(change.key());
-            orvo::removeRecord(change, folder ? m_tabResFolder : m_tabResource, m_ui->tvRes,
-                               rowOfRecord(*m_resModel, change.key()));
-        }
-        break;
-    case OrvoEventInsert:
-        // What is stored of a form or a file is asked for when its row becomes current: the table
-        // `MenuResourceFile` has nothing to follow.
-        if (folder)
-            folderInserted(change);
-        else if (resource)
-            resourceInserted(change);
-        break;
-    default:
-        break;
-    }
-    return true;
+void OrvoResources::followTables() {
+    const auto to = [this](void (OrvoResources::*apply)(const orvo::Notification&)) {
+        return [this, apply](const orvo::Notification& change) {
+            m_focusCame = m_focusCame || orvo::sameText(change.key(), m_focusKey);
+            (this->*apply)(change);
+        };
+    };
+    // What is stored of a form or a file is asked for when its row becomes current: the table
+    // `MenuResourceFile` has nothing to follow.
+    follow({{orvo::table::MenuResourceFolder, to(&OrvoResources::folderInserted),
+             to(&OrvoResources::folderUpdated), to(&OrvoResources::folderDeleted)},
+            {orvo::table::MenuResource, to(&OrvoResources::resourceInserted),
+             to(&OrvoResources::resourceUpdated), to(&OrvoResources::resourceDeleted)}},
+           {m_ui->tvRes, m_ui->tvProp});
+}
+
+void OrvoResources::folderDeleted(const orvo::Notification& change) {
+    m_edit.forget(change.key());
+    orvo::removeRecord(change, m_tabResFolder, m_ui->tvRes, rowOfRecord(*m_resModel, change.key()));
+}
+
+void OrvoResources::resourceDeleted(const orvo::Notification& change) {
+    m_edit.forget(change.key());
+    orvo::removeRecord(change, m_tabResource, m_ui->tvRes, rowOfRecord(*m_resModel, change.key()));
 }
 
 void OrvoResources::selectAgain(const QString& key) {
@@ -124,10 +104,10 @@ void OrvoResources::selectAgain(const QString& key) {
         return;
     // Leaving the row would save what is being typed, here or elsewhere, before its time.
     if (m_edit.isOpen())
-        refreshPassport(row);
+        refreshPassport(row, fieldsOf(row));
     else
         orvo::makeCurrentAnew(m_ui->tvRes, row);
-    showRow(row);
+    showRow(m_ui->tvRes, row);
 }
 
 void OrvoResources::folderUpdated(const orvo::Notification& change) {
@@ -246,5 +226,5 @@ void OrvoResources::resourceInserted(const orvo::Notification& change) {
     auto rows = m_resModel->newRows(target);
     rows.add(itemValues(record));
     if (m_resModel->insertFilledRows(newRow, std::move(rows), target) && mayMoveCurrent())
-        showRow(m_resModel->index(newRow, 0, target));
+        showRow(m_ui->tvRes, m_resModel->index(newRow, 0, target));
 }

@@ -4,13 +4,10 @@
 
 #include "frame/CommonFunctions.h"
 #include "frame/ScratchTable.h"
-#include "frame/ViewRows.h"
 #include "frame/WindowParts.h"
 #include "resources/Columns.h"
 
-#include <QClipboard>
 #include <QComboBox>
-#include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -19,22 +16,14 @@
 using orvo::KeyValues;
 
 OrvoResources::OrvoResources(COrvoCliApp* app)
-    : COrvoCliMod(app)
-    , m_codec(nullptr)
-    , m_clipboard(nullptr)
+    : EditorWindow(app)
     , m_ui(std::make_unique<Ui_OrvoResources>()) {
     orvo::setupForm([this] { m_ui->setupUi(this); });
-    m_codec = orvo::recordCodec();
-    m_clipboard = QGuiApplication::clipboard();
-    connect(m_clipboard, &QClipboard::dataChanged, this, &OrvoResources::on_clipboardDataChanged);
 
     m_btnCreate = orvo::makeToolButton(this, "new1", tr("Создать"));
     m_menuCreate = orvo::addInstantMenu(
         m_btnCreate, {m_ui->actAddModule, m_ui->actAddFunction, m_ui->actAddFolder});
-    m_btnSave = orvo::makeToolButton(this, "checkin1", tr("Сохранить"));
-    connect(m_btnSave, &QToolButton::pressed, this, &OrvoResources::on_save_pressed);
-    m_btnCancel = orvo::makeToolButton(this, "cancel1", tr("Не сохранять"));
-    connect(m_btnCancel, &QToolButton::pressed, this, &OrvoResources::on_cancel_pressed);
+    makeEditButtons();
 
     QToolBar* bar = m_ui->toolBar;
     bar->addWidget(m_btnCreate);
@@ -90,8 +79,7 @@ void OrvoResources::makeSearchBar() {
 }
 
 OrvoResources::~OrvoResources() {
-    disconnect(m_clipboard, nullptr, this, nullptr);
-    orvo::takeDownViews(*this);
+    destroyViews();
 }
 
 bool OrvoResources::ModuleStart() {
@@ -99,23 +87,17 @@ bool OrvoResources::ModuleStart() {
     if (!loadTables())
         return false;
     setTreeArrangement();
+    followTables();
     loadResTreeUpper();
     setActionsDisabled();
-    m_btnSave->setEnabled(false);
-    m_btnCancel->setEnabled(false);
+    enableEditButtons(false);
     m_edit.end();
     return true;
 }
 
 void OrvoResources::ModuleStop() {}
 
-void OrvoResources::MessageOn() {
-    {
-        orvo::QuietViews quiet({m_ui->tvRes, m_ui->tvProp});
-        m_quiet = &quiet;
-        MessageGet();
-        m_quiet = nullptr;
-    }
+void OrvoResources::notificationsTaken() {
     // Not before its own change has come: what others do makes no row current.
     if (!m_focusKey.isEmpty() && m_focusCame)
         setResFocusedItemAfterChanges();
@@ -132,24 +114,17 @@ void OrvoResources::setResFocusedItemAfterChanges() {
     m_focusCame = false;
 }
 
-bool OrvoResources::fetch(const char* name, CMDArray& table, const char* place) {
-    return orvo::fetchOrLog(*this, place, [&](COrvoCliSes* session, QString* error) {
-        return GetTableRecords(session, name, table, error);
-    });
-}
-
 bool OrvoResources::loadTables() {
-    if (!fetch(orvo::table::MenuResource, m_tabResource, "OrvoResources::loadTables->MenuResource"))
+    if (!fetch(orvo::table::MenuResource, m_tabResource))
         return false;
     orvo::setKeys(m_tabResource, orvo::keylist::MenuResource);
-    if (!fetch(orvo::table::MenuResourceFolder, m_tabResFolder,
-               "OrvoResources::loadTables->MenuResourceFolder"))
+    if (!fetch(orvo::table::MenuResourceFolder, m_tabResFolder))
         return false;
     orvo::setKeys(m_tabResFolder, orvo::keylist::MenuResourceFolder);
-    if (!fetch(orvo::table::Users, m_tabUsers, "OrvoResources::loadTables->Users"))
+    if (!fetch(orvo::table::Users, m_tabUsers))
         return false;
     orvo::setKeys(m_tabUsers, orvo::keylist::Users);
-    if (!fetch(orvo::table::MenuFileExt, m_tabFileExt, "OrvoResources::loadTables->MenuFileExt"))
+    if (!fetch(orvo::table::MenuFileExt, m_tabFileExt))
         return false;
     orvo::setKeys(m_tabFileExt);
     if (!fetchUser())
@@ -190,9 +165,4 @@ void OrvoResources::findOrphans() {
             orvo::RowWriter(m_tabOrphans, MDARecNew(m_tabOrphans.array)).copyAll(record);
         return true;
     });
-}
-
-void OrvoResources::on_common_error_message(QAbstractButton*) {
-    if (m_popMessageBox)
-        m_popMessageBox->hide();
 }

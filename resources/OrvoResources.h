@@ -11,16 +11,16 @@
 // (what comes back from the server), Extraction (paths, files to the disk, opening a form),
 // Creating (new rows, edits of the passport, the icon picker), Saving (save and cancel), Upload,
 // Deletion, Search, Clipboard (cut, paste and drops), ModEdit (what the host asks of it),
-// Diagnostics (the tables as text). Beside the window: ResourceEdit (the open edit), Fields
-// (columns and fields), Columns (what rows are).
+// Diagnostics (the tables as text). What it shares with every editor is in editor/EditorWindow.h;
+// beside the window: ResourceEdit (the open edit), Fields (columns and fields), Columns (what rows
+// are).
 #ifndef ORVO_RESOURCES_ORVORESOURCES_H
 #define ORVO_RESOURCES_ORVORESOURCES_H
 
-#include "frame/OrvoClient.h"
+#include "editor/EditorWindow.h"
 #include "frame/ScratchTable.h"
 #include "models/RowSearch.h"
 #include "models/models.h"
-#include "picker/ObjectListOwner.h"
 #include "resources/ResourceEdit.h"
 
 #include <QList>
@@ -34,27 +34,19 @@
 #include <optional>
 #include <vector>
 
-class CPopObjectList;
-class QClipboard;
 class QComboBox;
 class QItemSelection;
 class QLabel;
 class QLineEdit;
 class QMenu;
-class QTextCodec;
 class QToolButton;
 class Ui_OrvoResources;
 
 namespace orvo {
 class Notification;
-class QuietViews;
-} // namespace orvo
-
-namespace orvo::editor {
-class RecordFields;
 }
 
-class OrvoResources : public COrvoCliMod, public orvo::ObjectListOwner {
+class OrvoResources : public orvo::editor::EditorWindow {
     Q_OBJECT
 public:
     /// Builds the window; touches no server. `app` and its session must outlive the module.
@@ -65,9 +57,6 @@ public:
     /// if a table could not be fetched: the window then stays empty and has no models.
     bool ModuleStart() override;
     void ModuleStop() override;
-    void MessageOn() override;
-    /// Merges a notification into its table and then into the tree. Always true.
-    bool MessageData(MDXCliParam* prm) override;
     QString ModEditText() const override;
     bool ModEditSave() override;
     void ModEditCancel() override;
@@ -89,16 +78,12 @@ protected:
     /// m_editState, m_editObject, m_editCaption, m_editKey and m_newItemIndex show it.
     ResourceEdit m_edit;
 
-    QTextCodec* m_codec; ///< "Windows-1251", for every text to and from a table; not owned
     QString m_userProp0; ///< what the server tells of the user first and second; nothing reads it
     QString m_userProp1;
     QString m_userLogin;
-    QClipboard* m_clipboard; ///< the application's, not owned
     const uint32_t& m_editState = m_edit.state();
     QToolButton* m_btnCreate = nullptr; ///< these widgets are children of the window
-    QToolButton* m_btnSave = nullptr;
-    QToolButton* m_btnCancel = nullptr;
-    QMenu* m_menuCreate = nullptr; ///< pop-up and child of its button
+    QMenu* m_menuCreate = nullptr;      ///< pop-up and child of its button
     QLabel* m_lblSearch = nullptr;
     QLineEdit* m_edSearch = nullptr;
     QComboBox* m_cmbSearch = nullptr;
@@ -111,12 +96,7 @@ protected:
     CMDArray m_tabUsers;     ///< `Users`: 0 KeyLink, 1 login_
     CMDArray m_tabFileExt;   ///< `MenuFileExt`: 0 KeyLink
     CMDArray m_tabOrphans;   ///< forms whose folder did not exist at the start: 0 KeyLink
-    std::unique_ptr<ResTreeModel> m_resModel; ///< these are null until the start succeeded
-    std::unique_ptr<PropModel> m_propModel;
-    std::unique_ptr<PasspDelegate> m_passpDelegate;
-    CPopObjectList* m_popList =
-        nullptr;         ///< the icon picker, child of the window, made on first use
-    QString m_popTarget; ///< passport row that opened the picker
+    std::unique_ptr<ResTreeModel> m_resModel;      ///< null until the start succeeded
     const QString& m_editObject = m_edit.object(); ///< of the open edit, as last typed
     const QString& m_editCaption = m_edit.caption();
     std::unique_ptr<RowSearch> m_searchHits; ///< in m_resModel, and null as long as it is
@@ -124,7 +104,6 @@ protected:
     QString m_currentKey;                    ///< key of the current row of tvRes
     const QString& m_editKey = m_edit.key(); ///< key of the row that is edited
     const QPersistentModelIndex& m_newItemIndex = m_edit.newRow(); ///< invalid once it is gone
-    QString m_focusKey; ///< row to make current after the next notifications; null: none
     std::unique_ptr<Ui_OrvoResources> m_ui;
 
     // Start and views
@@ -200,9 +179,9 @@ protected slots:
     /// Keeps a multiple selection to rows of one parent, one kind, and all folders or none.
     void on_tvRes_selectionChanged(const QItemSelection& selected,
                                    const QItemSelection& deselected);
-    void on_editor_valueChanged(const QString& rowName, const QVariant& value);
-    void on_passp_buttonpressed(const QString& rowName);
-    void on_poplist_OK_Pressed();
+    void on_editor_valueChanged(const QString& rowName, const QVariant& value) override;
+    void on_passp_buttonpressed(const QString& rowName) override;
+    void on_poplist_OK_Pressed() override;
     void showContextMenu_tvRes(const QPoint& pos);
 
     void on_actAddModule_triggered();
@@ -217,10 +196,10 @@ protected slots:
     /// Has the host open the current form.
     void on_actOpenScheme_triggered();
 
-    void on_save_pressed();
-    void on_cancel_pressed();
+    void on_save_pressed() override;
+    void on_cancel_pressed() override;
     void on_res_dragdrop(const QModelIndex& destindex, QStringList srcList);
-    void on_clipboardDataChanged();
+    void on_clipboardDataChanged() override;
 
     void on_search_up_pressed();
     void on_search_down_pressed();
@@ -228,11 +207,9 @@ protected slots:
     void on_searchCmb_indexChanged(int curIndex);
 
     void removeResourceMessage(QAbstractButton* button);
-    void on_common_error_message(QAbstractButton* button);
 
 private:
     // Start
-    bool fetch(const char* name, CMDArray& table, const char* place);
     bool fetchUser();
     /// Copies the forms whose folder does not exist.
     void findOrphans();
@@ -248,8 +225,6 @@ private:
     /// Whether an action is allowed on a row. The switches tell of the row that was current when
     /// they were set: an action that acts judges its row anew.
     bool permits(QAction* action, const QModelIndex& row) const;
-    /// Says in a box why something is not done.
-    void refuse(const QString& reason);
 
     // Tree
     /// Rows for the folders or the resources of a folder, below `parent` or at the top of the
@@ -291,8 +266,6 @@ private:
 
     // Passports
     void showPassport(const QModelIndex& index);
-    /// Shows the values of a row anew in the passport that stands there, open editors included.
-    void refreshPassport(const QModelIndex& row);
     void addPassportRows(const QModelIndex& index);
     /// A category for each stored file of a tool's reply.
     void addFileRows(const CMDArray& files, const QString& timeFormat);
@@ -327,7 +300,6 @@ private:
                 const std::function<void(const CMDArray& found)>& use);
     /// The names of what a question is about.
     QString questionDetails(const QModelIndex& current) const;
-    void deleteRecords(const char* table, const QStringList& keys);
     /// Whether another record bears the name by which the tools would find that one.
     bool isAmbiguous(const QModelIndex& row) const;
     /// Of the selected rows.
@@ -368,9 +340,9 @@ private:
     bool isTopFolder(const QModelIndex& row) const;
 
     // Notifications
-    orvo::QuietViews* m_quiet = nullptr; ///< while MessageOn takes them; not owned
-    /// Scrolls to a row, of several in one MessageOn to the last.
-    void showRow(const QModelIndex& row);
+    void notificationsTaken() override;
+    /// What changes of the tables do.
+    void followTables();
     enum MoveKind {
         AmongSiblings,
         ToAnotherParent, ///< of a resource
@@ -388,8 +360,10 @@ private:
     void mergeEdit(const orvo::Notification& change, const MDRData* record, const QModelIndex& row);
     void folderUpdated(const orvo::Notification& change);
     void folderInserted(const orvo::Notification& change);
+    void folderDeleted(const orvo::Notification& change);
     void resourceUpdated(const orvo::Notification& change);
     void resourceInserted(const orvo::Notification& change);
+    void resourceDeleted(const orvo::Notification& change);
     /// Shows the row of that key anew, which is current. Without an edit it is made current once
     /// more; an edit is not to be left for that.
     void selectAgain(const QString& key);

@@ -38,34 +38,15 @@ void OrvoResources::showPassport(const QModelIndex& index) {
 void OrvoResources::addPassportRows(const QModelIndex& index) {
     const bool folder = orvo::resources::isFolder(index);
     const bool isNew = index.siblingAtColumn(ResColumn::IsNew).data().toBool();
-    std::vector<orvo::PassportRow> rows;
-    for (const orvo::editor::RecordField* field :
-         fieldsOf(index).passport(folder ? orvo::editor::FolderRows : orvo::editor::ItemRows)) {
-        const orvo::editor::PassportCell& cell = field->passport;
-        QVariant value = index.siblingAtColumn(field->column).data();
-        if (field->column == ResColumn::Type)
-            value = folder ? tr("папка") : convertMenuAttributes(value.toInt());
+    const auto adjust = [&](const orvo::editor::RecordField& field, orvo::PassportRow& shown) {
+        if (field.column == ResColumn::Type)
+            shown.value = folder ? tr("папка") : convertMenuAttributes(shown.value.toInt());
         // A resource is named once and for all.
-        const bool named = field->column == ResColumn::Name && !isNew;
-        rows.push_back({QString::fromLatin1(cell.row), tr(cell.caption), cell.editor,
-                        cell.readOnly || named, value});
-    }
-    orvo::addPassportCategory(*m_propModel, QStringLiteral("properties"), tr("Свойства"), rows);
-}
-
-void OrvoResources::refreshPassport(const QModelIndex& row) {
-    for (const orvo::editor::RecordField& field : fieldsOf(row)) {
-        if (!field.isEditable())
-            continue;
-        const QString name = QString::fromLatin1(field.passport.row);
-        const QModelIndex cell = m_propModel->findIndexByKey(name).siblingAtColumn(valueColumn);
-        const QVariant value = row.siblingAtColumn(field.column).data();
-        if (cell.data() == value || !m_propModel->setRowValue(name, value))
-            continue;
-        if (QWidget* editor = m_ui->tvProp->indexWidget(cell))
-            m_passpDelegate->setEditorData(editor, cell);
-    }
-    m_ui->tvProp->viewport()->update();
+        else if (field.column == ResColumn::Name && !isNew)
+            shown.readOnly = true;
+    };
+    addPassport(index, fieldsOf(index), folder ? orvo::editor::FolderRows : orvo::editor::ItemRows,
+                adjust);
 }
 
 void OrvoResources::loadFolderPassport(const QModelIndex& index) {

@@ -18,63 +18,50 @@ constexpr size_t mostExpected = 64;
 } // namespace
 
 void ResourceEdit::check() const {
-    Q_ASSERT(m_state != Idle || (m_typed.isEmpty() && !m_row.isValid() && !m_newRow.isValid()));
-    Q_ASSERT(m_state == Idle || !m_key.isEmpty());
-    Q_ASSERT(!row().isValid() || sameText(textAt(row(), ResColumn::KeyLink), m_key));
-    Q_ASSERT(m_state == NewRow || !m_newRow.isValid());
+    Q_ASSERT(!row().isValid() || sameText(textAt(row(), ResColumn::KeyLink), key()));    // 1
+    Q_ASSERT(QModelIndex(m_newRow) == (isNew() ? QModelIndex(index()) : QModelIndex())); // 2
 }
 
 void ResourceEdit::beginNew(const QModelIndex& row, const QString& key, const QString& object,
                             const QString& caption) {
-    Q_ASSERT(!isOpen());
-    m_state = NewRow;
-    m_key = key;
-    m_newRow = row.siblingAtColumn(0);
+    RecordEdit::beginNew(row.siblingAtColumn(0), key);
+    m_newRow = index();
     m_object = object;
     m_caption = caption;
     check();
 }
 
 void ResourceEdit::begin(const QModelIndex& row, const QString& key) {
-    Q_ASSERT(!isOpen());
-    m_state = EditRow;
-    m_key = key;
-    m_row = row.siblingAtColumn(0);
+    RecordEdit::begin(row.siblingAtColumn(0), key);
     m_object.clear();
     m_caption.clear();
     check();
 }
 
 void ResourceEdit::change(QAbstractItemModel& model, int column, const QVariant& value) {
-    Q_ASSERT(isOpen());
-    const QModelIndex cell = row().siblingAtColumn(column);
-    if (!cell.isValid())
+    if (isLost())
         return;
-    m_typed.type(column, value, cell.data());
     if (column == ResColumn::Caption)
         m_caption = value.toString();
     else if (column == ResColumn::Name)
         m_object = value.toString();
-    model.setData(cell, value, Qt::DisplayRole);
-    check();
+    RecordEdit::change(model, column, value);
 }
 
 void ResourceEdit::saved() {
     Q_ASSERT(isOpen());
-    Sent sent{m_key, {}};
+    Sent sent{key(), {}};
     const QModelIndex saved = row();
     for (int column : {ResColumn::Caption, ResColumn::Name, ResColumn::Params, ResColumn::Icon})
         sent.values[column] = saved.siblingAtColumn(column).data();
-    m_sent.push_back(std::move(sent));
-    if (m_sent.size() > mostExpected)
-        m_sent.erase(m_sent.begin());
+    m_expected.push_back(std::move(sent));
+    if (m_expected.size() > mostExpected)
+        m_expected.erase(m_expected.begin());
     end();
 }
 
 void ResourceEdit::end() {
-    m_state = Idle;
-    m_typed.clear();
-    m_row = QModelIndex();
+    RecordEdit::end();
     m_newRow = QModelIndex();
     check();
 }
@@ -90,13 +77,13 @@ bool ResourceEdit::takeEcho(const Notification& change, const MDRData* record,
                               field.read(record).toString();
                });
     };
-    const auto echo = std::find_if(m_sent.begin(), m_sent.end(), matches);
-    if (echo == m_sent.end())
+    const auto echo = std::find_if(m_expected.begin(), m_expected.end(), matches);
+    if (echo == m_expected.end())
         return false;
     // The log is in order: what was sent earlier has come, or was refused.
-    m_sent.erase(std::remove_if(m_sent.begin(), echo,
-                                [&](const Sent& sent) { return sameText(sent.key, key); }),
-                 echo + 1);
+    m_expected.erase(std::remove_if(m_expected.begin(), echo,
+                                    [&](const Sent& sent) { return sameText(sent.key, key); }),
+                     echo + 1);
     return true;
 }
 
@@ -108,38 +95,34 @@ ResourceEdit::merge(QAbstractItemModel& model, const QModelIndex& row, const Not
     if (!isOf(change.key()))
         return replaced;
     if (!own) {
-        const editor::TypedValues before = m_typed;
-        m_typed.merge(change, record, fields);
+        const editor::TypedValues before = typed();
+        RecordEdit::merge(model, row, change, record, fields);
         for (const editor::RecordField& field : fields)
-            if (before.contains(field.column) && !m_typed.contains(field.column))
+            if (before.contains(field.column) && !isTyped(field.column))
                 replaced.push_back({field.column, before.value(field.column)});
+    } else {
+        typed().show(model, row);
     }
-    m_typed.show(model, row);
     check();
     return replaced;
 }
 
 void ResourceEdit::forget(const QString& key) {
-    m_sent.erase(std::remove_if(m_sent.begin(), m_sent.end(),
-                                [&](const Sent& sent) { return sameText(sent.key, key); }),
-                 m_sent.end());
-}
-
-bool ResourceEdit::isOf(const QString& key) const {
-    return isOpen() && sameText(key, m_key);
+    m_expected.erase(std::remove_if(m_expected.begin(), m_expected.end(),
+                                    [&](const Sent& sent) { return sameText(sent.key, key); }),
+                     m_expected.end());
 }
 
 void ResourceEdit::follow(const QModelIndex& row) {
-    if (m_state == NewRow)
-        m_newRow = row;
-    else if (m_state == EditRow)
-        m_row = row;
+    RecordEdit::follow(row);
+    if (isNew())
+        m_newRow = index();
     check();
 }
 
 std::vector<QString> ResourceEdit::expected() const {
     std::vector<QString> keys;
-    for (const Sent& sent : m_sent)
+    for (const Sent& sent : m_expected)
         keys.push_back(sent.key);
     return keys;
 }

@@ -93,8 +93,7 @@ bool OrvoResources::hasFolderRecord(const QStringList& links, const QString& cap
 void OrvoResources::loadResFolderToTable(const QModelIndex& index, orvo::ScratchTable& out,
                                          MdxRecordFlag flag) const {
     orvo::RowWriter record = out.add(flag);
-    for (const orvo::editor::RecordField& field : orvo::resources::folderFields())
-        field.write(record, index.siblingAtColumn(field.column).data());
+    orvo::resources::folderFields().write(record, index, orvo::editor::FolderRows);
 }
 
 void OrvoResources::loadResourceToTable(const QModelIndex& index, orvo::ScratchTable& out,
@@ -155,8 +154,7 @@ QString OrvoResources::saveEdit() {
 
 void OrvoResources::endEdit() {
     m_edit.end();
-    m_btnSave->setEnabled(false);
-    m_btnCancel->setEnabled(false);
+    enableEditButtons(false);
 }
 
 bool OrvoResources::finishEdit() {
@@ -174,8 +172,7 @@ bool OrvoResources::settlePath(const QModelIndex& row) {
 }
 
 void OrvoResources::on_cancel_pressed() {
-    m_btnSave->setEnabled(false);
-    m_btnCancel->setEnabled(false);
+    enableEditButtons(false);
     if (m_editState == NewRow && m_newItemIndex.isValid()) {
         const QPersistentModelIndex row = m_newItemIndex;
         m_edit.end();

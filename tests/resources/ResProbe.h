@@ -39,6 +39,7 @@ public:
     using OrvoResources::NewRow;
     using OrvoResources::on_common_error_message;
     using OrvoResources::on_editor_valueChanged;
+    using OrvoResources::refuse;
 
     QModelIndex row(const char* key, int column = 0) const {
         const QModelIndex index = m_resModel->findIndexByKey(QString::fromUtf8(key));

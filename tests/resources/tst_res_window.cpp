@@ -393,7 +393,7 @@ void TestResWindow::anErrorBoxIsHidden() {
     CatalogueEditor editor;
     QVERIFY(editor.start());
     editor->on_common_error_message(nullptr);
-    orvo::showError(*editor.module, "Нет", SLOT(on_common_error_message(QAbstractButton*)));
+    editor->refuse("Нет");
     QVERIFY(editor->m_popMessageBox->isVisible());
     QStringList texts;
     for (const QLabel* label : editor->m_popMessageBox->findChildren<QLabel*>())

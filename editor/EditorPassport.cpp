@@ -1,0 +1,98 @@
+// The passport of an editor's window, and the picker of its icon row.
+#include "editor/EditorWindow.h"
+
+#include "editor/PassportKeys.h"
+#include "frame/Records.h"
+#include "frame/ViewRows.h"
+#include "frame/WindowParts.h"
+#include "picker/PopObjectList.h"
+
+#include <QCoreApplication>
+#include <QTreeView>
+
+namespace orvo::editor {
+namespace {
+
+constexpr char iconRow[] = "icon";
+constexpr int valueColumn = 1;
+
+} // namespace
+
+void EditorWindow::arrangePassport(QTreeView* view) {
+    m_passportView = view;
+    m_propModel = std::make_unique<PropModel>(passportColumns(), iconsPath(*this), this);
+    view->setModel(m_propModel.get());
+    orvo::arrangePassport(view);
+    passFlagsByKeys(view);
+    followExpansion(view, m_propModel.get());
+    m_passpDelegate = std::make_unique<PasspDelegate>(m_propModel.get(), this);
+    view->setItemDelegate(m_passpDelegate.get());
+    connect(m_propModel.get(), &PropModel::editorRowValueChanged, this,
+            &EditorWindow::on_editor_valueChanged);
+    connect(m_passpDelegate.get(), &PasspDelegate::buttonPressed, this,
+            &EditorWindow::on_passp_buttonpressed);
+}
+
+QString EditorWindow::translated(const char* text) const {
+    return QCoreApplication::translate(metaObject()->className(), text);
+}
+
+QModelIndex EditorWindow::addPassport(const QModelIndex& row, const RecordFields& fields, Rows kind,
+                                      const Adjust& adjust) {
+    std::vector<PassportRow> rows;
+    for (const RecordField* field : fields.passport(kind)) {
+        const PassportCell& cell = field->passport;
+        PassportRow shown{QString::fromLatin1(cell.row), translated(cell.caption), cell.editor,
+                          cell.readOnly, row.siblingAtColumn(field->column).data()};
+        if (adjust)
+            adjust(*field, shown);
+        rows.push_back(std::move(shown));
+    }
+    return addPassportCategory(*m_propModel, QStringLiteral("properties"), translated("Свойства"),
+                               rows);
+}
+
+void EditorWindow::refreshPassport(const QModelIndex& row, const RecordFields& fields) {
+    for (const RecordField& field : fields) {
+        if (!field.isEditable())
+            continue;
+        const QString name = QString::fromLatin1(field.passport.row);
+        const QModelIndex cell = m_propModel->findIndexByKey(name).siblingAtColumn(valueColumn);
+        const QVariant value = row.siblingAtColumn(field.column).data();
+        if (cell.data() == value || !m_propModel->setRowValue(name, value))
+            continue;
+        if (QWidget* editor = m_passportView->indexWidget(cell))
+            m_passpDelegate->setEditorData(editor, cell);
+    }
+    m_passportView->viewport()->update();
+}
+
+CPopObjectList* EditorWindow::picker() {
+    if (!m_popList) {
+        m_popList = new CPopObjectList(this);
+        m_popList->moveToCenter();
+        m_popList->m_popup = true;
+        connect(m_popList, &CPopObjectList::btnOK_pressed, this,
+                &EditorWindow::on_poplist_OK_Pressed);
+    }
+    return m_popList;
+}
+
+CPopObjectList* EditorWindow::iconPicker() {
+    CPopObjectList* list = picker();
+    list->setWindowTitle(translated("Выбор иконок АРМ"));
+    list->objectType = CPopObjectList::KindFile;
+    list->multipleChoice = false;
+    list->sourceName = QString::fromLatin1(iconFolder);
+    return list;
+}
+
+bool EditorWindow::isIconRow(const QString& rowName) {
+    return sameText(rowName, QString::fromLatin1(iconRow));
+}
+
+void EditorWindow::takeChosenIcon() {
+    editPassportValue(*m_propModel, QString::fromLatin1(iconRow), m_popList->chosenName);
+}
+
+} // namespace orvo::editor

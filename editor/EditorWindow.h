@@ -1,0 +1,182 @@
+// EditorWindow.h: what every editor's window has: the buttons that save and cancel the open edit,
+// the passport of the current row with its icon picker, tables that are fetched at the start and
+// followed by notifications, and the boxes that ask before something is deleted or say why
+// something is not done. An editor derives from it and adds its subject: trees, records,
+// operations.
+//
+// Life of a window, in this order:
+// 1. The editor's constructor sets up its form, puts its own tool buttons and those of
+//    makeEditButtons() into the tool bar. No server is touched.
+// 2. ModuleStart() fetches the tables by fetch(), makes the models of the trees, then
+//    arrangePassport() and, last, follow(). After a failed fetch nothing more is done.
+// 3. MessageOn() takes the notifications that wait; MessageData() hands each to what follow() was
+//    given for its table.
+// 4. The editor's destructor calls destroyViews() first: its models die with it, before this base.
+//
+// Invariants:
+// 1. The models of the passport exist if, and only if, arrangePassport() was called.
+// 2. Nothing is followed before the tables and models are there: after a failed start notifications
+//    are taken and do nothing.
+// 3. m_quiet is set while MessageOn() takes notifications, and at no other time.
+#ifndef ORVO_EDITOR_EDITORWINDOW_H
+#define ORVO_EDITOR_EDITORWINDOW_H
+
+#include "editor/RecordFields.h"
+#include "frame/OrvoClient.h"
+#include "models/Passport.h"
+#include "models/models.h"
+#include "picker/ObjectListOwner.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+class CPopObjectList;
+class QAbstractButton;
+class QClipboard;
+class QTextCodec;
+class QToolButton;
+class QTreeView;
+
+namespace orvo {
+class Notification;
+class QuietViews;
+} // namespace orvo
+
+namespace orvo::editor {
+
+class EditorWindow : public COrvoCliMod, public ObjectListOwner {
+    Q_OBJECT
+public:
+    ~EditorWindow() override;
+
+    void MessageOn() override;
+    /// Merges a notification into its table and then into the tree. Always true.
+    bool MessageData(MDXCliParam* prm) override;
+
+    // An editor that opens the picker gives it the catalogue.
+    const CMDArray* resourceTable() const override { return nullptr; }
+    const CMDArray* resourceFolderTable() const override { return nullptr; }
+
+protected:
+    explicit EditorWindow(COrvoCliApp* app);
+
+    QTextCodec* m_codec;     ///< "Windows-1251", for every text to and from a table; not owned
+    QClipboard* m_clipboard; ///< the application's, not owned
+    QToolButton* m_btnSave = nullptr; ///< these buttons are children of the window
+    QToolButton* m_btnCancel = nullptr;
+    std::unique_ptr<PropModel> m_propModel; ///< these are null until the start succeeded
+    std::unique_ptr<PasspDelegate> m_passpDelegate;
+    CPopObjectList* m_popList = nullptr; ///< the picker, child of the window, made on first use
+    QString m_popTarget;                 ///< passport row that opened the picker
+    QString m_focusKey; ///< row to make current after the next notifications; null: none
+
+    // ---------------------------------------------------------------------------------------------
+    // The open edit
+
+    /// The tool buttons that save and cancel it.
+    void makeEditButtons();
+    void enableEditButtons(bool enabled);
+
+    // ---------------------------------------------------------------------------------------------
+    // Tables
+
+    /// Fetches a table's records at the start. False, with a line in the log under the name of that
+    /// editor, if the server does not give them; null: this one.
+    bool fetch(const char* table, CMDArray& records, const char* editor = nullptr);
+
+    /// What a notification about a table's record does. An empty function: nothing.
+    struct Followed {
+        using Apply = std::function<void(const Notification& change)>;
+        const char* table;
+        Apply inserted;
+        Apply updated;
+        Apply deleted;
+    };
+    /// Follows these tables from now on, and no other. `views` show them: they follow a burst of
+    /// notifications in one step.
+    void follow(std::vector<Followed> tables, std::vector<QTreeView*> views);
+    /// Scrolls a view to a row; while notifications are taken at their end, to the last row asked
+    /// for.
+    void showRow(QTreeView* view, const QModelIndex& row);
+    /// Asks the server to delete the records of these keys of a table.
+    void deleteRecords(const char* table, const QStringList& keys);
+
+    // ---------------------------------------------------------------------------------------------
+    // The passport
+
+    /// Makes the models of the passport and shows them in that view.
+    void arrangePassport(QTreeView* view);
+    /// Fills the category "Свойства" from a row, by the fields that are shown on such rows;
+    /// `adjust` may change each before it is added. Gives the category.
+    using Adjust = std::function<void(const RecordField& field, PassportRow& shown)>;
+    QModelIndex addPassport(const QModelIndex& row, const RecordFields& fields, Rows kind,
+                            const Adjust& adjust = {});
+    /// Shows the values of a row anew in the passport that stands there, open editors included.
+    void refreshPassport(const QModelIndex& row, const RecordFields& fields);
+
+    /// The picker, made when it is first asked for.
+    CPopObjectList* picker();
+    /// The picker, ready to offer the icons.
+    CPopObjectList* iconPicker();
+    static bool isIconRow(const QString& rowName);
+    /// Enters the icon that was chosen into the passport as the engineer's own edit does.
+    void takeChosenIcon();
+
+    // ---------------------------------------------------------------------------------------------
+    // Boxes: both return at once.
+
+    /// A question with Yes and No about records of a table; `below` are those that lie below them.
+    /// The flow goes on in `slot`, a slot of the editor as SLOT() spells it, which takes the
+    /// clicked button as QAbstractButton*.
+    struct Question {
+        QString text;
+        const char* slot;
+        const char* table;
+        QStringList keys;
+        QStringList below = {};
+        QString details = {}; ///< what it is about, by name
+    };
+    void ask(const Question& question);
+    /// Hides the box and tells whether the button was its Yes. False without a box.
+    bool answeredYes(QAbstractButton* button);
+    /// Says in a box why something is not done.
+    void refuse(const QString& reason);
+
+    // ---------------------------------------------------------------------------------------------
+    // The end
+
+    /// Deletes the central widget with the views below it: what the selections tell while they go
+    /// no longer reaches the window, and its models outlive their views.
+    void destroyViews();
+
+    /// All notifications that waited have been taken.
+    virtual void notificationsTaken() {}
+
+protected slots:
+    virtual void on_save_pressed() = 0;
+    virtual void on_cancel_pressed() = 0;
+    virtual void on_editor_valueChanged(const QString& rowName, const QVariant& value) = 0;
+    virtual void on_passp_buttonpressed(const QString&) {}
+    virtual void on_poplist_OK_Pressed() {}
+    virtual void on_clipboardDataChanged() {}
+    void on_common_error_message(QAbstractButton* button);
+
+private:
+    /// A text in the words of the editor's own class.
+    QString translated(const char* text) const;
+    void showBox(const QString& title, const QString& text, TMessageBoxIcon icon,
+                 TMessageBoxType type, const char* slot, const QString& details = {});
+
+    std::vector<Followed> m_followed;
+    std::vector<QTreeView*> m_views;
+    QTreeView* m_passportView = nullptr; ///< child of the window
+    QuietViews* m_quiet = nullptr;       ///< not owned
+};
+
+} // namespace orvo::editor
+
+#endif
