@@ -64,8 +64,9 @@ public:
 protected:
     explicit EditorWindow(COrvoCliApp* app);
 
-    QTextCodec* m_codec;     ///< "Windows-1251", for every text to and from a table; not owned
-    QClipboard* m_clipboard; ///< the application's, not owned
+    QTextCodec* m_codec; ///< "Windows-1251"; not owned. Unused; the published interface has this
+                         ///< member
+    QClipboard* m_clipboard;          ///< the application's, not owned
     QToolButton* m_btnSave = nullptr; ///< these buttons are children of the window
     QToolButton* m_btnCancel = nullptr;
     std::unique_ptr<PropModel> m_propModel; ///< these are null until the start succeeded

@@ -19,7 +19,7 @@ void TypedValues::merge(const Notification& change, const MDRData* record,
                         const RecordFields& fields) {
     for (const RecordField& field : fields) {
         const auto typed = m_typed.find(field.column);
-        if (typed == m_typed.end() || !field.name || !change.brings(field.name))
+        if (typed == m_typed.end() || !field.name || !change.hasValueFor(field.name))
             continue;
         if (field.read(record) != typed->base)
             m_typed.erase(typed);

@@ -78,7 +78,7 @@ Notification::~Notification() {
     MDRTypFree(&m_event.recordType);
 }
 
-bool Notification::brings(const char* field) const {
+bool Notification::hasValueFor(const char* field) const {
     uint8_t marked = 0;
     return m_event.recordType.fieldCount > 0 &&
            MDRIsUser(MDRFldByName(&m_event.recordType, field), &m_event.record, &marked) ==

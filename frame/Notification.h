@@ -51,8 +51,8 @@ public:
     bool isFor(const char* tableName) const;
     /// The record's identifier as the trees know it.
     QString key() const { return QString::fromUtf8(m_event.key); }
-    /// Whether it brings a value for that field.
-    bool brings(const char* field) const;
+    /// Whether it has a value for that field.
+    bool hasValueFor(const char* field) const;
 
 private:
     TEventNciParse m_event;

@@ -41,7 +41,7 @@ bool currentStandsIn(const QTreeView* view, const QModelIndex& row) {
     return false;
 }
 
-void makeCurrentAnew(QTreeView* view, const QModelIndex& row) {
+void reselectRow(QTreeView* view, const QModelIndex& row) {
     const QPersistentModelIndex kept(row);
     view->setCurrentIndex(row.parent());
     view->setCurrentIndex(kept);

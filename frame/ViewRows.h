@@ -29,9 +29,9 @@ void setRow(QAbstractItemModel& model, const QModelIndex& row, const QVector<QVa
 
 /// Whether the view's current row is that row or stands below it; any column counts.
 bool currentStandsIn(const QTreeView* view, const QModelIndex& row);
-/// Makes the row's parent current and then the row, which refreshes all that depends on the current
-/// row.
-void makeCurrentAnew(QTreeView* view, const QModelIndex& row);
+/// Makes the row's parent current and then the row itself, which refreshes all that depends on the
+/// current row.
+void reselectRow(QTreeView* view, const QModelIndex& row);
 /// Removes a row. If the current row goes with it, the next sibling becomes current, the previous
 /// one behind the last, and the parent after the only one.
 void removeRow(QTreeView* view, const QModelIndex& row);

@@ -1,6 +1,6 @@
 // Copy, cut and paste of menu elements. The clipboard carries whole records with everything below
-// them, so that a paste works in another desktop and in another client. What the clipboard brings
-// is anybody's bytes and is checked before it is believed.
+// them, so that a paste works in another desktop and in another client. What it takes from the
+// clipboard is untrusted input: every length is checked, keys are looked up before use.
 #include "menu/OrvoMenu.h"
 
 #include "ui_OrvoMenu.h"

@@ -44,8 +44,9 @@ inline constexpr const char* desktopClass = sortclass::desktop;
 
 /// The distance between the `order_` of new neighbours.
 inline constexpr int orderStep = 1000;
-/// One step further. The field ends where an int does, and rows from other hands may stand there.
-constexpr int stepBehind(int order) {
+/// One step after an `order_`. The field ends where an int does; rows written by other programs may
+/// be there already.
+constexpr int nextOrderAfter(int order) {
     return order > std::numeric_limits<int>::max() - orderStep ? std::numeric_limits<int>::max()
                                                                : order + orderStep;
 }

@@ -20,7 +20,7 @@
 using orvo::editor::FieldType;
 using orvo::editor::RecordField;
 using orvo::menu::MenuColumn;
-using orvo::menu::stepBehind;
+using orvo::menu::nextOrderAfter;
 
 namespace {
 
@@ -35,9 +35,9 @@ bool isRow(const QString& rowName, const char* name) {
 /// The `order_` of a new last child of a row.
 int nextOrder(const MenuTreeModel& model, const QModelIndex& parent) {
     const int children = model.rowCount(parent);
-    return children == 0
-               ? 0
-               : stepBehind(model.index(children - 1, MenuColumn::Order, parent).data().toInt());
+    return children == 0 ? 0
+                         : nextOrderAfter(
+                               model.index(children - 1, MenuColumn::Order, parent).data().toInt());
 }
 
 } // namespace
@@ -61,7 +61,7 @@ void OrvoMenu::chooseNewElements(int32_t kind) {
     list->multipleChoice = true;
     list->objectType = kind;
     list->chosenName = QString();
-    list->showAnew();
+    list->reloadAndShow();
 }
 
 void OrvoMenu::on_poplist_OK_Pressed() {
@@ -109,7 +109,7 @@ void OrvoMenu::addChosenElements() {
                 field.write(row, false);
         if (resource && !orvo::isNull(resource, orvo::field::ico))
             row.copy(orvo::field::ico, resource);
-        order = stepBehind(order);
+        order = nextOrderAfter(order);
     }
     if (out.isEmpty() && folderIsChosen())
         refuseChosenFolder();
@@ -148,7 +148,7 @@ void OrvoMenu::on_passp_buttonpressed(const QString& rowName) {
     if (isIconRow(rowName)) {
         CPopObjectList* list = iconPicker();
         list->chosenName = valueOf("icon");
-        list->showAnew();
+        list->reloadAndShow();
     } else if (isRow(rowName, "object")) {
         CPopObjectList* list = picker();
         list->multipleChoice = false;
@@ -164,7 +164,7 @@ void OrvoMenu::on_passp_buttonpressed(const QString& rowName) {
             return;
         list->objectType = kind;
         list->sourceName = QString();
-        list->showAnew();
+        list->reloadAndShow();
     }
 }
 

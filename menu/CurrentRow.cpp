@@ -5,7 +5,7 @@
 #include "ui_OrvoMenu.h"
 
 #include "menu/Columns.h"
-#include "models/LikeRows.h"
+#include "models/SimilarRows.h"
 
 #include <QItemSelectionModel>
 #include <QTreeView>
@@ -92,9 +92,9 @@ void OrvoMenu::on_tvMenu_clicked(const QModelIndex& index) {
 
 void OrvoMenu::on_tvMenu_selectionChanged(const QItemSelection& selected, const QItemSelection&) {
     QItemSelectionModel* selection = m_ui->tvMenu->selectionModel();
-    orvo::keepRowsAlike(*selection, selected, [](const QModelIndex& a, const QModelIndex& b) {
-        return a.parent() == b.parent();
-    });
+    orvo::restrictSelectionToSimilarRows(
+        *selection, selected,
+        [](const QModelIndex& a, const QModelIndex& b) { return a.parent() == b.parent(); });
     // A clicked row that may not stand beside the others does not stay current either: what is
     // typed, pasted and deleted concerns a row that is highlighted.
     const QModelIndex current = selection->currentIndex();

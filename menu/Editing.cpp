@@ -183,7 +183,7 @@ void OrvoMenu::cancelDesckName() {
         return;
     m_ui->tvDesck->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_desckModel->setData(row, orvo::textOf(record, orvo::field::caption), Qt::DisplayRole);
-    orvo::makeCurrentAnew(m_ui->tvDesck, row);
+    orvo::reselectRow(m_ui->tvDesck, row);
 }
 
 void OrvoMenu::cancelElement() {
@@ -199,7 +199,7 @@ void OrvoMenu::cancelElement() {
     loadMenuRow(row.parent(), row.row(), record);
     const QModelIndex current = elementRow(m_currentMenuKey);
     if (current.isValid())
-        orvo::makeCurrentAnew(m_ui->tvMenu, current);
+        orvo::reselectRow(m_ui->tvMenu, current);
 }
 
 void OrvoMenu::on_Desck_NameChanged(const QString& text) {

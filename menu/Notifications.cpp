@@ -117,7 +117,7 @@ void OrvoMenu::showDesck(const orvo::Notification& change, MDRData* record,
     updateNewDesckNode(record, position, row);
     m_desckEdit.merge(*m_desckModel, m_desckModel->findIndexByKey(key), change, record);
     if (mayMoveCurrent())
-        orvo::makeCurrentAnew(m_ui->tvDesck, m_desckModel->findIndexByKey(key));
+        orvo::reselectRow(m_ui->tvDesck, m_desckModel->findIndexByKey(key));
 }
 
 void OrvoMenu::elementUpdated(const orvo::Notification& change) {
@@ -153,7 +153,7 @@ void OrvoMenu::elementUpdated(const orvo::Notification& change) {
         return;
     // All of the view: to find the place of one row it would lay out every row at once.
     m_ui->tvMenu->viewport()->update();
-    orvo::makeCurrentAnew(m_ui->tvMenu, current);
+    orvo::reselectRow(m_ui->tvMenu, current);
 }
 
 void OrvoMenu::elementInserted(const orvo::Notification& change) {

@@ -14,7 +14,7 @@ using orvo::KeyValues;
 using orvo::ScratchTable;
 using orvo::menu::MenuColumn;
 using orvo::menu::menuRootKey;
-using orvo::menu::stepBehind;
+using orvo::menu::nextOrderAfter;
 
 namespace {
 
@@ -69,7 +69,7 @@ void OrvoMenu::renumber(const QModelIndex& moved, int place, ScratchTable& out) 
         const bool isNew = sibling.siblingAtColumn(MenuColumn::IsNew).data().toBool();
         if (orderAt(sibling) != order && !isNew)
             addOrder(out, m_menuModel->getItemKeyLink(sibling), order);
-        order = stepBehind(order);
+        order = nextOrderAfter(order);
     }
 }
 
@@ -121,13 +121,13 @@ void OrvoMenu::dropIntoFolder(const QModelIndex& folder, const QStringList& keys
                               ScratchTable& moved) {
     const int children = m_menuModel->rowCount(folder);
     int order =
-        children == 0 ? 0 : stepBehind(orderAt(m_menuModel->index(children - 1, 0, folder)));
+        children == 0 ? 0 : nextOrderAfter(orderAt(m_menuModel->index(children - 1, 0, folder)));
     const QString parentKey = parentKeyOf(*m_menuModel, folder);
     for (const QString& dragged : keys) {
         const QString key = m_menuModel->getItemKeyLink(m_menuModel->findIndexByKey(dragged));
         addPlace(moved, key, order, parentKey);
         m_focusKey = key;
-        order = stepBehind(order);
+        order = nextOrderAfter(order);
     }
 }
 
@@ -162,10 +162,10 @@ void OrvoMenu::dropAmongSiblings(const QModelIndex& source, int position, Scratc
 void OrvoMenu::dropBehindRow(const QModelIndex& source, const QModelIndex& destination,
                              int position, ScratchTable& moved, ScratchTable& shifted) {
     const QString key = m_menuModel->getItemKeyLink(source);
-    const int order = stepBehind(orderAt(m_menuModel->index(position, 0, destination)));
+    const int order = nextOrderAfter(orderAt(m_menuModel->index(position, 0, destination)));
     for (int row = position + 1; row < m_menuModel->rowCount(destination); ++row) {
         const QModelIndex sibling = m_menuModel->index(row, 0, destination);
-        addOrder(shifted, m_menuModel->getItemKeyLink(sibling), stepBehind(orderAt(sibling)));
+        addOrder(shifted, m_menuModel->getItemKeyLink(sibling), nextOrderAfter(orderAt(sibling)));
     }
     addPlace(moved, key, order, parentKeyOf(*m_menuModel, destination));
     m_focusKey = key;

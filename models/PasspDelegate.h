@@ -12,8 +12,8 @@ class PropModel;
 class PasspDelegate : public orvo::RowDelegate {
     Q_OBJECT
 public:
-    /// The model is not owned and outlives the delegate. `parent` is accepted for the callers'
-    /// sake; the delegate has no QObject parent.
+    /// The model is not owned and outlives the delegate. `parent`: Unused; the published interface
+    /// has this parameter.
     PasspDelegate(PropModel* model, QObject* parent);
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
@@ -34,7 +34,7 @@ public:
 signals:
     void buttonPressed(const QString& rowName);
     void returnPressed(const QString& rowName); ///< Return in a button editor with a value
-    void dataChanged();                         ///< emitted by nothing
+    void dataChanged();                         ///< Unused; the published interface has this signal
 
 private slots:
     void commitEditorData();

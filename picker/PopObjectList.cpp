@@ -70,7 +70,7 @@ QTreeView* CPopObjectList::tvObj() const {
     return m_ui->tvObj;
 }
 
-void CPopObjectList::showAnew() {
+void CPopObjectList::reloadAndShow() {
     hide();
     show();
     raise();

@@ -42,7 +42,8 @@ private:
     std::unique_ptr<Ui_CPopObjectList> m_ui;
 
 public:
-    QTextCodec* codec;           ///< "Windows-1251"; not owned
+    QTextCodec*
+        codec; ///< "Windows-1251"; not owned. Unused; the published interface has this member
     PopTreeModel* treeModel;     ///< model of tvObj; owned
     CMDArray resourceTable;      ///< own copy of `MenuResource`
     CMDArray folderTable;        ///< own copy of `MenuResourceFolder`
@@ -54,8 +55,8 @@ public:
 
     /// The tree, for the caller's look at the selected rows.
     QTreeView* tvObj() const;
-    /// Shows the pop-up in front of its window, its list loaded anew, also if it still stands open.
-    void showAnew();
+    /// Reloads the list and shows the pop-up in front of its window, also if it is open already.
+    void reloadAndShow();
 
     void refreshTables();
     void clearModel();

@@ -103,7 +103,7 @@ void OrvoResources::on_passp_buttonpressed(const QString& rowName) {
     if (!isIconRow(rowName))
         return;
     // What was chosen last is offered again.
-    iconPicker()->showAnew();
+    iconPicker()->reloadAndShow();
 }
 
 void OrvoResources::on_poplist_OK_Pressed() {

@@ -4,7 +4,7 @@
 
 #include "ui_OrvoResources.h"
 
-#include "models/LikeRows.h"
+#include "models/SimilarRows.h"
 #include "resources/Columns.h"
 
 #include <QItemSelectionModel>
@@ -34,11 +34,12 @@ void OrvoResources::on_tvRes_currentChanged(const QModelIndex& current, const QM
 void OrvoResources::on_tvRes_selectionChanged(const QItemSelection& selected,
                                               const QItemSelection&) {
     // The kind of a row tells its area as well.
-    orvo::keepRowsAlike(*m_ui->tvRes->selectionModel(), selected,
-                        [this](const QModelIndex& a, const QModelIndex& b) {
-                            return a.parent() == b.parent() &&
-                                   a.siblingAtColumn(ResColumn::Type).data() ==
-                                       b.siblingAtColumn(ResColumn::Type).data() &&
-                                   orvo::resources::isFolder(a) == orvo::resources::isFolder(b);
-                        });
+    orvo::restrictSelectionToSimilarRows(*m_ui->tvRes->selectionModel(), selected,
+                                         [this](const QModelIndex& a, const QModelIndex& b) {
+                                             return a.parent() == b.parent() &&
+                                                    a.siblingAtColumn(ResColumn::Type).data() ==
+                                                        b.siblingAtColumn(ResColumn::Type).data() &&
+                                                    orvo::resources::isFolder(a) ==
+                                                        orvo::resources::isFolder(b);
+                                         });
 }

@@ -47,7 +47,7 @@ void OrvoResources::on_actDelete_triggered() {
         deleteFolder(row);
         return;
     }
-    if (!settlePath(row))
+    if (!finishEditOnPath(row))
         return;
     const QModelIndexList selected = m_ui->tvRes->selectionModel()->selectedRows();
     const int count = selected.size();

@@ -126,7 +126,7 @@ void OrvoResources::on_actExtractFiles_triggered() {
     if (!selection || selection->selectedRows().isEmpty())
         return;
     const QModelIndex first = selection->selectedRows().first();
-    if (orvo::resources::isFolder(first) || !settlePath(first))
+    if (orvo::resources::isFolder(first) || !finishEditOnPath(first))
         return;
     const int type = kindOf(first);
     const bool isForm = type == orvo::Kind::Form;

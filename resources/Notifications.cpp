@@ -106,7 +106,7 @@ void OrvoResources::selectAgain(const QString& key) {
     if (m_edit.isOpen())
         refreshPassport(row, fieldsOf(row));
     else
-        orvo::makeCurrentAnew(m_ui->tvRes, row);
+        orvo::reselectRow(m_ui->tvRes, row);
     showRow(m_ui->tvRes, row);
 }
 

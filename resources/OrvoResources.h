@@ -78,8 +78,8 @@ protected:
     /// m_editState, m_editObject, m_editCaption, m_editKey and m_newItemIndex show it.
     ResourceEdit m_edit;
 
-    QString m_userProp0; ///< what the server tells of the user first and second; nothing reads it
-    QString m_userProp1;
+    QString m_userProp0; ///< what the server tells of the user first and second. Unused; the
+    QString m_userProp1; ///< published interface has these members
     QString m_userLogin;
     const uint32_t& m_editState = m_edit.state();
     QToolButton* m_btnCreate = nullptr; ///< these widgets are children of the window
@@ -100,9 +100,9 @@ protected:
     const QString& m_editObject = m_edit.object(); ///< of the open edit, as last typed
     const QString& m_editCaption = m_edit.caption();
     std::unique_ptr<RowSearch> m_searchHits; ///< in m_resModel, and null as long as it is
-    int32_t m_searchPos = 0;                 ///< may stand one place past either end
-    QString m_currentKey;                    ///< key of the current row of tvRes
-    const QString& m_editKey = m_edit.key(); ///< key of the row that is edited
+    int32_t m_searchPos = 0;                       ///< may stand one place past either end
+    QString m_currentKey;                          ///< key of the current row of tvRes
+    const QString& m_editKey = m_edit.key();       ///< key of the row that is edited
     const QPersistentModelIndex& m_newItemIndex = m_edit.newRow(); ///< invalid once it is gone
     std::unique_ptr<Ui_OrvoResources> m_ui;
 
@@ -279,7 +279,7 @@ private:
     bool finishEdit();
     /// Saves the open edit if it is of a folder on the way to a row, before anything is done there:
     /// a name that was typed and not saved may lead to another folder. False as in finishEdit.
-    bool settlePath(const QModelIndex& row);
+    bool finishEditOnPath(const QModelIndex& row);
     void endEdit();
     /// Saves the open edit. Gives the reason if its name may not be used, and then nothing happens.
     QString saveEdit();

@@ -72,7 +72,7 @@ bool ResourceEdit::takeEcho(const Notification& change, const MDRData* record,
     const auto matches = [&](const Sent& sent) {
         return sameText(sent.key, key) &&
                std::all_of(fields.begin(), fields.end(), [&](const editor::RecordField& field) {
-                   return !field.isEditable() || !change.brings(field.name) ||
+                   return !field.isEditable() || !change.hasValueFor(field.name) ||
                           sent.values.value(field.column).toString() ==
                               field.read(record).toString();
                });

@@ -164,7 +164,7 @@ bool OrvoResources::finishEdit() {
     return !m_edit.isOpen();
 }
 
-bool OrvoResources::settlePath(const QModelIndex& row) {
+bool OrvoResources::finishEditOnPath(const QModelIndex& row) {
     for (QModelIndex at = row.siblingAtColumn(0); at.isValid(); at = at.parent())
         if (at == m_edit.row() && isFolder(at))
             return finishEdit();
@@ -196,5 +196,5 @@ void OrvoResources::cancelEdit() {
         loadResFolderRow(row.parent(), row.row(), record);
     else
         loadResItemRow(row.parent(), row.row(), record);
-    orvo::makeCurrentAnew(m_ui->tvRes, row);
+    orvo::reselectRow(m_ui->tvRes, row);
 }

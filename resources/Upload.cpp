@@ -99,7 +99,7 @@ void OrvoResources::on_actLoadFiles_triggered() {
         refuse(tr("Здесь нет места загруженным файлам: %1.").arg(describe(folder)));
         return;
     }
-    if (!settlePath(folder))
+    if (!finishEditOnPath(folder))
         return;
     // Taken now: the dialog runs the event loop, and the row may be gone afterwards.
     const bool isForm = type == Kind::Form;

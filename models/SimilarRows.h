@@ -1,6 +1,6 @@
-// LikeRows.h: multiple selections of rows that belong together.
-#ifndef ORVO_MODELS_LIKEROWS_H
-#define ORVO_MODELS_LIKEROWS_H
+// SimilarRows.h: multiple selections of rows that belong together.
+#ifndef ORVO_MODELS_SIMILARROWS_H
+#define ORVO_MODELS_SIMILARROWS_H
 
 #include <QModelIndex>
 
@@ -14,8 +14,9 @@ namespace orvo {
 /// Keeps a multiple selection to rows that are alike, for the slot of selectionChanged: `selected`
 /// is what has just been added. Added rows must be like the first of them, and all must be like the
 /// first that then remains selected; the others are deselected. A single row may be anything.
-void keepRowsAlike(QItemSelectionModel& selection, const QItemSelection& selected,
-                   const std::function<bool(const QModelIndex&, const QModelIndex&)>& alike);
+void restrictSelectionToSimilarRows(
+    QItemSelectionModel& selection, const QItemSelection& selected,
+    const std::function<bool(const QModelIndex&, const QModelIndex&)>& alike);
 
 } // namespace orvo
 

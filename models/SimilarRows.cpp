@@ -1,4 +1,4 @@
-#include "models/LikeRows.h"
+#include "models/SimilarRows.h"
 
 #include "models/DragKeys.h"
 
@@ -6,8 +6,9 @@
 
 namespace orvo {
 
-void keepRowsAlike(QItemSelectionModel& selection, const QItemSelection& selected,
-                   const std::function<bool(const QModelIndex&, const QModelIndex&)>& alike) {
+void restrictSelectionToSimilarRows(
+    QItemSelectionModel& selection, const QItemSelection& selected,
+    const std::function<bool(const QModelIndex&, const QModelIndex&)>& alike) {
     if (selected.isEmpty() || selection.selectedRows().size() == 1)
         return;
     const QModelIndexList added = dragkeys::rowsOf(selected.indexes());
