@@ -24,7 +24,7 @@ QWidget* DesckDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem
     if (!isNameCell(index))
         return nullptr;
     auto* editor = new QLineEdit(parent);
-    RecordTextValidator::install(editor);
+    orvo::RecordTextValidator::install(editor);
     connect(editor, &QLineEdit::textChanged, this, &DesckDelegate::commitEditorData);
     return editor;
 }
@@ -45,5 +45,5 @@ void DesckDelegate::setModelData(QWidget* editor, QAbstractItemModel* model,
 }
 
 void DesckDelegate::commitEditorData() {
-    commitEditor(*this, sender());
+    orvo::commitEditor(*this, sender());
 }

@@ -28,7 +28,7 @@ QVariant DesckTreeModel::data(const QModelIndex& index, int role) const {
         return row.data(index.column());
     case Qt::DecorationRole:
         return index.column() == Name ? m_icons.resource(iconPath(row)) : QVariant();
-    case KeyRole:
+    case orvo::KeyRole:
         return row.data(KeyLink);
     default:
         return {};

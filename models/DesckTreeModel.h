@@ -8,7 +8,7 @@
 
 /// Columns: 0 name, 1 KeyLink (the key), 2 ParentKey, 3 order_, 4 whether it is a folder, 5 whether
 /// it is new. Operations of the core: TreeModelCore.h.
-class DesckTreeModel : public TreeModelCore<TabRec> {
+class DesckTreeModel : public orvo::TreeModelCore<TabRec> {
     Q_OBJECT
 public:
     /// `parent`: Unused; the published interface has this parameter.
@@ -17,7 +17,7 @@ public:
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;
     /// Moves the values of rows from one parent to another; rows below them are lost. False within
-    /// one parent.
+    /// one parent. Unused; the published interface has this operation.
     bool moveRows(const QModelIndex& sourceParent, int sourceRow, int count,
                   const QModelIndex& destinationParent, int destinationChild) override;
 
@@ -48,7 +48,7 @@ signals:
     void nameChanged(const QString& text);
 
 private:
-    mutable IconCache m_icons;
+    mutable orvo::IconCache m_icons;
 };
 
 #endif

@@ -2,7 +2,7 @@
 
 #include <QMimeData>
 
-namespace dragkeys {
+namespace orvo::dragkeys {
 
 QModelIndexList rowsOf(const QModelIndexList& indexes) {
     QModelIndexList rows;
@@ -28,4 +28,4 @@ QStringList keys(const QString& payload) {
     return payload.split(QLatin1Char(';'), Qt::SkipEmptyParts);
 }
 
-} // namespace dragkeys
+} // namespace orvo::dragkeys

@@ -8,7 +8,7 @@
 
 class QMimeData;
 
-namespace dragkeys {
+namespace orvo::dragkeys {
 
 /// One index of column 0 for each run of indexes of one row: the rows of a drag or a selection.
 QModelIndexList rowsOf(const QModelIndexList& indexes);
@@ -18,6 +18,6 @@ QString payload(const QMimeData* data, const QString& type);
 /// The keys of a payload text: split at ";", empty parts left out.
 QStringList keys(const QString& payload);
 
-} // namespace dragkeys
+} // namespace orvo::dragkeys
 
 #endif

@@ -4,6 +4,8 @@
 #include <QLineEdit>
 #include <QPointer>
 
+namespace orvo {
+
 void commitEditor(QAbstractItemDelegate& delegate, QObject* sender) {
     auto* editor = qobject_cast<QWidget*>(sender);
     if (!editor)
@@ -15,3 +17,5 @@ void commitEditor(QAbstractItemDelegate& delegate, QObject* sender) {
     if (line)
         line->setCursorPosition(cursor);
 }
+
+} // namespace orvo

@@ -5,9 +5,13 @@
 class QAbstractItemDelegate;
 class QObject;
 
+namespace orvo {
+
 /// Commits the editor that sent a signal. The view answers by setting the text anew, which would
 /// move a line edit's cursor to the end: it is put back. Nothing happens for a sender that is no
 /// widget.
 void commitEditor(QAbstractItemDelegate& delegate, QObject* sender);
+
+} // namespace orvo
 
 #endif

@@ -8,6 +8,8 @@
 
 #include <algorithm>
 
+namespace orvo {
+
 namespace {
 
 class FileIconEngine : public QIconEngine {
@@ -68,3 +70,5 @@ QIcon IconCache::file(const QString& folder, const QString& name) {
         m_loader = IconLoader::shared();
     return QIcon(new FileIconEngine(m_loader, m_loader->picture(folder, name)));
 }
+
+} // namespace orvo

@@ -8,6 +8,8 @@
 
 #include <memory>
 
+namespace orvo {
+
 class IconLoader;
 
 /// Gives icons at once. One of a file shows its picture when it has been read on another thread:
@@ -33,5 +35,7 @@ private:
     QHash<QString, QIcon> m_resources;
     std::shared_ptr<IconLoader> m_loader; ///< null until a file is asked for
 };
+
+} // namespace orvo
 
 #endif

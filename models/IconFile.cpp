@@ -12,7 +12,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace iconfile {
+namespace orvo::iconfile {
 
 namespace {
 
@@ -176,4 +176,4 @@ QImage decode(const QByteArray& bytes) {
     return image.scaled(shownSide, shownSide, Qt::KeepAspectRatio, Qt::SmoothTransformation);
 }
 
-} // namespace iconfile
+} // namespace orvo::iconfile

@@ -19,7 +19,7 @@
 
 #include <cstdint>
 
-namespace iconfile {
+namespace orvo::iconfile {
 
 constexpr qint64 maxFileBytes = 1 << 20;
 constexpr int maxSide = 1024;  ///< pixels that are decoded
@@ -46,6 +46,6 @@ QByteArray read(const QString& folder, const QString& name, Stamp* stamp);
 /// rules 2 and 3.
 QImage decode(const QByteArray& bytes);
 
-} // namespace iconfile
+} // namespace orvo::iconfile
 
 #endif

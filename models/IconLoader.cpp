@@ -10,6 +10,8 @@
 #include <deque>
 #include <mutex>
 
+namespace orvo {
+
 using namespace std::chrono_literals;
 
 /// A picture and where it comes from. Folder and name are read by the thread and never change;
@@ -158,3 +160,5 @@ void IconLoader::deliver() {
                        1024 + key.size() * 4 + static_cast<int>(result.image.sizeInBytes()));
     }
 }
+
+} // namespace orvo

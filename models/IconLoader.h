@@ -21,6 +21,8 @@
 #include <thread>
 #include <vector>
 
+namespace orvo {
+
 /// The picture of one file, as far as it is known. Belongs to the GUI thread.
 struct IconPicture {
     QIcon icon;                             ///< null: there is none
@@ -57,5 +59,7 @@ private:
     std::shared_ptr<Work> m_work; ///< shared with the thread
     std::thread m_thread;
 };
+
+} // namespace orvo
 
 #endif

@@ -6,6 +6,8 @@
 #include <cstring>
 #include <utility>
 
+namespace orvo {
+
 namespace {
 
 /// The folding of QString::compare: code unit by code unit, a low surrogate together with the high
@@ -199,3 +201,5 @@ void KeyIndex::resize(size_t size) {
             m_slots[find(entry.hash)] = std::move(entry);
     }
 }
+
+} // namespace orvo

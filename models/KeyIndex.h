@@ -10,6 +10,8 @@
 #include <unordered_map>
 #include <vector>
 
+namespace orvo {
+
 /// Open addressing over 32-bit hashes, about 32 bytes a row. Each entry shares the text of its key
 /// with the row, so that a search need not go through the row to compare it. Rows whose hashes are
 /// equal stand aside, so that a key borne by many rows slows nothing else down. Does not own the
@@ -86,5 +88,7 @@ private:
     size_t m_used = 0;
     std::unordered_map<uint32_t, std::unordered_map<void*, QString>> m_crowds; ///< two and more
 };
+
+} // namespace orvo
 
 #endif

@@ -38,7 +38,7 @@ QVariant MenuTreeModel::data(const QModelIndex& index, int role) const {
         return row.data(index.column());
     case Qt::DecorationRole:
         return index.column() == Caption ? decoration(row) : QVariant();
-    case KeyRole:
+    case orvo::KeyRole:
         return row.data(KeyLink);
     default:
         return {};
@@ -94,7 +94,7 @@ QStringList MenuTreeModel::mimeTypes() const {
 
 QMimeData* MenuTreeModel::mimeData(const QModelIndexList& indexes) const {
     QByteArray payload;
-    for (const QModelIndex& row : dragkeys::rowsOf(indexes)) {
+    for (const QModelIndex& row : orvo::dragkeys::rowsOf(indexes)) {
         const QString key = getItemKeyLink(row);
         if (orvo::ClipboardRows::canName(key))
             payload += key.toUtf8() + ';';
@@ -106,7 +106,7 @@ QMimeData* MenuTreeModel::mimeData(const QModelIndexList& indexes) const {
 
 bool MenuTreeModel::canDropMimeData(const QMimeData* data, Qt::DropAction, int, int,
                                     const QModelIndex& parent) const {
-    const QStringList keys = dragkeys::keys(dragkeys::payload(data, dragType));
+    const QStringList keys = orvo::dragkeys::keys(orvo::dragkeys::payload(data, dragType));
     const QModelIndex target = firstColumn(parent);
     for (const QString& key : keys) {
         const QModelIndex source = findIndexByKey(key);
@@ -127,7 +127,7 @@ bool MenuTreeModel::canDropMimeData(const QMimeData* data, Qt::DropAction, int, 
 
 bool MenuTreeModel::dropMimeData(const QMimeData* data, Qt::DropAction, int row, int,
                                  const QModelIndex& parent) {
-    const QStringList keys = dragkeys::keys(dragkeys::payload(data, dragType));
+    const QStringList keys = orvo::dragkeys::keys(orvo::dragkeys::payload(data, dragType));
     emit dragdropOperation(firstColumn(parent), keys, row < 0 ? -1 : row);
     return false;
 }

@@ -12,7 +12,7 @@
 ///
 /// A drag carries "OrvoMenu/menu/dragdrop": the key of each dragged row in UTF-8, each followed by
 /// ";". A drop changes no row; it emits dragdropOperation.
-class MenuTreeModel : public TreeModelCore<TabRec> {
+class MenuTreeModel : public orvo::TreeModelCore<TabRec> {
     Q_OBJECT
 public:
     /// `iconsPath` ends with the separator. `parent`: Unused; the published interface has this
@@ -22,7 +22,7 @@ public:
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     bool hasChildren(const QModelIndex& parent = {}) const override { return rowCount(parent) > 0; }
     /// Moves the values of rows from one parent to another; rows below them are lost. False within
-    /// one parent.
+    /// one parent. Unused; the published interface has this operation.
     bool moveRows(const QModelIndex& sourceParent, int sourceRow, int count,
                   const QModelIndex& destinationParent, int destinationChild) override;
 
@@ -74,7 +74,7 @@ private:
     QVariant decoration(const TabRec& row) const;
 
     const QString m_iconsPath;
-    mutable IconCache m_icons;
+    mutable orvo::IconCache m_icons;
 };
 
 #endif

@@ -2,7 +2,7 @@
 
 #include "models/RecordOps.h"
 
-using Ops = RecordOps<PaspRec>;
+using Ops = orvo::RecordOps<PaspRec>;
 
 PaspRec::PaspRec(const QVector<QVariant>& data, PaspRec* parent)
     : m_itemData(data)

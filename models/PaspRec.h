@@ -10,8 +10,12 @@
 
 #include <cstdint>
 
+namespace orvo {
 template <class Record>
 struct RecordOps;
+template <class Record>
+class RowBatch;
+} // namespace orvo
 
 /// One row of a passport. The operations are those of TabRec; only childNumber() differs.
 class PaspRec {
@@ -45,9 +49,9 @@ public:
     void setComboBox(QComboBox* box) { m_comboBox = box; } ///< stays the caller's
 
 private:
-    friend struct RecordOps<PaspRec>;
+    friend struct orvo::RecordOps<PaspRec>;
     template <class Record>
-    friend class RowBatch;
+    friend class orvo::RowBatch;
 
     QPointer<QComboBox> m_comboBox;
     QList<PaspRec*> m_childItems; ///< owned

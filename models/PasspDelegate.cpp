@@ -57,7 +57,7 @@ QWidget* PasspDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem
     case MyEditorLine: {
         auto* line = new QLineEdit(parent);
         line->setReadOnly(cell(index, 3).toBool());
-        RecordTextValidator::install(line);
+        orvo::RecordTextValidator::install(line);
         connect(line, &QLineEdit::textChanged, this, &PasspDelegate::commitEditorData);
         return line;
     }
@@ -180,7 +180,7 @@ void PasspDelegate::updateEditorGeometry(QWidget* editor, const QStyleOptionView
 }
 
 void PasspDelegate::commitEditorData() {
-    commitEditor(*this, sender());
+    orvo::commitEditor(*this, sender());
 }
 
 void PasspDelegate::OnPressButton(const QModelIndex& index) {

@@ -31,7 +31,7 @@ QVariant PopTreeModel::data(const QModelIndex& index, int role) const {
         return row.data(index.column());
     case Qt::DecorationRole:
         return index.column() == Name ? decoration(row) : QVariant();
-    case KeyRole:
+    case orvo::KeyRole:
         return row.data(KeyLink);
     default:
         return {};

@@ -10,7 +10,7 @@
 
 /// Columns: 0 name, 1 description, 2 and 3 lock, 4 KeyLink (the key), 5 whether it is a folder,
 /// 6 blocked.
-class PopTreeModel : public TreeModelCore<TabRec> {
+class PopTreeModel : public orvo::TreeModelCore<TabRec> {
     Q_OBJECT
 public:
     /// `filesPath` ends with the separator. `parent`: Unused; the published interface has this
@@ -45,7 +45,7 @@ private:
     bool m_showFileIcons = false;
     const QString m_filesPath;
     QString m_initialFolderPath;
-    mutable IconCache m_icons;
+    mutable orvo::IconCache m_icons;
 };
 
 #endif

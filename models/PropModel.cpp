@@ -35,7 +35,7 @@ QVariant PropModel::data(const QModelIndex& index, int role) const {
     case Qt::ForegroundRole:
         return index.column() == Value && row.data(ReadOnly).toBool() ? QColor(0x80, 0x80, 0x80)
                                                                       : QVariant();
-    case KeyRole:
+    case orvo::KeyRole:
         return row.data(Name);
     default:
         return {};

@@ -15,7 +15,7 @@ enum MyEditorType {
 
 /// Columns: 0 caption, 1 value, 2 MyEditorType, 3 read-only, 4 row name (the key), 5 whether it is
 /// an editor row; a category row is none. Row names compare without regard to case.
-class PropModel : public TreeModelCore<PaspRec> {
+class PropModel : public orvo::TreeModelCore<PaspRec> {
     Q_OBJECT
 public:
     /// `iconsPath`, `parent`: Unused; the published interface has this parameter.
@@ -41,7 +41,7 @@ public:
     /// and what it then says is not taken: the owner may show another passport already.
     bool clearRows();
     /// The box that the editor of a row of type MyEditorCombo takes its entries from; it stays the
-    /// caller's. Other rows: nothing.
+    /// caller's. Other rows: nothing. Unused; the published interface has this operation.
     void setComboBox(const QString& name, QComboBox* comboBox);
     /// Null for rows of another type, and for an invalid index.
     QComboBox* getComboBox(const QModelIndex& index) const;

@@ -13,6 +13,8 @@
 #include <cstdint>
 #include <vector>
 
+namespace orvo {
+
 template <class Record>
 struct RecordOps {
     static Record* child(const Record& record, int number) {
@@ -201,5 +203,7 @@ private:
         return true;
     }
 };
+
+} // namespace orvo
 
 #endif

@@ -8,6 +8,8 @@
 
 #include <algorithm>
 
+namespace orvo {
+
 namespace {
 
 bool holds(const QString& text) {
@@ -73,3 +75,5 @@ QValidator::State RecordTextValidator::validate(QString& text, int& cursor) cons
     emit refused(missingLetters(text));
     return Invalid;
 }
+
+} // namespace orvo

@@ -7,6 +7,8 @@
 
 class QLineEdit;
 
+namespace orvo {
+
 /// Records hold Windows-1251. A letter beyond it would be stored as "?" without a word: the field
 /// refuses the input that brings it, a paste as a whole, and a tool tip at the field names the
 /// letters. A letter that came in parts ("й" as "и" and its breve) is put together instead.
@@ -28,5 +30,7 @@ signals:
 private:
     using QValidator::QValidator;
 };
+
+} // namespace orvo
 
 #endif

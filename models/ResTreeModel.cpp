@@ -58,7 +58,7 @@ QVariant ResTreeModel::data(const QModelIndex& index, int role) const {
     case Qt::ForegroundRole:
         return index.column() == Name && row.data(Type).toInt() == Kind::Orphans ? QColor(Qt::red)
                                                                                  : QVariant();
-    case KeyRole:
+    case orvo::KeyRole:
         return row.data(KeyLink);
     case NameRole:
         return row.data(Name);
@@ -149,7 +149,7 @@ QStringList ResTreeModel::mimeTypes() const {
 }
 
 QMimeData* ResTreeModel::mimeData(const QModelIndexList& indexes) const {
-    const QModelIndexList rows = dragkeys::rowsOf(indexes);
+    const QModelIndexList rows = orvo::dragkeys::rowsOf(indexes);
     if (rows.isEmpty())
         return nullptr;
     const int type = getItem(rows.first())->data(Type).toInt();
@@ -177,10 +177,10 @@ bool ResTreeModel::canDropMimeData(const QMimeData* data, Qt::DropAction, int ro
     QStringList keys;
     const QString format = dragType(targetType);
     if (!format.isEmpty()) {
-        const QString payload = dragkeys::payload(data, format);
+        const QString payload = orvo::dragkeys::payload(data, format);
         if (payload.isEmpty())
             return false;
-        keys = dragkeys::keys(payload);
+        keys = orvo::dragkeys::keys(payload);
     }
     if (row >= rowCount(target))
         return false;
@@ -233,8 +233,8 @@ bool ResTreeModel::dropMimeData(const QMimeData* data, Qt::DropAction, int row, 
     const QString format = dragType(getItem(target)->data(Type).toInt());
     if (format.isEmpty())
         return false;
-    const QString payload = dragkeys::payload(data, format);
+    const QString payload = orvo::dragkeys::payload(data, format);
     if (!payload.isNull())
-        emit dragdropOperation(target, dragkeys::keys(payload));
+        emit dragdropOperation(target, orvo::dragkeys::keys(payload));
     return false;
 }

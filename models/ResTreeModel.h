@@ -16,7 +16,7 @@
 /// A drag carries rows of one type; the MIME type tells which: "OrvoResources/" followed by modres,
 /// funcres, menures, sysres for 1 to 4 and "/dragdrop". The payload is the rows' keys in UTF-8,
 /// joined by ";". A drop changes no row; it emits dragdropOperation.
-class ResTreeModel : public TreeModelCore<TabRec> {
+class ResTreeModel : public orvo::TreeModelCore<TabRec> {
     Q_OBJECT
 public:
     /// `iconsPath` ends with the separator. `parent`: Unused; the published interface has this
@@ -80,7 +80,7 @@ private:
     bool holdsAny(const QModelIndex& folder, int column, const QSet<QString>& texts) const;
 
     const QString m_iconsPath;
-    mutable IconCache m_icons;
+    mutable orvo::IconCache m_icons;
 };
 
 #endif

@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+namespace orvo {
+
 /// A run of sibling rows, subtrees included, that are filled before they enter a model: the model
 /// then announces the run once, and no view sees an empty row. Made by TreeModelCore::newRows,
 /// taken in by TreeModelCore::insertFilledRows; deletes the rows that were not.
@@ -121,5 +123,7 @@ private:
     int m_columns;
     int m_keyColumn;
 };
+
+} // namespace orvo
 
 #endif

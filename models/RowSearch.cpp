@@ -9,6 +9,8 @@
 #include <limits>
 #include <unordered_set>
 
+namespace orvo {
+
 namespace {
 
 constexpr int blockSize = 1024;
@@ -375,3 +377,5 @@ void RowSearch::onRowsRemoved(const QModelIndex& parent, int first) {
     if (!m_columns.empty())
         rowsShifted(parent, first, m_model.rowCount(parent) == 0);
 }
+
+} // namespace orvo

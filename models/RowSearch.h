@@ -14,6 +14,8 @@
 #include <unordered_map>
 #include <vector>
 
+namespace orvo {
+
 /// Finds the rows of a model that QAbstractItemModel::match would find from the first row of the
 /// tree with the flags MatchContains and MatchRecursive and without a limit: a part of the text of
 /// a column, without regard to case, in display order. At a fraction of its cost, and it keeps the
@@ -91,5 +93,7 @@ private:
     std::vector<QString> m_hitKeys;
     QObject m_context; ///< ends the connections to the model
 };
+
+} // namespace orvo
 
 #endif

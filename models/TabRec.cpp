@@ -2,7 +2,7 @@
 
 #include "models/RecordOps.h"
 
-using Ops = RecordOps<TabRec>;
+using Ops = orvo::RecordOps<TabRec>;
 
 TabRec::TabRec(const QVector<QVariant>& data, TabRec* parent)
     : m_itemData(data)

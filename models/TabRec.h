@@ -11,8 +11,12 @@
 #include <cstdint>
 #include <memory>
 
+namespace orvo {
 template <class Record>
 struct RecordOps;
+template <class Record>
+class RowBatch;
+} // namespace orvo
 
 /// One row: a value per column, its children in display order, which it owns, and a back pointer to
 /// its parent. The records of a model are changed through the model only, which keeps an index of
@@ -73,9 +77,9 @@ public:
     MyFileInfo* getfileInfo(int number);
 
 private:
-    friend struct RecordOps<TabRec>;
+    friend struct orvo::RecordOps<TabRec>;
     template <class Record>
-    friend class RowBatch;
+    friend class orvo::RowBatch;
 
     QList<TabRec*> m_childItems; ///< owned
     QVector<QVariant> m_itemData;

@@ -22,6 +22,8 @@
 #include <utility>
 #include <vector>
 
+namespace orvo {
+
 /// The role that answers each model's key column.
 enum TreeModelRole { KeyRole = Qt::AccessibleDescriptionRole };
 static_assert(KeyRole == 12, "the key role of the system");
@@ -392,5 +394,7 @@ private:
     const int m_keyColumn;
     const Qt::ItemFlags m_flags;
 };
+
+} // namespace orvo
 
 #endif

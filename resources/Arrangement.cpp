@@ -47,7 +47,7 @@ void OrvoResources::setTreeArrangement() {
     tree->setAcceptDrops(true);
     tree->setDropIndicatorShown(true);
     m_resModel = std::make_unique<ResTreeModel>(columnTitles(), orvo::iconsPath(*this), this);
-    m_searchHits = std::make_unique<RowSearch>(*m_resModel, ResColumn::KeyLink);
+    m_searchHits = std::make_unique<orvo::RowSearch>(*m_resModel, ResColumn::KeyLink);
     tree->setModel(m_resModel.get());
     orvo::hideColumns(tree, ResColumn::KeyLink, ResColumn::IsNew);
     tree->setColumnWidth(ResColumn::Caption, textWidth);

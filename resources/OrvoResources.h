@@ -99,7 +99,7 @@ protected:
     std::unique_ptr<ResTreeModel> m_resModel;      ///< null until the start succeeded
     const QString& m_editObject = m_edit.object(); ///< of the open edit, as last typed
     const QString& m_editCaption = m_edit.caption();
-    std::unique_ptr<RowSearch> m_searchHits; ///< in m_resModel, and null as long as it is
+    std::unique_ptr<orvo::RowSearch> m_searchHits; ///< in m_resModel, and null as long as it is
     int32_t m_searchPos = 0;                       ///< may stand one place past either end
     QString m_currentKey;                          ///< key of the current row of tvRes
     const QString& m_editKey = m_edit.key();       ///< key of the row that is edited

@@ -29,6 +29,8 @@
 using orvo::bench::median;
 using orvo::bench::processorMicroseconds;
 
+using orvo::RowSearch;
+
 namespace {
 
 constexpr int columns = 14;

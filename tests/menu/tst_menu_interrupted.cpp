@@ -222,7 +222,7 @@ void TestMenuInterrupted::theRowOfANewDesktopMayMove() {
     const QModelIndex folder = live->desck("ceh");
     QVERIFY(live->m_desckModel->insertRows(0, 3, folder));
     QVERIFY(live->m_desckModel->removeRows(1, 1, live->desck("ceh")));
-    QCOMPARE(live->m_editDesckIndex.data(KeyRole), QVariant(key));
+    QCOMPARE(live->m_editDesckIndex.data(orvo::KeyRole), QVariant(key));
     live.press(live->m_btnSave);
     QVERIFY(live.written().contains("+#1 ParentKey='ceh' caption='новый рабочий стол'"));
 }

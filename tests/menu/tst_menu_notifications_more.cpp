@@ -235,7 +235,7 @@ void TestMenuNotifications::theRowIsMadeCurrentByWayOfItsParent() {
         QStringList keys;
         const auto connection = QObject::connect(
             view->selectionModel(), &QItemSelectionModel::currentChanged,
-            [&](const QModelIndex& current) { keys << current.data(KeyRole).toString(); });
+            [&](const QModelIndex& current) { keys << current.data(orvo::KeyRole).toString(); });
         change();
         QObject::disconnect(connection);
         return keys.join(' ');

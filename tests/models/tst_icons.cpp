@@ -17,6 +17,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+using orvo::IconCache;
+
 namespace {
 
 constexpr int blinkMs = 100; ///< what a user does not notice; a busy machine included

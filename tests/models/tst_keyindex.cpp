@@ -17,6 +17,8 @@ private slots:
     void aClearedIndexIsEmptyAndUsable();
 };
 
+using orvo::KeyIndex;
+
 namespace {
 
 std::set<void*> found(const KeyIndex& index, const QString& key) {

@@ -15,6 +15,7 @@
 #include <QtTest>
 
 using namespace treetext;
+using orvo::RecordTextValidator;
 
 namespace {
 

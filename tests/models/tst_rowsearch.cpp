@@ -8,6 +8,7 @@
 #include <QtTest>
 
 using namespace treetext;
+using orvo::RowSearch;
 
 namespace {
 
