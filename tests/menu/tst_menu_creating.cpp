@@ -531,6 +531,9 @@ void TestMenuCreating::theIconIsPicked() {
     const QString written = live.written();
     QVERIFY2(written.contains("ico='tank.png'") && written.contains("MenuResourceKey='rcalc'"),
              qPrintable(written));
+    // What is looked for next is not looked for among the icons.
+    live.pressDots("object");
+    QVERIFY(live.list()->sourceName.isNull());
 }
 
 void TestMenuCreating::aPickedIconOfAFolderGoesToItsPlaceholder() {

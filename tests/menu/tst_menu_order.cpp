@@ -82,6 +82,7 @@ private slots:
     void anUnknownElementIsLeft();
     void aDropNowhereComesToTheTop();
     void aFolderDroppedIntoItselfStays();
+    void aFolderWithTheTopsKeyInOtherCaseIsNotTheTop();
     void aDropLeavesThePendingEdit();
     void aDropIntoAModelReachesTheEditor();
     void theEmptyAreaRefusesDrops();
@@ -433,6 +434,17 @@ void TestMenuOrder::aFolderDroppedIntoItselfStays() {
              QStringList({"-abcd", "-a", "-b", "-c", "-d", "-inner"}));
     order.deliver();
     QCOMPARE(order.below("MenuRootNode"), QString("pqr pusto"));
+}
+
+void TestMenuOrder::aFolderWithTheTopsKeyInOtherCaseIsNotTheTop() {
+    Order order;
+    addElement(order.store, "stol", "menurootnode", "", "Папка", 5000);
+    order.editor.openDesck("f");
+    order.editor.openDesck("stol");
+    const QModelIndex folder = findRow(*order.editor->m_menuModel, "Папка");
+    QVERIFY(folder.isValid());
+    order.editor->on_menu_dragdrop(folder, {"a"}, -1);
+    QCOMPARE(order.written(), QString("Menu\n  ~a parent='menurootnode' order_=0\n"));
 }
 
 void TestMenuOrder::aDropLeavesThePendingEdit() {

@@ -90,6 +90,7 @@ private slots:
     void foldersHaveNoResource();
     void withoutAnEntryTheOldHitsStay();
     void aHitInAClosedFolderIsOpened();
+    void aHitThatIsCurrentAlreadyComesIntoView();
     void orphansAreFound();
     void theHitsAreThoseOfMatch_data();
     void theHitsAreThoseOfMatch();
@@ -267,6 +268,15 @@ void TestResSearch::aHitInAClosedFolderIsOpened() {
     QVERIFY(window.tree->isExpanded(window.editor->row("FileResources")));
     QVERIFY(window.tree->viewport()->rect().contains(
         window.tree->visualRect(window.tree->currentIndex()).center()));
+}
+
+void TestResSearch::aHitThatIsCurrentAlreadyComesIntoView() {
+    Window window;
+    window.type("насос");
+    window.tree->collapse(window.editor->row("FileResources"));
+    window.type("насо");
+    QCOMPARE(window.current(), QString("rpump"));
+    QVERIFY(window.tree->isExpanded(window.editor->row("FileResources")));
 }
 
 void TestResSearch::orphansAreFound() {
