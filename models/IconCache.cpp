@@ -31,9 +31,9 @@ public:
     }
 
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
-        constexpr int patienceMs = 250;
+        constexpr int timeoutMs = 250;
         m_loader->refresh(m_picture);
-        m_loader->wait(m_picture, patienceMs);
+        m_loader->wait(m_picture, timeoutMs);
         return m_picture->icon.pixmap(size, mode, state);
     }
 

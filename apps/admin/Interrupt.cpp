@@ -13,7 +13,7 @@ namespace orvo::admin {
 
 namespace {
 
-constexpr unsigned patienceSeconds = 3;
+constexpr unsigned graceSeconds = 3;
 
 // Everything that a handler touches is lock-free or never changes while the handler may run.
 std::atomic<bool> interrupted = false;
@@ -31,7 +31,7 @@ void endAtOnce() {
 void onSignal(int) {
     if (interrupted.exchange(true))
         endAtOnce();
-    ::alarm(patienceSeconds);
+    ::alarm(graceSeconds);
 }
 
 void onAlarm(int) {

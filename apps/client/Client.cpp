@@ -9,8 +9,8 @@
 #include "apps/client/Showcase.h"
 #include "apps/client/StatusLine.h"
 #include "apps/client/UnwrittenPane.h"
+#include "apps/client/WaitDialogController.h"
 #include "apps/client/WindowMemory.h"
-#include "apps/client/WindowPatience.h"
 #include "platform/store/StoreUrl.h"
 
 #include <QAbstractScrollArea>
@@ -84,10 +84,10 @@ bool Client::open(QString* error) {
                                          store::Status* why) { return store::open(url, how, why); },
                                      m_options.workDir);
     m_pump = std::make_unique<client::NotificationPump>(*m_session, m_modules, std::move(reader));
-    m_patience = std::make_unique<WindowPatience>(
+    m_waitDialog = std::make_unique<WaitDialogController>(
         QString::fromStdString(client::sessionStore(*m_session).displayName()),
         QCoreApplication::applicationFilePath());
-    m_patient = std::make_unique<store::PatienceScope>(m_patience.get());
+    m_waitPolicy = std::make_unique<store::WaitPolicyScope>(m_waitDialog.get());
     return m_options.inspect.isEmpty() || openInspector(error);
 }
 

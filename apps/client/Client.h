@@ -13,7 +13,7 @@
 #include "platform/client/NotificationPump.h"
 #include "platform/client/Session.h"
 #include "platform/client/UnwrittenList.h"
-#include "platform/store/Patience.h"
+#include "platform/store/WaitPolicy.h"
 
 #include <memory>
 
@@ -23,8 +23,8 @@ class CloseGuard;
 class FileMirror;
 class Inspector;
 class MainWindow;
+class WaitDialogController;
 class WindowMemory;
-class WindowPatience;
 
 class Client : public QObject {
     Q_OBJECT
@@ -71,8 +71,9 @@ private:
     Options m_options;
     ModuleLibrary m_library;
     HostApp m_app;
-    std::unique_ptr<WindowPatience> m_patience; ///< of this thread, as long as the client lives
-    std::unique_ptr<store::PatienceScope> m_patient;
+    std::unique_ptr<WaitDialogController>
+        m_waitDialog; ///< of this thread, as long as the client lives
+    std::unique_ptr<store::WaitPolicyScope> m_waitPolicy;
     std::unique_ptr<COrvoCliSes> m_session;
     std::unique_ptr<client::UnwrittenList> m_unwritten; ///< on the session's store
     std::unique_ptr<FileMirror> m_mirror;

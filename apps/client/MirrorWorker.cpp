@@ -94,7 +94,7 @@ void MirrorWorker::post(Signal signal) {
 }
 
 void MirrorWorker::run() {
-    const store::PatienceScope scope(this);
+    const store::WaitPolicyScope scope(this);
     readManifest();
     uint64_t done = 0;
     bool retry = false;
@@ -135,7 +135,7 @@ bool MirrorWorker::openStore() {
         return true;
     store::Status status;
     m_store = m_open(&status);
-    if (!m_store && goOn())
+    if (!m_store && keepWaiting())
         tell(QStringLiteral("Файловая область не открыта: %1").arg(textOf(status.text)));
     return m_store != nullptr;
 }
@@ -153,7 +153,7 @@ MirrorWorker::End MirrorWorker::pass(uint64_t number, bool contents) {
     const int all = static_cast<int>(queue.size());
     End end = End::Done;
     for (int done = 0; done < all && end == End::Done; ++done) {
-        if (!goOn() || !fetch(queue[static_cast<size_t>(done)])) {
+        if (!keepWaiting() || !fetch(queue[static_cast<size_t>(done)])) {
             end = End::Failed;
             break;
         }
@@ -183,9 +183,9 @@ bool MirrorWorker::list(bool contents, std::vector<Wanted>* queue) {
     m_directory.forgetFolder();
     std::set<std::string> plain;
     store::Status status = plainFolderPaths(*m_store, &plain);
-    if (status.ok() && goOn())
+    if (status.ok() && keepWaiting())
         status = m_store->fileArea([&](const std::string& folder, const store::StoredFile& file) {
-            if (!goOn())
+            if (!keepWaiting())
                 return;
             if (plain.count(folder) && store::isPlainFileName(file.name))
                 consider(folder, file, contents, queue);
@@ -194,11 +194,11 @@ bool MirrorWorker::list(bool contents, std::vector<Wanted>* queue) {
                                     "может быть именем папки или файла.")
                          .arg(textOf(join(folder, file.name))));
         });
-    if (!status.ok() && goOn())
+    if (!status.ok() && keepWaiting())
         tell(QStringLiteral("Список файловой области не получен: %1").arg(textOf(status.text)));
     std::stable_partition(queue->begin(), queue->end(),
                           [](const Wanted& wanted) { return isIcon(wanted.folder); });
-    return status.ok() && goOn();
+    return status.ok() && keepWaiting();
 }
 
 void MirrorWorker::consider(const std::string& folder, const store::StoredFile& file, bool contents,
@@ -240,7 +240,7 @@ bool MirrorWorker::fetch(const Wanted& wanted) {
     const store::Status status = m_store->fileGet(wanted.folder, wanted.name, true, &files);
     const std::string path = join(wanted.folder, wanted.name);
     if (!status.ok()) {
-        if (goOn())
+        if (keepWaiting())
             tell(QStringLiteral("Файл «%1» не получен: %2").arg(textOf(path), textOf(status.text)));
         return status.code != store::ConnectionBroken && status.code != store::CannotConnect &&
                status.code != store::Timeout;

@@ -4,8 +4,8 @@
 #define ORVO_APPS_CLIENT_MIRRORWORKER_H
 
 #include "apps/client/MirrorDirectory.h"
-#include "platform/store/Patience.h"
 #include "platform/store/Store.h"
+#include "platform/store/WaitPolicy.h"
 
 #include <QObject>
 #include <QSet>
@@ -37,7 +37,7 @@ struct MirrorPace {
     Milliseconds stage{3000};
 };
 
-class MirrorWorker : public QObject, private store::Patience {
+class MirrorWorker : public QObject, private store::WaitPolicy {
     Q_OBJECT
 public:
     /// `directory` is open; `workDir` ends in a separator. The store is opened when there is
@@ -73,7 +73,7 @@ private:
     };
     enum class End { Done, Failed, Anew };
 
-    bool goOn() override { return !m_stop && m_up; }
+    bool keepWaiting() override { return !m_stop && m_up; }
     void run();
     bool openStore();
     End pass(uint64_t number, bool contents);

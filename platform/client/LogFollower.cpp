@@ -1,6 +1,6 @@
 #include "platform/client/LogFollower.h"
 
-#include "platform/store/Patience.h"
+#include "platform/store/WaitPolicy.h"
 
 #include <algorithm>
 #include <chrono>
@@ -29,7 +29,7 @@ int millisecondsUntil(Clock::time_point when) {
 } // namespace
 
 /// What both threads share is below the mutex; the rest is the worker thread's alone.
-class LogFollower::Worker : public store::Patience {
+class LogFollower::Worker : public store::WaitPolicy {
 public:
     Worker(std::unique_ptr<store::Store> store, LogFollower& owner)
         : m_owner(owner)
@@ -40,7 +40,7 @@ public:
             ::close(m_signal);
     }
 
-    bool goOn() override { return !stop; }
+    bool keepWaiting() override { return !stop; }
     void signal() const {
         const uint64_t one = 1;
         if (m_signal >= 0 && ::write(m_signal, &one, sizeof one) < 0)
@@ -76,7 +76,7 @@ private:
 };
 
 void LogFollower::Worker::run() {
-    const store::PatienceScope scope(this);
+    const store::WaitPolicyScope scope(this);
     while (!stop) {
         obey();
         const bool due = m_backOffMs == 0 || Clock::now() >= m_next;

@@ -1,7 +1,7 @@
 #include "platform/store/PostgresApi.h"
 
 #include "platform/store/Names.h"
-#include "platform/store/Patience.h"
+#include "platform/store/WaitPolicy.h"
 
 #include <bit>
 #include <cerrno>
@@ -179,7 +179,7 @@ std::string_view stateOf(const PGresult* result) {
 namespace {
 
 /// One try to connect. The system's part of it (names, for example) knows no steps, so where
-/// someone may lose patience, it runs beside; one that was given up ends by itself.
+/// the thread has a wait policy, it runs beside; one that was given up ends by itself.
 struct Attempt {
     explicit Attempt(Url to) : url(std::move(to)) {}
 
@@ -211,10 +211,10 @@ struct Attempt {
     bool done = false;
 };
 
-/// Null if the thread's patience came to its end.
+/// Null if the thread's wait policy ended the wait.
 std::shared_ptr<Attempt> attempt(const Url& url) {
     auto one = std::make_shared<Attempt>(url);
-    if (!hasPatience()) {
+    if (!hasWaitPolicy()) {
         one->run();
         return one;
     }
@@ -230,7 +230,7 @@ std::shared_ptr<Attempt> attempt(const Url& url) {
     std::unique_lock lock(one->mutex);
     while (!one->over.wait_for(lock, std::chrono::milliseconds(waitStepMs),
                                [&] { return one->done; })) {
-        if (!stillPatient())
+        if (!keepWaiting())
             return nullptr;
     }
     return one;
@@ -281,8 +281,8 @@ void Connection::close() {
 
 // Waiting ----------------------------------------------------------------------------------------
 
-/// Until the server has something to say, or (POLLOUT) takes more. Past all patience the connection
-/// is closed.
+/// Until the server has something to say, or (POLLOUT) takes more. If the wait is ended, the
+/// connection is closed.
 bool Connection::wait(short events) {
     using Clock = std::chrono::steady_clock;
     const auto begin = Clock::now();
@@ -298,7 +298,7 @@ bool Connection::wait(short events) {
         const int ready = ::poll(&socket, 1, waitStepMs);
         if (ready > 0 || (ready < 0 && errno != EINTR))
             return true; // if it is a failure, libpq will meet it
-        if (ready == 0 && !stillPatient()) {
+        if (ready == 0 && !keepWaiting()) {
             close();
             m_end = End::GivenUp;
             return false;

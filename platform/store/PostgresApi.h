@@ -60,15 +60,15 @@ using ConnectionHandle = std::unique_ptr<PGconn, FinishConnection>;
 
 /// A connection to a server, and the statements prepared there.
 ///
-/// Nothing here blocks in libpq: every wait goes in steps and asks the thread's patience (see
-/// Patience.h). A server that is silent in the middle of a call for longer than the URL's
+/// Nothing here blocks in libpq: every wait goes in steps and asks the thread's wait policy (see
+/// WaitPolicy.h). A server that is silent in the middle of a call for longer than the URL's
 /// tcp_user_timeout (20 s; 0: no limit) counts as lost: no system tells of one that is frozen.
 class Connection {
 public:
     /// Connects, within the time the URL allows. CannotConnect, BadLogin, or Timeout if given up.
     Status open(const Url& url);
     void close();
-    /// Whether the last call ended because the patience did.
+    /// Whether the last call ended because the wait policy ended it.
     bool givenUp() const { return m_end == End::GivenUp; }
     PGconn* get() const { return m_connection.get(); }
     bool usable() const { return m_connection && PQstatus(get()) == CONNECTION_OK; }

@@ -41,7 +41,7 @@ Status PostgresStore::selectStored(int type, std::string_view folded,
 
 Status PostgresStore::changedSince(const TableDef& table, int64_t since, int64_t* newest,
                                    bool* changed) {
-    const Status status = settle(); // what was sent before has to show
+    const Status status = drainPipeline(); // what was sent before has to show
     if (!status.ok())
         return status;
     const Result result = m_connection.query(
@@ -70,7 +70,7 @@ Status PostgresStore::storedKeys(const TableDef& table, const std::vector<std::s
 
 Status PostgresStore::changesOf(const TableDef& table, const std::vector<std::string>& keys,
                                 int64_t since, std::vector<Change>* changes) {
-    const Status status = settle(); // what was sent before has to show
+    const Status status = drainPipeline(); // what was sent before has to show
     if (!status.ok())
         return status;
     const std::string list = lines(keys);

@@ -55,13 +55,13 @@ Status PostgresStore::clearAll() {
     Status status = send("DELETE FROM public.\"MenuResourceFile\"", {}, contentName, true);
     for (auto table = tables().rbegin(); status.ok() && table != tables().rend(); ++table)
         status = send("DELETE FROM " + qualified(table->name), {}, inTable(*table), true);
-    return status.ok() ? settle() : status;
+    return status.ok() ? drainPipeline() : status;
 }
 
 Status PostgresStore::beginContent(const Write& write, uint64_t /*size*/) {
     Status status = apply(contentTable(), write);
     if (status.ok())
-        status = settle();
+        status = drainPipeline();
     if (!status.ok())
         return status;
     m_contentKey = write.key;

@@ -155,7 +155,7 @@ Status PostgresStore::fetchMatching(const TableDef& table, const FieldDef& field
 Status PostgresStore::rows(const TableDef& table, const std::vector<int>& fields,
                            const std::string& sql, const Parameters& parameters,
                            const std::function<void(const Row& row)>& each) {
-    const Status status = settle(); // what was sent before has to show
+    const Status status = drainPipeline(); // what was sent before has to show
     if (!status.ok())
         return status;
     const Result result = m_connection.query(sql, parameters);

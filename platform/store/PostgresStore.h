@@ -6,7 +6,7 @@
 //
 // Connections: a lost one is made anew by the next call, within the time that the URL's
 // connect_timeout allows (3 s). The call that meets the loss fails with ConnectionBroken, and with
-// Timeout if the thread's patience ends it. A write
+// Timeout if the thread's wait policy ends it. A write
 // that does finds out, when it can reach the server again within a few seconds, whether it was
 // saved: then it succeeds, or says that it was not; otherwise it says that nobody knows.
 #ifndef ORVO_PLATFORM_STORE_POSTGRESSTORE_H
@@ -124,8 +124,8 @@ private:
     void receiveOne();
     /// Takes the result of the statement that tells what a call left in the log.
     void takeWritten(const PGresult* result);
-    /// Waits for everything sent, and leaves the stream.
-    Status settle();
+    /// Waits for the results of all that was sent, and ends the stream. The first failure of it.
+    Status drainPipeline();
     /// Whose transaction keeps others from writing, as the end of a sentence; empty if none does.
     std::string whoWrites();
     /// After the connection broke at a commit: whether the transaction is in the log.

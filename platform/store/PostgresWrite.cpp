@@ -3,10 +3,10 @@
 #include "platform/store/PostgresStore.h"
 
 #include "platform/store/Names.h"
-#include "platform/store/Patience.h"
 #include "platform/store/PostgresCopy.h"
 #include "platform/store/PostgresSchema.h"
 #include "platform/store/Sql.h"
+#include "platform/store/WaitPolicy.h"
 
 #include <chrono>
 #include <thread>
@@ -20,7 +20,7 @@ namespace {
 constexpr size_t mostOutstanding = 512;
 
 /// How long the outcome of a commit is looked for after the connection broke.
-constexpr std::chrono::seconds outcomePatience(5);
+constexpr std::chrono::seconds outcomeTimeout(5);
 
 const char unknownOutcome[] = ": неизвестно, сохранено ли изменение";
 
@@ -116,7 +116,7 @@ void PostgresStore::receive(size_t left) {
         receiveOne();
 }
 
-Status PostgresStore::settle() {
+Status PostgresStore::drainPipeline() {
     if (m_connection.usable() && PQpipelineStatus(m_connection.get()) != PQ_PIPELINE_OFF) {
         if (PQpipelineSync(m_connection.get()) == 0 && m_failure.ok())
             m_failure = m_connection.failure("Запись", nullptr);
@@ -154,7 +154,7 @@ Status PostgresStore::commit() {
         m_sent.back().tells = true;
     m_commitSent = true;
     send("COMMIT", {}, "Запись", false);
-    return settle();
+    return drainPipeline();
 }
 
 void PostgresStore::takeWritten(const PGresult* result) {
@@ -167,7 +167,7 @@ void PostgresStore::takeWritten(const PGresult* result) {
 }
 
 void PostgresStore::rollback() {
-    settle();
+    drainPipeline();
     if (m_connection.usable() && PQtransactionStatus(m_connection.get()) != PQTRANS_IDLE)
         m_connection.execute("ROLLBACK");
     m_sent.clear();
@@ -234,19 +234,19 @@ Status PostgresStore::resolveCommitOutcome(const std::string& call, int64_t sinc
                                            const std::string& session) {
     const std::string lost = "Соединение с базой потеряно при записи";
     const Status unknown = {ConnectionBroken, lost + unknownOutcome};
-    const auto end = std::chrono::steady_clock::now() + outcomePatience;
+    const auto end = std::chrono::steady_clock::now() + outcomeTimeout;
     while (!connect().ok()) {
         if (m_connection.givenUp() || std::chrono::steady_clock::now() > end)
             return unknown;
         std::this_thread::sleep_for(std::chrono::milliseconds(waitStepMs));
-        if (!stillPatient())
+        if (!keepWaiting())
             return unknown;
     }
     // The old session may not have noticed anything yet and commit later.
     m_connection.execute("SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE " + session);
     for (bool gone = false; !gone;) {
         const Result listed = m_connection.execute("SELECT FROM pg_stat_activity WHERE " + session);
-        if (!succeeded(listed.get()) || std::chrono::steady_clock::now() > end || !stillPatient())
+        if (!succeeded(listed.get()) || std::chrono::steady_clock::now() > end || !keepWaiting())
             return unknown;
         gone = PQntuples(listed.get()) == 0;
         if (!gone)
@@ -303,7 +303,7 @@ Status PostgresStore::applyContent(const Write& write, std::string_view bytes) {
     if (status.ok())
         status = putChecksum(write.key, checksum(bytes));
     if (status.ok())
-        status = settle();
+        status = drainPipeline();
     if (!status.ok() || bytes.empty())
         return status;
     const Connection::NoTimeoutScope noTimeout(m_connection); // a large file, a slow disk
@@ -324,7 +324,7 @@ Status PostgresStore::makeLogin(const User& user) {
     // Longer names would be cut.
     if (user.login.size() > 63 || !isText(user.login) || user.login.starts_with("pg_"))
         return {Refused, what + ": такое имя не годится для входа на сервер"};
-    Status status = settle();
+    Status status = drainPipeline();
     if (!status.ok())
         return status;
     const std::string role = identifier(user.login);

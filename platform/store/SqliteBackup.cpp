@@ -31,7 +31,7 @@ Status copyPages(const Connection& from, const Connection& into, const char* wha
         sqlite3_backup_init(into.get(), "main", from.get(), "main"));
     if (!backup)
         return into.failure(what);
-    auto patience = Clock::now() + std::chrono::milliseconds(busyMilliseconds);
+    auto deadline = Clock::now() + std::chrono::milliseconds(busyMilliseconds);
     int step = SQLITE_OK;
     while (step != SQLITE_DONE) {
         step = sqlite3_backup_step(backup.get(), stepPages);
@@ -39,12 +39,12 @@ Status copyPages(const Connection& from, const Connection& into, const char* wha
         const auto left = static_cast<uint64_t>(sqlite3_backup_remaining(backup.get()));
         // Another program's transaction is waited for, the same time as by any write.
         const bool busy = (step & 0xFF) == SQLITE_BUSY || (step & 0xFF) == SQLITE_LOCKED;
-        if (busy && Clock::now() < patience)
+        if (busy && Clock::now() < deadline)
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         else if (step != SQLITE_OK && step != SQLITE_DONE)
             break;
         else
-            patience = Clock::now() + std::chrono::milliseconds(busyMilliseconds);
+            deadline = Clock::now() + std::chrono::milliseconds(busyMilliseconds);
         if (step != SQLITE_DONE && progress && !progress((all - left) * 4096, all * 4096))
             return {Stopped, std::string(what) + ": прервано"};
     }

@@ -5,8 +5,8 @@
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/FolderTree.h"
 #include "platform/store/Maintenance.h"
-#include "platform/store/Patience.h"
 #include "platform/store/Store.h"
+#include "platform/store/WaitPolicy.h"
 #include "platform/store/WritePlan.h"
 
 #include <array>

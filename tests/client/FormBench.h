@@ -14,7 +14,7 @@
 
 namespace orvo::test {
 
-constexpr int patienceMs = 20'000; ///< a process starts slowly on a busy machine
+constexpr int timeoutMs = 20'000; ///< a process starts slowly on a busy machine
 
 struct FormBench : Host {
     Module module{&app};

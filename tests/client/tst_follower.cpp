@@ -1,8 +1,8 @@
 // The reader of the change log when its store fails: when it asks again, what it tells, and that
 // nothing is lost or comes twice.
 #include "platform/client/NotificationPump.h"
-#include "platform/store/Patience.h"
 #include "platform/store/StoreUrl.h"
+#include "platform/store/WaitPolicy.h"
 #include "tests/client/HostFixture.h"
 #include "tests/menu/WriteWatch.h"
 
@@ -55,7 +55,7 @@ public:
                           std::vector<store::Change>* changes) override {
         m_weather.stuck = m_weather.frozen.load();
         while (m_weather.frozen) {
-            if (!store::stillPatient())
+            if (!store::keepWaiting())
                 return {store::Timeout, "given up"};
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
         }

@@ -51,7 +51,7 @@ private slots:
         QCOMPARE(window->tabs()->count(), 3);
         QCOMPARE(window->tabs()->tabText(0), QString("котёл_"));
         FormView* view = currentView(*window);
-        QTRY_COMPARE_WITH_TIMEOUT(view->state(), FormView::State::Shown, patienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(view->state(), FormView::State::Shown, timeoutMs);
         QTRY_VERIFY(!view->canvas()->image().isNull());
         QVERIFY(!hasColor(*view, Qt::magenta));
         QTest::mouseClick(canvasOf(*view), Qt::LeftButton, {}, {20, 25});
@@ -65,7 +65,7 @@ private slots:
         bench.put({{"a.ui", designerForm}});
         auto window = bench.open("a.ui");
         FormView* view = currentView(*window);
-        QTRY_VERIFY_WITH_TIMEOUT(!view->canvas()->image().isNull(), patienceMs);
+        QTRY_VERIFY_WITH_TIMEOUT(!view->canvas()->image().isNull(), timeoutMs);
         QTest::mouseClick(canvasOf(*view), Qt::LeftButton, {}, {20, 25});
         QTRY_VERIFY(hasColor(*view, Qt::magenta));
         QTest::keyClick(canvasOf(*view), Qt::Key_Space);
@@ -77,7 +77,7 @@ private slots:
         bench.put({{"a.ui", designerForm}});
         auto window = bench.open("a.ui");
         FormView* view = currentView(*window);
-        QTRY_VERIFY_WITH_TIMEOUT(!view->canvas()->image().isNull(), patienceMs);
+        QTRY_VERIFY_WITH_TIMEOUT(!view->canvas()->image().isNull(), timeoutMs);
         QVERIFY(!hasColor(*view, Qt::cyan));
         QTest::mouseClick(canvasOf(*view), Qt::LeftButton, {}, {250, 25});
         QTRY_VERIFY(hasColor(*view, Qt::cyan));
@@ -90,7 +90,7 @@ private slots:
         bench.put({{"a.ui", designerForm}});
         auto window = bench.open("a.ui");
         FormView* view = currentView(*window);
-        QTRY_VERIFY_WITH_TIMEOUT(!view->canvas()->image().isNull(), patienceMs);
+        QTRY_VERIFY_WITH_TIMEOUT(!view->canvas()->image().isNull(), timeoutMs);
         window->resize(1000, 850);
         QTRY_COMPARE(view->canvas()->image().size(), view->canvas()->size());
         QCOMPARE(view->canvas()->size(), QSize(1000, 850));
@@ -115,7 +115,7 @@ private slots:
         bench.put({{name, document.bytes}});
         auto window = bench.open(name);
         FormView* view = currentView(*window);
-        QTRY_VERIFY_WITH_TIMEOUT(!view->canvas()->image().isNull(), patienceMs);
+        QTRY_VERIFY_WITH_TIMEOUT(!view->canvas()->image().isNull(), timeoutMs);
         const formview::Content content = formview::makeContent(document);
         QVERIFY2(content.notice.isEmpty(), qPrintable(content.notice));
         const auto expected = [&] {
@@ -135,7 +135,7 @@ private slots:
         bench.put({{"a.png", png(33, 22)}});
         auto window = bench.open("a.png");
         FormView* view = currentView(*window);
-        QTRY_VERIFY_WITH_TIMEOUT(hasColor(*view, Qt::darkGreen), patienceMs);
+        QTRY_VERIFY_WITH_TIMEOUT(hasColor(*view, Qt::darkGreen), timeoutMs);
     }
 
     void aFormShowsThePicturesStoredBesideIt() {
@@ -145,7 +145,7 @@ private slots:
         bench.put({{"котёл_", form}, {"котёл.png", png(20, 10)}});
         auto window = bench.open("котёл_");
         FormView* view = currentView(*window);
-        QTRY_VERIFY_WITH_TIMEOUT(hasColor(*view, Qt::darkGreen), patienceMs);
+        QTRY_VERIFY_WITH_TIMEOUT(hasColor(*view, Qt::darkGreen), timeoutMs);
         QVERIFY(view->findChild<QLabel*>("damageLabel")->isHidden());
     }
 
@@ -178,7 +178,7 @@ private slots:
         QCOMPARE(window->tabs()->count(), 2);
         QSignalSpy problems(window.get(), &app::FormWindow::problem);
         FormView* view = currentView(*window);
-        QTRY_COMPARE_WITH_TIMEOUT(view->state(), FormView::State::Shown, patienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(view->state(), FormView::State::Shown, timeoutMs);
         const auto* notice = view->findChild<QLabel*>("damageLabel");
         QCOMPARE(!notice->isHidden(), isDamaged);
         QCOMPARE(problems.count(), isDamaged ? 1 : 0);
@@ -196,7 +196,7 @@ private slots:
         auto window = bench.open("a.ui");
         QSignalSpy problems(window.get(), &app::FormWindow::problem);
         FormView* view = currentView(*window);
-        QTRY_COMPARE_WITH_TIMEOUT(view->state(), FormView::State::Shown, patienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(view->state(), FormView::State::Shown, timeoutMs);
         ::kill(static_cast<pid_t>(view->processId()), SIGSEGV);
         QTRY_COMPARE(view->state(), FormView::State::Failed);
         QCOMPARE(problems.count(), 1);
@@ -204,7 +204,7 @@ private slots:
         QVERIFY(failure->isVisible());
         QVERIFY2(failure->text().contains("a.ui"), qPrintable(failure->text()));
         view->findChild<QPushButton*>()->click();
-        QTRY_COMPARE_WITH_TIMEOUT(view->state(), FormView::State::Shown, patienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(view->state(), FormView::State::Shown, timeoutMs);
         QVERIFY(failure->isHidden());
         QTRY_VERIFY(!view->canvas()->image().isNull());
     }
@@ -215,7 +215,7 @@ private slots:
         bench.put({{"a.txt", "text"}});
         auto window = bench.open("a.txt");
         FormView* view = currentView(*window);
-        QTRY_COMPARE_WITH_TIMEOUT(view->state(), FormView::State::Shown, patienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(view->state(), FormView::State::Shown, timeoutMs);
         ::kill(static_cast<pid_t>(view->processId()), SIGSTOP);
         QTRY_COMPARE(view->state(), FormView::State::Failed);
         QVERIFY(view->findChild<QLabel*>("failureLabel")->text().contains("не отвечает"));
@@ -227,7 +227,7 @@ private slots:
         bench.put({{"a.txt", "text"}});
         auto window = bench.open("a.txt");
         FormView* view = currentView(*window);
-        QTRY_COMPARE_WITH_TIMEOUT(view->state(), FormView::State::Failed, patienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(view->state(), FormView::State::Failed, timeoutMs);
         const QString text = view->findChild<QLabel*>("failureLabel")->text();
         // A build without sanitizers may end before Qt has started.
         QVERIFY2(text.contains("памяти") || text.contains("завершился"), qPrintable(text));
@@ -247,8 +247,7 @@ private slots:
         FormBench bench;
         bench.put({{"a.txt", "text"}});
         auto window = bench.open("a.txt");
-        QTRY_COMPARE_WITH_TIMEOUT(currentView(*window)->state(), FormView::State::Shown,
-                                  patienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(currentView(*window)->state(), FormView::State::Shown, timeoutMs);
         const auto process = static_cast<pid_t>(currentView(*window)->processId());
         QCOMPARE(::kill(process, 0), 0);
         window.reset();

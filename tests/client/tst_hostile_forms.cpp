@@ -71,7 +71,7 @@ private slots:
             qEnvironmentVariable("ORVO_BIN_DIR") + "/orvo-form-view", "a", files, limits, nullptr);
         window->show();
         FormView* view = currentView(*window);
-        QTRY_VERIFY_WITH_TIMEOUT(view->state() != FormView::State::Waiting, patienceMs);
+        QTRY_VERIFY_WITH_TIMEOUT(view->state() != FormView::State::Waiting, timeoutMs);
         // Somebody uses it.
         QTest::mouseClick(canvasOf(*view), Qt::LeftButton, {}, canvasOf(*view)->rect().center());
         QTest::mouseClick(canvasOf(*view), Qt::LeftButton, {}, {20, 20});

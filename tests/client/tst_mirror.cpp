@@ -1,7 +1,7 @@
 // The local copy of the file area, and that it never leaves its directory.
 #include "apps/client/FileMirror.h"
 #include "platform/client/NotificationPump.h"
-#include "platform/store/Patience.h"
+#include "platform/store/WaitPolicy.h"
 #include "tests/client/HostFixture.h"
 
 #include <QDir>
@@ -475,7 +475,7 @@ private slots:
             FileMirror mirror(
                 [&waits](store::Status* status) {
                     waits = true;
-                    while (store::stillPatient()) // as a store does that gets no answer
+                    while (store::keepWaiting()) // as a store does that gets no answer
                         QThread::msleep(5);
                     *status = {store::Timeout, "нет ответа"};
                     return std::unique_ptr<store::Store>();

@@ -1,10 +1,10 @@
 // A server that no longer answers, but has not gone: every call ends all the same, when the
-// patience of its thread or the time that the address allows does, and what is said about a write
-// is true.
+// wait policy of its thread or the time that the address allows does, and what is said about a
+// write is true.
 #include "PostgresTest.h"
 
-#include "platform/store/Patience.h"
 #include "platform/store/PostgresApi.h"
+#include "platform/store/WaitPolicy.h"
 
 #include <QElapsedTimer>
 
@@ -16,16 +16,16 @@ using namespace orvo::store::test;
 namespace {
 
 /// Gives up after some time, and counts.
-class ShortPatience : public Patience {
+class ShortWait : public WaitPolicy {
 public:
-    explicit ShortPatience(int milliseconds) : m_limit(milliseconds) {}
-    bool goOn() override {
+    explicit ShortWait(int milliseconds) : m_limit(milliseconds) {}
+    bool keepWaiting() override {
         ++asked;
         if (!m_clock.isValid())
             m_clock.start();
         return m_clock.elapsed() < m_limit;
     }
-    void ended() override {
+    void waitEnded() override {
         ++ends;
         m_clock.invalidate();
     }
@@ -93,9 +93,9 @@ private slots:
             }
         };
         ORVO_OK(run());
-        ShortPatience patience(300);
+        ShortWait policy(300);
         {
-            const PatienceScope scope(&patience);
+            const WaitPolicyScope scope(&policy);
             QVERIFY(m_cluster->freeze());
             QElapsedTimer clock;
             clock.start();
@@ -103,8 +103,8 @@ private slots:
             QVERIFY2(clock.elapsed() < 2500, qPrintable(QString::number(clock.elapsed())));
             ORVO_FAILS(status, Timeout);
             QVERIFY2(text(status).contains("ожидание прервано"), status.text.c_str());
-            QVERIFY(patience.asked >= 3);
-            QCOMPARE(patience.ends, call == 6 ? 2 : 1);
+            QVERIFY(policy.asked >= 3);
+            QCOMPARE(policy.ends, call == 6 ? 2 : 1);
             // The lost connection is made anew by the next call, which is given up as well.
             ORVO_FAILS(run(), Timeout);
             QVERIFY(m_cluster->thaw());
@@ -144,11 +144,11 @@ private slots:
                 std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
                 m_cluster->freeze();
             });
-            ShortPatience patience(200);
+            ShortWait policy(200);
             CMDArray array;
             Status status;
             {
-                const PatienceScope scope(&patience);
+                const WaitPolicyScope scope(&policy);
                 status = m_store->fetch("MenuFileExt", array.array);
             }
             freezing.join();
@@ -167,8 +167,8 @@ private slots:
 
     void aWriteThatWasGivenUpIsUnknown() {
         ORVO_OK(Batch("MenuFileExt").insert("before").send(*m_store));
-        ShortPatience patience(300);
-        const PatienceScope scope(&patience);
+        ShortWait policy(300);
+        const WaitPolicyScope scope(&policy);
         QVERIFY(m_cluster->freeze());
         QElapsedTimer clock;
         clock.start();
@@ -186,7 +186,7 @@ private slots:
         QVERIFY(there.contains("before") && there.contains("m") && !there.contains("l"));
     }
 
-    void withoutAPatienceTheAddressSaysHowLong() {
+    void withoutAPolicyTheAddressSaysHowLong() {
         const auto store = silentAfter(700);
         QVERIFY(store);
         ORVO_OK(Batch("MenuFileExt").insert("k").send(*store));
@@ -218,30 +218,30 @@ private slots:
     void aBigFileIsGivenUpInTheMiddle() {
         const std::string bytes(64 << 20, 'x');
         ORVO_OK(m_store->filePut({{"", "small", "1", {}}}));
-        class Freezing : public ShortPatience {
+        class Freezing : public ShortWait {
         public:
             explicit Freezing(const PostgresCluster& cluster)
-                : ShortPatience(1500)
+                : ShortWait(1500)
                 , m_cluster(cluster) {}
-            bool goOn() override {
+            bool keepWaiting() override {
                 if (asked == 0) // while the server swallows what has come so far
                     m_cluster.freeze();
-                return ShortPatience::goOn();
+                return ShortWait::keepWaiting();
             }
 
         private:
             const PostgresCluster& m_cluster;
         };
-        Freezing patience(*m_cluster);
+        Freezing policy(*m_cluster);
         Status status;
         {
-            const PatienceScope scope(&patience);
+            const WaitPolicyScope scope(&policy);
             status = m_store->filePut({{"", "big", bytes, {}}});
         }
         QVERIFY(m_cluster->thaw());
         std::vector<StoredFile> files;
         ORVO_OK(m_store->fileGet("", "big", false, &files));
-        if (patience.asked == 0)
+        if (policy.asked == 0)
             QSKIP("the server was never waited for");
         QVERIFY(!status.ok());
         QVERIFY2(text(status).contains("не сохранены") || text(status).contains("неизвестно"),
@@ -254,8 +254,8 @@ private slots:
     void aLongAnswerIsNotMistakenForSilence() {
         const auto store = silentAfter(400);
         QVERIFY(store);
-        ShortPatience patience(60000);
-        const PatienceScope scope(&patience);
+        ShortWait policy(60000);
+        const WaitPolicyScope scope(&policy);
         // Of one that works, the database's own check may take as long as it likes.
         QVERIFY(byHand("ALTER TABLE \"Menu\" RENAME TO \"menu_table\"; CREATE VIEW \"Menu\" AS "
                        "SELECT *, pg_sleep(0)::text AS s FROM \"menu_table\";"
@@ -267,7 +267,7 @@ private slots:
         clock.start();
         ORVO_OK(store->integrity(&damages));
         QVERIFY(clock.elapsed() > 1000);
-        QVERIFY(patience.asked > 10);
+        QVERIFY(policy.asked > 10);
     }
 };
 

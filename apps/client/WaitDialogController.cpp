@@ -1,4 +1,4 @@
-#include "apps/client/WindowPatience.h"
+#include "apps/client/WaitDialogController.h"
 
 #include "apps/client/WaitPane.h"
 
@@ -18,15 +18,15 @@ constexpr int dropInputMs = 100; ///< what came meanwhile has been handed out by
 
 } // namespace
 
-WindowPatience::WindowPatience(QString store, QString program)
+WaitDialogController::WaitDialogController(QString store, QString program)
     : m_store(std::move(store))
     , m_program(std::move(program)) {}
 
-WindowPatience::~WindowPatience() {
+WaitDialogController::~WaitDialogController() {
     closePane();
 }
 
-bool WindowPatience::goOn() {
+bool WaitDialogController::keepWaiting() {
     if (!m_call.isValid()) {
         m_call.start();
         m_shown.start();
@@ -45,7 +45,7 @@ bool WindowPatience::goOn() {
     return !m_givenUp;
 }
 
-void WindowPatience::ended() {
+void WaitDialogController::waitEnded() {
     m_call.invalidate();
     m_givenUp = false;
     if (!m_pane)
@@ -56,7 +56,7 @@ void WindowPatience::ended() {
                        [this] { QCoreApplication::instance()->removeEventFilter(this); });
 }
 
-bool WindowPatience::eventFilter(QObject* watched, QEvent* event) {
+bool WaitDialogController::eventFilter(QObject* watched, QEvent* event) {
     switch (event->type()) {
     case QEvent::MouseButtonPress: // a release may belong to a press from before
     case QEvent::MouseButtonDblClick:
@@ -70,7 +70,7 @@ bool WindowPatience::eventFilter(QObject* watched, QEvent* event) {
     }
 }
 
-void WindowPatience::openPane() {
+void WaitDialogController::openPane() {
     const QWidget* window = QApplication::activeWindow();
     for (const QWidget* candidate : QApplication::topLevelWidgets()) {
         if (!window && candidate->isVisible())
@@ -81,7 +81,7 @@ void WindowPatience::openPane() {
     m_pane->start(m_program, waitPaneArguments(window ? window->geometry() : QRect(), m_store));
 }
 
-void WindowPatience::closePane() {
+void WaitDialogController::closePane() {
     if (!m_pane)
         return;
     m_pane->kill();
@@ -90,7 +90,7 @@ void WindowPatience::closePane() {
 }
 
 /// What a window manager or another window has wiped away comes back; nothing is painted anew.
-void WindowPatience::showPixels() {
+void WaitDialogController::showPixels() {
     for (const QWidget* widget : QApplication::topLevelWidgets()) {
         QBackingStore* pixels = widget->isVisible() ? widget->backingStore() : nullptr;
         if (pixels && pixels->window() && pixels->window()->isExposed())
