@@ -91,24 +91,26 @@ Status PostgresStore::pruneLog(int64_t id) {
 int PostgresStore::wakeFd() const {
     if (!m_followed) {
         m_followed = true;
-        guarded([&]() -> Status {
+        const Status connected = guarded([&]() -> Status {
             m_listener.revive(m_url);
             return {};
         });
+        static_cast<void>(connected); // every later look at the log tries again
     }
     return m_listener.fd();
 }
 
 void PostgresStore::takeWake() {
-    guarded([&]() -> Status {
+    const Status taken = guarded([&]() -> Status {
         m_listener.take();
         return {};
     });
+    static_cast<void>(taken); // what is left keeps the descriptor readable
 }
 
 bool PostgresStore::changed() {
-    bool result = true; // an error is the reader's to meet
-    guarded([&]() -> Status {
+    bool result = true;
+    const Status looked = guarded([&]() -> Status {
         if (!m_connection.alive() || m_session.empty())
             return {};
         if (m_followed)
@@ -120,7 +122,7 @@ bool PostgresStore::changed() {
         m_more = false;
         return {};
     });
-    return result;
+    return result || !looked.ok(); // an error is the reader's to meet
 }
 
 Status PostgresStore::integrity(std::vector<std::string>* damages) {

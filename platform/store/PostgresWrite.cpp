@@ -139,22 +139,26 @@ Status PostgresStore::begin(const std::string& call) {
     m_failure = {};
     m_commitSent = false;
     const char what[] = "Запись";
-    send("BEGIN", {}, what, false);
+    const Status begun = send("BEGIN", {}, what, false);
+    if (!begun.ok())
+        return begun;
     // Who writes waits here for who writes already, before it holds anything else.
-    send(std::string("SELECT ") + takeLogLock +
-             ", set_config('orvo.login', $1, true), set_config('orvo.call', $2, true)",
-         Parameters().text(m_asLogin).text(call), what, true);
-    return m_failure;
+    return send(std::string("SELECT ") + takeLogLock +
+                    ", set_config('orvo.login', $1, true), set_config('orvo.call', $2, true)",
+                Parameters().text(m_asLogin).text(call), what, true);
 }
 
 Status PostgresStore::commit() {
-    send(writtenOfCall, Parameters().integer(m_written.since).text(m_written.call), "Запись",
-         false);
-    if (m_failure.ok() && !m_sent.empty())
+    const Status asked = send(
+        writtenOfCall, Parameters().integer(m_written.since).text(m_written.call), "Запись", false);
+    if (!asked.ok())
+        return asked; // before the commit: nothing is saved
+    if (!m_sent.empty())
         m_sent.back().tells = true;
-    m_commitSent = true;
-    send("COMMIT", {}, "Запись", false);
-    return drainPipeline();
+    m_commitSent = true; // even a failed send may have put it on its way
+    const Status sent = send("COMMIT", {}, "Запись", false);
+    const Status finished = drainPipeline();
+    return sent.ok() ? finished : sent;
 }
 
 void PostgresStore::takeWritten(const PGresult* result) {
@@ -167,7 +171,10 @@ void PostgresStore::takeWritten(const PGresult* result) {
 }
 
 void PostgresStore::rollback() {
-    drainPipeline();
+    // The failure that led here is the one that is told. If the stream cannot be ended either, the
+    // connection goes, and the server rolls back.
+    if (!drainPipeline().ok() && PQpipelineStatus(m_connection.get()) != PQ_PIPELINE_OFF)
+        m_connection.close();
     if (m_connection.usable() && PQtransactionStatus(m_connection.get()) != PQTRANS_IDLE)
         m_connection.execute("ROLLBACK");
     m_sent.clear();

@@ -45,7 +45,9 @@ enum Code : int {
     LogReplaced = 27,   ///< the change log is not the one in which the cursor was taken
 };
 
-struct Status {
+/// What an operation came to. To be looked at: a write that failed and was taken for saved is a
+/// lost edit.
+struct [[nodiscard]] Status {
     int code = Ok;
     std::string text;
     bool ok() const { return code == Ok; }
