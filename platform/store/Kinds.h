@@ -17,7 +17,7 @@ struct Location {
     std::string file;        ///< absolute path, if the store lives in one file
 };
 
-struct Kind {
+struct DatabaseKind {
     std::vector<const char*>
         schemes; ///< that its addresses begin with, "name:"; the first is usual
     /// BadArguments if the address is none of this kind, in words that quote nothing of it.
@@ -30,11 +30,11 @@ struct Kind {
 /// Whether a text can be meant as a path (StoreUrl.h).
 bool isPathText(const std::string& text);
 
-const std::vector<Kind>& kinds();
+const std::vector<DatabaseKind>& kinds();
 /// The kind that the address is one of by its scheme; null if it has none that is known.
-const Kind* findKind(const std::string& url);
+const DatabaseKind* findKind(const std::string& url);
 /// The kind that a plain path names a file of.
-const Kind& fileKind();
+const DatabaseKind& fileKind();
 
 } // namespace orvo::store
 

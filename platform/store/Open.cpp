@@ -7,23 +7,23 @@
 
 namespace orvo::store {
 
-const std::vector<Kind>& kinds() {
-    static const std::vector<Kind> all = {
+const std::vector<DatabaseKind>& kinds() {
+    static const std::vector<DatabaseKind> all = {
         {{"sqlite:"}, sqlite::parseUrl, sqlite::openStore},
         {{"postgresql:", "postgres:"}, postgres::parseUrl, postgres::openStore},
     };
     return all;
 }
 
-const Kind* findKind(const std::string& url) {
-    for (const Kind& kind : kinds())
+const DatabaseKind* findKind(const std::string& url) {
+    for (const DatabaseKind& kind : kinds())
         for (const char* scheme : kind.schemes)
             if (url.starts_with(scheme))
                 return &kind;
     return nullptr;
 }
 
-const Kind& fileKind() {
+const DatabaseKind& fileKind() {
     return kinds().front();
 }
 

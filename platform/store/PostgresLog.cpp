@@ -11,8 +11,6 @@ namespace orvo::store::postgres {
 
 namespace {
 
-const char logName[] = "Журнал изменений";
-
 /// How long the regular look at the log waits for the server.
 constexpr int lookMilliseconds = 2000;
 
@@ -53,9 +51,8 @@ Status PostgresStore::readLog(const LogCursor& cursor, int limit, std::vector<Ch
         const Result result = m_connection.query(
             std::string("WITH ends AS (SELECT (SELECT \"id\" FROM public.\"NciPruned\") AS pruned, "
                         "(") +
-                newestId +
-                ") AS newest) SELECT ends.*, e.\"id\", e.\"code\", e.\"tableName\", e.\"key\", "
-                "e.\"login\", e.\"time\", e.\"after\", e.\"before\" FROM ends LEFT JOIN LATERAL "
+                newestId + ") AS newest) SELECT pruned, newest, " + changeColumns +
+                " FROM ends LEFT JOIN LATERAL "
                 "(SELECT * FROM public.\"NciEvent\" WHERE \"id\" >= $1 AND \"id\" <= newest ORDER "
                 "BY \"id\" LIMIT $2) e "
                 "ON true ORDER BY e.\"id\"",

@@ -18,8 +18,7 @@ std::string lines(const std::vector<std::string>& keys) {
 } // namespace
 
 Status PostgresStore::selectStored(int type, std::string_view folded,
-                                   const std::optional<Value>& folder,
-                                   const std::function<void(const Row& row)>& each) {
+                                   const std::optional<Value>& folder, const EachRow& each) {
     static const TableDef& table = *findTable("MenuResource");
     static const std::vector<int> fields = {0, table.find("MenuResourceFolderKey"),
                                             table.find("name_")};
@@ -51,9 +50,9 @@ Status PostgresStore::changedSince(const TableDef& table, int64_t since, int64_t
         "AS pruned) AS ends",
         Parameters().integer(since).text(table.name));
     if (!succeeded(result.get()))
-        return m_connection.failure("Журнал изменений", result.get());
+        return m_connection.failure(logName, result.get());
     *newest = integerAt(result.get(), 0, 0);
-    // A newest id below is one of another life of this database.
+    // A lower newest id: `since` was taken before the store was recreated or restored.
     *changed = booleanAt(result.get(), 0, 1) || *newest < since;
     return {};
 }
@@ -75,12 +74,12 @@ Status PostgresStore::changesOf(const TableDef& table, const std::vector<std::st
         return status;
     const std::string list = lines(keys);
     const Result result = m_connection.query(
-        "SELECT \"id\", \"code\", \"tableName\", \"key\", \"login\", \"time\", \"after\", "
-        "\"before\" FROM public.\"NciEvent\" WHERE \"id\" > $1 AND \"tableName\" = $2 AND "
-        "lower(\"key\") = ANY (string_to_array($3, E'\\n')) ORDER BY \"id\"",
+        std::string("SELECT ") + changeColumns +
+            " FROM public.\"NciEvent\" WHERE \"id\" > $1 AND \"tableName\" = $2 AND "
+            "lower(\"key\") = ANY (string_to_array($3, E'\\n')) ORDER BY \"id\"",
         Parameters().integer(since).text(table.name).text(list));
     if (!succeeded(result.get()))
-        return m_connection.failure("Журнал изменений", result.get());
+        return m_connection.failure(logName, result.get());
     *changes = changesIn(result.get(), 0);
     return {};
 }

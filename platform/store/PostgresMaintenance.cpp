@@ -7,13 +7,6 @@
 
 namespace orvo::store::postgres {
 
-namespace {
-
-constexpr const char* logName = "Журнал изменений";
-constexpr const char* contentName = "Содержимое файла";
-
-} // namespace
-
 Status PostgresStore::measure(Amount* amount) {
     std::string records;
     for (const TableDef& table : tables())
@@ -41,8 +34,7 @@ Status PostgresStore::selectInOrder(const TableDef& table,
                    inTable(table), table, each);
 }
 
-Status PostgresStore::contentPieces(const std::string& key,
-                                    const std::function<Status(std::string_view piece)>& each) {
+Status PostgresStore::contentPieces(const std::string& key, const EachPiece& each) {
     return copyOut(
         m_connection,
         "COPY (SELECT \"data\" FROM public.\"MenuResourceFileData\" WHERE \"KeyLink\" = " +
@@ -100,18 +92,16 @@ std::vector<Change> PostgresStore::changesIn(const PGresult* rows, int column) {
     return changes;
 }
 
-Status PostgresStore::selectChanges(const std::string& which, std::vector<Change>* changes) {
+Status PostgresStore::selectChanges(const ChangeQuery& query, std::vector<Change>* changes) {
     const Status status = ready();
     if (!status.ok())
         return status;
+    const std::string which = changesWhere(query);
     if (!isText(which))
         return {BadArguments, std::string(logName) + ": недопустимый знак в условии"};
     const Connection::NoTimeoutScope noTimeout(m_connection); // a long log
     const Result result = m_connection.query(
-        "SELECT \"id\", \"code\", \"tableName\", \"key\", \"login\", \"time\", \"after\", "
-        "\"before\" FROM public.\"NciEvent\"" +
-            which,
-        {});
+        std::string("SELECT ") + changeColumns + " FROM public.\"NciEvent\"" + which, {});
     if (!succeeded(result.get()))
         return m_connection.failure(logName, result.get());
     *changes = changesIn(result.get(), 0);

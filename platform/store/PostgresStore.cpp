@@ -107,22 +107,15 @@ Status PostgresStore::identity(std::string* identity) {
 
 // Tables -----------------------------------------------------------------------------------------
 
-Status PostgresStore::fetch(std::string_view name, MDArray* into) {
-    return guarded([&]() -> Status {
-        const TableDef* table = findTable(name);
-        if (table == nullptr)
-            return {UnknownName, "Неизвестная таблица " + shown(name)};
-        if (into == nullptr || into->fieldCount != 0)
-            return {BadArguments, inTable(*table) + ": массив для записей не пуст"};
-        const Status status = ready();
-        if (!status.ok())
-            return status;
-        return records(*table, into, [&](mdx::RecordWriter& writer) {
-            return copyOut(m_connection,
-                           "COPY " + qualified(table->name) + " (" + fieldList(*table) +
-                               ") TO STDOUT (FORMAT binary)",
-                           inTable(*table), *table, writer);
-        });
+Status PostgresStore::fetchAll(const TableDef& table, MDArray* into) {
+    const Status status = ready();
+    if (!status.ok())
+        return status;
+    return records(table, into, [&](mdx::RecordWriter& writer) {
+        return copyOut(m_connection,
+                       "COPY " + qualified(table.name) + " (" + fieldList(table) +
+                           ") TO STDOUT (FORMAT binary)",
+                       inTable(table), table, writer);
     });
 }
 
@@ -154,7 +147,7 @@ Status PostgresStore::fetchMatching(const TableDef& table, const FieldDef& field
 
 Status PostgresStore::rows(const TableDef& table, const std::vector<int>& fields,
                            const std::string& sql, const Parameters& parameters,
-                           const std::function<void(const Row& row)>& each) {
+                           const EachRow& each) {
     const Status status = drainPipeline(); // what was sent before has to show
     if (!status.ok())
         return status;
@@ -172,14 +165,13 @@ Status PostgresStore::rows(const TableDef& table, const std::vector<int>& fields
 }
 
 Status PostgresStore::select(const TableDef& table, const std::vector<int>& fields,
-                             const std::function<void(const Row& row)>& each) {
+                             const EachRow& each) {
     return rows(table, fields,
                 "SELECT " + fieldList(table, fields) + " FROM " + qualified(table.name), {}, each);
 }
 
 Status PostgresStore::selectWhere(const TableDef& table, const std::vector<int>& fields, int where,
-                                  const Value& value,
-                                  const std::function<void(const Row& row)>& each) {
+                                  const Value& value, const EachRow& each) {
     const FieldDef& field = table.fields[static_cast<size_t>(where)];
     const std::string name = identifier(field.name);
     const std::string sql =
@@ -216,18 +208,17 @@ Status PostgresStore::inRead(const Work& work) {
 }
 
 Status PostgresStore::contentBytes(const std::string& key, std::string* bytes) {
-    const char what[] = "Содержимое файла";
     const std::string from =
         " FROM public.\"MenuResourceFileData\" WHERE \"KeyLink\" = " + literal(key);
     const Result size =
         m_connection.execute("SELECT coalesce(sum(octet_length(\"data\")), 0)" + from);
     if (!succeeded(size.get()))
-        return m_connection.failure(what, size.get());
+        return m_connection.failure(contentName, size.get());
     bytes->clear();
     bytes->reserve(std::strtoull(PQgetvalue(size.get(), 0, 0), nullptr, 10));
     return copyOut(m_connection,
                    "COPY (SELECT \"data\"" + from + " ORDER BY \"part\") TO STDOUT (FORMAT binary)",
-                   what, [&](std::string_view piece) -> Status {
+                   contentName, [&](std::string_view piece) -> Status {
                        bytes->append(piece);
                        return {};
                    });

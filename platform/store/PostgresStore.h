@@ -43,8 +43,6 @@ public:
 
     Status identity(std::string* identity) override;
 
-    Status fetch(std::string_view table, MDArray* into) override;
-
     Status logPosition(int64_t* id) override;
     Status readLog(const LogCursor& cursor, int limit, std::vector<Change>* changes) override;
     Status pruneLog(int64_t id) override;
@@ -61,6 +59,7 @@ public:
     Status missingLogins(std::vector<std::string>* logins) override;
 
 protected:
+    Status fetchAll(const TableDef& table, MDArray* into) override;
     Status fetchMatching(const TableDef& table, const FieldDef& field, TextMatch match,
                          std::string_view value, MDArray* into) override;
     Status inRead(const Work& work) override;
@@ -69,12 +68,11 @@ protected:
     Status applyContent(const Write& write, std::string_view bytes) override;
     Status contentBytes(const std::string& key, std::string* bytes) override;
     Status select(const TableDef& table, const std::vector<int>& fields,
-                  const std::function<void(const Row& row)>& each) override;
+                  const EachRow& each) override;
     Status selectWhere(const TableDef& table, const std::vector<int>& fields, int where,
-                       const Value& value,
-                       const std::function<void(const Row& row)>& each) override;
+                       const Value& value, const EachRow& each) override;
     Status selectStored(int type, std::string_view folded, const std::optional<Value>& folder,
-                        const std::function<void(const Row& row)>& each) override;
+                        const EachRow& each) override;
     Status changedSince(const TableDef& table, int64_t since, int64_t* newest,
                         bool* changed) override;
     Status makeLogin(const User& user) override;
@@ -86,13 +84,12 @@ protected:
     Status measure(Amount* amount) override;
     Status selectInOrder(const TableDef& table,
                          const std::function<Status(const Row& row)>& each) override;
-    Status contentPieces(const std::string& key,
-                         const std::function<Status(std::string_view piece)>& each) override;
+    Status contentPieces(const std::string& key, const EachPiece& each) override;
     Status clearAll() override;
     Status beginContent(const Write& write, uint64_t size) override;
     Status contentPiece(std::string_view piece) override;
     Status endContent() override;
-    Status selectChanges(const std::string& which, std::vector<Change>* changes) override;
+    Status selectChanges(const ChangeQuery& query, std::vector<Change>* changes) override;
 
 private:
     /// A statement on its way: what to say if it fails.
@@ -107,7 +104,7 @@ private:
     Status ready();
     Status connect();
     Status rows(const TableDef& table, const std::vector<int>& fields, const std::string& sql,
-                const Parameters& parameters, const std::function<void(const Row& row)>& each);
+                const Parameters& parameters, const EachRow& each);
     Status newest(int64_t* id, int milliseconds);
     /// The changes in a result, from that column on, up to a row without one.
     static std::vector<Change> changesIn(const PGresult* rows, int column);

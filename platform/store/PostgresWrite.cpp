@@ -25,38 +25,23 @@ constexpr std::chrono::seconds outcomeTimeout(5);
 const char unknownOutcome[] = ": неизвестно, сохранено ли изменение";
 
 /// The last change that a call left in the log, and the id of its first.
-const char writtenOfCall[] =
-    "SELECT \"id\", \"code\", \"tableName\", \"key\", \"login\", \"time\", \"after\", \"before\", "
-    "(SELECT min(\"id\") FROM public.\"NciEvent\" WHERE \"id\" > $1 AND \"call\" = $2) FROM "
-    "public.\"NciEvent\" WHERE \"id\" > $1 AND \"call\" = $2 ORDER BY \"id\" DESC LIMIT 1";
+const std::string& writtenOfCall() {
+    static const std::string sql =
+        std::string("SELECT ") + changeColumns +
+        ", (SELECT min(\"id\") FROM public.\"NciEvent\" WHERE \"id\" > $1 AND \"call\" = $2) FROM "
+        "public.\"NciEvent\" WHERE \"id\" > $1 AND \"call\" = $2 ORDER BY \"id\" DESC LIMIT 1";
+    return sql;
+}
 
 const char dataTable[] = "public.\"MenuResourceFileData\"";
 
 /// The statement for a write of this shape.
 std::string statement(const TableDef& table, const Write& write) {
-    const std::string name = qualified(table.name);
-    const std::string key = identifier(table.fields[0].name);
-    const auto column = [&](int number) {
-        return identifier(table.fields[static_cast<size_t>(number)].name);
-    };
-    const std::string where = " WHERE lower(" + key + ") = $1";
-    if (write.flag == MDX_DELETE)
-        return "DELETE FROM " + name + where;
-    int parameter = 2;
-    if (write.flag == MDX_INSERT) {
-        std::string columns = key;
-        std::string places = "$1";
-        for (const auto& [number, value] : write.values) {
-            columns += ", " + column(number);
-            places += ", $" + std::to_string(parameter++);
-        }
-        return "INSERT INTO " + name + " (" + columns + ") VALUES (" + places + ")";
-    }
-    // Without fields too there is an update, for the sake of its echo.
-    std::string set = write.values.empty() ? key + " = " + key : "";
-    for (const auto& [number, value] : write.values)
-        set += (set.empty() ? "" : ", ") + column(number) + " = $" + std::to_string(parameter++);
-    return "UPDATE " + name + " SET " + set + where;
+    WriteSyntax syntax;
+    syntax.table = qualified(table.name);
+    syntax.whereKey = "lower(" + identifier(table.fields[0].name) + ") = $1";
+    syntax.parameter = '$';
+    return writeStatement(table, write, syntax);
 }
 
 } // namespace
@@ -149,8 +134,9 @@ Status PostgresStore::begin(const std::string& call) {
 }
 
 Status PostgresStore::commit() {
-    const Status asked = send(
-        writtenOfCall, Parameters().integer(m_written.since).text(m_written.call), "Запись", false);
+    const Status asked =
+        send(writtenOfCall(), Parameters().integer(m_written.since).text(m_written.call), "Запись",
+             false);
     if (!asked.ok())
         return asked; // before the commit: nothing is saved
     if (!m_sent.empty())
@@ -267,7 +253,7 @@ Status PostgresStore::resolveCommitOutcome(const std::string& call, int64_t sinc
         return unknown;
     if (booleanAt(found.get(), 0, 0)) {
         const Result left =
-            m_connection.query(writtenOfCall, Parameters().integer(since).text(call));
+            m_connection.query(writtenOfCall(), Parameters().integer(since).text(call));
         if (succeeded(left.get()))
             takeWritten(left.get());
         m_written.unknown = false;
@@ -282,9 +268,7 @@ Status PostgresStore::resolveCommitOutcome(const std::string& call, int64_t sinc
 // The writes -------------------------------------------------------------------------------------
 
 Status PostgresStore::apply(const TableDef& table, const Write& write) {
-    std::string what = write.place.empty()
-                           ? "Таблица " + shown(table.name) + ", запись " + shown(write.key)
-                           : write.place;
+    std::string what = placeOf(table, write);
     const bool insert = write.flag == MDX_INSERT;
     if (!insert && !isText(write.key))
         return {}; // the key of no record
@@ -306,7 +290,7 @@ Status PostgresStore::applyContent(const Write& write, std::string_view bytes) {
     Status status = apply(table, write);
     if (status.ok() && write.flag == MDX_UPDATE)
         status = send(std::string("DELETE FROM ") + dataTable + " WHERE \"KeyLink\" = $1",
-                      Parameters().text(write.key), "Содержимое файла", true);
+                      Parameters().text(write.key), contentName, true);
     if (status.ok())
         status = putChecksum(write.key, checksum(bytes));
     if (status.ok())
@@ -314,7 +298,7 @@ Status PostgresStore::applyContent(const Write& write, std::string_view bytes) {
     if (!status.ok() || bytes.empty())
         return status;
     const Connection::NoTimeoutScope noTimeout(m_connection); // a large file, a slow disk
-    return copyIn(m_connection, copyContentIn, "Содержимое файла", write.key, bytes);
+    return copyIn(m_connection, copyContentIn, contentName, write.key, bytes);
 }
 
 Status PostgresStore::putChecksum(const std::string& key, const std::string& sum) {
@@ -323,7 +307,7 @@ Status PostgresStore::putChecksum(const std::string& key, const std::string& sum
         "INSERT INTO public.\"MenuResourceFileSum\" SELECT \"KeyLink\", $2 FROM "
         "public.\"MenuResourceFile\" WHERE \"KeyLink\" = $1 ON CONFLICT (\"KeyLink\") DO UPDATE "
         "SET \"sha256\" = excluded.\"sha256\"",
-        Parameters().text(key).text(sum), "Содержимое файла", true);
+        Parameters().text(key).text(sum), contentName, true);
 }
 
 Status PostgresStore::makeLogin(const User& user) {

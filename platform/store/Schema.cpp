@@ -2,6 +2,7 @@
 
 #include "frame/Vocabulary.h"
 #include "platform/mdx/MdxBuild.h"
+#include "platform/store/Names.h"
 
 #include <strings.h>
 
@@ -79,6 +80,10 @@ const TableDef* findTable(std::string_view name) {
 
 bool isKeyOrLink(const TableDef& table, const FieldDef& field) {
     return field.link || &field == &table.fields.front();
+}
+
+std::string inTable(const TableDef& table) {
+    return "Таблица " + shown(table.name);
 }
 
 int makeStructure(const TableDef& table, MDArray* array) {

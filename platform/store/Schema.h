@@ -5,6 +5,7 @@
 
 #include "frame/OrvoMdx.h"
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -44,6 +45,8 @@ inline const TableDef& contentTable() {
 const TableDef* findTable(std::string_view name);
 /// Whether the field holds this record's key or another's.
 bool isKeyOrLink(const TableDef& table, const FieldDef& field);
+/// Names the table in a message.
+std::string inTable(const TableDef& table);
 /// Gives an array without fields the structure of the table.
 int makeStructure(const TableDef& table, MDArray* array);
 

@@ -2,6 +2,7 @@
 
 #include "platform/store/Names.h"
 
+#include <charconv>
 #include <numeric>
 
 namespace orvo::store {
@@ -16,6 +17,11 @@ std::string quoted(std::string_view text, char quote) {
         out += c;
     }
     return out + quote;
+}
+
+std::string number(double value) {
+    char text[32];
+    return {text, std::to_chars(text, text + sizeof text, value).ptr};
 }
 
 } // namespace
@@ -41,8 +47,56 @@ std::string fieldList(const TableDef& table) {
     return fieldList(table, all);
 }
 
-std::string inTable(const TableDef& table) {
-    return "Таблица " + shown(table.name);
+std::string writeStatement(const TableDef& table, const Write& write, const WriteSyntax& syntax) {
+    if (write.flag == MDX_DELETE)
+        return "DELETE FROM " + syntax.table + " WHERE " + syntax.whereKey;
+    const std::string key = identifier(table.fields[0].name);
+    std::vector<std::string> columns;
+    for (const auto& [number, value] : write.values)
+        columns.push_back(identifier(table.fields[static_cast<size_t>(number)].name));
+    if (syntax.extra != nullptr)
+        columns.push_back(identifier(syntax.extra));
+    const auto parameter = [&](size_t number) { return syntax.parameter + std::to_string(number); };
+    if (write.flag == MDX_INSERT) {
+        std::string names = key;
+        std::string places = parameter(1);
+        for (size_t i = 0; i < columns.size(); ++i) {
+            names += ", " + columns[i];
+            places += ", " + parameter(i + 2);
+        }
+        return "INSERT INTO " + syntax.table + " (" + names + ") VALUES (" + places + ")";
+    }
+    // Without fields too there is an update, for the sake of its echo.
+    std::string set = columns.empty() ? key + " = " + key : "";
+    for (size_t i = 0; i < columns.size(); ++i)
+        set += (i == 0 ? "" : ", ") + columns[i] + " = " + parameter(i + 2);
+    return "UPDATE " + syntax.table + " SET " + set + " WHERE " + syntax.whereKey;
+}
+
+std::string changesWhere(const ChangeQuery& query) {
+    std::string where;
+    const auto also = [&](const std::string& condition) {
+        where += (where.empty() ? " WHERE " : " AND ") + condition;
+    };
+    if (!query.table.empty())
+        also("\"tableName\" = " + literal(query.table));
+    if (!query.key.empty())
+        also("lower(\"key\") = " + literal(foldedKey(query.key)));
+    if (query.login)
+        also("\"login\" = " + literal(*query.login));
+    if (query.since)
+        also("\"time\" >= " + number(*query.since));
+    if (query.until)
+        also("\"time\" < " + number(*query.until));
+    if (query.below > 0)
+        also("\"id\" < " + std::to_string(query.below));
+    if (query.id)
+        also("\"id\" = " + std::to_string(*query.id));
+    if (query.after > 0)
+        also("\"id\" > " + std::to_string(query.after));
+    if (!query.call.empty())
+        also("\"call\" = " + literal(query.call));
+    return where + " ORDER BY \"id\" DESC LIMIT " + std::to_string(query.limit);
 }
 
 } // namespace orvo::store

@@ -3,7 +3,7 @@
 #ifndef ORVO_PLATFORM_STORE_SQL_H
 #define ORVO_PLATFORM_STORE_SQL_H
 
-#include "platform/store/Schema.h"
+#include "platform/store/StoreBackend.h"
 
 #include <string>
 #include <string_view>
@@ -18,8 +18,22 @@ std::string literal(std::string_view text);
 /// "field", "field" of these fields, or of all of them.
 std::string fieldList(const TableDef& table, const std::vector<int>& fields);
 std::string fieldList(const TableDef& table);
-/// Names the table in a message.
-std::string inTable(const TableDef& table);
+
+/// What differs between databases in a statement that writes a record.
+struct WriteSyntax {
+    std::string table;           ///< its name
+    std::string whereKey;        ///< condition by which parameter 1 finds the record
+    char parameter = '?';        ///< in front of a parameter's number
+    const char* extra = nullptr; ///< a column more, whose value is the last parameter
+};
+/// The statement for a write of this shape: parameter 1 is the key, then come its values.
+std::string writeStatement(const TableDef& table, const Write& write, const WriteSyntax& syntax);
+
+/// The columns of the log as Change holds them, in its order.
+inline constexpr char changeColumns[] =
+    "\"id\", \"code\", \"tableName\", \"key\", \"login\", \"time\", \"after\", \"before\"";
+/// What follows the log's name in a statement that selects these changes.
+std::string changesWhere(const ChangeQuery& query);
 
 } // namespace orvo::store
 

@@ -26,8 +26,7 @@ std::string jsonList(const std::vector<std::string>& keys) {
 } // namespace
 
 Status SqliteStore::selectStored(int type, std::string_view folded,
-                                 const std::optional<Value>& folder,
-                                 const std::function<void(const Row& row)>& each) {
+                                 const std::optional<Value>& folder, const EachRow& each) {
     // The first condition is the index's own.
     static const std::string anywhere =
         std::string("SELECT \"KeyLink\", \"MenuResourceFolderKey\", \"name_\" FROM "
@@ -52,16 +51,15 @@ Status SqliteStore::changedSince(const TableDef& table, int64_t since, int64_t* 
                "pruned > ?1 OR EXISTS (SELECT 1 FROM \"NciEvent\" WHERE \"id\" > ?1 AND "
                "\"tableName\" = ?2) FROM (SELECT coalesce((SELECT \"id\" FROM \"NciPruned\"), 0) "
                "AS pruned)");
-    const char what[] = "Журнал изменений";
     if (statement == nullptr)
-        return m_connection.failure(what);
+        return m_connection.failure(logName);
     const ResetAfter reset(*statement);
     statement->bind(1, since);
     statement->bind(2, std::string_view(table.name));
     if (statement->step() != SQLITE_ROW)
-        return m_connection.failure(what);
+        return m_connection.failure(logName);
     *newest = statement->integer(0);
-    // A newest id below is one of another life of this file.
+    // A lower newest id: `since` was taken before the store was recreated or restored.
     *changed = statement->integer(1) != 0 || *newest < since;
     return {};
 }
@@ -81,11 +79,11 @@ Status SqliteStore::storedKeys(const TableDef& table, const std::vector<std::str
 Status SqliteStore::changesOf(const TableDef& table, const std::vector<std::string>& keys,
                               int64_t since, std::vector<Change>* changes) {
     Statement* statement =
-        cached("SELECT \"id\", \"code\", \"tableName\", \"key\", \"login\", \"time\", "
-               "\"after\", \"before\" FROM \"NciEvent\" WHERE \"id\" > ?1 AND \"tableName\" = ?2 "
+        cached(std::string("SELECT ") + changeColumns +
+               " FROM \"NciEvent\" WHERE \"id\" > ?1 AND \"tableName\" = ?2 "
                "AND lower(\"key\") IN (SELECT \"value\" FROM json_each(?3)) ORDER BY \"id\"");
     if (statement == nullptr)
-        return m_connection.failure("Журнал изменений");
+        return m_connection.failure(logName);
     const ResetAfter reset(*statement);
     const std::string list = jsonList(keys);
     statement->bind(1, since);

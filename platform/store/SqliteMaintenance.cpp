@@ -9,9 +9,6 @@ namespace orvo::store::sqlite {
 
 namespace {
 
-constexpr const char* logName = "Журнал изменений";
-constexpr const char* contentName = "Содержимое файла";
-
 /// So much of a stored file is in memory at once.
 constexpr int pieceSize = 1 << 20;
 
@@ -71,8 +68,7 @@ Status SqliteStore::openContent(const std::string& key, bool write, Blob* blob) 
     return opened == SQLITE_OK ? Status() : m_connection.failure(contentName);
 }
 
-Status SqliteStore::contentPieces(const std::string& key,
-                                  const std::function<Status(std::string_view piece)>& each) {
+Status SqliteStore::contentPieces(const std::string& key, const EachPiece& each) {
     Blob blob;
     Status status = openContent(key, false, &blob);
     if (!status.ok())
@@ -177,11 +173,9 @@ Status SqliteStore::readChanges(Statement& statement, std::vector<Change>* chang
     return step == SQLITE_DONE ? Status() : m_connection.failure(logName);
 }
 
-Status SqliteStore::selectChanges(const std::string& which, std::vector<Change>* changes) {
-    Statement statement = m_connection.prepare(
-        "SELECT \"id\", \"code\", \"tableName\", \"key\", \"login\", \"time\", \"after\", "
-        "\"before\" FROM \"NciEvent\"" +
-        which);
+Status SqliteStore::selectChanges(const ChangeQuery& query, std::vector<Change>* changes) {
+    Statement statement = m_connection.prepare(std::string("SELECT ") + changeColumns +
+                                               " FROM \"NciEvent\"" + changesWhere(query));
     return statement ? readChanges(statement, changes) : m_connection.failure(logName);
 }
 

@@ -169,18 +169,10 @@ Status SqliteStore::fetchRows(const TableDef& table, Statement& statement, MDArr
     });
 }
 
-Status SqliteStore::fetch(std::string_view name, MDArray* into) {
-    return guarded([&]() -> Status {
-        const TableDef* table = findTable(name);
-        if (table == nullptr)
-            return {UnknownName, "Неизвестная таблица " + shown(name)};
-        if (into == nullptr || into->fieldCount != 0)
-            return {BadArguments, inTable(*table) + ": массив для записей не пуст"};
-        Statement* statement = cached(selectAll(*table));
-        if (statement == nullptr)
-            return m_connection.failure(inTable(*table));
-        return fetchRows(*table, *statement, into);
-    });
+Status SqliteStore::fetchAll(const TableDef& table, MDArray* into) {
+    Statement* statement = cached(selectAll(table));
+    return statement != nullptr ? fetchRows(table, *statement, into)
+                                : m_connection.failure(inTable(table));
 }
 
 Status SqliteStore::fetchMatching(const TableDef& table, const FieldDef& field, TextMatch match,
@@ -197,8 +189,7 @@ Status SqliteStore::fetchMatching(const TableDef& table, const FieldDef& field, 
     return fetchRows(table, *statement, into);
 }
 
-Status SqliteStore::rows(Statement& statement, size_t columns,
-                         const std::function<void(const Row& row)>& each) {
+Status SqliteStore::rows(Statement& statement, size_t columns, const EachRow& each) {
     const ResetAfter reset(statement);
     Row row(columns);
     int step = SQLITE_DONE;
@@ -211,7 +202,7 @@ Status SqliteStore::rows(Statement& statement, size_t columns,
 }
 
 Status SqliteStore::select(const TableDef& table, const std::vector<int>& fields,
-                           const std::function<void(const Row& row)>& each) {
+                           const EachRow& each) {
     Statement* statement =
         cached("SELECT " + fieldList(table, fields) + " FROM " + identifier(table.name));
     if (statement == nullptr)
@@ -220,8 +211,7 @@ Status SqliteStore::select(const TableDef& table, const std::vector<int>& fields
 }
 
 Status SqliteStore::selectWhere(const TableDef& table, const std::vector<int>& fields, int where,
-                                const Value& value,
-                                const std::function<void(const Row& row)>& each) {
+                                const Value& value, const EachRow& each) {
     Statement* statement =
         cached("SELECT " + fieldList(table, fields) + " FROM " + identifier(table.name) +
                " WHERE " + identifier(table.fields[static_cast<size_t>(where)].name) + " IS ?1");
@@ -256,10 +246,9 @@ Status SqliteStore::lastChange(int64_t before, Written* written) {
     if (!status.ok() || newest <= before)
         return status;
     Statement* statement =
-        cached("SELECT \"id\", \"code\", \"tableName\", \"key\", \"login\", \"time\", \"after\", "
-               "\"before\" FROM \"NciEvent\" WHERE \"id\" = ?1");
+        cached(std::string("SELECT ") + changeColumns + " FROM \"NciEvent\" WHERE \"id\" = ?1");
     if (statement == nullptr)
-        return m_connection.failure("Журнал изменений");
+        return m_connection.failure(logName);
     const ResetAfter reset(*statement);
     statement->bind(1, newest);
     std::vector<Change> last;
@@ -313,44 +302,19 @@ Statement* SqliteStore::writing(const TableDef& table, const Write& write, bool 
     if (statement)
         return &statement;
 
-    const std::string name = identifier(table.name);
-    const std::string key = identifier(table.fields[0].name);
-    std::vector<std::string> columns;
-    for (const auto& [number, value] : write.values)
-        columns.push_back(identifier(table.fields[static_cast<size_t>(number)].name));
+    WriteSyntax syntax;
+    syntax.table = identifier(table.name);
+    syntax.whereKey = identifier(table.fields[0].name) + " = ?1";
     if (bytes)
-        columns.push_back("\"data\"");
-    std::string sql;
-    if (write.flag == MDX_INSERT) {
-        sql = "INSERT INTO " + name + " (" + key;
-        std::string places = "?1";
-        for (size_t i = 0; i < columns.size(); ++i) {
-            sql += ", " + columns[i];
-            places += ", ?" + std::to_string(i + 2);
-        }
-        sql += ") VALUES (" + places + ")";
-    } else if (write.flag == MDX_UPDATE) {
-        // Without fields too there is an update, for the sake of its echo.
-        sql = "UPDATE " + name + " SET ";
-        if (columns.empty())
-            sql += key + " = " + key;
-        for (size_t i = 0; i < columns.size(); ++i)
-            sql += (i == 0 ? "" : ", ") + columns[i] + " = ?" + std::to_string(i + 2);
-        sql += " WHERE " + key + " = ?1";
-    } else {
-        sql = "DELETE FROM " + name + " WHERE " + key + " = ?1";
-    }
-    statement = m_connection.prepare(sql);
+        syntax.extra = "data";
+    statement = m_connection.prepare(writeStatement(table, write, syntax));
     return statement ? &statement : nullptr;
 }
 
 Status SqliteStore::run(const TableDef& table, const Write& write, std::optional<uint64_t> room) {
-    const auto what = [&] {
-        return write.place.empty() ? inTable(table) + ", запись " + shown(write.key) : write.place;
-    };
     Statement* statement = writing(table, write, room.has_value());
     if (statement == nullptr)
-        return m_connection.failure(what());
+        return m_connection.failure(placeOf(table, write));
     const ResetAfter reset(*statement);
     statement->bind(1, std::string_view(write.key));
     int parameter = 2;
@@ -358,7 +322,8 @@ Status SqliteStore::run(const TableDef& table, const Write& write, std::optional
         statement->bind(parameter++, value);
     if (room)
         statement->bindRoom(parameter, *room);
-    return statement->step() == SQLITE_DONE ? Status() : m_connection.failure(what());
+    return statement->step() == SQLITE_DONE ? Status()
+                                            : m_connection.failure(placeOf(table, write));
 }
 
 Status SqliteStore::apply(const TableDef& table, const Write& write) {
@@ -375,7 +340,6 @@ Status SqliteStore::applyContent(const Write& write, std::string_view bytes) {
 }
 
 Status SqliteStore::contentBytes(const std::string& key, std::string* bytes) {
-    const char what[] = "Содержимое файла";
     // Straight into its place: a column read would hold the whole of it once more.
     Blob blob;
     const Status status = openContent(key, false, &blob);
@@ -384,7 +348,7 @@ Status SqliteStore::contentBytes(const std::string& key, std::string* bytes) {
     const int size = sqlite3_blob_bytes(blob.get());
     bytes->resize(static_cast<size_t>(size));
     if (size > 0 && sqlite3_blob_read(blob.get(), bytes->data(), size, 0) != SQLITE_OK)
-        return m_connection.failure(what);
+        return m_connection.failure(contentName);
     return {};
 }
 
@@ -412,14 +376,13 @@ bool SqliteStore::changed() {
 
 Status SqliteStore::logPosition(int64_t* id) {
     return guarded([&]() -> Status {
-        const char what[] = "Журнал изменений";
         Statement* statement = cached("SELECT max(coalesce((SELECT max(\"id\") FROM \"NciEvent\"), "
                                       "0), coalesce((SELECT \"id\" FROM \"NciPruned\"), 0))");
         if (statement == nullptr)
-            return m_connection.failure(what);
+            return m_connection.failure(logName);
         const ResetAfter reset(*statement);
         if (statement->step() != SQLITE_ROW)
-            return m_connection.failure(what);
+            return m_connection.failure(logName);
         *id = statement->integer(0);
         return {};
     });
@@ -427,7 +390,6 @@ Status SqliteStore::logPosition(int64_t* id) {
 
 Status SqliteStore::readLog(const LogCursor& cursor, int limit, std::vector<Change>* changes) {
     return guarded([&]() -> Status {
-        const char what[] = "Журнал изменений";
         std::vector<Change> result;
         if (Status lost = present(); !lost.ok())
             return lost;
@@ -439,15 +401,14 @@ Status SqliteStore::readLog(const LogCursor& cursor, int limit, std::vector<Chan
             Status done = logPosition(&newest);
             if (done.ok() &&
                 m_connection.integer("SELECT \"id\" FROM \"NciPruned\"", &pruned) != SQLITE_OK)
-                done = m_connection.failure(what);
+                done = m_connection.failure(logName);
             if (!done.ok())
                 return done;
             Statement* statement =
-                cached("SELECT \"id\", \"code\", \"tableName\", \"key\", \"login\", \"time\", "
-                       "\"after\", \"before\" FROM \"NciEvent\" WHERE \"id\" >= ?1 ORDER BY \"id\" "
-                       "LIMIT ?2");
+                cached(std::string("SELECT ") + changeColumns +
+                       " FROM \"NciEvent\" WHERE \"id\" >= ?1 ORDER BY \"id\" LIMIT ?2");
             if (statement == nullptr)
-                return m_connection.failure(what);
+                return m_connection.failure(logName);
             const ResetAfter reset(*statement);
             const bool proved = !cursor.proof.empty(); // by the cursor's own change
             statement->bind(1, proved ? cursor.id : cursor.id + 1);
@@ -467,13 +428,12 @@ Status SqliteStore::readLog(const LogCursor& cursor, int limit, std::vector<Chan
 Status SqliteStore::pruneLog(int64_t id) {
     return guarded([&] {
         return inWrite([&]() -> Status {
-            const char what[] = "Журнал изменений";
             Statement* statement = cached("DELETE FROM \"NciEvent\" WHERE \"id\" <= ?1");
             if (statement == nullptr)
-                return m_connection.failure(what);
+                return m_connection.failure(logName);
             const ResetAfter reset(*statement);
             statement->bind(1, id);
-            return statement->step() == SQLITE_DONE ? Status() : m_connection.failure(what);
+            return statement->step() == SQLITE_DONE ? Status() : m_connection.failure(logName);
         });
     });
 }

@@ -49,8 +49,6 @@ public:
 
     Status identity(std::string* identity) override;
 
-    Status fetch(std::string_view table, MDArray* into) override;
-
     Status logPosition(int64_t* id) override;
     Status readLog(const LogCursor& cursor, int limit, std::vector<Change>* changes) override;
     Status pruneLog(int64_t id) override;
@@ -66,6 +64,7 @@ public:
     Status restore(const std::string& file, const Progress& progress) override;
 
 protected:
+    Status fetchAll(const TableDef& table, MDArray* into) override;
     Status fetchMatching(const TableDef& table, const FieldDef& field, TextMatch match,
                          std::string_view value, MDArray* into) override;
     Status inRead(const Work& work) override;
@@ -74,12 +73,11 @@ protected:
     Status applyContent(const Write& write, std::string_view bytes) override;
     Status contentBytes(const std::string& key, std::string* bytes) override;
     Status select(const TableDef& table, const std::vector<int>& fields,
-                  const std::function<void(const Row& row)>& each) override;
+                  const EachRow& each) override;
     Status selectWhere(const TableDef& table, const std::vector<int>& fields, int where,
-                       const Value& value,
-                       const std::function<void(const Row& row)>& each) override;
+                       const Value& value, const EachRow& each) override;
     Status selectStored(int type, std::string_view folded, const std::optional<Value>& folder,
-                        const std::function<void(const Row& row)>& each) override;
+                        const EachRow& each) override;
     Status changedSince(const TableDef& table, int64_t since, int64_t* newest,
                         bool* changed) override;
     Status storedKeys(const TableDef& table, const std::vector<std::string>& keys,
@@ -89,13 +87,12 @@ protected:
     Status measure(Amount* amount) override;
     Status selectInOrder(const TableDef& table,
                          const std::function<Status(const Row& row)>& each) override;
-    Status contentPieces(const std::string& key,
-                         const std::function<Status(std::string_view piece)>& each) override;
+    Status contentPieces(const std::string& key, const EachPiece& each) override;
     Status clearAll() override;
     Status beginContent(const Write& write, uint64_t size) override;
     Status contentPiece(std::string_view piece) override;
     Status endContent() override;
-    Status selectChanges(const std::string& which, std::vector<Change>* changes) override;
+    Status selectChanges(const ChangeQuery& query, std::vector<Change>* changes) override;
 
 private:
     /// ConnectionBroken if the files at the path are no longer the ones that are open.
@@ -116,8 +113,7 @@ private:
     Status openContent(const std::string& key, bool write, Blob* blob);
     Status readChanges(Statement& statement, std::vector<Change>* changes);
     Status fetchRows(const TableDef& table, Statement& statement, MDArray* into);
-    Status rows(Statement& statement, size_t columns,
-                const std::function<void(const Row& row)>& each);
+    Status rows(Statement& statement, size_t columns, const EachRow& each);
     /// A number that grows whenever another connection has committed; -1 if it cannot be read.
     int64_t dataVersion();
 

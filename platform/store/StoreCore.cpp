@@ -1,7 +1,6 @@
 #include "platform/store/StoreCore.h"
 
-#include "platform/store/LinkCycles.h"
-#include "platform/store/Merge.h"
+#include "platform/store/GuardedUpdate.h"
 #include "platform/store/Names.h"
 #include "platform/store/Sql.h"
 
@@ -20,6 +19,17 @@ void clear(MDArray* array) {
         MDACopy(array, empty, 1);
         MDADestroy(empty);
     }
+}
+
+/// Refuses an array that holds something already.
+Status checkEmpty(const TableDef& table, const MDArray* into) {
+    if (into == nullptr || into->fieldCount != 0)
+        return {BadArguments, inTable(table) + ": массив для записей не пуст"};
+    return {};
+}
+
+Status unknownTable(std::string_view name) {
+    return {UnknownName, "Неизвестная таблица " + shown(name)};
 }
 
 } // namespace
@@ -66,6 +76,20 @@ Status StoreCore::records(const TableDef& table, MDArray* into,
     return status;
 }
 
+std::string StoreCore::placeOf(const TableDef& table, const Write& write) {
+    return write.place.empty() ? inTable(table) + ", запись " + shown(write.key) : write.place;
+}
+
+Status StoreCore::fetch(std::string_view name, MDArray* into) {
+    return guarded([&]() -> Status {
+        const TableDef* table = findTable(name);
+        if (table == nullptr)
+            return unknownTable(name);
+        const Status empty = checkEmpty(*table, into);
+        return empty.ok() ? fetchAll(*table, into) : empty;
+    });
+}
+
 Status StoreCore::fetchWhere(std::string_view name, std::string_view field, std::string_view value,
                              MDArray* into) {
     return fetchField(name, field, TextMatch::Exact, value, into);
@@ -81,29 +105,15 @@ Status StoreCore::fetchField(std::string_view name, std::string_view field, Text
     return guarded([&]() -> Status {
         const TableDef* table = findTable(name);
         if (table == nullptr)
-            return {UnknownName, "Неизвестная таблица " + shown(name)};
+            return unknownTable(name);
         const int number = table->find(field);
         const FieldDef* which = number < 0 ? nullptr : &table->fields[static_cast<size_t>(number)];
         if (which == nullptr || which->type != MDX_TEXT)
             return {UnknownName, inTable(*table) + ": нет текстового поля " + shown(field)};
         if (match == TextMatch::Key && !isKeyOrLink(*table, *which))
             return {UnknownName, inTable(*table) + ": поле " + shown(field) + " не хранит ключей"};
-        if (into == nullptr || into->fieldCount != 0)
-            return {BadArguments, inTable(*table) + ": массив для записей не пуст"};
-        return fetchMatching(*table, *which, match, value, into);
-    });
-}
-
-Status StoreCore::refuseCycles(const TableDef& table, const std::vector<Write>& writes) {
-    if (!LinkCycles::concern(table))
-        return {};
-    LinkCycles cycles(table);
-    for (const Write& write : writes)
-        cycles.add(write);
-    return cycles.check([&](const std::string& key, std::string* parent) {
-        parent->clear();
-        return selectWhere(table, {cycles.field()}, 0, key,
-                           [&](const Row& row) { *parent = textOf(row[0]); });
+        const Status empty = checkEmpty(*table, into);
+        return empty.ok() ? fetchMatching(*table, *which, match, value, into) : empty;
     });
 }
 
@@ -121,68 +131,52 @@ Status StoreCore::update(std::string_view tableName, const MDArray* records, Upd
         for (uint32_t entry = 0; entry < plan.count(); ++entry)
             if (const Status status = plan.write(entry, &writes[entry]); !status.ok())
                 return status;
+        UpdateGuard found;
         if (guard != nullptr) {
-            UpdateGuard found;
             found.seen = guard->seen;
             found.own = guard->own;
-            const Status status = inWrite([&] { return applyGuarded(*table, writes, found); });
-            if (status.ok())
-                *guard = std::move(found);
-            else
-                guard->parentDeletion = std::move(found.parentDeletion);
-            return status;
         }
-        return inWrite([&]() -> Status {
-            if (const Status status = refuseCycles(*table, writes); !status.ok())
-                return status;
-            for (const Write& write : writes)
-                if (const Status status = apply(*table, write); !status.ok())
-                    return status;
-            return {};
+        const Status status = inWrite([&] {
+            return GuardedUpdate(*this, *table, writes).apply(guard != nullptr ? &found : nullptr);
         });
+        if (guard != nullptr && status.ok())
+            *guard = std::move(found);
+        else if (guard != nullptr)
+            guard->parentDeletion = std::move(found.parentDeletion);
+        return status;
     });
 }
 
-Status StoreCore::makeLogin(const User& user) {
-    if (user.viewer || !user.password.empty())
-        return {Refused, "Это хранилище не знает паролей и прав"};
-    return {};
+// Stored forms and files -------------------------------------------------------------------------
+
+Status StoreCore::formGet(std::string_view form, bool withBytes, std::vector<StoredFile>* files) {
+    return guarded([&] { return m_files.formGet(form, withBytes, files); });
 }
 
-Status StoreCore::userAdd(const User& user) {
-    return guarded([&]() -> Status {
-        const TableDef& table = *findTable("Users");
-        const auto field = [&](const char* name) { return table.find(name); };
-        if (user.login.empty())
-            return {Refused, "Имя пользователя пусто"};
-        for (const std::string* text :
-             {&user.login, &user.lastName, &user.firstName, &user.midlName}) {
-            if (!isShowable(*text))
-                return {Refused, "Знаки вне кодировки Windows-1251 недопустимы: " + shown(*text)};
-        }
-        return inWrite([&]() -> Status {
-            bool taken = false;
-            Status status = select(table, {field("login_")}, [&](const Row& row) {
-                taken = taken || sameText(textOf(row[0]), user.login);
-            });
-            if (!status.ok())
-                return status;
-            if (taken)
-                return {Refused, "Пользователь " + shown(user.login) + " уже есть"};
-            status = makeLogin(user);
-            if (!status.ok())
-                return status;
-            Write write;
-            write.flag = MDX_INSERT;
-            write.key = newKey();
-            write.values = {{field("login_"), user.login},
-                            {field("lastName"), user.lastName},
-                            {field("firstName"), user.firstName},
-                            {field("midlName"), user.midlName},
-                            {field("program"), int64_t(user.program ? 1 : 0)}};
-            return apply(table, write);
-        });
-    });
+Status StoreCore::formPut(std::string_view path, const std::vector<FileToPut>& files) {
+    return guarded([&] { return m_files.formPut(path, files); });
+}
+
+Status StoreCore::formDelete(const std::vector<std::string>& forms) {
+    return guarded([&] { return m_files.formDelete(forms); });
+}
+
+Status StoreCore::fileGet(std::string_view path, std::string_view name, bool withBytes,
+                          std::vector<StoredFile>* files) {
+    return guarded([&] { return m_files.fileGet(path, name, withBytes, files); });
+}
+
+Status StoreCore::filePut(const std::vector<FileToPut>& files) {
+    return guarded([&] { return m_files.filePut(files); });
+}
+
+Status StoreCore::fileDelete(const std::vector<std::pair<std::string, std::string>>& files) {
+    return guarded([&] { return m_files.fileDelete(files); });
+}
+
+Status StoreCore::fileArea(
+    const std::function<void(const std::string& path, const StoredFile& file)>& each) {
+    return guarded([&] { return m_files.fileArea(each); });
 }
 
 } // namespace orvo::store

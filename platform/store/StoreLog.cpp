@@ -3,13 +3,17 @@
 
 #include <QCryptographicHash>
 
-#include <cstring>
+#include <algorithm>
 
 namespace orvo::store {
 
 namespace {
 
-const char logName[] = "Журнал изменений";
+ChangeQuery changeOf(int64_t id) {
+    ChangeQuery query;
+    query.id = id;
+    return query;
+}
 
 } // namespace
 
@@ -61,7 +65,7 @@ Status StoreCore::logEnd(LogCursor* cursor) {
         Status status = logPosition(&end.id);
         std::vector<Change> last;
         if (status.ok())
-            status = selectChanges(" WHERE \"id\" = " + std::to_string(end.id), &last);
+            status = selectChanges(changeOf(end.id), &last);
         if (!status.ok())
             return status;
         *cursor = last.empty() ? end : LogCursor(last.front());
@@ -75,11 +79,13 @@ Status StoreCore::outcomeOf(const Written& written, Outcome* outcome) {
         if (written.last.proof.empty() && written.call.empty())
             return {};
         std::vector<Change> found;
-        Status status = selectChanges(written.last.proof.empty()
-                                          ? " WHERE \"id\" > " + std::to_string(written.since) +
-                                                " AND \"call\" = '" + written.call + "' LIMIT 1"
-                                          : " WHERE \"id\" = " + std::to_string(written.last.id),
-                                      &found);
+        ChangeQuery wanted = changeOf(written.last.id);
+        if (written.last.proof.empty()) { // nobody was told what the call left
+            wanted.id.reset();
+            wanted.after = written.since;
+            wanted.call = written.call;
+        }
+        Status status = selectChanges(wanted, &found);
         if (!status.ok())
             return status;
         if (!found.empty()) {
@@ -102,6 +108,21 @@ Status StoreCore::outcomeOf(const Written& written, Outcome* outcome) {
                 *outcome = Outcome::NotSaved;
         }
         return {};
+    });
+}
+
+Status StoreCore::history(const LogQuery& query, int limit, std::vector<Change>* changes) {
+    return guarded([&]() -> Status {
+        for (const std::string* text : {&query.table, &query.key})
+            if (text->find('\0') != std::string::npos)
+                return {BadArguments, std::string(logName) + ": нулевой знак в условии"};
+        ChangeQuery wanted{query};
+        wanted.limit = std::max(limit, 0);
+        std::vector<Change> result;
+        const Status status = selectChanges(wanted, &result);
+        if (status.ok())
+            changes->swap(result);
+        return status;
     });
 }
 

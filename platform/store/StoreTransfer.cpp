@@ -1,11 +1,11 @@
-// A store's whole content on its way out and in, and what else only the administrator asks for,
-// as far as it is alike in every kind of store.
+// A store's whole content on its way out and in.
 #include "platform/store/Maintenance.h"
 #include "platform/store/Names.h"
 #include "platform/store/Sql.h"
 #include "platform/store/StoreCore.h"
 
-#include <charconv>
+#include "frame/Vocabulary.h"
+
 #include <cmath>
 #include <limits>
 
@@ -41,56 +41,10 @@ bool fits(const Value& value, const FieldDef& field) {
     }
 }
 
-std::string number(double value) {
-    char text[32];
-    return {text, std::to_chars(text, text + sizeof text, value).ptr};
-}
-
-} // namespace
-
-// Out --------------------------------------------------------------------------------------------
-
-Status StoreCore::writeOut(Receiver& into) {
-    return guarded([&] {
-        return inRead([&]() -> Status {
-            Amount amount;
-            Status status = measure(&amount);
-            if (status.ok())
-                status = into.expect(amount.records, amount.contents, amount.bytes);
-            for (const TableDef& table : tables()) {
-                if (!status.ok())
-                    return status;
-                status = selectInOrder(table,
-                                       [&](const Row& row) { return into.record(table, row, {}); });
-            }
-            // Their bytes are other statements, so the records are taken first; they are small.
-            std::vector<Row> contents;
-            if (status.ok())
-                status = selectInOrder(contentTable(), [&](const Row& row) -> Status {
-                    contents.push_back(row);
-                    return {};
-                });
-            for (const Row& content : contents) {
-                if (!status.ok())
-                    return status;
-                status = into.content(content, {});
-                if (status.ok())
-                    status =
-                        contentPieces(textOf(content[0]), [&](std::string_view piece) -> Status {
-                            return into.bytes(piece);
-                        });
-            }
-            return status;
-        });
-    });
-}
-
-// In ---------------------------------------------------------------------------------------------
-
 /// Checks what comes and writes it.
-class StoreCore::Filler : public Receiver {
+class Filler : public Receiver {
 public:
-    explicit Filler(StoreCore& store) : m_store(store) {}
+    explicit Filler(StoreBackend& store) : m_store(store) {}
 
     Status expect(uint64_t /*records*/, uint64_t /*contents*/, uint64_t /*bytes*/) override {
         return {};
@@ -106,8 +60,8 @@ public:
 
     Status content(const std::vector<Value>& values, const std::string& place) override {
         const TableDef& table = contentTable();
-        static const auto sizeField = static_cast<size_t>(table.find("size"));
-        static const auto nameField = static_cast<size_t>(table.find("name_"));
+        static const auto sizeField = static_cast<size_t>(table.find(field::size));
+        static const auto nameField = static_cast<size_t>(table.find(field::name_));
         Status status = endContent();
         if (status.ok())
             status = plan(table, values, place);
@@ -167,11 +121,52 @@ private:
         return {};
     }
 
-    StoreCore& m_store;
+    StoreBackend& m_store;
     Write m_write;
     bool m_open = false;
     uint64_t m_left = 0; ///< of the open content
 };
+
+} // namespace
+
+// Out --------------------------------------------------------------------------------------------
+
+Status StoreCore::writeOut(Receiver& into) {
+    return guarded([&] {
+        return inRead([&]() -> Status {
+            Amount amount;
+            Status status = measure(&amount);
+            if (status.ok())
+                status = into.expect(amount.records, amount.contents, amount.bytes);
+            for (const TableDef& table : tables()) {
+                if (!status.ok())
+                    return status;
+                status = selectInOrder(table,
+                                       [&](const Row& row) { return into.record(table, row, {}); });
+            }
+            // Their bytes are other statements, so the records are taken first; they are small.
+            std::vector<Row> contents;
+            if (status.ok())
+                status = selectInOrder(contentTable(), [&](const Row& row) -> Status {
+                    contents.push_back(row);
+                    return {};
+                });
+            for (const Row& content : contents) {
+                if (!status.ok())
+                    return status;
+                status = into.content(content, {});
+                if (status.ok())
+                    status =
+                        contentPieces(textOf(content[0]), [&](std::string_view piece) -> Status {
+                            return into.bytes(piece);
+                        });
+            }
+            return status;
+        });
+    });
+}
+
+// In ---------------------------------------------------------------------------------------------
 
 Status StoreCore::replaceAll(const std::function<Status(Receiver& store)>& work) {
     return guarded([&] {
@@ -185,69 +180,6 @@ Status StoreCore::replaceAll(const std::function<Status(Receiver& store)>& work)
             return status;
         });
     });
-}
-
-// Change log -------------------------------------------------------------------------------------
-
-Status StoreCore::history(const LogQuery& query, int limit, std::vector<Change>* changes) {
-    return guarded([&]() -> Status {
-        std::string where;
-        const auto also = [&](const std::string& condition) {
-            where += (where.empty() ? " WHERE " : " AND ") + condition;
-        };
-        for (const std::string* text : {&query.table, &query.key})
-            if (text->find('\0') != std::string::npos)
-                return {BadArguments, "Журнал изменений: нулевой знак в условии"};
-        if (!query.table.empty())
-            also("\"tableName\" = " + literal(query.table));
-        if (!query.key.empty())
-            also("lower(\"key\") = " + literal(foldedKey(query.key)));
-        if (query.login)
-            also("\"login\" = " + literal(*query.login));
-        if (query.since)
-            also("\"time\" >= " + number(*query.since));
-        if (query.until)
-            also("\"time\" < " + number(*query.until));
-        if (query.below > 0)
-            also("\"id\" < " + std::to_string(query.below));
-        std::vector<Change> result;
-        const Status status = selectChanges(
-            where + " ORDER BY \"id\" DESC LIMIT " + std::to_string(std::max(limit, 0)), &result);
-        if (status.ok())
-            changes->swap(result);
-        return status;
-    });
-}
-
-// Logins -----------------------------------------------------------------------------------------
-
-Status StoreCore::loginAdd(const User& user) {
-    return guarded([&]() -> Status {
-        if (!hasLogins())
-            return {Refused, "У этого хранилища нет входов: его файл открывает тот, кому это "
-                             "позволяют права на файл"};
-        const TableDef& table = *findTable("Users");
-        return inWrite([&]() -> Status {
-            bool known = false;
-            User exact = user;
-            const Status status = select(table, {table.find("login_")}, [&](const Row& row) {
-                if (sameText(textOf(row[0]), user.login) &&
-                    (!known || textOf(row[0]) == user.login))
-                    exact.login = textOf(row[0]);
-                known = known || sameText(textOf(row[0]), user.login);
-            });
-            if (!status.ok())
-                return status;
-            if (!known)
-                return {Refused, "Пользователя " + shown(user.login) + " нет"};
-            return makeLogin(exact);
-        });
-    });
-}
-
-Status StoreCore::missingLogins(std::vector<std::string>* logins) {
-    logins->clear();
-    return {};
 }
 
 } // namespace orvo::store

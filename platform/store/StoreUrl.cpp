@@ -27,7 +27,7 @@ std::string schemeOf(const std::string& text) {
 
 Status notUnderstood(const std::string& text) {
     std::string schemes;
-    for (const Kind& kind : kinds())
+    for (const DatabaseKind& kind : kinds())
         schemes += (schemes.empty() ? "" : ", ") + std::string(kind.schemes.front());
     const std::string scheme = schemeOf(text);
     return {BadArguments, "Непонятный адрес хранилища" +
@@ -45,7 +45,7 @@ bool isPathText(const std::string& text) {
 }
 
 Status StoreUrl::parse(const std::string& text) {
-    const Kind* kind = findKind(text);
+    const DatabaseKind* kind = findKind(text);
     const bool isPath = kind == nullptr && isPathText(text);
     if (isPath)
         kind = &fileKind();

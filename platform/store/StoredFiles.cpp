@@ -1,6 +1,6 @@
-// Stored forms and files: resources of type 3 and 4, and their contents.
+#include "platform/store/StoredFiles.h"
+
 #include "platform/store/Names.h"
-#include "platform/store/StoreCore.h"
 
 #include "frame/Vocabulary.h"
 #include "platform/mdx/MdxBuild.h"
@@ -12,9 +12,6 @@
 namespace orvo::store {
 
 namespace {
-
-constexpr int formType = 3;
-constexpr int fileType = 4;
 
 /// The fields of the tables by their numbers in the dictionary.
 struct Fields {
@@ -76,19 +73,20 @@ Status noFolder(std::string_view path) {
 
 } // namespace
 
-Status StoreCore::folders(Area area, Within transaction, std::shared_ptr<const FolderTree>* tree) {
+Status StoredFiles::folders(Area area, Within transaction,
+                            std::shared_ptr<const FolderTree>* tree) {
     const Fields& f = fields();
     KnownFolders& known = m_folders.at(static_cast<size_t>(area));
     int64_t newest = 0;
     bool changed = true;
-    Status status = changedSince(f.folder, known.position, &newest, &changed);
+    Status status = m_backend.changedSince(f.folder, known.position, &newest, &changed);
     if (!status.ok())
         return status;
     if (!known.tree || changed) {
         std::vector<FolderRow> rows;
-        status = selectWhere(
+        status = m_backend.selectWhere(
             f.folder, {0, f.folderParent, f.folderCaption}, f.folderType,
-            int64_t(area == Area::Forms ? formType : fileType), [&](const Row& row) {
+            int64_t(area == Area::Forms ? Kind::Form : Kind::File), [&](const Row& row) {
                 rows.push_back({textOf(row[0]), textOf(row[1]), validUtf8(textOf(row[2]))});
             });
         if (!status.ok())
@@ -104,29 +102,27 @@ Status StoreCore::folders(Area area, Within transaction, std::shared_ptr<const F
     return {};
 }
 
-/// The forms that may have the name: key, folder, name.
-Status StoreCore::forms(std::string_view name, const std::function<void(const Row& row)>& each) {
+Status StoredFiles::forms(std::string_view name, const StoreBackend::EachRow& each) {
     const Fields& f = fields();
     if (const auto folded = foldedName(name))
-        return selectStored(formType, *folded, std::nullopt, each);
-    return selectWhere(f.resource, {0, f.resourceFolder, f.resourceName}, f.resourceType,
-                       int64_t(formType), each);
+        return m_backend.selectStored(Kind::Form, *folded, std::nullopt, each);
+    return m_backend.selectWhere(f.resource, {0, f.resourceFolder, f.resourceName}, f.resourceType,
+                                 int64_t(Kind::Form), each);
 }
 
-/// The files with that link to a folder that may have the name: key, folder, name.
-Status StoreCore::filesIn(const Value& folder, std::string_view name,
-                          const std::function<void(const Row& row)>& each) {
+Status StoredFiles::filesIn(const Value& folder, std::string_view name,
+                            const StoreBackend::EachRow& each) {
     const Fields& f = fields();
     if (const auto folded = foldedName(name))
-        return selectStored(fileType, *folded, folder, each);
-    return selectWhere(f.resource, {0, f.resourceFolder, f.resourceName, f.resourceType},
-                       f.resourceFolder, folder, [&](const Row& row) {
-                           if (row[3] == Value(int64_t(fileType)))
-                               each(row);
-                       });
+        return m_backend.selectStored(Kind::File, *folded, folder, each);
+    return m_backend.selectWhere(f.resource, {0, f.resourceFolder, f.resourceName, f.resourceType},
+                                 f.resourceFolder, folder, [&](const Row& row) {
+                                     if (row[3] == Value(int64_t(Kind::File)))
+                                         each(row);
+                                 });
 }
 
-Status StoreCore::form(std::string_view name, std::optional<Resource>* found) {
+Status StoredFiles::form(std::string_view name, std::optional<Resource>* found) {
     return forms(name, [&](const Row& row) {
         Resource resource{textOf(row[0]), textOf(row[1]), textOf(row[2])};
         if (sameText(resource.name, name) && (!*found || better(resource, **found, name)))
@@ -134,8 +130,8 @@ Status StoreCore::form(std::string_view name, std::optional<Resource>* found) {
     });
 }
 
-Status StoreCore::fileIn(const std::vector<std::string>& folders, std::string_view name,
-                         std::optional<Resource>* found) {
+Status StoredFiles::fileIn(const std::vector<std::string>& folders, std::string_view name,
+                           std::optional<Resource>* found) {
     const auto look = [&](const Row& row) {
         Resource resource{textOf(row[0]), textOf(row[1]), textOf(row[2])};
         if (sameText(resource.name, name) && (!*found || better(resource, **found, name)))
@@ -157,16 +153,16 @@ Status StoreCore::fileIn(const std::vector<std::string>& folders, std::string_vi
     return {};
 }
 
-Status StoreCore::contents(const std::string& resource, std::vector<Content>* found) {
+Status StoredFiles::contents(const std::string& resource, std::vector<Content>* found) {
     const Fields& f = fields();
     found->clear();
-    const Status status =
-        selectWhere(f.content, {0, f.contentName, f.contentTime, f.contentSize}, f.contentResource,
-                    resource, [&](const Row& row) {
-                        std::string name = textOf(row[1]);
-                        StoredFile file = storedFile(name, row[2], row[3]);
-                        found->push_back({textOf(row[0]), std::move(name), std::move(file)});
-                    });
+    const Status status = m_backend.selectWhere(
+        f.content, {0, f.contentName, f.contentTime, f.contentSize}, f.contentResource, resource,
+        [&](const Row& row) {
+            std::string name = textOf(row[1]);
+            StoredFile file = storedFile(name, row[2], row[3]);
+            found->push_back({textOf(row[0]), std::move(name), std::move(file)});
+        });
     std::sort(found->begin(), found->end(), [](const Content& a, const Content& b) {
         const int order = mdx::compareText(mdx::toCp1251(a.name), mdx::toCp1251(b.name));
         return order != 0 ? order < 0 : a.name != b.name ? a.name < b.name : a.key < b.key;
@@ -174,8 +170,8 @@ Status StoreCore::contents(const std::string& resource, std::vector<Content>* fo
     return status;
 }
 
-Status StoreCore::insertResource(int type, const std::string& folder, std::string_view name,
-                                 Resource* made) {
+Status StoredFiles::insertResource(int type, const std::string& folder, std::string_view name,
+                                   Resource* made) {
     const Fields& f = fields();
     Write write;
     write.flag = MDX_INSERT;
@@ -188,11 +184,11 @@ Status StoreCore::insertResource(int type, const std::string& folder, std::strin
                     {f.resourceType, int64_t(type)},
                     {f.resourceCaption, std::string(name)}};
     *made = {write.key, folder, std::string(name)};
-    return apply(f.resource, write);
+    return m_backend.apply(f.resource, write);
 }
 
-Status StoreCore::putContent(const std::string& resource, std::string_view name,
-                             const FileToPut& file, const std::vector<Content>& present) {
+Status StoredFiles::putContent(const std::string& resource, std::string_view name,
+                               const FileToPut& file, const std::vector<Content>& present) {
     const Fields& f = fields();
     const auto old = std::find_if(present.begin(), present.end(),
                                   [&](const Content& content) { return content.name == name; });
@@ -206,136 +202,128 @@ Status StoreCore::putContent(const std::string& resource, std::string_view name,
         time = *file.time;
     write.values.emplace_back(f.contentTime, std::move(time));
     write.values.emplace_back(f.contentSize, static_cast<int64_t>(file.bytes.size()));
-    return applyContent(write, file.bytes);
+    return m_backend.applyContent(write, file.bytes);
 }
 
-Status StoreCore::removeResource(const std::string& key) {
+Status StoredFiles::removeResource(const std::string& key) {
     Write write;
     write.flag = MDX_DELETE;
     write.key = key; // its contents go with it: the database sees to that
-    return apply(fields().resource, write);
+    return m_backend.apply(fields().resource, write);
 }
 
 // ---------------------------------------------------------------------------------------------
 
-Status StoreCore::formGet(std::string_view name, bool withBytes, std::vector<StoredFile>* files) {
-    return guarded([&]() -> Status {
-        std::vector<StoredFile> result;
-        const Status status = inRead([&]() -> Status {
-            std::optional<Resource> resource;
-            Status done = form(name, &resource);
-            std::vector<Content> found;
-            if (done.ok() && resource)
-                done = contents(resource->key, &found);
-            for (Content& content : found) {
-                // A name changed by hand must not lead out of the directory of an extraction.
-                if (!done.ok() || !isPlainFileName(content.name))
-                    continue;
-                if (withBytes) {
-                    done = contentBytes(content.key, &content.file.bytes);
-                    content.file.size = content.file.bytes.size();
-                }
-                result.push_back(std::move(content.file));
-            }
-            return done;
-        });
-        if (status.ok())
-            files->swap(result);
-        return status;
-    });
-}
-
-Status StoreCore::formPut(std::string_view path, const std::vector<FileToPut>& files) {
-    return guarded([&]() -> Status {
-        std::vector<std::string_view> names;
-        for (const FileToPut& file : files) {
-            const Status status = checkFile(file);
-            if (!status.ok())
-                return status;
-            names.push_back(file.name);
-        }
-        if (names.empty())
-            return {Refused, "Форма без файлов"};
-        if (std::set<std::string_view>(names.begin(), names.end()).size() != names.size())
-            return {Refused, "Два файла формы с одним именем"};
-        const std::string name = formName(names);
-
-        return inWrite([&]() -> Status {
-            std::shared_ptr<const FolderTree> tree;
-            Status status = folders(Area::Forms, Within::Write, &tree);
-            if (!status.ok())
-                return status;
-            const std::vector<std::string> targets = tree->find(path);
-            if (targets.empty())
-                return noFolder(path);
-            std::optional<Resource> resource;
-            status = form(name, &resource);
-            std::vector<Content> present;
-            if (status.ok() && resource) {
-                status = contents(resource->key, &present);
-            } else if (status.ok()) {
-                resource.emplace();
-                status = insertResource(formType, targets.front(), name, &*resource);
-            }
-            for (const FileToPut& file : files) {
-                if (!status.ok())
-                    break;
-                status = putContent(resource->key, file.name, file, present);
-            }
-            return status;
-        });
-    });
-}
-
-Status StoreCore::formDelete(const std::vector<std::string>& forms) {
-    return guarded([&] {
-        return inWrite([&]() -> Status {
-            for (const std::string& name : forms) {
-                std::optional<Resource> resource;
-                Status status = form(name, &resource);
-                if (status.ok() && resource)
-                    status = removeResource(resource->key);
-                if (!status.ok())
-                    return status;
-            }
-            return {};
-        });
-    });
-}
-
-Status StoreCore::fileGet(std::string_view path, std::string_view name, bool withBytes,
-                          std::vector<StoredFile>* files) {
-    return guarded([&]() -> Status {
-        if (!isPlainFileName(name))
-            return {Refused, "Недопустимое имя файла " + shown(name)};
-        std::vector<StoredFile> result;
-        const Status status = inRead([&]() -> Status {
-            std::shared_ptr<const FolderTree> tree;
-            Status done = folders(Area::Files, Within::Read, &tree);
-            std::optional<Resource> resource;
-            if (done.ok())
-                done = fileIn(tree->find(path), name, &resource);
-            std::vector<Content> found;
-            if (done.ok() && resource)
-                done = contents(resource->key, &found);
-            if (!done.ok() || found.empty())
-                return done;
-            StoredFile& file = found.front().file;
-            file.name = resource->name; // which the record may have changed since
+Status StoredFiles::formGet(std::string_view name, bool withBytes, std::vector<StoredFile>* files) {
+    std::vector<StoredFile> result;
+    const Status status = m_backend.inRead([&]() -> Status {
+        std::optional<Resource> resource;
+        Status done = form(name, &resource);
+        std::vector<Content> found;
+        if (done.ok() && resource)
+            done = contents(resource->key, &found);
+        for (Content& content : found) {
+            // A name changed by hand must not lead out of the directory of an extraction.
+            if (!done.ok() || !isPlainFileName(content.name))
+                continue;
             if (withBytes) {
-                done = contentBytes(found.front().key, &file.bytes);
-                file.size = file.bytes.size();
+                done = m_backend.contentBytes(content.key, &content.file.bytes);
+                content.file.size = content.file.bytes.size();
             }
-            result.push_back(std::move(file));
-            return done;
-        });
-        if (status.ok())
-            files->swap(result);
+            result.push_back(std::move(content.file));
+        }
+        return done;
+    });
+    if (status.ok())
+        files->swap(result);
+    return status;
+}
+
+Status StoredFiles::formPut(std::string_view path, const std::vector<FileToPut>& files) {
+    std::vector<std::string_view> names;
+    for (const FileToPut& file : files) {
+        const Status status = checkFile(file);
+        if (!status.ok())
+            return status;
+        names.push_back(file.name);
+    }
+    if (names.empty())
+        return {Refused, "Форма без файлов"};
+    if (std::set<std::string_view>(names.begin(), names.end()).size() != names.size())
+        return {Refused, "Два файла формы с одним именем"};
+    const std::string name = formName(names);
+
+    return m_backend.inWrite([&]() -> Status {
+        std::shared_ptr<const FolderTree> tree;
+        Status status = folders(Area::Forms, Within::Write, &tree);
+        if (!status.ok())
+            return status;
+        const std::vector<std::string> targets = tree->find(path);
+        if (targets.empty())
+            return noFolder(path);
+        std::optional<Resource> resource;
+        status = form(name, &resource);
+        std::vector<Content> present;
+        if (status.ok() && resource) {
+            status = contents(resource->key, &present);
+        } else if (status.ok()) {
+            resource.emplace();
+            status = insertResource(Kind::Form, targets.front(), name, &*resource);
+        }
+        for (const FileToPut& file : files) {
+            if (!status.ok())
+                break;
+            status = putContent(resource->key, file.name, file, present);
+        }
         return status;
     });
 }
 
-Status StoreCore::putFile(const FolderTree& tree, const FileToPut& file) {
+Status StoredFiles::formDelete(const std::vector<std::string>& forms) {
+    return m_backend.inWrite([&]() -> Status {
+        for (const std::string& name : forms) {
+            std::optional<Resource> resource;
+            Status status = form(name, &resource);
+            if (status.ok() && resource)
+                status = removeResource(resource->key);
+            if (!status.ok())
+                return status;
+        }
+        return {};
+    });
+}
+
+Status StoredFiles::fileGet(std::string_view path, std::string_view name, bool withBytes,
+                            std::vector<StoredFile>* files) {
+    if (!isPlainFileName(name))
+        return {Refused, "Недопустимое имя файла " + shown(name)};
+    std::vector<StoredFile> result;
+    const Status status = m_backend.inRead([&]() -> Status {
+        std::shared_ptr<const FolderTree> tree;
+        Status done = folders(Area::Files, Within::Read, &tree);
+        std::optional<Resource> resource;
+        if (done.ok())
+            done = fileIn(tree->find(path), name, &resource);
+        std::vector<Content> found;
+        if (done.ok() && resource)
+            done = contents(resource->key, &found);
+        if (!done.ok() || found.empty())
+            return done;
+        StoredFile& file = found.front().file;
+        file.name = resource->name; // which the record may have changed since
+        if (withBytes) {
+            done = m_backend.contentBytes(found.front().key, &file.bytes);
+            file.size = file.bytes.size();
+        }
+        result.push_back(std::move(file));
+        return done;
+    });
+    if (status.ok())
+        files->swap(result);
+    return status;
+}
+
+Status StoredFiles::putFile(const FolderTree& tree, const FileToPut& file) {
     const std::vector<std::string> targets = tree.find(file.path);
     if (targets.empty())
         return noFolder(file.path);
@@ -344,7 +332,7 @@ Status StoreCore::putFile(const FolderTree& tree, const FileToPut& file) {
     // Names that differ in case are two files on the disks they come from and go to.
     if (status.ok() && (!resource || resource->name != file.name)) {
         resource.emplace();
-        status = insertResource(fileType, targets.front(), file.name, &*resource);
+        status = insertResource(Kind::File, targets.front(), file.name, &*resource);
     }
     std::vector<Content> present;
     if (status.ok())
@@ -356,85 +344,80 @@ Status StoreCore::putFile(const FolderTree& tree, const FileToPut& file) {
     return putContent(resource->key, name, file, present);
 }
 
-Status StoreCore::filePut(const std::vector<FileToPut>& files) {
-    return guarded([&]() -> Status {
-        for (const FileToPut& file : files) {
-            const Status status = checkFile(file);
-            if (!status.ok())
-                return status;
-        }
-        return inWrite([&]() -> Status {
-            std::shared_ptr<const FolderTree> tree;
-            Status status = folders(Area::Files, Within::Write, &tree);
-            for (const FileToPut& file : files) {
-                if (!status.ok())
-                    break;
-                status = putFile(*tree, file);
-            }
-            return status;
-        });
-    });
-}
-
-Status StoreCore::fileDelete(const std::vector<std::pair<std::string, std::string>>& files) {
-    return guarded([&] {
-        return inWrite([&]() -> Status {
-            std::shared_ptr<const FolderTree> tree;
-            Status status = folders(Area::Files, Within::Write, &tree);
-            for (const auto& [path, name] : files) {
-                std::optional<Resource> resource;
-                if (status.ok())
-                    status = fileIn(tree->find(path), name, &resource);
-                if (status.ok() && resource)
-                    status = removeResource(resource->key);
-                if (!status.ok())
-                    break;
-            }
-            return status;
-        });
-    });
-}
-
-Status StoreCore::fileArea(
-    const std::function<void(const std::string& path, const StoredFile& file)>& each) {
-    return guarded([&]() -> Status {
-        const Fields& f = fields();
-        struct Place {
-            std::string path, name;
-        };
-        std::unordered_map<std::string, Place> places; // by folded key of the resource
-        std::vector<std::pair<std::string, StoredFile>> area;
-        const Status status = inRead([&]() -> Status {
-            std::shared_ptr<const FolderTree> tree;
-            Status done = folders(Area::Files, Within::Read, &tree);
-            if (!done.ok())
-                return done;
-            done = selectWhere(f.resource, {0, f.resourceFolder, f.resourceName}, f.resourceType,
-                               int64_t(fileType), [&](const Row& row) {
-                                   const auto path = tree->path(textOf(row[1]));
-                                   if (path && isPlainFileName(textOf(row[2])))
-                                       places[foldedKey(textOf(row[0]))] = {*path, textOf(row[2])};
-                               });
-            if (!done.ok())
-                return done;
-            return select(
-                f.content, {f.contentResource, f.contentTime, f.contentSize}, [&](const Row& row) {
-                    // Taken out of the map: a resource has one content.
-                    auto place = places.extract(foldedKey(textOf(row[0])));
-                    if (!place.empty())
-                        area.emplace_back(place.mapped().path,
-                                          storedFile(place.mapped().name, row[1], row[2]));
-                });
-        });
+Status StoredFiles::filePut(const std::vector<FileToPut>& files) {
+    for (const FileToPut& file : files) {
+        const Status status = checkFile(file);
         if (!status.ok())
             return status;
-        std::sort(area.begin(), area.end(), [](const auto& a, const auto& b) {
-            return std::tie(a.first, a.second.name) < std::tie(b.first, b.second.name);
-        });
-        for (const auto& [path, file] : area)
-            each(path, file); // after the snapshot: the caller may use the store again
-        return {};
+    }
+    return m_backend.inWrite([&]() -> Status {
+        std::shared_ptr<const FolderTree> tree;
+        Status status = folders(Area::Files, Within::Write, &tree);
+        for (const FileToPut& file : files) {
+            if (!status.ok())
+                break;
+            status = putFile(*tree, file);
+        }
+        return status;
     });
+}
+
+Status StoredFiles::fileDelete(const std::vector<std::pair<std::string, std::string>>& files) {
+    return m_backend.inWrite([&]() -> Status {
+        std::shared_ptr<const FolderTree> tree;
+        Status status = folders(Area::Files, Within::Write, &tree);
+        for (const auto& [path, name] : files) {
+            std::optional<Resource> resource;
+            if (status.ok())
+                status = fileIn(tree->find(path), name, &resource);
+            if (status.ok() && resource)
+                status = removeResource(resource->key);
+            if (!status.ok())
+                break;
+        }
+        return status;
+    });
+}
+
+Status StoredFiles::fileArea(
+    const std::function<void(const std::string& path, const StoredFile& file)>& each) {
+    const Fields& f = fields();
+    struct Place {
+        std::string path, name;
+    };
+    std::unordered_map<std::string, Place> places; // by folded key of the resource
+    std::vector<std::pair<std::string, StoredFile>> area;
+    const Status status = m_backend.inRead([&]() -> Status {
+        std::shared_ptr<const FolderTree> tree;
+        Status done = folders(Area::Files, Within::Read, &tree);
+        if (!done.ok())
+            return done;
+        done = m_backend.selectWhere(
+            f.resource, {0, f.resourceFolder, f.resourceName}, f.resourceType, int64_t(Kind::File),
+            [&](const Row& row) {
+                const auto path = tree->path(textOf(row[1]));
+                if (path && isPlainFileName(textOf(row[2])))
+                    places[foldedKey(textOf(row[0]))] = {*path, textOf(row[2])};
+            });
+        if (!done.ok())
+            return done;
+        return m_backend.select(
+            f.content, {f.contentResource, f.contentTime, f.contentSize}, [&](const Row& row) {
+                // Taken out of the map: a resource has one content.
+                auto place = places.extract(foldedKey(textOf(row[0])));
+                if (!place.empty())
+                    area.emplace_back(place.mapped().path,
+                                      storedFile(place.mapped().name, row[1], row[2]));
+            });
+    });
+    if (!status.ok())
+        return status;
+    std::sort(area.begin(), area.end(), [](const auto& a, const auto& b) {
+        return std::tie(a.first, a.second.name) < std::tie(b.first, b.second.name);
+    });
+    for (const auto& [path, file] : area)
+        each(path, file); // after the snapshot: the caller may use the store again
+    return {};
 }
 
 } // namespace orvo::store

@@ -1,0 +1,170 @@
+#include "platform/store/GuardedUpdate.h"
+
+#include "platform/store/ChangeRecord.h"
+#include "platform/store/LinkCycles.h"
+#include "platform/store/Names.h"
+
+#include "frame/Vocabulary.h"
+
+#include <algorithm>
+#include <set>
+
+namespace orvo::store {
+
+namespace {
+
+std::vector<std::string> listOf(const std::set<std::string>& keys) {
+    return {keys.begin(), keys.end()};
+}
+
+const Value* valueOf(const Write& write, int field) {
+    for (const auto& [number, value] : write.values)
+        if (number == field)
+            return &value;
+    return nullptr;
+}
+
+/// What people call the record: its caption or name, as far as a change of the log tells.
+std::string nameIn(const TableDef& table, const std::string& json) {
+    const std::map<int, Value> values = valuesFromJson(table, json);
+    for (const char* name : {field::caption, field::name_, field::login_}) {
+        const auto found = values.find(table.find(name));
+        if (found != values.end() && !textOf(found->second).empty())
+            return textOf(found->second);
+    }
+    return {};
+}
+
+} // namespace
+
+Status GuardedUpdate::apply(UpdateGuard* guard) {
+    Status status;
+    if (guard != nullptr)
+        status = merge(*guard);
+    if (status.ok() && guard != nullptr)
+        status = checkParents(&guard->parentDeletion);
+    if (status.ok())
+        status = refuseCycles();
+    for (const Write& write : m_writes)
+        if (status.ok())
+            status = m_backend.apply(m_table, write);
+    return status;
+}
+
+Status GuardedUpdate::merge(UpdateGuard& guard) {
+    std::set<std::string> updated;
+    for (const Write& write : m_writes)
+        if (write.flag == MDX_UPDATE && isKey(write.key))
+            updated.insert(foldedKey(write.key));
+    std::vector<Change> changes;
+    std::set<std::string> stored;
+    if (!updated.empty()) {
+        Status status = m_backend.storedKeys(m_table, listOf(updated), &stored);
+        if (status.ok() && guard.seen >= 0)
+            status = m_backend.changesOf(m_table, listOf(updated), guard.seen, &changes);
+        if (!status.ok())
+            return status;
+    }
+    const Merge merge(m_table, changes, guard);
+    for (Write& write : m_writes) {
+        merge.reduce(write);
+        const std::string key = foldedKey(write.key);
+        if (write.flag == MDX_INSERT)
+            stored.insert(key);
+        if (write.flag != MDX_UPDATE || stored.count(key) != 0 || write.key.empty())
+            continue;
+        const auto sameKey = [&](const MissingRecord& record) {
+            return foldedKey(record.key) == key;
+        };
+        if (std::any_of(guard.missing.begin(), guard.missing.end(), sameKey))
+            continue;
+        guard.missing.push_back({write.key, {}});
+        if (const Status status = lastDeletion(m_table, key, &guard.missing.back().deletion);
+            !status.ok())
+            return status;
+    }
+    return {};
+}
+
+Status GuardedUpdate::checkParents(std::optional<Change>* deletedParent) {
+    for (const ParentField& parent : parentFields(m_table)) {
+        const int field = m_table.find(parent.field);
+        const TableDef& above = *findTable(parent.table);
+        std::set<std::string> wanted;
+        for (const Write& write : m_writes) {
+            const Value* value = write.flag == MDX_DELETE ? nullptr : valueOf(write, field);
+            // Editors also write captions there, which no record has for a key.
+            if (value != nullptr && isKey(textOf(*value)))
+                wanted.insert(foldedKey(textOf(*value)));
+        }
+        if (&above == &m_table)
+            for (const Write& write : m_writes)
+                if (write.flag == MDX_INSERT)
+                    wanted.erase(foldedKey(write.key));
+        if (wanted.empty())
+            continue;
+        std::set<std::string> stored;
+        if (const Status status = m_backend.storedKeys(above, listOf(wanted), &stored);
+            !status.ok())
+            return status;
+        for (const Write& write : m_writes) {
+            const Value* value = write.flag == MDX_DELETE ? nullptr : valueOf(write, field);
+            const std::string key = value != nullptr ? foldedKey(textOf(*value)) : std::string();
+            if (wanted.count(key) == 0 || stored.count(key) != 0)
+                continue;
+            if (const Status status = checkParent(write, field, above, key, deletedParent);
+                !status.ok())
+                return status;
+        }
+    }
+    return {};
+}
+
+Status GuardedUpdate::checkParent(const Write& write, int field, const TableDef& above,
+                                  const std::string& key, std::optional<Change>* deletedParent) {
+    if (write.flag == MDX_UPDATE) { // an orphan that stays where it was is its writer's to change
+        bool moved = true;
+        const auto compare = [&](const StoreBackend::Row& row) {
+            moved = foldedKey(textOf(row.front())) != key;
+        };
+        const Status status = m_backend.selectWhere(m_table, {field}, 0, write.key, compare);
+        if (!status.ok() || !moved)
+            return status;
+    }
+    std::optional<Change> deletion;
+    if (const Status status = lastDeletion(above, key, &deletion); !status.ok() || !deletion)
+        return status;
+    const std::string name = nameIn(above, deletion->before);
+    const std::string who = deletion->login.empty() ? std::string("вручную")
+                                                    : "пользователем " + shown(deletion->login);
+    *deletedParent = std::move(deletion);
+    return {ParentDeleted, "Папка " + shown(name.empty() ? key : name) +
+                               ", в которой должна быть запись, удалена " + who};
+}
+
+Status GuardedUpdate::refuseCycles() {
+    if (!LinkCycles::concern(m_table))
+        return {};
+    LinkCycles cycles(m_table);
+    for (const Write& write : m_writes)
+        cycles.add(write);
+    return cycles.check([&](const std::string& key, std::string* parent) {
+        parent->clear();
+        const auto take = [&](const StoreBackend::Row& row) { *parent = textOf(row[0]); };
+        return m_backend.selectWhere(m_table, {cycles.field()}, 0, key, take);
+    });
+}
+
+Status GuardedUpdate::lastDeletion(const TableDef& table, const std::string& key,
+                                   std::optional<Change>* deletion) {
+    std::vector<Change> changes;
+    const Status status = m_backend.changesOf(table, {foldedKey(key)}, 0, &changes);
+    for (auto change = changes.rbegin(); change != changes.rend(); ++change)
+        if (change->code == OrvoEventDelete) {
+            *deletion = std::move(*change);
+            break;
+        }
+    return status;
+}
+
+} // namespace orvo::store

@@ -1,0 +1,46 @@
+// GuardedUpdate.h: the writes of one update call inside its transaction, with regard to what others
+// wrote (Merge.h) and to what must never be stored.
+#ifndef ORVO_PLATFORM_STORE_GUARDEDUPDATE_H
+#define ORVO_PLATFORM_STORE_GUARDEDUPDATE_H
+
+#include "platform/store/Merge.h"
+#include "platform/store/StoreBackend.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orvo::store {
+
+class GuardedUpdate {
+public:
+    /// All of them must outlive the object.
+    GuardedUpdate(StoreBackend& backend, const TableDef& table, std::vector<Write>& writes)
+        : m_backend(backend)
+        , m_table(table)
+        , m_writes(writes) {}
+
+    /// Applies the writes; see Store::update. Without a guard they go in as they are, unless one
+    /// puts a record below itself.
+    Status apply(UpdateGuard* guard);
+
+private:
+    /// Takes out of the updates what others wrote, and lists those of missing records.
+    Status merge(UpdateGuard& guard);
+    /// ParentDeleted if a record would be placed below one that was deleted.
+    Status checkParents(std::optional<Change>* deletedParent);
+    Status checkParent(const Write& write, int field, const TableDef& above, const std::string& key,
+                       std::optional<Change>* deletedParent);
+    /// Refuses an update that would put a record below itself.
+    Status refuseCycles();
+    Status lastDeletion(const TableDef& table, const std::string& key,
+                        std::optional<Change>* deletion);
+
+    StoreBackend& m_backend;
+    const TableDef& m_table;
+    std::vector<Write>& m_writes;
+};
+
+} // namespace orvo::store
+
+#endif
