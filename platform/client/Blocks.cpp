@@ -1,5 +1,6 @@
 #include "platform/client/Blocks.h"
 
+#include "frame/Vocabulary.h"
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/ChangeRecord.h"
 
@@ -34,7 +35,9 @@ bool ensureKeyLink(MDArray* array, uint32_t flags) {
         return false;
     if (array->keyCount > 0)
         return true;
-    MDAKeyDescription key{"KeyLink", 0, flags};
+    MDAKeyDescription key{};
+    std::string_view(field::KeyLink).copy(key.name, sizeof key.name - 1);
+    key.flags = flags;
     return MDAKeyAdd(array, 1, &key) == MDX_OK;
 }
 
@@ -82,7 +85,7 @@ MDXCliParam* NotificationMaker::make(const store::Change& change) {
     mdx::paramSetText(block, 5, "NCI:" + table + "," + login);
     mdx::paramSetText(block, 6, table);
     mdx::paramSetInt(block, 8, 0);
-    if (change.code == 603)
+    if (change.code == OrvoEventDelete)
         return block;
 
     const store::TableDef* definition = store::findTable(change.table);

@@ -8,7 +8,7 @@
 //
 // Notification (10 fields):
 //   0 text     number of the change in the log, decimal
-//   1 integer  event code: 601 insert, 602 update, 603 delete
+//   1 integer  event code (OrvoEvent)
 //   2 date     time of the change
 //   3 text     login of the writer; empty if written by hand
 //   4 text     KeyLink of the changed record

@@ -1,5 +1,9 @@
 #include "platform/client/QuestionNotes.h"
 
+#include "frame/Vocabulary.h"
+#include "platform/store/Merge.h"
+#include "platform/store/Schema.h"
+
 #include <QDateTime>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -11,33 +15,24 @@ namespace orvo::client {
 
 namespace {
 
-constexpr int inserted = 601;
-constexpr int deleted = 603;
-
 QJsonObject objectOf(const std::string& json) {
     return QJsonDocument::fromJson(QByteArray::fromStdString(json)).object();
 }
 
 QString captionIn(const QJsonObject& values) {
-    const QString caption = values[QStringLiteral("caption")].toString();
-    return caption.isEmpty() ? values[QStringLiteral("name_")].toString() : caption;
+    const QString caption = values[QLatin1String(field::caption)].toString();
+    return caption.isEmpty() ? values[QLatin1String(field::name_)].toString() : caption;
 }
 
 /// The link fields of that table by which a record is in one of the subject's table.
 QStringList linksBetween(const QString& table, const QString& subject) {
-    static const QString links[][3] = {
-        {QStringLiteral("MenuFolder"), QStringLiteral("MenuFolder"), QStringLiteral("ParentKey")},
-        {QStringLiteral("Menu"), QStringLiteral("MenuFolder"), QStringLiteral("FolderKey")},
-        {QStringLiteral("Menu"), QStringLiteral("Menu"), QStringLiteral("parent")},
-        {QStringLiteral("MenuResourceFolder"), QStringLiteral("MenuResourceFolder"),
-         QStringLiteral("ParentKey")},
-        {QStringLiteral("MenuResource"), QStringLiteral("MenuResourceFolder"),
-         QStringLiteral("MenuResourceFolderKey")},
-    };
     QStringList fields;
-    for (const auto& [from, to, field] : links)
-        if (from == table && to == subject)
-            fields << field;
+    const store::TableDef* definition = store::findTable(table.toStdString());
+    if (definition == nullptr)
+        return fields;
+    for (const store::ParentField& parent : store::parentFields(*definition))
+        if (subject == QLatin1String(parent.table))
+            fields << QLatin1String(parent.field);
     return fields;
 }
 
@@ -75,7 +70,7 @@ void noteInQuestion(COrvoCliMod& module, const store::Change& change) {
     QStringList keys = box->subjectKeys();
 
     if (table == box->subjectTable() && keys.contains(key, Qt::CaseInsensitive)) {
-        if (change.code != deleted) {
+        if (change.code != OrvoEventDelete) {
             const QString name = captionIn(after);
             box->addNote(QStringLiteral("Изменено: %1").arg(who) +
                          (name.isEmpty() ? QString() : QStringLiteral("; теперь") + named(name)));
@@ -101,11 +96,11 @@ void noteInQuestion(COrvoCliMod& module, const store::Change& change) {
     const bool isBelow = table == box->subjectTable() && below.contains(key, Qt::CaseInsensitive);
     const bool isInside = isIn(after, links, keys + below);
     const bool wasInside = isBelow || isIn(before, links, keys + below);
-    if (isInside && (change.code == inserted || !wasInside))
+    if (isInside && (change.code == OrvoEventInsert || !wasInside))
         box->withdraw(
             QStringLiteral("Внутри появилось%1: %2. Вопрос снят: посмотрите и решите заново.")
                 .arg(named(captionIn(after)), who));
-    else if (wasInside && change.code == deleted)
+    else if (wasInside && change.code == OrvoEventDelete)
         box->addNote(QStringLiteral("Внутри удалено%1: %2").arg(named(captionIn(before)), who));
     else if (wasInside)
         box->addNote(QStringLiteral("Внутри изменено: %1").arg(who));

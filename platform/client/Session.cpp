@@ -1,5 +1,6 @@
 #include "platform/client/SessionPrivate.h"
 
+#include "frame/Vocabulary.h"
 #include "platform/client/Blocks.h"
 #include "platform/mdx/MdxBuild.h"
 
@@ -154,7 +155,7 @@ MDArray* COrvoCliSes::SqlRequest(const char* sql) {
     const CallScope scope(*d);
     CMDArray rows;
     store::Status status =
-        d->store->fetchWhere("Menu", "FolderKey", mdx::toUtf8(literal), rows.array);
+        d->store->fetchWhere(table::Menu, field::FolderKey, mdx::toUtf8(literal), rows.array);
     if (status.ok() && !ensureKeyLink(rows.array, MDX_KEY_UNIQUE))
         status = {store::NoMemory, "Недостаточно памяти."};
     if (!status.ok()) // the editor keeps what it shows

@@ -1,6 +1,7 @@
 // The base of the tools, and those that read or delete.
 #include "platform/client/SessionPrivate.h"
 
+#include "frame/Vocabulary.h"
 #include "platform/client/ToolSupport.h"
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/Schema.h"
@@ -42,8 +43,8 @@ store::Status fillFiles(CMDArray& result, std::vector<store::StoredFile>& files)
             return status;
     CMDArray rows;
     mdx::addField(rows.array, "name", MDX_TEXT);
-    mdx::addField(rows.array, "time", MDX_DATE);
-    mdx::addField(rows.array, "size", MDX_INTEGER);
+    mdx::addField(rows.array, field::time, MDX_DATE);
+    mdx::addField(rows.array, field::size, MDX_INTEGER);
     mdx::addField(rows.array, "data", MDX_BLOCK);
     mdx::addField(rows.array, "order", MDX_INTEGER);
     mdx::RecordWriter writer(rows.array);
@@ -92,24 +93,28 @@ store::Status wanted(store::Status status, const std::vector<store::StoredFile>&
 }
 
 /// The server's keys of a table, for the tool that seeks by key number.
-const char* serverKey(const std::string& table, int32_t number) {
+const char* serverKey(const std::string& name, int32_t number) {
     struct Keys {
         const char* table;
-        std::initializer_list<const char*> keys;
+        std::vector<const char*> behindKeyLink;
     };
     static const Keys all[] = {
-        {"Menu", {"KeyLink", "parent;order_", "MenuResourceKey", "FolderKey"}},
-        {"MenuFolder", {"KeyLink", "ParentKey;order_;caption"}},
-        {"MenuResource",
-         {"KeyLink", "type_;MenuResourceFolderKey;name_", "type_;name_", "MenuResourceFolderKey"}},
-        {"MenuResourceFolder",
-         {"KeyLink", "type_;ParentKey;caption", "type_;caption", "ParentKey"}},
-        {"Users", {"KeyLink", "login_"}},
-        {"MenuFileExt", {"KeyLink"}},
+        {table::Menu, {keylist::Menu.begin()[0], field::MenuResourceKey, field::FolderKey}},
+        {table::MenuFolder, {keylist::MenuFolder.begin()[2]}},
+        {table::MenuResource, keylist::MenuResource},
+        {table::MenuResourceFolder, keylist::MenuResourceFolder},
+        {table::Users, keylist::Users},
+        {table::MenuFileExt, {}},
     };
-    for (const Keys& entry : all)
-        if (table == entry.table && number >= 0 && static_cast<size_t>(number) < entry.keys.size())
-            return entry.keys.begin()[number];
+    for (const Keys& entry : all) {
+        if (name != entry.table || number < 0)
+            continue;
+        const auto place = static_cast<size_t>(number);
+        if (place == 0)
+            return field::KeyLink;
+        if (place <= entry.behindKeyLink.size())
+            return entry.behindKeyLink[place - 1];
+    }
     return nullptr;
 }
 
@@ -195,7 +200,7 @@ void CToolRecByKey::run(COrvoCliSes& session) {
         for (MDRData* record : others)
             MDARecDel(record);
         if (rows.array->keyCount == 0)
-            rows.KeyAdd("KeyLink", MDX_KEY_UNIQUE);
+            rows.KeyAdd(field::KeyLink, MDX_KEY_UNIQUE);
         result.Attach(std::exchange(rows.array, nullptr));
     }
     session.data()->report(operation, status);

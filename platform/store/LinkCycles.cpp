@@ -1,14 +1,17 @@
 #include "platform/store/LinkCycles.h"
 
+#include "platform/store/Merge.h"
 #include "platform/store/Names.h"
 
-#include <algorithm>
 #include <unordered_set>
 
 namespace orvo::store {
 
 int LinkCycles::parentField(const TableDef& table) {
-    return std::max(table.find("parent"), table.find("ParentKey"));
+    for (const ParentField& parent : parentFields(table))
+        if (findTable(parent.table) == &table)
+            return table.find(parent.field);
+    return -1;
 }
 
 void LinkCycles::add(const Write& write) {

@@ -1,5 +1,6 @@
 #include "platform/store/Merge.h"
 
+#include "frame/Vocabulary.h"
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/ChangeRecord.h"
 #include "platform/store/Names.h"
@@ -38,11 +39,11 @@ struct ParentEntry {
 };
 
 constexpr ParentEntry parents[] = {
-    {"Menu", {"parent", "Menu"}},
-    {"Menu", {"FolderKey", "MenuFolder"}},
-    {"MenuFolder", {"ParentKey", "MenuFolder"}},
-    {"MenuResource", {"MenuResourceFolderKey", "MenuResourceFolder"}},
-    {"MenuResourceFolder", {"ParentKey", "MenuResourceFolder"}},
+    {table::Menu, {field::parent, table::Menu}},
+    {table::Menu, {field::FolderKey, table::MenuFolder}},
+    {table::MenuFolder, {field::ParentKey, table::MenuFolder}},
+    {table::MenuResource, {field::MenuResourceFolderKey, table::MenuResourceFolder}},
+    {table::MenuResourceFolder, {field::ParentKey, table::MenuResourceFolder}},
 };
 
 } // namespace

@@ -1,4 +1,5 @@
 // What stored forms and files are found by in a PostgreSQL store.
+#include "frame/Vocabulary.h"
 #include "platform/store/Names.h"
 #include "platform/store/PostgresSchema.h"
 #include "platform/store/PostgresStore.h"
@@ -19,9 +20,9 @@ std::string lines(const std::vector<std::string>& keys) {
 
 Status PostgresStore::selectStored(int type, std::string_view folded,
                                    const std::optional<Value>& folder, const EachRow& each) {
-    static const TableDef& table = *findTable("MenuResource");
-    static const std::vector<int> fields = {0, table.find("MenuResourceFolderKey"),
-                                            table.find("name_")};
+    static const TableDef& table = *findTable(table::MenuResource);
+    static const std::vector<int> fields = {0, table.find(field::MenuResourceFolderKey),
+                                            table.find(field::name_)};
     std::string wanted(folded);
     if (folder) {
         const auto* key = std::get_if<std::string>(&*folder);
@@ -31,9 +32,8 @@ Status PostgresStore::selectStored(int type, std::string_view folded,
         return {};
     // The type stands in the statement: by it the planner knows that the index serves.
     return rows(table, fields,
-                "SELECT \"KeyLink\", \"MenuResourceFolderKey\", \"name_\" FROM "
-                "public.\"MenuResource\" WHERE \"type_\" = " +
-                    std::to_string(type) + " AND (" +
+                "SELECT " + fieldList(table, fields) + " FROM " + qualified(table.name) +
+                    " WHERE \"type_\" = " + std::to_string(type) + " AND (" +
                     (folder ? foldedPlaceExpression() : foldedNameExpression()) + ") = $1",
                 Parameters().text(wanted), each);
 }

@@ -6,6 +6,7 @@
 // call, which is why one call does all that a row needs.
 #include "platform/store/PostgresSchema.h"
 
+#include "frame/Vocabulary.h"
 #include "platform/store/Sql.h"
 
 #include <algorithm>
@@ -66,8 +67,8 @@ bool hasDates(const TableDef& table) {
                        [](const FieldDef& field) { return field.type == MDX_DATE; });
 }
 
-std::string logEvent(const TableDef& table, int code, const char* key, const std::string& after,
-                     const std::string& before) {
+std::string logEvent(const TableDef& table, OrvoEvent code, const char* key,
+                     const std::string& after, const std::string& before) {
     return "    INSERT INTO public.\"NciEvent\" VALUES "
            "(pg_catalog.nextval('public.\"NciEventId\"'), " +
            std::to_string(code) + ", " + literal(table.name) + ",\n      " + key +
@@ -104,14 +105,15 @@ std::string logTriggers(const TableDef& table, const std::string& onDelete = {},
                                hasDates(table) ? "SET extra_float_digits = 1 SECURITY DEFINER"
                                                : "SECURITY DEFINER") +
                       writer + "  IF TG_OP" + equals + "'INSERT' THEN\n";
-    sql += logEvent(table, 601, "NEW.\"KeyLink\"", whole(table, "NEW."), "'{}'");
+    sql += logEvent(table, OrvoEventInsert, "NEW.\"KeyLink\"", whole(table, "NEW."), "'{}'");
     sql += std::string("  ELSIF TG_OP") + equals + "'DELETE' THEN\n" + onDelete;
-    sql += logEvent(table, 603, "OLD.\"KeyLink\"", "'{}'", whole(table, "OLD."));
+    sql += logEvent(table, OrvoEventDelete, "OLD.\"KeyLink\"", "'{}'", whole(table, "OLD."));
     sql += std::string("  ELSIF OLD.\"KeyLink\"") + equals + "NEW.\"KeyLink\" THEN\n";
-    sql += logEvent(table, 602, "NEW.\"KeyLink\"", changed(table, "NEW."), changed(table, "OLD."));
+    sql += logEvent(table, OrvoEventUpdate, "NEW.\"KeyLink\"", changed(table, "NEW."),
+                    changed(table, "OLD."));
     sql += "  ELSE\n";
-    sql += logEvent(table, 603, "OLD.\"KeyLink\"", "'{}'", whole(table, "OLD."));
-    sql += logEvent(table, 601, "NEW.\"KeyLink\"", whole(table, "NEW."), "'{}'");
+    sql += logEvent(table, OrvoEventDelete, "OLD.\"KeyLink\"", "'{}'", whole(table, "OLD."));
+    sql += logEvent(table, OrvoEventInsert, "NEW.\"KeyLink\"", whole(table, "NEW."), "'{}'");
     sql += onNewKey + "  END IF;\n  RETURN NULL;\nEND $orvo$;\n";
     sql += trigger("log", "AFTER INSERT OR UPDATE OR DELETE", table.name, "", "ROW", name);
     sql += trigger("lock", "BEFORE INSERT OR UPDATE OR DELETE", table.name, "", "STATEMENT",
@@ -235,7 +237,7 @@ std::string rights(const Dictionary& dictionary) {
     for (const std::string& name : names) {
         sql += grant("SELECT", qualified(name), both());
         // Users are logins of the database: only who may make those may change them.
-        if (name != "Users")
+        if (name != table::Users)
             sql += "GRANT INSERT, UPDATE, DELETE ON " + qualified(name) + " TO " + engineerRole +
                    ";\n";
     }
@@ -265,7 +267,7 @@ std::string functionsAndRights(const Dictionary& dictionary) {
                               "pg_catalog.lower(OLD.\"KeyLink\");\n";
     for (const TableDef& table : dictionary.tables) {
         // Content goes, and changes its owner's key, with its resource.
-        const bool owner = std::string_view(table.name) == "MenuResource";
+        const bool owner = std::string_view(table.name) == table::MenuResource;
         sql +=
             logTriggers(table, owner ? "    DELETE FROM public.\"MenuResourceFile\"" + owned : "",
                         owner ? "    UPDATE public.\"MenuResourceFile\" SET \"MenuResourceKey\" = "

@@ -1,4 +1,5 @@
 // Copies of an SQLite store, page by page. A backup is a store itself, complete in one file.
+#include "frame/Vocabulary.h"
 #include "platform/store/Checksum.h"
 #include "platform/store/Names.h"
 #include "platform/store/SqliteDamage.h"
@@ -142,7 +143,9 @@ Status checkRows(const Connection& backup, const std::string& what) {
          "SELECT count(*) FROM \"MenuResourceFile\" AS f WHERE NOT EXISTS (SELECT 1 FROM "
          "\"MenuResource\" AS r WHERE r.\"KeyLink\" = f.\"MenuResourceKey\")"},
         {"невозможная строка журнала изменений",
-         "SELECT count(*) FROM \"NciEvent\" WHERE \"id\" < 1 OR \"code\" NOT IN (601, 602, 603)"},
+         "SELECT count(*) FROM \"NciEvent\" WHERE \"id\" < 1 OR \"code\" NOT IN (" +
+             std::to_string(OrvoEventInsert) + ", " + std::to_string(OrvoEventUpdate) + ", " +
+             std::to_string(OrvoEventDelete) + ")"},
         {"счётчик журнала изменений отстаёт от журнала",
          "SELECT coalesce((SELECT max(\"id\") FROM \"NciEvent\"), 0) > coalesce((SELECT max(seq) "
          "FROM sqlite_sequence WHERE name = 'NciEvent'), 0)"},
@@ -193,7 +196,7 @@ Status checkBytes(const Connection& backup, const std::string& what) {
 Status startNewLog(const Connection& copy, int64_t position) {
     constexpr int64_t meanwhile = 1000000;
     int64_t newest = 0;
-    const char what[] = "Журнал изменений";
+    const char* const what = logName;
     if (copy.integer("SELECT max(coalesce((SELECT max(\"id\") FROM \"NciEvent\"), 0), "
                      "coalesce((SELECT \"id\" FROM \"NciPruned\"), 0))",
                      &newest) != SQLITE_OK)

@@ -1,4 +1,5 @@
 // An SQLite store's whole content on its way out and in, and questions to its log.
+#include "frame/Vocabulary.h"
 #include "platform/store/Names.h"
 #include "platform/store/SqliteSchema.h"
 #include "platform/store/SqliteStore.h"
@@ -62,8 +63,8 @@ Status SqliteStore::openContent(const std::string& key, bool write, Blob* blob) 
     if (find->step() != SQLITE_ROW)
         return m_connection.failure(contentName);
     sqlite3_blob* raw = nullptr;
-    const int opened = sqlite3_blob_open(m_connection.get(), "main", "MenuResourceFile", "data",
-                                         find->integer(0), write ? 1 : 0, &raw);
+    const int opened = sqlite3_blob_open(m_connection.get(), "main", table::MenuResourceFile,
+                                         "data", find->integer(0), write ? 1 : 0, &raw);
     blob->reset(raw);
     return opened == SQLITE_OK ? Status() : m_connection.failure(contentName);
 }

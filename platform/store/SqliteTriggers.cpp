@@ -1,11 +1,16 @@
 // The triggers of an SQLite store, made from the dictionary.
 #include "platform/store/SqliteSchema.h"
 
+#include "frame/Vocabulary.h"
 #include "platform/store/Sql.h"
 
 namespace orvo::store::sqlite {
 
 namespace {
+
+const std::string inserted = std::to_string(OrvoEventInsert);
+const std::string updated = std::to_string(OrvoEventUpdate);
+const std::string deleted = std::to_string(OrvoEventDelete);
 
 std::string named(const char* prefix, const FieldDef& field) {
     return std::string(prefix) + identifier(field.name);
@@ -94,33 +99,34 @@ std::string logTriggers(const TableDef& table, const std::string& onDelete = {},
                        replaced + "NEW.\"KeyLink\";\n" + "  INSERT INTO \"NciReplaced\" SELECT " +
                        literal(table.name) + ", \"KeyLink\",\n    " + whole(table, "") +
                        "\n    FROM " + name + " WHERE \"KeyLink\" = NEW.\"KeyLink\";\n");
-    sql += trigger(table, "inserted", "AFTER INSERT" + on,
-                   logEvent(table, "CASE WHEN " + before + " IS NULL THEN 601 ELSE 602 END",
-                            "NEW.\"KeyLink\"", whole(table, "NEW."),
-                            "coalesce(" + before + ", '{}')") +
-                       "  DELETE FROM \"NciReplaced\" WHERE " + replaced +
-                       "NEW.\"KeyLink\";\n"
-                       "  SELECT RAISE(ABORT, 'rowid below 1') WHERE NEW.rowid < 1;\n");
+    sql += trigger(
+        table, "inserted", "AFTER INSERT" + on,
+        logEvent(table,
+                 "CASE WHEN " + before + " IS NULL THEN " + inserted + " ELSE " + updated + " END",
+                 "NEW.\"KeyLink\"", whole(table, "NEW."), "coalesce(" + before + ", '{}')") +
+            "  DELETE FROM \"NciReplaced\" WHERE " + replaced +
+            "NEW.\"KeyLink\";\n"
+            "  SELECT RAISE(ABORT, 'rowid below 1') WHERE NEW.rowid < 1;\n");
     sql += trigger(table, "renumbering",
                    "BEFORE UPDATE" + on + " WHEN OLD.rowid <> NEW.rowid AND " + taken +
                        "rowid <> OLD.rowid)",
                    "  SELECT RAISE(ABORT, 'rowid exists');\n");
-    sql += trigger(
-        table, "updated", "AFTER UPDATE" + on + " WHEN " + sameKey,
-        logEvent(table, "602", "NEW.\"KeyLink\"", changed(table, "NEW."), changed(table, "OLD.")));
+    sql += trigger(table, "updated", "AFTER UPDATE" + on + " WHEN " + sameKey,
+                   logEvent(table, updated, "NEW.\"KeyLink\"", changed(table, "NEW."),
+                            changed(table, "OLD.")));
     sql += trigger(table, "rekeying",
                    "BEFORE UPDATE OF \"KeyLink\"" + on + " WHEN " + otherKey +
                        " AND EXISTS (SELECT 1 FROM " + name +
                        " WHERE \"KeyLink\" = NEW.\"KeyLink\" AND rowid <> OLD.rowid)",
                    "  SELECT RAISE(ABORT, 'KeyLink exists');\n");
     sql += trigger(table, "rekeyed", "AFTER UPDATE OF \"KeyLink\"" + on + " WHEN " + otherKey,
-                   logEvent(table, "603", "OLD.\"KeyLink\"", "'{}'", whole(table, "OLD.")) +
-                       logEvent(table, "601", "NEW.\"KeyLink\"", whole(table, "NEW."), "'{}'") +
+                   logEvent(table, deleted, "OLD.\"KeyLink\"", "'{}'", whole(table, "OLD.")) +
+                       logEvent(table, inserted, "NEW.\"KeyLink\"", whole(table, "NEW."), "'{}'") +
                        onNewKey);
-    sql +=
-        trigger(table, "deleted", "AFTER DELETE" + on,
-                onDelete + logEvent(table, "603", "OLD.\"KeyLink\"", "'{}'", whole(table, "OLD.")) +
-                    "  DELETE FROM \"NciReplaced\" WHERE " + replaced + "OLD.\"KeyLink\";\n");
+    sql += trigger(table, "deleted", "AFTER DELETE" + on,
+                   onDelete +
+                       logEvent(table, deleted, "OLD.\"KeyLink\"", "'{}'", whole(table, "OLD.")) +
+                       "  DELETE FROM \"NciReplaced\" WHERE " + replaced + "OLD.\"KeyLink\";\n");
     return sql;
 }
 
@@ -145,7 +151,7 @@ END;
 )";
     for (const TableDef& table : dictionary.tables) {
         // Content goes, and changes its owner's key, with its resource.
-        const bool owner = std::string_view(table.name) == "MenuResource";
+        const bool owner = std::string_view(table.name) == table::MenuResource;
         sql += logTriggers(
             table,
             owner ? "  DELETE FROM \"MenuResourceFile\" WHERE \"MenuResourceKey\" = "

@@ -71,7 +71,7 @@ struct FileToPut {
 /// One row of the change log.
 struct Change {
     int64_t id = 0;
-    int code = 0; ///< 601 insert, 602 update, 603 delete
+    int code = 0; ///< OrvoEventInsert, OrvoEventUpdate or OrvoEventDelete
     std::string table;
     std::string key;
     std::string login; ///< who wrote; empty: by hand, past a database that knows no logins

@@ -116,7 +116,8 @@ Status StoreCore::history(const LogQuery& query, int limit, std::vector<Change>*
         for (const std::string* text : {&query.table, &query.key})
             if (text->find('\0') != std::string::npos)
                 return {BadArguments, std::string(logName) + ": нулевой знак в условии"};
-        ChangeQuery wanted{query};
+        ChangeQuery wanted;
+        static_cast<LogQuery&>(wanted) = query;
         wanted.limit = std::max(limit, 0);
         std::vector<Change> result;
         const Status status = selectChanges(wanted, &result);
