@@ -424,7 +424,7 @@ void Client::takeScreenshot() {
         if (!arranged && !late) {
             for (const auto& module : m_modules.modules(client::ModuleState::Running))
                 if (module->isVisible())
-                    arrangeShowcase(*module);
+                    prepareScreenshot(*module);
             arranged = true;
             rest = 0;
             return;

@@ -59,7 +59,7 @@ QString oneLine(QString text) {
     return text;
 }
 
-void applyLook() {
+void applyTheme() {
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setPalette(calmPalette());
     // File dialogs and standard menus speak Russian as the modules do.

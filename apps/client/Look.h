@@ -18,7 +18,7 @@ QString clipped(const QString& text, int longest = 2000);
 QString oneLine(QString text);
 
 /// To be called once, after the QApplication is made and before the first window.
-void applyLook();
+void applyTheme();
 
 } // namespace orvo::app
 

@@ -121,7 +121,7 @@ void MirrorWorker::run() {
             m_contents = m_contents || (retry && contents);
             if (end == End::Failed)
                 m_due = Clock::now() + m_pace.retry;
-            if (end != End::Anew)
+            if (end != End::Restart)
                 post([this, done] { emit answered(done); });
         }
     }
@@ -148,7 +148,7 @@ MirrorWorker::End MirrorWorker::pass(uint64_t number, bool contents) {
     bool changed = removeStale();
     // What depends on this listing alone must be copied before the next one.
     const bool mayBreakOff = !contents;
-    Clock::time_point told = begin + m_pace.tellAfter - m_pace.tellEvery;
+    Clock::time_point told = begin + m_pace.firstProgressAfter - m_pace.progressInterval;
     Clock::time_point staged = Clock::now();
     const int all = static_cast<int>(queue.size());
     End end = End::Done;
@@ -159,7 +159,7 @@ MirrorWorker::End MirrorWorker::pass(uint64_t number, bool contents) {
         }
         changed = true;
         const Clock::time_point now = Clock::now();
-        if (now - told >= m_pace.tellEvery) {
+        if (now - told >= m_pace.progressInterval) {
             told = now;
             post([this, done, all] { emit progress(done + 1, all); });
         }
@@ -168,7 +168,7 @@ MirrorWorker::End MirrorWorker::pass(uint64_t number, bool contents) {
             writeManifest();
             post([this] { emit updated(); });
             if (mayBreakOff && m_asked != number)
-                end = End::Anew;
+                end = End::Restart;
         }
     }
     if (m_touched)

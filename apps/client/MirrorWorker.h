@@ -29,10 +29,10 @@ using StoreOpener = std::function<std::unique_ptr<store::Store>(store::Status* s
 /// When things are done that are not done at once.
 struct MirrorPace {
     using Milliseconds = std::chrono::milliseconds;
-    Milliseconds retry{10000};   ///< after a failure
-    Milliseconds close{60000};   ///< of the store, when there is nothing to do
-    Milliseconds tellAfter{500}; ///< how far the copy is
-    Milliseconds tellEvery{200}; ///< the same from then on
+    Milliseconds retry{10000};            ///< after a failure
+    Milliseconds close{60000};            ///< of the store, when there is nothing to do
+    Milliseconds firstProgressAfter{500}; ///< the first report of progress
+    Milliseconds progressInterval{200};   ///< between the following ones
     /// A long copy shows its files, notes what it has, and turns to what has changed meanwhile.
     Milliseconds stage{3000};
 };
@@ -71,7 +71,7 @@ private:
         std::string name;
         double time;
     };
-    enum class End { Done, Failed, Anew };
+    enum class End { Done, Failed, Restart };
 
     bool keepWaiting() override { return !m_stop && m_up; }
     void run();

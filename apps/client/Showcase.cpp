@@ -90,7 +90,7 @@ void chooseLeafWithIcon(QTreeView& view) {
 
 } // namespace
 
-void arrangeShowcase(QWidget& window) {
+void prepareScreenshot(QWidget& window) {
     const std::vector<QTreeView*> views = shownTrees(window);
     for (size_t i = 0; i < views.size(); ++i) {
         QTreeView& view = *views[i];

@@ -11,7 +11,7 @@ namespace orvo::app {
 /// below it that brings content into the next one; in the others the first such row that has an
 /// icon, with some folders opened on the way. Trees in which a choice would open an editor are
 /// left alone. Needs everything loaded; changes nothing but current rows and expansion.
-void arrangeShowcase(QWidget& window);
+void prepareScreenshot(QWidget& window);
 
 } // namespace orvo::app
 

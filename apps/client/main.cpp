@@ -59,7 +59,7 @@ int main(int argc, char* argv[]) {
     QApplication application(qtArgc, qtArgv);
     qInstallMessageHandler(usual);
     QCoreApplication::setApplicationName(QStringLiteral("orvo-client"));
-    orvo::app::applyLook();
+    orvo::app::applyTheme();
     if (pane)
         return orvo::app::runWaitPane(arguments);
 

@@ -340,7 +340,7 @@ private slots:
         for (int i = 0; i < 50; ++i)
             bench.put("icons", QStringLiteral("f%1").arg(i), "x");
         app::MirrorPace pace;
-        pace.tellAfter = pace.tellEvery = app::MirrorPace::Milliseconds(0);
+        pace.firstProgressAfter = pace.progressInterval = app::MirrorPace::Milliseconds(0);
         FileMirror mirror(bench.opener(), bench.work, pace);
         QSignalSpy progress(&mirror, &FileMirror::progress);
         QString error;
@@ -361,7 +361,7 @@ private slots:
             bench.put("icons/Цех 1", QStringLiteral("f%1").arg(i), "x");
         app::MirrorPace pace;
         pace.stage = app::MirrorPace::Milliseconds(0);
-        pace.tellAfter = pace.tellEvery = app::MirrorPace::Milliseconds(0);
+        pace.firstProgressAfter = pace.progressInterval = app::MirrorPace::Milliseconds(0);
         FileMirror mirror(bench.opener(), bench.work, pace);
         QSignalSpy updated(&mirror, &FileMirror::updated);
         QSignalSpy progress(&mirror, &FileMirror::progress);

@@ -1,6 +1,6 @@
 #include "apps/admin/Failure.h"
-#include "apps/admin/Moments.h"
 #include "apps/admin/Output.h"
+#include "apps/admin/TimeParsing.h"
 #include "apps/admin/Verb.h"
 #include "frame/Vocabulary.h"
 

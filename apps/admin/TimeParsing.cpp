@@ -1,4 +1,4 @@
-#include "apps/admin/Moments.h"
+#include "apps/admin/TimeParsing.h"
 
 #include "apps/admin/Failure.h"
 

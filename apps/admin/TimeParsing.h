@@ -1,6 +1,6 @@
-// Moments.h: points in time as people write and read them.
-#ifndef ORVO_ADMIN_MOMENTS_H
-#define ORVO_ADMIN_MOMENTS_H
+// TimeParsing.h: points in time as people write and read them.
+#ifndef ORVO_ADMIN_TIMEPARSING_H
+#define ORVO_ADMIN_TIMEPARSING_H
 
 #include <string>
 
