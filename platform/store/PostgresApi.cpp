@@ -4,6 +4,7 @@
 #include "platform/store/WaitPolicy.h"
 
 #include <bit>
+#include <cassert>
 #include <cerrno>
 #include <chrono>
 #include <condition_variable>
@@ -279,6 +280,12 @@ void Connection::close() {
     m_prepared.clear();
 }
 
+void Connection::checkInvariants() const {
+    assert(m_connection || m_prepared.empty());
+    assert(m_end == End::None || !m_connection);
+    assert(!usable() || PQisnonblocking(get()) != 0);
+}
+
 // Waiting ----------------------------------------------------------------------------------------
 
 /// Until the server has something to say, or (POLLOUT) takes more. If the wait is ended, the
@@ -396,6 +403,7 @@ void Connection::takeRest() {
 }
 
 Result Connection::execute(const std::string& sql) {
+    const InvariantScope<Connection> invariants(*this);
     Result last;
     takeRest();
     m_streamed = 0;

@@ -2,6 +2,7 @@
 #ifndef ORVO_PLATFORM_STORE_POSTGRESAPI_H
 #define ORVO_PLATFORM_STORE_POSTGRESAPI_H
 
+#include "platform/store/InvariantScope.h"
 #include "platform/store/PostgresUrl.h"
 #include "platform/store/Store.h"
 #include "platform/store/WritePlan.h"
@@ -63,6 +64,10 @@ using ConnectionHandle = std::unique_ptr<PGconn, FinishConnection>;
 /// Nothing here blocks in libpq: every wait goes in steps and asks the thread's wait policy (see
 /// WaitPolicy.h). A server that is silent in the middle of a call for longer than the URL's
 /// tcp_user_timeout (20 s; 0: no limit) counts as lost: no system tells of one that is frozen.
+///
+///  1. m_prepared names the statements prepared on the present connection; none without one.
+///  2. m_end is other than None only while there is no connection: it tells why it was closed.
+///  3. libpq is in non-blocking mode from the end of open on.
 class Connection {
 public:
     /// Connects, within the time the URL allows. CannotConnect, BadLogin, or Timeout if given up.
@@ -115,6 +120,8 @@ public:
     };
 
 private:
+    friend class InvariantScope<Connection>;
+    void checkInvariants() const;
     enum class End { None, GivenUp, Silent };
     bool wait(short events);
     void takeRest();

@@ -3,6 +3,7 @@
 #include "platform/store/Names.h"
 #include "platform/store/PostgresSchema.h"
 #include "platform/store/PostgresStore.h"
+#include "platform/store/Sql.h"
 
 namespace orvo::store::postgres {
 

@@ -190,6 +190,7 @@ Status PostgresStore::selectWhere(const TableDef& table, const std::vector<int>&
 }
 
 Status PostgresStore::inRead(const Work& work) {
+    const InvariantScope<PostgresStore> invariants(*this);
     Status status = ready();
     if (!status.ok())
         return status;
@@ -202,6 +203,7 @@ Status PostgresStore::inRead(const Work& work) {
         m_connection.execute("ROLLBACK");
         throw;
     }
+    m_failure = {}; // of a connection that broke meanwhile: the next call makes a new one
     if (m_connection.usable())
         m_connection.execute("ROLLBACK"); // nothing to keep
     return status;

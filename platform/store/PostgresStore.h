@@ -13,6 +13,7 @@
 #define ORVO_PLATFORM_STORE_POSTGRESSTORE_H
 
 #include "platform/store/ContentChecksum.h"
+#include "platform/store/InvariantScope.h"
 #include "platform/store/Kinds.h"
 #include "platform/store/PostgresApi.h"
 #include "platform/store/PostgresCopy.h"
@@ -31,6 +32,17 @@ Status parseUrl(const std::string& url, Location* location);
 std::unique_ptr<MaintainedStore> openStore(const std::string& url, const OpenOptions& options,
                                            Status* status);
 
+/// Before and after every transaction all of this holds; checkInvariants() looks at it.
+///
+///  1. The connection is closed, or it is idle: no transaction, no pipeline, no COPY. (A call that
+///     an exception left may leave it busy: ready(), with which every call begins, then closes it.)
+///  2. m_sent is empty and m_failure is Ok; inside inWrite, m_sent has an entry for each result
+///  that
+///     is still to come, in their order, and m_failure is the first failure among those met.
+///  3. m_content is closed: it is open only inside inWrite, between beginContent and endContent.
+///  4. A usable connection has its m_session, by which the server lists it.
+///  5. m_written is what the last write left, nothing after one that failed, and `unknown`, without
+///     changes, if the connection broke at its commit and nobody could be asked.
 class PostgresStore final : public StoreCore {
 public:
     /// Takes a connection to a store of the newest version.
@@ -92,6 +104,9 @@ protected:
     Status selectChanges(const ChangeQuery& query, std::vector<Change>* changes) override;
 
 private:
+    friend class InvariantScope<PostgresStore>;
+    void checkInvariants() const;
+
     /// A statement on its way: what to say if it fails.
     struct Sent {
         std::string prepared; ///< text of a preparation; empty for a run

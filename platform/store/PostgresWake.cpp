@@ -3,6 +3,7 @@
 #include "platform/store/PostgresSchema.h"
 
 #include <algorithm>
+#include <cassert>
 #include <memory>
 #include <poll.h>
 #include <sys/epoll.h>
@@ -42,6 +43,7 @@ void Listener::take() {
     }
     if (!m_connection.usable())
         drop();
+    assert((m_socket < 0) == !m_connection.usable());
 }
 
 void Listener::revive(const Url& url) {

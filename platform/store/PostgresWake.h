@@ -8,7 +8,11 @@
 
 namespace orvo::store::postgres {
 
-/// One descriptor for the whole life of the store: connections come and go behind it.
+/// One descriptor as long as the store is open: connections come and go behind it.
+///
+///  1. m_socket is watched by m_fd and belongs to m_connection, or is -1; after each call it is -1
+///     exactly if the connection is not usable. (The number of a closed socket may be given to
+///     another file at once, which must not be watched in its place.)
 class Listener {
 public:
     Listener();

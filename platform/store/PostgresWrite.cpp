@@ -8,6 +8,7 @@
 #include "platform/store/Sql.h"
 #include "platform/store/WaitPolicy.h"
 
+#include <cassert>
 #include <chrono>
 #include <thread>
 
@@ -156,7 +157,19 @@ void PostgresStore::takeWritten(const PGresult* result) {
     m_known = last.front().id;
 }
 
+void PostgresStore::checkInvariants() const {
+#ifndef NDEBUG
+    assert(!m_connection.usable() || PQpipelineStatus(m_connection.get()) == PQ_PIPELINE_OFF);
+    assert(m_sent.empty() && m_failure.ok());
+    assert(!m_content);
+    assert(!m_written.unknown || (m_written.first == 0 && m_written.last.proof.empty()));
+    assert(m_written.first == 0 ||
+           (m_written.first > m_written.since && m_written.last.id >= m_written.first));
+#endif
+}
+
 void PostgresStore::rollback() {
+    m_content.reset();
     // The failure that led here is the one that is told. If the stream cannot be ended either, the
     // connection goes, and the server rolls back.
     if (!drainPipeline().ok() && PQpipelineStatus(m_connection.get()) != PQ_PIPELINE_OFF)
@@ -168,6 +181,7 @@ void PostgresStore::rollback() {
 }
 
 Status PostgresStore::inWrite(const Work& work) {
+    const InvariantScope<PostgresStore> invariants(*this);
     const char notSaved[] = "изменения не сохранены: "; // first: the rest may be long
     m_written = {};
     Status status = ready();
@@ -199,6 +213,7 @@ Status PostgresStore::inWrite(const Work& work) {
     }
     m_sent.clear();
     m_failure = {};
+    m_content.reset();
     if (status.code != ConnectionBroken && !m_connection.givenUp())
         return status;
     if (!m_commitSent)

@@ -2,6 +2,7 @@
 
 #include "platform/store/SqliteDamage.h"
 
+#include <cassert>
 #include <cerrno>
 #include <cstring>
 
@@ -206,7 +207,10 @@ Status Connection::failure(std::string_view what) const {
 
 Transaction::Transaction(const Connection& connection, Kind kind)
     : m_connection(connection)
-    , m_begun(connection.execute(kind == Write ? "BEGIN IMMEDIATE" : "BEGIN")) {}
+    , m_begun(connection.execute(kind == Write ? "BEGIN IMMEDIATE" : "BEGIN")) {
+    // A second BEGIN is refused, but the rollback of the object that tried it would end the first.
+    assert(m_begun != SQLITE_ERROR || sqlite3_get_autocommit(connection.get()) != 0);
+}
 
 Transaction::~Transaction() {
     // A grave error may have rolled back already.

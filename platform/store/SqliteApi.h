@@ -13,7 +13,8 @@
 
 namespace orvo::store::sqlite {
 
-/// A prepared statement. Must not outlive its connection.
+/// A prepared statement. Must not outlive its connection. One that has been stepped holds its
+/// snapshot until it is reset or has given all rows.
 class Statement {
 public:
     Statement() = default;
@@ -89,7 +90,8 @@ struct CloseBlob {
 /// A value that is read or written in pieces. Must not outlive its connection.
 using Blob = std::unique_ptr<sqlite3_blob, CloseBlob>;
 
-/// A transaction that is rolled back unless it is committed.
+/// A transaction that is rolled back unless it is committed. A connection has one at a time at most
+/// (asserted).
 class Transaction {
 public:
     enum Kind { Read, Write };

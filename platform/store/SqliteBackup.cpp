@@ -137,7 +137,7 @@ Status checkDefinitions(const Connection& backup, const std::string& what) {
 Status checkRows(const Connection& backup, const std::string& what) {
     const struct {
         const char* words;
-        const char* count; ///< of the rows that must not be
+        std::string count; ///< of the rows that must not be
     } rules[] = {
         {"содержимое файла без его ресурса",
          "SELECT count(*) FROM \"MenuResourceFile\" AS f WHERE NOT EXISTS (SELECT 1 FROM "
@@ -154,7 +154,7 @@ Status checkRows(const Connection& backup, const std::string& what) {
     };
     for (const auto& rule : rules) {
         int64_t count = 0;
-        if (backup.integer(rule.count, &count) != SQLITE_OK)
+        if (backup.integer(rule.count.c_str(), &count) != SQLITE_OK)
             return backup.failure(what);
         if (count != 0)
             return {Refused, what + " изменена: " + rule.words};

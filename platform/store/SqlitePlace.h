@@ -13,6 +13,10 @@
 
 namespace orvo::store::sqlite {
 
+///  1. m_file, m_log and m_index are the files that the connection has open; they never change.
+///  2. Once m_last is JournalGone or Overwritten it stays so: what the connection holds is not what
+///     is at the path, and nothing that happens there makes it so again.
+///  3. m_newest never falls: a lower number in the file is another store's, or an older copy.
 class Place {
 public:
     enum State {

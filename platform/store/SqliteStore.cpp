@@ -5,6 +5,7 @@
 #include "platform/store/SqliteDamage.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstring>
 #include <limits>
 
@@ -85,6 +86,25 @@ Status SqliteStore::start() {
 SqliteStore::~SqliteStore() {
     if (!present().ok())
         letGo();
+}
+
+void SqliteStore::checkInvariants() const {
+#ifndef NDEBUG
+    sqlite3* connection = m_connection.get();
+    assert(connection != nullptr && m_place);
+    assert(sqlite3_get_autocommit(connection) != 0);
+    for (sqlite3_stmt* statement = sqlite3_next_stmt(connection, nullptr); statement != nullptr;
+         statement = sqlite3_next_stmt(connection, statement))
+        assert(sqlite3_stmt_busy(statement) == 0);
+    assert(!m_content);
+    for (const auto& [text, statement] : m_statements)
+        assert(sqlite3_db_handle(statement.get()) == connection);
+    for (const auto& [shape, statement] : m_writes)
+        assert(!statement || sqlite3_db_handle(statement.get()) == connection);
+    assert(!m_written.unknown);
+    assert(m_written.first == 0 ||
+           (m_written.first == m_written.since + 1 && m_written.last.id >= m_written.first));
+#endif
 }
 
 Status SqliteStore::present() {
@@ -224,6 +244,7 @@ Status SqliteStore::selectWhere(const TableDef& table, const std::vector<int>& f
 // Writing ----------------------------------------------------------------------------------------
 
 Status SqliteStore::inRead(const Work& work) {
+    const InvariantScope<SqliteStore> invariants(*this);
     Transaction transaction(m_connection, Transaction::Read);
     if (transaction.begun() != SQLITE_OK)
         return m_connection.failure("Чтение");
@@ -261,6 +282,7 @@ Status SqliteStore::lastChange(int64_t before, Written* written) {
 }
 
 Status SqliteStore::inWrite(const Work& work) {
+    const InvariantScope<SqliteStore> invariants(*this);
     Status status = present();
     if (!status.ok())
         return status;
@@ -269,6 +291,10 @@ Status SqliteStore::inWrite(const Work& work) {
         return m_connection.failure("Запись");
     const std::string writer = login();
     m_written = {};
+    struct CloseContent { // however the work ends
+        Blob& content;
+        ~CloseContent() { content.reset(); }
+    } const closeContent{m_content};
     int64_t before = 0;
     status = logPosition(&before);
     if (status.ok())
@@ -279,10 +305,8 @@ Status SqliteStore::inWrite(const Work& work) {
         status = setWriter("");
     if (status.ok())
         status = present();
-    if (!status.ok()) {
-        m_content.reset();
+    if (!status.ok())
         return status;
-    }
     Written written;
     written.since = before;
     if (status = lastChange(before, &written); !status.ok())

@@ -3,6 +3,7 @@
 #define ORVO_PLATFORM_STORE_SQLITESTORE_H
 
 #include "platform/store/ContentChecksum.h"
+#include "platform/store/InvariantScope.h"
 #include "platform/store/Kinds.h"
 #include "platform/store/SqliteApi.h"
 #include "platform/store/SqlitePlace.h"
@@ -34,6 +35,15 @@ Status parseUrl(const std::string& url, Location* location);
 std::unique_ptr<MaintainedStore> openStore(const std::string& url, const OpenOptions& options,
                                            Status* status);
 
+/// Before and after every transaction all of this holds; checkInvariants() looks at it.
+///
+///  1. After start() the connection is open and m_place knows the files that it has open.
+///  2. No transaction is open, and no statement is in the midst of its rows: one that were would
+///     keep its snapshot, and with it the write-ahead log from being carried over.
+///  3. m_content is closed: it is open only inside inWrite, between beginContent and endContent.
+///  4. The statements in m_statements and m_writes belong to m_connection.
+///  5. m_written tells of one committed write, or of none: its changes follow `since` without gaps.
+///  NciWriter, which names who writes, is empty for everybody outside our transactions.
 class SqliteStore final : public StoreCore {
 public:
     /// Takes an open connection to a store of the newest version.
@@ -95,6 +105,8 @@ protected:
     Status selectChanges(const ChangeQuery& query, std::vector<Change>* changes) override;
 
 private:
+    friend class InvariantScope<SqliteStore>;
+    void checkInvariants() const;
     /// ConnectionBroken if the files at the path are no longer the ones that are open.
     Status present();
     /// Keeps the connection from writing into files that are not its own any more when it closes.
