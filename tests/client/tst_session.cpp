@@ -364,7 +364,7 @@ private slots:
         QCOMPARE(reply.code(), int(store::Refused));
         QVERIFY(!reply.info().isEmpty());
         CMDArray rows;
-        host.store().fetch("Menu", rows.array);
+        QVERIFY(host.store().fetch("Menu", rows.array).ok());
         QCOMPARE(rows.array->recordCount, 1u);
         QCOMPARE(host.failures.size(), 1);
         QVERIFY2(host.failures.first().contains(reply.info()), qPrintable(host.failures.first()));

@@ -43,7 +43,7 @@ struct Desk {
     }
     void deliver(Module& module) {
         std::vector<store::Change> changes;
-        host.store().readLog(module.messagesSeen(), 10000, &changes);
+        QVERIFY(host.store().readLog(module.messagesSeen(), 10000, &changes).ok());
         for (const store::Change& change : changes)
             module.messagePut(maker.make(change));
         module.MessageOn();
@@ -499,7 +499,8 @@ private:
     /// Takes the last changes and their effect away and puts those of another in their place.
     static bool replaceLastChanges(Host& host, int count) {
         int64_t end = 0;
-        host.store().logPosition(&end);
+        if (!host.store().logPosition(&end).ok())
+            return false;
         const bool lite = host.kind->name() == "sqlite";
         const QString schema = lite ? "" : "public.";
         const QString first = QString::number(end - count + 1);

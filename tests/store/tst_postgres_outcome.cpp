@@ -129,14 +129,16 @@ void TestOutcome::outcomeWithAPrunedLogIsUnknown() {
     // Someone prunes the log between the commit and the question.
     m_proxy->setOpen(false);
     m_proxy->next(PostgresProxy::LoseAnswers);
+    Status pruned;
     std::thread pruner([&] {
         while (!m_proxy->happened() || dump(*m_store, "MenuFileExt").isEmpty())
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        m_store->pruneLog(1000);
+        pruned = m_store->pruneLog(1000);
         m_proxy->setOpen(true);
     });
     const Status status = Batch("MenuFileExt").insert("k").send(*m_through);
     pruner.join();
+    ORVO_OK(pruned);
     ORVO_FAILS(status, ConnectionBroken);
     QVERIFY2(text(status).contains("неизвестно, сохранено ли"), status.text.c_str());
 }

@@ -52,8 +52,8 @@ QString wholeStore(Store& store) {
     for (const TableDef& table : tables())
         text += QString("[%1]\n%2\n").arg(table.name, dump(store, table.name));
     int64_t id = -1;
-    store.logPosition(&id);
-    return text + QString::number(id);
+    const Status status = store.logPosition(&id);
+    return text + (status.ok() ? QString::number(id) : QString::fromStdString(status.text));
 }
 
 } // namespace
