@@ -98,7 +98,7 @@ QStringList Module::keys() const {
 namespace {
 
 std::unique_ptr<store::test::StoreKind> renewedKind() {
-    auto kind = store::test::quickStoreKind();
+    auto kind = store::test::storeKind();
     if (!kind->renew())
         qFatal("no store");
     return kind;

@@ -19,7 +19,7 @@ namespace orvo::test {
 class Scene {
 public:
     /// Makes the store; starts no client.
-    explicit Scene(std::unique_ptr<store::test::StoreKind> kind = store::test::quickStoreKind());
+    explicit Scene(std::unique_ptr<store::test::StoreKind> kind = store::test::storeKind());
 
     bool startLeft(const QStringList& modules = {"Menu"}, const QString& login = "left",
                    const QRect& place = {5, 5, 1385, 960});

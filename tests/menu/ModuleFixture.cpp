@@ -44,7 +44,7 @@ void setFields(CMDArray& table, MDRData* record, Fields fields) {
 namespace {
 
 std::unique_ptr<store::test::StoreKind> renewedKind() {
-    auto kind = store::test::quickStoreKind();
+    auto kind = store::test::storeKind();
     if (!kind->renew())
         qFatal("no store");
     return kind;

@@ -74,15 +74,55 @@ QByteArray rawPostgresText(const QByteArray& bytes) {
     return "convert_from('\\x" + bytes.toHex() + "', 'UTF8')";
 }
 
-/// One server for all cases, with a database for each.
+/// Everything about a database that a case can change and that emptying it does not take back:
+/// tables, columns, indexes, constraints, triggers, functions, rights and settings.
+const char structureSum[] = R"(SELECT md5(string_agg(what, ';' ORDER BY what)) FROM (
+  SELECT concat_ws(' ', 'class', relname, relkind, relacl, reloptions, relowner, relpersistence)
+    FROM pg_class WHERE relnamespace = 'public'::regnamespace
+  UNION ALL SELECT concat_ws(' ', 'column', c.relname, attname, atttypid, attnotnull, attacl,
+      pg_get_expr(adbin, adrelid))
+    FROM pg_attribute JOIN pg_class c ON c.oid = attrelid LEFT JOIN pg_attrdef
+      ON adrelid = attrelid AND adnum = attnum
+    WHERE c.relnamespace = 'public'::regnamespace AND attnum > 0
+  UNION ALL SELECT pg_get_indexdef(i.indexrelid) || i.indisvalid
+    FROM pg_index i JOIN pg_class c ON c.oid = indrelid
+    WHERE c.relnamespace = 'public'::regnamespace
+  UNION ALL SELECT conname || pg_get_constraintdef(oid)
+    FROM pg_constraint WHERE connamespace = 'public'::regnamespace
+  UNION ALL SELECT pg_get_triggerdef(t.oid) || tgenabled
+    FROM pg_trigger t JOIN pg_class c ON c.oid = tgrelid
+    WHERE c.relnamespace = 'public'::regnamespace
+  UNION ALL SELECT concat_ws(' ', 'function', proname, prosrc, proacl, proconfig, prosecdef, proowner)
+    FROM pg_proc WHERE pronamespace = 'public'::regnamespace
+  UNION ALL SELECT concat_ws(' ', nspname, nspacl, nspowner) FROM pg_namespace
+    WHERE nspname !~ '^pg_'
+  UNION ALL SELECT concat_ws(' ', datacl, datdba, datconnlimit, datallowconn) FROM pg_database
+    WHERE datname = current_database()
+  UNION ALL SELECT concat_ws(' ', 'version', "version") FROM public."NciStore"
+  UNION ALL SELECT concat_ws(' ', 'setting', setrole, setconfig) FROM pg_db_role_setting
+    WHERE setdatabase = (SELECT oid FROM pg_database WHERE datname = current_database())
+) AS everything (what))";
+
+/// One server for all cases, with a database for each that is open at a time. One that was used
+/// serves the next case again, emptied, if its structure is still that of a new store: making a
+/// database and a store in it takes ten times as long. The last ones go with the server.
 class PostgresKind : public StoreKind {
 public:
-    ~PostgresKind() override { drop(); }
+    ~PostgresKind() override { giveBack(); }
     QByteArray name() const override { return "postgresql"; }
 
     bool renew() override {
-        drop();
-        return PostgresCluster::shared() != nullptr && make();
+        giveBack();
+        if (PostgresCluster::shared() == nullptr)
+            return false;
+        while (!usedOnes().empty()) {
+            m_database = usedOnes().back();
+            usedOnes().pop_back();
+            if (empty())
+                return true;
+            drop();
+        }
+        return make();
     }
 
     bool renewAsOf(int version) override {
@@ -133,7 +173,7 @@ public:
 
     QByteArray rawText(const QByteArray& bytes) const override { return rawPostgresText(bytes); }
 
-protected:
+private:
     void newName() {
         static int number = 0;
         m_database = "orvo" + QByteArray::number(::getpid()) + '_' + QByteArray::number(++number);
@@ -141,10 +181,16 @@ protected:
     bool make() {
         newName();
         Status status;
-        if (open(url(), {"maker", true}, &status))
-            return true;
-        qWarning("%s", status.text.c_str());
-        return false;
+        if (!open(url(), {"maker", true}, &status)) {
+            qWarning("%s", status.text.c_str());
+            return false;
+        }
+        if (structureOfNew().isEmpty()) {
+            postgres::Connection connection;
+            if (connect(&connection))
+                structureOfNew() = sumOf(connection);
+        }
+        return true;
     }
     void drop() {
         if (!m_database.isEmpty())
@@ -152,54 +198,58 @@ protected:
                                              "DROP DATABASE \"" + m_database + "\" WITH (FORCE);");
         m_database.clear();
     }
-    QByteArray m_database;
-};
-
-/// Databases that have been used serve the next; the last ones go with the server.
-class QuickPostgresKind : public PostgresKind {
-public:
-    ~QuickPostgresKind() override { giveBack(); }
-
-    bool renew() override {
-        giveBack();
-        if (PostgresCluster::shared() == nullptr)
-            return false;
-        std::vector<QByteArray>& used = usedOnes();
-        if (!used.empty()) {
-            m_database = used.back();
-            used.pop_back();
-            if (empty())
-                return true;
-            drop();
-        }
-        return make();
-    }
-
-private:
-    static std::vector<QByteArray>& usedOnes() {
-        static std::vector<QByteArray> names;
-        return names;
-    }
     void giveBack() {
         if (!m_database.isEmpty())
             usedOnes().push_back(m_database);
         m_database.clear();
     }
-    /// As a new store; false if it cannot be made one, for want of a table, for example.
-    bool empty() const {
+    static std::vector<QByteArray>& usedOnes() {
+        static std::vector<QByteArray> names;
+        return names;
+    }
+    static QByteArray& structureOfNew() {
+        static QByteArray sum;
+        return sum;
+    }
+    bool connect(postgres::Connection* connection) const {
         postgres::Url address;
+        return address.parse(url()).ok() && connection->open(address).ok();
+    }
+    static QByteArray sumOf(postgres::Connection& connection) {
+        const postgres::Result sum = connection.execute(structureSum);
+        if (!postgres::succeeded(sum.get()) || PQntuples(sum.get()) != 1)
+            return {};
+        return PQgetvalue(sum.get(), 0, 0);
+    }
+    /// Leaves the database as a new store; false if it is none any more, for want of a table, for
+    /// example.
+    bool empty() const {
         postgres::Connection connection;
-        if (!address.parse(url()).ok() || !connection.open(address).ok())
+        // Whoever is still connected, and waits or holds locks, is none of the next case.
+        if (!connect(&connection) ||
+            !postgres::succeeded(
+                connection
+                    .execute("SELECT pg_terminate_backend(pid, 10000) FROM pg_stat_activity WHERE "
+                             "datname = current_database() AND pid <> pg_backend_pid()")
+                    .get()) ||
+            structureOfNew().isEmpty() || sumOf(connection) != structureOfNew())
             return false;
-        std::string sql = "SET session_replication_role = replica; TRUNCATE public.\"NciEvent\", "
-                          "public.\"MenuResourceFile\", public.\"MenuResourceFileData\", "
-                          "public.\"MenuResourceFileSum\"";
-        for (const TableDef& table : tables())
-            sql += ", public.\"" + std::string(table.name) + "\"";
-        sql += "; UPDATE public.\"NciPruned\" SET \"id\" = 0; "
-               "SELECT setval('public.\"NciEventId\"', 1, false)";
+        const char sql[] = R"(SET session_replication_role = replica;
+DO $$ BEGIN
+  EXECUTE (SELECT 'TRUNCATE ' || string_agg(format('public.%I', tablename), ', ')
+    FROM pg_tables WHERE schemaname = 'public' AND tablename NOT IN ('NciPruned', 'NciStore'));
+  IF (SELECT count(*) FROM public."NciPruned") <> 1 OR (SELECT count(*) FROM public."NciStore") <> 1
+  THEN
+    RAISE EXCEPTION 'no store any more';
+  END IF;
+END $$;
+UPDATE public."NciPruned" SET "id" = 0;
+UPDATE public."NciStore" SET "identity" = gen_random_uuid();
+SELECT setval('public."NciEventId"', 1, false))";
         return postgres::succeeded(connection.execute(sql).get());
     }
+
+    QByteArray m_database;
 };
 
 } // namespace
@@ -248,9 +298,9 @@ std::unique_ptr<StoreKind> kindOn(const PostgresCluster& cluster, const QByteArr
     return std::make_unique<GivenKind>(cluster, database, url);
 }
 
-std::unique_ptr<StoreKind> quickStoreKind() {
+std::unique_ptr<StoreKind> storeKind() {
     if (qgetenv("ORVO_STORE_KIND") == "postgresql")
-        return std::make_unique<QuickPostgresKind>();
+        return std::make_unique<PostgresKind>();
     return std::make_unique<SqliteKind>();
 }
 

@@ -35,9 +35,8 @@ public:
 /// All kinds, or the one that ORVO_STORE_KIND names, for a closer look.
 std::vector<std::unique_ptr<StoreKind>> storeKinds();
 
-/// The kind that ORVO_STORE_KIND names; SQLite by default. Its renew is quick: what is left of
-/// another store that was used and given back is emptied.
-std::unique_ptr<StoreKind> quickStoreKind();
+/// The kind that ORVO_STORE_KIND names; SQLite by default.
+std::unique_ptr<StoreKind> storeKind();
 
 class PostgresCluster;
 /// A database of a server that the test may do anything to; renew makes the store if there is none.
