@@ -128,7 +128,7 @@ public:
     /// nothing done, for a store that is there, or that finds its own way back.
     virtual Status reopen() { return {}; }
 
-    /// Names the life of the store that its log tells of, as a UUID: made with a new store, and
+    /// Names the store that the log belongs to, as a UUID: made with a new store, and
     /// made anew when a backup is restored. A number of the log means something only together with
     /// it.
     virtual Status identity(std::string* identity) = 0;
