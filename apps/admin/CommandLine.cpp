@@ -130,7 +130,9 @@ store::StoreUrl chosenStore(const QCommandLineParser& general, const QCommandLin
             return url;
         }
     store::StoreUrl url;
-    url.parse(defaultStore());
+    const store::Status status = url.parse(defaultStore());
+    if (!status.ok())
+        throw Failure(status.text);
     return url;
 }
 

@@ -124,8 +124,10 @@ void fill(store::Store& target, int records) {
         check(status.ok(), status.text);
     }
     int64_t last = 0;
-    target.logPosition(&last);
-    target.pruneLog(last);
+    store::Status status = target.logPosition(&last);
+    if (status.ok())
+        status = target.pruneLog(last);
+    check(status.ok(), status.text);
 }
 
 double fetchIntoRecords(store::Store& source, int records) {

@@ -62,7 +62,9 @@ struct Desk {
     }
     QString value(const char* table, const char* key, const char* field) {
         CMDArray rows;
-        host.store().fetchLinked(table, "KeyLink", key, rows.array);
+        const store::Status read = host.store().fetchLinked(table, "KeyLink", key, rows.array);
+        if (!read.ok())
+            return QString::fromStdString(read.text);
         return mdx::postedCount(rows.array) == 0
                    ? QStringLiteral("no record")
                    : textOf(rows.array, mdx::postedRecord(rows.array, 0), field);

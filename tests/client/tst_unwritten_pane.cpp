@@ -50,7 +50,9 @@ struct Shown {
     QPushButton* button(const char* name) const { return pane.findChild<QPushButton*>(name); }
     QString caption() {
         CMDArray rows;
-        host.store().fetchLinked("Menu", "KeyLink", "k", rows.array);
+        const auto read = host.store().fetchLinked("Menu", "KeyLink", "k", rows.array);
+        if (!read.ok())
+            return QString::fromStdString(read.text);
         return textOf(rows.array, MDARec(rows.array, 0, 0), "caption");
     }
 };

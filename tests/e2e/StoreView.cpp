@@ -114,7 +114,8 @@ private:
 
 StoreView::StoreView(std::unique_ptr<store::test::StoreKind> kind) : m_kind(std::move(kind)) {
     store::StoreUrl url;
-    url.parse(m_kind->url());
+    if (const store::Status status = url.parse(m_kind->url()); !status.ok())
+        qFatal("%s", status.text.c_str());
     if (!url.file().empty())
         m_reader = std::make_unique<SqliteReader>(url.file());
     else

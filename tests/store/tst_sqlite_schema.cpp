@@ -95,7 +95,7 @@ void TestSqliteSchema::replaceByHandIsLoggedAsAnUpdate() {
                        "INSERT INTO MenuFileExt VALUES ('k', 'a')"),
                  QString());
         int64_t before = 0;
-        store->logPosition(&before);
+        QVERIFY(store->logPosition(&before).ok());
         QCOMPARE(shell(QString("PRAGMA recursive_triggers = %1; "
                                "INSERT OR REPLACE INTO MenuFileExt VALUES ('k', 'b'); "
                                "REPLACE INTO MenuFileExt VALUES ('n', 'c')")
@@ -119,7 +119,7 @@ void TestSqliteSchema::noRowIsReplacedWithoutATrace() {
     QVERIFY(store);
     QCOMPARE(shell("INSERT INTO MenuFileExt VALUES ('a', '1'), ('b', '2'), ('c', '3')"), QString());
     int64_t before = 0;
-    store->logPosition(&before);
+    QVERIFY(store->logPosition(&before).ok());
     const QString rows = dump(*store, "MenuFileExt");
     for (const char* sql :
          {"INSERT OR REPLACE INTO MenuFileExt(rowid, KeyLink) VALUES (1, 'new')",
