@@ -4,6 +4,7 @@
 #define ORVO_PLATFORM_STORE_KINDS_H
 
 #include "platform/store/Maintenance.h"
+#include "platform/store/Presence.h"
 
 #include <memory>
 #include <string>
@@ -25,6 +26,9 @@ struct DatabaseKind {
     /// As store::open.
     std::unique_ptr<MaintainedStore> (*open)(const std::string& url, const OpenOptions& options,
                                              Status* status);
+    /// As store::openPresence.
+    std::unique_ptr<Presence> (*presence)(const std::string& url, const std::string& login,
+                                          Status* status);
 };
 
 /// Whether a text can be meant as a path (StoreUrl.h).

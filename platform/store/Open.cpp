@@ -1,6 +1,8 @@
 // The one way into a store: the kinds there are, and which of them an address names.
 #include "platform/store/Kinds.h"
+#include "platform/store/PostgresPresence.h"
 #include "platform/store/PostgresStore.h"
+#include "platform/store/SqlitePresence.h"
 #include "platform/store/SqliteStore.h"
 #include "platform/store/StoreCore.h"
 #include "platform/store/StoreUrl.h"
@@ -9,8 +11,11 @@ namespace orvo::store {
 
 const std::vector<DatabaseKind>& kinds() {
     static const std::vector<DatabaseKind> all = {
-        {{"sqlite:"}, sqlite::parseUrl, sqlite::openStore},
-        {{"postgresql:", "postgres:"}, postgres::parseUrl, postgres::openStore},
+        {{"sqlite:"}, sqlite::parseUrl, sqlite::openStore, sqlite::openPresence},
+        {{"postgresql:", "postgres:"},
+         postgres::parseUrl,
+         postgres::openStore,
+         postgres::openPresence},
     };
     return all;
 }
