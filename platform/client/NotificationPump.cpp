@@ -38,7 +38,6 @@ NotificationPump::~NotificationPump() = default;
 
 void NotificationPump::start() {
     m_stopped = false;
-    m_announcedId = m_cursor.id;
     m_follower.begin(m_cursor);
     request(); // what came since the session was made
 }
@@ -127,7 +126,7 @@ void NotificationPump::followModules() {
                     m_readers.end());
     for (const QPointer<COrvoCliMod>& module : running)
         if (!readerOf(module))
-            m_readers.push_back({module, m_announced, m_announcedId});
+            m_readers.push_back({module, m_announced});
 }
 
 NotificationPump::Reader* NotificationPump::readerOf(const COrvoCliMod* module) {
@@ -135,13 +134,6 @@ NotificationPump::Reader* NotificationPump::readerOf(const COrvoCliMod* module) 
         if (module && reader.module == module)
             return &reader;
     return nullptr;
-}
-
-int64_t NotificationPump::lastGiven(const COrvoCliMod* module) const {
-    for (const Reader& reader : m_readers)
-        if (module && reader.module == module)
-            return reader.given;
-    return m_announcedId;
 }
 
 void NotificationPump::noteEchoes() {
@@ -259,8 +251,6 @@ size_t NotificationPump::announce(size_t count) {
             if (reader.module)
                 noteInQuestion(*reader.module, change);
     }
-    if (to > from)
-        m_announcedId = m_log[to - 1 - m_first].id;
     m_announced = to;
     return to - from;
 }
@@ -278,7 +268,6 @@ size_t NotificationPump::deliver(COrvoCliMod* module, size_t count) {
     for (uint64_t place = from; place < to; ++place)
         module->messagePut(m_maker.make(m_log[place - m_first]));
     reader->at = to;
-    reader->given = m_log[to - 1 - m_first].id;
     module->MessageOn(); // may write, or take modules down: `reader` ends here
     return to - from;
 }

@@ -61,9 +61,6 @@ public:
     };
     /// The modules from which something is held back now.
     std::vector<Held> held() const;
-    /// The number in the log of the last change that the module was given; where reading began if
-    /// nothing was.
-    int64_t lastGiven(const COrvoCliMod* module) const;
 
 signals:
     /// Every change, whatever its table, once, in commit order, just before the modules get it.
@@ -83,7 +80,6 @@ private:
     struct Reader {
         QPointer<COrvoCliMod> module;
         uint64_t at = 0;         ///< place of the next change
-        int64_t given = 0;       ///< number in the log of the last one
         uint64_t echoLook = 0;   ///< the look that will find its last write; 0: none is awaited
         uint64_t echoBefore = 0; ///< the echo of its last write is before this place
     };
@@ -117,7 +113,6 @@ private:
     std::deque<store::Change> m_log; ///< what not every module has been given
     uint64_t m_first = 0;            ///< place of the first of these
     uint64_t m_announced = 0;        ///< place of the next one for `changed`
-    int64_t m_announcedId = 0;       ///< number in the log of the one before
     std::vector<Reader> m_readers;
     std::vector<std::pair<QPointer<COrvoCliMod>, int>> m_told; ///< at the last heldChanged
     store::LogCursor m_cursor;                                 ///< where the follower began
