@@ -45,6 +45,8 @@ Status GuardedUpdate::apply(UpdateGuard* guard) {
         status = checkParents(&guard->parentDeletion);
     if (status.ok())
         status = refuseCycles();
+    if (status.ok() && guard != nullptr)
+        status = checkChildren(*guard);
     for (const Write& write : m_writes)
         if (status.ok())
             status = m_backend.apply(m_table, write);
@@ -140,6 +142,55 @@ Status GuardedUpdate::checkParent(const Write& write, int field, const TableDef&
     *deletedParent = std::move(deletion);
     return {ParentDeleted, "Папка " + shown(name.empty() ? key : name) +
                                ", в которой должна быть запись, удалена " + who};
+}
+
+Status GuardedUpdate::checkChildren(const UpdateGuard& guard) {
+    constexpr size_t fewKeys = 50; // more are cheaper to find in one pass over the table
+    std::set<std::string> deleted;
+    for (const Write& write : m_writes)
+        if (write.flag == MDX_DELETE && isKey(write.key))
+            deleted.insert(foldedKey(write.key));
+    if (deleted.empty() || guard.seen < 0)
+        return {};
+    for (const ParentField& link : childFields(m_table)) {
+        const TableDef& below = *findTable(link.table);
+        const int field = below.find(link.field);
+        int64_t newest = 0;
+        bool changed = false;
+        Status status = m_backend.changedSince(below, guard.seen, &newest, &changed);
+        if (status.ok() && !changed)
+            continue;
+        std::set<std::string> children;
+        const auto take = [&](const StoreBackend::Row& row) {
+            const std::string key = foldedKey(textOf(row[0]));
+            if (deleted.count(foldedKey(textOf(row[1]))) != 0 &&
+                (&below != &m_table || deleted.count(key) == 0))
+                children.insert(key);
+        };
+        if (status.ok() && deleted.size() > fewKeys)
+            status = m_backend.select(below, {0, field}, take);
+        else
+            for (const Write& write : m_writes)
+                if (status.ok() && write.flag == MDX_DELETE)
+                    status = m_backend.selectWhere(below, {0, field}, field, write.key, take);
+        std::vector<Change> changes;
+        if (status.ok() && !children.empty())
+            status = m_backend.changesOf(below, listOf(children), guard.seen, &changes);
+        if (!status.ok())
+            return status;
+        for (const Change& change : changes) {
+            const std::map<int, Value> after = valuesFromJson(below, change.after);
+            if (isOwnChange(guard, change.id) || after.find(field) == after.end())
+                continue;
+            const std::string name = nameIn(below, change.after);
+            const std::string who = change.login.empty() ? std::string("другой")
+                                                         : "пользователь " + shown(change.login);
+            return {Refused, "Не удалено: " + who + " тем временем поместил внутрь " +
+                                 shown(name.empty() ? change.key : name) +
+                                 "; посмотрите и удалите ещё раз"};
+        }
+    }
+    return {};
 }
 
 Status GuardedUpdate::refuseCycles() {

@@ -31,6 +31,8 @@ private:
     Status checkParents(std::optional<Change>* deletedParent);
     Status checkParent(const Write& write, int field, const TableDef& above, const std::string& key,
                        std::optional<Change>* deletedParent);
+    /// Refuses to delete what others have put something into since the writer last looked.
+    Status checkChildren(const UpdateGuard& guard);
     /// Refuses an update that would put a record below itself.
     Status refuseCycles();
     Status lastDeletion(const TableDef& table, const std::string& key,

@@ -56,6 +56,21 @@ std::vector<ParentField> parentFields(const TableDef& table) {
     return found;
 }
 
+std::vector<ParentField> childFields(const TableDef& table) {
+    std::vector<ParentField> found;
+    for (const ParentEntry& entry : parents)
+        if (std::strcmp(entry.parent.table, table.name) == 0)
+            found.push_back({entry.parent.field, entry.table});
+    return found;
+}
+
+bool isOwnChange(const UpdateGuard& guard, int64_t id) {
+    const auto after =
+        std::upper_bound(guard.own.begin(), guard.own.end(), id,
+                         [](int64_t left, const IdRange& range) { return left < range.first; });
+    return after != guard.own.begin() && id <= std::prev(after)->last;
+}
+
 struct Merge::Records {
     std::unordered_map<std::string, std::unordered_map<int, FieldState>> byKey; ///< folded keys
 };
@@ -64,15 +79,9 @@ Merge::Merge(const TableDef& table, const std::vector<Change>& changes, UpdateGu
     : m_table(table)
     , m_guard(guard)
     , m_records(std::make_unique<Records>()) {
-    const auto isOwn = [&](int64_t id) {
-        const auto after =
-            std::upper_bound(guard.own.begin(), guard.own.end(), id,
-                             [](int64_t left, const IdRange& range) { return left < range.first; });
-        return after != guard.own.begin() && id <= std::prev(after)->last;
-    };
     for (const Change& change : changes) {
         auto& fields = m_records->byKey[foldedKey(change.key)];
-        const bool own = isOwn(change.id);
+        const bool own = isOwnChange(guard, change.id);
         const std::map<int, Value> before = valuesFromJson(table, change.before);
         const std::map<int, Value> after = valuesFromJson(table, change.after);
         for (const auto& [number, value] : before) {

@@ -55,13 +55,19 @@ struct UpdateGuard {
     std::optional<Change> parentDeletion;
 };
 
-/// The fields by which a record of the table is placed below another one, and that one's table. A
-/// record whose parent is not stored is shown nowhere.
+/// A field by which a record of one table is placed below another one, and the table at its other
+/// end. A record whose parent is not stored is shown nowhere.
 struct ParentField {
     const char* field;
     const char* table;
 };
 std::vector<ParentField> parentFields(const TableDef& table);
+/// The same from above: the fields by which records are placed below one of this table, each with
+/// the table that has it.
+std::vector<ParentField> childFields(const TableDef& table);
+
+/// Whether a change after guard.seen is the writer's own.
+bool isOwnChange(const UpdateGuard& guard, int64_t id);
 
 /// Compares updates of one table with the changes since `seen`.
 class Merge {

@@ -153,7 +153,8 @@ public:
     ///
     /// With a guard (Merge.h) updates give way to what others wrote after guard->seen, field by
     /// field, inside the same transaction; updates of missing records are reported; and a new
-    /// record, or one that is moved, is refused if the record that it is placed below was deleted.
+    /// record, or one that is moved, is refused if the record that it is placed below was deleted;
+    /// and so is the deletion of a record into which others have put something after guard->seen.
     virtual Status update(std::string_view table, const MDArray* records,
                           UpdateGuard* guard = nullptr) = 0;
 
@@ -213,6 +214,9 @@ struct OpenOptions {
     /// Who writes. PostgreSQL takes the user of the session, unless that is the store's owner.
     std::string login;
     bool create = false; ///< make the store if it is missing (never overwrites anything)
+    /// Open a file that this user may read and not write for reading, instead of refusing it. A
+    /// server lets in whoever may read in any case. See Store::mayWrite.
+    bool allowReadOnly = false;
 };
 
 /// Opens the store behind a URL: "sqlite:///absolute/path.db" (or a plain path), or

@@ -5,6 +5,8 @@
 
 #include <QRandomGenerator>
 
+#include <thread>
+
 using namespace orvo::store;
 using namespace orvo::store::test;
 
@@ -33,6 +35,10 @@ private slots:
     void childOfADeletedFolderIsRefusedAndNothingChanges();
     void movingBelowADeletedFolderIsRefused();
     void orphanThatStaysWhereItIsMayBeChanged();
+    void folderIntoWhichAnotherPutSomethingIsNotDeleted_data();
+    void folderIntoWhichAnotherPutSomethingIsNotDeleted();
+    void folderGoesWithWhatItsWriterHasSeenOrMade();
+    void deletionAndInsertionAtTheSameTimeLeaveNoOrphan();
     void captionsInThePlaceOfAParentAreTaken();
     void editsOfDifferentFieldsAtRandomPaceAllLast();
 
@@ -266,6 +272,79 @@ void TestMerge::orphanThatStaysWhereItIsMayBeChanged() {
     ORVO_OK(Batch("MenuFolder")
                 .update("desk", {{"ParentKey", "hall"}, {"caption", "КС-4"}})
                 .send(*m_store, &mine));
+}
+
+void TestMerge::folderIntoWhichAnotherPutSomethingIsNotDeleted_data() {
+    QTest::addColumn<int>("others"); ///< deleted in the same call
+    QTest::addColumn<bool>("moved");
+    QTest::newRow("made there") << 0 << false;
+    QTest::newRow("moved there") << 0 << true;
+    QTest::newRow("many deleted at once") << 80 << false;
+}
+
+void TestMerge::folderIntoWhichAnotherPutSomethingIsNotDeleted() {
+    QFETCH(int, others);
+    QFETCH(bool, moved);
+    Batch many("MenuFolder");
+    Batch deletion("MenuFolder");
+    for (int i = 0; i < others; ++i) {
+        many.insert(qPrintable(QString("many%1").arg(i)));
+        deletion.remove(qPrintable(QString("many%1").arg(i)));
+    }
+    ORVO_OK(many.send(*m_other));
+    m_seen = position();
+    ORVO_OK(moved ? Batch("MenuFolder").update("desk", {{"ParentKey", "hall"}}).send(*m_other)
+                  : Batch("MenuFolder")
+                        .insert("new", {{"caption", "Пульт"}, {"ParentKey", "hall"}})
+                        .send(*m_other));
+    const int64_t before = position();
+    UpdateGuard mine = guard();
+    const Status status = deletion.remove("hall").send(*m_store, &mine);
+    ORVO_FAILS(status, Refused);
+    QVERIFY2(status.text.find(m_other->login()) != std::string::npos, status.text.c_str());
+    QVERIFY2(moved || status.text.find("Пульт") != std::string::npos, status.text.c_str());
+    QCOMPARE(position(), before);
+    m_seen = position(); // he has seen it by now
+    mine = guard();
+    ORVO_OK(Batch("MenuFolder").remove("hall").send(*m_store, &mine));
+}
+
+void TestMerge::folderGoesWithWhatItsWriterHasSeenOrMade() {
+    ORVO_OK(Batch("MenuFolder").insert("one", {{"ParentKey", "hall"}}).send(*m_store));
+    UpdateGuard mine = guard();
+    mine.own = {{m_store->lastWritten().first, m_store->lastWritten().last.id}};
+    ORVO_OK(Batch("MenuFolder")
+                .insert("two", {{"ParentKey", "hall"}})
+                .insert("far", {{"ParentKey", "desk"}})
+                .send(*m_other));
+    // What another put there goes if the call deletes it as well.
+    ORVO_OK(Batch("MenuFolder").remove("hall").remove("two").send(*m_store, &mine));
+}
+
+/// Whichever comes first, the other is refused.
+void TestMerge::deletionAndInsertionAtTheSameTimeLeaveNoOrphan() {
+    constexpr int rounds = 60;
+    int deleted = 0, inserted = 0;
+    for (int round = 0; round < rounds; ++round) {
+        const QByteArray folder = "folder" + QByteArray::number(round);
+        const QByteArray child = "child" + QByteArray::number(round);
+        ORVO_OK(Batch("MenuFolder").insert(folder.constData()).send(*m_store));
+        m_seen = position();
+        Status inserts;
+        std::thread other([&] {
+            UpdateGuard theirs = guard();
+            inserts = Batch("MenuFolder")
+                          .insert(child.constData(), {{"ParentKey", QString(folder)}})
+                          .send(*m_other, &theirs);
+        });
+        UpdateGuard mine = guard();
+        const Status deletes = Batch("MenuFolder").remove(folder.constData()).send(*m_store, &mine);
+        other.join();
+        QVERIFY2(deletes.ok() != inserts.ok(),
+                 qPrintable(QString::fromStdString(deletes.text + " / " + inserts.text)));
+        (deletes.ok() ? deleted : inserted)++;
+    }
+    qInfo("%d times the deletion came first, %d times the insertion.", deleted, inserted);
 }
 
 void TestMerge::captionsInThePlaceOfAParentAreTaken() {
