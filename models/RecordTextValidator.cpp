@@ -7,6 +7,7 @@
 #include <QToolTip>
 
 #include <algorithm>
+#include <limits>
 
 namespace orvo {
 
@@ -47,6 +48,15 @@ void RecordTextValidator::install(QLineEdit* field) {
     connect(validator, &RecordTextValidator::refused, field, [field](const QStringList& letters) {
         QToolTip::showText(field->mapToGlobal(field->rect().bottomLeft()), refusal(letters), field);
     });
+    connect(validator, &RecordTextValidator::tooLong, field, [field] {
+        QToolTip::showText(field->mapToGlobal(field->rect().bottomLeft()),
+                           QCoreApplication::translate(
+                               "RecordTextValidator", "Не введено: больше %1 знаков поле не берёт.")
+                               .arg(longest),
+                           field);
+    });
+    // A line edit of itself cuts what it is filled with, and what is pasted, without a word.
+    field->setMaxLength(std::numeric_limits<int>::max());
     field->setValidator(validator);
 }
 
@@ -63,6 +73,10 @@ QStringList RecordTextValidator::missingLetters(const QString& text) {
 }
 
 QValidator::State RecordTextValidator::validate(QString& text, int& cursor) const {
+    if (text.size() > longest) {
+        emit tooLong();
+        return Invalid;
+    }
     if (holds(text))
         return Acceptable;
     const QString composed = text.normalized(QString::NormalizationForm_C);

@@ -12,10 +12,13 @@ namespace orvo {
 /// Records hold Windows-1251. A letter beyond it would be stored as "?" without a word: the field
 /// refuses the input that brings it, a paste as a whole, and a tool tip at the field names the
 /// letters. A letter that came in parts ("й" as "и" and its breve) is put together instead.
-/// A text that the field is filled with is never refused.
+/// A text that the field is filled with is never refused, and never cut.
 class RecordTextValidator : public QValidator {
     Q_OBJECT
 public:
+    /// Letters that a field takes. What it is filled with may be longer and stays whole, too.
+    static constexpr int longest = 1'000'000;
+
     /// Watches what is typed into the field and becomes its child.
     static void install(QLineEdit* field);
     /// The letters of a text that records lack, each once, in their order; a letter that does not
@@ -26,6 +29,7 @@ public:
 
 signals:
     void refused(const QStringList& letters) const;
+    void tooLong() const;
 
 private:
     using QValidator::QValidator;

@@ -58,6 +58,9 @@ private slots:
 
     void aLetterThatRecordsLackIsRefusedAndNamed();
     void aPasteIsRefusedAsAWhole();
+    void aLongValueIsEditedWhole();
+    void aLongNameIsEditedWhole();
+    void aLongPasteIsTakenWholeOrRefusedWhole();
     void aLetterInPartsIsPutTogether();
     void aDesktopNameRefusesThemToo();
 };
@@ -98,6 +101,57 @@ void RecordTextValidatorTest::aPasteIsRefusedAsAWhole() {
              QString("Не введено: знаков «ñ», «☢» нет в кодировке Windows-1251."));
     line->undo();
     QCOMPARE(line->text(), QString("Насос"));
+}
+
+// A line edit of itself keeps the first 32767 letters of what it is filled with.
+void RecordTextValidatorTest::aLongValueIsEditedWhole() {
+    PassportField passport;
+    const QString value = QString(40'000, 'a') + "end";
+    passport.model.setRowValue("name", value);
+    QLineEdit* field = passport.open();
+    QVERIFY(field);
+    QVERIFY(field->text() == value);
+    QTest::keyClick(field, Qt::Key_End);
+    typeText(field, "x");
+    QVERIFY(passport.stored() == value + "x");
+    QTest::keyClick(field, Qt::Key_Home);
+    QTest::keyClick(field, Qt::Key_Delete);
+    QVERIFY(passport.stored() == value.mid(1) + "x");
+}
+
+void RecordTextValidatorTest::aLongNameIsEditedWhole() {
+    Watched<DesckTreeModel> model(headers(6));
+    fill(model, 1, "top #t 4=true\n  alpha #a 4=false\n");
+    DesckDelegate delegate(&model, nullptr);
+    QTreeView view;
+    view.setModel(&model);
+    view.setItemDelegate(&delegate);
+    view.expandAll();
+    view.show();
+    const QModelIndex name = model.findIndexByKey("a");
+    const QString value(40'000, 'a');
+    QVERIFY(model.setData(name, value));
+    view.edit(name);
+    auto* field = view.viewport()->findChild<QLineEdit*>();
+    QVERIFY(field);
+    QTest::keyClick(field, Qt::Key_End);
+    typeText(field, "x");
+    QVERIFY(name.data(Qt::EditRole).toString() == value + "x");
+}
+
+void RecordTextValidatorTest::aLongPasteIsTakenWholeOrRefusedWhole() {
+    PassportField passport;
+    QLineEdit* field = passport.open();
+    const QString page(100'000, 'b');
+    QApplication::clipboard()->setText(page);
+    field->selectAll();
+    field->paste();
+    QVERIFY(passport.stored() == page);
+    QApplication::clipboard()->setText(QString(RecordTextValidator::longest + 1, 'c'));
+    field->selectAll();
+    field->paste();
+    QVERIFY(passport.stored() == page);
+    QVERIFY(QToolTip::text().contains("больше"));
 }
 
 void RecordTextValidatorTest::aLetterInPartsIsPutTogether() {
