@@ -215,7 +215,10 @@ void UnwrittenList::superseded(const WriteRequest& request) {
         std::vector<RecordWrite> left;
         bool less = false;
         for (RecordWrite record : recordsOf(entry.request)) {
+            bool deleted = false;
             for (const RecordWrite& now : done) {
+                deleted = deleted || (record.flag == MDX_DELETE && now.flag == MDX_DELETE &&
+                                      store::foldedKey(now.key) == store::foldedKey(record.key));
                 if (record.flag != MDX_UPDATE ||
                     store::foldedKey(now.key) != store::foldedKey(record.key))
                     continue;
@@ -229,7 +232,8 @@ void UnwrittenList::superseded(const WriteRequest& request) {
                     record.values.end());
                 less = less || record.values.size() != before;
             }
-            if (record.flag != MDX_UPDATE || !record.values.empty())
+            less = less || deleted;
+            if (!deleted && (record.flag != MDX_UPDATE || !record.values.empty()))
                 left.push_back(std::move(record));
         }
         if (!less) {
