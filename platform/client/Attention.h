@@ -1,5 +1,9 @@
 // Attention.h: what the engineer is in the middle of in a module, so that the changes of others do
 // not come between a question and its answer, a picker and its choice, or two keystrokes.
+//
+// Invariants: 1 nothing is remembered: what is told is what stands in the module at that moment, so
+// it ends with what it is about, however that ends; 2 of several things at once the first in the
+// order of Attention is told.
 #ifndef ORVO_PLATFORM_CLIENT_ATTENTION_H
 #define ORVO_PLATFORM_CLIENT_ATTENTION_H
 

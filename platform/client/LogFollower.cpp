@@ -3,6 +3,7 @@
 #include "platform/store/WaitPolicy.h"
 
 #include <algorithm>
+#include <cassert>
 #include <chrono>
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -58,6 +59,7 @@ public:
 private:
     void obey();
     void readOnce();
+    void check() const; ///< with the mutex held
     void rest();
 
     LogFollower& m_owner;
@@ -137,7 +139,22 @@ void LogFollower::Worker::readOnce() {
         if (!m_unread)
             news.answered = m_asked;
     }
+    check();
     m_owner.tell();
+}
+
+void LogFollower::Worker::check() const {
+#ifndef NDEBUG
+    int64_t last = from.id;
+    for (const store::Change& change : news.changes) {
+        assert(last < change.id);
+        last = change.id;
+    }
+    assert(news.changes.empty() || m_cursor.id == last);
+    assert(news.answered <= asked);
+    assert(!news.replaced || news.pruned);
+    assert(m_generation == generation && m_pruned == news.pruned);
+#endif
 }
 
 /// Until there is reason to look again.

@@ -1,5 +1,12 @@
 // LogFollower.h: reads the change log past a cursor, in a thread and over a connection of its own,
 // so that a server that is slow, frozen or gone never holds up a window.
+//
+// Invariants, asserted in debug builds after each read:
+// 1. What waits to be taken is past the place that reading began at, in rising order and without
+//    doubles; the cursor is at the last change of it.
+// 2. A look that was answered had been asked for.
+// 3. Behind a gap nothing more is read before begin; a log that is another one is a gap.
+// 4. While the store does not answer nothing is read before the pause is over, except for begin.
 #ifndef ORVO_PLATFORM_CLIENT_LOGFOLLOWER_H
 #define ORVO_PLATFORM_CLIENT_LOGFOLLOWER_H
 

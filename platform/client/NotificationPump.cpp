@@ -55,6 +55,27 @@ bool NotificationPump::restart() {
     return status.ok();
 }
 
+void NotificationPump::check() const {
+#ifndef NDEBUG
+    if (m_stopped)
+        return;
+    assert(m_first <= m_announced && m_announced <= end());
+    assert(m_answered <= m_asked);
+    for (size_t i = 1; i < m_log.size(); ++i)
+        assert(m_log[i - 1].id < m_log[i].id);
+    for (auto reader = m_readers.begin(); reader != m_readers.end(); ++reader) {
+        if (!reader->module)
+            continue;
+        assert(m_first <= reader->at && reader->at <= m_announced);
+        assert(reader->echoLook == 0 ||
+               (m_answered < reader->echoLook && reader->echoLook <= m_asked));
+        assert(reader->echoBefore <= end());
+        assert(std::none_of(m_readers.begin(), reader,
+                            [&](const Reader& other) { return other.module == reader->module; }));
+    }
+#endif
+}
+
 bool NotificationPump::isIdle() const {
     return m_stopped || (isAllDelivered() && m_answered == m_asked);
 }
@@ -113,6 +134,7 @@ void NotificationPump::arrived() {
         }
         emit connectionChanged(turn.ok(), QString::fromStdString(turn.text));
     }
+    check();
 }
 
 /// A new module has read its tables after all that was announced by then.
@@ -279,6 +301,7 @@ void NotificationPump::forgetDelivered() {
             needed = std::min(needed, reader.at);
     m_log.erase(m_log.begin(), m_log.begin() + static_cast<ptrdiff_t>(needed - m_first));
     m_first = needed;
+    check();
 }
 
 } // namespace orvo::client

@@ -11,8 +11,13 @@
 // the other modules follow it. What the engineer writes meanwhile ends the hold on a typed cell or
 // an open edit up to its own echo: what was done must be seen, in its place among the rest.
 //
-// Invariants: 1 first <= at <= announced <= end, for the place `at` of every module; 2 nothing
-// before the first of these places is kept; 3 a module is given each change once.
+// Invariants, asserted in debug builds after each step:
+// 1. first <= at <= announced <= end, for the place `at` of every module.
+// 2. Behind a delivery nothing before the first of these places is kept.
+// 3. The numbers in the log of what is kept rise: a module is given each change once, in order.
+// 4. A look that was answered had been asked for; an echo is awaited only of a look that was asked
+//    for and not answered, and what it is known to lie before is in the log already.
+// 5. Each module that is read for has one place.
 #ifndef ORVO_PLATFORM_CLIENT_NOTIFICATIONPUMP_H
 #define ORVO_PLATFORM_CLIENT_NOTIFICATIONPUMP_H
 
@@ -96,6 +101,7 @@ private:
     void noteEchoes();
     void forgetDelivered();
     void tellHeld();
+    void check() const;
     Reader* readerOf(const COrvoCliMod* module);
     /// The place before which the module may be given changes now.
     uint64_t limitOf(const Reader& reader) const;

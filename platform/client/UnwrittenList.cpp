@@ -7,6 +7,7 @@
 #include <QUuid>
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <set>
 #include <utility>
@@ -105,6 +106,17 @@ UnwrittenEntry* UnwrittenList::entry(const QString& id) {
     return const_cast<UnwrittenEntry*>(std::as_const(*this).find(id));
 }
 
+void UnwrittenList::check() const {
+#ifndef NDEBUG
+    for (const UnwrittenEntry& entry : m_entries) {
+        assert(!entry.id.isEmpty());
+        for (size_t i = 0; i < entry.own.size(); ++i)
+            assert(entry.own[i].first <= entry.own[i].last &&
+                   (i == 0 || entry.own[i - 1].last < entry.own[i].first));
+    }
+#endif
+}
+
 QString UnwrittenList::summary() const {
     if (m_entries.empty())
         return {};
@@ -195,6 +207,7 @@ void UnwrittenList::add(UnwrittenEntry entry, bool canAsk) {
     save(entry);
     const QString id = entry.id;
     m_entries.push_back(std::move(entry));
+    check();
     emit changed();
     emit added(id);
 }
@@ -250,6 +263,7 @@ void UnwrittenList::superseded(const WriteRequest& request) {
         save(entry);
         ++i;
     }
+    check();
     if (any)
         emit changed();
 }
@@ -373,6 +387,7 @@ bool UnwrittenList::repeat(const QString& id) {
             for (UnwrittenEntry& other : missingEntries(done.request, guard))
                 add(std::move(other), true);
         }
+        check();
         emit changed();
         emit written();
         emit told(QStringLiteral("Записано: %1").arg(done.words.what));

@@ -2,12 +2,14 @@
 // server, or met by what another wrote. Nothing typed goes without a word: an entry stays until it
 // is repeated or given up, also over the end of the process (UnwrittenFiles.h).
 //
-// Invariants:
+// Invariants; 4 and 5 are asserted in debug builds after each change:
 //  1. Entries stand in the order in which their calls were made; repeatAll keeps it.
 //  2. A call that needs what an entry would have written (its record, or the folder above it) is
 //     not made before that entry is: it waits behind it as an entry of its own.
 //  3. An entry leaves the list only by success, by giveUp, by takeTheirs, because the store turned
 //     out to have it, or because a later call of the user wrote the same fields.
+//  4. Each entry has an id, by which it is found.
+//  5. The changes that an entry knows for its module's own rise, without overlaps.
 #ifndef ORVO_PLATFORM_CLIENT_UNWRITTENLIST_H
 #define ORVO_PLATFORM_CLIENT_UNWRITTENLIST_H
 
@@ -124,6 +126,7 @@ private:
     store::Status write(UnwrittenEntry& entry, store::UpdateGuard* guard, bool* unknown);
     store::Status restoreParent(UnwrittenEntry& entry, int depth);
     void free();
+    void check() const;
 
     store::Store& m_store;
     std::vector<UnwrittenEntry> m_entries;
