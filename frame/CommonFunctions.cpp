@@ -190,18 +190,9 @@ QString getUserCaption(MDRData* record, const CMDArray* users) {
     const auto text = [&](const char* field) {
         return orvo::textOf(record, MDRFldByName(users->array, field));
     };
-    const QString lastName = text(orvo::field::lastName);
-    if (lastName.isEmpty() ||
-        orvo::flagOf(record, MDRFldByName(users->array, orvo::field::program)))
-        return text(orvo::field::login_);
-    const QString firstName = text(orvo::field::firstName);
-    if (firstName.isEmpty())
-        return lastName;
-    QString caption = lastName + QLatin1Char(' ') + firstName.at(0) + QLatin1Char('.');
-    const QString midlName = text(orvo::field::midlName);
-    if (!midlName.isEmpty())
-        caption += QString(midlName.at(0)) + QLatin1Char('.');
-    return caption;
+    return userCaption(text(orvo::field::login_), text(orvo::field::lastName),
+                       text(orvo::field::firstName), text(orvo::field::midlName),
+                       orvo::flagOf(record, MDRFldByName(users->array, orvo::field::program)));
 }
 
 bool checkFileExists(const QString& path) {

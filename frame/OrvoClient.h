@@ -43,6 +43,12 @@ class COrvoCliMod;
 class COrvoCliSes;
 class CPopMessageBox;
 
+/// Another engineer's open edit, as the host shows it at the row of the record.
+struct RecordMark {
+    QString label; ///< who; empty: no mark
+    QString tip;   ///< who, where and since when, as plain text
+};
+
 /// What the host gives a module factory. The host derives from it.
 class ORVOCLIENT_EXPORT COrvoCliApp {
 public:
@@ -61,6 +67,10 @@ public:
     virtual void moduleTitle(COrvoCliMod* module, const QString& title, const QString& second);
     /// A module asks for something (COrvoCliMod::doCall).
     virtual void moduleCall(COrvoCliMod* module, int code, void* data);
+    /// Whether any record has a mark; false: recordMark need not be asked.
+    virtual bool hasRecordMarks() const;
+    /// The mark of a record. Cheap: it is asked with every row that is painted.
+    virtual RecordMark recordMark(const QString& table, const QString& key) const;
 };
 
 /// Base class of a module: a main window that the host places.
@@ -119,6 +129,9 @@ public:
     virtual bool ModEditSave();
     /// Drops it as the module's own command does.
     virtual void ModEditCancel();
+    /// Table and key of the record that is being edited; no key for one that is new, and nothing if
+    /// no edit is open.
+    virtual QPair<QString, QString> ModEditRecord() const;
 
     void SetModTitle(QString title, QString second);
     /// Takes the notifications that wait for this module and calls MessageData once for each, in
@@ -184,6 +197,19 @@ private:
     std::unique_ptr<Private> d;
 };
 
+/// How a user is shown: family name and initials; the login for programs and for users without a
+/// family name.
+inline QString userCaption(const QString& login, const QString& lastName, const QString& firstName,
+                           const QString& midlName, bool program) {
+    if (lastName.isEmpty() || program)
+        return login;
+    if (firstName.isEmpty())
+        return lastName;
+    QString caption = lastName + QLatin1Char(' ') + firstName.at(0) + QLatin1Char('.');
+    if (!midlName.isEmpty())
+        caption += QString(midlName.at(0)) + QLatin1Char('.');
+    return caption;
+}
 /// A new unique identifier: 32 hexadecimal digits.
 ORVOCLIENT_EXPORT QByteArray GenGuid32();
 /// Server time of a date.

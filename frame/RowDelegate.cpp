@@ -1,6 +1,37 @@
 #include "frame/RowDelegate.h"
 
+#include "frame/OrvoClient.h"
+
+#include <QAbstractItemView>
+#include <QHelpEvent>
+#include <QPainter>
+#include <QToolTip>
+
+#include <algorithm>
+
 namespace orvo {
+
+namespace {
+
+constexpr int markPadding = 6;
+constexpr int markGap = 3; ///< to the edges of the cell
+constexpr int longestMark = 40;
+
+/// The place of a mark: at the end of the cell, and no more than two thirds of it.
+QRect markPlace(const QStyleOptionViewItem& option, const QString& label) {
+    const int room = option.rect.width() * 2 / 3;
+    const int width = std::min(room, option.fontMetrics.horizontalAdvance(label) + 2 * markPadding);
+    QRect place = option.rect.adjusted(0, 1, -markGap, -1);
+    place.setLeft(place.right() - width + 1);
+    return place;
+}
+
+QString markLabel(const RecordMark& mark) {
+    // A pencil before the name: it is being edited, not owned.
+    return QChar(0x270E) + QStringLiteral(" ") + displayLine(mark.label.left(longestMark));
+}
+
+} // namespace
 
 QString displayLine(const QString& text) {
     QString line = text.left(RowDelegate::longestLine);
@@ -17,6 +48,53 @@ QString RowDelegate::displayText(const QVariant& value, const QLocale& locale) c
     if (value.userType() == QMetaType::QString)
         return displayLine(value.toString());
     return QStyledItemDelegate::displayText(value, locale);
+}
+
+void RowDelegate::showMarks(const COrvoCliMod& module, RecordOf recordOf) {
+    m_module = &module;
+    m_recordOf = std::move(recordOf);
+}
+
+RecordMark RowDelegate::markOf(const QModelIndex& index) const {
+    const COrvoCliApp* host = m_module ? m_module->m_app : nullptr;
+    if (!host || index.column() != 0 || !host->hasRecordMarks())
+        return {};
+    const QPair<QString, QString> record = m_recordOf(index);
+    return record.second.isEmpty() ? RecordMark() : host->recordMark(record.first, record.second);
+}
+
+void RowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                        const QModelIndex& index) const {
+    QStyledItemDelegate::paint(painter, option, index);
+    const RecordMark mark = markOf(index);
+    if (mark.label.isEmpty())
+        return;
+    const QString label = markLabel(mark);
+    const QRect place = markPlace(option, label);
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(QColor(0xd9, 0xb3, 0x4a));
+    painter->setBrush(QColor(0xff, 0xf4, 0xd0));
+    painter->drawRoundedRect(QRectF(place).adjusted(0.5, 0.5, -0.5, -0.5), 4, 4);
+    painter->setPen(QColor(0x6b, 0x4e, 0x00));
+    painter->setFont(option.font);
+    const QRect inner = place.adjusted(markPadding, 0, -markPadding, 0);
+    painter->drawText(inner, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
+                      option.fontMetrics.elidedText(label, Qt::ElideRight, inner.width()));
+    painter->restore();
+}
+
+bool RowDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,
+                            const QStyleOptionViewItem& option, const QModelIndex& index) {
+    const RecordMark mark = index.isValid() ? markOf(index) : RecordMark();
+    if (mark.label.isEmpty() || event->type() != QEvent::ToolTip ||
+        !markPlace(option, markLabel(mark)).contains(event->pos()))
+        return QStyledItemDelegate::helpEvent(event, view, option, index);
+    // Letter by letter, whatever it looks like.
+    QToolTip::showText(
+        event->globalPos(),
+        QStringLiteral("<p style='white-space:pre'>%1</p>").arg(mark.tip.toHtmlEscaped()), view);
+    return true;
 }
 
 } // namespace orvo

@@ -2,7 +2,13 @@
 #ifndef ORVO_FRAME_ROWDELEGATE_H
 #define ORVO_FRAME_ROWDELEGATE_H
 
+#include <QPair>
 #include <QStyledItemDelegate>
+
+#include <functional>
+
+class COrvoCliMod;
+struct RecordMark;
 
 namespace orvo {
 
@@ -20,6 +26,23 @@ public:
 
     using QStyledItemDelegate::QStyledItemDelegate;
     QString displayText(const QVariant& value, const QLocale& locale) const override;
+
+    /// Table and key of the record behind a row.
+    using RecordOf = std::function<QPair<QString, QString>(const QModelIndex&)>;
+    /// From now on a row shows the host's mark of its record (COrvoCliApp::recordMark) at the end
+    /// of its first cell, and more about it in a tool tip there. The module outlives the delegate.
+    void showMarks(const COrvoCliMod& module, RecordOf recordOf);
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
+    bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                   const QModelIndex& index) override;
+
+private:
+    RecordMark markOf(const QModelIndex& index) const;
+
+    const COrvoCliMod* m_module = nullptr;
+    RecordOf m_recordOf;
 };
 
 } // namespace orvo

@@ -133,6 +133,11 @@ void arrangeTree(QTreeView* view, bool styled) {
     view->setItemDelegate(new RowDelegate(view));           // likewise
 }
 
+void showMarks(QTreeView* view, const COrvoCliMod& module, RowDelegate::RecordOf recordOf) {
+    if (auto* delegate = qobject_cast<RowDelegate*>(view->itemDelegate()))
+        delegate->showMarks(module, std::move(recordOf));
+}
+
 void hideColumns(QTreeView* view, int first, int last) {
     for (int column = first; column <= last; ++column)
         view->setColumnHidden(column, true);

@@ -3,6 +3,7 @@
 #define ORVO_FRAME_WINDOWPARTS_H
 
 #include "frame/OrvoClient.h"
+#include "frame/RowDelegate.h"
 
 #include <QIcon>
 #include <QString>
@@ -50,6 +51,8 @@ const QString& treeStyleSheet();
 /// is the module's, and rows are equally high, so that the view need not measure each of a big
 /// tree.
 void arrangeTree(QTreeView* view, bool styled = true);
+/// Shows the host's marks in a tree that arrangeTree has arranged; see RowDelegate::showMarks.
+void showMarks(QTreeView* view, const COrvoCliMod& module, RowDelegate::RecordOf recordOf);
 /// Hides the columns from `first` to `last`. The view has its model.
 void hideColumns(QTreeView* view, int first, int last);
 

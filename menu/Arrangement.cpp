@@ -4,6 +4,7 @@
 #include "menu/OrvoMenu.h"
 
 #include "frame/ViewRows.h"
+#include "frame/Vocabulary.h"
 #include "frame/WindowParts.h"
 #include "menu/Columns.h"
 
@@ -25,6 +26,10 @@ void OrvoMenu::setTreeArrangement() {
     connect(m_desckModel.get(), &DesckTreeModel::nameChanged, this,
             &OrvoMenu::on_Desck_NameChanged);
     m_desckDelegate = std::make_unique<DesckDelegate>(m_desckModel.get(), this);
+    m_desckDelegate->showMarks(*this, [](const QModelIndex& row) {
+        return qMakePair(QString::fromLatin1(orvo::table::MenuFolder),
+                         row.siblingAtColumn(DesckColumn::KeyLink).data().toString());
+    });
     desck->setItemDelegate(m_desckDelegate.get());
     orvo::followExpansion(desck, m_desckModel.get());
     connect(desck, &QTreeView::customContextMenuRequested, this,
@@ -35,6 +40,10 @@ void OrvoMenu::setTreeArrangement() {
 
     QTreeView* menu = m_ui->tvMenu;
     orvo::arrangeTree(menu);
+    orvo::showMarks(menu, *this, [](const QModelIndex& row) {
+        return qMakePair(QString::fromLatin1(orvo::table::Menu),
+                         row.siblingAtColumn(MenuColumn::KeyLink).data().toString());
+    });
     menu->setEditTriggers(QAbstractItemView::NoEditTriggers);
     menu->setSelectionMode(QAbstractItemView::ExtendedSelection);
     menu->setDragEnabled(true);

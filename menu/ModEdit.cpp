@@ -1,6 +1,7 @@
 // What the host asks of the open edit before it closes the editor or opens it anew.
 #include "menu/OrvoMenu.h"
 
+#include "frame/Vocabulary.h"
 #include "menu/Columns.h"
 
 using orvo::menu::DesckColumn;
@@ -24,6 +25,21 @@ QString OrvoMenu::ModEditText() const {
                      MenuColumn::Caption);
     case orvo::menu::EditElement:
         return named(tr("элемент «%1»"), m_elementEdit.row(*m_menuModel), MenuColumn::Caption);
+    default:
+        return {};
+    }
+}
+
+QPair<QString, QString> OrvoMenu::ModEditRecord() const {
+    switch (m_editMode) {
+    case orvo::menu::NewDesck:
+        return {orvo::table::MenuFolder, QString()};
+    case orvo::menu::RenameDesck:
+        return {orvo::table::MenuFolder, m_desckEdit.key()};
+    case orvo::menu::NewElement:
+        return {orvo::table::Menu, QString()};
+    case orvo::menu::EditElement:
+        return {orvo::table::Menu, m_elementEdit.key()};
     default:
         return {};
     }

@@ -66,6 +66,7 @@ public:
     QString ModEditText() const override;
     bool ModEditSave() override;
     void ModEditCancel() override;
+    QPair<QString, QString> ModEditRecord() const override;
 
     /// The records that this editor holds of `MenuFolder`, `Menu` (the open desktop) or
     /// `MenuResource`, by key: a line of field names, then a line per record, values split by tabs,

@@ -40,6 +40,10 @@ QStringList columnTitles() {
 void OrvoResources::setTreeArrangement() {
     QTreeView* tree = m_ui->tvRes;
     orvo::arrangeTree(tree);
+    orvo::showMarks(tree, *this, [](const QModelIndex& row) {
+        return qMakePair(QString::fromLatin1(orvo::resources::tableOf(row)),
+                         orvo::resources::textAt(row, ResColumn::KeyLink));
+    });
     // A value is edited in the passport only: an editor in the tree would write nowhere.
     tree->setEditTriggers(QAbstractItemView::NoEditTriggers);
     tree->setSelectionMode(QAbstractItemView::ExtendedSelection);

@@ -48,6 +48,11 @@ inline bool isFolder(const QModelIndex& row) {
     return row.siblingAtColumn(ResColumn::IsFolder).data().toBool();
 }
 
+/// The table of a row's record.
+inline const char* tableOf(const QModelIndex& row) {
+    return isFolder(row) ? table::MenuResourceFolder : table::MenuResource;
+}
+
 /// Whether a row's key is that of a row without a record.
 inline bool isFixedKey(const QString& key) {
     for (const char* fixed : {rowkey::resources, rowkey::files, rowkey::orphans})

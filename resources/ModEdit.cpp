@@ -15,6 +15,13 @@ QString OrvoResources::ModEditText() const {
     return what.arg(name.isEmpty() ? tr("без имени") : name);
 }
 
+QPair<QString, QString> OrvoResources::ModEditRecord() const {
+    if (!m_edit.isOpen())
+        return {};
+    return {orvo::resources::tableOf(m_edit.row()),
+            m_editState == ResourceEdit::NewRow ? QString() : m_edit.key()};
+}
+
 bool OrvoResources::ModEditSave() {
     return finishEdit();
 }

@@ -60,6 +60,7 @@ public:
     QString ModEditText() const override;
     bool ModEditSave() override;
     void ModEditCancel() override;
+    QPair<QString, QString> ModEditRecord() const override;
 
     /// The records that this editor holds of `MenuResource` or `MenuResourceFolder`, as
     /// orvo::tableText shows them. A null string for any other table.

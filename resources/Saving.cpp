@@ -137,8 +137,7 @@ QString OrvoResources::saveEdit() {
     if (!refusal.isEmpty())
         return refusal;
     const bool folder = isFolder(row);
-    orvo::ScratchTable out(*m_app->m_session,
-                           folder ? orvo::table::MenuResourceFolder : orvo::table::MenuResource);
+    orvo::ScratchTable out(*m_app->m_session, orvo::resources::tableOf(row));
     if (!out.fetch())
         return {};
     const MdxRecordFlag flag = m_editState == NewRow ? MDX_INSERT : MDX_UPDATE;

@@ -6,6 +6,7 @@
 #include "apps/client/Inspector.h"
 #include "apps/client/LogPane.h"
 #include "apps/client/MainWindow.h"
+#include "apps/client/PresenceView.h"
 #include "apps/client/Showcase.h"
 #include "apps/client/StatusLine.h"
 #include "apps/client/UnwrittenPane.h"
@@ -107,7 +108,9 @@ bool Client::openInspector(QString* error) {
             {"running", static_cast<int>(m_modules.modules(client::ModuleState::Running).size())},
             {"connection", m_window ? m_window->statusLine()->connection() : QString()},
             {"failure", m_window ? m_window->statusLine()->failure() : QString()},
-            {"held", m_window ? m_window->statusLine()->held() : QString()}};
+            {"held", m_window ? m_window->statusLine()->held() : QString()},
+            {"others", m_window ? m_window->statusLine()->others() : QString()},
+            {"marks", m_app.markedRecords().join(QLatin1Char('\n'))}};
     };
     m_inspector = std::make_unique<Inspector>(std::move(sources));
     return m_inspector->listen(m_options.inspect, error);
@@ -134,6 +137,21 @@ void Client::show() {
     openModules();
     m_window->setCurrentModule(tab);
     m_pump->start();
+    showPresence();
+}
+
+/// Who else is here is good to know and nothing hangs on it: where it cannot be known, nothing is
+/// said.
+void Client::showPresence() {
+    store::Store& store = client::sessionStore(*m_session);
+    store::Status status;
+    auto presence = store::openPresence(m_options.store.toStdString(), store.login(), &status);
+    if (!presence)
+        return;
+    m_presence = std::make_unique<PresenceView>(std::move(presence), store, m_app, m_modules,
+                                                *m_window->statusLine());
+    connect(m_pump.get(), &client::NotificationPump::changed, m_presence.get(),
+            &PresenceView::changed);
 }
 
 void Client::connectAll() {
@@ -400,6 +418,7 @@ void Client::fail(const QString& place, const QString& text) {
 }
 
 void Client::stop() {
+    m_presence.reset();
     m_pump.reset(); // no notification from here on
     m_modules.stopAll();
 }

@@ -24,6 +24,7 @@ class FileMirror;
 class Inspector;
 class MainWindow;
 class WaitDialogController;
+class PresenceView;
 class WindowMemory;
 
 class Client : public QObject {
@@ -64,6 +65,7 @@ private:
     void showHeld();
     void openForm(const QString& request);
     void showUnwritten();
+    void showPresence();
     void fail(const QString& place, const QString& text);
     void stop();
     void connectionChanged(bool up, const QString& text);
@@ -85,7 +87,8 @@ private:
     client::ModuleRegistry m_modules;
     bool m_outdated = false; ///< a call failed for want of the server: the editors may not show it
     std::unique_ptr<client::NotificationPump> m_pump;
-    std::unique_ptr<Inspector> m_inspector; ///< asks those above; null if not asked for
+    std::unique_ptr<PresenceView> m_presence; ///< while the window is shown
+    std::unique_ptr<Inspector> m_inspector;   ///< asks those above; null if not asked for
 };
 
 } // namespace orvo::app

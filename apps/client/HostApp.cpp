@@ -24,6 +24,22 @@ void HostApp::log(int level, const QString& place, const QString& text) {
     emit logged(level, place, text);
 }
 
+QString HostApp::markKey(const QString& table, const QString& key) {
+    return table + QLatin1Char('/') + key.toCaseFolded();
+}
+
+RecordMark HostApp::recordMark(const QString& table, const QString& key) const {
+    return m_marks.value(markKey(table, key));
+}
+
+QStringList HostApp::markedRecords() const {
+    QStringList all;
+    for (auto mark = m_marks.begin(); mark != m_marks.end(); ++mark)
+        all << QStringLiteral("%1: %2").arg(mark.key(), mark->label);
+    all.sort();
+    return all;
+}
+
 void HostApp::moduleTitle(COrvoCliMod* module, const QString& title, const QString& second) {
     emit titleChanged(module,
                       second.isEmpty() ? title : QStringLiteral("%1 — %2").arg(title, second));

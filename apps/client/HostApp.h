@@ -4,6 +4,10 @@
 
 #include "frame/OrvoClient.h"
 
+#include <QHash>
+
+#include <utility>
+
 namespace orvo::app {
 
 class HostApp : public QObject, public COrvoCliApp {
@@ -12,12 +16,24 @@ public:
     void log(int level, const QString& place, const QString& text) override;
     void moduleTitle(COrvoCliMod* module, const QString& title, const QString& second) override;
     void moduleCall(COrvoCliMod* module, int code, void* data) override;
+    bool hasRecordMarks() const override { return !m_marks.isEmpty(); }
+    RecordMark recordMark(const QString& table, const QString& key) const override;
+
+    /// Marks by markKey.
+    using Marks = QHash<QString, RecordMark>;
+    static QString markKey(const QString& table, const QString& key);
+    void setMarks(Marks marks) { m_marks = std::move(marks); }
+    /// "table/key: label" of each mark, in order.
+    QStringList markedRecords() const;
 
 signals:
     void logged(int level, const QString& place, const QString& text);
     void titleChanged(COrvoCliMod* module, const QString& title);
     /// RUN_FILE: the form's name, and behind a ";" its parameters.
     void formRequested(const QString& request);
+
+private:
+    Marks m_marks;
 };
 
 } // namespace orvo::app

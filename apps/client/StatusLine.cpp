@@ -42,6 +42,7 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
     , m_userLabel(makeLabel(QStringLiteral("Пользователь: %1").arg(login), this))
     , m_copying(makeLabel({}, this))
     , m_held(makeLabel({}, this))
+    , m_others(makeLabel({}, this))
     , m_failure(new QToolButton(this))
     , m_store(store) {
     m_light->setFixedSize(10, 10);
@@ -53,6 +54,9 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
     addWidget(m_connection);
     addWidget(m_storeLabel);
     addWidget(m_userLabel);
+    m_others->setObjectName(QStringLiteral("othersLabel"));
+    addWidget(m_others);
+    m_others->hide();
     m_copying->setObjectName(QStringLiteral("copyingLabel"));
     addWidget(m_copying);
     m_copying->hide();
@@ -111,6 +115,17 @@ QString StatusLine::held() const {
     return m_held->text();
 }
 
+void StatusLine::setOthers(const QString& names, const QString& details) {
+    m_others->setText(names.isEmpty() ? QString() : QStringLiteral("Ещё здесь: %1").arg(names));
+    m_others->setToolTip(plainToolTip(details));
+    m_others->setVisible(!names.isEmpty());
+    fitFailure();
+}
+
+QString StatusLine::others() const {
+    return m_others->text();
+}
+
 void StatusLine::setFailure(const QString& text) {
     ++m_count;
     m_text = clipped(text.simplified());
@@ -125,7 +140,8 @@ void StatusLine::setFailure(const QString& text) {
 void StatusLine::fitFailure() {
     constexpr int margins = 140; // of the bar, the button and the size grip
     int taken = margins;
-    for (const QWidget* one : {m_connection, m_storeLabel, m_userLabel, m_copying, m_held})
+    for (const QWidget* one :
+         {m_connection, m_storeLabel, m_userLabel, m_others, m_copying, m_held})
         taken += one->isHidden() ? 0 : one->sizeHint().width();
     const QString count = m_count > 1 ? QStringLiteral(" (всего %1)").arg(m_count) : QString();
     const QFontMetrics metrics = m_failure->fontMetrics();

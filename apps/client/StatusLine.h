@@ -22,6 +22,9 @@ public:
     void setHeld(int changes, const QString& why);
     /// What is shown about them; empty if none wait.
     QString held() const;
+    /// Shows who else is here, and in the tool tip more about them; empty: nobody.
+    void setOthers(const QString& names, const QString& details);
+    QString others() const;
     /// Shows a failure, which stays until the user clicks it; later ones are counted with it.
     void setFailure(const QString& text);
     /// The failure on show, without the count; empty if none.
@@ -42,6 +45,7 @@ private:
     QLabel* m_userLabel;
     QLabel* m_copying;
     QLabel* m_held;
+    QLabel* m_others;
     QToolButton* m_failure;
     const QString m_store;
     QString m_since; ///< time of the loss; empty: connected

@@ -53,6 +53,14 @@ void COrvoCliApp::moduleTitle(COrvoCliMod*, const QString&, const QString&) {}
 
 void COrvoCliApp::moduleCall(COrvoCliMod*, int, void*) {}
 
+bool COrvoCliApp::hasRecordMarks() const {
+    return false;
+}
+
+RecordMark COrvoCliApp::recordMark(const QString&, const QString&) const {
+    return {};
+}
+
 struct COrvoCliMod::Private {
     std::deque<Block> queue;
     QHash<QString, QString> params;
@@ -156,6 +164,10 @@ bool COrvoCliMod::ModEditSave() {
 }
 
 void COrvoCliMod::ModEditCancel() {}
+
+QPair<QString, QString> COrvoCliMod::ModEditRecord() const {
+    return {};
+}
 
 void COrvoCliMod::SetModTitle(QString title, QString second) {
     setWindowTitle(second.isEmpty() ? title : QStringLiteral("%1 — %2").arg(title, second));

@@ -25,6 +25,10 @@ public:
     void moduleCall(COrvoCliMod* module, int code, void* data) override {
         m_app.moduleCall(module, code, data);
     }
+    bool hasRecordMarks() const override { return m_app.hasRecordMarks(); }
+    RecordMark recordMark(const QString& table, const QString& key) const override {
+        return m_app.recordMark(table, key);
+    }
 
 private:
     COrvoCliApp& m_app;

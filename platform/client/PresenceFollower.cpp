@@ -1,0 +1,123 @@
+#include "platform/client/PresenceFollower.h"
+
+#include "platform/store/Patience.h"
+
+#include <algorithm>
+#include <atomic>
+#include <mutex>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+#include <utility>
+
+namespace orvo::client {
+
+namespace {
+
+constexpr int firstBackOffMs = 500;
+constexpr int lastBackOffMs = 15000;
+
+} // namespace
+
+/// What both threads share is below the mutex; the rest is the worker thread's alone.
+class PresenceFollower::Worker : public store::Patience {
+public:
+    Worker(std::unique_ptr<store::Presence> presence, PresenceFollower& owner)
+        : m_owner(owner)
+        , m_presence(std::move(presence))
+        , m_signal(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
+    ~Worker() override {
+        if (m_signal >= 0)
+            ::close(m_signal);
+    }
+
+    bool goOn() override { return !stop; }
+    void signal() const {
+        const uint64_t one = 1;
+        if (m_signal >= 0 && ::write(m_signal, &one, sizeof one) < 0)
+            return; // full: it is readable all the same
+    }
+    void run();
+
+    std::mutex mutex;
+    std::atomic<bool> stop = false;
+    bool announced = false; ///< `edits` are new
+    std::vector<store::OpenEdit> edits;
+    std::vector<store::PresenceEntry> others;
+
+private:
+    void lookOnce();
+    void rest() const;
+
+    PresenceFollower& m_owner;
+    const std::unique_ptr<store::Presence> m_presence;
+    const int m_signal;
+    int m_backOffMs = 0; ///< 0: the last look succeeded
+};
+
+void PresenceFollower::Worker::run() {
+    const store::PatienceScope scope(this);
+    while (!stop) {
+        lookOnce();
+        rest();
+    }
+}
+
+void PresenceFollower::Worker::lookOnce() {
+    {
+        const std::lock_guard lock(mutex);
+        if (std::exchange(announced, false))
+            m_presence->announce(edits);
+    }
+    std::vector<store::PresenceEntry> seen;
+    const store::Status status = m_presence->look(&seen);
+    m_backOffMs = status.ok()        ? 0
+                  : m_backOffMs == 0 ? firstBackOffMs
+                                     : std::min(m_backOffMs * 2, lastBackOffMs);
+    const std::lock_guard lock(mutex);
+    if (stop || seen == others)
+        return;
+    others = std::move(seen);
+    QMetaObject::invokeMethod(&m_owner, &PresenceFollower::take, Qt::QueuedConnection);
+}
+
+/// Until there is reason to look again.
+void PresenceFollower::Worker::rest() const {
+    const bool away = m_backOffMs != 0;
+    // A descriptor of a lost connection would be readable for ever.
+    pollfd waits[] = {{m_signal, POLLIN, 0}, {away ? -1 : m_presence->wakeFd(), POLLIN, 0}};
+    ::poll(waits, 2, away ? m_backOffMs : m_presence->nextLookMs());
+    uint64_t count = 0;
+    if (waits[0].revents != 0 && ::read(m_signal, &count, sizeof count) < 0)
+        count = 0; // taken already
+}
+
+PresenceFollower::PresenceFollower(std::unique_ptr<store::Presence> presence, QObject* parent)
+    : QObject(parent)
+    , m_worker(std::make_unique<Worker>(std::move(presence), *this))
+    , m_thread([worker = m_worker.get()] { worker->run(); }) {}
+
+PresenceFollower::~PresenceFollower() {
+    m_worker->stop = true;
+    m_worker->signal();
+    m_thread.join();
+}
+
+void PresenceFollower::announce(std::vector<store::OpenEdit> edits) {
+    const std::lock_guard lock(m_worker->mutex);
+    if (edits == m_worker->edits)
+        return;
+    m_worker->edits = std::move(edits);
+    m_worker->announced = true;
+    m_worker->signal();
+}
+
+void PresenceFollower::take() {
+    {
+        const std::lock_guard lock(m_worker->mutex);
+        m_others = m_worker->others;
+    }
+    emit changed();
+}
+
+} // namespace orvo::client
