@@ -41,8 +41,8 @@ protected:
         watched->event(event);
         view->setEditTriggers(triggers);
         const QModelIndex now = view->currentIndex();
-        if (now != before && now.column() == valueColumn &&
-            now.siblingAtColumn(editorColumn).data().isValid() &&
+        if (triggers != QAbstractItemView::NoEditTriggers && now != before &&
+            now.column() == valueColumn && now.siblingAtColumn(editorColumn).data().isValid() &&
             now.siblingAtColumn(editorColumn).data().toInt() != MyEditorCheck)
             view->edit(now);
         return true;

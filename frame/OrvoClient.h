@@ -60,6 +60,7 @@ public:
     COrvoCliSes* m_session = nullptr;   ///< not owned; never null while a module lives
     COrvoCliMod* m_logModule = nullptr; ///< not owned; takes LogFile
     QString m_workDir;                  ///< client's base directory, separator at its end
+    bool m_mayWrite = true;             ///< whether this user may change anything in the store
 
     /// A log line: level, place, text. Called by COrvoCliMod::LogFile.
     virtual void log(int level, const QString& place, const QString& text);

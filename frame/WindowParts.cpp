@@ -3,6 +3,7 @@
 #include "frame/RowDelegate.h"
 #include "frame/Vocabulary.h"
 
+#include <QAction>
 #include <QCoreApplication>
 #include <QKeyEvent>
 #include <QMenu>
@@ -136,6 +137,22 @@ void arrangeTree(QTreeView* view, bool styled) {
 void showMarks(QTreeView* view, const COrvoCliMod& module, RowDelegate::RecordOf recordOf) {
     if (auto* delegate = qobject_cast<RowDelegate*>(view->itemDelegate()))
         delegate->showMarks(module, std::move(recordOf));
+}
+
+void keepFromWriting(QTreeView* view) {
+    view->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    view->setDragEnabled(false);
+    view->setAcceptDrops(false);
+}
+
+void keepOff(std::initializer_list<QAction*> actions) {
+    for (QAction* action : actions) {
+        action->setEnabled(false);
+        QObject::connect(action, &QAction::changed, action, [action] {
+            if (action->isEnabled())
+                action->setEnabled(false);
+        });
+    }
 }
 
 void hideColumns(QTreeView* view, int first, int last) {

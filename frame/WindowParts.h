@@ -53,6 +53,10 @@ const QString& treeStyleSheet();
 void arrangeTree(QTreeView* view, bool styled = true);
 /// Shows the host's marks in a tree that arrangeTree has arranged; see RowDelegate::showMarks.
 void showMarks(QTreeView* view, const COrvoCliMod& module, RowDelegate::RecordOf recordOf);
+/// For a user who may not write: nothing is typed into a tree, dragged out of it or dropped on it.
+void keepFromWriting(QTreeView* view);
+/// Likewise: the actions stay off, whatever the module's own rules say later on.
+void keepOff(std::initializer_list<QAction*> actions);
 /// Hides the columns from `first` to `last`. The view has its model.
 void hideColumns(QTreeView* view, int first, int last);
 

@@ -10,6 +10,8 @@
 #include <QClipboard>
 #include <QMenu>
 #include <QMimeData>
+#include <QToolButton>
+#include <QTreeView>
 
 void OrvoMenu::on_focus_changed(QWidget* old, QWidget*) {
     if (old == m_ui->tvMenu)
@@ -31,6 +33,18 @@ void OrvoMenu::setDesckActionsDisabled() {
                             m_ui->actDeleteFromtvDesck, m_ui->actChangeDescktopOrFolder,
                             m_ui->actCopyDescktopOrFolder, m_ui->actPasteDescktopOrFolder})
         action->setEnabled(false);
+}
+
+void OrvoMenu::setReadOnly() {
+    orvo::keepOff({m_ui->actNewElemFile, m_ui->actNewElemFunction, m_ui->actNewElemFolder,
+                   m_ui->actNewElemModul, m_ui->actDeleteElem, m_ui->actMoveDown, m_ui->actMoveUp,
+                   m_ui->actCutMenuElement, m_ui->actPasteMenuElement, m_ui->actAddDescktop,
+                   m_ui->actAddFoldertvDesck, m_ui->actDeleteFromtvDesck,
+                   m_ui->actChangeDescktopOrFolder, m_ui->actPasteDescktopOrFolder});
+    for (QTreeView* view : {m_ui->tvDesck, m_ui->tvMenu, m_ui->tvProp})
+        orvo::keepFromWriting(view);
+    m_btnNewDesck->setEnabled(false);
+    m_btnNewElem->setEnabled(false);
 }
 
 void OrvoMenu::setMenuActionsEnabled(const QModelIndex& index) {

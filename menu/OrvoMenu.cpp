@@ -65,6 +65,8 @@ bool OrvoMenu::ModuleStart() {
     setDesckActionsDisabled();
     setTreeArrangement();
     followTables();
+    if (!m_app->m_mayWrite)
+        setReadOnly();
     loadDesckTreeUpper();
     return true;
 }

@@ -9,6 +9,8 @@
 #include "resources/Columns.h"
 
 #include <QMenu>
+#include <QToolButton>
+#include <QTreeView>
 
 using orvo::Kind;
 using orvo::resources::kindOf;
@@ -20,6 +22,14 @@ void OrvoResources::enableOnly(const QList<QAction*>& actions) {
           m_ui->actExtractFiles, m_ui->actDelete, m_ui->actCut, m_ui->actCopy, m_ui->actPaste,
           m_ui->actUnBlock, m_ui->actOpenScheme})
         action->setEnabled(actions.contains(action));
+}
+
+void OrvoResources::setReadOnly() {
+    orvo::keepOff({m_ui->actAddModule, m_ui->actAddFunction, m_ui->actAddFolder, m_ui->actLoadFiles,
+                   m_ui->actDelete, m_ui->actCut, m_ui->actPaste, m_ui->actUnBlock});
+    for (QTreeView* view : {m_ui->tvRes, m_ui->tvProp})
+        orvo::keepFromWriting(view);
+    m_btnCreate->setEnabled(false);
 }
 
 void OrvoResources::setActionsDisabled() {

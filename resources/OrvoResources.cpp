@@ -88,6 +88,8 @@ bool OrvoResources::ModuleStart() {
         return false;
     setTreeArrangement();
     followTables();
+    if (!m_app->m_mayWrite)
+        setReadOnly();
     loadResTreeUpper();
     setActionsDisabled();
     enableEditButtons(false);

@@ -110,6 +110,8 @@ protected:
     // Start and views
     bool loadTables();
     void setTreeArrangement();
+    /// For a user who may not write: he looks, opens, takes files out, and nothing else.
+    void setReadOnly();
     void setResFocusedItemAfterChanges();
 
     // Actions: nothing happens for an invalid index

@@ -78,6 +78,7 @@ bool Client::open(QString* error) {
     client::setUnwritten(*m_session, m_unwritten.get());
     m_app.m_session = m_session.get();
     m_app.m_workDir = m_options.workDir;
+    m_app.m_mayWrite = client::sessionStore(*m_session).mayWrite();
     m_logModule = std::make_unique<COrvoCliMod>(&m_app);
     m_app.m_logModule = m_logModule.get();
     m_mirror =
@@ -138,6 +139,20 @@ void Client::show() {
     m_window->setCurrentModule(tab);
     m_pump->start();
     showPresence();
+    if (!m_app.m_mayWrite)
+        tellReadOnly();
+}
+
+/// Once, at the start: whoever may only look is not to find out with each write.
+void Client::tellReadOnly() {
+    const QString text =
+        QStringLiteral("Пользователь %1 может только смотреть: изменить ничего нельзя, команды, "
+                       "которые меняют хранилище, выключены. Право менять даёт администратор.")
+            .arg(QString::fromStdString(client::sessionStore(*m_session).login()));
+    m_window->statusLine()->setReadOnly(text);
+    m_window->logPane()->add(LogInformation, QStringLiteral("Клиент"), text);
+    if (m_options.screenshot.isEmpty())
+        m_window->showNotice(text);
 }
 
 /// Who else is here is good to know and nothing hangs on it: where it cannot be known, nothing is

@@ -66,6 +66,7 @@ private:
     void openForm(const QString& request);
     void showUnwritten();
     void showPresence();
+    void tellReadOnly();
     void fail(const QString& place, const QString& text);
     void stop();
     void connectionChanged(bool up, const QString& text);

@@ -102,9 +102,17 @@ void MainWindow::setCurrentModule(int index) {
 }
 
 void MainWindow::showError(const QString& text) {
+    showBox(QStringLiteral("Ошибка"), text, MessageBoxIconError);
+}
+
+void MainWindow::showNotice(const QString& text) {
+    showBox(QStringLiteral("Уведомление"), text, MessageBoxIconNone);
+}
+
+void MainWindow::showBox(const QString& title, const QString& text, int icon) {
     if (!m_box)
         m_box = new CPopMessageBox(this); // owned by its parent
-    m_box->setMessage(QStringLiteral("Ошибка"), text, MessageBoxIconError, MessageBoxTypeOk,
+    m_box->setMessage(title, text, static_cast<TMessageBoxIcon>(icon), MessageBoxTypeOk,
                       SLOT(errorSeen()));
     m_box->show();
 }

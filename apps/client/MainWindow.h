@@ -35,6 +35,7 @@ public:
     void setCurrentModule(int index);
     /// A message over the whole window; returns at once.
     void showError(const QString& text);
+    void showNotice(const QString& text);
 
     /// Asked before the window closes; false: it stays, and whoever answered calls closeNow later.
     void setCloseCheck(std::function<bool()> check) { m_closeCheck = std::move(check); }
@@ -57,6 +58,7 @@ private slots:
 
 private:
     void makeMenus();
+    void showBox(const QString& title, const QString& text, int icon);
 
     QTabWidget* m_tabs; // these: children of the window
     LogPane* m_log;

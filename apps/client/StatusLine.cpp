@@ -43,6 +43,7 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
     , m_copying(makeLabel({}, this))
     , m_held(makeLabel({}, this))
     , m_others(makeLabel({}, this))
+    , m_readOnly(makeLabel(QStringLiteral("Только просмотр"), this))
     , m_failure(new QToolButton(this))
     , m_store(store) {
     m_light->setFixedSize(10, 10);
@@ -54,6 +55,10 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
     addWidget(m_connection);
     addWidget(m_storeLabel);
     addWidget(m_userLabel);
+    m_readOnly->setObjectName(QStringLiteral("readOnlyLabel"));
+    m_readOnly->setStyleSheet(QStringLiteral("color:#8a5a00"));
+    addWidget(m_readOnly);
+    m_readOnly->hide();
     m_others->setObjectName(QStringLiteral("othersLabel"));
     addWidget(m_others);
     m_others->hide();
@@ -126,6 +131,12 @@ QString StatusLine::others() const {
     return m_others->text();
 }
 
+void StatusLine::setReadOnly(const QString& why) {
+    m_readOnly->setToolTip(plainToolTip(why));
+    m_readOnly->show();
+    fitFailure();
+}
+
 void StatusLine::setFailure(const QString& text) {
     ++m_count;
     m_text = clipped(text.simplified());
@@ -141,7 +152,7 @@ void StatusLine::fitFailure() {
     constexpr int margins = 140; // of the bar, the button and the size grip
     int taken = margins;
     for (const QWidget* one :
-         {m_connection, m_storeLabel, m_userLabel, m_others, m_copying, m_held})
+         {m_connection, m_storeLabel, m_userLabel, m_readOnly, m_others, m_copying, m_held})
         taken += one->isHidden() ? 0 : one->sizeHint().width();
     const QString count = m_count > 1 ? QStringLiteral(" (всего %1)").arg(m_count) : QString();
     const QFontMetrics metrics = m_failure->fontMetrics();

@@ -25,6 +25,8 @@ public:
     /// Shows who else is here, and in the tool tip more about them; empty: nobody.
     void setOthers(const QString& names, const QString& details);
     QString others() const;
+    /// Shows that this user may not change anything, and in the tool tip why.
+    void setReadOnly(const QString& why);
     /// Shows a failure, which stays until the user clicks it; later ones are counted with it.
     void setFailure(const QString& text);
     /// The failure on show, without the count; empty if none.
@@ -46,6 +48,7 @@ private:
     QLabel* m_copying;
     QLabel* m_held;
     QLabel* m_others;
+    QLabel* m_readOnly;
     QToolButton* m_failure;
     const QString m_store;
     QString m_since; ///< time of the loss; empty: connected

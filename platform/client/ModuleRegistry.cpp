@@ -15,6 +15,7 @@ public:
         m_session = m_handle.get();
         m_logModule = app.m_logModule;
         m_workDir = app.m_workDir;
+        m_mayWrite = app.m_mayWrite;
     }
     void log(int level, const QString& place, const QString& text) override {
         m_app.log(level, place, text);

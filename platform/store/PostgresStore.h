@@ -52,6 +52,7 @@ public:
     Status start();
 
     std::string displayName() const override { return m_url.displayName(); }
+    bool mayWrite() const override { return m_mayWrite; }
 
     Status identity(std::string* identity) override;
 
@@ -146,6 +147,7 @@ private:
     const Url m_url;
     const std::string m_asLogin; ///< to write under; empty: the session's user
     Connection m_connection;
+    bool m_mayWrite = true;
     std::string m_session; ///< which of pg_stat_activity this session is, as a condition
     mutable Listener m_listener;
     mutable bool m_followed = false; ///< someone asked for the descriptor: the listener connects

@@ -123,6 +123,8 @@ public:
     virtual std::string displayName() const = 0;
     /// The login under which this object writes.
     virtual std::string login() const = 0;
+    /// Whether that login may write at all, as far as was known when the store was opened.
+    virtual bool mayWrite() const { return true; }
     /// Opens the store at the same address once more, if what was opened is no longer there: every
     /// call then gives ConnectionBroken until this gives Ok. A cursor of before is void. Ok, and
     /// nothing done, for a store that is there, or that finds its own way back.
@@ -214,9 +216,6 @@ struct OpenOptions {
     /// Who writes. PostgreSQL takes the user of the session, unless that is the store's owner.
     std::string login;
     bool create = false; ///< make the store if it is missing (never overwrites anything)
-    /// Open a file that this user may read and not write for reading, instead of refusing it. A
-    /// server lets in whoever may read in any case. See Store::mayWrite.
-    bool allowReadOnly = false;
 };
 
 /// Opens the store behind a URL: "sqlite:///absolute/path.db" (or a plain path), or

@@ -3,7 +3,10 @@
 #include "tests/e2e/Hands.h"
 #include "tests/e2e/Scene.h"
 
+#include <QTemporaryDir>
 #include <QtTest>
+
+#include <optional>
 
 using namespace orvo::test;
 
@@ -106,6 +109,36 @@ private slots:
         DO(m_scene->openDesktop(station));
     }
 
+    void whoMayOnlyLookIsToldOnceAndChangesNothing() {
+        if (qgetenv("ORVO_STORE_KIND") != "postgresql")
+            QSKIP("a server's logins");
+        QCOMPARE(m_scene->admin({"user", "add", "looker", "--last", "Смотров", "--viewer"}), 0);
+        QString url = m_scene->store().url();
+        url.replace("postgres@", "looker@");
+        m_scene->stopRight();
+        QTemporaryDir directory;
+        ClientProcess looker(directory.path(), url, "looker", QRect(1405, 5, 1385, 960), {"Menu"});
+        QVERIFY(looker.waitUp());
+        SOON(others(left()) == QString("Ещё здесь: Смотров"));
+        SOON(others(looker) == QString("Ещё здесь: left"));
+        picture("looker-told");
+        DO(m_scene->press(looker, "ОК"));
+        DO(m_scene->clickRow(looker, "tvDesck", station));
+        SOON(looker.tree("tvMenu").find("side2") >= 0);
+        DO(m_scene->clickRow(looker, "tvMenu", "side2"));
+        SOON(looker.isEnabled("actCopyMenuElement"));
+        for (const char* writes :
+             {"actDeleteElem", "actMoveUp", "actMoveDown", "actCutMenuElement", "actNewElemFolder",
+              "actDeleteFromtvDesck", "actAddDescktop", "actChangeDescktopOrFolder"})
+            QVERIFY2(!looker.isEnabled(writes), writes);
+        const std::optional<QRect> cell = m_scene->reveal(looker, "tvProp", nameRow, 1);
+        QVERIFY(cell);
+        QVERIFY(hands::click(cell->center()));
+        QTest::qWait(300);
+        QVERIFY(looker.ask("windows")["focus"].toObject()["class"].toString() != "QLineEdit");
+        QVERIFY(looker.failure().isEmpty());
+        picture("looker-works");
+    }
 };
 
 QTEST_MAIN(TestSideBySide)

@@ -72,6 +72,7 @@ private slots:
     void desktopContextMenu();
     void menuContextMenuLeavesTheActionsAsTheyAre();
     void onlyOfferedFormatsAreThere();
+    void whoMayOnlyReadCopiesAndNoMore();
 
 private:
     QString enabled(MenuEditor& editor, const QStringList& names) const;
@@ -89,6 +90,47 @@ QString TestMenuActions::enabled(MenuEditor& editor, const QStringList& names) c
         if (editor.action(qPrintable(name))->isEnabled())
             on << name.mid(3);
     return on.join(' ');
+}
+
+void TestMenuActions::whoMayOnlyReadCopiesAndNoMore() {
+    PlantEditor editor;
+    editor.host.m_mayWrite = false;
+    QVERIFY(editor.start());
+    QStringList seen;
+    const auto look = [&](const QStringList& names) {
+        for (const QString& name : enabled(editor, names).split(' ', Qt::SkipEmptyParts))
+            if (!seen.contains(name))
+                seen << name;
+    };
+    for (const char* key : {"sklad", "armop"}) {
+        clickRow(editor.view("tvDesck"), editor->desck(key));
+        look(desckActions);
+    }
+    QTreeView* menu = editor.view("tvMenu");
+    menu->expandAll();
+    for (const QModelIndex& row :
+         menu->model()->match(menu->model()->index(0, 0), Qt::DisplayRole, QString("*"), -1,
+                              Qt::MatchWildcard | Qt::MatchRecursive)) {
+        clickRow(menu, row);
+        look(menuActions);
+        // No cell of the passport opens, by mouse or by key.
+        QTreeView* passport = editor.view("tvProp");
+        const QModelIndex value = findRow(*passport->model(), "Наименование").siblingAtColumn(1);
+        if (!value.isValid())
+            continue;
+        QTest::mouseClick(passport->viewport(), Qt::LeftButton, {},
+                          passport->visualRect(value).center());
+        passport->setCurrentIndex(value.siblingAtRow(0));
+        QTest::keyClick(passport, Qt::Key_Down);
+        QTest::keyClick(passport, Qt::Key_F2);
+        QVERIFY(!passport->indexWidget(value));
+        QVERIFY(passport->viewport()->findChildren<QWidget*>().isEmpty());
+    }
+    seen.sort();
+    QCOMPARE(seen, QStringList({"CopyDescktopOrFolder", "CopyMenuElement"}));
+    QVERIFY(!menu->acceptDrops());
+    QVERIFY(!menu->dragEnabled());
+    QVERIFY(editor->ModEditText().isEmpty());
 }
 
 void TestMenuActions::desktopRowsSwitchTheirActions_data() {

@@ -43,6 +43,7 @@ private slots:
     void ofRowsSelectedAtOnceThoseLikeTheFirstRemain();
     void actionsFollowTheCurrentRowOnly();
     void inAnEditTheActionsStay();
+    void whoMayOnlyReadLooksAndTakesOut();
 };
 
 void TestResActions::init() {
@@ -99,6 +100,18 @@ void TestResActions::rowsOfferTheirActions() {
     editor.view("tvRes")->setCurrentIndex(editor->row(QTest::currentDataTag()));
     QTEST(enabledActions(*editor.module), "actions");
     QCOMPARE(editor->m_currentKey, QString(QTest::currentDataTag()));
+}
+
+void TestResActions::whoMayOnlyReadLooksAndTakesOut() {
+    CatalogueEditor editor;
+    editor.host.m_mayWrite = false;
+    QVERIFY(editor.start());
+    editor.view("tvRes")->setCurrentIndex(editor->row("trends"));
+    QCOMPARE(enabledActions(*editor.module), QString());
+    editor.view("tvRes")->setCurrentIndex(editor->row("rboiler"));
+    QCOMPARE(enabledActions(*editor.module), QString("actExtractFiles actOpenScheme"));
+    QVERIFY(!editor.view("tvRes")->acceptDrops());
+    QVERIFY(editor.view("tvProp")->editTriggers() == QAbstractItemView::NoEditTriggers);
 }
 
 void TestResActions::pasteFollowsTheClipboard_data() {
