@@ -58,6 +58,7 @@ bool Client::open(QString* error) {
     store::Status status;
     store::OpenOptions how;
     how.login = m_options.login.toStdString();
+    how.allowReadOnly = true;
     auto store = store::open(m_options.store.toStdString(), how, &status);
     auto reader = store ? store::open(m_options.store.toStdString(), how, &status) : nullptr;
     if (reader)

@@ -176,6 +176,27 @@ Status create(const std::string& path, const std::string& name) {
     return {};
 }
 
+bool isClosedForWriting(const std::string& path) {
+    return ::faccessat(AT_FDCWD, directoryOf(path).c_str(), W_OK | X_OK, AT_EACCESS) != 0 ||
+           ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0;
+}
+
+/// Log and index are made by those who write: without them nothing can be read.
+Status connectToRead(const std::string& path, const std::string& name, Connection* connection) {
+    const std::string what = "Хранилище " + name;
+    int64_t any = 0;
+    if (connection->open(path.c_str(), SQLITE_OPEN_READONLY) != SQLITE_OK)
+        return connection->failure(what);
+    sqlite3_busy_timeout(connection->get(), busyMilliseconds);
+    if (connection->integer("PRAGMA schema_version", &any) == SQLITE_CANTOPEN)
+        return {Failed, what + ": доступно только для чтения, а читать его можно, лишь пока оно "
+                               "открыто у того, кто может писать"};
+    if (connection->execute(settings) != SQLITE_OK)
+        return connection->failure(what);
+    const Status status = migrate(*connection);
+    return status.ok() ? status : Status{status.code, what + ": " + status.text};
+}
+
 Status connect(const std::string& path, const std::string& name, Connection* connection) {
     const std::string what = "Хранилище " + name;
     if (::faccessat(AT_FDCWD, directoryOf(path).c_str(), W_OK | X_OK, AT_EACCESS) != 0)
@@ -195,9 +216,12 @@ Status connect(const std::string& path, const std::string& name, Connection* con
 
 } // namespace
 
-Status connectTo(const std::string& path, Connection* connection) {
+Status connectTo(const std::string& path, bool allowReadOnly, Connection* connection) {
     const Status status = look(path, shown(path));
-    return status.ok() ? connect(path, shown(path), connection) : status;
+    if (!status.ok())
+        return status;
+    return allowReadOnly && isClosedForWriting(path) ? connectToRead(path, shown(path), connection)
+                                                     : connect(path, shown(path), connection);
 }
 
 std::string immutableUri(const std::string& path) {
@@ -257,7 +281,7 @@ std::unique_ptr<MaintainedStore> openStore(const std::string& url, const OpenOpt
     }
     Connection connection;
     if (status->ok())
-        *status = connectTo(path, &connection);
+        *status = connectTo(path, options.allowReadOnly, &connection);
     if (!status->ok())
         return nullptr;
     auto store = std::make_unique<SqliteStore>(std::move(connection), path, options.login);

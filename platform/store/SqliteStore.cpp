@@ -61,6 +61,7 @@ SqliteStore::SqliteStore(Connection connection, const std::string& path, const s
     : StoreCore(login)
     , m_path(path)
     , m_connection(std::move(connection))
+    , m_mayWrite(sqlite3_db_readonly(m_connection.get(), "main") != 1)
     , m_watch(path + "-wal") {}
 
 Status SqliteStore::start() {
@@ -139,7 +140,7 @@ Status SqliteStore::reopen() {
             return {CannotConnect, "Журнал прежней базы " + shown(m_path + "-wal") +
                                        " не переименован (" + std::strerror(error) + ")"};
         Connection fresh;
-        status = connectTo(m_path, &fresh);
+        status = connectTo(m_path, !m_mayWrite, &fresh);
         if (!status.ok())
             return status;
         letGo();

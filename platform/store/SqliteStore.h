@@ -28,7 +28,7 @@ std::string immutableUri(const std::string& path);
 
 /// Opens the store that is in the file at a path without links. NotAStore and its like leave
 /// everything as it was.
-Status connectTo(const std::string& path, Connection* connection);
+Status connectTo(const std::string& path, bool allowReadOnly, Connection* connection);
 
 /// See Kinds.h.
 Status parseUrl(const std::string& url, Location* location);
@@ -55,6 +55,7 @@ public:
     ~SqliteStore() override;
 
     std::string displayName() const override { return "sqlite://" + m_path; }
+    bool mayWrite() const override { return m_mayWrite; }
     Status reopen() override;
 
     Status identity(std::string* identity) override;
@@ -132,6 +133,7 @@ private:
     const std::string m_path;
     std::optional<Place> m_place; ///< none before start
     Connection m_connection;      ///< before the statements, which must go first
+    bool m_mayWrite;
     std::unordered_map<std::string, Statement> m_statements;
     /// By table, flag and the fields written.
     std::map<std::tuple<const TableDef*, int, uint64_t>, Statement> m_writes;

@@ -216,6 +216,9 @@ struct OpenOptions {
     /// Who writes. PostgreSQL takes the user of the session, unless that is the store's owner.
     std::string login;
     bool create = false; ///< make the store if it is missing (never overwrites anything)
+    /// Open a file that this user may read and not write for reading, instead of refusing it. A
+    /// server lets in whoever may read in any case. See Store::mayWrite.
+    bool allowReadOnly = false;
 };
 
 /// Opens the store behind a URL: "sqlite:///absolute/path.db" (or a plain path), or

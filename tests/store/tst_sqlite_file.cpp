@@ -77,6 +77,7 @@ private slots:
     void writeWaitsForAnotherWriterAndThenGivesUp();
     void readOnlyFileIsRefused();
     void readOnlyDirectoryIsRefused();
+    void storeThatMayOnlyBeReadIsReadWhereThatIsEnough();
     void fileWithoutReadingRightIsRefused();
     void fullDiskLosesNothing();
     void limitOfFileSizeLosesNothing();
@@ -329,6 +330,41 @@ void TestSqliteFile::readOnlyDirectoryIsRefused() {
     QVERIFY(::chmod(m_directory->path().toUtf8().constData(), 0777) == 0);
     QCOMPARE(entries(), QStringList("orvo.db"));
     QCOMPARE(dump(*opened(), "MenuFileExt"), QString("k|-"));
+}
+
+void TestSqliteFile::storeThatMayOnlyBeReadIsReadWhereThatIsEnough() {
+    QVERIFY(opened(true));
+    QVERIFY(::chmod(path().toUtf8().constData(), 0644) == 0);
+    QVERIFY(::chmod(m_directory->path().toUtf8().constData(), 0755) == 0);
+    OpenOptions how;
+    how.login = "looker";
+    how.allowReadOnly = true;
+    Status status;
+    {
+        const PlainUser user;
+        QVERIFY(!open(path().toStdString(), how, &status)); // nobody keeps a log for it
+        QCOMPARE(status.code, int(Failed));
+    }
+    const auto writer = opened();
+    QVERIFY(writer->mayWrite());
+    QVERIFY(Batch("MenuFileExt").insert("k").send(*writer).ok());
+    {
+        const PlainUser user;
+        const auto reader = open(path().toStdString(), how, &status);
+        QVERIFY2(reader, status.text.c_str());
+        QVERIFY(!reader->mayWrite());
+        QCOMPARE(dump(*reader, "MenuFileExt"), QString("k|-"));
+        QVERIFY(!Batch("MenuFileExt").insert("other").send(*reader).ok());
+        LogCursor cursor;
+        QVERIFY(reader->logEnd(&cursor).ok());
+        QVERIFY(Batch("MenuFileExt").insert("later").send(*writer).ok());
+        std::vector<Change> changes;
+        status = reader->readLog(cursor, 10, &changes);
+        QVERIFY2(status.ok(), status.text.c_str());
+        QCOMPARE(changes.size(), size_t(1));
+        QCOMPARE(changes[0].key, std::string("later"));
+    }
+    QVERIFY(::chmod(m_directory->path().toUtf8().constData(), 0777) == 0);
 }
 
 void TestSqliteFile::fileWithoutReadingRightIsRefused() {
