@@ -44,6 +44,10 @@ public:
     SmallDisk(const SmallDisk&) = delete;
     SmallDisk& operator=(const SmallDisk&) = delete;
     bool mounted() const { return m_mounted; }
+    /// Makes it larger or smaller; what it holds stays.
+    bool resize(const QByteArray& size) const {
+        return ::mount("tmpfs", m_path.constData(), "tmpfs", MS_REMOUNT, size.constData()) == 0;
+    }
 
 private:
     const QByteArray m_path;
