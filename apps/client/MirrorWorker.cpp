@@ -143,6 +143,7 @@ bool MirrorWorker::openStore() {
 MirrorWorker::End MirrorWorker::pass(uint64_t number, bool contents) {
     const Clock::time_point begin = Clock::now();
     std::vector<Wanted> queue;
+    m_full = false;
     if (!openStore() || !list(contents, &queue))
         return End::Failed;
     bool changed = removeStale();
@@ -175,7 +176,7 @@ MirrorWorker::End MirrorWorker::pass(uint64_t number, bool contents) {
         writeManifest();
     if (changed)
         post([this] { emit updated(); });
-    return end;
+    return end == End::Done && m_full ? End::Failed : end;
 }
 
 bool MirrorWorker::list(bool contents, std::vector<Wanted>* queue) {
@@ -248,6 +249,7 @@ bool MirrorWorker::fetch(const Wanted& wanted) {
     if (files.empty())
         return true; // gone since the listing; its notification follows
     if (!m_directory.write(split(path), files.front().bytes, wanted.time)) {
+        m_full = m_full || errno == ENOSPC || errno == EDQUOT;
         tell(QStringLiteral("Файл «%1» не записан в %2files: %3")
                  .arg(textOf(path), m_workDir, reason()));
         return true;

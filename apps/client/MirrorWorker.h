@@ -109,6 +109,7 @@ private:
     uint64_t m_listing = 0;
     QSet<QString> m_told;
     bool m_touched = false; ///< the manifest has changed since it was written
+    bool m_full = false;    ///< the disk took not all of what the comparison found
 
     std::thread m_thread; ///< last: it begins when everything else is there
 };
