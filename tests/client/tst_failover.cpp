@@ -1,12 +1,7 @@
-// A server fails over to a standby that lacks the last changes, and somebody else writes there
-// first: the ids of the log then look as if nothing were missing.
-#include "platform/client/ModuleRegistry.h"
-#include "platform/client/NotificationPump.h"
-#include "platform/client/UnwrittenList.h"
-#include "tests/client/HostFixture.h"
+// A server fails over to its standby, with the last changes or without them.
+#include "tests/client/FollowingClient.h"
 #include "tests/store/PostgresCluster.h"
 
-#include <QElapsedTimer>
 #include <QtTest>
 
 using namespace orvo;
@@ -16,81 +11,98 @@ using store::test::PostgresCluster;
 class TestFailover : public QObject {
     Q_OBJECT
 private:
-    static bool write(COrvoCliSes& session, uint32_t flag, const Fields& fields) {
+    std::unique_ptr<PostgresCluster> m_cluster;
+    std::string m_url;
+
+    void start(PostgresCluster::Shipping shipping) {
+        m_cluster = PostgresCluster::start();
+        QVERIFY(m_cluster);
+        store::Status status;
+        QVERIFY2(store::open(m_cluster->url("orvo"), {{}, true}, &status), status.text.c_str());
+        QVERIFY(m_cluster->startStandby(shipping));
+        m_url = m_cluster->urlOfBoth("orvo");
+    }
+    static void writeRecords(store::Store& store, const QStringList& keys) {
         CMDArray array;
         store::makeStructure(*store::findTable("Menu"), array.array);
-        addRecord(array, flag, fields);
-        return session.SqlUpdate("Menu", array.array, true, nullptr) != 0;
+        for (const QString& key : keys)
+            addRecord(array, MDX_INSERT, {{"KeyLink", key.toStdString()}});
+        const store::Status done = store.update("Menu", array.array);
+        QVERIFY2(done.ok(), done.text.c_str());
     }
 
 private slots:
+    void cleanup() { m_cluster.reset(); }
+
+    /// Somebody else writes first there: the ids of the log then look as if nothing were missing.
     void lostChangesAreNoticedListedAndRepeated() {
-        const auto cluster = PostgresCluster::start();
-        QVERIFY(cluster);
-        store::Status status;
-        store::OpenOptions create;
-        create.create = true;
-        QVERIFY(store::open(cluster->url("orvo"), create, &status));
-        QVERIFY(cluster->startStandby(PostgresCluster::Shipping::Asynchronous));
-        const std::string url = cluster->urlOfBoth("orvo");
+        start(PostgresCluster::Shipping::Asynchronous);
+        FollowingClient one(m_url);
+        FollowingClient reader(m_url);
+        QVERIFY(one.write("Menu", MDX_INSERT, {{"KeyLink", "kept"}, {"caption", "Есть"}}));
+        QTRY_VERIFY_WITH_TIMEOUT(one.module->keys().contains("kept"), 30000);
+        QVERIFY(m_cluster->stopShipping());
+        QVERIFY(one.write("Menu", MDX_INSERT, {{"KeyLink", "new"}, {"caption", "Новый"}}));
+        QVERIFY(one.write("Menu", MDX_UPDATE, {{"KeyLink", "kept"}, {"caption", "Переименован"}}));
+        QTRY_VERIFY_WITH_TIMEOUT(one.module->messages.size() == 3, 30000);
+        QTRY_VERIFY_WITH_TIMEOUT(reader.module->messages.size() == 3, 30000);
 
-        const auto connect = [&] {
-            auto opened = store::open(url, {}, &status);
-            if (!opened)
-                qFatal("%s", status.text.c_str());
-            return opened;
-        };
-        const auto session = client::makeSession(connect(), &status);
-        QVERIFY(session);
-        client::UnwrittenList list(client::sessionStore(*session));
-        client::setUnwritten(*session, &list);
-        App app;
-        app.m_session = session.get();
-        client::ModuleRegistry registry;
-        auto* module = new Module(&app); // the registry's
-        registry.add(module, "Menu");
-        registry.start(module);
-        client::NotificationPump pump(*session, registry, connect());
-        QVector<bool> lost;
-        QObject::connect(&pump, &client::NotificationPump::logLost,
-                         [&](bool replaced) { lost << replaced; });
-        pump.start();
-
-        COrvoCliSes& own = *module->m_app->m_session;
-        QVERIFY(write(own, MDX_INSERT, {{"KeyLink", "kept"}, {"caption", "Есть"}}));
-        QTRY_VERIFY_WITH_TIMEOUT(module->keys().contains("kept"), 30000);
-        QVERIFY(cluster->stopShipping());
-        QVERIFY(write(own, MDX_INSERT, {{"KeyLink", "new"}, {"caption", "Новый"}}));
-        QVERIFY(write(own, MDX_UPDATE, {{"KeyLink", "kept"}, {"caption", "Переименован"}}));
-        QTRY_VERIFY_WITH_TIMEOUT(module->messages.size() == 3, 30000);
-
-        QVERIFY(cluster->failOver());
-        {
-            auto another = connect();
-            CMDArray array;
-            store::makeStructure(*store::findTable("Menu"), array.array);
-            for (const char* key : {"t1", "t2", "t3", "t4"})
-                addRecord(array, MDX_INSERT, {{"KeyLink", key}});
-            const store::Status done = another->update("Menu", array.array);
-            QVERIFY2(done.ok(), done.text.c_str());
+        QVERIFY(m_cluster->failOver());
+        writeRecords(*one.connect(), {"t1", "t2", "t3", "t4"});
+        for (FollowingClient* each : {&one, &reader}) {
+            QTRY_COMPARE_WITH_TIMEOUT(each->lost, QVector<bool>{true}, 90000);
+            // No change of the new server has been shown over the ghosts of the old one.
+            QVERIFY(!each->module->keys().contains("t1"));
         }
-        QTRY_COMPARE_WITH_TIMEOUT(lost, QVector<bool>{true}, 90000);
-        // No change of the new server has been shown over the ghosts of the old one.
-        QVERIFY(!module->keys().contains("t1"));
 
-        QCOMPARE(client::listLostWrites(*session), 2);
-        QCOMPARE(list.entries()[0].words.what, QString("Создан элемент меню «Новый»"));
-        QCOMPARE(list.entries()[1].words.what,
+        QCOMPARE(client::listLostWrites(*reader.session), 0); // another's are the other's to repeat
+        QCOMPARE(client::listLostWrites(*one.session), 2);
+        QCOMPARE(one.list.entries()[0].words.what, QString("Создан элемент меню «Новый»"));
+        QCOMPARE(one.list.entries()[1].words.what,
                  QString("Переименован элемент меню «Переименован»: было «Есть»"));
-        QVERIFY(pump.restart());
-        QCOMPARE(list.repeatAll(), 0);
-        QTRY_VERIFY_WITH_TIMEOUT(module->keys().count("new") == 2, 30000);
+        QVERIFY(one.pump.restart());
+        QVERIFY(reader.pump.restart());
+        QCOMPARE(one.list.repeatAll(), 0);
+        QTRY_VERIFY_WITH_TIMEOUT(one.module->keys().count("new") == 2, 30000);
+        QTRY_VERIFY_WITH_TIMEOUT(reader.module->keys().count("new") == 2, 30000);
         CMDArray rows;
         const store::Status read =
-            client::sessionStore(*session).fetchLinked("Menu", "KeyLink", "kept", rows.array);
+            client::sessionStore(*one.session).fetchLinked("Menu", "KeyLink", "kept", rows.array);
         QVERIFY2(read.ok(), read.text.c_str());
         QCOMPARE(textOf(rows.array, MDARec(rows.array, 0, 0), "caption"), QString("Переименован"));
-        client::setUnwritten(*session, nullptr);
+    }
+
+    /// Nobody writes there: the log ends before the cursor.
+    void lostChangesAreNoticedOnAServerWhereNobodyWrites() {
+        start(PostgresCluster::Shipping::Asynchronous);
+        FollowingClient one(m_url);
+        QVERIFY(m_cluster->stopShipping());
+        QVERIFY(one.write("Menu", MDX_INSERT, {{"KeyLink", "new"}, {"caption", "Новый"}}));
+        QTRY_VERIFY_WITH_TIMEOUT(one.module->messages.size() == 1, 30000);
+        QVERIFY(m_cluster->failOver());
+        QTRY_COMPARE_WITH_TIMEOUT(one.lost, QVector<bool>{true}, 90000);
+        QCOMPARE(client::listLostWrites(*one.session), 1);
+        QVERIFY(one.pump.restart());
+        QCOMPARE(one.list.repeatAll(), 0);
+        QTRY_VERIFY_WITH_TIMEOUT(one.module->keys().count("new") == 2, 30000);
+    }
+
+    void failOverWithTheLastChangesGoesOn() {
+        start(PostgresCluster::Shipping::Synchronous);
+        FollowingClient one(m_url);
+        QVERIFY(one.write("Menu", MDX_INSERT, {{"KeyLink", "kept"}, {"caption", "Есть"}}));
+        QVERIFY(one.write("Menu", MDX_UPDATE, {{"KeyLink", "kept"}, {"caption", "Другое"}}));
+        QTRY_VERIFY_WITH_TIMEOUT(one.module->messages.size() == 2, 30000);
+        QVERIFY(m_cluster->failOver());
+        writeRecords(*one.connect(), {"t1"});
+        QTRY_COMPARE_WITH_TIMEOUT(one.module->keys(), QStringList({"kept", "kept", "t1"}), 90000);
+        QCOMPARE(one.turns, QVector<bool>({false, true}));
+        QCOMPARE(one.module->reconnects, 1);
+        QCOMPARE(client::listLostWrites(*one.session), 0);
+        QVERIFY(one.write("Menu", MDX_INSERT, {{"KeyLink", "later"}}));
+        QTRY_COMPARE_WITH_TIMEOUT(one.module->keys().last(), QString("later"), 30000);
+        QCOMPARE(one.lost, QVector<bool>());
+        QVERIFY(one.list.isEmpty());
     }
 };
 
