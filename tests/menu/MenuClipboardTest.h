@@ -1,4 +1,4 @@
-// Copying, cutting and pasting menu elements.
+// MenuClipboardTest.h: the clipboard as the tests of copying and pasting elements see it.
 #ifndef ORVO_TESTS_MENU_MENUCLIPBOARDTEST_H
 #define ORVO_TESTS_MENU_MENUCLIPBOARDTEST_H
 #include "tests/menu/OperationsProbe.h"
@@ -41,59 +41,5 @@ inline QStringList keysInOrder(const MDArray* array, int key) {
         keys << orvo::textOf(record, "KeyLink");
     return keys;
 }
-
-class TestMenuClipboard : public QObject {
-    Q_OBJECT
-private slots:
-    void init();
-
-    void theCopiedBytes();
-    void theCutBytes();
-    void thePackedTableHasTheRecordsWithTwoKeys();
-    void thePackedRecordsAreWholeAndUnflagged();
-    void aFolderBringsAllBelowIt();
-    void copyingTheRootRowLeavesTheClipboard();
-    void withoutASelectionTheClipboardStays();
-    void aRowWithoutARecordGivesItsKeyAlone();
-    void aFolderWithoutARecordGivesWhatLiesBelowAlone();
-    void aKeyThatReadsAsOthersIsLeftOut();
-    void aCircleInTheTableIsCopiedOnce();
-    void aCutChangesNothing();
-
-    void theFirstCutSurvivesInItsEditor();
-    void theNextCutSurvivesToo();
-    void aSecondEditorTakesACutAway();
-    void aCopyIsLeftAlone();
-    void aCutOfAnotherProgramIsTakenAway_data();
-    void aCutOfAnotherProgramIsTakenAway();
-    void otherFormatsAreLeftAlone();
-    void anotherContentLosesTheCut();
-
-    void aPastedElementIsTheLastInItsFolder();
-    void pastingAtTheTop();
-    void pastingIntoAnotherDesktop();
-    void everyPasteMakesNewKeys();
-    void allChosenElementsGetTheOrderOfTheLastChild();
-    void aPastedFolderKeepsWhatLiesBelow();
-    void subFoldersCarryTheirCaptionAsParent_data();
-    void subFoldersCarryTheirCaptionAsParent();
-    void elementsWithoutTheirResourceStayOut();
-    void anElementWithoutACaptionIsPlacedAsChosen();
-    void parentsCompareWithoutCase();
-    void keysWithoutARecordAreSkipped();
-    void aKeyThatNoRecordCanHoldPastesNothing();
-    void aCopyIsPastedInAnotherClient();
-    void withoutATargetNothingIsPasted();
-    void theClipboardStaysAfterAPaste();
-    void thePastedRowBecomesCurrent();
-
-    void aPastedCutDeletesItsSource();
-    void aCutFolderIsDeletedWhole();
-    void aCutOfAnotherDesktopIsDeleted();
-    void aCutElementWithoutItsResourceIsDeletedAllTheSame();
-    void aCutKeyWithoutARecordIsNotDeleted();
-    void aSecondPasteOfACutDeletesNothingMore();
-    void aRefusedPasteStillDeletesTheCut();
-};
 
 #endif

@@ -1,412 +1,425 @@
+// Pasting menu elements, and what becomes of a cut.
 #include "tests/menu/MenuClipboardTest.h"
 
-void TestMenuClipboard::aPastedElementIsTheLastInItsFolder() {
-    PlantOperations editor;
-    editor.openDesck("armop");
-    editor.selectElements({"shema"});
-    editor->on_actCopyMenuElement_triggered();
-    editor.makeCurrent("grafiki");
-    QVERIFY(editor.action("actPasteMenuElement")->isEnabled());
-    editor.action("actPasteMenuElement")->trigger();
-    QCOMPARE(editor.host.writes().take(),
-             QString("Menu\n"
-                     "  +#1 parent='grafiki' FolderKey='armop' caption='Схема' order_=2000 "
-                     "ico=NULL separator=NULL oneCopy=NULL MenuResourceKey='rform' params=NULL\n"));
-    QCOMPARE(editor->m_menuModel->rowCount(editor->element("grafiki")), 3);
-    editor.host.deliver(*editor.module);
-    QCOMPARE(editor->m_menuModel->rowCount(editor->element("grafiki")), 4);
-    QCOMPARE(editor.host.failures, QStringList());
-}
+class TestMenuClipboardPaste : public QObject {
+    Q_OBJECT
+private slots:
+    void init() { QGuiApplication::clipboard()->clear(); }
 
-void TestMenuClipboard::pastingAtTheTop() {
-    PlantOperations editor;
-    editor.openDesck("armop");
-    editor.selectElements({"calc", "glubzhe"});
-    editor->on_actCopyMenuElement_triggered();
-    editor.makeCurrent("MenuRootNode");
-    editor->on_actPasteMenuElement_triggered();
-    // An element has the empty text for the top, a folder NULL.
-    const QString rest = " ico=NULL separator=NULL oneCopy=NULL";
-    QCOMPARE(editor.host.writes().take(),
-             "Menu\n"
-             "  +#1 parent='' FolderKey='armop' caption='Расчёт' order_=2000" +
-                 rest +
-                 " MenuResourceKey='rcalc' params=NULL\n"
-                 "  +#2 parent=NULL FolderKey='armop' caption='Глубже' order_=2000" +
-                 rest +
-                 " params=NULL\n"
-                 "  +#3 parent='#2' FolderKey='armop' caption='Котёл' order_=0" +
-                 rest + " MenuResourceKey='rform' params=NULL\n");
-    editor.host.deliver(*editor.module);
-    QVERIFY2(shownMenu(editor).contains("\n  Глубже\n    Котёл\n"), qPrintable(shownMenu(editor)));
-    QVERIFY(shownMenu(editor).contains("\n  Расчёт\n"));
-    QCOMPARE(editor.host.failures, QStringList());
-}
+    void aPastedElementIsTheLastInItsFolder() {
+        PlantOperations editor;
+        editor.openDesck("armop");
+        editor.selectElements({"shema"});
+        editor->on_actCopyMenuElement_triggered();
+        editor.makeCurrent("grafiki");
+        QVERIFY(editor.action("actPasteMenuElement")->isEnabled());
+        editor.action("actPasteMenuElement")->trigger();
+        QCOMPARE(
+            editor.host.writes().take(),
+            QString("Menu\n"
+                    "  +#1 parent='grafiki' FolderKey='armop' caption='Схема' order_=2000 "
+                    "ico=NULL separator=NULL oneCopy=NULL MenuResourceKey='rform' params=NULL\n"));
+        QCOMPARE(editor->m_menuModel->rowCount(editor->element("grafiki")), 3);
+        editor.host.deliver(*editor.module);
+        QCOMPARE(editor->m_menuModel->rowCount(editor->element("grafiki")), 4);
+        QCOMPARE(editor.host.failures, QStringList());
+    }
 
-void TestMenuClipboard::pastingIntoAnotherDesktop() {
-    PlantOperations editor;
-    editor.openDesck("armop");
-    editor.selectElements({"glubzhe"});
-    editor->on_actCopyMenuElement_triggered();
-    editor.openDesck("armpech");
-    editor.makeCurrent("MenuRootNode");
-    editor->on_actPasteMenuElement_triggered();
-    const QString rest = " ico=NULL separator=NULL oneCopy=NULL";
-    QCOMPARE(editor.host.writes().take(),
-             "Menu\n"
-             "  +#1 parent=NULL FolderKey='armpech' caption='Глубже' order_=0" +
-                 rest +
-                 " params=NULL\n"
-                 "  +#2 parent='#1' FolderKey='armpech' caption='Котёл' order_=0" +
-                 rest + " MenuResourceKey='rform' params=NULL\n");
-    editor.host.deliver(*editor.module);
-    QCOMPARE(shownMenu(editor), QString("Меню\n  Глубже\n    Котёл\n"));
-}
+    void pastingAtTheTop() {
+        PlantOperations editor;
+        editor.openDesck("armop");
+        editor.selectElements({"calc", "glubzhe"});
+        editor->on_actCopyMenuElement_triggered();
+        editor.makeCurrent("MenuRootNode");
+        editor->on_actPasteMenuElement_triggered();
+        // An element has the empty text for the top, a folder NULL.
+        const QString rest = " ico=NULL separator=NULL oneCopy=NULL";
+        QCOMPARE(editor.host.writes().take(),
+                 "Menu\n"
+                 "  +#1 parent='' FolderKey='armop' caption='Расчёт' order_=2000" +
+                     rest +
+                     " MenuResourceKey='rcalc' params=NULL\n"
+                     "  +#2 parent=NULL FolderKey='armop' caption='Глубже' order_=2000" +
+                     rest +
+                     " params=NULL\n"
+                     "  +#3 parent='#2' FolderKey='armop' caption='Котёл' order_=0" +
+                     rest + " MenuResourceKey='rform' params=NULL\n");
+        editor.host.deliver(*editor.module);
+        QVERIFY2(shownMenu(editor).contains("\n  Глубже\n    Котёл\n"),
+                 qPrintable(shownMenu(editor)));
+        QVERIFY(shownMenu(editor).contains("\n  Расчёт\n"));
+        QCOMPARE(editor.host.failures, QStringList());
+    }
 
-void TestMenuClipboard::everyPasteMakesNewKeys() {
-    PlantOperations editor;
-    editor.openDesck("armop");
-    editor.selectElements({"glubzhe"});
-    editor->on_actCopyMenuElement_triggered();
-    editor.makeCurrent("grafiki");
-    editor->on_actPasteMenuElement_triggered();
-    editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(editor.host.writes().calls.size(), 2);
-    const QString written = editor.host.writes().take();
-    QVERIFY2(written.contains("+#1 ") && written.contains("+#2 ") && written.contains("+#3 ") &&
-                 written.contains("+#4 parent='#3'"),
-             qPrintable(written));
-    QCOMPARE(editor.host.failures, QStringList());
-}
+    void pastingIntoAnotherDesktop() {
+        PlantOperations editor;
+        editor.openDesck("armop");
+        editor.selectElements({"glubzhe"});
+        editor->on_actCopyMenuElement_triggered();
+        editor.openDesck("armpech");
+        editor.makeCurrent("MenuRootNode");
+        editor->on_actPasteMenuElement_triggered();
+        const QString rest = " ico=NULL separator=NULL oneCopy=NULL";
+        QCOMPARE(editor.host.writes().take(),
+                 "Menu\n"
+                 "  +#1 parent=NULL FolderKey='armpech' caption='Глубже' order_=0" +
+                     rest +
+                     " params=NULL\n"
+                     "  +#2 parent='#1' FolderKey='armpech' caption='Котёл' order_=0" +
+                     rest + " MenuResourceKey='rform' params=NULL\n");
+        editor.host.deliver(*editor.module);
+        QCOMPARE(shownMenu(editor), QString("Меню\n  Глубже\n    Котёл\n"));
+    }
 
-void TestMenuClipboard::allChosenElementsGetTheOrderOfTheLastChild() {
-    PlantOperations editor;
-    editor.openDesck("armop");
-    editor.selectElements({"trend", "calc"});
-    editor->on_actCopyMenuElement_triggered();
-    editor.makeCurrent("glubzhe"); // its last child has the order 0
-    editor->on_actPasteMenuElement_triggered();
-    const QString written = editor.host.writes().take();
-    QCOMPARE(written.count("parent='glubzhe'"), 2);
-    QCOMPARE(written.count("order_=0 "), 2);
-}
+    void everyPasteMakesNewKeys() {
+        PlantOperations editor;
+        editor.openDesck("armop");
+        editor.selectElements({"glubzhe"});
+        editor->on_actCopyMenuElement_triggered();
+        editor.makeCurrent("grafiki");
+        editor->on_actPasteMenuElement_triggered();
+        editor->on_actPasteMenuElement_triggered();
+        QCOMPARE(editor.host.writes().calls.size(), 2);
+        const QString written = editor.host.writes().take();
+        QVERIFY2(written.contains("+#1 ") && written.contains("+#2 ") && written.contains("+#3 ") &&
+                     written.contains("+#4 parent='#3'"),
+                 qPrintable(written));
+        QCOMPARE(editor.host.failures, QStringList());
+    }
 
-void TestMenuClipboard::aPastedFolderKeepsWhatLiesBelow() {
-    TestStore store;
-    fillPlant(store);
-    store.update("Menu", {{"KeyLink", QString("grafiki")},
-                          {"ico", QString("f.png")},
-                          {"separator", true},
-                          {"oneCopy", false},
-                          {"params", QString("p")}});
-    TestHost host(store);
-    OperationsEditor editor(host);
-    editor.openDesck("armop");
-    editor.selectElements({"grafiki"});
-    editor->on_actCopyMenuElement_triggered();
-    editor.openDesck("armpech");
-    editor.makeCurrent("MenuRootNode");
-    editor->on_actPasteMenuElement_triggered();
-    const QString rest = " ico=NULL separator=NULL oneCopy=NULL";
-    QCOMPARE(host.writes().take(),
-             "Menu\n"
-             "  +#1 parent=NULL FolderKey='armpech' caption='Графики' order_=0 ico='f.png' "
-             "separator=true oneCopy=false params='p'\n"
-             "  +#2 parent='#1' FolderKey='armpech' caption='Тренд' order_=0" +
-                 rest +
-                 " MenuResourceKey='rtrend' params=NULL\n"
-                 "  +#3 parent='#1' FolderKey='armpech' caption='Расчёт' order_=1000" +
-                 rest +
-                 " MenuResourceKey='rcalc' params=NULL\n"
-                 "  +#4 parent='Глубже' FolderKey='armpech' order_=2000" +
-                 rest +
-                 " params=NULL\n"
-                 "  +#5 parent='#4' FolderKey='armpech' caption='Котёл' order_=0" +
-                 rest + " MenuResourceKey='rform' params=NULL\n");
-    QCOMPARE(host.failures, QStringList());
-}
+    void allChosenElementsGetTheOrderOfTheLastChild() {
+        PlantOperations editor;
+        editor.openDesck("armop");
+        editor.selectElements({"trend", "calc"});
+        editor->on_actCopyMenuElement_triggered();
+        editor.makeCurrent("glubzhe"); // its last child has the order 0
+        editor->on_actPasteMenuElement_triggered();
+        const QString written = editor.host.writes().take();
+        QCOMPARE(written.count("parent='glubzhe'"), 2);
+        QCOMPARE(written.count("order_=0 "), 2);
+    }
 
-void TestMenuClipboard::subFoldersCarryTheirCaptionAsParent_data() {
-    QTest::addColumn<QString>("caption");
-    QTest::addColumn<QString>("parent");
-    QTest::newRow("a text") << "'Дно'"
-                            << "'Дно'";
-    QTest::newRow("an empty text") << "''"
-                                   << "''";
-    QTest::newRow("none") << "NULL"
-                          << "NULL";
-}
+    void aPastedFolderKeepsWhatLiesBelow() {
+        TestStore store;
+        fillPlant(store);
+        store.update("Menu", {{"KeyLink", QString("grafiki")},
+                              {"ico", QString("f.png")},
+                              {"separator", true},
+                              {"oneCopy", false},
+                              {"params", QString("p")}});
+        TestHost host(store);
+        OperationsEditor editor(host);
+        editor.openDesck("armop");
+        editor.selectElements({"grafiki"});
+        editor->on_actCopyMenuElement_triggered();
+        editor.openDesck("armpech");
+        editor.makeCurrent("MenuRootNode");
+        editor->on_actPasteMenuElement_triggered();
+        const QString rest = " ico=NULL separator=NULL oneCopy=NULL";
+        QCOMPARE(host.writes().take(),
+                 "Menu\n"
+                 "  +#1 parent=NULL FolderKey='armpech' caption='Графики' order_=0 ico='f.png' "
+                 "separator=true oneCopy=false params='p'\n"
+                 "  +#2 parent='#1' FolderKey='armpech' caption='Тренд' order_=0" +
+                     rest +
+                     " MenuResourceKey='rtrend' params=NULL\n"
+                     "  +#3 parent='#1' FolderKey='armpech' caption='Расчёт' order_=1000" +
+                     rest +
+                     " MenuResourceKey='rcalc' params=NULL\n"
+                     "  +#4 parent='Глубже' FolderKey='armpech' order_=2000" +
+                     rest +
+                     " params=NULL\n"
+                     "  +#5 parent='#4' FolderKey='armpech' caption='Котёл' order_=0" +
+                     rest + " MenuResourceKey='rform' params=NULL\n");
+        QCOMPARE(host.failures, QStringList());
+    }
 
-void TestMenuClipboard::subFoldersCarryTheirCaptionAsParent() {
-    QFETCH(QString, caption);
-    QFETCH(QString, parent);
-    TestStore store;
-    fillPlant(store);
-    addElement(store, "armop", "dno", "glubzhe", "Дно", 7);
-    store.sql(
-        qPrintable("UPDATE \"Menu\" SET \"caption\" = " + caption + " WHERE \"KeyLink\" = 'dno'"));
-    TestHost host(store);
-    OperationsEditor editor(host);
-    editor.openDesck("armop");
-    editor.selectElements({"glubzhe"});
-    editor->on_actCopyMenuElement_triggered();
-    editor.makeCurrent("MenuRootNode");
-    editor->on_actPasteMenuElement_triggered();
-    const QString written = host.writes().take();
-    // The chosen folder has both as they should be.
-    QVERIFY2(written.contains("+#1 parent=NULL FolderKey='armop' caption='Глубже'"),
-             qPrintable(written));
-    QVERIFY2(written.contains("+#3 parent=" + parent + " FolderKey='armop' order_=7"),
-             qPrintable(written));
-    QCOMPARE(host.failures, QStringList());
-}
+    void subFoldersCarryTheirCaptionAsParent_data() {
+        QTest::addColumn<QString>("caption");
+        QTest::addColumn<QString>("parent");
+        QTest::newRow("a text") << "'Дно'"
+                                << "'Дно'";
+        QTest::newRow("an empty text") << "''"
+                                       << "''";
+        QTest::newRow("none") << "NULL"
+                              << "NULL";
+    }
 
-void TestMenuClipboard::elementsWithoutTheirResourceStayOut() {
-    TestStore store;
-    fillPlant(store);
-    addElement(store, "armop", "gone", "glubzhe", "Нет его", 5, "nosuch");
-    TestHost host(store);
-    OperationsEditor editor(host);
-    editor.openDesck("armop");
-    editor.selectElements({"glubzhe", "calc"});
-    editor->on_actCopyMenuElement_triggered();
-    editor.makeCurrent("MenuRootNode");
-    editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(host.writes().calls.size(), 1);
-    QCOMPARE(host.writes().calls[0].records.size(), 3);
-    QVERIFY(!host.writes().take().contains("Нет его"));
-    // A chosen one is dropped too, and then nothing is left to write.
-    editor.selectElements({"propal"});
-    editor->on_actCopyMenuElement_triggered();
-    editor.makeCurrent("MenuRootNode");
-    editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(host.writes().take(), QString());
-}
+    void subFoldersCarryTheirCaptionAsParent() {
+        QFETCH(QString, caption);
+        QFETCH(QString, parent);
+        TestStore store;
+        fillPlant(store);
+        addElement(store, "armop", "dno", "glubzhe", "Дно", 7);
+        store.sql(qPrintable("UPDATE \"Menu\" SET \"caption\" = " + caption +
+                             " WHERE \"KeyLink\" = 'dno'"));
+        TestHost host(store);
+        OperationsEditor editor(host);
+        editor.openDesck("armop");
+        editor.selectElements({"glubzhe"});
+        editor->on_actCopyMenuElement_triggered();
+        editor.makeCurrent("MenuRootNode");
+        editor->on_actPasteMenuElement_triggered();
+        const QString written = host.writes().take();
+        // The chosen folder has both as they should be.
+        QVERIFY2(written.contains("+#1 parent=NULL FolderKey='armop' caption='Глубже'"),
+                 qPrintable(written));
+        QVERIFY2(written.contains("+#3 parent=" + parent + " FolderKey='armop' order_=7"),
+                 qPrintable(written));
+        QCOMPARE(host.failures, QStringList());
+    }
 
-void TestMenuClipboard::anElementWithoutACaptionIsPlacedAsChosen() {
-    TestStore store;
-    fillPlant(store);
-    addElement(store, "armop", "nemoy", "grafiki", "", 9000, "rtrend");
-    store.sql("UPDATE \"Menu\" SET \"caption\" = NULL WHERE \"KeyLink\" = 'nemoy'");
-    TestHost host(store);
-    OperationsEditor editor(host);
-    editor.openDesck("armop");
-    editor.selectElements({"nemoy"});
-    editor->on_actCopyMenuElement_triggered();
-    editor.makeCurrent("glubzhe");
-    editor->on_actPasteMenuElement_triggered();
-    QVERIFY(host.writes().take().contains("+#1 parent='glubzhe' FolderKey='armop' caption='' "
-                                          "order_=0"));
-}
+    void elementsWithoutTheirResourceStayOut() {
+        TestStore store;
+        fillPlant(store);
+        addElement(store, "armop", "gone", "glubzhe", "Нет его", 5, "nosuch");
+        TestHost host(store);
+        OperationsEditor editor(host);
+        editor.openDesck("armop");
+        editor.selectElements({"glubzhe", "calc"});
+        editor->on_actCopyMenuElement_triggered();
+        editor.makeCurrent("MenuRootNode");
+        editor->on_actPasteMenuElement_triggered();
+        QCOMPARE(host.writes().calls.size(), 1);
+        QCOMPARE(host.writes().calls[0].records.size(), 3);
+        QVERIFY(!host.writes().take().contains("Нет его"));
+        // A chosen one is dropped too, and then nothing is left to write.
+        editor.selectElements({"propal"});
+        editor->on_actCopyMenuElement_triggered();
+        editor.makeCurrent("MenuRootNode");
+        editor->on_actPasteMenuElement_triggered();
+        QCOMPARE(host.writes().take(), QString());
+    }
 
-void TestMenuClipboard::parentsCompareWithoutCase() {
-    TestStore store;
-    fillPlant(store);
-    addElement(store, "armop", "vnutri", "GLUBZHE", "Внутри", 5, "rtrend");
-    TestHost host(store);
-    OperationsEditor editor(host);
-    editor.openDesck("armop");
-    editor.selectElements({"glubzhe"});
-    editor->on_actCopyMenuElement_triggered();
-    editor.makeCurrent("MenuRootNode");
-    editor->on_actPasteMenuElement_triggered();
-    const QString written = host.writes().take();
-    QVERIFY2(written.contains("+#3 parent='#1' FolderKey='armop' caption='Внутри'"),
-             qPrintable(written));
-}
+    void anElementWithoutACaptionIsPlacedAsChosen() {
+        TestStore store;
+        fillPlant(store);
+        addElement(store, "armop", "nemoy", "grafiki", "", 9000, "rtrend");
+        store.sql("UPDATE \"Menu\" SET \"caption\" = NULL WHERE \"KeyLink\" = 'nemoy'");
+        TestHost host(store);
+        OperationsEditor editor(host);
+        editor.openDesck("armop");
+        editor.selectElements({"nemoy"});
+        editor->on_actCopyMenuElement_triggered();
+        editor.makeCurrent("glubzhe");
+        editor->on_actPasteMenuElement_triggered();
+        QVERIFY(host.writes().take().contains("+#1 parent='glubzhe' FolderKey='armop' caption='' "
+                                              "order_=0"));
+    }
 
-void TestMenuClipboard::keysWithoutARecordAreSkipped() {
-    PlantOperations editor;
-    editor.openDesck("armop");
-    editor.selectElements({"shema"});
-    editor->on_actCopyMenuElement_triggered();
-    QByteArray bytes = payload();
-    putOnClipboard(bytes.replace("0\nshema;\n", "0\nnosuch;;shema;calc;\n"));
-    editor.makeCurrent("grafiki");
-    editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(editor.host.writes().calls.size(), 1);
-    QCOMPARE(editor.host.writes().calls[0].records.size(), 1);
-}
+    void parentsCompareWithoutCase() {
+        TestStore store;
+        fillPlant(store);
+        addElement(store, "armop", "vnutri", "GLUBZHE", "Внутри", 5, "rtrend");
+        TestHost host(store);
+        OperationsEditor editor(host);
+        editor.openDesck("armop");
+        editor.selectElements({"glubzhe"});
+        editor->on_actCopyMenuElement_triggered();
+        editor.makeCurrent("MenuRootNode");
+        editor->on_actPasteMenuElement_triggered();
+        const QString written = host.writes().take();
+        QVERIFY2(written.contains("+#3 parent='#1' FolderKey='armop' caption='Внутри'"),
+                 qPrintable(written));
+    }
 
-// Read with its letters replaced, the key on the line would be the record's, which has no new key.
-void TestMenuClipboard::aKeyThatNoRecordCanHoldPastesNothing() {
-    TestStore store;
-    fillPlant(store);
-    addElement(store, "armop", "k?", "", "Знак", 9000, "rcalc");
-    TestHost host(store);
-    OperationsEditor editor(host);
-    editor.openDesck("armop");
-    editor.selectElements({"k?"});
-    editor->on_actCopyMenuElement_triggered();
-    QByteArray bytes = payload();
-    QVERIFY(bytes.startsWith("0\nk?;\n"));
-    putOnClipboard(bytes.replace("0\nk?;\n", "0\nk\xB7;k\xE2\x86\x92;\n"));
-    editor.makeCurrent("grafiki");
-    editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(host.writes().take(), QString());
-}
+    void keysWithoutARecordAreSkipped() {
+        PlantOperations editor;
+        editor.openDesck("armop");
+        editor.selectElements({"shema"});
+        editor->on_actCopyMenuElement_triggered();
+        QByteArray bytes = payload();
+        putOnClipboard(bytes.replace("0\nshema;\n", "0\nnosuch;;shema;calc;\n"));
+        editor.makeCurrent("grafiki");
+        editor->on_actPasteMenuElement_triggered();
+        QCOMPARE(editor.host.writes().calls.size(), 1);
+        QCOMPARE(editor.host.writes().calls[0].records.size(), 1);
+    }
 
-void TestMenuClipboard::aCopyIsPastedInAnotherClient() {
-    TestStore store;
-    fillPlant(store);
-    TestStore otherStore;
-    addDesck(otherStore, "f", "", "Другой цех", true);
-    addDesck(otherStore, "d", "f", "Другой стол", false);
-    addResource(otherStore, "rcalc", 2, "Calc");
-    TestHost host(store);
-    OperationsEditor editor(host);
-    TestHost otherHost(otherStore);
-    OperationsEditor other(otherHost);
-    editor.openDesck("armop");
-    editor.selectElements({"grafiki"});
-    editor->on_actCopyMenuElement_triggered();
-    other.openDesck("d");
-    other.makeCurrent("MenuRootNode");
-    other->on_actPasteMenuElement_triggered();
-    // Of the resources that client knows one.
-    QCOMPARE(otherHost.writes().calls.size(), 1);
-    QCOMPARE(otherHost.writes().calls[0].records.size(), 3);
-    const QString written = otherHost.writes().take();
-    QVERIFY(written.contains("FolderKey='d' caption='Расчёт'"));
-    QVERIFY(!written.contains("Тренд"));
-    QCOMPARE(host.writes().take(), QString());
-}
+    // Read with its letters replaced, the key on the line would be the record's, which has no new
+    // key.
+    void aKeyThatNoRecordCanHoldPastesNothing() {
+        TestStore store;
+        fillPlant(store);
+        addElement(store, "armop", "k?", "", "Знак", 9000, "rcalc");
+        TestHost host(store);
+        OperationsEditor editor(host);
+        editor.openDesck("armop");
+        editor.selectElements({"k?"});
+        editor->on_actCopyMenuElement_triggered();
+        QByteArray bytes = payload();
+        QVERIFY(bytes.startsWith("0\nk?;\n"));
+        putOnClipboard(bytes.replace("0\nk?;\n", "0\nk\xB7;k\xE2\x86\x92;\n"));
+        editor.makeCurrent("grafiki");
+        editor->on_actPasteMenuElement_triggered();
+        QCOMPARE(host.writes().take(), QString());
+    }
 
-void TestMenuClipboard::withoutATargetNothingIsPasted() {
-    PlantOperations editor;
-    editor.openDesck("armop");
-    editor.selectElements({"shema"});
-    editor->on_actCopyMenuElement_triggered();
-    editor->m_currentMenuKey = "nosuch";
-    editor->on_actPasteMenuElement_triggered();
-    // A folder of desktops shows no menu at all.
-    editor.openDesck("ceh");
-    editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(editor.host.writes().take(), QString());
-}
+    void aCopyIsPastedInAnotherClient() {
+        TestStore store;
+        fillPlant(store);
+        TestStore otherStore;
+        addDesck(otherStore, "f", "", "Другой цех", true);
+        addDesck(otherStore, "d", "f", "Другой стол", false);
+        addResource(otherStore, "rcalc", 2, "Calc");
+        TestHost host(store);
+        OperationsEditor editor(host);
+        TestHost otherHost(otherStore);
+        OperationsEditor other(otherHost);
+        editor.openDesck("armop");
+        editor.selectElements({"grafiki"});
+        editor->on_actCopyMenuElement_triggered();
+        other.openDesck("d");
+        other.makeCurrent("MenuRootNode");
+        other->on_actPasteMenuElement_triggered();
+        // Of the resources that client knows one.
+        QCOMPARE(otherHost.writes().calls.size(), 1);
+        QCOMPARE(otherHost.writes().calls[0].records.size(), 3);
+        const QString written = otherHost.writes().take();
+        QVERIFY(written.contains("FolderKey='d' caption='Расчёт'"));
+        QVERIFY(!written.contains("Тренд"));
+        QCOMPARE(host.writes().take(), QString());
+    }
 
-void TestMenuClipboard::theClipboardStaysAfterAPaste() {
-    PlantOperations editor;
-    editor.openDesck("armop");
-    editor.selectElements({"shema"});
-    editor->on_actCutMenuElement_triggered();
-    const QByteArray before = payload();
-    QVERIFY(!before.isEmpty());
-    editor.makeCurrent("grafiki");
-    editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(payload(), before);
-}
+    void withoutATargetNothingIsPasted() {
+        PlantOperations editor;
+        editor.openDesck("armop");
+        editor.selectElements({"shema"});
+        editor->on_actCopyMenuElement_triggered();
+        editor->m_currentMenuKey = "nosuch";
+        editor->on_actPasteMenuElement_triggered();
+        // A folder of desktops shows no menu at all.
+        editor.openDesck("ceh");
+        editor->on_actPasteMenuElement_triggered();
+        QCOMPARE(editor.host.writes().take(), QString());
+    }
 
-void TestMenuClipboard::thePastedRowBecomesCurrent() {
-    PlantOperations editor;
-    editor.openDesck("armop");
-    editor.selectElements({"shema"});
-    editor->on_actCopyMenuElement_triggered();
-    editor.makeCurrent("glubzhe");
-    editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(editor->m_currentMenuKey, QString("glubzhe"));
-    editor.host.deliver(*editor.module);
-    const QModelIndex current = editor.view("tvMenu")->currentIndex();
-    QCOMPARE(current.data().toString(), QString("Схема"));
-    QCOMPARE(current.parent(), editor->element("glubzhe"));
-}
+    void theClipboardStaysAfterAPaste() {
+        PlantOperations editor;
+        editor.openDesck("armop");
+        editor.selectElements({"shema"});
+        editor->on_actCutMenuElement_triggered();
+        const QByteArray before = payload();
+        QVERIFY(!before.isEmpty());
+        editor.makeCurrent("grafiki");
+        editor->on_actPasteMenuElement_triggered();
+        QCOMPARE(payload(), before);
+    }
 
-// Cutting ----------------------------------------------------------------------------------------
+    void thePastedRowBecomesCurrent() {
+        PlantOperations editor;
+        editor.openDesck("armop");
+        editor.selectElements({"shema"});
+        editor->on_actCopyMenuElement_triggered();
+        editor.makeCurrent("glubzhe");
+        editor->on_actPasteMenuElement_triggered();
+        QCOMPARE(editor->m_currentMenuKey, QString("glubzhe"));
+        editor.host.deliver(*editor.module);
+        const QModelIndex current = editor.view("tvMenu")->currentIndex();
+        QCOMPARE(current.data().toString(), QString("Схема"));
+        QCOMPARE(current.parent(), editor->element("glubzhe"));
+    }
 
-void TestMenuClipboard::aPastedCutDeletesItsSource() {
-    PlantOperations editor;
-    editor.openDesck("armop");
-    editor.selectElements({"trend", "calc"});
-    editor->on_actCutMenuElement_triggered();
-    editor.makeCurrent("MenuRootNode");
-    editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(editor.host.writes().calls.size(), 2);
-    QCOMPARE(editor.host.writes().calls[0].records.size(), 2);
-    QCOMPARE(editor.host.writes().calls[1].table, QString("Menu"));
-    QCOMPARE(editor.host.writes().calls[1].records, QStringList({"-trend", "-calc"}));
-    editor.host.deliver(*editor.module);
-    QVERIFY(!editor->element("trend").isValid());
-    QVERIFY(!editor->element("calc").isValid());
-    QVERIFY2(shownMenu(editor).contains("\n  Тренд\n"), qPrintable(shownMenu(editor)));
-    QCOMPARE(editor.host.failures, QStringList());
-}
+    // Cutting
 
-void TestMenuClipboard::aCutFolderIsDeletedWhole() {
-    PlantOperations editor;
-    editor.openDesck("armop");
-    editor.selectElements({"grafiki"});
-    editor->on_actCutMenuElement_triggered();
-    editor.makeCurrent("MenuRootNode");
-    editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(editor.host.writes().calls.size(), 2);
-    QCOMPARE(editor.host.writes().calls[1].records,
-             QStringList({"-grafiki", "-trend", "-calc", "-glubzhe", "-form"}));
-}
+    void aPastedCutDeletesItsSource() {
+        PlantOperations editor;
+        editor.openDesck("armop");
+        editor.selectElements({"trend", "calc"});
+        editor->on_actCutMenuElement_triggered();
+        editor.makeCurrent("MenuRootNode");
+        editor->on_actPasteMenuElement_triggered();
+        QCOMPARE(editor.host.writes().calls.size(), 2);
+        QCOMPARE(editor.host.writes().calls[0].records.size(), 2);
+        QCOMPARE(editor.host.writes().calls[1].table, QString("Menu"));
+        QCOMPARE(editor.host.writes().calls[1].records, QStringList({"-trend", "-calc"}));
+        editor.host.deliver(*editor.module);
+        QVERIFY(!editor->element("trend").isValid());
+        QVERIFY(!editor->element("calc").isValid());
+        QVERIFY2(shownMenu(editor).contains("\n  Тренд\n"), qPrintable(shownMenu(editor)));
+        QCOMPARE(editor.host.failures, QStringList());
+    }
 
-void TestMenuClipboard::aCutOfAnotherDesktopIsDeleted() {
-    PlantOperations editor;
-    editor.openDesck("armop");
-    editor.selectElements({"glubzhe"});
-    editor->on_actCutMenuElement_triggered();
-    editor.openDesck("armpech");
-    editor.makeCurrent("MenuRootNode");
-    editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(editor.host.writes().calls.size(), 2);
-    QCOMPARE(editor.host.writes().calls[1].records, QStringList({"-glubzhe", "-form"}));
-    editor.host.deliver(*editor.module);
-    editor.openDesck("armop");
-    QVERIFY(!editor->element("glubzhe").isValid());
-    QVERIFY(!editor->element("form").isValid());
-}
+    void aCutFolderIsDeletedWhole() {
+        PlantOperations editor;
+        editor.openDesck("armop");
+        editor.selectElements({"grafiki"});
+        editor->on_actCutMenuElement_triggered();
+        editor.makeCurrent("MenuRootNode");
+        editor->on_actPasteMenuElement_triggered();
+        QCOMPARE(editor.host.writes().calls.size(), 2);
+        QCOMPARE(editor.host.writes().calls[1].records,
+                 QStringList({"-grafiki", "-trend", "-calc", "-glubzhe", "-form"}));
+    }
 
-void TestMenuClipboard::aCutElementWithoutItsResourceIsDeletedAllTheSame() {
-    PlantOperations editor;
-    editor.openDesck("armop");
-    editor.selectElements({"propal"});
-    editor->on_actCutMenuElement_triggered();
-    editor.makeCurrent("grafiki");
-    editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(editor.host.writes().take(), QString("Menu\n  -propal\n"));
-}
+    void aCutOfAnotherDesktopIsDeleted() {
+        PlantOperations editor;
+        editor.openDesck("armop");
+        editor.selectElements({"glubzhe"});
+        editor->on_actCutMenuElement_triggered();
+        editor.openDesck("armpech");
+        editor.makeCurrent("MenuRootNode");
+        editor->on_actPasteMenuElement_triggered();
+        QCOMPARE(editor.host.writes().calls.size(), 2);
+        QCOMPARE(editor.host.writes().calls[1].records, QStringList({"-glubzhe", "-form"}));
+        editor.host.deliver(*editor.module);
+        editor.openDesck("armop");
+        QVERIFY(!editor->element("glubzhe").isValid());
+        QVERIFY(!editor->element("form").isValid());
+    }
 
-void TestMenuClipboard::aCutKeyWithoutARecordIsNotDeleted() {
-    PlantOperations editor;
-    editor.openDesck("armop");
-    editor.selectElements({"trend", "calc"});
-    editor->m_tabMenu.RecDel(orvo::seekKey(editor->m_tabMenu, "calc"));
-    editor->on_actCutMenuElement_triggered();
-    editor.makeCurrent("MenuRootNode");
-    editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(editor.host.writes().calls.size(), 2);
-    QCOMPARE(editor.host.writes().calls[0].records.size(), 1);
-    QCOMPARE(editor.host.writes().calls[1].records, QStringList("-trend"));
-}
+    void aCutElementWithoutItsResourceIsDeletedAllTheSame() {
+        PlantOperations editor;
+        editor.openDesck("armop");
+        editor.selectElements({"propal"});
+        editor->on_actCutMenuElement_triggered();
+        editor.makeCurrent("grafiki");
+        editor->on_actPasteMenuElement_triggered();
+        QCOMPARE(editor.host.writes().take(), QString("Menu\n  -propal\n"));
+    }
 
-void TestMenuClipboard::aSecondPasteOfACutDeletesNothingMore() {
-    PlantOperations editor;
-    editor.openDesck("armop");
-    editor.selectElements({"trend"});
-    editor->on_actCutMenuElement_triggered();
-    editor.makeCurrent("MenuRootNode");
-    editor->on_actPasteMenuElement_triggered();
-    editor.host.deliver(*editor.module);
-    editor.makeCurrent("MenuRootNode");
-    editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(editor.host.writes().calls.size(), 4);
-    editor.host.deliver(*editor.module);
-    QCOMPARE(shownMenu(editor).count("\n  Тренд\n"), 2);
-    QCOMPARE(editor.host.failures, QStringList());
-}
+    void aCutKeyWithoutARecordIsNotDeleted() {
+        PlantOperations editor;
+        editor.openDesck("armop");
+        editor.selectElements({"trend", "calc"});
+        editor->m_tabMenu.RecDel(orvo::seekKey(editor->m_tabMenu, "calc"));
+        editor->on_actCutMenuElement_triggered();
+        editor.makeCurrent("MenuRootNode");
+        editor->on_actPasteMenuElement_triggered();
+        QCOMPARE(editor.host.writes().calls.size(), 2);
+        QCOMPARE(editor.host.writes().calls[0].records.size(), 1);
+        QCOMPARE(editor.host.writes().calls[1].records, QStringList("-trend"));
+    }
 
-void TestMenuClipboard::aRefusedPasteStillDeletesTheCut() {
-    PlantOperations editor;
-    editor.openDesck("armop");
-    editor.selectElements({"trend"});
-    editor->on_actCutMenuElement_triggered();
-    editor.makeCurrent("MenuRootNode");
-    editor.host.writes().refusedTable = "Menu";
-    editor->on_actPasteMenuElement_triggered();
-    QCOMPARE(editor.host.writes().calls.size(), 2);
-    QCOMPARE(editor.host.writes().calls[1].records, QStringList("-trend"));
-    QVERIFY(!editor.isAsking());
-}
+    void aSecondPasteOfACutDeletesNothingMore() {
+        PlantOperations editor;
+        editor.openDesck("armop");
+        editor.selectElements({"trend"});
+        editor->on_actCutMenuElement_triggered();
+        editor.makeCurrent("MenuRootNode");
+        editor->on_actPasteMenuElement_triggered();
+        editor.host.deliver(*editor.module);
+        editor.makeCurrent("MenuRootNode");
+        editor->on_actPasteMenuElement_triggered();
+        QCOMPARE(editor.host.writes().calls.size(), 4);
+        editor.host.deliver(*editor.module);
+        QCOMPARE(shownMenu(editor).count("\n  Тренд\n"), 2);
+        QCOMPARE(editor.host.failures, QStringList());
+    }
+
+    void aRefusedPasteStillDeletesTheCut() {
+        PlantOperations editor;
+        editor.openDesck("armop");
+        editor.selectElements({"trend"});
+        editor->on_actCutMenuElement_triggered();
+        editor.makeCurrent("MenuRootNode");
+        editor.host.writes().refusedTable = "Menu";
+        editor->on_actPasteMenuElement_triggered();
+        QCOMPARE(editor.host.writes().calls.size(), 2);
+        QCOMPARE(editor.host.writes().calls[1].records, QStringList("-trend"));
+        QVERIFY(!editor.isAsking());
+    }
+};
+
+QTEST_MAIN(TestMenuClipboardPaste)
+#include "tst_menu_clipboard_paste.moc"

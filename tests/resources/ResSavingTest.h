@@ -1,4 +1,4 @@
-// ResSavingTest.h: the tests of saving and dropping an edit, in several sources.
+// ResSavingTest.h: open edits to save or to leave, and what refuses them.
 #ifndef ORVO_TESTS_RESOURCES_RESSAVINGTEST_H
 #define ORVO_TESTS_RESOURCES_RESSAVINGTEST_H
 
@@ -38,82 +38,5 @@ struct EditOpen : Writing {
 };
 
 } // namespace orvo::test
-
-class TestResSaving : public QObject {
-    Q_OBJECT
-private slots:
-    // New rows
-    void aNewResourceIsWritten_data();
-    void aNewResourceIsWritten();
-    void aNewResourceTakesItsPlaceWhenItComesBack();
-    void aNewResourceStaysNewUntilTheNextStart();
-    void aNewResourceWithoutANameIsRefused();
-    void aTakenNameIsRefused_data();
-    void aTakenNameIsRefused();
-    void theSameNameOfAnotherKindIsFree();
-    void theNameIsCheckedAsTyped();
-    void aNewFolderIsWritten_data();
-    void aNewFolderIsWritten();
-    void aNewFolderTakesItsPlaceWhenItComesBack();
-    void aFolderOfTheFileRootIsGoneAtTheNextStart();
-    void aNewFolderWithoutACaptionIsRefused();
-    void aTakenCaptionIsRefused_data();
-    void aTakenCaptionIsRefused();
-    void aNameIsTakenFromItsSaveOn_data();
-    void aNameIsTakenFromItsSaveOn();
-    void aFolderOfTheFileAreaNeedsANameOfItsOwnAtTheTop();
-    void aSavedOrphanKeepsItsIcon();
-    void aSecondNewFolderNeedsANameOfItsOwn();
-    void theSameCaptionBelowAnotherParentIsFree();
-    void withoutItsRowASaveChangesNothing();
-
-    // Edits
-    void anEditedResourceIsWrittenWhole();
-    void anEditedResourceIsNotChecked();
-    void aFormKeepsItsLock();
-    void anEditedFolderIsWrittenWhole();
-    void anUnchangedFolderIsRefused_data();
-    void anUnchangedFolderIsRefused();
-    void aTopFolderIsCheckedAmongTheTopFolders();
-    void theCaptionIsCheckedAsTypedAndWrittenAsShown();
-    void withoutTheEditedRowASaveChangesNothing();
-
-    // The end of an edit
-    void withoutAnEditNothingIsSaved();
-    void withoutAStructureTheEditStaysOpen_data();
-    void withoutAStructureTheEditStaysOpen();
-    void aRefusedWriteEndsTheEditAllTheSame();
-    void theEditHasEndedBeforeTheWrite();
-    void aRefusedNameCanBeMended();
-    void actionsComeBackWithTheNotification();
-    void actionsStayAsTheyAreUntilTheRowChanges();
-
-    // Moving on
-    void leavingANewRowSavesIt();
-    void leavingARefusedNewRowKeepsItOpen();
-    void aSavedNewRowIsLeftAloneByTheNext();
-    void aRefusedNewRowBesideASavedOneIsDroppedAlone();
-    void leavingAnEditedRowSavesIt();
-    void leavingARefusedEditKeepsItOpen();
-    void anEditEndsWhenItsRowIsGone_data();
-    void anEditEndsWhenItsRowIsGone();
-    void whileARefusedEditWaitsNoOtherRowIsEdited_data();
-    void whileARefusedEditWaitsNoOtherRowIsEdited();
-    void anEditThatCanBeSavedNowMakesWayForTheNext();
-
-    // Cancel
-    void withoutAnEditCancelDisablesTheButtonsOnly();
-    void aCancelledRowLeavesTheRowInItsPlaceCurrent();
-    void aCancelledLastRowLeavesTheNewLastCurrent();
-    void aCancelledOnlyRowLeavesItsFolderCurrent();
-    void aCancelledRowBringsTheActionsBack();
-    void aCancelledRowThatIsNotCurrent();
-    void aCancelledResourceComesBackFromTheTable();
-    void aCancelledFolderComesBackFromTheTable();
-    void aCancelledEditMakesItsRowCurrent();
-    void anEditWithoutARecordStaysAsTyped();
-    void withoutTheEditedRowACancelChangesNothing();
-    void aCancelledTopRowComesBack();
-};
 
 #endif
