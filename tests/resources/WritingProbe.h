@@ -11,6 +11,8 @@
 #include "frame/ScratchTable.h"
 #include "picker/PopObjectList.h"
 
+#include <QClipboard>
+#include <QMimeData>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QToolButton>
@@ -25,23 +27,39 @@ public:
     using OrvoResources::checkResourceName;
     using OrvoResources::m_btnCancel;
     using OrvoResources::m_btnSave;
+    using OrvoResources::m_btnSearchDown;
+    using OrvoResources::m_btnSearchUp;
+    using OrvoResources::m_cmbSearch;
     using OrvoResources::m_editCaption;
     using OrvoResources::m_editKey;
     using OrvoResources::m_editObject;
+    using OrvoResources::m_edSearch;
     using OrvoResources::m_passpDelegate;
     using OrvoResources::m_popList;
     using OrvoResources::m_popTarget;
+    using OrvoResources::m_searchHits;
+    using OrvoResources::m_searchPos;
     using OrvoResources::on_actAddFolder_triggered;
     using OrvoResources::on_actAddFunction_triggered;
     using OrvoResources::on_actAddModule_triggered;
+    using OrvoResources::on_actCut_triggered;
     using OrvoResources::on_actDelete_triggered;
+    using OrvoResources::on_actPaste_triggered;
     using OrvoResources::on_cancel_pressed;
     using OrvoResources::on_passp_buttonpressed;
     using OrvoResources::on_poplist_OK_Pressed;
     using OrvoResources::on_res_dragdrop;
     using OrvoResources::on_save_pressed;
+    using OrvoResources::on_search_down_pressed;
+    using OrvoResources::on_search_up_pressed;
     using OrvoResources::removeResourceMessage;
 };
+
+/// The rows that the clipboard offers.
+inline QByteArray onClipboard() {
+    const QMimeData* offered = QGuiApplication::clipboard()->mimeData();
+    return offered ? offered->data(resources::resourcesMime) : QByteArray();
+}
 
 /// The rows of fillCatalogue, and what `fill` adds, in a started editor.
 struct Writing {
