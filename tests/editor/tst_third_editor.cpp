@@ -27,9 +27,9 @@ void fillExtensions(TestStore& store) {
 }
 
 /// The extensions doc, pdf and txt in a started editor.
-class Extensions : public Ground, public EditorUnderTest<ExtensionProbe> {
+class Extensions : public HostOnFilledStore, public EditorUnderTest<ExtensionProbe> {
 public:
-    Extensions() : Ground(fillExtensions), EditorUnderTest(host, "Extensions") {
+    Extensions() : HostOnFilledStore(fillExtensions), EditorUnderTest(host, "Extensions") {
         if (!start())
             qFatal("the editor did not start");
     }

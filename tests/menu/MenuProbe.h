@@ -102,9 +102,9 @@ inline void fillPlant(TestStore& store) {
 }
 
 /// An editor on the plant, not started yet.
-class PlantEditor : public Ground, public MenuEditor {
+class PlantEditor : public HostOnFilledStore, public MenuEditor {
 public:
-    PlantEditor() : Ground(fillPlant), MenuEditor(host, "Menu") {}
+    PlantEditor() : HostOnFilledStore(fillPlant), MenuEditor(host, "Menu") {}
 };
 
 } // namespace orvo::test

@@ -155,9 +155,9 @@ private:
 
 /// What an editor stands on: a store with the rows that `fill` writes, and a host of its own. The
 /// first base of a fixture, so that it outlives the editor:
-///     class PlantEditor : public Ground, public MenuEditor
-struct Ground {
-    explicit Ground(void (*fill)(TestStore& store)) : host(filled(store, fill)) {}
+///     class PlantEditor : public HostOnFilledStore, public MenuEditor
+struct HostOnFilledStore {
+    explicit HostOnFilledStore(void (*fill)(TestStore& store)) : host(filled(store, fill)) {}
     TestStore store;
     TestHost host;
 

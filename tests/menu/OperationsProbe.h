@@ -77,9 +77,9 @@ public:
 };
 
 /// The same on the plant.
-class PlantOperations : public Ground, public OperationsEditor {
+class PlantOperations : public HostOnFilledStore, public OperationsEditor {
 public:
-    PlantOperations() : Ground(fillPlant), OperationsEditor(host) {}
+    PlantOperations() : HostOnFilledStore(fillPlant), OperationsEditor(host) {}
 };
 
 } // namespace orvo::test

@@ -20,298 +20,275 @@ void begin(MenuEditor& editor, const char* slot) {
 class TestMenuCurrent : public QObject {
     Q_OBJECT
 private slots:
-    void theCurrentKeysFollow();
-    void theSkipFlagIsUsedUpOnce();
-    void movingOnInTheDesktopsShowsTheNewMenu();
-    void aNewDesktopRowBecomesTheEditedOne();
-    void leavingANewDesktopRowShowsNoOtherMenu();
-    void leavingARenamedRowShowsNoOtherMenu();
-    void leavingAnEditedElementForADesktopShowsItsMenu();
-    void whileANewElementIsOpenTheDesktopsMoveAlone();
-    void aNewElementRowBecomesTheEditedOne();
-    void leavingANewElementRowLeavesThePassportEmpty();
-    void leavingAnEditedElementLeavesThePassportEmpty();
-    void whileADesktopIsEditedElementsHaveNoPassport_data();
-    void whileADesktopIsEditedElementsHaveNoPassport();
-    void aClickSelectsOneRow();
-    void aSelectionStaysWithinOneParent();
-    void aRangeOverLevelsEndsWithinOneParent_data();
-    void aRangeOverLevelsEndsWithinOneParent();
-    void aRangeOfSiblingsIsKeptWhole();
-    void rowsOfTheSelectedParentMayBeAdded();
-    void selectingAllKeepsOneLevel();
+    void theCurrentKeysFollow() {
+        PlantEditor editor;
+        openMenu(editor);
+        QCOMPARE(editor->m_currentDesckKey, QString("armop"));
+        editor.view("tvMenu")->setCurrentIndex(editor->element("calc"));
+        QCOMPARE(editor->m_currentMenuKey, QString("calc"));
+        editor.view("tvDesck")->setCurrentIndex(QModelIndex());
+        QVERIFY(editor->m_currentDesckKey.isNull());
+        QCOMPARE(editor->m_menuModel->rowCount(), 0);
+    }
+
+    void theSkipFlagIsUsedUpOnce() {
+        PlantEditor editor;
+        openMenu(editor);
+        editor->m_skipDesckChange = true;
+        editor.view("tvDesck")->setCurrentIndex(editor->desck("ceh"));
+        QVERIFY(!editor->m_skipDesckChange);
+        QCOMPARE(editor->m_currentDesckKey, QString("armop"));
+        QVERIFY(editor->element("calc").isValid());
+        editor.view("tvDesck")->setCurrentIndex(editor->desck("pech"));
+        QCOMPARE(editor->m_currentDesckKey, QString("pech"));
+        QVERIFY(!editor->element("calc").isValid());
+    }
+
+    void movingOnInTheDesktopsShowsTheNewMenu() {
+        TestStore store;
+        fillPlant(store);
+        addElement(store, "armpech", "druzhok", "", "Другой", 0, "rform");
+        TestHost host(store);
+        MenuEditor editor(host, "Menu");
+        openMenu(editor);
+        editor.view("tvMenu")->setCurrentIndex(editor->element("calc"));
+        editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
+        QVERIFY(editor->element("druzhok").isValid());
+        QVERIFY(!editor->element("calc").isValid());
+        QCOMPARE(editor->m_propModel->rowCount(), 0);
+    }
+
+    void aNewDesktopRowBecomesTheEditedOne() {
+        PlantEditor editor;
+        openMenu(editor);
+        begin(editor, "on_actAddDescktop_triggered");
+        const QModelIndex row = editor.view("tvDesck")->currentIndex();
+        QCOMPARE(QModelIndex(editor->m_editDesckIndex), row);
+        QVERIFY(!editor.action("actAddDescktop")->isEnabled());
+        // The menu that is open stays.
+        QVERIFY(editor->element("calc").isValid());
+        // The index follows its row, and ends with it.
+        const int number = row.row();
+        editor->m_desckModel->insertRows(0, 1, editor->desck("ceh"));
+        QCOMPARE(editor->m_editDesckIndex.row(), number + 1);
+        editor->m_desckModel->removeRows(number + 1, 1, editor->desck("ceh"));
+        QVERIFY(!editor->m_editDesckIndex.isValid());
+    }
+
+    void leavingANewDesktopRowShowsNoOtherMenu() {
+        PlantEditor editor;
+        openMenu(editor);
+        begin(editor, "on_actAddDescktop_triggered");
+        editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
+        QCOMPARE(editor->m_currentDesckKey, QString("armpech"));
+        QVERIFY(editor->element("calc").isValid());
+        QVERIFY(!editor.action("actAddDescktop")->isEnabled());
+    }
+
+    void leavingARenamedRowShowsNoOtherMenu() {
+        PlantEditor editor;
+        openMenu(editor);
+        begin(editor, "on_actChangeDescktopOrFolder_triggered");
+        editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
+        QCOMPARE(editor->m_currentDesckKey, QString("armpech"));
+        QVERIFY(editor->element("calc").isValid());
+    }
+
+    void leavingAnEditedElementForADesktopShowsItsMenu() {
+        PlantEditor editor;
+        openMenu(editor);
+        editor.view("tvMenu")->setCurrentIndex(editor->element("calc"));
+        orvo::editPassportValue(*editor->m_propModel, "name", "Иное");
+        editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
+        QVERIFY(!editor->element("calc").isValid());
+        QVERIFY(editor->element("MenuRootNode").isValid());
+        QVERIFY(editor.action("actCopyDescktopOrFolder")->isEnabled());
+    }
+
+    void whileANewElementIsOpenTheDesktopsMoveAlone() {
+        PlantEditor editor;
+        openMenu(editor);
+        editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));
+        begin(editor, "on_actNewElemFolder_triggered");
+        const bool canDelete = editor.action("actDeleteFromtvDesck")->isEnabled();
+        editor.view("tvDesck")->setCurrentIndex(editor->desck("mainnode"));
+        QCOMPARE(editor->m_currentDesckKey, QString("mainnode"));
+        QVERIFY(editor->element("calc").isValid());
+        QCOMPARE(editor.action("actDeleteFromtvDesck")->isEnabled(), canDelete);
+    }
+
+    void aNewElementRowBecomesTheEditedOne() {
+        PlantEditor editor;
+        openMenu(editor);
+        editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));
+        begin(editor, "on_actNewElemFolder_triggered");
+        QCOMPARE(QModelIndex(editor->m_editMenuIndex), editor.view("tvMenu")->currentIndex());
+        QCOMPARE(editor->m_propModel->getRowValue("name"), QVariant("Новая папка"));
+        for (const char* action : {"actDeleteElem", "actNewElemFolder", "actAddDescktop"})
+            QVERIFY(!editor.action(action)->isEnabled());
+    }
+
+    void leavingANewElementRowLeavesThePassportEmpty() {
+        PlantEditor editor;
+        openMenu(editor);
+        editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));
+        begin(editor, "on_actNewElemFolder_triggered");
+        editor.view("tvMenu")->setCurrentIndex(editor->element("calc"));
+        QCOMPARE(editor->m_currentMenuKey, QString("calc"));
+        QCOMPARE(editor->m_propModel->rowCount(), 0);
+        QVERIFY(!editor.action("actDeleteElem")->isEnabled());
+        QVERIFY(!editor.action("actAddDescktop")->isEnabled());
+    }
+
+    void leavingAnEditedElementLeavesThePassportEmpty() {
+        PlantEditor editor;
+        openMenu(editor);
+        editor.view("tvMenu")->setCurrentIndex(editor->element("MenuRootNode"));
+        editor.view("tvMenu")->setCurrentIndex(editor->element("shema"));
+        orvo::editPassportValue(*editor->m_propModel, "name", "Иное");
+        for (const char* action : {"actDeleteElem", "actNewElemFolder"})
+            editor.action(action)->setEnabled(false);
+        editor.view("tvMenu")->setCurrentIndex(editor->element("calc"));
+        QCOMPARE(editor->m_currentMenuKey, QString("calc"));
+        QCOMPARE(editor->m_propModel->rowCount(), 0);
+        QVERIFY(!editor.action("actDeleteElem")->isEnabled());
+        // The next change shows a passport again.
+        editor.view("tvMenu")->setCurrentIndex(editor->element("trend"));
+        QCOMPARE(editor->m_propModel->getRowValue("name"), QVariant("Тренд"));
+    }
+
+    void whileADesktopIsEditedElementsHaveNoPassport_data() {
+        QTest::addColumn<QByteArray>("slot");
+        QTest::newRow("new") << QByteArray("on_actAddDescktop_triggered");
+        QTest::newRow("renamed") << QByteArray("on_actChangeDescktopOrFolder_triggered");
+    }
+
+    void whileADesktopIsEditedElementsHaveNoPassport() {
+        QFETCH(QByteArray, slot);
+        PlantEditor editor;
+        openMenu(editor);
+        editor.view("tvMenu")->setCurrentIndex(editor->element("MenuRootNode"));
+        begin(editor, slot.constData());
+        const int32_t mode = editor->m_editMode;
+        QVERIFY(mode != MenuProbe::NoEdit);
+        editor.view("tvMenu")->setCurrentIndex(editor->element("calc"));
+        QCOMPARE(editor->m_currentMenuKey, QString("calc"));
+        QCOMPARE(editor->m_propModel->rowCount(), 0);
+        QVERIFY(!editor.action("actDeleteElem")->isEnabled());
+        QCOMPARE(editor->m_editMode, mode);
+    }
+
+    void aClickSelectsOneRow() {
+        PlantEditor editor;
+        openMenu(editor);
+        for (const char* key : {"MenuRootNode", "calc", "form", "propal"}) {
+            clickRow(editor.view("tvMenu"), editor->element(key));
+            QCOMPARE(selected(editor), QStringList(key));
+        }
+    }
+
+    void aSelectionStaysWithinOneParent() {
+        PlantEditor editor;
+        openMenu(editor);
+        QTreeView* view = editor.view("tvMenu");
+        clickRow(view, editor->element("trend"));
+        clickRow(view, editor->element("shema"), Qt::ControlModifier);
+        QCOMPARE(selected(editor), QStringList({"trend"}));
+        clickRow(view, editor->element("form"), Qt::ControlModifier);
+        QCOMPARE(selected(editor), QStringList({"trend"}));
+        clickRow(view, editor->element("MenuRootNode"), Qt::ControlModifier);
+        QCOMPARE(selected(editor), QStringList({"trend"}));
+        // What is highlighted is what actions act on: the refused row is not the current one
+        // either.
+        QCOMPARE(editor->m_currentMenuKey, QString("trend"));
+        QCOMPARE(view->currentIndex(), editor->element("trend"));
+    }
+
+    void aRangeOverLevelsEndsWithinOneParent_data() {
+        QTest::addColumn<QString>("from");
+        QTest::addColumn<QString>("to");
+        QTest::newRow("over a subtree") << "shema"
+                                        << "propal";
+        QTest::newRow("out of a folder") << "trend"
+                                         << "propal";
+        QTest::newRow("into a folder") << "shema"
+                                       << "form";
+        QTest::newRow("from the root") << "MenuRootNode"
+                                       << "propal";
+        QTest::newRow("upwards") << "propal"
+                                 << "shema";
+    }
+
+    void aRangeOverLevelsEndsWithinOneParent() {
+        QFETCH(QString, from);
+        QFETCH(QString, to);
+        PlantEditor editor;
+        openMenu(editor);
+        QTreeView* view = editor.view("tvMenu");
+        clickRow(view, editor->element(qPrintable(from)));
+        clickRow(view, editor->element(qPrintable(to)), Qt::ShiftModifier);
+        const QStringList keys = selected(editor);
+        QVERIFY(!keys.isEmpty());
+        for (const QString& key : keys)
+            QCOMPARE(editor->element(qPrintable(key)).parent(),
+                     editor->element(qPrintable(keys.first())).parent());
+    }
+
+    void aRangeOfSiblingsIsKeptWhole() {
+        PlantEditor editor;
+        openMenu(editor);
+        QTreeView* view = editor.view("tvMenu");
+        clickRow(view, editor->element("trend"));
+        clickRow(view, editor->element("glubzhe"), Qt::ShiftModifier);
+        QCOMPARE(selected(editor), QStringList({"calc", "glubzhe", "trend"}));
+        view->collapse(editor->element("grafiki"));
+        clickRow(view, editor->element("propal"));
+        clickRow(view, editor->element("shema"), Qt::ShiftModifier);
+        QCOMPARE(selected(editor), QStringList({"grafiki", "propal", "shema"}));
+    }
+
+    void rowsOfTheSelectedParentMayBeAdded() {
+        PlantEditor editor;
+        openMenu(editor);
+        QTreeView* view = editor.view("tvMenu");
+        clickRow(view, editor->element("trend"));
+        clickRow(view, editor->element("glubzhe"), Qt::ControlModifier);
+        clickRow(view, editor->element("calc"), Qt::ControlModifier);
+        QCOMPARE(selected(editor), QStringList({"calc", "glubzhe", "trend"}));
+        clickRow(view, editor->element("calc"), Qt::ControlModifier);
+        QCOMPARE(selected(editor), QStringList({"glubzhe", "trend"}));
+        clickRow(view, editor->element("shema"));
+        QCOMPARE(selected(editor), QStringList({"shema"}));
+    }
+
+    void selectingAllKeepsOneLevel() {
+        PlantEditor editor;
+        openMenu(editor);
+        editor.view("tvMenu")->selectAll();
+        const QStringList keys = selected(editor);
+        QVERIFY(!keys.isEmpty());
+        const QModelIndex parent = editor->element(qPrintable(keys.first())).parent();
+        for (const QString& key : keys)
+            QCOMPARE(editor->element(qPrintable(key)).parent(), parent);
+    }
 
 private:
-    QStringList selected(MenuEditor& editor) const;
-    static void openMenu(MenuEditor& editor);
-};
-
-/// Starts with the menu of "armop" shown to its last level.
-void TestMenuCurrent::openMenu(MenuEditor& editor) {
-    QVERIFY(editor.start());
-    editor.view("tvDesck")->expandAll();
-    editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
-    editor.view("tvMenu")->expandAll();
-}
-
-QStringList TestMenuCurrent::selected(MenuEditor& editor) const {
-    QStringList keys;
-    for (const QModelIndex& row : editor.view("tvMenu")->selectionModel()->selectedRows())
-        keys << editor->m_menuModel->getItemKeyLink(row);
-    keys.sort();
-    return keys;
-}
-
-void TestMenuCurrent::theCurrentKeysFollow() {
-    PlantEditor editor;
-    openMenu(editor);
-    QCOMPARE(editor->m_currentDesckKey, QString("armop"));
-    editor.view("tvMenu")->setCurrentIndex(editor->element("calc"));
-    QCOMPARE(editor->m_currentMenuKey, QString("calc"));
-    editor.view("tvDesck")->setCurrentIndex(QModelIndex());
-    QVERIFY(editor->m_currentDesckKey.isNull());
-    QCOMPARE(editor->m_menuModel->rowCount(), 0);
-}
-
-void TestMenuCurrent::theSkipFlagIsUsedUpOnce() {
-    PlantEditor editor;
-    openMenu(editor);
-    editor->m_skipDesckChange = true;
-    editor.view("tvDesck")->setCurrentIndex(editor->desck("ceh"));
-    QVERIFY(!editor->m_skipDesckChange);
-    QCOMPARE(editor->m_currentDesckKey, QString("armop"));
-    QVERIFY(editor->element("calc").isValid());
-    editor.view("tvDesck")->setCurrentIndex(editor->desck("pech"));
-    QCOMPARE(editor->m_currentDesckKey, QString("pech"));
-    QVERIFY(!editor->element("calc").isValid());
-}
-
-void TestMenuCurrent::movingOnInTheDesktopsShowsTheNewMenu() {
-    TestStore store;
-    fillPlant(store);
-    addElement(store, "armpech", "druzhok", "", "Другой", 0, "rform");
-    TestHost host(store);
-    MenuEditor editor(host, "Menu");
-    openMenu(editor);
-    editor.view("tvMenu")->setCurrentIndex(editor->element("calc"));
-    editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
-    QVERIFY(editor->element("druzhok").isValid());
-    QVERIFY(!editor->element("calc").isValid());
-    QCOMPARE(editor->m_propModel->rowCount(), 0);
-}
-
-void TestMenuCurrent::aNewDesktopRowBecomesTheEditedOne() {
-    PlantEditor editor;
-    openMenu(editor);
-    begin(editor, "on_actAddDescktop_triggered");
-    const QModelIndex row = editor.view("tvDesck")->currentIndex();
-    QCOMPARE(QModelIndex(editor->m_editDesckIndex), row);
-    QVERIFY(!editor.action("actAddDescktop")->isEnabled());
-    // The menu that is open stays.
-    QVERIFY(editor->element("calc").isValid());
-    // The index follows its row, and ends with it.
-    const int number = row.row();
-    editor->m_desckModel->insertRows(0, 1, editor->desck("ceh"));
-    QCOMPARE(editor->m_editDesckIndex.row(), number + 1);
-    editor->m_desckModel->removeRows(number + 1, 1, editor->desck("ceh"));
-    QVERIFY(!editor->m_editDesckIndex.isValid());
-}
-
-void TestMenuCurrent::leavingANewDesktopRowShowsNoOtherMenu() {
-    PlantEditor editor;
-    openMenu(editor);
-    begin(editor, "on_actAddDescktop_triggered");
-    editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
-    QCOMPARE(editor->m_currentDesckKey, QString("armpech"));
-    QVERIFY(editor->element("calc").isValid());
-    QVERIFY(!editor.action("actAddDescktop")->isEnabled());
-}
-
-void TestMenuCurrent::leavingARenamedRowShowsNoOtherMenu() {
-    PlantEditor editor;
-    openMenu(editor);
-    begin(editor, "on_actChangeDescktopOrFolder_triggered");
-    editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
-    QCOMPARE(editor->m_currentDesckKey, QString("armpech"));
-    QVERIFY(editor->element("calc").isValid());
-}
-
-void TestMenuCurrent::leavingAnEditedElementForADesktopShowsItsMenu() {
-    PlantEditor editor;
-    openMenu(editor);
-    editor.view("tvMenu")->setCurrentIndex(editor->element("calc"));
-    orvo::editPassportValue(*editor->m_propModel, "name", "Иное");
-    editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
-    QVERIFY(!editor->element("calc").isValid());
-    QVERIFY(editor->element("MenuRootNode").isValid());
-    QVERIFY(editor.action("actCopyDescktopOrFolder")->isEnabled());
-}
-
-void TestMenuCurrent::whileANewElementIsOpenTheDesktopsMoveAlone() {
-    PlantEditor editor;
-    openMenu(editor);
-    editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));
-    begin(editor, "on_actNewElemFolder_triggered");
-    const bool canDelete = editor.action("actDeleteFromtvDesck")->isEnabled();
-    editor.view("tvDesck")->setCurrentIndex(editor->desck("mainnode"));
-    QCOMPARE(editor->m_currentDesckKey, QString("mainnode"));
-    QVERIFY(editor->element("calc").isValid());
-    QCOMPARE(editor.action("actDeleteFromtvDesck")->isEnabled(), canDelete);
-}
-
-void TestMenuCurrent::aNewElementRowBecomesTheEditedOne() {
-    PlantEditor editor;
-    openMenu(editor);
-    editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));
-    begin(editor, "on_actNewElemFolder_triggered");
-    QCOMPARE(QModelIndex(editor->m_editMenuIndex), editor.view("tvMenu")->currentIndex());
-    QCOMPARE(editor->m_propModel->getRowValue("name"), QVariant("Новая папка"));
-    for (const char* action : {"actDeleteElem", "actNewElemFolder", "actAddDescktop"})
-        QVERIFY(!editor.action(action)->isEnabled());
-}
-
-void TestMenuCurrent::leavingANewElementRowLeavesThePassportEmpty() {
-    PlantEditor editor;
-    openMenu(editor);
-    editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));
-    begin(editor, "on_actNewElemFolder_triggered");
-    editor.view("tvMenu")->setCurrentIndex(editor->element("calc"));
-    QCOMPARE(editor->m_currentMenuKey, QString("calc"));
-    QCOMPARE(editor->m_propModel->rowCount(), 0);
-    QVERIFY(!editor.action("actDeleteElem")->isEnabled());
-    QVERIFY(!editor.action("actAddDescktop")->isEnabled());
-}
-
-void TestMenuCurrent::leavingAnEditedElementLeavesThePassportEmpty() {
-    PlantEditor editor;
-    openMenu(editor);
-    editor.view("tvMenu")->setCurrentIndex(editor->element("MenuRootNode"));
-    editor.view("tvMenu")->setCurrentIndex(editor->element("shema"));
-    orvo::editPassportValue(*editor->m_propModel, "name", "Иное");
-    for (const char* action : {"actDeleteElem", "actNewElemFolder"})
-        editor.action(action)->setEnabled(false);
-    editor.view("tvMenu")->setCurrentIndex(editor->element("calc"));
-    QCOMPARE(editor->m_currentMenuKey, QString("calc"));
-    QCOMPARE(editor->m_propModel->rowCount(), 0);
-    QVERIFY(!editor.action("actDeleteElem")->isEnabled());
-    // The next change shows a passport again.
-    editor.view("tvMenu")->setCurrentIndex(editor->element("trend"));
-    QCOMPARE(editor->m_propModel->getRowValue("name"), QVariant("Тренд"));
-}
-
-void TestMenuCurrent::whileADesktopIsEditedElementsHaveNoPassport_data() {
-    QTest::addColumn<QByteArray>("slot");
-    QTest::newRow("new") << QByteArray("on_actAddDescktop_triggered");
-    QTest::newRow("renamed") << QByteArray("on_actChangeDescktopOrFolder_triggered");
-}
-
-void TestMenuCurrent::whileADesktopIsEditedElementsHaveNoPassport() {
-    QFETCH(QByteArray, slot);
-    PlantEditor editor;
-    openMenu(editor);
-    editor.view("tvMenu")->setCurrentIndex(editor->element("MenuRootNode"));
-    begin(editor, slot.constData());
-    const int32_t mode = editor->m_editMode;
-    QVERIFY(mode != MenuProbe::NoEdit);
-    editor.view("tvMenu")->setCurrentIndex(editor->element("calc"));
-    QCOMPARE(editor->m_currentMenuKey, QString("calc"));
-    QCOMPARE(editor->m_propModel->rowCount(), 0);
-    QVERIFY(!editor.action("actDeleteElem")->isEnabled());
-    QCOMPARE(editor->m_editMode, mode);
-}
-
-void TestMenuCurrent::aClickSelectsOneRow() {
-    PlantEditor editor;
-    openMenu(editor);
-    for (const char* key : {"MenuRootNode", "calc", "form", "propal"}) {
-        clickRow(editor.view("tvMenu"), editor->element(key));
-        QCOMPARE(selected(editor), QStringList(key));
+    QStringList selected(MenuEditor& editor) const {
+        QStringList keys;
+        for (const QModelIndex& row : editor.view("tvMenu")->selectionModel()->selectedRows())
+            keys << editor->m_menuModel->getItemKeyLink(row);
+        keys.sort();
+        return keys;
     }
-}
 
-void TestMenuCurrent::aSelectionStaysWithinOneParent() {
-    PlantEditor editor;
-    openMenu(editor);
-    QTreeView* view = editor.view("tvMenu");
-    clickRow(view, editor->element("trend"));
-    clickRow(view, editor->element("shema"), Qt::ControlModifier);
-    QCOMPARE(selected(editor), QStringList({"trend"}));
-    clickRow(view, editor->element("form"), Qt::ControlModifier);
-    QCOMPARE(selected(editor), QStringList({"trend"}));
-    clickRow(view, editor->element("MenuRootNode"), Qt::ControlModifier);
-    QCOMPARE(selected(editor), QStringList({"trend"}));
-    // What is highlighted is what actions act on: the refused row is not the current one either.
-    QCOMPARE(editor->m_currentMenuKey, QString("trend"));
-    QCOMPARE(view->currentIndex(), editor->element("trend"));
-}
-
-void TestMenuCurrent::aRangeOverLevelsEndsWithinOneParent_data() {
-    QTest::addColumn<QString>("from");
-    QTest::addColumn<QString>("to");
-    QTest::newRow("over a subtree") << "shema"
-                                    << "propal";
-    QTest::newRow("out of a folder") << "trend"
-                                     << "propal";
-    QTest::newRow("into a folder") << "shema"
-                                   << "form";
-    QTest::newRow("from the root") << "MenuRootNode"
-                                   << "propal";
-    QTest::newRow("upwards") << "propal"
-                             << "shema";
-}
-
-void TestMenuCurrent::aRangeOverLevelsEndsWithinOneParent() {
-    QFETCH(QString, from);
-    QFETCH(QString, to);
-    PlantEditor editor;
-    openMenu(editor);
-    QTreeView* view = editor.view("tvMenu");
-    clickRow(view, editor->element(qPrintable(from)));
-    clickRow(view, editor->element(qPrintable(to)), Qt::ShiftModifier);
-    const QStringList keys = selected(editor);
-    QVERIFY(!keys.isEmpty());
-    for (const QString& key : keys)
-        QCOMPARE(editor->element(qPrintable(key)).parent(),
-                 editor->element(qPrintable(keys.first())).parent());
-}
-
-void TestMenuCurrent::aRangeOfSiblingsIsKeptWhole() {
-    PlantEditor editor;
-    openMenu(editor);
-    QTreeView* view = editor.view("tvMenu");
-    clickRow(view, editor->element("trend"));
-    clickRow(view, editor->element("glubzhe"), Qt::ShiftModifier);
-    QCOMPARE(selected(editor), QStringList({"calc", "glubzhe", "trend"}));
-    view->collapse(editor->element("grafiki"));
-    clickRow(view, editor->element("propal"));
-    clickRow(view, editor->element("shema"), Qt::ShiftModifier);
-    QCOMPARE(selected(editor), QStringList({"grafiki", "propal", "shema"}));
-}
-
-void TestMenuCurrent::rowsOfTheSelectedParentMayBeAdded() {
-    PlantEditor editor;
-    openMenu(editor);
-    QTreeView* view = editor.view("tvMenu");
-    clickRow(view, editor->element("trend"));
-    clickRow(view, editor->element("glubzhe"), Qt::ControlModifier);
-    clickRow(view, editor->element("calc"), Qt::ControlModifier);
-    QCOMPARE(selected(editor), QStringList({"calc", "glubzhe", "trend"}));
-    clickRow(view, editor->element("calc"), Qt::ControlModifier);
-    QCOMPARE(selected(editor), QStringList({"glubzhe", "trend"}));
-    clickRow(view, editor->element("shema"));
-    QCOMPARE(selected(editor), QStringList({"shema"}));
-}
-
-void TestMenuCurrent::selectingAllKeepsOneLevel() {
-    PlantEditor editor;
-    openMenu(editor);
-    editor.view("tvMenu")->selectAll();
-    const QStringList keys = selected(editor);
-    QVERIFY(!keys.isEmpty());
-    const QModelIndex parent = editor->element(qPrintable(keys.first())).parent();
-    for (const QString& key : keys)
-        QCOMPARE(editor->element(qPrintable(key)).parent(), parent);
-}
+    /// Starts with the menu of "armop" shown to its last level.
+    void openMenu(MenuEditor& editor) {
+        QVERIFY(editor.start());
+        editor.view("tvDesck")->expandAll();
+        editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
+        editor.view("tvMenu")->expandAll();
+    }
+};
 
 QTEST_MAIN(TestMenuCurrent)
 #include "tst_menu_current.moc"

@@ -39,8 +39,8 @@ public:
     using OrvoMenu::on_editor_valueChanged;
 };
 
-struct ListWithNewField : Ground {
-    ListWithNewField() : Ground(fillPlant), editor(host, "Menu") {
+struct ListWithNewField : HostOnFilledStore {
+    ListWithNewField() : HostOnFilledStore(fillPlant), editor(host, "Menu") {
         editor->m_elementFields = withNewField();
         if (!editor.start())
             qFatal("the editor did not start");

@@ -125,249 +125,230 @@ class TestMenuMishaps : public QObject {
 private slots:
     void init() { QGuiApplication::clipboard()->clear(); }
 
-    void withoutAStructureNothingHappens_data();
-    void withoutAStructureNothingHappens();
-    void withAStructureEachOfThemDoesSomething_data();
-    void withAStructureEachOfThemDoesSomething();
-    void withoutAClipboardNothingHappens();
+    // Structures and the clipboard
 
-    void siblingsStayShiftedIfTheElementIsRefused();
-    void elementsStayDeletedIfTheirDesktopIsRefused();
-    void aDesktopStaysPastedIfItsElementsAreRefused();
-    void aCutIsInBothPlacesIfItsDeletionIsRefused();
-
-    void questionsHaveTheirForm();
-    void allQuestionsAreOneBox();
-    void theAnswerAboutADesktopAppliesToTheOneCurrentThen();
-    void theAnswerAboutADesktopThatIsGoneEndsWell();
-    void anElementEditedUnderTheQuestionGoesWithItsDesktop();
-    void aNewFolderUnderTheQuestionEndsItsEdit();
-};
-
-// Structures and the clipboard -------------------------------------------------------------------
-
-void TestMenuMishaps::withoutAStructureNothingHappens_data() {
-    QTest::addColumn<int>("number");
-    for (int i = 0; i < int(std::size(operations)); ++i)
-        QTest::newRow(operations[i].name) << i;
-}
-
-void TestMenuMishaps::withoutAStructureNothingHappens() {
-    QFETCH(int, number);
-    Mishap live;
-    operations[number].prepare(live);
-    const QByteArray clipboard = clipboardBytes();
-    const QString shown = live.desckText() + live.menuText();
-    const QString current = live->m_currentMenuKey;
-    const bool cutPending = live->m_cutPending;
-    {
-        const StructureOutage outage;
-        operations[number].act(live);
+    void withoutAStructureNothingHappens_data() {
+        QTest::addColumn<int>("number");
+        for (int i = 0; i < int(std::size(operations)); ++i)
+            QTest::newRow(operations[i].name) << i;
     }
-    QCOMPARE(live.written(), QString());
-    // A menu is emptied only for a desktop whose deletion goes out.
-    QCOMPARE(live.desckText() + live.menuText(), shown);
-    QCOMPARE(live->m_currentMenuKey, current);
-    QVERIFY(live->m_focusKey.isNull());
-    QCOMPARE(clipboardBytes(), clipboard);
-    QCOMPARE(live->m_cutPending, cutPending);
-    if (live->m_popMessageBox)
-        QVERIFY(!live->m_popMessageBox->isVisible());
-}
 
-void TestMenuMishaps::withAStructureEachOfThemDoesSomething_data() {
-    withoutAStructureNothingHappens_data();
-}
+    void withoutAStructureNothingHappens() {
+        QFETCH(int, number);
+        Mishap live;
+        operations[number].prepare(live);
+        const QByteArray clipboard = clipboardBytes();
+        const QString shown = live.desckText() + live.menuText();
+        const QString current = live->m_currentMenuKey;
+        const bool cutPending = live->m_cutPending;
+        {
+            const StructureOutage outage;
+            operations[number].act(live);
+        }
+        QCOMPARE(live.written(), QString());
+        // A menu is emptied only for a desktop whose deletion goes out.
+        QCOMPARE(live.desckText() + live.menuText(), shown);
+        QCOMPARE(live->m_currentMenuKey, current);
+        QVERIFY(live->m_focusKey.isNull());
+        QCOMPARE(clipboardBytes(), clipboard);
+        QCOMPARE(live->m_cutPending, cutPending);
+        if (live->m_popMessageBox)
+            QVERIFY(!live->m_popMessageBox->isVisible());
+    }
 
-void TestMenuMishaps::withAStructureEachOfThemDoesSomething() {
-    QFETCH(int, number);
-    Mishap live;
-    operations[number].prepare(live);
-    const QByteArray clipboard = clipboardBytes();
-    operations[number].act(live);
-    QVERIFY(!live.written().isEmpty() || clipboardBytes() != clipboard);
-}
+    void withAStructureEachOfThemDoesSomething_data() { withoutAStructureNothingHappens_data(); }
 
-void TestMenuMishaps::withoutAClipboardNothingHappens() {
-    Mishap live;
-    live.select("calc");
-    live->on_actCutMenuElement_triggered();
-    const QByteArray before = clipboardBytes();
-    QClipboard* clipboard = std::exchange(live->m_clipboard, nullptr);
-    live->on_actCopyMenuElement_triggered();
-    live->on_actCutMenuElement_triggered();
-    live->on_actPasteMenuElement_triggered();
-    live->on_actCopyDescktopOrFolder_triggered();
-    live->on_actPasteDescktopOrFolder_triggered();
-    QVERIFY(QMetaObject::invokeMethod(live.editor.module.get(), "on_clipboardDataChanged"));
-    QVERIFY(!live->checkMimeType(menuMime));
-    live->m_clipboard = clipboard;
-    QCOMPARE(clipboardBytes(), before);
-    QCOMPARE(live.written(), QString());
-}
+    void withAStructureEachOfThemDoesSomething() {
+        QFETCH(int, number);
+        Mishap live;
+        operations[number].prepare(live);
+        const QByteArray clipboard = clipboardBytes();
+        operations[number].act(live);
+        QVERIFY(!live.written().isEmpty() || clipboardBytes() != clipboard);
+    }
 
-// The second of two writes -----------------------------------------------------------------------
+    void withoutAClipboardNothingHappens() {
+        Mishap live;
+        live.select("calc");
+        live->on_actCutMenuElement_triggered();
+        const QByteArray before = clipboardBytes();
+        QClipboard* clipboard = std::exchange(live->m_clipboard, nullptr);
+        live->on_actCopyMenuElement_triggered();
+        live->on_actCutMenuElement_triggered();
+        live->on_actPasteMenuElement_triggered();
+        live->on_actCopyDescktopOrFolder_triggered();
+        live->on_actPasteDescktopOrFolder_triggered();
+        QVERIFY(QMetaObject::invokeMethod(live.editor.module.get(), "on_clipboardDataChanged"));
+        QVERIFY(!live->checkMimeType(menuMime));
+        live->m_clipboard = clipboard;
+        QCOMPARE(clipboardBytes(), before);
+        QCOMPARE(live.written(), QString());
+    }
 
-void TestMenuMishaps::siblingsStayShiftedIfTheElementIsRefused() {
-    Mishap live;
-    live.store.sql("CREATE TRIGGER refuse BEFORE UPDATE ON \"Menu\" WHEN NEW.\"KeyLink\" = 'shema' "
-                   "BEGIN SELECT RAISE(ABORT, 'refused'); END");
-    live.drop("grafiki", "shema", 1);
-    QCOMPARE(live.written(), QString("Menu\n  ~calc order_=2000\n  ~glubzhe order_=3000\n"
-                                     "Menu\n  ~shema parent='grafiki' order_=1000\n"));
-    QCOMPARE(live.host.failures.size(), 1);
-    live.deliver();
-    QCOMPARE(live.cell("calc", orvo::menu::MenuColumn::Order), QVariant(2000));
-    QCOMPARE(live->element("shema").parent(), live->element("MenuRootNode"));
-    // It is selected all the same.
-    QCOMPARE(live.currentElement(), QString("shema"));
-    QVERIFY(live->m_focusKey.isNull());
-}
+    // The second of two writes
 
-void TestMenuMishaps::elementsStayDeletedIfTheirDesktopIsRefused() {
-    Mishap live;
-    live->on_actDeleteFromtvDesck_triggered();
-    live.host.writes().refusedTable = "MenuFolder";
-    live.sayYes();
-    QCOMPARE(live.host.writes().calls.size(), 2);
-    live.deliver();
-    QVERIFY(live->desck("armop").isValid());
-    live.openDesck("sklad");
-    live.openDesck("armop");
-    QCOMPARE(live.menuText(), QString("Меню #MenuRootNode\n"));
-    QCOMPARE(orvo::recordCount(live->m_tabMenu), 0);
-}
+    void siblingsStayShiftedIfTheElementIsRefused() {
+        Mishap live;
+        live.store.sql(
+            "CREATE TRIGGER refuse BEFORE UPDATE ON \"Menu\" WHEN NEW.\"KeyLink\" = 'shema' "
+            "BEGIN SELECT RAISE(ABORT, 'refused'); END");
+        live.drop("grafiki", "shema", 1);
+        QCOMPARE(live.written(), QString("Menu\n  ~calc order_=2000\n  ~glubzhe order_=3000\n"
+                                         "Menu\n  ~shema parent='grafiki' order_=1000\n"));
+        QCOMPARE(live.host.failures.size(), 1);
+        live.deliver();
+        QCOMPARE(live.cell("calc", orvo::menu::MenuColumn::Order), QVariant(2000));
+        QCOMPARE(live->element("shema").parent(), live->element("MenuRootNode"));
+        // It is selected all the same.
+        QCOMPARE(live.currentElement(), QString("shema"));
+        QVERIFY(live->m_focusKey.isNull());
+    }
 
-void TestMenuMishaps::aDesktopStaysPastedIfItsElementsAreRefused() {
-    Mishap live;
-    live->on_actCopyDescktopOrFolder_triggered();
-    live.openDesck("sklad");
-    live.host.writes().refusedTable = "Menu";
-    live->on_actPasteDescktopOrFolder_triggered();
-    QCOMPARE(live.host.writes().calls.size(), 2);
-    QCOMPARE(live.host.writes().calls[0].table, QString("MenuFolder"));
-    live.deliver();
-    QCOMPARE(live->m_desckModel->rowCount(live->desck("sklad")), 1);
-    QCOMPARE(live.menuText(), QString("Меню #MenuRootNode\n"));
-}
+    void elementsStayDeletedIfTheirDesktopIsRefused() {
+        Mishap live;
+        live->on_actDeleteFromtvDesck_triggered();
+        live.host.writes().refusedTable = "MenuFolder";
+        live.sayYes();
+        QCOMPARE(live.host.writes().calls.size(), 2);
+        live.deliver();
+        QVERIFY(live->desck("armop").isValid());
+        live.openDesck("sklad");
+        live.openDesck("armop");
+        QCOMPARE(live.menuText(), QString("Меню #MenuRootNode\n"));
+        QCOMPARE(orvo::recordCount(live->m_tabMenu), 0);
+    }
 
-void TestMenuMishaps::aCutIsInBothPlacesIfItsDeletionIsRefused() {
-    Mishap live;
-    live.store.sql("CREATE TRIGGER refuse BEFORE DELETE ON \"Menu\" "
-                   "BEGIN SELECT RAISE(ABORT, 'refused'); END");
-    live.select("calc");
-    live->on_actCutMenuElement_triggered();
-    live.makeCurrent("MenuRootNode");
-    live->on_actPasteMenuElement_triggered();
-    QCOMPARE(live.host.writes().calls.size(), 2);
-    QCOMPARE(live.host.failures.size(), 1);
-    live.deliver();
-    QCOMPARE(live.menuText().count("Расчёт"), 2);
-}
+    void aDesktopStaysPastedIfItsElementsAreRefused() {
+        Mishap live;
+        live->on_actCopyDescktopOrFolder_triggered();
+        live.openDesck("sklad");
+        live.host.writes().refusedTable = "Menu";
+        live->on_actPasteDescktopOrFolder_triggered();
+        QCOMPARE(live.host.writes().calls.size(), 2);
+        QCOMPARE(live.host.writes().calls[0].table, QString("MenuFolder"));
+        live.deliver();
+        QCOMPARE(live->m_desckModel->rowCount(live->desck("sklad")), 1);
+        QCOMPARE(live.menuText(), QString("Меню #MenuRootNode\n"));
+    }
 
-// Questions --------------------------------------------------------------------------------------
+    void aCutIsInBothPlacesIfItsDeletionIsRefused() {
+        Mishap live;
+        live.store.sql("CREATE TRIGGER refuse BEFORE DELETE ON \"Menu\" "
+                       "BEGIN SELECT RAISE(ABORT, 'refused'); END");
+        live.select("calc");
+        live->on_actCutMenuElement_triggered();
+        live.makeCurrent("MenuRootNode");
+        live->on_actPasteMenuElement_triggered();
+        QCOMPARE(live.host.writes().calls.size(), 2);
+        QCOMPARE(live.host.failures.size(), 1);
+        live.deliver();
+        QCOMPARE(live.menuText().count("Расчёт"), 2);
+    }
 
-void TestMenuMishaps::questionsHaveTheirForm() {
-    Mishap live;
-    live->on_actDeleteFromtvDesck_triggered();
-    QCOMPARE(lastQuestion.title, QString("Уведомление"));
-    QCOMPARE(lastQuestion.text,
-             QString("Вы действительно хотите удалить рабочий стол \"АРМ оператора\"?"));
-    QCOMPARE(lastQuestion.icon, 4);
-    QCOMPARE(lastQuestion.type, 5);
-    QCOMPARE(lastQuestion.slot, QByteArray("1removeDesckTopMessage(QAbstractButton*)"));
-    live.makeCurrent("calc");
-    live->on_actDeleteElem_triggered();
-    QCOMPARE(lastQuestion.title, QString("Уведомление"));
-    QCOMPARE(lastQuestion.icon, 4);
-    QCOMPARE(lastQuestion.type, 5);
-    QCOMPARE(lastQuestion.slot, QByteArray("1removeMenuMessage(QAbstractButton*)"));
-    // Consent is the role alone.
-    QTest::mouseClick(live.button(OperationsEditor::No), Qt::LeftButton);
-    QCOMPARE(live.written(), QString());
-}
+    // Questions
 
-void TestMenuMishaps::allQuestionsAreOneBox() {
-    Mishap live;
-    QVERIFY(!live->m_popMessageBox);
-    live->on_actDeleteFromtvDesck_triggered();
-    CPopMessageBox* box = live->m_popMessageBox;
-    QVERIFY(box && box->isVisible());
-    QCOMPARE(box->parentWidget(), live.editor.module.get());
-    QTest::mouseClick(live.button(OperationsEditor::No), Qt::LeftButton);
-    QVERIFY(!box->isVisible());
-    live.makeCurrent("calc");
-    live->on_actDeleteElem_triggered();
-    QCOMPARE(live->m_popMessageBox, box);
-    QVERIFY(box->isVisible());
-    // The question before is none any more.
-    live.sayYes();
-    QCOMPARE(live.written(), QString("Menu\n  -calc\n"));
-}
+    void questionsHaveTheirForm() {
+        Mishap live;
+        live->on_actDeleteFromtvDesck_triggered();
+        QCOMPARE(lastQuestion.title, QString("Уведомление"));
+        QCOMPARE(lastQuestion.text,
+                 QString("Вы действительно хотите удалить рабочий стол \"АРМ оператора\"?"));
+        QCOMPARE(lastQuestion.icon, 4);
+        QCOMPARE(lastQuestion.type, 5);
+        QCOMPARE(lastQuestion.slot, QByteArray("1removeDesckTopMessage(QAbstractButton*)"));
+        live.makeCurrent("calc");
+        live->on_actDeleteElem_triggered();
+        QCOMPARE(lastQuestion.title, QString("Уведомление"));
+        QCOMPARE(lastQuestion.icon, 4);
+        QCOMPARE(lastQuestion.type, 5);
+        QCOMPARE(lastQuestion.slot, QByteArray("1removeMenuMessage(QAbstractButton*)"));
+        // Consent is the role alone.
+        QTest::mouseClick(live.button(OperationsEditor::No), Qt::LeftButton);
+        QCOMPARE(live.written(), QString());
+    }
 
-void TestMenuMishaps::theAnswerAboutADesktopAppliesToTheOneCurrentThen() {
-    Mishap live([](TestStore& store) {
-        addDesck(store, "armb", "ceh", "Б стол", false);
-        addElement(store, "armb", "odin", "", "Один", 0, "rform");
-    });
-    live->on_actDeleteFromtvDesck_triggered();
-    live.store.remove("MenuFolder", "armop");
-    live.deliver();
-    QCOMPARE(live->m_currentDesckKey, QString("armb"));
-    live.sayYes();
-    QCOMPARE(live.written(), QString("Menu\n  -odin\nMenuFolder\n  -armb\n"));
-    QCOMPARE(live->m_menuModel->rowCount(), 0);
-}
+    void allQuestionsAreOneBox() {
+        Mishap live;
+        QVERIFY(!live->m_popMessageBox);
+        live->on_actDeleteFromtvDesck_triggered();
+        CPopMessageBox* box = live->m_popMessageBox;
+        QVERIFY(box && box->isVisible());
+        QCOMPARE(box->parentWidget(), live.editor.module.get());
+        QTest::mouseClick(live.button(OperationsEditor::No), Qt::LeftButton);
+        QVERIFY(!box->isVisible());
+        live.makeCurrent("calc");
+        live->on_actDeleteElem_triggered();
+        QCOMPARE(live->m_popMessageBox, box);
+        QVERIFY(box->isVisible());
+        // The question before is none any more.
+        live.sayYes();
+        QCOMPARE(live.written(), QString("Menu\n  -calc\n"));
+    }
 
-void TestMenuMishaps::theAnswerAboutADesktopThatIsGoneEndsWell() {
-    Mishap live;
-    live->on_actDeleteFromtvDesck_triggered();
-    // Everything above it goes while the question stands.
-    for (const char* key : {"armpech", "pech", "armop", "ceh", "sklad", "obshiy"})
-        live.store.remove("MenuFolder", key);
-    live.deliver();
-    QCOMPARE(live->m_currentDesckKey, QString("mainnode"));
-    live.sayYes();
-    // The top row is no record of the server's.
-    live.deliver();
-    QCOMPARE(live.desckText(), QString("Список рабочих столов #mainnode\n"));
-    QCOMPARE(live.host.failures, QStringList());
-}
+    void theAnswerAboutADesktopAppliesToTheOneCurrentThen() {
+        Mishap live([](TestStore& store) {
+            addDesck(store, "armb", "ceh", "Б стол", false);
+            addElement(store, "armb", "odin", "", "Один", 0, "rform");
+        });
+        live->on_actDeleteFromtvDesck_triggered();
+        live.store.remove("MenuFolder", "armop");
+        live.deliver();
+        QCOMPARE(live->m_currentDesckKey, QString("armb"));
+        live.sayYes();
+        QCOMPARE(live.written(), QString("Menu\n  -odin\nMenuFolder\n  -armb\n"));
+        QCOMPARE(live->m_menuModel->rowCount(), 0);
+    }
 
-void TestMenuMishaps::anElementEditedUnderTheQuestionGoesWithItsDesktop() {
-    Mishap live;
-    live.makeCurrent("calc");
-    live->on_actDeleteFromtvDesck_triggered();
-    live->on_editor_valueChanged("name", "Иное");
-    QCOMPARE(live.mode(), int32_t(MenuProbe::EditElement));
-    live.sayYes();
-    QCOMPARE(live.mode(), int32_t(MenuProbe::NoEdit));
-    QVERIFY(!live.buttonsEnabled());
-    const QVector<WriteCall> calls = live.host.writes().calls;
-    QVERIFY(calls.size() >= 2);
-    QCOMPARE(calls[calls.size() - 2].records.size(), 7);
-    QCOMPARE(calls.last().records, QStringList("-armop"));
-    live.deliver();
-    QVERIFY(!live->desck("armop").isValid());
-    QCOMPARE(live.host.failures, QStringList());
-}
+    void theAnswerAboutADesktopThatIsGoneEndsWell() {
+        Mishap live;
+        live->on_actDeleteFromtvDesck_triggered();
+        // Everything above it goes while the question stands.
+        for (const char* key : {"armpech", "pech", "armop", "ceh", "sklad", "obshiy"})
+            live.store.remove("MenuFolder", key);
+        live.deliver();
+        QCOMPARE(live->m_currentDesckKey, QString("mainnode"));
+        live.sayYes();
+        // The top row is no record of the server's.
+        live.deliver();
+        QCOMPARE(live.desckText(), QString("Список рабочих столов #mainnode\n"));
+        QCOMPARE(live.host.failures, QStringList());
+    }
 
-void TestMenuMishaps::aNewFolderUnderTheQuestionEndsItsEdit() {
-    Mishap live;
-    live.makeCurrent("grafiki");
-    live->on_actDeleteFromtvDesck_triggered();
-    live->on_actNewElemFolder_triggered();
-    QCOMPARE(live.mode(), int32_t(MenuProbe::NewElement));
-    live.sayYes();
-    QCOMPARE(live.mode(), int32_t(MenuProbe::NoEdit));
-    QVERIFY(!live.buttonsEnabled());
-    QVERIFY(!live->m_editMenuIndex.isValid());
-    QCOMPARE(live.host.writes().calls.last().records, QStringList("-armop"));
-    live.deliver();
-    live.openDesck("obshiy");
-    QCOMPARE(live.menuText(), QString("Меню #MenuRootNode\n"));
-    QCOMPARE(live.host.failures, QStringList());
-}
+    void anElementEditedUnderTheQuestionGoesWithItsDesktop() {
+        Mishap live;
+        live.makeCurrent("calc");
+        live->on_actDeleteFromtvDesck_triggered();
+        live->on_editor_valueChanged("name", "Иное");
+        QCOMPARE(live.mode(), int32_t(MenuProbe::EditElement));
+        live.sayYes();
+        QCOMPARE(live.mode(), int32_t(MenuProbe::NoEdit));
+        QVERIFY(!live.buttonsEnabled());
+        const QVector<WriteCall> calls = live.host.writes().calls;
+        QVERIFY(calls.size() >= 2);
+        QCOMPARE(calls[calls.size() - 2].records.size(), 7);
+        QCOMPARE(calls.last().records, QStringList("-armop"));
+        live.deliver();
+        QVERIFY(!live->desck("armop").isValid());
+        QCOMPARE(live.host.failures, QStringList());
+    }
+
+    void aNewFolderUnderTheQuestionEndsItsEdit() {
+        Mishap live;
+        live.makeCurrent("grafiki");
+        live->on_actDeleteFromtvDesck_triggered();
+        live->on_actNewElemFolder_triggered();
+        QCOMPARE(live.mode(), int32_t(MenuProbe::NewElement));
+        live.sayYes();
+        QCOMPARE(live.mode(), int32_t(MenuProbe::NoEdit));
+        QVERIFY(!live.buttonsEnabled());
+        QVERIFY(!live->m_editMenuIndex.isValid());
+        QCOMPARE(live.host.writes().calls.last().records, QStringList("-armop"));
+        live.deliver();
+        live.openDesck("obshiy");
+        QCOMPARE(live.menuText(), QString("Меню #MenuRootNode\n"));
+        QCOMPARE(live.host.failures, QStringList());
+    }
+};
 
 QTEST_MAIN(TestMenuMishaps)
 #include "tst_menu_mishaps.moc"

@@ -126,576 +126,543 @@ const char modulesText[] = "Архив #farch\n"
 class TestPicker : public QObject {
     Q_OBJECT
 private slots:
-    void theFormIsAsDesigned();
-    void aNewPickerIsEmpty();
-    void modulesAreListedWithTheirFolders();
-    void functionsAndFormsAreListedFromTheirRoots();
-    void otherKindsListNothing();
-    void aKindWithoutARootFolderIsEmptyAndPreselectsNothing();
-    void kindsWithoutAnyFolderLeaveTheChoice();
-    void iconsAreListedFromTheirFolder();
-    void anotherTopFolderIsListed();
-    void anUnknownTopFolderListsNothing();
-    void withoutASourceTheWholeAreaIsListed();
-    void columnsAndSelectionFollowTheKind();
-    void iconFilesShowThemselves();
-    void iconsTellTheKind_data();
-    void iconsTellTheKind();
-    void theNameGivenIsPreselected();
-    void aNameOfTwoFoldersSelectsTheFirstInTheTree();
-    void aNameThatIsNowhereSelectsNothing();
-    void namesCompareWithoutCase();
-    void filesWithoutANameKeepTheChoice();
-    void aFileIsPreselected();
-    void okReportsTheFirstOfSeveral();
-    void okReportsAFolderToo();
-    void okWithoutASelectionHidesSilently();
-    void theSelectionStandsWhileTheSignalRuns();
-    void cancelLeavesTheResult();
-    void theTitleStays();
-    void aNewResourceIsListedAtTheNextShow();
-    void theTablesOfTheOwnerAreOnlyRead();
-    void theCopiesHaveTheirKeys();
-    void anotherModuleGivesNoTables();
-    void theModuleNameComparesWithoutCase();
-    void aMissingTableKeepsTheLastCopy();
-    void anEditedNameIsForgotten();
-    void aCircleOfFoldersEnds();
-    void aVeryDeepFolderIsListed();
-    void aParentThatIsNoModuleGivesAnEmptyPicker();
-};
-
-void TestPicker::theFormIsAsDesigned() {
-    Picker picker;
-    QCOMPARE(picker->objectName(), QString("CPopObjectList"));
-    QCOMPARE(picker->size(), QSize(784, 656));
-    QCOMPARE(picker->windowTitle(), QString("Выбор ресурса"));
-    QCOMPARE(picker->windowModality(), Qt::NonModal);
-    QCOMPARE(picker->contextMenuPolicy(), Qt::CustomContextMenu);
-    QCOMPARE(picker.button("btnOK")->text(), QString("ОК"));
-    QCOMPARE(picker.button("btnCancel")->text(), QString("Отмена"));
-    const auto action = [&](const char* name) {
-        return picker->findChild<QAction*>(QString(name));
-    };
-    QCOMPARE(action("actProp")->text(), QString("Свойства"));
-    QCOMPARE(action("actProp")->toolTip(), QString("Свойства таблицы"));
-    QCOMPARE(action("actNew")->text(), QString("Новая таблица"));
-    QCOMPARE(action("actNew")->toolTip(), QString("Новая таблица"));
-    QCOMPARE(action("actDel")->text(), QString("Удалить"));
-    QCOMPARE(action("actDel")->toolTip(), QString("Удалить таблицу"));
-    for (const char* name : {"actProp", "actNew", "actDel"})
-        QVERIFY(action(name)->associatedWidgets().isEmpty());
-    const QLayout* layout = picker->layout();
-    QCOMPARE(layout->objectName(), QString("verticalLayout"));
-    QCOMPARE(layout->count(), 2);
-    QCOMPARE(layout->itemAt(0)->widget()->objectName(), QString("tvObj"));
-    const QLayout* row = layout->itemAt(1)->layout();
-    QCOMPARE(row->objectName(), QString("hl"));
-    QCOMPARE(row->count(), 3);
-    QCOMPARE(row->itemAt(0)->spacerItem()->sizeHint(), QSize(40, 20));
-    QCOMPARE(row->itemAt(1)->widget(), static_cast<QWidget*>(picker.button("btnOK")));
-    QCOMPARE(row->itemAt(2)->widget(), static_cast<QWidget*>(picker.button("btnCancel")));
-    QTreeView* tree = picker->tvObj();
-    QCOMPARE(tree->textElideMode(), Qt::ElideNone);
-    QCOMPARE(tree->selectionBehavior(), QAbstractItemView::SelectRows);
-    QCOMPARE(tree->editTriggers(), QTreeView().editTriggers());
-    QCOMPARE(tree->columnWidth(0), 300);
-    QVERIFY(tree->styleSheet().contains("branch"));
-    QStringList headers;
-    for (int column = 0; column < picker->treeModel->columnCount(); ++column)
-        headers << picker->treeModel->headerData(column, Qt::Horizontal).toString();
-    QCOMPARE(headers, (QStringList{"Имя", "Описание", "UserBlock", "DateBlock", "KeyLink",
-                                   "IsFolder", "Blocked"}));
-}
-
-void TestPicker::aNewPickerIsEmpty() {
-    Picker picker;
-    QVERIFY(picker->chosenKey.isNull());
-    QVERIFY(picker->chosenName.isNull());
-    QVERIFY(picker->sourceName.isNull());
-    QCOMPARE(picker->treeModel->rowCount(), 0);
-    QCOMPARE(picker->treeModel, picker->tvObj()->model());
-    QVERIFY(picker->resourceTable.array);
-    QVERIFY(picker->folderTable.array);
-    QVERIFY(!picker->isVisible());
-}
-
-void TestPicker::modulesAreListedWithTheirFolders() {
-    Picker picker;
-    picker.show(1);
-    QCOMPARE(picker.text(), QString(modulesText));
-    QVERIFY(picker->treeModel->itemIsFolder(picker->treeModel->findIndexByKey("farch")));
-    QVERIFY(!picker->treeModel->itemIsFolder(picker->treeModel->findIndexByKey("m3")));
-    QCOMPARE(QWidget::keyboardGrabber(), nullptr);
-    QCOMPARE(picker->focusWidget(), static_cast<QWidget*>(picker.button("btnCancel")));
-}
-
-void TestPicker::functionsAndFormsAreListedFromTheirRoots() {
-    Picker picker;
-    picker.show(2);
-    QCOMPARE(picker.text(), QString("Sum #f1 1=Сумма\n"));
-    picker.show(3);
-    QCOMPARE(picker.text(), QString("Boiler #r1 1=Котёл\n"));
-}
-
-void TestPicker::otherKindsListNothing() {
-    Picker picker;
-    picker.show(1, nullptr, true);
-    for (const int kind : {0, 5, -1, 1000}) {
-        picker.show(kind, "Trend");
-        QCOMPARE(picker.text(), QString());
-        QCOMPARE(picker->tvObj()->selectionMode(), QAbstractItemView::ExtendedSelection);
+    void theFormIsAsDesigned() {
+        Picker picker;
+        QCOMPARE(picker->objectName(), QString("CPopObjectList"));
+        QCOMPARE(picker->size(), QSize(784, 656));
+        QCOMPARE(picker->windowTitle(), QString("Выбор ресурса"));
+        QCOMPARE(picker->windowModality(), Qt::NonModal);
+        QCOMPARE(picker->contextMenuPolicy(), Qt::CustomContextMenu);
+        QCOMPARE(picker.button("btnOK")->text(), QString("ОК"));
+        QCOMPARE(picker.button("btnCancel")->text(), QString("Отмена"));
+        const auto action = [&](const char* name) {
+            return picker->findChild<QAction*>(QString(name));
+        };
+        QCOMPARE(action("actProp")->text(), QString("Свойства"));
+        QCOMPARE(action("actProp")->toolTip(), QString("Свойства таблицы"));
+        QCOMPARE(action("actNew")->text(), QString("Новая таблица"));
+        QCOMPARE(action("actNew")->toolTip(), QString("Новая таблица"));
+        QCOMPARE(action("actDel")->text(), QString("Удалить"));
+        QCOMPARE(action("actDel")->toolTip(), QString("Удалить таблицу"));
+        for (const char* name : {"actProp", "actNew", "actDel"})
+            QVERIFY(action(name)->associatedWidgets().isEmpty());
+        const QLayout* layout = picker->layout();
+        QCOMPARE(layout->objectName(), QString("verticalLayout"));
+        QCOMPARE(layout->count(), 2);
+        QCOMPARE(layout->itemAt(0)->widget()->objectName(), QString("tvObj"));
+        const QLayout* row = layout->itemAt(1)->layout();
+        QCOMPARE(row->objectName(), QString("hl"));
+        QCOMPARE(row->count(), 3);
+        QCOMPARE(row->itemAt(0)->spacerItem()->sizeHint(), QSize(40, 20));
+        QCOMPARE(row->itemAt(1)->widget(), static_cast<QWidget*>(picker.button("btnOK")));
+        QCOMPARE(row->itemAt(2)->widget(), static_cast<QWidget*>(picker.button("btnCancel")));
+        QTreeView* tree = picker->tvObj();
+        QCOMPARE(tree->textElideMode(), Qt::ElideNone);
+        QCOMPARE(tree->selectionBehavior(), QAbstractItemView::SelectRows);
+        QCOMPARE(tree->editTriggers(), QTreeView().editTriggers());
+        QCOMPARE(tree->columnWidth(0), 300);
+        QVERIFY(tree->styleSheet().contains("branch"));
+        QStringList headers;
+        for (int column = 0; column < picker->treeModel->columnCount(); ++column)
+            headers << picker->treeModel->headerData(column, Qt::Horizontal).toString();
+        QCOMPARE(headers, (QStringList{"Имя", "Описание", "UserBlock", "DateBlock", "KeyLink",
+                                       "IsFolder", "Blocked"}));
     }
-}
 
-void TestPicker::aKindWithoutARootFolderIsEmptyAndPreselectsNothing() {
-    Picker picker;
-    picker.show(1, "Trend");
-    QCOMPARE(picker->chosenKey, QString("m1"));
-    picker.store.remove("MenuResourceFolder", "fmod");
-    picker.editor->m_tabResFolder.RecDel(orvo::seekKey(picker.editor->m_tabResFolder, "fmod"));
-    picker.show(1, "Trend");
-    QCOMPARE(picker.text(), QString());
-    QVERIFY(picker->chosenKey.isNull());
-    QVERIFY(picker.selected().isEmpty());
-}
-
-void TestPicker::kindsWithoutAnyFolderLeaveTheChoice() {
-    Picker picker;
-    picker.show(1, "Trend");
-    // No folder of the kind or of a later one: the search gives no position.
-    CMDArray& folders = picker.editor->m_tabResFolder;
-    while (orvo::recordCount(folders) > 0)
-        folders.RecDel(MDARec(folders.array, 0, 0));
-    picker.show(1, "Trend");
-    QCOMPARE(picker.text(), QString());
-    QCOMPARE(picker->chosenKey, QString("m1"));
-    picker.showFiles("icons", "pump.png");
-    QCOMPARE(picker.text(), QString());
-    QCOMPARE(picker->chosenKey, QString("m1"));
-}
-
-void TestPicker::iconsAreListedFromTheirFolder() {
-    Picker picker;
-    for (const char* source : {"icons", "ICONS"}) {
-        picker.showFiles(source);
-        QCOMPARE(picker.text(), QString("насосы #fpumps\n"
-                                        "  small.png #i3\n"
-                                        "pump.png #i1\n"
-                                        "tank.png #i2\n"));
+    void aNewPickerIsEmpty() {
+        Picker picker;
+        QVERIFY(picker->chosenKey.isNull());
+        QVERIFY(picker->chosenName.isNull());
+        QVERIFY(picker->sourceName.isNull());
+        QCOMPARE(picker->treeModel->rowCount(), 0);
+        QCOMPARE(picker->treeModel, picker->tvObj()->model());
+        QVERIFY(picker->resourceTable.array);
+        QVERIFY(picker->folderTable.array);
+        QVERIFY(!picker->isVisible());
     }
-}
 
-void TestPicker::anotherTopFolderIsListed() {
-    Picker picker;
-    picker.showFiles("docs");
-    QCOMPARE(picker.text(), QString("manual.pdf #d1\n"));
-}
-
-void TestPicker::anUnknownTopFolderListsNothing() {
-    Picker picker;
-    picker.showFiles("nosuch", "pump.png");
-    QCOMPARE(picker.text(), QString());
-    QVERIFY(picker->chosenKey.isNull());
-}
-
-void TestPicker::withoutASourceTheWholeAreaIsListed() {
-    Picker picker;
-    for (const char* source : {static_cast<const char*>(nullptr), ""}) {
-        picker.showFiles(source, "tank.png");
-        QCOMPARE(picker.text(), QString("docs #fdocs\n"
-                                        "  manual.pdf #d1\n"
-                                        "icons #ficons\n"
-                                        "  насосы #fpumps\n"
-                                        "    small.png #i3\n"
-                                        "  pump.png #i1\n"
-                                        "  tank.png #i2\n"
-                                        "loose.txt #d2\n"));
-        QCOMPARE(picker.selected(), QStringList("i2"));
+    void modulesAreListedWithTheirFolders() {
+        Picker picker;
+        picker.show(1);
+        QCOMPARE(picker.text(), QString(modulesText));
+        QVERIFY(picker->treeModel->itemIsFolder(picker->treeModel->findIndexByKey("farch")));
+        QVERIFY(!picker->treeModel->itemIsFolder(picker->treeModel->findIndexByKey("m3")));
+        QCOMPARE(QWidget::keyboardGrabber(), nullptr);
+        QCOMPARE(picker->focusWidget(), static_cast<QWidget*>(picker.button("btnCancel")));
     }
-}
 
-void TestPicker::columnsAndSelectionFollowTheKind() {
-    Picker picker;
-    const auto hidden = [&] {
-        QString columns;
-        for (int column = 0; column < 7; ++column)
-            columns += picker->tvObj()->isColumnHidden(column) ? '-' : '+';
-        return columns;
-    };
-    for (const int kind : {1, 2, 3}) {
-        picker.show(kind, nullptr, true);
-        QCOMPARE(picker->tvObj()->selectionMode(), QAbstractItemView::ExtendedSelection);
-        QCOMPARE(hidden(), QString("++-----"));
-        picker.showFiles("icons", nullptr, true);
-        QCOMPARE(picker->tvObj()->selectionMode(), QAbstractItemView::SingleSelection);
-        QCOMPARE(hidden(), QString("+------"));
-        picker.show(kind, nullptr, false);
-        QCOMPARE(picker->tvObj()->selectionMode(), QAbstractItemView::SingleSelection);
-        QCOMPARE(hidden(), QString("++-----"));
+    void functionsAndFormsAreListedFromTheirRoots() {
+        Picker picker;
+        picker.show(2);
+        QCOMPARE(picker.text(), QString("Sum #f1 1=Сумма\n"));
+        picker.show(3);
+        QCOMPARE(picker.text(), QString("Boiler #r1 1=Котёл\n"));
     }
-}
 
-void TestPicker::iconFilesShowThemselves() {
-    Picker picker;
-    QImage red(16, 16, QImage::Format_RGB32);
-    red.fill(Qt::red);
-    QVERIFY(red.save(picker.host.m_workDir + "files/icons/pump.png"));
-    const auto colour = [&](const char* key) {
-        const QIcon icon =
-            picker->treeModel->findIndexByKey(QString(key)).data(Qt::DecorationRole).value<QIcon>();
-        return icon.isNull() ? QColor() : icon.pixmap(16).toImage().pixelColor(8, 8);
-    };
-    for (const char* source : {"icons", "Icons"}) {
-        picker.showFiles(source);
-        QCOMPARE(colour("i1"), QColor(Qt::red));
-    }
-    picker.showFiles("docs");
-    QVERIFY(colour("d1") != QColor(Qt::red));
-    picker.showFiles(nullptr);
-    QVERIFY(colour("i1") != QColor(Qt::red));
-    // A showing of another kind forgets it.
-    picker.showFiles("icons");
-    picker.show(1);
-    QVERIFY(colour("m1") != QColor(Qt::red));
-}
-
-void TestPicker::iconsTellTheKind_data() {
-    QTest::addColumn<int>("kind");
-    QTest::addColumn<QString>("key");
-    QTest::addColumn<QByteArray>("image");
-    QTest::newRow("modules") << 1 << "m1" << QByteArray("modul1");
-    QTest::newRow("functions") << 2 << "f1" << QByteArray("function1");
-    QTest::newRow("forms") << 3 << "r1" << QByteArray("file1");
-    QTest::newRow("files") << 4 << "d1" << QByteArray("file1");
-    QTest::newRow("folder of modules") << 1 << "farch" << QByteArray("closedfolder1");
-    QTest::newRow("folder of files") << 4 << "fdocs" << QByteArray("closedfolder1");
-}
-
-void TestPicker::iconsTellTheKind() {
-    QFETCH(int, kind);
-    QFETCH(QString, key);
-    QFETCH(QByteArray, image);
-    Picker picker;
-    picker.show(kind);
-    // Folders show closed also when they are open.
-    picker->tvObj()->expandAll();
-    const QModelIndex row = picker->treeModel->findIndexByKey(key);
-    QVERIFY(row.isValid());
-    QCOMPARE(row.data(Qt::DecorationRole).value<QIcon>().pixmap(16, 16).toImage(),
-             orvo::image(image.constData()).pixmap(16, 16).toImage());
-    QVERIFY(!row.siblingAtColumn(1).data(Qt::DecorationRole).isValid());
-}
-
-void TestPicker::theNameGivenIsPreselected() {
-    Picker picker;
-    picker.show(1, "Deep");
-    QCOMPARE(picker.selected(), QStringList("m5"));
-    QCOMPARE(picker->chosenKey, QString("m5"));
-    QCOMPARE(picker->chosenName, QString("Deep"));
-    // In sight, though its folders were closed.
-    const QModelIndex row = picker->treeModel->findIndexByKey("m5");
-    QVERIFY(picker->tvObj()->isExpanded(row.parent()));
-    QVERIFY(picker->tvObj()->viewport()->rect().intersects(picker->tvObj()->visualRect(row)));
-    // The whole row, so that OK delivers it.
-    picker.ok();
-    QCOMPARE(picker.picked->size(), 1);
-    QCOMPARE(picker->chosenKey, QString("m5"));
-}
-
-void TestPicker::aNameOfTwoFoldersSelectsTheFirstInTheTree() {
-    Picker picker;
-    // A record that is no row of the tree does not end the search.
-    resource(picker.store, "a0", 1, "nosuch", "Same", "Нигде");
-    picker.host.deliver(*picker.editor.module);
-    picker.show(1, "Same");
-    QString first;
-    QStringList named;
-    orvo::walkAll(picker->resourceTable, 2, [&](const MDRData* record) {
-        const QString key = orvo::textOf(record, "KeyLink");
-        if (orvo::holdsText(record, "name_", "Same")) {
-            named << key;
-            if (first.isEmpty() && picker->treeModel->findIndexByKey(key).isValid())
-                first = key;
+    void otherKindsListNothing() {
+        Picker picker;
+        picker.show(1, nullptr, true);
+        for (const int kind : {0, 5, -1, 1000}) {
+            picker.show(kind, "Trend");
+            QCOMPARE(picker.text(), QString());
+            QCOMPARE(picker->tvObj()->selectionMode(), QAbstractItemView::ExtendedSelection);
         }
-        return true;
-    });
-    QCOMPARE(named, (QStringList{"a0", "m3", "m4"}));
-    QCOMPARE(first, QString("m3"));
-    QCOMPARE(picker.selected(), QStringList(first));
-    QCOMPARE(picker->chosenKey, first);
-}
+    }
 
-void TestPicker::aNameThatIsNowhereSelectsNothing() {
-    Picker picker;
-    picker.show(1, "Trend");
-    for (const char* name : {"Nowhere", "Loose", "Sum", "", "zzz"}) {
-        picker.show(1, name);
+    void aKindWithoutARootFolderIsEmptyAndPreselectsNothing() {
+        Picker picker;
+        picker.show(1, "Trend");
+        QCOMPARE(picker->chosenKey, QString("m1"));
+        picker.store.remove("MenuResourceFolder", "fmod");
+        picker.editor->m_tabResFolder.RecDel(orvo::seekKey(picker.editor->m_tabResFolder, "fmod"));
+        picker.show(1, "Trend");
+        QCOMPARE(picker.text(), QString());
+        QVERIFY(picker->chosenKey.isNull());
+        QVERIFY(picker.selected().isEmpty());
+    }
+
+    void kindsWithoutAnyFolderLeaveTheChoice() {
+        Picker picker;
+        picker.show(1, "Trend");
+        // No folder of the kind or of a later one: the search gives no position.
+        CMDArray& folders = picker.editor->m_tabResFolder;
+        while (orvo::recordCount(folders) > 0)
+            folders.RecDel(MDARec(folders.array, 0, 0));
+        picker.show(1, "Trend");
+        QCOMPARE(picker.text(), QString());
+        QCOMPARE(picker->chosenKey, QString("m1"));
+        picker.showFiles("icons", "pump.png");
+        QCOMPARE(picker.text(), QString());
+        QCOMPARE(picker->chosenKey, QString("m1"));
+    }
+
+    void iconsAreListedFromTheirFolder() {
+        Picker picker;
+        for (const char* source : {"icons", "ICONS"}) {
+            picker.showFiles(source);
+            QCOMPARE(picker.text(), QString("насосы #fpumps\n"
+                                            "  small.png #i3\n"
+                                            "pump.png #i1\n"
+                                            "tank.png #i2\n"));
+        }
+    }
+
+    void anotherTopFolderIsListed() {
+        Picker picker;
+        picker.showFiles("docs");
+        QCOMPARE(picker.text(), QString("manual.pdf #d1\n"));
+    }
+
+    void anUnknownTopFolderListsNothing() {
+        Picker picker;
+        picker.showFiles("nosuch", "pump.png");
+        QCOMPARE(picker.text(), QString());
+        QVERIFY(picker->chosenKey.isNull());
+    }
+
+    void withoutASourceTheWholeAreaIsListed() {
+        Picker picker;
+        for (const char* source : {static_cast<const char*>(nullptr), ""}) {
+            picker.showFiles(source, "tank.png");
+            QCOMPARE(picker.text(), QString("docs #fdocs\n"
+                                            "  manual.pdf #d1\n"
+                                            "icons #ficons\n"
+                                            "  насосы #fpumps\n"
+                                            "    small.png #i3\n"
+                                            "  pump.png #i1\n"
+                                            "  tank.png #i2\n"
+                                            "loose.txt #d2\n"));
+            QCOMPARE(picker.selected(), QStringList("i2"));
+        }
+    }
+
+    void columnsAndSelectionFollowTheKind() {
+        Picker picker;
+        const auto hidden = [&] {
+            QString columns;
+            for (int column = 0; column < 7; ++column)
+                columns += picker->tvObj()->isColumnHidden(column) ? '-' : '+';
+            return columns;
+        };
+        for (const int kind : {1, 2, 3}) {
+            picker.show(kind, nullptr, true);
+            QCOMPARE(picker->tvObj()->selectionMode(), QAbstractItemView::ExtendedSelection);
+            QCOMPARE(hidden(), QString("++-----"));
+            picker.showFiles("icons", nullptr, true);
+            QCOMPARE(picker->tvObj()->selectionMode(), QAbstractItemView::SingleSelection);
+            QCOMPARE(hidden(), QString("+------"));
+            picker.show(kind, nullptr, false);
+            QCOMPARE(picker->tvObj()->selectionMode(), QAbstractItemView::SingleSelection);
+            QCOMPARE(hidden(), QString("++-----"));
+        }
+    }
+
+    void iconFilesShowThemselves() {
+        Picker picker;
+        QImage red(16, 16, QImage::Format_RGB32);
+        red.fill(Qt::red);
+        QVERIFY(red.save(picker.host.m_workDir + "files/icons/pump.png"));
+        const auto colour = [&](const char* key) {
+            const QIcon icon = picker->treeModel->findIndexByKey(QString(key))
+                                   .data(Qt::DecorationRole)
+                                   .value<QIcon>();
+            return icon.isNull() ? QColor() : icon.pixmap(16).toImage().pixelColor(8, 8);
+        };
+        for (const char* source : {"icons", "Icons"}) {
+            picker.showFiles(source);
+            QCOMPARE(colour("i1"), QColor(Qt::red));
+        }
+        picker.showFiles("docs");
+        QVERIFY(colour("d1") != QColor(Qt::red));
+        picker.showFiles(nullptr);
+        QVERIFY(colour("i1") != QColor(Qt::red));
+        // A showing of another kind forgets it.
+        picker.showFiles("icons");
+        picker.show(1);
+        QVERIFY(colour("m1") != QColor(Qt::red));
+    }
+
+    void iconsTellTheKind_data() {
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QByteArray>("image");
+        QTest::newRow("modules") << 1 << "m1" << QByteArray("modul1");
+        QTest::newRow("functions") << 2 << "f1" << QByteArray("function1");
+        QTest::newRow("forms") << 3 << "r1" << QByteArray("file1");
+        QTest::newRow("files") << 4 << "d1" << QByteArray("file1");
+        QTest::newRow("folder of modules") << 1 << "farch" << QByteArray("closedfolder1");
+        QTest::newRow("folder of files") << 4 << "fdocs" << QByteArray("closedfolder1");
+    }
+
+    void iconsTellTheKind() {
+        QFETCH(int, kind);
+        QFETCH(QString, key);
+        QFETCH(QByteArray, image);
+        Picker picker;
+        picker.show(kind);
+        // Folders show closed also when they are open.
+        picker->tvObj()->expandAll();
+        const QModelIndex row = picker->treeModel->findIndexByKey(key);
+        QVERIFY(row.isValid());
+        QCOMPARE(row.data(Qt::DecorationRole).value<QIcon>().pixmap(16, 16).toImage(),
+                 orvo::image(image.constData()).pixmap(16, 16).toImage());
+        QVERIFY(!row.siblingAtColumn(1).data(Qt::DecorationRole).isValid());
+    }
+
+    void theNameGivenIsPreselected() {
+        Picker picker;
+        picker.show(1, "Deep");
+        QCOMPARE(picker.selected(), QStringList("m5"));
+        QCOMPARE(picker->chosenKey, QString("m5"));
+        QCOMPARE(picker->chosenName, QString("Deep"));
+        // In sight, though its folders were closed.
+        const QModelIndex row = picker->treeModel->findIndexByKey("m5");
+        QVERIFY(picker->tvObj()->isExpanded(row.parent()));
+        QVERIFY(picker->tvObj()->viewport()->rect().intersects(picker->tvObj()->visualRect(row)));
+        // The whole row, so that OK delivers it.
+        picker.ok();
+        QCOMPARE(picker.picked->size(), 1);
+        QCOMPARE(picker->chosenKey, QString("m5"));
+    }
+
+    void aNameOfTwoFoldersSelectsTheFirstInTheTree() {
+        Picker picker;
+        // A record that is no row of the tree does not end the search.
+        resource(picker.store, "a0", 1, "nosuch", "Same", "Нигде");
+        picker.host.deliver(*picker.editor.module);
+        picker.show(1, "Same");
+        QString first;
+        QStringList named;
+        orvo::walkAll(picker->resourceTable, 2, [&](const MDRData* record) {
+            const QString key = orvo::textOf(record, "KeyLink");
+            if (orvo::holdsText(record, "name_", "Same")) {
+                named << key;
+                if (first.isEmpty() && picker->treeModel->findIndexByKey(key).isValid())
+                    first = key;
+            }
+            return true;
+        });
+        QCOMPARE(named, (QStringList{"a0", "m3", "m4"}));
+        QCOMPARE(first, QString("m3"));
+        QCOMPARE(picker.selected(), QStringList(first));
+        QCOMPARE(picker->chosenKey, first);
+    }
+
+    void aNameThatIsNowhereSelectsNothing() {
+        Picker picker;
+        picker.show(1, "Trend");
+        for (const char* name : {"Nowhere", "Loose", "Sum", "", "zzz"}) {
+            picker.show(1, name);
+            QVERIFY(picker.selected().isEmpty());
+            QVERIFY(picker->chosenKey.isNull());
+        }
+        picker.show(1, nullptr);
         QVERIFY(picker.selected().isEmpty());
         QVERIFY(picker->chosenKey.isNull());
     }
-    picker.show(1, nullptr);
-    QVERIFY(picker.selected().isEmpty());
-    QVERIFY(picker->chosenKey.isNull());
-}
 
-void TestPicker::namesCompareWithoutCase() {
-    Picker picker;
-    picker.show(1, "tREND");
-    QCOMPARE(picker.selected(), QStringList("m1"));
-    QCOMPARE(picker->chosenKey, QString("m1"));
-}
+    void namesCompareWithoutCase() {
+        Picker picker;
+        picker.show(1, "tREND");
+        QCOMPARE(picker.selected(), QStringList("m1"));
+        QCOMPARE(picker->chosenKey, QString("m1"));
+    }
 
-void TestPicker::filesWithoutANameKeepTheChoice() {
-    Picker picker;
-    picker.showFiles("icons");
-    picker.click("i2");
-    picker.ok();
-    QCOMPARE(picker->chosenKey, QString("i2"));
-    picker.showFiles("icons");
-    QVERIFY(picker.selected().isEmpty());
-    QCOMPARE(picker->chosenKey, QString("i2"));
-    picker.showFiles("icons", "");
-    QCOMPARE(picker->chosenKey, QString("i2"));
-    // The other kinds forget it.
-    picker.show(1, nullptr);
-    QVERIFY(picker->chosenKey.isNull());
-}
+    void filesWithoutANameKeepTheChoice() {
+        Picker picker;
+        picker.showFiles("icons");
+        picker.click("i2");
+        picker.ok();
+        QCOMPARE(picker->chosenKey, QString("i2"));
+        picker.showFiles("icons");
+        QVERIFY(picker.selected().isEmpty());
+        QCOMPARE(picker->chosenKey, QString("i2"));
+        picker.showFiles("icons", "");
+        QCOMPARE(picker->chosenKey, QString("i2"));
+        // The other kinds forget it.
+        picker.show(1, nullptr);
+        QVERIFY(picker->chosenKey.isNull());
+    }
 
-void TestPicker::aFileIsPreselected() {
-    Picker picker;
-    picker.showFiles("icons", "small.png");
-    QCOMPARE(picker.selected(), QStringList("i3"));
-    QCOMPARE(picker->chosenKey, QString("i3"));
-    picker.showFiles("icons", "manual.pdf");
-    QVERIFY(picker.selected().isEmpty());
-    QVERIFY(picker->chosenKey.isNull());
-}
+    void aFileIsPreselected() {
+        Picker picker;
+        picker.showFiles("icons", "small.png");
+        QCOMPARE(picker.selected(), QStringList("i3"));
+        QCOMPARE(picker->chosenKey, QString("i3"));
+        picker.showFiles("icons", "manual.pdf");
+        QVERIFY(picker.selected().isEmpty());
+        QVERIFY(picker->chosenKey.isNull());
+    }
 
-void TestPicker::okReportsTheFirstOfSeveral() {
-    Picker picker;
-    picker.show(1, nullptr, true);
-    picker.click("m1");
-    picker.click("m2", Qt::ControlModifier);
-    picker.click("m5", Qt::ControlModifier);
-    QCOMPARE(picker.selected().size(), 3);
-    const QModelIndex first = picker->tvObj()->selectionModel()->selectedIndexes().first();
-    const QString key = first.siblingAtColumn(4).data().toString();
-    const QString name = first.siblingAtColumn(0).data().toString();
-    picker.ok();
-    QCOMPARE(picker.picked->size(), 1);
-    QCOMPARE(picker->chosenKey, key);
-    QCOMPARE(picker->chosenName, name);
-    QVERIFY(!picker->isVisible());
-}
+    void okReportsTheFirstOfSeveral() {
+        Picker picker;
+        picker.show(1, nullptr, true);
+        picker.click("m1");
+        picker.click("m2", Qt::ControlModifier);
+        picker.click("m5", Qt::ControlModifier);
+        QCOMPARE(picker.selected().size(), 3);
+        const QModelIndex first = picker->tvObj()->selectionModel()->selectedIndexes().first();
+        const QString key = first.siblingAtColumn(4).data().toString();
+        const QString name = first.siblingAtColumn(0).data().toString();
+        picker.ok();
+        QCOMPARE(picker.picked->size(), 1);
+        QCOMPARE(picker->chosenKey, key);
+        QCOMPARE(picker->chosenName, name);
+        QVERIFY(!picker->isVisible());
+    }
 
-void TestPicker::okReportsAFolderToo() {
-    Picker picker;
-    picker.show(1);
-    picker.click("farch");
-    picker.ok();
-    QCOMPARE(picker.picked->size(), 1);
-    QCOMPARE(picker->chosenKey, QString("farch"));
-    QCOMPARE(picker->chosenName, QString("Архив"));
-}
-
-void TestPicker::okWithoutASelectionHidesSilently() {
-    Picker picker;
-    picker.show(1, "Nowhere");
-    picker.ok();
-    QCOMPARE(picker.picked->size(), 0);
-    QVERIFY(!picker->isVisible());
-    QVERIFY(picker->chosenKey.isNull());
-    QCOMPARE(picker->chosenName, QString("Nowhere"));
-}
-
-void TestPicker::theSelectionStandsWhileTheSignalRuns() {
-    Picker picker;
-    picker.show(1, nullptr, true);
-    QStringList seen;
-    bool visible = false;
-    connect(picker.list.get(), &CPopObjectList::btnOK_pressed, this, [&] {
-        seen = picker.selected();
-        visible = picker->isVisible();
-    });
-    picker.click("m2");
-    picker.click("m1", Qt::ControlModifier);
-    picker.ok();
-    QCOMPARE(seen, (QStringList{"m2", "m1"}));
-    QVERIFY(visible);
-}
-
-void TestPicker::cancelLeavesTheResult() {
-    Picker picker;
-    picker.show(1);
-    picker.click("m2");
-    picker.ok();
-    picker.show(1, "Trend");
-    picker.click("m2");
-    picker.cancel();
-    QVERIFY(!picker->isVisible());
-    QCOMPARE(picker.picked->size(), 1);
-    QCOMPARE(picker->chosenKey, QString("m1"));
-    QCOMPARE(picker->chosenName, QString("Trend"));
-}
-
-void TestPicker::theTitleStays() {
-    Picker picker;
-    picker->setWindowTitle("Своё");
-    picker.show(1);
-    picker.cancel();
-    picker.showFiles("icons");
-    QCOMPARE(picker->windowTitle(), QString("Своё"));
-}
-
-void TestPicker::aNewResourceIsListedAtTheNextShow() {
-    Picker picker;
-    picker.show(2);
-    resource(picker.store, "f2", 2, "ffun", "Avg", "Среднее");
-    picker.host.deliver(*picker.editor.module);
-    QCOMPARE(picker.text(), QString("Sum #f1 1=Сумма\n"));
-    // The server is not asked.
-    picker.store.sql("ALTER TABLE \"MenuResource\" RENAME TO \"gone\"");
-    picker.show(2);
-    QCOMPARE(picker.text(), QString("Avg #f2 1=Среднее\nSum #f1 1=Сумма\n"));
-    QVERIFY(picker.host.failures.isEmpty());
-}
-
-void TestPicker::theTablesOfTheOwnerAreOnlyRead() {
-    Picker picker;
-    const uint32_t keys = picker.editor->m_tabResFolder.array->keyCount;
-    const int records = orvo::recordCount(picker.editor->m_tabResource);
-    picker.show(1);
-    picker.showFiles("icons");
-    QCOMPARE(picker.editor->m_tabResource.array->keyCount, 2u);
-    QCOMPARE(picker.editor->m_tabResFolder.array->keyCount, keys);
-    QCOMPARE(orvo::recordCount(picker.editor->m_tabResource), records);
-    picker->resourceTable.RecDel(orvo::seekKey(picker->resourceTable, "m1"));
-    QVERIFY(orvo::seekKey(picker.editor->m_tabResource, "m1"));
-}
-
-void TestPicker::theCopiesHaveTheirKeys() {
-    Picker picker;
-    picker.show(1);
-    picker.show(2);
-    QCOMPARE(picker->resourceTable.array->keyCount, 4u);
-    QCOMPARE(picker->folderTable.array->keyCount, 4u);
-    QCOMPARE(picker->resourceTable.status, MDX_OK);
-    const auto keysBy = [](const CMDArray& table, int key) {
-        QStringList keys;
-        orvo::walkAll(table, key, [&](const MDRData* record) {
-            keys << orvo::textOf(record, "KeyLink");
-            return true;
-        });
-        return keys.join(' ');
-    };
-    QCOMPARE(keysBy(picker->folderTable, 0),
-             QString("farch fdeep fdocs ffrm ffun ficons fmod fpumps fzeta"));
-    QCOMPARE(keysBy(picker->folderTable, 2),
-             QString("farch fdeep fmod fzeta ffun ffrm fdocs ficons fpumps"));
-    QCOMPARE(keysBy(picker->folderTable, 1),
-             QString("fmod fdeep farch fzeta ffun ffrm fdocs ficons fpumps"));
-    QCOMPARE(keysBy(picker->folderTable, 3),
-             QString("fdocs ffrm ffun ficons fmod fdeep fpumps farch fzeta"));
-    QCOMPARE(orvo::recordCount(picker->resourceTable), 13);
-    QCOMPARE(keysBy(picker->resourceTable, 0), QString("d1 d2 f1 i1 i2 i3 m0 m1 m2 m3 m4 m5 r1"));
-    QCOMPARE(keysBy(picker->resourceTable, 1), QString("m0 m3 m5 m2 m1 m4 f1 r1 d2 d1 i1 i2 i3"));
-    QCOMPARE(keysBy(picker->resourceTable, 2), QString("m2 m5 m0 m3 m4 m1 f1 r1 d2 d1 i1 i3 i2"));
-    QCOMPARE(keysBy(picker->resourceTable, 3), QString("d2 m0 m3 m5 d1 r1 f1 i1 i2 m1 m2 i3 m4"));
-}
-
-void TestPicker::anotherModuleGivesNoTables() {
-    Picker picker("Other");
-    picker.show(1, "Trend");
-    QCOMPARE(picker.text(), QString());
-    QCOMPARE(orvo::recordCount(picker->resourceTable), 0);
-}
-
-void TestPicker::theModuleNameComparesWithoutCase() {
-    for (const char* name : {"mENU", "Resources", "RESOURCES"}) {
-        Picker picker(name);
+    void okReportsAFolderToo() {
+        Picker picker;
         picker.show(1);
+        picker.click("farch");
+        picker.ok();
+        QCOMPARE(picker.picked->size(), 1);
+        QCOMPARE(picker->chosenKey, QString("farch"));
+        QCOMPARE(picker->chosenName, QString("Архив"));
+    }
+
+    void okWithoutASelectionHidesSilently() {
+        Picker picker;
+        picker.show(1, "Nowhere");
+        picker.ok();
+        QCOMPARE(picker.picked->size(), 0);
+        QVERIFY(!picker->isVisible());
+        QVERIFY(picker->chosenKey.isNull());
+        QCOMPARE(picker->chosenName, QString("Nowhere"));
+    }
+
+    void theSelectionStandsWhileTheSignalRuns() {
+        Picker picker;
+        picker.show(1, nullptr, true);
+        QStringList seen;
+        bool visible = false;
+        connect(picker.list.get(), &CPopObjectList::btnOK_pressed, this, [&] {
+            seen = picker.selected();
+            visible = picker->isVisible();
+        });
+        picker.click("m2");
+        picker.click("m1", Qt::ControlModifier);
+        picker.ok();
+        QCOMPARE(seen, (QStringList{"m2", "m1"}));
+        QVERIFY(visible);
+    }
+
+    void cancelLeavesTheResult() {
+        Picker picker;
+        picker.show(1);
+        picker.click("m2");
+        picker.ok();
+        picker.show(1, "Trend");
+        picker.click("m2");
+        picker.cancel();
+        QVERIFY(!picker->isVisible());
+        QCOMPARE(picker.picked->size(), 1);
+        QCOMPARE(picker->chosenKey, QString("m1"));
+        QCOMPARE(picker->chosenName, QString("Trend"));
+    }
+
+    void theTitleStays() {
+        Picker picker;
+        picker->setWindowTitle("Своё");
+        picker.show(1);
+        picker.cancel();
+        picker.showFiles("icons");
+        QCOMPARE(picker->windowTitle(), QString("Своё"));
+    }
+
+    void aNewResourceIsListedAtTheNextShow() {
+        Picker picker;
+        picker.show(2);
+        resource(picker.store, "f2", 2, "ffun", "Avg", "Среднее");
+        picker.host.deliver(*picker.editor.module);
+        QCOMPARE(picker.text(), QString("Sum #f1 1=Сумма\n"));
+        // The server is not asked.
+        picker.store.sql("ALTER TABLE \"MenuResource\" RENAME TO \"gone\"");
+        picker.show(2);
+        QCOMPARE(picker.text(), QString("Avg #f2 1=Среднее\nSum #f1 1=Сумма\n"));
+        QVERIFY(picker.host.failures.isEmpty());
+    }
+
+    void theTablesOfTheOwnerAreOnlyRead() {
+        Picker picker;
+        const uint32_t keys = picker.editor->m_tabResFolder.array->keyCount;
+        const int records = orvo::recordCount(picker.editor->m_tabResource);
+        picker.show(1);
+        picker.showFiles("icons");
+        QCOMPARE(picker.editor->m_tabResource.array->keyCount, 2u);
+        QCOMPARE(picker.editor->m_tabResFolder.array->keyCount, keys);
+        QCOMPARE(orvo::recordCount(picker.editor->m_tabResource), records);
+        picker->resourceTable.RecDel(orvo::seekKey(picker->resourceTable, "m1"));
+        QVERIFY(orvo::seekKey(picker.editor->m_tabResource, "m1"));
+    }
+
+    void theCopiesHaveTheirKeys() {
+        Picker picker;
+        picker.show(1);
+        picker.show(2);
+        QCOMPARE(picker->resourceTable.array->keyCount, 4u);
+        QCOMPARE(picker->folderTable.array->keyCount, 4u);
+        QCOMPARE(picker->resourceTable.status, MDX_OK);
+        const auto keysBy = [](const CMDArray& table, int key) {
+            QStringList keys;
+            orvo::walkAll(table, key, [&](const MDRData* record) {
+                keys << orvo::textOf(record, "KeyLink");
+                return true;
+            });
+            return keys.join(' ');
+        };
+        QCOMPARE(keysBy(picker->folderTable, 0),
+                 QString("farch fdeep fdocs ffrm ffun ficons fmod fpumps fzeta"));
+        QCOMPARE(keysBy(picker->folderTable, 2),
+                 QString("farch fdeep fmod fzeta ffun ffrm fdocs ficons fpumps"));
+        QCOMPARE(keysBy(picker->folderTable, 1),
+                 QString("fmod fdeep farch fzeta ffun ffrm fdocs ficons fpumps"));
+        QCOMPARE(keysBy(picker->folderTable, 3),
+                 QString("fdocs ffrm ffun ficons fmod fdeep fpumps farch fzeta"));
+        QCOMPARE(orvo::recordCount(picker->resourceTable), 13);
+        QCOMPARE(keysBy(picker->resourceTable, 0),
+                 QString("d1 d2 f1 i1 i2 i3 m0 m1 m2 m3 m4 m5 r1"));
+        QCOMPARE(keysBy(picker->resourceTable, 1),
+                 QString("m0 m3 m5 m2 m1 m4 f1 r1 d2 d1 i1 i2 i3"));
+        QCOMPARE(keysBy(picker->resourceTable, 2),
+                 QString("m2 m5 m0 m3 m4 m1 f1 r1 d2 d1 i1 i3 i2"));
+        QCOMPARE(keysBy(picker->resourceTable, 3),
+                 QString("d2 m0 m3 m5 d1 r1 f1 i1 i2 m1 m2 i3 m4"));
+    }
+
+    void anotherModuleGivesNoTables() {
+        Picker picker("Other");
+        picker.show(1, "Trend");
+        QCOMPARE(picker.text(), QString());
+        QCOMPARE(orvo::recordCount(picker->resourceTable), 0);
+    }
+
+    void theModuleNameComparesWithoutCase() {
+        for (const char* name : {"mENU", "Resources", "RESOURCES"}) {
+            Picker picker(name);
+            picker.show(1);
+            QCOMPARE(picker.text(), QString(modulesText));
+        }
+    }
+
+    void aMissingTableKeepsTheLastCopy() {
+        Picker picker;
+        picker.show(1);
+        MDArray* folders = picker.editor->m_tabResFolder.array;
+        picker.editor->m_tabResFolder.array = nullptr;
+        picker.show(1, "Trend");
+        picker.editor->m_tabResFolder.array = folders;
+        QCOMPARE(picker->folderTable.status, -3);
+        QCOMPARE(picker->resourceTable.status, MDX_OK);
         QCOMPARE(picker.text(), QString(modulesText));
+        QCOMPARE(picker.selected(), QStringList("m1"));
+        picker.show(1);
+        QCOMPARE(picker->folderTable.status, MDX_OK);
     }
-}
 
-void TestPicker::aMissingTableKeepsTheLastCopy() {
-    Picker picker;
-    picker.show(1);
-    MDArray* folders = picker.editor->m_tabResFolder.array;
-    picker.editor->m_tabResFolder.array = nullptr;
-    picker.show(1, "Trend");
-    picker.editor->m_tabResFolder.array = folders;
-    QCOMPARE(picker->folderTable.status, -3);
-    QCOMPARE(picker->resourceTable.status, MDX_OK);
-    QCOMPARE(picker.text(), QString(modulesText));
-    QCOMPARE(picker.selected(), QStringList("m1"));
-    picker.show(1);
-    QCOMPARE(picker->folderTable.status, MDX_OK);
-}
-
-void TestPicker::anEditedNameIsForgotten() {
-    Picker picker;
-    picker.show(2);
-    const QModelIndex row = picker->treeModel->findIndexByKey("f1");
-    QTest::mouseDClick(picker->tvObj()->viewport(), Qt::LeftButton, Qt::NoModifier,
-                       picker->tvObj()->visualRect(row).center());
-    picker->treeModel->setData(row, "Иное");
-    picker.show(2);
-    QCOMPARE(picker.text(), QString("Sum #f1 1=Сумма\n"));
-}
-
-void TestPicker::aCircleOfFoldersEnds() {
-    Picker picker;
-    picker.cancel();
-    CMDArray& folders = picker.editor->m_tabResFolder;
-    MDRData* root = folders.RecEdit(orvo::seekKey(folders, "fmod"));
-    folders.SetValF(root, "ParentKey", orvo::textVar("fdeep"));
-    folders.RecPost(root);
-    picker.show(1);
-    // The circle is shown up to the folder that is its own ancestor.
-    QCOMPARE(picker->treeModel->findIndexByKey("fmod").parent(),
-             picker->treeModel->findIndexByKey("fdeep"));
-    // Its resources are still on offer.
-    for (const char* key : {"m1", "m2", "m3", "m4", "m5"})
-        QVERIFY(picker->treeModel->findIndexByKey(key).isValid());
-}
-
-void TestPicker::aVeryDeepFolderIsListed() {
-    Picker picker;
-    CMDArray& folders = picker.editor->m_tabResFolder;
-    QByteArray parent = "ffun";
-    for (int level = 0; level < 3000; ++level) {
-        const QByteArray key = "deep" + QByteArray::number(level);
-        MDRData* record = MDARecNew(folders.array);
-        folders.SetValF(record, "KeyLink", orvo::textVar(key));
-        folders.SetValF(record, "type_", orvo::integerVar(2));
-        folders.SetValF(record, "ParentKey", orvo::textVar(parent));
-        folders.SetValF(record, "caption", orvo::textVar(key));
-        folders.RecPost(record);
-        parent = key;
+    void anEditedNameIsForgotten() {
+        Picker picker;
+        picker.show(2);
+        const QModelIndex row = picker->treeModel->findIndexByKey("f1");
+        QTest::mouseDClick(picker->tvObj()->viewport(), Qt::LeftButton, Qt::NoModifier,
+                           picker->tvObj()->visualRect(row).center());
+        picker->treeModel->setData(row, "Иное");
+        picker.show(2);
+        QCOMPARE(picker.text(), QString("Sum #f1 1=Сумма\n"));
     }
-    picker->objectType = 2;
-    picker->refreshTables();
-    picker.watch.reset(); // looks at every level of the tree for every row
-    picker->clearModel();
-    picker->loadFunctions();
-    QVERIFY(picker->treeModel->findIndexByKey("deep2999").isValid());
-    QCOMPARE(picker->treeModel->rowCount(), 2);
-}
 
-void TestPicker::aParentThatIsNoModuleGivesAnEmptyPicker() {
-    QMainWindow window;
-    CPopObjectList list(&window);
-    const ModelWatch watch(list.treeModel);
-    for (const int kind : {1, 4}) {
-        list.objectType = kind;
-        list.sourceName = "icons";
-        list.hide();
-        list.show();
-        QCOMPARE(list.treeModel->rowCount(), 0);
+    void aCircleOfFoldersEnds() {
+        Picker picker;
+        picker.cancel();
+        CMDArray& folders = picker.editor->m_tabResFolder;
+        MDRData* root = folders.RecEdit(orvo::seekKey(folders, "fmod"));
+        folders.SetValF(root, "ParentKey", orvo::textVar("fdeep"));
+        folders.RecPost(root);
+        picker.show(1);
+        // The circle is shown up to the folder that is its own ancestor.
+        QCOMPARE(picker->treeModel->findIndexByKey("fmod").parent(),
+                 picker->treeModel->findIndexByKey("fdeep"));
+        // Its resources are still on offer.
+        for (const char* key : {"m1", "m2", "m3", "m4", "m5"})
+            QVERIFY(picker->treeModel->findIndexByKey(key).isValid());
     }
-}
+
+    void aVeryDeepFolderIsListed() {
+        Picker picker;
+        CMDArray& folders = picker.editor->m_tabResFolder;
+        QByteArray parent = "ffun";
+        for (int level = 0; level < 3000; ++level) {
+            const QByteArray key = "deep" + QByteArray::number(level);
+            MDRData* record = MDARecNew(folders.array);
+            folders.SetValF(record, "KeyLink", orvo::textVar(key));
+            folders.SetValF(record, "type_", orvo::integerVar(2));
+            folders.SetValF(record, "ParentKey", orvo::textVar(parent));
+            folders.SetValF(record, "caption", orvo::textVar(key));
+            folders.RecPost(record);
+            parent = key;
+        }
+        picker->objectType = 2;
+        picker->refreshTables();
+        picker.watch.reset(); // looks at every level of the tree for every row
+        picker->clearModel();
+        picker->loadFunctions();
+        QVERIFY(picker->treeModel->findIndexByKey("deep2999").isValid());
+        QCOMPARE(picker->treeModel->rowCount(), 2);
+    }
+
+    void aParentThatIsNoModuleGivesAnEmptyPicker() {
+        QMainWindow window;
+        CPopObjectList list(&window);
+        const ModelWatch watch(list.treeModel);
+        for (const int kind : {1, 4}) {
+            list.objectType = kind;
+            list.sourceName = "icons";
+            list.hide();
+            list.show();
+            QCOMPARE(list.treeModel->rowCount(), 0);
+        }
+    }
+};
 
 QTEST_MAIN(TestPicker)
 #include "tst_picker.moc"

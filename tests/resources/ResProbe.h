@@ -111,9 +111,9 @@ inline void fillCatalogue(TestStore& store) {
 }
 
 /// An editor on that catalogue, not started yet.
-class CatalogueEditor : public Ground, public ResEditor {
+class CatalogueEditor : public HostOnFilledStore, public ResEditor {
 public:
-    CatalogueEditor() : Ground(fillCatalogue), ResEditor(host, "Resources") {}
+    CatalogueEditor() : HostOnFilledStore(fillCatalogue), ResEditor(host, "Resources") {}
 };
 
 } // namespace orvo::test

@@ -22,61 +22,6 @@ void putOnClipboard(const QByteArray& payload) {
 
 } // namespace
 
-class TestResActions : public QObject {
-    Q_OBJECT
-private slots:
-    void init();
-    void rowsOfferTheirActions_data();
-    void rowsOfferTheirActions();
-    void pasteFollowsTheClipboard_data();
-    void pasteFollowsTheClipboard();
-    void aRenamedFolderOfAKindOffersNothing();
-    void aRowOfAnUnknownKindOffersNothing();
-    void aTopRowOfFilesOffersWhatTheFileAreaDoes();
-    void aLockedFormCanBeUnlocked();
-    void theClipboardIsReadWithCare_data();
-    void theClipboardIsReadWithCare();
-    void muteActionsDoNothing();
-    void theContextMenuShowsAllButCopying();
-    void aSelectionHoldsRowsThatAreAlike_data();
-    void aSelectionHoldsRowsThatAreAlike();
-    void ofRowsSelectedAtOnceThoseLikeTheFirstRemain();
-    void actionsFollowTheCurrentRowOnly();
-    void inAnEditTheActionsStay();
-    void whoMayOnlyReadLooksAndTakesOut();
-};
-
-void TestResActions::init() {
-    QApplication::clipboard()->clear();
-}
-
-void TestResActions::rowsOfferTheirActions_data() {
-    QTest::addColumn<QString>("actions");
-    const auto add = [](const char* key, const char* actions) {
-        QTest::newRow(key) << QString(actions);
-    };
-    add("MenuResources", "");
-    add("mod", "actAddFolder actAddModule");
-    add("fun", "actAddFolder actAddFunction");
-    add("frm", "actAddFolder actLoadFiles");
-    add("WrongFolder", "");
-    add("trends", "actAddFolder actAddModule actCut");
-    add("alarms", "actAddFolder actAddModule actCut actDelete");
-    add("rtrend", "actAddFolder actAddModule actCut actDelete");
-    add("rlog", "actAddFolder actAddModule actCut actDelete");
-    add("calc", "actAddFolder actAddFunction actCut");
-    add("rcalc", "actAddFolder actAddFunction actCut actDelete");
-    add("boilers", "actAddFolder actCut actLoadFiles");
-    add("old", "actAddFolder actCut actDelete actLoadFiles");
-    add("rboiler", "actAddFolder actCut actDelete actExtractFiles actLoadFiles actOpenScheme");
-    add("rlost", "actAddFolder actCut actDelete actExtractFiles actLoadFiles actOpenScheme");
-    add("FileResources", "actAddFolder actLoadFiles");
-    add("docs", "actAddFolder actCut actLoadFiles");
-    add("deep", "actAddFolder actCut actDelete actLoadFiles");
-    add("rmanual", "actAddFolder actCut actDelete actExtractFiles actLoadFiles");
-    add("rreadme", "actAddFolder actCut actDelete actExtractFiles actLoadFiles");
-}
-
 namespace {
 
 QString enabledActions(const ResProbe& editor) {
@@ -90,253 +35,290 @@ QString enabledActions(const ResProbe& editor) {
 
 } // namespace
 
-void TestResActions::rowsOfferTheirActions() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    const bool isLog = qstrcmp(QTest::currentDataTag(), "rlog") == 0;
-    editor.view("tvRes")->setCurrentIndex(editor->row(isLog ? "rtable" : "rlog"));
-    for (QAction* action : editor->findChildren<QAction*>(QRegularExpression("^act")))
-        action->setEnabled(true);
-    editor.view("tvRes")->setCurrentIndex(editor->row(QTest::currentDataTag()));
-    QTEST(enabledActions(*editor.module), "actions");
-    QCOMPARE(editor->m_currentKey, QString(QTest::currentDataTag()));
-}
+class TestResActions : public QObject {
+    Q_OBJECT
+private slots:
+    void init() { QApplication::clipboard()->clear(); }
 
-void TestResActions::whoMayOnlyReadLooksAndTakesOut() {
-    CatalogueEditor editor;
-    editor.host.m_mayWrite = false;
-    QVERIFY(editor.start());
-    editor.view("tvRes")->setCurrentIndex(editor->row("trends"));
-    QCOMPARE(enabledActions(*editor.module), QString());
-    editor.view("tvRes")->setCurrentIndex(editor->row("rboiler"));
-    QCOMPARE(enabledActions(*editor.module), QString("actExtractFiles actOpenScheme"));
-    QVERIFY(!editor.view("tvRes")->acceptDrops());
-    QVERIFY(editor.view("tvProp")->editTriggers() == QAbstractItemView::NoEditTriggers);
-}
-
-void TestResActions::pasteFollowsTheClipboard_data() {
-    QTest::addColumn<QByteArray>("key");
-    QTest::addColumn<int>("kind"); // 0: never
-    QTest::newRow("folder of modules") << QByteArray("trends") << 1;
-    QTest::newRow("folder of functions") << QByteArray("calc") << 2;
-    QTest::newRow("folder of forms") << QByteArray("boilers") << 3;
-    QTest::newRow("file area") << QByteArray("FileResources") << 4;
-    QTest::newRow("folder of files") << QByteArray("docs") << 4;
-    QTest::newRow("top folder of modules") << QByteArray("mod") << 0;
-    QTest::newRow("menu area") << QByteArray("MenuResources") << 0;
-    QTest::newRow("module") << QByteArray("rtrend") << 0;
-    QTest::newRow("form") << QByteArray("rboiler") << 0;
-    QTest::newRow("file") << QByteArray("rmanual") << 0;
-}
-
-void TestResActions::pasteFollowsTheClipboard() {
-    QFETCH(QByteArray, key);
-    QFETCH(int, kind);
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    for (int held = 0; held <= 5; ++held) {
-        putOnClipboard(QByteArray::number(held) + "\nkey;\n");
-        editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));
-        editor.view("tvRes")->setCurrentIndex(editor->row(key));
-        QCOMPARE(editor.action("actPaste")->isEnabled(), kind != 0 && held == kind);
+    void whoMayOnlyReadLooksAndTakesOut() {
+        CatalogueEditor editor;
+        editor.host.m_mayWrite = false;
+        QVERIFY(editor.start());
+        editor.view("tvRes")->setCurrentIndex(editor->row("trends"));
+        QCOMPARE(enabledActions(*editor.module), QString());
+        editor.view("tvRes")->setCurrentIndex(editor->row("rboiler"));
+        QCOMPARE(enabledActions(*editor.module), QString("actExtractFiles actOpenScheme"));
+        QVERIFY(!editor.view("tvRes")->acceptDrops());
+        QVERIFY(editor.view("tvProp")->editTriggers() == QAbstractItemView::NoEditTriggers);
     }
-}
 
-void TestResActions::aRenamedFolderOfAKindOffersNothing() {
-    TestStore store;
-    fillCatalogue(store);
-    store.update("MenuResourceFolder",
-                 {{"KeyLink", QString("mod")}, {"caption", QString("программы")}});
-    store.update("MenuResourceFolder",
-                 {{"KeyLink", QString("fun")}, {"caption", QString("ФУНКЦИИ")}});
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    editor.view("tvRes")->setCurrentIndex(editor->row("mod"));
-    QCOMPARE(enabledActions(*editor.module), QString());
-    editor.view("tvRes")->setCurrentIndex(editor->row("fun"));
-    QCOMPARE(enabledActions(*editor.module), QString("actAddFolder actAddFunction"));
-}
-
-void TestResActions::aRowOfAnUnknownKindOffersNothing() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    editor->m_resModel->setData(editor->row("rlog", ResColumn::Type), 5);
-    editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));
-    QCOMPARE(enabledActions(*editor.module), QString());
-}
-
-void TestResActions::aTopRowOfFilesOffersWhatTheFileAreaDoes() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    editor.store.update("MenuResource", {{"KeyLink", QString("rmanual")},
-                                         {"MenuResourceFolderKey", QString("nosuch")}});
-    editor.host.deliver(*editor.module);
-    QCOMPARE(editor->m_resModel->getItemLevel(editor->row("rmanual")), 0);
-    editor.view("tvRes")->setCurrentIndex(editor->row("rmanual"));
-    QCOMPARE(enabledActions(*editor.module), QString("actAddFolder actLoadFiles"));
-}
-
-void TestResActions::aLockedFormCanBeUnlocked() {
-    TestStore store;
-    fillCatalogue(store);
-    store.update("MenuResource", {{"KeyLink", QString("rboiler")}, {"UsersKey", QString("ueng")}});
-    store.update("MenuResource",
-                 {{"KeyLink", QString("rburner")}, {"UsersKey", QString("uother")}});
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    for (const auto& [key, on] :
-         {std::pair{"rboiler", true}, std::pair{"rburner", true}, std::pair{"rdrum", false}}) {
-        editor.view("tvRes")->setCurrentIndex(editor->row(key));
-        QCOMPARE(editor.action("actUnBlock")->isEnabled(), on);
+    void rowsOfferTheirActions_data() {
+        QTest::addColumn<QString>("actions");
+        const auto add = [](const char* key, const char* actions) {
+            QTest::newRow(key) << QString(actions);
+        };
+        add("MenuResources", "");
+        add("mod", "actAddFolder actAddModule");
+        add("fun", "actAddFolder actAddFunction");
+        add("frm", "actAddFolder actLoadFiles");
+        add("WrongFolder", "");
+        add("trends", "actAddFolder actAddModule actCut");
+        add("alarms", "actAddFolder actAddModule actCut actDelete");
+        add("rtrend", "actAddFolder actAddModule actCut actDelete");
+        add("rlog", "actAddFolder actAddModule actCut actDelete");
+        add("calc", "actAddFolder actAddFunction actCut");
+        add("rcalc", "actAddFolder actAddFunction actCut actDelete");
+        add("boilers", "actAddFolder actCut actLoadFiles");
+        add("old", "actAddFolder actCut actDelete actLoadFiles");
+        add("rboiler", "actAddFolder actCut actDelete actExtractFiles actLoadFiles actOpenScheme");
+        add("rlost", "actAddFolder actCut actDelete actExtractFiles actLoadFiles actOpenScheme");
+        add("FileResources", "actAddFolder actLoadFiles");
+        add("docs", "actAddFolder actCut actLoadFiles");
+        add("deep", "actAddFolder actCut actDelete actLoadFiles");
+        add("rmanual", "actAddFolder actCut actDelete actExtractFiles actLoadFiles");
+        add("rreadme", "actAddFolder actCut actDelete actExtractFiles actLoadFiles");
     }
-}
 
-void TestResActions::theClipboardIsReadWithCare_data() {
-    QTest::addColumn<QByteArray>("payload");
-    QTest::addColumn<bool>("isForm");
-    QTest::newRow("forms") << QByteArray("3\na;\n") << true;
-    QTest::newRow("modules") << QByteArray("1\na;\n") << false;
-    QTest::newRow("no line feed") << QByteArray("3") << false;
-    QTest::newRow("nothing") << QByteArray("") << false;
-    QTest::newRow("no number") << QByteArray("three\n") << false;
-    QTest::newRow("too big") << QByteArray("4294967299\n") << false;
-    QTest::newRow("line feeds") << QByteArray("\n\n3\n") << false;
-}
-
-void TestResActions::theClipboardIsReadWithCare() {
-    QFETCH(QByteArray, payload);
-    TestStore store;
-    TestHost host(store);
-    ResProbe window(&host);
-    putOnClipboard(payload);
-    QTEST(window.checkClipBoardType(3), "isForm");
-    QApplication::clipboard()->setText("3\n");
-    QVERIFY(!window.checkClipBoardType(3));
-}
-
-void TestResActions::muteActionsDoNothing() {
-    TestStore store;
-    fillCatalogue(store);
-    store.update("MenuResource", {{"KeyLink", QString("rboiler")}, {"UsersKey", QString("ueng")}});
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    QApplication::clipboard()->setText("before");
-    editor.view("tvRes")->setCurrentIndex(editor->row("rboiler"));
-    for (const char* name : {"actCopy", "actUnBlock"}) {
-        editor.action(name)->setEnabled(true);
-        editor.action(name)->trigger();
+    void rowsOfferTheirActions() {
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        const bool isLog = qstrcmp(QTest::currentDataTag(), "rlog") == 0;
+        editor.view("tvRes")->setCurrentIndex(editor->row(isLog ? "rtable" : "rlog"));
+        for (QAction* action : editor->findChildren<QAction*>(QRegularExpression("^act")))
+            action->setEnabled(true);
+        editor.view("tvRes")->setCurrentIndex(editor->row(QTest::currentDataTag()));
+        QTEST(enabledActions(*editor.module), "actions");
+        QCOMPARE(editor->m_currentKey, QString(QTest::currentDataTag()));
     }
-    host.deliver(*editor.module);
-    QCOMPARE(editor->row("rboiler", ResColumn::Blocked).data(), QVariant(1));
-    QCOMPARE(QApplication::clipboard()->text(), QString("before"));
-}
 
-void TestResActions::theContextMenuShowsAllButCopying() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    editor.view("tvRes")->setCurrentIndex(editor->row("rtrend"));
-    QStringList shown;
-    QStringList made;
-    QTimer::singleShot(0, [&] {
-        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        if (!menu)
-            return;
-        for (const QAction* action : menu->actions()) {
-            shown << (action->isSeparator() ? "|"
-                      : action->menu()      ? action->text()
-                                            : action->objectName());
-            if (action->menu())
-                for (const QAction* sub : action->menu()->actions())
-                    made << sub->objectName();
+    void pasteFollowsTheClipboard_data() {
+        QTest::addColumn<QByteArray>("key");
+        QTest::addColumn<int>("kind"); // 0: never
+        QTest::newRow("folder of modules") << QByteArray("trends") << 1;
+        QTest::newRow("folder of functions") << QByteArray("calc") << 2;
+        QTest::newRow("folder of forms") << QByteArray("boilers") << 3;
+        QTest::newRow("file area") << QByteArray("FileResources") << 4;
+        QTest::newRow("folder of files") << QByteArray("docs") << 4;
+        QTest::newRow("top folder of modules") << QByteArray("mod") << 0;
+        QTest::newRow("menu area") << QByteArray("MenuResources") << 0;
+        QTest::newRow("module") << QByteArray("rtrend") << 0;
+        QTest::newRow("form") << QByteArray("rboiler") << 0;
+        QTest::newRow("file") << QByteArray("rmanual") << 0;
+    }
+
+    void pasteFollowsTheClipboard() {
+        QFETCH(QByteArray, key);
+        QFETCH(int, kind);
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        for (int held = 0; held <= 5; ++held) {
+            putOnClipboard(QByteArray::number(held) + "\nkey;\n");
+            editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));
+            editor.view("tvRes")->setCurrentIndex(editor->row(key));
+            QCOMPARE(editor.action("actPaste")->isEnabled(), kind != 0 && held == kind);
         }
-        menu->close();
-    });
-    emit editor.view("tvRes")->customContextMenuRequested(QPoint(5, 5));
-    QCOMPARE(shown, QStringList({"Создать", "actLoadFiles", "actCut", "actPaste", "|", "actDelete",
-                                 "|", "actExtractFiles", "|", "actUnBlock", "|", "actOpenScheme"}));
-    QCOMPARE(made, QStringList({"actAddModule", "actAddFunction", "actAddFolder"}));
-}
+    }
 
-void TestResActions::aSelectionHoldsRowsThatAreAlike_data() {
-    QTest::addColumn<QStringList>("select"); // one after the other, as by Ctrl and a click
-    QTest::addColumn<QStringList>("remain");
-    QTest::newRow("siblings") << QStringList({"rlog", "rtable"}) << QStringList({"rlog", "rtable"});
-    QTest::newRow("folder siblings")
-        << QStringList({"trends", "alarms"}) << QStringList({"trends", "alarms"});
-    QTest::newRow("another parent") << QStringList({"rlog", "rtrend"}) << QStringList("rlog");
-    QTest::newRow("a folder beside") << QStringList({"rlog", "trends"}) << QStringList("rlog");
-    QTest::newRow("another kind") << QStringList({"mod", "fun"}) << QStringList("mod");
-    QTest::newRow("another area") << QStringList({"MenuResources", "FileResources"})
-                                  << QStringList("MenuResources");
-    QTest::newRow("file areas") << QStringList({"rmanual", "rpump"}) << QStringList("rmanual");
-}
+    void aRenamedFolderOfAKindOffersNothing() {
+        TestStore store;
+        fillCatalogue(store);
+        store.update("MenuResourceFolder",
+                     {{"KeyLink", QString("mod")}, {"caption", QString("программы")}});
+        store.update("MenuResourceFolder",
+                     {{"KeyLink", QString("fun")}, {"caption", QString("ФУНКЦИИ")}});
+        TestHost host(store);
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        editor.view("tvRes")->setCurrentIndex(editor->row("mod"));
+        QCOMPARE(enabledActions(*editor.module), QString());
+        editor.view("tvRes")->setCurrentIndex(editor->row("fun"));
+        QCOMPARE(enabledActions(*editor.module), QString("actAddFolder actAddFunction"));
+    }
 
-void TestResActions::aSelectionHoldsRowsThatAreAlike() {
-    QFETCH(QStringList, select);
-    QFETCH(QStringList, remain);
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    QItemSelectionModel* selection = editor.view("tvRes")->selectionModel();
-    for (const QString& key : select)
-        selection->select(editor->row(qPrintable(key)),
-                          QItemSelectionModel::Select | QItemSelectionModel::Rows);
-    QStringList keys;
-    for (const QModelIndex& row : selection->selectedRows())
-        keys << editor->m_resModel->getItemKeyLink(row);
-    keys.sort();
-    remain.sort();
-    QCOMPARE(keys, remain);
-}
+    void aRowOfAnUnknownKindOffersNothing() {
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        editor->m_resModel->setData(editor->row("rlog", ResColumn::Type), 5);
+        editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));
+        QCOMPARE(enabledActions(*editor.module), QString());
+    }
 
-void TestResActions::ofRowsSelectedAtOnceThoseLikeTheFirstRemain() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    QItemSelectionModel* selection = editor.view("tvRes")->selectionModel();
-    const auto keys = [&] {
-        QStringList list;
+    void aTopRowOfFilesOffersWhatTheFileAreaDoes() {
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        editor.store.update("MenuResource", {{"KeyLink", QString("rmanual")},
+                                             {"MenuResourceFolderKey", QString("nosuch")}});
+        editor.host.deliver(*editor.module);
+        QCOMPARE(editor->m_resModel->getItemLevel(editor->row("rmanual")), 0);
+        editor.view("tvRes")->setCurrentIndex(editor->row("rmanual"));
+        QCOMPARE(enabledActions(*editor.module), QString("actAddFolder actLoadFiles"));
+    }
+
+    void aLockedFormCanBeUnlocked() {
+        TestStore store;
+        fillCatalogue(store);
+        store.update("MenuResource",
+                     {{"KeyLink", QString("rboiler")}, {"UsersKey", QString("ueng")}});
+        store.update("MenuResource",
+                     {{"KeyLink", QString("rburner")}, {"UsersKey", QString("uother")}});
+        TestHost host(store);
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        for (const auto& [key, on] :
+             {std::pair{"rboiler", true}, std::pair{"rburner", true}, std::pair{"rdrum", false}}) {
+            editor.view("tvRes")->setCurrentIndex(editor->row(key));
+            QCOMPARE(editor.action("actUnBlock")->isEnabled(), on);
+        }
+    }
+
+    void theClipboardIsReadWithCare_data() {
+        QTest::addColumn<QByteArray>("payload");
+        QTest::addColumn<bool>("isForm");
+        QTest::newRow("forms") << QByteArray("3\na;\n") << true;
+        QTest::newRow("modules") << QByteArray("1\na;\n") << false;
+        QTest::newRow("no line feed") << QByteArray("3") << false;
+        QTest::newRow("nothing") << QByteArray("") << false;
+        QTest::newRow("no number") << QByteArray("three\n") << false;
+        QTest::newRow("too big") << QByteArray("4294967299\n") << false;
+        QTest::newRow("line feeds") << QByteArray("\n\n3\n") << false;
+    }
+
+    void theClipboardIsReadWithCare() {
+        QFETCH(QByteArray, payload);
+        TestStore store;
+        TestHost host(store);
+        ResProbe window(&host);
+        putOnClipboard(payload);
+        QTEST(window.checkClipBoardType(3), "isForm");
+        QApplication::clipboard()->setText("3\n");
+        QVERIFY(!window.checkClipBoardType(3));
+    }
+
+    void muteActionsDoNothing() {
+        TestStore store;
+        fillCatalogue(store);
+        store.update("MenuResource",
+                     {{"KeyLink", QString("rboiler")}, {"UsersKey", QString("ueng")}});
+        TestHost host(store);
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        QApplication::clipboard()->setText("before");
+        editor.view("tvRes")->setCurrentIndex(editor->row("rboiler"));
+        for (const char* name : {"actCopy", "actUnBlock"}) {
+            editor.action(name)->setEnabled(true);
+            editor.action(name)->trigger();
+        }
+        host.deliver(*editor.module);
+        QCOMPARE(editor->row("rboiler", ResColumn::Blocked).data(), QVariant(1));
+        QCOMPARE(QApplication::clipboard()->text(), QString("before"));
+    }
+
+    void theContextMenuShowsAllButCopying() {
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        editor.view("tvRes")->setCurrentIndex(editor->row("rtrend"));
+        QStringList shown;
+        QStringList made;
+        QTimer::singleShot(0, [&] {
+            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            if (!menu)
+                return;
+            for (const QAction* action : menu->actions()) {
+                shown << (action->isSeparator() ? "|"
+                          : action->menu()      ? action->text()
+                                                : action->objectName());
+                if (action->menu())
+                    for (const QAction* sub : action->menu()->actions())
+                        made << sub->objectName();
+            }
+            menu->close();
+        });
+        emit editor.view("tvRes")->customContextMenuRequested(QPoint(5, 5));
+        QCOMPARE(shown,
+                 QStringList({"Создать", "actLoadFiles", "actCut", "actPaste", "|", "actDelete",
+                              "|", "actExtractFiles", "|", "actUnBlock", "|", "actOpenScheme"}));
+        QCOMPARE(made, QStringList({"actAddModule", "actAddFunction", "actAddFolder"}));
+    }
+
+    void aSelectionHoldsRowsThatAreAlike_data() {
+        QTest::addColumn<QStringList>("select"); // one after the other, as by Ctrl and a click
+        QTest::addColumn<QStringList>("remain");
+        QTest::newRow("siblings") << QStringList({"rlog", "rtable"})
+                                  << QStringList({"rlog", "rtable"});
+        QTest::newRow("folder siblings")
+            << QStringList({"trends", "alarms"}) << QStringList({"trends", "alarms"});
+        QTest::newRow("another parent") << QStringList({"rlog", "rtrend"}) << QStringList("rlog");
+        QTest::newRow("a folder beside") << QStringList({"rlog", "trends"}) << QStringList("rlog");
+        QTest::newRow("another kind") << QStringList({"mod", "fun"}) << QStringList("mod");
+        QTest::newRow("another area")
+            << QStringList({"MenuResources", "FileResources"}) << QStringList("MenuResources");
+        QTest::newRow("file areas") << QStringList({"rmanual", "rpump"}) << QStringList("rmanual");
+    }
+
+    void aSelectionHoldsRowsThatAreAlike() {
+        QFETCH(QStringList, select);
+        QFETCH(QStringList, remain);
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        QItemSelectionModel* selection = editor.view("tvRes")->selectionModel();
+        for (const QString& key : select)
+            selection->select(editor->row(qPrintable(key)),
+                              QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        QStringList keys;
         for (const QModelIndex& row : selection->selectedRows())
-            list << editor->m_resModel->getItemKeyLink(row);
-        list.sort();
-        return list;
-    };
-    const auto rows = [&](std::initializer_list<const char*> list) {
-        QItemSelection range;
-        for (const char* key : list)
-            range.select(editor->row(key), editor->row(key, ResColumn::IsNew));
-        return range;
-    };
-    selection->select(rows({"rlog", "trends", "rtrend", "rtable", "rmanual"}),
-                      QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-    QCOMPARE(keys(), QStringList({"rlog", "rtable"}));
-    // What is selected already counts more than what comes.
-    selection->select(rows({"alarms", "trends", "rtrend"}),
-                      QItemSelectionModel::Select | QItemSelectionModel::Rows);
-    QCOMPARE(keys(), QStringList({"rlog", "rtable"}));
-}
+            keys << editor->m_resModel->getItemKeyLink(row);
+        keys.sort();
+        remain.sort();
+        QCOMPARE(keys, remain);
+    }
 
-void TestResActions::actionsFollowTheCurrentRowOnly() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    QTreeView* view = editor.view("tvRes");
-    view->setCurrentIndex(editor->row("trends"));
-    view->selectionModel()->setCurrentIndex(editor->row("alarms"), QItemSelectionModel::Select |
-                                                                       QItemSelectionModel::Rows);
-    QCOMPARE(view->selectionModel()->selectedRows().size(), 2);
-    QVERIFY(editor.action("actDelete")->isEnabled());
-}
+    void ofRowsSelectedAtOnceThoseLikeTheFirstRemain() {
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        QItemSelectionModel* selection = editor.view("tvRes")->selectionModel();
+        const auto keys = [&] {
+            QStringList list;
+            for (const QModelIndex& row : selection->selectedRows())
+                list << editor->m_resModel->getItemKeyLink(row);
+            list.sort();
+            return list;
+        };
+        const auto rows = [&](std::initializer_list<const char*> list) {
+            QItemSelection range;
+            for (const char* key : list)
+                range.select(editor->row(key), editor->row(key, ResColumn::IsNew));
+            return range;
+        };
+        selection->select(rows({"rlog", "trends", "rtrend", "rtable", "rmanual"}),
+                          QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+        QCOMPARE(keys(), QStringList({"rlog", "rtable"}));
+        // What is selected already counts more than what comes.
+        selection->select(rows({"alarms", "trends", "rtrend"}),
+                          QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        QCOMPARE(keys(), QStringList({"rlog", "rtable"}));
+    }
 
-void TestResActions::inAnEditTheActionsStay() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    editor.view("tvRes")->setCurrentIndex(editor->row("rcalc"));
-    editor->on_editor_valueChanged("caption", QString("Иное"));
-    editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));
-    QVERIFY(editor.action("actAddFunction")->isEnabled());
-    QVERIFY(!editor.action("actAddModule")->isEnabled());
-}
+    void actionsFollowTheCurrentRowOnly() {
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        QTreeView* view = editor.view("tvRes");
+        view->setCurrentIndex(editor->row("trends"));
+        view->selectionModel()->setCurrentIndex(
+            editor->row("alarms"), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        QCOMPARE(view->selectionModel()->selectedRows().size(), 2);
+        QVERIFY(editor.action("actDelete")->isEnabled());
+    }
+
+    void inAnEditTheActionsStay() {
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        editor.view("tvRes")->setCurrentIndex(editor->row("rcalc"));
+        editor->on_editor_valueChanged("caption", QString("Иное"));
+        editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));
+        QVERIFY(editor.action("actAddFunction")->isEnabled());
+        QVERIFY(!editor.action("actAddModule")->isEnabled());
+    }
+};
 
 QTEST_MAIN(TestResActions)
 #include "tst_res_actions.moc"

@@ -81,474 +81,440 @@ class TestResDeletion : public QObject {
     Q_OBJECT
 private slots:
     // Folders
-    void anEmptyFolderIsDeletedAtOnce();
-    void aFolderWithRowsOffersNoDeletion();
-    void whatOthersPutIntoAFolderKeepsIt_data();
-    void whatOthersPutIntoAFolderKeepsIt();
-    void anActionLeftSwitchedOnDeletesNoFullFolder_data();
-    void anActionLeftSwitchedOnDeletesNoFullFolder();
-    void aFolderWithoutAStructureStays();
-    void aRefusedFolderStays();
+    // Folders
+
+    void anEmptyFolderIsDeletedAtOnce() {
+        Deleting live;
+        live.makeCurrent("alarms");
+        QVERIFY(live.editor.action("actDelete")->isEnabled());
+        live.editor.action("actDelete")->trigger();
+        QCOMPARE(live.box(), QString());
+        QCOMPARE(live.written(), QString("MenuResourceFolder\n  -alarms\n"));
+        QVERIFY(live->row("alarms").isValid());
+        QVERIFY(orvo::seekKey(live->m_tabResFolder, "alarms"));
+        live.deliver();
+        QVERIFY(!live->row("alarms").isValid());
+        QVERIFY(!orvo::seekKey(live->m_tabResFolder, "alarms"));
+        QCOMPARE(live.currentKey(), QString("trends"));
+    }
+
+    void aFolderWithRowsOffersNoDeletion() {
+        Deleting live;
+        live.makeCurrent("trends");
+        QVERIFY(!live.editor.action("actDelete")->isEnabled());
+        live.makeCurrent("docs");
+        QVERIFY(!live.editor.action("actDelete")->isEnabled());
+    }
+
+    void whatOthersPutIntoAFolderKeepsIt_data() {
+        QTest::addColumn<QString>("what");
+        QTest::addColumn<bool>("told");
+        for (const char* what : {"resource", "folder"})
+            for (const bool told : {true, false})
+                QTest::addRow("%s %s", what, told ? "known here" : "not yet known here")
+                    << what << told;
+    }
+
+    void whatOthersPutIntoAFolderKeepsIt() {
+        QFETCH(QString, what);
+        QFETCH(bool, told);
+        Deleting live;
+        live.makeCurrent("alarms");
+        if (what == "resource")
+            addItem(live.store, "late", 1, "alarms", "Late", "Позже");
+        else
+            addFolder(live.store, "late", 1, "alarms", "Позже"); // has no row before the next start
+        if (told)
+            live.deliver();
+        QVERIFY(live.editor.action("actDelete")->isEnabled());
+        live.editor.action("actDelete")->trigger();
+        QCOMPARE(live.written(), QString());
+        QVERIFY2(live.box().startsWith("Ошибка\nНе удалено: папка «Аварии» не пуста."),
+                 qPrintable(live.box()));
+        live.deliver();
+        QVERIFY(orvo::seekKey(live->m_tabResFolder, "alarms"));
+    }
+
+    void anActionLeftSwitchedOnDeletesNoFullFolder_data() {
+        QTest::addColumn<QString>("folder");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("full") << "trends"
+                              << "Не удалено: папка «Тренды» не пуста";
+        QTest::newRow("of a kind") << "frm"
+                                   << "Не удалено: папка «формы отображения» держит все ресурсы";
+        QTest::newRow("top row") << "MenuResources"
+                                 << "Не удалено: папка «Ресурсы меню» держит все ресурсы";
+    }
+
+    void anActionLeftSwitchedOnDeletesNoFullFolder() {
+        QFETCH(QString, folder);
+        QFETCH(QString, reason);
+        Deleting live;
+        live.makeCurrent("rlog");
+        live.type("caption", "Дневник");
+        live.makeCurrent(qPrintable(folder)); // saves, and leaves the actions as they are
+        QVERIFY(live.editor.action("actDelete")->isEnabled());
+        live.forget();
+        live.editor.action("actDelete")->trigger();
+        QVERIFY2(live.box().contains(reason), qPrintable(live.box()));
+        QCOMPARE(live.written(), QString());
+    }
+
+    void aFolderWithoutAStructureStays() {
+        Deleting live;
+        live.makeCurrent("alarms");
+        const StructureOutage outage;
+        live.editor.action("actDelete")->trigger();
+        QCOMPARE(live.written(), QString());
+        QCOMPARE(live.box(), QString());
+    }
+
+    void aRefusedFolderStays() {
+        Deleting live;
+        live.makeCurrent("alarms");
+        live.host.writes().refusedTable = "MenuResourceFolder";
+        live.editor.action("actDelete")->trigger();
+        live.deliver();
+        QVERIFY(live->row("alarms").isValid());
+        QCOMPARE(live.host.failures.size(), 1);
+        QCOMPARE(live.box(), QString());
+    }
 
     // The question
-    void theQuestion_data();
-    void theQuestion();
-    void withoutACurrentRowThereIsNoQuestion();
-    void aNegativeAnswerLeavesNothingSelected();
-    void aClosedBoxIsANegativeAnswer();
-    void whatIsCurrentThenCounts();
-    void aRowThatIsGoneIsLeft();
-    void aRowWithoutAKindIsLeft();
+    // The question
 
-    // Modules and functions
-    void aModuleIsDeleted();
-    void aFunctionIsDeleted();
-    void ofSeveralModulesTheCurrentOneIsDeleted();
-    void aModuleThatMenusReferToStays();
-    void aModuleWithoutAStructureStays();
-    void aRefusedModuleStays();
+    void theQuestion_data() {
+        QTest::addColumn<QStringList>("selected");
+        QTest::addColumn<QString>("question");
+        const QString words =
+            "Уведомление\nВы действительно хотите удалить выделенные элементы (%1) "
+            "из списка %2";
+        QTest::newRow("module") << QStringList("rlog")
+                                << words.arg("1", "ресурсов меню?\nБудет удалено: модуль «Журнал» "
+                                                  "(Log).");
+        QTest::newRow("function") << QStringList("rcalc")
+                                  << words.arg("1",
+                                               "ресурсов меню?\nБудет удалено: функция «Расчёт» "
+                                               "(Calc).");
+        // Of several the current one goes.
+        QTest::newRow("modules") << QStringList({"rlog", "rtable"})
+                                 << words.arg("2", "ресурсов меню?\nБудет удалено: модуль «Архив» "
+                                                   "(Table).");
+        QTest::newRow("forms") << QStringList({"rboiler", "rburner"})
+                               << words.arg("2", "ресурсов меню?\nформа «Котёл» (Boiler)\n"
+                                                 "форма «Горелка» (Burner)");
+        QTest::newRow("file") << QStringList("rmanual")
+                              << words.arg("1", "системных ресурсов?\nфайл «Руководство» "
+                                                "(manual.txt)");
+        QTest::newRow("orphan") << QStringList("rlost")
+                                << words.arg("1", "ресурсов меню?\nформа «Потерянная» (Lost)");
+    }
 
-    // Forms
-    void theSelectedFormsAreDeleted();
-    void aFormThatMenusReferToIsDeletedAllTheSame();
-    void theFirstReferenceEndsTheSearch();
-    void whatIsNotHighlightedIsHighlightedBeforeTheQuestion();
-    void aRowThatIsCurrentAndNotHighlightedIsNotDeleted_data();
-    void aRowThatIsCurrentAndNotHighlightedIsNotDeleted();
-    void ofTwoFormsOfOneNameTheHighlightedOneGoes();
-
-    // Files
-    void theSelectedFilesAreDeleted();
-    void aFileAtTheTopIsDeleted();
-    void filesAreDeletedWhateverMenusReferTo();
-};
-
-// Folders ----------------------------------------------------------------------------------------
-
-void TestResDeletion::anEmptyFolderIsDeletedAtOnce() {
-    Deleting live;
-    live.makeCurrent("alarms");
-    QVERIFY(live.editor.action("actDelete")->isEnabled());
-    live.editor.action("actDelete")->trigger();
-    QCOMPARE(live.box(), QString());
-    QCOMPARE(live.written(), QString("MenuResourceFolder\n  -alarms\n"));
-    QVERIFY(live->row("alarms").isValid());
-    QVERIFY(orvo::seekKey(live->m_tabResFolder, "alarms"));
-    live.deliver();
-    QVERIFY(!live->row("alarms").isValid());
-    QVERIFY(!orvo::seekKey(live->m_tabResFolder, "alarms"));
-    QCOMPARE(live.currentKey(), QString("trends"));
-}
-
-void TestResDeletion::aFolderWithRowsOffersNoDeletion() {
-    Deleting live;
-    live.makeCurrent("trends");
-    QVERIFY(!live.editor.action("actDelete")->isEnabled());
-    live.makeCurrent("docs");
-    QVERIFY(!live.editor.action("actDelete")->isEnabled());
-}
-
-void TestResDeletion::whatOthersPutIntoAFolderKeepsIt_data() {
-    QTest::addColumn<QString>("what");
-    QTest::addColumn<bool>("told");
-    for (const char* what : {"resource", "folder"})
-        for (const bool told : {true, false})
-            QTest::addRow("%s %s", what, told ? "known here" : "not yet known here")
-                << what << told;
-}
-
-void TestResDeletion::whatOthersPutIntoAFolderKeepsIt() {
-    QFETCH(QString, what);
-    QFETCH(bool, told);
-    Deleting live;
-    live.makeCurrent("alarms");
-    if (what == "resource")
-        addItem(live.store, "late", 1, "alarms", "Late", "Позже");
-    else
-        addFolder(live.store, "late", 1, "alarms", "Позже"); // has no row before the next start
-    if (told)
-        live.deliver();
-    QVERIFY(live.editor.action("actDelete")->isEnabled());
-    live.editor.action("actDelete")->trigger();
-    QCOMPARE(live.written(), QString());
-    QVERIFY2(live.box().startsWith("Ошибка\nНе удалено: папка «Аварии» не пуста."),
-             qPrintable(live.box()));
-    live.deliver();
-    QVERIFY(orvo::seekKey(live->m_tabResFolder, "alarms"));
-}
-
-void TestResDeletion::anActionLeftSwitchedOnDeletesNoFullFolder_data() {
-    QTest::addColumn<QString>("folder");
-    QTest::addColumn<QString>("reason");
-    QTest::newRow("full") << "trends"
-                          << "Не удалено: папка «Тренды» не пуста";
-    QTest::newRow("of a kind") << "frm"
-                               << "Не удалено: папка «формы отображения» держит все ресурсы";
-    QTest::newRow("top row") << "MenuResources"
-                             << "Не удалено: папка «Ресурсы меню» держит все ресурсы";
-}
-
-void TestResDeletion::anActionLeftSwitchedOnDeletesNoFullFolder() {
-    QFETCH(QString, folder);
-    QFETCH(QString, reason);
-    Deleting live;
-    live.makeCurrent("rlog");
-    live.type("caption", "Дневник");
-    live.makeCurrent(qPrintable(folder)); // saves, and leaves the actions as they are
-    QVERIFY(live.editor.action("actDelete")->isEnabled());
-    live.forget();
-    live.editor.action("actDelete")->trigger();
-    QVERIFY2(live.box().contains(reason), qPrintable(live.box()));
-    QCOMPARE(live.written(), QString());
-}
-
-void TestResDeletion::aFolderWithoutAStructureStays() {
-    Deleting live;
-    live.makeCurrent("alarms");
-    const StructureOutage outage;
-    live.editor.action("actDelete")->trigger();
-    QCOMPARE(live.written(), QString());
-    QCOMPARE(live.box(), QString());
-}
-
-void TestResDeletion::aRefusedFolderStays() {
-    Deleting live;
-    live.makeCurrent("alarms");
-    live.host.writes().refusedTable = "MenuResourceFolder";
-    live.editor.action("actDelete")->trigger();
-    live.deliver();
-    QVERIFY(live->row("alarms").isValid());
-    QCOMPARE(live.host.failures.size(), 1);
-    QCOMPARE(live.box(), QString());
-}
-
-// The question -----------------------------------------------------------------------------------
-
-void TestResDeletion::theQuestion_data() {
-    QTest::addColumn<QStringList>("selected");
-    QTest::addColumn<QString>("question");
-    const QString words = "Уведомление\nВы действительно хотите удалить выделенные элементы (%1) "
-                          "из списка %2";
-    QTest::newRow("module") << QStringList("rlog")
-                            << words.arg("1", "ресурсов меню?\nБудет удалено: модуль «Журнал» "
-                                              "(Log).");
-    QTest::newRow("function") << QStringList("rcalc")
-                              << words.arg("1", "ресурсов меню?\nБудет удалено: функция «Расчёт» "
-                                                "(Calc).");
-    // Of several the current one goes.
-    QTest::newRow("modules") << QStringList({"rlog", "rtable"})
-                             << words.arg("2", "ресурсов меню?\nБудет удалено: модуль «Архив» "
-                                               "(Table).");
-    QTest::newRow("forms") << QStringList({"rboiler", "rburner"})
-                           << words.arg("2", "ресурсов меню?\nформа «Котёл» (Boiler)\n"
-                                             "форма «Горелка» (Burner)");
-    QTest::newRow("file") << QStringList("rmanual")
-                          << words.arg("1", "системных ресурсов?\nфайл «Руководство» "
-                                            "(manual.txt)");
-    QTest::newRow("orphan") << QStringList("rlost")
-                            << words.arg("1", "ресурсов меню?\nформа «Потерянная» (Lost)");
-}
-
-void TestResDeletion::theQuestion() {
-    QFETCH(QStringList, selected);
-    Deleting live;
-    live.makeCurrent(qPrintable(selected.first()));
-    for (const QString& key : selected)
-        live.view()->selectionModel()->setCurrentIndex(
-            live->row(qPrintable(key)), QItemSelectionModel::Select | QItemSelectionModel::Rows);
-    live.editor.action("actDelete")->setEnabled(true);
-    live.editor.action("actDelete")->trigger();
-    QTEST(live.box(), "question");
-    QVERIFY(boxButton(*live.editor.module, YesRole));
-    QVERIFY(boxButton(*live.editor.module, NoRole));
-    QCOMPARE(live.written(), QString());
-    QCOMPARE(live.jobs(), QStringList());
-}
-
-void TestResDeletion::withoutACurrentRowThereIsNoQuestion() {
-    Deleting live;
-    live.makeCurrent("rlog");
-    live->m_currentKey = "nosuch";
-    live->on_actDelete_triggered();
-    QCOMPARE(live.box(), QString());
-    QCOMPARE(live.written(), QString());
-}
-
-void TestResDeletion::aNegativeAnswerLeavesNothingSelected() {
-    Deleting live;
-    live.select({"rlog", "rtable"});
-    live.editor.action("actDelete")->trigger();
-    live.answer(NoRole);
-    QCOMPARE(live.box(), QString());
-    QVERIFY(!live.view()->selectionModel()->hasSelection());
-    QCOMPARE(live.currentKey(), QString("rtable"));
-    QCOMPARE(live.written(), QString());
-    QCOMPARE(live.jobs(), QStringList());
-}
-
-void TestResDeletion::aClosedBoxIsANegativeAnswer() {
-    Deleting live;
-    live.select({"rlog"});
-    live.editor.action("actDelete")->trigger();
-    live->removeResourceMessage(nullptr);
-    QCOMPARE(live.box(), QString());
-    QVERIFY(!live.view()->selectionModel()->hasSelection());
-    QCOMPARE(live.written(), QString());
-}
-
-void TestResDeletion::whatIsCurrentThenCounts() {
-    Deleting live;
-    live.makeCurrent("rlog");
-    live.editor.action("actDelete")->trigger();
-    live.makeCurrent("rcalc");
-    live.answer(YesRole);
-    QCOMPARE(live.written(), QString("MenuResource\n  -rcalc\n"));
-}
-
-void TestResDeletion::aRowThatIsGoneIsLeft() {
-    Deleting live;
-    live.makeCurrent("rlog");
-    live.editor.action("actDelete")->trigger();
-    live->m_currentKey = "nosuch";
-    live.answer(YesRole);
-    QCOMPARE(live.box(), QString());
-    QCOMPARE(live.written(), QString());
-    QCOMPARE(live.jobs(), QStringList());
-}
-
-void TestResDeletion::aRowWithoutAKindIsLeft() {
-    Deleting live;
-    for (const char* key : {"MenuResources", "WrongFolder"}) {
-        live.makeCurrent("rlog");
+    void theQuestion() {
+        QFETCH(QStringList, selected);
+        Deleting live;
+        live.makeCurrent(qPrintable(selected.first()));
+        for (const QString& key : selected)
+            live.view()->selectionModel()->setCurrentIndex(live->row(qPrintable(key)),
+                                                           QItemSelectionModel::Select |
+                                                               QItemSelectionModel::Rows);
+        live.editor.action("actDelete")->setEnabled(true);
         live.editor.action("actDelete")->trigger();
-        live.makeCurrent(key);
-        live.answer(YesRole);
+        QTEST(live.box(), "question");
+        QVERIFY(boxButton(*live.editor.module, YesRole));
+        QVERIFY(boxButton(*live.editor.module, NoRole));
         QCOMPARE(live.written(), QString());
         QCOMPARE(live.jobs(), QStringList());
     }
-}
 
-// Modules and functions --------------------------------------------------------------------------
-
-void TestResDeletion::aModuleIsDeleted() {
-    Deleting live;
-    live.makeCurrent("rlog");
-    live.confirm();
-    QCOMPARE(live.jobs(), QStringList("look up Menu MenuResourceKey rlog"));
-    QCOMPARE(live.written(), QString("MenuResource\n  -rlog\n"));
-    QCOMPARE(live.box(), QString());
-    QVERIFY(live->row("rlog").isValid());
-    live.deliver();
-    QVERIFY(!live->row("rlog").isValid());
-    QVERIFY(!orvo::seekKey(live->m_tabResource, "rlog"));
-    QCOMPARE(live.currentKey(), QString("rtable"));
-}
-
-void TestResDeletion::aFunctionIsDeleted() {
-    Deleting live;
-    live.makeCurrent("rcalc");
-    live.confirm();
-    QCOMPARE(live.written(), QString("MenuResource\n  -rcalc\n"));
-    live.deliver();
-    QCOMPARE(live.currentKey(), QString("calc"));
-}
-
-void TestResDeletion::ofSeveralModulesTheCurrentOneIsDeleted() {
-    Deleting live([](TestStore& store) {
-        addItem(store, "rextra", 1, "mod", "Extra", "Ещё");
-        refer(store, "rlog"); // selected, not current
-    });
-    live.select({"rlog", "rextra", "rtable"});
-    live.confirm();
-    QCOMPARE(live.box(), QString());
-    QCOMPARE(live.jobs(), QStringList("look up Menu MenuResourceKey rtable"));
-    QCOMPARE(live.written(), QString("MenuResource\n  -rtable\n"));
-}
-
-void TestResDeletion::aModuleThatMenusReferToStays() {
-    Deleting live([](TestStore& store) { refer(store, "rlog"); });
-    live.makeCurrent("rlog");
-    live.confirm();
-    QCOMPARE(live.box(), QString(referenced));
-    QCOMPARE(live.host.logLines.last().text,
-             QString("модуль «Журнал» (Log): ссылаются элементы меню: «Ссылка»"));
-    QCOMPARE(live.written(), QString());
-    live->on_common_error_message(nullptr);
-    QCOMPARE(live.box(), QString());
-    // Another client takes the reference away.
-    live.store.remove("Menu", "erlog");
-    live.confirm();
-    QCOMPARE(live.box(), QString());
-    QCOMPARE(live.written(), QString("MenuResource\n  -rlog\n"));
-}
-
-void TestResDeletion::aModuleWithoutAStructureStays() {
-    Deleting live;
-    live.makeCurrent("rlog");
-    const StructureOutage outage;
-    live.confirm();
-    QCOMPARE(live.written(), QString());
-    QCOMPARE(live.box(), QString());
-}
-
-void TestResDeletion::aRefusedModuleStays() {
-    Deleting live;
-    live.makeCurrent("rlog");
-    live.host.writes().refusedTable = "MenuResource";
-    live.confirm();
-    live.deliver();
-    QVERIFY(live->row("rlog").isValid());
-    QCOMPARE(live.box(), QString());
-}
-
-// Forms ------------------------------------------------------------------------------------------
-
-void TestResDeletion::theSelectedFormsAreDeleted() {
-    Deleting live(storeForms);
-    live.select({"rboiler", "rburner"});
-    live.confirm();
-    QCOMPARE(live.jobs(),
-             QStringList({"look up Menu MenuResourceKey rboiler",
-                          "look up Menu MenuResourceKey rburner", "delete forms Boiler Burner"}));
-    QCOMPARE(live.box(), QString());
-    QCOMPARE(live.written(), QString());
-    QCOMPARE(live.storedForms(), QStringList("Drum"));
-    QVERIFY(live->row("rboiler").isValid());
-    live.deliver();
-    QVERIFY(!live->row("rboiler").isValid());
-    QVERIFY(!live->row("rburner").isValid());
-    QVERIFY(live->row("rdrum").isValid());
-    QCOMPARE(live.host.failures, QStringList());
-}
-
-void TestResDeletion::aFormThatMenusReferToIsDeletedAllTheSame() {
-    Deleting live([](TestStore& store) {
-        storeForms(store);
-        refer(store, "rburner");
-    });
-    live.select({"rburner"});
-    live.confirm();
-    QCOMPARE(live.box(), QString(referenced));
-    QCOMPARE(live.jobs().last(), QString("delete forms Burner"));
-    QCOMPARE(live.storedForms(), QStringList({"Boiler", "Drum"}));
-    live.deliver();
-    QVERIFY(!live->row("rburner").isValid());
-    QCOMPARE(live.box(), QString(referenced));
-}
-
-void TestResDeletion::theFirstReferenceEndsTheSearch() {
-    Deleting live([](TestStore& store) {
-        storeForms(store);
-        addItem(store, "rpipe", 3, "boilers", "Pipe", "Труба");
-        refer(store, "rburner");
-    });
-    live.select({"rboiler", "rburner", "rpipe"});
-    live.confirm();
-    QCOMPARE(live.box(), QString(referenced));
-    QCOMPARE(live.jobs(), QStringList({"look up Menu MenuResourceKey rboiler",
-                                       "look up Menu MenuResourceKey rburner",
-                                       "delete forms Boiler Burner Pipe"}));
-}
-
-void TestResDeletion::whatIsNotHighlightedIsHighlightedBeforeTheQuestion() {
-    Deleting live(storeForms);
-    live.makeCurrent("rboiler");
-    live.editor.action("actDelete")->trigger();
-    live.answer(NoRole); // leaves nothing selected
-    live.editor.action("actDelete")->trigger();
-    QVERIFY(live.box().contains(" (1) "));
-    QVERIFY(live.box().endsWith("форма «Котёл» (Boiler)"));
-    QVERIFY(live.view()->selectionModel()->isRowSelected(live.current().row(),
-                                                         live.current().parent()));
-    live.answer(YesRole);
-    QCOMPARE(live.jobs().last(), QString("delete forms Boiler"));
-}
-
-void TestResDeletion::aRowThatIsCurrentAndNotHighlightedIsNotDeleted_data() {
-    QTest::addColumn<QString>("clicked");
-    QTest::newRow("another folder's") << "rtrend";
-    QTest::newRow("of another kind") << "rcalc";
-    QTest::newRow("a folder") << "alarms";
-}
-
-void TestResDeletion::aRowThatIsCurrentAndNotHighlightedIsNotDeleted() {
-    QFETCH(QString, clicked);
-    Deleting live;
-    live.view()->expandAll();
-    clickRow(live.view(), live->row("rlog"));
-    clickRow(live.view(), live->row(qPrintable(clicked)), Qt::ControlModifier);
-    QCOMPARE(live.currentKey(), clicked);
-    QVERIFY(
-        live.view()->selectionModel()->isRowSelected(live->row("rlog").row(), live->row("mod")));
-    live.editor.action("actDelete")->setEnabled(true);
-    live.editor.action("actDelete")->trigger();
-    QVERIFY2(live.box().endsWith("(1) из списка ресурсов меню?\nБудет удалено: модуль «Журнал» "
-                                 "(Log)."),
-             qPrintable(live.box()));
-    live.answer(YesRole);
-    QCOMPARE(live.written(), QString("MenuResource\n  -rlog\n"));
-}
-
-void TestResDeletion::ofTwoFormsOfOneNameTheHighlightedOneGoes() {
-    Deleting live([](TestStore& store) {
-        storeForms(store);
-        addItem(store, "rtwin", 3, "old", "Boiler", "Старый котёл");
-    });
-    for (const char* key : {"rtwin", "rboiler"}) {
-        live.makeCurrent(key);
-        live.confirm();
-        QVERIFY(!live.jobs().join(' ').contains(key == QString("rtwin") ? "delete" : "rtwin"));
-        live.deliver();
-        QVERIFY(!live->row(key).isValid());
-        if (key == QString("rtwin"))
-            QCOMPARE(live.storedForms(), QStringList({"Boiler", "Burner", "Drum"}));
+    void withoutACurrentRowThereIsNoQuestion() {
+        Deleting live;
+        live.makeCurrent("rlog");
+        live->m_currentKey = "nosuch";
+        live->on_actDelete_triggered();
+        QCOMPARE(live.box(), QString());
+        QCOMPARE(live.written(), QString());
     }
-    QCOMPARE(live.storedForms(), QStringList({"Burner", "Drum"}));
-}
 
-// Files ------------------------------------------------------------------------------------------
+    void aNegativeAnswerLeavesNothingSelected() {
+        Deleting live;
+        live.select({"rlog", "rtable"});
+        live.editor.action("actDelete")->trigger();
+        live.answer(NoRole);
+        QCOMPARE(live.box(), QString());
+        QVERIFY(!live.view()->selectionModel()->hasSelection());
+        QCOMPARE(live.currentKey(), QString("rtable"));
+        QCOMPARE(live.written(), QString());
+        QCOMPARE(live.jobs(), QStringList());
+    }
 
-void TestResDeletion::theSelectedFilesAreDeleted() {
-    Deleting live(storeFiles);
-    QVERIFY(findRow(*live->m_resModel, "note.txt", ResColumn::Name).isValid());
-    live.makeCurrent("rmanual");
-    live.view()->selectionModel()->setCurrentIndex(
-        findRow(*live->m_resModel, "note.txt", ResColumn::Name),
-        QItemSelectionModel::Select | QItemSelectionModel::Rows);
-    live.confirm();
-    QCOMPARE(live.jobs(), QStringList("delete files docs/manual.txt docs/note.txt"));
-    QCOMPARE(live.storedFiles(), QStringList({"/readme.txt", "docs/deep/low.txt"}));
-    QVERIFY(live->row("rmanual").isValid());
-    live.deliver();
-    QVERIFY(!live->row("rmanual").isValid());
-    QVERIFY(!findRow(*live->m_resModel, "note.txt", ResColumn::Name).isValid());
-    // Deeper, the path is longer.
-    live.makeCurrent(findRow(*live->m_resModel, "low.txt", ResColumn::Name));
-    live.confirm();
-    QCOMPARE(live.jobs(), QStringList("delete files docs/deep/low.txt"));
-    QCOMPARE(live.host.failures, QStringList());
-}
+    void aClosedBoxIsANegativeAnswer() {
+        Deleting live;
+        live.select({"rlog"});
+        live.editor.action("actDelete")->trigger();
+        live->removeResourceMessage(nullptr);
+        QCOMPARE(live.box(), QString());
+        QVERIFY(!live.view()->selectionModel()->hasSelection());
+        QCOMPARE(live.written(), QString());
+    }
 
-void TestResDeletion::aFileAtTheTopIsDeleted() {
-    Deleting live(storeFiles);
-    live.makeCurrent("rreadme");
-    live.confirm();
-    QCOMPARE(live.jobs(), QStringList("delete files /readme.txt"));
-    QVERIFY(!live.storedFiles().contains("/readme.txt"));
-    live.deliver();
-    QVERIFY(!live->row("rreadme").isValid());
-}
+    void whatIsCurrentThenCounts() {
+        Deleting live;
+        live.makeCurrent("rlog");
+        live.editor.action("actDelete")->trigger();
+        live.makeCurrent("rcalc");
+        live.answer(YesRole);
+        QCOMPARE(live.written(), QString("MenuResource\n  -rcalc\n"));
+    }
 
-void TestResDeletion::filesAreDeletedWhateverMenusReferTo() {
-    Deleting live([](TestStore& store) {
-        storeFiles(store);
-        refer(store, "rmanual");
-    });
-    live.makeCurrent("rmanual");
-    live.confirm();
-    QCOMPARE(live.box(), QString());
-    QCOMPARE(live.jobs(), QStringList("delete files docs/manual.txt"));
-}
+    void aRowThatIsGoneIsLeft() {
+        Deleting live;
+        live.makeCurrent("rlog");
+        live.editor.action("actDelete")->trigger();
+        live->m_currentKey = "nosuch";
+        live.answer(YesRole);
+        QCOMPARE(live.box(), QString());
+        QCOMPARE(live.written(), QString());
+        QCOMPARE(live.jobs(), QStringList());
+    }
+
+    void aRowWithoutAKindIsLeft() {
+        Deleting live;
+        for (const char* key : {"MenuResources", "WrongFolder"}) {
+            live.makeCurrent("rlog");
+            live.editor.action("actDelete")->trigger();
+            live.makeCurrent(key);
+            live.answer(YesRole);
+            QCOMPARE(live.written(), QString());
+            QCOMPARE(live.jobs(), QStringList());
+        }
+    }
+
+    // Modules and functions
+    // Modules and functions
+
+    void aModuleIsDeleted() {
+        Deleting live;
+        live.makeCurrent("rlog");
+        live.confirm();
+        QCOMPARE(live.jobs(), QStringList("look up Menu MenuResourceKey rlog"));
+        QCOMPARE(live.written(), QString("MenuResource\n  -rlog\n"));
+        QCOMPARE(live.box(), QString());
+        QVERIFY(live->row("rlog").isValid());
+        live.deliver();
+        QVERIFY(!live->row("rlog").isValid());
+        QVERIFY(!orvo::seekKey(live->m_tabResource, "rlog"));
+        QCOMPARE(live.currentKey(), QString("rtable"));
+    }
+
+    void aFunctionIsDeleted() {
+        Deleting live;
+        live.makeCurrent("rcalc");
+        live.confirm();
+        QCOMPARE(live.written(), QString("MenuResource\n  -rcalc\n"));
+        live.deliver();
+        QCOMPARE(live.currentKey(), QString("calc"));
+    }
+
+    void ofSeveralModulesTheCurrentOneIsDeleted() {
+        Deleting live([](TestStore& store) {
+            addItem(store, "rextra", 1, "mod", "Extra", "Ещё");
+            refer(store, "rlog"); // selected, not current
+        });
+        live.select({"rlog", "rextra", "rtable"});
+        live.confirm();
+        QCOMPARE(live.box(), QString());
+        QCOMPARE(live.jobs(), QStringList("look up Menu MenuResourceKey rtable"));
+        QCOMPARE(live.written(), QString("MenuResource\n  -rtable\n"));
+    }
+
+    void aModuleThatMenusReferToStays() {
+        Deleting live([](TestStore& store) { refer(store, "rlog"); });
+        live.makeCurrent("rlog");
+        live.confirm();
+        QCOMPARE(live.box(), QString(referenced));
+        QCOMPARE(live.host.logLines.last().text,
+                 QString("модуль «Журнал» (Log): ссылаются элементы меню: «Ссылка»"));
+        QCOMPARE(live.written(), QString());
+        live->on_common_error_message(nullptr);
+        QCOMPARE(live.box(), QString());
+        // Another client takes the reference away.
+        live.store.remove("Menu", "erlog");
+        live.confirm();
+        QCOMPARE(live.box(), QString());
+        QCOMPARE(live.written(), QString("MenuResource\n  -rlog\n"));
+    }
+
+    void aModuleWithoutAStructureStays() {
+        Deleting live;
+        live.makeCurrent("rlog");
+        const StructureOutage outage;
+        live.confirm();
+        QCOMPARE(live.written(), QString());
+        QCOMPARE(live.box(), QString());
+    }
+
+    void aRefusedModuleStays() {
+        Deleting live;
+        live.makeCurrent("rlog");
+        live.host.writes().refusedTable = "MenuResource";
+        live.confirm();
+        live.deliver();
+        QVERIFY(live->row("rlog").isValid());
+        QCOMPARE(live.box(), QString());
+    }
+
+    // Forms
+    // Forms
+
+    void theSelectedFormsAreDeleted() {
+        Deleting live(storeForms);
+        live.select({"rboiler", "rburner"});
+        live.confirm();
+        QCOMPARE(live.jobs(), QStringList({"look up Menu MenuResourceKey rboiler",
+                                           "look up Menu MenuResourceKey rburner",
+                                           "delete forms Boiler Burner"}));
+        QCOMPARE(live.box(), QString());
+        QCOMPARE(live.written(), QString());
+        QCOMPARE(live.storedForms(), QStringList("Drum"));
+        QVERIFY(live->row("rboiler").isValid());
+        live.deliver();
+        QVERIFY(!live->row("rboiler").isValid());
+        QVERIFY(!live->row("rburner").isValid());
+        QVERIFY(live->row("rdrum").isValid());
+        QCOMPARE(live.host.failures, QStringList());
+    }
+
+    void aFormThatMenusReferToIsDeletedAllTheSame() {
+        Deleting live([](TestStore& store) {
+            storeForms(store);
+            refer(store, "rburner");
+        });
+        live.select({"rburner"});
+        live.confirm();
+        QCOMPARE(live.box(), QString(referenced));
+        QCOMPARE(live.jobs().last(), QString("delete forms Burner"));
+        QCOMPARE(live.storedForms(), QStringList({"Boiler", "Drum"}));
+        live.deliver();
+        QVERIFY(!live->row("rburner").isValid());
+        QCOMPARE(live.box(), QString(referenced));
+    }
+
+    void theFirstReferenceEndsTheSearch() {
+        Deleting live([](TestStore& store) {
+            storeForms(store);
+            addItem(store, "rpipe", 3, "boilers", "Pipe", "Труба");
+            refer(store, "rburner");
+        });
+        live.select({"rboiler", "rburner", "rpipe"});
+        live.confirm();
+        QCOMPARE(live.box(), QString(referenced));
+        QCOMPARE(live.jobs(), QStringList({"look up Menu MenuResourceKey rboiler",
+                                           "look up Menu MenuResourceKey rburner",
+                                           "delete forms Boiler Burner Pipe"}));
+    }
+
+    void whatIsNotHighlightedIsHighlightedBeforeTheQuestion() {
+        Deleting live(storeForms);
+        live.makeCurrent("rboiler");
+        live.editor.action("actDelete")->trigger();
+        live.answer(NoRole); // leaves nothing selected
+        live.editor.action("actDelete")->trigger();
+        QVERIFY(live.box().contains(" (1) "));
+        QVERIFY(live.box().endsWith("форма «Котёл» (Boiler)"));
+        QVERIFY(live.view()->selectionModel()->isRowSelected(live.current().row(),
+                                                             live.current().parent()));
+        live.answer(YesRole);
+        QCOMPARE(live.jobs().last(), QString("delete forms Boiler"));
+    }
+
+    void aRowThatIsCurrentAndNotHighlightedIsNotDeleted_data() {
+        QTest::addColumn<QString>("clicked");
+        QTest::newRow("another folder's") << "rtrend";
+        QTest::newRow("of another kind") << "rcalc";
+        QTest::newRow("a folder") << "alarms";
+    }
+
+    void aRowThatIsCurrentAndNotHighlightedIsNotDeleted() {
+        QFETCH(QString, clicked);
+        Deleting live;
+        live.view()->expandAll();
+        clickRow(live.view(), live->row("rlog"));
+        clickRow(live.view(), live->row(qPrintable(clicked)), Qt::ControlModifier);
+        QCOMPARE(live.currentKey(), clicked);
+        QVERIFY(live.view()->selectionModel()->isRowSelected(live->row("rlog").row(),
+                                                             live->row("mod")));
+        live.editor.action("actDelete")->setEnabled(true);
+        live.editor.action("actDelete")->trigger();
+        QVERIFY2(live.box().endsWith("(1) из списка ресурсов меню?\nБудет удалено: модуль «Журнал» "
+                                     "(Log)."),
+                 qPrintable(live.box()));
+        live.answer(YesRole);
+        QCOMPARE(live.written(), QString("MenuResource\n  -rlog\n"));
+    }
+
+    void ofTwoFormsOfOneNameTheHighlightedOneGoes() {
+        Deleting live([](TestStore& store) {
+            storeForms(store);
+            addItem(store, "rtwin", 3, "old", "Boiler", "Старый котёл");
+        });
+        for (const char* key : {"rtwin", "rboiler"}) {
+            live.makeCurrent(key);
+            live.confirm();
+            QVERIFY(!live.jobs().join(' ').contains(key == QString("rtwin") ? "delete" : "rtwin"));
+            live.deliver();
+            QVERIFY(!live->row(key).isValid());
+            if (key == QString("rtwin"))
+                QCOMPARE(live.storedForms(), QStringList({"Boiler", "Burner", "Drum"}));
+        }
+        QCOMPARE(live.storedForms(), QStringList({"Burner", "Drum"}));
+    }
+
+    // Files
+    // Files
+
+    void theSelectedFilesAreDeleted() {
+        Deleting live(storeFiles);
+        QVERIFY(findRow(*live->m_resModel, "note.txt", ResColumn::Name).isValid());
+        live.makeCurrent("rmanual");
+        live.view()->selectionModel()->setCurrentIndex(
+            findRow(*live->m_resModel, "note.txt", ResColumn::Name),
+            QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        live.confirm();
+        QCOMPARE(live.jobs(), QStringList("delete files docs/manual.txt docs/note.txt"));
+        QCOMPARE(live.storedFiles(), QStringList({"/readme.txt", "docs/deep/low.txt"}));
+        QVERIFY(live->row("rmanual").isValid());
+        live.deliver();
+        QVERIFY(!live->row("rmanual").isValid());
+        QVERIFY(!findRow(*live->m_resModel, "note.txt", ResColumn::Name).isValid());
+        // Deeper, the path is longer.
+        live.makeCurrent(findRow(*live->m_resModel, "low.txt", ResColumn::Name));
+        live.confirm();
+        QCOMPARE(live.jobs(), QStringList("delete files docs/deep/low.txt"));
+        QCOMPARE(live.host.failures, QStringList());
+    }
+
+    void aFileAtTheTopIsDeleted() {
+        Deleting live(storeFiles);
+        live.makeCurrent("rreadme");
+        live.confirm();
+        QCOMPARE(live.jobs(), QStringList("delete files /readme.txt"));
+        QVERIFY(!live.storedFiles().contains("/readme.txt"));
+        live.deliver();
+        QVERIFY(!live->row("rreadme").isValid());
+    }
+
+    void filesAreDeletedWhateverMenusReferTo() {
+        Deleting live([](TestStore& store) {
+            storeFiles(store);
+            refer(store, "rmanual");
+        });
+        live.makeCurrent("rmanual");
+        live.confirm();
+        QCOMPARE(live.box(), QString());
+        QCOMPARE(live.jobs(), QStringList("delete files docs/manual.txt"));
+    }
+};
 
 QTEST_MAIN(TestResDeletion)
 #include "tst_res_deletion.moc"

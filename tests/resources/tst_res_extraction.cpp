@@ -108,465 +108,445 @@ public:
 class TestResExtraction : public QObject {
     Q_OBJECT
 private slots:
-    void pathsOfForms_data();
-    void pathsOfForms();
-    void pathsOfFiles_data();
-    void pathsOfFiles();
-    void pathsAreThoseOfTheRows();
-    void formsLandFlatInTheDirectory();
-    void filesAreWritten();
-    void severalFilesComeFromTheirPaths();
-    void theLaterFormOverwritesTheEarlier();
-    void emptyFilesAreNotCreated();
-    void equalNamesOverwriteEachOther();
-    void aCancelledDialogWritesNothing();
-    void foldersAndModulesAskNothing_data();
-    void foldersAndModulesAskNothing();
-    void namesThatLeaveTheDirectoryAreSkipped_data();
-    void namesThatLeaveTheDirectoryAreSkipped();
-    void whatCannotBeWrittenIsPassedOver();
-    void aFullDiskLeavesWhatWasThere();
-    void aDirectoryThatTakesNothingIsNamedInTheLog();
-    void aDirectoryThatVanishedIsNamedInTheLog();
-    void whatVanishedFromTheStoreIsReported_data();
-    void whatVanishedFromTheStoreIsReported();
-    void extractionLeavesEditAndTreeAsTheyAre();
-    void aFailedJobWritesNothing();
-    void theHostOpensTheForm_data();
-    void theHostOpensTheForm();
-    void withoutARecordTheHostHearsNothing();
-};
+    void pathsOfForms_data() {
+        QTest::addColumn<QString>("path");
+        QTest::newRow("frm") << "";
+        QTest::newRow("boilers") << "Котлы";
+        QTest::newRow("old") << "Котлы/Старые";
+    }
 
-void TestResExtraction::pathsOfForms_data() {
-    QTest::addColumn<QString>("path");
-    QTest::newRow("frm") << "";
-    QTest::newRow("boilers") << "Котлы";
-    QTest::newRow("old") << "Котлы/Старые";
-}
+    void pathsOfForms() {
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        QTEST(editor->getFormPath(editor->row(QTest::currentDataTag())), "path");
+    }
 
-void TestResExtraction::pathsOfForms() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    QTEST(editor->getFormPath(editor->row(QTest::currentDataTag())), "path");
-}
+    void pathsOfFiles_data() {
+        QTest::addColumn<QString>("path");
+        QTest::newRow("FileResources") << "";
+        QTest::newRow("rreadme") << "";
+        QTest::newRow("docs") << "docs";
+        QTest::newRow("rmanual") << "docs";
+        QTest::newRow("deep") << "docs/deep";
+        QTest::newRow("rdeep") << "docs/deep";
+    }
 
-void TestResExtraction::pathsOfFiles_data() {
-    QTest::addColumn<QString>("path");
-    QTest::newRow("FileResources") << "";
-    QTest::newRow("rreadme") << "";
-    QTest::newRow("docs") << "docs";
-    QTest::newRow("rmanual") << "docs";
-    QTest::newRow("deep") << "docs/deep";
-    QTest::newRow("rdeep") << "docs/deep";
-}
+    void pathsOfFiles() {
+        TestStore store;
+        fillCatalogue(store);
+        addItem(store, "rdeep", 4, "deep", "deep.txt", "Глубоко");
+        TestHost host(store);
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        QTEST(editor->getFilePath(editor->row(QTest::currentDataTag())), "path");
+    }
 
-void TestResExtraction::pathsOfFiles() {
-    TestStore store;
-    fillCatalogue(store);
-    addItem(store, "rdeep", 4, "deep", "deep.txt", "Глубоко");
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    QTEST(editor->getFilePath(editor->row(QTest::currentDataTag())), "path");
-}
+    void pathsAreThoseOfTheRows() {
+        TestStore store;
+        fillCatalogue(store);
+        addFolder(store, "bare", 4, "", "");
+        addFolder(store, "inbare", 4, "bare", "low");
+        addItem(store, "rinbare", 4, "bare", "x.txt", "X");
+        addItem(store, "rlow", 4, "inbare", "y.txt", "Y");
+        addFolder(store, "bareform", 3, "frm", "");
+        addFolder(store, "inbareform", 3, "bareform", "low");
+        TestHost host(store);
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        // A folder without a caption leaves no slash of its own in a path of files.
+        QCOMPARE(editor->getFilePath(editor->row("bare")), QString());
+        QCOMPARE(editor->getFilePath(editor->row("rinbare")), QString());
+        QCOMPARE(editor->getFilePath(editor->row("inbare")), QString("low"));
+        QCOMPARE(editor->getFilePath(editor->row("rlow")), QString("/low"));
+        QCOMPARE(editor->getFormPath(editor->row("inbareform")), QString("/low"));
+        // As the rows show them, not as the table has them.
+        editor->m_resModel->setData(editor->row("docs"), "бумаги", Qt::DisplayRole);
+        QCOMPARE(editor->getFilePath(editor->row("deep")), QString("бумаги/deep"));
+        editor->m_resModel->setData(editor->row("boilers"), "Печи", Qt::DisplayRole);
+        QCOMPARE(editor->getFormPath(editor->row("old")), QString("Печи/Старые"));
+    }
 
-void TestResExtraction::pathsAreThoseOfTheRows() {
-    TestStore store;
-    fillCatalogue(store);
-    addFolder(store, "bare", 4, "", "");
-    addFolder(store, "inbare", 4, "bare", "low");
-    addItem(store, "rinbare", 4, "bare", "x.txt", "X");
-    addItem(store, "rlow", 4, "inbare", "y.txt", "Y");
-    addFolder(store, "bareform", 3, "frm", "");
-    addFolder(store, "inbareform", 3, "bareform", "low");
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    // A folder without a caption leaves no slash of its own in a path of files.
-    QCOMPARE(editor->getFilePath(editor->row("bare")), QString());
-    QCOMPARE(editor->getFilePath(editor->row("rinbare")), QString());
-    QCOMPARE(editor->getFilePath(editor->row("inbare")), QString("low"));
-    QCOMPARE(editor->getFilePath(editor->row("rlow")), QString("/low"));
-    QCOMPARE(editor->getFormPath(editor->row("inbareform")), QString("/low"));
-    // As the rows show them, not as the table has them.
-    editor->m_resModel->setData(editor->row("docs"), "бумаги", Qt::DisplayRole);
-    QCOMPARE(editor->getFilePath(editor->row("deep")), QString("бумаги/deep"));
-    editor->m_resModel->setData(editor->row("boilers"), "Печи", Qt::DisplayRole);
-    QCOMPARE(editor->getFormPath(editor->row("old")), QString("Печи/Старые"));
-}
-
-void TestResExtraction::formsLandFlatInTheDirectory() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    put(host.ownStore().formPut(
-        "Котлы", {file("", "Boiler", std::string_view("a\0b", 3)), file("", "Boiler.png", "png")}));
-    put(host.ownStore().formPut("Котлы", {file("", "Burner", "burn")}));
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    QTemporaryDir target;
-    select(editor, {"rboiler", "rburner"});
-    QVERIFY(extract(editor, target.path()));
-    QCOMPARE(QDir(target.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
-             QStringList({"Boiler", "Boiler.png", "Burner"}));
-    QCOMPARE(content(target.filePath("Boiler")), QByteArray("a\0b", 3));
-    QCOMPARE(content(target.filePath("Burner")), QByteArray("burn"));
-    QVERIFY(!editor.view("tvRes")->selectionModel()->hasSelection());
-}
-
-void TestResExtraction::filesAreWritten() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    put(host.ownStore().filePut(
-        {file("docs", "manual.txt", "read me"), file("", "readme.txt", "top")}));
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    QTemporaryDir target;
-    select(editor, {"rmanual"});
-    QVERIFY(extract(editor, target.path()));
-    select(editor, {"rreadme"});
-    QVERIFY(extract(editor, target.path()));
-    QCOMPARE(content(target.filePath("manual.txt")), QByteArray("read me"));
-    QCOMPARE(content(target.filePath("readme.txt")), QByteArray("top"));
-}
-
-// Two files of one name in two folders are two files.
-void TestResExtraction::severalFilesComeFromTheirPaths() {
-    TestStore store;
-    fillCatalogue(store);
-    addItem(store, "rsame", 4, "deep", "manual.txt", "Руководство");
-    addItem(store, "rnote", 4, "deep", "note.txt", "Заметка");
-    TestHost host(store);
-    put(host.ownStore().filePut({file("docs", "manual.txt", "of docs"),
-                                 file("docs/deep", "manual.txt", "of deep"),
-                                 file("docs/deep", "note.txt", "note")}));
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    QTemporaryDir target;
-    select(editor, {"rsame", "rnote"});
-    QVERIFY(extract(editor, target.path()));
-    QCOMPARE(content(target.filePath("manual.txt")), QByteArray("of deep"));
-    QCOMPARE(content(target.filePath("note.txt")), QByteArray("note"));
-    select(editor, {"rmanual"});
-    QVERIFY(extract(editor, target.path()));
-    QCOMPARE(content(target.filePath("manual.txt")), QByteArray("of docs"));
-}
-
-void TestResExtraction::theLaterFormOverwritesTheEarlier() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    put(host.ownStore().formPut("Котлы", {file("", "Boiler", "1"), file("", "Boiler.png", "x")}));
-    put(host.ownStore().formPut("Котлы", {file("", "Burner", "2"), file("", "Burner.png", "y")}));
-    store.sql(
-        "UPDATE \"MenuResourceFile\" SET \"name_\" = 'common.png' WHERE \"name_\" LIKE '%.png'");
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    for (const auto& [first, second, last] :
-         {std::tuple{"rboiler", "rburner", "y"}, std::tuple{"rburner", "rboiler", "x"}}) {
+    void formsLandFlatInTheDirectory() {
+        TestStore store;
+        fillCatalogue(store);
+        TestHost host(store);
+        put(host.ownStore().formPut("Котлы", {file("", "Boiler", std::string_view("a\0b", 3)),
+                                              file("", "Boiler.png", "png")}));
+        put(host.ownStore().formPut("Котлы", {file("", "Burner", "burn")}));
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
         QTemporaryDir target;
-        select(editor, {first, second});
+        select(editor, {"rboiler", "rburner"});
         QVERIFY(extract(editor, target.path()));
-        QCOMPARE(QDir(target.path()).entryList(QDir::Files),
-                 QStringList({"Boiler", "Burner", "common.png"}));
-        QCOMPARE(content(target.filePath("common.png")), QByteArray(last));
+        QCOMPARE(QDir(target.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+                 QStringList({"Boiler", "Boiler.png", "Burner"}));
+        QCOMPARE(content(target.filePath("Boiler")), QByteArray("a\0b", 3));
+        QCOMPARE(content(target.filePath("Burner")), QByteArray("burn"));
+        QVERIFY(!editor.view("tvRes")->selectionModel()->hasSelection());
     }
-}
 
-void TestResExtraction::emptyFilesAreNotCreated() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    put(host.ownStore().formPut("Котлы", {file("", "Boiler", ""), file("", "Boiler.txt", "text")}));
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    QTemporaryDir target;
-    select(editor, {"rboiler"});
-    QVERIFY(extract(editor, target.path()));
-    QCOMPARE(QDir(target.path()).entryList(QDir::Files), QStringList("Boiler.txt"));
-    QCOMPARE(host.logLines.size(), 1);
-    QCOMPARE(host.logLines.first().text, QString("Файл «Boiler» не извлечён: файл пуст"));
-}
+    void filesAreWritten() {
+        TestStore store;
+        fillCatalogue(store);
+        TestHost host(store);
+        put(host.ownStore().filePut(
+            {file("docs", "manual.txt", "read me"), file("", "readme.txt", "top")}));
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        QTemporaryDir target;
+        select(editor, {"rmanual"});
+        QVERIFY(extract(editor, target.path()));
+        select(editor, {"rreadme"});
+        QVERIFY(extract(editor, target.path()));
+        QCOMPARE(content(target.filePath("manual.txt")), QByteArray("read me"));
+        QCOMPARE(content(target.filePath("readme.txt")), QByteArray("top"));
+    }
 
-void TestResExtraction::equalNamesOverwriteEachOther() {
-    TestStore store;
-    fillCatalogue(store);
-    addItem(store, "rother", 4, "docs", "note.txt", "Другое");
-    TestHost host(store);
-    put(host.ownStore().filePut({file("docs", "note.txt", "new")}));
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    QTemporaryDir target;
-    QFile old(target.filePath("note.txt"));
-    QVERIFY(old.open(QIODevice::WriteOnly));
-    old.write("a longer old text");
-    old.close();
-    select(editor, {"rother"});
-    QVERIFY(extract(editor, target.path()));
-    QCOMPARE(content(target.filePath("note.txt")), QByteArray("new"));
-}
+    // Two files of one name in two folders are two files.
+    void severalFilesComeFromTheirPaths() {
+        TestStore store;
+        fillCatalogue(store);
+        addItem(store, "rsame", 4, "deep", "manual.txt", "Руководство");
+        addItem(store, "rnote", 4, "deep", "note.txt", "Заметка");
+        TestHost host(store);
+        put(host.ownStore().filePut({file("docs", "manual.txt", "of docs"),
+                                     file("docs/deep", "manual.txt", "of deep"),
+                                     file("docs/deep", "note.txt", "note")}));
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        QTemporaryDir target;
+        select(editor, {"rsame", "rnote"});
+        QVERIFY(extract(editor, target.path()));
+        QCOMPARE(content(target.filePath("manual.txt")), QByteArray("of deep"));
+        QCOMPARE(content(target.filePath("note.txt")), QByteArray("note"));
+        select(editor, {"rmanual"});
+        QVERIFY(extract(editor, target.path()));
+        QCOMPARE(content(target.filePath("manual.txt")), QByteArray("of docs"));
+    }
 
-void TestResExtraction::aCancelledDialogWritesNothing() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    put(host.ownStore().formPut("Котлы", {file("", "Boiler", "1")}));
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    select(editor, {"rboiler"});
-    QVERIFY(extract(editor, QString()));
-    QVERIFY(!editor.view("tvRes")->selectionModel()->hasSelection());
-}
+    void theLaterFormOverwritesTheEarlier() {
+        TestStore store;
+        fillCatalogue(store);
+        TestHost host(store);
+        put(host.ownStore().formPut("Котлы",
+                                    {file("", "Boiler", "1"), file("", "Boiler.png", "x")}));
+        put(host.ownStore().formPut("Котлы",
+                                    {file("", "Burner", "2"), file("", "Burner.png", "y")}));
+        store.sql("UPDATE \"MenuResourceFile\" SET \"name_\" = 'common.png' WHERE \"name_\" LIKE "
+                  "'%.png'");
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        for (const auto& [first, second, last] :
+             {std::tuple{"rboiler", "rburner", "y"}, std::tuple{"rburner", "rboiler", "x"}}) {
+            QTemporaryDir target;
+            select(editor, {first, second});
+            QVERIFY(extract(editor, target.path()));
+            QCOMPARE(QDir(target.path()).entryList(QDir::Files),
+                     QStringList({"Boiler", "Burner", "common.png"}));
+            QCOMPARE(content(target.filePath("common.png")), QByteArray(last));
+        }
+    }
 
-void TestResExtraction::foldersAndModulesAskNothing_data() {
-    QTest::addColumn<bool>("staysSelected");
-    QTest::newRow("boilers") << true;
-    QTest::newRow("FileResources") << true;
-    QTest::newRow("rlog") << false;
-}
+    void emptyFilesAreNotCreated() {
+        TestStore store;
+        fillCatalogue(store);
+        TestHost host(store);
+        put(host.ownStore().formPut("Котлы",
+                                    {file("", "Boiler", ""), file("", "Boiler.txt", "text")}));
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        QTemporaryDir target;
+        select(editor, {"rboiler"});
+        QVERIFY(extract(editor, target.path()));
+        QCOMPARE(QDir(target.path()).entryList(QDir::Files), QStringList("Boiler.txt"));
+        QCOMPARE(host.logLines.size(), 1);
+        QCOMPARE(host.logLines.first().text, QString("Файл «Boiler» не извлечён: файл пуст"));
+    }
 
-void TestResExtraction::foldersAndModulesAskNothing() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    select(editor, {QTest::currentDataTag()});
-    QVERIFY(!extract(editor, QString()));
-    QTEST(editor.view("tvRes")->selectionModel()->hasSelection(), "staysSelected");
-}
+    void equalNamesOverwriteEachOther() {
+        TestStore store;
+        fillCatalogue(store);
+        addItem(store, "rother", 4, "docs", "note.txt", "Другое");
+        TestHost host(store);
+        put(host.ownStore().filePut({file("docs", "note.txt", "new")}));
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        QTemporaryDir target;
+        QFile old(target.filePath("note.txt"));
+        QVERIFY(old.open(QIODevice::WriteOnly));
+        old.write("a longer old text");
+        old.close();
+        select(editor, {"rother"});
+        QVERIFY(extract(editor, target.path()));
+        QCOMPARE(content(target.filePath("note.txt")), QByteArray("new"));
+    }
 
-void TestResExtraction::namesThatLeaveTheDirectoryAreSkipped_data() {
-    QTest::addColumn<QString>("name");
-    QTest::newRow("up") << "../evil.txt";
-    QTest::newRow("below") << "sub/evil.txt";
-    QTest::newRow("backslash") << "..\\evil.txt";
-    QTest::newRow("dots") << "..";
-    QTest::newRow("dot") << ".";
-    QTest::newRow("none") << "";
-    QTest::newRow("control") << "evil\n.txt";
-}
+    void aCancelledDialogWritesNothing() {
+        TestStore store;
+        fillCatalogue(store);
+        TestHost host(store);
+        put(host.ownStore().formPut("Котлы", {file("", "Boiler", "1")}));
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        select(editor, {"rboiler"});
+        QVERIFY(extract(editor, QString()));
+        QVERIFY(!editor.view("tvRes")->selectionModel()->hasSelection());
+    }
 
-// The store refuses such names; a database may hold them all the same.
-void TestResExtraction::namesThatLeaveTheDirectoryAreSkipped() {
-    QFETCH(QString, name);
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    put(host.ownStore().formPut("Котлы",
-                                {file("", "Boiler", "good"), file("", "Boiler.bad", "evil")}));
-    store.sql(qPrintable(
-        QString("UPDATE \"MenuResourceFile\" SET \"name_\" = '%1' WHERE \"name_\" = 'Boiler.bad'")
-            .arg(name)));
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    QTemporaryDir outer;
-    QDir(outer.path()).mkpath("target/sub");
-    select(editor, {"rboiler"});
-    QVERIFY(extract(editor, outer.filePath("target")));
-    QCOMPARE(content(outer.filePath("target/Boiler")), QByteArray("good"));
-    QCOMPARE(QDir(outer.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
-             QStringList("target"));
-    QCOMPARE(QDir(outer.filePath("target")).entryList(QDir::Files | QDir::Hidden),
-             QStringList("Boiler"));
-    QVERIFY(QDir(outer.filePath("target/sub")).isEmpty());
-}
+    void foldersAndModulesAskNothing_data() {
+        QTest::addColumn<bool>("staysSelected");
+        QTest::newRow("boilers") << true;
+        QTest::newRow("FileResources") << true;
+        QTest::newRow("rlog") << false;
+    }
 
-void TestResExtraction::whatCannotBeWrittenIsPassedOver() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    put(host.ownStore().formPut("Котлы",
-                                {file("", "Boiler", "one"), file("", "Boiler.txt", "two")}));
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    QTemporaryDir target;
-    // A directory stands in the way of the first file.
-    QDir(target.path()).mkpath("Boiler/inner");
-    select(editor, {"rboiler"});
-    QVERIFY(extract(editor, target.path()));
-    QVERIFY(QDir(target.filePath("Boiler/inner")).exists());
-    QCOMPARE(content(target.filePath("Boiler.txt")), QByteArray("two"));
-    QCOMPARE(host.logLines.size(), 1);
-    QCOMPARE(host.logLines.first().level, 5);
-    QCOMPARE(host.logLines.first().place, QString("OrvoResources::on_actExtractFiles_triggered"));
-    QVERIFY(host.logLines.first().text.contains(target.filePath("Boiler")));
-    QVERIFY(!editor->m_popMessageBox);
-}
+    void foldersAndModulesAskNothing() {
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        select(editor, {QTest::currentDataTag()});
+        QVERIFY(!extract(editor, QString()));
+        QTEST(editor.view("tvRes")->selectionModel()->hasSelection(), "staysSelected");
+    }
 
-void TestResExtraction::aFullDiskLeavesWhatWasThere() {
-    QTemporaryDir target;
-    const Mounted small(target.path(), "size=64k");
-    if (!small.done())
-        QSKIP("a small file system can be mounted by the administrator only");
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    const std::string large(200 << 10, 'x');
-    put(host.ownStore().formPut("Котлы",
-                                {file("", "Boiler", large), file("", "Boiler.txt", "two")}));
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    QFile old(target.filePath("Boiler"));
-    QVERIFY(old.open(QIODevice::WriteOnly) && old.write("old") == 3);
-    old.close();
-    select(editor, {"rboiler"});
-    QVERIFY(extract(editor, target.path()));
-    QCOMPARE(content(target.filePath("Boiler")), QByteArray("old"));
-    QCOMPARE(content(target.filePath("Boiler.txt")), QByteArray("two"));
-    QCOMPARE(QDir(target.path()).entryList(QDir::Files | QDir::Hidden),
-             QStringList({"Boiler", "Boiler.txt"}));
-    QCOMPARE(host.logLines.size(), 1);
-    QVERIFY2(host.logLines.first().text.contains(qt_error_string(ENOSPC)),
-             qPrintable(host.logLines.first().text));
-    QVERIFY(!editor->m_popMessageBox);
-    QVERIFY(!editor.view("tvRes")->selectionModel()->hasSelection());
-}
+    void namesThatLeaveTheDirectoryAreSkipped_data() {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("up") << "../evil.txt";
+        QTest::newRow("below") << "sub/evil.txt";
+        QTest::newRow("backslash") << "..\\evil.txt";
+        QTest::newRow("dots") << "..";
+        QTest::newRow("dot") << ".";
+        QTest::newRow("none") << "";
+        QTest::newRow("control") << "evil\n.txt";
+    }
 
-void TestResExtraction::aDirectoryThatTakesNothingIsNamedInTheLog() {
-    QTemporaryDir target;
-    QFile::setPermissions(target.path(), QFile::ReadOwner | QFile::ExeOwner);
-    Mounted readOnly(target.path(), "size=64k");
-    const bool mayWrite = QFileInfo(target.path()).isWritable(); // not of everybody
-    if (mayWrite && !(readOnly.done() && readOnly.makeReadOnly()))
-        QSKIP("no directory is unwritable here");
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    put(host.ownStore().formPut("Котлы", {file("", "Boiler", "1"), file("", "Boiler.txt", "2")}));
-    put(host.ownStore().filePut({file("docs", "manual.txt", "3")}));
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    select(editor, {"rboiler"});
-    QVERIFY(extract(editor, target.path()));
-    QCOMPARE(host.logLines.size(), 2);
-    select(editor, {"rmanual"});
-    QVERIFY(extract(editor, target.path()));
-    QCOMPARE(host.logLines.size(), 3);
-    QVERIFY(host.logLines.last().text.contains("manual.txt"));
-    QVERIFY(QDir(target.path()).isEmpty());
-    QVERIFY(!editor->m_popMessageBox);
-    QFile::setPermissions(target.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-}
+    // The store refuses such names; a database may hold them all the same.
+    void namesThatLeaveTheDirectoryAreSkipped() {
+        QFETCH(QString, name);
+        TestStore store;
+        fillCatalogue(store);
+        TestHost host(store);
+        put(host.ownStore().formPut("Котлы",
+                                    {file("", "Boiler", "good"), file("", "Boiler.bad", "evil")}));
+        store.sql(qPrintable(
+            QString(
+                "UPDATE \"MenuResourceFile\" SET \"name_\" = '%1' WHERE \"name_\" = 'Boiler.bad'")
+                .arg(name)));
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        QTemporaryDir outer;
+        QDir(outer.path()).mkpath("target/sub");
+        select(editor, {"rboiler"});
+        QVERIFY(extract(editor, outer.filePath("target")));
+        QCOMPARE(content(outer.filePath("target/Boiler")), QByteArray("good"));
+        QCOMPARE(QDir(outer.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+                 QStringList("target"));
+        QCOMPARE(QDir(outer.filePath("target")).entryList(QDir::Files | QDir::Hidden),
+                 QStringList("Boiler"));
+        QVERIFY(QDir(outer.filePath("target/sub")).isEmpty());
+    }
 
-void TestResExtraction::aDirectoryThatVanishedIsNamedInTheLog() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    put(host.ownStore().formPut("Котлы", {file("", "Boiler", "1")}));
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    QTemporaryDir outer;
-    const QString target = outer.filePath("target");
-    QVERIFY(QDir().mkpath(target));
-    select(editor, {"rboiler"});
-    QVERIFY(extract(editor, target, [&] { QVERIFY(QDir().rmdir(target)); }));
-    QCOMPARE(host.logLines.size(), 1);
-    QVERIFY(host.logLines.first().text.contains("Boiler"));
-    QVERIFY(QDir(outer.path()).isEmpty());
-}
+    void whatCannotBeWrittenIsPassedOver() {
+        TestStore store;
+        fillCatalogue(store);
+        TestHost host(store);
+        put(host.ownStore().formPut("Котлы",
+                                    {file("", "Boiler", "one"), file("", "Boiler.txt", "two")}));
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        QTemporaryDir target;
+        // A directory stands in the way of the first file.
+        QDir(target.path()).mkpath("Boiler/inner");
+        select(editor, {"rboiler"});
+        QVERIFY(extract(editor, target.path()));
+        QVERIFY(QDir(target.filePath("Boiler/inner")).exists());
+        QCOMPARE(content(target.filePath("Boiler.txt")), QByteArray("two"));
+        QCOMPARE(host.logLines.size(), 1);
+        QCOMPARE(host.logLines.first().level, 5);
+        QCOMPARE(host.logLines.first().place,
+                 QString("OrvoResources::on_actExtractFiles_triggered"));
+        QVERIFY(host.logLines.first().text.contains(target.filePath("Boiler")));
+        QVERIFY(!editor->m_popMessageBox);
+    }
 
-void TestResExtraction::whatVanishedFromTheStoreIsReported_data() {
-    QTest::addColumn<QString>("sql");
-    QTest::addColumn<QByteArray>("key");
-    QTest::newRow("content of a form")
-        << "DELETE FROM \"MenuResourceFile\"" << QByteArray("rboiler");
-    QTest::newRow("form") << "DELETE FROM \"MenuResource\" WHERE \"KeyLink\" = 'rboiler'"
-                          << QByteArray("rboiler");
-    QTest::newRow("content of a file")
-        << "DELETE FROM \"MenuResourceFile\"" << QByteArray("rmanual");
-    QTest::newRow("file") << "DELETE FROM \"MenuResource\" WHERE \"KeyLink\" = 'rmanual'"
-                          << QByteArray("rmanual");
-    QTest::newRow("folder of a file")
-        << "DELETE FROM \"MenuResourceFolder\" WHERE \"KeyLink\" = 'docs'" << QByteArray("rmanual");
-}
+    void aFullDiskLeavesWhatWasThere() {
+        QTemporaryDir target;
+        const Mounted small(target.path(), "size=64k");
+        if (!small.done())
+            QSKIP("a small file system can be mounted by the administrator only");
+        TestStore store;
+        fillCatalogue(store);
+        TestHost host(store);
+        const std::string large(200 << 10, 'x');
+        put(host.ownStore().formPut("Котлы",
+                                    {file("", "Boiler", large), file("", "Boiler.txt", "two")}));
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        QFile old(target.filePath("Boiler"));
+        QVERIFY(old.open(QIODevice::WriteOnly) && old.write("old") == 3);
+        old.close();
+        select(editor, {"rboiler"});
+        QVERIFY(extract(editor, target.path()));
+        QCOMPARE(content(target.filePath("Boiler")), QByteArray("old"));
+        QCOMPARE(content(target.filePath("Boiler.txt")), QByteArray("two"));
+        QCOMPARE(QDir(target.path()).entryList(QDir::Files | QDir::Hidden),
+                 QStringList({"Boiler", "Boiler.txt"}));
+        QCOMPARE(host.logLines.size(), 1);
+        QVERIFY2(host.logLines.first().text.contains(qt_error_string(ENOSPC)),
+                 qPrintable(host.logLines.first().text));
+        QVERIFY(!editor->m_popMessageBox);
+        QVERIFY(!editor.view("tvRes")->selectionModel()->hasSelection());
+    }
 
-void TestResExtraction::whatVanishedFromTheStoreIsReported() {
-    QFETCH(QString, sql);
-    QFETCH(QByteArray, key);
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    put(host.ownStore().formPut("Котлы", {file("", "Boiler", "1")}));
-    put(host.ownStore().filePut({file("docs", "manual.txt", "3")}));
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    QTemporaryDir target;
-    select(editor, {key.constData()});
-    QVERIFY(extract(editor, target.path(), [&] { store.sql(qPrintable(sql)); }));
-    QVERIFY(QDir(target.path()).isEmpty());
-    QCOMPARE(host.failures.size(), 1);
-    QVERIFY(!editor->m_popMessageBox);
-}
+    void aDirectoryThatTakesNothingIsNamedInTheLog() {
+        QTemporaryDir target;
+        QFile::setPermissions(target.path(), QFile::ReadOwner | QFile::ExeOwner);
+        Mounted readOnly(target.path(), "size=64k");
+        const bool mayWrite = QFileInfo(target.path()).isWritable(); // not of everybody
+        if (mayWrite && !(readOnly.done() && readOnly.makeReadOnly()))
+            QSKIP("no directory is unwritable here");
+        TestStore store;
+        fillCatalogue(store);
+        TestHost host(store);
+        put(host.ownStore().formPut("Котлы",
+                                    {file("", "Boiler", "1"), file("", "Boiler.txt", "2")}));
+        put(host.ownStore().filePut({file("docs", "manual.txt", "3")}));
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        select(editor, {"rboiler"});
+        QVERIFY(extract(editor, target.path()));
+        QCOMPARE(host.logLines.size(), 2);
+        select(editor, {"rmanual"});
+        QVERIFY(extract(editor, target.path()));
+        QCOMPARE(host.logLines.size(), 3);
+        QVERIFY(host.logLines.last().text.contains("manual.txt"));
+        QVERIFY(QDir(target.path()).isEmpty());
+        QVERIFY(!editor->m_popMessageBox);
+        QFile::setPermissions(target.path(),
+                              QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
 
-void TestResExtraction::extractionLeavesEditAndTreeAsTheyAre() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    put(host.ownStore().formPut("Котлы", {file("", "Boiler", "1")}));
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    const QString before = editor->tableText("MenuResource");
-    QTemporaryDir target;
-    editor.view("tvRes")->setCurrentIndex(editor->row("rboiler"));
-    editor->on_editor_valueChanged("caption", QString("Иное"));
-    QVERIFY(extract(editor, target.path()));
-    QCOMPARE(editor->m_editState, uint32_t(ResProbe::EditRow));
-    QCOMPARE(editor->tableText("MenuResource"), before);
-    QVERIFY(editor->row("rboiler").isValid());
-    QCOMPARE(host.writes().take(), QString());
-}
+    void aDirectoryThatVanishedIsNamedInTheLog() {
+        TestStore store;
+        fillCatalogue(store);
+        TestHost host(store);
+        put(host.ownStore().formPut("Котлы", {file("", "Boiler", "1")}));
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        QTemporaryDir outer;
+        const QString target = outer.filePath("target");
+        QVERIFY(QDir().mkpath(target));
+        select(editor, {"rboiler"});
+        QVERIFY(extract(editor, target, [&] { QVERIFY(QDir().rmdir(target)); }));
+        QCOMPARE(host.logLines.size(), 1);
+        QVERIFY(host.logLines.first().text.contains("Boiler"));
+        QVERIFY(QDir(outer.path()).isEmpty());
+    }
 
-void TestResExtraction::aFailedJobWritesNothing() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    editor.store.sql("ALTER TABLE \"MenuResourceFile\" RENAME TO \"Away\"");
-    QTemporaryDir target;
-    select(editor, {"rboiler"});
-    QVERIFY(extract(editor, target.path()));
-    QVERIFY(QDir(target.path()).isEmpty());
-    QCOMPARE(editor.host.failures.size(), 1);
-    editor.store.sql("ALTER TABLE \"Away\" RENAME TO \"MenuResourceFile\"");
-}
+    void whatVanishedFromTheStoreIsReported_data() {
+        QTest::addColumn<QString>("sql");
+        QTest::addColumn<QByteArray>("key");
+        QTest::newRow("content of a form")
+            << "DELETE FROM \"MenuResourceFile\"" << QByteArray("rboiler");
+        QTest::newRow("form") << "DELETE FROM \"MenuResource\" WHERE \"KeyLink\" = 'rboiler'"
+                              << QByteArray("rboiler");
+        QTest::newRow("content of a file")
+            << "DELETE FROM \"MenuResourceFile\"" << QByteArray("rmanual");
+        QTest::newRow("file") << "DELETE FROM \"MenuResource\" WHERE \"KeyLink\" = 'rmanual'"
+                              << QByteArray("rmanual");
+        QTest::newRow("folder of a file")
+            << "DELETE FROM \"MenuResourceFolder\" WHERE \"KeyLink\" = 'docs'"
+            << QByteArray("rmanual");
+    }
 
-void TestResExtraction::theHostOpensTheForm_data() {
-    QTest::addColumn<QString>("params");
-    QTest::addColumn<QByteArray>("argument");
-    QTest::newRow("without parameters") << QString() << QByteArray("\xca\xee\xf2\xb8\xeb");
-    QTest::newRow("with parameters") << "p=1" << QByteArray("\xca\xee\xf2\xb8\xeb;p=1");
-}
+    void whatVanishedFromTheStoreIsReported() {
+        QFETCH(QString, sql);
+        QFETCH(QByteArray, key);
+        TestStore store;
+        fillCatalogue(store);
+        TestHost host(store);
+        put(host.ownStore().formPut("Котлы", {file("", "Boiler", "1")}));
+        put(host.ownStore().filePut({file("docs", "manual.txt", "3")}));
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        QTemporaryDir target;
+        select(editor, {key.constData()});
+        QVERIFY(extract(editor, target.path(), [&] { store.sql(qPrintable(sql)); }));
+        QVERIFY(QDir(target.path()).isEmpty());
+        QCOMPARE(host.failures.size(), 1);
+        QVERIFY(!editor->m_popMessageBox);
+    }
 
-void TestResExtraction::theHostOpensTheForm() {
-    QFETCH(QString, params);
-    TestStore store;
-    fillCatalogue(store);
-    store.update(
-        "MenuResource",
-        {{"KeyLink", QString("rboiler")}, {"name_", QString("Котёл")}, {"params", params}});
-    CallingHost host(store);
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    editor.view("tvRes")->setCurrentIndex(editor->row("rboiler"));
-    editor.action("actOpenScheme")->trigger();
-    QCOMPARE(host.calls.size(), 1);
-    QCOMPARE(host.calls.first().code, 64);
-    QVERIFY(!host.calls.first().reserved);
-    QCOMPARE(host.calls.first().command, QByteArray("RUN_FILE"));
-    QTEST(host.calls.first().argument, "argument");
-}
+    void extractionLeavesEditAndTreeAsTheyAre() {
+        TestStore store;
+        fillCatalogue(store);
+        TestHost host(store);
+        put(host.ownStore().formPut("Котлы", {file("", "Boiler", "1")}));
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        const QString before = editor->tableText("MenuResource");
+        QTemporaryDir target;
+        editor.view("tvRes")->setCurrentIndex(editor->row("rboiler"));
+        editor->on_editor_valueChanged("caption", QString("Иное"));
+        QVERIFY(extract(editor, target.path()));
+        QCOMPARE(editor->m_editState, uint32_t(ResProbe::EditRow));
+        QCOMPARE(editor->tableText("MenuResource"), before);
+        QVERIFY(editor->row("rboiler").isValid());
+        QCOMPARE(host.writes().take(), QString());
+    }
 
-void TestResExtraction::withoutARecordTheHostHearsNothing() {
-    TestStore store;
-    fillCatalogue(store);
-    store.update("MenuResource", {{"KeyLink", QString("rboiler")}, {"name_", QString()}});
-    CallingHost host(store);
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    for (const char* key : {"boilers", "rboiler", "MenuResources"}) {
-        editor.view("tvRes")->setCurrentIndex(editor->row(key));
-        editor.action("actOpenScheme")->setEnabled(true);
+    void aFailedJobWritesNothing() {
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        editor.store.sql("ALTER TABLE \"MenuResourceFile\" RENAME TO \"Away\"");
+        QTemporaryDir target;
+        select(editor, {"rboiler"});
+        QVERIFY(extract(editor, target.path()));
+        QVERIFY(QDir(target.path()).isEmpty());
+        QCOMPARE(editor.host.failures.size(), 1);
+        editor.store.sql("ALTER TABLE \"Away\" RENAME TO \"MenuResourceFile\"");
+    }
+
+    void theHostOpensTheForm_data() {
+        QTest::addColumn<QString>("params");
+        QTest::addColumn<QByteArray>("argument");
+        QTest::newRow("without parameters") << QString() << QByteArray("\xca\xee\xf2\xb8\xeb");
+        QTest::newRow("with parameters") << "p=1" << QByteArray("\xca\xee\xf2\xb8\xeb;p=1");
+    }
+
+    void theHostOpensTheForm() {
+        QFETCH(QString, params);
+        TestStore store;
+        fillCatalogue(store);
+        store.update(
+            "MenuResource",
+            {{"KeyLink", QString("rboiler")}, {"name_", QString("Котёл")}, {"params", params}});
+        CallingHost host(store);
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        editor.view("tvRes")->setCurrentIndex(editor->row("rboiler"));
         editor.action("actOpenScheme")->trigger();
+        QCOMPARE(host.calls.size(), 1);
+        QCOMPARE(host.calls.first().code, 64);
+        QVERIFY(!host.calls.first().reserved);
+        QCOMPARE(host.calls.first().command, QByteArray("RUN_FILE"));
+        QTEST(host.calls.first().argument, "argument");
     }
-    QVERIFY(host.calls.isEmpty());
-}
+
+    void withoutARecordTheHostHearsNothing() {
+        TestStore store;
+        fillCatalogue(store);
+        store.update("MenuResource", {{"KeyLink", QString("rboiler")}, {"name_", QString()}});
+        CallingHost host(store);
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        for (const char* key : {"boilers", "rboiler", "MenuResources"}) {
+            editor.view("tvRes")->setCurrentIndex(editor->row(key));
+            editor.action("actOpenScheme")->setEnabled(true);
+            editor.action("actOpenScheme")->trigger();
+        }
+        QVERIFY(host.calls.isEmpty());
+    }
+};
 
 QTEST_MAIN(TestResExtraction)
 #include "tst_res_extraction.moc"

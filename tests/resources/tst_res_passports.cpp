@@ -43,199 +43,186 @@ QStringList rowsOf(const PropModel& model, const QModelIndex& parent = {}) {
 class TestResPassports : public QObject {
     Q_OBJECT
 private slots:
-    void aFolderHasThreeRows();
-    void aNewFolderOpensItsCaption();
-    void aNewModuleOpensNothing();
-    void aModuleHasSixRows();
-    void theTypeOfAFileIsEmpty();
-    void aFormShowsItsFiles();
-    void aFormWithoutFilesShowsTheCommonRows();
-    void emptyFilesAreCountedNotShown();
-    void aFileWithoutTimeShowsNone();
-    void aFileShowsTheOddYear();
-    void aFailedJobLeavesTheCommonRows();
-    void theFixedRowsHaveFolderPassports();
-    void aRowOfAnUnknownKindIsNotExpanded();
-    void aFileWithoutContentShowsTheCommonRows();
-};
-
-void TestResPassports::aFolderHasThreeRows() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    editor.view("tvRes")->setCurrentIndex(editor->row("trends"));
-    QCOMPARE(rowsOf(*editor->m_propModel),
-             QStringList({"properties: Свойства", "keylink Идентификатор=trends", "type Тип=папка",
-                          "caption* Наименование=Тренды"}));
-    QVERIFY(editor.view("tvProp")->isExpanded(editor->m_propModel->index(0, 0)));
-    QVERIFY(editor.view("tvProp")->findChildren<QLineEdit*>().isEmpty());
-}
-
-void TestResPassports::aNewFolderOpensItsCaption() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    editor->m_resModel->setData(editor->row("trends", ResColumn::IsNew), true);
-    editor.view("tvRes")->setCurrentIndex(editor->row("trends"));
-    const auto* line = editor.view("tvProp")->findChild<QLineEdit*>();
-    QVERIFY(line);
-    QCOMPARE(line->text(), QString("Тренды"));
-}
-
-void TestResPassports::aNewModuleOpensNothing() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    editor->m_resModel->setData(editor->row("rlog", ResColumn::IsNew), true);
-    editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));
-    QVERIFY(editor.view("tvProp")->findChildren<QLineEdit*>().isEmpty());
-    // What it starts can still be named.
-    QVERIFY(rowsOf(*editor->m_propModel).contains("object* Объект=Log"));
-}
-
-void TestResPassports::aModuleHasSixRows() {
-    TestStore store;
-    fillCatalogue(store);
-    store.update(
-        "MenuResource",
-        {{"KeyLink", QString("rlog")}, {"ico", QString("pump.png")}, {"params", QString("/x")}});
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));
-    QCOMPARE(rowsOf(*editor->m_propModel),
-             QStringList({"properties: Свойства", "keylink Идентификатор=rlog", "type Тип=модуль",
-                          "caption* Наименование=Журнал", "object Объект=Log",
-                          "icon* Иконка=pump.png", "params* Параметры=/x"}));
-    const QModelIndex category = editor->m_propModel->index(0, 0);
-    QVERIFY(editor.view("tvProp")->isExpanded(category));
-    QCOMPARE(editor->m_propModel->index(4, 2, category).data().toInt(),
-             static_cast<int>(MyEditorButton));
-    editor.view("tvRes")->setCurrentIndex(editor->row("rcalc"));
-    QCOMPARE(editor->passport("type"), QVariant("функция"));
-}
-
-void TestResPassports::theTypeOfAFileIsEmpty() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    editor.view("tvRes")->setCurrentIndex(editor->row("rmanual"));
-    QCOMPARE(editor->passport("type").toString(), QString());
-    editor.view("tvRes")->setCurrentIndex(editor->row("rboiler"));
-    QCOMPARE(editor->passport("type"), QVariant("файл"));
-}
-
-void TestResPassports::aFormShowsItsFiles() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    put(host.ownStore().formPut("Котлы",
-                                {file("", "Boiler", "12345"), file("", "Boiler.png", "abc")}));
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    editor.view("tvRes")->setCurrentIndex(editor->row("rboiler"));
-    const QString time =
-        QDateTime::fromSecsSinceEpoch(static_cast<qint64>(noon)).toString("dd.MM.yyyy hh:mm:ss");
-    QCOMPARE(rowsOf(*editor->m_propModel).mid(7),
-             QStringList({"file0: файл", "filename0 имя файла=Boiler",
-                          "filedate0 дата изменения=" + time, "filesize0 размер=5", "file1: файл",
-                          "filename1 имя файла=Boiler.png", "filedate1 дата изменения=" + time,
-                          "filesize1 размер=3"}));
-    for (int row = 0; row < editor->m_propModel->rowCount(); ++row)
-        QVERIFY(editor.view("tvProp")->isExpanded(editor->m_propModel->index(row, 0)));
-}
-
-void TestResPassports::aFormWithoutFilesShowsTheCommonRows() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    editor.view("tvRes")->setCurrentIndex(editor->row("rdrum"));
-    QCOMPARE(rowsOf(*editor->m_propModel).size(), 7);
-    QVERIFY(editor.view("tvProp")->isExpanded(editor->m_propModel->index(0, 0)));
-}
-
-void TestResPassports::emptyFilesAreCountedNotShown() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    put(host.ownStore().formPut("Котлы", {file("", "Boiler", ""), file("", "Boiler.txt", "text")}));
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    editor.view("tvRes")->setCurrentIndex(editor->row("rboiler"));
-    QVERIFY(!editor->passport("filename0").isValid());
-    QCOMPARE(editor->passport("filename1"), QVariant("Boiler.txt"));
-    QCOMPARE(editor->m_propModel->rowCount(), 2);
-}
-
-void TestResPassports::aFileWithoutTimeShowsNone() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    put(host.ownStore().formPut("Котлы", {file("", "Boiler", "1", std::nullopt)}));
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    editor.view("tvRes")->setCurrentIndex(editor->row("rboiler"));
-    QVERIFY(editor->m_propModel->findIndexByKey("filedate0").isValid());
-    QVERIFY(!editor->passport("filedate0").isValid());
-    QCOMPARE(editor->passport("filesize0"), QVariant(1));
-}
-
-void TestResPassports::aFileShowsTheOddYear() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    put(host.ownStore().filePut({file("docs", "manual.txt", "four")}));
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    editor.view("tvRes")->setCurrentIndex(editor->row("rmanual"));
-    const QDateTime time = QDateTime::fromSecsSinceEpoch(static_cast<qint64>(noon));
-    QCOMPARE(editor->passport("filedate0").toString(),
-             time.toString("dd.MM.yyyy") + "y " + time.toString("hh:mm:ss"));
-    QCOMPARE(editor->passport("filename0"), QVariant("manual.txt"));
-    // A name that stands in another folder is another file.
-    editor.view("tvRes")->setCurrentIndex(editor->row("rpump"));
-    QCOMPARE(editor->m_propModel->rowCount(), 1);
-}
-
-void TestResPassports::aFailedJobLeavesTheCommonRows() {
-    TestStore store;
-    fillCatalogue(store);
-    TestHost host(store);
-    put(host.ownStore().formPut("Котлы", {file("", "Boiler", "1")}));
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    store.sql("ALTER TABLE \"MenuResourceFile\" RENAME TO \"Away\"");
-    editor.view("tvRes")->setCurrentIndex(editor->row("rboiler"));
-    QCOMPARE(rowsOf(*editor->m_propModel).size(), 7);
-    QCOMPARE(host.failures.size(), 1);
-    QVERIFY(!editor->m_popMessageBox);
-    store.sql("ALTER TABLE \"Away\" RENAME TO \"MenuResourceFile\"");
-}
-
-void TestResPassports::theFixedRowsHaveFolderPassports() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    for (const char* key : {"MenuResources", "FileResources", "WrongFolder"}) {
-        editor.view("tvRes")->setCurrentIndex(editor->row(key));
-        QCOMPARE(rowsOf(*editor->m_propModel).size(), 4);
-        QCOMPARE(editor->passport("keylink"), QVariant(key));
+    void aFolderHasThreeRows() {
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        editor.view("tvRes")->setCurrentIndex(editor->row("trends"));
+        QCOMPARE(rowsOf(*editor->m_propModel),
+                 QStringList({"properties: Свойства", "keylink Идентификатор=trends",
+                              "type Тип=папка", "caption* Наименование=Тренды"}));
+        QVERIFY(editor.view("tvProp")->isExpanded(editor->m_propModel->index(0, 0)));
+        QVERIFY(editor.view("tvProp")->findChildren<QLineEdit*>().isEmpty());
     }
-}
 
-void TestResPassports::aRowOfAnUnknownKindIsNotExpanded() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    editor->m_resModel->setData(editor->row("rlog", ResColumn::Type), 7);
-    editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));
-    QCOMPARE(rowsOf(*editor->m_propModel).size(), 7);
-    QCOMPARE(editor->passport("type").toString(), QString());
-    QVERIFY(!editor.view("tvProp")->isExpanded(editor->m_propModel->index(0, 0)));
-}
+    void aNewFolderOpensItsCaption() {
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        editor->m_resModel->setData(editor->row("trends", ResColumn::IsNew), true);
+        editor.view("tvRes")->setCurrentIndex(editor->row("trends"));
+        const auto* line = editor.view("tvProp")->findChild<QLineEdit*>();
+        QVERIFY(line);
+        QCOMPARE(line->text(), QString("Тренды"));
+    }
 
-void TestResPassports::aFileWithoutContentShowsTheCommonRows() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    editor.view("tvRes")->setCurrentIndex(editor->row("rmanual"));
-    QCOMPARE(rowsOf(*editor->m_propModel).size(), 7);
-    QVERIFY(editor.view("tvProp")->isExpanded(editor->m_propModel->index(0, 0)));
-    // Only a look: nothing is missed.
-    QCOMPARE(editor.host.failures, QStringList());
-}
+    void aNewModuleOpensNothing() {
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        editor->m_resModel->setData(editor->row("rlog", ResColumn::IsNew), true);
+        editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));
+        QVERIFY(editor.view("tvProp")->findChildren<QLineEdit*>().isEmpty());
+        // What it starts can still be named.
+        QVERIFY(rowsOf(*editor->m_propModel).contains("object* Объект=Log"));
+    }
+
+    void aModuleHasSixRows() {
+        TestStore store;
+        fillCatalogue(store);
+        store.update("MenuResource", {{"KeyLink", QString("rlog")},
+                                      {"ico", QString("pump.png")},
+                                      {"params", QString("/x")}});
+        TestHost host(store);
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));
+        QCOMPARE(
+            rowsOf(*editor->m_propModel),
+            QStringList({"properties: Свойства", "keylink Идентификатор=rlog", "type Тип=модуль",
+                         "caption* Наименование=Журнал", "object Объект=Log",
+                         "icon* Иконка=pump.png", "params* Параметры=/x"}));
+        const QModelIndex category = editor->m_propModel->index(0, 0);
+        QVERIFY(editor.view("tvProp")->isExpanded(category));
+        QCOMPARE(editor->m_propModel->index(4, 2, category).data().toInt(),
+                 static_cast<int>(MyEditorButton));
+        editor.view("tvRes")->setCurrentIndex(editor->row("rcalc"));
+        QCOMPARE(editor->passport("type"), QVariant("функция"));
+    }
+
+    void theTypeOfAFileIsEmpty() {
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        editor.view("tvRes")->setCurrentIndex(editor->row("rmanual"));
+        QCOMPARE(editor->passport("type").toString(), QString());
+        editor.view("tvRes")->setCurrentIndex(editor->row("rboiler"));
+        QCOMPARE(editor->passport("type"), QVariant("файл"));
+    }
+
+    void aFormShowsItsFiles() {
+        TestStore store;
+        fillCatalogue(store);
+        TestHost host(store);
+        put(host.ownStore().formPut("Котлы",
+                                    {file("", "Boiler", "12345"), file("", "Boiler.png", "abc")}));
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        editor.view("tvRes")->setCurrentIndex(editor->row("rboiler"));
+        const QString time = QDateTime::fromSecsSinceEpoch(static_cast<qint64>(noon))
+                                 .toString("dd.MM.yyyy hh:mm:ss");
+        QCOMPARE(rowsOf(*editor->m_propModel).mid(7),
+                 QStringList({"file0: файл", "filename0 имя файла=Boiler",
+                              "filedate0 дата изменения=" + time, "filesize0 размер=5",
+                              "file1: файл", "filename1 имя файла=Boiler.png",
+                              "filedate1 дата изменения=" + time, "filesize1 размер=3"}));
+        for (int row = 0; row < editor->m_propModel->rowCount(); ++row)
+            QVERIFY(editor.view("tvProp")->isExpanded(editor->m_propModel->index(row, 0)));
+    }
+
+    void aFormWithoutFilesShowsTheCommonRows() {
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        editor.view("tvRes")->setCurrentIndex(editor->row("rdrum"));
+        QCOMPARE(rowsOf(*editor->m_propModel).size(), 7);
+        QVERIFY(editor.view("tvProp")->isExpanded(editor->m_propModel->index(0, 0)));
+    }
+
+    void emptyFilesAreCountedNotShown() {
+        TestStore store;
+        fillCatalogue(store);
+        TestHost host(store);
+        put(host.ownStore().formPut("Котлы",
+                                    {file("", "Boiler", ""), file("", "Boiler.txt", "text")}));
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        editor.view("tvRes")->setCurrentIndex(editor->row("rboiler"));
+        QVERIFY(!editor->passport("filename0").isValid());
+        QCOMPARE(editor->passport("filename1"), QVariant("Boiler.txt"));
+        QCOMPARE(editor->m_propModel->rowCount(), 2);
+    }
+
+    void aFileWithoutTimeShowsNone() {
+        TestStore store;
+        fillCatalogue(store);
+        TestHost host(store);
+        put(host.ownStore().formPut("Котлы", {file("", "Boiler", "1", std::nullopt)}));
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        editor.view("tvRes")->setCurrentIndex(editor->row("rboiler"));
+        QVERIFY(editor->m_propModel->findIndexByKey("filedate0").isValid());
+        QVERIFY(!editor->passport("filedate0").isValid());
+        QCOMPARE(editor->passport("filesize0"), QVariant(1));
+    }
+
+    void aFileShowsTheOddYear() {
+        TestStore store;
+        fillCatalogue(store);
+        TestHost host(store);
+        put(host.ownStore().filePut({file("docs", "manual.txt", "four")}));
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        editor.view("tvRes")->setCurrentIndex(editor->row("rmanual"));
+        const QDateTime time = QDateTime::fromSecsSinceEpoch(static_cast<qint64>(noon));
+        QCOMPARE(editor->passport("filedate0").toString(),
+                 time.toString("dd.MM.yyyy") + "y " + time.toString("hh:mm:ss"));
+        QCOMPARE(editor->passport("filename0"), QVariant("manual.txt"));
+        // A name that stands in another folder is another file.
+        editor.view("tvRes")->setCurrentIndex(editor->row("rpump"));
+        QCOMPARE(editor->m_propModel->rowCount(), 1);
+    }
+
+    void aFailedJobLeavesTheCommonRows() {
+        TestStore store;
+        fillCatalogue(store);
+        TestHost host(store);
+        put(host.ownStore().formPut("Котлы", {file("", "Boiler", "1")}));
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        store.sql("ALTER TABLE \"MenuResourceFile\" RENAME TO \"Away\"");
+        editor.view("tvRes")->setCurrentIndex(editor->row("rboiler"));
+        QCOMPARE(rowsOf(*editor->m_propModel).size(), 7);
+        QCOMPARE(host.failures.size(), 1);
+        QVERIFY(!editor->m_popMessageBox);
+        store.sql("ALTER TABLE \"Away\" RENAME TO \"MenuResourceFile\"");
+    }
+
+    void theFixedRowsHaveFolderPassports() {
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        for (const char* key : {"MenuResources", "FileResources", "WrongFolder"}) {
+            editor.view("tvRes")->setCurrentIndex(editor->row(key));
+            QCOMPARE(rowsOf(*editor->m_propModel).size(), 4);
+            QCOMPARE(editor->passport("keylink"), QVariant(key));
+        }
+    }
+
+    void aRowOfAnUnknownKindIsNotExpanded() {
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        editor->m_resModel->setData(editor->row("rlog", ResColumn::Type), 7);
+        editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));
+        QCOMPARE(rowsOf(*editor->m_propModel).size(), 7);
+        QCOMPARE(editor->passport("type").toString(), QString());
+        QVERIFY(!editor.view("tvProp")->isExpanded(editor->m_propModel->index(0, 0)));
+    }
+
+    void aFileWithoutContentShowsTheCommonRows() {
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        editor.view("tvRes")->setCurrentIndex(editor->row("rmanual"));
+        QCOMPARE(rowsOf(*editor->m_propModel).size(), 7);
+        QVERIFY(editor.view("tvProp")->isExpanded(editor->m_propModel->index(0, 0)));
+        // Only a look: nothing is missed.
+        QCOMPARE(editor.host.failures, QStringList());
+    }
+};
 
 QTEST_MAIN(TestResPassports)
 #include "tst_res_passports.moc"

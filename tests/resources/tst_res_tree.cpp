@@ -10,392 +10,373 @@ using namespace orvo::test;
 class TestResTree : public QObject {
     Q_OBJECT
 private slots:
-    void theCatalogueIsShownInTableOrder();
-    void bothAreasAreExpanded();
-    void columnsOfFoldersAndResources();
-    void aKindWithoutTopFolderEndsTheLoading_data();
-    void aKindWithoutTopFolderEndsTheLoading();
-    void withoutOrphansThereIsNoOrphanRow();
-    void orphansShowNoIconAndNoLock();
-    void orphansAreMarkedCopiesOfTheirRecords();
-    void onlyFormsAreOrphans();
-    void iconsComeFromTheWorkDirectory();
-    void anOpenFolderShowsIt();
-    void equalNamesKeepTheTablesOrder();
-    void aFileInAFolderOfAnotherKindHasNoRow();
-    void aFolderBelowTheKeyOfTheFileAreaIsPassedOver();
-    void aCircleOfFoldersIsNotFollowed();
-    void locksShowTheirOwner_data();
-    void locksShowTheirOwner();
-    void aReleasedLockLeavesItsTexts();
-    void anUnknownUserLocksNothing();
-    void aUserWithoutANameLocksNothing();
-    void aLockWithoutATimeShowsNone();
-    void foldersHavePositions();
-    void resourcesHavePositions();
-    void foldersBeforeResourcesAreCounted();
-};
-
-void TestResTree::theCatalogueIsShownInTableOrder() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    QCOMPARE(editor.watchedModels(), 2);
-    QCOMPARE(treetext::print(*editor->m_resModel, ResColumn::KeyLink),
-             QString("Ресурсы меню #MenuResources\n"
-                     "  модули #mod\n"
-                     "    Аварии #alarms\n"
-                     "    Тренды #trends\n"
-                     "      Тренд #rtrend\n"
-                     "    Журнал #rlog\n"
-                     "    Архив #rtable\n"
-                     "  функции #fun\n"
-                     "    Расчёты #calc\n"
-                     "      Расчёт #rcalc\n"
-                     "  формы отображения #frm\n"
-                     "    Котлы #boilers\n"
-                     "      Старые #old\n"
-                     "      Котёл #rboiler\n"
-                     "      Горелка #rburner\n"
-                     "    Барабан #rdrum\n"
-                     "  Непривязанные объекты #WrongFolder\n"
-                     "    Потерянная #rlost\n"
-                     "Файловые ресурсы #FileResources\n"
-                     "  docs #docs\n"
-                     "    deep #deep\n"
-                     "    Руководство #rmanual\n"
-                     "  icons #icons\n"
-                     "    Насос #rpump\n"
-                     "  Прочти #rreadme\n"));
-}
-
-void TestResTree::bothAreasAreExpanded() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    QTreeView* view = editor.view("tvRes");
-    QVERIFY(view->isExpanded(editor->row("MenuResources")));
-    QVERIFY(view->isExpanded(editor->row("FileResources")));
-    QVERIFY(!view->isExpanded(editor->row("mod")));
-}
-
-void TestResTree::columnsOfFoldersAndResources() {
-    TestStore store;
-    fillCatalogue(store);
-    store.update("MenuResource", {{"KeyLink", QString("rtrend")},
-                                  {"params", QString("/fast")},
-                                  {"ico", QString("pump.png")}});
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    const auto columns = [&](const char* key) {
-        QVariantList values;
-        for (int column = 0; column < ResColumn::Count; ++column)
-            values << editor->row(key, column).data();
-        return values;
-    };
-    const QVariant none;
-    QCOMPARE(columns("trends"), (QVariantList{"Тренды", none, none, none, none, "trends", 1, none,
-                                              "mod", true, none, none, none, false}));
-    QCOMPARE(columns("rtrend"), (QVariantList{"Тренд", "Trend", "pump.png", none, none, "rtrend", 1,
-                                              "/fast", "trends", false, none, none, 0, none}));
-    QCOMPARE(columns("MenuResources"),
-             (QVariantList{"Ресурсы меню", none, none, none, none, "MenuResources", 0, none, none,
-                           true, none, none, none, none}));
-    QCOMPARE(columns("FileResources").at(ResColumn::Type), QVariant(4));
-    QVERIFY(editor->row("rlog", ResColumn::Icon).data().isNull());
-    QVERIFY(editor->text("mod", ResColumn::FolderKey).isEmpty());
-}
-
-void TestResTree::aKindWithoutTopFolderEndsTheLoading_data() {
-    QTest::addColumn<QString>("key");
-    QTest::addColumn<QStringList>("kinds");
-    QTest::newRow("module") << "mod" << QStringList();
-    QTest::newRow("function") << "fun" << QStringList("mod");
-    QTest::newRow("form") << "frm" << QStringList({"mod", "fun"});
-}
-
-void TestResTree::aKindWithoutTopFolderEndsTheLoading() {
-    QFETCH(QString, key);
-    QFETCH(QStringList, kinds);
-    TestStore store;
-    fillCatalogue(store);
-    store.remove("MenuResourceFolder", qPrintable(key));
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    const QModelIndex root = editor->row("MenuResources");
-    QStringList shown;
-    for (int row = 0; row < editor->m_resModel->rowCount(root); ++row)
-        shown << editor->m_resModel->getItemKeyLink(editor->m_resModel->index(row, 0, root));
-    QCOMPARE(shown, kinds);
-    QCOMPARE(editor->m_resModel->rowCount(editor->row("FileResources")), 0);
-    QVERIFY(!editor.view("tvRes")->isExpanded(root));
-    QVERIFY(!editor.view("tvRes")->isExpanded(editor->row("FileResources")));
-}
-
-void TestResTree::withoutOrphansThereIsNoOrphanRow() {
-    TestStore store;
-    fillCatalogue(store);
-    store.remove("MenuResource", "rlost");
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    QCOMPARE(orvo::recordCount(editor->m_tabOrphans), 0);
-    QVERIFY(!editor->row("WrongFolder").isValid());
-    QCOMPARE(editor->m_resModel->rowCount(editor->row("FileResources")), 3);
-}
-
-void TestResTree::orphansShowNoIconAndNoLock() {
-    TestStore store;
-    fillCatalogue(store);
-    store.update("MenuResource", {{"KeyLink", QString("rlost")},
-                                  {"ico", QString("pump.png")},
-                                  {"params", QString("p")},
-                                  {"UsersKey", QString("uother")}});
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    QCOMPARE(orvo::recordCount(editor->m_tabOrphans), 1);
-    QCOMPARE(editor->text("rlost", ResColumn::Name), QString("Lost"));
-    QCOMPARE(editor->text("rlost", ResColumn::Params), QString("p"));
-    QCOMPARE(editor->text("rlost", ResColumn::FolderKey), QString("nofolder"));
-    QCOMPARE(editor->row("rlost", ResColumn::Type).data(), QVariant(3));
-    QCOMPARE(editor->row("rlost", ResColumn::IsFolder).data(), QVariant(false));
-    for (int column : {ResColumn::Icon, ResColumn::Lock, ResColumn::LockTime, ResColumn::Blocked})
-        QVERIFY(!editor->row("rlost", column).data().isValid());
-    QCOMPARE(editor->row("WrongFolder", ResColumn::Type).data(), QVariant(5));
-    QVERIFY(!editor->row("rnowhere").isValid());
-}
-
-void TestResTree::orphansAreMarkedCopiesOfTheirRecords() {
-    TestStore store;
-    fillCatalogue(store);
-    addItem(store, "ralso", 3, "nowhere", "Also", "Тоже");
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    QCOMPARE(orvo::recordCount(editor->m_tabOrphans), 2);
-    // By key, not by name.
-    QCOMPARE(editor->row("ralso").row(), 0);
-    QCOMPARE(editor->row("rlost").row(), 1);
-    const MDRData* orphan = orvo::seekKey(editor->m_tabOrphans, "rlost");
-    const MDRData* record = orvo::seekKey(editor->m_tabResource, "rlost");
-    QVERIFY(orphan && record && orphan != record);
-    for (int field = 0; field < editor->m_tabOrphans.array->fieldCount; ++field) {
-        uint8_t marked = 0;
-        QCOMPARE(MDRIsUser(orvo::fieldOf(orphan, field), orphan, &marked), MDX_OK);
-        QCOMPARE(int(marked), 1);
-        QCOMPARE(orvo::textOf(orphan, field), orvo::textOf(record, field));
+    void theCatalogueIsShownInTableOrder() {
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        QCOMPARE(editor.watchedModels(), 2);
+        QCOMPARE(treetext::print(*editor->m_resModel, ResColumn::KeyLink),
+                 QString("Ресурсы меню #MenuResources\n"
+                         "  модули #mod\n"
+                         "    Аварии #alarms\n"
+                         "    Тренды #trends\n"
+                         "      Тренд #rtrend\n"
+                         "    Журнал #rlog\n"
+                         "    Архив #rtable\n"
+                         "  функции #fun\n"
+                         "    Расчёты #calc\n"
+                         "      Расчёт #rcalc\n"
+                         "  формы отображения #frm\n"
+                         "    Котлы #boilers\n"
+                         "      Старые #old\n"
+                         "      Котёл #rboiler\n"
+                         "      Горелка #rburner\n"
+                         "    Барабан #rdrum\n"
+                         "  Непривязанные объекты #WrongFolder\n"
+                         "    Потерянная #rlost\n"
+                         "Файловые ресурсы #FileResources\n"
+                         "  docs #docs\n"
+                         "    deep #deep\n"
+                         "    Руководство #rmanual\n"
+                         "  icons #icons\n"
+                         "    Насос #rpump\n"
+                         "  Прочти #rreadme\n"));
     }
-}
 
-void TestResTree::onlyFormsAreOrphans() {
-    TestStore store;
-    fillCatalogue(store);
-    store.remove("MenuResource", "rlost");
-    addItem(store, "rastray", 1, "nofolder", "Stray", "Модуль");
-    addItem(store, "rbstray", 2, "nofolder", "Stray", "Функция");
-    addItem(store, "rcstray", 4, "nofolder", "stray.txt", "Файл");
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    QCOMPARE(orvo::recordCount(editor->m_tabOrphans), 0);
-    QVERIFY(!editor->row("WrongFolder").isValid());
-    for (const char* key : {"rastray", "rbstray", "rcstray"})
-        QVERIFY(!editor->row(key).isValid());
-}
+    void bothAreasAreExpanded() {
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        QTreeView* view = editor.view("tvRes");
+        QVERIFY(view->isExpanded(editor->row("MenuResources")));
+        QVERIFY(view->isExpanded(editor->row("FileResources")));
+        QVERIFY(!view->isExpanded(editor->row("mod")));
+    }
 
-void TestResTree::iconsComeFromTheWorkDirectory() {
-    TestStore store;
-    fillCatalogue(store);
-    store.update("MenuResource", {{"KeyLink", QString("rlog")}, {"ico", QString("green.png")}});
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
-    const QString icon = editor->m_paths->workDir + "files/icons/green.png";
-    QVERIFY(makeImage(icon, Qt::green));
-    QVERIFY(editor.start());
-    QVERIFY(showsImage(editor->row("rlog", ResColumn::Icon), icon));
-    QVERIFY(showsNothing(editor->row("rtable", ResColumn::Icon)));
-}
+    void columnsOfFoldersAndResources() {
+        TestStore store;
+        fillCatalogue(store);
+        store.update("MenuResource", {{"KeyLink", QString("rtrend")},
+                                      {"params", QString("/fast")},
+                                      {"ico", QString("pump.png")}});
+        TestHost host(store);
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        const auto columns = [&](const char* key) {
+            QVariantList values;
+            for (int column = 0; column < ResColumn::Count; ++column)
+                values << editor->row(key, column).data();
+            return values;
+        };
+        const QVariant none;
+        QCOMPARE(columns("trends"), (QVariantList{"Тренды", none, none, none, none, "trends", 1,
+                                                  none, "mod", true, none, none, none, false}));
+        QCOMPARE(columns("rtrend"),
+                 (QVariantList{"Тренд", "Trend", "pump.png", none, none, "rtrend", 1, "/fast",
+                               "trends", false, none, none, 0, none}));
+        QCOMPARE(columns("MenuResources"),
+                 (QVariantList{"Ресурсы меню", none, none, none, none, "MenuResources", 0, none,
+                               none, true, none, none, none, none}));
+        QCOMPARE(columns("FileResources").at(ResColumn::Type), QVariant(4));
+        QVERIFY(editor->row("rlog", ResColumn::Icon).data().isNull());
+        QVERIFY(editor->text("mod", ResColumn::FolderKey).isEmpty());
+    }
 
-void TestResTree::anOpenFolderShowsIt() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    QVERIFY(showsImage(editor->row("MenuResources"), ":/res/openfolder1.png"));
-    QVERIFY(showsImage(editor->row("mod"), ":/res/closedfolder1.png"));
-    editor.view("tvRes")->expand(editor->row("mod"));
-    QVERIFY(showsImage(editor->row("mod"), ":/res/openfolder1.png"));
-    editor.view("tvRes")->collapse(editor->row("mod"));
-    QVERIFY(showsImage(editor->row("mod"), ":/res/closedfolder1.png"));
-}
+    void aKindWithoutTopFolderEndsTheLoading_data() {
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QStringList>("kinds");
+        QTest::newRow("module") << "mod" << QStringList();
+        QTest::newRow("function") << "fun" << QStringList("mod");
+        QTest::newRow("form") << "frm" << QStringList({"mod", "fun"});
+    }
 
-void TestResTree::equalNamesKeepTheTablesOrder() {
-    TestStore store;
-    fillCatalogue(store);
-    addItem(store, "same2", 1, "alarms", "Same", "Второй");
-    addItem(store, "same1", 1, "alarms", "same", "Первый");
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    QCOMPARE(editor->row("same1").row(), editor->getResItemPosition("same1", "alarms", 1));
-    QCOMPARE(editor->row("same2").row(), editor->getResItemPosition("same2", "alarms", 1));
-    QCOMPARE(editor->row("same1").row(), 0);
-    QCOMPARE(editor->row("same2").row(), 1);
-}
+    void aKindWithoutTopFolderEndsTheLoading() {
+        QFETCH(QString, key);
+        QFETCH(QStringList, kinds);
+        TestStore store;
+        fillCatalogue(store);
+        store.remove("MenuResourceFolder", qPrintable(key));
+        TestHost host(store);
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        const QModelIndex root = editor->row("MenuResources");
+        QStringList shown;
+        for (int row = 0; row < editor->m_resModel->rowCount(root); ++row)
+            shown << editor->m_resModel->getItemKeyLink(editor->m_resModel->index(row, 0, root));
+        QCOMPARE(shown, kinds);
+        QCOMPARE(editor->m_resModel->rowCount(editor->row("FileResources")), 0);
+        QVERIFY(!editor.view("tvRes")->isExpanded(root));
+        QVERIFY(!editor.view("tvRes")->isExpanded(editor->row("FileResources")));
+    }
 
-void TestResTree::aFileInAFolderOfAnotherKindHasNoRow() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    QVERIFY(!editor->row("rstray").isValid());
-    QVERIFY(orvo::seekKey(editor->m_tabResource, "rstray"));
-}
+    void withoutOrphansThereIsNoOrphanRow() {
+        TestStore store;
+        fillCatalogue(store);
+        store.remove("MenuResource", "rlost");
+        TestHost host(store);
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        QCOMPARE(orvo::recordCount(editor->m_tabOrphans), 0);
+        QVERIFY(!editor->row("WrongFolder").isValid());
+        QCOMPARE(editor->m_resModel->rowCount(editor->row("FileResources")), 3);
+    }
 
-void TestResTree::aFolderBelowTheKeyOfTheFileAreaIsPassedOver() {
-    TestStore store;
-    fillCatalogue(store);
-    addFolder(store, "literal", 4, "FileResources", "literal");
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    QVERIFY(!editor->row("literal").isValid());
-}
+    void orphansShowNoIconAndNoLock() {
+        TestStore store;
+        fillCatalogue(store);
+        store.update("MenuResource", {{"KeyLink", QString("rlost")},
+                                      {"ico", QString("pump.png")},
+                                      {"params", QString("p")},
+                                      {"UsersKey", QString("uother")}});
+        TestHost host(store);
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        QCOMPARE(orvo::recordCount(editor->m_tabOrphans), 1);
+        QCOMPARE(editor->text("rlost", ResColumn::Name), QString("Lost"));
+        QCOMPARE(editor->text("rlost", ResColumn::Params), QString("p"));
+        QCOMPARE(editor->text("rlost", ResColumn::FolderKey), QString("nofolder"));
+        QCOMPARE(editor->row("rlost", ResColumn::Type).data(), QVariant(3));
+        QCOMPARE(editor->row("rlost", ResColumn::IsFolder).data(), QVariant(false));
+        for (int column :
+             {ResColumn::Icon, ResColumn::Lock, ResColumn::LockTime, ResColumn::Blocked})
+            QVERIFY(!editor->row("rlost", column).data().isValid());
+        QCOMPARE(editor->row("WrongFolder", ResColumn::Type).data(), QVariant(5));
+        QVERIFY(!editor->row("rnowhere").isValid());
+    }
 
-void TestResTree::aCircleOfFoldersIsNotFollowed() {
-    TestStore store;
-    fillCatalogue(store);
-    addFolder(store, "a", 1, "", "A");
-    addFolder(store, "b", 1, "a", "B");
-    addFolder(store, "self", 1, "", "Self");
-    store.moveBelow("MenuResourceFolder", "ParentKey", "a", "b");
-    store.moveBelow("MenuResourceFolder", "ParentKey", "self", "self");
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    QVERIFY(!editor->row("a").isValid());
-    QVERIFY(!editor->row("self").isValid());
-}
+    void orphansAreMarkedCopiesOfTheirRecords() {
+        TestStore store;
+        fillCatalogue(store);
+        addItem(store, "ralso", 3, "nowhere", "Also", "Тоже");
+        TestHost host(store);
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        QCOMPARE(orvo::recordCount(editor->m_tabOrphans), 2);
+        // By key, not by name.
+        QCOMPARE(editor->row("ralso").row(), 0);
+        QCOMPARE(editor->row("rlost").row(), 1);
+        const MDRData* orphan = orvo::seekKey(editor->m_tabOrphans, "rlost");
+        const MDRData* record = orvo::seekKey(editor->m_tabResource, "rlost");
+        QVERIFY(orphan && record && orphan != record);
+        for (int field = 0; field < editor->m_tabOrphans.array->fieldCount; ++field) {
+            uint8_t marked = 0;
+            QCOMPARE(MDRIsUser(orvo::fieldOf(orphan, field), orphan, &marked), MDX_OK);
+            QCOMPARE(int(marked), 1);
+            QCOMPARE(orvo::textOf(orphan, field), orvo::textOf(record, field));
+        }
+    }
 
-void TestResTree::locksShowTheirOwner_data() {
-    QTest::addColumn<QString>("user");
-    QTest::addColumn<QString>("caption");
-    QTest::addColumn<int>("blocked");
-    QTest::newRow("own, in another case") << "ueng"
-                                          << "Иванов П." << 1;
-    QTest::newRow("another's") << "uother"
-                               << "Петрова А." << 2;
-}
+    void onlyFormsAreOrphans() {
+        TestStore store;
+        fillCatalogue(store);
+        store.remove("MenuResource", "rlost");
+        addItem(store, "rastray", 1, "nofolder", "Stray", "Модуль");
+        addItem(store, "rbstray", 2, "nofolder", "Stray", "Функция");
+        addItem(store, "rcstray", 4, "nofolder", "stray.txt", "Файл");
+        TestHost host(store);
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        QCOMPARE(orvo::recordCount(editor->m_tabOrphans), 0);
+        QVERIFY(!editor->row("WrongFolder").isValid());
+        for (const char* key : {"rastray", "rbstray", "rcstray"})
+            QVERIFY(!editor->row(key).isValid());
+    }
 
-void TestResTree::locksShowTheirOwner() {
-    QFETCH(QString, user);
-    TestStore store;
-    fillCatalogue(store);
-    store.update("MenuResource", {{"KeyLink", QString("rboiler")}, {"UsersKey", user}});
-    store.sql("UPDATE \"MenuResource\" SET \"dateTimeEdit\" = 86400 WHERE \"KeyLink\" = 'rboiler'");
-    store.update("MenuResource", {{"KeyLink", QString("rtrend")}, {"UsersKey", user}});
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    QTEST(editor->text("rboiler", ResColumn::Lock), "caption");
-    QCOMPARE(editor->text("rboiler", ResColumn::LockTime),
-             QDateTime::fromSecsSinceEpoch(86400).toString("dd.MM.yyyy hh:mm:ss"));
-    QTEST(editor->row("rboiler", ResColumn::Blocked).data().toInt(), "blocked");
-    QVERIFY(!editor->row("rboiler", ResColumn::Lock).data(Qt::DecorationRole).isNull());
-    // Only forms are locked.
-    QVERIFY(editor->text("rtrend", ResColumn::Lock).isEmpty());
-    QCOMPARE(editor->row("rtrend", ResColumn::Blocked).data(), QVariant(0));
-}
+    void iconsComeFromTheWorkDirectory() {
+        TestStore store;
+        fillCatalogue(store);
+        store.update("MenuResource", {{"KeyLink", QString("rlog")}, {"ico", QString("green.png")}});
+        TestHost host(store);
+        ResEditor editor(host, "Resources");
+        const QString icon = editor->m_paths->workDir + "files/icons/green.png";
+        QVERIFY(makeImage(icon, Qt::green));
+        QVERIFY(editor.start());
+        QVERIFY(showsImage(editor->row("rlog", ResColumn::Icon), icon));
+        QVERIFY(showsNothing(editor->row("rtable", ResColumn::Icon)));
+    }
 
-void TestResTree::aReleasedLockLeavesItsTexts() {
-    TestStore store;
-    fillCatalogue(store);
-    store.update("MenuResource", {{"KeyLink", QString("rboiler")}, {"UsersKey", QString("ueng")}});
-    store.sql("UPDATE \"MenuResource\" SET \"dateTimeEdit\" = 86400 WHERE \"KeyLink\" = 'rboiler'");
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    const QString time = editor->text("rboiler", ResColumn::LockTime);
-    QVERIFY(!time.isEmpty());
-    store.sql("UPDATE \"MenuResource\" SET \"UsersKey\" = NULL, \"dateTimeEdit\" = NULL "
-              "WHERE \"KeyLink\" = 'rboiler'");
-    host.deliver(*editor.module);
-    QCOMPARE(editor->row("rboiler", ResColumn::Blocked).data(), QVariant(0));
-    QVERIFY(editor->row("rboiler", ResColumn::Lock).data(Qt::DecorationRole).isNull());
-    QCOMPARE(editor->text("rboiler", ResColumn::Lock), QString("Иванов П."));
-    QCOMPARE(editor->text("rboiler", ResColumn::LockTime), time);
-}
+    void anOpenFolderShowsIt() {
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        QVERIFY(showsImage(editor->row("MenuResources"), ":/res/openfolder1.png"));
+        QVERIFY(showsImage(editor->row("mod"), ":/res/closedfolder1.png"));
+        editor.view("tvRes")->expand(editor->row("mod"));
+        QVERIFY(showsImage(editor->row("mod"), ":/res/openfolder1.png"));
+        editor.view("tvRes")->collapse(editor->row("mod"));
+        QVERIFY(showsImage(editor->row("mod"), ":/res/closedfolder1.png"));
+    }
 
-void TestResTree::anUnknownUserLocksNothing() {
-    TestStore store;
-    fillCatalogue(store);
-    store.update("MenuResource",
-                 {{"KeyLink", QString("rboiler")}, {"UsersKey", QString("nobody")}});
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    QVERIFY(editor->text("rboiler", ResColumn::Lock).isEmpty());
-    QCOMPARE(editor->row("rboiler", ResColumn::Blocked).data(), QVariant(0));
-}
+    void equalNamesKeepTheTablesOrder() {
+        TestStore store;
+        fillCatalogue(store);
+        addItem(store, "same2", 1, "alarms", "Same", "Второй");
+        addItem(store, "same1", 1, "alarms", "same", "Первый");
+        TestHost host(store);
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        QCOMPARE(editor->row("same1").row(), editor->getResItemPosition("same1", "alarms", 1));
+        QCOMPARE(editor->row("same2").row(), editor->getResItemPosition("same2", "alarms", 1));
+        QCOMPARE(editor->row("same1").row(), 0);
+        QCOMPARE(editor->row("same2").row(), 1);
+    }
 
-void TestResTree::aUserWithoutANameLocksNothing() {
-    TestStore store;
-    fillCatalogue(store);
-    addUser(store, "unameless", "", "", "");
-    store.update("MenuResource",
-                 {{"KeyLink", QString("rboiler")}, {"UsersKey", QString("unameless")}});
-    store.sql("UPDATE \"MenuResource\" SET \"dateTimeEdit\" = 86400 WHERE \"KeyLink\" = 'rboiler'");
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    QVERIFY(editor->text("rboiler", ResColumn::Lock).isEmpty());
-    QVERIFY(!editor->row("rboiler", ResColumn::LockTime).data().isValid());
-    QCOMPARE(editor->row("rboiler", ResColumn::Blocked).data(), QVariant(0));
-}
+    void aFileInAFolderOfAnotherKindHasNoRow() {
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        QVERIFY(!editor->row("rstray").isValid());
+        QVERIFY(orvo::seekKey(editor->m_tabResource, "rstray"));
+    }
 
-void TestResTree::aLockWithoutATimeShowsNone() {
-    TestStore store;
-    fillCatalogue(store);
-    store.update("MenuResource",
-                 {{"KeyLink", QString("rboiler")}, {"UsersKey", QString("uother")}});
-    TestHost host(store);
-    ResEditor editor(host, "Resources");
-    QVERIFY(editor.start());
-    QCOMPARE(editor->text("rboiler", ResColumn::Lock), QString("Петрова А."));
-    QVERIFY(!editor->row("rboiler", ResColumn::LockTime).data().isValid());
-    QCOMPARE(editor->row("rboiler", ResColumn::Blocked).data(), QVariant(2));
-}
+    void aFolderBelowTheKeyOfTheFileAreaIsPassedOver() {
+        TestStore store;
+        fillCatalogue(store);
+        addFolder(store, "literal", 4, "FileResources", "literal");
+        TestHost host(store);
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        QVERIFY(!editor->row("literal").isValid());
+    }
 
-void TestResTree::foldersHavePositions() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    QCOMPARE(editor->getResFolderPosition("alarms", "mod", 1), 0);
-    QCOMPARE(editor->getResFolderPosition("TRENDS", "MOD", 1), 1);
-    QCOMPARE(editor->getResFolderPosition("docs", "", 4), 0);
-    QCOMPARE(editor->getResFolderPosition("icons", "", 4), 1);
-    QCOMPARE(editor->getResFolderPosition("trends", "fun", 1), -1);
-    QCOMPARE(editor->getResFolderPosition("trends", "mod", 2), -1);
-    QCOMPARE(editor->getResFolderPosition("nosuch", "mod", 1), -1);
-    QCOMPARE(editor->getResFolderPosition("nosuch", "zzz", 9), -1); // past the last record
-}
+    void aCircleOfFoldersIsNotFollowed() {
+        TestStore store;
+        fillCatalogue(store);
+        addFolder(store, "a", 1, "", "A");
+        addFolder(store, "b", 1, "a", "B");
+        addFolder(store, "self", 1, "", "Self");
+        store.moveBelow("MenuResourceFolder", "ParentKey", "a", "b");
+        store.moveBelow("MenuResourceFolder", "ParentKey", "self", "self");
+        TestHost host(store);
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        QVERIFY(!editor->row("a").isValid());
+        QVERIFY(!editor->row("self").isValid());
+    }
 
-void TestResTree::resourcesHavePositions() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    QCOMPARE(editor->getResItemPosition("rlog", "mod", 1), 0);
-    QCOMPARE(editor->getResItemPosition("rtable", "mod", 1), 1);
-    QCOMPARE(editor->getResItemPosition("rreadme", "", 4), 0);
-    QCOMPARE(editor->getResItemPosition("rlog", "trends", 1), -1);
-    QCOMPARE(editor->getResItemPosition("rlog", "mod", 4), -1);
-    QCOMPARE(editor->getResItemPosition("nosuch", "mod", 1), -1);
-}
+    void locksShowTheirOwner_data() {
+        QTest::addColumn<QString>("user");
+        QTest::addColumn<QString>("caption");
+        QTest::addColumn<int>("blocked");
+        QTest::newRow("own, in another case") << "ueng"
+                                              << "Иванов П." << 1;
+        QTest::newRow("another's") << "uother"
+                                   << "Петрова А." << 2;
+    }
 
-void TestResTree::foldersBeforeResourcesAreCounted() {
-    CatalogueEditor editor;
-    QVERIFY(editor.start());
-    QCOMPARE(editor->getFolderCount("mod"), 2);
-    QCOMPARE(editor->getFolderCount("trends"), 0);
-    QCOMPARE(editor->getFolderCount(""), 2);
-    QCOMPARE(editor->getFolderCount("FileResources"), 2);
-    QCOMPARE(editor->getFolderCount("nosuch"), 2); // of the top rows
-}
+    void locksShowTheirOwner() {
+        QFETCH(QString, user);
+        TestStore store;
+        fillCatalogue(store);
+        store.update("MenuResource", {{"KeyLink", QString("rboiler")}, {"UsersKey", user}});
+        store.sql(
+            "UPDATE \"MenuResource\" SET \"dateTimeEdit\" = 86400 WHERE \"KeyLink\" = 'rboiler'");
+        store.update("MenuResource", {{"KeyLink", QString("rtrend")}, {"UsersKey", user}});
+        TestHost host(store);
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        QTEST(editor->text("rboiler", ResColumn::Lock), "caption");
+        QCOMPARE(editor->text("rboiler", ResColumn::LockTime),
+                 QDateTime::fromSecsSinceEpoch(86400).toString("dd.MM.yyyy hh:mm:ss"));
+        QTEST(editor->row("rboiler", ResColumn::Blocked).data().toInt(), "blocked");
+        QVERIFY(!editor->row("rboiler", ResColumn::Lock).data(Qt::DecorationRole).isNull());
+        // Only forms are locked.
+        QVERIFY(editor->text("rtrend", ResColumn::Lock).isEmpty());
+        QCOMPARE(editor->row("rtrend", ResColumn::Blocked).data(), QVariant(0));
+    }
+
+    void aReleasedLockLeavesItsTexts() {
+        TestStore store;
+        fillCatalogue(store);
+        store.update("MenuResource",
+                     {{"KeyLink", QString("rboiler")}, {"UsersKey", QString("ueng")}});
+        store.sql(
+            "UPDATE \"MenuResource\" SET \"dateTimeEdit\" = 86400 WHERE \"KeyLink\" = 'rboiler'");
+        TestHost host(store);
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        const QString time = editor->text("rboiler", ResColumn::LockTime);
+        QVERIFY(!time.isEmpty());
+        store.sql("UPDATE \"MenuResource\" SET \"UsersKey\" = NULL, \"dateTimeEdit\" = NULL "
+                  "WHERE \"KeyLink\" = 'rboiler'");
+        host.deliver(*editor.module);
+        QCOMPARE(editor->row("rboiler", ResColumn::Blocked).data(), QVariant(0));
+        QVERIFY(editor->row("rboiler", ResColumn::Lock).data(Qt::DecorationRole).isNull());
+        QCOMPARE(editor->text("rboiler", ResColumn::Lock), QString("Иванов П."));
+        QCOMPARE(editor->text("rboiler", ResColumn::LockTime), time);
+    }
+
+    void anUnknownUserLocksNothing() {
+        TestStore store;
+        fillCatalogue(store);
+        store.update("MenuResource",
+                     {{"KeyLink", QString("rboiler")}, {"UsersKey", QString("nobody")}});
+        TestHost host(store);
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        QVERIFY(editor->text("rboiler", ResColumn::Lock).isEmpty());
+        QCOMPARE(editor->row("rboiler", ResColumn::Blocked).data(), QVariant(0));
+    }
+
+    void aUserWithoutANameLocksNothing() {
+        TestStore store;
+        fillCatalogue(store);
+        addUser(store, "unameless", "", "", "");
+        store.update("MenuResource",
+                     {{"KeyLink", QString("rboiler")}, {"UsersKey", QString("unameless")}});
+        store.sql(
+            "UPDATE \"MenuResource\" SET \"dateTimeEdit\" = 86400 WHERE \"KeyLink\" = 'rboiler'");
+        TestHost host(store);
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        QVERIFY(editor->text("rboiler", ResColumn::Lock).isEmpty());
+        QVERIFY(!editor->row("rboiler", ResColumn::LockTime).data().isValid());
+        QCOMPARE(editor->row("rboiler", ResColumn::Blocked).data(), QVariant(0));
+    }
+
+    void aLockWithoutATimeShowsNone() {
+        TestStore store;
+        fillCatalogue(store);
+        store.update("MenuResource",
+                     {{"KeyLink", QString("rboiler")}, {"UsersKey", QString("uother")}});
+        TestHost host(store);
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        QCOMPARE(editor->text("rboiler", ResColumn::Lock), QString("Петрова А."));
+        QVERIFY(!editor->row("rboiler", ResColumn::LockTime).data().isValid());
+        QCOMPARE(editor->row("rboiler", ResColumn::Blocked).data(), QVariant(2));
+    }
+
+    void foldersHavePositions() {
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        QCOMPARE(editor->getResFolderPosition("alarms", "mod", 1), 0);
+        QCOMPARE(editor->getResFolderPosition("TRENDS", "MOD", 1), 1);
+        QCOMPARE(editor->getResFolderPosition("docs", "", 4), 0);
+        QCOMPARE(editor->getResFolderPosition("icons", "", 4), 1);
+        QCOMPARE(editor->getResFolderPosition("trends", "fun", 1), -1);
+        QCOMPARE(editor->getResFolderPosition("trends", "mod", 2), -1);
+        QCOMPARE(editor->getResFolderPosition("nosuch", "mod", 1), -1);
+        QCOMPARE(editor->getResFolderPosition("nosuch", "zzz", 9), -1); // past the last record
+    }
+
+    void resourcesHavePositions() {
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        QCOMPARE(editor->getResItemPosition("rlog", "mod", 1), 0);
+        QCOMPARE(editor->getResItemPosition("rtable", "mod", 1), 1);
+        QCOMPARE(editor->getResItemPosition("rreadme", "", 4), 0);
+        QCOMPARE(editor->getResItemPosition("rlog", "trends", 1), -1);
+        QCOMPARE(editor->getResItemPosition("rlog", "mod", 4), -1);
+        QCOMPARE(editor->getResItemPosition("nosuch", "mod", 1), -1);
+    }
+
+    void foldersBeforeResourcesAreCounted() {
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        QCOMPARE(editor->getFolderCount("mod"), 2);
+        QCOMPARE(editor->getFolderCount("trends"), 0);
+        QCOMPARE(editor->getFolderCount(""), 2);
+        QCOMPARE(editor->getFolderCount("FileResources"), 2);
+        QCOMPARE(editor->getFolderCount("nosuch"), 2); // of the top rows
+    }
+};
 
 QTEST_MAIN(TestResTree)
 #include "tst_res_tree.moc"

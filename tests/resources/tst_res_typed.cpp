@@ -6,177 +6,169 @@ using namespace orvo::test;
 class TestResTyped : public QObject {
     Q_OBJECT
 private slots:
-    void theEchoOfTheFirstEditComesDuringTheSecond();
-    void severalEchoesComeDuringAnEdit();
-    void whatIsTypedOutlivesAChangeOfAnotherField_data();
-    void whatIsTypedOutlivesAChangeOfAnotherField();
-    void whatIsTypedGivesWayToAnotherInItsField();
-    void whatIsTypedOutlivesAnOwnDrag();
-    void whatIsTypedBetweenTheSaveOfANewRowAndItsEcho_data();
-    void whatIsTypedBetweenTheSaveOfANewRowAndItsEcho();
-    void aChangeOfTheCurrentRowSavesNoEditElsewhere();
-    void aRefusedDropMakesNoRowCurrentLater();
-};
-
-void TestResTyped::theEchoOfTheFirstEditComesDuringTheSecond() {
-    Writing live;
-    live.makeCurrent("rlog");
-    live.type("caption", "Дневник");
-    live.save();
-    live.type("params", "-x");
-    live.type("caption", "Дневник смены");
-    live.written();
-    live.deliver();
-    QCOMPARE(live.cell("rlog", ResColumn::Caption), QVariant("Дневник смены"));
-    QCOMPARE(live.cell("rlog", ResColumn::Params), QVariant("-x"));
-    QCOMPARE(live->passport("params"), QVariant("-x"));
-    QCOMPARE(live.state(), EditRow);
-    QVERIFY(live.buttonsEnabled());
-    QCOMPARE(live.written(), QString());
-    live.save();
-    QCOMPARE(live.written(),
-             QString("MenuResource\n  ~rlog MenuResourceFolderKey='mod' name_='Log' type_=1 "
-                     "caption='Дневник смены' params='-x' ico=''\n"));
-}
-
-void TestResTyped::severalEchoesComeDuringAnEdit() {
-    Writing live;
-    live.makeCurrent("rlog");
-    for (const char* caption : {"Раз", "Два", "Три"}) {
-        live.type("caption", caption);
+    void theEchoOfTheFirstEditComesDuringTheSecond() {
+        Writing live;
+        live.makeCurrent("rlog");
+        live.type("caption", "Дневник");
         live.save();
+        live.type("params", "-x");
+        live.type("caption", "Дневник смены");
+        live.written();
+        live.deliver();
+        QCOMPARE(live.cell("rlog", ResColumn::Caption), QVariant("Дневник смены"));
+        QCOMPARE(live.cell("rlog", ResColumn::Params), QVariant("-x"));
+        QCOMPARE(live->passport("params"), QVariant("-x"));
+        QCOMPARE(live.state(), EditRow);
+        QVERIFY(live.buttonsEnabled());
+        QCOMPARE(live.written(), QString());
+        live.save();
+        QCOMPARE(live.written(),
+                 QString("MenuResource\n  ~rlog MenuResourceFolderKey='mod' name_='Log' type_=1 "
+                         "caption='Дневник смены' params='-x' ico=''\n"));
     }
-    live.type("caption", "Четыре");
-    live.deliver();
-    QCOMPARE(live.cell("rlog", ResColumn::Caption), QVariant("Четыре"));
-    QCOMPARE(live.state(), EditRow);
-    live.cancel();
-    QCOMPARE(live.cell("rlog", ResColumn::Caption), QVariant("Три"));
-}
 
-void TestResTyped::whatIsTypedOutlivesAChangeOfAnotherField_data() {
-    QTest::addColumn<QString>("field");
-    QTest::addColumn<QString>("value");
-    QTest::newRow("a lock") << "UsersKey"
-                            << "uother";
-    QTest::newRow("parameters") << "params"
-                                << "-z";
-    QTest::newRow("a move by another") << "MenuResourceFolderKey"
-                                       << "frm";
-}
+    void severalEchoesComeDuringAnEdit() {
+        Writing live;
+        live.makeCurrent("rlog");
+        for (const char* caption : {"Раз", "Два", "Три"}) {
+            live.type("caption", caption);
+            live.save();
+        }
+        live.type("caption", "Четыре");
+        live.deliver();
+        QCOMPARE(live.cell("rlog", ResColumn::Caption), QVariant("Четыре"));
+        QCOMPARE(live.state(), EditRow);
+        live.cancel();
+        QCOMPARE(live.cell("rlog", ResColumn::Caption), QVariant("Три"));
+    }
 
-void TestResTyped::whatIsTypedOutlivesAChangeOfAnotherField() {
-    QFETCH(QString, field);
-    QFETCH(QString, value);
-    Writing live;
-    live.makeCurrent("rboiler");
-    live.type("caption", "Котёл № 2");
-    live.store.update("MenuResource",
-                      {{"KeyLink", QString("rboiler")}, {field.toLatin1().constData(), value}});
-    live.deliver();
-    QCOMPARE(live.state(), EditRow);
-    QVERIFY(live.buttonsEnabled());
-    QCOMPARE(live.currentKey(), QString("rboiler"));
-    QCOMPARE(live.cell("rboiler", ResColumn::Caption), QVariant("Котёл № 2"));
-    QCOMPARE(live->passport("caption"), QVariant("Котёл № 2"));
-    if (field == "params")
-        QCOMPARE(live->passport("params"), QVariant("-z"));
-    QCOMPARE(live.written(), QString());
-    live.save();
-    QVERIFY(live.written().contains("caption='Котёл № 2'"));
-    QCOMPARE(live.host.logLines.size(), 0);
-}
+    void whatIsTypedOutlivesAChangeOfAnotherField_data() {
+        QTest::addColumn<QString>("field");
+        QTest::addColumn<QString>("value");
+        QTest::newRow("a lock") << "UsersKey"
+                                << "uother";
+        QTest::newRow("parameters") << "params"
+                                    << "-z";
+        QTest::newRow("a move by another") << "MenuResourceFolderKey"
+                                           << "frm";
+    }
 
-void TestResTyped::whatIsTypedGivesWayToAnotherInItsField() {
-    Writing live;
-    live.makeCurrent("rlog");
-    live.type("caption", "Дневник");
-    live.type("params", "-x");
-    live.store.update("MenuResource", {{"KeyLink", QString("rlog")}, {"caption", QString("Иное")}});
-    live.deliver();
-    QCOMPARE(live.cell("rlog", ResColumn::Caption), QVariant("Иное"));
-    QCOMPARE(live->passport("caption"), QVariant("Иное"));
-    QCOMPARE(live.cell("rlog", ResColumn::Params), QVariant("-x"));
-    QCOMPARE(live.host.logLines.size(), 1);
-    QCOMPARE(live.host.logLines.first().text,
-             QString("модуль «Иное» (Log): «Наименование» изменено другим, набранное «Дневник» не "
-                     "сохранено"));
-}
+    void whatIsTypedOutlivesAChangeOfAnotherField() {
+        QFETCH(QString, field);
+        QFETCH(QString, value);
+        Writing live;
+        live.makeCurrent("rboiler");
+        live.type("caption", "Котёл № 2");
+        live.store.update("MenuResource",
+                          {{"KeyLink", QString("rboiler")}, {field.toLatin1().constData(), value}});
+        live.deliver();
+        QCOMPARE(live.state(), EditRow);
+        QVERIFY(live.buttonsEnabled());
+        QCOMPARE(live.currentKey(), QString("rboiler"));
+        QCOMPARE(live.cell("rboiler", ResColumn::Caption), QVariant("Котёл № 2"));
+        QCOMPARE(live->passport("caption"), QVariant("Котёл № 2"));
+        if (field == "params")
+            QCOMPARE(live->passport("params"), QVariant("-z"));
+        QCOMPARE(live.written(), QString());
+        live.save();
+        QVERIFY(live.written().contains("caption='Котёл № 2'"));
+        QCOMPARE(live.host.logLines.size(), 0);
+    }
 
-void TestResTyped::whatIsTypedOutlivesAnOwnDrag() {
-    Writing live;
-    live.makeCurrent("rlog");
-    live.type("caption", "Дневник");
-    live->on_res_dragdrop(live->row("trends"), {"rlog"});
-    live.written();
-    live.deliver();
-    QCOMPARE(live->row("rlog").parent(), live->row("trends"));
-    QCOMPARE(live.currentKey(), QString("rlog"));
-    QCOMPARE(live.cell("rlog", ResColumn::Caption), QVariant("Дневник"));
-    live.makeCurrent("rtable");
-    live.deliver();
-    QCOMPARE(live.cell("rlog", ResColumn::Caption), QVariant("Дневник"));
-    const MDRData* stored = orvo::seekKey(live->m_tabResource, "rlog");
-    QCOMPARE(orvo::textOf(stored, "caption"), QString("Дневник"));
-    QCOMPARE(orvo::textOf(stored, "MenuResourceFolderKey"), QString("trends"));
-}
+    void whatIsTypedGivesWayToAnotherInItsField() {
+        Writing live;
+        live.makeCurrent("rlog");
+        live.type("caption", "Дневник");
+        live.type("params", "-x");
+        live.store.update("MenuResource",
+                          {{"KeyLink", QString("rlog")}, {"caption", QString("Иное")}});
+        live.deliver();
+        QCOMPARE(live.cell("rlog", ResColumn::Caption), QVariant("Иное"));
+        QCOMPARE(live->passport("caption"), QVariant("Иное"));
+        QCOMPARE(live.cell("rlog", ResColumn::Params), QVariant("-x"));
+        QCOMPARE(live.host.logLines.size(), 1);
+        QCOMPARE(
+            live.host.logLines.first().text,
+            QString("модуль «Иное» (Log): «Наименование» изменено другим, набранное «Дневник» не "
+                    "сохранено"));
+    }
 
-void TestResTyped::whatIsTypedBetweenTheSaveOfANewRowAndItsEcho_data() {
-    QTest::addColumn<QString>("action");
-    QTest::newRow("folder") << "actAddFolder";
-    QTest::newRow("resource") << "actAddModule";
-}
+    void whatIsTypedOutlivesAnOwnDrag() {
+        Writing live;
+        live.makeCurrent("rlog");
+        live.type("caption", "Дневник");
+        live->on_res_dragdrop(live->row("trends"), {"rlog"});
+        live.written();
+        live.deliver();
+        QCOMPARE(live->row("rlog").parent(), live->row("trends"));
+        QCOMPARE(live.currentKey(), QString("rlog"));
+        QCOMPARE(live.cell("rlog", ResColumn::Caption), QVariant("Дневник"));
+        live.makeCurrent("rtable");
+        live.deliver();
+        QCOMPARE(live.cell("rlog", ResColumn::Caption), QVariant("Дневник"));
+        const MDRData* stored = orvo::seekKey(live->m_tabResource, "rlog");
+        QCOMPARE(orvo::textOf(stored, "caption"), QString("Дневник"));
+        QCOMPARE(orvo::textOf(stored, "MenuResourceFolderKey"), QString("trends"));
+    }
 
-void TestResTyped::whatIsTypedBetweenTheSaveOfANewRowAndItsEcho() {
-    QFETCH(QString, action);
-    Writing live;
-    live.makeCurrent("mod");
-    live.editor.action(qPrintable(action))->trigger();
-    const QString key = live.currentKey();
-    if (action == "actAddModule")
-        live.type("object", "Fresh");
-    live.type("caption", "Первое");
-    live.save();
-    live.type("caption", "Второе");
-    live.deliver();
-    QCOMPARE(live.currentKey(), key);
-    QCOMPARE(live.state(), EditRow);
-    QCOMPARE(live.cell(live.current(), ResColumn::Caption), QVariant("Второе"));
-    QCOMPARE(live->passport("caption"), QVariant("Второе"));
-    live.save();
-    live.deliver();
-    QCOMPARE(live.state(), Idle);
-    QCOMPARE(live.cell(live.current(), ResColumn::Caption), QVariant("Второе"));
-}
+    void whatIsTypedBetweenTheSaveOfANewRowAndItsEcho_data() {
+        QTest::addColumn<QString>("action");
+        QTest::newRow("folder") << "actAddFolder";
+        QTest::newRow("resource") << "actAddModule";
+    }
 
-void TestResTyped::aChangeOfTheCurrentRowSavesNoEditElsewhere() {
-    Writing live;
-    live.makeCurrent("trends");
-    live.type("caption", "");
-    live.makeCurrent("rlog"); // refused
-    live->on_common_error_message(nullptr);
-    live.store.update("MenuResource", {{"KeyLink", QString("rlog")}, {"caption", QString("Иное")}});
-    live.deliver();
-    QCOMPARE(live.box(), QString());
-    QCOMPARE(live.currentKey(), QString("rlog"));
-    QCOMPARE(live->passport("caption"), QVariant("Иное"));
-    QCOMPARE(live.state(), EditRow);
-}
+    void whatIsTypedBetweenTheSaveOfANewRowAndItsEcho() {
+        QFETCH(QString, action);
+        Writing live;
+        live.makeCurrent("mod");
+        live.editor.action(qPrintable(action))->trigger();
+        const QString key = live.currentKey();
+        if (action == "actAddModule")
+            live.type("object", "Fresh");
+        live.type("caption", "Первое");
+        live.save();
+        live.type("caption", "Второе");
+        live.deliver();
+        QCOMPARE(live.currentKey(), key);
+        QCOMPARE(live.state(), EditRow);
+        QCOMPARE(live.cell(live.current(), ResColumn::Caption), QVariant("Второе"));
+        QCOMPARE(live->passport("caption"), QVariant("Второе"));
+        live.save();
+        live.deliver();
+        QCOMPARE(live.state(), Idle);
+        QCOMPARE(live.cell(live.current(), ResColumn::Caption), QVariant("Второе"));
+    }
 
-void TestResTyped::aRefusedDropMakesNoRowCurrentLater() {
-    Writing live;
-    live.makeCurrent("rcalc");
-    live.host.writes().refusedTable = "MenuResource";
-    live->on_res_dragdrop(live->row("alarms"), {"rlog"});
-    live.host.writes().refusedTable.clear();
-    live.type("params", "half");
-    live.written();
-    addItem(live.store, "other", 1, "mod", "Other", "Другой");
-    live.deliver();
-    QCOMPARE(live.currentKey(), QString("rcalc"));
-    QCOMPARE(live.state(), EditRow);
-    QCOMPARE(live.written(), QString());
-}
+    void aChangeOfTheCurrentRowSavesNoEditElsewhere() {
+        Writing live;
+        live.makeCurrent("trends");
+        live.type("caption", "");
+        live.makeCurrent("rlog"); // refused
+        live->on_common_error_message(nullptr);
+        live.store.update("MenuResource",
+                          {{"KeyLink", QString("rlog")}, {"caption", QString("Иное")}});
+        live.deliver();
+        QCOMPARE(live.box(), QString());
+        QCOMPARE(live.currentKey(), QString("rlog"));
+        QCOMPARE(live->passport("caption"), QVariant("Иное"));
+        QCOMPARE(live.state(), EditRow);
+    }
+
+    void aRefusedDropMakesNoRowCurrentLater() {
+        Writing live;
+        live.makeCurrent("rcalc");
+        live.host.writes().refusedTable = "MenuResource";
+        live->on_res_dragdrop(live->row("alarms"), {"rlog"});
+        live.host.writes().refusedTable.clear();
+        live.type("params", "half");
+        live.written();
+        addItem(live.store, "other", 1, "mod", "Other", "Другой");
+        live.deliver();
+        QCOMPARE(live.currentKey(), QString("rcalc"));
+        QCOMPARE(live.state(), EditRow);
+        QCOMPARE(live.written(), QString());
+    }
+};
 
 QTEST_MAIN(TestResTyped)
 #include "tst_res_typed.moc"
