@@ -168,6 +168,13 @@ private:
     }
 };
 
+/// A row of test data: its name, then its values in the order of the columns.
+template <class... Values>
+void dataRow(const char* name, const Values&... values) {
+    QTestData& row = QTest::newRow(name);
+    ((row << values), ...);
+}
+
 /// The first row whose text in `column` is `text`; invalid if there is none.
 QModelIndex findRow(const QAbstractItemModel& model, const QString& text, int column = 0);
 /// Clicks on a row in column 0, scrolled into view.

@@ -101,16 +101,16 @@ private slots:
 
     void desktopRowsSwitchTheirActions_data() {
         QTest::addColumn<QString>("expected");
-        QTest::newRow("mainnode") << "AddFoldertvDesck";
-        QTest::newRow("ceh") << "AddDescktop AddFoldertvDesck ChangeDescktopOrFolder "
-                                "CopyDescktopOrFolder";
-        QTest::newRow("sklad") << "AddDescktop AddFoldertvDesck DeleteFromtvDesck "
-                                  "ChangeDescktopOrFolder CopyDescktopOrFolder";
-        QTest::newRow("obshiy") << "CopyDescktopOrFolder";
-        QTest::newRow("armop") << "AddDescktop DeleteFromtvDesck ChangeDescktopOrFolder "
-                                  "CopyDescktopOrFolder";
-        QTest::newRow("armpech") << "AddDescktop DeleteFromtvDesck ChangeDescktopOrFolder "
-                                    "CopyDescktopOrFolder";
+        dataRow("mainnode", "AddFoldertvDesck");
+        dataRow("ceh", "AddDescktop AddFoldertvDesck ChangeDescktopOrFolder "
+                       "CopyDescktopOrFolder");
+        dataRow("sklad", "AddDescktop AddFoldertvDesck DeleteFromtvDesck "
+                         "ChangeDescktopOrFolder CopyDescktopOrFolder");
+        dataRow("obshiy", "CopyDescktopOrFolder");
+        dataRow("armop", "AddDescktop DeleteFromtvDesck ChangeDescktopOrFolder "
+                         "CopyDescktopOrFolder");
+        dataRow("armpech", "AddDescktop DeleteFromtvDesck ChangeDescktopOrFolder "
+                           "CopyDescktopOrFolder");
     }
 
     void desktopRowsSwitchTheirActions() {
@@ -137,15 +137,15 @@ private slots:
         QTest::addColumn<QString>("expected");
         const QString create = "NewElemFolder NewElemModul NewElemFunction NewElemFile";
         const QString edit = "DeleteElem CopyMenuElement CutMenuElement";
-        QTest::newRow("MenuRootNode") << create;
-        QTest::newRow("grafiki") << create + " " + edit + " MoveUp MoveDown";
-        QTest::newRow("glubzhe") << create + " " + edit + " MoveUp";
-        QTest::newRow("trend") << edit + " MoveDown";
-        QTest::newRow("calc") << edit + " MoveUp MoveDown";
-        QTest::newRow("form") << edit;
-        QTest::newRow("shema") << edit + " MoveDown";
+        dataRow("MenuRootNode", create);
+        dataRow("grafiki", create + " " + edit + " MoveUp MoveDown");
+        dataRow("glubzhe", create + " " + edit + " MoveUp");
+        dataRow("trend", edit + " MoveDown");
+        dataRow("calc", edit + " MoveUp MoveDown");
+        dataRow("form", edit);
+        dataRow("shema", edit + " MoveDown");
         // An element whose resource is gone is no folder.
-        QTest::newRow("propal") << edit + " MoveUp";
+        dataRow("propal", edit + " MoveUp");
     }
 
     void menuRowsSwitchTheirActions() {

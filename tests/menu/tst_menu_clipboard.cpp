@@ -280,16 +280,15 @@ private slots:
     void aCutOfAnotherProgramIsTakenAway_data() {
         QTest::addColumn<QByteArray>("bytes");
         QTest::addColumn<bool>("taken");
-        QTest::newRow("a cut") << QByteArray("1\nform;\nX") << true;
-        QTest::newRow("any other number") << QByteArray("7\nform;\nX") << true;
-        QTest::newRow("a negative number") << QByteArray("-1\nform;\nX") << true;
-        QTest::newRow("a number without a line") << QByteArray("1") << true;
-        QTest::newRow("a copy") << QByteArray("0\nform;\nX") << false;
-        QTest::newRow("no number") << QByteArray("one\nform;\nX") << false;
-        QTest::newRow("an empty line") << QByteArray("\nform;\nX") << false;
-        QTest::newRow("a number that is none")
-            << QByteArray("99999999999999999999\nform;\nX") << false;
-        QTest::newRow("a cut on the second line") << QByteArray("0\n1\nX") << false;
+        dataRow("a cut", QByteArray("1\nform;\nX"), true);
+        dataRow("any other number", QByteArray("7\nform;\nX"), true);
+        dataRow("a negative number", QByteArray("-1\nform;\nX"), true);
+        dataRow("a number without a line", QByteArray("1"), true);
+        dataRow("a copy", QByteArray("0\nform;\nX"), false);
+        dataRow("no number", QByteArray("one\nform;\nX"), false);
+        dataRow("an empty line", QByteArray("\nform;\nX"), false);
+        dataRow("a number that is none", QByteArray("99999999999999999999\nform;\nX"), false);
+        dataRow("a cut on the second line", QByteArray("0\n1\nX"), false);
     }
 
     void aCutOfAnotherProgramIsTakenAway() {

@@ -137,12 +137,9 @@ private slots:
     void subFoldersCarryTheirCaptionAsParent_data() {
         QTest::addColumn<QString>("caption");
         QTest::addColumn<QString>("parent");
-        QTest::newRow("a text") << "'Дно'"
-                                << "'Дно'";
-        QTest::newRow("an empty text") << "''"
-                                       << "''";
-        QTest::newRow("none") << "NULL"
-                              << "NULL";
+        dataRow("a text", "'Дно'", "'Дно'");
+        dataRow("an empty text", "''", "''");
+        dataRow("none", "NULL", "NULL");
     }
 
     void subFoldersCarryTheirCaptionAsParent() {

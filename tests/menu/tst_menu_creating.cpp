@@ -84,9 +84,9 @@ private slots:
         QTest::addColumn<QString>("action");
         QTest::addColumn<int>("kind");
         QTest::addColumn<QString>("tree");
-        QTest::newRow("module") << "actNewElemModul" << 1 << "Подпапка\n  Inner\nArchive\nEvents\n";
-        QTest::newRow("function") << "actNewElemFunction" << 2 << "Sum\nZero\n";
-        QTest::newRow("form") << "actNewElemFile" << 3 << "Kotel\nValve\n";
+        dataRow("module", "actNewElemModul", 1, "Подпапка\n  Inner\nArchive\nEvents\n");
+        dataRow("function", "actNewElemFunction", 2, "Sum\nZero\n");
+        dataRow("form", "actNewElemFile", 3, "Kotel\nValve\n");
     }
 
     void eachActionListsItsKind() {
@@ -515,15 +515,9 @@ private slots:
         QTest::addColumn<QString>("title");
         QTest::addColumn<QString>("other");
         QTest::addColumn<QString>("key");
-        QTest::newRow("module") << "trend" << 1 << "Выбор модулей АРМ"
-                                << "Archive"
-                                << "m1";
-        QTest::newRow("function") << "calc" << 2 << "Выбор функций АРМ"
-                                  << "Zero"
-                                  << "f2";
-        QTest::newRow("form") << "shema" << 3 << "Выбор форм отображения АРМ"
-                              << "Valve"
-                              << "r2";
+        dataRow("module", "trend", 1, "Выбор модулей АРМ", "Archive", "m1");
+        dataRow("function", "calc", 2, "Выбор функций АРМ", "Zero", "f2");
+        dataRow("form", "shema", 3, "Выбор форм отображения АРМ", "Valve", "r2");
     }
 
     void theObjectIsPickedByItsType() {

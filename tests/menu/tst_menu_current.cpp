@@ -159,8 +159,8 @@ private slots:
 
     void whileADesktopIsEditedElementsHaveNoPassport_data() {
         QTest::addColumn<QByteArray>("slot");
-        QTest::newRow("new") << QByteArray("on_actAddDescktop_triggered");
-        QTest::newRow("renamed") << QByteArray("on_actChangeDescktopOrFolder_triggered");
+        dataRow("new", QByteArray("on_actAddDescktop_triggered"));
+        dataRow("renamed", QByteArray("on_actChangeDescktopOrFolder_triggered"));
     }
 
     void whileADesktopIsEditedElementsHaveNoPassport() {
@@ -207,16 +207,11 @@ private slots:
     void aRangeOverLevelsEndsWithinOneParent_data() {
         QTest::addColumn<QString>("from");
         QTest::addColumn<QString>("to");
-        QTest::newRow("over a subtree") << "shema"
-                                        << "propal";
-        QTest::newRow("out of a folder") << "trend"
-                                         << "propal";
-        QTest::newRow("into a folder") << "shema"
-                                       << "form";
-        QTest::newRow("from the root") << "MenuRootNode"
-                                       << "propal";
-        QTest::newRow("upwards") << "propal"
-                                 << "shema";
+        dataRow("over a subtree", "shema", "propal");
+        dataRow("out of a folder", "trend", "propal");
+        dataRow("into a folder", "shema", "form");
+        dataRow("from the root", "MenuRootNode", "propal");
+        dataRow("upwards", "propal", "shema");
     }
 
     void aRangeOverLevelsEndsWithinOneParent() {

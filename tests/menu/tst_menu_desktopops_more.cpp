@@ -274,14 +274,14 @@ private slots:
 
     void foreignKeysPasteNothing_data() {
         QTest::addColumn<QByteArray>("bytes");
-        QTest::newRow("nothing") << QByteArray();
-        QTest::newRow("a zero byte") << QByteArray("\0armop", 6);
-        QTest::newRow("an unknown key") << QByteArray("nosuch");
-        QTest::newRow("the root row") << QByteArray("mainnode");
-        QTest::newRow("a key with a blank") << QByteArray("armop ");
-        QTest::newRow("a statement") << QByteArray("armop' or '1'='1");
-        QTest::newRow("bytes of another code") << QByteArray("\xff\xfe\x98\x01");
-        QTest::newRow("a megabyte") << QByteArray(1 << 20, 'a');
+        dataRow("nothing", QByteArray());
+        dataRow("a zero byte", QByteArray("\0armop", 6));
+        dataRow("an unknown key", QByteArray("nosuch"));
+        dataRow("the root row", QByteArray("mainnode"));
+        dataRow("a key with a blank", QByteArray("armop "));
+        dataRow("a statement", QByteArray("armop' or '1'='1"));
+        dataRow("bytes of another code", QByteArray("\xff\xfe\x98\x01"));
+        dataRow("a megabyte", QByteArray(1 << 20, 'a'));
     }
 
     void foreignKeysPasteNothing() {

@@ -142,13 +142,13 @@ private slots:
         QTest::addColumn<QString>("row");
         QTest::addColumn<QVariant>("value");
         QTest::addColumn<int>("column");
-        QTest::newRow("name") << "name" << QVariant("Иное") << int(MenuColumn::Caption);
-        QTest::newRow("icon") << "icon" << QVariant("pump.png") << int(MenuColumn::Icon);
-        QTest::newRow("params") << "params" << QVariant("-x") << int(MenuColumn::Params);
-        QTest::newRow("onecopy") << "onecopy" << QVariant(true) << int(MenuColumn::OneCopy);
-        QTest::newRow("separator") << "separator" << QVariant(true) << int(MenuColumn::Separator);
-        QTest::newRow("Name") << "Name" << QVariant("Иное") << int(MenuColumn::Caption);
-        QTest::newRow("OneCopy") << "OneCopy" << QVariant(true) << int(MenuColumn::OneCopy);
+        dataRow("name", "name", QVariant("Иное"), int(MenuColumn::Caption));
+        dataRow("icon", "icon", QVariant("pump.png"), int(MenuColumn::Icon));
+        dataRow("params", "params", QVariant("-x"), int(MenuColumn::Params));
+        dataRow("onecopy", "onecopy", QVariant(true), int(MenuColumn::OneCopy));
+        dataRow("separator", "separator", QVariant(true), int(MenuColumn::Separator));
+        dataRow("Name", "Name", QVariant("Иное"), int(MenuColumn::Caption));
+        dataRow("OneCopy", "OneCopy", QVariant(true), int(MenuColumn::OneCopy));
         for (const char* row : {"object", "keylink", "type", "order", ""})
             QTest::addRow("no column: %s", row) << QString(row) << QVariant("Иное") << -1;
     }
@@ -326,10 +326,10 @@ private slots:
 
     void withoutAStructureTheEditStaysOpen_data() {
         QTest::addColumn<int>("state");
-        QTest::newRow("new desktop") << NewDesck;
-        QTest::newRow("new element") << NewElement;
-        QTest::newRow("name") << Rename;
-        QTest::newRow("element") << Element;
+        dataRow("new desktop", NewDesck);
+        dataRow("new element", NewElement);
+        dataRow("name", Rename);
+        dataRow("element", Element);
     }
 
     void withoutAStructureTheEditStaysOpen() {
@@ -592,8 +592,8 @@ private slots:
 
     void elementsMoveBesideAnEditOfDesktops_data() {
         QTest::addColumn<int>("state");
-        QTest::newRow("new desktop") << NewDesck;
-        QTest::newRow("name") << Rename;
+        dataRow("new desktop", NewDesck);
+        dataRow("name", Rename);
     }
 
     void elementsMoveBesideAnEditOfDesktops() {

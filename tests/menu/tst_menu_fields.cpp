@@ -118,8 +118,8 @@ private slots:
     }
     void copiesHaveIt_data() {
         QTest::addColumn<bool>("cut");
-        QTest::newRow("copied") << false;
-        QTest::newRow("cut") << true;
+        dataRow("copied", false);
+        dataRow("cut", true);
     }
     void copiesHaveIt() {
         QFETCH(bool, cut);

@@ -77,8 +77,8 @@ private slots:
 
     void anElementIsEditedWhileADesktopIsNew_data() {
         QTest::addColumn<bool>("isNew");
-        QTest::newRow("new") << true;
-        QTest::newRow("renamed") << false;
+        dataRow("new", true);
+        dataRow("renamed", false);
     }
 
     void anElementIsEditedWhileADesktopIsNew() {

@@ -43,10 +43,10 @@ struct Interrupted : Live {
 
 void addStates() {
     QTest::addColumn<int>("state");
-    QTest::newRow("new desktop") << NewDesck;
-    QTest::newRow("new folder") << NewElement;
-    QTest::newRow("name") << Rename;
-    QTest::newRow("element") << Element;
+    dataRow("new desktop", NewDesck);
+    dataRow("new folder", NewElement);
+    dataRow("name", Rename);
+    dataRow("element", Element);
 }
 
 } // namespace

@@ -166,18 +166,10 @@ private slots:
         QTest::addColumn<int>("option");
         QTest::addColumn<QString>("parent");
         QTest::addColumn<QString>("rows");
-        QTest::newRow("onto a folder") << "shema"
-                                       << "grafiki" << -1 << "grafiki"
-                                       << "trend calc glubzhe shema";
-        QTest::newRow("between others") << "shema"
-                                        << "grafiki" << 1 << "grafiki"
-                                        << "trend shema calc glubzhe";
-        QTest::newRow("among its siblings") << "glubzhe"
-                                            << "grafiki" << 1 << "grafiki"
-                                            << "trend glubzhe calc";
-        QTest::newRow("to the top") << "calc"
-                                    << "MenuRootNode" << -1 << ""
-                                    << "shema grafiki propal calc";
+        dataRow("onto a folder", "shema", "grafiki", -1, "grafiki", "trend calc glubzhe shema");
+        dataRow("between others", "shema", "grafiki", 1, "grafiki", "trend shema calc glubzhe");
+        dataRow("among its siblings", "glubzhe", "grafiki", 1, "grafiki", "trend glubzhe calc");
+        dataRow("to the top", "calc", "MenuRootNode", -1, "", "shema grafiki propal calc");
     }
 
     void anEditedElementIsDropped() {
@@ -404,12 +396,9 @@ private slots:
     void aCutIsNotPastedBelowItself_data() {
         QTest::addColumn<QString>("cut");
         QTest::addColumn<QString>("onto");
-        QTest::newRow("a folder onto itself") << "glubzhe"
-                                              << "glubzhe";
-        QTest::newRow("a folder into what lies below it") << "grafiki"
-                                                          << "glubzhe";
-        QTest::newRow("an element onto itself") << "calc"
-                                                << "calc";
+        dataRow("a folder onto itself", "glubzhe", "glubzhe");
+        dataRow("a folder into what lies below it", "grafiki", "glubzhe");
+        dataRow("an element onto itself", "calc", "calc");
     }
 
     void aCutIsNotPastedBelowItself() {
@@ -459,8 +448,8 @@ private slots:
 private:
     static void movesOfAFolder() {
         QTest::addColumn<bool>("toOtherParent");
-        QTest::newRow("among its siblings") << false;
-        QTest::newRow("to another parent") << true;
+        dataRow("among its siblings", false);
+        dataRow("to another parent", true);
     }
     static void moveFolder(Meanwhile& live, bool toOtherParent) {
         if (toOtherParent)

@@ -130,7 +130,7 @@ private slots:
     void withoutAStructureNothingHappens_data() {
         QTest::addColumn<int>("number");
         for (int i = 0; i < int(std::size(operations)); ++i)
-            QTest::newRow(operations[i].name) << i;
+            dataRow(operations[i].name, i);
     }
 
     void withoutAStructureNothingHappens() {

@@ -160,7 +160,7 @@ private slots:
         QTest::addColumn<QString>("result");
         const auto row = [](const char* name, const char* destination, const char* key, int option,
                             const char* records, const char* result) {
-            QTest::newRow(name) << destination << key << option << records << result;
+            dataRow(name, destination, key, option, records, result);
         };
         row("d before row 1", "abcd", "d", 1, "~b order_=3000 ~c order_=4000 ~d order_=2000",
             "a d b c");
@@ -204,24 +204,15 @@ private slots:
         QTest::addColumn<QString>("destination");
         QTest::addColumn<QString>("key");
         QTest::addColumn<int>("option");
-        QTest::newRow("above itself") << "abcd"
-                                      << "c" << 2;
-        QTest::newRow("below itself") << "abcd"
-                                      << "c" << 3;
-        QTest::newRow("the second at the top") << "abcd"
-                                               << "b" << 0;
-        QTest::newRow("the second above itself") << "abcd"
-                                                 << "b" << 1;
-        QTest::newRow("the first at the top") << "abcd"
-                                              << "a" << 0;
-        QTest::newRow("the first below itself") << "abcd"
-                                                << "a" << 1;
-        QTest::newRow("the last at the end") << "abcd"
-                                             << "d" << 4;
-        QTest::newRow("onto itself") << "b"
-                                     << "b" << -1;
-        QTest::newRow("onto the row before") << "b"
-                                             << "c" << -1;
+        dataRow("above itself", "abcd", "c", 2);
+        dataRow("below itself", "abcd", "c", 3);
+        dataRow("the second at the top", "abcd", "b", 0);
+        dataRow("the second above itself", "abcd", "b", 1);
+        dataRow("the first at the top", "abcd", "a", 0);
+        dataRow("the first below itself", "abcd", "a", 1);
+        dataRow("the last at the end", "abcd", "d", 4);
+        dataRow("onto itself", "b", "b", -1);
+        dataRow("onto the row before", "b", "c", -1);
     }
 
     void aDropBesideItselfWritesNothing() {
@@ -243,7 +234,7 @@ private slots:
         QTest::addColumn<QString>("result");
         const auto row = [](const char* name, const char* destination, int option,
                             const char* written, const char* parent, const char* result) {
-            QTest::newRow(name) << destination << option << written << parent << result;
+            dataRow(name, destination, option, written, parent, result);
         };
         row("before row 1", "pqr", 1,
             "Menu\n  ~q order_=2000\n  ~r order_=3000\nMenu\n  ~b parent='pqr' order_=1000\n",
@@ -288,25 +279,18 @@ private slots:
         QTest::addColumn<QStringList>("keys");
         QTest::addColumn<QString>("records");
         QTest::addColumn<QString>("result");
-        QTest::newRow("one") << "pqr" << QStringList{"b"} << "~b parent='pqr' order_=3000"
-                             << "p q r b";
-        QTest::newRow("several, in the order of the list")
-            << "pqr" << QStringList{"c", "a", "pusto"}
-            << "~c parent='pqr' order_=3000 ~a parent='pqr' order_=4000 ~pusto parent='pqr' "
-               "order_=5000"
-            << "p q r c a pusto";
-        QTest::newRow("into an empty folder")
-            << "pusto" << QStringList{"d", "c"}
-            << "~d parent='pusto' order_=0 ~c parent='pusto' order_=1000"
-            << "d c";
-        QTest::newRow("the root row")
-            << "MenuRootNode" << QStringList{"b"} << "~b parent=NULL order_=4000"
-            << "abcd pqr pusto b";
-        QTest::newRow("its own folder")
-            << "abcd" << QStringList{"b"} << "~b parent='abcd' order_=5000"
-            << "a c d b";
-        QTest::newRow("none") << "pqr" << QStringList() << ""
-                              << "p q r";
+        dataRow("one", "pqr", QStringList{"b"}, "~b parent='pqr' order_=3000", "p q r b");
+        dataRow("several, in the order of the list", "pqr", QStringList{"c", "a", "pusto"},
+                "~c parent='pqr' order_=3000 ~a parent='pqr' order_=4000 ~pusto parent='pqr' "
+                "order_=5000",
+                "p q r c a pusto");
+        dataRow("into an empty folder", "pusto", QStringList{"d", "c"},
+                "~d parent='pusto' order_=0 ~c parent='pusto' order_=1000", "d c");
+        dataRow("the root row", "MenuRootNode", QStringList{"b"}, "~b parent=NULL order_=4000",
+                "abcd pqr pusto b");
+        dataRow("its own folder", "abcd", QStringList{"b"}, "~b parent='abcd' order_=5000",
+                "a c d b");
+        dataRow("none", "pqr", QStringList(), "", "p q r");
     }
 
     void dropsOntoFolders() {

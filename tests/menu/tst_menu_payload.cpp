@@ -122,15 +122,15 @@ private slots:
     void modes_data() {
         QTest::addColumn<QByteArray>("mode");
         QTest::addColumn<bool>("cut");
-        QTest::newRow("0") << QByteArray("0") << false;
-        QTest::newRow("1") << QByteArray("1") << true;
-        QTest::newRow("001") << QByteArray("001") << true;
-        QTest::newRow("empty") << QByteArray("") << false;
-        QTest::newRow("2") << QByteArray("2") << false;
-        QTest::newRow("-1") << QByteArray("-1") << false;
-        QTest::newRow("huge") << QByteArray("4294967297") << false;
-        QTest::newRow("very huge") << QByteArray(100000, '1') << false;
-        QTest::newRow("a word") << QByteArray("cut") << false;
+        dataRow("0", QByteArray("0"), false);
+        dataRow("1", QByteArray("1"), true);
+        dataRow("001", QByteArray("001"), true);
+        dataRow("empty", QByteArray(""), false);
+        dataRow("2", QByteArray("2"), false);
+        dataRow("-1", QByteArray("-1"), false);
+        dataRow("huge", QByteArray("4294967297"), false);
+        dataRow("very huge", QByteArray(100000, '1'), false);
+        dataRow("a word", QByteArray("cut"), false);
     }
 
     void modes() {
@@ -144,17 +144,17 @@ private slots:
     void bytesThatAreNone_data() {
         QTest::addColumn<QByteArray>("bytes");
         const QByteArray image = Packed().add("a", {}).bytes("", "").mid(2);
-        QTest::newRow("nothing") << QByteArray();
-        QTest::newRow("a mode alone") << QByteArray("0");
-        QTest::newRow("one line feed") << QByteArray("0\n");
-        QTest::newRow("no table") << QByteArray("0\na;\n");
-        QTest::newRow("line feeds") << QByteArray(1000, '\n');
-        QTest::newRow("zero bytes") << QByteArray(1000, '\0');
-        QTest::newRow("the table alone") << image;
-        QTest::newRow("no key list") << "0\n" + image;
-        QTest::newRow("a text for a table") << QByteArray("0\na;\nhello");
-        QTest::newRow("no record") << Packed().bytes("0", "a;");
-        QTest::newRow("carriage returns") << "0\r" + QByteArray("a;\r") + image;
+        dataRow("nothing", QByteArray());
+        dataRow("a mode alone", QByteArray("0"));
+        dataRow("one line feed", QByteArray("0\n"));
+        dataRow("no table", QByteArray("0\na;\n"));
+        dataRow("line feeds", QByteArray(1000, '\n'));
+        dataRow("zero bytes", QByteArray(1000, '\0'));
+        dataRow("the table alone", image);
+        dataRow("no key list", "0\n" + image);
+        dataRow("a text for a table", QByteArray("0\na;\nhello"));
+        dataRow("no record", Packed().bytes("0", "a;"));
+        dataRow("carriage returns", "0\r" + QByteArray("a;\r") + image);
     }
 
     void bytesThatAreNone() {
@@ -243,13 +243,12 @@ private slots:
 
     void otherStructuresPasteNothing_data() {
         QTest::addColumn<QByteArray>("bytes");
-        QTest::newRow("no fields") << Packed(std::initializer_list<const char*>{}).pack("1", "a;");
-        QTest::newRow("other fields")
-            << Packed({"one", "two"}).add("a", {}).bytes("1", "a;", {"one"});
-        QTest::newRow("no parent")
-            << Packed({"KeyLink", "order_"}).add("a", {}).bytes("1", "a;", {"KeyLink"});
-        QTest::newRow("no order")
-            << Packed({"KeyLink", "parent"}).add("a", {}).bytes("1", "a;", {"KeyLink"});
+        dataRow("no fields", Packed(std::initializer_list<const char*>{}).pack("1", "a;"));
+        dataRow("other fields", Packed({"one", "two"}).add("a", {}).bytes("1", "a;", {"one"}));
+        dataRow("no parent",
+                Packed({"KeyLink", "order_"}).add("a", {}).bytes("1", "a;", {"KeyLink"}));
+        dataRow("no order",
+                Packed({"KeyLink", "parent"}).add("a", {}).bytes("1", "a;", {"KeyLink"}));
     }
 
     void otherStructuresPasteNothing() {

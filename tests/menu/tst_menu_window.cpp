@@ -49,54 +49,22 @@ private slots:
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("toolTip");
         QTest::addColumn<QString>("image");
-        QTest::newRow("actAddFoldertvDesck") << "Папку"
-                                             << "Создать папку"
-                                             << "closedfolder1";
-        QTest::newRow("actAddDescktop") << "Рабочий стол"
-                                        << "Рабочий стол"
-                                        << "descktop1";
-        QTest::newRow("actMoveUp") << ""
-                                   << "Переместить вверх"
-                                   << "up1";
-        QTest::newRow("actMoveDown") << ""
-                                     << "Переместить вниз"
-                                     << "down1";
-        QTest::newRow("actNewElemFolder") << "Папка"
-                                          << "Новая папка"
-                                          << "closedfolder1";
-        QTest::newRow("actNewElemModul") << "Модуль"
-                                         << "Новый модуль"
-                                         << "modul1";
-        QTest::newRow("actNewElemFunction") << "Функция"
-                                            << "Новая функция"
-                                            << "function1";
-        QTest::newRow("actNewElemFile") << "Файл"
-                                        << "Новый файл"
-                                        << "file1";
-        QTest::newRow("actDeleteFromtvDesck") << "Удалить"
-                                              << "Удалить папку или рабочий стол"
-                                              << "delete1";
-        QTest::newRow("actDeleteElem") << "Удалить элемент"
-                                       << "Удалить элемент"
-                                       << "delelem1";
-        QTest::newRow("actCopyDescktopOrFolder") << "Копировать"
-                                                 << "Копировать"
-                                                 << "copy1";
-        QTest::newRow("actPasteDescktopOrFolder") << "Вставить"
-                                                  << "Вставить"
-                                                  << "paste1";
-        QTest::newRow("actChangeDescktopOrFolder") << "Изменить"
-                                                   << "Изменить"
-                                                   << "edit1";
-        QTest::newRow("actCutMenuElement") << "Вырезать"
-                                           << "Вырезать"
-                                           << "cut1";
-        QTest::newRow("actCopyMenuElement") << "Копировать"
-                                            << "Копировать"
-                                            << "copy1";
-        QTest::newRow("actPasteMenuElement") << "Вставить"
-                                             << "Вставить"
-                                             << "paste1";
+        dataRow("actAddFoldertvDesck", "Папку", "Создать папку", "closedfolder1");
+        dataRow("actAddDescktop", "Рабочий стол", "Рабочий стол", "descktop1");
+        dataRow("actMoveUp", "", "Переместить вверх", "up1");
+        dataRow("actMoveDown", "", "Переместить вниз", "down1");
+        dataRow("actNewElemFolder", "Папка", "Новая папка", "closedfolder1");
+        dataRow("actNewElemModul", "Модуль", "Новый модуль", "modul1");
+        dataRow("actNewElemFunction", "Функция", "Новая функция", "function1");
+        dataRow("actNewElemFile", "Файл", "Новый файл", "file1");
+        dataRow("actDeleteFromtvDesck", "Удалить", "Удалить папку или рабочий стол", "delete1");
+        dataRow("actDeleteElem", "Удалить элемент", "Удалить элемент", "delelem1");
+        dataRow("actCopyDescktopOrFolder", "Копировать", "Копировать", "copy1");
+        dataRow("actPasteDescktopOrFolder", "Вставить", "Вставить", "paste1");
+        dataRow("actChangeDescktopOrFolder", "Изменить", "Изменить", "edit1");
+        dataRow("actCutMenuElement", "Вырезать", "Вырезать", "cut1");
+        dataRow("actCopyMenuElement", "Копировать", "Копировать", "copy1");
+        dataRow("actPasteMenuElement", "Вставить", "Вставить", "paste1");
     }
 
     void actionsHaveTheirTexts() {
@@ -402,10 +370,10 @@ private slots:
 
     void aTableThatCannotBeFetchedEndsTheStart_data() {
         QTest::addColumn<QString>("place");
-        QTest::newRow("MenuResource") << "OrvoMenu::loadTables->MenuResource";
-        QTest::newRow("MenuFolder") << "OrvoMenu::loadTables->MenuFolder";
+        dataRow("MenuResource", "OrvoMenu::loadTables->MenuResource");
+        dataRow("MenuFolder", "OrvoMenu::loadTables->MenuFolder");
         // The other editor's name stands in this place of this one.
-        QTest::newRow("MenuResourceFolder") << "OrvoResources::loadTables->MenuResourceFolder";
+        dataRow("MenuResourceFolder", "OrvoResources::loadTables->MenuResourceFolder");
     }
 
     void aTableThatCannotBeFetchedEndsTheStart() {

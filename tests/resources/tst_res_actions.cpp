@@ -55,7 +55,7 @@ private slots:
     void rowsOfferTheirActions_data() {
         QTest::addColumn<QString>("actions");
         const auto add = [](const char* key, const char* actions) {
-            QTest::newRow(key) << QString(actions);
+            dataRow(key, QString(actions));
         };
         add("MenuResources", "");
         add("mod", "actAddFolder actAddModule");
@@ -94,16 +94,16 @@ private slots:
     void pasteFollowsTheClipboard_data() {
         QTest::addColumn<QByteArray>("key");
         QTest::addColumn<int>("kind"); // 0: never
-        QTest::newRow("folder of modules") << QByteArray("trends") << 1;
-        QTest::newRow("folder of functions") << QByteArray("calc") << 2;
-        QTest::newRow("folder of forms") << QByteArray("boilers") << 3;
-        QTest::newRow("file area") << QByteArray("FileResources") << 4;
-        QTest::newRow("folder of files") << QByteArray("docs") << 4;
-        QTest::newRow("top folder of modules") << QByteArray("mod") << 0;
-        QTest::newRow("menu area") << QByteArray("MenuResources") << 0;
-        QTest::newRow("module") << QByteArray("rtrend") << 0;
-        QTest::newRow("form") << QByteArray("rboiler") << 0;
-        QTest::newRow("file") << QByteArray("rmanual") << 0;
+        dataRow("folder of modules", QByteArray("trends"), 1);
+        dataRow("folder of functions", QByteArray("calc"), 2);
+        dataRow("folder of forms", QByteArray("boilers"), 3);
+        dataRow("file area", QByteArray("FileResources"), 4);
+        dataRow("folder of files", QByteArray("docs"), 4);
+        dataRow("top folder of modules", QByteArray("mod"), 0);
+        dataRow("menu area", QByteArray("MenuResources"), 0);
+        dataRow("module", QByteArray("rtrend"), 0);
+        dataRow("form", QByteArray("rboiler"), 0);
+        dataRow("file", QByteArray("rmanual"), 0);
     }
 
     void pasteFollowsTheClipboard() {
@@ -174,13 +174,13 @@ private slots:
     void theClipboardIsReadWithCare_data() {
         QTest::addColumn<QByteArray>("payload");
         QTest::addColumn<bool>("isForm");
-        QTest::newRow("forms") << QByteArray("3\na;\n") << true;
-        QTest::newRow("modules") << QByteArray("1\na;\n") << false;
-        QTest::newRow("no line feed") << QByteArray("3") << false;
-        QTest::newRow("nothing") << QByteArray("") << false;
-        QTest::newRow("no number") << QByteArray("three\n") << false;
-        QTest::newRow("too big") << QByteArray("4294967299\n") << false;
-        QTest::newRow("line feeds") << QByteArray("\n\n3\n") << false;
+        dataRow("forms", QByteArray("3\na;\n"), true);
+        dataRow("modules", QByteArray("1\na;\n"), false);
+        dataRow("no line feed", QByteArray("3"), false);
+        dataRow("nothing", QByteArray(""), false);
+        dataRow("no number", QByteArray("three\n"), false);
+        dataRow("too big", QByteArray("4294967299\n"), false);
+        dataRow("line feeds", QByteArray("\n\n3\n"), false);
     }
 
     void theClipboardIsReadWithCare() {
@@ -243,16 +243,15 @@ private slots:
     void aSelectionHoldsRowsThatAreAlike_data() {
         QTest::addColumn<QStringList>("select"); // one after the other, as by Ctrl and a click
         QTest::addColumn<QStringList>("remain");
-        QTest::newRow("siblings") << QStringList({"rlog", "rtable"})
-                                  << QStringList({"rlog", "rtable"});
-        QTest::newRow("folder siblings")
-            << QStringList({"trends", "alarms"}) << QStringList({"trends", "alarms"});
-        QTest::newRow("another parent") << QStringList({"rlog", "rtrend"}) << QStringList("rlog");
-        QTest::newRow("a folder beside") << QStringList({"rlog", "trends"}) << QStringList("rlog");
-        QTest::newRow("another kind") << QStringList({"mod", "fun"}) << QStringList("mod");
-        QTest::newRow("another area")
-            << QStringList({"MenuResources", "FileResources"}) << QStringList("MenuResources");
-        QTest::newRow("file areas") << QStringList({"rmanual", "rpump"}) << QStringList("rmanual");
+        dataRow("siblings", QStringList({"rlog", "rtable"}), QStringList({"rlog", "rtable"}));
+        dataRow("folder siblings", QStringList({"trends", "alarms"}),
+                QStringList({"trends", "alarms"}));
+        dataRow("another parent", QStringList({"rlog", "rtrend"}), QStringList("rlog"));
+        dataRow("a folder beside", QStringList({"rlog", "trends"}), QStringList("rlog"));
+        dataRow("another kind", QStringList({"mod", "fun"}), QStringList("mod"));
+        dataRow("another area", QStringList({"MenuResources", "FileResources"}),
+                QStringList("MenuResources"));
+        dataRow("file areas", QStringList({"rmanual", "rpump"}), QStringList("rmanual"));
     }
 
     void aSelectionHoldsRowsThatAreAlike() {

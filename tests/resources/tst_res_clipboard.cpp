@@ -99,7 +99,7 @@ private slots:
     void aCutOfRowsWithoutRecordsLeavesTheClipboard_data() {
         QTest::addColumn<QByteArray>("key");
         for (const char* key : {"MenuResources", "FileResources", "WrongFolder", "unsaved"})
-            QTest::newRow(key) << QByteArray(key);
+            dataRow(key, QByteArray(key));
     }
 
     void aCutOfRowsWithoutRecordsLeavesTheClipboard() {
@@ -119,10 +119,10 @@ private slots:
         QTest::addColumn<QStringList>("gone");
         QTest::addColumn<bool>("isCut");
         const QStringList forms{"rboiler", "rburner"};
-        QTest::newRow("by resources and a folder") << QStringList("boilers") << true;
-        QTest::newRow("by resources") << QStringList({"boilers", "old"}) << true;
-        QTest::newRow("by a folder") << QStringList("boilers") + forms << true;
-        QTest::newRow("by nothing") << QStringList({"boilers", "old"}) + forms << false;
+        dataRow("by resources and a folder", QStringList("boilers"), true);
+        dataRow("by resources", QStringList({"boilers", "old"}), true);
+        dataRow("by a folder", QStringList("boilers") + forms, true);
+        dataRow("by nothing", QStringList({"boilers", "old"}) + forms, false);
     }
 
     void aFolderKnownByItsContentsIsCut() {
@@ -288,7 +288,7 @@ private slots:
         QTest::addColumn<QString>("reason");
         const auto add = [](const char* name, const char* row, const char* target,
                             const char* why) {
-            QTest::newRow(name) << QByteArray(row) << QByteArray(target) << QString(why);
+            dataRow(name, QByteArray(row), QByteArray(target), QString(why));
         };
         add("a form among modules", "rboiler", "alarms", "Здесь место ресурсам другого вида");
         add("a module among functions", "rlog", "calc", "Здесь место ресурсам другого вида");
@@ -424,7 +424,7 @@ private slots:
         QTest::addColumn<QByteArray>("type");
         for (const char* type : {"0", "5", "-1", "", "x", "1x", "99999999999999999999",
                                  "4294967297", "0x1", "1.0", "٣"})
-            QTest::newRow(type) << QByteArray(type);
+            dataRow(type, QByteArray(type));
     }
 
     void otherTypesStayOnTheClipboard() {
@@ -438,20 +438,20 @@ private slots:
 
     void hostileBytesWriteNothing_data() {
         QTest::addColumn<QByteArray>("bytes");
-        QTest::newRow("nothing") << QByteArray("");
-        QTest::newRow("no line feed") << QByteArray("1");
-        QTest::newRow("no second line feed") << QByteArray("1\nrlog;");
-        QTest::newRow("no keys") << QByteArray("1\n\n");
-        QTest::newRow("only separators") << QByteArray("1\n;;;\n");
-        QTest::newRow("line feeds") << QByteArray("\n\n\n\n");
-        QTest::newRow("keys first") << QByteArray("rlog;\n1\n");
-        QTest::newRow("no UTF-8") << QByteArray("1\n\xff\xfe\xf0\x28;\xc3;\n");
-        QTest::newRow("zero bytes") << QByteArray("1\n\0rlog;rtable;\n", 16);
-        QTest::newRow("other separator") << QByteArray("1\nrlog,rtable\n");
-        QTest::newRow("quotes") << QByteArray("1\n' OR 1=1 --;\n");
-        QTest::newRow("separators without end")
-            << QByteArray("1\n") + QByteArray(8 << 20, ';') + QByteArray("\n");
-        QTest::newRow("one endless key") << QByteArray("1\n") + QByteArray(8 << 20, 'r') + ";\n";
+        dataRow("nothing", QByteArray(""));
+        dataRow("no line feed", QByteArray("1"));
+        dataRow("no second line feed", QByteArray("1\nrlog;"));
+        dataRow("no keys", QByteArray("1\n\n"));
+        dataRow("only separators", QByteArray("1\n;;;\n"));
+        dataRow("line feeds", QByteArray("\n\n\n\n"));
+        dataRow("keys first", QByteArray("rlog;\n1\n"));
+        dataRow("no UTF-8", QByteArray("1\n\xff\xfe\xf0\x28;\xc3;\n"));
+        dataRow("zero bytes", QByteArray("1\n\0rlog;rtable;\n", 16));
+        dataRow("other separator", QByteArray("1\nrlog,rtable\n"));
+        dataRow("quotes", QByteArray("1\n' OR 1=1 --;\n"));
+        dataRow("separators without end",
+                QByteArray("1\n") + QByteArray(8 << 20, ';') + QByteArray("\n"));
+        dataRow("one endless key", QByteArray("1\n") + QByteArray(8 << 20, 'r') + ";\n");
     }
 
     void hostileBytesWriteNothing() {
@@ -528,8 +528,8 @@ private slots:
 
     void aDropAtTheTopWritesEmptyText_data() {
         QTest::addColumn<QByteArray>("target");
-        QTest::newRow("files") << QByteArray("FileResources");
-        QTest::newRow("menus") << QByteArray("MenuResources");
+        dataRow("files", QByteArray("FileResources"));
+        dataRow("menus", QByteArray("MenuResources"));
     }
 
     void aDropAtTheTopWritesEmptyText() {

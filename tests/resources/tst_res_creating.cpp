@@ -17,18 +17,9 @@ private slots:
         QTest::addColumn<QString>("object");
         QTest::addColumn<int>("type");
         QTest::addColumn<int>("place");
-        QTest::newRow("module") << "actAddModule"
-                                << "mod"
-                                << "новый модуль"
-                                << "" << 1 << 4;
-        QTest::newRow("function") << "actAddFunction"
-                                  << "calc"
-                                  << "новая функция"
-                                  << "" << 2 << 1;
-        QTest::newRow("folder") << "actAddFolder"
-                                << "mod"
-                                << "новая папка"
-                                << "folder" << 1 << 0;
+        dataRow("module", "actAddModule", "mod", "новый модуль", "", 1, 4);
+        dataRow("function", "actAddFunction", "calc", "новая функция", "", 2, 1);
+        dataRow("folder", "actAddFolder", "mod", "новая папка", "folder", 1, 0);
     }
 
     void aNewRow() {
@@ -82,11 +73,11 @@ private slots:
     void aNewRowOfAnyKind_data() {
         QTest::addColumn<QString>("folder");
         QTest::addColumn<int>("type");
-        QTest::newRow("modules") << "trends" << 1;
-        QTest::newRow("functions") << "calc" << 2;
-        QTest::newRow("forms") << "boilers" << 3;
-        QTest::newRow("files") << "docs" << 4;
-        QTest::newRow("a top folder") << "frm" << 3;
+        dataRow("modules", "trends", 1);
+        dataRow("functions", "calc", 2);
+        dataRow("forms", "boilers", 3);
+        dataRow("files", "docs", 4);
+        dataRow("a top folder", "frm", 3);
     }
 
     void aNewRowOfAnyKind() {
@@ -113,12 +104,9 @@ private slots:
     void whereNothingCanStandNothingIsMade_data() {
         QTest::addColumn<QString>("key");
         QTest::addColumn<QString>("named");
-        QTest::newRow("beside a form without a folder") << "rlost"
-                                                        << "форма «Потерянная» (Lost)";
-        QTest::newRow("in the folder of those") << "WrongFolder"
-                                                << "папка «Непривязанные объекты»";
-        QTest::newRow("at the top") << "MenuResources"
-                                    << "папка «Ресурсы меню»";
+        dataRow("beside a form without a folder", "rlost", "форма «Потерянная» (Lost)");
+        dataRow("in the folder of those", "WrongFolder", "папка «Непривязанные объекты»");
+        dataRow("at the top", "MenuResources", "папка «Ресурсы меню»");
     }
 
     void whereNothingCanStandNothingIsMade() {
@@ -315,16 +303,11 @@ private slots:
         QTest::addColumn<int>("column");
         QTest::addColumn<QString>("caption");
         QTest::addColumn<QString>("object");
-        QTest::newRow("caption") << "caption" << int(ResColumn::Caption) << "Новое"
-                                 << "";
-        QTest::newRow("object") << "object" << int(ResColumn::Name) << ""
-                                << "Новое";
-        QTest::newRow("params") << "params" << int(ResColumn::Params) << ""
-                                << "";
-        QTest::newRow("icon") << "icon" << int(ResColumn::Icon) << ""
-                              << "";
-        QTest::newRow("in another case") << "CapTion" << int(ResColumn::Caption) << "Новое"
-                                         << "";
+        dataRow("caption", "caption", int(ResColumn::Caption), "Новое", "");
+        dataRow("object", "object", int(ResColumn::Name), "", "Новое");
+        dataRow("params", "params", int(ResColumn::Params), "", "");
+        dataRow("icon", "icon", int(ResColumn::Icon), "", "");
+        dataRow("in another case", "CapTion", int(ResColumn::Caption), "Новое", "");
     }
 
     void eachPassportRowHasItsColumn() {

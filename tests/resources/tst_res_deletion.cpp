@@ -138,12 +138,9 @@ private slots:
     void anActionLeftSwitchedOnDeletesNoFullFolder_data() {
         QTest::addColumn<QString>("folder");
         QTest::addColumn<QString>("reason");
-        QTest::newRow("full") << "trends"
-                              << "Не удалено: папка «Тренды» не пуста";
-        QTest::newRow("of a kind") << "frm"
-                                   << "Не удалено: папка «формы отображения» держит все ресурсы";
-        QTest::newRow("top row") << "MenuResources"
-                                 << "Не удалено: папка «Ресурсы меню» держит все ресурсы";
+        dataRow("full", "trends", "Не удалено: папка «Тренды» не пуста");
+        dataRow("of a kind", "frm", "Не удалено: папка «формы отображения» держит все ресурсы");
+        dataRow("top row", "MenuResources", "Не удалено: папка «Ресурсы меню» держит все ресурсы");
     }
 
     void anActionLeftSwitchedOnDeletesNoFullFolder() {
@@ -189,25 +186,24 @@ private slots:
         const QString words =
             "Уведомление\nВы действительно хотите удалить выделенные элементы (%1) "
             "из списка %2";
-        QTest::newRow("module") << QStringList("rlog")
-                                << words.arg("1", "ресурсов меню?\nБудет удалено: модуль «Журнал» "
-                                                  "(Log).");
-        QTest::newRow("function") << QStringList("rcalc")
-                                  << words.arg("1",
-                                               "ресурсов меню?\nБудет удалено: функция «Расчёт» "
-                                               "(Calc).");
+        dataRow("module", QStringList("rlog"),
+                words.arg("1", "ресурсов меню?\nБудет удалено: модуль «Журнал» "
+                               "(Log)."));
+        dataRow("function", QStringList("rcalc"),
+                words.arg("1", "ресурсов меню?\nБудет удалено: функция «Расчёт» "
+                               "(Calc)."));
         // Of several the current one goes.
-        QTest::newRow("modules") << QStringList({"rlog", "rtable"})
-                                 << words.arg("2", "ресурсов меню?\nБудет удалено: модуль «Архив» "
-                                                   "(Table).");
-        QTest::newRow("forms") << QStringList({"rboiler", "rburner"})
-                               << words.arg("2", "ресурсов меню?\nформа «Котёл» (Boiler)\n"
-                                                 "форма «Горелка» (Burner)");
-        QTest::newRow("file") << QStringList("rmanual")
-                              << words.arg("1", "системных ресурсов?\nфайл «Руководство» "
-                                                "(manual.txt)");
-        QTest::newRow("orphan") << QStringList("rlost")
-                                << words.arg("1", "ресурсов меню?\nформа «Потерянная» (Lost)");
+        dataRow("modules", QStringList({"rlog", "rtable"}),
+                words.arg("2", "ресурсов меню?\nБудет удалено: модуль «Архив» "
+                               "(Table)."));
+        dataRow("forms", QStringList({"rboiler", "rburner"}),
+                words.arg("2", "ресурсов меню?\nформа «Котёл» (Boiler)\n"
+                               "форма «Горелка» (Burner)"));
+        dataRow("file", QStringList("rmanual"),
+                words.arg("1", "системных ресурсов?\nфайл «Руководство» "
+                               "(manual.txt)"));
+        dataRow("orphan", QStringList("rlost"),
+                words.arg("1", "ресурсов меню?\nформа «Потерянная» (Lost)"));
     }
 
     void theQuestion() {
@@ -430,9 +426,9 @@ private slots:
 
     void aRowThatIsCurrentAndNotHighlightedIsNotDeleted_data() {
         QTest::addColumn<QString>("clicked");
-        QTest::newRow("another folder's") << "rtrend";
-        QTest::newRow("of another kind") << "rcalc";
-        QTest::newRow("a folder") << "alarms";
+        dataRow("another folder's", "rtrend");
+        dataRow("of another kind", "rcalc");
+        dataRow("a folder", "alarms");
     }
 
     void aRowThatIsCurrentAndNotHighlightedIsNotDeleted() {

@@ -86,12 +86,8 @@ private slots:
         QTest::addColumn<QString>("action");
         QTest::addColumn<QString>("folder");
         QTest::addColumn<QString>("neighbour");
-        QTest::newRow("folder, its line open") << "actAddFolder"
-                                               << "deep"
-                                               << "rmanual";
-        QTest::newRow("resource") << "actAddModule"
-                                  << "alarms"
-                                  << "trends";
+        dataRow("folder, its line open", "actAddFolder", "deep", "rmanual");
+        dataRow("resource", "actAddModule", "alarms", "trends");
     }
 
     void aNewRowWhoseFolderIsDeleted() {
@@ -284,19 +280,13 @@ private slots:
         QTest::addColumn<QString>("act");
         QTest::addColumn<QString>("written");
         QTest::addColumn<QString>("caption");
-        QTest::newRow("save") << "save"
-                              << "MenuResource\n  ~rlog MenuResourceFolderKey='theirs' name_='Log' "
-                                 "type_=1 caption='Дневник' params='' ico=''\n"
-                              << "Дневник";
-        QTest::newRow("cancel") << "cancel"
-                                << ""
-                                << "Журнал";
-        QTest::newRow("drop") << "drop"
-                              << "MenuResource\n  ~rlog MenuResourceFolderKey='trends'\n"
-                              << "Журнал";
-        QTest::newRow("delete") << "delete"
-                                << "MenuResource\n  -rlog\n"
-                                << "Журнал";
+        dataRow("save", "save",
+                "MenuResource\n  ~rlog MenuResourceFolderKey='theirs' name_='Log' "
+                "type_=1 caption='Дневник' params='' ico=''\n",
+                "Дневник");
+        dataRow("cancel", "cancel", "", "Журнал");
+        dataRow("drop", "drop", "MenuResource\n  ~rlog MenuResourceFolderKey='trends'\n", "Журнал");
+        dataRow("delete", "delete", "MenuResource\n  -rlog\n", "Журнал");
     }
 
     void aResourceOfAnUnknownFolderIsStillAResource() {
@@ -354,10 +344,8 @@ private slots:
     void aNewRowOutlivesTheMoveOfItsFolder_data() {
         QTest::addColumn<QString>("field");
         QTest::addColumn<QString>("value");
-        QTest::newRow("among its siblings") << "caption"
-                                            << "Яркие";
-        QTest::newRow("to another parent") << "ParentKey"
-                                           << "trends";
+        dataRow("among its siblings", "caption", "Яркие");
+        dataRow("to another parent", "ParentKey", "trends");
     }
 
     void aNewRowOutlivesTheMoveOfItsFolder() {

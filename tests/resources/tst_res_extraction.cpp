@@ -110,9 +110,9 @@ class TestResExtraction : public QObject {
 private slots:
     void pathsOfForms_data() {
         QTest::addColumn<QString>("path");
-        QTest::newRow("frm") << "";
-        QTest::newRow("boilers") << "Котлы";
-        QTest::newRow("old") << "Котлы/Старые";
+        dataRow("frm", "");
+        dataRow("boilers", "Котлы");
+        dataRow("old", "Котлы/Старые");
     }
 
     void pathsOfForms() {
@@ -123,12 +123,12 @@ private slots:
 
     void pathsOfFiles_data() {
         QTest::addColumn<QString>("path");
-        QTest::newRow("FileResources") << "";
-        QTest::newRow("rreadme") << "";
-        QTest::newRow("docs") << "docs";
-        QTest::newRow("rmanual") << "docs";
-        QTest::newRow("deep") << "docs/deep";
-        QTest::newRow("rdeep") << "docs/deep";
+        dataRow("FileResources", "");
+        dataRow("rreadme", "");
+        dataRow("docs", "docs");
+        dataRow("rmanual", "docs");
+        dataRow("deep", "docs/deep");
+        dataRow("rdeep", "docs/deep");
     }
 
     void pathsOfFiles() {
@@ -295,9 +295,9 @@ private slots:
 
     void foldersAndModulesAskNothing_data() {
         QTest::addColumn<bool>("staysSelected");
-        QTest::newRow("boilers") << true;
-        QTest::newRow("FileResources") << true;
-        QTest::newRow("rlog") << false;
+        dataRow("boilers", true);
+        dataRow("FileResources", true);
+        dataRow("rlog", false);
     }
 
     void foldersAndModulesAskNothing() {
@@ -310,13 +310,13 @@ private slots:
 
     void namesThatLeaveTheDirectoryAreSkipped_data() {
         QTest::addColumn<QString>("name");
-        QTest::newRow("up") << "../evil.txt";
-        QTest::newRow("below") << "sub/evil.txt";
-        QTest::newRow("backslash") << "..\\evil.txt";
-        QTest::newRow("dots") << "..";
-        QTest::newRow("dot") << ".";
-        QTest::newRow("none") << "";
-        QTest::newRow("control") << "evil\n.txt";
+        dataRow("up", "../evil.txt");
+        dataRow("below", "sub/evil.txt");
+        dataRow("backslash", "..\\evil.txt");
+        dataRow("dots", "..");
+        dataRow("dot", ".");
+        dataRow("none", "");
+        dataRow("control", "evil\n.txt");
     }
 
     // The store refuses such names; a database may hold them all the same.
@@ -445,17 +445,14 @@ private slots:
     void whatVanishedFromTheStoreIsReported_data() {
         QTest::addColumn<QString>("sql");
         QTest::addColumn<QByteArray>("key");
-        QTest::newRow("content of a form")
-            << "DELETE FROM \"MenuResourceFile\"" << QByteArray("rboiler");
-        QTest::newRow("form") << "DELETE FROM \"MenuResource\" WHERE \"KeyLink\" = 'rboiler'"
-                              << QByteArray("rboiler");
-        QTest::newRow("content of a file")
-            << "DELETE FROM \"MenuResourceFile\"" << QByteArray("rmanual");
-        QTest::newRow("file") << "DELETE FROM \"MenuResource\" WHERE \"KeyLink\" = 'rmanual'"
-                              << QByteArray("rmanual");
-        QTest::newRow("folder of a file")
-            << "DELETE FROM \"MenuResourceFolder\" WHERE \"KeyLink\" = 'docs'"
-            << QByteArray("rmanual");
+        dataRow("content of a form", "DELETE FROM \"MenuResourceFile\"", QByteArray("rboiler"));
+        dataRow("form", "DELETE FROM \"MenuResource\" WHERE \"KeyLink\" = 'rboiler'",
+                QByteArray("rboiler"));
+        dataRow("content of a file", "DELETE FROM \"MenuResourceFile\"", QByteArray("rmanual"));
+        dataRow("file", "DELETE FROM \"MenuResource\" WHERE \"KeyLink\" = 'rmanual'",
+                QByteArray("rmanual"));
+        dataRow("folder of a file", "DELETE FROM \"MenuResourceFolder\" WHERE \"KeyLink\" = 'docs'",
+                QByteArray("rmanual"));
     }
 
     void whatVanishedFromTheStoreIsReported() {
@@ -509,8 +506,8 @@ private slots:
     void theHostOpensTheForm_data() {
         QTest::addColumn<QString>("params");
         QTest::addColumn<QByteArray>("argument");
-        QTest::newRow("without parameters") << QString() << QByteArray("\xca\xee\xf2\xb8\xeb");
-        QTest::newRow("with parameters") << "p=1" << QByteArray("\xca\xee\xf2\xb8\xeb;p=1");
+        dataRow("without parameters", QString(), QByteArray("\xca\xee\xf2\xb8\xeb"));
+        dataRow("with parameters", "p=1", QByteArray("\xca\xee\xf2\xb8\xeb;p=1"));
     }
 
     void theHostOpensTheForm() {

@@ -313,8 +313,8 @@ private slots:
         QTest::addColumn<bool>("folder");
         for (const char* key : {"MenuResources", "fileresources", "WrongFolder"})
             for (const bool folder : {true, false})
-                QTest::newRow(QByteArray(key) + (folder ? ", a folder" : ", a resource"))
-                    << QByteArray(key) << folder;
+                dataRow(QByteArray(key) + (folder ? ", a folder" : ", a resource"), QByteArray(key),
+                        folder);
     }
 
     void aRecordWithTheKeyOfAFixedRowLeavesThatRowAlone() {

@@ -15,16 +15,12 @@ private slots:
         QTest::addColumn<QString>("folder");
         QTest::addColumn<QString>("caption");
         QTest::addColumn<QString>("written");
-        QTest::newRow("module") << "actAddModule"
-                                << "trends"
-                                << "Отчёты"
-                                << "MenuResource\n  +#1 MenuResourceFolderKey='trends' "
-                                   "name_='Report' type_=1 caption='Отчёты' params='-d' ico=''\n";
-        QTest::newRow("function") << "actAddFunction"
-                                  << "fun"
-                                  << "Счёт"
-                                  << "MenuResource\n  +#1 MenuResourceFolderKey='fun' "
-                                     "name_='Report' type_=2 caption='Счёт' params='-d' ico=''\n";
+        dataRow("module", "actAddModule", "trends", "Отчёты",
+                "MenuResource\n  +#1 MenuResourceFolderKey='trends' "
+                "name_='Report' type_=1 caption='Отчёты' params='-d' ico=''\n");
+        dataRow("function", "actAddFunction", "fun", "Счёт",
+                "MenuResource\n  +#1 MenuResourceFolderKey='fun' "
+                "name_='Report' type_=2 caption='Счёт' params='-d' ico=''\n");
     }
 
     void aNewResourceIsWritten() {
@@ -104,12 +100,9 @@ private slots:
     void aTakenNameIsRefused_data() {
         QTest::addColumn<QString>("folder");
         QTest::addColumn<QString>("name");
-        QTest::newRow("same folder") << "mod"
-                                     << "Log";
-        QTest::newRow("another folder") << "alarms"
-                                        << "Log";
-        QTest::newRow("another case") << "alarms"
-                                      << "tREND";
+        dataRow("same folder", "mod", "Log");
+        dataRow("another folder", "alarms", "Log");
+        dataRow("another case", "alarms", "tREND");
     }
 
     void aTakenNameIsRefused() {
@@ -150,11 +143,11 @@ private slots:
         QTest::addColumn<QString>("folder");
         QTest::addColumn<QString>("written");
         const auto add = [](const char* folder, int type) {
-            QTest::newRow(folder) << folder
-                                  << QString("MenuResourceFolder\n  +#1 ParentKey='%1' type_=%2 "
-                                             "caption='новая папка'\n")
-                                         .arg(folder)
-                                         .arg(type);
+            dataRow(folder, folder,
+                    QString("MenuResourceFolder\n  +#1 ParentKey='%1' type_=%2 "
+                            "caption='новая папка'\n")
+                        .arg(folder)
+                        .arg(type));
         };
         add("trends", 1);
         add("fun", 2);
@@ -212,9 +205,9 @@ private slots:
 
     void aTakenCaptionIsRefused_data() {
         QTest::addColumn<QString>("caption");
-        QTest::newRow("first of its siblings") << "Аварии";
-        QTest::newRow("last of its siblings") << "Тренды";
-        QTest::newRow("in another case") << "тРЕНДЫ";
+        dataRow("first of its siblings", "Аварии");
+        dataRow("last of its siblings", "Тренды");
+        dataRow("in another case", "тРЕНДЫ");
     }
 
     void aTakenCaptionIsRefused() {
@@ -232,12 +225,8 @@ private slots:
         QTest::addColumn<QString>("row");
         QTest::addColumn<QString>("folder");
         QTest::addColumn<QString>("refusal");
-        QTest::newRow("folder") << "actAddFolder"
-                                << "caption"
-                                << "mod" << takenFolder;
-        QTest::newRow("resource, in another folder") << "actAddModule"
-                                                     << "object"
-                                                     << "trends" << takenName;
+        dataRow("folder", "actAddFolder", "caption", "mod", takenFolder);
+        dataRow("resource, in another folder", "actAddModule", "object", "trends", takenName);
     }
 
     void aNameIsTakenFromItsSaveOn() {
@@ -390,14 +379,10 @@ private slots:
     void anUnchangedFolderIsRefused_data() {
         QTest::addColumn<QString>("key");
         QTest::addColumn<QString>("caption");
-        QTest::newRow("below a folder") << "trends"
-                                        << "Тренды";
-        QTest::newRow("at the top") << "docs"
-                                    << "docs";
-        QTest::newRow("in another case") << "deep"
-                                         << "DEEP";
-        QTest::newRow("a sibling's") << "trends"
-                                     << "аварии";
+        dataRow("below a folder", "trends", "Тренды");
+        dataRow("at the top", "docs", "docs");
+        dataRow("in another case", "deep", "DEEP");
+        dataRow("a sibling's", "trends", "аварии");
     }
 
     void anUnchangedFolderIsRefused() {
@@ -469,10 +454,10 @@ private slots:
     void withoutAStructureTheEditStaysOpen_data() {
         QTest::addColumn<bool>("isNew");
         QTest::addColumn<bool>("isFolder");
-        QTest::newRow("new resource") << true << false;
-        QTest::newRow("new folder") << true << true;
-        QTest::newRow("resource") << false << false;
-        QTest::newRow("folder") << false << true;
+        dataRow("new resource", true, false);
+        dataRow("new folder", true, true);
+        dataRow("resource", false, false);
+        dataRow("folder", false, true);
     }
 
     void withoutAStructureTheEditStaysOpen() {

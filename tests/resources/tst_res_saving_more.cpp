@@ -113,8 +113,8 @@ private slots:
 
     void anEditEndsWhenItsRowIsGone_data() {
         QTest::addColumn<bool>("isNew");
-        QTest::newRow("new row") << true;
-        QTest::newRow("edited row") << false;
+        dataRow("new row", true);
+        dataRow("edited row", false);
     }
 
     void anEditEndsWhenItsRowIsGone() {
@@ -144,8 +144,8 @@ private slots:
 
     void whileARefusedEditWaitsNoOtherRowIsEdited_data() {
         QTest::addColumn<QString>("value");
-        QTest::newRow("a word that would do for the edit") << "Свободно";
-        QTest::newRow("a word that is taken") << "Аварии";
+        dataRow("a word that would do for the edit", "Свободно");
+        dataRow("a word that is taken", "Аварии");
     }
 
     void whileARefusedEditWaitsNoOtherRowIsEdited() {

@@ -83,9 +83,9 @@ private slots:
     void aKindWithoutTopFolderEndsTheLoading_data() {
         QTest::addColumn<QString>("key");
         QTest::addColumn<QStringList>("kinds");
-        QTest::newRow("module") << "mod" << QStringList();
-        QTest::newRow("function") << "fun" << QStringList("mod");
-        QTest::newRow("form") << "frm" << QStringList({"mod", "fun"});
+        dataRow("module", "mod", QStringList());
+        dataRow("function", "fun", QStringList("mod"));
+        dataRow("form", "frm", QStringList({"mod", "fun"}));
     }
 
     void aKindWithoutTopFolderEndsTheLoading() {
@@ -254,10 +254,8 @@ private slots:
         QTest::addColumn<QString>("user");
         QTest::addColumn<QString>("caption");
         QTest::addColumn<int>("blocked");
-        QTest::newRow("own, in another case") << "ueng"
-                                              << "Иванов П." << 1;
-        QTest::newRow("another's") << "uother"
-                                   << "Петрова А." << 2;
+        dataRow("own, in another case", "ueng", "Иванов П.", 1);
+        dataRow("another's", "uother", "Петрова А.", 2);
     }
 
     void locksShowTheirOwner() {

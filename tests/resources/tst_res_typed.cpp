@@ -45,12 +45,9 @@ private slots:
     void whatIsTypedOutlivesAChangeOfAnotherField_data() {
         QTest::addColumn<QString>("field");
         QTest::addColumn<QString>("value");
-        QTest::newRow("a lock") << "UsersKey"
-                                << "uother";
-        QTest::newRow("parameters") << "params"
-                                    << "-z";
-        QTest::newRow("a move by another") << "MenuResourceFolderKey"
-                                           << "frm";
+        dataRow("a lock", "UsersKey", "uother");
+        dataRow("parameters", "params", "-z");
+        dataRow("a move by another", "MenuResourceFolderKey", "frm");
     }
 
     void whatIsTypedOutlivesAChangeOfAnotherField() {
@@ -113,8 +110,8 @@ private slots:
 
     void whatIsTypedBetweenTheSaveOfANewRowAndItsEcho_data() {
         QTest::addColumn<QString>("action");
-        QTest::newRow("folder") << "actAddFolder";
-        QTest::newRow("resource") << "actAddModule";
+        dataRow("folder", "actAddFolder");
+        dataRow("resource", "actAddModule");
     }
 
     void whatIsTypedBetweenTheSaveOfANewRowAndItsEcho() {

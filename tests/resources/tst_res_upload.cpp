@@ -256,17 +256,17 @@ private slots:
 
     void otherFoldersShowNoDialog_data() {
         QTest::addColumn<bool>("shown");
-        QTest::newRow("MenuResources") << false;
-        QTest::newRow("mod") << false;
-        QTest::newRow("rlog") << false;
-        QTest::newRow("calc") << false;
-        QTest::newRow("WrongFolder") << false;
-        QTest::newRow("rlost") << false; // a form, in no folder of forms
-        QTest::newRow("frm") << true;
-        QTest::newRow("rboiler") << true;
-        QTest::newRow("FileResources") << true;
-        QTest::newRow("rmanual") << true;
-        QTest::newRow("none") << false;
+        dataRow("MenuResources", false);
+        dataRow("mod", false);
+        dataRow("rlog", false);
+        dataRow("calc", false);
+        dataRow("WrongFolder", false);
+        dataRow("rlost", false); // a form, in no folder of forms
+        dataRow("frm", true);
+        dataRow("rboiler", true);
+        dataRow("FileResources", true);
+        dataRow("rmanual", true);
+        dataRow("none", false);
     }
 
     void otherFoldersShowNoDialog() {
@@ -404,10 +404,10 @@ private slots:
 
     void aFormGoesIntoItsFolder_data() {
         QTest::addColumn<QString>("folder");
-        QTest::newRow("frm") << "frm"; // the empty path
-        QTest::newRow("boilers") << "boilers";
-        QTest::newRow("old") << "old";
-        QTest::newRow("rboiler") << "boilers";
+        dataRow("frm", "frm"); // the empty path
+        dataRow("boilers", "boilers");
+        dataRow("old", "old");
+        dataRow("rboiler", "boilers");
     }
 
     void aFormGoesIntoItsFolder() {

@@ -36,8 +36,8 @@ class TestResWindow : public QObject {
 private slots:
     void theFactoryMakesIt_data() {
         QTest::addColumn<QByteArray>("name");
-        QTest::newRow("as it is") << QByteArray("Resources");
-        QTest::newRow("capitals") << QByteArray("RESOURCES");
+        dataRow("as it is", QByteArray("Resources"));
+        dataRow("capitals", QByteArray("RESOURCES"));
     }
 
     void theFactoryMakesIt() {
@@ -57,7 +57,7 @@ private slots:
         QTest::addColumn<QString>("image");
         const auto add = [](const char* name, const char* text, const char* tip,
                             const char* image) {
-            QTest::newRow(name) << QString(text) << QString(tip) << QString(image);
+            dataRow(name, QString(text), QString(tip), QString(image));
         };
         add("actAddModule", "Модуль", "Создать модуль", "modul1");
         add("actAddFunction", "Функцию", "Создать функцию", "function1");
@@ -305,7 +305,7 @@ private slots:
     void aTableThatCannotBeFetchedEndsTheStart_data() {
         QTest::addColumn<QString>("place");
         for (const char* table : {"MenuResource", "MenuResourceFolder", "Users", "MenuFileExt"})
-            QTest::newRow(table) << QString("OrvoResources::loadTables->%1").arg(table);
+            dataRow(table, QString("OrvoResources::loadTables->%1").arg(table));
     }
 
     void aTableThatCannotBeFetchedEndsTheStart() {
