@@ -123,6 +123,11 @@ void ClientProcess::moveIntoPlace() {
                                   text(m_place.width()), text(m_place.height())});
 }
 
+bool ClientProcess::isRunning() {
+    m_process.waitForFinished(0); // no loop runs here that would tell of its end
+    return m_process.state() == QProcess::Running;
+}
+
 void ClientProcess::killHard() {
     m_socket.abort();
     m_process.kill();

@@ -55,7 +55,7 @@ public:
     bool waitUp();
     /// As a power cut does it.
     void killHard();
-    bool isRunning() const { return m_process.state() == QProcess::Running; }
+    bool isRunning();
     /// What it wrote to standard error, Qt's notes included.
     QString errors();
 
