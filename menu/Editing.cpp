@@ -19,8 +19,11 @@ using namespace orvo::menu;
 
 void OrvoMenu::on_editor_valueChanged(const QString& rowName, const QVariant& value) {
     const QPersistentModelIndex row(m_menuModel->findIndexByKey(m_currentMenuKey));
-    if (!row.isValid())
+    if (!row.isValid()) {
+        // The row has gone and left its passport: what cannot be kept is not taken.
+        m_propModel->clearRows();
         return;
+    }
     const QString key = m_menuModel->getItemKeyLink(row);
     // The open edit of a desktop or of another element, which could not be saved when it was left,
     // is saved first. If it cannot be now, nothing is taken that would be lost; nor is it for the

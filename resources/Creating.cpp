@@ -70,8 +70,11 @@ void OrvoResources::addRow(QAction* action, const QString& caption) {
 
 void OrvoResources::on_editor_valueChanged(const QString& rowName, const QVariant& value) {
     QModelIndex row = m_resModel->findIndexByKey(m_currentKey);
-    if (!row.isValid())
+    if (!row.isValid()) {
+        // The row has gone and left its passport: what cannot be kept is not taken.
+        m_propModel->clearRows();
         return;
+    }
     // Nothing can come of an edit whose row is gone: it must not swallow this one.
     if (m_edit.isLost())
         endEdit();

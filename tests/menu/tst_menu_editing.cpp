@@ -132,10 +132,12 @@ private slots:
 
     void aChangeWithoutAnElementOpensNone() {
         Editing live;
+        live.makeCurrent("calc");
         live->m_currentMenuKey = "gone";
         live->on_editor_valueChanged("name", "Иное");
         QCOMPARE(live.mode(), None);
         QVERIFY(!live.buttonsEnabled());
+        QCOMPARE(live->m_propModel->rowCount(), 0); // nothing more is typed there
     }
 
     void eachPassportRowHasItsColumn_data() {

@@ -365,6 +365,7 @@ private slots:
         QCOMPARE(live.state(), Idle);
         QVERIFY(!live.buttonsEnabled());
         QCOMPARE(live->m_editCaption, QString());
+        QCOMPARE(live->m_propModel->rowCount(), 0); // nothing more is typed there
     }
 
     void thePassportOfANewRowWritesThatRow() {
