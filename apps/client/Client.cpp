@@ -304,6 +304,8 @@ void Client::showUnwritten() {
     setTitle();
     connect(m_unwritten.get(), &client::UnwrittenList::changed, pane, setTitle);
     connect(m_unwritten.get(), &client::UnwrittenList::added, pane, raise);
+    connect(m_unwritten.get(), &client::UnwrittenList::dropped, m_pump.get(),
+            &client::NotificationPump::correct);
     connect(m_unwritten.get(), &client::UnwrittenList::told, this, [this](const QString& text) {
         m_window->logPane()->add(LogInformation, QStringLiteral("Не записано"), text);
     });

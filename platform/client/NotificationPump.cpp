@@ -82,7 +82,7 @@ bool NotificationPump::isIdle() const {
 
 bool NotificationPump::isAllDelivered() const {
     return m_announced == end() && std::all_of(m_readers.begin(), m_readers.end(), [this](auto& r) {
-               return !r.module || r.at == end();
+               return !r.module || (r.at == end() && r.corrections.empty());
            });
 }
 
@@ -148,7 +148,7 @@ void NotificationPump::followModules() {
                     m_readers.end());
     for (const QPointer<COrvoCliMod>& module : running)
         if (!readerOf(module))
-            m_readers.push_back({module, m_announced});
+            m_readers.push_back({module, m_announced, 0, 0, {}});
 }
 
 NotificationPump::Reader* NotificationPump::readerOf(const COrvoCliMod* module) {
@@ -180,8 +180,21 @@ uint64_t NotificationPump::limitOf(const Reader& reader) const {
 
 bool NotificationPump::isSomethingDue() const {
     return m_announced < end() || std::any_of(m_readers.begin(), m_readers.end(), [this](auto& r) {
-               return r.module && r.at < limitOf(r);
+               return r.module && (r.at < limitOf(r) || mayCorrect(r));
            });
+}
+
+bool NotificationPump::mayCorrect(const Reader& reader) const {
+    return !reader.corrections.empty() && attentionIn(*reader.module) == Attention::None;
+}
+
+void NotificationPump::correct(const QString& module, const std::vector<store::Change>& changes) {
+    followModules();
+    for (Reader& reader : m_readers)
+        if (reader.module && reader.module->m_moduleName == module)
+            reader.corrections.insert(reader.corrections.end(), changes.begin(), changes.end());
+    if (!m_stopped && !m_step.isActive())
+        m_step.start(0);
 }
 
 bool NotificationPump::isAttended() const {
@@ -285,6 +298,15 @@ size_t NotificationPump::deliver(COrvoCliMod* module, size_t count) {
     const uint64_t from = reader->at;
     const uint64_t to = std::min<uint64_t>(limitOf(*reader), from + count);
     assert(m_first <= from && from <= m_announced && m_announced <= end());
+    if (mayCorrect(*reader)) {
+        // In the tables of the module is what the log has told it so far.
+        for (const store::Change& change : std::exchange(reader->corrections, {}))
+            module->messagePut(m_maker.make(change));
+        if (to <= from) {
+            module->MessageOn();
+            return 1;
+        }
+    }
     if (to <= from)
         return 0;
     for (uint64_t place = from; place < to; ++place)

@@ -53,6 +53,9 @@ public:
     /// False if the store does not answer; the pump then goes on from where it was, and as soon as
     /// the store answers, logLost comes once more if it is still due.
     bool restart();
+    /// Tells a running module of these, which are no changes of the log (Corrections.h), as soon as
+    /// it has not the engineer's attention.
+    void correct(const QString& module, const std::vector<store::Change>& changes);
     /// Whether everything that the log held at the last look has been delivered.
     bool isIdle() const;
     /// Whether notifications may be delivered at this moment, to modules that are not held.
@@ -87,6 +90,7 @@ private:
         uint64_t at = 0;         ///< place of the next change
         uint64_t echoLook = 0;   ///< the look that will find its last write; 0: none is awaited
         uint64_t echoBefore = 0; ///< the echo of its last write is before this place
+        std::vector<store::Change> corrections; ///< to be told beside the log
     };
 
     void request();
@@ -106,6 +110,7 @@ private:
     /// The place before which the module may be given changes now.
     uint64_t limitOf(const Reader& reader) const;
     bool isSomethingDue() const;
+    bool mayCorrect(const Reader& reader) const;
     bool isAttended() const;
     bool isAllDelivered() const;
     uint64_t end() const { return m_first + m_log.size(); }

@@ -11,7 +11,7 @@ namespace orvo::client {
 /// desktop or element that the record is in, what has been done, by whom and when. A question whose
 /// every subject is gone, or into whose subject something was put, is withdrawn. For each change of
 /// the log as it becomes known, long before the module is given it. GUI thread.
-void noteInQuestion(COrvoCliMod& module, const store::Change& change);
+ORVOCLIENT_EXPORT void noteInQuestion(COrvoCliMod& module, const store::Change& change);
 
 } // namespace orvo::client
 

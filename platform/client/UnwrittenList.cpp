@@ -1,5 +1,6 @@
 #include "platform/client/UnwrittenList.h"
 
+#include "platform/client/Corrections.h"
 #include "platform/client/UnwrittenFiles.h"
 #include "platform/store/ChangeRecord.h"
 #include "platform/store/Names.h"
@@ -276,30 +277,32 @@ WriteRequest UnwrittenList::withoutUnwritten(const WriteRequest& request) {
     for (const UnwrittenEntry& entry : m_entries)
         made.merge(madeBy(entry));
     std::vector<RecordWrite> left;
-    std::set<RecordKey> dropped;
+    std::set<RecordKey> gone;
     for (RecordWrite& record : recordsOf(request)) {
         RecordKey key{request.table, store::foldedKey(record.key)};
         if (record.flag == MDX_DELETE && made.count(key) != 0)
-            dropped.insert(std::move(key));
+            gone.insert(std::move(key));
         else
             left.push_back(std::move(record));
     }
-    if (dropped.empty())
+    if (gone.empty())
         return request;
+    std::vector<std::pair<QString, WriteRequest>> told;
     for (size_t i = 0; i < m_entries.size();) {
         UnwrittenEntry& entry = m_entries[i];
         std::vector<RecordWrite> records = recordsOf(entry.request);
-        const size_t before = records.size();
-        records.erase(
-            std::remove_if(
-                records.begin(), records.end(),
-                [&](const RecordWrite& record) {
-                    return dropped.count({entry.request.table, store::foldedKey(record.key)}) != 0;
-                }),
-            records.end());
-        if (records.size() == before) {
+        const auto first =
+            std::stable_partition(records.begin(), records.end(), [&](const RecordWrite& record) {
+                return gone.count({entry.request.table, store::foldedKey(record.key)}) == 0;
+            });
+        if (first == records.end()) {
             ++i;
-        } else if (records.empty()) {
+            continue;
+        }
+        told.emplace_back(entry.module, requestOf(*store::findTable(entry.request.table),
+                                                  {first, records.end()}));
+        records.erase(first, records.end());
+        if (records.empty()) {
             remove(QString(entry.id));
         } else {
             entry.request = requestOf(*store::findTable(entry.request.table), records);
@@ -308,6 +311,8 @@ WriteRequest UnwrittenList::withoutUnwritten(const WriteRequest& request) {
         }
     }
     emit changed();
+    for (const auto& [module, records] : told)
+        tellDropped(module, records);
     return left.empty() ? WriteRequest{} : requestOf(*table, left);
 }
 
@@ -451,6 +456,7 @@ void UnwrittenList::giveUp(const QString& id) {
     if (!which)
         return;
     const std::set<RecordKey> made = madeBy(*which);
+    const UnwrittenEntry gone = *which;
     remove(id);
     // What waits for records that will never be goes, too.
     QStringList after;
@@ -460,6 +466,13 @@ void UnwrittenList::giveUp(const QString& id) {
     for (const QString& one : after)
         giveUp(one);
     emit changed();
+    tellDropped(gone.module, gone.request);
+}
+
+void UnwrittenList::tellDropped(const QString& module, const WriteRequest& request) {
+    const std::vector<store::Change> corrections = correctionsOf(request, m_store);
+    if (!corrections.empty())
+        emit dropped(module, corrections);
 }
 
 void UnwrittenList::setMine(const QString& id, const std::string& key, int field,

@@ -113,6 +113,9 @@ signals:
     void changed();
     /// An entry was added.
     void added(const QString& id);
+    /// These records of a module will not be written any more, and its rows may still show them:
+    /// what to tell it (Corrections.h).
+    void dropped(const QString& module, const std::vector<orvo::store::Change>& corrections);
     /// Something that the user should read: a repeated write succeeded or turned out to be saved.
     void told(const QString& text);
     /// The store was written: notifications wait.
@@ -127,6 +130,7 @@ private:
     store::Status restoreParent(UnwrittenEntry& entry, int depth);
     void free();
     void check() const;
+    void tellDropped(const QString& module, const WriteRequest& request);
 
     store::Store& m_store;
     std::vector<UnwrittenEntry> m_entries;

@@ -308,6 +308,24 @@ private slots:
         }
     }
 
+    void aCorrectionIsToldWhenTheAttentionEnds() {
+        Bench bench;
+        bench.module->edit = "правка";
+        store::Change change;
+        change.code = 602;
+        change.table = "Menu";
+        change.key = "given up";
+        change.after = change.before = "{}";
+        bench.pump->correct("Menu", {change});
+        bench.others("a");
+        QVERIFY(bench.isHeld("a"));
+        QVERIFY(bench.second->keys().contains("given up"));
+        QVERIFY(!bench.module->keys().contains("given up"));
+        bench.module->edit.clear();
+        QTRY_COMPARE(bench.module->keys(), QStringList({"given up", "a"}));
+        QTRY_VERIFY(bench.pump->isIdle());
+    }
+
     void aHeldModuleMayGo() {
         Bench bench;
         bench.ask(MessageBoxTypeYesNo);

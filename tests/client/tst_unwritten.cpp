@@ -173,6 +173,54 @@ private slots:
         QVERIFY(desk.list.isEmpty());
     }
 
+    void moduleIsToldOfWhatWillNotBeWritten_data() {
+        QTest::addColumn<QString>("act");
+        QTest::addColumn<QStringList>("told");
+        QTest::newRow("update given up") << "update" << QStringList{"Menu 602 k"};
+        QTest::newRow("insert given up") << "insert" << QStringList{"Menu 601 n", "Menu 603 n"};
+        QTest::newRow("insert deleted") << "delete" << QStringList{"Menu 601 n", "Menu 603 n"};
+        QTest::newRow("key of another") << "taken" << QStringList{"Menu 602 k"};
+    }
+    void moduleIsToldOfWhatWillNotBeWritten() {
+        QFETCH(QString, act);
+        Desk desk;
+        desk.elsewhere("Menu", 1, {{"KeyLink", "k"}, {"caption", "Был"}});
+        Module& module = desk.open();
+        if (act == "taken") {
+            Desk::write(module, "Menu", 1, {{"KeyLink", "k"}, {"caption", "Мой"}});
+        } else if (act == "update") {
+            desk.elsewhere("Menu", 2, {{"KeyLink", "k"}, {"caption", "Чужой"}});
+            Desk::write(module, "Menu", 2, {{"KeyLink", "k"}, {"caption", "Мой"}});
+        } else {
+            desk.elsewhere("MenuFolder", 1, {{"KeyLink", "d"}});
+            desk.deliver(module);
+            desk.elsewhere("MenuFolder", 4, {{"KeyLink", "d"}});
+            Desk::write(module, "Menu", 1,
+                        {{"KeyLink", "n"}, {"FolderKey", "d"}, {"caption", "Мой"}});
+        }
+        QCOMPARE(desk.list.entries().size(), size_t(1));
+        QStringList told;
+        std::string values;
+        QObject::connect(&desk.list, &UnwrittenList::dropped,
+                         [&](const QString& name, const std::vector<store::Change>& changes) {
+                             for (const store::Change& change : changes) {
+                                 told << QString("%1 %2 %3")
+                                             .arg(name)
+                                             .arg(change.code)
+                                             .arg(QString::fromStdString(change.key));
+                                 if (change.code == 601)
+                                     values = change.after;
+                             }
+                         });
+        if (act == "delete")
+            QVERIFY(Desk::write(module, "Menu", 4, {{"KeyLink", "n"}}));
+        else
+            desk.list.giveUp(QString(desk.only().id));
+        QTEST(told, "told");
+        if (told.size() == 2)
+            QVERIFY2(values.find("\"FolderKey\":\"d\"") != std::string::npos, values.c_str());
+    }
+
     void updateOfADeletedRecordIsToldAndCanBeMadeAnew() {
         Desk desk;
         desk.elsewhere("Menu", 1, {{"KeyLink", "k"}, {"caption", "Насос"}, {"ico", "pump.png"}});
