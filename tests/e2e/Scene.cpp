@@ -43,6 +43,7 @@ Scene::Scene(std::unique_ptr<store::test::StoreKind> kind) {
     if (!kind->renew())
         qFatal("no store");
     m_store = std::make_unique<StoreView>(std::move(kind));
+    m_adminUrl = m_store->url();
     if (admin({"demo"}) != 0)
         qFatal("orvo-admin demo failed");
 }
@@ -62,7 +63,7 @@ bool Scene::startRight() {
 
 int Scene::admin(const QStringList& arguments) const {
     return QProcess::execute(qEnvironmentVariable("ORVO_BIN_DIR") + "/orvo-admin",
-                             QStringList{"--store", m_store->url()} + arguments);
+                             QStringList{"--store", m_adminUrl} + arguments);
 }
 
 bool Scene::fail(const QString& why) {

@@ -18,7 +18,7 @@ namespace orvo::test {
 
 class Scene {
 public:
-    /// Makes the store; starts no client.
+    /// Makes the store; starts no client. orvo-admin keeps the URL that the store has at first.
     explicit Scene(std::unique_ptr<store::test::StoreKind> kind = store::test::storeKind());
 
     bool startLeft(const QStringList& modules = {"Menu"}, const QString& login = "left",
@@ -65,6 +65,7 @@ private:
     QString menuDifference(ClientProcess& client, const QString& desktop) const;
 
     QTemporaryDir m_directory;
+    QString m_adminUrl;
     std::unique_ptr<StoreView> m_store;
     std::unique_ptr<ClientProcess> m_left;
     std::unique_ptr<ClientProcess> m_right;
