@@ -28,7 +28,7 @@ class TestUnwrittenClients : public SceneTest {
 
 private slots:
     void initTestCase() {
-        auto kind = std::make_unique<EngineersKind>(orvo::store::test::quickStoreKind());
+        auto kind = std::make_unique<EngineersKind>(orvo::store::test::storeKind());
         m_faults = kind.get();
         m_scene = std::make_unique<Scene>(std::move(kind));
         m_faults->admitEngineers();

@@ -63,7 +63,8 @@ inline TreeRows rowsOf(const QAbstractItemModel* model, int keyColumn, const QVe
 /// The menu editor of one client.
 class MenuPart {
 public:
-    void open(TestHost& host) {
+    /// `beforeStart` is called with the new editor, if there is one.
+    void open(TestHost& host, const std::function<void(COrvoCliMod&)>& beforeStart = {}) {
         m_desckKnown.clear();
         m_menuKnown.clear();
         m_resources.clear();
@@ -71,6 +72,8 @@ public:
         m_early.clear();
         m_staleFault.clear();
         m_editor = std::make_unique<MenuEditor>(host, "Menu");
+        if (beforeStart)
+            beforeStart(module());
         if (!m_editor->start())
             qFatal("an editor does not start");
         QObject::connect(probe().m_menuModel.get(), &QAbstractItemModel::rowsInserted,
@@ -94,6 +97,8 @@ public:
     QTreeView* view(const char* name) { return m_editor->view(name); }
     bool isAtRest() { return probe().m_editMode == MenuProbe::NoEdit; }
     void cancel() {
+        if (dropped)
+            dropped(typedTexts());
         const MenuProbe& module = probe();
         if (module.m_editMode == MenuProbe::EditElement &&
             orvo::seekKey(module.m_tabMenu, module.m_currentMenuKey))
@@ -104,6 +109,36 @@ public:
                 m_desckKnown.typed.remove(desck);
         }
         QMetaObject::invokeMethod(&probe(), "on_cancel_pressed");
+    }
+    /// All that stands in the open edit and in open cells.
+    QString typedTexts() {
+        QStringList texts;
+        const auto addRow = [&](const QModelIndex& row) {
+            for (int column = 0; row.isValid() && column < row.model()->columnCount(); ++column)
+                texts << row.siblingAtColumn(column).data().toString();
+        };
+        const MenuProbe& module = probe();
+        if (!isAtRest()) {
+            addRow(module.m_editDesckIndex);
+            addRow(module.m_editMenuIndex);
+            if (!module.m_editMenuIndex.isValid() && !module.m_editMenuKey.isEmpty())
+                addRow(module.m_menuModel->findIndexByKey(module.m_editMenuKey));
+        }
+        for (const QLineEdit* line : module.findChildren<QLineEdit*>())
+            texts << line->text();
+        return texts.join('\n');
+    }
+    std::function<void(const QString& texts)> dropped; ///< called before a cancel
+    /// The text that is typed into a cell instead of a word.
+    std::function<QString(const QString& cell, const QString& word)> typing;
+    QString textFor(const QString& cell, const QString& word) {
+        return typing ? typing(cell, word) : word;
+    }
+
+    /// From here on every row with a record shows what is stored.
+    void expectStored() {
+        m_desckKnown.typed.clear();
+        m_menuKnown.typed.clear();
     }
     /// Something is to be typed into the passport of the current element.
     void typeElement() { m_menuKnown.typed.insert(probe().m_currentMenuKey); }
@@ -451,12 +486,13 @@ public:
             break;
         case 7:
         case 8: {
-            const QModelIndex value =
-                module.m_propModel->findIndexByKey(m_chances.chance(60) ? "name" : "icon");
+            const QString name = m_chances.chance(60) ? "name" : "icon";
+            const QModelIndex value = module.m_propModel->findIndexByKey(name);
             if (value.isValid()) {
-                m_chances.say("passport");
+                const QString text = part.textFor(module.m_currentMenuKey + '/' + name, caption());
+                m_chances.say("passport " + module.m_currentMenuKey + ' ' + name + ' ' + text);
                 part.typeElement();
-                module.m_propModel->setData(value.siblingAtColumn(1), caption(), Qt::EditRole);
+                module.m_propModel->setData(value.siblingAtColumn(1), text, Qt::EditRole);
             }
             break;
         }
@@ -517,30 +553,33 @@ public:
                 call(module, "on_actChangeDescktopOrFolder_triggered");
                 // As by the keyboard: each letter comes from the row's editor.
                 if (auto* editor = desck->viewport()->findChild<QLineEdit*>())
-                    editor->setText(caption());
+                    editor->setText(part.textFor(module.m_currentDesckKey, caption()));
             }
         }
         }
     }
 
-    /// Chooses in the picker: resources as new elements, or the icon or object of the current one.
-    void pick(MenuPart& part) {
+    /// Opens the picker, for new elements or for the icon or object of the current one.
+    void openPicker(MenuPart& part) {
         MenuProbe& module = part.probe();
         const int what = m_chances.below(5);
+        m_chances.say(QString("picker %1").arg(what));
         if (what < 3) {
             static const char* const slots_[] = {"on_actNewElemModul_triggered",
                                                  "on_actNewElemFunction_triggered",
                                                  "on_actNewElemFile_triggered"};
-            if (isFull(module))
-                return;
-            call(module, slots_[what]);
-        } else {
-            const QString row = what == 3 ? "icon" : "object";
-            if (!module.m_propModel->findIndexByKey(row).isValid())
-                return;
-            part.typeElement();
-            QMetaObject::invokeMethod(&module, "on_passp_buttonpressed", Q_ARG(QString, row));
+            if (!isFull(module))
+                call(module, slots_[what]);
+            return;
         }
+        const QString row = what == 3 ? "icon" : "object";
+        if (!module.m_propModel->findIndexByKey(row).isValid())
+            return;
+        part.typeElement();
+        QMetaObject::invokeMethod(&module, "on_passp_buttonpressed", Q_ARG(QString, row));
+    }
+    /// Chooses in the open picker, if there is one.
+    void choose(COrvoCliMod& module) {
         auto* list = module.findChild<CPopObjectList*>();
         if (!list || !list->isVisible())
             return;
@@ -556,8 +595,12 @@ public:
                          (list->multipleChoice ? QItemSelectionModel::Select
                                                : QItemSelectionModel::ClearAndSelect));
         }
-        m_chances.say(QString("pick %1: %2").arg(what).arg(chosen.join(", ")));
+        m_chances.say("pick " + chosen.join(", "));
         list->findChild<QPushButton*>(m_chances.chance(90) ? "btnOK" : "btnCancel")->click();
+    }
+    void pick(MenuPart& part) {
+        openPicker(part);
+        choose(part.probe());
     }
 
 private:

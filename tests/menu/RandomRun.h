@@ -81,6 +81,7 @@ public:
         if (m_done.size() > 60)
             m_done.removeFirst();
     }
+    QString lastAct() const { return m_done.isEmpty() ? QString() : m_done.last(); }
     /// Tells what was done last, an act in a line: all at once would be too long for one message.
     void tellLastActs() const {
         for (const QString& act : m_done)
@@ -253,7 +254,9 @@ public:
 
     int mostAtOnce = 1;    ///< notifications in one block
     int cancelPercent = 0; ///< of the edits that are open at a quiet point
+    int quietPercent = 8;  ///< of the steps that end in a quiet point
     int reopenPercent = 15;
+    std::function<void(Client&)> settle; ///< ends what stands open, before a quiet point
 
     void open(TestStore& store) {
         for (auto& client : m_clients)
@@ -287,7 +290,7 @@ public:
                     say(QString("hears of at most %1").arg(most));
                 }
             }
-            const bool quiet = chance(8);
+            const bool quiet = chance(quietPercent);
             QString found = fault();
             if (found.isEmpty() && quiet)
                 found = quietPoint();
@@ -324,22 +327,22 @@ public:
         return enough;
     }
 
-private:
-    QString fault() {
-        QString found = m_clients[0]->fault();
-        return found.isEmpty() ? m_clients[1]->fault() : found;
-    }
+protected:
+    /// Delivers everything and compares: the first difference, or an empty text.
     QString quietPoint() {
         ++m_quietPoints;
-        for (int i = 0; i < 2; ++i)
+        for (int i = 0; i < 2; ++i) {
+            setActor(QString::number(i));
+            if (settle)
+                settle(*m_clients[i]);
             m_clients[i]->each([&](auto& part) {
                 if (part.isAtRest() || !chance(cancelPercent))
                     return;
-                setActor(QString::number(i));
                 say("cancel");
                 part.cancel();
                 part.watch();
             });
+        }
         const QString cancelled = fault();
         if (!cancelled.isEmpty())
             return cancelled;
@@ -354,6 +357,12 @@ private:
                 return found;
         }
         return {};
+    }
+
+private:
+    QString fault() {
+        QString found = m_clients[0]->fault();
+        return found.isEmpty() ? m_clients[1]->fault() : found;
     }
 
     std::unique_ptr<Client> m_clients[2];

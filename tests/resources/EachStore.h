@@ -19,10 +19,14 @@ public:
         for (size_t i = 0; i < m_kinds.size(); ++i)
             QTest::newRow(m_kinds[i]->name().constData()) << static_cast<int>(i);
     }
+    /// The row's kind, not yet renewed, once for each row.
+    std::unique_ptr<store::test::StoreKind> taken() {
+        QFETCH(int, kind);
+        return std::move(m_kinds[static_cast<size_t>(kind)]);
+    }
     /// An empty store of the row's kind, once for each row.
     std::unique_ptr<store::test::StoreKind> renewed() {
-        QFETCH(int, kind);
-        auto store = std::move(m_kinds[static_cast<size_t>(kind)]);
+        auto store = taken();
         if (!store || !store->renew())
             qFatal("no store");
         return store;

@@ -33,9 +33,12 @@ public:
         int type;
     };
 
-    void open(TestHost& host) {
+    /// `beforeStart` is called with the new editor, if there is one.
+    void open(TestHost& host, const std::function<void(COrvoCliMod&)>& beforeStart = {}) {
         known.clear();
         m_editor = std::make_unique<EditorUnderTest<WritingProbe>>(host, "Resources");
+        if (beforeStart)
+            beforeStart(module());
         if (!m_editor->start())
             qFatal("an editor does not start");
     }
@@ -50,6 +53,8 @@ public:
     int comparedRows() const { return known.comparedRows; }
     int comparedFamilies() const { return known.comparedFamilies; }
     void cancel() {
+        if (dropped)
+            dropped(typedTexts());
         WritingProbe& module = probe();
         if (module.m_editState == EditRow && module.m_btnCancel->isEnabled() &&
             module.row(qPrintable(module.m_editKey)).isValid() &&
@@ -58,6 +63,25 @@ public:
             known.typed.remove(module.m_editKey);
         module.m_btnCancel->click();
     }
+    /// All that stands in the open edit and in open cells.
+    QString typedTexts() {
+        QStringList texts;
+        const QModelIndex row =
+            isAtRest() ? QModelIndex() : model().findIndexByKey(probe().m_editKey);
+        for (int column = 0; row.isValid() && column < model().columnCount(); ++column)
+            texts << row.siblingAtColumn(column).data().toString();
+        for (const QLineEdit* line : probe().findChildren<QLineEdit*>())
+            texts << line->text();
+        return texts.join('\n');
+    }
+    std::function<void(const QString& texts)> dropped; ///< called before a cancel
+    /// The text that is typed into a cell instead of a word.
+    std::function<QString(const QString& cell, const QString& word)> typing;
+    QString textFor(const QString& cell, const QString& word) {
+        return typing ? typing(cell, word) : word;
+    }
+    /// From here on every row with a record shows what is stored.
+    void expectStored() { known.typed.clear(); }
     /// What must stay: an editor opened without one of these shows nothing.
     static bool isProtected(const QString& key) {
         return isFixed(key) || key == "mod" || key == "fun" || key == "frm";
@@ -353,9 +377,10 @@ public:
             const QString name = anyRowName(part);
             if (name.isEmpty() || ResPart::isProtected(module.m_currentKey))
                 break;
-            m_chances.say("passport " + name + " of " + module.m_currentKey);
+            const QString text = part.textFor(module.m_currentKey + '/' + name, word());
+            m_chances.say("passport " + name + " of " + module.m_currentKey + ": " + text);
             part.known.typed.insert(module.m_currentKey);
-            orvo::editPassportValue(*module.m_propModel, name, word());
+            orvo::editPassportValue(*module.m_propModel, name, text);
             break;
         }
         case 11:
@@ -409,6 +434,10 @@ public:
         closeBoxes(part);
     }
 
+    /// Whether nothing goes with the selection that an editor cannot do without.
+    bool mayDelete(ResPart& part) {
+        return !ResPart::isProtected(part.probe().m_currentKey) && selectionIsFree(part);
+    }
     /// Deletes the resource, if it has a row.
     void removeResource(ResPart& part, const QString& key) {
         if (key.isEmpty() || !makeCurrent(part, part.model().findIndexByKey(key), false))
@@ -440,10 +469,9 @@ private:
         return true;
     }
     void remove(ResPart& part) {
-        const QString key = part.probe().m_currentKey;
-        if (ResPart::isProtected(key) || !selectionIsFree(part))
+        if (!mayDelete(part))
             return;
-        m_chances.say("delete " + key);
+        m_chances.say("delete " + part.probe().m_currentKey);
         part.action("actDelete")->trigger();
     }
     /// Answers the question that stands, and puts away the error that may follow.
