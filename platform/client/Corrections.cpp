@@ -1,5 +1,6 @@
 #include "platform/client/Corrections.h"
 
+#include "frame/Vocabulary.h"
 #include "platform/mdx/MdxBuild.h"
 
 #include <QJsonDocument>
@@ -8,10 +9,6 @@
 namespace orvo::client {
 
 namespace {
-
-constexpr int inserted = 601;
-constexpr int updated = 602;
-constexpr int deleted = 603;
 
 std::string jsonOf(const store::TableDef& table, const RecordWrite& record) {
     QJsonObject object;
@@ -43,7 +40,7 @@ std::vector<store::Change> correctionsOf(const WriteRequest& request, store::Sto
         change.table = request.table;
         change.key = record.key;
         change.login = store.login(); // one's own: the current row may follow
-        change.code = updated;
+        change.code = OrvoEventUpdate;
         change.after = change.before = "{}";
         if (record.flag == MDX_INSERT) {
             CMDArray present;
@@ -53,10 +50,10 @@ std::vector<store::Change> correctionsOf(const WriteRequest& request, store::Sto
                      .ok())
                 return {};
             if (mdx::postedCount(present.array) == 0) {
-                change.code = inserted;
+                change.code = OrvoEventInsert;
                 change.after = jsonOf(*table, record);
                 changes.push_back(change);
-                change.code = deleted;
+                change.code = OrvoEventDelete;
                 change.before = std::move(change.after);
                 change.after = "{}";
             }

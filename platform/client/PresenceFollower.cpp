@@ -1,6 +1,6 @@
 #include "platform/client/PresenceFollower.h"
 
-#include "platform/store/Patience.h"
+#include "platform/store/WaitPolicy.h"
 
 #include <algorithm>
 #include <atomic>
@@ -20,7 +20,7 @@ constexpr int lastBackOffMs = 15000;
 } // namespace
 
 /// What both threads share is below the mutex; the rest is the worker thread's alone.
-class PresenceFollower::Worker : public store::Patience {
+class PresenceFollower::Worker : public store::WaitPolicy {
 public:
     Worker(std::unique_ptr<store::Presence> presence, PresenceFollower& owner)
         : m_owner(owner)
@@ -31,7 +31,7 @@ public:
             ::close(m_signal);
     }
 
-    bool goOn() override { return !stop; }
+    bool keepWaiting() override { return !stop; }
     void signal() const {
         const uint64_t one = 1;
         if (m_signal >= 0 && ::write(m_signal, &one, sizeof one) < 0)
@@ -56,7 +56,7 @@ private:
 };
 
 void PresenceFollower::Worker::run() {
-    const store::PatienceScope scope(this);
+    const store::WaitPolicyScope scope(this);
     while (!stop) {
         lookOnce();
         rest();

@@ -273,7 +273,8 @@ void CToolFormDel::run(COrvoCliSes& session) {
     request.kind = WriteRequest::FormDelete;
     for (const QString& form : names)
         request.files.push_back({{}, form, {}, {}});
-    session.data()->write(std::move(request));
+    // A failure is told, and kept for another try, where it is met.
+    static_cast<void>(session.data()->write(std::move(request)));
 }
 
 CToolFileDel::CToolFileDel(COrvoCliMod* module) : COrvoToolObject(module) {
@@ -287,5 +288,6 @@ void CToolFileDel::run(COrvoCliSes& session) {
     request.kind = WriteRequest::FileDelete;
     for (const auto& [path, name] : files)
         request.files.push_back({path, name, {}, {}});
-    session.data()->write(std::move(request));
+    // A failure is told, and kept for another try, where it is met.
+    static_cast<void>(session.data()->write(std::move(request)));
 }

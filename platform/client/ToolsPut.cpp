@@ -29,7 +29,7 @@ store::Status addFile(WriteRequest& request, const QString& path, const QString&
 /// Sends what could be added; the first failure leaves nothing to send.
 void finish(COrvoCliSes& session, WriteRequest request, store::Status status) {
     if (status.ok())
-        session.data()->write(std::move(request));
+        static_cast<void>(session.data()->write(std::move(request))); // told where it is met
     else // nothing that could be repeated
         session.data()->report(describe(request, nullptr).what, status);
 }

@@ -338,10 +338,11 @@ public:
             const std::string name = word().toStdString();
             m_chances.say("foreign upload " + QString::fromStdString(name));
             // Into folders that an earlier act may have renamed or removed.
-            const store::Status put =
-                m_chances.chance(50)
-                    ? m_files->filePut({{m_chances.chance(50) ? "docs" : "", name, "bytes", {}}})
-                    : m_files->formPut(m_chances.chance(50) ? "Котлы" : "",
+            store::Status put;
+            if (m_chances.chance(50))
+                put = m_files->filePut({{m_chances.chance(50) ? "docs" : "", name, "bytes", {}}});
+            else
+                put = m_files->formPut(m_chances.chance(50) ? "Котлы" : "",
                                        {{"", name, "bytes", {}}});
             if (!put.ok())
                 m_chances.say("refused: " + QString::fromStdString(put.text));

@@ -60,7 +60,8 @@ int sees(Presence& presence, const QByteArray& expected, int ms = 10000) {
 /// Lets the others speak, as their clients' threads do.
 void attend(Presence& presence) {
     std::vector<PresenceEntry> others;
-    presence.look(&others);
+    const Status status = presence.look(&others);
+    QVERIFY2(status.ok(), status.text.c_str());
 }
 
 /// A process that takes part until it is killed.
