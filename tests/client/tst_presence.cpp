@@ -46,7 +46,10 @@ struct Fixture : Host {
         view.reset();
         registry.stopAll();
     }
-    void look() { other->look(&seen); }
+    void look() {
+        const store::Status status = other->look(&seen);
+        QVERIFY2(status.ok(), status.text.c_str());
+    }
     void edits(std::vector<store::OpenEdit> edits) {
         other->announce(std::move(edits));
         look();

@@ -54,11 +54,12 @@ struct Desk {
         addRecord(array, flag, fields);
         return module.m_app->m_session->SqlUpdate(table, array.array, true, nullptr);
     }
-    store::Status elsewhere(const char* table, uint32_t flag, const Fields& fields) const {
+    void elsewhere(const char* table, uint32_t flag, const Fields& fields) const {
         CMDArray array;
         store::makeStructure(*store::findTable(table), array.array);
         addRecord(array, flag, fields);
-        return other->update(table, array.array);
+        const store::Status status = other->update(table, array.array);
+        QVERIFY2(status.ok(), status.text.c_str());
     }
     QString value(const char* table, const char* key, const char* field) {
         CMDArray rows;

@@ -13,6 +13,12 @@ namespace {
 
 using Operation = std::function<Status(MemoryStore& store)>;
 
+} // namespace
+
+Q_DECLARE_METATYPE(Operation)
+
+namespace {
+
 /// A folder with a menu, a form and a file in their folders, and a user who holds nothing.
 Status fill(MemoryStore& store) {
     Status status = Batch("MenuFolder")
@@ -167,6 +173,5 @@ void TestStoreCore::aCopyHoldsWhatTheStoreHolds() {
     QVERIFY(copy.content().bytes == store.content().bytes);
 }
 
-Q_DECLARE_METATYPE(Operation)
 QTEST_GUILESS_MAIN(TestStoreCore)
 #include "tst_store_core.moc"
