@@ -4,8 +4,8 @@
 #ifndef ORVO_TESTS_RESOURCES_WORKINGACTS_H
 #define ORVO_TESTS_RESOURCES_WORKINGACTS_H
 
-#include "platform/store/Patience.h"
 #include "platform/store/Schema.h"
+#include "platform/store/WaitPolicy.h"
 #include "tests/menu/EngineersStore.h"
 #include "tests/menu/MenuRandomActs.h"
 #include "tests/menu/WorkingClient.h"
@@ -345,8 +345,8 @@ private:
     }
     static void save(ResPart& part) { part.probe().m_btnSave->click(); }
 
-    struct Impatient : store::Patience {
-        bool goOn() override { return ++waits < 3; }
+    struct Impatient : store::WaitPolicy {
+        bool keepWaiting() override { return ++waits < 3; }
         int waits = 0;
     };
 
@@ -370,8 +370,8 @@ private:
         {
             // What is not locked ends by itself, at whatever pace.
             Impatient patience;
-            const store::PatienceScope scope(failing == EngineersKind::Locked ? &patience
-                                                                              : nullptr);
+            const store::WaitPolicyScope scope(failing == EngineersKind::Locked ? &patience
+                                                                                : nullptr);
             save(part);
         }
         m_faults.end();
