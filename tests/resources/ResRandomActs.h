@@ -20,6 +20,7 @@
 
 #include "models/Passport.h"
 
+#include <QAbstractItemView>
 #include <QLineEdit>
 #include <QMimeData>
 
@@ -426,8 +427,7 @@ public:
             if (!part.isAtRest())
                 break;
             m_chances.say("search");
-            auto* line = module.findChild<QLineEdit*>();
-            line->setText(word().left(1 + m_chances.below(3)));
+            searchLine(module).setText(word().left(1 + m_chances.below(3)));
             QMetaObject::invokeMethod(&module, m_chances.chance(70) ? "on_search_down_pressed"
                                                                     : "on_search_up_pressed");
         }
@@ -448,6 +448,13 @@ public:
     }
 
 private:
+    /// The field for searching, and no cell that is open.
+    static QLineEdit& searchLine(const COrvoCliMod& module) {
+        for (QLineEdit* line : module.findChildren<QLineEdit*>())
+            if (!qobject_cast<QAbstractItemView*>(line->parentWidget()->parentWidget()))
+                return *line;
+        qFatal("no field for searching");
+    }
     QString anyKey(const char* table) { return m_chances.oneOf(m_anyPart().records(table).keys()); }
     QString word() { return m_chances.word(60, 30); }
     int kindOf(const QString& folder) {

@@ -276,7 +276,7 @@ private:
             else if (what < 48)
                 leave = true;
             else if (what < 75 && !part.isAtRest())
-                save(part);
+                saveAsItIs(part);
             else
                 ordinary(client, part);
         });
@@ -344,6 +344,12 @@ private:
         QMetaObject::invokeMethod(&part.probe(), "on_save_pressed");
     }
     static void save(ResPart& part) { part.probe().m_btnSave->click(); }
+
+    template <class Part>
+    void saveAsItIs(Part& part) {
+        m_chances.say("save");
+        save(part);
+    }
 
     struct Impatient : store::WaitPolicy {
         bool keepWaiting() override { return ++waits < 3; }
