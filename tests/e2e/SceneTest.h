@@ -74,6 +74,11 @@ protected:
         QTest::qWait(500);
         return m_scene->press(left(), button);
     }
+    /// Waits for the end of the left process; the leak checker may take its time.
+    bool leftEnds() {
+        return m_scene->waitFor(
+            "the left client ends", [&] { return !left().isRunning(); }, 90000);
+    }
     bool held() { return !left().ask("state")["held"].toString().isEmpty(); }
     /// The requests of the left client that are not written: what each is, a line each.
     QStringList unwritten() {

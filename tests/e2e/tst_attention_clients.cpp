@@ -199,12 +199,13 @@ private slots:
         DO(m_scene->fill(left(), nameRow, "Typed and dropped"));
         hands::key("ctrl+q");
         DO(answerClosing("closeDrop"));
-        SOON(!left().isRunning());
+        DO(leftEnds());
         QCOMPARE(element("Typed and dropped"), QString());
         DO(m_scene->startLeft());
         DO(m_scene->openDesktop(station));
-        hands::key("ctrl+q"); // nothing is open: nothing is asked
-        SOON(!left().isRunning());
+        DO(m_scene->clickRow(left(), "tvMenu", menuTop)); // the keyboard is the left one's
+        hands::key("ctrl+q");                             // nothing is open: nothing is asked
+        DO(leftEnds());
         DO(m_scene->startLeft());
         DO(m_scene->openDesktop(station));
     }
@@ -227,7 +228,7 @@ private slots:
         SOON(current(left(), "tvMenu") == QStringLiteral("Новая папка"));
 
         hands::key("ctrl+q");
-        SOON(!left().isRunning());
+        DO(leftEnds());
         DO(m_scene->startLeft());
         DO(m_scene->press(left(), QStringLiteral("Вид")));
         SOON(left().ask("control actStay")["controls"].toArray()[0].toObject()["checked"].toBool());

@@ -161,7 +161,7 @@ private slots:
         m_faults->end();
         hands::key("alt+F4");
         DO(answerClosing("closeDrop"));
-        SOON(!left().isRunning());
+        DO(leftEnds());
         QCOMPARE(captionOf("un1"), QString("Pump"));
         DO(m_scene->startLeft());
         SOON(unwritten().size() == 1);
