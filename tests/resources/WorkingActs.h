@@ -382,22 +382,31 @@ private:
         }
         m_faults.end();
     }
+    /// Whether that key is to be taken now: an edit whose save was refused may be saved again.
+    bool takes(const QString& key) {
+        if (m_taken.contains(key))
+            return false;
+        m_taken.insert(key);
+        return true;
+    }
     void saveDuplicate(MenuPart& part) {
         const MenuProbe& module = part.probe();
         const QString desck = module.m_desckModel->getItemKeyLink(module.m_editDesckIndex);
-        if (module.m_editMode == MenuProbe::NewElement)
+        const bool isElement = module.m_editMode == MenuProbe::NewElement;
+        const bool isDesck = module.m_editMode == MenuProbe::NewDesck && !desck.isEmpty();
+        if ((!isElement && !isDesck) || !takes(isElement ? module.m_editMenuKey : desck))
+            return;
+        if (isElement)
             m_store.insert("Menu", {{"KeyLink", module.m_editMenuKey},
                                     {"FolderKey", QString("d1")},
                                     {"caption", QString("taken")},
                                     {"order_", 0}});
-        else if (module.m_editMode == MenuProbe::NewDesck && !desck.isEmpty())
+        else
             m_store.insert("MenuFolder", {{"KeyLink", desck},
                                           {"ParentKey", QString("p1")},
                                           {"caption", QString("taken")},
                                           {"order_", QString("2000")},
                                           {"isFolder", false}});
-        else
-            return;
         m_chances.say("save under a key that is taken: " + module.m_editMenuKey + desck);
         ++figures["saves of duplicates"];
         save(part);
@@ -408,7 +417,7 @@ private:
             return;
         const bool folder =
             part.model().itemIsFolder(part.model().findIndexByKey(module.m_editKey));
-        if (folder)
+        if (folder || !takes(module.m_editKey))
             return;
         m_store.insert("MenuResource", {{"KeyLink", module.m_editKey},
                                         {"MenuResourceFolderKey", QString("trends")},
@@ -528,6 +537,7 @@ private:
     MenuRandomActs& m_menus;
     ResRandomActs& m_resources;
     std::function<Client&()> m_anyClient;
+    QSet<QString> m_taken; ///< keys under which a save was made to fail
 };
 
 } // namespace orvo::test
