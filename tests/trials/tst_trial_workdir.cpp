@@ -63,7 +63,7 @@ private:
 void TestTrialWorkdir::copyOfTheFileAreaGoesOnWhenThereIsRoom() {
     const int wanted = rounds(2);
     for (int round = 0; round < wanted; ++round) {
-        Bench bench("size=" + QByteArray::number(100 + below(1500)) + "k");
+        Bench bench("size=" + QByteArray::number(100 + below(900)) + "k");
         if (!bench.disk->mounted())
             QSKIP("needs the right to mount a file system");
         std::map<QString, QByteArray> wantedFiles;
