@@ -13,7 +13,7 @@ namespace orvo::store::test {
 
 class MemoryStore final : public StoreCore {
 public:
-    MemoryStore() : StoreCore("tester") {}
+    MemoryStore();
 
     /// The call of the database after so many more fails, once; -1: none.
     void failAfter(int calls) { m_failAfter = calls; }
