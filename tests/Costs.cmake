@@ -1,9 +1,9 @@
 # Seconds of the longest tests; CTest starts those first. Written by scripts/test-costs.
-set(ORVO_COST_tst_store_files 137)
-set(ORVO_COST_tst_store_tables 127)
 set(ORVO_COST_tst_store_migrations 64)
 set(ORVO_COST_tst_postgres_breaks 58)
 set(ORVO_COST_tst_store_log 57)
+set(ORVO_COST_tst_store_files 54)
+set(ORVO_COST_tst_store_tables 45)
 set(ORVO_COST_tst_postgres_order 33)
 set(ORVO_COST_tst_sqlite_file 30)
 set(ORVO_COST_tst_postgres_access 27)
