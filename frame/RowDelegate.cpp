@@ -20,7 +20,10 @@ constexpr int longestMark = 40;
 /// The place of a mark: at the end of the cell, and no more than two thirds of it.
 QRect markPlace(const QStyleOptionViewItem& option, const QString& label) {
     const int room = option.rect.width() * 2 / 3;
-    const int width = std::min(room, option.fontMetrics.horizontalAdvance(label) + 2 * markPadding);
+    // Some room more than the text: the pencil may come from another font.
+    const int width =
+        std::min(room, option.fontMetrics.horizontalAdvance(label) +
+                           2 * option.fontMetrics.averageCharWidth() + 2 * markPadding);
     QRect place = option.rect.adjusted(0, 1, -markGap, -1);
     place.setLeft(place.right() - width + 1);
     return place;
