@@ -5,6 +5,7 @@
 
 #include <QRandomGenerator>
 
+#include <chrono>
 #include <thread>
 
 using namespace orvo::store;
@@ -337,6 +338,8 @@ void TestMerge::deletionAndInsertionAtTheSameTimeLeaveNoOrphan() {
                           .insert(child.constData(), {{"ParentKey", QString(folder)}})
                           .send(*m_other, &theirs);
         });
+        if (round % 2 == 1) // it takes a thread a moment to begin
+            std::this_thread::sleep_for(std::chrono::microseconds(round * 20));
         UpdateGuard mine = guard();
         const Status deletes = Batch("MenuFolder").remove(folder.constData()).send(*m_store, &mine);
         other.join();
