@@ -289,6 +289,7 @@ private slots:
         QCOMPARE(inner->maximum(), 4);
         bar.close();
         QVERIFY(bar.isHidden());
+        QTRY_VERIFY(looped); // before what it refers to ends
     }
 
     void aPopupWindowIsCentredOverItsParentAndClosesByEscape() {
