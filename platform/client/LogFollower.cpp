@@ -72,8 +72,10 @@ private:
     int m_backOffMs = 0;   ///< 0: connected
     int m_relookMs = 0;    ///< 0: none
     Clock::time_point m_next{};
-    bool m_unread = false; ///< the log may hold more
-    bool m_full = false;   ///< too much waits to be taken
+    Clock::time_point m_looked{}; ///< the last slow look
+    bool m_watches = false;       ///< the descriptor was asked for
+    bool m_unread = false;        ///< the log may hold more
+    bool m_full = false;          ///< too much waits to be taken
     bool m_pruned = false;
 };
 
@@ -163,12 +165,17 @@ void LogFollower::Worker::rest() {
     const bool away = m_backOffMs != 0;
     // A descriptor of a lost connection would be readable for ever.
     const int wake = idle || away ? -1 : m_store->wakeFd();
+    if (!idle && !away && !std::exchange(m_watches, true)) {
+        m_unread = true; // what came before the descriptor was there, woke nobody
+        return;
+    }
     const int usual = wake >= 0 ? pollMs : pollAloneMs;
     pollfd waits[] = {{m_signal, POLLIN, 0}, {wake, POLLIN, 0}};
-    const int timeout = idle             ? pollMs
-                        : away           ? millisecondsUntil(m_next)
-                        : m_relookMs > 0 ? m_relookMs
-                                         : usual;
+    const int timeout = idle   ? pollMs
+                        : away ? millisecondsUntil(m_next)
+                        : m_relookMs > 0
+                            ? m_relookMs
+                            : millisecondsUntil(m_looked + std::chrono::milliseconds(usual));
     const int ready = ::poll(waits, 2, timeout);
     if (waits[0].revents != 0) {
         uint64_t count = 0;
@@ -183,7 +190,9 @@ void LogFollower::Worker::rest() {
         // A wake-up may come before the change can be read: the writer has written, but its disk is
         // still busy making it durable. So the log is looked at again, at growing intervals.
         m_relookMs = 1;
-    } else if (ready == 0) {
+    } else if (ready == 0 || Clock::now() >= m_looked + std::chrono::milliseconds(usual)) {
+        // Whoever asks or takes all the time puts no look off.
+        m_looked = Clock::now();
         if (m_relookMs > 0)
             m_relookMs = m_relookMs * 2 <= lastRelookMs ? m_relookMs * 2 : 0;
         if (m_store->changed())
