@@ -86,6 +86,14 @@ public:
     /// one its tables and rows must be as the program makes them; that leaves edited texts unseen.
     virtual Status restore(const std::string& file, const Progress& progress) = 0;
 
+    // Triggers -----------------------------------------------------------------------------------
+
+    /// Makes what writes the log anew, triggers and on a server functions and rights, if any of it
+    /// is missing, disabled or not as the program makes it; `differences`, a line each, were found
+    /// (as by integrity). Without one nothing is written. Changes may have gone unlogged meanwhile:
+    /// all readers of the log find their cursors pruned. What others added besides stays.
+    virtual Status remakeTriggers(std::vector<std::string>* differences) = 0;
+
     // Logins -------------------------------------------------------------------------------------
 
     /// Gives a user who is in the table Users his login at the database. Refused by a database that

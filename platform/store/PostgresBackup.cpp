@@ -236,11 +236,8 @@ QByteArray ending(int version, bool vouchedFor) {
            (vouchedFor ? std::string() : checkRows()) +
            "UPDATE public.\"NciStore\" SET \"version\" = " + std::to_string(migrations().size()) +
            ", \"identity\" = gen_random_uuid();\n"
-           "UPDATE public.\"NciPruned\" SET \"id\" = 1 + greatest(:orvo_position, "
-           "\"id\", coalesce((SELECT max(\"id\") FROM public.\"NciEvent\"), 0));\n"
-           "SELECT setval('public.\"NciEventId\"', (SELECT \"id\" FROM public.\"NciPruned\"));\n"
-           "SELECT pg_notify('" +
-           wakeChannel + "', '');\nCOMMIT;\n";
+           "UPDATE public.\"NciPruned\" SET \"id\" = greatest(:orvo_position, \"id\");\n" +
+           cursorsPruned() + "COMMIT;\n";
     return QByteArray::fromStdString(sql);
 }
 

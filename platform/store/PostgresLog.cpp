@@ -149,9 +149,7 @@ Status PostgresStore::integrity(std::vector<std::string>* damages) {
             "SELECT 'Недействительный индекс ' || indexrelid::regclass FROM pg_index JOIN pg_class "
             "c ON c.oid = indrelid WHERE c.relnamespace = 'public'::regnamespace AND NOT "
             "indisvalid",
-            "SELECT 'Отключён триггер ' || tgname || ' таблицы ' || tgrelid::regclass FROM "
-            "pg_trigger JOIN pg_class c ON c.oid = tgrelid WHERE c.relnamespace = "
-            "'public'::regnamespace AND tgenabled NOT IN ('O', 'A')",
+            differingDefinitions(dictionary()),
             "SELECT 'Размер содержимого ' || f.\"KeyLink\" || ' не сходится с записанным' FROM "
             "public.\"MenuResourceFile\" f WHERE f.\"size\" IS DISTINCT FROM (SELECT "
             "coalesce(sum(octet_length(\"data\")), 0) FROM public.\"MenuResourceFileData\" d WHERE "

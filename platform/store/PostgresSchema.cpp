@@ -37,6 +37,16 @@ std::string qualified(std::string_view name) {
     return "public." + identifier(name);
 }
 
+std::string cursorsPruned() {
+    return std::string("UPDATE public.\"NciPruned\" SET \"id\" = 1 + greatest(\"id\", (SELECT "
+                       "last_value FROM public.\"NciEventId\"), coalesce((SELECT max(\"id\") FROM "
+                       "public.\"NciEvent\"), 0));\n"
+                       "SELECT setval('public.\"NciEventId\"', (SELECT \"id\" FROM "
+                       "public.\"NciPruned\"));\n"
+                       "SELECT pg_notify('") +
+           wakeChannel + "', '');\n";
+}
+
 const std::string& foldedNameExpression() {
     static const std::string expression =
         "lower(translate(\"name_\", " + literal(upperLetters) + ", " + literal(lowerLetters) + "))";
@@ -76,10 +86,9 @@ Status migrate(Connection& connection, const MigrationSteps& steps, const Dictio
     run("BEGIN");
     if (present >= 0) {
         // What is made is the owner's, whoever brings the store up to date.
-        run("SET LOCAL lock_timeout = '10s'; LOCK TABLE public.\"NciStore\" IN EXCLUSIVE MODE;"
-            "DO $orvo$ BEGIN EXECUTE pg_catalog.format('SET LOCAL ROLE %I', (SELECT "
-            "pg_catalog.pg_get_userbyid(relowner) FROM pg_catalog.pg_class WHERE oid "
-            "OPERATOR(pg_catalog.=) 'public.\"NciStore\"'::pg_catalog.regclass)); END $orvo$");
+        run(std::string("SET LOCAL lock_timeout = '10s'; LOCK TABLE public.\"NciStore\" IN "
+                        "EXCLUSIVE MODE;") +
+            actAsOwner);
     }
     if (status.ok())
         status = look(); // another process may have come first

@@ -10,6 +10,8 @@
 
 #include <string>
 #include <string_view>
+#include <variant>
+#include <vector>
 
 namespace orvo::store::postgres {
 
@@ -28,13 +30,45 @@ constexpr const char* copyContentIn =
     "COPY public.\"MenuResourceFileData\" (\"KeyLink\", \"part\", \"data\") FROM STDIN (FORMAT "
     "binary)";
 
+/// Makes what the rest of the transaction makes the store owner's, whoever runs it.
+constexpr const char* actAsOwner =
+    "DO $orvo$ BEGIN EXECUTE pg_catalog.format('SET LOCAL ROLE %I', (SELECT "
+    "pg_catalog.pg_get_userbyid(relowner) FROM pg_catalog.pg_class WHERE oid "
+    "OPERATOR(pg_catalog.=) 'public.\"NciStore\"'::pg_catalog.regclass)); END $orvo$;";
+/// SQL that makes every number of a change that was ever given out too low for a reader of the log,
+/// and the next change get a higher one.
+std::string cursorsPruned();
+
 /// public."name".
 std::string qualified(std::string_view name);
+
+/// A function of the store, in PL/pgSQL, without parameters and with a search path of its own.
+struct Function {
+    std::string name;
+    const char* returns;
+    std::string body;        ///< behind the line that opens it
+    bool asOwner = false;    ///< runs with the rights of the store's owner
+    bool exactDates = false; ///< writes dates to the last bit
+};
+struct Trigger {
+    const char* name;
+    std::string table;
+    const char* when; ///< BEFORE or AFTER, and of what
+    const char* each; ///< ROW or STATEMENT, and the condition, if there is one
+    std::string function;
+    const char* rows = ""; ///< names for the rows of the statement
+};
+using Definition = std::variant<Function, Trigger>;
+/// What the store puts beside its tables, each behind what it needs.
+std::vector<Definition> definitions(const Dictionary& dictionary);
 
 /// SQL that drops the functions of a store of any version, and with them its triggers.
 std::string dropFunctions();
 /// SQL that makes functions, triggers and rights.
 std::string functionsAndRights(const Dictionary& dictionary);
+/// A query for what is missing, disabled or altered of functions and triggers, a line in Russian
+/// for each. What others added besides does not matter.
+std::string differingDefinitions(const Dictionary& dictionary);
 
 /// The expression, over "MenuResource", that gives foldedName() of the name.
 const std::string& foldedNameExpression();

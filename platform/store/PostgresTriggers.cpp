@@ -21,11 +21,7 @@ std::string both() {
     return std::string(engineerRole) + ", " + viewerRole;
 }
 
-/// What every function of ours begins with.
-std::string function(const std::string& name, const char* returns, const char* settings) {
-    return "CREATE FUNCTION " + qualified(name) + "() RETURNS " + returns +
-           " LANGUAGE plpgsql SET search_path = pg_catalog, pg_temp " + settings + " AS $orvo$\n";
-}
+using Definitions = std::vector<Definition>;
 
 std::string named(const char* prefix, const FieldDef& field) {
     return std::string(prefix) + identifier(field.name);
@@ -90,21 +86,11 @@ BEGIN
   END IF;
 )";
 
-std::string trigger(const char* name, const char* when, const std::string& table,
-                    const std::string& options, const char* each, const std::string& function) {
-    return "CREATE TRIGGER " + identifier(name) + " " + when + " ON " + qualified(table) + " " +
-           options + "FOR EACH " + each + " EXECUTE FUNCTION " + qualified(function) + "();\n";
-}
-
 /// `onDelete` and `onNewKey` are statements that run before a deletion and after a change of key.
-std::string logTriggers(const TableDef& table, const std::string& onDelete = {},
-                        const std::string& onNewKey = {}) {
+void addLogTriggers(Definitions& all, const TableDef& table, const std::string& onDelete = {},
+                    const std::string& onNewKey = {}) {
     const std::string name = std::string(table.name) + ".log";
-    // Dates to the last bit, whatever the session is set to.
-    std::string sql = function(name, "trigger",
-                               hasDates(table) ? "SET extra_float_digits = 1 SECURITY DEFINER"
-                                               : "SECURITY DEFINER") +
-                      writer + "  IF TG_OP" + equals + "'INSERT' THEN\n";
+    std::string sql = std::string(writer) + "  IF TG_OP" + equals + "'INSERT' THEN\n";
     sql += logEvent(table, OrvoEventInsert, "NEW.\"KeyLink\"", whole(table, "NEW."), "'{}'");
     sql += std::string("  ELSIF TG_OP") + equals + "'DELETE' THEN\n" + onDelete;
     sql += logEvent(table, OrvoEventDelete, "OLD.\"KeyLink\"", "'{}'", whole(table, "OLD."));
@@ -114,16 +100,17 @@ std::string logTriggers(const TableDef& table, const std::string& onDelete = {},
     sql += "  ELSE\n";
     sql += logEvent(table, OrvoEventDelete, "OLD.\"KeyLink\"", "'{}'", whole(table, "OLD."));
     sql += logEvent(table, OrvoEventInsert, "NEW.\"KeyLink\"", whole(table, "NEW."), "'{}'");
-    sql += onNewKey + "  END IF;\n  RETURN NULL;\nEND $orvo$;\n";
-    sql += trigger("log", "AFTER INSERT OR UPDATE OR DELETE", table.name, "", "ROW", name);
-    sql += trigger("lock", "BEFORE INSERT OR UPDATE OR DELETE", table.name, "", "STATEMENT",
-                   "NciLock");
-    sql += trigger("truncate", "BEFORE TRUNCATE", table.name, "", "STATEMENT", "NciTruncate");
-    return sql;
+    sql += onNewKey + "  END IF;\n  RETURN NULL;\nEND ";
+    // Dates to the last bit, whatever the session is set to.
+    all.push_back(Function{name, "trigger", sql, true, hasDates(table)});
+    all.push_back(Trigger{"log", table.name, "AFTER INSERT OR UPDATE OR DELETE", "ROW", name});
+    all.push_back(
+        Trigger{"lock", table.name, "BEFORE INSERT OR UPDATE OR DELETE", "STATEMENT", "NciLock"});
+    all.push_back(Trigger{"truncate", table.name, "BEFORE TRUNCATE", "STATEMENT", "NciTruncate"});
 }
 
 /// What serves the log as a whole.
-std::string logFunctions() {
+void addLogFunctions(Definitions& all) {
     // A number alone is not commit order: whoever adds a row holds the lock from before the number
     // is drawn until the transaction has ended. The lock is taken before the statement touches a
     // row, so that two transactions never wait for each other across it and a row.
@@ -131,40 +118,36 @@ std::string logFunctions() {
         std::string("BEGIN\n  LOCK TABLE public.\"NciLock\" IN EXCLUSIVE MODE;\n"
                     "  PERFORM pg_catalog.pg_notify('") +
         wakeChannel + "', '');\n";
-    std::string sql =
-        function("NciLock", "trigger", "SECURITY DEFINER") + lock + "  RETURN NULL;\nEND $orvo$;\n";
-    sql += function("NciTakeLock", "void", "SECURITY DEFINER") + lock + "END $orvo$;\n";
-    sql += function("NciTruncate", "trigger", "") + R"(BEGIN
+    all.push_back(Function{"NciLock", "trigger", lock + "  RETURN NULL;\nEND ", true});
+    all.push_back(Function{"NciTakeLock", "void", lock + "END ", true});
+    all.push_back(Function{"NciTruncate", "trigger", R"(BEGIN
   EXECUTE pg_catalog.format('DELETE FROM %I.%I', TG_TABLE_SCHEMA, TG_TABLE_NAME);
   RETURN NULL;
-END $orvo$;
-)";
-    sql += function("NciPrune", "trigger", "") + R"(BEGIN
+END )"});
+    all.push_back(Function{"NciPrune", "trigger", R"(BEGIN
   IF TG_OP OPERATOR(pg_catalog.=) 'TRUNCATE' THEN
     DELETE FROM public."NciEvent";
   ELSE
     UPDATE public."NciPruned" SET "id" = greatest("id", (SELECT pg_catalog.max("id") FROM gone));
   END IF;
   RETURN NULL;
-END $orvo$;
-)";
+END )"});
     // Rows come from the functions above, with numbers in their order: a number from elsewhere
     // would hide those that follow from whoever has read it.
-    sql += function("NciRefuse", "trigger", "") + R"(BEGIN
+    all.push_back(Function{"NciRefuse", "trigger", R"(BEGIN
   RAISE EXCEPTION 'the log gives its ids itself' USING ERRCODE = 'insufficient_privilege';
-END $orvo$;
-)";
-    sql += trigger("number", "BEFORE INSERT OR UPDATE OF \"id\"", "NciEvent", "",
-                   "STATEMENT WHEN (pg_catalog.pg_trigger_depth() OPERATOR(pg_catalog.=) 0)",
-                   "NciRefuse");
-    sql += trigger("pruned", "AFTER DELETE", "NciEvent", "REFERENCING OLD TABLE AS gone ",
-                   "STATEMENT", "NciPrune");
-    return sql + trigger("truncate", "BEFORE TRUNCATE", "NciEvent", "", "STATEMENT", "NciPrune");
+END )"});
+    all.push_back(Trigger{"number", "NciEvent", "BEFORE INSERT OR UPDATE OF \"id\"",
+                          "STATEMENT WHEN (pg_catalog.pg_trigger_depth() OPERATOR(pg_catalog.=) 0)",
+                          "NciRefuse"});
+    all.push_back(Trigger{"pruned", "NciEvent", "AFTER DELETE", "STATEMENT", "NciPrune",
+                          "REFERENCING OLD TABLE AS gone "});
+    all.push_back(Trigger{"truncate", "NciEvent", "BEFORE TRUNCATE", "STATEMENT", "NciPrune"});
 }
 
 /// Bytes that change make an event of their content's row, unless the same transaction wrote that
 /// row already: then it is in the log.
-std::string contentTriggers(const TableDef& content) {
+void addContentTriggers(Definitions& all, const TableDef& content) {
     const std::string data = "MenuResourceFileData";
     const auto touch = [&](const char* unless, const char* rows) {
         return std::string("  IF TG_OP OPERATOR(pg_catalog.<>) '") + unless +
@@ -174,17 +157,20 @@ std::string contentTriggers(const TableDef& content) {
                "OPERATOR(pg_catalog.=) ANY (SELECT \"KeyLink\" FROM " +
                rows + ");\n  END IF;\n";
     };
-    std::string sql = function(data + ".log", "trigger", "SECURITY DEFINER") + "BEGIN\n" +
-                      touch("INSERT", "gone") + touch("DELETE", "come") +
-                      "  RETURN NULL;\nEND $orvo$;\n";
-    const auto after = [&](const char* name, const char* when, const char* rows) {
-        sql += trigger(name, when, data, rows, "STATEMENT", data + ".log");
+    const std::string name = data + ".log";
+    all.push_back(Function{name, "trigger",
+                           "BEGIN\n" + touch("INSERT", "gone") + touch("DELETE", "come") +
+                               "  RETURN NULL;\nEND ",
+                           true});
+    const auto after = [&](const char* trigger, const char* when, const char* rows) {
+        all.push_back(Trigger{trigger, data, when, "STATEMENT", name, rows});
     };
     after("inserted", "AFTER INSERT", "REFERENCING NEW TABLE AS come ");
     after("deleted", "AFTER DELETE", "REFERENCING OLD TABLE AS gone ");
     after("updated", "AFTER UPDATE", "REFERENCING OLD TABLE AS gone NEW TABLE AS come ");
-    sql += trigger("lock", "BEFORE INSERT OR UPDATE OR DELETE", data, "", "STATEMENT", "NciLock");
-    return sql + trigger("truncate", "BEFORE TRUNCATE", data, "", "STATEMENT", "NciTruncate");
+    all.push_back(
+        Trigger{"lock", data, "BEFORE INSERT OR UPDATE OR DELETE", "STATEMENT", "NciLock"});
+    all.push_back(Trigger{"truncate", data, "BEFORE TRUNCATE", "STATEMENT", "NciTruncate"});
 }
 
 /// Takes every right on the thing away from everybody but the owner, and gives these.
@@ -261,22 +247,41 @@ END $orvo$;
 )";
 }
 
-std::string functionsAndRights(const Dictionary& dictionary) {
-    std::string sql = logFunctions();
+std::vector<Definition> definitions(const Dictionary& dictionary) {
+    Definitions all;
+    addLogFunctions(all);
     const std::string owned = std::string(" WHERE pg_catalog.lower(\"MenuResourceKey\")") + equals +
                               "pg_catalog.lower(OLD.\"KeyLink\");\n";
     for (const TableDef& table : dictionary.tables) {
         // Content goes, and changes its owner's key, with its resource.
         const bool owner = std::string_view(table.name) == table::MenuResource;
-        sql +=
-            logTriggers(table, owner ? "    DELETE FROM public.\"MenuResourceFile\"" + owned : "",
-                        owner ? "    UPDATE public.\"MenuResourceFile\" SET \"MenuResourceKey\" = "
-                                "NEW.\"KeyLink\"" +
-                                    owned
-                              : "");
+        addLogTriggers(all, table,
+                       owner ? "    DELETE FROM public.\"MenuResourceFile\"" + owned : "",
+                       owner ? "    UPDATE public.\"MenuResourceFile\" SET \"MenuResourceKey\" = "
+                               "NEW.\"KeyLink\"" +
+                                   owned
+                             : "");
     }
-    return sql + logTriggers(dictionary.content) + contentTriggers(dictionary.content) +
-           rights(dictionary);
+    addLogTriggers(all, dictionary.content);
+    addContentTriggers(all, dictionary.content);
+    return all;
+}
+
+std::string functionsAndRights(const Dictionary& dictionary) {
+    std::string sql;
+    for (const Definition& one : definitions(dictionary)) {
+        if (const auto* function = std::get_if<Function>(&one))
+            sql += "CREATE FUNCTION " + qualified(function->name) + "() RETURNS " +
+                   function->returns + " LANGUAGE plpgsql SET search_path = pg_catalog, pg_temp " +
+                   (function->exactDates ? "SET extra_float_digits = 1 " : "") +
+                   (function->asOwner ? "SECURITY DEFINER" : "") + " AS $orvo$\n" + function->body +
+                   "$orvo$;\n";
+        else if (const auto* trigger = std::get_if<Trigger>(&one))
+            sql += "CREATE TRIGGER " + identifier(trigger->name) + " " + trigger->when + " ON " +
+                   qualified(trigger->table) + " " + trigger->rows + "FOR EACH " + trigger->each +
+                   " EXECUTE FUNCTION " + qualified(trigger->function) + "();\n";
+    }
+    return sql + rights(dictionary);
 }
 
 } // namespace orvo::store::postgres

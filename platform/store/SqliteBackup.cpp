@@ -97,40 +97,12 @@ Status openBackup(const std::string& file, const std::string& what, Connection* 
     return {};
 }
 
-/// Tables, indexes and, of the newest version, triggers as a store of that version has them. What
-/// somebody added besides may be there.
 Status checkDefinitions(const Connection& backup, const std::string& what) {
-    int64_t version = 0;
-    if (backup.integer("PRAGMA user_version", &version) != SQLITE_OK)
-        return backup.failure(what);
-    // The triggers of an earlier version are made anew when it is updated.
-    const bool newest = version == static_cast<int64_t>(migrations().size());
-    Connection fresh;
-    int made = fresh.open(":memory:", SQLITE_OPEN_READWRITE);
-    if (made == SQLITE_OK)
-        made = addStepFunctions(fresh);
-    for (int64_t step = 0; made == SQLITE_OK && step < version; ++step)
-        made = fresh.execute(migrations()[static_cast<size_t>(step)]);
-    if (made == SQLITE_OK && newest)
-        made = fresh.execute(triggers(dictionary()));
-    if (made != SQLITE_OK)
-        return fresh.failure(what);
-    Statement wanted = fresh.prepare(
-        std::string("SELECT type, name, sql FROM sqlite_schema WHERE sql IS NOT NULL") +
-        (newest ? "" : " AND type <> 'trigger'"));
-    Statement present =
-        backup.prepare("SELECT sql = ?3 FROM sqlite_schema WHERE type = ?1 AND name = ?2");
-    if (!wanted || !present)
-        return backup.failure(what);
-    while (wanted.step() == SQLITE_ROW) {
-        const ResetAfter reset(present);
-        for (int i = 0; i < 3; ++i)
-            present.bind(i + 1, wanted.text(i));
-        if (present.step() != SQLITE_ROW || present.integer(0) != 1)
-            return {Refused, what + " изменена: " + std::string(wanted.text(0)) + " " +
-                                 shown(wanted.text(1)) + " не такой, как делает программа"};
-    }
-    return {};
+    std::vector<std::string> lines;
+    const Status status = differingDefinitions(backup, &lines);
+    if (!status.ok() || lines.empty())
+        return status;
+    return {Refused, what + " изменена: " + lines.front()};
 }
 
 /// What the editors cannot bring about: stored content without its resource, a log without order.
@@ -295,6 +267,8 @@ Status SqliteStore::restore(const std::string& file, const Progress& progress) {
             status = checkContent(copy, backup, vouchedFor);
         if (status.ok())
             status = migrate(copy);
+        if (status.ok()) // of the newest version too: a backup has what the store had
+            status = sqlite::remakeTriggers(copy);
         if (status.ok() && !vouchedFor)
             status = checkBytes(copy, backup);
         int64_t position = 0;

@@ -68,6 +68,13 @@ int addStepFunctions(const Connection& connection) {
                                    nullptr);
 }
 
+Status remakeTriggers(const Connection& connection) {
+    int done = dropTriggers(connection);
+    if (done == SQLITE_OK)
+        done = connection.execute(triggers(dictionary()));
+    return done == SQLITE_OK ? Status() : connection.failure("Триггеры");
+}
+
 Status migrate(const Connection& connection, const MigrationSteps& steps,
                const Dictionary& dictionary) {
     int64_t present = 0;

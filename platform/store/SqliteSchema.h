@@ -10,6 +10,7 @@
 #include "platform/store/SqliteApi.h"
 
 #include <string>
+#include <vector>
 
 namespace orvo::store::sqlite {
 
@@ -23,8 +24,21 @@ constexpr const char* newIdentity = "UPDATE \"NciStore\" SET \"identity\" = (SEL
                                     "|| substr(h, 21, 12)) FROM (SELECT "
                                     "hex(randomblob(16)) AS h));";
 
+/// Makes every number of a change that was ever given out too low for a reader of the log, and the
+/// next change get a higher one.
+constexpr const char* cursorsPruned =
+    "UPDATE \"NciPruned\" SET \"id\" = 1 + max(\"id\", coalesce((SELECT max(\"id\") FROM "
+    "\"NciEvent\"), 0), coalesce((SELECT seq FROM sqlite_sequence WHERE name = 'NciEvent'), 0));"
+    "DELETE FROM sqlite_sequence WHERE name = 'NciEvent';"
+    "INSERT INTO sqlite_sequence (name, seq) SELECT 'NciEvent', \"id\" FROM \"NciPruned\";";
+
 /// The triggers, which write the change log, as SQL.
 std::string triggers(const Dictionary& dictionary);
+/// Makes the triggers of a store of the newest version anew, whatever became of them.
+Status remakeTriggers(const Connection& connection);
+/// Adds a line in Russian for each table, index and, of the newest version, trigger that is missing
+/// or not as the program makes it. What others added besides may be there.
+Status differingDefinitions(const Connection& connection, std::vector<std::string>* lines);
 
 /// The expression, over "MenuResource", that gives foldedName() of the name as the editors see it,
 /// with ASCII letters compared without regard to case.

@@ -3,6 +3,7 @@
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/Names.h"
 #include "platform/store/SqliteDamage.h"
+#include "platform/store/SqliteSchema.h"
 
 #include <algorithm>
 #include <cassert>
@@ -468,7 +469,12 @@ Status SqliteStore::integrity(std::vector<std::string>* damages) {
         auto found = findDamages(m_connection.get(), 0);
         if (!found)
             return m_connection.failure("Проверка базы");
-        const Status status = found->empty() ? checkContents(&*found) : Status();
+        Status status;
+        if (found->empty()) { // what is damaged may not be readable
+            status = differingDefinitions(m_connection, &*found);
+            if (status.ok())
+                status = checkContents(&*found);
+        }
         if (status.ok())
             damages->swap(*found);
         return status;

@@ -68,6 +68,7 @@ public:
     bool changed() override;
 
     Status integrity(std::vector<std::string>* damages) override;
+    Status remakeTriggers(std::vector<std::string>* differences) override;
 
     Status logBefore(double time, int64_t* id, int64_t* count) override;
     bool livesIn(const std::string& file) const override;

@@ -8,6 +8,7 @@ public:
 
 private slots:
     void initAgainChangesNothing();
+    void aDroppedTriggerIsNamedByCheckAndMadeAnewByInit();
     void theDemonstrationIsSoundAndTheSameInEveryStore();
     void usersAreAddedOnceAndListed();
     void extensionsAreAddedOnceAndListed();
@@ -25,6 +26,21 @@ void TestAdminStores::initAgainChangesNothing() {
     QCOMPARE(again.code, 0);
     QVERIFY(again.out.startsWith("хранилище уже есть: "));
     QCOMPARE(content(), before);
+}
+
+void TestAdminStores::aDroppedTriggerIsNamedByCheckAndMadeAnewByInit() {
+    QVERIFY(m_kind.byHand(isPostgres() ? "DROP TRIGGER \"log\" ON \"Menu\";"
+                                       : "DROP TRIGGER \"Menu.updated\";"));
+    const QString named =
+        isPostgres() ? "Нет триггера log таблицы Menu" : "Нет триггера Menu.updated";
+    const AdminResult check = run({"check"});
+    QCOMPARE(check.code, 1);
+    QVERIFY2(check.out.contains(named), qPrintable(check.out));
+    const AdminResult made = run({"init"});
+    QCOMPARE(made.code, 0);
+    QVERIFY2(made.out.contains("исправлено: " + named), qPrintable(made.out));
+    QCOMPARE(run({"check"}).code, 0);
+    QVERIFY(!run({"init"}).out.contains("исправлено"));
 }
 
 void TestAdminStores::theDemonstrationIsSoundAndTheSameInEveryStore() {

@@ -1,12 +1,14 @@
 // Stores of earlier versions, brought up to date: in the end they are as new ones.
 #include "StoreTest.h"
 
+#include "platform/store/Checksum.h"
 #include "platform/store/Maintenance.h"
 #include "platform/store/PostgresSchema.h"
 #include "platform/store/SqliteSchema.h"
 
 #include <QCryptographicHash>
 #include <QRegularExpression>
+#include <QTemporaryDir>
 #include <QTemporaryFile>
 
 using namespace orvo::store;
@@ -34,6 +36,9 @@ private slots:
     void triggersChangeOnlyWithAStep();
     void storeHasAnIdentityOfItsOwn();
     void restoreIsANewLife();
+    void missingAndAlteredTriggersAreNamedAndMadeAnew_data();
+    void missingAndAlteredTriggersAreNamedAndMadeAnew();
+    void restoreMakesTheTriggersThatABackupLacks();
 
 private:
     bool isSqlite() const { return m_kind.name() == "sqlite"; }
@@ -216,6 +221,115 @@ void TestMigrations::restoreIsANewLife() {
     ORVO_OK(store->restore(file.fileName().toStdString(), {}));
     QVERIFY(identity() != first);
     QCOMPARE(identity().size(), first.size());
+}
+
+void TestMigrations::missingAndAlteredTriggersAreNamedAndMadeAnew_data() {
+    QTest::addColumn<QByteArray>("byHand");
+    QTest::addColumn<QString>("named");
+    const auto row = [&](const char* name, const char* lite, const char* litely, const char* server,
+                         const char* serverly) {
+        QTest::newRow(name) << QByteArray(isSqlite() ? lite : server)
+                            << QString(isSqlite() ? litely : serverly);
+    };
+    row("dropped", "DROP TRIGGER \"Menu.updated\";", "Нет триггера Menu.updated",
+        "DROP TRIGGER \"log\" ON \"Menu\";", "Нет триггера log таблицы Menu");
+    row("of the log itself", "DROP TRIGGER \"NciEvent.deleted\";", "Нет триггера NciEvent.deleted",
+        "DROP TRIGGER \"number\" ON \"NciEvent\";", "Нет триггера number таблицы NciEvent");
+    row("altered",
+        "DROP TRIGGER \"Menu.deleted\"; CREATE TRIGGER \"Menu.deleted\" AFTER DELETE ON \"Menu\" "
+        "BEGIN SELECT 1; END;",
+        "Изменён триггер Menu.deleted",
+        "DROP TRIGGER \"lock\" ON \"Menu\"; CREATE TRIGGER \"lock\" AFTER UPDATE ON \"Menu\" "
+        "EXECUTE FUNCTION \"NciLock\"();",
+        "Изменён триггер lock таблицы Menu");
+    row("of contents", "DROP TRIGGER \"MenuResourceFile.updated\";",
+        "Нет триггера MenuResourceFile.updated",
+        "DROP TRIGGER \"updated\" ON \"MenuResourceFileData\";",
+        "Нет триггера updated таблицы MenuResourceFileData");
+    if (isSqlite())
+        return;
+    const auto server = [](const char* name, const char* sql, const char* named) {
+        QTest::newRow(name) << QByteArray(sql) << QString(named);
+    };
+    server("disabled", "ALTER TABLE \"Menu\" DISABLE TRIGGER \"log\";",
+           "Отключён триггер log таблицы Menu");
+    server("for replicas only", "ALTER TABLE \"Menu\" ENABLE REPLICA TRIGGER \"log\";",
+           "Отключён триггер log таблицы Menu");
+    server("with a condition",
+           "DROP TRIGGER \"log\" ON \"Menu\"; CREATE TRIGGER \"log\" AFTER INSERT OR UPDATE OR "
+           "DELETE ON \"Menu\" FOR EACH ROW WHEN (false) EXECUTE FUNCTION \"Menu.log\"();",
+           "Изменён триггер log таблицы Menu");
+    server("of some columns",
+           "DROP TRIGGER \"log\" ON \"Menu\"; CREATE TRIGGER \"log\" AFTER INSERT OR UPDATE OF "
+           "\"caption\" OR DELETE ON \"Menu\" FOR EACH ROW EXECUTE FUNCTION \"Menu.log\"();",
+           "Изменён триггер log таблицы Menu");
+    server("with another function",
+           "DROP TRIGGER \"log\" ON \"Menu\"; CREATE TRIGGER \"log\" AFTER INSERT OR UPDATE OR "
+           "DELETE ON \"Menu\" FOR EACH ROW EXECUTE FUNCTION \"Users.log\"();",
+           "Изменён триггер log таблицы Menu");
+    server("empty function",
+           "CREATE OR REPLACE FUNCTION \"Menu.log\"() RETURNS trigger LANGUAGE plpgsql SECURITY "
+           "DEFINER SET search_path = pg_catalog, pg_temp AS 'BEGIN RETURN NULL; END';",
+           "Изменена функция Menu.log");
+    server("function without a search path", "ALTER FUNCTION \"Menu.log\"() RESET search_path;",
+           "Изменена функция Menu.log");
+    server("function with another's rights", "ALTER FUNCTION \"Menu.log\"() SECURITY INVOKER;",
+           "Изменена функция Menu.log");
+    server("another's function", "ALTER FUNCTION \"NciTakeLock\"() OWNER TO orvo_engineer;",
+           "Изменена функция NciTakeLock");
+}
+
+void TestMigrations::missingAndAlteredTriggersAreNamedAndMadeAnew() {
+    QFETCH(QByteArray, byHand);
+    QFETCH(QString, named);
+    Status status;
+    const auto store = openMaintained(m_kind.url(), {"boss", false}, &status);
+    QVERIFY2(store, status.text.c_str());
+    std::vector<std::string> lines;
+    ORVO_OK(store->remakeTriggers(&lines)); // there is nothing to be made
+    QCOMPARE(lines, std::vector<std::string>());
+    LogCursor cursor;
+    ORVO_OK(store->logEnd(&cursor));
+    const QByteArray sound = m_kind.structure();
+    QByteArray words;
+    QVERIFY2(m_kind.byHand(byHand, &words), words);
+    ORVO_OK(store->integrity(&lines));
+    QCOMPARE(lines, std::vector<std::string>{named.toStdString()});
+    ORVO_OK(store->remakeTriggers(&lines));
+    QCOMPARE(lines, std::vector<std::string>{named.toStdString()});
+    QCOMPARE(m_kind.structure(), sound);
+    ORVO_OK(store->integrity(&lines));
+    QCOMPARE(lines, std::vector<std::string>());
+    // What happened meanwhile may not stand in the log: whoever reads it begins anew.
+    std::vector<Change> changes;
+    ORVO_FAILS(store->readLog(cursor, 10, &changes), LogPruned);
+    ORVO_OK(store->logEnd(&cursor));
+    ORVO_OK(Batch("Menu").insert("k").send(*store));
+    ORVO_OK(store->readLog(cursor, 10, &changes));
+    QCOMPARE(changes.size(), size_t(1));
+}
+
+void TestMigrations::restoreMakesTheTriggersThatABackupLacks() {
+    const QByteArray sound = m_kind.structure();
+    QVERIFY(m_kind.byHand(isSqlite() ? "DROP TRIGGER \"Menu.inserted\";"
+                                     : "DROP FUNCTION \"Menu.log\" CASCADE;"));
+    const QTemporaryDir directory;
+    const std::string file = directory.filePath("backup").toStdString();
+    QFile made(QString::fromStdString(file));
+    QVERIFY(made.open(QIODevice::WriteOnly));
+    made.close();
+    Status status;
+    const auto store = openMaintained(m_kind.url(), {"boss", false}, &status);
+    QVERIFY2(store, status.text.c_str());
+    ORVO_OK(store->backup(file, {}));
+    std::string sum;
+    ORVO_OK(sumOf(file, {}, &sum));
+    QFile vouches(QString::fromStdString(checksumFile(file)));
+    QVERIFY(vouches.open(QIODevice::WriteOnly));
+    vouches.write(QByteArray::fromStdString(checksumLine(sum, "backup")));
+    vouches.close();
+    ORVO_OK(store->restore(file, {}));
+    QCOMPARE(m_kind.structure(), sound);
 }
 
 int main(int argc, char** argv) {

@@ -89,11 +89,16 @@ int run(const Invocation& call) {
     store::Status status;
     const std::string& url = call.storeUrl().text();
     const bool present = store::open(url, {adminLogin, false}, &status) != nullptr;
-    const auto store = store::open(url, {adminLogin, true}, &status);
+    const auto store = store::openMaintained(url, {adminLogin, true}, &status);
     if (!store)
         throw Failure("хранилище не сделано: " + status.text);
+    // First: what is written before is not logged.
+    std::vector<std::string> differences;
+    require(store->remakeTriggers(&differences), "триггеры не сделаны заново");
     makeBaseFolders(*store);
     out((present ? "хранилище уже есть: " : "хранилище сделано: ") + store->displayName());
+    for (const std::string& difference : differences)
+        out("исправлено: " + difference);
     return Done;
 }
 
@@ -105,7 +110,9 @@ const Verb initVerb = {
     "Сделать хранилище с начальными папками",
     "Делает таблицы, журнал изменений и папки, которых ждут редакторы: «модули», «функции»,\n"
     "«формы отображения» и папку значков «icons». Хранилище, которое уже есть, остаётся как было;\n"
-    "недостающие начальные папки добавляются.",
+    "недостающие начальные папки добавляются. Триггеры, которые ведут журнал, делаются заново,\n"
+    "если каких-то нет или они не такие, как у программы (их называет check): открытые клиенты\n"
+    "тогда открывают модули заново, потому что в журнале могли остаться пропуски.",
     0,
     0,
     nullptr,
