@@ -53,12 +53,16 @@ uint64_t fromBigEndian(std::string_view bytes) {
 }
 
 /// Set once a connection stands; the store's statements rely on them. With that search path a name
-/// without a schema is never one that somebody has made in the database.
+/// without a schema is never one that somebody has made in the database. No session outlives its
+/// client for long, and none of its statements runs for ever: long ones are reads of everything.
 const char settings[] = "SET search_path = pg_catalog, pg_temp;"
                         "SET standard_conforming_strings = on;"
                         "SET client_min_messages = warning;"
                         "SET lock_timeout = '5s';"
                         "SET idle_in_transaction_session_timeout = '60s';"
+                        "SET statement_timeout = '2h';"
+                        "SELECT set_config(name, '10s', false) FROM pg_settings WHERE name = "
+                        "'client_connection_check_interval';" // since version 14
                         "SET extra_float_digits = 1";
 
 /// A stream is long when it has more than the system holds of it at a time; how long it is left
@@ -509,6 +513,9 @@ Status Connection::failure(std::string_view what, const PGresult* result) {
     } else if (state == "55P03" || startsWith(state, "40")) {
         code = Timeout;
         why = "база занята другой программой";
+    } else if (state == "57014") {
+        code = Timeout;
+        why = "сервер прервал команду: вышло отведённое ей время, или её отменил администратор";
     } else if (state == "53100") {
         why = "на диске сервера не осталось места";
     } else if (startsWith(state, "53")) {

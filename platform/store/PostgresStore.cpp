@@ -113,12 +113,15 @@ Status PostgresStore::fetchAll(const TableDef& table, MDArray* into) {
     const Status status = ready();
     if (!status.ok())
         return status;
-    return records(table, into, [&](mdx::RecordWriter& writer) {
+    Status read = records(table, into, [&](mdx::RecordWriter& writer) {
         return copyOut(m_connection,
                        "COPY " + qualified(table.name) + " (" + fieldList(table) +
                            ") TO STDOUT (FORMAT binary)",
                        inTable(table), table, writer);
     });
+    if (read.code == Timeout && m_connection.usable())
+        read.text += whoHolds();
+    return read;
 }
 
 Status PostgresStore::fetchMatching(const TableDef& table, const FieldDef& field, TextMatch match,
@@ -208,6 +211,8 @@ Status PostgresStore::inRead(const Work& work) {
     m_failure = {}; // of a connection that broke meanwhile: the next call makes a new one
     if (m_connection.usable())
         m_connection.execute("ROLLBACK"); // nothing to keep
+    if (status.code == Timeout && m_connection.usable())
+        status.text += whoHolds();
     return status;
 }
 

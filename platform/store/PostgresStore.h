@@ -140,8 +140,9 @@ private:
     void takeWritten(const PGresult* result);
     /// Waits for the results of all that was sent, and ends the stream. The first failure of it.
     Status drainPipeline();
-    /// Whose transaction keeps others from writing, as the end of a sentence; empty if none does.
-    std::string whoWrites();
+    /// Whose transaction keeps others from their work, as the end of a sentence; empty if none
+    /// does. For a call that waited in vain.
+    std::string whoHolds();
     /// After the connection broke at a commit: whether the transaction is in the log.
     Status resolveCommitOutcome(const std::string& call, int64_t since, const std::string& session);
 

@@ -114,10 +114,25 @@ void addLogFunctions(Definitions& all) {
     // A number alone is not commit order: whoever adds a row holds the lock from before the number
     // is drawn until the transaction has ended. The lock is taken before the statement touches a
     // row, so that two transactions never wait for each other across it and a row.
-    const std::string lock =
-        std::string("BEGIN\n  LOCK TABLE public.\"NciLock\" IN EXCLUSIVE MODE;\n"
-                    "  PERFORM pg_catalog.pg_notify('") +
-        wakeChannel + "', '');\n";
+    // Whoever holds it is held to limits for the rest of the transaction, if his session has none:
+    // a transaction left open must not stop everybody else. And it announces the change, unless
+    // some listener that does not read has let the server's queue run half full: a full one would
+    // fail every commit, and readers look at the log each second anyway.
+    const std::string lock = std::string(R"(DECLARE
+  v_idle pg_catalog.interval :=
+    pg_catalog.current_setting('idle_in_transaction_session_timeout')::pg_catalog.interval;
+BEGIN
+  LOCK TABLE public."NciLock" IN EXCLUSIVE MODE;
+  IF v_idle OPERATOR(pg_catalog.=) '0'::pg_catalog.interval
+      OR v_idle OPERATOR(pg_catalog.>) '1 min'::pg_catalog.interval THEN
+    PERFORM pg_catalog.set_config('idle_in_transaction_session_timeout', '60s', true);
+  END IF;
+  IF pg_catalog.current_setting('statement_timeout') OPERATOR(pg_catalog.=) '0' THEN
+    PERFORM pg_catalog.set_config('statement_timeout', '10min', true);
+  END IF;
+  IF pg_catalog.pg_notification_queue_usage() OPERATOR(pg_catalog.<) 0.5::pg_catalog.float8 THEN
+    PERFORM pg_catalog.pg_notify(')") +
+                             wakeChannel + "', '');\n  END IF;\n";
     all.push_back(Function{"NciLock", "trigger", lock + "  RETURN NULL;\nEND ", true});
     all.push_back(Function{"NciTakeLock", "void", lock + "END ", true});
     all.push_back(Function{"NciTruncate", "trigger", R"(BEGIN

@@ -441,7 +441,7 @@ void TestAccess::waitingWriterIsToldWhomItWaitsFor() {
     QVERIFY(store);
     const Status status = Batch("MenuFileExt").insert("k").send(*store);
     ORVO_FAILS(status, Timeout);
-    QVERIFY2(status.text.find("незаконченная запись входа \"slow\"") != std::string::npos,
+    QVERIFY2(status.text.find("незаконченная транзакция входа \"slow\"") != std::string::npos,
              status.text.c_str());
     QVERIFY(postgres::succeeded(other.execute("COMMIT").get()));
     ORVO_OK(Batch("MenuFileExt").insert("k").send(*store));
