@@ -39,6 +39,17 @@ bool concernsFiles(const store::Change& change) {
     return !record.contains(field::type_) || record[field::type_].toInt() == orvo::Kind::File;
 }
 
+/// After a change of a content. An update that tells of neither size nor time is one of the bytes
+/// alone, made by hand.
+Doubt doubtAfter(const store::Change& change) {
+    if (change.code != OrvoEventUpdate)
+        return Doubt::Untimed;
+    const QJsonObject after =
+        QJsonDocument::fromJson(QByteArray::fromStdString(change.after)).object();
+    return after.contains(orvo::field::size) || after.contains(orvo::field::time) ? Doubt::Untimed
+                                                                                  : Doubt::All;
+}
+
 } // namespace
 
 FileMirror::FileMirror(StoreOpener open, const QString& workDir, const MirrorPace& pace,
@@ -75,7 +86,7 @@ void FileMirror::changed(const store::Change& change) {
     // The file area is the files, the folders that make their paths and the records that name them.
     const bool contents = change.table == orvo::table::MenuResourceFile;
     if (m_worker && (contents || concernsFiles(change)))
-        ask(gatherMs, contents);
+        ask(gatherMs, contents ? doubtAfter(change) : Doubt::None);
 }
 
 void FileMirror::setConnected(bool up) {
@@ -89,15 +100,15 @@ void FileMirror::setConnected(bool up) {
 
 void FileMirror::refresh() {
     if (m_worker)
-        ask(0, false);
+        ask(0, Doubt::None);
 }
 
 bool FileMirror::isIdle() const {
     return !m_worker || !m_connected || m_answered == m_asked;
 }
 
-void FileMirror::ask(int milliseconds, bool contents) {
-    m_worker->ask(++m_asked, milliseconds, contents);
+void FileMirror::ask(int milliseconds, Doubt doubt) {
+    m_worker->ask(++m_asked, milliseconds, doubt);
 }
 
 void FileMirror::finish(uint64_t number) {

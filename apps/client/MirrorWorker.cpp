@@ -68,13 +68,13 @@ MirrorWorker::~MirrorWorker() {
     m_thread.join();
 }
 
-void MirrorWorker::ask(uint64_t number, int milliseconds, bool contents) {
+void MirrorWorker::ask(uint64_t number, int milliseconds, Doubt doubt) {
     {
         const std::lock_guard lock(m_mutex);
         const auto due = Clock::now() + std::chrono::milliseconds(milliseconds);
         // Who asks again does not put off what was asked before.
         m_due = m_asked == 0 || m_due < Clock::now() ? due : std::min(m_due, due);
-        m_contents = m_contents || contents;
+        m_doubt = std::max(m_doubt, doubt);
         m_asked = number;
     }
     m_wake.notify_all();
@@ -113,12 +113,12 @@ void MirrorWorker::run() {
             m_wake.wait_until(lock, m_due);
         } else {
             done = m_asked;
-            const bool contents = std::exchange(m_contents, false);
+            const Doubt doubt = std::exchange(m_doubt, Doubt::None);
             lock.unlock();
-            const End end = pass(done, contents);
+            const End end = pass(done, doubt);
             lock.lock();
             retry = end != End::Done;
-            m_contents = m_contents || (retry && contents);
+            m_doubt = std::max(m_doubt, retry ? doubt : Doubt::None);
             if (end == End::Failed)
                 m_due = Clock::now() + m_pace.retry;
             if (end != End::Restart)
@@ -140,15 +140,15 @@ bool MirrorWorker::openStore() {
     return m_store != nullptr;
 }
 
-MirrorWorker::End MirrorWorker::pass(uint64_t number, bool contents) {
+MirrorWorker::End MirrorWorker::pass(uint64_t number, Doubt doubt) {
     const Clock::time_point begin = Clock::now();
     std::vector<Wanted> queue;
     m_full = false;
-    if (!openStore() || !list(contents, &queue))
+    if (!openStore() || !list(doubt, &queue))
         return End::Failed;
     bool changed = removeStale();
     // What depends on this listing alone must be copied before the next one.
-    const bool mayBreakOff = !contents;
+    const bool mayBreakOff = doubt == Doubt::None;
     Clock::time_point told = begin + m_pace.firstProgressAfter - m_pace.progressInterval;
     Clock::time_point staged = Clock::now();
     const int all = static_cast<int>(queue.size());
@@ -179,7 +179,7 @@ MirrorWorker::End MirrorWorker::pass(uint64_t number, bool contents) {
     return end == End::Done && m_full ? End::Failed : end;
 }
 
-bool MirrorWorker::list(bool contents, std::vector<Wanted>* queue) {
+bool MirrorWorker::list(Doubt doubt, std::vector<Wanted>* queue) {
     ++m_listing;
     m_directory.forgetFolder();
     std::set<std::string> plain;
@@ -189,7 +189,7 @@ bool MirrorWorker::list(bool contents, std::vector<Wanted>* queue) {
             if (!keepWaiting())
                 return;
             if (plain.count(folder) && store::isPlainFileName(file.name))
-                consider(folder, file, contents, queue);
+                consider(folder, file, doubt, queue);
             else
                 tell(QStringLiteral("«%1» не копируется на диск: в пути есть имя, которое не "
                                     "может быть именем папки или файла.")
@@ -202,7 +202,7 @@ bool MirrorWorker::list(bool contents, std::vector<Wanted>* queue) {
     return status.ok() && keepWaiting();
 }
 
-void MirrorWorker::consider(const std::string& folder, const store::StoredFile& file, bool contents,
+void MirrorWorker::consider(const std::string& folder, const store::StoredFile& file, Doubt doubt,
                             std::vector<Wanted>* queue) {
     // No disk holds every time that a store does, and what it makes of another would look changed
     // each time.
@@ -216,7 +216,7 @@ void MirrorWorker::consider(const std::string& folder, const store::StoredFile& 
         const auto local = m_directory.info(split(path));
         // Without a time of its own only the notification tells that the content is another.
         same = local && local->size == file.size && std::fabs(local->time - time) < sameTime &&
-               (holds || !contents);
+               doubt < (holds ? Doubt::All : Doubt::Untimed);
     }
     if (!same)
         queue->push_back({folder, file.name, time});

@@ -37,6 +37,10 @@ struct MirrorPace {
     Milliseconds stage{3000};
 };
 
+/// Of which copies size and time do not tell whether they are still the content: contents have
+/// changed in an unknown place, so that those without a time, or all of them, are copied anew.
+enum class Doubt { None, Untimed, All };
+
 class MirrorWorker : public QObject, private store::WaitPolicy {
     Q_OBJECT
 public:
@@ -48,8 +52,7 @@ public:
     ~MirrorWorker() override;
 
     /// Asks for a comparison that begins after `milliseconds`, or as soon as the present one ends.
-    /// `contents`: contents may have changed, so that files without a time are copied anew.
-    void ask(uint64_t number, int milliseconds, bool contents);
+    void ask(uint64_t number, int milliseconds, Doubt doubt);
     /// While the store does not answer nothing is asked of it.
     void setConnected(bool up);
 
@@ -76,9 +79,9 @@ private:
     bool keepWaiting() override { return !m_stop && m_up; }
     void run();
     bool openStore();
-    End pass(uint64_t number, bool contents);
-    bool list(bool contents, std::vector<Wanted>* queue);
-    void consider(const std::string& folder, const store::StoredFile& file, bool contents,
+    End pass(uint64_t number, Doubt doubt);
+    bool list(Doubt doubt, std::vector<Wanted>* queue);
+    void consider(const std::string& folder, const store::StoredFile& file, Doubt doubt,
                   std::vector<Wanted>* queue);
     bool removeStale();
     /// False if the store does not answer.
@@ -101,7 +104,7 @@ private:
     std::mutex m_mutex; ///< over these
     std::condition_variable m_wake;
     Clock::time_point m_due{}; ///< of the comparison asked for
-    bool m_contents = false;
+    Doubt m_doubt = Doubt::None;
 
     // The thread's alone.
     std::unique_ptr<store::Store> m_store;

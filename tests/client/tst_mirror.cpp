@@ -153,6 +153,30 @@ private slots:
         QVERIFY(!QFileInfo::exists(bench.work + "files/icons")); // empty folders go too
     }
 
+    void bytesChangedByHandAreFollowed() {
+        Bench bench;
+        bench.put("icons", "a.png", "one");
+        bench.put("icons", "b.png", "other");
+        QVERIFY(bench.start());
+        const bool lite = bench.kind->name() == "sqlite";
+        const auto set = [&](const QString& bytes) { // of the file whose size is 3
+            return bench.byHand(lite
+                                    ? QString("UPDATE \"MenuResourceFile\" SET \"data\" = "
+                                              "CAST('%1' AS BLOB) WHERE \"size\" = 3")
+                                          .arg(bytes)
+                                    : QString("UPDATE \"MenuResourceFileData\" SET \"data\" = '%1' "
+                                              "WHERE \"KeyLink\" IN (SELECT \"KeyLink\" FROM "
+                                              "\"MenuResourceFile\" WHERE \"size\" = 3)")
+                                          .arg(bytes));
+        };
+        QVERIFY(set("two")); // of the same length and time
+        QTRY_COMPARE(bench.local("icons/a.png"), QByteArray("two"));
+        QVERIFY(set("longer"));
+        QTRY_COMPARE(bench.local("icons/a.png"), QByteArray("longer"));
+        QCOMPARE(bench.local("icons/b.png"), QByteArray("other"));
+        QVERIFY2(bench.problems.isEmpty(), qPrintable(bench.problems.join('\n')));
+    }
+
     void aFileWithoutATimeIsFollowedAsWell() {
         Bench bench;
         bench.put("icons", "a.png", "one", qQNaN());
