@@ -5,6 +5,7 @@
 #include "apps/formview/Content.h"
 #include "tests/client/FormBench.h"
 
+#include <QClipboard>
 #include <QLabel>
 #include <QPushButton>
 #include <QTabWidget>
@@ -70,6 +71,30 @@ private slots:
         QTRY_VERIFY(hasColor(*view, Qt::magenta));
         QTest::keyClick(canvasOf(*view), Qt::Key_Space);
         QTRY_VERIFY(!hasColor(*view, Qt::magenta));
+    }
+
+    void whatIsCopiedInAFormIsOnTheClipboard() {
+        FormBench bench;
+        bench.put({{"a.ui", designerForm}});
+        auto window = bench.open("a.ui");
+        FormView* view = currentView(*window);
+        QTRY_VERIFY_WITH_TIMEOUT(!view->canvas()->image().isNull(), patienceMs);
+        QGuiApplication::clipboard()->setText("before");
+        QWidget* canvas = canvasOf(*view);
+        window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(window.get()));
+        QTest::mouseClick(canvas, Qt::LeftButton, {}, {50, 75}); // its line
+        QTest::keyClicks(canvas, "kotel 7");
+        QTest::keyClick(canvas, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(canvas, Qt::Key_C, Qt::ControlModifier);
+        QTRY_COMPARE(QGuiApplication::clipboard()->text(), QString("kotel 7"));
+        // A form that nobody works in puts nothing there.
+        QTest::keyClicks(canvas, "8");
+        canvas->clearFocus();
+        QTest::keyClick(canvas, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(canvas, Qt::Key_C, Qt::ControlModifier);
+        QTest::qWait(500);
+        QCOMPARE(QGuiApplication::clipboard()->text(), QString("kotel 7"));
     }
 
     void aListOpensOverTheForm() {
@@ -231,6 +256,31 @@ private slots:
         const QString text = view->findChild<QLabel*>("failureLabel")->text();
         // A build without sanitizers may end before Qt has started.
         QVERIFY2(text.contains("памяти") || text.contains("завершился"), qPrintable(text));
+    }
+
+    void aFormThatTakesTooMuchMemoryIsEndedAndTheNextIsShown() {
+        FormBench bench;
+        bench.limits.memory = 256 << 20;
+        QByteArray form = "<ui version=\"4.0\"><widget class=\"QWidget\" name=\"Form\">";
+        QList<QPair<QString, QByteArray>> files;
+        const QByteArray picture = png(7000, 6000); // 160 MiB each when it is painted
+        for (const char* name : {"a", "b", "c"}) {
+            form += QByteArray("<widget class=\"QLabel\" name=\"") + name +
+                    "\"><property name=\"pixmap\"><pixmap>" + name +
+                    ".png</pixmap></property></widget>";
+            files.append({QString(name) + ".png", picture});
+        }
+        files.prepend({"котёл_", form + "</widget></ui>"});
+        bench.put(files);
+        auto window = bench.open("котёл_");
+        QVERIFY(window);
+        FormView* view = currentView(*window);
+        QTRY_COMPARE_WITH_TIMEOUT(view->state(), FormView::State::Failed, patienceMs);
+        const QString text = view->findChild<QLabel*>("failureLabel")->text();
+        QVERIFY2(text.contains("памяти"), qPrintable(text));
+        bench.put({{"a.ui", designerForm}});
+        auto next = bench.open("a.ui");
+        QTRY_COMPARE_WITH_TIMEOUT(currentView(*next)->state(), FormView::State::Shown, patienceMs);
     }
 
     void aMissingViewerIsSaid() {
