@@ -1,6 +1,8 @@
 // The manual pages: well-formed, and complete about the command.
 #include "AdminRun.h"
 
+#include <QDirIterator>
+#include <QHash>
 #include <QtTest>
 
 class TestManPages : public QObject {
@@ -9,6 +11,7 @@ class TestManPages : public QObject {
 private slots:
     void pagesFormatWithoutWarnings_data();
     void pagesFormatWithoutWarnings();
+    void everyPromiseNamesATestThatThereIs();
     void theAdminPageNamesEveryVerbAndOption();
 
 private:
@@ -60,6 +63,37 @@ void TestManPages::theAdminPageNamesEveryVerbAndOption() {
             const QString option = options.next().captured();
             QVERIFY2(text.contains(option), qPrintable(verb + " " + option));
         }
+    }
+}
+
+/// The last chapter but one of the administrator's page: what is promised, and by which tests it is
+/// held.
+void TestManPages::everyPromiseNamesATestThatThereIs() {
+    const QString root = qEnvironmentVariable("ORVO_SOURCE_DIR");
+    const QString text = QString::fromUtf8(AdminRun::read(root + "/docs/administrator.md"));
+    const QString chapter =
+        text.section("## Что обещано и чем проверено", 1).section("Не обещано:", 0, 0);
+    const QStringList rows = chapter.split('\n').filter(QRegularExpression("^\\| (?!Обещано|---)"));
+    QVERIFY(rows.size() >= 25);
+    QHash<QString, QByteArray> tests;
+    QDirIterator files(root + "/tests", {"tst_*.cpp", "*Test.h"}, QDir::Files,
+                       QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const QString file = files.next();
+        tests[files.fileInfo().completeBaseName()] += AdminRun::read(file);
+    }
+    for (const QString& row : rows) {
+        auto names = QRegularExpression("`([A-Za-z_]+)`").globalMatch(row.section('|', 2));
+        QByteArray test;
+        while (names.hasNext()) {
+            const QString name = names.next().captured(1);
+            if (name.startsWith("tst_"))
+                test = tests.value(name);
+            QVERIFY2(!test.isEmpty(), qPrintable(name + " is no test: " + row));
+            QVERIFY2(name.startsWith("tst_") || test.contains(name.toUtf8() + "()"),
+                     qPrintable(name + " is no case: " + row));
+        }
+        QVERIFY2(!test.isEmpty(), qPrintable("without a test: " + row));
     }
 }
 
