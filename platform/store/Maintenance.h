@@ -50,6 +50,15 @@ public:
     virtual Status bytes(std::string_view piece) = 0;
 };
 
+/// What is to be changed of a user; what is left empty stays.
+struct UserChange {
+    std::optional<std::string> lastName, firstName, midlName;
+    std::optional<bool> program;
+    // Only for a database that has logins of its own; another refuses them.
+    std::optional<bool> viewer; ///< may read only, or write too
+    std::string password = {};
+};
+
 class MaintainedStore : public Store {
 public:
     // Change log ---------------------------------------------------------------------------------
@@ -94,7 +103,15 @@ public:
     /// all readers of the log find their cursors pruned. What others added besides stays.
     virtual Status remakeTriggers(std::vector<std::string>* differences) = 0;
 
-    // Logins -------------------------------------------------------------------------------------
+    // Users and logins ---------------------------------------------------------------------------
+
+    /// Changes what `change` has, of the user of that login (without regard to case). Refused: no
+    /// such user; rights or a password where the database has no logins, or not that one.
+    virtual Status userChange(const std::string& login, const UserChange& change) = 0;
+    /// Deletes a user in one transaction with the locks that he holds, whose number it gives, and
+    /// his rights at the database. A login at the database stays: others may depend on it. Refused:
+    /// no such user.
+    virtual Status userRemove(const std::string& login, int* unlocked) = 0;
 
     /// Gives a user who is in the table Users his login at the database. Refused by a database that
     /// has no logins.

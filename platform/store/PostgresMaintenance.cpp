@@ -1,4 +1,4 @@
-// A PostgreSQL store's whole content on its way out and in, questions to its log, and its logins.
+// A PostgreSQL store's whole content on its way out and in, and questions to its log.
 #include "platform/store/Names.h"
 #include "platform/store/PostgresCopy.h"
 #include "platform/store/PostgresSchema.h"
@@ -124,25 +124,6 @@ Status PostgresStore::logBefore(double time, int64_t* id, int64_t* count) {
             return m_connection.failure(logName, result.get());
         *id = integerAt(result.get(), 0, 0);
         *count = integerAt(result.get(), 0, 1);
-        return {};
-    });
-}
-
-Status PostgresStore::missingLogins(std::vector<std::string>* logins) {
-    return guarded([&]() -> Status {
-        const Status status = ready();
-        if (!status.ok())
-            return status;
-        const Result result = m_connection.query(
-            "SELECT \"login_\" FROM public.\"Users\" u WHERE \"login_\" <> '' AND NOT EXISTS "
-            "(SELECT "
-            "FROM pg_catalog.pg_roles WHERE rolname = u.\"login_\" AND rolcanlogin) ORDER BY 1",
-            {});
-        if (!succeeded(result.get()))
-            return m_connection.failure("Входы на сервер", result.get());
-        logins->clear();
-        for (int row = 0; row < PQntuples(result.get()); ++row)
-            logins->emplace_back(textAt(result.get(), row, 0));
         return {};
     });
 }

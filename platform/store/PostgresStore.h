@@ -90,6 +90,8 @@ protected:
     Status changedSince(const TableDef& table, int64_t since, int64_t* newest,
                         bool* changed) override;
     Status makeLogin(const User& user) override;
+    Status changeLogin(const std::string& login, const UserChange& change) override;
+    Status removeLogin(const std::string& login) override;
     bool hasLogins() const override { return true; }
     Status storedKeys(const TableDef& table, const std::vector<std::string>& keys,
                       std::set<std::string>* stored) override;
@@ -138,6 +140,11 @@ private:
     void receiveOne();
     /// Takes the result of the statement that tells what a call left in the log.
     void takeWritten(const PGresult* result);
+    // Logins, outside the stream.
+    Status passwordClause(const std::string& login, const std::string& password,
+                          std::string* clause);
+    Status hasRole(const std::string& login, bool* has);
+    Status revokeRoles(const std::string& login, bool* owns);
     /// Waits for the results of all that was sent, and ends the stream. The first failure of it.
     Status drainPipeline();
     /// Whose transaction keeps others from their work, as the end of a sentence; empty if none

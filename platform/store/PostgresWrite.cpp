@@ -330,37 +330,4 @@ Status PostgresStore::putChecksum(const std::string& key, const std::string& sum
         Parameters().text(key).text(sum), contentName, true);
 }
 
-Status PostgresStore::makeLogin(const User& user) {
-    const std::string what = "Пользователь " + shown(user.login);
-    // Longer names would be cut.
-    if (user.login.size() > 63 || !isText(user.login) || user.login.starts_with("pg_"))
-        return {Refused, what + ": такое имя не годится для входа на сервер"};
-    Status status = drainPipeline();
-    if (!status.ok())
-        return status;
-    const std::string role = identifier(user.login);
-    const Result present = m_connection.query("SELECT FROM pg_roles WHERE rolname = $1",
-                                              Parameters().text(user.login));
-    if (!succeeded(present.get()))
-        return m_connection.failure(what, present.get());
-    const bool exists = PQntuples(present.get()) != 0;
-    if (exists && !user.password.empty())
-        return {Refused, what + ": такой вход на сервере уже есть, его пароль не меняется"};
-    std::string sql = exists ? "" : "CREATE ROLE " + role + " LOGIN";
-    if (!user.password.empty()) {
-        // Scrambled here: the password itself enters no statement, and so no log of the server.
-        struct Free {
-            void operator()(char* text) const { PQfreemem(text); }
-        };
-        const std::unique_ptr<char, Free> scrambled(PQencryptPasswordConn(
-            m_connection.get(), user.password.c_str(), user.login.c_str(), "scram-sha-256"));
-        if (!scrambled)
-            return {Failed, what + ": пароль не принят"};
-        sql += " PASSWORD " + literal(scrambled.get());
-    }
-    sql += std::string("; GRANT ") + (user.viewer ? viewerRole : engineerRole) + " TO " + role;
-    const Result made = m_connection.execute(sql);
-    return succeeded(made.get()) ? Status() : m_connection.failure(what, made.get());
-}
-
 } // namespace orvo::store::postgres

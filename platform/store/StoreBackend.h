@@ -114,6 +114,12 @@ public:
     virtual bool hasLogins() const { return false; }
     /// Makes the login of a new user, inside inWrite. Not called if there are none.
     virtual Status makeLogin(const User& /*user*/) { return {}; }
+    /// Changes the rights or the password of a user's login, inside inWrite.
+    virtual Status changeLogin(const std::string& /*login*/, const UserChange& /*change*/) {
+        return {};
+    }
+    /// Takes the rights at this store from a login, if there is such a login, inside inWrite.
+    virtual Status removeLogin(const std::string& /*login*/) { return {}; }
 };
 
 } // namespace orvo::store

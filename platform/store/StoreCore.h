@@ -47,6 +47,8 @@ public:
         const std::function<void(const std::string& path, const StoredFile& file)>& each) final;
 
     Status userAdd(const User& user) final;
+    Status userChange(const std::string& login, const UserChange& change) final;
+    Status userRemove(const std::string& login, int* unlocked) final;
     Status loginAdd(const User& user) final;
     Status missingLogins(std::vector<std::string>* logins) override;
 
@@ -74,6 +76,7 @@ protected:
     Written m_written;
 
 private:
+    Status findUser(const std::string& login, std::string* key, std::string* exact);
     Status fetchField(std::string_view table, std::string_view field, TextMatch match,
                       std::string_view value, MDArray* into);
 

@@ -4,7 +4,41 @@
 
 #include "frame/Vocabulary.h"
 
+#include <algorithm>
+
 namespace orvo::store {
+
+namespace {
+
+Status refuseText(const std::string& text) {
+    if (isShowable(text))
+        return {};
+    return {Refused, "Знаки вне кодировки Windows-1251 недопустимы: " + shown(text)};
+}
+
+Status refuseRights() {
+    return {Refused, "Это хранилище не знает паролей и прав"};
+}
+
+} // namespace
+
+/// The user of that login: of exactly it, else without regard to case. Refused if there is none.
+Status StoreCore::findUser(const std::string& login, std::string* key, std::string* exact) {
+    const TableDef& table = *findTable(table::Users);
+    bool known = false;
+    const Status status =
+        select(table, {table.find(field::KeyLink), table.find(field::login_)}, [&](const Row& row) {
+            const std::string& text = textOf(row[1]);
+            if (!sameText(text, login) || (known && text != login))
+                return;
+            known = true;
+            *key = textOf(row[0]);
+            *exact = text;
+        });
+    if (status.ok() && !known)
+        return {Refused, "Пользователя " + shown(login) + " нет"};
+    return status;
+}
 
 Status StoreCore::userAdd(const User& user) {
     return guarded([&]() -> Status {
@@ -13,10 +47,9 @@ Status StoreCore::userAdd(const User& user) {
         if (user.login.empty())
             return {Refused, "Имя пользователя пусто"};
         for (const std::string* text :
-             {&user.login, &user.lastName, &user.firstName, &user.midlName}) {
-            if (!isShowable(*text))
-                return {Refused, "Знаки вне кодировки Windows-1251 недопустимы: " + shown(*text)};
-        }
+             {&user.login, &user.lastName, &user.firstName, &user.midlName})
+            if (const Status status = refuseText(*text); !status.ok())
+                return status;
         return inWrite([&]() -> Status {
             bool taken = false;
             Status status = select(users, {number(field::login_)}, [&](const Row& row) {
@@ -29,7 +62,7 @@ Status StoreCore::userAdd(const User& user) {
             if (hasLogins())
                 status = makeLogin(user);
             else if (user.viewer || !user.password.empty())
-                status = {Refused, "Это хранилище не знает паролей и прав"};
+                status = refuseRights();
             if (!status.ok())
                 return status;
             Write write;
@@ -45,26 +78,83 @@ Status StoreCore::userAdd(const User& user) {
     });
 }
 
+Status StoreCore::userChange(const std::string& login, const UserChange& change) {
+    return guarded([&]() -> Status {
+        const TableDef& table = *findTable(table::Users);
+        Write write;
+        write.flag = MDX_UPDATE;
+        const std::pair<const char*, const std::optional<std::string>*> names[] = {
+            {field::lastName, &change.lastName},
+            {field::firstName, &change.firstName},
+            {field::midlName, &change.midlName}};
+        for (const auto& [name, text] : names) {
+            if (!*text)
+                continue;
+            if (const Status status = refuseText(**text); !status.ok())
+                return status;
+            write.values.emplace_back(table.find(name), **text);
+        }
+        if (change.program)
+            write.values.emplace_back(table.find(field::program), int64_t(*change.program ? 1 : 0));
+        return inWrite([&]() -> Status {
+            std::string exact;
+            Status status = findUser(login, &write.key, &exact);
+            if (status.ok() && (change.viewer || !change.password.empty()))
+                status = hasLogins() ? changeLogin(exact, change) : refuseRights();
+            if (status.ok() && !write.values.empty())
+                status = apply(table, write);
+            return status;
+        });
+    });
+}
+
+Status StoreCore::userRemove(const std::string& login, int* unlocked) {
+    return guarded([&]() -> Status {
+        const TableDef& users = *findTable(table::Users);
+        const TableDef& resources = *findTable(table::MenuResource);
+        const int holder = resources.find(field::UsersKey);
+        const int since = resources.find(field::dateTimeEdit);
+        return inWrite([&]() -> Status {
+            Write user;
+            user.flag = MDX_DELETE;
+            std::string exact;
+            Status status = findUser(login, &user.key, &exact);
+            // A lock of a user who is gone could not be told from one of somebody.
+            std::vector<std::string> held;
+            if (status.ok())
+                status = select(resources, {resources.find(field::KeyLink), holder},
+                                [&](const Row& row) {
+                                    if (foldedKey(textOf(row[1])) == foldedKey(user.key))
+                                        held.push_back(textOf(row[0]));
+                                });
+            for (size_t i = 0; status.ok() && i < held.size(); ++i) {
+                Write form;
+                form.flag = MDX_UPDATE;
+                form.key = held[i];
+                for (const int field : {std::min(holder, since), std::max(holder, since)})
+                    form.values.emplace_back(field, Value());
+                status = apply(resources, form);
+            }
+            *unlocked = static_cast<int>(held.size());
+            if (status.ok())
+                status = removeLogin(exact);
+            if (status.ok())
+                status = apply(users, user);
+            return status;
+        });
+    });
+}
+
 Status StoreCore::loginAdd(const User& user) {
     return guarded([&]() -> Status {
         if (!hasLogins())
             return {Refused, "У этого хранилища нет входов: его файл открывает тот, кому это "
                              "позволяют права на файл"};
-        const TableDef& users = *findTable(table::Users);
         return inWrite([&]() -> Status {
-            bool known = false;
             User exact = user;
-            const Status status = select(users, {users.find(field::login_)}, [&](const Row& row) {
-                if (sameText(textOf(row[0]), user.login) &&
-                    (!known || textOf(row[0]) == user.login))
-                    exact.login = textOf(row[0]);
-                known = known || sameText(textOf(row[0]), user.login);
-            });
-            if (!status.ok())
-                return status;
-            if (!known)
-                return {Refused, "Пользователя " + shown(user.login) + " нет"};
-            return makeLogin(exact);
+            std::string key;
+            const Status status = findUser(user.login, &key, &exact.login);
+            return status.ok() ? makeLogin(exact) : status;
         });
     });
 }
