@@ -2,7 +2,9 @@
 
 #include "apps/admin/Failure.h"
 #include "apps/admin/Output.h"
+#include "apps/admin/Suggestion.h"
 #include "apps/admin/Verb.h"
+#include "apps/completion/Completion.h"
 
 #include <QCoreApplication>
 #include <QStandardPaths>
@@ -41,17 +43,52 @@ public:
     }
 };
 
-void addOption(QCommandLineParser& parser, const char* name, const char* description,
-               const char* valueName = nullptr) {
-    parser.addOption({QString::fromUtf8(name), QString::fromUtf8(description),
-                      valueName ? QString::fromUtf8(valueName) : QString()});
+/// What stands before every verb, and behind it too.
+OptionList commonOptions() {
+    return {{QStringLiteral("store"),
+             QString::fromUtf8(
+                 "Хранилище: путь к файлу, sqlite:///путь/orvo.db или postgresql://узел/база."),
+             QStringLiteral("URL")},
+            {{QStringLiteral("h"), QStringLiteral("help")},
+             QString::fromUtf8("Показать справку и закончить.")}};
 }
 
-void addGeneralOptions(QCommandLineParser& parser) {
-    addOption(parser, "store",
-              "Хранилище: путь к файлу, sqlite:///путь/orvo.db или postgresql://узел/база.", "URL");
-    parser.addOption({{QStringLiteral("h"), QStringLiteral("help")},
-                      QString::fromUtf8("Показать справку и закончить.")});
+OptionList optionsOf(const Verb& verb) {
+    OptionList options = commonOptions();
+    if (verb.options)
+        verb.options(options);
+    return options;
+}
+
+OptionList generalOptions() {
+    return commonOptions() +
+           OptionList{
+               {QStringLiteral("version"), QString::fromUtf8("Показать версию и закончить.")},
+               {QStringLiteral("completion"),
+                QString::fromUtf8("Напечатать дополнение команд для оболочки."),
+                completion::shells().join(QLatin1Char('|'))}};
+}
+
+void printCompletion(const QString& shell) {
+    completion::Command command{QStringLiteral("orvo-admin"), generalOptions(), {}};
+    for (const Verb* verb : verbs())
+        command.verbs.append({QString::fromUtf8(verb->name), QString::fromUtf8(verb->summary),
+                              QString::fromUtf8(verb->arguments), optionsOf(*verb)});
+    const QString script = completion::script(shell, command);
+    if (script.isEmpty())
+        throw Failure("оболочки «" + shell.toStdString() + "» нет среди " +
+                      completion::shells().join(QStringLiteral(", ")).toStdString());
+    out(script.chopped(1).toStdString()); // its last line feed is added again
+}
+
+/// What the parser has to complain of, with the option that was meant.
+std::string complaint(const QCommandLineParser& parser, const OptionList& options) {
+    std::vector<std::string> present;
+    for (const QCommandLineOption& option : options)
+        present.push_back("--" + option.names().last().toStdString());
+    const QStringList unknown = parser.unknownOptionNames();
+    return parser.errorText().toStdString() +
+           (unknown.size() == 1 ? suggestion("--" + unknown[0].toStdString(), present) : "");
 }
 
 /// Qt's list of options under our own usage line.
@@ -66,7 +103,7 @@ void printGeneralHelp(QCommandLineParser& parser) {
     std::string text = "Ведение хранилища Orvo.\n\nДействия:\n";
     for (const Verb* verb : verbs()) {
         std::string line = std::string("  ") + verb->name;
-        line.resize(std::max<size_t>(line.size() + 1, 14), ' ');
+        line.resize(std::max<size_t>(line.size() + 2, 16), ' ');
         text += line + verb->summary + "\n";
     }
     text += "\nСправка о действии: orvo-admin ДЕЙСТВИЕ --help\n"
@@ -104,8 +141,14 @@ std::string secondWords(const QString& first) {
 [[noreturn]] void refuseVerb(const QStringList& words) {
     const std::string first = words[0].toStdString();
     const std::string second = secondWords(words[0]);
-    if (second.empty())
-        throw Failure("неизвестное действие «" + first + "»; список: orvo-admin --help");
+    if (second.empty()) {
+        std::vector<std::string> present;
+        for (const Verb* verb : verbs())
+            present.push_back(
+                QString::fromUtf8(verb->name).section(QLatin1Char(' '), 0, 0).toStdString());
+        throw Failure("неизвестное действие «" + first + "»" + suggestion(first, present) +
+                      "; список: orvo-admin --help");
+    }
     if (words.size() > 1 && !words[1].startsWith(QLatin1Char('-')))
         throw Failure("неизвестное действие «" + first + " " + words[1].toStdString() +
                       "»; после «" + first + "» бывает: " + second);
@@ -117,30 +160,29 @@ std::string defaultStore() {
     return (folder + QStringLiteral("/orvo/orvo.db")).toStdString();
 }
 
-store::StoreUrl chosenStore(const QCommandLineParser& general, const QCommandLineParser& own) {
+/// Whether a store is named, and its address.
+bool namedStore(const QCommandLineParser& general, const QCommandLineParser& own,
+                store::StoreUrl* url) {
     const QString option = QStringLiteral("store");
     for (const QCommandLineParser* parser : {&own, &general})
         if (parser->isSet(option)) {
             if (parser->value(option).isEmpty())
                 throw Failure("адрес хранилища после --store пуст");
-            store::StoreUrl url;
-            const store::Status status = url.parse(parser->value(option).toStdString());
+            const store::Status status = url->parse(parser->value(option).toStdString());
             if (!status.ok())
                 throw Failure(status.text);
-            return url;
+            return true;
         }
-    store::StoreUrl url;
-    const store::Status status = url.parse(defaultStore());
+    const store::Status status = url->parse(defaultStore());
     if (!status.ok())
         throw Failure(status.text);
-    return url;
+    return false;
 }
 
 int runVerb(const Verb& verb, const QStringList& words, const QCommandLineParser& general) {
     QCommandLineParser parser;
-    addGeneralOptions(parser);
-    if (verb.options)
-        verb.options(parser);
+    const OptionList options = optionsOf(verb);
+    parser.addOptions(options);
     const std::string usage =
         std::string(verb.name) + (*verb.arguments ? " " : "") + verb.arguments;
     const bool good = parser.parse(words);
@@ -150,7 +192,7 @@ int runVerb(const Verb& verb, const QStringList& words, const QCommandLineParser
         return Done;
     }
     if (!good)
-        throw Failure(std::string(verb.name) + ": " + parser.errorText().toStdString());
+        throw Failure(std::string(verb.name) + ": " + complaint(parser, options));
     const int count = parser.positionalArguments().size();
     if (count < verb.least)
         throw Failure(std::string(verb.name) + ": не хватает аргументов; вызов: orvo-admin " +
@@ -159,7 +201,9 @@ int runVerb(const Verb& verb, const QStringList& words, const QCommandLineParser
         throw Failure(std::string(verb.name) + ": лишний аргумент «" +
                       parser.positionalArguments().at(verb.most).toStdString() +
                       "»; вызов: orvo-admin " + usage);
-    return verb.run(Invocation(chosenStore(general, parser), parser));
+    store::StoreUrl url;
+    const bool isNamed = namedStore(general, parser, &url);
+    return verb.run(Invocation(std::move(url), !isNamed, parser));
 }
 
 } // namespace
@@ -170,8 +214,8 @@ int runCommandLine(const QStringList& arguments) {
 
     QCommandLineParser general;
     general.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
-    addGeneralOptions(general);
-    addOption(general, "version", "Показать версию и закончить.");
+    const OptionList options = generalOptions();
+    general.addOptions(options);
     const bool good = general.parse(arguments);
     if (general.isSet(QStringLiteral("help"))) {
         printGeneralHelp(general);
@@ -182,7 +226,11 @@ int runCommandLine(const QStringList& arguments) {
         return Done;
     }
     if (!good)
-        throw Failure(general.errorText().toStdString());
+        throw Failure(complaint(general, options));
+    if (general.isSet(QStringLiteral("completion"))) {
+        printCompletion(general.value(QStringLiteral("completion")));
+        return Done;
+    }
     const QStringList words = general.positionalArguments();
     if (words.isEmpty())
         throw Failure("не сказано, что делать; список действий: orvo-admin --help");

@@ -1,6 +1,7 @@
 #include "apps/admin/Folders.h"
 
 #include "apps/admin/Failure.h"
+#include "apps/admin/Suggestion.h"
 
 namespace orvo::admin {
 
@@ -87,14 +88,18 @@ std::optional<std::string> Folders::find(int kind, const std::string& path) cons
     return key;
 }
 
-std::string Folders::need(int kind, const std::string& path) const {
+std::string Folders::need(int kind, const std::string& path, const char* advice) const {
     if (const auto key = find(kind, path))
         return *key;
     if (path.empty())
         throw Failure(std::string("в хранилище нет папки «") + topCaption(kind) +
                       "»; её делает orvo-admin init");
-    throw Failure("папки «" + path + "» нет" +
-                  (kind == Form || kind == File ? "; её сделает --make-folders" : ""));
+    std::vector<std::string> present;
+    for (const auto& [folderKey, folder] : byKey_)
+        if (folder.kind == kind)
+            if (const auto known = pathOf(folderKey); known && !known->empty())
+                present.push_back(*known);
+    throw Failure("папки «" + path + "» нет" + suggestion(path, present) + advice);
 }
 
 void Folders::make(store::Store& store, int kind, const std::string& path) {

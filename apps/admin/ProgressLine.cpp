@@ -8,17 +8,22 @@
 
 namespace orvo::admin {
 
-void progressOption(QCommandLineParser& parser) {
-    parser.addOption(
+void progressOption(OptionList& options) {
+    options.append(
         {QStringLiteral("progress"),
-         QString::fromUtf8("Показывать ход работы, даже если поток ошибок не терминал.")});
+         QString::fromUtf8("Показывать ход работы каждую секунду, а не каждые десять, если поток "
+                           "ошибок не терминал.")});
 }
 
 ProgressLine::ProgressLine(const Invocation& call, std::string what)
     : m_what(std::move(what))
     , m_terminal(::isatty(STDERR_FILENO) == 1)
-    , m_shown(m_terminal || call.has("progress"))
-    , m_next(std::chrono::steady_clock::now()) {}
+    , m_every(m_terminal             ? std::chrono::milliseconds(200)
+              : call.has("progress") ? std::chrono::seconds(1)
+                                     : std::chrono::seconds(10))
+    // A file of a service's messages is spared the lines of what ends soon.
+    , m_next(std::chrono::steady_clock::now() +
+             (m_every > std::chrono::seconds(1) ? m_every : std::chrono::milliseconds(0))) {}
 
 ProgressLine::~ProgressLine() {
     if (m_terminal && m_width > 0)
@@ -29,9 +34,9 @@ bool ProgressLine::operator()(uint64_t done, uint64_t all) {
     if (Interruptible::requested())
         return false;
     const auto now = std::chrono::steady_clock::now();
-    if (!m_shown || now < m_next)
+    if (now < m_next)
         return true;
-    m_next = now + std::chrono::milliseconds(m_terminal ? 200 : 1000);
+    m_next = now + m_every;
     write(m_what + ": " +
           (all > 0 ? std::to_string(std::min(done, all) * 100 / all) + " %"
                    : std::to_string(done >> 20) + " МБ"));

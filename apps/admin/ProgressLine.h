@@ -1,5 +1,5 @@
 // ProgressLine.h: how far long work has come, on standard error: one line that is written over on a
-// terminal, or, where --progress asks for it, a line now and then.
+// terminal, else a line every ten seconds, or every second where --progress asks for it.
 #ifndef ORVO_ADMIN_PROGRESSLINE_H
 #define ORVO_ADMIN_PROGRESSLINE_H
 
@@ -12,11 +12,11 @@
 namespace orvo::admin {
 
 /// Declares --progress.
-void progressOption(QCommandLineParser& parser);
+void progressOption(OptionList& options);
 
 class ProgressLine {
 public:
-    /// `what` begins the line. Shows nothing if there is no terminal and --progress is not given.
+    /// `what` begins the line.
     ProgressLine(const Invocation& call, std::string what);
     /// Clears what stands on the terminal.
     ~ProgressLine();
@@ -31,7 +31,8 @@ private:
     void write(const std::string& text);
 
     const std::string m_what;
-    const bool m_terminal, m_shown;
+    const bool m_terminal;
+    const std::chrono::milliseconds m_every;
     std::chrono::steady_clock::time_point m_next;
     size_t m_width = 0; ///< of what stands on the terminal
 };

@@ -80,6 +80,13 @@ int Table::placeOf(const Row& row) const {
     return row && found != places_.end() && found->first == row.record_ ? found->second : -1;
 }
 
+std::vector<std::string> Table::texts(const char* field) const {
+    std::vector<std::string> all;
+    for (int i = 0, end = count(); i < end; ++i)
+        all.push_back(at(i).text(field));
+    return all;
+}
+
 Row Table::find(const std::function<bool(const Row&)>& test) const {
     for (int i = 0, end = count(); i < end; ++i)
         if (const Row row = at(i); test(row))

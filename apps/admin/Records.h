@@ -49,6 +49,8 @@ public:
     Row byKey(const std::string& key) const;
     /// The place of a record of this table; -1 for no record.
     int placeOf(const Row& row) const;
+    /// A text field of all records.
+    std::vector<std::string> texts(const char* field) const;
     /// The first record for which the test holds; or none.
     Row find(const std::function<bool(const Row&)>& test) const;
 
@@ -66,6 +68,7 @@ public:
     /// Opens the next record; the setters below fill it until the next of these calls.
     Batch& insert(std::string_view key) { return begin(key, MDX_INSERT); }
     Batch& update(std::string_view key) { return begin(key, MDX_UPDATE); }
+    Batch& remove(std::string_view key) { return begin(key, MDX_DELETE); }
     Batch& text(const char* field, std::string_view utf8);
     Batch& integer(const char* field, int value);
     Batch& flag(const char* field, bool value);

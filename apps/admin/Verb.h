@@ -6,7 +6,9 @@
 #include "platform/store/Maintenance.h"
 #include "platform/store/StoreUrl.h"
 
+#include <QCommandLineOption>
 #include <QCommandLineParser>
+#include <QList>
 #include <QStringList>
 
 #include <memory>
@@ -23,10 +25,15 @@ enum Exit : int {
     Interrupted = 130, ///< the user ended the work; it left nothing half-done
 };
 
+/// The options of a verb. --help and the shells' completion are made of them; a word for a value
+/// says what may stand there (Completion.h).
+using OptionList = QList<QCommandLineOption>;
+
 /// One call of a verb, with its arguments counted and its options known.
 class Invocation {
 public:
-    Invocation(store::StoreUrl storeUrl, const QCommandLineParser& parser);
+    /// `isDefault`: nobody has named the store.
+    Invocation(store::StoreUrl storeUrl, bool isDefault, const QCommandLineParser& parser);
 
     /// The arguments behind the verb.
     const QStringList& arguments() const { return arguments_; }
@@ -37,11 +44,13 @@ public:
     std::string value(const char* option) const;
 
     const store::StoreUrl& storeUrl() const { return storeUrl_; }
+    bool isDefaultStore() const { return isDefault_; }
     /// Opens the store; throws a Failure with the store's own line.
     std::unique_ptr<store::MaintainedStore> open() const;
 
 private:
     store::StoreUrl storeUrl_;
+    bool isDefault_;
     const QCommandLineParser& parser_;
     QStringList arguments_;
 };
@@ -50,17 +59,18 @@ private:
 inline constexpr const char* adminLogin = "admin";
 
 struct Verb {
-    const char* name;                     ///< one word, or two: "put form"
-    const char* arguments;                ///< as the usage line shows them
-    const char* summary;                  ///< one line for the list of verbs
-    const char* help;                     ///< some lines more for the help of the verb
-    int least, most;                      ///< number of arguments; most < 0: any number
-    void (*options)(QCommandLineParser&); ///< declares the verb's options; null if it has none
-    int (*run)(const Invocation&);        ///< gives an Exit; may throw Failure
+    const char* name;              ///< one word, or two: "put form"
+    const char* arguments;         ///< as the usage line shows them
+    const char* summary;           ///< one line for the list of verbs
+    const char* help;              ///< some lines more for the help of the verb
+    int least, most;               ///< number of arguments; most < 0: any number
+    void (*options)(OptionList&);  ///< adds the verb's options; null if it has none
+    int (*run)(const Invocation&); ///< gives an Exit; may throw Failure
 };
 
 extern const Verb initVerb, demoVerb, checkVerb;
-extern const Verb userAddVerb, userLoginVerb, userListVerb, extAddVerb, extListVerb;
+extern const Verb userAddVerb, userChangeVerb, userRemoveVerb, userLoginVerb, userListVerb;
+extern const Verb extAddVerb, extChangeVerb, extRemoveVerb, extListVerb;
 extern const Verb lockVerb, unlockVerb;
 extern const Verb putFormVerb, putFileVerb, getFormVerb, getFileVerb, listFormsVerb, listFilesVerb;
 extern const Verb historyVerb, pruneVerb, exportVerb, importVerb, backupVerb, restoreVerb;

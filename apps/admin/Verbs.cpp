@@ -6,20 +6,21 @@ namespace orvo::admin {
 
 const std::vector<const Verb*>& verbs() {
     static const std::vector<const Verb*> all = {
-        &initVerb,      &demoVerb,      &checkVerb,                  //
-        &userAddVerb,   &userLoginVerb, &userListVerb,               //
-        &extAddVerb,    &extListVerb,                                //
-        &lockVerb,      &unlockVerb,                                 //
-        &putFormVerb,   &putFileVerb,   &getFormVerb,  &getFileVerb, //
-        &listFormsVerb, &listFilesVerb,                              //
-        &historyVerb,   &pruneVerb,                                  //
-        &backupVerb,    &restoreVerb,   &exportVerb,   &importVerb,
+        &initVerb,      &demoVerb,       &checkVerb,                                     //
+        &userAddVerb,   &userChangeVerb, &userRemoveVerb, &userLoginVerb, &userListVerb, //
+        &extAddVerb,    &extChangeVerb,  &extRemoveVerb,  &extListVerb,                  //
+        &lockVerb,      &unlockVerb,                                                     //
+        &putFormVerb,   &putFileVerb,    &getFormVerb,    &getFileVerb,                  //
+        &listFormsVerb, &listFilesVerb,                                                  //
+        &historyVerb,   &pruneVerb,                                                      //
+        &backupVerb,    &restoreVerb,    &exportVerb,     &importVerb,
     };
     return all;
 }
 
-Invocation::Invocation(store::StoreUrl storeUrl, const QCommandLineParser& parser)
+Invocation::Invocation(store::StoreUrl storeUrl, bool isDefault, const QCommandLineParser& parser)
     : storeUrl_(std::move(storeUrl))
+    , isDefault_(isDefault)
     , parser_(parser)
     , arguments_(parser.positionalArguments()) {}
 

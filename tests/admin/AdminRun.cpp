@@ -23,7 +23,7 @@ QString AdminRun::path(const QString& name) const {
     return name.isEmpty() ? dir_.path() : dir_.filePath(name);
 }
 
-AdminResult AdminRun::plain(const QStringList& arguments) const {
+AdminResult AdminRun::plain(const QStringList& arguments, const QByteArray& input) const {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("XDG_DATA_HOME"), dir_.path());
@@ -32,6 +32,8 @@ AdminResult AdminRun::plain(const QStringList& arguments) const {
     process.setProcessEnvironment(environment);
     process.setWorkingDirectory(dir_.path());
     process.start(qEnvironmentVariable("ORVO_BIN_DIR") + QStringLiteral("/orvo-admin"), arguments);
+    process.write(input);
+    process.closeWriteChannel();
     if (!process.waitForStarted() || !process.waitForFinished(100000))
         qFatal("orvo-admin did not run: %s", qPrintable(process.errorString()));
     AdminResult result;

@@ -26,7 +26,7 @@ public:
     QString storePath() const { return path(QStringLiteral("store.db")); }
 
     /// Runs the command with these arguments and nothing else; $XDG_DATA_HOME is the directory.
-    AdminResult plain(const QStringList& arguments) const;
+    AdminResult plain(const QStringList& arguments, const QByteArray& input = {}) const;
     /// The same on the store of the directory.
     AdminResult run(const QStringList& arguments) const;
     /// Makes the store; whether that went well.

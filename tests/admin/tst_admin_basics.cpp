@@ -11,6 +11,7 @@ private slots:
     void initAgainChangesNothing();
     void initGivesBackAMissingFolder();
     void initRefusesAPlaceThatCannotBe();
+    void aMistypedFolderIsNotMade();
     void anAddressMakesNoFolders();
     void usersAreAddedAndListed();
     void aLoginIsTakenOnce_data();
@@ -75,6 +76,17 @@ void TestAdminBasics::initRefusesAPlaceThatCannotBe() {
     admin.write("file", "x");
     const AdminResult result = admin.plain({"--store", admin.path("file/store.db"), "init"});
     QVERIFY2(result.refused("хранилище не сделано"), qPrintable(result.err));
+}
+
+void TestAdminBasics::aMistypedFolderIsNotMade() {
+    const AdminRun admin;
+    QVERIFY(QDir().mkpath(admin.path("stores")));
+    for (const char* place : {"stroes/orvo.db", "stroes/deeper/orvo.db"}) {
+        const AdminResult result = admin.plain({"--store", admin.path(place), "init"});
+        QVERIFY2(result.refused("stroes» нет; может быть, «stores»?"), qPrintable(result.err));
+    }
+    QCOMPARE(QDir(admin.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+             QStringList{"stores"});
 }
 
 void TestAdminBasics::anAddressMakesNoFolders() {

@@ -24,9 +24,10 @@ private slots:
 };
 
 namespace {
-const char* const verbNames[] = {"init",     "demo",     "check",    "user add",   "user list",
-                                 "ext add",  "ext list", "lock",     "unlock",     "put form",
-                                 "put file", "get form", "get file", "list forms", "list files"};
+const char* const verbNames[] = {
+    "init",     "demo",       "check",      "user add",   "user list", "user change", "user remove",
+    "ext add",  "ext change", "ext remove", "ext list",   "lock",      "unlock",      "put form",
+    "put file", "get form",   "get file",   "list forms", "list files"};
 }
 
 void TestAdminCommandLine::helpNamesEveryVerb() {
@@ -68,9 +69,17 @@ void TestAdminCommandLine::nonsenseIsRefusedInOneLine_data() {
     QTest::addColumn<QString>("message");
     QTest::newRow("nothing") << QStringList{} << "не сказано, что делать";
     QTest::newRow("unknown verb") << QStringList{"explode"} << "неизвестное действие «explode»";
+    QTest::newRow("verb with a slip") << QStringList{"chekc"} << "может быть, «check»?";
+    QTest::newRow("option with a slip")
+        << QStringList{"--sotre", "x", "check"} << "может быть, «--store»?";
+    QTest::newRow("option of a verb with a slip")
+        << QStringList{"user", "add", "a", "--fisrt", "b"} << "может быть, «--first»?";
+    QTest::newRow("nothing alike is suggested")
+        << QStringList{"explode"} << "«explode»; список: orvo-admin --help";
     QTest::newRow("empty verb") << QStringList{""} << "неизвестное действие «»";
     QTest::newRow("a verb with a line feed") << QStringList{"a\nb"} << "неизвестное действие «a b»";
-    QTest::newRow("half a verb") << QStringList{"user"} << "бывает: add, login, list";
+    QTest::newRow("half a verb") << QStringList{"user"}
+                                 << "бывает: add, change, remove, login, list";
     QTest::newRow("wrong second word") << QStringList{"put", "table"} << "бывает: form, file";
     QTest::newRow("unknown option")
         << QStringList{"--sotre", "x", "check"} << "неизвестный ключ «sotre»";

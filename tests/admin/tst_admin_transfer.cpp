@@ -26,6 +26,7 @@ private slots:
     void textThatIsNoUtf8IsNotExported();
     void importersNameUsersWithoutLogins();
     void progressShowsOnlyWhenAsked();
+    void longWorkTellsEveryTenSecondsUnasked();
 
 private:
     static constexpr const char* hostile = "whatIsWrongIsNamedAndChangesNothing";
@@ -351,6 +352,25 @@ void TestAdminTransfer::progressShowsOnlyWhenAsked() {
     const AdminResult result = run({"export", "--progress", m_admin->path("x.json")});
     QCOMPARE(result.code, 0);
     QVERIFY2(result.err.startsWith("выгрузка: "), qPrintable(result.err));
+}
+
+void TestAdminTransfer::longWorkTellsEveryTenSecondsUnasked() {
+    if (!qEnvironmentVariableIsSet("ORVO_LONG_WORK"))
+        QSKIP("takes 11 seconds: ./orvo soak");
+    fillALittle();
+    const QByteArray json = exported();
+    QProcess import;
+    import.start(qEnvironmentVariable("ORVO_BIN_DIR") + "/orvo-admin",
+                 onStore(m_kind, {"import", "--replace", "-"}));
+    QVERIFY(import.waitForStarted());
+    import.write(json.left(json.size() / 2));
+    QVERIFY(!import.waitForFinished(10500));
+    import.write(json.mid(json.size() / 2));
+    import.closeWriteChannel();
+    QVERIFY(import.waitForFinished(60000));
+    QCOMPARE(import.exitCode(), 0);
+    const QString told = QString::fromUtf8(import.readAllStandardError());
+    QVERIFY2(told.contains(QRegularExpression("^загрузка: \\d+ (%|МБ)\n$")), qPrintable(told));
 }
 
 int main(int argc, char** argv) {

@@ -13,7 +13,8 @@ namespace orvo::admin {
 class Findings {
 public:
     /// `all`: every finding is printed; else at most `shownPerRule` of each kind, and their number.
-    explicit Findings(bool all) : all_(all) {}
+    /// `json`: each as an object.
+    Findings(bool all, bool json) : all_(all), json_(json) {}
     static constexpr int shownPerRule = 50;
 
     /// Something is lost, invisible or ambiguous. `what` is the same for all findings of a kind;
@@ -28,14 +29,14 @@ public:
 
     int errors() const { return errors_; }
     int warnings() const { return warnings_; }
-    /// Prints how many findings were not shown.
-    void finish() const;
+    /// Prints how many findings were not shown, and the sum of it all.
+    void finish(int records) const;
 
 private:
     void print(const char* severity, const Table& table, const Row& row, const std::string& what,
                const std::string& detail);
 
-    const bool all_;
+    const bool all_, json_;
     int errors_ = 0, warnings_ = 0;
     std::map<std::string, int> perRule_; ///< table and kind of finding; how many
 };

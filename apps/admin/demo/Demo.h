@@ -4,7 +4,7 @@
 
 #include "apps/admin/Folders.h"
 #include "apps/admin/demo/Content.h"
-#include "platform/store/Store.h"
+#include "platform/store/Maintenance.h"
 
 #include <cstdint>
 #include <map>
@@ -73,8 +73,10 @@ demoFormFiles(const std::string& form, const std::string& caption, const std::st
 /// A daily report for the day of that number, as text with separated values.
 std::string demoReport(int day);
 
-/// Adds so many resources and elements, evenly over new folders and desktops. Throws Failure.
-void growDemo(store::Store& store, const DemoNumbers& from, int64_t resources, int64_t elements);
+/// Adds so many resources and elements, evenly over new folders and desktops, and says how far that
+/// has come. Throws Failure.
+void growDemo(store::Store& store, const DemoNumbers& from, int64_t resources, int64_t elements,
+              const store::Progress& progress);
 
 } // namespace orvo::admin
 

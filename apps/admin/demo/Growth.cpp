@@ -46,8 +46,11 @@ std::string number(int64_t value, int width) {
 
 class Growth {
 public:
-    Growth(store::Store& store, const DemoNumbers& from, int64_t resources, int64_t elements)
+    Growth(store::Store& store, const DemoNumbers& from, int64_t resources, int64_t elements,
+           const store::Progress& progress)
         : store_(store)
+        , progress_(progress)
+        , all_(static_cast<uint64_t>(resources + elements))
         , folders_(store)
         , numbers_(from)
         , elementCount_(elements) {
@@ -106,9 +109,13 @@ private:
     }
     void sendIfFull(Batch& batch) {
         if (batch.count() >= batchSize)
-            batch.send(store_, "рост образцовой установки не записан");
+            send(batch);
     }
-    void send(Batch& batch) { batch.send(store_, "рост образцовой установки не записан"); }
+    void send(Batch& batch) {
+        done_ += static_cast<uint64_t>(batch.count());
+        batch.send(store_, "рост образцовой установки не записан");
+        progress_(done_, all_);
+    }
 
     std::string groupCaption(int64_t group) const {
         return "Участок " + number(group + 1, 2) + " " + place(group);
@@ -260,6 +267,9 @@ private:
     }
 
     store::Store& store_;
+    const store::Progress& progress_;
+    const uint64_t all_; ///< records to write, the few folders and desktops aside
+    uint64_t done_ = 0;
     const Folders folders_;
     DemoNumbers numbers_;
     const int64_t elementCount_;
@@ -269,8 +279,9 @@ private:
 
 } // namespace
 
-void growDemo(store::Store& store, const DemoNumbers& from, int64_t resources, int64_t elements) {
-    Growth(store, from, resources, elements).run();
+void growDemo(store::Store& store, const DemoNumbers& from, int64_t resources, int64_t elements,
+              const store::Progress& progress) {
+    Growth(store, from, resources, elements, progress).run();
 }
 
 } // namespace orvo::admin

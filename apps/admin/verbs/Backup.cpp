@@ -56,10 +56,10 @@ int backup(const Invocation& call) {
     return Done;
 }
 
-void restoreOptions(QCommandLineParser& parser) {
-    progressOption(parser);
-    parser.addOption({QStringLiteral("replace"),
-                      QString::fromUtf8("Хранилище не пустое: всё, что в нём есть, пропадёт.")});
+void restoreOptions(OptionList& options) {
+    progressOption(options);
+    options.append({QStringLiteral("replace"),
+                    QString::fromUtf8("Хранилище не пустое: всё, что в нём есть, пропадёт.")});
 }
 
 int restore(const Invocation& call) {

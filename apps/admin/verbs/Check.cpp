@@ -1,5 +1,5 @@
 #include "apps/admin/Failure.h"
-#include "apps/admin/Output.h"
+#include "apps/admin/Json.h"
 #include "apps/admin/Verb.h"
 #include "apps/admin/check/Rules.h"
 
@@ -7,10 +7,11 @@ namespace orvo::admin {
 
 namespace {
 
-void checkOptions(QCommandLineParser& parser) {
-    parser.addOption({QStringLiteral("all"),
-                      QString::fromUtf8("Показать все находки, а не первые %1 каждого вида.")
-                          .arg(Findings::shownPerRule)});
+void checkOptions(OptionList& options) {
+    options.append({QStringLiteral("all"),
+                    QString::fromUtf8("Показать все находки, а не первые %1 каждого вида.")
+                        .arg(Findings::shownPerRule)});
+    jsonOption(options);
 }
 
 /// Checks the tables and gives the number of their records.
@@ -32,7 +33,7 @@ int checkRecords(store::Store& store, Findings& findings) {
 
 int run(const Invocation& call) {
     const auto store = call.open();
-    Findings findings(call.has("all"));
+    Findings findings(call.has("all"), call.has("json"));
     // The database first: what is damaged may not be readable below.
     std::vector<std::string> damages;
     require(store->integrity(&damages), "база данных не проверена");
@@ -48,9 +49,7 @@ int run(const Invocation& call) {
             throw;
         findings.damage(failure.what());
     }
-    findings.finish();
-    out("проверено записей: " + std::to_string(records) + ", ошибок: " +
-        std::to_string(findings.errors()) + ", замечаний: " + std::to_string(findings.warnings()));
+    findings.finish(records);
     return findings.errors() ? ErrorsFound : Done;
 }
 
@@ -58,7 +57,7 @@ int run(const Invocation& call) {
 
 const Verb checkVerb = {
     "check",
-    "[--all]",
+    "[--all] [--json]",
     "Проверить хранилище",
     "Называет каждую находку на своей строке: таблица, ключ, название, что не так. Ошибка - то,\n"
     "что потеряно, не видно в редакторах или двусмысленно; замечание - то, на что стоит взглянуть\n"

@@ -1,6 +1,7 @@
 #include "apps/admin/demo/Demo.h"
 #include "apps/admin/Failure.h"
 #include "apps/admin/Output.h"
+#include "apps/admin/ProgressLine.h"
 #include "apps/admin/Verb.h"
 #include "apps/admin/verbs/BaseFolders.h"
 
@@ -10,12 +11,13 @@ namespace {
 
 constexpr int64_t largestScale = 10'000'000;
 
-void demoOptions(QCommandLineParser& parser) {
-    parser.addOption({QStringLiteral("scale"),
-                      QString::fromUtf8("Вырастить до N ресурсов и N элементов меню (от %1 до %2).")
-                          .arg(demoElements)
-                          .arg(largestScale),
-                      QStringLiteral("N")});
+void demoOptions(OptionList& options) {
+    progressOption(options);
+    options.append({QStringLiteral("scale"),
+                    QString::fromUtf8("Вырастить до N ресурсов и N элементов меню (от %1 до %2).")
+                        .arg(demoElements)
+                        .arg(largestScale),
+                    QStringLiteral("N")});
 }
 
 int64_t readScale(const Invocation& call) {
@@ -43,8 +45,11 @@ int run(const Invocation& call) {
     makeBaseFolders(*store);
     DemoBuilder builder(*store);
     builder.build();
-    if (scale)
-        growDemo(*store, builder.numbers(), scale - demoResources, scale - demoElements);
+    if (scale) {
+        ProgressLine progress(call, "заполнение");
+        growDemo(*store, builder.numbers(), scale - demoResources, scale - demoElements,
+                 std::ref(progress));
+    }
     out("образцовая установка записана: ресурсов " + std::to_string(scale ? scale : demoResources) +
         ", элементов меню " + std::to_string(scale ? scale : demoElements));
     return Done;
@@ -54,7 +59,7 @@ int run(const Invocation& call) {
 
 const Verb demoVerb = {
     "demo",
-    "[--scale N]",
+    "[--scale N] [--progress]",
     "Заполнить новое хранилище образцовой установкой",
     "Придуманный газопровод: рабочие столы в папках, меню, ресурсы всех видов, формы с файлами,\n"
     "значки, пользователи, две блокировки каждого из двух пользователей и одна форма без папки.\n"

@@ -1,23 +1,40 @@
 #include "apps/admin/Failure.h"
+#include "apps/admin/Json.h"
 #include "apps/admin/Output.h"
 #include "apps/admin/Records.h"
+#include "apps/admin/Suggestion.h"
 #include "apps/admin/Verb.h"
 
 namespace orvo::admin {
 
 namespace {
 
-int add(const Invocation& call) {
-    const std::string extension = call.argument(0);
+void requireUsable(const std::string& extension, const std::string& what) {
     requireStorable(extension, "расширение");
     // It goes into the name filter of a file dialog, right behind an asterisk.
     if (extension.empty() || extension.find_first_of(" *?[]();/\\") != std::string::npos)
-        throw Failure("расширение «" + extension +
-                      "» не добавлено: оно пустое или содержит пробел, скобку, косую черту, * ? ;");
+        throw Failure("расширение «" + extension + "» " + what +
+                      ": оно пустое или содержит пробел, скобку, косую черту, * ? ;");
+}
+
+Row findExtension(const Table& extensions, const std::string& extension) {
+    return extensions.find(
+        [&](const Row& row) { return sameText(row.text(field::fileExt), extension); });
+}
+
+Row needExtension(const Table& extensions, const std::string& extension, const std::string& what) {
+    const Row row = findExtension(extensions, extension);
+    if (!row)
+        throw Failure("расширение «" + extension + "» " + what + ": его нет" +
+                      suggestion(extension, extensions.texts(field::fileExt)));
+    return row;
+}
+
+int add(const Invocation& call) {
+    const std::string extension = call.argument(0);
+    requireUsable(extension, "не добавлено");
     const auto store = call.open();
-    if (Table(*store, table::MenuFileExt).find([&](const Row& row) {
-            return sameText(row.text(field::fileExt), extension);
-        }))
+    if (findExtension(Table(*store, table::MenuFileExt), extension))
         throw Failure("расширение «" + extension + "» не добавлено: оно уже есть");
     Batch batch(table::MenuFileExt);
     batch.insert(newKey()).text(field::fileExt, extension);
@@ -26,11 +43,37 @@ int add(const Invocation& call) {
     return Done;
 }
 
+int change(const Invocation& call) {
+    const std::string old = call.argument(0), extension = call.argument(1);
+    requireUsable(extension, "не записано");
+    const auto store = call.open();
+    const Table extensions(*store, table::MenuFileExt);
+    const Row row = needExtension(extensions, old, "не изменено");
+    if (const Row taken = findExtension(extensions, extension); taken && taken.key() != row.key())
+        throw Failure("расширение «" + old + "» не изменено: «" + extension + "» уже есть");
+    Batch batch(table::MenuFileExt);
+    batch.update(row.key()).text(field::fileExt, extension);
+    batch.send(*store, "расширение не изменено");
+    out("расширение изменено: " + row.text(field::fileExt) + " -> " + extension);
+    return Done;
+}
+
+int remove(const Invocation& call) {
+    const auto store = call.open();
+    const Table extensions(*store, table::MenuFileExt);
+    const Row row = needExtension(extensions, call.argument(0), "не удалено");
+    Batch batch(table::MenuFileExt);
+    batch.remove(row.key());
+    batch.send(*store, "расширение не удалено");
+    out("расширение удалено: " + row.text(field::fileExt));
+    return Done;
+}
+
 int list(const Invocation& call) {
     const auto store = call.open();
     const Table extensions(*store, table::MenuFileExt);
-    for (int i = 0; i < extensions.count(); ++i)
-        out(cell(extensions.at(i).text(field::fileExt)));
+    for (const std::string& extension : extensions.texts(field::fileExt))
+        call.has("json") ? outJson({{"extension", jsonText(extension)}}) : out(cell(extension));
     return Done;
 }
 
@@ -48,8 +91,30 @@ const Verb extAddVerb = {
     add,
 };
 
+const Verb extChangeVerb = {
+    "ext change",
+    "РАСШИРЕНИЕ НОВОЕ",
+    "Изменить расширение файлов форм",
+    "Формы, которые уже загружены, остаются как были.",
+    2,
+    2,
+    nullptr,
+    change,
+};
+
+const Verb extRemoveVerb = {
+    "ext remove",
+    "РАСШИРЕНИЕ",
+    "Удалить расширение файлов форм",
+    "Окно загрузки форм его больше не предложит; формы, которые уже загружены, остаются.",
+    1,
+    1,
+    nullptr,
+    remove,
+};
+
 const Verb extListVerb = {
-    "ext list", "", "Перечислить расширения файлов форм", "", 0, 0, nullptr, list,
+    "ext list", "[--json]", "Перечислить расширения файлов форм", "", 0, 0, jsonOption, list,
 };
 
 } // namespace orvo::admin

@@ -36,10 +36,10 @@ int getForm(const Invocation& call) {
     return extract(*store, files, "формы «" + call.argument(0) + "»", call.argument(1));
 }
 
-void fileOptions(QCommandLineParser& parser) {
-    parser.addOption({QStringLiteral("path"),
-                      QString::fromUtf8("Папка: имена через «/»; без ключа - верхняя."),
-                      QString::fromUtf8("ПУТЬ")});
+void fileOptions(OptionList& options) {
+    options.append({QStringLiteral("path"),
+                    QString::fromUtf8("Папка: имена через «/»; без ключа - верхняя."),
+                    QString::fromUtf8("ПУТЬ")});
 }
 
 int getFile(const Invocation& call) {

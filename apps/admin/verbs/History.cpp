@@ -1,4 +1,5 @@
 #include "apps/admin/Failure.h"
+#include "apps/admin/Json.h"
 #include "apps/admin/Output.h"
 #include "apps/admin/TimeParsing.h"
 #include "apps/admin/Verb.h"
@@ -15,9 +16,9 @@ namespace {
 
 constexpr int pageSize = 2000;
 
-void historyOptions(QCommandLineParser& parser) {
+void historyOptions(OptionList& options) {
     const auto add = [&](const char* name, const QString& text, const char* value) {
-        parser.addOption({QString::fromUtf8(name), text, QString::fromUtf8(value)});
+        options.append({QString::fromUtf8(name), text, QString::fromUtf8(value)});
     };
     const QString forms = QString::fromUtf8(momentForms);
     add("table", QString::fromUtf8("Только эта таблица."), "ТАБЛИЦА");
@@ -27,8 +28,7 @@ void historyOptions(QCommandLineParser& parser) {
     add("since", QString::fromUtf8("Не раньше: ") + forms, "КОГДА");
     add("until", QString::fromUtf8("Раньше, чем: ") + forms, "КОГДА");
     add("limit", QString::fromUtf8("Не больше N изменений, самых новых."), "N");
-    parser.addOption({QStringLiteral("json"),
-                      QString::fromUtf8("Каждое изменение - объект JSON на своей строке.")});
+    jsonOption(options);
 }
 
 const store::TableDef* definitionOf(const std::string& table) {
@@ -155,7 +155,7 @@ void printJson(const store::Change& change) {
     object["login"] = QString::fromStdString(change.login);
     object["before"] = parsed(change.before);
     object["after"] = parsed(change.after);
-    out(QJsonDocument(object).toJson(QJsonDocument::Compact).toStdString());
+    outJson(object);
 }
 
 int run(const Invocation& call) {

@@ -1,6 +1,7 @@
 #include "apps/admin/Failure.h"
 #include "apps/admin/Folders.h"
 #include "apps/admin/Output.h"
+#include "apps/admin/Suggestion.h"
 #include "apps/admin/Verb.h"
 #include "apps/admin/verbs/BaseFolders.h"
 
@@ -75,17 +76,27 @@ std::string findWork(store::MaintainedStore& store, bool peopleToo) {
 
 namespace {
 
-/// A plain path gets the folders above it; a URL names a place that is there already.
-void makeFolderAbove(const store::StoreUrl& url) {
-    if (!url.isPath())
+/// The folder of the default store is made; one that somebody names is there already, or mistyped.
+void requireFolderAbove(const Invocation& call) {
+    const std::string file = call.storeUrl().file();
+    if (file.empty())
         return;
-    const QString folder = QFileInfo(QString::fromStdString(url.file())).absolutePath();
-    if (!QDir().mkpath(folder))
-        throw Failure("хранилище не сделано: каталог «" + folder.toStdString() + "» не создаётся");
+    const QString folder = QFileInfo(QString::fromStdString(file)).absolutePath();
+    if (QFileInfo::exists(folder) || (call.isDefaultStore() && QDir().mkpath(folder)))
+        return;
+    QDir above(folder);
+    while (!above.exists() && !above.isRoot())
+        above.setPath(QFileInfo(above.path()).path());
+    const QString missing = above.relativeFilePath(folder).section(QLatin1Char('/'), 0, 0);
+    std::vector<std::string> present;
+    for (const QString& name : above.entryList(QDir::Dirs | QDir::NoDotAndDotDot))
+        present.push_back(name.toStdString());
+    throw Failure("хранилище не сделано: каталога «" + above.filePath(missing).toStdString() +
+                  "» нет" + suggestion(missing.toStdString(), present));
 }
 
 int run(const Invocation& call) {
-    makeFolderAbove(call.storeUrl());
+    requireFolderAbove(call);
     store::Status status;
     const std::string& url = call.storeUrl().text();
     const bool present = store::open(url, {adminLogin, false}, &status) != nullptr;
@@ -110,9 +121,13 @@ const Verb initVerb = {
     "Сделать хранилище с начальными папками",
     "Делает таблицы, журнал изменений и папки, которых ждут редакторы: «модули», «функции»,\n"
     "«формы отображения» и папку значков «icons». Хранилище, которое уже есть, остаётся как было;\n"
-    "недостающие начальные папки добавляются. Триггеры, которые ведут журнал, делаются заново,\n"
-    "если каких-то нет или они не такие, как у программы (их называет check): открытые клиенты\n"
-    "тогда открывают модули заново, потому что в журнале могли остаться пропуски.",
+    "недостающие начальные папки добавляются. Каталог для файла должен быть; сам собой делается
+    "
+    "только каталог хранилища по умолчанию. Триггеры, которые ведут журнал, делаются заново, если
+    "
+    "каких-то нет или они не такие, как у программы (их называет check): открытые клиенты тогда
+    "
+    "открывают модули заново, потому что в журнале могли остаться пропуски.",
     0,
     0,
     nullptr,

@@ -1,5 +1,6 @@
 #include "apps/admin/Failure.h"
 #include "apps/admin/Folders.h"
+#include "apps/admin/Json.h"
 #include "apps/admin/Output.h"
 #include "apps/admin/Verb.h"
 
@@ -11,10 +12,10 @@ namespace orvo::admin {
 
 namespace {
 
-void listOptions(QCommandLineParser& parser) {
-    parser.addOption({QStringLiteral("path"),
-                      QString::fromUtf8("Только эта папка и всё, что в ней."),
-                      QString::fromUtf8("ПУТЬ")});
+void listOptions(OptionList& options) {
+    options.append({QStringLiteral("path"), QString::fromUtf8("Только эта папка и всё, что в ней."),
+                    QString::fromUtf8("ПУТЬ")});
+    jsonOption(options);
 }
 
 /// Whether a path is the wanted one or below it.
@@ -27,10 +28,17 @@ std::string join(const std::string& path, const std::string& name) {
     return path.empty() ? name : path + "/" + name;
 }
 
-void outSorted(std::vector<std::string>& lines) {
-    std::sort(lines.begin(), lines.end());
-    for (const std::string& line : lines)
-        out(line);
+/// A line for people, and the same for programs.
+struct Line {
+    std::string text;
+    QJsonObject object;
+};
+
+void outSorted(std::vector<Line>& lines, bool json) {
+    std::sort(lines.begin(), lines.end(),
+              [](const Line& a, const Line& b) { return a.text < b.text; });
+    for (const Line& line : lines)
+        json ? outJson(line.object) : out(line.text);
 }
 
 std::string shownTime(const std::optional<double>& time) {
@@ -48,7 +56,7 @@ int listForms(const Invocation& call) {
     folders.need(Form, wanted);
     const Table resources(*store, table::MenuResource);
     const Table users(*store, table::Users);
-    std::vector<std::string> lines;
+    std::vector<Line> lines;
     for (int i = 0; i < resources.count(); ++i) {
         const Row row = resources.at(i);
         if (row.integer(field::type_) != Form)
@@ -59,10 +67,16 @@ int listForms(const Invocation& call) {
             continue;
         const std::string place = path ? join(*path, row.text(field::name_))
                                        : "?/" + row.text(field::name_); // no folder of that key
-        lines.push_back(cell(place) + "\t" + cell(row.text(field::caption)) + "\t" +
-                        cell(users.byKey(row.text(field::UsersKey)).text(field::login_)));
+        const std::string holder = users.byKey(row.text(field::UsersKey)).text(field::login_);
+        const std::string caption = row.text(field::caption);
+        QJsonObject object{{"path", path ? jsonText(*path) : QJsonValue()},
+                           {"name", jsonText(row.text(field::name_))},
+                           {field::caption, jsonText(caption)},
+                           {"lockedBy", holder.empty() ? QJsonValue() : jsonText(holder)}};
+        lines.push_back(
+            {cell(place) + "\t" + cell(caption) + "\t" + cell(holder), std::move(object)});
     }
-    outSorted(lines);
+    outSorted(lines, call.has("json"));
     return Done;
 }
 
@@ -70,14 +84,18 @@ int listFiles(const Invocation& call) {
     const std::string wanted = call.value("path");
     const auto store = call.open();
     Folders(*store).need(File, wanted);
-    std::vector<std::string> lines;
+    std::vector<Line> lines;
     require(store->fileArea([&](const std::string& path, const store::StoredFile& file) {
         if (isBelow(path, wanted))
-            lines.push_back(cell(join(path, file.name)) + "\t" + std::to_string(file.size) + "\t" +
-                            shownTime(file.time));
+            lines.push_back({cell(join(path, file.name)) + "\t" + std::to_string(file.size) + "\t" +
+                                 shownTime(file.time),
+                             {{"path", jsonText(path)},
+                              {"name", jsonText(file.name)},
+                              {field::size, static_cast<double>(file.size)},
+                              {field::time, file.time ? QJsonValue(*file.time) : QJsonValue()}}});
     }),
             "файлы не перечислены");
-    outSorted(lines);
+    outSorted(lines, call.has("json"));
     return Done;
 }
 
@@ -85,7 +103,7 @@ int listFiles(const Invocation& call) {
 
 const Verb listFormsVerb = {
     "list forms",
-    "[--path ПУТЬ]",
+    "[--path ПУТЬ] [--json]",
     "Перечислить формы",
     "На каждой строке через табуляцию: путь и имя формы, название, кто держит блокировку.\n"
     "Форма, папки которой нет, стоит под «?/».",
@@ -97,7 +115,7 @@ const Verb listFormsVerb = {
 
 const Verb listFilesVerb = {
     "list files",
-    "[--path ПУТЬ]",
+    "[--path ПУТЬ] [--json]",
     "Перечислить файлы файловых ресурсов",
     "На каждой строке через табуляцию: путь и имя файла, размер в байтах, время (UTC).",
     0,

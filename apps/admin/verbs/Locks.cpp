@@ -1,6 +1,7 @@
 #include "apps/admin/Failure.h"
 #include "apps/admin/Folders.h"
 #include "apps/admin/Output.h"
+#include "apps/admin/Suggestion.h"
 #include "apps/admin/Verb.h"
 
 #include <QDateTime>
@@ -13,14 +14,19 @@ Row needForm(const Table& resources, const std::string& name) {
     const Row form = resources.find([&](const Row& row) {
         return row.integer(field::type_) == Form && sameText(row.text(field::name_), name);
     });
-    if (!form)
-        throw Failure("формы «" + name + "» нет");
+    if (!form) {
+        std::vector<std::string> present;
+        for (int i = 0; i < resources.count(); ++i)
+            if (const Row row = resources.at(i); row.integer(field::type_) == Form)
+                present.push_back(row.text(field::name_));
+        throw Failure("формы «" + name + "» нет" + suggestion(name, present));
+    }
     return form;
 }
 
-void lockOptions(QCommandLineParser& parser) {
-    parser.addOption({QStringLiteral("login"), QString::fromUtf8("Кто держит блокировку."),
-                      QString::fromUtf8("ВХОД")});
+void lockOptions(OptionList& options) {
+    options.append({QStringLiteral("login"), QString::fromUtf8("Кто держит блокировку."),
+                    QString::fromUtf8("ВХОД")});
 }
 
 int lock(const Invocation& call) {
@@ -35,7 +41,8 @@ int lock(const Invocation& call) {
     const Row user =
         users.find([&](const Row& row) { return sameText(row.text(field::login_), login); });
     if (!user)
-        throw Failure("форма не заблокирована: пользователя «" + login + "» нет");
+        throw Failure("форма не заблокирована: пользователя «" + login + "» нет" +
+                      suggestion(login, users.texts(field::login_)));
     // A lock of a user who is gone holds nothing.
     const Row holder = users.byKey(form.text(field::UsersKey));
     if (holder && !sameText(holder.key(), user.key()))

@@ -9,12 +9,12 @@ namespace orvo::admin {
 
 namespace {
 
-void pruneOptions(QCommandLineParser& parser) {
-    parser.addOption({QStringLiteral("older-than"),
-                      QString::fromUtf8("Что старше: ") + QString::fromUtf8(momentForms),
-                      QString::fromUtf8("КОГДА")});
-    parser.addOption({QStringLiteral("dry-run"),
-                      QString::fromUtf8("Только сказать, сколько изменений забылось бы.")});
+void pruneOptions(OptionList& options) {
+    options.append({QStringLiteral("older-than"),
+                    QString::fromUtf8("Что старше: ") + QString::fromUtf8(momentForms),
+                    QString::fromUtf8("КОГДА")});
+    options.append({QStringLiteral("dry-run"),
+                    QString::fromUtf8("Только сказать, сколько изменений забылось бы.")});
 }
 
 int run(const Invocation& call) {

@@ -8,11 +8,11 @@ namespace orvo::admin {
 
 namespace {
 
-void putOptions(QCommandLineParser& parser) {
-    parser.addOption({QStringLiteral("path"),
-                      QString::fromUtf8("Папка: имена через «/»; без ключа - верхняя."),
-                      QString::fromUtf8("ПУТЬ")});
-    parser.addOption(
+void putOptions(OptionList& options) {
+    options.append({QStringLiteral("path"),
+                    QString::fromUtf8("Папка: имена через «/»; без ключа - верхняя."),
+                    QString::fromUtf8("ПУТЬ")});
+    options.append(
         {QStringLiteral("make-folders"), QString::fromUtf8("Сделать папки пути, которых нет.")});
 }
 
@@ -34,7 +34,7 @@ void prepareFolder(const Invocation& call, store::Store& store, int kind) {
     if (call.has("make-folders"))
         folders.make(store, kind, call.value("path"));
     else
-        folders.need(kind, call.value("path"));
+        folders.need(kind, call.value("path"), "; сделать её - ключ --make-folders");
 }
 
 std::vector<store::FileToPut> asPuts(const std::vector<LocalFile>& files, const std::string& path) {

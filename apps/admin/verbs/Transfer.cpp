@@ -53,10 +53,10 @@ int exportAll(const Invocation& call) {
     return Done;
 }
 
-void importOptions(QCommandLineParser& parser) {
-    progressOption(parser);
-    parser.addOption({QStringLiteral("replace"),
-                      QString::fromUtf8("Хранилище не пустое: всё, что в нём есть, пропадёт.")});
+void importOptions(OptionList& options) {
+    progressOption(options);
+    options.append({QStringLiteral("replace"),
+                    QString::fromUtf8("Хранилище не пустое: всё, что в нём есть, пропадёт.")});
 }
 
 Stream openInput(const std::string& place, uint64_t* size) {

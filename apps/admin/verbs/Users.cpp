@@ -1,6 +1,8 @@
 #include "apps/admin/Failure.h"
+#include "apps/admin/Json.h"
 #include "apps/admin/Output.h"
 #include "apps/admin/Records.h"
+#include "apps/admin/Suggestion.h"
 #include "apps/admin/Verb.h"
 
 #include <QFile>
@@ -11,18 +13,21 @@ namespace orvo::admin {
 
 namespace {
 
-void addOptions(QCommandLineParser& parser) {
-    parser.addOption(
+void nameOptions(OptionList& options) {
+    options.append(
         {QStringLiteral("last"), QString::fromUtf8("Фамилия."), QString::fromUtf8("ФАМИЛИЯ")});
-    parser.addOption(
-        {QStringLiteral("first"), QString::fromUtf8("Имя."), QString::fromUtf8("ИМЯ")});
-    parser.addOption(
+    options.append({QStringLiteral("first"), QString::fromUtf8("Имя."), QString::fromUtf8("ИМЯ")});
+    options.append(
         {QStringLiteral("middle"), QString::fromUtf8("Отчество."), QString::fromUtf8("ОТЧЕСТВО")});
-    parser.addOption({QStringLiteral("program"),
-                      QString::fromUtf8("Это программа, а не человек: показывается по входу.")});
-    parser.addOption(
+}
+
+void addOptions(OptionList& options) {
+    nameOptions(options);
+    options.append({QStringLiteral("program"),
+                    QString::fromUtf8("Это программа, а не человек: показывается по входу.")});
+    options.append(
         {QStringLiteral("viewer"), QString::fromUtf8("Только читает (хранилище PostgreSQL).")});
-    parser.addOption(
+    options.append(
         {QStringLiteral("password-stdin"),
          QString::fromUtf8("Задать пароль входа: первая строка стандартного ввода (хранилище "
                            "PostgreSQL).")});
@@ -63,10 +68,80 @@ int add(const Invocation& call) {
     return Done;
 }
 
-void loginOptions(QCommandLineParser& parser) {
-    parser.addOption({QStringLiteral("viewer"), QString::fromUtf8("Только читает.")});
-    parser.addOption({QStringLiteral("password-stdin"),
-                      QString::fromUtf8("Задать пароль входа: первая строка стандартного ввода.")});
+void changeOptions(OptionList& options) {
+    nameOptions(options);
+    const auto flag = [&](const char* name, const char* text) {
+        options.append({QString::fromUtf8(name), QString::fromUtf8(text)});
+    };
+    flag("program", "Это программа, а не человек: показывается по входу.");
+    flag("person", "Это человек: показывается по фамилии.");
+    flag("viewer", "Отныне только читает (хранилище PostgreSQL).");
+    flag("engineer", "Отныне и пишет (хранилище PostgreSQL).");
+    flag("password-stdin", "Сменить пароль входа: первая строка стандартного ввода (хранилище "
+                           "PostgreSQL).");
+}
+
+/// True or false by the one of two options that is given; none for neither.
+std::optional<bool> choice(const Invocation& call, const char* yes, const char* no) {
+    if (call.has(yes) && call.has(no))
+        throw Failure(std::string("пользователь не изменён: --") + yes + " или --" + no +
+                      ", не оба");
+    if (!call.has(yes) && !call.has(no))
+        return {};
+    return call.has(yes);
+}
+
+/// Before the store is asked: its refusal knows no suggestions.
+void needUser(store::Store& store, const std::string& login, const std::string& what) {
+    const Table users(store, table::Users);
+    if (!users.find([&](const Row& row) { return sameText(row.text(field::login_), login); }))
+        throw Failure(what + ": пользователя «" + login + "» нет" +
+                      suggestion(login, users.texts(field::login_)));
+}
+
+int change(const Invocation& call) {
+    const std::string what = "пользователь не изменён";
+    const std::string login = call.argument(0);
+    store::UserChange change;
+    const auto text = [&](const char* option, const char* name) -> std::optional<std::string> {
+        if (!call.has(option))
+            return {};
+        requireStorable(call.value(option), name);
+        return call.value(option);
+    };
+    change.lastName = text("last", "фамилия");
+    change.firstName = text("first", "имя");
+    change.midlName = text("middle", "отчество");
+    change.program = choice(call, "program", "person");
+    change.viewer = choice(call, "viewer", "engineer");
+    if (call.has("password-stdin"))
+        change.password = passwordFromInput(what);
+    if (!change.lastName && !change.firstName && !change.midlName && !change.program &&
+        !change.viewer && change.password.empty())
+        throw Failure(what + ": не сказано, что изменить; ключи: orvo-admin user change --help");
+    const auto store = call.open();
+    needUser(*store, login, what);
+    require(store->userChange(login, change), what);
+    out("пользователь изменён: " + login);
+    return Done;
+}
+
+int remove(const Invocation& call) {
+    const std::string what = "пользователь не удалён";
+    const std::string login = call.argument(0);
+    const auto store = call.open();
+    needUser(*store, login, what);
+    int unlocked = 0;
+    require(store->userRemove(login, &unlocked), what);
+    out("пользователь удалён: " + login +
+        (unlocked ? ", снято блокировок форм: " + std::to_string(unlocked) : ""));
+    return Done;
+}
+
+void loginOptions(OptionList& options) {
+    options.append({QStringLiteral("viewer"), QString::fromUtf8("Только читает.")});
+    options.append({QStringLiteral("password-stdin"),
+                    QString::fromUtf8("Задать пароль входа: первая строка стандартного ввода.")});
 }
 
 int login(const Invocation& call) {
@@ -90,8 +165,16 @@ int list(const Invocation& call) {
         for (const char* field : {field::firstName, field::midlName})
             if (const std::string part = row.text(field); !part.empty())
                 name += (name.empty() ? "" : " ") + part;
-        out(cell(row.text(field::login_)) + "\t" + cell(name) + "\t" +
-            (row.integer(field::program) ? "программа" : "человек"));
+        const bool program = row.integer(field::program) != 0;
+        if (call.has("json"))
+            outJson({{"login", jsonText(row.text(field::login_))},
+                     {"last", jsonText(row.text(field::lastName))},
+                     {"first", jsonText(row.text(field::firstName))},
+                     {"middle", jsonText(row.text(field::midlName))},
+                     {"isProgram", program}});
+        else
+            out(cell(row.text(field::login_)) + "\t" + cell(name) + "\t" +
+                (program ? "программа" : "человек"));
     }
     return Done;
 }
@@ -111,6 +194,31 @@ const Verb userAddVerb = {
     add,
 };
 
+const Verb userChangeVerb = {
+    "user change",
+    "ВХОД [--last ФАМИЛИЯ] [--first ИМЯ] [--middle ОТЧЕСТВО] [--program | --person] "
+    "[--viewer | --engineer] [--password-stdin]",
+    "Изменить пользователя",
+    "Меняется то, что названо. Имя входа не меняется: под ним пользователь стоит в истории.\n"
+    "--viewer, --engineer и --password-stdin меняют права и пароль входа на сервер PostgreSQL.",
+    1,
+    1,
+    changeOptions,
+    change,
+};
+
+const Verb userRemoveVerb = {
+    "user remove",
+    "ВХОД",
+    "Удалить пользователя",
+    "Вместе с ним снимаются его блокировки форм; его изменения в истории остаются. На сервере\n"
+    "PostgreSQL он теряет права на хранилища Orvo; сам вход остаётся, его удаляет DROP ROLE.",
+    1,
+    1,
+    nullptr,
+    remove,
+};
+
 const Verb userLoginVerb = {
     "user login",
     "ВХОД [--viewer] [--password-stdin]",
@@ -125,12 +233,12 @@ const Verb userLoginVerb = {
 
 const Verb userListVerb = {
     "user list",
-    "",
+    "[--json]",
     "Перечислить пользователей",
     "На каждой строке через табуляцию: имя входа, фамилия имя отчество, «человек» или «программа».",
     0,
     0,
-    nullptr,
+    jsonOption,
     list,
 };
 

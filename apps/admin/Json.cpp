@@ -1,0 +1,18 @@
+#include "apps/admin/Json.h"
+
+#include "apps/admin/Output.h"
+
+#include <QJsonDocument>
+
+namespace orvo::admin {
+
+void jsonOption(OptionList& options) {
+    options.append(
+        {QStringLiteral("json"), QString::fromUtf8("Каждая строка вывода - объект JSON.")});
+}
+
+void outJson(const QJsonObject& object) {
+    out(QJsonDocument(object).toJson(QJsonDocument::Compact).toStdString());
+}
+
+} // namespace orvo::admin
