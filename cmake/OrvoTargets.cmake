@@ -43,6 +43,7 @@ function(orvo_menu_library)
   target_link_options(OrvoMenu PRIVATE
     "LINKER:--version-script=${CMAKE_SOURCE_DIR}/frame/exports.map")
   set_target_properties(OrvoMenu PROPERTIES LINK_DEPENDS "${CMAKE_SOURCE_DIR}/frame/exports.map")
+  orvo_install(OrvoMenu "${ORVO_MODULE_DIR}" client)
 endfunction()
 
 # orvo_test(<name> SOURCES ... LINK ... [LABELS ...] [XVFB] [POSTGRES]): one QtTest executable, run
@@ -102,7 +103,9 @@ function(orvo_run name target xvfb timeout labels)
     "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0"
     "UBSAN_OPTIONS=print_stacktrace=1"
     "XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/tests/config/${name}"
-    "ORVO_BIN_DIR=${CMAKE_BINARY_DIR}/bin"
-    "ORVO_LIB_DIR=${CMAKE_BINARY_DIR}/lib"
+    "ORVO_BIN_DIR=${CMAKE_RUNTIME_OUTPUT_DIRECTORY}"
+    "ORVO_LIB_DIR=${CMAKE_LIBRARY_OUTPUT_DIRECTORY}"
+    "ORVO_MODULE_DIR=${CMAKE_BINARY_DIR}/${ORVO_MODULE_DIR}"
+    "ORVO_PROGRAM_DIR=${CMAKE_BINARY_DIR}/${ORVO_PROGRAM_DIR}"
     "ORVO_SOURCE_DIR=${CMAKE_SOURCE_DIR}")
 endfunction()

@@ -4,6 +4,7 @@
 #include "apps/client/FileMirror.h"
 #include "apps/client/FormViewer.h"
 #include "apps/client/Inspector.h"
+#include "apps/client/Installation.h"
 #include "apps/client/LogPane.h"
 #include "apps/client/MainWindow.h"
 #include "apps/client/PresenceView.h"
@@ -73,7 +74,7 @@ bool Client::open(QString* error) {
                     .arg(QString::fromStdString(url.isPath() ? url.file() : url.displayName()));
         return false;
     }
-    if (!openWorkDir(error) || !m_library.load(QCoreApplication::applicationDirPath(), error))
+    if (!openWorkDir(error) || !m_library.load(installation::moduleLibrary(), error))
         return false;
     m_unwritten = std::make_unique<client::UnwrittenList>(client::sessionStore(*m_session));
     client::setUnwritten(*m_session, m_unwritten.get());

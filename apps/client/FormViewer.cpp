@@ -4,7 +4,6 @@
 #include "apps/client/Look.h"
 #include "apps/formview/FormMark.h"
 
-#include <QCoreApplication>
 #include <QFile>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -87,10 +86,6 @@ void FormWindow::fit(QWidget* view) {
         resize((size() - view->size() + view->sizeHint().boundedTo({1280, 900}))
                    .expandedTo({640, 480})
                    .boundedTo({1280, 900}));
-}
-
-QString formViewProgram() {
-    return QCoreApplication::applicationDirPath() + QStringLiteral("/orvo-form-view");
 }
 
 FormWindow* openForm(store::Store& store, const QString& request, QWidget* parent, QString* error,

@@ -3,6 +3,7 @@
 #define ORVO_APPS_CLIENT_FORMVIEWER_H
 
 #include "apps/client/FormProcess.h"
+#include "apps/client/Installation.h"
 #include "platform/store/Store.h"
 
 #include <QString>
@@ -39,15 +40,13 @@ private:
     bool m_isFitted = false;
 };
 
-/// The program that shows files, beside this one.
-QString formViewProgram();
-
 /// Opens a window on the stored files of the form that `request` names: the form's name, or the
 /// name, ";" and parameters; a name may hold ";" itself, so the longest one that exists is meant.
 /// The window deletes itself when closed, and belongs to `parent`. Null, with one line in `error`,
 /// if there is no such form or it has no files.
 FormWindow* openForm(store::Store& store, const QString& request, QWidget* parent, QString* error,
-                     const QString& program = formViewProgram(), const ProcessLimits& limits = {});
+                     const QString& program = installation::formViewProgram(),
+                     const ProcessLimits& limits = {});
 
 } // namespace orvo::app
 

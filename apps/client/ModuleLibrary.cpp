@@ -2,20 +2,16 @@
 
 #include "frame/OrvoClient.h"
 
-#include <QFileInfo>
 #include <QTextCodec>
 
 namespace orvo::app {
 
-bool ModuleLibrary::load(const QString& programDir, QString* error) {
-    const QString beside = programDir + QStringLiteral("/../lib/libOrvoMenu.so");
-    const bool found = QFileInfo(beside).isFile();
-    m_library.setFileName(found ? QFileInfo(beside).canonicalFilePath()
-                                : QStringLiteral("libOrvoMenu.so"));
+bool ModuleLibrary::load(const QString& file, QString* error) {
+    m_library.setFileName(file);
     // Symbols missing in a library are told now, not by a crash later.
     m_library.setLoadHints(QLibrary::ResolveAllSymbolsHint | QLibrary::PreventUnloadHint);
     if (!m_library.load()) {
-        *error = QStringLiteral("Библиотека модулей libOrvoMenu.so не загружена: %1")
+        *error = QStringLiteral("Библиотека модулей не загружена: %1")
                      .arg(m_library.errorString().simplified());
         return false;
     }

@@ -12,10 +12,9 @@ namespace orvo::app {
 
 class ModuleLibrary {
 public:
-    /// Loads libOrvoMenu.so: from ../lib beside the program if it is there, else by the system's
-    /// search path. False, with one line in `error`, if it is missing, cannot be loaded or has no
+    /// False, with one line in `error`, if the file is missing, cannot be loaded or has no
     /// CppCliModule. The library stays loaded until the process ends: its modules' code is in it.
-    bool load(const QString& programDir, QString* error);
+    bool load(const QString& file, QString* error);
 
     /// A new module, the caller's; null if the library does not know the name.
     COrvoCliMod* create(COrvoCliApp* app, const QString& name) const;

@@ -18,7 +18,7 @@ constexpr int timeoutMs = 20'000; ///< a process starts slowly on a busy machine
 
 struct FormBench : Host {
     Module module{&app};
-    QString program = qEnvironmentVariable("ORVO_BIN_DIR") + "/orvo-form-view";
+    QString program = qEnvironmentVariable("ORVO_PROGRAM_DIR") + "/orvo-form-view";
     app::ProcessLimits limits;
     FormBench() {
         write("MenuResourceFolder", 1,

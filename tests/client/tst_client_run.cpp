@@ -23,19 +23,23 @@ struct Result {
     QString output;
 };
 
-/// A place like an installation: bin/orvo-client and, if asked for, lib/libOrvoMenu.so.
+/// A place like an installation: the program, the libraries and, if asked for, the module library.
 struct Place : Host {
     QString program = dir.path() + "/bin/orvo-client";
+    QString modules = QDir::cleanPath(dir.path() + "/bin/" ORVO_MODULE_PATH);
     QString work = dir.path() + "/place/";
 
     explicit Place(bool withLibrary = true) {
         QDir().mkpath(dir.path() + "/bin");
-        QDir().mkpath(dir.path() + "/lib");
+        QDir().mkpath(modules);
+        const QDir libraries(qEnvironmentVariable("ORVO_LIB_DIR"));
+        for (const QString& name : libraries.entryList({"libOrvo*.so.*"}))
+            QFile::link(libraries.filePath(name), dir.path() + "/lib/" + name);
         const QString binary = qEnvironmentVariable("ORVO_BIN_DIR") + "/orvo-client";
         if (!QFile::copy(binary, program))
             qFatal("no program at %s", qUtf8Printable(binary));
         const QString library = QCoreApplication::applicationDirPath() + "/libOrvoTestModules.so";
-        if (withLibrary && !QFile::copy(library, dir.path() + "/lib/libOrvoMenu.so"))
+        if (withLibrary && !QFile::copy(library, modules + "/libOrvoMenu.so"))
             qFatal("no library at %s", qUtf8Printable(library));
     }
     Result run(const QStringList& arguments, const QStringList& environment = {}) const {
@@ -157,6 +161,33 @@ private slots:
         QVERIFY(!QFileInfo::exists(place.dir.path() + "/none.db"));
     }
 
+    void theAdviceOnAMissingStoreWorks() {
+        Place place;
+        const QStringList rest{"--work-dir", place.work, "--login", "x"};
+        const auto advice = [](const Result& result) {
+            return result.errors.value(0).section("; ", -1);
+        };
+        QDir().mkpath(place.dir.path() + "/a b");
+        const QString file = place.dir.path() + "/a b/new.db";
+        const Result named = place.run(QStringList{"--store", file} + rest);
+        QCOMPARE(advice(named), "новое хранилище делает orvo-admin --store '" + file + "' init");
+        const Result mistyped =
+            place.run(QStringList{"--store", place.dir.path() + "/c/new.db"} + rest);
+        QCOMPARE(advice(mistyped), "каталога " + place.dir.path() + "/c нет");
+        const Result usual = place.run(rest, {"XDG_DATA_HOME=" + place.dir.path() + "/home"});
+        QCOMPARE(advice(usual), QString("новое хранилище делает orvo-admin init"));
+        QProcess admin;
+        for (const QString& command : {advice(named), advice(usual)}) {
+            admin.setProgram("/bin/sh");
+            admin.setArguments({"-c", "PATH=" + qEnvironmentVariable("ORVO_BIN_DIR") +
+                                          ":$PATH XDG_DATA_HOME='" + place.dir.path() + "/home' " +
+                                          command.section("делает ", 1)});
+            admin.start();
+            QVERIFY(admin.waitForFinished(60000));
+            QVERIFY2(admin.exitCode() == 0, admin.readAllStandardError().constData());
+        }
+    }
+
     void aFileThatIsNoStoreIsRefused() {
         Place place;
         QFile file(place.dir.path() + "/text.db");
@@ -198,7 +229,7 @@ private slots:
             if (line.contains("libsqlite3.so"))
                 other = QString::fromUtf8(line.mid(line.indexOf('/')));
         QVERIFY(!other.isEmpty());
-        QVERIFY(QFile::copy(other, place.dir.path() + "/lib/libOrvoMenu.so"));
+        QVERIFY(QFile::copy(other, place.modules + "/libOrvoMenu.so"));
         Result result = place.run(place.usual());
         QCOMPARE(result.code, 1);
         QVERIFY_ONE_LINE(result);

@@ -74,7 +74,7 @@ int visiblePixels(const QImage& image) {
 
 void TestImages::theCollectionsComeWithTheLibrary() {
     QVERIFY(!QFile::exists(":/res/up1.png"));
-    QLibrary library(qEnvironmentVariable("ORVO_LIB_DIR") + "/libOrvoMenu.so");
+    QLibrary library(qEnvironmentVariable("ORVO_MODULE_DIR") + "/libOrvoMenu.so");
     QVERIFY2(library.load(), qPrintable(library.errorString()));
     QVERIFY(QFile::exists(":/res/up1.png"));
     QVERIFY(QFile::exists(":/color.png"));

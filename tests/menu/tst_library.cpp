@@ -21,7 +21,7 @@ private slots:
     void makingAModuleTouchesNoServer();
 
 private:
-    QString m_path = qEnvironmentVariable("ORVO_LIB_DIR") + "/libOrvoMenu.so";
+    QString m_path = qEnvironmentVariable("ORVO_MODULE_DIR") + "/libOrvoMenu.so";
     CppCliModuleFunction m_make = nullptr;
     COrvoCliApp m_app;
 };

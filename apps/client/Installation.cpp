@@ -1,0 +1,29 @@
+#include "apps/client/Installation.h"
+
+#include <QCoreApplication>
+#include <QDir>
+
+namespace orvo::app::installation {
+
+namespace {
+
+QString beside(const char* path, const QString& name) {
+    return QDir::cleanPath(QCoreApplication::applicationDirPath() + QLatin1Char('/') +
+                           QLatin1String(path) + QLatin1Char('/') + name);
+}
+
+} // namespace
+
+QString moduleLibrary() {
+    return beside(ORVO_MODULE_PATH, QStringLiteral("libOrvoMenu.so"));
+}
+
+QString formViewProgram() {
+    return beside(ORVO_PROGRAM_PATH, QStringLiteral("orvo-form-view"));
+}
+
+QString handbookPage(const QString& page) {
+    return beside(ORVO_HANDBOOK_PATH, page);
+}
+
+} // namespace orvo::app::installation

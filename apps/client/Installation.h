@@ -1,0 +1,18 @@
+// Installation.h: what lies beside the program, in an installation and in a build directory alike.
+#ifndef ORVO_APPS_CLIENT_INSTALLATION_H
+#define ORVO_APPS_CLIENT_INSTALLATION_H
+
+#include <QString>
+
+namespace orvo::app::installation {
+
+/// The library of the modules. It need not be there; neither need the following.
+QString moduleLibrary();
+/// The program that shows files of forms.
+QString formViewProgram();
+/// A page of the handbook, "user-guide.html".
+QString handbookPage(const QString& page);
+
+} // namespace orvo::app::installation
+
+#endif
