@@ -21,6 +21,7 @@
 #include <QDockWidget>
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QThread>
 #include <QTimer>
 
@@ -37,6 +38,25 @@ struct WaitCursor {
     WaitCursor(const WaitCursor&) = delete;
     WaitCursor& operator=(const WaitCursor&) = delete;
 };
+
+/// How to make a store that is missing, if the command that is named would do it.
+QString adviceOnMissingStore(const Options& options) {
+    store::StoreUrl url;
+    if (!url.parse(options.store.toStdString()).ok() || url.file().empty())
+        return {};
+    const QFileInfo file(QString::fromStdString(url.file()));
+    if (file.exists())
+        return {};
+    if (options.isDefaultStore)
+        return QStringLiteral("; новое хранилище делает orvo-admin init");
+    if (!file.dir().exists())
+        return QStringLiteral("; каталога %1 нет").arg(file.path());
+    QString place = QString::fromStdString(url.isPath() ? url.file() : url.displayName());
+    if (place.contains(QRegularExpression(QStringLiteral("[^\\w./:@%+=-]"))))
+        place = QLatin1Char('\'') + place.replace(QLatin1Char('\''), QLatin1String("'\\''")) +
+                QLatin1Char('\'');
+    return QStringLiteral("; новое хранилище делает orvo-admin --store %1 init").arg(place);
+}
 
 } // namespace
 
@@ -66,12 +86,7 @@ bool Client::open(QString* error) {
         m_session = client::makeSession(std::move(store), &status);
     if (!m_session) {
         *error = QString::fromStdString(status.text);
-        store::StoreUrl url;
-        const bool isFile = url.parse(m_options.store.toStdString()).ok() && !url.file().empty();
-        if (isFile && !QFileInfo::exists(QString::fromStdString(url.file())))
-            *error +=
-                QStringLiteral("; новое хранилище делает orvo-admin --store %1 init")
-                    .arg(QString::fromStdString(url.isPath() ? url.file() : url.displayName()));
+        *error += adviceOnMissingStore(m_options);
         return false;
     }
     if (!openWorkDir(error) || !m_library.load(installation::moduleLibrary(), error))
@@ -345,22 +360,25 @@ void Client::connectionChanged(bool up, const QString& text) {
 }
 
 void Client::openModules() {
+    for (const QString& name : m_options.modules)
+        openModule(name);
+}
+
+void Client::openModule(const QString& name) {
     const WaitCursor wait;
-    for (const QString& name : m_options.modules) {
-        COrvoCliMod* module = m_library.create(&m_app, name);
-        if (!module) {
-            fail(name, QStringLiteral("Библиотека модулей не знает модуля «%1».").arg(name));
-            continue;
-        }
-        m_modules.add(module, name);
-        module->setFollowsOthers(m_window->followsOthers());
-        m_window->addModule(module, name);
-        if (!m_modules.start(module))
-            fail(name, QStringLiteral("Модуль не запущен; причина в журнале. «Клиент» — "
-                                      "«Открыть модули заново» повторит попытку."));
-        else if (m_memory)
-            m_memory->restoreModule(name, *module);
+    COrvoCliMod* module = m_library.create(&m_app, name);
+    if (!module) {
+        fail(name, QStringLiteral("Библиотека модулей не знает модуля «%1».").arg(name));
+        return;
     }
+    m_modules.add(module, name);
+    module->setFollowsOthers(m_window->followsOthers());
+    m_window->addModule(module, name);
+    if (!m_modules.start(module))
+        fail(name, QStringLiteral("Модуль не запущен; причина в журнале. «Клиент» — "
+                                  "«Открыть модули заново» повторит попытку."));
+    else if (m_memory)
+        m_memory->restoreModule(name, *module);
 }
 
 /// How the user left the modules, for when they are opened again.
@@ -369,6 +387,25 @@ void Client::rememberModules() {
         return;
     for (const QPointer<COrvoCliMod>& module : m_modules.modules(client::ModuleState::Running))
         m_memory->saveModule(module->m_moduleName, *module);
+}
+
+void Client::openFurther(const QStringList& modules) {
+    if (!m_pump)
+        return;
+    m_window->bringForward();
+    // Not while a slot of a module waits in a dialog or a menu.
+    if (!m_pump->mayDeliver()) {
+        if (!modules.isEmpty())
+            QTimer::singleShot(100, this, [this, modules] { openFurther(modules); });
+        return;
+    }
+    for (const QString& name : modules)
+        if (!m_options.modules.contains(name)) {
+            m_options.modules << name;
+            openModule(name);
+        }
+    if (!modules.isEmpty())
+        m_window->setCurrentModule(modules.first());
 }
 
 void Client::reopenModules(const QString& why, bool must) {

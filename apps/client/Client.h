@@ -37,6 +37,8 @@ public:
     bool open(QString* error);
     /// Shows the window and starts the modules in it.
     void show();
+    /// Comes forward and opens those of the modules that are not open; the first of them is shown.
+    void openFurther(const QStringList& modules);
     /// Ends the event loop when everything that show began is done, with the window, and something
     /// worth seeing in it, in the file of the options: exit code 0, or 1 after a line on standard
     /// error.
@@ -56,6 +58,7 @@ private:
     void saveScreenshot();
     void connectAll();
     void openModules();
+    void openModule(const QString& name);
     void rememberModules();
     /// `must`: an answer that keeps them open only puts it off.
     void reopenModules(const QString& why, bool must);

@@ -17,6 +17,9 @@ QString clipped(const QString& text, int longest = 2000);
 /// of a long one as "…".
 QString oneLine(QString text);
 
+/// The name of the desktop entry, the icon and the metadata, and the class of the windows.
+inline constexpr char applicationId[] = "org.orvo.Client";
+
 /// To be called once, after the QApplication is made and before the first window.
 void applyTheme();
 

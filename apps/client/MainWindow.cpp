@@ -1,5 +1,6 @@
 #include "apps/client/MainWindow.h"
 
+#include "apps/client/Handbook.h"
 #include "apps/client/LogPane.h"
 #include "apps/client/Look.h"
 #include "apps/client/StatusLine.h"
@@ -11,6 +12,7 @@
 #include <QDockWidget>
 #include <QMenuBar>
 #include <QSettings>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QThread>
 #include <QTimer>
@@ -64,6 +66,30 @@ void MainWindow::makeMenus() {
         clientSettings().setValue(QLatin1String(stayKey), stay);
         emit followsOthersChanged(!stay);
     });
+    makeHelpMenu();
+}
+
+void MainWindow::makeHelpMenu() {
+    QMenu* help = menuBar()->addMenu(QStringLiteral("&Справка"));
+    QAction* guide = help->addAction(QStringLiteral("&Руководство"));
+    guide->setObjectName(QStringLiteral("actHandbook"));
+    guide->setShortcut(QKeySequence(Qt::Key_F1));
+    connect(guide, &QAction::triggered, this, &MainWindow::showHandbook);
+    QAction* about = help->addAction(QStringLiteral("&О программе"));
+    connect(about, &QAction::triggered, this, [this] {
+        showBox(QStringLiteral("О программе"),
+                QStringLiteral("Orvo " ORVO_VERSION "\nКлиент инженера: редактор меню и "
+                               "редактор ресурсов."),
+                MessageBoxIconNone);
+    });
+}
+
+void MainWindow::showHandbook() {
+    if (!m_handbook)
+        m_handbook = new Handbook(this);
+    QString error;
+    if (!m_handbook->open(chapterOf(QApplication::focusWidget()), &error))
+        showError(error);
 }
 
 bool MainWindow::followsOthers() const {
@@ -71,7 +97,7 @@ bool MainWindow::followsOthers() const {
 }
 
 void MainWindow::addModule(COrvoCliMod* module, const QString& name) {
-    m_tabs->addTab(module, QString());
+    m_tabs->tabBar()->setTabData(m_tabs->addTab(module, QString()), name);
     setTitle(module, module->windowTitle().isEmpty() ? name : module->windowTitle());
 }
 
@@ -99,6 +125,20 @@ int MainWindow::currentModule() const {
 
 void MainWindow::setCurrentModule(int index) {
     m_tabs->setCurrentIndex(index);
+}
+
+void MainWindow::setCurrentModule(const QString& name) {
+    for (int i = 0; i < m_tabs->count(); ++i)
+        if (m_tabs->tabBar()->tabData(i).toString() == name)
+            m_tabs->setCurrentIndex(i);
+}
+
+void MainWindow::bringForward() {
+    if (isMinimized())
+        showNormal();
+    raise();
+    activateWindow();
+    QApplication::alert(this);
 }
 
 void MainWindow::showError(const QString& text) {

@@ -3,6 +3,7 @@
 #define ORVO_APPS_CLIENT_MAINWINDOW_H
 
 #include <QMainWindow>
+#include <QPointer>
 
 #include <functional>
 
@@ -15,6 +16,7 @@ class QTabWidget;
 
 namespace orvo::app {
 
+class Handbook;
 class LogPane;
 class StatusLine;
 
@@ -33,6 +35,10 @@ public:
     void setTitle(COrvoCliMod* module, const QString& title);
     int currentModule() const;
     void setCurrentModule(int index);
+    /// The module that was added under that name; nothing is changed if there is none.
+    void setCurrentModule(const QString& name);
+    /// In front of other windows, or marked in the task bar where the desktop does not want that.
+    void bringForward();
     /// A message over the whole window; returns at once.
     void showError(const QString& text);
     void showNotice(const QString& text);
@@ -59,6 +65,8 @@ private slots:
 private:
     void makeMenus();
     void showBox(const QString& title, const QString& text, int icon);
+    void makeHelpMenu();
+    void showHandbook();
 
     QTabWidget* m_tabs; // these: children of the window
     LogPane* m_log;
@@ -66,7 +74,8 @@ private:
     QDockWidget* m_logDock;
     QMenu* m_view = nullptr;
     CPopMessageBox* m_box = nullptr;
-    QAction* m_stay; ///< "do not take me to the changes of others"
+    QPointer<Handbook> m_handbook; ///< made when first asked for; goes with the window
+    QAction* m_stay;               ///< "do not take me to the changes of others"
     std::function<bool()> m_closeCheck;
     bool m_closesNow = false;
 };

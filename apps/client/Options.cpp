@@ -1,5 +1,6 @@
 #include "apps/client/Options.h"
 
+#include "apps/completion/Completion.h"
 #include "platform/store/StoreUrl.h"
 
 #include <QCommandLineParser>
@@ -31,19 +32,55 @@ QString absolute(const QString& path) {
     return QDir::cleanPath(QFileInfo(path).absoluteFilePath());
 }
 
+struct OptionText {
+    const char* name;
+    const char* shortName; ///< or null
+    const char* value;     ///< the word for it; null: takes none
+    const char* text;
+};
+
+/// Everything that the command line may hold: the parser, --help and the shells' completion are
+/// made of it.
+constexpr OptionText optionTexts[] = {
+    {"store", nullptr, "URL",
+     "хранилище: sqlite:///путь/orvo.db, просто путь или postgresql://… (иначе "
+     "$XDG_DATA_HOME/orvo/orvo.db)"},
+    {"login", nullptr, "NAME", "пользователь, от имени которого идёт запись (иначе $USER)"},
+    {"work-dir", nullptr, "DIR",
+     "рабочий каталог с копией файловой области в files/ (иначе $XDG_DATA_HOME/orvo/work)"},
+    {"module", nullptr, "Menu|Resources",
+     "открыть этот модуль; можно повторять (иначе открываются оба)"},
+    {"separate", nullptr, nullptr,
+     "открыть ещё одно окно, даже если клиент с тем же хранилищем, пользователем и рабочим "
+     "каталогом уже работает (иначе модуль откроет он)"},
+    {"screenshot", nullptr, "FILE", "открыть модули, записать снимок окна в PNG и завершиться"},
+    {"inspect", nullptr, "SOCKET",
+     "отвечать через локальный сокет, что стоит в окнах и таблицах (для поддержки и проверок; "
+     "только чтение, только этому пользователю)"},
+    {"completion", nullptr, "bash|fish|zsh", "напечатать дополнение команд для оболочки"},
+    {"help", "h", nullptr, "эта справка"},
+    {"version", "v", nullptr, "версия"},
+};
+
+QList<QCommandLineOption> allOptions() {
+    QList<QCommandLineOption> options;
+    for (const OptionText& one : optionTexts) {
+        QStringList names{QString::fromUtf8(one.name)};
+        if (one.shortName)
+            names.prepend(QString::fromUtf8(one.shortName));
+        options.append({names, QString::fromUtf8(one.text),
+                        one.value ? QString::fromUtf8(one.value) : QString()});
+    }
+    return options;
+}
+
 } // namespace
 
 bool parseOptions(const QStringList& arguments, Options* options, QString* error) {
     QCommandLineParser parser;
-    const QCommandLineOption storeOption(QStringLiteral("store"), {}, QStringLiteral("URL"));
-    const QCommandLineOption login(QStringLiteral("login"), {}, QStringLiteral("NAME"));
-    const QCommandLineOption workDir(QStringLiteral("work-dir"), {}, QStringLiteral("DIR"));
-    const QCommandLineOption module(QStringLiteral("module"), {}, QStringLiteral("MODULE"));
-    const QCommandLineOption shot(QStringLiteral("screenshot"), {}, QStringLiteral("FILE"));
-    const QCommandLineOption inspect(QStringLiteral("inspect"), {}, QStringLiteral("SOCKET"));
-    const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")});
-    const QCommandLineOption version(QStringList{QStringLiteral("v"), QStringLiteral("version")});
-    parser.addOptions({storeOption, login, workDir, module, shot, inspect, help, version});
+    parser.addOptions(allOptions());
+    const auto isSet = [&](const char* name) { return parser.isSet(QLatin1String(name)); };
+    const auto value = [&](const char* name) { return parser.value(QLatin1String(name)); };
     if (!parser.parse(arguments)) {
         const QStringList unknown = parser.unknownOptionNames();
         *error =
@@ -58,16 +95,24 @@ bool parseOptions(const QStringList& arguments, Options* options, QString* error
                      .arg(parser.positionalArguments().first());
         return false;
     }
-    options->help = parser.isSet(help);
-    options->version = parser.isSet(version);
-    for (const QCommandLineOption& option : {storeOption, login, workDir, module, shot, inspect})
-        if (parser.isSet(option) && parser.value(option).isEmpty()) {
-            *error = QStringLiteral("Пустое значение параметра --%1.").arg(option.names().first());
+    options->help = isSet("help");
+    options->version = isSet("version");
+    options->isSeparate = isSet("separate");
+    for (const OptionText& option : optionTexts)
+        if (option.value && isSet(option.name) && value(option.name).isEmpty()) {
+            *error =
+                QStringLiteral("Пустое значение параметра --%1.").arg(QLatin1String(option.name));
             return false;
         }
+    options->completion = value("completion");
+    if (isSet("completion") && !completion::shells().contains(options->completion)) {
+        *error = QStringLiteral("Оболочки «%1» нет среди %2.")
+                     .arg(options->completion, completion::shells().join(QLatin1String(", ")));
+        return false;
+    }
 
-    options->store = parser.isSet(storeOption) ? parser.value(storeOption)
-                                               : dataHome() + QStringLiteral("/orvo/orvo.db");
+    options->store = isSet("store") ? value("store") : dataHome() + QStringLiteral("/orvo/orvo.db");
+    options->isDefaultStore = !isSet("store");
     store::StoreUrl url;
     const store::Status status = url.parse(options->store.toStdString());
     if (!status.ok()) {
@@ -76,25 +121,21 @@ bool parseOptions(const QStringList& arguments, Options* options, QString* error
     }
     if (url.isPath())
         options->store = absolute(QString::fromStdString(url.file()));
-    options->login = parser.isSet(login) ? parser.value(login) : systemLogin();
+    options->login = isSet("login") ? value("login") : systemLogin();
     if (options->login.isEmpty()) {
         *error = QStringLiteral("Имя пользователя неизвестно; задайте --login NAME.");
         return false;
     }
-    options->workDir = absolute(parser.isSet(workDir) ? parser.value(workDir)
-                                                      : dataHome() + QStringLiteral("/orvo/work"));
+    options->workDir =
+        absolute(isSet("work-dir") ? value("work-dir") : dataHome() + QStringLiteral("/orvo/work"));
     if (!options->workDir.endsWith(QLatin1Char('/')))
         options->workDir += QLatin1Char('/');
-    if (parser.isSet(shot))
-        options->screenshot = absolute(parser.value(shot));
-    options->inspect = parser.value(inspect);
+    if (isSet("screenshot"))
+        options->screenshot = absolute(value("screenshot"));
+    options->inspect = value("inspect");
 
-    const QStringList known{QStringLiteral("Menu"), QStringLiteral("Resources")};
-    for (const QString& asked : parser.values(module)) {
-        QString name;
-        for (const QString& candidate : known)
-            if (candidate.compare(asked, Qt::CaseInsensitive) == 0)
-                name = candidate;
+    for (const QString& asked : parser.values(QStringLiteral("module"))) {
+        const QString name = moduleNamed(asked);
         if (name.isEmpty()) {
             *error = QStringLiteral("Неизвестный модуль «%1»; есть Menu и Resources.").arg(asked);
             return false;
@@ -102,29 +143,67 @@ bool parseOptions(const QStringList& arguments, Options* options, QString* error
         if (!options->modules.contains(name))
             options->modules << name;
     }
+    options->askedModules = options->modules;
     if (options->modules.isEmpty())
-        options->modules = known;
+        options->modules = knownModules();
     return true;
 }
 
+const QStringList& knownModules() {
+    static const QStringList names{QStringLiteral("Menu"), QStringLiteral("Resources")};
+    return names;
+}
+
+QString moduleNamed(const QString& asked) {
+    for (const QString& name : knownModules())
+        if (name.compare(asked, Qt::CaseInsensitive) == 0)
+            return name;
+    return {};
+}
+
 QString helpText() {
-    return QStringLiteral(
-        "orvo-client: клиент инженера: редактор меню и редактор ресурсов.\n"
-        "\n"
-        "orvo-client [--store URL] [--login NAME] [--work-dir DIR]\n"
-        "            [--module Menu|Resources]... [--screenshot FILE] [--inspect SOCKET]\n"
-        "\n"
-        "  --store URL        хранилище: sqlite:///путь/orvo.db, просто путь или postgresql://…\n"
-        "                     (иначе $XDG_DATA_HOME/orvo/orvo.db)\n"
-        "  --login NAME       пользователь, от имени которого идёт запись (иначе $USER)\n"
-        "  --work-dir DIR     рабочий каталог с копией файловой области в files/\n"
-        "                     (иначе $XDG_DATA_HOME/orvo/work)\n"
-        "  --module MODULE    открыть этот модуль; можно повторять (иначе открываются оба)\n"
-        "  --screenshot FILE  открыть модули, записать снимок окна в PNG и завершиться\n"
-        "  --inspect SOCKET   отвечать через локальный сокет, что стоит в окнах и таблицах (для\n"
-        "                     поддержки и проверок; только чтение, только этому пользователю)\n"
-        "  -h, --help         эта справка\n"
-        "  -v, --version      версия\n");
+    constexpr int column = 21, width = 96;
+    const QLatin1Char blank(' ');
+    QString usage = QStringLiteral("orvo-client"), table;
+    int filled = usage.size();
+    for (const OptionText& option : optionTexts) {
+        const QString name = QLatin1String("--") + QLatin1String(option.name);
+        const QString value = QLatin1String(option.value ? option.value : "");
+        const bool isChoice = value.contains(QLatin1Char('|'));
+        const QString inUsage = QLatin1String(" [") +
+                                (value.isEmpty() ? name : name + blank + value) +
+                                QLatin1String(qstrcmp(option.name, "module") == 0 ? "]..." : "]");
+        if (filled + inUsage.size() > width) {
+            usage += QStringLiteral("\n           ");
+            filled = 11;
+        }
+        usage += inUsage;
+        filled += inUsage.size();
+
+        QString line = QLatin1String("  ") + name;
+        if (option.shortName)
+            line.insert(2,
+                        QLatin1Char('-') + QLatin1String(option.shortName) + QLatin1String(", "));
+        if (!isChoice && !value.isEmpty())
+            line += blank + value;
+        line = line.leftJustified(column - 1);
+        const QString text =
+            (isChoice ? value + QLatin1String(": ") : QString()) + QString::fromUtf8(option.text);
+        for (const QString& word : text.split(blank)) {
+            if (line.size() + word.size() > width) {
+                table += line + QLatin1Char('\n');
+                line = QString(column - 1, blank);
+            }
+            line += blank + word;
+        }
+        table += line + QLatin1Char('\n');
+    }
+    return QStringLiteral("orvo-client: клиент инженера: редактор меню и редактор ресурсов.\n\n") +
+           usage + QStringLiteral("\n\n") + table;
+}
+
+QString completionText(const QString& shell) {
+    return completion::script(shell, {QStringLiteral("orvo-client"), allOptions(), {}});
 }
 
 QString versionText() {

@@ -8,15 +8,24 @@
 namespace orvo::app {
 
 struct Options {
-    QString store; ///< URL or absolute path
+    QString store;               ///< URL or absolute path
+    bool isDefaultStore = false; ///< nobody named it
     QString login;
-    QString workDir;     ///< absolute, with the separator at its end
-    QStringList modules; ///< "Menu", "Resources", in the order asked for; both if none was
-    QString screenshot;  ///< empty: none
-    QString inspect;     ///< name of the socket that answers questions; empty: none
+    QString workDir;          ///< absolute, with the separator at its end
+    QStringList askedModules; ///< those that the command line names
+    QStringList modules;      ///< "Menu", "Resources", in the order asked for; both if none was
+    QString screenshot;       ///< empty: none
+    QString inspect;          ///< name of the socket that answers questions; empty: none
+    bool isSeparate = false;  ///< do not ask a running client to open the modules
     bool help = false;
     bool version = false;
+    QString completion; ///< the shell that asks for its script; empty: none
 };
+
+/// The names of the modules that can be asked for.
+const QStringList& knownModules();
+/// The one of them that equals the word without regard to case; empty if none does.
+QString moduleNamed(const QString& asked);
 
 /// Reads the arguments (the first is the program's name) and fills in the defaults from the
 /// environment. False, with one line in `error`, for what cannot be meant.
@@ -24,6 +33,8 @@ bool parseOptions(const QStringList& arguments, Options* options, QString* error
 
 /// The text of --help, lines ended.
 QString helpText();
+/// What the shell of the options reads to complete our command line.
+QString completionText(const QString& shell);
 /// The text of --version, line ended.
 QString versionText();
 

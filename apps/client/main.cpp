@@ -1,5 +1,6 @@
 // orvo-client: the engineer's client. Exit codes: 0 done, 1 could not work, 2 wrong command line.
 #include "apps/client/Client.h"
+#include "apps/client/Instance.h"
 #include "apps/client/Look.h"
 #include "apps/client/MainWindow.h"
 #include "apps/client/Options.h"
@@ -8,6 +9,7 @@
 #include "platform/store/StoreUrl.h"
 
 #include <QApplication>
+#include <QIcon>
 
 #include <cstdio>
 #include <cstdlib>
@@ -31,6 +33,14 @@ void onStartMessage(QtMsgType type, const QMessageLogContext&, const QString& te
     std::_Exit(1);
 }
 
+/// That of the desktop's theme, so that window and menu entry look alike; else our own.
+QIcon applicationIcon() {
+    QIcon own;
+    for (const int size : {16, 24, 32, 48, 64, 128, 256})
+        own.addFile(QStringLiteral(":/orvo/app/%1").arg(size));
+    return QIcon::fromTheme(QLatin1String(orvo::app::applicationId), own);
+}
+
 } // namespace
 
 int main(int argc, char* argv[]) {
@@ -42,8 +52,10 @@ int main(int argc, char* argv[]) {
     const bool pane = orvo::app::isWaitPane(argc, argv);
     if (!pane && !orvo::app::parseOptions(arguments, &options, &error))
         return refuse(2, error);
-    if (options.help || options.version) {
-        const QString text = options.help ? orvo::app::helpText() : orvo::app::versionText();
+    if (options.help || options.version || !options.completion.isEmpty()) {
+        const QString text = options.help      ? orvo::app::helpText()
+                             : options.version ? orvo::app::versionText()
+                                               : orvo::app::completionText(options.completion);
         return std::fputs(text.toUtf8().constData(), stdout) < 0 ? 1 : 0;
     }
     error = orvo::app::displayProblem();
@@ -58,12 +70,21 @@ int main(int argc, char* argv[]) {
     const QtMessageHandler usual = qInstallMessageHandler(onStartMessage);
     QApplication application(qtArgc, qtArgv);
     qInstallMessageHandler(usual);
-    QCoreApplication::setApplicationName(QStringLiteral("orvo-client"));
+    // One name for the window's class, the desktop entry, the icon and the metadata.
+    QCoreApplication::setApplicationName(QLatin1String(orvo::app::applicationId));
+    QGuiApplication::setDesktopFileName(QLatin1String(orvo::app::applicationId));
+    QApplication::setWindowIcon(applicationIcon());
     orvo::app::applyTheme();
     if (pane)
         return orvo::app::runWaitPane(arguments);
 
+    orvo::app::Instance instance(options);
+    if (options.screenshot.isEmpty() && !options.isSeparate &&
+        instance.take(options.inspect.isEmpty()) == orvo::app::Instance::Role::Further)
+        return 0;
     orvo::app::Client client(options);
+    QObject::connect(&instance, &orvo::app::Instance::requested, &client,
+                     &orvo::app::Client::openFurther);
     if (!client.open(&error))
         return refuse(1, error);
     client.show();

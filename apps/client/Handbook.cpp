@@ -1,0 +1,90 @@
+#include "apps/client/Handbook.h"
+
+#include "apps/client/Installation.h"
+
+#include <QAction>
+#include <QFileInfo>
+#include <QTextBrowser>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+namespace orvo::app {
+
+namespace {
+
+constexpr char guide[] = "user-guide.html";
+
+} // namespace
+
+const std::vector<PaneChapter>& paneChapters() {
+    static const std::vector<PaneChapter> all = {
+        {"OrvoMenu", "CPopObjectList", "desktop"}, {"OrvoMenu", "tvDesck", "desktop"},
+        {"OrvoMenu", "tvMenu", "order"},           {"OrvoMenu", "tvProp", "passport"},
+        {"OrvoResources", "tvRes", "resources"},   {"OrvoResources", "tvProp", "modules"},
+        {"OrvoResources", "toolBar", "search"},    {"", "OrvoMenu", "menu"},
+        {"", "OrvoResources", "resources"},        {"", "formWindow", "forms"},
+        {"", "unwrittenPane", "unwritten"},        {"", "logPane", "trouble"},
+    };
+    return all;
+}
+
+QString chapterOf(const QWidget* widget) {
+    const auto isInside = [](const QWidget* inner, const char* name) {
+        for (; inner; inner = inner->parentWidget())
+            if (inner->objectName() == QLatin1String(name))
+                return true;
+        return false;
+    };
+    for (const PaneChapter& one : paneChapters())
+        if ((!*one.module || isInside(widget, one.module)) && isInside(widget, one.pane))
+            return QString::fromUtf8(one.chapter);
+    return QStringLiteral("main");
+}
+
+Handbook::Handbook(QWidget* parent)
+    : QWidget(parent, Qt::Window)
+    , m_browser(new QTextBrowser(this)) {
+    setObjectName(QStringLiteral("handbook"));
+    setWindowTitle(QStringLiteral("Руководство"));
+    m_browser->setObjectName(QStringLiteral("handbookText"));
+    auto* bar = new QToolBar(this);
+    QAction* back = bar->addAction(QStringLiteral("Назад"), m_browser, &QTextBrowser::backward);
+    QAction* forward = bar->addAction(QStringLiteral("Вперёд"), m_browser, &QTextBrowser::forward);
+    back->setShortcut(QKeySequence::Back);
+    forward->setShortcut(QKeySequence::Forward);
+    back->setEnabled(false);
+    forward->setEnabled(false);
+    connect(m_browser, &QTextBrowser::backwardAvailable, back, &QAction::setEnabled);
+    connect(m_browser, &QTextBrowser::forwardAvailable, forward, &QAction::setEnabled);
+    bar->addAction(QStringLiteral("Руководство инженера"), this, [this] {
+        QString ignored;
+        open({}, &ignored);
+    });
+    bar->addAction(QStringLiteral("Страница администратора"), this, [this] {
+        m_browser->setSource(
+            QUrl::fromLocalFile(installation::handbookPage(QStringLiteral("administrator.html"))));
+    });
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(bar);
+    layout->addWidget(m_browser);
+    resize(900, 760);
+}
+
+bool Handbook::open(const QString& chapter, QString* error) {
+    const QString file = installation::handbookPage(QLatin1String(guide));
+    if (!QFileInfo(file).isReadable()) {
+        *error = QStringLiteral("Руководство не установлено: файла %1 нет.").arg(file);
+        return false;
+    }
+    show(); // before the place is looked for: it depends on the width
+    QUrl url = QUrl::fromLocalFile(file);
+    url.setFragment(chapter);
+    m_browser->setSource(url);
+    raise();
+    activateWindow();
+    return true;
+}
+
+} // namespace orvo::app
