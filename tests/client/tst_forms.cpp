@@ -78,7 +78,7 @@ private slots:
         bench.put({{"a.ui", designerForm}});
         auto window = bench.open("a.ui");
         FormView* view = currentView(*window);
-        QTRY_VERIFY_WITH_TIMEOUT(!view->canvas()->image().isNull(), patienceMs);
+        QTRY_VERIFY_WITH_TIMEOUT(!view->canvas()->image().isNull(), timeoutMs);
         QGuiApplication::clipboard()->setText("before");
         QWidget* canvas = canvasOf(*view);
         window->activateWindow();
@@ -275,12 +275,12 @@ private slots:
         auto window = bench.open("котёл_");
         QVERIFY(window);
         FormView* view = currentView(*window);
-        QTRY_COMPARE_WITH_TIMEOUT(view->state(), FormView::State::Failed, patienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(view->state(), FormView::State::Failed, timeoutMs);
         const QString text = view->findChild<QLabel*>("failureLabel")->text();
         QVERIFY2(text.contains("памяти"), qPrintable(text));
         bench.put({{"a.ui", designerForm}});
         auto next = bench.open("a.ui");
-        QTRY_COMPARE_WITH_TIMEOUT(currentView(*next)->state(), FormView::State::Shown, patienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(currentView(*next)->state(), FormView::State::Shown, timeoutMs);
     }
 
     void aMissingViewerIsSaid() {

@@ -160,14 +160,14 @@ private slots:
         QVERIFY(bench.start());
         const bool lite = bench.kind->name() == "sqlite";
         const auto set = [&](const QString& bytes) { // of the file whose size is 3
-            return bench.byHand(lite
-                                    ? QString("UPDATE \"MenuResourceFile\" SET \"data\" = "
-                                              "CAST('%1' AS BLOB) WHERE \"size\" = 3")
-                                          .arg(bytes)
-                                    : QString("UPDATE \"MenuResourceFileData\" SET \"data\" = '%1' "
-                                              "WHERE \"KeyLink\" IN (SELECT \"KeyLink\" FROM "
-                                              "\"MenuResourceFile\" WHERE \"size\" = 3)")
-                                          .arg(bytes));
+            return bench.byHand(
+                lite ? QString("UPDATE \"MenuResourceFile\" SET \"data\" = "
+                               "CAST('%1' AS BLOB), \"size\" = length('%1') WHERE \"size\" = 3")
+                           .arg(bytes)
+                     : QString("UPDATE \"MenuResourceFileData\" SET \"data\" = '%1' "
+                               "WHERE \"KeyLink\" IN (SELECT \"KeyLink\" FROM "
+                               "\"MenuResourceFile\" WHERE \"size\" = 3)")
+                           .arg(bytes));
         };
         QVERIFY(set("two")); // of the same length and time
         QTRY_COMPARE(bench.local("icons/a.png"), QByteArray("two"));

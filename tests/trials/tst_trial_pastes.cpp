@@ -78,8 +78,8 @@ private:
             bytes.insert(at, bytes.mid(below(bytes.size()), length));
             break;
         case 4: { // a number, where one may be
-            const quint32 numbers[] = {0,          1,      0x7FFFFFFF, 0x80000000,
-                                       0xFFFFFFFF, 0xFFFF, m_random()};
+            const quint32 numbers[] = {
+                0, 1, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF, 0xFFFF, static_cast<quint32>(m_random())};
             const quint32 number = numbers[below(7)];
             bytes.replace(at, 4, reinterpret_cast<const char*>(&number), 4);
             break;
