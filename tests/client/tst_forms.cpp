@@ -258,31 +258,6 @@ private slots:
         QVERIFY2(text.contains("памяти") || text.contains("завершился"), qPrintable(text));
     }
 
-    void aFormThatTakesTooMuchMemoryIsEndedAndTheNextIsShown() {
-        FormBench bench;
-        bench.limits.memory = 256 << 20;
-        QByteArray form = "<ui version=\"4.0\"><widget class=\"QWidget\" name=\"Form\">";
-        QList<QPair<QString, QByteArray>> files;
-        const QByteArray picture = png(7000, 6000); // 160 MiB each when it is painted
-        for (const char* name : {"a", "b", "c"}) {
-            form += QByteArray("<widget class=\"QLabel\" name=\"") + name +
-                    "\"><property name=\"pixmap\"><pixmap>" + name +
-                    ".png</pixmap></property></widget>";
-            files.append({QString(name) + ".png", picture});
-        }
-        files.prepend({"котёл_", form + "</widget></ui>"});
-        bench.put(files);
-        auto window = bench.open("котёл_");
-        QVERIFY(window);
-        FormView* view = currentView(*window);
-        QTRY_COMPARE_WITH_TIMEOUT(view->state(), FormView::State::Failed, timeoutMs);
-        const QString text = view->findChild<QLabel*>("failureLabel")->text();
-        QVERIFY2(text.contains("памяти"), qPrintable(text));
-        bench.put({{"a.ui", designerForm}});
-        auto next = bench.open("a.ui");
-        QTRY_COMPARE_WITH_TIMEOUT(currentView(*next)->state(), FormView::State::Shown, timeoutMs);
-    }
-
     void aMissingViewerIsSaid() {
         FormBench bench;
         bench.program = "/nowhere/orvo-form-view";
