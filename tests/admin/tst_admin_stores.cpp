@@ -173,7 +173,7 @@ void TestAdminStores::listingsForPrograms() {
     QVERIFY(m_kind.byHand("INSERT INTO \"MenuResourceFolder\" VALUES ('a', 'b', 1, 'А'), "
                           "('b', 'a', 1, 'Б');"));
     const QJsonArray findings = objects(run({"check", "--json"}));
-    QVERIFY(findings.size() >= 3);
+    QVERIFY(findings.size() >= 2); // the circle, and the summary
     QCOMPARE(findings[0].toObject()["severity"].toString(), QString("error"));
     QCOMPARE(findings[0].toObject()["table"].toString(), QString("MenuResourceFolder"));
     QVERIFY(findings.last().toObject()["errors"].toInt() >= 1); // the summary
