@@ -247,7 +247,7 @@ private slots:
         const QString shot = place.dir.path() + "/shot.png";
         Result result = place.run(place.usual({"--screenshot", shot}));
         QVERIFY2(result.errors.isEmpty(), qPrintable(result.errors.join('\n')));
-        QCOMPARE(result.code, 0);
+        QVERIFY2(result.code == 0, qPrintable(result.errors.join(QChar(10))));
         const QImage image(shot);
         QVERIFY(image.width() > 600);
         QSet<QRgb> colours;
@@ -284,7 +284,7 @@ private slots:
         Result result =
             place.run(place.usual(), {"ORVO_TEST_LIFE=" + life, "ORVO_TEST_CLOSE=Resources"});
         QVERIFY2(result.errors.isEmpty(), qPrintable(result.errors.join('\n')));
-        QCOMPARE(result.code, 0);
+        QVERIFY2(result.code == 0, qPrintable(result.errors.join(QChar(10))));
         QCOMPARE(linesOf(life),
                  QStringList({"Menu start", "Resources start", "Resources close", "Resources stop",
                               "Resources gone", "Menu close", "Menu stop", "Menu gone"}));
@@ -296,7 +296,7 @@ private slots:
         Result result = place.run(place.usual({"--module", "Menu"}),
                                   {"ORVO_TEST_LIFE=" + life, "ORVO_TEST_CLOSE=Menu in a menu"});
         QVERIFY(!result.crashed);
-        QCOMPARE(result.code, 0);
+        QVERIFY2(result.code == 0, qPrintable(result.errors.join(QChar(10))));
         QCOMPARE(linesOf(life), QStringList({"Menu start", "Menu menu left", "Menu close",
                                              "Menu stop", "Menu gone"}));
     }
@@ -364,7 +364,7 @@ private slots:
         const QString shot = place.dir.path() + "/shot.png";
         Result result = place.run(place.usual({"--module", "Menu", "--screenshot", shot}),
                                   {"ORVO_TEST_RUN_FILE=no such form"});
-        QCOMPARE(result.code, 0);
+        QVERIFY2(result.code == 0, qPrintable(result.errors.join(QChar(10))));
     }
 };
 
