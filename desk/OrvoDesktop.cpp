@@ -1,0 +1,293 @@
+#include "desk/OrvoDesktop.h"
+
+#include "desk/Columns.h"
+#include "desk/DeskView.h"
+#include "desk/ElementList.h"
+#include "frame/Launch.h"
+#include "frame/Notification.h"
+#include "frame/Records.h"
+#include "frame/RowDelegate.h"
+#include "frame/Vocabulary.h"
+#include "frame/WindowParts.h"
+
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+using namespace orvo::desk;
+
+namespace {
+
+constexpr int logError = 5;
+constexpr size_t mostHits = 100;
+
+QString quoted(const QString& text) {
+    return QStringLiteral("«%1»").arg(orvo::displayLine(text));
+}
+
+/// A text of any origin in a label that wraps and shows it as it stands.
+QLabel* makeNotice(QWidget* parent, const char* name) {
+    auto* label = new QLabel(parent);
+    label->setObjectName(QString::fromLatin1(name));
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    label->setMargin(8);
+    label->hide();
+    return label;
+}
+
+} // namespace
+
+OrvoDesktop::OrvoDesktop(COrvoCliApp* app)
+    : COrvoCliMod(app)
+    , m_records(*this)
+    , m_model(std::make_unique<DeskModel>(orvo::iconsPath(*this)))
+    , m_rows(std::make_unique<DeskRows>(*m_model, m_records))
+    , m_search(std::make_unique<Search>(*m_model)) {
+    setObjectName(QStringLiteral("OrvoDesktop"));
+    makeWidgets();
+}
+
+OrvoDesktop::~OrvoDesktop() {
+    delete takeCentralWidget(); // the views go before their model
+}
+
+void OrvoDesktop::makeWidgets() {
+    auto* panel = new QWidget(this);
+    m_notice = makeNotice(panel, "deskNotice");
+    m_notice->setFrameShape(QFrame::StyledPanel);
+    m_edSearch = new QLineEdit(panel);
+    m_edSearch->setObjectName(QStringLiteral("deskSearch"));
+    m_edSearch->setAccessibleName(QStringLiteral("Поиск в меню"));
+    m_edSearch->setPlaceholderText(QStringLiteral("Поиск..."));
+    m_edSearch->setMinimumHeight(DeskDelegate::rowHeight);
+    m_edSearch->setMaxLength(200);
+    m_edSearch->addAction(orvo::image("search1"), QLineEdit::LeadingPosition);
+    m_edSearch->setClearButtonEnabled(true);
+    m_edSearch->installEventFilter(this);
+    m_view = new DeskView(panel);
+    m_view->setDeskModel(m_model.get());
+    m_hits = new ElementList(*m_model, QStringLiteral("deskHits"), panel);
+    m_hits->setAccessibleName(QStringLiteral("Найдено"));
+    m_nothing = makeNotice(panel, "deskNothing");
+    m_nothing->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
+    m_pages = new QStackedWidget(panel);
+    for (QWidget* page : {static_cast<QWidget*>(m_view), static_cast<QWidget*>(m_hits),
+                          static_cast<QWidget*>(m_nothing)})
+        m_pages->addWidget(page);
+    m_recentList = new ElementList(*m_model, QStringLiteral("deskRecent"), panel);
+    m_recentList->setAccessibleName(QStringLiteral("Последние"));
+    m_recentList->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    m_recentList->setFocusPolicy(Qt::TabFocus);
+
+    auto* layout = new QVBoxLayout(panel);
+    layout->setContentsMargins(4, 4, 4, 4);
+    layout->addWidget(m_notice);
+    layout->addWidget(m_edSearch);
+    layout->addWidget(m_pages, 1);
+    layout->addWidget(m_recentList);
+    setCentralWidget(panel);
+    setFocusProxy(m_view);
+
+    connect(m_edSearch, &QLineEdit::textChanged, this, &OrvoDesktop::searchChanged);
+    connect(m_view, &DeskView::chosen, this, &OrvoDesktop::launch);
+    connect(m_view, &DeskView::typed, this, [this](const QString& text) {
+        m_edSearch->setFocus();
+        m_edSearch->setText(text);
+    });
+    for (ElementList* list : {m_hits, m_recentList})
+        connect(list, &ElementList::chosen, this, &OrvoDesktop::launch, Qt::QueuedConnection);
+}
+
+void OrvoDesktop::SetParamMod(QString name, QString value) {
+    if (name == QLatin1String("desktop"))
+        m_wanted = std::move(value);
+}
+
+bool OrvoDesktop::refuseStart(const QString& why) {
+    m_app->m_logModule->LogFile(logError, QStringLiteral("OrvoDesktop"), why);
+    tell(why);
+    return false;
+}
+
+bool OrvoDesktop::ModuleStart() {
+    FoundDesktop found;
+    QString error;
+    if (!m_records.find(m_wanted, &found, &error))
+        return refuseStart(error);
+    if (found.count == 0)
+        return refuseStart(QStringLiteral("Рабочего стола %1 нет.").arg(quoted(m_wanted)));
+    if (found.count > 1)
+        return refuseStart(
+            QStringLiteral("Рабочих столов с названием %1 несколько; назовите путь или ключ.")
+                .arg(quoted(m_wanted)));
+    if (!m_records.open(found.key))
+        return refuseStart(
+            QStringLiteral("Меню рабочего стола %1 не прочитано.").arg(quoted(found.caption)));
+    m_rows->fill();
+    m_recent = std::make_unique<Recent>(found.key);
+    showRecent();
+    SetModTitle(found.caption, QString());
+    return true;
+}
+
+void OrvoDesktop::MessageOn() {
+    const DeskView::Keep keep(*m_view);
+    m_changed = false;
+    COrvoCliMod::MessageOn();
+    if (m_changed)
+        rowsChanged();
+}
+
+bool OrvoDesktop::MessageData(MDXCliParam* prm) {
+    const orvo::Notification change(prm);
+    if (!change.isTableEvent() || m_records.desktop().isEmpty())
+        return true;
+    if (change.isFor(orvo::table::Menu)) {
+        if (m_records.take(change)) {
+            m_rows->follow(change.key());
+            m_changed = true;
+        }
+    } else if (change.isFor(orvo::table::MenuResource)) {
+        resourceChanged(change.key());
+    } else if (change.isFor(orvo::table::MenuFolder) &&
+               orvo::sameText(change.key(), m_records.desktop())) {
+        desktopChanged(change);
+    }
+    return true;
+}
+
+/// What the server did not answer while it was away is read now.
+void OrvoDesktop::ModSesReconnect() {
+    if (!m_records.hasGaps())
+        return;
+    const DeskView::Keep keep(*m_view);
+    if (!m_records.open(m_records.desktop()))
+        return;
+    m_rows->fill();
+    rowsChanged();
+}
+
+void OrvoDesktop::resourceChanged(const QString& key) {
+    if (!m_records.knowsResource(key))
+        return;
+    m_records.forgetResource(key);
+    for (const QString& element : m_records.elementsOf(key))
+        m_rows->refresh(element);
+    m_changed = true;
+}
+
+void OrvoDesktop::desktopChanged(const orvo::Notification& change) {
+    if (change.action() == OrvoEventDelete) {
+        tell(QStringLiteral("Этот рабочий стол удалён. Показано его последнее состояние."));
+        return;
+    }
+    FoundDesktop found;
+    QString error;
+    if (m_records.find(m_records.desktop(), &found, &error) && found.count == 1) {
+        SetModTitle(found.caption, QString());
+        m_notice->hide(); // it is there again
+    }
+}
+
+void OrvoDesktop::rowsChanged() {
+    m_search->invalidate();
+    if (!m_edSearch->text().isEmpty())
+        searchChanged(m_edSearch->text());
+    showRecent();
+}
+
+void OrvoDesktop::tell(const QString& text) {
+    m_notice->setText(text);
+    m_notice->setVisible(!text.isEmpty());
+}
+
+void OrvoDesktop::showRecent() {
+    std::vector<Hit> hits;
+    for (const QString& key : m_recent ? m_recent->keys() : QStringList())
+        if (const QModelIndex row = m_model->findIndexByKey(key); row.isValid())
+            hits.push_back({key, row.data().toString(), {}});
+    m_recentList->show(hits, false);
+    m_recentList->setVisible(!hits.empty());
+}
+
+void OrvoDesktop::searchChanged(const QString& text) {
+    if (text.trimmed().isEmpty()) {
+        m_pages->setCurrentWidget(m_view);
+        return;
+    }
+    const std::vector<Hit> hits = m_search->find(text, mostHits);
+    m_hits->show(hits, true);
+    if (hits.empty())
+        m_nothing->setText(QStringLiteral("Ничего не найдено."));
+    m_pages->setCurrentWidget(hits.empty() ? static_cast<QWidget*>(m_nothing) : m_hits);
+}
+
+bool OrvoDesktop::eventFilter(QObject* watched, QEvent* event) {
+    if (watched != m_edSearch || event->type() != QEvent::KeyPress)
+        return COrvoCliMod::eventFilter(watched, event);
+    auto* key = static_cast<QKeyEvent*>(event);
+    switch (key->key()) {
+    case Qt::Key_Escape:
+        m_edSearch->clear();
+        m_view->setFocus();
+        return true;
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+    case Qt::Key_Return:
+    case Qt::Key_Enter: {
+        QWidget* page = m_pages->currentWidget();
+        if (page == m_nothing)
+            return true;
+        if (page == m_view)
+            m_view->setFocus();
+        QCoreApplication::sendEvent(page, event);
+        return true;
+    }
+    default:
+        return COrvoCliMod::eventFilter(watched, event);
+    }
+}
+
+void OrvoDesktop::launch(const QString& key) {
+    const QModelIndex row = m_model->findIndexByKey(key);
+    if (!row.isValid()) {
+        tell(QStringLiteral("Этого элемента в меню больше нет."));
+        return;
+    }
+    if (DeskModel::isFolder(row)) {
+        m_edSearch->clear();
+        m_view->showElement(key);
+        m_view->expand(row);
+        return;
+    }
+    orvo::LaunchRequest request;
+    request.key = key;
+    request.caption = row.data().toString();
+    request.kind = DeskModel::value(row, DeskColumn::Kind).toInt();
+    request.name = DeskModel::value(row, DeskColumn::Name).toString();
+    request.params = DeskModel::value(row, DeskColumn::Params).toString();
+    request.oneCopy = DeskModel::value(row, DeskColumn::OneCopy).toBool();
+    if (request.kind == missingResource) {
+        request.refusal = DeskModel::value(row, DeskColumn::Note).toString();
+    } else {
+        if (request.kind == orvo::Kind::File)
+            request.path = m_records.pathOf(DeskModel::value(row, DeskColumn::Resource).toString());
+        doCall(orvo::callLaunch, &request);
+    }
+    if (!request.refusal.isEmpty()) {
+        const QString text =
+            QStringLiteral("%1: %2").arg(orvo::displayLine(request.caption), request.refusal);
+        LogFile(logError, QStringLiteral("OrvoDesktop"), text);
+        tell(text);
+        return;
+    }
+    m_notice->hide();
+    m_edSearch->clear();
+    m_recent->use(key);
+    showRecent();
+}

@@ -1,0 +1,497 @@
+// The operator's desktop over a real store: what it shows, how it follows, what it asks the host
+// for.
+#include "desk/Columns.h"
+#include "desk/DeskView.h"
+#include "desk/ElementList.h"
+#include "desk/OrvoDesktop.h"
+#include "frame/Launch.h"
+#include "tests/menu/ModuleFixture.h"
+#include "tests/models/TreeText.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QRandomGenerator>
+#include <QScopedValueRollback>
+#include <QScrollBar>
+#include <QSettings>
+#include <QStackedWidget>
+#include <QtTest>
+
+using namespace orvo::test;
+using orvo::desk::DeskColumn;
+using orvo::desk::DeskModel;
+using orvo::desk::DeskView;
+using orvo::desk::ElementList;
+
+namespace {
+
+class DeskHost : public TestHost {
+public:
+    using TestHost::TestHost;
+    std::vector<orvo::LaunchRequest> launched;
+    QString refusal;
+
+    void moduleCall(COrvoCliMod*, int code, void* data) override {
+        if (code != orvo::callLaunch)
+            return;
+        auto* request = static_cast<orvo::LaunchRequest*>(data);
+        request->refusal = refusal;
+        launched.push_back(*request);
+    }
+};
+
+void addDesktop(TestStore& store, const char* key, const char* parent, const char* caption,
+                bool folder = false) {
+    store.insert("MenuFolder", {{"KeyLink", key},
+                                {"ParentKey", QString::fromUtf8(parent)},
+                                {"caption", QString::fromUtf8(caption)},
+                                {"order_", folder ? "1000" : "2000"},
+                                {"isFolder", folder}});
+}
+
+void addResource(TestStore& store, const char* key, int kind, const char* name,
+                 const char* folder = nullptr) {
+    store.insert("MenuResource", {{"KeyLink", key},
+                                  {"type_", kind},
+                                  {"name_", QString::fromUtf8(name)},
+                                  {"MenuResourceFolderKey", QString::fromUtf8(folder)}});
+}
+
+void addElement(TestStore& store, const char* key, const char* parent, const char* caption,
+                int order, const char* resource = nullptr, const char* desktop = "d") {
+    store.insert("Menu", {{"KeyLink", key},
+                          {"parent", QString::fromUtf8(parent)},
+                          {"FolderKey", desktop},
+                          {"caption", QString::fromUtf8(caption)},
+                          {"order_", order},
+                          {"MenuResourceKey", QString::fromUtf8(resource)}});
+}
+
+void fillPlant(TestStore& store) {
+    addDesktop(store, "f", nullptr, "Участок 1", true);
+    addDesktop(store, "d", "f", "КС-3");
+    addDesktop(store, "d2", nullptr, "КС-4");
+    addDesktop(store, "d3", "f", "КС-4");
+    addResource(store, "rm", 1, "Trends");
+    addResource(store, "rf", 2, "Reset");
+    addResource(store, "rs", 3, "Pump");
+    store.insert("MenuResourceFolder",
+                 {{"KeyLink", "docs"}, {"type_", 4}, {"caption", "Документы"}});
+    store.insert("MenuResourceFolder",
+                 {{"KeyLink", "plans"}, {"ParentKey", "docs"}, {"type_", 4}, {"caption", "Схемы"}});
+    addResource(store, "rp", 4, "plan.pdf", "plans");
+    addElement(store, "e1", nullptr, "Агрегаты", 1000);
+    addElement(store, "e2", nullptr, "Тренды", 2000, "rm");
+    store.update(
+        "Menu", {{"KeyLink", "e2"}, {"params", "scale=2"}, {"oneCopy", true}, {"separator", true}});
+    addElement(store, "e3", "e1", "Насос №1", 1000, "rs");
+    addElement(store, "e4", "e1", "Ещё", 2000);
+    addElement(store, "e5", "e4", "Сброс счётчика", 1000, "rf");
+    addElement(store, "e6", "e4", "План цеха", 2000, "rp");
+    addElement(store, "x1", nullptr, "Чужое", 1000, "rm", "d2");
+}
+
+struct Desk {
+    TestStore store;
+    std::unique_ptr<DeskHost> host;
+    std::unique_ptr<EditorUnderTest<OrvoDesktop>> module;
+
+    explicit Desk(void (*fill)(TestStore&) = fillPlant) {
+        fill(store);
+        reopen();
+    }
+    void reopen() {
+        module.reset();
+        host = std::make_unique<DeskHost>(store);
+        module = std::make_unique<EditorUnderTest<OrvoDesktop>>(*host, "Desktop");
+    }
+    bool start(const char* name = "d") {
+        (*module)->SetParamMod("desktop", QString::fromUtf8(name));
+        return module->start();
+    }
+    DeskView& view() { return *module->child<DeskView>("deskTree"); }
+    QAbstractItemModel& model() { return *view().model(); }
+    QString tree() { return treetext::print(model(), DeskColumn::Key); }
+    QModelIndex row(const char* key) {
+        return static_cast<DeskModel&>(model()).findIndexByKey(QString::fromUtf8(key));
+    }
+    void deliver() { host->deliver(*module->module); }
+    QString title() const { return host->titles.value(host->titles.size() - 2); }
+    QString notice() {
+        auto* label = module->child<QLabel>("deskNotice");
+        return label->isHidden() ? QString() : label->text();
+    }
+};
+
+const char* plantTree = "Агрегаты #e1\n"
+                        "  Насос №1 #e3\n"
+                        "  Ещё #e4\n"
+                        "    Сброс счётчика #e5\n"
+                        "    План цеха #e6\n"
+                        "Тренды #e2\n";
+
+} // namespace
+
+class TestDesk : public QObject {
+    Q_OBJECT
+private slots:
+    void initTestCase() {
+        QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, m_settings.path());
+    }
+
+    void aDesktopIsFoundByKeyPathOrCaption_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("why");
+        QTest::newRow("key") << "d"
+                             << "";
+        QTest::newRow("key in another case") << "D"
+                                             << "";
+        QTest::newRow("path") << "участок 1 / КС-3"
+                              << "";
+        QTest::newRow("path without blanks") << "Участок 1/КС-3"
+                                             << "";
+        QTest::newRow("caption") << "кс-3"
+                                 << "";
+        QTest::newRow("caption of two, path of one") << "Участок 1/КС-4"
+                                                     << "d3";
+        QTest::newRow("caption of a desktop that is a path too") << "КС-4"
+                                                                 << "d2";
+        QTest::newRow("nothing") << "КС-5"
+                                 << "Рабочего стола «КС-5» нет.";
+        QTest::newRow("a folder") << "f"
+                                  << "Рабочего стола «f» нет.";
+        QTest::newRow("empty") << ""
+                               << "Рабочего стола «» нет.";
+    }
+    void aDesktopIsFoundByKeyPathOrCaption() {
+        QFETCH(QString, name);
+        QFETCH(QString, why);
+        Desk desk;
+        const bool refused = why.endsWith('.');
+        QCOMPARE(desk.start(name.toUtf8()), !refused);
+        QCOMPARE(desk.notice(), refused ? why : QString());
+        if (refused)
+            QVERIFY(desk.host->logLines.last().text.contains(why));
+        else if (why.isEmpty())
+            QCOMPARE(desk.tree(), QString::fromUtf8(plantTree));
+    }
+
+    void theMenuIsShownAsItsElementsSay() {
+        Desk desk;
+        QVERIFY(desk.start());
+        QCOMPARE(desk.tree(), QString::fromUtf8(plantTree));
+        QCOMPARE(desk.title(), QString("КС-3"));
+        QVERIFY(!desk.view().isExpanded(desk.row("e1")));
+        QVERIFY(desk.row("e2").data(DeskModel::SeparatorRole).toBool());
+        const int plain = desk.view().visualRect(desk.row("e1")).height();
+        QVERIFY(plain >= 44);
+        QVERIFY(desk.view().visualRect(desk.row("e2")).height() > plain);
+        QCOMPARE(desk.host->writes().calls.size(), 0);
+    }
+
+    void itReadsItsOwnDesktopAndNothingElse() {
+        Desk desk;
+        for (int i = 0; i < 50; ++i)
+            addElement(desk.store, qPrintable(QString("x%1").arg(i + 10)), nullptr, "Чужое", i,
+                       nullptr, "d2");
+        desk.reopen();
+        QVERIFY(desk.start());
+        QCOMPARE(desk.tree(), QString::fromUtf8(plantTree));
+    }
+
+    void aClickOpensFoldersAndLaunchesElements() {
+        Desk desk;
+        QVERIFY(desk.start());
+        const auto click = [&](const char* key) { clickRow(&desk.view(), desk.row(key)); };
+        click("e1");
+        QVERIFY(desk.view().isExpanded(desk.row("e1")));
+        QVERIFY(desk.host->launched.empty());
+        click("e2");
+        QCOMPARE(desk.host->launched.size(), size_t(1));
+        const orvo::LaunchRequest& trends = desk.host->launched[0];
+        QCOMPARE(trends.key, QString("e2"));
+        QCOMPARE(trends.caption, QString("Тренды"));
+        QCOMPARE(trends.kind, 1);
+        QCOMPARE(trends.name, QString("Trends"));
+        QCOMPARE(trends.params, QString("scale=2"));
+        QVERIFY(trends.oneCopy);
+        click("e2"); // the second half of a double click
+        QCOMPARE(desk.host->launched.size(), size_t(1));
+        click("e4");
+        click("e6");
+        QCOMPARE(desk.host->launched.size(), size_t(2));
+        QCOMPARE(desk.host->launched[1].kind, 4);
+        QCOMPARE(desk.host->launched[1].path, QString("Документы/Схемы"));
+        QCOMPARE(desk.host->launched[1].name, QString("plan.pdf"));
+    }
+
+    void everythingIsReachedByKeys() {
+        Desk desk;
+        QVERIFY(desk.start());
+        DeskView& view = desk.view();
+        view.setFocus();
+        view.setCurrentIndex(desk.row("e1"));
+        QTest::keyClick(&view, Qt::Key_Right);
+        QTest::keyClick(&view, Qt::Key_Down);
+        QTest::keyClick(&view, Qt::Key_Return);
+        QCOMPARE(desk.host->launched.size(), size_t(1));
+        QCOMPARE(desk.host->launched[0].key, QString("e3"));
+        // Letters go to the search, arrows from there to what it found.
+        auto* search = desk.module->child<QLineEdit>("deskSearch");
+        auto* hits = desk.module->child<ElementList>("deskHits");
+        QTest::keyClicks(&view, "p");
+        QTRY_VERIFY(search->hasFocus());
+        search->setText(QString::fromUtf8("еще сброс")); // ё as е, words in any order
+        QCOMPARE(hits->count(), 1);
+        search->setText(QString::fromUtf8("агрегаты"));
+        QCOMPARE(hits->count(), 3);
+        QTest::keyClick(search, Qt::Key_Down);
+        QTest::keyClick(search, Qt::Key_Return);
+        QTRY_COMPARE(desk.host->launched.size(), size_t(2));
+        QCOMPARE(desk.host->launched[1].key, QString("e5"));
+        QVERIFY(search->text().isEmpty());
+        QTest::keyClicks(search, "[.*(");
+        QCOMPARE(desk.module->child<QStackedWidget>("")->currentWidget()->objectName(),
+                 QString("deskNothing"));
+        QTest::keyClick(search, Qt::Key_Escape);
+        QVERIFY(search->text().isEmpty());
+        QVERIFY(view.hasFocus());
+    }
+
+    void whatWasUsedLastIsAtHand() {
+        Desk desk;
+        QVERIFY(desk.start());
+        auto* recent = desk.module->child<ElementList>("deskRecent");
+        const int before = recent->count(); // of earlier cases on this desktop
+        (*desk.module)->launch("e5");
+        (*desk.module)->launch("e2");
+        QVERIFY(recent->isVisible());
+        QVERIFY(recent->count() >= before);
+        QCOMPARE(recent->model()->index(0, 0).data().toString(), QString("Тренды"));
+        QCOMPARE(recent->model()->index(1, 0).data().toString(), QString("Сброс счётчика"));
+        desk.store.remove("Menu", "e5");
+        desk.deliver();
+        for (int i = 0; i < recent->count(); ++i)
+            QVERIFY(recent->model()->index(i, 0).data().toString() != "Сброс счётчика");
+        desk.reopen();
+        QVERIFY(desk.start());
+        recent = desk.module->child<ElementList>("deskRecent");
+        QCOMPARE(recent->model()->index(0, 0).data().toString(), QString("Тренды"));
+    }
+
+    void aRefusalIsShownAndLogged() {
+        Desk desk;
+        QVERIFY(desk.start());
+        desk.host->refusal = QString::fromUtf8("модуля <b>Trends</b> здесь нет");
+        (*desk.module)->launch("e2");
+        QCOMPARE(desk.notice(), QString("Тренды: модуля <b>Trends</b> здесь нет"));
+        QCOMPARE(desk.host->logLines.last().text, desk.notice());
+        desk.host->refusal.clear();
+        (*desk.module)->launch("e2");
+        QCOMPARE(desk.notice(), QString());
+    }
+
+    void whatOthersChangeShowsAtOnceAndMovesNothingElse() {
+        Desk desk;
+        QVERIFY(desk.start());
+        desk.view().expand(desk.row("e1"));
+        desk.view().expand(desk.row("e4"));
+        desk.view().setCurrentIndex(desk.row("e5"));
+        desk.store.update("Menu", {{"KeyLink", "e5"}, {"caption", "Сброс"}});
+        addElement(desk.store, "e0", nullptr, "Обзор", 500, "rs");
+        desk.store.update("Menu", {{"KeyLink", "e1"}, {"order_", 9000}}); // its row is made anew
+        desk.deliver();
+        QCOMPARE(desk.tree(), QString("Обзор #e0\nТренды #e2\nАгрегаты #e1\n  Насос №1 #e3\n"
+                                      "  Ещё #e4\n    Сброс #e5\n    План цеха #e6\n"));
+        QVERIFY(desk.view().isExpanded(desk.row("e1")));
+        QVERIFY(desk.view().isExpanded(desk.row("e4")));
+        QCOMPARE(desk.view().currentIndex(), desk.row("e5"));
+        QCOMPARE(desk.host->launched.size(), size_t(0));
+    }
+
+    void elementsComeFromOtherDesktopsAndGoThere() {
+        Desk desk;
+        QVERIFY(desk.start());
+        desk.store.update("Menu", {{"KeyLink", "e2"}, {"FolderKey", "d2"}});
+        desk.store.update("Menu", {{"KeyLink", "x1"}, {"FolderKey", "d"}});
+        desk.deliver();
+        QCOMPARE(desk.tree(), QString("Агрегаты #e1\n  Насос №1 #e3\n  Ещё #e4\n"
+                                      "    Сброс счётчика #e5\n    План цеха #e6\nЧужое #x1\n"));
+    }
+
+    void aResourceThatGoesOrComesIsSeen() {
+        Desk desk;
+        QVERIFY(desk.start());
+        desk.store.update("MenuResource", {{"KeyLink", "rm"}, {"name_", "Trends2"}});
+        desk.deliver();
+        (*desk.module)->launch("e2");
+        QCOMPARE(desk.host->launched.back().name, QString("Trends2"));
+        desk.store.sql("DELETE FROM \"MenuResource\" WHERE \"KeyLink\" = 'rm'");
+        desk.deliver();
+        QVERIFY(desk.row("e2").data(DeskModel::BrokenRole).toBool());
+        (*desk.module)->launch("e2");
+        QCOMPARE(desk.host->launched.size(), size_t(1));
+        QCOMPARE(desk.notice(), QString("Тренды: Ресурс этого элемента удалён."));
+        addResource(desk.store, "rm", 1, "Trends3");
+        desk.deliver();
+        QVERIFY(!desk.row("e2").data(DeskModel::BrokenRole).toBool());
+    }
+
+    void whatTheServerDoesNotAnswerStaysAsItWasUntilItDoes() {
+        Desk desk;
+        QVERIFY(desk.start());
+        desk.view().expand(desk.row("e1"));
+        desk.store.update("MenuResource", {{"KeyLink", "rm"}, {"name_", "Trends2"}});
+        desk.store.update("Menu", {{"KeyLink", "x1"}, {"FolderKey", "d"}});
+        {
+            const QScopedValueRollback<COrvoCliSes*> away(desk.host->m_session, nullptr);
+            desk.deliver();
+        }
+        QVERIFY(!desk.row("e2").data(DeskModel::BrokenRole).toBool());
+        QVERIFY(!desk.row("x1").isValid());
+        (*desk.module)->ModSesReconnect();
+        (*desk.module)->launch("e2");
+        QCOMPARE(desk.host->launched.back().name, QString("Trends2"));
+        QVERIFY(desk.row("x1").isValid());
+        QVERIFY(desk.view().isExpanded(desk.row("e1")));
+    }
+
+    void aFolderThatBecomesAnElementLosesItsRowsAndBack() {
+        Desk desk;
+        QVERIFY(desk.start());
+        desk.store.update("Menu", {{"KeyLink", "e4"}, {"MenuResourceKey", "rm"}});
+        desk.deliver();
+        QCOMPARE(desk.tree(), QString("Агрегаты #e1\n  Насос №1 #e3\n  Ещё #e4\nТренды #e2\n"));
+        desk.store.update("Menu", {{"KeyLink", "e4"}, {"MenuResourceKey", QString()}});
+        desk.deliver();
+        QCOMPARE(desk.tree(), QString::fromUtf8(plantTree));
+    }
+
+    void aDesktopThatIsRenamedOrDeletedStaysInSight() {
+        Desk desk;
+        QVERIFY(desk.start());
+        desk.store.update("MenuFolder", {{"KeyLink", "d"}, {"caption", "КС-3 Белый Мыс"}});
+        desk.deliver();
+        QCOMPARE(desk.title(), QString("КС-3 Белый Мыс"));
+        desk.store.sql("DELETE FROM \"MenuFolder\" WHERE \"KeyLink\" = 'd'");
+        desk.deliver();
+        QVERIFY(desk.notice().contains("удалён"));
+        QCOMPARE(desk.tree(), QString::fromUtf8(plantTree));
+        addDesktop(desk.store, "d", "f", "КС-3");
+        desk.deliver();
+        QCOMPARE(desk.notice(), QString());
+    }
+
+    void aCircleOfParentsIsNotShown() {
+        Desk desk;
+        QVERIFY(desk.start());
+        desk.store.moveBelow("Menu", "parent", "e1", "e4");
+        desk.deliver();
+        QCOMPARE(desk.tree(), QString("Тренды #e2\n"));
+        desk.reopen();
+        QVERIFY(desk.start());
+        QCOMPARE(desk.tree(), QString("Тренды #e2\n"));
+        desk.store.moveBelow("Menu", "parent", "e1", QString());
+        desk.deliver();
+        QCOMPARE(desk.tree(), QString::fromUtf8(plantTree));
+    }
+
+    void theSearchFollowsTheMenu() {
+        Desk desk;
+        QVERIFY(desk.start());
+        auto* search = desk.module->child<QLineEdit>("deskSearch");
+        auto* hits = desk.module->child<ElementList>("deskHits");
+        search->setText(QString::fromUtf8("насос"));
+        QCOMPARE(hits->count(), 1);
+        addElement(desk.store, "e9", nullptr, "Насос №2", 3000, "rs");
+        desk.deliver();
+        QCOMPARE(hits->count(), 2);
+        desk.store.remove("Menu", "e3");
+        desk.deliver();
+        QCOMPARE(hits->count(), 1);
+    }
+
+    void thousandsOfElementsAreShownAndScrolledWithoutLosingThePlace() {
+        Desk desk([](TestStore& store) {
+            addDesktop(store, "d", nullptr, "КС-3");
+            addResource(store, "rm", 1, "Trends");
+            store.sql("INSERT INTO \"Menu\" (\"KeyLink\", \"FolderKey\", \"caption\", \"order_\", "
+                      "\"MenuResourceKey\") WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + "
+                      "1 FROM n WHERE i < 3000) SELECT 'k' || i, 'd', 'Элемент ' || i, i * 1000, "
+                      "'rm' FROM n");
+        });
+        QVERIFY(desk.start());
+        QCOMPARE(desk.model().rowCount(), 3000);
+        desk.view().scrollTo(desk.row("k1500"), QAbstractItemView::PositionAtTop);
+        const int y = desk.view().visualRect(desk.row("k1500")).top();
+        for (int i = 0; i < 20; ++i)
+            addElement(desk.store, qPrintable(QString("new%1").arg(i)), nullptr, "Новый", 10 + i,
+                       "rm");
+        desk.deliver();
+        QCOMPARE(desk.model().rowCount(), 3020);
+        QCOMPARE(desk.view().visualRect(desk.row("k1500")).top(), y);
+    }
+
+    void afterAnyChangesTheTreeIsThatOfAFreshStart_data() {
+        QTest::addColumn<quint32>("seed");
+        for (quint32 seed : {1u, 7u, 23u})
+            QTest::addRow("seed %u", seed) << seed;
+    }
+    void afterAnyChangesTheTreeIsThatOfAFreshStart() {
+        QFETCH(quint32, seed);
+        Desk desk;
+        QVERIFY(desk.start());
+        QRandomGenerator random(seed);
+        QStringList keys{"e1", "e2", "e3", "e4", "e5", "e6"};
+        const auto any = [&] { return keys[int(random.bounded(quint32(keys.size())))]; };
+        for (int step = 0; step < 120; ++step) {
+            const QString key = any();
+            switch (random.bounded(6u)) {
+            case 0: {
+                const QString parent = random.bounded(2u) ? any() : QString();
+                keys << QString("n%1").arg(step);
+                addElement(desk.store, qPrintable(keys.last()),
+                           parent.isEmpty() ? nullptr : qPrintable(parent), "Новый",
+                           int(random.bounded(10u)) * 500, random.bounded(2u) ? "rm" : nullptr);
+            } break;
+            case 1:
+                if (keys.size() > 4) {
+                    desk.store.sql(qPrintable(
+                        QString("DELETE FROM \"Menu\" WHERE \"KeyLink\" = '%1'").arg(key)));
+                    keys.removeAll(key);
+                }
+                break;
+            case 2:
+                desk.store.moveBelow("Menu", "parent", key, random.bounded(3u) ? any() : QString());
+                break;
+            case 3:
+                desk.store.update(
+                    "Menu", {{"KeyLink", key},
+                             {"MenuResourceKey", random.bounded(2u) ? QString("rm") : QString()}});
+                break;
+            case 4:
+                desk.store.update(
+                    "Menu", {{"KeyLink", key}, {"FolderKey", random.bounded(4u) ? "d" : "d2"}});
+                break;
+            default:
+                desk.store.update("Menu",
+                                  {{"KeyLink", key}, {"order_", int(random.bounded(10u)) * 500}});
+            }
+            if (random.bounded(3u) == 0)
+                desk.deliver();
+            if (const char* broken = static_cast<DeskModel&>(desk.model()).check())
+                QFAIL(broken);
+        }
+        desk.deliver();
+        const QString followed = desk.tree();
+        desk.reopen();
+        QVERIFY(desk.start());
+        QCOMPARE(followed, desk.tree());
+    }
+
+private:
+    QTemporaryDir m_settings;
+};
+
+QTEST_MAIN(TestDesk)
+#include "tst_desk.moc"
