@@ -2,9 +2,9 @@
 
 #include "apps/client/MirrorPaths.h"
 #include "frame/Vocabulary.h"
+#include "platform/client/WholeFile.h"
 
 #include <QFile>
-#include <QSaveFile>
 
 #include <algorithm>
 #include <cerrno>
@@ -277,10 +277,10 @@ void MirrorWorker::readManifest() {
 
 void MirrorWorker::writeManifest() {
     QSaveFile file(m_workDir + QStringLiteral("mirror.list"));
-    bool ok = file.open(QIODevice::WriteOnly);
+    std::string lines;
     for (const auto& known : m_manifest)
-        ok = ok && file.write((known.first + "\n").c_str()) >= 0;
-    if (ok && file.commit())
+        lines += known.first + '\n';
+    if (client::openWhole(file) && client::saveWhole(file, QByteArray::fromStdString(lines)))
         m_touched = false;
     else
         tell(

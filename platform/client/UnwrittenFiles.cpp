@@ -1,12 +1,13 @@
 #include "platform/client/UnwrittenFiles.h"
 
+#include "platform/client/WholeFile.h"
+
 #include <QCborArray>
 #include <QCborMap>
 #include <QCborValue>
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
-#include <QSaveFile>
 #include <QUuid>
 
 #include <algorithm>
@@ -264,12 +265,9 @@ QString UnwrittenFiles::pathOf(const QString& id) const {
 
 bool UnwrittenFiles::save(const UnwrittenEntry& entry, QString* error) {
     QSaveFile file(pathOf(entry.id));
-    if (file.open(QIODevice::WriteOnly) &&
-        file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner)) {
-        file.write(packEntry(entry, m_owner));
-        if (file.commit())
-            return true;
-    }
+    if (openWhole(file) && file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner) &&
+        saveWhole(file, packEntry(entry, m_owner)))
+        return true;
     *error = QStringLiteral("%1 не записан: %2").arg(file.fileName(), file.errorString());
     return false;
 }
