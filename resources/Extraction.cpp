@@ -50,8 +50,8 @@ void logUnwritten(const COrvoCliMod& module, const QString& file, const QString&
         OrvoResources::tr("Файл «%1» не извлечён: %2").arg(file, reason));
 }
 
-/// Writes all of it. What is left after a disk is full is tried again: only that tells the reason,
-/// which the commit would lose.
+/// Writes all of it into a file without a buffer. What is left after a disk is full is tried again:
+/// only that tells the reason, which the commit would lose.
 bool writeWhole(QSaveFile& file, const char* content, qint64 length) {
     while (length > 0) {
         const qint64 written = file.write(content, length);
@@ -60,7 +60,7 @@ bool writeWhole(QSaveFile& file, const char* content, qint64 length) {
         content += written;
         length -= written;
     }
-    return file.flush();
+    return true;
 }
 
 /// Writes the files of a tool's reply into a directory. An existing file is replaced at once and
@@ -87,8 +87,8 @@ void writeFiles(const COrvoCliMod& module, const CMDArray& files, const QString&
         QSaveFile file(directory + name);
         // A file may be writable where its directory is not.
         file.setDirectWriteFallback(true);
-        if (!file.open(QIODevice::WriteOnly) || !writeWhole(file, content, length) ||
-            !file.commit())
+        if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) ||
+            !writeWhole(file, content, length) || !file.commit())
             logUnwritten(module, file.fileName(), file.errorString());
         return true;
     });
