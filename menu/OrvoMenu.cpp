@@ -5,7 +5,7 @@
 #include "frame/Records.h"
 #include "frame/Vocabulary.h"
 #include "frame/WindowParts.h"
-#include "menu/RecordLists.h"
+#include "menu/Fields.h"
 
 #include <QApplication>
 #include <QMenu>

@@ -8,7 +8,7 @@
 //
 // What it shares with every editor is in editor/EditorWindow.h. What is being edited is an object:
 // an ElementEdit or a DesckEdit, of which one is open at most. The fields of the records stand
-// once, in RecordLists.
+// once, in Fields.
 //
 // The sources are split by subject: OrvoMenu (start, tables, notifications' end), Arrangement (the
 // views), Actions (what is switched on when, context menus), DesktopTree, MenuTree and Passports

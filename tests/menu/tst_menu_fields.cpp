@@ -2,7 +2,7 @@
 // operation of the editor.
 #include "tests/menu/OperationsProbe.h"
 
-#include "menu/RecordLists.h"
+#include "menu/Fields.h"
 
 #include <QClipboard>
 

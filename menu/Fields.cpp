@@ -1,4 +1,4 @@
-#include "menu/RecordLists.h"
+#include "menu/Fields.h"
 #include "frame/Vocabulary.h"
 
 #include "menu/Columns.h"
