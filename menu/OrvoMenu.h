@@ -10,7 +10,7 @@
 // an ElementEdit or a DesckEdit, of which one is open at most. The fields of the records stand
 // once, in Fields.
 //
-// The sources are split by subject: OrvoMenu (start, tables, notifications' end), Arrangement (the
+// The sources are split by subject: OrvoMenu (start, tables, notifications' end), ViewSetup (the
 // views), Actions (what is switched on when, context menus), DesktopTree, MenuTree and Passports
 // (filling), CurrentRow (what a move of the current row or the selection does), Notifications (what
 // comes back from the server), Creating (new elements, the picker), Editing (save and cancel),

@@ -5,7 +5,7 @@
 // the right the passport of the current row (tvProp). A change goes to the server, and tables and
 // tree follow when its notification comes back.
 //
-// The sources are split by subject: OrvoResources (start, tables, notifications' end), Arrangement
+// The sources are split by subject: OrvoResources (start, tables, notifications' end), ViewSetup
 // (the views), Actions (what is switched on when, context menu), CurrentRow (what a move of the
 // current row or the selection does), Tree (filling, rows, positions), Passports, Notifications
 // (what comes back from the server), Extraction (paths, files to the disk, opening a form),
