@@ -39,15 +39,15 @@ bool concernsFiles(const store::Change& change) {
     return !record.contains(field::type_) || record[field::type_].toInt() == orvo::Kind::File;
 }
 
-/// After a change of a content. An update that tells of neither size nor time is one of the bytes
-/// alone, made by hand.
-Doubt doubtAfter(const store::Change& change) {
+/// What a change of a content asks for. An update that tells of neither size nor time is one of the
+/// bytes alone, made by hand.
+Recopy recopyAfter(const store::Change& change) {
     if (change.code != OrvoEventUpdate)
-        return Doubt::Untimed;
+        return Recopy::Untimed;
     const QJsonObject after =
         QJsonDocument::fromJson(QByteArray::fromStdString(change.after)).object();
-    return after.contains(orvo::field::size) || after.contains(orvo::field::time) ? Doubt::Untimed
-                                                                                  : Doubt::All;
+    return after.contains(orvo::field::size) || after.contains(orvo::field::time) ? Recopy::Untimed
+                                                                                  : Recopy::All;
 }
 
 } // namespace
@@ -86,7 +86,7 @@ void FileMirror::changed(const store::Change& change) {
     // The file area is the files, the folders that make their paths and the records that name them.
     const bool contents = change.table == orvo::table::MenuResourceFile;
     if (m_worker && (contents || concernsFiles(change)))
-        ask(gatherMs, contents ? doubtAfter(change) : Doubt::None);
+        ask(gatherMs, contents ? recopyAfter(change) : Recopy::None);
 }
 
 void FileMirror::setConnected(bool up) {
@@ -100,15 +100,15 @@ void FileMirror::setConnected(bool up) {
 
 void FileMirror::refresh() {
     if (m_worker)
-        ask(0, Doubt::None);
+        ask(0, Recopy::None);
 }
 
 bool FileMirror::isIdle() const {
     return !m_worker || !m_connected || m_answered == m_asked;
 }
 
-void FileMirror::ask(int milliseconds, Doubt doubt) {
-    m_worker->ask(++m_asked, milliseconds, doubt);
+void FileMirror::ask(int milliseconds, Recopy recopy) {
+    m_worker->ask(++m_asked, milliseconds, recopy);
 }
 
 void FileMirror::finish(uint64_t number) {

@@ -46,7 +46,7 @@ signals:
     void progress(int done, int all);
 
 private:
-    void ask(int milliseconds, Doubt doubt);
+    void ask(int milliseconds, Recopy recopy);
     void finish(uint64_t number);
 
     const StoreOpener m_open;

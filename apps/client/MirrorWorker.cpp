@@ -68,13 +68,13 @@ MirrorWorker::~MirrorWorker() {
     m_thread.join();
 }
 
-void MirrorWorker::ask(uint64_t number, int milliseconds, Doubt doubt) {
+void MirrorWorker::ask(uint64_t number, int milliseconds, Recopy recopy) {
     {
         const std::lock_guard lock(m_mutex);
         const auto due = Clock::now() + std::chrono::milliseconds(milliseconds);
         // Who asks again does not put off what was asked before.
         m_due = m_asked == 0 || m_due < Clock::now() ? due : std::min(m_due, due);
-        m_doubt = std::max(m_doubt, doubt);
+        m_recopy = std::max(m_recopy, recopy);
         m_asked = number;
     }
     m_wake.notify_all();
@@ -113,12 +113,12 @@ void MirrorWorker::run() {
             m_wake.wait_until(lock, m_due);
         } else {
             done = m_asked;
-            const Doubt doubt = std::exchange(m_doubt, Doubt::None);
+            const Recopy recopy = std::exchange(m_recopy, Recopy::None);
             lock.unlock();
-            const End end = pass(done, doubt);
+            const End end = pass(done, recopy);
             lock.lock();
             retry = end != End::Done;
-            m_doubt = std::max(m_doubt, retry ? doubt : Doubt::None);
+            m_recopy = std::max(m_recopy, retry ? recopy : Recopy::None);
             if (end == End::Failed)
                 m_due = Clock::now() + m_pace.retry;
             if (end != End::Restart)
@@ -140,15 +140,15 @@ bool MirrorWorker::openStore() {
     return m_store != nullptr;
 }
 
-MirrorWorker::End MirrorWorker::pass(uint64_t number, Doubt doubt) {
+MirrorWorker::End MirrorWorker::pass(uint64_t number, Recopy recopy) {
     const Clock::time_point begin = Clock::now();
     std::vector<Wanted> queue;
     m_full = false;
-    if (!openStore() || !list(doubt, &queue))
+    if (!openStore() || !list(recopy, &queue))
         return End::Failed;
     bool changed = removeStale();
     // What depends on this listing alone must be copied before the next one.
-    const bool mayBreakOff = doubt == Doubt::None;
+    const bool mayBreakOff = recopy == Recopy::None;
     Clock::time_point told = begin + m_pace.firstProgressAfter - m_pace.progressInterval;
     Clock::time_point staged = Clock::now();
     const int all = static_cast<int>(queue.size());
@@ -179,7 +179,7 @@ MirrorWorker::End MirrorWorker::pass(uint64_t number, Doubt doubt) {
     return end == End::Done && m_full ? End::Failed : end;
 }
 
-bool MirrorWorker::list(Doubt doubt, std::vector<Wanted>* queue) {
+bool MirrorWorker::list(Recopy recopy, std::vector<Wanted>* queue) {
     ++m_listing;
     m_directory.forgetFolder();
     std::set<std::string> plain;
@@ -189,7 +189,7 @@ bool MirrorWorker::list(Doubt doubt, std::vector<Wanted>* queue) {
             if (!keepWaiting())
                 return;
             if (plain.count(folder) && store::isPlainFileName(file.name))
-                consider(folder, file, doubt, queue);
+                consider(folder, file, recopy, queue);
             else
                 tell(QStringLiteral("«%1» не копируется на диск: в пути есть имя, которое не "
                                     "может быть именем папки или файла.")
@@ -202,7 +202,7 @@ bool MirrorWorker::list(Doubt doubt, std::vector<Wanted>* queue) {
     return status.ok() && keepWaiting();
 }
 
-void MirrorWorker::consider(const std::string& folder, const store::StoredFile& file, Doubt doubt,
+void MirrorWorker::consider(const std::string& folder, const store::StoredFile& file, Recopy recopy,
                             std::vector<Wanted>* queue) {
     // No disk holds every time that a store does, and what it makes of another would look changed
     // each time.
@@ -216,7 +216,7 @@ void MirrorWorker::consider(const std::string& folder, const store::StoredFile& 
         const auto local = m_directory.info(split(path));
         // Without a time of its own only the notification tells that the content is another.
         same = local && local->size == file.size && std::fabs(local->time - time) < sameTime &&
-               doubt < (holds ? Doubt::All : Doubt::Untimed);
+               recopy < (holds ? Recopy::All : Recopy::Untimed);
     }
     if (!same)
         queue->push_back({folder, file.name, time});

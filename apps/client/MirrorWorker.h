@@ -37,9 +37,9 @@ struct MirrorPace {
     Milliseconds stage{3000};
 };
 
-/// Of which copies size and time do not tell whether they are still the content: contents have
-/// changed in an unknown place, so that those without a time, or all of them, are copied anew.
-enum class Doubt { None, Untimed, All };
+/// Which files are copied though size and time of the copy are right: after a change of a content
+/// in an unknown place those without a time of their own, or all.
+enum class Recopy { None, Untimed, All };
 
 class MirrorWorker : public QObject, private store::WaitPolicy {
     Q_OBJECT
@@ -52,7 +52,7 @@ public:
     ~MirrorWorker() override;
 
     /// Asks for a comparison that begins after `milliseconds`, or as soon as the present one ends.
-    void ask(uint64_t number, int milliseconds, Doubt doubt);
+    void ask(uint64_t number, int milliseconds, Recopy recopy);
     /// While the store does not answer nothing is asked of it.
     void setConnected(bool up);
 
@@ -79,9 +79,9 @@ private:
     bool keepWaiting() override { return !m_stop && m_up; }
     void run();
     bool openStore();
-    End pass(uint64_t number, Doubt doubt);
-    bool list(Doubt doubt, std::vector<Wanted>* queue);
-    void consider(const std::string& folder, const store::StoredFile& file, Doubt doubt,
+    End pass(uint64_t number, Recopy recopy);
+    bool list(Recopy recopy, std::vector<Wanted>* queue);
+    void consider(const std::string& folder, const store::StoredFile& file, Recopy recopy,
                   std::vector<Wanted>* queue);
     bool removeStale();
     /// False if the store does not answer.
@@ -104,7 +104,7 @@ private:
     std::mutex m_mutex; ///< over these
     std::condition_variable m_wake;
     Clock::time_point m_due{}; ///< of the comparison asked for
-    Doubt m_doubt = Doubt::None;
+    Recopy m_recopy = Recopy::None;
 
     // The thread's alone.
     std::unique_ptr<store::Store> m_store;
