@@ -2,7 +2,7 @@
 #include "platform/client/SessionPrivate.h"
 
 #include "frame/Vocabulary.h"
-#include "platform/client/ToolSupport.h"
+#include "platform/client/FileTools.h"
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/Schema.h"
 

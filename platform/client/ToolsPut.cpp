@@ -1,5 +1,5 @@
 // The tools that bring files into the stores.
-#include "platform/client/ToolSupport.h"
+#include "platform/client/FileTools.h"
 #include "platform/client/WriteWords.h"
 
 #include <cmath>

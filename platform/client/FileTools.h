@@ -1,6 +1,7 @@
-// ToolSupport.h: what the reading and the writing tools share.
-#ifndef ORVO_PLATFORM_CLIENT_TOOLSUPPORT_H
-#define ORVO_PLATFORM_CLIENT_TOOLSUPPORT_H
+// FileTools.h: what the tools for stored files share: the largest content that a record carries,
+// and how a file is named in messages.
+#ifndef ORVO_PLATFORM_CLIENT_FILETOOLS_H
+#define ORVO_PLATFORM_CLIENT_FILETOOLS_H
 
 #include "platform/client/SessionPrivate.h"
 #include "platform/mdx/Body.h"

@@ -1,4 +1,4 @@
-// The small helpers of the host contract.
+// What the host contract has for keys and times.
 #include "frame/OrvoClient.h"
 
 #include <QUuid>
