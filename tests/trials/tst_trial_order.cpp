@@ -1,7 +1,7 @@
 // The change log under many writers at once, of all sorts: complete, in commit order, read exactly
 // once, and telling of what the tables hold. ORVO_TRIAL_ROUNDS is the number of changes that the
 // writers make together.
-#include "HandWriter.h"
+#include "DirectWriter.h"
 #include "Trial.h"
 
 #include "tests/store/LogReplay.h"
@@ -18,7 +18,7 @@
 
 using namespace orvo::store;
 using namespace orvo::store::test;
-using orvo::test::HandWriter;
+using orvo::test::DirectWriter;
 
 namespace {
 
@@ -30,7 +30,7 @@ int changesEach() {
     return each;
 }
 
-/// What a program writes; the records as those of HandWriter, without the counter.
+/// What a program writes; the records as those of DirectWriter, without the counter.
 bool writeThroughStore(const std::string& url, int writer) {
     Status status;
     const auto store = open(url, {}, &status);
@@ -163,8 +163,8 @@ void TestTrialOrder::overlappingTransactionsAreReadInCommitOrderExactlyOnce() {
     for (int i = 0; i < writers; ++i)
         writing.emplace_back([&, i] {
             const bool done =
-                i < HandWriter::ways
-                    ? HandWriter(url, i, writers, HandWriter::Way(i)).write(changesEach())
+                i < DirectWriter::ways
+                    ? DirectWriter(url, i, writers, DirectWriter::Way(i)).write(changesEach())
                     : writeThroughStore(url, i);
             failed += done ? 0 : 1;
         });

@@ -1,4 +1,4 @@
-#include "HandWriter.h"
+#include "DirectWriter.h"
 
 #include "platform/store/Sql.h"
 #include "platform/store/SqliteApi.h"
@@ -15,7 +15,7 @@ namespace orvo::test {
 
 namespace {
 
-using Result = HandSession::Result;
+using Result = DirectSession::Result;
 
 std::string joined(const std::vector<std::string>& parts, const char* between = ", ") {
     std::string all;
@@ -31,7 +31,7 @@ std::string quotedNames(const std::vector<std::string>& names) {
     return joined(quoted);
 }
 
-class PostgresSession : public HandSession {
+class PostgresSession : public DirectSession {
 public:
     explicit PostgresSession(const std::string& url) : m_connection(PQconnectdb(url.c_str())) {}
     bool isOpen() const { return PQstatus(m_connection.get()) == CONNECTION_OK; }
@@ -99,7 +99,7 @@ private:
     std::unique_ptr<PGconn, Finish> m_connection;
 };
 
-class SqliteSession : public HandSession {
+class SqliteSession : public DirectSession {
 public:
     explicit SqliteSession(const std::string& file)
         : m_opened(m_connection.open(file.c_str(), SQLITE_OPEN_READWRITE)) {
@@ -140,7 +140,7 @@ private:
 
 } // namespace
 
-std::unique_ptr<HandSession> HandSession::open(const std::string& url) {
+std::unique_ptr<DirectSession> DirectSession::open(const std::string& url) {
     store::StoreUrl address;
     if (address.parse(url).ok() && !address.file().empty()) {
         auto session = std::make_unique<SqliteSession>(address.file());
@@ -152,42 +152,42 @@ std::unique_ptr<HandSession> HandSession::open(const std::string& url) {
     return session;
 }
 
-HandWriter::HandWriter(const std::string& url, int writer, int writers, Way way)
-    : m_session(HandSession::open(url))
+DirectWriter::DirectWriter(const std::string& url, int writer, int writers, Way way)
+    : m_session(DirectSession::open(url))
     , m_writer(writer)
     , m_writers(writers)
     , m_way(way)
     , m_random(unsigned(writer + 1)) {}
 
-bool HandWriter::write(int count) {
+bool DirectWriter::write(int count) {
     constexpr int patience = 300;
     int failures = 0;
     for (int first = 0; m_session && first < count;) {
         const int end = std::min(count, first + 1 + int(below(9)));
-        HandSession::Result result = run(m_session->isPostgres() ? "BEGIN" : "BEGIN IMMEDIATE");
-        const bool begun = result == HandSession::Done;
+        DirectSession::Result result = run(m_session->isPostgres() ? "BEGIN" : "BEGIN IMMEDIATE");
+        const bool begun = result == DirectSession::Done;
         if (begun)
             result = transaction(first, end);
         // Given up now and then for no reason: its numbers are drawn, and not used.
         const bool keep = below(10) != 0;
-        if (result == HandSession::Done && keep && run("COMMIT") == HandSession::Done) {
+        if (result == DirectSession::Done && keep && run("COMMIT") == DirectSession::Done) {
             first = end;
             continue;
         }
         if (begun)
             run("ROLLBACK");
-        if (result == HandSession::Failed || ++failures > patience + count)
+        if (result == DirectSession::Failed || ++failures > patience + count)
             return false;
     }
     return m_session != nullptr;
 }
 
-const std::vector<std::string>& HandWriter::columns() {
+const std::vector<std::string>& DirectWriter::columns() {
     static const std::vector<std::string> names = {"KeyLink", "order_", "caption", "parent"};
     return names;
 }
 
-HandWriter::Row HandWriter::row(int number) {
+DirectWriter::Row DirectWriter::row(int number) {
     // Below one of another writer, if that is there already: it came before then.
     const int other = int(below(unsigned(m_writers)));
     const std::string above =
@@ -199,13 +199,13 @@ HandWriter::Row HandWriter::row(int number) {
                     : "(SELECT \"KeyLink\" FROM \"Menu\" WHERE \"KeyLink\" = '" + above + "')"};
 }
 
-HandSession::Result HandWriter::transaction(int first, int end) {
-    HandSession::Result result = HandSession::Done;
+DirectSession::Result DirectWriter::transaction(int first, int end) {
+    DirectSession::Result result = DirectSession::Done;
     if (m_way == Definitions && below(20) == 0)
         result = definitions();
-    if (result == HandSession::Done)
+    if (result == DirectSession::Done)
         result = records(first, end);
-    if (result == HandSession::Done)
+    if (result == DirectSession::Done)
         result = run(m_way == Merge
                          ? m_session->merge(columns(), {"'counter'", "0", "NULL", "NULL"})
                          : "UPDATE \"Menu\" SET \"order_\" = \"order_\" + 1 WHERE \"KeyLink\" "
@@ -215,12 +215,12 @@ HandSession::Result HandWriter::transaction(int first, int end) {
     return result;
 }
 
-HandSession::Result HandWriter::records(int first, int end) {
+DirectSession::Result DirectWriter::records(int first, int end) {
     const auto insert = [this](const Row& values) {
         return "INSERT INTO \"Menu\" (" + quotedNames(columns()) + ") VALUES (" + joined(values) +
                ")";
     };
-    HandSession::Result result = HandSession::Done;
+    DirectSession::Result result = DirectSession::Done;
     if (m_way == Load) {
         std::vector<Row> rows;
         for (int i = first; i < end; ++i)
@@ -234,7 +234,7 @@ HandSession::Result HandWriter::records(int first, int end) {
                      : m_session->isPostgres() ? "TRUNCATE \"MenuFileExt\""
                                                : "DELETE FROM \"MenuFileExt\"");
     }
-    for (int i = first; i < end && result == HandSession::Done; ++i) {
+    for (int i = first; i < end && result == DirectSession::Done; ++i) {
         const Row values = row(i);
         if (m_way == Savepoints) {
             // What is taken back again must be in no log.
@@ -250,7 +250,7 @@ HandSession::Result HandWriter::records(int first, int end) {
     return result;
 }
 
-HandSession::Result HandWriter::definitions() {
+DirectSession::Result DirectWriter::definitions() {
     const std::string name = store::identifier("trial" + std::to_string(m_writer));
     const std::string other = store::identifier("of trial" + std::to_string(m_writer));
     return run("CREATE INDEX " + name + " ON \"Menu\" (\"caption\"); CREATE TABLE " + other +
