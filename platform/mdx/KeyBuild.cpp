@@ -77,7 +77,7 @@ public:
             return;
         }
         const size_t half = records.size() / 2;
-        Images others;
+        KeyImages others;
         runInParallel([&] { layOut(records.first(half), m_items.first(half), m_images); },
                       [&] { layOut(records.subspan(half), m_items.subspan(half), others); });
         const uint32_t moved = m_images.append(std::move(others));
@@ -149,7 +149,7 @@ private:
     static constexpr size_t smallRun = 32;
     static constexpr size_t manyRecords = 1 << 16; ///< from which a second thread pays
 
-    void layOut(std::span<const uint32_t> records, std::span<SortItem> items, Images& images) {
+    void layOut(std::span<const uint32_t> records, std::span<SortItem> items, KeyImages& images) {
         ImageBuffer buffer;
         for (size_t i = 0; i < records.size(); ++i) {
             if (i + 4 < records.size())
@@ -163,16 +163,16 @@ private:
 
     // Compares from `depth` on, up to which both agree.
     bool less(const SortItem& a, const SortItem& b, size_t depth) const {
-        const Images::Head x = m_images.head(a.image), y = m_images.head(b.image);
-        const size_t xSize = std::min<size_t>(x.size, Images::maxSize);
-        const size_t ySize = std::min<size_t>(y.size, Images::maxSize);
+        const KeyImages::Head x = m_images.head(a.image), y = m_images.head(b.image);
+        const size_t xSize = std::min<size_t>(x.size, KeyImages::maxSize);
+        const size_t ySize = std::min<size_t>(y.size, KeyImages::maxSize);
         depth = std::min({depth, xSize, ySize});
         const int order =
             std::memcmp(m_images.image(a.image) + depth, m_images.image(b.image) + depth,
                         std::min(xSize, ySize) - depth);
         if (order != 0)
             return order < 0;
-        if (x.size == Images::cut && y.size == Images::cut)
+        if (x.size == KeyImages::cut && y.size == KeyImages::cut)
             if (const int rest = compareRecords(a, b, false); rest != 0)
                 return rest < 0;
         return a.image < b.image;
@@ -190,10 +190,10 @@ private:
     }
 
     bool sameKey(const SortItem& a, const SortItem& b) const {
-        const Images::Head x = m_images.head(a.image), y = m_images.head(b.image);
+        const KeyImages::Head x = m_images.head(a.image), y = m_images.head(b.image);
         if (x.keySize != y.keySize)
             return false;
-        if (x.keySize == Images::cut)
+        if (x.keySize == KeyImages::cut)
             return compareRecords(a, b, true) == 0;
         return std::memcmp(m_images.image(a.image), m_images.image(b.image), x.keySize) == 0;
     }
@@ -214,7 +214,7 @@ private:
     size_t common(const SortItem* items, size_t count, size_t depth) const {
         const uint8_t* first = m_images.image(items[0].image);
         size_t shared =
-            std::min<size_t>(m_images.head(items[0].image).size, Images::maxSize) - depth;
+            std::min<size_t>(m_images.head(items[0].image).size, KeyImages::maxSize) - depth;
         for (size_t i = 1; i < count && shared > 0; ++i) {
             if (i + ahead < count)
                 __builtin_prefetch(m_images.at(items[i + ahead].image));
@@ -243,12 +243,12 @@ private:
             return;
         }
         const size_t firstSize = m_images.head(items[0].image).size;
-        const size_t laidOut = std::min<size_t>(firstSize, Images::maxSize);
+        const size_t laidOut = std::min<size_t>(firstSize, KeyImages::maxSize);
         if (depth < laidOut)
             depth += common(items, count, depth);
         if (depth >= laidOut) {
             // All the same as far as laid out, and in the order of their entry.
-            if (firstSize == Images::cut)
+            if (firstSize == KeyImages::cut)
                 std::sort(items, items + count,
                           [this, depth](const SortItem& a, const SortItem& b) {
                               return less(a, b, depth);
@@ -402,7 +402,7 @@ private:
     }
 
     KeyTree& m_tree;
-    Images m_images;
+    KeyImages m_images;
     Pages m_pages;
     std::span<SortItem> m_items;
     SortItem* m_other = nullptr; ///< room for as many

@@ -12,7 +12,7 @@
 namespace orvo::mdx {
 
 /// The images of all records: a head and the image's first bytes, with eight zero bytes after them.
-class Images {
+class KeyImages {
 public:
     static constexpr size_t maxSize = 248; ///< longer ones go on in the record
     static constexpr size_t room = sizeof(uint16_t) * 2 + maxSize + 8 + 8;
@@ -38,7 +38,7 @@ public:
         return static_cast<uint32_t>(place);
     }
     // Takes over the images of another; their places rise by what this gives.
-    uint32_t append(Images&& other) {
+    uint32_t append(KeyImages&& other) {
         const size_t blocks = m_blocks.size();
         if (blocks + other.m_blocks.size() > UINT32_MAX >> blockShift)
             throw std::length_error("records");
