@@ -22,7 +22,8 @@ enum class ModuleState {
 };
 
 /// Owns the modules: stop deletes a module, and so does the registry's end. A module that someone
-/// else deletes (its parent window) drops out by itself, whatever waits for it.
+/// else deletes (its parent window) drops out by itself, whatever waits for it. Lives on the GUI
+/// thread.
 class ORVOCLIENT_EXPORT ModuleRegistry : public QObject {
     Q_OBJECT
 public:

@@ -35,6 +35,7 @@
 
 namespace orvo::client {
 
+/// Lives on the GUI thread.
 class ORVOCLIENT_EXPORT NotificationPump : public QObject {
     Q_OBJECT
 public:

@@ -21,6 +21,7 @@
 
 namespace orvo::client {
 
+/// For the GUI thread. Everything but `open` needs an `open` that gave true.
 class ORVOCLIENT_EXPORT UnwrittenFiles {
 public:
     /// `owner` names store and login; entries of others are left alone.
@@ -42,8 +43,8 @@ private:
 
     const QString m_owner;
     QString m_above; ///< holds the directories of all processes
-    QString m_own;
-    int m_lock = -1;
+    QString m_own;   ///< this process's directory
+    int m_lock = -1; ///< descriptor of its lock file, owned; -1: not open
 };
 
 /// The bytes of a file, and back; false if they do not hold.

@@ -67,6 +67,7 @@ struct UnwrittenEntry {
     std::string deletedParentTable;
 };
 
+/// Lives on the GUI thread.
 class ORVOCLIENT_EXPORT UnwrittenList : public QObject {
     Q_OBJECT
 public:

@@ -12,6 +12,13 @@
 namespace orvo::mdx {
 
 /// The images of all records: a head and the image's first bytes, with eight zero bytes after them.
+/// Owns them, in blocks that never move. For one thread at a time; std::length_error if there are
+/// too many, std::bad_alloc.
+///
+///  1. A place counts units of eight bytes: the block's number, shifted by blockShift, and the
+///     offset in the block. An image with its head and zero bytes is whole in one block.
+///  2. m_used <= m_end, both in bytes; they are multiples of eight.
+///  3. append is called once at most, with images to which none were appended.
 class KeyImages {
 public:
     static constexpr size_t maxSize = 248; ///< longer ones go on in the record
@@ -23,7 +30,7 @@ public:
     };
     static constexpr uint16_t cut = UINT16_MAX;
 
-    // Takes `size` bytes of an image; gives its place.
+    /// Copies `size` bytes of an image, of which `keySize` are the key's own part; gives its place.
     uint32_t add(const uint8_t* image, size_t size, size_t keySize) {
         if (m_end - m_used < room)
             addBlock();
@@ -37,7 +44,7 @@ public:
         m_used += (sizeof(Head) + kept + 8 + 7) & ~size_t(7);
         return static_cast<uint32_t>(place);
     }
-    // Takes over the images of another; their places rise by what this gives.
+    /// Takes over the images of another; their places rise by what this gives.
     uint32_t append(KeyImages&& other) {
         const size_t blocks = m_blocks.size();
         if (blocks + other.m_blocks.size() > UINT32_MAX >> blockShift)

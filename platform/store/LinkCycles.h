@@ -24,6 +24,7 @@ public:
     /// Whether records of the table link to a parent of the same table.
     static bool concern(const TableDef& table) { return parentField(table) > 0; }
 
+    /// The table outlives it.
     explicit LinkCycles(const TableDef& table) : m_table(table), m_field(parentField(table)) {}
 
     /// The number of the link to the parent.

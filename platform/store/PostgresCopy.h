@@ -32,9 +32,14 @@ Status copyOut(Connection& connection, const std::string& sql, std::string_view 
                const std::function<Status(std::string_view bytes)>& each);
 
 /// A "COPY ... (text, integer, bytea) FROM STDIN (FORMAT binary)" that sends bytes under one key in
-/// parts of half a mebibyte, numbered from 0.
+/// parts of half a mebibyte, numbered from 0. The calls: begin, then put any number of times, then
+/// end; after a put that failed nothing more. In between the connection serves nothing else.
+///
+///  1. Unless a put failed, m_part holds less than a part.
+///  2. Once m_sent is false nothing more is sent.
 class ContentCopy {
 public:
+    /// The connection outlives it. `what` is tried, for the text of a failure.
     ContentCopy(Connection& connection, std::string what, std::string key);
 
     Status begin(const std::string& sql);
@@ -47,10 +52,10 @@ private:
 
     Connection* m_connection;
     std::string m_what, m_key;
-    std::string m_head; ///< of the stream, until it is sent
-    std::string m_part; ///< bytes that make no whole part yet
-    uint64_t m_number = 0;
-    bool m_sent = true;
+    std::string m_head;    ///< of the stream, until it is sent
+    std::string m_part;    ///< bytes that make no whole part yet
+    uint64_t m_number = 0; ///< of the next part
+    bool m_sent = true;    ///< all that was to be sent has been
 };
 
 /// Copies all of it at once.

@@ -6,7 +6,9 @@
 
 namespace orvo::store::sqlite {
 
-/// A watch on the "-wal" file, and on its directory for the case that the file is made anew.
+/// A watch on the "-wal" file, and on its directory for the case that the file is made anew. The
+/// system may drop events, so whoever waits looks at the log from time to time all the same. For
+/// one thread at a time.
 class WalWatch {
 public:
     explicit WalWatch(const std::string& walPath);
@@ -24,8 +26,8 @@ private:
 
     const std::string m_path;
     const std::string m_name; ///< without its directory
-    int m_fd;
-    int m_file = -1;
+    int m_fd;                 ///< of inotify; owned
+    int m_file = -1;          ///< number of the watch on the file; -1: there is no file
 };
 
 } // namespace orvo::store::sqlite
