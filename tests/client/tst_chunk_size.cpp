@@ -3,6 +3,8 @@
 
 #include <QtTest>
 
+#include <random>
+
 using orvo::client::ChunkSize;
 
 class TestChunkSize : public QObject {
@@ -54,6 +56,20 @@ private slots:
         QCOMPARE(size.changes(), ChunkSize::largest);
         size.took(3, 60000, wanted);
         QVERIFY(size.changes() <= 3);
+    }
+    void noCostLeadsBeyondTheLargestOrBelowOne() {
+        std::mt19937 random(1);
+        ChunkSize size;
+        for (int i = 0; i < 100'000; ++i) {
+            const int all = size.changes();
+            const int count = random() % 4 == 0
+                                  ? 1 + static_cast<int>(random() % static_cast<unsigned>(all))
+                                  : all;
+            size.took(count, random() % (4 * wanted), wanted);
+            QVERIFY(size.changes() >= 1);
+            QVERIFY2(size.changes() <= ChunkSize::largest,
+                     qPrintable(QString::number(size.changes())));
+        }
     }
 };
 
