@@ -28,20 +28,34 @@ Place::Place(std::string path, std::function<std::string()> identity)
     , m_identityWithLog(std::move(identity))
     , m_file(fileAt(m_path))
     , m_log(fileAt(m_path + "-wal"))
-    , m_index(fileAt(m_path + "-shm")) {}
+    , m_index(fileAt(m_path + "-shm")) {
+    Connection file;
+    m_isOurs = file.open(immutableUri(m_path).c_str(), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI) ==
+                   SQLITE_OK &&
+               isOurs(file).value_or(false);
+}
+
+std::optional<bool> Place::isOurs(Connection& file) {
+    int64_t mark = 0;
+    const int read = file.integer("PRAGMA application_id", &mark);
+    if ((read & 0xFF) == SQLITE_NOTADB)
+        return false;
+    return read == SQLITE_OK ? std::optional(mark == applicationId) : std::nullopt;
+}
 
 /// Of a file that has been written to: by a checkpoint, which only ever brings later changes into
 /// it, or by somebody who does not know that it is in use.
 bool Place::isOverwritten() {
     Connection file;
-    int64_t mark = 0;
     int64_t newest = 0;
     if (file.open(immutableUri(m_path).c_str(), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI) !=
         SQLITE_OK)
         return false;
-    const int read = file.integer("PRAGMA application_id", &mark);
-    if ((read & 0xFF) == SQLITE_NOTADB || (read == SQLITE_OK && mark != applicationId))
-        return true;
+    if (const std::optional<bool> ours = isOurs(file)) {
+        if (!*ours)
+            return m_isOurs;
+        m_isOurs = true;
+    }
     // In the midst of a checkpoint there may be nothing to be read.
     if (file.integer("SELECT seq FROM sqlite_sequence WHERE name = 'NciEvent'", &newest) !=
         SQLITE_OK)

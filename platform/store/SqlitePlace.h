@@ -13,10 +13,14 @@
 
 namespace orvo::store::sqlite {
 
+class Connection;
+
 ///  1. m_file, m_log and m_index are the files that the connection has open; they never change.
 ///  2. Once m_last is JournalGone or Overwritten it stays so: what the connection holds is not what
 ///     is at the path, and nothing that happens there makes it so again.
-///  3. m_newest never falls: a lower number in the file is another store's, or an older copy.
+///  3. m_isOurs stays true once it is: a sound log may stand for what is damaged in the file, but
+///     then it has done so from the beginning.
+///  4. m_newest never falls: a lower number in the file is another store's, or an older copy.
 class Place {
 public:
     enum State {
@@ -57,13 +61,17 @@ private:
     };
     static std::optional<File> fileAt(const std::string& path, Stamp* stamp = nullptr);
     bool isOverwritten();
+    /// Whether the file by itself, without log, bears the mark of a store; nothing if nobody can
+    /// tell now.
+    static std::optional<bool> isOurs(Connection& file);
 
     const std::string m_path;
     const std::function<std::string()> m_identityWithLog;
     std::string m_identity; ///< as last seen in the file itself
     Stamp m_stamp;
     std::optional<File> m_file, m_log, m_index;
-    int64_t m_newest = 0; ///< the highest number of a change seen in the file itself, without log
+    bool m_isOurs = false; ///< the file by itself, without log, was once seen to be a store
+    int64_t m_newest = 0;  ///< the highest number of a change seen in the file itself, without log
     State m_last = There;
 };
 

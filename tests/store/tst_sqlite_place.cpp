@@ -29,6 +29,7 @@ private slots:
     void overwrittenFileIsLeftAlone();
     void restoringIsNoReplacement();
     void othersCheckpointsAreNoReplacement();
+    void fileThatIsSoundWithItsLogAloneIsNoReplacement();
 
 private:
     QString path(const char* name = "orvo.db") const { return m_directory->filePath(name); }
@@ -228,6 +229,23 @@ void TestSqlitePlace::othersCheckpointsAreNoReplacement() {
             shell(path(), round % 4 == 0 ? "PRAGMA wal_checkpoint(TRUNCATE)" : "VACUUM");
         ORVO_OK(Batch("MenuFileExt").insert(QByteArray::number(round).constData()).send(*m_store));
     }
+}
+
+void TestSqlitePlace::fileThatIsSoundWithItsLogAloneIsNoReplacement() {
+    Batch batch("MenuFileExt");
+    for (int i = 0; i < 200; ++i) // the file grows, so that its first page is in the log
+        batch.insert(QByteArray::number(i).constData(), {{"fileExt", QString(300, 'x')}});
+    ORVO_OK(batch.send(*m_store));
+    QCOMPARE(QProcess::execute("cp", {path(), path("copy.db")}), 0);
+    QCOMPARE(QProcess::execute("cp", {path("orvo.db-wal"), path("copy.db-wal")}), 0);
+    QByteArray bytes = bytesOf(path("copy.db"));
+    bytes[15] = 1; // in the name of the format
+    QVERIFY(writeFile(path("copy.db"), bytes));
+    const auto copy = opened(path("copy.db"));
+    QVERIFY(copy);
+    ORVO_OK(Batch("MenuFileExt").insert("one more").send(*copy));
+    copy->changed();
+    ORVO_OK(Batch("MenuFileExt").insert("and another").send(*copy));
 }
 
 QTEST_GUILESS_MAIN(TestSqlitePlace)
