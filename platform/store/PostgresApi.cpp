@@ -80,24 +80,6 @@ bool isBreak(std::string_view state) {
            state == "25P03";
 }
 
-/// The error code in a message at full length ("FATAL:  28P01: ..."), whatever its language.
-std::string stateIn(std::string_view message) {
-    for (size_t i = 0; i + 7 <= message.size(); ++i) {
-        if (message[i] != ' ' || message[i + 6] != ':')
-            continue;
-        const std::string_view state = message.substr(i + 1, 5);
-        bool digit = false;
-        bool plain = true;
-        for (const char c : state) {
-            digit = digit || (c >= '0' && c <= '9');
-            plain = plain && ((c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z'));
-        }
-        if (digit && plain)
-            return std::string(state);
-    }
-    return {};
-}
-
 } // namespace
 
 bool isText(std::string_view text) {
@@ -177,6 +159,23 @@ bool succeeded(const PGresult* result) {
 std::string_view stateOf(const PGresult* result) {
     const char* state = PQresultErrorField(result, PG_DIAG_SQLSTATE);
     return state != nullptr ? std::string_view(state) : std::string_view();
+}
+
+std::string stateIn(std::string_view message) {
+    for (size_t i = 0; i + 7 <= message.size(); ++i) {
+        if (message[i] != ' ' || message[i + 6] != ':')
+            continue;
+        const std::string_view state = message.substr(i + 1, 5);
+        bool digit = false;
+        bool plain = true;
+        for (const char c : state) {
+            digit = digit || (c >= '0' && c <= '9');
+            plain = plain && ((c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z'));
+        }
+        if (digit && plain)
+            return std::string(state);
+    }
+    return {};
 }
 
 // Connection -------------------------------------------------------------------------------------
@@ -477,28 +476,10 @@ Result Connection::query(const std::string& sql, const Parameters& parameters, i
     return result;
 }
 
-Status Connection::failure(std::string_view what, const PGresult* result) {
-    const std::string state(stateOf(result));
-    const char* primary = PQresultErrorField(result, PG_DIAG_MESSAGE_PRIMARY);
-    std::string message = primary != nullptr ? primary
-                          : result != nullptr && *PQresultErrorMessage(result)
-                              ? PQresultErrorMessage(result)
-                          : get() != nullptr ? PQerrorMessage(get())
-                                             : "";
-    message = Url().withoutSecrets(std::move(message));
+Status serverFailure(std::string_view what, std::string_view state, const std::string& message) {
     int code = Failed;
     std::string why = message;
-    if (m_end == End::GivenUp) {
-        code = Timeout;
-        why = "ожидание прервано";
-    } else if (m_end == End::Silent) {
-        code = ConnectionBroken;
-        why = "сервер не отвечает";
-    } else if (!usable() || isBreak(state)) {
-        code = ConnectionBroken;
-        why = "соединение с базой потеряно" + (message.empty() ? "" : " (" + message + ")");
-        close();
-    } else if (state == "23505") {
+    if (state == "23505") {
         code = Refused;
         why = "такой ключ уже есть";
     } else if (state == "42501") {
@@ -520,10 +501,59 @@ Status Connection::failure(std::string_view what, const PGresult* result) {
         why = "на диске сервера не осталось места";
     } else if (startsWith(state, "53")) {
         why = "серверу не хватает ресурсов (" + message + ")";
-    } else if (startsWith(state, "XX")) {
+    } else if (state == "XX001" || state == "XX002") {
         why = "база повреждена (" + message + ")";
+    } else if (startsWith(state, "XX")) {
+        why = "внутренняя ошибка сервера (" + message + ")";
     }
     return {code, std::string(what) + ": " + why};
+}
+
+Status Connection::failure(std::string_view what, const PGresult* result) {
+    const std::string state(stateOf(result));
+    const char* primary = PQresultErrorField(result, PG_DIAG_MESSAGE_PRIMARY);
+    std::string message = primary != nullptr ? primary
+                          : result != nullptr && *PQresultErrorMessage(result)
+                              ? PQresultErrorMessage(result)
+                          : get() != nullptr ? PQerrorMessage(get())
+                                             : "";
+    message = Url().withoutSecrets(std::move(message));
+    int code = Failed;
+    std::string why = message;
+    if (m_end == End::GivenUp) {
+        code = Timeout;
+        why = "ожидание прервано";
+    } else if (m_end == End::Silent) {
+        code = ConnectionBroken;
+        why = "сервер не отвечает";
+    } else if (!usable() || isBreak(state)) {
+        code = ConnectionBroken;
+        why = "соединение с базой потеряно" + (message.empty() ? "" : " (" + message + ")");
+        close();
+    } else {
+        return serverFailure(what, state, message);
+    }
+    return {code, std::string(what) + ": " + why};
+}
+
+std::string Connection::whoHolds(Wanted wanted) {
+    // Nobody knows any more which lock it was. The one of the log explains most; then those that
+    // shut out the most others.
+    const Result result = query(
+        std::string(
+            "SELECT usename::text, l.pid::bigint FROM pg_locks l JOIN pg_stat_activity a ON "
+            "a.pid = l.pid WHERE granted AND l.pid <> pg_backend_pid() AND ") +
+            (wanted == Wanted::Rows ? "mode <> 'AccessShareLock' AND " : "") +
+            "relation IN (SELECT oid FROM pg_class WHERE relnamespace = 'public'::regnamespace) "
+            "AND l.database = (SELECT oid FROM pg_database WHERE datname = current_database()) "
+            "ORDER BY relation = 'public.\"NciLock\"'::regclass DESC, mode = "
+            "'AccessExclusiveLock' DESC, mode = 'ExclusiveLock' DESC, mode = 'AccessShareLock' "
+            "LIMIT 1",
+        {});
+    if (!succeeded(result.get()) || PQntuples(result.get()) == 0)
+        return {};
+    return ": её держит незаконченная транзакция входа " + shown(textAt(result.get(), 0, 0)) +
+           " (процесс сервера " + std::to_string(integerAt(result.get(), 0, 1)) + ")";
 }
 
 } // namespace orvo::store::postgres

@@ -103,6 +103,10 @@ public:
     /// A Status for a failed result (null: the connection's last error): "what: why". A broken
     /// connection is closed.
     Status failure(std::string_view what, const PGresult* result);
+    /// What a call waited for in vain. Readers are in the way of one that changes tables only.
+    enum class Wanted { Rows, Tables };
+    /// Whose transaction it waited for, as the end of a sentence; empty if none is left.
+    std::string whoHolds(Wanted wanted = Wanted::Rows);
 
     /// Lifts the time limit on an answer while it exists; the connection still has to stay alive.
     class NoTimeoutScope {
@@ -141,6 +145,11 @@ private:
 bool succeeded(const PGresult* result);
 /// The error code of a result; empty if there is none.
 std::string_view stateOf(const PGresult* result);
+/// The error code in a message at full length ("ERROR:  55P03: ..."), whatever its language; empty
+/// if there is none.
+std::string stateIn(std::string_view message);
+/// What a server's refusal of a statement, by its error code, means to the user: "what: why".
+Status serverFailure(std::string_view what, std::string_view state, const std::string& message);
 
 } // namespace orvo::store::postgres
 

@@ -9,6 +9,7 @@
 #include "platform/store/Names.h"
 #include "platform/store/Sql.h"
 
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QProcess>
 #include <QRegularExpression>
@@ -23,6 +24,7 @@ namespace {
 
 constexpr int lookMilliseconds = 100; ///< between two looks at the progress
 constexpr qint64 mostUnsent = 4 << 20;
+constexpr int lockMilliseconds = 10000; ///< of waiting for a table that somebody holds
 
 /// The address as the environment of a program: unlike its arguments nobody else can read it.
 QProcessEnvironment environmentFor(const Url& url) {
@@ -82,9 +84,13 @@ public:
         if (process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0)
             return {};
         // The first line says what it was; the rest is where.
-        const QByteArray words = process.readAllStandardError().trimmed();
+        words = process.readAllStandardError().trimmed();
         const std::string line =
             words.left(words.indexOf('\n') < 0 ? words.size() : words.indexOf('\n')).toStdString();
+        if (const std::string state = stateIn(line); !state.empty())
+            return serverFailure(
+                m_what, state,
+                m_url.withoutSecrets(validUtf8(line.substr(line.find(state + ": ") + 7))));
         return {Failed, m_what + ": " +
                             (line.empty() ? std::string(m_name) + " не закончила работу"
                                           : m_url.withoutSecrets(validUtf8(line)))};
@@ -92,6 +98,7 @@ public:
     Status stopped() const { return {Stopped, m_what + ": прервано"}; }
 
     QProcess process;
+    QByteArray words; ///< all that a program said that failed
 
 private:
     const Url& m_url;
@@ -178,7 +185,9 @@ Status checkArchive(const Url& url, const std::string& file, QByteArray* entries
 QByteArray beginning() {
     std::string sql = "BEGIN;\nSET search_path = pg_catalog, pg_temp;\n"
                       "SET LOCAL client_min_messages = warning;\n"
-                      "SET LOCAL lock_timeout = '10s';\n"
+                      "SET LOCAL lock_timeout = " +
+                      std::to_string(lockMilliseconds) +
+                      ";\n"
                       "SELECT format('SET LOCAL ROLE %I', pg_get_userbyid(relowner)) FROM pg_class "
                       "WHERE oid = 'public.\"NciEvent\"'::regclass \\gexec\n";
     sql +=
@@ -251,6 +260,7 @@ Status PostgresStore::backup(const std::string& file, const Progress& progress) 
         if (!status.ok())
             return status;
         QStringList arguments = {"--format=custom", "--no-password", "--schema=public",
+                                 "--lock-wait-timeout=" + QString::number(lockMilliseconds),
                                  "--file=" + path};
         // What others have put beside the store may be beyond our rights.
         std::string own = "'NciEventId'";
@@ -270,9 +280,18 @@ Status PostgresStore::backup(const std::string& file, const Progress& progress) 
         status = dump.start(arguments);
         if (!status.ok())
             return status;
-        return dump.finish([&] {
+        QElapsedTimer clock;
+        clock.start();
+        status = dump.finish([&] {
             return !progress || progress(static_cast<uint64_t>(QFileInfo(path).size()), 0);
         });
+        // The program tells the statement that failed, but no code.
+        if (status.code == Failed && clock.elapsed() >= lockMilliseconds &&
+            dump.words.contains("LOCK TABLE ")) {
+            status = serverFailure(what, "55P03", {});
+            status.text += m_connection.whoHolds();
+        }
+        return status;
     });
 }
 
@@ -297,10 +316,15 @@ Status PostgresStore::restore(const std::string& file, const Progress& progress)
         status = reader.start({"--no-owner", "--use-list=" + list.fileName(), "--file=-",
                                QString::fromStdString(file)});
         if (status.ok())
-            status = writer.start(
-                {"--no-psqlrc", "--quiet", "--no-password", "--set=ON_ERROR_STOP=1", "--file=-"});
+            status = writer.start({"--no-psqlrc", "--quiet", "--no-password",
+                                   "--set=ON_ERROR_STOP=1", "--set=VERBOSITY=verbose", "--file=-"});
         if (!status.ok())
             return status;
+        const auto ended = [&](Status end) {
+            if (end.code == Timeout)
+                end.text += m_connection.whoHolds(Connection::Wanted::Tables);
+            return end;
+        };
         reader.process.closeWriteChannel();
         writer.process.write(beginning());
         uint64_t done = 0;
@@ -319,7 +343,7 @@ Status PostgresStore::restore(const std::string& file, const Progress& progress)
                     return writer.stopped();
             }
             if (writer.process.state() == QProcess::NotRunning)
-                return writer.result(); // without the end nothing is committed
+                return ended(writer.result()); // without the end nothing is committed
         }
         // Only an archive that was read to its end may be kept.
         status = reader.result();
@@ -327,9 +351,7 @@ Status PostgresStore::restore(const std::string& file, const Progress& progress)
             return status;
         writer.process.write(ending(version, vouchedFor));
         writer.process.closeWriteChannel();
-        status = writer.finish([&] { return !progress || progress(done, 0); });
-        if (!status.ok())
-            return status;
+        status = ended(writer.finish([&] { return !progress || progress(done, 0); }));
         return status.ok() ? ready() : status;
     });
 }

@@ -114,6 +114,8 @@ Status PostgresStore::remakeTriggers(std::vector<std::string>* differences) {
         status = m_connection.failure(what, made.get());
         if (m_connection.usable())
             m_connection.execute("ROLLBACK");
+        if (status.code == Timeout && m_connection.usable())
+            status.text += m_connection.whoHolds(Connection::Wanted::Tables);
         return status;
     });
 }

@@ -55,6 +55,8 @@ std::unique_ptr<MaintainedStore> openStore(const std::string& location, const Op
     const std::string what = "Хранилище " + shown(url.displayName());
     *status = migrate(connection, options.create);
     if (!status->ok()) {
+        if (status->code == Timeout)
+            status->text += connection.whoHolds(Connection::Wanted::Tables);
         status->text = what + ": " + status->text;
         return nullptr;
     }

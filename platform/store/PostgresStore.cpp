@@ -120,7 +120,7 @@ Status PostgresStore::fetchAll(const TableDef& table, MDArray* into) {
                        inTable(table), table, writer);
     });
     if (read.code == Timeout && m_connection.usable())
-        read.text += whoHolds();
+        read.text += m_connection.whoHolds();
     return read;
 }
 
@@ -212,7 +212,7 @@ Status PostgresStore::inRead(const Work& work) {
     if (m_connection.usable())
         m_connection.execute("ROLLBACK"); // nothing to keep
     if (status.code == Timeout && m_connection.usable())
-        status.text += whoHolds();
+        status.text += m_connection.whoHolds();
     return status;
 }
 

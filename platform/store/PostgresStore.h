@@ -147,9 +147,6 @@ private:
     Status revokeRoles(const std::string& login, bool* owns);
     /// Waits for the results of all that was sent, and ends the stream. The first failure of it.
     Status drainPipeline();
-    /// Whose transaction keeps others from their work, as the end of a sentence; empty if none
-    /// does. For a call that waited in vain.
-    std::string whoHolds();
     /// After the connection broke at a commit: whether the transaction is in the log.
     Status resolveCommitOutcome(const std::string& call, int64_t since, const std::string& session);
 

@@ -206,7 +206,7 @@ Status PostgresStore::inWrite(const Work& work) {
         if (!status.ok()) {
             rollback();
             if (status.code == Timeout && m_connection.usable())
-                status.text += whoHolds();
+                status.text += m_connection.whoHolds();
             m_written = {};
         }
         return status;
@@ -224,23 +224,6 @@ Status PostgresStore::inWrite(const Work& work) {
     if (m_connection.givenUp()) // and so is the search for the outcome
         return {Timeout, status.text + unknownOutcome};
     return resolveCommitOutcome(call, since, session);
-}
-
-std::string PostgresStore::whoHolds() {
-    // Nobody knows any more which lock it was. The one of the log explains most; then those that
-    // shut out the most others.
-    const Result result = m_connection.query(
-        "SELECT usename::text, l.pid::bigint FROM pg_locks l JOIN pg_stat_activity a ON a.pid = "
-        "l.pid WHERE granted AND l.pid <> pg_backend_pid() AND mode <> 'AccessShareLock' AND "
-        "relation IN (SELECT oid FROM pg_class WHERE relnamespace = 'public'::regnamespace) AND "
-        "l.database = (SELECT oid FROM pg_database WHERE datname = current_database()) ORDER BY "
-        "relation = 'public.\"NciLock\"'::regclass DESC, mode = 'AccessExclusiveLock' DESC, mode = "
-        "'ExclusiveLock' DESC LIMIT 1",
-        {});
-    if (!succeeded(result.get()) || PQntuples(result.get()) == 0)
-        return {};
-    return ": её держит незаконченная транзакция входа " + shown(textAt(result.get(), 0, 0)) +
-           " (процесс сервера " + std::to_string(integerAt(result.get(), 0, 1)) + ")";
 }
 
 Status PostgresStore::resolveCommitOutcome(const std::string& call, int64_t since,

@@ -39,6 +39,7 @@ private slots:
     void replacedRowByHandIsLogged();
     void textNobodyCanStoreIsRefused();
     void integrityFindsWhatIsBroken();
+    void serversOwnErrorIsNoDamage();
     void waitingWriterIsToldWhomItWaitsFor();
     void onlyOurRolesGetIn();
     void ownerNeedsNoRightOnTheServer();
@@ -426,6 +427,22 @@ void TestAccess::integrityFindsWhatIsBroken() {
     QVERIFY(damages[0].find("Menu") != std::string::npos);
     QVERIFY(damages[1].find("не сходится с записанным") != std::string::npos);
     QVERIFY(damages[2].find("не сходится с контрольной суммой") != std::string::npos);
+}
+
+/// "tuple concurrently updated", for example.
+void TestAccess::serversOwnErrorIsNoDamage() {
+    for (const auto& [state, words] : {std::pair("XX000", "внутренняя ошибка сервера (odd)"),
+                                       std::pair("XX001", "база повреждена (odd)"),
+                                       std::pair("XX002", "база повреждена (odd)")}) {
+        QVERIFY(byHand("CREATE OR REPLACE FUNCTION public.odd() RETURNS trigger LANGUAGE plpgsql "
+                       "AS $$ BEGIN RAISE EXCEPTION 'odd' USING ERRCODE = '" +
+                       QByteArray(state) +
+                       "'; END $$; CREATE OR REPLACE TRIGGER odd BEFORE INSERT ON "
+                       "public.\"MenuFileExt\" EXECUTE FUNCTION public.odd();"));
+        const Status status = Batch("MenuFileExt").insert("k").send(*m_store);
+        ORVO_FAILS(status, Failed);
+        QVERIFY2(status.text.find(words) != std::string::npos, status.text.c_str());
+    }
 }
 
 void TestAccess::waitingWriterIsToldWhomItWaitsFor() {

@@ -2,9 +2,11 @@
 // notifications have limits, and who waited in vain is told why and for whom.
 #include "PostgresTest.h"
 
+#include "platform/store/Maintenance.h"
 #include "platform/store/PostgresApi.h"
 
 #include <QElapsedTimer>
+#include <QTemporaryDir>
 
 #include <thread>
 
@@ -22,6 +24,8 @@ private slots:
     void writerIsToldWhoHoldsWhat_data();
     void writerIsToldWhoHoldsWhat();
     void readerIsToldWhoHoldsATable();
+    void ownerIsToldWhoHoldsATable_data();
+    void ownerIsToldWhoHoldsATable();
     void cancelledAndTerminatedCallsSaySo();
     void sessionsAndDatabaseHaveLimits();
     void listenerThatNeverReadsStopsNobody();
@@ -149,6 +153,59 @@ void TestLimits::readerIsToldWhoHoldsATable() {
     QCOMPARE(whole.array->recordCount, 0u);
     QVERIFY(postgres::succeeded(other.execute("ROLLBACK").get()));
     ORVO_OK(m_store->fetch("Menu", some.array));
+}
+
+void TestLimits::ownerIsToldWhoHoldsATable_data() {
+    QTest::addColumn<QByteArray>("hold");
+    const QByteArray reads = "SELECT * FROM public.\"Menu\"";
+    QTest::newRow("restore") << reads;
+    QTest::newRow("triggers") << reads;
+    QTest::newRow("update") << reads;
+    QTest::newRow("backup") << QByteArray("LOCK TABLE public.\"Menu\" IN ACCESS EXCLUSIVE MODE");
+}
+
+void TestLimits::ownerIsToldWhoHoldsATable() {
+    QFETCH(QByteArray, hold);
+    const QByteArray what = QTest::currentDataTag();
+    Status status;
+    const std::string url = m_cluster->url(m_database.toStdString());
+    const auto owner = openMaintained(url, {"boss", false}, &status);
+    QVERIFY2(owner, status.text.c_str());
+    const QTemporaryDir directory;
+    const std::string file = directory.filePath("backup").toStdString();
+    std::vector<std::string> made;
+    ORVO_OK(owner->backup(file, {}));
+    ORVO_OK(Batch("MenuFileExt").insert("k").send(*m_store));
+    if (what == "triggers")
+        QVERIFY(byHand("DROP TRIGGER \"log\" ON \"Menu\";"));
+    if (what == "update")
+        QVERIFY(byHand("UPDATE \"NciStore\" SET \"version\" = \"version\" - 1;"));
+    auto other = session(noLimits);
+    QVERIFY(postgres::succeeded(other.execute("BEGIN").get()));
+    QVERIFY(postgres::succeeded(other.execute(hold.toStdString()).get()));
+    const auto act = [&]() -> Status {
+        if (what == "restore")
+            return owner->restore(file, {});
+        if (what == "triggers")
+            return owner->remakeTriggers(&made);
+        if (what == "backup")
+            return owner->backup(directory.filePath("second").toStdString(), {});
+        Status opening;
+        open(url, {}, &opening);
+        return opening;
+    };
+    const Status refused = act();
+    ORVO_FAILS(refused, Timeout);
+    QVERIFY2(refused.text.find("база занята другой программой: её держит незаконченная транзакция "
+                               "входа \"slow\" (процесс сервера " +
+                               std::to_string(PQbackendPID(other.get())) + ")") !=
+                 std::string::npos,
+             refused.text.c_str());
+    QVERIFY(postgres::succeeded(other.execute("ROLLBACK").get()));
+    QByteArray left;
+    QVERIFY(byHand("SELECT \"KeyLink\" FROM \"MenuFileExt\";", &left));
+    QCOMPARE(left, QByteArray("k"));
+    ORVO_OK(act());
 }
 
 void TestLimits::cancelledAndTerminatedCallsSaySo() {
