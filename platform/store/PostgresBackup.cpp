@@ -5,6 +5,7 @@
 #include "platform/store/PostgresSchema.h"
 #include "platform/store/PostgresStore.h"
 
+#include "frame/Vocabulary.h"
 #include "platform/store/Checksum.h"
 #include "platform/store/Names.h"
 #include "platform/store/Sql.h"
@@ -219,9 +220,9 @@ std::string checkTables() {
 }
 
 /// Fails where rows are not as the editors can bring them about: stored content without its
-/// resource, or of another length than it says.
+/// resource, or of another length than it says, or a log that no trigger has written.
 std::string checkRows() {
-    return R"(DO $orvo$ BEGIN
+    return std::string(R"(DO $orvo$ BEGIN
 IF EXISTS (SELECT 1 FROM public."MenuResourceFile" AS f WHERE NOT EXISTS (SELECT 1 FROM
     public."MenuResource" AS r WHERE lower(r."KeyLink") = lower(f."MenuResourceKey"))) THEN
   RAISE EXCEPTION 'копия изменена: содержимое файла без его ресурса';
@@ -230,6 +231,14 @@ IF EXISTS (SELECT 1 FROM public."MenuResourceFile" AS f WHERE coalesce(f."size",
     (SELECT coalesce(sum(length(d."data")), 0) FROM public."MenuResourceFileData" AS d
      WHERE d."KeyLink" = f."KeyLink")) THEN
   RAISE EXCEPTION 'копия изменена: содержимое файла не той длины';
+END IF;
+IF EXISTS (SELECT 1 FROM public."NciEvent" WHERE "id" < 1 OR "code" NOT IN ()") +
+           std::to_string(OrvoEventInsert) + ", " + std::to_string(OrvoEventUpdate) + ", " +
+           std::to_string(OrvoEventDelete) + R"()) THEN
+  RAISE EXCEPTION 'копия изменена: невозможная строка журнала изменений';
+END IF;
+IF (SELECT count(*) FROM public."NciPruned") <> 1 THEN
+  RAISE EXCEPTION 'копия изменена: не одна строка в таблице NciPruned';
 END IF;
 END $orvo$;
 )";

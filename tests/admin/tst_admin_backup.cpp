@@ -246,7 +246,9 @@ void TestAdminBackup::aBackupWithoutChecksumMustBeAsTheProgramMakesIt_data() {
         "WHERE name = 'Users.updated';",
         "");
     add("index gone", "DROP INDEX \"Menu.parent\";", "");
-    add("impossible change", "UPDATE \"NciEvent\" SET \"code\" = 604;", "");
+    add("impossible change", "UPDATE \"NciEvent\" SET \"code\" = 604;",
+        "UPDATE \"NciEvent\" SET \"code\" = 604;");
+    add("nothing pruned", "DELETE FROM \"NciPruned\";", "DELETE FROM \"NciPruned\";");
     add("counter behind", "UPDATE sqlite_sequence SET seq = 1;", "");
 }
 
