@@ -42,7 +42,7 @@ QVariant DeskModel::data(const QModelIndex& index, int role) const {
     case Qt::DecorationRole:
         return index.column() == DeskColumn::Caption ? icon(row) : QVariant();
     case Qt::ToolTipRole:
-        return row.data(DeskColumn::Note).toString().toHtmlEscaped();
+        return plainToolTip(row.data(DeskColumn::Note).toString());
     case KeyRole:
         return row.data(DeskColumn::Key);
     case SeparatorRole:

@@ -1,6 +1,7 @@
 #include "desk/ElementList.h"
 
 #include "desk/DeskView.h"
+#include "frame/RowDelegate.h"
 
 #include <QKeyEvent>
 #include <QScroller>
@@ -36,7 +37,7 @@ void ElementList::show(const std::vector<Hit>& hits, bool choose) {
         auto* item = new QStandardItem(row.data(Qt::DecorationRole).value<QIcon>(), text);
         item->setData(hit.key, KeyRole);
         item->setData(row.data(DeskModel::BrokenRole), DeskModel::BrokenRole);
-        item->setToolTip(text.toHtmlEscaped());
+        item->setToolTip(plainToolTip(text));
         item->setEditable(false);
         m_rows->appendRow(item); // owned by the model
     }

@@ -47,6 +47,14 @@ QString displayLine(const QString& text) {
     return line;
 }
 
+QString plainToolTip(const QString& text) {
+    constexpr int longest = 2000;
+    if (text.isEmpty())
+        return {};
+    const QString shown = text.size() > longest ? text.left(longest) + QChar(0x2026) : text;
+    return QStringLiteral("<p style='white-space:pre-wrap'>%1</p>").arg(shown.toHtmlEscaped());
+}
+
 QString RowDelegate::displayText(const QVariant& value, const QLocale& locale) const {
     if (value.userType() == QMetaType::QString)
         return displayLine(value.toString());
@@ -93,10 +101,7 @@ bool RowDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,
     if (mark.label.isEmpty() || event->type() != QEvent::ToolTip ||
         !markPlace(option, markLabel(mark)).contains(event->pos()))
         return QStyledItemDelegate::helpEvent(event, view, option, index);
-    // Letter by letter, whatever it looks like.
-    QToolTip::showText(
-        event->globalPos(),
-        QStringLiteral("<p style='white-space:pre'>%1</p>").arg(mark.tip.toHtmlEscaped()), view);
+    QToolTip::showText(event->globalPos(), plainToolTip(mark.tip), view);
     return true;
 }
 

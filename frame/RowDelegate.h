@@ -15,6 +15,9 @@ namespace orvo {
 /// A text of a record as one line that is cheap to lay out: control characters and ends of lines
 /// become blanks, and of a long text only the start is kept, with "…" behind it.
 QString displayLine(const QString& text);
+/// Such a text, its lines kept, as a tool tip that shows it letter by letter, whatever it looks
+/// like; of a long one the start. Empty for an empty text.
+QString plainToolTip(const QString& text);
 
 /// Rows are one line high and painting costs the same for any text; the value itself, and what an
 /// editor shows, stays as it is.

@@ -15,6 +15,7 @@
 #include <QScrollBar>
 #include <QSettings>
 #include <QStackedWidget>
+#include <QTextDocument>
 #include <QtTest>
 
 using namespace orvo::test;
@@ -277,6 +278,35 @@ private slots:
         QVERIFY(desk.start());
         recent = desk.module->child<ElementList>("deskRecent");
         QCOMPARE(recent->model()->index(0, 0).data().toString(), QString("Тренды"));
+    }
+
+    void textsOfTheStoreAreShownAsTheyAre() {
+        const QString text = QString::fromUtf8("<b>Тренды</b> & \"всё\"");
+        Desk desk;
+        desk.store.update("Menu", {{"KeyLink", "e2"}, {"caption", text}});
+        desk.store.update("Menu", {{"KeyLink", "e6"}, {"MenuResourceKey", text}});
+        addElement(desk.store, "long", nullptr, "", 3000, "rm");
+        desk.store.update("Menu", {{"KeyLink", "long"}, {"caption", QString(1'000'000, 'W')}});
+        QVERIFY(desk.start());
+        const auto shown = [](const QModelIndex& row) {
+            const QString tip = row.data(Qt::ToolTipRole).toString();
+            QTextDocument document;
+            document.setHtml(tip);
+            return Qt::mightBeRichText(tip) ? document.toPlainText() : tip;
+        };
+        for (const char* key : {"e2", "long"})
+            (*desk.module)->launch(QString::fromUtf8(key));
+        auto* recent = desk.module->child<ElementList>("deskRecent");
+        QCOMPARE(recent->model()->index(1, 0).data().toString(), text);
+        QCOMPARE(shown(recent->model()->index(1, 0)), text);
+        desk.module->child<QLineEdit>("deskSearch")->setText(QString::fromUtf8("тренды"));
+        auto* hits = desk.module->child<ElementList>("deskHits");
+        QCOMPARE(hits->count(), 1);
+        QCOMPARE(shown(hits->model()->index(0, 0)), text);
+        const QModelIndex broken = desk.row("e6");
+        QVERIFY(!shown(broken).isEmpty());
+        QCOMPARE(shown(broken), DeskModel::value(broken, DeskColumn::Note).toString());
+        QVERIFY(shown(recent->model()->index(0, 0)).size() < 3000);
     }
 
     void aRefusalIsShownAndLogged() {

@@ -5,9 +5,11 @@
 #include <QPainter>
 #include <QPixmap>
 #include <QStandardItemModel>
+#include <QTextDocument>
 #include <QtTest>
 
 using orvo::displayLine;
+using orvo::plainToolTip;
 using orvo::RowDelegate;
 
 class TestRowDelegate : public QObject {
@@ -36,6 +38,27 @@ private slots:
         QFETCH(QString, line);
         QCOMPARE(displayLine(text), line);
         QCOMPARE(RowDelegate().displayText(text, QLocale()), line);
+    }
+
+    void aToolTipShowsATextAsItIs_data() {
+        QTest::addColumn<QString>("text");
+        for (const char* text : {"Насос 1", "A & B \"всё\"", "<b>a</b>&amp;", "a\nb", "  %1 %2  "})
+            QTest::newRow(text) << QString::fromUtf8(text);
+    }
+
+    void aToolTipShowsATextAsItIs() {
+        QFETCH(QString, text);
+        const QString tip = plainToolTip(text);
+        QVERIFY(Qt::mightBeRichText(tip)); // else its letters would be shown as they stand
+        QTextDocument shown;
+        shown.setHtml(tip);
+        QCOMPARE(shown.toPlainText(), text);
+    }
+
+    void aToolTipOfNothingIsNone() { QCOMPARE(plainToolTip({}), QString()); }
+
+    void aToolTipOfAMillionLettersIsShort() {
+        QVERIFY(plainToolTip(QString(1'000'000, 'W')).size() < 3000);
     }
 
     void otherValuesAreShownAsAlways() {
