@@ -4,6 +4,7 @@
 // ORVO_TRIAL_ROUNDS is the number of fail-overs.
 #include "Trial.h"
 
+#include "platform/store/Maintenance.h"
 #include "tests/client/FollowingClient.h"
 #include "tests/store/LogReplay.h"
 #include "tests/store/PostgresCluster.h"
@@ -128,6 +129,12 @@ void TestTrialFailover::failOver(int round) {
         QCOMPARE(captions[key], caption);
     QCOMPARE(int(captions.size()), int(m_captions.size()) + others);
     QCOMPARE(store::test::replayDifferences(url), QStringList());
+    const auto owner = store::openMaintained(url, {{}, false}, &status);
+    QVERIFY2(owner, status.text.c_str());
+    std::vector<std::string> damages;
+    status = owner->integrity(&damages);
+    QVERIFY2(status.ok(), status.text.c_str());
+    QCOMPARE(damages, std::vector<std::string>());
     for (const auto& client : m_clients)
         if (!loses)
             QCOMPARE(client->lost, QVector<bool>());

@@ -80,6 +80,10 @@ void TestTrialKills::killedServerLosesNothingThatWasSaved() {
         const QString missing = writer.difference(*store);
         QVERIFY2(missing.isEmpty(), qPrintable(missing));
         QCOMPARE(store::test::replayDifferences(*store), QStringList());
+        std::vector<std::string> damages;
+        status = store->integrity(&damages);
+        QVERIFY2(status.ok(), status.text.c_str());
+        QCOMPARE(damages, std::vector<std::string>());
     }
     qInfo("%d kills of the server, %d writes said to be saved and %d more: all there", wanted,
           writer.steps() - writer.unsaid(), writer.unsaid());

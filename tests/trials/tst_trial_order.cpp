@@ -181,6 +181,9 @@ void TestTrialOrder::overlappingTransactionsAreReadInCommitOrderExactlyOnce() {
     QVERIFY2(store, status.text.c_str());
     for (const Follower& follower : followers)
         QCOMPARE(follower.replay.compare(*store), QStringList());
+    std::vector<std::string> damages;
+    ORVO_OK(store->integrity(&damages));
+    QCOMPARE(damages, std::vector<std::string>());
     qInfo("%zu changes by %d writers, read by %d, in %lld s", followers[0].replay.changes(),
           writers, readers, clock.elapsed() / 1000);
 }
