@@ -48,6 +48,23 @@ void EditorWindow::enableEditButtons(bool enabled) {
     m_btnCancel->setEnabled(enabled);
 }
 
+void EditorWindow::tellReplaced(const QString& what, const RecordFields& fields,
+                                const std::vector<Replaced>& replaced) {
+    const QString place =
+        QString::fromLatin1(metaObject()->className()) + QStringLiteral("::MessageData");
+    for (const Replaced& one : replaced)
+        for (const RecordField& field : fields) {
+            if (field.column != one.column)
+                continue;
+            // What is typed outside of the passport is a name in a tree.
+            const char* title = field.passport.caption ? field.passport.caption : "Имя";
+            m_app->m_logModule->LogFile(
+                5, place,
+                translated("%1: «%2» изменено другим, набранное «%3» не сохранено")
+                    .arg(what, translated(title), one.typed.toString()));
+        }
+}
+
 // -------------------------------------------------------------------------------------------------
 // Tables
 

@@ -22,6 +22,7 @@
 #define ORVO_EDITOR_EDITORWINDOW_H
 
 #include "editor/RecordFields.h"
+#include "editor/TypedValues.h"
 #include "frame/OrvoClient.h"
 #include "models/Passport.h"
 #include "models/models.h"
@@ -81,6 +82,10 @@ protected:
     /// The tool buttons that save and cancel it.
     void makeEditButtons();
     void enableEditButtons(bool enabled);
+
+    /// Says in the log which typed values of a record gave way to another's; `what` names it.
+    void tellReplaced(const QString& what, const RecordFields& fields,
+                      const std::vector<Replaced>& replaced);
 
     // ---------------------------------------------------------------------------------------------
     // Tables

@@ -49,14 +49,15 @@ void RecordEdit::change(QAbstractItemModel& model, int column, const QVariant& v
     check();
 }
 
-void RecordEdit::merge(QAbstractItemModel& model, const QModelIndex& row,
-                       const Notification& change, const MDRData* record,
-                       const RecordFields& fields) {
+std::vector<Replaced> RecordEdit::merge(QAbstractItemModel& model, const QModelIndex& row,
+                                        const Notification& change, const MDRData* record,
+                                        const RecordFields& fields) {
     if (!isOf(change.key()))
-        return;
-    m_typed.merge(change, record, fields);
+        return {};
+    std::vector<Replaced> replaced = m_typed.merge(change, record, fields);
     m_typed.show(model, row);
     check();
+    return replaced;
 }
 
 void RecordEdit::markSent() {

@@ -55,9 +55,11 @@ public:
     /// The engineer typed a value, which the row gets.
     void change(QAbstractItemModel& model, int column, const QVariant& value);
     /// A change of a record has entered the table, and the row has been written anew: what was
-    /// typed and is not overtaken goes back into it. Nothing for any other record.
-    void merge(QAbstractItemModel& model, const QModelIndex& row, const Notification& change,
-               const MDRData* record, const RecordFields& fields);
+    /// typed and is not overtaken goes back into it. Nothing for any other record. Gives what was
+    /// overtaken.
+    std::vector<Replaced> merge(QAbstractItemModel& model, const QModelIndex& row,
+                                const Notification& change, const MDRData* record,
+                                const RecordFields& fields);
     /// The record is on its way to the server.
     void markSent();
     /// Ends it; nothing is written. The key stays that of the last edit. Also when none is open.

@@ -15,15 +15,19 @@ void TypedValues::type(int column, const QVariant& value, const QVariant& shown)
         known->value = value;
 }
 
-void TypedValues::merge(const Notification& change, const MDRData* record,
-                        const RecordFields& fields) {
+std::vector<Replaced> TypedValues::merge(const Notification& change, const MDRData* record,
+                                         const RecordFields& fields) {
+    std::vector<Replaced> replaced;
     for (const RecordField& field : fields) {
         const auto typed = m_typed.find(field.column);
         if (typed == m_typed.end() || !field.name || !change.hasValueFor(field.name))
             continue;
-        if (field.read(record) != typed->base)
-            m_typed.erase(typed);
+        if (field.read(record) == typed->base)
+            continue;
+        replaced.push_back({field.column, typed->value});
+        m_typed.erase(typed);
     }
+    return replaced;
 }
 
 void TypedValues::show(QAbstractItemModel& model, const QModelIndex& row) const {

@@ -13,6 +13,8 @@
 #include <QMap>
 #include <QVariant>
 
+#include <vector>
+
 class QAbstractItemModel;
 class QModelIndex;
 struct MDRData;
@@ -25,12 +27,20 @@ namespace orvo::editor {
 
 class RecordFields;
 
+/// A value that was typed and that the change of somebody else has replaced.
+struct Replaced {
+    int column;
+    QVariant typed;
+};
+
 class TypedValues {
 public:
     /// The engineer typed a value where the row shows `shown`.
     void type(int column, const QVariant& value, const QVariant& shown);
     /// A change of the record has entered the local table: `record` is what it has become there.
-    void merge(const Notification& change, const MDRData* record, const RecordFields& fields);
+    /// Gives what is removed.
+    std::vector<Replaced> merge(const Notification& change, const MDRData* record,
+                                const RecordFields& fields);
     /// Writes the typed values into a row, which a change may have written anew.
     void show(QAbstractItemModel& model, const QModelIndex& row) const;
     void clear() { m_typed.clear(); }

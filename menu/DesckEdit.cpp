@@ -32,10 +32,11 @@ void DesckEdit::type(const QString& name) {
         typed().type(DesckColumn::Name, name, m_shown);
 }
 
-void DesckEdit::merge(DesckTreeModel& model, const QModelIndex& row, const Notification& change,
-                      const MDRData* record) {
-    if (!isNew())
-        RecordEdit::merge(model, row, change, record, m_fields);
+std::vector<editor::Replaced> DesckEdit::merge(DesckTreeModel& model, const QModelIndex& row,
+                                               const Notification& change, const MDRData* record) {
+    if (isNew())
+        return {};
+    return RecordEdit::merge(model, row, change, record, m_fields);
 }
 
 void DesckEdit::end() {

@@ -33,8 +33,8 @@ public:
     /// The engineer has typed a name into the row.
     void type(const QString& name);
     /// The name of a new row stays as it is typed.
-    void merge(DesckTreeModel& model, const QModelIndex& row, const Notification& change,
-               const MDRData* record);
+    std::vector<editor::Replaced> merge(DesckTreeModel& model, const QModelIndex& row,
+                                        const Notification& change, const MDRData* record);
     void end();
 
     /// The record of the new row, or the new name of the existing one, on its way to the server.

@@ -56,15 +56,18 @@ void ElementEdit::sendsPlace(const QString& key, int order, const QString& paren
         m_place = Place{order, parent};
 }
 
-void ElementEdit::merge(MenuTreeModel& model, const QModelIndex& row, const Notification& change,
-                        const MDRData* record) {
+std::vector<editor::Replaced> ElementEdit::merge(MenuTreeModel& model, const QModelIndex& row,
+                                                 const Notification& change,
+                                                 const MDRData* record) {
     if (!changes(change.key()))
-        return;
-    RecordEdit::merge(model, row, change, record, m_fields);
+        return {};
+    std::vector<editor::Replaced> replaced =
+        RecordEdit::merge(model, row, change, record, m_fields);
     if (m_place && m_place->order == integerOf(record, orvo::field::order_) &&
         (!m_place->parent || holdsText(record, orvo::field::parent, *m_place->parent)))
         m_place.reset();
     check();
+    return replaced;
 }
 
 void ElementEdit::end() {

@@ -46,8 +46,8 @@ public:
     /// writes the same, and no other edit is concerned.
     void sendsPlace(const QString& key, int order);
     void sendsPlace(const QString& key, int order, const QString& parent);
-    void merge(MenuTreeModel& model, const QModelIndex& row, const Notification& change,
-               const MDRData* record);
+    std::vector<editor::Replaced> merge(MenuTreeModel& model, const QModelIndex& row,
+                                        const Notification& change, const MDRData* record);
     void end();
 
     /// Every field of the element's row, on its way to the server.

@@ -115,9 +115,23 @@ void OrvoMenu::showDesck(const orvo::Notification& change, MDRData* record,
         (edited == row || standsBelow(edited, row)))
         finishEdit();
     updateNewDesckNode(record, position, row);
-    m_desckEdit.merge(*m_desckModel, m_desckModel->findIndexByKey(key), change, record);
+    const QModelIndex shown = m_desckModel->findIndexByKey(key);
+    const auto replaced = m_desckEdit.merge(*m_desckModel, shown, change, record);
+    if (!replaced.empty())
+        tellReplaced(
+            (m_desckModel->isItemFolder(shown) ? tr("папка «%1»") : tr("рабочий стол «%1»"))
+                .arg(orvo::textOf(record, orvo::field::caption)),
+            m_desckFields, replaced);
     if (mayMoveCurrent())
-        orvo::reselectRow(m_ui->tvDesck, m_desckModel->findIndexByKey(key));
+        orvo::reselectRow(m_ui->tvDesck, shown);
+}
+
+void OrvoMenu::mergeElement(const orvo::Notification& change, const MDRData* record,
+                            const QModelIndex& row) {
+    const auto replaced = m_elementEdit.merge(*m_menuModel, row, change, record);
+    if (!replaced.empty())
+        tellReplaced(tr("элемент «%1»").arg(orvo::textOf(record, orvo::field::caption)),
+                     m_elementFields, replaced);
 }
 
 void OrvoMenu::elementUpdated(const orvo::Notification& change) {
@@ -132,7 +146,7 @@ void OrvoMenu::elementUpdated(const orvo::Notification& change) {
     const QString oldParent = row.siblingAtColumn(MenuColumn::ParentKey).data().toString();
     const int32_t position = getMenuElementPosition(key, newParent);
     loadMenuRow(parent, number, record);
-    m_elementEdit.merge(*m_menuModel, row, change, record);
+    mergeElement(change, record, row);
     if (!orvo::sameText(newParent, oldParent)) {
         const QModelIndex target = m_menuModel->findIndexByKey(
             newParent.isEmpty() ? QString::fromLatin1(menuRootKey) : newParent);
@@ -170,7 +184,7 @@ void OrvoMenu::elementInserted(const orvo::Notification& change) {
     if (own.isValid()) {
         loadMenuRow(own.parent(), own.row(), record);
         // What was typed since the save is not in the record.
-        m_elementEdit.merge(*m_menuModel, own, change, record);
+        mergeElement(change, record, own);
         return;
     }
     const QString parentKey = orvo::textOf(record, orvo::field::parent);

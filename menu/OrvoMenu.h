@@ -246,6 +246,9 @@ private:
     /// Writes the record into the row, puts it in its place and refreshes what depends on it.
     void showDesck(const orvo::Notification& change, MDRData* record, const QModelIndex& row);
     void elementUpdated(const orvo::Notification& change);
+    /// The record of a row has changed: puts back what was typed, and tells what gave way.
+    void mergeElement(const orvo::Notification& change, const MDRData* record,
+                      const QModelIndex& row);
     void elementDeleted(const orvo::Notification& change);
     bool m_movesRows = false; ///< the current row changes by a move of rows, not by the engineer
     /// The elements that the table has in a folder whose row is new: those that waited for it

@@ -63,13 +63,9 @@ void OrvoResources::moveRow(Move move, MoveKind kind) {
 
 void OrvoResources::mergeEdit(const orvo::Notification& change, const MDRData* record,
                               const QModelIndex& row) {
-    for (const auto& [column, typed] :
-         m_edit.merge(*m_resModel, row, change, record, fieldsOf(row)))
-        m_app->m_logModule->LogFile(
-            5, QStringLiteral("OrvoResources::MessageData"),
-            tr("%1: «%2» изменено другим, набранное «%3» не сохранено")
-                .arg(describe(row), m_resModel->headerData(column, Qt::Horizontal).toString(),
-                     typed.toString()));
+    const auto replaced = m_edit.merge(*m_resModel, row, change, record, fieldsOf(row));
+    if (!replaced.empty())
+        tellReplaced(describe(row), fieldsOf(row), replaced);
 }
 
 void OrvoResources::followTables() {

@@ -87,22 +87,17 @@ bool ResourceEdit::takeEcho(const Notification& change, const MDRData* record,
     return true;
 }
 
-std::vector<ResourceEdit::Replaced>
-ResourceEdit::merge(QAbstractItemModel& model, const QModelIndex& row, const Notification& change,
-                    const MDRData* record, const editor::RecordFields& fields) {
+std::vector<editor::Replaced> ResourceEdit::merge(QAbstractItemModel& model, const QModelIndex& row,
+                                                  const Notification& change, const MDRData* record,
+                                                  const editor::RecordFields& fields) {
     const bool own = takeEcho(change, record, fields);
-    std::vector<Replaced> replaced;
+    std::vector<editor::Replaced> replaced;
     if (!isOf(change.key()))
         return replaced;
-    if (!own) {
-        const editor::TypedValues before = typed();
-        RecordEdit::merge(model, row, change, record, fields);
-        for (const editor::RecordField& field : fields)
-            if (before.contains(field.column) && !isTyped(field.column))
-                replaced.push_back({field.column, before.value(field.column)});
-    } else {
+    if (own)
         typed().show(model, row);
-    }
+    else
+        replaced = RecordEdit::merge(model, row, change, record, fields);
     check();
     return replaced;
 }

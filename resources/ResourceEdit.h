@@ -32,17 +32,12 @@ public:
     void end();
     void follow(const QModelIndex& row);
 
-    /// A value that was typed and that the change of somebody else has replaced.
-    struct Replaced {
-        int column;
-        QVariant typed;
-    };
     /// A change of a record has entered the local table and the row of that key. Typed values that
     /// it does not bring, or that it brings as the echo of an own save, go back into the row; the
     /// others are given up and named. `record` is what the record has become.
-    std::vector<Replaced> merge(QAbstractItemModel& model, const QModelIndex& row,
-                                const Notification& change, const MDRData* record,
-                                const editor::RecordFields& fields);
+    std::vector<editor::Replaced> merge(QAbstractItemModel& model, const QModelIndex& row,
+                                        const Notification& change, const MDRData* record,
+                                        const editor::RecordFields& fields);
     /// A record was deleted: no echo of it will come.
     void forget(const QString& key);
 

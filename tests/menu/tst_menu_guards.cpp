@@ -138,6 +138,20 @@ private slots:
         QCOMPARE(live.written(), QString("MenuFolder\n  ~armop caption='Бюро'\n"));
     }
 
+    void aTypedDesktopNameGivesWayToAnotherWithAWord() {
+        Guarded live;
+        live->on_actChangeDescktopOrFolder_triggered();
+        live.typeName("Бюро");
+        live.store.update("MenuFolder",
+                          {{"KeyLink", QString("armop")}, {"caption", QString("Чужое")}});
+        live.deliver();
+        QCOMPARE(live->desck("armop").data(), QVariant("Чужое"));
+        QCOMPARE(live.host.logLines.size(), 1);
+        QCOMPARE(live.host.logLines.first().text,
+                 QString("рабочий стол «Чужое»: «Имя» изменено другим, набранное «Бюро» не "
+                         "сохранено"));
+    }
+
     void whatIsTypedAfterTheSaveOfAFolderOutlivesItsEcho() {
         Guarded live;
         live.makeCurrent("grafiki");

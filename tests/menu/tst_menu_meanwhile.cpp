@@ -142,6 +142,10 @@ private slots:
         live.settle();
         QCOMPARE(live.recordText("calc", "caption"), QString("Чужое"));
         QCOMPARE(live.cell("calc", MenuColumn::Caption).toString(), QString("Чужое"));
+        QCOMPARE(live.host.logLines.size(), 1);
+        QCOMPARE(live.host.logLines.first().text,
+                 QString("элемент «Чужое»: «Наименование» изменено другим, набранное «Иное» не "
+                         "сохранено"));
     }
 
     void anEditedElementThatOthersMoveIsSavedInItsNewPlace() {
