@@ -4,12 +4,15 @@
 #include "frame/Vocabulary.h"
 #include "platform/store/Schema.h"
 
+#include <QAbstractItemDelegate>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QTimer>
 #include <QTreeWidget>
 
+#include <algorithm>
 #include <cstring>
 #include <optional>
 
@@ -61,6 +64,13 @@ std::optional<QString> textIn(const store::TableDef& table,
     return {};
 }
 
+/// An editor of a cell is a child of the view's viewport until it is closed.
+bool isCellOpen(const QTreeWidget& tree) {
+    const QList<QLineEdit*> lines = tree.viewport()->findChildren<QLineEdit*>();
+    return std::any_of(lines.begin(), lines.end(),
+                       [](const QLineEdit* line) { return line->isVisible(); });
+}
+
 } // namespace
 
 UnwrittenPane::UnwrittenPane(client::UnwrittenList& list, QWidget* parent)
@@ -101,7 +111,11 @@ UnwrittenPane::UnwrittenPane(client::UnwrittenList& list, QWidget* parent)
     connect(m_giveUp, &QPushButton::clicked, this, [this] { m_list.giveUp(currentId()); });
     connect(m_tree, &QTreeWidget::currentItemChanged, this, &UnwrittenPane::updateActions);
     connect(m_tree, &QTreeWidget::itemChanged, this, &UnwrittenPane::textChanged);
-    connect(&m_list, &client::UnwrittenList::changed, this, &UnwrittenPane::fill);
+    connect(&m_list, &client::UnwrittenList::changed, this, &UnwrittenPane::listChanged);
+    connect(m_tree->itemDelegate(), &QAbstractItemDelegate::closeEditor, this, [this] {
+        if (m_outdated) // the view is still ending its edit
+            QTimer::singleShot(0, this, &UnwrittenPane::listChanged);
+    });
     fill();
 }
 
@@ -136,6 +150,12 @@ void UnwrittenPane::addFields(QTreeWidgetItem* row, const UnwrittenEntry& entry)
         for (int column = 0; column < Count; ++column)
             line->setToolTip(column, plainToolTip(line->text(column)));
     }
+}
+
+void UnwrittenPane::listChanged() {
+    m_outdated = isCellOpen(*m_tree);
+    if (!m_outdated)
+        fill();
 }
 
 void UnwrittenPane::fill() {

@@ -14,7 +14,8 @@ namespace orvo::app {
 
 /// One row for each entry, with a row for each field below it: what it was, what was typed, and in
 /// a conflict what another wrote. "Набрано" of an entry's text can be changed in place. The actions
-/// work on the current entry.
+/// work on the current entry. While a text is being changed the rows stay as they are, whatever
+/// happens to the list.
 class UnwrittenPane : public QWidget {
     Q_OBJECT
 public:
@@ -27,6 +28,7 @@ public:
     QTreeWidget* tree() const { return m_tree; }
 
 private:
+    void listChanged();
     void fill();
     void addFields(QTreeWidgetItem* row, const client::UnwrittenEntry& entry);
     void updateActions();
@@ -39,6 +41,7 @@ private:
     QPushButton* m_repeatAll;
     QPushButton* m_giveUp;
     bool m_filling = false;
+    bool m_outdated = false; ///< to be filled when the open cell is left
 };
 
 } // namespace orvo::app

@@ -3,6 +3,7 @@
 #include "platform/client/ModuleRegistry.h"
 #include "tests/client/HostFixture.h"
 
+#include <QLineEdit>
 #include <QPushButton>
 #include <QTreeWidget>
 #include <QtTest>
@@ -120,6 +121,27 @@ private slots:
         QTRY_COMPARE(shown.list.entries()[0].words.fields[0].mine, QString("«Третий»"));
         shown.button("unwrittenRepeat")->click();
         QCOMPARE(shown.caption(), QString("Третий"));
+    }
+
+    void whatIsBeingTypedOutlivesWhatHappensToTheList() {
+        Shown shown;
+        shown.conflict();
+        QTreeWidget* tree = shown.pane.tree();
+        tree->editItem(tree->topLevelItem(0)->child(0), UnwrittenPane::Mine);
+        auto* line = tree->viewport()->findChild<QLineEdit*>();
+        QVERIFY(line);
+        line->selectAll();
+        QTest::keyClicks(line, "Third");
+        shown.write(1, {{"KeyLink", "k"}, {"caption", "Второй"}}); // refused: the key is taken
+        QCOMPARE(shown.list.entries().size(), size_t(2));
+        QCOMPARE(tree->viewport()->findChild<QLineEdit*>(), line);
+        QCOMPARE(line->text(), QString("Third"));
+        QTest::keyClick(line, Qt::Key_Return);
+        QTRY_COMPARE(tree->topLevelItemCount(), 2);
+        QTRY_COMPARE(shown.list.entries()[0].words.fields[0].mine, QString("«Third»"));
+        shown.list.repeat(QString(shown.list.entries()[0].id));
+        QCOMPARE(shown.caption(), QString("Third"));
+        QTRY_COMPARE(tree->topLevelItemCount(), 1);
     }
 
     void whatIsGoneCanBeMadeAnew() {
