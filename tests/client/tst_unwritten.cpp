@@ -313,6 +313,31 @@ private slots:
         QCOMPARE(desk.value("Menu", "k", "caption"), QString("Ещё чужой"));
     }
 
+    void whatALaterSaveWritesLeavesTheList_data() {
+        QTest::addColumn<QString>("later");
+        QTest::addColumn<bool>("leaves");
+        QTest::newRow("the same word") << "Мой" << true;
+        QTest::newRow("another word") << "Иной" << false;
+        QTest::newRow("the deletion of the record") << "" << true;
+    }
+    void whatALaterSaveWritesLeavesTheList() {
+        QFETCH(QString, later);
+        QFETCH(bool, leaves);
+        Desk desk;
+        desk.elsewhere("Menu", 1, {{"KeyLink", "k"}, {"caption", "Был"}});
+        Module& module = desk.open();
+        desk.elsewhere("Menu", 2, {{"KeyLink", "k"}, {"caption", "Чужой"}});
+        Desk::write(module, "Menu", 2, {{"KeyLink", "k"}, {"caption", "Мой"}});
+        QCOMPARE(desk.list.entries().size(), size_t(1));
+        desk.deliver(module); // he sees theirs, and decides in the editor
+        if (later.isEmpty())
+            QVERIFY(Desk::write(module, "Menu", 4, {{"KeyLink", "k"}}));
+        else
+            QVERIFY(
+                Desk::write(module, "Menu", 2, {{"KeyLink", "k"}, {"caption", qPrintable(later)}}));
+        QCOMPARE(desk.list.isEmpty(), leaves);
+    }
+
     void whatTheModuleWasToldIsNoConflict() {
         Desk desk;
         desk.elsewhere("Menu", 1, {{"KeyLink", "k"}, {"caption", "Был"}});

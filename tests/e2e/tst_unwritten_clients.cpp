@@ -137,6 +137,21 @@ private slots:
         DONE(captionOf("un1") == "Pump");
     }
 
+    void aSaveThatIsRefusedKeepsTheEditorsOpen() {
+        DO(rename("Pump", "Refused at the end"));
+        QVERIFY(m_faults->begin(EngineersKind::NoRight));
+        hands::key("ctrl+r");
+        DO(answerClosing("closeSave"));
+        SOON(unwritten().size() == 1);
+        m_faults->end();
+        DO(acknowledge());
+        QTest::qWait(1000); // editors that open anew have done so by then
+        QCOMPARE(current(left(), "tvMenu"), QString("Refused at the end"));
+        DO(m_scene->press(left(), QStringLiteral("Отказаться")));
+        SOON(unwritten().isEmpty());
+        DONE(captionOf("un1") == "Pump");
+    }
+
     void anElementThatIsGoneIsMadeAnewFromWhatWasTyped() {
         DO(rename("Valve", "Valve 2"));
         QVERIFY(another("delete from Menu where KeyLink = 'un2'"));

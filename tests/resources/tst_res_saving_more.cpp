@@ -188,6 +188,16 @@ private slots:
                                         "caption='Дневник'"));
     }
 
+    void anEditBeginsWithoutTheWordsOfTheOneBefore() {
+        EditOpen live("trends", "caption", "Новое");
+        live.save();
+        live.makeCurrent("alarms");
+        live->on_editor_valueChanged("nosuch", QString("x")); // a row without a column
+        QCOMPARE(live.state(), EditRow);
+        QCOMPARE(live->m_editCaption, QString());
+        QCOMPARE(live->m_editObject, QString());
+    }
+
     // Cancel
 
     void withoutAnEditCancelDisablesTheButtonsOnly() {
