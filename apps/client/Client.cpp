@@ -281,7 +281,10 @@ void Client::addOpenEdits() {
     m_guard->addSource([this]() -> std::vector<CloseGuard::Unsaved> {
         if (!m_leaving || m_unwritten->isEmpty())
             return {};
-        return {{m_unwritten->summary(), [this] { return m_unwritten->repeatAll() == 0; }}};
+        return {{m_unwritten->summary(), [this] {
+                     m_unwritten->repeatAll();
+                     return m_unwritten->isEmpty(); // what two have changed is to be chosen
+                 }}};
     });
 }
 

@@ -96,6 +96,25 @@ private slots:
         DONE(captionOf("un1") == "Pump");
     }
 
+    void savingAtTheEndDecidesNoConflict() {
+        DO(rename("Pump", "Mine at the end"));
+        QVERIFY(another("update Menu set caption = 'Theirs at the end' where KeyLink = 'un1'"));
+        SOON(held());
+        DO(m_scene->press(left(), save));
+        SOON(unwritten().size() == 1);
+        DO(acknowledge());
+        hands::key("ctrl+q");
+        DO(answerClosing("closeSave"));
+        QTest::qWait(1500); // another question would stand by then
+        QVERIFY(left().isRunning());
+        QVERIFY(!isUp("closeSave"));
+        QCOMPARE(unwritten().size(), 1);
+        DO(m_scene->press(left(), QStringLiteral("Взять чужое")));
+        SOON(unwritten().isEmpty());
+        QVERIFY(another("update Menu set caption = 'Pump' where KeyLink = 'un1'"));
+        DONE(captionOf("un1") == "Pump");
+    }
+
     void whatALockedStoreDidNotTakeIsMadeAgainInOrder() {
         DO(m_scene->clickRow(left(), "tvMenu", menuTop));
         DO(m_scene->pressAll(left(), {newElement, "actNewElemFolder"}));
