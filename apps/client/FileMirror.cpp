@@ -1,12 +1,7 @@
 #include "apps/client/FileMirror.h"
 
-#include "frame/Vocabulary.h"
-
 #include <QFile>
-#include <QJsonDocument>
-#include <QJsonObject>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -14,41 +9,7 @@ namespace orvo::app {
 
 namespace {
 
-constexpr int gatherMs = 30; ///< changes that come together are one comparison
-
-/// Whether a change of that record can move, name, add or remove a file of the area. A comparison
-/// takes the longer the more files there are, and most changes of a catalogue are about others.
-bool concernsFiles(const store::Change& change) {
-    namespace field = orvo::field;
-    const bool isFolder = change.table == orvo::table::MenuResourceFolder;
-    if (!isFolder && change.table != orvo::table::MenuResource)
-        return false;
-    const auto fields = [](const std::string& json) {
-        return QJsonDocument::fromJson(QByteArray::fromStdString(json)).object();
-    };
-    if (change.code == OrvoEventUpdate) {
-        // Only what has changed is told: not of what type the record is.
-        const QStringList placing =
-            isFolder ? QStringList{field::caption, field::ParentKey, field::type_}
-                     : QStringList{field::name_, field::MenuResourceFolderKey, field::type_};
-        const QJsonObject after = fields(change.after);
-        return std::any_of(placing.begin(), placing.end(),
-                           [&](const QString& name) { return after.contains(name); });
-    }
-    const QJsonObject record = fields(change.after.size() > 2 ? change.after : change.before);
-    return !record.contains(field::type_) || record[field::type_].toInt() == orvo::Kind::File;
-}
-
-/// What a change of a content asks for. An update that tells of neither size nor time is one of the
-/// bytes alone, made by hand.
-Recopy recopyAfter(const store::Change& change) {
-    if (change.code != OrvoEventUpdate)
-        return Recopy::Untimed;
-    const QJsonObject after =
-        QJsonDocument::fromJson(QByteArray::fromStdString(change.after)).object();
-    return after.contains(orvo::field::size) || after.contains(orvo::field::time) ? Recopy::Untimed
-                                                                                  : Recopy::All;
-}
+constexpr int gatherMs = 30; ///< changes that come together are one look
 
 } // namespace
 
@@ -83,10 +44,9 @@ bool FileMirror::start(QString* error) {
 }
 
 void FileMirror::changed(const store::Change& change) {
-    // The file area is the files, the folders that make their paths and the records that name them.
-    const bool contents = change.table == orvo::table::MenuResourceFile;
-    if (m_worker && (contents || concernsFiles(change)))
-        ask(gatherMs, contents ? recopyAfter(change) : Recopy::None);
+    MirrorChanges changes;
+    if (m_worker && changes.add(change))
+        ask(gatherMs, changes);
 }
 
 void FileMirror::setConnected(bool up) {
@@ -100,15 +60,15 @@ void FileMirror::setConnected(bool up) {
 
 void FileMirror::refresh() {
     if (m_worker)
-        ask(0, Recopy::None);
+        ask(0, MirrorChanges::everything());
 }
 
 bool FileMirror::isIdle() const {
     return !m_worker || !m_connected || m_answered == m_asked;
 }
 
-void FileMirror::ask(int milliseconds, Recopy recopy) {
-    m_worker->ask(++m_asked, milliseconds, recopy);
+void FileMirror::ask(int milliseconds, const MirrorChanges& changes) {
+    m_worker->ask(++m_asked, milliseconds, changes);
 }
 
 void FileMirror::finish(uint64_t number) {

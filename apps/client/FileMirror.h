@@ -29,7 +29,8 @@ public:
     /// Begins with a full comparison. False, with the reason in `error`, if the directory cannot be
     /// used; nothing is mirrored then.
     bool start(QString* error);
-    /// A change of the store: looks again if it can concern the file area.
+    /// A change of the store: looks at the record's file if it has one, and at the whole area only
+    /// after a change of a folder of files, or of many records at once.
     void changed(const store::Change& change);
     /// Compares anew, e.g. after the change log had a gap.
     void refresh();
@@ -37,6 +38,8 @@ public:
     void setConnected(bool up);
     /// Whether all that was asked for is done, or cannot be done now.
     bool isIdle() const;
+    /// How often the whole area was compared. It takes the longer the more files there are.
+    uint64_t comparisons() const { return m_worker ? m_worker->comparisons() : 0; }
 
 signals:
     void problem(const QString& text);
@@ -46,7 +49,7 @@ signals:
     void progress(int done, int all);
 
 private:
-    void ask(int milliseconds, Recopy recopy);
+    void ask(int milliseconds, const MirrorChanges& changes);
     void finish(uint64_t number);
 
     const StoreOpener m_open;

@@ -2,15 +2,13 @@
 
 #include "frame/Vocabulary.h"
 #include "platform/mdx/MdxBuild.h"
-#include "platform/store/FolderTree.h"
 
 #include <unordered_map>
+#include <vector>
 
 namespace orvo::app {
 
-namespace {
-
-std::string textOf(const MDArray* array, const char* field, const MDRData* record) {
+std::string fieldText(const MDArray* array, const char* field, const MDRData* record) {
     uint32_t length = 0;
     const char* text = nullptr;
     if (MDRGetTextRef(MDRFldByName(array, field), record, &length, &text) != MDX_OK)
@@ -18,9 +16,13 @@ std::string textOf(const MDArray* array, const char* field, const MDRData* recor
     return mdx::toUtf8({text, length});
 }
 
-} // namespace
+int32_t fieldNumber(const MDArray* array, const char* field, const MDRData* record) {
+    int32_t value = 0;
+    MDRGetAsInt32(MDRFldByName(array, field), record, &value);
+    return value;
+}
 
-store::Status plainFolderPaths(store::Store& store, std::set<std::string>* paths) {
+store::Status MirrorPaths::read(store::Store& store) {
     CMDArray table;
     store::Status status = store.fetch(table::MenuResourceFolder, table.array);
     if (!status.ok())
@@ -28,22 +30,20 @@ store::Status plainFolderPaths(store::Store& store, std::set<std::string>* paths
     std::vector<store::FolderRow> rows;
     for (uint32_t i = 0; i < mdx::postedCount(table.array); ++i) {
         const MDRData* record = mdx::postedRecord(table.array, i);
-        int32_t kind = 0;
-        MDRGetAsInt32(MDRFldByName(table.array, field::type_), record, &kind);
-        if (kind == Kind::File)
-            rows.push_back({textOf(table.array, field::KeyLink, record),
-                            textOf(table.array, field::ParentKey, record),
-                            textOf(table.array, field::caption, record)});
+        if (fieldNumber(table.array, field::type_, record) == Kind::File)
+            rows.push_back({fieldText(table.array, field::KeyLink, record),
+                            fieldText(table.array, field::ParentKey, record),
+                            fieldText(table.array, field::caption, record)});
     }
     std::unordered_map<std::string, const store::FolderRow*> byKey;
     for (const store::FolderRow& row : rows)
         // A record with the key of a top row is nobody's parent: what names it hangs at the top.
         if (const std::string key = store::FolderTree::link(row.key); !key.empty())
             byKey[key] = &row;
-    const store::FolderTree tree(rows, store::Area::Files);
-    *paths = {std::string()};
+    m_tree = store::FolderTree(rows, store::Area::Files);
+    m_plain = {std::string()};
     for (const store::FolderRow& row : rows) {
-        const auto path = tree.path(row.key);
+        const auto path = m_tree.path(row.key);
         if (!path)
             continue; // hangs on nothing, or on itself
         bool plain = true;
@@ -54,9 +54,13 @@ store::Status plainFolderPaths(store::Store& store, std::set<std::string>* paths
             at = above == byKey.end() ? nullptr : above->second;
         }
         if (plain)
-            paths->insert(*path);
+            m_plain.insert(*path);
     }
     return {};
+}
+
+std::optional<std::string> MirrorPaths::path(const std::string& key) const {
+    return m_tree.path(key);
 }
 
 } // namespace orvo::app

@@ -2,17 +2,37 @@
 #ifndef ORVO_APPS_CLIENT_MIRRORPATHS_H
 #define ORVO_APPS_CLIENT_MIRRORPATHS_H
 
+#include "platform/store/FolderTree.h"
 #include "platform/store/Store.h"
 
+#include <cstdint>
+#include <optional>
 #include <set>
 #include <string>
 
 namespace orvo::app {
 
-/// Paths of the folders of the file area whose captions, all the way down, are plain file names;
-/// the root's "" among them. A caption may hold the separator itself, so that a path alone does not
-/// tell: a folder "a/b" is not a folder "b" in a folder "a".
-store::Status plainFolderPaths(store::Store& store, std::set<std::string>* paths);
+/// The text of a field as UTF-8; empty for NULL. The field exists, or it is NULL as well.
+std::string fieldText(const MDArray* array, const char* field, const MDRData* record);
+/// 0 for NULL.
+int32_t fieldNumber(const MDArray* array, const char* field, const MDRData* record);
+
+/// The folders of the file area as they were when they were read.
+class MirrorPaths {
+public:
+    store::Status read(store::Store& store);
+    /// Whether the captions are plain file names all the way down; the root's "" is. A caption may
+    /// hold the separator itself, so that a path alone does not tell: a folder "a/b" is not a
+    /// folder "b" in a folder "a".
+    bool isPlain(const std::string& path) const { return m_plain.count(path) != 0; }
+    /// The path of a folder by its key, as links hold it; nothing for one that hangs on nothing, or
+    /// on itself.
+    std::optional<std::string> path(const std::string& key) const;
+
+private:
+    std::set<std::string> m_plain{std::string()};
+    store::FolderTree m_tree{{}, store::Area::Files};
+};
 
 } // namespace orvo::app
 

@@ -1,8 +1,8 @@
 #include "apps/client/MirrorWorker.h"
 
-#include "apps/client/MirrorPaths.h"
 #include "frame/Vocabulary.h"
 #include "platform/client/WholeFile.h"
+#include "platform/mdx/MdxBuild.h"
 
 #include <QFile>
 
@@ -10,7 +10,6 @@
 #include <cerrno>
 #include <cmath>
 #include <cstring>
-#include <set>
 
 namespace orvo::app {
 
@@ -41,6 +40,13 @@ bool isIcon(const std::string& folder) {
            (folder.size() == iconFolder.size() || folder[iconFolder.size()] == '/');
 }
 
+/// No disk holds every time that a store does, and what it makes of another would look changed each
+/// time.
+std::optional<double> timeOnDisk(const store::StoredFile& file) {
+    const bool holds = file.time && *file.time >= 0 && *file.time < latestTime;
+    return holds ? file.time : std::nullopt;
+}
+
 QString reason() {
     return QString::fromLocal8Bit(std::strerror(errno));
 }
@@ -68,13 +74,13 @@ MirrorWorker::~MirrorWorker() {
     m_thread.join();
 }
 
-void MirrorWorker::ask(uint64_t number, int milliseconds, Recopy recopy) {
+void MirrorWorker::ask(uint64_t number, int milliseconds, const MirrorChanges& changes) {
     {
         const std::lock_guard lock(m_mutex);
         const auto due = Clock::now() + std::chrono::milliseconds(milliseconds);
         // Who asks again does not put off what was asked before.
         m_due = m_asked == 0 || m_due < Clock::now() ? due : std::min(m_due, due);
-        m_recopy = std::max(m_recopy, recopy);
+        m_changes.merge(changes);
         m_asked = number;
     }
     m_wake.notify_all();
@@ -113,12 +119,15 @@ void MirrorWorker::run() {
             m_wake.wait_until(lock, m_due);
         } else {
             done = m_asked;
-            const Recopy recopy = std::exchange(m_recopy, Recopy::None);
+            MirrorChanges changes = std::exchange(m_changes, {});
             lock.unlock();
-            const End end = pass(done, recopy);
+            const End end = pass(done, changes);
             lock.lock();
             retry = end != End::Done;
-            m_recopy = std::max(m_recopy, retry ? recopy : Recopy::None);
+            if (retry) {
+                changes.merge(m_changes);
+                m_changes = std::move(changes);
+            }
             if (end == End::Failed)
                 m_due = Clock::now() + m_pace.retry;
             if (end != End::Restart)
@@ -140,16 +149,32 @@ bool MirrorWorker::openStore() {
     return m_store != nullptr;
 }
 
-MirrorWorker::End MirrorWorker::pass(uint64_t number, Recopy recopy) {
-    const Clock::time_point begin = Clock::now();
-    std::vector<Wanted> queue;
+MirrorWorker::End MirrorWorker::pass(uint64_t number, MirrorChanges& changes) {
+    m_begun = Clock::now();
     m_full = false;
-    if (!openStore() || !list(recopy, &queue))
+    std::vector<Wanted> queue;
+    bool changed = false;
+    if (!openStore())
         return End::Failed;
-    bool changed = removeStale();
-    // What depends on this listing alone must be copied before the next one.
-    const bool mayBreakOff = recopy == Recopy::None;
-    Clock::time_point told = begin + m_pace.firstProgressAfter - m_pace.progressInterval;
+    store::Status status = changes.isWhole() ? store::Status() : resolve(&changes);
+    if (status.ok() && !changes.isWhole())
+        status = look(&changes, &queue, &changed);
+    if (!status.ok() && keepWaiting())
+        tell(QStringLiteral("Файловая область не прочитана: %1").arg(textOf(status.text)));
+    if (!status.ok() || !keepWaiting())
+        return End::Failed;
+    if (changes.isWhole()) {
+        if (!list(changes.recopy(), &queue))
+            return End::Failed;
+        changed = removeStale();
+    }
+    // What depends on this look alone must be copied before the next one.
+    return copy(number, queue, changes.isWhole() && changes.recopy() == Recopy::None, changed);
+}
+
+MirrorWorker::End MirrorWorker::copy(uint64_t number, const std::vector<Wanted>& queue,
+                                     bool mayBreakOff, bool changed) {
+    Clock::time_point told = m_begun + m_pace.firstProgressAfter - m_pace.progressInterval;
     Clock::time_point staged = Clock::now();
     const int all = static_cast<int>(queue.size());
     End end = End::Done;
@@ -182,18 +207,11 @@ MirrorWorker::End MirrorWorker::pass(uint64_t number, Recopy recopy) {
 bool MirrorWorker::list(Recopy recopy, std::vector<Wanted>* queue) {
     ++m_listing;
     m_directory.forgetFolder();
-    std::set<std::string> plain;
-    store::Status status = plainFolderPaths(*m_store, &plain);
+    store::Status status = m_folders.read(*m_store);
     if (status.ok() && keepWaiting())
         status = m_store->fileArea([&](const std::string& folder, const store::StoredFile& file) {
-            if (!keepWaiting())
-                return;
-            if (plain.count(folder) && store::isPlainFileName(file.name))
+            if (keepWaiting() && hasPlace(folder, file.name))
                 consider(folder, file, recopy, queue);
-            else
-                tell(QStringLiteral("«%1» не копируется на диск: в пути есть имя, которое не "
-                                    "может быть именем папки или файла.")
-                         .arg(textOf(join(folder, file.name))));
         });
     if (!status.ok() && keepWaiting())
         tell(QStringLiteral("Список файловой области не получен: %1").arg(textOf(status.text)));
@@ -204,10 +222,7 @@ bool MirrorWorker::list(Recopy recopy, std::vector<Wanted>* queue) {
 
 void MirrorWorker::consider(const std::string& folder, const store::StoredFile& file, Recopy recopy,
                             std::vector<Wanted>* queue) {
-    // No disk holds every time that a store does, and what it makes of another would look changed
-    // each time.
-    const bool holds = file.time && *file.time >= 0 && *file.time < latestTime;
-    const double time = holds ? *file.time : 0;
+    const std::optional<double> time = timeOnDisk(file);
     const std::string path = join(folder, file.name);
     const auto known = m_manifest.find(path);
     bool same = known != m_manifest.end();
@@ -215,11 +230,116 @@ void MirrorWorker::consider(const std::string& folder, const store::StoredFile& 
         known->second = m_listing;
         const auto local = m_directory.info(split(path));
         // Without a time of its own only the notification tells that the content is another.
-        same = local && local->size == file.size && std::fabs(local->time - time) < sameTime &&
-               recopy < (holds ? Recopy::All : Recopy::Untimed);
+        same = local && local->size == file.size &&
+               std::fabs(local->time - time.value_or(0)) < sameTime &&
+               recopy < (time ? Recopy::All : Recopy::Untimed);
     }
     if (!same)
-        queue->push_back({folder, file.name, time});
+        queue->push_back({folder, file.name});
+}
+
+bool MirrorWorker::hasPlace(const std::string& folder, const std::string& name) {
+    if (m_folders.isPlain(folder) && store::isPlainFileName(name))
+        return true;
+    tell(QStringLiteral("«%1» не копируется на диск: в пути есть имя, которое не может быть именем "
+                        "папки или файла.")
+             .arg(textOf(join(folder, name))));
+    return false;
+}
+
+store::Status MirrorWorker::resolve(MirrorChanges* changes) {
+    for (const std::string& key : changes->folders()) {
+        CMDArray folders;
+        const store::Status status =
+            m_store->fetchLinked(table::MenuResourceFolder, field::KeyLink, key, folders.array);
+        if (!status.ok())
+            return status;
+        for (uint32_t i = 0; i < mdx::postedCount(folders.array); ++i)
+            if (fieldNumber(folders.array, field::type_, mdx::postedRecord(folders.array, i)) ==
+                Kind::File) {
+                changes->compareWhole();
+                return {};
+            }
+    }
+    return {};
+}
+
+/// A change that was made after those gathered may have moved a resource before it was read: its
+/// notification is still on the way, but the log has it.
+store::Status MirrorWorker::learnFormerPlaces(MirrorChanges* changes) {
+    constexpr int mostLater = 1000;
+    std::vector<store::Change> later;
+    const store::Status status = m_store->readLog(changes->newest(), mostLater, &later);
+    if (status.code == store::LogPruned || status.code == store::LogReplaced ||
+        later.size() == mostLater) {
+        changes->compareWhole();
+        return {};
+    }
+    for (const store::Change& change : later)
+        changes->learn(change);
+    return status;
+}
+
+store::Status MirrorWorker::look(MirrorChanges* changes, std::vector<Wanted>* queue,
+                                 bool* changed) {
+    struct Resource {
+        std::string name, folder;
+        bool isFile = false;
+    };
+    std::map<std::string, Resource> resources;
+    for (const auto& entry : changes->resources()) {
+        CMDArray records;
+        const store::Status status =
+            m_store->fetchLinked(table::MenuResource, field::KeyLink, entry.first, records.array);
+        if (!status.ok())
+            return status;
+        Resource& resource = resources[entry.first];
+        if (mdx::postedCount(records.array) > 0) {
+            const MDRData* record = mdx::postedRecord(records.array, 0);
+            resource = {fieldText(records.array, field::name_, record),
+                        fieldText(records.array, field::MenuResourceFolderKey, record),
+                        fieldNumber(records.array, field::type_, record) == Kind::File};
+        }
+    }
+    store::Status status = learnFormerPlaces(changes);
+    m_directory.forgetFolder();
+    // If all is compared now, nothing is named any more.
+    for (const auto& [key, before] : changes->resources()) {
+        const auto& [name, folder, isFile] = resources[key];
+        // Where it was there may be another's file now: the store tells.
+        const std::string formerName = before.name.value_or(name);
+        const auto former = m_folders.path(before.folder.value_or(folder));
+        const auto path = m_folders.path(folder);
+        const bool hasMoved = !isFile || former != path || formerName != name;
+        if (status.ok() && hasMoved && former && m_manifest.count(join(*former, formerName)) != 0)
+            status = lookAt(*former, formerName, false, queue, changed);
+        if (status.ok() && isFile && path && hasPlace(*path, name))
+            status = lookAt(*path, name, before.content, queue, changed);
+    }
+    return status;
+}
+
+store::Status MirrorWorker::lookAt(const std::string& folder, const std::string& name, bool copy,
+                                   std::vector<Wanted>* queue, bool* changed) {
+    std::vector<store::StoredFile> files;
+    const store::Status status = m_store->fileGet(folder, name, false, &files);
+    if (!status.ok())
+        return status;
+    bool isThere = false;
+    for (const store::StoredFile& file : files) {
+        consider(folder, file, copy ? Recopy::All : Recopy::None, queue);
+        isThere = isThere || file.name == name;
+    }
+    const std::string path = join(folder, name);
+    if (!isThere && m_manifest.count(path) != 0)
+        *changed = remove(path) || *changed;
+    return {};
+}
+
+bool MirrorWorker::remove(const std::string& path) {
+    m_manifest.erase(path);
+    m_touched = true;
+    return m_directory.remove(split(path));
 }
 
 bool MirrorWorker::removeStale() {
@@ -248,7 +368,9 @@ bool MirrorWorker::fetch(const Wanted& wanted) {
     }
     if (files.empty())
         return true; // gone since the listing; its notification follows
-    if (!m_directory.write(split(path), files.front().bytes, wanted.time)) {
+    // Time and bytes of one file: another may stand there since the comparison.
+    const double time = timeOnDisk(files.front()).value_or(0);
+    if (!m_directory.write(split(path), files.front().bytes, time)) {
         m_full = m_full || errno == ENOSPC || errno == EDQUOT;
         tell(QStringLiteral("Файл «%1» не записан в %2files: %3")
                  .arg(textOf(path), m_workDir, reason()));

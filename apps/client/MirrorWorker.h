@@ -3,7 +3,9 @@
 #ifndef ORVO_APPS_CLIENT_MIRRORWORKER_H
 #define ORVO_APPS_CLIENT_MIRRORWORKER_H
 
+#include "apps/client/MirrorChanges.h"
 #include "apps/client/MirrorDirectory.h"
+#include "apps/client/MirrorPaths.h"
 #include "platform/store/Store.h"
 #include "platform/store/WaitPolicy.h"
 
@@ -37,10 +39,6 @@ struct MirrorPace {
     Milliseconds stage{3000};
 };
 
-/// Which files are copied though size and time of the copy are right: after a change of a content
-/// in an unknown place those without a time of their own, or all.
-enum class Recopy { None, Untimed, All };
-
 class MirrorWorker : public QObject, private store::WaitPolicy {
     Q_OBJECT
 public:
@@ -51,10 +49,12 @@ public:
     /// Ends the work between two files, waiting for no server. What was copied is kept in mind.
     ~MirrorWorker() override;
 
-    /// Asks for a comparison that begins after `milliseconds`, or as soon as the present one ends.
-    void ask(uint64_t number, int milliseconds, Recopy recopy);
+    /// Asks for a look at what has changed, after `milliseconds` or as soon as the present one
+    /// ends.
+    void ask(uint64_t number, int milliseconds, const MirrorChanges& changes);
     /// While the store does not answer nothing is asked of it.
     void setConnected(bool up);
+    uint64_t comparisons() const { return m_listing; }
 
 signals:
     // Emitted in the thread of this object.
@@ -72,18 +72,30 @@ private:
     struct Wanted {
         std::string folder; ///< as the store has it
         std::string name;
-        double time;
     };
     enum class End { Done, Failed, Restart };
 
     bool keepWaiting() override { return !m_stop && m_up; }
     void run();
     bool openStore();
-    End pass(uint64_t number, Recopy recopy);
+    End pass(uint64_t number, MirrorChanges& changes);
+    End copy(uint64_t number, const std::vector<Wanted>& queue, bool mayBreakOff, bool changed);
+    /// Compares the whole area.
     bool list(Recopy recopy, std::vector<Wanted>* queue);
+    /// Asks the store of what kind the named records are: a folder of files makes the whole area of
+    /// interest, any other folder nothing.
+    store::Status resolve(MirrorChanges* changes);
+    /// Compares the files of these resources alone, unless the log cannot tell where they were.
+    store::Status look(MirrorChanges* changes, std::vector<Wanted>* queue, bool* changed);
+    store::Status learnFormerPlaces(MirrorChanges* changes);
+    store::Status lookAt(const std::string& folder, const std::string& name, bool copy,
+                         std::vector<Wanted>* queue, bool* changed);
+    /// Whether file and folder have plain names; if not it is told.
+    bool hasPlace(const std::string& folder, const std::string& name);
     void consider(const std::string& folder, const store::StoredFile& file, Recopy recopy,
                   std::vector<Wanted>* queue);
     bool removeStale();
+    bool remove(const std::string& path);
     /// False if the store does not answer.
     bool fetch(const Wanted& wanted);
     void tell(const QString& text);
@@ -100,16 +112,18 @@ private:
     std::atomic<bool> m_stop = false;
     std::atomic<bool> m_up = true;
     std::atomic<uint64_t> m_asked = 0;
+    std::atomic<uint64_t> m_listing = 0; ///< number of the last comparison of the whole area
 
     std::mutex m_mutex; ///< over these
     std::condition_variable m_wake;
     Clock::time_point m_due{}; ///< of the comparison asked for
-    Recopy m_recopy = Recopy::None;
+    MirrorChanges m_changes;   ///< since the pass that began last
 
     // The thread's alone.
     std::unique_ptr<store::Store> m_store;
     std::map<std::string, uint64_t> m_manifest; ///< path: the listing that named it last
-    uint64_t m_listing = 0;
+    MirrorPaths m_folders;       ///< as of the last listing: a change of one makes a new listing
+    Clock::time_point m_begun{}; ///< of the present pass
     QSet<QString> m_told;
     bool m_touched = false; ///< the manifest has changed since it was written
     bool m_full = false;    ///< the disk took not all of what the comparison found

@@ -5,12 +5,15 @@
 #include "tests/client/HostFixture.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QRandomGenerator>
 #include <QThread>
 #include <QtTest>
 
 #include <atomic>
+#include <random>
 
 using namespace orvo;
 using namespace orvo::test;
@@ -54,6 +57,44 @@ struct Bench : Host {
         CToolFilePut tool(&module);
         tool.AddFile(folder, name, bytes.constData(), bytes.size(), time);
         tool.Perform(false);
+    }
+    /// Of the first resource of that name; empty if there is none.
+    std::string keyOf(const QString& name) {
+        CMDArray found;
+        if (!store().fetchWhere("MenuResource", "name_", name.toStdString(), found.array).ok())
+            return {};
+        const MDRData* record = MDARec(found.array, 0, 0);
+        return record ? textOf(found.array, record, "KeyLink").toStdString() : std::string();
+    }
+    using Contents = QMap<QString, QByteArray>; ///< by path
+    Contents area() {
+        std::vector<std::pair<std::string, std::string>> files;
+        const auto list = [&](const std::string& path, const store::StoredFile& file) {
+            files.emplace_back(path, file.name);
+        };
+        if (!store().fileArea(list).ok())
+            failures << "the file area was not listed";
+        Contents all;
+        for (const auto& [folder, name] : files) {
+            std::vector<store::StoredFile> found;
+            if (!store().fileGet(folder, name, true, &found).ok())
+                failures << "a file was not read";
+            for (const store::StoredFile& file : found)
+                all[QString::fromStdString(folder.empty() ? file.name : folder + "/" + file.name)] =
+                    QByteArray::fromStdString(file.bytes);
+        }
+        return all;
+    }
+    Contents copies() const {
+        Contents all;
+        QDirIterator each(work + "files", QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+        while (each.hasNext()) {
+            const QString path = each.next();
+            QFile file(path);
+            if (file.open(QIODevice::ReadOnly))
+                all[path.mid(work.size() + 6)] = file.readAll();
+        }
+        return all;
     }
     QByteArray local(const QString& file) const {
         QFile copy(work + "files/" + file);
@@ -133,6 +174,92 @@ private slots:
         QCOMPARE(changes.size(), size_t(9));
         for (size_t i = 0; i < changes.size(); ++i)
             QVERIFY2(compares(changes[i]) == (i >= 5), qPrintable(QString::number(i)));
+    }
+
+    void onlyAFolderOfFilesMakesTheWholeAreaCompared() {
+        Bench bench;
+        bench.write("MenuResource", 1, {{"KeyLink", "m"}, {"type_", "1"}, {"name_", "Module"}});
+        bench.write("MenuResourceFolder", 1, {{"KeyLink", "f"}, {"type_", "1"}, {"caption", "x"}});
+        bench.put("icons", "a.png", "bytes");
+        QVERIFY(bench.start());
+        const uint64_t before = bench.mirror.comparisons();
+        bench.write("MenuResource", 2, {{"KeyLink", "m"}, {"name_", "Other"}});
+        bench.write("MenuResource", 2, {{"KeyLink", "m"}, {"MenuResourceFolderKey", "f"}});
+        bench.write("MenuResourceFolder", 2, {{"KeyLink", "f"}, {"caption", "y"}});
+        bench.put("icons", "b.png", "new");
+        bench.write("MenuResource", 2, {{"KeyLink", bench.keyOf("b.png")}, {"name_", "c.png"}});
+        QTRY_VERIFY(bench.settled());
+        QCOMPARE(bench.local("icons/c.png"), QByteArray("new"));
+        QCOMPARE(bench.local("icons/b.png"), QByteArray("missing"));
+        QCOMPARE(bench.mirror.comparisons(), before);
+        bench.write("MenuResourceFolder", 2, {{"KeyLink", "icons"}, {"caption", "pictures"}});
+        QTRY_COMPARE(bench.local("pictures/a.png"), QByteArray("bytes"));
+        QVERIFY(bench.mirror.comparisons() > before);
+    }
+
+    void namesThatFilesExchangeAreFollowed() {
+        Bench bench;
+        bench.put("icons", "a.png", "one");
+        bench.put("icons", "b.png", "other");
+        QVERIFY(bench.start());
+        const std::string a = bench.keyOf("a.png"), b = bench.keyOf("b.png");
+        for (const auto& [key, name] :
+             {std::pair(a, "c.png"), std::pair(b, "a.png"), std::pair(a, "b.png")})
+            bench.write("MenuResource", 2, {{"KeyLink", key}, {"name_", name}});
+        QTRY_COMPARE(bench.local("icons/b.png"), QByteArray("one"));
+        QTRY_COMPARE(bench.local("icons/a.png"), QByteArray("other"));
+        bench.write("MenuResource", 2, {{"KeyLink", a}, {"name_", "B.png"}}); // no other name
+        QTRY_COMPARE(bench.local("icons/B.png"), QByteArray("one"));
+        QTRY_COMPARE(bench.local("icons/b.png"), QByteArray("missing"));
+        bench.write("MenuResource", 2, {{"KeyLink", b}, {"type_", "1"}}); // no file any more
+        QTRY_COMPARE(bench.local("icons/a.png"), QByteArray("missing"));
+    }
+
+    void whateverChangesTheCopyIsTheArea() {
+        Bench bench;
+        bench.put("icons", "0.png", "first");
+        QVERIFY(bench.start());
+        std::mt19937 random(QRandomGenerator::global()->generate());
+        const auto below = [&random](int most) { return int(random() % unsigned(most)); };
+        const auto name = [&] { return QString("%1.png").arg(below(6)); };
+        const QStringList folders{"icons", "icons/Цех 1", ""};
+        const char* const links[] = {"icons", "sub", ""};
+        for (int step = 0; step < 150; ++step) {
+            const std::string key = bench.keyOf(name());
+            switch (below(6)) {
+            case 0:
+            case 1:
+                bench.put(folders[below(3)], name(), QByteArray::number(step), 1700000000 + step);
+                break;
+            case 2:
+                if (!key.empty())
+                    bench.write("MenuResource", 2,
+                                {{"KeyLink", key}, {"name_", name().toStdString()}});
+                break;
+            case 3:
+                if (!key.empty())
+                    bench.write("MenuResource", 2,
+                                {{"KeyLink", key}, {"MenuResourceFolderKey", links[below(3)]}});
+                break;
+            case 4:
+                if (!key.empty())
+                    bench.write("MenuResource", below(2) == 0 ? 4 : 2,
+                                {{"KeyLink", key}, {"type_", below(2) == 0 ? "1" : "4"}});
+                break;
+            default:
+                if (below(5) == 0)
+                    bench.write("MenuResourceFolder", 2,
+                                {{"KeyLink", "sub"},
+                                 {"caption", below(2) == 0 ? "Цех 1" : "Цех 2"},
+                                 {"ParentKey", below(2) == 0 ? "icons" : ""}});
+            }
+            if (below(3) != 0)
+                continue; // several come together
+            QTRY_VERIFY(bench.settled());
+            QTRY_COMPARE_WITH_TIMEOUT(bench.copies(), bench.area(), 10000);
+        }
+        QTRY_COMPARE(bench.copies(), bench.area());
+        QVERIFY2(bench.problems.isEmpty(), qPrintable(bench.problems.join('\n')));
     }
 
     void changesFollowByNotification() {
