@@ -177,7 +177,8 @@ void UnwrittenList::add(UnwrittenEntry entry, bool canAsk) {
     if (!entry.when.isValid())
         entry.when = QDateTime::currentDateTime();
     if (entry.state == UnwrittenEntry::Gone || entry.state == UnwrittenEntry::Conflict) {
-        // One entry for a record: what was typed later goes over what was typed before.
+        // One entry for a record: what was typed later goes over what was typed before. An entry
+        // that was repeated was typed at its own time.
         const store::TableDef* table = store::findTable(entry.request.table);
         const std::vector<RecordWrite> records = recordsOf(entry.request);
         for (size_t i = 0; table && records.size() == 1 && i < m_entries.size(); ++i) {
@@ -187,8 +188,9 @@ void UnwrittenList::add(UnwrittenEntry entry, bool canAsk) {
                 before.size() != 1 ||
                 store::foldedKey(before[0].key) != store::foldedKey(records[0].key))
                 continue;
-            RecordWrite both = records[0];
-            for (const auto& value : before[0].values)
+            const bool isLater = entry.when >= old.when;
+            RecordWrite both = isLater ? records[0] : before[0];
+            for (const auto& value : isLater ? before[0].values : records[0].values)
                 if (std::none_of(both.values.begin(), both.values.end(),
                                  [&](const auto& one) { return one.first == value.first; }))
                     both.values.push_back(value);
@@ -199,6 +201,7 @@ void UnwrittenList::add(UnwrittenEntry entry, bool canAsk) {
                                  [&](const Theirs& other) { return other.field == one.field; }))
                     entry.theirs.push_back(one);
             entry.request = requestOf(*table, {both});
+            entry.when = std::max(entry.when, old.when);
             remove(QString(old.id));
             break;
         }
@@ -376,7 +379,8 @@ bool UnwrittenList::repeat(const QString& id) {
     m_busy = false;
     if (status.ok()) {
         const UnwrittenEntry done = *which;
-        if (const store::Written& made = m_store.lastWritten(); made.first > 0) {
+        const store::Written made = m_store.lastWritten();
+        if (made.first > 0) {
             // What the same module gave later knows what it gave before.
             const store::IdRange range{made.first, made.last.id};
             for (auto later = m_entries.begin() + (which - m_entries.data());
@@ -387,10 +391,17 @@ bool UnwrittenList::repeat(const QString& id) {
         }
         remove(done.id);
         if (const store::TableDef* table = store::findTable(done.request.table)) {
+            std::vector<UnwrittenEntry> met = missingEntries(done.request, guard);
             for (UnwrittenEntry& other : conflictEntries(*table, guard, m_store))
+                met.push_back(std::move(other));
+            for (UnwrittenEntry& other : met) {
+                other.when = done.when;
+                other.module = done.module;
+                other.own = done.own;
+                if (made.first > 0)
+                    other.own.push_back({made.first, made.last.id});
                 add(std::move(other), true);
-            for (UnwrittenEntry& other : missingEntries(done.request, guard))
-                add(std::move(other), true);
+            }
         }
         check();
         emit changed();

@@ -313,6 +313,34 @@ private slots:
         QCOMPARE(desk.value("Menu", "k", "caption"), QString("Ещё чужой"));
     }
 
+    void whatWasTypedLaterOutlivesTheRepetitionOfWhatWasTypedBefore() {
+        Desk desk;
+        desk.elsewhere("Menu", 1, {{"KeyLink", "k"}, {"caption", "Был"}, {"params", "a"}});
+        Module& module = desk.open();
+        QVERIFY(desk.host.byHand(
+            desk.host.kind->name() == "sqlite"
+                ? "CREATE TRIGGER stop BEFORE UPDATE ON \"Menu\" BEGIN SELECT "
+                  "RAISE(ABORT, 'нельзя'); END"
+                : "CREATE FUNCTION stop() RETURNS trigger LANGUAGE plpgsql AS $$BEGIN RAISE "
+                  "EXCEPTION 'нельзя'; END$$; CREATE TRIGGER stop BEFORE UPDATE ON "
+                  "\"Menu\" FOR EACH ROW EXECUTE FUNCTION stop()"));
+        Desk::write(module, "Menu", 2, {{"KeyLink", "k"}, {"caption", "Раз"}, {"params", "b"}});
+        QVERIFY(desk.host.byHand(desk.host.kind->name() == "sqlite"
+                                     ? "DROP TRIGGER stop"
+                                     : "DROP FUNCTION stop() CASCADE"));
+        desk.elsewhere("Menu", 4, {{"KeyLink", "k"}});
+        QTest::qWait(5); // later by the clock
+        Desk::write(module, "Menu", 2, {{"KeyLink", "k"}, {"caption", "Два"}});
+        QCOMPARE(desk.list.entries().size(), size_t(2));
+        QVERIFY(desk.list.repeat(QString(desk.only().id))); // finds no record, either
+        QCOMPARE(desk.list.entries().size(), size_t(1));
+        QCOMPARE(desk.only().state, UnwrittenEntry::Gone);
+        QCOMPARE(desk.only().module, QString("Menu"));
+        QVERIFY(desk.list.repeat(QString(desk.only().id)));
+        QCOMPARE(desk.value("Menu", "k", "caption"), QString("Два"));
+        QCOMPARE(desk.value("Menu", "k", "params"), QString("b"));
+    }
+
     void whatALaterSaveWritesLeavesTheList_data() {
         QTest::addColumn<QString>("later");
         QTest::addColumn<bool>("leaves");
