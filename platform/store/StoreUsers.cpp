@@ -131,8 +131,9 @@ Status StoreCore::userRemove(const std::string& login, int* unlocked) {
                 Write form;
                 form.flag = MDX_UPDATE;
                 form.key = held[i];
-                for (const int field : {std::min(holder, since), std::max(holder, since)})
-                    form.values.emplace_back(field, Value());
+                form.values.resize(2);
+                form.values[0].first = std::min(holder, since);
+                form.values[1].first = std::max(holder, since);
                 status = apply(resources, form);
             }
             *unlocked = static_cast<int>(held.size());
