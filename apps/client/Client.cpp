@@ -80,6 +80,7 @@ bool Client::open(QString* error) {
     store::OpenOptions how;
     how.login = m_options.login.toStdString();
     how.allowReadOnly = true;
+    how.client = "orvo-client";
     auto store = store::open(m_options.store.toStdString(), how, &status);
     auto reader = store ? store::open(m_options.store.toStdString(), how, &status) : nullptr;
     if (reader)

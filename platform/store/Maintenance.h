@@ -9,6 +9,7 @@
 #include "platform/store/WritePlan.h"
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -29,9 +30,55 @@ struct LogQuery {
     std::string table;                ///< of exactly this name
     std::string key;                  ///< without regard to case, as keys compare
     std::optional<std::string> login; ///< of exactly this name; empty: by hand
-    std::optional<double> since;      ///< made at that time or later
-    std::optional<double> until;      ///< made before that time
-    int64_t below = 0;                ///< with a lower id than this; 0: any
+    /// Made at that time or later; before that time. Changes that a clock set back by more than an
+    /// hour has dated are missed.
+    std::optional<double> since, until;
+    int64_t below = 0;    ///< with a lower id than this; 0: any
+    int64_t above = 0;    ///< with a higher id than this
+    int64_t group = 0;    ///< of this group; 0: any
+    bool undoing = false; ///< only those with which a group that takes others back begins
+    bool oldestFirst = false;
+};
+
+/// Where a write to contentTable() takes the bytes of its content from.
+struct BytesToWrite {
+    int64_t version = 0;              ///< a KeptVersion; 0: none
+    std::optional<std::string> bytes; ///< these; none and no version: the bytes stay
+};
+
+/// Writes to one table, to be applied in their order.
+struct TableWrites {
+    const TableDef* table = nullptr; ///< of tables(), or contentTable()
+    std::vector<Write> writes;
+    /// Of contentTable(): for each write, if there are any. An insert needs bytes; a write with
+    /// bytes has their size among its values.
+    std::vector<BytesToWrite> bytes = {};
+};
+
+/// Bytes of a content (contentTable()) that were replaced or deleted, and are kept.
+struct KeptVersion {
+    int64_t id = 0;                 ///< grows
+    int64_t event = 0;              ///< the change that replaced or deleted them
+    std::string login;              ///< who did; empty: by hand
+    double time = 0;                ///< and when
+    std::string key;                ///< of the content
+    std::string resource;           ///< key of the form or file that it belonged to
+    std::string name;               ///< of the file
+    std::optional<double> fileTime; ///< of the file, as StoredFile::time
+    uint64_t size = 0;
+    std::string sha256; ///< of the bytes; empty: nobody knows
+};
+
+/// Which versions are wanted; what is left empty lets every one pass.
+struct VersionQuery {
+    std::string resource;                             ///< of the contents of this form or file
+    std::optional<std::vector<std::string>> contents; ///< of these contents
+    int64_t id = 0;                                   ///< this one
+};
+
+struct PrunedVersions {
+    int64_t count = 0;
+    uint64_t bytes = 0;
 };
 
 /// Takes a whole installation: all records table by table in the order of tables(), then the
@@ -63,12 +110,41 @@ class MaintainedStore : public Store {
 public:
     // Change log ---------------------------------------------------------------------------------
 
-    /// The newest changes that the query lets pass, newest first, at most `limit` of them.
+    /// The newest changes that the query lets pass, newest first (or the oldest, oldest first), at
+    /// most `limit` of them.
     virtual Status history(const LogQuery& query, int limit, std::vector<Change>* changes) = 0;
+    /// All changes of these records after an id, oldest first. Keys in any case; those that no
+    /// record can have are passed over.
+    virtual Status changesSince(const TableDef& table, const std::vector<std::string>& keys,
+                                int64_t since, std::vector<Change>* changes) = 0;
+
+    // Records by key, and writes to several tables ------------------------------------------------
+
+    /// Adds the values of those of these records that are stored, by folded key.
+    virtual Status storedValues(const TableDef& table, const std::vector<std::string>& keys,
+                                std::map<std::string, std::vector<Value>>* values) = 0;
+    /// Applies writes to several tables in one transaction, which is a group of the change log that
+    /// takes back the groups `undoes`. As update() refuses, and as it does with a guard if a parent
+    /// was deleted. Outdated, and nothing is written, if one of the records was changed after the
+    /// change `seen`, or the log no longer reaches back to it.
+    virtual Status writeAll(const std::vector<TableWrites>& parts, int64_t seen,
+                            const std::vector<int64_t>& undoes) = 0;
     /// How many of the oldest changes were made before that time, and the id of the last of them
     /// (0: none): up to the first that was made at that time or later. A change dated after now
     /// says nothing of when it was made; those that follow it do.
     virtual Status logBefore(double time, int64_t* id, int64_t* count) = 0;
+
+    // Kept versions ------------------------------------------------------------------------------
+
+    /// The versions that the query lets pass, the newest first, without their bytes.
+    virtual Status versions(const VersionQuery& query, std::vector<KeptVersion>* versions) = 0;
+    /// The bytes of a version. UnknownName if it is kept no more; Failed, naming it, if they are
+    /// not the ones that its checksum was made of.
+    virtual Status versionBytes(int64_t id, std::string* bytes) = 0;
+    /// Forgets the versions that were replaced before that time and, of the others, the oldest ones
+    /// beyond so many bytes. With `onlyLook` it only tells what would go.
+    virtual Status pruneVersions(double before, uint64_t mostBytes, bool onlyLook,
+                                 PrunedVersions* pruned) = 0;
 
     // The whole content --------------------------------------------------------------------------
 

@@ -125,7 +125,8 @@ std::vector<std::string> ownTables() {
                                       contentTable().name};
     for (const TableDef& table : tables())
         names.emplace_back(table.name);
-    for (const char* name : {"NciEvent", "NciPruned", "NciStore", "NciLock"})
+    for (const char* name :
+         {"NciVersionData", "NciVersion", "NciEvent", "NciPruned", "NciStore", "NciLock"})
         names.emplace_back(name);
     return names;
 }
@@ -141,7 +142,7 @@ bool isOwn(const QString& entry) {
     if (!match.hasMatch())
         return false;
     const QString name = match.captured(2);
-    if (name == "NciEventId")
+    if (name == "NciEventId" || name == "NciVersionId")
         return true;
     for (const std::string& own : ownTables()) {
         const QString table = QString::fromStdString(own);
@@ -212,9 +213,11 @@ std::string checkTables() {
     select("\"KeyLink\", \"part\", \"data\"", "MenuResourceFileData");
     select("\"KeyLink\", \"sha256\"", "MenuResourceFileSum");
     select("\"id\", \"code\", \"tableName\", \"key\", \"login\", \"time\", \"after\", \"before\", "
-           "\"call\"",
+           "\"call\", \"group\", \"xact\", \"client\", \"place\", \"undoes\"",
            "NciEvent");
     select("\"id\"", "NciPruned");
+    select(versionColumns, "NciVersion");
+    select("\"id\", \"part\", \"data\"", "NciVersionData");
     select("\"version\", \"identity\"", "NciStore");
     return sql;
 }
@@ -254,7 +257,10 @@ QByteArray ending(int version, bool vouchedFor) {
            (vouchedFor ? std::string() : checkRows()) +
            "UPDATE public.\"NciStore\" SET \"version\" = " + std::to_string(migrations().size()) +
            ", \"identity\" = gen_random_uuid();\n"
-           "UPDATE public.\"NciPruned\" SET \"id\" = greatest(:orvo_position, \"id\");\n" +
+           "UPDATE public.\"NciPruned\" SET \"id\" = greatest(:orvo_position, \"id\");\n"
+           // Another server's transactions have other numbers.
+           "UPDATE public.\"NciEvent\" SET \"xact\" = NULL WHERE \"id\" = (SELECT max(\"id\") FROM "
+           "public.\"NciEvent\");\n" +
            cursorsPruned() + "COMMIT;\n";
     return QByteArray::fromStdString(sql);
 }
@@ -272,7 +278,7 @@ Status PostgresStore::backup(const std::string& file, const Progress& progress) 
                                  "--lock-wait-timeout=" + QString::number(lockMilliseconds),
                                  "--file=" + path};
         // What others have put beside the store may be beyond our rights.
-        std::string own = "'NciEventId'";
+        std::string own = "'NciEventId', 'NciVersionId'";
         for (const std::string& name : ownTables())
             own += ", " + literal(name);
         const Result others = m_connection.query(

@@ -19,8 +19,9 @@ std::string rowOf(const Function& function) {
     // As pg_proc holds it.
     return "(" + literal(function.name) + ", " + literal("\n" + function.body) +
            ", ARRAY['search_path=pg_catalog, pg_temp'" +
-           (function.exactDates ? ", 'extra_float_digits=1'" : "") + "], " +
-           boolean(function.asOwner) + ", " + literal(function.returns) + ")";
+           (function.exactDates ? ", 'extra_float_digits=1'" : "") +
+           (function.byIndex ? ", 'enable_seqscan=off'" : "") + "], " + boolean(function.asOwner) +
+           ", " + literal(function.returns) + ")";
 }
 
 std::string rowOf(const Trigger& trigger) {

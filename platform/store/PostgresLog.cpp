@@ -158,11 +158,17 @@ Status PostgresStore::integrity(std::vector<std::string>* damages) {
             "public.\"MenuResourceFileSum\" s WHERE s.\"sha256\" <> encode(sha256(coalesce((SELECT "
             "string_agg(d.\"data\", '' ORDER BY d.\"part\") FROM public.\"MenuResourceFileData\" d "
             "WHERE d.\"KeyLink\" = s.\"KeyLink\"), '')), 'hex')",
+            "SELECT 'Прежнее содержимое файла \"' || coalesce(v.\"name_\", '') || '\" (версия ' || "
+            "v.\"id\" || ') повреждено: не сходится с контрольной суммой' FROM "
+            "public.\"NciVersion\" v WHERE v.\"sha256\" <> encode(sha256(coalesce((SELECT "
+            "string_agg(d.\"data\", '' ORDER BY d.\"part\") FROM public.\"NciVersionData\" d WHERE "
+            "d.\"id\" = v.\"id\"), '')), 'hex') ORDER BY v.\"id\"",
             "SELECT 'В журнале изменений строка ' || \"id\" || ' с номером, которого хранилище не "
             "давало: более новые изменения за ней не видны' FROM public.\"NciEvent\" WHERE \"id\" "
             "> "
             "(SELECT last_value FROM public.\"NciEventId\")"};
-        std::vector<std::string> names = {contentTable().name, "MenuResourceFileData", "NciEvent"};
+        std::vector<std::string> names = {contentTable().name, "MenuResourceFileData", "NciVersion",
+                                          "NciVersionData", "NciEvent"};
         for (const TableDef& table : tables())
             names.emplace_back(table.name);
         for (const std::string& name : names) // every value is read once

@@ -58,14 +58,14 @@ Status PostgresStore::changedSince(const TableDef& table, int64_t since, int64_t
     return {};
 }
 
-Status PostgresStore::storedKeys(const TableDef& table, const std::vector<std::string>& keys,
-                                 std::set<std::string>* stored) {
+Status PostgresStore::selectKeys(const TableDef& table, const std::vector<int>& fields,
+                                 const std::vector<std::string>& keys,
+                                 const std::function<void(const Row& row)>& each) {
     const std::string list = lines(keys);
-    return rows(table, {0},
-                "SELECT \"KeyLink\" FROM " + qualified(table.name) +
+    return rows(table, fields,
+                "SELECT " + fieldList(table, fields) + " FROM " + qualified(table.name) +
                     " WHERE lower(\"KeyLink\") = ANY (string_to_array($1, E'\\n'))",
-                Parameters().text(list),
-                [&](const Row& row) { stored->insert(foldedKey(textOf(row.front()))); });
+                Parameters().text(list), each);
 }
 
 Status PostgresStore::changesOf(const TableDef& table, const std::vector<std::string>& keys,

@@ -87,6 +87,10 @@ std::vector<Change> PostgresStore::changesIn(const PGresult* rows, int column) {
         change.time = realAt(rows, i, column + 5);
         change.after = text(i, 6);
         change.before = text(i, 7);
+        change.group = integerAt(rows, i, column + 8);
+        change.client = text(i, 9);
+        change.place = text(i, 10);
+        change.undoes = groupsIn(textAt(rows, i, column + 11));
         changes.push_back(std::move(change));
     }
     return changes;
@@ -96,7 +100,7 @@ Status PostgresStore::selectChanges(const ChangeQuery& query, std::vector<Change
     const Status status = ready();
     if (!status.ok())
         return status;
-    const std::string which = changesWhere(query);
+    const std::string which = changesWhere(query, "public.\"NciEvent\"");
     if (!isText(which))
         return {BadArguments, std::string(logName) + ": недопустимый знак в условии"};
     const Connection::NoTimeoutScope noTimeout(m_connection); // a long log

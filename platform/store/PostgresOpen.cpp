@@ -73,8 +73,8 @@ std::unique_ptr<MaintainedStore> openStore(const std::string& location, const Op
                            options.login != login && isText(options.login);
     if (asAnother)
         login = options.login;
-    auto store =
-        std::make_unique<PostgresStore>(std::move(url), std::move(connection), login, asAnother);
+    auto store = std::make_unique<PostgresStore>(std::move(url), std::move(connection), login,
+                                                 asAnother, options);
     *status = store->start();
     if (!status->ok())
         return nullptr;

@@ -49,6 +49,7 @@ struct Function {
     std::string body;        ///< behind the line that opens it
     bool asOwner = false;    ///< runs with the rights of the store's owner
     bool exactDates = false; ///< writes dates to the last bit
+    bool byIndex = false;    ///< looks rows up by an index, however few there were at first
 };
 struct Trigger {
     const char* name;

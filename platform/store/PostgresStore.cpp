@@ -41,8 +41,8 @@ void writeRecord(const TableDef& table, const PGresult* result, int row,
 } // namespace
 
 PostgresStore::PostgresStore(Url url, Connection connection, const std::string& login,
-                             bool asAnother)
-    : StoreCore(login)
+                             bool asAnother, const OpenOptions& options)
+    : StoreCore(login, options)
     , m_url(std::move(url))
     , m_asLogin(asAnother ? login : std::string())
     , m_connection(std::move(connection)) {}

@@ -46,7 +46,8 @@ std::unique_ptr<MaintainedStore> openStore(const std::string& url, const OpenOpt
 class PostgresStore final : public StoreCore {
 public:
     /// Takes a connection to a store of the newest version.
-    PostgresStore(Url url, Connection connection, const std::string& login, bool asAnother);
+    PostgresStore(Url url, Connection connection, const std::string& login, bool asAnother,
+                  const OpenOptions& options);
 
     /// Prepares what every later call relies on.
     Status start();
@@ -93,8 +94,9 @@ protected:
     Status changeLogin(const std::string& login, const UserChange& change) override;
     Status removeLogin(const std::string& login) override;
     bool hasLogins() const override { return true; }
-    Status storedKeys(const TableDef& table, const std::vector<std::string>& keys,
-                      std::set<std::string>* stored) override;
+    Status selectKeys(const TableDef& table, const std::vector<int>& fields,
+                      const std::vector<std::string>& keys,
+                      const std::function<void(const Row& row)>& each) override;
     Status changesOf(const TableDef& table, const std::vector<std::string>& keys, int64_t since,
                      std::vector<Change>* changes) override;
     Status measure(Amount* amount) override;
@@ -106,6 +108,10 @@ protected:
     Status contentPiece(std::string_view piece) override;
     Status endContent() override;
     Status selectChanges(const ChangeQuery& query, std::vector<Change>* changes) override;
+    Status selectVersions(const VersionQuery& query, std::vector<KeptVersion>* versions) override;
+    Status versionPieces(int64_t id, const EachPiece& each) override;
+    Status applyVersion(const Write& write, const KeptVersion& version) override;
+    Status deleteVersions(const std::vector<int64_t>& ids) override;
 
 private:
     friend class InvariantScope<PostgresStore>;

@@ -63,23 +63,68 @@ bool hasDates(const TableDef& table) {
                        [](const FieldDef& field) { return field.type == MDX_DATE; });
 }
 
+/// Gives v_id its number and v_group the group of a new row. The rows of a transaction follow each
+/// other, since it keeps the log to itself from before the first of them to its end: so a row
+/// belongs to the group of the newest row exactly if the same transaction has written that. Nobody
+/// can claim a transaction, unlike a setting. The first row of a transaction may join a group of
+/// its own login.
+constexpr const char* takeNumbers =
+    R"(    v_id := pg_catalog.nextval('public."NciEventId"');
+    SELECT "group", "xact" INTO v_group, v_xact FROM public."NciEvent"
+      WHERE "id" OPERATOR(pg_catalog.<) v_id ORDER BY "id" DESC LIMIT 1;
+    v_undoes := '';
+    IF NOT coalesce(v_xact OPERATOR(pg_catalog.=) pg_catalog.pg_current_xact_id(), false) THEN
+      v_group := NULL;
+      v_text := coalesce(pg_catalog.current_setting('orvo.action', true), '');
+      IF v_text OPERATOR(pg_catalog.~) '^[0-9]{1,18}$' THEN
+        SELECT "group" INTO v_group FROM public."NciEvent"
+          WHERE "id" OPERATOR(pg_catalog.=) v_text::pg_catalog.int8
+            AND "group" OPERATOR(pg_catalog.=) "id" AND "login" OPERATOR(pg_catalog.=) v_login;
+      END IF;
+      IF v_group IS NULL THEN
+        v_group := v_id;
+        v_text := coalesce(pg_catalog.current_setting('orvo.undoes', true), '');
+        IF v_text OPERATOR(pg_catalog.~) '^[0-9]{1,18}(,[0-9]{1,18})*$' THEN
+          v_undoes := v_text;
+        END IF;
+      END IF;
+    END IF;
+)";
+
 std::string logEvent(const TableDef& table, OrvoEvent code, const char* key,
                      const std::string& after, const std::string& before) {
-    return "    INSERT INTO public.\"NciEvent\" VALUES "
-           "(pg_catalog.nextval('public.\"NciEventId\"'), " +
+    return std::string(takeNumbers) + "    INSERT INTO public.\"NciEvent\" VALUES (v_id, " +
            std::to_string(code) + ", " + literal(table.name) + ",\n      " + key +
            ", v_login, pg_catalog.date_part('epoch', pg_catalog.clock_timestamp()),\n      " +
-           after + ",\n      " + before + ", v_call);\n";
+           after + ",\n      " + before +
+           ", v_call,\n      v_group, pg_catalog.pg_current_xact_id(), v_client, v_place, "
+           "v_undoes);\n";
 }
 
 /// The login is that of the session, which nobody can choose. Only who owns the store, as whom the
 /// function runs, may write under another one: the administrator's command, for example. "call"
-/// tells a writer that lost its connection whether its transaction is in the log.
+/// tells a writer that lost its connection whether its transaction is in the log. Program and
+/// machine are what the writer says of itself, or what the server knows of whoever says nothing.
 constexpr const char* writer = R"(DECLARE
   v_login pg_catalog.text := session_user;
   v_other pg_catalog.text := pg_catalog.current_setting('orvo.login', true);
   v_call pg_catalog.text := coalesce(pg_catalog.current_setting('orvo.call', true), '');
+  v_client pg_catalog.text := coalesce(pg_catalog.current_setting('orvo.client', true), '');
+  v_place pg_catalog.text := coalesce(pg_catalog.current_setting('orvo.place', true), '');
+  v_id pg_catalog.int8;
+  v_group pg_catalog.int8;
+  v_xact pg_catalog.xid8;
+  v_undoes pg_catalog.text;
+  v_text pg_catalog.text;
 BEGIN
+  IF v_client OPERATOR(pg_catalog.=) '' THEN
+    v_client := coalesce(pg_catalog.current_setting('application_name', true), '');
+  END IF;
+  IF v_place OPERATOR(pg_catalog.=) '' THEN
+    v_place := coalesce(pg_catalog.host(pg_catalog.inet_client_addr()), '');
+  END IF;
+  v_client := pg_catalog.left(v_client, 64);
+  v_place := pg_catalog.left(v_place, 64);
   IF v_other OPERATOR(pg_catalog.<>) ''
       AND pg_catalog.pg_has_role(session_user, current_user, 'MEMBER') THEN
     v_login := v_other;
@@ -100,9 +145,17 @@ void addLogTriggers(Definitions& all, const TableDef& table, const std::string& 
     sql += "  ELSE\n";
     sql += logEvent(table, OrvoEventDelete, "OLD.\"KeyLink\"", "'{}'", whole(table, "OLD."));
     sql += logEvent(table, OrvoEventInsert, "NEW.\"KeyLink\"", whole(table, "NEW."), "'{}'");
-    sql += onNewKey + "  END IF;\n  RETURN NULL;\nEND ";
-    // Dates to the last bit, whatever the session is set to.
-    all.push_back(Function{name, "trigger", sql, true, hasDates(table)});
+    sql += onNewKey + "  END IF;\n";
+    if (std::string_view(table.name) == table::MenuResourceFile)
+        sql += std::string(
+                   "  IF TG_OP OPERATOR(pg_catalog.<>) 'INSERT' THEN\n"
+                   "    UPDATE public.\"NciVersion\" SET \"event\" = v_id, \"login\" = v_login\n"
+                   "      WHERE \"event\" IS NULL AND pg_catalog.lower(\"KeyLink\")") +
+               equals + "pg_catalog.lower(OLD.\"KeyLink\");\n  END IF;\n";
+    sql += "  RETURN NULL;\nEND ";
+    // Dates to the last bit, whatever the session is set to. And the newest row by its index: a
+    // plan made while the log was short would read all of it for each row of a long transaction.
+    all.push_back(Function{name, "trigger", sql, true, hasDates(table), true});
     all.push_back(Trigger{"log", table.name, "AFTER INSERT OR UPDATE OR DELETE", "ROW", name});
     all.push_back(
         Trigger{"lock", table.name, "BEFORE INSERT OR UPDATE OR DELETE", "STATEMENT", "NciLock"});
@@ -160,6 +213,73 @@ END )"});
     all.push_back(Trigger{"truncate", "NciEvent", "BEFORE TRUNCATE", "STATEMENT", "NciPrune"});
 }
 
+/// Keeps the bytes of contents: before a content is deleted, and when parts of it were changed or
+/// deleted. The change that takes them away is in the log already, if this transaction wrote the
+/// content's row before, or comes and puts its id there.
+constexpr const char* keepDeleted = R"(DECLARE
+  v_id pg_catalog.int8 := pg_catalog.nextval('public."NciVersionId"');
+BEGIN
+  INSERT INTO public."NciVersion" VALUES (v_id, NULL, '',
+    pg_catalog.date_part('epoch', pg_catalog.clock_timestamp()), OLD."KeyLink",
+    OLD."MenuResourceKey", OLD."name_", OLD."time",
+    (SELECT coalesce(pg_catalog.sum(pg_catalog.octet_length("data")), 0)
+      FROM public."MenuResourceFileData" WHERE "KeyLink" OPERATOR(pg_catalog.=) OLD."KeyLink"),
+    (SELECT "sha256" FROM public."MenuResourceFileSum"
+      WHERE "KeyLink" OPERATOR(pg_catalog.=) OLD."KeyLink"));
+  INSERT INTO public."NciVersionData" SELECT v_id, "part", "data"
+    FROM public."MenuResourceFileData" WHERE "KeyLink" OPERATOR(pg_catalog.=) OLD."KeyLink";
+  RETURN OLD;
+END )";
+std::string keepReplaced() {
+    return R"(  FOR v_file IN SELECT f.* FROM public."MenuResourceFile" AS f
+      WHERE f."KeyLink" OPERATOR(pg_catalog.=) ANY (SELECT "KeyLink" FROM gone) LOOP
+    IF TG_OP OPERATOR(pg_catalog.=) 'UPDATE' THEN
+      CONTINUE WHEN NOT EXISTS (SELECT 1 FROM gone AS g
+        WHERE g."KeyLink" OPERATOR(pg_catalog.=) v_file."KeyLink" AND NOT EXISTS (SELECT 1
+          FROM come AS c WHERE c."KeyLink" OPERATOR(pg_catalog.=) g."KeyLink"
+            AND c."part" OPERATOR(pg_catalog.=) g."part"
+            AND c."data" OPERATOR(pg_catalog.=) g."data"));
+    END IF;
+    v_event := NULL;
+    v_login := NULL;
+    v_before := NULL;
+    SELECT "id", "login", "before" INTO v_event, v_login, v_before FROM public."NciEvent"
+      WHERE pg_catalog.lower("key") OPERATOR(pg_catalog.=) pg_catalog.lower(v_file."KeyLink")
+        AND "tableName" OPERATOR(pg_catalog.=) 'MenuResourceFile'
+        AND "xact" OPERATOR(pg_catalog.=) pg_catalog.pg_current_xact_id()
+      ORDER BY "id" DESC LIMIT 1;
+    IF pg_catalog.jsonb_exists(v_before::pg_catalog.jsonb, 'time') THEN
+      v_file."time" :=
+        pg_catalog.jsonb_extract_path_text(v_before::pg_catalog.jsonb, 'time')::pg_catalog.float8;
+    END IF;
+    v_id := pg_catalog.nextval('public."NciVersionId"');
+    INSERT INTO public."NciVersion" VALUES (v_id, v_event, coalesce(v_login, ''),
+      pg_catalog.date_part('epoch', pg_catalog.clock_timestamp()), v_file."KeyLink",
+      v_file."MenuResourceKey", v_file."name_", v_file."time", 0,
+      (SELECT "sha256" FROM public."MenuResourceFileSum"
+        WHERE "KeyLink" OPERATOR(pg_catalog.=) v_file."KeyLink"));
+    INSERT INTO public."NciVersionData" SELECT v_id, "part", "data" FROM gone
+      WHERE "KeyLink" OPERATOR(pg_catalog.=) v_file."KeyLink";
+    IF TG_OP OPERATOR(pg_catalog.=) 'UPDATE' THEN
+      INSERT INTO public."NciVersionData" SELECT v_id, "part", "data"
+        FROM public."MenuResourceFileData" AS d
+        WHERE d."KeyLink" OPERATOR(pg_catalog.=) v_file."KeyLink" AND NOT EXISTS (SELECT 1
+          FROM come AS c WHERE c."KeyLink" OPERATOR(pg_catalog.=) d."KeyLink"
+            AND c."part" OPERATOR(pg_catalog.=) d."part");
+    ELSE
+      INSERT INTO public."NciVersionData" SELECT v_id, "part", "data"
+        FROM public."MenuResourceFileData"
+        WHERE "KeyLink" OPERATOR(pg_catalog.=) v_file."KeyLink";
+    END IF;
+    UPDATE public."NciVersion" SET )" +
+           identifier(field::size) + R"( = (SELECT
+        coalesce(pg_catalog.sum(pg_catalog.octet_length("data")), 0)
+        FROM public."NciVersionData" AS d WHERE d."id" OPERATOR(pg_catalog.=) v_id)
+      WHERE "id" OPERATOR(pg_catalog.=) v_id;
+  END LOOP;
+)";
+}
+
 /// Bytes that change make an event of their content's row, unless the same transaction wrote that
 /// row already: then it is in the log.
 void addContentTriggers(Definitions& all, const TableDef& content) {
@@ -173,10 +293,17 @@ void addContentTriggers(Definitions& all, const TableDef& content) {
                rows + ");\n  END IF;\n";
     };
     const std::string name = data + ".log";
-    all.push_back(Function{name, "trigger",
-                           "BEGIN\n" + touch("INSERT", "gone") + touch("DELETE", "come") +
-                               "  RETURN NULL;\nEND ",
-                           true});
+    all.push_back(
+        Function{name, "trigger",
+                 std::string("DECLARE\n  v_file public.\"MenuResourceFile\";\n"
+                             "  v_id pg_catalog.int8;\n  v_event pg_catalog.int8;\n"
+                             "  v_login pg_catalog.text;\n  v_before pg_catalog.text;\n"
+                             "BEGIN\n  IF TG_OP OPERATOR(pg_catalog.<>) 'INSERT' THEN\n") +
+                     keepReplaced() + "  END IF;\n" + touch("INSERT", "gone") +
+                     touch("DELETE", "come") + "  RETURN NULL;\nEND ",
+                 true, true, true});
+    all.push_back(Function{"NciKeep", "trigger", keepDeleted, true});
+    all.push_back(Trigger{"keep", content.name, "BEFORE DELETE", "ROW", "NciKeep"});
     const auto after = [&](const char* trigger, const char* when, const char* rows) {
         all.push_back(Trigger{trigger, data, when, "STATEMENT", name, rows});
     };
@@ -216,6 +343,7 @@ std::string rights(const Dictionary& dictionary) {
                                           "NciTruncate",
                                           "NciPrune",
                                           "NciRefuse",
+                                          "NciKeep",
                                           "MenuResourceFileData.log",
                                           std::string(dictionary.content.name) + ".log"};
     std::vector<std::string> names = {dictionary.content.name, "MenuResourceFileData"};
@@ -227,7 +355,7 @@ std::string rights(const Dictionary& dictionary) {
     for (const std::string& name : functions)
         sql += grant(name == "NciTakeLock" ? "EXECUTE" : "", "FUNCTION " + qualified(name) + "()",
                      engineerRole);
-    for (const char* name : {"NciEvent", "NciPruned", "NciStore"})
+    for (const char* name : {"NciEvent", "NciPruned", "NciStore", "NciVersion", "NciVersionData"})
         sql += grant("SELECT", qualified(name), both());
     sql += grant("SELECT", "SEQUENCE " + qualified("NciEventId"), both());
     sql += grant("", qualified("NciLock"), {});
@@ -289,6 +417,7 @@ std::string functionsAndRights(const Dictionary& dictionary) {
             sql += "CREATE FUNCTION " + qualified(function->name) + "() RETURNS " +
                    function->returns + " LANGUAGE plpgsql SET search_path = pg_catalog, pg_temp " +
                    (function->exactDates ? "SET extra_float_digits = 1 " : "") +
+                   (function->byIndex ? "SET enable_seqscan = off " : "") +
                    (function->asOwner ? "SECURITY DEFINER" : "") + " AS $orvo$\n" + function->body +
                    "$orvo$;\n";
         else if (const auto* trigger = std::get_if<Trigger>(&one))

@@ -125,13 +125,24 @@ Status PostgresStore::begin(const std::string& call) {
     m_failure = {};
     m_commitSent = false;
     const char what[] = "Запись";
+    const std::string group = origin().group > 0 ? std::to_string(origin().group) : std::string();
+    const std::string undoes = listText(origin().undoes);
     const Status begun = send("BEGIN", {}, what, false);
     if (!begun.ok())
         return begun;
     // Who writes waits here for who writes already, before it holds anything else.
     return send(std::string("SELECT ") + takeLogLock +
-                    ", set_config('orvo.login', $1, true), set_config('orvo.call', $2, true)",
-                Parameters().text(m_asLogin).text(call), what, true);
+                    ", set_config('orvo.login', $1, true), set_config('orvo.call', $2, true), "
+                    "set_config('orvo.client', $3, true), set_config('orvo.place', $4, true), "
+                    "set_config('orvo.action', $5, true), set_config('orvo.undoes', $6, true)",
+                Parameters()
+                    .text(m_asLogin)
+                    .text(call)
+                    .text(origin().client)
+                    .text(origin().place)
+                    .text(group)
+                    .text(undoes),
+                what, true);
 }
 
 Status PostgresStore::commit() {
@@ -152,7 +163,7 @@ void PostgresStore::takeWritten(const PGresult* result) {
     const std::vector<Change> last = changesIn(result, 0);
     if (last.empty())
         return;
-    m_written.first = integerAt(result, 0, 8);
+    m_written.first = integerAt(result, 0, changeColumnCount);
     m_written.last = LogCursor(last.front());
     m_known = last.front().id;
 }

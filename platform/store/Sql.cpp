@@ -73,7 +73,29 @@ std::string writeStatement(const TableDef& table, const Write& write, const Writ
     return "UPDATE " + syntax.table + " SET " + set + " WHERE " + syntax.whereKey;
 }
 
-std::string changesWhere(const ChangeQuery& query) {
+namespace {
+
+/// The log is in the order of its times, but for what a clock was set back. So the index over the
+/// times tells where to begin, and the rest goes by the ids: however long the log is, no more is
+/// read than is asked for. The "+" keeps that index from being taken for the whole range.
+constexpr double setBack = 3600;
+
+std::string since(double time, const std::string& log) {
+    return "\"id\" >= coalesce((SELECT \"id\" FROM " + log +
+           " WHERE \"time\" >= " + number(time - setBack) +
+           " ORDER BY \"time\", \"id\" LIMIT 1), 9223372036854775807) AND +\"time\" >= " +
+           number(time);
+}
+
+std::string until(double time, const std::string& log) {
+    return "\"id\" <= coalesce((SELECT \"id\" FROM " + log + " WHERE \"time\" < " +
+           number(time + setBack) +
+           " ORDER BY \"time\" DESC, \"id\" DESC LIMIT 1), 0) AND +\"time\" < " + number(time);
+}
+
+} // namespace
+
+std::string changesWhere(const ChangeQuery& query, const std::string& log) {
     std::string where;
     const auto also = [&](const std::string& condition) {
         where += (where.empty() ? " WHERE " : " AND ") + condition;
@@ -85,18 +107,23 @@ std::string changesWhere(const ChangeQuery& query) {
     if (query.login)
         also("\"login\" = " + literal(*query.login));
     if (query.since)
-        also("\"time\" >= " + number(*query.since));
+        also(since(*query.since, log));
     if (query.until)
-        also("\"time\" < " + number(*query.until));
+        also(until(*query.until, log));
     if (query.below > 0)
         also("\"id\" < " + std::to_string(query.below));
     if (query.id)
         also("\"id\" = " + std::to_string(*query.id));
-    if (query.after > 0)
-        also("\"id\" > " + std::to_string(query.after));
+    if (query.above > 0)
+        also("\"id\" > " + std::to_string(query.above));
+    if (query.group > 0)
+        also("\"group\" = " + std::to_string(query.group));
+    if (query.undoing)
+        also("\"undoes\" <> ''");
     if (!query.call.empty())
         also("\"call\" = " + literal(query.call));
-    return where + " ORDER BY \"id\" DESC LIMIT " + std::to_string(query.limit);
+    return where + " ORDER BY \"id\"" + (query.oldestFirst ? "" : " DESC") + " LIMIT " +
+           std::to_string(query.limit);
 }
 
 } // namespace orvo::store

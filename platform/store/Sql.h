@@ -31,9 +31,17 @@ std::string writeStatement(const TableDef& table, const Write& write, const Writ
 
 /// The columns of the log as Change holds them, in its order.
 inline constexpr char changeColumns[] =
-    "\"id\", \"code\", \"tableName\", \"key\", \"login\", \"time\", \"after\", \"before\"";
-/// What follows the log's name in a statement that selects these changes.
-std::string changesWhere(const ChangeQuery& query);
+    "\"id\", \"code\", \"tableName\", \"key\", \"login\", \"time\", \"after\", \"before\", "
+    "\"group\", \"client\", \"place\", \"undoes\"";
+constexpr int changeColumnCount = 12;
+/// The columns of "NciVersion" as KeptVersion holds them, in its order.
+inline constexpr char versionColumns[] =
+    "\"id\", \"event\", \"login\", \"time\", \"KeyLink\", \"MenuResourceKey\", \"name_\", "
+    "\"fileTime\", \"size\", \"sha256\"";
+/// What follows its name in a statement that selects these versions.
+std::string versionsWhere(const VersionQuery& query);
+/// What follows `log`, the name of the log, in a statement that selects these changes.
+std::string changesWhere(const ChangeQuery& query, const std::string& log);
 
 } // namespace orvo::store
 

@@ -64,16 +64,17 @@ Status SqliteStore::changedSince(const TableDef& table, int64_t since, int64_t* 
     return {};
 }
 
-Status SqliteStore::storedKeys(const TableDef& table, const std::vector<std::string>& keys,
-                               std::set<std::string>* stored) {
-    Statement* statement = cached("SELECT \"KeyLink\" FROM " + identifier(table.name) +
-                                  " WHERE \"KeyLink\" IN (SELECT \"value\" FROM json_each(?1))");
+Status SqliteStore::selectKeys(const TableDef& table, const std::vector<int>& fields,
+                               const std::vector<std::string>& keys,
+                               const std::function<void(const Row& row)>& each) {
+    Statement* statement =
+        cached("SELECT " + fieldList(table, fields) + " FROM " + identifier(table.name) +
+               " WHERE \"KeyLink\" IN (SELECT \"value\" FROM json_each(?1))");
     if (statement == nullptr)
         return m_connection.failure(inTable(table));
     const std::string list = jsonList(keys);
     statement->bind(1, std::string_view(list));
-    return rows(*statement, 1,
-                [&](const Row& row) { stored->insert(foldedKey(textOf(row.front()))); });
+    return rows(*statement, fields.size(), each);
 }
 
 Status SqliteStore::changesOf(const TableDef& table, const std::vector<std::string>& keys,

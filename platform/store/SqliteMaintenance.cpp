@@ -169,14 +169,19 @@ Status SqliteStore::readChanges(Statement& statement, std::vector<Change>* chang
         change.time = statement.real(5);
         change.after = text(6);
         change.before = text(7);
+        change.group = statement.integer(8);
+        change.client = text(9);
+        change.place = text(10);
+        change.undoes = groupsIn(statement.text(11));
         changes->push_back(std::move(change));
     }
     return step == SQLITE_DONE ? Status() : m_connection.failure(logName);
 }
 
 Status SqliteStore::selectChanges(const ChangeQuery& query, std::vector<Change>* changes) {
-    Statement statement = m_connection.prepare(std::string("SELECT ") + changeColumns +
-                                               " FROM \"NciEvent\"" + changesWhere(query));
+    Statement statement =
+        m_connection.prepare(std::string("SELECT ") + changeColumns + " FROM \"NciEvent\"" +
+                             changesWhere(query, "\"NciEvent\""));
     return statement ? readChanges(statement, changes) : m_connection.failure(logName);
 }
 

@@ -284,7 +284,7 @@ std::unique_ptr<MaintainedStore> openStore(const std::string& url, const OpenOpt
         *status = connectTo(path, options.allowReadOnly, &connection);
     if (!status->ok())
         return nullptr;
-    auto store = std::make_unique<SqliteStore>(std::move(connection), path, options.login);
+    auto store = std::make_unique<SqliteStore>(std::move(connection), path, options);
     *status = store->start();
     if (!status->ok())
         return nullptr;

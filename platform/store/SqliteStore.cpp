@@ -58,8 +58,8 @@ void writeRecord(const TableDef& table, sqlite3_stmt* row, mdx::RecordWriter& wr
 
 } // namespace
 
-SqliteStore::SqliteStore(Connection connection, const std::string& path, const std::string& login)
-    : StoreCore(login)
+SqliteStore::SqliteStore(Connection connection, const std::string& path, const OpenOptions& options)
+    : StoreCore(options.login, options)
     , m_path(path)
     , m_connection(std::move(connection))
     , m_mayWrite(sqlite3_db_readonly(m_connection.get(), "main") != 1)
@@ -253,12 +253,44 @@ Status SqliteStore::inRead(const Work& work) {
     return work();
 }
 
-Status SqliteStore::setWriter(std::string_view login) {
-    Statement* statement = cached("UPDATE \"NciWriter\" SET \"login\" = ?1");
+Status SqliteStore::setWriter() {
+    // A new group has the number that its first change will have.
+    Statement* statement = cached(
+        "UPDATE \"NciWriter\" SET \"login\" = ?1, \"client\" = ?2, \"place\" = ?3, \"group\" = "
+        "coalesce((SELECT \"id\" FROM \"NciEvent\" WHERE \"id\" = ?4 AND \"group\" = ?4 AND "
+        "\"login\" = ?1), 1 + max(coalesce((SELECT max(\"id\") FROM \"NciEvent\"), 0), "
+        "coalesce((SELECT seq FROM sqlite_sequence WHERE name = 'NciEvent'), 0)))");
     if (statement == nullptr)
         return m_connection.failure("Запись");
     const ResetAfter reset(*statement);
-    statement->bind(1, login);
+    const std::string writer = login();
+    statement->bind(1, std::string_view(writer));
+    statement->bind(2, std::string_view(origin().client));
+    statement->bind(3, std::string_view(origin().place));
+    statement->bind(4, origin().group);
+    return statement->step() == SQLITE_DONE ? Status() : m_connection.failure("Запись");
+}
+
+Status SqliteStore::clearWriter() {
+    Statement* statement = cached("UPDATE \"NciWriter\" SET \"login\" = '', \"client\" = '', "
+                                  "\"place\" = '', \"group\" = NULL");
+    if (statement == nullptr)
+        return m_connection.failure("Запись");
+    const ResetAfter reset(*statement);
+    return statement->step() == SQLITE_DONE ? Status() : m_connection.failure("Запись");
+}
+
+Status SqliteStore::noteUndone(int64_t before) {
+    if (origin().undoes.empty())
+        return {};
+    Statement* statement = cached("UPDATE \"NciEvent\" SET \"undoes\" = ?1 WHERE \"id\" > ?2 AND "
+                                  "\"id\" = \"group\"");
+    if (statement == nullptr)
+        return m_connection.failure("Запись");
+    const ResetAfter reset(*statement);
+    const std::string list = listText(origin().undoes);
+    statement->bind(1, std::string_view(list));
+    statement->bind(2, before);
     return statement->step() == SQLITE_DONE ? Status() : m_connection.failure("Запись");
 }
 
@@ -291,7 +323,6 @@ Status SqliteStore::inWrite(const Work& work) {
     Transaction transaction(m_connection, Transaction::Write);
     if (transaction.begun() != SQLITE_OK)
         return m_connection.failure("Запись");
-    const std::string writer = login();
     m_written = {};
     struct CloseContent { // however the work ends
         Blob& content;
@@ -300,11 +331,13 @@ Status SqliteStore::inWrite(const Work& work) {
     int64_t before = 0;
     status = logPosition(&before);
     if (status.ok())
-        status = setWriter(writer);
+        status = setWriter();
     if (status.ok())
         status = work();
     if (status.ok())
-        status = setWriter("");
+        status = clearWriter();
+    if (status.ok())
+        status = noteUndone(before);
     if (status.ok())
         status = present();
     if (!status.ok())
@@ -474,6 +507,8 @@ Status SqliteStore::integrity(std::vector<std::string>* damages) {
             status = differingDefinitions(m_connection, &*found);
             if (status.ok())
                 status = checkContents(&*found);
+            if (status.ok())
+                status = checkVersions(&*found);
         }
         if (status.ok())
             damages->swap(*found);

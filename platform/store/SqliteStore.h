@@ -47,7 +47,7 @@ std::unique_ptr<MaintainedStore> openStore(const std::string& url, const OpenOpt
 class SqliteStore final : public StoreCore {
 public:
     /// Takes an open connection to a store of the newest version.
-    SqliteStore(Connection connection, const std::string& path, const std::string& login);
+    SqliteStore(Connection connection, const std::string& path, const OpenOptions& options);
 
     /// Prepares what every later call relies on. Failed if the file lacks a table or field.
     Status start();
@@ -92,8 +92,9 @@ protected:
                         const EachRow& each) override;
     Status changedSince(const TableDef& table, int64_t since, int64_t* newest,
                         bool* changed) override;
-    Status storedKeys(const TableDef& table, const std::vector<std::string>& keys,
-                      std::set<std::string>* stored) override;
+    Status selectKeys(const TableDef& table, const std::vector<int>& fields,
+                      const std::vector<std::string>& keys,
+                      const std::function<void(const Row& row)>& each) override;
     Status changesOf(const TableDef& table, const std::vector<std::string>& keys, int64_t since,
                      std::vector<Change>* changes) override;
     Status measure(Amount* amount) override;
@@ -105,6 +106,10 @@ protected:
     Status contentPiece(std::string_view piece) override;
     Status endContent() override;
     Status selectChanges(const ChangeQuery& query, std::vector<Change>* changes) override;
+    Status selectVersions(const VersionQuery& query, std::vector<KeptVersion>* versions) override;
+    Status versionPieces(int64_t id, const EachPiece& each) override;
+    Status applyVersion(const Write& write, const KeptVersion& version) override;
+    Status deleteVersions(const std::vector<int64_t>& ids) override;
 
 private:
     friend class InvariantScope<SqliteStore>;
@@ -117,13 +122,19 @@ private:
     Statement* cached(const std::string& sql);
     /// The statement for writes of this shape.
     Statement* writing(const TableDef& table, const Write& write, bool bytes);
-    Status setWriter(std::string_view login);
+    /// Tells the triggers who writes the present transaction, and to which group.
+    Status setWriter();
+    Status clearWriter();
+    /// Marks the group that the present transaction began after `before` with what it undoes.
+    Status noteUndone(int64_t before);
     /// What the present transaction has added to the log, which reached `before`.
     Status lastChange(int64_t before, Written* written);
     /// `room` is for the bytes of a content, which come later.
     Status run(const TableDef& table, const Write& write, std::optional<uint64_t> room);
     /// Adds a line for each content whose bytes are not those that the checksum was made of.
     Status checkContents(std::vector<std::string>* damages);
+    /// The same of what is kept.
+    Status checkVersions(std::vector<std::string>* damages);
     Status openContent(const std::string& key, bool write, Blob* blob);
     Status readChanges(Statement& statement, std::vector<Change>* changes);
     Status fetchRows(const TableDef& table, Statement& statement, MDArray* into);

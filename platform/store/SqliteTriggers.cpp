@@ -57,16 +57,32 @@ std::string changed(const TableDef& table, const char* row) {
     return sql + ", 2) || '}'";
 }
 
+/// The group of a new row: the one that the store has put into NciWriter. By hand it is that of the
+/// newest row if one statement wrote both, which the time tells (it stands still while a statement
+/// runs), else a new one: nothing within reach of a trigger tells of a transaction.
+const char groupOfRow[] =
+    "coalesce((SELECT \"group\" FROM \"NciWriter\"),\n"
+    "      (SELECT \"group\" FROM \"NciEvent\" WHERE \"id\" = (SELECT max(\"id\") FROM "
+    "\"NciEvent\")\n"
+    "        AND \"login\" = '' AND \"client\" = '' AND \"time\" = (julianday('now') - 2440587.5) "
+    "* "
+    "86400.0),\n"
+    "      1 + max(coalesce((SELECT max(\"id\") FROM \"NciEvent\"), 0),\n"
+    "        coalesce((SELECT seq FROM sqlite_sequence WHERE name = 'NciEvent'), 0)))";
+
 /// Adds a row to the log. The store puts its login into NciWriter and takes it away before it
 /// commits, so it is empty for whoever writes by hand.
 std::string logEvent(const TableDef& table, const std::string& code, const char* key,
                      const std::string& after, const std::string& before) {
     return "  INSERT INTO \"NciEvent\" (\"code\", \"tableName\", \"key\", \"login\", \"time\", "
-           "\"after\", \"before\")\n  VALUES (" +
+           "\"after\", \"before\",\n    \"group\", \"client\", \"place\")\n  VALUES (" +
            code + ", " + literal(table.name) + ", " + key +
            ",\n    coalesce((SELECT \"login\" FROM \"NciWriter\"), ''), (julianday('now') - "
            "2440587.5) * 86400.0,\n    " +
-           after + ",\n    " + before + ");\n";
+           after + ",\n    " + before + ",\n    " + groupOfRow +
+           ",\n    coalesce((SELECT \"client\" FROM \"NciWriter\"), ''), coalesce((SELECT "
+           "\"place\" "
+           "FROM \"NciWriter\"), ''));\n";
 }
 
 std::string trigger(const TableDef& table, const char* name, const std::string& when,
@@ -75,10 +91,34 @@ std::string trigger(const TableDef& table, const char* name, const std::string& 
            "\nBEGIN\n" + body + "END;\n";
 }
 
+/// Puts the bytes of a content, which are about to go, aside. Until the change that takes them away
+/// is in the log the row has no event; one that stayed without is of a change that failed.
+std::string keepBytes(const char* key) {
+    const std::string where = std::string("\"KeyLink\" = ") + key + ".\"KeyLink\";\n";
+    return "  DELETE FROM \"NciVersion\" WHERE \"event\" IS NULL AND " + where +
+           "  INSERT INTO \"NciVersion\" (\"time\", \"KeyLink\", \"MenuResourceKey\", \"name_\", "
+           "\"fileTime\", \"size\", \"sha256\", \"data\")\n    SELECT (julianday('now') - "
+           "2440587.5) * "
+           "86400.0, \"KeyLink\", \"MenuResourceKey\", \"name_\", \"time\", \"size\",\n    (SELECT "
+           "\"sha256\" FROM \"MenuResourceFileSum\" AS s WHERE s.\"KeyLink\" = f.\"KeyLink\"), "
+           "\"data\" FROM \"MenuResourceFile\" AS f WHERE " +
+           where;
+}
+
+/// Behind the row of the log.
+std::string noteKept(const char* key) {
+    return std::string("  UPDATE \"NciVersion\" SET \"event\" = (SELECT max(\"id\") FROM "
+                       "\"NciEvent\"),\n    \"login\" = coalesce((SELECT \"login\" FROM "
+                       "\"NciWriter\"), '') WHERE \"event\" IS NULL AND \"KeyLink\" = ") +
+           key + ".\"KeyLink\";\n";
+}
+
 /// The triggers that log a table's changes. `onDelete` and `onNewKey` are statements that run
 /// before a deletion and after a change of key.
 std::string logTriggers(const TableDef& table, const std::string& onDelete = {},
                         const std::string& onNewKey = {}) {
+    const bool content = std::string_view(table.name) == table::MenuResourceFile;
+    const std::string keptOld = content ? noteKept("OLD") : std::string();
     const std::string name = identifier(table.name);
     const std::string on = " ON " + name;
     const std::string replaced = "\"tableName\" = " + literal(table.name) + " AND \"key\" = ";
@@ -98,13 +138,15 @@ std::string logTriggers(const TableDef& table, const std::string& onDelete = {},
                        "  DELETE FROM \"NciReplaced\" WHERE " +
                        replaced + "NEW.\"KeyLink\";\n" + "  INSERT INTO \"NciReplaced\" SELECT " +
                        literal(table.name) + ", \"KeyLink\",\n    " + whole(table, "") +
-                       "\n    FROM " + name + " WHERE \"KeyLink\" = NEW.\"KeyLink\";\n");
+                       "\n    FROM " + name + " WHERE \"KeyLink\" = NEW.\"KeyLink\";\n" +
+                       (content ? keepBytes("NEW") : std::string()));
     sql += trigger(
         table, "inserted", "AFTER INSERT" + on,
         logEvent(table,
                  "CASE WHEN " + before + " IS NULL THEN " + inserted + " ELSE " + updated + " END",
                  "NEW.\"KeyLink\"", whole(table, "NEW."), "coalesce(" + before + ", '{}')") +
-            "  DELETE FROM \"NciReplaced\" WHERE " + replaced +
+            (content ? noteKept("NEW") : std::string()) + "  DELETE FROM \"NciReplaced\" WHERE " +
+            replaced +
             "NEW.\"KeyLink\";\n"
             "  SELECT RAISE(ABORT, 'rowid below 1') WHERE NEW.rowid < 1;\n");
     sql += trigger(table, "renumbering",
@@ -113,7 +155,8 @@ std::string logTriggers(const TableDef& table, const std::string& onDelete = {},
                    "  SELECT RAISE(ABORT, 'rowid exists');\n");
     sql += trigger(table, "updated", "AFTER UPDATE" + on + " WHEN " + sameKey,
                    logEvent(table, updated, "NEW.\"KeyLink\"", changed(table, "NEW."),
-                            changed(table, "OLD.")));
+                            changed(table, "OLD.")) +
+                       keptOld);
     sql += trigger(table, "rekeying",
                    "BEFORE UPDATE OF \"KeyLink\"" + on + " WHEN " + otherKey +
                        " AND EXISTS (SELECT 1 FROM " + name +
@@ -122,11 +165,17 @@ std::string logTriggers(const TableDef& table, const std::string& onDelete = {},
     sql += trigger(table, "rekeyed", "AFTER UPDATE OF \"KeyLink\"" + on + " WHEN " + otherKey,
                    logEvent(table, deleted, "OLD.\"KeyLink\"", "'{}'", whole(table, "OLD.")) +
                        logEvent(table, inserted, "NEW.\"KeyLink\"", whole(table, "NEW."), "'{}'") +
-                       onNewKey);
-    sql += trigger(table, "deleted", "AFTER DELETE" + on,
-                   onDelete +
-                       logEvent(table, deleted, "OLD.\"KeyLink\"", "'{}'", whole(table, "OLD.")) +
-                       "  DELETE FROM \"NciReplaced\" WHERE " + replaced + "OLD.\"KeyLink\";\n");
+                       keptOld + onNewKey);
+    sql += trigger(
+        table, "deleted", "AFTER DELETE" + on,
+        onDelete + logEvent(table, deleted, "OLD.\"KeyLink\"", "'{}'", whole(table, "OLD.")) +
+            keptOld + "  DELETE FROM \"NciReplaced\" WHERE " + replaced + "OLD.\"KeyLink\";\n");
+    if (content) {
+        sql += trigger(table, "deleting", "BEFORE DELETE" + on, keepBytes("OLD"));
+        sql += trigger(table, "replacing",
+                       "BEFORE UPDATE OF \"data\"" + on + " WHEN OLD.\"data\" IS NOT NEW.\"data\"",
+                       keepBytes("OLD"));
+    }
     return sql;
 }
 

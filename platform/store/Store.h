@@ -43,6 +43,7 @@ enum Code : int {
     LogPruned = 24,     ///< the change log no longer reaches back to the cursor
     ParentDeleted = 26, ///< a record was to be placed below one that was deleted
     LogReplaced = 27,   ///< the change log is not the one in which the cursor was taken
+    Outdated = 28,      ///< somebody changed the records since they were looked at
 };
 
 /// What an operation came to. To be looked at: a write that failed and was taken for saved is a
@@ -78,6 +79,12 @@ struct Change {
     double time = 0;
     std::string after;  ///< JSON object: the changed fields; all fields of an insert
     std::string before; ///< JSON object: their values before; all fields of a delete
+    /// What one action of a user wrote is one group: the id of its first change. A transaction by
+    /// hand is a group in PostgreSQL; in SQLite, which tells no transactions apart, a statement is.
+    int64_t group = 0;
+    std::string client;          ///< the program that wrote, as it calls itself; may be empty
+    std::string place;           ///< the machine on which it ran; may be empty
+    std::vector<int64_t> undoes; ///< of a group's first change: the groups that it takes back
 };
 
 /// A place in the change log, with proof that the log there is the one that was read: a server may
@@ -169,6 +176,10 @@ public:
     /// The changes after `cursor`, in commit order, at most `limit` of them. LogPruned if some of
     /// them are gone; LogReplaced if the proof fails, and then it cannot be told what was missed.
     virtual Status readLog(const LogCursor& cursor, int limit, std::vector<Change>* changes) = 0;
+    /// From now on the write calls of this object belong to that group, if it is one of the same
+    /// login that the log still tells of; else, and for 0 as in the beginning, each call is a group
+    /// of its own. A call's new group has the id lastWritten().first.
+    virtual void joinGroup(int64_t group) = 0;
     /// What the last write call of this object left in the log, if it succeeded or its outcome is
     /// unknown.
     virtual const Written& lastWritten() const = 0;
@@ -215,7 +226,8 @@ public:
 struct OpenOptions {
     /// Who writes. PostgreSQL takes the user of the session, unless that is the store's owner.
     std::string login;
-    bool create = false; ///< make the store if it is missing (never overwrites anything)
+    bool create = false;     ///< make the store if it is missing (never overwrites anything)
+    std::string client = {}; ///< name of the program, for the change log
     /// Open a file that this user may read and not write for reading, instead of refusing it. A
     /// server lets in whoever may read in any case. See Store::mayWrite.
     bool allowReadOnly = false;

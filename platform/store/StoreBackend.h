@@ -24,7 +24,6 @@ namespace orvo::store {
 /// Changes of the log by more than LogQuery names.
 struct ChangeQuery : LogQuery {
     std::optional<int64_t> id; ///< the one of this id
-    int64_t after = 0;         ///< with a higher id than this
     std::string call;          ///< left by the write call of this name; empty: by any
     int limit = 1;             ///< at most so many of them, the newest first
 };
@@ -64,9 +63,12 @@ public:
     /// Selects all rows in the order of their keys, not all at once.
     virtual Status selectInOrder(const TableDef& table,
                                  const std::function<Status(const Row& row)>& each) = 0;
-    /// Adds the folded keys of those records of the table that are stored, of these folded ones.
-    virtual Status storedKeys(const TableDef& table, const std::vector<std::string>& keys,
-                              std::set<std::string>* stored) = 0;
+    /// Selects these fields of those of the records with these folded keys that are stored.
+    virtual Status selectKeys(const TableDef& table, const std::vector<int>& fields,
+                              const std::vector<std::string>& keys, const EachRow& each) = 0;
+    /// Adds the folded keys of those of them that are stored.
+    Status storedKeys(const TableDef& table, const std::vector<std::string>& keys,
+                      std::set<std::string>* stored);
     /// Applies one write, inside inWrite. An insert of an existing key is Refused; update and
     /// delete of a missing one do nothing. With a resource its contents go too.
     virtual Status apply(const TableDef& table, const Write& write) = 0;
@@ -89,6 +91,19 @@ public:
     virtual Status beginContent(const Write& write, uint64_t size) = 0;
     virtual Status contentPiece(std::string_view piece) = 0;
     virtual Status endContent() = 0;
+
+    // Kept versions. A database without them keeps none.
+
+    /// Adds the versions that the query lets pass, the newest first.
+    virtual Status selectVersions(const VersionQuery& /*query*/,
+                                  std::vector<KeptVersion>* /*versions*/) {
+        return {};
+    }
+    /// Outside inWrite.
+    virtual Status versionPieces(int64_t /*id*/, const EachPiece& /*each*/) { return {}; }
+    /// As applyContent, with the bytes of a version whose checksum is known.
+    virtual Status applyVersion(const Write& write, const KeptVersion& version);
+    virtual Status deleteVersions(const std::vector<int64_t>& /*ids*/) { return {}; }
 
     struct Amount {
         uint64_t records = 0, contents = 0, bytes = 0;

@@ -14,6 +14,7 @@
 #include "platform/store/StoredFiles.h"
 
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -32,9 +33,21 @@ public:
                   UpdateGuard* guard = nullptr) final;
 
     Status logEnd(LogCursor* cursor) final;
+    void joinGroup(int64_t group) final { m_origin.group = group; }
     const Written& lastWritten() const final { return m_written; }
     Status outcomeOf(const Written& written, Outcome* outcome) final;
     Status history(const LogQuery& query, int limit, std::vector<Change>* changes) final;
+    Status changesSince(const TableDef& table, const std::vector<std::string>& keys, int64_t since,
+                        std::vector<Change>* changes) final;
+    Status storedValues(const TableDef& table, const std::vector<std::string>& keys,
+                        std::map<std::string, std::vector<Value>>* values) final;
+    Status writeAll(const std::vector<TableWrites>& parts, int64_t seen,
+                    const std::vector<int64_t>& undoes) final;
+
+    Status versions(const VersionQuery& query, std::vector<KeptVersion>* versions) final;
+    Status versionBytes(int64_t id, std::string* bytes) final;
+    Status pruneVersions(double before, uint64_t mostBytes, bool onlyLook,
+                         PrunedVersions* pruned) final;
 
     Status formGet(std::string_view form, bool withBytes, std::vector<StoredFile>* files) final;
     Status formPut(std::string_view path, const std::vector<FileToPut>& files) final;
@@ -56,7 +69,20 @@ public:
     Status replaceAll(const std::function<Status(Receiver& store)>& work) final;
 
 protected:
-    explicit StoreCore(std::string login) : m_files(*this), m_login(std::move(login)) {}
+    /// The login is the one to write under, whatever the options say.
+    StoreCore(std::string login, const OpenOptions& options);
+
+    /// What the log is to know of the present write beside its login. Texts are short and without
+    /// control characters.
+    struct Origin {
+        std::string client, place;
+        int64_t group = 0;           ///< to be joined; 0: none
+        std::vector<int64_t> undoes; ///< of a new group
+    };
+    const Origin& origin() const { return m_origin; }
+    /// The form in which the log keeps Change::undoes: numbers with commas between.
+    static std::string listText(const std::vector<int64_t>& groups);
+    static std::vector<int64_t> groupsIn(std::string_view list);
 
     /// Nothing that was read before says anything about the store that is open now.
     void forgetWhatWasRead() { m_files.forget(); }
@@ -69,6 +95,8 @@ protected:
     /// which is taken away.
     static Status checkCursor(const LogCursor& cursor, int64_t pruned, int64_t newest,
                               std::vector<Change>* changes);
+    /// The bytes of a version, checked; outside inWrite.
+    Status readVersion(const KeptVersion& version, std::string* bytes);
     /// Names a write in messages.
     static std::string placeOf(const TableDef& table, const Write& write);
 
@@ -76,12 +104,20 @@ protected:
     Written m_written;
 
 private:
+    Status findVersion(int64_t id, KeptVersion* version);
+    /// The versions from which the part takes bytes, one for each write.
+    Status findVersions(const TableWrites& part, std::vector<KeptVersion>* versions);
+    Status writeContents(const TableWrites& part, const std::vector<KeptVersion>& versions);
     Status findUser(const std::string& login, std::string* key, std::string* exact);
+    /// Outdated if any of these writes meets a record that was changed after `seen`; inside
+    /// inWrite.
+    Status checkUnchanged(const TableWrites& part, int64_t seen);
     Status fetchField(std::string_view table, std::string_view field, TextMatch match,
                       std::string_view value, MDArray* into);
 
     StoredFiles m_files;
     const std::string m_login;
+    Origin m_origin;
 };
 
 /// How messages name the change log and a stored file's bytes.

@@ -1,9 +1,14 @@
 // Places in the change log and their proof, alike in every kind of store.
 #include "platform/store/StoreCore.h"
 
+#include "platform/store/Names.h"
+
 #include <QCryptographicHash>
+#include <QString>
+#include <QSysInfo>
 
 #include <algorithm>
+#include <charconv>
 
 namespace orvo::store {
 
@@ -15,7 +20,44 @@ ChangeQuery changeOf(int64_t id) {
     return query;
 }
 
+/// A name for the log: on one line, and cut at a character.
+std::string shortName(const std::string& name) {
+    constexpr size_t longest = 64;
+    std::string text = withoutControls(validUtf8(name), ' ');
+    size_t length = std::min(text.size(), longest);
+    while (length < text.size() && length > 0 &&
+           (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80)
+        --length;
+    return text.substr(0, length);
+}
+
 } // namespace
+
+StoreCore::StoreCore(std::string login, const OpenOptions& options)
+    : m_files(*this)
+    , m_login(std::move(login))
+    , m_origin{
+          shortName(options.client), shortName(QSysInfo::machineHostName().toStdString()), 0, {}} {}
+
+std::string StoreCore::listText(const std::vector<int64_t>& groups) {
+    std::string list;
+    for (const int64_t group : groups)
+        list += (list.empty() ? "" : ",") + std::to_string(group);
+    return list;
+}
+
+std::vector<int64_t> StoreCore::groupsIn(std::string_view list) {
+    std::vector<int64_t> groups;
+    for (const char *at = list.data(), *end = at + list.size(); at < end;) {
+        int64_t group = 0;
+        const auto [next, error] = std::from_chars(at, end, group);
+        if (error != std::errc() || group <= 0)
+            break; // written by hand
+        groups.push_back(group);
+        at = next == end ? end : next + 1;
+    }
+    return groups;
+}
 
 LogCursor::LogCursor(const Change& change) : id(change.id), proof(proofOf(change)) {}
 
@@ -82,7 +124,7 @@ Status StoreCore::outcomeOf(const Written& written, Outcome* outcome) {
         ChangeQuery wanted = changeOf(written.last.id);
         if (written.last.proof.empty()) { // nobody was told what the call left
             wanted.id.reset();
-            wanted.after = written.since;
+            wanted.above = written.since;
             wanted.call = written.call;
         }
         Status status = selectChanges(wanted, &found);

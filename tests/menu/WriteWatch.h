@@ -52,6 +52,7 @@ public:
     store::Status logEnd(store::LogCursor* cursor) override;
     store::Status readLog(const store::LogCursor& cursor, int limit,
                           std::vector<store::Change>* changes) override;
+    void joinGroup(int64_t group) override { m_store->joinGroup(group); }
     const store::Written& lastWritten() const override;
     store::Status outcomeOf(const store::Written& written, store::Outcome* outcome) override;
     store::Status pruneLog(int64_t id) override;

@@ -47,7 +47,7 @@ bool equal(const TableDef& table, size_t field, const Value& a, const Value& b) 
 
 } // namespace
 
-MemoryStore::MemoryStore() : StoreCore("tester") {
+MemoryStore::MemoryStore() : StoreCore("tester", {}) {
     for (const TableDef& table : tables()) // all of them, so that looking changes nothing
         m_content.tables[table.name];
     m_content.tables[contentTable().name];
@@ -152,18 +152,19 @@ Status MemoryStore::selectInOrder(const TableDef& table,
     return called();
 }
 
-Status MemoryStore::storedKeys(const TableDef& table, const std::vector<std::string>& keys,
-                               std::set<std::string>* stored) {
+Status MemoryStore::selectKeys(const TableDef& table, const std::vector<int>& fields,
+                               const std::vector<std::string>& keys, const EachRow& each) {
+    const auto& rows = m_content.tables[table.name];
     for (const std::string& key : keys)
-        if (m_content.tables[table.name].count(key) != 0)
-            stored->insert(key);
+        if (const auto row = rows.find(key); row != rows.end())
+            each(picked(row->second, fields));
     return called();
 }
 
 void MemoryStore::logChange(const TableDef& table, int code, const std::string& key,
                             const Row& after, const Row& before) {
     Change change;
-    change.id = newest() + 1;
+    change.id = change.group = newest() + 1;
     change.code = code;
     change.table = table.name;
     change.key = key;
@@ -351,7 +352,7 @@ Status MemoryStore::selectChanges(const ChangeQuery& query, std::vector<Change>*
                             (!query.since || change->time >= *query.since) &&
                             (!query.until || change->time < *query.until) &&
                             (query.below == 0 || change->id < query.below) &&
-                            (!query.id || change->id == *query.id) && change->id > query.after;
+                            (!query.id || change->id == *query.id) && change->id > query.above;
         if (passes && changes->size() < static_cast<size_t>(query.limit))
             changes->push_back(*change);
     }

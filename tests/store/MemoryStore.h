@@ -63,8 +63,8 @@ protected:
                        const Value& value, const EachRow& each) override;
     Status selectInOrder(const TableDef& table,
                          const std::function<Status(const Row& row)>& each) override;
-    Status storedKeys(const TableDef& table, const std::vector<std::string>& keys,
-                      std::set<std::string>* stored) override;
+    Status selectKeys(const TableDef& table, const std::vector<int>& fields,
+                      const std::vector<std::string>& keys, const EachRow& each) override;
     Status apply(const TableDef& table, const Write& write) override;
     Status clearAll() override;
     Status selectStored(int type, std::string_view folded, const std::optional<Value>& folder,

@@ -55,7 +55,7 @@ void TestSqliteSchema::fieldsAreThoseOfTheDictionary() {
                    "WHERE strict ORDER BY name)"),
              QString("Menu MenuFileExt MenuFolder MenuResource MenuResourceFile "
                      "MenuResourceFileSum MenuResourceFolder NciEvent NciPruned NciReplaced "
-                     "NciStore NciWriter Users"));
+                     "NciStore NciVersion NciWriter Users"));
     QCOMPARE(shell("SELECT name FROM pragma_table_info('MenuResourceFile') "
                    "ORDER BY cid DESC LIMIT 1"),
              QString("data"));

@@ -16,7 +16,10 @@ using namespace orvo::store::test;
 
 namespace {
 
-constexpr int oldVersions[] = {1, 2};
+/// Those that stores were released with; a step may be of one database alone.
+std::vector<int> oldVersions(bool sqlite) {
+    return sqlite ? std::vector<int>{1, 2, 4} : std::vector<int>{1, 2, 4, 5};
+}
 
 } // namespace
 
@@ -76,7 +79,7 @@ std::string TestMigrations::identity() const {
 
 void TestMigrations::oldStoreBecomesLikeANewOne_data() {
     QTest::addColumn<int>("version");
-    for (const int version : oldVersions)
+    for (const int version : oldVersions(isSqlite()))
         QTest::newRow(qPrintable(QString::number(version))) << version;
 }
 
@@ -127,7 +130,7 @@ void TestMigrations::oldStoreKeepsWhatItHolds() {
 void TestMigrations::addedFieldIsLogged_data() {
     QTest::addColumn<int>("version");
     QTest::newRow("new") << 0;
-    for (const int version : oldVersions)
+    for (const int version : oldVersions(isSqlite()))
         QTest::newRow(qPrintable(QString::number(version))) << version;
 }
 
@@ -200,7 +203,7 @@ void TestMigrations::storeHasAnIdentityOfItsOwn() {
     m_store.reset();
     QVERIFY(m_kind.renew());
     QVERIFY(identity() != first);
-    for (const int version : oldVersions) {
+    for (const int version : {1, 2}) { // later ones have brought one along
         QVERIFY(m_kind.renewAsOf(version));
         const std::string old = identity();
         QCOMPARE(old.size(), first.size());

@@ -35,10 +35,13 @@ const char* const tableNames[] = {"\"Menu\"",
                                   "\"NciPruned\"",
                                   "\"MenuResourceFile\"",
                                   "\"MenuResourceFileData\"",
-                                  "\"MenuResourceFileSum\""};
+                                  "\"MenuResourceFileSum\"",
+                                  "\"NciVersion\"",
+                                  "\"NciVersionData\""};
 const char* const functionNames[] = {
-    "\"NciTakeLock\"()", "\"NciLock\"()",   "\"Menu.log\"()",  "\"NciTruncate\"()",
-    "\"NciPrune\"()",    "\"NciRefuse\"()", "\"Users.log\"()", "\"MenuResourceFileData.log\"()"};
+    "\"NciTakeLock\"()", "\"NciLock\"()",   "\"Menu.log\"()",
+    "\"NciTruncate\"()", "\"NciPrune\"()",  "\"NciKeep\"()",
+    "\"NciRefuse\"()",   "\"Users.log\"()", "\"MenuResourceFileData.log\"()"};
 const char* const roleNames[] = {"postgres",
                                  "orvo_engineer",
                                  "orvo_viewer",

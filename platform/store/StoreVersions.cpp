@@ -1,0 +1,121 @@
+// What is kept of stored bytes that were replaced or deleted.
+#include "platform/store/ContentChecksum.h"
+#include "platform/store/Names.h"
+#include "platform/store/Sql.h"
+#include "platform/store/StoreCore.h"
+
+namespace orvo::store {
+
+namespace {
+
+const char versionName[] = "Прежнее содержимое";
+
+std::string nameOf(const KeptVersion& version) {
+    return "Прежнее содержимое файла " + shown(version.name) + " (версия " +
+           std::to_string(version.id) + ")";
+}
+
+} // namespace
+
+std::string versionsWhere(const VersionQuery& query) {
+    std::string where = " WHERE \"event\" IS NOT NULL";
+    const auto keys = [&](const char* column, const std::vector<std::string>& wanted) {
+        std::string list;
+        for (const std::string& key : wanted)
+            if (isKey(key))
+                list += (list.empty() ? "" : ", ") + literal(foldedKey(key));
+        where +=
+            std::string(" AND lower(") + column + ") IN (" + (list.empty() ? "NULL" : list) + ")";
+    };
+    if (query.id > 0)
+        where += " AND \"id\" = " + std::to_string(query.id);
+    if (!query.resource.empty())
+        keys("\"MenuResourceKey\"", {query.resource});
+    if (query.contents)
+        keys("\"KeyLink\"", *query.contents);
+    return where + " ORDER BY \"id\" DESC";
+}
+
+Status StoreBackend::applyVersion(const Write& /*write*/, const KeptVersion& version) {
+    return {Failed, nameOf(version) + " не хранится"};
+}
+
+Status StoreCore::versions(const VersionQuery& query, std::vector<KeptVersion>* versions) {
+    return guarded([&]() -> Status {
+        std::vector<KeptVersion> found;
+        const Status status = inRead([&] { return selectVersions(query, &found); });
+        if (status.ok())
+            versions->swap(found);
+        return status;
+    });
+}
+
+Status StoreCore::findVersion(int64_t id, KeptVersion* version) {
+    VersionQuery query;
+    query.id = id;
+    std::vector<KeptVersion> found;
+    const Status status = selectVersions(query, &found);
+    if (!status.ok())
+        return status;
+    if (id < 1 || found.empty())
+        return {UnknownName, std::string(versionName) + ": версии " + std::to_string(id) +
+                                 " нет, её могло забыть сокращение (prune)"};
+    *version = std::move(found.front());
+    return {};
+}
+
+Status StoreCore::readVersion(const KeptVersion& version, std::string* bytes) {
+    std::string read;
+    const Status status = versionPieces(version.id, [&](std::string_view piece) -> Status {
+        read += piece;
+        return {};
+    });
+    if (!status.ok())
+        return {status.code, nameOf(version) + ": " + status.text};
+    if (read.size() != version.size ||
+        (!version.sha256.empty() && checksum(read) != version.sha256))
+        return {Failed, nameOf(version) + " повреждено: не сходится с контрольной суммой"};
+    *bytes = std::move(read);
+    return {};
+}
+
+Status StoreCore::versionBytes(int64_t id, std::string* bytes) {
+    return guarded([&]() -> Status {
+        return inRead([&]() -> Status {
+            KeptVersion version;
+            const Status status = findVersion(id, &version);
+            return status.ok() ? readVersion(version, bytes) : status;
+        });
+    });
+}
+
+Status StoreCore::pruneVersions(double before, uint64_t mostBytes, bool onlyLook,
+                                PrunedVersions* pruned) {
+    return guarded([&]() -> Status {
+        std::vector<KeptVersion> all; // the newest first
+        Status status = inRead([&] { return selectVersions({}, &all); });
+        if (!status.ok())
+            return status;
+        std::vector<int64_t> gone;
+        uint64_t kept = 0;
+        PrunedVersions sum;
+        bool full = false; // what is older than one that goes, goes too
+        for (const KeptVersion& version : all) {
+            full = full || kept + version.size > mostBytes;
+            if (version.time >= before && !full) {
+                kept += version.size;
+                continue;
+            }
+            gone.push_back(version.id);
+            ++sum.count;
+            sum.bytes += version.size;
+        }
+        if (!onlyLook && !gone.empty())
+            status = inWrite([&] { return deleteVersions(gone); });
+        if (status.ok())
+            *pruned = sum;
+        return status;
+    });
+}
+
+} // namespace orvo::store

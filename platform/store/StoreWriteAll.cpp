@@ -1,0 +1,159 @@
+// Reading and writing records of several tables by their keys, for whoever takes changes back.
+#include "platform/store/ContentChecksum.h"
+#include "platform/store/GuardedUpdate.h"
+#include "platform/store/Names.h"
+#include "platform/store/Sql.h"
+#include "platform/store/StoreCore.h"
+
+#include <limits>
+#include <numeric>
+#include <set>
+
+namespace orvo::store {
+
+namespace {
+
+std::vector<std::string> foldedKeys(const std::vector<std::string>& keys) {
+    std::set<std::string> folded;
+    for (const std::string& key : keys)
+        if (isKey(key))
+            folded.insert(foldedKey(key));
+    return {folded.begin(), folded.end()};
+}
+
+} // namespace
+
+Status StoreBackend::storedKeys(const TableDef& table, const std::vector<std::string>& keys,
+                                std::set<std::string>* stored) {
+    return selectKeys(table, {0}, keys,
+                      [&](const Row& row) { stored->insert(foldedKey(textOf(row.front()))); });
+}
+
+Status StoreCore::changesSince(const TableDef& table, const std::vector<std::string>& keys,
+                               int64_t since, std::vector<Change>* changes) {
+    return guarded([&]() -> Status {
+        const std::vector<std::string> folded = foldedKeys(keys);
+        std::vector<Change> found;
+        const Status status = folded.empty()
+                                  ? Status()
+                                  : inRead([&] { return changesOf(table, folded, since, &found); });
+        if (status.ok())
+            changes->swap(found);
+        return status;
+    });
+}
+
+Status StoreCore::storedValues(const TableDef& table, const std::vector<std::string>& keys,
+                               std::map<std::string, std::vector<Value>>* values) {
+    return guarded([&]() -> Status {
+        const std::vector<std::string> folded = foldedKeys(keys);
+        std::vector<int> fields(table.fields.size());
+        std::iota(fields.begin(), fields.end(), 0);
+        if (folded.empty())
+            return {};
+        return inRead([&] {
+            return selectKeys(table, fields, folded, [&](const Row& row) {
+                values->insert_or_assign(foldedKey(textOf(row.front())), row);
+            });
+        });
+    });
+}
+
+Status StoreCore::checkUnchanged(const TableWrites& part, int64_t seen) {
+    int64_t newest = 0;
+    bool changed = false; // usually nobody has written since
+    Status status = changedSince(*part.table, seen, &newest, &changed);
+    if (!status.ok() || !changed)
+        return status;
+    std::vector<std::string> keys;
+    for (const Write& write : part.writes)
+        keys.push_back(write.key);
+    std::vector<Change> since;
+    status = changesOf(*part.table, foldedKeys(keys), seen, &since);
+    if (status.ok() && since.empty()) {
+        const TableDef none{"", {}}; // of which only a log that was pruned tells
+        status = changedSince(none, seen, &newest, &changed);
+        if (status.ok() && changed)
+            return {Outdated, "Журнал изменений тем временем сокращён"};
+    }
+    if (!status.ok() || since.empty())
+        return status;
+    const Change& last = since.back();
+    return {Outdated, inTable(*part.table) + ", запись " + shown(last.key) +
+                          ": её тем временем изменили (" +
+                          (last.login.empty() ? "вручную" : shown(last.login)) + ")"};
+}
+
+Status StoreCore::findVersions(const TableWrites& part, std::vector<KeptVersion>* versions) {
+    if (part.bytes.empty())
+        return {};
+    if (part.table != &contentTable() || part.bytes.size() != part.writes.size())
+        return {BadArguments, "Не у каждой записи содержимого его байты"};
+    versions->resize(part.bytes.size());
+    for (size_t i = 0; i < part.bytes.size(); ++i) {
+        if (part.bytes[i].version == 0)
+            continue;
+        KeptVersion& version = versions->at(i);
+        const Status status = inRead([&]() -> Status {
+            const Status found = findVersion(part.bytes[i].version, &version);
+            if (!found.ok() || !version.sha256.empty())
+                return found;
+            std::string bytes;
+            const Status read = readVersion(version, &bytes);
+            version.sha256 = checksum(bytes);
+            return read;
+        });
+        if (!status.ok())
+            return status;
+    }
+    return {};
+}
+
+Status StoreCore::writeContents(const TableWrites& part, const std::vector<KeptVersion>& versions) {
+    for (size_t i = 0; i < part.writes.size(); ++i) {
+        const Write& write = part.writes[i];
+        const BytesToWrite none;
+        const BytesToWrite& bytes = part.bytes.empty() ? none : part.bytes[i];
+        const Status status = bytes.version != 0 ? applyVersion(write, versions[i])
+                              : bytes.bytes      ? applyContent(write, *bytes.bytes)
+                                                 : apply(*part.table, write);
+        if (!status.ok())
+            return status;
+    }
+    return {};
+}
+
+Status StoreCore::writeAll(const std::vector<TableWrites>& parts, int64_t seen,
+                           const std::vector<int64_t>& undoes) {
+    return guarded([&]() -> Status {
+        struct Undoing {
+            std::vector<int64_t>& groups;
+            ~Undoing() { groups.clear(); }
+        } const undoing{m_origin.undoes};
+        m_origin.undoes = undoes;
+        std::map<const TableWrites*, std::vector<KeptVersion>> versions;
+        for (const TableWrites& part : parts)
+            if (const Status found = findVersions(part, &versions[&part]); !found.ok())
+                return found;
+        return inWrite([&]() -> Status {
+            Status status;
+            for (const TableWrites& part : parts)
+                if (status.ok())
+                    status = checkUnchanged(part, seen);
+            for (const TableWrites& part : parts) {
+                std::vector<Write> writes = part.writes;
+                UpdateGuard guard;
+                guard.seen = seen;
+                // What has been written to these records since then is of this very call.
+                guard.own = {{seen + 1, std::numeric_limits<int64_t>::max()}};
+                if (status.ok() && part.table != &contentTable())
+                    status = GuardedUpdate(*this, *part.table, writes).apply(&guard);
+                else if (status.ok())
+                    status = writeContents(part, versions.at(&part));
+            }
+            return status;
+        });
+    });
+}
+
+} // namespace orvo::store
