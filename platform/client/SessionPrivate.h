@@ -2,6 +2,7 @@
 #ifndef ORVO_PLATFORM_CLIENT_SESSIONPRIVATE_H
 #define ORVO_PLATFORM_CLIENT_SESSIONPRIVATE_H
 
+#include "platform/client/ActionGroup.h"
 #include "platform/client/Session.h"
 #include "platform/client/UnwrittenList.h"
 
@@ -39,7 +40,8 @@ struct SessionCore {
     SessionEvents events;
     int busy = 0;                       ///< calls and tools running now
     UnwrittenList* unwritten = nullptr; ///< not owned; null: failed writes are reported only
-    std::deque<OwnWrite> ownWrites;     ///< in order of commit; see rememberWrite
+    ActionGroup action;
+    std::deque<OwnWrite> ownWrites; ///< in order of commit; see rememberWrite
 };
 
 } // namespace orvo::client

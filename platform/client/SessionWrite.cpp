@@ -103,7 +103,9 @@ store::Status COrvoCliSes::Private::write(WriteRequest request) {
     // A host that keeps nothing must not leave anything out either.
     const bool merges = list && request.kind == WriteRequest::Records;
     bool unknown = false;
+    store->joinGroup(core->action.current());
     store::Status status = perform(request, *store, merges ? &guarded : nullptr, &unknown);
+    store->joinGroup(0);
     if (!status.ok()) {
         if (status.code == store::ParentDeleted && guarded.parentDeletion && list) {
             UnwrittenEntry entry;
@@ -120,6 +122,7 @@ store::Status COrvoCliSes::Private::write(WriteRequest request) {
         return refuse(std::move(request), std::move(status), unknown);
     }
     const store::Written& written = store->lastWritten();
+    core->action.wrote(written.first);
     if (module && written.first > 0)
         own.push_back({written.first, written.last.id});
     const store::TableDef* table = store::findTable(request.table);

@@ -3,9 +3,12 @@
 #include "platform/mdx/MdxBuild.h"
 #include "tests/client/HostFixture.h"
 
+#include <QEventLoop>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QRegularExpression>
 #include <QSet>
+#include <QTimer>
 #include <QtTest>
 
 using namespace orvo;
@@ -50,6 +53,38 @@ struct Reply {
 class TestSession : public QObject {
     Q_OBJECT
 private slots:
+    void writesOfOneActionAreOneGroup() {
+        Host host;
+        const auto write = [&](const char* key) {
+            QVERIFY(host.write("MenuFolder", 1, {{"KeyLink", key}}));
+        };
+        QEventLoop loop; // the bare one
+        QTimer::singleShot(0, &loop, [&] {
+            write("a");
+            QEventLoop question;
+            QTimer::singleShot(80, &question, &QEventLoop::quit);
+            question.exec();
+            write("b");
+            QTimer::singleShot(0, &loop, [&] {
+                write("c");
+                write("d");
+                loop.quit();
+            });
+        });
+        loop.exec();
+        write("e");
+        QKeyEvent key(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier);
+        QSpontaneKeyEvent::setSpontaneous(&key);
+        QCoreApplication::instance()->notify(&loop, &key); // as it comes from the display
+        write("f");
+        std::vector<store::Change> changes;
+        QVERIFY(host.store().readLog(0, 10, &changes).ok());
+        QString groups;
+        for (const store::Change& change : changes)
+            groups += QString::fromStdString(change.key) + QString::number(change.group) + ' ';
+        QCOMPARE(groups, QString("a1 b1 c3 d3 e5 f6 "));
+    }
+
     void tableRecordsBringsStructureRecordsAndKeyLinkKey() {
         Host host;
         QVERIFY(host.write("MenuFolder", 1,
