@@ -1,5 +1,6 @@
 #include "platform/client/UnwrittenList.h"
 
+#include "history/RecordWords.h"
 #include "platform/client/Corrections.h"
 #include "platform/client/UnwrittenFiles.h"
 #include "platform/store/ChangeRecord.h"
@@ -551,6 +552,7 @@ std::vector<UnwrittenEntry> conflictEntries(const store::TableDef& table,
                                             const store::UpdateGuard& guard, store::Store& store) {
     std::vector<UnwrittenEntry> entries;
     std::map<std::string, std::vector<const store::Conflict*>> byKey;
+    history::StoredRecords source(&store);
     for (const store::Conflict& conflict : guard.conflicts)
         byKey[store::foldedKey(conflict.key)].push_back(&conflict);
     for (const auto& [key, conflicts] : byKey) {
@@ -564,7 +566,7 @@ std::vector<UnwrittenEntry> conflictEntries(const store::TableDef& table,
                                                           : QString::fromStdString(conflict->login);
             entry.theirs.push_back(
                 {conflict->key, conflict->field,
-                 valueWords(table, conflict->field, conflict->theirs, &store), login,
+                 history::valueWords(table, conflict->field, conflict->theirs, &source), login,
                  QDateTime::fromMSecsSinceEpoch(std::llround(conflict->time * 1000.0))});
             who << login;
             entry.seen = std::max(entry.seen, conflict->id);

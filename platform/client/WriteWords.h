@@ -31,15 +31,6 @@ struct WriteWords {
 /// asked, and only what the request tells is said.
 ORVOCLIENT_EXPORT WriteWords describe(const WriteRequest& request, store::Store* store);
 
-/// "рабочий стол «КС-3»", from the values of a record of the table; `key` if it has no name.
-ORVOCLIENT_EXPORT QString recordWords(const store::TableDef& table,
-                                      const std::map<int, store::Value>& values,
-                                      const std::string& key);
-/// A field as people know it, and a value of it.
-ORVOCLIENT_EXPORT QString fieldWord(const store::TableDef& table, int field);
-ORVOCLIENT_EXPORT QString valueWords(const store::TableDef& table, int field,
-                                     const store::Value& value, store::Store* store);
-
 } // namespace orvo::client
 
 #endif

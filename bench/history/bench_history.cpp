@@ -1,0 +1,96 @@
+// bench_history [RECORDS]: taking back the deletion of RECORDS (100000) elements, planned and
+// written, against the deletion itself, on both databases. Medians of three. Then a page of the
+// history behind as many changes, and of one record in them.
+#include "bench/store/Support.h"
+
+#include "history/Inverse.h"
+#include "history/Reading.h"
+#include "platform/mdx/MdxBuild.h"
+#include "tests/store/PostgresCluster.h"
+
+#include <QCoreApplication>
+#include <QTemporaryDir>
+
+#include <cstdlib>
+
+using namespace orvo;
+using namespace orvo::bench;
+using store::test::PostgresCluster;
+
+namespace {
+
+void require(const store::Status& status) {
+    check(status.ok(), status.text);
+}
+
+store::Write element(int number, int flag) {
+    const store::TableDef& table = *store::findTable("Menu");
+    store::Write write;
+    write.flag = flag;
+    write.key = "bench" + std::to_string(number);
+    if (flag != MDX_INSERT)
+        return write;
+    write.values = {{table.find("FolderKey"), std::string("desk")},
+                    {table.find("caption"), "Крановая обвязка " + std::to_string(number)},
+                    {table.find("order_"), int64_t(number)},
+                    {table.find("params"), std::string("a=1;b=2")}};
+    if (number >= 100)
+        write.values.insert(write.values.begin(),
+                            {table.find("parent"), "bench" + std::to_string(number % 100)});
+    return write;
+}
+
+std::vector<store::TableWrites> elements(int count, int flag) {
+    store::TableWrites part{store::findTable("Menu"), {}};
+    for (int i = 0; i < count; ++i)
+        part.writes.push_back(element(i, flag));
+    return {std::move(part)};
+}
+
+void run(const char* name, const std::string& url, int count) {
+    store::Status status;
+    const auto opened = store::openMaintained(url, {"bench", true, "bench"}, &status);
+    check(opened != nullptr, status.text);
+    store::MaintainedStore& target = *opened;
+    int64_t seen = 0;
+    require(target.logPosition(&seen));
+    require(target.writeAll(elements(count, MDX_INSERT), seen, {}));
+    std::vector<double> deletions, undos;
+    for (int i = 0; i < 3; ++i) {
+        const auto deletion = elements(count, MDX_DELETE);
+        require(target.logPosition(&seen));
+        deletions.push_back(seconds([&] { require(target.writeAll(deletion, seen, {})); }));
+        history::Inverse done;
+        const int64_t group = target.lastWritten().first;
+        undos.push_back(seconds([&] { require(history::undo(target, {group}, {}, &done)); }));
+        check(done.written && done.remarks.empty(), "not taken back");
+    }
+    std::printf(
+        "%s: deletion of %d elements %.2f s, taking it back %.2f s: %.2fx  (budget <= 1.5x)\n",
+        name, count, median(deletions), median(undos), median(undos) / median(deletions));
+    const auto page = [&](const history::Filter& filter, const char* what) {
+        const double taken = seconds([&] {
+            history::Reader reader(target, filter);
+            std::vector<history::Group> groups;
+            require(reader.next(50, &groups));
+        });
+        std::printf("%s: first page of %s %.1f ms  (budget <= 100 ms)\n", name, what, taken * 1000);
+    };
+    page({}, "everything");
+    history::Filter one;
+    one.key = "bench77";
+    page(one, "one record");
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const QCoreApplication application(argc, argv);
+    const int count = argc > 1 ? std::atoi(argv[1]) : 100000;
+    const QTemporaryDir directory;
+    run("SQLite", directory.filePath("history.db").toStdString(), count);
+    PostgresCluster* cluster = PostgresCluster::shared();
+    check(cluster != nullptr, "no PostgreSQL");
+    run("PostgreSQL", cluster->url("history"), count);
+    return 0;
+}

@@ -1,0 +1,101 @@
+#include "history/Inverse.h"
+
+#include "history/Planning.h"
+#include "history/RecordWords.h"
+
+#include <QDateTime>
+
+#include <algorithm>
+#include <cmath>
+
+namespace orvo::history {
+
+store::Status planInverse(store::MaintainedStore& store, const std::vector<int64_t>& groups,
+                          const Choices& choices, Inverse* inverse) {
+    *inverse = {};
+    store::Status status = store.logPosition(&inverse->seen);
+    Standing standing;
+    if (status.ok())
+        status = standing.read(store, groups);
+    if (!status.ok())
+        return status;
+    for (const int64_t group : groups)
+        if (standing.stands(group))
+            inverse->undoes.push_back(group);
+        else
+            inverse->remarks.push_back({Remark::AlreadyDone, nullptr, {}, -1, {}, {}, 0, group});
+    standing.settle(inverse->undoes);
+    Planning planning(store, standing, choices, *inverse);
+    status = planning.collect();
+    if (status.ok())
+        status = planning.decide();
+    if (status.ok())
+        status = planning.placeRestored();
+    if (status.ok())
+        status = planning.keepWhatIsBuiltOn();
+    if (status.ok())
+        status = planning.decideContents();
+    if (status.ok())
+        planning.compose();
+    return status;
+}
+
+store::Status undo(store::MaintainedStore& store, const std::vector<int64_t>& groups,
+                   const Choices& choices, Inverse* done) {
+    constexpr int mostTries = 5;
+    store::Status status;
+    for (int i = 0; i < mostTries; ++i) {
+        status = planInverse(store, groups, choices, done);
+        if (!status.ok() || done->count == 0 || (done->asks() && !choices.partly))
+            return status;
+        status = store.writeAll(done->parts, done->seen, done->undoes);
+        done->written = status.ok();
+        if (status.code != store::Outdated)
+            return status;
+    }
+    return status;
+}
+
+bool Inverse::asks() const {
+    return std::any_of(remarks.begin(), remarks.end(), [](const Remark& remark) {
+        return remark.why == Remark::NoPlace || remark.why == Remark::BuiltOn;
+    });
+}
+
+QString remarkWords(const Remark& remark, RecordSource& source) {
+    const auto number = [&] { return QString::number(remark.group); };
+    if (remark.why == Remark::Forgotten)
+        return QStringLiteral("Действие %1 журнал уже не помнит").arg(number());
+    if (remark.why == Remark::AlreadyDone)
+        return QStringLiteral("Действие %1 уже отменено").arg(number());
+    const store::TableDef& table = *remark.table;
+    const QString record = recordWords(table, source.valuesOf(table, remark.key), remark.key);
+    QString who =
+        remark.login.empty() ? QStringLiteral("вручную") : QString::fromStdString(remark.login);
+    if (remark.time > 0)
+        who += QStringLiteral(", ") +
+               QDateTime::fromMSecsSinceEpoch(std::llround(remark.time * 1000.0))
+                   .toString(QStringLiteral("dd.MM.yyyy HH:mm"));
+    switch (remark.why) {
+    case Remark::ChangedSince:
+        return QStringLiteral("Оставлено как есть: %1, поле «%2»: с тех пор изменено (%3)")
+            .arg(record, fieldWord(table, remark.field), who);
+    case Remark::DeletedSince:
+        return QStringLiteral("Не возвращено: %1: с тех пор удалено (%2)").arg(record, who);
+    case Remark::NoPlace: {
+        const store::TableDef* above = targetTable(table, remark.field);
+        return QStringLiteral("Не возвращено: %1: нет места, %2 удалена запись «%3»")
+            .arg(record, fieldWord(table, remark.field).toLower(),
+                 above ? nameOf(*above, source.valuesOf(*above, remark.missing))
+                       : QString::fromStdString(remark.missing));
+    }
+    case Remark::BuiltOn:
+        return QStringLiteral("Не удалено: %1: на этом построено другое (%2)").arg(record, who);
+    case Remark::DamagedBytes:
+        return QStringLiteral("Не возвращено: %1: прежнее содержимое повреждено").arg(record);
+    default:
+        return QStringLiteral("Не возвращено: %1: прежнее содержимое не хранится").arg(record);
+    }
+}
+
+} // namespace orvo::history

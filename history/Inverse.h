@@ -1,0 +1,79 @@
+// Inverse.h: what takes actions back, and leaves the work of others where it is.
+//
+// Every field gets the value that it has from the last change that still stands; so what somebody
+// else has changed since is left alone, and comes out right when he takes his change back, too.
+// Taking back an action that took others back does those again.
+//
+// A plan is made from the log and the records as they are. It is written as one action, in one
+// transaction, and only if none of its records was changed since it was made.
+#ifndef ORVO_HISTORY_INVERSE_H
+#define ORVO_HISTORY_INVERSE_H
+
+#include "history/Reading.h"
+
+#include <QString>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace orvo::history {
+
+/// Something that is left as it is, and why.
+struct Remark {
+    enum Why {
+        ChangedSince, ///< another action has changed the field since
+        DeletedSince, ///< another action has deleted the record since
+        NoPlace,      ///< the record below which it stood was deleted: see Choices::places
+        BuiltOn,      ///< others have built on what would be deleted: see Choices::othersWorkToo
+        NoBytes,      ///< the bytes that a form or file had are not kept
+        DamagedBytes, ///< or no longer what they were
+        Forgotten,    ///< the log does not tell of the action any more
+        AlreadyDone,  ///< the action has been taken back before
+    };
+    Why why = ChangedSince;
+    const store::TableDef* table = nullptr; ///< null: of a whole action
+    std::string key;
+    int field = -1;      ///< ChangedSince and NoPlace
+    std::string missing; ///< NoPlace: the key that the field would name
+    std::string login;   ///< ChangedSince, DeletedSince, BuiltOn: whose action it was
+    double time = 0;     ///< and when
+    int64_t group = 0;   ///< that action; Forgotten and AlreadyDone: the one that was asked for
+};
+
+/// What a user has decided about remarks of an earlier plan.
+struct Choices {
+    bool othersWorkToo = false; ///< delete what others have built on as well, with what is below it
+    bool partly = false;        ///< go on without what has no place, or what others have built on
+    /// Another parent for each missing one, by its folded key; empty: at the top.
+    std::map<std::string, std::string> places;
+};
+
+struct Inverse {
+    std::vector<store::TableWrites> parts; ///< in the order in which they are to be applied
+    std::vector<store::Change> preview; ///< as the log would tell of them, the first some thousand
+    size_t count = 0;                   ///< records that are written
+    std::vector<Remark> remarks;
+    std::vector<int64_t> undoes;
+    int64_t seen = 0; ///< the log had this newest change
+    bool written = false;
+
+    /// Whether a remark wants a choice. Without one nothing is to be written: an action counts as
+    /// taken back as a whole.
+    bool asks() const;
+};
+
+/// What takes these groups back, together.
+store::Status planInverse(store::MaintainedStore& store, const std::vector<int64_t>& groups,
+                          const Choices& choices, Inverse* inverse);
+/// Plans and writes, unless there is nothing to write or something to be asked that the choices do
+/// not answer. Plans anew if others were quicker. `done` is the last plan.
+store::Status undo(store::MaintainedStore& store, const std::vector<int64_t>& groups,
+                   const Choices& choices, Inverse* done);
+
+/// A remark as a sentence: what was left, and why.
+QString remarkWords(const Remark& remark, RecordSource& source);
+
+} // namespace orvo::history
+
+#endif

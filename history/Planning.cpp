@@ -1,0 +1,580 @@
+#include "history/Planning.h"
+
+#include "frame/Vocabulary.h"
+#include "platform/mdx/MdxBuild.h"
+#include "platform/store/ChangeRecord.h"
+#include "platform/store/Merge.h"
+#include "platform/store/Names.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstring>
+
+namespace orvo::history {
+
+namespace {
+
+constexpr size_t mostPreviewed = 2000;
+
+bool is(const char* name, const char* other) {
+    return std::strcmp(name, other) == 0;
+}
+
+/// A field by which records of `below` name those of a table.
+struct Link {
+    const store::TableDef* below;
+    int field;
+    bool places; ///< by it they stand below them
+};
+
+std::vector<Link> linksTo(const store::TableDef& table) {
+    std::vector<Link> links;
+    for (const store::TableDef& below : store::tables()) {
+        for (const store::ParentField& parent : store::parentFields(below))
+            if (is(parent.table, table.name))
+                links.push_back({&below, below.find(parent.field), true});
+        if (is(table.name, table::MenuResource) && below.find(field::MenuResourceKey) >= 0)
+            links.push_back({&below, below.find(field::MenuResourceKey), false});
+    }
+    return links;
+}
+
+std::vector<std::string> keysIn(const MDArray* rows) {
+    std::vector<std::string> keys;
+    for (uint32_t i = 0; i < mdx::postedCount(rows); ++i) {
+        const char* text = nullptr;
+        uint32_t length = 0;
+        if (MDRGetTextRef(MDRFldByNum(rows, 0), mdx::postedRecord(rows, i), &length, &text) ==
+            MDX_OK)
+            keys.emplace_back(text, length);
+    }
+    return keys;
+}
+
+} // namespace
+
+const store::TableDef* targetTable(const store::TableDef& table, int field) {
+    for (const store::ParentField& parent : store::parentFields(table))
+        if (table.find(parent.field) == field)
+            return store::findTable(parent.table);
+    return nullptr;
+}
+
+Planning::Planning(store::MaintainedStore& store, const Standing& standing, const Choices& choices,
+                   Inverse& inverse)
+    : m_store(store)
+    , m_standing(standing)
+    , m_choices(choices)
+    , m_inverse(inverse)
+    , m_concerned(standing.concerned(inverse.undoes)) {}
+
+/// Whether a change has a say in what its record should be.
+bool Planning::counts(const Event& event) const {
+    return m_standing.stands(event.change->group) && !m_standing.isUndoing(event.change->group);
+}
+
+void Planning::remark(Remark::Why why, const store::TableDef& table, const Record& record,
+                      int field, const store::Change* change) {
+    Remark made;
+    made.why = why;
+    made.table = &table;
+    made.key = record.key;
+    made.field = field;
+    if (change) {
+        made.login = change->login;
+        made.time = change->time;
+        made.group = change->group;
+    }
+    m_inverse.remarks.push_back(std::move(made));
+}
+
+// What happened ----------------------------------------------------------------------------------
+
+store::Status Planning::collect() {
+    std::map<const store::TableDef*, std::vector<std::string>> keys;
+    int64_t last = 0;
+    size_t count = 0;
+    for (const int64_t group : m_concerned) {
+        store::LogQuery query;
+        query.group = group;
+        query.oldestFirst = true;
+        std::vector<store::Change> changes;
+        const store::Status status = m_store.history(query, INT_MAX, &changes);
+        if (!status.ok())
+            return status;
+        if (changes.empty())
+            m_inverse.remarks.push_back({Remark::Forgotten, nullptr, {}, -1, {}, {}, 0, group});
+        for (const store::Change& change : changes) {
+            if (const store::TableDef* table = tableOf(change.table))
+                keys[table].push_back(change.key);
+            last = std::max(last, change.id);
+        }
+        count += changes.size();
+        m_changes.push_back(std::move(changes));
+    }
+    // Usually what was done last is taken back: then there is nothing else to be read.
+    const bool nothingElse =
+        last == m_inverse.seen && static_cast<int64_t>(count) == last - m_standing.begin() + 1;
+    if (!nothingElse) {
+        m_changes.clear();
+        for (const auto& [table, all] : keys) {
+            std::vector<store::Change> changes;
+            const store::Status status =
+                m_store.changesSince(*table, all, m_standing.begin() - 1, &changes);
+            if (!status.ok())
+                return status;
+            m_changes.push_back(std::move(changes));
+        }
+    }
+    m_alone = nothingElse;
+    for (const std::vector<store::Change>& changes : m_changes)
+        for (const store::Change& change : changes) {
+            const store::TableDef* table = tableOf(change.table);
+            if (!table || change.id > m_inverse.seen)
+                continue;
+            Record& record = m_records[table][store::foldedKey(change.key)];
+            Event event{&change, store::valuesFromJson(*table, change.after),
+                        store::valuesFromJson(*table, change.before)};
+            record.key = change.key;
+            if (isConcerned(event)) {
+                for (const Values* values : {&event.after, &event.before})
+                    for (const auto& [field, value] : *values)
+                        record.fields.insert(field);
+                record.wasMadeOrDeleted = record.wasMadeOrDeleted || change.code != OrvoEventUpdate;
+            }
+            record.events.push_back(std::move(event));
+        }
+    for (auto& [table, records] : m_records) // groups overlap once they are joined
+        for (auto& [key, record] : records)
+            std::stable_sort(
+                record.events.begin(), record.events.end(),
+                [](const Event& a, const Event& b) { return a.change->id < b.change->id; });
+    return {};
+}
+
+// What should be ---------------------------------------------------------------------------------
+
+/// The record as the changes that stand have made it.
+void Planning::work(Record& record) const {
+    record.presentThen = record.events.front().change->code != OrvoEventInsert;
+    for (const Event& event : record.events)
+        for (const auto& [field, value] : event.before)
+            record.then.try_emplace(field, value);
+    for (const Event& event : record.events) {
+        if (!counts(event))
+            continue;
+        if (event.change->code != OrvoEventUpdate)
+            record.presentThen = event.change->code == OrvoEventInsert;
+        for (const auto& [field, value] : event.after)
+            record.then[field] = value;
+    }
+    if (!record.presentThen)
+        return;
+    // A deletion knows the fields that nobody has changed.
+    for (auto event = record.events.rbegin(); event != record.events.rend(); ++event)
+        if (event->change->code == OrvoEventDelete) {
+            for (const auto& [field, value] : event->before)
+                record.then.try_emplace(field, value);
+            break;
+        }
+}
+
+void Planning::update(const store::TableDef& table, Record& record) {
+    for (const int field : record.fields) {
+        const auto wanted = record.then.find(field);
+        if (field == 0 || wanted == record.then.end())
+            continue;
+        if (!(record.now[field] == wanted->second)) {
+            record.values[field] = wanted->second;
+            record.flag = MDX_UPDATE;
+            continue;
+        }
+        const Event* first = nullptr;
+        const Event* last = nullptr;
+        for (const Event& event : record.events) {
+            const bool has = event.after.count(field) != 0;
+            if (has && isConcerned(event) && !first)
+                first = &event;
+            if (has && counts(event))
+                last = &event;
+        }
+        if (first && last && !isConcerned(*last) && last->change->id > first->change->id)
+            remark(Remark::ChangedSince, table, record, field, last->change);
+    }
+}
+
+store::Status Planning::decide() {
+    for (auto& [table, records] : m_records) {
+        std::vector<std::string> keys;
+        for (const auto& [key, record] : records)
+            keys.push_back(key);
+        std::map<std::string, std::vector<store::Value>> stored;
+        const store::Status status = m_store.storedValues(*table, keys, &stored);
+        if (!status.ok())
+            return status;
+        for (auto& [key, record] : records) {
+            if (const auto row = stored.find(key); row != stored.end()) {
+                record.present = true;
+                record.key = store::textOf(row->second.front());
+                for (size_t i = 0; i < row->second.size(); ++i)
+                    record.now[static_cast<int>(i)] = row->second[i];
+            }
+            work(record);
+            const Event* deletion = nullptr;
+            for (const Event& event : record.events)
+                if (counts(event) && event.change->code == OrvoEventDelete)
+                    deletion = &event;
+            if (record.presentThen && record.present) {
+                update(*table, record);
+            } else if (!record.present && !record.wasMadeOrDeleted) {
+                remark(Remark::DeletedSince, *table, record, -1,
+                       deletion ? deletion->change : nullptr);
+            } else if (record.presentThen) {
+                record.flag = MDX_INSERT;
+                record.values = record.then;
+            } else if (record.present && record.wasMadeOrDeleted) {
+                record.flag = MDX_DELETE;
+                bool made = false;
+                for (const Event& event : record.events) {
+                    made = made || isConcerned(event);
+                    if (made && counts(event) && !isConcerned(event) && !event.after.empty())
+                        record.builtOn = event.change;
+                }
+            }
+        }
+    }
+    return {};
+}
+
+// Places -----------------------------------------------------------------------------------------
+
+store::Status Planning::wasDeleted(const store::TableDef& table, const std::string& key,
+                                   bool* deleted) {
+    std::vector<store::Change> changes;
+    const store::Status status = m_store.changesSince(table, {key}, 0, &changes);
+    *deleted = std::any_of(changes.begin(), changes.end(), [](const store::Change& change) {
+        return change.code == OrvoEventDelete;
+    });
+    return status;
+}
+
+store::Status Planning::placeRestored() {
+    std::map<const store::TableDef*, std::map<std::string, std::vector<store::Value>>> stored;
+    std::map<const store::TableDef*, std::set<std::string>> wanted;
+    const auto each = [&](const auto& body) -> store::Status {
+        for (auto& [table, records] : m_records)
+            for (auto& [key, record] : records)
+                if (record.flag == MDX_INSERT || record.flag == MDX_UPDATE)
+                    for (const store::ParentField& parent : store::parentFields(*table)) {
+                        const int field = table->find(parent.field);
+                        const auto value = record.values.find(field);
+                        if (value == record.values.end() ||
+                            !store::isKey(store::textOf(value->second)))
+                            continue;
+                        const store::Status status =
+                            body(*table, record, field, *store::findTable(parent.table),
+                                 store::foldedKey(store::textOf(value->second)));
+                        if (!status.ok())
+                            return status;
+                    }
+        return {};
+    };
+    const store::Status listed =
+        each([&](const store::TableDef&, Record&, int, const store::TableDef& above,
+                 const std::string& key) -> store::Status {
+            wanted[&above].insert(key);
+            return {};
+        });
+    if (!listed.ok())
+        return listed;
+    for (const auto& [above, keys] : wanted) {
+        const store::Status status =
+            m_store.storedValues(*above, {keys.begin(), keys.end()}, &stored[above]);
+        if (!status.ok())
+            return status;
+    }
+    std::map<std::string, bool> deleted; // missing parents
+    for (bool again = true; again;) {
+        again = false;
+        const store::Status status = each([&](const store::TableDef& table, Record& record,
+                                              int field, const store::TableDef& above,
+                                              const std::string& key) -> store::Status {
+            const auto planned = m_records.find(&above);
+            const Record* parent = nullptr;
+            if (planned != m_records.end())
+                if (const auto found = planned->second.find(key); found != planned->second.end())
+                    parent = &found->second;
+            const bool there = stored[&above].count(key) != 0;
+            if (parent ? parent->flag == MDX_INSERT || (there && parent->flag != MDX_DELETE)
+                       : there)
+                return {};
+            if (const auto place = m_choices.places.find(key); place != m_choices.places.end()) {
+                record.values[field] =
+                    place->second.empty() ? store::Value() : store::Value(place->second);
+                return {};
+            }
+            auto [known, fresh] = deleted.try_emplace(std::string(above.name) + '/' + key, true);
+            if (fresh)
+                if (const store::Status asked = wasDeleted(above, key, &known->second); !asked.ok())
+                    return asked;
+            if (!known->second)
+                return {}; // it has been an orphan before
+            if (!m_unplaced.count({&above, key})) {
+                remark(Remark::NoPlace, table, record, field);
+                m_inverse.remarks.back().missing = store::textOf(record.values[field]);
+            }
+            if (record.flag == MDX_INSERT) {
+                record.flag = 0;
+                m_unplaced.insert({&table, store::foldedKey(record.key)});
+            } else {
+                record.values.erase(field);
+                if (record.values.empty())
+                    record.flag = 0;
+            }
+            again = true;
+            return {};
+        });
+        if (!status.ok())
+            return status;
+    }
+    return {};
+}
+
+// What others have built -------------------------------------------------------------------------
+
+store::Status Planning::deleteBelow(const store::TableDef& table, const std::string& key) {
+    Record& record = m_records[&table][store::foldedKey(key)];
+    record.key = key;
+    record.present = true;
+    record.flag = MDX_DELETE;
+    std::map<std::string, std::vector<store::Value>> stored;
+    const store::Status status = m_store.storedValues(table, {key}, &stored);
+    for (const auto& [folded, row] : stored)
+        for (size_t i = 0; i < row.size(); ++i)
+            record.now[static_cast<int>(i)] = row[i];
+    return status;
+}
+
+store::Status Planning::keepWhatIsBuiltOn() {
+    if (m_alone)
+        return {}; // nobody has done anything since
+    std::set<const Record*> kept;
+    for (bool again = true; again;) {
+        again = false;
+        // Deletions that are added join in the next round.
+        std::vector<std::pair<const store::TableDef*, Record*>> deletions;
+        for (auto& [table, records] : m_records)
+            for (auto& [key, record] : records)
+                if (record.flag == MDX_DELETE && table != &store::contentTable())
+                    deletions.emplace_back(table, &record);
+        for (const auto& [table, record] : deletions) {
+            if (record->builtOn && !m_choices.othersWorkToo) {
+                remark(Remark::BuiltOn, *table, *record, -1, record->builtOn);
+                record->flag = 0;
+                kept.insert(record);
+                again = true;
+                continue;
+            }
+            for (const Link& link : linksTo(*table)) {
+                CMDArray rows;
+                store::Status status =
+                    fetchNaming(m_store, *link.below, link.field, record->key, rows.array);
+                for (const std::string& child : keysIn(rows.array)) {
+                    if (!status.ok() || record->flag == 0)
+                        break;
+                    Record* planned = nullptr;
+                    if (auto& records = m_records[link.below];
+                        records.count(store::foldedKey(child)) != 0)
+                        planned = &records[store::foldedKey(child)];
+                    if (planned &&
+                        (planned->flag == MDX_DELETE ||
+                         (planned->flag == MDX_UPDATE && planned->values.count(link.field) != 0)))
+                        continue;
+                    if (m_choices.othersWorkToo) {
+                        if (link.places) {
+                            status = deleteBelow(*link.below, child);
+                            again = true;
+                        }
+                        continue;
+                    }
+                    std::vector<store::Change> changes;
+                    status = m_store.changesSince(*link.below, {child}, 0, &changes);
+                    if (!kept.count(planned))
+                        remark(Remark::BuiltOn, *table, *record, -1,
+                               changes.empty() ? nullptr : &changes.back());
+                    record->flag = 0;
+                    kept.insert(record);
+                    again = true;
+                }
+                if (!status.ok())
+                    return status;
+            }
+        }
+    }
+    return {};
+}
+
+// Contents ---------------------------------------------------------------------------------------
+
+bool Planning::hasResource(Record& content) {
+    const Values& values = content.present ? content.now : content.then;
+    const auto owner = values.find(store::contentTable().find(field::MenuResourceKey));
+    if (owner == values.end())
+        return false;
+    const Records& resources = m_records[store::findTable(table::MenuResource)];
+    const auto found = resources.find(store::foldedKey(store::textOf(owner->second)));
+    if (found != resources.end())
+        return found->second.flag == MDX_INSERT ||
+               (found->second.present && found->second.flag != MDX_DELETE);
+    std::map<std::string, std::vector<store::Value>> stored;
+    const store::Status status = m_store.storedValues(*store::findTable(table::MenuResource),
+                                                      {store::textOf(owner->second)}, &stored);
+    return status.ok() && !stored.empty();
+}
+
+bool Planning::bytesOf(const Record& record, const std::map<int64_t, store::KeptVersion>& kept,
+                       std::optional<store::KeptVersion>* version) const {
+    const store::TableDef& contents = store::contentTable();
+    const auto changesBytes = [&](const Event& event) {
+        // An upload of the same size and time changes no field.
+        return event.change->code != OrvoEventUpdate || event.after.empty() ||
+               event.after.count(contents.find(field::size)) != 0 ||
+               event.after.count(contents.find(field::time)) != 0 ||
+               kept.count(event.change->id) != 0;
+    };
+    // What a change has left is what the next one took away.
+    const Event* last = nullptr;
+    for (const Event& event : record.events)
+        if (counts(event) && changesBytes(event))
+            last = &event;
+    for (const Event& event : record.events) {
+        if ((last && event.change->id <= last->change->id) || !changesBytes(event) ||
+            event.change->code == OrvoEventInsert)
+            continue;
+        const auto found = kept.find(event.change->id);
+        if (found == kept.end())
+            return false;
+        *version = found->second;
+        return true;
+    }
+    return record.present;
+}
+
+store::Status Planning::decideContents() {
+    const store::TableDef& contents = store::contentTable();
+    Records& records = m_records[&contents];
+    if (records.empty())
+        return {};
+    store::VersionQuery query;
+    query.contents.emplace();
+    for (const auto& [key, record] : records)
+        query.contents->push_back(key);
+    std::vector<store::KeptVersion> versions; // the newest first: of an event the first one stays
+    const store::Status listed = m_store.versions(query, &versions);
+    if (!listed.ok())
+        return listed;
+    std::map<int64_t, store::KeptVersion> kept;
+    for (store::KeptVersion& version : versions)
+        kept[version.event] = std::move(version);
+    const int size = contents.find(field::size);
+    const int time = contents.find(field::time);
+    for (auto& [key, record] : records) {
+        if (record.flag == MDX_DELETE) {
+            if (!hasResource(record)) // it goes with it
+                record.flag = 0;
+            continue;
+        }
+        if (!record.presentThen || (!record.present && record.flag != MDX_INSERT))
+            continue;
+        // They go with the bytes.
+        record.values.erase(size);
+        record.values.erase(time);
+        if (record.values.empty())
+            record.flag = 0;
+        if (!record.present && !hasResource(record)) {
+            record.flag = 0;
+            continue;
+        }
+        std::optional<store::KeptVersion> version;
+        const bool known = bytesOf(record, kept, &version);
+        if (known && !version)
+            continue;
+        Remark::Why why = Remark::NoBytes;
+        bool whole = known;
+        if (known) {
+            std::string bytes;
+            const store::Status read = m_store.versionBytes(version->id, &bytes);
+            if (!read.ok() && read.code != store::Failed && read.code != store::UnknownName)
+                return read;
+            whole = read.ok();
+            why = read.code == store::Failed ? Remark::DamagedBytes : Remark::NoBytes;
+        }
+        if (!whole) {
+            remark(why, contents, record);
+            if (!record.present)
+                record.flag = 0;
+            continue;
+        }
+        record.version = version->id;
+        record.values[size] = static_cast<int64_t>(version->size);
+        record.values[time] = version->fileTime ? store::Value(*version->fileTime) : store::Value();
+        if (record.flag == 0)
+            record.flag = record.present ? MDX_UPDATE : MDX_INSERT;
+    }
+    return {};
+}
+
+// The writes -------------------------------------------------------------------------------------
+
+void Planning::part(const store::TableDef& table, int flag) {
+    const auto records = m_records.find(&table);
+    if (records == m_records.end())
+        return;
+    store::TableWrites part;
+    part.table = &table;
+    for (auto& [key, record] : records->second) {
+        if (record.flag != flag)
+            continue;
+        store::Write write;
+        write.flag = flag;
+        write.key = record.key;
+        for (const auto& [field, value] : record.values)
+            if (field != 0)
+                write.values.emplace_back(field, value);
+        if (m_inverse.preview.size() < mostPreviewed) {
+            store::Change change;
+            change.table = table.name;
+            change.key = record.key;
+            Values before;
+            for (const auto& [field, value] : record.values)
+                before[field] = record.now[field];
+            change.code = flag == MDX_INSERT   ? OrvoEventInsert
+                          : flag == MDX_DELETE ? OrvoEventDelete
+                                               : OrvoEventUpdate;
+            change.after = jsonOf(table, record.values);
+            change.before =
+                flag == MDX_INSERT ? "{}" : jsonOf(table, flag == MDX_DELETE ? record.now : before);
+            m_inverse.preview.push_back(std::move(change));
+        }
+        part.writes.push_back(std::move(write));
+        if (&table == &store::contentTable())
+            part.bytes.push_back({record.version, {}});
+    }
+    m_inverse.count += part.writes.size();
+    if (!part.writes.empty())
+        m_inverse.parts.push_back(std::move(part));
+}
+
+void Planning::compose() {
+    for (const store::TableDef& table : store::tables())
+        part(table, MDX_INSERT);
+    part(store::contentTable(), MDX_INSERT);
+    for (const store::TableDef& table : store::tables())
+        part(table, MDX_UPDATE);
+    part(store::contentTable(), MDX_UPDATE);
+    part(store::contentTable(), MDX_DELETE);
+    for (auto table = store::tables().rbegin(); table != store::tables().rend(); ++table)
+        part(*table, MDX_DELETE);
+}
+
+} // namespace orvo::history

@@ -1,0 +1,90 @@
+// Planning.h: the steps in which an inverse is found. Of Inverse.cpp alone.
+#ifndef ORVO_HISTORY_PLANNING_H
+#define ORVO_HISTORY_PLANNING_H
+
+#include "history/Inverse.h"
+#include "history/Standing.h"
+
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace orvo::history {
+
+/// The table of the records above those of this one, by that field; null for another field.
+const store::TableDef* targetTable(const store::TableDef& table, int field);
+
+/// To be called in the order in which the steps stand here.
+class Planning {
+public:
+    Planning(store::MaintainedStore& store, const Standing& standing, const Choices& choices,
+             Inverse& inverse);
+
+    /// Finds the records that the actions have changed, and all that happened to them.
+    store::Status collect();
+    /// What each of them should be.
+    store::Status decide();
+    /// Leaves out restored records without a place.
+    store::Status placeRestored();
+    /// Leaves out deletions of what others have built on.
+    store::Status keepWhatIsBuiltOn();
+    /// Finds the bytes that contents are to have again.
+    store::Status decideContents();
+    void compose();
+
+private:
+    struct Event {
+        const store::Change* change;
+        Values after, before;
+    };
+    struct Record {
+        std::string key;               ///< as it is spelled
+        std::vector<Event> events;     ///< all since Standing::begin
+        std::set<int> fields;          ///< that the actions have changed
+        bool present = false;          ///< is stored
+        bool wasMadeOrDeleted = false; ///< by the actions
+        bool presentThen = false;      ///< is to be stored
+        Values now, then;
+        int flag = 0;                           ///< what is to be done; 0: nothing
+        int64_t version = 0;                    ///< of a content: whose bytes it is to have
+        Values values;                          ///< to be written
+        const store::Change* builtOn = nullptr; ///< somebody's change of what is to be deleted
+    };
+    using Records = std::map<std::string, Record>; ///< by folded key
+
+    bool isConcerned(const Event& event) const {
+        return m_concerned.count(event.change->group) != 0;
+    }
+    bool counts(const Event& event) const;
+    void work(Record& record) const;
+    void update(const store::TableDef& table, Record& record);
+    void remark(Remark::Why why, const store::TableDef& table, const Record& record, int field = -1,
+                const store::Change* change = nullptr);
+    /// Whether the content's resource will be there.
+    bool hasResource(Record& content);
+    /// The bytes that the changes that stand have left to a content: those that it has, if there
+    /// is no version; false if nobody knows them any more.
+    bool bytesOf(const Record& record, const std::map<int64_t, store::KeptVersion>& kept,
+                 std::optional<store::KeptVersion>* version) const;
+    store::Status wasDeleted(const store::TableDef& table, const std::string& key, bool* deleted);
+    store::Status deleteBelow(const store::TableDef& table, const std::string& key);
+    void part(const store::TableDef& table, int flag);
+
+    store::MaintainedStore& m_store;
+    const Standing& m_standing;
+    const Choices& m_choices;
+    Inverse& m_inverse;
+    const std::set<int64_t> m_concerned;
+    std::vector<std::vector<store::Change>> m_changes; ///< that the events are about
+    std::map<const store::TableDef*, Records> m_records;
+    bool m_alone = false; ///< nothing was written since the actions but by them
+    /// Records that were to be restored and have no place, by folded key.
+    std::set<std::pair<const store::TableDef*, std::string>> m_unplaced;
+};
+
+} // namespace orvo::history
+
+#endif

@@ -1,0 +1,205 @@
+#include "history/Reading.h"
+
+#include "frame/Vocabulary.h"
+#include "platform/mdx/MdxBuild.h"
+#include "platform/store/ChangeRecord.h"
+#include "platform/store/Merge.h"
+#include "platform/store/Names.h"
+
+#include <algorithm>
+#include <climits>
+#include <map>
+
+namespace orvo::history {
+
+namespace {
+
+/// So many changes are read at once, and so many for one call of next().
+constexpr int portion = 500;
+constexpr int mostPerCall = 20000;
+
+void takeHead(const store::Change& change, Group* group) {
+    group->id = change.group;
+    group->login = change.login;
+    group->client = change.client;
+    group->place = change.place;
+    group->time = change.time;
+}
+
+bool holdsText(const store::Change& change, const QString& text) {
+    for (const std::string* json : {&change.after, &change.before})
+        if (QString::fromStdString(*json).contains(text, Qt::CaseInsensitive)) {
+            const store::TableDef* table = tableOf(change.table);
+            // Names of fields and the marks of JSON are no values.
+            for (const auto& [field, value] :
+                 table ? store::valuesFromJson(*table, *json) : Values())
+                if (QString::fromStdString(store::textOf(value))
+                        .contains(text, Qt::CaseInsensitive))
+                    return true;
+        }
+    return false;
+}
+
+} // namespace
+
+store::Status readGroup(store::MaintainedStore& store, int64_t id, Group* group, int most) {
+    store::LogQuery query;
+    query.group = id;
+    query.oldestFirst = true;
+    group->changes.clear();
+    const int limit = most < 0 ? INT_MAX : most + 1;
+    const store::Status status = store.history(query, limit, &group->changes);
+    if (!status.ok() || group->changes.empty())
+        return status;
+    group->whole = group->changes.size() < static_cast<size_t>(limit);
+    if (!group->whole)
+        group->changes.pop_back();
+    takeHead(group->changes.front(), group);
+    for (const store::Change& change : group->changes)
+        if (!change.undoes.empty())
+            group->undoes = change.undoes;
+    return status;
+}
+
+Reader::Reader(store::MaintainedStore& store, Filter filter)
+    : m_store(store)
+    , m_filter(std::move(filter)) {
+    m_query.table = m_filter.table;
+    m_query.key = m_filter.key;
+    m_query.login = m_filter.login;
+    m_query.since = m_filter.since;
+    m_query.until = m_filter.until;
+}
+
+/// The records of the branch as it is now.
+store::Status Reader::begin() {
+    m_begun = true;
+    if (!m_filter.branch)
+        return {};
+    // As it is spelled: not every field that names a record is compared as keys are.
+    std::vector<std::pair<const store::TableDef*, std::string>> open = {
+        {m_filter.branch->table, m_filter.branch->key}};
+    std::map<std::string, std::vector<store::Value>> top;
+    const store::Status found =
+        m_store.storedValues(*m_filter.branch->table, {m_filter.branch->key}, &top);
+    if (!found.ok())
+        return found;
+    if (!top.empty())
+        open.front().second = store::textOf(top.begin()->second.front());
+    while (!open.empty()) {
+        const auto [table, key] = open.back();
+        open.pop_back();
+        if (!m_members.insert({table->name, store::foldedKey(key)}).second)
+            continue;
+        for (const store::TableDef& below : store::tables())
+            for (const store::ParentField& parent : store::parentFields(below)) {
+                if (std::string_view(parent.table) != table->name)
+                    continue;
+                CMDArray rows;
+                const store::Status status =
+                    fetchNaming(m_store, below, below.find(parent.field), key, rows.array);
+                if (!status.ok())
+                    return status;
+                for (uint32_t i = 0; i < mdx::postedCount(rows.array); ++i) {
+                    const char* text = nullptr;
+                    uint32_t length = 0;
+                    if (MDRGetTextRef(MDRFldByNum(rows.array, 0), mdx::postedRecord(rows.array, i),
+                                      &length, &text) == MDX_OK)
+                        open.emplace_back(&below, std::string(text, length));
+                }
+            }
+    }
+    return {};
+}
+
+/// Going back in time a record joins the branch at the change that took it out, and leaves it at
+/// the change that brought it in.
+bool Reader::isInBranch(const store::Change& change) {
+    const store::TableDef* table = tableOf(change.table);
+    if (!table)
+        return false;
+    const std::pair<std::string, std::string> record{change.table, store::foldedKey(change.key)};
+    const auto standsIn = [&](const std::string& json) {
+        const Values values = store::valuesFromJson(*table, json);
+        for (const store::ParentField& parent : store::parentFields(*table)) {
+            const auto found = values.find(table->find(parent.field));
+            if (found != values.end() &&
+                m_members.count({parent.table, store::foldedKey(store::textOf(found->second))}) !=
+                    0)
+                return true;
+        }
+        return false;
+    };
+    const bool root =
+        m_filter.branch->table == table && store::foldedKey(m_filter.branch->key) == record.second;
+    const bool after = m_members.count(record) != 0;
+    const bool wasPlaced = change.before.find('"') != std::string::npos;
+    const bool before = root || (wasPlaced && standsIn(change.before));
+    const bool movedIn = !root && after && standsIn(change.after) && !before;
+    if (before)
+        m_members.insert(record);
+    else if (movedIn)
+        m_members.erase(record);
+    return after || before;
+}
+
+bool Reader::passes(const store::Change& change) {
+    // Every change, since it may change what the branch was before it.
+    if (m_filter.branch && !isInBranch(change))
+        return false;
+    return m_filter.text.isEmpty() || holdsText(change, m_filter.text);
+}
+
+store::Status Reader::read(const std::function<bool()>& wantsMore,
+                           const std::function<store::Status(store::Change& change)>& take) {
+    store::Status status = m_begun ? store::Status() : begin();
+    std::vector<store::Change> changes;
+    for (int read = 0; status.ok() && !m_end && read < mostPerCall && wantsMore();
+         read += portion) {
+        status = m_store.history(m_query, portion, &changes);
+        bool all = changes.size() < static_cast<size_t>(portion);
+        for (store::Change& change : changes) {
+            if (!status.ok() || !wantsMore()) {
+                all = false;
+                break;
+            }
+            m_query.below = change.id;
+            if (passes(change))
+                status = take(change);
+        }
+        m_end = status.ok() && all;
+    }
+    return status;
+}
+
+store::Status Reader::next(size_t most, std::vector<Group>* groups) {
+    std::vector<Group> found;
+    const store::Status status = read([&] { return found.size() < most; },
+                                      [&](const store::Change& change) -> store::Status {
+                                          if (!m_given.insert(change.group).second)
+                                              return {};
+                                          Group group;
+                                          const store::Status done = readGroup(
+                                              m_store, change.group, &group, Group::mostChanges);
+                                          if (done.ok() && !group.changes.empty())
+                                              found.push_back(std::move(group));
+                                          return done;
+                                      });
+    if (status.ok())
+        std::move(found.begin(), found.end(), std::back_inserter(*groups));
+    return status;
+}
+
+store::Status Reader::nextChanges(size_t most, std::vector<store::Change>* changes) {
+    std::vector<store::Change> found;
+    const store::Status status = read([&] { return found.size() < most; },
+                                      [&](store::Change& change) -> store::Status {
+                                          found.push_back(std::move(change));
+                                          return {};
+                                      });
+    if (status.ok())
+        std::move(found.begin(), found.end(), std::back_inserter(*changes));
+    return status;
+}
+
+} // namespace orvo::history

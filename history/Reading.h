@@ -1,0 +1,87 @@
+// Reading.h: the change log as actions of users, newest first, a page at a time.
+#ifndef ORVO_HISTORY_READING_H
+#define ORVO_HISTORY_READING_H
+
+#include "history/RecordSource.h"
+
+#include <QString>
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace orvo::history {
+
+/// What one action wrote.
+struct Group {
+    int64_t id = 0; ///< of its first change
+    std::string login, client, place;
+    double time = 0;
+    std::vector<store::Change> changes; ///< in the order of the log, at most mostChanges
+    bool whole = true;                  ///< false: it has more changes than are here
+    std::vector<int64_t> undoes;        ///< the groups that it takes back
+
+    static constexpr int mostChanges = 2000;
+};
+
+/// A record and everything below it: elements below an element, a desktop's elements, what is in
+/// folders.
+struct Branch {
+    const store::TableDef* table = nullptr;
+    std::string key;
+};
+
+/// Which groups are wanted: those with a change that every given condition lets pass.
+struct Filter {
+    std::string table;                ///< of this table
+    std::string key;                  ///< of the record with this key
+    std::optional<std::string> login; ///< by this login; empty: by hand
+    std::optional<double> since;      ///< made at that time or later
+    std::optional<double> until;      ///< made before that time
+    std::optional<Branch> branch;     ///< of a record that stands in it, or stood there then
+    QString text;                     ///< that holds the text in a value, without regard to case
+};
+
+/// Reads the history from its newest group back. Groups that are made meanwhile do not show.
+///
+/// Table, key, login and times are found by the database. Branch and text are looked for in what
+/// those leave, a portion a call, so that no call takes long however long the log is.
+class Reader {
+public:
+    Reader(store::MaintainedStore& store, Filter filter);
+
+    /// Adds the next groups, at most `most` of them, in the order of their last changes. May add
+    /// none although there are more.
+    store::Status next(size_t most, std::vector<Group>* groups);
+    /// The same with single changes, newest first.
+    store::Status nextChanges(size_t most, std::vector<store::Change>* changes);
+    bool atEnd() const { return m_end; }
+
+private:
+    store::Status begin();
+    /// Hands over the next changes that pass, while more are wanted and not for too long.
+    store::Status read(const std::function<bool()>& wantsMore,
+                       const std::function<store::Status(store::Change& change)>& take);
+    bool passes(const store::Change& change);
+    bool isInBranch(const store::Change& change);
+
+    store::MaintainedStore& m_store;
+    const Filter m_filter;
+    store::LogQuery m_query;
+    bool m_begun = false;
+    bool m_end = false;
+    std::set<int64_t> m_given; ///< ids of groups
+    /// Records of the branch as it was at the place that reading has reached, by table and folded
+    /// key.
+    std::set<std::pair<std::string, std::string>> m_members;
+};
+
+/// The group with that id, with all its changes; without changes if the log does not tell of it.
+store::Status readGroup(store::MaintainedStore& store, int64_t id, Group* group, int most = -1);
+
+} // namespace orvo::history
+
+#endif

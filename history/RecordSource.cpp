@@ -1,0 +1,116 @@
+#include "history/RecordSource.h"
+
+#include "frame/Vocabulary.h"
+#include "platform/mdx/MdxBuild.h"
+#include "platform/store/ChangeRecord.h"
+#include "platform/store/Names.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace orvo::history {
+
+namespace {
+
+QJsonValue jsonValue(MdxType type, const store::Value& value) {
+    if (const auto* number = std::get_if<int64_t>(&value))
+        return type == MDX_BOOLEAN ? QJsonValue(*number != 0)
+                                   : QJsonValue(static_cast<double>(*number));
+    if (const auto* real = std::get_if<double>(&value))
+        return *real;
+    if (const auto* text = std::get_if<std::string>(&value))
+        return QString::fromStdString(*text);
+    return {};
+}
+
+} // namespace
+
+std::string jsonOf(const store::TableDef& table, const Values& values) {
+    QJsonObject object;
+    for (const auto& [field, value] : values) {
+        const store::FieldDef& def = table.fields[static_cast<size_t>(field)];
+        object.insert(QLatin1String(def.name), jsonValue(def.type, value));
+    }
+    return QJsonDocument(object).toJson(QJsonDocument::Compact).toStdString();
+}
+
+const store::TableDef* tableOf(const std::string& name) {
+    return name == store::contentTable().name ? &store::contentTable() : store::findTable(name);
+}
+
+store::Status fetchNaming(store::Store& store, const store::TableDef& table, int field,
+                          const std::string& key, MDArray* into) {
+    const store::FieldDef& def = table.fields[static_cast<size_t>(field)];
+    return store::isKeyOrLink(table, def) ? store.fetchLinked(table.name, def.name, key, into)
+                                          : store.fetchWhere(table.name, def.name, key, into);
+}
+
+Values StoredRecords::valuesOf(const store::TableDef& table, const std::string& key) {
+    Values values;
+    CMDArray rows;
+    if (!m_store || key.empty() ||
+        !m_store->fetchLinked(table.name, field::KeyLink, key, rows.array).ok() ||
+        mdx::postedCount(rows.array) == 0)
+        return values;
+    MDRData* record = mdx::postedRecord(rows.array, 0);
+    for (int i = 0; i < rows.array->fieldCount; ++i) {
+        MDRVar var{};
+        if (MDRGetVal(MDRFldByNum(rows.array, i), record, &var) != MDX_OK)
+            continue;
+        if (var.null != 0 || var.type == MDX_NONE)
+            values[i] = std::monostate();
+        else if (var.type == MDX_TEXT)
+            values[i] = mdx::toUtf8({var.value.text.pointer, var.value.text.length});
+        else if (var.type == MDX_DATE)
+            values[i] = var.value.date;
+        else
+            values[i] = int64_t(var.type == MDX_BOOLEAN ? var.value.boolean : var.value.integer);
+    }
+    return values;
+}
+
+void LoggedRecords::prepare(const store::TableDef& table, const std::vector<std::string>& keys) {
+    std::map<std::string, std::vector<store::Value>> stored;
+    if (!m_store.storedValues(table, keys, &stored).ok())
+        return;
+    for (const auto& [key, row] : stored) {
+        Values& values = m_known[{table.name, key}];
+        for (size_t i = 0; i < row.size(); ++i)
+            values[static_cast<int>(i)] = row[i];
+    }
+}
+
+void LoggedRecords::prepare(const std::vector<store::Change>& changes) {
+    std::map<const store::TableDef*, std::vector<std::string>> keys;
+    for (const store::Change& change : changes)
+        if (const store::TableDef* table = tableOf(change.table);
+            table && change.code == OrvoEventUpdate)
+            keys[table].push_back(change.key);
+    for (const auto& [table, all] : keys)
+        prepare(*table, all);
+}
+
+Values LoggedRecords::valuesOf(const store::TableDef& table, const std::string& key) {
+    if (!store::isKey(key))
+        return {};
+    const auto [known, fresh] = m_known.try_emplace({table.name, store::foldedKey(key)});
+    if (!fresh)
+        return known->second;
+    prepare(table, {key});
+    if (!known->second.empty())
+        return known->second;
+    store::LogQuery query;
+    query.table = table.name;
+    query.key = key;
+    constexpr int mostLooked = 50; // the deletion is the newest, unless the log was tampered with
+    std::vector<store::Change> changes;
+    if (m_store.history(query, mostLooked, &changes).ok())
+        for (const store::Change& change : changes)
+            if (change.code == OrvoEventDelete) {
+                known->second = store::valuesFromJson(table, change.before);
+                break;
+            }
+    return known->second;
+}
+
+} // namespace orvo::history

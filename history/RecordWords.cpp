@@ -1,0 +1,220 @@
+#include "history/RecordWords.h"
+
+#include "frame/Vocabulary.h"
+#include "platform/store/Merge.h"
+
+#include <QDateTime>
+#include <QStringList>
+
+#include <cmath>
+#include <cstring>
+
+namespace orvo::history {
+
+namespace {
+
+constexpr int deepest = 32; ///< folders of a place; data may hold circles
+
+QString text(const char* utf8) {
+    return QString::fromUtf8(utf8);
+}
+
+Noun noun(const char* one, const char* few, const char* many, Noun::Gender gender) {
+    return {text(one), text(few), text(many), gender};
+}
+
+int64_t integerOf(const store::TableDef& table, const Values& values, const char* name) {
+    const auto found = values.find(table.find(name));
+    const auto* number = found == values.end() ? nullptr : std::get_if<int64_t>(&found->second);
+    return number ? *number : -1;
+}
+
+struct FieldName {
+    const char* field;
+    const char* word;
+};
+constexpr FieldName fieldNames[] = {
+    {field::caption, "Название"},
+    {field::name_, "Имя"},
+    {field::params, "Параметры"},
+    {field::ico, "Значок"},
+    {field::order_, "Порядок"},
+    {field::separator, "Разделитель"},
+    {field::oneCopy, "Одна копия"},
+    {field::parent, "Папка меню"},
+    {field::ParentKey, "Папка"},
+    {field::FolderKey, "Рабочий стол"},
+    {field::MenuResourceKey, "Ресурс"},
+    {field::MenuResourceFolderKey, "Папка"},
+    {field::UsersKey, "Кем занята"},
+    {field::dateTimeEdit, "Когда занята"},
+    {field::type_, "Вид"},
+    {field::isFolder, "Папка"},
+    {field::login_, "Вход"},
+    {field::lastName, "Фамилия"},
+    {field::firstName, "Имя"},
+    {field::midlName, "Отчество"},
+    {field::program, "Программа"},
+    {field::fileExt, "Расширение"},
+    {field::time, "Время файла"},
+    {field::size, "Размер"},
+};
+
+/// The table whose records a link field names; null if the field is no such link.
+const store::TableDef* targetOf(const store::TableDef& table, const store::FieldDef& def) {
+    const auto is = [&](const char* name) { return std::strcmp(def.name, name) == 0; };
+    for (const store::ParentField& parent : store::parentFields(table))
+        if (is(parent.field))
+            return store::findTable(parent.table);
+    if (is(field::MenuResourceKey))
+        return store::findTable(table::MenuResource);
+    return is(field::UsersKey) ? store::findTable(table::Users) : nullptr;
+}
+
+} // namespace
+
+Noun nounOf(const store::TableDef& table, const Values& values) {
+    const auto is = [&](const char* name) { return std::strcmp(table.name, name) == 0; };
+    if (is(table::Menu))
+        return noun("элемент меню", "элемента меню", "элементов меню", Noun::Masculine);
+    if (is(table::MenuFolder))
+        return integerOf(table, values, field::isFolder) == 1
+                   ? noun("папка рабочих столов", "папки рабочих столов", "папок рабочих столов",
+                          Noun::Feminine)
+                   : noun("рабочий стол", "рабочих стола", "рабочих столов", Noun::Masculine);
+    if (is(table::MenuResourceFolder))
+        return noun("папка ресурсов", "папки ресурсов", "папок ресурсов", Noun::Feminine);
+    if (is(table::Users))
+        return noun("пользователь", "пользователя", "пользователей", Noun::Masculine);
+    if (is(table::MenuFileExt))
+        return noun("расширение файлов", "расширения файлов", "расширений файлов", Noun::Neuter);
+    if (is(table::MenuResourceFile))
+        return noun("содержимое файла", "содержимых файлов", "содержимых файлов", Noun::Neuter);
+    switch (integerOf(table, values, field::type_)) {
+    case Kind::Module:
+        return noun("модуль", "модуля", "модулей", Noun::Masculine);
+    case Kind::Function:
+        return noun("функция", "функции", "функций", Noun::Feminine);
+    case Kind::Form:
+        return noun("форма", "формы", "форм", Noun::Feminine);
+    case Kind::File:
+        return noun("файл", "файла", "файлов", Noun::Masculine);
+    default:
+        return noun("ресурс", "ресурса", "ресурсов", Noun::Masculine);
+    }
+}
+
+QString numeralForm(size_t count, const QString& one, const QString& few, const QString& many) {
+    const size_t tens = count / 10 % 10;
+    const size_t units = count % 10;
+    if (tens == 1 || units == 0 || units > 4)
+        return many;
+    return units == 1 ? one : few;
+}
+
+QString counted(size_t count, const Noun& noun) {
+    return QString::number(count) + QLatin1Char(' ') +
+           numeralForm(count, noun.one, noun.few, noun.many);
+}
+
+QString nameOf(const store::TableDef& table, const Values& values) {
+    for (const char* name : {field::caption, field::name_, field::login_, field::fileExt}) {
+        const auto found = values.find(table.find(name));
+        if (found != values.end() && !store::textOf(found->second).empty())
+            return QString::fromStdString(store::textOf(found->second));
+    }
+    return {};
+}
+
+QString quoted(const QString& text) {
+    constexpr int longest = 80;
+    QString line = text;
+    for (QChar& letter : line)
+        if (letter.category() == QChar::Other_Control)
+            letter = QLatin1Char(' ');
+    line = line.trimmed();
+    return QStringLiteral("«%1»").arg(
+        line.size() > longest ? line.left(longest) + QStringLiteral("…") : line);
+}
+
+QString recordWords(const store::TableDef& table, const Values& values, const std::string& key) {
+    const QString name = nameOf(table, values);
+    return nounOf(table, values).one + QLatin1Char(' ') +
+           (name.isEmpty() ? QString::fromStdString(key) : quoted(name));
+}
+
+QString fieldWord(const store::TableDef& table, int field) {
+    const char* name = table.fields[static_cast<size_t>(field)].name;
+    for (const FieldName& known : fieldNames)
+        if (std::strcmp(known.field, name) == 0)
+            return text(known.word);
+    return QString::fromLatin1(name);
+}
+
+QString valueWords(const store::TableDef& table, int field, const store::Value& value,
+                   RecordSource* source) {
+    const store::FieldDef& def = table.fields[static_cast<size_t>(field)];
+    if (std::holds_alternative<std::monostate>(value))
+        return QStringLiteral("пусто");
+    const auto* number = std::get_if<int64_t>(&value);
+    if (number && def.type == MDX_BOOLEAN)
+        return *number != 0 ? QStringLiteral("да") : QStringLiteral("нет");
+    if (number)
+        return QString::number(*number);
+    if (const auto* date = std::get_if<double>(&value))
+        return QDateTime::fromMSecsSinceEpoch(std::llround(*date * 1000.0))
+            .toString(QStringLiteral("dd.MM.yyyy HH:mm:ss"));
+    if (const store::TableDef* target = source ? targetOf(table, def) : nullptr) {
+        const QString name = nameOf(*target, source->valuesOf(*target, store::textOf(value)));
+        if (!name.isEmpty())
+            return quoted(name);
+    }
+    return quoted(QString::fromStdString(store::textOf(value)));
+}
+
+QString placeOf(const store::TableDef& table, Values values, RecordSource* source) {
+    QStringList path;
+    const store::TableDef* at = &table;
+    for (int depth = 0; source && depth < deepest; ++depth) {
+        std::string above;
+        const store::TableDef* where = nullptr;
+        for (const store::ParentField& parent : store::parentFields(*at)) {
+            const auto found = values.find(at->find(parent.field));
+            if (found == values.end() || store::textOf(found->second).empty())
+                continue;
+            above = store::textOf(found->second);
+            where = store::findTable(parent.table);
+            break;
+        }
+        if (!where)
+            break;
+        values = source->valuesOf(*where, above);
+        if (values.empty())
+            break;
+        path.prepend(nameOf(*where, values));
+        at = where;
+    }
+    return path.join(QStringLiteral(" / "));
+}
+
+QString deedWord(Deed deed, Noun::Gender gender) {
+    static const char* const words[][3] = {
+        {"Создан", "Создана", "Создано"},
+        {"Удалён", "Удалена", "Удалено"},
+        {"Переименован", "Переименована", "Переименовано"},
+        {"Перемещён", "Перемещена", "Перемещено"},
+        {"Изменён", "Изменена", "Изменено"},
+        {"Занят", "Занята", "Занято"},
+        {"Освобождён", "Освобождена", "Освобождено"},
+        {"Переставлен", "Переставлена", "Переставлено"},
+    };
+    return text(words[static_cast<size_t>(deed)][gender]);
+}
+
+QString deedWordMany(Deed deed) {
+    static const char* const words[] = {"Созданы",  "Удалены", "Переименованы", "Перемещены",
+                                        "Изменены", "Заняты",  "Освобождены",   "Переставлены"};
+    return text(words[static_cast<size_t>(deed)]);
+}
+
+} // namespace orvo::history

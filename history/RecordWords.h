@@ -1,0 +1,45 @@
+// RecordWords.h: records, fields and values in the words of the user interface: the one vocabulary
+// for what was written, what could not be written, and what would be.
+#ifndef ORVO_HISTORY_RECORDWORDS_H
+#define ORVO_HISTORY_RECORDWORDS_H
+
+#include "history/RecordSource.h"
+
+#include <QString>
+
+namespace orvo::history {
+
+struct Noun {
+    enum Gender { Masculine, Feminine, Neuter };
+    QString one, few, many; ///< 1 "элемент меню", 2 "элемента меню", 5 "элементов меню"
+    Gender gender;
+};
+/// What a record of the table is called, as far as its values tell.
+Noun nounOf(const store::TableDef& table, const Values& values);
+/// "4 элемента меню".
+QString counted(size_t count, const Noun& noun);
+/// Which of the three forms goes with a number.
+QString numeralForm(size_t count, const QString& one, const QString& few, const QString& many);
+
+/// The caption or name of a record; empty if it has none.
+QString nameOf(const store::TableDef& table, const Values& values);
+/// In quotation marks, on one line and not too long.
+QString quoted(const QString& text);
+/// "рабочий стол «КС-3»"; the key if the record has no name.
+QString recordWords(const store::TableDef& table, const Values& values, const std::string& key);
+/// A field as people know it, and a value of it. Links show the name of their record; without a
+/// source their key.
+QString fieldWord(const store::TableDef& table, int field);
+QString valueWords(const store::TableDef& table, int field, const store::Value& value,
+                   RecordSource* source);
+/// The names of the folders above a record, from the top, with " / " between.
+QString placeOf(const store::TableDef& table, Values values, RecordSource* source);
+
+/// What was done to a record, in the past: "Создана", "Удалён", "Переименовано".
+enum class Deed { Created, Deleted, Renamed, Moved, Changed, Occupied, Released, Ordered };
+QString deedWord(Deed deed, Noun::Gender gender);
+QString deedWordMany(Deed deed);
+
+} // namespace orvo::history
+
+#endif

@@ -1,0 +1,52 @@
+#include "history/Standing.h"
+
+#include <algorithm>
+#include <climits>
+
+namespace orvo::history {
+
+store::Status Standing::read(store::MaintainedStore& store, const std::vector<int64_t>& groups) {
+    m_undoes.clear();
+    m_begin = groups.empty() ? 0 : *std::min_element(groups.begin(), groups.end());
+    for (int64_t before = 0; before != m_begin;) {
+        before = m_begin;
+        store::LogQuery query;
+        query.undoing = true;
+        query.above = m_begin - 1;
+        std::vector<store::Change> changes;
+        const store::Status status = store.history(query, INT_MAX, &changes);
+        if (!status.ok())
+            return status;
+        for (const store::Change& change : changes) {
+            m_undoes[change.group] = change.undoes;
+            for (const int64_t group : change.undoes)
+                m_begin = std::min(m_begin, group);
+        }
+    }
+    settle({});
+    return {};
+}
+
+void Standing::settle(const std::vector<int64_t>& more) {
+    m_off = {more.begin(), more.end()};
+    // What takes a group back came later than it.
+    for (auto undoing = m_undoes.rbegin(); undoing != m_undoes.rend(); ++undoing)
+        if (stands(undoing->first))
+            m_off.insert(undoing->second.begin(), undoing->second.end());
+}
+
+std::set<int64_t> Standing::concerned(const std::vector<int64_t>& groups) const {
+    std::set<int64_t> found;
+    std::vector<int64_t> open = groups;
+    while (!open.empty()) {
+        const int64_t group = open.back();
+        open.pop_back();
+        if (!found.insert(group).second)
+            continue;
+        if (const auto undoing = m_undoes.find(group); undoing != m_undoes.end())
+            open.insert(open.end(), undoing->second.begin(), undoing->second.end());
+    }
+    return found;
+}
+
+} // namespace orvo::history

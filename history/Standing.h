@@ -1,0 +1,42 @@
+// Standing.h: which actions of the change log stand, and which have been taken back.
+//
+// A group that takes others back only turns them off; taking it back turns them on again. So what a
+// field should hold follows from the changes that stand, in the order of the log, and does not
+// depend on the order in which actions were taken back.
+#ifndef ORVO_HISTORY_STANDING_H
+#define ORVO_HISTORY_STANDING_H
+
+#include "platform/store/Maintenance.h"
+
+#include <cstdint>
+#include <map>
+#include <set>
+#include <vector>
+
+namespace orvo::history {
+
+class Standing {
+public:
+    /// Reads what the log tells of groups that take others back, as far as it bears on these groups
+    /// and what came after them.
+    store::Status read(store::MaintainedStore& store, const std::vector<int64_t>& groups);
+
+    /// Decides as if a newest group took back `more` as well.
+    void settle(const std::vector<int64_t>& more);
+
+    /// Everything before that id bears on nothing that was asked about.
+    int64_t begin() const { return m_begin; }
+    bool stands(int64_t group) const { return m_off.count(group) == 0; }
+    bool isUndoing(int64_t group) const { return m_undoes.count(group) != 0; }
+    /// These groups, the ones that they take back, the ones that those take back and so on.
+    std::set<int64_t> concerned(const std::vector<int64_t>& groups) const;
+
+private:
+    int64_t m_begin = 0;
+    std::map<int64_t, std::vector<int64_t>> m_undoes; ///< by the group that takes back
+    std::set<int64_t> m_off;
+};
+
+} // namespace orvo::history
+
+#endif

@@ -1,0 +1,99 @@
+// HistoryTest.h: actions of several users on one store, and what it holds as text.
+#ifndef ORVO_TESTS_HISTORY_HISTORYTEST_H
+#define ORVO_TESTS_HISTORY_HISTORYTEST_H
+
+#include "tests/store/StoreTest.h"
+
+#include "history/GroupWords.h"
+#include "history/Inverse.h"
+#include "platform/store/Maintenance.h"
+
+#include <QTextStream>
+
+#include <memory>
+
+namespace orvo::history::test {
+
+using store::test::Batch;
+using store::test::StoreKind;
+
+/// All that a store holds, a line a record.
+class Snapshot : public store::Receiver {
+public:
+    store::Status expect(uint64_t, uint64_t, uint64_t) override { return {}; }
+    store::Status record(const store::TableDef& table, const std::vector<store::Value>& values,
+                         const std::string&) override {
+        QString line = QString::fromLatin1(table.name);
+        for (const store::Value& value : values) {
+            line += '|';
+            if (const auto* text = std::get_if<std::string>(&value))
+                line += '"' + QString::fromStdString(*text) + '"';
+            else if (const auto* number = std::get_if<int64_t>(&value))
+                line += QString::number(*number);
+            else if (const auto* real = std::get_if<double>(&value))
+                line += QString::number(*real, 'g', 17);
+        }
+        lines << line;
+        return {};
+    }
+    store::Status content(const std::vector<store::Value>& values, const std::string& p) override {
+        return record(store::contentTable(), values, p);
+    }
+    store::Status bytes(std::string_view piece) override {
+        lines.back() += ' ' + QString::fromLatin1(QByteArray(piece.data(), int(piece.size())));
+        return {};
+    }
+    QStringList lines;
+};
+
+/// Gives every case a fresh store, into which "anna" and "boris" write.
+class HistoryTest : public QObject {
+    Q_OBJECT
+public:
+    explicit HistoryTest(StoreKind& kind) : m_kind(kind) {}
+
+protected:
+    std::unique_ptr<store::MaintainedStore> login(const char* name) const {
+        store::Status status;
+        auto store = store::openMaintained(m_kind.url(), {name, false, "test"}, &status);
+        if (!store)
+            qWarning("%s", status.text.c_str());
+        return store;
+    }
+    /// The id of the group that this object wrote last.
+    static int64_t last(const store::Store& store) { return store.lastWritten().first; }
+    QStringList snapshot() const {
+        Snapshot text;
+        const store::Status status = m_anna->writeOut(text);
+        return status.ok() ? text.lines : QStringList{QString::fromStdString(status.text)};
+    }
+    /// The line of the group.
+    QString words(int64_t id) const {
+        Group group;
+        LoggedRecords source(*m_anna);
+        const store::Status status = readGroup(*m_anna, id, &group);
+        return status.ok() ? describe(group, source).what : QString::fromStdString(status.text);
+    }
+    QStringList remarks(const Inverse& inverse) const {
+        QStringList list;
+        LoggedRecords source(*m_anna);
+        for (const Remark& remark : inverse.remarks)
+            list << remarkWords(remark, source);
+        return list;
+    }
+
+    StoreKind& m_kind;
+    std::unique_ptr<store::MaintainedStore> m_anna, m_boris;
+
+protected slots:
+    void init() {
+        QVERIFY(m_kind.renew());
+        m_anna = login("anna");
+        m_boris = login("boris");
+        QVERIFY(m_anna && m_boris);
+    }
+};
+
+} // namespace orvo::history::test
+
+#endif

@@ -1,0 +1,296 @@
+// Four users act at random and take their actions back at random.
+#include "HistoryTest.h"
+
+#include "platform/store/ChangeRecord.h"
+#include "platform/store/Names.h"
+
+#include <QRandomGenerator>
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+using namespace orvo::store;
+using namespace orvo::history;
+using namespace orvo::history::test;
+
+namespace {
+
+using Rows = std::map<std::string, std::vector<Value>>;
+
+/// All values of the tables that the test changes.
+struct State {
+    std::map<std::string, Rows> tables;
+    bool operator==(const State& other) const { return tables == other.tables; }
+};
+
+class StateReceiver : public Receiver {
+public:
+    explicit StateReceiver(State& state) : m_state(state) {}
+    Status expect(uint64_t, uint64_t, uint64_t) override { return {}; }
+    Status record(const TableDef& table, const std::vector<Value>& values,
+                  const std::string&) override {
+        m_state.tables[table.name][foldedKey(textOf(values.front()))] = values;
+        return {};
+    }
+    Status content(const std::vector<Value>&, const std::string&) override { return {}; }
+    Status bytes(std::string_view) override { return {}; }
+
+private:
+    State& m_state;
+};
+
+} // namespace
+
+class TestHistoryRandom : public HistoryTest {
+    Q_OBJECT
+public:
+    using HistoryTest::HistoryTest;
+
+private slots:
+    void ofEachOnlyHisOwnIsTakenBack_data() { seeds(); }
+    void ofEachOnlyHisOwnIsTakenBack();
+    void everythingTakenBackIsTheBeginning_data() { seeds(); }
+    void everythingTakenBackIsTheBeginning();
+
+private:
+    static void seeds() {
+        QTest::addColumn<int>("seed");
+        const int runs = qEnvironmentVariable("ORVO_HISTORY_RUNS", "4").toInt();
+        for (int seed = 1; seed <= runs; ++seed)
+            QTest::newRow(qPrintable(QString("seed %1").arg(seed))) << seed;
+    }
+    struct Action {
+        size_t who = 0;
+        int64_t group = 0;
+    };
+    State state() const {
+        State all;
+        StateReceiver values(all);
+        const Status status = m_anna->writeOut(values);
+        if (!status.ok())
+            qWarning("%s", status.text.c_str());
+        return all;
+    }
+    int number(int below) { return int(m_random.bounded(below)); }
+    std::string anyKey(const State& state, const char* table) {
+        const auto rows = state.tables.find(table);
+        if (rows == state.tables.end() || rows->second.empty())
+            return {};
+        return std::next(rows->second.begin(), number(int(rows->second.size())))->first;
+    }
+    void plant();
+    void act(size_t who);
+    /// Takes back what of these actions can be, and leaves the rest.
+    void undoAll(std::vector<Action>& actions);
+
+    QRandomGenerator m_random;
+    std::vector<std::unique_ptr<MaintainedStore>> m_users;
+    std::vector<Action> m_actions;
+    int m_made = 0;
+};
+
+void TestHistoryRandom::plant() {
+    QFETCH(int, seed);
+    m_random.seed(quint32(seed));
+    m_made = 0;
+    m_actions.clear();
+    m_users.clear();
+    for (const char* name : {"u1", "u2", "u3", "u4"})
+        m_users.push_back(login(name));
+    ORVO_OK(Batch("MenuFolder")
+                .insert("f", {{"caption", "Папка"}, {"isFolder", true}})
+                .insert("d1", {{"caption", "Стол 1"}, {"ParentKey", "f"}})
+                .insert("d2", {{"caption", "Стол 2"}})
+                .send(*m_anna));
+    Batch elements("Menu");
+    for (int i = 0; i < 12; ++i)
+        elements.insert(qPrintable(QString("e%1").arg(i)),
+                        {{"caption", QString("Э %1").arg(i)},
+                         {"FolderKey", i % 2 ? "d1" : "d2"},
+                         {"parent", i < 4 ? QVariant() : QString("e%1").arg(i % 4)},
+                         {"order_", i * 1000}});
+    ORVO_OK(elements.send(*m_anna));
+}
+
+void TestHistoryRandom::act(size_t who) {
+    const State now = state();
+    MaintainedStore& store = *m_users[who];
+    const std::string element = anyKey(now, "Menu"), other = anyKey(now, "Menu"),
+                      desktop = anyKey(now, "MenuFolder");
+    Status status;
+    const QString text = QString("т%1").arg(number(1000));
+    switch (number(7)) {
+    case 0:
+    case 1: {
+        Batch batch("Menu");
+        for (int i = number(3); i >= 0 && !element.empty(); --i)
+            batch.update(anyKey(now, "Menu").c_str(), {{"caption", text}, {"order_", number(5)}});
+        status = batch.send(store);
+        break;
+    }
+    case 2:
+        if (!element.empty())
+            status = Batch("Menu").update(element.c_str(), {{"params", text}}).send(store);
+        break;
+    case 3: {
+        const QString top = QString("n%1").arg(++m_made);
+        status = Batch("Menu")
+                     .insert(qPrintable(top), {{"caption", text},
+                                               {"parent", QString::fromStdString(element)},
+                                               {"FolderKey", QString::fromStdString(desktop)}})
+                     .insert(qPrintable(top + "x"), {{"parent", top}, {"caption", text}})
+                     .send(store);
+        break;
+    }
+    case 4: // may be refused: below itself
+        if (!element.empty() && element != other)
+            status = Batch("Menu")
+                         .update(element.c_str(), {{"parent", QString::fromStdString(other)}})
+                         .send(store);
+        break;
+    case 5: { // with all below it, as editors do
+        if (element.empty())
+            break;
+        std::set<std::string> gone = {element};
+        for (size_t size = 0; size != gone.size();) {
+            size = gone.size();
+            for (const auto& [key, row] : now.tables.at("Menu"))
+                if (gone.count(foldedKey(textOf(row[1]))) != 0)
+                    gone.insert(key);
+        }
+        Batch batch("Menu");
+        for (const std::string& key : gone)
+            batch.remove(key.c_str());
+        status = batch.send(store);
+        break;
+    }
+    default:
+        status = Batch("MenuFolder")
+                     .insert(qPrintable(QString("g%1").arg(++m_made)),
+                             {{"caption", text}, {"isFolder", number(2) == 0}})
+                     .update("d1", {{"caption", text}})
+                     .send(store);
+    }
+    if (status.ok() && store.lastWritten().first > 0 &&
+        (m_actions.empty() || m_actions.back().group < store.lastWritten().first))
+        m_actions.push_back({who, store.lastWritten().first});
+}
+
+void TestHistoryRandom::undoAll(std::vector<Action>& actions) {
+    for (bool progress = true; progress && !actions.empty();) {
+        progress = false;
+        std::shuffle(actions.begin(), actions.end(), m_random);
+        for (auto action = actions.begin(); action != actions.end();) {
+            Inverse done;
+            const Status status = undo(*m_users[action->who], {action->group}, {}, &done);
+            // A circle of parents ends when others are taken back.
+            if (!status.ok() && status.code != Refused) {
+                qWarning("%s", status.text.c_str());
+                return;
+            }
+            if (done.written || (done.count == 0 && !done.remarks.empty() &&
+                                 done.remarks.front().why == Remark::AlreadyDone)) {
+                progress = true;
+                action = actions.erase(action);
+            } else {
+                ++action;
+            }
+        }
+    }
+}
+
+/// A field that nobody else has changed is as it was, and what he has not changed is as it is.
+void TestHistoryRandom::ofEachOnlyHisOwnIsTakenBack() {
+    plant();
+    const State before = state();
+    const int64_t begin = [&] {
+        int64_t id = 0;
+        return m_anna->logPosition(&id).ok() ? id : -1;
+    }();
+    for (int i = 0; i < 40; ++i)
+        act(size_t(number(4)));
+    std::vector<Change> log;
+    ORVO_OK(m_anna->readLog(begin, 100000, &log));
+    const auto who = size_t(number(4));
+    const std::string name = m_users[who]->login();
+    using Field = std::tuple<std::string, std::string, int>;
+    std::set<Field> his, others;
+    std::set<std::pair<std::string, std::string>> hisRecords, othersRecords;
+    for (const Change& change : log) {
+        const bool own = change.login == name;
+        const std::pair<std::string, std::string> record{change.table, foldedKey(change.key)};
+        (own ? hisRecords : othersRecords).insert(record);
+        for (const std::string* json : {&change.after, &change.before})
+            for (const auto& [field, value] : valuesFromJson(*findTable(change.table), *json))
+                (own ? his : others).insert({record.first, record.second, field});
+    }
+    const State acted = state();
+    std::vector<Action> actions;
+    for (const Action& action : m_actions)
+        if (action.who == who)
+            actions.push_back(action);
+    undoAll(actions);
+    // What waits for a choice is left as a whole.
+    for (const Change& change : log)
+        for (const Action& action : actions)
+            if (change.group == action.group)
+                for (const std::string* json : {&change.after, &change.before})
+                    for (const auto& [field, value] :
+                         valuesFromJson(*findTable(change.table), *json)) {
+                        others.insert({change.table, foldedKey(change.key), field});
+                        othersRecords.insert({change.table, foldedKey(change.key)});
+                    }
+    const State now = state();
+    for (const auto& [table, rows] : acted.tables)
+        for (const auto& [key, row] : rows)
+            if (hisRecords.count({table, key}) == 0) {
+                QVERIFY(now.tables.at(table).count(key) == 1);
+                QVERIFY(now.tables.at(table).at(key) == row);
+            }
+    for (const auto& [table, rows] : before.tables)
+        for (const auto& [key, row] : rows) {
+            if (othersRecords.count({table, key}) == 0 && hisRecords.count({table, key}) != 0) {
+                // Unless its place has gone with somebody's deletion.
+                const auto found = now.tables.at(table).find(key);
+                if (found != now.tables.at(table).end())
+                    QVERIFY(found->second == row);
+            }
+            if (now.tables.at(table).count(key) == 0 || acted.tables.at(table).count(key) == 0)
+                continue;
+            for (size_t i = 0; i < row.size(); ++i) {
+                const Field field{table, key, int(i)};
+                const Value& value = now.tables.at(table).at(key)[i];
+                if (his.count(field) != 0 && others.count(field) == 0)
+                    QVERIFY2(value == row[i],
+                             qPrintable(QString::fromStdString(key) + " " + QString::number(i)));
+                if (his.count(field) == 0)
+                    QVERIFY(value == acted.tables.at(table).at(key)[i]);
+            }
+        }
+}
+
+void TestHistoryRandom::everythingTakenBackIsTheBeginning() {
+    plant();
+    const QStringList before = snapshot();
+    for (int i = 0; i < 40; ++i)
+        act(size_t(number(4)));
+    const QStringList after = snapshot();
+    QVERIFY(after != before);
+    undoAll(m_actions);
+    // What is left has nothing to write, or waits for a place that another of them took away: that
+    // comes back together with it.
+    std::vector<int64_t> left;
+    for (const Action& action : m_actions)
+        left.push_back(action.group);
+    Inverse done;
+    ORVO_OK(undo(*m_anna, left, {}, &done));
+    QCOMPARE(remarks(done), QStringList());
+    QCOMPARE(snapshot().join('\n'), before.join('\n'));
+}
+
+int main(int argc, char** argv) {
+    return orvo::store::test::runOnAllKinds<TestHistoryRandom>(argc, argv);
+}
+
+#include "tst_history_random.moc"

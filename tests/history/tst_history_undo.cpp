@@ -1,0 +1,460 @@
+// Actions are taken back without the work of others.
+#include "HistoryTest.h"
+
+using namespace orvo::store;
+using namespace orvo::history;
+using namespace orvo::history::test;
+
+class TestHistoryUndo : public HistoryTest {
+    Q_OBJECT
+public:
+    using HistoryTest::HistoryTest;
+
+private slots:
+    void init() {
+        HistoryTest::init();
+        ORVO_OK(Batch("MenuFolder").insert("d", {{"caption", "Стол"}}).send(*m_anna));
+        ORVO_OK(Batch("Menu")
+                    .insert("a", {{"caption", "А"}, {"FolderKey", "d"}})
+                    .insert("b", {{"caption", "Б"}, {"FolderKey", "d"}, {"parent", "a"}})
+                    .insert("c", {{"caption", "В"}, {"FolderKey", "d"}, {"parent", "b"}})
+                    .send(*m_anna));
+    }
+    void fieldsGetTheirValuesBack();
+    void fieldsThatOthersChangedSinceStay();
+    void whatOthersTakeBackLaterComesOutRight();
+    void undoOfAnUndoIsRedo();
+    void undoOutlivesTheProgram();
+    void anUndoneActionIsNotUndoneTwice();
+    void aDeletedBranchComesBackWhole();
+    void aBranchWithoutItsParentAsksForAPlace();
+    void anInsertAsksIfOthersHaveBuiltOnIt();
+    void anInsertGoesIfNobodyHasBuiltOnIt();
+    void aChangeOfWhatOthersDeletedIsReported();
+    void severalActionsGoInOneTransaction();
+    void ofOnesOwnLaterChangesTheNewestStays();
+    void aPlanThatIsOutOfDateIsMadeAnew();
+    void changesByHandAreTakenBack();
+    void textsThatRecordsCannotHoldComeBackAsTheyWere();
+    void anUploadIsTakenBack();
+    void bytesComeBack();
+    void bytesOfOthersStay();
+    void aFolderOfFormsComesBackWithItsBytes();
+    void bytesThatAreGoneAreReported();
+    void damagedBytesAreReported();
+    void aForgottenActionIsNamed();
+    void actionsOfAnOldStoreAreTakenBack();
+
+private:
+    int64_t rename(MaintainedStore& store, const char* key, const char* caption) const {
+        const Status status = Batch("Menu").update(key, {{"caption", caption}}).send(store);
+        if (!status.ok())
+            qWarning("%s", status.text.c_str());
+        return last(store);
+    }
+    QString caption(const char* key) const {
+        std::map<std::string, std::vector<Value>> values;
+        const TableDef& table = *findTable("Menu");
+        const Status status = m_anna->storedValues(table, {key}, &values);
+        return values.empty() ? QString::fromStdString(status.text)
+                              : QString::fromStdString(
+                                    textOf(values.begin()->second[size_t(table.find("caption"))]));
+    }
+};
+
+void TestHistoryUndo::fieldsGetTheirValuesBack() {
+    const QStringList before = snapshot();
+    ORVO_OK(Batch("Menu")
+                .update("a", {{"caption", "Я"}, {"order_", 5}, {"oneCopy", true}})
+                .update("A", {{"caption", "Ю"}, {"params", ""}})
+                .send(*m_anna));
+    Inverse plan;
+    ORVO_OK(planInverse(*m_anna, {last(*m_anna)}, {}, &plan));
+    QCOMPARE(plan.count, size_t(1));
+    LoggedRecords source(*m_anna);
+    QCOMPARE(describe(plan.preview.front(), source).what,
+             QString("Переименован элемент меню «А»: было «Ю»"));
+    QVERIFY(snapshot() != before);
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    QVERIFY(done.written);
+    QCOMPARE(remarks(done), QStringList());
+    QCOMPARE(snapshot(), before);
+    QCOMPARE(words(last(*m_anna)), QString("Отмена: переименован элемент меню «А»: было «Ю»"));
+}
+
+void TestHistoryUndo::fieldsThatOthersChangedSinceStay() {
+    ORVO_OK(Batch("Menu").update("a", {{"caption", "Анна"}, {"params", "анна"}}).send(*m_anna));
+    const int64_t annas = last(*m_anna);
+    ORVO_OK(Batch("Menu").update("a", {{"caption", "Борис"}, {"ico", "b.png"}}).send(*m_boris));
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {annas}, {}, &done));
+    QVERIFY(done.written);
+    QVERIFY2(QRegularExpression("^Оставлено как есть: элемент меню «Борис», поле «Название»: с тех "
+                                "пор изменено \\(boris, .*\\)$")
+                 .match(remarks(done).join('\n'))
+                 .hasMatch(),
+             qPrintable(remarks(done).join('\n')));
+    QVERIFY(snapshot().contains(R"(Menu|"a"||"d"|"Борис"||"b.png"||||)"));
+}
+
+void TestHistoryUndo::whatOthersTakeBackLaterComesOutRight() {
+    const QStringList before = snapshot();
+    ORVO_OK(Batch("Menu").update("a", {{"caption", "1"}, {"params", "1"}}).send(*m_anna));
+    const int64_t annas = last(*m_anna);
+    const int64_t boriss = rename(*m_boris, "a", "2");
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {annas}, {}, &done));
+    QCOMPARE(caption("a"), QString("2"));
+    ORVO_OK(undo(*m_boris, {boriss}, {}, &done));
+    QCOMPARE(snapshot(), before);
+}
+
+void TestHistoryUndo::undoOfAnUndoIsRedo() {
+    const QStringList before = snapshot();
+    const int64_t first = rename(*m_anna, "a", "1");
+    const QStringList after = snapshot();
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {first}, {}, &done));
+    const int64_t undone = last(*m_anna);
+    ORVO_OK(undo(*m_anna, {undone}, {}, &done));
+    QCOMPARE(snapshot(), after);
+    const int64_t redone = last(*m_anna);
+    ORVO_OK(undo(*m_anna, {redone}, {}, &done));
+    QCOMPARE(snapshot(), before);
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    QCOMPARE(snapshot(), after);
+    ORVO_OK(undo(*m_anna, {first}, {}, &done));
+    QCOMPARE(snapshot(), before);
+}
+
+void TestHistoryUndo::undoOutlivesTheProgram() {
+    const int64_t first = rename(*m_anna, "a", "1");
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {first}, {}, &done));
+    const int64_t undone = last(*m_anna);
+    m_anna = login("anna");
+    Group group;
+    ORVO_OK(readGroup(*m_anna, undone, &group));
+    QCOMPARE(group.undoes, std::vector<int64_t>{first});
+    ORVO_OK(undo(*m_anna, {undone}, {}, &done));
+    QCOMPARE(caption("a"), QString("1"));
+}
+
+void TestHistoryUndo::anUndoneActionIsNotUndoneTwice() {
+    const int64_t first = rename(*m_anna, "a", "1");
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {first}, {}, &done));
+    ORVO_OK(undo(*m_anna, {first}, {}, &done));
+    QVERIFY(!done.written);
+    QCOMPARE(remarks(done), QStringList{QString("Действие %1 уже отменено").arg(first)});
+}
+
+void TestHistoryUndo::aDeletedBranchComesBackWhole() {
+    const QStringList before = snapshot();
+    ORVO_OK(Batch("Menu").remove("c").remove("b").remove("A").send(*m_anna));
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    QCOMPARE(done.count, size_t(3));
+    QCOMPARE(snapshot(), before);
+}
+
+void TestHistoryUndo::aBranchWithoutItsParentAsksForAPlace() {
+    ORVO_OK(Batch("Menu").remove("c").remove("b").send(*m_anna));
+    const int64_t annas = last(*m_anna);
+    ORVO_OK(Batch("Menu").remove("a").send(*m_boris));
+    const int64_t boriss = last(*m_boris);
+    const QStringList before = snapshot();
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {annas}, {}, &done));
+    QVERIFY(!done.written && done.asks());
+    QCOMPARE(
+        remarks(done),
+        QStringList{"Не возвращено: элемент меню «Б»: нет места, папка меню удалена запись «А»"});
+    QCOMPARE(done.remarks.front().missing, std::string("a"));
+    QCOMPARE(snapshot(), before);
+    Choices choices;
+    choices.places["a"] = "";
+    ORVO_OK(undo(*m_anna, {annas}, choices, &done));
+    QVERIFY(done.written);
+    QVERIFY(snapshot().contains(R"(Menu|"b"||"d"|"Б"||||||)"));
+    QVERIFY(snapshot().contains(R"(Menu|"c"|"b"|"d"|"В"||||||)"));
+    // Its own parent is back: now it asks nothing.
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    ORVO_OK(undo(*m_boris, {boriss}, {}, &done));
+    ORVO_OK(undo(*m_anna, {annas}, {}, &done));
+    QVERIFY(done.written);
+    QVERIFY(snapshot().contains(R"(Menu|"b"|"a"|"d"|"Б"||||||)"));
+}
+
+void TestHistoryUndo::anInsertAsksIfOthersHaveBuiltOnIt() {
+    const QStringList before = snapshot();
+    ORVO_OK(Batch("Menu").insert("n", {{"caption", "Новая"}, {"parent", "c"}}).send(*m_anna));
+    const int64_t annas = last(*m_anna);
+    ORVO_OK(Batch("Menu").insert("o", {{"caption", "Чужая"}, {"parent", "N"}}).send(*m_boris));
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {annas}, {}, &done));
+    QVERIFY(!done.written && done.asks());
+    QVERIFY2(remarks(done).join('\n').startsWith(
+                 "Не удалено: элемент меню «Новая»: на этом построено другое (boris, "),
+             qPrintable(remarks(done).join('\n')));
+    Choices choices;
+    choices.othersWorkToo = true;
+    ORVO_OK(undo(*m_anna, {annas}, choices, &done));
+    QCOMPARE(snapshot(), before);
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    QVERIFY(snapshot().contains(R"(Menu|"o"|"N"||"Чужая"||||||)"));
+}
+
+void TestHistoryUndo::anInsertGoesIfNobodyHasBuiltOnIt() {
+    const QStringList before = snapshot();
+    ORVO_OK(Batch("MenuFolder").insert("f", {{"caption", "Папка"}}).send(*m_anna));
+    const int64_t folder = last(*m_anna);
+    ORVO_OK(Batch("Menu").insert("n", {{"FolderKey", "f"}}).send(*m_anna));
+    const int64_t element = last(*m_anna);
+    rename(*m_boris, "a", "другое");
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {element, folder}, {}, &done));
+    QVERIFY(done.written);
+    ORVO_OK(undo(*m_boris, {last(*m_boris)}, {}, &done));
+    QCOMPARE(snapshot(), before);
+}
+
+void TestHistoryUndo::aChangeOfWhatOthersDeletedIsReported() {
+    const int64_t annas = rename(*m_anna, "c", "1");
+    ORVO_OK(Batch("Menu").remove("c").send(*m_boris));
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {annas}, {}, &done));
+    QVERIFY(!done.written);
+    QVERIFY2(remarks(done).join('\n').startsWith(
+                 "Не возвращено: элемент меню «1»: с тех пор удалено (boris"),
+             qPrintable(remarks(done).join('\n')));
+}
+
+void TestHistoryUndo::severalActionsGoInOneTransaction() {
+    const QStringList before = snapshot();
+    std::vector<int64_t> groups;
+    groups.push_back(rename(*m_anna, "a", "1"));
+    ORVO_OK(Batch("Menu").insert("n", {{"parent", "a"}}).send(*m_anna));
+    groups.push_back(last(*m_anna));
+    ORVO_OK(Batch("Menu").remove("n").remove("c").send(*m_anna));
+    groups.push_back(last(*m_anna));
+    groups.push_back(rename(*m_anna, "a", "2"));
+    Inverse done;
+    ORVO_OK(undo(*m_anna, groups, {}, &done));
+    QCOMPARE(snapshot(), before);
+    Group group;
+    ORVO_OK(readGroup(*m_anna, last(*m_anna), &group));
+    QCOMPARE(group.undoes, groups);
+    QCOMPARE(group.changes.back().id, m_anna->lastWritten().last.id);
+}
+
+void TestHistoryUndo::ofOnesOwnLaterChangesTheNewestStays() {
+    const int64_t first = rename(*m_anna, "a", "1");
+    const int64_t second = rename(*m_anna, "a", "2");
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {first}, {}, &done));
+    QVERIFY(!done.written);
+    QCOMPARE(caption("a"), QString("2"));
+    ORVO_OK(undo(*m_anna, {second}, {}, &done));
+    QCOMPARE(caption("a"), QString("1"));
+    ORVO_OK(undo(*m_anna, {first}, {}, &done));
+    QCOMPARE(caption("a"), QString("А"));
+}
+
+void TestHistoryUndo::aPlanThatIsOutOfDateIsMadeAnew() {
+    const int64_t first = rename(*m_anna, "a", "1");
+    Inverse plan;
+    ORVO_OK(planInverse(*m_anna, {first}, {}, &plan));
+    rename(*m_boris, "a", "2");
+    ORVO_FAILS(m_anna->writeAll(plan.parts, plan.seen, plan.undoes), Outdated);
+    QCOMPARE(caption("a"), QString("2"));
+}
+
+void TestHistoryUndo::changesByHandAreTakenBack() {
+    const QStringList before = snapshot();
+    QVERIFY(m_kind.byHand("UPDATE \"Menu\" SET \"caption\" = 'x';"));
+    std::vector<Change> newest;
+    ORVO_OK(m_anna->history({}, 1, &newest));
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {newest.front().group}, {}, &done));
+    QCOMPARE(done.count, size_t(3));
+    QCOMPARE(snapshot(), before);
+    QVERIFY(m_kind.byHand("DELETE FROM \"Menu\" WHERE \"KeyLink\" = 'c';"
+                          "UPDATE \"Menu\" SET \"KeyLink\" = 'z' WHERE \"KeyLink\" = 'b';"));
+    std::vector<int64_t> groups;
+    ORVO_OK(m_anna->history({}, 3, &newest));
+    for (const Change& change : newest)
+        if (groups.empty() || groups.back() != change.group)
+            groups.push_back(change.group);
+    ORVO_OK(undo(*m_anna, groups, {}, &done));
+    QCOMPARE(snapshot(), before);
+}
+
+void TestHistoryUndo::textsThatRecordsCannotHoldComeBackAsTheyWere() {
+    QVERIFY(m_kind.byHand("UPDATE \"Menu\" SET \"caption\" = '漢\"\\字', \"order_\" = -7;"
+                          "UPDATE \"MenuFolder\" SET \"order_\" = '';"));
+    const QStringList before = snapshot();
+    ORVO_OK(Batch("Menu").update("a", {{"caption", "1"}}).remove("c").send(*m_anna));
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    QCOMPARE(snapshot(), before);
+}
+
+void TestHistoryUndo::anUploadIsTakenBack() {
+    ORVO_OK(Batch("MenuResourceFolder").insert("forms", {{"type_", 3}}).send(*m_anna));
+    const QStringList before = snapshot();
+    ORVO_OK(m_anna->formPut("", {{"", "a.ui", "bytes", {}}, {"", "a.png", "more", 5.5}}));
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    QCOMPARE(remarks(done), QStringList());
+    QCOMPARE(snapshot(), before);
+}
+
+/// Uploads, replaced and deleted, back and forth.
+void TestHistoryUndo::bytesComeBack() {
+    ORVO_OK(Batch("MenuResourceFolder").insert("forms", {{"type_", 3}}).send(*m_anna));
+    QList<QStringList> states = {snapshot()};
+    std::vector<int64_t> groups;
+    const auto done = [&](const Status& status) {
+        groups.push_back(last(*m_anna));
+        states << snapshot();
+        return status;
+    };
+    ORVO_OK(done(m_anna->formPut("", {{"", "a.ui", "one", 5.5}, {"", "a.png", "picture", {}}})));
+    ORVO_OK(done(m_anna->formPut("", {{"", "a.ui", "two, longer", {}}})));
+    ORVO_OK(done(m_anna->formPut("", {{"", "a.ui", "six, longer", {}}}))); // of the same size
+    ORVO_OK(done(m_anna->formDelete({"a.ui"})));
+    Inverse inverse;
+    std::vector<int64_t> undone;
+    for (int i = int(groups.size()) - 1; i >= 0; --i) {
+        ORVO_OK(undo(*m_anna, {groups[size_t(i)]}, {}, &inverse));
+        QCOMPARE(remarks(inverse), QStringList());
+        QCOMPARE(snapshot(), states[i]);
+        undone.push_back(last(*m_anna));
+    }
+    for (int i = 0; i < int(groups.size()); ++i) { // and again
+        ORVO_OK(undo(*m_anna, {undone.back()}, {}, &inverse));
+        QCOMPARE(remarks(inverse), QStringList());
+        QCOMPARE(snapshot(), states[i + 1]);
+        undone.pop_back();
+    }
+    ORVO_OK(undo(*m_anna, {groups[1], groups[2], groups[3]}, {}, &inverse)); // together
+    QCOMPARE(remarks(inverse), QStringList());
+    QCOMPARE(snapshot(), states[1]);
+    std::vector<std::string> damages;
+    ORVO_OK(m_anna->integrity(&damages));
+    QCOMPARE(damages, std::vector<std::string>());
+}
+
+void TestHistoryUndo::bytesOfOthersStay() {
+    ORVO_OK(Batch("MenuResourceFolder").insert("forms", {{"type_", 3}}).send(*m_anna));
+    ORVO_OK(m_boris->formPut("", {{"", "a.ui", "first", {}}}));
+    const QStringList before = snapshot();
+    ORVO_OK(m_anna->formPut("", {{"", "a.ui", "anna's", {}}}));
+    const int64_t hers = last(*m_anna);
+    ORVO_OK(m_boris->formPut("", {{"", "a.ui", "boris' own", {}}}));
+    const int64_t his = last(*m_boris);
+    const QStringList after = snapshot();
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {hers}, {}, &done));
+    QCOMPARE(snapshot(), after);
+    QVERIFY(!remarks(done).isEmpty());
+    ORVO_OK(undo(*m_boris, {his}, {}, &done));
+    QVERIFY(snapshot().filter("anna's").size() == 1);
+    ORVO_OK(undo(*m_anna, {hers}, {}, &done));
+    QCOMPARE(snapshot(), before);
+}
+
+void TestHistoryUndo::aFolderOfFormsComesBackWithItsBytes() {
+    ORVO_OK(Batch("MenuResourceFolder")
+                .insert("files", {{"type_", 4}, {"caption", "plans"}})
+                .insert("below", {{"type_", 4}, {"ParentKey", "files"}, {"caption", "old"}})
+                .send(*m_anna));
+    ORVO_OK(m_anna->filePut({{"plans", "a", "A", 1.0}, {"plans/old", "b", "", {}}}));
+    const QStringList before = snapshot();
+    QStringList keys;
+    for (const QString& line : before.filter(QRegularExpression("^MenuResource\\|")))
+        keys << line.split('"').at(1);
+    QCOMPARE(keys.size(), 2);
+    Batch resources("MenuResource");
+    for (const QString& key : keys)
+        resources.remove(qPrintable(key));
+    ORVO_OK(resources.send(*m_anna));
+    const int64_t first = last(*m_anna);
+    ORVO_OK(Batch("MenuResourceFolder").remove("below").remove("files").send(*m_anna));
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {first, last(*m_anna)}, {}, &done));
+    QCOMPARE(remarks(done), QStringList());
+    QCOMPARE(snapshot(), before);
+}
+
+void TestHistoryUndo::bytesThatAreGoneAreReported() {
+    ORVO_OK(Batch("MenuResourceFolder").insert("forms", {{"type_", 3}}).send(*m_anna));
+    ORVO_OK(m_anna->formPut("", {{"", "a.ui", "bytes", {}}}));
+    ORVO_OK(m_anna->formDelete({"a.ui"}));
+    const int64_t deletion = last(*m_anna);
+    PrunedVersions pruned;
+    ORVO_OK(m_anna->pruneVersions(0, 0, false, &pruned));
+    QCOMPARE(pruned.count, int64_t(1));
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {deletion}, {}, &done));
+    QVERIFY(done.written);
+    QCOMPARE(remarks(done).size(), 1);
+    QVERIFY(remarks(done).front().endsWith("«a.ui»: прежнее содержимое не хранится"));
+    ORVO_OK(m_anna->formPut("", {{"", "a.ui", "newer", {}}}));
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+}
+
+void TestHistoryUndo::damagedBytesAreReported() {
+    ORVO_OK(Batch("MenuResourceFolder").insert("forms", {{"type_", 3}}).send(*m_anna));
+    ORVO_OK(m_anna->formPut("", {{"", "a.ui", "bytes", {}}}));
+    ORVO_OK(m_anna->formPut("", {{"", "a.ui", "other", {}}}));
+    QVERIFY(m_kind.byHand(m_kind.name() == "sqlite"
+                              ? "UPDATE \"NciVersion\" SET \"data\" = x'4141414141';"
+                              : "UPDATE \"NciVersionData\" SET \"data\" = 'AAAAA';"));
+    const QStringList before = snapshot();
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    QCOMPARE(snapshot(), before);
+    QCOMPARE(remarks(done).size(), 1);
+    QVERIFY(remarks(done).front().endsWith("«a.ui»: прежнее содержимое повреждено"));
+}
+
+void TestHistoryUndo::aForgottenActionIsNamed() {
+    const int64_t first = rename(*m_anna, "a", "1");
+    ORVO_OK(m_anna->pruneLog(first));
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {first}, {}, &done));
+    QVERIFY(!done.written);
+    QCOMPARE(remarks(done), QStringList{QString("Действие %1 журнал уже не помнит").arg(first)});
+}
+
+void TestHistoryUndo::actionsOfAnOldStoreAreTakenBack() {
+    m_anna.reset();
+    m_boris.reset();
+    QVERIFY(m_kind.renewAsOf(1));
+    m_anna = login("anna");
+    QVERIFY(m_anna);
+    std::vector<Change> log;
+    LogQuery query;
+    query.table = "Menu";
+    ORVO_OK(m_anna->history(query, 100, &log));
+    QVERIFY(!log.empty());
+    const auto elements = [&] { return snapshot().filter(QRegularExpression("^Menu\\|")).size(); };
+    QVERIFY(elements() > 0);
+    std::vector<int64_t> groups;
+    for (const Change& change : log)
+        if (std::find(groups.begin(), groups.end(), change.group) == groups.end())
+            groups.push_back(change.group);
+    Inverse done;
+    ORVO_OK(undo(*m_anna, groups, {}, &done));
+    QVERIFY(done.written);
+    QCOMPARE(elements(), 0);
+}
+
+int main(int argc, char** argv) {
+    return orvo::store::test::runOnAllKinds<TestHistoryUndo>(argc, argv);
+}
+
+#include "tst_history_undo.moc"

@@ -1,0 +1,243 @@
+// What actions did, in words, and how they are found.
+#include "HistoryTest.h"
+
+using namespace orvo::store;
+using namespace orvo::history;
+using namespace orvo::history::test;
+
+class TestHistoryWords : public HistoryTest {
+    Q_OBJECT
+public:
+    using HistoryTest::HistoryTest;
+
+private slots:
+    void aRenamingTellsTheOldName();
+    void aChangeOfAnotherFieldNamesItsRecord();
+    void movesTellFromWhereToWhere();
+    void aCutIsAMove();
+    void aBranchIsToldByItsTop();
+    void severalOfAKindAreCounted();
+    void differentDeedsAreToldByTheFirst();
+    void occupyingIsToldAsSuch();
+    void recordsThatAreGoneKeepTheirNames();
+    void valuesUnfold();
+    void pagesGoBackToTheBeginning();
+    void filtersLeaveWhatIsAskedFor();
+    void aBranchIsFollowedBackInTime();
+    void thirdPartyTablesAreNamed();
+
+private:
+    std::vector<QString> linesOf(const Filter& filter, size_t page = 50) const {
+        std::vector<QString> lines;
+        Reader reader(*m_anna, filter);
+        std::vector<Group> groups;
+        while (!reader.atEnd()) {
+            const size_t before = groups.size();
+            const Status status = reader.next(page, &groups);
+            if (!status.ok() || groups.size() - before > page)
+                return {QString::fromStdString(status.text)};
+        }
+        LoggedRecords source(*m_anna);
+        for (const Group& group : groups)
+            lines.push_back(describe(group, source).what);
+        return lines;
+    }
+    int count(const Filter& filter) const { return int(linesOf(filter).size()); }
+};
+
+void TestHistoryWords::aRenamingTellsTheOldName() {
+    ORVO_OK(Batch("MenuFolder")
+                .insert("d", {{"caption", "КС-3 Белый Мыс"}, {"isFolder", false}})
+                .send(*m_anna));
+    QCOMPARE(words(last(*m_anna)), QString("Создан рабочий стол «КС-3 Белый Мыс»"));
+    ORVO_OK(Batch("MenuFolder").update("d", {{"caption", "КС-3"}}).send(*m_anna));
+    QCOMPARE(words(last(*m_anna)),
+             QString("Переименован рабочий стол «КС-3»: было «КС-3 Белый Мыс»"));
+}
+
+void TestHistoryWords::aChangeOfAnotherFieldNamesItsRecord() {
+    ORVO_OK(Batch("Menu").insert("m", {{"caption", "Котельная"}}).send(*m_anna));
+    ORVO_OK(Batch("Menu").update("m", {{"params", "a=1"}}).send(*m_anna));
+    QCOMPARE(words(last(*m_anna)), QString("Изменён элемент меню «Котельная»"));
+    ORVO_OK(Batch("Menu").update("m", {{"order_", 2000}}).send(*m_anna));
+    QCOMPARE(words(last(*m_anna)), QString("Переставлен элемент меню «Котельная»"));
+}
+
+void TestHistoryWords::movesTellFromWhereToWhere() {
+    ORVO_OK(Batch("Menu")
+                .insert("a", {{"caption", "Агрегаты"}})
+                .insert("k", {{"caption", "Крановая обвязка"}})
+                .insert("1", {{"caption", "ГПА 1"}, {"parent", "a"}})
+                .insert("2", {{"caption", "ГПА 2"}, {"parent", "a"}})
+                .insert("3", {{"caption", "ГПА 3"}, {"parent", "a"}})
+                .insert("4", {{"caption", "ГПА 4"}, {"parent", "a"}})
+                .send(*m_anna));
+    ORVO_OK(Batch("Menu")
+                .update("1", {{"parent", "k"}, {"order_", 1}})
+                .update("2", {{"parent", "K"}})
+                .update("3", {{"parent", "k"}})
+                .update("4", {{"parent", "k"}})
+                .update("k", {{"order_", 7}})
+                .send(*m_anna));
+    QCOMPARE(words(last(*m_anna)),
+             QString("Перемещены 4 элемента меню из «Агрегаты» в «Крановая обвязка»"));
+    ORVO_OK(Batch("Menu").update("1", {{"parent", ""}}).send(*m_anna));
+    QCOMPARE(words(last(*m_anna)),
+             QString("Перемещён элемент меню «ГПА 1» из «Крановая обвязка» на верхний уровень"));
+}
+
+void TestHistoryWords::aCutIsAMove() {
+    ORVO_OK(Batch("Menu")
+                .insert("a", {{"caption", "Агрегаты"}})
+                .insert("k", {{"caption", "Краны"}})
+                .insert("x", {{"caption", "ГПА"}, {"parent", "a"}})
+                .send(*m_anna));
+    ORVO_OK(Batch("Menu").insert("y", {{"caption", "ГПА"}, {"parent", "k"}}).send(*m_anna));
+    const int64_t cut = last(*m_anna);
+    m_anna->joinGroup(cut);
+    ORVO_OK(Batch("Menu").remove("x").send(*m_anna));
+    m_anna->joinGroup(0);
+    QCOMPARE(words(cut), QString("Перемещён элемент меню «ГПА» из «Агрегаты» в «Краны»"));
+}
+
+void TestHistoryWords::aBranchIsToldByItsTop() {
+    ORVO_OK(Batch("Menu")
+                .insert("a", {{"caption", "Агрегаты"}})
+                .insert("1", {{"caption", "ГПА 1"}, {"parent", "a"}})
+                .insert("2", {{"caption", "ГПА 2"}, {"parent", "1"}})
+                .send(*m_anna));
+    QCOMPARE(words(last(*m_anna)),
+             QString("Создан элемент меню «Агрегаты» со всем, что внутри (2 записи)"));
+    ORVO_OK(Batch("Menu").remove("2").remove("1").remove("a").send(*m_anna));
+    QCOMPARE(words(last(*m_anna)),
+             QString("Удалён элемент меню «Агрегаты» со всем, что внутри (2 записи)"));
+}
+
+void TestHistoryWords::severalOfAKindAreCounted() {
+    ORVO_OK(Batch("MenuFileExt")
+                .insert("a", {{"fileExt", "ui"}})
+                .insert("b", {{"fileExt", "svg"}})
+                .send(*m_anna));
+    QCOMPARE(words(last(*m_anna)), QString("Созданы 2 расширения файлов: «ui», «svg»"));
+    Batch many("Menu");
+    for (int i = 0; i < 21; ++i)
+        many.insert(qPrintable(QString("k%1").arg(i)), {{"caption", QString::number(i)}});
+    ORVO_OK(many.send(*m_anna));
+    QCOMPARE(words(last(*m_anna)), QString("Созданы 21 элемент меню: «0», «1», «2» …"));
+}
+
+void TestHistoryWords::differentDeedsAreToldByTheFirst() {
+    ORVO_OK(Batch("Menu").insert("a", {{"caption", "А"}}).insert("b").send(*m_anna));
+    ORVO_OK(Batch("Menu")
+                .update("a", {{"caption", "Я"}})
+                .remove("b")
+                .insert("c", {{"caption", "В"}})
+                .send(*m_anna));
+    QCOMPARE(words(last(*m_anna)),
+             QString("Переименован элемент меню «Я»: было «А» и ещё 2 записи"));
+}
+
+void TestHistoryWords::occupyingIsToldAsSuch() {
+    ORVO_OK(
+        Batch("Users").insert("u", {{"login_", "anna"}, {"lastName", "Иванова"}}).send(*m_anna));
+    ORVO_OK(Batch("MenuResource").insert("r", {{"caption", "Щит"}, {"type_", 3}}).send(*m_anna));
+    ORVO_OK(Batch("MenuResource").update("r", {{"UsersKey", "u"}}).send(*m_anna));
+    QCOMPARE(words(last(*m_anna)), QString("Занята форма «Щит»"));
+    ORVO_OK(Batch("MenuResource").update("r", {{"UsersKey", ""}}).send(*m_anna));
+    QCOMPARE(words(last(*m_anna)), QString("Освобождена форма «Щит»"));
+}
+
+void TestHistoryWords::recordsThatAreGoneKeepTheirNames() {
+    ORVO_OK(Batch("Menu").insert("a", {{"caption", "Печи"}}).insert("b").send(*m_anna));
+    ORVO_OK(Batch("Menu").update("a", {{"params", "1"}}).send(*m_anna));
+    const int64_t changed = last(*m_anna);
+    ORVO_OK(Batch("Menu").update("b", {{"parent", "a"}}).send(*m_anna));
+    const int64_t moved = last(*m_anna);
+    ORVO_OK(Batch("Menu").remove("b").remove("a").send(*m_anna));
+    QCOMPARE(words(changed), QString("Изменён элемент меню «Печи»"));
+    QVERIFY2(words(moved).endsWith("верхнего уровня в «Печи»"), qPrintable(words(moved)));
+}
+
+void TestHistoryWords::valuesUnfold() {
+    ORVO_OK(Batch("MenuResource").insert("r", {{"caption", "Щит"}}).send(*m_anna));
+    ORVO_OK(Batch("Menu").insert("m", {{"caption", "А"}}).send(*m_anna));
+    ORVO_OK(Batch("Menu")
+                .update("m", {{"oneCopy", true}, {"MenuResourceKey", "R"}, {"caption", "Б"}})
+                .send(*m_anna));
+    Group group;
+    ORVO_OK(readGroup(*m_anna, last(*m_anna), &group));
+    LoggedRecords source(*m_anna);
+    QStringList lines;
+    for (const FieldWords& field : describe(group.changes.front(), source).fields)
+        lines << field.name + ": " + field.before + " -> " + field.after;
+    QCOMPARE(lines.join('\n'),
+             QString("Название: «А» -> «Б»\nОдна копия: пусто -> да\nРесурс: пусто -> «Щит»"));
+}
+
+void TestHistoryWords::pagesGoBackToTheBeginning() {
+    for (int i = 0; i < 30; ++i)
+        ORVO_OK(Batch("MenuFileExt")
+                    .insert(qPrintable(QString("a%1").arg(i)), {{"fileExt", QString::number(i)}})
+                    .insert(qPrintable(QString("b%1").arg(i)), {{"fileExt", QString::number(i)}})
+                    .send(*m_anna));
+    const std::vector<QString> lines = linesOf({}, 7);
+    QCOMPARE(lines.size(), size_t(30));
+    for (int i = 0; i < 30; ++i)
+        QCOMPARE(lines[size_t(29 - i)], QString("Созданы 2 расширения файлов: «%1», «%1»").arg(i));
+}
+
+void TestHistoryWords::filtersLeaveWhatIsAskedFor() {
+    ORVO_OK(Batch("Menu").insert("a", {{"caption", "Насосная"}}).send(*m_anna));
+    ORVO_OK(Batch("Menu").update("A", {{"params", "в=ЦЕХ 5"}}).send(*m_boris));
+    ORVO_OK(Batch("MenuFolder").insert("a", {{"caption", "caption"}}).send(*m_boris));
+    QVERIFY(m_kind.byHand("UPDATE \"NciEvent\" SET \"time\" = \"time\" - 90000 WHERE \"id\" = 1;"));
+    Filter filter;
+    QCOMPARE(count(filter), 3);
+    filter.login = "boris";
+    QCOMPARE(count(filter), 2);
+    filter.key = "A";
+    filter.table = "Menu";
+    QCOMPARE(count(filter), 1);
+    filter.login.reset();
+    QCOMPARE(count(filter), 2);
+    filter.since = double(QDateTime::currentSecsSinceEpoch() - 3600);
+    QCOMPARE(count(filter), 1);
+    filter = {};
+    for (const auto& [text, found] : std::initializer_list<std::pair<const char*, int>>{
+             {"цех", 1}, {"насос", 1}, {"caption", 1}, {"KeyLink", 0}, {"", 3}}) {
+        filter.text = text;
+        QVERIFY2(count(filter) == found, text);
+    }
+}
+
+void TestHistoryWords::aBranchIsFollowedBackInTime() {
+    ORVO_OK(Batch("MenuFolder").insert("d", {{"caption", "Стол"}}).send(*m_anna)); // 1
+    ORVO_OK(Batch("Menu").insert("m", {{"FolderKey", "d"}}).send(*m_anna));        // 2
+    ORVO_OK(Batch("Menu").insert("n", {{"FolderKey", "other"}}).send(*m_anna));
+    ORVO_OK(Batch("Menu").update("n", {{"caption", "x"}}).send(*m_anna));
+    ORVO_OK(Batch("Menu").update("n", {{"FolderKey", "d"}}).send(*m_anna));     // 3
+    ORVO_OK(Batch("Menu").insert("o", {{"FolderKey", "d"}}).send(*m_anna));     // 4
+    ORVO_OK(Batch("Menu").update("o", {{"caption", "y"}}).send(*m_anna));       // 5
+    ORVO_OK(Batch("Menu").remove("o").send(*m_anna));                           // 6
+    ORVO_OK(Batch("Menu").update("m", {{"FolderKey", "other"}}).send(*m_anna)); // 7
+    ORVO_OK(Batch("Menu").update("m", {{"caption", "z"}}).send(*m_anna));
+    ORVO_OK(Batch("MenuFolder").update("D", {{"caption", "Пульт"}}).send(*m_anna)); // 8
+    Filter filter;
+    filter.branch = Branch{findTable("MenuFolder"), "D"};
+    const std::vector<QString> lines = linesOf(filter);
+    QVERIFY2(lines.size() == 8, qPrintable(QStringList(lines.begin(), lines.end()).join('\n')));
+}
+
+void TestHistoryWords::thirdPartyTablesAreNamed() {
+    ORVO_OK(Batch("MenuResourceFolder").insert("forms", {{"type_", 3}}).send(*m_anna));
+    ORVO_OK(m_anna->formPut("", {{"", "щит.ui", "bytes", {}}}));
+    QCOMPARE(words(last(*m_anna)), QString("Создана форма «щит.ui»"));
+    ORVO_OK(m_anna->formPut("", {{"", "щит.ui", "other", {}}}));
+    QCOMPARE(words(last(*m_anna)), QString("Изменено содержимое файла «щит.ui»"));
+}
+
+int main(int argc, char** argv) {
+    return orvo::store::test::runOnAllKinds<TestHistoryWords>(argc, argv);
+}
+
+#include "tst_history_words.moc"
