@@ -57,6 +57,8 @@ private:
 
 /// The login under which the command writes: it stands in the change log.
 inline constexpr const char* adminLogin = "admin";
+/// As what it stands there.
+inline constexpr const char* adminProgram = "orvo-admin";
 
 struct Verb {
     const char* name;              ///< one word, or two: "put form"
@@ -73,7 +75,8 @@ extern const Verb userAddVerb, userChangeVerb, userRemoveVerb, userLoginVerb, us
 extern const Verb extAddVerb, extChangeVerb, extRemoveVerb, extListVerb;
 extern const Verb lockVerb, unlockVerb;
 extern const Verb putFormVerb, putFileVerb, getFormVerb, getFileVerb, listFormsVerb, listFilesVerb;
-extern const Verb historyVerb, pruneVerb, exportVerb, importVerb, backupVerb, restoreVerb;
+extern const Verb historyVerb, undoVerb, pruneVerb, exportVerb, importVerb,
+    backupVerb, restoreVerb;
 
 /// All verbs in the order of the help.
 const std::vector<const Verb*>& verbs();

@@ -12,7 +12,7 @@ const std::vector<const Verb*>& verbs() {
         &lockVerb,      &unlockVerb,                                                     //
         &putFormVerb,   &putFileVerb,    &getFormVerb,    &getFileVerb,                  //
         &listFormsVerb, &listFilesVerb,                                                  //
-        &historyVerb,   &pruneVerb,                                                      //
+        &historyVerb,   &undoVerb,       &pruneVerb,                                     //
         &backupVerb,    &restoreVerb,    &exportVerb,     &importVerb,
     };
     return all;
@@ -38,7 +38,8 @@ std::string Invocation::value(const char* option) const {
 
 std::unique_ptr<store::MaintainedStore> Invocation::open() const {
     store::Status status;
-    auto opened = store::openMaintained(storeUrl_.text(), {adminLogin, false}, &status);
+    auto opened =
+        store::openMaintained(storeUrl_.text(), {adminLogin, false, adminProgram}, &status);
     if (!opened)
         throw Failure(status.text);
     return opened;

@@ -443,11 +443,11 @@ void TestAdminBackup::anInterruptedBackupLeavesNoFile() {
 
 void TestAdminBackup::anInterruptedExportLeavesNoFile() {
     QVERIFY(m_kind.byHand(
-        isPostgres() ? "INSERT INTO \"MenuFileExt\" SELECT i, repeat('x', 1000) FROM "
-                       "generate_series(1, 300000) i;"
+        isPostgres() ? "INSERT INTO \"MenuFileExt\" SELECT i, repeat('x', 5000) FROM "
+                       "generate_series(1, 60000) i;"
                      : "INSERT INTO \"MenuFileExt\" WITH RECURSIVE n(i) AS (SELECT 1 UNION "
-                       "ALL SELECT i + 1 FROM n WHERE i < 300000) SELECT i, "
-                       "printf('%01000d', i) FROM n;"));
+                       "ALL SELECT i + 1 FROM n WHERE i < 60000) SELECT i, "
+                       "printf('%05000d', i) FROM n;"));
     QByteArray words;
     const auto process = start({"export", file()});
     QVERIFY(process);
@@ -486,7 +486,7 @@ void TestAdminBackup::anInterruptedRestoreChangesNothing() {
     if (lock)
         end(*lock);
     QCOMPARE(content(), before);
-    QCOMPARE(run({"history", "--limit", "1"}).lines().value(1), QString("    fileExt: «.ui»"));
+    QCOMPARE(run({"history", "--limit", "1"}).lines().value(1), QString("    Расширение: «.ui»"));
 }
 
 void TestAdminBackup::anInterruptedImportChangesNothing() {

@@ -7,8 +7,11 @@ public:
     using AdminTest::AdminTest;
 
 private slots:
-    void aChangeTellsWhoWhatAndFromWhatToWhat();
+    void anActionTellsWhoWhatAndFromWhatToWhat();
     void changesByHandAreTold();
+    void anActionIsTakenBack();
+    void whatIsLeftIsNamed();
+    void badUndoIsRefused();
     void theNewestComesFirst();
     void filtersLeaveWhatIsAskedFor();
     void jsonIsAnObjectALine();
@@ -16,6 +19,8 @@ private slots:
     void badFiltersAreRefused_data();
     void badFiltersAreRefused();
     void pruningForgetsOnlyWhatIsOlder();
+    void pruningForgetsOldBytes();
+    void deletedFormsComeBackWithTheirBytes();
     void aDryRunForgetsNothing();
     void aReaderBehindThePrunedChangesNotices();
 
@@ -25,7 +30,7 @@ private:
     }
 };
 
-void TestAdminHistory::aChangeTellsWhoWhatAndFromWhatToWhat() {
+void TestAdminHistory::anActionTellsWhoWhatAndFromWhatToWhat() {
     ORVO_DONE(run({"put", "form", m_admin->write("src/a.ui", "text")}));
     makeUser("anna_h");
     ORVO_DONE(run({"lock", "a.ui", "--login", "anna_h"}));
@@ -34,11 +39,11 @@ void TestAdminHistory::aChangeTellsWhoWhatAndFromWhatToWhat() {
     const QStringList lines = result.lines();
     QCOMPARE(lines.size(), 3);
     const QRegularExpression head(
-        "^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d(Z|[+-]\\d\\d:\\d\\d)  "
-        "admin  изменено  MenuResource  \\S+");
+        "^\\d+  \\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d(Z|[+-]\\d\\d:\\d\\d)  "
+        "admin  Занята форма «a.ui»  \\(формы отображения\\)$");
     QVERIFY2(head.match(lines[0]).hasMatch(), qPrintable(result.out));
-    QVERIFY2(lines[1].startsWith("    UsersKey: пусто -> «"), qPrintable(lines[1]));
-    QVERIFY2(lines[2].startsWith("    dateTimeEdit: пусто -> 20"), qPrintable(lines[2]));
+    QCOMPARE(lines[1], QString("    Кем занята: пусто -> «anna_h»"));
+    QVERIFY2(lines[2].startsWith("    Когда занята: пусто -> "), qPrintable(lines[2]));
 
     ORVO_DONE(run({"unlock", "a.ui"}));
     QVERIFY(run({"history", "--limit", "1"}).lines().value(1).endsWith("» -> пусто"));
@@ -47,19 +52,67 @@ void TestAdminHistory::aChangeTellsWhoWhatAndFromWhatToWhat() {
 void TestAdminHistory::changesByHandAreTold() {
     QVERIFY(
         m_kind.byHand("INSERT INTO \"MenuFolder\" (\"KeyLink\", \"caption\", \"isFolder\") VALUES "
-                      "('k', 'Стол', "
-                      "'1');"));
-    QVERIFY(m_kind.byHand("UPDATE \"MenuFolder\" SET \"caption\" = 'Пульт';"));
-    QVERIFY(m_kind.byHand("DELETE FROM \"MenuFolder\";"));
+                      "('k', 'Стол', '1'), ('l', 'Стул', '1');"));
+    QVERIFY(
+        m_kind.byHand("UPDATE \"MenuFolder\" SET \"caption\" = 'Пульт' WHERE \"KeyLink\" = 'k';"));
     const QString login = isPostgres() ? "postgres" : "(вручную)";
     const QStringList lines = run({"history", "--table", "MenuFolder"}).lines();
-    QCOMPARE(lines.size(), 8);
-    QVERIFY(lines[0].endsWith("  " + login + "  удалено  MenuFolder  k  «Пульт»"));
-    QCOMPARE(lines[1], QString("    caption: «Пульт»"));
-    QCOMPARE(lines[2], QString("    isFolder: да"));
-    QVERIFY(lines[3].endsWith("  " + login + "  изменено  MenuFolder  k  «Пульт»"));
-    QCOMPARE(lines[4], QString("    caption: «Стол» -> «Пульт»"));
-    QVERIFY(lines[5].endsWith("  " + login + "  добавлено  MenuFolder  k  «Стол»"));
+    QCOMPARE(lines.size(), 5);
+    QVERIFY(lines[0].endsWith("  " + login +
+                              "  Переименована папка рабочих столов «Пульт»: было «Стол»"));
+    QCOMPARE(lines[1], QString("    Название: «Стол» -> «Пульт»"));
+    QVERIFY(lines[2].endsWith("  " + login + "  Созданы 2 папки рабочих столов: «Стол», «Стул»"));
+    QCOMPARE(lines[3], QString("    Создана папка рабочих столов «Стол»"));
+    QCOMPARE(lines[4], QString("    Создана папка рабочих столов «Стул»"));
+}
+
+void TestAdminHistory::anActionIsTakenBack() {
+    QVERIFY(m_kind.byHand(
+        "INSERT INTO \"Menu\" (\"KeyLink\", \"caption\") VALUES ('a', 'А'), ('b', 'Б');"));
+    const QByteArray before = content();
+    QVERIFY(m_kind.byHand("UPDATE \"Menu\" SET \"caption\" = 'Я';"));
+    const QString number = run({"history", "--limit", "1"}).out.section(' ', 0, 0);
+    const QByteArray changed = content();
+    const AdminResult dry = run({"undo", number, "--dry-run"});
+    QCOMPARE(dry.code, 0);
+    QVERIFY2(dry.out.contains("Переименован элемент меню «А»: было «Я»"), qPrintable(dry.out));
+    QVERIFY(dry.out.endsWith("записалось бы записей: 2\n"));
+    QCOMPARE(content(), changed);
+    // By any of its changes.
+    ORVO_DONE(run({"undo", QString::number(number.toInt() + 1)}));
+    QCOMPARE(content(), before);
+    QVERIFY(
+        run({"history", "--limit", "1"}).out.contains("  admin  Отмена: переименованы 2 элемента"));
+    ORVO_REFUSED(run({"undo", number}), "Действие " + number + " уже отменено");
+    ORVO_DONE(run({"undo", run({"history", "--limit", "1"}).out.section(' ', 0, 0)}));
+    QCOMPARE(content(), changed);
+}
+
+void TestAdminHistory::whatIsLeftIsNamed() {
+    QVERIFY(m_kind.byHand("INSERT INTO \"Menu\" (\"KeyLink\", \"caption\") VALUES ('a', 'А');"));
+    const QString made = run({"history", "--limit", "1"}).out.section(' ', 0, 0);
+    QTest::qWait(5); // another statement
+    QVERIFY(m_kind.byHand("UPDATE \"Menu\" SET \"caption\" = '1', \"params\" = '1';"));
+    const QString first = run({"history", "--limit", "1"}).out.section(' ', 0, 0);
+    QTest::qWait(5);
+    QVERIFY(m_kind.byHand("UPDATE \"Menu\" SET \"caption\" = '2';"));
+    const AdminResult result = run({"undo", first});
+    QCOMPARE(result.code, 1);
+    QVERIFY2(result.out.contains("Оставлено как есть: элемент меню «2», поле «Название»"),
+             qPrintable(result.out));
+    const QByteArray before = content();
+    const AdminResult asking = run({"undo", made});
+    QVERIFY2(asking.err.contains("решите, как быть"), qPrintable(asking.err));
+    QCOMPARE(content(), before);
+    QCOMPARE(run({"undo", made, "--with-others"}).code, 0);
+    QVERIFY(!content().contains("\"caption\":\"2\""));
+}
+
+void TestAdminHistory::badUndoIsRefused() {
+    ORVO_REFUSED(run({"undo", "x"}), "«x» не номер изменения");
+    ORVO_REFUSED(run({"undo", "0"}), "не номер изменения");
+    ORVO_REFUSED(run({"undo", "999999"}), "изменения 999999 в журнале нет");
+    ORVO_REFUSED(run({"undo", "1", "--place", "x"}), "--place «x»");
 }
 
 void TestAdminHistory::theNewestComesFirst() {
@@ -87,6 +140,8 @@ void TestAdminHistory::filtersLeaveWhatIsAskedFor() {
         return run(QStringList{"history", "--json"} + filter).lines().size();
     };
     const QString hand = QString::fromUtf8(m_kind.handLogin());
+    QCOMPARE(count({"--text", "пЕТров"}), 1);
+    ORVO_REFUSED(run({"history", "--within", key}), "--within");
     QCOMPARE(count({}), 6); // four folders
     QCOMPARE(count({"--table", "Users"}), 2);
     QCOMPARE(count({"--table", "Users", "--key", key.toUpper()}), 2);
@@ -110,6 +165,9 @@ void TestAdminHistory::jsonIsAnObjectALine() {
     QCOMPARE(object["code"].toInt(), 601);
     QCOMPARE(object["table"].toString(), QString("MenuFileExt"));
     QCOMPARE(object["after"].toObject()["fileExt"].toString(), QString("a\"b"));
+    QCOMPARE(object["group"].toInt(), object["id"].toInt());
+    QCOMPARE(object["client"].toString(), QString(isPostgres() ? "psql" : ""));
+    QCOMPARE(object["words"].toString(), QString("Создано расширение файлов «a\"b»"));
     QVERIFY(object["before"].toObject().isEmpty());
 }
 
@@ -145,7 +203,6 @@ void TestAdminHistory::pruningForgetsOnlyWhatIsOlder() {
     QVERIFY(
         m_kind.byHand("UPDATE \"NciEvent\" SET \"time\" = \"time\" - 864000 WHERE \"id\" <= 3;"));
     const QByteArray before = content();
-    ORVO_REFUSED(run({"prune"}), "--older-than");
     ORVO_REFUSED(run({"prune", "--older-than", "2999-01-01"}), "ещё не наступило");
     const AdminResult result = run({"prune", "--older-than", "9d"});
     QCOMPARE(result.code, 0);
@@ -153,6 +210,30 @@ void TestAdminHistory::pruningForgetsOnlyWhatIsOlder() {
     QCOMPARE(run({"history", "--json"}).lines().size(), 2);
     QVERIFY(run({"prune", "--older-than", "9d"}).out.endsWith(": 0, забывать нечего\n"));
     QCOMPARE(content(), before);
+}
+
+void TestAdminHistory::pruningForgetsOldBytes() {
+    for (const char* text : {"1", "22", "333"})
+        ORVO_DONE(run({"put", "form", m_admin->write("src/a.ui", text)}));
+    QVERIFY(m_kind.byHand("UPDATE \"NciVersion\" SET \"time\" = \"time\" - 864000 WHERE \"size\" = "
+                          "1;"));
+    QVERIFY(run({"prune"}).out.endsWith(": 0, забывать нечего\n"));
+    QVERIFY(
+        run({"prune", "--versions-older-than", "9d", "--dry-run"}).out.endsWith(": 1 (байт: 1)\n"));
+    QVERIFY(run({"prune", "--versions-older-than", "9d"}).out.endsWith(": 1, забыты (байт: 1)\n"));
+    QVERIFY(run({"prune", "--versions-limit", "0"}).out.endsWith(": 1, забыты (байт: 2)\n"));
+    ORVO_REFUSED(run({"prune", "--versions-limit", "x"}), "--versions-limit «x»");
+    ORVO_REFUSED(run({"prune", "--versions-older-than", "2999-01-01"}), "ещё не наступило");
+}
+
+void TestAdminHistory::deletedFormsComeBackWithTheirBytes() {
+    ORVO_DONE(run({"put", "form", m_admin->write("src/a.ui", "text")}));
+    const QByteArray before = content();
+    QVERIFY(m_kind.byHand("DELETE FROM \"MenuResource\";"));
+    QVERIFY(content() != before);
+    ORVO_DONE(run({"undo", run({"history", "--limit", "1"}).out.section(' ', 0, 0)}));
+    QCOMPARE(content(), before);
+    QCOMPARE(run({"check"}).code, 0);
 }
 
 void TestAdminHistory::aDryRunForgetsNothing() {

@@ -4,7 +4,9 @@
 #include "apps/admin/TimeParsing.h"
 #include "apps/admin/Verb.h"
 #include "frame/Vocabulary.h"
+#include "history/GroupWords.h"
 
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -15,6 +17,7 @@ namespace orvo::admin {
 namespace {
 
 constexpr int pageSize = 2000;
+constexpr int groupsAtOnce = 100;
 
 void historyOptions(OptionList& options) {
     const auto add = [&](const char* name, const QString& text, const char* value) {
@@ -27,21 +30,21 @@ void historyOptions(OptionList& options) {
         "ВХОД");
     add("since", QString::fromUtf8("Не раньше: ") + forms, "КОГДА");
     add("until", QString::fromUtf8("Раньше, чем: ") + forms, "КОГДА");
-    add("limit", QString::fromUtf8("Не больше N изменений, самых новых."), "N");
+    add("text", QString::fromUtf8("Только действия с этим текстом в старом или новом значении."),
+        "ТЕКСТ");
+    add("within",
+        QString::fromUtf8("Только то, что внутри рабочего стола, папки или элемента меню с этим "
+                          "ключом, или было внутри."),
+        "КЛЮЧ");
+    add("limit", QString::fromUtf8("Не больше N действий (с --json изменений), самых новых."), "N");
     jsonOption(options);
-}
-
-const store::TableDef* definitionOf(const std::string& table) {
-    if (table == store::contentTable().name)
-        return &store::contentTable();
-    return store::findTable(table);
 }
 
 store::LogQuery readQuery(const Invocation& call) {
     store::LogQuery query;
     if (call.has("table")) {
         query.table = call.value("table");
-        if (definitionOf(query.table) == nullptr) {
+        if (history::tableOf(query.table) == nullptr) {
             std::string names = store::contentTable().name;
             for (const store::TableDef& table : store::tables())
                 names += std::string(", ") + table.name;
@@ -74,78 +77,43 @@ QJsonObject parsed(const std::string& json) {
         .object();
 }
 
-std::string shownValue(const QJsonValue& value, MdxType type) {
-    if (value.isNull() || value.isUndefined())
-        return "пусто";
-    if (value.isString())
-        return "«" + cell(value.toString().toStdString()) + "»";
-    if (value.isBool())
-        return value.toBool() ? "да" : "нет";
-    if (const std::string time = type == MDX_DATE ? shownMoment(value.toDouble()) : std::string();
-        !time.empty())
-        return time;
-    return QString::number(value.toDouble(), 'g', 17).toStdString();
+std::string line(const QString& text) {
+    return cell(text.toStdString());
 }
 
-const char* wordOf(int code) {
-    switch (code) {
-    case OrvoEventInsert:
-        return "добавлено";
-    case OrvoEventUpdate:
-        return "изменено";
-    case OrvoEventDelete:
-        return "удалено";
-    default:
-        return "?";
+void printFields(const std::vector<history::FieldWords>& fields, const char* indent) {
+    for (const history::FieldWords& field : fields) {
+        QString values = field.before.isEmpty() ? field.after
+                         : field.after.isEmpty()
+                             ? field.before
+                             : field.before + QStringLiteral(" -> ") + field.after;
+        out(indent + line(field.name + QStringLiteral(": ") + values));
     }
 }
 
-/// What people call the record, if the change tells.
-std::string nameIn(const QJsonObject& after, const QJsonObject& before) {
-    for (const char* field : {field::caption, field::name_, field::login_, field::fileExt})
-        for (const QJsonObject* values : {&after, &before})
-            if (const QString name = values->value(QLatin1String(field)).toString();
-                !name.isEmpty())
-                return "  «" + cell(name.toStdString()) + "»";
-    return {};
-}
-
-void print(const store::Change& change) {
-    const QJsonObject after = parsed(change.after), before = parsed(change.before);
-    std::string time = shownMoment(change.time);
-    out((time.empty() ? "?" : time) + "  " +
-        (change.login.empty() ? "(вручную)" : cell(change.login)) + "  " + wordOf(change.code) +
-        "  " + cell(change.table) + "  " + cell(change.key) + nameIn(after, before));
-    const store::TableDef* table = definitionOf(change.table);
-    if (table == nullptr)
+/// The number by which undo knows it, when, who, what, where; below it its changes.
+void print(const history::Group& group, history::RecordSource& source) {
+    constexpr size_t mostChanges = 20;
+    const history::GroupWords words = history::describe(group, source);
+    const std::string time = shownMoment(group.time);
+    out(std::to_string(group.id) + "  " + (time.empty() ? "?" : time) + "  " +
+        (group.login.empty() ? "(вручную)" : cell(group.login)) + "  " + line(words.what) +
+        (words.place.isEmpty() ? std::string() : "  (" + line(words.place) + ")"));
+    if (group.changes.size() == 1) {
+        printFields(history::describe(group.changes.front(), source).fields, "    ");
         return;
-    bool any = false;
-    for (const store::FieldDef& field : table->fields) {
-        const QLatin1String name(field.name);
-        if (&field == &table->fields.front() || (!after.contains(name) && !before.contains(name)))
-            continue;
-        const QJsonValue now = after.value(name), was = before.value(name);
-        const bool nothing = now.isNull() || now.isUndefined();
-        std::string line = std::string("    ") + field.name + ": ";
-        if (change.code == OrvoEventUpdate) {
-            if (now == was)
-                continue;
-            line += shownValue(was, field.type) + " -> " + shownValue(now, field.type);
-        } else {
-            const QJsonValue& value = nothing ? was : now;
-            if (value.isNull() || value.isUndefined())
-                continue;
-            line += shownValue(value, field.type);
-        }
-        any = true;
-        out(line);
     }
-    if (!any && change.code == OrvoEventUpdate)
-        out(change.table == store::contentTable().name ? "    (содержимое)"
-                                                       : "    (без изменений)");
+    for (size_t i = 0; i < std::min(group.changes.size(), mostChanges); ++i) {
+        const history::ChangeWords change = history::describe(group.changes[i], source);
+        out("    " + line(change.what));
+        if (group.changes[i].code == OrvoEventUpdate)
+            printFields(change.fields, "        ");
+    }
+    if (group.changes.size() > mostChanges)
+        out("    ... и ещё " + std::to_string(group.changes.size() - mostChanges));
 }
 
-void printJson(const store::Change& change) {
+void printJson(const store::Change& change, history::RecordSource& source) {
     QJsonObject object;
     object["id"] = static_cast<double>(change.id);
     object["time"] = change.time;
@@ -153,26 +121,72 @@ void printJson(const store::Change& change) {
     object["table"] = QString::fromStdString(change.table);
     object["key"] = QString::fromStdString(change.key);
     object["login"] = QString::fromStdString(change.login);
+    object["group"] = static_cast<double>(change.group);
+    object["client"] = QString::fromStdString(change.client);
+    object["place"] = QString::fromStdString(change.place);
+    QJsonArray undoes;
+    for (const int64_t group : change.undoes)
+        undoes.append(static_cast<double>(group));
+    if (!undoes.isEmpty())
+        object["undoes"] = undoes;
+    object["words"] = history::describe(change, source).what;
     object["before"] = parsed(change.before);
     object["after"] = parsed(change.after);
     outJson(object);
 }
 
+/// The record under whose key the branch stands, whichever table it is of.
+history::Branch readBranch(store::MaintainedStore& store, const std::string& key) {
+    history::LoggedRecords records(store);
+    for (const char* name : {table::MenuFolder, table::Menu, table::MenuResourceFolder})
+        if (const store::TableDef& table = *store::findTable(name);
+            !records.valuesOf(table, key).empty())
+            return {&table, key};
+    throw Failure("--within «" + key + "»: такого рабочего стола, папки или элемента меню нет");
+}
+
 int run(const Invocation& call) {
-    store::LogQuery query = readQuery(call);
+    const store::LogQuery query = readQuery(call);
     int64_t left = readLimit(call);
     const auto store = call.open();
+    history::Filter filter;
+    filter.table = query.table;
+    filter.key = query.key;
+    filter.login = query.login;
+    filter.since = query.since;
+    filter.until = query.until;
+    filter.text = QString::fromStdString(call.value("text"));
+    if (call.has("within"))
+        filter.branch = readBranch(*store, call.value("within"));
     const bool json = call.has("json");
-    std::vector<store::Change> page;
-    do {
-        const int size = static_cast<int>(std::min<int64_t>(left, pageSize));
-        require(store->history(query, size, &page), "история не прочитана");
-        for (const store::Change& change : page)
-            json ? printJson(change) : print(change);
+    history::Reader reader(*store, filter);
+    if (json) {
+        std::vector<store::Change> page;
+        while (!reader.atEnd() && left > 0 && outputTaken()) {
+            page.clear();
+            require(
+                reader.nextChanges(static_cast<size_t>(std::min<int64_t>(left, pageSize)), &page),
+                "история не прочитана");
+            history::LoggedRecords source(*store);
+            source.prepare(page);
+            for (const store::Change& change : page)
+                printJson(change, source);
+            left -= static_cast<int64_t>(page.size());
+        }
+        return Done;
+    }
+    std::vector<history::Group> page;
+    while (!reader.atEnd() && left > 0 && outputTaken()) {
+        page.clear();
+        require(reader.next(static_cast<size_t>(std::min<int64_t>(left, groupsAtOnce)), &page),
+                "история не прочитана");
+        history::LoggedRecords source(*store);
+        for (const history::Group& group : page)
+            source.prepare(group.changes);
+        for (const history::Group& group : page)
+            print(group, source);
         left -= static_cast<int64_t>(page.size());
-        if (!page.empty())
-            query.below = page.back().id;
-    } while (page.size() == static_cast<size_t>(pageSize) && left > 0 && outputTaken());
+    }
     return Done;
 }
 
@@ -180,13 +194,13 @@ int run(const Invocation& call) {
 
 const Verb historyVerb = {
     "history",
-    "[--table ТАБЛИЦА] [--key КЛЮЧ] [--user ВХОД] [--since КОГДА] [--until КОГДА] [--limit N] "
-    "[--json]",
+    "[--table ТАБЛИЦА] [--key КЛЮЧ] [--within КЛЮЧ] [--user ВХОД] [--since КОГДА] [--until КОГДА] "
+    "[--text ТЕКСТ] [--limit N] [--json]",
     "Показать, кто, когда и что изменил",
-    "Изменения идут от новых к старым. У каждого строка: время, вход, «добавлено», «изменено» или\n"
-    "«удалено», таблица, ключ, название; под ней с отступом поля: было -> стало. «(вручную)» -\n"
-    "изменено мимо программ Orvo в базе, которая не знает входов. Показывается то, что помнит\n"
-    "журнал изменений.",
+    "Действия идут от новых к старым. У каждого строка: номер, время, вход, что сделано, где; под\n"
+    "ней с отступом изменения и поля: было -> стало. Номер берёт undo. «(вручную)» - изменено "
+    "мимо\n"
+    "программ Orvo в базе, которая не знает входов. Показывается то, что помнит журнал изменений.",
     0,
     0,
     historyOptions,

@@ -99,8 +99,8 @@ int run(const Invocation& call) {
     requireFolderAbove(call);
     store::Status status;
     const std::string& url = call.storeUrl().text();
-    const bool present = store::open(url, {adminLogin, false}, &status) != nullptr;
-    const auto store = store::openMaintained(url, {adminLogin, true}, &status);
+    const bool present = store::open(url, {adminLogin, false, adminProgram}, &status) != nullptr;
+    const auto store = store::openMaintained(url, {adminLogin, true, adminProgram}, &status);
     if (!store)
         throw Failure("хранилище не сделано: " + status.text);
     // First: what is written before is not logged.

@@ -9,31 +9,68 @@ namespace orvo::admin {
 
 namespace {
 
+constexpr double keptDays = 90;
+constexpr uint64_t keptMebibytes = 1024;
+
 void pruneOptions(OptionList& options) {
-    options.append({QStringLiteral("older-than"),
-                    QString::fromUtf8("Что старше: ") + QString::fromUtf8(momentForms),
-                    QString::fromUtf8("КОГДА")});
-    options.append({QStringLiteral("dry-run"),
-                    QString::fromUtf8("Только сказать, сколько изменений забылось бы.")});
+    const auto add = [&](const char* name, const QString& text, const char* value) {
+        options.append({QString::fromUtf8(name), text, QString::fromUtf8(value)});
+    };
+    const QString forms = QString::fromUtf8(momentForms);
+    add("older-than", QString::fromUtf8("Забыть и изменения журнала старше: ") + forms, "КОГДА");
+    add("versions-older-than",
+        QString::fromUtf8("Какое прежнее содержимое старо, если не 90d: ") + forms, "КОГДА");
+    add("versions-limit",
+        QString::fromUtf8("Сколько мебибайт прежнего содержимого оставить, если не 1024."), "МИБ");
+    options.append(
+        {QStringLiteral("dry-run"), QString::fromUtf8("Только сказать, сколько забылось бы.")});
+}
+
+double readMoment(const Invocation& call, const char* option) {
+    const double moment = parseMoment(call.value(option), std::string("--") + option);
+    if (moment > static_cast<double>(QDateTime::currentMSecsSinceEpoch()) / 1000.0)
+        throw Failure(std::string("ничего не забыто: --") + option +
+                      ": это время ещё не наступило");
+    return moment;
+}
+
+uint64_t readLimit(const Invocation& call) {
+    if (!call.has("versions-limit"))
+        return keptMebibytes << 20;
+    bool good = false;
+    const uint limit = QString::fromStdString(call.value("versions-limit")).toUInt(&good);
+    if (!good)
+        throw Failure("--versions-limit «" + call.value("versions-limit") + "» не число от 0");
+    return uint64_t(limit) << 20;
+}
+
+std::string ending(const Invocation& call, int64_t count) {
+    return std::to_string(count) + (call.has("dry-run") ? ""
+                                    : count > 0         ? ", забыты"
+                                                        : ", забывать нечего");
 }
 
 int run(const Invocation& call) {
-    if (!call.has("older-than"))
-        throw Failure("журнал не сокращён: не сказано, что старше (--older-than КОГДА)");
-    const double moment = parseMoment(call.value("older-than"), "--older-than");
-    if (moment > static_cast<double>(QDateTime::currentMSecsSinceEpoch()) / 1000.0)
-        throw Failure("журнал не сокращён: это время ещё не наступило");
+    const bool dry = call.has("dry-run");
+    const double oldVersions =
+        call.has("versions-older-than")
+            ? readMoment(call, "versions-older-than")
+            : static_cast<double>(QDateTime::currentSecsSinceEpoch()) - keptDays * 86400;
+    const uint64_t limit = readLimit(call);
+    const double oldChanges = call.has("older-than") ? readMoment(call, "older-than") : 0;
     const auto store = call.open();
-    int64_t id = 0, count = 0;
-    require(store->logBefore(moment, &id, &count), "журнал не сокращён");
-    const std::string what = "изменений старше " + shownMoment(moment) + ": ";
-    if (call.has("dry-run")) {
-        out(what + std::to_string(count));
+    store::PrunedVersions pruned;
+    require(store->pruneVersions(oldVersions, limit, dry, &pruned), "прежнее содержимое не забыто");
+    out("прежних содержимых старше " + shownMoment(oldVersions) + " и сверх " +
+        std::to_string(limit >> 20) + " МиБ: " + ending(call, pruned.count) +
+        (pruned.count > 0 ? " (байт: " + std::to_string(pruned.bytes) + ")" : std::string()));
+    if (!call.has("older-than"))
         return Done;
-    }
-    if (count > 0)
+    int64_t id = 0, count = 0;
+    require(store->logBefore(oldChanges, &id, &count), "журнал не сокращён");
+    if (count > 0 && !dry)
         require(store->pruneLog(id), "журнал не сокращён");
-    out(what + std::to_string(count) + (count > 0 ? ", забыты" : ", забывать нечего"));
+    out("изменений старше " + shownMoment(oldChanges) + ": " + ending(call, count));
     return Done;
 }
 
@@ -41,10 +78,13 @@ int run(const Invocation& call) {
 
 const Verb pruneVerb = {
     "prune",
-    "--older-than КОГДА [--dry-run]",
-    "Забыть старые изменения в журнале",
-    "Данные не меняются, короче становится только журнал изменений. Клиент, который был отключён\n"
-    "дольше, чем помнит журнал, замечает это и открывает свои модули заново.",
+    "[--older-than КОГДА] [--versions-older-than КОГДА] [--versions-limit МИБ] [--dry-run]",
+    "Забыть прежнее содержимое форм и файлов и старые изменения в журнале",
+    "Что лежит в хранилище, не меняется. Прежнее содержимое замещённых и удалённых форм и файлов\n"
+    "хранится 90 дней и до 1024 МиБ: что старше или сверх того, забывается. Журнал изменений\n"
+    "становится короче, только если сказано --older-than. Клиент, который был отключён дольше, "
+    "чем\n"
+    "помнит журнал, замечает это и открывает свои модули заново.",
     0,
     0,
     pruneOptions,

@@ -1,0 +1,113 @@
+#include "apps/admin/Failure.h"
+#include "apps/admin/Output.h"
+#include "apps/admin/Verb.h"
+#include "history/GroupWords.h"
+#include "history/Inverse.h"
+
+#include <algorithm>
+
+namespace orvo::admin {
+
+namespace {
+
+constexpr const char* what = "ничего не отменено";
+
+void undoOptions(OptionList& options) {
+    options.append(
+        {QStringLiteral("dry-run"), QString::fromUtf8("Только показать, что было бы записано.")});
+    options.append({QStringLiteral("with-others"),
+                    QString::fromUtf8("Удалить и то, на чём построили другие, со всем внутри.")});
+    options.append({QStringLiteral("partly"),
+                    QString::fromUtf8("Отменить без того, чему нет места или на чём построили "
+                                      "другие.")});
+    options.append({QStringLiteral("place"),
+                    QString::fromUtf8("Вместо удалённой папки вернуть в эту: ключи через «=»; "
+                                      "пусто после «=» - на верхний уровень."),
+                    QString::fromUtf8("БЫЛА=СТАЛА")});
+}
+
+history::Choices readChoices(const Invocation& call) {
+    history::Choices choices;
+    choices.othersWorkToo = call.has("with-others");
+    choices.partly = call.has("partly");
+    if (!call.has("place"))
+        return choices;
+    const std::string pair = call.value("place");
+    const size_t middle = pair.find('=');
+    if (middle == std::string::npos || middle == 0)
+        throw Failure(std::string(what) + ": --place «" + pair + "» не вида БЫЛА=СТАЛА");
+    choices.places[QString::fromStdString(pair.substr(0, middle)).toLower().toStdString()] =
+        pair.substr(middle + 1);
+    return choices;
+}
+
+/// The actions to which the changes belong.
+std::vector<int64_t> readGroups(const Invocation& call, store::MaintainedStore& store) {
+    std::vector<int64_t> groups;
+    for (const QString& argument : call.arguments()) {
+        bool good = false;
+        const qlonglong id = argument.toLongLong(&good);
+        if (!good || id < 1)
+            throw Failure(std::string(what) + ": «" + argument.toStdString() +
+                          "» не номер изменения");
+        store::LogQuery query;
+        query.above = id - 1;
+        query.below = id + 1;
+        std::vector<store::Change> found;
+        require(store.history(query, 1, &found), what);
+        if (found.empty())
+            throw Failure(std::string(what) + ": изменения " + std::to_string(id) +
+                          " в журнале нет");
+        if (std::find(groups.begin(), groups.end(), found.front().group) == groups.end())
+            groups.push_back(found.front().group);
+    }
+    return groups;
+}
+
+int run(const Invocation& call) {
+    const history::Choices choices = readChoices(call);
+    const auto store = call.open();
+    const std::vector<int64_t> groups = readGroups(call, *store);
+    history::Inverse inverse;
+    const bool dry = call.has("dry-run");
+    require(dry ? history::planInverse(*store, groups, choices, &inverse)
+                : history::undo(*store, groups, choices, &inverse),
+            what);
+    history::LoggedRecords source(*store);
+    constexpr size_t mostShown = 50;
+    for (size_t i = 0; i < std::min(inverse.preview.size(), mostShown); ++i)
+        out("  " + cell(history::describe(inverse.preview[i], source).what.toStdString()));
+    if (inverse.count > mostShown)
+        out("  ... и ещё " + std::to_string(inverse.count - std::min(inverse.count, mostShown)));
+    std::string remarks;
+    for (const history::Remark& remark : inverse.remarks)
+        remarks += (remarks.empty() ? "" : "; ") +
+                   cell(history::remarkWords(remark, source).toStdString());
+    if (inverse.count == 0 && !inverse.asks())
+        throw Failure(std::string(what) + ": " + (remarks.empty() ? "возвращать нечего" : remarks));
+    for (const history::Remark& remark : inverse.remarks)
+        out(cell(history::remarkWords(remark, source).toStdString()));
+    if (inverse.asks() && !choices.partly && !dry)
+        throw Failure(std::string(what) +
+                      ": решите, как быть (--place, --with-others или без этого --partly)");
+    out((dry ? "записалось бы записей: " : "записано записей: ") + std::to_string(inverse.count));
+    return inverse.remarks.empty() ? Done : ErrorsFound;
+}
+
+} // namespace
+
+const Verb undoVerb = {
+    "undo",
+    "[--dry-run] [--partly] [--with-others] [--place БЫЛА=СТАЛА] ИЗМЕНЕНИЕ...",
+    "Отменить действия из истории",
+    "Номера - из history; отменяется всё действие, которому изменение принадлежит, несколько - "
+    "одной\n"
+    "транзакцией. Что с тех пор изменили другие, остаётся как есть и называется; тогда код\n"
+    "завершения 1. Отмена - тоже действие: отменить её - значит повторить отменённое.",
+    1,
+    -1,
+    undoOptions,
+    run,
+};
+
+} // namespace orvo::admin
