@@ -75,7 +75,7 @@ extern const Verb userAddVerb, userChangeVerb, userRemoveVerb, userLoginVerb, us
 extern const Verb extAddVerb, extChangeVerb, extRemoveVerb, extListVerb;
 extern const Verb lockVerb, unlockVerb;
 extern const Verb putFormVerb, putFileVerb, getFormVerb, getFileVerb, listFormsVerb, listFilesVerb;
-extern const Verb historyVerb, undoVerb, pruneVerb, exportVerb, importVerb,
+extern const Verb historyVerb, undoVerb, pruneVerb, diffVerb, applyVerb, exportVerb, importVerb,
     backupVerb, restoreVerb;
 
 /// All verbs in the order of the help.

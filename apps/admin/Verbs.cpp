@@ -13,7 +13,8 @@ const std::vector<const Verb*>& verbs() {
         &putFormVerb,   &putFileVerb,    &getFormVerb,    &getFileVerb,                  //
         &listFormsVerb, &listFilesVerb,                                                  //
         &historyVerb,   &undoVerb,       &pruneVerb,                                     //
-        &backupVerb,    &restoreVerb,    &exportVerb,     &importVerb,
+        &backupVerb,    &restoreVerb,    &exportVerb,     &importVerb,                   //
+        &diffVerb,      &applyVerb,
     };
     return all;
 }

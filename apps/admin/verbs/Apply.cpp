@@ -1,0 +1,198 @@
+// What differs between installations, and bringing it from one into another.
+#include "apps/admin/Failure.h"
+#include "apps/admin/Interrupt.h"
+#include "apps/admin/Output.h"
+#include "apps/admin/ProgressLine.h"
+#include "apps/admin/Verb.h"
+#include "apps/admin/transfer/Format.h"
+#include "history/Difference.h"
+#include "history/GroupWords.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+namespace orvo::admin {
+
+namespace {
+
+struct Close {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using Stream = std::unique_ptr<std::FILE, Close>;
+
+/// Names and links of either installation, the newer one first.
+class Both : public history::RecordSource {
+public:
+    Both(history::Installation& newer, history::Installation& older)
+        : newer_(newer)
+        , older_(older) {}
+    history::Values valuesOf(const store::TableDef& table, const std::string& key) override {
+        const history::Values values = newer_.valuesOf(table, key);
+        return values.empty() ? older_.valuesOf(table, key) : values;
+    }
+
+private:
+    history::Installation& newer_;
+    history::Installation& older_;
+};
+
+void load(store::MaintainedStore& store, history::Installation& into) {
+    require(store.writeOut(into), "хранилище не прочитано");
+    into.finish();
+}
+
+/// An export, if the file begins like one; null for anything else.
+Stream openExport(const std::string& place) {
+    Stream stream(std::fopen(place.c_str(), "re"));
+    if (!stream)
+        return nullptr;
+    int first = std::fgetc(stream.get());
+    while (first == ' ' || first == '\n' || first == '\r' || first == '\t')
+        first = std::fgetc(stream.get());
+    std::rewind(stream.get());
+    return first == '{' ? std::move(stream) : nullptr;
+}
+
+void loadExport(std::FILE* file, history::Installation& into) {
+    TransferCount count;
+    require(
+        readExport(
+            file, 0, into, [](uint64_t, uint64_t) { return !Interruptible::requested(); }, &count),
+        "выгрузка не прочитана");
+    into.finish();
+}
+
+std::unique_ptr<store::MaintainedStore> openStore(const std::string& place) {
+    store::StoreUrl url;
+    store::Status status = url.parse(place);
+    std::unique_ptr<store::MaintainedStore> opened;
+    if (status.ok())
+        opened = store::openMaintained(url.text(), {adminLogin, false, adminProgram}, &status);
+    if (!opened)
+        throw Failure(status.text);
+    return opened;
+}
+
+void print(const history::Difference& difference, history::RecordSource& source) {
+    for (const store::Change& change : difference.changes) {
+        const history::ChangeWords words = history::describe(change, source);
+        out(cell(words.what.toStdString()));
+        if (change.before == "{}" || change.after == "{}")
+            continue;
+        for (const history::FieldWords& field : words.fields)
+            out("    " + cell((field.name + QStringLiteral(": ") + field.before +
+                               QStringLiteral(" -> ") + field.after)
+                                  .toStdString()));
+    }
+}
+
+int runDiff(const Invocation& call) {
+    const Interruptible stoppable;
+    const bool two = call.arguments().size() == 2;
+    history::Installation from;
+    load(*(two ? openStore(call.argument(0)) : call.open()), from);
+    history::Installation to(&from);
+    const std::string place = call.argument(two ? 1 : 0);
+    if (const Stream stream = openExport(place))
+        loadExport(stream.get(), to);
+    else
+        load(*openStore(place), to);
+    const history::Difference difference = history::differenceOf(from, to, std::nullopt, true);
+    Both source(to, from);
+    print(difference, source);
+    if (difference.changes.empty())
+        out("различий нет");
+    return difference.changes.empty() ? Done : ErrorsFound;
+}
+
+void applyOptions(OptionList& options) {
+    options.append(
+        {QStringLiteral("dry-run"), QString::fromUtf8("Только показать, что было бы записано.")});
+    options.append({QStringLiteral("only"),
+                    QString::fromUtf8("Только это и всё внутри: названия сверху через «/» или "
+                                      "ключ записи."),
+                    QString::fromUtf8("ПУТЬ")});
+}
+
+history::RecordKey readPath(const std::string& path, const history::Installation& living,
+                            const history::Installation& exported) {
+    const std::string option = "ничего не изменено: --only «" + path + "»";
+    std::vector<history::RecordKey> found = history::findPath(exported, path);
+    if (found.empty()) // what the export has no more
+        found = history::findPath(living, path);
+    if (found.empty())
+        throw Failure(option + ": такого нет ни в выгрузке, ни в хранилище");
+    if (found.size() > 1)
+        throw Failure(option + ": таких " + std::to_string(found.size()) + ", назовите по ключу: " +
+                      found[0].second + ", " + found[1].second + (found.size() > 2 ? ", ..." : ""));
+    return found.front();
+}
+
+int runApply(const Invocation& call) {
+    const char what[] = "ничего не изменено";
+    const Interruptible stoppable;
+    const std::string place = call.argument(0);
+    const Stream stream = openExport(place);
+    if (!stream)
+        throw Failure(std::string(what) + ": «" + place + "» не выгрузка (её делает export)");
+    const auto store = call.open();
+    int64_t seen = 0;
+    require(store->logPosition(&seen), what);
+    history::Installation living;
+    load(*store, living);
+    history::Installation exported(&living);
+    loadExport(stream.get(), exported);
+    std::optional<history::RecordKey> top;
+    if (call.has("only"))
+        top = readPath(call.value("only"), living, exported);
+    const history::Difference difference = history::differenceOf(living, exported, top, false);
+    Both source(exported, living);
+    print(difference, source);
+    const std::string count = std::to_string(difference.changes.size());
+    if (difference.changes.empty()) {
+        out("различий нет");
+        return Done;
+    }
+    if (call.has("dry-run")) {
+        out("записалось бы записей: " + count);
+        return Done;
+    }
+    require(store->writeAll(difference.parts, seen, {}), what);
+    out("записано записей: " + count + "; отменить: orvo-admin undo " +
+        std::to_string(store->lastWritten().first));
+    return Done;
+}
+
+} // namespace
+
+const Verb diffVerb = {
+    "diff",
+    "[ХРАНИЛИЩЕ] ХРАНИЛИЩЕ|ВЫГРУЗКА",
+    "Показать словами, чем одна установка отличается от другой",
+    "Что надо сделать с первой (без неё - с хранилищем из --store), чтобы она стала такой, как\n"
+    "вторая. Записи сравниваются по ключам, формы и файлы - и по содержимому. Код завершения 1,\n"
+    "если различия есть.",
+    1,
+    2,
+    nullptr,
+    runDiff,
+};
+
+const Verb applyVerb = {
+    "apply",
+    "[--dry-run] [--only ПУТЬ] ВЫГРУЗКА",
+    "Внести в хранилище то, чем выгрузка отличается от него",
+    "Меню, опробованное на копии, - в живую установку: одной транзакцией и одним действием\n"
+    "истории, которое отменяет undo. С --only - только эту папку, рабочий стол, элемент или форму\n"
+    "со всем внутри, с недостающими папками над ними и ресурсами, на которые они ссылаются.\n"
+    "Чего в выгрузке нет, там удаляется. Пользователи и занятость ресурсов не меняются. Если\n"
+    "затронутое тем временем изменил кто-то другой, не меняется ничего.",
+    1,
+    1,
+    applyOptions,
+    runApply,
+};
+
+} // namespace orvo::admin

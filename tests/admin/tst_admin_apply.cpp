@@ -1,0 +1,142 @@
+// What was tried on a copy goes into the living installation.
+#include "AdminTest.h"
+
+#include <QFile>
+
+class TestAdminApply : public AdminTest {
+    Q_OBJECT
+public:
+    using AdminTest::AdminTest;
+
+private slots:
+    void equalInstallationsDoNotDiffer();
+    void differencesAreToldInWords();
+    void anExportIsAppliedAndTakenBack();
+    void aPartIsAppliedAlone();
+    void whatAPartNeedsComesAlong();
+    void usersAndLocksStay();
+    void badArgumentsAreRefused();
+
+private:
+    /// An export of what the store holds now.
+    QString exported(const char* name = "e.json") {
+        const QString file = m_admin->path(name);
+        run({"export", file});
+        return file;
+    }
+    void plant() {
+        QVERIFY(m_kind.byHand(
+            "INSERT INTO \"MenuFolder\" (\"KeyLink\", \"caption\", \"ParentKey\", \"isFolder\") "
+            "VALUES ('f', 'Цех', NULL, '1'), ('d', 'Стол', 'f', '0'), ('o', 'Другой', NULL, '0');"
+            "INSERT INTO \"Menu\" (\"KeyLink\", \"caption\", \"FolderKey\", \"parent\") VALUES "
+            "('a', 'А', 'd', NULL), ('b', 'Б', 'd', 'a'), ('x', 'Икс', 'o', NULL);"));
+        ORVO_DONE(run({"put", "form", m_admin->write("src/a.ui", "text")}));
+    }
+};
+
+void TestAdminApply::equalInstallationsDoNotDiffer() {
+    plant();
+    const QString file = exported();
+    ORVO_DONE(run({"diff", file}));
+    QCOMPARE(run({"diff", file}).out, QString("различий нет\n"));
+    QCOMPARE(run({"apply", file}).out, QString("различий нет\n"));
+    QCOMPARE(
+        run({"diff", QString::fromStdString(m_kind.url()), QString::fromStdString(m_kind.url())})
+            .out,
+        QString("различий нет\n"));
+}
+
+void TestAdminApply::differencesAreToldInWords() {
+    plant();
+    const QString file = exported();
+    QVERIFY(m_kind.byHand("UPDATE \"Menu\" SET \"caption\" = 'Я' WHERE \"KeyLink\" = 'a';"
+                          "DELETE FROM \"Menu\" WHERE \"KeyLink\" = 'x';"));
+    const AdminResult result = run({"diff", file});
+    QCOMPARE(result.code, 1);
+    QVERIFY2(result.out.contains("Переименован элемент меню «А»: было «Я»"),
+             qPrintable(result.out));
+    QVERIFY2(result.out.contains("Создан элемент меню «Икс»"), qPrintable(result.out));
+}
+
+void TestAdminApply::anExportIsAppliedAndTakenBack() {
+    plant();
+    const QString file = exported();
+    const QByteArray before = content();
+    QVERIFY(m_kind.byHand("UPDATE \"Menu\" SET \"caption\" = 'Я' WHERE \"KeyLink\" = 'a';"
+                          "DELETE FROM \"MenuFolder\" WHERE \"KeyLink\" = 'o';"
+                          "INSERT INTO \"Menu\" (\"KeyLink\", \"caption\") VALUES ('new', 'Н');"));
+    ORVO_DONE(run({"put", "form", m_admin->write("src/a.ui", "changed text")}));
+    ORVO_DONE(run({"put", "form", m_admin->write("src/b.ui", "another")}));
+    const QByteArray changed = content();
+    const AdminResult dry = run({"apply", file, "--dry-run"});
+    QCOMPARE(dry.code, 0);
+    QVERIFY2(dry.out.contains("записалось бы записей: "), qPrintable(dry.out));
+    QCOMPARE(content(), changed);
+    const AdminResult done = run({"apply", file});
+    QVERIFY2(done.code == 0, qPrintable(done.err));
+    QCOMPARE(content(), before);
+    ORVO_DONE(run({"undo", done.out.trimmed().section(' ', -1)}));
+    QCOMPARE(content(), changed);
+}
+
+void TestAdminApply::aPartIsAppliedAlone() {
+    plant();
+    const QString file = exported();
+    QVERIFY(m_kind.byHand("UPDATE \"Menu\" SET \"caption\" = 'Я';"
+                          "INSERT INTO \"Menu\" (\"KeyLink\", \"FolderKey\") VALUES ('n', 'd');"));
+    ORVO_DONE(run({"apply", file, "--only", "Цех/Стол/А"}));
+    QByteArray text;
+    const char captions[] = "SELECT \"KeyLink\", \"caption\" FROM \"Menu\" ORDER BY \"KeyLink\";";
+    QVERIFY(m_kind.byHand(captions, &text));
+    QCOMPARE(text.trimmed(), QByteArray("a|А\nb|Б\nn|\nx|Я"));
+    ORVO_DONE(run({"apply", file, "--only", "Цех"}));
+    QVERIFY(m_kind.byHand(captions, &text));
+    QCOMPARE(text.trimmed(), QByteArray("a|А\nb|Б\nx|Я"));
+    ORVO_DONE(run({"apply", file, "--only", "X"})); // by its key
+    QVERIFY(m_kind.byHand(captions, &text));
+    QCOMPARE(text.trimmed(), QByteArray("a|А\nb|Б\nx|Икс"));
+}
+
+void TestAdminApply::whatAPartNeedsComesAlong() {
+    plant();
+    QVERIFY(m_kind.byHand("UPDATE \"Menu\" SET \"MenuResourceKey\" = (SELECT \"KeyLink\" FROM "
+                          "\"MenuResource\") WHERE \"KeyLink\" = 'b';"));
+    const QString file = exported();
+    const QByteArray before = content();
+    QVERIFY(m_kind.byHand("DELETE FROM \"MenuResource\"; DELETE FROM \"Menu\" WHERE \"KeyLink\" <> "
+                          "'x'; DELETE FROM \"MenuFolder\" WHERE \"KeyLink\" <> 'o';"));
+    ORVO_DONE(run({"apply", file, "--only", "Цех/Стол"}));
+    QCOMPARE(content(), before);
+}
+
+void TestAdminApply::usersAndLocksStay() {
+    plant();
+    const QString file = exported();
+    ORVO_DONE(run({"user", "add", "anna_a", "--last", "Иванова"}));
+    ORVO_DONE(run({"lock", "a.ui", "--login", "anna_a"}));
+    const QByteArray before = content();
+    QCOMPARE(run({"apply", file}).out, QString("различий нет\n"));
+    QCOMPARE(content(), before);
+    QCOMPARE(run({"diff", file}).code, 1);
+}
+
+void TestAdminApply::badArgumentsAreRefused() {
+    plant();
+    const QString file = exported();
+    ORVO_REFUSED(run({"apply", m_admin->write("x", "no export")}), "не выгрузка");
+    ORVO_REFUSED(run({"apply", file, "--only", "Нет"}), "--only «Нет»: такого нет");
+    QVERIFY(m_kind.byHand("INSERT INTO \"MenuFolder\" (\"KeyLink\", \"caption\") VALUES ('g', "
+                          "'Цех');"));
+    ORVO_REFUSED(run({"apply", exported("two.json"), "--only", "Цех"}), "назовите по ключу: ");
+    QFile cut(file);
+    QVERIFY(cut.resize(cut.size() / 2));
+    const QByteArray before = content();
+    ORVO_REFUSED(run({"apply", file}), "выгрузка не прочитана");
+    QCOMPARE(content(), before);
+}
+
+int main(int argc, char** argv) {
+    return runOnAllKinds<TestAdminApply>(argc, argv);
+}
+
+#include "tst_admin_apply.moc"
