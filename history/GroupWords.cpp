@@ -208,6 +208,52 @@ bool alike(const Read& a, const Read& b, RecordSource& source) {
            nounOf(*a.table, known(a, source)).one == nounOf(*b.table, known(b, source)).one;
 }
 
+std::vector<const Read*> pointersTo(const std::vector<Read>& reads) {
+    std::vector<const Read*> pointers;
+    for (const Read& read : reads)
+        pointers.push_back(&read);
+    return pointers;
+}
+
+/// A cut writes anew what it takes away: these changes as the moves that were meant; empty if they
+/// are none.
+std::vector<Read> cutAsMoves(const std::vector<const Read*>& ones, RecordSource& source) {
+    std::vector<const Read*> made, gone;
+    for (const Read* read : ones) {
+        if (read->deed == Deed::Created)
+            made.push_back(read);
+        if (read->deed == Deed::Deleted)
+            gone.push_back(read);
+    }
+    const auto captions = [&](const std::vector<const Read*>& reads) {
+        std::multiset<QString> found;
+        for (const Read* read : reads)
+            found.insert(QString::fromLatin1(read->table->name) +
+                         nameOf(*read->table, known(*read, source)));
+        return found;
+    };
+    std::vector<Read> moved;
+    if (made.empty() || made.size() + gone.size() != ones.size() ||
+        captions(made) != captions(gone))
+        return moved;
+    for (size_t i = 0; i < made.size(); ++i) {
+        Read read = *made[i];
+        read.deed = Deed::Moved;
+        for (const store::ParentField& parent : store::parentFields(*read.table)) {
+            const store::Value* to = valueIn(*read.table, read.after, parent.field);
+            const store::Value* from = valueIn(*read.table, gone[i]->before, parent.field);
+            if (!to || store::textOf(*to).empty())
+                continue;
+            read.above = store::findTable(parent.table);
+            read.to = store::textOf(*to);
+            read.from = from ? store::textOf(*from) : std::string();
+            break;
+        }
+        moved.push_back(std::move(read));
+    }
+    return moved;
+}
+
 QString lineOf(const std::vector<Read>& all, RecordSource& source) {
     const std::vector<const Read*> ones = mainOnes(all);
     if (ones.empty())
@@ -220,45 +266,11 @@ QString lineOf(const std::vector<Read>& all, RecordSource& source) {
     if (ones.size() > 1 && one)
         return together(ones, source);
     if (ones.size() > 1) {
-        // A cut writes anew what it takes away.
-        std::vector<const Read*> made, gone;
-        for (const Read* read : ones) {
-            if (read->deed == Deed::Created)
-                made.push_back(read);
-            if (read->deed == Deed::Deleted)
-                gone.push_back(read);
-        }
-        const auto captions = [&](const std::vector<const Read*>& reads) {
-            std::multiset<QString> found;
-            for (const Read* read : reads)
-                found.insert(QString::fromLatin1(read->table->name) +
-                             nameOf(*read->table, known(*read, source)));
-            return found;
-        };
-        if (!made.empty() && made.size() + gone.size() == ones.size() &&
-            captions(made) == captions(gone)) {
-            std::vector<Read> moved;
-            for (size_t i = 0; i < made.size(); ++i) {
-                Read read = *made[i];
-                read.deed = Deed::Moved;
-                for (const store::ParentField& parent : store::parentFields(*read.table)) {
-                    const store::Value* to = valueIn(*read.table, read.after, parent.field);
-                    const store::Value* from = valueIn(*read.table, gone[i]->before, parent.field);
-                    if (!to || store::textOf(*to).empty())
-                        continue;
-                    read.above = store::findTable(parent.table);
-                    read.to = store::textOf(*to);
-                    read.from = from ? store::textOf(*from) : std::string();
-                    break;
-                }
-                moved.push_back(std::move(read));
-            }
-            std::vector<const Read*> pointers;
-            for (const Read& read : moved)
-                pointers.push_back(&read);
-            return pointers.size() == 1 ? sentence(moved.front(), source)
-                                        : together(pointers, source);
-        }
+        const std::vector<Read> moved = cutAsMoves(ones, source);
+        if (moved.size() == 1)
+            return sentence(moved.front(), source);
+        if (!moved.empty())
+            return together(pointersTo(moved), source);
         return sentence(first, source) + more(ones.size() - 1);
     }
     QString line = sentence(first, source);
@@ -272,6 +284,22 @@ QString lineOf(const std::vector<Read>& all, RecordSource& source) {
                     .arg(numeralForm(inside, QStringLiteral("запись"), QStringLiteral("записи"),
                                      QStringLiteral("записей")));
     return line;
+}
+
+QString infinitive(Deed deed) {
+    static const char* const words[] = {"создать",  "удалить", "переименовать", "переместить",
+                                        "изменить", "занять",  "освободить",    "переставить"};
+    return QString::fromUtf8(words[static_cast<size_t>(deed)]);
+}
+
+/// "21 папку ресурсов", "4 папки ресурсов": what something is done to.
+QString countedObject(size_t count, Noun noun) {
+    const QString word = noun.one.section(QLatin1Char(' '), 0, 0);
+    if (noun.gender == Noun::Feminine && word.endsWith(QStringLiteral("а")))
+        noun.one.replace(word.size() - 1, 1, QStringLiteral("у"));
+    else if (noun.gender == Noun::Feminine && word.endsWith(QStringLiteral("я")))
+        noun.one.replace(word.size() - 1, 1, QStringLiteral("ю"));
+    return counted(count, noun);
 }
 
 } // namespace
@@ -290,6 +318,36 @@ GroupWords describe(const Group& group, RecordSource& source) {
     if (!ones.empty() && ones.front()->table)
         words.place = placeOf(*ones.front()->table, known(*ones.front(), source), &source);
     return words;
+}
+
+QString commandWords(const Group& group, RecordSource& source) {
+    std::vector<Read> all;
+    for (const store::Change& change : group.changes)
+        all.push_back(readChange(change));
+    std::vector<const Read*> ones = mainOnes(all);
+    if (ones.empty() || !ones.front()->table)
+        return QStringLiteral("изменить записи");
+    const std::vector<Read> moved = cutAsMoves(ones, source);
+    if (!moved.empty())
+        ones = pointersTo(moved);
+    const Read& first = *ones.front();
+    const QString verb = group.undoes.empty() ? infinitive(first.deed) : QStringLiteral("вернуть");
+    const Values values = known(first, source);
+    const QString name = nameOf(*first.table, values);
+    const QString object =
+        name.isEmpty() ? recordWords(*first.table, values, first.change->key) : quoted(name);
+    if (ones.size() == 1)
+        return verb + QLatin1Char(' ') + object +
+               (all.size() > 1 && moved.empty() &&
+                        (first.deed == Deed::Created || first.deed == Deed::Deleted)
+                    ? QStringLiteral(" со всем, что внутри")
+                    : QString());
+    constexpr size_t mostCompared = 200;
+    const auto compared = static_cast<ptrdiff_t>(std::min(ones.size(), mostCompared));
+    if (std::all_of(ones.begin(), ones.begin() + compared,
+                    [&](const Read* read) { return alike(first, *read, source); }))
+        return verb + QLatin1Char(' ') + countedObject(ones.size(), nounOf(*first.table, values));
+    return verb + QLatin1Char(' ') + object + more(ones.size() - 1);
 }
 
 ChangeWords describe(const store::Change& change, RecordSource& source) {

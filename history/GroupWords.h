@@ -29,6 +29,8 @@ struct GroupWords {
 
 /// The group in one line. Names that a change does not tell are asked of the source.
 GroupWords describe(const Group& group, RecordSource& source);
+/// What the user did, as a command names it: "переместить «Котельная»".
+QString commandWords(const Group& group, RecordSource& source);
 /// One of its changes, with old and new values.
 ChangeWords describe(const store::Change& change, RecordSource& source);
 

@@ -45,17 +45,12 @@ store::Status fetchNaming(store::Store& store, const store::TableDef& table, int
                                           : store.fetchWhere(table.name, def.name, key, into);
 }
 
-Values StoredRecords::valuesOf(const store::TableDef& table, const std::string& key) {
+Values valuesIn(const MDArray* rows, uint32_t number) {
     Values values;
-    CMDArray rows;
-    if (!m_store || key.empty() ||
-        !m_store->fetchLinked(table.name, field::KeyLink, key, rows.array).ok() ||
-        mdx::postedCount(rows.array) == 0)
-        return values;
-    MDRData* record = mdx::postedRecord(rows.array, 0);
-    for (int i = 0; i < rows.array->fieldCount; ++i) {
+    MDRData* record = mdx::postedRecord(rows, number);
+    for (int i = 0; record && i < rows->fieldCount; ++i) {
         MDRVar var{};
-        if (MDRGetVal(MDRFldByNum(rows.array, i), record, &var) != MDX_OK)
+        if (MDRGetVal(MDRFldByNum(rows, i), record, &var) != MDX_OK)
             continue;
         if (var.null != 0 || var.type == MDX_NONE)
             values[i] = std::monostate();
@@ -67,6 +62,15 @@ Values StoredRecords::valuesOf(const store::TableDef& table, const std::string& 
             values[i] = int64_t(var.type == MDX_BOOLEAN ? var.value.boolean : var.value.integer);
     }
     return values;
+}
+
+Values StoredRecords::valuesOf(const store::TableDef& table, const std::string& key) {
+    CMDArray rows;
+    if (!m_store || key.empty() ||
+        !m_store->fetchLinked(table.name, field::KeyLink, key, rows.array).ok() ||
+        mdx::postedCount(rows.array) == 0)
+        return {};
+    return valuesIn(rows.array, 0);
 }
 
 void LoggedRecords::prepare(const store::TableDef& table, const std::vector<std::string>& keys) {

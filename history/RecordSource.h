@@ -26,6 +26,8 @@ std::string jsonOf(const store::TableDef& table, const Values& values);
 /// exactly.
 store::Status fetchNaming(store::Store& store, const store::TableDef& table, int field,
                           const std::string& key, MDArray* into);
+/// The values of a posted record, by its number in the order of entry.
+Values valuesIn(const MDArray* rows, uint32_t number);
 
 class RecordSource {
 public:

@@ -27,6 +27,8 @@ public:
     /// Everything before that id bears on nothing that was asked about.
     int64_t begin() const { return m_begin; }
     bool stands(int64_t group) const { return m_off.count(group) == 0; }
+    /// The groups that do not stand, of those from begin() on.
+    const std::set<int64_t>& undone() const { return m_off; }
     bool isUndoing(int64_t group) const { return m_undoes.count(group) != 0; }
     /// These groups, the ones that they take back, the ones that those take back and so on.
     std::set<int64_t> concerned(const std::vector<int64_t>& groups) const;
