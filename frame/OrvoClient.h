@@ -39,6 +39,7 @@
 #endif
 
 class QAbstractButton;
+class QMenu;
 class COrvoCliMod;
 class COrvoCliSes;
 class CPopMessageBox;
@@ -72,6 +73,9 @@ public:
     virtual bool hasRecordMarks() const;
     /// The mark of a record. Cheap: it is asked with every row that is painted.
     virtual RecordMark recordMark(const QString& table, const QString& key) const;
+    /// Adds to the end of the context menu of a record's row what the host offers for the record.
+    /// Nothing for a row behind which no record stands.
+    virtual void addRecordActions(QMenu* menu, const QString& table, const QString& key);
 };
 
 /// Base class of a module: a main window that the host places.
@@ -133,6 +137,9 @@ public:
     /// Table and key of the record that is being edited; no key for one that is new, and nothing if
     /// no edit is open.
     virtual QPair<QString, QString> ModEditRecord() const;
+    /// Makes the record's row the current one; `desktop`: of an element of a menu, the key of its
+    /// desktop. False if this module does not show the record. Called while no edit is open.
+    virtual bool ModShowRecord(const QString& table, const QString& key, const QString& desktop);
 
     void SetModTitle(QString title, QString second);
     /// Takes the notifications that wait for this module and calls MessageData once for each, in

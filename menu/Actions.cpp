@@ -4,6 +4,7 @@
 
 #include "menu/OrvoMenu.h"
 
+#include "frame/Vocabulary.h"
 #include "frame/WindowParts.h"
 #include "menu/Columns.h"
 
@@ -12,6 +13,9 @@
 #include <QMimeData>
 #include <QToolButton>
 #include <QTreeView>
+
+using orvo::menu::DesckColumn;
+using orvo::menu::MenuColumn;
 
 void OrvoMenu::on_focus_changed(QWidget* old, QWidget*) {
     if (old == m_ui->tvMenu)
@@ -108,6 +112,9 @@ void OrvoMenu::showContextMenu_tvDesck(const QPoint& point) {
     const QModelIndex current = m_ui->tvDesck->currentIndex();
     if (current.isValid())
         setDesckActionsEnabled(current);
+    const QModelIndex row = m_ui->tvDesck->indexAt(point);
+    m_app->addRecordActions(&menu, QString::fromLatin1(orvo::table::MenuFolder),
+                            row.siblingAtColumn(DesckColumn::KeyLink).data().toString());
     menu.exec(position);
 }
 
@@ -121,5 +128,8 @@ void OrvoMenu::showContextMenu_tvMenu(const QPoint& point) {
     menu.addActions({m_ui->actCutMenuElement, m_ui->actCopyMenuElement, m_ui->actPasteMenuElement});
     menu.addSeparator();
     menu.addAction(m_ui->actDeleteElem);
+    const QModelIndex row = m_ui->tvMenu->indexAt(point);
+    m_app->addRecordActions(&menu, QString::fromLatin1(orvo::table::Menu),
+                            row.siblingAtColumn(MenuColumn::KeyLink).data().toString());
     menu.exec(position);
 }

@@ -1,6 +1,10 @@
-// What the host asks of the open edit before it closes the editor or opens it anew.
+// What the host asks of the editor: its open edit, before it closes the editor or opens it anew,
+// and to show a record.
+#include "ui_OrvoMenu.h"
+
 #include "menu/OrvoMenu.h"
 
+#include "frame/Records.h"
 #include "frame/Vocabulary.h"
 #include "menu/Columns.h"
 
@@ -51,4 +55,28 @@ bool OrvoMenu::ModEditSave() {
 
 void OrvoMenu::ModEditCancel() {
     on_cancel_pressed();
+}
+
+bool OrvoMenu::ModShowRecord(const QString& table, const QString& key, const QString& desktop) {
+    const bool isElement = table == QLatin1String(orvo::table::Menu);
+    if (!m_desckModel || (!isElement && table != QLatin1String(orvo::table::MenuFolder)))
+        return false;
+    const QString desckKey = isElement ? desktop : key;
+    const QModelIndex desck = desckKey.isEmpty() ? QModelIndex() : desckRow(desckKey);
+    if (!desck.isValid())
+        return false;
+    m_ui->tvDesck->setCurrentIndex(desck);
+    // The current desktop need not be the one whose menu is open.
+    if (isElement && !orvo::sameText(openDesckKey(), desckKey)) {
+        clearMenuModel();
+        loadMenuTree(desckKey);
+    }
+    const QModelIndex element = isElement ? recordRow(key) : QModelIndex();
+    if (isElement && !element.isValid())
+        return false;
+    QTreeView* view = isElement ? m_ui->tvMenu : m_ui->tvDesck;
+    view->setCurrentIndex(isElement ? element : desck);
+    view->scrollTo(view->currentIndex());
+    view->setFocus();
+    return true;
 }

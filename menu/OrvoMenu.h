@@ -67,6 +67,7 @@ public:
     bool ModEditSave() override;
     void ModEditCancel() override;
     QPair<QString, QString> ModEditRecord() const override;
+    bool ModShowRecord(const QString& table, const QString& key, const QString& desktop) override;
 
     /// The records that this editor holds of `MenuFolder`, `Menu` (the open desktop) or
     /// `MenuResource`, by key: a line of field names, then a line per record, values split by tabs,

@@ -1,4 +1,7 @@
-// What the host asks of the open edit before it closes the editor or opens it anew.
+// What the host asks of the editor: its open edit, before it closes the editor or opens it anew,
+// and to show a record.
+#include "ui_OrvoResources.h"
+
 #include "resources/OrvoResources.h"
 
 #include "resources/Columns.h"
@@ -28,4 +31,15 @@ bool OrvoResources::ModEditSave() {
 
 void OrvoResources::ModEditCancel() {
     on_cancel_pressed();
+}
+
+bool OrvoResources::ModShowRecord(const QString& table, const QString& key, const QString&) {
+    const QModelIndex row =
+        m_resModel && !key.isEmpty() ? m_resModel->findIndexByKey(key) : QModelIndex();
+    if (!row.isValid() || table != QLatin1String(orvo::resources::tableOf(row)))
+        return false;
+    m_ui->tvRes->setCurrentIndex(row);
+    m_ui->tvRes->scrollTo(row);
+    m_ui->tvRes->setFocus();
+    return true;
 }

@@ -61,6 +61,7 @@ public:
     bool ModEditSave() override;
     void ModEditCancel() override;
     QPair<QString, QString> ModEditRecord() const override;
+    bool ModShowRecord(const QString& table, const QString& key, const QString& desktop) override;
 
     /// The records that this editor holds of `MenuResource` or `MenuResourceFolder`, as
     /// orvo::tableText shows them. A null string for any other table.

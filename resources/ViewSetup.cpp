@@ -9,6 +9,7 @@
 #include "resources/Fields.h"
 
 #include <QItemSelectionModel>
+#include <QMenu>
 #include <QTreeView>
 
 using orvo::resources::ResColumn;
@@ -61,6 +62,18 @@ void OrvoResources::setTreeArrangement() {
 
     m_ui->tvProp->setStyleSheet(passportStyleSheet());
     arrangePassport(m_ui->tvProp);
+    m_ui->tvProp->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(m_ui->tvProp, &QTreeView::customContextMenuRequested, this,
+            [this](const QPoint& point) {
+                const QModelIndex row = m_ui->tvRes->currentIndex();
+                if (!row.isValid())
+                    return;
+                QMenu menu;
+                m_app->addRecordActions(&menu, QString::fromLatin1(orvo::resources::tableOf(row)),
+                                        orvo::resources::textAt(row, ResColumn::KeyLink));
+                if (!menu.isEmpty())
+                    menu.exec(m_ui->tvProp->viewport()->mapToGlobal(point));
+            });
     orvo::followExpansion(tree, m_resModel.get());
 
     connect(tree->selectionModel(), &QItemSelectionModel::currentChanged, this,

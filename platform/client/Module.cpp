@@ -61,6 +61,8 @@ RecordMark COrvoCliApp::recordMark(const QString&, const QString&) const {
     return {};
 }
 
+void COrvoCliApp::addRecordActions(QMenu*, const QString&, const QString&) {}
+
 struct COrvoCliMod::Private {
     std::deque<Block> queue;
     QHash<QString, QString> params;
@@ -167,6 +169,10 @@ void COrvoCliMod::ModEditCancel() {}
 
 QPair<QString, QString> COrvoCliMod::ModEditRecord() const {
     return {};
+}
+
+bool COrvoCliMod::ModShowRecord(const QString&, const QString&, const QString&) {
+    return false;
 }
 
 void COrvoCliMod::SetModTitle(QString title, QString second) {

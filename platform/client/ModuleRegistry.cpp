@@ -30,6 +30,9 @@ public:
     RecordMark recordMark(const QString& table, const QString& key) const override {
         return m_app.recordMark(table, key);
     }
+    void addRecordActions(QMenu* menu, const QString& table, const QString& key) override {
+        m_app.addRecordActions(menu, table, key);
+    }
 
 private:
     COrvoCliApp& m_app;
