@@ -28,6 +28,12 @@ bool CloseGuard::isClean() const {
     return unsaved().empty();
 }
 
+void CloseGuard::dropAll() {
+    for (const Unsaved& one : unsaved())
+        if (one.drop)
+            one.drop();
+}
+
 bool CloseGuard::mayGo(QWidget* window, const QString& title, Answers answers) {
     if (m_question)
         return false;

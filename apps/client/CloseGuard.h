@@ -6,6 +6,7 @@
 #ifndef ORVO_APPS_CLIENT_CLOSEGUARD_H
 #define ORVO_APPS_CLIENT_CLOSEGUARD_H
 
+#include <QMessageBox>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -13,7 +14,6 @@
 #include <functional>
 #include <vector>
 
-class QMessageBox;
 class QWidget;
 
 namespace orvo::app {
@@ -26,6 +26,8 @@ public:
         QString what; ///< a line of the question: "Редактор меню: элемент «Архив»"
         /// Tries to store it. False if it is not stored; why, the user has been told.
         std::function<bool()> save;
+        /// Gives it up; null: it goes with the window or the module.
+        std::function<void()> drop = {};
     };
     using Source = std::function<std::vector<Unsaved>()>;
     struct Answers {
@@ -39,6 +41,10 @@ public:
     /// Asked each time anew, in the order of adding.
     void addSource(Source source);
     bool isClean() const;
+    /// For a caller whose `go` leaves windows and modules open: gives up what was not saved.
+    void dropAll();
+    /// Whether its question stands.
+    bool isAsking() const { return !m_question.isNull(); }
     /// True if nothing would be lost: the caller goes on at once, and no answer is called. Else the
     /// question is put over `window`, and one of the answers is called later, from the event loop.
     /// While a question stands another call gives false and is forgotten.

@@ -1,0 +1,115 @@
+#include "apps/client/RevertPlan.h"
+
+#include "frame/Vocabulary.h"
+#include "platform/mdx/MdxBuild.h"
+#include "platform/store/Merge.h"
+#include "platform/store/Names.h"
+
+#include <algorithm>
+#include <cstring>
+#include <set>
+
+namespace orvo::app {
+
+namespace {
+
+constexpr size_t mostWrites = 1000;
+constexpr uint32_t mostPlaces = 3000;
+
+bool is(const store::TableDef& table, const char* name) {
+    return std::strcmp(table.name, name) == 0;
+}
+
+const store::Value* valueIn(const store::TableDef& table, const history::Values& values,
+                            const char* field) {
+    const auto found = values.find(table.find(field));
+    return found == values.end() ? nullptr : &found->second;
+}
+
+int64_t numberIn(const store::TableDef& table, const history::Values& values, const char* field) {
+    const store::Value* value = valueIn(table, values, field);
+    const auto* number = value ? std::get_if<int64_t>(value) : nullptr;
+    return number ? *number : 0;
+}
+
+/// Whether a record of `table` with these values may stand below a record of `above` with those, by
+/// the link `field`.
+bool fits(const store::TableDef& table, const history::Values& values, const char* field,
+          const store::TableDef& above, const history::Values& those) {
+    if (is(above, table::MenuFolder)) {
+        const bool wantsDesktop = std::strcmp(field, field::FolderKey) == 0;
+        return (numberIn(above, those, field::isFolder) == 1) != wantsDesktop;
+    }
+    if (is(above, table::Menu)) {
+        const store::Value* resource = valueIn(above, those, field::MenuResourceKey);
+        return !resource || store::textOf(*resource).empty();
+    }
+    return numberIn(above, those, field::type_) == numberIn(table, values, field::type_);
+}
+
+RevertPlan::Place placeOf(store::MaintainedStore& store, history::LoggedRecords& source,
+                          const history::Remark& remark) {
+    const store::TableDef& table = *remark.table;
+    const char* field = table.fields[static_cast<size_t>(remark.field)].name;
+    RevertPlan::Place place;
+    place.missing = store::foldedKey(remark.missing);
+    place.what = history::remarkWords(remark, source);
+    const history::Values values = source.valuesOf(table, remark.key);
+    const store::TableDef* above = nullptr;
+    for (const store::ParentField& parent : store::parentFields(table))
+        if (std::strcmp(parent.field, field) == 0)
+            above = store::findTable(parent.table);
+    if (!above)
+        return place;
+    // What is no file hangs below the folder of its kind; an element has a desktop.
+    place.top = is(*above, table::MenuResourceFolder)
+                    ? numberIn(table, values, field::type_) == Kind::File
+                    : std::strcmp(field, field::FolderKey) != 0;
+    CMDArray rows;
+    store::Status status;
+    if (is(*above, table::Menu)) {
+        const store::Value* desktop = valueIn(table, values, field::FolderKey);
+        status =
+            history::fetchNaming(store, *above, above->find(field::FolderKey),
+                                 desktop ? store::textOf(*desktop) : std::string(), rows.array);
+    } else {
+        status = store.fetch(above->name, rows.array);
+    }
+    const uint32_t count = status.ok() ? mdx::postedCount(rows.array) : 0;
+    for (uint32_t i = 0; i < count && place.others.size() < mostPlaces; ++i) {
+        const history::Values those = history::valuesIn(rows.array, i);
+        if (!fits(table, values, field, *above, those))
+            continue;
+        const QString path = history::placeOf(*above, those, &source);
+        const QString name = history::nameOf(*above, those);
+        place.others.emplace_back(path.isEmpty() ? name : path + QStringLiteral(" / ") + name,
+                                  store::textOf(those.at(0)));
+    }
+    std::sort(place.others.begin(), place.others.end());
+    return place;
+}
+
+} // namespace
+
+void describePlan(store::MaintainedStore& store, bool withWrites, RevertPlan* plan) {
+    history::LoggedRecords source(store);
+    if (withWrites) {
+        source.prepare(plan->inverse.preview);
+        const size_t count = std::min(plan->inverse.preview.size(), mostWrites);
+        for (size_t i = 0; i < count; ++i)
+            plan->writes.push_back(history::describe(plan->inverse.preview[i], source));
+    }
+    std::set<std::string> missing;
+    for (const history::Remark& remark : plan->inverse.remarks) {
+        if (remark.why == history::Remark::NoPlace && withWrites) {
+            if (missing.insert(store::foldedKey(remark.missing)).second)
+                plan->places.push_back(placeOf(store, source, remark));
+        } else if (remark.why == history::Remark::BuiltOn) {
+            plan->builtOn << history::remarkWords(remark, source);
+        } else {
+            plan->left << history::remarkWords(remark, source);
+        }
+    }
+}
+
+} // namespace orvo::app

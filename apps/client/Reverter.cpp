@@ -1,0 +1,200 @@
+#include "apps/client/Reverter.h"
+
+#include "apps/client/CloseGuard.h"
+#include "apps/client/LogPane.h"
+#include "apps/client/RevertDialog.h"
+#include "frame/Vocabulary.h"
+#include "history/RecordWords.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace orvo::app {
+
+namespace {
+
+constexpr int mostLinesTold = 20;
+
+/// The menu editor gives a desktop without a folder, which it has not made itself, no row.
+bool restoresTopDesktop(const history::Inverse& inverse) {
+    for (const store::TableWrites& part : inverse.parts)
+        for (const store::Write& write : part.writes) {
+            const int parent = part.table->find(field::ParentKey);
+            if (write.flag == MDX_INSERT && part.table == store::findTable(table::MenuFolder) &&
+                std::none_of(write.values.begin(), write.values.end(), [&](const auto& value) {
+                    return value.first == parent && !store::textOf(value.second).empty();
+                }))
+                return true;
+        }
+    return false;
+}
+
+} // namespace
+
+Reverter::Reverter(StoreThread& thread, CloseGuard& guard, QWidget* window)
+    : m_thread(thread)
+    , m_guard(guard)
+    , m_window(window) {}
+
+Reverter::~Reverter() {
+    delete m_dialog;
+}
+
+bool Reverter::start(Request request, Finished finished) {
+    const QString reason = m_request ? QStringLiteral("прежняя отмена ещё не закончена")
+                           : m_guard.isAsking() ? QStringLiteral("сначала ответьте на вопрос")
+                           : m_check ? m_check()
+                                     : QString();
+    if (!reason.isEmpty()) {
+        emit told(LogWarning, QStringLiteral("%1: %2.").arg(request.title, reason));
+        return false;
+    }
+    m_request = std::move(request);
+    m_finished = std::move(finished);
+    m_choices = {};
+    // The action that was named is the one that is taken back, whatever is saved before it.
+    if (m_guard.mayGo(m_window, m_request->title,
+                      {[this] { begin(); }, [this] { finish(Outcome::GivenUp); }}))
+        begin();
+    return true;
+}
+
+void Reverter::begin() {
+    m_guard.dropAll();
+    emit busyChanged(true, m_request->title);
+    if (m_request->preview)
+        showDialog();
+    else
+        write();
+}
+
+void Reverter::showDialog() {
+    if (!m_dialog) {
+        m_dialog = new RevertDialog(m_request->title, m_window);
+        connect(m_dialog, &RevertDialog::choicesChanged, this, &Reverter::plan);
+        // Queued: the dialog and its modality are gone before something else is shown.
+        connect(
+            m_dialog, &QDialog::finished, this,
+            [this](int result) {
+                if (!m_request)
+                    return;
+                if (result == QDialog::Accepted)
+                    write();
+                else
+                    finish(Outcome::GivenUp);
+            },
+            Qt::QueuedConnection);
+        connect(m_dialog, &QDialog::accepted, this, [this] { m_choices = m_dialog->choices(); });
+        m_dialog->open();
+    }
+    plan();
+}
+
+void Reverter::plan() {
+    m_choices = m_dialog->choices();
+    auto plan = std::make_shared<RevertPlan>();
+    auto groups = std::make_shared<std::vector<int64_t>>(m_request->groups);
+    m_thread.run(
+        this,
+        [plan, groups, collect = m_request->collect,
+         choices = m_choices](store::MaintainedStore& store) {
+            store::Status status;
+            if (groups->empty() && collect)
+                status = collect(store, groups.get());
+            if (status.ok())
+                status = history::planInverse(store, *groups, choices, &plan->inverse);
+            if (status.ok())
+                describePlan(store, true, plan.get());
+            return status;
+        },
+        [this, plan, groups, round = ++m_round](const store::Status& status) {
+            if (m_request && round == m_round)
+                m_request->groups = *groups;
+            planned(round, status, *plan);
+        });
+}
+
+void Reverter::planned(uint64_t round, const store::Status& status, const RevertPlan& plan) {
+    if (!m_request || round != m_round || !m_dialog)
+        return;
+    if (status.ok()) {
+        m_dialog->setPlan(plan);
+        return;
+    }
+    emit told(LogError,
+              QStringLiteral("%1: %2").arg(m_request->title, QString::fromStdString(status.text)));
+    finish(Outcome::Failed);
+}
+
+void Reverter::write() {
+    ++m_round; // plans on their way are of no use any more
+    auto plan = std::make_shared<RevertPlan>();
+    m_thread.run(
+        this,
+        [plan, groups = m_request->groups, choices = m_choices](store::MaintainedStore& store) {
+            store::Status status = history::undo(store, groups, choices, &plan->inverse);
+            if (status.ok())
+                describePlan(store, false, plan.get());
+            return status;
+        },
+        [this, plan](const store::Status& status) { written(status, *plan); });
+}
+
+void Reverter::written(const store::Status& status, const RevertPlan& plan) {
+    if (!m_request)
+        return;
+    if (!status.ok()) {
+        emit told(LogError, QStringLiteral("%1: %2").arg(m_request->title,
+                                                         QString::fromStdString(status.text)));
+        finish(Outcome::Failed);
+    } else if (plan.inverse.written) {
+        tellWritten(plan);
+        const bool reopen = restoresTopDesktop(plan.inverse);
+        finish(Outcome::Written);
+        if (reopen)
+            emit reopenNeeded();
+    } else if (plan.inverse.asks() && !m_choices.partly) {
+        showDialog();
+    } else {
+        QStringList why = plan.left;
+        why << plan.builtOn;
+        emit told(LogWarning, why.isEmpty()
+                                  ? QStringLiteral("%1: возвращать нечего.").arg(m_request->title)
+                                  : QStringLiteral("%1: возвращать нечего. %2.")
+                                        .arg(m_request->title, why.join(QStringLiteral(". "))));
+        finish(Outcome::NothingLeft);
+    }
+}
+
+void Reverter::tellWritten(const RevertPlan& plan) {
+    const size_t count = plan.inverse.count;
+    emit told(LogInformation,
+              QStringLiteral("%1 (%2 %3)")
+                  .arg(m_request->done)
+                  .arg(count)
+                  .arg(history::numeralForm(count, QStringLiteral("запись"),
+                                            QStringLiteral("записи"), QStringLiteral("записей"))));
+    QStringList left = plan.left;
+    left << plan.builtOn;
+    for (int i = 0; i < left.size() && i < mostLinesTold; ++i)
+        emit told(LogWarning, left[i] + QLatin1Char('.'));
+    if (left.size() > mostLinesTold)
+        emit told(LogWarning, QStringLiteral("Не возвращено ещё %1: смотрите историю.")
+                                  .arg(left.size() - mostLinesTold));
+}
+
+void Reverter::finish(Outcome outcome) {
+    const QString title = m_request->title;
+    const Finished finished = std::exchange(m_finished, nullptr);
+    m_request.reset();
+    ++m_round;
+    if (m_dialog) {
+        m_dialog->disconnect(this); // its end is none of the next request
+        m_dialog->close();
+    }
+    emit busyChanged(false, title);
+    if (finished)
+        finished(outcome);
+}
+
+} // namespace orvo::app

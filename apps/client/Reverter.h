@@ -1,0 +1,90 @@
+// Reverter.h: takes actions of the history back, for a key or for the history's pane: asks about
+// open edits first, shows what would be written where that is wanted or something has to be
+// decided, writes it in one transaction beside the window, and tells what came of it.
+//
+// What is written comes back to the modules as any change of the store does.
+//
+// Invariants: 1 one request at a time; 2 each that was begun ends with one call of its Finished;
+// 3 the dialog exists only while a request does.
+#ifndef ORVO_APPS_CLIENT_REVERTER_H
+#define ORVO_APPS_CLIENT_REVERTER_H
+
+#include "apps/client/RevertPlan.h"
+#include "apps/client/StoreThread.h"
+
+#include <QPointer>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace orvo::app {
+
+class CloseGuard;
+class RevertDialog;
+
+class Reverter : public QObject {
+    Q_OBJECT
+public:
+    enum class Outcome {
+        Written,
+        NothingLeft, ///< there was nothing to write; why, was told
+        GivenUp,     ///< by the user
+        Failed,
+    };
+    using Finished = std::function<void(Outcome outcome)>;
+    /// Finds groups, in the thread of the store.
+    using Collect =
+        std::function<store::Status(store::MaintainedStore& store, std::vector<int64_t>* groups)>;
+
+    struct Request {
+        QString title; ///< "Отменить: переместить «Котельная»"
+        QString done;  ///< "Отменено: переместить «Котельная»"
+        std::vector<int64_t> groups;
+        Collect collect;      ///< finds them; null: they are known
+        bool preview = false; ///< ask in any case
+    };
+
+    /// All of these outlive it.
+    Reverter(StoreThread& thread, CloseGuard& guard, QWidget* window);
+    ~Reverter() override;
+
+    /// Why nothing can be taken back at the moment; empty: it can.
+    void setCheck(std::function<QString()> check) { m_check = std::move(check); }
+    bool isBusy() const { return m_request.has_value(); }
+    /// False if it did not begin, with the reason told.
+    bool start(Request request, Finished finished);
+
+signals:
+    /// What the user should read; the numbers are those of COrvoCliMod::LogFile.
+    void told(int level, const QString& text);
+    void busyChanged(bool busy, const QString& title);
+    /// What was written has a place in the trees only after the modules are opened anew.
+    void reopenNeeded();
+
+private:
+    struct Result;
+    void begin();
+    void plan();
+    void write();
+    void showDialog();
+    void planned(uint64_t round, const store::Status& status, const RevertPlan& plan);
+    void written(const store::Status& status, const RevertPlan& plan);
+    void tellWritten(const RevertPlan& plan);
+    void finish(Outcome outcome);
+
+    StoreThread& m_thread;
+    CloseGuard& m_guard;
+    QWidget* const m_window;
+    std::function<QString()> m_check;
+    std::optional<Request> m_request;
+    Finished m_finished;
+    history::Choices m_choices;
+    QPointer<RevertDialog> m_dialog; ///< deletes itself when closed
+    uint64_t m_round = 0;            ///< of planning: earlier answers are outdated
+    bool m_writing = false;
+};
+
+} // namespace orvo::app
+
+#endif

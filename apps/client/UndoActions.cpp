@@ -1,0 +1,165 @@
+#include "apps/client/UndoActions.h"
+
+#include "apps/client/LogPane.h"
+#include "apps/client/Look.h"
+
+#include <utility>
+
+namespace orvo::app {
+
+namespace {
+
+constexpr int readDelayMs = 50; ///< a burst of changes is one reason to read
+constexpr size_t mostPresses = 30;
+constexpr int longestWords = 70;
+
+QString withWords(const QString& command, const QString& words) {
+    return words.isEmpty()
+               ? command
+               : QStringLiteral("%1: %2").arg(command, clipped(oneLine(words), longestWords));
+}
+
+QString menuText(QString text) {
+    return text.replace(QLatin1Char('&'), QLatin1String("&&"));
+}
+
+} // namespace
+
+UndoActions::UndoActions(StoreThread& thread, Reverter& reverter, history::Actor actor,
+                         bool mayWrite)
+    : m_thread(thread)
+    , m_reverter(reverter)
+    , m_actor(std::move(actor))
+    , m_mayWrite(mayWrite) {
+    m_undo.setObjectName(QStringLiteral("actUndo"));
+    m_redo.setObjectName(QStringLiteral("actRedo"));
+    m_undo.setShortcut(QKeySequence(QStringLiteral("Ctrl+Z")));
+    m_redo.setShortcut(QKeySequence(QStringLiteral("Ctrl+Shift+Z")));
+    for (QAction* action : {&m_undo, &m_redo}) {
+        action->setAutoRepeat(false);
+        // Queued: the menu is closed before a question comes up.
+        connect(
+            action, &QAction::triggered, this, [this, action] { press(action == &m_redo); },
+            Qt::QueuedConnection);
+    }
+    m_readSoon.setSingleShot(true);
+    m_readSoon.setInterval(readDelayMs);
+    connect(&m_readSoon, &QTimer::timeout, this, &UndoActions::read);
+    show();
+    read();
+}
+
+void UndoActions::outdate() {
+    m_fresh = false;
+    m_outdated = m_reading;
+    show();
+    if (!m_readSoon.isActive())
+        m_readSoon.start();
+}
+
+void UndoActions::changed(const store::Change& change) {
+    if (change.login == m_actor.login || !change.undoes.empty())
+        outdate();
+}
+
+void UndoActions::logLost() {
+    m_passed.clear(); // numbers of another log
+    outdate();
+}
+
+bool UndoActions::isIdle() const {
+    return !m_mayWrite || (m_fresh && !m_isStepping && m_presses.empty());
+}
+
+void UndoActions::read() {
+    m_readSoon.stop();
+    if (m_reading || !m_mayWrite)
+        return;
+    m_reading = true;
+    m_outdated = false;
+    auto steps = std::make_shared<history::Steps>();
+    m_thread.run(
+        this,
+        [steps, actor = m_actor, passed = m_passed](store::MaintainedStore& store) {
+            return history::readSteps(store, actor, passed, steps.get());
+        },
+        [this, steps](const store::Status& status) { answered(status, *steps); });
+}
+
+void UndoActions::answered(const store::Status& status, const history::Steps& steps) {
+    m_reading = false;
+    if (!status.ok()) {
+        if (!std::exchange(m_presses, {}).empty())
+            emit told(LogError, QStringLiteral("Отмена: история не прочитана: %1")
+                                    .arg(QString::fromStdString(status.text)));
+        return; // the next change or key reads anew
+    }
+    if (m_outdated) {
+        read();
+        return;
+    }
+    m_steps = steps;
+    m_fresh = true;
+    show();
+    next();
+}
+
+void UndoActions::show() {
+    const auto showOne = [this](QAction& action, const QString& command,
+                                const history::Steps::Step& step) {
+        action.setText(menuText(withWords(command, m_fresh ? step.words : QString())));
+        action.setEnabled(m_mayWrite && (!m_fresh || step.group != 0));
+    };
+    showOne(m_undo, QStringLiteral("Отменить"), m_steps.undo);
+    showOne(m_redo, QStringLiteral("Повторить"), m_steps.redo);
+}
+
+void UndoActions::press(bool redo) {
+    if (!m_mayWrite || m_presses.size() >= mostPresses)
+        return;
+    m_presses.push_back(redo);
+    next();
+}
+
+void UndoActions::next() {
+    if (m_presses.empty() || m_isStepping)
+        return;
+    if (!m_fresh) {
+        read();
+        return;
+    }
+    const bool redo = m_presses.front();
+    m_presses.pop_front();
+    const history::Steps::Step step = redo ? m_steps.redo : m_steps.undo;
+    if (step.group == 0) {
+        m_presses.clear();
+        emit told(LogInformation,
+                  redo ? QStringLiteral("Повторять нечего.") : QStringLiteral("Отменять нечего."));
+        return;
+    }
+    Reverter::Request request;
+    request.title =
+        withWords(redo ? QStringLiteral("Повторить") : QStringLiteral("Отменить"), step.words);
+    request.done =
+        withWords(redo ? QStringLiteral("Повторено") : QStringLiteral("Отменено"), step.words);
+    request.groups = {step.group};
+    m_isStepping = true;
+    if (!m_reverter.start(
+            std::move(request),
+            [this, group = step.group](Reverter::Outcome outcome) { finished(group, outcome); })) {
+        m_isStepping = false;
+        m_presses.clear();
+    }
+}
+
+void UndoActions::finished(int64_t group, Reverter::Outcome outcome) {
+    m_isStepping = false;
+    if (outcome == Reverter::Outcome::NothingLeft)
+        m_passed.insert(group);
+    if (outcome == Reverter::Outcome::GivenUp || outcome == Reverter::Outcome::Failed)
+        m_presses.clear();
+    outdate();
+    next();
+}
+
+} // namespace orvo::app
