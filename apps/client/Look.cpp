@@ -50,8 +50,7 @@ QString plainToolTip(const QString& text, const QString& hint) {
     return tip;
 }
 
-QString oneLine(QString text) {
-    constexpr int longest = 120;
+QString oneLine(QString text, int longest) {
     text = clipped(text, longest);
     for (QChar& letter : text)
         if (!letter.isPrint())

@@ -15,7 +15,7 @@ QString clipped(const QString& text, int longest = 2000);
 
 /// A text from elsewhere as the title of a tab or window: control characters as blanks, and the end
 /// of a long one as "…".
-QString oneLine(QString text);
+QString oneLine(QString text, int longest = 120);
 
 /// The name of the desktop entry, the icon and the metadata, and the class of the windows.
 inline constexpr char applicationId[] = "org.orvo.Client";

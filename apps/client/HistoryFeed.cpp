@@ -1,0 +1,393 @@
+#include "apps/client/HistoryFeed.h"
+
+#include "frame/OrvoClient.h"
+#include "frame/Vocabulary.h"
+#include "history/GroupWords.h"
+#include "history/Standing.h"
+#include "platform/mdx/MdxBuild.h"
+#include "platform/store/ChangeRecord.h"
+
+#include <QDateTime>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+namespace orvo::app {
+
+namespace {
+
+constexpr int refreshDelayMs = 200; ///< a burst of changes is looked at once
+constexpr int mostDetails = 500;    ///< changes that are shown below an action
+
+std::string textIn(const store::TableDef& table, const history::Values& values, const char* field) {
+    const auto found = values.find(table.find(field));
+    return found == values.end() ? std::string() : store::textOf(found->second);
+}
+
+HistoryRecord recordOf(const store::Change& change, history::RecordSource& source) {
+    const store::TableDef* table = history::tableOf(change.table);
+    if (!table || change.table == table::MenuResourceFile)
+        return {};
+    HistoryRecord record{change.table, change.key, {}};
+    if (change.table == table::MenuFolder)
+        record.desktop = change.key;
+    if (change.table == table::Menu) {
+        for (const std::string* values : {&change.after, &change.before})
+            if (record.desktop.empty())
+                record.desktop =
+                    textIn(*table, store::valuesFromJson(*table, *values), field::FolderKey);
+        if (record.desktop.empty())
+            record.desktop = textIn(*table, source.valuesOf(*table, change.key), field::FolderKey);
+    }
+    return record;
+}
+
+HistoryAction actionOf(const history::Group& group, history::RecordSource& source) {
+    HistoryAction action;
+    action.group = group.id;
+    action.newest = group.changes.back().id;
+    action.time = group.time;
+    action.login = group.login;
+    action.who =
+        group.login.empty() ? QStringLiteral("(вручную)") : QString::fromStdString(group.login);
+    action.machine = QString::fromStdString(group.place);
+    if (!group.client.empty())
+        action.machine += (action.machine.isEmpty() ? QString() : QStringLiteral(", ")) +
+                          QString::fromStdString(group.client);
+    const history::GroupWords words = history::describe(group, source);
+    action.what = words.what;
+    action.place = words.place;
+    for (const store::Change& change : group.changes) {
+        action.record = recordOf(change, source);
+        if (!action.record.key.empty())
+            break;
+    }
+    if (group.changes.size() == 1 && group.changes.front().code == OrvoEventUpdate) {
+        const auto fields = history::describe(group.changes.front(), source).fields;
+        if (fields.size() == 1) {
+            action.before = fields.front().before;
+            action.after = fields.front().after;
+        }
+    }
+    return action;
+}
+
+std::vector<HistoryAction::Detail> fieldsOf(const history::ChangeWords& words) {
+    std::vector<HistoryAction::Detail> fields;
+    for (const history::FieldWords& field : words.fields)
+        fields.push_back({field.name, field.before, field.after, {}, {}});
+    return fields;
+}
+
+std::vector<HistoryAction::Detail> detailsOf(const history::Group& group,
+                                             history::RecordSource& source) {
+    if (group.changes.empty())
+        return {{QStringLiteral("Журнал изменений этого действия уже не помнит"), {}, {}, {}, {}}};
+    if (group.changes.size() == 1) {
+        auto fields = fieldsOf(history::describe(group.changes.front(), source));
+        if (fields.empty())
+            fields.push_back({QStringLiteral("Значения не изменились"), {}, {}, {}, {}});
+        return fields;
+    }
+    std::vector<HistoryAction::Detail> details;
+    for (const store::Change& change : group.changes) {
+        const history::ChangeWords words = history::describe(change, source);
+        details.push_back({words.what, {}, {}, recordOf(change, source), fieldsOf(words)});
+    }
+    if (!group.whole)
+        details.push_back(
+            {QStringLiteral("… и другие: показаны первые %1").arg(mostDetails), {}, {}, {}, {}});
+    return details;
+}
+
+store::Status readNames(store::MaintainedStore& store,
+                        std::unordered_map<std::string, QString>* names) {
+    CMDArray rows;
+    const store::Status status = store.fetch(table::Users, rows.array);
+    const store::TableDef* table = store::findTable(table::Users);
+    for (uint32_t i = 0; status.ok() && i < mdx::postedCount(rows.array); ++i) {
+        const history::Values values = history::valuesIn(rows.array, i);
+        const auto text = [&](const char* field) {
+            return QString::fromStdString(textIn(*table, values, field));
+        };
+        const auto program = values.find(table->find(field::program));
+        const auto* flag =
+            program == values.end() ? nullptr : std::get_if<int64_t>(&program->second);
+        const QString login = text(field::login_);
+        (*names)[login.toStdString()] =
+            userCaption(login, text(field::lastName), text(field::firstName), text(field::midlName),
+                        flag && *flag != 0);
+    }
+    return status;
+}
+
+QString momentText(double time) {
+    return QDateTime::fromMSecsSinceEpoch(std::llround(time * 1000.0))
+        .toString(QStringLiteral("dd.MM.yyyy HH:mm"));
+}
+
+} // namespace
+
+struct HistoryFeed::Reading {
+    history::Filter filter;
+    std::unique_ptr<history::Reader> reader; ///< null at first
+    uint64_t opening = 0;                    ///< on which it reads
+    double reached = 0;                      ///< time of the last change looked at; 0: unknown
+};
+
+struct HistoryFeed::Page {
+    std::vector<HistoryAction> actions;
+    bool atEnd = false;
+    bool isRestart = false; ///< from the newest on, since the place was lost
+    int64_t position = 0;   ///< the newest change of the log before the page was read
+    std::set<int64_t> undone;
+    bool knowsOldest = false;
+    store::Change oldest; ///< of the log; id 0: it is empty
+    bool hasNames = false;
+    std::unordered_map<std::string, QString> names;
+
+    /// What every page brings beside its actions. `from`: the oldest group that is shown.
+    store::Status finish(store::MaintainedStore& store, const std::vector<history::Group>& groups,
+                         int64_t from, bool withNames) {
+        history::LoggedRecords source(store);
+        for (const history::Group& group : groups)
+            source.prepare(group.changes);
+        for (const history::Group& group : groups)
+            if (!group.changes.empty()) {
+                actions.push_back(actionOf(group, source));
+                from = from == 0 ? group.id : std::min(from, group.id);
+            }
+        store::Status status;
+        if (from != 0) {
+            history::Standing standing;
+            status = standing.read(store, {from});
+            if (status.ok())
+                undone = standing.undone();
+        }
+        store::LogQuery query;
+        query.oldestFirst = true;
+        std::vector<store::Change> first;
+        if (status.ok())
+            status = store.history(query, 1, &first);
+        knowsOldest = status.ok();
+        if (!first.empty())
+            oldest = first.front();
+        if (status.ok() && withNames) {
+            status = readNames(store, &names);
+            hasNames = status.ok();
+        }
+        for (HistoryAction& action : actions)
+            action.undone = undone.count(action.group) != 0;
+        return status;
+    }
+};
+
+HistoryFeed::HistoryFeed(StoreThread& thread) : m_thread(thread) {
+    connect(&m_model, &HistoryModel::moreWanted, this, &HistoryFeed::more);
+    connect(&m_model, &HistoryModel::detailsWanted, this, &HistoryFeed::details);
+    m_refreshSoon.setSingleShot(true);
+    m_refreshSoon.setInterval(refreshDelayMs);
+    connect(&m_refreshSoon, &QTimer::timeout, this, &HistoryFeed::refresh);
+    setFilter({});
+}
+
+HistoryFeed::~HistoryFeed() = default;
+
+void HistoryFeed::setFilter(const history::Filter& filter) {
+    m_filter = filter;
+    reload();
+}
+
+void HistoryFeed::reload() {
+    ++m_round;
+    m_reading = std::make_shared<Reading>();
+    m_reading->filter = m_filter;
+    m_begun = m_outdated = m_refreshing = false;
+    m_newest = 0;
+    m_model.clear();
+    emit noted(QString());
+    if (m_watched)
+        m_model.fetchMore({});
+}
+
+void HistoryFeed::setWatched(bool watched) {
+    if (m_watched == watched)
+        return;
+    m_watched = watched;
+    if (!watched)
+        return;
+    if (!m_begun)
+        reload();
+    else if (m_outdated)
+        refresh();
+}
+
+void HistoryFeed::changed(const store::Change& change) {
+    m_namesAreOld = m_namesAreOld || change.table == table::Users;
+    if (m_watched && !m_begun)
+        reload(); // what failed before can be read now
+    else if (!m_watched || m_refreshing)
+        m_outdated = true;
+    else if (!m_refreshSoon.isActive())
+        m_refreshSoon.start();
+}
+
+void HistoryFeed::take(const Page& page) {
+    if (page.hasNames) {
+        m_names = page.names;
+        m_namesAreOld = false;
+        emit namesChanged();
+    }
+    m_model.setNames(m_names);
+    if (page.knowsOldest)
+        m_model.setOldest(page.oldest.id == 0 ? std::numeric_limits<int64_t>::max()
+                                              : page.oldest.id);
+}
+
+void HistoryFeed::note(const Page& page) {
+    if (!m_model.isAtEnd())
+        emit noted(QString());
+    else if (page.oldest.id > 1)
+        emit noted(QStringLiteral("Журнал изменений начинается %1: более раннее очищено.")
+                       .arg(momentText(page.oldest.time)));
+    else
+        emit noted(m_model.count() == 0 ? QStringLiteral("Таких действий нет.") : QString());
+}
+
+// Older ones -------------------------------------------------------------------------------------
+
+void HistoryFeed::more() {
+    m_begun = true;
+    auto page = std::make_shared<Page>();
+    m_thread.run(
+        this,
+        [page, reading = m_reading, thread = &m_thread, from = m_model.oldestGroup(),
+         names = m_namesAreOld](store::MaintainedStore& store) -> store::Status {
+            store::Status status = store.logPosition(&page->position);
+            if (!status.ok())
+                return status;
+            if (!reading->reader || reading->opening != thread->openings()) {
+                page->isRestart = reading->reader != nullptr;
+                reading->reader = std::make_unique<history::Reader>(store, reading->filter);
+                reading->opening = thread->openings();
+            }
+            std::vector<history::Group> groups;
+            status = reading->reader->next(pageSize, &groups);
+            page->atEnd = reading->reader->atEnd();
+            return status.ok() ? page->finish(store, groups, page->isRestart ? 0 : from, names)
+                               : status;
+        },
+        [this, page, round = m_round](const store::Status& status) {
+            moreCame(round, status, *page);
+        });
+}
+
+void HistoryFeed::moreCame(uint64_t round, const store::Status& status, const Page& page) {
+    if (round != m_round)
+        return;
+    if (!status.ok()) {
+        m_model.append({}, true); // nothing more is asked for until it is read anew
+        m_begun = false;
+        emit failed(QString::fromStdString(status.text));
+        return;
+    }
+    if (page.isRestart)
+        m_model.clear();
+    if (m_newest == 0 || page.isRestart)
+        m_newest = page.position;
+    m_model.append(page.actions, page.atEnd);
+    take(page);
+    m_model.setUndone(page.undone);
+    if (page.actions.empty() && !page.atEnd) {
+        emit noted(QStringLiteral("Ищется дальше…"));
+        m_model.fetchMore({});
+        return;
+    }
+    note(page);
+    if (std::exchange(m_outdated, false))
+        m_refreshSoon.start();
+}
+
+// Newer ones -------------------------------------------------------------------------------------
+
+void HistoryFeed::refresh() {
+    if (!m_watched || m_refreshing || !m_begun) {
+        m_outdated = true;
+        return;
+    }
+    m_outdated = false;
+    m_refreshing = true;
+    auto page = std::make_shared<Page>();
+    m_thread.run(
+        this,
+        [page, filter = m_filter, newest = m_newest, from = m_model.oldestGroup(),
+         names = m_namesAreOld](store::MaintainedStore& store) -> store::Status {
+            store::Status status = store.logPosition(&page->position);
+            if (!status.ok())
+                return status;
+            history::Reader reader(store, filter);
+            std::vector<history::Group> groups;
+            status = reader.next(pageSize, &groups);
+            page->atEnd = reader.atEnd();
+            // So many that they do not meet those on show: from the newest on.
+            page->isRestart = groups.size() == pageSize && groups.back().changes.back().id > newest;
+            groups.erase(std::remove_if(groups.begin(), groups.end(),
+                                        [newest](const history::Group& group) {
+                                            return group.changes.back().id <= newest;
+                                        }),
+                         groups.end());
+            return status.ok() ? page->finish(store, groups, from, names) : status;
+        },
+        [this, page, round = m_round](const store::Status& status) {
+            newerCame(round, status, *page);
+        });
+}
+
+void HistoryFeed::newerCame(uint64_t round, const store::Status& status, const Page& page) {
+    if (round != m_round)
+        return;
+    m_refreshing = false;
+    if (!status.ok()) {
+        m_outdated = true;
+        emit failed(QString::fromStdString(status.text));
+        return;
+    }
+    if (page.isRestart) {
+        reload();
+        return;
+    }
+    m_newest = page.position;
+    m_model.prepend(page.actions);
+    take(page);
+    m_model.setUndone(page.undone);
+    note(page);
+    if (std::exchange(m_outdated, false))
+        m_refreshSoon.start();
+}
+
+// Below a row ------------------------------------------------------------------------------------
+
+void HistoryFeed::details(int64_t group) {
+    auto details = std::make_shared<std::vector<HistoryAction::Detail>>();
+    m_thread.run(
+        this,
+        [details, group](store::MaintainedStore& store) {
+            history::Group read;
+            const store::Status status = history::readGroup(store, group, &read, mostDetails);
+            history::LoggedRecords source(store);
+            source.prepare(read.changes);
+            if (status.ok())
+                *details = detailsOf(read, source);
+            return status;
+        },
+        [this, details, group](const store::Status& status) {
+            if (status.ok())
+                m_model.setDetails(group, *details);
+            else
+                m_model.setDetails(group, {{QString::fromStdString(status.text), {}, {}, {}, {}}});
+        });
+}
+
+} // namespace orvo::app

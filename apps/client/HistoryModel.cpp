@@ -1,0 +1,324 @@
+#include "apps/client/HistoryModel.h"
+
+#include "apps/client/Look.h"
+
+#include <QBrush>
+#include <QColor>
+#include <QDateTime>
+#include <QFont>
+
+#include <algorithm>
+#include <cmath>
+
+namespace orvo::app {
+
+namespace {
+
+constexpr int longestLine = 500;
+
+QDateTime momentOf(double time) {
+    return QDateTime::fromMSecsSinceEpoch(std::llround(time * 1000.0));
+}
+
+QString timeText(double time) {
+    const QDateTime moment = momentOf(time);
+    return moment.toString(moment.date() == QDate::currentDate()
+                               ? QStringLiteral("HH:mm:ss")
+                               : QStringLiteral("dd.MM.yyyy HH:mm:ss"));
+}
+
+} // namespace
+
+struct HistoryModel::Node {
+    Node* parent = nullptr;
+    int64_t number = 0;           ///< of a row at the top; else its row
+    HistoryAction action;         ///< at the top
+    HistoryAction::Detail detail; ///< below it, without its fields
+    std::vector<std::unique_ptr<Node>> children;
+    bool detailed = false; ///< its children are there
+    bool asked = false;    ///< for them
+};
+
+HistoryModel::HistoryModel(QObject* parent) : QAbstractItemModel(parent) {}
+
+HistoryModel::~HistoryModel() = default;
+
+// Filling ----------------------------------------------------------------------------------------
+
+void HistoryModel::clear() {
+    beginResetModel();
+    m_rows.clear();
+    m_byGroup.clear();
+    m_first = 0;
+    m_atEnd = false;
+    m_asked = false;
+    endResetModel();
+}
+
+void HistoryModel::append(const std::vector<HistoryAction>& actions, bool atEnd) {
+    m_asked = false;
+    m_atEnd = atEnd;
+    std::vector<const HistoryAction*> fresh;
+    for (const HistoryAction& action : actions)
+        if (m_byGroup.count(action.group) == 0)
+            fresh.push_back(&action);
+    if (fresh.empty())
+        return;
+    const int first = count();
+    beginInsertRows({}, first, first + static_cast<int>(fresh.size()) - 1);
+    for (const HistoryAction* action : fresh) {
+        auto node = std::make_unique<Node>();
+        node->action = *action;
+        node->number = m_first + count();
+        m_byGroup[action->group] = node.get();
+        m_rows.push_back(std::move(node));
+    }
+    endInsertRows();
+    Q_ASSERT(m_byGroup.size() == m_rows.size());
+}
+
+void HistoryModel::prepend(const std::vector<HistoryAction>& actions) {
+    std::vector<const HistoryAction*> fresh;
+    for (const HistoryAction& action : actions) {
+        const auto known = m_byGroup.find(action.group);
+        if (known == m_byGroup.end()) {
+            fresh.push_back(&action);
+            continue;
+        }
+        Node* node = known->second;
+        if (node->action.newest != action.newest) { // it has grown
+            if (!node->children.empty()) {
+                beginRemoveRows(indexOf(node), 0, static_cast<int>(node->children.size()) - 1);
+                node->children.clear();
+                endRemoveRows();
+            }
+            node->detailed = node->asked = false;
+        }
+        node->action = action;
+        showAnew(node);
+    }
+    if (fresh.empty())
+        return;
+    beginInsertRows({}, 0, static_cast<int>(fresh.size()) - 1);
+    for (auto action = fresh.rbegin(); action != fresh.rend(); ++action) {
+        auto node = std::make_unique<Node>();
+        node->action = **action;
+        node->number = --m_first;
+        m_byGroup[node->action.group] = node.get();
+        m_rows.push_front(std::move(node));
+    }
+    endInsertRows();
+    Q_ASSERT(m_byGroup.size() == m_rows.size() && m_rows.front()->number == m_first);
+}
+
+void HistoryModel::add(Node* parent, const std::vector<HistoryAction::Detail>& details) {
+    for (const HistoryAction::Detail& detail : details) {
+        auto node = std::make_unique<Node>();
+        node->parent = parent;
+        node->number = static_cast<int64_t>(parent->children.size());
+        node->detail = {detail.what, detail.before, detail.after, detail.record, {}};
+        node->detailed = true;
+        add(node.get(), detail.fields);
+        parent->children.push_back(std::move(node));
+    }
+}
+
+void HistoryModel::setDetails(int64_t group, const std::vector<HistoryAction::Detail>& details) {
+    const auto found = m_byGroup.find(group);
+    if (found == m_byGroup.end() || found->second->detailed)
+        return;
+    Node* node = found->second;
+    node->detailed = true;
+    node->asked = false;
+    if (details.empty())
+        return;
+    beginInsertRows(indexOf(node), 0, static_cast<int>(details.size()) - 1);
+    add(node, details);
+    endInsertRows();
+}
+
+void HistoryModel::setUndone(const std::set<int64_t>& groups) {
+    for (const auto& node : m_rows) {
+        const bool undone = groups.count(node->action.group) != 0;
+        if (node->action.undone == undone)
+            continue;
+        node->action.undone = undone;
+        showAnew(node.get());
+    }
+}
+
+void HistoryModel::setOldest(int64_t change) {
+    for (auto node = m_rows.rbegin(); node != m_rows.rend(); ++node)
+        if (!(*node)->action.forgotten && (*node)->action.newest < change) {
+            (*node)->action.forgotten = true;
+            showAnew(node->get());
+        }
+}
+
+void HistoryModel::setNames(const std::unordered_map<std::string, QString>& names) {
+    for (const auto& node : m_rows) {
+        const auto name = names.find(node->action.login);
+        if (name == names.end() || name->second == node->action.who)
+            continue;
+        node->action.who = name->second;
+        showAnew(node.get());
+    }
+}
+
+void HistoryModel::showAnew(Node* node) {
+    emit dataChanged(indexOf(node), indexOf(node, ColumnCount - 1));
+}
+
+int64_t HistoryModel::oldestGroup() const {
+    int64_t oldest = 0;
+    for (const auto& node : m_rows)
+        oldest = oldest == 0 ? node->action.group : std::min(oldest, node->action.group);
+    return oldest;
+}
+
+// Rows -------------------------------------------------------------------------------------------
+
+HistoryModel::Node* HistoryModel::nodeOf(const QModelIndex& index) const {
+    return index.isValid() ? static_cast<Node*>(index.internalPointer()) : nullptr;
+}
+
+QModelIndex HistoryModel::indexOf(const Node* node, int column) const {
+    const int64_t row = node->parent ? node->number : node->number - m_first;
+    return createIndex(static_cast<int>(row), column, const_cast<Node*>(node));
+}
+
+const HistoryAction* HistoryModel::actionAt(const QModelIndex& index) const {
+    const Node* node = nodeOf(index);
+    while (node && node->parent)
+        node = node->parent;
+    return node ? &node->action : nullptr;
+}
+
+HistoryRecord HistoryModel::recordAt(const QModelIndex& index) const {
+    for (const Node* node = nodeOf(index); node; node = node->parent) {
+        const HistoryRecord& record = node->parent ? node->detail.record : node->action.record;
+        if (!record.key.empty())
+            return record;
+    }
+    return {};
+}
+
+QModelIndex HistoryModel::index(int row, int column, const QModelIndex& parent) const {
+    if (!hasIndex(row, column, parent))
+        return {};
+    const Node* node = nodeOf(parent);
+    return createIndex(row, column,
+                       node ? node->children[static_cast<size_t>(row)].get()
+                            : m_rows[static_cast<size_t>(row)].get());
+}
+
+QModelIndex HistoryModel::parent(const QModelIndex& child) const {
+    const Node* node = nodeOf(child);
+    return node && node->parent ? indexOf(node->parent) : QModelIndex();
+}
+
+int HistoryModel::rowCount(const QModelIndex& parent) const {
+    if (parent.column() > 0)
+        return 0;
+    const Node* node = nodeOf(parent);
+    return node ? static_cast<int>(node->children.size()) : count();
+}
+
+int HistoryModel::columnCount(const QModelIndex&) const {
+    return ColumnCount;
+}
+
+bool HistoryModel::hasChildren(const QModelIndex& parent) const {
+    if (parent.column() > 0)
+        return false;
+    const Node* node = nodeOf(parent);
+    return node ? !node->detailed || !node->children.empty() : !m_rows.empty();
+}
+
+bool HistoryModel::canFetchMore(const QModelIndex& parent) const {
+    if (parent.column() > 0)
+        return false;
+    const Node* node = nodeOf(parent);
+    return node ? !node->detailed && !node->asked : !m_atEnd && !m_asked;
+}
+
+void HistoryModel::fetchMore(const QModelIndex& parent) {
+    if (!canFetchMore(parent))
+        return;
+    if (Node* node = nodeOf(parent)) {
+        node->asked = true;
+        emit detailsWanted(node->action.group);
+    } else {
+        m_asked = true;
+        emit moreWanted();
+    }
+}
+
+// Texts ------------------------------------------------------------------------------------------
+
+QString HistoryModel::textOf(const Node& node, int column) const {
+    if (node.parent)
+        return column == What     ? node.detail.what
+               : column == Before ? node.detail.before
+               : column == After  ? node.detail.after
+                                  : QString();
+    const HistoryAction& action = node.action;
+    switch (column) {
+    case When:
+        return timeText(action.time);
+    case Who:
+        return action.who;
+    case What:
+        return action.what;
+    case Before:
+        return action.before;
+    case After:
+        return action.after;
+    default:
+        return action.place;
+    }
+}
+
+QVariant HistoryModel::data(const QModelIndex& index, int role) const {
+    const Node* node = nodeOf(index);
+    if (!node)
+        return {};
+    const QString text = textOf(*node, index.column());
+    if (role == Qt::DisplayRole)
+        return oneLine(text, longestLine);
+    if (role == Qt::ToolTipRole) {
+        if (node->parent || text.isEmpty())
+            return plainToolTip(clipped(text));
+        const HistoryAction& action = node->action;
+        QStringList more;
+        if (index.column() == When)
+            more << momentOf(action.time).toString(QStringLiteral("dd.MM.yyyy HH:mm:ss"));
+        if (index.column() == Who)
+            more << QString::fromStdString(action.login) << action.machine;
+        if (action.undone)
+            more << QStringLiteral("Отменено");
+        if (action.forgotten)
+            more << QStringLiteral("Журнал изменений этого уже не помнит");
+        more.removeAll(QString());
+        return plainToolTip(clipped(text), more.join(QStringLiteral(", ")));
+    }
+    const bool faint = !node->parent && (node->action.undone || node->action.forgotten);
+    if (role == Qt::ForegroundRole && faint)
+        return QBrush(QColor(0x8a, 0x8a, 0x8a));
+    if (role == Qt::FontRole && faint && node->action.undone) {
+        QFont font;
+        font.setStrikeOut(true);
+        return font;
+    }
+    return {};
+}
+
+QVariant HistoryModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    static const char* const titles[] = {"Когда", "Кто", "Что сделано", "Было", "Стало", "Где"};
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 ||
+        section >= ColumnCount)
+        return {};
+    return QString::fromUtf8(titles[section]);
+}
+
+} // namespace orvo::app

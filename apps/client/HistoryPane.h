@@ -1,0 +1,90 @@
+// HistoryPane.h: the pane "История": who changed what and when, filters, and what takes it back.
+#ifndef ORVO_APPS_CLIENT_HISTORYPANE_H
+#define ORVO_APPS_CLIENT_HISTORYPANE_H
+
+#include "apps/client/HistoryFeed.h"
+#include "apps/client/Reverter.h"
+
+#include <QTimer>
+#include <QWidget>
+
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QMenu;
+class QPushButton;
+class QToolButton;
+class QTreeView;
+
+namespace orvo::app {
+
+class HistoryPane : public QWidget {
+    Q_OBJECT
+public:
+    /// The thread outlives it. `mayWrite` false: what takes back is switched off.
+    HistoryPane(StoreThread& thread, const QString& login, bool mayWrite,
+                QWidget* parent = nullptr);
+
+    HistoryFeed& feed() { return m_feed; }
+    QTreeView* view() const { return m_view; }
+    /// Shows the history of that record, or of it and everything in it.
+    void showRecord(const QString& table, const QString& key, bool withContent);
+    void clearFilters();
+
+signals:
+    void showRequested(const QString& table, const QString& key, const QString& desktop);
+    void revertRequested(const orvo::app::Reverter::Request& request);
+    void failed(const QString& text);
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
+private:
+    /// What the history is narrowed to by a record.
+    struct Scope {
+        HistoryRecord record;
+        bool withContent = false;
+    };
+
+    void makeFilters();
+    void makeActions();
+    void applyFilters();
+    history::Filter filter() const;
+    void setScope(const Scope& scope);
+    void nameScope();
+    void listUsers();
+    void updateActions();
+    void fillBackMenu(QMenu& menu);
+    void showContextMenu(const QPoint& point);
+    void showCurrent();
+    void revertCurrent();
+    void revertBackTo(const history::Filter& scope, const QString& whose);
+    const HistoryAction* current() const;
+
+    StoreThread& m_thread;
+    const QString m_login;
+    const bool m_mayWrite;
+    HistoryFeed m_feed;
+    Scope m_scope;
+    QTimer m_applySoon;
+    QComboBox* m_who; // these: children of the pane
+    QComboBox* m_since;
+    QLineEdit* m_text;
+    QToolButton* m_scopeButton; ///< names the scope; a click lifts it
+    QTreeView* m_view;
+    QLabel* m_note;
+    QPushButton* m_show;
+    QPushButton* m_revert;
+    QPushButton* m_revertBack;
+    QMenu* m_backMenu;
+};
+
+/// Finds the groups from the newest down to `group` that the scope lets pass, less those that take
+/// back only such: the state before that group follows from taking back the rest.
+store::Status collectBackTo(store::MaintainedStore& store, const history::Filter& scope,
+                            int64_t group, std::vector<int64_t>* groups);
+
+} // namespace orvo::app
+
+#endif
