@@ -1,0 +1,249 @@
+#include "apps/client/VersionsDialog.h"
+
+#include "apps/client/FormViewer.h"
+#include "apps/client/LogPane.h"
+#include "apps/client/Look.h"
+#include "frame/Vocabulary.h"
+#include "platform/store/Names.h"
+
+#include <QDateTime>
+#include <QDialogButtonBox>
+#include <QDir>
+#include <QFileDialog>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLocale>
+#include <QPushButton>
+#include <QSaveFile>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+#include <cmath>
+
+namespace orvo::app {
+
+namespace {
+
+enum Column { Name, Time, Size, Until, Who };
+
+QString timeText(double time) {
+    return QDateTime::fromMSecsSinceEpoch(std::llround(time * 1000.0))
+        .toString(QStringLiteral("dd.MM.yyyy HH:mm:ss"));
+}
+
+} // namespace
+
+store::Status returnVersion(store::MaintainedStore& store, int64_t id) {
+    store::VersionQuery query;
+    query.id = id;
+    std::vector<store::KeptVersion> found;
+    int64_t seen = 0;
+    store::Status status = store.logPosition(&seen);
+    if (status.ok())
+        status = store.versions(query, &found);
+    if (status.ok() && found.empty())
+        status = {store::UnknownName, "версия уже не хранится"};
+    if (!status.ok())
+        return status;
+    const store::KeptVersion& version = found.front();
+    std::map<std::string, std::vector<store::Value>> resources, contents;
+    status =
+        store.storedValues(*store::findTable(table::MenuResource), {version.resource}, &resources);
+    const store::TableDef& table = store::contentTable();
+    if (status.ok())
+        status = store.storedValues(table, {version.key}, &contents);
+    if (status.ok() && resources.empty())
+        status = {store::Refused, "формы или файла больше нет: сначала верните удаление в истории"};
+    if (!status.ok())
+        return status;
+    store::Write write;
+    write.flag = contents.empty() ? MDX_INSERT : MDX_UPDATE;
+    write.key = version.key;
+    for (int i = 1; i < static_cast<int>(table.fields.size()); ++i) {
+        const std::string_view name = table.fields[static_cast<size_t>(i)].name;
+        if (name == field::size)
+            write.values.emplace_back(i, static_cast<int64_t>(version.size));
+        else if (name == field::time)
+            write.values.emplace_back(i, version.fileTime ? store::Value(*version.fileTime)
+                                                          : store::Value());
+        else if (!contents.empty())
+            continue;
+        else if (name == field::MenuResourceKey)
+            write.values.emplace_back(i, version.resource);
+        else if (name == field::name_)
+            write.values.emplace_back(i, version.name);
+    }
+    store::TableWrites part;
+    part.table = &table;
+    part.writes.push_back(std::move(write));
+    store::BytesToWrite bytes;
+    bytes.version = id;
+    part.bytes.push_back(std::move(bytes));
+    return store.writeAll({part}, seen, {});
+}
+
+VersionsDialog::VersionsDialog(StoreThread& thread, const QString& resource, bool mayWrite,
+                               QWidget* parent)
+    : QDialog(parent)
+    , m_thread(thread)
+    , m_resource(resource)
+    , m_mayWrite(mayWrite)
+    , m_list(new QTreeWidget(this))
+    , m_note(new QLabel(QStringLiteral("Читается…"), this)) {
+    setObjectName(QStringLiteral("versionsDialog"));
+    setWindowTitle(QStringLiteral("Прежние версии"));
+    setAttribute(Qt::WA_DeleteOnClose);
+    m_list->setObjectName(QStringLiteral("versionsList"));
+    m_list->setRootIsDecorated(false);
+    m_list->setAlternatingRowColors(true);
+    m_list->setHeaderLabels({QStringLiteral("Файл"), QStringLiteral("Дата файла"),
+                             QStringLiteral("Размер"), QStringLiteral("Заменена или удалена"),
+                             QStringLiteral("Кем")});
+    m_list->header()->resizeSection(Name, 260);
+    m_list->header()->resizeSection(Time, 150);
+    m_list->header()->resizeSection(Until, 170);
+    m_note->setTextFormat(Qt::PlainText);
+    m_note->setWordWrap(true);
+    auto* buttons = new QDialogButtonBox(this);
+    m_open = buttons->addButton(QStringLiteral("Открыть"), QDialogButtonBox::ActionRole);
+    m_extract = buttons->addButton(QStringLiteral("Извлечь…"), QDialogButtonBox::ActionRole);
+    m_return = buttons->addButton(QStringLiteral("Вернуть"), QDialogButtonBox::ActionRole);
+    QPushButton* close =
+        buttons->addButton(QStringLiteral("Закрыть"), QDialogButtonBox::RejectRole);
+    m_open->setObjectName(QStringLiteral("versionOpen"));
+    m_extract->setObjectName(QStringLiteral("versionExtract"));
+    m_return->setObjectName(QStringLiteral("versionReturn"));
+    close->setDefault(true);
+    auto* all = new QVBoxLayout(this);
+    all->addWidget(m_list);
+    all->addWidget(m_note);
+    all->addWidget(buttons);
+    resize(820, 360);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    connect(m_open, &QPushButton::clicked, this, &VersionsDialog::openVersion);
+    connect(m_extract, &QPushButton::clicked, this, &VersionsDialog::extract);
+    connect(m_return, &QPushButton::clicked, this, &VersionsDialog::putBack);
+    load();
+}
+
+void VersionsDialog::load() {
+    auto versions = std::make_shared<std::vector<store::KeptVersion>>();
+    m_thread.run(
+        this,
+        [versions, key = m_resource.toStdString()](store::MaintainedStore& store) {
+            store::VersionQuery query;
+            query.resource = key;
+            return store.versions(query, versions.get());
+        },
+        [this, versions](const store::Status& status) {
+            if (status.ok())
+                showVersions(*versions);
+            else
+                m_note->setText(QString::fromStdString(status.text));
+        });
+}
+
+void VersionsDialog::showVersions(const std::vector<store::KeptVersion>& versions) {
+    m_versions = versions;
+    m_list->clear();
+    for (const store::KeptVersion& version : versions) {
+        auto* row = new QTreeWidgetItem(m_list);
+        row->setText(Name, oneLine(QString::fromStdString(version.name)));
+        row->setText(Time, version.fileTime ? timeText(*version.fileTime) : QString());
+        row->setText(
+            Size, QLocale(QLocale::Russian).formattedDataSize(static_cast<qint64>(version.size)));
+        row->setText(Until, timeText(version.time));
+        row->setText(Who, version.login.empty() ? QStringLiteral("(вручную)")
+                                                : oneLine(QString::fromStdString(version.login)));
+    }
+    m_list->setCurrentItem(m_list->topLevelItem(0));
+    m_note->setText(versions.empty() ? QStringLiteral("Прежних версий нет.") : QString());
+    for (QPushButton* button : {m_open, m_extract})
+        button->setEnabled(!versions.empty());
+    m_return->setEnabled(!versions.empty() && m_mayWrite);
+}
+
+const store::KeptVersion* VersionsDialog::current() const {
+    const int row = m_list->indexOfTopLevelItem(m_list->currentItem());
+    return row < 0 ? nullptr : &m_versions[static_cast<size_t>(row)];
+}
+
+void VersionsDialog::withBytes(
+    std::function<void(const store::KeptVersion& version, const std::string& bytes)> use) {
+    const store::KeptVersion* version = current();
+    if (!version)
+        return;
+    auto bytes = std::make_shared<std::string>();
+    m_thread.run(
+        this,
+        [bytes, id = version->id](store::MaintainedStore& store) {
+            return store.versionBytes(id, bytes.get());
+        },
+        [this, bytes, version = *version, use = std::move(use)](const store::Status& status) {
+            if (status.ok())
+                use(version, *bytes);
+            else
+                m_note->setText(QString::fromStdString(status.text));
+        });
+}
+
+void VersionsDialog::openVersion() {
+    withBytes([this](const store::KeptVersion& version, const std::string& bytes) {
+        const store::StoredFile file{version.name, version.fileTime, version.size, bytes};
+        auto* window = new FormWindow(installation::formViewProgram(),
+                                      QString::fromStdString(version.name), {file}, {}, this);
+        window->setAttribute(Qt::WA_DeleteOnClose);
+        connect(window, &FormWindow::problem, m_note, &QLabel::setText);
+        window->show();
+    });
+}
+
+void VersionsDialog::extract() {
+    const store::KeptVersion* version = current();
+    const QString folder = version ? QFileDialog::getExistingDirectory(
+                                         this, QStringLiteral("Куда извлечь"), QDir::homePath())
+                                   : QString();
+    if (folder.isEmpty())
+        return;
+    const QString file = QDir(folder).filePath(QString::fromStdString(version->name));
+    if (QFile::exists(file))
+        m_note->setText(QStringLiteral("Не извлечено: %1 уже есть.").arg(file));
+    else
+        extractTo(file);
+}
+
+void VersionsDialog::extractTo(const QString& file) {
+    withBytes([this, file](const store::KeptVersion&, const std::string& bytes) {
+        QSaveFile out(file);
+        const bool saved = out.open(QIODevice::WriteOnly) &&
+                           out.write(bytes.data(), static_cast<qint64>(bytes.size())) ==
+                               static_cast<qint64>(bytes.size()) &&
+                           out.commit();
+        m_note->setText(saved
+                            ? QStringLiteral("Извлечено: %1").arg(file)
+                            : QStringLiteral("Не извлечено: %1: %2").arg(file, out.errorString()));
+    });
+}
+
+void VersionsDialog::putBack() {
+    const store::KeptVersion* version = current();
+    if (!version)
+        return;
+    const QString what = QStringLiteral("Версия файла «%1» от %2")
+                             .arg(QString::fromStdString(version->name), timeText(version->time));
+    m_thread.run(
+        this,
+        [id = version->id](store::MaintainedStore& store) { return returnVersion(store, id); },
+        [this, what](const store::Status& status) {
+            if (!status.ok()) {
+                m_note->setText(
+                    QStringLiteral("Не возвращено: %1").arg(QString::fromStdString(status.text)));
+                return;
+            }
+            emit told(LogInformation, what + QStringLiteral(" возвращена."));
+            emit returned();
+            load(); // what was replaced is a version now
+        });
+}
+
+} // namespace orvo::app

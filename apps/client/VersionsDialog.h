@@ -1,0 +1,57 @@
+// VersionsDialog.h: the kept versions of the files of a form or of a file: to be looked at, saved
+// elsewhere, or put back.
+#ifndef ORVO_APPS_CLIENT_VERSIONSDIALOG_H
+#define ORVO_APPS_CLIENT_VERSIONSDIALOG_H
+
+#include "apps/client/StoreThread.h"
+
+#include <QDialog>
+
+class QLabel;
+class QPushButton;
+class QTreeWidget;
+
+namespace orvo::app {
+
+class VersionsDialog : public QDialog {
+    Q_OBJECT
+public:
+    /// `resource`: key of the form or file. The thread outlives the dialog. `mayWrite` false:
+    /// nothing is put back.
+    VersionsDialog(StoreThread& thread, const QString& resource, bool mayWrite, QWidget* parent);
+
+    /// Saves the bytes of the current version into a file of the disk.
+    void extractTo(const QString& file);
+
+signals:
+    /// What the user should read; the numbers are those of COrvoCliMod::LogFile.
+    void told(int level, const QString& text);
+    void returned();
+
+private:
+    void load();
+    void showVersions(const std::vector<store::KeptVersion>& versions);
+    void
+    withBytes(std::function<void(const store::KeptVersion& version, const std::string& bytes)> use);
+    void openVersion();
+    void extract();
+    void putBack();
+    const store::KeptVersion* current() const;
+
+    StoreThread& m_thread;
+    const QString m_resource;
+    const bool m_mayWrite;
+    std::vector<store::KeptVersion> m_versions;
+    QTreeWidget* m_list; // these: children of the dialog
+    QLabel* m_note;
+    QPushButton* m_open;
+    QPushButton* m_extract;
+    QPushButton* m_return;
+};
+
+/// Puts the bytes of a kept version back into their form or file, as one action.
+store::Status returnVersion(store::MaintainedStore& store, int64_t id);
+
+} // namespace orvo::app
+
+#endif
