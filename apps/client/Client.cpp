@@ -3,6 +3,7 @@
 #include "apps/client/CloseGuard.h"
 #include "apps/client/FileMirror.h"
 #include "apps/client/FormViewer.h"
+#include "apps/client/HistoryCommands.h"
 #include "apps/client/Inspector.h"
 #include "apps/client/Installation.h"
 #include "apps/client/LogPane.h"
@@ -30,6 +31,8 @@
 namespace orvo::app {
 
 namespace {
+
+constexpr char clientName[] = "orvo-client"; ///< in the change log
 
 /// Shows that something takes its time, while it lives.
 struct WaitCursor {
@@ -80,7 +83,7 @@ bool Client::open(QString* error) {
     store::OpenOptions how;
     how.login = m_options.login.toStdString();
     how.allowReadOnly = true;
-    how.client = "orvo-client";
+    how.client = clientName;
     auto store = store::open(m_options.store.toStdString(), how, &status);
     auto reader = store ? store::open(m_options.store.toStdString(), how, &status) : nullptr;
     if (reader)
@@ -103,6 +106,9 @@ bool Client::open(QString* error) {
         std::make_unique<FileMirror>([url = m_options.store.toStdString(), how](
                                          store::Status* why) { return store::open(url, how, why); },
                                      m_options.workDir);
+    m_openMaintained = [url = m_options.store.toStdString(), how](store::Status* why) {
+        return store::openMaintained(url, how, why);
+    };
     m_pump = std::make_unique<client::NotificationPump>(*m_session, m_modules, std::move(reader));
     m_waitDialog = std::make_unique<WaitDialogController>(
         QString::fromStdString(client::sessionStore(*m_session).displayName()),
@@ -129,7 +135,8 @@ bool Client::openInspector(QString* error) {
             {"failure", m_window ? m_window->statusLine()->failure() : QString()},
             {"held", m_window ? m_window->statusLine()->held() : QString()},
             {"others", m_window ? m_window->statusLine()->others() : QString()},
-            {"marks", m_app.markedRecords().join(QLatin1Char('\n'))}};
+            {"marks", m_app.markedRecords().join(QLatin1Char('\n'))},
+            {"historySettled", m_history && m_history->isIdle()}};
     };
     m_inspector = std::make_unique<Inspector>(std::move(sources));
     return m_inspector->listen(m_options.inspect, error);
@@ -149,6 +156,7 @@ void Client::show() {
     addOpenEdits();
     connectAll();
     showUnwritten();
+    makeHistory();
     m_window->show();
     QString error;
     if (!m_mirror->start(&error))
@@ -185,6 +193,22 @@ void Client::showPresence() {
                                                 *m_window->statusLine());
     connect(m_pump.get(), &client::NotificationPump::changed, m_presence.get(),
             &PresenceView::changed);
+}
+
+void Client::makeHistory() {
+    store::Store& store = client::sessionStore(*m_session);
+    m_history = std::make_unique<HistoryCommands>(HistoryCommands::Context{
+        .open = m_openMaintained,
+        .actor = {store.login(), clientName},
+        .mayWrite = m_app.m_mayWrite,
+        .window = *m_window,
+        .guard = *m_guard,
+        .app = m_app,
+        .session = *m_session,
+        .pump = *m_pump,
+        .modules = m_modules,
+        .openModule = [this](const QString& name) { openFurther({name}); },
+    });
 }
 
 void Client::connectAll() {
@@ -263,17 +287,21 @@ void Client::addOpenEdits() {
             const QString edit = module->ModEditText();
             if (edit.isEmpty())
                 continue;
-            all.push_back(
-                {QStringLiteral("%1: %2").arg(module->windowTitle(), edit), [this, module] {
-                     // The module does not look at results; the session tells of them.
-                     bool stored = true;
-                     const auto watch =
-                         connect(&client::sessionEvents(*m_session), &client::SessionEvents::failed,
-                                 this, [&] { stored = false; });
-                     const bool closed = !module || module->ModEditSave();
-                     disconnect(watch);
-                     return closed && stored;
-                 }});
+            all.push_back({QStringLiteral("%1: %2").arg(module->windowTitle(), edit),
+                           [this, module] {
+                               // The module does not look at results; the session tells of them.
+                               bool stored = true;
+                               const auto watch = connect(&client::sessionEvents(*m_session),
+                                                          &client::SessionEvents::failed, this,
+                                                          [&] { stored = false; });
+                               const bool closed = !module || module->ModEditSave();
+                               disconnect(watch);
+                               return closed && stored;
+                           },
+                           [module] {
+                               if (module)
+                                   module->ModEditCancel();
+                           }});
         }
         return all;
     });
@@ -479,6 +507,7 @@ void Client::fail(const QString& place, const QString& text) {
 
 void Client::stop() {
     m_presence.reset();
+    m_history.reset();
     m_pump.reset(); // no notification from here on
     m_modules.stopAll();
 }

@@ -9,6 +9,7 @@
 #include "apps/client/HostApp.h"
 #include "apps/client/ModuleLibrary.h"
 #include "apps/client/Options.h"
+#include "apps/client/StoreThread.h"
 #include "platform/client/ModuleRegistry.h"
 #include "platform/client/NotificationPump.h"
 #include "platform/client/Session.h"
@@ -21,6 +22,7 @@ namespace orvo::app {
 
 class CloseGuard;
 class FileMirror;
+class HistoryCommands;
 class Inspector;
 class MainWindow;
 class WaitDialogController;
@@ -69,6 +71,7 @@ private:
     void openForm(const QString& request);
     void showUnwritten();
     void showPresence();
+    void makeHistory();
     void tellReadOnly();
     void fail(const QString& place, const QString& text);
     void stop();
@@ -87,6 +90,8 @@ private:
     std::unique_ptr<WindowMemory> m_memory; ///< null: for a picture, nothing is remembered
     std::unique_ptr<CloseGuard> m_guard;
     bool m_leaving = false; ///< the window was asked to close
+    StoreThread::Opener m_openMaintained;
+    std::unique_ptr<HistoryCommands> m_history; ///< while the window is shown
     std::unique_ptr<COrvoCliMod> m_logModule;
     client::ModuleRegistry m_modules;
     bool m_outdated = false; ///< a call failed for want of the server: the editors may not show it

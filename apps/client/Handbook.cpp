@@ -18,12 +18,19 @@ constexpr char guide[] = "user-guide.html";
 
 const std::vector<PaneChapter>& paneChapters() {
     static const std::vector<PaneChapter> all = {
-        {"OrvoMenu", "CPopObjectList", "desktop"}, {"OrvoMenu", "tvDesck", "desktop"},
-        {"OrvoMenu", "tvMenu", "order"},           {"OrvoMenu", "tvProp", "passport"},
-        {"OrvoResources", "tvRes", "resources"},   {"OrvoResources", "tvProp", "modules"},
-        {"OrvoResources", "toolBar", "search"},    {"", "OrvoMenu", "menu"},
-        {"", "OrvoResources", "resources"},        {"", "formWindow", "forms"},
-        {"", "unwrittenPane", "unwritten"},        {"", "logPane", "trouble"},
+        {"OrvoMenu", "CPopObjectList", "desktop"},
+        {"OrvoMenu", "tvDesck", "desktop"},
+        {"OrvoMenu", "tvMenu", "order"},
+        {"OrvoMenu", "tvProp", "passport"},
+        {"OrvoResources", "tvRes", "resources"},
+        {"OrvoResources", "tvProp", "modules"},
+        {"OrvoResources", "toolBar", "search"},
+        {"", "OrvoMenu", "menu"},
+        {"", "OrvoResources", "resources"},
+        {"", "formWindow", "forms"},
+        {"", "unwrittenPane", "unwritten"},
+        {"", "historyPane", "history"},
+        {"", "logPane", "trouble"},
     };
     return all;
 }

@@ -3,6 +3,9 @@
 #include "frame/Vocabulary.h"
 #include "platform/mdx/MdxBuild.h"
 
+#include <QAction>
+#include <QMenu>
+
 #include <cstring>
 
 namespace orvo::app {
@@ -18,6 +21,15 @@ struct RunBlock {
     const char* argument; ///< zero-terminated, Windows-1251
 };
 
+/// Whether a row's key is that of a row without a record.
+bool isFixedKey(const QString& key) {
+    for (const char* fixed :
+         {rowkey::desktops, rowkey::elements, rowkey::resources, rowkey::files, rowkey::orphans})
+        if (key.compare(QLatin1String(fixed), Qt::CaseInsensitive) == 0)
+            return true;
+    return false;
+}
+
 } // namespace
 
 void HostApp::log(int level, const QString& place, const QString& text) {
@@ -30,6 +42,26 @@ QString HostApp::markKey(const QString& table, const QString& key) {
 
 RecordMark HostApp::recordMark(const QString& table, const QString& key) const {
     return m_marks.value(markKey(table, key));
+}
+
+void HostApp::addRecordActions(QMenu* menu, const QString& table, const QString& key) {
+    if (key.isEmpty() || isFixedKey(key))
+        return;
+    menu->addSeparator();
+    // Queued: the menu is closed and its loop left before anything is shown.
+    const auto add = [&](const QString& text, bool withContent) {
+        connect(
+            menu->addAction(text), &QAction::triggered, this,
+            [this, table, key, withContent] { emit historyRequested(table, key, withContent); },
+            Qt::QueuedConnection);
+    };
+    add(QStringLiteral("История строки"), false);
+    if (table == QLatin1String(orvo::table::MenuResource))
+        connect(
+            menu->addAction(QStringLiteral("Прежние версии…")), &QAction::triggered, this,
+            [this, key] { emit versionsRequested(key); }, Qt::QueuedConnection);
+    else
+        add(QStringLiteral("История со всем, что внутри"), true);
 }
 
 QStringList HostApp::markedRecords() const {

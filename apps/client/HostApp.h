@@ -19,6 +19,8 @@ public:
     bool hasRecordMarks() const override { return !m_marks.isEmpty(); }
     RecordMark recordMark(const QString& table, const QString& key) const override;
 
+    void addRecordActions(QMenu* menu, const QString& table, const QString& key) override;
+
     /// Marks by markKey.
     using Marks = QHash<QString, RecordMark>;
     static QString markKey(const QString& table, const QString& key);
@@ -31,6 +33,10 @@ signals:
     void titleChanged(COrvoCliMod* module, const QString& title);
     /// RUN_FILE: the form's name, and behind a ";" its parameters.
     void formRequested(const QString& request);
+    /// The history of a record, or of it and everything in it.
+    void historyRequested(const QString& table, const QString& key, bool withContent);
+    /// The kept versions of a form or file.
+    void versionsRequested(const QString& resource);
 
 private:
     Marks m_marks;

@@ -21,6 +21,7 @@ namespace orvo::app {
 
 namespace {
 
+constexpr int usefulHeight = 300; ///< of a pane that is called by a key
 constexpr char stayKey[] = "view/stayAtOwnRow";
 
 } // namespace
@@ -55,6 +56,7 @@ void MainWindow::makeMenus() {
     QAction* quit = client->addAction(QStringLiteral("В&ыход"));
     quit->setShortcut(QKeySequence::Quit);
     connect(quit, &QAction::triggered, this, &QWidget::close, Qt::QueuedConnection);
+    m_edit = menuBar()->addMenu(QStringLiteral("&Правка"));
     m_view = menuBar()->addMenu(QStringLiteral("&Вид"));
     m_view->addAction(m_logDock->toggleViewAction());
     m_view->addSeparator();
@@ -101,7 +103,8 @@ void MainWindow::addModule(COrvoCliMod* module, const QString& name) {
     setTitle(module, module->windowTitle().isEmpty() ? name : module->windowTitle());
 }
 
-QDockWidget* MainWindow::addPane(QWidget* content, const QString& title, const QString& name) {
+QDockWidget* MainWindow::addPane(QWidget* content, const QString& title, const QString& name,
+                                 const QKeySequence& shortcut) {
     auto* dock = new QDockWidget(title, this);
     dock->setObjectName(name);
     dock->setWidget(content);
@@ -109,8 +112,27 @@ QDockWidget* MainWindow::addPane(QWidget* content, const QString& title, const Q
     addDockWidget(Qt::BottomDockWidgetArea, dock);
     tabifyDockWidget(m_logDock, dock);
     dock->hide();
-    m_view->addAction(dock->toggleViewAction());
+    if (shortcut.isEmpty()) {
+        m_view->addAction(dock->toggleViewAction());
+        return dock;
+    }
+    QAction* toggle = m_view->addAction(title);
+    toggle->setShortcut(shortcut);
+    connect(toggle, &QAction::triggered, dock, [this, dock] {
+        if (!dock->isHidden() && !dock->visibleRegion().isEmpty())
+            dock->hide();
+        else
+            bringUp(dock);
+    });
     return dock;
+}
+
+void MainWindow::bringUp(QDockWidget* pane) {
+    pane->show();
+    pane->raise();
+    if (pane->height() < usefulHeight)
+        resizeDocks({pane}, {usefulHeight}, Qt::Vertical);
+    pane->widget()->setFocus();
 }
 
 void MainWindow::setTitle(COrvoCliMod* module, const QString& title) {

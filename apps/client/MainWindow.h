@@ -2,6 +2,7 @@
 #ifndef ORVO_APPS_CLIENT_MAINWINDOW_H
 #define ORVO_APPS_CLIENT_MAINWINDOW_H
 
+#include <QKeySequence>
 #include <QMainWindow>
 #include <QPointer>
 
@@ -31,7 +32,13 @@ public:
     /// Places a module in a tab of its own. It stays the caller's to delete; the tab goes with it.
     void addModule(COrvoCliMod* module, const QString& name);
     /// Places a widget, which becomes the window's, in a pane beside the log, closed at first.
-    QDockWidget* addPane(QWidget* content, const QString& title, const QString& name);
+    /// With a shortcut, it brings the pane to the front, or closes it if it is there.
+    QDockWidget* addPane(QWidget* content, const QString& title, const QString& name,
+                         const QKeySequence& shortcut = {});
+    /// Opens a pane in front of those beside it, with room to work in, and gives it the focus.
+    void bringUp(QDockWidget* pane);
+    /// The menu of what changes the store.
+    QMenu* editMenu() const { return m_edit; }
     void setTitle(COrvoCliMod* module, const QString& title);
     int currentModule() const;
     void setCurrentModule(int index);
@@ -72,6 +79,7 @@ private:
     LogPane* m_log;
     StatusLine* m_status;
     QDockWidget* m_logDock;
+    QMenu* m_edit = nullptr;
     QMenu* m_view = nullptr;
     CPopMessageBox* m_box = nullptr;
     QPointer<Handbook> m_handbook; ///< made when first asked for; goes with the window

@@ -14,6 +14,7 @@ namespace orvo::app {
 namespace {
 
 constexpr int narrowest = 200;
+constexpr int doneMs = 8000;
 
 QLabel* makeLabel(const QString& text, QWidget* parent) {
     auto* label = new QLabel(text, parent);
@@ -44,6 +45,7 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
     , m_held(makeLabel({}, this))
     , m_others(makeLabel({}, this))
     , m_readOnly(makeLabel(QStringLiteral("Только просмотр"), this))
+    , m_done(makeLabel({}, this))
     , m_failure(new QToolButton(this))
     , m_store(store) {
     m_light->setFixedSize(10, 10);
@@ -68,6 +70,13 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
     m_held->setObjectName(QStringLiteral("heldLabel"));
     addWidget(m_held);
     m_held->hide();
+    m_done->setObjectName(QStringLiteral("doneLabel"));
+    m_done->setMinimumWidth(1); // its text never makes the window wider
+    addWidget(m_done, 1);
+    m_done->hide();
+    m_doneTime.setSingleShot(true);
+    m_doneTime.setInterval(doneMs);
+    connect(&m_doneTime, &QTimer::timeout, m_done, &QLabel::hide);
 
     m_failure->setObjectName(QStringLiteral("failureButton"));
     m_failure->setCursor(Qt::PointingHandCursor);
@@ -135,6 +144,13 @@ void StatusLine::setReadOnly(const QString& why) {
     m_readOnly->setToolTip(plainToolTip(why));
     m_readOnly->show();
     fitFailure();
+}
+
+void StatusLine::setDone(const QString& text) {
+    m_done->setText(oneLine(text));
+    m_done->setToolTip(plainToolTip(clipped(text)));
+    m_done->show();
+    m_doneTime.start();
 }
 
 void StatusLine::setFailure(const QString& text) {

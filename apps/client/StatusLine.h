@@ -3,6 +3,7 @@
 #define ORVO_APPS_CLIENT_STATUSLINE_H
 
 #include <QStatusBar>
+#include <QTimer>
 
 class QLabel;
 class QToolButton;
@@ -27,6 +28,8 @@ public:
     QString others() const;
     /// Shows that this user may not change anything, and in the tool tip why.
     void setReadOnly(const QString& why);
+    /// Shows for a while what was done.
+    void setDone(const QString& text);
     /// Shows a failure, which stays until the user clicks it; later ones are counted with it.
     void setFailure(const QString& text);
     /// The failure on show, without the count; empty if none.
@@ -49,7 +52,9 @@ private:
     QLabel* m_held;
     QLabel* m_others;
     QLabel* m_readOnly;
+    QLabel* m_done;
     QToolButton* m_failure;
+    QTimer m_doneTime;
     const QString m_store;
     QString m_since; ///< time of the loss; empty: connected
     QString m_text;

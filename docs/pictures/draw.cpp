@@ -92,5 +92,19 @@ int main(int argc, char* argv[]) {
 
     painter.choose("Инструкция оператора ГРС");
     painter.take("file-passport.png");
+
+    painter.need(painter.scene().store().foreignWrite(
+        "update MenuResource set caption = 'Инструкция оператора ГРС, 2-я редакция' "
+        "where caption = 'Инструкция оператора ГРС'"));
+    hands::key("F4");
+    painter.need(painter.scene().waitFor("the history is there", [&] {
+        return !painter.client().tree("historyTree").rows.empty();
+    }));
+    hands::key("Home");
+    hands::key("Right");
+    painter.take("history.png");
+    painter.need(painter.scene().press(painter.client(), "historyRevert"));
+    painter.take("history-preview.png");
+    hands::key("Escape");
     return 0;
 }

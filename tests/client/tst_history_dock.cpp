@@ -1,0 +1,378 @@
+// The pane "История": who changed what, live and by the page; and what takes it back.
+#include "apps/client/HistoryPane.h"
+#include "apps/client/HostApp.h"
+#include "apps/client/RevertDialog.h"
+#include "apps/client/VersionsDialog.h"
+#include "platform/mdx/MdxBuild.h"
+#include "tests/client/RunningClient.h"
+
+#include <QAbstractItemModelTester>
+#include <QComboBox>
+#include <QDockWidget>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QToolButton>
+#include <QTreeWidget>
+
+using namespace orvo;
+using namespace orvo::test;
+using app::HistoryModel;
+
+namespace {
+
+struct Fixture : RunningClient {
+    app::HistoryPane* pane() const { return child<app::HistoryPane>("historyPane"); }
+    QTreeView* tree() const { return pane()->view(); }
+    QAbstractItemModel* model() const { return tree()->model(); }
+    QDockWidget* dock() const { return child<QDockWidget>("historyDock"); }
+    void open() const {
+        client->window()->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(client->window()));
+        QTest::keyClick(client->window(), Qt::Key_F4);
+    }
+    QString cell(int row, int column, const QModelIndex& parent = {}) const {
+        return model()->index(row, column, parent).data().toString();
+    }
+    QString what(int row) const { return cell(row, HistoryModel::What); }
+    QStringList all() const {
+        QStringList lines;
+        for (int row = 0; row < model()->rowCount(); ++row)
+            lines << what(row);
+        return lines;
+    }
+    int find(const QString& text) const {
+        const QStringList lines = all();
+        for (int row = 0; row < lines.size(); ++row)
+            if (lines[row].contains(text))
+                return row;
+        return -1;
+    }
+    void choose(const QString& text) const {
+        tree()->setCurrentIndex(model()->index(find(text), HistoryModel::What));
+    }
+    void press(const char* button) const {
+        auto* found = child<QPushButton>(button);
+        QVERIFY2(found && found->isEnabled(), button);
+        QTest::mouseClick(found, Qt::LeftButton);
+    }
+    /// Chooses in the menu of "Вернуть всё до этого места".
+    void revertBack(const QString& whose) const {
+        QMenu* menu = child<QPushButton>("historyRevertBack")->menu();
+        emit menu->aboutToShow();
+        for (QAction* action : menu->actions())
+            if (action->text().contains(whose)) {
+                action->trigger();
+                return;
+            }
+        QFAIL("no such scope");
+    }
+    app::RevertDialog* dialog() const { return child<app::RevertDialog>("revertDialog"); }
+    bool isReady() const {
+        return dialog() && dialog()->findChild<QPushButton*>("revertOk")->isEnabled();
+    }
+    QString note() const { return child<QLabel>("historyNote")->text(); }
+};
+
+} // namespace
+
+class TestHistoryDock : public QObject {
+    Q_OBJECT
+private slots:
+    void theNewestActionIsFirstWithNameTimeAndValues() {
+        Fixture fixture;
+        QVERIFY(!fixture.dock()->isVisible());
+        fixture.renames("b", "Котельная");
+        fixture.open();
+        QTRY_VERIFY(fixture.dock()->isVisible());
+        QTRY_COMPARE(fixture.what(0), QString("Переименован элемент меню «Котельная»: было «б»"));
+        QCOMPARE(fixture.cell(0, HistoryModel::Who), QString("engineer"));
+        QCOMPARE(fixture.cell(0, HistoryModel::Before), QString("«б»"));
+        QCOMPARE(fixture.cell(0, HistoryModel::After), QString("«Котельная»"));
+        QCOMPARE(fixture.cell(0, HistoryModel::Where), QString("КС-1 / а"));
+        QVERIFY(!fixture.cell(0, HistoryModel::When).isEmpty());
+        // 4 elements, a desktop and a user were made before.
+        QCOMPARE(fixture.model()->rowCount(), 7);
+        QCOMPARE(fixture.cell(1, HistoryModel::Who), QString("Петров П."));
+        fixture.open();
+        QTRY_VERIFY(!fixture.dock()->isVisible());
+    }
+
+    void whatOthersDoShowsWhileItIsOpen() {
+        Fixture fixture;
+        const QAbstractItemModelTester tester(
+            &fixture.pane()->feed().model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
+        fixture.open();
+        QTRY_COMPARE(fixture.model()->rowCount(), 6);
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "d"}, {"caption", "г1"}});
+        QTRY_COMPARE(fixture.model()->rowCount(), 7);
+        QCOMPARE(fixture.what(0), QString("Переименован элемент меню «г1»: было «г»"));
+        QCOMPARE(fixture.cell(0, HistoryModel::Who), QString("Петров П."));
+        // What is done while it is closed shows when it is opened.
+        fixture.open();
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "d"}, {"caption", "г2"}});
+        QTRY_VERIFY(fixture.menu().contains("г2"));
+        fixture.open();
+        QTRY_COMPARE(fixture.what(0), QString("Переименован элемент меню «г2»: было «г1»"));
+    }
+
+    void valuesUnfoldBelowAnAction() {
+        Fixture fixture;
+        fixture.writes(MDX_UPDATE, {{{"KeyLink", "a"}, {"caption", "а1"}, {"params", "x=1"}},
+                                    {{"KeyLink", "d"}, {"caption", "г1"}}});
+        const QAbstractItemModelTester tester(
+            &fixture.pane()->feed().model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
+        fixture.open();
+        QTRY_COMPARE(fixture.model()->rowCount(), 7);
+        const QModelIndex action = fixture.model()->index(0, 0);
+        QVERIFY(fixture.model()->hasChildren(action));
+        fixture.tree()->expand(action);
+        QTRY_COMPARE(fixture.model()->rowCount(action), 2);
+        const QModelIndex first = fixture.model()->index(0, 0, action);
+        QCOMPARE(fixture.cell(0, HistoryModel::What, action),
+                 QString("Переименован элемент меню «а1»: было «а»"));
+        QCOMPARE(fixture.model()->rowCount(first), 2);
+        QStringList fields;
+        for (int row = 0; row < 2; ++row)
+            fields << fixture.cell(row, HistoryModel::What, first) + '|' +
+                          fixture.cell(row, HistoryModel::Before, first) + '|' +
+                          fixture.cell(row, HistoryModel::After, first);
+        QVERIFY2(fields.filter("«а»|«а1»").size() == 1, qPrintable(fields.join('\n')));
+        QVERIFY2(fields.filter("«x=1»").size() == 1, qPrintable(fields.join('\n')));
+    }
+
+    void aLongHistoryComesInByThePage() {
+        Fixture fixture;
+        constexpr int count = 150;
+        for (int i = 0; i < count; ++i)
+            fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "d"}, {"caption", std::to_string(i)}});
+        fixture.open();
+        QTRY_VERIFY(fixture.model()->rowCount() > 0);
+        QTest::qWait(300);
+        QVERIFY(fixture.model()->rowCount() <= 2 * int(app::HistoryFeed::pageSize));
+        // The tester asks for more each time that it is told of new rows.
+        const QAbstractItemModelTester tester(
+            &fixture.pane()->feed().model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
+        while (!fixture.pane()->feed().model().isAtEnd()) {
+            const int before = fixture.model()->rowCount();
+            fixture.model()->fetchMore({});
+            QTRY_VERIFY(fixture.model()->rowCount() > before);
+        }
+        QCOMPARE(fixture.model()->rowCount(), count + 6);
+        for (int i = 0; i < count; ++i)
+            QVERIFY2(fixture.what(i).contains(QString("«%1»").arg(count - 1 - i)),
+                     qPrintable(fixture.what(i)));
+    }
+
+    void filtersNarrowItByRowDesktopPersonTimeAndText() {
+        Fixture fixture;
+        fixture.otherWrites(MDX_INSERT,
+                            {{"KeyLink", "desk2"}, {"caption", "КС-2"}, {"order_", "2000"}},
+                            "MenuFolder");
+        fixture.renames("b", "Котельная");
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "d"}, {"caption", "г1"}});
+        fixture.open();
+        QTRY_COMPARE(fixture.model()->rowCount(), 9);
+
+        fixture.pane()->showRecord("Menu", "B", false);
+        QTRY_COMPARE(fixture.all(), QStringList({"Переименован элемент меню «Котельная»: было «б»",
+                                                 "Создан элемент меню «б»"}));
+        auto* scope = fixture.child<QToolButton>("historyScope");
+        QTRY_VERIFY2(scope->text().contains("«Котельная»"), qPrintable(scope->text()));
+        QTest::mouseClick(scope, Qt::LeftButton);
+        QTRY_COMPARE(fixture.model()->rowCount(), 9);
+        QVERIFY(!scope->isVisible());
+
+        fixture.pane()->showRecord("MenuFolder", "desk", true);
+        QTRY_COMPARE(fixture.model()->rowCount(), 7); // not the user, nor the other desktop
+        fixture.pane()->showRecord("Menu", "a", true);
+        QTRY_COMPARE(fixture.model()->rowCount(), 4);
+        fixture.pane()->clearFilters();
+        QTRY_COMPARE(fixture.model()->rowCount(), 9);
+
+        auto* who = fixture.child<QComboBox>("historyWho");
+        QVERIFY(who->findText("Петров П. (petrov)") > 0);
+        who->setCurrentIndex(1);
+        emit who->activated(1);
+        QTRY_COMPARE(fixture.model()->rowCount(), 1);
+        fixture.pane()->clearFilters();
+        QTRY_COMPARE(fixture.model()->rowCount(), 9);
+
+        auto* text = fixture.child<QLineEdit>("historyText");
+        QTest::keyClicks(text, "2000");
+        QTRY_COMPARE(fixture.model()->rowCount(), 2);
+        text->setText("такого нет");
+        QTRY_COMPARE(fixture.model()->rowCount(), 0);
+        QTRY_COMPARE(fixture.note(), QString("Таких действий нет."));
+        fixture.pane()->clearFilters();
+
+        auto* since = fixture.child<QComboBox>("historySince");
+        since->setCurrentIndex(1);
+        emit since->activated(1);
+        QTRY_COMPARE(fixture.model()->rowCount(), 9);
+    }
+
+    void anActionOfAnotherIsTakenBackAfterAPreview() {
+        Fixture fixture;
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "d"}, {"caption", "чужое"}});
+        fixture.renames("a", "а1");
+        fixture.open();
+        QTRY_VERIFY(fixture.find("«чужое»") == 1);
+        fixture.choose("«чужое»");
+        fixture.press("historyRevert");
+        QTRY_VERIFY(fixture.isReady());
+        auto* writes = fixture.dialog()->findChild<QTreeWidget*>("revertWrites");
+        QCOMPARE(writes->topLevelItemCount(), 1);
+        QCOMPARE(writes->topLevelItem(0)->text(0),
+                 QString("Переименован элемент меню «г»: было «чужое»"));
+        QTest::mouseClick(fixture.dialog()->findChild<QPushButton*>("revertOk"), Qt::LeftButton);
+        QTRY_COMPARE(fixture.menu(), QString("а1(б(в)) г"));
+        QTRY_VERIFY(fixture.what(0).startsWith("Отмена: "));
+        // It shows as taken back, and is not offered again.
+        const int row = fixture.all().indexOf("Переименован элемент меню «чужое»: было «г»");
+        QTRY_VERIFY(fixture.model()->index(row, 0).data(Qt::FontRole).value<QFont>().strikeOut());
+        fixture.tree()->setCurrentIndex(fixture.model()->index(row, 0));
+        QVERIFY(!fixture.child<QPushButton>("historyRevert")->isEnabled());
+        // What the history did is an action: the key takes that back.
+        QTRY_VERIFY2(fixture.undoText().startsWith("Отменить: вернуть"),
+                     qPrintable(fixture.undoText()));
+        fixture.action("actUndo")->trigger();
+        QTRY_COMPARE(fixture.menu(), QString("а1(б(в)) чужое"));
+    }
+
+    void everythingBackToAPlaceGoesInOneAction() {
+        Fixture fixture;
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "d"}, {"caption", "г1"}});
+        fixture.renames("d", "г2");
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "a"}, {"caption", "а1"}});
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "d"}, {"caption", "г3"}});
+        fixture.open();
+        QTRY_VERIFY(fixture.find("«г1»: было «г»") >= 0);
+        fixture.choose("«г1»: было «г»");
+        fixture.revertBack("этой строки");
+        QTRY_VERIFY(fixture.isReady());
+        QTest::mouseClick(fixture.dialog()->findChild<QPushButton*>("revertOk"), Qt::LeftButton);
+        QTRY_COMPARE(fixture.menu(), QString("а1(б(в)) г"));
+        // One action, which the key takes back as a whole.
+        QTRY_VERIFY(fixture.action("actUndo")->isEnabled());
+        QTRY_VERIFY(fixture.undoText().contains("вернуть"));
+        fixture.action("actUndo")->trigger();
+        QTRY_COMPARE(fixture.menu(), QString("а1(б(в)) г3"));
+        QTRY_VERIFY(fixture.redoText().contains("вернуть"));
+        // Back to the same place once more: what was undone and done again counts once.
+        QTRY_VERIFY(fixture.find("«г1»: было «г»") >= 0);
+        fixture.choose("«г1»: было «г»");
+        fixture.revertBack("всего рабочего стола");
+        QTRY_VERIFY(fixture.isReady());
+        QTest::mouseClick(fixture.dialog()->findChild<QPushButton*>("revertOk"), Qt::LeftButton);
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г"));
+    }
+
+    void aPersonsWorkSinceAPlaceIsTakenBackAndThatOfOthersStays() {
+        Fixture fixture;
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "a"}, {"caption", "а1"}});
+        fixture.renames("c", "в1");
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "d"}, {"caption", "г1"}});
+        fixture.open();
+        QTRY_VERIFY(fixture.find("«а1»") >= 0);
+        fixture.choose("«а1»");
+        fixture.revertBack("того же человека");
+        QTRY_VERIFY(fixture.isReady());
+        QTest::mouseClick(fixture.dialog()->findChild<QPushButton*>("revertOk"), Qt::LeftButton);
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в1)) г"));
+    }
+
+    void showGoesToTheDesktopAndTheRow() {
+        Fixture fixture;
+        fixture.stop();
+        fixture.otherWrites(MDX_INSERT,
+                            {{"KeyLink", "desk2"}, {"caption", "КС-2"}, {"order_", "2000"}},
+                            "MenuFolder");
+        fixture.start();
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "c"}, {"caption", "в1"}});
+        fixture.otherWrites(MDX_DELETE, {{"KeyLink", "d"}});
+        fixture.open();
+        QTRY_VERIFY(fixture.find("«в1»") >= 0);
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в1))"));
+        fixture.openDesktop("КС-2");
+        QTRY_COMPARE(fixture.menu(), QString());
+        fixture.choose("«в1»");
+        fixture.press("historyShow");
+        QTRY_COMPARE(fixture.view("tvMenu")->currentIndex().data().toString(), QString("в1"));
+        QCOMPARE(fixture.view("tvDesck")->currentIndex().data().toString(), QString("КС-1"));
+        fixture.choose("Удалён элемент меню «г»");
+        fixture.press("historyShow");
+        QTRY_VERIFY(fixture.failure().contains("строки больше нет"));
+    }
+
+    void everyRowOfATreeOffersItsHistory() {
+        Fixture fixture;
+        QMenu menu;
+        auto* host = fixture.module("Menu")->m_app;
+        host->addRecordActions(&menu, "Menu", "MenuRootNode");
+        QVERIFY(menu.actions().isEmpty());
+        host->addRecordActions(&menu, "Menu", "c");
+        QCOMPARE(menu.actions().size(), 3);
+        menu.actions()[1]->trigger();
+        QTRY_VERIFY(fixture.dock()->isVisible());
+        QTRY_COMPARE(fixture.all(), QStringList("Создан элемент меню «в»"));
+    }
+
+    void keptVersionsAreListedExtractedAndPutBack() {
+        Fixture fixture;
+        store::Store& store = fixture.host.store();
+        for (const std::string_view bytes : {"старое", "новое"}) {
+            const store::Status put = store.filePut({{"", "план.txt", bytes, 1000.0}});
+            QVERIFY2(put.ok(), put.text.c_str());
+        }
+        CMDArray rows;
+        QVERIFY(store.fetchWhere("MenuResource", "name_", "план.txt", rows.array).ok());
+        const QString key = textOf(rows.array, mdx::postedRecord(rows.array, 0), "KeyLink");
+        QMenu menu;
+        fixture.module("Resources")->m_app->addRecordActions(&menu, "MenuResource", key);
+        for (QAction* action : menu.actions())
+            if (action->text().startsWith("Прежние версии"))
+                action->trigger();
+        QTRY_VERIFY(fixture.child<app::VersionsDialog>("versionsDialog"));
+        auto* dialog = fixture.child<app::VersionsDialog>("versionsDialog");
+        auto* list = dialog->findChild<QTreeWidget*>("versionsList");
+        QTRY_COMPARE(list->topLevelItemCount(), 1);
+        QCOMPARE(list->topLevelItem(0)->text(0), QString("план.txt"));
+        QCOMPARE(list->topLevelItem(0)->text(4), QString("petrov"));
+        const QString file = fixture.host.dir.filePath("план.txt");
+        dialog->extractTo(file);
+        QTRY_VERIFY(QFile::exists(file));
+        QFile extracted(file);
+        QVERIFY(extracted.open(QIODevice::ReadOnly));
+        QCOMPARE(QString::fromUtf8(extracted.readAll()), QString("старое"));
+        QTest::mouseClick(dialog->findChild<QPushButton*>("versionReturn"), Qt::LeftButton);
+        QTRY_COMPARE(list->topLevelItemCount(), 2);
+        std::vector<store::StoredFile> files;
+        QVERIFY(store.fileGet("", "план.txt", true, &files).ok());
+        QCOMPARE(QString::fromStdString(files.at(0).bytes), QString("старое"));
+        dialog->close();
+    }
+
+    void aLogThatIsPrunedUnderItSaysSo() {
+        Fixture fixture;
+        fixture.renames("a", "а1");
+        fixture.open();
+        QTRY_COMPARE(fixture.model()->rowCount(), 7);
+        int64_t position = 0;
+        QVERIFY(fixture.host.store().logPosition(&position).ok());
+        QVERIFY(fixture.host.store().pruneLog(position - 1).ok());
+        const QModelIndex gone = fixture.model()->index(3, 0);
+        fixture.tree()->expand(gone);
+        QTRY_COMPARE(fixture.model()->rowCount(gone), 1);
+        QVERIFY2(fixture.cell(0, HistoryModel::What, gone).contains("уже не помнит"),
+                 qPrintable(fixture.cell(0, HistoryModel::What, gone)));
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "d"}, {"caption", "г1"}});
+        QTRY_COMPARE(fixture.model()->rowCount(), 8);
+        QTRY_VERIFY2(fixture.note().contains("начинается"), qPrintable(fixture.note()));
+        fixture.tree()->setCurrentIndex(fixture.model()->index(4, 0));
+        QVERIFY(!fixture.child<QPushButton>("historyRevert")->isEnabled());
+    }
+};
+
+QTEST_MAIN(TestHistoryDock)
+#include "tst_history_dock.moc"

@@ -1,0 +1,280 @@
+// The own actions are taken back and done again by two keys, and those of others stay.
+#include "apps/client/RevertDialog.h"
+#include "platform/mdx/MdxBuild.h"
+#include "tests/client/RunningClient.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTreeWidget>
+
+using namespace orvo;
+using namespace orvo::test;
+
+namespace {
+
+struct Fixture : RunningClient {
+    void undo() const { action("actUndo")->trigger(); }
+    void redo() const { action("actRedo")->trigger(); }
+    app::RevertDialog* dialog() const { return child<app::RevertDialog>("revertDialog"); }
+    /// The dialog, once it shows a plan.
+    bool hasPlan() const {
+        return dialog() && dialog()->findChild<QLabel*>("revertHead")->text() != "Готовится…";
+    }
+    void press(const char* button) const {
+        QTest::mouseClick(dialog()->findChild<QPushButton*>(button), Qt::LeftButton);
+    }
+    bool isEnabled(const char* button) const {
+        return dialog() && dialog()->findChild<QPushButton*>(button)->isEnabled();
+    }
+    QStringList left() const {
+        QStringList lines;
+        const auto* list = dialog()->findChild<QListWidget*>("revertLeft");
+        for (int i = 0; i < list->count(); ++i)
+            lines << list->item(i)->text();
+        return lines;
+    }
+};
+
+} // namespace
+
+class TestUndo : public QObject {
+    Q_OBJECT
+private slots:
+    void theLastActionIsNamedTakenBackAndDoneAgain() {
+        Fixture fixture;
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г"));
+        QTRY_COMPARE(fixture.undoText(), QString("Отменить"));
+        QTRY_VERIFY(!fixture.action("actUndo")->isEnabled());
+        fixture.renames("b", "Котельная & Ко");
+        QTRY_COMPARE(fixture.undoText(), QString("Отменить: переименовать «Котельная && Ко»"));
+        QTRY_COMPARE(fixture.menu(), QString("а(Котельная & Ко(в)) г"));
+        fixture.undo();
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г"));
+        QTRY_COMPARE(fixture.redoText(), QString("Повторить: переименовать «Котельная && Ко»"));
+        QTRY_VERIFY(!fixture.action("actUndo")->isEnabled());
+        QTRY_COMPARE(fixture.logged("Отменено: переименовать «Котельная & Ко» (1 запись)"), 1);
+        fixture.redo();
+        QTRY_COMPARE(fixture.menu(), QString("а(Котельная & Ко(в)) г"));
+        QTRY_COMPARE(fixture.undoText(), QString("Отменить: переименовать «Котельная && Ко»"));
+        QTRY_VERIFY(!fixture.action("actRedo")->isEnabled());
+        QCOMPARE(fixture.failure(), QString());
+    }
+
+    void keysPressedInARowTakeStepAfterStep() {
+        Fixture fixture;
+        fixture.renames("a", "а1");
+        fixture.renames("d", "г1");
+        fixture.renames("a", "а2");
+        fixture.client->window()->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(fixture.client->window()));
+        fixture.view("tvMenu")->setFocus();
+        for (int i = 0; i < 3; ++i)
+            QTest::keyClick(fixture.view("tvMenu"), Qt::Key_Z, Qt::ControlModifier);
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г"));
+        for (int i = 0; i < 2; ++i)
+            QTest::keyClick(fixture.view("tvMenu"), Qt::Key_Z,
+                            Qt::ControlModifier | Qt::ShiftModifier);
+        QTRY_COMPARE(fixture.menu(), QString("а1(б(в)) г1"));
+        QTRY_COMPARE(fixture.redoText(), QString("Повторить: переименовать «а2»"));
+        // What is done now ends what could be done again.
+        fixture.renames("c", "в1");
+        QTRY_COMPARE(fixture.undoText(), QString("Отменить: переименовать «в1»"));
+        QTRY_VERIFY(!fixture.action("actRedo")->isEnabled());
+    }
+
+    void theActionsOfOthersAreNotOffered() {
+        Fixture fixture;
+        fixture.renames("a", "а1");
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "d"}, {"caption", "чужое"}});
+        QTRY_COMPARE(fixture.menu(), QString("а1(б(в)) чужое"));
+        QTRY_COMPARE(fixture.undoText(), QString("Отменить: переименовать «а1»"));
+        fixture.undo();
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) чужое"));
+        QTRY_VERIFY(!fixture.action("actUndo")->isEnabled());
+    }
+
+    void aFieldThatAnotherChangedSinceStaysAndIsNamed() {
+        Fixture fixture;
+        fixture.writes(MDX_UPDATE, {{{"KeyLink", "a"}, {"caption", "а1"}, {"params", "x=1"}}});
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "a"}, {"caption", "а-чужое"}});
+        QTRY_COMPARE(fixture.menu(), QString("а-чужое(б(в)) г"));
+        QTRY_VERIFY(fixture.action("actUndo")->isEnabled());
+        fixture.undo();
+        QTRY_VERIFY2(fixture.failure().contains("Оставлено как есть: элемент меню «а-чужое»"),
+                     qPrintable(fixture.failure()));
+        QVERIFY(fixture.failure().contains("petrov"));
+        CMDArray rows;
+        QVERIFY(fixture.host.store().fetchLinked("Menu", "KeyLink", "a", rows.array).ok());
+        const MDRData* record = mdx::postedRecord(rows.array, 0);
+        QCOMPARE(textOf(rows.array, record, "params"), QString());
+        QCOMPARE(textOf(rows.array, record, "caption"), QString("а-чужое"));
+    }
+
+    void anActionOfWhichNothingIsLeftIsSaidAndPassedOver() {
+        Fixture fixture;
+        fixture.renames("d", "г1");
+        fixture.renames("a", "а1");
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "a"}, {"caption", "чужое"}});
+        QTRY_COMPARE(fixture.menu(), QString("чужое(б(в)) г1"));
+        fixture.undo();
+        QTRY_VERIFY2(fixture.failure().contains("возвращать нечего"),
+                     qPrintable(fixture.failure()));
+        QTRY_COMPARE(fixture.undoText(), QString("Отменить: переименовать «г1»"));
+        fixture.undo();
+        QTRY_COMPARE(fixture.menu(), QString("чужое(б(в)) г"));
+    }
+
+    void aDeletedBranchComesBackBelowItsParent() {
+        Fixture fixture;
+        fixture.writes(MDX_DELETE, {{{"KeyLink", "b"}}, {{"KeyLink", "c"}}});
+        QTRY_COMPARE(fixture.menu(), QString("а г"));
+        QTRY_COMPARE(fixture.undoText(), QString("Отменить: удалить «б» со всем, что внутри"));
+        fixture.undo();
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г"));
+    }
+
+    void aDesktopAtTheTopIsInTheTreeAgain() {
+        Fixture fixture;
+        fixture.writes(MDX_DELETE, {{{"KeyLink", "desk"}}}, "MenuFolder");
+        const auto desktops = [&] {
+            return RunningClient::below(*fixture.view("tvDesck")->model(), {});
+        };
+        QTRY_COMPARE(desktops(), QString("Список рабочих столов"));
+        QTRY_COMPARE(fixture.undoText(), QString("Отменить: удалить «КС-1»"));
+        fixture.undo();
+        QTRY_COMPARE(desktops(), QString("Список рабочих столов(КС-1)"));
+        fixture.openDesktop("КС-1");
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г"));
+    }
+
+    void aBranchWhoseParentIsGoneAsksWhereToGo() {
+        Fixture fixture;
+        fixture.writes(MDX_DELETE, {{{"KeyLink", "b"}}, {{"KeyLink", "c"}}});
+        fixture.otherWrites(MDX_DELETE, {{"KeyLink", "a"}});
+        QTRY_COMPARE(fixture.menu(), QString("г"));
+        QTRY_VERIFY(fixture.action("actUndo")->isEnabled());
+        fixture.undo();
+        QTRY_VERIFY(fixture.hasPlan());
+        QVERIFY(!fixture.isEnabled("revertOk"));
+        QVERIFY2(fixture.left().join('\n').contains("нет места"),
+                 qPrintable(fixture.left().join('\n')));
+        auto* place = fixture.dialog()->findChild<QComboBox*>("revertPlace0");
+        QVERIFY(place);
+        const int other = place->findText("КС-1 / г");
+        QStringList offered;
+        for (int i = 0; i < place->count(); ++i)
+            offered << place->itemText(i);
+        QVERIFY2(other > 0, qPrintable(offered.join('\n')));
+        place->setCurrentIndex(other);
+        QTRY_VERIFY(fixture.isEnabled("revertOk"));
+        QCOMPARE(fixture.dialog()->findChild<QTreeWidget*>("revertWrites")->topLevelItemCount(), 2);
+        fixture.press("revertOk");
+        QTRY_COMPARE(fixture.menu(), QString("г(б(в))"));
+        QTRY_VERIFY(!fixture.dialog());
+        // It was one action: done again, the branch goes as a whole.
+        QTRY_VERIFY(fixture.action("actRedo")->isEnabled());
+        fixture.redo();
+        QTRY_COMPARE(fixture.menu(), QString("г"));
+    }
+
+    void whatIsGivenUpInTheDialogChangesNothing() {
+        Fixture fixture;
+        fixture.writes(MDX_DELETE, {{{"KeyLink", "b"}}, {{"KeyLink", "c"}}});
+        fixture.otherWrites(MDX_DELETE, {{"KeyLink", "a"}});
+        QTRY_COMPARE(fixture.menu(), QString("г"));
+        QTRY_VERIFY(fixture.action("actUndo")->isEnabled());
+        fixture.undo();
+        QTRY_VERIFY(fixture.hasPlan());
+        fixture.press("revertCancel");
+        QTRY_VERIFY(!fixture.dialog());
+        QTRY_COMPARE(fixture.undoText(), QString("Отменить: удалить «б» со всем, что внутри"));
+        QCOMPARE(fixture.menu(), QString("г"));
+    }
+
+    void anInsertOnWhichAnotherHasBuiltAsksBeforeItGoes() {
+        Fixture fixture;
+        fixture.writes(
+            MDX_INSERT,
+            {{{"KeyLink", "x"}, {"FolderKey", "desk"}, {"caption", "х"}, {"order_", "9"}}});
+        QTRY_VERIFY(fixture.menu().contains("х"));
+        fixture.add("y", "у", "x");
+        QTRY_VERIFY(fixture.menu().contains("х(у)"));
+        QTRY_VERIFY(fixture.action("actUndo")->isEnabled());
+        fixture.undo();
+        QTRY_VERIFY(fixture.hasPlan());
+        QVERIFY(!fixture.isEnabled("revertOk"));
+        QVERIFY2(fixture.left().join('\n').contains("на этом построено другое (petrov"),
+                 qPrintable(fixture.left().join('\n')));
+        fixture.dialog()->findChild<QCheckBox*>("revertOthers")->setChecked(true);
+        QTRY_VERIFY(fixture.isEnabled("revertOk"));
+        fixture.press("revertOk");
+        QTRY_VERIFY(!fixture.menu().contains("х"));
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г"));
+    }
+
+    void stepsOutliveTheModulesAndTheProgram() {
+        Fixture fixture;
+        fixture.renames("a", "а1");
+        fixture.renames("d", "г1");
+        QTRY_COMPARE(fixture.undoText(), QString("Отменить: переименовать «г1»"));
+        fixture.undo();
+        QTRY_COMPARE(fixture.redoText(), QString("Повторить: переименовать «г1»"));
+        fixture.stop();
+        fixture.start();
+        QTRY_COMPARE(fixture.undoText(), QString("Отменить: переименовать «а1»"));
+        QTRY_COMPARE(fixture.redoText(), QString("Повторить: переименовать «г1»"));
+        fixture.undo();
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г"));
+        emit fixture.client->window()->reopenRequested();
+        QTRY_COMPARE(fixture.redoText(), QString("Повторить: переименовать «а1»"));
+        fixture.redo();
+        QTRY_COMPARE(fixture.redoText(), QString("Повторить: переименовать «г1»"));
+    }
+
+    void anOpenEditIsAskedAboutAndTheNamedActionIsTakenBack() {
+        Fixture fixture;
+        fixture.renames("a", "а1");
+        QTRY_COMPARE(fixture.undoText(), QString("Отменить: переименовать «а1»"));
+        QTRY_COMPARE(fixture.menu(), QString("а1(б(в)) г"));
+        fixture.child<QAction>("actChangeDescktopOrFolder")->trigger();
+        QVERIFY(!fixture.module("Menu")->ModEditText().isEmpty());
+        fixture.undo();
+        QTRY_VERIFY(fixture.child<QMessageBox>("closeQuestion"));
+        auto* question = fixture.child<QMessageBox>("closeQuestion");
+        QCOMPARE(question->windowTitle(), QString("Отменить: переименовать «а1»"));
+        QTest::mouseClick(question->findChild<QPushButton*>("closeStay"), Qt::LeftButton);
+        QTRY_VERIFY(!fixture.child<QMessageBox>("closeQuestion"));
+        QVERIFY(!fixture.module("Menu")->ModEditText().isEmpty());
+        fixture.undo();
+        QTRY_VERIFY(fixture.child<QMessageBox>("closeQuestion"));
+        question = fixture.child<QMessageBox>("closeQuestion");
+        QTest::mouseClick(question->findChild<QPushButton*>("closeDrop"), Qt::LeftButton);
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г"));
+        QVERIFY(fixture.module("Menu")->ModEditText().isEmpty());
+    }
+
+    void textThatIsTypedHasItsOwnUndo() {
+        Fixture fixture;
+        fixture.renames("a", "а1");
+        QTRY_COMPARE(fixture.menu(), QString("а1(б(в)) г"));
+        QTRY_COMPARE(fixture.undoText(), QString("Отменить: переименовать «а1»"));
+        auto* line = new QLineEdit(fixture.module("Menu"));
+        line->show();
+        fixture.client->window()->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(fixture.client->window()));
+        line->setFocus();
+        QTest::keyClicks(line, "abc");
+        QTest::keyClick(line, Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(line->text(), QString());
+        QTest::qWait(200);
+        QCOMPARE(fixture.menu(), QString("а1(б(в)) г"));
+    }
+};
+
+QTEST_MAIN(TestUndo)
+#include "tst_undo.moc"
