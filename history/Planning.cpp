@@ -355,9 +355,51 @@ store::Status Planning::deleteBelow(const store::TableDef& table, const std::str
     return status;
 }
 
+/// Files that others have put into a form that is to be deleted would go with it.
+store::Status Planning::findUploadsInto(Records& resources) {
+    if (std::none_of(resources.begin(), resources.end(),
+                     [](const auto& entry) { return entry.second.flag == MDX_DELETE; }))
+        return {};
+    const store::TableDef& contents = store::contentTable();
+    store::LogQuery query;
+    query.table = contents.name;
+    query.above = m_standing.begin() - 1;
+    query.oldestFirst = true;
+    std::vector<store::Change> changes;
+    store::Status status = m_store.history(query, INT_MAX, &changes);
+    std::vector<std::string> keys;
+    for (const store::Change& change : changes)
+        keys.push_back(change.key);
+    std::map<std::string, std::vector<store::Value>> stored;
+    if (status.ok())
+        status = m_store.storedValues(contents, keys, &stored);
+    m_changes.push_back(std::move(changes));
+    const auto owner = static_cast<size_t>(contents.find(field::MenuResourceKey));
+    for (const store::Change& change : m_changes.back()) {
+        const auto content = stored.find(store::foldedKey(change.key));
+        const Event event{&change, {}, {}};
+        if (content == stored.end() || isConcerned(event) || !counts(event))
+            continue;
+        const auto resource =
+            resources.find(store::foldedKey(store::textOf(content->second[owner])));
+        if (resource == resources.end() || resource->second.flag != MDX_DELETE)
+            continue;
+        // As with every record: what came after the first of the actions.
+        const std::vector<Event>& events = resource->second.events;
+        const auto first = std::find_if(events.begin(), events.end(),
+                                        [&](const Event& its) { return isConcerned(its); });
+        if (first != events.end() && first->change->id < change.id)
+            resource->second.builtOn = &change;
+    }
+    return status;
+}
+
 store::Status Planning::keepWhatIsBuiltOn() {
     if (m_alone)
         return {}; // nobody has done anything since
+    const store::Status uploads = findUploadsInto(m_records[store::findTable(table::MenuResource)]);
+    if (!uploads.ok())
+        return uploads;
     std::set<const Record*> kept;
     for (bool again = true; again;) {
         again = false;

@@ -70,6 +70,7 @@ private:
     bool bytesOf(const Record& record, const std::map<int64_t, store::KeptVersion>& kept,
                  std::optional<store::KeptVersion>* version) const;
     store::Status wasDeleted(const store::TableDef& table, const std::string& key, bool* deleted);
+    store::Status findUploadsInto(Records& resources);
     store::Status deleteBelow(const store::TableDef& table, const std::string& key);
     void part(const store::TableDef& table, int flag);
 

@@ -22,6 +22,11 @@ using Rows = std::map<std::string, std::vector<Value>>;
 struct State {
     std::map<std::string, Rows> tables;
     bool operator==(const State& other) const { return tables == other.tables; }
+    const Rows& of(const std::string& table) const {
+        static const Rows none;
+        const auto found = tables.find(table);
+        return found == tables.end() ? none : found->second;
+    }
 };
 
 class StateReceiver : public Receiver {
@@ -98,6 +103,8 @@ void TestHistoryRandom::plant() {
     m_users.clear();
     for (const char* name : {"u1", "u2", "u3", "u4"})
         m_users.push_back(login(name));
+    ORVO_OK(Batch("MenuResourceFolder").insert("forms", {{"type_", 3}}).send(*m_anna));
+    ORVO_OK(m_anna->formPut("", {{"", "form0_", "at first", 1.5}}));
     ORVO_OK(Batch("MenuFolder")
                 .insert("f", {{"caption", "Папка"}, {"isFolder", true}})
                 .insert("d1", {{"caption", "Стол 1"}, {"ParentKey", "f"}})
@@ -120,7 +127,7 @@ void TestHistoryRandom::act(size_t who) {
                       desktop = anyKey(now, "MenuFolder");
     Status status;
     const QString text = QString("т%1").arg(number(1000));
-    switch (number(7)) {
+    switch (number(10)) {
     case 0:
     case 1: {
         Batch batch("Menu");
@@ -165,6 +172,19 @@ void TestHistoryRandom::act(size_t who) {
         status = batch.send(store);
         break;
     }
+    case 7:
+    case 8: {
+        const std::string name = "form" + std::to_string(number(3));
+        const std::string bytes = text.toStdString();
+        std::vector<FileToPut> files = {{"", name + "_", bytes, number(2) ? 5.5 : 7.0}};
+        if (number(2))
+            files.push_back({"", name + ".png", bytes, {}});
+        status = store.formPut("", files);
+        break;
+    }
+    case 9:
+        status = store.formDelete({"form" + std::to_string(number(3)) + "_"});
+        break;
     default:
         status = Batch("MenuFolder")
                      .insert(qPrintable(QString("g%1").arg(++m_made)),
@@ -222,7 +242,7 @@ void TestHistoryRandom::ofEachOnlyHisOwnIsTakenBack() {
         const std::pair<std::string, std::string> record{change.table, foldedKey(change.key)};
         (own ? hisRecords : othersRecords).insert(record);
         for (const std::string* json : {&change.after, &change.before})
-            for (const auto& [field, value] : valuesFromJson(*findTable(change.table), *json))
+            for (const auto& [field, value] : valuesFromJson(*tableOf(change.table), *json))
                 (own ? his : others).insert({record.first, record.second, field});
     }
     const State acted = state();
@@ -237,7 +257,7 @@ void TestHistoryRandom::ofEachOnlyHisOwnIsTakenBack() {
             if (change.group == action.group)
                 for (const std::string* json : {&change.after, &change.before})
                     for (const auto& [field, value] :
-                         valuesFromJson(*findTable(change.table), *json)) {
+                         valuesFromJson(*tableOf(change.table), *json)) {
                         others.insert({change.table, foldedKey(change.key), field});
                         othersRecords.insert({change.table, foldedKey(change.key)});
                     }
@@ -245,27 +265,27 @@ void TestHistoryRandom::ofEachOnlyHisOwnIsTakenBack() {
     for (const auto& [table, rows] : acted.tables)
         for (const auto& [key, row] : rows)
             if (hisRecords.count({table, key}) == 0) {
-                QVERIFY(now.tables.at(table).count(key) == 1);
-                QVERIFY(now.tables.at(table).at(key) == row);
+                QVERIFY(now.of(table).count(key) == 1);
+                QVERIFY(now.of(table).at(key) == row);
             }
     for (const auto& [table, rows] : before.tables)
         for (const auto& [key, row] : rows) {
             if (othersRecords.count({table, key}) == 0 && hisRecords.count({table, key}) != 0) {
                 // Unless its place has gone with somebody's deletion.
-                const auto found = now.tables.at(table).find(key);
-                if (found != now.tables.at(table).end())
+                const auto found = now.of(table).find(key);
+                if (found != now.of(table).end())
                     QVERIFY(found->second == row);
             }
-            if (now.tables.at(table).count(key) == 0 || acted.tables.at(table).count(key) == 0)
+            if (now.of(table).count(key) == 0 || acted.of(table).count(key) == 0)
                 continue;
             for (size_t i = 0; i < row.size(); ++i) {
                 const Field field{table, key, int(i)};
-                const Value& value = now.tables.at(table).at(key)[i];
+                const Value& value = now.of(table).at(key)[i];
                 if (his.count(field) != 0 && others.count(field) == 0)
                     QVERIFY2(value == row[i],
                              qPrintable(QString::fromStdString(key) + " " + QString::number(i)));
                 if (his.count(field) == 0)
-                    QVERIFY(value == acted.tables.at(table).at(key)[i]);
+                    QVERIFY(value == acted.of(table).at(key)[i]);
             }
         }
 }

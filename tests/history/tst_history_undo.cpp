@@ -39,6 +39,7 @@ private slots:
     void anUploadIsTakenBack();
     void bytesComeBack();
     void bytesOfOthersStay();
+    void aFormIntoWhichOthersPutFilesAsksBeforeItGoes();
     void aFolderOfFormsComesBackWithItsBytes();
     void bytesThatAreGoneAreReported();
     void damagedBytesAreReported();
@@ -362,6 +363,32 @@ void TestHistoryUndo::bytesOfOthersStay() {
     QVERIFY(!remarks(done).isEmpty());
     ORVO_OK(undo(*m_boris, {his}, {}, &done));
     QVERIFY(snapshot().filter("anna's").size() == 1);
+    ORVO_OK(undo(*m_anna, {hers}, {}, &done));
+    QCOMPARE(snapshot(), before);
+}
+
+void TestHistoryUndo::aFormIntoWhichOthersPutFilesAsksBeforeItGoes() {
+    ORVO_OK(Batch("MenuResourceFolder").insert("forms", {{"type_", 3}}).send(*m_anna));
+    const QStringList before = snapshot();
+    ORVO_OK(m_anna->formPut("", {{"", "a_", "anna's", {}}}));
+    const int64_t hers = last(*m_anna);
+    const QStringList made = snapshot();
+    const std::vector<std::vector<FileToPut>> uploads = {
+        {{"", "a_", "boris'", {}}},                              // replaced
+        {{"", "a_", "anna's", {}}, {"", "a.png", "boris'", {}}}, // and added
+    };
+    for (const std::vector<FileToPut>& files : uploads) {
+        ORVO_OK(m_boris->formPut("", files));
+        const int64_t his = last(*m_boris);
+        Inverse done;
+        ORVO_OK(undo(*m_anna, {hers}, {}, &done));
+        QVERIFY(!done.written);
+        QVERIFY(done.asks());
+        QCOMPARE(done.remarks.front().login, std::string("boris"));
+        ORVO_OK(undo(*m_boris, {his}, {}, &done));
+        QCOMPARE(snapshot(), made);
+    }
+    Inverse done;
     ORVO_OK(undo(*m_anna, {hers}, {}, &done));
     QCOMPARE(snapshot(), before);
 }
