@@ -1,6 +1,7 @@
 #include "apps/client/FormViewer.h"
 
 #include "apps/client/FormView.h"
+#include "apps/client/LaunchParameters.h"
 #include "apps/client/Look.h"
 #include "apps/formview/FormMark.h"
 
@@ -44,8 +45,8 @@ formview::Document makeDocument(const store::StoredFile& file, const QString& di
 } // namespace
 
 FormWindow::FormWindow(const QString& program, const QString& name,
-                       const std::vector<store::StoredFile>& files, const ProcessLimits& limits,
-                       QWidget* parent)
+                       const std::vector<store::StoredFile>& files, const Look& look,
+                       const ProcessLimits& limits, QWidget* parent)
     : QWidget(parent, Qt::Window)
     , m_tabs(new QTabWidget(this)) {
     setObjectName(QStringLiteral("formWindow"));
@@ -61,6 +62,8 @@ FormWindow::FormWindow(const QString& program, const QString& name,
     std::vector<formview::Document> documents;
     for (const store::StoredFile& file : files) {
         documents.push_back(makeDocument(file, m_beside.path()));
+        documents.back().parameters = look.parameters;
+        documents.back().isFitted = look.isFitted;
         if (!m_beside.isValid() || !store::isPlainFileName(file.name))
             continue;
         QFile copy(m_beside.filePath(documents.back().name));
@@ -102,7 +105,9 @@ FormWindow* openForm(store::Store& store, const QString& request, QWidget* paren
         *error = QStringLiteral("Форма «%1» не найдена или не имеет файлов.").arg(name);
         return nullptr;
     }
-    auto* window = new FormWindow(program, name, files, limits, parent);
+    const LaunchParameters parameters = parseParameters(request.mid(name.size() + 1));
+    auto* window =
+        new FormWindow(program, name, files, {parameters.pairs.toVector(), false}, limits, parent);
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->show();
     return window;

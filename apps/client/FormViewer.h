@@ -6,8 +6,10 @@
 #include "apps/client/Installation.h"
 #include "platform/store/Store.h"
 
+#include <QPair>
 #include <QString>
 #include <QTemporaryDir>
+#include <QVector>
 #include <QWidget>
 
 class QTabWidget;
@@ -21,10 +23,15 @@ namespace orvo::app {
 class FormWindow : public QWidget {
     Q_OBJECT
 public:
+    struct Look {
+        QVector<QPair<QString, QString>> parameters; ///< of the forms
+        bool isFitted = false; ///< pictures and forms without a layout are scaled to the view
+    };
+
     /// `program` shows a file.
     FormWindow(const QString& program, const QString& name,
-               const std::vector<store::StoredFile>& files, const ProcessLimits& limits,
-               QWidget* parent);
+               const std::vector<store::StoredFile>& files, const Look& look,
+               const ProcessLimits& limits, QWidget* parent);
 
     const QTabWidget* tabs() const { return m_tabs; }
 
@@ -41,9 +48,9 @@ private:
 };
 
 /// Opens a window on the stored files of the form that `request` names: the form's name, or the
-/// name, ";" and parameters; a name may hold ";" itself, so the longest one that exists is meant.
-/// The window deletes itself when closed, and belongs to `parent`. Null, with one line in `error`,
-/// if there is no such form or it has no files.
+/// name, ";" and parameters (LaunchParameters.h); a name may hold ";" itself, so the longest one
+/// that exists is meant. The window deletes itself when closed, and belongs to `parent`. Null, with
+/// one line in `error`, if there is no such form or it has no files.
 FormWindow* openForm(store::Store& store, const QString& request, QWidget* parent, QString* error,
                      const QString& program = installation::formViewProgram(),
                      const ProcessLimits& limits = {});

@@ -191,7 +191,7 @@ void VersionsDialog::openVersion() {
     withBytes([this](const store::KeptVersion& version, const std::string& bytes) {
         const store::StoredFile file{version.name, version.fileTime, version.size, bytes};
         auto* window = new FormWindow(installation::formViewProgram(),
-                                      QString::fromStdString(version.name), {file}, {}, this);
+                                      QString::fromStdString(version.name), {file}, {}, {}, this);
         window->setAttribute(Qt::WA_DeleteOnClose);
         connect(window, &FormWindow::problem, m_note, &QLabel::setText);
         window->show();

@@ -13,13 +13,14 @@ constexpr int headSize = 5;
 
 QDataStream& operator<<(QDataStream& out, const Document& document) {
     return out << document.name << document.bytes << document.size << document.directory
-               << document.style << document.locale << document.font << document.palette
-               << document.view;
+               << document.parameters << document.isFitted << document.style << document.locale
+               << document.font << document.palette << document.view;
 }
 
 QDataStream& operator>>(QDataStream& in, Document& document) {
     return in >> document.name >> document.bytes >> document.size >> document.directory >>
-           document.style >> document.locale >> document.font >> document.palette >> document.view;
+           document.parameters >> document.isFitted >> document.style >> document.locale >>
+           document.font >> document.palette >> document.view;
 }
 
 Channel::Channel(int socket, int largest, QObject* parent) : QObject(parent), m_largest(largest) {

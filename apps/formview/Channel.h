@@ -29,8 +29,10 @@
 #include <QFont>
 #include <QLocalSocket>
 #include <QObject>
+#include <QPair>
 #include <QPalette>
 #include <QSize>
+#include <QVector>
 
 #include <utility>
 
@@ -63,6 +65,8 @@ struct Document {
     QByteArray bytes;  ///< at most `largestFile`
     qint64 size = 0;   ///< of the whole file
     QString directory; ///< with the files stored beside it; ends with the process
+    QVector<QPair<QString, QString>> parameters; ///< of a form: names and values
+    bool isFitted = false; ///< a picture, or a form that has no layout, is as large as the view
     QString style, locale;
     QFont font;
     QPalette palette;

@@ -1,7 +1,9 @@
 #include "apps/formview/Content.h"
 
+#include "apps/formview/Fitted.h"
 #include "apps/formview/FormFilter.h"
 #include "apps/formview/FormMark.h"
+#include "apps/formview/PdfView.h"
 
 #include <QBuffer>
 #include <QDir>
@@ -10,6 +12,7 @@
 #include <QHash>
 #include <QImageReader>
 #include <QLabel>
+#include <QMetaProperty>
 #include <QPlainTextEdit>
 #include <QScrollArea>
 #include <QTextBrowser>
@@ -67,6 +70,25 @@ private:
     QHash<QString, bool> m_known;
 };
 
+/// A parameter is a property of the form, for its style sheets, and the value of the widget that
+/// bears its name.
+void setParameters(QWidget& form, const Document& document) {
+    for (const auto& [name, value] : document.parameters) {
+        const QByteArray property = name.toUtf8();
+        if (form.metaObject()->indexOfProperty(property.constData()) < 0)
+            form.setProperty(property.constData(), value);
+        for (QWidget* widget : form.findChildren<QWidget*>(name)) {
+            const QMetaProperty own = widget->metaObject()->userProperty();
+            if (own.isValid() && own.isWritable())
+                own.write(widget, value);
+            else if (widget->metaObject()->indexOfProperty("value") >= 0)
+                widget->setProperty("value", value);
+            else if (widget->metaObject()->indexOfProperty("text") >= 0)
+                widget->setProperty("text", value);
+        }
+    }
+}
+
 std::unique_ptr<QWidget> asForm(const Document& document, Content* content) {
     Pictures pictures(document.directory);
     const FilteredForm filtered =
@@ -92,6 +114,9 @@ std::unique_ptr<QWidget> asForm(const Document& document, Content* content) {
             QStringLiteral("Показано не всё: %1.").arg(filtered.notes.join(QStringLiteral("; ")));
     const QSize size = form->size();
     form->setWindowFlags(Qt::Widget);
+    setParameters(*form, document);
+    if (document.isFitted && !form->layout())
+        return std::make_unique<FittedForm>(form, size);
     return scrolled(form, size);
 }
 
@@ -118,10 +143,24 @@ std::unique_ptr<QWidget> asPicture(const Document& document, Content* content) {
         content->notice = reader.errorString();
         return nullptr;
     }
+    if (document.isFitted)
+        return std::make_unique<FittedPicture>(image);
     auto label = std::make_unique<QLabel>();
     label->setAlignment(Qt::AlignCenter);
     label->setPixmap(QPixmap::fromImage(image));
     return scrolled(label.release(), image.size());
+}
+
+/// Null if the bytes are no PDF, with a notice if they begin as one.
+std::unique_ptr<QWidget> asPdf(const Document& document, Content* content) {
+    if (!looksLikePdf(document.bytes))
+        return nullptr;
+    auto view = std::make_unique<PdfView>();
+    if (document.size <= document.bytes.size() && view->open(document.bytes, &content->notice))
+        return view;
+    if (content->notice.isEmpty())
+        content->notice = QStringLiteral("файл слишком велик");
+    return nullptr;
 }
 
 /// `isCut`: the last letter may not be whole.
@@ -188,7 +227,8 @@ Content makeContent(const Document& document) {
     QDir::setCurrent(document.directory); // style sheets name files below it
     if (looksLikeForm(document.bytes, document.name))
         content.widget = asForm(document, &content);
-    else
+    else if (content.widget = asPdf(document, &content);
+             !content.widget && content.notice.isEmpty())
         content.widget = asPicture(document, &content);
     if (!content.widget) {
         content.isDamaged = !content.notice.isEmpty();

@@ -1,6 +1,7 @@
-// Content.h: a stored file as a widget: a Qt Designer form live, a picture as a picture, anything
-// else as text. Needs a QApplication. Whatever the bytes are, a widget comes of it, but building
-// and laying it out may take any time and memory: call it only where that is limited.
+// Content.h: a stored file as a widget: a Qt Designer form live, a picture as a picture, a PDF page
+// by page, anything else as text. Needs a QApplication. Whatever the bytes are, a widget comes of
+// it, but building and laying it out may take any time and memory: call it only where that is
+// limited.
 #ifndef ORVO_APPS_FORMVIEW_CONTENT_H
 #define ORVO_APPS_FORMVIEW_CONTENT_H
 

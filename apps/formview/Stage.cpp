@@ -55,6 +55,12 @@ QImage pixelsOf(const QWidget& window) {
     return *static_cast<QImage*>(device);
 }
 
+/// Whether a window is one beside that of the document: what is scaled is a window to Qt, too, and
+/// painted by the view that it is in.
+bool isBeside(const QWidget& window) {
+    return window.isWindow() && !window.graphicsProxyWidget();
+}
+
 /// The rows in which two images of one size differ, over their whole width.
 QRect difference(const QImage& before, const QImage& now) {
     const auto isSame = [&](int row) {
@@ -234,7 +240,7 @@ bool Stage::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::Show:
     case QEvent::Hide:
         if (auto* widget = qobject_cast<QWidget*>(watched);
-            widget && widget->isWindow() && widget != m_window.get()) {
+            widget && isBeside(*widget) && widget != m_window.get()) {
             if (event->type() == QEvent::Show)
                 placePopup(widget);
             m_frame.start();
@@ -272,7 +278,7 @@ QImage Stage::compose() const {
     image.setDevicePixelRatio(ratio);
     QPainter painter(&image);
     for (const QWidget* window : QApplication::topLevelWidgets())
-        if (window != m_window.get() && window->isVisible()) {
+        if (window != m_window.get() && window->isVisible() && isBeside(*window)) {
             QImage pixels = pixelsOf(*window);
             pixels.setDevicePixelRatio(ratio);
             painter.drawImage(window->pos() - m_window->pos(), pixels);

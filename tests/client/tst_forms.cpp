@@ -285,7 +285,8 @@ private slots:
         store::StoredFile file;
         file.name = name.toStdString();
         file.bytes = "text";
-        const app::FormWindow window(bench.program, "a\nb" + name, {file}, bench.limits, nullptr);
+        const app::FormWindow window(bench.program, "a\nb" + name, {file}, {}, bench.limits,
+                                     nullptr);
         QVERIFY(window.tabs()->tabText(0).startsWith("<b>&&a;"));
         QVERIFY(window.tabs()->tabText(0).size() < 200);
         QVERIFY(window.windowTitle().contains("a b<b>&a;"));
