@@ -1,27 +1,81 @@
-// Launch.h: how a module asks its host to open what an element of an operator's menu stands for.
+// Launch.h: how a module asks its host to open what an element of an operator's menu stands for,
+// and what else goes over COrvoCliApp::moduleCall. Each call takes a pointer to its request, which
+// stays the caller's; the host fills `refusal` before the call returns, with nothing if it has done
+// what was asked. A host that does not know the call leaves it as it is.
 #ifndef ORVO_FRAME_LAUNCH_H
 #define ORVO_FRAME_LAUNCH_H
 
+#include <QDateTime>
 #include <QString>
+#include <QVariant>
+#include <QVector>
 
 #include <cstdint>
 
 namespace orvo {
 
-/// The code of COrvoCliMod::doCall whose data is a LaunchRequest*.
+/// LaunchRequest*: opens it.
 inline constexpr int callLaunch = 65;
+/// LaunchRequest*: opens nothing; the refusal says why it could not be opened, as far as that can
+/// be told beforehand.
+inline constexpr int callCheckLaunch = 66;
+/// HandbookRequest*: shows a page of the handbook.
+inline constexpr int callHandbook = 67;
 
-/// What to open. The host fills `refusal` before doCall returns; a host that does not know the call
-/// leaves it as it is.
+/// LogRequest*: reads the change log of the store.
+inline constexpr int callLog = 68;
+
+/// PreviewRequest*: shows the menu of a desktop beside the module that asks, as operators get it.
+inline constexpr int callPreview = 69;
+/// PreviewEdit*: what the module shows and edits now, for the preview that it has asked for.
+inline constexpr int callPreviewEdit = 70;
+
 struct LaunchRequest {
-    QString key;      ///< of the element: what "one copy" goes by
-    QString caption;  ///< for the title
-    int32_t kind = 0; ///< Kind::Module, Function, Form or File
-    QString name;     ///< of the module, function, form or file
-    QString path;     ///< of a file: captions of its folders joined by "/"
-    QString params;
+    QString key;          ///< of the element: what "one copy" goes by
+    QString caption;      ///< for the title
+    int32_t kind = 0;     ///< Kind::Module, Function, Form or File
+    QString resource;     ///< key of the record that names it
+    QString name;         ///< of the module, function, form or file
+    QString path;         ///< of a file: captions of its folders joined by "/"
+    QString params;       ///< "name=value" pairs and commands, ";" between them
     bool oneCopy = false; ///< bring one that is open to the front instead of opening another
     QString refusal = QStringLiteral("Приложение не умеет открывать элементы меню.");
+};
+
+/// One change of a record.
+struct LogEntry {
+    qint64 id = 0;    ///< rises
+    int32_t code = 0; ///< 601 inserted, 602 updated, 603 deleted
+    QString table, key;
+    QString login; ///< who; empty: by hand, past a database that knows no logins
+    QDateTime time;
+    QString values; ///< JSON object: the changed fields; all fields of an insert, none of a delete
+};
+
+struct LogRequest {
+    qint64 after = -1;         ///< the changes behind that one; -1: the last ones
+    int most = 1000;           ///< that many at most
+    QVector<LogEntry> entries; ///< in their order
+    qint64 last = -1;          ///< the one to go on behind next time
+    QString refusal = QStringLiteral("Приложение не умеет читать журнал изменений.");
+};
+
+struct PreviewRequest {
+    QString desktop; ///< key
+    QString refusal = QStringLiteral("Приложение не умеет показывать рабочие столы.");
+};
+
+struct PreviewEdit {
+    QString desktop;    ///< key of the desktop that is shown; empty: none
+    QString key;        ///< of the element that is edited and not saved; empty: none is
+    bool isNew = false; ///< no record of it exists yet
+    QVariantMap values; ///< its values by the names of the fields
+};
+
+struct HandbookRequest {
+    QString page;    ///< "operator-guide", "user-guide", "administrator"; empty: the operator's
+    QString chapter; ///< name of a heading; empty: the beginning
+    QString refusal = QStringLiteral("Приложение не умеет показывать руководство.");
 };
 
 } // namespace orvo

@@ -6,7 +6,9 @@
 #include "apps/client/HistoryCommands.h"
 #include "apps/client/Inspector.h"
 #include "apps/client/Installation.h"
+#include "apps/client/Launcher.h"
 #include "apps/client/LogPane.h"
+#include "apps/client/LogReading.h"
 #include "apps/client/MainWindow.h"
 #include "apps/client/PresenceView.h"
 #include "apps/client/Showcase.h"
@@ -14,6 +16,7 @@
 #include "apps/client/UnwrittenPane.h"
 #include "apps/client/WaitDialogController.h"
 #include "apps/client/WindowMemory.h"
+#include "apps/client/Workplace.h"
 #include "platform/store/StoreUrl.h"
 
 #include <QAbstractScrollArea>
@@ -93,8 +96,13 @@ bool Client::open(QString* error) {
         *error += adviceOnMissingStore(m_options);
         return false;
     }
-    if (!openWorkDir(error) || !m_library.load(installation::moduleLibrary(), error))
+    if (!openWorkDir(error))
         return false;
+    m_libraries.load(installation::moduleDirectory(), m_options.moduleDirs);
+    if (m_libraries.isEmpty()) {
+        *error = m_libraries.problems().join(QLatin1Char(' '));
+        return false;
+    }
     m_unwritten = std::make_unique<client::UnwrittenList>(client::sessionStore(*m_session));
     client::setUnwritten(*m_session, m_unwritten.get());
     m_app.m_session = m_session.get();
@@ -131,6 +139,7 @@ bool Client::openInspector(QString* error) {
             {"mayDeliver", m_pump && m_pump->mayDeliver()},
             {"loopLevel", QThread::currentThread()->loopLevel()},
             {"running", static_cast<int>(m_modules.modules(client::ModuleState::Running).size())},
+            {"opened", m_launcher ? m_launcher->count() : 0},
             {"connection", m_window ? m_window->statusLine()->connection() : QString()},
             {"failure", m_window ? m_window->statusLine()->failure() : QString()},
             {"held", m_window ? m_window->statusLine()->held() : QString()},
@@ -148,20 +157,33 @@ void Client::show() {
                                             QString::fromStdString(store.login()));
     m_guard = std::make_unique<CloseGuard>();
     int tab = 0;
-    if (m_options.screenshot.isEmpty()) { // pictures are the same for everybody
-        m_memory = std::make_unique<WindowMemory>(QString::fromStdString(store.displayName()),
-                                                  QString::fromStdString(store.login()));
+    if (isWorkplace())
+        m_window->becomeWorkplace();
+    if (m_options.isKiosk)
+        m_window->becomeKiosk();
+    else if (m_options.screenshot.isEmpty()) { // pictures are the same for everybody
+        const QString kind = isWorkplace() ? QStringLiteral("desktop ") : QString();
+        m_memory =
+            std::make_unique<WindowMemory>(kind + QString::fromStdString(store.displayName()),
+                                           QString::fromStdString(store.login()));
         tab = m_memory->restoreWindow(*m_window);
     }
     addOpenEdits();
     connectAll();
+    openForOperators();
     showUnwritten();
     makeHistory();
     m_window->show();
+    for (const QString& problem : m_libraries.problems())
+        fail(QStringLiteral("Модули"), problem);
     QString error;
     if (!m_mirror->start(&error))
         fail(QStringLiteral("Файловая область"), error);
     openModules();
+    if (isWorkplace())
+        m_workplace->open(m_options.desktop);
+    else
+        m_workplace->openRemembered();
     m_window->setCurrentModule(tab);
     m_pump->start();
     showPresence();
@@ -177,8 +199,54 @@ void Client::tellReadOnly() {
             .arg(QString::fromStdString(client::sessionStore(*m_session).login()));
     m_window->statusLine()->setReadOnly(text);
     m_window->logPane()->add(LogInformation, QStringLiteral("Клиент"), text);
-    if (m_options.screenshot.isEmpty())
+    // An operator is not there to change anything.
+    if (m_options.screenshot.isEmpty() && !isWorkplace())
         m_window->showNotice(text);
+}
+
+/// What the menus of operators need: somebody who opens what they name, and a place for them.
+void Client::openForOperators() {
+    store::Store& store = client::sessionStore(*m_session);
+    m_launcher = std::make_unique<Launcher>(
+        Launcher::Ground{store,
+                         m_libraries,
+                         m_app,
+                         m_modules,
+                         *m_window,
+                         *m_guard,
+                         {QCoreApplication::applicationFilePath(), m_options.store, m_options.login,
+                          m_options.workDir, m_options.moduleDirs},
+                         installation::formViewProgram()});
+    connect(&m_app, &HostApp::launchRequested, m_launcher.get(), &Launcher::launch);
+    connect(&m_app, &HostApp::launchChecked, m_launcher.get(), &Launcher::check);
+    connect(&m_app, &HostApp::logRequested, this,
+            [&store](LogRequest* request) { readLastChanges(store, request); });
+    connect(&m_app, &HostApp::handbookRequested, m_window.get(), [this](HandbookRequest* request) {
+        request->refusal.clear();
+        m_window->showHandbook(request->page, request->chapter, &request->refusal);
+    });
+    connect(m_launcher.get(), &Launcher::problem, this,
+            [this](const QString& place, const QString& text) {
+                fail(place, text);
+                if (isWorkplace()) // no log is in sight there
+                    m_window->showError(text);
+            });
+    connect(m_launcher.get(), &Launcher::logged, &m_app, &HostApp::logged);
+    connect(m_pump.get(), &client::NotificationPump::changed, m_launcher.get(), &Launcher::changed);
+    m_workplace = std::make_unique<Workplace>(
+        Workplace::Ground{store, m_libraries, m_app, m_modules, *m_window, m_memory.get()});
+    connect(m_workplace.get(), &Workplace::problem, this, &Client::fail);
+    connect(&m_app, &HostApp::previewRequested, m_workplace.get(), &Workplace::openPreview);
+    connect(&m_app, &HostApp::previewEdited, m_workplace.get(), &Workplace::followPreview);
+    connect(&m_lookForStore, &QTimer::timeout, this, &Client::lookForStore);
+}
+
+/// In a workplace nobody opens the modules anew by hand once a file is back at its place.
+void Client::lookForStore() {
+    if (m_pump && m_pump->mayDeliver() && client::sessionStore(*m_session).reopen().ok()) {
+        m_lookForStore.stop();
+        reopenModules(QStringLiteral("Хранилище снова на месте."), false);
+    }
 }
 
 /// Who else is here is good to know and nothing hangs on it: where it cannot be known, nothing is
@@ -369,6 +437,7 @@ void Client::showUnwritten() {
 void Client::connectionChanged(bool up, const QString& text) {
     m_window->statusLine()->setConnected(up, text);
     m_mirror->setConnected(up);
+    m_launcher->setConnected(up);
     const QString place = QStringLiteral("Связь");
     if (up) {
         m_unwritten->connectionReturned();
@@ -376,6 +445,9 @@ void Client::connectionChanged(bool up, const QString& text) {
     }
     store::StoreUrl url;
     const bool isFile = url.parse(m_options.store.toStdString()).ok() && !url.file().empty();
+    constexpr int lookMs = 3000;
+    if (isFile && isWorkplace() && !up)
+        m_lookForStore.start(lookMs);
     if (!up)
         // A server is looked for again by itself; what stands at a path may be another store.
         fail(place, isFile ? text + QStringLiteral("; запись остановлена. Когда хранилище будет на "
@@ -398,9 +470,9 @@ void Client::openModules() {
 
 void Client::openModule(const QString& name) {
     const WaitCursor wait;
-    COrvoCliMod* module = m_library.create(&m_app, name);
+    COrvoCliMod* module = m_libraries.create(&m_app, name);
     if (!module) {
-        fail(name, QStringLiteral("Библиотека модулей не знает модуля «%1».").arg(name));
+        fail(name, QStringLiteral("Ни одна библиотека модулей не знает модуля «%1».").arg(name));
         return;
     }
     m_modules.add(module, name);
@@ -418,7 +490,9 @@ void Client::rememberModules() {
     if (!m_memory)
         return;
     for (const QPointer<COrvoCliMod>& module : m_modules.modules(client::ModuleState::Running))
-        m_memory->saveModule(module->m_moduleName, *module);
+        if (m_options.modules.contains(module->m_moduleName))
+            m_memory->saveModule(module->m_moduleName, *module);
+    m_workplace->rememberDesk();
 }
 
 void Client::openFurther(const QStringList& modules) {
@@ -476,9 +550,13 @@ void Client::reopenNow(const QString& why) {
     m_outdated = false;
     const int current = m_window->currentModule();
     rememberModules();
+    m_launcher->rememberModules();
+    m_launcher->setConnected(true);
     m_modules.stopAll();
     m_pump->restart(); // the new place in the log comes before the new tables
     openModules();
+    m_workplace->reopen();
+    m_launcher->reopenModules();
     m_window->setCurrentModule(current);
     m_mirror->refresh();
     m_app.log(LogWarning, QStringLiteral("Клиент"), why);
@@ -508,6 +586,9 @@ void Client::fail(const QString& place, const QString& text) {
 void Client::stop() {
     m_presence.reset();
     m_history.reset();
+    m_workplace.reset();
+    m_launcher.reset();
+    m_lookForStore.stop();
     m_pump.reset(); // no notification from here on
     m_modules.stopAll();
 }
@@ -544,8 +625,9 @@ void Client::takeScreenshot() {
 }
 
 void Client::saveScreenshot() {
-    const bool all = m_modules.modules(client::ModuleState::Running).size() ==
-                     static_cast<size_t>(m_options.modules.size());
+    const bool all = m_modules.modules(client::ModuleState::Failed).empty() &&
+                     m_modules.modules(client::ModuleState::Running).size() >=
+                         static_cast<size_t>(m_options.modules.size());
     const bool saved = m_window->grab().save(m_options.screenshot, "PNG");
     if (!saved)
         std::fprintf(stderr, "orvo-client: снимок %s не записан.\n",

@@ -1,13 +1,13 @@
 // Client.h: the wiring of the client: session, modules, notifications, file mirror, window.
 //
-// The order of a run: 1 open (store, session, work directory, module library; no window yet),
+// The order of a run: 1 open (store, session, work directory, module libraries; no window yet),
 // 2 show (window, then the modules: load, start), 3 the event loop, 4 stop (when the window closes:
 // modules in order), 5 the destructor.
 #ifndef ORVO_APPS_CLIENT_CLIENT_H
 #define ORVO_APPS_CLIENT_CLIENT_H
 
 #include "apps/client/HostApp.h"
-#include "apps/client/ModuleLibrary.h"
+#include "apps/client/ModuleLibraries.h"
 #include "apps/client/Options.h"
 #include "apps/client/StoreThread.h"
 #include "platform/client/ModuleRegistry.h"
@@ -15,6 +15,8 @@
 #include "platform/client/Session.h"
 #include "platform/client/UnwrittenList.h"
 #include "platform/store/WaitPolicy.h"
+
+#include <QTimer>
 
 #include <memory>
 
@@ -24,10 +26,12 @@ class CloseGuard;
 class FileMirror;
 class HistoryCommands;
 class Inspector;
+class Launcher;
 class MainWindow;
 class WaitDialogController;
 class PresenceView;
 class WindowMemory;
+class Workplace;
 
 class Client : public QObject {
     Q_OBJECT
@@ -69,6 +73,9 @@ private:
     void addOpenEdits();
     void showHeld();
     void openForm(const QString& request);
+    void openForOperators();
+    void lookForStore();
+    bool isWorkplace() const { return !m_options.desktop.isEmpty(); }
     void showUnwritten();
     void showPresence();
     void makeHistory();
@@ -78,7 +85,7 @@ private:
     void connectionChanged(bool up, const QString& text);
 
     Options m_options;
-    ModuleLibrary m_library;
+    ModuleLibraries m_libraries;
     HostApp m_app;
     std::unique_ptr<WaitDialogController>
         m_waitDialog; ///< of this thread, as long as the client lives
@@ -96,6 +103,9 @@ private:
     client::ModuleRegistry m_modules;
     bool m_outdated = false; ///< a call failed for want of the server: the editors may not show it
     std::unique_ptr<client::NotificationPump> m_pump;
+    std::unique_ptr<Launcher> m_launcher; ///< while the window is shown, as the next
+    std::unique_ptr<Workplace> m_workplace;
+    QTimer m_lookForStore; ///< a workplace has nobody who would open its modules anew
     std::unique_ptr<PresenceView> m_presence; ///< while the window is shown
     std::unique_ptr<Inspector> m_inspector;   ///< asks those above; null if not asked for
 };

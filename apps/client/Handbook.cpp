@@ -10,12 +10,6 @@
 
 namespace orvo::app {
 
-namespace {
-
-constexpr char guide[] = "user-guide.html";
-
-} // namespace
-
 const std::vector<PaneChapter>& paneChapters() {
     static const std::vector<PaneChapter> all = {
         {"OrvoMenu", "CPopObjectList", "desktop"},
@@ -63,14 +57,14 @@ Handbook::Handbook(QWidget* parent)
     forward->setEnabled(false);
     connect(m_browser, &QTextBrowser::backwardAvailable, back, &QAction::setEnabled);
     connect(m_browser, &QTextBrowser::forwardAvailable, forward, &QAction::setEnabled);
-    bar->addAction(QStringLiteral("Руководство инженера"), this, [this] {
-        QString ignored;
-        open({}, &ignored);
-    });
-    bar->addAction(QStringLiteral("Страница администратора"), this, [this] {
-        m_browser->setSource(
-            QUrl::fromLocalFile(installation::handbookPage(QStringLiteral("administrator.html"))));
-    });
+    for (const auto& [page, title] : {std::pair(handbookpage::operators, "Оператору"),
+                                      std::pair(handbookpage::engineers, "Инженеру"),
+                                      std::pair(handbookpage::administrators, "Администратору"),
+                                      std::pair(handbookpage::authors, "Автору модулей")})
+        bar->addAction(QString::fromUtf8(title), this, [this, name = QString::fromLatin1(page)] {
+            QString ignored;
+            open(name, {}, &ignored);
+        });
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
@@ -79,8 +73,16 @@ Handbook::Handbook(QWidget* parent)
     resize(900, 760);
 }
 
-bool Handbook::open(const QString& chapter, QString* error) {
-    const QString file = installation::handbookPage(QLatin1String(guide));
+bool Handbook::open(const QString& page, const QString& chapter, QString* error) {
+    static const QStringList pages{
+        QLatin1String(handbookpage::operators), QLatin1String(handbookpage::engineers),
+        QLatin1String(handbookpage::administrators), QLatin1String(handbookpage::authors)};
+    const QString name = page.isEmpty() ? pages.first() : page;
+    if (!pages.contains(name)) {
+        *error = QStringLiteral("В руководстве нет страницы «%1».").arg(name);
+        return false;
+    }
+    const QString file = installation::handbookPage(name + QStringLiteral(".html"));
     if (!QFileInfo(file).isReadable()) {
         *error = QStringLiteral("Руководство не установлено: файла %1 нет.").arg(file);
         return false;

@@ -11,6 +11,14 @@ class QTextBrowser;
 
 namespace orvo::app {
 
+/// The pages of the handbook.
+namespace handbookpage {
+inline constexpr char operators[] = "operator-guide";
+inline constexpr char engineers[] = "user-guide";
+inline constexpr char administrators[] = "administrator";
+inline constexpr char authors[] = "module-guide";
+} // namespace handbookpage
+
 /// A pane of the client and the chapter of the engineer's guide about it.
 struct PaneChapter {
     const char* module;  ///< object name of a widget around the pane; empty: any
@@ -28,9 +36,10 @@ class Handbook : public QWidget {
 public:
     explicit Handbook(QWidget* parent);
 
-    /// Shows the engineer's guide from that heading on. False, with one line in `error` and nothing
-    /// shown, if the handbook is not installed.
-    bool open(const QString& chapter, QString* error);
+    /// Shows a page (handbookpage; empty: the operator's) from that heading on, an empty
+    /// one from its beginning. False, with one line in `error` and nothing shown, if there is no
+    /// such page, or the handbook is not installed.
+    bool open(const QString& page, const QString& chapter, QString* error);
     const QTextBrowser* browser() const { return m_browser; }
 
 private:

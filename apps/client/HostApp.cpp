@@ -78,6 +78,18 @@ void HostApp::moduleTitle(COrvoCliMod* module, const QString& title, const QStri
 }
 
 void HostApp::moduleCall(COrvoCliMod* module, int code, void* data) {
+    if (data && code == callLaunch)
+        return emit launchRequested(static_cast<LaunchRequest*>(data));
+    if (data && code == callCheckLaunch)
+        return emit launchChecked(static_cast<LaunchRequest*>(data));
+    if (data && code == callPreview)
+        return emit previewRequested(static_cast<PreviewRequest*>(data));
+    if (data && code == callPreviewEdit)
+        return emit previewEdited(*static_cast<PreviewEdit*>(data));
+    if (data && code == callLog)
+        return emit logRequested(static_cast<LogRequest*>(data));
+    if (data && code == callHandbook)
+        return emit handbookRequested(static_cast<HandbookRequest*>(data));
     const auto* block = static_cast<const RunBlock*>(data);
     if (code == callRun && block && block->command && block->argument &&
         std::strcmp(block->command, orvo::runFileCommand) == 0) {

@@ -2,6 +2,7 @@
 #ifndef ORVO_APPS_CLIENT_HOSTAPP_H
 #define ORVO_APPS_CLIENT_HOSTAPP_H
 
+#include "frame/Launch.h"
 #include "frame/OrvoClient.h"
 
 #include <QHash>
@@ -37,6 +38,13 @@ signals:
     void historyRequested(const QString& table, const QString& key, bool withContent);
     /// The kept versions of a form or file.
     void versionsRequested(const QString& resource);
+    /// The calls of Launch.h. Whoever takes one answers in the request, before the signal returns.
+    void launchRequested(orvo::LaunchRequest* request);
+    void launchChecked(orvo::LaunchRequest* request);
+    void handbookRequested(orvo::HandbookRequest* request);
+    void previewRequested(orvo::PreviewRequest* request);
+    void previewEdited(const orvo::PreviewEdit& edit);
+    void logRequested(orvo::LogRequest* request);
 
 private:
     Marks m_marks;

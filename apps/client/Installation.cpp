@@ -14,8 +14,8 @@ QString beside(const char* path, const QString& name) {
 
 } // namespace
 
-QString moduleLibrary() {
-    return beside(ORVO_MODULE_PATH, QStringLiteral("libOrvoMenu.so"));
+QString moduleDirectory() {
+    return beside(ORVO_MODULE_PATH, QString());
 }
 
 QString formViewProgram() {

@@ -6,8 +6,8 @@
 
 namespace orvo::app::installation {
 
-/// The library of the modules. It need not be there; neither need the following.
-QString moduleLibrary();
+/// The directory of the module libraries. It need not be there; neither need the following.
+QString moduleDirectory();
 /// The program that shows files of forms.
 QString formViewProgram();
 /// A page of the handbook, "user-guide.html".

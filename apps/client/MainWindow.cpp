@@ -12,6 +12,7 @@
 #include <QDockWidget>
 #include <QMenuBar>
 #include <QSettings>
+#include <QShortcut>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QThread>
@@ -23,6 +24,24 @@ namespace {
 
 constexpr int usefulHeight = 300; ///< of a pane that is called by a key
 constexpr char stayKey[] = "view/stayAtOwnRow";
+constexpr char changedProperty[] = "changedSinceOpened"; // of a page: why it is marked
+
+/// A pane that tells when its user closes it.
+class DeskDock : public QDockWidget {
+public:
+    DeskDock(QWidget* parent, std::function<void()> closed)
+        : QDockWidget(parent)
+        , m_closed(std::move(closed)) {}
+
+protected:
+    void closeEvent(QCloseEvent* event) override {
+        event->accept();
+        m_closed();
+    }
+
+private:
+    std::function<void()> m_closed;
+};
 
 } // namespace
 
@@ -35,6 +54,9 @@ MainWindow::MainWindow(const QString& store, const QString& login)
     setWindowTitle(QStringLiteral("Orvo — %1").arg(store));
     m_tabs->setObjectName(QStringLiteral("modules"));
     m_tabs->setDocumentMode(true);
+    m_tabs->setTabsClosable(true);
+    connect(m_tabs, &QTabWidget::tabCloseRequested, this,
+            [this](int index) { emit pageCloseRequested(m_tabs->widget(index)); });
     setCentralWidget(m_tabs);
     setStatusBar(m_status);
     m_logDock->setObjectName(QStringLiteral("logDock"));
@@ -52,6 +74,10 @@ void MainWindow::makeMenus() {
     reopen->setShortcut(QKeySequence(QStringLiteral("Ctrl+R")));
     // Queued: the menu is closed and its loop left before modules go.
     connect(reopen, &QAction::triggered, this, &MainWindow::reopenRequested, Qt::QueuedConnection);
+    QAction* desktop = client->addAction(QStringLiteral("&Рабочий стол…"));
+    desktop->setObjectName(QStringLiteral("actDesktop"));
+    connect(desktop, &QAction::triggered, this, &MainWindow::desktopRequested,
+            Qt::QueuedConnection);
     client->addSeparator();
     QAction* quit = client->addAction(QStringLiteral("В&ыход"));
     quit->setShortcut(QKeySequence::Quit);
@@ -76,7 +102,8 @@ void MainWindow::makeHelpMenu() {
     QAction* guide = help->addAction(QStringLiteral("&Руководство"));
     guide->setObjectName(QStringLiteral("actHandbook"));
     guide->setShortcut(QKeySequence(Qt::Key_F1));
-    connect(guide, &QAction::triggered, this, &MainWindow::showHandbook);
+    connect(guide, &QAction::triggered, this, &MainWindow::showHelp);
+    addAction(guide); // there without a menu bar, too
     QAction* about = help->addAction(QStringLiteral("&О программе"));
     connect(about, &QAction::triggered, this, [this] {
         showBox(QStringLiteral("О программе"),
@@ -86,12 +113,19 @@ void MainWindow::makeHelpMenu() {
     });
 }
 
-void MainWindow::showHandbook() {
+void MainWindow::showHelp() {
+    const QWidget* focus = QApplication::focusWidget();
+    QString error;
+    if (!(m_isWorkplace
+              ? showHandbook({}, {}, &error)
+              : showHandbook(QLatin1String(handbookpage::engineers), chapterOf(focus), &error)))
+        showError(error);
+}
+
+bool MainWindow::showHandbook(const QString& page, const QString& chapter, QString* error) {
     if (!m_handbook)
         m_handbook = new Handbook(this);
-    QString error;
-    if (!m_handbook->open(chapterOf(QApplication::focusWidget()), &error))
-        showError(error);
+    return m_handbook->open(page, chapter, error);
 }
 
 bool MainWindow::followsOthers() const {
@@ -99,8 +133,64 @@ bool MainWindow::followsOthers() const {
 }
 
 void MainWindow::addModule(COrvoCliMod* module, const QString& name) {
-    m_tabs->tabBar()->setTabData(m_tabs->addTab(module, QString()), name);
+    const int index = m_tabs->addTab(module, QString());
+    m_tabs->tabBar()->setTabData(index, name);
+    for (const QTabBar::ButtonPosition side : {QTabBar::LeftSide, QTabBar::RightSide})
+        m_tabs->tabBar()->setTabButton(index, side, nullptr); // an editor stays
     setTitle(module, module->windowTitle().isEmpty() ? name : module->windowTitle());
+}
+
+void MainWindow::addPage(QWidget* page, const QString& title) {
+    m_tabs->addTab(page, QString());
+    setTitle(page, title);
+}
+
+void MainWindow::showPage(QWidget* page) {
+    m_tabs->setCurrentWidget(page);
+    bringForward();
+    page->setFocus();
+}
+
+void MainWindow::markPage(QWidget* page, const QString& why) {
+    page->setProperty(changedProperty, why);
+    setTitle(page, page->windowTitle());
+}
+
+QDockWidget* MainWindow::addDesk(COrvoCliMod* desk, Qt::DockWidgetArea area, const QString& name) {
+    auto* dock = new DeskDock(this, [this, desk] { emit deskClosed(desk); });
+    dock->setObjectName(name);
+    dock->setWidget(desk);
+    dock->setFeatures(QDockWidget::DockWidgetClosable | QDockWidget::DockWidgetMovable);
+    if (m_isWorkplace) {
+        dock->setFeatures(QDockWidget::NoDockWidgetFeatures);
+        dock->setTitleBarWidget(new QWidget(dock)); // none
+    }
+    addDockWidget(area, dock);
+    connect(desk, &QObject::destroyed, dock, &QObject::deleteLater);
+    constexpr int usualWidth = 340;
+    const bool isKnown = restoreDockWidget(dock);
+    dock->show();
+    if (!isKnown)
+        resizeDocks({dock}, {usualWidth}, Qt::Horizontal);
+    return dock;
+}
+
+void MainWindow::becomeWorkplace() {
+    constexpr int touch = 44;
+    m_isWorkplace = true;
+    menuBar()->hide();
+    m_logDock->hide();
+    setContextMenuPolicy(Qt::NoContextMenu); // which would show the log
+    m_tabs->tabBar()->setStyleSheet(QStringLiteral("QTabBar::tab{min-height:%1px}").arg(touch));
+}
+
+void MainWindow::becomeKiosk() {
+    m_isKiosk = true;
+    setWindowFlag(Qt::FramelessWindowHint);
+    auto* end = new QShortcut(QKeySequence(QStringLiteral("Ctrl+Alt+Q")), this);
+    end->setContext(Qt::ApplicationShortcut);
+    connect(end, &QShortcut::activated, this, &MainWindow::kioskEndRequested);
+    setWindowState(Qt::WindowFullScreen);
 }
 
 QDockWidget* MainWindow::addPane(QWidget* content, const QString& title, const QString& name,
@@ -135,10 +225,18 @@ void MainWindow::bringUp(QDockWidget* pane) {
     pane->widget()->setFocus();
 }
 
-void MainWindow::setTitle(COrvoCliMod* module, const QString& title) {
-    const int index = m_tabs->indexOf(module);
-    if (index >= 0)
-        m_tabs->setTabText(index, oneLine(title).replace(QLatin1Char('&'), QLatin1String("&&")));
+void MainWindow::setTitle(QWidget* page, const QString& title) {
+    const int index = m_tabs->indexOf(page);
+    if (index < 0) {
+        if (auto* dock = qobject_cast<QDockWidget*>(page->parentWidget()))
+            dock->setWindowTitle(oneLine(title));
+        return;
+    }
+    const QString changed = page->property(changedProperty).toString();
+    page->setWindowTitle(title);
+    m_tabs->setTabText(index, oneLine(title).replace(QLatin1Char('&'), QLatin1String("&&")) +
+                                  (changed.isEmpty() ? QString() : QStringLiteral(" ●")));
+    m_tabs->setTabToolTip(index, plainToolTip(changed));
 }
 
 int MainWindow::currentModule() const {
@@ -184,6 +282,10 @@ void MainWindow::errorSeen() {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
+    if (m_isKiosk && !m_closesNow) {
+        event->ignore();
+        return;
+    }
     // A module whose slot runs a menu or a dialog cannot go before that slot has returned.
     if (QThread::currentThread()->loopLevel() > 1) {
         event->ignore();

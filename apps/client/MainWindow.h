@@ -31,6 +31,21 @@ public:
 
     /// Places a module in a tab of its own. It stays the caller's to delete; the tab goes with it.
     void addModule(COrvoCliMod* module, const QString& name);
+    /// Places a widget in a tab that the user can close (pageCloseRequested). It goes with the
+    /// window if nobody deletes it before.
+    void addPage(QWidget* page, const QString& title);
+    /// Brings the tab to the front.
+    void showPage(QWidget* page);
+    /// Marks the tab: what it shows is no longer as it was; `why` in words.
+    void markPage(QWidget* page, const QString& why);
+    /// Places the menu of a desktop beside the tabs, at the left or the right; the pane can be
+    /// closed (deskClosed), and goes with the module.
+    QDockWidget* addDesk(COrvoCliMod* desk, Qt::DockWidgetArea area, const QString& name);
+    /// For an operator: no menus and no log, the desktop's menu always there. Before show.
+    void becomeWorkplace();
+    /// Full screen, without a frame, and it stays until endKiosk.
+    void becomeKiosk();
+    void endKiosk() { m_isKiosk = false; }
     /// Places a widget, which becomes the window's, in a pane beside the log, closed at first.
     /// With a shortcut, it brings the pane to the front, or closes it if it is there.
     QDockWidget* addPane(QWidget* content, const QString& title, const QString& name,
@@ -39,7 +54,7 @@ public:
     void bringUp(QDockWidget* pane);
     /// The menu of what changes the store.
     QMenu* editMenu() const { return m_edit; }
-    void setTitle(COrvoCliMod* module, const QString& title);
+    void setTitle(QWidget* page, const QString& title);
     int currentModule() const;
     void setCurrentModule(int index);
     /// The module that was added under that name; nothing is changed if there is none.
@@ -49,6 +64,8 @@ public:
     /// A message over the whole window; returns at once.
     void showError(const QString& text);
     void showNotice(const QString& text);
+    /// Shows a page of the handbook as Handbook::open does.
+    bool showHandbook(const QString& page, const QString& chapter, QString* error);
 
     /// Asked before the window closes; false: it stays, and whoever answered calls closeNow later.
     void setCloseCheck(std::function<bool()> check) { m_closeCheck = std::move(check); }
@@ -60,6 +77,13 @@ public:
 signals:
     void reopenRequested();
     void followsOthersChanged(bool on);
+    /// The user wants to choose a desktop.
+    void desktopRequested();
+    /// The user has closed the pane of a desktop.
+    void deskClosed(COrvoCliMod* desk);
+    void pageCloseRequested(QWidget* page);
+    /// Ctrl+Alt+Q in a kiosk.
+    void kioskEndRequested();
     /// The window is about to close: the modules are to be stopped now.
     void closing();
 
@@ -73,7 +97,7 @@ private:
     void makeMenus();
     void showBox(const QString& title, const QString& text, int icon);
     void makeHelpMenu();
-    void showHandbook();
+    void showHelp();
 
     QTabWidget* m_tabs; // these: children of the window
     LogPane* m_log;
@@ -86,6 +110,8 @@ private:
     QAction* m_stay;               ///< "do not take me to the changes of others"
     std::function<bool()> m_closeCheck;
     bool m_closesNow = false;
+    bool m_isWorkplace = false;
+    bool m_isKiosk = false;
 };
 
 } // namespace orvo::app

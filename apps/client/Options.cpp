@@ -50,6 +50,15 @@ constexpr OptionText optionTexts[] = {
      "рабочий каталог с копией файловой области в files/ (иначе $XDG_DATA_HOME/orvo/work)"},
     {"module", nullptr, "Menu|Resources",
      "открыть этот модуль; можно повторять (иначе открываются оба)"},
+    {"modules", nullptr, "DIR",
+     "каталог с библиотеками модулей, кроме собственного; можно повторять (писать в него и в "
+     "каталоги над ним может только хозяин)"},
+    {"desktop", nullptr, "NAME",
+     "открыть только этот рабочий стол, как его видит оператор: название, путь «папка/стол» или "
+     "ключ"},
+    {"kiosk", nullptr, nullptr,
+     "рабочий стол на весь экран, без рамки; закрывается по Ctrl+Alt+Q, после вопроса об имени "
+     "пользователя"},
     {"separate", nullptr, nullptr,
      "открыть ещё одно окно, даже если клиент с тем же хранилищем, пользователем и рабочим "
      "каталогом уже работает (иначе модуль откроет он)"},
@@ -134,8 +143,24 @@ bool parseOptions(const QStringList& arguments, Options* options, QString* error
         options->screenshot = absolute(value("screenshot"));
     options->inspect = value("inspect");
 
+    for (const QString& directory : parser.values(QStringLiteral("modules")))
+        options->moduleDirs << absolute(directory);
+    options->desktop = value("desktop");
+    options->isKiosk = isSet("kiosk");
+    if (options->isKiosk && options->desktop.isEmpty()) {
+        *error = QStringLiteral("Параметр --kiosk требует --desktop.");
+        return false;
+    }
+    if (!options->desktop.isEmpty() && isSet("module")) {
+        *error = QStringLiteral("Рабочий стол открывается без редакторов: --desktop и --module "
+                                "вместе не даются.");
+        return false;
+    }
+
     for (const QString& asked : parser.values(QStringLiteral("module"))) {
-        const QString name = moduleNamed(asked);
+        QString name = moduleNamed(asked);
+        if (name.isEmpty() && isSet("modules"))
+            name = asked; // of a library that is not loaded yet
         if (name.isEmpty()) {
             *error = QStringLiteral("Неизвестный модуль «%1»; есть Menu и Resources.").arg(asked);
             return false;
@@ -144,7 +169,7 @@ bool parseOptions(const QStringList& arguments, Options* options, QString* error
             options->modules << name;
     }
     options->askedModules = options->modules;
-    if (options->modules.isEmpty())
+    if (options->modules.isEmpty() && options->desktop.isEmpty())
         options->modules = knownModules();
     return true;
 }
@@ -170,9 +195,9 @@ QString helpText() {
         const QString name = QLatin1String("--") + QLatin1String(option.name);
         const QString value = QLatin1String(option.value ? option.value : "");
         const bool isChoice = value.contains(QLatin1Char('|'));
-        const QString inUsage = QLatin1String(" [") +
-                                (value.isEmpty() ? name : name + blank + value) +
-                                QLatin1String(qstrcmp(option.name, "module") == 0 ? "]..." : "]");
+        const QString inUsage =
+            QLatin1String(" [") + (value.isEmpty() ? name : name + blank + value) +
+            QLatin1String(qstrncmp(option.name, "module", 6) == 0 ? "]..." : "]");
         if (filled + inUsage.size() > width) {
             usage += QStringLiteral("\n           ");
             filled = 11;
@@ -198,7 +223,8 @@ QString helpText() {
         }
         table += line + QLatin1Char('\n');
     }
-    return QStringLiteral("orvo-client: клиент инженера: редактор меню и редактор ресурсов.\n\n") +
+    return QStringLiteral(
+               "orvo-client: редактор меню, редактор ресурсов и рабочий стол оператора.\n\n") +
            usage + QStringLiteral("\n\n") + table;
 }
 

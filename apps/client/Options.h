@@ -13,7 +13,11 @@ struct Options {
     QString login;
     QString workDir;          ///< absolute, with the separator at its end
     QStringList askedModules; ///< those that the command line names
-    QStringList modules;      ///< "Menu", "Resources", in the order asked for; both if none was
+    QStringList modules;      ///< in the order asked for; "Menu" and "Resources" if none was, none
+                              ///< beside a desktop
+    QStringList moduleDirs;   ///< further directories of module libraries, absolute
+    QString desktop;          ///< the operator's desktop that is shown alone; empty: none
+    bool isKiosk = false;     ///< it fills the screen
     QString screenshot;       ///< empty: none
     QString inspect;          ///< name of the socket that answers questions; empty: none
     bool isSeparate = false;  ///< do not ask a running client to open the modules

@@ -168,6 +168,19 @@ int WindowMemory::restoreWindow(QMainWindow& window) const {
     return settings.value(QStringLiteral("tab")).toInt();
 }
 
+void WindowMemory::saveDesktop(const QString& key) const {
+    QSettings settings = clientSettings();
+    settings.beginGroup(m_group);
+    settings.setValue(QStringLiteral("desktop"), key);
+}
+
+QString WindowMemory::desktop() const {
+    constexpr int longest = 256;
+    QSettings settings = clientSettings();
+    settings.beginGroup(m_group);
+    return settings.value(QStringLiteral("desktop")).toString().left(longest);
+}
+
 void WindowMemory::saveModule(const QString& name, const QWidget& module) const {
     QSettings settings = clientSettings();
     settings.beginGroup(m_group);

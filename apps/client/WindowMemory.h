@@ -27,6 +27,10 @@ public:
     /// Leaves the window as it is where nothing is known; gives the tab, 0 if none is known.
     int restoreWindow(QMainWindow& window) const;
 
+    /// The desktop that the user has chosen to see beside the editors: its key; empty: none.
+    void saveDesktop(const QString& key) const;
+    QString desktop() const;
+
     /// A module is known by its name; its views and splitters by their object names.
     void saveModule(const QString& name, const QWidget& module) const;
     /// To be called when its trees stand. A row that is gone is passed over, with what is below it;

@@ -1,5 +1,7 @@
-// orvo-client: the engineer's client. Exit codes: 0 done, 1 could not work, 2 wrong command line.
+// orvo-client: the engineer's client and the operator's desktop. Exit codes: 0 done, 1 could not
+// work, 2 wrong command line.
 #include "apps/client/Client.h"
+#include "apps/client/FunctionHost.h"
 #include "apps/client/Instance.h"
 #include "apps/client/Look.h"
 #include "apps/client/MainWindow.h"
@@ -50,7 +52,8 @@ int main(int argc, char* argv[]) {
     orvo::app::Options options;
     QString error;
     const bool pane = orvo::app::isWaitPane(argc, argv);
-    if (!pane && !orvo::app::parseOptions(arguments, &options, &error))
+    const bool function = orvo::app::isFunctionHost(argc, argv);
+    if (!pane && !function && !orvo::app::parseOptions(arguments, &options, &error))
         return refuse(2, error);
     if (options.help || options.version || !options.completion.isEmpty()) {
         const QString text = options.help      ? orvo::app::helpText()
@@ -77,9 +80,13 @@ int main(int argc, char* argv[]) {
     orvo::app::applyTheme();
     if (pane)
         return orvo::app::runWaitPane(arguments);
+    if (function)
+        return orvo::app::runFunctionHost();
 
     orvo::app::Instance instance(options);
-    if (options.screenshot.isEmpty() && !options.isSeparate &&
+    // An operator's desktop is a window of its own beside an engineer's client.
+    const bool isSeparate = options.isSeparate || !options.desktop.isEmpty();
+    if (options.screenshot.isEmpty() && !isSeparate &&
         instance.take(options.inspect.isEmpty()) == orvo::app::Instance::Role::Further)
         return 0;
     orvo::app::Client client(options);

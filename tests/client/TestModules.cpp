@@ -1,5 +1,6 @@
 // A module library as the client loads one: a window with a list of what it was told.
 #include "frame/OrvoClient.h"
+#include "frame/modules.h"
 
 #include <QCloseEvent>
 #include <QFile>
@@ -9,6 +10,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <stdexcept>
 #include <strings.h>
 
 namespace {
@@ -51,6 +53,10 @@ public:
         return true;
     }
     void ModuleStop() override { note("stop"); }
+    void SetParamMod(QString name, QString value) override {
+        note(qPrintable("param " + name + "=" + value));
+    }
+    void SetParamCommand(QString command) override { note(qPrintable("command " + command)); }
 
 protected:
     void closeEvent(QCloseEvent* event) override {
@@ -81,7 +87,31 @@ private:
 
 extern "C" __attribute__((visibility("default"))) void* CppCliModule(COrvoCliApp* app,
                                                                      const char* name) {
+    if (name && strcasecmp(name, "Throwing") == 0)
+        throw std::runtime_error("no module today");
     if (!name || (strcasecmp(name, "Menu") != 0 && strcasecmp(name, "Resources") != 0))
         return nullptr;
     return static_cast<COrvoCliMod*>(new TestWindow(app));
+}
+
+extern "C" __attribute__((visibility("default"))) int
+CppCliFunction(COrvoCliApp* app, const char* name, const char* params) {
+    if (strcasecmp(name, "Tell") == 0) {
+        app->log(0, "Tell", QString::fromLatin1(params));
+        return OrvoFunctionDone;
+    }
+    if (strcasecmp(name, "Fail") == 0)
+        return OrvoFunctionFailed;
+    if (strcasecmp(name, "Crash") == 0)
+        std::abort();
+    if (strcasecmp(name, "Throw") == 0)
+        throw std::runtime_error("no function today");
+    if (strcasecmp(name, "Window") == 0) {
+        auto* window = new QLabel("Window");
+        window->setAttribute(Qt::WA_DeleteOnClose);
+        window->show();
+        app->log(0, "Window", app->m_session ? "session" : "no session");
+        return OrvoFunctionDone;
+    }
+    return OrvoFunctionUnknown;
 }

@@ -56,6 +56,22 @@ private slots:
             QVERIFY(helpText().contains(name));
     }
 
+    void anOperatorsDesktopComesWithoutEditors() {
+        Options options;
+        QString error;
+        QVERIFY(
+            parse({"--desktop", "Участок / КС-3", "--kiosk", "--modules", "/a", "--modules", "b"},
+                  &options, &error));
+        QCOMPARE(options.desktop, QString("Участок / КС-3"));
+        QVERIFY(options.isKiosk);
+        QCOMPARE(options.modules, QStringList());
+        QCOMPARE(options.moduleDirs, QStringList({"/a", QDir::currentPath() + "/b"}));
+        Options further;
+        QVERIFY(parse({"--modules", "/a", "--module", "JournalEvents", "--module", "menu"},
+                      &further, &error));
+        QCOMPARE(further.modules, QStringList({"JournalEvents", "Menu"}));
+    }
+
     void anAddressIsNoPathBelowTheCurrentDirectory() {
         Options options;
         QString error;
@@ -74,6 +90,9 @@ private slots:
         QTest::newRow("no value") << QStringList("--store");
         QTest::newRow("empty value") << QStringList("--login=");
         QTest::newRow("unknown module") << QStringList({"--module", "Меню"});
+        QTest::newRow("a kiosk of nothing") << QStringList("--kiosk");
+        QTest::newRow("a desktop and an editor")
+            << QStringList({"--desktop", "d", "--module", "Menu"});
         QTest::newRow("value where none is") << QStringList("--help=yes");
     }
     void errorsAreOneLine() {
