@@ -15,7 +15,8 @@ struct DeskColumn {
         OneCopy,
         Separator, ///< a line is drawn above the row
         Resource,  ///< key of the resource; empty for a folder
-        Note,      ///< what the operator should know of the row; empty: nothing
+        Note,      ///< why the row cannot be opened; empty: it can, as far as is known
+        Unsaved,   ///< an engineer edits it, and has not saved
         Count
     };
 };

@@ -4,6 +4,8 @@
 #include "frame/RowDelegate.h"
 #include "frame/Vocabulary.h"
 
+#include <QFont>
+
 namespace orvo::desk {
 
 namespace {
@@ -23,6 +25,15 @@ const char* ownIcon(int kind, bool open) {
     }
 }
 
+QString shownCaption(const TabRec& row) {
+    QString caption = row.data(DeskColumn::Caption).toString();
+    if (caption.isEmpty())
+        caption = QStringLiteral("(без названия)");
+    if (row.data(DeskColumn::Unsaved).toBool())
+        caption += QStringLiteral(" (не сохранено)");
+    return caption;
+}
+
 } // namespace
 
 DeskModel::DeskModel(const QString& iconsPath)
@@ -35,10 +46,12 @@ QVariant DeskModel::data(const QModelIndex& index, int role) const {
     const TabRec& row = *getItem(index);
     switch (role) {
     case Qt::DisplayRole:
-        if (index.column() == DeskColumn::Caption &&
-            row.data(DeskColumn::Caption).toString().isEmpty())
-            return QStringLiteral("(без названия)");
-        return row.data(index.column());
+        return index.column() == DeskColumn::Caption ? shownCaption(row) : row.data(index.column());
+    case Qt::FontRole: {
+        QFont font;
+        font.setItalic(row.data(DeskColumn::Unsaved).toBool());
+        return font;
+    }
     case Qt::DecorationRole:
         return index.column() == DeskColumn::Caption ? icon(row) : QVariant();
     case Qt::ToolTipRole:
@@ -50,7 +63,7 @@ QVariant DeskModel::data(const QModelIndex& index, int role) const {
     case FolderRole:
         return row.data(DeskColumn::Kind).toInt() == Kind::None;
     case BrokenRole:
-        return row.data(DeskColumn::Kind).toInt() == missingResource;
+        return !row.data(DeskColumn::Note).toString().isEmpty();
     default:
         return {};
     }

@@ -76,6 +76,8 @@ bool DeskRecords::open(const QString& desktopKey) {
     setKeys(m_elements, keylist::Menu);
     m_resources.clear();
     m_hasGaps = false;
+    m_unsavedKey.clear();
+    m_unsavedIsOurs = false;
     m_desktop = desktopKey;
     return true;
 }
@@ -105,28 +107,40 @@ const DeskRecords::KnownResource& DeskRecords::resource(const QString& key) {
     const Answer answer = fetch(table::MenuResource, key, &found);
     if (answer == Answer::None)
         return known;
-    known = {std::nullopt, true};
+    known = {std::nullopt, true, std::nullopt};
     if (answer == Answer::Record) {
         const MDRData* record = MDARec(found.array, 0, 0);
-        known.resource =
-            Resource{integerOf(record, field::type_), textOf(record, field::name_),
-                     textOf(record, field::ico), textOf(record, field::MenuResourceFolderKey)};
+        known.resource = Resource{integerOf(record, field::type_), textOf(record, field::name_),
+                                  textOf(record, field::ico), textOf(record, field::params),
+                                  textOf(record, field::MenuResourceFolderKey)};
     }
     return known;
 }
 
 QVector<QVariant> DeskRecords::values(const MDRData* element) {
     QVector<QVariant> values(DeskColumn::Count);
-    const QString resourceKey = textOf(element, field::MenuResourceKey);
-    values[DeskColumn::Caption] = textOf(element, field::caption);
-    values[DeskColumn::Key] = textOf(element, field::KeyLink);
-    values[DeskColumn::Params] = textOf(element, field::params);
-    values[DeskColumn::Icon] = textOf(element, field::ico);
-    values[DeskColumn::OneCopy] = flagOf(element, field::oneCopy);
-    values[DeskColumn::Separator] = flagOf(element, field::separator);
+    const QString key = textOf(element, field::KeyLink);
+    const bool isUnsaved = !m_unsavedKey.isEmpty() && sameText(key, m_unsavedKey);
+    const auto typed = [&](const char* name) {
+        return isUnsaved ? m_unsaved.value(QLatin1String(name)) : QVariant();
+    };
+    const auto text = [&](const char* name) {
+        return typed(name).isValid() ? typed(name).toString() : textOf(element, name);
+    };
+    const auto flag = [&](const char* name) {
+        return typed(name).isValid() ? typed(name).toBool() : flagOf(element, name);
+    };
+    const QString resourceKey = text(field::MenuResourceKey);
+    values[DeskColumn::Caption] = text(field::caption);
+    values[DeskColumn::Key] = key;
+    values[DeskColumn::Params] = text(field::params);
+    values[DeskColumn::Icon] = text(field::ico);
+    values[DeskColumn::OneCopy] = flag(field::oneCopy);
+    values[DeskColumn::Separator] = flag(field::separator);
     values[DeskColumn::Resource] = resourceKey;
     values[DeskColumn::Kind] = int(Kind::None);
     values[DeskColumn::Note] = QString();
+    values[DeskColumn::Unsaved] = isUnsaved;
     if (resourceKey.isEmpty())
         return values;
     const KnownResource& known = resource(resourceKey);
@@ -139,9 +153,53 @@ QVector<QVariant> DeskRecords::values(const MDRData* element) {
         return values;
     }
     values[DeskColumn::Name] = own->name;
+    // What the element leaves open the resource says.
     if (values[DeskColumn::Icon].toString().isEmpty())
         values[DeskColumn::Icon] = own->icon;
+    if (values[DeskColumn::Params].toString().isEmpty())
+        values[DeskColumn::Params] = own->params;
+    if (m_check)
+        values[DeskColumn::Note] = refusal(resourceKey);
     return values;
+}
+
+QString DeskRecords::refusal(const QString& resourceKey) {
+    const KnownResource& known = resource(resourceKey);
+    if (known.refusal || !known.resource)
+        return known.refusal.value_or(QString());
+    LaunchRequest request;
+    request.kind = known.resource->kind;
+    request.resource = resourceKey;
+    request.name = known.resource->name;
+    if (request.kind == Kind::File)
+        request.path = pathOf(resourceKey);
+    const QString why = m_check(request);
+    const QString note = why.isEmpty() ? why : QStringLiteral("Не откроется: %1.").arg(why);
+    m_resources[resourceKey.toCaseFolded()].refusal = note;
+    return note;
+}
+
+void DeskRecords::forgetChecks() {
+    for (KnownResource& known : m_resources)
+        known.refusal.reset();
+}
+
+void DeskRecords::setUnsaved(const QString& key, bool isNew, const QVariantMap& values) {
+    if (!sameText(key, m_unsavedKey) && m_unsavedIsOurs) {
+        if (MDRData* ours = element(m_unsavedKey))
+            m_elements.RecDel(ours);
+        m_unsavedIsOurs = false;
+    }
+    m_unsavedKey = key;
+    m_unsaved = values;
+    if (key.isEmpty() || !isNew || element(key))
+        return;
+    RowWriter(m_elements, MDARecNew(m_elements.array))
+        .text(field::KeyLink, key)
+        .text(field::FolderKey, m_desktop)
+        .textOrNull(field::parent, values.value(QLatin1String(field::parent)).toString())
+        .integer(field::order_, values.value(QLatin1String(field::order_)).toInt());
+    m_unsavedIsOurs = true;
 }
 
 QStringList DeskRecords::children(const QString& parent) const {
@@ -154,6 +212,15 @@ QStringList DeskRecords::children(const QString& parent) const {
                   keys << textOf(record, field::KeyLink);
                   return true;
               });
+    return keys;
+}
+
+QStringList DeskRecords::keys() const {
+    QStringList keys;
+    walkAll(m_elements, 0, [&](const MDRData* record) {
+        keys << textOf(record, field::KeyLink);
+        return true;
+    });
     return keys;
 }
 
@@ -206,6 +273,8 @@ QString DeskRecords::pathOf(const QString& resourceKey) {
 bool DeskRecords::take(const Notification& change) {
     const QString key = change.key();
     MDRData* known = element(key);
+    if (m_unsavedIsOurs && sameText(key, m_unsavedKey))
+        m_unsavedIsOurs = false; // it is the store's from here on
     switch (change.action()) {
     case OrvoEventDelete:
         if (known)

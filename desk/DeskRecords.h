@@ -4,11 +4,15 @@
 // Invariants:
 //  1. The table holds elements of the open desktop only, with the keys 0 `KeyLink` and 1
 //     "parent;order_".
-//  2. A resource is asked for once, when an element that names it is looked at, and again after
+//  2. Of an element that is edited and new to the store there is a record of ours, until that of
+//  the
+//     store comes or the edit ends.
+//  3. A resource is asked for once, when an element that names it is looked at, and again after
 //     forgetResource. Until the server answers, what was known of it stays.
 #ifndef ORVO_DESK_DESKRECORDS_H
 #define ORVO_DESK_DESKRECORDS_H
 
+#include "frame/Launch.h"
 #include "frame/OrvoClient.h"
 
 #include <QHash>
@@ -16,6 +20,7 @@
 #include <QVariant>
 #include <QVector>
 
+#include <functional>
 #include <optional>
 
 namespace orvo {
@@ -48,6 +53,8 @@ public:
     QVector<QVariant> values(const MDRData* element);
     /// Keys of the elements below `parent` (empty: at the top), in the order of the menu.
     QStringList children(const QString& parent) const;
+    /// Keys of all elements.
+    QStringList keys() const;
     /// Keys of the elements that name a resource.
     QStringList elementsOf(const QString& resourceKey) const;
     MDRData* element(const QString& key) const;
@@ -66,7 +73,24 @@ public:
         return m_resources.contains(key.toCaseFolded());
     }
     /// The resource has changed or gone, or come: it is asked for anew.
-    void forgetResource(const QString& key) { m_resources[key.toCaseFolded()].isRead = false; }
+    void forgetResource(const QString& key) {
+        KnownResource& known = m_resources[key.toCaseFolded()];
+        known.isRead = false;
+        known.refusal.reset();
+    }
+    /// From now on elements get a note if this gives a reason why they cannot be opened. It is
+    /// asked once for each resource, and again after the resource has changed, or after
+    /// forgetChecks.
+    void setCheck(std::function<QString(const LaunchRequest&)> check) {
+        m_check = std::move(check);
+    }
+    void forgetChecks();
+
+    /// An element that is edited elsewhere and not saved: these values, by the names of the fields,
+    /// are shown in place of its own. No key: none is.
+    void setUnsaved(const QString& key, bool isNew, const QVariantMap& values);
+    const QString& unsavedKey() const { return m_unsavedKey; }
+
     /// Whether the server left a question unanswered since the desktop was opened: something may be
     /// shown as it was, or not at all.
     bool hasGaps() const { return m_hasGaps; }
@@ -76,13 +100,16 @@ private:
         int kind = 0;
         QString name;
         QString icon;
+        QString params;
         QString folder;
     };
     struct KnownResource {
         std::optional<Resource> resource; ///< nullopt: not there, as far as is known
         bool isRead = false;              ///< false: to be asked for when it is looked at
+        std::optional<QString> refusal;   ///< of the check; nullopt: not asked yet
     };
     const KnownResource& resource(const QString& key);
+    QString refusal(const QString& resourceKey);
     enum class Answer { None, NoRecord, Record };
     /// The record of that key as the store has it.
     Answer fetch(const char* table, const QString& key, CMDArray* into);
@@ -92,6 +119,10 @@ private:
     CMDArray m_elements;
     QHash<QString, KnownResource> m_resources; ///< by folded key
     bool m_hasGaps = false;
+    std::function<QString(const LaunchRequest&)> m_check; ///< null: nothing is checked
+    QString m_unsavedKey;
+    QVariantMap m_unsaved;
+    bool m_unsavedIsOurs = false; ///< there is a record of it that the store does not have
 };
 
 } // namespace orvo::desk

@@ -34,7 +34,7 @@ void DeskDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
         row.rect.setTop(option.rect.top() + separatorHeight);
     }
     if (index.data(DeskModel::BrokenRole).toBool())
-        row.palette.setCurrentColorGroup(QPalette::Disabled);
+        row.state &= ~QStyle::State_Enabled; // grey, the icon too; it can be chosen all the same
     row.decorationSize = QSize(iconSize, iconSize);
     row.textElideMode = Qt::ElideRight;
     QStyledItemDelegate::paint(painter, row, index);

@@ -84,9 +84,9 @@ void OrvoDesktop::makeWidgets() {
 
     auto* layout = new QVBoxLayout(panel);
     layout->setContentsMargins(4, 4, 4, 4);
-    layout->addWidget(m_notice);
     layout->addWidget(m_edSearch);
     layout->addWidget(m_pages, 1);
+    layout->addWidget(m_notice); // below: rows stay under the finger when it comes
     layout->addWidget(m_recentList);
     setCentralWidget(panel);
     setFocusProxy(m_view);
@@ -104,6 +104,8 @@ void OrvoDesktop::makeWidgets() {
 void OrvoDesktop::SetParamMod(QString name, QString value) {
     if (name == QLatin1String("desktop"))
         m_wanted = std::move(value);
+    else if (name == QLatin1String("preview"))
+        m_isPreview = value == QLatin1String("1");
 }
 
 bool OrvoDesktop::refuseStart(const QString& why) {
@@ -123,14 +125,68 @@ bool OrvoDesktop::ModuleStart() {
         return refuseStart(
             QStringLiteral("Рабочих столов с названием %1 несколько; назовите путь или ключ.")
                 .arg(quoted(m_wanted)));
-    if (!m_records.open(found.key))
+    if (m_isPreview)
+        m_records.setCheck([this](const orvo::LaunchRequest& wanted) {
+            orvo::LaunchRequest request = wanted;
+            request.refusal.clear(); // a host that cannot tell is no reason
+            doCall(orvo::callCheckLaunch, &request);
+            return request.refusal;
+        });
+    if (!open(found.key, found.caption))
         return refuseStart(
             QStringLiteral("Меню рабочего стола %1 не прочитано.").arg(quoted(found.caption)));
-    m_rows->fill();
-    m_recent = std::make_unique<Recent>(found.key);
-    showRecent();
-    SetModTitle(found.caption, QString());
     return true;
+}
+
+bool OrvoDesktop::open(const QString& key, const QString& caption) {
+    if (!m_records.open(key))
+        return false;
+    m_rows->fill();
+    m_search->invalidate();
+    m_recent = std::make_unique<Recent>(key);
+    showRecent();
+    showTitle(caption);
+    return true;
+}
+
+void OrvoDesktop::showTitle(const QString& caption) {
+    SetModTitle(m_isPreview ? QStringLiteral("Как у оператора: %1").arg(caption) : caption, {});
+}
+
+void OrvoDesktop::slot_modNotify(QString name, QVariant value) {
+    if (m_records.desktop().isEmpty())
+        return;
+    if (name == QLatin1String("edit")) {
+        const DeskView::Keep keep(*m_view);
+        showEdit(value.toMap());
+        rowsChanged();
+    } else if (name == QLatin1String("desktop")) {
+        FoundDesktop found;
+        QString error;
+        tell({});
+        if (!m_records.find(value.toString(), &found, &error) || found.count != 1 ||
+            !open(found.key, found.caption))
+            tell(QStringLiteral("Этот рабочий стол ещё не сохранён или не прочитан."));
+    }
+}
+
+void OrvoDesktop::showEdit(const QVariantMap& edit) {
+    const QString key = edit.value(QStringLiteral("key")).toString();
+    const QString before = m_records.unsavedKey();
+    m_records.setUnsaved(key, edit.value(QStringLiteral("isNew")).toBool(),
+                         edit.value(QStringLiteral("values")).toMap());
+    if (!before.isEmpty() && !orvo::sameText(before, key))
+        m_rows->follow(before);
+    if (!key.isEmpty())
+        m_rows->follow(key);
+}
+
+/// A content has come or gone: what could not be opened perhaps can be now.
+void OrvoDesktop::checkAgain() {
+    m_records.forgetChecks();
+    for (const QString& key : m_records.keys())
+        m_rows->refresh(key);
+    m_changed = true;
 }
 
 void OrvoDesktop::MessageOn() {
@@ -152,6 +208,8 @@ bool OrvoDesktop::MessageData(MDXCliParam* prm) {
         }
     } else if (change.isFor(orvo::table::MenuResource)) {
         resourceChanged(change.key());
+    } else if (m_isPreview && change.isFor(orvo::table::MenuResourceFile)) {
+        checkAgain();
     } else if (change.isFor(orvo::table::MenuFolder) &&
                orvo::sameText(change.key(), m_records.desktop())) {
         desktopChanged(change);
@@ -187,7 +245,7 @@ void OrvoDesktop::desktopChanged(const orvo::Notification& change) {
     FoundDesktop found;
     QString error;
     if (m_records.find(m_records.desktop(), &found, &error) && found.count == 1) {
-        SetModTitle(found.caption, QString());
+        showTitle(found.caption);
         m_notice->hide(); // it is there again
     }
 }
@@ -267,8 +325,9 @@ void OrvoDesktop::launch(const QString& key) {
     }
     orvo::LaunchRequest request;
     request.key = key;
-    request.caption = row.data().toString();
+    request.caption = DeskModel::value(row, DeskColumn::Caption).toString();
     request.kind = DeskModel::value(row, DeskColumn::Kind).toInt();
+    request.resource = DeskModel::value(row, DeskColumn::Resource).toString();
     request.name = DeskModel::value(row, DeskColumn::Name).toString();
     request.params = DeskModel::value(row, DeskColumn::Params).toString();
     request.oneCopy = DeskModel::value(row, DeskColumn::OneCopy).toBool();

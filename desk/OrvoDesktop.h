@@ -32,7 +32,8 @@ public:
     explicit OrvoDesktop(COrvoCliApp* app);
     ~OrvoDesktop() override;
 
-    /// "desktop": which one. Any other name is passed over.
+    /// "desktop": which one; "preview": "1" for an engineer, with marks at what cannot be opened.
+    /// Any other name is passed over.
     void SetParamMod(QString name, QString value) override;
     /// False if there is no such desktop, more than one, or the server does not answer; the reason
     /// is shown and logged.
@@ -42,6 +43,9 @@ public:
     void ModSesReconnect() override;
 
 public slots:
+    /// "desktop": shows the one of that key instead. "edit": an engineer edits an element, a map of
+    /// its `key` (empty: none is edited), `isNew`, and `values` by the names of the fields.
+    void slot_modNotify(QString name, QVariant value) override;
     /// Opens what an element stands for; a folder is shown.
     void launch(const QString& key);
 
@@ -55,6 +59,10 @@ private:
     void desktopChanged(const orvo::Notification& change);
     void resourceChanged(const QString& key);
     void showRecent();
+    bool open(const QString& key, const QString& caption);
+    void showTitle(const QString& caption);
+    void showEdit(const QVariantMap& edit);
+    void checkAgain();
     void rowsChanged();
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -71,6 +79,7 @@ private:
     QStackedWidget* m_pages = nullptr;
     QLabel* m_notice = nullptr;
     QLabel* m_nothing = nullptr;
+    bool m_isPreview = false;
     bool m_changed = false; ///< rows, since the last look
 };
 

@@ -46,6 +46,7 @@ void EditorWindow::makeEditButtons() {
 void EditorWindow::enableEditButtons(bool enabled) {
     m_btnSave->setEnabled(enabled);
     m_btnCancel->setEnabled(enabled);
+    emit editStateChanged();
 }
 
 void EditorWindow::tellReplaced(const QString& what, const RecordFields& fields,

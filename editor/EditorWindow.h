@@ -162,6 +162,10 @@ protected:
     /// All notifications that waited have been taken.
     virtual void notificationsTaken() {}
 
+signals:
+    /// The buttons that save and cancel were switched on or off: an edit is open, or none is.
+    void editStateChanged();
+
 protected slots:
     virtual void on_save_pressed() = 0;
     virtual void on_cancel_pressed() = 0;

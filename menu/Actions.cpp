@@ -108,6 +108,8 @@ void OrvoMenu::showContextMenu_tvDesck(const QPoint& point) {
     menu.addActions({m_ui->actCopyDescktopOrFolder, m_ui->actPasteDescktopOrFolder});
     menu.addSeparator();
     menu.addAction(m_ui->actDeleteFromtvDesck);
+    menu.addSeparator();
+    menu.addAction(m_actPreview);
 
     const QModelIndex current = m_ui->tvDesck->currentIndex();
     if (current.isValid())

@@ -42,6 +42,15 @@ OrvoMenu::OrvoMenu(COrvoCliApp* app)
     orvo::arrangeToolBar(bar);
 
     m_ui->splitter->setSizes({120, 400});
+    m_actPreview = new QAction(orvo::image("descktop1"), tr("Показать как оператору"), this);
+    m_actPreview->setObjectName(QStringLiteral("previewDesktop"));
+    m_actPreview->setShortcut(QKeySequence(Qt::Key_F5));
+    m_actPreview->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    addAction(m_actPreview);
+    connect(m_actPreview, &QAction::triggered, this, &OrvoMenu::showPreview);
+    m_previewTimer.setSingleShot(true);
+    m_previewTimer.setInterval(0);
+    connect(&m_previewTimer, &QTimer::timeout, this, &OrvoMenu::updatePreview);
     // All three columns of the menu beside the two of the passport.
     m_ui->splitter_2->setSizes({600, 400});
 }

@@ -15,7 +15,8 @@
 // (filling), CurrentRow (what a move of the current row or the selection does), Notifications (what
 // comes back from the server), Creating (new elements, the picker), Editing (save and cancel),
 // DesktopOperations, Clipboard, Ordering (move buttons and drops), Deletion,
-// ModEdit (what the host asks of it), Diagnostics (the tables as text).
+// ModEdit (what the host asks of it), Preview (what the preview of a desktop follows), Diagnostics
+// (the tables as text).
 #ifndef ORVO_MENU_ORVOMENU_H
 #define ORVO_MENU_ORVOMENU_H
 
@@ -30,6 +31,7 @@
 #include <QPersistentModelIndex>
 #include <QString>
 #include <QStringList>
+#include <QTimer>
 #include <QVariant>
 
 #include <cstdint>
@@ -105,7 +107,10 @@ protected:
     QString m_currentMenuKey;  ///< key of the current row of tvMenu
     bool m_cutPending = false; ///< the clipboard holds a cut of this editor
     QByteArray m_ownCut;       ///< the last cut, as long as nothing else has been offered since
-    bool m_skipDesckChange = false; ///< the next on_tvDesck_currentChanged only clears this
+    bool m_skipDesckChange = false;  ///< the next on_tvDesck_currentChanged only clears this
+    QAction* m_actPreview = nullptr; ///< child of the window
+    bool m_hasPreview = false;       ///< the host was asked for one, and follows it as it likes
+    QTimer m_previewTimer;           ///< what it follows has changed, and perhaps changes more
     std::unique_ptr<Ui_OrvoMenu> m_ui;
 
     // Start and views
@@ -120,6 +125,11 @@ protected:
     void setMenuActionsDisabled();
     void setDesckActionsEnabled(const QModelIndex& index);
     void setDesckActionsDisabled();
+    /// Shows the current desktop beside the editor as operators get it; the preview follows from
+    /// then on.
+    void showPreview();
+    void updatePreview();
+    void followForPreview();
     /// Whether the clipboard offers that format.
     bool checkMimeType(const QString& format) const;
 

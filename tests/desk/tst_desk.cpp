@@ -31,8 +31,14 @@ public:
     using TestHost::TestHost;
     std::vector<orvo::LaunchRequest> launched;
     QString refusal;
+    QStringList missing; ///< names that could not be opened
 
     void moduleCall(COrvoCliMod*, int code, void* data) override {
+        if (code == orvo::callCheckLaunch) {
+            auto* request = static_cast<orvo::LaunchRequest*>(data);
+            request->refusal =
+                missing.contains(request->name) ? request->name + " is missing" : QString();
+        }
         if (code != orvo::callLaunch)
             return;
         auto* request = static_cast<orvo::LaunchRequest*>(data);
@@ -517,6 +523,66 @@ private slots:
         desk.reopen();
         QVERIFY(desk.start());
         QCOMPARE(followed, desk.tree());
+    }
+
+    void aPreviewMarksWhatOperatorsCouldNotOpen() {
+        Desk desk;
+        (*desk.module)->SetParamMod("preview", "1");
+        desk.host->missing = QStringList{"Reset"};
+        QVERIFY(desk.start());
+        QVERIFY(desk.title().contains("КС-3") && desk.title() != "КС-3");
+        QVERIFY(desk.row("e5").data(DeskModel::BrokenRole).toBool());
+        QVERIFY(desk.row("e5").data(Qt::ToolTipRole).toString().contains("Reset is missing"));
+        QVERIFY(!desk.row("e2").data(DeskModel::BrokenRole).toBool());
+        desk.store.update("MenuResource", {{"KeyLink", "rf"}, {"name_", "Reset2"}});
+        desk.deliver();
+        QVERIFY(!desk.row("e5").data(DeskModel::BrokenRole).toBool());
+    }
+
+    void aPreviewShowsTheOpenEditUntilItEnds() {
+        Desk desk;
+        QVERIFY(desk.start());
+        const auto edit = [&](const char* key, bool isNew, const QVariantMap& values) {
+            (*desk.module)
+                ->slot_modNotify("edit",
+                                 QVariantMap{{"key", key}, {"isNew", isNew}, {"values", values}});
+        };
+        edit("e2", false, {{"caption", "Графики"}, {"separator", false}});
+        QVERIFY(desk.tree().contains("Графики (не сохранено) #e2"));
+        QVERIFY(!desk.row("e2").data(DeskModel::SeparatorRole).toBool());
+        (*desk.module)->launch("e2");
+        QCOMPARE(desk.host->launched.back().caption, QString("Графики"));
+        desk.store.update("Menu", {{"KeyLink", "e2"}, {"params", "scale=3"}}); // another's change
+        desk.deliver();
+        QVERIFY(desk.tree().contains("Графики (не сохранено) #e2"));
+        edit("", false, {});
+        QCOMPARE(desk.tree(), QString::fromUtf8(plantTree));
+
+        const QVariantMap folder{{"caption", "Новая"}, {"parent", "e1"}, {"order_", 1500}};
+        edit("n1", true, folder);
+        QVERIFY2(desk.tree().contains("  Новая (не сохранено) #n1\n  Ещё #e4"),
+                 qPrintable(desk.tree()));
+        edit("", false, {});
+        QCOMPARE(desk.tree(), QString::fromUtf8(plantTree));
+        edit("n1", true, folder);
+        addElement(desk.store, "n1", "e1", "Новая", 1500); // it is saved
+        desk.deliver();
+        edit("", false, {});
+        QVERIFY(desk.tree().contains("  Новая #n1\n"));
+    }
+
+    void aPreviewFollowsToAnotherDesktop() {
+        Desk desk;
+        QVERIFY(desk.start());
+        (*desk.module)->slot_modNotify("desktop", "d2");
+        QCOMPARE(desk.tree(), QString("Чужое #x1\n"));
+        addElement(desk.store, "x2", nullptr, "Второе", 2000, "rm", "d2");
+        addElement(desk.store, "e9", nullptr, "Девятое", 2000, "rm", "d");
+        desk.deliver();
+        QCOMPARE(desk.tree(), QString("Чужое #x1\nВторое #x2\n"));
+        (*desk.module)->slot_modNotify("desktop", "nothing");
+        QVERIFY(!desk.notice().isEmpty());
+        QCOMPARE(desk.tree(), QString("Чужое #x1\nВторое #x2\n"));
     }
 
 private:

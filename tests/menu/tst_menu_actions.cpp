@@ -362,10 +362,11 @@ private slots:
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         editor.action("actAddDescktop")->setEnabled(false);
         bool hasIcon = false;
-        QCOMPARE(shownMenu(editor, "tvDesck", "Создать", &hasIcon),
-                 QStringList({"Создать[actAddDescktop,actAddFoldertvDesck]",
-                              "actChangeDescktopOrFolder", "-", "actCopyDescktopOrFolder",
-                              "actPasteDescktopOrFolder", "-", "actDeleteFromtvDesck"}));
+        QCOMPARE(
+            shownMenu(editor, "tvDesck", "Создать", &hasIcon),
+            QStringList({"Создать[actAddDescktop,actAddFoldertvDesck]", "actChangeDescktopOrFolder",
+                         "-", "actCopyDescktopOrFolder", "actPasteDescktopOrFolder", "-",
+                         "actDeleteFromtvDesck", "-", "previewDesktop"}));
         QVERIFY(hasIcon);
         // The states are those of the current row again.
         QVERIFY(editor.action("actAddDescktop")->isEnabled());
