@@ -46,6 +46,17 @@ function(orvo_menu_library)
   orvo_install(OrvoMenu "${ORVO_MODULE_DIR}" client)
 endfunction()
 
+# The sample of a module library, built as if it were somebody else's; installed as sources.
+function(orvo_sample_library)
+  foreach(library OrvoClient OrvoMdx)
+    add_library(Orvo::${library} ALIAS ${library})
+  endforeach()
+  add_subdirectory(examples/modules)
+  set_target_properties(OrvoSample PROPERTIES
+    LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/examples/modules")
+  install(DIRECTORY examples/modules DESTINATION "${CMAKE_INSTALL_DATADIR}/orvo/examples" COMPONENT dev)
+endfunction()
+
 # orvo_test(<name> SOURCES ... LINK ... [LABELS ...] [XVFB] [POSTGRES]): one QtTest executable, run
 # by CTest without a display, or with one of its own (XVFB). POSTGRES: run once more as
 # <name>_postgres on a PostgreSQL store; one cluster serves all of those.

@@ -6,6 +6,8 @@
 #include <QJsonDocument>
 #include <QThread>
 
+#include <algorithm>
+
 namespace orvo::test {
 
 namespace {
@@ -53,7 +55,7 @@ QString Tree::text() const {
 // ClientProcess
 
 ClientProcess::ClientProcess(const QString& directory, const QString& store, const QString& user,
-                             const QRect& place, const QStringList& which)
+                             const QRect& place, const QStringList& which, const QStringList& more)
     : login(user)
     , modules(which)
     , m_socketPath(directory + '/' + user + ".sock")
@@ -68,6 +70,7 @@ ClientProcess::ClientProcess(const QString& directory, const QString& store, con
                           "--inspect", m_socketPath};
     for (const QString& module : modules)
         arguments << "--module" << module;
+    arguments << more;
     m_process.start(qEnvironmentVariable("ORVO_BIN_DIR") + "/orvo-client", arguments);
     m_process.waitForStarted();
 }
@@ -93,8 +96,10 @@ bool ClientProcess::waitUp() {
     }
     while (timer.elapsed() < 60000 && m_socket.state() == QLocalSocket::ConnectedState) {
         const QJsonObject state = ask("state");
-        if (state["running"].toInt() == modules.size()) {
-            const char* first = modules.last() == "Menu" ? "tvDesck" : "tvRes";
+        if (state["running"].toInt() >= std::max(1, modules.size())) {
+            const char* first = modules.isEmpty()          ? "deskTree"
+                                : modules.last() == "Menu" ? "tvDesck"
+                                                           : "tvRes";
             if (isInPlace() && state["settled"].toBool() && !tree(first).rows.empty())
                 return true;
             moveIntoPlace();
@@ -105,6 +110,8 @@ bool ClientProcess::waitUp() {
 }
 
 bool ClientProcess::isInPlace() {
+    if (m_place.isEmpty())
+        return true;
     for (const QJsonValue& window : ask("windows")["windows"].toArray()) {
         const QRect rect = rectOf(window.toObject()["rect"]);
         // The frame of the window manager may come on top.

@@ -45,10 +45,12 @@ struct Control {
 
 class ClientProcess {
 public:
-    /// Starts a client with these modules; the window is at `place` soon after. Everything it
-    /// writes goes below `directory`.
+    /// Starts a client with these modules, or none for an operator's desktop, and further
+    /// arguments; the window is at `place` soon after, or where it wants to be for an empty one.
+    /// Everything it writes goes below `directory`.
     ClientProcess(const QString& directory, const QString& store, const QString& login,
-                  const QRect& place, const QStringList& modules = {"Menu"});
+                  const QRect& place, const QStringList& modules = {"Menu"},
+                  const QStringList& more = {});
     ~ClientProcess();
 
     /// Waits until the window is up and the module loaded; moves the window to its place.

@@ -61,6 +61,15 @@ bool Scene::startRight() {
     return m_right->waitUp() || fail("the right client does not come up: " + m_right->errors());
 }
 
+bool Scene::startOperator(const QString& desktop, const QStringList& more, const QRect& place) {
+    m_right.reset();
+    m_right =
+        std::make_unique<ClientProcess>(m_directory.path(), m_store->url(), "right", place,
+                                        QStringList(), QStringList{"--desktop", desktop} + more);
+    return m_right->waitUp() ||
+           fail("the operator's desktop does not come up: " + m_right->errors());
+}
+
 int Scene::admin(const QStringList& arguments) const {
     return QProcess::execute(qEnvironmentVariable("ORVO_BIN_DIR") + "/orvo-admin",
                              QStringList{"--store", m_adminUrl} + arguments);

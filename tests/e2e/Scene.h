@@ -24,6 +24,9 @@ public:
     bool startLeft(const QStringList& modules = {"Menu"}, const QString& login = "left",
                    const QRect& place = {5, 5, 1385, 960});
     bool startRight();
+    /// An operator's desktop in place of the right client.
+    bool startOperator(const QString& desktop, const QStringList& more = {},
+                       const QRect& place = {1405, 5, 1385, 960});
     void stopRight() { m_right.reset(); }
     ClientProcess& left() { return *m_left; }
     ClientProcess& right() { return *m_right; }

@@ -1,0 +1,42 @@
+#include "Functions.h"
+
+#include <frame/Launch.h>
+
+#include <QMessageBox>
+
+namespace {
+
+constexpr int logError = 5;
+
+/// The value of a "name=value" pair among those that ";" parts.
+QString valueOf(const QString& parameters, const QString& name) {
+    for (const QString& pair : parameters.split(QLatin1Char(';')))
+        if (pair.section(QLatin1Char('='), 0, 0).trimmed() == name)
+            return pair.section(QLatin1Char('='), 1).trimmed();
+    return {};
+}
+
+} // namespace
+
+OrvoFunctionResult openHelp(COrvoCliApp& app, const QString& parameters) {
+    orvo::HandbookRequest request;
+    request.chapter = valueOf(parameters, QStringLiteral("Раздел"));
+    app.moduleCall(nullptr, orvo::callHandbook, &request); // no module asks
+    if (request.refusal.isEmpty())
+        return OrvoFunctionDone;
+    app.log(logError, QStringLiteral("HelpOpen"), request.refusal);
+    return OrvoFunctionFailed;
+}
+
+OrvoFunctionResult callDispatcher(COrvoCliApp& app, const QString& parameters) {
+    const QString line = valueOf(parameters, QStringLiteral("Линия"));
+    auto* box = new QMessageBox(QMessageBox::Information, QStringLiteral("Вызов диспетчера"),
+                                line.isEmpty() ? QStringLiteral("Линия не задана.")
+                                               : QStringLiteral("Вызов по линии %1.").arg(line));
+    box->setObjectName(QStringLiteral("callDispatcher"));
+    box->setTextFormat(Qt::PlainText); // a parameter may hold anything
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->show(); // served by the host when we have returned
+    app.log(0, QStringLiteral("CallDispatcher"), box->text());
+    return OrvoFunctionDone;
+}
