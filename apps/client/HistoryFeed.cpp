@@ -209,7 +209,7 @@ void HistoryFeed::reload() {
     m_model.clear();
     emit noted(QString());
     if (m_watched)
-        m_model.fetchMore({});
+        m_model.wantMore();
 }
 
 void HistoryFeed::setWatched(bool watched) {
@@ -302,7 +302,7 @@ void HistoryFeed::moreCame(uint64_t round, const store::Status& status, const Pa
     m_model.setUndone(page.undone);
     if (page.actions.empty() && !page.atEnd) {
         emit noted(QStringLiteral("Ищется дальше…"));
-        m_model.fetchMore({});
+        m_model.wantMore();
         return;
     }
     note(page);

@@ -239,7 +239,7 @@ bool HistoryModel::canFetchMore(const QModelIndex& parent) const {
     if (parent.column() > 0)
         return false;
     const Node* node = nodeOf(parent);
-    return node ? !node->detailed && !node->asked : !m_atEnd && !m_asked;
+    return node ? !node->detailed && !node->asked : m_rows.empty() && !m_atEnd && !m_asked;
 }
 
 void HistoryModel::fetchMore(const QModelIndex& parent) {
@@ -249,9 +249,15 @@ void HistoryModel::fetchMore(const QModelIndex& parent) {
         node->asked = true;
         emit detailsWanted(node->action.group);
     } else {
-        m_asked = true;
-        emit moreWanted();
+        wantMore();
     }
+}
+
+void HistoryModel::wantMore() {
+    if (m_atEnd || m_asked)
+        return;
+    m_asked = true;
+    emit moreWanted();
 }
 
 // Texts ------------------------------------------------------------------------------------------

@@ -43,6 +43,10 @@ public:
     /// How users are called, for all rows.
     void setNames(const std::unordered_map<std::string, QString>& names);
 
+    /// Asks for older actions, unless there are none or they are on their way. A view that is not
+    /// laid out yet asks for all there is: so it is only given the first by fetchMore.
+    void wantMore();
+
     int count() const { return static_cast<int>(m_rows.size()); }
     bool isAtEnd() const { return m_atEnd; }
     /// The smallest id of a group shown; 0: none.

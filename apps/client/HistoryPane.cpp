@@ -13,6 +13,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QToolButton>
 #include <QTreeView>
 
@@ -122,6 +123,10 @@ HistoryPane::HistoryPane(StoreThread& thread, const QString& login, bool mayWrit
         emit failed(text);
     });
     connect(&m_feed, &HistoryFeed::namesChanged, this, &HistoryPane::listUsers);
+    connect(m_view->verticalScrollBar(), &QScrollBar::valueChanged, this,
+            &HistoryPane::readOnAtEnd);
+    connect(m_view->verticalScrollBar(), &QScrollBar::rangeChanged, this,
+            &HistoryPane::readOnAtEnd);
     updateActions();
 }
 
@@ -279,6 +284,12 @@ void HistoryPane::showEvent(QShowEvent* event) {
 void HistoryPane::hideEvent(QHideEvent* event) {
     QWidget::hideEvent(event);
     m_feed.setWatched(false);
+}
+
+void HistoryPane::readOnAtEnd() {
+    const QScrollBar* bar = m_view->verticalScrollBar();
+    if (isVisible() && bar->value() + bar->pageStep() >= bar->maximum())
+        m_feed.model().wantMore();
 }
 
 // Actions ----------------------------------------------------------------------------------------

@@ -55,6 +55,7 @@ private:
     void nameScope();
     void listUsers();
     void updateActions();
+    void readOnAtEnd();
     void fillBackMenu(QMenu& menu);
     void showContextMenu(const QPoint& point);
     void showCurrent();

@@ -143,7 +143,7 @@ private slots:
 
     void aLongHistoryComesInByThePage() {
         Fixture fixture;
-        constexpr int count = 150;
+        constexpr int count = 300;
         for (int i = 0; i < count; ++i)
             fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "d"}, {"caption", std::to_string(i)}});
         fixture.open();
@@ -155,7 +155,7 @@ private slots:
             &fixture.pane()->feed().model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
         while (!fixture.pane()->feed().model().isAtEnd()) {
             const int before = fixture.model()->rowCount();
-            fixture.model()->fetchMore({});
+            fixture.pane()->feed().model().wantMore();
             QTRY_VERIFY(fixture.model()->rowCount() > before);
         }
         QCOMPARE(fixture.model()->rowCount(), count + 6);
@@ -300,6 +300,7 @@ private slots:
         fixture.press("historyShow");
         QTRY_COMPARE(fixture.view("tvMenu")->currentIndex().data().toString(), QString("в1"));
         QCOMPARE(fixture.view("tvDesck")->currentIndex().data().toString(), QString("КС-1"));
+        QTRY_VERIFY(fixture.find("Удалён элемент меню «г»") >= 0);
         fixture.choose("Удалён элемент меню «г»");
         fixture.press("historyShow");
         QTRY_VERIFY(fixture.failure().contains("строки больше нет"));
