@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QJsonArray>
+#include <QRegularExpression>
 #include <QScreen>
 
 #include <algorithm>
@@ -25,11 +26,18 @@ bool isOnScreen(const QString& name) {
     return !search.readAllStandardOutput().isEmpty();
 }
 
-/// As its user does: the key goes to the window that has the focus.
-void closeWindow(const QString& name) {
+/// As its user does: by the key, once the window has the focus, and waiting for its end.
+bool closeWindow(const QString& name) {
     QProcess::execute("xdotool",
                       {"search", "--onlyvisible", "--name", name, "windowactivate", "--sync"});
-    hands::key("alt+F4");
+    const auto isActive = [&] {
+        QProcess active;
+        active.start("xdotool", {"getactivewindow", "getwindowname"});
+        active.waitForFinished();
+        return QString::fromUtf8(active.readAllStandardOutput()).contains(QRegularExpression(name));
+    };
+    return QTest::qWaitFor(isActive) && hands::key("alt+F4") &&
+           QTest::qWaitFor([&] { return !isOnScreen(name); }, 15000);
 }
 
 } // namespace
@@ -118,8 +126,8 @@ private slots:
         DO(clickOn("Справка"));
         SOON(isOnScreen("^Руководство$"));
         take("operator-functions");
-        closeWindow("^Руководство$");
-        closeWindow("^Вызов диспетчера$");
+        QVERIFY(closeWindow("^Руководство"));
+        QVERIFY(closeWindow("^Вызов диспетчера"));
         SOON(!isOnScreen("^Руководство$") && !isOnScreen("^Вызов диспетчера$"));
         SOON(opened() == 3);
 
@@ -193,7 +201,7 @@ private slots:
         SOON(isOnScreen("^Рабочий стол$"));
         QTest::qWait(500);
         take("choose-desktop");
-        QVERIFY(hands::type("-2"));
+        QVERIFY(hands::key("minus") && hands::type("2"));
         QVERIFY(hands::key("Return"));
         SOON(left().tree(menu).find("Общая схема КС-2") >= 0);
         take("beside-editors");
