@@ -67,9 +67,9 @@ private slots:
         app::ProcessLimits limits;
         limits.answerMs = 5000;
         const Heartbeat heartbeat;
-        auto window = std::make_unique<app::FormWindow>(qEnvironmentVariable("ORVO_PROGRAM_DIR") +
-                                                            "/orvo-form-view",
-                                                        "a", files, limits, nullptr);
+        auto window = std::make_unique<app::FormWindow>(
+            qEnvironmentVariable("ORVO_PROGRAM_DIR") + "/orvo-form-view", "a", files,
+            app::FormWindow::Look{}, limits, nullptr);
         window->show();
         FormView* view = currentView(*window);
         QTRY_VERIFY_WITH_TIMEOUT(view->state() != FormView::State::Waiting, timeoutMs);
