@@ -250,13 +250,17 @@ void TestAdminBasics::aTerminalGetsNoControlCharacters() {
     // Of both blocks: the second is as good as an escape character to a terminal.
     admin.sql("insert into MenuFolder values ('k', null, 'a' || char(155) || '31mb' || char(27) "
               "|| 'c' || char(133) || char(127) || 'd' || char(160), '1000', 1)");
-    const AdminResult result = admin.run({"history"});
-    QCOMPARE(result.code, 0);
-    QVERIFY(result.out.contains("31mb"));
-    QVERIFY(result.out.contains(QChar(0xA0)));
-    for (const QChar letter : result.out)
-        QVERIFY2(letter == '\n' || letter.category() != QChar::Other_Control,
-                 qPrintable(QString::number(letter.unicode(), 16)));
+    admin.sql("insert into MenuFileExt values ('e', 'a' || char(155) || '31mb' || char(27) || 'c' "
+              "|| char(160))");
+    const AdminResult history = admin.run({"history"}), extensions = admin.run({"ext", "list"});
+    for (const AdminResult& result : {history, extensions}) {
+        QCOMPARE(result.code, 0);
+        QVERIFY2(result.out.contains("31mb"), qPrintable(result.out + result.err));
+        for (const QChar letter : result.out)
+            QVERIFY2(letter == '\n' || letter.category() != QChar::Other_Control,
+                     qPrintable(QString::number(letter.unicode(), 16)));
+    }
+    QVERIFY(extensions.out.contains(QChar(0xA0))); // a letter beside them, and none of them
 }
 
 QTEST_GUILESS_MAIN(TestAdminBasics)

@@ -179,7 +179,8 @@ void TestLimits::ownerIsToldWhoHoldsATable() {
     if (what == "triggers")
         QVERIFY(byHand("DROP TRIGGER \"log\" ON \"Menu\";"));
     if (what == "update")
-        QVERIFY(byHand("UPDATE \"NciStore\" SET \"version\" = \"version\" - 1;"));
+        QVERIFY(byHand("UPDATE \"NciStore\" SET \"version\" = \"version\" - 1;"
+                       "DROP TABLE \"NciVersion\" CASCADE; DROP TABLE \"NciVersionData\";"));
     auto other = session(noLimits);
     QVERIFY(postgres::succeeded(other.execute("BEGIN").get()));
     QVERIFY(postgres::succeeded(other.execute(hold.toStdString()).get()));
