@@ -63,10 +63,11 @@ store::Status returnVersion(store::MaintainedStore& store, int64_t id) {
         const std::string_view name = table.fields[static_cast<size_t>(i)].name;
         if (name == field::size)
             write.values.emplace_back(i, static_cast<int64_t>(version.size));
-        else if (name == field::time)
-            write.values.emplace_back(i, version.fileTime ? store::Value(*version.fileTime)
-                                                          : store::Value());
-        else if (!contents.empty())
+        else if (name == field::time) {
+            write.values.emplace_back().first = i;
+            if (version.fileTime)
+                write.values.back().second = *version.fileTime;
+        } else if (!contents.empty())
             continue;
         else if (name == field::MenuResourceKey)
             write.values.emplace_back(i, version.resource);
