@@ -104,7 +104,8 @@ void TestAdminStores::aUserWhoIsRemovedLeavesNoLock() {
     QCOMPARE(run({"check"}).code, 0);
     // Clients follow both.
     const QString history = run({"history", "--limit", "2"}).out;
-    QVERIFY2(history.contains("удалено  Users") && history.contains("изменено  MenuResource"),
+    QVERIFY2(history.contains("Удалён пользователь «anna_t»") &&
+                 history.contains("Освобождена форма «a.ui»"),
              qPrintable(history));
 }
 
