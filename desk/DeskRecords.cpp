@@ -174,7 +174,7 @@ QString DeskRecords::refusal(const QString& resourceKey) {
     if (request.kind == Kind::File)
         request.path = pathOf(resourceKey);
     const QString why = m_check(request);
-    const QString note = why.isEmpty() ? why : QStringLiteral("Не откроется: %1.").arg(why);
+    QString note = why.isEmpty() ? why : QStringLiteral("Не откроется: %1.").arg(why);
     m_resources[resourceKey.toCaseFolded()].refusal = note;
     return note;
 }

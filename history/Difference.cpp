@@ -155,7 +155,7 @@ store::Status Installation::record(const store::TableDef& table,
 
 store::Status Installation::content(const std::vector<store::Value>& values,
                                     const std::string& place) {
-    const store::Status status = record(store::contentTable(), values, place);
+    store::Status status = record(store::contentTable(), values, place);
     if (status.ok())
         m_open = store::foldedKey(store::textOf(values.front()));
     return status;

@@ -210,6 +210,7 @@ bool alike(const Read& a, const Read& b, RecordSource& source) {
 
 std::vector<const Read*> pointersTo(const std::vector<Read>& reads) {
     std::vector<const Read*> pointers;
+    pointers.reserve(reads.size());
     for (const Read& read : reads)
         pointers.push_back(&read);
     return pointers;

@@ -99,7 +99,7 @@ store::Status Planning::collect() {
         query.group = group;
         query.oldestFirst = true;
         std::vector<store::Change> changes;
-        const store::Status status = m_store.history(query, INT_MAX, &changes);
+        store::Status status = m_store.history(query, INT_MAX, &changes);
         if (!status.ok())
             return status;
         if (changes.empty())
@@ -119,7 +119,7 @@ store::Status Planning::collect() {
         m_changes.clear();
         for (const auto& [table, all] : keys) {
             std::vector<store::Change> changes;
-            const store::Status status =
+            store::Status status =
                 m_store.changesSince(*table, all, m_standing.begin() - 1, &changes);
             if (!status.ok())
                 return status;
@@ -209,7 +209,7 @@ store::Status Planning::decide() {
         for (const auto& [key, record] : records)
             keys.push_back(key);
         std::map<std::string, std::vector<store::Value>> stored;
-        const store::Status status = m_store.storedValues(*table, keys, &stored);
+        store::Status status = m_store.storedValues(*table, keys, &stored);
         if (!status.ok())
             return status;
         for (auto& [key, record] : records) {
@@ -251,7 +251,7 @@ store::Status Planning::decide() {
 store::Status Planning::wasDeleted(const store::TableDef& table, const std::string& key,
                                    bool* deleted) {
     std::vector<store::Change> changes;
-    const store::Status status = m_store.changesSince(table, {key}, 0, &changes);
+    store::Status status = m_store.changesSince(table, {key}, 0, &changes);
     *deleted = std::any_of(changes.begin(), changes.end(), [](const store::Change& change) {
         return change.code == OrvoEventDelete;
     });
@@ -271,7 +271,7 @@ store::Status Planning::placeRestored() {
                         if (value == record.values.end() ||
                             !store::isKey(store::textOf(value->second)))
                             continue;
-                        const store::Status status =
+                        store::Status status =
                             body(*table, record, field, *store::findTable(parent.table),
                                  store::foldedKey(store::textOf(value->second)));
                         if (!status.ok())
@@ -279,7 +279,7 @@ store::Status Planning::placeRestored() {
                     }
         return {};
     };
-    const store::Status listed =
+    store::Status listed =
         each([&](const store::TableDef&, Record&, int, const store::TableDef& above,
                  const std::string& key) -> store::Status {
             wanted[&above].insert(key);
@@ -288,7 +288,7 @@ store::Status Planning::placeRestored() {
     if (!listed.ok())
         return listed;
     for (const auto& [above, keys] : wanted) {
-        const store::Status status =
+        store::Status status =
             m_store.storedValues(*above, {keys.begin(), keys.end()}, &stored[above]);
         if (!status.ok())
             return status;
@@ -296,9 +296,9 @@ store::Status Planning::placeRestored() {
     std::map<std::string, bool> deleted; // missing parents
     for (bool again = true; again;) {
         again = false;
-        const store::Status status = each([&](const store::TableDef& table, Record& record,
-                                              int field, const store::TableDef& above,
-                                              const std::string& key) -> store::Status {
+        store::Status status = each([&](const store::TableDef& table, Record& record, int field,
+                                        const store::TableDef& above,
+                                        const std::string& key) -> store::Status {
             const auto planned = m_records.find(&above);
             const Record* parent = nullptr;
             if (planned != m_records.end())
@@ -315,7 +315,7 @@ store::Status Planning::placeRestored() {
             }
             auto [known, fresh] = deleted.try_emplace(std::string(above.name) + '/' + key, true);
             if (fresh)
-                if (const store::Status asked = wasDeleted(above, key, &known->second); !asked.ok())
+                if (store::Status asked = wasDeleted(above, key, &known->second); !asked.ok())
                     return asked;
             if (!known->second)
                 return {}; // it has been an orphan before
@@ -348,7 +348,7 @@ store::Status Planning::deleteBelow(const store::TableDef& table, const std::str
     record.present = true;
     record.flag = MDX_DELETE;
     std::map<std::string, std::vector<store::Value>> stored;
-    const store::Status status = m_store.storedValues(table, {key}, &stored);
+    store::Status status = m_store.storedValues(table, {key}, &stored);
     for (const auto& [folded, row] : stored)
         for (size_t i = 0; i < row.size(); ++i)
             record.now[static_cast<int>(i)] = row[i];
@@ -368,6 +368,7 @@ store::Status Planning::findUploadsInto(Records& resources) {
     std::vector<store::Change> changes;
     store::Status status = m_store.history(query, INT_MAX, &changes);
     std::vector<std::string> keys;
+    keys.reserve(changes.size());
     for (const store::Change& change : changes)
         keys.push_back(change.key);
     std::map<std::string, std::vector<store::Value>> stored;
@@ -397,7 +398,7 @@ store::Status Planning::findUploadsInto(Records& resources) {
 store::Status Planning::keepWhatIsBuiltOn() {
     if (m_alone)
         return {}; // nobody has done anything since
-    const store::Status uploads = findUploadsInto(m_records[store::findTable(table::MenuResource)]);
+    store::Status uploads = findUploadsInto(m_records[store::findTable(table::MenuResource)]);
     if (!uploads.ok())
         return uploads;
     std::set<const Record*> kept;
@@ -469,8 +470,8 @@ bool Planning::hasResource(Record& content) {
         return found->second.flag == MDX_INSERT ||
                (found->second.present && found->second.flag != MDX_DELETE);
     std::map<std::string, std::vector<store::Value>> stored;
-    const store::Status status = m_store.storedValues(*store::findTable(table::MenuResource),
-                                                      {store::textOf(owner->second)}, &stored);
+    store::Status status = m_store.storedValues(*store::findTable(table::MenuResource),
+                                                {store::textOf(owner->second)}, &stored);
     return status.ok() && !stored.empty();
 }
 
@@ -512,7 +513,7 @@ store::Status Planning::decideContents() {
     for (const auto& [key, record] : records)
         query.contents->push_back(key);
     std::vector<store::KeptVersion> versions; // the newest first: of an event the first one stays
-    const store::Status listed = m_store.versions(query, &versions);
+    store::Status listed = m_store.versions(query, &versions);
     if (!listed.ok())
         return listed;
     std::map<int64_t, store::KeptVersion> kept;
@@ -545,7 +546,7 @@ store::Status Planning::decideContents() {
         bool whole = known;
         if (known) {
             std::string bytes;
-            const store::Status read = m_store.versionBytes(version->id, &bytes);
+            store::Status read = m_store.versionBytes(version->id, &bytes);
             if (!read.ok() && read.code != store::Failed && read.code != store::UnknownName)
                 return read;
             whole = read.ok();

@@ -48,7 +48,7 @@ store::Status readGroup(store::MaintainedStore& store, int64_t id, Group* group,
     query.oldestFirst = true;
     group->changes.clear();
     const int limit = most < 0 ? INT_MAX : most + 1;
-    const store::Status status = store.history(query, limit, &group->changes);
+    store::Status status = store.history(query, limit, &group->changes);
     if (!status.ok() || group->changes.empty())
         return status;
     group->whole = group->changes.size() < static_cast<size_t>(limit);
@@ -80,7 +80,7 @@ store::Status Reader::begin() {
     std::vector<std::pair<const store::TableDef*, std::string>> open = {
         {m_filter.branch->table, m_filter.branch->key}};
     std::map<std::string, std::vector<store::Value>> top;
-    const store::Status found =
+    store::Status found =
         m_store.storedValues(*m_filter.branch->table, {m_filter.branch->key}, &top);
     if (!found.ok())
         return found;
@@ -96,7 +96,7 @@ store::Status Reader::begin() {
                 if (std::string_view(parent.table) != table->name)
                     continue;
                 CMDArray rows;
-                const store::Status status =
+                store::Status status =
                     fetchNaming(m_store, below, below.find(parent.field), key, rows.array);
                 if (!status.ok())
                     return status;
@@ -174,17 +174,17 @@ store::Status Reader::read(const std::function<bool()>& wantsMore,
 
 store::Status Reader::next(size_t most, std::vector<Group>* groups) {
     std::vector<Group> found;
-    const store::Status status = read([&] { return found.size() < most; },
-                                      [&](const store::Change& change) -> store::Status {
-                                          if (!m_given.insert(change.group).second)
-                                              return {};
-                                          Group group;
-                                          const store::Status done = readGroup(
-                                              m_store, change.group, &group, Group::mostChanges);
-                                          if (done.ok() && !group.changes.empty())
-                                              found.push_back(std::move(group));
-                                          return done;
-                                      });
+    store::Status status =
+        read([&] { return found.size() < most; },
+             [&](const store::Change& change) -> store::Status {
+                 if (!m_given.insert(change.group).second)
+                     return {};
+                 Group group;
+                 store::Status done = readGroup(m_store, change.group, &group, Group::mostChanges);
+                 if (done.ok() && !group.changes.empty())
+                     found.push_back(std::move(group));
+                 return done;
+             });
     if (status.ok())
         std::move(found.begin(), found.end(), std::back_inserter(*groups));
     return status;
@@ -192,11 +192,11 @@ store::Status Reader::next(size_t most, std::vector<Group>* groups) {
 
 store::Status Reader::nextChanges(size_t most, std::vector<store::Change>* changes) {
     std::vector<store::Change> found;
-    const store::Status status = read([&] { return found.size() < most; },
-                                      [&](store::Change& change) -> store::Status {
-                                          found.push_back(std::move(change));
-                                          return {};
-                                      });
+    store::Status status = read([&] { return found.size() < most; },
+                                [&](store::Change& change) -> store::Status {
+                                    found.push_back(std::move(change));
+                                    return {};
+                                });
     if (status.ok())
         std::move(found.begin(), found.end(), std::back_inserter(*changes));
     return status;

@@ -14,7 +14,7 @@ store::Status Standing::read(store::MaintainedStore& store, const std::vector<in
         query.undoing = true;
         query.above = m_begin - 1;
         std::vector<store::Change> changes;
-        const store::Status status = store.history(query, INT_MAX, &changes);
+        store::Status status = store.history(query, INT_MAX, &changes);
         if (!status.ok())
             return status;
         for (const store::Change& change : changes) {

@@ -52,7 +52,7 @@ store::Status Walk::head(int64_t group, const Head** head) {
     if (!fresh)
         return {};
     Group read;
-    const store::Status status = readGroup(m_store, group, &read, 1);
+    store::Status status = readGroup(m_store, group, &read, 1);
     if (status.ok() && !read.changes.empty())
         found->second = {true, read.login, read.client, read.undoes};
     return status;
@@ -115,7 +115,7 @@ store::Status Walk::words(int64_t group, QString* words) {
     if (group == 0)
         return {};
     Group read;
-    const store::Status status = readGroup(m_store, group, &read, Group::mostChanges);
+    store::Status status = readGroup(m_store, group, &read, Group::mostChanges);
     if (!status.ok())
         return status;
     LoggedRecords source(m_store);

@@ -8,7 +8,6 @@
 #include <QToolButton>
 
 using orvo::menu::DesckColumn;
-using orvo::menu::MenuColumn;
 
 void OrvoMenu::showPreview() {
     const QModelIndex desk = m_desckModel ? desckRow(m_currentDesckKey) : QModelIndex();

@@ -122,7 +122,7 @@ int runFunctionHost() {
 
     ModuleLibraries libraries;
     QStringList further;
-    for (const QJsonValue& one : order[QLatin1String("modules")].toArray())
+    for (const QJsonValue one : order[QLatin1String("modules")].toArray())
         further << one.toString();
     libraries.load(installation::moduleDirectory(), further);
 

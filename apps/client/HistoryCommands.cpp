@@ -117,7 +117,7 @@ void HistoryCommands::showRecord(const QString& table, const QString& key, const
          wanted = key.toStdString()](store::MaintainedStore& store) {
             const store::TableDef* def = history::tableOf(name);
             std::map<std::string, std::vector<store::Value>> rows;
-            const store::Status status =
+            store::Status status =
                 def ? store.storedValues(*def, {wanted}, &rows) : store::Status();
             found->stored = !rows.empty();
             const int field = def ? def->find(orvo::field::FolderKey) : -1;

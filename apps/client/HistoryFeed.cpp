@@ -105,7 +105,7 @@ std::vector<HistoryAction::Detail> detailsOf(const history::Group& group,
 store::Status readNames(store::MaintainedStore& store,
                         std::unordered_map<std::string, QString>* names) {
     CMDArray rows;
-    const store::Status status = store.fetch(table::Users, rows.array);
+    store::Status status = store.fetch(table::Users, rows.array);
     const store::TableDef* table = store::findTable(table::Users);
     for (uint32_t i = 0; status.ok() && i < mdx::postedCount(rows.array); ++i) {
         const history::Values values = history::valuesIn(rows.array, i);
@@ -375,7 +375,7 @@ void HistoryFeed::details(int64_t group) {
         this,
         [details, group](store::MaintainedStore& store) {
             history::Group read;
-            const store::Status status = history::readGroup(store, group, &read, mostDetails);
+            store::Status status = history::readGroup(store, group, &read, mostDetails);
             history::LoggedRecords source(store);
             source.prepare(read.changes);
             if (status.ok())

@@ -55,7 +55,7 @@ store::Status collectBackTo(store::MaintainedStore& store, const history::Filter
     history::Reader reader(store, scope);
     std::vector<history::Group> found;
     while (!reader.atEnd() && (found.empty() || found.back().changes.back().id >= group)) {
-        const store::Status status = reader.next(50, &found);
+        store::Status status = reader.next(50, &found);
         if (!status.ok())
             return status;
         if (found.size() > mostGroups)
@@ -69,7 +69,7 @@ store::Status collectBackTo(store::MaintainedStore& store, const history::Filter
     if (all.empty())
         return {};
     history::Standing standing;
-    const store::Status status = standing.read(store, {*all.begin()});
+    store::Status status = standing.read(store, {*all.begin()});
     for (const history::Group& one : found) {
         const bool onlySuch = !one.undoes.empty() &&
                               std::all_of(one.undoes.begin(), one.undoes.end(),

@@ -250,7 +250,7 @@ bool MirrorWorker::hasPlace(const std::string& folder, const std::string& name) 
 store::Status MirrorWorker::resolve(MirrorChanges* changes) {
     for (const std::string& key : changes->folders()) {
         CMDArray folders;
-        const store::Status status =
+        store::Status status =
             m_store->fetchLinked(table::MenuResourceFolder, field::KeyLink, key, folders.array);
         if (!status.ok())
             return status;
@@ -269,7 +269,7 @@ store::Status MirrorWorker::resolve(MirrorChanges* changes) {
 store::Status MirrorWorker::learnFormerPlaces(MirrorChanges* changes) {
     constexpr int mostLater = 1000;
     std::vector<store::Change> later;
-    const store::Status status = m_store->readLog(changes->newest(), mostLater, &later);
+    store::Status status = m_store->readLog(changes->newest(), mostLater, &later);
     if (status.code == store::LogPruned || status.code == store::LogReplaced ||
         later.size() == mostLater) {
         changes->compareWhole();
@@ -289,7 +289,7 @@ store::Status MirrorWorker::look(MirrorChanges* changes, std::vector<Wanted>* qu
     std::map<std::string, Resource> resources;
     for (const auto& entry : changes->resources()) {
         CMDArray records;
-        const store::Status status =
+        store::Status status =
             m_store->fetchLinked(table::MenuResource, field::KeyLink, entry.first, records.array);
         if (!status.ok())
             return status;
@@ -322,7 +322,7 @@ store::Status MirrorWorker::look(MirrorChanges* changes, std::vector<Wanted>* qu
 store::Status MirrorWorker::lookAt(const std::string& folder, const std::string& name, bool copy,
                                    std::vector<Wanted>* queue, bool* changed) {
     std::vector<store::StoredFile> files;
-    const store::Status status = m_store->fileGet(folder, name, false, &files);
+    store::Status status = m_store->fileGet(folder, name, false, &files);
     if (!status.ok())
         return status;
     bool isThere = false;

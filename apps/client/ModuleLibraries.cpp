@@ -41,7 +41,7 @@ QString whyUnsafeDirectory(const QString& directory) {
     if (path.isEmpty())
         return QStringLiteral("%1 нет").arg(directory);
     for (;;) {
-        const QString why = whyUnsafe(path);
+        QString why = whyUnsafe(path);
         if (!why.isEmpty() || path == QLatin1String("/"))
             return why;
         path = QFileInfo(path).path();
