@@ -36,12 +36,12 @@ struct Clients : Host {
         Options options;
         options.store = QString::fromStdString(url);
         options.login = "engineer";
-        options.workDir = dir.path() + "/work/";
+        options.workDir = dir.filePath("copies") + QDir::separator();
         return options;
     }
     QStringList arguments(const QStringList& more) const {
         return QStringList{"--store",       options().store, "--login",
-                           options().login, "--work-dir",    dir.path() + "/work"} +
+                           options().login, "--work-dir",    dir.filePath("copies")} +
                more;
     }
     void start(QProcess& process, const QStringList& more) const {

@@ -1,6 +1,7 @@
 // The command line and its defaults.
 #include "apps/client/Options.h"
 
+#include <QDir>
 #include <QtTest>
 
 using namespace orvo::app;
@@ -22,7 +23,7 @@ private slots:
         QString error;
         QVERIFY(parse({}, &options, &error));
         QCOMPARE(options.store, QString("/data/orvo/orvo.db"));
-        QCOMPARE(options.workDir, QString("/data/orvo/work/"));
+        QCOMPARE(options.workDir, QDir("/data/orvo").filePath("work") + QDir::separator());
         QCOMPARE(options.login, QString("ivanov"));
         QCOMPARE(options.modules, QStringList({"Menu", "Resources"}));
         QVERIFY(options.screenshot.isEmpty());
