@@ -8,13 +8,6 @@
 
 namespace orvo::store::sqlite {
 
-namespace {
-
-/// So much of a stored file is in memory at once.
-constexpr int pieceSize = 1 << 20;
-
-} // namespace
-
 Status SqliteStore::measure(Amount* amount) {
     std::string records;
     for (const TableDef& table : tables())
@@ -71,11 +64,15 @@ Status SqliteStore::openContent(const std::string& key, bool write, Blob* blob) 
 
 Status SqliteStore::contentPieces(const std::string& key, const EachPiece& each) {
     Blob blob;
-    Status status = openContent(key, false, &blob);
-    if (!status.ok())
-        return status;
+    const Status status = openContent(key, false, &blob);
+    return status.ok() ? blobPieces(blob, each) : status;
+}
+
+Status SqliteStore::blobPieces(const Blob& blob, const EachPiece& each) {
+    constexpr int pieceSize = 1 << 20; // so much of a stored file is in memory at once
     const int size = sqlite3_blob_bytes(blob.get());
     std::string piece;
+    Status status;
     for (int at = 0; status.ok() && at < size; at += pieceSize) {
         piece.resize(static_cast<size_t>(std::min(pieceSize, size - at)));
         if (sqlite3_blob_read(blob.get(), piece.data(), static_cast<int>(piece.size()), at) !=

@@ -136,6 +136,8 @@ private:
     /// The same of what is kept.
     Status checkVersions(std::vector<std::string>* damages);
     Status openContent(const std::string& key, bool write, Blob* blob);
+    /// Hands over what is stored there, a piece of at most 1 MiB at a time.
+    Status blobPieces(const Blob& blob, const EachPiece& each);
     Status readChanges(Statement& statement, std::vector<Change>* changes);
     Status fetchRows(const TableDef& table, Statement& statement, MDArray* into);
     Status rows(Statement& statement, size_t columns, const EachRow& each);

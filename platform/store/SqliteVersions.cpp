@@ -3,15 +3,7 @@
 #include "platform/store/Sql.h"
 #include "platform/store/SqliteStore.h"
 
-#include <algorithm>
-
 namespace orvo::store::sqlite {
-
-namespace {
-
-constexpr int pieceSize = 1 << 20;
-
-} // namespace
 
 Status SqliteStore::selectVersions(const VersionQuery& query, std::vector<KeptVersion>* versions) {
     // Not kept prepared: its text has the keys.
@@ -46,17 +38,7 @@ Status SqliteStore::versionPieces(int64_t id, const EachPiece& each) {
     const Blob blob(raw);
     if (opened != SQLITE_OK)
         return m_connection.failure(contentName);
-    const int size = sqlite3_blob_bytes(blob.get());
-    std::string piece;
-    Status status;
-    for (int at = 0; status.ok() && at < size; at += pieceSize) {
-        piece.resize(static_cast<size_t>(std::min(pieceSize, size - at)));
-        if (sqlite3_blob_read(blob.get(), piece.data(), static_cast<int>(piece.size()), at) !=
-            SQLITE_OK)
-            return m_connection.failure(contentName);
-        status = each(piece);
-    }
-    return status;
+    return blobPieces(blob, each);
 }
 
 Status SqliteStore::applyVersion(const Write& write, const KeptVersion& version) {
