@@ -89,7 +89,7 @@ Noun nounOf(const store::TableDef& table, const Values& values) {
     if (is(table::MenuFileExt))
         return noun("расширение файлов", "расширения файлов", "расширений файлов", Noun::Neuter);
     if (is(table::MenuResourceFile))
-        return noun("содержимое файла", "содержимых файлов", "содержимых файлов", Noun::Neuter);
+        return noun("содержимое файла", "файла с содержимым", "файлов с содержимым", Noun::Neuter);
     switch (integerOf(table, values, field::type_)) {
     case Kind::Module:
         return noun("модуль", "модуля", "модулей", Noun::Masculine);
