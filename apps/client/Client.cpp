@@ -208,15 +208,15 @@ void Client::tellReadOnly() {
 void Client::openForOperators() {
     store::Store& store = client::sessionStore(*m_session);
     m_launcher = std::make_unique<Launcher>(
-        Launcher::Ground{store,
-                         m_libraries,
-                         m_app,
-                         m_modules,
-                         *m_window,
-                         *m_guard,
-                         {QCoreApplication::applicationFilePath(), m_options.store, m_options.login,
-                          m_options.workDir, m_options.moduleDirs},
-                         installation::formViewProgram()});
+        Launcher::Context{store,
+                          m_libraries,
+                          m_app,
+                          m_modules,
+                          *m_window,
+                          *m_guard,
+                          {QCoreApplication::applicationFilePath(), m_options.store,
+                           m_options.login, m_options.workDir, m_options.moduleDirs},
+                          installation::formViewProgram()});
     connect(&m_app, &HostApp::launchRequested, m_launcher.get(), &Launcher::launch);
     connect(&m_app, &HostApp::launchChecked, m_launcher.get(), &Launcher::check);
     connect(&m_app, &HostApp::logRequested, this,
@@ -234,7 +234,7 @@ void Client::openForOperators() {
     connect(m_launcher.get(), &Launcher::logged, &m_app, &HostApp::logged);
     connect(m_pump.get(), &client::NotificationPump::changed, m_launcher.get(), &Launcher::changed);
     m_workplace = std::make_unique<Workplace>(
-        Workplace::Ground{store, m_libraries, m_app, m_modules, *m_window, m_memory.get()});
+        Workplace::Context{store, m_libraries, m_app, m_modules, *m_window, m_memory.get()});
     connect(m_workplace.get(), &Workplace::problem, this, &Client::fail);
     connect(&m_app, &HostApp::previewRequested, m_workplace.get(), &Workplace::openPreview);
     connect(&m_app, &HostApp::previewEdited, m_workplace.get(), &Workplace::followPreview);

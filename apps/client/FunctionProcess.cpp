@@ -40,17 +40,17 @@ FunctionProcess::~FunctionProcess() {
     }
 }
 
-void FunctionProcess::run(const FunctionGround& ground, const QString& name, const QString& params,
-                          bool isConnected) {
+void FunctionProcess::run(const FunctionContext& context, const QString& name,
+                          const QString& params, bool isConnected) {
     m_name = name;
-    start(ground.program, {QString::fromLatin1(functionHostMode)});
+    start(context.program, {QString::fromLatin1(functionHostMode)});
     if (m_hasEnded)
         return;
     // By the pipe, not by the command line: the address may hold a password.
-    const QJsonObject order{{"store", ground.store},
-                            {"login", ground.login},
-                            {"workDir", ground.workDir},
-                            {"modules", QJsonArray::fromStringList(ground.moduleDirs)},
+    const QJsonObject order{{"store", context.store},
+                            {"login", context.login},
+                            {"workDir", context.workDir},
+                            {"modules", QJsonArray::fromStringList(context.moduleDirs)},
                             {"name", name},
                             {"parameters", params},
                             {"isConnected", isConnected}};

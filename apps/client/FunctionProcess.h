@@ -14,7 +14,7 @@
 namespace orvo::app {
 
 /// What a function's process stands on.
-struct FunctionGround {
+struct FunctionContext {
     QString program; ///< of the client
     QString store;   ///< as the client's options name it
     QString login;
@@ -38,7 +38,7 @@ public:
 
     /// Called once. `isConnected`: whether the store is worth asking; else the function gets no
     /// session.
-    void run(const FunctionGround& ground, const QString& name, const QString& params,
+    void run(const FunctionContext& context, const QString& name, const QString& params,
              bool isConnected);
     /// The windows of the function come forward.
     void raiseWindows();

@@ -45,14 +45,14 @@ bool isSame(const QString& a, const std::string& b) {
 
 } // namespace
 
-Launcher::Launcher(Ground ground, QObject* parent)
+Launcher::Launcher(Context context, QObject* parent)
     : QObject(parent)
-    , m_ground(std::move(ground))
+    , m_context(std::move(context))
     , m_forms(keptForms) {
     m_compare.setSingleShot(true);
     m_compare.setInterval(gatherMs);
     connect(&m_compare, &QTimer::timeout, this, &Launcher::compareContents);
-    connect(&m_ground.window, &MainWindow::pageCloseRequested, this, &Launcher::closePage);
+    connect(&m_context.window, &MainWindow::pageCloseRequested, this, &Launcher::closePage);
 }
 
 Launcher::~Launcher() = default;
@@ -86,19 +86,19 @@ void Launcher::check(LaunchRequest* request) {
     store::Status status;
     switch (request->kind) {
     case Kind::Module:
-        if (!m_ground.libraries.knows(&m_ground.app, request->name))
+        if (!m_context.libraries.knows(&m_context.app, request->name))
             request->refusal = QStringLiteral("модуля «%1» здесь нет").arg(oneLine(request->name));
         return;
     case Kind::Function: // which ones a library has, only a call would tell
-        if (!m_ground.libraries.hasFunctions())
+        if (!m_context.libraries.hasFunctions())
             request->refusal = QStringLiteral("функции «%1» здесь нет").arg(oneLine(request->name));
         return;
     case Kind::Form:
-        status = m_ground.store.formGet(request->name.toStdString(), false, &files);
+        status = m_context.store.formGet(request->name.toStdString(), false, &files);
         break;
     case Kind::File:
-        status = m_ground.store.fileGet(request->path.toStdString(), request->name.toStdString(),
-                                        false, &files);
+        status = m_context.store.fileGet(request->path.toStdString(), request->name.toStdString(),
+                                         false, &files);
         break;
     default:
         return;
@@ -111,11 +111,11 @@ void Launcher::check(LaunchRequest* request) {
 // Modules and functions
 
 QString Launcher::openModule(const LaunchRequest& request) {
-    const QPointer<COrvoCliMod> module = m_ground.libraries.create(&m_ground.app, request.name);
+    const QPointer<COrvoCliMod> module = m_context.libraries.create(&m_context.app, request.name);
     if (!module)
         return QStringLiteral("модуля «%1» здесь нет: его не знает ни одна библиотека модулей")
             .arg(oneLine(request.name));
-    m_ground.modules.add(module, request.name);
+    m_context.modules.add(module, request.name);
     QString why;
     try {
         const LaunchParameters parameters = parseParameters(request.params);
@@ -123,9 +123,9 @@ QString Launcher::openModule(const LaunchRequest& request) {
             module->SetParamMod(name, value);
         if (!parameters.command.isEmpty())
             module->SetParamCommand(parameters.command);
-        module->setFollowsOthers(m_ground.window.followsOthers());
-        m_ground.window.addPage(module, request.caption);
-        if (!m_ground.modules.start(module))
+        module->setFollowsOthers(m_context.window.followsOthers());
+        m_context.window.addPage(module, request.caption);
+        if (!m_context.modules.start(module))
             why = QStringLiteral("модуль «%1» не запущен; причина в журнале")
                       .arg(oneLine(request.name));
     } catch (const std::exception& failure) {
@@ -133,17 +133,17 @@ QString Launcher::openModule(const LaunchRequest& request) {
                   .arg(oneLine(request.name), QString::fromLocal8Bit(failure.what()));
     }
     if (!why.isEmpty()) {
-        m_ground.modules.stop(module);
+        m_context.modules.stop(module);
         return why;
     }
     connect(module, &QObject::destroyed, this, [this](QObject* gone) { forget(gone); });
     m_open.push_back({request, module.data(), nullptr, {}});
-    m_ground.window.showPage(module);
+    m_context.window.showPage(module);
     return {};
 }
 
 QString Launcher::openFunction(const LaunchRequest& request) {
-    if (!m_ground.libraries.hasFunctions())
+    if (!m_context.libraries.hasFunctions())
         return QStringLiteral("функции «%1» здесь нет: ни у одной библиотеки модулей нет функций")
             .arg(oneLine(request.name));
     auto process = std::make_unique<FunctionProcess>();
@@ -156,7 +156,7 @@ QString Launcher::openFunction(const LaunchRequest& request) {
                 forget(&started);
             });
     m_open.push_back({request, nullptr, std::move(process), {}});
-    started.run(m_ground.functions, request.name, request.params, m_isConnected);
+    started.run(m_context.functions, request.name, request.params, m_isConnected);
     return {};
 }
 
@@ -166,7 +166,7 @@ QString Launcher::openFunction(const LaunchRequest& request) {
 store::Status Launcher::readForm(const QString& name, Files* files) {
     store::Status status{store::ConnectionBroken, "Нет связи с хранилищем."};
     if (m_isConnected)
-        status = m_ground.store.formGet(name.toStdString(), true, files);
+        status = m_context.store.formGet(name.toStdString(), true, files);
     const QString key = name.toCaseFolded();
     if (status.ok() && !files->empty()) {
         size_t bytes = 0;
@@ -185,8 +185,8 @@ store::Status Launcher::readForm(const QString& name, Files* files) {
 store::Status Launcher::readFile(const LaunchRequest& request, Files* files) {
     store::Status status{store::ConnectionBroken, "Нет связи с хранилищем."};
     if (m_isConnected)
-        status = m_ground.store.fileGet(request.path.toStdString(), request.name.toStdString(),
-                                        true, files);
+        status = m_context.store.fileGet(request.path.toStdString(), request.name.toStdString(),
+                                         true, files);
     if (isAway(status)) {
         *files = mirrored(request);
         if (!files->empty())
@@ -197,7 +197,7 @@ store::Status Launcher::readFile(const LaunchRequest& request, Files* files) {
 
 /// The copy in the work directory.
 Launcher::Files Launcher::mirrored(const LaunchRequest& request) const {
-    const QString root = QDir(m_ground.app.m_workDir + QLatin1String(mirrorPath)).canonicalPath();
+    const QString root = QDir(m_context.app.m_workDir + QLatin1String(mirrorPath)).canonicalPath();
     const QFileInfo info(root + QLatin1Char('/') + request.path + QLatin1Char('/') + request.name);
     // A caption may be anything, "..", too.
     if (root.isEmpty() || !info.isFile() ||
@@ -240,8 +240,8 @@ QString Launcher::openFile(const LaunchRequest& request) {
 
 void Launcher::showFiles(const LaunchRequest& request, const Files& files) {
     const LaunchParameters parameters = parseParameters(request.params);
-    auto* page = new FormWindow(m_ground.viewer, request.name, files,
-                                {parameters.pairs.toVector(), true}, {}, &m_ground.window);
+    auto* page = new FormWindow(m_context.viewer, request.name, files,
+                                {parameters.pairs.toVector(), true}, {}, &m_context.window);
     connect(
         page, &FormWindow::problem, this,
         [this, caption = request.caption](const QString& text) { emit problem(caption, text); });
@@ -250,14 +250,14 @@ void Launcher::showFiles(const LaunchRequest& request, const Files& files) {
     for (store::StoredFile& file : listing)
         std::string().swap(file.bytes);
     m_open.push_back({request, page, nullptr, std::move(listing)});
-    m_ground.window.addPage(page, request.caption);
-    m_ground.window.showPage(page);
+    m_context.window.addPage(page, request.caption);
+    m_context.window.showPage(page);
 }
 
 /// What cannot be shown the user may have as a file. Nothing waits for his answer.
 void Launcher::saveFile(const store::StoredFile& file) {
     const QString name = QString::fromStdString(file.name);
-    auto* dialog = new QFileDialog(&m_ground.window, QStringLiteral("Сохранить файл"));
+    auto* dialog = new QFileDialog(&m_context.window, QStringLiteral("Сохранить файл"));
     dialog->setObjectName(QStringLiteral("saveFileDialog"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
@@ -293,7 +293,7 @@ void Launcher::bringToFront(const Opened& opened) {
     if (opened.process)
         opened.process->raiseWindows();
     else if (opened.page)
-        m_ground.window.showPage(opened.page);
+        m_context.window.showPage(opened.page);
 }
 
 void Launcher::forget(const QObject* gone) {
@@ -317,10 +317,10 @@ void Launcher::closePage(QWidget* page) {
     const QPointer<COrvoCliMod> alive(module);
     const auto go = [this, alive] {
         if (alive)
-            m_ground.modules.stop(alive);
+            m_context.modules.stop(alive);
     };
     if (module->ModEditText().isEmpty() ||
-        m_ground.guard.mayGo(&m_ground.window, QStringLiteral("Закрыть"), {go, {}}))
+        m_context.guard.mayGo(&m_context.window, QStringLiteral("Закрыть"), {go, {}}))
         go();
 }
 
@@ -369,8 +369,8 @@ void Launcher::compareContents() {
         const std::string name = request.name.toStdString();
         const store::Status status =
             request.kind == Kind::Form
-                ? m_ground.store.formGet(name, false, &now)
-                : m_ground.store.fileGet(request.path.toStdString(), name, false, &now);
+                ? m_context.store.formGet(name, false, &now)
+                : m_context.store.fileGet(request.path.toStdString(), name, false, &now);
         if (!status.ok() && status.code != store::UnknownName)
             continue;
         if (!std::equal(now.begin(), now.end(), one.listing.begin(), one.listing.end(),
@@ -386,7 +386,7 @@ void Launcher::mark(Opened& opened, const QString& why) {
     if (!opened.page)
         return;
     opened.isMarked = true;
-    m_ground.window.markPage(opened.page, why);
+    m_context.window.markPage(opened.page, why);
 }
 
 } // namespace orvo::app

@@ -42,17 +42,17 @@ class Launcher : public QObject {
     Q_OBJECT
 public:
     /// What it works with; all of it outlives the launcher.
-    struct Ground {
+    struct Context {
         store::Store& store;
         ModuleLibraries& libraries;
         COrvoCliApp& app;
         client::ModuleRegistry& modules;
         MainWindow& window;
         CloseGuard& guard;
-        FunctionGround functions;
+        FunctionContext functions;
         QString viewer; ///< the program that shows files
     };
-    explicit Launcher(Ground ground, QObject* parent = nullptr);
+    explicit Launcher(Context context, QObject* parent = nullptr);
     ~Launcher() override;
 
     /// Opens it, or brings the first of one copy to the front. `refusal`: why not, in Russian.
@@ -102,7 +102,7 @@ private:
     void compareContents();
     void mark(Opened& opened, const QString& why);
 
-    Ground m_ground;
+    Context m_context;
     bool m_isConnected = true;
     std::vector<Opened> m_open; ///< the oldest first
     std::vector<LaunchRequest> m_toReopen;

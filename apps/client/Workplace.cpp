@@ -17,37 +17,39 @@ constexpr char moduleName[] = "Desktop";
 
 } // namespace
 
-Workplace::Workplace(const Ground& ground, QObject* parent) : QObject(parent), m_ground(ground) {
-    connect(&ground.window, &MainWindow::desktopRequested, this, &Workplace::choose);
-    connect(&ground.window, &MainWindow::kioskEndRequested, this, &Workplace::askEndOfKiosk);
+Workplace::Workplace(const Context& context, QObject* parent)
+    : QObject(parent)
+    , m_context(context) {
+    connect(&context.window, &MainWindow::desktopRequested, this, &Workplace::choose);
+    connect(&context.window, &MainWindow::kioskEndRequested, this, &Workplace::askEndOfKiosk);
     // Queued: the pane is still in the middle of closing.
-    connect(&ground.window, &MainWindow::deskClosed, this, &Workplace::closed,
+    connect(&context.window, &MainWindow::deskClosed, this, &Workplace::closed,
             Qt::QueuedConnection);
 }
 
 COrvoCliMod* Workplace::makeDesk(const QString& desktop, Qt::DockWidgetArea area,
                                  const QString& name) {
     const QString module = QLatin1String(moduleName);
-    COrvoCliMod* desk = m_ground.libraries.create(&m_ground.app, module);
+    COrvoCliMod* desk = m_context.libraries.create(&m_context.app, module);
     if (!desk) {
         emit problem(module, QStringLiteral("Ни одна библиотека модулей не умеет показывать "
                                             "рабочий стол."));
         return nullptr;
     }
-    m_ground.modules.add(desk, module);
+    m_context.modules.add(desk, module);
     desk->SetParamMod(QStringLiteral("desktop"), desktop);
-    m_ground.window.addDesk(desk, area, name);
+    m_context.window.addDesk(desk, area, name);
     return desk;
 }
 
 void Workplace::open(const QString& name) {
     if (m_desk)
-        m_ground.modules.stop(m_desk);
+        m_context.modules.stop(m_desk);
     m_name = name;
     m_desk = makeDesk(name, Qt::LeftDockWidgetArea, QStringLiteral("deskDock"));
     // If it does not start it has told why.
-    if (m_desk && m_ground.modules.start(m_desk) && m_ground.memory)
-        m_ground.memory->restoreModule(QLatin1String(moduleName), *m_desk);
+    if (m_desk && m_context.modules.start(m_desk) && m_context.memory)
+        m_context.memory->restoreModule(QLatin1String(moduleName), *m_desk);
     if (m_desk)
         m_desk->setFocus();
 }
@@ -55,7 +57,7 @@ void Workplace::open(const QString& name) {
 void Workplace::openPreview(PreviewRequest* request) {
     request->refusal.clear();
     if (m_preview)
-        m_ground.modules.stop(m_preview);
+        m_context.modules.stop(m_preview);
     m_previewed = request->desktop;
     m_preview = makeDesk(m_previewed, Qt::RightDockWidgetArea, QStringLiteral("previewDock"));
     if (!m_preview) {
@@ -63,11 +65,11 @@ void Workplace::openPreview(PreviewRequest* request) {
         return;
     }
     m_preview->SetParamMod(QStringLiteral("preview"), QStringLiteral("1"));
-    m_ground.modules.start(m_preview); // why not, it has told itself
+    m_context.modules.start(m_preview); // why not, it has told itself
 }
 
 void Workplace::followPreview(const PreviewEdit& edit) {
-    if (!m_preview || m_ground.modules.state(m_preview) != client::ModuleState::Running)
+    if (!m_preview || m_context.modules.state(m_preview) != client::ModuleState::Running)
         return;
     if (!edit.desktop.isEmpty() && edit.desktop != m_previewed) {
         m_previewed = edit.desktop;
@@ -81,14 +83,14 @@ void Workplace::followPreview(const PreviewEdit& edit) {
 }
 
 void Workplace::openRemembered() {
-    const QString name = m_ground.memory ? m_ground.memory->desktop() : QString();
+    const QString name = m_context.memory ? m_context.memory->desktop() : QString();
     if (!name.isEmpty())
         open(name);
 }
 
 void Workplace::rememberDesk() const {
-    if (m_desk && m_ground.memory)
-        m_ground.memory->saveModule(QLatin1String(moduleName), *m_desk);
+    if (m_desk && m_context.memory)
+        m_context.memory->saveModule(QLatin1String(moduleName), *m_desk);
 }
 
 void Workplace::reopen() {
@@ -102,39 +104,39 @@ void Workplace::reopen() {
 
 void Workplace::choose() {
     if (!m_dialog) {
-        m_dialog = new DesktopDialog(&m_ground.window);
+        m_dialog = new DesktopDialog(&m_context.window);
         m_dialog->setAttribute(Qt::WA_DeleteOnClose);
         connect(m_dialog, &DesktopDialog::chosen, this, [this](const QString& key) {
-            if (m_ground.memory)
-                m_ground.memory->saveDesktop(key);
+            if (m_context.memory)
+                m_context.memory->saveDesktop(key);
             open(key);
         });
     }
     QString error;
-    if (m_dialog->fill(m_ground.store, m_name, &error)) {
+    if (m_dialog->fill(m_context.store, m_name, &error)) {
         m_dialog->open();
     } else {
         m_dialog->deleteLater();
-        m_ground.window.showError(error);
+        m_context.window.showError(error);
     }
 }
 
 void Workplace::closed(COrvoCliMod* desk) {
     if (desk && desk == m_desk) {
         m_name.clear();
-        if (m_ground.memory)
-            m_ground.memory->saveDesktop({});
-        m_ground.modules.stop(desk);
+        if (m_context.memory)
+            m_context.memory->saveDesktop({});
+        m_context.modules.stop(desk);
     } else if (desk && desk == m_preview) {
         m_previewed.clear();
-        m_ground.modules.stop(desk);
+        m_context.modules.stop(desk);
     }
 }
 
 void Workplace::askEndOfKiosk() {
-    if (m_ground.window.findChild<QInputDialog*>(QStringLiteral("kioskEnd")))
+    if (m_context.window.findChild<QInputDialog*>(QStringLiteral("kioskEnd")))
         return;
-    auto* question = new QInputDialog(&m_ground.window);
+    auto* question = new QInputDialog(&m_context.window);
     question->setObjectName(QStringLiteral("kioskEnd"));
     question->setAttribute(Qt::WA_DeleteOnClose);
     question->setWindowTitle(QStringLiteral("Закрыть рабочий стол"));
@@ -142,12 +144,12 @@ void Workplace::askEndOfKiosk() {
     question->setOkButtonText(QStringLiteral("Закрыть"));
     question->setCancelButtonText(QStringLiteral("Остаться"));
     connect(question, &QInputDialog::textValueSelected, this, [this](const QString& login) {
-        if (login.trimmed() != QString::fromStdString(m_ground.store.login())) {
-            m_ground.window.showError(QStringLiteral("Это имя другого пользователя."));
+        if (login.trimmed() != QString::fromStdString(m_context.store.login())) {
+            m_context.window.showError(QStringLiteral("Это имя другого пользователя."));
             return;
         }
-        m_ground.window.endKiosk();
-        m_ground.window.close();
+        m_context.window.endKiosk();
+        m_context.window.close();
     });
     question->open();
 }

@@ -32,7 +32,7 @@ class Workplace : public QObject {
     Q_OBJECT
 public:
     /// What it works with; all of it outlives this object.
-    struct Ground {
+    struct Context {
         store::Store& store;
         ModuleLibraries& libraries;
         COrvoCliApp& app;
@@ -40,7 +40,7 @@ public:
         MainWindow& window;
         const WindowMemory* memory; ///< null: nothing is remembered
     };
-    explicit Workplace(const Ground& ground, QObject* parent = nullptr);
+    explicit Workplace(const Context& context, QObject* parent = nullptr);
 
     /// Shows a desktop, named by key, path or caption, in place of the one that is shown.
     void open(const QString& name);
@@ -67,7 +67,7 @@ private:
     void closed(COrvoCliMod* desk);
     COrvoCliMod* makeDesk(const QString& desktop, Qt::DockWidgetArea area, const QString& name);
 
-    const Ground m_ground;
+    const Context m_context;
     QString m_name; ///< of the desktop, as somebody named it; empty: none is shown
     QPointer<COrvoCliMod> m_desk;
     QString m_previewed; ///< key of the desktop in the preview; empty: there is none

@@ -66,18 +66,18 @@ struct Bench : FormBench {
         app.m_workDir = dir.path() + "/client/";
         app.m_logModule = &logModule;
         launcher = std::make_unique<Launcher>(
-            Launcher::Ground{store(),
-                             libraries,
-                             app,
-                             modules,
-                             window,
-                             guard,
-                             {qEnvironmentVariable("ORVO_BIN_DIR") + "/orvo-client",
-                              QString::fromStdString(url),
-                              "engineer",
-                              app.m_workDir,
-                              {libraryDir}},
-                             program});
+            Launcher::Context{store(),
+                              libraries,
+                              app,
+                              modules,
+                              window,
+                              guard,
+                              {qEnvironmentVariable("ORVO_BIN_DIR") + "/orvo-client",
+                               QString::fromStdString(url),
+                               "engineer",
+                               app.m_workDir,
+                               {libraryDir}},
+                              program});
         QObject::connect(
             launcher.get(), &Launcher::problem,
             [this](const QString& place, const QString& text) { problems << place + ": " + text; });
