@@ -125,7 +125,8 @@ public:
                 addRow(module.m_menuModel->findIndexByKey(module.m_editMenuKey));
         }
         for (const QLineEdit* line : module.findChildren<QLineEdit*>())
-            texts << line->text();
+            if (!line->isHidden()) // a cell that was closed is deleted later
+                texts << line->text();
         return texts.join('\n');
     }
     std::function<void(const QString& texts)> dropped; ///< called before a cancel

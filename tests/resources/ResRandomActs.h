@@ -72,7 +72,8 @@ public:
         for (int column = 0; row.isValid() && column < model().columnCount(); ++column)
             texts << row.siblingAtColumn(column).data().toString();
         for (const QLineEdit* line : probe().findChildren<QLineEdit*>())
-            texts << line->text();
+            if (!line->isHidden()) // a cell that was closed is deleted later
+                texts << line->text();
         return texts.join('\n');
     }
     std::function<void(const QString& texts)> dropped; ///< called before a cancel
