@@ -179,6 +179,13 @@ public:
     /// all readers of the log find their cursors pruned. What others added besides stays.
     virtual Status remakeTriggers(std::vector<std::string>* differences) = 0;
 
+    /// What others may do though the store means to forbid it, since its owner has no right to take
+    /// that from them: a line each, with what closes it. integrity() tells of it as well.
+    virtual Status looseRights(std::vector<std::string>* lines) {
+        lines->clear();
+        return {};
+    }
+
     // Users and logins ---------------------------------------------------------------------------
 
     /// Changes what `change` has, of the user of that login (without regard to case). Refused: no

@@ -80,6 +80,35 @@ WHERE g.oid IS NULL OR g.tgenabled NOT IN ('O', 'A') OR g.tgtype <> t.type
 ORDER BY 1)";
 }
 
+std::string looseRightsQuery() {
+    return R"(SELECT format('К базе может подключиться любой вход сервера: владелец базы закроет '
+  'её командой REVOKE ALL ON DATABASE %I FROM PUBLIC', datname)
+FROM pg_database WHERE datname = current_database() AND EXISTS (SELECT 1
+  FROM aclexplode(coalesce(datacl, acldefault('d', datdba))) WHERE grantee = 0
+    AND privilege_type = 'CONNECT')
+UNION ALL
+SELECT 'В схеме хранилища любой вход может создавать таблицы и функции: её владелец закроет это '
+  'командой REVOKE CREATE ON SCHEMA public FROM PUBLIC'
+FROM pg_namespace WHERE nspname = 'public' AND EXISTS (SELECT 1
+  FROM aclexplode(coalesce(nspacl, acldefault('n', nspowner))) WHERE grantee = 0
+    AND privilege_type = 'CREATE'))";
+}
+
+Status PostgresStore::looseRights(std::vector<std::string>* lines) {
+    return guarded([&]() -> Status {
+        const Status status = ready();
+        if (!status.ok())
+            return status;
+        const Result found = m_connection.execute(looseRightsQuery());
+        if (!succeeded(found.get()))
+            return m_connection.failure("Права", found.get());
+        lines->clear();
+        for (int row = 0; row < PQntuples(found.get()); ++row)
+            lines->emplace_back(textAt(found.get(), row, 0));
+        return {};
+    });
+}
+
 Status PostgresStore::remakeTriggers(std::vector<std::string>* differences) {
     return guarded([&]() -> Status {
         const char what[] = "Триггеры и функции";

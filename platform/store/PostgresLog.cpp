@@ -150,6 +150,7 @@ Status PostgresStore::integrity(std::vector<std::string>* damages) {
             "c ON c.oid = indrelid WHERE c.relnamespace = 'public'::regnamespace AND NOT "
             "indisvalid",
             differingDefinitions(dictionary()),
+            looseRightsQuery(),
             "SELECT 'Размер содержимого ' || f.\"KeyLink\" || ' не сходится с записанным' FROM "
             "public.\"MenuResourceFile\" f WHERE f.\"size\" IS DISTINCT FROM (SELECT "
             "coalesce(sum(octet_length(\"data\")), 0) FROM public.\"MenuResourceFileData\" d WHERE "

@@ -70,6 +70,8 @@ std::string functionsAndRights(const Dictionary& dictionary);
 /// A query for what is missing, disabled or altered of functions and triggers, a line in Russian
 /// for each. What others added besides does not matter.
 std::string differingDefinitions(const Dictionary& dictionary);
+/// A query for what PUBLIC may do with the database and its schema and is not to, a line each.
+std::string looseRightsQuery();
 
 /// The expression, over "MenuResource", that gives foldedName() of the name.
 const std::string& foldedNameExpression();

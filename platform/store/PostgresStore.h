@@ -66,6 +66,7 @@ public:
 
     Status integrity(std::vector<std::string>* damages) override;
     Status remakeTriggers(std::vector<std::string>* differences) override;
+    Status looseRights(std::vector<std::string>* lines) override;
 
     Status logBefore(double time, int64_t* id, int64_t* count) override;
     bool livesIn(const std::string& /*file*/) const override { return false; }

@@ -41,6 +41,7 @@ private slots:
     void integrityFindsWhatIsBroken();
     void serversOwnErrorIsNoDamage();
     void waitingWriterIsToldWhomItWaitsFor();
+    void whatTheOwnerCannotCloseIsTold();
     void onlyOurRolesGetIn();
     void ownerNeedsNoRightOnTheServer();
 };
@@ -462,6 +463,30 @@ void TestAccess::waitingWriterIsToldWhomItWaitsFor() {
              status.text.c_str());
     QVERIFY(postgres::succeeded(other.execute("COMMIT").get()));
     ORVO_OK(Batch("MenuFileExt").insert("k").send(*store));
+}
+
+void TestAccess::whatTheOwnerCannotCloseIsTold() {
+    QVERIFY(byHand("CREATE ROLE tenant LOGIN; GRANT orvo_engineer, orvo_viewer TO tenant WITH "
+                   "ADMIN OPTION;"));
+    QVERIFY(byHand("CREATE DATABASE rented TEMPLATE template0 ENCODING 'UTF8' LOCALE 'C';"));
+    QVERIFY(m_cluster->shell("rented", "GRANT CREATE ON SCHEMA public TO PUBLIC;"));
+    Status status;
+    const auto store = openMaintained(m_cluster->url("rented", "tenant"), {"boss", true}, &status);
+    QVERIFY2(store, status.text.c_str());
+    std::vector<std::string> loose, damages;
+    ORVO_OK(store->looseRights(&loose));
+    QCOMPARE(loose.size(), size_t(2));
+    QVERIFY2(loose[0].find("REVOKE ALL ON DATABASE rented FROM PUBLIC") != std::string::npos,
+             loose[0].c_str());
+    QVERIFY2(loose[1].find("REVOKE CREATE ON SCHEMA public") != std::string::npos,
+             loose[1].c_str());
+    ORVO_OK(store->integrity(&damages));
+    QCOMPARE(damages, loose);
+    QVERIFY(m_cluster->shell("rented", "REVOKE ALL ON DATABASE rented FROM PUBLIC; GRANT CONNECT "
+                                       "ON DATABASE rented TO tenant; REVOKE CREATE ON SCHEMA "
+                                       "public FROM PUBLIC;"));
+    ORVO_OK(store->looseRights(&loose));
+    QCOMPARE(loose, std::vector<std::string>());
 }
 
 void TestAccess::onlyOurRolesGetIn() {

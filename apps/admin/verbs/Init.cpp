@@ -110,6 +110,10 @@ int run(const Invocation& call) {
     out((present ? "хранилище уже есть: " : "хранилище сделано: ") + store->displayName());
     for (const std::string& difference : differences)
         out("исправлено: " + difference);
+    std::vector<std::string> loose;
+    require(store->looseRights(&loose), "права не проверены");
+    for (const std::string& line : loose)
+        complain("внимание: " + line);
     return Done;
 }
 
