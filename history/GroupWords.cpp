@@ -109,7 +109,7 @@ QString sentence(const Read& read, RecordSource& source) {
             .arg(quoted(QString::fromStdString(read.change->table)));
     const store::TableDef& table = *read.table;
     const Values values = known(read, source);
-    QString line = deedWord(read.deed, nounOf(table, values).gender) + QLatin1Char(' ') +
+    QString line = deedWord(read.deed, nounOf(table, values)) + QLatin1Char(' ') +
                    recordWords(table, values, read.change->key);
     if (read.deed == Deed::Renamed) {
         Values was = values;
@@ -193,7 +193,8 @@ QString names(const std::vector<const Read*>& reads, RecordSource& source) {
 QString together(const std::vector<const Read*>& reads, RecordSource& source) {
     const Read& first = *reads.front();
     const Noun noun = nounOf(*first.table, known(first, source));
-    const QString line = deedWordMany(first.deed) + QLatin1Char(' ') + counted(reads.size(), noun);
+    const QString line =
+        deedWord(first.deed, noun, reads.size()) + QLatin1Char(' ') + counted(reads.size(), noun);
     const bool sameWay = std::all_of(reads.begin(), reads.end(), [&](const Read* read) {
         return store::foldedKey(read->from) == store::foldedKey(first.from) &&
                store::foldedKey(read->to) == store::foldedKey(first.to);
@@ -293,14 +294,14 @@ QString infinitive(Deed deed) {
     return QString::fromUtf8(words[static_cast<size_t>(deed)]);
 }
 
-/// "21 папку ресурсов", "4 папки ресурсов": what something is done to.
-QString countedObject(size_t count, Noun noun) {
+/// What something is done to: "папку ресурсов".
+Noun accusative(Noun noun) {
     const QString word = noun.one.section(QLatin1Char(' '), 0, 0);
     if (noun.gender == Noun::Feminine && word.endsWith(QStringLiteral("а")))
         noun.one.replace(word.size() - 1, 1, QStringLiteral("у"));
     else if (noun.gender == Noun::Feminine && word.endsWith(QStringLiteral("я")))
         noun.one.replace(word.size() - 1, 1, QStringLiteral("ю"));
-    return counted(count, noun);
+    return noun;
 }
 
 } // namespace
@@ -335,8 +336,10 @@ QString commandWords(const Group& group, RecordSource& source) {
     const QString verb = group.undoes.empty() ? infinitive(first.deed) : QStringLiteral("вернуть");
     const Values values = known(first, source);
     const QString name = nameOf(*first.table, values);
-    const QString object =
-        name.isEmpty() ? recordWords(*first.table, values, first.change->key) : quoted(name);
+    const QString object = name.isEmpty()
+                               ? accusative(nounOf(*first.table, values)).one + QLatin1Char(' ') +
+                                     QString::fromStdString(first.change->key)
+                               : quoted(name);
     if (ones.size() == 1)
         return verb + QLatin1Char(' ') + object +
                (all.size() > 1 && moved.empty() &&
@@ -347,7 +350,8 @@ QString commandWords(const Group& group, RecordSource& source) {
     const auto compared = static_cast<ptrdiff_t>(std::min(ones.size(), mostCompared));
     if (std::all_of(ones.begin(), ones.begin() + compared,
                     [&](const Read* read) { return alike(first, *read, source); }))
-        return verb + QLatin1Char(' ') + countedObject(ones.size(), nounOf(*first.table, values));
+        return verb + QLatin1Char(' ') +
+               counted(ones.size(), accusative(nounOf(*first.table, values)));
     return verb + QLatin1Char(' ') + object + more(ones.size() - 1);
 }
 

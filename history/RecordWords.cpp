@@ -197,24 +197,19 @@ QString placeOf(const store::TableDef& table, Values values, RecordSource* sourc
     return path.join(QStringLiteral(" / "));
 }
 
-QString deedWord(Deed deed, Noun::Gender gender) {
-    static const char* const words[][3] = {
-        {"Создан", "Создана", "Создано"},
-        {"Удалён", "Удалена", "Удалено"},
-        {"Переименован", "Переименована", "Переименовано"},
-        {"Перемещён", "Перемещена", "Перемещено"},
-        {"Изменён", "Изменена", "Изменено"},
-        {"Занят", "Занята", "Занято"},
-        {"Освобождён", "Освобождена", "Освобождено"},
-        {"Переставлен", "Переставлена", "Переставлено"},
+QString deedWord(Deed deed, const Noun& noun, size_t count) {
+    static const char* const words[][4] = {
+        {"Создан", "Создана", "Создано", "Созданы"},
+        {"Удалён", "Удалена", "Удалено", "Удалены"},
+        {"Переименован", "Переименована", "Переименовано", "Переименованы"},
+        {"Перемещён", "Перемещена", "Перемещено", "Перемещены"},
+        {"Изменён", "Изменена", "Изменено", "Изменены"},
+        {"Занят", "Занята", "Занято", "Заняты"},
+        {"Освобождён", "Освобождена", "Освобождено", "Освобождены"},
+        {"Переставлен", "Переставлена", "Переставлено", "Переставлены"},
     };
-    return text(words[static_cast<size_t>(deed)][gender]);
-}
-
-QString deedWordMany(Deed deed) {
-    static const char* const words[] = {"Созданы",  "Удалены", "Переименованы", "Перемещены",
-                                        "Изменены", "Заняты",  "Освобождены",   "Переставлены"};
-    return text(words[static_cast<size_t>(deed)]);
+    const auto& forms = words[static_cast<size_t>(deed)];
+    return numeralForm(count, text(forms[noun.gender]), text(forms[3]), text(forms[Noun::Neuter]));
 }
 
 } // namespace orvo::history

@@ -35,10 +35,10 @@ QString valueWords(const store::TableDef& table, int field, const store::Value& 
 /// The names of the folders above a record, from the top, with " / " between.
 QString placeOf(const store::TableDef& table, Values values, RecordSource* source);
 
-/// What was done to a record, in the past: "Создана", "Удалён", "Переименовано".
+/// What was done, in the past.
 enum class Deed { Created, Deleted, Renamed, Moved, Changed, Occupied, Released, Ordered };
-QString deedWord(Deed deed, Noun::Gender gender);
-QString deedWordMany(Deed deed);
+/// To so many records: "Создана" (1 or 21 папка), "Созданы" (2), "Создано" (5).
+QString deedWord(Deed deed, const Noun& noun, size_t count = 1);
 
 } // namespace orvo::history
 

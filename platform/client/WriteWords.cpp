@@ -95,8 +95,8 @@ WriteWords describe(const WriteRequest& request, store::Store* store) {
                           : renamed                   ? Deed::Renamed
                                                       : Deed::Changed;
         const QString name = history::nameOf(*table, after);
-        words.what = history::deedWord(deed, history::nounOf(*table, after).gender) +
-                     QLatin1Char(' ') + history::recordWords(*table, after, record.key);
+        words.what = history::deedWord(deed, history::nounOf(*table, after)) + QLatin1Char(' ') +
+                     history::recordWords(*table, after, record.key);
         if (renamed && history::nameOf(*table, before) != name)
             words.what += QStringLiteral(": было ") + quoted(history::nameOf(*table, before));
         words.place = history::placeOf(*table, after, &source);

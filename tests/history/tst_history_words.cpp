@@ -42,6 +42,12 @@ private:
             lines.push_back(describe(group, source).what);
         return lines;
     }
+    QString command(int64_t id) const {
+        Group group;
+        LoggedRecords source(*m_anna);
+        const Status status = readGroup(*m_anna, id, &group);
+        return status.ok() ? commandWords(group, source) : QString::fromStdString(status.text);
+    }
     int count(const Filter& filter) const { return int(linesOf(filter).size()); }
 };
 
@@ -123,7 +129,20 @@ void TestHistoryWords::severalOfAKindAreCounted() {
     for (int i = 0; i < 21; ++i)
         many.insert(qPrintable(QString("k%1").arg(i)), {{"caption", QString::number(i)}});
     ORVO_OK(many.send(*m_anna));
-    QCOMPARE(words(last(*m_anna)), QString("Созданы 21 элемент меню: «0», «1», «2» …"));
+    QCOMPARE(words(last(*m_anna)), QString("Создан 21 элемент меню: «0», «1», «2» …"));
+    Batch folders("MenuResourceFolder");
+    for (int i = 0; i < 25; ++i)
+        folders.insert(qPrintable(QString("k%1").arg(i)));
+    ORVO_OK(folders.send(*m_anna));
+    QCOMPARE(words(last(*m_anna)), QString("Создано 25 папок ресурсов"));
+    Batch fewer("MenuResourceFolder");
+    for (int i = 0; i < 21; ++i)
+        fewer.remove(qPrintable(QString("k%1").arg(i)));
+    ORVO_OK(fewer.send(*m_anna));
+    QCOMPARE(words(last(*m_anna)), QString("Удалена 21 папка ресурсов"));
+    QCOMPARE(command(last(*m_anna)), QString("удалить 21 папку ресурсов"));
+    ORVO_OK(Batch("MenuResourceFolder").remove("k22").send(*m_anna));
+    QCOMPARE(command(last(*m_anna)), QString("удалить папку ресурсов k22"));
 }
 
 void TestHistoryWords::differentDeedsAreToldByTheFirst() {
