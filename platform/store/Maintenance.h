@@ -97,6 +97,11 @@ public:
     virtual Status bytes(std::string_view piece) = 0;
 };
 
+/// Refused if a store cannot hold these values as a new record of the table, a value for each
+/// field; of contentTable() with a name that a file can have. `place` as in Receiver::record.
+Status checkRecord(const TableDef& table, const std::vector<Value>& values,
+                   const std::string& place);
+
 /// What is to be changed of a user; what is left empty stays.
 struct UserChange {
     std::optional<std::string> lastName, firstName, midlName;

@@ -13,12 +13,9 @@ namespace orvo::store {
 
 namespace {
 
-Status refused(const std::string& place, const std::string& why) {
-    return {Refused, place + ": " + why};
-}
-
-std::string placeOf(const TableDef& table, const std::vector<Value>& values) {
-    return inTable(table) + ", запись " + shown(textOf(values.front()));
+std::string placeInWords(const TableDef& table, const std::vector<Value>& values,
+                         const std::string& place) {
+    return place.empty() ? inTable(table) + ", запись " + shown(textOf(values.front())) : place;
 }
 
 /// Whether a value is one that the field can hold.
@@ -59,24 +56,15 @@ public:
     }
 
     Status content(const std::vector<Value>& values, const std::string& place) override {
-        const TableDef& table = contentTable();
-        static const auto sizeField = static_cast<size_t>(table.find(field::size));
-        static const auto nameField = static_cast<size_t>(table.find(field::name_));
+        static const auto sizeField = static_cast<size_t>(contentTable().find(field::size));
         Status status = endContent();
         if (status.ok())
-            status = plan(table, values, place);
+            status = plan(contentTable(), values, place);
         if (!status.ok())
             return status;
-        const auto* size = std::get_if<int64_t>(&values[sizeField]);
-        if (size == nullptr || *size < 0 || static_cast<uint64_t>(*size) > largestFile)
-            return refused(m_write.place, "размер содержимого не от 0 до " +
-                                              std::to_string(largestFile >> 20) + " МиБ");
-        if (!isPlainFileName(textOf(values[nameField])))
-            return refused(m_write.place,
-                           "недопустимое имя файла " + shown(textOf(values[nameField])));
-        status = m_store.beginContent(m_write, static_cast<uint64_t>(*size));
+        m_left = static_cast<uint64_t>(std::get<int64_t>(values[sizeField]));
+        status = m_store.beginContent(m_write, m_left);
         m_open = status.ok();
-        m_left = static_cast<uint64_t>(*size);
         return status;
     }
 
@@ -84,7 +72,7 @@ public:
         if (!m_open)
             return {BadArguments, "Содержимое без записи"};
         if (piece.size() > m_left)
-            return refused(m_write.place, "содержимое длиннее, чем сказано в записи");
+            return {Refused, m_write.place + ": содержимое длиннее, чем сказано в записи"};
         m_left -= piece.size();
         return piece.empty() ? Status() : m_store.contentPiece(piece);
     }
@@ -95,27 +83,21 @@ public:
             return {};
         m_open = false;
         if (m_left != 0)
-            return refused(m_write.place, "содержимое короче, чем сказано в записи");
+            return {Refused, m_write.place + ": содержимое короче, чем сказано в записи"};
         return m_store.endContent();
     }
 
 private:
     Status plan(const TableDef& table, const std::vector<Value>& values, const std::string& place) {
-        if (values.size() != table.fields.size())
-            return {BadArguments, inTable(table) + ": запись с другим числом полей"};
+        if (const Status checked = checkRecord(table, values, place); !checked.ok())
+            return checked;
         m_write.flag = MDX_INSERT;
         m_write.key = textOf(values.front());
-        m_write.place = place.empty() ? placeOf(table, values) : place;
+        m_write.place = placeInWords(table, values, place);
         m_write.values.clear();
-        if (!isKey(m_write.key))
-            return refused(m_write.place,
-                           "в ключе KeyLink допустимы только печатные знаки ASCII, хотя бы один");
         for (size_t i = 1; i < values.size(); ++i) {
-            const FieldDef& field = table.fields[i];
-            if (!fits(values[i], field))
-                return refused(m_write.place, "значение не подходит полю " + shown(field.name));
             // All fields, so that one statement serves all records of a table.
-            const bool none = field.link && textOf(values[i]).empty();
+            const bool none = table.fields[i].link && textOf(values[i]).empty();
             m_write.values.emplace_back(static_cast<int>(i), none ? Value() : values[i]);
         }
         return {};
@@ -128,6 +110,28 @@ private:
 };
 
 } // namespace
+
+Status checkRecord(const TableDef& table, const std::vector<Value>& values,
+                   const std::string& place) {
+    if (values.size() != table.fields.size())
+        return {BadArguments, inTable(table) + ": запись с другим числом полей"};
+    const auto refused = [&](const std::string& why) -> Status {
+        return {Refused, placeInWords(table, values, place) + ": " + why};
+    };
+    if (!isKey(textOf(values.front())))
+        return refused("в ключе KeyLink допустимы только печатные знаки ASCII, хотя бы один");
+    for (size_t i = 1; i < values.size(); ++i)
+        if (!fits(values[i], table.fields[i]))
+            return refused("значение не подходит полю " + shown(table.fields[i].name));
+    if (&table != &contentTable())
+        return {};
+    const auto* size = std::get_if<int64_t>(&values[static_cast<size_t>(table.find(field::size))]);
+    if (size == nullptr || *size < 0 || static_cast<uint64_t>(*size) > largestFile)
+        return refused("размер содержимого не от 0 до " + std::to_string(largestFile >> 20) +
+                       " МиБ");
+    const std::string name = textOf(values[static_cast<size_t>(table.find(field::name_))]);
+    return isPlainFileName(name) ? Status() : refused("недопустимое имя файла " + shown(name));
+}
 
 // Out --------------------------------------------------------------------------------------------
 

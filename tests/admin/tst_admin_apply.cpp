@@ -16,6 +16,8 @@ private slots:
     void whatAPartNeedsComesAlong();
     void usersAndLocksStay();
     void badArgumentsAreRefused();
+    void whatNoStoreCanHoldIsRefused_data();
+    void whatNoStoreCanHoldIsRefused();
 
 private:
     /// An export of what the store holds now.
@@ -133,6 +135,39 @@ void TestAdminApply::badArgumentsAreRefused() {
     const QByteArray before = content();
     ORVO_REFUSED(run({"apply", file}), "выгрузка не прочитана");
     QCOMPARE(content(), before);
+}
+
+void TestAdminApply::whatNoStoreCanHoldIsRefused_data() {
+    QTest::addColumn<QByteArray>("what");
+    QTest::addColumn<QByteArray>("by");
+    QTest::addColumn<QString>("message");
+    const auto row = [](const char* name, const char* what, const char* by, const char* message) {
+        QTest::newRow(name) << QByteArray(what) << QByteArray(by) << QString(message);
+    };
+    row("key twice", "\"Menu\": [\n", "\"Menu\": [\n{\"KeyLink\":\"A\"},\n",
+        "таблица Menu, запись 2 (ключ \"a\"): такой ключ уже есть");
+    row("no key", "\"KeyLink\":\"a\",", "", "в ключе KeyLink допустимы только");
+    row("file name that leads out", "\"name_\":\"a.ui\",\"size\"", "\"name_\":\"../a.ui\",\"size\"",
+        "недопустимое имя файла \"../a.ui\"");
+    row("huge size", "\"size\":4", "\"size\":2147483647", "размер содержимого");
+    row("inside itself", "\"caption\":\"А\"", "\"parent\":\"b\",\"caption\":\"А\"",
+        "внутри самой себя");
+}
+
+void TestAdminApply::whatNoStoreCanHoldIsRefused() {
+    QFETCH(QByteArray, what);
+    QFETCH(QByteArray, by);
+    QFETCH(QString, message);
+    plant();
+    QByteArray json = AdminRun::read(exported());
+    QVERIFY2(json.contains(what), json);
+    json.replace(json.indexOf(what), what.size(), by);
+    const QByteArray before = content();
+    const QString file = m_admin->write("bad.json", json);
+    ORVO_REFUSED(run({"apply", file}), message);
+    QCOMPARE(content(), before);
+    if (!message.startsWith("внутри")) // to compare with, what nobody can have is good enough
+        ORVO_REFUSED(run({"diff", file}), message);
 }
 
 int main(int argc, char** argv) {

@@ -55,12 +55,44 @@ Stream openExport(const std::string& place) {
     return first == '{' ? std::move(stream) : nullptr;
 }
 
+/// Lets through what a store can hold. An export is a file that anybody may have edited.
+class Checked : public store::Receiver {
+public:
+    explicit Checked(history::Installation& into) : into_(into) {}
+    store::Status expect(uint64_t records, uint64_t contents, uint64_t bytes) override {
+        return into_.expect(records, contents, bytes);
+    }
+    store::Status record(const store::TableDef& table, const std::vector<store::Value>& values,
+                         const std::string& place) override {
+        const store::Status status = check(table, values, place);
+        return status.ok() ? into_.record(table, values, place) : status;
+    }
+    store::Status content(const std::vector<store::Value>& values,
+                          const std::string& place) override {
+        const store::Status status = check(store::contentTable(), values, place);
+        return status.ok() ? into_.content(values, place) : status;
+    }
+    store::Status bytes(std::string_view piece) override { return into_.bytes(piece); }
+
+private:
+    store::Status check(const store::TableDef& table, const std::vector<store::Value>& values,
+                        const std::string& place) const {
+        store::Status status = store::checkRecord(table, values, place);
+        if (status.ok() && into_.find(table, store::textOf(values.front())))
+            status = {store::Refused, place + ": такой ключ уже есть"};
+        return status;
+    }
+
+    history::Installation& into_;
+};
+
 void loadExport(std::FILE* file, history::Installation& into) {
     TransferCount count;
-    require(
-        readExport(
-            file, 0, into, [](uint64_t, uint64_t) { return !Interruptible::requested(); }, &count),
-        "выгрузка не прочитана");
+    Checked checked(into);
+    require(readExport(
+                file, 0, checked, [](uint64_t, uint64_t) { return !Interruptible::requested(); },
+                &count),
+            "выгрузка не прочитана");
     into.finish();
 }
 
@@ -93,7 +125,7 @@ int runDiff(const Invocation& call) {
     const bool two = call.arguments().size() == 2;
     history::Installation from;
     load(*(two ? openStore(call.argument(0)) : call.open()), from);
-    history::Installation to(&from);
+    history::Installation to;
     const std::string place = call.argument(two ? 1 : 0);
     if (const Stream stream = openExport(place))
         loadExport(stream.get(), to);
