@@ -143,8 +143,9 @@ public:
 
     /// The versions that the query lets pass, the newest first, without their bytes.
     virtual Status versions(const VersionQuery& query, std::vector<KeptVersion>* versions) = 0;
-    /// The bytes of a version. UnknownName if it is kept no more; Failed, naming it, if they are
-    /// not the ones that its checksum was made of.
+    /// The bytes of a version; null: they are only checked, and never in memory as a whole.
+    /// UnknownName if it is kept no more; Failed, naming it, if they are not the ones that its
+    /// checksum was made of.
     virtual Status versionBytes(int64_t id, std::string* bytes) = 0;
     /// Forgets the versions that were replaced before that time and, of the others, the oldest ones
     /// beyond so many bytes. With `onlyLook` it only tells what would go.

@@ -68,8 +68,7 @@ Status SqliteStore::checkVersions(std::vector<std::string>* damages) {
         std::vector<KeptVersion> all;
         Status status = selectVersions({}, &all);
         for (auto version = all.rbegin(); status.ok() && version != all.rend(); ++version) {
-            std::string bytes;
-            const Status read = readVersion(*version, &bytes);
+            const Status read = readVersion(*version, nullptr);
             if (!read.ok())
                 damages->push_back(read.text);
         }

@@ -95,8 +95,10 @@ protected:
     /// which is taken away.
     static Status checkCursor(const LogCursor& cursor, int64_t pruned, int64_t newest,
                               std::vector<Change>* changes);
-    /// The bytes of a version, checked; outside inWrite.
-    Status readVersion(const KeptVersion& version, std::string* bytes);
+    /// Checks the bytes of a version, a piece at a time; outside inWrite. What is asked for besides
+    /// may be null.
+    Status readVersion(const KeptVersion& version, std::string* bytes,
+                       std::string* sha256 = nullptr);
     /// Names a write in messages.
     static std::string placeOf(const TableDef& table, const Write& write);
 

@@ -64,18 +64,26 @@ Status StoreCore::findVersion(int64_t id, KeptVersion* version) {
     return {};
 }
 
-Status StoreCore::readVersion(const KeptVersion& version, std::string* bytes) {
+Status StoreCore::readVersion(const KeptVersion& version, std::string* bytes, std::string* sha256) {
     std::string read;
+    uint64_t size = 0;
+    Checksum sum;
     const Status status = versionPieces(version.id, [&](std::string_view piece) -> Status {
-        read += piece;
+        if (bytes != nullptr)
+            read += piece;
+        size += piece.size();
+        sum.add(piece);
         return {};
     });
     if (!status.ok())
         return {status.code, nameOf(version) + ": " + status.text};
-    if (read.size() != version.size ||
-        (!version.sha256.empty() && checksum(read) != version.sha256))
+    const std::string found = sum.text();
+    if (size != version.size || (!version.sha256.empty() && found != version.sha256))
         return {Failed, nameOf(version) + " повреждено: не сходится с контрольной суммой"};
-    *bytes = std::move(read);
+    if (bytes != nullptr)
+        *bytes = std::move(read);
+    if (sha256 != nullptr)
+        *sha256 = found;
     return {};
 }
 

@@ -1,5 +1,4 @@
 // Reading and writing records of several tables by their keys, for whoever takes changes back.
-#include "platform/store/ContentChecksum.h"
 #include "platform/store/GuardedUpdate.h"
 #include "platform/store/Names.h"
 #include "platform/store/Sql.h"
@@ -96,12 +95,9 @@ Status StoreCore::findVersions(const TableWrites& part, std::vector<KeptVersion>
         KeptVersion& version = versions->at(i);
         const Status status = inRead([&]() -> Status {
             const Status found = findVersion(part.bytes[i].version, &version);
-            if (!found.ok() || !version.sha256.empty())
-                return found;
-            std::string bytes;
-            const Status read = readVersion(version, &bytes);
-            version.sha256 = checksum(bytes);
-            return read;
+            return found.ok() && version.sha256.empty()
+                       ? readVersion(version, nullptr, &version.sha256)
+                       : found;
         });
         if (!status.ok())
             return status;

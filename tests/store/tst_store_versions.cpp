@@ -203,6 +203,7 @@ void TestVersions::aDamagedVersionIsNamed() {
                               std::to_string(version.id) +
                               ") повреждено: не сходится с контрольной суммой";
     QCOMPARE(status.text, words);
+    ORVO_FAILS(m_boss->versionBytes(version.id, nullptr), Failed);
     std::vector<std::string> damages;
     ORVO_OK(m_boss->integrity(&damages));
     QCOMPARE(damages, std::vector<std::string>{words});
