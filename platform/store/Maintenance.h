@@ -128,10 +128,11 @@ public:
     /// Adds the values of those of these records that are stored, by folded key.
     virtual Status storedValues(const TableDef& table, const std::vector<std::string>& keys,
                                 std::map<std::string, std::vector<Value>>* values) = 0;
-    /// Applies writes to several tables in one transaction, which is a group of the change log that
-    /// takes back the groups `undoes`. As update() refuses, and as it does with a guard if a parent
-    /// was deleted. Outdated, and nothing is written, if one of the records was changed after the
-    /// change `seen`, or the log no longer reaches back to it.
+    /// Applies writes to several tables in one transaction, which is a new group of the change log
+    /// that takes back the groups `undoes`. Refuses what update() refuses with a guard that has
+    /// seen the log up to `seen`. Outdated, and nothing is written, if one of the records was
+    /// changed after that, the log no longer reaches back to it, or something is refused and others
+    /// have written since: it may be their doing.
     virtual Status writeAll(const std::vector<TableWrites>& parts, int64_t seen,
                             const std::vector<int64_t>& undoes) = 0;
     /// How many of the oldest changes were made before that time, and the id of the last of them

@@ -12,6 +12,9 @@ namespace orvo::store {
 
 namespace {
 
+/// Changed only in a log that was pruned.
+const TableDef noTable{"", {}};
+
 std::vector<std::string> foldedKeys(const std::vector<std::string>& keys) {
     std::set<std::string> folded;
     for (const std::string& key : keys)
@@ -70,8 +73,7 @@ Status StoreCore::checkUnchanged(const TableWrites& part, int64_t seen) {
     std::vector<Change> since;
     status = changesOf(*part.table, foldedKeys(keys), seen, &since);
     if (status.ok() && since.empty()) {
-        const TableDef none{"", {}}; // of which only a log that was pruned tells
-        status = changedSince(none, seen, &newest, &changed);
+        status = changedSince(noTable, seen, &newest, &changed);
         if (status.ok() && changed)
             return {Outdated, "Журнал изменений тем временем сокращён"};
     }
@@ -122,17 +124,24 @@ Status StoreCore::writeContents(const TableWrites& part, const std::vector<KeptV
 Status StoreCore::writeAll(const std::vector<TableWrites>& parts, int64_t seen,
                            const std::vector<int64_t>& undoes) {
     return guarded([&]() -> Status {
-        struct Undoing {
-            std::vector<int64_t>& groups;
-            ~Undoing() { groups.clear(); }
-        } const undoing{m_origin.undoes};
+        struct RestoreOrigin {
+            Origin& origin;
+            const int64_t group = origin.group;
+            ~RestoreOrigin() {
+                origin.group = group;
+                origin.undoes.clear();
+            }
+        } const restore{m_origin};
+        m_origin.group = 0;
         m_origin.undoes = undoes;
         std::map<const TableWrites*, std::vector<KeptVersion>> versions;
         for (const TableWrites& part : parts)
             if (const Status found = findVersions(part, &versions[&part]); !found.ok())
                 return found;
         return inWrite([&]() -> Status {
-            Status status;
+            int64_t newest = 0;
+            bool changed = false;
+            Status status = changedSince(noTable, seen, &newest, &changed);
             for (const TableWrites& part : parts)
                 if (status.ok())
                     status = checkUnchanged(part, seen);
@@ -140,13 +149,14 @@ Status StoreCore::writeAll(const std::vector<TableWrites>& parts, int64_t seen,
                 std::vector<Write> writes = part.writes;
                 UpdateGuard guard;
                 guard.seen = seen;
-                // What has been written to these records since then is of this very call.
-                guard.own = {{seen + 1, std::numeric_limits<int64_t>::max()}};
+                guard.own = {{newest + 1, std::numeric_limits<int64_t>::max()}};
                 if (status.ok() && part.table != &contentTable())
                     status = GuardedUpdate(*this, *part.table, writes).apply(&guard);
                 else if (status.ok())
                     status = writeContents(part, versions.at(&part));
             }
+            if ((status.code == Refused || status.code == ParentDeleted) && newest > seen)
+                status.code = Outdated; // what others have done since may be why
             return status;
         });
     });

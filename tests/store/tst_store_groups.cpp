@@ -219,6 +219,14 @@ void TestGroups::writesToSeveralTablesAreOneGroup() {
     ORVO_OK(store->storedValues(folders, {"F", "none", "ключ"}, &values));
     QCOMPARE(values.size(), size_t(1));
     QVERIFY(values["f"][size_t(folders.find("caption"))] == Value(text));
+    // A group of its own, whatever was joined before.
+    store->joinGroup(made.front().group);
+    ORVO_OK(store->writeAll({{&elements, {write(MDX_INSERT, "o")}}}, position(), {15}));
+    QCOMPARE(changes().back().group, changes().back().id);
+    QCOMPARE(changes().back().undoes, std::vector<int64_t>{15});
+    ORVO_OK(Batch("MenuFileExt").insert("b").send(*store));
+    QCOMPARE(changes().back().group, made.front().group);
+    store->joinGroup(0);
     // What comes next undoes nothing.
     ORVO_OK(Batch("MenuFileExt").insert("a").send(*store));
     QVERIFY(changes().back().undoes.empty());
@@ -226,7 +234,7 @@ void TestGroups::writesToSeveralTablesAreOneGroup() {
     LogQuery query;
     query.undoing = true;
     ORVO_OK(store->history(query, 10, &undoing));
-    QCOMPARE(undoing.size(), size_t(1));
+    QCOMPARE(undoing.size(), size_t(2));
 }
 
 void TestGroups::refusedWritesToSeveralTablesLeaveNothing() {
