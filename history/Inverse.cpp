@@ -58,7 +58,7 @@ store::Status undo(store::MaintainedStore& store, const std::vector<int64_t>& gr
 
 bool Inverse::asks() const {
     return std::any_of(remarks.begin(), remarks.end(), [](const Remark& remark) {
-        return remark.why == Remark::NoPlace || remark.why == Remark::BuiltOn;
+        return remark.asksForPlace() || remark.why == Remark::BuiltOn;
     });
 }
 
@@ -66,6 +66,8 @@ QString remarkWords(const Remark& remark, RecordSource& source) {
     const auto number = [&] { return QString::number(remark.group); };
     if (remark.why == Remark::Forgotten)
         return QStringLiteral("Действие %1 журнал уже не помнит").arg(number());
+    if (remark.why == Remark::HalfForgotten)
+        return QStringLiteral("Действие %1: его начало журнал уже не помнит").arg(number());
     if (remark.why == Remark::AlreadyDone)
         return QStringLiteral("Действие %1 уже отменено").arg(number());
     const store::TableDef& table = *remark.table;
@@ -82,12 +84,18 @@ QString remarkWords(const Remark& remark, RecordSource& source) {
             .arg(record, fieldWord(table, remark.field), who);
     case Remark::DeletedSince:
         return QStringLiteral("Не возвращено: %1: с тех пор удалено (%2)").arg(record, who);
-    case Remark::NoPlace: {
+    case Remark::NoPlace:
+    case Remark::PlaceInside: {
         const store::TableDef* above = targetTable(table, remark.field);
-        return QStringLiteral("Не возвращено: %1: нет места, %2 удалена запись «%3»")
-            .arg(record, fieldWord(table, remark.field).toLower(),
-                 above ? nameOf(*above, source.valuesOf(*above, remark.missing))
-                       : QString::fromStdString(remark.missing));
+        const QString name =
+            above ? nameOf(*above, source.valuesOf(*above, remark.missing)) : QString();
+        const QString place =
+            quoted(name.isEmpty() ? QString::fromStdString(remark.missing) : name);
+        return remark.why == Remark::NoPlace
+                   ? QStringLiteral("Не возвращено: %1: нет места, удалена запись %2 (%3)")
+                         .arg(record, place, fieldWord(table, remark.field).toLower())
+                   : QStringLiteral("Не возвращено: %1: нет места, %2 стоит теперь внутри")
+                         .arg(record, place);
     }
     case Remark::BuiltOn:
         return QStringLiteral("Не удалено: %1: на этом построено другое (%2)").arg(record, who);

@@ -22,30 +22,36 @@ namespace orvo::history {
 /// Something that is left as it is, and why.
 struct Remark {
     enum Why {
-        ChangedSince, ///< another action has changed the field since
-        DeletedSince, ///< another action has deleted the record since
-        NoPlace,      ///< the record below which it stood was deleted: see Choices::places
-        BuiltOn,      ///< others have built on what would be deleted: see Choices::othersWorkToo
-        NoBytes,      ///< the bytes that a form or file had are not kept
-        DamagedBytes, ///< or no longer what they were
-        Forgotten,    ///< the log does not tell of the action any more
-        AlreadyDone,  ///< the action has been taken back before
+        ChangedSince,  ///< another action has changed the field since
+        DeletedSince,  ///< another action has deleted the record since
+        NoPlace,       ///< the record below which it stood was deleted: see Choices::places
+        PlaceInside,   ///< or stands below it now: the same
+        BuiltOn,       ///< others have built on what would be deleted: see Choices::othersWorkToo
+        NoBytes,       ///< the bytes that a form or file had are not kept
+        DamagedBytes,  ///< or no longer what they were
+        Forgotten,     ///< the log does not tell of the action any more
+        HalfForgotten, ///< nor of its beginning; the rest is taken back
+        AlreadyDone,   ///< the action has been taken back before
     };
     Why why = ChangedSince;
     const store::TableDef* table = nullptr; ///< null: of a whole action
     std::string key;
-    int field = -1;      ///< ChangedSince and NoPlace
-    std::string missing; ///< NoPlace: the key that the field would name
+    int field = -1;      ///< ChangedSince, NoPlace and PlaceInside
+    std::string missing; ///< NoPlace and PlaceInside: the key that the field would name
     std::string login;   ///< ChangedSince, DeletedSince, BuiltOn: whose action it was
     double time = 0;     ///< and when
-    int64_t group = 0;   ///< that action; Forgotten and AlreadyDone: the one that was asked for
+    int64_t group = 0;   ///< that action; of a whole action: the one that was asked for
+
+    /// Whether Choices::places can help.
+    bool asksForPlace() const { return why == NoPlace || why == PlaceInside; }
 };
 
 /// What a user has decided about remarks of an earlier plan.
 struct Choices {
     bool othersWorkToo = false; ///< delete what others have built on as well, with what is below it
     bool partly = false;        ///< go on without what has no place, or what others have built on
-    /// Another parent for each missing one, by its folded key; empty: at the top.
+    /// Another parent for each missing one, by its folded key; empty: at the top. One that is not
+    /// stored, or stands below what is to be placed there, is none.
     std::map<std::string, std::string> places;
 };
 

@@ -53,13 +53,6 @@ std::vector<std::string> keysIn(const MDArray* rows) {
 
 } // namespace
 
-const store::TableDef* targetTable(const store::TableDef& table, int field) {
-    for (const store::ParentField& parent : store::parentFields(table))
-        if (table.find(parent.field) == field)
-            return store::findTable(parent.table);
-    return nullptr;
-}
-
 Planning::Planning(store::MaintainedStore& store, const Standing& standing, const Choices& choices,
                    Inverse& inverse)
     : m_store(store)
@@ -102,8 +95,16 @@ store::Status Planning::collect() {
         store::Status status = m_store.history(query, INT_MAX, &changes);
         if (!status.ok())
             return status;
-        if (changes.empty())
-            m_inverse.remarks.push_back({Remark::Forgotten, nullptr, {}, -1, {}, {}, 0, group});
+        if (changes.empty() || changes.front().id != group)
+            m_inverse.remarks.push_back(
+                {changes.empty() ? Remark::Forgotten : Remark::HalfForgotten,
+                 nullptr,
+                 {},
+                 -1,
+                 {},
+                 {},
+                 0,
+                 group});
         for (const store::Change& change : changes) {
             if (const store::TableDef* table = tableOf(change.table))
                 keys[table].push_back(change.key);
@@ -246,100 +247,6 @@ store::Status Planning::decide() {
     return {};
 }
 
-// Places -----------------------------------------------------------------------------------------
-
-store::Status Planning::wasDeleted(const store::TableDef& table, const std::string& key,
-                                   bool* deleted) {
-    std::vector<store::Change> changes;
-    store::Status status = m_store.changesSince(table, {key}, 0, &changes);
-    *deleted = std::any_of(changes.begin(), changes.end(), [](const store::Change& change) {
-        return change.code == OrvoEventDelete;
-    });
-    return status;
-}
-
-store::Status Planning::placeRestored() {
-    std::map<const store::TableDef*, std::map<std::string, std::vector<store::Value>>> stored;
-    std::map<const store::TableDef*, std::set<std::string>> wanted;
-    const auto each = [&](const auto& body) -> store::Status {
-        for (auto& [table, records] : m_records)
-            for (auto& [key, record] : records)
-                if (record.flag == MDX_INSERT || record.flag == MDX_UPDATE)
-                    for (const store::ParentField& parent : store::parentFields(*table)) {
-                        const int field = table->find(parent.field);
-                        const auto value = record.values.find(field);
-                        if (value == record.values.end() ||
-                            !store::isKey(store::textOf(value->second)))
-                            continue;
-                        store::Status status =
-                            body(*table, record, field, *store::findTable(parent.table),
-                                 store::foldedKey(store::textOf(value->second)));
-                        if (!status.ok())
-                            return status;
-                    }
-        return {};
-    };
-    store::Status listed =
-        each([&](const store::TableDef&, Record&, int, const store::TableDef& above,
-                 const std::string& key) -> store::Status {
-            wanted[&above].insert(key);
-            return {};
-        });
-    if (!listed.ok())
-        return listed;
-    for (const auto& [above, keys] : wanted) {
-        store::Status status =
-            m_store.storedValues(*above, {keys.begin(), keys.end()}, &stored[above]);
-        if (!status.ok())
-            return status;
-    }
-    std::map<std::string, bool> deleted; // missing parents
-    for (bool again = true; again;) {
-        again = false;
-        store::Status status = each([&](const store::TableDef& table, Record& record, int field,
-                                        const store::TableDef& above,
-                                        const std::string& key) -> store::Status {
-            const auto planned = m_records.find(&above);
-            const Record* parent = nullptr;
-            if (planned != m_records.end())
-                if (const auto found = planned->second.find(key); found != planned->second.end())
-                    parent = &found->second;
-            const bool there = stored[&above].count(key) != 0;
-            if (parent ? parent->flag == MDX_INSERT || (there && parent->flag != MDX_DELETE)
-                       : there)
-                return {};
-            if (const auto place = m_choices.places.find(key); place != m_choices.places.end()) {
-                record.values[field] =
-                    place->second.empty() ? store::Value() : store::Value(place->second);
-                return {};
-            }
-            auto [known, fresh] = deleted.try_emplace(std::string(above.name) + '/' + key, true);
-            if (fresh)
-                if (store::Status asked = wasDeleted(above, key, &known->second); !asked.ok())
-                    return asked;
-            if (!known->second)
-                return {}; // it has been an orphan before
-            if (!m_unplaced.count({&above, key})) {
-                remark(Remark::NoPlace, table, record, field);
-                m_inverse.remarks.back().missing = store::textOf(record.values[field]);
-            }
-            if (record.flag == MDX_INSERT) {
-                record.flag = 0;
-                m_unplaced.insert({&table, store::foldedKey(record.key)});
-            } else {
-                record.values.erase(field);
-                if (record.values.empty())
-                    record.flag = 0;
-            }
-            again = true;
-            return {};
-        });
-        if (!status.ok())
-            return status;
-    }
-    return {};
-}
-
 // What others have built -------------------------------------------------------------------------
 
 store::Status Planning::deleteBelow(const store::TableDef& table, const std::string& key) {
@@ -352,46 +259,6 @@ store::Status Planning::deleteBelow(const store::TableDef& table, const std::str
     for (const auto& [folded, row] : stored)
         for (size_t i = 0; i < row.size(); ++i)
             record.now[static_cast<int>(i)] = row[i];
-    return status;
-}
-
-/// Files that others have put into a form that is to be deleted would go with it.
-store::Status Planning::findUploadsInto(Records& resources) {
-    if (std::none_of(resources.begin(), resources.end(),
-                     [](const auto& entry) { return entry.second.flag == MDX_DELETE; }))
-        return {};
-    const store::TableDef& contents = store::contentTable();
-    store::LogQuery query;
-    query.table = contents.name;
-    query.above = m_standing.begin() - 1;
-    query.oldestFirst = true;
-    std::vector<store::Change> changes;
-    store::Status status = m_store.history(query, INT_MAX, &changes);
-    std::vector<std::string> keys;
-    keys.reserve(changes.size());
-    for (const store::Change& change : changes)
-        keys.push_back(change.key);
-    std::map<std::string, std::vector<store::Value>> stored;
-    if (status.ok())
-        status = m_store.storedValues(contents, keys, &stored);
-    m_changes.push_back(std::move(changes));
-    const auto owner = static_cast<size_t>(contents.find(field::MenuResourceKey));
-    for (const store::Change& change : m_changes.back()) {
-        const auto content = stored.find(store::foldedKey(change.key));
-        const Event event{&change, {}, {}};
-        if (content == stored.end() || isConcerned(event) || !counts(event))
-            continue;
-        const auto resource =
-            resources.find(store::foldedKey(store::textOf(content->second[owner])));
-        if (resource == resources.end() || resource->second.flag != MDX_DELETE)
-            continue;
-        // As with every record: what came after the first of the actions.
-        const std::vector<Event>& events = resource->second.events;
-        const auto first = std::find_if(events.begin(), events.end(),
-                                        [&](const Event& its) { return isConcerned(its); });
-        if (first != events.end() && first->change->id < change.id)
-            resource->second.builtOn = &change;
-    }
     return status;
 }
 
@@ -453,116 +320,6 @@ store::Status Planning::keepWhatIsBuiltOn() {
                     return status;
             }
         }
-    }
-    return {};
-}
-
-// Contents ---------------------------------------------------------------------------------------
-
-bool Planning::hasResource(Record& content) {
-    const Values& values = content.present ? content.now : content.then;
-    const auto owner = values.find(store::contentTable().find(field::MenuResourceKey));
-    if (owner == values.end())
-        return false;
-    const Records& resources = m_records[store::findTable(table::MenuResource)];
-    const auto found = resources.find(store::foldedKey(store::textOf(owner->second)));
-    if (found != resources.end())
-        return found->second.flag == MDX_INSERT ||
-               (found->second.present && found->second.flag != MDX_DELETE);
-    std::map<std::string, std::vector<store::Value>> stored;
-    store::Status status = m_store.storedValues(*store::findTable(table::MenuResource),
-                                                {store::textOf(owner->second)}, &stored);
-    return status.ok() && !stored.empty();
-}
-
-bool Planning::bytesOf(const Record& record, const std::map<int64_t, store::KeptVersion>& kept,
-                       std::optional<store::KeptVersion>* version) const {
-    const store::TableDef& contents = store::contentTable();
-    const auto changesBytes = [&](const Event& event) {
-        // An upload of the same size and time changes no field.
-        return event.change->code != OrvoEventUpdate || event.after.empty() ||
-               event.after.count(contents.find(field::size)) != 0 ||
-               event.after.count(contents.find(field::time)) != 0 ||
-               kept.count(event.change->id) != 0;
-    };
-    // What a change has left is what the next one took away.
-    const Event* last = nullptr;
-    for (const Event& event : record.events)
-        if (counts(event) && changesBytes(event))
-            last = &event;
-    for (const Event& event : record.events) {
-        if ((last && event.change->id <= last->change->id) || !changesBytes(event) ||
-            event.change->code == OrvoEventInsert)
-            continue;
-        const auto found = kept.find(event.change->id);
-        if (found == kept.end())
-            return false;
-        *version = found->second;
-        return true;
-    }
-    return record.present;
-}
-
-store::Status Planning::decideContents() {
-    const store::TableDef& contents = store::contentTable();
-    Records& records = m_records[&contents];
-    if (records.empty())
-        return {};
-    store::VersionQuery query;
-    query.contents.emplace();
-    for (const auto& [key, record] : records)
-        query.contents->push_back(key);
-    std::vector<store::KeptVersion> versions; // the newest first: of an event the first one stays
-    store::Status listed = m_store.versions(query, &versions);
-    if (!listed.ok())
-        return listed;
-    std::map<int64_t, store::KeptVersion> kept;
-    for (store::KeptVersion& version : versions)
-        kept[version.event] = std::move(version);
-    const int size = contents.find(field::size);
-    const int time = contents.find(field::time);
-    for (auto& [key, record] : records) {
-        if (record.flag == MDX_DELETE) {
-            if (!hasResource(record)) // it goes with it
-                record.flag = 0;
-            continue;
-        }
-        if (!record.presentThen || (!record.present && record.flag != MDX_INSERT))
-            continue;
-        // They go with the bytes.
-        record.values.erase(size);
-        record.values.erase(time);
-        if (record.values.empty())
-            record.flag = 0;
-        if (!record.present && !hasResource(record)) {
-            record.flag = 0;
-            continue;
-        }
-        std::optional<store::KeptVersion> version;
-        const bool known = bytesOf(record, kept, &version);
-        if (known && !version)
-            continue;
-        Remark::Why why = Remark::NoBytes;
-        bool whole = known;
-        if (known) {
-            std::string bytes;
-            store::Status read = m_store.versionBytes(version->id, &bytes);
-            if (!read.ok() && read.code != store::Failed && read.code != store::UnknownName)
-                return read;
-            whole = read.ok();
-            why = read.code == store::Failed ? Remark::DamagedBytes : Remark::NoBytes;
-        }
-        if (!whole) {
-            remark(why, contents, record);
-            if (!record.present)
-                record.flag = 0;
-            continue;
-        }
-        record.version = version->id;
-        record.values[size] = static_cast<int64_t>(version->size);
-        record.values[time] = version->fileTime ? store::Value(*version->fileTime) : store::Value();
-        if (record.flag == 0)
-            record.flag = record.present ? MDX_UPDATE : MDX_INSERT;
     }
     return {};
 }

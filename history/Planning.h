@@ -1,4 +1,5 @@
-// Planning.h: the steps in which an inverse is found. Of Inverse.cpp alone.
+// Planning.h: the steps in which an inverse is found. Of Inverse.cpp alone. Places and contents
+// have files of their own.
 #ifndef ORVO_HISTORY_PLANNING_H
 #define ORVO_HISTORY_PLANNING_H
 
@@ -54,6 +55,13 @@ private:
         const store::Change* builtOn = nullptr; ///< somebody's change of what is to be deleted
     };
     using Records = std::map<std::string, Record>; ///< by folded key
+    /// A link by which a record that is to be written stands below another one.
+    struct Placement {
+        const store::TableDef* table;
+        Record* record; ///< in m_records
+        int field;
+        const store::TableDef* above;
+    };
 
     bool isConcerned(const Event& event) const {
         return m_concerned.count(event.change->group) != 0;
@@ -63,14 +71,35 @@ private:
     void update(const store::TableDef& table, Record& record);
     void remark(Remark::Why why, const store::TableDef& table, const Record& record, int field = -1,
                 const store::Change* change = nullptr);
-    /// Whether the content's resource will be there.
-    bool hasResource(Record& content);
+
+    /// Null: the plan has nothing to do with that record. The key is folded.
+    const Record* planned(const store::TableDef& table, const std::string& key) const;
+
+    std::vector<Placement> placements();
+    /// Reads what the records are to stand below, and what was chosen instead.
+    store::Status readAbove(const std::vector<Placement>& placements);
+    store::Status parentOf(const Placement& of, const std::string& key, std::string* parent);
+    /// Whether the record can stand below that one; `isChosen`: by the user.
+    store::Status canStand(const Placement& placement, const std::string& key, bool isChosen,
+                           std::optional<Remark::Why>* whyNot);
+    /// Leaves the link out if the record cannot stand there.
+    store::Status place(const Placement& placement, bool* changed);
+    store::Status wasDeleted(const store::TableDef& table, const std::string& key, bool* deleted);
+
+    /// What will have become of the resource of a content.
+    enum class Owner {
+        Missing,
+        There,
+        Kept, ///< although it was to be deleted
+    };
+    store::Status ownerOf(const Record& content, Owner* owner);
     /// The bytes that the changes that stand have left to a content: those that it has, if there
     /// is no version; false if nobody knows them any more.
     bool bytesOf(const Record& record, const std::map<int64_t, store::KeptVersion>& kept,
                  std::optional<store::KeptVersion>* version) const;
-    store::Status wasDeleted(const store::TableDef& table, const std::string& key, bool* deleted);
+    /// Files that others have put into a form that is to be deleted would go with it.
     store::Status findUploadsInto(Records& resources);
+
     store::Status deleteBelow(const store::TableDef& table, const std::string& key);
     void part(const store::TableDef& table, int flag);
 
@@ -82,8 +111,11 @@ private:
     std::vector<std::vector<store::Change>> m_changes; ///< that the events are about
     std::map<const store::TableDef*, Records> m_records;
     bool m_alone = false; ///< nothing was written since the actions but by them
-    /// Records that were to be restored and have no place, by folded key.
-    std::set<std::pair<const store::TableDef*, std::string>> m_unplaced;
+
+    // Of the places; by table and folded key.
+    std::map<const store::TableDef*, std::map<std::string, std::vector<store::Value>>> m_above;
+    std::map<std::pair<const store::TableDef*, std::string>, bool> m_deleted; ///< of missing ones
+    std::set<std::pair<const store::TableDef*, std::string>> m_unplaced; ///< not restored for that
 };
 
 } // namespace orvo::history

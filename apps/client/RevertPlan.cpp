@@ -101,7 +101,7 @@ void describePlan(store::MaintainedStore& store, bool withWrites, RevertPlan* pl
     }
     std::set<std::string> missing;
     for (const history::Remark& remark : plan->inverse.remarks) {
-        if (remark.why == history::Remark::NoPlace && withWrites) {
+        if (remark.asksForPlace() && withWrites) {
             if (missing.insert(store::foldedKey(remark.missing)).second)
                 plan->places.push_back(placeOf(store, source, remark));
         } else if (remark.why == history::Remark::BuiltOn) {

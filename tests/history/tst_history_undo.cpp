@@ -34,16 +34,21 @@ private slots:
     void severalActionsGoInOneTransaction();
     void ofOnesOwnLaterChangesTheNewestStays();
     void aPlanThatIsOutOfDateIsMadeAnew();
+    void whatCameMeanwhileBelowIsNotLost();
+    void aFolderThatCameInsideIsNoPlace();
+    void aChosenPlaceHasToBeThere();
     void changesByHandAreTakenBack();
     void textsThatRecordsCannotHoldComeBackAsTheyWere();
     void anUploadIsTakenBack();
     void bytesComeBack();
     void bytesOfOthersStay();
     void aFormIntoWhichOthersPutFilesAsksBeforeItGoes();
+    void aFormThatStaysKeepsItsBytes();
     void aFolderOfFormsComesBackWithItsBytes();
     void bytesThatAreGoneAreReported();
     void damagedBytesAreReported();
     void aForgottenActionIsNamed();
+    void anActionWithoutItsBeginningIsNamed();
     void actionsOfAnOldStoreAreTakenBack();
 
 private:
@@ -171,7 +176,7 @@ void TestHistoryUndo::aBranchWithoutItsParentAsksForAPlace() {
     QVERIFY(!done.written && done.asks());
     QCOMPARE(
         remarks(done),
-        QStringList{"Не возвращено: элемент меню «Б»: нет места, папка меню удалена запись «А»"});
+        QStringList{"Не возвращено: элемент меню «Б»: нет места, удалена запись «А» (папка меню)"});
     QCOMPARE(done.remarks.front().missing, std::string("a"));
     QCOMPARE(snapshot(), before);
     Choices choices;
@@ -270,6 +275,67 @@ void TestHistoryUndo::aPlanThatIsOutOfDateIsMadeAnew() {
     rename(*m_boris, "a", "2");
     ORVO_FAILS(m_anna->writeAll(plan.parts, plan.seen, plan.undoes), Outdated);
     QCOMPARE(caption("a"), QString("2"));
+}
+
+/// Somebody else is quicker than the plan.
+void TestHistoryUndo::whatCameMeanwhileBelowIsNotLost() {
+    ORVO_OK(Batch("Menu").insert("n", {{"caption", "Новая"}}).send(*m_anna));
+    Inverse plan;
+    ORVO_OK(planInverse(*m_anna, {last(*m_anna)}, {}, &plan));
+    ORVO_OK(Batch("Menu").insert("o", {{"parent", "n"}}).send(*m_boris));
+    QStringList before = snapshot();
+    ORVO_FAILS(m_anna->writeAll(plan.parts, plan.seen, plan.undoes), Outdated);
+    QCOMPARE(snapshot(), before);
+
+    ORVO_OK(Batch("Menu").remove("c").send(*m_anna));
+    ORVO_OK(planInverse(*m_anna, {last(*m_anna)}, {}, &plan));
+    ORVO_OK(Batch("Menu").remove("b").send(*m_boris));
+    before = snapshot();
+    ORVO_FAILS(m_anna->writeAll(plan.parts, plan.seen, plan.undoes), Outdated);
+    QCOMPARE(snapshot(), before);
+}
+
+void TestHistoryUndo::aFolderThatCameInsideIsNoPlace() {
+    const QStringList before = snapshot();
+    ORVO_OK(Batch("Menu").update("b", {{"parent", ""}, {"params", "1"}}).send(*m_anna));
+    const int64_t hers = last(*m_anna);
+    ORVO_OK(Batch("Menu").update("a", {{"parent", "c"}}).send(*m_boris));
+    const int64_t his = last(*m_boris);
+    const QStringList moved = snapshot();
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {hers}, {}, &done));
+    QVERIFY(!done.written && done.asks());
+    QCOMPARE(remarks(done),
+             QStringList{"Не возвращено: элемент меню «Б»: нет места, «А» стоит теперь внутри"});
+    QCOMPARE(snapshot(), moved);
+    Choices choices;
+    choices.places["a"] = "c"; // is inside as well
+    ORVO_OK(planInverse(*m_anna, {hers}, choices, &done));
+    QVERIFY(done.asks());
+    choices.places["a"] = "";
+    ORVO_OK(planInverse(*m_anna, {hers}, choices, &done));
+    QVERIFY(!done.asks());
+    Inverse both;
+    ORVO_OK(planInverse(*m_anna, {hers, his}, {}, &both));
+    QVERIFY(!both.asks());
+    ORVO_OK(undo(*m_boris, {his}, {}, &done));
+    ORVO_OK(undo(*m_anna, {hers}, {}, &done));
+    QCOMPARE(snapshot(), before);
+}
+
+void TestHistoryUndo::aChosenPlaceHasToBeThere() {
+    ORVO_OK(Batch("Menu").remove("c").remove("b").send(*m_anna));
+    const int64_t hers = last(*m_anna);
+    ORVO_OK(Batch("Menu").remove("a").send(*m_boris));
+    const QStringList before = snapshot();
+    for (const char* place : {"nowhere", "d", "b"}) { // of another table; itself
+        Choices choices;
+        choices.places["a"] = place;
+        Inverse done;
+        ORVO_OK(undo(*m_anna, {hers}, choices, &done));
+        QVERIFY2(!done.written && done.asks(), place);
+        QCOMPARE(snapshot(), before);
+    }
 }
 
 void TestHistoryUndo::changesByHandAreTakenBack() {
@@ -393,6 +459,19 @@ void TestHistoryUndo::aFormIntoWhichOthersPutFilesAsksBeforeItGoes() {
     QCOMPARE(snapshot(), before);
 }
 
+void TestHistoryUndo::aFormThatStaysKeepsItsBytes() {
+    ORVO_OK(Batch("MenuResourceFolder").insert("forms", {{"type_", 3}}).send(*m_anna));
+    ORVO_OK(m_anna->formPut("", {{"", "a_", "anna's", {}}}));
+    const int64_t hers = last(*m_anna);
+    ORVO_OK(m_boris->formPut("", {{"", "a_", "anna's", {}}, {"", "a.png", "boris'", {}}}));
+    const QStringList before = snapshot();
+    Choices choices;
+    choices.partly = true;
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {hers}, choices, &done));
+    QCOMPARE(snapshot(), before);
+}
+
 void TestHistoryUndo::aFolderOfFormsComesBackWithItsBytes() {
     ORVO_OK(Batch("MenuResourceFolder")
                 .insert("files", {{"type_", 4}, {"caption", "plans"}})
@@ -455,6 +534,22 @@ void TestHistoryUndo::aForgottenActionIsNamed() {
     ORVO_OK(undo(*m_anna, {first}, {}, &done));
     QVERIFY(!done.written);
     QCOMPARE(remarks(done), QStringList{QString("Действие %1 журнал уже не помнит").arg(first)});
+}
+
+void TestHistoryUndo::anActionWithoutItsBeginningIsNamed() {
+    ORVO_OK(Batch("Menu")
+                .update("a", {{"caption", "1"}})
+                .update("b", {{"caption", "2"}})
+                .send(*m_anna));
+    const int64_t action = last(*m_anna);
+    ORVO_OK(m_anna->pruneLog(action));
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {action}, {}, &done));
+    QVERIFY(done.written);
+    QCOMPARE(caption("a"), QString("1"));
+    QCOMPARE(caption("b"), QString("Б"));
+    QCOMPARE(remarks(done),
+             QStringList{QString("Действие %1: его начало журнал уже не помнит").arg(action)});
 }
 
 void TestHistoryUndo::actionsOfAnOldStoreAreTakenBack() {

@@ -3,6 +3,7 @@
 #include "apps/admin/Verb.h"
 #include "history/GroupWords.h"
 #include "history/Inverse.h"
+#include "platform/store/Names.h"
 
 #include <algorithm>
 
@@ -36,8 +37,7 @@ history::Choices readChoices(const Invocation& call) {
     const size_t middle = pair.find('=');
     if (middle == std::string::npos || middle == 0)
         throw Failure(std::string(what) + ": --place «" + pair + "» не вида БЫЛА=СТАЛА");
-    choices.places[QString::fromStdString(pair.substr(0, middle)).toLower().toStdString()] =
-        pair.substr(middle + 1);
+    choices.places[store::foldedKey(pair.substr(0, middle))] = pair.substr(middle + 1);
     return choices;
 }
 

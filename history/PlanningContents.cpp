@@ -1,0 +1,166 @@
+// What an inverse does about the contents of forms and files.
+#include "history/Planning.h"
+
+#include "frame/Vocabulary.h"
+#include "platform/store/Names.h"
+
+#include <algorithm>
+#include <climits>
+
+namespace orvo::history {
+
+store::Status Planning::findUploadsInto(Records& resources) {
+    if (std::none_of(resources.begin(), resources.end(),
+                     [](const auto& entry) { return entry.second.flag == MDX_DELETE; }))
+        return {};
+    const store::TableDef& contents = store::contentTable();
+    store::LogQuery query;
+    query.table = contents.name;
+    query.above = m_standing.begin() - 1;
+    query.oldestFirst = true;
+    std::vector<store::Change> changes;
+    store::Status status = m_store.history(query, INT_MAX, &changes);
+    std::vector<std::string> keys;
+    keys.reserve(changes.size());
+    for (const store::Change& change : changes)
+        keys.push_back(change.key);
+    std::map<std::string, std::vector<store::Value>> stored;
+    if (status.ok())
+        status = m_store.storedValues(contents, keys, &stored);
+    m_changes.push_back(std::move(changes));
+    const auto owner = static_cast<size_t>(contents.find(field::MenuResourceKey));
+    for (const store::Change& change : m_changes.back()) {
+        const auto content = stored.find(store::foldedKey(change.key));
+        const Event event{&change, {}, {}};
+        if (content == stored.end() || isConcerned(event) || !counts(event))
+            continue;
+        const auto resource =
+            resources.find(store::foldedKey(store::textOf(content->second[owner])));
+        if (resource == resources.end() || resource->second.flag != MDX_DELETE)
+            continue;
+        // As with every record: what came after the first of the actions.
+        const std::vector<Event>& events = resource->second.events;
+        const auto first = std::find_if(events.begin(), events.end(),
+                                        [&](const Event& its) { return isConcerned(its); });
+        if (first != events.end() && first->change->id < change.id)
+            resource->second.builtOn = &change;
+    }
+    return status;
+}
+
+store::Status Planning::ownerOf(const Record& content, Owner* owner) {
+    *owner = Owner::Missing;
+    const store::TableDef& resources = *store::findTable(table::MenuResource);
+    const Values& values = content.present ? content.now : content.then;
+    const auto link = values.find(store::contentTable().find(field::MenuResourceKey));
+    if (link == values.end())
+        return {};
+    const std::string key = store::foldedKey(store::textOf(link->second));
+    if (const Record* resource = planned(resources, key)) {
+        if (resource->flag == MDX_INSERT || (resource->present && resource->flag != MDX_DELETE))
+            *owner = resource->present && !resource->presentThen ? Owner::Kept : Owner::There;
+        return {};
+    }
+    std::map<std::string, std::vector<store::Value>> stored;
+    store::Status status = m_store.storedValues(resources, {key}, &stored);
+    if (!stored.empty())
+        *owner = Owner::There;
+    return status;
+}
+
+bool Planning::bytesOf(const Record& record, const std::map<int64_t, store::KeptVersion>& kept,
+                       std::optional<store::KeptVersion>* version) const {
+    const store::TableDef& contents = store::contentTable();
+    const auto changesBytes = [&](const Event& event) {
+        // An upload of the same size and time changes no field.
+        return event.change->code != OrvoEventUpdate || event.after.empty() ||
+               event.after.count(contents.find(field::size)) != 0 ||
+               event.after.count(contents.find(field::time)) != 0 ||
+               kept.count(event.change->id) != 0;
+    };
+    // What a change has left is what the next one took away.
+    const Event* last = nullptr;
+    for (const Event& event : record.events)
+        if (counts(event) && changesBytes(event))
+            last = &event;
+    for (const Event& event : record.events) {
+        if ((last && event.change->id <= last->change->id) || !changesBytes(event) ||
+            event.change->code == OrvoEventInsert)
+            continue;
+        const auto found = kept.find(event.change->id);
+        if (found == kept.end())
+            return false;
+        *version = found->second;
+        return true;
+    }
+    return record.present;
+}
+
+store::Status Planning::decideContents() {
+    const store::TableDef& contents = store::contentTable();
+    Records& records = m_records[&contents];
+    if (records.empty())
+        return {};
+    store::VersionQuery query;
+    query.contents.emplace();
+    for (const auto& [key, record] : records)
+        query.contents->push_back(key);
+    std::vector<store::KeptVersion> versions; // the newest first: of an event the first one stays
+    store::Status listed = m_store.versions(query, &versions);
+    if (!listed.ok())
+        return listed;
+    std::map<int64_t, store::KeptVersion> kept;
+    for (store::KeptVersion& version : versions)
+        kept[version.event] = std::move(version);
+    const int size = contents.find(field::size);
+    const int time = contents.find(field::time);
+    for (auto& [key, record] : records) {
+        Owner owner = Owner::There;
+        if (record.flag == MDX_DELETE || !record.present)
+            if (store::Status asked = ownerOf(record, &owner); !asked.ok())
+                return asked;
+        if (record.flag == MDX_DELETE) {
+            if (owner != Owner::There) // it goes, or stays, with its resource
+                record.flag = 0;
+            continue;
+        }
+        if (!record.presentThen || (!record.present && record.flag != MDX_INSERT))
+            continue;
+        // They go with the bytes.
+        record.values.erase(size);
+        record.values.erase(time);
+        if (record.values.empty())
+            record.flag = 0;
+        if (owner == Owner::Missing) {
+            record.flag = 0;
+            continue;
+        }
+        std::optional<store::KeptVersion> version;
+        const bool known = bytesOf(record, kept, &version);
+        if (known && !version)
+            continue;
+        Remark::Why why = Remark::NoBytes;
+        bool whole = known;
+        if (known) {
+            store::Status read = m_store.versionBytes(version->id, nullptr);
+            if (!read.ok() && read.code != store::Failed && read.code != store::UnknownName)
+                return read;
+            whole = read.ok();
+            why = read.code == store::Failed ? Remark::DamagedBytes : Remark::NoBytes;
+        }
+        if (!whole) {
+            remark(why, contents, record);
+            if (!record.present)
+                record.flag = 0;
+            continue;
+        }
+        record.version = version->id;
+        record.values[size] = static_cast<int64_t>(version->size);
+        record.values[time] = version->fileTime ? store::Value(*version->fileTime) : store::Value();
+        if (record.flag == 0)
+            record.flag = record.present ? MDX_UPDATE : MDX_INSERT;
+    }
+    return {};
+}
+
+} // namespace orvo::history

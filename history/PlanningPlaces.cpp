@@ -1,0 +1,174 @@
+// Where what an inverse restores is to stand.
+#include "history/Planning.h"
+
+#include "frame/Vocabulary.h"
+#include "platform/store/LinkCycles.h"
+#include "platform/store/Merge.h"
+#include "platform/store/Names.h"
+
+#include <algorithm>
+
+namespace orvo::history {
+
+const store::TableDef* targetTable(const store::TableDef& table, int field) {
+    for (const store::ParentField& parent : store::parentFields(table))
+        if (table.find(parent.field) == field)
+            return store::findTable(parent.table);
+    return nullptr;
+}
+
+const Planning::Record* Planning::planned(const store::TableDef& table,
+                                          const std::string& key) const {
+    const auto records = m_records.find(&table);
+    if (records == m_records.end())
+        return nullptr;
+    const auto found = records->second.find(key);
+    return found == records->second.end() ? nullptr : &found->second;
+}
+
+store::Status Planning::wasDeleted(const store::TableDef& table, const std::string& key,
+                                   bool* deleted) {
+    const auto [known, fresh] = m_deleted.try_emplace({&table, key}, false);
+    if (fresh) {
+        std::vector<store::Change> changes;
+        if (store::Status status = m_store.changesSince(table, {key}, 0, &changes); !status.ok())
+            return status;
+        known->second =
+            std::any_of(changes.begin(), changes.end(),
+                        [](const store::Change& change) { return change.code == OrvoEventDelete; });
+    }
+    *deleted = known->second;
+    return {};
+}
+
+std::vector<Planning::Placement> Planning::placements() {
+    std::vector<Placement> found;
+    for (auto& [table, records] : m_records)
+        for (auto& [key, record] : records)
+            if (record.flag == MDX_INSERT || record.flag == MDX_UPDATE)
+                for (const store::ParentField& parent : store::parentFields(*table)) {
+                    const int field = table->find(parent.field);
+                    if (record.values.count(field) != 0)
+                        found.push_back({table, &record, field, store::findTable(parent.table)});
+                }
+    return found;
+}
+
+store::Status Planning::readAbove(const std::vector<Placement>& placements) {
+    std::map<const store::TableDef*, std::set<std::string>> wanted;
+    for (const Placement& one : placements) {
+        const std::string key = store::foldedKey(store::textOf(one.record->values.at(one.field)));
+        wanted[one.above].insert(key);
+        if (const auto place = m_choices.places.find(key); place != m_choices.places.end())
+            wanted[one.above].insert(store::foldedKey(place->second));
+    }
+    store::Status status;
+    for (const auto& [above, keys] : wanted)
+        if (status.ok())
+            status = m_store.storedValues(*above, {keys.begin(), keys.end()}, &m_above[above]);
+    return status;
+}
+
+/// As LinkCycles wants to know it: of the record itself as it is, of the others as they will be.
+store::Status Planning::parentOf(const Placement& of, const std::string& key, std::string* parent) {
+    parent->clear();
+    const Record* const record = planned(*of.table, key);
+    if (record) {
+        const bool moves = record != of.record && record->flag != 0;
+        const Values& values =
+            moves && record->values.count(of.field) != 0 ? record->values : record->now;
+        if (const auto found = values.find(of.field);
+            found != values.end() && record->flag != MDX_DELETE)
+            *parent = store::textOf(found->second);
+        return {};
+    }
+    auto& stored = m_above[of.table];
+    if (stored.count(key) == 0)
+        if (store::Status status = m_store.storedValues(*of.table, {key}, &stored); !status.ok())
+            return status;
+    if (const auto row = stored.find(key); row != stored.end())
+        *parent = store::textOf(row->second[static_cast<size_t>(of.field)]);
+    return {};
+}
+
+store::Status Planning::canStand(const Placement& placement, const std::string& key, bool isChosen,
+                                 std::optional<Remark::Why>* whyNot) {
+    const Record* const parent = planned(*placement.above, key);
+    const bool isStored = m_above[placement.above].count(key) != 0;
+    const bool willBe = parent && parent->flag == MDX_INSERT;
+    if (!willBe && (!isStored || (parent && parent->flag == MDX_DELETE))) {
+        *whyNot = Remark::NoPlace;
+        return {};
+    }
+    whyNot->reset();
+    // What is restored may name what names it: so it was.
+    const bool wasSo = placement.record->flag == MDX_INSERT && !isChosen;
+    if (placement.above != placement.table || wasSo)
+        return {};
+    store::LinkCycles cycles(*placement.table);
+    cycles.add({MDX_UPDATE, placement.record->key, {{placement.field, store::Value(key)}}});
+    store::Status status = cycles.check(
+        [&](const std::string& at, std::string* above) { return parentOf(placement, at, above); });
+    if (status.code != store::Refused)
+        return status;
+    *whyNot = Remark::PlaceInside;
+    return {};
+}
+
+store::Status Planning::place(const Placement& placement, bool* changed) {
+    Record& record = *placement.record;
+    const auto link = record.values.find(placement.field);
+    if (record.flag == 0 || link == record.values.end() ||
+        !store::isKey(store::textOf(link->second)))
+        return {};
+    const std::string missing = store::textOf(link->second);
+    const std::string key = store::foldedKey(missing);
+    std::optional<Remark::Why> whyNot, whyNotChosen;
+    store::Status status = canStand(placement, key, false, &whyNot);
+    if (!status.ok() || !whyNot)
+        return status;
+    if (const auto chosen = m_choices.places.find(key); chosen != m_choices.places.end()) {
+        if (!chosen->second.empty())
+            status = canStand(placement, store::foldedKey(chosen->second), true, &whyNotChosen);
+        if (!status.ok())
+            return status;
+        if (!whyNotChosen) {
+            link->second = chosen->second.empty() ? store::Value() : store::Value(chosen->second);
+            return {};
+        }
+    }
+    if (whyNot == Remark::NoPlace) {
+        bool deleted = false;
+        status = wasDeleted(*placement.above, key, &deleted);
+        if (!status.ok() || !deleted) // it has been an orphan before
+            return status;
+    }
+    if (!m_unplaced.count({placement.above, key})) {
+        remark(*whyNot, *placement.table, record, placement.field);
+        m_inverse.remarks.back().missing = missing;
+    }
+    if (record.flag == MDX_INSERT) {
+        record.flag = 0;
+        m_unplaced.insert({placement.table, store::foldedKey(record.key)});
+    } else {
+        record.values.erase(link);
+        if (record.values.empty())
+            record.flag = 0;
+    }
+    *changed = true;
+    return {};
+}
+
+store::Status Planning::placeRestored() {
+    const std::vector<Placement> all = placements();
+    store::Status status = readAbove(all);
+    for (bool again = true; again;) { // what has no place is no place for others
+        again = false;
+        for (const Placement& one : all)
+            if (status.ok())
+                status = place(one, &again);
+    }
+    return status;
+}
+
+} // namespace orvo::history
