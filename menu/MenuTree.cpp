@@ -95,13 +95,13 @@ std::vector<OrvoMenu::MenuFolderRow> OrvoMenu::addMenuRows(MenuTreeModel::Batch&
 QVector<QVariant> OrvoMenu::menuValues(const MDRData* record) const {
     QVector<QVariant> values = m_elementFields.values(record);
     const QString resourceKey = values[MenuColumn::MenuResKey].toString();
-    values[MenuColumn::IsNew] = false;
+    values.replace(MenuColumn::IsNew, false);
     if (resourceKey.isEmpty()) {
-        values[MenuColumn::Type] = convertMenuAttributes(0);
+        values.replace(MenuColumn::Type, convertMenuAttributes(0));
     } else if (const MDRData* resource = orvo::seekKey(m_tabResource, resourceKey)) {
-        values[MenuColumn::Type] =
-            convertMenuAttributes(orvo::integerOf(resource, orvo::field::type_));
-        values[MenuColumn::Command] = orvo::textOf(resource, orvo::field::name_);
+        values.replace(MenuColumn::Type,
+                       convertMenuAttributes(orvo::integerOf(resource, orvo::field::type_)));
+        values.replace(MenuColumn::Command, orvo::textOf(resource, orvo::field::name_));
     }
     return values;
 }

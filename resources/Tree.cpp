@@ -175,15 +175,15 @@ void OrvoResources::loadResItemRow(const QModelIndex& parent, int row, MDRData* 
 QVector<QVariant> OrvoResources::folderValues(const MDRData* record) const {
     QVector<QVariant> values = orvo::resources::folderFields().values(record);
     values.resize(ResColumn::Count);
-    values[ResColumn::IsFolder] = true;
-    values[ResColumn::IsNew] = false;
+    values.replace(ResColumn::IsFolder, true);
+    values.replace(ResColumn::IsNew, false);
     return values;
 }
 
 QVector<QVariant> OrvoResources::itemValues(const MDRData* record) const {
     QVector<QVariant> values = orvo::resources::itemFields().values(record);
-    values[ResColumn::IsFolder] = false;
-    values[ResColumn::Blocked] = orvo::resources::NotLocked;
+    values.replace(ResColumn::IsFolder, false);
+    values.replace(ResColumn::Blocked, orvo::resources::NotLocked);
     if (values[ResColumn::Type].toInt() == Kind::Form)
         addLock(record, values);
     return values;
@@ -228,16 +228,16 @@ void OrvoResources::addLock(const MDRData* record, QVector<QVariant>& values) co
     if (!user)
         return;
     const QString caption = getUserCaption(user, &m_tabUsers);
-    values[ResColumn::Lock] = caption;
+    values.replace(ResColumn::Lock, caption);
     if (caption.isEmpty())
         return;
     const QString time = timeText(record, orvo::fieldOf(record, orvo::field::dateTimeEdit),
                                   QStringLiteral("dd.MM.yyyy hh:mm:ss"));
     if (!time.isEmpty())
-        values[ResColumn::LockTime] = time;
-    values[ResColumn::Blocked] = orvo::holdsText(user, orvo::field::login_, m_userLogin)
-                                     ? orvo::resources::LockedHere
-                                     : orvo::resources::LockedElsewhere;
+        values.replace(ResColumn::LockTime, time);
+    const bool ours = orvo::holdsText(user, orvo::field::login_, m_userLogin);
+    values.replace(ResColumn::Blocked,
+                   ours ? orvo::resources::LockedHere : orvo::resources::LockedElsewhere);
 }
 
 int32_t OrvoResources::getResFolderPosition(const QString& key, const QString& parentKey,
