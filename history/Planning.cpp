@@ -222,14 +222,18 @@ store::Status Planning::decide() {
             }
             work(record);
             const Event* deletion = nullptr;
+            bool wasTakenBack = false; // the making of it
             for (const Event& event : record.events)
-                if (counts(event) && event.change->code == OrvoEventDelete)
-                    deletion = &event;
+                if (event.change->code == OrvoEventDelete) {
+                    wasTakenBack = wasTakenBack || !counts(event);
+                    deletion = counts(event) ? &event : deletion;
+                }
             if (record.presentThen && record.present) {
                 update(*table, record);
             } else if (!record.present && !record.wasMadeOrDeleted) {
-                remark(Remark::DeletedSince, *table, record, -1,
-                       deletion ? deletion->change : nullptr);
+                if (deletion || !wasTakenBack)
+                    remark(Remark::DeletedSince, *table, record, -1,
+                           deletion ? deletion->change : nullptr);
             } else if (record.presentThen) {
                 record.flag = MDX_INSERT;
                 record.values = record.then;

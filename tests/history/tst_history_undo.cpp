@@ -49,6 +49,7 @@ private slots:
     void damagedBytesAreReported();
     void aForgottenActionIsNamed();
     void anActionWithoutItsBeginningIsNamed();
+    void whatIsGoneWithItsMakingIsNotCalledDeleted();
     void actionsOfAnOldStoreAreTakenBack();
 
 private:
@@ -550,6 +551,23 @@ void TestHistoryUndo::anActionWithoutItsBeginningIsNamed() {
     QCOMPARE(caption("b"), QString("Б"));
     QCOMPARE(remarks(done),
              QStringList{QString("Действие %1: его начало журнал уже не помнит").arg(action)});
+}
+
+void TestHistoryUndo::whatIsGoneWithItsMakingIsNotCalledDeleted() {
+    const QStringList before = snapshot();
+    ORVO_OK(Batch("Menu").insert("n", {{"caption", "Новая"}}).send(*m_anna));
+    const int64_t made = last(*m_anna);
+    ORVO_OK(Batch("Menu").update("n", {{"caption", "Другая"}}).send(*m_boris));
+    const int64_t renamed = last(*m_boris);
+    Choices choices;
+    choices.othersWorkToo = true;
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {made}, choices, &done));
+    QVERIFY(done.written);
+    QCOMPARE(snapshot(), before);
+    ORVO_OK(undo(*m_boris, {renamed}, {}, &done));
+    QCOMPARE(done.count, size_t(0));
+    QCOMPARE(remarks(done), QStringList());
 }
 
 void TestHistoryUndo::actionsOfAnOldStoreAreTakenBack() {
