@@ -147,7 +147,7 @@ void TestAdminApply::whatNoStoreCanHoldIsRefused_data() {
     row("key twice", "\"Menu\": [\n", "\"Menu\": [\n{\"KeyLink\":\"A\"},\n",
         "таблица Menu, запись 2 (ключ \"a\"): такой ключ уже есть");
     row("no key", "\"KeyLink\":\"a\",", "", "в ключе KeyLink допустимы только");
-    row("file name that leads out", "\"name_\":\"a.ui\",\"size\"", "\"name_\":\"../a.ui\",\"size\"",
+    row("file name that leads out", "\"name_\":\"a.ui\",\"time\"", "\"name_\":\"../a.ui\",\"time\"",
         "недопустимое имя файла \"../a.ui\"");
     row("huge size", "\"size\":4", "\"size\":2147483647", "размер содержимого");
     row("inside itself", "\"caption\":\"А\"", "\"parent\":\"b\",\"caption\":\"А\"",

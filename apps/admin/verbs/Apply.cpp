@@ -180,6 +180,9 @@ int runApply(const Invocation& call) {
     if (call.has("only"))
         top = readPath(call.value("only"), living, exported);
     const history::Difference difference = history::differenceOf(living, exported, top, false);
+    const bool dry = call.has("dry-run");
+    if (!dry && !difference.changes.empty()) // what is told has happened
+        require(store->writeAll(difference.parts, seen, {}), what);
     Both source(exported, living);
     print(difference, source);
     const std::string count = std::to_string(difference.changes.size());
@@ -187,11 +190,10 @@ int runApply(const Invocation& call) {
         out("различий нет");
         return Done;
     }
-    if (call.has("dry-run")) {
+    if (dry) {
         out("записалось бы записей: " + count);
         return Done;
     }
-    require(store->writeAll(difference.parts, seen, {}), what);
     out("записано записей: " + count + "; отменить: orvo-admin undo " +
         std::to_string(store->lastWritten().first));
     return Done;
