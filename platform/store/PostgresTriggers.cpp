@@ -2,8 +2,8 @@
 //
 // The functions that log run with the owner's rights on behalf of whoever writes, who may have made
 // types, functions, operators and tables of any name in a schema of his own. So each sets its
-// search path, and names what it uses with its schema all the same. Setting a path is paid per
-// call, which is why one call does all that a row needs.
+// search path, and names what it uses with its schema all the same. A call is dear, which is why
+// one logs all rows of a statement.
 #include "platform/store/PostgresSchema.h"
 
 #include "frame/Vocabulary.h"
@@ -43,13 +43,13 @@ std::string whole(const TableDef& table, const char* row) {
     return sql + ", '}')";
 }
 
-/// JSON object of the values of a row that the update changed.
+/// JSON object of the values of a row ("o." or "n.") that the update changed.
 std::string changed(const TableDef& table, const char* row) {
     std::string sql = "pg_catalog.concat('{', pg_catalog.substr(pg_catalog.concat(";
     for (size_t i = 1; i < table.fields.size(); ++i) { // a changed key is no update
         const FieldDef& field = table.fields[i];
-        const std::string before = named("OLD.", field);
-        const std::string after = named("NEW.", field);
+        const std::string before = named("o.", field);
+        const std::string after = named("n.", field);
         sql += std::string(i == 1 ? "" : ",\n      ") + "CASE WHEN coalesce(" + before + equals +
                after + ", " + before + " IS NULL AND " + after +
                " IS NULL) THEN '' ELSE pg_catalog.concat(',\"" + field.name + "\":', " +
@@ -63,14 +63,13 @@ bool hasDates(const TableDef& table) {
                        [](const FieldDef& field) { return field.type == MDX_DATE; });
 }
 
-/// Gives v_id its number and v_group the group of a new row. The rows of a transaction follow each
-/// other, since it keeps the log to itself from before the first of them to its end: so a row
-/// belongs to the group of the newest row exactly if the same transaction has written that. Nobody
-/// can claim a transaction, unlike a setting. The first row of a transaction may join a group of
-/// its own login.
-constexpr const char* takeNumbers =
-    R"(    v_id := pg_catalog.nextval('public."NciEventId"');
-    SELECT "group", "xact" INTO v_group, v_xact FROM public."NciEvent"
+/// Gives v_group the group of the row v_id, the next one, and of those that the call writes with
+/// it. The rows of a transaction follow each other, since it keeps the log to itself from before
+/// the first of them to its end: so a row belongs to the group of the newest row exactly if the
+/// same transaction has written that. Nobody can claim a transaction, unlike a setting. The first
+/// row of a transaction may join a group of its own login.
+constexpr const char* takeGroup =
+    R"(    SELECT "group", "xact" INTO v_group, v_xact FROM public."NciEvent"
       WHERE "id" OPERATOR(pg_catalog.<) v_id ORDER BY "id" DESC LIMIT 1;
     v_undoes := '';
     IF NOT coalesce(v_xact OPERATOR(pg_catalog.=) pg_catalog.pg_current_xact_id(), false) THEN
@@ -91,14 +90,22 @@ constexpr const char* takeNumbers =
     END IF;
 )";
 
-std::string logEvent(const TableDef& table, OrvoEvent code, const char* key,
-                     const std::string& after, const std::string& before) {
-    return std::string(takeNumbers) + "    INSERT INTO public.\"NciEvent\" VALUES (v_id, " +
+/// Writes rows to the log, the first of them with the number v_id: one for each row of `from`, or a
+/// single one.
+std::string logEvents(const TableDef& table, OrvoEvent code, const std::string& key,
+                      const std::string& after, const std::string& before,
+                      const std::string& from = {}) {
+    const auto ofFirst = [](const char* first, const char* others) {
+        return std::string("CASE pg_catalog.row_number() OVER () WHEN 1 THEN ") + first + " ELSE " +
+               others + " END";
+    };
+    return "INSERT INTO public.\"NciEvent\" SELECT\n      " +
+           ofFirst("v_id", "pg_catalog.nextval('public.\"NciEventId\"')") + ", " +
            std::to_string(code) + ", " + literal(table.name) + ",\n      " + key +
            ", v_login, pg_catalog.date_part('epoch', pg_catalog.clock_timestamp()),\n      " +
            after + ",\n      " + before +
-           ", v_call,\n      v_group, pg_catalog.pg_current_xact_id(), v_client, v_place, "
-           "v_undoes);\n";
+           ", v_call,\n      v_group, pg_catalog.pg_current_xact_id(), v_client, v_place, " +
+           ofFirst("v_undoes", "''") + from;
 }
 
 /// The login is that of the session, which nobody can choose. Only who owns the store, as whom the
@@ -131,32 +138,72 @@ BEGIN
   END IF;
 )";
 
-/// `onDelete` and `onNewKey` are statements that run before a deletion and after a change of key.
+/// The rows of an update, as they were and as they are, but for those whose key it changed. They
+/// come in one order. An outer join, since a plan that was made for a single row would compare each
+/// of them with all others.
+constexpr const char* updatedRows = R"(
+      FROM (SELECT pg_catalog.row_number() OVER () AS num, * FROM gone) AS o
+      FULL JOIN (SELECT pg_catalog.row_number() OVER () AS num, * FROM come) AS n USING (num)
+      WHERE o."KeyLink" OPERATOR(pg_catalog.=) n."KeyLink")";
+
+/// The log of contents: the bytes that a change takes away get its number.
+std::string logContents(const std::string& events) {
+    return "WITH logged AS (" + events + R"( RETURNING "id", "key")
+    UPDATE public."NciVersion" AS v SET "event" = l."id", "login" = v_login FROM logged AS l
+      WHERE v."event" IS NULL
+        AND pg_catalog.lower(v."KeyLink") OPERATOR(pg_catalog.=) pg_catalog.lower(l."key"))";
+}
+
+/// `onDelete` and `onNewKey` are statements that run before a deletion, of the rows `gone`, and
+/// after the change of a key, of OLD and NEW. The row of a changed key is called for itself: it is
+/// a deletion and an insertion.
 void addLogTriggers(Definitions& all, const TableDef& table, const std::string& onDelete = {},
                     const std::string& onNewKey = {}) {
     const std::string name = std::string(table.name) + ".log";
-    std::string sql = std::string(writer) + "  IF TG_OP" + equals + "'INSERT' THEN\n";
-    sql += logEvent(table, OrvoEventInsert, "NEW.\"KeyLink\"", whole(table, "NEW."), "'{}'");
-    sql += std::string("  ELSIF TG_OP") + equals + "'DELETE' THEN\n" + onDelete;
-    sql += logEvent(table, OrvoEventDelete, "OLD.\"KeyLink\"", "'{}'", whole(table, "OLD."));
-    sql += std::string("  ELSIF OLD.\"KeyLink\"") + equals + "NEW.\"KeyLink\" THEN\n";
-    sql += logEvent(table, OrvoEventUpdate, "NEW.\"KeyLink\"", changed(table, "NEW."),
-                    changed(table, "OLD."));
-    sql += "  ELSE\n";
-    sql += logEvent(table, OrvoEventDelete, "OLD.\"KeyLink\"", "'{}'", whole(table, "OLD."));
-    sql += logEvent(table, OrvoEventInsert, "NEW.\"KeyLink\"", whole(table, "NEW."), "'{}'");
-    sql += onNewKey + "  END IF;\n";
-    if (std::string_view(table.name) == table::MenuResourceFile)
-        sql += std::string(
-                   "  IF TG_OP OPERATOR(pg_catalog.<>) 'INSERT' THEN\n"
-                   "    UPDATE public.\"NciVersion\" SET \"event\" = v_id, \"login\" = v_login\n"
-                   "      WHERE \"event\" IS NULL AND pg_catalog.lower(\"KeyLink\")") +
-               equals + "pg_catalog.lower(OLD.\"KeyLink\");\n  END IF;\n";
-    sql += "  RETURN NULL;\nEND ";
+    const bool contents = std::string_view(table.name) == table::MenuResourceFile;
+    const auto log = [&](const std::string& events) {
+        return "    " + (contents ? logContents(events) : events) + ";\n";
+    };
+    const char* const takeNumber = "    v_id := pg_catalog.nextval('public.\"NciEventId\"');\n";
+    // A statement that finds nothing takes none.
+    const auto numbersFor = [](const char* rows) {
+        return std::string(
+                   "    SELECT pg_catalog.nextval('public.\"NciEventId\"') INTO v_id FROM ") +
+               rows + " LIMIT 1;\n    IF v_id IS NULL THEN\n      RETURN NULL;\n    END IF;\n" +
+               takeGroup;
+    };
+    std::string sql =
+        std::string(writer) + "  IF TG_LEVEL" + equals + "'ROW' THEN\n" + takeNumber + takeGroup;
+    sql += log(logEvents(table, OrvoEventDelete, "OLD.\"KeyLink\"", "'{}'", whole(table, "OLD.")));
+    sql += std::string(takeNumber) + "    v_undoes := '';\n    " +
+           logEvents(table, OrvoEventInsert, "NEW.\"KeyLink\"", whole(table, "NEW."), "'{}'") +
+           ";\n" + onNewKey;
+    sql += std::string("  ELSIF TG_OP") + equals + "'INSERT' THEN\n" + numbersFor("come") + "    " +
+           logEvents(table, OrvoEventInsert, "n.\"KeyLink\"", whole(table, "n."), "'{}'",
+                     "\n      FROM come AS n") +
+           ";\n";
+    sql += std::string("  ELSIF TG_OP") + equals + "'DELETE' THEN\n" + onDelete +
+           numbersFor("gone") +
+           log(logEvents(table, OrvoEventDelete, "o.\"KeyLink\"", "'{}'", whole(table, "o."),
+                         "\n      FROM gone AS o"));
+    sql += "  ELSE\n" + numbersFor("come") +
+           log(logEvents(table, OrvoEventUpdate, "n.\"KeyLink\"", changed(table, "n."),
+                         changed(table, "o."), updatedRows));
+    sql += "  END IF;\n  RETURN NULL;\nEND ";
     // Dates to the last bit, whatever the session is set to. And the newest row by its index: a
-    // plan made while the log was short would read all of it for each row of a long transaction.
+    // plan made while the log was short would read all of it for each statement of a long
+    // transaction.
     all.push_back(Function{name, "trigger", sql, true, hasDates(table), true});
-    all.push_back(Trigger{"log", table.name, "AFTER INSERT OR UPDATE OR DELETE", "ROW", name});
+    const auto after = [&](const char* trigger, const char* when, const char* each,
+                           const char* rows) {
+        all.push_back(Trigger{trigger, table.name, when, each, name, rows});
+    };
+    after("rekeyed", "AFTER UPDATE",
+          "ROW WHEN (OLD.\"KeyLink\" OPERATOR(pg_catalog.<>) NEW.\"KeyLink\")", "");
+    after("inserted", "AFTER INSERT", "STATEMENT", "REFERENCING NEW TABLE AS come ");
+    after("deleted", "AFTER DELETE", "STATEMENT", "REFERENCING OLD TABLE AS gone ");
+    after("updated", "AFTER UPDATE", "STATEMENT",
+          "REFERENCING OLD TABLE AS gone NEW TABLE AS come ");
     all.push_back(
         Trigger{"lock", table.name, "BEFORE INSERT OR UPDATE OR DELETE", "STATEMENT", "NciLock"});
     all.push_back(Trigger{"truncate", table.name, "BEFORE TRUNCATE", "STATEMENT", "NciTruncate"});
@@ -393,16 +440,19 @@ END $orvo$;
 std::vector<Definition> definitions(const Dictionary& dictionary) {
     Definitions all;
     addLogFunctions(all);
-    const std::string owned = std::string(" WHERE pg_catalog.lower(\"MenuResourceKey\")") + equals +
-                              "pg_catalog.lower(OLD.\"KeyLink\");\n";
     for (const TableDef& table : dictionary.tables) {
         // Content goes, and changes its owner's key, with its resource.
         const bool owner = std::string_view(table.name) == table::MenuResource;
         addLogTriggers(all, table,
-                       owner ? "    DELETE FROM public.\"MenuResourceFile\"" + owned : "",
-                       owner ? "    UPDATE public.\"MenuResourceFile\" SET \"MenuResourceKey\" = "
-                               "NEW.\"KeyLink\"" +
-                                   owned
+                       owner ? "    DELETE FROM public.\"MenuResourceFile\"\n"
+                               "      WHERE pg_catalog.lower(\"MenuResourceKey\") "
+                               "OPERATOR(pg_catalog.=) ANY\n"
+                               "        (SELECT pg_catalog.lower(\"KeyLink\") FROM gone);\n"
+                             : "",
+                       owner ? "    UPDATE public.\"MenuResourceFile\"\n"
+                               "      SET \"MenuResourceKey\" = NEW.\"KeyLink\"\n"
+                               "      WHERE pg_catalog.lower(\"MenuResourceKey\")\n"
+                               "        OPERATOR(pg_catalog.=) pg_catalog.lower(OLD.\"KeyLink\");\n"
                              : "");
     }
     addLogTriggers(all, dictionary.content);

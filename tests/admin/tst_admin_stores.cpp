@@ -38,10 +38,10 @@ void TestAdminStores::initAgainChangesNothing() {
 }
 
 void TestAdminStores::aDroppedTriggerIsNamedByCheckAndMadeAnewByInit() {
-    QVERIFY(m_kind.byHand(isPostgres() ? "DROP TRIGGER \"log\" ON \"Menu\";"
+    QVERIFY(m_kind.byHand(isPostgres() ? "DROP TRIGGER \"updated\" ON \"Menu\";"
                                        : "DROP TRIGGER \"Menu.updated\";"));
     const QString named =
-        isPostgres() ? "Нет триггера log таблицы Menu" : "Нет триггера Menu.updated";
+        isPostgres() ? "Нет триггера updated таблицы Menu" : "Нет триггера Menu.updated";
     const AdminResult check = run({"check"});
     QCOMPARE(check.code, 1);
     QVERIFY2(check.out.contains(named), qPrintable(check.out));

@@ -422,7 +422,7 @@ void TestAccess::integrityFindsWhatIsBroken() {
     ORVO_OK(m_store->integrity(&damages));
     QCOMPARE(damages.size(), size_t(0));
     QVERIFY(byHand("UPDATE \"MenuResourceFileData\" SET \"data\" = 'b';"
-                   "ALTER TABLE \"Menu\" DISABLE TRIGGER \"log\";"));
+                   "ALTER TABLE \"Menu\" DISABLE TRIGGER \"updated\";"));
     ORVO_OK(m_store->integrity(&damages));
     QCOMPARE(damages.size(), size_t(3));
     QVERIFY(damages[0].find("Menu") != std::string::npos);

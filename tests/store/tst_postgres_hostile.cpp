@@ -40,8 +40,8 @@ DELETE FROM public."MenuFileExt";
 /// What neither may do.
 const char* const refused[] = {
     "ALTER TABLE public.\"Menu\" DISABLE TRIGGER ALL",
-    "ALTER TABLE public.\"Menu\" DISABLE TRIGGER \"log\"",
-    "DROP TRIGGER \"log\" ON public.\"Menu\"",
+    "ALTER TABLE public.\"Menu\" DISABLE TRIGGER \"updated\"",
+    "DROP TRIGGER \"updated\" ON public.\"Menu\"",
     "DROP FUNCTION public.\"Menu.log\"() CASCADE",
     "ALTER FUNCTION public.\"Menu.log\"() RESET search_path",
     "CREATE OR REPLACE FUNCTION public.\"NciTakeLock\"() RETURNS void LANGUAGE sql AS ''",

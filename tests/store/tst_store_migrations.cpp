@@ -249,7 +249,7 @@ void TestMigrations::missingAndAlteredTriggersAreNamedAndMadeAnew_data() {
                             << QString(isSqlite() ? litely : serverly);
     };
     row("dropped", "DROP TRIGGER \"Menu.updated\";", "Нет триггера Menu.updated",
-        "DROP TRIGGER \"log\" ON \"Menu\";", "Нет триггера log таблицы Menu");
+        "DROP TRIGGER \"updated\" ON \"Menu\";", "Нет триггера updated таблицы Menu");
     row("of the log itself", "DROP TRIGGER \"NciEvent.deleted\";", "Нет триггера NciEvent.deleted",
         "DROP TRIGGER \"number\" ON \"NciEvent\";", "Нет триггера number таблицы NciEvent");
     row("altered",
@@ -268,22 +268,24 @@ void TestMigrations::missingAndAlteredTriggersAreNamedAndMadeAnew_data() {
     const auto server = [](const char* name, const char* sql, const char* named) {
         QTest::newRow(name) << QByteArray(sql) << QString(named);
     };
-    server("disabled", "ALTER TABLE \"Menu\" DISABLE TRIGGER \"log\";",
-           "Отключён триггер log таблицы Menu");
-    server("for replicas only", "ALTER TABLE \"Menu\" ENABLE REPLICA TRIGGER \"log\";",
-           "Отключён триггер log таблицы Menu");
+    server("disabled", "ALTER TABLE \"Menu\" DISABLE TRIGGER \"updated\";",
+           "Отключён триггер updated таблицы Menu");
+    server("for replicas only", "ALTER TABLE \"Menu\" ENABLE REPLICA TRIGGER \"updated\";",
+           "Отключён триггер updated таблицы Menu");
     server("with a condition",
-           "DROP TRIGGER \"log\" ON \"Menu\"; CREATE TRIGGER \"log\" AFTER INSERT OR UPDATE OR "
-           "DELETE ON \"Menu\" FOR EACH ROW WHEN (false) EXECUTE FUNCTION \"Menu.log\"();",
-           "Изменён триггер log таблицы Menu");
+           "DROP TRIGGER \"inserted\" ON \"Menu\"; CREATE TRIGGER \"inserted\" AFTER INSERT ON "
+           "\"Menu\" REFERENCING NEW TABLE AS come FOR EACH STATEMENT WHEN (false) EXECUTE "
+           "FUNCTION \"Menu.log\"();",
+           "Изменён триггер inserted таблицы Menu");
     server("of some columns",
-           "DROP TRIGGER \"log\" ON \"Menu\"; CREATE TRIGGER \"log\" AFTER INSERT OR UPDATE OF "
-           "\"caption\" OR DELETE ON \"Menu\" FOR EACH ROW EXECUTE FUNCTION \"Menu.log\"();",
-           "Изменён триггер log таблицы Menu");
+           "DROP TRIGGER \"rekeyed\" ON \"Menu\"; CREATE TRIGGER \"rekeyed\" AFTER UPDATE OF "
+           "\"caption\" ON \"Menu\" FOR EACH ROW WHEN (true) EXECUTE FUNCTION \"Menu.log\"();",
+           "Изменён триггер rekeyed таблицы Menu");
     server("with another function",
-           "DROP TRIGGER \"log\" ON \"Menu\"; CREATE TRIGGER \"log\" AFTER INSERT OR UPDATE OR "
-           "DELETE ON \"Menu\" FOR EACH ROW EXECUTE FUNCTION \"Users.log\"();",
-           "Изменён триггер log таблицы Menu");
+           "DROP TRIGGER \"inserted\" ON \"Menu\"; CREATE TRIGGER \"inserted\" AFTER INSERT ON "
+           "\"Menu\" REFERENCING NEW TABLE AS come FOR EACH STATEMENT EXECUTE FUNCTION "
+           "\"Users.log\"();",
+           "Изменён триггер inserted таблицы Menu");
     server("empty function",
            "CREATE OR REPLACE FUNCTION \"Menu.log\"() RETURNS trigger LANGUAGE plpgsql SECURITY "
            "DEFINER SET search_path = pg_catalog, pg_temp AS 'BEGIN RETURN NULL; END';",

@@ -128,7 +128,7 @@ const char* const statements[] = {
     "ALTER TABLE public.{T} ENABLE ROW LEVEL SECURITY",
     "ALTER TABLE public.{T} REPLICA IDENTITY FULL",
     "DROP TABLE public.{T} CASCADE",
-    "DROP TRIGGER IF EXISTS \"log\" ON public.{T}",
+    "DROP TRIGGER IF EXISTS \"updated\" ON public.{T}",
     "DROP FUNCTION public.{F} CASCADE",
     "ALTER FUNCTION public.{F} SECURITY INVOKER",
     "ALTER FUNCTION public.{F} RESET ALL",

@@ -1,0 +1,1 @@
+-- The changes of a statement are logged in one call.
