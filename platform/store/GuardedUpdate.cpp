@@ -47,10 +47,7 @@ Status GuardedUpdate::apply(UpdateGuard* guard) {
         status = refuseCycles();
     if (status.ok() && guard != nullptr)
         status = checkChildren(*guard);
-    for (const Write& write : m_writes)
-        if (status.ok())
-            status = m_backend.apply(m_table, write);
-    return status;
+    return status.ok() ? m_backend.applyAll(m_table, m_writes) : status;
 }
 
 Status GuardedUpdate::merge(UpdateGuard& guard) {

@@ -81,6 +81,7 @@ protected:
     Status inRead(const Work& work) override;
     Status inWrite(const Work& work) override;
     Status apply(const TableDef& table, const Write& write) override;
+    Status applyAll(const TableDef& table, const std::vector<Write>& writes) override;
     Status applyContent(const Write& write, std::string_view bytes) override;
     Status contentBytes(const std::string& key, std::string* bytes) override;
     Status select(const TableDef& table, const std::vector<int>& fields,
@@ -142,6 +143,8 @@ private:
     /// Sends a statement; the first failure met so far.
     Status send(const std::string& sql, const Parameters& parameters, std::string what,
                 bool writes);
+    /// Sends one statement for the writes of a batch, which begins there.
+    Status sendBatch(const TableDef& table, std::vector<Write>::const_iterator first);
     /// Takes results until that many are outstanding.
     void receive(size_t left);
     void receiveOne();

@@ -59,12 +59,16 @@ std::string writeStatement(const TableDef& table, const Write& write, const Writ
     const auto parameter = [&](size_t number) { return syntax.parameter + std::to_string(number); };
     if (write.flag == MDX_INSERT) {
         std::string names = key;
-        std::string places = parameter(1);
-        for (size_t i = 0; i < columns.size(); ++i) {
-            names += ", " + columns[i];
-            places += ", " + parameter(i + 2);
+        for (const std::string& column : columns)
+            names += ", " + column;
+        std::string rows;
+        for (size_t number = 1; number <= syntax.rows * (columns.size() + 1);) {
+            rows += (rows.empty() ? "(" : ", (") + parameter(number++);
+            for (size_t i = 0; i < columns.size(); ++i)
+                rows += ", " + parameter(number++);
+            rows += ')';
         }
-        return "INSERT INTO " + syntax.table + " (" + names + ") VALUES (" + places + ")";
+        return "INSERT INTO " + syntax.table + " (" + names + ") VALUES " + rows;
     }
     // Without fields too there is an update, for the sake of its echo.
     std::string set = columns.empty() ? key + " = " + key : "";

@@ -25,6 +25,7 @@ struct WriteSyntax {
     std::string whereKey;        ///< condition by which parameter 1 finds the record
     char parameter = '?';        ///< in front of a parameter's number
     const char* extra = nullptr; ///< a column more, whose value is the last parameter
+    size_t rows = 1;             ///< so many are inserted, each with parameters of its own
 };
 /// The statement for a write of this shape: parameter 1 is the key, then come its values.
 std::string writeStatement(const TableDef& table, const Write& write, const WriteSyntax& syntax);

@@ -72,6 +72,8 @@ public:
     /// Applies one write, inside inWrite. An insert of an existing key is Refused; update and
     /// delete of a missing one do nothing. With a resource its contents go too.
     virtual Status apply(const TableDef& table, const Write& write) = 0;
+    /// Applies writes one after the other, or as if.
+    virtual Status applyAll(const TableDef& table, const std::vector<Write>& writes);
     /// Deletes all records and contents, inside inWrite.
     virtual Status clearAll() = 0;
 

@@ -31,6 +31,14 @@ Status StoreBackend::storedKeys(const TableDef& table, const std::vector<std::st
                       [&](const Row& row) { stored->insert(foldedKey(textOf(row.front()))); });
 }
 
+Status StoreBackend::applyAll(const TableDef& table, const std::vector<Write>& writes) {
+    Status status;
+    for (const Write& write : writes)
+        if (status.ok())
+            status = apply(table, write);
+    return status;
+}
+
 Status StoreCore::changesSince(const TableDef& table, const std::vector<std::string>& keys,
                                int64_t since, std::vector<Change>* changes) {
     return guarded([&]() -> Status {

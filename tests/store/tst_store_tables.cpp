@@ -39,6 +39,7 @@ private slots:
     void valuesOfForeignTypesCannotBeWrittenByHand();
     void usersAreAddedOnce();
     void manyRecordsGoInOneCall();
+    void ofManyRecordsTheOneThatCannotBeIsNamed();
     void nothingComesToLieBelowItself_data();
     void nothingComesToLieBelowItself();
     void aCircleThatIsThereCanBeMended();
@@ -583,6 +584,39 @@ void TestTables::manyRecordsGoInOneCall() {
     int32_t order = 0;
     MDRGetAsInt32(MDRFldByName(array.array, "order_"), MDARec(array.array, 0, 4321), &order);
     QCOMPARE(order, 4321);
+}
+
+void TestTables::ofManyRecordsTheOneThatCannotBeIsNamed() {
+    const auto many = [&](int flag, const char* odd) -> Status {
+        Batch batch("MenuFileExt");
+        for (int i = 0; i < 350; ++i) {
+            const QByteArray key = i == 250 ? QByteArray(odd) : "k" + QByteArray::number(i);
+            if (flag == MDX_INSERT)
+                batch.insert(key.constData(),
+                             {{"fileExt", i % 2 ? QString("%1\n").arg(i) : QVariant()}});
+            else
+                batch.remove(key.constData());
+        }
+        return batch.send(*m_store);
+    };
+    ORVO_OK(Batch("MenuFileExt").insert("Here", {{"fileExt", "1"}}).send(*m_store));
+    const QString before = wholeStore(*m_store);
+    const Status refused = many(MDX_INSERT, "here");
+    ORVO_FAILS(refused, Refused);
+    QVERIFY2(refused.text.find("\"here\"") != std::string::npos, refused.text.c_str());
+    QCOMPARE(wholeStore(*m_store), before);
+
+    const int64_t since = position();
+    ORVO_OK(many(MDX_INSERT, "k250"));
+    ORVO_OK(many(MDX_DELETE, "missing"));
+    QCOMPARE(dump(*m_store, "MenuFileExt", {"KeyLink", "fileExt"}), QString("Here|1\nk250|-"));
+    std::vector<Change> changes;
+    ORVO_OK(m_store->readLog(since, 1000, &changes));
+    QCOMPARE(changes.size(), size_t(350 + 349));
+    QCOMPARE(changes[17].key, std::string("k17"));
+    QCOMPARE(changes[17].after, std::string(R"({"KeyLink":"k17","fileExt":"17\n"})"));
+    for (size_t i = 0; i < changes.size(); ++i)
+        QCOMPARE(changes[i].group, changes[i < 350 ? 0 : 350].id);
 }
 
 int main(int argc, char** argv) {
