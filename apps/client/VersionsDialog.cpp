@@ -3,6 +3,7 @@
 #include "apps/client/FormViewer.h"
 #include "apps/client/LogPane.h"
 #include "apps/client/Look.h"
+#include "apps/formview/Channel.h"
 #include "frame/Vocabulary.h"
 #include "platform/store/Names.h"
 
@@ -25,6 +26,10 @@ namespace orvo::app {
 namespace {
 
 enum Column { Name, Time, Size, Until, Who };
+
+QString sizeText(uint64_t size) {
+    return QLocale(QLocale::Russian).formattedDataSize(static_cast<qint64>(size));
+}
 
 QString timeText(double time) {
     return QDateTime::fromMSecsSinceEpoch(std::llround(time * 1000.0))
@@ -151,8 +156,7 @@ void VersionsDialog::showVersions(const std::vector<store::KeptVersion>& version
         auto* row = new QTreeWidgetItem(m_list);
         row->setText(Name, oneLine(QString::fromStdString(version.name)));
         row->setText(Time, version.fileTime ? timeText(*version.fileTime) : QString());
-        row->setText(
-            Size, QLocale(QLocale::Russian).formattedDataSize(static_cast<qint64>(version.size)));
+        row->setText(Size, sizeText(version.size));
         row->setText(Until, timeText(version.time));
         row->setText(Who, version.login.empty() ? QStringLiteral("(вручную)")
                                                 : oneLine(QString::fromStdString(version.login)));
@@ -169,34 +173,37 @@ const store::KeptVersion* VersionsDialog::current() const {
     return row < 0 ? nullptr : &m_versions[static_cast<size_t>(row)];
 }
 
-void VersionsDialog::withBytes(
-    std::function<void(const store::KeptVersion& version, const std::string& bytes)> use) {
+void VersionsDialog::openVersion() {
     const store::KeptVersion* version = current();
     if (!version)
         return;
+    if (version->size > formview::largestFile) {
+        m_note->setText(QStringLiteral("Не открыто: больше %1, можно извлечь.")
+                            .arg(sizeText(formview::largestFile)));
+        return;
+    }
     auto bytes = std::make_shared<std::string>();
     m_thread.run(
         this,
         [bytes, id = version->id](store::MaintainedStore& store) {
-            return store.versionBytes(id, bytes.get());
+            return store.versionBytes(id, [&](std::string_view piece) -> store::Status {
+                *bytes += piece;
+                return {};
+            });
         },
-        [this, bytes, version = *version, use = std::move(use)](const store::Status& status) {
-            if (status.ok())
-                use(version, *bytes);
-            else
+        [this, bytes, version = *version](const store::Status& status) {
+            if (!status.ok()) {
                 m_note->setText(QString::fromStdString(status.text));
+                return;
+            }
+            const store::StoredFile file{version.name, version.fileTime, version.size, *bytes};
+            auto* window =
+                new FormWindow(installation::formViewProgram(),
+                               QString::fromStdString(version.name), {file}, {}, {}, this);
+            window->setAttribute(Qt::WA_DeleteOnClose);
+            connect(window, &FormWindow::problem, m_note, &QLabel::setText);
+            window->show();
         });
-}
-
-void VersionsDialog::openVersion() {
-    withBytes([this](const store::KeptVersion& version, const std::string& bytes) {
-        const store::StoredFile file{version.name, version.fileTime, version.size, bytes};
-        auto* window = new FormWindow(installation::formViewProgram(),
-                                      QString::fromStdString(version.name), {file}, {}, {}, this);
-        window->setAttribute(Qt::WA_DeleteOnClose);
-        connect(window, &FormWindow::problem, m_note, &QLabel::setText);
-        window->show();
-    });
 }
 
 void VersionsDialog::extract() {
@@ -214,16 +221,34 @@ void VersionsDialog::extract() {
 }
 
 void VersionsDialog::extractTo(const QString& file) {
-    withBytes([this, file](const store::KeptVersion&, const std::string& bytes) {
-        QSaveFile out(file);
-        const bool saved = out.open(QIODevice::WriteOnly) &&
-                           out.write(bytes.data(), static_cast<qint64>(bytes.size())) ==
-                               static_cast<qint64>(bytes.size()) &&
-                           out.commit();
-        m_note->setText(saved
-                            ? QStringLiteral("Извлечено: %1").arg(file)
-                            : QStringLiteral("Не извлечено: %1: %2").arg(file, out.errorString()));
-    });
+    const store::KeptVersion* version = current();
+    if (!version)
+        return;
+    m_thread.run(
+        this,
+        [file, id = version->id](store::MaintainedStore& store) -> store::Status {
+            QSaveFile out(file);
+            const auto failed = [&]() -> store::Status {
+                return {store::Failed,
+                        (file + QStringLiteral(": ") + out.errorString()).toStdString()};
+            };
+            if (!out.open(QIODevice::WriteOnly))
+                return failed();
+            const store::Status read =
+                store.versionBytes(id, [&](std::string_view piece) -> store::Status {
+                    const auto size = static_cast<qint64>(piece.size());
+                    return out.write(piece.data(), size) == size ? store::Status() : failed();
+                });
+            if (!read.ok())
+                return read; // nothing of it stays
+            return out.flush() && out.commit() ? store::Status() : failed();
+        },
+        [this, file](const store::Status& status) {
+            m_note->setText(
+                status.ok()
+                    ? QStringLiteral("Извлечено: %1").arg(file)
+                    : QStringLiteral("Не извлечено: %1").arg(QString::fromStdString(status.text)));
+        });
 }
 
 void VersionsDialog::putBack() {

@@ -31,8 +31,6 @@ signals:
 private:
     void load();
     void showVersions(const std::vector<store::KeptVersion>& versions);
-    void
-    withBytes(std::function<void(const store::KeptVersion& version, const std::string& bytes)> use);
     void openVersion();
     void extract();
     void putBack();

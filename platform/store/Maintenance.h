@@ -102,6 +102,9 @@ public:
 Status checkRecord(const TableDef& table, const std::vector<Value>& values,
                    const std::string& place);
 
+/// Takes the next piece of some bytes; anything but Ok ends the reading.
+using TakePiece = std::function<Status(std::string_view piece)>;
+
 /// What is to be changed of a user; what is left empty stays.
 struct UserChange {
     std::optional<std::string> lastName, firstName, midlName;
@@ -144,10 +147,10 @@ public:
 
     /// The versions that the query lets pass, the newest first, without their bytes.
     virtual Status versions(const VersionQuery& query, std::vector<KeptVersion>* versions) = 0;
-    /// The bytes of a version; null: they are only checked, and never in memory as a whole.
-    /// UnknownName if it is kept no more; Failed, naming it, if they are not the ones that its
-    /// checksum was made of.
-    virtual Status versionBytes(int64_t id, std::string* bytes) = 0;
+    /// Hands over the bytes of a version, a piece at a time; null: they are only checked. They are
+    /// never in memory as a whole. UnknownName if it is kept no more; Failed, naming it, if they
+    /// are not the ones that its checksum was made of: then the pieces are not to be used.
+    virtual Status versionBytes(int64_t id, const TakePiece& take) = 0;
     /// Forgets the versions that were replaced before that time and, of the others, the oldest ones
     /// beyond so many bytes. With `onlyLook` it only tells what would go.
     virtual Status pruneVersions(double before, uint64_t mostBytes, bool onlyLook,

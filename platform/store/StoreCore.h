@@ -45,7 +45,7 @@ public:
                     const std::vector<int64_t>& undoes) final;
 
     Status versions(const VersionQuery& query, std::vector<KeptVersion>* versions) final;
-    Status versionBytes(int64_t id, std::string* bytes) final;
+    Status versionBytes(int64_t id, const TakePiece& take) final;
     Status pruneVersions(double before, uint64_t mostBytes, bool onlyLook,
                          PrunedVersions* pruned) final;
 
@@ -97,7 +97,7 @@ protected:
                               std::vector<Change>* changes);
     /// Checks the bytes of a version, a piece at a time; outside inWrite. What is asked for besides
     /// may be null.
-    Status readVersion(const KeptVersion& version, std::string* bytes,
+    Status readVersion(const KeptVersion& version, const TakePiece& take,
                        std::string* sha256 = nullptr);
     /// Names a write in messages.
     static std::string placeOf(const TableDef& table, const Write& write);

@@ -64,35 +64,31 @@ Status StoreCore::findVersion(int64_t id, KeptVersion* version) {
     return {};
 }
 
-Status StoreCore::readVersion(const KeptVersion& version, std::string* bytes, std::string* sha256) {
-    std::string read;
+Status StoreCore::readVersion(const KeptVersion& version, const TakePiece& take,
+                              std::string* sha256) {
     uint64_t size = 0;
     Checksum sum;
     const Status status = versionPieces(version.id, [&](std::string_view piece) -> Status {
-        if (bytes != nullptr)
-            read += piece;
         size += piece.size();
         sum.add(piece);
-        return {};
+        return take ? take(piece) : Status();
     });
     if (!status.ok())
         return {status.code, nameOf(version) + ": " + status.text};
     const std::string found = sum.text();
     if (size != version.size || (!version.sha256.empty() && found != version.sha256))
         return {Failed, nameOf(version) + " повреждено: не сходится с контрольной суммой"};
-    if (bytes != nullptr)
-        *bytes = std::move(read);
     if (sha256 != nullptr)
         *sha256 = found;
     return {};
 }
 
-Status StoreCore::versionBytes(int64_t id, std::string* bytes) {
+Status StoreCore::versionBytes(int64_t id, const TakePiece& take) {
     return guarded([&]() -> Status {
         return inRead([&]() -> Status {
             KeptVersion version;
             const Status status = findVersion(id, &version);
-            return status.ok() ? readVersion(version, bytes) : status;
+            return status.ok() ? readVersion(version, take) : status;
         });
     });
 }

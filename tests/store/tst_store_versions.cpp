@@ -33,6 +33,13 @@ private slots:
     void viewersSeeThemAndNobodyWritesThem();
 
 private:
+    static TakePiece into(std::string* bytes) {
+        bytes->clear();
+        return [bytes](std::string_view piece) -> Status {
+            *bytes += piece;
+            return {};
+        };
+    }
     bool isSqlite() const { return m_kind.name() == "sqlite"; }
     /// "name: bytes" of all versions, the newest first.
     QStringList kept(const VersionQuery& query = {}) {
@@ -42,7 +49,7 @@ private:
         for (const KeptVersion& version : all) {
             std::string bytes;
             if (status.ok())
-                status = m_boss->versionBytes(version.id, &bytes);
+                status = m_boss->versionBytes(version.id, into(&bytes));
             lines << QString::fromStdString(version.name + ": " + bytes);
         }
         return status.ok() ? lines : QStringList{QString::fromStdString(status.text)};
@@ -197,7 +204,7 @@ void TestVersions::aDamagedVersionIsNamed() {
                                      : "UPDATE \"NciVersionData\" SET \"data\" = 'AAA';"));
     std::string bytes;
     const KeptVersion version = newest();
-    const Status status = m_boss->versionBytes(version.id, &bytes);
+    const Status status = m_boss->versionBytes(version.id, into(&bytes));
     QCOMPARE(status.code, int(Failed));
     const std::string words = "Прежнее содержимое файла \"a_\" (версия " +
                               std::to_string(version.id) +
@@ -207,7 +214,7 @@ void TestVersions::aDamagedVersionIsNamed() {
     std::vector<std::string> damages;
     ORVO_OK(m_boss->integrity(&damages));
     QCOMPARE(damages, std::vector<std::string>{words});
-    ORVO_FAILS(m_boss->versionBytes(version.id + 1, &bytes), UnknownName);
+    ORVO_FAILS(m_boss->versionBytes(version.id + 1, into(&bytes)), UnknownName);
 }
 
 void TestVersions::oldAndManyVersionsAreForgotten() {
