@@ -6,6 +6,8 @@
 #include "platform/store/Merge.h"
 #include "platform/store/Names.h"
 
+#include <QElapsedTimer>
+
 #include <algorithm>
 #include <climits>
 #include <map>
@@ -14,9 +16,12 @@ namespace orvo::history {
 
 namespace {
 
-/// So many changes are read at once, and so many for one call of next().
+/// So many changes are read at once, and for so long in one call of next().
 constexpr int portion = 500;
-constexpr int mostPerCall = 20000;
+constexpr qint64 longestMs = 50;
+/// So many changes make a page as well as its groups do: there may be large ones, one after the
+/// other.
+constexpr size_t mostInPage = 4000;
 
 void takeHead(const store::Change& change, Group* group) {
     group->id = change.group;
@@ -154,8 +159,9 @@ store::Status Reader::read(const std::function<bool()>& wantsMore,
                            const std::function<store::Status(store::Change& change)>& take) {
     store::Status status = m_begun ? store::Status() : begin();
     std::vector<store::Change> changes;
-    for (int read = 0; status.ok() && !m_end && read < mostPerCall && wantsMore();
-         read += portion) {
+    QElapsedTimer time;
+    time.start();
+    while (status.ok() && !m_end && wantsMore() && time.elapsed() < longestMs) {
         status = m_store.history(m_query, portion, &changes);
         bool all = changes.size() < static_cast<size_t>(portion);
         for (store::Change& change : changes) {
@@ -174,13 +180,15 @@ store::Status Reader::read(const std::function<bool()>& wantsMore,
 
 store::Status Reader::next(size_t most, std::vector<Group>* groups) {
     std::vector<Group> found;
+    size_t count = 0;
     store::Status status =
-        read([&] { return found.size() < most; },
+        read([&] { return found.size() < most && count < mostInPage; },
              [&](const store::Change& change) -> store::Status {
                  if (!m_given.insert(change.group).second)
                      return {};
                  Group group;
                  store::Status done = readGroup(m_store, change.group, &group, Group::mostChanges);
+                 count += group.changes.size();
                  if (done.ok() && !group.changes.empty())
                      found.push_back(std::move(group));
                  return done;

@@ -54,11 +54,14 @@ public:
     Reader(store::MaintainedStore& store, Filter filter);
 
     /// Adds the next groups, at most `most` of them, in the order of their last changes. May add
-    /// none although there are more.
+    /// fewer, or none, although there are more.
     store::Status next(size_t most, std::vector<Group>* groups);
     /// The same with single changes, newest first.
     store::Status nextChanges(size_t most, std::vector<store::Change>* changes);
     bool atEnd() const { return m_end; }
+    /// Of the changes with this id or a higher one all that pass were handed over; 0: none were
+    /// read.
+    int64_t reached() const { return m_query.below; }
 
 private:
     store::Status begin();

@@ -332,7 +332,7 @@ void HistoryFeed::refresh() {
             status = reader.next(pageSize, &groups);
             page->atEnd = reader.atEnd();
             // So many that they do not meet those on show: from the newest on.
-            page->isRestart = groups.size() == pageSize && groups.back().changes.back().id > newest;
+            page->isRestart = !page->atEnd && reader.reached() > newest + 1;
             groups.erase(std::remove_if(groups.begin(), groups.end(),
                                         [newest](const history::Group& group) {
                                             return group.changes.back().id <= newest;
