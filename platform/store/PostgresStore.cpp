@@ -1,5 +1,6 @@
 #include "platform/store/PostgresStore.h"
 
+#include "frame/Vocabulary.h"
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/Names.h"
 #include "platform/store/PostgresCopy.h"
@@ -36,6 +37,23 @@ void writeRecord(const TableDef& table, const PGresult* result, int row,
         ++i;
     }
     writer.end();
+}
+
+/// Whether a value is found in the index of that text, which holds the beginnings of the values.
+std::string indexed(const std::string& text, const std::string& value) {
+    return "left(" + text + ", 100) = left(" + value + ", 100) AND " + text + " = " + value;
+}
+
+/// Conditions by which the field's index serves, if it has one. `value` is an expression, folded
+/// already for the first.
+std::string foldedEquals(const TableDef& table, const FieldDef& field, const std::string& value) {
+    const std::string folded = "lower(" + identifier(field.name) + ")";
+    return &field == &table.fields.front() ? folded + " = " + value : indexed(folded, value);
+}
+std::string exactlyEquals(const FieldDef& field, const std::string& value) {
+    const std::string name = identifier(field.name);
+    return std::string_view(field.name) == field::FolderKey ? indexed(name, value)
+                                                            : name + " = " + value;
 }
 
 } // namespace
@@ -130,9 +148,8 @@ Status PostgresStore::fetchMatching(const TableDef& table, const FieldDef& field
     if (!status.ok())
         return status;
     // The folded comparison finds by the index, the other is exact.
-    const std::string where = identifier(field.name);
-    const std::string folded = "lower(" + where + ") = lower($1 COLLATE \"C\")";
-    const std::string exact = where + " = $1";
+    const std::string folded = foldedEquals(table, field, "lower($1 COLLATE \"C\")");
+    const std::string exact = exactlyEquals(field, "$1");
     std::string sql = "SELECT " + fieldList(table) + " FROM " + qualified(table.name) + " WHERE ";
     if (match == TextMatch::Key)
         sql += folded;
@@ -188,10 +205,11 @@ Status PostgresStore::selectWhere(const TableDef& table, const std::vector<int>&
         return {};
     if (text != nullptr && (field.link || where == 0)) {
         const std::string folded = foldedKey(*text);
-        return rows(table, fields, sql + "lower(" + name + ") = $1", Parameters().text(folded),
-                    each);
+        return rows(table, fields, sql + foldedEquals(table, field, "$1"),
+                    Parameters().text(folded), each);
     }
-    return rows(table, fields, sql + name + " = $1", Parameters().field(field.type, value), each);
+    return rows(table, fields, sql + exactlyEquals(field, "$1"),
+                Parameters().field(field.type, value), each);
 }
 
 Status PostgresStore::inRead(const Work& work) {
