@@ -103,12 +103,13 @@ HistoryPane::HistoryPane(StoreThread& thread, const QString& login, bool mayWrit
     setFocusProxy(m_view);
     m_view->setTreePosition(HistoryModel::What);
     QHeaderView* header = m_view->header();
-    header->setStretchLastSection(true);
+    header->setStretchLastSection(false);
     header->resizeSection(HistoryModel::When, 130);
     header->resizeSection(HistoryModel::Who, 130);
-    header->resizeSection(HistoryModel::What, 480);
-    header->resizeSection(HistoryModel::Before, 170);
-    header->resizeSection(HistoryModel::After, 170);
+    header->setSectionResizeMode(HistoryModel::What, QHeaderView::Stretch);
+    header->resizeSection(HistoryModel::Before, 150);
+    header->resizeSection(HistoryModel::After, 150);
+    header->resizeSection(HistoryModel::Where, 180);
     m_note->setObjectName(QStringLiteral("historyNote"));
     m_note->setTextFormat(Qt::PlainText);
     auto* all = new QVBoxLayout(this);

@@ -48,7 +48,7 @@ RevertDialog::RevertDialog(const QString& title, QWidget* parent)
     , m_others(new QCheckBox(QStringLiteral("Удалить и это, вместе с тем, что построили другие"),
                              this)) {
     setObjectName(QStringLiteral("revertDialog"));
-    setWindowTitle(oneLine(title));
+    setWindowTitle(QStringLiteral("Вернуть"));
     setAttribute(Qt::WA_DeleteOnClose);
     m_head->setObjectName(QStringLiteral("revertHead"));
     m_writes->setObjectName(QStringLiteral("revertWrites"));
@@ -57,8 +57,10 @@ RevertDialog::RevertDialog(const QString& title, QWidget* parent)
     m_writes->setHeaderLabels(
         {QStringLiteral("Что"), QStringLiteral("Сейчас"), QStringLiteral("Станет")});
     m_writes->setAlternatingRowColors(true);
-    m_writes->header()->resizeSection(What, 430);
-    m_writes->header()->resizeSection(Before, 180);
+    m_writes->header()->setStretchLastSection(false);
+    m_writes->header()->setSectionResizeMode(What, QHeaderView::Stretch);
+    m_writes->header()->resizeSection(Before, 270);
+    m_writes->header()->resizeSection(After, 270);
     m_left->setWordWrap(true);
     m_left->setMaximumHeight(130);
     m_leftHead->hide();
@@ -81,7 +83,7 @@ RevertDialog::RevertDialog(const QString& title, QWidget* parent)
     all->addLayout(m_questions);
     all->addWidget(m_others);
     all->addWidget(buttons);
-    resize(860, 480);
+    resize(960, 480);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(m_others, &QCheckBox::toggled, this, &RevertDialog::changed);
