@@ -40,6 +40,12 @@ public:
         choose(row);
         hands::key("Right");
     }
+    /// As another engineer of the installation does it.
+    void writeAs(const char* login, const char* sql) {
+        need(m_scene.store().foreignWrite(
+            QString("update NciWriter set login = '%1'; %2; update NciWriter set login = ''")
+                .arg(QString(login), QString(sql))));
+    }
     void scrollToTop() {
         hands::key("ctrl+Home");
         hands::key("Home");
@@ -93,9 +99,11 @@ int main(int argc, char* argv[]) {
     painter.choose("Инструкция оператора ГРС");
     painter.take("file-passport.png");
 
-    painter.need(painter.scene().store().foreignWrite(
-        "update MenuResource set caption = 'Инструкция оператора ГРС, 2-я редакция' "
-        "where caption = 'Инструкция оператора ГРС'"));
+    painter.writeAs("kovaleva", "update MenuResource set params = 'печать=да', caption = "
+                                "'Инструкция оператора ГРС, 2-я редакция' where name_ = "
+                                "'instr_grs.txt'");
+    painter.writeAs("sorokin", "update MenuResource set caption = 'Инструкция оператора ГРС, 3-я "
+                               "редакция' where name_ = 'instr_grs.txt'");
     hands::key("F4");
     painter.need(painter.scene().waitFor("the history is there", [&] {
         return !painter.client().tree("historyTree").rows.empty();
@@ -105,6 +113,14 @@ int main(int argc, char* argv[]) {
     painter.take("history.png");
     painter.need(painter.scene().press(painter.client(), "historyRevert"));
     painter.take("history-preview.png");
+    hands::key("Escape");
+    hands::key("F4"); // away, and back with the focus in it
+    hands::key("F4");
+    hands::key("Home");
+    hands::key("Left");
+    hands::key("Down");
+    painter.need(painter.scene().press(painter.client(), "historyRevert"));
+    painter.take("history-conflict.png");
     hands::key("Escape");
     return 0;
 }
