@@ -106,7 +106,7 @@ Values LoggedRecords::valuesOf(const store::TableDef& table, const std::string& 
     store::LogQuery query;
     query.table = table.name;
     query.key = key;
-    constexpr int mostLooked = 50; // the deletion is the newest, unless the log was tampered with
+    constexpr int mostLooked = 2; // the deletion is the newest, unless the log was tampered with
     std::vector<store::Change> changes;
     if (m_store.history(query, mostLooked, &changes).ok())
         for (const store::Change& change : changes)
