@@ -115,6 +115,7 @@ void RevertDialog::showWrites(const RevertPlan& plan) {
     m_writes->clear();
     for (const history::ChangeWords& write : plan.writes) {
         QTreeWidgetItem* row = addLine(m_writes->invisibleRootItem(), {write.what});
+        row->setFirstColumnSpanned(true);
         for (const history::FieldWords& field : write.fields)
             addLine(row, {field.name, field.before, field.after});
     }

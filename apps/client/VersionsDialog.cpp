@@ -5,6 +5,7 @@
 #include "apps/client/Look.h"
 #include "apps/formview/Channel.h"
 #include "frame/Vocabulary.h"
+#include "history/RecordWords.h"
 #include "platform/store/Names.h"
 
 #include <QDateTime>
@@ -28,6 +29,9 @@ namespace {
 enum Column { Name, Time, Size, Until, Who };
 
 QString sizeText(uint64_t size) {
+    if (size < 1024) // the library's own word has one form
+        return QStringLiteral("%1 %2").arg(size).arg(history::numeralForm(
+            size, QStringLiteral("байт"), QStringLiteral("байта"), QStringLiteral("байт")));
     return QLocale(QLocale::Russian).formattedDataSize(static_cast<qint64>(size));
 }
 
