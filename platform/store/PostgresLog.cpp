@@ -14,17 +14,17 @@ namespace {
 /// How long the regular look at the log waits for the server.
 constexpr int lookMilliseconds = 2000;
 
-/// The end of the log, pruned or not. A row with a number that the store has not given out yet was
-/// put there by hand: who read it would not see the changes that come.
-const char newestId[] =
-    "SELECT greatest(coalesce((SELECT max(\"id\") FROM public.\"NciEvent\" WHERE \"id\" <= (SELECT "
-    "last_value FROM public.\"NciEventId\")), 0), "
-    "coalesce((SELECT \"id\" FROM public.\"NciPruned\"), 0))";
-
 } // namespace
 
+// A row with a number that the store has not given out yet was put there by hand: who read it would
+// not see the changes that come.
+const char PostgresStore::newestIdSql[] =
+    "SELECT greatest(coalesce((SELECT \"id\" FROM public.\"NciEvent\" WHERE \"id\" <= (SELECT "
+    "last_value FROM public.\"NciEventId\") ORDER BY \"id\" DESC LIMIT 1), 0), "
+    "coalesce((SELECT \"id\" FROM public.\"NciPruned\"), 0))";
+
 Status PostgresStore::newest(int64_t* id, int milliseconds) {
-    const Result result = m_connection.query(newestId, {}, milliseconds);
+    const Result result = m_connection.query(newestIdSql, {}, milliseconds);
     if (!succeeded(result.get()))
         return m_connection.failure(logName, result.get());
     *id = integerAt(result.get(), 0, 0);
@@ -51,7 +51,7 @@ Status PostgresStore::readLog(const LogCursor& cursor, int limit, std::vector<Ch
         const Result result = m_connection.query(
             std::string("WITH ends AS (SELECT (SELECT \"id\" FROM public.\"NciPruned\") AS pruned, "
                         "(") +
-                newestId + ") AS newest) SELECT pruned, newest, " + changeColumns +
+                newestIdSql + ") AS newest) SELECT pruned, newest, " + changeColumns +
                 " FROM ends LEFT JOIN LATERAL "
                 "(SELECT * FROM public.\"NciEvent\" WHERE \"id\" >= $1 AND \"id\" <= newest ORDER "
                 "BY \"id\" LIMIT $2) e "

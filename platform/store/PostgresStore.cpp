@@ -92,7 +92,8 @@ Status PostgresStore::connect() {
     // While the server lists this session, it may still be at work; see resolveCommitOutcome.
     const Result session = m_connection.query(
         "SELECT format('pid = %s AND backend_start = %L::timestamptz', pid, backend_start), "
-        "has_table_privilege('public.\"Menu\"', 'INSERT') FROM pg_stat_activity WHERE pid = "
+        "has_table_privilege('public.\"Menu\"', 'INSERT') AND NOT pg_is_in_recovery() FROM "
+        "pg_stat_activity WHERE pid = "
         "pg_backend_pid()",
         {});
     if (!succeeded(session.get()) || PQntuples(session.get()) != 1)

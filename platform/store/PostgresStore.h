@@ -59,8 +59,11 @@ public:
 
     Status logPosition(int64_t* id) override;
     Status readLog(const LogCursor& cursor, int limit, std::vector<Change>* changes) override;
+    Status readDesktopLog(std::string_view desktop, int limit, LogCursor* cursor,
+                          std::vector<Change>* changes, bool* more) override;
     Status pruneLog(int64_t id) override;
     int wakeFd() const override;
+    bool wakesEarly() const override { return false; }
     void takeWake() override;
     bool changed() override;
 
@@ -133,6 +136,8 @@ private:
     Status rows(const TableDef& table, const std::vector<int>& fields, const std::string& sql,
                 const Parameters& parameters, const EachRow& each);
     Status newest(int64_t* id, int milliseconds);
+    /// Selects the end of the log, pruned or not.
+    static const char newestIdSql[];
     /// The changes in a result, from that column on, up to a row without one.
     static std::vector<Change> changesIn(const PGresult* rows, int column);
 

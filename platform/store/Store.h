@@ -91,7 +91,8 @@ struct Change {
 /// have failed over to one that lacks the last changes, and others have been written since.
 struct LogCursor {
     int64_t id = 0;
-    std::string proof; ///< proofOf the change of that id; empty: it is gone, or nobody asks for it
+    /// proofOf or proofOfHead of the change of that id; empty: it is gone, or nobody asks for it.
+    std::string proof;
 
     LogCursor(int64_t place = 0) : id(place) {} // NOLINT(google-explicit-constructor)
     LogCursor(int64_t place, std::string proofOfIt) : id(place), proof(std::move(proofOfIt)) {}
@@ -101,6 +102,8 @@ struct LogCursor {
 
 /// A digest of everything that the log knows of a change.
 std::string proofOf(const Change& change);
+/// The same of what is known of a change without its values.
+std::string proofOfHead(const Change& change);
 
 /// What a write call left in the log, or may have left there.
 struct Written {
@@ -155,6 +158,10 @@ public:
     /// compare. UnknownName for a field that is neither.
     virtual Status fetchLinked(std::string_view table, std::string_view field, std::string_view key,
                                MDArray* into) = 0;
+    /// The records with these keys that are there, in no order, without regard to case as keys
+    /// compare: however many they are, one question to the database.
+    virtual Status fetchKeys(std::string_view table, const std::vector<std::string>& keys,
+                             MDArray* into) = 0;
     /// Applies the posted records in order of entry, by their flags, in one transaction: all or
     /// none. Only fields with the user bit are written; empty text in a link field becomes NULL.
     /// Refused: unknown table, a field that the table lacks, flag 1 on an existing key or on an
@@ -176,6 +183,11 @@ public:
     /// The changes after `cursor`, in commit order, at most `limit` of them. LogPruned if some of
     /// them are gone; LogReplaced if the proof fails, and then it cannot be told what was missed.
     virtual Status readLog(const LogCursor& cursor, int limit, std::vector<Change>* changes) = 0;
+    /// The same for whoever shows one desktop and nothing else: changes may be left out that
+    /// concern other desktops only, or resources that neither the desktop names nor serve as icons.
+    /// The cursor moves behind all that was looked through. `more`: the log may hold more.
+    virtual Status readDesktopLog(std::string_view desktop, int limit, LogCursor* cursor,
+                                  std::vector<Change>* changes, bool* more);
     /// From now on the write calls of this object belong to that group, if it is one of the same
     /// login that the log still tells of; else, and for 0 as in the beginning, each call is a group
     /// of its own. A call's new group has the id lastWritten().first.
@@ -189,6 +201,8 @@ public:
     virtual Status pruneLog(int64_t id) = 0;
     /// File descriptor that becomes readable when the log may have grown; -1 if there is none.
     virtual int wakeFd() const = 0;
+    /// Whether the descriptor may become readable before what it announces can be read.
+    virtual bool wakesEarly() const { return true; }
     /// Takes what the descriptor holds. To be called when it is readable, before readLog.
     virtual void takeWake() = 0;
     /// A cheap look whether the log may have grown since the last call of changed or readLog; for a

@@ -4,8 +4,10 @@
 #include "platform/store/Names.h"
 #include "platform/store/Sql.h"
 
+#include <algorithm>
 #include <exception>
 #include <new>
+#include <numeric>
 #include <stdexcept>
 
 namespace orvo::store {
@@ -26,6 +28,24 @@ Status checkEmpty(const TableDef& table, const MDArray* into) {
     if (into == nullptr || into->fieldCount != 0)
         return {BadArguments, inTable(table) + ": массив для записей не пуст"};
     return {};
+}
+
+void writeRow(const TableDef& table, const std::vector<Value>& row, mdx::RecordWriter& writer) {
+    writer.begin();
+    for (size_t i = 0; i < row.size(); ++i) {
+        const int field = static_cast<int>(i);
+        if (const auto* text = std::get_if<std::string>(&row[i]))
+            writer.textUtf8(field, text->data(), text->size());
+        else if (const auto* real = std::get_if<double>(&row[i]))
+            writer.date(field, *real);
+        else if (const auto* number = std::get_if<int64_t>(&row[i])) {
+            if (table.fields[i].type == MDX_BOOLEAN)
+                writer.boolean(field, *number != 0);
+            else
+                writer.integer(field, static_cast<int32_t>(*number));
+        }
+    }
+    writer.end();
 }
 
 Status unknownTable(std::string_view name) {
@@ -114,6 +134,31 @@ Status StoreCore::fetchField(std::string_view name, std::string_view field, Text
             return {UnknownName, inTable(*table) + ": поле " + shown(field) + " не хранит ключей"};
         const Status empty = checkEmpty(*table, into);
         return empty.ok() ? fetchMatching(*table, *which, match, value, into) : empty;
+    });
+}
+
+Status StoreCore::fetchKeys(std::string_view name, const std::vector<std::string>& keys,
+                            MDArray* into) {
+    return guarded([&]() -> Status {
+        const TableDef* table = findTable(name);
+        if (table == nullptr)
+            return unknownTable(name);
+        if (const Status empty = checkEmpty(*table, into); !empty.ok())
+            return empty;
+        std::vector<int> fields(table->fields.size());
+        std::iota(fields.begin(), fields.end(), 0);
+        std::vector<std::string> folded;
+        for (const std::string& key : keys)
+            if (isKey(key)) // no other is one of a record
+                folded.push_back(foldedKey(key));
+        std::sort(folded.begin(), folded.end());
+        folded.erase(std::unique(folded.begin(), folded.end()), folded.end());
+        return records(*table, into, [&](mdx::RecordWriter& writer) -> Status {
+            return inRead([&] {
+                return selectKeys(*table, fields, folded,
+                                  [&](const Row& row) { writeRow(*table, row, writer); });
+            });
+        });
     });
 }
 

@@ -29,6 +29,8 @@ public:
                       MDArray* into) final;
     Status fetchLinked(std::string_view table, std::string_view field, std::string_view key,
                        MDArray* into) final;
+    Status fetchKeys(std::string_view table, const std::vector<std::string>& keys,
+                     MDArray* into) final;
     Status update(std::string_view table, const MDArray* records,
                   UpdateGuard* guard = nullptr) final;
 
@@ -95,6 +97,8 @@ protected:
     /// which is taken away.
     static Status checkCursor(const LogCursor& cursor, int64_t pruned, int64_t newest,
                               std::vector<Change>* changes);
+    /// Whether its proof is proofOfHead.
+    static bool isOfHead(const LogCursor& cursor);
     /// Checks the bytes of a version, a piece at a time; outside inWrite. What is asked for besides
     /// may be null.
     Status readVersion(const KeptVersion& version, const TakePiece& take,

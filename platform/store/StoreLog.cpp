@@ -31,7 +31,30 @@ std::string shortName(const std::string& name) {
     return text.substr(0, length);
 }
 
+/// Tells a proof of the head alone from one of the whole change.
+constexpr char headMark[] = "head:";
+
+std::string digest(const Change& change, std::initializer_list<const std::string*> texts) {
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    const auto add = [&](const void* bytes, size_t size) {
+        hash.addData(static_cast<const char*>(bytes), static_cast<int>(size));
+    };
+    add(&change.id, sizeof change.id);
+    add(&change.code, sizeof change.code);
+    add(&change.time, sizeof change.time);
+    for (const std::string* text : texts) {
+        const uint64_t size = text->size(); // or two texts could be cut elsewhere
+        add(&size, sizeof size);
+        add(text->data(), text->size());
+    }
+    return hash.result().toHex().toStdString();
+}
+
 } // namespace
+
+bool StoreCore::isOfHead(const LogCursor& cursor) {
+    return cursor.proof.starts_with(headMark);
+}
 
 StoreCore::StoreCore(std::string login, const OpenOptions& options)
     : m_files(*this)
@@ -62,20 +85,25 @@ std::vector<int64_t> StoreCore::groupsIn(std::string_view list) {
 LogCursor::LogCursor(const Change& change) : id(change.id), proof(proofOf(change)) {}
 
 std::string proofOf(const Change& change) {
-    QCryptographicHash hash(QCryptographicHash::Sha256);
-    const auto add = [&](const void* bytes, size_t size) {
-        hash.addData(static_cast<const char*>(bytes), static_cast<int>(size));
-    };
-    add(&change.id, sizeof change.id);
-    add(&change.code, sizeof change.code);
-    add(&change.time, sizeof change.time);
-    for (const std::string* text :
-         {&change.table, &change.key, &change.login, &change.after, &change.before}) {
-        const uint64_t size = text->size(); // or two texts could be cut elsewhere
-        add(&size, sizeof size);
-        add(text->data(), text->size());
-    }
-    return hash.result().toHex().toStdString();
+    return digest(change,
+                  {&change.table, &change.key, &change.login, &change.after, &change.before});
+}
+
+std::string proofOfHead(const Change& change) {
+    return headMark + digest(change, {&change.table, &change.key, &change.login});
+}
+
+Status Store::readDesktopLog(std::string_view /*desktop*/, int limit, LogCursor* cursor,
+                             std::vector<Change>* changes, bool* more) {
+    std::vector<Change> read;
+    Status status = readLog(*cursor, limit, &read);
+    if (!status.ok())
+        return status;
+    if (!read.empty())
+        *cursor = LogCursor(read.back());
+    *more = read.size() == static_cast<size_t>(std::max(limit, 0));
+    changes->swap(read);
+    return status;
 }
 
 Status StoreCore::checkCursor(const LogCursor& cursor, int64_t pruned, int64_t newest,
@@ -89,7 +117,8 @@ Status StoreCore::checkCursor(const LogCursor& cursor, int64_t pruned, int64_t n
     if (!proved)
         return {};
     if (!changes->empty() && changes->front().id == cursor.id) {
-        const bool same = proofOf(changes->front()) == cursor.proof;
+        const Change& own = changes->front();
+        const bool same = (isOfHead(cursor) ? proofOfHead(own) : proofOf(own)) == cursor.proof;
         changes->erase(changes->begin());
         if (same)
             return {};

@@ -106,6 +106,11 @@ store::Status WriteWatch::fetchLinked(std::string_view table, std::string_view f
     jobs << QStringLiteral("look up ") + text(table) + ' ' + text(field) + ' ' + text(key);
     return m_store->fetchLinked(table, field, key, into);
 }
+store::Status WriteWatch::fetchKeys(std::string_view table, const std::vector<std::string>& keys,
+                                    MDArray* into) {
+    jobs << QStringLiteral("look up ") + text(table) + ' ' + QString::number(keys.size());
+    return m_store->fetchKeys(table, keys, into);
+}
 store::Status WriteWatch::logPosition(int64_t* id) {
     return m_store->logPosition(id);
 }

@@ -46,6 +46,8 @@ public:
                              MDArray* into) override;
     store::Status fetchLinked(std::string_view table, std::string_view field, std::string_view key,
                               MDArray* into) override;
+    store::Status fetchKeys(std::string_view table, const std::vector<std::string>& keys,
+                            MDArray* into) override;
     store::Status update(std::string_view table, const MDArray* records,
                          store::UpdateGuard* guard) override;
     store::Status logPosition(int64_t* id) override;

@@ -95,6 +95,10 @@ void TestStoreCore::aFailureOfTheDatabaseIsReportedAndNothingIsLeft_data() {
         CMDArray rows;
         return store.fetchLinked("Menu", "parent", "PUMP", rows.array);
     });
+    row("fetchKeys", [](MemoryStore& store) {
+        CMDArray rows;
+        return store.fetchKeys("Menu", {"pump"}, rows.array);
+    });
     row("logEnd", [](MemoryStore& store) {
         LogCursor end;
         return store.logEnd(&end);

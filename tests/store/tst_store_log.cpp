@@ -36,6 +36,8 @@ private slots:
     void cursorPastTheEndIsNoticed();
     void cursorOfAnotherLogIsNoticed();
     void provedCursorOutlivesPruningUpToIt();
+    void followersOfADesktopReadWhatConcernsIt();
+    void aPlaceReachedByAFollowerOfADesktopIsProved();
     void aWriteKnowsWhatItLeftInTheLog();
     void whatBecameOfAWriteCanBeAsked();
     void logOfSeveralProcessesIsReadInCommitOrderWithoutGaps();
@@ -260,6 +262,104 @@ void TestLog::cursorOfAnotherLogIsNoticed() {
     ORVO_FAILS(m_store->readLog(read, 10, &changes), LogReplaced);
     ORVO_OK(m_store->readLog(next, 10, &changes));
     ORVO_FAILS(m_store->readLog({next.id + 1, next.proof}, 10, &changes), LogReplaced);
+}
+
+void TestLog::followersOfADesktopReadWhatConcernsIt() {
+    ORVO_OK(Batch("MenuFolder").insert("D\\\"1").insert("d2").send(*m_store));
+    ORVO_OK(Batch("MenuResourceFolder")
+                .insert("ic", {{"type_", 4}, {"caption", "icons"}})
+                .insert("in", {{"type_", 4}, {"caption", "кнопки"}, {"ParentKey", "ic"}})
+                .send(*m_store));
+    ORVO_OK(Batch("MenuResource")
+                .insert("R1", {{"type_", 1}})
+                .insert("r2", {{"type_", 1}})
+                .send(*m_store));
+    ORVO_OK(m_store->filePut({{"", "plan.txt", "1", {}}, {"", "other.txt", "1", {}}}));
+    ORVO_OK(m_store->filePut({{"icons/кнопки", "a.png", "1", {}}}));
+    CMDArray plan;
+    ORVO_OK(m_store->fetchWhere("MenuResource", "name_", "plan.txt", plan.array));
+    const QString file = dump(plan.array, {"KeyLink"});
+    ORVO_OK(Batch("Menu")
+                .insert("e1", {{"FolderKey", "D\\\"1"}, {"MenuResourceKey", "r1"}})
+                .insert("e2", {{"FolderKey", "D\\\"1"}, {"MenuResourceKey", file}})
+                .insert("x1", {{"FolderKey", "d2"}, {"MenuResourceKey", "r2"}})
+                .send(*m_store));
+    LogCursor cursor;
+    ORVO_OK(m_store->logEnd(&cursor));
+
+    const auto own = [this](Batch& batch) { ORVO_OK(batch.send(*m_store)); };
+    own(Batch("Menu").update("x1", {{"caption", "foreign"}}));
+    own(Batch("Menu").update("E1", {{"caption", "own"}}));
+    own(Batch("MenuResource").update("r2", {{"name_", "foreign"}}));
+    own(Batch("MenuResource").update("r1", {{"name_", "own"}}));
+    own(Batch("MenuFolder").update("d2", {{"caption", "foreign"}}));
+    own(Batch("MenuFolder").update("d\\\"1", {{"caption", "own"}}));
+    own(Batch("Menu").insert("x2", {{"FolderKey", "d2"}}));
+    own(Batch("Menu").insert("e3", {{"FolderKey", "D\\\"1"}}));
+    own(Batch("Menu").update("x1", {{"FolderKey", "D\\\"1"}})); // comes
+    own(Batch("Menu").update("x1", {{"FolderKey", "d2"}}));     // and goes
+    own(Batch("Menu").remove("x2"));
+    own(Batch("Menu").remove("e3"));
+    own(Batch("MenuFileExt").insert("ext")); // of all
+    ORVO_OK(m_store->filePut({{"", "other.txt", "22", {}}}));
+    ORVO_OK(m_store->filePut({{"", "plan.txt", "22", {}}}));
+    ORVO_OK(m_store->filePut({{"icons/кнопки", "a.png", "22", {}}}));
+    ORVO_OK(m_store->filePut({{"icons/кнопки", "b.png", "1", {}}}));
+    own(Batch("Menu").update("x1", {{"caption", "foreign"}}));
+
+    QStringList read;
+    bool more = true;
+    while (more) {
+        std::vector<Change> changes;
+        ORVO_OK(m_store->readDesktopLog("d\\\"1", 3, &cursor, &changes, &more));
+        for (const Change& change : changes)
+            read << QString("%1 %2")
+                        .arg(change.code)
+                        .arg(QString::fromStdString(
+                            change.table +
+                            (change.table == "MenuResourceFile" ||
+                                     (change.table == "MenuResource" && change.code == 601)
+                                 ? std::string()
+                                 : " " + change.key)));
+    }
+    QCOMPARE(cursor.id, position());
+    const QStringList wanted{"602 Menu e1",          "602 MenuResource R1", "602 MenuFolder D\\\"1",
+                             "601 Menu e3",          "602 Menu x1",         "602 Menu x1",
+                             "603 Menu e3",          "601 MenuFileExt ext", "602 MenuResourceFile",
+                             "602 MenuResourceFile", "601 MenuResource",    "601 MenuResourceFile"};
+    if (m_kind.name() == "postgresql")
+        QCOMPARE(read, wanted); // hundreds follow a server
+    for (const QString& line : wanted)
+        QVERIFY2(read.contains(line), qPrintable(line + " of\n" + read.join('\n')));
+    std::vector<Change> changes;
+    ORVO_OK(m_store->readDesktopLog("d\\\"1", 3, &cursor, &changes, &more));
+    QVERIFY(changes.empty() && !more);
+}
+
+void TestLog::aPlaceReachedByAFollowerOfADesktopIsProved() {
+    ORVO_OK(Batch("MenuFolder").insert("d1").insert("d2").send(*m_store));
+    LogCursor cursor;
+    ORVO_OK(m_store->logEnd(&cursor));
+    std::vector<Change> changes;
+    bool more = false;
+    const auto readOn = [&] { return m_store->readDesktopLog("d1", 10, &cursor, &changes, &more); };
+    ORVO_OK(Batch("MenuFolder").update("d2", {{"caption", "a"}}).send(*m_store));
+    ORVO_OK(readOn());
+    const LogCursor reached = cursor;
+    QCOMPARE(reached.id, position());
+    ORVO_OK(m_store->readLog(reached, 10, &changes)); // for one who goes on with everything
+    QVERIFY(changes.empty());
+    ORVO_OK(Batch("MenuFolder").update("d1", {{"caption", "b"}}).send(*m_store));
+    ORVO_OK(readOn());
+    QCOMPARE(changes.size(), size_t(1));
+    QCOMPARE(changes[0].after, std::string("{\"caption\":\"b\"}"));
+    QVERIFY(m_kind.byHand("UPDATE \"NciEvent\" SET \"key\" = 'other' WHERE \"id\" >= " +
+                          QByteArray::number(qint64(reached.id)) + ";"));
+    ORVO_FAILS(readOn(), LogReplaced);
+    cursor = reached;
+    ORVO_FAILS(readOn(), LogReplaced);
+    ORVO_OK(m_store->pruneLog(position()));
+    ORVO_FAILS(readOn(), LogPruned);
 }
 
 void TestLog::provedCursorOutlivesPruningUpToIt() {

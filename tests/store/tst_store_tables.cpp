@@ -32,6 +32,7 @@ private slots:
     void fetchNeedsAnEmptyArray();
     void fetchWhereComparesExactly();
     void fetchLinkedComparesWithoutRegardToCase();
+    void fetchKeysGivesThoseThatAreThere();
     void hostileValuesInFetchWhereAreData_data();
     void hostileValuesInFetchWhereAreData();
     void oneStoreObjectSeesTheWritesOfAnother();
@@ -388,6 +389,27 @@ void TestTables::fetchWhereComparesExactly() {
     QCOMPARE(where("KeyLink", "5"), "5");
     QCOMPARE(where("FolderKey", "ab"), "");
     QCOMPARE(where("FolderKey", "abc%"), "");
+}
+
+void TestTables::fetchKeysGivesThoseThatAreThere() {
+    ORVO_OK(Batch("Menu")
+                .insert("One", {{"caption", "Насос"}, {"order_", 7}, {"oneCopy", true}})
+                .insert("a \"\\,'%", {{"caption", ""}})
+                .insert("three")
+                .send(*m_store));
+    const auto fetched = [&](const std::vector<std::string>& keys) {
+        CMDArray array;
+        const Status status = m_store->fetchKeys("Menu", keys, array.array);
+        return status.ok() ? dump(array.array, {"KeyLink", "caption", "order_", "oneCopy"})
+                           : QString::fromStdString(status.text);
+    };
+    QCOMPARE(fetched({"oNE", "ONE", "none", "A \"\\,'%"}), "a \"\\,'%||-|-\nOne|Насос|7|true");
+    QCOMPARE(fetched({}), "");
+    QCOMPARE(fetched({"", "ключ", "one\nthree"}), "");
+    CMDArray array;
+    ORVO_FAILS(m_store->fetchKeys("Меню", {"one"}, array.array), UnknownName);
+    ORVO_OK(m_store->fetchKeys("Menu", {"one"}, array.array));
+    ORVO_FAILS(m_store->fetchKeys("Menu", {"one"}, array.array), BadArguments);
 }
 
 void TestTables::fetchLinkedComparesWithoutRegardToCase() {
