@@ -153,6 +153,13 @@ public:
     /// a change that another login wrote and the user wants to stay where he is.
     bool mayMoveCurrent() const;
 
+    /// For a module that shows one desktop and nothing else, once it has read it: of what concerns
+    /// other desktops only, or resources that are neither named by this one nor icons, it need not
+    /// be told. Empty, as at first: it is told of everything. To be emptied before it reads
+    /// anything else.
+    void setOnlyDesktop(const QString& key);
+    QString onlyDesktop() const;
+
     // For the host.
     /// Puts a notification into the module's queue, which owns it from then on.
     void messagePut(MDXCliParam* prm);
@@ -253,6 +260,21 @@ public:
     int32_t keyNumber = 0;
     QVector<MDRVar> keyValues;
     QBitArray keyBits = QBitArray(6); ///< bit i: value i is given
+    CMDArray result;
+
+protected:
+    void run(COrvoCliSes& session) override;
+};
+
+/// The records of a table with these keys, those that are there: one question to the server for all
+/// of them.
+class ORVOCLIENT_EXPORT CToolRecByKeys : public COrvoToolObject {
+    Q_OBJECT
+public:
+    explicit CToolRecByKeys(COrvoCliMod* module);
+    ~CToolRecByKeys() override;
+    std::string tableName;
+    QStringList keys; ///< of key 0, in any case
     CMDArray result;
 
 protected:

@@ -110,10 +110,11 @@ bool Client::open(QString* error) {
     m_app.m_mayWrite = client::sessionStore(*m_session).mayWrite();
     m_logModule = std::make_unique<COrvoCliMod>(&m_app);
     m_app.m_logModule = m_logModule.get();
-    m_mirror =
-        std::make_unique<FileMirror>([url = m_options.store.toStdString(), how](
-                                         store::Status* why) { return store::open(url, how, why); },
-                                     m_options.workDir);
+    m_mirror = std::make_unique<FileMirror>(
+        [url = m_options.store.toStdString(), how](store::Status* why) {
+            return store::open(url, how, why);
+        },
+        m_options.workDir, MirrorPace(), isWorkplace() ? MirrorExtent::Icons : MirrorExtent::All);
     m_openMaintained = [url = m_options.store.toStdString(), how](store::Status* why) {
         return store::openMaintained(url, how, why);
     };
@@ -172,7 +173,8 @@ void Client::show() {
     connectAll();
     openForOperators();
     showUnwritten();
-    makeHistory();
+    if (!isWorkplace()) // nothing is edited there
+        makeHistory();
     m_window->show();
     for (const QString& problem : m_libraries.problems())
         fail(QStringLiteral("Модули"), problem);
@@ -186,7 +188,8 @@ void Client::show() {
         m_workplace->openRemembered();
     m_window->setCurrentModule(tab);
     m_pump->start();
-    showPresence();
+    if (!isWorkplace())
+        showPresence();
     if (!m_app.m_mayWrite)
         tellReadOnly();
 }
@@ -228,8 +231,7 @@ void Client::openForOperators() {
     connect(m_launcher.get(), &Launcher::problem, this,
             [this](const QString& place, const QString& text) {
                 fail(place, text);
-                if (isWorkplace()) // no log is in sight there
-                    m_window->showError(text);
+                m_workplace->tell(text);
             });
     connect(m_launcher.get(), &Launcher::logged, &m_app, &HostApp::logged);
     connect(m_pump.get(), &client::NotificationPump::changed, m_launcher.get(), &Launcher::changed);

@@ -14,10 +14,11 @@ constexpr int gatherMs = 30; ///< changes that come together are one look
 } // namespace
 
 FileMirror::FileMirror(StoreOpener open, const QString& workDir, const MirrorPace& pace,
-                       QObject* parent)
+                       MirrorExtent extent, QObject* parent)
     : QObject(parent)
     , m_open(std::move(open))
     , m_workDir(workDir)
+    , m_extent(extent)
     , m_pace(pace) {}
 
 FileMirror::~FileMirror() = default;
@@ -30,7 +31,8 @@ bool FileMirror::start(QString* error) {
                      .arg(root, QString::fromLocal8Bit(std::strerror(errno)));
         return false;
     }
-    m_worker = std::make_unique<MirrorWorker>(m_open, std::move(directory), m_workDir, m_pace);
+    m_worker =
+        std::make_unique<MirrorWorker>(m_open, std::move(directory), m_workDir, m_extent, m_pace);
     m_worker->setConnected(m_connected);
     connect(m_worker.get(), &MirrorWorker::problem, this, &FileMirror::problem);
     connect(m_worker.get(), &MirrorWorker::updated, this, &FileMirror::updated);

@@ -23,7 +23,7 @@ class FileMirror : public QObject {
 public:
     /// `workDir` exists and ends in a separator.
     FileMirror(StoreOpener open, const QString& workDir, const MirrorPace& pace = {},
-               QObject* parent = nullptr);
+               MirrorExtent extent = MirrorExtent::All, QObject* parent = nullptr);
     ~FileMirror() override;
 
     /// Begins with a full comparison. False, with the reason in `error`, if the directory cannot be
@@ -54,6 +54,7 @@ private:
 
     const StoreOpener m_open;
     const QString m_workDir;
+    const MirrorExtent m_extent;
     const MirrorPace m_pace;
     std::unique_ptr<MirrorWorker> m_worker; ///< null: not started
     uint64_t m_asked = 0;

@@ -24,8 +24,8 @@ namespace orvo::app {
 
 namespace {
 
-constexpr int keptForms = 32 << 10; // KiB
-constexpr int gatherMs = 500;       // contents that change together are one comparison
+constexpr int keptContents = 32 << 10; // KiB
+constexpr int gatherMs = 500;          // contents that change together are one comparison
 
 /// Whether the store could not be asked: what was read before may then be shown.
 bool isAway(const store::Status& status) {
@@ -48,7 +48,7 @@ bool isSame(const QString& a, const std::string& b) {
 Launcher::Launcher(Context context, QObject* parent)
     : QObject(parent)
     , m_context(std::move(context))
-    , m_forms(keptForms) {
+    , m_contents(keptContents) {
     m_compare.setSingleShot(true);
     m_compare.setInterval(gatherMs);
     connect(&m_compare, &QTimer::timeout, this, &Launcher::compareContents);
@@ -163,32 +163,26 @@ QString Launcher::openFunction(const LaunchRequest& request) {
 // ---------------------------------------------------------------------------------------------
 // Forms and files
 
-store::Status Launcher::readForm(const QString& name, Files* files) {
+/// While the store is away: what was read before.
+store::Status Launcher::readContents(const LaunchRequest& request, Files* files) {
+    const std::string name = request.name.toStdString();
     store::Status status{store::ConnectionBroken, "Нет связи с хранилищем."};
     if (m_isConnected)
-        status = m_context.store.formGet(name.toStdString(), true, files);
-    const QString key = name.toCaseFolded();
+        status = request.kind == Kind::Form
+                     ? m_context.store.formGet(name, true, files)
+                     : m_context.store.fileGet(request.path.toStdString(), name, true, files);
+    const QString key =
+        QStringLiteral("%1/%2/%3").arg(request.kind).arg(request.path, request.name).toCaseFolded();
     if (status.ok() && !files->empty()) {
         size_t bytes = 0;
         for (const store::StoredFile& file : *files)
             bytes += file.bytes.size();
-        m_forms.insert(key, new Files(*files), static_cast<int>(bytes >> 10) + 1);
+        m_contents.insert(key, new Files(*files), static_cast<int>(bytes >> 10) + 1);
     } else if (isAway(status)) {
-        if (const Files* known = m_forms.object(key)) {
+        if (const Files* known = m_contents.object(key))
             *files = *known;
-            return {};
-        }
-    }
-    return status;
-}
-
-store::Status Launcher::readFile(const LaunchRequest& request, Files* files) {
-    store::Status status{store::ConnectionBroken, "Нет связи с хранилищем."};
-    if (m_isConnected)
-        status = m_context.store.fileGet(request.path.toStdString(), request.name.toStdString(),
-                                         true, files);
-    if (isAway(status)) {
-        *files = mirrored(request);
+        else if (request.kind == Kind::File)
+            *files = mirrored(request);
         if (!files->empty())
             return {};
     }
@@ -215,7 +209,7 @@ Launcher::Files Launcher::mirrored(const LaunchRequest& request) const {
 
 QString Launcher::openForm(const LaunchRequest& request) {
     Files files;
-    const store::Status status = readForm(request.name, &files);
+    const store::Status status = readContents(request, &files);
     if (files.empty())
         return status.ok() || status.code == store::UnknownName
                    ? noFiles(request)
@@ -226,7 +220,7 @@ QString Launcher::openForm(const LaunchRequest& request) {
 
 QString Launcher::openFile(const LaunchRequest& request) {
     Files files;
-    const store::Status status = readFile(request, &files);
+    const store::Status status = readContents(request, &files);
     if (files.empty())
         return status.ok() || status.code == store::UnknownName
                    ? noFiles(request)

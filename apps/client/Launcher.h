@@ -59,8 +59,8 @@ public:
     void launch(LaunchRequest* request);
     /// The same without opening anything, as far as it can be told beforehand.
     void check(LaunchRequest* request);
-    /// While the store is away what was read before is shown: forms from memory, files from their
-    /// copies in the work directory.
+    /// While the store is away what was read before is shown: from memory, and files also from
+    /// their copies in the work directory.
     void setConnected(bool on) { m_isConnected = on; }
     /// A change of the store: what is open and no longer as the menu has it is marked, and stays.
     void changed(const store::Change& change);
@@ -93,8 +93,7 @@ private:
     QString openFile(const LaunchRequest& request);
     void showFiles(const LaunchRequest& request, const Files& files);
     void saveFile(const store::StoredFile& file);
-    store::Status readForm(const QString& name, Files* files);
-    store::Status readFile(const LaunchRequest& request, Files* files);
+    store::Status readContents(const LaunchRequest& request, Files* files);
     Files mirrored(const LaunchRequest& request) const;
     Opened* first(const QString& key);
     void bringToFront(const Opened& opened);
@@ -106,8 +105,9 @@ private:
     bool m_isConnected = true;
     std::vector<Opened> m_open; ///< the oldest first
     std::vector<LaunchRequest> m_toReopen;
-    QTimer m_compare;               ///< contents have changed, and perhaps more will
-    QCache<QString, Files> m_forms; ///< read before; the cost is in KiB
+    QTimer m_compare; ///< contents have changed, and perhaps more will
+    /// Forms and files read before; the cost is in KiB.
+    QCache<QString, Files> m_contents;
 };
 
 } // namespace orvo::app

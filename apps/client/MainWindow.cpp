@@ -170,8 +170,10 @@ QDockWidget* MainWindow::addDesk(COrvoCliMod* desk, Qt::DockWidgetArea area, con
     constexpr int usualWidth = 340;
     const bool isKnown = restoreDockWidget(dock);
     dock->show();
-    if (!isKnown)
-        resizeDocks({dock}, {usualWidth}, Qt::Horizontal);
+    if (!isKnown) // once the window has its own size
+        QMetaObject::invokeMethod(
+            dock, [this, dock] { resizeDocks({dock}, {usualWidth}, Qt::Horizontal); },
+            Qt::QueuedConnection);
     return dock;
 }
 
@@ -230,6 +232,8 @@ void MainWindow::setTitle(QWidget* page, const QString& title) {
     if (index < 0) {
         if (auto* dock = qobject_cast<QDockWidget*>(page->parentWidget()))
             dock->setWindowTitle(oneLine(title));
+        if (m_isWorkplace) // its dock has no title
+            setWindowTitle(QStringLiteral("Orvo — %1").arg(oneLine(title)));
         return;
     }
     const QString changed = page->property(changedProperty).toString();

@@ -42,10 +42,12 @@ store::Status MirrorPaths::read(store::Store& store) {
             byKey[key] = &row;
     m_tree = store::FolderTree(rows, store::Area::Files);
     m_plain = {std::string()};
+    m_placed.clear();
     for (const store::FolderRow& row : rows) {
         const auto path = m_tree.path(row.key);
         if (!path)
             continue; // hangs on nothing, or on itself
+        m_placed.emplace_back(row.key, *path);
         bool plain = true;
         const store::FolderRow* at = &row;
         while (at && plain) {

@@ -9,6 +9,8 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace orvo::app {
 
@@ -29,7 +31,11 @@ public:
     /// on itself.
     std::optional<std::string> path(const std::string& key) const;
 
+    /// Key and path of each folder that has a place in the area.
+    const std::vector<std::pair<std::string, std::string>>& folders() const { return m_placed; }
+
 private:
+    std::vector<std::pair<std::string, std::string>> m_placed;
     std::set<std::string> m_plain{std::string()};
     store::FolderTree m_tree{{}, store::Area::Files};
 };

@@ -58,10 +58,11 @@ QString textOf(const std::string& text) {
 } // namespace
 
 MirrorWorker::MirrorWorker(StoreOpener open, MirrorDirectory directory, const QString& workDir,
-                           const MirrorPace& pace)
+                           MirrorExtent extent, const MirrorPace& pace)
     : m_open(std::move(open))
     , m_directory(std::move(directory))
     , m_workDir(workDir)
+    , m_extent(extent)
     , m_pace(pace)
     , m_thread([this] { run(); }) {}
 
@@ -208,16 +209,45 @@ bool MirrorWorker::list(Recopy recopy, std::vector<Wanted>* queue) {
     ++m_listing;
     m_directory.forgetFolder();
     store::Status status = m_folders.read(*m_store);
+    const auto each = [&](const std::string& folder, const store::StoredFile& file) {
+        if (keepWaiting() && hasPlace(folder, file.name))
+            consider(folder, file, recopy, queue);
+    };
     if (status.ok() && keepWaiting())
-        status = m_store->fileArea([&](const std::string& folder, const store::StoredFile& file) {
-            if (keepWaiting() && hasPlace(folder, file.name))
-                consider(folder, file, recopy, queue);
-        });
+        status = m_extent == MirrorExtent::All ? m_store->fileArea(each) : listIcons(each);
     if (!status.ok() && keepWaiting())
         tell(QStringLiteral("Список файловой области не получен: %1").arg(textOf(status.text)));
     std::stable_partition(queue->begin(), queue->end(),
                           [](const Wanted& wanted) { return isIcon(wanted.folder); });
     return status.ok() && keepWaiting();
+}
+
+store::Status MirrorWorker::listIcons(
+    const std::function<void(const std::string&, const store::StoredFile&)>& each) {
+    for (const auto& [key, path] : m_folders.folders()) {
+        if (!isIcon(path))
+            continue;
+        CMDArray records;
+        store::Status status = m_store->fetchLinked(
+            table::MenuResource, field::MenuResourceFolderKey, key, records.array);
+        for (uint32_t i = 0; status.ok() && i < mdx::postedCount(records.array); ++i) {
+            const MDRData* record = mdx::postedRecord(records.array, i);
+            if (fieldNumber(records.array, field::type_, record) != Kind::File)
+                continue;
+            const std::string name = fieldText(records.array, field::name_, record);
+            std::vector<store::StoredFile> files;
+            status = m_store->fileGet(path, name, false, &files);
+            for (const store::StoredFile& file : files)
+                each(path, file);
+        }
+        if (!status.ok() || !keepWaiting())
+            return status;
+    }
+    return {};
+}
+
+bool MirrorWorker::isCopied(const std::string& folder) const {
+    return m_extent == MirrorExtent::All || isIcon(folder);
 }
 
 void MirrorWorker::consider(const std::string& folder, const store::StoredFile& file, Recopy recopy,
@@ -311,9 +341,10 @@ store::Status MirrorWorker::look(MirrorChanges* changes, std::vector<Wanted>* qu
         const auto former = m_folders.path(before.folder.value_or(folder));
         const auto path = m_folders.path(folder);
         const bool hasMoved = !isFile || former != path || formerName != name;
-        if (status.ok() && hasMoved && former && m_manifest.count(join(*former, formerName)) != 0)
+        if (status.ok() && hasMoved && former && isCopied(*former) &&
+            m_manifest.count(join(*former, formerName)) != 0)
             status = lookAt(*former, formerName, false, queue, changed);
-        if (status.ok() && isFile && path && hasPlace(*path, name))
+        if (status.ok() && isFile && path && isCopied(*path) && hasPlace(*path, name))
             status = lookAt(*path, name, before.content, queue, changed);
     }
     return status;
@@ -345,7 +376,10 @@ bool MirrorWorker::remove(const std::string& path) {
 bool MirrorWorker::removeStale() {
     bool changed = false;
     for (auto known = m_manifest.begin(); known != m_manifest.end();) {
-        if (known->second == m_listing) {
+        // What this one does not copy another client of the same user may.
+        const size_t slash = known->first.rfind('/');
+        if (known->second == m_listing ||
+            !isCopied(slash == std::string::npos ? std::string() : known->first.substr(0, slash))) {
             ++known;
             continue;
         }

@@ -28,6 +28,10 @@ namespace orvo::app {
 /// Opens a store of its own for whoever calls it, in any thread. Null, with the reason, on failure.
 using StoreOpener = std::function<std::unique_ptr<store::Store>(store::Status* status)>;
 
+/// What of the file area is copied. An operator's desktop paints its icons from their files and
+/// needs no other: those that an operator opens come from the store one by one.
+enum class MirrorExtent { All, Icons };
+
 /// When things are done that are not done at once.
 struct MirrorPace {
     using Milliseconds = std::chrono::milliseconds;
@@ -45,7 +49,7 @@ public:
     /// `directory` is open; `workDir` ends in a separator. The store is opened when there is
     /// something to do, and closed when there has been nothing for a while.
     MirrorWorker(StoreOpener open, MirrorDirectory directory, const QString& workDir,
-                 const MirrorPace& pace = {});
+                 MirrorExtent extent, const MirrorPace& pace = {});
     /// Ends the work between two files, waiting for no server. What was copied is kept in mind.
     ~MirrorWorker() override;
 
@@ -80,8 +84,12 @@ private:
     bool openStore();
     End pass(uint64_t number, MirrorChanges& changes);
     End copy(uint64_t number, const std::vector<Wanted>& queue, bool mayBreakOff, bool changed);
-    /// Compares the whole area.
+    /// Compares the whole area, as far as it is copied.
     bool list(Recopy recopy, std::vector<Wanted>* queue);
+    store::Status
+    listIcons(const std::function<void(const std::string&, const store::StoredFile&)>& each);
+    /// Whether the files of that folder are copied.
+    bool isCopied(const std::string& folder) const;
     /// Asks the store of what kind the named records are: a folder of files makes the whole area of
     /// interest, any other folder nothing.
     store::Status resolve(MirrorChanges* changes);
@@ -108,6 +116,7 @@ private:
     const StoreOpener m_open;
     MirrorDirectory m_directory; ///< the thread's alone
     const QString m_workDir;
+    const MirrorExtent m_extent;
     const MirrorPace m_pace;
     std::atomic<bool> m_stop = false;
     std::atomic<bool> m_up = true;

@@ -82,6 +82,11 @@ void Workplace::followPreview(const PreviewEdit& edit) {
                                           {QStringLiteral("values"), edit.values}});
 }
 
+void Workplace::tell(const QString& text) {
+    if (m_desk && m_context.modules.state(m_desk) == client::ModuleState::Running)
+        m_desk->slot_modNotify(QStringLiteral("notice"), text);
+}
+
 void Workplace::openRemembered() {
     const QString name = m_context.memory ? m_context.memory->desktop() : QString();
     if (!name.isEmpty())
@@ -99,6 +104,10 @@ void Workplace::reopen() {
     if (!m_previewed.isEmpty()) {
         PreviewRequest again{m_previewed, {}};
         openPreview(&again);
+        // The editor that is to be followed is another now, and has not asked for it.
+        for (const auto& module : m_context.modules.modules(client::ModuleState::Running))
+            if (module && module != m_preview)
+                module->slot_modNotify(QStringLiteral("preview"), {});
     }
 }
 
@@ -143,6 +152,7 @@ void Workplace::askEndOfKiosk() {
     question->setLabelText(QStringLiteral("Имя пользователя (вход):"));
     question->setOkButtonText(QStringLiteral("Закрыть"));
     question->setCancelButtonText(QStringLiteral("Остаться"));
+    question->resize(400, question->sizeHint().height()); // room for its title
     connect(question, &QInputDialog::textValueSelected, this, [this](const QString& login) {
         if (login.trimmed() != QString::fromStdString(m_context.store.login())) {
             m_context.window.showError(QStringLiteral("Это имя другого пользователя."));

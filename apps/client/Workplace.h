@@ -56,6 +56,8 @@ public:
     void openPreview(PreviewRequest* request);
     /// The preview, if there is one, follows what the editor shows.
     void followPreview(const PreviewEdit& edit);
+    /// Shows a text below the menu, in nobody's way.
+    void tell(const QString& text);
     /// Asks for the login of the user and, if it is given, ends the kiosk.
     void askEndOfKiosk();
 

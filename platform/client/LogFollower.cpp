@@ -54,11 +54,14 @@ public:
     uint64_t asked = 0;      ///< number of the last look
     uint64_t generation = 0; ///< number of the last begin; 0: none yet
     store::LogCursor from;   ///< where it was to begin
+    std::string desktop;     ///< the one that is wanted; empty: all
     News news;
 
 private:
     void obey();
     void readOnce();
+    store::Status readBehind(const std::string& wanted, store::LogCursor* cursor,
+                             std::vector<store::Change>* rows, bool* more);
     void check() const; ///< with the mutex held
     void rest();
 
@@ -110,13 +113,20 @@ void LogFollower::Worker::obey() {
 
 void LogFollower::Worker::readOnce() {
     std::vector<store::Change> rows;
+    store::LogCursor cursor = m_cursor;
+    bool more = false;
+    std::string wanted;
+    {
+        const std::lock_guard lock(mutex);
+        wanted = desktop;
+    }
     store::Status status = m_reopen ? m_store->reopen() : store::Status();
     if (status.ok()) {
         m_reopen = false;
-        status = m_store->readLog(m_cursor, readLimit, &rows);
+        status = readBehind(wanted, &cursor, &rows, &more);
     }
     const std::lock_guard lock(mutex);
-    if (stop || m_generation != generation)
+    if (stop || m_generation != generation || wanted != desktop)
         return;
     const bool replaced = status.code == store::LogReplaced;
     const bool answered = status.ok() || status.code == store::LogPruned || replaced;
@@ -131,18 +141,29 @@ void LogFollower::Worker::readOnce() {
         news.turns.emplace_back();
     }
     if (answered) {
-        m_unread = rows.size() == static_cast<size_t>(readLimit);
+        m_unread = more;
         m_pruned = !status.ok();
         news.pruned = m_pruned;
         news.replaced = replaced;
-        if (!rows.empty())
-            m_cursor = store::LogCursor(rows.back());
+        if (status.ok())
+            m_cursor = std::move(cursor);
         std::move(rows.begin(), rows.end(), std::back_inserter(news.changes));
         if (!m_unread)
             news.answered = m_asked;
     }
     check();
     m_owner.tell();
+}
+
+store::Status LogFollower::Worker::readBehind(const std::string& wanted, store::LogCursor* cursor,
+                                              std::vector<store::Change>* rows, bool* more) {
+    if (!wanted.empty())
+        return m_store->readDesktopLog(wanted, readLimit, cursor, rows, more);
+    store::Status status = m_store->readLog(*cursor, readLimit, rows);
+    *more = rows->size() == static_cast<size_t>(readLimit);
+    if (!rows->empty())
+        *cursor = store::LogCursor(rows->back());
+    return status;
 }
 
 void LogFollower::Worker::check() const {
@@ -152,7 +173,7 @@ void LogFollower::Worker::check() const {
         assert(last < change.id);
         last = change.id;
     }
-    assert(news.changes.empty() || m_cursor.id == last);
+    assert(m_cursor.id >= last);
     assert(news.answered <= asked);
     assert(!news.replaced || news.pruned);
     assert(m_generation == generation && m_pruned == news.pruned);
@@ -189,7 +210,7 @@ void LogFollower::Worker::rest() {
         m_unread = true;
         // A wake-up may come before the change can be read: the writer has written, but its disk is
         // still busy making it durable. So the log is looked at again, at growing intervals.
-        m_relookMs = 1;
+        m_relookMs = m_store->wakesEarly() ? 1 : 0;
     } else if (ready == 0 || Clock::now() >= m_looked + std::chrono::milliseconds(usual)) {
         // Whoever asks or takes all the time puts no look off.
         m_looked = Clock::now();
@@ -219,6 +240,11 @@ void LogFollower::begin(store::LogCursor cursor) {
     m_worker->news.pruned = false;
     m_worker->news.replaced = false;
     m_worker->signal();
+}
+
+void LogFollower::wantOnly(const QString& desktop) {
+    const std::lock_guard lock(m_worker->mutex);
+    m_worker->desktop = desktop.toStdString();
 }
 
 uint64_t LogFollower::look() {

@@ -3,7 +3,7 @@
 //
 // Invariants, asserted in debug builds after each read:
 // 1. What waits to be taken is past the place that reading began at, in rising order and without
-//    doubles; the cursor is at the last change of it.
+//    doubles; the cursor is at the last change of it, or behind it if only one desktop is wanted.
 // 2. A look that was answered had been asked for.
 // 3. Behind a gap nothing more is read before begin; a log that is another one is a gap.
 // 4. While the store does not answer nothing is read before the pause is over, except for begin.
@@ -50,6 +50,10 @@ public:
 
     /// Reads from that place on, also anew; what was found before and not taken is forgotten.
     void begin(store::LogCursor cursor);
+    /// From now on only what concerns that desktop (Store::readDesktopLog) has to be found; all of
+    /// it again for none, as at first. What is committed after this call was made and goes beyond
+    /// what was wanted until then is found.
+    void wantOnly(const QString& desktop);
     /// The log may have grown. The number that News::answered will reach.
     uint64_t look();
     /// Takes what was found. Reading pauses while very much waits to be taken.

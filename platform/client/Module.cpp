@@ -68,6 +68,7 @@ struct COrvoCliMod::Private {
     QHash<QString, QString> params;
     QString profile;
     QString state;
+    QString onlyDesktop;
     bool followsOthers = true;
     bool takesForeign = false; ///< MessageData has a change of another login
     int64_t seen = -1;
@@ -112,6 +113,14 @@ void COrvoCliMod::SetError(QString text) {
 
 void COrvoCliMod::SetParamMod(QString name, QString value) {
     d->params.insert(name, value);
+}
+
+void COrvoCliMod::setOnlyDesktop(const QString& key) {
+    d->onlyDesktop = key;
+}
+
+QString COrvoCliMod::onlyDesktop() const {
+    return d->onlyDesktop;
 }
 
 QString COrvoCliMod::GetParamMod(QString name, QString& value) {

@@ -68,12 +68,13 @@ bool ModuleRegistry::start(COrvoCliMod* module) {
         entry->app = std::make_shared<ModuleApp>(*module->m_app, *module);
         module->m_app = entry->app.get();
     }
+    emit changed();
     const bool running = module->ModuleStart();
     entry = find(module); // the start may have changed the list
-    if (!entry)
-        return false;
-    entry->state = running ? ModuleState::Running : ModuleState::Failed;
-    return running;
+    if (entry)
+        entry->state = running ? ModuleState::Running : ModuleState::Failed;
+    emit changed();
+    return entry && running;
 }
 
 void ModuleRegistry::stop(COrvoCliMod* module) {
@@ -89,6 +90,21 @@ void ModuleRegistry::stop(COrvoCliMod* module) {
     m_entries.erase(std::remove_if(m_entries.begin(), m_entries.end(),
                                    [](const Entry& e) { return e.module.isNull(); }),
                     m_entries.end());
+    emit changed();
+}
+
+QString ModuleRegistry::onlyDesktop() const {
+    QString desktop;
+    for (const Entry& entry : m_entries) {
+        if (!entry.module ||
+            (entry.state != ModuleState::Starting && entry.state != ModuleState::Running))
+            continue;
+        const QString own = entry.module->onlyDesktop();
+        if (own.isEmpty() || (!desktop.isEmpty() && own.compare(desktop, Qt::CaseInsensitive) != 0))
+            return {};
+        desktop = own;
+    }
+    return desktop;
 }
 
 void ModuleRegistry::stopAll() {

@@ -43,6 +43,13 @@ public:
     ModuleState state(const COrvoCliMod* module) const;
     /// Those in the state, in the order of their loading.
     std::vector<QPointer<COrvoCliMod>> modules(ModuleState state) const;
+    /// The only desktop that the modules follow which are starting or run; empty if there are none,
+    /// or if one follows more.
+    QString onlyDesktop() const;
+
+signals:
+    /// A module is about to start, has started, or goes.
+    void changed();
 
 private:
     class ModuleApp;

@@ -31,6 +31,8 @@ NotificationPump::NotificationPump(COrvoCliSes& session, ModuleRegistry& modules
     m_step.setTimerType(Qt::PreciseTimer);
     connect(&m_step, &QTimer::timeout, this, &NotificationPump::step);
     connect(&m_follower, &LogFollower::arrived, this, &NotificationPump::arrived);
+    connect(&m_modules, &ModuleRegistry::changed, this,
+            [this] { m_follower.wantOnly(m_modules.onlyDesktop()); });
     connect(&sessionEvents(session), &SessionEvents::written, this, &NotificationPump::written);
 }
 

@@ -206,6 +206,24 @@ void CToolRecByKey::run(COrvoCliSes& session) {
     session.data()->report(operation, status);
 }
 
+CToolRecByKeys::CToolRecByKeys(COrvoCliMod* module) : COrvoToolObject(module) {
+    setObjectName(QStringLiteral("RecByKeys"));
+}
+
+CToolRecByKeys::~CToolRecByKeys() = default;
+
+void CToolRecByKeys::run(COrvoCliSes& session) {
+    clear(result);
+    std::vector<std::string> wanted;
+    for (const QString& key : keys)
+        wanted.push_back(key.toStdString());
+    CMDArray rows;
+    const store::Status status = session.data()->store->fetchKeys(tableName, wanted, rows.array);
+    if (status.ok())
+        result.Attach(std::exchange(rows.array, nullptr));
+    session.data()->report(onTable("Поиск записей в таблице", tableName), status);
+}
+
 CToolFormGet::CToolFormGet(COrvoCliMod* module) : COrvoToolObject(module) {
     setObjectName(QStringLiteral("FormGet"));
 }
