@@ -10,18 +10,18 @@ namespace orvo::desk {
 
 namespace {
 
-const char* ownIcon(int kind, bool open) {
+const char* imageOf(int kind, bool open) {
     switch (kind) {
     case Kind::None:
-        return open ? ":/res/openfolder1.png" : ":/res/closedfolder1.png";
+        return open ? ":/res/openfolder1@2x.png" : ":/res/closedfolder1@2x.png";
     case Kind::Module:
-        return ":/res/modul1.png";
+        return ":/res/modul1@2x.png";
     case Kind::Function:
-        return ":/res/function1.png";
+        return ":/res/function1@2x.png";
     case Kind::Form:
-        return ":/res/showscheme1.png";
+        return ":/res/showscheme1@2x.png";
     default:
-        return ":/res/file1.png";
+        return ":/res/file1@2x.png";
     }
 }
 
@@ -53,7 +53,9 @@ QVariant DeskModel::data(const QModelIndex& index, int role) const {
         return font;
     }
     case Qt::DecorationRole:
-        return index.column() == DeskColumn::Caption ? icon(row) : QVariant();
+        return index.column() == DeskColumn::Caption ? QVariant(icon(row)) : QVariant();
+    case OwnIconRole:
+        return ownIcon(row);
     case Qt::ToolTipRole:
         return plainToolTip(row.data(DeskColumn::Note).toString());
     case KeyRole:
@@ -69,12 +71,22 @@ QVariant DeskModel::data(const QModelIndex& index, int role) const {
     }
 }
 
-QVariant DeskModel::icon(const TabRec& row) const {
+QIcon DeskModel::icon(const TabRec& row) const {
     const QString name = row.data(DeskColumn::Icon).toString();
-    if (!name.isEmpty())
-        return m_icons.file(m_iconsPath, name);
-    return m_icons.resource(
-        QString::fromLatin1(ownIcon(row.data(DeskColumn::Kind).toInt(), row.isExpanded())));
+    return name.isEmpty() ? ownIcon(row) : m_icons.file(m_iconsPath, name);
+}
+
+/// The images are made for rows of 16 points and screens twice as fine: those serve here.
+QIcon DeskModel::ownIcon(const TabRec& row) const {
+    const QString path =
+        QString::fromLatin1(imageOf(row.data(DeskColumn::Kind).toInt(), row.isExpanded()));
+    QIcon& icon = m_ownIcons[path];
+    if (icon.isNull()) {
+        QPixmap image(path);
+        image.setDevicePixelRatio(1);
+        icon = QIcon(image);
+    }
+    return icon;
 }
 
 QVariant DeskModel::value(const QModelIndex& row, int column) {

@@ -6,6 +6,9 @@
 #include "models/TabRec.h"
 #include "models/TreeModelCore.h"
 
+#include <QHash>
+#include <QIcon>
+
 namespace orvo::desk {
 
 /// Columns are those of DeskColumn. Rows have names, icons and a tool tip, and cannot be edited.
@@ -16,6 +19,7 @@ public:
         SeparatorRole = Qt::UserRole + 1, ///< bool: a line is drawn above the row
         FolderRole,                       ///< bool
         BrokenRole,                       ///< bool: it cannot be opened
+        OwnIconRole, ///< QIcon of its kind: for one whose own file is no picture
     };
 
     explicit DeskModel(const QString& iconsPath);
@@ -33,10 +37,12 @@ public:
     static bool isFolder(const QModelIndex& row);
 
 private:
-    QVariant icon(const TabRec& row) const;
+    QIcon icon(const TabRec& row) const;
+    QIcon ownIcon(const TabRec& row) const;
 
     QString m_iconsPath;
     mutable IconCache m_icons;
+    mutable QHash<QString, QIcon> m_ownIcons;
 };
 
 } // namespace orvo::desk

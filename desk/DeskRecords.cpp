@@ -79,7 +79,35 @@ bool DeskRecords::open(const QString& desktopKey) {
     m_unsavedKey.clear();
     m_unsavedIsOurs = false;
     m_desktop = desktopKey;
+    readResources();
     return true;
+}
+
+/// Those that are not found here are asked for one by one, if they are shown: a failure is met
+/// then.
+void DeskRecords::readResources() {
+    CToolRecByKeys tool(&m_module);
+    tool.tableName = table::MenuResource;
+    walkAll(m_elements, 0, [&](const MDRData* record) {
+        if (!isEmptyText(record, field::MenuResourceKey))
+            tool.keys << textOf(record, field::MenuResourceKey);
+        return true;
+    });
+    tool.keys.removeDuplicates();
+    if (tool.keys.isEmpty())
+        return;
+    tool.Perform(false);
+    walkAll(tool.result, 0, [&](const MDRData* record) {
+        m_resources[textOf(record, field::KeyLink).toCaseFolded()] = {resourceIn(record), true,
+                                                                      std::nullopt};
+        return true;
+    });
+}
+
+DeskRecords::Resource DeskRecords::resourceIn(const MDRData* record) {
+    return {integerOf(record, field::type_), textOf(record, field::name_),
+            textOf(record, field::ico), textOf(record, field::params),
+            textOf(record, field::MenuResourceFolderKey)};
 }
 
 DeskRecords::Answer DeskRecords::fetch(const char* table, const QString& key, CMDArray* into) {
@@ -108,12 +136,8 @@ const DeskRecords::KnownResource& DeskRecords::resource(const QString& key) {
     if (answer == Answer::None)
         return known;
     known = {std::nullopt, true, std::nullopt};
-    if (answer == Answer::Record) {
-        const MDRData* record = MDARec(found.array, 0, 0);
-        known.resource = Resource{integerOf(record, field::type_), textOf(record, field::name_),
-                                  textOf(record, field::ico), textOf(record, field::params),
-                                  textOf(record, field::MenuResourceFolderKey)};
-    }
+    if (answer == Answer::Record)
+        known.resource = resourceIn(MDARec(found.array, 0, 0));
     return known;
 }
 

@@ -5,10 +5,10 @@
 //  1. The table holds elements of the open desktop only, with the keys 0 `KeyLink` and 1
 //     "parent;order_".
 //  2. Of an element that is edited and new to the store there is a record of ours, until that of
-//  the
-//     store comes or the edit ends.
-//  3. A resource is asked for once, when an element that names it is looked at, and again after
-//     forgetResource. Until the server answers, what was known of it stays.
+//     the store comes or the edit ends.
+//  3. Resources are asked for all at once when the desktop is opened; one that was not there then,
+//     or was forgotten, is asked for when an element that names it is looked at. Until the server
+//     answers, what was known of it stays.
 #ifndef ORVO_DESK_DESKRECORDS_H
 #define ORVO_DESK_DESKRECORDS_H
 
@@ -108,6 +108,8 @@ private:
         bool isRead = false;              ///< false: to be asked for when it is looked at
         std::optional<QString> refusal;   ///< of the check; nullopt: not asked yet
     };
+    void readResources();
+    static Resource resourceIn(const MDRData* record);
     const KnownResource& resource(const QString& key);
     QString refusal(const QString& resourceKey);
     enum class Answer { None, NoRecord, Record };

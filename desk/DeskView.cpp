@@ -4,11 +4,13 @@
 
 #include <QApplication>
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
 #include <QScroller>
+#include <QToolTip>
 
 namespace orvo::desk {
 
@@ -35,9 +37,35 @@ void DeskDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     }
     if (index.data(DeskModel::BrokenRole).toBool())
         row.state &= ~QStyle::State_Enabled; // grey, the icon too; it can be chosen all the same
-    row.decorationSize = QSize(iconSize, iconSize);
     row.textElideMode = Qt::ElideRight;
     QStyledItemDelegate::paint(painter, row, index);
+    // A file that is no picture, or not here yet, is looked at again with each paint.
+    const auto icon = index.data(Qt::DecorationRole).value<QIcon>();
+    if (icon.actualSize({iconSize, iconSize}).isEmpty())
+        icon.paint(painter, {row.rect.topLeft(), QSize(iconSize, iconSize)});
+}
+
+/// Every icon has the same room, whatever its size, so that the captions stand below each other.
+void DeskDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
+    QStyledItemDelegate::initStyleOption(option, index);
+    const QSize size(iconSize, iconSize);
+    if (option->icon.actualSize(size).isEmpty())
+        option->icon = index.data(DeskModel::OwnIconRole).value<QIcon>();
+    option->features |= QStyleOptionViewItem::HasDecoration;
+    option->decorationSize = size;
+}
+
+bool DeskDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,
+                             const QStyleOptionViewItem& option, const QModelIndex& index) {
+    if (event->type() != QEvent::ToolTip || !index.data(Qt::ToolTipRole).toString().isEmpty())
+        return QStyledItemDelegate::helpEvent(event, view, option, index);
+    QStyleOptionViewItem row = option;
+    initStyleOption(&row, index);
+    const QRect room = view->style()->subElementRect(QStyle::SE_ItemViewItemText, &row, view);
+    const bool isCut = row.fontMetrics.horizontalAdvance(row.text) > room.width();
+    QToolTip::showText(event->globalPos(), isCut ? plainToolTip(row.text) : QString(), view,
+                       option.rect);
+    return true;
 }
 
 DeskView::DeskView(QWidget* parent) : QTreeView(parent) {

@@ -26,6 +26,12 @@ public:
                const QModelIndex& index) const override;
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
     QString displayText(const QVariant& value, const QLocale& locale) const override;
+    /// The whole text of a row that does not show it.
+    bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                   const QModelIndex& index) override;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
 };
 
 /// What is open is known by keys, so that a folder whose row is made anew opens again by itself.

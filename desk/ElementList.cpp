@@ -37,6 +37,7 @@ void ElementList::show(const std::vector<Hit>& hits, bool choose) {
         auto* item = new QStandardItem(row.data(Qt::DecorationRole).value<QIcon>(), text);
         item->setData(hit.key, KeyRole);
         item->setData(row.data(DeskModel::BrokenRole), DeskModel::BrokenRole);
+        item->setData(row.data(DeskModel::OwnIconRole), DeskModel::OwnIconRole);
         item->setToolTip(plainToolTip(text));
         item->setEditable(false);
         m_rows->appendRow(item); // owned by the model

@@ -78,6 +78,9 @@ void OrvoDesktop::makeWidgets() {
     for (QWidget* page : {static_cast<QWidget*>(m_view), static_cast<QWidget*>(m_hits),
                           static_cast<QWidget*>(m_nothing)})
         m_pages->addWidget(page);
+    m_recentTitle = new QLabel(QStringLiteral("Последние"), panel);
+    m_recentTitle->setObjectName(QStringLiteral("deskRecentTitle"));
+    m_recentTitle->hide();
     m_recentList = new ElementList(*m_model, QStringLiteral("deskRecent"), panel);
     m_recentList->setAccessibleName(QStringLiteral("Последние"));
     m_recentList->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
@@ -88,6 +91,7 @@ void OrvoDesktop::makeWidgets() {
     layout->addWidget(m_edSearch);
     layout->addWidget(m_pages, 1);
     layout->addWidget(m_notice); // below: rows stay under the finger when it comes
+    layout->addWidget(m_recentTitle);
     layout->addWidget(m_recentList);
     setCentralWidget(panel);
     setFocusProxy(m_view);
@@ -136,12 +140,15 @@ bool OrvoDesktop::ModuleStart() {
     if (!open(found.key, found.caption))
         return refuseStart(
             QStringLiteral("Меню рабочего стола %1 не прочитано.").arg(quoted(found.caption)));
+    if (!m_isPreview) // what an engineer edits may name anything
+        setOnlyDesktop(found.key);
     return true;
 }
 
 bool OrvoDesktop::open(const QString& key, const QString& caption) {
     if (!m_records.open(key))
         return false;
+    m_standing.clear();
     m_rows->fill();
     m_search->invalidate();
     m_recent = std::make_unique<Recent>(key);
@@ -157,11 +164,13 @@ void OrvoDesktop::showTitle(const QString& caption) {
 void OrvoDesktop::slot_modNotify(QString name, QVariant value) {
     if (m_records.desktop().isEmpty())
         return;
-    if (name == QLatin1String("edit")) {
+    if (name == QLatin1String("notice")) {
+        tell(value.toString());
+    } else if (name == QLatin1String("edit")) {
         const DeskView::Keep keep(*m_view);
         showEdit(value.toMap());
         rowsChanged();
-    } else if (name == QLatin1String("desktop")) {
+    } else if (name == QLatin1String("desktop") && m_isPreview) {
         FoundDesktop found;
         QString error;
         tell({});
@@ -203,7 +212,9 @@ bool OrvoDesktop::MessageData(MDXCliParam* prm) {
     if (!change.isTableEvent() || m_records.desktop().isEmpty())
         return true;
     if (change.isFor(orvo::table::Menu)) {
-        if (m_records.take(change)) {
+        // What a deleted desktop had is its last state.
+        const bool isLastState = !m_standing.isEmpty() && change.action() == OrvoEventDelete;
+        if (!isLastState && m_records.take(change)) {
             m_rows->follow(change.key());
             m_changed = true;
         }
@@ -240,15 +251,27 @@ void OrvoDesktop::resourceChanged(const QString& key) {
 
 void OrvoDesktop::desktopChanged(const orvo::Notification& change) {
     if (change.action() == OrvoEventDelete) {
-        tell(QStringLiteral("Этот рабочий стол удалён. Показано его последнее состояние."));
+        m_standing = QStringLiteral("Этот рабочий стол удалён. Показано его последнее состояние.");
+        tell({});
         return;
     }
     FoundDesktop found;
     QString error;
-    if (m_records.find(m_records.desktop(), &found, &error) && found.count == 1) {
-        showTitle(found.caption);
-        m_notice->hide(); // it is there again
+    if (!m_records.find(m_records.desktop(), &found, &error) || found.count != 1)
+        return;
+    showTitle(found.caption);
+    if (!m_standing.isEmpty() && m_records.open(m_records.desktop())) { // it is there again
+        m_standing.clear();
+        m_rows->fill();
+        m_changed = true;
     }
+    const bool isRenamed = change.hasValueFor(orvo::field::caption);
+    if (change.action() != OrvoEventUpdate)
+        tell({});
+    else if (isRenamed)
+        tell(QStringLiteral("Рабочий стол теперь называется %1.").arg(quoted(found.caption)));
+    else if (change.hasValueFor(orvo::field::ParentKey))
+        tell(QStringLiteral("Рабочий стол теперь в другой папке."));
 }
 
 void OrvoDesktop::rowsChanged() {
@@ -259,8 +282,9 @@ void OrvoDesktop::rowsChanged() {
 }
 
 void OrvoDesktop::tell(const QString& text) {
-    m_notice->setText(text);
-    m_notice->setVisible(!text.isEmpty());
+    const QString& shown = text.isEmpty() ? m_standing : text;
+    m_notice->setText(shown);
+    m_notice->setVisible(!shown.isEmpty());
 }
 
 void OrvoDesktop::showRecent() {
@@ -269,6 +293,7 @@ void OrvoDesktop::showRecent() {
         if (const QModelIndex row = m_model->findIndexByKey(key); row.isValid())
             hits.push_back({key, row.data().toString(), {}});
     m_recentList->show(hits, false);
+    m_recentTitle->setVisible(!hits.empty());
     m_recentList->setVisible(!hits.empty());
 }
 
@@ -346,7 +371,7 @@ void OrvoDesktop::launch(const QString& key) {
         tell(text);
         return;
     }
-    m_notice->hide();
+    tell({});
     m_edSearch->clear();
     m_recent->use(key);
     showRecent();

@@ -43,8 +43,9 @@ public:
     void ModSesReconnect() override;
 
 public slots:
-    /// "desktop": shows the one of that key instead. "edit": an engineer edits an element, a map of
-    /// its `key` (empty: none is edited), `isNew`, and `values` by the names of the fields.
+    /// "notice": shows the text below the menu until something is opened. "desktop", in a preview:
+    /// shows the one of that key instead. "edit": an engineer edits an element, a map of its `key`
+    /// (empty: none is edited), `isNew`, and `values` by the names of the fields.
     void slot_modNotify(QString name, QVariant value) override;
     /// Opens what an element stands for; a folder is shown.
     void launch(const QString& key);
@@ -74,12 +75,14 @@ private:
     std::unique_ptr<orvo::desk::Recent> m_recent; ///< null before the start
     orvo::desk::DeskView* m_view = nullptr;       // these: children of the central widget
     orvo::desk::ElementList* m_hits = nullptr;
+    QLabel* m_recentTitle = nullptr;
     orvo::desk::ElementList* m_recentList = nullptr;
     QLineEdit* m_edSearch = nullptr;
     QStackedWidget* m_pages = nullptr;
     QLabel* m_notice = nullptr;
     QLabel* m_nothing = nullptr;
     bool m_isPreview = false;
+    QString m_standing;     ///< why what is shown is not followed any more; empty: it is
     bool m_changed = false; ///< rows, since the last look
 };
 

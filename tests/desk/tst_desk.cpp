@@ -190,6 +190,8 @@ private slots:
         QCOMPARE(desk.title(), QString("КС-3"));
         QVERIFY(!desk.view().isExpanded(desk.row("e1")));
         QVERIFY(desk.row("e2").data(DeskModel::SeparatorRole).toBool());
+        QCOMPARE(desk.row("e1").data(Qt::DecorationRole).value<QIcon>().actualSize({24, 24}),
+                 QSize(24, 24));
         const int plain = desk.view().visualRect(desk.row("e1")).height();
         QVERIFY(plain >= 44);
         QVERIFY(desk.view().visualRect(desk.row("e2")).height() > plain);
@@ -409,13 +411,49 @@ private slots:
         desk.store.update("MenuFolder", {{"KeyLink", "d"}, {"caption", "КС-3 Белый Мыс"}});
         desk.deliver();
         QCOMPARE(desk.title(), QString("КС-3 Белый Мыс"));
+        QCOMPARE(desk.notice(), QString("Рабочий стол теперь называется «КС-3 Белый Мыс»."));
+        desk.store.update("MenuFolder", {{"KeyLink", "d"}, {"ParentKey", QVariant()}});
+        desk.deliver();
+        QCOMPARE(desk.notice(), QString("Рабочий стол теперь в другой папке."));
         desk.store.sql("DELETE FROM \"MenuFolder\" WHERE \"KeyLink\" = 'd'");
         desk.deliver();
+        QVERIFY(desk.notice().contains("удалён"));
+        desk.store.sql("DELETE FROM \"Menu\" WHERE \"KeyLink\" = 'e3'");
+        desk.deliver();
+        (*desk.module)->launch("e2");
         QVERIFY(desk.notice().contains("удалён"));
         QCOMPARE(desk.tree(), QString::fromUtf8(plantTree));
         addDesktop(desk.store, "d", "f", "КС-3");
         desk.deliver();
         QCOMPARE(desk.notice(), QString());
+        QVERIFY(!desk.tree().contains("#e3"));
+    }
+
+    void whatTheHostHasToSayStandsBelowTheMenu() {
+        Desk desk;
+        QVERIFY(desk.start());
+        (*desk.module)->slot_modNotify("notice", "<b>повреждён</b>");
+        QCOMPARE(desk.notice(), QString("<b>повреждён</b>"));
+        (*desk.module)->launch("e2");
+        QCOMPARE(desk.notice(), QString());
+    }
+
+    void anIconThatIsNoPictureGivesWayToThatOfItsKind() {
+        Desk desk;
+        for (const char* key : {"a1", "a2"})
+            addElement(desk.store, key, nullptr, "Схема", key[1] * 10, "rs");
+        desk.store.update("Menu", {{"KeyLink", "a1"}, {"ico", "none.png"}});
+        QVERIFY(desk.start());
+        desk.module->module->show();
+        desk.view().setCurrentIndex(desk.row("e1"));
+        const auto picture = [&](const char* key) {
+            const QRect row = desk.view().visualRect(desk.row(key));
+            return desk.view()
+                .viewport()
+                ->grab({row.left(), row.center().y() - 12, 30, 24})
+                .toImage();
+        };
+        QTRY_COMPARE(picture("a1"), picture("a2"));
     }
 
     void aCircleOfParentsIsNotShown() {
@@ -573,6 +611,7 @@ private slots:
 
     void aPreviewFollowsToAnotherDesktop() {
         Desk desk;
+        (*desk.module)->SetParamMod("preview", "1");
         QVERIFY(desk.start());
         (*desk.module)->slot_modNotify("desktop", "d2");
         QCOMPARE(desk.tree(), QString("Чужое #x1\n"));
