@@ -45,7 +45,7 @@ OrvoMenu::OrvoMenu(COrvoCliApp* app)
     m_actPreview = new QAction(orvo::image("descktop1"), tr("Показать как оператору"), this);
     m_actPreview->setObjectName(QStringLiteral("previewDesktop"));
     m_actPreview->setShortcut(QKeySequence(Qt::Key_F5));
-    m_actPreview->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    m_actPreview->setShortcutContext(Qt::WindowShortcut); // from any pane beside the shown editor
     addAction(m_actPreview);
     connect(m_actPreview, &QAction::triggered, this, &OrvoMenu::showPreview);
     m_previewTimer.setSingleShot(true);

@@ -71,6 +71,9 @@ public:
     QPair<QString, QString> ModEditRecord() const override;
     bool ModShowRecord(const QString& table, const QString& key, const QString& desktop) override;
 
+    /// "preview": the host shows a preview, which follows this editor from then on.
+    void slot_modNotify(QString name, QVariant value) override;
+
     /// The records that this editor holds of `MenuFolder`, `Menu` (the open desktop) or
     /// `MenuResource`, by key: a line of field names, then a line per record, values split by tabs,
     /// NULL as \\N. A null string for any other table.

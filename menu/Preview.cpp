@@ -22,13 +22,19 @@ void OrvoMenu::showPreview() {
         refuse(request.refusal);
         return;
     }
-    if (!std::exchange(m_hasPreview, true))
+    followForPreview();
+}
+
+void OrvoMenu::slot_modNotify(QString name, QVariant /*value*/) {
+    if (name == QLatin1String("preview") && m_desckModel)
         followForPreview();
-    m_previewTimer.start();
 }
 
 /// The rows have what was typed; whether it is saved the buttons know.
 void OrvoMenu::followForPreview() {
+    m_previewTimer.start();
+    if (std::exchange(m_hasPreview, true))
+        return;
     const auto changed = [this] { m_previewTimer.start(); };
     connect(m_menuModel.get(), &QAbstractItemModel::dataChanged, this, changed);
     connect(m_menuModel.get(), &QAbstractItemModel::rowsInserted, this, changed);
