@@ -176,6 +176,26 @@ private slots:
         SOON(previewed("Общая схема КС-2"));
     }
 
+    void aPreviewIsCalledFromAnyPaneAndFollowsEditorsThatWereOpenedAnew() {
+        const auto previewed = [this](const QString& caption) {
+            return left().tree(menu).find(caption) >= 0;
+        };
+        DO(m_scene->startLeft());
+        DO(m_scene->clickRow(left(), "tvDesck", station));
+        QVERIFY(hands::key("F4"));
+        SOON(!left().tree("historyTree").rows.empty());
+        DO(m_scene->clickRow(left(), "historyTree", left().tree("historyTree").rows[0].cells[0]));
+        SOON(left().tree("historyTree").focus);
+        QVERIFY(hands::key("F5"));
+        SOON(previewed("Общая схема КС-1"));
+        QVERIFY(hands::key("F4"));
+        QVERIFY(hands::key("ctrl+r"));
+        QTest::qWait(2000);
+        SOON(left().settled() && previewed("Общая схема КС-1"));
+        DO(m_scene->clickRow(left(), "tvDesck", secondStation));
+        SOON(previewed("Общая схема КС-2"));
+    }
+
     void theStoreGoesAndComesBackAndTheMenuStays() {
         orvo::store::StoreUrl url;
         QVERIFY(url.parse(m_scene->store().url().toStdString()).ok());
