@@ -54,8 +54,9 @@ public:
     Scene& scene() { return m_scene; }
 
     /// The window with whatever is open above it.
-    void take(const char* name) {
-        need(m_scene.waitFor("the client rests", [&] { return client().settled(); }));
+    void take(const char* name) { take(name, client()); }
+    void take(const char* name, ClientProcess& client) {
+        need(m_scene.waitFor("the client rests", [&] { return client.settled(); }));
         hands::xdotool({"mousemove", "1390", "990"}); // no tool tip, no lit button
         QThread::msleep(700);
         const QString crop = QString("%1x%2+%3+%4")
@@ -72,6 +73,44 @@ private:
     const QString m_folder;
     Scene m_scene;
 };
+
+/// What an operator has, and how an engineer sees it beforehand.
+void drawDesktops(Painter& painter) {
+    const QString station = "КС-1 «Верхнеозёрск»";
+    const char* const menu = "deskTree";
+    Scene& scene = painter.scene();
+    painter.need(scene.startOperator(
+        station, {"--modules", qEnvironmentVariable("ORVO_BIN_DIR") + "/../examples/modules"},
+        windowPlace));
+    ClientProcess& desk = scene.right();
+    const auto clickOn = [&](const char* caption) {
+        QThread::msleep(700); // no double click
+        painter.need(scene.clickRow(desk, menu, caption));
+    };
+    const auto opened = [&](int count) {
+        painter.need(scene.waitFor("it is open",
+                                   [&] { return desk.ask("state")["opened"].toInt() == count; }));
+        QThread::msleep(1500); // what is shown comes from another process
+    };
+    clickOn("Журнал событий станции");
+    opened(1);
+    clickOn("Вспомогательные системы");
+    clickOn("Агрегаты");
+    opened(2);
+    painter.take("operator.png", desk);
+    clickOn("Котельная"); // a module that nobody has installed
+    painter.take("operator-missing.png", desk);
+    scene.stopRight();
+
+    painter.need(scene.startLeft({"Menu"}, "demo", windowPlace));
+    painter.need(scene.clickRow(painter.client(), "tvDesck", station));
+    hands::key("F5");
+    painter.need(scene.waitFor("the preview is there",
+                               [&] { return painter.client().tree(menu).find("Агрегаты") >= 0; }));
+    painter.need(scene.clickRow(painter.client(), "tvMenu", "Крановая обвязка"));
+    painter.need(scene.fill(painter.client(), "Наименование", "GPA 1-7"));
+    painter.take("operator-preview.png");
+}
 
 } // namespace
 
@@ -122,5 +161,6 @@ int main(int argc, char* argv[]) {
     painter.need(painter.scene().press(painter.client(), "historyRevert"));
     painter.take("history-conflict.png");
     hands::key("Escape");
+    drawDesktops(painter);
     return 0;
 }
