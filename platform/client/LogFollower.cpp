@@ -142,6 +142,7 @@ void LogFollower::Worker::readOnce() {
     }
     if (answered) {
         m_unread = more;
+        m_looked = Clock::now(); // what was read need not be looked for
         m_pruned = !status.ok();
         news.pruned = m_pruned;
         news.replaced = replaced;

@@ -102,8 +102,10 @@ Status PostgresStore::readDesktopLog(std::string_view desktop, int limit, LogCur
         const Status status = ready();
         if (!status.ok())
             return status;
-        if (m_followed)
-            m_listener.revive(m_url); // before the rows: what comes in between is announced
+        if (m_followed) { // before the rows: what comes in between is announced
+            m_listener.join(m_connection);
+            m_listener.revive(m_url);
+        }
         static const std::string ofMenus = menuStatement(newestIdSql);
         static const std::string ofAll = statement(newestIdSql);
         // Planning takes several times what running does, and one plan suits every place in the
@@ -158,8 +160,7 @@ Status PostgresStore::readDesktopLog(std::string_view desktop, int limit, LogCur
             if (mine[ownPlace + i])
                 kept.push_back(std::move(read[i]));
         m_seen = newest;
-        m_more = full;
-        *more = full;
+        *more = m_more = Listener::takeFrom(m_connection) || full;
         *cursor = std::move(reached);
         changes->swap(kept);
         return {};

@@ -44,8 +44,10 @@ Status PostgresStore::readLog(const LogCursor& cursor, int limit, std::vector<Ch
         const Status status = ready();
         if (!status.ok())
             return status;
-        if (m_followed)
-            m_listener.revive(m_url); // before the rows: what comes in between is announced
+        if (m_followed) { // before the rows: what comes in between is announced
+            m_listener.leave(m_connection);
+            m_listener.revive(m_url);
+        }
         const bool proved = !cursor.proof.empty(); // by the cursor's own change
         // One statement is one snapshot.
         const Result result = m_connection.query(
@@ -100,6 +102,8 @@ int PostgresStore::wakeFd() const {
 void PostgresStore::takeWake() {
     const Status taken = guarded([&]() -> Status {
         m_listener.take();
+        if (m_listener.isJoined() && m_connection.alive())
+            Listener::takeFrom(m_connection);
         return {};
     });
     static_cast<void>(taken); // what is left keeps the descriptor readable
@@ -114,7 +118,8 @@ bool PostgresStore::changed() {
             m_listener.revive(m_url);
         int64_t id = -1;
         const Status status = newest(&id, lookMilliseconds);
-        result = !status.ok() || m_more || id != m_seen;
+        const bool announced = m_listener.isJoined() && Listener::takeFrom(m_connection);
+        result = !status.ok() || announced || m_more || id != m_seen;
         m_seen = id;
         m_more = false;
         return {};

@@ -38,6 +38,7 @@ private slots:
     void provedCursorOutlivesPruningUpToIt();
     void followersOfADesktopReadWhatConcernsIt();
     void aPlaceReachedByAFollowerOfADesktopIsProved();
+    void aFollowerOfADesktopIsWoken();
     void aWriteKnowsWhatItLeftInTheLog();
     void whatBecameOfAWriteCanBeAsked();
     void logOfSeveralProcessesIsReadInCommitOrderWithoutGaps();
@@ -360,6 +361,32 @@ void TestLog::aPlaceReachedByAFollowerOfADesktopIsProved() {
     ORVO_FAILS(readOn(), LogReplaced);
     ORVO_OK(m_store->pruneLog(position()));
     ORVO_FAILS(readOn(), LogPruned);
+}
+
+void TestLog::aFollowerOfADesktopIsWoken() {
+    ORVO_OK(Batch("MenuFolder").insert("d1").send(*m_store));
+    const auto writer = another("petrov");
+    LogCursor cursor;
+    ORVO_OK(m_store->logEnd(&cursor));
+    if (m_store->wakeFd() < 0)
+        QSKIP("no descriptor");
+    std::vector<Change> changes;
+    bool more = true;
+    for (int round = 0; round < 3; ++round) {
+        const bool all = round == 1; // another module runs meanwhile
+        more = true;
+        while (more) {
+            more = false;
+            ORVO_OK(all ? m_store->readLog(cursor, 10, &changes)
+                        : m_store->readDesktopLog("d1", 10, &cursor, &changes, &more));
+        }
+        while (readable(*m_store, 300))
+            m_store->takeWake();
+        ORVO_OK(
+            Batch("MenuFolder").update("d1", {{"caption", QString::number(round)}}).send(*writer));
+        QVERIFY(readable(*m_store, 5000));
+        m_store->takeWake();
+    }
 }
 
 void TestLog::provedCursorOutlivesPruningUpToIt() {
