@@ -41,7 +41,7 @@ private slots:
 
     void picturesAndLinksOfTheHandbookAreThere() {
         for (const char* name : {"operator-guide.html", "user-guide.html", "administrator.html",
-                                 "module-guide.html"}) {
+                                 "module-guide.html", "scale.html"}) {
             const QString path = installation::handbookPage(name);
             QFile file(path);
             QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(path));
