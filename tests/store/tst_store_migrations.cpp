@@ -144,7 +144,9 @@ void TestMigrations::oldStoreKeepsWhatItHolds() {
 void TestMigrations::addedFieldIsLogged_data() {
     QTest::addColumn<int>("version");
     QTest::newRow("new") << 0;
-    for (const int version : keptVersions(isSqlite()))
+    // Every step is run by either of them, and each takes a second on a server.
+    const std::vector<int> kept = keptVersions(isSqlite());
+    for (const int version : {kept.front(), kept.back()})
         QTest::newRow(qPrintable(QString::number(version))) << version;
 }
 
