@@ -506,6 +506,34 @@ private slots:
         QCOMPARE(progress.size(), 51);
     }
 
+    void anOperatorsDesktopCopiesTheIconsAlone() {
+        Bench bench;
+        bench.put({}, "plan.txt", "plan");
+        bench.put("icons", "pump.png", "p");
+        bench.put("icons/Цех 1", "valve.png", "v");
+        QVERIFY(bench.start()); // an engineer's client with the same directory
+        FileMirror mirror(bench.opener(), bench.work, {}, app::MirrorExtent::Icons);
+        QObject::connect(&bench.pump, &client::NotificationPump::changed, &mirror,
+                         &FileMirror::changed);
+        const QString other = bench.dir.path() + "/other/";
+        QDir().mkpath(other);
+        FileMirror alone(bench.opener(), other, {}, app::MirrorExtent::Icons);
+        QObject::connect(&bench.pump, &client::NotificationPump::changed, &alone,
+                         &FileMirror::changed);
+        QString error;
+        QVERIFY(mirror.start(&error) && alone.start(&error));
+        QTRY_VERIFY(mirror.isIdle() && alone.isIdle());
+        QVERIFY(QFile::exists(bench.work + "files/plan.txt"));
+        QVERIFY(!QFile::exists(other + "files/plan.txt"));
+        QVERIFY(QFile::exists(other + "files/icons/pump.png"));
+        QVERIFY(QFile::exists(other + "files/icons/Цех 1/valve.png"));
+        bench.put({}, "plan.txt", "plan 2");
+        bench.put("icons", "fan.png", "f");
+        QTRY_VERIFY(QFile::exists(other + "files/icons/fan.png"));
+        QTRY_VERIFY(alone.isIdle());
+        QVERIFY(!QFile::exists(other + "files/plan.txt"));
+    }
+
     void aLongCopyShowsAndNotesItsFilesInStages() {
         Bench bench;
         for (int i = 0; i < 20; ++i)
