@@ -13,8 +13,10 @@ namespace {
 /// What holds unless the address says otherwise. A server that has gone is noticed, and none is
 /// waited for without end.
 const std::pair<const char*, const char*> defaults[] = {
-    {"fallback_application_name", "orvo"}, {"connect_timeout", "3"},  {"keepalives_idle", "10"},
-    {"keepalives_interval", "5"},          {"keepalives_count", "3"}, {"tcp_user_timeout", "20000"},
+    {"fallback_application_name", "orvo"},  {"connect_timeout", "3"},
+    {"target_session_attrs", "read-write"}, {"keepalives_idle", "10"},
+    {"keepalives_interval", "5"},           {"keepalives_count", "3"},
+    {"tcp_user_timeout", "20000"},
 };
 
 std::string escaped(const std::string& text, const char* also) {
@@ -104,10 +106,6 @@ Status Url::parse(const std::string& url) {
             set(name, value);
     }
     set("client_encoding", "UTF8");
-    // Of several servers the one that takes writes; a standby is read by whoever names it alone.
-    if (get("target_session_attrs").empty() &&
-        (get("host") + get("hostaddr")).find(',') != std::string::npos)
-        set("target_session_attrs", "read-write");
     return {};
 }
 

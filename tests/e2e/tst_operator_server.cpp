@@ -63,10 +63,10 @@ class TestOperatorServer : public QObject {
                                              quoted(station) + ")");
     }
     /// The desktop of whoever that is on the server, at a port of it.
-    bool open(const std::string& user, const QStringList& more = {}, const char* port = "5432",
-              const QRect& place = {5, 5, 1385, 900}) {
+    bool open(const std::string& user, const QStringList& more = {},
+              const char* server = "port=5432", const QRect& place = {5, 5, 1385, 900}) {
         m_desk.reset();
-        const QString url = QString::fromStdString(m_cluster->url("orvo", user)) + "&port=" + port;
+        const QString url = QString::fromStdString(m_cluster->url("orvo", user)) + "&" + server;
         m_desk = std::make_unique<ClientProcess>(
             m_directory.path(), url, QString::fromStdString(user), place, QStringList(),
             QStringList{"--desktop", station, "--modules",
@@ -143,7 +143,7 @@ private slots:
     void aStandbyIsFollowedByLookingAtIt() {
         QVERIFY(m_cluster->startStandby(PostgresCluster::Shipping::Asynchronous));
         for (const char* user : {"operator", "postgres"}) {
-            QVERIFY(open(user, {}, "5433"));
+            QVERIFY(open(user, {}, "port=5433&target_session_attrs=any"));
             QVERIFY2(m_desk->failure().isEmpty(), qPrintable(m_desk->failure()));
             DO(clickOn("Журнал событий станции"));
             QVERIFY(soon([&] { return !m_desk->tree("journalRows").rows.empty(); }));
