@@ -114,6 +114,8 @@ Status GuardedUpdate::checkParents(std::optional<Change>* deletedParent) {
             if (const Status status = checkParent(write, field, above, key, deletedParent);
                 !status.ok())
                 return status;
+            if (write.flag == MDX_INSERT) // it was never deleted: once is enough
+                wanted.erase(key);
         }
     }
     return {};
