@@ -114,7 +114,7 @@ const char structureSum[] = R"(SELECT md5(string_agg(what, ';' ORDER BY what)) F
     WHERE c.relnamespace = 'public'::regnamespace
   UNION ALL SELECT conname || pg_get_constraintdef(oid)
     FROM pg_constraint WHERE connamespace = 'public'::regnamespace
-  UNION ALL SELECT pg_get_triggerdef(t.oid) || tgenabled
+  UNION ALL SELECT pg_get_triggerdef(t.oid) || tgenabled::text
     FROM pg_trigger t JOIN pg_class c ON c.oid = tgrelid
     WHERE c.relnamespace = 'public'::regnamespace
   UNION ALL SELECT concat_ws(' ', 'function', proname, prosrc, proacl, proconfig, prosecdef, proowner)
@@ -243,7 +243,7 @@ private:
     static QByteArray sumOf(postgres::Connection& connection) {
         const postgres::Result sum = connection.execute(structureSum);
         if (!postgres::succeeded(sum.get()) || PQntuples(sum.get()) != 1)
-            return {};
+            qFatal("no structure: %s", PQresultErrorMessage(sum.get()));
         return PQgetvalue(sum.get(), 0, 0);
     }
     /// Leaves the database as a new store; false if it is none any more, for want of a table, for
