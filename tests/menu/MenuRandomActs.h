@@ -95,6 +95,8 @@ public:
     MenuProbe& probe() { return *m_editor->module; }
     COrvoCliMod& module() { return probe(); }
     QTreeView* view(const char* name) { return m_editor->view(name); }
+    /// The desktop whose menu is shown.
+    QString openMenu() const { return m_menuOf; }
     bool isAtRest() { return probe().m_editMode == MenuProbe::NoEdit; }
     void cancel() {
         if (dropped)
@@ -489,7 +491,7 @@ public:
         case 8: {
             const QString name = m_chances.chance(60) ? "name" : "icon";
             const QModelIndex value = module.m_propModel->findIndexByKey(name);
-            if (value.isValid()) {
+            if (value.isValid() && !value.siblingAtColumn(3).data().toBool()) {
                 const QString text = part.textFor(module.m_currentMenuKey + '/' + name, caption());
                 m_chances.say("passport " + module.m_currentMenuKey + ' ' + name + ' ' + text);
                 part.typeElement();

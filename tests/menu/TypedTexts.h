@@ -1,14 +1,16 @@
 // TypedTexts.h: every text that the engineers of a random run have typed, and what became of it.
 // Each bears a number of its own, "Насос~17~", by which it is found again.
 //
-// A text that was typed is, at any time, in an open edit, in the store (or overwritten there: the
-// change log has it), or among the unwritten requests; or its engineer has dropped it, or has been
-// told that it was not taken.
+// A text that was typed is, at any time, in an open edit, in the store in that field of that record
+// (or overwritten there: the change log has it), or among the unwritten requests; or its engineer
+// has dropped it, or has been told that it was not taken.
 #ifndef ORVO_TESTS_MENU_TYPEDTEXTS_H
 #define ORVO_TESTS_MENU_TYPEDTEXTS_H
 
 #include "tests/menu/ModuleFixture.h"
 
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QMap>
 #include <QRegularExpression>
 #include <QSet>
@@ -20,10 +22,13 @@ public:
     explicit TypedTexts(TestStore& store) : m_store(store.connect("texts")) {}
 
     /// A text that is about to be typed into that cell; it takes the place of what the same
-    /// engineer typed there before.
-    QString typing(int engineer, const QString& cell, const QString& word) {
+    /// engineer typed there before, but for what stands in his unwritten requests. A cell is
+    /// "<key>/<row of the passport>" or "<key>/<field>"; "<key>" alone is a name in a tree.
+    QString typing(int engineer, const QString& cell, const QString& word,
+                   const QString& unwritten) {
+        const QSet<int> waiting = numbersIn(unwritten);
         for (auto text = m_pending.begin(); text != m_pending.end();) {
-            if (text->engineer == engineer && text->cell == cell && !text->fresh) {
+            if (text->engineer == engineer && text->cell == cell && !waiting.contains(text.key())) {
                 text = m_pending.erase(text);
                 ++overtyped;
             } else {
@@ -39,7 +44,7 @@ public:
         for (const int number : numbersIn(texts))
             dropped += m_pending.remove(number);
     }
-    /// The engineer has deleted that record; its cells are named "<key>" or "<key>/...".
+    /// The engineer has deleted that record.
     void dropRecord(int engineer, const QString& key) {
         for (auto text = m_pending.begin(); text != m_pending.end();) {
             if (text->engineer == engineer && text->cell.section('/', 0, 0) == key) {
@@ -59,8 +64,9 @@ public:
     }
 
     /// The first text of the engineer that is nowhere. `kept`: all that stands in his open edits
-    /// and unwritten requests. `boxes`: what his windows say at this moment. A text that was typed
-    /// since the last call and is nowhere was not taken by its field.
+    /// and unwritten requests. `boxes`: what his windows say at this moment, and what they have put
+    /// into the log since the last call. A text that was typed since then and is nowhere was not
+    /// taken by its field, which says why.
     QString missing(int engineer, const QString& kept, const QString& boxes) {
         readLog();
         const QSet<int> here = numbersIn(kept);
@@ -68,20 +74,22 @@ public:
         for (auto text = m_pending.begin(); text != m_pending.end();) {
             if (text->engineer != engineer) {
                 ++text;
-            } else if (m_logged.contains(text.key())) {
+            } else if (m_logged.value(text.key()).contains(placeOf(text->cell))) {
                 ++stored;
                 text = m_pending.erase(text);
             } else if (here.contains(text.key())) {
                 text->fresh = false;
                 ++text;
-            } else if (text->fresh) {
+            } else if (text->fresh && !boxes.isEmpty()) {
                 ++notTaken;
                 text = m_pending.erase(text);
             } else if (said.contains(text.key())) {
                 ++told;
                 text = m_pending.erase(text);
             } else {
-                return QString("typed and gone: ~%1~ in %2").arg(text.key()).arg(text->cell);
+                return QString("typed and gone: ~%1~ in %2; stored in: %3")
+                    .arg(text.key())
+                    .arg(text->cell, QStringList(m_logged.value(text.key()).values()).join(' '));
             }
         }
         return {};
@@ -93,7 +101,7 @@ public:
     int stored = 0;
     int dropped = 0;
     int overtyped = 0; ///< before they were stored
-    int notTaken = 0;  ///< the field did not take them
+    int notTaken = 0;  ///< the field did not take them, and said so
     int told = 0;      ///< taken, and given up by a window with a word
 
 private:
@@ -108,13 +116,25 @@ private:
             qFatal("no change log");
         for (const store::Change& change : changes) {
             m_cursor = change.id;
-            m_logged |= numbersIn(QString::fromStdString(change.after));
+            const QString key = QString::fromStdString(change.key).toCaseFolded();
+            const QJsonObject after =
+                QJsonDocument::fromJson(QByteArray::fromStdString(change.after)).object();
+            for (auto field = after.begin(); field != after.end(); ++field)
+                for (const int number : numbersIn(field->toString()))
+                    m_logged[number] << key + '/' + field.key();
         }
+    }
+    /// Record and field of a cell.
+    static QString placeOf(const QString& cell) {
+        static const QMap<QString, QString> fields{
+            {"", "caption"}, {"name", "caption"}, {"object", "name_"}, {"icon", "ico"}};
+        const QString row = cell.section('/', 1);
+        return cell.section('/', 0, 0).toCaseFolded() + '/' + fields.value(row, row);
     }
 
     std::unique_ptr<store::Store> m_store;
     int64_t m_cursor = 0;
-    QSet<int> m_logged;
+    QMap<int, QSet<QString>> m_logged; ///< where each was stored
     QMap<int, Text> m_pending;
     int m_last = 0;
 };

@@ -30,7 +30,8 @@ public:
         , m_typed(typed)
         , m_menus(menus)
         , m_resources(resources)
-        , m_anyClient(std::move(anyClient)) {}
+        , m_anyClient(std::move(anyClient))
+        , m_log(store.connect("answers")) {}
 
     std::map<QString, int> figures; ///< how often what was done
     QString fault;                  ///< the first act that did what it must not
@@ -41,7 +42,7 @@ public:
         client.each([&](auto& part) {
             part.dropped = [this](const QString& texts) { m_typed.drop(texts); };
             part.typing = [this, &client](const QString& cell, const QString& word) {
-                return m_typed.typing(client.number(), cell, word);
+                return m_typed.typing(client.number(), cell, word, client.unwrittenTexts());
             };
         });
     }
@@ -118,6 +119,9 @@ private:
         const QStringList asked = box.subjectKeys() + box.subjectBelow();
         const QString before = client.unwrittenTexts();
         client.host().writes().calls.clear();
+        int64_t seen = 0;
+        if (!m_log->logPosition(&seen).ok())
+            qFatal("no change log");
         m_chances.say(
             QString("answer %1 to %2 %3")
                 .arg(question ? (yes ? "yes" : "no") : "the notice", table, asked.join(' ')));
@@ -134,8 +138,29 @@ private:
                     !asked.contains(record.section(' ', 0, 0).mid(1), Qt::CaseInsensitive) &&
                     fault.isEmpty())
                     fault = "deleted unasked: " + record;
+        expectNothingElseDeleted(seen, table, asked);
         if (yes && question)
             dropVanished(client, before);
+    }
+
+    /// What was deleted after that change was asked about, or lay in it.
+    void expectNothingElseDeleted(int64_t seen, const QString& table, const QStringList& asked) {
+        std::vector<store::Change> changes;
+        if (!m_log->readLog(seen, 100000, &changes).ok())
+            qFatal("no change log");
+        for (const store::Change& change : changes) {
+            const QString key = QString::fromStdString(change.key);
+            if (change.code != OrvoEventDelete ||
+                (change.table == table.toStdString() && asked.contains(key, Qt::CaseInsensitive)))
+                continue;
+            const QJsonObject before =
+                QJsonDocument::fromJson(QByteArray::fromStdString(change.before)).object();
+            const bool inside =
+                change.table != table.toStdString() &&
+                asked.contains(before[orvo::field::FolderKey].toString(), Qt::CaseInsensitive);
+            if (!inside && fault.isEmpty())
+                fault = "deleted unasked: " + key + " of " + QString::fromStdString(change.table);
+        }
     }
 
     /// Goes on with what stands open in the part, or leaves it so; false if nothing does.
@@ -152,7 +177,7 @@ private:
         if (picker(module)) {
             if (m_chances.chance(40)) {
                 dropChosenOver(part);
-                m_menus.choose(module);
+                choose(client, part);
                 ++figures["choices"];
             }
             return true;
@@ -172,6 +197,71 @@ private:
     void dropChosenOver(Part& part) {
         for (const char* row : {"icon", "object"})
             m_typed.drop(part.probe().m_propModel->getRowValue(row).toString());
+    }
+
+    // -----------------------------------------------------------------------------------------
+    // Choices
+
+    /// Where a choice is to go.
+    struct Place {
+        QString row;     ///< the key of the row that was current
+        QString folder;  ///< of new elements: in which they are to stand
+        QString desktop; ///< and of which menu
+    };
+    static Place placeIn(MenuPart& part) {
+        const MenuProbe& module = part.probe();
+        QModelIndex row = part.view("tvMenu")->currentIndex().siblingAtColumn(0);
+        const QString key = module.m_menuModel->getItemKeyLink(row);
+        if (!module.m_menuModel->itemIsFolder(row))
+            row = row.parent();
+        const bool top = module.m_menuModel->getItemLevel(row) == 0;
+        return {key, top ? QString() : module.m_menuModel->getItemKeyLink(row), part.openMenu()};
+    }
+    static Place placeIn(ResPart& part) {
+        return {part.model().getItemKeyLink(part.view()->currentIndex()), {}, {}};
+    }
+    template <class Part>
+    static QMap<QString, QString> rowTexts(Part& part) {
+        QMap<QString, QString> texts;
+        const auto& model = treeOf(part);
+        const std::function<void(const QModelIndex&)> walk = [&](const QModelIndex& parent) {
+            for (int i = 0; i < model.rowCount(parent); ++i) {
+                const QModelIndex row = model.index(i, 0, parent);
+                QStringList values;
+                for (int column = 0; column < model.columnCount(); ++column)
+                    values << row.siblingAtColumn(column).data().toString();
+                texts[model.getItemKeyLink(row)] = values.join('|');
+                walk(row);
+            }
+        };
+        walk({});
+        return texts;
+    }
+    /// Chooses, and looks where the choice goes.
+    template <class Part>
+    void choose(Client& client, Part& part) {
+        const Place& place = m_asked[&part.module()];
+        CPopObjectList* list = picker(part.module());
+        const QMap<QString, QString> before = rowTexts(part);
+        client.host().writes().calls.clear();
+        bool taken = false;
+        const auto ok =
+            QObject::connect(list, &CPopObjectList::btnOK_pressed, [&taken] { taken = true; });
+        m_menus.choose(part.module());
+        QObject::disconnect(ok);
+        const QMap<QString, QString> after = rowTexts(part);
+        for (auto row = after.begin(); row != after.end(); ++row)
+            if (row.key() != place.row && before.value(row.key(), *row) != *row && fault.isEmpty())
+                fault = "chosen for " + place.row + ", went to " + row.key();
+        if (!list->multipleChoice && taken && !boxStands(part.module()) &&
+            !after.value(place.row).contains(list->chosenName) && fault.isEmpty())
+            fault = "chosen for " + place.row + ", went nowhere: " + list->chosenName;
+        for (const WriteCall& call : client.host().writes().calls)
+            for (const QString& record : call.records)
+                if (list->multipleChoice && record.startsWith('+') && fault.isEmpty() &&
+                    (!record.contains(QString("parent='%1'").arg(place.folder)) ||
+                     !record.contains(QString("FolderKey='%1'").arg(place.desktop))))
+                    fault = "chosen for " + place.folder + " of " + place.desktop + ": " + record;
     }
 
     // -----------------------------------------------------------------------------------------
@@ -324,6 +414,7 @@ private:
         ++figures["questions"];
     }
     void open(MenuPart& part) {
+        m_asked[&part.module()] = placeIn(part);
         m_menus.openPicker(part);
         ++figures["pickers"];
     }
@@ -333,6 +424,7 @@ private:
             return;
         m_chances.say("picker of " + keyOf(part));
         part.known.typed.insert(keyOf(part));
+        m_asked[&part.module()] = placeIn(part);
         part.probe().on_passp_buttonpressed("icon");
         ++figures["pickers"];
     }
@@ -486,8 +578,10 @@ private:
                 table->fields[size_t(field)].name != std::string("caption"))
                 continue;
             const QString before = client.unwrittenTexts();
-            client.unwritten().setMine(id, record.key, field,
-                                       m_typed.typing(client.number(), "list", "Свой"));
+            client.unwritten().setMine(
+                id, record.key, field,
+                m_typed.typing(client.number(), QString::fromStdString(record.key) + "/caption",
+                               "Свой", before));
             dropVanished(client, before);
         }
     }
@@ -537,7 +631,9 @@ private:
     MenuRandomActs& m_menus;
     ResRandomActs& m_resources;
     std::function<Client&()> m_anyClient;
-    QSet<QString> m_taken; ///< keys under which a save was made to fail
+    std::unique_ptr<store::Store> m_log;         ///< by which answers are looked at
+    std::map<const COrvoCliMod*, Place> m_asked; ///< for what a picker was opened
+    QSet<QString> m_taken;                       ///< keys under which a save was made to fail
 };
 
 } // namespace orvo::test
