@@ -124,6 +124,12 @@ int Connection::open(const char* name, int flags) {
     return result;
 }
 
+sqlite3_file* Connection::file() const {
+    sqlite3_file* file = nullptr;
+    sqlite3_file_control(get(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
+    return file != nullptr && file->pMethods != nullptr ? file : nullptr;
+}
+
 Statement Connection::prepare(std::string_view sql) const {
     Statement statement;
     sqlite3_stmt* raw = nullptr;

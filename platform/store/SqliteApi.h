@@ -65,6 +65,8 @@ public:
     /// takes them. The result code; on failure the connection still explains it (failure()).
     int open(const char* name, int flags);
     sqlite3* get() const { return m_connection.get(); }
+    /// SQLite's own handle of the main database file; null if there is none.
+    sqlite3_file* file() const;
 
     /// Null, and the error at the connection, if the text does not prepare.
     Statement prepare(std::string_view sql) const;

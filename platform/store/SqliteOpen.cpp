@@ -47,12 +47,10 @@ Status markInHeader(const std::string& path, const std::string& what, int64_t* m
         connection.open(immutableUri(path).c_str(), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
     if (opened != SQLITE_OK)
         return connection.failure(what);
-    sqlite3_file* file = nullptr;
-    sqlite3_file_control(connection.get(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
+    sqlite3_file* file = connection.file();
     unsigned char head[size] = {};
-    const int read = file != nullptr && file->pMethods != nullptr
-                         ? file->pMethods->xRead(file, head, sizeof head, 0)
-                         : SQLITE_IOERR;
+    const int read =
+        file != nullptr ? file->pMethods->xRead(file, head, sizeof head, 0) : SQLITE_IOERR;
     if (read != SQLITE_OK && read != SQLITE_IOERR_SHORT_READ)
         return systemError(CannotConnect, what + ": файл базы не читается", errno);
     *mark = 0;

@@ -14,6 +14,18 @@
 
 namespace orvo::store::sqlite {
 
+namespace {
+
+constexpr char newestNumber[] = "SELECT seq FROM sqlite_sequence WHERE name = 'NciEvent'";
+
+/// None if there is none to be read.
+std::string identityIn(const Connection& connection) {
+    Statement ask = connection.prepare("SELECT \"identity\" FROM \"NciStore\"");
+    return ask && ask.step() == SQLITE_ROW ? std::string(ask.text(0)) : std::string();
+}
+
+} // namespace
+
 std::optional<Place::File> Place::fileAt(const std::string& path, Stamp* stamp) {
     struct stat info {};
     if (::stat(path.c_str(), &info) != 0)
@@ -23,16 +35,13 @@ std::optional<Place::File> Place::fileAt(const std::string& path, Stamp* stamp) 
     return File{info.st_dev, info.st_ino};
 }
 
-Place::Place(std::string path, std::function<std::string()> identity)
+Place::Place(std::string path, const Connection& connection)
     : m_path(std::move(path))
-    , m_identityWithLog(std::move(identity))
+    , m_connection(connection)
     , m_file(fileAt(m_path))
     , m_log(fileAt(m_path + "-wal"))
     , m_index(fileAt(m_path + "-shm")) {
-    Connection file;
-    m_isOurs = file.open(immutableUri(m_path).c_str(), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI) ==
-                   SQLITE_OK &&
-               isOurs(file).value_or(false);
+    look();
 }
 
 std::optional<bool> Place::isOurs(Connection& file) {
@@ -43,40 +52,68 @@ std::optional<bool> Place::isOurs(Connection& file) {
     return read == SQLITE_OK ? std::optional(mark == applicationId) : std::nullopt;
 }
 
+// Through SQLite's own handle: to open and close its files by hand would drop the locks of this
+// process. Where things are in the index is part of SQLite's documented format.
+std::optional<Place::Carried> Place::carriedAtRest() const {
+    constexpr int regionSize = 32768;
+    constexpr size_t saltsAt = 32 / 4, doneAt = 96 / 4, begunAt = 128 / 4;
+    sqlite3_file* file = m_connection.file();
+    if (file == nullptr || file->pMethods->iVersion < 2)
+        return {};
+    void volatile* region = nullptr;
+    file->pMethods->xShmMap(file, 0, regionSize, 0, &region); // mapped already, by what was read
+    if (region == nullptr)
+        return {};
+    const auto* words = static_cast<const volatile uint32_t*>(region);
+    const Carried carried{{words[saltsAt], words[saltsAt + 1]}, words[doneAt], words[begunAt]};
+    return carried.done == carried.begun ? std::optional(carried) : std::nullopt;
+}
+
 /// Of a file that has been written to: by a checkpoint, which only ever brings later changes into
 /// it, or by somebody who does not know that it is in use.
-bool Place::isOverwritten() {
+bool Place::isOverwritten(const std::optional<Carried>& rest, const Stamp& stamp) {
+    Content content;
+    content.size = stamp.size;
+    if (sqlite3_file* own = m_connection.file())
+        own->pMethods->xRead(own, content.header.data(), int(content.header.size()), 0);
     Connection file;
-    int64_t newest = 0;
     if (file.open(immutableUri(m_path).c_str(), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI) !=
         SQLITE_OK)
         return false;
-    if (const std::optional<bool> ours = isOurs(file)) {
-        if (!*ours)
-            return m_isOurs;
-        m_isOurs = true;
-    }
+    const std::optional<bool> ours = isOurs(file);
     // In the midst of a checkpoint there may be nothing to be read.
-    if (file.integer("SELECT seq FROM sqlite_sequence WHERE name = 'NciEvent'", &newest) !=
-        SQLITE_OK)
+    int64_t newest = 0;
+    if (file.integer(newestNumber, &newest) == SQLITE_OK)
+        content.newest = newest;
+
+    const bool atRest = rest && carriedAtRest() == rest;
+    const bool altered =
+        atRest && m_known && m_known->carried == *rest && m_known->content != content;
+    m_known = atRest ? std::optional(Known{*rest, content}) : std::nullopt;
+    if (altered || (ours && !*ours))
+        return altered || m_isOurs;
+    m_isOurs = m_isOurs || ours.has_value();
+    if (!content.newest)
         return false;
     // A restored backup comes through the log like everything else, with a new identity.
-    std::string identity;
-    if (Statement ask = file.prepare("SELECT \"identity\" FROM \"NciStore\"");
-        ask && ask.step() == SQLITE_ROW)
-        identity = ask.text(0);
+    const std::string identity = identityIn(file);
     const bool another = !m_identity.empty() && !identity.empty() && identity != m_identity &&
-                         identity != m_identityWithLog();
+                         identity != identityIn(m_connection);
     const bool earlier = newest < m_newest;
+    // What is in the file came out of the log, whose numbers never fall.
+    int64_t newestWithLog = 0;
+    const bool later =
+        m_connection.integer(newestNumber, &newestWithLog) == SQLITE_OK && newest > newestWithLog;
     m_newest = std::max(m_newest, newest);
     if (!identity.empty())
         m_identity = identity;
-    return earlier || another;
+    return earlier || later || another;
 }
 
 Place::State Place::look() {
     if (m_last == JournalGone || m_last == Overwritten)
         return m_last;
+    const std::optional<Carried> rest = carriedAtRest();
     Stamp stamp;
     const auto file = fileAt(m_path, &stamp);
     if (!file)
@@ -87,7 +124,8 @@ Place::State Place::look() {
         m_last = JournalGone;
     else
         m_last = There;
-    if (m_last == There && stamp != m_stamp && isOverwritten())
+    const bool mayDiffer = stamp != m_stamp || (rest && (!m_known || m_known->carried != *rest));
+    if (m_last == There && mayDiffer && isOverwritten(rest, stamp))
         m_last = Overwritten;
     m_stamp = stamp;
     return m_last;

@@ -5,8 +5,8 @@
 #ifndef ORVO_PLATFORM_STORE_SQLITEPLACE_H
 #define ORVO_PLATFORM_STORE_SQLITEPLACE_H
 
+#include <array>
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 #include <sys/types.h>
@@ -21,6 +21,9 @@ class Connection;
 ///  3. m_isOurs stays true once it is: a sound log may stand for what is damaged in the file, but
 ///     then it has done so from the beginning.
 ///  4. m_newest never falls: a lower number in the file is another store's, or an older copy.
+///  5. m_known tells what the file held while nothing was being carried over from the log into it,
+///     and how far that had come then. Until more is carried over the file stays so: nothing else
+///     that belongs there changes it.
 class Place {
 public:
     enum State {
@@ -32,8 +35,8 @@ public:
     };
 
     /// What is at the path now. A connection has read from it, so that all files are there.
-    /// `identity` gives the identity of the store as the connection reads it from file and log.
-    Place(std::string path, std::function<std::string()> identity);
+    /// It outlives the place.
+    Place(std::string path, const Connection& connection);
 
     /// Cheap: for every write. What was Gone or Replaced may come back, the rest stays as found.
     State look();
@@ -59,14 +62,36 @@ private:
         int64_t seconds = 0, nanoseconds = 0;
         bool operator==(const Stamp&) const = default;
     };
+    /// How far the present log has been carried over into the file. After a failure, and in the
+    /// midst of it, more has been begun than is done.
+    struct Carried {
+        uint32_t salts[2] = {}; ///< name the log: another one begins when all is carried over
+        uint32_t done = 0, begun = 0;
+        bool operator==(const Carried&) const = default;
+    };
+    /// What tells the content of a file from another one.
+    struct Content {
+        off_t size = 0;
+        std::array<unsigned char, 100> header{}; ///< SQLite's own, with a counter of its changes
+        std::optional<int64_t> newest;           ///< the highest number of a change
+        bool operator==(const Content&) const = default;
+    };
+    struct Known {
+        Carried carried;
+        Content content;
+    };
     static std::optional<File> fileAt(const std::string& path, Stamp* stamp = nullptr);
-    bool isOverwritten();
+    /// Nothing in the midst of a checkpoint, after one that failed, and where it cannot be read.
+    std::optional<Carried> carriedAtRest() const;
+    /// `rest` was found before the file's stamp.
+    bool isOverwritten(const std::optional<Carried>& rest, const Stamp& stamp);
     /// Whether the file by itself, without log, bears the mark of a store; nothing if nobody can
     /// tell now.
     static std::optional<bool> isOurs(Connection& file);
 
     const std::string m_path;
-    const std::function<std::string()> m_identityWithLog;
+    const Connection& m_connection;
+    std::optional<Known> m_known;
     std::string m_identity; ///< as last seen in the file itself
     Stamp m_stamp;
     std::optional<File> m_file, m_log, m_index;

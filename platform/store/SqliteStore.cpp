@@ -77,10 +77,7 @@ Status SqliteStore::start() {
         int64_t position = 0;
         const Status status = logPosition(&position);
         if (status.ok())
-            m_place.emplace(m_path, [this] {
-                std::string name;
-                return identity(&name).ok() ? name : std::string();
-            });
+            m_place.emplace(m_path, m_connection);
         return status;
     });
 }
@@ -348,6 +345,7 @@ Status SqliteStore::inWrite(const Work& work) {
         return status;
     if (transaction.commit() != SQLITE_OK)
         return m_connection.failure("Запись");
+    m_place->look(); // the commit may have carried the log over
     m_written = std::move(written);
     m_grown = true;
     return {};

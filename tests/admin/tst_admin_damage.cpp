@@ -18,6 +18,7 @@ private slots:
     void aCutOffFileIsNamedWithTheWayOut();
     void aDamagedFileAndItsLogStayAsTheyAre();
     void theWayOutOfTheManualSavesTheRest();
+    void aStoreOverwrittenDuringAnImportTakesNothing();
 
 private:
     /// Overwrites a page of the table's own records.
@@ -104,6 +105,40 @@ void TestAdminDamage::theWayOutOfTheManualSavesTheRest() {
     QVERIFY(!m_admin->run({"check"}).out.contains("база данных"));
     QCOMPARE(m_admin->run({"ext", "add", ".later"}).code, 0);
     QCOMPARE(m_admin->count("NciEvent"), changes + 1);
+}
+
+void TestAdminDamage::aStoreOverwrittenDuringAnImportTakesNothing() {
+    // A later copy of the same store: what the import has read so far is in it too.
+    m_admin->sql("VACUUM INTO '" + m_admin->path("later.db") + "'");
+    for (int i = 0; i < 6; ++i)
+        QCOMPARE(m_admin
+                     ->plain({"--store", "sqlite://" + m_admin->path("later.db"), "ext", "add",
+                              ".later" + QString::number(i)})
+                     .code,
+                 0);
+    m_admin->sql("PRAGMA wal_checkpoint(TRUNCATE)");
+    QCOMPARE(QProcess::execute("sqlite3", {m_admin->path("later.db"), "VACUUM"}), 0);
+    const QByteArray later = AdminRun::read(m_admin->path("later.db"));
+    const QByteArray json = m_admin->run({"export", "-"}).out.toUtf8();
+
+    QProcess import;
+    import.start(qEnvironmentVariable("ORVO_BIN_DIR") + "/orvo-admin",
+                 {"--store", "sqlite://" + m_admin->storePath(), "import", "--replace", "-"});
+    import.write(json.left(json.size() / 2));
+    QVERIFY(import.waitForBytesWritten());
+    // Once it is in its write, nobody else gets in.
+    QTRY_COMPARE_WITH_TIMEOUT(
+        QProcess::execute(
+            "sqlite3", {"-cmd", ".timeout 0", m_admin->storePath(), "BEGIN IMMEDIATE; ROLLBACK"}),
+        5, 10000);
+    QCOMPARE(QProcess::execute("cp", {m_admin->path("later.db"), m_admin->storePath()}), 0);
+    import.write(json.mid(json.size() / 2));
+    import.closeWriteChannel();
+    QVERIFY(import.waitForFinished());
+    const QByteArray words = import.readAllStandardError();
+    QVERIFY2(import.exitCode() == 2, words);
+    QVERIFY2(words.contains("переписан"), words);
+    QVERIFY(AdminRun::read(m_admin->storePath()) == later);
 }
 
 QTEST_GUILESS_MAIN(TestAdminDamage)

@@ -29,6 +29,9 @@ private slots:
     void overwrittenFileIsLeftAlone();
     void restoringIsNoReplacement();
     void othersCheckpointsAreNoReplacement();
+    void checkpointsAtAnyMomentAreNoReplacement();
+    void touchedFileIsNoReplacement();
+    void checkpointThatFailsHalfWayIsNoReplacement();
     void fileThatIsSoundWithItsLogAloneIsNoReplacement();
 
 private:
@@ -46,6 +49,20 @@ private:
         if (!Batch("MenuFileExt").insert(key).send(*other).ok())
             return "not written";
         return shell(path("other.db"), "PRAGMA wal_checkpoint(TRUNCATE)");
+    }
+    /// Of the store as it is, with later records in it or none. By other processes: to open and
+    /// close the file here would drop the store's own locks.
+    bool overwriteByCopy(bool later, bool vacuumed) const {
+        shell(path(), ".backup '" + path("copy.db") + "'");
+        for (int i = 0; later && i < 6; ++i)
+            if (!Batch("MenuFileExt")
+                     .insert(QByteArray("later") + QByteArray::number(i))
+                     .send(*opened(path("copy.db")))
+                     .ok())
+                return false;
+        return (!vacuumed || shell(path("copy.db"), "VACUUM").isEmpty()) &&
+               shell(path("copy.db"), "PRAGMA wal_checkpoint(TRUNCATE)") == "0|0|0" &&
+               QProcess::execute("cp", {path("copy.db"), path()}) == 0;
     }
     bool rename(const QString& from, const QString& to) const {
         return std::rename(from.toUtf8().constData(), to.toUtf8().constData()) == 0;
@@ -70,6 +87,9 @@ void TestSqlitePlace::lostFileIsToldAndNotWritten_data() {
     QTest::newRow("log removed") << "-wal";
     QTest::newRow("index removed") << "-shm";
     QTest::newRow("overwritten") << "переписан";
+    QTest::newRow("overwritten by a later copy") << "переписан";
+    QTest::newRow("overwritten by a later copy, vacuumed") << "переписан";
+    QTest::newRow("overwritten by a copy, vacuumed") << "переписан";
 }
 
 void TestSqlitePlace::lostFileIsToldAndNotWritten() {
@@ -92,6 +112,8 @@ void TestSqlitePlace::lostFileIsToldAndNotWritten() {
         QVERIFY(QFile::remove(path() + "-wal"));
     else if (what == "index removed")
         QVERIFY(QFile::remove(path() + "-shm"));
+    else if (what.contains("copy"))
+        QVERIFY(overwriteByCopy(what.contains("later"), what.contains("vacuumed")));
     else
         QVERIFY(writeFile(path(), QByteArray(20 * 4096, 'x')));
     const QByteArray before = bytesOf(path("seen")), log = bytesOf(path() + "-wal");
@@ -229,6 +251,76 @@ void TestSqlitePlace::othersCheckpointsAreNoReplacement() {
             shell(path(), round % 4 == 0 ? "PRAGMA wal_checkpoint(TRUNCATE)" : "VACUUM");
         ORVO_OK(Batch("MenuFileExt").insert(QByteArray::number(round).constData()).send(*m_store));
     }
+}
+
+void TestSqlitePlace::checkpointsAtAnyMomentAreNoReplacement() {
+    const auto reader = opened(path());
+    // One carries over after every commit, one waits for all readers, one empties the log.
+    QProcess others[3];
+    const char* const work[] = {"PRAGMA wal_autocheckpoint = 1;", "PRAGMA wal_checkpoint(RESTART);",
+                                "PRAGMA wal_checkpoint(TRUNCATE);"};
+    for (int i = 0; i < 3; ++i) {
+        others[i].setStandardOutputFile(QProcess::nullDevice());
+        others[i].setStandardErrorFile(QProcess::nullDevice());
+        others[i].start("sqlite3", {path()});
+        others[i].write(".timeout 5000\n");
+        for (int j = 0; j < 400; ++j)
+            others[i].write(QByteArray(work[i]) + "INSERT INTO \"MenuFileExt\" VALUES ('o" +
+                            QByteArray::number(1000 * i + j) + "', hex(randomblob(" +
+                            QByteArray::number(j % 7 * 2000) + ")));\n");
+        others[i].closeWriteChannel();
+    }
+    int writes = 0;
+    for (; others[0].state() != QProcess::NotRunning || others[1].state() != QProcess::NotRunning ||
+           others[2].state() != QProcess::NotRunning;
+         ++writes) {
+        QCoreApplication::processEvents();
+        ORVO_OK(Batch("MenuFileExt")
+                    .insert(QByteArray::number(writes).constData(), {{"fileExt", "x"}})
+                    .send(*m_store));
+        reader->changed();
+        std::vector<Change> changes;
+        ORVO_OK(reader->readLog(0, 1, &changes));
+    }
+    QVERIFY2(writes > 20, qPrintable(QString::number(writes)));
+}
+
+void TestSqlitePlace::touchedFileIsNoReplacement() {
+    for (int i = 0; i < 3; ++i) {
+        QCOMPARE(QProcess::execute("touch", {"-d", "yesterday", path()}), 0);
+        ORVO_OK(Batch("MenuFileExt").insert(QByteArray::number(i).constData()).send(*m_store));
+        if (i == 1)
+            QCOMPARE(shell(path(), "PRAGMA wal_checkpoint(FULL)").section('|', 0, 0), QString("0"));
+    }
+}
+
+void TestSqlitePlace::checkpointThatFailsHalfWayIsNoReplacement() {
+    m_store.reset();
+    QVERIFY(QDir(m_directory->path()).mkdir("disk"));
+    const SmallDisk disk(path("disk"), "size=8m");
+    if (!disk.mounted())
+        QSKIP("a file system of its own needs the right to mount one");
+    const QString place = path("disk/orvo.db");
+    m_store = opened(place, true);
+    for (int round = 0; round < 6; ++round) {
+        Batch batch("MenuFileExt");
+        for (int i = 0; i < 80; ++i)
+            batch.insert(QByteArray::number(100 * round + i).constData(),
+                         {{"fileExt", QString(3000, 'x')}});
+        ORVO_OK(batch.send(*m_store));
+        // Nothing is left for the file to grow into.
+        QCOMPARE(QProcess::execute("sh", {"-c", "cat /dev/zero >" + path("disk/full") + " 2>&-"}),
+                 1);
+        QVERIFY(shell(place, "PRAGMA wal_checkpoint(FULL)").contains("full"));
+        m_store->changed();
+        QVERIFY(QFile::remove(path("disk/full")));
+        ORVO_OK(Batch("MenuFileExt")
+                    .insert((QByteArray::number(round) + ".").constData())
+                    .send(*m_store));
+        if (round % 3 == 2)
+            shell(place, "PRAGMA wal_checkpoint(TRUNCATE)");
+    }
+    m_store.reset();
 }
 
 void TestSqlitePlace::fileThatIsSoundWithItsLogAloneIsNoReplacement() {
