@@ -608,14 +608,33 @@ void TestLog::newRowsStayWhateverTheirDates() {
 void TestLog::idsAreNotGivenByHand() {
     ORVO_OK(Batch("MenuFileExt").insert("a").insert("b").send(*m_store));
     const int64_t before = position();
-    const QByteArray call = m_kind.name() == "sqlite" ? "" : ", ''";
-    for (const QByteArray& id : {QByteArray("1000000"), QByteArray("9223372036854775807"),
-                                 QByteArray("-5"), QByteArray::number(qint64(before))})
-        for (const QByteArray& insert : {QByteArray("INSERT INTO "), QByteArray("REPLACE INTO ")})
-            QVERIFY(!m_kind.byHand(insert + "\"NciEvent\" VALUES (" + id +
-                                   ", 601, 'Menu', 'k', 'x', 0, '{}', '{}'" + call + ");"));
-    QVERIFY(!m_kind.byHand("UPDATE \"NciEvent\" SET \"id\" = 1000000 WHERE \"id\" = " +
-                           QByteArray::number(qint64(before)) + ";"));
+    const auto refused = [this](const QByteArray& sql) {
+        QByteArray words;
+        const bool done = m_kind.byHand(sql, &words);
+        return done ? sql + " is taken" : words;
+    };
+    const bool isSqlite = m_kind.name() == "sqlite";
+    const QByteArray rest =
+        QByteArray("\"code\", \"tableName\", \"key\", \"login\", \"time\", \"after\", \"before\", "
+                   "\"group\"") +
+        (isSqlite ? "" : ", \"call\"");
+    const QByteArray values =
+        QByteArray("601, 'Menu', 'k', 'x', 0, '{}', '{}', 1") + (isSqlite ? "" : ", ''");
+    const QByteArray own = QByteArray::number(qint64(before));
+    for (const QByteArray& id :
+         {QByteArray("1000000"), QByteArray("9223372036854775807"), QByteArray("-5"), own}) {
+        const QByteArray row =
+            "INTO \"NciEvent\" (\"id\", " + rest + ") VALUES (" + id + ", " + values + ");";
+        const QByteArray words = refused("INSERT " + row);
+        QVERIFY2(words.contains("gives its ids itself") ||
+                     (id == own && words.contains("UNIQUE constraint failed: NciEvent.id")),
+                 words);
+        if (isSqlite)
+            QVERIFY2(refused("REPLACE " + row).contains("gives its ids itself"),
+                     refused("REPLACE " + row));
+    }
+    QVERIFY(refused("UPDATE \"NciEvent\" SET \"id\" = 1000000 WHERE \"id\" = " + own + ";")
+                .contains("gives its ids itself"));
     QCOMPARE(position(), before);
     ORVO_OK(Batch("MenuFileExt").insert("c").send(*m_store));
     QVERIFY(m_kind.byHand("INSERT INTO \"MenuFileExt\" VALUES ('d', 'x'), ('e', 'x');"
