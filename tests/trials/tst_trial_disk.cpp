@@ -49,9 +49,25 @@ private:
     int below(int most) { return int(m_random() % unsigned(std::max(1, most))); }
     /// What is wrong with a store that has room; empty if nothing is.
     static QString fault(const std::string& url, PlannedWriter& writer);
+    /// The same of what a command has left in a file; restored, it has the log of a backup.
+    static QString faultOf(const QString& file, bool restored);
     std::mt19937 m_random{seed()};
     std::unique_ptr<AdminRun> m_admin;
 };
+
+QString TestTrialDisk::faultOf(const QString& file, bool restored) {
+    store::Status status;
+    const auto store =
+        store::openMaintained("sqlite://" + file.toStdString(), {"looker", false}, &status);
+    if (!store)
+        return QString::fromStdString(status.text);
+    const QStringList differences =
+        restored ? store::test::historyDifferences(*store) : store::test::replayDifferences(*store);
+    if (!differences.isEmpty())
+        return "log and tables: " + differences.join("; ");
+    const QString sound = store::test::shell(file, "PRAGMA integrity_check");
+    return sound == "ok" ? QString() : "integrity_check: " + sound;
+}
 
 QString TestTrialDisk::fault(const std::string& url, PlannedWriter& writer) {
     store::Status status;
@@ -170,6 +186,8 @@ void TestTrialDisk::commandsOnSqliteAreWholeOrRefused() {
         QVERIFY(disk.resize(mebibytes(100)));
         if (result.code != 0) {
             ++refused;
+            const QString found = faultOf(file, false);
+            QVERIFY2(found.isEmpty(), qPrintable(what + "; refused: " + found));
             QVERIFY2(admin({"export", "-"}).out == before, qPrintable(what + "was changed"));
             QStringList left = QDir(place).entryList(QDir::Files);
             for (const char* name : {"orvo.db-wal", "orvo.db-shm"})
@@ -182,6 +200,8 @@ void TestTrialDisk::commandsOnSqliteAreWholeOrRefused() {
         }
         QVERIFY2(admin({"check"}).code <= 1, qPrintable(what));
         QVERIFY2(!admin({"check"}).out.contains("база данных: "), qPrintable(what));
+        const QString found = faultOf(file, command.first() == "restore");
+        QVERIFY2(found.isEmpty(), qPrintable(what + "; afterwards: " + found));
     }
     qInfo("%d commands on disks with too little room, %d refused, nothing half done", wanted,
           refused);
