@@ -107,7 +107,9 @@ void UndoActions::answered(const store::Status& status, const history::Steps& st
 void UndoActions::show() {
     const auto showOne = [this](QAction& action, const QString& command,
                                 const history::Steps::Step& step) {
-        action.setText(menuText(withWords(command, m_fresh ? step.words : QString())));
+        const QString words = withWords(command, m_fresh ? step.words : QString());
+        action.setText(menuText(words));
+        action.setToolTip(plainToolTip(words));
         action.setEnabled(m_mayWrite && (!m_fresh || step.group != 0));
     };
     showOne(m_undo, QStringLiteral("Отменить"), m_steps.undo);

@@ -9,6 +9,7 @@
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QStyledItemDelegate>
 #include <QTimer>
 #include <QTreeWidget>
 
@@ -64,6 +65,15 @@ std::optional<QString> textIn(const store::TableDef& table,
     return {};
 }
 
+/// Shows the start of a value, on one line; what is edited is the whole of it.
+class FieldDelegate : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+    QString displayText(const QVariant& value, const QLocale& /*locale*/) const override {
+        return oneLine(value.toString(), 1000);
+    }
+};
+
 /// An editor of a cell is a child of the view's viewport until it is closed.
 bool isCellOpen(const QTreeWidget& tree) {
     const QList<QLineEdit*> lines = tree.viewport()->findChildren<QLineEdit*>();
@@ -85,6 +95,7 @@ UnwrittenPane::UnwrittenPane(client::UnwrittenList& list, QWidget* parent)
     m_repeat->setObjectName(QStringLiteral("unwrittenRepeat"));
     m_repeatAll->setObjectName(QStringLiteral("unwrittenRepeatAll"));
     m_giveUp->setObjectName(QStringLiteral("unwrittenGiveUp"));
+    m_tree->setItemDelegate(new FieldDelegate(m_tree));
     m_tree->setHeaderLabels({QStringLiteral("Что не записано"), QStringLiteral("Где / было"),
                              QStringLiteral("Почему / набрано"),
                              QStringLiteral("Когда / у другого")});

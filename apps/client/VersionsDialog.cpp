@@ -136,6 +136,10 @@ VersionsDialog::VersionsDialog(StoreThread& thread, const QString& resource, boo
     load();
 }
 
+void VersionsDialog::note(const QString& text) {
+    m_note->setText(clipped(text));
+}
+
 void VersionsDialog::load() {
     auto versions = std::make_shared<std::vector<store::KeptVersion>>();
     m_thread.run(
@@ -149,7 +153,7 @@ void VersionsDialog::load() {
             if (status.ok())
                 showVersions(*versions);
             else
-                m_note->setText(QString::fromStdString(status.text));
+                note(QString::fromStdString(status.text));
         });
 }
 
@@ -166,7 +170,7 @@ void VersionsDialog::showVersions(const std::vector<store::KeptVersion>& version
                                                 : oneLine(QString::fromStdString(version.login)));
     }
     m_list->setCurrentItem(m_list->topLevelItem(0));
-    m_note->setText(versions.empty() ? QStringLiteral("Прежних версий нет.") : QString());
+    note(versions.empty() ? QStringLiteral("Прежних версий нет.") : QString());
     for (QPushButton* button : {m_open, m_extract})
         button->setEnabled(!versions.empty());
     m_return->setEnabled(!versions.empty() && m_mayWrite);
@@ -182,8 +186,8 @@ void VersionsDialog::openVersion() {
     if (!version)
         return;
     if (version->size > formview::largestFile) {
-        m_note->setText(QStringLiteral("Не открыто: больше %1, можно извлечь.")
-                            .arg(sizeText(formview::largestFile)));
+        note(QStringLiteral("Не открыто: больше %1, можно извлечь.")
+                 .arg(sizeText(formview::largestFile)));
         return;
     }
     auto bytes = std::make_shared<std::string>();
@@ -197,7 +201,7 @@ void VersionsDialog::openVersion() {
         },
         [this, bytes, version = *version](const store::Status& status) {
             if (!status.ok()) {
-                m_note->setText(QString::fromStdString(status.text));
+                note(QString::fromStdString(status.text));
                 return;
             }
             const store::StoredFile file{version.name, version.fileTime, version.size, *bytes};
@@ -205,7 +209,7 @@ void VersionsDialog::openVersion() {
                 new FormWindow(installation::formViewProgram(),
                                QString::fromStdString(version.name), {file}, {}, {}, this);
             window->setAttribute(Qt::WA_DeleteOnClose);
-            connect(window, &FormWindow::problem, m_note, &QLabel::setText);
+            connect(window, &FormWindow::problem, this, &VersionsDialog::note);
             window->show();
         });
 }
@@ -219,7 +223,7 @@ void VersionsDialog::extract() {
         return;
     const QString file = QDir(folder).filePath(QString::fromStdString(version->name));
     if (QFile::exists(file))
-        m_note->setText(QStringLiteral("Не извлечено: %1 уже есть.").arg(file));
+        note(QStringLiteral("Не извлечено: %1 уже есть.").arg(file));
     else
         extractTo(file);
 }
@@ -248,10 +252,9 @@ void VersionsDialog::extractTo(const QString& file) {
             return out.flush() && out.commit() ? store::Status() : failed();
         },
         [this, file](const store::Status& status) {
-            m_note->setText(
-                status.ok()
-                    ? QStringLiteral("Извлечено: %1").arg(file)
-                    : QStringLiteral("Не извлечено: %1").arg(QString::fromStdString(status.text)));
+            note(status.ok()
+                     ? QStringLiteral("Извлечено: %1").arg(file)
+                     : QStringLiteral("Не извлечено: %1").arg(QString::fromStdString(status.text)));
         });
 }
 
@@ -266,8 +269,7 @@ void VersionsDialog::putBack() {
         [id = version->id](store::MaintainedStore& store) { return returnVersion(store, id); },
         [this, what](const store::Status& status) {
             if (!status.ok()) {
-                m_note->setText(
-                    QStringLiteral("Не возвращено: %1").arg(QString::fromStdString(status.text)));
+                note(QStringLiteral("Не возвращено: %1").arg(QString::fromStdString(status.text)));
                 return;
             }
             emit told(LogInformation, what + QStringLiteral(" возвращена."));

@@ -35,6 +35,8 @@ private:
     void extract();
     void putBack();
     const store::KeptVersion* current() const;
+    /// Below the list, in place of what stood there.
+    void note(const QString& text);
 
     StoreThread& m_thread;
     const QString m_resource;

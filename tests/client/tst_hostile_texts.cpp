@@ -1,20 +1,29 @@
 // The client on a store in which every text looks like markup, or never ends: all of it is shown
 // letter by letter, in one line, and nothing waits for its layout.
 #include "apps/client/Client.h"
+#include "apps/client/HistoryModel.h"
 #include "apps/client/LogPane.h"
 #include "apps/client/MainWindow.h"
 #include "apps/client/StatusLine.h"
+#include "apps/client/VersionsDialog.h"
+#include "platform/mdx/MdxBuild.h"
 #include "tests/client/HostFixture.h"
 
 #include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QAction>
+#include <QDialog>
+#include <QDockWidget>
 #include <QGroupBox>
 #include <QLabel>
+#include <QListWidget>
+#include <QMenu>
+#include <QPushButton>
+#include <QRegularExpression>
 #include <QScrollBar>
 #include <QTabBar>
 #include <QTextDocument>
-#include <QTreeView>
+#include <QTreeWidget>
 #include <QtTest>
 
 #include <algorithm>
@@ -79,12 +88,96 @@ struct Running {
             qFatal("%s", qPrintable(error));
         client->show();
     }
-    ~Running() { client->window()->close(); }
+    ~Running() { client->window()->closeNow(); }
     template <class T>
     QList<T> all(const QString& name = {}) const {
         return client->window()->findChildren<T>(name);
     }
 };
+
+/// "Не записано" with a refusal, and a conflict about two texts.
+void fillUnwritten(const Running& running, const QString& text) {
+    const std::string bytes = text.toStdString();
+    const auto other = running.host.connectAgain("<b>other</b>");
+    const auto changes = [](uint32_t flag, const Fields& fields, CMDArray& array) {
+        store::makeStructure(*store::findTable("Menu"), array.array);
+        array.KeyAdd("KeyLink", MDX_KEY_MULTI);
+        addRecord(array, flag, fields);
+    };
+    CMDArray theirs, mine, made;
+    changes(MDX_UPDATE, {{"KeyLink", "b"}, {"caption", "2" + bytes}, {"params", "2" + bytes}},
+            theirs);
+    const store::Status done = other->update("Menu", theirs.array);
+    QVERIFY2(done.ok(), done.text.c_str());
+    changes(MDX_UPDATE, {{"KeyLink", "b"}, {"caption", "1" + bytes}, {"params", "1" + bytes}},
+            mine);
+    changes(MDX_INSERT, {{"KeyLink", "a"}, {"caption", bytes}, {"params", bytes}}, made);
+    const auto modules = running.client->modules().modules(client::ModuleState::Running);
+    COrvoCliSes* session = modules.at(0)->m_app->m_session;
+    session->SqlUpdate("Menu", mine.array, true, nullptr);
+    session->SqlUpdate("Menu", made.array, true, nullptr);
+    const auto* tree = running.all<QTreeWidget*>("unwrittenTree").value(0);
+    QVERIFY(tree);
+    QCOMPARE(tree->topLevelItemCount(), 2);
+    QVERIFY(tree->topLevelItem(0)->childCount() > 1);
+}
+
+/// Opens the dialog of the desktops, that of the versions of a file, and a preview of what taking
+/// the newest action back would write.
+void openDialogs(const Running& running, const QString& text) {
+    const auto press = [&](const char* name) {
+        auto* button = running.all<QPushButton*>(name).value(0);
+        QVERIFY2(button, name);
+        QTRY_VERIFY2(button->isEnabled(), name);
+        button->click();
+    };
+    // Modal dialogs hold up what the history follows.
+    running.client->window()->bringUp(running.all<QDockWidget*>("historyDock").at(0));
+    auto* history = running.all<QTreeView*>("historyTree").at(0);
+    QTRY_VERIFY(history->model()->rowCount() > 1);
+    history->setCurrentIndex({});
+    for (int row = 0; row < history->model()->rowCount(); ++row)
+        if (history->model()
+                ->index(row, app::HistoryModel::What)
+                .data()
+                .toString()
+                .contains("лемент меню"))
+            history->setCurrentIndex(history->model()->index(row, 0));
+    QVERIFY(history->currentIndex().isValid());
+    press("historyRevert");
+    QTRY_VERIFY(!running.all<QTreeWidget*>("revertWrites").isEmpty());
+    QTRY_VERIFY(running.all<QTreeWidget*>("revertWrites").at(0)->topLevelItemCount() > 0);
+
+    running.all<QAction*>("actDesktop").at(0)->trigger();
+    QTRY_VERIFY(!running.all<QListWidget*>("desktopList").isEmpty());
+    QVERIFY(running.all<QListWidget*>("desktopList").at(0)->count() > 0);
+
+    const auto store = running.host.connectAgain("<b>other</b>");
+    QString kept = text.left(40); // of what a name may hold
+    kept.remove('/').remove(QRegularExpression("[[:cntrl:]]"));
+    const std::string name = kept.toStdString() + ".txt";
+    for (const std::string_view bytes : {"old", "new"}) {
+        const store::Status put = store->filePut({{"", name, bytes, 1000.0}});
+        QVERIFY2(put.ok(), put.text.c_str());
+    }
+    CMDArray rows;
+    QVERIFY(store->fetchWhere("MenuResource", "name_", name, rows.array).ok());
+    QMenu menu;
+    running.client->modules()
+        .modules(client::ModuleState::Running)
+        .at(0)
+        ->m_app->addRecordActions(&menu, "MenuResource",
+                                  textOf(rows.array, mdx::postedRecord(rows.array, 0), "KeyLink"));
+    for (QAction* action : menu.actions())
+        if (action->text().startsWith("Прежние версии"))
+            action->trigger();
+    QTRY_VERIFY(!running.all<app::VersionsDialog*>("versionsDialog").isEmpty());
+    auto* versions = running.all<app::VersionsDialog*>("versionsDialog").at(0);
+    QTRY_COMPARE(versions->findChild<QTreeWidget*>("versionsList")->topLevelItemCount(), 1);
+    versions->extractTo("/nowhere/" + text);
+    const auto* note = versions->findChild<QLabel*>();
+    QTRY_VERIFY2(note->text().startsWith("Не извлечено"), qPrintable(note->text().left(1000)));
+}
 
 bool isMarkup(const QString& text) {
     return text.contains(QLatin1String("<img")) && Qt::mightBeRichText(text);
@@ -200,6 +293,25 @@ private slots:
         QVERIFY2(labels > 0, "no question names what it is about");
     }
 
+    void dialogsShowMarkupLetterByLetter() {
+        const Running running(hostileText());
+        QTRY_VERIFY_WITH_TIMEOUT(running.client->settled(), 20000);
+        fillUnwritten(running, hostileText());
+        openDialogs(running, hostileText());
+        if (QTest::currentTestFailed())
+            return;
+        int seen = 0;
+        const QStringList wrong = wrongTexts(running, &seen);
+        QVERIFY2(wrong.isEmpty(), qPrintable(wrong.join("\n")));
+        for (const char* name : {"unwrittenTree", "desktopList", "versionsList", "revertWrites"}) {
+            const auto* view = running.all<QAbstractItemView*>(name).value(0);
+            int texts = 0;
+            walk(*view->model(), {},
+                 [&](const QModelIndex& cell) { texts += cell.data().toString().contains(mark); });
+            QVERIFY2(texts > 0, name);
+        }
+    }
+
     void rowsAreOneLineHigh() {
         const Running running(hostileText() + "\n\n\n" + hostileText());
         QTRY_VERIFY_WITH_TIMEOUT(running.client->settled(), 20000);
@@ -218,12 +330,27 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(running.client->settled(), 60000);
         running.client->window()->statusLine()->setFailure(text);
         running.client->window()->logPane()->add(app::LogError, text, text);
+        fillUnwritten(running, text);
+        openDialogs(running, text);
+        if (QTest::currentTestFailed())
+            return;
         qint64 longest = 0;
-        for (QTreeView* view : running.all<QTreeView*>()) {
+        const auto measure = [&](const QWidget* what, const std::function<void()>& work) {
+            const qint64 time = workOf(work);
+            if (time > longest)
+                qInfo("%s: %lld ms", qPrintable(what->objectName()), time);
+            longest = std::max(longest, time);
+        };
+        for (QTreeView* view : running.all<QTreeView*>())
             view->expandAll();
+        for (QAbstractItemView* view : running.all<QAbstractItemView*>())
             for (int i = 0; i < 5; ++i)
-                longest = std::max(longest, workOf([&] { view->viewport()->repaint(); }));
-        }
+                measure(view, [&] { view->viewport()->grab(); });
+        for (QDialog* dialog : running.all<QDialog*>())
+            measure(dialog, [&] {
+                dialog->resize(dialog->width() + 50, dialog->height());
+                dialog->grab();
+            });
         longest = std::max(longest, workOf([&] {
                                running.client->window()->statusLine()->repaint();
                                running.client->window()->resize(1200, 800);
