@@ -24,6 +24,19 @@ int systemErrorOf(sqlite3* connection) {
     return error;
 }
 
+/// A statement that fails leaves no trace: SQLite keeps the pages as they were before it. What a
+/// record with its triggers touches exceeds the 64 KB that it keeps in memory by itself, and from
+/// the first such record on a transaction would write them into a file. Less than 128 KiB, which is
+/// the most that SQLite writes in one go: when the pages go into the file after all, a larger
+/// portion would pass for a full disk.
+constexpr int statementJournalBytes = 120 * 1024;
+
+void prepareLibrary() {
+    static const int result [[maybe_unused]] =
+        sqlite3_config(SQLITE_CONFIG_STMTJRNL_SPILL, statementJournalBytes);
+    // Refused if somebody else in the process was first: then it is merely slower.
+}
+
 /// So long the check of the file may take that a failed call waits for.
 constexpr int64_t checkMilliseconds = 3000;
 
@@ -112,6 +125,7 @@ Value Statement::value(int column) const {
 }
 
 int Connection::open(const char* name, int flags) {
+    prepareLibrary();
     sqlite3* raw = nullptr;
     const int result =
         sqlite3_open_v2(name, &raw, flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);

@@ -79,6 +79,7 @@ private slots:
     void readOnlyDirectoryIsRefused();
     void storeThatMayOnlyBeReadIsReadWhereThatIsEnough();
     void fileWithoutReadingRightIsRefused();
+    void aStatementOfManyPagesIsWritten();
     void fullDiskLosesNothing();
     void limitOfFileSizeLosesNothing();
     void storeCannotBeMadeOnAFullDisk();
@@ -410,6 +411,19 @@ void fillUp(Store& store, const char* word) {
 }
 
 } // namespace
+
+/// What a statement changes goes into a file of its own when memory does not hold it any more.
+void TestSqliteFile::aStatementOfManyPagesIsWritten() {
+    const auto store = opened(true);
+    QVERIFY(store);
+    QVERIFY(Batch("MenuFileExt").insert("k").send(*store).ok());
+    for (const int size : {50'000, 130'000, 270'000, 1'000'000, 100}) {
+        const QString text(size, 'x');
+        const Status status = Batch("MenuFileExt").update("k", {{"fileExt", text}}).send(*store);
+        QVERIFY2(status.ok(), status.text.c_str());
+        QCOMPARE(dump(*store, "MenuFileExt"), "k|" + text);
+    }
+}
 
 void TestSqliteFile::fullDiskLosesNothing() {
     QDir(m_directory->path()).mkdir("disk");
