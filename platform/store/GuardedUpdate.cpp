@@ -55,15 +55,15 @@ Status GuardedUpdate::merge(UpdateGuard& guard) {
     for (const Write& write : m_writes)
         if (write.flag == MDX_UPDATE && isKey(write.key))
             updated.insert(foldedKey(write.key));
+    if (updated.empty())
+        return {};
     std::vector<Change> changes;
     std::set<std::string> stored;
-    if (!updated.empty()) {
-        Status status = m_backend.storedKeys(m_table, listOf(updated), &stored);
-        if (status.ok() && guard.seen >= 0)
-            status = m_backend.changesOf(m_table, listOf(updated), guard.seen, &changes);
-        if (!status.ok())
-            return status;
-    }
+    Status status = m_backend.storedKeys(m_table, listOf(updated), &stored);
+    if (status.ok() && guard.seen >= 0)
+        status = m_backend.changesOf(m_table, listOf(updated), guard.seen, &changes);
+    if (!status.ok())
+        return status;
     const Merge merge(m_table, changes, guard);
     for (Write& write : m_writes) {
         merge.reduce(write);
@@ -78,8 +78,8 @@ Status GuardedUpdate::merge(UpdateGuard& guard) {
         if (std::any_of(guard.missing.begin(), guard.missing.end(), sameKey))
             continue;
         guard.missing.push_back({write.key, {}});
-        if (const Status status = lastDeletion(m_table, key, &guard.missing.back().deletion);
-            !status.ok())
+        status = lastDeletion(m_table, key, &guard.missing.back().deletion);
+        if (!status.ok())
             return status;
     }
     return {};

@@ -37,6 +37,8 @@ Status LinkCycles::check(const ParentOf& parentOf) const {
 Status LinkCycles::checkOne(const std::string& key, const ParentOf& parentOf, Sound* sound) const {
     const Link& own = m_links.at(key);
     const bool isNew = own.flag == MDX_INSERT;
+    if (isNew && own.parent != key && m_links.count(own.parent) == 0)
+        return {};
     std::string parent;
     if (!isNew) {
         const Status status = parentOf(key, &parent);
