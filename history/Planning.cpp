@@ -7,6 +7,7 @@
 #include "platform/store/Names.h"
 
 #include <algorithm>
+#include <cassert>
 #include <climits>
 #include <cstring>
 
@@ -84,7 +85,6 @@ void Planning::remark(Remark::Why why, const store::TableDef& table, const Recor
 // What happened ----------------------------------------------------------------------------------
 
 store::Status Planning::collect() {
-    std::map<const store::TableDef*, std::vector<std::string>> keys;
     int64_t last = 0;
     size_t count = 0;
     for (const int64_t group : m_concerned) {
@@ -105,11 +105,8 @@ store::Status Planning::collect() {
                  {},
                  0,
                  group});
-        for (const store::Change& change : changes) {
-            if (const store::TableDef* table = tableOf(change.table))
-                keys[table].push_back(change.key);
+        for (const store::Change& change : changes)
             last = std::max(last, change.id);
-        }
         count += changes.size();
         m_changes.push_back(std::move(changes));
     }
@@ -117,6 +114,11 @@ store::Status Planning::collect() {
     const bool nothingElse =
         last == m_inverse.seen && static_cast<int64_t>(count) == last - m_standing.begin() + 1;
     if (!nothingElse) {
+        std::map<const store::TableDef*, std::vector<std::string>> keys;
+        for (const std::vector<store::Change>& changes : m_changes)
+            for (const store::Change& change : changes)
+                if (const store::TableDef* table = tableOf(change.table))
+                    keys[table].push_back(change.key);
         m_changes.clear();
         for (const auto& [table, all] : keys) {
             std::vector<store::Change> changes;
@@ -138,9 +140,10 @@ store::Status Planning::collect() {
                         store::valuesFromJson(*table, change.before)};
             record.key = change.key;
             if (isConcerned(event)) {
+                assert(table->fields.size() <= mostFields);
                 for (const Values* values : {&event.after, &event.before})
                     for (const auto& [field, value] : *values)
-                        record.fields.insert(field);
+                        record.fields.set(static_cast<size_t>(field));
                 record.wasMadeOrDeleted = record.wasMadeOrDeleted || change.code != OrvoEventUpdate;
             }
             record.events.push_back(std::move(event));
@@ -158,9 +161,8 @@ store::Status Planning::collect() {
 /// The record as the changes that stand have made it.
 void Planning::work(Record& record) const {
     record.presentThen = record.events.front().change->code != OrvoEventInsert;
-    for (const Event& event : record.events)
-        for (const auto& [field, value] : event.before)
-            record.then.try_emplace(field, value);
+    for (Event& event : record.events) // a deletion knows the fields that nobody has changed
+        record.then.merge(event.before);
     for (const Event& event : record.events) {
         if (!counts(event))
             continue;
@@ -169,21 +171,12 @@ void Planning::work(Record& record) const {
         for (const auto& [field, value] : event.after)
             record.then[field] = value;
     }
-    if (!record.presentThen)
-        return;
-    // A deletion knows the fields that nobody has changed.
-    for (auto event = record.events.rbegin(); event != record.events.rend(); ++event)
-        if (event->change->code == OrvoEventDelete) {
-            for (const auto& [field, value] : event->before)
-                record.then.try_emplace(field, value);
-            break;
-        }
 }
 
 void Planning::update(const store::TableDef& table, Record& record) {
-    for (const int field : record.fields) {
+    for (int field = 1; field < static_cast<int>(table.fields.size()); ++field) {
         const auto wanted = record.then.find(field);
-        if (field == 0 || wanted == record.then.end())
+        if (!record.fields.test(static_cast<size_t>(field)) || wanted == record.then.end())
             continue;
         if (!(record.now[field] == wanted->second)) {
             record.values[field] = wanted->second;
@@ -208,7 +201,8 @@ store::Status Planning::decide() {
     for (auto& [table, records] : m_records) {
         std::vector<std::string> keys;
         for (const auto& [key, record] : records)
-            keys.push_back(key);
+            if (!m_alone || record.events.back().change->code != OrvoEventDelete)
+                keys.push_back(key);
         std::map<std::string, std::vector<store::Value>> stored;
         store::Status status = m_store.storedValues(*table, keys, &stored);
         if (!status.ok())
@@ -236,7 +230,7 @@ store::Status Planning::decide() {
                            deletion ? deletion->change : nullptr);
             } else if (record.presentThen) {
                 record.flag = MDX_INSERT;
-                record.values = record.then;
+                record.values = std::move(record.then);
             } else if (record.present && record.wasMadeOrDeleted) {
                 record.flag = MDX_DELETE;
                 bool made = false;
@@ -342,9 +336,6 @@ void Planning::part(const store::TableDef& table, int flag) {
         store::Write write;
         write.flag = flag;
         write.key = record.key;
-        for (const auto& [field, value] : record.values)
-            if (field != 0)
-                write.values.emplace_back(field, value);
         if (m_inverse.preview.size() < mostPreviewed) {
             store::Change change;
             change.table = table.name;
@@ -360,6 +351,10 @@ void Planning::part(const store::TableDef& table, int flag) {
                 flag == MDX_INSERT ? "{}" : jsonOf(table, flag == MDX_DELETE ? record.now : before);
             m_inverse.preview.push_back(std::move(change));
         }
+        write.values.reserve(record.values.size());
+        for (auto& [field, value] : record.values)
+            if (field != 0)
+                write.values.emplace_back(field, std::move(value));
         part.writes.push_back(std::move(write));
         if (&table == &store::contentTable())
             part.bytes.push_back({record.version, {}});

@@ -6,6 +6,7 @@
 #include "history/Inverse.h"
 #include "history/Standing.h"
 
+#include <bitset>
 #include <map>
 #include <optional>
 #include <set>
@@ -37,18 +38,21 @@ public:
     void compose();
 
 private:
+    static constexpr size_t mostFields = 64;
+    using Fields = std::bitset<mostFields>; ///< by their numbers in the table
     struct Event {
         const store::Change* change;
-        Values after, before;
+        Values after, before; ///< the latter until work()
     };
     struct Record {
         std::string key;               ///< as it is spelled
         std::vector<Event> events;     ///< all since Standing::begin
-        std::set<int> fields;          ///< that the actions have changed
+        Fields fields;                 ///< that the actions have changed
         bool present = false;          ///< is stored
         bool wasMadeOrDeleted = false; ///< by the actions
         bool presentThen = false;      ///< is to be stored
-        Values now, then;
+        Values now;
+        Values then;                            ///< until they are in `values`
         int flag = 0;                           ///< what is to be done; 0: nothing
         int64_t version = 0;                    ///< of a content: whose bytes it is to have
         Values values;                          ///< to be written
@@ -101,6 +105,7 @@ private:
     store::Status findUploadsInto(Records& resources);
 
     store::Status deleteBelow(const store::TableDef& table, const std::string& key);
+    /// Moves the values into the writes.
     void part(const store::TableDef& table, int flag);
 
     store::MaintainedStore& m_store;

@@ -51,7 +51,9 @@ store::Status Planning::findUploadsInto(Records& resources) {
 store::Status Planning::ownerOf(const Record& content, Owner* owner) {
     *owner = Owner::Missing;
     const store::TableDef& resources = *store::findTable(table::MenuResource);
-    const Values& values = content.present ? content.now : content.then;
+    const Values& values = content.present          ? content.now
+                           : content.values.empty() ? content.then
+                                                    : content.values;
     const auto link = values.find(store::contentTable().find(field::MenuResourceKey));
     if (link == values.end())
         return {};

@@ -44,6 +44,23 @@ bool convert(const QJsonValue& value, MdxType type, MDRVar* var, std::string* te
     return true;
 }
 
+/// False if a field of that type cannot hold it.
+bool valueOf(const QJsonValue& json, MdxType type, Value* value) {
+    const double real = json.isBool() ? (json.toBool() ? 1 : 0) : json.toDouble();
+    if (json.isNull())
+        *value = std::monostate();
+    else if (type == MDX_TEXT && json.isString())
+        *value = json.toString().toStdString();
+    else if (type == MDX_DATE && json.isDouble())
+        *value = real;
+    else if ((type == MDX_BOOLEAN || type == MDX_INTEGER) && (json.isDouble() || json.isBool()) &&
+             std::fabs(real) < 1e15)
+        *value = static_cast<int64_t>(real);
+    else
+        return false;
+    return true;
+}
+
 } // namespace
 
 bool setFromJson(const TableDef& table, const std::string& json, MDRData* record) try {
@@ -73,25 +90,19 @@ bool setFromJson(const TableDef& table, const std::string& json, MDRData* record
 
 std::map<int, Value> valuesFromJson(const TableDef& table, const std::string& json) {
     std::map<int, Value> values;
+    if (json == "{}") // half of all that the log holds
+        return values;
     const QJsonObject object =
         QJsonDocument::fromJson(QByteArray::fromRawData(json.data(), static_cast<int>(json.size())))
             .object();
-    for (auto it = object.begin(); it != object.end(); ++it) {
-        const int number = table.find(it.key().toStdString());
-        if (number < 0)
+    for (size_t i = 0; i < table.fields.size(); ++i) {
+        const FieldDef& field = table.fields[i];
+        const auto found = object.constFind(QLatin1String(field.name));
+        if (found == object.constEnd())
             continue;
-        const MdxType type = table.fields[static_cast<size_t>(number)].type;
-        const QJsonValue value = it.value();
-        const double real = value.isBool() ? (value.toBool() ? 1 : 0) : value.toDouble();
-        if (value.isNull())
-            values[number] = std::monostate();
-        else if (type == MDX_TEXT && value.isString())
-            values[number] = value.toString().toStdString();
-        else if (type == MDX_DATE && value.isDouble())
-            values[number] = real;
-        else if ((type == MDX_BOOLEAN || type == MDX_INTEGER) &&
-                 (value.isDouble() || value.isBool()) && std::fabs(real) < 1e15)
-            values[number] = static_cast<int64_t>(real);
+        Value value;
+        if (valueOf(found.value(), field.type, &value))
+            values.emplace_hint(values.end(), static_cast<int>(i), std::move(value));
     }
     return values;
 }
