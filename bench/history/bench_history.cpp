@@ -1,11 +1,13 @@
 // bench_history [RECORDS]: taking back the deletion of RECORDS (100000) elements, planned and
-// written, against the deletion itself, on both databases. Medians of three. Then a page of the
+// written, against the deletion itself as a session writes it for a module, on both databases.
+// Medians of three. Then a page of the
 // history behind as many changes, and of one record in them.
 #include "bench/store/Support.h"
 
 #include "history/Inverse.h"
 #include "history/Reading.h"
 #include "platform/mdx/MdxBuild.h"
+#include "platform/store/Merge.h"
 #include "tests/store/PostgresCluster.h"
 
 #include <QCoreApplication>
@@ -23,28 +25,44 @@ void require(const store::Status& status) {
     check(status.ok(), status.text);
 }
 
-store::Write element(int number, int flag) {
+std::string keyOf(int number) {
+    return "bench" + std::to_string(number);
+}
+
+store::Write element(int number) {
     const store::TableDef& table = *store::findTable("Menu");
     store::Write write;
-    write.flag = flag;
-    write.key = "bench" + std::to_string(number);
-    if (flag != MDX_INSERT)
-        return write;
+    write.flag = MDX_INSERT;
+    write.key = keyOf(number);
     write.values = {{table.find("FolderKey"), std::string("desk")},
                     {table.find("caption"), "Крановая обвязка " + std::to_string(number)},
                     {table.find("order_"), int64_t(number)},
                     {table.find("params"), std::string("a=1;b=2")}};
     if (number >= 100)
-        write.values.insert(write.values.begin(),
-                            {table.find("parent"), "bench" + std::to_string(number % 100)});
+        write.values.insert(write.values.begin(), {table.find("parent"), keyOf(number % 100)});
     return write;
 }
 
-std::vector<store::TableWrites> elements(int count, int flag) {
+std::vector<store::TableWrites> elements(int count) {
     store::TableWrites part{store::findTable("Menu"), {}};
     for (int i = 0; i < count; ++i)
-        part.writes.push_back(element(i, flag));
+        part.writes.push_back(element(i));
     return {std::move(part)};
+}
+
+/// As a module hands it to its session.
+void markDeleted(int count, MDArray* records) {
+    store::makeStructure(*store::findTable("Menu"), records);
+    for (int i = 0; i < count; ++i) {
+        MDRData* record = MDARecNew(records);
+        MDRSetFlags(record, MDX_DELETE);
+        MDRVar key{};
+        const std::string text = keyOf(i);
+        key.type = MDX_TEXT;
+        key.value.text = {static_cast<uint32_t>(text.size()), text.c_str()};
+        MDRSetVal(MDRFldByNum(records, 0), record, &key);
+        MDARecPost(record, nullptr);
+    }
 }
 
 void run(const char* name, const std::string& url, int count) {
@@ -54,20 +72,29 @@ void run(const char* name, const std::string& url, int count) {
     store::MaintainedStore& target = *opened;
     int64_t seen = 0;
     require(target.logPosition(&seen));
-    require(target.writeAll(elements(count, MDX_INSERT), seen, {}));
-    std::vector<double> deletions, undos;
+    const auto inserted = elements(count);
+    const double insertion = seconds([&] { require(target.writeAll(inserted, seen, {})); });
+    CMDArray deleted;
+    markDeleted(count, deleted.array);
+    std::vector<double> deletions, plans, undos;
     for (int i = 0; i < 3; ++i) {
-        const auto deletion = elements(count, MDX_DELETE);
-        require(target.logPosition(&seen));
-        deletions.push_back(seconds([&] { require(target.writeAll(deletion, seen, {})); }));
+        store::UpdateGuard guard;
+        require(target.logPosition(&guard.seen));
+        deletions.push_back(
+            seconds([&] { require(target.update("Menu", deleted.array, &guard)); }));
         history::Inverse done;
         const int64_t group = target.lastWritten().first;
+        history::Inverse planned;
+        plans.push_back(
+            seconds([&] { require(history::planInverse(target, {group}, {}, &planned)); }));
         undos.push_back(seconds([&] { require(history::undo(target, {group}, {}, &done)); }));
         check(done.written && done.remarks.empty(), "not taken back");
     }
     std::printf(
-        "%s: deletion of %d elements %.2f s, taking it back %.2f s: %.2fx  (budget <= 1.5x)\n",
-        name, count, median(deletions), median(undos), median(undos) / median(deletions));
+        "%s: deletion of %d elements %.2f s, taking it back %.2f s: %.2fx  (budget <= 1.5x); the "
+        "plan alone %.2f s, inserting them at first %.2f s\n",
+        name, count, median(deletions), median(undos), median(undos) / median(deletions),
+        median(plans), insertion);
     const auto page = [&](const history::Filter& filter, const char* what) {
         const double taken = seconds([&] {
             history::Reader reader(target, filter);
