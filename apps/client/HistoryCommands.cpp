@@ -75,6 +75,10 @@ bool HistoryCommands::isIdle() const {
 QString HistoryCommands::whyNot() const {
     if (!m_context.pump.mayDeliver())
         return QStringLiteral("сначала закончите начатое");
+    return whyAnswerFirst();
+}
+
+QString HistoryCommands::whyAnswerFirst() const {
     for (const QPointer<COrvoCliMod>& module :
          m_context.modules.modules(client::ModuleState::Running)) {
         const client::Attention attention = client::attentionIn(*module);
@@ -104,8 +108,11 @@ void HistoryCommands::showVersions(const QString& resource) {
     dialog->open();
 }
 
-/// The record may have gone since, and an element may stand in another menu now.
+/// A row that becomes current under a question or a picker would get the answer. The record may
+/// have gone since, and an element may stand in another menu now.
 void HistoryCommands::showRecord(const QString& table, const QString& key, const QString& desktop) {
+    if (refusesToShow())
+        return;
     struct Found {
         bool stored = false;
         std::string desktop;
@@ -131,6 +138,8 @@ void HistoryCommands::showRecord(const QString& table, const QString& key, const
                                              : QString::fromStdString(status.text));
                 return;
             }
+            if (refusesToShow())
+                return; // what the guard saves would take the place of a question
             const QString where =
                 found->desktop.empty() ? desktop : QString::fromStdString(found->desktop);
             const auto go = [this, table, key, where] {
@@ -143,8 +152,17 @@ void HistoryCommands::showRecord(const QString& table, const QString& key, const
         });
 }
 
+bool HistoryCommands::refusesToShow() {
+    const QString why = whyAnswerFirst();
+    if (!why.isEmpty())
+        tell(LogWarning, QStringLiteral("Строка не показана: ") + why);
+    return !why.isEmpty();
+}
+
 void HistoryCommands::showRecordNow(const QString& table, const QString& key,
                                     const QString& desktop) {
+    if (refusesToShow())
+        return;
     // Not while a slot of a module waits in a dialog or a menu.
     if (!m_context.pump.mayDeliver()) {
         QTimer::singleShot(100, this,

@@ -44,6 +44,9 @@ private:
     void connectUndo();
     void connectPane();
     QString whyNot() const;
+    /// Names the module in which a question or a picker stands; empty if there is none.
+    QString whyAnswerFirst() const;
+    bool refusesToShow();
     void tell(int level, const QString& text);
     void showHistory(const QString& table, const QString& key, bool withContent);
     void showVersions(const QString& resource);

@@ -5,6 +5,7 @@
 #include "apps/client/VersionsDialog.h"
 #include "platform/mdx/MdxBuild.h"
 #include "tests/client/RunningClient.h"
+#include "tests/menu/WindowHands.h"
 
 #include <QAbstractItemModelTester>
 #include <QComboBox>
@@ -304,6 +305,44 @@ private slots:
         fixture.choose("Удалён элемент меню «г»");
         fixture.press("historyShow");
         QTRY_VERIFY(fixture.failure().contains("строки больше нет"));
+    }
+
+    /// The pane stands beside the editors and takes input while one of them asks.
+    void showLeavesTheRowOfAQuestionCurrent_data() {
+        QTest::addColumn<bool>("askedMeanwhile");
+        QTest::newRow("the question stands") << false;
+        QTest::newRow("it comes while the record is looked up") << true;
+    }
+    void showLeavesTheRowOfAQuestionCurrent() {
+        QFETCH(bool, askedMeanwhile);
+        Fixture fixture;
+        fixture.stop();
+        fixture.otherWrites(MDX_INSERT,
+                            {{"KeyLink", "desk2"}, {"caption", "КС-2"}, {"order_", "2000"}},
+                            "MenuFolder");
+        fixture.start();
+        fixture.openDesktop("КС-1");
+        fixture.open();
+        QTRY_VERIFY(fixture.find("«КС-2»") >= 0);
+        fixture.choose("«КС-2»");
+        const COrvoCliMod& menu = *fixture.module("Menu");
+        const auto ask = [&] { fixture.action("actDeleteFromtvDesck")->trigger(); };
+        if (!askedMeanwhile)
+            ask();
+        fixture.press("historyShow");
+        if (askedMeanwhile)
+            ask();
+        QTRY_VERIFY2(fixture.failure().contains("сначала ответьте на вопрос: Редактор меню"),
+                     qPrintable(fixture.failure()));
+        QTest::qWait(300); // longer than a record is looked up
+        QCOMPARE(fixture.view("tvDesck")->currentIndex().data().toString(), QString("КС-1"));
+        answerBox(menu, YesRole);
+        QTRY_VERIFY(fixture.find("Удалён рабочий стол «КС-1»") >= 0);
+        QCOMPARE(fixture.find("Удалён рабочий стол «КС-2»"), -1);
+        // Answered, the row is shown.
+        fixture.choose("Создан рабочий стол «КС-2»");
+        fixture.press("historyShow");
+        QTRY_COMPARE(fixture.view("tvDesck")->currentIndex().data().toString(), QString("КС-2"));
     }
 
     void everyRowOfATreeOffersItsHistory() {
