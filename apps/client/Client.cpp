@@ -371,7 +371,8 @@ void Client::addOpenEdits() {
                            [module] {
                                if (module)
                                    module->ModEditCancel();
-                           }});
+                           },
+                           module.data()});
         }
         return all;
     });

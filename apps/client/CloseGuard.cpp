@@ -16,11 +16,12 @@ void CloseGuard::addSource(Source source) {
     m_sources.push_back(std::move(source));
 }
 
-std::vector<CloseGuard::Unsaved> CloseGuard::unsaved() const {
+std::vector<CloseGuard::Unsaved> CloseGuard::unsaved(const QObject* owner) const {
     std::vector<Unsaved> all;
     for (const Source& source : m_sources)
         for (Unsaved& one : source())
-            all.push_back(std::move(one));
+            if (!owner || one.owner == owner)
+                all.push_back(std::move(one));
     return all;
 }
 
@@ -34,10 +35,11 @@ void CloseGuard::dropAll() {
             one.drop();
 }
 
-bool CloseGuard::mayGo(QWidget* window, const QString& title, Answers answers) {
+bool CloseGuard::mayGo(QWidget* window, const QString& title, Answers answers,
+                       const QObject* owner) {
     if (m_question)
         return false;
-    const std::vector<Unsaved> all = unsaved();
+    const std::vector<Unsaved> all = unsaved(owner);
     if (all.empty())
         return true;
     constexpr size_t mostLines = 10;
@@ -66,16 +68,16 @@ bool CloseGuard::mayGo(QWidget* window, const QString& title, Answers answers) {
     m_question = box;
     // Queued: the box and its modality are gone before modules go.
     connect(box, &QMessageBox::buttonClicked, this,
-            [this, save, drop, window = QPointer<QWidget>(window), title,
-             answers](QAbstractButton* button) {
+            [this, save, drop, window = QPointer<QWidget>(window), title, answers,
+             owner](QAbstractButton* button) {
                 const bool saves = button == save;
                 const bool drops = button == drop;
                 QMetaObject::invokeMethod(
                     this,
-                    [this, saves, drops, window, title, answers] {
+                    [this, saves, drops, window, title, answers, owner] {
                         m_question.clear();
                         if (saves)
-                            answered(window, title, answers);
+                            answered(window, title, answers, owner);
                         else if (drops)
                             answers.go();
                         else if (answers.stay)
@@ -88,14 +90,15 @@ bool CloseGuard::mayGo(QWidget* window, const QString& title, Answers answers) {
 }
 
 /// What could not be stored keeps the window; what a save left behind elsewhere is asked about.
-void CloseGuard::answered(QWidget* window, const QString& title, const Answers& answers) {
-    for (const Unsaved& one : unsaved())
+void CloseGuard::answered(QWidget* window, const QString& title, const Answers& answers,
+                          const QObject* owner) {
+    for (const Unsaved& one : unsaved(owner))
         if (!one.save()) {
             if (answers.stay)
                 answers.stay();
             return;
         }
-    if (mayGo(window, title, answers))
+    if (mayGo(window, title, answers, owner))
         answers.go();
 }
 

@@ -28,6 +28,7 @@ public:
         std::function<bool()> save;
         /// Gives it up; null: it goes with the window or the module.
         std::function<void()> drop = {};
+        const QObject* owner = nullptr; ///< the module in which it is open, if it is in one
     };
     using Source = std::function<std::vector<Unsaved>()>;
     struct Answers {
@@ -47,12 +48,15 @@ public:
     bool isAsking() const { return !m_question.isNull(); }
     /// True if nothing would be lost: the caller goes on at once, and no answer is called. Else the
     /// question is put over `window`, and one of the answers is called later, from the event loop.
-    /// While a question stands another call gives false and is forgotten.
-    bool mayGo(QWidget* window, const QString& title, Answers answers);
+    /// While a question stands another call gives false and is forgotten. `owner`: only what is
+    /// open in that module is asked about and saved.
+    bool mayGo(QWidget* window, const QString& title, Answers answers,
+               const QObject* owner = nullptr);
 
 private:
-    std::vector<Unsaved> unsaved() const;
-    void answered(QWidget* window, const QString& title, const Answers& answers);
+    std::vector<Unsaved> unsaved(const QObject* owner = nullptr) const;
+    void answered(QWidget* window, const QString& title, const Answers& answers,
+                  const QObject* owner);
 
     std::vector<Source> m_sources;
     QPointer<QMessageBox> m_question; ///< deletes itself when closed

@@ -314,7 +314,7 @@ void Launcher::closePage(QWidget* page) {
             m_context.modules.stop(alive);
     };
     if (module->ModEditText().isEmpty() ||
-        m_context.guard.mayGo(&m_context.window, QStringLiteral("Закрыть"), {go, {}}))
+        m_context.guard.mayGo(&m_context.window, QStringLiteral("Закрыть"), {go, {}}, module))
         go();
 }
 

@@ -73,6 +73,9 @@ store::Status COrvoCliSes::Private::refuse(WriteRequest request, store::Status s
         entry.state = UnwrittenEntry::Unknown;
         entry.written = store->lastWritten();
     }
+    // What the log no longer tells it will not tell later: a repetition looks on from here.
+    if (status.code == store::Outdated && !store->logPosition(&entry.seen).ok())
+        entry.seen = -1;
     keep(std::move(entry), canAsk);
     return status;
 }

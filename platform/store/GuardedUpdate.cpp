@@ -3,6 +3,7 @@
 #include "platform/store/ChangeRecord.h"
 #include "platform/store/LinkCycles.h"
 #include "platform/store/Names.h"
+#include "platform/store/TakenNames.h"
 
 #include "frame/Vocabulary.h"
 
@@ -40,14 +41,27 @@ std::string nameIn(const TableDef& table, const std::string& json) {
 Status GuardedUpdate::apply(UpdateGuard* guard) {
     Status status;
     if (guard != nullptr)
+        status = checkReach(*guard);
+    if (status.ok() && guard != nullptr)
         status = merge(*guard);
     if (status.ok() && guard != nullptr)
         status = checkParents(&guard->parentDeletion);
     if (status.ok())
         status = refuseCycles();
+    if (status.ok() && guard != nullptr && guard->seen >= 0 && TakenNames::concern(m_table))
+        status = TakenNames(m_backend, m_table, *guard).check(m_writes);
     if (status.ok() && guard != nullptr)
         status = checkChildren(*guard);
     return status.ok() ? m_backend.applyAll(m_table, m_writes) : status;
+}
+
+Status GuardedUpdate::checkReach(const UpdateGuard& guard) {
+    bool reaches = true;
+    const Status status = guard.seen < 0 ? Status() : m_backend.reachesBackTo(guard.seen, &reaches);
+    return status.ok() && !reaches
+               ? Status{Outdated, "Журнал изменений тем временем сокращён, и уже не видно, что "
+                                  "меняли другие"}
+               : status;
 }
 
 Status GuardedUpdate::merge(UpdateGuard& guard) {

@@ -25,6 +25,8 @@ public:
     Status apply(UpdateGuard* guard);
 
 private:
+    /// Outdated if the log no longer tells of everything that the writer has not seen.
+    Status checkReach(const UpdateGuard& guard);
     /// Takes out of the updates what others wrote, and lists those of missing records.
     Status merge(UpdateGuard& guard);
     /// ParentDeleted if a record would be placed below one that was deleted.

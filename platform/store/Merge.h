@@ -42,7 +42,9 @@ struct MissingRecord {
 
 /// What an update looks at beside its records, and what it found.
 struct UpdateGuard {
-    /// The writer has seen the log up to this change; -1: unknown, and every field is written.
+    /// The writer has seen the log up to this change; -1: unknown, and every field is written. If
+    /// the log does not reach back to it the update is Outdated; a name that another took after it
+    /// is Refused (TakenNames.h).
     int64_t seen = -1;
     /// Changes after `seen` that are the writer's own. In rising order, without overlaps.
     std::vector<IdRange> own;

@@ -119,6 +119,8 @@ public:
     /// `since`, or may have, the log no longer telling.
     virtual Status changedSince(const TableDef& table, int64_t since, int64_t* newest,
                                 bool* changed) = 0;
+    /// Whether the log still tells of everything after `since`.
+    Status reachesBackTo(int64_t since, bool* reaches);
     /// The changes after `since` of the records with these folded keys, in the order of the log.
     virtual Status changesOf(const TableDef& table, const std::vector<std::string>& keys,
                              int64_t since, std::vector<Change>* changes) = 0;

@@ -25,6 +25,14 @@ std::vector<std::string> foldedKeys(const std::vector<std::string>& keys) {
 
 } // namespace
 
+Status StoreBackend::reachesBackTo(int64_t since, bool* reaches) {
+    int64_t newest = 0;
+    bool pruned = false;
+    const Status status = changedSince(noTable, since, &newest, &pruned);
+    *reaches = !pruned;
+    return status;
+}
+
 Status StoreBackend::storedKeys(const TableDef& table, const std::vector<std::string>& keys,
                                 std::set<std::string>* stored) {
     return selectKeys(table, {0}, keys,
@@ -81,8 +89,9 @@ Status StoreCore::checkUnchanged(const TableWrites& part, int64_t seen) {
     std::vector<Change> since;
     status = changesOf(*part.table, foldedKeys(keys), seen, &since);
     if (status.ok() && since.empty()) {
-        status = changedSince(noTable, seen, &newest, &changed);
-        if (status.ok() && changed)
+        bool reaches = true;
+        status = reachesBackTo(seen, &reaches);
+        if (status.ok() && !reaches)
             return {Outdated, "Журнал изменений тем временем сокращён"};
     }
     if (!status.ok() || since.empty())

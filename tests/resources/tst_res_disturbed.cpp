@@ -133,39 +133,6 @@ private slots:
         QCOMPARE(live.currentKey(), key);
     }
 
-    void aNameTakenMeanwhileIsRefused() {
-        Writing live;
-        live.makeCurrent("alarms");
-        live.editor.action("actAddModule")->trigger();
-        live.type("object", "Mid");
-        addItem(live.store, "first", 1, "trends", "MID", "Первый");
-        live.deliver();
-        live.save();
-        QCOMPARE(live.box(), QString("Ошибка\nТакой ресурс уже существует. Данные не сохранены."));
-        QCOMPARE(live.state(), NewRow);
-        QCOMPARE(live.written(), QString());
-        live->on_common_error_message(nullptr);
-        live.store.remove("MenuResource", "first");
-        live.deliver();
-        live.save();
-        QVERIFY(live.written().contains("name_='Mid'"));
-    }
-
-    void aCaptionTakenMeanwhileIsRefused() {
-        Writing live;
-        live.makeCurrent("mod");
-        live.editor.action("actAddFolder")->trigger();
-        live.type("caption", "Чужая");
-        // It shows nowhere before the next start, and is a sibling all the same.
-        addFolder(live.store, "theirs", 1, "mod", "ЧУЖАЯ");
-        live.deliver();
-        QVERIFY(!live->row("theirs").isValid());
-        live.save();
-        QVERIFY(live.box().contains("Папка с таким именем уже существует"));
-        QCOMPARE(live.state(), NewRow);
-        QCOMPARE(live.written(), QString());
-    }
-
     void anOpenLineOutlivesABurst() {
         Writing live;
         live.makeCurrent("rlog");

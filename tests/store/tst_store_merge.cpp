@@ -41,6 +41,10 @@ private slots:
     void folderGoesWithWhatItsWriterHasSeenOrMade();
     void deletionAndInsertionAtTheSameTimeLeaveNoOrphan();
     void captionsInThePlaceOfAParentAreTaken();
+    void nameThatAnotherTookIsRefused_data();
+    void nameThatAnotherTookIsRefused();
+    void nameIsFreeIfNobodyElseTookIt();
+    void whatAPrunedLogCannotTellIsNotWritten();
     void editsOfDifferentFieldsAtRandomPaceAllLast();
 
 private:
@@ -356,6 +360,119 @@ void TestMerge::captionsInThePlaceOfAParentAreTaken() {
                 .insert("a", {{"parent", "Насосная"}, {"FolderKey", "desk"}})
                 .insert("b", {{"parent", "Pumps"}, {"FolderKey", "desk"}})
                 .send(*m_store, &mine));
+}
+
+void TestMerge::nameThatAnotherTookIsRefused_data() {
+    QTest::addColumn<QByteArray>("table");
+    QTest::addColumn<int>("type");
+    QTest::addColumn<QByteArray>("place"); // of the other's
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<bool>("refused");
+    const QByteArray items = "MenuResource", folders = "MenuResourceFolder";
+    QTest::newRow("module in another folder")
+        << items << 1 << QByteArray("far") << QByteArray("MID") << true;
+    QTest::newRow("form of that name")
+        << items << 3 << QByteArray("near") << QByteArray("Mid") << false;
+    QTest::newRow("file beside") << items << 4 << QByteArray("near") << QByteArray("Mid") << true;
+    QTest::newRow("file in another folder")
+        << items << 4 << QByteArray("far") << QByteArray("Mid") << false;
+    QTest::newRow("file in other letters")
+        << items << 4 << QByteArray("near") << QByteArray("MID") << false;
+    QTest::newRow("sibling folder")
+        << folders << 1 << QByteArray("near") << QByteArray("MID") << true;
+    QTest::newRow("folder elsewhere")
+        << folders << 1 << QByteArray("far") << QByteArray("Mid") << false;
+    QTest::newRow("folder at the other top")
+        << folders << 4 << QByteArray() << QByteArray("Mid") << false;
+    QTest::newRow("file folder at the top")
+        << folders << 4 << QByteArray("FileResources") << QByteArray("Mid") << true;
+}
+
+void TestMerge::nameThatAnotherTookIsRefused() {
+    QFETCH(QByteArray, table);
+    QFETCH(int, type);
+    QFETCH(QByteArray, place);
+    QFETCH(QByteArray, name);
+    const bool folders = table == "MenuResourceFolder";
+    const char* const caption = folders ? "caption" : "name_";
+    const char* const link = folders ? "ParentKey" : "MenuResourceFolderKey";
+    // One's own is a module, but where the other's is a file or lies at a top.
+    const bool atTop = folders && (place == "FileResources" || place.isEmpty());
+    const int mine = place.isEmpty() ? 1 : type == 3 ? 1 : type;
+    const QVariant folder = atTop ? QVariant() : QVariant("near");
+    ORVO_OK(Batch("MenuResourceFolder")
+                .insert("near", {{"type_", type}})
+                .insert("far", {{"type_", type}})
+                .send(*m_store));
+    ORVO_OK(Batch(table.constData())
+                .insert("old", {{caption, "Old"}, {link, folder}, {"type_", mine}})
+                .send(*m_store));
+    m_seen = position();
+    ORVO_OK(
+        Batch(table.constData())
+            .insert("theirs", {{caption, QString(name)}, {link, QString(place)}, {"type_", type}})
+            .send(*m_other));
+    UpdateGuard inserts = guard();
+    const Status inserted = Batch(table.constData())
+                                .insert("new", {{caption, "Mid"}, {link, folder}, {"type_", mine}})
+                                .send(*m_store, &inserts);
+    QTEST(inserted.code == Refused, "refused");
+    if (!inserted.ok()) {
+        const QString why = QString::fromStdString(inserted.text);
+        QVERIFY2(why.contains("\"Mid\"") && why.contains(QString::fromStdString(m_other->login())),
+                 qPrintable(why));
+    }
+    ORVO_OK(Batch(table.constData()).remove("new").send(*m_store));
+    UpdateGuard renames = guard();
+    const Status renamed = Batch(table.constData())
+                               .update("old", {{caption, "Mid"}, {link, folder}})
+                               .send(*m_store, &renames);
+    QTEST(renamed.code == Refused, "refused");
+}
+
+void TestMerge::nameIsFreeIfNobodyElseTookIt() {
+    const auto add = [](Store& store, const char* key, const char* name,
+                        UpdateGuard* by = nullptr) {
+        return Batch("MenuResource").insert(key, {{"name_", name}, {"type_", 1}}).send(store, by);
+    };
+    ORVO_OK(add(*m_store, "known", "Known"));
+    m_seen = position();
+    // What one has seen one may do, and so with one's own.
+    UpdateGuard mine = guard();
+    ORVO_OK(add(*m_store, "again", "Known", &mine));
+    mine = guard();
+    mine.own.push_back({m_seen + 1, position()});
+    ORVO_OK(add(*m_store, "third", "Known", &mine));
+    // Taken and given up.
+    ORVO_OK(add(*m_other, "theirs", "Mid"));
+    ORVO_OK(Batch("MenuResource").update("theirs", {{"name_", "Other"}}).send(*m_other));
+    mine = guard();
+    ORVO_OK(add(*m_store, "mine", "Mid", &mine));
+    // A record keeps its name beside a namesake.
+    ORVO_OK(add(*m_other, "late", "Known"));
+    mine = guard();
+    ORVO_OK(Batch("MenuResource")
+                .update("known", {{"name_", "Known"}, {"caption", "Известный"}})
+                .send(*m_store, &mine));
+}
+
+void TestMerge::whatAPrunedLogCannotTellIsNotWritten() {
+    ORVO_OK(Batch("Menu").update("pump", {{"caption", "Помпа"}}).send(*m_other));
+    ORVO_OK(Batch("MenuFolder").remove("hall").send(*m_other));
+    ORVO_OK(m_store->pruneLog(position()));
+    UpdateGuard mine = guard();
+    const Status status =
+        Batch("Menu").update("pump", {{"caption", "Насос"}, {"order_", 5}}).send(*m_store, &mine);
+    QCOMPARE(status.code, int(Outdated));
+    QVERIFY2(QString::fromStdString(status.text).contains("сокращён"), status.text.c_str());
+    QCOMPARE(record("pump"), QString("Помпа|pump.png|1000|false|-"));
+    mine = guard();
+    QCOMPARE(Batch("MenuFolder").insert("part", {{"ParentKey", "hall"}}).send(*m_store, &mine).code,
+             int(Outdated));
+    // Who has seen everything up to there is not concerned.
+    m_seen = position();
+    mine = guard();
+    ORVO_OK(Batch("Menu").update("pump", {{"caption", "Насос"}}).send(*m_store, &mine));
 }
 
 /// Two writers, each of whole rows as it last saw them with one of its own two fields changed. Each

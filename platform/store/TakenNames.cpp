@@ -1,0 +1,139 @@
+#include "platform/store/TakenNames.h"
+
+#include "frame/Vocabulary.h"
+#include "platform/store/ChangeRecord.h"
+#include "platform/store/Names.h"
+
+#include <cstring>
+
+namespace orvo::store {
+
+namespace {
+
+bool isFolders(const TableDef& table) {
+    return std::strcmp(table.name, table::MenuResourceFolder) == 0;
+}
+
+bool isFile(const Value& type) {
+    const auto* kind = std::get_if<int64_t>(&type);
+    return kind != nullptr && *kind == Kind::File;
+}
+
+} // namespace
+
+bool TakenNames::concern(const TableDef& table) {
+    return isFolders(table) || std::strcmp(table.name, table::MenuResource) == 0;
+}
+
+TakenNames::TakenNames(StoreBackend& backend, const TableDef& table, const UpdateGuard& guard)
+    : m_backend(backend)
+    , m_table(table)
+    , m_guard(guard)
+    , m_name(table.find(isFolders(table) ? field::caption : field::name_))
+    , m_folder(table.find(isFolders(table) ? field::ParentKey : field::MenuResourceFolderKey))
+    , m_type(table.find(field::type_)) {}
+
+Status TakenNames::check(const std::vector<Write>& writes) {
+    int64_t newest = 0;
+    bool changed = false; // usually nobody has written since
+    Status status = m_backend.changedSince(m_table, m_guard.seen, &newest, &changed);
+    if (!status.ok() || !changed)
+        return status;
+    status = readStored(writes);
+    if (!status.ok())
+        return status;
+    for (const Write& write : writes) {
+        if (write.flag == MDX_DELETE || !isKey(write.key))
+            continue;
+        const std::string key = foldedKey(write.key);
+        const auto stored = m_stored.find(key);
+        if (write.flag == MDX_UPDATE && stored == m_stored.end())
+            continue; // gone: it is reported
+        const Named wanted = after(write);
+        const std::string place = placeOf(wanted);
+        if (textOf(wanted.name).empty() ||
+            (stored != m_stored.end() && placeOf(stored->second) == place))
+            continue;
+        m_wanted.insert_or_assign(place, Wanted{key, textOf(wanted.name)});
+    }
+    status = m_wanted.empty() ? status : findNamesakes();
+    return status.ok() && !m_holders.empty() ? refuseTaken() : status;
+}
+
+Status TakenNames::readStored(const std::vector<Write>& writes) {
+    std::vector<std::string> keys;
+    for (const Write& write : writes)
+        if (write.flag == MDX_UPDATE && isKey(write.key))
+            keys.push_back(foldedKey(write.key));
+    if (keys.empty())
+        return {};
+    return m_backend.selectKeys(
+        m_table, {0, m_name, m_folder, m_type}, keys, [&](const StoreBackend::Row& row) {
+            m_stored.insert_or_assign(foldedKey(textOf(row[0])), Named{row[1], row[2], row[3]});
+        });
+}
+
+TakenNames::Named TakenNames::after(const Write& write) const {
+    Named named;
+    if (const auto stored = m_stored.find(foldedKey(write.key)); stored != m_stored.end())
+        named = stored->second;
+    for (const auto& [number, value] : write.values) {
+        if (number == m_name)
+            named.name = value;
+        else if (number == m_folder)
+            named.folder = value;
+        else if (number == m_type)
+            named.type = value;
+    }
+    return named;
+}
+
+std::string TakenNames::placeOf(const Named& record) const {
+    const bool file = isFile(record.type);
+    const bool inFolder = file || isFolders(m_table);
+    const auto* type = std::get_if<int64_t>(&record.type);
+    std::string folder = inFolder ? foldedKey(textOf(record.folder)) : std::string();
+    if (folder == foldedKey(rowkey::files))
+        folder.clear(); // the top of the file area has two spellings
+    const std::string& name = textOf(record.name);
+    const bool exact = file && !isFolders(m_table);
+    return std::to_string(type != nullptr ? *type : 0) + '/' + folder + '/' +
+           (exact ? name : foldedName(name).value_or(name));
+}
+
+/// A look at all records costs less than it sounds, and only a new name after another's change asks
+/// for it.
+Status TakenNames::findNamesakes() {
+    return m_backend.select(
+        m_table, {0, m_name, m_folder, m_type}, [&](const StoreBackend::Row& row) {
+            const std::string key = foldedKey(textOf(row[0]));
+            const auto wanted = m_wanted.find(placeOf({row[1], row[2], row[3]}));
+            if (wanted != m_wanted.end() && wanted->second.key != key)
+                m_holders.emplace(key, wanted->second.name);
+        });
+}
+
+Status TakenNames::refuseTaken() {
+    std::vector<std::string> keys;
+    for (const auto& [key, name] : m_holders)
+        keys.push_back(key);
+    std::vector<Change> changes;
+    const Status status = m_backend.changesOf(m_table, keys, m_guard.seen, &changes);
+    if (!status.ok())
+        return status;
+    for (const Change& change : changes) {
+        const std::map<int, Value> values = valuesFromJson(m_table, change.after);
+        if (isOwnChange(m_guard, change.id) ||
+            (values.count(m_name) == 0 && values.count(m_folder) == 0))
+            continue;
+        const std::string who =
+            change.login.empty() ? std::string("другой") : "пользователь " + shown(change.login);
+        return {
+            Refused,
+            "Имя " + shown(m_holders[foldedKey(change.key)]) + " тем временем занял " + who +
+                (isFolders(m_table) ? ": такая папка здесь уже есть" : ": такой ресурс уже есть")};
+    }
+    return {};
+}
+
+} // namespace orvo::store

@@ -1,0 +1,59 @@
+// TakenNames.h: a name that must be the only one in its place is not stored when another has taken
+// it since the writer last looked. Editors look for themselves before they save, but in tables that
+// are kept as they were while an edit is open.
+#ifndef ORVO_PLATFORM_STORE_TAKENNAMES_H
+#define ORVO_PLATFORM_STORE_TAKENNAMES_H
+
+#include "platform/store/Merge.h"
+#include "platform/store/StoreBackend.h"
+
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace orvo::store {
+
+/// Looks at the names of resources and their folders in the writes of one update. Names are unique
+/// among the modules, among the functions and among the forms; those of files in their folder, with
+/// regard to case; those of folders among their siblings. What bore the name before the writer
+/// looked is his to know, and his own changes are no other's.
+class TakenNames {
+public:
+    /// Whether names of that table's records are to be unique.
+    static bool concern(const TableDef& table);
+
+    /// All must outlive it.
+    TakenNames(StoreBackend& backend, const TableDef& table, const UpdateGuard& guard);
+
+    /// Refused if another has taken a name that the writes give.
+    Status check(const std::vector<Write>& writes);
+
+private:
+    struct Named {
+        Value name, folder, type;
+    };
+    struct Wanted {
+        std::string key; ///< folded: of the record that is to have it
+        std::string name;
+    };
+    Status readStored(const std::vector<Write>& writes);
+    Status findNamesakes();
+    Status refuseTaken();
+    /// Name and place in one text; equal for two records that must not be.
+    std::string placeOf(const Named& record) const;
+    Named after(const Write& write) const;
+
+    StoreBackend& m_backend;
+    const TableDef& m_table;
+    const UpdateGuard& m_guard;
+    const int m_name;
+    const int m_folder;
+    const int m_type;
+    std::unordered_map<std::string, Named> m_stored;        ///< by folded key: what is updated
+    std::unordered_map<std::string, Wanted> m_wanted;       ///< by place
+    std::unordered_map<std::string, std::string> m_holders; ///< folded key to the name it bears
+};
+
+} // namespace orvo::store
+
+#endif
