@@ -9,6 +9,7 @@
 #include "frame/Records.h"
 #include "frame/ScratchTable.h"
 #include "frame/Vocabulary.h"
+#include "frame/WindowParts.h"
 #include "menu/Columns.h"
 #include "menu/ElementWalk.h"
 #include "menu/MenuPayload.h"
@@ -17,6 +18,9 @@
 #include <QItemSelectionModel>
 #include <QMimeData>
 
+#include <algorithm>
+
+using orvo::KeyValues;
 using orvo::ScratchTable;
 using orvo::editor::Copied;
 using orvo::editor::RecordField;
@@ -127,7 +131,7 @@ void OrvoMenu::on_actPasteMenuElement_triggered() {
     if (!folder.isValid())
         return;
     const CMDArray& source = payload.table;
-    if (payload.cut && refusesCutInto(target, payload))
+    if (payload.cut && (refusesCutInto(target, payload) || refusesOldCut(payload)))
         return;
     const QMap<QString, QString> keyMap = orvo::menu::newKeysFor(source);
     const QString folderKey = m_menuModel->getItemKeyLink(folder);
@@ -164,6 +168,75 @@ bool OrvoMenu::refusesCutInto(const QModelIndex& target, const MenuPayload& payl
     const QString name = cut.siblingAtColumn(orvo::menu::MenuColumn::Caption).data().toString();
     refuse(tr("Вырезанное нельзя вставить в само себя: \"%1\".").arg(name));
     return true;
+}
+
+/// A cut writes the elements as they were then and deletes them with nothing but what was cut: what
+/// others have done to them since would go without a word.
+bool OrvoMenu::refusesOldCut(const MenuPayload& payload) {
+    const MDRData* first = MDARec(payload.table.array, 0, 0);
+    CMDArray now;
+    now.Attach(requestMenu(orvo::textOf(first, orvo::field::FolderKey)));
+    if (!now.array)
+        return true; // the session has told why
+    orvo::setKeys(now, orvo::keylist::Menu);
+    QStringList gone, changed, added;
+    const auto name = [](const MDRData* record) {
+        return QStringLiteral("\"%1\"").arg(orvo::textOf(record, orvo::field::caption));
+    };
+    orvo::walkAll(payload.table, 0, [&](const MDRData* record) {
+        const QString key = orvo::textOf(record, orvo::field::KeyLink);
+        const MDRData* stored = orvo::seekKey(now, key);
+        if (!stored)
+            gone << name(record);
+        else if (isChanged(record, stored, payload.keys.contains(key, Qt::CaseInsensitive)))
+            changed << name(stored);
+        orvo::walkGroup(now, 1, KeyValues().text(key), [&](const MDRData* below) {
+            if (!orvo::holdsText(below, orvo::field::parent, key))
+                return false;
+            if (!orvo::seekKey(payload.table, orvo::textOf(below, orvo::field::KeyLink)))
+                added << name(below);
+            return true;
+        });
+        return true;
+    });
+    // Pasted before, nothing of it is left, and a paste makes copies.
+    if (gone.size() == orvo::recordCount(payload.table) && !stillStored(payload.table))
+        gone.clear();
+    QStringList reasons;
+    const auto tell = [&](const QString& what, const QStringList& names) {
+        if (!names.isEmpty())
+            reasons << what.arg(
+                orvo::nameLines(names).replace(QLatin1Char('\n'), QLatin1String(", ")));
+    };
+    tell(tr("изменено: %1"), changed);
+    tell(tr("внутри появилось: %1"), added);
+    tell(tr("удалено или перемещено: %1"), gone);
+    if (reasons.isEmpty())
+        return false;
+    refuse(tr("Не вставлено. После вырезания %1. Посмотрите и вырежьте заново.")
+               .arg(reasons.join(QStringLiteral("; "))));
+    return true;
+}
+
+bool OrvoMenu::isChanged(const MDRData* cut, const MDRData* stored, bool isChosen) const {
+    // A chosen element gets another place among its siblings in any case.
+    return std::any_of(
+        m_elementFields.begin(), m_elementFields.end(), [&](const RecordField& field) {
+            const bool place = field.column == orvo::menu::MenuColumn::Order;
+            return field.name && !(isChosen && place) && field.read(cut) != field.read(stored);
+        });
+}
+
+/// Whether any of the records is stored, in whatever menu.
+bool OrvoMenu::stillStored(const CMDArray& records) {
+    CToolRecByKeys tool(this);
+    tool.tableName = orvo::table::Menu;
+    orvo::walkAll(records, 0, [&](const MDRData* record) {
+        tool.keys << orvo::textOf(record, orvo::field::KeyLink);
+        return true;
+    });
+    tool.Perform(false);
+    return orvo::recordCount(tool.result) > 0;
 }
 
 void OrvoMenu::pasteMenuItemToDB(const QString& desck, const QString& parent, const QString& key,

@@ -312,6 +312,10 @@ private:
     QByteArray menuClipboard() const;
     /// Whether a row is, or lies below, what was cut; says so in a box.
     bool refusesCutInto(const QModelIndex& target, const orvo::menu::MenuPayload& payload);
+    /// Whether others have changed what was cut, or put something into it; says so in a box.
+    bool refusesOldCut(const orvo::menu::MenuPayload& payload);
+    bool isChanged(const MDRData* cut, const MDRData* stored, bool isChosen) const;
+    bool stillStored(const CMDArray& records);
     /// The fields that are copied so on such rows.
     void copyFields(orvo::RowWriter& row, const MDRData* source, orvo::editor::Copied how,
                     orvo::editor::Rows kind) const;

@@ -404,6 +404,68 @@ private slots:
         QCOMPARE(editor.host.failures, QStringList());
     }
 
+    void aCutThatAnotherChangedMeanwhileIsRefused_data() {
+        QTest::addColumn<QByteArray>("cut");
+        QTest::addColumn<int>("act");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("renamed") << QByteArray("trend") << 0 << "изменено: \"Новое\"";
+        QTest::newRow("renamed inside") << QByteArray("grafiki") << 0 << "изменено: \"Новое\"";
+        QTest::newRow("put inside") << QByteArray("glubzhe") << 1 << "внутри появилось: \"Чужой\"";
+        QTest::newRow("moved to another menu")
+            << QByteArray("trend") << 2 << "удалено или перемещено: \"Тренд\"";
+        QTest::newRow("deleted inside")
+            << QByteArray("grafiki") << 3 << "удалено или перемещено: \"Тренд\"";
+    }
+    void aCutThatAnotherChangedMeanwhileIsRefused() {
+        QFETCH(QByteArray, cut);
+        QFETCH(int, act);
+        PlantOperations editor;
+        editor.openDesck("armop");
+        editor.selectElements({cut.constData()});
+        editor->on_actCutMenuElement_triggered();
+        if (act == 0)
+            editor.store.update("Menu",
+                                {{"KeyLink", QString("trend")}, {"caption", QString("Новое")}});
+        else if (act == 1)
+            addElement(editor.store, "armop", "theirs", "glubzhe", "Чужой", 5000, "rtrend");
+        else if (act == 2)
+            editor.store.update("Menu",
+                                {{"KeyLink", QString("trend")}, {"FolderKey", QString("armpech")}});
+        else
+            editor.store.remove("Menu", "trend");
+        editor.host.deliver(*editor.module);
+        editor.makeCurrent("MenuRootNode");
+        editor->on_actPasteMenuElement_triggered();
+        QVERIFY(editor.isAsking());
+        QFETCH(QString, reason);
+        QVERIFY2(editor.question().contains(reason), qPrintable(editor.question()));
+        QCOMPARE(editor.host.writes().take(), QString());
+        editor.box()->hide();
+        // Cut anew it goes with what the other did.
+        if (act == 2)
+            return;
+        editor.selectElements({cut.constData()});
+        editor->on_actCutMenuElement_triggered();
+        editor.makeCurrent("MenuRootNode");
+        editor->on_actPasteMenuElement_triggered();
+        QVERIFY(!editor.isAsking());
+        QCOMPARE(editor.host.writes().calls.size(), 2);
+    }
+
+    /// The place of a chosen element among its siblings is another one after the paste.
+    void aCutWhoseElementWasMovedUpIsPasted() {
+        PlantOperations editor;
+        editor.openDesck("armop");
+        editor.selectElements({"calc"});
+        editor->on_actCutMenuElement_triggered();
+        editor.store.update("Menu", {{"KeyLink", QString("calc")}, {"order_", 7000}});
+        editor.host.deliver(*editor.module);
+        editor.makeCurrent("MenuRootNode");
+        editor->on_actPasteMenuElement_triggered();
+        QVERIFY(!editor.isAsking());
+        QCOMPARE(editor.host.writes().calls.size(), 2);
+    }
+
     void aRefusedPasteStillDeletesTheCut() {
         PlantOperations editor;
         editor.openDesck("armop");
