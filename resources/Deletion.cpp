@@ -49,6 +49,11 @@ void OrvoResources::on_actDelete_triggered() {
     }
     if (!finishEditOnPath(row))
         return;
+    // Of modules and functions the current one goes, however many are selected: what is highlighted
+    // and counted is what goes.
+    if (kindOf(row) == Kind::Module || kindOf(row) == Kind::Function)
+        m_ui->tvRes->selectionModel()->select(row, QItemSelectionModel::ClearAndSelect |
+                                                       QItemSelectionModel::Rows);
     const QModelIndexList selected = m_ui->tvRes->selectionModel()->selectedRows();
     const int count = selected.size();
     QStringList keys{m_resModel->getItemKeyLink(row)};
@@ -79,7 +84,6 @@ void OrvoResources::agreeOnSelection() {
 
 QString OrvoResources::questionDetails(const QModelIndex& current) const {
     const int kind = kindOf(current);
-    // Of modules and functions the current one goes, however many are selected.
     if (kind == Kind::Module || kind == Kind::Function)
         return tr("Будет удалено: %1.").arg(describe(current));
     QStringList names;

@@ -192,9 +192,9 @@ private slots:
         dataRow("function", QStringList("rcalc"),
                 words.arg("1", "ресурсов меню?\nБудет удалено: функция «Расчёт» "
                                "(Calc)."));
-        // Of several the current one goes.
+        // Of several the current one goes, and is the one that stays selected.
         dataRow("modules", QStringList({"rlog", "rtable"}),
-                words.arg("2", "ресурсов меню?\nБудет удалено: модуль «Архив» "
+                words.arg("1", "ресурсов меню?\nБудет удалено: модуль «Архив» "
                                "(Table)."));
         dataRow("forms", QStringList({"rboiler", "rburner"}),
                 words.arg("2", "ресурсов меню?\nформа «Котёл» (Boiler)\n"
@@ -318,6 +318,12 @@ private slots:
             refer(store, "rlog"); // selected, not current
         });
         live.select({"rlog", "rextra", "rtable"});
+        live.editor.action("actDelete")->trigger();
+        QVERIFY2(live.box().contains("элементы (1) из"), qPrintable(live.box()));
+        QCOMPARE(live->m_popMessageBox->subjectKeys(), QStringList("rtable"));
+        const QModelIndexList rows = live.view()->selectionModel()->selectedRows();
+        QCOMPARE(rows.size(), 1);
+        QCOMPARE(rows.first(), live->row("rtable"));
         live.confirm();
         QCOMPARE(live.box(), QString());
         QCOMPARE(live.jobs(), QStringList("look up Menu MenuResourceKey rtable"));
