@@ -1,8 +1,8 @@
 #include "models/DesckDelegate.h"
 
+#include "frame/RecordTextValidator.h"
 #include "models/DesckTreeModel.h"
 #include "models/EditorCommit.h"
-#include "models/RecordTextValidator.h"
 
 #include <QLineEdit>
 #include <QSignalBlocker>

@@ -1,9 +1,9 @@
 #include "models/PasspDelegate.h"
 
+#include "frame/RecordTextValidator.h"
 #include "models/EditorCommit.h"
 #include "models/MyButtonEdit.h"
 #include "models/PropModel.h"
-#include "models/RecordTextValidator.h"
 
 #include <QApplication>
 #include <QCheckBox>

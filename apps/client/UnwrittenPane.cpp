@@ -1,6 +1,7 @@
 #include "apps/client/UnwrittenPane.h"
 
 #include "apps/client/Look.h"
+#include "frame/RecordTextValidator.h"
 #include "frame/Vocabulary.h"
 #include "platform/store/Schema.h"
 
@@ -65,12 +66,20 @@ std::optional<QString> textIn(const store::TableDef& table,
     return {};
 }
 
-/// Shows the start of a value, on one line; what is edited is the whole of it.
+/// Shows the start of a value, on one line; what is edited is the whole of it, in letters that a
+/// record can hold.
 class FieldDelegate : public QStyledItemDelegate {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
     QString displayText(const QVariant& value, const QLocale& /*locale*/) const override {
         return oneLine(value.toString(), 1000);
+    }
+    QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
+                          const QModelIndex& index) const override {
+        QWidget* editor = QStyledItemDelegate::createEditor(parent, option, index);
+        if (auto* line = qobject_cast<QLineEdit*>(editor))
+            RecordTextValidator::install(line);
+        return editor;
     }
 };
 
@@ -95,12 +104,12 @@ UnwrittenPane::UnwrittenPane(client::UnwrittenList& list, QWidget* parent)
     m_repeat->setObjectName(QStringLiteral("unwrittenRepeat"));
     m_repeatAll->setObjectName(QStringLiteral("unwrittenRepeatAll"));
     m_giveUp->setObjectName(QStringLiteral("unwrittenGiveUp"));
-    m_tree->setItemDelegate(new FieldDelegate(m_tree));
     m_tree->setHeaderLabels({QStringLiteral("Что не записано"), QStringLiteral("Где / было"),
                              QStringLiteral("Почему / набрано"),
                              QStringLiteral("Когда / у другого")});
     m_tree->setFrameShape(QFrame::NoFrame);
     m_tree->setAlternatingRowColors(true);
+    m_tree->setItemDelegate(new FieldDelegate(m_tree));
     m_tree->header()->setStretchLastSection(true);
     m_tree->header()->resizeSection(What, 430);
     m_tree->header()->resizeSection(Where, 260);

@@ -2,9 +2,11 @@
 #include "apps/client/UnwrittenPane.h"
 #include "platform/client/ModuleRegistry.h"
 #include "tests/client/HostFixture.h"
+#include "tests/menu/WindowHands.h"
 
 #include <QLineEdit>
 #include <QPushButton>
+#include <QToolTip>
 #include <QTreeWidget>
 #include <QtTest>
 
@@ -121,6 +123,23 @@ private slots:
         QTRY_COMPARE(shown.list.entries()[0].words.fields[0].mine, QString("«Третий»"));
         shown.button("unwrittenRepeat")->click();
         QCOMPARE(shown.caption(), QString("Третий"));
+    }
+
+    void lettersThatNoRecordHoldsAreRefusedAndNamed() {
+        Shown shown;
+        shown.conflict();
+        QTreeWidget* tree = shown.pane.tree();
+        tree->editItem(tree->topLevelItem(0)->child(0), UnwrittenPane::Mine);
+        auto* line = tree->viewport()->findChild<QLineEdit*>();
+        QVERIFY(line);
+        line->selectAll();
+        typeText(line, "Насос ≤ 5");
+        QCOMPARE(line->text(), QString("Насос  5"));
+        QVERIFY2(QToolTip::text().contains("«≤»"), qPrintable(QToolTip::text()));
+        QTest::keyClick(line, Qt::Key_Return);
+        QTRY_COMPARE(shown.list.entries()[0].words.fields[0].mine, QString("«Насос  5»"));
+        shown.button("unwrittenRepeat")->click();
+        QCOMPARE(shown.caption(), QString("Насос  5"));
     }
 
     void whatIsBeingTypedOutlivesWhatHappensToTheList() {

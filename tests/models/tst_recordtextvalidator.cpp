@@ -1,11 +1,11 @@
 // Letters that no record can hold, in the fields of both editors.
 #include "TreeText.h"
 
+#include "frame/RecordTextValidator.h"
 #include "models/DesckDelegate.h"
 #include "models/DesckTreeModel.h"
 #include "models/PasspDelegate.h"
 #include "models/PropModel.h"
-#include "models/RecordTextValidator.h"
 
 #include <QApplication>
 #include <QClipboard>

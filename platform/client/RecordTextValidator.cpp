@@ -1,6 +1,6 @@
-#include "models/RecordTextValidator.h"
+#include "frame/RecordTextValidator.h"
 
-#include "frame/Records.h"
+#include "platform/mdx/MdxBuild.h"
 
 #include <QCoreApplication>
 #include <QLineEdit>
@@ -14,7 +14,9 @@ namespace orvo {
 namespace {
 
 bool holds(const QString& text) {
-    return orvo::fromRecord(orvo::toRecord(text)) == text;
+    const std::string bytes = mdx::toCp1251(text.toStdString());
+    return bytes.find('\0') == std::string::npos &&
+           QString::fromStdString(mdx::toUtf8(bytes)) == text;
 }
 
 QString shownLetter(uint code) {

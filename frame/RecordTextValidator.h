@@ -1,6 +1,9 @@
-// RecordTextValidator.h: keeps letters out of a field that no record can hold.
-#ifndef ORVO_MODELS_RECORDTEXTVALIDATOR_H
-#define ORVO_MODELS_RECORDTEXTVALIDATOR_H
+// RecordTextValidator.h: keeps letters out of a field that no record can hold. The host has it, for
+// its own fields and for those of the modules.
+#ifndef ORVO_FRAME_RECORDTEXTVALIDATOR_H
+#define ORVO_FRAME_RECORDTEXTVALIDATOR_H
+
+#include "frame/OrvoClient.h"
 
 #include <QStringList>
 #include <QValidator>
@@ -13,7 +16,7 @@ namespace orvo {
 /// refuses the input that brings it, a paste as a whole, and a tool tip at the field names the
 /// letters. A letter that came in parts ("й" as "и" and its breve) is put together instead.
 /// A text that the field is filled with is never refused, and never cut.
-class RecordTextValidator : public QValidator {
+class ORVOCLIENT_EXPORT RecordTextValidator : public QValidator {
     Q_OBJECT
 public:
     /// Letters that a field takes. What it is filled with may be longer and stays whole, too.
