@@ -91,7 +91,18 @@ bool EditorWindow::isIconRow(const QString& rowName) {
     return sameText(rowName, QString::fromLatin1(iconRow));
 }
 
+bool EditorWindow::refusesChosenFolder() {
+    constexpr int folderColumn = 5; // of the picker's tree
+    const QModelIndexList rows = m_popList->tvObj()->selectionModel()->selectedRows(0);
+    if (rows.isEmpty() || !rows.first().siblingAtColumn(folderColumn).data().toBool())
+        return false;
+    refuse(translated("Выбрана папка \"%1\", а нужно то, что в ней.").arg(m_popList->chosenName));
+    return true;
+}
+
 void EditorWindow::takeChosenIcon() {
+    if (refusesChosenFolder())
+        return;
     editPassportValue(*m_propModel, QString::fromLatin1(iconRow), m_popList->chosenName);
 }
 

@@ -111,25 +111,14 @@ void OrvoMenu::addChosenElements() {
             row.copy(orvo::field::ico, resource);
         order = nextOrderAfter(order);
     }
-    if (out.isEmpty() && folderIsChosen())
-        refuseChosenFolder();
+    if (out.isEmpty())
+        refusesChosenFolder();
     out.send();
 }
 
-bool OrvoMenu::folderIsChosen() const {
-    const QModelIndexList rows = m_popList->tvObj()->selectionModel()->selectedRows(0);
-    return !rows.isEmpty() && rows.first().siblingAtColumn(pickerFolderColumn).data().toBool();
-}
-
-void OrvoMenu::refuseChosenFolder() {
-    refuse(tr("Выбрана папка \"%1\", а нужно то, что в ней.").arg(m_popList->chosenName));
-}
-
 void OrvoMenu::takeChosenValue() {
-    if (folderIsChosen()) {
-        refuseChosenFolder();
+    if (refusesChosenFolder())
         return;
-    }
     const QString name = m_popList->chosenName;
     const QString key = m_popList->chosenKey;
     if (isIconRow(m_popTarget)) {

@@ -279,8 +279,6 @@ private:
     void addChosenElements();
     /// A folder of the picker is no resource: nothing can be made of it, and its choice is refused
     /// in a box.
-    bool folderIsChosen() const;
-    void refuseChosenFolder();
     void takeChosenValue();
 
     // Editing

@@ -519,6 +519,18 @@ private slots:
                          "caption='Журнал' params='' ico='pump.png'\n"));
     }
 
+    void aFolderIsNoIcon() {
+        Writing live([](TestStore& store) { addFolder(store, "tanks", 4, "icons", "Баки"); });
+        live.makeCurrent("rlog");
+        live->on_passp_buttonpressed("icon");
+        CPopObjectList* list = live->m_popList;
+        list->tvObj()->setCurrentIndex(findRow(*list->treeModel, "Баки"));
+        list->on_btnOK_clicked();
+        QCOMPARE(live.box(), QString("Ошибка\nВыбрана папка \"Баки\", а нужно то, что в ней."));
+        QVERIFY(live->passport("icon").toString().isEmpty());
+        QCOMPARE(live.state(), Idle);
+    }
+
     void aChosenIconGoesToTheRowThatIsCurrentThen() {
         Writing live;
         live.makeCurrent("rlog");
