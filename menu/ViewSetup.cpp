@@ -34,6 +34,13 @@ void OrvoMenu::setTreeArrangement() {
     orvo::followExpansion(desck, m_desckModel.get());
     connect(desck, &QTreeView::customContextMenuRequested, this,
             &OrvoMenu::showContextMenu_tvDesck);
+    // A click with Ctrl on the current row would leave nothing highlighted that is acted on.
+    connect(desck->selectionModel(), &QItemSelectionModel::selectionChanged, this, [desck] {
+        QItemSelectionModel* selection = desck->selectionModel();
+        if (!selection->hasSelection() && selection->currentIndex().isValid())
+            selection->select(selection->currentIndex(),
+                              QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    });
     connect(desck, &QTreeView::clicked, this, &OrvoMenu::on_tvDesck_clicked);
     connect(m_desckDelegate.get(), &QAbstractItemDelegate::closeEditor, this,
             &OrvoMenu::on_closeDesckeditor);

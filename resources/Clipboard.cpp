@@ -116,8 +116,10 @@ void OrvoResources::on_actPaste_triggered() {
 void OrvoResources::on_res_dragdrop(const QModelIndex& destindex, QStringList srcList) {
     // The server does not know that folder yet, and may never do: what went there would be lost to
     // every tree.
-    if (m_editState == NewRow && destindex.isValid() && destindex == m_newItemIndex)
+    if (m_editState == NewRow && destindex.isValid() && destindex == m_newItemIndex) {
+        refuse(tr("Не перемещено: %1 ещё не сохранена.").arg(describe(destindex)));
         return;
+    }
     // No view offers the top of the menu area.
     const QString refusal =
         kindOf(destindex) == Kind::None ? QString() : moveRefusal(srcList, destindex);

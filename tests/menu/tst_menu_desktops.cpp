@@ -23,6 +23,20 @@ QString shown(const MenuEditor& editor, const QList<int>& columns = {}) {
 class TestMenuDesktops : public QObject {
     Q_OBJECT
 private slots:
+    /// What is acted on is highlighted.
+    void theCurrentDesktopCannotBeDeselected() {
+        PlantEditor editor;
+        QVERIFY(editor.start());
+        QTreeView* view = editor.view("tvDesck");
+        view->expandAll();
+        clickRow(view, editor->desck("armop"));
+        clickRow(view, editor->desck("armop"), Qt::ControlModifier);
+        QCOMPARE(view->selectionModel()->selectedRows(), QModelIndexList{editor->desck("armop")});
+        clickRow(view, editor->desck("pech"), Qt::ControlModifier);
+        QCOMPARE(view->currentIndex(), editor->desck("pech"));
+        QCOMPARE(view->selectionModel()->selectedRows(), QModelIndexList{editor->desck("pech")});
+    }
+
     void anEmptyTableGivesTheRootRowAlone() {
         TestStore store;
         TestHost host(store);

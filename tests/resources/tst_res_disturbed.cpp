@@ -114,6 +114,18 @@ private slots:
         QVERIFY(live.written().contains("~" + neighbour));
     }
 
+    void aDropOnAFolderThatIsNotSavedIsRefused() {
+        RefusedRow live("actAddFolder", "alarms");
+        ResTreeModel& model = *live->m_resModel;
+        const std::unique_ptr<QMimeData> data(model.mimeData({live->row("rlog")}));
+        const QModelIndex target = live->row(qPrintable(live.key));
+        QVERIFY(model.canDropMimeData(data.get(), Qt::MoveAction, -1, 0, target));
+        model.dropMimeData(data.get(), Qt::MoveAction, -1, 0, target);
+        QCOMPARE(live.written(), QString());
+        QVERIFY2(live.box().contains("ещё не сохранена"), qPrintable(live.box()));
+        QCOMPARE(live.state(), NewRow);
+    }
+
     void aNewRowAmongForeignOnes() {
         Writing live;
         live.makeCurrent("alarms");
