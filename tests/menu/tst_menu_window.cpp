@@ -1,5 +1,6 @@
 // The window of the menu editor: its form, its start, the arrangement of the views.
 #include "tests/menu/MenuProbe.h"
+#include "tests/menu/RowMarks.h"
 
 #include "frame/WindowParts.h"
 
@@ -45,6 +46,24 @@ public:
 class TestMenuWindow : public QObject {
     Q_OBJECT
 private slots:
+    void anothersOpenEditIsMarkedInBothTrees() {
+        TestStore store;
+        fillPlant(store);
+        MarkingHost host(store);
+        MenuEditor editor(host, "Menu");
+        QVERIFY(editor.start());
+        QTreeView* desktops = editor.view("tvDesck");
+        desktops->expandAll();
+        QCOMPARE(wrongMark(host, desktops, "MenuFolder", editor->desck("armop"),
+                           editor->desck("armpech")),
+                 QString());
+        desktops->setCurrentIndex(editor->desck("armop"));
+        QTreeView* menu = editor.view("tvMenu");
+        menu->expandAll();
+        QCOMPARE(wrongMark(host, menu, "Menu", editor->element("trend"), editor->element("calc")),
+                 QString());
+    }
+
     void actionsHaveTheirTexts_data() {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("toolTip");

@@ -5,6 +5,7 @@
 #include "frame/WindowParts.h"
 #include "frame/modules.h"
 #include "tests/menu/Outage.h"
+#include "tests/menu/RowMarks.h"
 
 #include <QComboBox>
 #include <QHeaderView>
@@ -34,6 +35,21 @@ void collect(QtMsgType, const QMessageLogContext&, const QString& text) {
 class TestResWindow : public QObject {
     Q_OBJECT
 private slots:
+    void anothersOpenEditIsMarked() {
+        TestStore store;
+        fillCatalogue(store);
+        MarkingHost host(store);
+        ResEditor editor(host, "Resources");
+        QVERIFY(editor.start());
+        QTreeView* tree = editor.view("tvRes");
+        tree->expandAll();
+        QCOMPARE(wrongMark(host, tree, "MenuResource", editor->row("rlog"), editor->row("rtable")),
+                 QString());
+        QCOMPARE(wrongMark(host, tree, "MenuResourceFolder", editor->row("alarms"),
+                           editor->row("trends")),
+                 QString());
+    }
+
     void theFactoryMakesIt_data() {
         QTest::addColumn<QByteArray>("name");
         dataRow("as it is", QByteArray("Resources"));
