@@ -93,8 +93,10 @@ private slots:
         QVERIFY(another("update Menu set caption = 'Third, renamed' where KeyLink = 'att3'"));
         DO(comesToTheRight("tvMenu", "Third, renamed"));
         QVERIFY(isUp(yes)); // still a question
+        take("attention-note");
         QVERIFY(insertElement("att3a", "Put inside", "att3", 0));
         SOON(!isUp(yes) && isUp(ok)); // what it asked is not what would be done
+        take("attention-withdrawn");
         DO(m_scene->press(left(), ok));
         DONE(!element("Put inside").isNull());
     }
@@ -128,6 +130,7 @@ private slots:
         QVERIFY(insertElement("atty", "Folder Y", {}, 95000));
         DO(comesToTheRight("tvMenu", "Folder Y"));
         QVERIFY(left().tree("tvMenu").find("Folder Y") < 0);
+        take("attention-picker");
         DO(m_scene->press(left(), "btnOK"));
         DONE(number("select count(*) from Menu where parent = 'attx'") == 1);
         QCOMPARE(number("select count(*) from Menu where parent = 'atty'"), 0);
@@ -158,6 +161,7 @@ private slots:
         QCOMPARE(left().ask("windows")["focus"].toObject()["class"].toString(),
                  QString("QLineEdit"));
         QCOMPARE(element("Half of a na"), QString()); // not stored by anybody's doing
+        take("attention-cell");
         hands::type("me");
         SOON(left().tree("tvProp").find("Half of a name", 1) >= 0);
         DO(m_scene->press(left(), save));
@@ -184,6 +188,8 @@ private slots:
         DO(m_scene->fill(left(), nameRow, "Typed before closing"));
         for (const char* shortcut : {"ctrl+q", "ctrl+r", "alt+F4"}) { // as the X does
             hands::key(shortcut);
+            SOON(isUp("closeStay"));
+            take("attention-closing");
             DO(answerClosing("closeStay"));
             SOON(!isUp("closeStay"));
             QVERIFY(left().isRunning());
