@@ -62,7 +62,7 @@ bool Inverse::asks() const {
     });
 }
 
-QString remarkWords(const Remark& remark, RecordSource& source) {
+QString remarkWords(const Remark& remark, RecordSource& source, const PersonNames& names) {
     const auto number = [&] { return QString::number(remark.group); };
     if (remark.why == Remark::Forgotten)
         return QStringLiteral("Действие %1 журнал уже не помнит").arg(number());
@@ -72,8 +72,10 @@ QString remarkWords(const Remark& remark, RecordSource& source) {
         return QStringLiteral("Действие %1 уже отменено").arg(number());
     const store::TableDef& table = *remark.table;
     const QString record = recordWords(table, source.valuesOf(table, remark.key), remark.key);
-    QString who =
-        remark.login.empty() ? QStringLiteral("вручную") : QString::fromStdString(remark.login);
+    const auto person = names.find(remark.login);
+    QString who = remark.login.empty()    ? QStringLiteral("вручную")
+                  : person == names.end() ? QString::fromStdString(remark.login)
+                                          : person->second;
     if (remark.time > 0)
         who += QStringLiteral(", ") +
                QDateTime::fromMSecsSinceEpoch(std::llround(remark.time * 1000.0))

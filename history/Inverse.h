@@ -15,6 +15,7 @@
 
 #include <map>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace orvo::history {
@@ -77,8 +78,11 @@ store::Status planInverse(store::MaintainedStore& store, const std::vector<int64
 store::Status undo(store::MaintainedStore& store, const std::vector<int64_t>& groups,
                    const Choices& choices, Inverse* done);
 
+/// How people are called, by login; whoever is not in it is called by the login.
+using PersonNames = std::unordered_map<std::string, QString>;
+
 /// A remark as a sentence: what was left, and why.
-QString remarkWords(const Remark& remark, RecordSource& source);
+QString remarkWords(const Remark& remark, RecordSource& source, const PersonNames& names = {});
 
 } // namespace orvo::history
 

@@ -1,6 +1,6 @@
 #include "apps/client/HistoryFeed.h"
 
-#include "frame/OrvoClient.h"
+#include "apps/client/People.h"
 #include "frame/Vocabulary.h"
 #include "history/GroupWords.h"
 #include "history/Standing.h"
@@ -102,27 +102,6 @@ std::vector<HistoryAction::Detail> detailsOf(const history::Group& group,
     return details;
 }
 
-store::Status readNames(store::MaintainedStore& store,
-                        std::unordered_map<std::string, QString>* names) {
-    CMDArray rows;
-    store::Status status = store.fetch(table::Users, rows.array);
-    const store::TableDef* table = store::findTable(table::Users);
-    for (uint32_t i = 0; status.ok() && i < mdx::postedCount(rows.array); ++i) {
-        const history::Values values = history::valuesIn(rows.array, i);
-        const auto text = [&](const char* field) {
-            return QString::fromStdString(textIn(*table, values, field));
-        };
-        const auto program = values.find(table->find(field::program));
-        const auto* flag =
-            program == values.end() ? nullptr : std::get_if<int64_t>(&program->second);
-        const QString login = text(field::login_);
-        (*names)[login.toStdString()] =
-            userCaption(login, text(field::lastName), text(field::firstName), text(field::midlName),
-                        flag && *flag != 0);
-    }
-    return status;
-}
-
 QString momentText(double time) {
     return QDateTime::fromMSecsSinceEpoch(std::llround(time * 1000.0))
         .toString(QStringLiteral("dd.MM.yyyy HH:mm"));
@@ -146,7 +125,7 @@ struct HistoryFeed::Page {
     bool knowsOldest = false;
     store::Change oldest; ///< of the log; id 0: it is empty
     bool hasNames = false;
-    std::unordered_map<std::string, QString> names;
+    history::PersonNames names;
 
     /// What every page brings beside its actions. `from`: the oldest group that is shown.
     store::Status finish(store::MaintainedStore& store, const std::vector<history::Group>& groups,
@@ -175,7 +154,7 @@ struct HistoryFeed::Page {
         if (!first.empty())
             oldest = first.front();
         if (status.ok() && withNames) {
-            status = readNames(store, &names);
+            status = readPeople(store, &names);
             hasNames = status.ok();
         }
         for (HistoryAction& action : actions)

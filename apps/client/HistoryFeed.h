@@ -10,7 +10,6 @@
 #include <QTimer>
 
 #include <memory>
-#include <unordered_map>
 
 namespace orvo::app {
 
@@ -35,7 +34,7 @@ public:
     /// The log is another one, or its beginning is gone.
     void reload();
     /// Users by login, as the last page knew them.
-    const std::unordered_map<std::string, QString>& names() const { return m_names; }
+    const history::PersonNames& names() const { return m_names; }
 
 signals:
     /// What there is to know about the whole: that it is being looked for, where the log begins.
@@ -59,7 +58,7 @@ private:
     HistoryModel m_model;
     history::Filter m_filter;
     std::shared_ptr<Reading> m_reading;
-    std::unordered_map<std::string, QString> m_names; ///< by login
+    history::PersonNames m_names; ///< by login
     QTimer m_refreshSoon;
     uint64_t m_round = 0; ///< of the filter: earlier answers are outdated
     int64_t m_newest = 0; ///< the log had this change at the last look for newer ones

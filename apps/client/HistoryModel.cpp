@@ -155,7 +155,7 @@ void HistoryModel::setOldest(int64_t change) {
         }
 }
 
-void HistoryModel::setNames(const std::unordered_map<std::string, QString>& names) {
+void HistoryModel::setNames(const history::PersonNames& names) {
     for (const auto& node : m_rows) {
         const auto name = names.find(node->action.login);
         if (name == names.end() || name->second == node->action.who)

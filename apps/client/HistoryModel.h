@@ -9,13 +9,13 @@
 #define ORVO_APPS_CLIENT_HISTORYMODEL_H
 
 #include "apps/client/HistoryAction.h"
+#include "history/Inverse.h"
 
 #include <QAbstractItemModel>
 
 #include <deque>
 #include <memory>
 #include <set>
-#include <unordered_map>
 #include <vector>
 
 namespace orvo::app {
@@ -41,7 +41,7 @@ public:
     /// The log begins with that change now.
     void setOldest(int64_t change);
     /// How users are called, for all rows.
-    void setNames(const std::unordered_map<std::string, QString>& names);
+    void setNames(const history::PersonNames& names);
 
     /// Asks for older actions, unless there are none or they are on their way. A view that is not
     /// laid out yet asks for all there is: so it is only given the first by fetchMore.

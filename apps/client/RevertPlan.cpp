@@ -1,5 +1,6 @@
 #include "apps/client/RevertPlan.h"
 
+#include "apps/client/People.h"
 #include "frame/Vocabulary.h"
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/Merge.h"
@@ -48,12 +49,12 @@ bool fits(const store::TableDef& table, const history::Values& values, const cha
 }
 
 RevertPlan::Place placeOf(store::MaintainedStore& store, history::LoggedRecords& source,
-                          const history::Remark& remark) {
+                          const history::PersonNames& names, const history::Remark& remark) {
     const store::TableDef& table = *remark.table;
     const char* field = table.fields[static_cast<size_t>(remark.field)].name;
     RevertPlan::Place place;
     place.missing = store::foldedKey(remark.missing);
-    place.what = history::remarkWords(remark, source);
+    place.what = history::remarkWords(remark, source, names);
     const history::Values values = source.valuesOf(table, remark.key);
     const store::TableDef* above = nullptr;
     for (const store::ParentField& parent : store::parentFields(table))
@@ -99,15 +100,18 @@ void describePlan(store::MaintainedStore& store, bool withWrites, RevertPlan* pl
         for (size_t i = 0; i < count; ++i)
             plan->writes.push_back(history::describe(plan->inverse.preview[i], source));
     }
+    history::PersonNames names;
+    if (!plan->inverse.remarks.empty() && !readPeople(store, &names).ok())
+        names.clear(); // the logins serve
     std::set<std::string> missing;
     for (const history::Remark& remark : plan->inverse.remarks) {
         if (remark.asksForPlace() && withWrites) {
             if (missing.insert(store::foldedKey(remark.missing)).second)
-                plan->places.push_back(placeOf(store, source, remark));
+                plan->places.push_back(placeOf(store, source, names, remark));
         } else if (remark.why == history::Remark::BuiltOn) {
-            plan->builtOn << history::remarkWords(remark, source);
+            plan->builtOn << history::remarkWords(remark, source, names);
         } else {
-            plan->left << history::remarkWords(remark, source);
+            plan->left << history::remarkWords(remark, source, names);
         }
     }
 }

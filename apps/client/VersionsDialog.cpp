@@ -142,22 +142,25 @@ void VersionsDialog::note(const QString& text) {
 
 void VersionsDialog::load() {
     auto versions = std::make_shared<std::vector<store::KeptVersion>>();
+    auto names = std::make_shared<history::PersonNames>();
     m_thread.run(
         this,
-        [versions, key = m_resource.toStdString()](store::MaintainedStore& store) {
+        [versions, names, key = m_resource.toStdString()](store::MaintainedStore& store) {
             store::VersionQuery query;
             query.resource = key;
-            return store.versions(query, versions.get());
+            const store::Status status = store.versions(query, versions.get());
+            return status.ok() ? readPeople(store, names.get()) : status;
         },
-        [this, versions](const store::Status& status) {
+        [this, versions, names](const store::Status& status) {
             if (status.ok())
-                showVersions(*versions);
+                showVersions(*versions, *names);
             else
                 note(QString::fromStdString(status.text));
         });
 }
 
-void VersionsDialog::showVersions(const std::vector<store::KeptVersion>& versions) {
+void VersionsDialog::showVersions(const std::vector<store::KeptVersion>& versions,
+                                  const history::PersonNames& names) {
     m_versions = versions;
     m_list->clear();
     for (const store::KeptVersion& version : versions) {
@@ -166,8 +169,10 @@ void VersionsDialog::showVersions(const std::vector<store::KeptVersion>& version
         row->setText(Time, version.fileTime ? timeText(*version.fileTime) : QString());
         row->setText(Size, sizeText(version.size));
         row->setText(Until, timeText(version.time));
+        const auto name = names.find(version.login);
         row->setText(Who, version.login.empty() ? QStringLiteral("(вручную)")
-                                                : oneLine(QString::fromStdString(version.login)));
+                          : name == names.end() ? oneLine(QString::fromStdString(version.login))
+                                                : oneLine(name->second));
     }
     m_list->setCurrentItem(m_list->topLevelItem(0));
     note(versions.empty() ? QStringLiteral("Прежних версий нет.") : QString());

@@ -3,6 +3,7 @@
 #ifndef ORVO_APPS_CLIENT_VERSIONSDIALOG_H
 #define ORVO_APPS_CLIENT_VERSIONSDIALOG_H
 
+#include "apps/client/People.h"
 #include "apps/client/StoreThread.h"
 
 #include <QDialog>
@@ -30,7 +31,8 @@ signals:
 
 private:
     void load();
-    void showVersions(const std::vector<store::KeptVersion>& versions);
+    void showVersions(const std::vector<store::KeptVersion>& versions,
+                      const history::PersonNames& names);
     void openVersion();
     void extract();
     void putBack();

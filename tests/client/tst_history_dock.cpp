@@ -378,7 +378,7 @@ private slots:
         auto* list = dialog->findChild<QTreeWidget*>("versionsList");
         QTRY_COMPARE(list->topLevelItemCount(), 1);
         QCOMPARE(list->topLevelItem(0)->text(0), QString("план.txt"));
-        QCOMPARE(list->topLevelItem(0)->text(4), QString("petrov"));
+        QCOMPARE(list->topLevelItem(0)->text(4), QString("Петров П."));
         const QString file = fixture.host.dir.filePath("план.txt");
         dialog->extractTo(file);
         QTRY_VERIFY(QFile::exists(file));

@@ -107,7 +107,7 @@ private slots:
         fixture.undo();
         QTRY_VERIFY2(fixture.failure().contains("Оставлено как есть: элемент меню «а-чужое»"),
                      qPrintable(fixture.failure()));
-        QVERIFY(fixture.failure().contains("petrov"));
+        QVERIFY(fixture.failure().contains("Петров П."));
         CMDArray rows;
         QVERIFY(fixture.host.store().fetchLinked("Menu", "KeyLink", "a", rows.array).ok());
         const MDRData* record = mdx::postedRecord(rows.array, 0);
@@ -208,7 +208,7 @@ private slots:
         fixture.undo();
         QTRY_VERIFY(fixture.hasPlan());
         QVERIFY(!fixture.isEnabled("revertOk"));
-        QVERIFY2(fixture.left().join('\n').contains("на этом построено другое (petrov"),
+        QVERIFY2(fixture.left().join('\n').contains("на этом построено другое (Петров П."),
                  qPrintable(fixture.left().join('\n')));
         fixture.dialog()->findChild<QCheckBox*>("revertOthers")->setChecked(true);
         QTRY_VERIFY(fixture.isEnabled("revertOk"));
