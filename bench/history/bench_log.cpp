@@ -92,7 +92,8 @@ void fillPostgres(const std::string& location, const std::string& rows) {
     require(connection.open(url));
     const auto run = [&](const std::string& sql) {
         const auto result = connection.execute(sql);
-        check(store::postgres::succeeded(result.get()), sql.substr(0, 100));
+        check(store::postgres::succeeded(result.get()),
+              sql.substr(0, 100) + ": " + PQerrorMessage(connection.get()));
     };
     run("SET statement_timeout = 0");
     std::string drop, make; // indexes are made faster afterwards
@@ -105,17 +106,19 @@ void fillPostgres(const std::string& location, const std::string& rows) {
         make += std::string(store::postgres::textAt(indexes.get(), row, 1)) + ";";
     }
     run("BEGIN;" + drop +
-        "ALTER TABLE \"NciEvent\" DISABLE TRIGGER \"number\"; INSERT INTO \"NciEvent\" "
+        "ALTER TABLE public.\"NciEvent\" DISABLE TRIGGER \"number\"; INSERT INTO "
+        "public.\"NciEvent\" "
         "SELECT " +
         values("concat", ", ''", ", '1'::xid8") + " FROM generate_series(1::bigint, " + rows +
-        ") g; ALTER TABLE \"NciEvent\" ENABLE TRIGGER \"number\"; SELECT "
-        "setval('\"NciEventId\"', " +
+        ") g; ALTER TABLE public.\"NciEvent\" ENABLE TRIGGER \"number\"; SELECT "
+        "setval('public.\"NciEventId\"', " +
         rows + ");" + make + "COMMIT");
-    run("BEGIN; ALTER TABLE \"Menu\" DISABLE TRIGGER USER; INSERT INTO \"Menu\" (\"KeyLink\", "
+    run("BEGIN; ALTER TABLE public.\"Menu\" DISABLE TRIGGER USER; INSERT INTO public.\"Menu\" "
+        "(\"KeyLink\", "
         "\"caption\") SELECT 'k' || g, 'Крановая обвязка' FROM generate_series(0, 199999) g; ALTER "
-        "TABLE \"Menu\" ENABLE TRIGGER USER; COMMIT");
-    run("VACUUM ANALYZE \"NciEvent\"");
-    run("VACUUM ANALYZE \"Menu\"");
+        "TABLE public.\"Menu\" ENABLE TRIGGER USER; COMMIT");
+    run("VACUUM ANALYZE public.\"NciEvent\"");
+    run("VACUUM ANALYZE public.\"Menu\"");
 }
 
 void measure(const char* name, store::MaintainedStore& target, const char* what,
