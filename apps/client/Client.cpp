@@ -194,17 +194,36 @@ void Client::show() {
         tellReadOnly();
 }
 
-/// Once, at the start: whoever may only look is not to find out with each write.
+/// Whoever may only look is not to find out with each write.
 void Client::tellReadOnly() {
     const QString text =
-        QStringLiteral("Пользователь %1 может только смотреть: изменить ничего нельзя, команды, "
-                       "которые меняют хранилище, выключены. Право менять даёт администратор.")
+        QStringLiteral("Пользователь %1 может здесь только смотреть: изменить ничего нельзя, "
+                       "команды, которые меняют хранилище, выключены. Право менять даёт "
+                       "администратор; на реплике не меняет никто, пока она не станет главным "
+                       "сервером.")
             .arg(QString::fromStdString(client::sessionStore(*m_session).login()));
     m_window->statusLine()->setReadOnly(text);
     m_window->logPane()->add(LogInformation, QStringLiteral("Клиент"), text);
     // An operator is not there to change anything.
     if (m_options.screenshot.isEmpty() && !isWorkplace())
         m_window->showNotice(text);
+}
+
+/// A standby has taken over, or the address leads to one now.
+void Client::mayWriteChanged(bool may) {
+    m_app.m_mayWrite = may;
+    if (m_history)
+        m_history->setMayWrite(may);
+    if (!may) { // what is edited stays; a write that is refused is kept as any other
+        tellReadOnly();
+        return;
+    }
+    m_window->statusLine()->setReadOnly({});
+    const QString text = QStringLiteral("Сервер теперь принимает изменения.");
+    if (isWorkplace()) // nothing is edited there
+        m_app.log(LogInformation, QStringLiteral("Клиент"), text);
+    else // the editors learn at their start what they may
+        reopenModules(text + QStringLiteral(" Модули открыты заново."), false);
 }
 
 /// What the menus of operators need: somebody who opens what they name, and a place for them.
@@ -311,6 +330,8 @@ void Client::connectAll() {
     connect(m_pump.get(), &client::NotificationPump::changed, m_mirror.get(), &FileMirror::changed);
     connect(m_pump.get(), &client::NotificationPump::connectionChanged, this,
             &Client::connectionChanged);
+    connect(m_pump.get(), &client::NotificationPump::mayWriteChanged, this,
+            &Client::mayWriteChanged, Qt::QueuedConnection); // outside of the pump's step
     connect(
         m_pump.get(), &client::NotificationPump::logLost, this,
         [this](bool replaced) {

@@ -80,6 +80,7 @@ private:
     void showPresence();
     void makeHistory();
     void tellReadOnly();
+    void mayWriteChanged(bool may);
     void fail(const QString& place, const QString& text);
     void stop();
     void connectionChanged(bool up, const QString& text);

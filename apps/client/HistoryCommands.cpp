@@ -34,6 +34,12 @@ HistoryCommands::~HistoryCommands() {
     delete m_pane; // it works with the thread
 }
 
+void HistoryCommands::setMayWrite(bool may) {
+    m_context.mayWrite = may;
+    m_undo.setMayWrite(may);
+    m_pane->setMayWrite(may);
+}
+
 void HistoryCommands::connectUndo() {
     m_context.window.editMenu()->addActions({m_undo.undo(), m_undo.redo()});
     connect(&client::sessionEvents(m_context.session), &client::SessionEvents::written, &m_undo,

@@ -37,6 +37,8 @@ public:
     explicit HistoryCommands(Context context);
     ~HistoryCommands() override;
 
+    void setMayWrite(bool may);
+
     /// Whether nothing is being taken back, and what would be next is known.
     bool isIdle() const;
 
@@ -53,7 +55,7 @@ private:
     void showRecord(const QString& table, const QString& key, const QString& desktop);
     void showRecordNow(const QString& table, const QString& key, const QString& desktop);
 
-    const Context m_context;
+    Context m_context;
     StoreThread m_thread;
     Reverter m_reverter;
     UndoActions m_undo;

@@ -299,6 +299,11 @@ const HistoryAction* HistoryPane::current() const {
     return m_feed.model().actionAt(m_view->currentIndex());
 }
 
+void HistoryPane::setMayWrite(bool may) {
+    m_mayWrite = may;
+    updateActions();
+}
+
 void HistoryPane::updateActions() {
     const HistoryAction* action = current();
     const bool known = action && !action->forgotten;

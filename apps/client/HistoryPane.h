@@ -25,6 +25,8 @@ public:
     HistoryPane(StoreThread& thread, const QString& login, bool mayWrite,
                 QWidget* parent = nullptr);
 
+    void setMayWrite(bool may);
+
     HistoryFeed& feed() { return m_feed; }
     QTreeView* view() const { return m_view; }
     /// Shows the history of that record, or of it and everything in it.
@@ -65,7 +67,7 @@ private:
 
     StoreThread& m_thread;
     const QString m_login;
-    const bool m_mayWrite;
+    bool m_mayWrite;
     HistoryFeed m_feed;
     Scope m_scope;
     QTimer m_applySoon;

@@ -142,7 +142,7 @@ QString StatusLine::others() const {
 
 void StatusLine::setReadOnly(const QString& why) {
     m_readOnly->setToolTip(plainToolTip(why));
-    m_readOnly->show();
+    m_readOnly->setVisible(!why.isEmpty());
     fitFailure();
 }
 

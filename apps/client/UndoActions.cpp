@@ -57,6 +57,12 @@ void UndoActions::outdate() {
         m_readSoon.start();
 }
 
+void UndoActions::setMayWrite(bool may) {
+    m_mayWrite = may;
+    show();
+    outdate();
+}
+
 void UndoActions::changed(const store::Change& change) {
     if (change.login == m_actor.login || !change.undoes.empty())
         outdate();

@@ -27,6 +27,8 @@ public:
     /// Thread and reverter outlive it. `mayWrite` false: the commands stay switched off.
     UndoActions(StoreThread& thread, Reverter& reverter, history::Actor actor, bool mayWrite);
 
+    void setMayWrite(bool may);
+
     QAction* undo() { return &m_undo; }
     QAction* redo() { return &m_redo; }
 
@@ -53,7 +55,7 @@ private:
     StoreThread& m_thread;
     Reverter& m_reverter;
     const history::Actor m_actor;
-    const bool m_mayWrite;
+    bool m_mayWrite;
     QAction m_undo;
     QAction m_redo;
     QTimer m_readSoon;

@@ -35,6 +35,7 @@ public:
     Worker(std::unique_ptr<store::Store> store, LogFollower& owner)
         : m_owner(owner)
         , m_store(std::move(store))
+        , m_mayWrite(m_store->mayWrite())
         , m_signal(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
     ~Worker() override {
         if (m_signal >= 0)
@@ -67,6 +68,7 @@ private:
 
     LogFollower& m_owner;
     std::unique_ptr<store::Store> m_store;
+    bool m_mayWrite; ///< as it was told of
     const int m_signal;
     uint64_t m_asked = 0;
     uint64_t m_generation = 0;
@@ -148,6 +150,8 @@ void LogFollower::Worker::readOnce() {
         news.replaced = replaced;
         if (status.ok())
             m_cursor = std::move(cursor);
+        if (m_store->mayWrite() != m_mayWrite)
+            news.mayWrite = m_mayWrite = m_store->mayWrite();
         std::move(rows.begin(), rows.end(), std::back_inserter(news.changes));
         if (!m_unread)
             news.answered = m_asked;

@@ -17,6 +17,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -41,6 +42,9 @@ public:
         bool pruned = false;
         /// ...because the log is not the one that was read before.
         bool replaced = false;
+        /// Set if Store::mayWrite of the follower's store has changed: a standby has taken over, or
+        /// the address now leads to one.
+        std::optional<bool> mayWrite;
     };
 
     /// Takes the store over; nothing happens before begin. Not null.

@@ -125,6 +125,8 @@ void NotificationPump::arrived() {
         m_gap = m_gap || news.pruned;
         noteEchoes();
         m_replaced = m_replaced || news.replaced;
+        if (news.mayWrite)
+            emit mayWriteChanged(*news.mayWrite);
     }
     const bool fresh = m_announced < end() || m_gap;
     if (fresh && (!m_step.isActive() || m_step.remainingTime() > untilNextFrame()))

@@ -83,6 +83,9 @@ signals:
     /// The store stopped or resumed answering; `text` says why it stopped. May come at any time;
     /// the modules hear of the resumption (ModSesReconnect) from the bare event loop only.
     void connectionChanged(bool up, const QString& text);
+    /// The server that is read from takes writes now, or no longer (Store::mayWrite). May come at
+    /// any time.
+    void mayWriteChanged(bool may);
 
 private:
     /// A running module and how far it is. Places are numbers of changes since start.

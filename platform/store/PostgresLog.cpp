@@ -109,6 +109,16 @@ void PostgresStore::takeWake() {
     static_cast<void>(taken); // what is left keeps the descriptor readable
 }
 
+/// Whether a standby is one no more. A server tells by itself with an answer, one before version 14
+/// is asked.
+bool PostgresStore::hasTakenOver() {
+    if (const char* told = PQparameterStatus(m_connection.get(), "in_hot_standby"))
+        return std::string_view(told) == "off";
+    const Result result =
+        m_connection.query("SELECT NOT pg_is_in_recovery()", {}, lookMilliseconds);
+    return succeeded(result.get()) && booleanAt(result.get(), 0, 0);
+}
+
 bool PostgresStore::changed() {
     bool result = true;
     const Status looked = guarded([&]() -> Status {
@@ -118,6 +128,10 @@ bool PostgresStore::changed() {
             m_listener.revive(m_url);
         int64_t id = -1;
         const Status status = newest(&id, lookMilliseconds);
+        if (m_isStandby && status.ok() && hasTakenOver()) {
+            m_connection.close(); // the next one may write, and is announced to
+            return {};
+        }
         const bool announced = m_listener.isJoined() && Listener::takeFrom(m_connection);
         result = !status.ok() || announced || m_more || id != m_seen;
         m_seen = id;

@@ -92,14 +92,14 @@ Status PostgresStore::connect() {
     // While the server lists this session, it may still be at work; see resolveCommitOutcome.
     const Result session = m_connection.query(
         "SELECT format('pid = %s AND backend_start = %L::timestamptz', pid, backend_start), "
-        "has_table_privilege('public.\"Menu\"', 'INSERT') AND NOT pg_is_in_recovery() FROM "
-        "pg_stat_activity WHERE pid = "
-        "pg_backend_pid()",
+        "has_table_privilege('public.\"Menu\"', 'INSERT') AND NOT pg_is_in_recovery(), "
+        "pg_is_in_recovery() FROM pg_stat_activity WHERE pid = pg_backend_pid()",
         {});
     if (!succeeded(session.get()) || PQntuples(session.get()) != 1)
         return m_connection.failure("Подключение", session.get());
     m_session = textAt(session.get(), 0, 0);
     m_mayWrite = booleanAt(session.get(), 0, 1);
+    m_isStandby = booleanAt(session.get(), 0, 2);
     int64_t id = 0;
     return newest(&id, -1);
 }

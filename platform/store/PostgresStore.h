@@ -136,6 +136,7 @@ private:
     Status rows(const TableDef& table, const std::vector<int>& fields, const std::string& sql,
                 const Parameters& parameters, const EachRow& each);
     Status newest(int64_t* id, int milliseconds);
+    bool hasTakenOver();
     /// Selects the end of the log, pruned or not.
     static const char newestIdSql[];
     /// The changes in a result, from that column on, up to a row without one.
@@ -169,7 +170,8 @@ private:
     const std::string m_asLogin; ///< to write under; empty: the session's user
     Connection m_connection;
     bool m_mayWrite = true;
-    std::string m_session; ///< which of pg_stat_activity this session is, as a condition
+    bool m_isStandby = false; ///< when the connection was made
+    std::string m_session;    ///< which of pg_stat_activity this session is, as a condition
     mutable Listener m_listener;
     mutable bool m_followed = false; ///< someone asked for the descriptor: the listener connects
 

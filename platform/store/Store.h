@@ -133,7 +133,7 @@ public:
     virtual std::string displayName() const = 0;
     /// The login under which this object writes.
     virtual std::string login() const = 0;
-    /// Whether that login may write at all, as far as was known when the store was opened.
+    /// Whether that login may write here, as far as is known: a standby may take over, see changed.
     virtual bool mayWrite() const { return true; }
     /// Opens the store at the same address once more, if what was opened is no longer there: every
     /// call then gives ConnectionBroken until this gives Ok. A cursor of before is void. Ok, and
@@ -205,8 +205,8 @@ public:
     virtual bool wakesEarly() const { return true; }
     /// Takes what the descriptor holds. To be called when it is readable, before readLog.
     virtual void takeWake() = 0;
-    /// A cheap look whether the log may have grown since the last call of changed or readLog; for a
-    /// slow poll behind the descriptor.
+    /// A cheap look whether the log may have grown since the last call of changed or readLog, or
+    /// the server has become one that takes writes; for a slow poll behind the descriptor.
     virtual bool changed() = 0;
 
     // Stored forms and files ---------------------------------------------------------------------

@@ -63,4 +63,18 @@ bool type(const QString& text) {
     return xdotool({"type", "--delay", "2", text});
 }
 
+int windowCount(const QString& name) {
+    QProcess search;
+    search.start("xdotool", {"search", "--onlyvisible", "--name", name});
+    search.waitForFinished();
+    return search.readAllStandardOutput().count('\n');
+}
+
+QString activeWindow() {
+    QProcess active;
+    active.start("xdotool", {"getactivewindow", "getwindowname"});
+    active.waitForFinished();
+    return QString::fromUtf8(active.readAllStandardOutput()).trimmed();
+}
+
 } // namespace orvo::test::hands

@@ -19,6 +19,14 @@ bool key(const QString& name);
 /// ASCII only: other letters would depend on the keyboard of the display.
 bool type(const QString& text);
 
+/// How many windows of that name (a regular expression) are on the screen, whoever shows them.
+int windowCount(const QString& name);
+inline bool isOnScreen(const QString& name) {
+    return windowCount(name) > 0;
+}
+/// Name of the window that has the keyboard.
+QString activeWindow();
+
 } // namespace orvo::test::hands
 
 #endif

@@ -25,13 +25,6 @@ void take(const char* name) {
         QProcess::execute("import", {"-window", "root", folder + '/' + name + ".png"});
 }
 
-bool isOnScreen(const QString& name) {
-    QProcess search;
-    search.start("xdotool", {"search", "--onlyvisible", "--name", name});
-    search.waitForFinished();
-    return !search.readAllStandardOutput().isEmpty();
-}
-
 } // namespace
 
 class TestOperatorServer : public QObject {
@@ -97,7 +90,7 @@ private slots:
         DO(clickOn("Общая схема КС-1"));
         QVERIFY(soon([&] { return opened() == 2; }));
         DO(clickOn("Вызов диспетчера"));
-        QVERIFY(soon([] { return isOnScreen("^Вызов диспетчера$"); }));
+        QVERIFY(soon([] { return hands::isOnScreen("^Вызов диспетчера$"); }));
         QTest::qWait(1000);
         take("viewer");
         QVERIFY(rename("Крановая обвязка", "Valves"));
@@ -106,11 +99,11 @@ private slots:
     }
 
     void whoMayOnlyReadEndsAKioskByHisLogin() {
-        QVERIFY(open("operator", {"--kiosk"}, "5432", {}));
+        QVERIFY(open("operator", {"--kiosk"}, "port=5432", {}));
         QTest::qWait(1000);
         take("viewer-kiosk");
         QVERIFY(hands::key("ctrl+alt+q"));
-        QVERIFY(soon([] { return isOnScreen("^Закрыть рабочий стол$"); }));
+        QVERIFY(soon([] { return hands::isOnScreen("^Закрыть рабочий стол$"); }));
         QTest::qWait(500);
         take("viewer-kiosk-end");
         QVERIFY(hands::type("operator") && hands::key("Return"));
@@ -157,6 +150,43 @@ private slots:
             QVERIFY2(m_desk->failure().isEmpty(), qPrintable(m_desk->failure()));
             take("standby");
         }
+    }
+
+    /// An engineer who only could look there goes on with writing, without connecting anew.
+    void aStandbyThatTakesOverIsWrittenTo() {
+        const QString standby = "port=5433&target_session_attrs=any";
+        QVERIFY(open("operator", {}, qPrintable(standby), {1405, 5, 1385, 900}));
+        ClientProcess editor(m_directory.path(),
+                             QString::fromStdString(m_cluster->url("orvo")) + "&" + standby,
+                             "postgres", {5, 5, 1385, 900});
+        QVERIFY(editor.waitUp());
+        const auto isReadOnly = [&] {
+            const auto labels = editor.controls("readOnlyLabel");
+            return labels.size() == 1 && labels[0].visible;
+        };
+        QVERIFY(isReadOnly());
+        DO(m_scene->press(editor, "ОК"));
+        DO(m_scene->clickRow(editor, "tvDesck", station));
+        DO(m_scene->clickRow(editor, "tvMenu", "Last"));
+        QVERIFY(!editor.isEnabled("actDeleteElem"));
+        take("standby-editor");
+        QVERIFY(m_cluster->failOver());
+        QElapsedTimer timer;
+        timer.start();
+        QVERIFY(soon([&] { return !isReadOnly() && editor.settled(); }));
+        qInfo("promoted, and may be written after %lld ms", timer.elapsed());
+        DO(m_scene->clickRow(editor, "tvDesck", station));
+        DO(m_scene->clickRow(editor, "tvMenu", "Last"));
+        QVERIFY(soon([&] { return editor.isEnabled("actDeleteElem"); }));
+        DO(m_scene->fill(editor, "Наименование", "After all"));
+        DO(m_scene->press(editor, "Сохранить"));
+        QVERIFY(soon([&] { return shows("After all"); }));
+        QVERIFY2(editor.failure().isEmpty(), qPrintable(editor.failure()));
+        take("standby-promoted");
+        QByteArray stored;
+        QVERIFY(m_cluster->shell("orvo", "SELECT caption FROM \"Menu\" WHERE caption LIKE 'After%'",
+                                 &stored, "postgres", "5433"));
+        QVERIFY2(stored.contains("After all"), stored.constData());
     }
 };
 
