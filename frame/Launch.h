@@ -5,7 +5,11 @@
 #ifndef ORVO_FRAME_LAUNCH_H
 #define ORVO_FRAME_LAUNCH_H
 
+#include "frame/OrvoClient.h"
+
 #include <QDateTime>
+#include <QList>
+#include <QPair>
 #include <QString>
 #include <QVariant>
 #include <QVector>
@@ -37,10 +41,25 @@ struct LaunchRequest {
     QString resource;     ///< key of the record that names it
     QString name;         ///< of the module, function, form or file
     QString path;         ///< of a file: captions of its folders joined by "/"
-    QString params;       ///< "name=value" pairs and commands, ";" between them
+    QString params;       ///< as parseLaunchParameters takes them
     bool oneCopy = false; ///< bring one that is open to the front instead of opening another
     QString refusal = QStringLiteral("Приложение не умеет открывать элементы меню.");
 };
+
+/// The parameters of an element: "name=value" pairs and other words, ";" between them. Blanks
+/// around names, values and words do not count. What stands in double quotes is taken as it is, ";"
+/// and "=" included; "" there is a quote. A module is told of them by SetParamMod and
+/// SetParamCommand; a function gets the text as it stands.
+struct ORVOCLIENT_EXPORT LaunchParameters {
+    QList<QPair<QString, QString>> pairs; ///< in their order
+    QString command; ///< the words that are no pairs, as they were written, ";" between them
+
+    /// The value of the last pair of that name; null if there is none.
+    QString value(const QString& name) const;
+};
+
+/// A text of any form has a meaning: a quote without its end reaches to the end of the text.
+ORVOCLIENT_EXPORT LaunchParameters parseLaunchParameters(const QString& text);
 
 /// One change of a record.
 struct LogEntry {

@@ -1,9 +1,9 @@
 #include "apps/client/FormViewer.h"
 
 #include "apps/client/FormView.h"
-#include "apps/client/LaunchParameters.h"
 #include "apps/client/Look.h"
 #include "apps/formview/FormMark.h"
+#include "frame/Launch.h"
 
 #include <QFile>
 #include <QTabWidget>
@@ -105,9 +105,9 @@ FormWindow* openForm(store::Store& store, const QString& request, QWidget* paren
         *error = QStringLiteral("Форма «%1» не найдена или не имеет файлов.").arg(name);
         return nullptr;
     }
-    const LaunchParameters parameters = parseParameters(request.mid(name.size() + 1));
+    const LaunchParameters parameters = parseLaunchParameters(request.mid(name.size() + 1));
     auto* window =
-        new FormWindow(program, name, files, {parameters.pairs.toVector(), false}, limits, parent);
+        new FormWindow(program, name, files, {parameters.pairs.toVector()}, limits, parent);
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->show();
     return window;

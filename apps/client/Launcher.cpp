@@ -3,7 +3,6 @@
 #include "apps/client/CloseGuard.h"
 #include "apps/client/FileKind.h"
 #include "apps/client/FormViewer.h"
-#include "apps/client/LaunchParameters.h"
 #include "apps/client/Look.h"
 #include "apps/client/MainWindow.h"
 #include "apps/client/ModuleLibraries.h"
@@ -118,7 +117,7 @@ QString Launcher::openModule(const LaunchRequest& request) {
     m_context.modules.add(module, request.name);
     QString why;
     try {
-        const LaunchParameters parameters = parseParameters(request.params);
+        const LaunchParameters parameters = parseLaunchParameters(request.params);
         for (const auto& [name, value] : parameters.pairs)
             module->SetParamMod(name, value);
         if (!parameters.command.isEmpty())
@@ -233,7 +232,7 @@ QString Launcher::openFile(const LaunchRequest& request) {
 }
 
 void Launcher::showFiles(const LaunchRequest& request, const Files& files) {
-    const LaunchParameters parameters = parseParameters(request.params);
+    const LaunchParameters parameters = parseLaunchParameters(request.params);
     auto* page = new FormWindow(m_context.viewer, request.name, files,
                                 {parameters.pairs.toVector(), true}, {}, &m_context.window);
     connect(

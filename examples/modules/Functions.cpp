@@ -8,12 +8,9 @@ namespace {
 
 constexpr int logError = 5;
 
-/// The value of a "name=value" pair among those that ";" parts.
+/// Taken apart as the client does it for modules: a value may hold ";" and "=" in quotes.
 QString valueOf(const QString& parameters, const QString& name) {
-    for (const QString& pair : parameters.split(QLatin1Char(';')))
-        if (pair.section(QLatin1Char('='), 0, 0).trimmed() == name)
-            return pair.section(QLatin1Char('='), 1).trimmed();
-    return {};
+    return orvo::parseLaunchParameters(parameters).value(name);
 }
 
 } // namespace

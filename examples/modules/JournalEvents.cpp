@@ -29,6 +29,7 @@ JournalEvents::JournalEvents(COrvoCliApp* app) : COrvoCliMod(app), m_rows(new QT
                              QStringLiteral("Значения")});
     m_rows->header()->setSectionResizeMode(QHeaderView::Interactive);
     setCentralWidget(m_rows);
+    setFocusProxy(m_rows); // the keys of whoever opens it go there
 }
 
 void JournalEvents::SetParamMod(QString name, QString value) {

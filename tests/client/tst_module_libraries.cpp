@@ -1,6 +1,6 @@
 // Which libraries of modules the client takes, and what it does with those that it does not.
-#include "apps/client/LaunchParameters.h"
 #include "apps/client/ModuleLibraries.h"
+#include "frame/Launch.h"
 #include "tests/client/HostFixture.h"
 
 #include <QDir>
@@ -149,12 +149,19 @@ private slots:
         QFETCH(QString, text);
         QFETCH(QString, pairs);
         QFETCH(QString, command);
-        const LaunchParameters parameters = parseParameters(text);
+        const LaunchParameters parameters = parseLaunchParameters(text);
         QStringList found;
         for (const auto& [name, value] : parameters.pairs)
             found << name + "→" + value;
         QCOMPARE(found.join('|'), pairs);
         QCOMPARE(parameters.command, command);
+    }
+
+    void theLastPairOfANameCounts() {
+        const LaunchParameters parameters = parseLaunchParameters("a=1;b=\"x;a=2\";a=3");
+        QCOMPARE(parameters.value("a"), QString("3"));
+        QCOMPARE(parameters.value("b"), QString("x;a=2"));
+        QVERIFY(parameters.value("c").isNull());
     }
 };
 

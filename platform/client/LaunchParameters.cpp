@@ -1,8 +1,9 @@
-#include "apps/client/LaunchParameters.h"
+// How the parameters of a menu's element are taken apart.
+#include "frame/Launch.h"
 
 #include <QStringList>
 
-namespace orvo::app {
+namespace orvo {
 
 namespace {
 
@@ -37,7 +38,15 @@ QString unquoted(const QString& text) {
 
 } // namespace
 
-LaunchParameters parseParameters(const QString& text) {
+QString LaunchParameters::value(const QString& name) const {
+    QString found;
+    for (const auto& [one, value] : pairs)
+        if (one == name)
+            found = value;
+    return found;
+}
+
+LaunchParameters parseLaunchParameters(const QString& text) {
     LaunchParameters parameters;
     QStringList words;
     for (int from = 0; from <= text.size();) {
@@ -57,4 +66,4 @@ LaunchParameters parseParameters(const QString& text) {
     return parameters;
 }
 
-} // namespace orvo::app
+} // namespace orvo
