@@ -80,9 +80,10 @@ bool FormCanvas::event(QEvent* event) {
         return true;
     case QEvent::ShortcutOverride: {
         // The form takes keys first, as any widget with the focus does; but Ctrl+letter beyond
-        // those of texts belongs to the window.
+        // those of texts, and F1 to F35, belong to the window.
         auto* key = static_cast<QKeyEvent*>(event);
-        if (key->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))
+        if ((key->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) ||
+            (key->key() >= Qt::Key_F1 && key->key() <= Qt::Key_F35))
             break;
         event->accept();
         return true;

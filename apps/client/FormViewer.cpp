@@ -70,9 +70,12 @@ FormWindow::FormWindow(const QString& program, const QString& name,
         if (copy.open(QIODevice::WriteOnly))
             copy.write(file.bytes.data(), static_cast<qint64>(file.bytes.size()));
     }
-    std::stable_partition(documents.begin(), documents.end(), [](const auto& document) {
-        return formview::looksLikeForm(document.bytes, document.name);
-    });
+    const auto companions =
+        std::stable_partition(documents.begin(), documents.end(), [](const auto& document) {
+            return formview::looksLikeForm(document.bytes, document.name);
+        });
+    if (look.isFormOnly && companions != documents.begin())
+        documents.erase(companions, documents.end());
     for (formview::Document& document : documents) {
         const QString title = oneLine(document.name);
         auto* view = new FormView(program, std::move(document), limits);
@@ -81,6 +84,9 @@ FormWindow::FormWindow(const QString& program, const QString& name,
         m_tabs->addTab(view, QString(title).replace(QLatin1Char('&'), QLatin1String("&&")));
     }
     m_tabs->setCurrentIndex(0);
+    setFocusProxy(m_tabs->currentWidget());
+    connect(m_tabs, &QTabWidget::currentChanged, this,
+            [this] { setFocusProxy(m_tabs->currentWidget()); });
 }
 
 /// Once, as large as the first file likes it.

@@ -26,6 +26,8 @@ public:
     struct Look {
         QVector<QPair<QString, QString>> parameters; ///< of the forms
         bool isFitted = false; ///< pictures and forms without a layout are scaled to the view
+        /// What lies beside a form, notes and pictures of it, has no tab; without a form all have.
+        bool isFormOnly = false;
     };
 
     /// `program` shows a file.

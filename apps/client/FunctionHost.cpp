@@ -45,6 +45,12 @@ void writeLog(int level, const QString& place, const QString& text) {
     std::fflush(stdout);
 }
 
+/// From here on there is nothing to bring to the front, however long the end takes.
+void tellClosing() {
+    std::fputs("{\"closing\":true}\n", stdout);
+    std::fflush(stdout);
+}
+
 bool hasWindow() {
     for (const QWidget* window : QApplication::topLevelWidgets())
         if (window->isVisible())
@@ -140,6 +146,7 @@ int runFunctionHost() {
         return FunctionExitUnknown;
     if (hasWindow())
         QApplication::exec();
+    tellClosing();
     return result == OrvoFunctionDone ? FunctionExitDone : FunctionExitFailed;
 }
 

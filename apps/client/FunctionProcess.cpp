@@ -72,8 +72,9 @@ void FunctionProcess::setupChildProcess() {
 void FunctionProcess::readLog() {
     setReadChannel(QProcess::StandardOutput);
     while (canReadLine() || bytesAvailable() >= longestLine) {
-        const QJsonArray line =
-            QJsonDocument::fromJson(readLine(longestLine)).object()[QLatin1String("log")].toArray();
+        const QJsonObject told = QJsonDocument::fromJson(readLine(longestLine)).object();
+        m_isClosing = m_isClosing || told[QLatin1String("closing")].toBool();
+        const QJsonArray line = told[QLatin1String("log")].toArray();
         if (line.size() == 3)
             emit logged(line[0].toInt(), line[1].toString(), line[2].toString());
     }

@@ -42,6 +42,9 @@ public:
              bool isConnected);
     /// The windows of the function come forward.
     void raiseWindows();
+    /// Whether the function is done and its windows are closed, though the process may still be
+    /// there.
+    bool isClosing() const { return m_isClosing; }
 
 signals:
     void logged(int level, const QString& place, const QString& text);
@@ -59,6 +62,7 @@ private:
 
     QString m_name;
     bool m_hasEnded = false;
+    bool m_isClosing = false;
 };
 
 } // namespace orvo::app

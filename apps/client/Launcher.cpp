@@ -234,7 +234,7 @@ QString Launcher::openFile(const LaunchRequest& request) {
 void Launcher::showFiles(const LaunchRequest& request, const Files& files) {
     const LaunchParameters parameters = parseLaunchParameters(request.params);
     auto* page = new FormWindow(m_context.viewer, request.name, files,
-                                {parameters.pairs.toVector(), true}, {}, &m_context.window);
+                                {parameters.pairs.toVector(), true, true}, {}, &m_context.window);
     connect(
         page, &FormWindow::problem, this,
         [this, caption = request.caption](const QString& text) { emit problem(caption, text); });
@@ -277,7 +277,8 @@ void Launcher::saveFile(const store::StoredFile& file) {
 
 Launcher::Opened* Launcher::first(const QString& key) {
     const auto found = std::find_if(m_open.begin(), m_open.end(), [&](const Opened& one) {
-        return one.request.key.compare(key, Qt::CaseInsensitive) == 0;
+        return one.request.key.compare(key, Qt::CaseInsensitive) == 0 &&
+               !(one.process && one.process->isClosing());
     });
     return found == m_open.end() ? nullptr : &*found;
 }

@@ -248,6 +248,26 @@ private slots:
         QVERIFY2(widest > 90, qPrintable(QString::number(widest)));
     }
 
+    void whatLiesBesideAFormHasNoTab() {
+        Bench bench;
+        const auto files = [&] {
+            QStringList names;
+            const auto* page = qobject_cast<FormWindow*>(bench.tabs().currentWidget());
+            for (int i = 0; page && i < page->tabs()->count(); ++i)
+                names << page->tabs()->tabText(i);
+            return names;
+        };
+        bench.put({{"pump_", "note"},
+                   {"pump.ui", plainForm},
+                   {"pump.txt", "note"},
+                   {"pump.png", png(40, 30)}});
+        QCOMPARE(bench.launch(Kind::Form, "pump_"), QString());
+        QCOMPARE(files(), QStringList("pump.ui"));
+        bench.put({{"valve_", "text"}, {"valve.txt", "text"}}); // no form: all there is
+        QCOMPARE(bench.launch(Kind::Form, "valve_"), QString());
+        QCOMPARE(files(), QStringList({"valve.txt", "valve_"}));
+    }
+
     void filesAreShownByTheirKind() {
         Bench bench;
         bench.putFile("a.png", png(40, 30));
