@@ -64,7 +64,7 @@ DesktopDialog::DesktopDialog(QWidget* parent)
     connect(m_list, &QListWidget::itemDoubleClicked, this, &DesktopDialog::take);
     connect(m_buttons, &QDialogButtonBox::accepted, this, &DesktopDialog::take);
     connect(m_buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    resize(480, 560);
+    resize(640, 560);
 }
 
 bool DesktopDialog::fill(store::Store& store, const QString& current, QString* error) {

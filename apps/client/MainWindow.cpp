@@ -17,6 +17,8 @@
 #include <QTabWidget>
 #include <QThread>
 #include <QTimer>
+#include <QToolButton>
+#include <QVBoxLayout>
 
 namespace orvo::app {
 
@@ -25,6 +27,22 @@ namespace {
 constexpr int usefulHeight = 300; ///< of a pane that is called by a key
 constexpr char stayKey[] = "view/stayAtOwnRow";
 constexpr char changedProperty[] = "changedSinceOpened"; // of a page: why it is marked
+constexpr int touch = 44;                                // the least that a finger hits
+
+/// What is in the pane of a desktop: the layout takes the first width of a pane from its content.
+class DeskHolder : public QWidget {
+public:
+    DeskHolder(QWidget* desk, int width) : m_width(width) {
+        auto* layout = new QVBoxLayout(this);
+        layout->setContentsMargins(0, 0, 0, 0);
+        layout->addWidget(desk);
+        setFocusProxy(desk);
+    }
+    QSize sizeHint() const override { return {m_width, QWidget::sizeHint().height()}; }
+
+private:
+    const int m_width;
+};
 
 /// A pane that tells when its user closes it.
 class DeskDock : public QDockWidget {
@@ -64,6 +82,7 @@ MainWindow::MainWindow(const QString& store, const QString& login)
     m_logDock->setFeatures(QDockWidget::DockWidgetClosable | QDockWidget::DockWidgetMovable);
     addDockWidget(Qt::BottomDockWidgetArea, m_logDock);
     makeMenus();
+    makeKeys();
     resize(1366, 900);
     resizeDocks({m_logDock}, {130}, Qt::Vertical);
 }
@@ -95,6 +114,37 @@ void MainWindow::makeMenus() {
         emit followsOthersChanged(!stay);
     });
     makeHelpMenu();
+}
+
+/// What the mouse does at the tabs and between the parts of the window.
+void MainWindow::makeKeys() {
+    auto* close = new QShortcut(QKeySequence(QStringLiteral("Ctrl+W")), this);
+    connect(close, &QShortcut::activated, this, [this] {
+        const int index = m_tabs->currentIndex();
+        if (index >= 0 && m_tabs->tabBar()->tabData(index).isNull()) // an editor stays
+            emit pageCloseRequested(m_tabs->widget(index));
+    });
+    auto* next = new QShortcut(QKeySequence(Qt::Key_F6), this);
+    connect(next, &QShortcut::activated, this, &MainWindow::focusNextPart);
+}
+
+/// From the page to the menus of desktops, and from the last of them back to the page.
+void MainWindow::focusNextPart() {
+    std::vector<QWidget*> parts;
+    if (QWidget* page = m_tabs->currentWidget())
+        parts.push_back(page);
+    for (const QDockWidget* dock :
+         findChildren<QDockWidget*>(QString(), Qt::FindDirectChildrenOnly))
+        if (dynamic_cast<const DeskDock*>(dock) != nullptr && dock->isVisible() && dock->widget())
+            parts.push_back(dock->widget());
+    if (parts.empty())
+        return;
+    const QWidget* focus = QApplication::focusWidget();
+    size_t next = 0;
+    for (size_t i = 0; i < parts.size(); ++i)
+        if (focus && (parts[i] == focus || parts[i]->isAncestorOf(focus)))
+            next = (i + 1) % parts.size();
+    parts[next]->setFocus(Qt::ShortcutFocusReason);
 }
 
 void MainWindow::makeHelpMenu() {
@@ -141,8 +191,26 @@ void MainWindow::addModule(COrvoCliMod* module, const QString& name) {
 }
 
 void MainWindow::addPage(QWidget* page, const QString& title) {
-    m_tabs->addTab(page, QString());
+    const int index = m_tabs->addTab(page, QString());
+    if (m_isWorkplace)
+        addCloseButton(page, index);
     setTitle(page, title);
+}
+
+/// In place of the style's own, which a finger does not hit.
+void MainWindow::addCloseButton(QWidget* page, int index) {
+    auto* button = new QToolButton(m_tabs->tabBar());
+    button->setObjectName(QStringLiteral("closePage"));
+    button->setAccessibleName(QStringLiteral("Закрыть"));
+    button->setToolTip(QStringLiteral("Закрыть (Ctrl+W)"));
+    button->setIcon(style()->standardIcon(QStyle::SP_DockWidgetCloseButton));
+    button->setAutoRaise(true);
+    button->setFocusPolicy(Qt::NoFocus);
+    button->setFixedSize(touch, touch);
+    connect(button, &QToolButton::clicked, page, [this, page] { emit pageCloseRequested(page); });
+    for (const QTabBar::ButtonPosition side : {QTabBar::LeftSide, QTabBar::RightSide})
+        m_tabs->tabBar()->setTabButton(index, side, nullptr);
+    m_tabs->tabBar()->setTabButton(index, QTabBar::RightSide, button); // which owns it
 }
 
 void MainWindow::showPage(QWidget* page) {
@@ -156,10 +224,12 @@ void MainWindow::markPage(QWidget* page, const QString& why) {
     setTitle(page, page->windowTitle());
 }
 
-QDockWidget* MainWindow::addDesk(COrvoCliMod* desk, Qt::DockWidgetArea area, const QString& name) {
+QDockWidget* MainWindow::addDesk(COrvoCliMod* desk, Qt::DockWidgetArea area, const QString& name,
+                                 int width) {
+    constexpr int usualWidth = 340;
     auto* dock = new DeskDock(this, [this, desk] { emit deskClosed(desk); });
     dock->setObjectName(name);
-    dock->setWidget(desk);
+    dock->setWidget(new DeskHolder(desk, width > 0 ? width : usualWidth)); // the dock's own
     dock->setFeatures(QDockWidget::DockWidgetClosable | QDockWidget::DockWidgetMovable);
     if (m_isWorkplace) {
         dock->setFeatures(QDockWidget::NoDockWidgetFeatures);
@@ -167,18 +237,19 @@ QDockWidget* MainWindow::addDesk(COrvoCliMod* desk, Qt::DockWidgetArea area, con
     }
     addDockWidget(area, dock);
     connect(desk, &QObject::destroyed, dock, &QObject::deleteLater);
-    constexpr int usualWidth = 340;
-    const bool isKnown = restoreDockWidget(dock);
+    restoreDockWidget(dock);
     dock->show();
-    if (!isKnown) // once the window has its own size
-        QMetaObject::invokeMethod(
-            dock, [this, dock] { resizeDocks({dock}, {usualWidth}, Qt::Horizontal); },
-            Qt::QueuedConnection);
     return dock;
 }
 
+QDockWidget* MainWindow::dockOf(const QWidget* desk) {
+    QWidget* above = desk ? desk->parentWidget() : nullptr;
+    while (above && !qobject_cast<QDockWidget*>(above))
+        above = above->parentWidget();
+    return qobject_cast<QDockWidget*>(above);
+}
+
 void MainWindow::becomeWorkplace() {
-    constexpr int touch = 44;
     m_isWorkplace = true;
     menuBar()->hide();
     m_logDock->hide();
@@ -230,7 +301,7 @@ void MainWindow::bringUp(QDockWidget* pane) {
 void MainWindow::setTitle(QWidget* page, const QString& title) {
     const int index = m_tabs->indexOf(page);
     if (index < 0) {
-        if (auto* dock = qobject_cast<QDockWidget*>(page->parentWidget()))
+        if (QDockWidget* dock = dockOf(page))
             dock->setWindowTitle(oneLine(title));
         if (m_isWorkplace) // its dock has no title
             setWindowTitle(QStringLiteral("Orvo — %1").arg(oneLine(title)));

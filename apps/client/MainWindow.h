@@ -39,8 +39,12 @@ public:
     /// Marks the tab: what it shows is no longer as it was; `why` in words.
     void markPage(QWidget* page, const QString& why);
     /// Places the menu of a desktop beside the tabs, at the left or the right; the pane can be
-    /// closed (deskClosed), and goes with the module.
-    QDockWidget* addDesk(COrvoCliMod* desk, Qt::DockWidgetArea area, const QString& name);
+    /// closed (deskClosed), and goes with the module. It is `width` wide (0: as is usual) if the
+    /// window's own state, as it was restored, does not know the pane.
+    QDockWidget* addDesk(COrvoCliMod* desk, Qt::DockWidgetArea area, const QString& name,
+                         int width = 0);
+    /// The pane in which a module of addDesk is; null if it is in none.
+    static QDockWidget* dockOf(const QWidget* desk);
     /// For an operator: no menus and no log, the desktop's menu always there. Before show.
     void becomeWorkplace();
     /// Full screen, without a frame, and it stays until endKiosk.
@@ -97,6 +101,9 @@ private:
     void makeMenus();
     void showBox(const QString& title, const QString& text, int icon);
     void makeHelpMenu();
+    void makeKeys();
+    void addCloseButton(QWidget* page, int index);
+    void focusNextPart();
     void showHelp();
 
     QTabWidget* m_tabs; // these: children of the window

@@ -181,6 +181,20 @@ QString WindowMemory::desktop() const {
     return settings.value(QStringLiteral("desktop")).toString().left(longest);
 }
 
+void WindowMemory::savePaneWidth(const QString& pane, int width) const {
+    QSettings settings = clientSettings();
+    settings.beginGroup(m_group);
+    settings.setValue(QStringLiteral("width-") + pane, width);
+}
+
+int WindowMemory::paneWidth(const QString& pane) const {
+    constexpr int leastPane = 160;
+    QSettings settings = clientSettings();
+    settings.beginGroup(m_group);
+    const int width = settings.value(QStringLiteral("width-") + pane).toInt();
+    return width <= 0 ? 0 : std::clamp(width, leastPane, greatestWidth);
+}
+
 void WindowMemory::saveModule(const QString& name, const QWidget& module) const {
     QSettings settings = clientSettings();
     settings.beginGroup(m_group);

@@ -30,6 +30,10 @@ public:
     /// The desktop that the user has chosen to see beside the editors: its key; empty: none.
     void saveDesktop(const QString& key) const;
     QString desktop() const;
+    /// Of a pane that the window does not have all the time, and so does not remember itself; 0:
+    /// not known.
+    void savePaneWidth(const QString& pane, int width) const;
+    int paneWidth(const QString& pane) const;
 
     /// A module is known by its name; its views and splitters by their object names.
     void saveModule(const QString& name, const QWidget& module) const;

@@ -7,6 +7,7 @@
 #include "frame/OrvoClient.h"
 #include "platform/client/ModuleRegistry.h"
 
+#include <QDockWidget>
 #include <QInputDialog>
 
 namespace orvo::app {
@@ -38,13 +39,29 @@ COrvoCliMod* Workplace::makeDesk(const QString& desktop, Qt::DockWidgetArea area
     }
     m_context.modules.add(desk, module);
     desk->SetParamMod(QStringLiteral("desktop"), desktop);
-    m_context.window.addDesk(desk, area, name);
+    m_context.window.addDesk(desk, area, name,
+                             m_context.memory ? m_context.memory->paneWidth(name) : 0);
     return desk;
+}
+
+void Workplace::stopDesk(COrvoCliMod* desk) {
+    rememberWidth(desk);
+    m_context.modules.stop(desk);
+}
+
+/// The pane of a desktop goes with it, and what the window knows of the pane with that.
+void Workplace::rememberWidth(const COrvoCliMod* desk) const {
+    QDockWidget* dock = MainWindow::dockOf(desk);
+    if (!dock || !m_context.memory)
+        return;
+    const Qt::DockWidgetArea area = m_context.window.dockWidgetArea(dock);
+    if (area == Qt::LeftDockWidgetArea || area == Qt::RightDockWidgetArea)
+        m_context.memory->savePaneWidth(dock->objectName(), dock->width());
 }
 
 void Workplace::open(const QString& name) {
     if (m_desk)
-        m_context.modules.stop(m_desk);
+        stopDesk(m_desk);
     m_name = name;
     m_desk = makeDesk(name, Qt::LeftDockWidgetArea, QStringLiteral("deskDock"));
     // If it does not start it has told why.
@@ -57,7 +74,7 @@ void Workplace::open(const QString& name) {
 void Workplace::openPreview(PreviewRequest* request) {
     request->refusal.clear();
     if (m_preview)
-        m_context.modules.stop(m_preview);
+        stopDesk(m_preview);
     m_previewed = request->desktop;
     m_preview = makeDesk(m_previewed, Qt::RightDockWidgetArea, QStringLiteral("previewDock"));
     if (!m_preview) {
@@ -94,6 +111,8 @@ void Workplace::openRemembered() {
 }
 
 void Workplace::rememberDesk() const {
+    rememberWidth(m_desk);
+    rememberWidth(m_preview);
     if (m_desk && m_context.memory)
         m_context.memory->saveModule(QLatin1String(moduleName), *m_desk);
 }
@@ -135,10 +154,10 @@ void Workplace::closed(COrvoCliMod* desk) {
         m_name.clear();
         if (m_context.memory)
             m_context.memory->saveDesktop({});
-        m_context.modules.stop(desk);
+        stopDesk(desk);
     } else if (desk && desk == m_preview) {
         m_previewed.clear();
-        m_context.modules.stop(desk);
+        stopDesk(desk);
     }
 }
 

@@ -68,6 +68,8 @@ private:
     void choose();
     void closed(COrvoCliMod* desk);
     COrvoCliMod* makeDesk(const QString& desktop, Qt::DockWidgetArea area, const QString& name);
+    void stopDesk(COrvoCliMod* desk);
+    void rememberWidth(const COrvoCliMod* desk) const;
 
     const Context m_context;
     QString m_name; ///< of the desktop, as somebody named it; empty: none is shown

@@ -1,5 +1,5 @@
 // An engineer changes a menu at the left; at the right an operator works with it.
-#include "tests/e2e/SceneTest.h"
+#include "tests/e2e/OperatorTest.h"
 
 #include "platform/store/StoreUrl.h"
 
@@ -7,61 +7,14 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QJsonArray>
-#include <QRegularExpression>
 #include <QScreen>
 
 #include <algorithm>
 
 using namespace orvo::test;
 
-namespace {
-
-const char* const menu = "deskTree";
-
-/// Whether a window of that name is on the screen, whoever shows it.
-bool isOnScreen(const QString& name) {
-    QProcess search;
-    search.start("xdotool", {"search", "--onlyvisible", "--name", name});
-    search.waitForFinished();
-    return !search.readAllStandardOutput().isEmpty();
-}
-
-/// As its user does: by the key, once the window has the focus, and waiting for its end.
-bool closeWindow(const QString& name) {
-    QProcess::execute("xdotool",
-                      {"search", "--onlyvisible", "--name", name, "windowactivate", "--sync"});
-    const auto isActive = [&] {
-        QProcess active;
-        active.start("xdotool", {"getactivewindow", "getwindowname"});
-        active.waitForFinished();
-        return QString::fromUtf8(active.readAllStandardOutput()).contains(QRegularExpression(name));
-    };
-    return QTest::qWaitFor(isActive) && hands::key("alt+F4") &&
-           QTest::qWaitFor([&] { return !isOnScreen(name); }, 15000);
-}
-
-} // namespace
-
-class TestOperator : public SceneTest {
+class TestOperator : public OperatorTest {
     Q_OBJECT
-    ClientProcess& desk() { return right(); }
-    bool shows(const QString& caption) { return desk().tree(menu).find(caption) >= 0; }
-    int opened() { return desk().ask("state")["opened"].toInt(); }
-    QString connection() { return desk().ask("state")["connection"].toString(); }
-    bool clickOn(const QString& caption) {
-        QTest::qWait(600); // no double click
-        return m_scene->clickRow(desk(), menu, caption);
-    }
-    /// The operator's folder of that name, open.
-    bool openFolder(const QString& caption) {
-        const Tree tree = desk().tree(menu);
-        const int row = tree.find(caption);
-        return row >= 0 && (tree.rows[static_cast<size_t>(row)].expanded || clickOn(caption));
-    }
-    QStringList sample() const {
-        return {"--modules", qEnvironmentVariable("ORVO_BIN_DIR") + "/../examples/modules"};
-    }
-
 private slots:
     void initTestCase() {
         m_scene = std::make_unique<Scene>();
@@ -121,14 +74,14 @@ private slots:
         take("operator-form");
 
         DO(clickOn("Вызов диспетчера"));
-        SOON(isOnScreen("^Вызов диспетчера$"));
+        SOON(hands::isOnScreen("^Вызов диспетчера$"));
         SOON(opened() == 4);
         DO(clickOn("Справка"));
-        SOON(isOnScreen("^Руководство$"));
+        SOON(hands::isOnScreen("^Руководство$"));
         take("operator-functions");
         QVERIFY(closeWindow("^Руководство"));
         QVERIFY(closeWindow("^Вызов диспетчера"));
-        SOON(!isOnScreen("^Руководство$") && !isOnScreen("^Вызов диспетчера$"));
+        SOON(!hands::isOnScreen("^Руководство$") && !hands::isOnScreen("^Вызов диспетчера$"));
         SOON(opened() == 3);
 
         QVERIFY(another("insert into Menu (KeyLink, FolderKey, caption, order_, MenuResourceKey) "
@@ -174,6 +127,18 @@ private slots:
         SOON(shows("Valves"));
         DO(m_scene->clickRow(left(), "tvDesck", secondStation));
         SOON(previewed("Общая схема КС-2"));
+        // As wide as an operator has it, and as it was left when it comes again.
+        const int width = left().tree(menu).rect.width();
+        QVERIFY2(width >= 300, qPrintable(QString::number(width)));
+        const QRect pane = left().tree(menu).rect;
+        QVERIFY(hands::drag({pane.left() - 8, pane.center().y()},
+                            {pane.left() - 68, pane.center().y()}));
+        SOON(left().tree(menu).rect.width() > width + 30);
+        const int wider = left().tree(menu).rect.width();
+        DO(m_scene->clickRow(left(), "tvDesck", secondStation));
+        QVERIFY(hands::key("F5"));
+        QTest::qWait(500);
+        SOON(left().tree(menu).rect.width() == wider);
     }
 
     void aPreviewIsCalledFromAnyPaneAndFollowsEditorsThatWereOpenedAnew() {
@@ -188,6 +153,7 @@ private slots:
         SOON(left().tree("historyTree").focus);
         QVERIFY(hands::key("F5"));
         SOON(previewed("Общая схема КС-1"));
+        QVERIFY(left().tree(menu).rect.width() > 330); // also after the client was started anew
         QVERIFY(hands::key("F4"));
         QVERIFY(hands::key("ctrl+r"));
         QTest::qWait(2000);
@@ -218,7 +184,7 @@ private slots:
     void anEngineerChoosesADesktopAndFindsItAgain() {
         DO(m_scene->startLeft()); // without the preview
         DO(m_scene->pressAll(left(), {"Клиент", "Рабочий стол…"}));
-        SOON(isOnScreen("^Рабочий стол$"));
+        SOON(hands::isOnScreen("^Рабочий стол$"));
         QTest::qWait(500);
         take("choose-desktop");
         QVERIFY(hands::key("minus") && hands::type("2"));
@@ -244,7 +210,7 @@ private slots:
         QTest::qWait(1000);
         QVERIFY(desk().isRunning());
         QVERIFY(hands::key("ctrl+alt+q"));
-        SOON(isOnScreen("^Закрыть рабочий стол$"));
+        SOON(hands::isOnScreen("^Закрыть рабочий стол$"));
         QTest::qWait(500);
         QVERIFY(hands::type("left"));
         QVERIFY(hands::key("Return"));
@@ -252,7 +218,7 @@ private slots:
         QVERIFY(desk().isRunning());
         DO(m_scene->press(desk(), ok));
         QVERIFY(hands::key("ctrl+alt+q"));
-        SOON(isOnScreen("^Закрыть рабочий стол$"));
+        SOON(hands::isOnScreen("^Закрыть рабочий стол$"));
         QTest::qWait(500);
         QVERIFY(hands::type("right"));
         QVERIFY(hands::key("Return"));
