@@ -14,27 +14,27 @@
 
 namespace orvo::desk {
 
+namespace {
+
+/// The first of its siblings has nothing to be separated from.
+bool isSeparated(const QModelIndex& row) {
+    return row.row() > 0 && row.data(DeskModel::SeparatorRole).toBool();
+}
+
+} // namespace
+
 QString DeskDelegate::displayText(const QVariant& value, const QLocale&) const {
     return displayLine(value.toString());
 }
 
 QSize DeskDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
-    const bool separated = index.row() > 0 && index.data(DeskModel::SeparatorRole).toBool();
     const int height = std::max(rowHeight, option.fontMetrics.height() + 2);
-    return {0, height + (separated ? separatorHeight : 0)}; // as wide as the view
+    return {0, height + (isSeparated(index) ? separatorHeight : 0)}; // as wide as the view
 }
 
 void DeskDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                          const QModelIndex& index) const {
     QStyleOptionViewItem row = option;
-    if (index.row() > 0 && index.data(DeskModel::SeparatorRole).toBool()) {
-        const QRect gap(option.rect.left(), option.rect.top(), option.rect.width(),
-                        separatorHeight);
-        QColor line = option.palette.color(QPalette::Text);
-        line.setAlphaF(0.35);
-        painter->fillRect(gap.left(), gap.center().y(), gap.width(), 1, line);
-        row.rect.setTop(option.rect.top() + separatorHeight);
-    }
     if (index.data(DeskModel::BrokenRole).toBool())
         row.state &= ~QStyle::State_Enabled; // grey, the icon too; it can be chosen all the same
     row.textElideMode = Qt::ElideRight;
@@ -179,11 +179,31 @@ void DeskView::keyPressEvent(QKeyEvent* event) {
     }
 }
 
+/// The line is above all of the row, its branch sign included.
+void DeskView::drawRow(QPainter* painter, const QStyleOptionViewItem& option,
+                       const QModelIndex& index) const {
+    QStyleOptionViewItem row = option;
+    if (isSeparated(index)) {
+        QColor line = option.palette.color(QPalette::Text);
+        line.setAlphaF(0.35);
+        painter->fillRect(option.rect.left(), option.rect.top() + DeskDelegate::separatorHeight / 2,
+                          option.rect.width(), 1, line);
+        row.rect.setTop(option.rect.top() + DeskDelegate::separatorHeight);
+    }
+    QTreeView::drawRow(painter, row, index);
+}
+
+void DeskView::mousePressEvent(QMouseEvent* event) {
+    m_press.begin(*this, event->pos());
+    QTreeView::mousePressEvent(event);
+}
+
 void DeskView::mouseReleaseEvent(QMouseEvent* event) {
     const QModelIndex row = indexAt(event->pos());
     const bool onBranch = row.isValid() && event->pos().x() < visualRect(row).left();
     QTreeView::mouseReleaseEvent(event);
-    if (event->button() != Qt::LeftButton || !row.isValid() || onBranch || row != currentIndex())
+    if (event->button() != Qt::LeftButton || !row.isValid() || onBranch || row != currentIndex() ||
+        m_press.isSwipe(*this, event->pos()))
         return;
     // The second half of a double click would close what the first has opened.
     const bool second = m_clicked == row && m_sinceClick.isValid() &&

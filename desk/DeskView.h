@@ -4,6 +4,7 @@
 #define ORVO_DESK_DESKVIEW_H
 
 #include "desk/DeskModel.h"
+#include "desk/Press.h"
 
 #include <QElapsedTimer>
 #include <QSet>
@@ -12,8 +13,8 @@
 
 namespace orvo::desk {
 
-/// A row is as high as a fingertip, with a line above it where the menu has one; texts that do not
-/// fit end in "…". For the tree and the lists beside it.
+/// A row is as high as a fingertip, with room for a line above it where the menu has one; texts
+/// that do not fit end in "…". For the tree and the lists beside it.
 class DeskDelegate : public QStyledItemDelegate {
     Q_OBJECT
 public:
@@ -70,6 +71,9 @@ signals:
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void drawRow(QPainter* painter, const QStyleOptionViewItem& option,
+                 const QModelIndex& index) const override;
+    void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
@@ -79,6 +83,7 @@ private:
     DeskModel* m_model = nullptr;
     QSet<QString> m_open; ///< keys of the open folders
     bool m_keeps = false;
+    Press m_press;
     QElapsedTimer m_sinceClick;
     QPersistentModelIndex m_clicked; ///< when m_sinceClick began
 };

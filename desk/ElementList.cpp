@@ -4,6 +4,7 @@
 #include "frame/RowDelegate.h"
 
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QScroller>
 #include <QStandardItemModel>
 
@@ -22,8 +23,10 @@ ElementList::ElementList(const DeskModel& model, const QString& name, QWidget* p
     setUniformItemSizes(true);
     setModel(m_rows);
     QScroller::grabGesture(viewport(), QScroller::TouchGesture);
-    connect(this, &QListView::clicked, this,
-            [this](const QModelIndex& row) { emit chosen(row.data(KeyRole).toString()); });
+    connect(this, &QListView::clicked, this, [this](const QModelIndex& row) {
+        if (!m_isSwiped)
+            emit chosen(row.data(KeyRole).toString());
+    });
 }
 
 void ElementList::show(const std::vector<Hit>& hits, bool choose) {
@@ -55,6 +58,16 @@ QSize ElementList::sizeHint() const {
     return {QListView::sizeHint().width(),
             count() * std::max(DeskDelegate::rowHeight, fontMetrics().height() + 2) +
                 2 * frameWidth()};
+}
+
+void ElementList::mousePressEvent(QMouseEvent* event) {
+    m_press.begin(*this, event->pos());
+    QListView::mousePressEvent(event);
+}
+
+void ElementList::mouseReleaseEvent(QMouseEvent* event) {
+    m_isSwiped = m_press.isSwipe(*this, event->pos());
+    QListView::mouseReleaseEvent(event);
 }
 
 void ElementList::keyPressEvent(QKeyEvent* event) {

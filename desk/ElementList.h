@@ -2,6 +2,7 @@
 #ifndef ORVO_DESK_ELEMENTLIST_H
 #define ORVO_DESK_ELEMENTLIST_H
 
+#include "desk/Press.h"
 #include "desk/Search.h"
 
 #include <QListView>
@@ -27,10 +28,14 @@ signals:
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
     const DeskModel& m_menu;
     QStandardItemModel* m_rows; ///< child
+    Press m_press;
+    bool m_isSwiped = false; ///< the press that ends now
 };
 
 } // namespace orvo::desk

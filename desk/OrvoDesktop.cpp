@@ -15,6 +15,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QStackedWidget>
+#include <QStyle>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 using namespace orvo::desk;
@@ -66,8 +68,19 @@ void OrvoDesktop::makeWidgets() {
     m_edSearch->setMinimumHeight(DeskDelegate::rowHeight);
     m_edSearch->setMaxLength(200);
     m_edSearch->addAction(orvo::image("search1"), QLineEdit::LeadingPosition);
-    m_edSearch->setClearButtonEnabled(true);
     m_edSearch->installEventFilter(this);
+    auto* clear = new QToolButton(panel); // the line's own is too small for a finger
+    clear->setObjectName(QStringLiteral("deskSearchClear"));
+    clear->setAccessibleName(QStringLiteral("Очистить поиск"));
+    clear->setToolTip(QStringLiteral("Очистить (Esc)"));
+    clear->setIcon(style()->standardIcon(QStyle::SP_LineEditClearButton));
+    clear->setAutoRaise(true);
+    clear->setFocusPolicy(Qt::NoFocus);
+    clear->setFixedSize(DeskDelegate::rowHeight, DeskDelegate::rowHeight);
+    clear->hide();
+    connect(clear, &QToolButton::clicked, this, &OrvoDesktop::leaveSearch);
+    connect(m_edSearch, &QLineEdit::textChanged, clear,
+            [clear](const QString& text) { clear->setVisible(!text.isEmpty()); });
     m_view = new DeskView(panel);
     m_view->setDeskModel(m_model.get());
     m_hits = new ElementList(*m_model, QStringLiteral("deskHits"), panel);
@@ -88,7 +101,10 @@ void OrvoDesktop::makeWidgets() {
 
     auto* layout = new QVBoxLayout(panel);
     layout->setContentsMargins(4, 4, 4, 4);
-    layout->addWidget(m_edSearch);
+    auto* search = new QHBoxLayout; // which `layout` takes
+    search->addWidget(m_edSearch);
+    search->addWidget(clear);
+    layout->addLayout(search);
     layout->addWidget(m_pages, 1);
     layout->addWidget(m_notice); // below: rows stay under the finger when it comes
     layout->addWidget(m_recentTitle);
@@ -309,14 +325,18 @@ void OrvoDesktop::searchChanged(const QString& text) {
     m_pages->setCurrentWidget(hits.empty() ? static_cast<QWidget*>(m_nothing) : m_hits);
 }
 
+void OrvoDesktop::leaveSearch() {
+    m_edSearch->clear();
+    m_view->setFocus();
+}
+
 bool OrvoDesktop::eventFilter(QObject* watched, QEvent* event) {
     if (watched != m_edSearch || event->type() != QEvent::KeyPress)
         return COrvoCliMod::eventFilter(watched, event);
     auto* key = static_cast<QKeyEvent*>(event);
     switch (key->key()) {
     case Qt::Key_Escape:
-        m_edSearch->clear();
-        m_view->setFocus();
+        leaveSearch();
         return true;
     case Qt::Key_Up:
     case Qt::Key_Down:

@@ -52,6 +52,7 @@ public slots:
 
 private slots:
     void searchChanged(const QString& text);
+    void leaveSearch();
 
 private:
     void makeWidgets();
