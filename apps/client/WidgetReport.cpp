@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QHeaderView>
 #include <QJsonArray>
+#include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QSet>
@@ -86,6 +87,16 @@ void addButton(QJsonArray& list, const QAbstractButton& button) {
     if (button.isVisible()) {
         entry["visible"] = true;
         entry["rect"] = rectOf(onScreen(button, button.rect()));
+    }
+    list.append(entry);
+}
+
+void addLabel(QJsonArray& list, const QLabel& label) {
+    QJsonObject entry = controlOf(label, {}, label.isEnabled());
+    entry["text"] = label.text();
+    if (label.isVisible()) {
+        entry["visible"] = true;
+        entry["rect"] = rectOf(onScreen(label, label.rect()));
     }
     list.append(entry);
 }
@@ -188,6 +199,9 @@ QJsonObject controls(const QString& nameOrText) {
     for (const QAbstractButton* button : qAsConst(buttons))
         if (isMeant(*button, button->text(), nameOrText))
             addButton(list, *button);
+    for (const QWidget* top : QApplication::topLevelWidgets())
+        for (const QLabel* label : top->findChildren<QLabel*>(nameOrText))
+            addLabel(list, *label);
     return {{"controls", list}};
 }
 

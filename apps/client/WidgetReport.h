@@ -13,8 +13,9 @@ QJsonObject windows();
 /// "rect", "focus"}. `rects` is there for rows on the screen: one per column, null for a hidden
 /// one. Of several trees of that name the visible one. Empty if there is none.
 QJsonObject tree(const QString& name);
-/// {"controls": [{class, name, text, enabled, visible, checked, rect}]}: one entry per place at
-/// which the control is shown, or one without `rect` for a control that is nowhere on the screen.
+/// {"controls": [{class, name, text, enabled, visible, checked, rect}]}: actions and buttons of
+/// that name or text, labels of that name; one entry per place at which the control is shown, or
+/// one without `rect` for a control that is nowhere on the screen.
 QJsonObject controls(const QString& nameOrText);
 
 } // namespace orvo::app::report
