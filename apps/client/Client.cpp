@@ -572,7 +572,7 @@ void Client::reopenNow(const QString& why) {
         return;
     }
     m_outdated = false;
-    const int current = m_window->currentModule();
+    const MainWindow::Tabs tabs = m_window->tabs();
     rememberModules();
     m_launcher->rememberModules();
     m_launcher->setConnected(true);
@@ -581,7 +581,7 @@ void Client::reopenNow(const QString& why) {
     openModules();
     m_workplace->reopen();
     m_launcher->reopenModules();
-    m_window->setCurrentModule(current);
+    m_window->arrangeTabs(tabs);
     m_mirror->refresh();
     m_app.log(LogWarning, QStringLiteral("Клиент"), why);
 }

@@ -64,6 +64,8 @@ void Launcher::launch(LaunchRequest* request) {
     switch (request->kind) {
     case Kind::Module:
         request->refusal = openModule(*request);
+        if (request->refusal.isEmpty())
+            m_context.window.showPage(m_open.back().page);
         break;
     case Kind::Function:
         request->refusal = openFunction(*request);
@@ -137,7 +139,6 @@ QString Launcher::openModule(const LaunchRequest& request) {
     }
     connect(module, &QObject::destroyed, this, [this](QObject* gone) { forget(gone); });
     m_open.push_back({request, module.data(), nullptr, {}});
-    m_context.window.showPage(module);
     return {};
 }
 

@@ -314,6 +314,39 @@ void MainWindow::setTitle(QWidget* page, const QString& title) {
     m_tabs->setTabToolTip(index, plainToolTip(changed));
 }
 
+QString MainWindow::tabName(int index) const {
+    const QVariant module = m_tabs->tabBar()->tabData(index);
+    return module.isNull() ? m_tabs->widget(index)->windowTitle() : module.toString();
+}
+
+MainWindow::Tabs MainWindow::tabs() const {
+    Tabs tabs;
+    tabs.current = m_tabs->currentIndex();
+    for (int i = 0; i < m_tabs->count(); ++i)
+        tabs.pages.emplace_back(m_tabs->widget(i), tabName(i));
+    return tabs;
+}
+
+void MainWindow::arrangeTabs(const Tabs& as) {
+    int place = 0;
+    QWidget* current = nullptr;
+    for (size_t i = 0; i < as.pages.size(); ++i) {
+        const auto& [page, name] = as.pages[i];
+        int found = page ? m_tabs->indexOf(page) : -1;
+        for (int at = place; found < 0 && at < m_tabs->count(); ++at)
+            if (tabName(at) == name)
+                found = at;
+        if (found < place)
+            continue; // it did not come back
+        m_tabs->tabBar()->moveTab(found, place);
+        if (static_cast<int>(i) == as.current)
+            current = m_tabs->widget(place);
+        ++place;
+    }
+    if (current)
+        m_tabs->setCurrentWidget(current);
+}
+
 int MainWindow::currentModule() const {
     return m_tabs->currentIndex();
 }

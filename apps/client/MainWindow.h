@@ -59,6 +59,15 @@ public:
     /// The menu of what changes the store.
     QMenu* editMenu() const { return m_edit; }
     void setTitle(QWidget* page, const QString& title);
+    /// The tabs as they are; for when modules have been opened anew.
+    struct Tabs {
+        std::vector<std::pair<QPointer<QWidget>, QString>> pages; ///< with their names
+        int current = -1;
+    };
+    Tabs tabs() const;
+    /// Puts the tabs into that order again, and the same one to the front of the others; those of
+    /// modules that were opened anew are known by their names.
+    void arrangeTabs(const Tabs& as);
     int currentModule() const;
     void setCurrentModule(int index);
     /// The module that was added under that name; nothing is changed if there is none.
@@ -104,6 +113,7 @@ private:
     void makeKeys();
     void addCloseButton(QWidget* page, int index);
     void focusNextPart();
+    QString tabName(int index) const;
     void showHelp();
 
     QTabWidget* m_tabs; // these: children of the window

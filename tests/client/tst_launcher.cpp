@@ -347,6 +347,32 @@ private slots:
         QCOMPARE(bench.life().filter("param a=1").size(), 2);
     }
 
+    void tabsOfAReloadAreWhereTheyWere() {
+        Bench bench;
+        bench.put({{"pump_", plainForm}});
+        QCOMPARE(bench.launch(Kind::Module, "Menu"), QString());
+        QCOMPARE(bench.launch(Kind::Form, "pump_"), QString());
+        QCOMPARE(bench.launch(Kind::Module, "Resources"), QString());
+        const auto texts = [&] {
+            QStringList all;
+            for (int i = 0; i < bench.tabs().count(); ++i)
+                all << bench.tabs().tabText(i);
+            return all;
+        };
+        const QStringList before = texts();
+        QCOMPARE(before.size(), 3);
+        for (const int current : {0, 1, 2}) {
+            bench.tabs().setCurrentIndex(current);
+            const MainWindow::Tabs tabs = bench.window.tabs();
+            bench.launcher->rememberModules();
+            bench.modules.stopAll();
+            bench.launcher->reopenModules();
+            bench.window.arrangeTabs(tabs);
+            QCOMPARE(texts(), before);
+            QCOMPARE(bench.tabs().currentIndex(), current);
+        }
+    }
+
     void whatCouldNotBeOpenedIsKnownBeforehand() {
         Bench bench;
         bench.put({{"pump_", plainForm}});

@@ -174,11 +174,17 @@ private slots:
         QVERIFY(shows("Общая схема КС-1"));
         take("operator-away");
         QVERIFY(QFile::rename(file + ".away", file));
+        DO(m_scene->clickRow(left(), "tvDesck", station)); // who works there goes on
+        const QString active = hands::activeWindow();
         DO(m_scene->waitFor(
             "the connection is back", [&] { return connection() == QString("Подключено"); },
             30000));
         QVERIFY(another("update Menu set caption = 'Back again' where KeyLink = 'fileElement'"));
         SOON(shows("Back again"));
+        SOON(opened() == 5); // the modules, too
+        QTest::qWait(500);
+        QCOMPARE(hands::activeWindow(), active);
+        QVERIFY(left().tree("tvDesck").focus);
     }
 
     void anEngineerChoosesADesktopAndFindsItAgain() {
