@@ -7,6 +7,8 @@
 #include <QFile>
 #include <QtTest>
 
+#include <cstring>
+#include <dlfcn.h>
 #include <sys/stat.h>
 
 using namespace orvo;
@@ -56,6 +58,21 @@ private slots:
         QVERIFY(libraries.all.knows(&libraries.app, "menu"));
         QVERIFY(!libraries.all.knows(&libraries.app, "Trends"));
         QVERIFY(libraries.all.hasFunctions());
+    }
+
+    void theFirstByItsNameAnswers() {
+        Libraries libraries;
+        libraries.put(libraries.own, "/libOrvoB.so");
+        libraries.put(libraries.own, "/libOrvoA.so");
+        libraries.put(libraries.further, "/libOrvo0.so"); // its directory comes later
+        libraries.all.load(libraries.own, {libraries.further});
+        const std::unique_ptr<COrvoCliMod> made(libraries.all.create(&libraries.app, "Menu"));
+        QVERIFY(made);
+        const void* table = nullptr; // of its virtual functions, in the library that made it
+        std::memcpy(&table, static_cast<const void*>(made.get()), sizeof table);
+        Dl_info info{};
+        QVERIFY(dladdr(table, &info) != 0);
+        QVERIFY2(QByteArray(info.dli_fname).endsWith("/own/libOrvoA.so"), info.dli_fname);
     }
 
     void aLibraryThatIsNoneIsToldAndTheOthersWork() {
