@@ -175,6 +175,27 @@ private slots:
         SOON(label("deskNothing") == "Ничего не найдено.");
         QVERIFY(hands::key("Escape"));
         SOON(desk().tree(menu).focus);
+
+        DO(clickOn(journal)); // the first of the last ones now
+        SOON(opened() == 1);
+        SOON(focus() == "QTreeWidget");
+        QVERIFY(hands::key("F6"));
+        SOON(desk().tree(menu).focus);
+        QVERIFY(hands::key("Tab"));
+        SOON(focus() == "orvo::desk::ElementList");
+        QVERIFY(hands::key("Return"));
+        SOON(opened() == 2);
+        DO(clickOn(scheme));
+        SOON(opened() == 3);
+        SOON(focus() == "orvo::app::FormCanvas");
+        QVERIFY(hands::key("ctrl+Tab"));
+        SOON(focus() == "QTreeWidget");
+        QVERIFY(hands::key("ctrl+shift+Tab"));
+        SOON(focus() == "orvo::app::FormCanvas");
+        for (int left = 2; left >= 0; --left) {
+            QVERIFY(hands::key("ctrl+w"));
+            SOON(opened() == left);
+        }
     }
 
     void tabsAreClosedByAButtonThatAFingerHits() {
