@@ -70,6 +70,8 @@ Status PostgresStore::readLog(const LogCursor& cursor, int limit, std::vector<Ch
         std::vector<Change> read = changesIn(row, 2);
         if (const Status place = checkCursor(cursor, pruned, newest, &read); !place.ok())
             return place;
+        if (limit >= 0 && read.size() > static_cast<size_t>(limit))
+            read.pop_back(); // room for the cursor's own change, which is pruned
         m_seen = newest;
         m_more = limit <= 0 || read.size() == static_cast<size_t>(limit);
         changes->swap(read);

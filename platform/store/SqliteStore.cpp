@@ -475,6 +475,8 @@ Status SqliteStore::readLog(const LogCursor& cursor, int limit, std::vector<Chan
         });
         if (!status.ok())
             return status;
+        if (limit >= 0 && result.size() > static_cast<size_t>(limit))
+            result.pop_back(); // room for the cursor's own change, which is pruned
         m_seenVersion = version;
         m_grown = limit <= 0 || result.size() == static_cast<size_t>(limit);
         changes->swap(result);

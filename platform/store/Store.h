@@ -91,7 +91,7 @@ struct Change {
 /// have failed over to one that lacks the last changes, and others have been written since.
 struct LogCursor {
     int64_t id = 0;
-    /// proofOf or proofOfHead of the change of that id; empty: it is gone, or nobody asks for it.
+    /// Of the change of that id: proofOf, proofOfHead, or logEnd's; empty: nobody asks for it.
     std::string proof;
 
     LogCursor(int64_t place = 0) : id(place) {} // NOLINT(google-explicit-constructor)

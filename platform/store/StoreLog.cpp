@@ -33,6 +33,9 @@ std::string shortName(const std::string& name) {
 
 /// Tells a proof of the head alone from one of the whole change.
 constexpr char headMark[] = "head:";
+/// The proof of a change that is pruned: a log that was not pruned so far lacks what came before,
+/// too. No change has it.
+constexpr char prunedProof[] = "pruned";
 
 std::string digest(const Change& change, std::initializer_list<const std::string*> texts) {
     QCryptographicHash hash(QCryptographicHash::Sha256);
@@ -139,7 +142,11 @@ Status StoreCore::logEnd(LogCursor* cursor) {
             status = selectChanges(changeOf(end.id), &last);
         if (!status.ok())
             return status;
-        *cursor = last.empty() ? end : LogCursor(last.front());
+        if (!last.empty())
+            end = LogCursor(last.front());
+        else if (end.id > 0)
+            end.proof = prunedProof;
+        *cursor = std::move(end);
         return {};
     });
 }

@@ -87,6 +87,24 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(one.module->keys().count("new") == 2, 30000);
     }
 
+    /// A log without changes has none that proves where a client began.
+    void lossIsNoticedByAClientThatBeganOnAPrunedLog() {
+        start(PostgresCluster::Shipping::Asynchronous);
+        FollowingClient one(m_url);
+        QVERIFY(one.write("Menu", MDX_INSERT, {{"KeyLink", "kept"}, {"caption", "Есть"}}));
+        QVERIFY(m_cluster->stopShipping());
+        QVERIFY(one.write("Menu", MDX_INSERT, {{"KeyLink", "new"}, {"caption", "Новый"}}));
+        const auto pruner = one.connect();
+        int64_t end = 0;
+        QVERIFY(pruner->logPosition(&end).ok());
+        QVERIFY(pruner->pruneLog(end).ok());
+        FollowingClient late(m_url);
+        QVERIFY(m_cluster->failOver());
+        writeRecords(*one.connect(), {"t1", "t2", "t3", "t4"});
+        QTRY_COMPARE_WITH_TIMEOUT(late.lost, QVector<bool>{true}, 90000);
+        QVERIFY(!late.module->keys().contains("t1"));
+    }
+
     void failOverWithTheLastChangesGoesOn() {
         start(PostgresCluster::Shipping::Synchronous);
         FollowingClient one(m_url);

@@ -36,6 +36,7 @@ private slots:
     void cursorPastTheEndIsNoticed();
     void cursorOfAnotherLogIsNoticed();
     void provedCursorOutlivesPruningUpToIt();
+    void endOfAnEmptiedLogIsProvedByThePruning();
     void followersOfADesktopReadWhatConcernsIt();
     void aPlaceReachedByAFollowerOfADesktopIsProved();
     void aFollowerOfADesktopIsWoken();
@@ -400,6 +401,31 @@ void TestLog::provedCursorOutlivesPruningUpToIt() {
     QCOMPARE(changes.size(), size_t(1));
     ORVO_OK(m_store->pruneLog(position()));
     ORVO_FAILS(m_store->readLog(end, 10, &changes), LogPruned);
+}
+
+void TestLog::endOfAnEmptiedLogIsProvedByThePruning() {
+    ORVO_OK(Batch("MenuFileExt").insert("a").insert("b").send(*m_store));
+    ORVO_OK(m_store->pruneLog(position()));
+    LogCursor end;
+    ORVO_OK(m_store->logEnd(&end));
+    std::vector<Change> changes;
+    ORVO_OK(m_store->readLog(end, 3, &changes));
+    QVERIFY(changes.empty());
+    for (const char* key : {"c", "d", "e", "f", "g"})
+        ORVO_OK(Batch("MenuFileExt").insert(key).send(*m_store));
+    ORVO_OK(m_store->readLog(end, 3, &changes));
+    QCOMPARE(changes.size(), size_t(3));
+    QCOMPARE(changes.front().id, end.id + 1);
+    QVERIFY(m_store->changed()); // there is more
+    // As on a server that was not pruned before it became the first.
+    QVERIFY(m_kind.byHand("UPDATE \"NciPruned\" SET \"id\" = 0;"));
+    ORVO_FAILS(m_store->readLog(end, 3, &changes), LogReplaced);
+    LogCursor cursor = end;
+    bool more = false;
+    ORVO_FAILS(m_store->readDesktopLog("d", 3, &cursor, &changes, &more), LogReplaced);
+    QVERIFY(m_kind.byHand(
+        "UPDATE \"NciPruned\" SET \"id\" = " + QByteArray::number(qint64(end.id + 1)) + ";"));
+    ORVO_FAILS(m_store->readLog(end, 3, &changes), LogPruned);
 }
 
 void TestLog::aWriteKnowsWhatItLeftInTheLog() {
