@@ -29,6 +29,7 @@
 #include <QThread>
 #include <QTimer>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace orvo::app {
@@ -335,21 +336,17 @@ void Client::connectAll() {
     connect(
         m_pump.get(), &client::NotificationPump::logLost, this,
         [this](bool replaced) {
-            const int lost = client::listLostWrites(*m_session);
-            const QString what =
-                !replaced ? QStringLiteral("Журнал изменений очищен раньше, чем прочитан: модули "
-                                           "открыты заново.")
-                : lost == 0
-                    ? QStringLiteral("Хранилище вернулось к более раннему состоянию, последние "
-                                     "изменения потеряны: модули открыты заново.")
-                    : QStringLiteral("Хранилище вернулось к более раннему состоянию, последние "
-                                     "изменения потеряны: модули открыты заново, ваши потерянные "
-                                     "записи — в «Не записано».");
+            const QString what = lossWords(replaced, QStringLiteral("модули открыты заново"));
             if (replaced)
                 fail(QStringLiteral("Хранилище"), what);
             reopenModules(what, true);
         },
         Qt::QueuedConnection); // outside of the pump's step
+    connect(m_pump.get(), &client::NotificationPump::logLossHeld, this, [this](bool replaced) {
+        fail(QStringLiteral("Хранилище"),
+             lossWords(replaced, QStringLiteral("показанное устарело, модули откроются заново, "
+                                                "когда вы закончите правку")));
+    });
     connect(m_window.get(), &MainWindow::reopenRequested, this,
             [this] { reopenModules(QStringLiteral("Модули открыты заново."), false); });
     connect(m_window.get(), &MainWindow::closing, this, [this] {
@@ -456,6 +453,20 @@ void Client::showUnwritten() {
         raise();
         fail(QStringLiteral("С прошлого раза"), m_unwritten->summary());
     }
+}
+
+QString Client::lossWords(bool replaced, const QString& outcome) {
+    client::listLostWrites(*m_session);
+    if (!replaced)
+        return QStringLiteral("Журнал изменений очищен раньше, чем прочитан: %1.").arg(outcome);
+    const auto& entries = m_unwritten->entries();
+    const bool own = std::any_of(entries.begin(), entries.end(), [](const auto& entry) {
+        return entry.state == client::UnwrittenEntry::Lost;
+    });
+    return QStringLiteral("Хранилище вернулось к более раннему состоянию, последние изменения "
+                          "потеряны: %1%2.")
+        .arg(outcome,
+             own ? QStringLiteral(", ваши потерянные записи — в «Не записано»") : QString());
 }
 
 void Client::connectionChanged(bool up, const QString& text) {

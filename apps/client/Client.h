@@ -82,6 +82,8 @@ private:
     void tellReadOnly();
     void mayWriteChanged(bool may);
     void fail(const QString& place, const QString& text);
+    /// Lists what this client lost by it. `outcome`: what becomes of the modules.
+    QString lossWords(bool replaced, const QString& outcome);
     void stop();
     void connectionChanged(bool up, const QString& text);
 

@@ -48,7 +48,7 @@ bool NotificationPump::restart() {
     m_log.clear();
     m_first = m_announced = 0;
     m_readers.clear();
-    m_gap = false;
+    m_gap = m_lossTold = false;
     store::Status status = sessionStore(m_session).reopen();
     if (status.ok())
         status = sessionStore(m_session).logEnd(&m_cursor);
@@ -250,10 +250,12 @@ void NotificationPump::step() {
     const bool done = isAllDelivered();
     if (done && m_gap && !isAttended()) {
         m_stopped = true;
-        m_gap = false;
+        m_gap = m_lossTold = false;
         emit logLost(std::exchange(m_replaced, false));
     } else if ((!done || m_gap) && !m_step.isActive()) {
         m_step.start(isSomethingDue() ? untilNextFrame() : heldRetryMs);
+        if (m_gap && isAttended() && !std::exchange(m_lossTold, true))
+            emit logLossHeld(m_replaced);
     }
 }
 

@@ -78,6 +78,9 @@ signals:
     /// rests until restart. Not emitted while a module has the engineer's attention. `replaced`:
     /// the store no longer has the last changes that were read.
     void logLost(bool replaced);
+    /// That is so, but a module has the engineer's attention: what it shows is outdated until then.
+    /// Once before logLost.
+    void logLossHeld(bool replaced);
     /// held() has changed.
     void heldChanged();
     /// The store stopped or resumed answering; `text` says why it stopped. May come at any time;
@@ -137,6 +140,7 @@ private:
     bool m_reconnected = false; ///< the modules are to be told
     bool m_gap = false;         ///< after these changes the log has a gap
     bool m_replaced = false;    ///< ...and the log is another one
+    bool m_lossTold = false;    ///< logLossHeld was emitted for it
     bool m_stopped = true;      ///< before start, and after logLost
     bool m_delivering = false;
 };
