@@ -180,6 +180,9 @@ Status PostgresStore::integrity(std::vector<std::string>* damages) {
             "public.\"MenuResourceFileSum\" s WHERE s.\"sha256\" <> encode(sha256(coalesce((SELECT "
             "string_agg(d.\"data\", '' ORDER BY d.\"part\") FROM public.\"MenuResourceFileData\" d "
             "WHERE d.\"KeyLink\" = s.\"KeyLink\"), '')), 'hex')",
+            "SELECT 'Содержимое ' || f.\"KeyLink\" || ' без контрольной суммы' FROM "
+            "public.\"MenuResourceFile\" f WHERE NOT EXISTS (SELECT 1 FROM "
+            "public.\"MenuResourceFileSum\" s WHERE s.\"KeyLink\" = f.\"KeyLink\")",
             "SELECT 'Прежнее содержимое файла \"' || coalesce(v.\"name_\", '') || '\" (версия ' || "
             "v.\"id\" || ') повреждено: не сходится с контрольной суммой' FROM "
             "public.\"NciVersion\" v WHERE v.\"sha256\" <> encode(sha256(coalesce((SELECT "

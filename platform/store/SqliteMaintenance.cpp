@@ -85,14 +85,19 @@ Status SqliteStore::blobPieces(const Blob& blob, const EachPiece& each) {
 
 Status SqliteStore::checkContents(std::vector<std::string>* damages) {
     return inRead([&]() -> Status {
-        Statement* sums = cached("SELECT \"KeyLink\", \"sha256\" FROM \"MenuResourceFileSum\" JOIN "
-                                 "\"MenuResourceFile\" USING (\"KeyLink\") ORDER BY 1");
+        Statement* sums = cached("SELECT \"KeyLink\", coalesce(\"sha256\", '') FROM "
+                                 "\"MenuResourceFile\" LEFT JOIN \"MenuResourceFileSum\" USING "
+                                 "(\"KeyLink\") ORDER BY 1");
         if (sums == nullptr)
             return m_connection.failure(contentName);
         const ResetAfter reset(*sums);
         int step = SQLITE_DONE;
         while ((step = sums->step()) == SQLITE_ROW) {
             const std::string key(sums->text(0));
+            if (sums->text(1).empty()) {
+                damages->push_back("Содержимое " + key + " без контрольной суммы");
+                continue;
+            }
             Checksum sum;
             const Status status = contentPieces(key, [&](std::string_view piece) -> Status {
                 sum.add(piece);
