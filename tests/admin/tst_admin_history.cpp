@@ -19,6 +19,7 @@ private slots:
     void badFiltersAreRefused_data();
     void badFiltersAreRefused();
     void pruningForgetsOnlyWhatIsOlder();
+    void aRowDatedAheadKeepsNothingFromBeingForgotten();
     void pruningForgetsOldBytes();
     void deletedFormsComeBackWithTheirBytes();
     void aDryRunForgetsNothing();
@@ -210,6 +211,17 @@ void TestAdminHistory::pruningForgetsOnlyWhatIsOlder() {
     QCOMPARE(run({"history", "--json"}).lines().size(), 2);
     QVERIFY(run({"prune", "--older-than", "9d"}).out.endsWith(": 0, забывать нечего\n"));
     QCOMPARE(content(), before);
+}
+
+void TestAdminHistory::aRowDatedAheadKeepsNothingFromBeingForgotten() {
+    makeUser("anna_h");
+    // The first three changes are old, the second says that it is of next year.
+    QVERIFY(m_kind.byHand("UPDATE \"NciEvent\" SET \"time\" = \"time\" - 864000 WHERE \"id\" <= 3;"
+                          "UPDATE \"NciEvent\" SET \"time\" = \"time\" + 31536000 WHERE \"id\" = "
+                          "2;"));
+    const AdminResult result = run({"prune", "--older-than", "9d"});
+    QVERIFY2(result.out.endsWith(": 3, забыты\n"), qPrintable(result.out + result.err));
+    QCOMPARE(run({"history", "--json"}).lines().size(), 2);
 }
 
 void TestAdminHistory::pruningForgetsOldBytes() {

@@ -497,6 +497,22 @@ private slots:
         QCOMPARE(live.written(), QString());
     }
 
+    void theNameOfAnIconThatIsNeverReadStaysAsItIs() {
+        static const QString hostile = "../../../../../../../dev/ptmx";
+        Editing live(None, [](TestStore& store) {
+            store.update("Menu", {{"KeyLink", QString("calc")}, {"ico", hostile}});
+        });
+        live.makeCurrent("calc");
+        QCOMPARE(live.cell("calc", MenuColumn::Icon), QVariant(hostile));
+        QCOMPARE(live.passport("icon"), QVariant(hostile));
+        live.type("name", "Иное");
+        live.save();
+        const QString written = live.written();
+        QVERIFY2(written.contains("ico='" + hostile + '\''), qPrintable(written));
+        live.deliver();
+        QCOMPARE(live.cell("calc", MenuColumn::Icon), QVariant(hostile));
+    }
+
     void anElementWithoutARecordStaysAsTyped() {
         Editing live(Element);
         live->m_tabMenu.RecDel(orvo::seekKey(live->m_tabMenu, "calc"));
