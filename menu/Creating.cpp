@@ -134,6 +134,11 @@ void OrvoMenu::on_passp_buttonpressed(const QString& rowName) {
     const auto valueOf = [this](const char* row) {
         return m_propModel->getRowValue(QString::fromLatin1(row)).toString();
     };
+    // What would be chosen for the top row could be written nowhere.
+    if (m_menuModel->getItemLevel(m_menuModel->findIndexByKey(m_currentMenuKey)) == 0) {
+        refuse(tr("Это не элемент меню: выбрать для него ничего нельзя."));
+        return;
+    }
     if (isIconRow(rowName)) {
         CPopObjectList* list = iconPicker();
         list->chosenName = valueOf("icon");

@@ -217,6 +217,16 @@ private slots:
         QCOMPARE(live.cell("MenuRootNode", MenuColumn::Caption), QVariant("Меню"));
     }
 
+    void nothingIsChosenForTheTopRow() {
+        Guarded live;
+        live.makeCurrent("MenuRootNode");
+        live->on_passp_buttonpressed("icon");
+        QVERIFY(!live->m_popList || !live->m_popList->isVisible());
+        QVERIFY(boxStands(*live.editor.module));
+        QVERIFY2(boxText(*live.editor.module).contains("не элемент меню"),
+                 qPrintable(boxText(*live.editor.module)));
+    }
+
     void arrowKeysPassTheFlagsOfAPassport() {
         Guarded live;
         live.makeCurrent("calc");
