@@ -195,6 +195,7 @@ public:
     }
 
     QString fault; ///< what watch() found wrong
+    QString told;  ///< what boxes said that were put away since the last look
 
     /// The first difference to an editor opened now that is not required; empty if there is none.
     QString check(TestStore& store) {
@@ -576,7 +577,8 @@ public:
             return;
         }
         const QString row = what == 3 ? "icon" : "object";
-        if (!module.m_propModel->findIndexByKey(row).isValid())
+        const QModelIndex value = module.m_propModel->findIndexByKey(row);
+        if (!value.isValid() || (what == 3 && value.siblingAtColumn(3).data().toBool()))
             return;
         part.typeElement();
         QMetaObject::invokeMethod(&module, "on_passp_buttonpressed", Q_ARG(QString, row));

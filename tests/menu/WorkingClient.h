@@ -100,6 +100,7 @@ public:
     int number() const { return m_number; }
     TypedTexts* typed = nullptr; ///< is asked for missing ones; null: nobody is
     int failures = 0;            ///< that the session reported
+    QString wrong;               ///< what an act did here that it must not
 
     /// Does what an engineer does in one part: its echo ends the hold on an open edit.
     template <class Part, class Act>
@@ -138,7 +139,7 @@ public:
         return found;
     }
     QString fault() {
-        QString found;
+        QString found = wrong;
         each([&](auto& part) {
             if (found.isEmpty())
                 found = part.fault;
@@ -151,6 +152,7 @@ public:
         QString told;
         each([&](auto& part) {
             kept += part.typedTexts();
+            told += std::exchange(part.told, {});
             if (boxStands(part.module()))
                 told += boxText(part.module());
         });

@@ -119,6 +119,7 @@ public:
     }
 
     QString fault; ///< what watch() found wrong
+    QString told;  ///< what boxes said that were put away since the last look
 
     /// The first difference to an editor opened now that is not required; empty if there is none.
     QString check(TestStore& store) {
@@ -487,6 +488,7 @@ private:
     void closeBoxes(ResPart& part) {
         for (int i = 0; i < 2 && boxStands(part.probe()); ++i) {
             toldOfMenus += boxText(part.probe()).contains("ссылки из меню");
+            part.told += boxText(part.probe());
             closeBox(part.probe(), m_chances.chance(80));
         }
     }

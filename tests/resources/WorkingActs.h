@@ -126,6 +126,8 @@ private:
             QString("answer %1 to %2 %3")
                 .arg(question ? (yes ? "yes" : "no") : "the notice", table, asked.join(' ')));
         ++figures[question ? "answers" : "notices"];
+        if (!question)
+            part.told += boxText(part.module());
         const QString wanted = yes && question ? "Да" : question ? "Нет" : "ОК";
         for (QPushButton* button : box.template findChildren<QPushButton*>())
             if (button->isVisible() && (button->text() == wanted || !question)) {
@@ -155,9 +157,11 @@ private:
                 continue;
             const QJsonObject before =
                 QJsonDocument::fromJson(QByteArray::fromStdString(change.before)).object();
-            const bool inside =
-                change.table != table.toStdString() &&
-                asked.contains(before[orvo::field::FolderKey].toString(), Qt::CaseInsensitive);
+            // The elements of a menu, the content of a resource.
+            const bool inside = change.table != table.toStdString() &&
+                                std::any_of(before.begin(), before.end(), [&](const auto& value) {
+                                    return asked.contains(value.toString(), Qt::CaseInsensitive);
+                                });
             if (!inside && fault.isEmpty())
                 fault = "deleted unasked: " + key + " of " + QString::fromStdString(change.table);
         }
@@ -253,12 +257,19 @@ private:
         for (auto row = after.begin(); row != after.end(); ++row)
             if (row.key() != place.row && before.value(row.key(), *row) != *row && fault.isEmpty())
                 fault = "chosen for " + place.row + ", went to " + row.key();
-        if (!list->multipleChoice && taken && !boxStands(part.module()) &&
-            !after.value(place.row).contains(list->chosenName) && fault.isEmpty())
-            fault = "chosen for " + place.row + ", went nowhere: " + list->chosenName;
+        // An object of an element is shown by the passport and goes no further: so it is to be.
+        const QString shown = part.probe().m_propModel->getRowValue("object").toString();
+        if (!list->multipleChoice && taken && !boxStands(part.module()) && fault.isEmpty() &&
+            (keyOf(part) != place.row ||
+             (shown != list->chosenName && !after.value(place.row).contains(list->chosenName))))
+            fault = "chosen for " + place.row + ", went nowhere: " + list->chosenName +
+                    "; the row says " + after.value(place.row);
         for (const WriteCall& call : client.host().writes().calls)
             for (const QString& record : call.records)
-                if (list->multipleChoice && record.startsWith('+') && fault.isEmpty() &&
+                if (list->multipleChoice && record.startsWith('+') &&
+                    ++figures[place.folder.isEmpty() ? "chosen at the top"
+                                                     : "chosen for folders"] &&
+                    fault.isEmpty() &&
                     (!record.contains(QString("parent='%1'").arg(place.folder)) ||
                      !record.contains(QString("FolderKey='%1'").arg(place.desktop))))
                     fault = "chosen for " + place.folder + " of " + place.desktop + ": " + record;
@@ -353,17 +364,17 @@ private:
             const int what = m_chances.below(100);
             if (what < 5)
                 ask(part);
-            else if (what < 9)
+            else if (what < 12)
                 open(part);
-            else if (what < 27)
+            else if (what < 30)
                 openCellOf(part);
-            else if (what < 35)
-                saveRefused(part);
             else if (what < 38)
+                saveRefused(part);
+            else if (what < 41)
                 saveDuplicate(part);
-            else if (what < 46)
+            else if (what < 49)
                 list = true;
-            else if (what < 48)
+            else if (what < 51)
                 leave = true;
             else if (what < 75 && !part.isAtRest())
                 saveAsItIs(part);
@@ -414,6 +425,16 @@ private:
         ++figures["questions"];
     }
     void open(MenuPart& part) {
+        // In a menu with folders, as long as there is one.
+        if (part.isAtRest() && m_chances.chance(80)) {
+            const auto& desks = *part.probe().m_desckModel;
+            part.view("tvDesck")->setCurrentIndex(
+                desks.findIndexByKey(m_chances.oneOf({"d1", "d2"})));
+            const QModelIndex row = m_chances.anyRow(treeOf(part));
+            if (row.isValid())
+                viewOf(part)->setCurrentIndex(row);
+            m_chances.say("goes to " + keyOf(part));
+        }
         m_asked[&part.module()] = placeIn(part);
         m_menus.openPicker(part);
         ++figures["pickers"];

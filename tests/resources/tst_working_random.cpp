@@ -39,7 +39,6 @@ public:
                          [&]() -> Client& { return anyClient(); });
         eachClient([&](Client& client) { acts.follow(client); });
         settle = [&](Client& client) { acts.settle(client); };
-        QString missing;
         QString found = work(
             [&] {
                 if (chance(50))
@@ -49,10 +48,7 @@ public:
             },
             [&](Client& client) {
                 acts.ownAct(client);
-                if (missing.isEmpty())
-                    missing = acts.fault.isEmpty() ? client.lost() : acts.fault;
-                if (!missing.isEmpty())
-                    client.part<MenuPart>().fault = missing;
+                client.wrong = acts.fault;
             });
         if (found.isEmpty())
             found = end(acts, typed);
