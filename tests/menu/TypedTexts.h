@@ -28,15 +28,18 @@ public:
                    const QString& unwritten) {
         const QSet<int> waiting = numbersIn(unwritten);
         for (auto text = m_pending.begin(); text != m_pending.end();) {
-            if (text->engineer == engineer && text->cell == cell && !waiting.contains(text.key())) {
+            if (text->engineer != engineer || text->cell != cell) {
+                ++text;
+            } else if (waiting.contains(text.key())) {
+                text->typedOver = true; // in the list too, if the new text gets there
+                ++text;
+            } else {
                 text = m_pending.erase(text);
                 ++overtyped;
-            } else {
-                ++text;
             }
         }
         const int number = ++m_last;
-        m_pending[number] = {engineer, cell, true};
+        m_pending[number] = {engineer, cell, true, false};
         return word + '~' + QString::number(number) + '~';
     }
     /// The engineer has dropped these.
@@ -86,6 +89,9 @@ public:
             } else if (said.contains(text.key())) {
                 ++told;
                 text = m_pending.erase(text);
+            } else if (text->typedOver) {
+                ++overtyped;
+                text = m_pending.erase(text);
             } else {
                 return QString("typed and gone: ~%1~ in %2; stored in: %3")
                     .arg(text.key())
@@ -108,7 +114,8 @@ private:
     struct Text {
         int engineer;
         QString cell;
-        bool fresh; ///< typed since the last look
+        bool fresh;     ///< typed since the last look
+        bool typedOver; ///< in the same cell, while it stood in the unwritten requests
     };
     void readLog() {
         std::vector<store::Change> changes;
