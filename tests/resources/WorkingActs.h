@@ -266,7 +266,9 @@ private:
                     "; the row says " + after.value(place.row);
         for (const WriteCall& call : client.host().writes().calls)
             for (const QString& record : call.records)
+                // What had still to be written above it is written with it.
                 if (list->multipleChoice && record.startsWith('+') &&
+                    !before.contains(record.section(' ', 0, 0).mid(1)) &&
                     ++figures[place.folder.isEmpty() ? "chosen at the top"
                                                      : "chosen for folders"] &&
                     fault.isEmpty() &&
