@@ -55,6 +55,8 @@ std::optional<bool> Place::isOurs(Connection& file) {
 // Through SQLite's own handle: to open and close its files by hand would drop the locks of this
 // process. Where things are in the index is part of SQLite's documented format.
 std::optional<Place::Carried> Place::carriedAtRest() const {
+    if (!m_index) // no log is in use, and asking would make its index
+        return {};
     constexpr int regionSize = 32768;
     constexpr size_t saltsAt = 32 / 4, doneAt = 96 / 4, begunAt = 128 / 4;
     sqlite3_file* file = m_connection.file();
@@ -74,8 +76,10 @@ std::optional<Place::Carried> Place::carriedAtRest() const {
 bool Place::isOverwritten(const std::optional<Carried>& rest, const Stamp& stamp) {
     Content content;
     content.size = stamp.size;
-    if (sqlite3_file* own = m_connection.file())
-        own->pMethods->xRead(own, content.header.data(), int(content.header.size()), 0);
+    sqlite3_file* own = m_connection.file();
+    const int head = own == nullptr ? SQLITE_IOERR
+                                    : own->pMethods->xRead(own, content.header.data(),
+                                                           int(content.header.size()), 0);
     Connection file;
     if (file.open(immutableUri(m_path).c_str(), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI) !=
         SQLITE_OK)
@@ -83,8 +87,19 @@ bool Place::isOverwritten(const std::optional<Carried>& rest, const Stamp& stamp
     const std::optional<bool> ours = isOurs(file);
     // In the midst of a checkpoint there may be nothing to be read.
     int64_t newest = 0;
-    if (file.integer(newestNumber, &newest) == SQLITE_OK)
+    const int read = file.integer(newestNumber, &newest);
+    if (read == SQLITE_OK)
         content.newest = newest;
+    const auto failed = [](int result) {
+        const int kind = result & 0xFF;
+        return result != SQLITE_IOERR_SHORT_READ &&
+               (kind == SQLITE_IOERR || kind == SQLITE_NOMEM || kind == SQLITE_CANTOPEN);
+    };
+    // Nobody can tell now; and what has come to its place meanwhile, the next look tells.
+    if (failed(head) || failed(read) || fileAt(m_path) != m_file) {
+        m_known.reset();
+        return false;
+    }
 
     const bool atRest = rest && carriedAtRest() == rest;
     const bool altered =

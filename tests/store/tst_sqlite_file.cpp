@@ -78,6 +78,7 @@ private slots:
     void readOnlyFileIsRefused();
     void readOnlyDirectoryIsRefused();
     void storeThatMayOnlyBeReadIsReadWhereThatIsEnough();
+    void copyWithoutALogIsReadAndLeftAsItIs();
     void fileWithoutReadingRightIsRefused();
     void aStatementOfManyPagesIsWritten();
     void fullDiskLosesNothing();
@@ -366,6 +367,28 @@ void TestSqliteFile::storeThatMayOnlyBeReadIsReadWhereThatIsEnough() {
         QCOMPARE(changes[0].key, std::string("later"));
     }
     QVERIFY(::chmod(m_directory->path().toUtf8().constData(), 0777) == 0);
+}
+
+void TestSqliteFile::copyWithoutALogIsReadAndLeftAsItIs() {
+    QVERIFY(Batch("MenuFileExt").insert("k").send(*opened(true)).ok());
+    QCOMPARE(QProcess::execute("sqlite3", {"-batch", path(), "PRAGMA journal_mode = DELETE"}), 0);
+    QVERIFY(::chmod(path().toUtf8().constData(), 0444) == 0);
+    QVERIFY(::chmod(m_directory->path().toUtf8().constData(), 0777) == 0);
+    const QStringList before = entries();
+    OpenOptions how;
+    how.login = "looker";
+    how.allowReadOnly = true;
+    Status status;
+    const PlainUser user;
+    const auto reader = open(path().toStdString(), how, &status);
+    QVERIFY2(reader, status.text.c_str());
+    QCOMPARE(dump(*reader, "MenuFileExt"), QString("k|-"));
+    std::vector<Change> changes;
+    for (int look = 0; look < 2; ++look) {
+        status = reader->readLog(0, 10, &changes);
+        QVERIFY2(status.ok(), status.text.c_str());
+    }
+    QCOMPARE(entries(), before);
 }
 
 void TestSqliteFile::fileWithoutReadingRightIsRefused() {
