@@ -8,8 +8,8 @@
 //     state          whether all is at rest, loop level, the lines on connection and failure
 //     windows        top-level windows and open pop-ups, and the widget that has the focus
 //     tree NAME      rows of the QTreeView of that object name, depth first
-//     control NAME   actions, buttons and menu entries of that object name or text, and labels of
-//     that name table NAME     records of a module's table, as the module prints them
+//     control NAME   actions, buttons, menu entries by object name or text; labels by object name
+//     table NAME     records of a module's table, as the module prints them
 #ifndef ORVO_APPS_CLIENT_INSPECTOR_H
 #define ORVO_APPS_CLIENT_INSPECTOR_H
 

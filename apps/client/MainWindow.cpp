@@ -208,9 +208,13 @@ void MainWindow::addCloseButton(QWidget* page, int index) {
     button->setFocusPolicy(Qt::NoFocus);
     button->setFixedSize(touch, touch);
     connect(button, &QToolButton::clicked, page, [this, page] { emit pageCloseRequested(page); });
-    for (const QTabBar::ButtonPosition side : {QTabBar::LeftSide, QTabBar::RightSide})
-        m_tabs->tabBar()->setTabButton(index, side, nullptr);
-    m_tabs->tabBar()->setTabButton(index, QTabBar::RightSide, button); // which owns it
+    QTabBar* bar = m_tabs->tabBar();
+    for (const QTabBar::ButtonPosition side : {QTabBar::LeftSide, QTabBar::RightSide}) {
+        QWidget* own = bar->tabButton(index, side);
+        bar->setTabButton(index, side, nullptr); // which hides it
+        delete own;
+    }
+    bar->setTabButton(index, QTabBar::RightSide, button); // which owns it
 }
 
 void MainWindow::showPage(QWidget* page) {
