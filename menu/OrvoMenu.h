@@ -277,8 +277,7 @@ private:
     // Creating
     void chooseNewElements(int32_t kind);
     void addChosenElements();
-    /// A folder of the picker is no resource: nothing can be made of it, and its choice is refused
-    /// in a box.
+    /// Enters the picker's choice. A folder of it is no resource: its choice is refused in a box.
     void takeChosenValue();
 
     // Editing
