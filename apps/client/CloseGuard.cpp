@@ -35,7 +35,7 @@ void CloseGuard::dropAll() {
             one.drop();
 }
 
-bool CloseGuard::mayGo(QWidget* window, const QString& title, Answers answers,
+bool CloseGuard::mayGo(QWidget* window, const QString& title, const Answers& answers,
                        const QObject* owner) {
     if (m_question)
         return false;

@@ -50,7 +50,7 @@ public:
     /// question is put over `window`, and one of the answers is called later, from the event loop.
     /// While a question stands another call gives false and is forgotten. `owner`: only what is
     /// open in that module is asked about and saved.
-    bool mayGo(QWidget* window, const QString& title, Answers answers,
+    bool mayGo(QWidget* window, const QString& title, const Answers& answers,
                const QObject* owner = nullptr);
 
 private:

@@ -9,7 +9,7 @@ namespace orvo::app {
 
 store::Status readPeople(store::Store& store, history::PersonNames* names) {
     CMDArray rows;
-    const store::Status status = store.fetch(table::Users, rows.array);
+    store::Status status = store.fetch(table::Users, rows.array);
     const store::TableDef& users = *store::findTable(table::Users);
     for (uint32_t i = 0; status.ok() && i < mdx::postedCount(rows.array); ++i) {
         const history::Values values = history::valuesIn(rows.array, i);

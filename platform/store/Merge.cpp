@@ -76,8 +76,7 @@ struct Merge::Records {
 };
 
 Merge::Merge(const TableDef& table, const std::vector<Change>& changes, UpdateGuard& guard)
-    : m_table(table)
-    , m_guard(guard)
+    : m_guard(guard)
     , m_records(std::make_unique<Records>()) {
     for (const Change& change : changes) {
         auto& fields = m_records->byKey[foldedKey(change.key)];

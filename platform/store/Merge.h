@@ -75,7 +75,7 @@ bool isOwnChange(const UpdateGuard& guard, int64_t id);
 class Merge {
 public:
     /// `changes` are those after guard.seen of the records in question, in the order of the log.
-    /// Table and guard must outlive this object.
+    /// The guard must outlive this object.
     Merge(const TableDef& table, const std::vector<Change>& changes, UpdateGuard& guard);
     ~Merge();
     Merge(const Merge&) = delete;
@@ -86,7 +86,6 @@ public:
 
 private:
     struct Records;
-    const TableDef& m_table;
     UpdateGuard& m_guard;
     std::unique_ptr<Records> m_records;
 };

@@ -28,7 +28,7 @@ std::vector<std::string> foldedKeys(const std::vector<std::string>& keys) {
 Status StoreBackend::reachesBackTo(int64_t since, bool* reaches) {
     int64_t newest = 0;
     bool pruned = false;
-    const Status status = changedSince(noTable, since, &newest, &pruned);
+    Status status = changedSince(noTable, since, &newest, &pruned);
     *reaches = !pruned;
     return status;
 }

@@ -118,7 +118,7 @@ Status TakenNames::refuseTaken() {
     for (const auto& [key, name] : m_holders)
         keys.push_back(key);
     std::vector<Change> changes;
-    const Status status = m_backend.changesOf(m_table, keys, m_guard.seen, &changes);
+    Status status = m_backend.changesOf(m_table, keys, m_guard.seen, &changes);
     if (!status.ok())
         return status;
     for (const Change& change : changes) {
