@@ -69,9 +69,6 @@ void NotificationPump::check() const {
         if (!reader->module)
             continue;
         assert(m_first <= reader->at && reader->at <= m_announced);
-        assert(reader->echoLook == 0 ||
-               (m_answered < reader->echoLook && reader->echoLook <= m_asked));
-        assert(reader->echoBefore <= end());
         assert(std::none_of(m_readers.begin(), reader,
                             [&](const Reader& other) { return other.module == reader->module; }));
     }
@@ -103,9 +100,10 @@ void NotificationPump::request() {
 void NotificationPump::written() {
     request();
     followModules();
+    const int64_t last = sessionStore(m_session).lastWritten().last.id;
     for (Reader& reader : m_readers)
         if (reader.module && reader.module->isVisible())
-            reader.echoLook = m_asked;
+            reader.echo = std::max(reader.echo, last);
 }
 
 /// However fast the changes come, the window is painted once a frame for all that came meanwhile.
@@ -123,7 +121,6 @@ void NotificationPump::arrived() {
         std::move(news.changes.begin(), news.changes.end(), std::back_inserter(m_log));
         m_answered = news.answered;
         m_gap = m_gap || news.pruned;
-        noteEchoes();
         m_replaced = m_replaced || news.replaced;
         if (news.mayWrite)
             emit mayWriteChanged(*news.mayWrite);
@@ -152,7 +149,7 @@ void NotificationPump::followModules() {
                     m_readers.end());
     for (const QPointer<COrvoCliMod>& module : running)
         if (!readerOf(module))
-            m_readers.push_back({module, m_announced, 0, 0, {}});
+            m_readers.push_back({module, m_announced, 0, {}});
 }
 
 NotificationPump::Reader* NotificationPump::readerOf(const COrvoCliMod* module) {
@@ -162,12 +159,11 @@ NotificationPump::Reader* NotificationPump::readerOf(const COrvoCliMod* module) 
     return nullptr;
 }
 
-void NotificationPump::noteEchoes() {
-    for (Reader& reader : m_readers)
-        if (reader.echoLook != 0 && m_answered >= reader.echoLook) {
-            reader.echoLook = 0;
-            reader.echoBefore = end();
-        }
+uint64_t NotificationPump::placeBehind(int64_t id) const {
+    const auto behind =
+        std::upper_bound(m_log.begin(), m_log.end(), id,
+                         [](int64_t one, const store::Change& change) { return one < change.id; });
+    return m_first + static_cast<uint64_t>(behind - m_log.begin());
 }
 
 uint64_t NotificationPump::limitOf(const Reader& reader) const {
@@ -176,7 +172,7 @@ uint64_t NotificationPump::limitOf(const Reader& reader) const {
         return m_announced;
     case Attention::Cell:
     case Attention::Edit:
-        return reader.echoLook != 0 ? m_announced : std::min(reader.echoBefore, m_announced);
+        return std::min(placeBehind(reader.echo), m_announced);
     default:
         return reader.at;
     }

@@ -15,8 +15,7 @@
 // 1. first <= at <= announced <= end, for the place `at` of every module.
 // 2. Behind a delivery nothing before the first of these places is kept.
 // 3. The numbers in the log of what is kept rise: a module is given each change once, in order.
-// 4. A look that was answered had been asked for; an echo is awaited only of a look that was asked
-//    for and not answered, and what it is known to lie before is in the log already.
+// 4. A look that was answered had been asked for.
 // 5. Each module that is read for has one place.
 #ifndef ORVO_PLATFORM_CLIENT_NOTIFICATIONPUMP_H
 #define ORVO_PLATFORM_CLIENT_NOTIFICATIONPUMP_H
@@ -94,9 +93,8 @@ private:
     /// A running module and how far it is. Places are numbers of changes since start.
     struct Reader {
         QPointer<COrvoCliMod> module;
-        uint64_t at = 0;         ///< place of the next change
-        uint64_t echoLook = 0;   ///< the look that will find its last write; 0: none is awaited
-        uint64_t echoBefore = 0; ///< the echo of its last write is before this place
+        uint64_t at = 0;  ///< place of the next change
+        int64_t echo = 0; ///< number in the log of the last change it wrote; 0: none
         std::vector<store::Change> corrections; ///< to be told beside the log
     };
 
@@ -109,11 +107,12 @@ private:
     size_t announce(size_t count);
     size_t deliver(COrvoCliMod* module, size_t count);
     void followModules();
-    void noteEchoes();
     void forgetDelivered();
     void tellHeld();
     void check() const;
     Reader* readerOf(const COrvoCliMod* module);
+    /// The place of the first change whose number in the log is above `id`.
+    uint64_t placeBehind(int64_t id) const;
     /// The place before which the module may be given changes now.
     uint64_t limitOf(const Reader& reader) const;
     bool isSomethingDue() const;

@@ -63,10 +63,14 @@ struct Bench : Host {
         tabs.activateWindow();
         if (!QTest::qWaitForWindowActive(&tabs))
             qFatal("no window");
+        startPump();
+    }
+    ~Bench() { registry.stopAll(); }
+
+    void startPump() {
         pump = std::make_unique<NotificationPump>(*session, registry, connectAgain());
         pump->start();
     }
-    ~Bench() { registry.stopAll(); }
 
     void others(const std::string& key) {
         CMDArray array;
@@ -188,6 +192,20 @@ private slots:
         QVERIFY(bench.isHeld("after"));
         QTest::qWait(150);
         QCOMPARE(bench.module->keys(), QStringList({"before", "own"}));
+    }
+
+    void whatOthersWriteRightBehindOnesOwnWriteWaits() {
+        Bench bench;
+        bench.module->edit = "элемент";
+        bench.pump.reset();
+        // Before the pump hears of the own write, so that it finds both at the same look.
+        connect(&client::sessionEvents(*bench.session), &client::SessionEvents::written,
+                bench.module, [&bench] { bench.others("after"); });
+        bench.startPump();
+        QVERIFY(bench.own("own"));
+        QTRY_COMPARE(bench.module->keys(), QStringList("own"));
+        QVERIFY(bench.isHeld("after"));
+        QTRY_VERIFY(bench.pump->held().size() == 1);
     }
 
     void aWriteOfTheModuleOnShowDoesNotDisturbTheOneBehind() {
