@@ -60,7 +60,8 @@ constexpr FieldName fieldNames[] = {
     {field::size, "Размер"},
 };
 
-/// The table whose records a link field names; null if the field is no such link.
+} // namespace
+
 const store::TableDef* targetOf(const store::TableDef& table, const store::FieldDef& def) {
     const auto is = [&](const char* name) { return std::strcmp(def.name, name) == 0; };
     for (const store::ParentField& parent : store::parentFields(table))
@@ -70,8 +71,6 @@ const store::TableDef* targetOf(const store::TableDef& table, const store::Field
         return store::findTable(table::MenuResource);
     return is(field::UsersKey) ? store::findTable(table::Users) : nullptr;
 }
-
-} // namespace
 
 Noun nounOf(const store::TableDef& table, const Values& values) {
     const auto is = [&](const char* name) { return std::strcmp(table.name, name) == 0; };

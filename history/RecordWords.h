@@ -21,6 +21,9 @@ QString counted(size_t count, const Noun& noun);
 /// Which of the three forms goes with a number.
 QString numeralForm(size_t count, const QString& one, const QString& few, const QString& many);
 
+/// The table whose records a link field names; null if the field is no such link.
+const store::TableDef* targetOf(const store::TableDef& table, const store::FieldDef& def);
+
 /// The caption or name of a record; empty if it has none.
 QString nameOf(const store::TableDef& table, const Values& values);
 /// In quotation marks, on one line and not too long.

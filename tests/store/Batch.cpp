@@ -62,6 +62,13 @@ Batch& Batch::add(int flag, const char* key, Fields fields) {
     for (const auto& [field, value] : fields)
         setValue(array, record, field, value);
     MDARecPost(record, nullptr);
+    m_last = record;
+    return *this;
+}
+
+Batch& Batch::set(const char* field, const QVariant& value) {
+    setValue(array, MDARecEdit(m_last), field, value);
+    MDARecPost(m_last, nullptr);
     return *this;
 }
 

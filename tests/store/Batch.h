@@ -24,6 +24,8 @@ public:
     Batch& update(const char* key, Fields fields = {}) { return add(MDX_UPDATE, key, fields); }
     Batch& remove(const char* key) { return add(MDX_DELETE, key, {}); }
     Batch& add(int flag, const char* key, Fields fields);
+    /// One more field of the record that was added last.
+    Batch& set(const char* field, const QVariant& value);
 
     Status send(Store& store, UpdateGuard* guard = nullptr) {
         return store.update(m_table, array.array, guard);
@@ -33,6 +35,7 @@ public:
 
 private:
     const char* m_table;
+    MDRData* m_last = nullptr; ///< of the array
 };
 
 /// All records of a table in the order of their keys, a line each: the values of the fields joined
