@@ -3,6 +3,9 @@
 // The order of a run: 1 open (store, session, work directory, module libraries; no window yet),
 // 2 show (window, then the modules: load, start), 3 the event loop, 4 stop (when the window closes:
 // modules in order), 5 the destructor.
+//
+// Sources: Client.cpp has that order and what is connected, ClientModules.cpp opens the modules and
+// opens them anew, ClientPanes.cpp has the panes of the window and the states it tells of.
 #ifndef ORVO_APPS_CLIENT_CLIENT_H
 #define ORVO_APPS_CLIENT_CLIENT_H
 
@@ -30,6 +33,7 @@ class Launcher;
 class MainWindow;
 class WaitDialogController;
 class PresenceView;
+class Screenshot;
 class WindowMemory;
 class Workplace;
 
@@ -59,9 +63,10 @@ public:
     bool settled() const;
 
 private:
+    static constexpr char clientName[] = "orvo-client"; ///< in the change log
+
     bool openWorkDir(QString* error);
     bool openInspector(QString* error);
-    void saveScreenshot();
     void connectAll();
     void openModules();
     void openModule(const QString& name);
@@ -110,6 +115,7 @@ private:
     std::unique_ptr<Workplace> m_workplace;
     QTimer m_lookForStore; ///< a workplace has nobody who would open its modules anew
     std::unique_ptr<PresenceView> m_presence; ///< while the window is shown
+    std::unique_ptr<Screenshot> m_screenshot; ///< looks at those above; null if not asked for
     std::unique_ptr<Inspector> m_inspector;   ///< asks those above; null if not asked for
 };
 

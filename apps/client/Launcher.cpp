@@ -6,6 +6,7 @@
 #include "apps/client/Look.h"
 #include "apps/client/MainWindow.h"
 #include "apps/client/ModuleLibraries.h"
+#include "apps/client/ModuleTabs.h"
 #include "frame/OrvoClient.h"
 #include "frame/Vocabulary.h"
 #include "platform/client/ModuleRegistry.h"
@@ -125,7 +126,7 @@ QString Launcher::openModule(const LaunchRequest& request) {
         if (!parameters.command.isEmpty())
             module->SetParamCommand(parameters.command);
         module->setFollowsOthers(m_context.window.followsOthers());
-        m_context.window.addPage(module, request.caption);
+        m_context.window.tabs()->addPage(module, request.caption);
         if (!m_context.modules.start(module))
             why = QStringLiteral("модуль «%1» не запущен; причина в журнале")
                       .arg(oneLine(request.name));
@@ -244,7 +245,7 @@ void Launcher::showFiles(const LaunchRequest& request, const Files& files) {
     for (store::StoredFile& file : listing)
         std::string().swap(file.bytes);
     m_open.push_back({request, page, nullptr, std::move(listing)});
-    m_context.window.addPage(page, request.caption);
+    m_context.window.tabs()->addPage(page, request.caption);
     m_context.window.showPage(page);
 }
 
@@ -381,7 +382,7 @@ void Launcher::mark(Opened& opened, const QString& why) {
     if (!opened.page)
         return;
     opened.isMarked = true;
-    m_context.window.markPage(opened.page, why);
+    m_context.window.tabs()->markPage(opened.page, why);
 }
 
 } // namespace orvo::app

@@ -1,8 +1,10 @@
 #include "apps/client/MainWindow.h"
 
+#include "apps/client/DeskDock.h"
 #include "apps/client/Handbook.h"
 #include "apps/client/LogPane.h"
 #include "apps/client/Look.h"
+#include "apps/client/ModuleTabs.h"
 #include "apps/client/StatusLine.h"
 #include "apps/client/WindowMemory.h"
 #include "frame/OrvoClient.h"
@@ -13,12 +15,8 @@
 #include <QMenuBar>
 #include <QSettings>
 #include <QShortcut>
-#include <QTabBar>
-#include <QTabWidget>
 #include <QThread>
 #include <QTimer>
-#include <QToolButton>
-#include <QVBoxLayout>
 
 namespace orvo::app {
 
@@ -26,55 +24,17 @@ namespace {
 
 constexpr int usefulHeight = 300; ///< of a pane that is called by a key
 constexpr char stayKey[] = "view/stayAtOwnRow";
-constexpr char changedProperty[] = "changedSinceOpened"; // of a page: why it is marked
-constexpr int touch = 44;                                // the least that a finger hits
-
-/// What is in the pane of a desktop: the layout takes the first width of a pane from its content.
-class DeskHolder : public QWidget {
-public:
-    DeskHolder(QWidget* desk, int width) : m_width(width) {
-        auto* layout = new QVBoxLayout(this);
-        layout->setContentsMargins(0, 0, 0, 0);
-        layout->addWidget(desk);
-        setFocusProxy(desk);
-    }
-    QSize sizeHint() const override { return {m_width, QWidget::sizeHint().height()}; }
-
-private:
-    const int m_width;
-};
-
-/// A pane that tells when its user closes it.
-class DeskDock : public QDockWidget {
-public:
-    DeskDock(QWidget* parent, std::function<void()> closed)
-        : QDockWidget(parent)
-        , m_closed(std::move(closed)) {}
-
-protected:
-    void closeEvent(QCloseEvent* event) override {
-        event->accept();
-        m_closed();
-    }
-
-private:
-    std::function<void()> m_closed;
-};
 
 } // namespace
 
 MainWindow::MainWindow(const QString& store, const QString& login)
-    : m_tabs(new QTabWidget(this))
+    : m_tabs(new ModuleTabs(this))
     , m_log(new LogPane(this))
     , m_status(new StatusLine(store, login, this))
     , m_logDock(new QDockWidget(QStringLiteral("Журнал"), this)) {
     setObjectName(QStringLiteral("clientWindow"));
     setWindowTitle(QStringLiteral("Orvo — %1").arg(store));
-    m_tabs->setObjectName(QStringLiteral("modules"));
-    m_tabs->setDocumentMode(true);
-    m_tabs->setTabsClosable(true);
-    connect(m_tabs, &QTabWidget::tabCloseRequested, this,
-            [this](int index) { emit pageCloseRequested(m_tabs->widget(index)); });
+    connect(m_tabs, &ModuleTabs::pageCloseRequested, this, &MainWindow::pageCloseRequested);
     setCentralWidget(m_tabs);
     setStatusBar(m_status);
     m_logDock->setObjectName(QStringLiteral("logDock"));
@@ -119,11 +79,7 @@ void MainWindow::makeMenus() {
 /// What the mouse does at the tabs and between the parts of the window.
 void MainWindow::makeKeys() {
     auto* close = new QShortcut(QKeySequence(QStringLiteral("Ctrl+W")), this);
-    connect(close, &QShortcut::activated, this, [this] {
-        const int index = m_tabs->currentIndex();
-        if (index >= 0 && m_tabs->tabBar()->tabData(index).isNull()) // an editor stays
-            emit pageCloseRequested(m_tabs->widget(index));
-    });
+    connect(close, &QShortcut::activated, m_tabs, &ModuleTabs::closeCurrent);
     auto* next = new QShortcut(QKeySequence(Qt::Key_F6), this);
     connect(next, &QShortcut::activated, this, &MainWindow::focusNextPart);
 }
@@ -182,75 +138,24 @@ bool MainWindow::followsOthers() const {
     return !m_stay->isChecked();
 }
 
-void MainWindow::addModule(COrvoCliMod* module, const QString& name) {
-    const int index = m_tabs->addTab(module, QString());
-    m_tabs->tabBar()->setTabData(index, name);
-    for (const QTabBar::ButtonPosition side : {QTabBar::LeftSide, QTabBar::RightSide})
-        m_tabs->tabBar()->setTabButton(index, side, nullptr); // an editor stays
-    setTitle(module, module->windowTitle().isEmpty() ? name : module->windowTitle());
-}
-
-void MainWindow::addPage(QWidget* page, const QString& title) {
-    const int index = m_tabs->addTab(page, QString());
-    if (m_isWorkplace)
-        addCloseButton(page, index);
-    setTitle(page, title);
-}
-
-/// In place of the style's own, which a finger does not hit.
-void MainWindow::addCloseButton(QWidget* page, int index) {
-    auto* button = new QToolButton(m_tabs->tabBar());
-    button->setObjectName(QStringLiteral("closePage"));
-    button->setAccessibleName(QStringLiteral("Закрыть"));
-    button->setToolTip(QStringLiteral("Закрыть (Ctrl+W)"));
-    button->setIcon(style()->standardIcon(QStyle::SP_DockWidgetCloseButton));
-    button->setAutoRaise(true);
-    button->setFocusPolicy(Qt::NoFocus);
-    button->setFixedSize(touch, touch);
-    connect(button, &QToolButton::clicked, page, [this, page] { emit pageCloseRequested(page); });
-    QTabBar* bar = m_tabs->tabBar();
-    for (const QTabBar::ButtonPosition side : {QTabBar::LeftSide, QTabBar::RightSide}) {
-        QWidget* own = bar->tabButton(index, side);
-        bar->setTabButton(index, side, nullptr); // which hides it
-        delete own;
-    }
-    bar->setTabButton(index, QTabBar::RightSide, button); // which owns it
-}
-
 void MainWindow::showPage(QWidget* page) {
     m_tabs->setCurrentWidget(page);
     bringForward();
     page->setFocus();
 }
 
-void MainWindow::markPage(QWidget* page, const QString& why) {
-    page->setProperty(changedProperty, why);
-    setTitle(page, page->windowTitle());
-}
-
 QDockWidget* MainWindow::addDesk(COrvoCliMod* desk, Qt::DockWidgetArea area, const QString& name,
                                  int width) {
     constexpr int usualWidth = 340;
-    auto* dock = new DeskDock(this, [this, desk] { emit deskClosed(desk); });
+    auto* dock = new DeskDock(
+        desk, width > 0 ? width : usualWidth, [this, desk] { emit deskClosed(desk); }, this);
     dock->setObjectName(name);
-    dock->setWidget(new DeskHolder(desk, width > 0 ? width : usualWidth)); // the dock's own
-    dock->setFeatures(QDockWidget::DockWidgetClosable | QDockWidget::DockWidgetMovable);
-    if (m_isWorkplace) {
-        dock->setFeatures(QDockWidget::NoDockWidgetFeatures);
-        dock->setTitleBarWidget(new QWidget(dock)); // none
-    }
+    if (m_isWorkplace)
+        dock->fix();
     addDockWidget(area, dock);
-    connect(desk, &QObject::destroyed, dock, &QObject::deleteLater);
     restoreDockWidget(dock);
     dock->show();
     return dock;
-}
-
-QDockWidget* MainWindow::dockOf(const QWidget* desk) {
-    QWidget* above = desk ? desk->parentWidget() : nullptr;
-    while (above && !qobject_cast<QDockWidget*>(above))
-        above = above->parentWidget();
-    return qobject_cast<QDockWidget*>(above);
 }
 
 void MainWindow::becomeWorkplace() {
@@ -258,7 +163,7 @@ void MainWindow::becomeWorkplace() {
     menuBar()->hide();
     m_logDock->hide();
     setContextMenuPolicy(Qt::NoContextMenu); // which would show the log
-    m_tabs->tabBar()->setStyleSheet(QStringLiteral("QTabBar::tab{min-height:%1px}").arg(touch));
+    m_tabs->becomeTouchable();
 }
 
 void MainWindow::becomeKiosk() {
@@ -303,66 +208,12 @@ void MainWindow::bringUp(QDockWidget* pane) {
 }
 
 void MainWindow::setTitle(QWidget* page, const QString& title) {
-    const int index = m_tabs->indexOf(page);
-    if (index < 0) {
-        if (QDockWidget* dock = dockOf(page))
-            dock->setWindowTitle(oneLine(title));
-        if (m_isWorkplace) // its dock has no title
-            setWindowTitle(QStringLiteral("Orvo — %1").arg(oneLine(title)));
+    if (m_tabs->setTitle(page, title))
         return;
-    }
-    const QString changed = page->property(changedProperty).toString();
-    page->setWindowTitle(title);
-    m_tabs->setTabText(index, oneLine(title).replace(QLatin1Char('&'), QLatin1String("&&")) +
-                                  (changed.isEmpty() ? QString() : QStringLiteral(" ●")));
-    m_tabs->setTabToolTip(index, plainToolTip(changed));
-}
-
-QString MainWindow::tabName(int index) const {
-    const QVariant module = m_tabs->tabBar()->tabData(index);
-    return module.isNull() ? m_tabs->widget(index)->windowTitle() : module.toString();
-}
-
-MainWindow::Tabs MainWindow::tabs() const {
-    Tabs tabs;
-    tabs.current = m_tabs->currentIndex();
-    for (int i = 0; i < m_tabs->count(); ++i)
-        tabs.pages.emplace_back(m_tabs->widget(i), tabName(i));
-    return tabs;
-}
-
-void MainWindow::arrangeTabs(const Tabs& as) {
-    int place = 0;
-    QWidget* current = nullptr;
-    for (size_t i = 0; i < as.pages.size(); ++i) {
-        const auto& [page, name] = as.pages[i];
-        int found = page ? m_tabs->indexOf(page) : -1;
-        for (int at = place; found < 0 && at < m_tabs->count(); ++at)
-            if (tabName(at) == name)
-                found = at;
-        if (found < place)
-            continue; // it did not come back
-        m_tabs->tabBar()->moveTab(found, place);
-        if (static_cast<int>(i) == as.current)
-            current = m_tabs->widget(place);
-        ++place;
-    }
-    if (current)
-        m_tabs->setCurrentWidget(current);
-}
-
-int MainWindow::currentModule() const {
-    return m_tabs->currentIndex();
-}
-
-void MainWindow::setCurrentModule(int index) {
-    m_tabs->setCurrentIndex(index);
-}
-
-void MainWindow::setCurrentModule(const QString& name) {
-    for (int i = 0; i < m_tabs->count(); ++i)
-        if (m_tabs->tabBar()->tabData(i).toString() == name)
-            m_tabs->setCurrentIndex(i);
+    if (QDockWidget* dock = DeskDock::of(page))
+        dock->setWindowTitle(oneLine(title));
+    if (m_isWorkplace) // its dock has no title
+        setWindowTitle(QStringLiteral("Orvo — %1").arg(oneLine(title)));
 }
 
 void MainWindow::bringForward() {

@@ -13,12 +13,12 @@ class CPopMessageBox;
 class QAction;
 class QDockWidget;
 class QMenu;
-class QTabWidget;
 
 namespace orvo::app {
 
 class Handbook;
 class LogPane;
+class ModuleTabs;
 class StatusLine;
 
 class MainWindow : public QMainWindow {
@@ -29,22 +29,15 @@ public:
     LogPane* logPane() const { return m_log; }
     StatusLine* statusLine() const { return m_status; }
 
-    /// Places a module in a tab of its own. It stays the caller's to delete; the tab goes with it.
-    void addModule(COrvoCliMod* module, const QString& name);
-    /// Places a widget in a tab that the user can close (pageCloseRequested). It goes with the
-    /// window if nobody deletes it before.
-    void addPage(QWidget* page, const QString& title);
+    ModuleTabs* tabs() const { return m_tabs; }
+
     /// Brings the tab to the front.
     void showPage(QWidget* page);
-    /// Marks the tab: what it shows is no longer as it was; `why` in words.
-    void markPage(QWidget* page, const QString& why);
     /// Places the menu of a desktop beside the tabs, at the left or the right; the pane can be
     /// closed (deskClosed), and goes with the module. It is `width` wide (0: as is usual) if the
     /// window's own state, as it was restored, does not know the pane.
     QDockWidget* addDesk(COrvoCliMod* desk, Qt::DockWidgetArea area, const QString& name,
                          int width = 0);
-    /// The pane in which a module of addDesk is; null if it is in none.
-    static QDockWidget* dockOf(const QWidget* desk);
     /// For an operator: no menus and no log, the desktop's menu always there. Before show.
     void becomeWorkplace();
     /// Full screen, without a frame, and it stays until endKiosk.
@@ -58,20 +51,8 @@ public:
     void bringUp(QDockWidget* pane);
     /// The menu of what changes the store.
     QMenu* editMenu() const { return m_edit; }
+    /// Of what is in a tab or in the pane of a desktop.
     void setTitle(QWidget* page, const QString& title);
-    /// The tabs as they are; for when modules have been opened anew.
-    struct Tabs {
-        std::vector<std::pair<QPointer<QWidget>, QString>> pages; ///< with their names
-        int current = -1;
-    };
-    Tabs tabs() const;
-    /// Puts the tabs into that order again, and the same one to the front of the others; those of
-    /// modules that were opened anew are known by their names.
-    void arrangeTabs(const Tabs& as);
-    int currentModule() const;
-    void setCurrentModule(int index);
-    /// The module that was added under that name; nothing is changed if there is none.
-    void setCurrentModule(const QString& name);
     /// In front of other windows, or marked in the task bar where the desktop does not want that.
     void bringForward();
     /// A message over the whole window; returns at once.
@@ -111,12 +92,10 @@ private:
     void showBox(const QString& title, const QString& text, int icon);
     void makeHelpMenu();
     void makeKeys();
-    void addCloseButton(QWidget* page, int index);
     void focusNextPart();
-    QString tabName(int index) const;
     void showHelp();
 
-    QTabWidget* m_tabs; // these: children of the window
+    ModuleTabs* m_tabs; // these: children of the window
     LogPane* m_log;
     StatusLine* m_status;
     QDockWidget* m_logDock;

@@ -6,6 +6,7 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #include <pwd.h>
 #include <unistd.h>
@@ -242,6 +243,24 @@ QString displayProblem() {
             return {};
     return QStringLiteral("Нет дисплея: переменные DISPLAY и WAYLAND_DISPLAY пусты; запустите в "
                           "графическом сеансе, через ssh -X или под Xvfb.");
+}
+
+QString adviceOnMissingStore(const Options& options) {
+    store::StoreUrl url;
+    if (!url.parse(options.store.toStdString()).ok() || url.file().empty())
+        return {};
+    const QFileInfo file(QString::fromStdString(url.file()));
+    if (file.exists())
+        return {};
+    if (options.isDefaultStore)
+        return QStringLiteral("; новое хранилище делает orvo-admin init");
+    if (!file.dir().exists())
+        return QStringLiteral("; каталога %1 нет").arg(file.path());
+    QString place = QString::fromStdString(url.isPath() ? url.file() : url.displayName());
+    if (place.contains(QRegularExpression(QStringLiteral("[^\\w./:@%+=-]"))))
+        place = QLatin1Char('\'') + place.replace(QLatin1Char('\''), QLatin1String("'\\''")) +
+                QLatin1Char('\'');
+    return QStringLiteral("; новое хранилище делает orvo-admin --store %1 init").arg(place);
 }
 
 } // namespace orvo::app

@@ -46,6 +46,10 @@ QString versionText();
 /// environment only.
 QString displayProblem();
 
+/// How to make the store of the options if it is missing and the command that is named would do it,
+/// as the end of a line; else empty.
+QString adviceOnMissingStore(const Options& options);
+
 } // namespace orvo::app
 
 #endif

@@ -1,5 +1,6 @@
 #include "apps/client/Workplace.h"
 
+#include "apps/client/DeskDock.h"
 #include "apps/client/DesktopDialog.h"
 #include "apps/client/MainWindow.h"
 #include "apps/client/ModuleLibraries.h"
@@ -51,7 +52,7 @@ void Workplace::stopDesk(COrvoCliMod* desk) {
 
 /// The pane of a desktop goes with it, and what the window knows of the pane with that.
 void Workplace::rememberWidth(const COrvoCliMod* desk) const {
-    QDockWidget* dock = MainWindow::dockOf(desk);
+    QDockWidget* dock = DeskDock::of(desk);
     if (!dock || !m_context.memory)
         return;
     const Qt::DockWidgetArea area = m_context.window.dockWidgetArea(dock);

@@ -6,6 +6,7 @@
 #include "apps/client/Launcher.h"
 #include "apps/client/MainWindow.h"
 #include "apps/client/ModuleLibraries.h"
+#include "apps/client/ModuleTabs.h"
 #include "frame/Vocabulary.h"
 #include "platform/client/ModuleRegistry.h"
 #include "tests/client/FormBench.h"
@@ -363,11 +364,11 @@ private slots:
         QCOMPARE(before.size(), 3);
         for (const int current : {0, 1, 2}) {
             bench.tabs().setCurrentIndex(current);
-            const MainWindow::Tabs tabs = bench.window.tabs();
+            const ModuleTabs::Order tabs = bench.window.tabs()->order();
             bench.launcher->rememberModules();
             bench.modules.stopAll();
             bench.launcher->reopenModules();
-            bench.window.arrangeTabs(tabs);
+            bench.window.tabs()->arrange(tabs);
             QCOMPARE(texts(), before);
             QCOMPARE(bench.tabs().currentIndex(), current);
         }

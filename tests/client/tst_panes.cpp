@@ -1,6 +1,7 @@
 // The log and the status line of the window.
 #include "apps/client/LogPane.h"
 #include "apps/client/MainWindow.h"
+#include "apps/client/ModuleTabs.h"
 #include "apps/client/StatusLine.h"
 #include "tests/client/HostFixture.h"
 
@@ -123,7 +124,7 @@ private slots:
         orvo::test::App app;
         MainWindow window("store", "user");
         auto* module = new orvo::test::Module(&app);
-        window.addModule(module, "Menu");
+        window.tabs()->addModule(module, "Menu");
         auto* tabs = window.findChild<QTabWidget*>("modules");
         QCOMPARE(tabs->count(), 1);
         QCOMPARE(tabs->tabText(0), QString("Menu"));

@@ -1,0 +1,173 @@
+// The panes of the client's window and what its status line tells.
+#include "apps/client/Client.h"
+#include "apps/client/FileMirror.h"
+#include "apps/client/HistoryCommands.h"
+#include "apps/client/Launcher.h"
+#include "apps/client/LogPane.h"
+#include "apps/client/MainWindow.h"
+#include "apps/client/PresenceView.h"
+#include "apps/client/StatusLine.h"
+#include "apps/client/UnwrittenPane.h"
+#include "platform/store/StoreUrl.h"
+
+#include <QDockWidget>
+
+#include <algorithm>
+
+namespace orvo::app {
+
+/// Who else is here is good to know and nothing hangs on it: where it cannot be known, nothing is
+/// said.
+void Client::showPresence() {
+    store::Store& store = client::sessionStore(*m_session);
+    store::Status status;
+    auto presence = store::openPresence(m_options.store.toStdString(), store.login(), &status);
+    if (!presence)
+        return;
+    m_presence = std::make_unique<PresenceView>(std::move(presence), store, m_app, m_modules,
+                                                *m_window->statusLine());
+    connect(m_pump.get(), &client::NotificationPump::changed, m_presence.get(),
+            &PresenceView::changed);
+}
+
+void Client::makeHistory() {
+    store::Store& store = client::sessionStore(*m_session);
+    m_history = std::make_unique<HistoryCommands>(HistoryCommands::Context{
+        .open = m_openMaintained,
+        .actor = {store.login(), clientName},
+        .mayWrite = m_app.m_mayWrite,
+        .window = *m_window,
+        .guard = *m_guard,
+        .app = m_app,
+        .session = *m_session,
+        .pump = *m_pump,
+        .modules = m_modules,
+        .openModule = [this](const QString& name) { openFurther({name}); },
+    });
+}
+
+/// What is not written has a pane that comes up by itself, now and whenever something is added.
+void Client::showUnwritten() {
+    QDockWidget* pane =
+        m_window->addPane(new UnwrittenPane(*m_unwritten), {}, QStringLiteral("unwrittenDock"));
+    const auto setTitle = [this, pane] {
+        const QString title = QStringLiteral("Не записано");
+        const size_t count = m_unwritten->entries().size();
+        pane->setWindowTitle(count > 0 ? QStringLiteral("%1 (%2)").arg(title).arg(count) : title);
+        if (count == 0)
+            pane->hide();
+    };
+    const auto raise = [pane] {
+        pane->show();
+        pane->raise();
+    };
+    setTitle();
+    connect(m_unwritten.get(), &client::UnwrittenList::changed, pane, setTitle);
+    connect(m_unwritten.get(), &client::UnwrittenList::added, pane, raise);
+    connect(m_unwritten.get(), &client::UnwrittenList::dropped, m_pump.get(),
+            &client::NotificationPump::correct);
+    connect(m_unwritten.get(), &client::UnwrittenList::told, this, [this](const QString& text) {
+        m_window->logPane()->add(LogInformation, QStringLiteral("Не записано"), text);
+    });
+    QString error;
+    if (!m_unwritten->keepIn(m_options.workDir + QStringLiteral("unwritten"), &error))
+        fail(QStringLiteral("Не записано"), error);
+    if (!m_unwritten->isEmpty()) {
+        raise();
+        fail(QStringLiteral("С прошлого раза"), m_unwritten->summary());
+    }
+}
+
+void Client::showHeld() {
+    int most = 0;
+    QStringList lines;
+    for (const client::NotificationPump::Held& one : m_pump->held()) {
+        most = std::max(most, one.changes);
+        const char* why = one.why == client::Attention::Question ? "стоит вопрос"
+                          : one.why == client::Attention::Picker ? "открыт выбор"
+                          : one.why == client::Attention::Cell
+                              ? "открыта ячейка"
+                              : "правка не сохранена и не отменена";
+        lines << QStringLiteral("%1: %2").arg(one.module->windowTitle(), QString::fromUtf8(why));
+    }
+    if (most > 0)
+        lines << QStringLiteral("Изменения других покажутся, когда вы закончите.");
+    m_window->statusLine()->setHeld(most, lines.join('\n'));
+}
+
+/// Whoever may only look is not to find out with each write.
+void Client::tellReadOnly() {
+    const QString text =
+        QStringLiteral("Пользователь %1 может здесь только смотреть: изменить ничего нельзя, "
+                       "команды, которые меняют хранилище, выключены. Право менять даёт "
+                       "администратор; на реплике не меняет никто, пока она не станет главным "
+                       "сервером.")
+            .arg(QString::fromStdString(client::sessionStore(*m_session).login()));
+    m_window->statusLine()->setReadOnly(text);
+    m_window->logPane()->add(LogInformation, QStringLiteral("Клиент"), text);
+    // An operator is not there to change anything.
+    if (m_options.screenshot.isEmpty() && !isWorkplace())
+        m_window->showNotice(text);
+}
+
+/// A standby has taken over, or the address leads to one now.
+void Client::mayWriteChanged(bool may) {
+    m_app.m_mayWrite = may;
+    if (m_history)
+        m_history->setMayWrite(may);
+    if (!may) { // what is edited stays; a write that is refused is kept as any other
+        tellReadOnly();
+        return;
+    }
+    m_window->statusLine()->setReadOnly({});
+    const QString text = QStringLiteral("Сервер теперь принимает изменения.");
+    if (isWorkplace()) // nothing is edited there
+        m_app.log(LogInformation, QStringLiteral("Клиент"), text);
+    else // the editors learn at their start what they may
+        reopenModules(text + QStringLiteral(" Модули открыты заново."), false);
+}
+
+QString Client::lossWords(bool replaced, const QString& outcome) {
+    client::listLostWrites(*m_session);
+    if (!replaced)
+        return QStringLiteral("Журнал изменений очищен раньше, чем прочитан: %1.").arg(outcome);
+    const auto& entries = m_unwritten->entries();
+    const bool own = std::any_of(entries.begin(), entries.end(), [](const auto& entry) {
+        return entry.state == client::UnwrittenEntry::Lost;
+    });
+    return QStringLiteral("Хранилище вернулось к более раннему состоянию, последние изменения "
+                          "потеряны: %1%2.")
+        .arg(outcome,
+             own ? QStringLiteral(", ваши потерянные записи — в «Не записано»") : QString());
+}
+
+void Client::connectionChanged(bool up, const QString& text) {
+    m_window->statusLine()->setConnected(up, text);
+    m_mirror->setConnected(up);
+    m_launcher->setConnected(up);
+    const QString place = QStringLiteral("Связь");
+    if (up) {
+        m_unwritten->connectionReturned();
+        client::listLostWrites(*m_session);
+    }
+    store::StoreUrl url;
+    const bool isFile = url.parse(m_options.store.toStdString()).ok() && !url.file().empty();
+    constexpr int lookMs = 3000;
+    if (isFile && isWorkplace() && !up)
+        m_lookForStore.start(lookMs);
+    if (!up)
+        // A server is looked for again by itself; what stands at a path may be another store.
+        fail(place, isFile ? text + QStringLiteral("; запись остановлена. Когда хранилище будет на "
+                                                   "месте, его откроет «Клиент» — «Открыть модули "
+                                                   "заново».")
+                           : text);
+    else if (m_outdated)
+        // The editors do not look at results. Opening them anew could cost an unfinished edit, so
+        // that is left to the user.
+        fail(place, QStringLiteral("восстановлена, но выполнено не всё: «Клиент» — «Открыть модули "
+                                   "заново» покажет, что сохранено."));
+    else
+        m_app.log(LogInformation, place, QStringLiteral("Связь с хранилищем восстановлена."));
+}
+
+} // namespace orvo::app
