@@ -7,6 +7,8 @@
 #include <QTabBar>
 #include <QToolButton>
 
+#include <algorithm>
+
 namespace orvo::app {
 
 namespace {
@@ -99,6 +101,10 @@ ModuleTabs::Order ModuleTabs::order() const {
 }
 
 void ModuleTabs::arrange(const Order& as) {
+    const auto isNew = [&as](const QWidget* page) {
+        return std::none_of(as.tabs.begin(), as.tabs.end(),
+                            [page](const Order::Tab& was) { return was.page == page; });
+    };
     int place = 0;
     QWidget* current = nullptr;
     for (size_t i = 0; i < as.tabs.size(); ++i) {
@@ -106,7 +112,7 @@ void ModuleTabs::arrange(const Order& as) {
         int found = was.page ? indexOf(was.page) : -1;
         for (int at = place; found < 0 && at < count(); ++at) {
             const Order::Tab now = tab(at);
-            if (now.name == was.name && now.isModule == was.isModule)
+            if (now.name == was.name && now.isModule == was.isModule && isNew(now.page))
                 found = at;
         }
         if (found < place)
