@@ -4,6 +4,7 @@
 #include "platform/store/StoreUrl.h"
 
 #include <QCommandLineParser>
+#include <QCryptographicHash>
 #include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -86,6 +87,23 @@ QList<QCommandLineOption> allOptions() {
 
 } // namespace
 
+QString ownStore() {
+    return dataHome() + QStringLiteral("/orvo/orvo.db");
+}
+
+QString usualWorkDir(const QString& store) {
+    const QString beginning = dataHome() + QStringLiteral("/orvo/work");
+    store::StoreUrl url;
+    if (!url.parse(store.toStdString()).ok() || QString::fromStdString(url.file()) == ownStore())
+        return beginning + QLatin1Char('/');
+    // The name is for people, the digest for stores of one name.
+    const QByteArray address = QByteArray::fromStdString(url.displayName());
+    const QString name =
+        QString::fromUtf8(address).section(QLatin1Char('/'), -1).section(QLatin1Char('?'), 0, 0);
+    const QByteArray digest = QCryptographicHash::hash(address, QCryptographicHash::Sha256).toHex();
+    return QStringLiteral("%1-%2-%3/").arg(beginning, name, QString::fromLatin1(digest.left(8)));
+}
+
 bool parseOptions(const QStringList& arguments, Options* options, QString* error) {
     QCommandLineParser parser;
     parser.addOptions(allOptions());
@@ -121,7 +139,7 @@ bool parseOptions(const QStringList& arguments, Options* options, QString* error
         return false;
     }
 
-    options->store = isSet("store") ? value("store") : dataHome() + QStringLiteral("/orvo/orvo.db");
+    options->store = isSet("store") ? value("store") : ownStore();
     options->isDefaultStore = !isSet("store");
     store::StoreUrl url;
     const store::Status status = url.parse(options->store.toStdString());
@@ -136,8 +154,9 @@ bool parseOptions(const QStringList& arguments, Options* options, QString* error
         *error = QStringLiteral("Имя пользователя неизвестно; задайте --login NAME.");
         return false;
     }
+    options->isWorkDirGiven = isSet("work-dir");
     options->workDir =
-        absolute(isSet("work-dir") ? value("work-dir") : dataHome() + QStringLiteral("/orvo/work"));
+        isSet("work-dir") ? absolute(value("work-dir")) : usualWorkDir(options->store);
     if (!options->workDir.endsWith(QLatin1Char('/')))
         options->workDir += QLatin1Char('/');
     if (isSet("screenshot"))

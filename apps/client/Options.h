@@ -11,16 +11,17 @@ struct Options {
     QString store;               ///< URL or absolute path
     bool isDefaultStore = false; ///< nobody named it
     QString login;
-    QString workDir;          ///< absolute, with the separator at its end
-    QStringList askedModules; ///< those that the command line names
-    QStringList modules;      ///< in the order asked for; "Menu" and "Resources" if none was, none
-                              ///< beside a desktop
-    QStringList moduleDirs;   ///< further directories of module libraries, absolute
-    QString desktop;          ///< the operator's desktop that is shown alone; empty: none
-    bool isKiosk = false;     ///< it fills the screen
-    QString screenshot;       ///< empty: none
-    QString inspect;          ///< name of the socket that answers questions; empty: none
-    bool isSeparate = false;  ///< do not ask a running client to open the modules
+    QString workDir;             ///< absolute, with the separator at its end
+    bool isWorkDirGiven = false; ///< somebody named it
+    QStringList askedModules;    ///< those that the command line names
+    QStringList modules;     ///< in the order asked for; "Menu" and "Resources" if none was, none
+                             ///< beside a desktop
+    QStringList moduleDirs;  ///< further directories of module libraries, absolute
+    QString desktop;         ///< the operator's desktop that is shown alone; empty: none
+    bool isKiosk = false;    ///< it fills the screen
+    QString screenshot;      ///< empty: none
+    QString inspect;         ///< name of the socket that answers questions; empty: none
+    bool isSeparate = false; ///< do not ask a running client to open the modules
     bool help = false;
     bool version = false;
     QString completion; ///< the shell that asks for its script; empty: none
@@ -30,6 +31,12 @@ struct Options {
 const QStringList& knownModules();
 /// The one of them that equals the word without regard to case; empty if none does.
 QString moduleNamed(const QString& asked);
+
+/// The file of the embedded store, which is opened where nobody names one.
+QString ownStore();
+/// The work directory of a store that nobody gave one: each store has its own, since its file area
+/// is mirrored there. Absolute, with the separator at its end.
+QString usualWorkDir(const QString& store);
 
 /// Reads the arguments (the first is the program's name) and fills in the defaults from the
 /// environment. False, with one line in `error`, for what cannot be meant.
