@@ -18,6 +18,7 @@
 #include "apps/client/WaitDialogController.h"
 #include "apps/client/WindowMemory.h"
 #include "apps/client/Workplace.h"
+#include "apps/client/start/StorePage.h"
 
 #include <QAbstractScrollArea>
 #include <QApplication>
@@ -239,6 +240,13 @@ void Client::connectAll() {
     });
     connect(m_window.get(), &MainWindow::reopenRequested, this,
             [this] { reopenModules(QStringLiteral("Модули открыты заново."), false); });
+    connect(m_window.get(), &MainWindow::storeRequested, this, [this] {
+        openFurtherStore(ownStore(), m_options.login, m_window.get(),
+                         {QStringLiteral("--login"), m_options.login}, [this](const QString& why) {
+                             fail(QStringLiteral("Хранилище"),
+                                  QStringLiteral("Окно не открыто: %1").arg(why));
+                         });
+    });
     connect(m_window.get(), &MainWindow::closing, this, [this] {
         rememberModules();
         if (m_memory)

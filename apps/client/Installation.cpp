@@ -22,6 +22,10 @@ QString formViewProgram() {
     return beside(ORVO_PROGRAM_PATH, QStringLiteral("orvo-form-view"));
 }
 
+QString adminProgram() {
+    return beside(".", QStringLiteral("orvo-admin"));
+}
+
 QString handbookPage(const QString& page) {
     return beside(ORVO_HANDBOOK_PATH, page);
 }

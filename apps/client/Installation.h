@@ -10,6 +10,8 @@ namespace orvo::app::installation {
 QString moduleDirectory();
 /// The program that shows files of forms.
 QString formViewProgram();
+/// The administrators' command; its package may not be installed.
+QString adminProgram();
 /// A page of the handbook, "user-guide.html".
 QString handbookPage(const QString& page);
 

@@ -57,6 +57,10 @@ void MainWindow::makeMenus() {
     desktop->setObjectName(QStringLiteral("actDesktop"));
     connect(desktop, &QAction::triggered, this, &MainWindow::desktopRequested,
             Qt::QueuedConnection);
+    QAction* store = client->addAction(QStringLiteral("Открыть &хранилище…"));
+    store->setObjectName(QStringLiteral("actStore"));
+    store->setShortcut(QKeySequence::Open);
+    connect(store, &QAction::triggered, this, &MainWindow::storeRequested, Qt::QueuedConnection);
     client->addSeparator();
     QAction* quit = client->addAction(QStringLiteral("В&ыход"));
     quit->setShortcut(QKeySequence::Quit);

@@ -73,6 +73,8 @@ signals:
     void followsOthersChanged(bool on);
     /// The user wants to choose a desktop.
     void desktopRequested();
+    /// The user wants to open a further store.
+    void storeRequested();
     /// The user has closed the pane of a desktop.
     void deskClosed(COrvoCliMod* desk);
     void pageCloseRequested(QWidget* page);

@@ -7,10 +7,13 @@
 #include "apps/client/MainWindow.h"
 #include "apps/client/Options.h"
 #include "apps/client/WaitPane.h"
+#include "apps/client/start/RecentStores.h"
+#include "apps/client/start/StorePage.h"
 
 #include "platform/store/StoreUrl.h"
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QIcon>
 
 #include <cstdio>
@@ -41,6 +44,56 @@ QIcon applicationIcon() {
     for (const int size : {16, 24, 32, 48, 64, 128, 256})
         own.addFile(QStringLiteral(":/orvo/app/%1").arg(size));
     return QIcon::fromTheme(QLatin1String(orvo::app::applicationId), own);
+}
+
+/// False if the user wants no store.
+bool chooseStore(orvo::app::Options* options, const QString& reason) {
+    const QString ownFile = orvo::app::ownStore();
+    orvo::app::ChosenStore chosen;
+    if (!orvo::app::askForStore(ownFile, options->login, reason, &chosen))
+        return false;
+    options->store = chosen.address;
+    options->isDefaultStore = chosen.address == ownFile;
+    if (!options->isWorkDirGiven)
+        options->workDir = orvo::app::usualWorkDir(chosen.address);
+    if (!chosen.password.isEmpty())
+        qputenv("PGPASSWORD", chosen.password.toUtf8()); // no file and no command line shows it
+    return true;
+}
+
+/// Opens the store of the options and runs until the window closes. Whoever names no store and has
+/// none, or one that does not open, is asked which.
+int runClient(orvo::app::Options options) {
+    const bool mayAsk = options.isDefaultStore && options.screenshot.isEmpty() &&
+                        options.inspect.isEmpty() && options.desktop.isEmpty();
+    bool isAsked = mayAsk && !QFileInfo::exists(orvo::app::ownStore());
+    QString reason;
+    if (isAsked)
+        reason = QStringLiteral("Хранилища на этой машине ещё нет. С чего начать?");
+    while (true) {
+        if (isAsked && !chooseStore(&options, reason))
+            return 0;
+        orvo::app::Instance instance(options);
+        // An operator's desktop is a window of its own beside an engineer's client.
+        const bool isSeparate = options.isSeparate || !options.desktop.isEmpty();
+        if (options.screenshot.isEmpty() && !isSeparate &&
+            instance.take(options.inspect.isEmpty()) == orvo::app::Instance::Role::Further)
+            return 0;
+        orvo::app::Client client(options);
+        QObject::connect(&instance, &orvo::app::Instance::requested, &client,
+                         &orvo::app::Client::openFurther);
+        if (client.open(&reason)) {
+            if (options.screenshot.isEmpty() && options.inspect.isEmpty())
+                orvo::app::rememberStore(options.store);
+            client.show();
+            if (!options.screenshot.isEmpty())
+                client.takeScreenshot();
+            return QApplication::exec();
+        }
+        if (!mayAsk)
+            return refuse(1, reason);
+        isAsked = true;
+    }
 }
 
 } // namespace
@@ -83,19 +136,5 @@ int main(int argc, char* argv[]) {
     if (function)
         return orvo::app::runFunctionHost();
 
-    orvo::app::Instance instance(options);
-    // An operator's desktop is a window of its own beside an engineer's client.
-    const bool isSeparate = options.isSeparate || !options.desktop.isEmpty();
-    if (options.screenshot.isEmpty() && !isSeparate &&
-        instance.take(options.inspect.isEmpty()) == orvo::app::Instance::Role::Further)
-        return 0;
-    orvo::app::Client client(options);
-    QObject::connect(&instance, &orvo::app::Instance::requested, &client,
-                     &orvo::app::Client::openFurther);
-    if (!client.open(&error))
-        return refuse(1, error);
-    client.show();
-    if (!options.screenshot.isEmpty())
-        client.takeScreenshot();
-    return QApplication::exec();
+    return runClient(options);
 }

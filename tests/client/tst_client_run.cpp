@@ -174,7 +174,10 @@ private slots:
         const Result mistyped =
             place.run(QStringList{"--store", place.dir.path() + "/c/new.db"} + rest);
         QCOMPARE(advice(mistyped), "каталога " + place.dir.path() + "/c нет");
-        const Result usual = place.run(rest, {"XDG_DATA_HOME=" + place.dir.path() + "/home"});
+        // Whoever wants a picture is not asked which store to open.
+        const Result usual =
+            place.run(rest + QStringList{"--screenshot", place.dir.path() + "/a.png"},
+                      {"XDG_DATA_HOME=" + place.dir.path() + "/home"});
         QCOMPARE(advice(usual), QString("новое хранилище делает orvo-admin init"));
         QProcess admin;
         for (const QString& command : {advice(named), advice(usual)}) {

@@ -1,0 +1,244 @@
+#include "apps/client/start/StorePage.h"
+
+#include "apps/client/Installation.h"
+#include "apps/client/start/RecentStores.h"
+#include "apps/client/start/ServerDialog.h"
+#include "platform/store/StoreUrl.h"
+
+#include <QAction>
+#include <QCommandLinkButton>
+#include <QCoreApplication>
+#include <QDialogButtonBox>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QLabel>
+#include <QListWidget>
+#include <QProcessEnvironment>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include <utility>
+
+namespace orvo::app {
+
+namespace {
+
+QString fileOf(const QString& address) {
+    store::StoreUrl url;
+    return url.parse(address.toStdString()).ok() ? QString::fromStdString(url.file()) : QString();
+}
+
+QLabel* textOn(QWidget* parent, const char* name) {
+    auto* label = new QLabel(parent); // owned by the parent
+    label->setObjectName(QLatin1String(name));
+    label->setWordWrap(true);
+    label->setTextFormat(Qt::PlainText); // what servers say may look like markup
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    label->hide();
+    return label;
+}
+
+} // namespace
+
+StorePage::StorePage(const QString& ownFile, const QString& user, QWidget* parent)
+    : QDialog(parent)
+    , m_ownFile(ownFile)
+    , m_user(user)
+    , m_maker(installation::adminProgram())
+    , m_reason(textOn(this, "storeReason"))
+    , m_progress(textOn(this, "storeProgress"))
+    , m_recent(new QListWidget(this))
+    , m_recentPart(new QWidget(this))
+    , m_ways(new QWidget(this)) {
+    setObjectName(QStringLiteral("storePage"));
+    setWindowTitle(QStringLiteral("Orvo: какое хранилище открыть"));
+    auto* page = new QVBoxLayout(this);
+    page->addWidget(m_reason);
+    page->addWidget(m_recentPart, 1);
+    page->addWidget(m_ways);
+    page->addWidget(m_progress);
+
+    auto* recent = new QVBoxLayout(m_recentPart);
+    recent->setContentsMargins({});
+    auto* title = new QLabel(QStringLiteral("&Недавние"), m_recentPart);
+    title->setBuddy(m_recent);
+    m_recent->setObjectName(QStringLiteral("storeRecent"));
+    m_recent->setAccessibleName(QStringLiteral("Недавние хранилища"));
+    m_recent->setTextElideMode(Qt::ElideMiddle);
+    auto* forget = new QAction(QStringLiteral("Убрать из списка"), m_recent);
+    forget->setShortcut(QKeySequence::Delete);
+    forget->setShortcutContext(Qt::WidgetShortcut);
+    m_recent->addAction(forget);
+    m_recent->setContextMenuPolicy(Qt::ActionsContextMenu);
+    recent->addWidget(title);
+    recent->addWidget(m_recent);
+    connect(forget, &QAction::triggered, this, &StorePage::forgetRecent);
+    connect(m_recent, &QListWidget::itemActivated, this, &StorePage::openRecent);
+
+    auto* ways = new QVBoxLayout(m_ways);
+    ways->setContentsMargins({});
+    const QString place = QDir::toNativeSeparators(m_ownFile);
+    if (QFileInfo::exists(m_ownFile)) {
+        connect(addWay(ways, "storeOwn", QStringLiteral("Хранилище на этой машине"), place),
+                &QAbstractButton::clicked, this, [this] {
+                    take({m_ownFile, {}});
+                });
+    } else {
+        connect(
+            addWay(ways, "storeDemo", QStringLiteral("Попробовать на примере"),
+                   QStringLiteral("Сделать хранилище на этой машине и наполнить его вымышленной "
+                                  "установкой: %1")
+                       .arg(place)),
+            &QAbstractButton::clicked, this, [this] { make(true); });
+        connect(addWay(ways, "storeEmpty", QStringLiteral("Начать с пустого"),
+                       QStringLiteral("Сделать хранилище на этой машине: %1").arg(place)),
+                &QAbstractButton::clicked, this, [this] { make(false); });
+    }
+    connect(addWay(ways, "storeServer", QStringLiteral("Подключиться к серверу…"),
+                   QStringLiteral("База PostgreSQL, в которой работают с нескольких машин")),
+            &QAbstractButton::clicked, this, &StorePage::askForServer);
+    connect(addWay(ways, "storeFile", QStringLiteral("Открыть файл…"),
+                   QStringLiteral("Хранилище SQLite в другом месте")),
+            &QAbstractButton::clicked, this, &StorePage::openFile);
+
+    auto* buttons = new QDialogButtonBox(this);
+    m_open = buttons->addButton(QStringLiteral("&Открыть"), QDialogButtonBox::AcceptRole);
+    m_open->setObjectName(QStringLiteral("storeOpen"));
+    buttons->addButton(QStringLiteral("Отмена"), QDialogButtonBox::RejectRole);
+    page->addWidget(buttons);
+    connect(buttons, &QDialogButtonBox::accepted, this, &StorePage::openRecent);
+    connect(buttons, &QDialogButtonBox::rejected, this, &StorePage::reject);
+    connect(m_recent, &QListWidget::currentRowChanged, this,
+            [this](int row) { m_open->setEnabled(row >= 0); });
+    connect(&m_maker, &StoreMaker::made, this, &StorePage::made);
+    fillRecent();
+    resize(560, sizeHint().height());
+}
+
+QCommandLinkButton* StorePage::addWay(QVBoxLayout* column, const char* name, const QString& title,
+                                      const QString& what) {
+    auto* way = new QCommandLinkButton(title, what, m_ways); // owned by its parent
+    way->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    way->setObjectName(QLatin1String(name));
+    way->setAccessibleDescription(what);
+    column->addWidget(way);
+    return way;
+}
+
+void StorePage::setReason(const QString& text) {
+    m_reason->setText(text);
+    m_reason->setVisible(!text.isEmpty());
+}
+
+void StorePage::fillRecent() {
+    m_recent->clear();
+    for (const QString& address : recentStores()) {
+        const QString file = fileOf(address);
+        const bool isMissing = !file.isEmpty() && !QFileInfo::exists(file);
+        auto* item =
+            new QListWidgetItem(isMissing ? address + QStringLiteral(" (файла нет)") : address,
+                                m_recent); // owned by the list
+        item->setData(Qt::UserRole, address);
+        item->setToolTip(address);
+    }
+    m_recentPart->setVisible(m_recent->count() > 0);
+    m_recent->setCurrentRow(m_recent->count() > 0 ? 0 : -1);
+    m_open->setVisible(m_recent->count() > 0);
+    m_open->setEnabled(m_recent->currentRow() >= 0);
+    m_open->setDefault(m_recent->count() > 0);
+}
+
+void StorePage::make(bool withDemonstration) {
+    for (QWidget* part : {m_recentPart, m_ways})
+        part->setEnabled(false);
+    m_progress->setText(withDemonstration
+                            ? QStringLiteral("Хранилище делается и наполняется примером…")
+                            : QStringLiteral("Хранилище делается…"));
+    m_progress->show();
+    m_maker.make(m_ownFile, withDemonstration);
+}
+
+void StorePage::made(const QString& problem) {
+    for (QWidget* part : {m_recentPart, m_ways})
+        part->setEnabled(true);
+    m_progress->hide();
+    if (problem.isEmpty())
+        take({m_ownFile, {}});
+    else
+        setReason(problem);
+}
+
+void StorePage::openFile() {
+    auto* dialog =
+        new QFileDialog(this, QStringLiteral("Файл хранилища"), QFileInfo(m_ownFile).absolutePath(),
+                        QStringLiteral("Хранилища (*.db);;Все файлы (*)"));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setFileMode(QFileDialog::ExistingFile);
+    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& file) {
+        take({QFileInfo(file).absoluteFilePath(), {}});
+    });
+    dialog->open();
+}
+
+void StorePage::askForServer() {
+    auto* dialog = new ServerDialog(m_user, this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &QDialog::accepted, this, [this, dialog] {
+        take({dialog->address(), dialog->password()});
+    });
+    dialog->open();
+}
+
+void StorePage::openRecent() {
+    if (const QListWidgetItem* item = m_recent->currentItem())
+        take({item->data(Qt::UserRole).toString(), {}});
+}
+
+void StorePage::forgetRecent() {
+    if (const QListWidgetItem* item = m_recent->currentItem()) {
+        forgetStore(item->data(Qt::UserRole).toString());
+        fillRecent();
+    }
+}
+
+void StorePage::take(const ChosenStore& store) {
+    m_chosen = store;
+    accept();
+}
+
+void StorePage::reject() {
+    if (!m_maker.isRunning())
+        QDialog::reject();
+}
+
+bool askForStore(const QString& ownFile, const QString& user, const QString& reason,
+                 ChosenStore* chosen) {
+    StorePage page(ownFile, user);
+    page.setReason(reason);
+    if (page.exec() != QDialog::Accepted)
+        return false;
+    *chosen = page.chosen();
+    return true;
+}
+
+void openFurtherStore(const QString& ownFile, const QString& user, QWidget* window,
+                      const QStringList& arguments, std::function<void(const QString& why)> fail) {
+    auto* page = new StorePage(ownFile, user, window); // goes when it is closed
+    page->setAttribute(Qt::WA_DeleteOnClose);
+    QObject::connect(page, &QDialog::accepted, window, [page, arguments, fail = std::move(fail)] {
+        QProcess process;
+        process.setProgram(QCoreApplication::applicationFilePath());
+        process.setArguments(arguments +
+                             QStringList{QStringLiteral("--store"), page->chosen().address});
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        if (!page->chosen().password.isEmpty())
+            environment.insert(QStringLiteral("PGPASSWORD"), page->chosen().password);
+        process.setProcessEnvironment(environment);
+        if (!process.startDetached())
+            fail(process.errorString());
+    });
+    page->open();
+}
+
+} // namespace orvo::app
