@@ -55,7 +55,7 @@ public:
     int integer(int field) const;
     int integer(const char* field) const;
     bool isNull(int field) const;
-    /// As the texts of the history need them.
+    /// All fields, NULL included.
     history::Values values() const;
     /// Its caption, else its name, login or extension; empty if it has none.
     QString name() const;
@@ -81,6 +81,9 @@ public:
                                const Record& after) = 0;
     /// Everything is different now: loaded for the first time or anew.
     virtual void loaded(const Catalogue& catalogue) = 0;
+    /// Nothing more waits to be applied at the moment: time for what the next question would have
+    /// to wait for. Told by LiveCatalogue only.
+    virtual void settled(const Catalogue& /*catalogue*/) {}
 };
 
 class Catalogue {
@@ -192,6 +195,9 @@ private:
     size_t m_textCount = 0;
     std::vector<Listener*> m_listeners; ///< not owned
 };
+
+/// A letter in the form in which texts are compared without regard to case; Windows-1251.
+uint8_t foldedByte(uint8_t letter);
 
 /// What a catalogue knows, for the words of the history.
 class CatalogueRecords : public history::RecordSource {

@@ -48,6 +48,10 @@ std::optional<uint8_t> namesDomain(const char* field) {
 
 } // namespace
 
+uint8_t foldedByte(uint8_t letter) {
+    return folding()[letter];
+}
+
 uint32_t hashOf(std::string_view text, uint8_t domain) {
     const auto& fold = folding();
     uint32_t hash = 2166136261U ^ domain;

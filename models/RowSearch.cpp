@@ -1,11 +1,11 @@
 #include "models/RowSearch.h"
 
+#include "frame/FindBytes.h"
+
 #include <QTextCodec>
 
 #include <algorithm>
 #include <array>
-#include <bit>
-#include <cstring>
 #include <limits>
 #include <unordered_set>
 
@@ -54,37 +54,6 @@ private:
     static constexpr size_t units = std::numeric_limits<ushort>::max() + 1;
     std::array<char, units> m_codes;
 };
-
-/// The first place of `part`, which is not empty, from `at` on; `end` if there is none. Eight
-/// places are looked at in one step, by the first and the last letter of the part: a search that
-/// every second row answers must not be set up anew for each.
-const char* findPart(const char* at, const char* end, const std::string& part) {
-    static_assert(std::endian::native == std::endian::little);
-    constexpr uint64_t ones = 0x0101010101010101;
-    const auto all = [](char letter) { return ones * static_cast<uint8_t>(letter); };
-    const auto load = [](const char* from) {
-        uint64_t word = 0;
-        std::memcpy(&word, from, sizeof word);
-        return word;
-    };
-    const size_t size = part.size();
-    const uint64_t first = all(part.front());
-    const uint64_t last = all(part.back());
-    const auto left = [&] { return static_cast<size_t>(end - at); };
-    for (; left() >= size + 7; at += 8) {
-        // A byte is zero where both letters are right; above the first such there may be others.
-        const uint64_t unlike = (load(at) ^ first) | (load(at + size - 1) ^ last);
-        for (uint64_t zeros = (unlike - ones) & ~unlike & (ones << 7); zeros; zeros &= zeros - 1) {
-            const char* place = at + std::countr_zero(zeros) / 8;
-            if (std::memcmp(place, part.data(), size) == 0)
-                return place;
-        }
-    }
-    for (; left() >= size; ++at)
-        if (std::memcmp(at, part.data(), size) == 0)
-            return at;
-    return end;
-}
 
 const LetterCodes& letterCodes() {
     static const LetterCodes codes;
@@ -203,7 +172,7 @@ private:
         const char* end = begin + block.text.size();
         size_t row = 0;
         for (const char* at = begin; at < end; at = begin + block.ends[row++]) {
-            const char* found = m_codes.empty() ? at : findPart(at, end, m_codes);
+            const char* found = m_codes.empty() ? at : findBytes(at, end, m_codes);
             if (found == end)
                 return;
             const auto offset = static_cast<size_t>(found - begin);
