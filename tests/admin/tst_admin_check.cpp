@@ -13,6 +13,12 @@ private slots:
     void everyDefectIsFoundAlone();
     void keysOfFixedRowsAreFound();
     void aCycleIsToldOnceWithItsLength();
+    void aFindingTellsWhereItsRecordStands();
+    void whatIsBelowALostRecordIsCounted();
+    void aCertainCureIsAppliedAndUndone_data();
+    void aCertainCureIsAppliedAndUndone();
+    void manyCuresAreOneAction();
+    void whatIsNotCertainIsLeftAlone();
     void damagedPagesAreFound();
     void aFloodIsCutUnlessAllIsWanted();
     void theCheckChangesNothing();
@@ -93,9 +99,10 @@ void TestAdminCheck::everyDefectIsFoundAlone_data() {
           "update MenuFolder set ParentKey = 'gone' where KeyLink = 'd3'",
           "MenuFolder d3 «Второй»: нет родителя gone");
     error("desktop below a desktop", "update MenuFolder set ParentKey = 'd2' where KeyLink = 'd3'",
-          "MenuFolder d3 «Второй»: родитель - рабочий стол, а не папка: Стол");
+          "MenuFolder d3 «Второй»: родитель - рабочий стол, а не папка: «Стол» (d2)");
     error("folder of itself", "update MenuFolder set ParentKey = 'd1' where KeyLink = 'd1'",
-          "MenuFolder d1 «Папка»: круг по полю ParentKey записей в круге: 1");
+          "MenuFolder d1 «Папка»: круг: стоит внутри самой себя; записей в круге: 1; вместе с этим "
+          "не видно записей: 5");
 
     error("element without a caption", "update Menu set caption = null where KeyLink = 'm2'",
           "Menu m2 «»: пустое название");
@@ -105,24 +112,24 @@ void TestAdminCheck::everyDefectIsFoundAlone_data() {
           "Menu m3 «Схема»: нет рабочего стола gone");
     error("element on a folder of desktops",
           "update Menu set FolderKey = 'd1' where KeyLink = 'm3'",
-          "Menu m3 «Схема»: вместо рабочего стола папка столов: Папка");
+          "Menu m3 «Схема»: вместо рабочего стола папка столов: «Папка» (d1)");
     error("desktop key in other letters", "update Menu set FolderKey = 'D2' where KeyLink = 'm3'",
           "Menu m3 «Схема»: ключ рабочего стола записан другими буквами: D2");
     error("parent of an element missing", "update Menu set parent = 'gone' where KeyLink = 'm2'",
           "Menu m2 «Тренды»: нет родителя gone");
     error("parent on another desktop", "update Menu set FolderKey = 'd3' where KeyLink = 'm2'",
-          "Menu m2 «Тренды»: родитель на другом рабочем столе: Папка меню");
+          "Menu m2 «Тренды»: родитель на другом рабочем столе: «Папка меню» (m1)");
     error("parent that is no folder", "update Menu set parent = 'm3' where KeyLink = 'm2'",
-          "Menu m2 «Тренды»: родитель - не папка меню: Схема");
+          "Menu m2 «Тренды»: родитель - не папка меню: «Схема» (m3)");
     error("cycle of menu folders", "update Menu set parent = 'm1' where KeyLink = 'm1'",
-          "Menu m1 «Папка меню»: круг по полю parent записей в круге: 1");
+          "Menu m1 «Папка меню»: круг: стоит внутри самой себя; записей в круге: 1");
     error("resource of an element missing",
           "update Menu set MenuResourceKey = 'gone' where KeyLink = 'm3'",
           "Menu m3 «Схема»: нет ресурса gone");
     warning("element of a file",
             "update Menu set MenuResourceKey = (select KeyLink from MenuResource where type_ = 4)"
             " where KeyLink = 'm3'",
-            "Menu m3 «Схема»: ресурс такого типа из меню не запускается: a.png, тип 4");
+            "Menu m3 «Схема»: ресурс такого типа из меню не запускается: «a.png» (");
     warning("icon missing", "update Menu set ico = 'b.png' where KeyLink = 'm2'",
             "Menu m2 «Тренды»: в папке icons нет значка b.png");
 
@@ -140,15 +147,16 @@ void TestAdminCheck::everyDefectIsFoundAlone_data() {
           "MenuResourceFolder f1 «Разное»: нет родителя gone");
     error("parent of another kind",
           "insert into MenuResourceFolder values ('f9', 'f3', 1, 'Чужая')",
-          "MenuResourceFolder f9 «Чужая»: родитель другого типа: Схемы");
+          "MenuResourceFolder f9 «Чужая»: родитель другого типа: «Схемы» (f3)");
     error("cycle of folders", "update MenuResourceFolder set ParentKey = 'f1' where KeyLink = 'f1'",
-          "MenuResourceFolder f1 «Разное»: круг по полю ParentKey записей в круге: 1");
+          "MenuResourceFolder f1 «Разное»: круг: стоит внутри самой себя; записей в круге: 1");
     error("top folder renamed",
           "update MenuResourceFolder set caption = 'x' where caption = 'функции'",
-          "база данных: нет верхней папки «функции»");
-    warning("folder under the fixed row",
-            "insert into MenuResourceFolder values ('f9', 'FileResources', 4, 'Новая')",
-            "MenuResourceFolder f9 «Новая»: сделана под верхней строкой дерева");
+          "MenuResourceFolder: нет верхней папки, без неё дерево ресурсов не загружается; её "
+          "сделает init: функции");
+    error("folder under the fixed row",
+          "insert into MenuResourceFolder values ('f9', 'FileResources', 4, 'Новая')",
+          "MenuResourceFolder f9 «Новая»: сделана под верхней строкой дерева");
     warning("caption that is no path",
             "update MenuResourceFolder set caption = 'а/б' where KeyLink = 'f3'",
             "MenuResourceFolder f3 «а/б»: название не годится в путь");
@@ -177,11 +185,16 @@ void TestAdminCheck::everyDefectIsFoundAlone_data() {
             "папка gone");
     error("folder of another kind",
           "update MenuResource set MenuResourceFolderKey = 'f3' where KeyLink = 'r1'",
-          "MenuResource r1 «Тренды»: папка другого типа: Схемы");
+          "MenuResource r1 «Тренды»: папка другого типа: «Схемы» (f3)");
     error("user of a lock gone", "update MenuResource set UsersKey = 'gone' where KeyLink = 'r3'",
           "MenuResource r3 «Схема»: нет пользователя, который держит блокировку: gone");
     warning("lock on a module", "update MenuResource set UsersKey = 'u1' where KeyLink = 'r1'",
             "MenuResource r1 «Тренды»: блокировка не на форме");
+    error("file in the fixed row",
+          "update MenuResource set MenuResourceFolderKey = 'FileResources' where type_ = 4",
+          "MenuResource %FILE% «a.png»: после перезапуска редактора не виден; папка FileResources");
+    warning("element where another one is", "update Menu set order_ = 0 where KeyLink = 'm3'",
+            "Menu m3 «Схема»: место по порядку то же, что у соседнего элемента: 0");
     warning("file without content",
             "insert into MenuResource(KeyLink, name_, type_) values ('r9', 'x.txt', 4)",
             "MenuResource r9 «x.txt»: содержимого файла в хранилище нет: x.txt");
@@ -200,7 +213,9 @@ void TestAdminCheck::everyDefectIsFoundAlone() {
     const AdminResult result = admin.run({"check"});
     QVERIFY(result.err.isEmpty());
     QCOMPARE(result.code, isError ? 1 : 0);
-    const QStringList lines = result.lines();
+    QStringList lines = result.lines();
+    lines.replaceInStrings(QRegularExpression("» \\([^)]*\\): "), "»: "); // where it stands
+    finding.replace("%FILE%", admin.sql("select KeyLink from MenuResource where type_ = 4"));
     const QString line = (isError ? "ошибка: " : "замечание: ") + finding;
     int found = 0, others = 0;
     for (const QString& each : lines) {
@@ -229,8 +244,8 @@ void TestAdminCheck::keysOfFixedRowsAreFound() {
     const AdminResult result = admin.run({"check"});
     QCOMPARE(result.code, 1);
     for (const QString& key : keys)
-        QVERIFY2(result.out.contains(
-                     QRegularExpression("ошибка: " + key + " «[^»]*»: такой ключ у строки дерева")),
+        QVERIFY2(result.out.contains(QRegularExpression(
+                     "ошибка: " + key + " «[^»]*»[^:]*: такой ключ у строки дерева")),
                  qPrintable(key + '\n' + result.out));
     QVERIFY2(result.out.contains("ошибок: 8,"), qPrintable(result.out));
 }
@@ -244,8 +259,131 @@ void TestAdminCheck::aCycleIsToldOnceWithItsLength() {
                       .arg((i + 1) % 3));
     const AdminResult result = admin.run({"check"});
     QCOMPARE(result.code, 1);
-    QCOMPARE(result.out.count("круг по полю"), 1); // c3 hangs on it and is not in it
+    QCOMPARE(result.out.count("круг: "), 1); // c3 hangs on it and is not in it
     QVERIFY2(result.out.contains("записей в круге: 3"), qPrintable(result.out));
+}
+
+void TestAdminCheck::aFindingTellsWhereItsRecordStands() {
+    const AdminRun admin;
+    admin.copyFrom(sound_);
+    admin.sql("update Menu set ico = 'b.png' where KeyLink = 'm2'");
+    QVERIFY(admin.run({"check"}).out.contains("Menu m2 «Тренды» (Папка / Стол / Папка меню): "));
+    const QJsonObject finding =
+        QJsonDocument::fromJson(admin.run({"check", "--json"}).lines()[0].toUtf8()).object();
+    QCOMPARE(finding["path"].toString(), QString("Папка / Стол / Папка меню"));
+    QCOMPARE(finding["kind"].toString(), QString("no-icon"));
+    QCOMPARE(finding["fix"].toString(), QString("убрать значок"));
+}
+
+void TestAdminCheck::whatIsBelowALostRecordIsCounted() {
+    const AdminRun admin;
+    admin.copyFrom(sound_);
+    admin.sql("update MenuFolder set ParentKey = 'gone' where KeyLink = 'd2'");
+    const AdminResult result = admin.run({"check"});
+    QVERIFY2(result.out.contains("нет родителя gone; вместе с этим не видно записей: 3"),
+             qPrintable(result.out));
+}
+
+void TestAdminCheck::aCertainCureIsAppliedAndUndone_data() {
+    QTest::addColumn<QString>("damage");
+    QTest::addColumn<QString>("look"); // one value that the cure changes
+    QTest::addColumn<QString>("cured");
+    const auto row = [](const char* name, const char* damage, const char* look, const char* cured) {
+        QTest::newRow(name) << QString(damage) << QString(look) << QString(cured);
+    };
+    const char* top = "select ifnull(f.caption, '-') from MenuResource r left join "
+                      "MenuResourceFolder f on f.KeyLink = r.MenuResourceFolderKey "
+                      "where r.KeyLink = '%1'";
+    row("orphan form",
+        "update MenuResource set MenuResourceFolderKey = 'gone' where KeyLink = 'r3'",
+        qPrintable(QString(top).arg("r3")), "формы отображения");
+    row("module without a folder",
+        "update MenuResource set MenuResourceFolderKey = null where KeyLink = 'r1'",
+        qPrintable(QString(top).arg("r1")), "модули");
+    row("module in a folder of forms",
+        "update MenuResource set MenuResourceFolderKey = 'f3' where KeyLink = 'r1'",
+        qPrintable(QString(top).arg("r1")), "модули");
+    row("file below the fixed row",
+        "update MenuResource set MenuResourceFolderKey = 'FileResources' where type_ = 4",
+        "select ifnull(MenuResourceFolderKey, '-') from MenuResource where type_ = 4", "-");
+    row("folder whose parent is gone",
+        "update MenuResourceFolder set ParentKey = 'gone' where KeyLink = 'f1'",
+        "select p.caption from MenuResourceFolder f join MenuResourceFolder p on p.KeyLink = "
+        "f.ParentKey where f.KeyLink = 'f1'",
+        "модули");
+    row("desktop whose folder is gone",
+        "update MenuFolder set ParentKey = 'gone' where KeyLink = 'd2'",
+        "select ifnull(ParentKey, '-') from MenuFolder where KeyLink = 'd2'", "-");
+    row("element whose folder is gone", "update Menu set parent = 'gone' where KeyLink = 'm2'",
+        "select ifnull(parent, '-') from Menu where KeyLink = 'm2'", "-");
+    row("desktop key in other letters", "update Menu set FolderKey = 'D2' where KeyLink = 'm3'",
+        "select FolderKey from Menu where KeyLink = 'm3'", "d2");
+    row("icon that is gone", "update Menu set ico = 'b.png' where KeyLink = 'm2'",
+        "select ifnull(ico, '-') from Menu where KeyLink = 'm2'", "-");
+    row("order of the other class", "update MenuFolder set order_ = '1000' where KeyLink = 'd3'",
+        "select order_ from MenuFolder where KeyLink = 'd3'", "2000");
+    row("two in one place", "update Menu set order_ = 0 where KeyLink = 'm3'",
+        "select (select order_ from Menu where KeyLink = 'm1') < order_ from Menu where KeyLink = "
+        "'m3'",
+        "1");
+    row("holder of a lock gone", "update MenuResource set UsersKey = 'gone' where KeyLink = 'r3'",
+        "select ifnull(UsersKey, '-') || ifnull(dateTimeEdit, '-') from MenuResource "
+        "where KeyLink = 'r3'",
+        "--");
+}
+
+void TestAdminCheck::aCertainCureIsAppliedAndUndone() {
+    QFETCH(QString, damage);
+    QFETCH(QString, look);
+    QFETCH(QString, cured);
+    const AdminRun admin;
+    admin.copyFrom(sound_);
+    admin.sql(damage);
+    const QString before = admin.sql(look);
+    QVERIFY2(before != cured, qPrintable(before));
+    const AdminResult fixed = admin.run({"check", "--fix"});
+    QVERIFY2(fixed.code == 0 && fixed.out.contains(", исправлено: "),
+             qPrintable(fixed.out + fixed.err));
+    QCOMPARE(admin.sql(look), cured);
+    const QString change = admin.sql("select max(id) from NciEvent");
+    QCOMPARE(admin.sql("select login from NciEvent where id = " + change), QString("admin"));
+    QCOMPARE(admin.run({"undo", change}).code, 0);
+    QCOMPARE(admin.sql(look), before);
+}
+
+void TestAdminCheck::manyCuresAreOneAction() {
+    const AdminRun admin;
+    admin.copyFrom(sound_);
+    for (int i = 0; i < 70; ++i)
+        admin.sql(QString("insert into Menu values ('x%1', 'gone', 'd2', 'Э%1', 5, 'no.png', 0, 0, "
+                          "'r1', null)")
+                      .arg(i));
+    const AdminResult fixed = admin.run({"check", "--fix", "--json"});
+    const QJsonObject sum = QJsonDocument::fromJson(fixed.lines().last().toUtf8()).object();
+    QVERIFY2(sum["fixed"].toInt() >= 140, qPrintable(fixed.lines().last()));
+    QCOMPARE(sum["errors"].toInt(), 0);
+    QCOMPARE(
+        admin.sql("select count(distinct \"group\") from NciEvent where login = 'admin' and id > "
+                  "(select max(id) - 70 from NciEvent)"),
+        QString("1"));
+    QCOMPARE(admin.run({"check", "--fix"}).code, 0); // what the first round has brought about
+    QCOMPARE(admin.run({"check"}).lines().size(), 1);
+}
+
+void TestAdminCheck::whatIsNotCertainIsLeftAlone() {
+    const AdminRun admin;
+    admin.copyFrom(sound_);
+    admin.sql("update Menu set MenuResourceKey = 'gone' where KeyLink = 'm3'"); // no folder, please
+    admin.sql("insert into Users(KeyLink, login_) values ('u2', 'ANNA')");
+    // Its name is taken where it would go.
+    admin.sql("insert into MenuResourceFolder select 'f8', KeyLink, 1, 'Своя' from "
+              "MenuResourceFolder where type_ = 1 and ParentKey is null");
+    admin.sql("insert into MenuResourceFolder values ('f9', 'gone', 1, 'СВОЯ')");
+    const int events = admin.count("NciEvent");
+    const AdminResult result = admin.run({"check", "--fix"});
+    QCOMPARE(result.code, 1);
+    QVERIFY2(result.out.contains("ошибок: 3, замечаний: 0, исправлено: 0"), qPrintable(result.out));
+    QCOMPARE(admin.count("NciEvent"), events);
 }
 
 void TestAdminCheck::damagedPagesAreFound() {

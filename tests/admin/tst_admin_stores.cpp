@@ -56,7 +56,7 @@ void TestAdminStores::theDemonstrationIsSoundAndTheSameInEveryStore() {
     ORVO_DONE(run({"demo"}));
     const AdminResult check = run({"check"});
     QCOMPARE(check.code, 0);
-    QVERIFY2(check.out.endsWith("ошибок: 0, замечаний: 1\n"), qPrintable(check.out));
+    QVERIFY2(check.out.contains("ошибок: 0, замечаний: 1,"), qPrintable(check.out));
     ORVO_REFUSED(run({"demo"}), "уже есть данные");
     QVERIFY(m_other.renew());
     ORVO_DONE(runOn(m_other, {"init"}));

@@ -1,67 +1,212 @@
 #include "apps/admin/Failure.h"
 #include "apps/admin/Json.h"
+#include "apps/admin/Output.h"
 #include "apps/admin/Verb.h"
-#include "apps/admin/check/Rules.h"
+#include "checks/Cures.h"
+#include "checks/Problems.h"
+
+#include <map>
 
 namespace orvo::admin {
 
 namespace {
 
+constexpr int shownPerKind = 50;
+constexpr const char* notCured = "ничего не исправлено";
+
 void checkOptions(OptionList& options) {
     options.append({QStringLiteral("all"),
                     QString::fromUtf8("Показать все находки, а не первые %1 каждого вида.")
-                        .arg(Findings::shownPerRule)});
+                        .arg(shownPerKind)});
+    options.append(
+        {QStringLiteral("fix"),
+         QString::fromUtf8("Исправить то, что исправляется однозначно; отменяет undo.")});
     jsonOption(options);
 }
 
-/// Checks the tables and gives the number of their records.
-int checkRecords(store::Store& store, Findings& findings) {
-    const Catalogue catalogue(store);
-    checkPeople(catalogue, findings);
-    checkDesktops(catalogue, findings);
-    checkElements(catalogue, findings);
-    checkFolders(catalogue, findings);
-    checkResources(catalogue, findings);
-    checkFixedKeys(catalogue, findings);
-    checkContents(store, catalogue, findings);
-    int records = 0;
-    for (const Table* table : {&catalogue.users, &catalogue.extensions, &catalogue.folders,
-                               &catalogue.resources, &catalogue.desktops, &catalogue.elements})
-        records += table->count();
-    return records;
+/// The records of the store as they are, and what is wrong with them.
+struct Survey {
+    int64_t seen = 0; ///< the log had this change before anything was read
+    checks::Catalogue records;
+    checks::Problems problems{records};
+
+    void read(store::Store& store) {
+        require(store.logPosition(&seen), "журнал не читается");
+        require(records.load(store), "записи не читаются");
+        problems.lookAtAll();
+        std::vector<checks::Problems::FilePlace> places;
+        require(checks::readContents(store, &places), "файлы не перечислены");
+        problems.setContents(places);
+        problems.settle();
+    }
+};
+
+/// Prints findings as they come, of each kind the first ones.
+class Report {
+public:
+    Report(bool all, bool json) : all_(all), json_(json) {}
+
+    void damage(const std::string& what) {
+        ++damages_;
+        json_ ? outJson({{"severity", "error"}, {"kind", "damage"}, {"what", jsonText(what)}})
+              : out("ошибка: база данных: " + cell(what));
+    }
+
+    void fixed(const checks::Problems& problems, const checks::Finding& finding,
+               const checks::Cure& cure) {
+        ++fixed_;
+        print(problems, finding, &cure, true);
+    }
+
+    void found(const checks::Problems& problems) {
+        for (const checks::Finding& finding : problems.all()) {
+            const auto cure = checks::cureOf(problems, finding);
+            curable_ += cure ? 1 : 0;
+            print(problems, finding, cure ? &*cure : nullptr, false);
+        }
+        errors_ = problems.errors();
+        warnings_ = problems.warnings();
+        records_ = problems.records().count();
+    }
+
+    bool hasErrors() const { return damages_ + errors_ > 0; }
+    /// Prints how many findings were not shown, and the sum of it all.
+    void finish(bool withFixes) const {
+        qint64 hidden = 0;
+        for (const auto& [kind, count] : perKind_)
+            if (!all_ && count > shownPerKind) {
+                hidden += count - shownPerKind;
+                if (!json_)
+                    out("не показано: " + kind + ": ещё " + std::to_string(count - shownPerKind) +
+                        " (все покажет --all)");
+            }
+        const auto number = [](size_t count) { return static_cast<qint64>(count); };
+        if (json_) {
+            QJsonObject sum{{"records", number(records_)},
+                            {"errors", number(damages_ + errors_)},
+                            {"warnings", number(warnings_)},
+                            {"notShown", hidden},
+                            {"fixable", number(curable_)}};
+            if (withFixes)
+                sum.insert(QStringLiteral("fixed"), number(fixed_));
+            return outJson(sum);
+        }
+        std::string sum = "проверено записей: " + std::to_string(records_) +
+                          ", ошибок: " + std::to_string(damages_ + errors_) +
+                          ", замечаний: " + std::to_string(warnings_);
+        if (withFixes)
+            sum += ", исправлено: " + std::to_string(fixed_);
+        if (curable_ > 0)
+            sum += ", исправит --fix: " + std::to_string(curable_);
+        out(sum);
+    }
+
+private:
+    void print(const checks::Problems& problems, const checks::Finding& finding,
+               const checks::Cure* cure, bool isFixed) {
+        const std::string kind = (isFixed ? "исправлено: " : "") +
+                                 std::string(finding.table->name) + ": " +
+                                 checks::titleOf(finding.problem).toStdString();
+        if (++perKind_[kind] > shownPerKind && !all_)
+            return;
+        const bool isError = checks::severityOf(finding.problem) == checks::Severity::Error;
+        const checks::Record record = problems.records().find(*finding.table, finding.key);
+        const QString path = record ? checks::pathOf(problems.records(), record) : QString();
+        const QString what = checks::wordsOf(problems.records(), finding);
+        if (json_) {
+            QJsonObject object{{"severity", isError ? "error" : "warning"},
+                               {"kind", checks::identifierOf(finding.problem)},
+                               {"table", finding.table->name},
+                               {"key", jsonText(finding.key)},
+                               {"name", record ? record.name() : QString()},
+                               {"path", path},
+                               {"what", what}};
+            if (cure)
+                object.insert(QStringLiteral("fix"), cure->words);
+            if (isFixed)
+                object.insert(QStringLiteral("fixed"), true);
+            return outJson(object);
+        }
+        std::string line = isFixed ? "исправлено: " : isError ? "ошибка: " : "замечание: ";
+        line += finding.table->name;
+        if (record)
+            line += " " + cell(finding.key) + " «" + cell(record.name().toStdString()) + "»";
+        if (!path.isEmpty())
+            line += " (" + cell(path.toStdString()) + ")";
+        line += ": " + cell(what.toStdString());
+        if (isFixed)
+            line += " - " + cell(cure->words.toStdString());
+        out(line);
+    }
+
+    const bool all_, json_;
+    size_t damages_ = 0, errors_ = 0, warnings_ = 0, curable_ = 0, fixed_ = 0, records_ = 0;
+    std::map<std::string, int> perKind_; ///< table and kind of finding; how many
+};
+
+/// Writes the cures of all findings that have one, as one action.
+void fix(store::MaintainedStore& store, Report& report) {
+    constexpr int mostTries = 5; // others write as well
+    for (int tried = 1;; ++tried) {
+        Survey survey;
+        survey.read(store);
+        checks::CureBatch batch;
+        std::vector<std::pair<checks::Finding, checks::Cure>> cures;
+        for (const checks::Finding& finding : survey.problems.all())
+            if (auto cure = checks::cureOf(survey.problems, finding); cure && batch.add(*cure))
+                cures.emplace_back(finding, std::move(*cure));
+        if (batch.isEmpty())
+            return;
+        const store::Status status = store.writeAll(batch.parts(), survey.seen, {});
+        if (status.code == store::Outdated && tried < mostTries)
+            continue;
+        require(status, notCured);
+        for (const auto& [finding, cure] : cures)
+            report.fixed(survey.problems, finding, cure);
+        return;
+    }
 }
 
 int run(const Invocation& call) {
     const auto store = call.open();
-    Findings findings(call.has("all"), call.has("json"));
+    Report report(call.has("all"), call.has("json"));
     // The database first: what is damaged may not be readable below.
     std::vector<std::string> damages;
     require(store->integrity(&damages), "база данных не проверена");
     for (const std::string& damage : damages)
-        findings.damage(damage);
-
-    int records = 0;
+        report.damage(damage);
+    if (call.has("fix")) {
+        std::vector<std::string> loose; // rights that others have do no harm to what is written
+        require(store->looseRights(&loose), notCured);
+        if (damages.size() > loose.size())
+            throw Failure(std::string(notCured) + ": база данных повреждена, см. check без --fix");
+        fix(*store, report);
+    }
+    Survey survey;
     try {
-        records = checkRecords(*store, findings);
+        survey.read(*store);
+        report.found(survey.problems);
     } catch (const Failure& failure) {
         // Of a damaged database some tables may not be readable: one finding more.
         if (damages.empty())
             throw;
-        findings.damage(failure.what());
+        report.damage(failure.what());
     }
-    findings.finish(records);
-    return findings.errors() ? ErrorsFound : Done;
+    report.finish(call.has("fix"));
+    return report.hasErrors() ? ErrorsFound : Done;
 }
 
 } // namespace
 
 const Verb checkVerb = {
     "check",
-    "[--all] [--json]",
+    "[--all] [--fix] [--json]",
     "Проверить хранилище",
-    "Называет каждую находку на своей строке: таблица, ключ, название, что не так. Ошибка - то,\n"
-    "что потеряно, не видно в редакторах или двусмысленно; замечание - то, на что стоит взглянуть\n"
-    "(например, форма без папки). Код завершения 1, если есть ошибки; замечания его не меняют.",
+    "Называет каждую находку на своей строке: таблица, ключ, название, где стоит, что не так.\n"
+    "Ошибка - то, что потеряно, не видно в редакторах или двусмысленно; замечание - то, на что\n"
+    "стоит взглянуть (например, форма без папки). С --fix сначала исправляет то, что исправляется\n"
+    "однозначно, одним действием истории, которое отменяет undo. Код завершения 1, если остались\n"
+    "ошибки; замечания его не меняют.",
     0,
     0,
     checkOptions,

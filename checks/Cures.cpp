@@ -1,0 +1,195 @@
+#include "checks/Cures.h"
+
+#include "history/RecordWords.h"
+#include "platform/mdx/MdxBuild.h"
+#include "platform/store/Names.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace orvo::checks {
+
+namespace {
+
+using store::Value;
+
+const Value null;
+
+store::Write update(const Record& record, std::vector<std::pair<int, Value>> values) {
+    std::sort(values.begin(), values.end(),
+              [](const auto& a, const auto& b) { return a.first < b.first; });
+    store::Write write;
+    write.flag = MDX_UPDATE;
+    write.key = record.key();
+    write.values = std::move(values);
+    return write;
+}
+
+Cure single(const char* words, const Record& record, std::vector<std::pair<int, Value>> values) {
+    return {QString::fromUtf8(words), {&record.table(), {update(record, std::move(values))}}};
+}
+
+Cure clearing(const char* words, const Record& record, int field) {
+    return single(words, record, {{field, null}});
+}
+
+/// Into the top folder of its kind, files to the top. Not where its name is taken.
+std::optional<Cure> toTop(const Problems& problems, const Record& record, int kind, int link) {
+    const Fields& f = fields();
+    const Record top = problems.topFolder(kind);
+    if (kind < Kind::Module || kind > Kind::File || (kind != Kind::File && !top))
+        return std::nullopt;
+    const std::string key = kind == Kind::File ? std::string() : top.key();
+    if (top && top.number() == record.number())
+        return std::nullopt;
+    std::string identity;
+    if (&record.table() == &f.folders)
+        identity = Namesakes::folderPlace(kind, key, record.cp1251(f.folder.caption));
+    else if (kind == Kind::File)
+        identity = Namesakes::filePlace({}, record.cp1251(f.resource.name));
+    if (!identity.empty() && problems.namesakes().first(problems.records(), identity).owner)
+        return std::nullopt;
+    Cure cure =
+        single("перенести на верхний уровень", record, {{link, key.empty() ? null : Value(key)}});
+    if (!key.empty())
+        cure.words = QStringLiteral("перенести в папку %1").arg(history::quoted(top.name()));
+    cure.claims = identity;
+    return cure;
+}
+
+/// Whether going up from there one comes upon the record.
+bool standsBelow(const Catalogue& records, Record at, const Record& record) {
+    for (int depth = 0; at && depth < 10000; ++depth, at = above(records, at))
+        if (at.number() == record.number())
+            return true;
+    return false;
+}
+
+/// Distinct orders for the elements of one folder, changing as few as the sequence allows.
+std::optional<Cure> distinctOrders(const Catalogue& records, const Record& element) {
+    const Fields& f = fields();
+    struct Place {
+        int order;
+        std::string key;
+        Record record;
+    };
+    std::vector<Place> places;
+    const std::string parent = element.text(f.element.parent);
+    const std::string desktop = element.text(f.element.desktop);
+    const auto take = [&](const Record& one, int) {
+        if (folded(one.cp1251(f.element.desktop)) == folded(element.cp1251(f.element.desktop)) &&
+            folded(one.cp1251(f.element.parent)) == folded(element.cp1251(f.element.parent)))
+            places.push_back({one.integer(f.element.order), store::foldedKey(one.key()), one});
+        return true;
+    };
+    if (parent.empty())
+        records.forEachWith(table::Menu, field::FolderKey, desktop, take);
+    else
+        records.forEachWith(table::Menu, field::parent, parent, take);
+    std::sort(places.begin(), places.end(), [](const Place& a, const Place& b) {
+        return std::tie(a.order, a.key) < std::tie(b.order, b.key);
+    });
+    std::vector<int64_t> orders;
+    for (const Place& place : places)
+        orders.push_back(orders.empty() ? place.order
+                                        : std::max<int64_t>(place.order, orders.back() + 1));
+    constexpr int64_t step = 1000;
+    if (!orders.empty() && orders.back() > std::numeric_limits<int>::max())
+        for (size_t i = 0; i < orders.size(); ++i)
+            orders[i] = static_cast<int64_t>(i) * step;
+    Cure cure{QStringLiteral("дать соседним элементам разные места, сохранив порядок"),
+              {&f.elements, {}}};
+    for (size_t i = 0; i < places.size(); ++i)
+        if (orders[i] != places[i].order)
+            cure.writes.writes.push_back(update(places[i].record, {{f.element.order, orders[i]}}));
+    return cure.writes.writes.empty() ? std::nullopt : std::make_optional(cure);
+}
+
+/// A desktop, or a folder of them, whose link names nothing is shown at the top.
+std::optional<Cure> withoutParent(const Problems& problems, const Record& record) {
+    const Fields& f = fields();
+    if (&record.table() == &f.folders)
+        return toTop(problems, record, record.integer(f.folder.kind), f.folder.parent);
+    return clearing("перенести на верхний уровень", record, parentFieldOf(record.table()));
+}
+
+} // namespace
+
+std::optional<Cure> cureOf(const Problems& problems, const Finding& finding) {
+    const Fields& f = fields();
+    const Catalogue& records = problems.records();
+    const Record record = records.find(*finding.table, finding.key);
+    if (!record)
+        return std::nullopt;
+    switch (finding.problem) {
+    case Problem::NoParent:
+    case Problem::UnderTopRow:
+        return withoutParent(problems, record);
+    case Problem::OrderClassUnknown:
+    case Problem::OrderClassOfOther: {
+        const bool isFolder = record.integer(f.desktop.isFolder) != 0;
+        return single(
+            isFolder ? "записать order_ «1000», как у папки"
+                     : "записать order_ «2000», как у рабочего стола",
+            record,
+            {{f.desktop.order, std::string(isFolder ? sortclass::folder : sortclass::desktop)}});
+    }
+    case Problem::DesktopSpelling: {
+        const Record desktop = records.linked(record, f.element.desktop);
+        if (!desktop)
+            return std::nullopt;
+        return single("записать ключ рабочего стола так, как он есть", record,
+                      {{f.element.desktop, desktop.key()}});
+    }
+    case Problem::NoIcon:
+        return clearing("убрать значок", record, f.element.icon);
+    case Problem::SameOrder:
+        return distinctOrders(records, record);
+    case Problem::ParentOfOtherKind:
+        // Not below itself, should the top folder have come to stand there.
+        if (standsBelow(records, problems.topFolder(record.integer(f.folder.kind)), record))
+            return std::nullopt;
+        return toTop(problems, record, record.integer(f.folder.kind), f.folder.parent);
+    case Problem::FolderUnsaid:
+    case Problem::InTopRow:
+    case Problem::NoFolder:
+    case Problem::OrphanForm:
+    case Problem::FolderOfOtherKind:
+        return toTop(problems, record, record.integer(f.resource.kind), f.resource.folder);
+    case Problem::LockHolderGone:
+    case Problem::LockOnNoForm:
+        return single("снять блокировку", record,
+                      {{f.resource.holder, null}, {f.resource.since, null}});
+    default:
+        return std::nullopt;
+    }
+}
+
+bool CureBatch::add(const Cure& cure) {
+    if (!cure.claims.empty() && !m_claims.insert(cure.claims).second)
+        return false;
+    auto& part = m_parts[cure.writes.table];
+    for (const store::Write& write : cure.writes.writes) {
+        store::Write& all = part.try_emplace(store::foldedKey(write.key), write).first->second;
+        for (const auto& [field, value] : write.values) {
+            const auto at = std::lower_bound(
+                all.values.begin(), all.values.end(), field,
+                [](const auto& known, int wanted) { return known.first < wanted; });
+            if (at == all.values.end() || at->first != field)
+                all.values.insert(at, {field, value});
+        }
+    }
+    return true;
+}
+
+std::vector<store::TableWrites> CureBatch::parts() const {
+    std::vector<store::TableWrites> parts;
+    for (const auto& [table, writes] : m_parts) {
+        parts.push_back({table, {}});
+        for (const auto& [key, write] : writes)
+            parts.back().writes.push_back(write);
+    }
+    return parts;
+}
+
+} // namespace orvo::checks

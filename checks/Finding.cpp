@@ -1,0 +1,144 @@
+#include "checks/Finding.h"
+
+#include "history/RecordWords.h"
+
+namespace orvo::checks {
+
+namespace {
+
+/// What the value of a finding is.
+enum class Detail {
+    None,
+    Text,      ///< shown as it is
+    Key,       ///< of a record that is not stored
+    ParentKey, ///< of one in the same table, which is
+    DesktopKey,
+    FolderKey,
+    ResourceKey,
+};
+
+struct Description {
+    Severity severity;
+    const char* identifier;
+    const char* title;
+    Detail detail = Detail::None;
+    bool hides = false; ///< neither the record nor what stands below it is shown anywhere
+};
+
+const Description& describe(Problem problem) {
+    constexpr Severity E = Severity::Error, W = Severity::Warning;
+    static const Description all[] = {
+        {E, "login-empty", "пустое имя входа"},
+        {E, "login-twice", "имя входа уже есть у другого пользователя"},
+        {E, "extension-empty", "пустое расширение"},
+        {W, "extension-twice", "расширение повторяется"},
+        {E, "no-caption", "пустое название"},
+        {E, "no-parent", "нет родителя", Detail::Key, true},
+        {E, "circle", "круг: стоит внутри самой себя; записей в круге:", Detail::Text, true},
+        {E, "fixed-key",
+         "такой ключ у строки дерева, за которой нет записи; редактор принимает одну за другую"},
+        {E, "unknown-kind", "неизвестный тип", Detail::Text, true},
+        {E, "order-class-unknown", "order_ не \"1000\" и не \"2000\":", Detail::Text},
+        {E, "order-class-of-other",
+         "order_ не соответствует isFolder (папка - \"1000\", рабочий стол - \"2000\"):",
+         Detail::Text},
+        {E, "parent-is-desktop", "родитель - рабочий стол, а не папка:", Detail::ParentKey, true},
+        {E, "desktop-unsaid", "не сказано, на каком рабочем столе элемент", Detail::None, true},
+        {E, "no-desktop", "нет рабочего стола", Detail::Key, true},
+        {E, "desktop-is-folder", "вместо рабочего стола папка столов:", Detail::DesktopKey, true},
+        {E, "desktop-spelling", "ключ рабочего стола записан другими буквами:", Detail::Text, true},
+        {E, "parent-elsewhere", "родитель на другом рабочем столе:", Detail::ParentKey, true},
+        {E, "parent-no-folder", "родитель - не папка меню:", Detail::ParentKey, true},
+        {E, "no-resource", "нет ресурса", Detail::Key},
+        {W, "not-launched", "ресурс такого типа из меню не запускается:", Detail::ResourceKey},
+        {W, "no-icon", "в папке icons нет значка", Detail::Text},
+        {W, "same-order", "место по порядку то же, что у соседнего элемента:", Detail::Text},
+        {E, "folder-twice", "рядом есть папка с таким же названием"},
+        {W, "caption-no-path", "название не годится в путь, на диск не переносится"},
+        {E, "under-top-row",
+         "сделана под верхней строкой дерева и после перезапуска редактора не видна; ParentKey",
+         Detail::Text, true},
+        {E, "parent-of-other-kind", "родитель другого типа:", Detail::ParentKey, true},
+        {E, "no-top-folder",
+         "нет верхней папки, без неё дерево ресурсов не загружается; её сделает init:",
+         Detail::Text},
+        {E, "name-empty", "пустое имя ресурса"},
+        {E, "name-twice", "имя ресурса повторяется:", Detail::Text},
+        {E, "folder-unsaid", "ресурс вне папок, в дереве не виден"},
+        {E, "in-top-row", "после перезапуска редактора не виден; папка", Detail::Text},
+        {E, "no-folder", "нет папки", Detail::Key},
+        {W, "orphan-form", "папки нет, форма стоит среди непривязанных объектов; папка",
+         Detail::Key},
+        {E, "folder-of-other-kind", "папка другого типа:", Detail::FolderKey},
+        {E, "lock-holder-gone", "нет пользователя, который держит блокировку:", Detail::Key},
+        {W, "lock-on-no-form", "блокировка не на форме"},
+        {W, "name-no-file", "имя не годится для файла, на диск не переносится"},
+        {W, "no-content", "содержимого файла в хранилище нет:", Detail::Text},
+    };
+    static_assert(std::size(all) == static_cast<size_t>(Problem::NoContent) + 1);
+    return all[static_cast<size_t>(problem)];
+}
+
+/// "«Схемы» (f3)".
+QString named(const Catalogue& records, const store::TableDef& table, const std::string& key) {
+    const Record record = records.find(table, key);
+    const QString name = record ? record.name() : QString();
+    return name.isEmpty()
+               ? QString::fromStdString(key)
+               : QStringLiteral("%1 (%2)").arg(history::quoted(name), QString::fromStdString(key));
+}
+
+QString detailOf(const Catalogue& records, const Finding& finding) {
+    switch (describe(finding.problem).detail) {
+    case Detail::None:
+        return {};
+    case Detail::Text:
+    case Detail::Key:
+        return QString::fromStdString(finding.value);
+    case Detail::ParentKey:
+        return named(records, *finding.table, finding.value);
+    case Detail::DesktopKey:
+        return named(records, fields().desktops, finding.value);
+    case Detail::FolderKey:
+        return named(records, fields().folders, finding.value);
+    case Detail::ResourceKey: {
+        const Record resource = records.find(fields().resources, finding.value);
+        return QStringLiteral("%1, тип %2")
+            .arg(named(records, fields().resources, finding.value))
+            .arg(resource ? resource.integer(fields().resource.kind) : 0);
+    }
+    }
+    return {};
+}
+
+} // namespace
+
+Severity severityOf(Problem problem) {
+    return describe(problem).severity;
+}
+
+const char* identifierOf(Problem problem) {
+    return describe(problem).identifier;
+}
+
+QString titleOf(Problem problem) {
+    return QString::fromUtf8(describe(problem).title);
+}
+
+QString wordsOf(const Catalogue& records, const Finding& finding) {
+    QString words = titleOf(finding.problem);
+    if (const QString detail = detailOf(records, finding); !detail.isEmpty())
+        words += QLatin1Char(' ') + detail;
+    const Record record =
+        describe(finding.problem).hides ? records.find(*finding.table, finding.key) : Record();
+    if (!record)
+        return words;
+    constexpr size_t most = 1000;
+    if (const size_t below = countBelow(records, record, most); below > 0)
+        words += QStringLiteral("; вместе с этим не видно записей: %1%2")
+                     .arg(below >= most ? QStringLiteral("не меньше ") : QString())
+                     .arg(below);
+    return words;
+}
+
+} // namespace orvo::checks

@@ -1,0 +1,144 @@
+#include "checks/Namesakes.h"
+
+#include "platform/mdx/MdxBuild.h"
+#include "platform/store/Names.h"
+
+#include <cassert>
+
+namespace orvo::checks {
+
+namespace {
+
+uint32_t hashOf(const std::string& identity) {
+    const size_t hash = std::hash<std::string>()(identity);
+    return static_cast<uint32_t>(hash ^ hash >> 32);
+}
+
+} // namespace
+
+std::string Namesakes::folderPlace(int kind, std::string_view above, std::string_view caption) {
+    return "f\n" + std::to_string(kind) + '\n' + folded(above) + '\n' + folded(caption);
+}
+
+std::string Namesakes::filePlace(std::string_view folder, std::string_view name) {
+    return "r\n" + std::to_string(int(Kind::File)) + '\n' + folded(folder) + '\n' + folded(name);
+}
+
+std::string Namesakes::topPlace(int kind) {
+    const char* caption = topCaptionOf(kind);
+    return caption ? folderPlace(kind, {}, mdx::toCp1251(caption)) : std::string();
+}
+
+std::string Namesakes::identityOf(const Record& record) {
+    const Fields& f = fields();
+    const store::TableDef* table = &record.table();
+    if (table == &f.elements) {
+        const std::string_view desktop = record.cp1251(f.element.desktop);
+        return desktop.empty()
+                   ? std::string()
+                   : "e\n" + folded(desktop) + '\n' + folded(record.cp1251(f.element.parent)) +
+                         '\n' + std::to_string(record.integer(f.element.order));
+    }
+    if (table == &f.resources) {
+        const std::string_view name = record.cp1251(f.resource.name);
+        const int kind = record.integer(f.resource.kind);
+        if (name.empty())
+            return {};
+        // Files are told apart by folder and name, everything else by its name alone.
+        return kind == Kind::File ? filePlace(record.cp1251(f.resource.folder), name)
+                                  : "r\n" + std::to_string(kind) + "\n\n" + folded(name);
+    }
+    if (table == &f.folders) {
+        const std::string_view caption = record.cp1251(f.folder.caption);
+        return caption.empty() ? std::string()
+                               : folderPlace(record.integer(f.folder.kind),
+                                             record.cp1251(f.folder.parent), caption);
+    }
+    if (table == &f.desktops)
+        return {};
+    const bool isUser = table == &f.users;
+    const std::string_view name = record.cp1251(isUser ? f.user.login : f.extension.name);
+    return name.empty() ? std::string() : (isUser ? "u\n" : "x\n") + folded(name);
+}
+
+void Namesakes::clear() {
+    m_nodes.clear();
+    m_chains.clear();
+    m_count = 0;
+}
+
+void Namesakes::link(uint32_t number) {
+    Node& node = m_nodes[number];
+    uint32_t& head = m_chains[node.hash & (m_chains.size() - 1)];
+    node.previous = none;
+    node.next = head;
+    if (head != none)
+        m_nodes[head].previous = number;
+    head = number;
+}
+
+void Namesakes::grow() {
+    m_chains.assign(m_chains.empty() ? 1024 : m_chains.size() * 2, none);
+    for (uint32_t number = 0; number < m_nodes.size(); ++number)
+        if (m_nodes[number].used)
+            link(number);
+}
+
+void Namesakes::add(const Record& record) {
+    const std::string identity = identityOf(record);
+    if (identity.empty())
+        return;
+    const uint32_t number = record.number();
+    if (number >= m_nodes.size())
+        m_nodes.resize(std::max<size_t>(size_t(number) + 1, m_nodes.size() * 3 / 2));
+    assert(!m_nodes[number].used);
+    if (m_count >= m_chains.size())
+        grow();
+    m_nodes[number].hash = hashOf(identity);
+    m_nodes[number].used = true;
+    link(number);
+    ++m_count;
+}
+
+void Namesakes::remove(uint32_t number) {
+    if (number >= m_nodes.size() || !m_nodes[number].used)
+        return;
+    Node& node = m_nodes[number];
+    if (node.previous == none)
+        m_chains[node.hash & (m_chains.size() - 1)] = node.next;
+    else
+        m_nodes[node.previous].next = node.next;
+    if (node.next != none)
+        m_nodes[node.next].previous = node.previous;
+    node = {};
+    --m_count;
+}
+
+void Namesakes::forEach(const Catalogue& records, const std::string& identity,
+                        const std::function<void(const Record&)>& each) const {
+    if (m_chains.empty() || identity.empty())
+        return;
+    const uint32_t hash = hashOf(identity);
+    for (uint32_t at = m_chains[hash & (m_chains.size() - 1)]; at != none; at = m_nodes[at].next)
+        if (m_nodes[at].hash == hash)
+            if (const Record record = records.at(at); identityOf(record) == identity)
+                each(record);
+}
+
+Namesakes::First Namesakes::first(const Catalogue& records, const std::string& identity) const {
+    First found;
+    std::string ownerKey, nextKey;
+    forEach(records, identity, [&](const Record& record) {
+        std::string key = store::foldedKey(record.key());
+        if (!found.owner || key < ownerKey) {
+            found.next = std::exchange(found.owner, record);
+            nextKey = std::exchange(ownerKey, std::move(key));
+        } else if (!found.next || key < nextKey) {
+            found.next = record;
+            nextKey = std::move(key);
+        }
+    });
+    return found;
+}
+
+} // namespace orvo::checks
