@@ -1,8 +1,8 @@
 #include "desk/DeskModel.h"
 
 #include "desk/Columns.h"
+#include "frame/Kinds.h"
 #include "frame/RowDelegate.h"
-#include "frame/Vocabulary.h"
 
 #include <QFont>
 
@@ -11,18 +11,10 @@ namespace orvo::desk {
 namespace {
 
 const char* imageOf(int kind, bool open) {
-    switch (kind) {
-    case Kind::None:
+    if (kind == Kind::None)
         return open ? ":/res/openfolder1@2x.png" : ":/res/closedfolder1@2x.png";
-    case Kind::Module:
-        return ":/res/modul1@2x.png";
-    case Kind::Function:
-        return ":/res/function1@2x.png";
-    case Kind::Form:
-        return ":/res/showscheme1@2x.png";
-    default:
-        return ":/res/file1@2x.png";
-    }
+    const ResourceKind* known = resourceKind(kind);
+    return (known ? known : resourceKind(Kind::File))->deskImage;
 }
 
 QString shownCaption(const TabRec& row) {

@@ -1,5 +1,6 @@
 #include "frame/CommonFunctions.h"
 
+#include "frame/Kinds.h"
 #include "frame/Records.h"
 
 #include <QCoreApplication>
@@ -91,10 +92,12 @@ int fetchTable(COrvoCliSes* session, const std::string& tableName, CMDArray& tab
 }
 
 /// By the code that each word stands for: a menu folder's, then the kinds'.
-const QString& attributeWord(int code) {
-    static const QString words[] = {QStringLiteral("папка"), QStringLiteral("модуль"),
-                                    QStringLiteral("функция"), QStringLiteral("файл")};
-    return words[code];
+/// A null string for a code that no element of a menu has.
+QString attributeWord(int code) {
+    if (code == orvo::Kind::None)
+        return QStringLiteral("папка");
+    const orvo::ResourceKind* kind = orvo::resourceKind(code);
+    return kind ? QString::fromUtf8(kind->attribute) : QString();
 }
 
 } // namespace
@@ -173,14 +176,15 @@ QString getServerErrorText(int32_t code) {
 }
 
 QString convertMenuAttributes(int code) {
-    return code >= 0 && code < 4 ? attributeWord(code) : QString();
+    return attributeWord(code);
 }
 
 int getMenuAttributes(const QString& word) {
-    for (int code = 0; code < 4; ++code) {
-        if (orvo::sameText(word, attributeWord(code)))
-            return code;
-    }
+    if (orvo::sameText(word, attributeWord(orvo::Kind::None)))
+        return orvo::Kind::None;
+    for (const orvo::ResourceKind& kind : orvo::resourceKinds)
+        if (kind.attribute && orvo::sameText(word, QString::fromUtf8(kind.attribute)))
+            return kind.number;
     return -1;
 }
 

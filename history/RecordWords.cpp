@@ -1,6 +1,6 @@
 #include "history/RecordWords.h"
 
-#include "frame/Vocabulary.h"
+#include "frame/Kinds.h"
 #include "platform/store/Merge.h"
 
 #include <QDateTime>
@@ -89,18 +89,11 @@ Noun nounOf(const store::TableDef& table, const Values& values) {
         return noun("расширение файлов", "расширения файлов", "расширений файлов", Noun::Neuter);
     if (is(table::MenuResourceFile))
         return noun("содержимое файла", "файла с содержимым", "файлов с содержимым", Noun::Neuter);
-    switch (integerOf(table, values, field::type_)) {
-    case Kind::Module:
-        return noun("модуль", "модуля", "модулей", Noun::Masculine);
-    case Kind::Function:
-        return noun("функция", "функции", "функций", Noun::Feminine);
-    case Kind::Form:
-        return noun("форма", "формы", "форм", Noun::Feminine);
-    case Kind::File:
-        return noun("файл", "файла", "файлов", Noun::Masculine);
-    default:
-        return noun("ресурс", "ресурса", "ресурсов", Noun::Masculine);
-    }
+    const auto number = static_cast<int32_t>(integerOf(table, values, field::type_));
+    if (const ResourceKind* kind = resourceKind(number))
+        return noun(kind->one, kind->few, kind->many,
+                    kind->isFeminine ? Noun::Feminine : Noun::Masculine);
+    return noun("ресурс", "ресурса", "ресурсов", Noun::Masculine);
 }
 
 QString numeralForm(size_t count, const QString& one, const QString& few, const QString& many) {

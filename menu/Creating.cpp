@@ -6,6 +6,7 @@
 #include "ui_OrvoMenu.h"
 
 #include "frame/CommonFunctions.h"
+#include "frame/Kinds.h"
 #include "frame/Records.h"
 #include "frame/ScratchTable.h"
 #include "frame/ViewRows.h"
@@ -74,8 +75,8 @@ void OrvoMenu::on_poplist_OK_Pressed() {
 }
 
 void OrvoMenu::addChosenElements() {
-    if (m_popList->objectType < CPopObjectList::KindModule ||
-        m_popList->objectType > CPopObjectList::KindForm)
+    const orvo::ResourceKind* kind = orvo::resourceKind(m_popList->objectType);
+    if (!kind || !kind->attribute) // stands in no menu
         return;
     QModelIndex target = elementRow(m_currentMenuKey);
     // While the picker stood open another client's element may have become current.

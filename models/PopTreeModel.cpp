@@ -1,6 +1,6 @@
 #include "models/PopTreeModel.h"
 
-#include "frame/Vocabulary.h"
+#include "frame/Kinds.h"
 
 namespace {
 
@@ -42,17 +42,8 @@ QVariant PopTreeModel::decoration(const TabRec& row) const {
     if (row.data(IsFolder).toBool())
         return m_icons.resource(row.isExpanded() ? QStringLiteral(":/res/openfolder1.png")
                                                  : QStringLiteral(":/res/closedfolder1.png"));
-    switch (m_objectType) {
-    case Kind::Module:
-        return m_icons.resource(QStringLiteral(":/res/modul1.png"));
-    case Kind::Function:
-        return m_icons.resource(QStringLiteral(":/res/function1.png"));
-    case Kind::Form:
-        return m_icons.resource(QStringLiteral(":/res/file1.png"));
-    case Kind::File:
-        return m_showFileIcons ? m_icons.file(m_initialFolderPath, row.data(Name).toString())
-                               : m_icons.resource(QStringLiteral(":/res/file1.png"));
-    default:
-        return {};
-    }
+    if (m_objectType == Kind::File && m_showFileIcons)
+        return m_icons.file(m_initialFolderPath, row.data(Name).toString());
+    const orvo::ResourceKind* kind = orvo::resourceKind(m_objectType);
+    return kind ? m_icons.resource(QString::fromLatin1(kind->image)) : QVariant();
 }

@@ -1,7 +1,7 @@
 #include "models/ResTreeModel.h"
 
 #include "frame/ClipboardRows.h"
-#include "frame/Vocabulary.h"
+#include "frame/Kinds.h"
 #include "models/DragKeys.h"
 
 #include <QColor>
@@ -24,18 +24,8 @@ enum SearchRole { NameRole = Qt::UserRole + 1, ResourceRole = Qt::UserRole + 2 }
 
 /// The drag format of a type; empty for rows that cannot be dragged.
 QString dragType(int type) {
-    switch (type) {
-    case Kind::Module:
-        return QStringLiteral("OrvoResources/modres/dragdrop");
-    case Kind::Function:
-        return QStringLiteral("OrvoResources/funcres/dragdrop");
-    case Kind::Form:
-        return QStringLiteral("OrvoResources/menures/dragdrop");
-    case Kind::File:
-        return QStringLiteral("OrvoResources/sysres/dragdrop");
-    default:
-        return QString();
-    }
+    const orvo::ResourceKind* kind = orvo::resourceKind(type);
+    return kind ? QString::fromLatin1(kind->dragFormat) : QString();
 }
 
 } // namespace
@@ -76,12 +66,8 @@ QVariant ResTreeModel::decoration(const TabRec& row, int column) const {
         if (row.data(IsFolder).toBool())
             return m_icons.resource(row.isExpanded() ? QStringLiteral(":/res/openfolder1.png")
                                                      : QStringLiteral(":/res/closedfolder1.png"));
-        if (type == Kind::Module)
-            return m_icons.resource(QStringLiteral(":/res/modul1.png"));
-        if (type == Kind::Function)
-            return m_icons.resource(QStringLiteral(":/res/function1.png"));
-        if (type == Kind::Form || type == Kind::File)
-            return m_icons.resource(QStringLiteral(":/res/file1.png"));
+        if (const orvo::ResourceKind* kind = orvo::resourceKind(type))
+            return m_icons.resource(QString::fromLatin1(kind->image));
         return {};
     case Lock: {
         const QVariant blocked = row.data(Blocked);
@@ -144,8 +130,12 @@ bool ResTreeModel::copyChildRows(const QModelIndex& source, const QModelIndex& d
 // Drag and drop
 
 QStringList ResTreeModel::mimeTypes() const {
-    return {dragType(Kind::Form), dragType(Kind::File), dragType(Kind::Module),
-            dragType(Kind::Function)};
+    QStringList formats;
+    for (const bool hasContents : {true, false})
+        for (const orvo::ResourceKind& kind : orvo::resourceKinds)
+            if (kind.hasContents == hasContents)
+                formats << dragType(kind.number);
+    return formats;
 }
 
 QMimeData* ResTreeModel::mimeData(const QModelIndexList& indexes) const {

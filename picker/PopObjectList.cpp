@@ -1,5 +1,6 @@
 #include "picker/PopObjectList.h"
 
+#include "frame/Kinds.h"
 #include "frame/Records.h"
 #include "frame/RowDelegate.h"
 #include "frame/Vocabulary.h"
@@ -87,29 +88,22 @@ void CPopObjectList::showEvent(QShowEvent* event) {
     treeModel->setShowFileIcons(false);
     m_ui->btnCancel->setFocus(Qt::OtherFocusReason);
 
-    if (objectType < KindModule || objectType > KindFile)
+    const orvo::ResourceKind* kind = orvo::resourceKind(objectType);
+    if (!kind)
         return;
-    const bool files = objectType == KindFile;
+    const bool files = kind->topFolder == nullptr;
     m_ui->tvObj->setSelectionMode(multipleChoice && !files ? QAbstractItemView::ExtendedSelection
                                                            : QAbstractItemView::SingleSelection);
     m_ui->tvObj->setColumnHidden(ColumnCaption, files);
     orvo::hideColumns(m_ui->tvObj, ColumnUserBlock, ColumnBlocked);
     treeModel->setObjectType(objectType);
-    switch (objectType) {
-    case KindModule:
-        loadModules();
-        break;
-    case KindFunction:
-        loadFunctions();
-        break;
-    case KindForm:
-        loadForms();
-        break;
-    default:
+    if (files) {
         treeModel->setShowFileIcons(
             orvo::sameText(sourceName, QString::fromLatin1(orvo::iconFolder)));
         treeModel->setInitialFolder(sourceName);
         loadSysFiles();
+    } else {
+        loadTop(objectType);
     }
 }
 
@@ -162,15 +156,19 @@ void CPopObjectList::on_btnCancel_clicked() {
 }
 
 void CPopObjectList::loadModules() {
-    loadRoot(KindModule, QString::fromUtf8(orvo::topfolder::modules));
+    loadTop(KindModule);
 }
 
 void CPopObjectList::loadFunctions() {
-    loadRoot(KindFunction, QString::fromUtf8(orvo::topfolder::functions));
+    loadTop(KindFunction);
 }
 
 void CPopObjectList::loadForms() {
-    loadRoot(KindForm, QString::fromUtf8(orvo::topfolder::forms));
+    loadTop(KindForm);
+}
+
+void CPopObjectList::loadTop(int32_t kind) {
+    loadRoot(kind, QString::fromUtf8(orvo::resourceKind(kind)->topFolder));
 }
 
 void CPopObjectList::loadFolders(const QString& key) {

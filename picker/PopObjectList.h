@@ -84,6 +84,8 @@ private:
     /// The folder below the root of its kind with that caption; a null string if there is none.
     /// `found` tells whether the seek gave a position at all.
     QString rootFolder(int type, const QString& caption, bool* found) const;
+    /// The top folder of a kind that has one.
+    void loadTop(int32_t kind);
     void loadRoot(int type, const QString& caption);
     void loadFoldersOf(int type, const QString& key);
     void loadItemsOf(int type, const QString& key, bool withCaption);

@@ -5,6 +5,7 @@
 #include "resources/OrvoResources.h"
 
 #include "frame/ClipboardRows.h"
+#include "frame/Kinds.h"
 #include "frame/WindowParts.h"
 #include "resources/Columns.h"
 
@@ -49,16 +50,14 @@ std::optional<QList<QAction*>> OrvoResources::menuActions(const QModelIndex& row
         // The folders of the kinds are known by their captions: one that was renamed offers
         // nothing.
         const QString caption = orvo::resources::textAt(row, ResColumn::Caption);
-        const std::pair<const char*, int> tops[] = {{orvo::topfolder::modules, Kind::Module},
-                                                    {orvo::topfolder::functions, Kind::Function},
-                                                    {orvo::topfolder::forms, Kind::Form}};
-        for (const auto& [name, kind] : tops)
-            if (orvo::sameText(caption, QString::fromUtf8(name)))
-                return QList<QAction*>{m_ui->actAddFolder, creator(kind)};
+        for (const orvo::ResourceKind& kind : orvo::resourceKinds)
+            if (kind.topFolder && orvo::sameText(caption, QString::fromUtf8(kind.topFolder)))
+                return QList<QAction*>{m_ui->actAddFolder, creator(kind.number)};
         return {};
     }
     const int kind = kindOf(row);
-    if (kind < Kind::Module || kind > Kind::Form)
+    const orvo::ResourceKind* known = orvo::resourceKind(kind);
+    if (!known || !known->topFolder)
         return {};
     const bool isFolder = m_resModel->itemIsFolder(row);
     QList<QAction*> on{m_ui->actAddFolder, creator(kind), m_ui->actCut};

@@ -6,6 +6,7 @@
 
 #include "frame/ClipboardRows.h"
 #include "frame/FolderWalk.h"
+#include "frame/Kinds.h"
 #include "frame/ScratchTable.h"
 #include "resources/Columns.h"
 
@@ -93,7 +94,7 @@ void OrvoResources::copyResFolderToClipboard(const QString& key, ScratchTable& r
 void OrvoResources::on_actPaste_triggered() {
     const QByteArray bytes = orvo::clipboardBytes(m_clipboard, resourcesMime);
     const int kind = ClipboardRows::numberOf(bytes).value_or(0);
-    if (!m_resModel || kind < Kind::Module || kind > Kind::File)
+    if (!m_resModel || !orvo::resourceKind(kind))
         return;
     const std::optional<ClipboardRows> rows = ClipboardRows::read(bytes);
     const QModelIndex target = m_ui->tvRes->currentIndex();

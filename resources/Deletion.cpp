@@ -4,8 +4,8 @@
 
 #include "ui_OrvoResources.h"
 
+#include "frame/Kinds.h"
 #include "frame/ScratchTable.h"
-#include "frame/Vocabulary.h"
 #include "frame/WindowParts.h"
 #include "resources/Columns.h"
 
@@ -30,6 +30,12 @@ QString nameOf(const QModelIndex& row) {
     return textAt(row, ResColumn::Name);
 }
 
+/// Whether nothing but the record is deleted with a resource of that kind.
+bool isRecordOnly(int kind) {
+    const orvo::ResourceKind* known = orvo::resourceKind(kind);
+    return known && !known->hasContents;
+}
+
 QString keyOf(const QModelIndex& row) {
     return textAt(row, ResColumn::KeyLink);
 }
@@ -51,7 +57,7 @@ void OrvoResources::on_actDelete_triggered() {
         return;
     // Of modules and functions the current one goes, however many are selected: what is highlighted
     // and counted is what goes.
-    if (kindOf(row) == Kind::Module || kindOf(row) == Kind::Function)
+    if (isRecordOnly(kindOf(row)))
         m_ui->tvRes->selectionModel()->select(row, QItemSelectionModel::ClearAndSelect |
                                                        QItemSelectionModel::Rows);
     const QModelIndexList selected = m_ui->tvRes->selectionModel()->selectedRows();
@@ -83,8 +89,7 @@ void OrvoResources::agreeOnSelection() {
 }
 
 QString OrvoResources::questionDetails(const QModelIndex& current) const {
-    const int kind = kindOf(current);
-    if (kind == Kind::Module || kind == Kind::Function)
+    if (isRecordOnly(kindOf(current)))
         return tr("Будет удалено: %1.").arg(describe(current));
     QStringList names;
     for (const QModelIndex& row : m_ui->tvRes->selectionModel()->selectedRows())
@@ -135,15 +140,13 @@ void OrvoResources::removeResourceMessage(QAbstractButton* button) {
     case Kind::File:
         deleteFiles();
         break;
-    case Kind::Module:
-    case Kind::Function:
+    default:
+        if (!isRecordOnly(kindOf(row)))
+            break;
         if (isInMenus(row))
             showReferenceError();
         else
             deleteRecords(orvo::table::MenuResource, {m_currentKey});
-        break;
-    default:
-        break;
     }
 }
 

@@ -5,6 +5,7 @@
 #include "ui_OrvoResources.h"
 
 #include "frame/CommonFunctions.h"
+#include "frame/Kinds.h"
 #include "models/Passport.h"
 #include "resources/Columns.h"
 #include "resources/Fields.h"
@@ -67,10 +68,6 @@ void OrvoResources::loadItemPassport(const QModelIndex& index) {
     const QModelIndex category = m_propModel->index(m_propModel->rowCount() - 1, 0);
     const QString name = orvo::resources::textAt(index, ResColumn::Name);
     switch (orvo::resources::kindOf(index)) {
-    case orvo::Kind::Module:
-    case orvo::Kind::Function:
-        m_ui->tvProp->expand(category);
-        break;
     case orvo::Kind::Form: {
         CToolFormGet tool(this);
         tool.formName = name;
@@ -93,7 +90,8 @@ void OrvoResources::loadItemPassport(const QModelIndex& index) {
         break;
     }
     default:
-        break;
+        if (orvo::resourceKind(orvo::resources::kindOf(index)))
+            m_ui->tvProp->expand(category);
     }
 }
 

@@ -6,6 +6,7 @@
 
 #include "frame/CommonFunctions.h"
 #include "frame/FolderWalk.h"
+#include "frame/Kinds.h"
 #include "frame/Siblings.h"
 #include "frame/ViewRows.h"
 #include "resources/Columns.h"
@@ -69,10 +70,10 @@ void OrvoResources::loadResTreeUpper() {
         addFixedRow(QModelIndex(), orvo::rowkey::resources, tr("Ресурсы меню"), Kind::None);
     const QModelIndex files =
         addFixedRow(QModelIndex(), orvo::rowkey::files, tr("Файловые ресурсы"), Kind::File);
-    // The folders of the three kinds come from the server. A catalogue without one of them is not
+    // The folders of these kinds come from the server. A catalogue without one of them is not
     // whole, and what would follow stays away.
-    for (int type : {Kind::Module, Kind::Function, Kind::Form})
-        if (!appendFolders(type, QString(), root))
+    for (const orvo::ResourceKind& kind : orvo::resourceKinds)
+        if (kind.topFolder && !appendFolders(kind.number, QString(), root))
             return;
     appendOrphans(root);
     loadSysRootFolders(files);
@@ -203,16 +204,8 @@ QString OrvoResources::describe(const QModelIndex& row) const {
     const auto word = [&] {
         if (orvo::resources::isFolder(row))
             return tr("папка");
-        switch (orvo::resources::kindOf(row)) {
-        case Kind::Module:
-            return tr("модуль");
-        case Kind::Function:
-            return tr("функция");
-        case Kind::Form:
-            return tr("форма");
-        default:
-            return tr("файл");
-        }
+        const orvo::ResourceKind* kind = orvo::resourceKind(orvo::resources::kindOf(row));
+        return kind ? tr(kind->one) : tr("ресурс");
     };
     const QString text = word() + QStringLiteral(" «%1»").arg(caption.isEmpty() ? name : caption);
     return name.isEmpty() || caption.isEmpty() || orvo::sameText(name, caption)

@@ -2,6 +2,7 @@
 
 #include "apps/admin/Failure.h"
 #include "apps/admin/Suggestion.h"
+#include "frame/Kinds.h"
 
 namespace orvo::admin {
 
@@ -20,16 +21,8 @@ std::string place(int kind, const std::string& parent, const std::string& captio
 } // namespace
 
 const char* topCaption(int kind) {
-    switch (kind) {
-    case Module:
-        return topfolder::modules;
-    case Function:
-        return topfolder::functions;
-    case Form:
-        return topfolder::forms;
-    default:
-        return nullptr;
-    }
+    const ResourceKind* known = resourceKind(kind);
+    return known ? known->topFolder : nullptr;
 }
 
 std::string topKey(int kind) {

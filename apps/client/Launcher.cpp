@@ -7,8 +7,8 @@
 #include "apps/client/MainWindow.h"
 #include "apps/client/ModuleLibraries.h"
 #include "apps/client/ModuleTabs.h"
+#include "frame/Kinds.h"
 #include "frame/OrvoClient.h"
-#include "frame/Vocabulary.h"
 #include "platform/client/ModuleRegistry.h"
 
 #include <QDir>
@@ -39,6 +39,12 @@ QString noFiles(const LaunchRequest& request) {
                : QStringLiteral("файла «%1» нет").arg(oneLine(request.name));
 }
 
+/// Kind::None for a number that is no kind.
+int32_t openedAs(int32_t number) {
+    const ResourceKind* kind = resourceKind(number);
+    return kind ? kind->opensAs : Kind::None;
+}
+
 bool isSame(const QString& a, const std::string& b) {
     return a.compare(QString::fromStdString(b), Qt::CaseInsensitive) == 0;
 }
@@ -62,7 +68,7 @@ void Launcher::launch(LaunchRequest* request) {
     if (request->oneCopy)
         if (const Opened* known = first(request->key))
             return bringToFront(*known);
-    switch (request->kind) {
+    switch (openedAs(request->kind)) {
     case Kind::Module:
         request->refusal = openModule(*request);
         if (request->refusal.isEmpty())
@@ -86,7 +92,7 @@ void Launcher::check(LaunchRequest* request) {
     request->refusal.clear();
     std::vector<store::StoredFile> files;
     store::Status status;
-    switch (request->kind) {
+    switch (openedAs(request->kind)) {
     case Kind::Module:
         if (!m_context.libraries.knows(&m_context.app, request->name))
             request->refusal = QStringLiteral("модуля «%1» здесь нет").arg(oneLine(request->name));

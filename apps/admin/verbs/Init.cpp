@@ -4,6 +4,7 @@
 #include "apps/admin/Suggestion.h"
 #include "apps/admin/Verb.h"
 #include "apps/admin/verbs/BaseFolders.h"
+#include "frame/Kinds.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -13,11 +14,11 @@ namespace orvo::admin {
 void makeBaseFolders(store::Store& store) {
     const Folders folders(store);
     Batch batch(table::MenuResourceFolder);
-    for (const int kind : {Module, Function, Form})
-        if (!folders.find(kind, {}))
-            batch.insert(topKey(kind))
-                .integer(field::type_, kind)
-                .text(field::caption, topCaption(kind));
+    for (const ResourceKind& kind : resourceKinds)
+        if (kind.topFolder && !folders.find(kind.number, {}))
+            batch.insert(topKey(kind.number))
+                .integer(field::type_, kind.number)
+                .text(field::caption, kind.topFolder);
     if (!folders.find(File, iconFolder))
         batch.insert(iconFolderKey()).integer(field::type_, File).text(field::caption, iconFolder);
     batch.send(store, "начальные папки не сделаны");
