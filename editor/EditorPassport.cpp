@@ -92,9 +92,8 @@ bool EditorWindow::isIconRow(const QString& rowName) {
 }
 
 bool EditorWindow::refusesChosenFolder() {
-    constexpr int folderColumn = 5; // of the picker's tree
     const QModelIndexList rows = m_popList->tvObj()->selectionModel()->selectedRows(0);
-    if (rows.isEmpty() || !rows.first().siblingAtColumn(folderColumn).data().toBool())
+    if (rows.isEmpty() || !rows.first().siblingAtColumn(PickColumn::IsFolder).data().toBool())
         return false;
     refuse(translated("Выбрана папка \"%1\", а нужно то, что в ней.").arg(m_popList->chosenName));
     return true;

@@ -25,10 +25,6 @@ using orvo::menu::nextOrderAfter;
 
 namespace {
 
-constexpr int pickerCaptionColumn = 1;
-constexpr int pickerKeyColumn = 4;
-constexpr int pickerFolderColumn = 5;
-
 bool isRow(const QString& rowName, const char* name) {
     return orvo::sameText(rowName, QString::fromLatin1(name));
 }
@@ -93,16 +89,17 @@ void OrvoMenu::addChosenElements() {
     if (!out.fetch())
         return;
     for (const QModelIndex& chosen : m_popList->tvObj()->selectionModel()->selectedRows(0)) {
-        if (!chosen.isValid() || chosen.siblingAtColumn(pickerFolderColumn).data().toBool())
+        if (!chosen.isValid() || chosen.siblingAtColumn(orvo::PickColumn::IsFolder).data().toBool())
             continue;
-        const QString resourceKey = chosen.siblingAtColumn(pickerKeyColumn).data().toString();
+        const QString resourceKey =
+            chosen.siblingAtColumn(orvo::PickColumn::KeyLink).data().toString();
         const MDRData* resource = orvo::seekKey(m_tabResource, resourceKey);
         orvo::RowWriter row = out.add(MDX_INSERT);
         row.text(orvo::field::KeyLink, QString::fromLatin1(GenGuid32()))
             .text(orvo::field::parent, parentKey)
             .text(orvo::field::MenuResourceKey, resourceKey)
             .text(orvo::field::caption,
-                  chosen.siblingAtColumn(pickerCaptionColumn).data().toString())
+                  chosen.siblingAtColumn(orvo::PickColumn::Caption).data().toString())
             .text(orvo::field::FolderKey, openDesckKey())
             .integer(orvo::field::order_, order);
         for (const RecordField& field : m_elementFields)

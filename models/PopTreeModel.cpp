@@ -2,15 +2,11 @@
 
 #include "frame/Kinds.h"
 
-namespace {
-
-enum Column { Name = 0, KeyLink = 4, IsFolder = 5 };
 using orvo::Kind;
-
-} // namespace
+using orvo::PickColumn;
 
 PopTreeModel::PopTreeModel(const QStringList& headers, const QString& filesPath, QObject*)
-    : TreeModelCore(headers, KeyLink, Qt::ItemIsEditable)
+    : TreeModelCore(headers, PickColumn::KeyLink, Qt::ItemIsEditable)
     , m_filesPath(filesPath) {}
 
 void PopTreeModel::setInitialFolder(const QString& folder) {
@@ -18,7 +14,7 @@ void PopTreeModel::setInitialFolder(const QString& folder) {
 }
 
 bool PopTreeModel::itemIsFolder(const QModelIndex& index) const {
-    return index.isValid() && getItem(index)->data(IsFolder).toBool();
+    return index.isValid() && getItem(index)->data(PickColumn::IsFolder).toBool();
 }
 
 QVariant PopTreeModel::data(const QModelIndex& index, int role) const {
@@ -30,20 +26,20 @@ QVariant PopTreeModel::data(const QModelIndex& index, int role) const {
     case Qt::EditRole:
         return row.data(index.column());
     case Qt::DecorationRole:
-        return index.column() == Name ? decoration(row) : QVariant();
+        return index.column() == PickColumn::Name ? decoration(row) : QVariant();
     case orvo::KeyRole:
-        return row.data(KeyLink);
+        return row.data(PickColumn::KeyLink);
     default:
         return {};
     }
 }
 
 QVariant PopTreeModel::decoration(const TabRec& row) const {
-    if (row.data(IsFolder).toBool())
+    if (row.data(PickColumn::IsFolder).toBool())
         return m_icons.resource(row.isExpanded() ? QStringLiteral(":/res/openfolder1.png")
                                                  : QStringLiteral(":/res/closedfolder1.png"));
     if (m_objectType == Kind::File && m_showFileIcons)
-        return m_icons.file(m_initialFolderPath, row.data(Name).toString());
+        return m_icons.file(m_initialFolderPath, row.data(PickColumn::Name).toString());
     const orvo::ResourceKind* kind = orvo::resourceKind(m_objectType);
     return kind ? m_icons.resource(QString::fromLatin1(kind->image)) : QVariant();
 }

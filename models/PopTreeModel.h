@@ -8,8 +8,13 @@
 
 #include <cstdint>
 
-/// Columns: 0 name, 1 description, 2 and 3 lock, 4 KeyLink (the key), 5 whether it is a folder,
-/// 6 blocked.
+namespace orvo {
+/// The columns of the picker's tree.
+struct PickColumn {
+    enum : int { Name, Caption, UserBlock, DateBlock, KeyLink, IsFolder, Blocked };
+};
+} // namespace orvo
+
 class PopTreeModel : public orvo::TreeModelCore<TabRec> {
     Q_OBJECT
 public:

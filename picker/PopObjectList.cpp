@@ -13,18 +13,9 @@
 #include <QShowEvent>
 
 using orvo::KeyValues;
+using orvo::PickColumn;
 
 namespace {
-
-enum Column {
-    ColumnName,
-    ColumnCaption,
-    ColumnUserBlock,
-    ColumnDateBlock,
-    ColumnKey,
-    ColumnIsFolder,
-    ColumnBlocked
-};
 
 const QStringList& columnTitles() {
     static const QStringList titles{QStringLiteral("Имя"),
@@ -59,7 +50,7 @@ CPopObjectList::CPopObjectList(QMainWindow* parent)
     m_model = std::make_unique<PopTreeModel>(columnTitles(), filesPath(parent), this);
     treeModel = m_model.get();
     m_ui->tvObj->setModel(treeModel);
-    m_ui->tvObj->setColumnWidth(ColumnName, 300);
+    m_ui->tvObj->setColumnWidth(PickColumn::Name, 300);
 }
 
 CPopObjectList::~CPopObjectList() {
@@ -94,8 +85,8 @@ void CPopObjectList::showEvent(QShowEvent* event) {
     const bool files = kind->topFolder == nullptr;
     m_ui->tvObj->setSelectionMode(multipleChoice && !files ? QAbstractItemView::ExtendedSelection
                                                            : QAbstractItemView::SingleSelection);
-    m_ui->tvObj->setColumnHidden(ColumnCaption, files);
-    orvo::hideColumns(m_ui->tvObj, ColumnUserBlock, ColumnBlocked);
+    m_ui->tvObj->setColumnHidden(PickColumn::Caption, files);
+    orvo::hideColumns(m_ui->tvObj, PickColumn::UserBlock, PickColumn::Blocked);
     treeModel->setObjectType(objectType);
     if (files) {
         treeModel->setShowFileIcons(
@@ -145,8 +136,8 @@ void CPopObjectList::on_btnOK_clicked() {
         return;
     }
     const QModelIndex first = chosen.first();
-    chosenKey = first.sibling(first.row(), ColumnKey).data().toString();
-    chosenName = first.sibling(first.row(), ColumnName).data().toString();
+    chosenKey = first.sibling(first.row(), PickColumn::KeyLink).data().toString();
+    chosenName = first.sibling(first.row(), PickColumn::Name).data().toString();
     emit btnOK_pressed();
     hide();
 }
