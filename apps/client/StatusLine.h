@@ -26,8 +26,8 @@ public:
     /// Shows who else is here, and in the tool tip more about them; empty: nobody.
     void setOthers(const QString& names, const QString& details);
     QString others() const;
-    /// Shows that this user may not change anything, and in the tool tip why.
-    void setReadOnly(const QString& why); ///< empty: it may be written
+    /// Shows that this user may not change anything, and in the tool tip why; empty: he may.
+    void setReadOnly(const QString& why);
     /// Shows for a while what was done.
     void setDone(const QString& text);
     /// Shows a failure, which stays until the user clicks it; later ones are counted with it.
