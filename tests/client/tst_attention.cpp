@@ -116,11 +116,9 @@ private slots:
         bench.others("a");
         bench.others("b");
         QVERIFY(bench.isHeld("b"));
-        QTest::qWait(200);
+        QTRY_VERIFY(bench.pump->held().size() == 1 && bench.pump->held()[0].changes == 2);
         QVERIFY(bench.module->messages.empty());
         QVERIFY(!bench.pump->isIdle());
-        QTRY_COMPARE(bench.pump->held().size(), size_t(1));
-        QCOMPARE(bench.pump->held()[0].changes, 2);
         QVERIFY(bench.pump->held()[0].why == Attention::Question);
         QVERIFY(held.count() > 0);
         QTest::mouseClick(box->findChildren<QPushButton*>().at(0), Qt::LeftButton);
@@ -190,7 +188,7 @@ private slots:
         QTRY_COMPARE(bench.module->keys(), QStringList({"before", "own"}));
         bench.others("after");
         QVERIFY(bench.isHeld("after"));
-        QTest::qWait(150);
+        QTRY_COMPARE(bench.pump->held().size(), size_t(1));
         QCOMPARE(bench.module->keys(), QStringList({"before", "own"}));
     }
 
@@ -213,7 +211,7 @@ private slots:
         bench.second->edit = "элемент";
         QVERIFY(bench.own("own"));
         QTRY_COMPARE(bench.module->keys(), QStringList("own"));
-        QTest::qWait(150);
+        QTRY_COMPARE(bench.pump->held().size(), size_t(1));
         QVERIFY(bench.second->messages.empty());
     }
 
@@ -357,10 +355,11 @@ private slots:
     void aLogThatIsLostIsToldWhenNothingIsOpenAnyMore() {
         Bench bench;
         QSignalSpy lost(bench.pump.get(), &NotificationPump::logLost);
+        QSignalSpy held(bench.pump.get(), &NotificationPump::logLossHeld);
         bench.module->edit = "элемент";
         QVERIFY(bench.byHand("begin; insert into \"Menu\"(\"KeyLink\") values('missed'); "
                              "delete from \"NciEvent\"; commit"));
-        QTest::qWait(1500);
+        QTRY_COMPARE(held.count(), 1);
         QCOMPARE(lost.count(), 0);
         bench.module->edit.clear();
         QTRY_COMPARE(lost.count(), 1);

@@ -58,6 +58,16 @@ struct Shown {
             return QString::fromStdString(read.text);
         return textOf(rows.array, MDARec(rows.array, 0, 0), "caption");
     }
+    /// The open editor of the first value that is mine, its text selected.
+    QLineEdit* openMine() const {
+        QTreeWidget* tree = pane.tree();
+        tree->editItem(tree->topLevelItem(0)->child(0), UnwrittenPane::Mine);
+        auto* line = tree->viewport()->findChild<QLineEdit*>();
+        if (!line)
+            qFatal("no editor");
+        line->selectAll();
+        return line;
+    }
 };
 
 } // namespace
@@ -128,11 +138,7 @@ private slots:
     void lettersThatNoRecordHoldsAreRefusedAndNamed() {
         Shown shown;
         shown.conflict();
-        QTreeWidget* tree = shown.pane.tree();
-        tree->editItem(tree->topLevelItem(0)->child(0), UnwrittenPane::Mine);
-        auto* line = tree->viewport()->findChild<QLineEdit*>();
-        QVERIFY(line);
-        line->selectAll();
+        QLineEdit* line = shown.openMine();
         typeText(line, "Насос ≤ 5");
         QCOMPARE(line->text(), QString("Насос  5"));
         QVERIFY2(QToolTip::text().contains("«≤»"), qPrintable(QToolTip::text()));
@@ -146,10 +152,7 @@ private slots:
         Shown shown;
         shown.conflict();
         QTreeWidget* tree = shown.pane.tree();
-        tree->editItem(tree->topLevelItem(0)->child(0), UnwrittenPane::Mine);
-        auto* line = tree->viewport()->findChild<QLineEdit*>();
-        QVERIFY(line);
-        line->selectAll();
+        QLineEdit* line = shown.openMine();
         QTest::keyClicks(line, "Third");
         shown.write(1, {{"KeyLink", "k"}, {"caption", "Второй"}}); // refused: the key is taken
         QCOMPARE(shown.list.entries().size(), size_t(2));
