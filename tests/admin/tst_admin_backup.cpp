@@ -354,17 +354,14 @@ void TestAdminBackup::aBackupWithoutATableChangesNothing_data() {
 
 void TestAdminBackup::aBackupWithoutATableChangesNothing() {
     QFETCH(QByteArray, damage);
-    ORVO_DONE(run({"ext", "add", ".ui"}));
-    const QByteArray before = content();
-    ORVO_DONE(run({"backup", m_admin->path("own")}));
     // The store loses it, and its backup is made by other means.
     const bool cascade = isPostgres() && damage.startsWith("DROP");
     QVERIFY(m_kind.byHand(damage + (cascade ? " CASCADE;" : ";")));
     QVERIFY(copy());
     QVERIFY(m_kind.renew());
     ORVO_DONE(run({"init"}));
-    ORVO_DONE(run({"restore", "--replace", m_admin->path("own")}));
-    QCOMPARE(content(), before);
+    ORVO_DONE(run({"ext", "add", ".ui"}));
+    const QByteArray before = content();
     const AdminResult refused = run({"restore", "--replace", file()});
     QVERIFY2(refused.code == 2, qPrintable(refused.out + refused.err));
     QVERIFY2(refused.err.count('\n') == 1, qPrintable(refused.err));
