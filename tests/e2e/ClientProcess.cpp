@@ -151,8 +151,14 @@ QJsonObject ClientProcess::ask(const QString& question) {
     QElapsedTimer timer;
     timer.start();
     while (!m_socket.canReadLine() && m_socket.state() == QLocalSocket::ConnectedState &&
-           timer.elapsed() < 20000)
+           timer.elapsed() < 60000)
         m_socket.waitForReadyRead(1000);
+    if (!m_socket.canReadLine() && m_socket.state() == QLocalSocket::ConnectedState) {
+        // An answer that comes late must not be taken for that to the next question.
+        m_socket.abort();
+        m_socket.connectToServer(m_socketPath);
+        m_socket.waitForConnected(1000);
+    }
     return QJsonDocument::fromJson(m_socket.readLine()).object();
 }
 

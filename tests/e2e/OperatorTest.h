@@ -17,10 +17,7 @@ protected:
     bool shows(const QString& caption) { return desk().tree(menu).find(caption) >= 0; }
     int opened() { return desk().ask("state")["opened"].toInt(); }
     QString connection() { return desk().ask("state")["connection"].toString(); }
-    bool clickOn(const QString& caption) {
-        QTest::qWait(600); // no double click
-        return m_scene->clickRow(desk(), menu, caption);
-    }
+    bool clickOn(const QString& caption) { return m_scene->clickRow(desk(), menu, caption); }
     bool isOpen(const QString& folder) {
         const Tree tree = desk().tree(menu);
         const int row = tree.find(folder);
@@ -56,12 +53,18 @@ protected:
         return {};
     }
     /// Whether a line of the operator's log has that text.
-    bool logHas(const QString& text) {
-        for (const TreeRow& line : desk().tree("logPane").rows)
-            if (line.cells.join('\t').contains(text))
-                return true;
-        return false;
+    bool logHas(const QString& text) { return logged(desk(), text) > 0; }
+    /// Waits until the operator's client has handled what was done to it before: a change that
+    /// is made now is shown. What has not happened by then does not happen.
+    bool handlesAll() {
+        const QString caption = QString("Marker %1").arg(++m_markers);
+        if (!(m_markers == 1 ? insertElement("marker", caption, {}, 999999)
+                             : another("update Menu set caption = " + quoted(caption) +
+                                       " where KeyLink = 'marker'")))
+            return false;
+        return m_scene->waitFor("the marker is shown", [&] { return shows(caption); });
     }
+    int m_markers = 0;
     /// The class of what has the keyboard in the operator's client.
     QString focus() { return desk().ask("windows")["focus"].toObject()["class"].toString(); }
 };

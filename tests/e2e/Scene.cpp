@@ -62,10 +62,14 @@ bool Scene::startRight() {
 }
 
 bool Scene::startOperator(const QString& desktop, const QStringList& more, const QRect& place) {
+    return startOperatorOn(m_store->url(), "right", desktop, more, place);
+}
+
+bool Scene::startOperatorOn(const QString& url, const QString& login, const QString& desktop,
+                            const QStringList& more, const QRect& place) {
     m_right.reset();
-    m_right =
-        std::make_unique<ClientProcess>(m_directory.path(), m_store->url(), "right", place,
-                                        QStringList(), QStringList{"--desktop", desktop} + more);
+    m_right = std::make_unique<ClientProcess>(m_directory.path(), url, login, place, QStringList(),
+                                              QStringList{"--desktop", desktop} + more);
     return m_right->waitUp() ||
            fail("the operator's desktop does not come up: " + m_right->errors());
 }
@@ -99,7 +103,7 @@ bool Scene::agree() {
     timer.start();
     int inARow = 0;
     QString found;
-    while (timer.elapsed() < 15000) {
+    while (timer.elapsed() < longestMs) {
         found.clear();
         for (ClientProcess* client : {m_left.get(), m_right.get()}) {
             if (!client || !found.isEmpty())
@@ -214,7 +218,7 @@ std::optional<QRect> Scene::reveal(ClientProcess& client, const char* name, cons
                                    int column) {
     QElapsedTimer timer;
     timer.start();
-    while (timer.elapsed() < 10000) {
+    while (timer.elapsed() < longestMs) {
         const Tree tree = client.tree(name);
         const int found = tree.find(text);
         if (found < 0) {
@@ -272,10 +276,12 @@ bool Scene::clickRow(ClientProcess& client, const char* name, const QString& tex
 bool Scene::press(ClientProcess& client, const QString& nameOrText) {
     QRect place;
     if (!waitFor(qUtf8Printable(nameOrText + " can be pressed"), [&] {
+            const QRect before = place;
+            place = QRect();
             for (const Control& control : client.controls(nameOrText))
                 if (control.visible && control.enabled)
                     place = control.rect;
-            return place.isValid();
+            return place.isValid() && place == before; // a new window is still being placed
         }))
         return false;
     return hands::click(place.center());

@@ -18,6 +18,10 @@ namespace orvo::test {
 
 class Scene {
 public:
+    /// How long a condition is waited for: what takes longer hangs, also on a machine that has
+    /// other work.
+    static constexpr int longestMs = 60000;
+
     /// Makes the store; starts no client. orvo-admin keeps the URL that the store has at first.
     explicit Scene(std::unique_ptr<store::test::StoreKind> kind = store::test::storeKind());
 
@@ -27,6 +31,9 @@ public:
     /// An operator's desktop in place of the right client.
     bool startOperator(const QString& desktop, const QStringList& more = {},
                        const QRect& place = {1405, 5, 1385, 960});
+    /// The same by another way to the store, as another user.
+    bool startOperatorOn(const QString& url, const QString& login, const QString& desktop,
+                         const QStringList& more, const QRect& place);
     void stopRight() { m_right.reset(); }
     ClientProcess& left() { return *m_left; }
     ClientProcess& right() { return *m_right; }
@@ -40,7 +47,7 @@ public:
     /// difference in why().
     bool agree();
     /// Waits until `condition` holds.
-    bool waitFor(const char* what, const std::function<bool()>& condition, int ms = 15000);
+    bool waitFor(const char* what, const std::function<bool()>& condition, int ms = longestMs);
 
     // Acts
 
@@ -50,7 +57,8 @@ public:
     /// The place of a row's cell on the screen, brought into view.
     std::optional<QRect> reveal(ClientProcess& client, const char* tree, const QString& text,
                                 int column = 0);
-    /// Clicks on the control of that name or text once it is on the screen and enabled.
+    /// Clicks on the control of that name or text once it is on the screen, enabled and stands
+    /// still.
     bool press(ClientProcess& client, const QString& nameOrText);
     bool pressAll(ClientProcess& client, const QStringList& path);
     /// Types into the value of a row of the passport; saves nothing.

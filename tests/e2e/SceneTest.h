@@ -5,6 +5,7 @@
 #include "tests/e2e/Hands.h"
 #include "tests/e2e/Scene.h"
 
+#include <QJsonArray>
 #include <QProcess>
 #include <QtTest>
 
@@ -67,12 +68,25 @@ protected:
                 return true;
         return false;
     }
-    /// Answers the question that comes before something is closed, once its window stands still.
+    /// Whether a window of that object name has the keyboard.
+    static bool isActive(ClientProcess& client, const char* name) {
+        for (const QJsonValue& window : client.ask("windows")["windows"].toArray())
+            if (window["name"].toString() == QLatin1String(name) && window["active"].toBool())
+                return true;
+        return false;
+    }
+    /// Answers the question that comes before something is closed.
     bool answerClosing(const char* button) {
-        if (!m_scene->waitFor("the question is asked", [&] { return isUp(button); }))
-            return false;
-        QTest::qWait(500);
-        return m_scene->press(left(), button);
+        return m_scene->waitFor("the question is asked", [&] {
+            return isActive(left(), "closeQuestion");
+        }) && m_scene->press(left(), button);
+    }
+    /// How many lines of a client's log have that text.
+    static int logged(ClientProcess& client, const QString& text) {
+        int count = 0;
+        for (const TreeRow& line : client.tree("logPane").rows)
+            count += line.cells.join('\t').contains(text) ? 1 : 0;
+        return count;
     }
     /// Waits for the end of the left process; the leak checker may take its time.
     bool leftEnds() {
@@ -99,8 +113,10 @@ protected:
     /// The screen as it is, for a look: into the folder that ORVO_E2E_PICTURES names.
     static void take(const char* name) {
         const QString folder = qEnvironmentVariable("ORVO_E2E_PICTURES");
-        if (!folder.isEmpty())
-            QProcess::execute("import", {"-window", "root", folder + '/' + name + ".png"});
+        if (folder.isEmpty())
+            return;
+        QTest::qWait(1000); // everything is painted by then
+        QProcess::execute("import", {"-window", "root", folder + '/' + name + ".png"});
     }
     /// Starts both clients with the first station open.
     bool begin() {

@@ -15,11 +15,10 @@ class TestAttentionClients : public SceneTest {
         return m_scene->waitFor("the right client shows it",
                                 [&] { return right().tree(tree).find(text) >= 0; });
     }
-    /// Long enough for a change that is not held to have come to the left one too.
+    /// The left client has read of it too, and holds it.
     bool comesToTheRight(const char* tree, const QString& text) {
-        const bool there = rightShows(tree, text);
-        QTest::qWait(300);
-        return there;
+        return rightShows(tree, text) &&
+               m_scene->waitFor("the left client holds it", [&] { return held(); });
     }
 
 private slots:
@@ -47,7 +46,7 @@ private slots:
         DO(comesToTheRight("tvDesck", "Renamed"));
         hands::key("Return");
         SOON(desktop(secondStation).isNull());
-        QTest::qWait(300);
+        SOON(!held());
         QCOMPARE(desktop("Renamed"), other);
         QCOMPARE(elementsOf(other), untouched);
         QCOMPARE(elementsOf(asked), 0);
@@ -78,8 +77,8 @@ private slots:
         QVERIFY(another("begin; delete from Menu where KeyLink = 'att2a'; delete from Menu where "
                         "KeyLink = 'att2'; commit"));
         SOON(right().tree("tvMenu").find("Second") < 0);
-        QTest::qWait(300);
-        hands::key("Return"); // yes, or the only button of the notice
+        SOON(!isUp(yes) && isUp(ok));
+        hands::key("Return"); // the only button of the notice
         DONE(number("select count(*) from Menu") == all - 2);
         QVERIFY(!isUp(yes));
         QVERIFY(!isUp(ok));
@@ -112,7 +111,9 @@ private slots:
         hands::click(desktops->center());
         hands::click(other->center(), 3);
         hands::key("Down");
-        QTest::qWait(300);
+        // What comes after these events has been handled.
+        QVERIFY(another("update Menu set params = 'marker' where KeyLink = 'att3'"));
+        SOON(held());
         QCOMPARE(current(left(), "tvMenu"), QString("Fourth"));
         QVERIFY(isUp(yes));
         hands::key("Escape");
@@ -176,7 +177,6 @@ private slots:
         DO(m_scene->clickRow(right(), "tvMenu", menuTop)); // another window has the keyboard
         QVERIFY(another("update Menu set params = 'y' where KeyLink = 'attx'"));
         SOON(held());
-        QTest::qWait(300);
         QCOMPARE(element("Not finished"), QString());
         DO(m_scene->press(left(), QStringLiteral("Не сохранять")));
         DO(m_scene->agree());

@@ -69,7 +69,7 @@ private slots:
         DO(clickOn("Журнал событий станции"));
         SOON(opened() == 3);
         DO(clickOn("Общая схема КС-1")); // of one copy
-        QTest::qWait(1000);
+        DO(handlesAll());
         QCOMPARE(opened(), 3);
         take("operator-form");
 
@@ -92,7 +92,6 @@ private slots:
         SOON(shows("Instruction"));
         DO(clickOn("Instruction"));
         SOON(opened() == 4);
-        QTest::qWait(1500);
         take("operator-file");
         QVERIFY2(desk().failure().isEmpty(), qPrintable(desk().failure()));
     }
@@ -137,7 +136,6 @@ private slots:
         const int wider = left().tree(menu).rect.width();
         DO(m_scene->clickRow(left(), "tvDesck", secondStation));
         QVERIFY(hands::key("F5"));
-        QTest::qWait(500);
         SOON(left().tree(menu).rect.width() == wider);
     }
 
@@ -155,8 +153,9 @@ private slots:
         SOON(previewed("Общая схема КС-1"));
         QVERIFY(left().tree(menu).rect.width() > 330); // also after the client was started anew
         QVERIFY(hands::key("F4"));
+        const int reopened = logged(left(), "Модули открыты заново.");
         QVERIFY(hands::key("ctrl+r"));
-        QTest::qWait(2000);
+        SOON(logged(left(), "Модули открыты заново.") > reopened);
         SOON(left().settled() && previewed("Общая схема КС-1"));
         DO(m_scene->clickRow(left(), "tvDesck", secondStation));
         SOON(previewed("Общая схема КС-2"));
@@ -182,7 +181,7 @@ private slots:
         QVERIFY(another("update Menu set caption = 'Back again' where KeyLink = 'fileElement'"));
         SOON(shows("Back again"));
         SOON(opened() == 5); // the modules, too
-        QTest::qWait(500);
+        DO(handlesAll());
         QCOMPARE(hands::activeWindow(), active);
         QVERIFY(left().tree("tvDesck").focus);
     }
@@ -190,8 +189,7 @@ private slots:
     void anEngineerChoosesADesktopAndFindsItAgain() {
         DO(m_scene->startLeft()); // without the preview
         DO(m_scene->pressAll(left(), {"Клиент", "Рабочий стол…"}));
-        SOON(hands::isOnScreen("^Рабочий стол$"));
-        QTest::qWait(500);
+        SOON(hands::activeWindow() == "Рабочий стол");
         take("choose-desktop");
         QVERIFY(hands::key("minus") && hands::type("2"));
         QVERIFY(hands::key("Return"));
@@ -203,29 +201,27 @@ private slots:
 
     void aKioskFillsTheScreenAndEndsByTheLoginOfItsUser() {
         DO(m_scene->startOperator(station, sample() + QStringList("--kiosk"), QRect()));
-        QTest::qWait(1000);
         const QRect screen = QGuiApplication::primaryScreen()->geometry();
-        bool fills = false;
-        for (const QJsonValue& window : desk().ask("windows")["windows"].toArray()) {
-            const QJsonArray r = window.toObject()["rect"].toArray();
-            fills = fills || (r[2].toInt() == screen.width() && r[3].toInt() == screen.height());
-        }
-        QVERIFY(fills);
+        const auto fills = [&] {
+            bool any = false;
+            for (const QJsonValue& window : desk().ask("windows")["windows"].toArray()) {
+                const QJsonArray r = window["rect"].toArray();
+                any = any || (r[2].toInt() == screen.width() && r[3].toInt() == screen.height());
+            }
+            return any;
+        };
+        SOON(fills());
         take("operator-kiosk");
         QVERIFY(hands::key("alt+F4"));
-        QTest::qWait(1000);
+        DO(handlesAll());
         QVERIFY(desk().isRunning());
         QVERIFY(hands::key("ctrl+alt+q"));
-        SOON(hands::isOnScreen("^Закрыть рабочий стол$"));
-        QTest::qWait(500);
+        SOON(isActive(desk(), "kioskEnd"));
         QVERIFY(hands::type("left"));
         QVERIFY(hands::key("Return"));
-        QTest::qWait(1000);
-        QVERIFY(desk().isRunning());
-        DO(m_scene->press(desk(), ok));
+        DO(m_scene->press(desk(), ok)); // of the refusal
         QVERIFY(hands::key("ctrl+alt+q"));
-        SOON(hands::isOnScreen("^Закрыть рабочий стол$"));
-        QTest::qWait(500);
+        SOON(isActive(desk(), "kioskEnd"));
         QVERIFY(hands::type("right"));
         QVERIFY(hands::key("Return"));
         DO(m_scene->waitFor(

@@ -79,7 +79,7 @@ private slots:
         const int before = opened();
         DO(clickOn(dispatcher));
         SOON(hands::activeWindow() == dispatcher);
-        QTest::qWait(1000);
+        DO(handlesAll());
         QCOMPARE(hands::windowCount("^Вызов диспетчера$"), 1);
         QCOMPARE(opened(), before);
         take("function-one-copy");
@@ -220,7 +220,7 @@ private slots:
         DO(m_scene->waitFor(
             "all are read", [&] { return desk().settled() && shows("Element 10000"); }, 60000));
         DO(clickOn("Управление"));
-        QTest::qWait(1000);
+        SOON(isOpen("Управление"));
         take("many");
         QElapsedTimer timer;
         timer.start();
@@ -247,7 +247,7 @@ private slots:
         QVERIFY(
             another("update MenuFolder set caption = 'Station' where KeyLink = " + quoted(key)));
         SOON(label("deskNotice") == "Рабочий стол теперь называется «Station».");
-        QVERIFY2(title().contains("Station"), qPrintable(title()));
+        SOON(title().contains("Station"));
         QVERIFY(another("update MenuFolder set ParentKey = null where KeyLink = " + quoted(key)));
         SOON(label("deskNotice") == "Рабочий стол теперь в другой папке.");
         take("moved");

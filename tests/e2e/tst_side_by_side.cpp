@@ -75,7 +75,6 @@ private slots:
         DO(beginEdit(right(), "side1"));
         SOON(marks(left()) == QString("Menu/side1: Петров П.И."));
         QVERIFY(marks(right()).isEmpty());
-        QTest::qWait(300);
         picture("marked");
         DO(m_scene->press(right(), "Не сохранять"));
         QElapsedTimer clock;

@@ -79,6 +79,8 @@ public:
         postgres::Url address;
         if (!address.parse(url).ok() || !m_server.open(address).ok())
             qFatal("no second connection");
+        // The lock is held for as long as the clients under test need, on a busy machine too.
+        execute("SET idle_in_transaction_session_timeout = 0");
         // The role belongs to the whole server, which serves other tests at the same time.
         execute("DO $$ BEGIN CREATE ROLE engineer LOGIN; EXCEPTION WHEN duplicate_object OR "
                 "unique_violation THEN NULL; END $$");
