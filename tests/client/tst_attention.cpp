@@ -44,7 +44,7 @@ public:
     QString edit;
 };
 
-struct Bench : Host {
+struct Fixture : Host {
     QTabWidget tabs;
     ModuleRegistry registry;
     EditModule* module = new EditModule(&app); ///< on show
@@ -52,7 +52,7 @@ struct Bench : Host {
     std::unique_ptr<NotificationPump> pump;
     std::unique_ptr<store::Store> other = connectAgain("petrov");
 
-    Bench() {
+    Fixture() {
         for (EditModule* one : {module, second}) {
             tabs.addTab(one, "модуль");
             registry.add(one, "Menu");
@@ -65,7 +65,7 @@ struct Bench : Host {
             qFatal("no window");
         startPump();
     }
-    ~Bench() { registry.stopAll(); }
+    ~Fixture() { registry.stopAll(); }
 
     void startPump() {
         pump = std::make_unique<NotificationPump>(*session, registry, connectAgain());
@@ -110,214 +110,215 @@ class TestAttention : public QObject {
     Q_OBJECT
 private slots:
     void aStandingQuestionHoldsItsModuleAloneUntilTheAnswer() {
-        Bench bench;
-        CPopMessageBox* box = bench.ask(MessageBoxTypeYesNo);
-        QSignalSpy held(bench.pump.get(), &NotificationPump::heldChanged);
-        bench.others("a");
-        bench.others("b");
-        QVERIFY(bench.isHeld("b"));
-        QTRY_VERIFY(bench.pump->held().size() == 1 && bench.pump->held()[0].changes == 2);
-        QVERIFY(bench.module->messages.empty());
-        QVERIFY(!bench.pump->isIdle());
-        QVERIFY(bench.pump->held()[0].why == Attention::Question);
+        Fixture fixture;
+        CPopMessageBox* box = fixture.ask(MessageBoxTypeYesNo);
+        QSignalSpy held(fixture.pump.get(), &NotificationPump::heldChanged);
+        fixture.others("a");
+        fixture.others("b");
+        QVERIFY(fixture.isHeld("b"));
+        QTRY_VERIFY(fixture.pump->held().size() == 1 && fixture.pump->held()[0].changes == 2);
+        QVERIFY(fixture.module->messages.empty());
+        QVERIFY(!fixture.pump->isIdle());
+        QVERIFY(fixture.pump->held()[0].why == Attention::Question);
         QVERIFY(held.count() > 0);
         QTest::mouseClick(box->findChildren<QPushButton*>().at(0), Qt::LeftButton);
-        QCOMPARE(bench.module->roles.size(), size_t(1));
-        QVERIFY(bench.module->messages.empty()); // the answer came first
-        QTRY_COMPARE(bench.module->keys(), QStringList({"a", "b"}));
-        QTRY_VERIFY(bench.pump->held().empty());
-        QTRY_VERIFY(bench.pump->isIdle());
+        QCOMPARE(fixture.module->roles.size(), size_t(1));
+        QVERIFY(fixture.module->messages.empty()); // the answer came first
+        QTRY_COMPARE(fixture.module->keys(), QStringList({"a", "b"}));
+        QTRY_VERIFY(fixture.pump->held().empty());
+        QTRY_VERIFY(fixture.pump->isIdle());
     }
 
     void aQuestionHoldsBehindAnotherTabToo() {
-        Bench bench;
-        bench.ask(MessageBoxTypeYesNo);
-        bench.tabs.setCurrentIndex(1);
-        bench.others("a");
-        QVERIFY(bench.isHeld("a"));
-        bench.module->m_popMessageBox->hide();
-        QTRY_COMPARE(bench.module->keys(), QStringList("a"));
+        Fixture fixture;
+        fixture.ask(MessageBoxTypeYesNo);
+        fixture.tabs.setCurrentIndex(1);
+        fixture.others("a");
+        QVERIFY(fixture.isHeld("a"));
+        fixture.module->m_popMessageBox->hide();
+        QTRY_COMPARE(fixture.module->keys(), QStringList("a"));
     }
 
     void aNoticeHoldsNothing() {
-        Bench bench;
-        bench.ask(MessageBoxTypeOk);
-        bench.others("a");
-        QTRY_COMPARE(bench.module->keys(), QStringList("a"));
+        Fixture fixture;
+        fixture.ask(MessageBoxTypeOk);
+        fixture.others("a");
+        QTRY_COMPARE(fixture.module->keys(), QStringList("a"));
     }
 
     void anOpenPickerHoldsItsModule() {
-        Bench bench;
-        auto* picker = new CPopTemplate(bench.module, -1);
+        Fixture fixture;
+        auto* picker = new CPopTemplate(fixture.module, -1);
         picker->show();
-        bench.others("a");
-        QVERIFY(bench.isHeld("a"));
+        fixture.others("a");
+        QVERIFY(fixture.isHeld("a"));
         picker->hide();
-        QTRY_COMPARE(bench.module->keys(), QStringList("a"));
+        QTRY_COMPARE(fixture.module->keys(), QStringList("a"));
     }
 
     void aCellBeingTypedInKeepsTextAndFocus() {
-        Bench bench;
-        QLineEdit* editor = bench.module->typeInto("недопи");
+        Fixture fixture;
+        QLineEdit* editor = fixture.module->typeInto("недопи");
         QTRY_VERIFY(editor->hasFocus());
-        bench.others("a");
-        QVERIFY(bench.isHeld("a"));
+        fixture.others("a");
+        QVERIFY(fixture.isHeld("a"));
         QVERIFY(editor->hasFocus());
         QCOMPARE(editor->text(), QString("недопи"));
         QTest::keyClick(editor, Qt::Key_Return);
-        QTRY_COMPARE(bench.module->keys(), QStringList("a"));
+        QTRY_COMPARE(fixture.module->keys(), QStringList("a"));
     }
 
     void anOpenEditHoldsUntilItIsSavedOrDropped() {
-        Bench bench;
-        bench.module->edit = "элемент «Архив»";
-        bench.others("a");
-        QVERIFY(bench.isHeld("a"));
-        QTRY_COMPARE(bench.pump->held().size(), size_t(1));
-        QVERIFY(bench.pump->held()[0].why == Attention::Edit);
-        bench.module->edit.clear();
-        QTRY_COMPARE(bench.module->keys(), QStringList("a"));
+        Fixture fixture;
+        fixture.module->edit = "элемент «Архив»";
+        fixture.others("a");
+        QVERIFY(fixture.isHeld("a"));
+        QTRY_COMPARE(fixture.pump->held().size(), size_t(1));
+        QVERIFY(fixture.pump->held()[0].why == Attention::Edit);
+        fixture.module->edit.clear();
+        QTRY_COMPARE(fixture.module->keys(), QStringList("a"));
     }
 
     void theOwnEchoComesThroughAnOpenEditAndWhatWasBeforeItToo() {
-        Bench bench;
-        bench.module->edit = "элемент";
-        bench.others("before");
-        QVERIFY(bench.isHeld("before"));
-        QVERIFY(bench.own("own"));
-        QTRY_COMPARE(bench.module->keys(), QStringList({"before", "own"}));
-        bench.others("after");
-        QVERIFY(bench.isHeld("after"));
-        QTRY_COMPARE(bench.pump->held().size(), size_t(1));
-        QCOMPARE(bench.module->keys(), QStringList({"before", "own"}));
+        Fixture fixture;
+        fixture.module->edit = "элемент";
+        fixture.others("before");
+        QVERIFY(fixture.isHeld("before"));
+        QVERIFY(fixture.own("own"));
+        QTRY_COMPARE(fixture.module->keys(), QStringList({"before", "own"}));
+        fixture.others("after");
+        QVERIFY(fixture.isHeld("after"));
+        QTRY_COMPARE(fixture.pump->held().size(), size_t(1));
+        QCOMPARE(fixture.module->keys(), QStringList({"before", "own"}));
     }
 
     void whatOthersWriteRightBehindOnesOwnWriteWaits() {
-        Bench bench;
-        bench.module->edit = "элемент";
-        bench.pump.reset();
+        Fixture fixture;
+        fixture.module->edit = "элемент";
+        fixture.pump.reset();
         // Before the pump hears of the own write, so that it finds both at the same look.
-        connect(&client::sessionEvents(*bench.session), &client::SessionEvents::written,
-                bench.module, [&bench] { bench.others("after"); });
-        bench.startPump();
-        QVERIFY(bench.own("own"));
-        QTRY_COMPARE(bench.module->keys(), QStringList("own"));
-        QVERIFY(bench.isHeld("after"));
-        QTRY_VERIFY(bench.pump->held().size() == 1);
+        connect(&client::sessionEvents(*fixture.session), &client::SessionEvents::written,
+                fixture.module, [&fixture] { fixture.others("after"); });
+        fixture.startPump();
+        QVERIFY(fixture.own("own"));
+        QTRY_COMPARE(fixture.module->keys(), QStringList("own"));
+        QVERIFY(fixture.isHeld("after"));
+        QTRY_VERIFY(fixture.pump->held().size() == 1);
     }
 
     void aWriteOfTheModuleOnShowDoesNotDisturbTheOneBehind() {
-        Bench bench;
-        bench.second->edit = "элемент";
-        QVERIFY(bench.own("own"));
-        QTRY_COMPARE(bench.module->keys(), QStringList("own"));
-        QTRY_COMPARE(bench.pump->held().size(), size_t(1));
-        QVERIFY(bench.second->messages.empty());
+        Fixture fixture;
+        fixture.second->edit = "элемент";
+        QVERIFY(fixture.own("own"));
+        QTRY_COMPARE(fixture.module->keys(), QStringList("own"));
+        QTRY_COMPARE(fixture.pump->held().size(), size_t(1));
+        QVERIFY(fixture.second->messages.empty());
     }
 
     void theOwnEchoWaitsForTheAnswerToo() {
-        Bench bench;
-        bench.ask(MessageBoxTypeYesNo);
-        QVERIFY(bench.own("own"));
-        QVERIFY(bench.isHeld("own"));
-        bench.module->m_popMessageBox->hide();
-        QTRY_COMPARE(bench.module->keys(), QStringList("own"));
+        Fixture fixture;
+        fixture.ask(MessageBoxTypeYesNo);
+        QVERIFY(fixture.own("own"));
+        QVERIFY(fixture.isHeld("own"));
+        fixture.module->m_popMessageBox->hide();
+        QTRY_COMPARE(fixture.module->keys(), QStringList("own"));
     }
 
     void whatIsHeldComesInOrderAndOnceWhateverItsNumber() {
-        Bench bench;
-        bench.ask(MessageBoxTypeYesNo);
+        Fixture fixture;
+        fixture.ask(MessageBoxTypeYesNo);
         constexpr int count = 6000; // more than pump and follower keep for a slow module
-        QVERIFY(bench.byHand(QStringLiteral("with recursive n(i) as (select 1 union all select i + "
-                                            "1 from n where i < %1) insert into "
-                                            "\"Menu\"(\"KeyLink\") select 'k' || i from n")
-                                 .arg(count)));
-        QTRY_COMPARE_WITH_TIMEOUT(int(bench.second->messages.size()), count, 30000);
-        QVERIFY(bench.module->messages.empty());
-        bench.module->m_popMessageBox->hide();
-        QTRY_COMPARE_WITH_TIMEOUT(int(bench.module->messages.size()), count, 30000);
-        QCOMPARE(bench.module->keys(), bench.second->keys());
-        QTRY_VERIFY(bench.pump->isIdle());
+        QVERIFY(
+            fixture.byHand(QStringLiteral("with recursive n(i) as (select 1 union all select i + "
+                                          "1 from n where i < %1) insert into "
+                                          "\"Menu\"(\"KeyLink\") select 'k' || i from n")
+                               .arg(count)));
+        QTRY_COMPARE_WITH_TIMEOUT(int(fixture.second->messages.size()), count, 30000);
+        QVERIFY(fixture.module->messages.empty());
+        fixture.module->m_popMessageBox->hide();
+        QTRY_COMPARE_WITH_TIMEOUT(int(fixture.module->messages.size()), count, 30000);
+        QCOMPARE(fixture.module->keys(), fixture.second->keys());
+        QTRY_VERIFY(fixture.pump->isIdle());
     }
 
     void theHostHearsOfEveryChangeAtOnce() {
-        Bench bench;
-        QSignalSpy changed(bench.pump.get(), &NotificationPump::changed);
-        bench.ask(MessageBoxTypeYesNo);
-        bench.second->edit = "элемент";
-        bench.others("a");
+        Fixture fixture;
+        QSignalSpy changed(fixture.pump.get(), &NotificationPump::changed);
+        fixture.ask(MessageBoxTypeYesNo);
+        fixture.second->edit = "элемент";
+        fixture.others("a");
         QTRY_COMPARE(changed.count(), 1);
-        QVERIFY(bench.module->messages.empty());
-        bench.second->edit.clear();
-        bench.module->m_popMessageBox->hide();
-        QTRY_VERIFY(bench.pump->isIdle());
+        QVERIFY(fixture.module->messages.empty());
+        fixture.second->edit.clear();
+        fixture.module->m_popMessageBox->hide();
+        QTRY_VERIFY(fixture.pump->isIdle());
         QCOMPARE(changed.count(), 1);
     }
 
     void eachModuleHasItsOwnPlaceInTheLog() {
-        Bench bench;
-        bench.others("a");
-        QTRY_COMPARE(bench.second->keys(), QStringList("a"));
-        QTRY_VERIFY(bench.pump->isIdle());
-        const int64_t first = bench.module->messagesSeen();
-        QCOMPARE(bench.second->messagesSeen(), first);
-        bench.ask(MessageBoxTypeYesNo);
-        bench.others("b");
-        QVERIFY(bench.isHeld("b"));
-        QCOMPARE(bench.module->messagesSeen(), first);
-        QVERIFY(bench.second->messagesSeen() > first);
+        Fixture fixture;
+        fixture.others("a");
+        QTRY_COMPARE(fixture.second->keys(), QStringList("a"));
+        QTRY_VERIFY(fixture.pump->isIdle());
+        const int64_t first = fixture.module->messagesSeen();
+        QCOMPARE(fixture.second->messagesSeen(), first);
+        fixture.ask(MessageBoxTypeYesNo);
+        fixture.others("b");
+        QVERIFY(fixture.isHeld("b"));
+        QCOMPARE(fixture.module->messagesSeen(), first);
+        QVERIFY(fixture.second->messagesSeen() > first);
     }
 
     void aQuestionTellsWhoChangedWhatItIsAboutAndWhen() {
-        Bench bench;
-        bench.own("asked");
-        QTRY_COMPARE(bench.second->keys(), QStringList("asked"));
-        CPopMessageBox* box = bench.ask(MessageBoxTypeYesNo);
+        Fixture fixture;
+        fixture.own("asked");
+        QTRY_COMPARE(fixture.second->keys(), QStringList("asked"));
+        CPopMessageBox* box = fixture.ask(MessageBoxTypeYesNo);
         box->setSubject("Menu", {"ASKED"});
-        bench.others("beside");
-        QVERIFY(bench.isHeld("beside"));
+        fixture.others("beside");
+        QVERIFY(fixture.isHeld("beside"));
         QCOMPARE(textOfBox(box), QString("Уведомление Удалить?"));
-        bench.write("Menu", 2, {{"KeyLink", "asked"}, {"caption", "<b>Новое</b>"}});
+        fixture.write("Menu", 2, {{"KeyLink", "asked"}, {"caption", "<b>Новое</b>"}});
         QTRY_VERIFY(textOfBox(box).contains("Изменено: engineer, "));
         QVERIFY(textOfBox(box).contains("теперь «<b>Новое</b>»"));
         QVERIFY(box->isQuestion());
     }
 
     void aQuestionIsWithdrawnWhenAllThatItIsAboutIsGone() {
-        Bench bench;
+        Fixture fixture;
         for (const char* key : {"one", "two"})
-            bench.own(key);
-        QTRY_COMPARE(bench.second->keys().size(), 2);
-        CPopMessageBox* box = bench.ask(MessageBoxTypeYesNo);
+            fixture.own(key);
+        QTRY_COMPARE(fixture.second->keys().size(), 2);
+        CPopMessageBox* box = fixture.ask(MessageBoxTypeYesNo);
         box->setSubject("Menu", {"one", "two"});
-        bench.write("Menu", 4, {{"KeyLink", "one"}});
+        fixture.write("Menu", 4, {{"KeyLink", "one"}});
         QTRY_VERIFY(textOfBox(box).contains("Уже удалено: engineer, "));
         QVERIFY(box->isQuestion());
-        bench.write("Menu", 4, {{"KeyLink", "two"}});
+        fixture.write("Menu", 4, {{"KeyLink", "two"}});
         QTRY_VERIFY(textOfBox(box).contains("Вопрос снят"));
         QVERIFY(box->isVisible());
         QVERIFY(!box->isQuestion());
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
         QVERIFY(box->isHidden());
-        QVERIFY(bench.module->roles.empty()); // the module hears of no answer
+        QVERIFY(fixture.module->roles.empty()); // the module hears of no answer
         // The next question is one again, and knows nothing of the last.
-        bench.ask(MessageBoxTypeYesNo);
+        fixture.ask(MessageBoxTypeYesNo);
         QVERIFY(box->isQuestion());
         QCOMPARE(textOfBox(box), QString("Уведомление Удалить?"));
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
-        QCOMPARE(bench.module->roles.size(), size_t(1));
+        QCOMPARE(fixture.module->roles.size(), size_t(1));
     }
 
     void aQuestionIsWithdrawnWhenSomethingIsPutIntoItsSubject() {
-        Bench bench;
+        Fixture fixture;
         for (const auto& [table, subject, link] : {std::tuple("MenuFolder", "desktop", "FolderKey"),
                                                    {"Menu", "folder", "parent"},
                                                    {"Menu", "above", "parent"}}) {
-            CPopMessageBox* box = bench.ask(MessageBoxTypeYesNo);
+            CPopMessageBox* box = fixture.ask(MessageBoxTypeYesNo);
             const bool deep = QString(subject) == "above";
             box->setSubject(table, {subject}, deep ? QStringList("below") : QStringList());
             const std::string key = std::string("in ") + subject;
-            bench.write("Menu", 1, {{"KeyLink", key}, {link, deep ? "below" : subject}});
+            fixture.write("Menu", 1, {{"KeyLink", key}, {link, deep ? "below" : subject}});
             QTRY_VERIFY(textOfBox(box).contains("Внутри появилось"));
             QVERIFY(!box->isQuestion());
             box->hide();
@@ -325,43 +326,43 @@ private slots:
     }
 
     void aCorrectionIsToldWhenTheAttentionEnds() {
-        Bench bench;
-        bench.module->edit = "правка";
+        Fixture fixture;
+        fixture.module->edit = "правка";
         store::Change change;
         change.code = 602;
         change.table = "Menu";
         change.key = "given up";
         change.after = change.before = "{}";
-        bench.pump->correct("Menu", {change});
-        bench.others("a");
-        QVERIFY(bench.isHeld("a"));
-        QVERIFY(bench.second->keys().contains("given up"));
-        QVERIFY(!bench.module->keys().contains("given up"));
-        bench.module->edit.clear();
-        QTRY_COMPARE(bench.module->keys(), QStringList({"given up", "a"}));
-        QTRY_VERIFY(bench.pump->isIdle());
+        fixture.pump->correct("Menu", {change});
+        fixture.others("a");
+        QVERIFY(fixture.isHeld("a"));
+        QVERIFY(fixture.second->keys().contains("given up"));
+        QVERIFY(!fixture.module->keys().contains("given up"));
+        fixture.module->edit.clear();
+        QTRY_COMPARE(fixture.module->keys(), QStringList({"given up", "a"}));
+        QTRY_VERIFY(fixture.pump->isIdle());
     }
 
     void aHeldModuleMayGo() {
-        Bench bench;
-        bench.ask(MessageBoxTypeYesNo);
-        bench.others("a");
-        QVERIFY(bench.isHeld("a"));
-        bench.registry.stop(bench.module);
-        QTRY_VERIFY(bench.pump->isIdle());
-        QVERIFY(bench.pump->held().empty());
+        Fixture fixture;
+        fixture.ask(MessageBoxTypeYesNo);
+        fixture.others("a");
+        QVERIFY(fixture.isHeld("a"));
+        fixture.registry.stop(fixture.module);
+        QTRY_VERIFY(fixture.pump->isIdle());
+        QVERIFY(fixture.pump->held().empty());
     }
 
     void aLogThatIsLostIsToldWhenNothingIsOpenAnyMore() {
-        Bench bench;
-        QSignalSpy lost(bench.pump.get(), &NotificationPump::logLost);
-        QSignalSpy held(bench.pump.get(), &NotificationPump::logLossHeld);
-        bench.module->edit = "элемент";
-        QVERIFY(bench.byHand("begin; insert into \"Menu\"(\"KeyLink\") values('missed'); "
-                             "delete from \"NciEvent\"; commit"));
+        Fixture fixture;
+        QSignalSpy lost(fixture.pump.get(), &NotificationPump::logLost);
+        QSignalSpy held(fixture.pump.get(), &NotificationPump::logLossHeld);
+        fixture.module->edit = "элемент";
+        QVERIFY(fixture.byHand("begin; insert into \"Menu\"(\"KeyLink\") values('missed'); "
+                               "delete from \"NciEvent\"; commit"));
         QTRY_COMPARE(held.count(), 1);
         QCOMPARE(lost.count(), 0);
-        bench.module->edit.clear();
+        fixture.module->edit.clear();
         QTRY_COMPARE(lost.count(), 1);
     }
 };

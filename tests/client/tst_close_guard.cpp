@@ -9,7 +9,7 @@ using namespace orvo::app;
 
 namespace {
 
-struct Bench {
+struct Fixture {
     QWidget window;
     CloseGuard guard;
     QStringList open; ///< what would be lost
@@ -18,7 +18,7 @@ struct Bench {
     int gone = 0;
     int stayed = 0;
 
-    Bench() {
+    Fixture() {
         guard.addSource([this] {
             std::vector<CloseGuard::Unsaved> all;
             for (const QString& one : open)
@@ -48,76 +48,76 @@ class TestCloseGuard : public QObject {
     Q_OBJECT
 private slots:
     void nothingOpenAsksNothing() {
-        Bench bench;
-        QVERIFY(bench.guard.isClean());
-        QVERIFY(bench.mayGo());
-        QVERIFY(!bench.question());
+        Fixture fixture;
+        QVERIFY(fixture.guard.isClean());
+        QVERIFY(fixture.mayGo());
+        QVERIFY(!fixture.question());
     }
 
     void oneQuestionNamesAllAsPlainText() {
-        Bench bench;
-        bench.open =
+        Fixture fixture;
+        fixture.open =
             QStringList({"Редактор меню: элемент «<b>Архив</b>»", "Редактор ресурсов: строка «Б»"});
-        QVERIFY(!bench.mayGo());
-        QVERIFY(bench.question());
-        for (const QString& one : bench.open)
-            QVERIFY(bench.question()->text().contains(one));
-        QCOMPARE(bench.question()->textFormat(), Qt::PlainText);
-        QVERIFY(!bench.mayGo()); // asked already
-        QCOMPARE(bench.window.findChildren<QMessageBox*>().size(), 1);
+        QVERIFY(!fixture.mayGo());
+        QVERIFY(fixture.question());
+        for (const QString& one : fixture.open)
+            QVERIFY(fixture.question()->text().contains(one));
+        QCOMPARE(fixture.question()->textFormat(), Qt::PlainText);
+        QVERIFY(!fixture.mayGo()); // asked already
+        QCOMPARE(fixture.window.findChildren<QMessageBox*>().size(), 1);
     }
 
     void savingSavesAllAndGoes() {
-        Bench bench;
-        bench.open = QStringList({"а", "б"});
-        QVERIFY(!bench.mayGo());
-        bench.answer("closeSave");
-        QTRY_COMPARE(bench.gone, 1);
-        QCOMPARE(bench.saved, QStringList({"а", "б"}));
-        QCOMPARE(bench.stayed, 0);
+        Fixture fixture;
+        fixture.open = QStringList({"а", "б"});
+        QVERIFY(!fixture.mayGo());
+        fixture.answer("closeSave");
+        QTRY_COMPARE(fixture.gone, 1);
+        QCOMPARE(fixture.saved, QStringList({"а", "б"}));
+        QCOMPARE(fixture.stayed, 0);
     }
 
     void aRefusedSaveStays() {
-        Bench bench;
-        bench.open = QStringList("а");
-        bench.refuses = true;
-        QVERIFY(!bench.mayGo());
-        bench.answer("closeSave");
-        QTRY_COMPARE(bench.stayed, 1);
-        QCOMPARE(bench.gone, 0);
+        Fixture fixture;
+        fixture.open = QStringList("а");
+        fixture.refuses = true;
+        QVERIFY(!fixture.mayGo());
+        fixture.answer("closeSave");
+        QTRY_COMPARE(fixture.stayed, 1);
+        QCOMPARE(fixture.gone, 0);
     }
 
     void droppingGoesAndStayingStays() {
-        Bench bench;
-        bench.open = QStringList("а");
-        QVERIFY(!bench.mayGo());
-        bench.answer("closeStay");
-        QTRY_COMPARE(bench.stayed, 1);
-        QVERIFY(!bench.mayGo());
-        QTest::keyClick(bench.question(), Qt::Key_Escape);
-        QTRY_COMPARE(bench.stayed, 2);
-        QCOMPARE(bench.gone, 0);
-        QVERIFY(!bench.mayGo());
-        bench.answer("closeDrop");
-        QTRY_COMPARE(bench.gone, 1);
-        QVERIFY(bench.saved.isEmpty());
+        Fixture fixture;
+        fixture.open = QStringList("а");
+        QVERIFY(!fixture.mayGo());
+        fixture.answer("closeStay");
+        QTRY_COMPARE(fixture.stayed, 1);
+        QVERIFY(!fixture.mayGo());
+        QTest::keyClick(fixture.question(), Qt::Key_Escape);
+        QTRY_COMPARE(fixture.stayed, 2);
+        QCOMPARE(fixture.gone, 0);
+        QVERIFY(!fixture.mayGo());
+        fixture.answer("closeDrop");
+        QTRY_COMPARE(fixture.gone, 1);
+        QVERIFY(fixture.saved.isEmpty());
     }
 
     void whatASaveLeavesElsewhereIsAskedAboutNext() {
-        Bench bench;
-        bench.guard.addSource([&bench] {
+        Fixture fixture;
+        fixture.guard.addSource([&fixture] {
             std::vector<CloseGuard::Unsaved> all;
-            for (const QString& one : bench.saved)
+            for (const QString& one : fixture.saved)
                 all.push_back({"не записано: " + one, [] { return false; }});
             return all;
         });
-        bench.open = QStringList("а");
-        QVERIFY(!bench.mayGo());
-        bench.answer("closeSave");
-        QTRY_VERIFY(bench.question() && bench.question()->text().contains("не записано: а"));
-        QCOMPARE(bench.gone, 0);
-        bench.answer("closeDrop");
-        QTRY_COMPARE(bench.gone, 1);
+        fixture.open = QStringList("а");
+        QVERIFY(!fixture.mayGo());
+        fixture.answer("closeSave");
+        QTRY_VERIFY(fixture.question() && fixture.question()->text().contains("не записано: а"));
+        QCOMPARE(fixture.gone, 0);
+        fixture.answer("closeDrop");
+        QTRY_COMPARE(fixture.gone, 1);
     }
 };
 

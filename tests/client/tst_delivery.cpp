@@ -17,11 +17,11 @@ using client::NotificationPump;
 
 namespace {
 
-struct Bench : Host {
+struct Fixture : Host {
     ModuleRegistry registry;
     Module* module = new Module(&app); // owned by the registry
     std::unique_ptr<NotificationPump> pump;
-    Bench() {
+    Fixture() {
         registry.add(module, "Menu");
         registry.start(module);
         pump = std::make_unique<NotificationPump>(*session, registry, connectAgain());
@@ -63,12 +63,12 @@ class TestDelivery : public QObject {
     Q_OBJECT
 private slots:
     void theOwnEchoArrivesWithAllFieldsOfAnInsert() {
-        Bench bench;
-        QVERIFY(bench.write("MenuFolder", 1,
-                            {{"KeyLink", "k"}, {"caption", "Стол"}, {"ParentKey", ""}}));
-        QCOMPARE(bench.module->messages.size(), size_t(0)); // not inside the call
-        QTRY_COMPARE(bench.module->messages.size(), size_t(1));
-        const Message& m = bench.module->messages[0];
+        Fixture fixture;
+        QVERIFY(fixture.write("MenuFolder", 1,
+                              {{"KeyLink", "k"}, {"caption", "Стол"}, {"ParentKey", ""}}));
+        QCOMPARE(fixture.module->messages.size(), size_t(0)); // not inside the call
+        QTRY_COMPARE(fixture.module->messages.size(), size_t(1));
+        const Message& m = fixture.module->messages[0];
         QCOMPARE(m.code, 601);
         QCOMPARE(m.table, QString("MenuFolder"));
         QCOMPARE(m.key, QString("k"));
@@ -76,23 +76,23 @@ private slots:
         QCOMPARE(m.marked.size(), size_t(5));
         QCOMPARE(m.marked.at("caption").toString(), QString("Стол"));
         QVERIFY(!m.marked.at("ParentKey").isValid()); // stored as NULL
-        QTRY_VERIFY(bench.pump->isIdle());
+        QTRY_VERIFY(fixture.pump->isIdle());
     }
 
     void anUpdateMarksOnlyWhatChangedAndADeletionNothing() {
-        Bench bench;
-        bench.insert("k");
-        bench.write("Menu", 2, {{"KeyLink", "k"}, {"caption", "новое"}});
-        bench.write("Menu", 2, {{"KeyLink", "k"}, {"caption", "новое"}});
-        bench.write("Menu", 4, {{"KeyLink", "k"}});
-        QTRY_COMPARE(bench.module->messages.size(), size_t(4));
-        QCOMPARE(bench.module->messages[1].code, 602);
-        QCOMPARE(bench.module->messages[1].marked.size(), size_t(1));
-        QCOMPARE(bench.module->messages[2].code,
+        Fixture fixture;
+        fixture.insert("k");
+        fixture.write("Menu", 2, {{"KeyLink", "k"}, {"caption", "новое"}});
+        fixture.write("Menu", 2, {{"KeyLink", "k"}, {"caption", "новое"}});
+        fixture.write("Menu", 4, {{"KeyLink", "k"}});
+        QTRY_COMPARE(fixture.module->messages.size(), size_t(4));
+        QCOMPARE(fixture.module->messages[1].code, 602);
+        QCOMPARE(fixture.module->messages[1].marked.size(), size_t(1));
+        QCOMPARE(fixture.module->messages[2].code,
                  602); // no value changed: the echo comes all the same
-        QCOMPARE(bench.module->messages[2].marked.size(), size_t(0));
-        QCOMPARE(bench.module->messages[3].code, 603);
-        QCOMPARE(bench.module->messages[3].rawLength, 0u);
+        QCOMPARE(fixture.module->messages[2].marked.size(), size_t(0));
+        QCOMPARE(fixture.module->messages[3].code, 603);
+        QCOMPARE(fixture.module->messages[3].rawLength, 0u);
     }
 
     void changesBetweenSessionAndStartAreNotLost() {
@@ -108,165 +108,165 @@ private slots:
     }
 
     void aChangeOfAnotherConnectionArrives() {
-        Bench bench;
+        Fixture fixture;
         Host other;
-        auto store = bench.connectAgain("petrov");
+        auto store = fixture.connectAgain("petrov");
         CMDArray array;
         store::makeStructure(*store::findTable("Menu"), array.array);
         array.KeyAdd("KeyLink", MDX_KEY_UNIQUE);
         addRecord(array, 1, {{"KeyLink", "k"}});
         QVERIFY(store->update("Menu", array.array).ok());
-        QTRY_COMPARE(bench.module->messages.size(), size_t(1));
-        QCOMPARE(bench.module->messages[0].source, QString("NCI:Menu,petrov"));
+        QTRY_COMPARE(fixture.module->messages.size(), size_t(1));
+        QCOMPARE(fixture.module->messages[0].source, QString("NCI:Menu,petrov"));
     }
 
     void aChangeByHandArrivesAtOnce() {
-        Bench bench;
+        Fixture fixture;
         QTest::qWait(50);
         // The log has the moment of the change, so that a slow start of the program does not count.
         double written = 0;
         double arrived = 0;
-        connect(bench.pump.get(), &NotificationPump::changed, this,
+        connect(fixture.pump.get(), &NotificationPump::changed, this,
                 [&](const store::Change& change) { written = change.time; });
-        bench.module->onMessage = [&](const Message&) {
+        fixture.module->onMessage = [&](const Message&) {
             arrived = DateTime_To_MdxTime(QDateTime::currentDateTime());
         };
-        QVERIFY(
-            bench.byHand("insert into \"Menu\"(\"KeyLink\", \"caption\") values('hand', 'рукой')"));
-        QTRY_COMPARE(bench.module->messages.size(), size_t(1));
-        QCOMPARE(bench.module->messages[0].key, QString("hand"));
-        QCOMPARE(bench.module->messages[0].source, "NCI:Menu," + bench.handLogin());
-        QCOMPARE(bench.module->messages[0].marked.at("caption").toString(), QString("рукой"));
+        QVERIFY(fixture.byHand(
+            "insert into \"Menu\"(\"KeyLink\", \"caption\") values('hand', 'рукой')"));
+        QTRY_COMPARE(fixture.module->messages.size(), size_t(1));
+        QCOMPARE(fixture.module->messages[0].key, QString("hand"));
+        QCOMPARE(fixture.module->messages[0].source, "NCI:Menu," + fixture.handLogin());
+        QCOMPARE(fixture.module->messages[0].marked.at("caption").toString(), QString("рукой"));
         qInfo("written by hand to module told: %.0f ms", (arrived - written) * 1000);
         QVERIFY2(arrived - written < 0.5, "only the slow poll found it");
     }
 
     void nothingComesInsideALoopOfASlot() {
-        Bench bench;
+        Fixture fixture;
         inMainLoop([&] {
-            bench.insert("k");
+            fixture.insert("k");
             nestedLoop(200);
-            QCOMPARE(bench.module->messages.size(), size_t(0));
-            QVERIFY(!bench.pump->isIdle());
+            QCOMPARE(fixture.module->messages.size(), size_t(0));
+            QVERIFY(!fixture.pump->isIdle());
         });
         inMainLoop([] {}); // back in the bare loop
-        QTRY_COMPARE(bench.module->messages.size(), size_t(1));
+        QTRY_COMPARE(fixture.module->messages.size(), size_t(1));
     }
 
     void theBareLoopDelivers() {
-        Bench bench;
-        bench.insert("k");
+        Fixture fixture;
+        fixture.insert("k");
         QEventLoop loop; // level 1, as QApplication::exec
-        bench.module->onMessage = [&](const Message&) { loop.quit(); };
+        fixture.module->onMessage = [&](const Message&) { loop.quit(); };
         QTimer::singleShot(5000, &loop, &QEventLoop::quit);
         loop.exec();
-        QCOMPARE(bench.module->messages.size(), size_t(1));
+        QCOMPARE(fixture.module->messages.size(), size_t(1));
     }
 
     void nothingComesWhileAModalDialogIsUp() {
-        Bench bench;
+        Fixture fixture;
         QDialog dialog;
         dialog.setModal(true);
         dialog.show();
-        bench.insert("k");
+        fixture.insert("k");
         QTest::qWait(150);
-        QCOMPARE(bench.module->messages.size(), size_t(0));
+        QCOMPARE(fixture.module->messages.size(), size_t(0));
         dialog.close();
-        QTRY_COMPARE(bench.module->messages.size(), size_t(1));
+        QTRY_COMPARE(fixture.module->messages.size(), size_t(1));
     }
 
     void nothingComesWhileAMenuIsOpen() {
-        Bench bench;
+        Fixture fixture;
         QMenu menu;
         menu.addAction("a");
         menu.popup(QPoint(10, 10));
         QVERIFY(QTest::qWaitForWindowExposed(&menu));
-        bench.insert("k");
+        fixture.insert("k");
         QTest::qWait(150);
-        QCOMPARE(bench.module->messages.size(), size_t(0));
+        QCOMPARE(fixture.module->messages.size(), size_t(0));
         menu.close();
-        QTRY_COMPARE(bench.module->messages.size(), size_t(1));
+        QTRY_COMPARE(fixture.module->messages.size(), size_t(1));
     }
 
     void nothingComesWhileACallIsRunning() {
-        Bench bench;
-        bench.insert("k");
+        Fixture fixture;
+        fixture.insert("k");
         int inside = -1;
         // A failed call ends in this signal, still inside the call: even if its receiver turned the
         // loop, nothing would come.
-        QObject::connect(&client::sessionEvents(*bench.session), &client::SessionEvents::failed,
+        QObject::connect(&client::sessionEvents(*fixture.session), &client::SessionEvents::failed,
                          this, [&] {
                              QElapsedTimer clock;
                              clock.start();
                              while (clock.elapsed() < 100)
                                  QCoreApplication::processEvents();
-                             inside = int(bench.module->messages.size());
+                             inside = int(fixture.module->messages.size());
                          });
-        bench.session->SqlUpdate("Nowhere", nullptr, true, nullptr);
+        fixture.session->SqlUpdate("Nowhere", nullptr, true, nullptr);
         QCOMPARE(inside, 0);
-        QTRY_COMPARE(bench.module->messages.size(), size_t(1));
+        QTRY_COMPARE(fixture.module->messages.size(), size_t(1));
     }
 
     void aModuleWhoseStartFailedGetsNone() {
-        Bench bench;
-        auto* failed = new Module(&bench.app);
+        Fixture fixture;
+        auto* failed = new Module(&fixture.app);
         failed->startResult = false;
-        bench.registry.add(failed, "Resources");
-        bench.registry.start(failed);
-        auto* loaded = new Module(&bench.app);
-        bench.registry.add(loaded, "Resources");
-        bench.insert("k");
-        QTRY_COMPARE(bench.module->messages.size(), size_t(1));
+        fixture.registry.add(failed, "Resources");
+        fixture.registry.start(failed);
+        auto* loaded = new Module(&fixture.app);
+        fixture.registry.add(loaded, "Resources");
+        fixture.insert("k");
+        QTRY_COMPARE(fixture.module->messages.size(), size_t(1));
         QCOMPARE(failed->messages.size(), size_t(0));
         QCOMPARE(failed->messagesWaiting(), 0);
         QCOMPARE(loaded->messages.size(), size_t(0));
     }
 
     void everyRunningModuleGetsEveryChange() {
-        Bench bench;
-        auto* second = new Module(&bench.app);
-        bench.registry.add(second, "Resources");
-        bench.registry.start(second);
+        Fixture fixture;
+        auto* second = new Module(&fixture.app);
+        fixture.registry.add(second, "Resources");
+        fixture.registry.start(second);
         for (int i = 0; i < 500; ++i)
-            bench.insert("k" + std::to_string(i));
+            fixture.insert("k" + std::to_string(i));
         QTRY_COMPARE(second->messages.size(), size_t(500));
-        QCOMPARE(bench.module->keys(), second->keys());
+        QCOMPARE(fixture.module->keys(), second->keys());
         for (int i = 0; i < 500; ++i)
             QCOMPARE(second->messages[size_t(i)].key, QStringLiteral("k%1").arg(i));
     }
 
     void modulesMayGoWhileNotificationsWait() {
-        Bench bench;
-        auto* second = new Module(&bench.app);
-        bench.registry.add(second, "Resources");
-        bench.registry.start(second);
+        Fixture fixture;
+        auto* second = new Module(&fixture.app);
+        fixture.registry.add(second, "Resources");
+        fixture.registry.start(second);
         for (int i = 0; i < 300; ++i)
-            bench.insert("k" + std::to_string(i));
+            fixture.insert("k" + std::to_string(i));
         // The first module takes the second down in the middle of it all.
         bool gone = false;
-        bench.module->onMessage = [&](const Message& m) {
+        fixture.module->onMessage = [&](const Message& m) {
             if (m.key == "k100" && !gone) {
                 gone = true;
                 delete second;
             }
         };
-        QTRY_COMPARE(bench.module->messages.size(), size_t(300));
+        QTRY_COMPARE(fixture.module->messages.size(), size_t(300));
         QVERIFY(gone);
-        bench.insert("last");
-        bench.registry.stop(bench.module); // with one in the log
-        QTRY_VERIFY(bench.pump->isIdle());
+        fixture.insert("last");
+        fixture.registry.stop(fixture.module); // with one in the log
+        QTRY_VERIFY(fixture.pump->isIdle());
     }
 
     void aBurstOfTenThousandLeavesTheWindowAnswering() {
-        Bench bench;
+        Fixture fixture;
         constexpr int count = 10000;
-        QVERIFY(bench.byHand(QStringLiteral(
+        QVERIFY(fixture.byHand(QStringLiteral(
             "with recursive n(i) as (select 1 union all select i + 1 from n where i < 10000) "
             "insert into \"Menu\"(\"KeyLink\", \"caption\", \"order_\") select 'k' || i, 'элемент "
             "' || i, i from "
             "n")));
         // What a module does with one takes its time too.
-        bench.module->onMessage = [](const Message&) {
+        fixture.module->onMessage = [](const Message&) {
             QElapsedTimer work;
             work.start();
             while (work.nsecsElapsed() < 20000) {
@@ -285,70 +285,70 @@ private slots:
         });
         total.start();
         beat.start(1);
-        QTRY_COMPARE_WITH_TIMEOUT(int(bench.module->messages.size()), count, 60000);
+        QTRY_COMPARE_WITH_TIMEOUT(int(fixture.module->messages.size()), count, 60000);
         qInfo("%d notifications in %lld ms, %d beats, at most %.0f ms of work between two", count,
               total.elapsed(), beats, longest);
-        QCOMPARE(bench.module->messages.back().key, QString("k10000"));
+        QCOMPARE(fixture.module->messages.back().key, QString("k10000"));
         QVERIFY2(longest < 100, qPrintable(QString::number(longest)));
         QVERIFY(beats > 20);
     }
 
     void changesOfContentReachTheHostAndTheModules() {
-        Bench bench;
+        Fixture fixture;
         QStringList tables;
         connect(
-            bench.pump.get(), &NotificationPump::changed, this,
+            fixture.pump.get(), &NotificationPump::changed, this,
             [&](const store::Change& change) { tables << QString::fromStdString(change.table); });
-        bench.write("MenuResourceFolder", 1,
-                    {{"KeyLink", "f"}, {"type_", "4"}, {"caption", "icons"}});
-        CToolFilePut put(bench.module);
+        fixture.write("MenuResourceFolder", 1,
+                      {{"KeyLink", "f"}, {"type_", "4"}, {"caption", "icons"}});
+        CToolFilePut put(fixture.module);
         put.AddFile("icons", "a.png", "abc", 3, 1);
         put.Perform(false);
         QTRY_VERIFY(tables.contains("MenuResourceFile"));
-        QTRY_COMPARE(int(bench.module->messages.size()), int(tables.size()));
-        QVERIFY(bench.failures.isEmpty());
+        QTRY_COMPARE(int(fixture.module->messages.size()), int(tables.size()));
+        QVERIFY(fixture.failures.isEmpty());
     }
 
     void aPrunedLogIsToldAndTheRestartGoesOn() {
-        Bench bench;
-        QSignalSpy lost(bench.pump.get(), &NotificationPump::logLost);
-        bench.insert("seen");
-        QTRY_COMPARE(bench.module->messages.size(), size_t(1));
+        Fixture fixture;
+        QSignalSpy lost(fixture.pump.get(), &NotificationPump::logLost);
+        fixture.insert("seen");
+        QTRY_COMPARE(fixture.module->messages.size(), size_t(1));
         // Written and pruned before anyone can have read it.
-        QVERIFY(bench.byHand("begin; insert into \"Menu\"(\"KeyLink\") values('missed'); "
-                             "delete from \"NciEvent\"; commit"));
+        QVERIFY(fixture.byHand("begin; insert into \"Menu\"(\"KeyLink\") values('missed'); "
+                               "delete from \"NciEvent\"; commit"));
         QTRY_COMPARE(lost.count(), 1);
-        bench.insert("while resting");
+        fixture.insert("while resting");
         QTest::qWait(100);
         QCOMPARE(lost.count(), 1);
-        QVERIFY(bench.pump->isIdle());
-        QVERIFY(bench.pump->restart());
-        bench.insert("after");
-        QTRY_COMPARE(bench.module->keys(), QStringList({"seen", "after"}));
+        QVERIFY(fixture.pump->isIdle());
+        QVERIFY(fixture.pump->restart());
+        fixture.insert("after");
+        QTRY_COMPARE(fixture.module->keys(), QStringList({"seen", "after"}));
     }
 
     void aModuleMayWriteInsideItsNotification() {
-        Bench bench;
-        bench.module->onMessage = [&](const Message& m) {
+        Fixture fixture;
+        fixture.module->onMessage = [&](const Message& m) {
             if (m.key == "first")
-                bench.insert("second");
+                fixture.insert("second");
         };
-        bench.insert("first");
-        QTRY_COMPARE(bench.module->keys(), QStringList({"first", "second"}));
+        fixture.insert("first");
+        QTRY_COMPARE(fixture.module->keys(), QStringList({"first", "second"}));
     }
 
     void aLoopInsideANotificationDoesNotReenter() {
-        Bench bench;
+        Fixture fixture;
         int depth = 0;
         int deepest = 0;
-        bench.module->onMessage = [&](const Message&) {
+        fixture.module->onMessage = [&](const Message&) {
             deepest = qMax(deepest, ++depth);
             nestedLoop(40);
             --depth;
         };
-        bench.insert("a");
-        bench.insert("b");
-        QTRY_COMPARE(bench.module->messages.size(), size_t(2));
+        fixture.insert("a");
+        fixture.insert("b");
+        QTRY_COMPARE(fixture.module->messages.size(), size_t(2));
         QCOMPARE(deepest, 1);
     }
 };

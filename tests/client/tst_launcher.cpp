@@ -47,7 +47,7 @@ QByteArray pdf() {
     return bytes;
 }
 
-struct Bench : FormBench {
+struct Fixture : FormBench {
     QString libraryDir = dir.path() + "/modules";
     ModuleLibraries libraries;
     client::ModuleRegistry modules;
@@ -58,7 +58,7 @@ struct Bench : FormBench {
     QStringList problems;
     QStringList logs;
 
-    Bench() {
+    Fixture() {
         qputenv("ORVO_TEST_LIFE", QFile::encodeName(dir.path() + "/life"));
         QDir().mkpath(libraryDir);
         QFile::copy(QCoreApplication::applicationDirPath() + "/libOrvoTestModules.so",
@@ -89,7 +89,7 @@ struct Bench : FormBench {
         window.resize(900, 700);
         window.show();
     }
-    ~Bench() {
+    ~Fixture() {
         launcher.reset();
         modules.stopAll();
     }
@@ -146,102 +146,103 @@ class TestLauncher : public QObject {
     Q_OBJECT
 private slots:
     void aModuleGetsItsParametersBeforeItStarts() {
-        Bench bench;
-        QCOMPARE(bench.launch(Kind::Module, "Menu", "scale=2;open;depth=7"), QString());
-        QCOMPARE(bench.life(), QStringList({"Menu param scale=2", "Menu param depth=7",
-                                            "Menu command open", "Menu start"}));
-        QCOMPARE(bench.tabs().count(), 1);
-        QCOMPARE(bench.launcher->count(), 1);
-        emit bench.tabs().tabCloseRequested(0);
-        QCOMPARE(bench.tabs().count(), 0);
-        QCOMPARE(bench.launcher->count(), 0);
-        QCOMPARE(bench.life().mid(4), QStringList({"Menu close", "Menu stop", "Menu gone"}));
+        Fixture fixture;
+        QCOMPARE(fixture.launch(Kind::Module, "Menu", "scale=2;open;depth=7"), QString());
+        QCOMPARE(fixture.life(), QStringList({"Menu param scale=2", "Menu param depth=7",
+                                              "Menu command open", "Menu start"}));
+        QCOMPARE(fixture.tabs().count(), 1);
+        QCOMPARE(fixture.launcher->count(), 1);
+        emit fixture.tabs().tabCloseRequested(0);
+        QCOMPARE(fixture.tabs().count(), 0);
+        QCOMPARE(fixture.launcher->count(), 0);
+        QCOMPARE(fixture.life().mid(4), QStringList({"Menu close", "Menu stop", "Menu gone"}));
     }
 
     void oneCopyBringsTheFirstToTheFront() {
-        Bench bench;
-        QCOMPARE(bench.launch(Kind::Module, "Menu", "", true), QString());
-        QCOMPARE(bench.launch(Kind::Module, "Menu", "", false, "", "e2"), QString());
-        QCOMPARE(bench.tabs().currentIndex(), 1);
-        QCOMPARE(bench.launch(Kind::Module, "Menu", "", true), QString());
-        QCOMPARE(bench.tabs().count(), 2);
-        QCOMPARE(bench.tabs().currentIndex(), 0);
-        QCOMPARE(bench.launch(Kind::Module, "Menu", "", false), QString()); // no longer of one copy
-        QCOMPARE(bench.tabs().count(), 3);
+        Fixture fixture;
+        QCOMPARE(fixture.launch(Kind::Module, "Menu", "", true), QString());
+        QCOMPARE(fixture.launch(Kind::Module, "Menu", "", false, "", "e2"), QString());
+        QCOMPARE(fixture.tabs().currentIndex(), 1);
+        QCOMPARE(fixture.launch(Kind::Module, "Menu", "", true), QString());
+        QCOMPARE(fixture.tabs().count(), 2);
+        QCOMPARE(fixture.tabs().currentIndex(), 0);
+        QCOMPARE(fixture.launch(Kind::Module, "Menu", "", false),
+                 QString()); // no longer of one copy
+        QCOMPARE(fixture.tabs().count(), 3);
     }
 
     void whatIsNotHereIsNamed() {
-        Bench bench;
-        QVERIFY(bench.launch(Kind::Module, "Trends").contains("Trends"));
-        QVERIFY(bench.launch(Kind::Module, "Throwing").contains("Throwing"));
-        QVERIFY(bench.launch(Kind::Form, "Pump_").contains("Pump_"));
-        QVERIFY(bench.launch(Kind::File, "plan.pdf", "", false, "docs").contains("plan.pdf"));
-        QVERIFY(!bench.launch(9, "x").isEmpty());
-        QCOMPARE(bench.tabs().count(), 0);
-        QCOMPARE(bench.launch(Kind::Function, "Nothing"), QString());
-        QTRY_COMPARE_WITH_TIMEOUT(bench.problems.size(), 1, timeoutMs);
-        QVERIFY2(bench.problems[0].contains("Nothing"), qPrintable(bench.problems[0]));
+        Fixture fixture;
+        QVERIFY(fixture.launch(Kind::Module, "Trends").contains("Trends"));
+        QVERIFY(fixture.launch(Kind::Module, "Throwing").contains("Throwing"));
+        QVERIFY(fixture.launch(Kind::Form, "Pump_").contains("Pump_"));
+        QVERIFY(fixture.launch(Kind::File, "plan.pdf", "", false, "docs").contains("plan.pdf"));
+        QVERIFY(!fixture.launch(9, "x").isEmpty());
+        QCOMPARE(fixture.tabs().count(), 0);
+        QCOMPARE(fixture.launch(Kind::Function, "Nothing"), QString());
+        QTRY_COMPARE_WITH_TIMEOUT(fixture.problems.size(), 1, timeoutMs);
+        QVERIFY2(fixture.problems[0].contains("Nothing"), qPrintable(fixture.problems[0]));
     }
 
     void aModuleThatDoesNotStartLeavesNoTab() {
-        Bench bench;
+        Fixture fixture;
         qputenv("ORVO_TEST_FAIL_START", "1");
-        const QString refusal = bench.launch(Kind::Module, "Menu");
+        const QString refusal = fixture.launch(Kind::Module, "Menu");
         qunsetenv("ORVO_TEST_FAIL_START");
         QVERIFY(refusal.contains("Menu"));
-        QCOMPARE(bench.tabs().count(), 0);
-        QCOMPARE(bench.launcher->count(), 0);
+        QCOMPARE(fixture.tabs().count(), 0);
+        QCOMPARE(fixture.launcher->count(), 0);
     }
 
     void aFunctionRunsInAProcessOfItsOwn() {
-        Bench bench;
-        QCOMPARE(bench.launch(Kind::Function, "tell", "a=b;c"), QString());
-        QTRY_COMPARE_WITH_TIMEOUT(bench.logs, QStringList("Tell: a=b;c"), timeoutMs);
-        QTRY_COMPARE_WITH_TIMEOUT(bench.launcher->count(), 0, timeoutMs);
-        QCOMPARE(bench.problems, QStringList());
+        Fixture fixture;
+        QCOMPARE(fixture.launch(Kind::Function, "tell", "a=b;c"), QString());
+        QTRY_COMPARE_WITH_TIMEOUT(fixture.logs, QStringList("Tell: a=b;c"), timeoutMs);
+        QTRY_COMPARE_WITH_TIMEOUT(fixture.launcher->count(), 0, timeoutMs);
+        QCOMPARE(fixture.problems, QStringList());
     }
 
     void aFunctionThatFailsOrCrashesIsToldAndNothingElse() {
-        Bench bench;
+        Fixture fixture;
         for (const auto& [name, word] :
              {std::pair("Fail", "не выполнена"), std::pair("Throw", "не выполнена"),
               std::pair("Crash", "аварийно")}) {
-            bench.problems.clear();
-            QCOMPARE(bench.launch(Kind::Function, name), QString());
-            QTRY_COMPARE_WITH_TIMEOUT(bench.problems.size(), 1, timeoutMs);
-            QVERIFY2(bench.problems[0].contains(QString::fromUtf8(word)),
-                     qPrintable(bench.problems[0]));
+            fixture.problems.clear();
+            QCOMPARE(fixture.launch(Kind::Function, name), QString());
+            QTRY_COMPARE_WITH_TIMEOUT(fixture.problems.size(), 1, timeoutMs);
+            QVERIFY2(fixture.problems[0].contains(QString::fromUtf8(word)),
+                     qPrintable(fixture.problems[0]));
         }
-        QVERIFY(bench.logs.join('\n').contains("no function today"));
-        QCOMPARE(bench.launch(Kind::Function, "Tell", "still"), QString());
-        QTRY_VERIFY_WITH_TIMEOUT(bench.logs.contains("Tell: still"), timeoutMs);
+        QVERIFY(fixture.logs.join('\n').contains("no function today"));
+        QCOMPARE(fixture.launch(Kind::Function, "Tell", "still"), QString());
+        QTRY_VERIFY_WITH_TIMEOUT(fixture.logs.contains("Tell: still"), timeoutMs);
     }
 
     void aFunctionWithAWindowLivesUntilTheClientEnds() {
-        Bench bench;
-        QCOMPARE(bench.launch(Kind::Function, "Window", "", true), QString());
-        QTRY_COMPARE_WITH_TIMEOUT(bench.logs, QStringList("Window: session"), timeoutMs);
-        QCOMPARE(bench.launch(Kind::Function, "Window", "", true), QString());
-        QCOMPARE(bench.launcher->count(), 1);
+        Fixture fixture;
+        QCOMPARE(fixture.launch(Kind::Function, "Window", "", true), QString());
+        QTRY_COMPARE_WITH_TIMEOUT(fixture.logs, QStringList("Window: session"), timeoutMs);
+        QCOMPARE(fixture.launch(Kind::Function, "Window", "", true), QString());
+        QCOMPARE(fixture.launcher->count(), 1);
         // A process that is started later has come up; the first came forward.
-        QCOMPARE(bench.launch(Kind::Function, "Tell", "later", false, "", "e3"), QString());
-        QTRY_VERIFY_WITH_TIMEOUT(bench.logs.contains("Tell: later"), timeoutMs);
-        QTRY_COMPARE_WITH_TIMEOUT(bench.launcher->count(), 1, timeoutMs);
-        QCOMPARE(bench.logs.filter("Window").size(), 1);
-        bench.launcher->setConnected(false);
-        QCOMPARE(bench.launch(Kind::Function, "Window", "", false, "", "e2"), QString());
-        QTRY_VERIFY_WITH_TIMEOUT(bench.logs.contains("Window: no session"), timeoutMs);
+        QCOMPARE(fixture.launch(Kind::Function, "Tell", "later", false, "", "e3"), QString());
+        QTRY_VERIFY_WITH_TIMEOUT(fixture.logs.contains("Tell: later"), timeoutMs);
+        QTRY_COMPARE_WITH_TIMEOUT(fixture.launcher->count(), 1, timeoutMs);
+        QCOMPARE(fixture.logs.filter("Window").size(), 1);
+        fixture.launcher->setConnected(false);
+        QCOMPARE(fixture.launch(Kind::Function, "Window", "", false, "", "e2"), QString());
+        QTRY_VERIFY_WITH_TIMEOUT(fixture.logs.contains("Window: no session"), timeoutMs);
     }
 
     void aFormIsLiveScaledAndKnowsItsParameters() {
-        Bench bench;
-        bench.put({{"pump_", plainForm}});
-        QCOMPARE(bench.launch(Kind::Form, "pump_", "mode=red;level=100"), QString());
-        QTRY_COMPARE_WITH_TIMEOUT(bench.view()->state(), FormView::State::Shown, timeoutMs);
-        QTRY_VERIFY(hasColor(*bench.view(), Qt::magenta));
-        QTRY_VERIFY(hasColor(*bench.view(), Qt::cyan));
+        Fixture fixture;
+        fixture.put({{"pump_", plainForm}});
+        QCOMPARE(fixture.launch(Kind::Form, "pump_", "mode=red;level=100"), QString());
+        QTRY_COMPARE_WITH_TIMEOUT(fixture.view()->state(), FormView::State::Shown, timeoutMs);
+        QTRY_VERIFY(hasColor(*fixture.view(), Qt::magenta));
+        QTRY_VERIFY(hasColor(*fixture.view(), Qt::cyan));
         // The lamp, 50 of 300 wide in the form, is as much of the view.
-        const QImage& image = bench.view()->canvas()->image();
+        const QImage& image = fixture.view()->canvas()->image();
         int widest = 0;
         for (int y = 0; y < image.height(); ++y) {
             int run = 0;
@@ -253,115 +254,115 @@ private slots:
     }
 
     void whatLiesBesideAFormHasNoTab() {
-        Bench bench;
+        Fixture fixture;
         const auto files = [&] {
             QStringList names;
-            const auto* page = qobject_cast<FormWindow*>(bench.tabs().currentWidget());
+            const auto* page = qobject_cast<FormWindow*>(fixture.tabs().currentWidget());
             for (int i = 0; page && i < page->tabs()->count(); ++i)
                 names << page->tabs()->tabText(i);
             return names;
         };
-        bench.put({{"pump_", "note"},
-                   {"pump.ui", plainForm},
-                   {"pump.txt", "note"},
-                   {"pump.png", png(40, 30)}});
-        QCOMPARE(bench.launch(Kind::Form, "pump_"), QString());
+        fixture.put({{"pump_", "note"},
+                     {"pump.ui", plainForm},
+                     {"pump.txt", "note"},
+                     {"pump.png", png(40, 30)}});
+        QCOMPARE(fixture.launch(Kind::Form, "pump_"), QString());
         QCOMPARE(files(), QStringList("pump.ui"));
-        bench.put({{"valve_", "text"}, {"valve.txt", "text"}}); // no form: all there is
-        QCOMPARE(bench.launch(Kind::Form, "valve_"), QString());
+        fixture.put({{"valve_", "text"}, {"valve.txt", "text"}}); // no form: all there is
+        QCOMPARE(fixture.launch(Kind::Form, "valve_"), QString());
         QCOMPARE(files(), QStringList({"valve.txt", "valve_"}));
     }
 
     void filesAreShownByTheirKind() {
-        Bench bench;
-        bench.putFile("a.png", png(40, 30));
-        bench.putFile("a.txt", "текст\n");
-        bench.putFile("a.pdf", pdf());
+        Fixture fixture;
+        fixture.putFile("a.png", png(40, 30));
+        fixture.putFile("a.txt", "текст\n");
+        fixture.putFile("a.pdf", pdf());
         for (const char* name : {"a.png", "a.txt", "a.pdf"}) {
-            QCOMPARE(bench.launch(Kind::File, name, "", false, "docs"), QString());
-            QTRY_COMPARE_WITH_TIMEOUT(bench.view()->state(), FormView::State::Shown, timeoutMs);
+            QCOMPARE(fixture.launch(Kind::File, name, "", false, "docs"), QString());
+            QTRY_COMPARE_WITH_TIMEOUT(fixture.view()->state(), FormView::State::Shown, timeoutMs);
         }
-        QCOMPARE(bench.tabs().count(), 3);
-        QTRY_VERIFY(hasColor(*bench.view(), Qt::magenta)); // the page of the PDF
-        QCOMPARE(bench.problems, QStringList());
+        QCOMPARE(fixture.tabs().count(), 3);
+        QTRY_VERIFY(hasColor(*fixture.view(), Qt::magenta)); // the page of the PDF
+        QCOMPARE(fixture.problems, QStringList());
     }
 
     void aFileThatCannotBeShownIsSavedWhereTheUserSays() {
-        Bench bench;
+        Fixture fixture;
         const QByteArray bytes("PK\x03\x04\0\0\0", 7);
-        bench.putFile("a.zip", bytes);
-        QCOMPARE(bench.launch(Kind::File, "a.zip", "", false, "docs"), QString());
-        auto* dialog = bench.window.findChild<QFileDialog*>("saveFileDialog");
+        fixture.putFile("a.zip", bytes);
+        QCOMPARE(fixture.launch(Kind::File, "a.zip", "", false, "docs"), QString());
+        auto* dialog = fixture.window.findChild<QFileDialog*>("saveFileDialog");
         QVERIFY(dialog && dialog->isVisible());
         QVERIFY(dialog->selectedFiles().value(0).endsWith("a.zip"));
-        const QString place = bench.dir.path() + "/saved.zip";
+        const QString place = fixture.dir.path() + "/saved.zip";
         emit dialog->fileSelected(place);
         QFile file(place);
         QVERIFY(file.open(QIODevice::ReadOnly));
         QCOMPARE(file.readAll(), bytes);
         dialog->close();
-        QCOMPARE(bench.tabs().count(), 0);
+        QCOMPARE(fixture.tabs().count(), 0);
     }
 
     void withoutTheStoreWhatWasReadBeforeOpens() {
-        Bench bench;
-        bench.put({{"pump_", plainForm}});
-        QCOMPARE(bench.launch(Kind::Form, "pump_"), QString());
-        bench.launcher->setConnected(false);
-        QCOMPARE(bench.launch(Kind::Form, "pump_"), QString());
-        QCOMPARE(bench.tabs().count(), 2);
-        QVERIFY(!bench.launch(Kind::Form, "valve_").isEmpty());
-        QVERIFY(!bench.launch(Kind::File, "a.txt", "", false, "docs").isEmpty());
-        QDir().mkpath(bench.app.m_workDir + "files/docs");
-        QFile copy(bench.app.m_workDir + "files/docs/a.txt");
+        Fixture fixture;
+        fixture.put({{"pump_", plainForm}});
+        QCOMPARE(fixture.launch(Kind::Form, "pump_"), QString());
+        fixture.launcher->setConnected(false);
+        QCOMPARE(fixture.launch(Kind::Form, "pump_"), QString());
+        QCOMPARE(fixture.tabs().count(), 2);
+        QVERIFY(!fixture.launch(Kind::Form, "valve_").isEmpty());
+        QVERIFY(!fixture.launch(Kind::File, "a.txt", "", false, "docs").isEmpty());
+        QDir().mkpath(fixture.app.m_workDir + "files/docs");
+        QFile copy(fixture.app.m_workDir + "files/docs/a.txt");
         QVERIFY(copy.open(QIODevice::WriteOnly) && copy.write("text") == 4);
         copy.close();
-        QCOMPARE(bench.launch(Kind::File, "a.txt", "", false, "docs"), QString());
-        QVERIFY(!bench.launch(Kind::File, "life", "", false, "../..").isEmpty());
+        QCOMPARE(fixture.launch(Kind::File, "a.txt", "", false, "docs"), QString());
+        QVERIFY(!fixture.launch(Kind::File, "life", "", false, "../..").isEmpty());
     }
 
     void whatChangesIsMarkedAndStays() {
-        Bench bench;
-        bench.put({{"pump_", plainForm}});
-        QCOMPARE(bench.launch(Kind::Form, "pump_"), QString());
-        const auto text = [&] { return bench.tabs().tabText(0); };
-        bench.launcher->changed(change("Menu", "other"));
-        bench.launcher->changed(change("MenuResourceFile", "x"));
+        Fixture fixture;
+        fixture.put({{"pump_", plainForm}});
+        QCOMPARE(fixture.launch(Kind::Form, "pump_"), QString());
+        const auto text = [&] { return fixture.tabs().tabText(0); };
+        fixture.launcher->changed(change("Menu", "other"));
+        fixture.launcher->changed(change("MenuResourceFile", "x"));
         QTest::qWait(700);
         QVERIFY(!text().contains("●"));
-        bench.put({{"pump_", QByteArray(plainForm) + "<!-- -->"}});
-        bench.launcher->changed(change("MenuResourceFile", "x"));
+        fixture.put({{"pump_", QByteArray(plainForm) + "<!-- -->"}});
+        fixture.launcher->changed(change("MenuResourceFile", "x"));
         QTRY_VERIFY(text().contains("●"));
-        QVERIFY(bench.tabs().tabToolTip(0).contains("Содержимое"));
-        QCOMPARE(bench.launch(Kind::Module, "Menu"), QString());
-        bench.launcher->changed(change("Menu", "E1", OrvoEventDelete));
-        QVERIFY(bench.tabs().tabText(1).contains("●"));
-        QVERIFY(bench.tabs().tabToolTip(1).contains("больше нет"));
-        QCOMPARE(bench.tabs().count(), 2);
+        QVERIFY(fixture.tabs().tabToolTip(0).contains("Содержимое"));
+        QCOMPARE(fixture.launch(Kind::Module, "Menu"), QString());
+        fixture.launcher->changed(change("Menu", "E1", OrvoEventDelete));
+        QVERIFY(fixture.tabs().tabText(1).contains("●"));
+        QVERIFY(fixture.tabs().tabToolTip(1).contains("больше нет"));
+        QCOMPARE(fixture.tabs().count(), 2);
     }
 
-    void modulesAreOpenedAnewAfterAReload() {
-        Bench bench;
-        QCOMPARE(bench.launch(Kind::Module, "Menu", "a=1"), QString());
-        bench.launcher->rememberModules();
-        bench.modules.stopAll();
-        QCOMPARE(bench.launcher->count(), 0);
-        bench.launcher->reopenModules();
-        QCOMPARE(bench.launcher->count(), 1);
-        QCOMPARE(bench.life().filter("param a=1").size(), 2);
+    void modulesAreOpenedAgainAfterAReload() {
+        Fixture fixture;
+        QCOMPARE(fixture.launch(Kind::Module, "Menu", "a=1"), QString());
+        fixture.launcher->rememberModules();
+        fixture.modules.stopAll();
+        QCOMPARE(fixture.launcher->count(), 0);
+        fixture.launcher->reopenModules();
+        QCOMPARE(fixture.launcher->count(), 1);
+        QCOMPARE(fixture.life().filter("param a=1").size(), 2);
     }
 
     void tabsOfAReloadAreWhereTheyWere() {
-        Bench bench;
-        bench.put({{"pump_", plainForm}});
-        QCOMPARE(bench.launch(Kind::Module, "Menu"), QString());
-        QCOMPARE(bench.launch(Kind::Form, "pump_"), QString());
-        QCOMPARE(bench.launch(Kind::Module, "Resources"), QString());
-        bench.window.setTitle(bench.tabs().widget(1), bench.tabs().widget(0)->windowTitle());
+        Fixture fixture;
+        fixture.put({{"pump_", plainForm}});
+        QCOMPARE(fixture.launch(Kind::Module, "Menu"), QString());
+        QCOMPARE(fixture.launch(Kind::Form, "pump_"), QString());
+        QCOMPARE(fixture.launch(Kind::Module, "Resources"), QString());
+        fixture.window.setTitle(fixture.tabs().widget(1), fixture.tabs().widget(0)->windowTitle());
         const auto pages = [&] {
             QStringList all;
-            for (int i = 0; i < bench.tabs().count(); ++i) {
-                const auto* module = qobject_cast<COrvoCliMod*>(bench.tabs().widget(i));
+            for (int i = 0; i < fixture.tabs().count(); ++i) {
+                const auto* module = qobject_cast<COrvoCliMod*>(fixture.tabs().widget(i));
                 all << (module ? module->m_moduleName : "form");
             }
             return all;
@@ -369,25 +370,25 @@ private slots:
         const QStringList before = pages();
         QCOMPARE(before, QStringList({"Menu", "form", "Resources"}));
         for (const int current : {0, 1, 2}) {
-            bench.tabs().setCurrentIndex(current);
-            const ModuleTabs::Order tabs = bench.window.tabs()->order();
-            bench.launcher->rememberModules();
-            bench.modules.stopAll();
-            bench.launcher->reopenModules();
-            bench.window.tabs()->arrange(tabs);
+            fixture.tabs().setCurrentIndex(current);
+            const ModuleTabs::Order tabs = fixture.window.tabs()->order();
+            fixture.launcher->rememberModules();
+            fixture.modules.stopAll();
+            fixture.launcher->reopenModules();
+            fixture.window.tabs()->arrange(tabs);
             QCOMPARE(pages(), before);
-            QCOMPARE(bench.tabs().currentIndex(), current);
+            QCOMPARE(fixture.tabs().currentIndex(), current);
         }
     }
 
     void whatCouldNotBeOpenedIsKnownBeforehand() {
-        Bench bench;
-        bench.put({{"pump_", plainForm}});
+        Fixture fixture;
+        fixture.put({{"pump_", plainForm}});
         const auto why = [&](int kind, const char* name) {
             LaunchRequest request;
             request.kind = kind;
             request.name = name;
-            bench.launcher->check(&request);
+            fixture.launcher->check(&request);
             return request.refusal;
         };
         QCOMPARE(why(Kind::Module, "Menu"), QString());
@@ -395,7 +396,7 @@ private slots:
         QCOMPARE(why(Kind::Form, "pump_"), QString());
         QVERIFY(why(Kind::Form, "valve_").contains("valve_"));
         QVERIFY(why(Kind::File, "a.txt").contains("a.txt"));
-        QCOMPARE(bench.tabs().count(), 0);
+        QCOMPARE(fixture.tabs().count(), 0);
     }
 };
 

@@ -23,11 +23,11 @@ QPushButton* buttonOf(QWidget* box, const QString& text) {
     return nullptr;
 }
 
-struct Bench {
+struct Fixture {
     App app;
     Module module{&app};
     QLineEdit* edit = new QLineEdit(&module);
-    Bench() {
+    Fixture() {
         module.setCentralWidget(edit);
         module.resize(800, 600);
         module.show();
@@ -52,18 +52,18 @@ class TestPopups : public QObject {
     Q_OBJECT
 private slots:
     void showReturnsAtOnceAndCoversTheModule() {
-        Bench bench;
-        CPopMessageBox* box = bench.ask();
+        Fixture fixture;
+        CPopMessageBox* box = fixture.ask();
         QVERIFY(box->isVisible());
         QVERIFY(!box->isWindow());
-        QCOMPARE(box->geometry(), bench.module.rect());
-        bench.module.resize(900, 700);
-        QTRY_COMPARE(box->geometry(), bench.module.rect());
+        QCOMPARE(box->geometry(), fixture.module.rect());
+        fixture.module.resize(900, 700);
+        QTRY_COMPARE(box->geometry(), fixture.module.rect());
     }
 
     void aQuestionHasYesAndNo() {
-        Bench bench;
-        CPopMessageBox* box = bench.ask();
+        Fixture fixture;
+        CPopMessageBox* box = fixture.ask();
         QVERIFY(buttonOf(box, "Да")->isVisible());
         QVERIFY(buttonOf(box, "Нет")->isVisible());
         QVERIFY(!buttonOf(box, "ОК")->isVisible());
@@ -76,8 +76,8 @@ private slots:
     }
 
     void detailsStandBelowTheTextUntilTheNextMessage() {
-        Bench bench;
-        CPopMessageBox* box = bench.ask();
+        Fixture fixture;
+        CPopMessageBox* box = fixture.ask();
         box->setDetails("модуль «Тренд»\nмодуль «Журнал»");
         const auto details = [box] {
             QStringList texts;
@@ -86,76 +86,76 @@ private slots:
             return texts.filter("Тренд");
         };
         QCOMPARE(details(), QStringList("модуль «Тренд»\nмодуль «Журнал»"));
-        bench.ask();
+        fixture.ask();
         QCOMPARE(details(), QStringList());
     }
 
     void aNoticeHasOneButton() {
-        Bench bench;
-        CPopMessageBox* box = bench.ask(MessageBoxTypeOk);
+        Fixture fixture;
+        CPopMessageBox* box = fixture.ask(MessageBoxTypeOk);
         QVERIFY(buttonOf(box, "ОК")->isVisible());
         QVERIFY(!buttonOf(box, "Да")->isVisible());
         QVERIFY(box->ButtonRole(buttonOf(box, "ОК")) != 5);
     }
 
     void theClickedButtonReachesTheSlot() {
-        Bench bench;
-        CPopMessageBox* box = bench.ask();
+        Fixture fixture;
+        CPopMessageBox* box = fixture.ask();
         QTest::mouseClick(buttonOf(box, "Да"), Qt::LeftButton);
-        QCOMPARE(bench.module.roles, std::vector<int>{5});
+        QCOMPARE(fixture.module.roles, std::vector<int>{5});
         QVERIFY(box->isHidden());
-        bench.ask();
+        fixture.ask();
         QTest::mouseClick(buttonOf(box, "Нет"), Qt::LeftButton);
-        QCOMPARE(bench.module.roles, (std::vector<int>{5, 6}));
+        QCOMPARE(fixture.module.roles, (std::vector<int>{5, 6}));
     }
 
     void keysAnswer() {
-        Bench bench;
-        CPopMessageBox* box = bench.ask();
+        Fixture fixture;
+        CPopMessageBox* box = fixture.ask();
         QTRY_VERIFY(buttonOf(box, "Да")->hasFocus());
         QTest::keyClick(buttonOf(box, "Да"), Qt::Key_Return);
-        bench.ask();
+        fixture.ask();
         QTest::keyClick(buttonOf(box, "Да"), Qt::Key_Escape);
-        bench.ask();
+        fixture.ask();
         QTest::keyClick(buttonOf(box, "Да"), Qt::Key_Tab);
         QVERIFY(buttonOf(box, "Нет")->hasFocus());
         QTest::keyClick(buttonOf(box, "Нет"), Qt::Key_Enter);
-        QCOMPARE(bench.module.roles, (std::vector<int>{5, 6, 6}));
-        bench.ask(MessageBoxTypeOk);
+        QCOMPARE(fixture.module.roles, (std::vector<int>{5, 6, 6}));
+        fixture.ask(MessageBoxTypeOk);
         QTest::keyClick(buttonOf(box, "ОК"), Qt::Key_Escape);
-        QCOMPARE(bench.module.roles.back(), int(QMessageBox::AcceptRole));
+        QCOMPARE(fixture.module.roles.back(), int(QMessageBox::AcceptRole));
         QVERIFY(box->isHidden());
     }
 
     void whatABoxCoversTakesNeitherMouseNorKeys() {
-        Bench bench;
-        auto* button = new QPushButton("Писать", &bench.module);
-        bench.module.addToolBar("Панель")->addWidget(button);
-        auto* act = new QAction("Удалить", &bench.module);
+        Fixture fixture;
+        auto* button = new QPushButton("Писать", &fixture.module);
+        fixture.module.addToolBar("Панель")->addWidget(button);
+        auto* act = new QAction("Удалить", &fixture.module);
         act->setShortcut(Qt::Key_Delete);
-        bench.module.addAction(act);
+        fixture.module.addAction(act);
         QSignalSpy pressed(button, &QPushButton::pressed);
         QSignalSpy triggered(act, &QAction::triggered);
-        QTRY_VERIFY(bench.edit->hasFocus());
+        QTRY_VERIFY(fixture.edit->hasFocus());
         const auto tryAll = [&] {
             QTest::mouseClick(button, Qt::LeftButton);
-            QTest::keyClick(bench.edit, Qt::Key_X);
-            QTest::keyClick(bench.edit, Qt::Key_Delete);
-            QTest::keyClick(&bench.module, Qt::Key_Delete);
+            QTest::keyClick(fixture.edit, Qt::Key_X);
+            QTest::keyClick(fixture.edit, Qt::Key_Delete);
+            QTest::keyClick(&fixture.module, Qt::Key_Delete);
         };
-        CPopMessageBox* box = bench.ask();
+        CPopMessageBox* box = fixture.ask();
         tryAll();
         QCOMPARE(pressed.count(), 0);
         QCOMPARE(triggered.count(), 0);
-        QCOMPARE(bench.edit->text(), QString());
+        QCOMPARE(fixture.edit->text(), QString());
         // The keyboard goes back to the question from whatever took it.
-        bench.edit->setFocus();
+        fixture.edit->setFocus();
         QTRY_VERIFY(box->isAncestorOf(QApplication::focusWidget()));
         box->hide();
-        bench.edit->setFocus();
+        fixture.edit->setFocus();
         tryAll();
         QCOMPARE(pressed.count(), 1);
-        QCOMPARE(bench.edit->text(), QString("x"));
+        QCOMPARE(fixture.edit->text(), QString("x"));
     }
 
     void theRestOfTheWindowStaysUsableBesideABox() {
@@ -178,40 +178,40 @@ private slots:
     }
 
     void tabStaysInTheBoxAndFocusComesBack() {
-        Bench bench;
-        QTRY_VERIFY(bench.edit->hasFocus());
-        CPopMessageBox* box = bench.ask();
+        Fixture fixture;
+        QTRY_VERIFY(fixture.edit->hasFocus());
+        CPopMessageBox* box = fixture.ask();
         for (int i = 0; i < 5; ++i) {
             QTest::keyClick(QApplication::focusWidget(), i % 2 ? Qt::Key_Tab : Qt::Key_Backtab);
             QVERIFY(box->isAncestorOf(QApplication::focusWidget()));
         }
         box->hide();
-        QVERIFY(bench.edit->hasFocus());
+        QVERIFY(fixture.edit->hasFocus());
     }
 
     void shortcutsBehindTheBoxRest() {
-        Bench bench;
+        Fixture fixture;
         QAction action;
         action.setShortcut(Qt::Key_Delete);
-        bench.module.addAction(&action);
+        fixture.module.addAction(&action);
         QSignalSpy fired(&action, &QAction::triggered);
-        CPopMessageBox* box = bench.ask();
+        CPopMessageBox* box = fixture.ask();
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Delete);
         QCOMPARE(fired.count(), 0);
         box->hide();
-        QTest::keyClick(&bench.module, Qt::Key_Delete);
+        QTest::keyClick(&fixture.module, Qt::Key_Delete);
         QCOMPARE(fired.count(), 1);
     }
 
     void theBoxCanBeFilledAgainInsideItsOwnSlot() {
-        Bench bench;
-        CPopMessageBox* box = bench.ask();
+        Fixture fixture;
+        CPopMessageBox* box = fixture.ask();
         int errors = 0;
         QObject::connect(box, &CPopMessageBox::clicked, this, [&](QAbstractButton* button) {
             if (box->ButtonRole(button) != 5)
                 return;
             ++errors; // as the deletion of a resource in use: question, then error
-            bench.ask(MessageBoxTypeOk);
+            fixture.ask(MessageBoxTypeOk);
         });
         QTest::mouseClick(buttonOf(box, "Да"), Qt::LeftButton);
         QCOMPARE(errors, 1);
@@ -219,21 +219,21 @@ private slots:
         QVERIFY(buttonOf(box, "ОК")->isVisible());
         QTest::mouseClick(buttonOf(box, "ОК"), Qt::LeftButton);
         QVERIFY(box->isHidden());
-        QCOMPARE(bench.module.roles.size(), size_t(2)); // each click once
+        QCOMPARE(fixture.module.roles.size(), size_t(2)); // each click once
     }
 
     void withoutASlotTheBoxClosesItself() {
-        Bench bench;
-        CPopMessageBox* box = bench.ask(MessageBoxTypeOk, nullptr);
+        Fixture fixture;
+        CPopMessageBox* box = fixture.ask(MessageBoxTypeOk, nullptr);
         QTest::mouseClick(buttonOf(box, "ОК"), Qt::LeftButton);
         QVERIFY(box->isHidden());
-        QVERIFY(bench.module.roles.empty());
+        QVERIFY(fixture.module.roles.empty());
     }
 
     void textsAreShownAsTheyAre() {
-        Bench bench;
-        bench.module.PopMessageBoxCreate();
-        CPopMessageBox* box = bench.module.m_popMessageBox;
+        Fixture fixture;
+        fixture.module.PopMessageBoxCreate();
+        CPopMessageBox* box = fixture.module.m_popMessageBox;
         const QString text = "<b>жирный</b> & \"кавычки\" " + QString(300, 'w');
         box->setMessage("<i>x</i>", text, MessageBoxIconError, MessageBoxTypeOk, nullptr);
         box->show();
@@ -247,23 +247,23 @@ private slots:
     }
 
     void clicksDoNotReachTheModuleBehind() {
-        Bench bench;
-        CPopMessageBox* box = bench.ask();
-        QTest::mouseClick(bench.module.childAt(5, 300), Qt::LeftButton);
+        Fixture fixture;
+        CPopMessageBox* box = fixture.ask();
+        QTest::mouseClick(fixture.module.childAt(5, 300), Qt::LeftButton);
         QVERIFY(box->isVisible());
-        QVERIFY(bench.module.roles.empty());
-        QVERIFY(box->isAncestorOf(bench.module.childAt(5, 300)));
+        QVERIFY(fixture.module.roles.empty());
+        QVERIFY(box->isAncestorOf(fixture.module.childAt(5, 300)));
     }
 
     void theProgressBarRepaintsWithoutTheLoop() {
-        Bench bench;
-        CPopProgressBar bar(&bench.module);
+        Fixture fixture;
+        CPopProgressBar bar(&fixture.module);
         QVERIFY(bar.isHidden());
         bar.setText("Загрузка форм в БД", "");
         bar.setRange(0, 4);
         bar.setColor(ProgressBarColorGreen);
         bar.show();
-        QCOMPARE(bar.geometry(), bench.module.rect());
+        QCOMPARE(bar.geometry(), fixture.module.rect());
         QStringList words;
         for (const QLabel* label : bar.findChildren<QLabel*>())
             if (label->isVisible())
@@ -293,16 +293,16 @@ private slots:
     }
 
     void aPopupWindowIsCentredOverItsParentAndClosesByEscape() {
-        Bench bench;
-        bench.module.move(100, 50);
-        CPopTemplate popup(&bench.module, -1);
+        Fixture fixture;
+        fixture.module.move(100, 50);
+        CPopTemplate popup(&fixture.module, -1);
         popup.resize(300, 200);
         popup.show();
         QVERIFY(popup.isWindow());
         QVERIFY(!popup.isModal());
         QVERIFY(QTest::qWaitForWindowExposed(&popup));
         const QPoint middle = popup.geometry().center();
-        const QPoint wanted = bench.module.mapToGlobal(bench.module.rect().center());
+        const QPoint wanted = fixture.module.mapToGlobal(fixture.module.rect().center());
         QVERIFY((middle - wanted).manhattanLength() < 6);
         popup.activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(&popup));

@@ -33,9 +33,9 @@ QStringList rowsOf(const CMDArray& result) {
     return rows;
 }
 
-struct Bench : Host {
+struct Fixture : Host {
     Module module{&app};
-    Bench() {
+    Fixture() {
         write("MenuResourceFolder", 1,
               {{"KeyLink", "f3"}, {"type_", "3"}, {"caption", "формы отображения"}});
         write("MenuResourceFolder", 1,
@@ -69,8 +69,8 @@ class TestTools : public QObject {
     Q_OBJECT
 private slots:
     void toolsAreNamed() {
-        Bench bench;
-        COrvoCliMod* m = &bench.module;
+        Fixture fixture;
+        COrvoCliMod* m = &fixture.module;
         QCOMPARE(CToolRecByKey(m).objectName(), QString("RecByKey"));
         QCOMPARE(CToolFormGet(m).objectName(), QString("FormGet"));
         QCOMPARE(CToolFileList(m).objectName(), QString("FileList"));
@@ -82,11 +82,11 @@ private slots:
     }
 
     void toolsStartAsTheirCallersCountOn() {
-        Bench bench;
-        const CToolFormGet form(&bench.module);
+        Fixture fixture;
+        const CToolFormGet form(&fixture.module);
         QVERIFY(!form.withData);
-        QVERIFY(!CToolFileList(&bench.module).reserved);
-        const CToolRecByKey records(&bench.module);
+        QVERIFY(!CToolFileList(&fixture.module).reserved);
+        const CToolRecByKey records(&fixture.module);
         QCOMPARE(records.keyBits, QBitArray(6));
         QVERIFY(records.keyValues.isEmpty());
         for (const CMDArray* result : {&form.result, &records.result}) {
@@ -96,10 +96,10 @@ private slots:
     }
 
     void aFormGoesInAndComesOutInNameOrder() {
-        Bench bench;
-        bench.putForm("Цех", {{"котёл_b.png", "BB"}, {"котёл", "form"}, {"котёл_a", ""}});
-        QVERIFY2(bench.failures.isEmpty(), qPrintable(bench.failures.join('\n')));
-        CToolFormGet tool(&bench.module);
+        Fixture fixture;
+        fixture.putForm("Цех", {{"котёл_b.png", "BB"}, {"котёл", "form"}, {"котёл_a", ""}});
+        QVERIFY2(fixture.failures.isEmpty(), qPrintable(fixture.failures.join('\n')));
+        CToolFormGet tool(&fixture.module);
         tool.formName = "котёл";
         tool.withData = true;
         tool.Perform(false);
@@ -120,15 +120,15 @@ private slots:
     }
 
     void filesAreListedAndFetched() {
-        Bench bench;
-        bench.putFile("icons", "b.png", "bytes");
-        bench.putFile("icons", "a.png", QByteArray("\0x", 2));
-        bench.putFile("", "root.txt", "r");
-        QVERIFY2(bench.failures.isEmpty(), qPrintable(bench.failures.join('\n')));
-        QCOMPARE(bench.getFile("icons", "b.png"), QStringList("b.png:5:bytes"));
-        QCOMPARE(bench.getFile("", "root.txt"), QStringList("root.txt:1:r"));
-        QCOMPARE(bench.getFile("icons", "none"), QStringList());
-        CToolFileList list(&bench.module);
+        Fixture fixture;
+        fixture.putFile("icons", "b.png", "bytes");
+        fixture.putFile("icons", "a.png", QByteArray("\0x", 2));
+        fixture.putFile("", "root.txt", "r");
+        QVERIFY2(fixture.failures.isEmpty(), qPrintable(fixture.failures.join('\n')));
+        QCOMPARE(fixture.getFile("icons", "b.png"), QStringList("b.png:5:bytes"));
+        QCOMPARE(fixture.getFile("", "root.txt"), QStringList("root.txt:1:r"));
+        QCOMPARE(fixture.getFile("icons", "none"), QStringList());
+        CToolFileList list(&fixture.module);
         list.path = "icons";
         list.Perform(false);
         QCOMPARE(rowsOf(list.result), QStringList({"a.png:2:NULL", "b.png:5:NULL"}));
@@ -138,21 +138,21 @@ private slots:
     }
 
     void formsAndFilesAreDeleted() {
-        Bench bench;
-        bench.putForm("", {{"scheme", "x"}});
-        bench.putFile("icons", "a.png", "a");
-        CToolFormDel forms(&bench.module);
+        Fixture fixture;
+        fixture.putForm("", {{"scheme", "x"}});
+        fixture.putFile("icons", "a.png", "a");
+        CToolFormDel forms(&fixture.module);
         forms.names = QStringList{"scheme", "never was"};
         forms.Perform(false);
-        CToolFileDel files(&bench.module);
+        CToolFileDel files(&fixture.module);
         files.files = {{"icons", "a.png"}, {"icons", "never was"}};
         files.Perform(false);
-        QVERIFY2(bench.failures.isEmpty(), qPrintable(bench.failures.join('\n')));
-        CToolFormGet get(&bench.module);
+        QVERIFY2(fixture.failures.isEmpty(), qPrintable(fixture.failures.join('\n')));
+        CToolFormGet get(&fixture.module);
         get.formName = "scheme";
         get.Perform(false);
         QCOMPARE(rowsOf(get.result), QStringList());
-        QCOMPARE(bench.getFile("icons", "a.png"), QStringList());
+        QCOMPARE(fixture.getFile("icons", "a.png"), QStringList());
     }
 
     void hostileFileNamesAreRefusedAtTheDoor_data() {
@@ -162,62 +162,62 @@ private slots:
     }
     void hostileFileNamesAreRefusedAtTheDoor() {
         QFETCH(QString, name);
-        Bench bench;
-        bench.putFile("icons", name, "x");
-        QCOMPARE(bench.failures.size(), 1);
-        bench.putForm("Цех", {{"good", "x"}, {name, "x"}});
-        QCOMPARE(bench.failures.size(), 2);
-        CToolFormGet get(&bench.module);
+        Fixture fixture;
+        fixture.putFile("icons", name, "x");
+        QCOMPARE(fixture.failures.size(), 1);
+        fixture.putForm("Цех", {{"good", "x"}, {name, "x"}});
+        QCOMPARE(fixture.failures.size(), 2);
+        CToolFormGet get(&fixture.module);
         get.formName = "good";
         get.Perform(false);
         QCOMPARE(rowsOf(get.result), QStringList()); // all or none
     }
 
     void impossibleSizesAndBuffersAreRefused() {
-        Bench bench;
-        CToolFilePut negative(&bench.module);
+        Fixture fixture;
+        CToolFilePut negative(&fixture.module);
         negative.AddFile("icons", "a", "x", -1, 0);
         negative.Perform(false);
-        CToolFormPut null(&bench.module);
+        CToolFormPut null(&fixture.module);
         null.AddFile("a", nullptr, 10, 0);
         null.Perform(false);
-        QCOMPARE(bench.failures.size(), 2);
-        CToolFilePut empty(&bench.module);
+        QCOMPARE(fixture.failures.size(), 2);
+        CToolFilePut empty(&fixture.module);
         empty.AddFile("icons", "empty", nullptr, 0, std::numeric_limits<double>::quiet_NaN());
         empty.Perform(false);
-        QCOMPARE(bench.failures.size(), 2);
-        QCOMPARE(bench.getFile("icons", "empty"), QStringList("empty:0:NULL"));
+        QCOMPARE(fixture.failures.size(), 2);
+        QCOMPARE(fixture.getFile("icons", "empty"), QStringList("empty:0:NULL"));
     }
 
     void anUnknownFolderIsRefusedAndReported() {
-        Bench bench;
-        bench.putForm("нет/такой", {{"scheme", "x"}});
-        QCOMPARE(bench.failures.size(), 1);
-        QVERIFY(bench.failures.first().contains("scheme"));
+        Fixture fixture;
+        fixture.putForm("нет/такой", {{"scheme", "x"}});
+        QCOMPARE(fixture.failures.size(), 1);
+        QVERIFY(fixture.failures.first().contains("scheme"));
     }
 
     void aFileThatNoRecordCarriesIsNamedAsSuch() {
-        Bench bench;
+        Fixture fixture;
         constexpr size_t size = 256u << 20;
         // Pages of zeros that take no memory as long as nobody writes to them.
         const std::unique_ptr<void, decltype(&std::free)> zeros(std::calloc(size, 1), &std::free);
         QVERIFY(zeros);
         const auto named = [&](int count) {
-            return bench.failures.size() == count && bench.failures.last().contains("large") &&
-                   bench.failures.last().contains("МиБ") &&
-                   bench.failures.last().contains("orvo-admin");
+            return fixture.failures.size() == count && fixture.failures.last().contains("large") &&
+                   fixture.failures.last().contains("МиБ") &&
+                   fixture.failures.last().contains("orvo-admin");
         };
-        CToolFilePut file(&bench.module);
+        CToolFilePut file(&fixture.module);
         file.AddFile("icons", "large.bin", zeros.get(), size, 1000.5);
         file.AddFile("icons", "small.bin", zeros.get(), 10, 1000.5);
         file.Perform(false);
-        QVERIFY2(named(1), qPrintable(bench.failures.join('\n')));
-        CToolFormPut form(&bench.module);
+        QVERIFY2(named(1), qPrintable(fixture.failures.join('\n')));
+        CToolFormPut form(&fixture.module);
         form.AddFile("form", zeros.get(), 10, 1000.5);
         form.AddFile("form.large", zeros.get(), size, 1000.5);
         form.Perform(false);
-        QVERIFY2(named(2), qPrintable(bench.failures.join('\n')));
-        CToolFileList list(&bench.module);
+        QVERIFY2(named(2), qPrintable(fixture.failures.join('\n')));
+        CToolFileList list(&fixture.module);
         list.path = "icons";
         list.Perform(false);
         QCOMPARE(rowsOf(list.result), QStringList());
@@ -227,27 +227,27 @@ private slots:
         put.path = "icons";
         put.name = "large.bin";
         put.bytes = {static_cast<const char*>(zeros.get()), size};
-        QVERIFY(bench.store().filePut({put}).ok());
+        QVERIFY(fixture.store().filePut({put}).ok());
         list.Perform(false);
         QCOMPARE(rowsOf(list.result), QStringList("large.bin:268435456:NULL"));
-        QCOMPARE(bench.getFile("icons", "large.bin"), QStringList());
-        QVERIFY2(named(3), qPrintable(bench.failures.join('\n')));
+        QCOMPARE(fixture.getFile("icons", "large.bin"), QStringList());
+        QVERIFY2(named(3), qPrintable(fixture.failures.join('\n')));
     }
 
     void putWithoutFilesDoesNothing() {
-        Bench bench;
-        CToolFormPut(&bench.module).Perform(false);
-        CToolFilePut(&bench.module).Perform(false);
-        QVERIFY(bench.failures.isEmpty());
+        Fixture fixture;
+        CToolFormPut(&fixture.module).Perform(false);
+        CToolFilePut(&fixture.module).Perform(false);
+        QVERIFY(fixture.failures.isEmpty());
     }
 
     void recordsAreFoundByResourceKey() {
-        Bench bench;
-        bench.write("Menu", 1, {{"KeyLink", "2"}, {"MenuResourceKey", "res"}, {"caption", "б"}});
-        bench.write("Menu", 1, {{"KeyLink", "1"}, {"MenuResourceKey", "res"}, {"caption", "а"}});
-        bench.write("Menu", 1, {{"KeyLink", "3"}, {"MenuResourceKey", "other"}});
-        bench.write("Menu", 1, {{"KeyLink", "4"}});
-        CToolRecByKey tool(&bench.module);
+        Fixture fixture;
+        fixture.write("Menu", 1, {{"KeyLink", "2"}, {"MenuResourceKey", "res"}, {"caption", "б"}});
+        fixture.write("Menu", 1, {{"KeyLink", "1"}, {"MenuResourceKey", "res"}, {"caption", "а"}});
+        fixture.write("Menu", 1, {{"KeyLink", "3"}, {"MenuResourceKey", "other"}});
+        fixture.write("Menu", 1, {{"KeyLink", "4"}});
+        CToolRecByKey tool(&fixture.module);
         const std::string key = "res";
         tool.tableName = "Menu";
         tool.keyNumber = 2;
@@ -268,10 +268,10 @@ private slots:
     }
 
     void recordsAreFoundInWhateverCaseTheReferenceIsWritten() {
-        Bench bench;
-        bench.write("Menu", 1, {{"KeyLink", "1"}, {"MenuResourceKey", "ReS"}, {"parent", "Up"}});
-        bench.write("Menu", 1, {{"KeyLink", "2"}, {"MenuResourceKey", "resx"}});
-        CToolRecByKey tool(&bench.module);
+        Fixture fixture;
+        fixture.write("Menu", 1, {{"KeyLink", "1"}, {"MenuResourceKey", "ReS"}, {"parent", "Up"}});
+        fixture.write("Menu", 1, {{"KeyLink", "2"}, {"MenuResourceKey", "resx"}});
+        CToolRecByKey tool(&fixture.module);
         const std::string key = "rEs";
         tool.tableName = "Menu";
         tool.keyNumber = 2;
@@ -284,11 +284,11 @@ private slots:
     }
 
     void aFieldThatIsNoKeyIsComparedAsKeysAreSorted() {
-        Bench bench;
-        bench.write("MenuResource", 1, {{"KeyLink", "1"}, {"type_", "3"}, {"name_", "Схема Ё"}});
-        bench.write("MenuResource", 1, {{"KeyLink", "2"}, {"type_", "3"}, {"name_", "Схема"}});
-        bench.write("MenuResource", 1, {{"KeyLink", "3"}, {"type_", "4"}, {"name_", "схема ё"}});
-        CToolRecByKey tool(&bench.module);
+        Fixture fixture;
+        fixture.write("MenuResource", 1, {{"KeyLink", "1"}, {"type_", "3"}, {"name_", "Схема Ё"}});
+        fixture.write("MenuResource", 1, {{"KeyLink", "2"}, {"type_", "3"}, {"name_", "Схема"}});
+        fixture.write("MenuResource", 1, {{"KeyLink", "3"}, {"type_", "4"}, {"name_", "схема ё"}});
+        CToolRecByKey tool(&fixture.module);
         const std::string name = orvo::mdx::toCp1251("схема ё");
         MDRVar type{};
         type.type = MDX_INTEGER;
@@ -305,10 +305,10 @@ private slots:
     }
 
     void severalKeyValuesNarrowTheSearch() {
-        Bench bench;
-        bench.write("Menu", 1, {{"KeyLink", "1"}, {"parent", "p"}, {"order_", "1000"}});
-        bench.write("Menu", 1, {{"KeyLink", "2"}, {"parent", "p"}, {"order_", "2000"}});
-        CToolRecByKey tool(&bench.module);
+        Fixture fixture;
+        fixture.write("Menu", 1, {{"KeyLink", "1"}, {"parent", "p"}, {"order_", "1000"}});
+        fixture.write("Menu", 1, {{"KeyLink", "2"}, {"parent", "p"}, {"order_", "2000"}});
+        CToolRecByKey tool(&fixture.module);
         const std::string parent = "p";
         MDRVar order{};
         order.type = MDX_INTEGER;
@@ -327,8 +327,8 @@ private slots:
     }
 
     void anUnknownKeyLeavesAnEmptyResultAndAReport() {
-        Bench bench;
-        CToolRecByKey tool(&bench.module);
+        Fixture fixture;
+        CToolRecByKey tool(&fixture.module);
         tool.tableName = "Menu";
         for (const int key : {-1, 99, std::numeric_limits<int>::max()}) {
             tool.keyNumber = key;
@@ -338,13 +338,13 @@ private slots:
         tool.tableName = "Нет";
         tool.keyNumber = 0;
         tool.Perform(false);
-        QCOMPARE(bench.failures.size(), 4);
+        QCOMPARE(fixture.failures.size(), 4);
     }
 
     void aFailedJobEmptiesTheResultOfTheOneBefore() {
-        Bench bench;
-        bench.write("Menu", 1, {{"KeyLink", "1"}});
-        CToolRecByKey tool(&bench.module);
+        Fixture fixture;
+        fixture.write("Menu", 1, {{"KeyLink", "1"}});
+        CToolRecByKey tool(&fixture.module);
         tool.tableName = "Menu";
         tool.Perform(false);
         QCOMPARE(tool.result.array->recordCount, 1u);
