@@ -95,7 +95,7 @@ void HistoryModel::prepend(const std::vector<HistoryAction>& actions) {
             node->detailed = node->asked = false;
         }
         node->action = action;
-        showAnew(node);
+        showAgain(node);
     }
     if (fresh.empty())
         return;
@@ -143,7 +143,7 @@ void HistoryModel::setUndone(const std::set<int64_t>& groups) {
         if (node->action.undone == undone)
             continue;
         node->action.undone = undone;
-        showAnew(node.get());
+        showAgain(node.get());
     }
 }
 
@@ -151,7 +151,7 @@ void HistoryModel::setOldest(int64_t change) {
     for (auto node = m_rows.rbegin(); node != m_rows.rend(); ++node)
         if (!(*node)->action.forgotten && (*node)->action.newest < change) {
             (*node)->action.forgotten = true;
-            showAnew(node->get());
+            showAgain(node->get());
         }
 }
 
@@ -161,11 +161,11 @@ void HistoryModel::setNames(const history::PersonNames& names) {
         if (name == names.end() || name->second == node->action.who)
             continue;
         node->action.who = name->second;
-        showAnew(node.get());
+        showAgain(node.get());
     }
 }
 
-void HistoryModel::showAnew(Node* node) {
+void HistoryModel::showAgain(Node* node) {
     emit dataChanged(indexOf(node), indexOf(node, ColumnCount - 1));
 }
 

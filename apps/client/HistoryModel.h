@@ -74,7 +74,7 @@ private:
     struct Node;
     QModelIndex indexOf(const Node* node, int column = 0) const;
     Node* nodeOf(const QModelIndex& index) const;
-    void showAnew(Node* node);
+    void showAgain(Node* node);
     void add(Node* parent, const std::vector<HistoryAction::Detail>& details);
     QString textOf(const Node& node, int column) const;
 

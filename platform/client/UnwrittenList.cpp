@@ -58,8 +58,7 @@ QString newId() {
 }
 
 /// The record of a deletion as an insert, with later values over it.
-RecordWrite madeAnew(const store::TableDef& table, const std::string& json,
-                     const RecordWrite& over) {
+RecordWrite remade(const store::TableDef& table, const std::string& json, const RecordWrite& over) {
     std::map<int, store::Value> values = store::valuesFromJson(table, json);
     values.erase(0);
     for (const auto& [number, value] : over.values)
@@ -327,7 +326,7 @@ store::Status UnwrittenList::restoreParent(UnwrittenEntry& entry, int depth) {
     if (!table || depth == deepest)
         return {};
     const RecordWrite folder =
-        madeAnew(*table, entry.deletedParent, {MDX_INSERT, entry.deletedParentKey, {}});
+        remade(*table, entry.deletedParent, {MDX_INSERT, entry.deletedParentKey, {}});
     UnwrittenEntry above;
     above.request = requestOf(*table, {folder});
     store::UpdateGuard guard;
@@ -357,7 +356,7 @@ store::Status UnwrittenList::write(UnwrittenEntry& entry, store::UpdateGuard* gu
     const std::vector<RecordWrite> records = recordsOf(entry.request);
     if (!table || records.empty())
         return {store::BadStructure, "Записи не читаются."};
-    return perform(requestOf(*table, {madeAnew(*table, entry.deletedRecord, records.front())}),
+    return perform(requestOf(*table, {remade(*table, entry.deletedRecord, records.front())}),
                    m_store, guard, unknown);
 }
 

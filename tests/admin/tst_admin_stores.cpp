@@ -12,7 +12,7 @@ public:
 
 private slots:
     void initAgainChangesNothing();
-    void aDroppedTriggerIsNamedByCheckAndMadeAnewByInit();
+    void aDroppedTriggerIsNamedByCheckAndMadeAgainByInit();
     void theDemonstrationIsSoundAndTheSameInEveryStore();
     void usersAreAddedOnceAndListed();
     void usersAreChanged();
@@ -37,7 +37,7 @@ void TestAdminStores::initAgainChangesNothing() {
     QCOMPARE(content(), before);
 }
 
-void TestAdminStores::aDroppedTriggerIsNamedByCheckAndMadeAnewByInit() {
+void TestAdminStores::aDroppedTriggerIsNamedByCheckAndMadeAgainByInit() {
     QVERIFY(m_kind.byHand(isPostgres() ? "DROP TRIGGER \"updated\" ON \"Menu\";"
                                        : "DROP TRIGGER \"Menu.updated\";"));
     const QString named =

@@ -305,7 +305,7 @@ private slots:
                                              "Menu stop", "Menu gone"}));
     }
 
-    void aPrunedLogOpensTheModulesAnew() {
+    void aPrunedLogOpensTheModulesAgain() {
         Place place;
         const QString life = place.dir.path() + "/life";
         QProcess client;

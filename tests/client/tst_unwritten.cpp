@@ -222,7 +222,7 @@ private slots:
             QVERIFY2(values.find("\"FolderKey\":\"d\"") != std::string::npos, values.c_str());
     }
 
-    void updateOfADeletedRecordIsToldAndCanBeMadeAnew() {
+    void updateOfADeletedRecordIsToldAndCanBeMadeAgain() {
         Desk desk;
         desk.elsewhere("Menu", 1, {{"KeyLink", "k"}, {"caption", "Насос"}, {"ico", "pump.png"}});
         Module& module = desk.open();
@@ -240,7 +240,7 @@ private slots:
         QCOMPARE(desk.value("Menu", "k", "params"), QString("x"));
     }
 
-    void childOfADeletedFolderCanBeMadeAnewWithTheFolder() {
+    void childOfADeletedFolderCanBeMadeAgainWithTheFolder() {
         Desk desk;
         desk.elsewhere("MenuFolder", 1, {{"KeyLink", "top"}, {"caption", "Верх"}});
         desk.elsewhere("MenuFolder", 1,

@@ -166,7 +166,7 @@ private slots:
         QTRY_COMPARE(tree->topLevelItemCount(), 1);
     }
 
-    void whatIsGoneCanBeMadeAnew() {
+    void whatIsGoneCanBeMadeAgain() {
         Shown shown;
         shown.elsewhere(4, {{"KeyLink", "k"}});
         shown.write(2, {{"KeyLink", "k"}, {"caption", "Мой"}});

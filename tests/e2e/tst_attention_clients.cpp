@@ -183,7 +183,7 @@ private slots:
         QCOMPARE(element("Not finished"), QString());
     }
 
-    void closingAndOpeningAnewAskAboutAnOpenEdit() {
+    void closingAndOpeningAgainAskAboutAnOpenEdit() {
         DO(m_scene->clickRow(left(), "tvMenu", "Half of a name"));
         DO(m_scene->fill(left(), nameRow, "Typed before closing"));
         for (const char* shortcut : {"ctrl+q", "ctrl+r", "alt+F4"}) { // as the X does

@@ -139,7 +139,7 @@ private slots:
         SOON(left().tree(menu).rect.width() == wider);
     }
 
-    void aPreviewIsCalledFromAnyPaneAndFollowsEditorsThatWereOpenedAnew() {
+    void aPreviewIsCalledFromAnyPaneAndFollowsEditorsThatWereOpenedAgain() {
         const auto previewed = [this](const QString& caption) {
             return left().tree(menu).find(caption) >= 0;
         };

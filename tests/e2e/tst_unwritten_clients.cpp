@@ -172,7 +172,7 @@ private slots:
         DONE(captionOf("un1") == "Pump");
     }
 
-    void anElementThatIsGoneIsMadeAnewFromWhatWasTyped() {
+    void anElementThatIsGoneIsMadeAgainFromWhatWasTyped() {
         DO(rename("Valve", "Valve 2"));
         QVERIFY(another("delete from Menu where KeyLink = 'un2'"));
         SOON(held());

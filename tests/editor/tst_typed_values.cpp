@@ -92,7 +92,7 @@ private slots:
         f.change("П");
         QVERIFY(f.typed.isEmpty());
     }
-    void aRowWrittenAnewShowsWhatWasTypedAgain() {
+    void aRowWrittenAgainShowsWhatWasTypedAgain() {
         Fixture f;
         QStandardItemModel model(1, 3);
         f.typed.type(Flag, true, false);

@@ -99,7 +99,7 @@ private slots:
         QCOMPARE(tree.view.currentIndex(), tree.row("b"));
     }
 
-    void aRowWrittenAnewTellsOfWhatIsAnotherValueOnly() {
+    void aRowWrittenAgainTellsOfWhatIsAnotherValueOnly() {
         Tree tree;
         QSignalSpy changed(&tree.model, &QAbstractItemModel::dataChanged);
         orvo::setRow(tree.model, tree.row("a"), {QString("a"), QString("other")});

@@ -33,7 +33,7 @@ private slots:
     void aChangeOfWhatOthersDeletedIsReported();
     void severalActionsGoInOneTransaction();
     void ofOnesOwnLaterChangesTheNewestStays();
-    void aPlanThatIsOutOfDateIsMadeAnew();
+    void aPlanThatIsOutOfDateIsMadeAgain();
     void whatCameMeanwhileBelowIsNotLost();
     void aFolderThatCameInsideIsNoPlace();
     void aChosenPlaceHasToBeThere();
@@ -269,7 +269,7 @@ void TestHistoryUndo::ofOnesOwnLaterChangesTheNewestStays() {
     QCOMPARE(caption("a"), QString("А"));
 }
 
-void TestHistoryUndo::aPlanThatIsOutOfDateIsMadeAnew() {
+void TestHistoryUndo::aPlanThatIsOutOfDateIsMadeAgain() {
     const int64_t first = rename(*m_anna, "a", "1");
     Inverse plan;
     ORVO_OK(planInverse(*m_anna, {first}, {}, &plan));

@@ -191,7 +191,7 @@ private slots:
         QCOMPARE(int(b->fieldCount), 0);
     }
 
-    void aDescriptionIsMadeAnewInPlaceOfTheOld() {
+    void aDescriptionIsMadeAgainInPlaceOfTheOld() {
         const ArrayPtr a = smallTable();
         const Bytes bytes = raw(orvo::mdx::postedRecord(a.get(), 0));
         MDRData alone;

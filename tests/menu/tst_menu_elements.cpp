@@ -286,7 +286,7 @@ private slots:
         QCOMPARE(shown(editor), QString("Меню #MenuRootNode\n  Свой #e1\n"));
     }
 
-    void comingBackFetchesAnew() {
+    void comingBackFetchesAgain() {
         PlantEditor editor;
         QVERIFY(editor.start());
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));

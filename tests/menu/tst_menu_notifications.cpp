@@ -181,7 +181,7 @@ private slots:
         QCOMPARE(live.below(live->desck("ceh")), QString("pech armop"));
     }
 
-    void anUpdatedDesktopInItsPlaceShowsItsMenuAnew() {
+    void anUpdatedDesktopInItsPlaceShowsItsMenuAgain() {
         Live live;
         // A change of the menu that no notification of this window has told yet.
         addElement(live.store, "armop", "neu", "", "Новый", 9000, "rform");

@@ -227,7 +227,7 @@ private slots:
         QTRY_VERIFY(shown.hasColor(Qt::green));
     }
 
-    void aChangedFileIsPaintedAnew() {
+    void aChangedFileIsPaintedAgain() {
         Files files;
         QVERIFY(makeImage(files.path("a.png"), Qt::green));
         View shown(files.folder, {"a.png"});

@@ -80,7 +80,7 @@ private slots:
         QVERIFY(showsImage(model.index(0, 0), ":/res/file1.png"));
     }
 
-    void aChangedImageFileIsShownAnew() {
+    void aChangedImageFileIsShownAgain() {
         QTemporaryDir dir;
         const QString path = dir.filePath("icons/pump.png");
         QVERIFY(QDir(dir.path()).mkdir("icons"));

@@ -366,7 +366,7 @@ private slots:
                     .contains("Не вырезано: папка «формы отображения» держит все ресурсы"));
     }
 
-    void pastedWhereItIsARowIsSelectedAnew() {
+    void pastedWhereItIsARowIsSelectedAgain() {
         Window window;
         window.paste("1\nrtable;rlog;\n", "mod");
         QCOMPARE(window.written(), QString("MenuResource\n"

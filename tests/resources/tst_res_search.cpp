@@ -60,7 +60,7 @@ private slots:
         QCOMPARE(window.steps(), QString("down"));
     }
 
-    void everyLetterTypedSearchesAnew() {
+    void everyLetterTypedSearchesAgain() {
         Window window;
         window.editor->m_cmbSearch->setCurrentIndex(1);
         QCOMPARE(window.currentKey(), QString("rlog"));

@@ -25,7 +25,7 @@ private slots:
     void fileAtTheTopIsFoundUnderBothItsLinks();
     void foldersRenamedElsewhereAreSeenAtOnce();
     void foldersRenamedByHandAreSeenAtOnce();
-    void foldersAreReadAnewWhenTheLogNoLongerTells();
+    void foldersAreReadAgainWhenTheLogNoLongerTells();
     void refusedWriteLeavesNoFoldersBehind();
     void writeSeesTheFoldersOfTheMoment();
 
@@ -199,7 +199,7 @@ void TestLookup::foldersRenamedByHandAreSeenAtOnce() {
     QVERIFY(hasFile("pics/Цех", "a.png"));
 }
 
-void TestLookup::foldersAreReadAnewWhenTheLogNoLongerTells() {
+void TestLookup::foldersAreReadAgainWhenTheLogNoLongerTells() {
     const auto other = another("other");
     ORVO_OK(put("icons/Цех", "a.png"));
     QVERIFY(hasFile("icons/Цех", "a.png"));

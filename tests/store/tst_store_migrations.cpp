@@ -42,12 +42,12 @@ private slots:
     void oldStoreKeepsWhatItHolds();
     void addedFieldIsLogged_data();
     void addedFieldIsLogged();
-    void triggersAreMadeAnewByAStepWithoutAStatement();
+    void triggersAreMadeAgainByAStepWithoutAStatement();
     void triggersChangeOnlyWithAStep();
     void storeHasAnIdentityOfItsOwn();
     void restoreIsANewLife();
-    void missingAndAlteredTriggersAreNamedAndMadeAnew_data();
-    void missingAndAlteredTriggersAreNamedAndMadeAnew();
+    void missingAndAlteredTriggersAreNamedAndMadeAgain_data();
+    void missingAndAlteredTriggersAreNamedAndMadeAgain();
     void restoreMakesTheTriggersThatABackupLacks();
 
 private:
@@ -197,7 +197,7 @@ void TestMigrations::addedFieldIsLogged() {
     QCOMPARE(status.code, int(NewerStore));
 }
 
-void TestMigrations::triggersAreMadeAnewByAStepWithoutAStatement() {
+void TestMigrations::triggersAreMadeAgainByAStepWithoutAStatement() {
     m_store.reset();
     const QByteArray fresh = m_kind.structure();
     QVERIFY(m_kind.byHand(isSqlite() ? "DROP TRIGGER \"Menu.inserted\";"
@@ -260,7 +260,7 @@ void TestMigrations::restoreIsANewLife() {
     QCOMPARE(identity().size(), first.size());
 }
 
-void TestMigrations::missingAndAlteredTriggersAreNamedAndMadeAnew_data() {
+void TestMigrations::missingAndAlteredTriggersAreNamedAndMadeAgain_data() {
     QTest::addColumn<QByteArray>("byHand");
     QTest::addColumn<QString>("named");
     const auto row = [&](const char* name, const char* lite, const char* litely, const char* server,
@@ -318,7 +318,7 @@ void TestMigrations::missingAndAlteredTriggersAreNamedAndMadeAnew_data() {
            "Изменена функция NciTakeLock");
 }
 
-void TestMigrations::missingAndAlteredTriggersAreNamedAndMadeAnew() {
+void TestMigrations::missingAndAlteredTriggersAreNamedAndMadeAgain() {
     QFETCH(QByteArray, byHand);
     QFETCH(QString, named);
     Status status;
