@@ -50,6 +50,7 @@ void Problems::lookAtAll() {
     m_tops.clear();
     m_due.clear();
     m_contents.reset();
+    m_contentChanges.clear();
     m_namesakes.clear();
     for (uint32_t number = 0; number < m_records.numberEnd(); ++number)
         if (const Record record = m_records.at(number))
@@ -94,6 +95,13 @@ Findings Problems::all() const {
                std::make_tuple(placeOf(b.table), b.key, b.problem, b.value);
     });
     return all;
+}
+
+bool Problems::holds(const Finding& finding) const {
+    const Record record = m_records.find(*finding.table, finding.key);
+    const auto found = record ? m_found.find(record.number()) : m_found.end();
+    const Findings& all = found == m_found.end() ? m_tops : found->second;
+    return std::find(all.begin(), all.end(), finding) != all.end();
 }
 
 Record Problems::topFolder(int kind) const {

@@ -46,6 +46,8 @@ public:
 
     /// All findings, by table, key and kind.
     Findings all() const;
+    /// Whether that is so, as far as was looked.
+    bool holds(const Finding& finding) const;
     size_t errors() const { return m_errors; }
     size_t warnings() const { return m_warnings; }
     /// The records whose findings have changed since this was asked last: what they are now.

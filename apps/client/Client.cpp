@@ -18,6 +18,7 @@
 #include "apps/client/WaitDialogController.h"
 #include "apps/client/WindowMemory.h"
 #include "apps/client/Workplace.h"
+#include "apps/client/problems/ProblemsPane.h"
 #include "apps/client/start/StorePage.h"
 
 #include <QAbstractScrollArea>
@@ -108,7 +109,9 @@ bool Client::openInspector(QString* error) {
             {"held", m_window ? m_window->statusLine()->held() : QString()},
             {"others", m_window ? m_window->statusLine()->others() : QString()},
             {"marks", m_app.markedRecords().join(QLatin1Char('\n'))},
-            {"historySettled", m_history && m_history->isIdle()}};
+            {"historySettled", m_history && m_history->isIdle()},
+            {"problems", m_window ? m_window->statusLine()->problems() : QString()},
+            {"problemsKnown", m_problems && m_problems->isKnown()}};
     };
     m_inspector = std::make_unique<Inspector>(std::move(sources));
     return m_inspector->listen(m_options.inspect, error);
@@ -135,8 +138,10 @@ void Client::show() {
     connectAll();
     openForOperators();
     showUnwritten();
-    if (!isWorkplace()) // nothing is edited there
+    if (!isWorkplace()) { // nothing is edited there
         makeHistory();
+        makeProblems();
+    }
     m_window->show();
     for (const QString& problem : m_libraries.problems())
         fail(QStringLiteral("Модули"), problem);
@@ -288,6 +293,9 @@ void Client::fail(const QString& place, const QString& text) {
 
 void Client::stop() {
     m_presence.reset();
+    delete std::exchange(m_problemsPane, nullptr); // it works with the next
+    m_problems.reset();
+    m_catalogue.reset();
     m_history.reset();
     m_workplace.reset();
     m_launcher.reset();

@@ -13,6 +13,7 @@
 #include "apps/client/ModuleLibraries.h"
 #include "apps/client/Options.h"
 #include "apps/client/StoreThread.h"
+#include "catalogue/LiveCatalogue.h"
 #include "platform/client/ModuleRegistry.h"
 #include "platform/client/NotificationPump.h"
 #include "platform/client/Session.h"
@@ -31,6 +32,8 @@ class HistoryCommands;
 class Inspector;
 class Launcher;
 class MainWindow;
+class ProblemsFeed;
+class ProblemsPane;
 class WaitDialogController;
 class PresenceView;
 class Screenshot;
@@ -84,6 +87,9 @@ private:
     void showUnwritten();
     void showPresence();
     void makeHistory();
+    void makeProblems();
+    int64_t logPosition();
+    void reloadCatalogue();
     void tellReadOnly();
     void mayWriteChanged(bool may);
     void fail(const QString& place, const QString& text);
@@ -106,7 +112,10 @@ private:
     std::unique_ptr<CloseGuard> m_guard;
     bool m_leaving = false; ///< the window was asked to close
     StoreThread::Opener m_openMaintained;
-    std::unique_ptr<HistoryCommands> m_history; ///< while the window is shown
+    std::unique_ptr<HistoryCommands> m_history; ///< while the window is shown, as the next
+    std::unique_ptr<catalogue::LiveCatalogue> m_catalogue;
+    std::unique_ptr<ProblemsFeed> m_problems;
+    ProblemsPane* m_problemsPane = nullptr; ///< child of the window
     std::unique_ptr<COrvoCliMod> m_logModule;
     client::ModuleRegistry m_modules;
     bool m_outdated = false; ///< a call failed for want of the server: the editors may not show it

@@ -142,6 +142,7 @@ void Client::reopenNow(const QString& why) {
     m_launcher->setConnected(true);
     m_modules.stopAll();
     m_pump->restart(); // the new place in the log comes before the new tables
+    reloadCatalogue();
     openModules();
     m_workplace->reopen();
     m_launcher->reopenModules();

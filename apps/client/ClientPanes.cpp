@@ -8,6 +8,7 @@
 #include "apps/client/PresenceView.h"
 #include "apps/client/StatusLine.h"
 #include "apps/client/UnwrittenPane.h"
+#include "apps/client/problems/ProblemsPane.h"
 #include "platform/store/StoreUrl.h"
 
 #include <QDockWidget>
@@ -44,6 +45,54 @@ void Client::makeHistory() {
         .modules = m_modules,
         .openModule = [this](const QString& name) { openFurther({name}); },
     });
+}
+
+/// 0 if the store does not tell: a cure is refused then until the next change is heard of.
+int64_t Client::logPosition() {
+    int64_t position = 0;
+    const store::Status status = client::sessionStore(*m_session).logPosition(&position);
+    if (!status.ok())
+        m_app.log(LogWarning, QStringLiteral("Проблемы"), QString::fromStdString(status.text));
+    return position;
+}
+
+void Client::reloadCatalogue() {
+    if (!m_catalogue)
+        return;
+    m_problems->restart(logPosition());
+    m_catalogue->reload();
+}
+
+/// The rules look at all records there are: not before the editors have theirs.
+void Client::makeProblems() {
+    constexpr int startAfterMs = 2000;
+    m_catalogue = std::make_unique<catalogue::LiveCatalogue>(
+        [open = m_openMaintained](store::Status* status) { return open(status); });
+    connect(m_pump.get(), &client::NotificationPump::changed, m_catalogue.get(),
+            &catalogue::LiveCatalogue::changed);
+    m_problems = std::make_unique<ProblemsFeed>(*m_catalogue, m_openMaintained, logPosition());
+    m_problemsPane = new ProblemsPane(*m_problems, m_app.m_mayWrite);
+    QDockWidget* dock = m_window->addPane(m_problemsPane, QStringLiteral("&Проблемы"),
+                                          QStringLiteral("problemsDock"), QKeySequence(Qt::Key_F8));
+    dock->setWindowTitle(QStringLiteral("Проблемы"));
+    m_window->restoreDockWidget(dock); // as the user left it
+    connect(m_pump.get(), &client::NotificationPump::changed, m_problems.get(),
+            &ProblemsFeed::changed);
+    connect(m_problems.get(), &ProblemsFeed::countChanged, this, [this] {
+        m_window->statusLine()->setProblems(m_problems->errors(), m_problems->warnings());
+    });
+    connect(m_problems.get(), &ProblemsFeed::told, this, [this](int level, const QString& text) {
+        m_window->logPane()->add(level, QStringLiteral("Проблемы"), text);
+        if (level > LogInformation)
+            m_window->statusLine()->setFailure(text);
+        else
+            m_window->statusLine()->setDone(text);
+    });
+    connect(m_window->statusLine(), &StatusLine::problemsRequested, dock,
+            [this, dock] { m_window->bringUp(dock); });
+    connect(m_problemsPane, &ProblemsPane::showRequested, m_history.get(),
+            &HistoryCommands::showRecord);
+    QTimer::singleShot(startAfterMs, m_catalogue.get(), &catalogue::LiveCatalogue::start);
 }
 
 /// What is not written has a pane that comes up by itself, now and whenever something is added.
@@ -115,6 +164,8 @@ void Client::mayWriteChanged(bool may) {
     m_app.m_mayWrite = may;
     if (m_history)
         m_history->setMayWrite(may);
+    if (m_problemsPane)
+        m_problemsPane->setMayWrite(may);
     if (!may) { // what is edited stays; a write that is refused is kept as any other
         tellReadOnly();
         return;

@@ -42,6 +42,9 @@ public:
     /// Whether nothing is being taken back, and what would be next is known.
     bool isIdle() const;
 
+    /// Opens the editor, and of an element the desktop, on that record; it may have gone.
+    void showRecord(const QString& table, const QString& key, const QString& desktop);
+
 private:
     void connectUndo();
     void connectPane();
@@ -52,7 +55,6 @@ private:
     void tell(int level, const QString& text);
     void showHistory(const QString& table, const QString& key, bool withContent);
     void showVersions(const QString& resource);
-    void showRecord(const QString& table, const QString& key, const QString& desktop);
     void showRecordNow(const QString& table, const QString& key, const QString& desktop);
 
     Context m_context;

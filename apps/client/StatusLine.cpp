@@ -45,6 +45,7 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
     , m_held(makeLabel({}, this))
     , m_others(makeLabel({}, this))
     , m_readOnly(makeLabel(QStringLiteral("Только просмотр"), this))
+    , m_problems(new QToolButton(this))
     , m_done(makeLabel({}, this))
     , m_failure(new QToolButton(this))
     , m_store(store) {
@@ -64,6 +65,13 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
     m_others->setObjectName(QStringLiteral("othersLabel"));
     addWidget(m_others);
     m_others->hide();
+    m_problems->setObjectName(QStringLiteral("problemsButton"));
+    m_problems->setAutoRaise(true);
+    m_problems->setCursor(Qt::PointingHandCursor);
+    m_problems->setToolTip(QStringLiteral("Показать, что не так с установкой (F8)"));
+    addWidget(m_problems);
+    m_problems->hide();
+    connect(m_problems, &QToolButton::clicked, this, &StatusLine::problemsRequested);
     m_copying->setObjectName(QStringLiteral("copyingLabel"));
     addWidget(m_copying);
     m_copying->hide();
@@ -89,6 +97,20 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
     addPermanentWidget(m_failure);
     connect(m_failure, &QToolButton::clicked, this, &StatusLine::acknowledge);
     setConnected(true, {});
+}
+
+void StatusLine::setProblems(size_t errors, size_t warnings) {
+    m_problems->setText(
+        errors > 0
+            ? QStringLiteral("Проблемы: %1, из них ошибок %2").arg(errors + warnings).arg(errors)
+            : QStringLiteral("Проблемы: %1").arg(warnings));
+    m_problems->setStyleSheet(errors > 0 ? QStringLiteral("color:#9c2a20") : QString());
+    m_problems->setVisible(errors + warnings > 0);
+    fitFailure();
+}
+
+QString StatusLine::problems() const {
+    return m_problems->isHidden() ? QString() : m_problems->text();
 }
 
 void StatusLine::setConnected(bool up, const QString& reason) {
@@ -168,7 +190,8 @@ void StatusLine::fitFailure() {
     constexpr int margins = 140; // of the bar, the button and the size grip
     int taken = margins;
     for (const QWidget* one :
-         {m_connection, m_storeLabel, m_userLabel, m_readOnly, m_others, m_copying, m_held})
+         std::initializer_list<const QWidget*>{m_connection, m_storeLabel, m_userLabel, m_readOnly,
+                                               m_others, m_problems, m_copying, m_held})
         taken += one->isHidden() ? 0 : one->sizeHint().width();
     const QString count = m_count > 1 ? QStringLiteral(" (всего %1)").arg(m_count) : QString();
     const QFontMetrics metrics = m_failure->fontMetrics();

@@ -26,6 +26,10 @@ public:
     /// Shows who else is here, and in the tool tip more about them; empty: nobody.
     void setOthers(const QString& names, const QString& details);
     QString others() const;
+    /// Shows how much is wrong with the installation; nothing: not shown.
+    void setProblems(size_t errors, size_t warnings);
+    /// What is shown about it.
+    QString problems() const;
     /// Shows that this user may not change anything, and in the tool tip why; empty: he may.
     void setReadOnly(const QString& why);
     /// Shows for a while what was done.
@@ -36,6 +40,10 @@ public:
     QString failure() const { return m_text; }
     /// What is shown about the connection.
     QString connection() const;
+
+signals:
+    /// The user wants to see what is wrong.
+    void problemsRequested();
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -52,6 +60,7 @@ private:
     QLabel* m_held;
     QLabel* m_others;
     QLabel* m_readOnly;
+    QToolButton* m_problems;
     QLabel* m_done;
     QToolButton* m_failure;
     QTimer m_doneTime;

@@ -161,6 +161,16 @@ int main(int argc, char* argv[]) {
     painter.need(painter.scene().press(painter.client(), "historyRevert"));
     painter.take("history-conflict.png");
     hands::key("Escape");
+    painter.writeAs("sorokin", "update Menu set ico = 'old_pump.png' where caption like 'Насос%'");
+    painter.writeAs("sorokin", "update MenuFolder set ParentKey = 'deleted' where caption = "
+                               "'КС-2 «Кедровый Лог»'");
+    hands::key("F8");
+    painter.need(painter.scene().waitFor("the problems are there", [&] {
+        return painter.client().tree("problemsTree").rows.size() > 1;
+    }));
+    hands::key("Home");
+    painter.take("problems.png");
+    hands::key("F8");
     drawDesktops(painter);
     return 0;
 }

@@ -1,0 +1,63 @@
+// ProblemsFeed.h: keeps the list of problems as the store is, and puts right what is certain.
+//
+// The rules run in the thread of the catalogue, as its listener; here are rows in words. What a
+// cure writes comes back as any change does.
+#ifndef ORVO_APPS_CLIENT_PROBLEMS_PROBLEMSFEED_H
+#define ORVO_APPS_CLIENT_PROBLEMS_PROBLEMSFEED_H
+
+#include "apps/client/StoreThread.h"
+#include "apps/client/problems/ProblemsModel.h"
+#include "catalogue/LiveCatalogue.h"
+
+#include <memory>
+#include <vector>
+
+namespace orvo::app {
+
+class ProblemsFeed : public QObject {
+    Q_OBJECT
+public:
+    /// The catalogue, which is not started yet, outlives it. `seen`: the log has this change.
+    ProblemsFeed(catalogue::LiveCatalogue& live, StoreThread::Opener open, int64_t seen);
+    ~ProblemsFeed() override;
+
+    ProblemsModel& model() { return m_model; }
+    size_t errors() const { return m_errors; }
+    size_t warnings() const { return m_warnings; }
+    /// Whether everything has been looked at once.
+    bool isKnown() const { return m_known; }
+
+    /// The log was replaced or goes on elsewhere; the catalogue is loaded anew after that.
+    void restart(int64_t seen) { m_seen = seen; }
+    /// A change of the log; the catalogue is told of it, too.
+    void changed(const store::Change& change);
+    /// Puts these right, as one action; what it came to is told.
+    void cure(const std::vector<checks::Finding>& findings);
+
+signals:
+    void countChanged();
+    /// What the user should read; the numbers are those of COrvoCliMod::LogFile.
+    void told(int level, const QString& text);
+
+private:
+    class Watcher;
+    struct Update;
+    struct Plan;
+
+    void take(const Update& update);
+    void readContents();
+    void write(const std::shared_ptr<Plan>& plan);
+    void tellWritten(const Plan& plan, const store::Status& status);
+
+    catalogue::LiveCatalogue& m_live;
+    StoreThread m_thread;
+    ProblemsModel m_model;
+    std::shared_ptr<Watcher> m_watcher; ///< of the catalogue's thread
+    int64_t m_seen;
+    size_t m_errors = 0, m_warnings = 0;
+    bool m_known = false;
+};
+
+} // namespace orvo::app
+
+#endif

@@ -1,0 +1,53 @@
+// ProblemsPane.h: the pane "Проблемы": what is wrong, where, and what puts it right.
+#ifndef ORVO_APPS_CLIENT_PROBLEMS_PROBLEMSPANE_H
+#define ORVO_APPS_CLIENT_PROBLEMS_PROBLEMSPANE_H
+
+#include "apps/client/problems/ProblemsFeed.h"
+
+#include <QWidget>
+
+class QComboBox;
+class QLabel;
+class QPushButton;
+class QSortFilterProxyModel;
+class QTreeView;
+
+namespace orvo::app {
+
+class ProblemsPane : public QWidget {
+    Q_OBJECT
+public:
+    /// The feed outlives it. `mayWrite` false: nothing can be put right.
+    ProblemsPane(ProblemsFeed& feed, bool mayWrite, QWidget* parent = nullptr);
+
+    void setMayWrite(bool may);
+    QTreeView* view() const { return m_view; }
+    ProblemsFeed& feed() { return m_feed; }
+
+signals:
+    void showRequested(const QString& table, const QString& key, const QString& desktop);
+
+private:
+    void makeView();
+    void makeButtons();
+    void updateActions();
+    void note();
+    void showCurrent();
+    void cureSelected();
+    void showContextMenu(const QPoint& point);
+    const ProblemRow* rowAt(const QModelIndex& index) const;
+    std::vector<checks::Finding> curable() const;
+
+    ProblemsFeed& m_feed;
+    bool m_mayWrite;
+    QSortFilterProxyModel* m_sorted; // these: children of the pane
+    QComboBox* m_which;
+    QTreeView* m_view;
+    QPushButton* m_show;
+    QPushButton* m_cure;
+    QLabel* m_note;
+};
+
+} // namespace orvo::app
+
+#endif

@@ -1,0 +1,188 @@
+// The pane "Проблемы": what is wrong, live; where it is; and what puts it right.
+#include "apps/client/problems/ProblemsPane.h"
+#include "tests/client/RunningClient.h"
+
+#include <QAbstractItemModelTester>
+#include <QComboBox>
+#include <QDockWidget>
+#include <QPushButton>
+#include <QRandomGenerator>
+#include <QToolButton>
+
+using namespace orvo;
+using namespace orvo::test;
+using app::ProblemsModel;
+
+#define SOON(condition) QTRY_VERIFY_WITH_TIMEOUT(condition, 20000)
+
+namespace {
+
+/// The elements а and г are in one place by their order, and the tops of the resources are missing.
+struct Fixture : RunningClient {
+    app::ProblemsPane* pane() const { return child<app::ProblemsPane>("problemsPane"); }
+    QAbstractItemModel* model() const { return pane()->view()->model(); }
+    QDockWidget* dock() const { return child<QDockWidget>("problemsDock"); }
+    QString counted() const { return client->window()->statusLine()->problems(); }
+    bool isKnown() const { return pane()->feed().isKnown(); }
+    /// The rows about elements of the menu, "what|where|problem|cure".
+    QStringList elements() const {
+        QStringList lines;
+        for (int row = 0; row < model()->rowCount(); ++row) {
+            QStringList cells;
+            for (int column = 0; column < ProblemsModel::ColumnCount; ++column)
+                cells << model()->index(row, column).data().toString();
+            if (cells[0].startsWith("элемент"))
+                lines << cells.join('|');
+        }
+        return lines;
+    }
+    bool choose(const QString& what) const {
+        for (int row = 0; row < model()->rowCount(); ++row)
+            if (model()->index(row, 0).data().toString().contains(what)) {
+                pane()->view()->setCurrentIndex(model()->index(row, 0));
+                return true;
+            }
+        return false;
+    }
+    void open() const {
+        client->window()->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(client->window()));
+        QTest::keyClick(client->window(), Qt::Key_F8);
+        QTRY_VERIFY(dock()->isVisible());
+    }
+    const QString sameOrder = "элемент меню «г»|КС-1|место по порядку то же, что у соседнего "
+                              "элемента: 1000|дать соседним элементам разные места, сохранив "
+                              "порядок";
+};
+
+/// A record with so many problems.
+app::RecordProblems record(const std::string& key, int problems) {
+    app::RecordProblems made{&checks::fields().elements, key, {}};
+    for (int i = 0; i < problems; ++i) {
+        app::ProblemRow row;
+        row.finding = {made.table, key, static_cast<checks::Problem>(i), {}};
+        row.what = QString::fromStdString(key);
+        made.rows.push_back(row);
+    }
+    return made;
+}
+
+} // namespace
+
+class TestProblemsDock : public QObject {
+    Q_OBJECT
+private slots:
+    void problemsAreListedAndCounted() {
+        Fixture fixture;
+        QVERIFY(!fixture.dock()->isVisible());
+        fixture.open();
+        SOON(fixture.isKnown());
+        QCOMPARE(fixture.elements(), QStringList(fixture.sameOrder));
+        QCOMPARE(fixture.counted(), QString("Проблемы: 4, из них ошибок 3"));
+        auto* which = fixture.child<QComboBox>("problemsWhich");
+        which->setCurrentIndex(1);
+        emit which->activated(1);
+        QCOMPARE(fixture.model()->rowCount(), 3);
+        QCOMPARE(fixture.pane()->view()->accessibleName(), QString("Проблемы"));
+    }
+
+    void whatOthersBreakComesAndGoes() {
+        Fixture fixture;
+        const QAbstractItemModelTester tester(
+            &fixture.pane()->feed().model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
+        SOON(fixture.isKnown());
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "c"}, {"parent", "gone"}});
+        SOON(fixture.elements().join('\n').contains(
+            "элемент меню «в»||нет родителя gone|перенести на верхний уровень"));
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "c"}, {"parent", "b"}});
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "d"}, {"order_", "2000"}});
+        SOON(fixture.elements().isEmpty());
+        QCOMPARE(fixture.counted(), QString("Проблемы: 3, из них ошибок 3"));
+    }
+
+    void namesOfOthersFollowInTheWords() {
+        Fixture fixture;
+        SOON(fixture.isKnown());
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "desk"}, {"caption", "КС-7"}}, "MenuFolder");
+        SOON(fixture.elements().join('\n').contains("элемент меню «г»|КС-7|"));
+    }
+
+    void aCureIsWrittenAndTakenBackByTheKey() {
+        Fixture fixture;
+        fixture.open();
+        SOON(fixture.isKnown());
+        QVERIFY(fixture.choose("«г»"));
+        auto* cure = fixture.child<QPushButton>("problemsCure");
+        QTRY_VERIFY(cure->isEnabled());
+        QTest::mouseClick(cure, Qt::LeftButton);
+        SOON(fixture.elements().isEmpty());
+        SOON(fixture.logged("Исправлено: элемент меню «г»") == 1);
+        QVERIFY(!cure->isEnabled());
+        SOON(fixture.action("actUndo")->isEnabled());
+        fixture.action("actUndo")->trigger();
+        SOON(fixture.elements() == QStringList(fixture.sameOrder));
+    }
+
+    void aCureThatAnotherHasForestalledIsTold() {
+        Fixture fixture;
+        SOON(fixture.isKnown());
+        const checks::Finding finding{&checks::fields().elements, "d", checks::Problem::SameOrder,
+                                      "1000"};
+        // Nothing of it is heard here before the cure is planned.
+        QVERIFY(fixture.host.write("Menu", MDX_UPDATE, {{"KeyLink", "d"}, {"order_", "5000"}}));
+        fixture.pane()->feed().cure({finding});
+        SOON(fixture.failure().contains("тем временем эти записи изменил другой"));
+        SOON(fixture.elements().isEmpty());
+        fixture.pane()->feed().cure({finding});
+        SOON(fixture.failure().contains("Уже исправлено без вас: 1"));
+    }
+
+    void theRecordIsShownInItsEditor() {
+        Fixture fixture;
+        fixture.open();
+        SOON(fixture.isKnown());
+        QVERIFY(fixture.choose("«г»"));
+        QTest::keyClick(fixture.pane()->view(), Qt::Key_Return);
+        SOON(fixture.view("tvMenu")->currentIndex().data().toString() == "г");
+    }
+
+    void tenThousandProblemsFollowRandomChanges() {
+        ProblemsModel model;
+        const QAbstractItemModelTester tester(
+            &model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+        std::map<std::string, int> expected;
+        std::vector<app::RecordProblems> all;
+        for (int i = 0; i < 5000; ++i) {
+            const std::string key = "k" + std::to_string(i);
+            expected[key] = 2;
+            all.push_back(record(key, 2));
+        }
+        model.setAll(all);
+        QCOMPARE(model.rowCount(), 10000);
+        QRandomGenerator random(1);
+        for (int act = 0; act < 300; ++act) {
+            std::vector<app::RecordProblems> changed;
+            const int count = act % 100 == 99 ? 700 : 1; // many at once are told as a whole
+            for (int i = 0; i < count; ++i) {
+                const std::string key = "k" + std::to_string(random.bounded(6000));
+                const int problems = random.bounded(4);
+                if (std::any_of(changed.begin(), changed.end(),
+                                [&](const auto& one) { return one.key == key; }))
+                    continue;
+                expected[key] = problems;
+                changed.push_back(record(key, problems));
+            }
+            model.update(changed);
+        }
+        int rows = 0;
+        for (const auto& [key, problems] : expected)
+            for (int i = 0; i < problems; ++i, ++rows) {
+                QCOMPARE(model.row(rows).finding.key, key);
+                QCOMPARE(static_cast<int>(model.row(rows).finding.problem), i);
+            }
+        QCOMPARE(model.rowCount(), rows);
+    }
+};
+
+QTEST_MAIN(TestProblemsDock)
+#include "tst_problems_dock.moc"
