@@ -1,5 +1,6 @@
 #include "checks/Cures.h"
 
+#include "frame/Kinds.h"
 #include "history/RecordWords.h"
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/Names.h"
@@ -37,7 +38,7 @@ Cure clearing(const char* words, const Record& record, int field) {
 std::optional<Cure> toTop(const Problems& problems, const Record& record, int kind, int link) {
     const Fields& f = fields();
     const Record top = problems.topFolder(kind);
-    if (kind < Kind::Module || kind > Kind::File || (kind != Kind::File && !top))
+    if (!resourceKind(kind) || (kind != Kind::File && !top))
         return std::nullopt;
     const std::string key = kind == Kind::File ? std::string() : top.key();
     if (top && top.number() == record.number())

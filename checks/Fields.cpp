@@ -1,5 +1,6 @@
 #include "checks/Fields.h"
 
+#include "frame/Kinds.h"
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/Names.h"
 
@@ -137,16 +138,8 @@ int parentFieldOf(const store::TableDef& table) {
 }
 
 const char* topCaptionOf(int kind) {
-    switch (kind) {
-    case Kind::Module:
-        return topfolder::modules;
-    case Kind::Function:
-        return topfolder::functions;
-    case Kind::Form:
-        return topfolder::forms;
-    default:
-        return nullptr;
-    }
+    const ResourceKind* known = resourceKind(kind);
+    return known ? known->topFolder : nullptr;
 }
 
 bool isIconFolder(const Record& folder) {

@@ -1,6 +1,8 @@
 // Desktops, their folders, and the elements of their menus.
 #include "checks/Rules.h"
 
+#include "frame/Kinds.h"
+
 namespace orvo::checks {
 
 namespace {
@@ -41,8 +43,8 @@ void lookAtResourceOf(const Scene& scene, const Record& element, Findings& findi
     const Record resource = scene.records.linked(element, f.element.resource);
     if (!resource)
         add(findings, element, Problem::NoResource, key);
-    else if (const int kind = resource.integer(f.resource.kind);
-             kind < Kind::Module || kind > Kind::Form)
+    else if (const ResourceKind* kind = resourceKind(resource.integer(f.resource.kind));
+             !kind || !kind->attribute)
         add(findings, element, Problem::NotLaunched, resource.key());
 }
 

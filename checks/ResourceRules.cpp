@@ -1,6 +1,7 @@
 // Folders of resources, and resources.
 #include "checks/Rules.h"
 
+#include "frame/Kinds.h"
 #include "platform/store/Store.h"
 
 namespace orvo::checks {
@@ -8,7 +9,7 @@ namespace orvo::checks {
 namespace {
 
 bool isKind(int kind) {
-    return kind >= Kind::Module && kind <= Kind::File;
+    return resourceKind(kind) != nullptr;
 }
 
 void lookAtParentOf(const Scene& scene, const Record& folder, Findings& findings) {
@@ -58,13 +59,14 @@ void lookAtLockOf(const Scene& scene, const Record& resource, Findings& findings
 } // namespace
 
 void lookAtTops(const Scene& scene, Findings& findings) {
-    for (const int kind : {Kind::Module, Kind::Function, Kind::Form}) {
+    for (const ResourceKind& kind : resourceKinds) {
+        if (!kind.topFolder)
+            continue;
         bool found = false;
-        const std::string caption = topCaptionOf(kind);
-        scene.namesakes.forEach(scene.records, Namesakes::topPlace(kind),
+        scene.namesakes.forEach(scene.records, Namesakes::topPlace(kind.number),
                                 [&](const Record&) { found = true; });
         if (!found)
-            findings.push_back({&fields().folders, {}, Problem::NoTopFolder, caption});
+            findings.push_back({&fields().folders, {}, Problem::NoTopFolder, kind.topFolder});
     }
 }
 
