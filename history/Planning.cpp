@@ -162,7 +162,7 @@ store::Status Planning::collect() {
 void Planning::work(Record& record) const {
     record.presentThen = record.events.front().change->code != OrvoEventInsert;
     for (Event& event : record.events) // a deletion knows the fields that nobody has changed
-        record.then.merge(event.before);
+        record.then.takeMissing(std::move(event.before));
     for (const Event& event : record.events) {
         if (!counts(event))
             continue;
@@ -351,10 +351,8 @@ void Planning::part(const store::TableDef& table, int flag) {
                 flag == MDX_INSERT ? "{}" : jsonOf(table, flag == MDX_DELETE ? record.now : before);
             m_inverse.preview.push_back(std::move(change));
         }
-        write.values.reserve(record.values.size());
-        for (auto& [field, value] : record.values)
-            if (field != 0)
-                write.values.emplace_back(field, std::move(value));
+        record.values.erase(0);
+        write.values = record.values.take();
         part.writes.push_back(std::move(write));
         if (&table == &store::contentTable())
             part.bytes.push_back({record.version, {}});

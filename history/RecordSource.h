@@ -2,8 +2,8 @@
 #ifndef ORVO_HISTORY_RECORDSOURCE_H
 #define ORVO_HISTORY_RECORDSOURCE_H
 
+#include "platform/store/FieldValues.h"
 #include "platform/store/Maintenance.h"
-#include "platform/store/WritePlan.h"
 
 #include <map>
 #include <string>
@@ -14,7 +14,7 @@ namespace orvo::history {
 
 /// Values of a record by the numbers of its fields in the table; fields that nobody told of are
 /// missing.
-using Values = std::map<int, store::Value>;
+using Values = store::FieldValues;
 
 /// The table of that name, that of the contents included; null for any other.
 const store::TableDef* tableOf(const std::string& name);

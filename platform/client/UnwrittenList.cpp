@@ -59,7 +59,7 @@ QString newId() {
 
 /// The record of a deletion as an insert, with later values over it.
 RecordWrite remade(const store::TableDef& table, const std::string& json, const RecordWrite& over) {
-    std::map<int, store::Value> values = store::valuesFromJson(table, json);
+    store::FieldValues values = store::valuesFromJson(table, json);
     values.erase(0);
     for (const auto& [number, value] : over.values)
         values[number] = value;

@@ -1,6 +1,7 @@
 #include "platform/store/ChangeRecord.h"
 
 #include "platform/mdx/MdxBuild.h"
+#include "platform/store/LoggedValues.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -88,9 +89,11 @@ bool setFromJson(const TableDef& table, const std::string& json, MDRData* record
     return false;
 }
 
-std::map<int, Value> valuesFromJson(const TableDef& table, const std::string& json) {
-    std::map<int, Value> values;
+FieldValues valuesFromJson(const TableDef& table, const std::string& json) {
+    FieldValues values;
     if (json == "{}") // half of all that the log holds
+        return values;
+    if (readLoggedValues(table, json, &values))
         return values;
     const QJsonObject object =
         QJsonDocument::fromJson(QByteArray::fromRawData(json.data(), static_cast<int>(json.size())))
@@ -102,7 +105,7 @@ std::map<int, Value> valuesFromJson(const TableDef& table, const std::string& js
             continue;
         Value value;
         if (valueOf(found.value(), field.type, &value))
-            values.emplace_hint(values.end(), static_cast<int>(i), std::move(value));
+            values[static_cast<int>(i)] = std::move(value);
     }
     return values;
 }

@@ -2,10 +2,9 @@
 #ifndef ORVO_PLATFORM_STORE_CHANGERECORD_H
 #define ORVO_PLATFORM_STORE_CHANGERECORD_H
 
+#include "platform/store/FieldValues.h"
 #include "platform/store/Store.h"
-#include "platform/store/WritePlan.h"
 
-#include <map>
 #include <string>
 
 namespace orvo::store {
@@ -17,7 +16,7 @@ namespace orvo::store {
 bool setFromJson(const TableDef& table, const std::string& json, MDRData* record);
 
 /// The same values by their fields' numbers, for comparing; none if the text is no JSON object.
-std::map<int, Value> valuesFromJson(const TableDef& table, const std::string& json);
+FieldValues valuesFromJson(const TableDef& table, const std::string& json);
 
 } // namespace orvo::store
 

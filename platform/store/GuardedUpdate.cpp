@@ -27,7 +27,7 @@ const Value* valueOf(const Write& write, int field) {
 
 /// What people call the record: its caption or name, as far as a change of the log tells.
 std::string nameIn(const TableDef& table, const std::string& json) {
-    const std::map<int, Value> values = valuesFromJson(table, json);
+    const FieldValues values = valuesFromJson(table, json);
     for (const char* name : {field::caption, field::name_, field::login_}) {
         const auto found = values.find(table.find(name));
         if (found != values.end() && !textOf(found->second).empty())
@@ -192,7 +192,7 @@ Status GuardedUpdate::checkChildren(const UpdateGuard& guard) {
         if (!status.ok())
             return status;
         for (const Change& change : changes) {
-            const std::map<int, Value> after = valuesFromJson(below, change.after);
+            const FieldValues after = valuesFromJson(below, change.after);
             if (isOwnChange(guard, change.id) || after.find(field) == after.end())
                 continue;
             const std::string name = nameIn(below, change.after);

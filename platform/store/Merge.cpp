@@ -81,8 +81,8 @@ Merge::Merge(const TableDef& table, const std::vector<Change>& changes, UpdateGu
     for (const Change& change : changes) {
         auto& fields = m_records->byKey[foldedKey(change.key)];
         const bool own = isOwnChange(guard, change.id);
-        const std::map<int, Value> before = valuesFromJson(table, change.before);
-        const std::map<int, Value> after = valuesFromJson(table, change.after);
+        const FieldValues before = valuesFromJson(table, change.before);
+        const FieldValues after = valuesFromJson(table, change.after);
         for (const auto& [number, value] : before) {
             const auto [field, first] = fields.try_emplace(number);
             if (first) {

@@ -10,9 +10,8 @@
 
 namespace orvo::store {
 
-namespace {
+namespace {} // namespace
 
-/// Length of the valid UTF-8 sequence at the start of the text, 0 if there is none.
 size_t sequenceLength(std::string_view text) {
     const auto at = [&](size_t i) { return static_cast<unsigned char>(text[i]); };
     const unsigned lead = at(0);
@@ -35,8 +34,6 @@ size_t sequenceLength(std::string_view text) {
     }
     return length;
 }
-
-} // namespace
 
 bool isKey(std::string_view text) {
     return !text.empty() &&
@@ -88,6 +85,10 @@ std::optional<std::string> foldedName(std::string_view name) {
 
 std::string validUtf8(std::string text) {
     for (size_t i = 0; i < text.size();) {
+        if (static_cast<unsigned char>(text[i]) < 0x80) {
+            ++i;
+            continue;
+        }
         const size_t length = sequenceLength(std::string_view(text).substr(i));
         if (length == 0)
             text[i] = '?';

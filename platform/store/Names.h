@@ -24,6 +24,8 @@ bool sameText(std::string_view a, std::string_view b);
 /// Whether the text comes through Windows-1251 and back unchanged. A name that does not could never
 /// be named by an editor again.
 bool isShowable(std::string_view text);
+/// Length of the valid UTF-8 sequence at the start of a text that is not empty; 0 if there is none.
+size_t sequenceLength(std::string_view text);
 /// The text with every byte that is not part of valid UTF-8 replaced by '?', as it reads in
 /// records.
 std::string validUtf8(std::string text);

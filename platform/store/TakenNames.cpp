@@ -122,7 +122,7 @@ Status TakenNames::refuseTaken() {
     if (!status.ok())
         return status;
     for (const Change& change : changes) {
-        const std::map<int, Value> values = valuesFromJson(m_table, change.after);
+        const FieldValues values = valuesFromJson(m_table, change.after);
         if (isOwnChange(m_guard, change.id) ||
             (values.count(m_name) == 0 && values.count(m_folder) == 0))
             continue;

@@ -1,6 +1,7 @@
 // What every kind of store shares, without a database.
 #include "platform/store/ChangeRecord.h"
 #include "platform/store/FolderTree.h"
+#include "platform/store/LoggedValues.h"
 #include "platform/store/Names.h"
 #include "platform/store/Store.h"
 
@@ -32,6 +33,8 @@ private slots:
     void jsonBecomesMarkedFields();
     void jsonThatDoesNotFitIsPassedOver();
     void textThatIsNoJsonSetsNothing();
+    void valuesAreReadAlikeInEverySpelling_data();
+    void valuesAreReadAlikeInEverySpelling();
 };
 
 void TestStoreCommon::tablesStandBeforeWhatLinksToThem() {
@@ -288,6 +291,62 @@ void TestStoreCommon::textThatIsNoJsonSetsNothing() {
     }
     QVERIFY(!setFromJson(s.def, "{}", nullptr));
     QVERIFY(setFromJson(s.def, "{}", s.record));
+}
+
+/// A blank in front, which no trigger writes, is for the parser of everything.
+void TestStoreCommon::valuesAreReadAlikeInEverySpelling_data() {
+    QTest::addColumn<QByteArray>("json");
+    QTest::addColumn<bool>("quick");
+    const auto row = [](const char* name, const char* json, bool quick) {
+        QTest::newRow(name) << QByteArray(json) << quick;
+    };
+    row("all fields",
+        R"({"KeyLink":"k","parent":null,"caption":"Ёж \"1\"\n\\","order_":-5,)"
+        R"("separator":true,"oneCopy":false,"params":""})",
+        true);
+    row("empty", "{}", false);
+    row("control character", R"({"caption":"a\u001fb\tc"})", true);
+    row("zero", R"({"caption":"a\u0000b"})", false);
+    row("letter by its number", R"({"caption":"\u0416"})", false);
+    row("four bytes", "{\"caption\":\"\xF0\x9F\x98\x80\"}", true);
+    row("broken UTF-8", "{\"caption\":\"\xD0\"}", false);
+    row("overlong", "{\"caption\":\"\xC0\x80\"}", false);
+    row("surrogate", "{\"caption\":\"\xED\xA0\x80\"}", false);
+    row("line break", "{\"caption\":\"a\nb\"}", false);
+    row("another order", R"({"order_":1,"caption":"a"})", false);
+    row("twice", R"({"caption":"a","caption":"b"})", false);
+    row("unknown field", R"({"caption":"a","colour":"red","params":"b"})", false);
+    row("other case", R"({"Caption":"a"})", false);
+    row("nested", R"({"caption":"a","params":{"b":1}})", false);
+    row("wrong kinds", R"({"caption":5,"order_":"x","separator":"true","params":true})", true);
+    row("numbers", R"({"order_":1e3,"separator":0,"oneCopy":1})", true);
+    row("large number", R"({"order_":1e300})", true);
+    row("endless number", R"({"order_":1e999})", false);
+    row("leading zero", R"({"order_":01})", false);
+    row("bare point", R"({"order_":1.})", false);
+    row("plus", R"({"order_":+1})", false);
+    row("no number", R"({"order_":-inf})", false);
+    row("open text", R"({"caption":"a)", false);
+    row("open object", R"({"caption":"a")", false);
+    row("comma at the end", R"({"caption":"a",})", false);
+    row("more behind", R"({"caption":"a"}})", false);
+    row("no object", "[1]", false);
+    row("nothing", "", false);
+}
+
+void TestStoreCommon::valuesAreReadAlikeInEverySpelling() {
+    QFETCH(QByteArray, json);
+    QFETCH(bool, quick);
+    const TableDef& menu = *findTable("Menu");
+    const FieldValues values = valuesFromJson(menu, json.toStdString());
+    const FieldValues other = valuesFromJson(menu, " " + json.toStdString());
+    QVERIFY(std::equal(values.begin(), values.end(), other.begin(), other.end()));
+    FieldValues read;
+    QCOMPARE(readLoggedValues(menu, json.toStdString(), &read), quick);
+    QCOMPARE(read.empty(), values.empty() || !quick);
+    const TableDef& resources = *findTable("MenuResource");
+    const FieldValues date = valuesFromJson(resources, R"({"dateTimeEdit":1700000000.1234567})");
+    QVERIFY(date.at(resources.find("dateTimeEdit")) == Value(1700000000.1234567));
 }
 
 QTEST_GUILESS_MAIN(TestStoreCommon)
