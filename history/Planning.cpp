@@ -130,24 +130,36 @@ store::Status Planning::collect() {
         }
     }
     m_alone = nothingElse;
+    struct Found {
+        const store::TableDef* table;
+        std::string key;
+        const store::Change* change;
+    };
+    std::vector<Found> found;
     for (const std::vector<store::Change>& changes : m_changes)
-        for (const store::Change& change : changes) {
-            const store::TableDef* table = tableOf(change.table);
-            if (!table || change.id > m_inverse.seen)
-                continue;
-            Record& record = m_records[table][store::foldedKey(change.key)];
-            Event event{&change, store::valuesFromJson(*table, change.after),
-                        store::valuesFromJson(*table, change.before)};
-            record.key = change.key;
-            if (isConcerned(event)) {
-                assert(table->fields.size() <= mostFields);
-                for (const Values* values : {&event.after, &event.before})
-                    for (const auto& [field, value] : *values)
-                        record.fields.set(static_cast<size_t>(field));
-                record.wasMadeOrDeleted = record.wasMadeOrDeleted || change.code != OrvoEventUpdate;
-            }
-            record.events.push_back(std::move(event));
+        for (const store::Change& change : changes)
+            if (const store::TableDef* table = tableOf(change.table);
+                table && change.id <= m_inverse.seen)
+                found.push_back({table, store::foldedKey(change.key), &change});
+    std::stable_sort(found.begin(), found.end(), [](const Found& a, const Found& b) {
+        return a.table != b.table ? a.table < b.table : a.key < b.key;
+    });
+    for (Found& one : found) {
+        const store::Change& change = *one.change;
+        Records& records = m_records[one.table];
+        Record& record = records.try_emplace(records.end(), std::move(one.key))->second;
+        Event event{&change, store::valuesFromJson(*one.table, change.after),
+                    store::valuesFromJson(*one.table, change.before)};
+        record.key = change.key;
+        if (isConcerned(event)) {
+            assert(one.table->fields.size() <= mostFields);
+            for (const Values* values : {&event.after, &event.before})
+                for (const auto& [field, value] : *values)
+                    record.fields.set(static_cast<size_t>(field));
+            record.wasMadeOrDeleted = record.wasMadeOrDeleted || change.code != OrvoEventUpdate;
         }
+        record.events.push_back(std::move(event));
+    }
     for (auto& [table, records] : m_records) // groups overlap once they are joined
         for (auto& [key, record] : records)
             std::stable_sort(

@@ -8,6 +8,7 @@
 
 #include <bitset>
 #include <map>
+#include <memory_resource>
 #include <optional>
 #include <set>
 #include <string>
@@ -58,7 +59,7 @@ private:
         Values values;                          ///< to be written
         const store::Change* builtOn = nullptr; ///< somebody's change of what is to be deleted
     };
-    using Records = std::map<std::string, Record>; ///< by folded key
+    using Records = std::pmr::map<std::string, Record>; ///< by folded key
     /// A link by which a record that is to be written stands below another one.
     struct Placement {
         const store::TableDef* table;
@@ -114,13 +115,16 @@ private:
     Inverse& m_inverse;
     const std::set<int64_t> m_concerned;
     std::vector<std::vector<store::Change>> m_changes; ///< that the events are about
-    std::map<const store::TableDef*, Records> m_records;
+    std::pmr::monotonic_buffer_resource m_memory;      ///< records in order lie in order there
+    std::pmr::map<const store::TableDef*, Records> m_records{&m_memory};
     bool m_alone = false; ///< nothing was written since the actions but by them
 
     // Of the places; by table and folded key.
     std::map<const store::TableDef*, std::map<std::string, std::vector<store::Value>>> m_above;
     std::map<std::pair<const store::TableDef*, std::string>, bool> m_deleted; ///< of missing ones
     std::set<std::pair<const store::TableDef*, std::string>> m_unplaced; ///< not restored for that
+    /// Links, as they are spelled, that records which are restored can have as they had them.
+    std::map<const store::TableDef*, std::unordered_set<std::string>> m_fine;
 };
 
 } // namespace orvo::history

@@ -7,6 +7,7 @@
 #include "platform/store/Names.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace orvo::history {
 
@@ -43,21 +44,30 @@ store::Status Planning::wasDeleted(const store::TableDef& table, const std::stri
 
 std::vector<Planning::Placement> Planning::placements() {
     std::vector<Placement> found;
-    for (auto& [table, records] : m_records)
+    for (auto& [table, records] : m_records) {
+        std::vector<Placement> links;
+        for (const store::ParentField& parent : store::parentFields(*table))
+            links.push_back(
+                {table, nullptr, table->find(parent.field), store::findTable(parent.table)});
         for (auto& [key, record] : records)
             if (record.flag == MDX_INSERT || record.flag == MDX_UPDATE)
-                for (const store::ParentField& parent : store::parentFields(*table)) {
-                    const int field = table->find(parent.field);
-                    if (record.values.count(field) != 0)
-                        found.push_back({table, &record, field, store::findTable(parent.table)});
-                }
+                for (Placement& link : links)
+                    if (record.values.count(link.field) != 0) {
+                        link.record = &record;
+                        found.push_back(link);
+                    }
+    }
     return found;
 }
 
 store::Status Planning::readAbove(const std::vector<Placement>& placements) {
     std::map<const store::TableDef*, std::set<std::string>> wanted;
+    std::map<const store::TableDef*, std::unordered_set<std::string_view>> seen; // many to a folder
     for (const Placement& one : placements) {
-        const std::string key = store::foldedKey(store::textOf(one.record->values.at(one.field)));
+        const std::string& text = store::textOf(one.record->values.at(one.field));
+        if (!seen[one.above].insert(text).second)
+            continue;
+        const std::string key = store::foldedKey(text);
         wanted[one.above].insert(key);
         if (const auto place = m_choices.places.find(key); place != m_choices.places.end())
             wanted[one.above].insert(store::foldedKey(place->second));
@@ -118,13 +128,19 @@ store::Status Planning::canStand(const Placement& placement, const std::string& 
 store::Status Planning::place(const Placement& placement, bool* changed) {
     Record& record = *placement.record;
     const auto link = record.values.find(placement.field);
-    if (record.flag == 0 || link == record.values.end() ||
-        !store::isKey(store::textOf(link->second)))
+    if (record.flag == 0 || link == record.values.end())
         return {};
+    // Of a record that is restored where it was the key alone decides.
+    const bool isRestored = record.flag == MDX_INSERT;
+    auto& fine = m_fine[placement.above];
     const std::string missing = store::textOf(link->second);
+    if ((isRestored && fine.count(missing) != 0) || !store::isKey(missing))
+        return {};
     const std::string key = store::foldedKey(missing);
     std::optional<Remark::Why> whyNot, whyNotChosen;
     store::Status status = canStand(placement, key, false, &whyNot);
+    if (status.ok() && !whyNot && isRestored)
+        fine.insert(missing);
     if (!status.ok() || !whyNot)
         return status;
     if (const auto chosen = m_choices.places.find(key); chosen != m_choices.places.end()) {
@@ -140,6 +156,8 @@ store::Status Planning::place(const Placement& placement, bool* changed) {
     if (whyNot == Remark::NoPlace) {
         bool deleted = false;
         status = wasDeleted(*placement.above, key, &deleted);
+        if (status.ok() && !deleted && isRestored && m_choices.places.empty())
+            fine.insert(missing);
         if (!status.ok() || !deleted) // it has been an orphan before
             return status;
     }
@@ -156,6 +174,7 @@ store::Status Planning::place(const Placement& placement, bool* changed) {
             record.flag = 0;
     }
     *changed = true;
+    m_fine.clear();
     return {};
 }
 

@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <set>
+#include <string_view>
+#include <unordered_set>
 
 namespace orvo::store {
 
@@ -42,7 +44,7 @@ Status GuardedUpdate::apply(UpdateGuard* guard) {
     Status status;
     if (guard != nullptr)
         status = checkReach(*guard);
-    if (status.ok() && guard != nullptr)
+    if (status.ok() && guard != nullptr && m_merged != nullptr)
         status = merge(*guard);
     if (status.ok() && guard != nullptr)
         status = checkParents(&guard->parentDeletion);
@@ -79,7 +81,7 @@ Status GuardedUpdate::merge(UpdateGuard& guard) {
     if (!status.ok())
         return status;
     const Merge merge(m_table, changes, guard);
-    for (Write& write : m_writes) {
+    for (Write& write : *m_merged) {
         merge.reduce(write);
         const std::string key = foldedKey(write.key);
         if (write.flag == MDX_INSERT)
@@ -104,10 +106,11 @@ Status GuardedUpdate::checkParents(std::optional<Change>* deletedParent) {
         const int field = m_table.find(parent.field);
         const TableDef& above = *findTable(parent.table);
         std::set<std::string> wanted;
+        std::unordered_set<std::string_view> spelled; // many are placed below one
         for (const Write& write : m_writes) {
             const Value* value = write.flag == MDX_DELETE ? nullptr : valueOf(write, field);
             // Editors also write captions there, which no record has for a key.
-            if (value != nullptr && isKey(textOf(*value)))
+            if (value != nullptr && spelled.insert(textOf(*value)).second && isKey(textOf(*value)))
                 wanted.insert(foldedKey(textOf(*value)));
         }
         if (&above == &m_table)

@@ -18,6 +18,12 @@ public:
     GuardedUpdate(StoreBackend& backend, const TableDef& table, std::vector<Write>& writes)
         : m_backend(backend)
         , m_table(table)
+        , m_writes(writes)
+        , m_merged(&writes) {}
+    /// For writes whose records nobody else has changed: there is nothing to be merged.
+    GuardedUpdate(StoreBackend& backend, const TableDef& table, const std::vector<Write>& writes)
+        : m_backend(backend)
+        , m_table(table)
         , m_writes(writes) {}
 
     /// Applies the writes; see Store::update. Without a guard they go in as they are, unless one
@@ -42,7 +48,8 @@ private:
 
     StoreBackend& m_backend;
     const TableDef& m_table;
-    std::vector<Write>& m_writes;
+    const std::vector<Write>& m_writes;
+    std::vector<Write>* const m_merged = nullptr; ///< the same, or null
 };
 
 } // namespace orvo::store

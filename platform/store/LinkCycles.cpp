@@ -45,8 +45,10 @@ Status LinkCycles::checkOne(const std::string& key, const ParentOf& parentOf, So
         if (!status.ok() || foldedKey(parent) == own.parent)
             return status;
     }
-    std::unordered_set<std::string> seen{key};
     std::unordered_set<std::string>& known = isNew ? sound->amongWrites : sound->upToRoot;
+    if (known.count(own.parent) != 0)
+        return {}; // of those below one folder only the first walks
+    std::unordered_set<std::string> seen{key};
     std::string at = own.parent;
     while (!at.empty() && known.count(at) == 0) {
         if (at == key)

@@ -168,7 +168,7 @@ Status StoreCore::writeAll(const std::vector<TableWrites>& parts, int64_t seen,
                 guard.seen = seen;
                 guard.own = {{newest + 1, std::numeric_limits<int64_t>::max()}};
                 if (status.ok() && part.table != &contentTable())
-                    status = GuardedUpdate(*this, *part.table, writes).apply(&guard);
+                    status = GuardedUpdate(*this, *part.table, part.writes).apply(&guard);
                 else if (status.ok())
                     status = writeContents(part, versions.at(&part));
             }
