@@ -38,6 +38,19 @@ Oid typeOf(MdxType type) {
     }
 }
 
+Oid arrayOf(Oid type) {
+    switch (type) {
+    case booleanType:
+        return 1000;
+    case integerType:
+        return 1007;
+    case doubleType:
+        return 1022;
+    default:
+        return 1009;
+    }
+}
+
 std::string bigEndian(uint64_t value, int bytes) {
     std::string out;
     for (int shift = (bytes - 1) * 8; shift >= 0; shift -= 8)
@@ -83,7 +96,12 @@ bool isBreak(std::string_view state) {
 } // namespace
 
 bool isText(std::string_view text) {
-    return text.find('\0') == std::string_view::npos && validUtf8(std::string(text)) == text;
+    for (size_t length = 0; !text.empty(); text.remove_prefix(length)) {
+        length = sequenceLength(text);
+        if (length == 0 || text.front() == '\0')
+            return false;
+    }
+    return true;
 }
 
 Parameters& Parameters::text(std::string_view value) {
@@ -109,6 +127,31 @@ Parameters& Parameters::field(MdxType type, const Value& value) {
     else
         parameter.null = true;
     m_values.push_back(std::move(parameter));
+    return *this;
+}
+
+Parameters& Parameters::fields(MdxType type, const std::vector<const Value*>& values) {
+    constexpr int number = 4; // bytes of one
+    Parameters all;
+    all.m_values.reserve(values.size());
+    size_t bytes = 0;
+    for (const Value* value : values) {
+        all.field(type, *value);
+        bytes += all.m_values.back().bytes.size() + all.m_values.back().own.size() + number;
+    }
+    Parameter array;
+    array.type = arrayOf(typeOf(type));
+    array.null = false;
+    const uint64_t head[] = {1, 1, typeOf(type), values.size(), 1}; // one dimension, from 1
+    array.own.reserve(sizeof head + bytes);
+    for (const uint64_t part : head)
+        array.own += bigEndian(part, number);
+    for (const Parameter& one : all.m_values) {
+        const std::string_view text = one.own.empty() ? one.bytes : std::string_view(one.own);
+        array.own += bigEndian(one.null ? ~uint64_t(0) : text.size(), number);
+        array.own += text;
+    }
+    m_values.push_back(std::move(array));
     return *this;
 }
 

@@ -34,6 +34,8 @@ public:
     Parameters& integer(int64_t value); ///< bigint
     /// As a field of that type holds it.
     Parameters& field(MdxType type, const Value& value);
+    /// An array of such values; they are copied.
+    Parameters& fields(MdxType type, const std::vector<const Value*>& values);
 
 private:
     friend class Connection;

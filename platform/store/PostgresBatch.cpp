@@ -1,5 +1,5 @@
 // Many records of a PostgreSQL store at once: the triggers cost a call for each statement, so one
-// statement inserts or deletes a hundred of them.
+// statement inserts or deletes many of them.
 #include "platform/store/PostgresStore.h"
 
 #include "platform/store/Names.h"
@@ -12,7 +12,11 @@ namespace orvo::store::postgres {
 
 namespace {
 
+/// So many deletions, at least so many inserts.
 constexpr size_t batchSize = 100;
+/// More inserts are no faster; their arrays are copied.
+constexpr size_t mostInserts = 2000;
+constexpr size_t mostInsertBytes = 1 << 20;
 
 using Iterator = std::vector<Write>::const_iterator;
 
@@ -24,42 +28,69 @@ bool holdsText(const Write& write) {
            });
 }
 
-/// Whether one statement can apply the next batchSize writes.
-bool beginsBatch(Iterator first, Iterator end) {
-    if (static_cast<size_t>(end - first) < batchSize || first->flag == MDX_UPDATE)
-        return false;
-    return std::all_of(first, first + batchSize, [&](const Write& write) {
-        return write.flag == first->flag && holdsText(write) &&
-               std::equal(write.values.begin(), write.values.end(), first->values.begin(),
-                          first->values.end(),
-                          [](const auto& a, const auto& b) { return a.first == b.first; });
-    });
+size_t bytesIn(const Write& write) {
+    size_t bytes = write.key.size();
+    for (const auto& [number, value] : write.values)
+        bytes += textOf(value).size();
+    return bytes;
+}
+
+/// How many of the next writes one statement can apply; 0: it is not worth it.
+size_t batchAt(Iterator first, Iterator end) {
+    if (first->flag == MDX_UPDATE)
+        return 0;
+    const size_t most = first->flag == MDX_INSERT ? mostInserts : batchSize;
+    size_t count = 0;
+    size_t bytes = 0;
+    for (Iterator write = first; write != end && count < most && bytes < mostInsertBytes; ++write) {
+        if (write->flag != first->flag || !holdsText(*write) ||
+            !std::equal(write->values.begin(), write->values.end(), first->values.begin(),
+                        first->values.end(),
+                        [](const auto& a, const auto& b) { return a.first == b.first; }))
+            break;
+        bytes += bytesIn(*write);
+        ++count;
+    }
+    return count < batchSize ? 0 : count;
 }
 
 } // namespace
 
-Status PostgresStore::sendBatch(const TableDef& table, Iterator first) {
-    const std::string what = inTable(table);
-    const Iterator end = first + batchSize;
+/// A column of the records as an array: the statement is the same for any number of them.
+Status PostgresStore::sendInserts(const TableDef& table, Iterator first, size_t count) {
+    std::vector<Value> keys;
+    std::vector<const Value*> column;
+    keys.reserve(count);
+    column.reserve(count);
+    for (Iterator write = first; write != first + static_cast<std::ptrdiff_t>(count); ++write)
+        keys.emplace_back(write->key);
+    for (const Value& key : keys)
+        column.push_back(&key);
     Parameters parameters;
-    if (first->flag == MDX_DELETE) {
-        std::string keys;
-        for (Iterator write = first; write != end; ++write)
-            keys += (keys.empty() ? "" : "\n") + foldedKey(write->key);
-        return send("DELETE FROM " + qualified(table.name) +
-                        " WHERE lower(\"KeyLink\") = ANY (string_to_array($1, E'\\n'))",
-                    parameters.text(keys), what, true);
+    parameters.fields(MDX_TEXT, column);
+    std::vector<int> fields{0};
+    std::string arrays = "$1";
+    for (size_t i = 0; i < first->values.size(); ++i) {
+        fields.push_back(first->values[i].first);
+        arrays += ", $" + std::to_string(fields.size());
+        for (size_t row = 0; row < count; ++row)
+            column[row] = &first[static_cast<std::ptrdiff_t>(row)].values[i].second;
+        parameters.fields(table.fields[static_cast<size_t>(fields.back())].type, column);
     }
-    for (Iterator write = first; write != end; ++write) {
-        parameters.text(write->key);
-        for (const auto& [number, value] : write->values)
-            parameters.field(table.fields[static_cast<size_t>(number)].type, value);
-    }
-    WriteSyntax syntax;
-    syntax.table = qualified(table.name);
-    syntax.parameter = '$';
-    syntax.rows = batchSize;
-    return send(writeStatement(table, *first, syntax), parameters, what, true);
+    return send("INSERT INTO " + qualified(table.name) + " (" + fieldList(table, fields) +
+                    ") SELECT * FROM unnest(" + arrays + ")",
+                parameters, inTable(table), true);
+}
+
+Status PostgresStore::sendBatch(const TableDef& table, Iterator first, size_t count) {
+    if (first->flag == MDX_INSERT)
+        return sendInserts(table, first, count);
+    std::string keys;
+    for (Iterator write = first; write != first + static_cast<std::ptrdiff_t>(count); ++write)
+        keys += (keys.empty() ? "" : "\n") + foldedKey(write->key);
+    return send("DELETE FROM " + qualified(table.name) +
+                    " WHERE lower(\"KeyLink\") = ANY (string_to_array($1, E'\\n'))",
+                Parameters().text(keys), inTable(table), true);
 }
 
 Status PostgresStore::applyAll(const TableDef& table, const std::vector<Write>& writes) {
@@ -69,9 +100,9 @@ Status PostgresStore::applyAll(const TableDef& table, const std::vector<Write>& 
     if (status.ok())
         status = send("SAVEPOINT batches", {}, inTable(table), true);
     for (auto write = writes.begin(); write != writes.end() && status.ok();) {
-        const bool batch = beginsBatch(write, writes.end());
-        status = batch ? sendBatch(table, write) : apply(table, *write);
-        write += batch ? batchSize : 1;
+        const size_t batch = batchAt(write, writes.end());
+        status = batch > 0 ? sendBatch(table, write, batch) : apply(table, *write);
+        write += static_cast<std::ptrdiff_t>(std::max<size_t>(batch, 1));
     }
     if (status.ok())
         status = send("RELEASE SAVEPOINT batches", {}, inTable(table), true);

@@ -150,7 +150,9 @@ private:
     Status send(const std::string& sql, const Parameters& parameters, std::string what,
                 bool writes);
     /// Sends one statement for the writes of a batch, which begins there.
-    Status sendBatch(const TableDef& table, std::vector<Write>::const_iterator first);
+    Status sendInserts(const TableDef& table, std::vector<Write>::const_iterator first,
+                       size_t count);
+    Status sendBatch(const TableDef& table, std::vector<Write>::const_iterator first, size_t count);
     /// Takes results until that many are outstanding.
     void receive(size_t left);
     void receiveOne();

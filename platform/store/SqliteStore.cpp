@@ -351,11 +351,12 @@ Status SqliteStore::inWrite(const Work& work) {
     return {};
 }
 
-Statement* SqliteStore::writing(const TableDef& table, const Write& write, bool bytes) {
+Statement* SqliteStore::writing(const TableDef& table, const Write& write, bool bytes,
+                                size_t rows) {
     uint64_t fields = bytes ? 1 : 0; // bit 0 stands for KeyLink, which is always there
     for (const auto& [number, value] : write.values)
         fields |= uint64_t(1) << number;
-    Statement& statement = m_writes[{&table, write.flag, fields}];
+    Statement& statement = m_writes[{&table, write.flag, fields, rows}];
     if (statement)
         return &statement;
 
@@ -364,6 +365,7 @@ Statement* SqliteStore::writing(const TableDef& table, const Write& write, bool 
     syntax.whereKey = identifier(table.fields[0].name) + " = ?1";
     if (bytes)
         syntax.extra = "data";
+    syntax.rows = rows;
     statement = m_connection.prepare(writeStatement(table, write, syntax));
     return statement ? &statement : nullptr;
 }
@@ -385,6 +387,51 @@ Status SqliteStore::run(const TableDef& table, const Write& write, std::optional
 
 Status SqliteStore::apply(const TableDef& table, const Write& write) {
     return run(table, write, {});
+}
+
+Status SqliteStore::insertBatch(const TableDef& table, std::vector<Write>::const_iterator first,
+                                size_t rows) {
+    Statement* statement = writing(table, *first, false, rows);
+    if (statement == nullptr)
+        return m_connection.failure(inTable(table));
+    const ResetAfter reset(*statement);
+    int parameter = 1;
+    for (auto write = first; write != first + static_cast<std::ptrdiff_t>(rows); ++write) {
+        statement->bind(parameter++, std::string_view(write->key));
+        for (const auto& [number, value] : write->values)
+            statement->bind(parameter++, value);
+    }
+    return statement->step() == SQLITE_DONE ? Status() : m_connection.failure(inTable(table));
+}
+
+/// Before a statement with triggers changes a page SQLite puts it aside, to take the statement back
+/// should it fail. Records that are next to each other share their pages.
+Status SqliteStore::applyAll(const TableDef& table, const std::vector<Write>& writes) {
+    constexpr size_t batch = 100;
+    for (auto write = writes.begin(); write != writes.end();) {
+        const auto alike = [&](const Write& other) {
+            return other.flag == MDX_INSERT &&
+                   std::equal(other.values.begin(), other.values.end(), write->values.begin(),
+                              write->values.end(),
+                              [](const auto& a, const auto& b) { return a.first == b.first; });
+        };
+        const auto left = static_cast<size_t>(writes.end() - write);
+        if (left < batch || !std::all_of(write, write + batch, alike)) {
+            if (Status status = apply(table, *write++); !status.ok())
+                return status;
+            continue;
+        }
+        Status status = insertBatch(table, write, batch);
+        // One by one they tell which of them cannot be.
+        if (status.code == Refused && sqlite3_get_autocommit(m_connection.get()) == 0)
+            for (auto one = write; one != write + batch; ++one)
+                if (const Status told = apply(table, *one); !told.ok())
+                    return told;
+        if (!status.ok())
+            return status;
+        write += batch;
+    }
+    return {};
 }
 
 Status SqliteStore::applyContent(const Write& write, std::string_view bytes) {

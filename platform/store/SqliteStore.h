@@ -82,6 +82,7 @@ protected:
     Status inRead(const Work& work) override;
     Status inWrite(const Work& work) override;
     Status apply(const TableDef& table, const Write& write) override;
+    Status applyAll(const TableDef& table, const std::vector<Write>& writes) override;
     Status applyContent(const Write& write, std::string_view bytes) override;
     Status contentBytes(const std::string& key, std::string* bytes) override;
     Status select(const TableDef& table, const std::vector<int>& fields,
@@ -120,8 +121,11 @@ private:
     void letGo();
     /// A prepared statement that is kept; null if it does not prepare.
     Statement* cached(const std::string& sql);
-    /// The statement for writes of this shape.
-    Statement* writing(const TableDef& table, const Write& write, bool bytes);
+    /// The statement for writes of this shape, or for so many inserts of it.
+    Statement* writing(const TableDef& table, const Write& write, bool bytes, size_t rows = 1);
+    /// Inserts that many records of one shape at once.
+    Status insertBatch(const TableDef& table, std::vector<Write>::const_iterator first,
+                       size_t rows);
     /// Tells the triggers who writes the present transaction, and to which group.
     Status setWriter();
     Status clearWriter();
@@ -149,8 +153,8 @@ private:
     Connection m_connection;      ///< before the statements, which must go first
     bool m_mayWrite;
     std::unordered_map<std::string, Statement> m_statements;
-    /// By table, flag and the fields written.
-    std::map<std::tuple<const TableDef*, int, uint64_t>, Statement> m_writes;
+    /// By table, flag, the fields written and the number of records.
+    std::map<std::tuple<const TableDef*, int, uint64_t, size_t>, Statement> m_writes;
     Blob m_content; ///< open between beginContent and endContent
     int m_contentAt = 0;
     std::string m_contentKey;

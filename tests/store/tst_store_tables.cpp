@@ -41,6 +41,7 @@ private slots:
     void usersAreAddedOnce();
     void manyRecordsGoInOneCall();
     void ofManyRecordsTheOneThatCannotBeIsNamed();
+    void manyRecordsKeepTheirValues();
     void nothingComesToLieBelowItself_data();
     void nothingComesToLieBelowItself();
     void aCircleThatIsThereCanBeMended();
@@ -464,6 +465,34 @@ void TestTables::hostileValuesInFetchWhereAreData() {
         QCOMPARE(none.array->recordCount, 0u);
     }
     QCOMPARE(dump(*m_store, "Menu", {"KeyLink"}), "hit\nmiss\nnull");
+}
+
+void TestTables::manyRecordsKeepTheirValues() {
+    const auto insert = [&](int from, int count) -> Status {
+        Batch batch("MenuResource");
+        for (int i = from; i < from + count; ++i) {
+            const bool bare = i % 7 == 0; // of a run like its neighbours all the same
+            batch.insert(qPrintable(QString("k%1").arg(i)),
+                         {{"MenuResourceFolderKey", bare ? QVariant("") : QVariant("f")},
+                          {"name_", bare ? QVariant() : QVariant(QString("Имя \"%1\"").arg(i))},
+                          {"type_", bare ? QVariant() : QVariant(-i)},
+                          {"caption", ""},
+                          {"dateTimeEdit", bare ? QVariant() : QVariant(1.7e9 + i / 3.0)}});
+        }
+        return batch.send(*m_store);
+    };
+    constexpr int count = 350;
+    ORVO_OK(insert(0, count));
+    const QString atOnce = dump(*m_store, "MenuResource");
+    QVERIFY(atOnce.contains("k1|f|Имя \"1\"|-1||") && atOnce.contains("k7|-|-|-||"));
+    Batch gone("MenuResource");
+    for (int i = 0; i < count; ++i)
+        gone.remove(qPrintable(QString("k%1").arg(i)));
+    ORVO_OK(gone.send(*m_store));
+    QCOMPARE(dump(*m_store, "MenuResource"), QString());
+    for (int i = 0; i < count; ++i)
+        ORVO_OK(insert(i, 1));
+    QCOMPARE(dump(*m_store, "MenuResource"), atOnce);
 }
 
 void TestTables::nothingComesToLieBelowItself_data() {
