@@ -90,6 +90,8 @@ void fillPostgres(const std::string& location, const std::string& rows) {
     store::postgres::Connection connection;
     require(url.parse(location));
     require(connection.open(url));
+    const store::postgres::Connection::NoTimeoutScope noTimeout(
+        connection); // silent while it fills
     const auto run = [&](const std::string& sql) {
         const auto result = connection.execute(sql);
         check(store::postgres::succeeded(result.get()),
