@@ -43,14 +43,19 @@ Status TakenNames::check(const std::vector<Write>& writes) {
     if (!status.ok())
         return status;
     for (const Write& write : writes) {
-        if (write.flag == MDX_DELETE || !isKey(write.key))
+        if (!isKey(write.key))
             continue;
         const std::string key = foldedKey(write.key);
         const auto stored = m_stored.find(key);
+        if (write.flag == MDX_DELETE) {
+            m_goesTo[key].clear();
+            continue;
+        }
         if (write.flag == MDX_UPDATE && stored == m_stored.end())
             continue; // gone: it is reported
         const Named wanted = after(write);
         const std::string place = placeOf(wanted);
+        m_goesTo[key] = place;
         if (textOf(wanted.name).empty() ||
             (stored != m_stored.end() && placeOf(stored->second) == place))
             continue;
@@ -104,13 +109,17 @@ std::string TakenNames::placeOf(const Named& record) const {
 /// A look at all records costs less than it sounds, and only a new name after another's change asks
 /// for it.
 Status TakenNames::findNamesakes() {
-    return m_backend.select(
-        m_table, {0, m_name, m_folder, m_type}, [&](const StoreBackend::Row& row) {
-            const std::string key = foldedKey(textOf(row[0]));
-            const auto wanted = m_wanted.find(placeOf({row[1], row[2], row[3]}));
-            if (wanted != m_wanted.end() && wanted->second.key != key)
-                m_holders.emplace(key, wanted->second.name);
-        });
+    return m_backend.select(m_table, {0, m_name, m_folder, m_type},
+                            [&](const StoreBackend::Row& row) {
+                                const std::string key = foldedKey(textOf(row[0]));
+                                const std::string place = placeOf({row[1], row[2], row[3]});
+                                const auto goesTo = m_goesTo.find(key);
+                                if (goesTo != m_goesTo.end() && goesTo->second != place)
+                                    return; // it gives the name up
+                                const auto wanted = m_wanted.find(place);
+                                if (wanted != m_wanted.end() && wanted->second.key != key)
+                                    m_holders.emplace(key, wanted->second.name);
+                            });
 }
 
 Status TakenNames::refuseTaken() {

@@ -16,7 +16,8 @@ namespace orvo::store {
 /// Looks at the names of resources and their folders in the writes of one update. Names are unique
 /// among the modules, among the functions and among the forms; those of files in their folder, with
 /// regard to case; those of folders among their siblings. What bore the name before the writer
-/// looked is his to know, and his own changes are no other's.
+/// looked is his to know, and his own changes are no other's. Nor does a record hold a name that
+/// the same update takes away from it.
 class TakenNames {
 public:
     /// Whether names of that table's records are to be unique.
@@ -51,6 +52,7 @@ private:
     const int m_type;
     std::unordered_map<std::string, Named> m_stored;        ///< by folded key: what is updated
     std::unordered_map<std::string, Wanted> m_wanted;       ///< by place
+    std::unordered_map<std::string, std::string> m_goesTo;  ///< folded key to place; empty: deleted
     std::unordered_map<std::string, std::string> m_holders; ///< folded key to the name it bears
 };
 

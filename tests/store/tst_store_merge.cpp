@@ -448,6 +448,25 @@ void TestMerge::nameIsFreeIfNobodyElseTookIt() {
     ORVO_OK(Batch("MenuResource").update("theirs", {{"name_", "Other"}}).send(*m_other));
     mine = guard();
     ORVO_OK(add(*m_store, "mine", "Mid", &mine));
+    // Taken, but given up by what one writes oneself.
+    const char* const folder = "MenuResourceFolderKey";
+    ORVO_OK(Batch("MenuResourceFolder")
+                .insert("near", {{"type_", 4}})
+                .insert("far", {{"type_", 4}})
+                .send(*m_store));
+    ORVO_OK(Batch("MenuResource")
+                .insert("moves", {{"name_", "Moved"}, {"type_", 4}, {folder, "far"}})
+                .send(*m_store));
+    m_seen = position();
+    ORVO_OK(add(*m_other, "goes", "Gone"));
+    ORVO_OK(Batch("MenuResource").update("moves", {{folder, "near"}}).send(*m_other));
+    mine = guard();
+    ORVO_OK(Batch("MenuResource")
+                .remove("goes")
+                .update("moves", {{"name_", "Elsewhere"}})
+                .insert("after1", {{"name_", "Gone"}, {"type_", 1}})
+                .insert("after2", {{"name_", "Moved"}, {"type_", 4}, {folder, "near"}})
+                .send(*m_store, &mine));
     // A record keeps its name beside a namesake.
     ORVO_OK(add(*m_other, "late", "Known"));
     mine = guard();
