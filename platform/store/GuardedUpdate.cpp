@@ -58,11 +58,11 @@ Status GuardedUpdate::apply(UpdateGuard* guard) {
 }
 
 Status GuardedUpdate::checkReach(const UpdateGuard& guard) {
-    bool reaches = true;
-    const Status status = guard.seen < 0 ? Status() : m_backend.reachesBackTo(guard.seen, &reaches);
-    return status.ok() && !reaches
-               ? Status{Outdated, "Журнал изменений тем временем сокращён, и уже не видно, что "
-                                  "меняли другие"}
+    StoreBackend::Gap gap = StoreBackend::Gap::None;
+    const Status status = guard.seen < 0 ? Status() : m_backend.gapSince(guard.seen, &gap);
+    return status.ok() && gap != StoreBackend::Gap::None
+               ? Status{Outdated,
+                        StoreBackend::gapWords(gap) + ", и уже не видно, что меняли другие"}
                : status;
 }
 

@@ -119,12 +119,16 @@ public:
     /// `since`, or may have, the log no longer telling.
     virtual Status changedSince(const TableDef& table, int64_t since, int64_t* newest,
                                 bool* changed) = 0;
-    /// Whether the log still tells of everything after `since`.
-    Status reachesBackTo(int64_t since, bool* reaches);
+    /// What keeps the log from telling of everything after `since`: it was shortened, or is no
+    /// longer the one that had reached `since`.
+    enum class Gap { None, Shortened, Replaced };
+    Status gapSince(int64_t since, Gap* gap);
+    static std::string gapWords(Gap gap);
     /// The changes after `since` of the records with these folded keys, in the order of the log.
     virtual Status changesOf(const TableDef& table, const std::vector<std::string>& keys,
                              int64_t since, std::vector<Change>* changes) = 0;
-    /// The changes that the query lets pass. Outside a transaction.
+    /// The changes that the query lets pass. Outside a transaction, or right behind one of the two
+    /// calls above.
     virtual Status selectChanges(const ChangeQuery& query, std::vector<Change>* changes) = 0;
 
     // Logins -------------------------------------------------------------------------------------

@@ -15,6 +15,7 @@ namespace {
 /// Changed only in a log that was pruned.
 const TableDef noTable{"", {}};
 
+/// Keys without regard to case, each once.
 std::vector<std::string> foldedKeys(const std::vector<std::string>& keys) {
     std::set<std::string> folded;
     for (const std::string& key : keys)
@@ -25,12 +26,27 @@ std::vector<std::string> foldedKeys(const std::vector<std::string>& keys) {
 
 } // namespace
 
-Status StoreBackend::reachesBackTo(int64_t since, bool* reaches) {
+Status StoreBackend::gapSince(int64_t since, Gap* gap) {
     int64_t newest = 0;
     bool pruned = false;
     Status status = changedSince(noTable, since, &newest, &pruned);
-    *reaches = !pruned;
+    *gap = !pruned ? Gap::None : newest < since ? Gap::Replaced : Gap::Shortened;
+    if (!status.ok() || *gap != Gap::Shortened)
+        return status;
+    // A restore takes all numbers back as well, but leaves the rows that it brings.
+    ChangeQuery oldest;
+    oldest.oldestFirst = true;
+    std::vector<Change> rows;
+    status = selectChanges(oldest, &rows);
+    if (!rows.empty() && rows.front().id <= since)
+        *gap = Gap::Replaced;
     return status;
+}
+
+std::string StoreBackend::gapWords(Gap gap) {
+    return gap == Gap::Shortened ? "Журнал изменений тем временем сокращён"
+                                 : "Журнал изменений тем временем заменён (хранилище "
+                                   "восстановлено из копии или создано заново)";
 }
 
 Status StoreBackend::storedKeys(const TableDef& table, const std::vector<std::string>& keys,
@@ -89,10 +105,10 @@ Status StoreCore::checkUnchanged(const TableWrites& part, int64_t seen) {
     std::vector<Change> since;
     status = changesOf(*part.table, foldedKeys(keys), seen, &since);
     if (status.ok() && since.empty()) {
-        bool reaches = true;
-        status = reachesBackTo(seen, &reaches);
-        if (status.ok() && !reaches)
-            return {Outdated, "Журнал изменений тем временем сокращён"};
+        Gap gap = Gap::None;
+        status = gapSince(seen, &gap);
+        if (status.ok() && gap != Gap::None)
+            return {Outdated, gapWords(gap)};
     }
     if (!status.ok() || since.empty())
         return status;
@@ -163,7 +179,6 @@ Status StoreCore::writeAll(const std::vector<TableWrites>& parts, int64_t seen,
                 if (status.ok())
                     status = checkUnchanged(part, seen);
             for (const TableWrites& part : parts) {
-                std::vector<Write> writes = part.writes;
                 UpdateGuard guard;
                 guard.seen = seen;
                 guard.own = {{newest + 1, std::numeric_limits<int64_t>::max()}};
