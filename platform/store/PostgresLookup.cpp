@@ -76,8 +76,8 @@ Status PostgresStore::changesOf(const TableDef& table, const std::vector<std::st
     const std::string list = lines(keys);
     const Result result = m_connection.query(
         std::string("SELECT ") + changeColumns +
-            " FROM public.\"NciEvent\" WHERE \"id\" > $1 AND \"tableName\" = $2 AND "
-            "lower(\"key\") = ANY (string_to_array($3, E'\\n')) ORDER BY \"id\"",
+            " FROM public.\"NciEvent\" WHERE \"id\" > $1 AND " + anyTable +
+            " = $2 AND lower(\"key\") = ANY (string_to_array($3, E'\\n')) ORDER BY \"id\"",
         Parameters().integer(since).text(table.name).text(list));
     if (!succeeded(result.get()))
         return m_connection.failure(logName, result.get());

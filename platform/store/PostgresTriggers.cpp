@@ -292,7 +292,7 @@ std::string keepReplaced() {
     v_before := NULL;
     SELECT "id", "login", "before" INTO v_event, v_login, v_before FROM public."NciEvent"
       WHERE pg_catalog.lower("key") OPERATOR(pg_catalog.=) pg_catalog.lower(v_file."KeyLink")
-        AND "tableName" OPERATOR(pg_catalog.=) 'MenuResourceFile'
+        AND ("tableName" OPERATOR(pg_catalog.||) '') OPERATOR(pg_catalog.=) 'MenuResourceFile'
         AND "xact" OPERATOR(pg_catalog.=) pg_catalog.pg_current_xact_id()
       ORDER BY "id" DESC LIMIT 1;
     IF pg_catalog.jsonb_exists(v_before::pg_catalog.jsonb, 'time') THEN

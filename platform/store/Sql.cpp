@@ -104,8 +104,9 @@ std::string changesWhere(const ChangeQuery& query, const std::string& log) {
     const auto also = [&](const std::string& condition) {
         where += (where.empty() ? " WHERE " : " AND ") + condition;
     };
+    const bool narrower = !query.key.empty() || query.login || query.group > 0 || query.id;
     if (!query.table.empty())
-        also("\"tableName\" = " + literal(query.table));
+        also((narrower ? std::string(anyTable) : "\"tableName\"") + " = " + literal(query.table));
     if (!query.key.empty())
         also("lower(\"key\") = " + literal(foldedKey(query.key)));
     if (query.login)

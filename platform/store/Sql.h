@@ -35,6 +35,9 @@ inline constexpr char changeColumns[] =
     "\"id\", \"code\", \"tableName\", \"key\", \"login\", \"time\", \"after\", \"before\", "
     "\"group\", \"client\", \"place\", \"undoes\"";
 constexpr int changeColumnCount = 12;
+/// The table of a change, where something else finds it: nearly all changes may be of one table,
+/// and a database that has not looked at the log yet would not know that.
+inline constexpr char anyTable[] = "(\"tableName\" || '')";
 /// The columns of "NciVersion" as KeptVersion holds them, in its order.
 inline constexpr char versionColumns[] =
     "\"id\", \"event\", \"login\", \"time\", \"KeyLink\", \"MenuResourceKey\", \"name_\", "

@@ -81,8 +81,8 @@ Status SqliteStore::changesOf(const TableDef& table, const std::vector<std::stri
                               int64_t since, std::vector<Change>* changes) {
     Statement* statement =
         cached(std::string("SELECT ") + changeColumns +
-               " FROM \"NciEvent\" WHERE \"id\" > ?1 AND \"tableName\" = ?2 "
-               "AND lower(\"key\") IN (SELECT \"value\" FROM json_each(?3)) ORDER BY \"id\"");
+               " FROM \"NciEvent\" WHERE \"id\" > ?1 AND " + anyTable +
+               " = ?2 AND lower(\"key\") IN (SELECT \"value\" FROM json_each(?3)) ORDER BY \"id\"");
     if (statement == nullptr)
         return m_connection.failure(logName);
     const ResetAfter reset(*statement);
