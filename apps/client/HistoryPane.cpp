@@ -2,8 +2,8 @@
 
 #include "apps/client/Look.h"
 #include "frame/Vocabulary.h"
+#include "history/BackTo.h"
 #include "history/RecordWords.h"
-#include "history/Standing.h"
 
 #include <QComboBox>
 #include <QDateTime>
@@ -24,7 +24,6 @@ namespace orvo::app {
 namespace {
 
 constexpr int applyDelayMs = 300; ///< while the text is being typed
-constexpr size_t mostGroups = 1000;
 constexpr int longestScope = 60;
 
 struct Period {
@@ -49,36 +48,6 @@ QPushButton* addButton(QHBoxLayout* row, const QString& text, const char* name) 
 }
 
 } // namespace
-
-store::Status collectBackTo(store::MaintainedStore& store, const history::Filter& scope,
-                            int64_t group, std::vector<int64_t>* groups) {
-    history::Reader reader(store, scope);
-    std::vector<history::Group> found;
-    while (!reader.atEnd() && (found.empty() || found.back().changes.back().id >= group)) {
-        store::Status status = reader.next(50, &found);
-        if (!status.ok())
-            return status;
-        if (found.size() > mostGroups)
-            return {store::Refused,
-                    "действий больше " + std::to_string(mostGroups) + ": выберите место ближе"};
-    }
-    std::set<int64_t> all;
-    for (const history::Group& one : found)
-        if (one.id >= group)
-            all.insert(one.id);
-    if (all.empty())
-        return {};
-    history::Standing standing;
-    store::Status status = standing.read(store, {*all.begin()});
-    for (const history::Group& one : found) {
-        const bool onlySuch = !one.undoes.empty() &&
-                              std::all_of(one.undoes.begin(), one.undoes.end(),
-                                          [&](int64_t undone) { return all.count(undone) != 0; });
-        if (all.count(one.id) != 0 && standing.stands(one.id) && !onlySuch)
-            groups->push_back(one.id);
-    }
-    return status;
-}
 
 HistoryPane::HistoryPane(StoreThread& thread, const QString& login, bool mayWrite, QWidget* parent)
     : QWidget(parent)
@@ -344,7 +313,7 @@ void HistoryPane::revertBackTo(const history::Filter& scope, const QString& whos
     since.since = action->time;
     request.collect = [since, group = action->group](store::MaintainedStore& store,
                                                      std::vector<int64_t>* groups) {
-        return collectBackTo(store, since, group, groups);
+        return history::collectBackTo(store, since, group, groups);
     };
     request.preview = true;
     emit revertRequested(request);

@@ -83,11 +83,6 @@ private:
     QMenu* m_backMenu;
 };
 
-/// Finds the groups from the newest down to `group` that the scope lets pass, less those that take
-/// back only such: the state before that group follows from taking back the rest.
-store::Status collectBackTo(store::MaintainedStore& store, const history::Filter& scope,
-                            int64_t group, std::vector<int64_t>* groups);
-
 } // namespace orvo::app
 
 #endif
