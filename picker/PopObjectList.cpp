@@ -8,9 +8,18 @@
 #include "picker/ObjectListOwner.h"
 #include "ui_PopObjectList.h"
 
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDrag>
 #include <QFileInfo>
 #include <QItemSelectionModel>
+#include <QKeyEvent>
+#include <QMimeData>
+#include <QMouseEvent>
 #include <QShowEvent>
+#include <QWindow>
+
+#include <functional>
 
 using orvo::KeyValues;
 using orvo::PickColumn;
@@ -45,12 +54,17 @@ CPopObjectList::CPopObjectList(QMainWindow* parent)
     m_ui->tvObj->setStyleSheet(orvo::treeStyleSheet());
     m_ui->tvObj->setTextElideMode(Qt::ElideNone);
     m_ui->tvObj->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_ui->tvObj->setAccessibleName(tr("Список ресурсов"));
     m_ui->tvObj->setUniformRowHeights(true);
     m_ui->tvObj->setItemDelegate(new orvo::RowDelegate(m_ui->tvObj)); // the view's child
     m_model = std::make_unique<PopTreeModel>(columnTitles(), filesPath(parent), this);
     treeModel = m_model.get();
     m_ui->tvObj->setModel(treeModel);
     m_ui->tvObj->setColumnWidth(PickColumn::Name, 300);
+    for (QObject* watched :
+         {static_cast<QObject*>(m_ui->tvObj), static_cast<QObject*>(m_ui->tvObj->viewport()),
+          static_cast<QObject*>(m_ui->btnOK), static_cast<QObject*>(m_ui->btnCancel)})
+        watched->installEventFilter(this);
 }
 
 CPopObjectList::~CPopObjectList() {
@@ -74,11 +88,21 @@ void CPopObjectList::showEvent(QShowEvent* event) {
     // A window that the desktop brings back keeps what it shows.
     if (event->spontaneous())
         return;
+    m_isTouched = false;
+    m_ui->btnCancel->setFocus(Qt::OtherFocusReason);
+    load();
+    const QWidget* owner = parentWidget();
+    if (m_isPalette && owner) {
+        const QPoint corner = owner->mapToGlobal(owner->rect().topRight());
+        move(corner.x() - width(), corner.y());
+    }
+}
+
+void CPopObjectList::load() {
     refreshTables();
     clearModel();
     treeModel->setShowFileIcons(false);
-    m_ui->btnCancel->setFocus(Qt::OtherFocusReason);
-
+    m_shown.clear();
     const orvo::ResourceKind* kind = orvo::resourceKind(objectType);
     if (!kind)
         return;
@@ -88,6 +112,7 @@ void CPopObjectList::showEvent(QShowEvent* event) {
     m_ui->tvObj->setColumnHidden(PickColumn::Caption, files);
     orvo::hideColumns(m_ui->tvObj, PickColumn::UserBlock, PickColumn::Blocked);
     treeModel->setObjectType(objectType);
+    showTitle();
     if (files) {
         treeModel->setShowFileIcons(
             orvo::sameText(sourceName, QString::fromLatin1(orvo::iconFolder)));
@@ -96,10 +121,199 @@ void CPopObjectList::showEvent(QShowEvent* event) {
     } else {
         loadTop(objectType);
     }
+    openRemembered();
 }
 
 void CPopObjectList::hideEvent(QHideEvent* event) {
+    if (!event->spontaneous())
+        rememberOpen();
     CPopTemplate::hideEvent(event);
+}
+
+void CPopObjectList::showTitle() {
+    const bool icons = orvo::sameText(sourceName, QString::fromLatin1(orvo::iconFolder));
+    const QString title = objectType == KindModule     ? tr("Выбор модулей АРМ")
+                          : objectType == KindFunction ? tr("Выбор функций АРМ")
+                          : objectType == KindForm ? tr("Выбор форм отображения АРМ")
+                          : icons                  ? tr("Выбор иконок АРМ")
+                                                   : tr("Выбор файлов");
+    setAccessibleName(title);
+    if (QWindow* window = windowHandle())
+        window->setTitle(title);
+}
+
+QString CPopObjectList::listName() const {
+    return QString::number(objectType) + QLatin1Char('/') + sourceName.toLower();
+}
+
+void CPopObjectList::rememberOpen() {
+    if (m_shown.isEmpty())
+        return;
+    QSet<QString>& keys = m_open[m_shown];
+    keys.clear();
+    for (QModelIndex row = treeModel->index(0, 0); row.isValid();
+         row = m_ui->tvObj->indexBelow(row))
+        if (m_ui->tvObj->isExpanded(row))
+            keys << treeModel->getItemKeyLink(row);
+}
+
+void CPopObjectList::openRemembered() {
+    constexpr int few = 100; // rows that a list may have to be shown whole at first
+    m_shown = listName();
+    const auto known = m_open.constFind(m_shown);
+    if (known == m_open.constEnd()) {
+        int rows = 0;
+        const std::function<void(const QModelIndex&)> count = [&](const QModelIndex& parent) {
+            for (int row = 0; row < treeModel->rowCount(parent) && rows <= few; ++row, ++rows)
+                count(treeModel->index(row, 0, parent));
+        };
+        count({});
+        if (rows > few)
+            return;
+        m_ui->tvObj->expandAll();
+    } else {
+        for (QModelIndex row = treeModel->index(0, 0); row.isValid();
+             row = m_ui->tvObj->indexBelow(row))
+            if (known->contains(treeModel->getItemKeyLink(row)))
+                m_ui->tvObj->expand(row);
+    }
+    // What was selected stays in sight.
+    const QModelIndexList selected = m_ui->tvObj->selectionModel()->selectedRows();
+    if (!selected.isEmpty())
+        m_ui->tvObj->scrollTo(selected.first(), QAbstractItemView::PositionAtCenter);
+}
+
+bool CPopObjectList::choose(const QModelIndex& row) {
+    if (!row.isValid() || treeModel->itemIsFolder(row))
+        return false;
+    if (!m_ui->tvObj->selectionModel()->isSelected(row))
+        m_ui->tvObj->selectionModel()->select(row, QItemSelectionModel::ClearAndSelect |
+                                                       QItemSelectionModel::Rows);
+    on_btnOK_clicked();
+    return true;
+}
+
+void CPopObjectList::setPalette(bool on) {
+    m_isPalette = on;
+    setProperty("orvoPalette", on);
+}
+
+void CPopObjectList::changeEvent(QEvent* event) {
+    CPopTemplate::changeEvent(event);
+    if (event->type() != QEvent::ActivationChange || !m_isPalette || !isActiveWindow() ||
+        m_shown.isEmpty())
+        return;
+    const QString current = treeModel->getItemKeyLink(m_ui->tvObj->currentIndex());
+    rememberOpen();
+    load();
+    const QModelIndex row = treeModel->findIndexByKey(current);
+    if (row.isValid())
+        m_ui->tvObj->setCurrentIndex(row);
+}
+
+bool CPopObjectList::treeMouse(QEvent* event) {
+    const auto* mouse = static_cast<QMouseEvent*>(event);
+    const QModelIndex row = m_ui->tvObj->indexAt(mouse->pos()).siblingAtColumn(PickColumn::Name);
+    switch (event->type()) {
+    case QEvent::MouseButtonDblClick:
+        m_mayDrag = false;
+        return mouse->button() == Qt::LeftButton && choose(row);
+    case QEvent::MouseButtonPress:
+        m_mayDrag = mouse->button() == Qt::LeftButton && mouse->modifiers() == Qt::NoModifier &&
+                    row.isValid() && !treeModel->itemIsFolder(row) && objectType != KindFile;
+        m_pressed = mouse->pos();
+        // What is selected already is dragged together.
+        return m_mayDrag && m_ui->tvObj->selectionModel()->isSelected(row) &&
+               m_ui->tvObj->selectionModel()->selectedRows().size() > 1;
+    case QEvent::MouseMove:
+        if (!m_mayDrag || !(mouse->buttons() & Qt::LeftButton))
+            return false;
+        if ((mouse->pos() - m_pressed).manhattanLength() >= QApplication::startDragDistance()) {
+            m_mayDrag = false;
+            startDrag();
+        }
+        return true;
+    default:
+        return false;
+    }
+}
+
+void CPopObjectList::startDrag() {
+    QByteArray keys;
+    for (const QModelIndex& row : m_ui->tvObj->selectionModel()->selectedRows(PickColumn::Name))
+        if (!treeModel->itemIsFolder(row))
+            keys += treeModel->getItemKeyLink(row).toUtf8() + ';';
+    if (keys.isEmpty())
+        return;
+    auto* dragged = new QMimeData; // the drag's
+    dragged->setData(QLatin1String(pickedMime), keys);
+    auto* drag = new QDrag(m_ui->tvObj); // deletes itself
+    drag->setMimeData(dragged);
+    drag->exec(Qt::CopyAction);
+}
+
+bool CPopObjectList::treeKey(QKeyEvent& event) {
+    QTreeView* tree = m_ui->tvObj;
+    if (event.key() != Qt::Key_Return && event.key() != Qt::Key_Enter)
+        return false;
+    const QModelIndexList selected = tree->selectionModel()->selectedRows();
+    const QModelIndex row =
+        selected.contains(tree->currentIndex().siblingAtColumn(0)) || selected.isEmpty()
+            ? tree->currentIndex().siblingAtColumn(0)
+            : selected.first();
+    if (row.isValid() && !choose(row))
+        tree->setExpanded(row, !tree->isExpanded(row));
+    return true;
+}
+
+bool CPopObjectList::eventFilter(QObject* watched, QEvent* event) {
+    QTreeView* tree = m_ui->tvObj;
+    if (watched == tree->viewport())
+        switch (event->type()) {
+        case QEvent::MouseButtonDblClick:
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseMove:
+            return treeMouse(event);
+        default:
+            return false;
+        }
+    if (event->type() != QEvent::KeyPress)
+        return CPopTemplate::eventFilter(watched, event);
+    auto& key = *static_cast<QKeyEvent*>(event);
+    if (watched == tree)
+        return treeKey(key);
+    switch (key.key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        // On a button that the user went to it is that button; at first Cancel merely has the
+        // focus.
+        if (m_isTouched || watched == m_ui->btnOK) {
+            static_cast<QAbstractButton*>(watched)->click();
+            return true;
+        }
+        return treeKey(key);
+    case Qt::Key_Tab:
+    case Qt::Key_Backtab:
+        m_isTouched = true;
+        return false;
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+    case Qt::Key_Home:
+    case Qt::Key_End: {
+        // A tree that gets the focus makes its first row current by itself.
+        const bool isFirst = !tree->currentIndex().isValid();
+        tree->setFocus(Qt::OtherFocusReason);
+        if (isFirst)
+            tree->setCurrentIndex(treeModel->index(0, 0));
+        else
+            QCoreApplication::sendEvent(tree, event);
+        return true;
+    }
+    default:
+        return false;
+    }
 }
 
 void CPopObjectList::refreshTables() {
@@ -139,7 +353,8 @@ void CPopObjectList::on_btnOK_clicked() {
     chosenKey = first.sibling(first.row(), PickColumn::KeyLink).data().toString();
     chosenName = first.sibling(first.row(), PickColumn::Name).data().toString();
     emit btnOK_pressed();
-    hide();
+    if (!m_isPalette)
+        hide();
 }
 
 void CPopObjectList::on_btnCancel_clicked() {
@@ -244,6 +459,8 @@ void CPopObjectList::preselect(int type) {
                             return true;
                         chosenKey = key;
                         m_ui->tvObj->scrollTo(row, QAbstractItemView::EnsureVisible);
+                        m_ui->tvObj->selectionModel()->setCurrentIndex(
+                            row, QItemSelectionModel::NoUpdate); // keys go on from there
                         m_ui->tvObj->selectionModel()->select(row, QItemSelectionModel::Select |
                                                                        QItemSelectionModel::Rows);
                         return false;

@@ -4,7 +4,9 @@
 // The owner makes it once, sets objectType, multipleChoice, sourceName and chosenName, and shows
 // it. Each showing copies the owner's tables afresh and asks the server nothing. On OK the result
 // stands in chosenKey and chosenName, btnOK_pressed() is emitted while the selection of tvObj still
-// stands, and the pop-up hides.
+// stands, and the pop-up hides. A double click or Enter on a resource is OK; on a folder it opens
+// that. Keys that walk through a list go to the tree, whichever button has the focus. The folders
+// that were open are opened again when the same kind is shown next; at first all, if they are few.
 #ifndef ORVO_PICKER_POPOBJECTLIST_H
 #define ORVO_PICKER_POPOBJECTLIST_H
 
@@ -12,10 +14,14 @@
 #include "frame/Vocabulary.h"
 #include "models/PopTreeModel.h"
 
+#include <QMap>
+#include <QPoint>
+#include <QSet>
 #include <QString>
 
 #include <memory>
 
+class QKeyEvent;
 class QMainWindow;
 class QTextCodec;
 class QTreeView;
@@ -23,6 +29,9 @@ class QTreeView;
 QT_BEGIN_NAMESPACE
 class Ui_CPopObjectList;
 QT_END_NAMESPACE
+
+/// What a drag out of the picker bears: the keys of resources, each followed by ";".
+inline constexpr char pickedMime[] = "OrvoMenu/resources/picked";
 
 class CPopObjectList : public CPopTemplate {
     Q_OBJECT
@@ -58,6 +67,12 @@ public:
     /// Reloads the list and shows the pop-up in front of its window, also if it is open already.
     void reloadAndShow();
 
+    /// A palette: it stands beside the middle of its window, stays after OK, and holds up no
+    /// changes of others; when the user comes back to it, it lists what there is then. To be set
+    /// before the show.
+    void setPalette(bool on);
+    bool isPalette() const { return m_isPalette; }
+
     void refreshTables();
     void clearModel();
     void loadItems(const QString& key);
@@ -73,14 +88,33 @@ signals:
     void btnOK_pressed();
 
 public slots:
+    /// Hides the pop-up, unless it is a palette.
     void on_btnOK_clicked();
     void on_btnCancel_clicked();
 
 protected:
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    /// OK if the row is a resource. False for a folder.
+    bool choose(const QModelIndex& row);
+    bool treeKey(QKeyEvent& event);
+    bool treeMouse(QEvent* event);
+    /// Fills the tree for the kind that is set.
+    void load();
+    /// Drags the selected resources, for the owner's tree to make elements of.
+    void startDrag();
+    /// Shows what is listed as the title on the screen. The title that the owner has set is that of
+    /// the last passport row, and stays.
+    void showTitle();
+    /// By what the list of a kind is remembered.
+    QString listName() const;
+    void rememberOpen();
+    void openRemembered();
+
     /// The folder below the root of its kind with that caption; a null string if there is none.
     /// `found` tells whether the seek gave a position at all.
     QString rootFolder(int type, const QString& caption, bool* found) const;
@@ -93,6 +127,12 @@ private:
     void preselect(int type);
 
     std::unique_ptr<PopTreeModel> m_model;
+    QMap<QString, QSet<QString>> m_open; ///< by list: keys of the folders that were open
+    QString m_shown;                     ///< list that the tree has; empty: none
+    bool m_isPalette = false;
+    QPoint m_pressed; ///< where the mouse went down on a resource, in the viewport
+    bool m_mayDrag = false;
+    bool m_isTouched = false; ///< the user has gone to a button by Tab
 };
 
 #endif

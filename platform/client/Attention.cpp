@@ -10,7 +10,7 @@ namespace {
 bool hasOpenPicker(const COrvoCliMod& module) {
     for (const CPopTemplate* pop :
          module.findChildren<CPopTemplate*>(QString(), Qt::FindDirectChildrenOnly))
-        if (!pop->isHidden())
+        if (!pop->isHidden() && !pop->property("orvoPalette").toBool())
             return true;
     return false;
 }

@@ -11,6 +11,7 @@
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QSignalSpy>
+#include <QWindow>
 
 using namespace orvo::test;
 
@@ -661,6 +662,101 @@ private slots:
             list.show();
             QCOMPARE(list.treeModel->rowCount(), 0);
         }
+    }
+
+    // ---------------------------------------------------------------------------------------------
+    // What saves clicks
+
+    void aDoubleClickChooses() {
+        Picker picker;
+        picker.show(CPopObjectList::KindModule);
+        QTreeView* tree = picker->tvObj();
+        const auto doubleClick = [&](const char* key) {
+            const QModelIndex row = picker->treeModel->findIndexByKey(QString(key));
+            tree->scrollTo(row);
+            const QPoint at = tree->visualRect(row).center();
+            QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, at);
+            QTest::mouseDClick(tree->viewport(), Qt::LeftButton, {}, at);
+        };
+        doubleClick("fzeta"); // a folder opens and closes
+        QCOMPARE(picker.picked->size(), 0);
+        QVERIFY(picker->isVisible());
+        doubleClick("m1");
+        QCOMPARE(picker.picked->size(), 1);
+        QCOMPARE(picker->chosenKey, QString("m1"));
+        QVERIFY(!picker->isVisible());
+    }
+
+    void keysWalkFromTheButtonIntoTheListAndChoose() {
+        Picker picker;
+        picker.show(CPopObjectList::KindModule);
+        QPushButton* cancel = picker.button("btnCancel");
+        QTest::keyClick(cancel, Qt::Key_Down);
+        QTreeView* tree = picker->tvObj();
+        QCOMPARE(picker->treeModel->getItemKeyLink(tree->currentIndex()), QString("farch"));
+        for (const char* below : {"fdeep", "m5"}) {
+            QTest::keyClick(tree, Qt::Key_Down);
+            QCOMPARE(picker->treeModel->getItemKeyLink(tree->currentIndex()), QString(below));
+        }
+        QTest::keyClick(tree, Qt::Key_Return);
+        QCOMPARE(picker.picked->size(), 1);
+        QCOMPARE(picker->chosenKey, QString("m5"));
+    }
+
+    void enterTakesWhatIsOffered() {
+        Picker picker;
+        picker.show(CPopObjectList::KindModule, "Trend");
+        QTest::keyClick(picker.button("btnCancel"), Qt::Key_Return);
+        QCOMPARE(picker->chosenKey, QString("m1"));
+        QCOMPARE(picker.picked->size(), 1);
+        // Who has gone to a button by Tab means that button.
+        picker.show(CPopObjectList::KindModule, "Trend");
+        QTest::keyClick(picker.button("btnOK"), Qt::Key_Tab);
+        QTest::keyClick(picker.button("btnCancel"), Qt::Key_Return);
+        QCOMPARE(picker.picked->size(), 1);
+        QVERIFY(!picker->isVisible());
+    }
+
+    void foldersThatWereOpenAreOpenAgain() {
+        Picker picker;
+        picker.show(CPopObjectList::KindModule);
+        const auto open = [&] {
+            QStringList keys;
+            for (const char* key : {"farch", "fdeep", "fzeta"})
+                if (picker->tvObj()->isExpanded(picker->treeModel->findIndexByKey(QString(key))))
+                    keys << key;
+            return keys.join(' ');
+        };
+        QCOMPARE(open(), QString("farch fdeep fzeta")); // few rows: all at first
+        picker->tvObj()->collapse(picker->treeModel->findIndexByKey("fzeta"));
+        picker.show(CPopObjectList::KindFunction);
+        picker.show(CPopObjectList::KindModule);
+        QCOMPARE(open(), QString("farch fdeep"));
+    }
+
+    void theTitleOnTheScreenIsThatOfTheKind() {
+        Picker picker;
+        const std::pair<int, const char*> kinds[] = {
+            {CPopObjectList::KindModule, "Выбор модулей АРМ"},
+            {CPopObjectList::KindFunction, "Выбор функций АРМ"},
+            {CPopObjectList::KindForm, "Выбор форм отображения АРМ"}};
+        for (const auto& [kind, title] : kinds) {
+            picker.show(kind);
+            QCOMPARE(picker->windowHandle()->title(), QString(title));
+            QCOMPARE(picker->windowTitle(), QString("Выбор ресурса")); // the owner's to set
+        }
+    }
+
+    void aPaletteStaysAndListsWhatIsNew() {
+        Picker picker;
+        picker->setPalette(true);
+        picker.show(CPopObjectList::KindModule);
+        picker.click("m1");
+        picker.ok();
+        QCOMPARE(picker.picked->size(), 1);
+        QVERIFY(picker->isVisible());
+        picker.cancel();
+        QVERIFY(!picker->isVisible());
     }
 };
 
