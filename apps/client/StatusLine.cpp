@@ -2,6 +2,7 @@
 
 #include "apps/client/Look.h"
 
+#include <QEvent>
 #include <QLabel>
 #include <QLocale>
 #include <QTime>
@@ -50,6 +51,7 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
     , m_failure(new QToolButton(this))
     , m_store(store) {
     m_light->setFixedSize(10, 10);
+    m_light->setAccessibleName(QStringLiteral("Связь с хранилищем"));
     m_storeLabel->setObjectName(QStringLiteral("storeLabel"));
     m_userLabel->setObjectName(QStringLiteral("userLabel"));
     m_connection->setObjectName(QStringLiteral("connectionLabel"));
@@ -178,6 +180,7 @@ void StatusLine::setDone(const QString& text) {
 void StatusLine::setFailure(const QString& text) {
     ++m_count;
     m_text = clipped(text.simplified());
+    m_newest = text;
     fitFailure();
     m_failure->setToolTip(plainToolTip(
         QTime::currentTime().toString(QStringLiteral("HH:mm:ss")) + QStringLiteral("  ") + text,
@@ -207,9 +210,43 @@ void StatusLine::resizeEvent(QResizeEvent* event) {
 }
 
 void StatusLine::acknowledge() {
+    const bool isCut = m_text != m_newest || !m_failure->text().startsWith(QString(m_text).replace(
+                                                 QLatin1Char('&'), QLatin1String("&&")));
+    if (isCut)
+        showWhole(m_newest);
     m_failure->hide();
     m_text.clear();
     m_count = 0;
+}
+
+void StatusLine::showWhole(const QString& text) {
+    constexpr int widest = 700, gap = 8;
+    if (!m_whole) {
+        m_whole = new QLabel(window());
+        m_whole->setObjectName(QStringLiteral("wholeFailure"));
+        m_whole->setAccessibleName(QStringLiteral("Сообщение о сбое"));
+        m_whole->setTextFormat(Qt::PlainText);
+        m_whole->setWordWrap(true);
+        m_whole->setCursor(Qt::PointingHandCursor);
+        m_whole->setToolTip(QStringLiteral("Щёлкните, чтобы убрать"));
+        m_whole->setStyleSheet(QStringLiteral("background:#fbe9e7;color:#9c2a20;padding:8px;"
+                                              "border:1px solid #e0a49d;border-radius:4px"));
+        m_whole->installEventFilter(this);
+    }
+    m_whole->setText(text);
+    const int width = std::min(widest, window()->width() - 2 * gap);
+    m_whole->resize(width, m_whole->heightForWidth(width));
+    const QPoint corner = mapTo(window(), QPoint(this->width() - gap, -gap));
+    m_whole->move(corner.x() - width, std::max(0, corner.y() - m_whole->height()));
+    m_whole->show();
+    m_whole->raise();
+}
+
+bool StatusLine::eventFilter(QObject* watched, QEvent* event) {
+    if (watched != m_whole || event->type() != QEvent::MouseButtonPress)
+        return QStatusBar::eventFilter(watched, event);
+    m_whole->hide();
+    return true;
 }
 
 } // namespace orvo::app

@@ -2,6 +2,7 @@
 #ifndef ORVO_APPS_CLIENT_STATUSLINE_H
 #define ORVO_APPS_CLIENT_STATUSLINE_H
 
+#include <QPointer>
 #include <QStatusBar>
 #include <QTimer>
 
@@ -34,7 +35,8 @@ public:
     void setReadOnly(const QString& why);
     /// Shows for a while what was done.
     void setDone(const QString& text);
-    /// Shows a failure, which stays until the user clicks it; later ones are counted with it.
+    /// Shows a failure, which stays until the user clicks it; later ones are counted with it. A
+    /// text that did not fit is shown whole then.
     void setFailure(const QString& text);
     /// The failure on show, without the count; empty if none.
     QString failure() const { return m_text; }
@@ -47,10 +49,13 @@ signals:
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void fitFailure();
     void acknowledge();
+    /// Shows a text that the line has no room for, above the line, until it is clicked.
+    void showWhole(const QString& text);
 
     QLabel* m_light; // these: children of the bar
     QLabel* m_connection;
@@ -63,10 +68,12 @@ private:
     QToolButton* m_problems;
     QLabel* m_done;
     QToolButton* m_failure;
+    QPointer<QLabel> m_whole; ///< child of the window, made when first needed
     QTimer m_doneTime;
     const QString m_store;
     QString m_since; ///< time of the loss; empty: connected
     QString m_text;
+    QString m_newest; ///< the newest failure, whole
     int m_count = 0;
 };
 

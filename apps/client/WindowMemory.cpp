@@ -1,11 +1,13 @@
 #include "apps/client/WindowMemory.h"
 
 #include <QCryptographicHash>
+#include <QEvent>
 #include <QHeaderView>
 #include <QMainWindow>
 #include <QSet>
 #include <QSettings>
 #include <QSplitter>
+#include <QTimer>
 #include <QTreeView>
 
 #include <algorithm>
@@ -138,6 +140,49 @@ void choose(QTreeView& tree, const QStringList& path) {
     tree.scrollTo(found);
 }
 
+/// All columns with a title become visible at once: the widest give way.
+void fitColumns(QTreeView& tree) {
+    constexpr int least = 140;
+    QHeaderView& header = *tree.header();
+    if (header.isHidden() || header.count() == 0)
+        return;
+    for (int step = 0; step < header.count(); ++step) {
+        int needed = 0, widest = -1;
+        for (int column = 0; column < header.count(); ++column) {
+            if (header.isSectionHidden(column))
+                continue;
+            const bool own = hasOwnWidth(header, column);
+            needed += own ? header.sectionSize(column) : header.sectionSizeHint(column);
+            if (own && (widest < 0 || header.sectionSize(column) > header.sectionSize(widest)))
+                widest = column;
+        }
+        const int excess = needed - tree.viewport()->width();
+        if (excess <= 0 || widest < 0 || header.sectionSize(widest) <= least)
+            return;
+        // The two widest share what is too much.
+        header.resizeSection(widest, std::max(least, header.sectionSize(widest) -
+                                                         (step == 0 ? (excess + 1) / 2 : excess)));
+    }
+}
+
+/// Does so when the tree is first on the screen: its width is known then.
+class FitWhenShown : public QObject {
+public:
+    explicit FitWhenShown(QTreeView* tree) : QObject(tree) { tree->installEventFilter(this); }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Show) {
+            watched->removeEventFilter(this);
+            QTimer::singleShot(0, this, [this, watched] {
+                fitColumns(*static_cast<QTreeView*>(watched));
+                deleteLater();
+            });
+        }
+        return false;
+    }
+};
+
 } // namespace
 
 QSettings clientSettings() {
@@ -215,8 +260,15 @@ void WindowMemory::saveModule(const QString& name, const QWidget& module) const 
 void WindowMemory::restoreModule(const QString& name, QWidget& module) const {
     QSettings settings = clientSettings();
     settings.beginGroup(m_group);
-    if (!settings.childGroups().contains(name))
+    if (!settings.childGroups().contains(name)) {
+        for (QTreeView* tree : treesOf(module)) {
+            if (tree->isVisible())
+                fitColumns(*tree);
+            else
+                new FitWhenShown(tree); // the tree's child
+        }
         return;
+    }
     settings.beginGroup(name);
     for (QSplitter* splitter : module.findChildren<QSplitter*>())
         splitter->restoreState(settings.value(splitter->objectName()).toByteArray());
