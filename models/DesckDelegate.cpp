@@ -24,6 +24,7 @@ QWidget* DesckDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem
     if (!isNameCell(index))
         return nullptr;
     auto* editor = new QLineEdit(parent);
+    editor->setAccessibleName(QStringLiteral("Имя"));
     orvo::RecordTextValidator::install(editor);
     connect(editor, &QLineEdit::textChanged, this, &DesckDelegate::commitEditorData);
     return editor;

@@ -45,6 +45,12 @@ QVariant MenuTreeModel::data(const QModelIndex& index, int role) const {
     }
 }
 
+QVariant MenuTreeModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (role == Qt::AccessibleTextRole && orientation == Qt::Horizontal && section == Caption)
+        return QStringLiteral("Наименование");
+    return TreeModelCore::headerData(section, orientation, role);
+}
+
 QVariant MenuTreeModel::decoration(const TabRec& row) const {
     if (row.level() == 0)
         return m_icons.resource(QStringLiteral(":/res/menu1.png"));

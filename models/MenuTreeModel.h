@@ -20,6 +20,9 @@ public:
     MenuTreeModel(const QStringList& headers, const QString& iconsPath, QObject* parent = nullptr);
 
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+    /// As in the core; screen readers get a word for the first column, whose title is blank.
+    QVariant headerData(int section, Qt::Orientation orientation,
+                        int role = Qt::DisplayRole) const override;
     bool hasChildren(const QModelIndex& parent = {}) const override { return rowCount(parent) > 0; }
     /// Moves the values of rows from one parent to another; rows below them are lost. False within
     /// one parent. Unused; the published interface has this operation.

@@ -8,6 +8,7 @@ MyButtonEdit::MyButtonEdit(const QModelIndex& index, QWidget* parent)
     , m_index(index) {
     setWindowFlags(Qt::WindowFlags());
     m_button->setText(QStringLiteral("..."));
+    m_button->setAccessibleName(QStringLiteral("Выбрать"));
     connect(m_button, &QToolButton::clicked, this, &MyButtonEdit::pressButton);
     connect(this, &QLineEdit::textEdited, this, &MyButtonEdit::OnTextEdited);
     connect(this, &QLineEdit::returnPressed, this, &MyButtonEdit::OnReturnPressed);

@@ -53,9 +53,12 @@ QWidget* PasspDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem
                                      const QModelIndex& index) const {
     if (!isValueCell(index))
         return nullptr;
+    // A screen reader names a field by the row's caption.
+    const QString caption = cell(index, 0).toString();
     switch (editorType(index)) {
     case MyEditorLine: {
         auto* line = new QLineEdit(parent);
+        line->setAccessibleName(caption);
         line->setReadOnly(cell(index, 3).toBool());
         orvo::RecordTextValidator::install(line);
         connect(line, &QLineEdit::textChanged, this, &PasspDelegate::commitEditorData);
@@ -63,6 +66,7 @@ QWidget* PasspDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem
     }
     case MyEditorCombo: {
         auto* combo = new QComboBox(parent);
+        combo->setAccessibleName(caption);
         if (const QComboBox* entries = m_model->getComboBox(index)) {
             for (int i = 0; i < entries->count(); ++i)
                 combo->addItem(entries->itemText(i), entries->itemData(i, Qt::UserRole));
@@ -73,12 +77,13 @@ QWidget* PasspDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem
     }
     case MyEditorCheck: {
         auto* check = new QCheckBox(parent);
+        check->setAccessibleName(caption);
         connect(check, &QCheckBox::stateChanged, this, &PasspDelegate::commitEditorData);
         // The owner hears of the new value at once. Should it show another passport upon that, the
         // view must not go on with this cell.
-        const QPersistentModelIndex cell = index;
+        const QPersistentModelIndex shown = index;
         m_model->setData(index, !index.data(Qt::DisplayRole).toBool(), Qt::EditRole);
-        if (!cell.isValid()) {
+        if (!shown.isValid()) {
             delete check;
             return nullptr;
         }
@@ -86,6 +91,7 @@ QWidget* PasspDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem
     }
     case MyEditorButton: {
         auto* edit = new MyButtonEdit(index, parent);
+        edit->setAccessibleName(caption);
         connect(edit, &MyButtonEdit::signPressButton, this, &PasspDelegate::OnPressButton);
         connect(edit, &MyButtonEdit::signClearText, this, &PasspDelegate::OnSignClearText);
         return edit;

@@ -35,6 +35,10 @@ QVariant PropModel::data(const QModelIndex& index, int role) const {
     case Qt::ForegroundRole:
         return index.column() == Value && row.data(ReadOnly).toBool() ? QColor(0x80, 0x80, 0x80)
                                                                       : QVariant();
+    case Qt::AccessibleTextRole:
+        if (index.column() != Value || row.data(Editor).toInt() != MyEditorCheck || !isEditRow(row))
+            return {};
+        return row.data(Value).toBool() ? QStringLiteral("да") : QStringLiteral("нет");
     case orvo::KeyRole:
         return row.data(Name);
     default:

@@ -51,6 +51,8 @@ DesktopDialog::DesktopDialog(QWidget* parent)
     setWindowTitle(QStringLiteral("Рабочий стол"));
     m_search->setObjectName(QStringLiteral("desktopSearch"));
     m_search->setPlaceholderText(QStringLiteral("Поиск..."));
+    m_search->setAccessibleName(QStringLiteral("Поиск рабочего стола"));
+    m_list->setAccessibleName(QStringLiteral("Рабочие столы"));
     m_search->setClearButtonEnabled(true);
     m_list->setObjectName(QStringLiteral("desktopList"));
     m_list->setUniformItemSizes(true);

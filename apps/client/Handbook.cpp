@@ -42,6 +42,7 @@ Handbook::Handbook(QWidget* parent)
     setObjectName(QStringLiteral("handbook"));
     setWindowTitle(QStringLiteral("Руководство"));
     m_browser->setObjectName(QStringLiteral("handbookText"));
+    m_browser->setAccessibleName(QStringLiteral("Текст руководства"));
     auto* bar = new QToolBar(this);
     QAction* back = bar->addAction(QStringLiteral("Назад"), m_browser, &QTextBrowser::backward);
     QAction* forward = bar->addAction(QStringLiteral("Вперёд"), m_browser, &QTextBrowser::forward);

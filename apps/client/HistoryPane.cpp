@@ -64,6 +64,11 @@ HistoryPane::HistoryPane(StoreThread& thread, const QString& login, bool mayWrit
     , m_backMenu(new QMenu(this)) {
     setObjectName(QStringLiteral("historyPane"));
     m_view->setObjectName(QStringLiteral("historyTree"));
+    m_view->setAccessibleName(QStringLiteral("История изменений"));
+    m_who->setAccessibleName(QStringLiteral("Кто изменил"));
+    m_since->setAccessibleName(QStringLiteral("За какое время"));
+    m_text->setAccessibleName(QStringLiteral("Поиск в истории"));
+    m_scopeButton->setAccessibleName(QStringLiteral("О чём история"));
     m_view->setModel(&m_feed.model());
     m_view->setUniformRowHeights(true);
     m_view->setAlternatingRowColors(true);

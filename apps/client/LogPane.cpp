@@ -13,6 +13,7 @@ namespace orvo::app {
 
 LogPane::LogPane(QWidget* parent) : QTreeWidget(parent) {
     setObjectName(QStringLiteral("logPane"));
+    setAccessibleName(QStringLiteral("Журнал"));
     setHeaderLabels(
         {QStringLiteral("Время"), QStringLiteral("Место"), QStringLiteral("Сообщение")});
     setRootIsDecorated(false);

@@ -70,6 +70,7 @@ bool ModuleTabs::setTitle(QWidget* page, const QString& title) {
         return false;
     const QString changed = page->property(changedProperty).toString();
     page->setWindowTitle(title);
+    page->setAccessibleName(title);
     setTabText(index, oneLine(title).replace(QLatin1Char('&'), QLatin1String("&&")) +
                           (changed.isEmpty() ? QString() : QStringLiteral(" ●")));
     setTabToolTip(index, plainToolTip(changed));

@@ -56,6 +56,8 @@ RevertDialog::RevertDialog(const QString& title, QWidget* parent)
     m_others->setObjectName(QStringLiteral("revertOthers"));
     m_writes->setHeaderLabels(
         {QStringLiteral("Что"), QStringLiteral("Сейчас"), QStringLiteral("Станет")});
+    m_writes->setAccessibleName(QStringLiteral("Что изменится"));
+    m_left->setAccessibleName(QStringLiteral("Останется как есть"));
     m_writes->setAlternatingRowColors(true);
     m_writes->header()->setStretchLastSection(false);
     m_writes->header()->setSectionResizeMode(What, QHeaderView::Stretch);
@@ -99,6 +101,7 @@ void RevertDialog::addPlace(const RevertPlan::Place& place) {
         return;
     auto* box = new QComboBox(this);
     box->setObjectName(QStringLiteral("revertPlace%1").arg(m_places.size()));
+    box->setAccessibleName(QStringLiteral("Куда вернуть"));
     box->setMaxVisibleItems(20);
     box->addItem(QStringLiteral("не возвращать"));
     if (place.top)

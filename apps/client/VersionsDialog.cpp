@@ -104,6 +104,7 @@ VersionsDialog::VersionsDialog(StoreThread& thread, const QString& resource, boo
     setWindowTitle(QStringLiteral("Прежние версии"));
     setAttribute(Qt::WA_DeleteOnClose);
     m_list->setObjectName(QStringLiteral("versionsList"));
+    m_list->setAccessibleName(QStringLiteral("Прежние версии"));
     m_list->setRootIsDecorated(false);
     m_list->setAlternatingRowColors(true);
     m_list->setHeaderLabels({QStringLiteral("Файл"), QStringLiteral("Дата файла"),
