@@ -1,8 +1,9 @@
 // The passport of an editor's window, and the picker of its icon row.
 #include "editor/EditorWindow.h"
 
-#include "editor/PassportKeys.h"
+#include "frame/CommonFunctions.h"
 #include "frame/Records.h"
+#include "frame/ScratchTable.h"
 #include "frame/ViewRows.h"
 #include "frame/WindowParts.h"
 #include "picker/PopObjectList.h"
@@ -15,6 +16,7 @@ namespace {
 
 constexpr char iconRow[] = "icon";
 constexpr int valueColumn = 1;
+constexpr int nameColumn = 4;
 
 } // namespace
 
@@ -23,7 +25,7 @@ void EditorWindow::arrangePassport(QTreeView* view) {
     m_propModel = std::make_unique<PropModel>(passportColumns(), iconsPath(*this), this);
     view->setModel(m_propModel.get());
     orvo::arrangePassport(view);
-    passFlagsByKeys(view);
+    m_passportKeys = new PassportKeys(view);
     followExpansion(view, m_propModel.get());
     m_passpDelegate = std::make_unique<PasspDelegate>(m_propModel.get(), this);
     view->setItemDelegate(m_passpDelegate.get());
@@ -65,6 +67,45 @@ void EditorWindow::refreshPassport(const QModelIndex& row, const RecordFields& f
             m_passpDelegate->setEditorData(editor, cell);
     }
     m_passportView->viewport()->update();
+}
+
+const RecordField* EditorWindow::editedField(const RecordFields& fields, const QString& row) {
+    for (const RecordField& field : fields)
+        if (field.isEditable() && sameText(row, QString::fromLatin1(field.passport.row)))
+            return &field;
+    return nullptr;
+}
+
+void EditorWindow::bindApplyToAll(const std::function<SelectedRecords()>& selected,
+                                  const QStringList& singular) {
+    const auto rowName = [this] {
+        return m_passportView->currentIndex().siblingAtColumn(nameColumn).data().toString();
+    };
+    const auto may = [this, selected, singular, rowName] {
+        const SelectedRecords all = selected();
+        return m_app->m_mayWrite && all.rows.size() > 1 &&
+               !singular.contains(rowName(), Qt::CaseInsensitive) &&
+               editedField(*all.fields, rowName());
+    };
+    const auto apply = [this, selected, rowName] {
+        const SelectedRecords all = selected();
+        const RecordField* field = editedField(*all.fields, rowName());
+        const QVariant value = m_propModel->getRowValue(rowName());
+        if (!ModEditText().isEmpty() && !ModEditSave())
+            return;
+        ScratchTable out(*m_app->m_session, all.table);
+        if (!out.fetch())
+            return;
+        for (const auto& [key, kind] : all.rows)
+            if ((field->passport.on & kind) != 0) {
+                RowWriter record = out.add(MDX_UPDATE);
+                record.text(orvo::field::KeyLink, key);
+                field->write(record, value);
+            }
+        if (!out.isEmpty())
+            out.send();
+    };
+    m_commands->bind(keys::applyToAll, m_passportView, nullptr, apply, may, true);
 }
 
 CPopObjectList* EditorWindow::picker() {

@@ -7,20 +7,31 @@
 #include "frame/ViewRows.h"
 #include "frame/WindowParts.h"
 
+#include <QAction>
+#include <QApplication>
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QItemSelectionModel>
+#include <QMenu>
 #include <QMessageBox>
+#include <QPointer>
 #include <QScopedValueRollback>
+#include <QToolBar>
 #include <QToolButton>
 #include <QTreeView>
+
+#include <utility>
 
 namespace orvo::editor {
 
 EditorWindow::EditorWindow(COrvoCliApp* app)
     : COrvoCliMod(app)
     , m_codec(recordCodec())
-    , m_clipboard(QGuiApplication::clipboard()) {
+    , m_clipboard(QGuiApplication::clipboard())
+    , m_commands(new Commands(
+          this, {.isEditing = [this] { return !ModEditText().isEmpty(); },
+                 .enable = [this](QTreeView* pane) { enableActions(pane); },
+                 .finishEdit = [this] { return ModEditText().isEmpty() || ModEditSave(); }})) {
     connect(m_clipboard, &QClipboard::dataChanged, this, &EditorWindow::on_clipboardDataChanged);
 }
 
@@ -29,6 +40,7 @@ EditorWindow::~EditorWindow() {
 }
 
 void EditorWindow::destroyViews() {
+    delete std::exchange(m_commands, nullptr); // it looks at the focus, which goes with the views
     disconnect(m_clipboard, nullptr, this, nullptr);
     for (const QTreeView* view : findChildren<QTreeView*>())
         if (view->selectionModel())
@@ -38,9 +50,109 @@ void EditorWindow::destroyViews() {
 
 void EditorWindow::makeEditButtons() {
     m_btnSave = makeToolButton(this, "checkin1", translated("Сохранить"));
+    m_btnSave->setObjectName(QStringLiteral("saveButton"));
+    Commands::addKeys(m_btnSave, m_btnSave->text(), keys::save);
     connect(m_btnSave, &QToolButton::pressed, this, &EditorWindow::on_save_pressed);
     m_btnCancel = makeToolButton(this, "cancel1", translated("Не сохранять"));
+    m_btnCancel->setObjectName(QStringLiteral("cancelButton"));
+    Commands::addKeys(m_btnCancel, m_btnCancel->text(), keys::cancel);
     connect(m_btnCancel, &QToolButton::pressed, this, &EditorWindow::on_cancel_pressed);
+}
+
+void EditorWindow::bindEditCommands(const std::vector<QTreeView*>& trees) {
+    auto* save = new QAction(image("checkin1"), translated("Сохранить"), this);
+    save->setObjectName(QStringLiteral("saveEdit"));
+    save->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    addAction(save);
+    m_commands->bind(keys::save, nullptr, save);
+    connect(save, &QAction::triggered, this, &EditorWindow::on_save_pressed);
+    const auto follow = [this, save] { save->setEnabled(m_btnSave->isEnabled()); };
+    connect(this, &EditorWindow::editStateChanged, save, follow);
+    follow();
+
+    const auto isEditing = [this] { return m_btnCancel->isEnabled(); };
+    // Once the edit has ended, and again when its own change has come back: a new row is known to
+    // be saved then.
+    m_panes = trees;
+    m_afterEdit.setSingleShot(true);
+    m_afterEdit.setInterval(0);
+    connect(&m_afterEdit, &QTimer::timeout, this, &EditorWindow::enableAfterEdit);
+    connect(this, &EditorWindow::editStateChanged, &m_afterEdit, [this] {
+        if (!m_btnSave->isEnabled())
+            m_afterEdit.start();
+    });
+
+    std::vector<QTreeView*> panes = trees;
+    panes.push_back(m_passportView);
+    for (QTreeView* pane : panes)
+        m_commands->bind(
+            keys::cancel, pane, nullptr, [this] { on_cancel_pressed(); }, isEditing, true);
+    PassportKeys* fields = m_passportKeys;
+    m_commands->bind(
+        keys::rename, m_passportView, nullptr, [fields] { fields->editValue(); },
+        [fields] { return fields->mayEdit(); }, true);
+    m_commands->bind(
+        keys::choose, m_passportView, nullptr, [fields] { fields->chooseValue(); },
+        [fields] { return fields->mayChoose(); }, true);
+    m_commands->bind(
+        keys::toggle, m_passportView, nullptr, [fields] { fields->toggleValue(); },
+        [fields] { return fields->mayToggle(); }, true);
+    m_commands->showKeysInToolTips();
+}
+
+void EditorWindow::nameForReaders(const QString& passport) {
+    m_passportView->setAccessibleName(passport);
+    for (QToolBar* bar : findChildren<QToolBar*>()) {
+        bar->setAccessibleName(translated("Панель инструментов"));
+        for (QToolButton* button : bar->findChildren<QToolButton*>()) {
+            if (button->text().isEmpty())
+                button->setAccessibleName(button->toolTip());
+            if (button->objectName() == QLatin1String("qt_toolbar_ext_button"))
+                button->setAccessibleName(translated("Ещё"));
+        }
+    }
+}
+
+void EditorWindow::enableAfterEdit() {
+    if (!ModEditText().isEmpty())
+        return;
+    const QWidget* focus = QApplication::focusWidget();
+    const bool inPassport =
+        m_passportView && focus && (focus == m_passportView || m_passportView->isAncestorOf(focus));
+    for (QTreeView* pane : m_panes)
+        if (pane == focus || (inPassport && pane == m_panes.back()))
+            enableActions(pane);
+}
+
+void EditorWindow::slot_modNotify(QString name, QVariant value) {
+    if (name == QLatin1String("menus"))
+        m_commands->refresh();
+    COrvoCliMod::slot_modNotify(name, value);
+}
+
+namespace {
+
+void collectActions(const QMenu& menu, std::vector<std::pair<QPointer<QAction>, bool>>& states) {
+    for (QAction* action : menu.actions()) {
+        states.emplace_back(action, action->isEnabled());
+        if (action->menu())
+            collectActions(*action->menu(), states);
+    }
+}
+
+} // namespace
+
+void EditorWindow::execMenu(QMenu& menu, const QPoint& position) {
+    std::vector<std::pair<QPointer<QAction>, bool>> states;
+    collectActions(menu, states);
+    const auto keep = [&states](const QWidget*, const QWidget* now) {
+        if (qobject_cast<const QMenu*>(now))
+            for (const auto& [action, isOn] : states)
+                if (action)
+                    action->setEnabled(isOn);
+    };
+    connect(qApp, &QApplication::focusChanged, &menu, keep);
+    menu.exec(position);
 }
 
 void EditorWindow::enableEditButtons(bool enabled) {

@@ -21,6 +21,8 @@
 #ifndef ORVO_EDITOR_EDITORWINDOW_H
 #define ORVO_EDITOR_EDITORWINDOW_H
 
+#include "editor/Commands.h"
+#include "editor/PassportKeys.h"
 #include "editor/RecordFields.h"
 #include "editor/TypedValues.h"
 #include "frame/OrvoClient.h"
@@ -30,14 +32,17 @@
 
 #include <QString>
 #include <QStringList>
+#include <QTimer>
 
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 class CPopObjectList;
 class QAbstractButton;
 class QClipboard;
+class QMenu;
 class QTextCodec;
 class QToolButton;
 class QTreeView;
@@ -57,6 +62,9 @@ public:
     void MessageOn() override;
     /// Merges a notification into its table and then into the tree. Always true.
     bool MessageData(MDXCliParam* prm) override;
+
+    /// "menus": the host is about to show the entries of this window in its menus.
+    void slot_modNotify(QString name, QVariant value) override;
 
     // An editor that opens the picker gives it the catalogue.
     const CMDArray* resourceTable() const override { return nullptr; }
@@ -86,6 +94,37 @@ protected:
     /// Says in the log which typed values of a record gave way to another's; `what` names it.
     void tellReplaced(const QString& what, const RecordFields& fields,
                       const std::vector<Replaced>& replaced);
+
+    // ---------------------------------------------------------------------------------------------
+    // Keys and menus
+
+    /// What keys and menu entries do; the editor binds its own.
+    Commands& commands() { return *m_commands; }
+    PassportKeys& passportKeys() { return *m_passportKeys; }
+    /// Binds what every editor has: saving and dropping the open edit, and in the passport, which
+    /// is arranged, its fields. `trees` are the panes beside it.
+    void bindEditCommands(const std::vector<QTreeView*>& trees);
+    /// The records of the selected rows.
+    struct SelectedRecords {
+        const char* table;
+        const RecordFields* fields;
+        std::vector<std::pair<QString, Rows>> rows; ///< their keys and kinds
+    };
+    /// Binds the command that writes the value of the current passport row into all selected rows
+    /// that have such a field; the rows of these names are of one record only.
+    void bindApplyToAll(const std::function<SelectedRecords()>& selected,
+                        const QStringList& singular);
+    /// Switches the actions of a pane on as a click on its current row does.
+    virtual void enableActions(QTreeView* /*pane*/) {}
+    /// Shows a context menu. What it offers stays as it is while keys walk through it, although the
+    /// focus is in the menu then.
+    void execMenu(QMenu& menu, const QPoint& position);
+    /// Names the passport and the tool bars for screen readers; the editor names its own trees.
+    void nameForReaders(const QString& passport);
+    /// An edit has ended: what the current rows permit is on again, without a click on them.
+    void enableAfterEdit();
+    /// The field that a passport row edits; null if it is not written by itself.
+    static const RecordField* editedField(const RecordFields& fields, const QString& row);
 
     // ---------------------------------------------------------------------------------------------
     // Tables
@@ -185,8 +224,12 @@ private:
 
     std::vector<Followed> m_followed;
     std::vector<QTreeView*> m_views;
-    QTreeView* m_passportView = nullptr; ///< child of the window
-    QuietViews* m_quiet = nullptr;       ///< not owned
+    QTreeView* m_passportView = nullptr;    ///< child of the window
+    PassportKeys* m_passportKeys = nullptr; ///< the view's
+    Commands* m_commands;                   ///< child of the window
+    std::vector<QTreeView*> m_panes;        ///< that have actions: children of the window
+    QTimer m_afterEdit;
+    QuietViews* m_quiet = nullptr; ///< not owned
 };
 
 } // namespace orvo::editor

@@ -1,8 +1,11 @@
 #include "editor/PassportKeys.h"
 
+#include "frame/Keys.h"
+#include "models/MyButtonEdit.h"
 #include "models/PropModel.h"
 
-#include <QKeyEvent>
+#include <QApplication>
+#include <QMouseEvent>
 #include <QTreeView>
 
 namespace orvo::editor {
@@ -10,11 +13,14 @@ namespace {
 
 constexpr int valueColumn = 1;
 constexpr int editorColumn = 2;
+constexpr int readOnlyColumn = 3;
 
 bool movesTheCurrentRow(int key) {
     switch (key) {
     case Qt::Key_Up:
     case Qt::Key_Down:
+    case Qt::Key_Left:
+    case Qt::Key_Right:
     case Qt::Key_PageUp:
     case Qt::Key_PageDown:
     case Qt::Key_Home:
@@ -25,34 +31,188 @@ bool movesTheCurrentRow(int key) {
     }
 }
 
-class MoveKeys : public QObject {
-public:
-    explicit MoveKeys(QTreeView* view) : QObject(view) {}
+bool isPlain(const QKeyEvent& event) {
+    return !(event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
+}
 
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override {
-        auto* view = qobject_cast<QTreeView*>(watched);
-        if (!view || event->type() != QEvent::KeyPress ||
-            !movesTheCurrentRow(static_cast<QKeyEvent*>(event)->key()))
-            return false;
-        const QModelIndex before = view->currentIndex();
-        const QAbstractItemView::EditTriggers triggers = view->editTriggers();
-        view->setEditTriggers(triggers & ~QAbstractItemView::CurrentChanged);
-        watched->event(event);
-        view->setEditTriggers(triggers);
-        const QModelIndex now = view->currentIndex();
-        if (triggers != QAbstractItemView::NoEditTriggers && now != before &&
-            now.column() == valueColumn && now.siblingAtColumn(editorColumn).data().isValid() &&
-            now.siblingAtColumn(editorColumn).data().toInt() != MyEditorCheck)
-            view->edit(now);
-        return true;
-    }
-};
+bool isByKey(const QFocusEvent& event) {
+    return event.reason() == Qt::TabFocusReason || event.reason() == Qt::BacktabFocusReason ||
+           event.reason() == Qt::ShortcutFocusReason;
+}
+
+bool hasEditor(const QModelIndex& value) {
+    return value.isValid() && value.siblingAtColumn(editorColumn).data().isValid();
+}
 
 } // namespace
 
-void passFlagsByKeys(QTreeView* passport) {
-    passport->installEventFilter(new MoveKeys(passport)); // the view's child
+PassportKeys::PassportKeys(QTreeView* passport)
+    : QObject(passport)
+    , m_view(passport)
+    , m_viewport(passport->viewport()) {
+    passport->installEventFilter(this);
+    passport->viewport()->installEventFilter(this);
+    // A field is asked here before the delegate, which would go to the next row and open it.
+    connect(qApp, &QApplication::focusChanged, this, [this](const QWidget*, QWidget* now) {
+        if (!now || now->parentWidget() != m_viewport)
+            return;
+        now->removeEventFilter(this);
+        now->installEventFilter(this);
+    });
+}
+
+bool PassportKeys::isOfType(const QModelIndex& value, int type) {
+    return hasEditor(value) && value.siblingAtColumn(editorColumn).data().toInt() == type;
+}
+
+bool PassportKeys::mayWrite() const {
+    return m_view->editTriggers() != QAbstractItemView::NoEditTriggers;
+}
+
+QModelIndex PassportKeys::currentValue() const {
+    return m_view->currentIndex().siblingAtColumn(valueColumn);
+}
+
+bool PassportKeys::mayEdit() const {
+    return hasEditor(currentValue()) && mayWrite() && !mayToggle();
+}
+
+QModelIndex PassportKeys::nextValue(const QModelIndex& from, int by) const {
+    const auto isWanted = [](const QModelIndex& value) {
+        return hasEditor(value) && !value.siblingAtColumn(readOnlyColumn).data().toBool();
+    };
+    QModelIndex row = from.siblingAtColumn(0);
+    if (!row.isValid() && m_view->model())
+        row = m_view->model()->index(0, 0);
+    else
+        row = by > 0 ? m_view->indexBelow(row) : m_view->indexAbove(row);
+    while (row.isValid() && !isWanted(row.siblingAtColumn(valueColumn)))
+        row = by > 0 ? m_view->indexBelow(row) : m_view->indexAbove(row);
+    return row.siblingAtColumn(valueColumn);
+}
+
+bool PassportKeys::step(int by) {
+    const QModelIndex next = nextValue(currentValue(), by);
+    if (!next.isValid())
+        return false;
+    goTo(next, true);
+    return true;
+}
+
+void PassportKeys::goTo(const QModelIndex& value, bool opens) {
+    const QPersistentModelIndex wanted = value;
+    const QAbstractItemView::EditTriggers triggers = m_view->editTriggers();
+    m_view->setEditTriggers(triggers & ~QAbstractItemView::CurrentChanged);
+    m_view->setFocus(); // out of an open field, whose text is taken
+    m_view->setCurrentIndex(wanted);
+    m_view->setEditTriggers(triggers);
+    if (opens && wanted.isValid() && mayEdit())
+        m_view->edit(wanted);
+}
+
+void PassportKeys::editValue() {
+    if (mayEdit())
+        goTo(currentValue(), true);
+}
+
+void PassportKeys::editRow(const QString& rowName) {
+    const auto* model = qobject_cast<const PropModel*>(m_view->model());
+    const QModelIndex row = model ? model->findIndexByKey(rowName) : QModelIndex();
+    if (row.isValid() && mayWrite())
+        goTo(row.siblingAtColumn(valueColumn), true);
+}
+
+void PassportKeys::chooseValue() {
+    if (!mayChoose())
+        return;
+    editValue();
+    if (auto* edit = qobject_cast<MyButtonEdit*>(m_view->indexWidget(currentValue())))
+        edit->pressButton();
+}
+
+void PassportKeys::toggleValue() {
+    const QModelIndex value = currentValue();
+    if (mayToggle())
+        m_view->model()->setData(value, !value.data().toBool(), Qt::EditRole);
+}
+
+// -------------------------------------------------------------------------------------------------
+
+bool PassportKeys::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == m_view) {
+        if (event->type() == QEvent::KeyPress)
+            return viewKey(*static_cast<QKeyEvent*>(event));
+        if (event->type() == QEvent::FocusIn && isByKey(*static_cast<QFocusEvent*>(event)) &&
+            !hasEditor(currentValue())) {
+            const QModelIndex first = nextValue({}, 1);
+            if (first.isValid())
+                goTo(first, false);
+        }
+        return false;
+    }
+    if (watched == m_viewport) {
+        if (event->type() == QEvent::MouseButtonPress) {
+            const auto* press = static_cast<QMouseEvent*>(event);
+            const QModelIndex at = m_view->indexAt(press->pos());
+            const QRect cell = m_view->visualRect(at);
+            const bool onButton = at.column() == valueColumn && isOfType(at, MyEditorButton) &&
+                                  press->button() == Qt::LeftButton && mayWrite() &&
+                                  press->pos().x() >= cell.right() - cell.height();
+            m_pressed = onButton ? at : QModelIndex();
+        } else if (event->type() == QEvent::MouseButtonRelease && m_pressed.isValid()) {
+            const QPersistentModelIndex pressed = std::exchange(m_pressed, QPersistentModelIndex());
+            if (m_view->indexAt(static_cast<QMouseEvent*>(event)->pos()) == pressed)
+                if (auto* edit = qobject_cast<MyButtonEdit*>(m_view->indexWidget(pressed)))
+                    edit->pressButton();
+        }
+        return false;
+    }
+    return event->type() == QEvent::KeyPress && editorKey(*static_cast<QKeyEvent*>(event));
+}
+
+bool PassportKeys::viewKey(QKeyEvent& event) {
+    const int key = event.key();
+    if (movesTheCurrentRow(key) && isPlain(event)) {
+        moveCurrent(event);
+        return true;
+    }
+    if (key == Qt::Key_Tab || key == Qt::Key_Backtab)
+        return isPlain(event) && step(key == Qt::Key_Tab ? 1 : -1);
+    if (key == Qt::Key_F2 || ((key == Qt::Key_Return || key == Qt::Key_Enter) && isPlain(event))) {
+        editValue();
+        return true;
+    }
+    if (!isPlain(event) || event.text().isEmpty() || !event.text().at(0).isPrint())
+        return false;
+    // A letter opens the field and is its first one, wherever in the row the cursor is.
+    if (mayEdit() && m_view->currentIndex().column() != valueColumn)
+        goTo(currentValue(), false);
+    return !mayEdit();
+}
+
+void PassportKeys::moveCurrent(QKeyEvent& event) {
+    const QModelIndex before = m_view->currentIndex();
+    const QAbstractItemView::EditTriggers triggers = m_view->editTriggers();
+    m_view->setEditTriggers(triggers & ~QAbstractItemView::CurrentChanged);
+    static_cast<QObject*>(m_view)->event(&event);
+    m_view->setEditTriggers(triggers);
+    const QModelIndex now = m_view->currentIndex();
+    if (now != before && now.column() == valueColumn && mayEdit())
+        m_view->edit(now);
+}
+
+bool PassportKeys::editorKey(QKeyEvent& event) {
+    if (event.key() == Qt::Key_Tab || event.key() == Qt::Key_Backtab) {
+        // Out of the last field into the row itself: the next Tab leaves.
+        if (isPlain(event) && !step(event.key() == Qt::Key_Tab ? 1 : -1))
+            goTo(currentValue(), false);
+        return isPlain(event);
+    }
+    if (mayChoose() && keys::matches(event, *keys::command(QLatin1String(keys::choose)))) {
+        chooseValue();
+        return true;
+    }
+    return false;
 }
 
 } // namespace orvo::editor

@@ -117,7 +117,7 @@ void OrvoMenu::showContextMenu_tvDesck(const QPoint& point) {
     const QModelIndex row = m_ui->tvDesck->indexAt(point);
     m_app->addRecordActions(&menu, QString::fromLatin1(orvo::table::MenuFolder),
                             row.siblingAtColumn(DesckColumn::KeyLink).data().toString());
-    menu.exec(position);
+    execMenu(menu, position);
 }
 
 void OrvoMenu::showContextMenu_tvMenu(const QPoint& point) {
@@ -133,5 +133,5 @@ void OrvoMenu::showContextMenu_tvMenu(const QPoint& point) {
     const QModelIndex row = m_ui->tvMenu->indexAt(point);
     m_app->addRecordActions(&menu, QString::fromLatin1(orvo::table::Menu),
                             row.siblingAtColumn(MenuColumn::KeyLink).data().toString());
-    menu.exec(position);
+    execMenu(menu, position);
 }

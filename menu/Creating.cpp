@@ -15,8 +15,12 @@
 #include "models/Passport.h"
 #include "picker/PopObjectList.h"
 
+#include <QDropEvent>
 #include <QItemSelectionModel>
+#include <QMimeData>
 #include <QToolButton>
+
+#include <algorithm>
 
 using orvo::editor::FieldType;
 using orvo::editor::RecordField;
@@ -58,7 +62,19 @@ void OrvoMenu::chooseNewElements(int32_t kind) {
     list->multipleChoice = true;
     list->objectType = kind;
     list->chosenName = QString();
+    list->setPalette(m_wantsPalette);
     list->reloadAndShow();
+}
+
+void OrvoMenu::showPalette() {
+    m_wantsPalette = !(m_popList && m_popList->isVisible() && m_popList->isPalette());
+    if (m_wantsPalette)
+        chooseNewElements(m_popList && m_popList->objectType != CPopObjectList::KindFile &&
+                                  m_popList->objectType != 0
+                              ? m_popList->objectType
+                              : int32_t(CPopObjectList::KindModule));
+    else
+        m_popList->hide();
 }
 
 void OrvoMenu::on_poplist_OK_Pressed() {
@@ -74,12 +90,28 @@ void OrvoMenu::addChosenElements() {
     const orvo::ResourceKind* kind = orvo::resourceKind(m_popList->objectType);
     if (!kind || !kind->attribute) // stands in no menu
         return;
-    QModelIndex target = elementRow(m_currentMenuKey);
+    std::vector<Picked> picked;
+    for (const QModelIndex& chosen : m_popList->tvObj()->selectionModel()->selectedRows(0))
+        if (chosen.isValid() && !chosen.siblingAtColumn(orvo::PickColumn::IsFolder).data().toBool())
+            picked.push_back({chosen.siblingAtColumn(orvo::PickColumn::KeyLink).data().toString(),
+                              chosen.siblingAtColumn(orvo::PickColumn::Caption).data().toString()});
+    // A palette may list what is gone.
+    if (m_popList->isPalette())
+        picked.erase(std::remove_if(picked.begin(), picked.end(),
+                                    [this](const Picked& one) {
+                                        return !orvo::seekKey(m_tabResource, one.key);
+                                    }),
+                     picked.end());
+    if (!addElements(elementRow(m_currentMenuKey), picked))
+        refusesChosenFolder();
+}
+
+bool OrvoMenu::addElements(QModelIndex target, const std::vector<Picked>& picked) {
     // While the picker stood open another client's element may have become current.
     if (!m_menuModel->itemIsFolder(target))
         target = target.parent();
     if (!target.isValid())
-        return;
+        return true;
     // Empty text for the top of the menu, where a saved folder has NULL.
     const QString parentKey =
         m_menuModel->getItemLevel(target) == 0 ? QString() : m_menuModel->getItemKeyLink(target);
@@ -87,19 +119,14 @@ void OrvoMenu::addChosenElements() {
 
     orvo::ScratchTable out(*m_app->m_session, orvo::table::Menu);
     if (!out.fetch())
-        return;
-    for (const QModelIndex& chosen : m_popList->tvObj()->selectionModel()->selectedRows(0)) {
-        if (!chosen.isValid() || chosen.siblingAtColumn(orvo::PickColumn::IsFolder).data().toBool())
-            continue;
-        const QString resourceKey =
-            chosen.siblingAtColumn(orvo::PickColumn::KeyLink).data().toString();
-        const MDRData* resource = orvo::seekKey(m_tabResource, resourceKey);
+        return true;
+    for (const Picked& one : picked) {
+        const MDRData* resource = orvo::seekKey(m_tabResource, one.key);
         orvo::RowWriter row = out.add(MDX_INSERT);
         row.text(orvo::field::KeyLink, QString::fromLatin1(GenGuid32()))
             .text(orvo::field::parent, parentKey)
-            .text(orvo::field::MenuResourceKey, resourceKey)
-            .text(orvo::field::caption,
-                  chosen.siblingAtColumn(orvo::PickColumn::Caption).data().toString())
+            .text(orvo::field::MenuResourceKey, one.key)
+            .text(orvo::field::caption, one.caption)
             .text(orvo::field::FolderKey, openDesckKey())
             .integer(orvo::field::order_, order);
         for (const RecordField& field : m_elementFields)
@@ -109,9 +136,34 @@ void OrvoMenu::addChosenElements() {
             row.copy(orvo::field::ico, resource);
         order = nextOrderAfter(order);
     }
-    if (out.isEmpty())
-        refusesChosenFolder();
+    const bool any = !out.isEmpty();
     out.send();
+    return any;
+}
+
+bool OrvoMenu::eventFilter(QObject* watched, QEvent* event) {
+    if (watched != m_menuViewport ||
+        (event->type() != QEvent::DragEnter && event->type() != QEvent::DragMove &&
+         event->type() != QEvent::Drop))
+        return EditorWindow::eventFilter(watched, event);
+    auto* drop = static_cast<QDropEvent*>(event);
+    const QByteArray keys = drop->mimeData()->data(QLatin1String(pickedMime));
+    if (keys.isEmpty())
+        return EditorWindow::eventFilter(watched, event);
+    const QModelIndex target = m_ui->tvMenu->indexAt(drop->pos()).siblingAtColumn(0);
+    const bool isGood = m_app->m_mayWrite && target.isValid();
+    drop->setDropAction(isGood ? Qt::CopyAction : Qt::IgnoreAction);
+    drop->setAccepted(isGood || event->type() == QEvent::DragEnter);
+    const QPersistentModelIndex row(target);
+    if (isGood && event->type() == QEvent::Drop && finishEdit() && row.isValid()) {
+        std::vector<Picked> picked;
+        for (const QByteArray& key : keys.split(';'))
+            if (const MDRData* resource = orvo::seekKey(m_tabResource, QString::fromUtf8(key)))
+                picked.push_back(
+                    {QString::fromUtf8(key), orvo::textOf(resource, orvo::field::caption)});
+        addElements(row, picked);
+    }
+    return true;
 }
 
 void OrvoMenu::takeChosenValue() {
@@ -137,6 +189,8 @@ void OrvoMenu::on_passp_buttonpressed(const QString& rowName) {
         refuse(tr("Это не элемент меню: выбрать для него ничего нельзя."));
         return;
     }
+    if (m_popList)
+        m_popList->setPalette(false);
     if (isIconRow(rowName)) {
         CPopObjectList* list = iconPicker();
         list->chosenName = valueOf("icon");

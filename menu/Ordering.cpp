@@ -32,6 +32,27 @@ void OrvoMenu::on_actMoveDown_triggered() {
     swapWithNeighbour(1);
 }
 
+bool OrvoMenu::mayMoveIn() const {
+    const QModelIndex row = recordRow(m_currentMenuKey);
+    return m_app->m_mayWrite && row.isValid() && row.row() > 0 &&
+           m_menuModel->itemIsFolder(row.siblingAtRow(row.row() - 1));
+}
+
+bool OrvoMenu::mayMoveOut() const {
+    const QModelIndex row = recordRow(m_currentMenuKey);
+    return m_app->m_mayWrite && row.isValid() && row.parent().parent().isValid();
+}
+
+void OrvoMenu::moveIntoFolder() {
+    const QModelIndex row = recordRow(m_currentMenuKey);
+    on_menu_dragdrop(row.siblingAtRow(row.row() - 1), {m_currentMenuKey}, -1);
+}
+
+void OrvoMenu::moveOutOfFolder() {
+    const QModelIndex folder = recordRow(m_currentMenuKey).parent();
+    on_menu_dragdrop(folder.parent(), {m_currentMenuKey}, folder.row() + 1);
+}
+
 void OrvoMenu::swapWithNeighbour(int step) {
     if (!m_menuModel)
         return;

@@ -44,9 +44,9 @@ OrvoMenu::OrvoMenu(COrvoCliApp* app)
     m_ui->splitter->setSizes({120, 400});
     m_actPreview = new QAction(orvo::image("descktop1"), tr("Показать как оператору"), this);
     m_actPreview->setObjectName(QStringLiteral("previewDesktop"));
-    m_actPreview->setShortcut(QKeySequence(Qt::Key_F5));
     m_actPreview->setShortcutContext(Qt::WindowShortcut); // from any pane beside the shown editor
     addAction(m_actPreview);
+    commands().bind(orvo::keys::preview, nullptr, m_actPreview);
     connect(m_actPreview, &QAction::triggered, this, &OrvoMenu::showPreview);
     m_previewTimer.setSingleShot(true);
     m_previewTimer.setInterval(0);

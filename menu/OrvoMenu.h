@@ -136,6 +136,10 @@ protected:
     /// Whether the clipboard offers that format.
     bool checkMimeType(const QString& format) const;
 
+    void enableActions(QTreeView* pane) override;
+    /// What the keys do here.
+    void bindCommands();
+
     // Desktops. The loaders append below `parent`; a folder that is its own ancestor is shown and
     // not entered again.
     void loadDesckTreeUpper();
@@ -277,6 +281,19 @@ private:
     // Creating
     void chooseNewElements(int32_t kind);
     void addChosenElements();
+    /// Opens the picker as a palette beside the menu, or closes that; from then on new elements are
+    /// chosen so, until it is closed.
+    void showPalette();
+    struct Picked {
+        QString key; ///< of the resource
+        QString caption;
+    };
+    /// New last elements of a folder, or of that in which the row stands. False if there are none.
+    bool addElements(QModelIndex target, const std::vector<Picked>& picked);
+    /// Resources dragged out of the picker become elements where they are dropped.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    bool m_wantsPalette = false;
+    const QObject* m_menuViewport = nullptr; ///< of tvMenu
     /// Enters the picker's choice. A folder of it is no resource: its choice is refused in a box.
     void takeChosenValue();
 
@@ -320,6 +337,11 @@ private:
                             const QString& caption, const MDRData* record,
                             orvo::ScratchTable& target, const QMap<QString, QString>& keyMap);
     void swapWithNeighbour(int step);
+    /// Into the folder that stands above the current element, and out of the one it is in.
+    void moveIntoFolder();
+    void moveOutOfFolder();
+    bool mayMoveIn() const;
+    bool mayMoveOut() const;
     /// Adds orders that differ for a row and its siblings, as if the row stood at that place.
     void renumber(const QModelIndex& moved, int place, orvo::ScratchTable& out);
     orvo::RowWriter addOrder(orvo::ScratchTable& out, const QString& key, int order);

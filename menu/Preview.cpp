@@ -25,9 +25,10 @@ void OrvoMenu::showPreview() {
     followForPreview();
 }
 
-void OrvoMenu::slot_modNotify(QString name, QVariant /*value*/) {
+void OrvoMenu::slot_modNotify(QString name, QVariant value) {
     if (name == QLatin1String("preview") && m_desckModel)
         followForPreview();
+    EditorWindow::slot_modNotify(name, value);
 }
 
 /// The rows have what was typed; whether it is saved the buttons know.

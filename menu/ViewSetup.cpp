@@ -78,4 +78,5 @@ void OrvoMenu::setTreeArrangement() {
             &OrvoMenu::on_tvMenu_currentChanged);
     connect(m_passpDelegate.get(), &PasspDelegate::returnPressed, this,
             &OrvoMenu::on_passp_returnPressed);
+    bindCommands();
 }

@@ -129,5 +129,5 @@ void OrvoResources::showContextMenu_tvRes(const QPoint& pos) {
     if (const QModelIndex row = m_ui->tvRes->indexAt(pos); row.isValid())
         m_app->addRecordActions(&menu, QString::fromLatin1(orvo::resources::tableOf(row)),
                                 orvo::resources::textAt(row, ResColumn::KeyLink));
-    menu.exec(m_ui->tvRes->viewport()->mapToGlobal(pos));
+    execMenu(menu, m_ui->tvRes->viewport()->mapToGlobal(pos));
 }

@@ -73,6 +73,7 @@ void OrvoResources::makeSearchBar() {
     m_cmbSearch->addItems({tr("Наименование"), tr("Ресурс")});
     m_cmbSearch->setCurrentIndex(0);
     m_cmbSearch->setFont(m_ui->tvRes->font());
+    m_lblSearch->setBuddy(m_cmbSearch);
     connect(m_cmbSearch, qOverload<int>(&QComboBox::currentIndexChanged), this,
             &OrvoResources::on_searchCmb_indexChanged);
     bar->addWidget(m_cmbSearch);

@@ -122,6 +122,14 @@ protected:
     /// Whether the clipboard holds rows of that kind, cut by a resource editor.
     bool checkClipBoardType(int type) const;
 
+    void enableActions(QTreeView* pane) override;
+    /// What the keys do here.
+    void bindCommands();
+    /// Says by whom and how the lock of the current form is taken off; here it is not.
+    void explainLock();
+    /// The action that makes a resource of the current folder's kind; null where none may.
+    QAction* creatorHere() const;
+
     // Tree. The loaders append below `parent`; a folder that is its own ancestor is shown and not
     // entered again.
     void loadResTreeUpper();

@@ -8,9 +8,12 @@
 #include "resources/Columns.h"
 #include "resources/Fields.h"
 
+#include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QMenu>
 #include <QTreeView>
+
+#include <algorithm>
 
 using orvo::resources::ResColumn;
 
@@ -57,6 +60,11 @@ void OrvoResources::setTreeArrangement() {
     orvo::hideColumns(tree, ResColumn::KeyLink, ResColumn::IsNew);
     tree->setColumnWidth(ResColumn::Caption, textWidth);
     tree->setColumnWidth(ResColumn::Name, textWidth);
+    // Neither the titles nor a time are cut off.
+    for (const int column : {ResColumn::Lock, ResColumn::LockTime})
+        tree->setColumnWidth(column, std::max(tree->header()->sectionSizeHint(column),
+                                              tree->fontMetrics().horizontalAdvance(
+                                                  QStringLiteral(" 00.00.0000 00:00:00 "))));
     connect(tree, &QTreeView::customContextMenuRequested, this,
             &OrvoResources::showContextMenu_tvRes);
 
@@ -72,7 +80,7 @@ void OrvoResources::setTreeArrangement() {
                 m_app->addRecordActions(&menu, QString::fromLatin1(orvo::resources::tableOf(row)),
                                         orvo::resources::textAt(row, ResColumn::KeyLink));
                 if (!menu.isEmpty())
-                    menu.exec(m_ui->tvProp->viewport()->mapToGlobal(point));
+                    execMenu(menu, m_ui->tvProp->viewport()->mapToGlobal(point));
             });
     orvo::followExpansion(tree, m_resModel.get());
 
@@ -82,4 +90,5 @@ void OrvoResources::setTreeArrangement() {
             &OrvoResources::on_tvRes_selectionChanged);
     connect(m_resModel.get(), &ResTreeModel::dragdropOperation, this,
             &OrvoResources::on_res_dragdrop);
+    bindCommands();
 }

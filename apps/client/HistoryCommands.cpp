@@ -8,6 +8,7 @@
 #include "apps/client/Options.h"
 #include "apps/client/StatusLine.h"
 #include "apps/client/VersionsDialog.h"
+#include "frame/Keys.h"
 #include "frame/Vocabulary.h"
 #include "platform/client/Attention.h"
 
@@ -57,9 +58,9 @@ void HistoryCommands::connectUndo() {
 }
 
 void HistoryCommands::connectPane() {
-    QDockWidget* dock =
-        m_context.window.addPane(m_pane, QStringLiteral("&История"), QStringLiteral("historyDock"),
-                                 QKeySequence(Qt::Key_F4));
+    QDockWidget* dock = m_context.window.addPane(
+        m_pane, QStringLiteral("&История"), QStringLiteral("historyDock"),
+        keys::sequences(*keys::command(QLatin1String(keys::history))).first());
     dock->setWindowTitle(QStringLiteral("История"));
     m_context.window.restoreDockWidget(dock); // as the user left it
     HistoryFeed& feed = m_pane->feed();

@@ -1,5 +1,8 @@
 #include "apps/client/Look.h"
 
+#include "apps/client/FocusMark.h"
+#include "apps/client/LatinKeys.h"
+
 #include <QApplication>
 #include <QLibraryInfo>
 #include <QLocale>
@@ -67,6 +70,8 @@ void applyTheme() {
                          QLibraryInfo::location(QLibraryInfo::TranslationsPath)))
         QApplication::installTranslator(translator);
     QLocale::setDefault(QLocale(QLocale::Russian));
+    FocusMark::follow();
+    LatinKeys::install();
 }
 
 } // namespace orvo::app

@@ -13,17 +13,19 @@
 #include <QCloseEvent>
 #include <QDockWidget>
 #include <QMenuBar>
-#include <QSettings>
+#include <QScreen>
 #include <QShortcut>
+#include <QShowEvent>
 #include <QThread>
 #include <QTimer>
+
+#include <algorithm>
 
 namespace orvo::app {
 
 namespace {
 
 constexpr int usefulHeight = 300; ///< of a pane that is called by a key
-constexpr char stayKey[] = "view/stayAtOwnRow";
 
 } // namespace
 
@@ -35,6 +37,7 @@ MainWindow::MainWindow(const QString& store, const QString& login)
     setObjectName(QStringLiteral("clientWindow"));
     setWindowTitle(QStringLiteral("Orvo — %1").arg(store));
     connect(m_tabs, &ModuleTabs::pageCloseRequested, this, &MainWindow::pageCloseRequested);
+    m_tabs->setAccessibleName(QStringLiteral("Редакторы и открытые формы"));
     setCentralWidget(m_tabs);
     setStatusBar(m_status);
     m_logDock->setObjectName(QStringLiteral("logDock"));
@@ -42,85 +45,10 @@ MainWindow::MainWindow(const QString& store, const QString& login)
     m_logDock->setFeatures(QDockWidget::DockWidgetClosable | QDockWidget::DockWidgetMovable);
     addDockWidget(Qt::BottomDockWidgetArea, m_logDock);
     makeMenus();
-    makeKeys();
-    resize(1366, 900);
+    constexpr int titleBar = 40, borders = 8; // of the frame, not known yet
+    const QRect area = screen()->availableGeometry();
+    resize(std::min(1366, area.width() - borders), std::min(900, area.height() - titleBar));
     resizeDocks({m_logDock}, {130}, Qt::Vertical);
-}
-
-void MainWindow::makeMenus() {
-    QMenu* client = menuBar()->addMenu(QStringLiteral("&Клиент"));
-    QAction* reopen = client->addAction(QStringLiteral("Открыть модули &заново"));
-    reopen->setShortcut(QKeySequence(QStringLiteral("Ctrl+R")));
-    // Queued: the menu is closed and its loop left before modules go.
-    connect(reopen, &QAction::triggered, this, &MainWindow::reopenRequested, Qt::QueuedConnection);
-    QAction* desktop = client->addAction(QStringLiteral("&Рабочий стол…"));
-    desktop->setObjectName(QStringLiteral("actDesktop"));
-    connect(desktop, &QAction::triggered, this, &MainWindow::desktopRequested,
-            Qt::QueuedConnection);
-    QAction* store = client->addAction(QStringLiteral("Открыть &хранилище…"));
-    store->setObjectName(QStringLiteral("actStore"));
-    store->setShortcut(QKeySequence::Open);
-    connect(store, &QAction::triggered, this, &MainWindow::storeRequested, Qt::QueuedConnection);
-    client->addSeparator();
-    QAction* quit = client->addAction(QStringLiteral("В&ыход"));
-    quit->setShortcut(QKeySequence::Quit);
-    connect(quit, &QAction::triggered, this, &QWidget::close, Qt::QueuedConnection);
-    m_edit = menuBar()->addMenu(QStringLiteral("&Правка"));
-    m_view = menuBar()->addMenu(QStringLiteral("&Вид"));
-    m_view->addAction(m_logDock->toggleViewAction());
-    m_view->addSeparator();
-    m_stay = m_view->addAction(QStringLiteral("&Не переводить меня к правкам других"));
-    m_stay->setObjectName(QStringLiteral("actStay"));
-    m_stay->setCheckable(true);
-    m_stay->setChecked(clientSettings().value(QLatin1String(stayKey), false).toBool());
-    connect(m_stay, &QAction::toggled, this, [this](bool stay) {
-        clientSettings().setValue(QLatin1String(stayKey), stay);
-        emit followsOthersChanged(!stay);
-    });
-    makeHelpMenu();
-}
-
-/// What the mouse does at the tabs and between the parts of the window.
-void MainWindow::makeKeys() {
-    auto* close = new QShortcut(QKeySequence(QStringLiteral("Ctrl+W")), this);
-    connect(close, &QShortcut::activated, m_tabs, &ModuleTabs::closeCurrent);
-    auto* next = new QShortcut(QKeySequence(Qt::Key_F6), this);
-    connect(next, &QShortcut::activated, this, &MainWindow::focusNextPart);
-}
-
-/// From the page to the menus of desktops, and from the last of them back to the page.
-void MainWindow::focusNextPart() {
-    std::vector<QWidget*> parts;
-    if (QWidget* page = m_tabs->currentWidget())
-        parts.push_back(page);
-    for (const QDockWidget* dock :
-         findChildren<QDockWidget*>(QString(), Qt::FindDirectChildrenOnly))
-        if (dynamic_cast<const DeskDock*>(dock) != nullptr && dock->isVisible() && dock->widget())
-            parts.push_back(dock->widget());
-    if (parts.empty())
-        return;
-    const QWidget* focus = QApplication::focusWidget();
-    size_t next = 0;
-    for (size_t i = 0; i < parts.size(); ++i)
-        if (focus && (parts[i] == focus || parts[i]->isAncestorOf(focus)))
-            next = (i + 1) % parts.size();
-    parts[next]->setFocus(Qt::ShortcutFocusReason);
-}
-
-void MainWindow::makeHelpMenu() {
-    QMenu* help = menuBar()->addMenu(QStringLiteral("&Справка"));
-    QAction* guide = help->addAction(QStringLiteral("&Руководство"));
-    guide->setObjectName(QStringLiteral("actHandbook"));
-    guide->setShortcut(QKeySequence(Qt::Key_F1));
-    connect(guide, &QAction::triggered, this, &MainWindow::showHelp);
-    addAction(guide); // there without a menu bar, too
-    QAction* about = help->addAction(QStringLiteral("&О программе"));
-    connect(about, &QAction::triggered, this, [this] {
-        showBox(QStringLiteral("О программе"),
-                QStringLiteral("Orvo " ORVO_VERSION "\nКлиент инженера: редактор меню и "
-                               "редактор ресурсов."),
-                MessageBoxIconNone);
-    });
 }
 
 void MainWindow::showHelp() {
@@ -246,6 +174,27 @@ void MainWindow::showBox(const QString& title, const QString& text, int icon) {
 
 void MainWindow::errorSeen() {
     m_box->hide();
+}
+
+void MainWindow::showEvent(QShowEvent* event) {
+    QMainWindow::showEvent(event);
+    // The frame is known when the window manager has made it.
+    if (!event->spontaneous())
+        QTimer::singleShot(200, this, &MainWindow::fitScreen);
+}
+
+void MainWindow::fitScreen() {
+    if (windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen | Qt::WindowMinimized))
+        return;
+    const QRect area = screen()->availableGeometry();
+    const QSize frame = frameGeometry().size() - size();
+    if (frameGeometry().height() <= area.height() && frameGeometry().width() <= area.width() &&
+        area.contains(frameGeometry().bottomLeft()))
+        return;
+    resize(size().boundedTo(area.size() - frame));
+    const QSize whole = size() + frame;
+    move(std::max(area.left(), std::min(x(), area.left() + area.width() - whole.width())),
+         std::max(area.top(), std::min(y(), area.top() + area.height() - whole.height())));
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

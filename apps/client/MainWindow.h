@@ -51,6 +51,8 @@ public:
     void bringUp(QDockWidget* pane);
     /// The menu of what changes the store.
     QMenu* editMenu() const { return m_edit; }
+    /// The menu of what moves the focus and finds.
+    QMenu* goMenu() const { return m_go; }
     /// Of what is in a tab or in the pane of a desktop.
     void setTitle(QWidget* page, const QString& title);
     /// In front of other windows, or marked in the task bar where the desktop does not want that.
@@ -85,16 +87,25 @@ signals:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private slots:
     void errorSeen();
 
 private:
+    /// No edge of the window is beyond the screen, whatever size it has asked for.
+    void fitScreen();
     void makeMenus();
+    void makeGoMenu();
+    /// The action of a key of the list, in its menu; `always`: its key works without a menu bar
+    /// too.
+    QAction* addCommand(const char* id, QMenu* menu, bool always = false);
+    /// Puts the entries of the module on show into the menus, behind the window's own.
+    void showModuleEntries();
+    void stepTab(int by);
     void showBox(const QString& title, const QString& text, int icon);
     void makeHelpMenu();
-    void makeKeys();
-    void focusNextPart();
+    void focusPart(int by);
     void showHelp();
 
     ModuleTabs* m_tabs; // these: children of the window
@@ -103,6 +114,9 @@ private:
     QDockWidget* m_logDock;
     QMenu* m_edit = nullptr;
     QMenu* m_view = nullptr;
+    QMenu* m_go = nullptr;
+    QMenu* m_help = nullptr;
+    QList<QAction*> m_moduleSeparators; ///< in the menus, before the entries of the module
     CPopMessageBox* m_box = nullptr;
     QPointer<Handbook> m_handbook; ///< made when first asked for; goes with the window
     QAction* m_stay;               ///< "do not take me to the changes of others"

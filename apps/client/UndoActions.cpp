@@ -2,6 +2,7 @@
 
 #include "apps/client/LogPane.h"
 #include "apps/client/Look.h"
+#include "frame/Keys.h"
 
 #include <utility>
 
@@ -33,8 +34,8 @@ UndoActions::UndoActions(StoreThread& thread, Reverter& reverter, history::Actor
     , m_mayWrite(mayWrite) {
     m_undo.setObjectName(QStringLiteral("actUndo"));
     m_redo.setObjectName(QStringLiteral("actRedo"));
-    m_undo.setShortcut(QKeySequence(QStringLiteral("Ctrl+Z")));
-    m_redo.setShortcut(QKeySequence(QStringLiteral("Ctrl+Shift+Z")));
+    m_undo.setShortcuts(keys::sequences(*keys::command(QLatin1String(keys::undo))));
+    m_redo.setShortcuts(keys::sequences(*keys::command(QLatin1String(keys::redo))));
     for (QAction* action : {&m_undo, &m_redo}) {
         action->setAutoRepeat(false);
         // Queued: the menu is closed before a question comes up.

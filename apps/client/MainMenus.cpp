@@ -1,0 +1,199 @@
+// The menus of the client's window: its own commands, those of the module on show, and the keys
+// that go from part to part of the window.
+#include "apps/client/DeskDock.h"
+#include "apps/client/MainWindow.h"
+#include "apps/client/ModuleTabs.h"
+#include "apps/client/WindowMemory.h"
+#include "frame/Keys.h"
+#include "frame/OrvoClient.h"
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QMap>
+#include <QMenu>
+#include <QMenuBar>
+#include <QSettings>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace orvo::app {
+
+namespace {
+
+constexpr char stayKey[] = "view/stayAtOwnRow";
+constexpr char entryProperty[] = "orvoMenu";  // of a module's action: in which menu it is shown
+constexpr char placeProperty[] = "orvoPlace"; // of the same: its place among the others
+
+} // namespace
+
+QAction* MainWindow::addCommand(const char* id, QMenu* menu, bool always) {
+    const keys::Command* command = keys::command(QLatin1String(id));
+    QAction* action = menu->addAction(keys::text(*command));
+    action->setObjectName(QLatin1String("client_") + QLatin1String(id));
+    action->setShortcuts(keys::sequences(*command));
+    if (always)
+        addAction(action);
+    return action;
+}
+
+void MainWindow::makeMenus() {
+    QMenu* client = menuBar()->addMenu(QStringLiteral("&Клиент"));
+    // Queued: the menu is closed and its loop left before modules go.
+    connect(addCommand(keys::reopen, client), &QAction::triggered, this,
+            &MainWindow::reopenRequested, Qt::QueuedConnection);
+    QAction* desktop = client->addAction(QStringLiteral("&Рабочий стол…"));
+    desktop->setObjectName(QStringLiteral("actDesktop"));
+    connect(desktop, &QAction::triggered, this, &MainWindow::desktopRequested,
+            Qt::QueuedConnection);
+    QAction* store = client->addAction(QStringLiteral("Открыть &хранилище…"));
+    store->setObjectName(QStringLiteral("actStore"));
+    store->setShortcuts(keys::sequences(*keys::command(QLatin1String(keys::openStore))));
+    connect(store, &QAction::triggered, this, &MainWindow::storeRequested, Qt::QueuedConnection);
+    connect(addCommand(keys::closeTab, client, true), &QAction::triggered, m_tabs,
+            &ModuleTabs::closeCurrent);
+    client->addSeparator();
+    connect(addCommand(keys::quit, client), &QAction::triggered, this, &QWidget::close,
+            Qt::QueuedConnection);
+    m_edit = menuBar()->addMenu(QStringLiteral("&Правка"));
+    m_view = menuBar()->addMenu(QStringLiteral("&Вид"));
+    m_view->addAction(m_logDock->toggleViewAction());
+    m_view->addSeparator();
+    m_stay = m_view->addAction(QStringLiteral("&Не переводить меня к правкам других"));
+    m_stay->setObjectName(QStringLiteral("actStay"));
+    m_stay->setCheckable(true);
+    m_stay->setChecked(clientSettings().value(QLatin1String(stayKey), false).toBool());
+    connect(m_stay, &QAction::toggled, this, [this](bool stay) {
+        clientSettings().setValue(QLatin1String(stayKey), stay);
+        emit followsOthersChanged(!stay);
+    });
+    makeGoMenu();
+    makeHelpMenu();
+    for (QMenu* menu : {m_edit, m_view, m_go, m_help})
+        connect(menu, &QMenu::aboutToShow, this, [this] {
+            showModuleEntries(); // a module may have made more of them since
+            if (auto* module = qobject_cast<COrvoCliMod*>(m_tabs->currentWidget()))
+                module->slot_modNotify(QStringLiteral("menus"), {});
+        });
+    connect(m_tabs, &QTabWidget::currentChanged, this, &MainWindow::showModuleEntries);
+}
+
+/// What the mouse does at the tabs and between the parts of the window.
+void MainWindow::makeGoMenu() {
+    m_go = menuBar()->addMenu(QStringLiteral("П&ереход"));
+    connect(addCommand(keys::menuBar, m_go), &QAction::triggered, this, [this] {
+        menuBar()->setFocus(Qt::MenuBarFocusReason);
+        menuBar()->setActiveAction(menuBar()->actions().first());
+    });
+    connect(addCommand(keys::nextPane, m_go, true), &QAction::triggered, this,
+            [this] { focusPart(1); });
+    connect(addCommand(keys::previousPane, m_go, true), &QAction::triggered, this,
+            [this] { focusPart(-1); });
+    connect(addCommand(keys::nextTab, m_go, true), &QAction::triggered, this,
+            [this] { stepTab(1); });
+    connect(addCommand(keys::previousTab, m_go, true), &QAction::triggered, this,
+            [this] { stepTab(-1); });
+}
+
+void MainWindow::stepTab(int by) {
+    const int count = m_tabs->count();
+    if (count == 0)
+        return;
+    m_tabs->setCurrentIndex((m_tabs->currentIndex() + by + count) % count);
+    // Where the focus was there, or its first tree.
+    QWidget* page = m_tabs->currentWidget();
+    QWidget* part = page->focusWidget();
+    if (!part)
+        part = page->findChild<QAbstractItemView*>();
+    (part ? part : page)->setFocus(Qt::ShortcutFocusReason);
+}
+
+void MainWindow::showModuleEntries() {
+    for (QAction* separator : qAsConst(m_moduleSeparators))
+        delete separator;
+    m_moduleSeparators.clear();
+    for (QMenu* menu : {m_edit, m_view, m_go, m_help})
+        for (QAction* action : menu->actions())
+            if (action->property(entryProperty).isValid())
+                menu->removeAction(action);
+    const QWidget* page = m_tabs->currentWidget();
+    if (!page)
+        return;
+    QMap<int, QMenu*> menus{{int(keys::Menu::Edit), m_edit},
+                            {int(keys::Menu::View), m_view},
+                            {int(keys::Menu::Go), m_go},
+                            {int(keys::Menu::Help), m_help}};
+    for (auto menu = menus.cbegin(); menu != menus.cend(); ++menu) {
+        QList<QAction*> entries;
+        for (QAction* action : page->findChildren<QAction*>()) {
+            const QVariant wanted = action->property(entryProperty);
+            if (wanted.isValid() && wanted.toInt() == menu.key())
+                entries << action;
+        }
+        std::stable_sort(entries.begin(), entries.end(),
+                         [](const QAction* one, const QAction* other) {
+                             return one->property(placeProperty).toInt() <
+                                    other->property(placeProperty).toInt();
+                         });
+        if (!entries.isEmpty() && !menu.value()->isEmpty())
+            m_moduleSeparators << menu.value()->addSeparator();
+        menu.value()->addActions(entries);
+    }
+}
+
+/// Its trees from left to right, or a page without any itself; then the open panes. What has no
+/// way to take the focus is passed.
+void MainWindow::focusPart(int by) {
+    std::vector<QWidget*> parts;
+    const auto addViews = [&parts](QWidget* part) {
+        std::vector<QWidget*> views;
+        for (QAbstractItemView* view : part->findChildren<QAbstractItemView*>())
+            if (view->isVisible() && view->focusPolicy() != Qt::NoFocus &&
+                view->window() == part->window() && !view->inherits("QHeaderView"))
+                views.push_back(view);
+        std::sort(views.begin(), views.end(), [](const QWidget* one, const QWidget* other) {
+            const QPoint a = one->mapToGlobal({}), b = other->mapToGlobal({});
+            return std::pair(a.x(), a.y()) < std::pair(b.x(), b.y());
+        });
+        parts.insert(parts.end(), views.begin(), views.end());
+        if (views.empty())
+            parts.push_back(part);
+    };
+    if (QWidget* page = m_tabs->currentWidget())
+        addViews(page);
+    for (const QDockWidget* dock :
+         findChildren<QDockWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
+        if (dock->isHidden() || dock->visibleRegion().isEmpty() || !dock->widget())
+            continue;
+        if (dynamic_cast<const DeskDock*>(dock) != nullptr)
+            parts.push_back(dock->widget());
+        else if (!m_isWorkplace)
+            addViews(dock->widget());
+    }
+    if (parts.empty())
+        return;
+    const QWidget* focus = QApplication::focusWidget();
+    const int count = static_cast<int>(parts.size());
+    int next = by > 0 ? 0 : count - 1;
+    for (int i = 0; i < count; ++i)
+        if (focus && (parts[i] == focus || parts[i]->isAncestorOf(focus)))
+            next = (i + by + count) % count;
+    parts[static_cast<size_t>(next)]->setFocus(Qt::ShortcutFocusReason);
+}
+
+void MainWindow::makeHelpMenu() {
+    m_help = menuBar()->addMenu(QStringLiteral("&Справка"));
+    QAction* guide = addCommand(keys::help, m_help, true);
+    guide->setObjectName(QStringLiteral("actHandbook"));
+    connect(guide, &QAction::triggered, this, &MainWindow::showHelp);
+    QAction* about = m_help->addAction(QStringLiteral("&О программе"));
+    connect(about, &QAction::triggered, this, [this] {
+        showBox(QStringLiteral("О программе"),
+                QStringLiteral("Orvo " ORVO_VERSION "\nКлиент инженера: редактор меню и "
+                               "редактор ресурсов."),
+                MessageBoxIconNone);
+    });
+}
+
+} // namespace orvo::app
