@@ -12,7 +12,13 @@ QStringList move(const QPoint& to) {
     return {"mousemove", QString::number(to.x()), QString::number(to.y())};
 }
 
+int clickCount = 0;
+
 } // namespace
+
+int clicks() {
+    return clickCount;
+}
 
 bool xdotool(const QStringList& commands) {
     return QProcess::execute("xdotool", commands) == 0;
@@ -27,6 +33,7 @@ bool click(const QPoint& at, int button, const QString& modifier) {
         sinceLast.elapsed() < doubleClickMs)
         QThread::msleep(static_cast<unsigned long>(doubleClickMs - sinceLast.elapsed()));
     last = at;
+    clickCount += button == 1 || button == 3 ? 1 : 0; // and no turn of the wheel
     QStringList commands = move(at);
     if (!modifier.isEmpty())
         commands << "keydown" << modifier;
@@ -38,7 +45,13 @@ bool click(const QPoint& at, int button, const QString& modifier) {
     return done;
 }
 
+bool doubleClick(const QPoint& at) {
+    clickCount += 2;
+    return xdotool(move(at) + QStringList{"click", "--repeat", "2", "--delay", "60", "1"});
+}
+
 bool drag(const QPoint& from, const QPoint& to) {
+    ++clickCount;
     QStringList commands = move(from);
     commands << "mousedown"
              << "1";

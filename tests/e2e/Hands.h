@@ -12,6 +12,9 @@ namespace orvo::test::hands {
 bool xdotool(const QStringList& commands);
 
 bool click(const QPoint& at, int button = 1, const QString& modifier = {});
+bool doubleClick(const QPoint& at);
+/// Presses of a mouse button since the start; two for a double click, one for a drag.
+int clicks();
 /// Presses at `from`, moves in steps as a hand does, and lets go at `to`.
 bool drag(const QPoint& from, const QPoint& to);
 /// Key names of X, as "ctrl+a" or "Return".
