@@ -64,9 +64,9 @@ const Description& describe(Problem problem) {
          Detail::Text},
         {E, "name-empty", "пустое имя ресурса"},
         {E, "name-twice", "имя ресурса повторяется:", Detail::Text},
-        {E, "folder-unsaid", "ресурс вне папок, в дереве не виден"},
-        {E, "in-top-row", "после перезапуска редактора не виден; папка", Detail::Text},
-        {E, "no-folder", "нет папки", Detail::Key},
+        {E, "folder-unsaid", "ресурс вне папок, в дереве не виден", Detail::None, true},
+        {E, "in-top-row", "после перезапуска редактора не виден; папка", Detail::Text, true},
+        {E, "no-folder", "нет папки", Detail::Key, true},
         {W, "orphan-form", "папки нет, форма стоит среди непривязанных объектов; папка",
          Detail::Key},
         {E, "folder-of-other-kind", "папка другого типа:", Detail::FolderKey},
@@ -119,6 +119,10 @@ Severity severityOf(Problem problem) {
 
 const char* identifierOf(Problem problem) {
     return describe(problem).identifier;
+}
+
+bool isHiding(Problem problem) {
+    return describe(problem).hides;
 }
 
 QString titleOf(Problem problem) {

@@ -88,6 +88,8 @@ void Client::makeProblems() {
         else
             m_window->statusLine()->setDone(text);
     });
+    connect(m_problems.get(), &ProblemsFeed::reopenNeeded, m_window.get(),
+            &MainWindow::reopenRequested, Qt::QueuedConnection);
     connect(m_window->statusLine(), &StatusLine::problemsRequested, dock,
             [this, dock] { m_window->bringUp(dock); });
     connect(m_problemsPane, &ProblemsPane::showRequested, m_history.get(),

@@ -137,6 +137,21 @@ private slots:
         SOON(fixture.failure().contains("Уже исправлено без вас: 1"));
     }
 
+    void aLostDesktopIsInItsTreeAfterTheCure() {
+        Fixture fixture;
+        fixture.otherWrites(
+            MDX_INSERT,
+            {{"KeyLink", "lost"}, {"caption", "КС-9"}, {"order_", "2000"}, {"ParentKey", "gone"}},
+            "MenuFolder");
+        SOON(fixture.isKnown());
+        SOON(fixture.choose("«КС-9»"));
+        fixture.pane()->view()->setFocus();
+        QTest::keyClick(fixture.pane()->view(), Qt::Key_Space); // selects
+        QTRY_VERIFY(fixture.child<QPushButton>("problemsCure")->isEnabled());
+        fixture.child<QPushButton>("problemsCure")->click();
+        SOON(RunningClient::below(*fixture.view("tvDesck")->model(), {}).contains("КС-9"));
+    }
+
     void theRecordIsShownInItsEditor() {
         Fixture fixture;
         fixture.open();

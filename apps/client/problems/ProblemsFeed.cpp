@@ -50,9 +50,10 @@ struct ProblemsFeed::Update {
 
 struct ProblemsFeed::Plan {
     checks::CureBatch batch;
-    QStringList words; ///< what is put right, a line each
-    int gone = 0;      ///< that are no longer so
-    int open = 0;      ///< without a certain cure
+    QStringList words;  ///< what is put right, a line each
+    int gone = 0;       ///< that are no longer so
+    int open = 0;       ///< without a certain cure
+    bool shows = false; ///< records that no editor has shown
     int64_t seen = 0;
 };
 
@@ -234,6 +235,7 @@ void ProblemsFeed::cure(const std::vector<checks::Finding>& findings) {
                 } else if (!cure || !plan->batch.add(*cure)) {
                     ++plan->open;
                 } else {
+                    plan->shows = plan->shows || checks::isHiding(finding.problem);
                     plan->words << QStringLiteral("%1: %2").arg(rowOf(problems, finding).what,
                                                                 cure->words);
                 }
@@ -265,6 +267,8 @@ void ProblemsFeed::tellWritten(const Plan& plan, const store::Status& status) {
     else if (!plan.words.isEmpty())
         emit told(LogInformation,
                   QStringLiteral("Исправлено: %1. Отменяет Ctrl+Z.").arg(plan.words.size()));
+    if (status.ok() && plan.shows)
+        emit reopenNeeded();
     if (plan.gone > 0)
         emit told(LogWarning, QStringLiteral("Уже исправлено без вас: %1.").arg(plan.gone));
     if (plan.open > 0)

@@ -38,6 +38,8 @@ signals:
     void countChanged();
     /// What the user should read; the numbers are those of COrvoCliMod::LogFile.
     void told(int level, const QString& text);
+    /// What was put right has a place in the trees only after the modules are opened again.
+    void reopenNeeded();
 
 private:
     class Watcher;
