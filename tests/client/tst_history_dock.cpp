@@ -283,6 +283,44 @@ private slots:
         QTRY_COMPARE(fixture.menu(), QString("а(б(в1)) г"));
     }
 
+    void aBranchGoesBackAndWhatIsOutsideStays() {
+        Fixture fixture;
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "a"}, {"caption", "а1"}});
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "d"}, {"caption", "г1"}});
+        fixture.renames("c", "в1");
+        fixture.open();
+        QTRY_VERIFY(fixture.find("«а1»") >= 0);
+        fixture.choose("«а1»");
+        fixture.revertBack("и всего внутри неё");
+        QTRY_VERIFY(fixture.isReady());
+        QTest::mouseClick(fixture.dialog()->findChild<QPushButton*>("revertOk"), Qt::LeftButton);
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г1"));
+    }
+
+    void aPersonsLastHourGoesBackByTheFilter() {
+        Fixture fixture;
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "a"}, {"caption", "а0"}});
+        QVERIFY(fixture.host.kind->byHand("UPDATE \"NciEvent\" SET \"time\" = \"time\" - 4000;"));
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "a"}, {"caption", "а1"}});
+        fixture.renames("d", "г1");
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "c"}, {"caption", "в1"}});
+        fixture.open();
+        QTRY_VERIFY(fixture.find("«а1»") >= 0);
+        for (const char* name : {"historyWho", "historySince"}) {
+            auto* box = fixture.child<QComboBox>(name);
+            const int item = qMax(box->findText("за час"), box->findText("Петров П. (petrov)"));
+            QVERIFY2(item > 0, name);
+            box->setCurrentIndex(item);
+            emit box->activated(item);
+        }
+        QTRY_COMPARE(fixture.model()->rowCount(), 2);
+        fixture.choose("«а1»");
+        fixture.revertBack("по нынешнему отбору");
+        QTRY_VERIFY(fixture.isReady());
+        QTest::mouseClick(fixture.dialog()->findChild<QPushButton*>("revertOk"), Qt::LeftButton);
+        QTRY_COMPARE(fixture.menu(), QString("а0(б(в)) г1"));
+    }
+
     void showGoesToTheDesktopAndTheRow() {
         Fixture fixture;
         fixture.stop();
