@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <cassert>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -243,6 +244,13 @@ store::Status Catalogue::load(store::Store& store, const std::atomic<bool>* stop
             m_blocks.emplace_back();
             place(numberEnd() - 1, std::move(block));
         }
+    }
+    // A vector that has just doubled would keep half of its place for nothing.
+    if (m_texts.capacity() > m_texts.size() + m_texts.size() / 8) {
+        std::vector<Text> fitting;
+        fitting.reserve(m_texts.size() + m_texts.size() / 16);
+        std::move(m_texts.begin(), m_texts.end(), std::back_inserter(fitting));
+        m_texts = std::move(fitting);
     }
     assert(check() == nullptr);
     for (Listener* listener : m_listeners)

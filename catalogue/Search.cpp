@@ -11,7 +11,9 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
+#include <numeric>
 
 namespace orvo::catalogue {
 
@@ -40,6 +42,34 @@ char foldedLetter(char letter) {
 void append(std::string& text, std::string_view cp1251) {
     for (const char letter : cp1251)
         text.push_back(foldedLetter(letter));
+}
+
+/// Numbers below 2^partBits for three and for four letters in a row.
+constexpr uint32_t partBits = 17;
+
+uint32_t letters(const char* four) {
+    uint32_t value = 0;
+    std::memcpy(&value, four, sizeof value);
+    return value;
+}
+
+uint32_t partOfThree(uint32_t four) {
+    static_assert(std::endian::native == std::endian::little);
+    return (four & 0xFFFFFF) * 0x9E3779B1U >> (32 - partBits);
+}
+
+uint32_t partOfFour(uint32_t four) {
+    return four * 0x85EBCA6BU >> (32 - partBits);
+}
+
+/// The parts of a word that a block must have; none of a word of one or two letters.
+std::vector<uint32_t> partsOf(const std::string& word) {
+    std::vector<uint32_t> parts;
+    if (word.size() == 3)
+        parts.push_back(partOfThree(letters(word.c_str()))); // with the zero byte behind it
+    for (size_t i = 0; i + 4 <= word.size(); ++i)
+        parts.push_back(partOfFour(letters(word.data() + i)));
+    return parts;
 }
 
 /// The fields that are looked at, by table.
@@ -185,6 +215,14 @@ void Search::make(const Catalogue& catalogue, uint32_t number, Block& block) con
         block.places.push_back(placeOfTable(record));
     }
     block.text.shrink_to_fit();
+    block.parts.assign((1U << partBits) / 64, 0);
+    const auto mark = [&block](uint32_t part) { block.parts[part / 64] |= 1ULL << part % 64; };
+    // The last text ends in a zero byte, so four bytes can be read wherever three letters are.
+    for (size_t i = 0; i + 4 <= block.text.size(); ++i) {
+        const uint32_t four = letters(block.text.data() + i);
+        mark(partOfThree(four));
+        mark(partOfFour(four));
+    }
     block.made = true;
 }
 
@@ -245,7 +283,8 @@ const char* Search::check(const Catalogue& catalogue) const {
 size_t Search::memory() const {
     size_t sum = m_blocks.capacity() * sizeof(Block);
     for (const Block& block : m_blocks)
-        sum += block.text.capacity() + 4 * (block.ends.capacity() + block.above.capacity());
+        sum += block.text.capacity() + 4 * (block.ends.capacity() + block.above.capacity()) +
+               block.places.capacity() + 8 * block.parts.capacity();
     return sum;
 }
 
@@ -275,6 +314,8 @@ public:
         std::stable_sort(m_words.begin(), m_words.end(),
                          [](const auto& a, const auto& b) { return a.size() > b.size(); });
         append(m_whole, mdx::toCp1251(text.simplified().toStdString()));
+        for (const std::string& word : m_words)
+            m_parts.push_back(partsOf(word));
         if (m_words.size() > 1)
             m_pathWords.resize(catalogue.numberEnd(), 0);
     }
@@ -284,11 +325,18 @@ public:
     /// Looks through all; false if it was stopped. `pause` is called after each block.
     template <class Pause>
     bool go(const std::atomic<bool>& stop, Pause&& pause) {
-        for (uint32_t place = 0; place < m_search.m_blocks.size(); ++place) {
+        // In strides through all of them: whatever is looked for, some of it is met early.
+        const auto count = static_cast<uint32_t>(m_search.m_blocks.size());
+        uint32_t stride = count * 5 / 8 + 1;
+        while (std::gcd(stride, count) != 1)
+            ++stride;
+        uint32_t place = 0;
+        for (uint32_t i = 0; i < count; ++i, place = (place + stride) % count) {
             if (stop)
                 return false;
             for (size_t word = 0; word < m_words.size(); ++word)
-                scan(m_search.m_blocks[place], place * blockSize, word);
+                if (mayHave(m_search.m_blocks[place], word))
+                    scan(m_search.m_blocks[place], place * blockSize, word);
             pause();
         }
         return true;
@@ -323,6 +371,11 @@ private:
         }
     };
 
+    bool mayHave(const Block& block, size_t word) const {
+        return std::all_of(m_parts[word].begin(), m_parts[word].end(), [&block](uint32_t part) {
+            return (block.parts[part / 64] >> part % 64 & 1) != 0;
+        });
+    }
     void scan(const Block& block, uint32_t first, size_t word) {
         const char* begin = block.text.data();
         const char* end = begin + block.text.size();
@@ -419,6 +472,7 @@ private:
     const Catalogue& m_catalogue;
     const size_t m_most;
     std::vector<std::string> m_words;
+    std::vector<std::vector<uint32_t>> m_parts; ///< of each word
     std::string m_whole;
     std::vector<uint8_t> m_pathWords; ///< by number, as far as asked for
     std::vector<Hit> m_best;          ///< a heap, the worst in front

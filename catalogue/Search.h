@@ -6,8 +6,9 @@
 // case, е being ё. No character means anything but itself.
 //
 // The texts are searched in a copy with the letters made equal, in blocks of records with
-// neighbouring numbers. A change drops the block that it falls into; settled() makes it anew, or
-// the next search.
+// neighbouring numbers; each knows which three or four letters in a row occur in it, so that a rare
+// word is looked for in few of them. A change drops the block that it falls into; settled() makes
+// it anew, or the next search.
 //
 // All of it in the thread of the catalogue. Invariant, looked at by check(): a block that counts as
 // made is what making it now would give.
@@ -72,6 +73,7 @@ private:
         std::vector<uint32_t> ends;  ///< where the next record's text begins
         std::vector<uint32_t> above; ///< 1 + number of what the record stands in; 0: nothing
         std::vector<uint8_t> places; ///< of its table in the order in which results are shown
+        std::vector<uint64_t> parts; ///< bits of hashes: which three and four letters occur
         bool made = false;
         bool operator==(const Block&) const = default;
     };
