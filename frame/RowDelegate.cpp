@@ -1,5 +1,7 @@
 #include "frame/RowDelegate.h"
 
+#include "frame/Contrast.h"
+
 #include "frame/OrvoClient.h"
 
 #include <QAbstractItemView>
@@ -74,6 +76,21 @@ RecordMark RowDelegate::markOf(const QModelIndex& index) const {
     return record.second.isEmpty() ? RecordMark() : host->recordMark(record.first, record.second);
 }
 
+void RowDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
+    QStyledItemDelegate::initStyleOption(option, index);
+    if (!isDark(option->palette))
+        return;
+    QColor behind = option->palette.color(QPalette::Base);
+    if (option->backgroundBrush.style() == Qt::SolidPattern) {
+        behind = ground(option->backgroundBrush.color(), option->palette);
+        option->backgroundBrush = behind;
+    }
+    for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+        const QColor text = option->palette.color(group, QPalette::Text);
+        option->palette.setColor(group, QPalette::Text, readable(text, behind));
+    }
+}
+
 void RowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                         const QModelIndex& index) const {
     QStyledItemDelegate::paint(painter, option, index);
@@ -84,10 +101,11 @@ void RowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     const QRect place = markPlace(option, label);
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
+    const QColor behind = ground(QColor(0xff, 0xf4, 0xd0), option.palette);
     painter->setPen(QColor(0xd9, 0xb3, 0x4a));
-    painter->setBrush(QColor(0xff, 0xf4, 0xd0));
+    painter->setBrush(behind);
     painter->drawRoundedRect(QRectF(place).adjusted(0.5, 0.5, -0.5, -0.5), 4, 4);
-    painter->setPen(QColor(0x6b, 0x4e, 0x00));
+    painter->setPen(readable(QColor(0x6b, 0x4e, 0x00), behind));
     painter->setFont(option.font);
     const QRect inner = place.adjusted(markPadding, 0, -markPadding, 0);
     painter->drawText(inner, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,

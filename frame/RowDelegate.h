@@ -38,6 +38,9 @@ public:
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override;
+    /// Colours that the model tells of a row are for a light window; on a dark one they become such
+    /// as can be read there.
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
     bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
                    const QModelIndex& index) override;
 

@@ -68,7 +68,7 @@ void OrvoResources::makeSearchBar() {
     bar->addWidget(m_lblSearch);
 
     m_cmbSearch = new QComboBox(this);
-    m_cmbSearch->setStyleSheet(QStringLiteral("QComboBox { background-color: white }"));
+    colourSearchChoice();
     m_cmbSearch->setFocusPolicy(Qt::NoFocus);
     m_cmbSearch->addItems({tr("Наименование"), tr("Ресурс")});
     m_cmbSearch->setCurrentIndex(0);

@@ -114,6 +114,10 @@ protected:
     /// For a user who may not write: he looks, opens, takes files out, and nothing else.
     void setReadOnly();
     void setResFocusedItemAfterChanges();
+    void changeEvent(QEvent* event) override;
+    /// The search field and its choice in colours that suit the palette and what was found.
+    void colourSearch();
+    void colourSearchChoice();
 
     // Actions: nothing happens for an invalid index
     void setActionsDisabled();

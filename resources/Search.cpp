@@ -1,5 +1,6 @@
 // The search bar: finds rows while the user types, and steps through what was found. No list of
 // results, and no way around from the last hit to the first.
+#include "frame/Contrast.h"
 #include "resources/OrvoResources.h"
 
 #include "ui_OrvoResources.h"
@@ -23,7 +24,6 @@ constexpr int searchColumns[] = {ResColumn::Caption, ResColumn::Name};
 } // namespace
 
 void OrvoResources::on_search_textChanged(const QString& text) {
-    QPalette colours = palette();
     m_btnSearchUp->setEnabled(false);
     m_btnSearchDown->setEnabled(false);
     if (!text.isEmpty() && m_searchHits) {
@@ -31,15 +31,39 @@ void OrvoResources::on_search_textChanged(const QString& text) {
         if (entry == 0 || entry == 1)
             m_searchHits->find(searchColumns[entry], text);
         const int32_t first = livingHit(0, 1);
-        if (first == m_searchHits->count()) {
-            colours.setColor(QPalette::Text, QColor(QLatin1String(nothingFound)));
-        } else {
+        if (first < m_searchHits->count()) {
             showHit(first);
             m_searchPos = first;
             m_btnSearchDown->setEnabled(livingHit(first + 1, 1) < m_searchHits->count());
         }
     }
+    colourSearch();
+}
+
+/// The choice is white on a light window; on a dark one the letters in it would be light, too.
+void OrvoResources::colourSearchChoice() {
+    m_cmbSearch->setStyleSheet(orvo::isDark(palette())
+                                   ? QString()
+                                   : QStringLiteral("QComboBox { background-color: white }"));
+}
+
+void OrvoResources::colourSearch() {
+    QPalette colours = palette();
+    if (!m_edSearch->text().isEmpty() && m_searchHits && livingHit(0, 1) == m_searchHits->count()) {
+        const QColor red{QLatin1String(nothingFound)};
+        colours.setColor(QPalette::Text, orvo::isDark(colours)
+                                             ? orvo::readable(red, colours.color(QPalette::Base))
+                                             : red);
+    }
     m_edSearch->setPalette(colours);
+}
+
+void OrvoResources::changeEvent(QEvent* event) {
+    EditorWindow::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && m_cmbSearch) {
+        colourSearchChoice();
+        colourSearch();
+    }
 }
 
 void OrvoResources::on_searchCmb_indexChanged(int) {

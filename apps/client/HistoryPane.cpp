@@ -71,6 +71,7 @@ HistoryPane::HistoryPane(StoreThread& thread, const QString& login, bool mayWrit
     m_scopeButton->setAccessibleName(QStringLiteral("О чём история"));
     m_view->setModel(&m_feed.model());
     m_view->setUniformRowHeights(true);
+    m_view->setItemDelegate(new ReadableDelegate(m_view));
     m_view->setAlternatingRowColors(true);
     m_view->setFrameShape(QFrame::NoFrame);
     m_view->setContextMenuPolicy(Qt::CustomContextMenu);

@@ -18,6 +18,7 @@ LogPane::LogPane(QWidget* parent) : QTreeWidget(parent) {
         {QStringLiteral("Время"), QStringLiteral("Место"), QStringLiteral("Сообщение")});
     setRootIsDecorated(false);
     setUniformRowHeights(true);
+    setItemDelegate(new ReadableDelegate(this));
     setFrameShape(QFrame::NoFrame);
     setAlternatingRowColors(true);
     setSelectionMode(ExtendedSelection);

@@ -1,8 +1,9 @@
-// Look.h: style, colours and translations of the whole program.
+// Look.h: how texts from elsewhere are shown; the language of Qt's own.
 #ifndef ORVO_APPS_CLIENT_LOOK_H
 #define ORVO_APPS_CLIENT_LOOK_H
 
 #include <QString>
+#include <QStyledItemDelegate>
 
 namespace orvo::app {
 
@@ -20,8 +21,19 @@ QString oneLine(QString text, int longest = 120);
 /// The name of the desktop entry, the icon and the metadata, and the class of the windows.
 inline constexpr char applicationId[] = "org.orvo.Client";
 
-/// To be called once, after the QApplication is made and before the first window.
-void applyTheme();
+/// Qt's own dialogs and menus in the language of ours. To be called once, after the QApplication is
+/// made and before the first window.
+void speakRussian();
+
+/// Shows the colours that items have for a light window as such that can be read on the view's own.
+class ReadableDelegate : public QStyledItemDelegate {
+    Q_OBJECT
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
+};
 
 } // namespace orvo::app
 

@@ -53,6 +53,8 @@ public:
     QMenu* editMenu() const { return m_edit; }
     /// The menu of what moves the focus and finds.
     QMenu* goMenu() const { return m_go; }
+    /// The menu of how the window looks.
+    QMenu* viewMenu() const { return m_view; }
     /// Of what is in a tab or in the pane of a desktop.
     void setTitle(QWidget* page, const QString& title);
     /// In front of other windows, or marked in the task bar where the desktop does not want that.

@@ -1,6 +1,7 @@
 #include "apps/client/StatusLine.h"
 
 #include "apps/client/Look.h"
+#include "frame/Contrast.h"
 
 #include <QEvent>
 #include <QLabel>
@@ -61,7 +62,6 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
     addWidget(m_storeLabel);
     addWidget(m_userLabel);
     m_readOnly->setObjectName(QStringLiteral("readOnlyLabel"));
-    m_readOnly->setStyleSheet(QStringLiteral("color:#8a5a00"));
     addWidget(m_readOnly);
     m_readOnly->hide();
     m_others->setObjectName(QStringLiteral("othersLabel"));
@@ -90,10 +90,6 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
 
     m_failure->setObjectName(QStringLiteral("failureButton"));
     m_failure->setCursor(Qt::PointingHandCursor);
-    m_failure->setStyleSheet(
-        QStringLiteral("QToolButton{background:#fbe9e7;color:#9c2a20;border:1px solid #e0a49d;"
-                       "border-radius:4px;padding:2px 10px}"
-                       "QToolButton:hover{background:#f6d9d5}"));
     m_failure->setMinimumWidth(narrowest); // its text never makes the window wider
     m_failure->hide();
     addPermanentWidget(m_failure);
@@ -106,7 +102,8 @@ void StatusLine::setProblems(size_t errors, size_t warnings) {
         errors > 0
             ? QStringLiteral("Проблемы: %1, из них ошибок %2").arg(errors + warnings).arg(errors)
             : QStringLiteral("Проблемы: %1").arg(warnings));
-    m_problems->setStyleSheet(errors > 0 ? QStringLiteral("color:#9c2a20") : QString());
+    m_hasErrors = errors > 0;
+    colour();
     m_problems->setVisible(errors + warnings > 0);
     fitFailure();
 }
@@ -116,18 +113,45 @@ QString StatusLine::problems() const {
 }
 
 void StatusLine::setConnected(bool up, const QString& reason) {
-    m_light->setStyleSheet(QStringLiteral("background:%1;border-radius:5px")
-                               .arg(up ? QStringLiteral("#3f9b5c") : QStringLiteral("#c9372c")));
+    m_isUp = up;
     if (up)
         m_since.clear();
     else if (m_since.isEmpty())
         m_since = QTime::currentTime().toString(QStringLiteral("HH:mm:ss"));
     m_connection->setText(up ? QStringLiteral("Подключено")
                              : QStringLiteral("Нет связи с %1 с %2").arg(m_store, m_since));
-    m_connection->setStyleSheet(up ? QString() : QStringLiteral("color:#9c2a20"));
+    colour();
     m_storeLabel->setVisible(up); // the other label names it then
     m_connection->setToolTip(plainToolTip(reason));
     fitFailure();
+}
+
+void StatusLine::colour() {
+    const auto text = [this](const char* name) {
+        return readable(QColor(QLatin1String(name)), palette().color(QPalette::Window)).name();
+    };
+    const auto behind = [this](const char* name) {
+        return ground(QColor(QLatin1String(name)), palette());
+    };
+    m_light->setStyleSheet(
+        QStringLiteral("background:%1;border-radius:5px")
+            .arg(m_isUp ? QStringLiteral("#3f9b5c") : QStringLiteral("#c9372c")));
+    m_connection->setStyleSheet(m_isUp ? QString() : QStringLiteral("color:") + text("#9c2a20"));
+    m_problems->setStyleSheet(m_hasErrors ? QStringLiteral("color:") + text("#9c2a20") : QString());
+    m_readOnly->setStyleSheet(QStringLiteral("color:") + text("#8a5a00"));
+    const QColor box = behind("#fbe9e7");
+    m_failure->setStyleSheet(
+        QStringLiteral("QToolButton{background:%1;color:%2;border:1px solid #e0a49d;"
+                       "border-radius:4px;padding:2px 10px}"
+                       "QToolButton:hover{background:%3}")
+            .arg(box.name(), readable(QColor(0x9c, 0x2a, 0x20), box).name(),
+                 behind("#f6d9d5").name()));
+}
+
+void StatusLine::changeEvent(QEvent* event) {
+    QStatusBar::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        colour();
 }
 
 QString StatusLine::connection() const {

@@ -50,9 +50,12 @@ signals:
 protected:
     void resizeEvent(QResizeEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     void fitFailure();
+    /// Sets the colours that have a meaning, as suits the palette.
+    void colour();
     void acknowledge();
     /// Shows a text that the line has no room for, above the line, until it is clicked.
     void showWhole(const QString& text);
@@ -71,7 +74,9 @@ private:
     QPointer<QLabel> m_whole; ///< child of the window, made when first needed
     QTimer m_doneTime;
     const QString m_store;
-    QString m_since; ///< time of the loss; empty: connected
+    bool m_isUp = true;
+    bool m_hasErrors = false; ///< among the problems
+    QString m_since;          ///< time of the loss; empty: connected
     QString m_text;
     QString m_newest; ///< the newest failure, whole
     int m_count = 0;

@@ -68,9 +68,9 @@ std::optional<QString> textIn(const store::TableDef& table,
 
 /// Shows the start of a value, on one line; what is edited is the whole of it, in letters that a
 /// record can hold.
-class FieldDelegate : public QStyledItemDelegate {
+class FieldDelegate : public ReadableDelegate {
 public:
-    using QStyledItemDelegate::QStyledItemDelegate;
+    using ReadableDelegate::ReadableDelegate;
     QString displayText(const QVariant& value, const QLocale& /*locale*/) const override {
         return oneLine(value.toString(), 1000);
     }

@@ -1,11 +1,14 @@
 // orvo-client: the engineer's client and the operator's desktop. Exit codes: 0 done, 1 could not
 // work, 2 wrong command line.
 #include "apps/client/Client.h"
+#include "apps/client/FocusMark.h"
 #include "apps/client/FunctionHost.h"
 #include "apps/client/Instance.h"
+#include "apps/client/LatinKeys.h"
 #include "apps/client/Look.h"
 #include "apps/client/MainWindow.h"
 #include "apps/client/Options.h"
+#include "apps/client/Scheme.h"
 #include "apps/client/WaitPane.h"
 #include "apps/client/start/RecentStores.h"
 #include "apps/client/start/StorePage.h"
@@ -63,7 +66,7 @@ bool chooseStore(orvo::app::Options* options, const QString& reason) {
 
 /// Opens the store of the options and runs until the window closes. Whoever names no store and has
 /// none, or one that does not open, is asked which.
-int runClient(orvo::app::Options options) {
+int runClient(orvo::app::Options options, orvo::app::SchemeKeeper& scheme) {
     const bool mayAsk = options.isDefaultStore && options.screenshot.isEmpty() &&
                         options.inspect.isEmpty() && options.desktop.isEmpty();
     bool isAsked = mayAsk && !QFileInfo::exists(orvo::app::ownStore());
@@ -86,6 +89,7 @@ int runClient(orvo::app::Options options) {
             if (options.screenshot.isEmpty() && options.inspect.isEmpty())
                 orvo::app::rememberStore(options.store);
             client.show();
+            scheme.addMenu(client.window()->viewMenu());
             if (!options.screenshot.isEmpty())
                 client.takeScreenshot();
             return QApplication::exec();
@@ -130,11 +134,14 @@ int main(int argc, char* argv[]) {
     QCoreApplication::setApplicationName(QLatin1String(orvo::app::applicationId));
     QGuiApplication::setDesktopFileName(QLatin1String(orvo::app::applicationId));
     QApplication::setWindowIcon(applicationIcon());
-    orvo::app::applyTheme();
+    orvo::app::SchemeKeeper scheme;
+    orvo::app::speakRussian();
+    orvo::app::FocusMark::follow();
+    orvo::app::LatinKeys::install();
     if (pane)
         return orvo::app::runWaitPane(arguments);
     if (function)
         return orvo::app::runFunctionHost();
 
-    return runClient(options);
+    return runClient(options, scheme);
 }
