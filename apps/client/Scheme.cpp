@@ -145,13 +145,13 @@ void SchemeKeeper::addMenu(QMenu* view) {
     if (!m_isOurs)
         return;
     QMenu* menu = view->addMenu(QStringLiteral("&Цвета"));
-    auto* group = new QActionGroup(menu); // exclusive
+    auto* schemes = new QActionGroup(menu); // exclusive
     for (const Choice& choice : choices) {
         QAction* action = menu->addAction(QString::fromUtf8(choice.title));
         action->setObjectName(QStringLiteral("actScheme-") + QLatin1String(choice.word));
         action->setCheckable(true);
         action->setChecked(choice.scheme == m_scheme);
-        group->addAction(action);
+        schemes->addAction(action);
         connect(action, &QAction::triggered, this,
                 [this, scheme = choice.scheme] { choose(scheme); });
     }
