@@ -125,9 +125,11 @@ void Client::show() {
     int tab = 0;
     if (isWorkplace())
         m_window->becomeWorkplace();
-    if (m_options.isKiosk)
+    if (m_options.isKiosk) {
         m_window->becomeKiosk();
-    else if (m_options.screenshot.isEmpty()) { // pictures are the same for everybody
+    } else if (!m_options.screenshot.isEmpty()) {
+        m_window->becomePicture(); // the same for everybody
+    } else {
         const QString kind = isWorkplace() ? QStringLiteral("desktop ") : QString();
         m_memory =
             std::make_unique<WindowMemory>(kind + QString::fromStdString(store.displayName()),

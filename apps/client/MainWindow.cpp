@@ -25,6 +25,7 @@ namespace orvo::app {
 
 namespace {
 
+constexpr QSize usualSize(1366, 900);
 constexpr int usefulHeight = 300; ///< of a pane that is called by a key
 
 } // namespace
@@ -47,7 +48,7 @@ MainWindow::MainWindow(const QString& store, const QString& login)
     makeMenus();
     constexpr int titleBar = 40, borders = 8; // of the frame, not known yet
     const QRect area = screen()->availableGeometry();
-    resize(std::min(1366, area.width() - borders), std::min(900, area.height() - titleBar));
+    resize(QSize(area.width() - borders, area.height() - titleBar).boundedTo(usualSize));
     resizeDocks({m_logDock}, {130}, Qt::Vertical);
 }
 
@@ -183,7 +184,14 @@ void MainWindow::showEvent(QShowEvent* event) {
         QTimer::singleShot(200, this, &MainWindow::fitScreen);
 }
 
+void MainWindow::becomePicture() {
+    m_isPicture = true;
+    resize(usualSize);
+}
+
 void MainWindow::fitScreen() {
+    if (m_isPicture)
+        return;
     if (windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen | Qt::WindowMinimized))
         return;
     const QRect area = screen()->availableGeometry();

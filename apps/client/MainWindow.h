@@ -42,6 +42,8 @@ public:
     void becomeWorkplace();
     /// Full screen, without a frame, and it stays until endKiosk.
     void becomeKiosk();
+    /// Of its usual size whatever the screen, for a picture. Before show.
+    void becomePicture();
     void endKiosk() { m_isKiosk = false; }
     /// Places a widget, which becomes the window's, in a pane beside the log, closed at first.
     /// With a shortcut, it brings the pane to the front, or closes it if it is there.
@@ -126,6 +128,7 @@ private:
     bool m_closesNow = false;
     bool m_isWorkplace = false;
     bool m_isKiosk = false;
+    bool m_isPicture = false;
 };
 
 } // namespace orvo::app
