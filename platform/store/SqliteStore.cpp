@@ -335,8 +335,9 @@ Status SqliteStore::inWrite(const Work& work) {
         status = clearWriter();
     if (status.ok())
         status = noteUndone(before);
-    if (status.ok())
-        status = present();
+    // Also when it failed: pages of a file that was laid over this one read as damage.
+    if (Status place = present(); !place.ok())
+        status = std::move(place);
     if (!status.ok())
         return status;
     Written written;
