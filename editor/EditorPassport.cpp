@@ -25,10 +25,10 @@ void EditorWindow::arrangePassport(QTreeView* view) {
     m_propModel = std::make_unique<PropModel>(passportColumns(), iconsPath(*this), this);
     view->setModel(m_propModel.get());
     orvo::arrangePassport(view);
-    m_passportKeys = new PassportKeys(view);
     followExpansion(view, m_propModel.get());
     m_passpDelegate = std::make_unique<PasspDelegate>(m_propModel.get(), this);
     view->setItemDelegate(m_passpDelegate.get());
+    m_passportKeys = new PassportKeys(view);
     connect(m_propModel.get(), &PropModel::editorRowValueChanged, this,
             &EditorWindow::on_editor_valueChanged);
     connect(m_passpDelegate.get(), &PasspDelegate::buttonPressed, this,

@@ -4,6 +4,7 @@
 #include "models/MyButtonEdit.h"
 #include "models/PropModel.h"
 
+#include <QAbstractItemDelegate>
 #include <QApplication>
 #include <QMouseEvent>
 #include <QTreeView>
@@ -52,13 +53,18 @@ PassportKeys::PassportKeys(QTreeView* passport)
     , m_viewport(passport->viewport()) {
     passport->installEventFilter(this);
     passport->viewport()->installEventFilter(this);
-    // A field is asked here before the delegate, which would go to the next row and open it.
-    connect(qApp, &QApplication::focusChanged, this, [this](const QWidget*, QWidget* now) {
-        if (!now || now->parentWidget() != m_viewport)
-            return;
-        now->removeEventFilter(this);
-        now->installEventFilter(this);
-    });
+    connect(qApp, &QApplication::focusChanged, this, &PassportKeys::getKeysFirst);
+    // A view that has taken a field's text makes its delegate the first to get the keys again.
+    connect(passport->itemDelegate(), &QAbstractItemDelegate::commitData, this,
+            &PassportKeys::getKeysFirst);
+}
+
+void PassportKeys::getKeysFirst() {
+    QWidget* field = QApplication::focusWidget();
+    if (!field || field->parentWidget() != m_viewport)
+        return;
+    field->removeEventFilter(this);
+    field->installEventFilter(this);
 }
 
 bool PassportKeys::isOfType(const QModelIndex& value, int type) {

@@ -17,7 +17,7 @@ namespace orvo::editor {
 
 class PassportKeys : public QObject {
 public:
-    /// The view shows a PropModel, and owns this.
+    /// The view shows a PropModel, has its delegate already, and owns this.
     explicit PassportKeys(QTreeView* passport);
 
     /// Opens the field of the current row; of a check box, which has none, nothing.
@@ -35,6 +35,9 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    /// The field that has the focus is asked here before the delegate, which would go to the next
+    /// row and open it, and so turn a check box over.
+    void getKeysFirst();
     bool viewKey(QKeyEvent& event);
     bool editorKey(QKeyEvent& event);
     void moveCurrent(QKeyEvent& event);

@@ -324,6 +324,31 @@ private slots:
         QCOMPARE(menu->element("trend").data().toString(), QString("Кривая"));
     }
 
+    void tabOutOfATypedFieldTurnsNoCheckBoxOver() {
+        Menu menu;
+        QVERIFY(menu.open());
+        QTreeView* passport = menu.view("tvProp");
+        const auto row = [&] {
+            return passport->currentIndex().siblingAtColumn(4).data().toString();
+        };
+        // Onto the one below the field, and onto the one above the other field.
+        for (const auto& [key, check] :
+             {std::pair(Qt::Key_Tab, "onecopy"), std::pair(Qt::Key_Backtab, "object")}) {
+            QTest::keyClick(menu.at("trend"), Qt::Key_F2);
+            passport->setCurrentIndex(
+                menu->m_propModel->findIndexByKey("params").siblingAtColumn(1));
+            QWidget* field = passport->indexWidget(passport->currentIndex());
+            QVERIFY(field);
+            typeText(field, "7");
+            QTest::keyClick(field, key);
+            QCOMPARE(row(), QString(check));
+            QVERIFY(!menu->m_propModel->getRowValue("onecopy").toBool());
+            QTest::keyClick(passport, Qt::Key_Escape);
+            QTest::keyClick(passport, Qt::Key_Escape);
+            QCOMPARE(menu->m_editMode, 0);
+        }
+    }
+
     void aLetterOpensTheFieldFromAnywhereInTheRow() {
         Menu menu;
         QVERIFY(menu.open());
