@@ -16,7 +16,6 @@
 #include <map>
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 #include <vector>
@@ -82,7 +81,8 @@ private:
 
     const Catalogue& m_records;
     Namesakes m_namesakes;
-    std::unordered_map<uint32_t, Findings> m_found;
+    /// By number. A hash table would be filled anew at times, within one change.
+    std::map<uint32_t, Findings> m_found;
     Findings m_tops;
     size_t m_errors = 0, m_warnings = 0;
     std::unordered_set<uint32_t> m_inCircle; ///< every member of one
