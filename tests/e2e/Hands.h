@@ -19,7 +19,7 @@ int clicks();
 bool drag(const QPoint& from, const QPoint& to);
 /// Key names of X, as "ctrl+a" or "Return".
 bool key(const QString& name);
-/// ASCII only: other letters would depend on the keyboard of the display.
+/// ASCII, and what else the keyboard of the display has.
 bool type(const QString& text);
 
 /// How many windows of that name (a regular expression) are on the screen, whoever shows them.
