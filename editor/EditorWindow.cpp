@@ -70,6 +70,18 @@ void EditorWindow::bindEditCommands(const std::vector<QTreeView*>& trees) {
     connect(this, &EditorWindow::editStateChanged, save, follow);
     follow();
 
+    const auto bindSearch = [this](const char* id, const std::function<void()>& act) {
+        auto* action = new QAction(keys::text(*keys::command(QLatin1String(id))), this);
+        action->setObjectName(QStringLiteral("search_") + QLatin1String(id));
+        action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+        addAction(action);
+        m_commands->bind(id, nullptr, action);
+        connect(action, &QAction::triggered, this, act);
+    };
+    bindSearch(keys::find, [this] { openSearch(); });
+    bindSearch(keys::nextHit, [this] { stepToHit(1); });
+    bindSearch(keys::previousHit, [this] { stepToHit(-1); });
+
     const auto isEditing = [this] { return m_btnCancel->isEnabled(); };
     // Once the edit has ended, and again when its own change has come back: a new row is known to
     // be saved then.

@@ -200,6 +200,11 @@ protected:
     /// no longer reaches the window, and its models outlive their views.
     void destroyViews();
 
+    /// Ctrl+F: shows the search field of the tree that has the focus, or of the window's main one.
+    virtual void openSearch() {}
+    /// F3 and Shift+F3: goes to the next hit of that search (1) or to the one before (-1).
+    virtual void stepToHit(int /*by*/) {}
+
     /// All notifications that waited have been taken.
     virtual void notificationsTaken() {}
 

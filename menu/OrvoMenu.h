@@ -48,6 +48,7 @@ namespace orvo {
 class Notification;
 class RowWriter;
 class ScratchTable;
+class TreeSearchBar;
 } // namespace orvo
 
 namespace orvo::menu {
@@ -112,8 +113,10 @@ protected:
     QByteArray m_ownCut;       ///< the last cut, as long as nothing else has been offered since
     bool m_skipDesckChange = false;  ///< the next on_tvDesck_currentChanged only clears this
     QAction* m_actPreview = nullptr; ///< child of the window
-    bool m_hasPreview = false;       ///< the host was asked for one, and follows it as it likes
-    QTimer m_previewTimer;           ///< what it follows has changed, and perhaps changes more
+    orvo::TreeSearchBar* m_desckSearch = nullptr; ///< children of the views; null until the start
+    orvo::TreeSearchBar* m_menuSearch = nullptr;
+    bool m_hasPreview = false; ///< the host was asked for one, and follows it as it likes
+    QTimer m_previewTimer;     ///< what it follows has changed, and perhaps changes more
     std::unique_ptr<Ui_OrvoMenu> m_ui;
 
     // Start and views
@@ -249,6 +252,10 @@ protected slots:
 private:
     // Notifications
     void notificationsTaken() override;
+    void openSearch() override;
+    void stepToHit(int by) override;
+    /// Of the tree that has the focus; of the menu if none has it.
+    orvo::TreeSearchBar* searchBar() const;
     /// What changes of the tables do.
     void followTables();
     /// The row of an element, the root row for its key; invalid for an empty key.

@@ -7,7 +7,9 @@
 #include "frame/Vocabulary.h"
 #include "frame/WindowParts.h"
 #include "menu/Columns.h"
+#include "models/TreeSearchBar.h"
 
+#include <QApplication>
 #include <QItemSelectionModel>
 #include <QTreeView>
 
@@ -32,6 +34,8 @@ void OrvoMenu::setTreeArrangement() {
     });
     desck->setItemDelegate(m_desckDelegate.get());
     orvo::followExpansion(desck, m_desckModel.get());
+    m_desckSearch = new orvo::TreeSearchBar(desck, *m_desckModel, DesckColumn::KeyLink,
+                                            {{DesckColumn::Name, tr("Имя")}});
     connect(desck, &QTreeView::customContextMenuRequested, this,
             &OrvoMenu::showContextMenu_tvDesck);
     // A click with Ctrl on the current row would leave nothing highlighted that is acted on.
@@ -64,6 +68,9 @@ void OrvoMenu::setTreeArrangement() {
     orvo::hideColumns(menu, MenuColumn::FolderKey, m_elementFields.columnCount() - 1);
     menu->setColumnWidth(MenuColumn::Caption, 300);
     orvo::followExpansion(menu, m_menuModel.get());
+    m_menuSearch = new orvo::TreeSearchBar(
+        menu, *m_menuModel, MenuColumn::KeyLink,
+        {{MenuColumn::Caption, tr("Наименование")}, {MenuColumn::Command, tr("Ресурс")}});
     connect(menu, &QTreeView::customContextMenuRequested, this, &OrvoMenu::showContextMenu_tvMenu);
     connect(menu, &QTreeView::clicked, this, &OrvoMenu::on_tvMenu_clicked);
     connect(menu->selectionModel(), &QItemSelectionModel::selectionChanged, this,
@@ -79,4 +86,20 @@ void OrvoMenu::setTreeArrangement() {
     connect(m_passpDelegate.get(), &PasspDelegate::returnPressed, this,
             &OrvoMenu::on_passp_returnPressed);
     bindCommands();
+}
+
+orvo::TreeSearchBar* OrvoMenu::searchBar() const {
+    const QWidget* focus = QApplication::focusWidget();
+    return focus && (focus == m_ui->tvDesck || m_ui->tvDesck->isAncestorOf(focus)) ? m_desckSearch
+                                                                                   : m_menuSearch;
+}
+
+void OrvoMenu::openSearch() {
+    if (orvo::TreeSearchBar* bar = searchBar())
+        bar->open();
+}
+
+void OrvoMenu::stepToHit(int by) {
+    if (orvo::TreeSearchBar* bar = searchBar())
+        bar->step(by);
 }

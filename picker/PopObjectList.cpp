@@ -5,6 +5,7 @@
 #include "frame/RowDelegate.h"
 #include "frame/Vocabulary.h"
 #include "frame/WindowParts.h"
+#include "models/TreeSearchBar.h"
 #include "picker/ObjectListOwner.h"
 #include "ui_PopObjectList.h"
 
@@ -65,6 +66,13 @@ CPopObjectList::CPopObjectList(QMainWindow* parent)
          {static_cast<QObject*>(m_ui->tvObj), static_cast<QObject*>(m_ui->tvObj->viewport()),
           static_cast<QObject*>(m_ui->btnOK), static_cast<QObject*>(m_ui->btnCancel)})
         watched->installEventFilter(this);
+    const auto& titles = columnTitles();
+    m_search = new orvo::TreeSearchBar(m_ui->tvObj, *m_model, PickColumn::KeyLink,
+                                       {{PickColumn::Name, titles[PickColumn::Name]},
+                                        {PickColumn::Caption, titles[PickColumn::Caption]}});
+    m_search->setOpensOnTyping(true);
+    orvo::onSearchKeys(
+        *this, [this] { m_search->open(); }, [this](int by) { m_search->step(by); });
 }
 
 CPopObjectList::~CPopObjectList() {
@@ -89,6 +97,7 @@ void CPopObjectList::showEvent(QShowEvent* event) {
     if (event->spontaneous())
         return;
     m_isTouched = false;
+    m_search->dismiss();
     m_ui->btnCancel->setFocus(Qt::OtherFocusReason);
     load();
     const QWidget* owner = parentWidget();

@@ -26,6 +26,10 @@ class QMainWindow;
 class QTextCodec;
 class QTreeView;
 
+namespace orvo {
+class TreeSearchBar;
+}
+
 QT_BEGIN_NAMESPACE
 class Ui_CPopObjectList;
 QT_END_NAMESPACE
@@ -132,7 +136,8 @@ private:
     bool m_isPalette = false;
     QPoint m_pressed; ///< where the mouse went down on a resource, in the viewport
     bool m_mayDrag = false;
-    bool m_isTouched = false; ///< the user has gone to a button by Tab
+    bool m_isTouched = false;      ///< the user has gone to a button by Tab
+    orvo::TreeSearchBar* m_search; ///< child of tvObj; a letter typed there opens it
 };
 
 #endif

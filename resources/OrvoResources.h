@@ -20,6 +20,7 @@
 #include "editor/EditorWindow.h"
 #include "frame/ScratchTable.h"
 #include "models/RowSearch.h"
+#include "models/TreeSearch.h"
 #include "models/models.h"
 #include "resources/ResourceEdit.h"
 
@@ -334,11 +335,7 @@ private:
     void logUnread(const char* place, const QString& file, const QString& reason);
 
     // Search
-    /// Makes the row of a hit current.
-    void showHit(int32_t number);
-    /// The first number from `from` on, by `step`, whose hit still has its row; past the end or the
-    /// beginning if there is none.
-    int32_t livingHit(int32_t from, int step) const;
+    orvo::TreeSearch treeSearch();
     /// Goes to the next hit in a direction, which one button stands for and the other against.
     void stepSearch(int step, QToolButton* forth, QToolButton* back);
 
@@ -357,6 +354,8 @@ private:
 
     // Notifications
     void notificationsTaken() override;
+    void openSearch() override;
+    void stepToHit(int by) override;
     /// What changes of the tables do.
     void followTables();
     enum MoveKind {

@@ -11,13 +11,10 @@
 #include <QLineEdit>
 #include <QToolButton>
 
-#include <algorithm>
-
 using orvo::resources::ResColumn;
 
 namespace {
 
-constexpr char nothingFound[] = "#DC143C";
 /// What the entries of the combo box search.
 constexpr int searchColumns[] = {ResColumn::Caption, ResColumn::Name};
 
@@ -30,12 +27,8 @@ void OrvoResources::on_search_textChanged(const QString& text) {
         const int entry = m_cmbSearch->currentIndex();
         if (entry == 0 || entry == 1)
             m_searchHits->find(searchColumns[entry], text);
-        const int32_t first = livingHit(0, 1);
-        if (first < m_searchHits->count()) {
-            showHit(first);
-            m_searchPos = first;
-            m_btnSearchDown->setEnabled(livingHit(first + 1, 1) < m_searchHits->count());
-        }
+        orvo::TreeSearch search = treeSearch();
+        m_btnSearchDown->setEnabled(search.showFirst() && search.mayStep(1));
     }
     colourSearch();
 }
@@ -48,14 +41,8 @@ void OrvoResources::colourSearchChoice() {
 }
 
 void OrvoResources::colourSearch() {
-    QPalette colours = palette();
-    if (!m_edSearch->text().isEmpty() && m_searchHits && livingHit(0, 1) == m_searchHits->count()) {
-        const QColor red{QLatin1String(nothingFound)};
-        colours.setColor(QPalette::Text, orvo::isDark(colours)
-                                             ? orvo::readable(red, colours.color(QPalette::Base))
-                                             : red);
-    }
-    m_edSearch->setPalette(colours);
+    const bool found = m_edSearch->text().isEmpty() || !m_searchHits || treeSearch().hasAny();
+    m_edSearch->setPalette(orvo::searchColours(palette(), found));
 }
 
 void OrvoResources::changeEvent(QEvent* event) {
@@ -81,28 +68,30 @@ void OrvoResources::on_search_up_pressed() {
 void OrvoResources::stepSearch(int step, QToolButton* forth, QToolButton* back) {
     if (!m_searchHits)
         return;
-    const auto isHit = [this](int32_t number) {
-        return number >= 0 && number < m_searchHits->count();
-    };
-    m_searchPos = livingHit(m_searchPos + step, step);
-    if (!isHit(m_searchPos))
+    orvo::TreeSearch search = treeSearch();
+    if (!search.step(step))
         return;
-    showHit(m_searchPos);
-    if (!isHit(livingHit(m_searchPos + step, step)))
+    if (!search.mayStep(step))
         forth->setEnabled(false);
     back->setEnabled(true);
 }
 
-void OrvoResources::showHit(int32_t number) {
-    const QModelIndex row = m_searchHits->hit(number);
-    m_ui->tvRes->scrollTo(row);
-    m_ui->tvRes->setCurrentIndex(row);
+orvo::TreeSearch OrvoResources::treeSearch() {
+    return {*m_ui->tvRes, *m_searchHits, m_searchPos};
 }
 
-int32_t OrvoResources::livingHit(int32_t from, int step) const {
-    const int32_t count = m_searchHits->count();
-    int32_t number = std::clamp(from, -1, count);
-    while (number >= 0 && number < count && !m_searchHits->hit(number).isValid())
-        number += step;
-    return number;
+void OrvoResources::openSearch() {
+    m_edSearch->setFocus(Qt::ShortcutFocusReason);
+    m_edSearch->selectAll();
+}
+
+void OrvoResources::stepToHit(int by) {
+    if (m_edSearch->text().isEmpty())
+        openSearch();
+    else if (!m_searchHits || !treeSearch().mayStep(by))
+        return;
+    else if (by > 0)
+        on_search_down_pressed();
+    else
+        on_search_up_pressed();
 }

@@ -8,6 +8,7 @@
 
 #include <QAction>
 #include <QLayout>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QSignalSpy>
@@ -649,6 +650,24 @@ private slots:
         picker->loadFunctions();
         QVERIFY(picker->treeModel->findIndexByKey("deep2999").isValid());
         QCOMPARE(picker->treeModel->rowCount(), 2);
+    }
+
+    void aLetterTypedInTheListSearchesIt() {
+        Picker picker;
+        picker.show(CPopObjectList::KindModule);
+        QTreeView* list = picker->tvObj();
+        list->setFocus();
+        QTest::keyClick(list, 'd');
+        auto* text = list->findChild<QLineEdit*>("treeSearchText");
+        QVERIFY(text && text->isVisible());
+        QTest::keyClicks(text, "ee");
+        QCOMPARE(list->currentIndex().siblingAtColumn(0).data().toString(), QString("Deep"));
+        QTest::keyClick(text, Qt::Key_Escape);
+        QVERIFY(!text->isVisible() && picker->isVisible());
+        QTest::keyClick(list, Qt::Key_F, Qt::ControlModifier);
+        QVERIFY(text->isVisible());
+        picker.show(CPopObjectList::KindModule);
+        QVERIFY(!text->isVisible());
     }
 
     void aParentThatIsNoModuleGivesAnEmptyPicker() {

@@ -1,0 +1,190 @@
+#include "models/TreeSearchBar.h"
+
+#include "frame/Keys.h"
+#include "frame/WindowParts.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QToolButton>
+#include <QTreeView>
+
+#include <algorithm>
+
+namespace orvo {
+
+namespace {
+
+QToolButton* addButton(QWidget* bar, const char* image, const QString& name, const QString& keys) {
+    auto* button = new QToolButton(bar);
+    button->setIcon(orvo::image(image));
+    button->setAutoRaise(true);
+    button->setFocusPolicy(Qt::NoFocus);
+    button->setAccessibleName(name);
+    button->setToolTip(QStringLiteral("%1 (%2)").arg(name, keys));
+    bar->layout()->addWidget(button);
+    return button;
+}
+
+QString keysOf(const char* id) {
+    return keys::shown(*keys::command(QLatin1String(id)));
+}
+
+} // namespace
+
+TreeSearchBar::TreeSearchBar(QTreeView* view, const TreeModelCore<TabRec>& model, int keyColumn,
+                             const std::vector<Column>& columns)
+    : QWidget(view)
+    , m_view(*view)
+    , m_columns(columns)
+    , m_hits(model, keyColumn)
+    , m_text(new QLineEdit(this))
+    , m_column(new QComboBox(this)) {
+    setObjectName(QStringLiteral("treeSearch"));
+    setAutoFillBackground(true);
+    hide();
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(2, 2, 2, 2);
+    row->setSpacing(2);
+    row->addWidget(m_text, 1);
+    m_text->setObjectName(QStringLiteral("treeSearchText"));
+    m_text->setAccessibleName(tr("Поиск в дереве"));
+    m_text->setPlaceholderText(tr("Поиск..."));
+    m_text->addAction(orvo::image("search1"), QLineEdit::LeadingPosition);
+    m_down = addButton(this, "down2", tr("Следующее найденное"), keysOf(keys::nextHit));
+    m_up = addButton(this, "up2", tr("Предыдущее найденное"), keysOf(keys::previousHit));
+    m_column->setAccessibleName(tr("Искать по"));
+    m_column->setToolTip(tr("Искать по"));
+    for (const Column& column : columns)
+        m_column->addItem(column.title);
+    m_column->setVisible(columns.size() > 1);
+    row->addWidget(m_column);
+    auto* close = addButton(this, "cancel1", tr("Закрыть поиск"), QStringLiteral("Esc"));
+    connect(close, &QToolButton::clicked, this, &TreeSearchBar::dismiss);
+    connect(m_down, &QToolButton::clicked, this, [this] { step(1); });
+    connect(m_up, &QToolButton::clicked, this, [this] { step(-1); });
+    connect(m_text, &QLineEdit::textChanged, this, &TreeSearchBar::find);
+    connect(m_column, qOverload<int>(&QComboBox::currentIndexChanged), this, &TreeSearchBar::find);
+    for (QWidget* part : {static_cast<QWidget*>(m_text), static_cast<QWidget*>(m_column)})
+        part->installEventFilter(this);
+    m_view.installEventFilter(this);
+    updateButtons();
+}
+
+void TreeSearchBar::open(const QString& text) {
+    place();
+    show();
+    raise();
+    m_text->setFocus(Qt::ShortcutFocusReason);
+    if (text.isEmpty())
+        m_text->selectAll();
+    else
+        m_text->setText(text);
+}
+
+void TreeSearchBar::dismiss() {
+    const bool hadFocus = isAncestorOf(QApplication::focusWidget());
+    hide();
+    if (hadFocus)
+        m_view.setFocus(Qt::OtherFocusReason);
+}
+
+void TreeSearchBar::step(int by) {
+    if (m_text->text().isEmpty()) {
+        open();
+        return;
+    }
+    TreeSearch search(m_view, m_hits, m_position);
+    if (!search.hasAny())
+        find(); // the rows may be others since: another menu
+    else if (search.mayStep(by))
+        search.step(by);
+    updateButtons();
+}
+
+void TreeSearchBar::find() {
+    const QString text = m_text->text();
+    m_position = 0;
+    if (!text.isEmpty()) {
+        m_hits.find(m_columns[static_cast<size_t>(std::max(0, m_column->currentIndex()))].number,
+                    text);
+        TreeSearch(m_view, m_hits, m_position).showFirst();
+    }
+    colour();
+    updateButtons();
+}
+
+void TreeSearchBar::colour() {
+    const bool found = m_text->text().isEmpty() || TreeSearch(m_view, m_hits, m_position).hasAny();
+    m_text->setPalette(searchColours(palette(), found));
+}
+
+void TreeSearchBar::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        colour();
+}
+
+void TreeSearchBar::updateButtons() {
+    const TreeSearch search(m_view, m_hits, m_position);
+    const bool any = !m_text->text().isEmpty();
+    m_down->setEnabled(any && search.mayStep(1));
+    m_up->setEnabled(any && search.mayStep(-1));
+}
+
+/// In the upper right corner of the rows.
+void TreeSearchBar::place() {
+    constexpr int most = 420;
+    const QRect rows = m_view.viewport()->geometry();
+    const int width = std::min(most, rows.width());
+    setGeometry(rows.right() + 1 - width, rows.top(), width, sizeHint().height());
+}
+
+bool TreeSearchBar::takeKey(int key, bool shift) {
+    switch (key) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        step(shift ? -1 : 1);
+        return true;
+    case Qt::Key_Down:
+    case Qt::Key_Up:
+        step(key == Qt::Key_Down ? 1 : -1);
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool TreeSearchBar::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == &m_view && event->type() == QEvent::Resize && isVisible())
+        place();
+    const auto* key = event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride
+                          ? static_cast<QKeyEvent*>(event)
+                          : nullptr;
+    if (!key)
+        return QWidget::eventFilter(watched, event);
+    const bool isEscape = watched != &m_view && key->key() == Qt::Key_Escape;
+    if (event->type() == QEvent::ShortcutOverride) {
+        if (isEscape)
+            event->accept(); // here it is the field's, whatever it means in the window
+        return isEscape;
+    }
+    if (isEscape) {
+        dismiss();
+        return true;
+    }
+    if (watched == m_text)
+        return takeKey(key->key(), key->modifiers() & Qt::ShiftModifier);
+    const bool isText = key->text().size() == 1 && key->text().at(0).isPrint() &&
+                        !key->text().at(0).isSpace() && key->text() != QLatin1String("*") &&
+                        !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier));
+    if (watched == &m_view && m_opensOnTyping && isText) {
+        open(key->text());
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+} // namespace orvo

@@ -1,0 +1,65 @@
+// TreeSearchBar.h: a search field over the corner of a tree, for trees without one in their window.
+// What is typed is found at once; Return and F3 go on, Shift with them back, Esc closes it.
+#ifndef ORVO_MODELS_TREESEARCHBAR_H
+#define ORVO_MODELS_TREESEARCHBAR_H
+
+#include "models/TreeSearch.h"
+
+#include <QWidget>
+
+#include <vector>
+
+class QComboBox;
+class QLineEdit;
+class QToolButton;
+
+namespace orvo {
+
+/// A child of its view. The model is the view's, and outlives it.
+class TreeSearchBar : public QWidget {
+    Q_OBJECT
+public:
+    struct Column {
+        int number;
+        QString title;
+    };
+    /// `columns` can be searched, the first at first; `keyColumn` is what the model's
+    /// findIndexByKey compares.
+    TreeSearchBar(QTreeView* view, const TreeModelCore<TabRec>& model, int keyColumn,
+                  const std::vector<Column>& columns);
+
+    /// Whether a letter that is typed in the tree opens it.
+    void setOpensOnTyping(bool on) { m_opensOnTyping = on; }
+    /// Shows it with its text selected, or with that text, and gives it the focus.
+    void open(const QString& text = {});
+    /// Hides it, and gives the focus to the tree if it has it.
+    void dismiss();
+    /// Goes to the next hit (1) or the one before (-1), if there is one; opens it if nothing was
+    /// looked for.
+    void step(int by);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+private:
+    void find();
+    void colour();
+    void updateButtons();
+    void place();
+    bool takeKey(int key, bool shift);
+
+    QTreeView& m_view;
+    const std::vector<Column> m_columns;
+    RowSearch m_hits;
+    int32_t m_position = 0;
+    QLineEdit* m_text; // these: children
+    QToolButton* m_down;
+    QToolButton* m_up;
+    QComboBox* m_column;
+    bool m_opensOnTyping = false;
+};
+
+} // namespace orvo
+
+#endif
