@@ -50,6 +50,7 @@ inline constexpr char preview[] = "preview";
 inline constexpr char openForm[] = "openForm";
 inline constexpr char palette[] = "palette";
 inline constexpr char history[] = "history";
+inline constexpr char problems[] = "problems";
 inline constexpr char find[] = "find";
 inline constexpr char findAll[] = "findAll";
 inline constexpr char nextHit[] = "nextHit";
@@ -98,6 +99,7 @@ inline constexpr Command commands[] = {
     {openForm, Menu::View, "Ctrl+Return", "Открыть схему", "открыть текущую форму"},
     {palette, Menu::View, "F7", "Выбор ресурсов рядом", "список ресурсов, который остаётся рядом с меню"},
     {history, Menu::View, "F4", "История", "открыть или закрыть историю изменений"},
+    {problems, Menu::View, "F8", "Проблемы", "открыть или закрыть список того, что не так"},
     {find, Menu::Go, "Ctrl+F", "Найти", "поле поиска дерева, в котором стоит курсор"},
     {findAll, Menu::Go, "Ctrl+K", "Найти всё", "поиск по столам, элементам, ресурсам, файлам и людям"},
     {nextHit, Menu::Go, "F3", "Следующее найденное", "следующая найденная строка"},

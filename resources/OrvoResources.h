@@ -20,7 +20,7 @@
 #include "editor/EditorWindow.h"
 #include "frame/ScratchTable.h"
 #include "models/RowSearch.h"
-#include "models/TreeSearch.h"
+#include "models/TreeSearchBar.h"
 #include "models/models.h"
 #include "resources/ResourceEdit.h"
 
@@ -104,6 +104,8 @@ protected:
     const QString& m_editCaption = m_edit.caption();
     std::unique_ptr<orvo::RowSearch> m_searchHits; ///< in m_resModel, and null as long as it is
     int32_t m_searchPos = 0;                       ///< may stand one place past either end
+    orvo::TreeSearchBar* m_treeSearch = nullptr;   ///< child of tvRes; while the tool bar has no
+                                                   ///< room for its field
     QString m_currentKey;                          ///< key of the current row of tvRes
     const QString& m_editKey = m_edit.key();       ///< key of the row that is edited
     const QPersistentModelIndex& m_newItemIndex = m_edit.newRow(); ///< invalid once it is gone

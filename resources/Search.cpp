@@ -81,12 +81,18 @@ orvo::TreeSearch OrvoResources::treeSearch() {
 }
 
 void OrvoResources::openSearch() {
+    if (!m_edSearch->isVisible() && m_treeSearch) {
+        m_treeSearch->open();
+        return;
+    }
     m_edSearch->setFocus(Qt::ShortcutFocusReason);
     m_edSearch->selectAll();
 }
 
 void OrvoResources::stepToHit(int by) {
-    if (m_edSearch->text().isEmpty())
+    if (!m_edSearch->isVisible() && m_treeSearch)
+        m_treeSearch->step(by);
+    else if (m_edSearch->text().isEmpty())
         openSearch();
     else if (!m_searchHits || !treeSearch().mayStep(by))
         return;

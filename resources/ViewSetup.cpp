@@ -57,6 +57,9 @@ void OrvoResources::setTreeArrangement() {
     m_resModel = std::make_unique<ResTreeModel>(columnTitles(), orvo::iconsPath(*this), this);
     m_searchHits = std::make_unique<orvo::RowSearch>(*m_resModel, ResColumn::KeyLink);
     tree->setModel(m_resModel.get());
+    m_treeSearch = new orvo::TreeSearchBar(tree, *m_resModel, ResColumn::KeyLink,
+                                           {{ResColumn::Caption, m_cmbSearch->itemText(0)},
+                                            {ResColumn::Name, m_cmbSearch->itemText(1)}});
     orvo::hideColumns(tree, ResColumn::KeyLink, ResColumn::IsNew);
     tree->setColumnWidth(ResColumn::Caption, textWidth);
     tree->setColumnWidth(ResColumn::Name, textWidth);

@@ -18,6 +18,7 @@
 #include "apps/client/WaitDialogController.h"
 #include "apps/client/WindowMemory.h"
 #include "apps/client/Workplace.h"
+#include "apps/client/find/FindCommands.h"
 #include "apps/client/problems/ProblemsPane.h"
 #include "apps/client/start/StorePage.h"
 
@@ -143,6 +144,7 @@ void Client::show() {
     if (!isWorkplace()) { // nothing is edited there
         makeHistory();
         makeProblems();
+        makeFind();
     }
     m_window->show();
     for (const QString& problem : m_libraries.problems())
@@ -295,6 +297,7 @@ void Client::fail(const QString& place, const QString& text) {
 
 void Client::stop() {
     m_presence.reset();
+    m_find.reset();
     delete std::exchange(m_problemsPane, nullptr); // it works with the next
     m_problems.reset();
     m_catalogue.reset();

@@ -28,6 +28,7 @@ namespace orvo::app {
 
 class CloseGuard;
 class FileMirror;
+class FindCommands;
 class HistoryCommands;
 class Inspector;
 class Launcher;
@@ -90,6 +91,7 @@ private:
     void makeProblems();
     int64_t logPosition();
     void reloadCatalogue();
+    void makeFind();
     void tellReadOnly();
     void mayWriteChanged(bool may);
     void fail(const QString& place, const QString& text);
@@ -116,6 +118,7 @@ private:
     std::unique_ptr<catalogue::LiveCatalogue> m_catalogue;
     std::unique_ptr<ProblemsFeed> m_problems;
     ProblemsPane* m_problemsPane = nullptr; ///< child of the window
+    std::unique_ptr<FindCommands> m_find;   ///< works with the catalogue
     std::unique_ptr<COrvoCliMod> m_logModule;
     client::ModuleRegistry m_modules;
     bool m_outdated = false; ///< a call failed for want of the server: the editors may not show it

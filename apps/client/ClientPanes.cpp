@@ -8,7 +8,9 @@
 #include "apps/client/PresenceView.h"
 #include "apps/client/StatusLine.h"
 #include "apps/client/UnwrittenPane.h"
+#include "apps/client/find/FindCommands.h"
 #include "apps/client/problems/ProblemsPane.h"
+#include "frame/Keys.h"
 #include "platform/store/StoreUrl.h"
 
 #include <QDockWidget>
@@ -72,8 +74,9 @@ void Client::makeProblems() {
             &catalogue::LiveCatalogue::changed);
     m_problems = std::make_unique<ProblemsFeed>(*m_catalogue, m_openMaintained, logPosition());
     m_problemsPane = new ProblemsPane(*m_problems, m_app.m_mayWrite);
-    QDockWidget* dock = m_window->addPane(m_problemsPane, QStringLiteral("&Проблемы"),
-                                          QStringLiteral("problemsDock"), QKeySequence(Qt::Key_F8));
+    QDockWidget* dock = m_window->addPane(
+        m_problemsPane, QStringLiteral("&Проблемы"), QStringLiteral("problemsDock"),
+        keys::sequences(*keys::command(QLatin1String(keys::problems))).first());
     dock->setWindowTitle(QStringLiteral("Проблемы"));
     m_window->restoreDockWidget(dock); // as the user left it
     connect(m_pump.get(), &client::NotificationPump::changed, m_problems.get(),
@@ -92,9 +95,14 @@ void Client::makeProblems() {
             &MainWindow::reopenRequested, Qt::QueuedConnection);
     connect(m_window->statusLine(), &StatusLine::problemsRequested, dock,
             [this, dock] { m_window->bringUp(dock); });
-    connect(m_problemsPane, &ProblemsPane::showRequested, m_history.get(),
-            &HistoryCommands::showRecord);
+    connect(m_problemsPane, &ProblemsPane::showRequested, &m_history->jump(), &RecordJump::show);
     QTimer::singleShot(startAfterMs, m_catalogue.get(), &catalogue::LiveCatalogue::start);
+}
+
+/// Its search hears of the catalogue before that is loaded.
+void Client::makeFind() {
+    m_find = std::make_unique<FindCommands>(*m_catalogue, *m_window, *m_history);
+    connect(m_pump.get(), &client::NotificationPump::changed, m_find.get(), &FindCommands::changed);
 }
 
 /// What is not written has a pane that comes up by itself, now and whenever something is added.

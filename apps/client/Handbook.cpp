@@ -12,13 +12,22 @@ namespace orvo::app {
 
 const std::vector<PaneChapter>& paneChapters() {
     static const std::vector<PaneChapter> all = {
-        {"OrvoMenu", "CPopObjectList", "desktop"}, {"OrvoMenu", "tvDesck", "desktop"},
-        {"OrvoMenu", "tvMenu", "order"},           {"OrvoMenu", "tvProp", "passport"},
-        {"OrvoResources", "tvRes", "resources"},   {"OrvoResources", "tvProp", "modules"},
-        {"OrvoResources", "toolBar", "search"},    {"", "OrvoMenu", "menu"},
-        {"", "OrvoResources", "resources"},        {"", "formWindow", "forms"},
-        {"", "unwrittenPane", "unwritten"},        {"", "historyPane", "history"},
-        {"", "problemsPane", "problems"},          {"", "logPane", "trouble"},
+        {"", "treeSearch", "search"},
+        {"", "findPane", "find"},
+        {"OrvoMenu", "CPopObjectList", "desktop"},
+        {"OrvoMenu", "tvDesck", "desktop"},
+        {"OrvoMenu", "tvMenu", "order"},
+        {"OrvoMenu", "tvProp", "passport"},
+        {"OrvoResources", "tvRes", "resources"},
+        {"OrvoResources", "tvProp", "modules"},
+        {"OrvoResources", "toolBar", "search"},
+        {"", "OrvoMenu", "menu"},
+        {"", "OrvoResources", "resources"},
+        {"", "formWindow", "forms"},
+        {"", "unwrittenPane", "unwritten"},
+        {"", "historyPane", "history"},
+        {"", "problemsPane", "problems"},
+        {"", "logPane", "trouble"},
     };
     return all;
 }

@@ -3,6 +3,7 @@
 #ifndef ORVO_APPS_CLIENT_HISTORYCOMMANDS_H
 #define ORVO_APPS_CLIENT_HISTORYCOMMANDS_H
 
+#include "apps/client/RecordJump.h"
 #include "apps/client/Reverter.h"
 #include "apps/client/UndoActions.h"
 #include "platform/client/ModuleRegistry.h"
@@ -42,23 +43,22 @@ public:
     /// Whether nothing is being taken back, and what would be next is known.
     bool isIdle() const;
 
-    /// Opens the editor, and of an element the desktop, on that record; it may have gone.
-    void showRecord(const QString& table, const QString& key, const QString& desktop);
+    /// Shows a record.
+    RecordJump& jump() { return m_jump; }
+    /// Opens the pane with what that user did.
+    void showActionsOf(const QString& login);
 
 private:
     void connectUndo();
     void connectPane();
     QString whyNot() const;
-    /// Names the module in which a question or a picker stands; empty if there is none.
-    QString whyAnswerFirst() const;
-    bool refusesToShow();
     void tell(int level, const QString& text);
     void showHistory(const QString& table, const QString& key, bool withContent);
     void showVersions(const QString& resource);
-    void showRecordNow(const QString& table, const QString& key, const QString& desktop);
 
     Context m_context;
     StoreThread m_thread;
+    RecordJump m_jump;
     Reverter m_reverter;
     UndoActions m_undo;
     HistoryPane* m_pane; ///< child of the window

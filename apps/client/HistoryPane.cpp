@@ -199,6 +199,20 @@ void HistoryPane::showRecord(const QString& table, const QString& key, bool with
     setScope({{table.toStdString(), key.toStdString(), {}}, withContent});
 }
 
+void HistoryPane::showUser(const QString& login) {
+    chooseUser(login, login);
+    m_since->setCurrentIndex(0);
+    m_text->clear();
+    setScope({});
+}
+
+/// Also one whom the list does not have.
+void HistoryPane::chooseUser(const QString& login, const QString& name) {
+    if (m_who->findData(login) < 0)
+        m_who->addItem(oneLine(name), login);
+    m_who->setCurrentIndex(m_who->findData(login));
+}
+
 void HistoryPane::setScope(const Scope& scope) {
     m_scope = scope;
     m_scopeButton->setVisible(!scope.record.key.empty());
@@ -247,9 +261,7 @@ void HistoryPane::listUsers() {
         m_who->addItem(oneLine(name), login);
     if (!chosen.isValid())
         return;
-    if (m_who->findData(chosen) < 0)
-        m_who->addItem(oneLine(chosen.toString()), chosen);
-    m_who->setCurrentIndex(m_who->findData(chosen));
+    chooseUser(chosen.toString(), chosen.toString());
 }
 
 void HistoryPane::showEvent(QShowEvent* event) {
@@ -387,9 +399,7 @@ void HistoryPane::showContextMenu(const QPoint& point) {
     });
     add(QStringLiteral("Только этот человек"), true,
         [this, login = QString::fromStdString(action->login), who = action->who] {
-            if (m_who->findData(login) < 0)
-                m_who->addItem(oneLine(who), login);
-            m_who->setCurrentIndex(m_who->findData(login));
+            chooseUser(login, who);
             applyFilters();
         });
     menu.exec(m_view->viewport()->mapToGlobal(point));

@@ -31,6 +31,8 @@ public:
     QTreeView* view() const { return m_view; }
     /// Shows the history of that record, or of it and everything in it.
     void showRecord(const QString& table, const QString& key, bool withContent);
+    /// Shows what that user did.
+    void showUser(const QString& login);
     void clearFilters();
 
 signals:
@@ -56,6 +58,7 @@ private:
     void setScope(const Scope& scope);
     void nameScope();
     void listUsers();
+    void chooseUser(const QString& login, const QString& name);
     void updateActions();
     void readOnAtEnd();
     void fillBackMenu(QMenu& menu);

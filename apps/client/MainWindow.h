@@ -57,6 +57,9 @@ public:
     QMenu* goMenu() const { return m_go; }
     /// The menu of how the window looks.
     QMenu* viewMenu() const { return m_view; }
+    /// The action of a key of the list, in its menu; `always`: its key works without a menu bar
+    /// too.
+    QAction* addCommand(const char* id, QMenu* menu, bool always = false);
     /// Of what is in a tab or in the pane of a desktop.
     void setTitle(QWidget* page, const QString& title);
     /// In front of other windows, or marked in the task bar where the desktop does not want that.
@@ -101,9 +104,6 @@ private:
     void fitScreen();
     void makeMenus();
     void makeGoMenu();
-    /// The action of a key of the list, in its menu; `always`: its key works without a menu bar
-    /// too.
-    QAction* addCommand(const char* id, QMenu* menu, bool always = false);
     /// Puts the entries of the module on show into the menus, behind the window's own.
     void showModuleEntries();
     void stepTab(int by);

@@ -138,6 +138,16 @@ int main(int argc, char* argv[]) {
     painter.choose("Инструкция оператора ГРС");
     painter.take("file-passport.png");
 
+    hands::key("ctrl+k");
+    painter.need(painter.scene().waitFor("there is something to find", [&] {
+        return !painter.client().controls("findNote").empty();
+    }));
+    hands::type("instr");
+    painter.need(painter.scene().waitFor(
+        "it is found", [&] { return !painter.client().tree("findList").rows.empty(); }));
+    painter.take("find.png");
+    hands::key("Escape");
+
     painter.writeAs("kovaleva", "update MenuResource set params = 'печать=да', caption = "
                                 "'Инструкция оператора ГРС, 2-я редакция' where name_ = "
                                 "'instr_grs.txt'");

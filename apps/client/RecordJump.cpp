@@ -1,0 +1,99 @@
+#include "apps/client/RecordJump.h"
+
+#include "apps/client/CloseGuard.h"
+#include "apps/client/LogPane.h"
+#include "apps/client/MainWindow.h"
+#include "apps/client/Options.h"
+#include "frame/Vocabulary.h"
+#include "history/RecordSource.h"
+#include "platform/client/Attention.h"
+
+#include <utility>
+
+namespace orvo::app {
+
+RecordJump::RecordJump(Context context) : m_context(std::move(context)) {}
+
+QString RecordJump::whyAnswerFirst() const {
+    for (const QPointer<COrvoCliMod>& module :
+         m_context.modules.modules(client::ModuleState::Running)) {
+        const client::Attention attention = client::attentionIn(*module);
+        if (attention == client::Attention::Question || attention == client::Attention::Picker)
+            return QStringLiteral("сначала ответьте на вопрос: %1").arg(module->windowTitle());
+    }
+    return {};
+}
+
+/// A row that becomes current under a question or a picker would get the answer. The record may
+/// have gone since, and an element may stand in another menu now.
+void RecordJump::show(const QString& table, const QString& key, const QString& desktop) {
+    if (refuses())
+        return;
+    struct Found {
+        bool stored = false;
+        std::string desktop;
+    };
+    auto found = std::make_shared<Found>();
+    m_context.thread.run(
+        this,
+        [found, name = table.toStdString(),
+         wanted = key.toStdString()](store::MaintainedStore& store) {
+            const store::TableDef* def = history::tableOf(name);
+            std::map<std::string, std::vector<store::Value>> rows;
+            store::Status status =
+                def ? store.storedValues(*def, {wanted}, &rows) : store::Status();
+            found->stored = !rows.empty();
+            const int field = def ? def->find(orvo::field::FolderKey) : -1;
+            if (found->stored && field >= 0)
+                found->desktop = store::textOf(rows.begin()->second[static_cast<size_t>(field)]);
+            return status;
+        },
+        [this, found, table, key, desktop](const store::Status& status) {
+            if (!status.ok() || !found->stored) {
+                emit told(LogWarning, status.ok()
+                                          ? QStringLiteral("Показать нечего: строки больше нет.")
+                                          : QString::fromStdString(status.text));
+                return;
+            }
+            if (refuses())
+                return; // what the guard saves would take the place of a question
+            const QString where =
+                found->desktop.empty() ? desktop : QString::fromStdString(found->desktop);
+            const auto go = [this, table, key, where] {
+                m_context.guard.dropAll();
+                showNow(table, key, where);
+            };
+            if (m_context.guard.mayGo(&m_context.window, QStringLiteral("Показать строку"),
+                                      {go, {}}))
+                go();
+        });
+}
+
+bool RecordJump::refuses() {
+    const QString why = whyAnswerFirst();
+    if (!why.isEmpty())
+        emit told(LogWarning, QStringLiteral("Строка не показана: ") + why);
+    return !why.isEmpty();
+}
+
+void RecordJump::showNow(const QString& table, const QString& key, const QString& desktop) {
+    if (refuses())
+        return;
+    // Not while a slot of a module waits in a dialog or a menu.
+    if (!m_context.pump.mayDeliver()) {
+        QTimer::singleShot(100, this,
+                           [this, table, key, desktop] { showNow(table, key, desktop); });
+        return;
+    }
+    const bool isMenu = table == QLatin1String(orvo::table::Menu) ||
+                        table == QLatin1String(orvo::table::MenuFolder);
+    const QString name = isMenu ? knownModules().first() : knownModules().last();
+    m_context.openModule(name);
+    for (const QPointer<COrvoCliMod>& module :
+         m_context.modules.modules(client::ModuleState::Running))
+        if (module->m_moduleName == name && module->ModShowRecord(table, key, desktop))
+            return;
+    emit told(LogWarning, QStringLiteral("Строка есть в хранилище, но в редакторе не видна."));
+}
+
+} // namespace orvo::app

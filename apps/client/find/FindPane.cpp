@@ -1,0 +1,270 @@
+#include "apps/client/find/FindPane.h"
+
+#include "apps/client/Look.h"
+#include "frame/Vocabulary.h"
+
+#include <QApplication>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QLocale>
+#include <QTreeView>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace orvo::app {
+
+namespace {
+
+constexpr int againDelayMs = 300; ///< after a change of records
+
+} // namespace
+
+FindPane::FindPane(catalogue::LiveCatalogue& live, std::shared_ptr<catalogue::Search> search,
+                   QWidget* window)
+    : QFrame(window)
+    , m_live(live)
+    , m_search(std::move(search))
+    , m_text(new QLineEdit(this))
+    , m_view(new QTreeView(this))
+    , m_note(new QLabel(this)) {
+    setObjectName(QStringLiteral("findPane"));
+    setAccessibleName(QStringLiteral("Найти всё"));
+    setFrameShape(QFrame::StyledPanel);
+    setAutoFillBackground(true);
+    hide();
+    m_text->setObjectName(QStringLiteral("findText"));
+    m_text->setAccessibleName(QStringLiteral("Что найти"));
+    m_text->setPlaceholderText(
+        QStringLiteral("Слова из названия, объекта, параметров, ключа или пути"));
+    m_view->setObjectName(QStringLiteral("findList"));
+    m_view->setAccessibleName(QStringLiteral("Найденное"));
+    m_view->setModel(&m_model);
+    m_view->setRootIsDecorated(false);
+    m_view->setUniformRowHeights(true);
+    m_view->setAllColumnsShowFocus(true);
+    m_view->setFrameShape(QFrame::NoFrame);
+    m_view->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_view->setTextElideMode(Qt::ElideMiddle);
+    m_note->setObjectName(QStringLiteral("findNote"));
+    m_note->setTextFormat(Qt::PlainText);
+    auto* all = new QVBoxLayout(this);
+    all->setContentsMargins(6, 6, 6, 6);
+    all->addWidget(m_text);
+    all->addWidget(m_view, 1);
+    all->addWidget(m_note);
+    m_againSoon.setSingleShot(true);
+    m_againSoon.setInterval(againDelayMs);
+    connect(&m_againSoon, &QTimer::timeout, this, &FindPane::search);
+    connect(m_text, &QLineEdit::textChanged, this, [this] {
+        m_isWhole = false;
+        m_choosesWhenFound = false;
+        this->search(); // not the parameter
+    });
+    connect(m_view, &QTreeView::clicked, this, &FindPane::choose);
+    connect(&m_live, &catalogue::LiveCatalogue::loaded, this, &FindPane::outdate);
+    connect(&m_live, &catalogue::LiveCatalogue::failed, this, [this](const QString& text) {
+        m_note->setText(QStringLiteral("Записи не прочитаны: %1").arg(clipped(text)));
+    });
+    connect(qApp, &QApplication::focusChanged, this,
+            [this](QWidget*, QWidget* now) { focusMoved(now); });
+    m_text->installEventFilter(this);
+    m_view->installEventFilter(this);
+    window->installEventFilter(this);
+}
+
+FindPane::~FindPane() {
+    if (m_stop)
+        *m_stop = true;
+    disconnect(qApp, nullptr, this, nullptr); // the focus goes with what has it
+    delete m_view;                            // before the model that it shows
+}
+
+void FindPane::open() {
+    m_live.start();
+    if (!isVisible()) {
+        m_cameFrom = QApplication::focusWidget();
+        m_isWhole = false; // of last time
+        m_view->setCurrentIndex({});
+        place();
+        show();
+        search();
+    }
+    raise();
+    m_text->setFocus(Qt::ShortcutFocusReason);
+    m_text->selectAll();
+}
+
+void FindPane::dismiss() {
+    if (!isVisible())
+        return;
+    const QPointer<QWidget> back = m_cameFrom;
+    const bool hadFocus = isAncestorOf(QApplication::focusWidget());
+    m_againSoon.stop();
+    m_choosesWhenFound = false;
+    if (m_stop)
+        *m_stop = true;
+    hide();
+    if (hadFocus && back && back->isVisible())
+        back->setFocus(Qt::OtherFocusReason);
+}
+
+void FindPane::outdate() {
+    if (isVisible() && !m_againSoon.isActive())
+        m_againSoon.start();
+}
+
+void FindPane::place() {
+    constexpr int most = 900, margin = 24, top = 40;
+    const QSize room = parentWidget()->size();
+    const int width = std::min(most, room.width() - 2 * margin);
+    const int height = std::min(460, room.height() - 2 * top);
+    setGeometry((room.width() - width) / 2, top, width, height);
+    QHeaderView* header = m_view->header();
+    header->setStretchLastSection(true);
+    header->resizeSection(FindModel::Name, width * 32 / 100);
+    header->resizeSection(FindModel::Object, width * 15 / 100);
+    header->resizeSection(FindModel::Noun, width * 13 / 100);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Searching
+
+void FindPane::search() {
+    if (!isVisible())
+        return;
+    m_againSoon.stop();
+    if (m_stop)
+        *m_stop = true; // the one before
+    m_stop = std::make_shared<std::atomic<bool>>(false);
+    if (!m_live.isLoaded())
+        m_note->setText(QStringLiteral("Записи читаются…"));
+    const auto findings = std::make_shared<catalogue::Findings>();
+    const QPointer<QObject> context(this);
+    m_live.run(
+        this,
+        [this, search = m_search, findings, context, live = &m_live, stop = m_stop,
+         text = m_text->text()](const catalogue::Catalogue& records) {
+            if (*stop)
+                return;
+            const auto progress = [&](const catalogue::Findings& sofar) {
+                live->post(context, [this, stop, sofar] {
+                    if (!*stop)
+                        take(sofar);
+                });
+            };
+            *findings = search->find(records, text, mostShown, *stop, progress);
+        },
+        [this, findings, stop = m_stop] {
+            if (!*stop)
+                take(*findings);
+        });
+}
+
+/// While one types the best is the current one, until another is chosen. After that the row that is
+/// current stays it, whatever others do; if it is no longer found, none is, so that Enter opens
+/// nothing that was not chosen.
+void FindPane::take(const catalogue::Findings& findings) {
+    const bool typed = !m_isWhole;
+    if (!typed && !findings.whole)
+        return; // what is shown is better than a part of it
+    const int before = m_view->currentIndex().row();
+    const catalogue::Found* current = m_model.at(before);
+    const bool hadRows = m_model.rowCount() > 0;
+    const QString table = current ? current->table : QString();
+    const QString key = current ? current->key : QString();
+    m_model.setFound(findings.best);
+    int row = current && (!typed || before > 0) ? m_model.rowOf(table, key) : -1;
+    const bool lost = current && !typed && row < 0;
+    if (row < 0 && (typed || !hadRows))
+        row = 0;
+    m_view->setCurrentIndex(m_model.index(row, 0));
+    note(findings, lost);
+    m_isWhole = findings.whole;
+    if (m_choosesWhenFound && m_isWhole) {
+        m_choosesWhenFound = false;
+        choose();
+    }
+}
+
+void FindPane::note(const catalogue::Findings& findings, bool lost) {
+    const QLocale locale(QLocale::Russian);
+    const QString count = locale.toString(findings.count);
+    if (m_text->text().trimmed().isEmpty())
+        m_note->setText(QStringLiteral("Рабочие столы, элементы меню, ресурсы, файлы и люди. Слова "
+                                       "в любом порядке."));
+    else if (lost)
+        m_note->setText(
+            QStringLiteral("Выбранной строки среди найденного больше нет. Найдено %1.").arg(count));
+    else if (!findings.whole)
+        m_note->setText(QStringLiteral("Найдено %1, поиск идёт…").arg(count));
+    else if (findings.count == 0)
+        m_note->setText(QStringLiteral("Ничего не найдено."));
+    else if (findings.count > findings.best.size())
+        m_note->setText(QStringLiteral("Найдено %1, показаны первые %2: уточните слова.")
+                            .arg(count, locale.toString(findings.best.size())));
+    else
+        m_note->setText(QStringLiteral("Найдено %1.").arg(count));
+}
+
+void FindPane::choose() {
+    const catalogue::Found* found = m_model.at(m_view->currentIndex().row());
+    if (!found)
+        return;
+    const catalogue::Found copy = *found;
+    dismiss();
+    emit chosen(copy);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Keys and focus
+
+bool FindPane::takeKey(int key) {
+    switch (key) {
+    case Qt::Key_Escape:
+        dismiss();
+        return true;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        // Whoever types faster than the answer comes means that answer.
+        if (m_isWhole)
+            choose();
+        else
+            m_choosesWhenFound = !m_text->text().trimmed().isEmpty();
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool FindPane::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == parentWidget()) {
+        if (event->type() == QEvent::Resize && isVisible())
+            place();
+        return false;
+    }
+    if (event->type() != QEvent::KeyPress)
+        return QFrame::eventFilter(watched, event);
+    auto* press = static_cast<QKeyEvent*>(event);
+    if (takeKey(press->key()))
+        return true;
+    const bool moves = press->key() == Qt::Key_Up || press->key() == Qt::Key_Down ||
+                       press->key() == Qt::Key_PageUp || press->key() == Qt::Key_PageDown;
+    if (watched == m_text && moves) {
+        QApplication::sendEvent(m_view, event);
+        return true;
+    }
+    return QFrame::eventFilter(watched, event);
+}
+
+/// What is used besides it takes it away; another window does not.
+void FindPane::focusMoved(QWidget* now) {
+    if (isVisible() && now && now->window() == window() && now != this && !isAncestorOf(now)) {
+        m_cameFrom = now;
+        dismiss();
+    }
+}
+
+} // namespace orvo::app

@@ -1,0 +1,347 @@
+// "Найти всё": what is typed is found while it is typed, and chosen takes one there.
+#include "apps/client/HistoryPane.h"
+#include "apps/client/find/FindPane.h"
+#include "tests/client/RunningClient.h"
+
+#include <QAbstractItemModelTester>
+#include <QComboBox>
+#include <QDockWidget>
+#include <QLabel>
+#include <QLineEdit>
+
+using namespace orvo;
+using namespace orvo::test;
+using app::FindModel;
+
+namespace {
+
+/// Letters of any alphabet, which QTest's own key clicks have not.
+void keyClicks(QWidget* widget, const QString& text) {
+    for (const QChar letter : text) {
+        QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(letter));
+        QApplication::sendEvent(widget, &press);
+    }
+}
+
+struct Fixture : RunningClient {
+    Fixture() { activate(); }
+    void activate() const {
+        client->window()->activateWindow();
+        if (!QTest::qWaitForWindowActive(client->window()))
+            qWarning("the window is not active");
+    }
+    /// What is written is there when the editors open.
+    template <class Write>
+    void beforeTheStart(const Write& write) {
+        stop();
+        write();
+        start();
+        activate();
+    }
+    void addModules(int count) {
+        otherWrites(MDX_INSERT, {{"KeyLink", "rf"}, {"caption", "модули"}, {"type_", "1"}},
+                    "MenuResourceFolder");
+        for (int i = 1; i <= count; ++i)
+            otherWrites(MDX_INSERT,
+                        {{"KeyLink", "r" + std::to_string(i)},
+                         {"caption", "Тренд " + std::to_string(i)},
+                         {"name_", "Trends" + std::to_string(i)},
+                         {"type_", "1"},
+                         {"MenuResourceFolderKey", "rf"}},
+                        "MenuResource");
+    }
+    app::FindPane* pane() const { return child<app::FindPane>("findPane"); }
+    QTreeView* list() const { return child<QTreeView>("findList"); }
+    QLineEdit* line() const { return child<QLineEdit>("findText"); }
+    QString note() const { return child<QLabel>("findNote")->text(); }
+    void open() const {
+        QTest::keyClick(client->window(), Qt::Key_K, Qt::ControlModifier);
+        QVERIFY(pane()->isVisible());
+    }
+    void type(const QString& text) const {
+        line()->selectAll();
+        keyClicks(line(), text);
+    }
+    /// Names and paths, a line a row.
+    QStringList rows() const {
+        QStringList all;
+        for (int row = 0; row < list()->model()->rowCount(); ++row)
+            all << list()->model()->index(row, FindModel::Name).data().toString() + '|' +
+                       list()->model()->index(row, FindModel::Path).data().toString();
+        return all;
+    }
+    QString currentElement() const {
+        return view("tvMenu")
+            ->currentIndex()
+            .sibling(view("tvMenu")->currentIndex().row(), 0)
+            .data()
+            .toString();
+    }
+};
+
+} // namespace
+
+class TestFind : public QObject {
+    Q_OBJECT
+private slots:
+    void whatIsTypedIsFoundWithItsPath() {
+        Fixture fixture;
+        const QAbstractItemModelTester tester(
+            fixture.list()->model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
+        fixture.open();
+        QCOMPARE(QApplication::focusWidget(), fixture.line());
+        fixture.type("кс-1 В");
+        QTRY_COMPARE(fixture.rows(), QStringList{"в|КС-1 / а / б"});
+        QTRY_COMPARE(fixture.note(), QString("Найдено 1."));
+        fixture.type("кс-1");
+        QTRY_COMPARE(fixture.rows(), QStringList{"КС-1|"});
+        fixture.type("нет такого");
+        QTRY_COMPARE(fixture.note(), QString("Ничего не найдено."));
+        QCOMPARE(fixture.rows(), QStringList());
+        fixture.type("[a-z]*(");
+        QTRY_COMPARE(fixture.note(), QString("Ничего не найдено."));
+    }
+
+    void enterGoesToTheRowAndEscToWhatOneDid() {
+        Fixture fixture;
+        fixture.view("tvMenu")->setFocus();
+        fixture.open();
+        QTest::keyClick(fixture.line(), Qt::Key_Escape);
+        QVERIFY(!fixture.pane()->isVisible());
+        QCOMPARE(QApplication::focusWidget(), fixture.view("tvMenu"));
+        fixture.open();
+        fixture.type("кс-1 в");
+        QTRY_COMPARE(fixture.rows().size(), 1);
+        QTest::keyClick(fixture.line(), Qt::Key_Return);
+        QVERIFY(!fixture.pane()->isVisible());
+        QTRY_COMPARE(fixture.currentElement(), QString("в"));
+    }
+
+    void anElementOfAnotherDesktopOpensThatDesktop() {
+        Fixture fixture;
+        fixture.beforeTheStart([&] {
+            fixture.otherWrites(MDX_INSERT,
+                                {{"KeyLink", "far"}, {"caption", "КС-2"}, {"order_", "2000"}},
+                                "MenuFolder");
+            fixture.otherWrites(MDX_INSERT, {{"KeyLink", "e"},
+                                             {"FolderKey", "far"},
+                                             {"caption", "дальний"},
+                                             {"order_", "1000"}});
+        });
+        fixture.open();
+        fixture.type("дальн");
+        QTRY_COMPARE(fixture.rows(), QStringList{"дальний|КС-2"});
+        QTest::keyClick(fixture.line(), Qt::Key_Return);
+        QTRY_COMPARE(fixture.currentElement() + fixture.failure(), QString("дальний"));
+        QCOMPARE(fixture.menu(), QString("дальний"));
+    }
+
+    void aResourceOpensTheOtherEditor() {
+        Fixture fixture;
+        fixture.beforeTheStart([&] { fixture.addModules(1); });
+        fixture.open();
+        fixture.type("trends");
+        QTRY_COMPARE(fixture.rows(), QStringList{"Тренд 1|модули"});
+        QTest::keyClick(fixture.line(), Qt::Key_Return);
+        QTRY_VERIFY(fixture.view("tvRes")->isVisible());
+        QTRY_COMPARE(fixture.view("tvRes")->currentIndex().siblingAtColumn(0).data().toString(),
+                     QString("Тренд 1"));
+    }
+
+    void aPersonOpensWhatHeDid() {
+        Fixture fixture;
+        fixture.open();
+        fixture.type("петров");
+        QTRY_COMPARE(fixture.rows(), QStringList{"Петров Пётр|"});
+        QTest::keyClick(fixture.line(), Qt::Key_Return);
+        QTRY_VERIFY(fixture.child<QDockWidget>("historyDock")->isVisible());
+        QCOMPARE(fixture.child<QComboBox>("historyWho")->currentData().toString(),
+                 QString("petrov"));
+    }
+
+    void theArrowsChooseWhileOneTypes() {
+        Fixture fixture;
+        fixture.open();
+        fixture.type("кс-1");
+        fixture.type("а");
+        QTRY_VERIFY(fixture.rows().size() >= 1);
+        fixture.type("кс-1 ");
+        for (const char* number : {"1", "2", "3"})
+            fixture.add(number, qPrintable(QString("насос %1").arg(number)), "a");
+        fixture.type("насос");
+        QTRY_COMPARE(fixture.rows().size(), 3);
+        QTest::keyClick(fixture.line(), Qt::Key_Down);
+        QTest::keyClick(fixture.line(), Qt::Key_Down);
+        QTest::keyClick(fixture.line(), Qt::Key_Up);
+        QCOMPARE(fixture.list()->currentIndex().row(), 1);
+        QCOMPARE(QApplication::focusWidget(), fixture.line());
+        QTest::keyClick(fixture.line(), Qt::Key_Return);
+        QTRY_COMPARE(fixture.currentElement(), QString("насос 2"));
+    }
+
+    void whatOthersDoShowsWhileItIsOpen() {
+        Fixture fixture;
+        fixture.open();
+        fixture.type("кран");
+        QTRY_COMPARE(fixture.note(), QString("Ничего не найдено."));
+        fixture.add("k", "Кран шаровой", nullptr);
+        QTRY_COMPARE(fixture.rows(), QStringList{"Кран шаровой|КС-1"});
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "k"}, {"caption", "Кран пробковый"}});
+        QTRY_COMPARE(fixture.rows(), QStringList{"Кран пробковый|КС-1"});
+    }
+
+    void enterMeansTheAnswerToWhatWasTyped() {
+        Fixture fixture;
+        fixture.open();
+        fixture.type("кс-1 г");
+        QTRY_COMPARE(fixture.rows(), QStringList{"г|КС-1"});
+        fixture.type("кс-1 в");
+        QTest::keyClick(fixture.line(), Qt::Key_Return); // "г" is still listed
+        QTRY_COMPARE(fixture.currentElement(), QString("в"));
+    }
+
+    void whatOthersDoMovesNoOneToAnotherResult() {
+        Fixture fixture;
+        for (const char* number : {"1", "2", "3"})
+            fixture.add(number, qPrintable(QString("насос %1").arg(number)), "a");
+        fixture.open();
+        fixture.type("насос");
+        QTRY_COMPARE(fixture.rows().size(), 3);
+        QTRY_COMPARE(fixture.list()->currentIndex().row(), 0);
+        fixture.add("0", "насос", "a"); // better than all of them
+        QTRY_COMPARE(fixture.rows().size(), 4);
+        QCOMPARE(fixture.rows().first(), QString("насос|КС-1 / а"));
+        QCOMPARE(fixture.list()->currentIndex().data().toString(), QString("насос 1"));
+        QVERIFY(fixture.host.write("Menu", MDX_DELETE, {{"KeyLink", "1"}}) != 0);
+        QTRY_VERIFY(fixture.note().startsWith("Выбранной строки среди найденного больше нет."));
+        QTest::keyClick(fixture.line(), Qt::Key_Return);
+        QVERIFY(fixture.pane()->isVisible());
+        QTest::keyClick(fixture.line(), Qt::Key_Down);
+        QTest::keyClick(fixture.line(), Qt::Key_Return);
+        QVERIFY(!fixture.pane()->isVisible());
+    }
+
+    void whatHasVanishedIsTold() {
+        Fixture fixture;
+        fixture.open();
+        fixture.type("кс-1 в");
+        QTRY_COMPARE(fixture.rows().size(), 1);
+        QVERIFY(fixture.host.write("Menu", MDX_DELETE, {{"KeyLink", "c"}}) != 0);
+        QTest::keyClick(fixture.line(), Qt::Key_Return); // no event has told of it
+        QTRY_COMPARE(fixture.failure(), QString("Показать нечего: строки больше нет."));
+    }
+
+    void anotherPartOfTheWindowTakesItAway() {
+        Fixture fixture;
+        fixture.open();
+        fixture.view("tvDesck")->setFocus();
+        QVERIFY(!fixture.pane()->isVisible());
+        QCOMPARE(QApplication::focusWidget(), fixture.view("tvDesck"));
+    }
+
+    void theMenuOpensItToo() {
+        Fixture fixture;
+        QAction* action = fixture.action("client_findAll");
+        QVERIFY(action);
+        QCOMPARE(action->shortcut(), QKeySequence("Ctrl+K"));
+        action->trigger();
+        QVERIFY(fixture.pane()->isVisible());
+        QVERIFY(!fixture.line()->accessibleName().isEmpty());
+        QVERIFY(!fixture.list()->accessibleName().isEmpty());
+    }
+
+    void afterTheModulesAreOpenedAnewAllIsFoundAsItIsThen() {
+        Fixture fixture;
+        fixture.open();
+        fixture.type("кс-1 г");
+        QTRY_COMPARE(fixture.rows(), QStringList{"г|КС-1"});
+        QTest::keyClick(fixture.line(), Qt::Key_Escape);
+        emit fixture.client->window()->reopenRequested();
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "d"}, {"caption", "г2"}});
+        QTRY_VERIFY(fixture.client->settled());
+        fixture.open();
+        QTRY_COMPARE(fixture.rows(), QStringList{"г2|КС-1"});
+    }
+
+    void theTreeWithTheFocusIsSearchedInItsCorner() {
+        Fixture fixture;
+        for (const char* number : {"1", "2", "3"})
+            fixture.add(number, qPrintable(QString("нас%1").arg(number)), "a");
+        QTRY_VERIFY(fixture.menu().contains("нас3"));
+        QTreeView* menu = fixture.view("tvMenu");
+        menu->setFocus();
+        QTest::keyClick(menu, Qt::Key_F, Qt::ControlModifier);
+        auto* bar = menu->findChild<QWidget*>("treeSearch");
+        auto* text = menu->findChild<QLineEdit*>("treeSearchText");
+        QVERIFY(bar && bar->isVisible());
+        QCOMPARE(QApplication::focusWidget(), text);
+        keyClicks(text, "НАС");
+        QCOMPARE(fixture.currentElement(), QString("нас1"));
+        QTest::keyClick(text, Qt::Key_F3);
+        QCOMPARE(fixture.currentElement(), QString("нас2"));
+        QTest::keyClick(text, Qt::Key_Return);
+        QCOMPARE(fixture.currentElement(), QString("нас3"));
+        QTest::keyClick(text, Qt::Key_F3);
+        QCOMPARE(fixture.currentElement(), QString("нас3")); // no way around
+        QTest::keyClick(text, Qt::Key_F3, Qt::ShiftModifier);
+        QCOMPARE(fixture.currentElement(), QString("нас2"));
+        keyClicks(text, ".*");
+        QCOMPARE(text->palette().color(QPalette::Text), QColor("#DC143C"));
+        QTest::keyClick(text, Qt::Key_Escape);
+        QVERIFY(!bar->isVisible());
+        QCOMPARE(QApplication::focusWidget(), menu);
+        QCOMPARE(fixture.currentElement(), QString("нас2"));
+    }
+
+    void desktopsHaveASearchOfTheirOwn() {
+        Fixture fixture;
+        QTreeView* desktops = fixture.view("tvDesck");
+        desktops->setCurrentIndex(desktops->model()->index(0, 0));
+        desktops->setFocus();
+        QTest::keyClick(desktops, Qt::Key_F, Qt::ControlModifier);
+        auto* text = desktops->findChild<QLineEdit*>("treeSearchText");
+        QCOMPARE(QApplication::focusWidget(), text);
+        keyClicks(text, "кс-1");
+        QCOMPARE(desktops->currentIndex().data().toString(), QString("КС-1"));
+        QVERIFY(!fixture.view("tvMenu")->findChild<QWidget*>("treeSearch")->isVisible());
+    }
+
+    void theResourceEditorsFieldIsCalledByTheSameKeys_data() {
+        QTest::addColumn<int>("width");
+        QTest::newRow("room in the tool bar") << 1600;
+        QTest::newRow("no room there") << 700;
+    }
+    void theResourceEditorsFieldIsCalledByTheSameKeys() {
+        QFETCH(int, width);
+        Fixture fixture;
+        fixture.beforeTheStart([&] { fixture.addModules(2); });
+        fixture.client->openFurther({"Resources"});
+        QTreeView* resources = fixture.view("tvRes");
+        QTRY_VERIFY(resources->isVisible());
+        fixture.client->window()->setMinimumWidth(0);
+        fixture.client->window()->resize(width, 600);
+        const bool isCorner = width < 1000;
+        auto* bar = resources->findChild<QWidget*>("treeSearch");
+        resources->setFocus();
+        QTest::keyClick(resources, Qt::Key_F, Qt::ControlModifier);
+        auto* field = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+        QVERIFY(field);
+        QCOMPARE(bar->isVisible(), isCorner);
+        QCOMPARE(bar->isAncestorOf(field), isCorner);
+        keyClicks(field, "тренд");
+        QTRY_COMPARE(resources->currentIndex().siblingAtColumn(0).data().toString(),
+                     QString("Тренд 1"));
+        QTest::keyClick(field, Qt::Key_F3);
+        QCOMPARE(resources->currentIndex().siblingAtColumn(0).data().toString(),
+                 QString("Тренд 2"));
+        QTest::keyClick(field, Qt::Key_F3);
+        resources->setFocus();
+        QTest::keyClick(resources, Qt::Key_F3, Qt::ShiftModifier);
+        QCOMPARE(resources->currentIndex().siblingAtColumn(0).data().toString(),
+                 QString("Тренд 1"));
+    }
+};
+
+QTEST_MAIN(TestFind)
+
+#include "tst_find.moc"
