@@ -139,6 +139,20 @@ private slots:
         QVERIFY(!QFileInfo::exists(app::passwordFile()));
     }
 
+    void tabGoesThroughTheRowsInTheirOrder() {
+        ServerDialog dialog("ivanov");
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowActive(&dialog));
+        QCOMPARE(part<QLineEdit>(dialog, "serverHost")->selectedText(), QString("localhost"));
+        QStringList order;
+        for (int i = 0; i < 5; ++i) {
+            order << dialog.focusWidget()->objectName();
+            QTest::keyClick(dialog.focusWidget(), Qt::Key_Tab);
+        }
+        QCOMPARE(order, QStringList({"serverHost", "serverPort", "serverDatabase", "serverUser",
+                                     "serverPassword"}));
+    }
+
     void aPasswordToBeKeptIsWrittenForEachHost() {
         ServerDialog dialog("ivanov");
         part<QLineEdit>(dialog, "serverHost")->setText("db1,db2");

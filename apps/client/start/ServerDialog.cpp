@@ -77,6 +77,9 @@ ServerDialog::ServerDialog(const QString& user, QWidget* parent)
     for (QLineEdit* line : {m_host, m_database, m_user, m_typed})
         connect(line, &QLineEdit::textChanged, this, &ServerDialog::changed);
     connect(m_port, QOverload<int>::of(&QSpinBox::valueChanged), this, &ServerDialog::changed);
+    setTabOrder(m_host, m_port); // in the order of the rows
+    setTabOrder(m_port, m_database);
+    m_host->selectAll();
     changed();
     resize(520, sizeHint().height());
 }
