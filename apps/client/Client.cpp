@@ -250,11 +250,13 @@ void Client::connectAll() {
     connect(m_window.get(), &MainWindow::reopenRequested, this,
             [this] { reopenModules(QStringLiteral("Модули открыты заново."), false); });
     connect(m_window.get(), &MainWindow::storeRequested, this, [this] {
-        openFurtherStore(ownStore(), m_options.login, m_window.get(),
-                         {QStringLiteral("--login"), m_options.login}, [this](const QString& why) {
-                             fail(QStringLiteral("Хранилище"),
-                                  QStringLiteral("Окно не открыто: %1").arg(why));
-                         });
+        QStringList arguments{QStringLiteral("--login"), m_options.login};
+        for (const QString& dir : m_options.moduleDirs)
+            arguments << QStringLiteral("--modules") << dir;
+        openFurtherStore(
+            ownStore(), m_options.login, m_window.get(), arguments, [this](const QString& why) {
+                fail(QStringLiteral("Хранилище"), QStringLiteral("Окно не открыто: %1").arg(why));
+            });
     });
     connect(m_window.get(), &MainWindow::closing, this, [this] {
         rememberModules();

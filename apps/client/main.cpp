@@ -11,6 +11,7 @@
 #include "apps/client/Scheme.h"
 #include "apps/client/WaitPane.h"
 #include "apps/client/start/RecentStores.h"
+#include "apps/client/start/ServerPassword.h"
 #include "apps/client/start/StorePage.h"
 
 #include "platform/store/StoreUrl.h"
@@ -59,8 +60,7 @@ bool chooseStore(orvo::app::Options* options, const QString& reason) {
     options->isDefaultStore = chosen.address == ownFile;
     if (!options->isWorkDirGiven)
         options->workDir = orvo::app::usualWorkDir(chosen.address);
-    if (!chosen.password.isEmpty())
-        qputenv("PGPASSWORD", chosen.password.toUtf8()); // no file and no command line shows it
+    orvo::app::offerPassword(chosen.password);
     return true;
 }
 
@@ -103,6 +103,7 @@ int runClient(orvo::app::Options options, orvo::app::SchemeKeeper& scheme) {
 } // namespace
 
 int main(int argc, char* argv[]) {
+    orvo::app::keepOwnPassword();
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments << QString::fromUtf8(argv[i]);

@@ -3,6 +3,7 @@
 #include "apps/client/Installation.h"
 #include "apps/client/start/RecentStores.h"
 #include "apps/client/start/ServerDialog.h"
+#include "apps/client/start/ServerPassword.h"
 #include "platform/store/StoreUrl.h"
 
 #include <QAction>
@@ -14,7 +15,6 @@
 #include <QFileInfo>
 #include <QLabel>
 #include <QListWidget>
-#include <QProcessEnvironment>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -231,10 +231,7 @@ void openFurtherStore(const QString& ownFile, const QString& user, QWidget* wind
         process.setProgram(QCoreApplication::applicationFilePath());
         process.setArguments(arguments +
                              QStringList{QStringLiteral("--store"), page->chosen().address});
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        if (!page->chosen().password.isEmpty())
-            environment.insert(QStringLiteral("PGPASSWORD"), page->chosen().password);
-        process.setProcessEnvironment(environment);
+        process.setProcessEnvironment(environmentOffering(page->chosen().password));
         if (!process.startDetached())
             fail(process.errorString());
     });
