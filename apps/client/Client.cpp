@@ -25,6 +25,7 @@
 #include <QAbstractScrollArea>
 #include <QApplication>
 #include <QDir>
+#include <QDockWidget>
 #include <QFileInfo>
 #include <QThread>
 
@@ -136,6 +137,8 @@ void Client::show() {
             std::make_unique<WindowMemory>(kind + QString::fromStdString(store.displayName()),
                                            QString::fromStdString(store.login()));
         tab = m_memory->restoreWindow(*m_window);
+        connect(m_window.get(), &MainWindow::paneAdded, this,
+                [this](const QDockWidget* pane) { m_memory->restorePane(*pane); });
     }
     addOpenEdits();
     connectAll();

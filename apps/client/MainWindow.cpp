@@ -117,6 +117,7 @@ QDockWidget* MainWindow::addPane(QWidget* content, const QString& title, const Q
     addDockWidget(Qt::BottomDockWidgetArea, dock);
     tabifyDockWidget(m_logDock, dock);
     dock->hide();
+    emit paneAdded(dock);
     if (shortcut.isEmpty()) {
         m_view->addAction(dock->toggleViewAction());
         return dock;

@@ -84,6 +84,7 @@ signals:
     void desktopRequested();
     /// The user wants to open a further store.
     void storeRequested();
+    void paneAdded(QDockWidget* pane);
     /// The user has closed the pane of a desktop.
     void deskClosed(COrvoCliMod* desk);
     void pageCloseRequested(QWidget* page);

@@ -1,7 +1,8 @@
 #include "apps/client/WindowMemory.h"
 
+#include <QChildEvent>
 #include <QCryptographicHash>
-#include <QEvent>
+#include <QDockWidget>
 #include <QHeaderView>
 #include <QMainWindow>
 #include <QSet>
@@ -36,12 +37,21 @@ QString keyOf(const QModelIndex& row) {
 std::vector<QTreeView*> treesOf(const QWidget& module) {
     std::vector<QTreeView*> trees;
     for (QTreeView* tree : module.findChildren<QTreeView*>())
-        if (tree->model() && !tree->objectName().isEmpty())
+        if (tree->model() && !tree->objectName().isEmpty() && tree->window() == module.window())
             trees.push_back(tree);
     const auto left = [&](const QTreeView* tree) { return tree->mapTo(&module, QPoint()).x(); };
     std::stable_sort(trees.begin(), trees.end(), [&](const QTreeView* one, const QTreeView* other) {
         return left(one) < left(other);
     });
+    return trees;
+}
+
+/// Those in pop-ups of the module.
+std::vector<const QTreeView*> popupTreesOf(const QWidget& module) {
+    std::vector<const QTreeView*> trees;
+    for (const QTreeView* tree : module.findChildren<QTreeView*>())
+        if (tree->model() && !tree->objectName().isEmpty() && tree->window() != module.window())
+            trees.push_back(tree);
     return trees;
 }
 
@@ -56,19 +66,32 @@ bool hasOwnWidth(const QHeaderView& header, int column) {
            header.sectionResizeMode(column) == QHeaderView::Interactive;
 }
 
-QStringList widthsOf(const QHeaderView& header) {
-    QStringList widths;
-    for (int column = 0; column < header.count(); ++column)
-        widths << QString::number(hasOwnWidth(header, column) ? header.sectionSize(column) : 0);
-    return widths;
-}
-
 void setWidths(QHeaderView& header, const QStringList& widths) {
     if (widths.size() != header.count())
         return; // of another version
     for (int column = 0; column < header.count(); ++column)
         if (const int width = widths[column].toInt(); width > 0 && hasOwnWidth(header, column))
             header.resizeSection(column, std::clamp(width, leastWidth, greatestWidth));
+}
+
+// The widths of a tree are in the group of its name. A column that is hidden keeps the one it had.
+
+void saveColumns(QSettings& settings, const QTreeView& tree) {
+    const QHeaderView& header = *tree.header();
+    const QString name = tree.objectName() + QLatin1String("/columns");
+    const QStringList before = settings.value(name).toStringList();
+    QStringList widths;
+    for (int column = 0; column < header.count(); ++column)
+        widths << (hasOwnWidth(header, column) ? QString::number(header.sectionSize(column))
+                   : header.isSectionHidden(column) && before.size() == header.count()
+                       ? before[column]
+                       : QString::number(0));
+    settings.setValue(name, widths);
+}
+
+void restoreColumns(const QSettings& settings, const QTreeView& tree) {
+    const QString name = tree.objectName() + QLatin1String("/columns");
+    setWidths(*tree.header(), settings.value(name).toStringList());
 }
 
 /// Visits the rows that stand open below each other; `open` tells whether a row does.
@@ -183,6 +206,37 @@ protected:
     }
 };
 
+/// Gives the columns of a pop-up their widths when that is first shown: it is made when it is
+/// needed.
+class PopupColumns : public QObject {
+public:
+    PopupColumns(QWidget* module, QString group) : QObject(module), m_group(std::move(group)) {
+        module->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() != QEvent::ChildPolished || watched != parent())
+            return false;
+        const auto* popup =
+            qobject_cast<const QWidget*>(static_cast<const QChildEvent*>(event)->child());
+        if (!popup || !popup->isWindow())
+            return false;
+        QSettings settings = clientSettings();
+        settings.beginGroup(m_group);
+        for (const QTreeView* tree : popup->findChildren<QTreeView*>())
+            restoreColumns(settings, *tree);
+        return false;
+    }
+
+private:
+    const QString m_group;
+};
+
+QString paneGroup(const QDockWidget& pane) {
+    return QLatin1String("pane-") + pane.objectName();
+}
+
 } // namespace
 
 QSettings clientSettings() {
@@ -203,6 +257,12 @@ void WindowMemory::saveWindow(const QMainWindow& window, int tab) const {
     settings.setValue(QStringLiteral("geometry"), window.saveGeometry());
     settings.setValue(QStringLiteral("docks"), window.saveState(dockLayout));
     settings.setValue(QStringLiteral("tab"), tab);
+    for (const QDockWidget* pane : window.findChildren<QDockWidget*>()) {
+        settings.beginGroup(paneGroup(*pane));
+        for (const QTreeView* tree : pane->findChildren<QTreeView*>())
+            saveColumns(settings, *tree);
+        settings.endGroup();
+    }
 }
 
 int WindowMemory::restoreWindow(QMainWindow& window) const {
@@ -210,7 +270,17 @@ int WindowMemory::restoreWindow(QMainWindow& window) const {
     settings.beginGroup(m_group);
     window.restoreGeometry(settings.value(QStringLiteral("geometry")).toByteArray());
     window.restoreState(settings.value(QStringLiteral("docks")).toByteArray(), dockLayout);
+    for (const QDockWidget* pane : window.findChildren<QDockWidget*>())
+        restorePane(*pane);
     return settings.value(QStringLiteral("tab")).toInt();
+}
+
+void WindowMemory::restorePane(const QDockWidget& pane) const {
+    QSettings settings = clientSettings();
+    settings.beginGroup(m_group);
+    settings.beginGroup(paneGroup(pane));
+    for (const QTreeView* tree : pane.findChildren<QTreeView*>())
+        restoreColumns(settings, *tree);
 }
 
 void WindowMemory::saveDesktop(const QString& key) const {
@@ -247,14 +317,16 @@ void WindowMemory::saveModule(const QString& name, const QWidget& module) const 
     for (const QSplitter* splitter : module.findChildren<QSplitter*>())
         settings.setValue(splitter->objectName(), splitter->saveState());
     for (const QTreeView* tree : treesOf(module)) {
-        settings.beginGroup(tree->objectName());
-        settings.setValue(QStringLiteral("columns"), widthsOf(*tree->header()));
+        saveColumns(settings, *tree);
         if (!showsOneRecord(*tree)) {
+            settings.beginGroup(tree->objectName());
             settings.setValue(QStringLiteral("open"), openRows(*tree));
             settings.setValue(QStringLiteral("current"), currentPath(*tree));
+            settings.endGroup();
         }
-        settings.endGroup();
     }
+    for (const QTreeView* tree : popupTreesOf(module))
+        saveColumns(settings, *tree);
 }
 
 void WindowMemory::restoreModule(const QString& name, QWidget& module) const {
@@ -272,14 +344,15 @@ void WindowMemory::restoreModule(const QString& name, QWidget& module) const {
     settings.beginGroup(name);
     for (QSplitter* splitter : module.findChildren<QSplitter*>())
         splitter->restoreState(settings.value(splitter->objectName()).toByteArray());
+    new PopupColumns(&module, settings.group()); // the module's child
     for (QTreeView* tree : treesOf(module)) {
-        settings.beginGroup(tree->objectName());
-        setWidths(*tree->header(), settings.value(QStringLiteral("columns")).toStringList());
+        restoreColumns(settings, *tree);
         if (!showsOneRecord(*tree)) {
+            settings.beginGroup(tree->objectName());
             open(*tree, settings.value(QStringLiteral("open")).toStringList().mid(0, mostOpenRows));
             choose(*tree, settings.value(QStringLiteral("current")).toStringList().mid(0, deepest));
+            settings.endGroup();
         }
-        settings.endGroup();
     }
 }
 

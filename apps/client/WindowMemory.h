@@ -1,5 +1,6 @@
 // WindowMemory.h: how a user left the window on a store, for the next time: place and docks of the
-// window, the tab, and of each module its splitters, column widths, open rows and current row.
+// window, column widths of its panes, the tab, and of each module its splitters, column widths,
+// also of its pop-ups, open rows and current row.
 //
 // Kept in the user's settings, a group for each store and login. What comes from there is only ever
 // a wish: sizes are clamped, unknown names and keys passed over, numbers bounded; a damaged file
@@ -9,6 +10,7 @@
 
 #include <QString>
 
+class QDockWidget;
 class QMainWindow;
 class QSettings;
 class QWidget;
@@ -26,6 +28,8 @@ public:
     void saveWindow(const QMainWindow& window, int tab) const;
     /// Leaves the window as it is where nothing is known; gives the tab, 0 if none is known.
     int restoreWindow(QMainWindow& window) const;
+    /// The column widths of a pane that the window was given after that.
+    void restorePane(const QDockWidget& pane) const;
 
     /// The desktop that the user has chosen to see beside the editors: its key; empty: none.
     void saveDesktop(const QString& key) const;
@@ -38,7 +42,8 @@ public:
     /// A module is known by its name; its views and splitters by their object names.
     void saveModule(const QString& name, const QWidget& module) const;
     /// To be called when its trees stand. A row that is gone is passed over, with what is below it;
-    /// of a current row that is gone the nearest row above it becomes current.
+    /// of a current row that is gone the nearest row above it becomes current. The columns of a
+    /// pop-up get their widths when it is first shown.
     void restoreModule(const QString& name, QWidget& module) const;
 
 private:

@@ -2,6 +2,7 @@
 #include "apps/client/WindowMemory.h"
 
 #include <QDir>
+#include <QDockWidget>
 #include <QFile>
 #include <QHeaderView>
 #include <QMainWindow>
@@ -54,6 +55,32 @@ struct Editor {
             .value(0);
     }
     QString current() const { return tree->currentIndex().data(keyRole).toString(); }
+};
+
+/// A window of the module, with a tree.
+struct Popup {
+    QWidget window;
+    QTreeView* tree = new QTreeView(&window);
+
+    explicit Popup(Editor& editor) : window(&editor.module, Qt::Window) {
+        tree->setObjectName("tvObj");
+        tree->setModel(&editor.model);
+        window.show();
+    }
+};
+
+struct Pane {
+    QDockWidget* dock;
+    QTreeView* tree = new QTreeView;
+
+    Pane(QMainWindow& window, const char* name, QAbstractItemModel& model)
+        : dock(new QDockWidget(&window)) {
+        dock->setObjectName(name);
+        tree->setObjectName("rows");
+        tree->setModel(&model);
+        dock->setWidget(tree);
+        window.addDockWidget(Qt::BottomDockWidgetArea, dock);
+    }
 };
 
 QString settingsFile() {
@@ -138,6 +165,50 @@ private slots:
         QCOMPARE(memory.restoreWindow(found), 1);
         found.show();
         QCOMPARE(found.size(), QSize(700, 500));
+    }
+
+    void thePopUpOfAModuleHasItsColumnsWhenItIsFirstShown() {
+        const WindowMemory memory("store", "ivanov");
+        {
+            Editor left;
+            Popup popup(left);
+            popup.tree->header()->resizeSection(0, 333);
+            popup.tree->header()->resizeSection(1, 222);
+            memory.saveModule("Menu", left.module);
+            // A column that is hidden at the end keeps the width that it had.
+            popup.tree->setColumnHidden(1, true);
+            memory.saveModule("Menu", left.module);
+        }
+        Editor found;
+        memory.restoreModule("Menu", found.module);
+        Popup popup(found);
+        QCOMPARE(popup.tree->columnWidth(0), 333);
+        QCOMPARE(popup.tree->columnWidth(1), 222);
+        // Later shows change nothing of what the user has done since.
+        popup.tree->header()->resizeSection(0, 300);
+        popup.window.hide();
+        popup.window.show();
+        QCOMPARE(popup.tree->columnWidth(0), 300);
+    }
+
+    void aPaneHasItsColumnsWheneverItIsMade() {
+        const WindowMemory memory("store", "ivanov");
+        Editor rows;
+        {
+            QMainWindow left;
+            Pane log(left, "logDock", rows.model), history(left, "historyDock", rows.model);
+            left.show();
+            log.tree->header()->resizeSection(0, 111);
+            history.tree->header()->resizeSection(0, 222);
+            memory.saveWindow(left, 0);
+        }
+        QMainWindow found;
+        Pane log(found, "logDock", rows.model);
+        memory.restoreWindow(found);
+        QCOMPARE(log.tree->columnWidth(0), 111);
+        Pane history(found, "historyDock", rows.model);
+        memory.restorePane(*history.dock);
+        QCOMPARE(history.tree->columnWidth(0), 222);
     }
 
     void aDamagedFileMeansAFirstDay_data() {
