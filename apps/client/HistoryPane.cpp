@@ -121,12 +121,10 @@ void HistoryPane::makeFilters() {
     m_scopeButton->setToolTip(QStringLiteral("Показать историю всех строк"));
     m_scopeButton->setAutoRaise(true);
     m_scopeButton->hide();
-    auto* row = new QHBoxLayout;
-    row->setContentsMargins(6, 4, 6, 4);
+    QHBoxLayout* row = addPaneRow(*qobject_cast<QVBoxLayout*>(layout()));
     for (QWidget* widget : std::initializer_list<QWidget*>{m_who, m_since, m_text, m_scopeButton})
         row->addWidget(widget);
     row->addStretch();
-    qobject_cast<QVBoxLayout*>(layout())->addLayout(row);
     m_applySoon.setSingleShot(true);
     m_applySoon.setInterval(applyDelayMs);
     connect(&m_applySoon, &QTimer::timeout, this, &HistoryPane::applyFilters);
@@ -138,15 +136,13 @@ void HistoryPane::makeFilters() {
 }
 
 void HistoryPane::makeActions() {
-    auto* row = new QHBoxLayout;
-    row->setContentsMargins(6, 4, 6, 4);
+    QHBoxLayout* row = addPaneRow(*qobject_cast<QVBoxLayout*>(layout()));
     m_show = addButton(row, QStringLiteral("Показать"), "historyShow");
     m_revert = addButton(row, QStringLiteral("Вернуть эту правку…"), "historyRevert");
     m_revertBack =
         addButton(row, QStringLiteral("Вернуть всё до этого места"), "historyRevertBack");
     m_revertBack->setMenu(m_backMenu);
     row->addWidget(m_note, 1);
-    qobject_cast<QVBoxLayout*>(layout())->addLayout(row);
     connect(m_backMenu, &QMenu::aboutToShow, this, [this] {
         m_backMenu->clear();
         fillBackMenu(*m_backMenu);

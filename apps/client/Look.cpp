@@ -3,9 +3,11 @@
 #include "frame/Contrast.h"
 
 #include <QApplication>
+#include <QHBoxLayout>
 #include <QLibraryInfo>
 #include <QLocale>
 #include <QTranslator>
+#include <QVBoxLayout>
 
 namespace orvo::app {
 
@@ -42,6 +44,15 @@ QString oneLine(QString text, int longest) {
         if (!letter.isPrint())
             letter = QLatin1Char(' ');
     return text;
+}
+
+QHBoxLayout* addPaneRow(QVBoxLayout& pane) {
+    constexpr int apart = 6;
+    auto* row = new QHBoxLayout;
+    row->setContentsMargins(6, 4, 6, 4);
+    row->setSpacing(apart);
+    pane.addLayout(row);
+    return row;
 }
 
 void speakRussian() {

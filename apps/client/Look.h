@@ -1,9 +1,12 @@
-// Look.h: how texts from elsewhere are shown; the language of Qt's own.
+// Look.h: how texts from elsewhere are shown; rows of controls in panes; the language of Qt's own.
 #ifndef ORVO_APPS_CLIENT_LOOK_H
 #define ORVO_APPS_CLIENT_LOOK_H
 
 #include <QString>
 #include <QStyledItemDelegate>
+
+class QHBoxLayout;
+class QVBoxLayout;
 
 namespace orvo::app {
 
@@ -17,6 +20,10 @@ QString clipped(const QString& text, int longest = 2000);
 /// A text from elsewhere as the title of a tab or window: control characters as blanks, and the end
 /// of a long one as "…".
 QString oneLine(QString text, int longest = 120);
+
+/// A further row of a pane, for controls: apart from each other and from the pane's edges, while
+/// the pane's rows touch. The layout owns it.
+QHBoxLayout* addPaneRow(QVBoxLayout& pane);
 
 /// The name of the desktop entry, the icon and the metadata, and the class of the windows.
 inline constexpr char applicationId[] = "org.orvo.Client";

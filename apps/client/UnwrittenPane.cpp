@@ -116,16 +116,14 @@ UnwrittenPane::UnwrittenPane(client::UnwrittenList& list, QWidget* parent)
     m_tree->header()->resizeSection(Where, 260);
     m_tree->header()->resizeSection(Why, 360);
 
-    auto* buttons = new QHBoxLayout;
-    buttons->setContentsMargins(6, 4, 6, 4);
-    for (QPushButton* button : {m_repeat, m_giveUp, m_repeatAll})
-        buttons->addWidget(button);
-    buttons->addStretch();
     auto* all = new QVBoxLayout(this);
     all->setContentsMargins(0, 0, 0, 0);
     all->setSpacing(0);
     all->addWidget(m_tree);
-    all->addLayout(buttons);
+    QHBoxLayout* buttons = addPaneRow(*all);
+    for (QPushButton* button : {m_repeat, m_giveUp, m_repeatAll})
+        buttons->addWidget(button);
+    buttons->addStretch();
 
     connect(m_repeat, &QPushButton::clicked, this, [this] { m_list.repeat(currentId()); });
     connect(m_repeatAll, &QPushButton::clicked, this, [this] { m_list.repeatAll(); });

@@ -88,6 +88,17 @@ private slots:
         QCOMPARE(fixture.pane()->view()->accessibleName(), QString("Проблемы"));
     }
 
+    void itsButtonsStandApart() {
+        Fixture fixture;
+        fixture.open();
+        const QWidget* left = nullptr;
+        for (const char* name : {"problemsShow", "problemsCure", "problemsWhich"}) {
+            const auto* widget = fixture.child<QWidget>(name);
+            QVERIFY2(!left || widget->x() - left->geometry().right() > 4, name);
+            left = widget;
+        }
+    }
+
     void whatOthersBreakComesAndGoes() {
         Fixture fixture;
         const QAbstractItemModelTester tester(

@@ -1,5 +1,7 @@
 #include "apps/client/problems/ProblemsPane.h"
 
+#include "apps/client/Look.h"
+
 #include <QComboBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -79,13 +81,11 @@ void ProblemsPane::makeButtons() {
         "Исправить выделенное там, где исправление однозначно (Ctrl+Enter); отменяет Ctrl+Z"));
     m_note->setObjectName(QStringLiteral("problemsNote"));
     m_note->setContentsMargins(8, 0, 0, 0);
-    auto* row = new QHBoxLayout;
-    row->setContentsMargins(6, 4, 6, 4);
+    QHBoxLayout* row = addPaneRow(*qobject_cast<QVBoxLayout*>(layout()));
     row->addWidget(m_show);
     row->addWidget(m_cure);
     row->addWidget(m_which);
     row->addWidget(m_note, 1);
-    qobject_cast<QVBoxLayout*>(layout())->addLayout(row);
     connect(m_show, &QPushButton::clicked, this, &ProblemsPane::showCurrent);
     connect(m_cure, &QPushButton::clicked, this, &ProblemsPane::cureSelected);
     connect(m_which, qOverload<int>(&QComboBox::activated), this, [this](int which) {
