@@ -173,6 +173,10 @@ bool PassportKeys::eventFilter(QObject* watched, QEvent* event) {
         }
         return false;
     }
+    // A field that goes with its row, as at the echo of a save, leaves the focus in the passport.
+    if (event->type() == QEvent::Hide && m_view->isVisible() &&
+        qobject_cast<const QWidget*>(watched)->hasFocus())
+        m_view->setFocus();
     return event->type() == QEvent::KeyPress && editorKey(*static_cast<QKeyEvent*>(event));
 }
 

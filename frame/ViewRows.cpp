@@ -2,6 +2,8 @@
 
 #include "frame/Notification.h"
 
+#include <QGuiApplication>
+
 #include <algorithm>
 
 namespace orvo {
@@ -41,10 +43,18 @@ bool currentStandsIn(const QTreeView* view, const QModelIndex& row) {
     return false;
 }
 
+void makeCurrent(QTreeView* view, const QModelIndex& row) {
+    const QPersistentModelIndex wanted(row);
+    // With nothing selected, a row that is toggled, or selected besides, is the only one.
+    if (QGuiApplication::keyboardModifiers() & (Qt::ControlModifier | Qt::ShiftModifier))
+        view->selectionModel()->clearSelection();
+    view->setCurrentIndex(wanted);
+}
+
 void reselectRow(QTreeView* view, const QModelIndex& row) {
     const QPersistentModelIndex kept(row);
-    view->setCurrentIndex(row.parent());
-    view->setCurrentIndex(kept);
+    makeCurrent(view, row.parent());
+    makeCurrent(view, kept);
 }
 
 void removeRow(QTreeView* view, const QModelIndex& row) {
@@ -61,8 +71,8 @@ void removePlaceholder(QTreeView* view, const QModelIndex& row) {
     if (!model->removeRows(number, 1, parent))
         return;
     const int left = model->rowCount(parent);
-    view->setCurrentIndex(left == 0 ? QModelIndex(parent)
-                                    : model->index(std::min(number, left - 1), 0, parent));
+    makeCurrent(view, left == 0 ? QModelIndex(parent)
+                                : model->index(std::min(number, left - 1), 0, parent));
 }
 
 void removeRecord(const Notification& change, CMDArray& table, QTreeView* view,

@@ -29,6 +29,9 @@ void setRow(QAbstractItemModel& model, const QModelIndex& row, const QVector<QVa
 
 /// Whether the view's current row is that row or stands below it; any column counts.
 bool currentStandsIn(const QTreeView* view, const QModelIndex& row);
+/// Makes the row current and the only one that is selected, whatever keys are held down: Ctrl and
+/// Shift mean something to the view's own setCurrentIndex, but not while a change comes in.
+void makeCurrent(QTreeView* view, const QModelIndex& row);
 /// Makes the row's parent current and then the row itself, which refreshes all that depends on the
 /// current row.
 void reselectRow(QTreeView* view, const QModelIndex& row);

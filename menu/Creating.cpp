@@ -252,5 +252,5 @@ void OrvoMenu::on_actNewElemFolder_triggered() {
     enableEditButtons(true);
     m_ui->tvMenu->scrollTo(folder);
     m_ui->tvMenu->selectionModel()->select(folder, QItemSelectionModel::ClearAndSelect);
-    m_ui->tvMenu->setCurrentIndex(folder);
+    orvo::makeCurrent(m_ui->tvMenu, folder);
 }

@@ -70,7 +70,7 @@ void OrvoMenu::addDesckRow(bool isFolder) {
     enableEditButtons(true);
     m_ui->tvDesck->scrollTo(added);
     m_ui->tvDesck->selectionModel()->select(added, QItemSelectionModel::ClearAndSelect);
-    m_ui->tvDesck->setCurrentIndex(added);
+    orvo::makeCurrent(m_ui->tvDesck, added);
     // Only now: becoming current is a trigger too, and no editor is to open by itself.
     m_ui->tvDesck->setEditTriggers(QAbstractItemView::AllEditTriggers);
 }

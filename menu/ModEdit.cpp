@@ -5,6 +5,7 @@
 #include "menu/OrvoMenu.h"
 
 #include "frame/Records.h"
+#include "frame/ViewRows.h"
 #include "frame/Vocabulary.h"
 #include "menu/Columns.h"
 
@@ -65,7 +66,7 @@ bool OrvoMenu::ModShowRecord(const QString& table, const QString& key, const QSt
     const QModelIndex desck = desckKey.isEmpty() ? QModelIndex() : desckRow(desckKey);
     if (!desck.isValid())
         return false;
-    m_ui->tvDesck->setCurrentIndex(desck);
+    orvo::makeCurrent(m_ui->tvDesck, desck);
     // The current desktop need not be the one whose menu is open.
     if (isElement && !orvo::sameText(openDesckKey(), desckKey)) {
         clearMenuModel();
@@ -75,7 +76,7 @@ bool OrvoMenu::ModShowRecord(const QString& table, const QString& key, const QSt
     if (isElement && !element.isValid())
         return false;
     QTreeView* view = isElement ? m_ui->tvMenu : m_ui->tvDesck;
-    view->setCurrentIndex(isElement ? element : desck);
+    orvo::makeCurrent(view, isElement ? element : desck);
     view->scrollTo(view->currentIndex());
     view->setFocus();
     return true;

@@ -195,7 +195,7 @@ void OrvoMenu::elementInserted(const orvo::Notification& change) {
     loadMenuRow(parent, position, record);
     gatherChildren(key);
     if (mayMoveCurrent())
-        m_ui->tvMenu->setCurrentIndex(elementRow(key));
+        orvo::makeCurrent(m_ui->tvMenu, elementRow(key));
 }
 
 void OrvoMenu::gatherChildren(const QString& key) {
@@ -235,7 +235,7 @@ void OrvoMenu::moveElement(const QModelIndex& row, int32_t position, const QMode
     const QScopedValueRollback<bool> moving(m_movesRows, true);
     m_menuModel->moveItem(row.row(), position, row.parent(), target);
     if (current.isValid() && goesAlong)
-        view->setCurrentIndex(elementRow(key));
+        orvo::makeCurrent(view, elementRow(key));
 }
 
 void OrvoMenu::elementDeleted(const orvo::Notification& change) {

@@ -3,6 +3,7 @@
 #include "menu/OrvoMenu.h"
 
 #include "frame/Records.h"
+#include "frame/ViewRows.h"
 #include "frame/Vocabulary.h"
 #include "frame/WindowParts.h"
 #include "menu/Fields.h"
@@ -93,7 +94,7 @@ void OrvoMenu::setMenuFocusedItemAfterChanges() {
     const QModelIndex row = m_menuModel->findIndexByKey(m_focusKey);
     if (!row.isValid())
         return;
-    m_ui->tvMenu->setCurrentIndex(row);
+    orvo::makeCurrent(m_ui->tvMenu, row);
     m_focusKey.clear();
 }
 

@@ -65,7 +65,7 @@ void OrvoResources::addRow(QAction* action, const QString& caption) {
     m_edit.beginNew(added, key, folder ? QStringLiteral("folder") : QString(), caption);
     setActionsDisabled();
     m_ui->tvRes->scrollTo(added);
-    m_ui->tvRes->setCurrentIndex(added);
+    orvo::makeCurrent(m_ui->tvRes, added);
 }
 
 void OrvoResources::on_editor_valueChanged(const QString& rowName, const QVariant& value) {

@@ -4,6 +4,7 @@
 
 #include "resources/OrvoResources.h"
 
+#include "frame/ViewRows.h"
 #include "resources/Columns.h"
 
 using orvo::resources::ResColumn;
@@ -38,7 +39,7 @@ bool OrvoResources::ModShowRecord(const QString& table, const QString& key, cons
         m_resModel && !key.isEmpty() ? m_resModel->findIndexByKey(key) : QModelIndex();
     if (!row.isValid() || table != QLatin1String(orvo::resources::tableOf(row)))
         return false;
-    m_ui->tvRes->setCurrentIndex(row);
+    orvo::makeCurrent(m_ui->tvRes, row);
     m_ui->tvRes->scrollTo(row);
     m_ui->tvRes->setFocus();
     return true;

@@ -4,6 +4,7 @@
 
 #include "frame/CommonFunctions.h"
 #include "frame/ScratchTable.h"
+#include "frame/ViewRows.h"
 #include "frame/WindowParts.h"
 #include "resources/Columns.h"
 
@@ -112,7 +113,7 @@ void OrvoResources::setResFocusedItemAfterChanges() {
     const QModelIndex row = m_resModel->findIndexByKey(m_focusKey);
     if (!row.isValid())
         return;
-    m_ui->tvRes->setCurrentIndex(row);
+    orvo::makeCurrent(m_ui->tvRes, row);
     m_focusKey.clear();
     m_focusCame = false;
 }

@@ -161,10 +161,15 @@ class TestWithoutMouse : public SceneTest {
         m_keys += text.size();
         return hands::type(text);
     }
-    bool save() {
+    bool save(const char* tree) {
         press("ctrl+s");
-        return waitFor("the edit is saved and seen",
-                       [&] { return !left().isEnabled("saveEdit") && left().settled(); });
+        return waitFor("the edit is saved, and its row seen and selected", [&] {
+            if (left().isEnabled("saveEdit") || !left().settled())
+                return false;
+            const Tree shown = left().tree(tree);
+            const int current = shown.current();
+            return current >= 0 && shown.rows[size_t(current)].selected;
+        });
     }
     /// A new row of the desktops' tree, by that key.
     bool addDesckRow(const char* key, const QString& caption) {
@@ -175,7 +180,7 @@ class TestWithoutMouse : public SceneTest {
         if (!typeOver(caption))
             return false;
         press("Return");
-        return save() && waitFor(caption + " is stored and current", [&] {
+        return save("tvDesck") && waitFor(caption + " is stored and current", [&] {
                    return !desktop(caption).isNull() && isRowCurrent("tvDesck", 0, caption);
                });
     }
@@ -228,7 +233,7 @@ class TestWithoutMouse : public SceneTest {
             return false;
         if (shown.separator != wanted.separator && !(tabTo("separator") && press("space")))
             return false;
-        return save();
+        return save("tvMenu");
     }
     Element shownOf(const QString& key) {
         const Tree tree = left().tree("tvMenu");

@@ -13,6 +13,7 @@
 #include <QSet>
 #include <QTimer>
 #include <QToolButton>
+#include <QWindow>
 
 using namespace orvo::test;
 namespace keys = orvo::keys;
@@ -346,6 +347,52 @@ private slots:
             QTest::keyClick(passport, Qt::Key_Escape);
             QTest::keyClick(passport, Qt::Key_Escape);
             QCOMPARE(menu->m_editMode, 0);
+        }
+    }
+
+    void aSaveLeavesTheFocusInThePassport() {
+        Menu menu;
+        QVERIFY(menu.open());
+        QTest::keyClick(menu.at("trend"), Qt::Key_F2);
+        QTreeView* passport = menu.view("tvProp");
+        QWidget* field = passport->indexWidget(passport->currentIndex());
+        QVERIFY(field && field->hasFocus());
+        typeText(field, "7");
+        QTest::keyClick(field, Qt::Key_S, Qt::ControlModifier);
+        menu.host.deliver(*menu.module);
+        QCOMPARE(menu->m_editMode, 0);
+        QVERIFY(passport->hasFocus() || passport->isAncestorOf(QApplication::focusWidget()));
+        // And what the row permits is on.
+        QTRY_VERIFY(menu.action("actDeleteElem")->isEnabled());
+    }
+
+    void keysHeldDownDoNotChangeWhatIsSelected() {
+        Menu menu;
+        QVERIFY(menu.open());
+        QTreeView* view = menu.at("trend");
+        const auto selected = [&] {
+            QStringList keys;
+            for (const QModelIndex& row : view->selectionModel()->selectedRows())
+                keys << menu->m_menuModel->getItemKeyLink(row);
+            return keys.join(' ');
+        };
+        QWindow* window = menu.module->windowHandle();
+        for (const auto& [key, with] : {std::pair(Qt::Key_Control, Qt::ControlModifier),
+                                        std::pair(Qt::Key_Shift, Qt::ShiftModifier)}) {
+            QTest::keyPress(window, key, with);
+            QVERIFY(QGuiApplication::keyboardModifiers() & with);
+            menu.store.update("Menu", {{"KeyLink", "trend"}, {"params", QString("1")}});
+            menu.host.deliver(*menu.module);
+            QCOMPARE(selected(), QString("trend"));
+            menu.store.insert("Menu", {{"KeyLink", QString("new%1").arg(with)},
+                                       {"FolderKey", QString("armop")},
+                                       {"parent", QString("grafiki")},
+                                       {"caption", QString("Новый")},
+                                       {"order_", 9000}});
+            menu.host.deliver(*menu.module);
+            QCOMPARE(selected(), QString("new%1").arg(with));
+            QTest::keyRelease(window, key);
+            view->setCurrentIndex(menu->element("trend"));
         }
     }
 
