@@ -378,6 +378,7 @@ void Planning::compose() {
     for (const store::TableDef& table : store::tables())
         part(table, MDX_INSERT);
     part(store::contentTable(), MDX_INSERT);
+    echoResources();
     for (const store::TableDef& table : store::tables())
         part(table, MDX_UPDATE);
     part(store::contentTable(), MDX_UPDATE);

@@ -40,6 +40,10 @@ public:
     void compose();
 
 private:
+    /// Editors do not follow contents: by the echo of its record they show a resource anew whose
+    /// bytes come back.
+    void echoResources();
+
     static constexpr size_t mostFields = 64;
     using Fields = std::bitset<mostFields>; ///< by their numbers in the table
     struct Event {

@@ -165,4 +165,28 @@ store::Status Planning::decideContents() {
     return {};
 }
 
+void Planning::echoResources() {
+    const auto contents = m_records.find(&store::contentTable());
+    if (contents == m_records.end())
+        return;
+    const store::TableDef& resources = *store::findTable(table::MenuResource);
+    const int owner = store::contentTable().find(field::MenuResourceKey);
+    std::set<std::string> echoed;
+    store::TableWrites part;
+    part.table = &resources;
+    for (const auto& [key, content] : contents->second) {
+        if (content.version == 0 || content.flag != MDX_UPDATE)
+            continue;
+        const auto link = content.now.find(owner);
+        const std::string resource =
+            link == content.now.end() ? std::string() : store::textOf(link->second);
+        const Record* other = planned(resources, store::foldedKey(resource));
+        if (store::isKey(resource) && (!other || other->flag == 0) &&
+            echoed.insert(store::foldedKey(resource)).second)
+            part.writes.push_back({MDX_UPDATE, resource, {}});
+    }
+    if (!part.writes.empty())
+        m_inverse.parts.push_back(std::move(part));
+}
+
 } // namespace orvo::history

@@ -89,7 +89,11 @@ store::Status returnVersion(store::MaintainedStore& store, int64_t id) {
     store::BytesToWrite bytes;
     bytes.version = id;
     part.bytes.push_back(std::move(bytes));
-    return store.writeAll({part}, seen, {});
+    // Editors do not follow contents: by the echo of its record they show the resource anew.
+    store::TableWrites echo;
+    echo.table = store::findTable(table::MenuResource);
+    echo.writes.push_back({MDX_UPDATE, version.resource, {}});
+    return store.writeAll({part, echo}, seen, {});
 }
 
 VersionsDialog::VersionsDialog(StoreThread& thread, const QString& resource, bool mayWrite,

@@ -16,6 +16,8 @@
 #include <QToolButton>
 #include <QTreeWidget>
 
+#include <functional>
+
 using namespace orvo;
 using namespace orvo::test;
 using app::HistoryModel;
@@ -401,13 +403,43 @@ private slots:
     void keptVersionsAreListedExtractedAndPutBack() {
         Fixture fixture;
         store::Store& store = fixture.host.store();
-        for (const std::string_view bytes : {"старое", "новое"}) {
-            const store::Status put = store.filePut({{"", "план.txt", bytes, 1000.0}});
+        fixture.stop(); // the editor shows a new top folder when it starts
+        for (const char* kind : {"1", "2", "3", "4"})
+            fixture.otherWrites(
+                MDX_INSERT,
+                {{"KeyLink", kind}, {"type_", kind}, {"caption", *kind == '4' ? "docs" : "top"}},
+                "MenuResourceFolder");
+        for (const std::string_view bytes : {"старое", "новое и длиннее"}) {
+            const store::Status put = store.filePut({{"docs", "план.txt", bytes, 1000.0}});
             QVERIFY2(put.ok(), put.text.c_str());
         }
         CMDArray rows;
         QVERIFY(store.fetchWhere("MenuResource", "name_", "план.txt", rows.array).ok());
         const QString key = textOf(rows.array, mdx::postedRecord(rows.array, 0), "KeyLink");
+        fixture.start();
+        QTreeView* resources = fixture.view("tvRes");
+        const std::function<QModelIndex(const QModelIndex&)> rowOfFile =
+            [&](const QModelIndex& parent) {
+                const QAbstractItemModel& model = *resources->model();
+                QModelIndex found;
+                for (int row = 0; row < model.rowCount(parent) && !found.isValid(); ++row) {
+                    for (int column = 0; column < model.columnCount(parent); ++column)
+                        if (model.index(row, column, parent).data().toString() == key)
+                            return model.index(row, 0, parent);
+                    found = rowOfFile(model.index(row, 0, parent));
+                }
+                return found;
+            };
+        QTRY_VERIFY(rowOfFile({}).isValid());
+        resources->setCurrentIndex(rowOfFile({}));
+        QTRY_VERIFY(RunningClient::below(*fixture.view("tvProp")->model(), {}).contains("размер"));
+        const auto size = [&] {
+            const QAbstractItemModel* passport = fixture.view("tvProp")->model();
+            const QModelIndexList found = passport->match(passport->index(0, 0), Qt::DisplayRole,
+                                                          "размер", 1, Qt::MatchRecursive);
+            return found.value(0).siblingAtColumn(1).data().toInt();
+        };
+        QCOMPARE(size(), 28);
         QMenu menu;
         fixture.module("Resources")->m_app->addRecordActions(&menu, "MenuResource", key);
         for (QAction* action : menu.actions())
@@ -428,9 +460,15 @@ private slots:
         QTest::mouseClick(dialog->findChild<QPushButton*>("versionReturn"), Qt::LeftButton);
         QTRY_COMPARE(list->topLevelItemCount(), 2);
         std::vector<store::StoredFile> files;
-        QVERIFY(store.fileGet("", "план.txt", true, &files).ok());
+        QVERIFY(store.fileGet("docs", "план.txt", true, &files).ok());
         QCOMPARE(QString::fromStdString(files.at(0).bytes), QString("старое"));
         dialog->close();
+        // The passport shows what is stored now, and so after the return is taken back.
+        QTRY_COMPARE(size(), 12);
+        fixture.open();
+        QTRY_VERIFY(fixture.what(0).contains("план.txt"));
+        fixture.action("actUndo")->trigger();
+        QTRY_COMPARE(size(), 28);
     }
 
     void aLogThatIsPrunedUnderItSaysSo() {
