@@ -65,61 +65,61 @@ uint32_t KeyIndex::hash(const QString& key) {
 
 KeyIndex::Entry KeyIndex::entry(void* row, const QVariant& key) {
     const bool isText = key.userType() == QMetaType::QString;
-    Entry entry;
-    entry.row = row;
-    entry.key = isText ? *static_cast<const QString*>(key.constData()) : key.toString();
-    entry.hash = entry.key.isEmpty() ? 0 : hash(entry.key);
-    return entry;
+    const QString text = isText ? *static_cast<const QString*>(key.constData()) : key.toString();
+    return {text.isEmpty() ? 0 : hash(text), row};
 }
 
 size_t KeyIndex::find(uint32_t hash) const {
     size_t slot = home(hash);
-    while (m_slots[slot].hash != 0 && m_slots[slot].hash != hash)
+    while (m_hashes[slot] != 0 && m_hashes[slot] != hash)
         slot = next(slot);
     return slot;
 }
 
-void KeyIndex::insert(Entry entry) {
+void KeyIndex::insert(const Entry& entry) {
     if (entry.hash == 0)
         return;
     reserve(1);
-    enter(std::move(entry));
+    enter(entry);
 }
 
-void KeyIndex::insertAll(std::vector<Entry> entries) {
+void KeyIndex::insertAll(const std::vector<Entry>& entries) {
     reserve(entries.size());
     constexpr size_t ahead = 12;
     for (size_t i = 0; i < entries.size(); ++i) {
-        if (i + ahead < entries.size())
-            __builtin_prefetch(&m_slots[home(entries[i + ahead].hash)], 1);
+        if (i + ahead < entries.size()) {
+            const size_t slot = home(entries[i + ahead].hash);
+            __builtin_prefetch(&m_hashes[slot], 1);
+            __builtin_prefetch(&m_rows[slot], 1);
+        }
         if (entries[i].hash != 0)
-            enter(std::move(entries[i]));
+            enter(entries[i]);
     }
 }
 
-void KeyIndex::enter(Entry entry) {
-    Q_ASSERT(entry.row && m_used < m_slots.size()); // 1: an empty slot ends every search
-    Entry& slot = m_slots[find(entry.hash)];
-    if (slot.hash == 0) {
-        slot = std::move(entry);
+void KeyIndex::enter(const Entry& entry) {
+    Q_ASSERT(entry.row && m_used < m_hashes.size()); // 1: an empty slot ends every search
+    const size_t slot = find(entry.hash);
+    if (m_hashes[slot] == 0) {
+        m_hashes[slot] = entry.hash;
+        m_rows[slot] = entry.row;
         ++m_used;
         return;
     }
     auto& crowd = m_crowds[entry.hash];
-    if (slot.row)
-        crowd.emplace(std::exchange(slot.row, nullptr), std::exchange(slot.key, QString()));
-    crowd.emplace(entry.row, std::move(entry.key));
+    if (m_rows[slot])
+        crowd.insert(std::exchange(m_rows[slot], nullptr));
+    crowd.insert(entry.row);
 }
 
 void KeyIndex::remove(const Entry& entry) {
-    if (m_slots.empty() || entry.hash == 0)
+    if (m_hashes.empty() || entry.hash == 0)
         return;
-    const size_t at = find(entry.hash);
-    Entry& slot = m_slots[at];
-    if (slot.hash == 0)
+    const size_t slot = find(entry.hash);
+    if (m_hashes[slot] == 0)
         return;
-    if (slot.row == entry.row) {
-        vacate(at);
+    if (m_rows[slot] == entry.row) {
+        vacate(slot);
         return;
     }
     const auto crowd = m_crowds.find(entry.hash);
@@ -127,30 +127,31 @@ void KeyIndex::remove(const Entry& entry) {
         return;
     crowd->second.erase(entry.row);
     if (crowd->second.size() == 1) {
-        slot.row = crowd->second.begin()->first;
-        slot.key = crowd->second.begin()->second;
+        m_rows[slot] = *crowd->second.begin();
         m_crowds.erase(crowd);
     }
 }
 
 /// Closes the gap by moving back the entries that stand behind it only because it was taken.
 void KeyIndex::vacate(size_t gap) {
-    for (size_t slot = next(gap); m_slots[slot].hash != 0; slot = next(slot)) {
-        const size_t wanted = home(m_slots[slot].hash);
+    for (size_t slot = next(gap); m_hashes[slot] != 0; slot = next(slot)) {
+        const size_t wanted = home(m_hashes[slot]);
         const bool staysBehindGap =
             gap < slot ? wanted > gap && wanted <= slot : wanted > gap || wanted <= slot;
         if (staysBehindGap)
             continue;
-        m_slots[gap] = std::move(m_slots[slot]);
+        m_hashes[gap] = m_hashes[slot];
+        m_rows[gap] = m_rows[slot];
         gap = slot;
     }
-    m_slots[gap] = {};
+    m_hashes[gap] = 0;
+    m_rows[gap] = nullptr;
     --m_used;
 }
 
 void KeyIndex::clear() {
-    m_slots.clear();
-    m_slots.shrink_to_fit();
+    m_hashes = {};
+    m_rows = {};
     m_crowds.clear();
     m_used = 0;
 }
@@ -165,18 +166,20 @@ size_t KeyIndex::count() const {
 const char* KeyIndex::check() const {
     size_t used = 0;
     size_t crowded = 0;
-    for (size_t i = 0; i < m_slots.size(); ++i) {
-        const Entry& slot = m_slots[i];
-        if (slot.hash == 0)
+    for (size_t i = 0; i < m_hashes.size(); ++i) {
+        if (m_hashes[i] == 0) {
+            if (m_rows[i])
+                return "key index 3: a row in an empty slot";
             continue;
+        }
         ++used;
-        if (find(slot.hash) != i)
+        if (find(m_hashes[i]) != i)
             return "key index 2: a slot that its hash does not lead to";
-        crowded += slot.row ? 0 : 1;
-        if (slot.row ? hash(slot.key) != slot.hash : m_crowds.count(slot.hash) == 0)
+        crowded += m_rows[i] ? 0 : 1;
+        if (!m_rows[i] && m_crowds.count(m_hashes[i]) == 0)
             return "key index 3: what a slot holds";
     }
-    if (used != m_used || used * 4 > m_slots.size() * 3)
+    if (used != m_used || used * 4 > m_hashes.size() * 3)
         return "key index 1: number of used slots";
     if (crowded != m_crowds.size())
         return "key index 3: a crowd without a slot";
@@ -189,16 +192,21 @@ const char* KeyIndex::check() const {
 
 void KeyIndex::reserve(size_t further) {
     const size_t wanted = m_used + further;
-    if (wanted * 4 > m_slots.size() * 3)
-        resize(std::max({wanted + wanted / 3 + 1, m_slots.size() * 2, size_t(16)}));
+    if (wanted * 4 > m_hashes.size() * 3)
+        resize(std::max({wanted + wanted / 3 + 1, m_hashes.size() * 3 / 2, size_t(16)}));
 }
 
 void KeyIndex::resize(size_t size) {
-    std::vector<Entry> old(size);
-    old.swap(m_slots);
-    for (Entry& entry : old) {
-        if (entry.hash != 0)
-            m_slots[find(entry.hash)] = std::move(entry);
+    std::vector<uint32_t> hashes(size);
+    std::vector<void*> rows(size);
+    hashes.swap(m_hashes);
+    rows.swap(m_rows);
+    for (size_t i = 0; i < hashes.size(); ++i) {
+        if (hashes[i] == 0)
+            continue;
+        const size_t slot = find(hashes[i]);
+        m_hashes[slot] = hashes[i];
+        m_rows[slot] = rows[i];
     }
 }
 

@@ -5,7 +5,10 @@
 using Ops = orvo::RecordOps<PaspRec>;
 
 PaspRec::PaspRec(const QVector<QVariant>& data, PaspRec* parent)
-    : m_itemData(data)
+    : PaspRec(orvo::RowValues(data), parent) {}
+
+PaspRec::PaspRec(const orvo::RowValues& values, PaspRec* parent)
+    : m_itemData(values)
     , m_parentItem(parent)
     , m_level(parent ? parent->m_level + 1 : -1) {}
 

@@ -2,6 +2,8 @@
 #ifndef ORVO_MODELS_PASPREC_H
 #define ORVO_MODELS_PASPREC_H
 
+#include "models/RowValues.h"
+
 #include <QComboBox>
 #include <QList>
 #include <QPointer>
@@ -21,6 +23,7 @@ class RowBatch;
 class PaspRec {
 public:
     explicit PaspRec(const QVector<QVariant>& data, PaspRec* parent = nullptr);
+    PaspRec(const orvo::RowValues& values, PaspRec* parent);
     ~PaspRec();
     PaspRec(const PaspRec&) = delete;
     PaspRec& operator=(const PaspRec&) = delete;
@@ -55,12 +58,12 @@ private:
 
     QPointer<QComboBox> m_comboBox;
     QList<PaspRec*> m_childItems; ///< owned
-    QVector<QVariant> m_itemData;
+    orvo::RowValues m_itemData;
     PaspRec* m_parentItem; ///< not owned
     int32_t m_level;
     bool m_expanded = false;
+    bool m_keyNoted = false;       ///< of a row on its way into a model, see RowBatch
     mutable int32_t m_rowHint = 0; ///< the row it was last seen at
-    uint32_t m_keyHash = 0;        ///< of a row on its way into a model, see RowBatch
 };
 
 #endif

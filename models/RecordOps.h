@@ -5,6 +5,8 @@
 #ifndef ORVO_MODELS_RECORDOPS_H
 #define ORVO_MODELS_RECORDOPS_H
 
+#include "models/RowValues.h"
+
 #include <QList>
 #include <QVariant>
 #include <QVector>
@@ -27,17 +29,15 @@ struct RecordOps {
                                                                 : QVariant();
     }
 
-    /// The same without a copy; null outside the columns.
-    static const QVariant* value(const Record& record, int column) {
-        return column >= 0 && column < record.m_itemData.size() ? &record.m_itemData.at(column)
-                                                                : nullptr;
-    }
+    /// The record of a table that the values are read from; null if they are the row's own.
+    static const MDRData* tableRecord(const Record& record) { return record.m_itemData.record(); }
+    static RowValues& values(Record& record) { return record.m_itemData; }
 
     static bool setData(Record& record, int column, const QVariant& value) {
         if (column < 0 || column >= record.m_itemData.size())
             return false;
-        record.m_itemData[column] = value;
-        record.m_keyHash = 0; // the key may have changed
+        record.m_itemData.own()[column] = value;
+        record.m_keyNoted = false; // the key may have changed
         return true;
     }
 
@@ -171,9 +171,9 @@ struct RecordOps {
 private:
     /// A record that a second one lists as well lives until the last of them lets it go.
     static bool keptByAnother(const Record& lister, Record* row) {
-        if constexpr (requires { row->m_furtherLists; }) {
-            if (row->m_furtherLists > 0) {
-                --row->m_furtherLists;
+        if constexpr (requires { row->m_rare; }) {
+            if (row->m_rare && row->m_rare->furtherLists > 0) {
+                --row->m_rare->furtherLists;
                 if (row->m_parentItem == &lister)
                     row->m_parentItem = nullptr;
                 return true;
@@ -190,13 +190,13 @@ private:
     /// A record that refuses keeps its children from being asked.
     template <class Change>
     static bool changeColumns(Record& root, Change change) {
-        if (!change(root.m_itemData))
+        if (!change(root.m_itemData.own()))
             return false;
         std::vector<Record*> pending(root.m_childItems.begin(), root.m_childItems.end());
         while (!pending.empty()) {
             Record* record = pending.back();
             pending.pop_back();
-            if (change(record->m_itemData))
+            if (change(record->m_itemData.own()))
                 pending.insert(pending.end(), record->m_childItems.begin(),
                                record->m_childItems.end());
         }

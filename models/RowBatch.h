@@ -22,9 +22,8 @@ namespace orvo {
 ///     model.insertFilledRows(model.rowCount(parent), std::move(rows), parent);
 ///
 ///  1. m_rows has one entry for each row below m_root.
-///  2. A row with a hash has it, and its key, in its entry too. The last row has none, and one
-///  whose
-///     key was set after it was noted has none again; release notes them.
+///  2. A row whose key is noted has the hash of it in its entry. That of the last row is not, and
+///     that of a row whose values were set afterwards is not any more; release notes them.
 ///  3. Each row has the columns of the batch and a level one more than its parent's.
 template <class Record>
 class RowBatch {
@@ -46,19 +45,17 @@ public:
     Record* add(QVector<QVariant> values, Record* parent = nullptr) {
         if (values.size() != m_columns)
             values.resize(m_columns);
-        if (!m_rows.empty())
-            noteKey(m_rows.back());
-        Record* under = parent ? parent : m_root.get();
-        m_rows.emplace_back();
-        auto* row = new Record(m_noValues, under);
-        m_rows.back().row = row;
-        row->m_itemData.swap(values);
-        row->m_rowHint = under->m_childItems.size();
-        under->m_childItems.append(row);
-        return row;
+        return add(RowValues(values), parent);
     }
-    /// A copy of the values of `source`, a record of any model, and if wanted of all below it.
-    /// Nothing else of them is copied: not whether they are expanded, nor their file lists.
+    /// The same, with the values that `source`, which has the columns of the batch, reads from a
+    /// record. From then on the model's keepValues has to be called before the record changes.
+    Record* add(const RowSource& source, const MDRData* record, Record* parent = nullptr) {
+        Q_ASSERT(source.columnCount() == m_columns);
+        return add(RowValues(source, record), parent);
+    }
+    /// A copy of the values of `source`, a record of the model that the batch is for, and if wanted
+    /// of all below it. Nothing else of them is copied: not whether they are expanded, nor their
+    /// file lists.
     Record* addCopy(const Record& source, bool withChildren, Record* parent = nullptr) {
         Record* copy = add(source.m_itemData, parent);
         if (withChildren)
@@ -95,7 +92,7 @@ public:
     QList<Record*> release(std::vector<KeyIndex::Entry>& keys) {
         for (KeyIndex::Entry& row : m_rows) {
             noteKey(row);
-            Q_ASSERT(static_cast<Record*>(row.row)->m_keyHash == row.hash);          // 2
+            Q_ASSERT(static_cast<Record*>(row.row)->m_keyNoted);                     // 2
             Q_ASSERT(static_cast<Record*>(row.row)->m_itemData.size() == m_columns); // 3
         }
         keys = std::move(m_rows);
@@ -106,20 +103,31 @@ public:
     }
 
 private:
+    Record* add(const RowValues& values, Record* parent) {
+        if (!m_rows.empty())
+            noteKey(m_rows.back());
+        Record* under = parent ? parent : m_root.get();
+        m_rows.emplace_back();
+        auto* row = new Record(values, under);
+        m_rows.back().row = row;
+        row->m_rowHint = under->m_childItems.size();
+        under->m_childItems.append(row);
+        return row;
+    }
     /// A row's key is noted when the next row comes, while the row is still near at hand; a value
     /// set later undoes that.
     void noteKey(KeyIndex::Entry& entry) const {
         auto* row = static_cast<Record*>(entry.row);
-        if (row->m_keyHash != 0)
+        if (row->m_keyNoted)
             return;
-        if (const QVariant* value = RecordOps<Record>::value(*row, m_keyColumn))
-            entry = KeyIndex::entry(row, *value);
-        row->m_keyHash = entry.hash;
+        entry = KeyIndex::entry(row, RecordOps<Record>::data(*row, m_keyColumn));
+        if (entry.hash == 0) // the model could not find it again when the record changes
+            row->m_itemData.own();
+        row->m_keyNoted = true;
     }
 
     std::unique_ptr<Record> m_root;
     std::vector<KeyIndex::Entry> m_rows; ///< in the order they came; owned by their parents
-    QVector<QVariant> m_noValues;
     int m_columns;
     int m_keyColumn;
 };

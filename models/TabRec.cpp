@@ -5,7 +5,10 @@
 using Ops = orvo::RecordOps<TabRec>;
 
 TabRec::TabRec(const QVector<QVariant>& data, TabRec* parent)
-    : m_itemData(data)
+    : TabRec(orvo::RowValues(data), parent) {}
+
+TabRec::TabRec(const orvo::RowValues& values, TabRec* parent)
+    : m_itemData(values)
     , m_parentItem(parent)
     , m_level(parent ? parent->m_level + 1 : -1) {}
 
@@ -56,23 +59,32 @@ int TabRec::getChildrens(TabRec* other) {
     for (TabRec* row : rows) {
         m_childItems.append(row);
         row->m_parentItem = this;
-        ++row->m_furtherLists;
+        ++row->rare().furtherLists;
     }
     return 0;
 }
 
+TabRec::Rare& TabRec::rare() {
+    if (!m_rare)
+        m_rare = std::make_unique<Rare>();
+    return *m_rare;
+}
+
 int TabRec::addfileInfoElement() {
     // Lists are short: the array grows by one element, without spare room.
-    auto grown = std::make_unique<MyFileInfo[]>(static_cast<size_t>(m_fileInfoCount) + 1);
-    for (int i = 0; i < m_fileInfoCount; ++i)
-        grown[static_cast<size_t>(i)] = m_fileInfo[static_cast<size_t>(i)];
-    m_fileInfo = std::move(grown);
-    return m_fileInfoCount++;
+    const int count = fileInfoCount();
+    auto grown = std::make_unique<MyFileInfo[]>(static_cast<size_t>(count) + 1);
+    for (int i = 0; i < count; ++i)
+        grown[static_cast<size_t>(i)] = *getfileInfo(i);
+    rare().fileInfo = std::move(grown);
+    return rare().fileInfoCount++;
 }
 
 void TabRec::clearFileInfo() {
-    m_fileInfo.reset();
-    m_fileInfoCount = 0;
+    if (!m_rare)
+        return;
+    m_rare->fileInfo.reset();
+    m_rare->fileInfoCount = 0;
 }
 
 void TabRec::setfileInfo(int number, const MyFileInfo& info) {
@@ -81,6 +93,6 @@ void TabRec::setfileInfo(int number, const MyFileInfo& info) {
 }
 
 MyFileInfo* TabRec::getfileInfo(int number) {
-    return number >= 0 && number < m_fileInfoCount ? &m_fileInfo[static_cast<size_t>(number)]
+    return number >= 0 && number < fileInfoCount() ? &m_rare->fileInfo[static_cast<size_t>(number)]
                                                    : nullptr;
 }

@@ -3,6 +3,7 @@
 #define ORVO_MODELS_TABREC_H
 
 #include "models/MyFileInfo.h"
+#include "models/RowValues.h"
 
 #include <QList>
 #include <QVariant>
@@ -20,11 +21,13 @@ class RowBatch;
 
 /// One row: a value per column, its children in display order, which it owns, and a back pointer to
 /// its parent. The records of a model are changed through the model only, which keeps an index of
-/// their keys.
+/// their keys. Values that come from a record of a table are read from there until one of them is
+/// written.
 class TabRec {
 public:
     /// A row at the level below `parent` (-1 without one). The parent does not list it by this.
     explicit TabRec(const QVector<QVariant>& data, TabRec* parent = nullptr);
+    TabRec(const orvo::RowValues& values, TabRec* parent);
     /// Deletes the children with all below them.
     ~TabRec();
     TabRec(const TabRec&) = delete;
@@ -67,7 +70,7 @@ public:
     Qt::CheckState checkState() const { return m_checkState; }
     void setCheckState(Qt::CheckState state) { m_checkState = state; }
 
-    int fileInfoCount() const { return m_fileInfoCount; }
+    int fileInfoCount() const { return m_rare ? m_rare->fileInfoCount : 0; }
     /// Adds an empty element and gives its position.
     int addfileInfoElement();
     void clearFileInfo();
@@ -81,17 +84,25 @@ private:
     template <class Record>
     friend class orvo::RowBatch;
 
+    /// What hardly any row has.
+    struct Rare {
+        std::unique_ptr<MyFileInfo[]> fileInfo;
+        int32_t fileInfoCount = 0;
+        int32_t furtherLists = 0; ///< lists of other records that hold this one, see getChildrens
+    };
+    Rare& rare();
+
     QList<TabRec*> m_childItems; ///< owned
-    QVector<QVariant> m_itemData;
+    orvo::RowValues m_itemData;
     TabRec* m_parentItem; ///< not owned
-    std::unique_ptr<MyFileInfo[]> m_fileInfo;
+    std::unique_ptr<Rare> m_rare;
     int32_t m_level;
-    bool m_expanded = false;
-    Qt::CheckState m_checkState : 8 = Qt::Unchecked;
-    int32_t m_fileInfoCount = 0;
     mutable int32_t m_rowHint = 0; ///< the row it was last seen at
-    uint32_t m_keyHash = 0;        ///< of a row on its way into a model, see RowBatch
-    int32_t m_furtherLists = 0;    ///< lists of other records that hold this one, see getChildrens
+    bool m_expanded = false;
+    bool m_keyNoted = false; ///< of a row on its way into a model, see RowBatch
+    Qt::CheckState m_checkState : 8 = Qt::Unchecked;
 };
+// With the heap's own eight bytes that is one line of the cache.
+static_assert(sizeof(TabRec) <= 56);
 
 #endif

@@ -10,6 +10,7 @@
 #ifndef ORVO_MODELS_TREEMODELCORE_H
 #define ORVO_MODELS_TREEMODELCORE_H
 
+#include "frame/OrvoMdx.h"
 #include "models/KeyIndex.h"
 #include "models/RecordOps.h"
 #include "models/RowBatch.h"
@@ -37,6 +38,8 @@ static_assert(KeyRole == 12, "the key role of the system");
 ///     and no parent.
 ///  2. Every row has as many values as the header.
 ///  3. The index of keys holds every row with a key, under that key, and nothing else.
+///  4. A row whose values are read from a record of a table has a key, and the record is there, as
+///     it was when the row was made: keepValues finds the row by the one and sees to the other.
 template <class Record>
 class TreeModelCore : public QAbstractItemModel {
 public:
@@ -182,12 +185,40 @@ public:
         if (key.isEmpty())
             return {};
         const Record* first = nullptr;
-        m_keys.forEach(key, [&](void* entry) {
+        m_keys.forEachCandidate(key, [&](void* entry) {
             const auto* row = static_cast<const Record*>(entry);
-            if (!first || comesBefore(*row, *first))
+            if (hasKey(*row, key) && (!first || comesBefore(*row, *first)))
                 first = row;
         });
         return indexOf(first);
+    }
+
+    /// Gives all rows that read their values through `source` from the record these values as their
+    /// own. To be called before the record is changed or deleted; null is no record's row.
+    void keepValues(const RowSource& source, const MDRData* record) {
+        if (!record)
+            return;
+        const QString key = source.value(record, m_keyColumn).toString();
+        m_keys.forEachCandidate(key, [&](void* entry) {
+            auto* row = static_cast<Record*>(entry);
+            if (Ops::tableRecord(*row) == record)
+                Ops::values(*row).own();
+        });
+    }
+    /// Has the row read its values through `source` from the record if it shows just these;
+    /// otherwise it keeps its own. Nothing that it shows changes.
+    void shareValues(const QModelIndex& index, const RowSource& source, const MDRData* record) {
+        if (!index.isValid() || !record || source.columnCount() != columnCount())
+            return;
+        Record* row = item(index);
+        for (int column = 0; column < columnCount(); ++column) {
+            const QVariant own = row->data(column);
+            const QVariant read = source.value(record, column);
+            if (own.userType() != read.userType() || own.isNull() != read.isNull() || own != read)
+                return;
+        }
+        if (!row->data(m_keyColumn).toString().isEmpty()) // 4
+            Ops::values(*row) = RowValues(source, record);
     }
 
     /// The first invariant that does not hold; null if all do. For tests: it looks at every row.
@@ -210,9 +241,13 @@ public:
                 bool found = key.isEmpty();
                 keyed += found ? 0 : 1;
                 if (!found)
-                    m_keys.forEach(key, [&](void* entry) { found = found || entry == row; });
+                    m_keys.forEachCandidate(key,
+                                            [&](void* entry) { found = found || entry == row; });
                 if (!found)
                     return "tree 3: a row that its key does not find";
+                const MDRData* read = Ops::tableRecord(*row);
+                if (read && (key.isEmpty() || !read->owner))
+                    return "tree 4: a row that reads from a record that is gone";
                 pending.push_back(row);
             }
         }
@@ -358,11 +393,15 @@ private:
         Q_ASSERT(batch.parentLevel() == parent.level()); // 1
         std::vector<KeyIndex::Entry> keys;
         Ops::attach(parent, position, batch.release(keys));
-        m_keys.insertAll(std::move(keys));
+        m_keys.insertAll(keys);
     }
     KeyIndex::Entry keyEntry(Record* row) const {
-        const QVariant* value = Ops::value(*row, m_keyColumn);
-        return KeyIndex::entry(row, value ? *value : QVariant());
+        return KeyIndex::entry(row, row->data(m_keyColumn));
+    }
+    bool hasKey(const Record& row, const QString& key) const {
+        const QString own = row.data(m_keyColumn).toString();
+        // The same letters are the usual case, and far quicker seen.
+        return own == key || own.compare(key, Qt::CaseInsensitive) == 0;
     }
     void rememberKey(Record* row) { m_keys.insert(keyEntry(row)); }
     void forgetKey(Record* row) { m_keys.remove(keyEntry(row)); }

@@ -58,4 +58,17 @@ const RecordFields& folderFields() {
     return fields;
 }
 
+const editor::RecordRows& itemRows() {
+    static const editor::RecordRows rows(
+        itemFields(), ResColumn::Count,
+        {{ResColumn::IsFolder, false}, {ResColumn::Blocked, NotLocked}});
+    return rows;
+}
+
+const editor::RecordRows& folderRows() {
+    static const editor::RecordRows rows(folderFields(), ResColumn::Count,
+                                         {{ResColumn::IsFolder, true}, {ResColumn::IsNew, false}});
+    return rows;
+}
+
 } // namespace orvo::resources

@@ -3,7 +3,7 @@
 #ifndef ORVO_RESOURCES_FIELDS_H
 #define ORVO_RESOURCES_FIELDS_H
 
-#include "editor/RecordFields.h"
+#include "editor/RecordRows.h"
 
 namespace orvo::resources {
 
@@ -11,6 +11,10 @@ namespace orvo::resources {
 const editor::RecordFields& itemFields();
 /// Of `MenuResourceFolder`.
 const editor::RecordFields& folderFields();
+
+/// What the row of a resource shows that nobody has locked, and that of a folder.
+const editor::RecordRows& itemRows();
+const editor::RecordRows& folderRows();
 
 } // namespace orvo::resources
 

@@ -86,11 +86,13 @@ void OrvoResources::followTables() {
 
 void OrvoResources::folderDeleted(const orvo::Notification& change) {
     m_edit.forget(change.key());
+    keepFolderRows(change);
     orvo::removeRecord(change, m_tabResFolder, m_ui->tvRes, rowOfRecord(*m_resModel, change.key()));
 }
 
 void OrvoResources::resourceDeleted(const orvo::Notification& change) {
     m_edit.forget(change.key());
+    keepItemRows(change);
     orvo::removeRecord(change, m_tabResource, m_ui->tvRes, rowOfRecord(*m_resModel, change.key()));
 }
 
@@ -107,6 +109,7 @@ void OrvoResources::selectAgain(const QString& key) {
 }
 
 void OrvoResources::folderUpdated(const orvo::Notification& change) {
+    keepFolderRows(change);
     MDRData* record = orvo::editAndMerge(change.event(), &m_tabResFolder);
     const QString key = change.key();
     const QModelIndex row = rowOfRecord(*m_resModel, key);
@@ -139,6 +142,7 @@ void OrvoResources::folderUpdated(const orvo::Notification& change) {
 }
 
 void OrvoResources::resourceUpdated(const orvo::Notification& change) {
+    keepItemRows(change);
     MDRData* record = orvo::editAndMerge(change.event(), &m_tabResource);
     const QString key = change.key();
     const QModelIndex row = rowOfRecord(*m_resModel, key);
@@ -220,7 +224,7 @@ void OrvoResources::resourceInserted(const orvo::Notification& change) {
     if (position == -1 || !target.isValid())
         return;
     auto rows = m_resModel->newRows(target);
-    rows.add(itemValues(record));
+    addItemRow(rows, record, nullptr);
     if (m_resModel->insertFilledRows(newRow, std::move(rows), target) && mayMoveCurrent())
         showRow(m_ui->tvRes, m_resModel->index(newRow, 0, target));
 }

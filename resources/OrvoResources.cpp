@@ -86,6 +86,8 @@ OrvoResources::~OrvoResources() {
 
 bool OrvoResources::ModuleStart() {
     SetModTitle(tr("Редактор ресурсов"), QString());
+    if (m_resModel) // its rows read from the tables
+        m_resModel->removeRows(0, m_resModel->rowCount());
     if (!loadTables())
         return false;
     setTreeArrangement();

@@ -92,6 +92,7 @@ protected:
     QComboBox* m_cmbSearch = nullptr;
     QToolButton* m_btnSearchUp = nullptr;
     QToolButton* m_btnSearchDown = nullptr;
+    // Rows of m_resModel read from the records of the first two.
     CMDArray m_tabResource;  ///< `MenuResource`: 0 KeyLink, 1 type_;MenuResourceFolderKey;name_, 2
                              ///< type_;name_, 3 MenuResourceFolderKey
     CMDArray m_tabResFolder; ///< `MenuResourceFolder`: 0 KeyLink, 1 type_;ParentKey;caption, 2
@@ -276,9 +277,16 @@ private:
     /// told apart without regard to case, files by every letter.
     bool hasNamesake(const QModelIndex& folder, bool isFolder, const QString& name,
                      const QString& exceptKey) const;
-    /// The columns of a row; invalid where the row keeps what it has.
-    QVector<QVariant> folderValues(const MDRData* record) const;
+    /// The columns of a resource's row; invalid where the row keeps what it has.
     QVector<QVariant> itemValues(const MDRData* record) const;
+    /// Whether the row may show more than its record, from the table of users.
+    static bool mayBeLocked(const MDRData* record);
+    /// A row for a batch. Most rows read their values from the record.
+    void addItemRow(ResTreeModel::Batch& rows, const MDRData* record, TabRec* parent) const;
+    /// To be called before the record of a notification changes or goes: rows that read from it
+    /// keep what they show.
+    void keepFolderRows(const orvo::Notification& change);
+    void keepItemRows(const orvo::Notification& change);
     void addLock(const MDRData* record, QVector<QVariant>& values) const;
     /// The row of a folder key; the empty key is the top of the file area.
     QModelIndex folderRow(const QString& key) const;

@@ -7,6 +7,7 @@
 #include "frame/CommonFunctions.h"
 #include "frame/FolderWalk.h"
 #include "frame/Kinds.h"
+#include "frame/Notification.h"
 #include "frame/Siblings.h"
 #include "frame/ViewRows.h"
 #include "resources/Columns.h"
@@ -119,7 +120,7 @@ std::vector<TabRec*> OrvoResources::addFolderRows(ResTreeModel::Batch& rows, Tab
                                                   int type, const QString& parentKey) const {
     std::vector<TabRec*> added;
     walkRecords(m_tabResFolder, {type, folderParent, parentKey}, [&](const MDRData* record) {
-        added.push_back(rows.add(folderValues(record), parent));
+        added.push_back(rows.add(orvo::resources::folderRows(), record, parent));
     });
     return added;
 }
@@ -127,7 +128,15 @@ std::vector<TabRec*> OrvoResources::addFolderRows(ResTreeModel::Batch& rows, Tab
 void OrvoResources::addItemRows(ResTreeModel::Batch& rows, TabRec* parent, int type,
                                 const QString& folderKey) const {
     walkRecords(m_tabResource, {type, resourceParent, folderKey},
-                [&](const MDRData* record) { rows.add(itemValues(record), parent); });
+                [&](const MDRData* record) { addItemRow(rows, record, parent); });
+}
+
+void OrvoResources::addItemRow(ResTreeModel::Batch& rows, const MDRData* record,
+                               TabRec* parent) const {
+    if (mayBeLocked(record))
+        rows.add(itemValues(record), parent);
+    else
+        rows.add(orvo::resources::itemRows(), record, parent);
 }
 
 bool OrvoResources::appendFolders(int type, const QString& parentKey, const QModelIndex& parent) {
@@ -166,28 +175,38 @@ void OrvoResources::loadSysRootItems(const QModelIndex& parent) {
 }
 
 void OrvoResources::loadResFolderRow(const QModelIndex& parent, int row, MDRData* rec) {
-    orvo::setRow(*m_resModel, m_resModel->index(row, 0, parent), folderValues(rec));
+    const QModelIndex index = m_resModel->index(row, 0, parent);
+    orvo::setRow(*m_resModel, index, orvo::resources::folderRows().values(rec));
+    m_resModel->shareValues(index, orvo::resources::folderRows(), rec);
 }
 
 void OrvoResources::loadResItemRow(const QModelIndex& parent, int row, MDRData* rec) {
-    orvo::setRow(*m_resModel, m_resModel->index(row, 0, parent), itemValues(rec));
+    const QModelIndex index = m_resModel->index(row, 0, parent);
+    orvo::setRow(*m_resModel, index, itemValues(rec));
+    if (!mayBeLocked(rec))
+        m_resModel->shareValues(index, orvo::resources::itemRows(), rec);
 }
 
-QVector<QVariant> OrvoResources::folderValues(const MDRData* record) const {
-    QVector<QVariant> values = orvo::resources::folderFields().values(record);
-    values.resize(ResColumn::Count);
-    values.replace(ResColumn::IsFolder, true);
-    values.replace(ResColumn::IsNew, false);
-    return values;
+bool OrvoResources::mayBeLocked(const MDRData* record) {
+    return orvo::integerOf(record, orvo::field::type_) == Kind::Form &&
+           !orvo::isEmptyText(record, orvo::field::UsersKey);
 }
 
 QVector<QVariant> OrvoResources::itemValues(const MDRData* record) const {
-    QVector<QVariant> values = orvo::resources::itemFields().values(record);
-    values.replace(ResColumn::IsFolder, false);
-    values.replace(ResColumn::Blocked, orvo::resources::NotLocked);
-    if (values[ResColumn::Type].toInt() == Kind::Form)
+    QVector<QVariant> values = orvo::resources::itemRows().values(record);
+    if (mayBeLocked(record))
         addLock(record, values);
     return values;
+}
+
+void OrvoResources::keepFolderRows(const orvo::Notification& change) {
+    m_resModel->keepValues(orvo::resources::folderRows(),
+                           orvo::findRecord(change.event(), &m_tabResFolder));
+}
+
+void OrvoResources::keepItemRows(const orvo::Notification& change) {
+    m_resModel->keepValues(orvo::resources::itemRows(),
+                           orvo::findRecord(change.event(), &m_tabResource));
 }
 
 const orvo::editor::RecordFields& OrvoResources::fieldsOf(const QModelIndex& row) const {
@@ -214,10 +233,7 @@ QString OrvoResources::describe(const QModelIndex& row) const {
 }
 
 void OrvoResources::addLock(const MDRData* record, QVector<QVariant>& values) const {
-    const QString userKey = orvo::textOf(record, orvo::field::UsersKey);
-    if (userKey.isEmpty())
-        return;
-    MDRData* user = orvo::seekKey(m_tabUsers, userKey);
+    MDRData* user = orvo::seekKey(m_tabUsers, orvo::textOf(record, orvo::field::UsersKey));
     if (!user)
         return;
     const QString caption = getUserCaption(user, &m_tabUsers);

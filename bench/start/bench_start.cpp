@@ -14,6 +14,7 @@
 #include "bench/Timing.h"
 #include "frame/Records.h"
 #include "menu/OrvoMenu.h"
+#include "platform/store/Schema.h"
 #include "tests/menu/ModuleFixture.h"
 #include "tests/resources/ResProbe.h"
 
@@ -71,7 +72,11 @@ bool readTables(const QString& file) {
     size_t bytes = 0;
     for (const char* table : {"MenuResource", "MenuResourceFolder", "Users", "MenuFileExt"}) {
         sqlite3_stmt* statement = nullptr;
-        const QByteArray sql = QByteArray("SELECT * FROM \"") + table + '"';
+        // Not those that the database computes for itself.
+        QByteArray columns;
+        for (const orvo::store::FieldDef& field : orvo::store::findTable(table)->fields)
+            columns += (columns.isEmpty() ? "\"" : ", \"") + QByteArray(field.name) + '"';
+        const QByteArray sql = "SELECT " + columns + " FROM \"" + table + '"';
         good = good &&
                sqlite3_prepare_v2(database, sql.constData(), -1, &statement, nullptr) == SQLITE_OK;
         while (good && sqlite3_step(statement) == SQLITE_ROW)

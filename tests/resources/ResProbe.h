@@ -4,6 +4,7 @@
 #define ORVO_TESTS_RESOURCES_RESPROBE_H
 
 #include "resources/Columns.h"
+#include "resources/Fields.h"
 #include "resources/OrvoResources.h"
 #include "tests/menu/ModuleFixture.h"
 
@@ -46,6 +47,15 @@ public:
         return index.sibling(index.row(), column);
     }
     QString text(const char* key, int column) const { return row(key, column).data().toString(); }
+    /// Takes a record out of its table behind the back of the editor; its row stays.
+    void forgetRecord(const QString& key) {
+        for (const auto& [table, rows] : {std::pair(&m_tabResource, &resources::itemRows()),
+                                          std::pair(&m_tabResFolder, &resources::folderRows())})
+            if (MDRData* record = orvo::seekKey(*table, key)) {
+                m_resModel->keepValues(*rows, record);
+                table->RecDel(record);
+            }
+    }
     QVariant passport(const char* name) const {
         return m_propModel->getRowValue(QString::fromUtf8(name));
     }

@@ -129,9 +129,7 @@ private slots:
         QFETCH(QStringList, gone);
         Window window;
         for (const QString& key : gone)
-            for (CMDArray* table : {&window.editor->m_tabResFolder, &window.editor->m_tabResource})
-                if (MDRData* record = orvo::seekKey(*table, key))
-                    table->RecDel(record);
+            window.editor->forgetRecord(key);
         window.select({"boilers"});
         window.editor->on_actCut_triggered();
         QFETCH(bool, isCut);

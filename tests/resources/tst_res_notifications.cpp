@@ -69,6 +69,28 @@ private slots:
         QCOMPARE(probe().passport("caption"), QVariant("Азот"));
     }
 
+    void aRowWhoseRecordGoesWithoutItStaysAsItWas() {
+        // The key of a fixed row: its record has a row of its own, which no notification reaches.
+        addItem(*store, "WrongFolder", 1, "mod", "Zzz", "Последний");
+        editor = std::make_unique<ResEditor>(*host, "Resources");
+        QVERIFY(editor->start());
+        const QModelIndex mod = probe().row("mod");
+        const QModelIndex row =
+            probe().m_resModel->index(probe().m_resModel->rowCount(mod) - 1, 0, mod);
+        QCOMPARE(row.data(), QVariant("Последний"));
+        store->update("MenuResource",
+                      {{"KeyLink", QString("WrongFolder")}, {"caption", QString("Другой")}});
+        deliver();
+        QCOMPARE(row.data(), QVariant("Последний"));
+        store->remove("MenuResource", "WrongFolder");
+        deliver();
+        addItem(*store, "rnext", 1, "trends", "Next", "Следующий"); // may take the record's place
+        deliver();
+        QCOMPARE(row.data(), QVariant("Последний"));
+        QCOMPARE(row.siblingAtColumn(ResColumn::Name).data(), QVariant("Zzz"));
+        QVERIFY2(!probe().m_resModel->check(), probe().m_resModel->check());
+    }
+
     void aChangeOfAnotherRowLeavesTheCurrentOne() {
         makeCurrent("rlog");
         const QSignalSpy moves(view()->selectionModel(), &QItemSelectionModel::currentChanged);
@@ -79,8 +101,8 @@ private slots:
     }
 
     void aChangeUnknownToTheTableChangesNothing() {
-        probe().m_tabResource.RecDel(orvo::seekKey(probe().m_tabResource, "rlog"));
-        probe().m_tabResFolder.RecDel(orvo::seekKey(probe().m_tabResFolder, "alarms"));
+        probe().forgetRecord("rlog");
+        probe().forgetRecord("alarms");
         store->update("MenuResource",
                       {{"KeyLink", QString("rlog")}, {"caption", QString("Новое")}});
         store->update("MenuResourceFolder",
@@ -302,7 +324,7 @@ private slots:
     }
 
     void aKeyUnknownToTheTableRemovesNothing() {
-        probe().m_tabResource.RecDel(orvo::seekKey(probe().m_tabResource, "rlog"));
+        probe().forgetRecord("rlog");
         store->remove("MenuResource", "rlog");
         deliver();
         QVERIFY(probe().row("rlog").isValid());

@@ -293,7 +293,7 @@ private slots:
 
     void anEditWithoutARecordStaysAsTyped() {
         EditOpen live("rlog", "caption", "Дневник");
-        live->m_tabResource.RecDel(orvo::seekKey(live->m_tabResource, "rlog"));
+        live->forgetRecord("rlog");
         live.cancel();
         QCOMPARE(live.state(), Idle);
         QVERIFY(!live.buttonsEnabled());
