@@ -190,8 +190,14 @@ Status SqliteStore::fetchRows(const TableDef& table, Statement& statement, MDArr
 
 Status SqliteStore::fetchAll(const TableDef& table, MDArray* into) {
     Statement* statement = cached(selectAll(table));
-    return statement != nullptr ? fetchRows(table, *statement, into)
-                                : m_connection.failure(inTable(table));
+    if (statement == nullptr)
+        return m_connection.failure(inTable(table));
+    const Status status = fetchRows(table, *statement, into);
+    // The pages of a large table have pushed out all others, and are not read again.
+    constexpr uint32_t large = 50000;
+    if (mdx::postedCount(into) > large)
+        sqlite3_db_release_memory(m_connection.get());
+    return status;
 }
 
 Status SqliteStore::fetchMatching(const TableDef& table, const FieldDef& field, TextMatch match,
