@@ -198,9 +198,9 @@ ORVOMDX_EXPORT int MDAUnpackN(MDArray* array, const void* image, uint32_t length
 /// The same for an image inside this process, of trusted length. Bytes from outside go through
 /// MDAUnpackN.
 ORVOMDX_EXPORT int MDAUnpack(MDArray* array, const void* image);
-/// Fills the array from the packed block of a server reply (`one` is 1): the same format. The block
-/// must come from a block field of a reply (MDRGetTextPtr), which is what knows its length;
-/// MDX_E_FORMAT for an image of MDAPack, which does not.
+/// Fills the array from the block of a server reply (`one` is 1), as MDRGetTextPtr gives it: it has
+/// its length before it, which an image of MDAPack has not (MDX_E_FORMAT). A reply of this process
+/// hands over its table itself, to the first who asks; to another its block is no image.
 ORVOMDX_EXPORT int MDXArrayUnPack(MDArray* array, const void* block, int one);
 /// Frees a block that the library allocated. Null is allowed.
 ORVOMDX_EXPORT void MDMemFree(void* block);

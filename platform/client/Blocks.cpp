@@ -52,14 +52,9 @@ MDXCliParam* makeReply(const store::Status& status) {
     return reply;
 }
 
-MDXCliParam* makeReply(const MDArray* table) {
-    void* image = nullptr;
-    const uint32_t length = mdx::packReply(table, true, &image);
-    const Memory owner(image);
-    if (!image || length == 0)
-        return makeReply({store::NoMemory, {}});
+MDXCliParam* makeReply(MDArray* content) {
     MDXCliParam* reply = makeReply();
-    if (reply && mdx::paramSetBlock(reply, 2, image, length) != MDX_OK) {
+    if (reply && mdx::paramSetContent(reply, 2, content) != MDX_OK) {
         mdx::paramFree(reply);
         return makeReply({store::NoMemory, {}});
     }

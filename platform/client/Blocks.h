@@ -3,8 +3,8 @@
 // Reply of a request (3 fields):
 //   0 integer  result code: 0 success, else store::Code
 //   1 text     NULL
-//   2 block    success: the packed table, if the request has one. Failure: the server's text in
-//              UTF-8, or NULL
+//   2 block    success: the table, if the request has one, as MDXArrayUnPack takes it, once.
+//              Failure: the server's text in UTF-8, or NULL
 //
 // Notification (10 fields):
 //   0 text     number of the change in the log, decimal
@@ -38,8 +38,9 @@ bool ensureKeyLink(MDArray* array, uint32_t flags);
 
 /// A reply without a table: success, or the failure and its text. Null if memory ran out.
 MDXCliParam* makeReply(const store::Status& status = {});
-/// A successful reply that carries the array with its keys. Null if memory ran out.
-MDXCliParam* makeReply(const MDArray* table);
+/// A successful reply that carries the content of the array with its keys, and leaves the array
+/// empty. Null if memory ran out.
+MDXCliParam* makeReply(MDArray* content);
 
 /// Makes notification blocks from changes. Keeps a scratch array for each table, so that a burst
 /// does not build structures over and over.

@@ -3,6 +3,7 @@
 #include "platform/mdx/Table.h"
 
 #include <string>
+#include <utility>
 
 namespace orvo::mdx {
 namespace {
@@ -81,6 +82,26 @@ int paramSetText(MDXCliParam* param, int field, std::string_view text1251) {
 
 int paramSetBlock(MDXCliParam* param, int field, const void* bytes, size_t length) {
     return setBytes(param, field, MDX_BLOCK, bytes, length);
+}
+
+int paramSetContent(MDXCliParam* param, int field, MDArray* array) {
+    if (!param || !array || param->array == array)
+        return MDX_E_ARG;
+    return guarded([&]() -> int {
+        auto handover = std::make_unique<Handover>();
+        auto empty = std::make_unique<Table>(array);
+        const auto& ticket = handover->ticket();
+        if (const int status = paramSetBlock(param, field, ticket.data(), ticket.size());
+            status != MDX_OK)
+            return status;
+        const char* place = nullptr;
+        MDRGetTextPtr(MDRFldByNum(param->array, field), param->record, &place);
+        Array* source = arrayOf(array);
+        handover->offer(place, std::exchange(source->table, std::move(empty)));
+        source->publish();
+        arrayOf(param->array)->handover = std::move(handover);
+        return MDX_OK;
+    });
 }
 
 } // namespace orvo::mdx

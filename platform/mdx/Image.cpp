@@ -253,8 +253,13 @@ int MDXArrayUnPack(MDArray* array, const void* block, int one) {
     if (!array || one != 1)
         return MDX_E_ARG;
     // Every text and block of a record has its length before it, the shared empty one too.
-    return MDAUnpackN(array, block,
-                      block ? load<uint32_t>(static_cast<const uint8_t*>(block) - 4) : 0);
+    const uint32_t length = block ? load<uint32_t>(static_cast<const uint8_t*>(block) - 4) : 0;
+    if (auto content = block ? Handover::take(block, length) : nullptr) {
+        content->setOwner(array);
+        arrayOf(array)->take(std::move(content));
+        return MDX_OK;
+    }
+    return MDAUnpackN(array, block, length);
 }
 
 void MDMemFree(void* block) {

@@ -91,6 +91,12 @@ ORVOMDX_EXPORT int paramSetDate(MDXCliParam* param, int field, double value);
 ORVOMDX_EXPORT int paramSetText(MDXCliParam* param, int field, std::string_view text1251);
 ORVOMDX_EXPORT int paramSetBlock(MDXCliParam* param, int field, const void* bytes, size_t length);
 
+/// Puts the content of an array, structure, records and keys, into a block field of a reply, and
+/// leaves the array empty. The array has no records that are not posted. Nothing is copied: whoever
+/// unpacks the block by MDXArrayUnPack, in this process and while the reply lives, gets the content
+/// itself, once. To everything else the block is no image.
+ORVOMDX_EXPORT int paramSetContent(MDXCliParam* param, int field, MDArray* array);
+
 /// The packed block of a reply: the structure and, if asked for, the records and keys. The same
 /// bytes as MDAPack gives. Free with MDMemFree.
 ORVOMDX_EXPORT uint32_t packReply(const MDArray* array, bool withRecords, void** block);

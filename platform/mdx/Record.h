@@ -61,6 +61,8 @@ public:
     RecordPool(const RecordPool&) = delete;
     RecordPool& operator=(const RecordPool&) = delete;
 
+    /// The heads of the records follow one by one.
+    void setOwner(MDArray* owner) noexcept { m_owner = owner; }
     /// A new head with room for a body of that size; the body is not filled. Throws std::bad_alloc,
     /// std::length_error.
     Record* create(uint32_t bodySize);

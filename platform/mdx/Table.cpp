@@ -8,6 +8,12 @@ namespace orvo::mdx {
 // ---------------------------------------------------------------------------------------------
 // Keys
 
+void Table::setOwner(MDArray* owner) noexcept {
+    m_records.setOwner(owner);
+    for (const uint32_t number : entries())
+        record(number)->owner = owner;
+}
+
 void Table::build(Tree& tree) {
     if (tree.built)
         return;

@@ -2,6 +2,7 @@
 #ifndef ORVO_PLATFORM_MDX_TABLE_H
 #define ORVO_PLATFORM_MDX_TABLE_H
 
+#include "platform/mdx/Handover.h"
 #include "platform/mdx/KeyTree.h"
 #include "platform/mdx/Record.h"
 #include "platform/mdx/Structure.h"
@@ -34,6 +35,9 @@ constexpr size_t maxKeys = 64;
 class Table {
 public:
     explicit Table(MDArray* owner) : m_records(owner) {}
+
+    /// For a table without records that are not posted: all it has belongs to that array now.
+    void setOwner(MDArray* owner) noexcept;
 
     const Structure* structure() const noexcept { return m_structure.get(); }
     /// Only for a table without records and keys.
@@ -115,6 +119,7 @@ private:
 /// The array behind the handle.
 struct Array final : MDArray {
     std::unique_ptr<Table> table;
+    std::unique_ptr<Handover> handover; ///< of another table, in a block of a record; or null
 
     /// Brings the public counts up to date.
     void publish() noexcept;

@@ -246,6 +246,66 @@ private slots:
         }
     }
 
+    void aReplyHandsItsTableOverOnce() {
+        const ArrayPtr a = makeArray(allTypes());
+        addKey(a.get(), "name", MDX_KEY_UNIQUE);
+        post(a.get(), {"b"});
+        MDRData* record = post(a.get(), {"a"});
+        MDRSetFlags(record, MDX_UPDATE);
+        const MdxType types[] = {MDX_INTEGER, MDX_TEXT, MDX_BLOCK};
+        MDXCliParam* param = orvo::mdx::paramCreate(types, 3);
+        QCOMPARE(orvo::mdx::paramSetContent(param, 2, a.get()), 0);
+        QCOMPARE(int(a->fieldCount), 0);
+        QCOMPARE(orvo::mdx::postedCount(a.get()), 0u);
+
+        const char* block = nullptr;
+        QCOMPARE(MDRGetTextPtr(MDRFldByNum(param->array, 2), param->record, &block), 0);
+        uint32_t length = 0;
+        QCOMPARE(MDRGetTextRef(MDRFldByNum(param->array, 2), param->record, &length, &block), 0);
+        // Not by its bytes, wherever they may stand.
+        const ArrayPtr b = makeArray({{"k", MDX_TEXT}});
+        QCOMPARE(MDAUnpackN(b.get(), block, length), int(MDX_E_FORMAT));
+        MDXCliParam* copy = orvo::mdx::paramCreate(types, 3);
+        QCOMPARE(orvo::mdx::paramSetBlock(copy, 2, block, length), 0);
+        const char* elsewhere = nullptr;
+        MDRGetTextPtr(MDRFldByNum(copy->array, 2), copy->record, &elsewhere);
+        QCOMPARE(MDXArrayUnPack(b.get(), elsewhere, 1), int(MDX_E_FORMAT));
+        orvo::mdx::paramFree(copy);
+
+        QCOMPARE(MDXArrayUnPack(b.get(), block, 1), 0);
+        const ArrayPtr c = makeArray({{"k", MDX_TEXT}});
+        QCOMPARE(MDXArrayUnPack(c.get(), block, 1), int(MDX_E_FORMAT));
+        QCOMPARE(int(c->fieldCount), 0);
+        orvo::mdx::paramFree(param);
+
+        QCOMPARE(int(b->fieldCount), 5);
+        QCOMPARE(b->keyCount, 1u);
+        QCOMPARE(b->recordCount, 2u);
+        QCOMPARE(order(b.get(), 0), std::string("a b"));
+        QCOMPARE(MDARec(b.get(), 0, 0)->owner, b.get());
+        QCOMPARE(orvo::mdx::recordFlags(MDARec(b.get(), 0, 0)), uint32_t(MDX_UPDATE));
+        QVERIFY(post(b.get(), {"c"}));
+        QCOMPARE(MDARecDel(MDARec(b.get(), 0, 0)), 0);
+        QCOMPARE(order(b.get(), 0), std::string("b c"));
+        QCOMPARE(orvo::mdx::check(b.get()), std::string());
+        // The emptied one is as good as new.
+        QCOMPARE(orvo::mdx::addField(a.get(), "k", MDX_TEXT), 0);
+        QVERIFY(post(a.get(), {"again"}));
+        QCOMPARE(orvo::mdx::check(a.get()), std::string());
+    }
+
+    void aTableThatNobodyTakesEndsWithItsReply() {
+        const MdxType types[] = {MDX_INTEGER, MDX_TEXT, MDX_BLOCK};
+        MDXCliParam* param = orvo::mdx::paramCreate(types, 3);
+        for (int i = 0; i < 2; ++i) {
+            const ArrayPtr a = makeArray({{"k", MDX_TEXT}});
+            post(a.get(), {"x"});
+            QCOMPARE(orvo::mdx::paramSetContent(param, 2, a.get()), 0);
+        }
+        orvo::mdx::paramFree(param);
+        QCOMPARE(orvo::mdx::paramSetContent(nullptr, 2, nullptr), int(MDX_E_ARG));
+    }
+
     void anEmptyReplyFieldIsRefused() {
         const MdxType types[] = {MDX_INTEGER, MDX_TEXT, MDX_BLOCK};
         MDXCliParam* param = orvo::mdx::paramCreate(types, 3);
