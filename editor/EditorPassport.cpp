@@ -29,6 +29,7 @@ void EditorWindow::arrangePassport(QTreeView* view) {
     m_passpDelegate = std::make_unique<PasspDelegate>(m_propModel.get(), this);
     view->setItemDelegate(m_passpDelegate.get());
     m_passportKeys = new PassportKeys(view);
+    connect(m_propModel.get(), &PropModel::editorRowValueChanged, this, &EditorWindow::noteTyped);
     connect(m_propModel.get(), &PropModel::editorRowValueChanged, this,
             &EditorWindow::on_editor_valueChanged);
     connect(m_passpDelegate.get(), &PasspDelegate::buttonPressed, this,
@@ -69,37 +70,64 @@ void EditorWindow::refreshPassport(const QModelIndex& row, const RecordFields& f
     m_passportView->viewport()->update();
 }
 
-const RecordField* EditorWindow::editedField(const RecordFields& fields, const QString& row) {
-    for (const RecordField& field : fields)
-        if (field.isEditable() && sameText(row, QString::fromLatin1(field.passport.row)))
-            return &field;
-    return nullptr;
+void EditorWindow::bindSelection(QTreeView* tree, std::function<SelectedRecords()> selected,
+                                 const QStringList& own, const QStringList& singular) {
+    m_selected = std::move(selected);
+    m_selectionEdit = std::make_unique<SelectionEdit>(own + singular);
+    bindApplyToAll(singular);
+    m_showSelected.setSingleShot(true);
+    m_showSelected.setInterval(0);
+    connect(&m_showSelected, &QTimer::timeout, this, &EditorWindow::showSelected);
+    const auto soon = [this] { m_showSelected.start(); };
+    connect(tree->selectionModel(), &QItemSelectionModel::selectionChanged, &m_showSelected, soon);
+    connect(tree->model(), &QAbstractItemModel::dataChanged, &m_showSelected, soon);
+    connect(m_propModel.get(), &QAbstractItemModel::rowsInserted, &m_showSelected, soon);
+    connect(this, &EditorWindow::editStateChanged, &m_showSelected, soon);
 }
 
-void EditorWindow::bindApplyToAll(const std::function<SelectedRecords()>& selected,
-                                  const QStringList& singular) {
+void EditorWindow::showSelected() {
+    if (!m_passportView || !m_commands) // the views are gone
+        return;
+    const SelectedRecords all = m_selected();
+    const QSet<QString> mixed = m_selectionEdit->mixed(all, !ModEditText().isEmpty());
+    const int count = all.areSeveral() ? static_cast<int>(all.rows.size()) : 1;
+    if (m_propModel->setSelected(count, mixed))
+        m_passportView->viewport()->update();
+}
+
+void EditorWindow::noteTyped(const QString& rowName) {
+    if (m_selected)
+        m_selectionEdit->type(m_selected(), rowName, ModEditText().isEmpty());
+}
+
+void EditorWindow::writeToSelected(ScratchTable& out, const QString& key, const QModelIndex& row) {
+    if (m_selected)
+        m_selectionEdit->write(out, key, row);
+}
+
+void EditorWindow::bindApplyToAll(const QStringList& singular) {
     const auto rowName = [this] {
         return m_passportView->currentIndex().siblingAtColumn(nameColumn).data().toString();
     };
-    const auto may = [this, selected, singular, rowName] {
-        const SelectedRecords all = selected();
+    const auto may = [this, singular, rowName] {
+        const SelectedRecords all = m_selected();
         return m_app->m_mayWrite && all.rows.size() > 1 &&
                !singular.contains(rowName(), Qt::CaseInsensitive) &&
-               editedField(*all.fields, rowName());
+               SelectionEdit::editedField(*all.fields, rowName());
     };
-    const auto apply = [this, selected, rowName] {
-        const SelectedRecords all = selected();
-        const RecordField* field = editedField(*all.fields, rowName());
+    const auto apply = [this, rowName] {
+        const SelectedRecords all = m_selected();
+        const RecordField* field = SelectionEdit::editedField(*all.fields, rowName());
         const QVariant value = m_propModel->getRowValue(rowName());
         if (!ModEditText().isEmpty() && !ModEditSave())
             return;
         ScratchTable out(*m_app->m_session, all.table);
         if (!out.fetch())
             return;
-        for (const auto& [key, kind] : all.rows)
-            if ((field->passport.on & kind) != 0) {
+        for (const SelectedRecords::One& one : all.rows)
+            if ((field->passport.on & one.kind) != 0) {
                 RowWriter record = out.add(MDX_UPDATE);
-                record.text(orvo::field::KeyLink, key);
+                record.text(orvo::field::KeyLink, one.key);
                 field->write(record, value);
             }
         if (!out.isEmpty())

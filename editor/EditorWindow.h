@@ -24,6 +24,7 @@
 #include "editor/Commands.h"
 #include "editor/PassportKeys.h"
 #include "editor/RecordFields.h"
+#include "editor/SelectionEdit.h"
 #include "editor/TypedValues.h"
 #include "frame/OrvoClient.h"
 #include "models/Passport.h"
@@ -50,6 +51,7 @@ class QTreeView;
 namespace orvo {
 class Notification;
 class QuietViews;
+class ScratchTable;
 } // namespace orvo
 
 namespace orvo::editor {
@@ -104,16 +106,16 @@ protected:
     /// Binds what every editor has: saving and dropping the open edit, and in the passport, which
     /// is arranged, its fields. `trees` are the panes beside it.
     void bindEditCommands(const std::vector<QTreeView*>& trees);
-    /// The records of the selected rows.
-    struct SelectedRecords {
-        const char* table;
-        const RecordFields* fields;
-        std::vector<std::pair<QString, Rows>> rows; ///< their keys and kinds
-    };
-    /// Binds the command that writes the value of the current passport row into all selected rows
-    /// that have such a field; the rows of these names are of one record only.
-    void bindApplyToAll(const std::function<SelectedRecords()>& selected,
-                        const QStringList& singular);
+    /// The passport is that of several rows if several are selected in the tree: it tells where
+    /// they differ, an edit is written to all of them, and a command writes the value that stands
+    /// there. `own`: passport rows that an edit changes in the current record only; `singular`:
+    /// those that the command leaves alone as well.
+    void bindSelection(QTreeView* tree, std::function<SelectedRecords()> selected,
+                       const QStringList& own, const QStringList& singular);
+    /// The engineer types into a passport row. To be called for a change that is not made in it.
+    void noteTyped(const QString& rowName);
+    /// Adds what the open edit of that record writes to the other selected ones.
+    void writeToSelected(ScratchTable& out, const QString& key, const QModelIndex& row);
     /// Switches the actions of a pane on as a click on its current row does.
     virtual void enableActions(QTreeView* /*pane*/) {}
     /// Shows a context menu. What it offers stays as it is while keys walk through it, although the
@@ -123,8 +125,6 @@ protected:
     void nameForReaders(const QString& passport);
     /// An edit has ended: what the current rows permit is on again, without a click on them.
     void enableAfterEdit();
-    /// The field that a passport row edits; null if it is not written by itself.
-    static const RecordField* editedField(const RecordFields& fields, const QString& row);
 
     // ---------------------------------------------------------------------------------------------
     // Tables
@@ -227,6 +227,10 @@ private:
     void showBox(const QString& title, const QString& text, TMessageBoxIcon icon,
                  TMessageBoxType type, const char* slot, const QString& details = {});
 
+    void bindApplyToAll(const QStringList& singular);
+    /// Tells the passport which rows are selected now.
+    void showSelected();
+
     std::vector<Followed> m_followed;
     std::vector<QTreeView*> m_views;
     QTreeView* m_passportView = nullptr;    ///< child of the window
@@ -234,6 +238,9 @@ private:
     Commands* m_commands;                   ///< child of the window
     std::vector<QTreeView*> m_panes;        ///< that have actions: children of the window
     QTimer m_afterEdit;
+    std::function<SelectedRecords()> m_selected; ///< empty: one row has a passport at a time
+    std::unique_ptr<SelectionEdit> m_selectionEdit;
+    QTimer m_showSelected;
     QuietViews* m_quiet = nullptr; ///< not owned
 };
 

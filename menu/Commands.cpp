@@ -105,18 +105,20 @@ void OrvoMenu::bindCommands() {
     all.bind(
         keys::moveOut, menu, nullptr, [this] { moveOutOfFolder(); },
         [this] { return mayMoveOut(); });
-    bindApplyToAll(
-        [this, menu] {
-            SelectedRecords chosen{orvo::table::Menu, &m_elementFields, {}};
-            for (const QModelIndex& row : menu->selectionModel()->selectedRows(0))
-                if (recordRow(m_menuModel->getItemKeyLink(row)).isValid())
-                    chosen.rows.emplace_back(m_menuModel->getItemKeyLink(row),
-                                             m_menuModel->itemIsFolder(row)
-                                                 ? orvo::editor::FolderRows
-                                                 : orvo::editor::ItemRows);
-            return chosen;
-        },
-        {});
+    bindSelection(menu,
+                  [this, menu] {
+                      orvo::editor::SelectedRecords chosen{orvo::table::Menu, &m_elementFields,
+                                                           m_currentMenuKey};
+                      for (const QModelIndex& row : menu->selectionModel()->selectedRows(0))
+                          if (recordRow(m_menuModel->getItemKeyLink(row)).isValid())
+                              chosen.rows.push_back({m_menuModel->getItemKeyLink(row),
+                                                     m_menuModel->itemIsFolder(row)
+                                                         ? orvo::editor::FolderRows
+                                                         : orvo::editor::ItemRows,
+                                                     row});
+                      return chosen;
+                  },
+                  {QStringLiteral("name")}, {});
     for (QTreeView* pane : {desck, menu, m_ui->tvProp})
         all.bind(
             keys::palette, pane, nullptr, [this] { showPalette(); },

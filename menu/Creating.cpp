@@ -220,6 +220,7 @@ void OrvoMenu::on_passp_returnPressed(const QString& rowName) {
     const QString none; // null, which the tree takes for "no icon" at once
     m_propModel->setRowValue(rowName, none);
     // Setting a row's value is no edit of the user's: the change is handed on here.
+    noteTyped(rowName);
     on_editor_valueChanged(rowName, none);
 }
 

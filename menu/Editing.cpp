@@ -125,6 +125,8 @@ void OrvoMenu::saveElement(const QModelIndex& row, MdxRecordFlag flag) {
     if (!out.fetch())
         return;
     loadMenuRowToTable(row, out, flag);
+    if (flag == MDX_UPDATE)
+        writeToSelected(out, m_elementEdit.key(), row);
     m_elementEdit.end();
     out.send();
 }

@@ -202,6 +202,22 @@ void PasspDelegate::OnSignClearText(const QModelIndex& index) {
 // ---------------------------------------------------------------------------------------------
 // Painting
 
+void PasspDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
+    RowDelegate::initStyleOption(option, index);
+    if (index.column() != 1)
+        return;
+    const bool isFirstCategory = !m_model->isEditorRow(index) && index.row() == 0;
+    if (isFirstCategory && m_model->selectedCount() > 1) {
+        option->text = tr("выделено строк: %1").arg(m_model->selectedCount());
+    } else if (m_model->isMixed(index)) {
+        option->text = tr("разные значения");
+        option->font.setItalic(true);
+    } else {
+        return;
+    }
+    option->features |= QStyleOptionViewItem::HasDisplay; // also where the cell has no value
+}
+
 void PasspDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                           const QModelIndex& index) const {
     const int type = isValueCell(index) ? editorType(index) : MyEditorLine;
@@ -220,7 +236,9 @@ void PasspDelegate::paintCheck(QPainter* painter, const QStyleOptionViewItem& op
     QStyleOptionButton check;
     check.rect = option.rect;
     check.rect.setLeft(indicatorLeft(option.rect));
-    check.state |= QStyle::State_Enabled | (on ? QStyle::State_On : QStyle::State_Off);
+    check.state |= QStyle::State_Enabled | (m_model->isMixed(index) ? QStyle::State_NoChange
+                                            : on                    ? QStyle::State_On
+                                                                    : QStyle::State_Off);
     QApplication::style()->drawControl(QStyle::CE_CheckBox, &check, painter, nullptr);
 }
 

@@ -18,6 +18,8 @@ public:
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override;
+    /// Says where the rows of which this is the passport differ, and how many they are.
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
     /// Opening the editor of a check row turns its value over, once each time.
     QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
                           const QModelIndex& index) const override;

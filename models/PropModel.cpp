@@ -36,6 +36,8 @@ QVariant PropModel::data(const QModelIndex& index, int role) const {
         return index.column() == Value && row.data(ReadOnly).toBool() ? QColor(0x80, 0x80, 0x80)
                                                                       : QVariant();
     case Qt::AccessibleTextRole:
+        if (index.column() == Value && isMixed(index))
+            return QStringLiteral("разные значения");
         if (index.column() != Value || row.data(Editor).toInt() != MyEditorCheck || !isEditRow(row))
             return {};
         return row.data(Value).toBool() ? QStringLiteral("да") : QStringLiteral("нет");
@@ -100,6 +102,19 @@ bool PropModel::isEditorRow(const QModelIndex& index) const {
 bool PropModel::clearRows() {
     const QScopedValueRollback<bool> clearing(m_clearing, true);
     return rowCount() > 0 && removeRows(0, rowCount());
+}
+
+bool PropModel::setSelected(int count, const QSet<QString>& mixed) {
+    if (count == m_selectedCount && mixed == m_mixed)
+        return false;
+    m_selectedCount = count;
+    m_mixed = mixed;
+    return true;
+}
+
+bool PropModel::isMixed(const QModelIndex& index) const {
+    return !m_mixed.isEmpty() && isEditorRow(index) &&
+           m_mixed.contains(getItem(index)->data(Name).toString().toLower());
 }
 
 void PropModel::setComboBox(const QString& name, QComboBox* comboBox) {

@@ -5,6 +5,8 @@
 #include "models/PaspRec.h"
 #include "models/TreeModelCore.h"
 
+#include <QSet>
+
 /// How the value of a row is edited.
 enum MyEditorType {
     MyEditorLine = 0,   ///< a text
@@ -45,6 +47,11 @@ public:
     void setComboBox(const QString& name, QComboBox* comboBox);
     /// Null for rows of another type, and for an invalid index.
     QComboBox* getComboBox(const QModelIndex& index) const;
+    /// How many rows of a tree the passport is of, and in which of its rows, by their names in
+    /// small letters, these differ: they are shown without a value. False if it was so already.
+    bool setSelected(int count, const QSet<QString>& mixed);
+    int selectedCount() const { return m_selectedCount; }
+    bool isMixed(const QModelIndex& index) const;
     /// The row's value, not its name; a null string for an invalid index.
     QString getItemKeyLink(const QModelIndex& index) const { return itemText(index, 1); }
 
@@ -63,6 +70,8 @@ private:
 
     const QString m_iconsPath;
     bool m_clearing = false;
+    int m_selectedCount = 1;
+    QSet<QString> m_mixed;
 };
 
 #endif

@@ -91,16 +91,18 @@ void OrvoResources::bindCommands() {
         },
         true);
     // Rows of one kind are selected together, and resources differ by their names.
-    bindApplyToAll(
+    bindSelection(
+        tree,
         [this, tree] {
-            SelectedRecords chosen{orvo::table::MenuResource, &orvo::resources::itemFields(), {}};
+            orvo::editor::SelectedRecords chosen{orvo::table::MenuResource,
+                                                 &orvo::resources::itemFields(), m_currentKey};
             for (const QModelIndex& row : tree->selectionModel()->selectedRows(0))
                 if (!orvo::resources::isFolder(row))
-                    chosen.rows.emplace_back(orvo::resources::textAt(row, ResColumn::KeyLink),
-                                             orvo::editor::ItemRows);
+                    chosen.rows.push_back({orvo::resources::textAt(row, ResColumn::KeyLink),
+                                           orvo::editor::ItemRows, row});
             return chosen;
         },
-        {QStringLiteral("object")});
+        {QString::fromLatin1(orvo::field::caption)}, {QStringLiteral("object")});
     tree->setAccessibleName(tr("Каталог ресурсов"));
     nameForReaders(tr("Паспорт ресурса"));
     m_edSearch->setAccessibleName(tr("Поиск в каталоге"));

@@ -145,6 +145,8 @@ QString OrvoResources::saveEdit() {
         loadResFolderToTable(row, out, flag);
     else
         loadResourceToTable(row, out, flag);
+    if (!folder && flag == MDX_UPDATE)
+        writeToSelected(out, m_editKey, row);
     m_edit.saved();
     endEdit();
     out.send();

@@ -87,6 +87,47 @@ private slots:
         QTRY_VERIFY(!fixture.action("actRedo")->isEnabled());
     }
 
+    void anEditOfSeveralRowsIsTakenBackAtOnce() {
+        Fixture fixture;
+        QTreeView* menu = fixture.view("tvMenu");
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г"));
+        const QModelIndex top = menu->model()->index(0, 0);
+        menu->setCurrentIndex(menu->model()->index(0, 0, top));
+        menu->selectionModel()->select(menu->model()->index(1, 0, top),
+                                       QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        QCOMPARE(menu->selectionModel()->selectedRows().size(), 2);
+        const auto separators = [&] {
+            constexpr int separatorColumn = 11;
+            QString all;
+            for (int row = 0; row < 2; ++row)
+                all += menu->model()
+                               ->index(row, separatorColumn, menu->model()->index(0, 0))
+                               .data()
+                               .toBool()
+                           ? '1'
+                           : '0';
+            return all;
+        };
+        COrvoCliMod* editor = fixture.module("Menu");
+        auto* passport = editor->findChild<QTreeView*>("tvProp");
+        passport->setFocus();
+        QAbstractItemModel* values = passport->model();
+        const QModelIndexList rows =
+            values->match(values->index(0, 0), Qt::AccessibleDescriptionRole, "separator", 1,
+                          Qt::MatchExactly | Qt::MatchRecursive);
+        QCOMPARE(rows.size(), 1);
+        passport->setCurrentIndex(rows.first().siblingAtColumn(0));
+        QTest::keyClick(passport, Qt::Key_Space);
+        editor->findChild<QAction*>("saveEdit")->trigger();
+        QTRY_COMPARE(separators(), QString("11"));
+        QTRY_VERIFY(fixture.action("actUndo")->isEnabled());
+        fixture.undo();
+        QTRY_COMPARE(separators(), QString("00"));
+        QTRY_VERIFY(!fixture.action("actUndo")->isEnabled());
+        fixture.redo();
+        QTRY_COMPARE(separators(), QString("11"));
+    }
+
     void theActionsOfOthersAreNotOffered() {
         Fixture fixture;
         fixture.renames("a", "а1");

@@ -6,6 +6,7 @@
 
 #include "editor/Commands.h"
 #include "frame/Keys.h"
+#include "models/Passport.h"
 
 #include <QCheckBox>
 #include <QFile>
@@ -13,6 +14,7 @@
 #include <QSet>
 #include <QTimer>
 #include <QToolButton>
+#include <QToolTip>
 #include <QWindow>
 
 using namespace orvo::test;
@@ -462,6 +464,88 @@ private slots:
         QCOMPARE(menu->element("calc").data().toString(), QStringLiteral("Расчёт"));
     }
 
+    void thePassportOfSeveralRowsTellsWhereTheyDiffer() {
+        Menu menu;
+        menu.store.update("Menu", {{"KeyLink", "trend"}, {"params", QString("1")}});
+        QVERIFY(menu.open());
+        QTreeView* view = menu.at("trend");
+        const auto isMixed = [&](const char* row) {
+            return menu->m_propModel->isMixed(
+                menu->m_propModel->findIndexByKey(QString(row)).siblingAtColumn(1));
+        };
+        QVERIFY(!isMixed("params"));
+        QTest::keyClick(view, Qt::Key_Down, Qt::ShiftModifier);
+        QTRY_VERIFY(isMixed("params"));
+        QCOMPARE(menu->m_propModel->selectedCount(), 2);
+        QVERIFY(!isMixed("separator")); // is off on both
+        QVERIFY(!isMixed("name"));      // each has its own
+        const QModelIndex value =
+            menu->m_propModel->findIndexByKey(QString("params")).siblingAtColumn(1);
+        QCOMPARE(value.data(Qt::AccessibleTextRole).toString(), QString("разные значения"));
+        view->setCurrentIndex(menu->element("trend"));
+        QTRY_VERIFY(!isMixed("params"));
+        QCOMPARE(menu->m_propModel->selectedCount(), 1);
+    }
+
+    void anEditOfSeveralRowsIsWrittenToAllInOneCall() {
+        Menu menu;
+        QVERIFY(menu.open());
+        QTreeView* view = menu.at("trend");
+        QTest::keyClick(view, Qt::Key_Down, Qt::ShiftModifier);
+        QTreeView* passport = menu.view("tvProp");
+        passport->setFocus(Qt::ShortcutFocusReason);
+        const auto edit = [&](const char* row, const QString& text) {
+            passport->setCurrentIndex(
+                menu->m_propModel->findIndexByKey(QString(row)).siblingAtColumn(1));
+            QWidget* field = passport->indexWidget(passport->currentIndex());
+            QVERIFY(field);
+            QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
+            typeText(field, text);
+        };
+        const auto value = [&](const char* key, int column) {
+            return menu->element(key).siblingAtColumn(column).data().toString();
+        };
+        using orvo::menu::MenuColumn;
+        const int writes = int(menu.host.writes().calls.size());
+        edit("params", "7");
+        edit("name", QStringLiteral("Обе"));
+        QVERIFY(!menu->m_propModel->isMixed(
+            menu->m_propModel->findIndexByKey(QString("params")).siblingAtColumn(1)));
+        QTest::keyClick(passport->indexWidget(passport->currentIndex()), Qt::Key_Return);
+        QTest::keyClick(passport, Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(int(menu.host.writes().calls.size()), writes + 1);
+        menu.host.deliver(*menu.module);
+        QCOMPARE(value("trend", MenuColumn::Params), QString("7"));
+        QCOMPARE(value("calc", MenuColumn::Params), QString("7"));
+        // A name is of one row.
+        QCOMPARE(value("calc", MenuColumn::Caption), QStringLiteral("Обе"));
+        QCOMPARE(value("trend", MenuColumn::Caption), QStringLiteral("Тренд"));
+        QCOMPARE(value("trend", MenuColumn::MenuResKey), QString("rtrend"));
+    }
+
+    void whatIsDroppedIsWrittenToNone() {
+        Menu menu;
+        QVERIFY(menu.open());
+        QTreeView* view = menu.at("trend");
+        QTest::keyClick(view, Qt::Key_Down, Qt::ShiftModifier);
+        orvo::editPassportValue(*menu->m_propModel, QStringLiteral("params"), QString("7"));
+        QTest::mousePress(menu->findChild<QToolButton*>("cancelButton"), Qt::LeftButton);
+        QCOMPARE(menu->m_editMode, 0);
+        // The next edit is of the row that is selected then.
+        view->setCurrentIndex(menu->element("calc"));
+        orvo::editPassportValue(*menu->m_propModel, QStringLiteral("params"), QString("8"));
+        QTest::mousePress(menu->findChild<QToolButton*>("saveButton"), Qt::LeftButton);
+        menu.host.deliver(*menu.module);
+        const auto params = [&](const char* key) {
+            return menu->element(key)
+                .siblingAtColumn(orvo::menu::MenuColumn::Params)
+                .data()
+                .toString();
+        };
+        QCOMPARE(params("calc"), QString("8"));
+        QCOMPARE(params("trend"), QString());
+    }
+
     void actionsAreOnAfterASave() {
         Menu menu;
         QVERIFY(menu.open());
@@ -498,6 +582,44 @@ private slots:
         QTreeView* passport = editor.view("tvProp");
         QVERIFY(passport->indexWidget(passport->currentIndex()));
         QCOMPARE(passport->currentIndex().siblingAtColumn(4).data().toString(), QString("caption"));
+    }
+
+    void anEditOfSeveralResourcesIsWrittenToAll() {
+        Resources editor;
+        addItem(editor.store, "m2", 1, "fsub", "Two", "Второй");
+        QVERIFY(editor.start());
+        QTreeView* tree = editor.view("tvRes");
+        tree->expandAll();
+        tree->setCurrentIndex(editor->row("m1"));
+        tree->selectionModel()->select(editor->row("m2"),
+                                       QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        QCOMPARE(tree->selectionModel()->selectedRows().size(), 2);
+        orvo::editPassportValue(*editor->m_propModel, QStringLiteral("params"), QString("7"));
+        orvo::editPassportValue(*editor->m_propModel, QStringLiteral("caption"), QString("Один"));
+        QTest::mousePress(editor->findChild<QToolButton*>("saveButton"), Qt::LeftButton);
+        editor.host.deliver(*editor.module);
+        for (const char* key : {"m1", "m2"})
+            QCOMPARE(editor->text(key, ResColumn::Params), QString("7"));
+        QCOMPARE(editor->text("m1", ResColumn::Caption), QString("Один"));
+        QCOMPARE(editor->text("m2", ResColumn::Caption), QString("Второй"));
+    }
+
+    void aLockSaysWhereItIsTakenOff() {
+        Resources editor;
+        addUser(editor.store, "u1", "petrova", "Петрова", "Анна");
+        addItem(editor.store, "form", 3, "ffrm", "Boiler", "Котёл");
+        editor.store.update("MenuResource", {{"KeyLink", "form"}, {"UsersKey", "u1"}});
+        QVERIFY(editor.start());
+        QTreeView* tree = editor.view("tvRes");
+        tree->setFocus();
+        tree->expandAll();
+        tree->setCurrentIndex(editor->row("form"));
+        const int writes = int(editor.host.writes().calls.size());
+        QTest::keyClick(tree, Qt::Key_U, Qt::ControlModifier);
+        QVERIFY(QToolTip::text().contains("Петрова"));
+        QVERIFY(QToolTip::text().contains("orvo-admin unlock Boiler"));
+        QCOMPARE(int(editor.host.writes().calls.size()), writes);
+        QToolTip::hideText();
     }
 };
 
