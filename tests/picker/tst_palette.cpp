@@ -1,0 +1,196 @@
+// The picker beside the menu editor: as a palette it stays, and what is dragged out of it becomes
+// elements of the menu.
+#include "tests/menu/MenuProbe.h"
+#include "tests/resources/ResProbe.h"
+
+#include "picker/PopObjectList.h"
+
+#include <QDropEvent>
+#include <QMimeData>
+#include <QWindow>
+
+using namespace orvo::test;
+
+namespace {
+
+void fillPalette(TestStore& store) {
+    fillPlant(store);
+    addFolder(store, "fmod", 1, nullptr, "модули");
+    addFolder(store, "fsub", 1, "fmod", "Внутри");
+    addFolder(store, "ffun", 2, nullptr, "функции");
+    addFolder(store, "ffrm", 3, nullptr, "формы отображения");
+    addFolder(store, "ficons", 4, nullptr, "icons");
+    addItem(store, "m1", 1, "fsub", "One", "Первый");
+    addItem(store, "m2", 1, "fmod", "Two", "Второй");
+    addItem(store, "f1", 2, "ffun", "Sum", "Сумма");
+}
+
+class Menu : public HostOnFilledStore, public MenuEditor {
+public:
+    Menu() : HostOnFilledStore(fillPalette), MenuEditor(host, "Menu") {}
+    bool open() {
+        if (!start())
+            return false;
+        module->activateWindow();
+        if (!QTest::qWaitForWindowActive(module.get()))
+            return false;
+        view("tvDesck")->setFocus();
+        view("tvDesck")->setCurrentIndex(module->desck("armop"));
+        view("tvMenu")->expandAll();
+        return true;
+    }
+    CPopObjectList* palette() const { return module->findChild<CPopObjectList*>(); }
+    void press(Qt::Key key, Qt::KeyboardModifiers with = Qt::NoModifier) const {
+        view("tvMenu")->setFocus(Qt::ShortcutFocusReason);
+        QTest::keyClick(view("tvMenu"), key, with);
+    }
+    /// Lets go over a row what a drag out of the palette bears; whether it was taken.
+    bool drop(const char* row, const QByteArray& keys) {
+        return drop(view("tvMenu")->visualRect(module->element(row)).center(), keys);
+    }
+    bool drop(const QPoint& at, const QByteArray& keys) {
+        QTreeView* menu = view("tvMenu");
+        QMimeData dragged;
+        dragged.setData(QLatin1String(pickedMime), keys);
+        QDragEnterEvent enter(at, Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(menu->viewport(), &enter);
+        if (!enter.isAccepted())
+            return false;
+        QDragMoveEvent move(at, Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(menu->viewport(), &move);
+        if (!move.isAccepted()) {
+            QDragLeaveEvent leave;
+            QApplication::sendEvent(menu->viewport(), &leave);
+            return false;
+        }
+        QDropEvent drop(at, Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(menu->viewport(), &drop);
+        host.deliver(*module);
+        return drop.isAccepted();
+    }
+    /// The resources of the elements of a folder, in their order.
+    QString resourcesOf(const char* folder) const {
+        using orvo::menu::MenuColumn;
+        QStringList keys;
+        const QModelIndex parent = module->element(folder);
+        for (int row = 0; row < parent.model()->rowCount(parent); ++row) {
+            const QModelIndex child = parent.model()->index(row, MenuColumn::MenuResKey, parent);
+            if (!child.data().toString().isEmpty())
+                keys << child.data().toString();
+        }
+        return keys.join(' ');
+    }
+};
+
+} // namespace
+
+class TestPalette : public QObject {
+    Q_OBJECT
+private slots:
+    void whatIsDraggedOntoAFolderBecomesItsElements() {
+        Menu menu;
+        QVERIFY(menu.open());
+        QCOMPARE(menu.resourcesOf("glubzhe"), QString("rform"));
+        const int writes = int(menu.host.writes().calls.size());
+        QVERIFY(menu.drop("glubzhe", "m2;m1;"));
+        QCOMPARE(menu.resourcesOf("glubzhe"), QString("rform m2 m1"));
+        QCOMPARE(int(menu.host.writes().calls.size()), writes + 1);
+    }
+
+    void onARowThatIsNoFolderItGoesIntoItsFolder() {
+        Menu menu;
+        QVERIFY(menu.open());
+        QVERIFY(menu.drop("form", "f1;"));
+        QCOMPARE(menu.resourcesOf("glubzhe"), QString("rform f1"));
+    }
+
+    void whatIsGoneOrBesideTheRowsMakesNothing() {
+        Menu menu;
+        QVERIFY(menu.open());
+        const int writes = int(menu.host.writes().calls.size());
+        menu.drop("glubzhe", "gone;;");
+        QTreeView* view = menu.view("tvMenu");
+        const QPoint beside = view->viewport()->rect().bottomLeft() + QPoint(20, -5);
+        QVERIFY(!view->indexAt(beside).isValid());
+        QVERIFY(!menu.drop(beside, "m1;"));
+        QCOMPARE(int(menu.host.writes().calls.size()), writes);
+        QCOMPARE(menu.resourcesOf("glubzhe"), QString("rform"));
+    }
+
+    void whoMayOnlyReadDropsNothing() {
+        Menu menu;
+        menu.host.m_mayWrite = false;
+        QVERIFY(menu.open());
+        QVERIFY(!menu.drop("glubzhe", "m1;"));
+        QVERIFY(menu.host.writes().calls.isEmpty());
+    }
+
+    void anOpenEditIsSavedBeforeADrop() {
+        Menu menu;
+        QVERIFY(menu.open());
+        menu.press(Qt::Key_Home);
+        menu.view("tvMenu")->setCurrentIndex(menu->element("grafiki"));
+        menu.press(Qt::Key_Insert, Qt::ShiftModifier);
+        QCOMPARE(menu->m_editMode, int(MenuProbe::NewElement));
+        QVERIFY(menu.drop("glubzhe", "m1;"));
+        QCOMPARE(menu->m_editMode, 0);
+        QCOMPARE(menu.resourcesOf("glubzhe"), QString("rform m1"));
+    }
+
+    void f7OpensAPaletteThatStaysAndClosesIt() {
+        Menu menu;
+        QVERIFY(menu.open());
+        menu.view("tvMenu")->setCurrentIndex(menu->element("glubzhe"));
+        menu.press(Qt::Key_F7);
+        CPopObjectList* palette = menu.palette();
+        QVERIFY(palette && palette->isVisible() && palette->isPalette());
+        for (const char* key : {"m1", "m2"}) {
+            palette->tvObj()->setCurrentIndex(palette->treeModel->findIndexByKey(QString(key)));
+            QTest::keyClick(palette->tvObj(), Qt::Key_Return);
+            menu.host.deliver(*menu.module);
+            QVERIFY(palette->isVisible());
+            menu.view("tvMenu")->setCurrentIndex(menu->element("glubzhe"));
+        }
+        QCOMPARE(menu.resourcesOf("glubzhe"), QString("rform m1 m2"));
+        menu.press(Qt::Key_F7);
+        QVERIFY(!palette->isVisible());
+        // From then on a choice closes the list again.
+        menu.press(Qt::Key_1, Qt::ControlModifier);
+        QVERIFY(palette->isVisible() && !palette->isPalette());
+    }
+
+    void eachKindHasItsTitleAndWhatWasOpen() {
+        Menu menu;
+        QVERIFY(menu.open());
+        menu.view("tvMenu")->setCurrentIndex(menu->element("glubzhe"));
+        const std::pair<Qt::Key, const char*> kinds[] = {{Qt::Key_1, "Выбор модулей АРМ"},
+                                                         {Qt::Key_2, "Выбор функций АРМ"},
+                                                         {Qt::Key_3, "Выбор форм отображения АРМ"}};
+        for (const auto& [key, title] : kinds) {
+            menu.press(key, Qt::ControlModifier);
+            QVERIFY(menu.palette()->isVisible());
+            QCOMPARE(menu.palette()->windowHandle()->title(), QString(title));
+            menu.palette()->hide();
+        }
+        const auto folder = [&] {
+            return menu.palette()->treeModel->findIndexByKey(QString("fsub"));
+        };
+        menu.press(Qt::Key_1, Qt::ControlModifier);
+        QVERIFY(menu.palette()->tvObj()->isExpanded(folder())); // few rows: all at first
+        menu.palette()->tvObj()->collapse(folder());
+        menu.palette()->hide();
+        menu.press(Qt::Key_2, Qt::ControlModifier);
+        menu.palette()->hide();
+        menu.press(Qt::Key_1, Qt::ControlModifier);
+        QVERIFY(!menu.palette()->tvObj()->isExpanded(folder()));
+        menu.palette()->hide();
+        // The icon of the current row, from its passport.
+        menu.view("tvProp")->setFocus(Qt::ShortcutFocusReason);
+        menu.view("tvProp")->setCurrentIndex(menu->m_propModel->findIndexByKey("icon"));
+        QTest::keyClick(menu.view("tvProp"), Qt::Key_Down, Qt::AltModifier);
+        QCOMPARE(menu.palette()->windowHandle()->title(), QString("Выбор иконок АРМ"));
+    }
+};
+
+QTEST_MAIN(TestPalette)
+#include "tst_palette.moc"
