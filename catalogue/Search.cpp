@@ -152,6 +152,8 @@ void appendTexts(const Catalogue& catalogue, const Record& record, std::string& 
     append(text, record.cp1251(0));
 }
 
+} // namespace
+
 Found describe(const Catalogue& catalogue, const Record& record) {
     Found found;
     const history::Values values = record.values();
@@ -186,8 +188,6 @@ Found describe(const Catalogue& catalogue, const Record& record) {
         found.name = found.key;
     return found;
 }
-
-} // namespace
 
 // ---------------------------------------------------------------------------------------------
 // The copy of the texts

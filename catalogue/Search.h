@@ -39,7 +39,9 @@ struct Found {
     int kind = 0;   ///< orvo::Kind of a resource or its folder, or of the resource of an element
     bool isFolder = false;
     bool isSeparator = false;
+    bool operator==(const Found&) const = default;
 };
+Found describe(const Catalogue& catalogue, const Record& record);
 
 struct Findings {
     QVector<Found> best; ///< those that are shown, the best first

@@ -142,13 +142,6 @@ const char* topCaptionOf(int kind) {
     return known ? known->topFolder : nullptr;
 }
 
-bool isIconFolder(const Record& folder) {
-    const Fields& f = fields();
-    return folder && folder.integer(f.folder.kind) == Kind::File &&
-           folder.cp1251(f.folder.parent).empty() &&
-           folded(folder.cp1251(f.folder.caption)) == iconFolder;
-}
-
 bool isTopRow(const std::string& key) {
     return store::sameText(key, rowkey::files) || store::sameText(key, rowkey::resources);
 }

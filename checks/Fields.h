@@ -4,6 +4,7 @@
 #define ORVO_CHECKS_FIELDS_H
 
 #include "catalogue/Catalogue.h"
+#include "catalogue/Uses.h"
 #include "frame/Vocabulary.h"
 #include "platform/store/Schema.h"
 
@@ -16,6 +17,7 @@
 namespace orvo::checks {
 
 using catalogue::Catalogue;
+using catalogue::isIconFolder;
 using catalogue::Record;
 
 struct Fields {
@@ -65,8 +67,6 @@ int parentFieldOf(const store::TableDef& table);
 /// The caption of the folder that holds all resources of a kind; null for files, which stand at the
 /// top, and for what is no kind.
 const char* topCaptionOf(int kind);
-/// Whether a folder is one of those whose files serve as icons.
-bool isIconFolder(const Record& folder);
 /// Whether this is the key of a row at the top of the resource tree, which no record stands behind.
 bool isTopRow(const std::string& key);
 /// A text in the form in which texts that differ only in case are equal.
