@@ -259,6 +259,7 @@ void EditorWindow::deleteRecords(const char* table, const QStringList& keys) {
 
 void EditorWindow::showBox(const QString& title, const QString& text, TMessageBoxIcon icon,
                            TMessageBoxType type, const char* slot, const QString& details) {
+    m_boxUses.reset(); // they were those of another box
     PopMessageBoxCreate();
     m_popMessageBox->setMessage(title, text, icon, type, slot);
     m_popMessageBox->setDetails(details);
@@ -281,6 +282,49 @@ bool EditorWindow::answeredYes(QAbstractButton* button) {
 void EditorWindow::refuse(const QString& reason) {
     showBox(translated("Ошибка"), reason, MessageBoxIconError, MessageBoxTypeOk,
             SLOT(on_common_error_message(QAbstractButton*)));
+}
+
+std::unique_ptr<QObject>
+EditorWindow::watchUses(const char* table, const QStringList& keys,
+                        const std::function<void(const UsesAnswer&)>& tell) {
+    auto receiver = std::make_unique<QObject>();
+    UsesRequest request;
+    request.table = QString::fromLatin1(table);
+    request.keys = keys;
+    request.receiver = receiver.get();
+    request.tell = tell;
+    doCall(callUses, &request);
+    if (!request.refusal.isEmpty())
+        receiver.reset();
+    return receiver;
+}
+
+bool EditorWindow::showUses(const char* table, const QString& key, bool takeFocus) {
+    ShowUsesRequest request;
+    request.table = QString::fromLatin1(table);
+    request.key = key;
+    request.takeFocus = takeFocus;
+    doCall(callShowUses, &request);
+    return request.refusal.isEmpty();
+}
+
+void EditorWindow::nameUsesInBox(const char* table, const QStringList& keys,
+                                 const QString& details) {
+    m_boxUses = watchUses(table, keys, [this, details](const UsesAnswer& answer) {
+        if (!m_popMessageBox || m_popMessageBox->isHidden())
+            return;
+        QStringList lines;
+        if (!details.isEmpty())
+            lines << details;
+        if (!answer.isKnown)
+            lines << translated("Где это используется, ещё выясняется…");
+        else if (answer.count == 0)
+            lines << translated("В меню не используется.");
+        else
+            lines << translated("Используется: %1").arg(answer.words)
+                  << nameLines(answer.places, answer.count);
+        m_popMessageBox->setDetails(lines.join(QLatin1Char('\n')));
+    });
 }
 
 void EditorWindow::on_common_error_message(QAbstractButton*) {

@@ -26,7 +26,7 @@
 #include "editor/RecordFields.h"
 #include "editor/SelectionEdit.h"
 #include "editor/TypedValues.h"
-#include "frame/OrvoClient.h"
+#include "frame/Launch.h"
 #include "models/Passport.h"
 #include "models/models.h"
 #include "picker/ObjectListOwner.h"
@@ -192,6 +192,15 @@ protected:
     bool answeredYes(QAbstractButton* button);
     /// Says in a box why something is not done.
     void refuse(const QString& reason);
+    /// Adds the places where records are used to the details of the box that stands, as soon as the
+    /// host knows them, and as long as it stands.
+    void nameUsesInBox(const char* table, const QStringList& keys, const QString& details);
+    /// Has the host show where a record is used. False if it cannot.
+    bool showUses(const char* table, const QString& key, bool takeFocus = true);
+    /// Tells where records are used, now and when it changes, as long as what it returns lives;
+    /// null if the host does not know.
+    std::unique_ptr<QObject> watchUses(const char* table, const QStringList& keys,
+                                       const std::function<void(const UsesAnswer&)>& tell);
 
     // ---------------------------------------------------------------------------------------------
     // The end
@@ -241,7 +250,8 @@ private:
     std::function<SelectedRecords()> m_selected; ///< empty: one row has a passport at a time
     std::unique_ptr<SelectionEdit> m_selectionEdit;
     QTimer m_showSelected;
-    QuietViews* m_quiet = nullptr; ///< not owned
+    QuietViews* m_quiet = nullptr;      ///< not owned
+    std::unique_ptr<QObject> m_boxUses; ///< while the box that stands is told of places
 };
 
 } // namespace orvo::editor

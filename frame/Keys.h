@@ -53,6 +53,7 @@ inline constexpr char history[] = "history";
 inline constexpr char problems[] = "problems";
 inline constexpr char find[] = "find";
 inline constexpr char findAll[] = "findAll";
+inline constexpr char uses[] = "uses";
 inline constexpr char nextHit[] = "nextHit";
 inline constexpr char previousHit[] = "previousHit";
 inline constexpr char searchBy[] = "searchBy";
@@ -102,6 +103,7 @@ inline constexpr Command commands[] = {
     {problems, Menu::View, "F8", "Проблемы", "открыть или закрыть список того, что не так"},
     {find, Menu::Go, "Ctrl+F", "Найти", "поле поиска дерева, в котором стоит курсор"},
     {findAll, Menu::Go, "Ctrl+K", "Найти всё", "поиск по столам, элементам, ресурсам, файлам и людям"},
+    {uses, Menu::Go, "F9", "Где используется", "где используется ресурс текущей строки"},
     {nextHit, Menu::Go, "F3", "Следующее найденное", "следующая найденная строка"},
     {previousHit, Menu::Go, "Shift+F3", "Предыдущее найденное", "предыдущая найденная строка"},
     {searchBy, Menu::Go, "Ctrl+Shift+F", "Искать по другому столбцу", "«Искать по»: наименование или ресурс"},

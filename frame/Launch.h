@@ -11,10 +11,12 @@
 #include <QList>
 #include <QPair>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 #include <QVector>
 
 #include <cstdint>
+#include <functional>
 
 namespace orvo {
 
@@ -33,6 +35,11 @@ inline constexpr int callLog = 68;
 inline constexpr int callPreview = 69;
 /// PreviewEdit*: what the module shows and edits now, for the preview that it has asked for.
 inline constexpr int callPreviewEdit = 70;
+
+/// UsesRequest*: tells where records are used, now and whenever that changes.
+inline constexpr int callUses = 71;
+/// ShowUsesRequest*: shows the places in which a record is used, with a way to go to each.
+inline constexpr int callShowUses = 72;
 
 struct LaunchRequest {
     QString key;          ///< of the element: what "one copy" goes by
@@ -89,6 +96,30 @@ struct PreviewEdit {
     QString key;        ///< of the element that is edited and not saved; empty: none is
     bool isNew = false; ///< no record of it exists yet
     QVariantMap values; ///< its values by the names of the fields
+};
+
+/// Where records are used: which elements of menus open a resource or bear a file as their icon.
+struct UsesAnswer {
+    bool isKnown = false; ///< false: the records are still being read; another answer follows
+    int count = 0;        ///< of the places
+    QString words; ///< "5 элементов меню на 2 рабочих столах", "нигде не используется"
+    QStringList places; ///< the first ones, in words: "элемент меню «Насосы» (КС-1 / Схемы)"
+};
+
+struct UsesRequest {
+    QString table;
+    QStringList keys;
+    QObject* receiver = nullptr; ///< it is told as long as this lives; an object of the GUI thread
+    /// Called from the event loop, never before the call has returned; after the first known answer
+    /// only with others.
+    std::function<void(const UsesAnswer& answer)> tell;
+    QString refusal = QStringLiteral("Приложение не знает, где что используется.");
+};
+
+struct ShowUsesRequest {
+    QString table, key;    ///< of an element of a menu: the resource that it opens
+    bool takeFocus = true; ///< false: the module keeps the keyboard
+    QString refusal = QStringLiteral("Приложение не знает, где что используется.");
 };
 
 struct HandbookRequest {

@@ -398,7 +398,7 @@ public:
     /// receives the clicked button as QAbstractButton*. show() returns at once.
     void setMessage(QString title, QString text, TMessageBoxIcon icon, TMessageBoxType type,
                     const char* slot);
-    /// What the text is about, below it; gone with the next setMessage. Call it before show().
+    /// What the text is about, below it; gone with the next setMessage. Also while the box stands.
     void setDetails(const QString& details);
     /// Role of a button of this box in the numbering of QMessageBox::ButtonRole; -1 for others.
     int ButtonRole(QAbstractButton* button) const;

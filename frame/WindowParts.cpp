@@ -11,6 +11,7 @@
 #include <QToolButton>
 #include <QTreeView>
 
+#include <algorithm>
 #include <vector>
 
 namespace orvo {
@@ -178,7 +179,7 @@ QString iconsPath(const COrvoCliMod& module) {
            QLatin1Char('/');
 }
 
-QString nameLines(const QStringList& names) {
+QString nameLines(const QStringList& names, int count) {
     constexpr int shownAtMost = 10;
     constexpr int longest = 80;
     QStringList lines;
@@ -186,9 +187,8 @@ QString nameLines(const QStringList& names) {
         const QString line = name.simplified();
         lines << (line.size() > longest ? line.left(longest - 1) + QChar(0x2026) : line);
     }
-    if (names.size() > shownAtMost)
-        lines << QCoreApplication::translate("CPopMessageBox", "и ещё %1")
-                     .arg(names.size() - shownAtMost);
+    if (const int all = std::max(names.size(), count); all > lines.size())
+        lines << QCoreApplication::translate("CPopMessageBox", "и ещё %1").arg(all - lines.size());
     return lines.join(QLatin1Char('\n'));
 }
 

@@ -123,6 +123,15 @@ void OrvoMenu::bindCommands() {
         all.bind(
             keys::palette, pane, nullptr, [this] { showPalette(); },
             [this] { return m_app->m_mayWrite && m_menuModel->rowCount() > 0; });
+    all.bind(
+        keys::uses, menu, nullptr,
+        [this, menu] {
+            showUses(orvo::table::Menu, m_menuModel->getItemKeyLink(menu->currentIndex()));
+        },
+        [this, menu] {
+            return recordRow(m_menuModel->getItemKeyLink(menu->currentIndex())).isValid();
+        },
+        true);
     m_menuViewport = menu->viewport();
     menu->viewport()->installEventFilter(this);
     desck->setAccessibleName(tr("Рабочие столы"));

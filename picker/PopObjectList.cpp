@@ -15,6 +15,7 @@
 #include <QFileInfo>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QShowEvent>
@@ -71,6 +72,9 @@ CPopObjectList::CPopObjectList(QMainWindow* parent)
                                        {{PickColumn::Name, titles[PickColumn::Name]},
                                         {PickColumn::Caption, titles[PickColumn::Caption]}});
     m_search->setOpensOnTyping(true);
+    m_ui->tvObj->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(m_ui->tvObj, &QTreeView::customContextMenuRequested, this,
+            &CPopObjectList::showContextMenu);
     orvo::onSearchKeys(
         *this, [this] { m_search->open(); }, [this](int by) { m_search->step(by); });
 }
@@ -190,6 +194,18 @@ void CPopObjectList::openRemembered() {
     const QModelIndexList selected = m_ui->tvObj->selectionModel()->selectedRows();
     if (!selected.isEmpty())
         m_ui->tvObj->scrollTo(selected.first(), QAbstractItemView::PositionAtCenter);
+}
+
+void CPopObjectList::showContextMenu(const QPoint& point) {
+    const QModelIndex row = m_ui->tvObj->indexAt(point);
+    const auto* owner = qobject_cast<COrvoCliMod*>(parentWidget());
+    if (!owner || !row.isValid() || m_model->itemIsFolder(row))
+        return;
+    QMenu menu;
+    owner->m_app->addRecordActions(&menu, QString::fromLatin1(orvo::table::MenuResource),
+                                   m_model->getItemKeyLink(row));
+    if (!menu.isEmpty())
+        menu.exec(m_ui->tvObj->viewport()->mapToGlobal(point));
 }
 
 bool CPopObjectList::choose(const QModelIndex& row) {

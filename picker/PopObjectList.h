@@ -103,6 +103,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    /// What the host offers for the resource at that place.
+    void showContextMenu(const QPoint& point);
     /// OK if the row is a resource. False for a folder.
     bool choose(const QModelIndex& row);
     bool treeKey(QKeyEvent& event);

@@ -103,6 +103,17 @@ void OrvoResources::bindCommands() {
             return chosen;
         },
         {QString::fromLatin1(orvo::field::caption)}, {QStringLiteral("object")});
+    all.bind(
+        keys::uses, tree, nullptr,
+        [this, tree] {
+            showUses(orvo::table::MenuResource,
+                     orvo::resources::textAt(tree->currentIndex(), ResColumn::KeyLink));
+        },
+        [tree] {
+            const QModelIndex row = tree->currentIndex();
+            return row.isValid() && !orvo::resources::isFolder(row);
+        },
+        true);
     tree->setAccessibleName(tr("Каталог ресурсов"));
     nameForReaders(tr("Паспорт ресурса"));
     m_edSearch->setAccessibleName(tr("Поиск в каталоге"));

@@ -74,6 +74,8 @@ void OrvoResources::on_actDelete_triggered() {
          .table = orvo::table::MenuResource,
          .keys = keys,
          .details = questionDetails(row)});
+    nameUsesInBox(orvo::table::MenuResource, isRecordOnly(kindOf(row)) ? keys.mid(0, 1) : keys,
+                  questionDetails(row));
 }
 
 void OrvoResources::agreeOnSelection() {
@@ -144,7 +146,7 @@ void OrvoResources::removeResourceMessage(QAbstractButton* button) {
         if (!isRecordOnly(kindOf(row)))
             break;
         if (isInMenus(row))
-            showReferenceError();
+            showReferenceError(row);
         else
             deleteRecords(orvo::table::MenuResource, {m_currentKey});
     }
@@ -175,9 +177,10 @@ void OrvoResources::deleteForms() {
     if (rows.isEmpty())
         return;
     // A menu that refers to a form keeps nothing from being deleted: the engineer is told of it.
-    if (std::any_of(rows.begin(), rows.end(),
-                    [this](const QModelIndex& row) { return isInMenus(row); }))
-        showReferenceError();
+    const auto used = std::find_if(rows.begin(), rows.end(),
+                                   [this](const QModelIndex& row) { return isInMenus(row); });
+    if (used != rows.end())
+        showReferenceError(*used);
     // The tool knows forms by their names. Of two with one name it would take either; the record
     // takes what is stored for it along.
     QStringList keys;
@@ -243,6 +246,12 @@ void OrvoResources::lookUp(const char* table, int keyNumber, const QString& key,
     use(tool.result);
 }
 
-void OrvoResources::showReferenceError() {
+/// The places are named in the box, and listed where each can be opened.
+void OrvoResources::showReferenceError(const QModelIndex& row) {
+    const QString what = describe(row);
+    const QString key = keyOf(row);
     refuse(tr("Выполнение операции невозможно, так как на ресурс есть ссылки из меню."));
+    if (showUses(orvo::table::MenuResource, key, false))
+        nameUsesInBox(orvo::table::MenuResource, {key},
+                      tr("%1. Каждое место открывается из панели «Где используется».").arg(what));
 }

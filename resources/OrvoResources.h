@@ -110,6 +110,7 @@ protected:
     QString m_currentKey;                          ///< key of the current row of tvRes
     const QString& m_editKey = m_edit.key();       ///< key of the row that is edited
     const QPersistentModelIndex& m_newItemIndex = m_edit.newRow(); ///< invalid once it is gone
+    std::unique_ptr<QObject> m_passportUses; ///< while the passport tells where it is used
     std::unique_ptr<Ui_OrvoResources> m_ui;
 
     // Start and views
@@ -295,6 +296,8 @@ private:
     void showPassport(const QModelIndex& index);
     void addPassportRows(const QModelIndex& index);
     /// A category for each stored file of a tool's reply.
+    /// Adds where the resource of the row is used, and keeps that as it is.
+    void addUses(const QModelIndex& index);
     void addFileRows(const CMDArray& files, const QString& timeFormat);
     /// A time of the server, in local time; a null string for NULL.
     QString timeText(const MDRData* record, MDRField field, const QString& format) const;
@@ -334,7 +337,7 @@ private:
     void deleteFiles();
     /// Whether elements of any menu start that resource; asks the server. The log names them.
     bool isInMenus(const QModelIndex& row);
-    void showReferenceError();
+    void showReferenceError(const QModelIndex& row);
 
     // Upload
     /// The name filter of the dialog that asks for forms.

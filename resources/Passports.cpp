@@ -30,10 +30,32 @@ void expandTopRows(QTreeView* view) {
 } // namespace
 
 void OrvoResources::showPassport(const QModelIndex& index) {
-    if (orvo::resources::isFolder(index))
+    m_passportUses.reset();
+    if (orvo::resources::isFolder(index)) {
         loadFolderPassport(index);
-    else
+    } else {
         loadItemPassport(index);
+        addUses(index);
+    }
+}
+
+void OrvoResources::addUses(const QModelIndex& index) {
+    if (!index.isValid() || index.siblingAtColumn(ResColumn::IsNew).data().toBool())
+        return;
+    const QString key = orvo::resources::textAt(index, ResColumn::KeyLink);
+    m_passportUses =
+        watchUses(orvo::table::MenuResource, {key}, [this, key](const orvo::UsesAnswer& answer) {
+            // The passport may have been emptied since.
+            if (!answer.isKnown || m_propModel->rowCount() == 0 || m_currentKey != key)
+                return;
+            const QString row = QStringLiteral("uses");
+            if (m_propModel->findIndexByKey(row).isValid())
+                m_propModel->setRowValue(row, answer.words);
+            else
+                m_ui->tvProp->expand(orvo::addPassportCategory(
+                    *m_propModel, QStringLiteral("usesGroup"), tr("где используется"),
+                    {{row, tr("в меню"), MyEditorLine, true, answer.words}}));
+        });
 }
 
 void OrvoResources::addPassportRows(const QModelIndex& index) {

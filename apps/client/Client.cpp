@@ -19,6 +19,7 @@
 #include "apps/client/WindowMemory.h"
 #include "apps/client/Workplace.h"
 #include "apps/client/find/FindCommands.h"
+#include "apps/client/find/UsesCommands.h"
 #include "apps/client/problems/ProblemsPane.h"
 #include "apps/client/start/StorePage.h"
 
@@ -303,6 +304,7 @@ void Client::fail(const QString& place, const QString& text) {
 void Client::stop() {
     m_presence.reset();
     m_find.reset();
+    m_uses.reset();
     delete std::exchange(m_problemsPane, nullptr); // it works with the next
     m_problems.reset();
     m_catalogue.reset();

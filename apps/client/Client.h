@@ -35,6 +35,7 @@ class Launcher;
 class MainWindow;
 class ProblemsFeed;
 class ProblemsPane;
+class UsesCommands;
 class WaitDialogController;
 class PresenceView;
 class Screenshot;
@@ -118,7 +119,8 @@ private:
     std::unique_ptr<catalogue::LiveCatalogue> m_catalogue;
     std::unique_ptr<ProblemsFeed> m_problems;
     ProblemsPane* m_problemsPane = nullptr; ///< child of the window
-    std::unique_ptr<FindCommands> m_find;   ///< works with the catalogue
+    std::unique_ptr<FindCommands> m_find;   ///< works with the catalogue, as the next
+    std::unique_ptr<UsesCommands> m_uses;
     std::unique_ptr<COrvoCliMod> m_logModule;
     client::ModuleRegistry m_modules;
     bool m_outdated = false; ///< a call failed for want of the server: the editors may not show it

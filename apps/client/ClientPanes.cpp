@@ -2,6 +2,7 @@
 #include "apps/client/Client.h"
 #include "apps/client/FileMirror.h"
 #include "apps/client/HistoryCommands.h"
+#include "apps/client/HistoryPane.h"
 #include "apps/client/Launcher.h"
 #include "apps/client/LogPane.h"
 #include "apps/client/MainWindow.h"
@@ -9,6 +10,7 @@
 #include "apps/client/StatusLine.h"
 #include "apps/client/UnwrittenPane.h"
 #include "apps/client/find/FindCommands.h"
+#include "apps/client/find/UsesCommands.h"
 #include "apps/client/problems/ProblemsPane.h"
 #include "frame/Keys.h"
 #include "platform/store/StoreUrl.h"
@@ -99,10 +101,24 @@ void Client::makeProblems() {
     QTimer::singleShot(startAfterMs, m_catalogue.get(), &catalogue::LiveCatalogue::start);
 }
 
-/// Its search hears of the catalogue before that is loaded.
+/// Searching and what is used where. The search hears of the catalogue before that is loaded.
 void Client::makeFind() {
     m_find = std::make_unique<FindCommands>(*m_catalogue, *m_window, *m_history);
     connect(m_pump.get(), &client::NotificationPump::changed, m_find.get(), &FindCommands::changed);
+    m_uses = std::make_unique<UsesCommands>(*m_catalogue, *m_window, m_app, m_history->jump());
+    connect(m_pump.get(), &client::NotificationPump::changed, m_uses.get(), &UsesCommands::changed);
+    connect(m_find.get(), &FindCommands::usesRequested, m_uses.get(),
+            [this](const catalogue::Found& found) {
+                m_uses->show({found.table, found.key});
+            });
+    connect(&m_history->pane(), &HistoryPane::usesRequested, m_uses.get(),
+            [this](const QString& table, const QString& key, const QString& login) {
+                m_uses->show({table, key, login});
+            });
+    connect(m_problemsPane, &ProblemsPane::usesRequested, m_uses.get(),
+            [this](const QString& table, const QString& key) {
+                m_uses->show({table, key});
+            });
 }
 
 /// What is not written has a pane that comes up by itself, now and whenever something is added.

@@ -14,6 +14,7 @@ const std::vector<PaneChapter>& paneChapters() {
     static const std::vector<PaneChapter> all = {
         {"", "treeSearch", "search"},
         {"", "findPane", "find"},
+        {"", "usesPane", "uses"},
         {"OrvoMenu", "CPopObjectList", "desktop"},
         {"OrvoMenu", "tvDesck", "desktop"},
         {"OrvoMenu", "tvMenu", "order"},

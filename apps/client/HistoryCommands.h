@@ -45,6 +45,7 @@ public:
 
     /// Shows a record.
     RecordJump& jump() { return m_jump; }
+    HistoryPane& pane() { return *m_pane; }
     /// Opens the pane with what that user did.
     void showActionsOf(const QString& login);
 

@@ -1,5 +1,6 @@
 #include "apps/client/HistoryPane.h"
 
+#include "apps/client/HostApp.h"
 #include "apps/client/Look.h"
 #include "frame/Vocabulary.h"
 #include "history/BackTo.h"
@@ -393,6 +394,15 @@ void HistoryPane::showContextMenu(const QPoint& point) {
     add(QStringLiteral("История этого рабочего стола"), !record.desktop.empty(), [this, record] {
         setScope({{table::MenuFolder, record.desktop, record.desktop}, true});
     });
+    const QString table = QString::fromStdString(record.table);
+    if (const QString uses = usesEntry(table); !uses.isEmpty() && !record.key.empty())
+        add(uses, true, [this, table, key = QString::fromStdString(record.key)] {
+            emit usesRequested(table, key, {});
+        });
+    add(QStringLiteral("Что заблокировано этим человеком"), true,
+        [this, login = QString::fromStdString(action->login)] {
+            emit usesRequested(QLatin1String(table::Users), {}, login);
+        });
     add(QStringLiteral("Только этот человек"), true,
         [this, login = QString::fromStdString(action->login), who = action->who] {
             chooseUser(login, who);

@@ -36,6 +36,8 @@ public:
     void clearFilters();
 
 signals:
+    /// Where that record is used is wanted; of a person by his login.
+    void usesRequested(const QString& table, const QString& key, const QString& login);
     void showRequested(const QString& table, const QString& key, const QString& desktop);
     void revertRequested(const orvo::app::Reverter::Request& request);
     void failed(const QString& text);

@@ -32,6 +32,14 @@ bool isFixedKey(const QString& key) {
 
 } // namespace
 
+QString usesEntry(const QString& table) {
+    if (table == QLatin1String(table::MenuResource))
+        return QStringLiteral("Где используется");
+    if (table == QLatin1String(table::Menu))
+        return QStringLiteral("Где используется ресурс");
+    return table == QLatin1String(table::Users) ? QStringLiteral("Что заблокировано") : QString();
+}
+
 void HostApp::log(int level, const QString& place, const QString& text) {
     emit logged(level, place, text);
 }
@@ -62,6 +70,14 @@ void HostApp::addRecordActions(QMenu* menu, const QString& table, const QString&
             [this, key] { emit versionsRequested(key); }, Qt::QueuedConnection);
     else
         add(QStringLiteral("История со всем, что внутри"), true);
+    if (const QString uses = usesEntry(table); !uses.isEmpty())
+        connect(
+            menu->addAction(uses), &QAction::triggered, this,
+            [this, table, key] {
+                ShowUsesRequest request{table, key};
+                emit showUsesRequested(&request);
+            },
+            Qt::QueuedConnection);
 }
 
 QStringList HostApp::markedRecords() const {
@@ -88,6 +104,10 @@ void HostApp::moduleCall(COrvoCliMod* module, int code, void* data) {
         return emit previewEdited(*static_cast<PreviewEdit*>(data));
     if (data && code == callLog)
         return emit logRequested(static_cast<LogRequest*>(data));
+    if (data && code == callUses)
+        return emit usesRequested(static_cast<UsesRequest*>(data));
+    if (data && code == callShowUses)
+        return emit showUsesRequested(static_cast<ShowUsesRequest*>(data));
     if (data && code == callHandbook)
         return emit handbookRequested(static_cast<HandbookRequest*>(data));
     const auto* block = static_cast<const RunBlock*>(data);

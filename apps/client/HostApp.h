@@ -11,6 +11,10 @@
 
 namespace orvo::app {
 
+/// The entry of context menus that shows where records of that table are used; empty for tables of
+/// which nothing is used anywhere.
+QString usesEntry(const QString& table);
+
 class HostApp : public QObject, public COrvoCliApp {
     Q_OBJECT
 public:
@@ -45,6 +49,8 @@ signals:
     void previewRequested(orvo::PreviewRequest* request);
     void previewEdited(const orvo::PreviewEdit& edit);
     void logRequested(orvo::LogRequest* request);
+    void usesRequested(orvo::UsesRequest* request);
+    void showUsesRequested(orvo::ShowUsesRequest* request);
 
 private:
     Marks m_marks;

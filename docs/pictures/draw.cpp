@@ -181,6 +181,12 @@ int main(int argc, char* argv[]) {
     hands::key("Home");
     painter.take("problems.png");
     hands::key("F8");
+
+    painter.choose("КС-1: агрегаты");
+    hands::key("F9");
+    painter.need(painter.scene().waitFor(
+        "its places are listed", [&] { return !painter.client().tree("usesList").rows.empty(); }));
+    painter.take("uses.png");
     drawDesktops(painter);
     return 0;
 }

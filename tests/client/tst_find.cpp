@@ -1,7 +1,7 @@
 // "Найти всё": what is typed is found while it is typed, and chosen takes one there.
 #include "apps/client/HistoryPane.h"
 #include "apps/client/find/FindPane.h"
-#include "tests/client/RunningClient.h"
+#include "tests/client/FindFixture.h"
 
 #include <QAbstractItemModelTester>
 #include <QComboBox>
@@ -15,41 +15,7 @@ using app::FindModel;
 
 namespace {
 
-/// Letters of any alphabet, which QTest's own key clicks have not.
-void keyClicks(QWidget* widget, const QString& text) {
-    for (const QChar letter : text) {
-        QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(letter));
-        QApplication::sendEvent(widget, &press);
-    }
-}
-
-struct Fixture : RunningClient {
-    Fixture() { activate(); }
-    void activate() const {
-        client->window()->activateWindow();
-        if (!QTest::qWaitForWindowActive(client->window()))
-            qWarning("the window is not active");
-    }
-    /// What is written is there when the editors open.
-    template <class Write>
-    void beforeTheStart(const Write& write) {
-        stop();
-        write();
-        start();
-        activate();
-    }
-    void addModules(int count) {
-        otherWrites(MDX_INSERT, {{"KeyLink", "rf"}, {"caption", "модули"}, {"type_", "1"}},
-                    "MenuResourceFolder");
-        for (int i = 1; i <= count; ++i)
-            otherWrites(MDX_INSERT,
-                        {{"KeyLink", "r" + std::to_string(i)},
-                         {"caption", "Тренд " + std::to_string(i)},
-                         {"name_", "Trends" + std::to_string(i)},
-                         {"type_", "1"},
-                         {"MenuResourceFolderKey", "rf"}},
-                        "MenuResource");
-    }
+struct Fixture : FindFixture {
     app::FindPane* pane() const { return child<app::FindPane>("findPane"); }
     QTreeView* list() const { return child<QTreeView>("findList"); }
     QLineEdit* line() const { return child<QLineEdit>("findText"); }
@@ -69,13 +35,6 @@ struct Fixture : RunningClient {
             all << list()->model()->index(row, FindModel::Name).data().toString() + '|' +
                        list()->model()->index(row, FindModel::Path).data().toString();
         return all;
-    }
-    QString currentElement() const {
-        return view("tvMenu")
-            ->currentIndex()
-            .sibling(view("tvMenu")->currentIndex().row(), 0)
-            .data()
-            .toString();
     }
 };
 

@@ -394,7 +394,7 @@ private slots:
         host->addRecordActions(&menu, "Menu", "MenuRootNode");
         QVERIFY(menu.actions().isEmpty());
         host->addRecordActions(&menu, "Menu", "c");
-        QCOMPARE(menu.actions().size(), 3);
+        QCOMPARE(menu.actions().size(), 4);
         menu.actions()[1]->trigger();
         QTRY_VERIFY(fixture.dock()->isVisible());
         QTRY_COMPARE(fixture.all(), QStringList("Создан элемент меню «в»"));

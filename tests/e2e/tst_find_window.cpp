@@ -68,6 +68,29 @@ private slots:
         DO(layout("us"));
     }
 
+    void whereAFormIsUsedIsListedAndEachPlaceIsAStepAway() {
+        DO(hands::key("ctrl+k"));
+        SOON(isUp("findNote"));
+        DO(hands::type("lch_krany 0-118"));
+        SOON(found().contains("Крановые узлы км 0-118"));
+        DO(m_scene->clickRow(left(), "findList", "Крановые узлы км 0-118"));
+        SOON(current(left(), "tvRes") == "Крановые узлы км 0-118");
+        SOON(left().tree("tvRes").focus);
+        DO(hands::key("F9"));
+        SOON(left().tree("usesList").rows.size() == 4);
+        SOON(left().tree("usesList").focus);
+        take("uses");
+        DO(hands::key("End"));
+        DO(hands::key("Return"));
+        SOON(current(left(), "tvMenu") == "Крановые узлы");
+        DO(hands::key("F9")); // of the element, too
+        SOON(left().tree("usesList").focus);
+        QCOMPARE(left().tree("usesList").rows.size(), size_t(4));
+        QVERIFY(
+            another("delete from Menu where caption = " + quoted(QStringLiteral("Крановые узлы"))));
+        SOON(left().tree("usesList").rows.empty());
+    }
+
     void theClientSaidNothing() {
         QCOMPARE(left().failure(), QString());
         QVERIFY(left().isRunning());

@@ -20,6 +20,7 @@ FindCommands::FindCommands(catalogue::LiveCatalogue& live, MainWindow& window,
     live.addListener(search);
     m_pane = new FindPane(live, search, &window);
     connect(m_pane, &FindPane::chosen, this, &FindCommands::show);
+    connect(m_pane, &FindPane::usesRequested, this, &FindCommands::usesRequested);
     connect(window.addCommand(keys::findAll, window.goMenu()), &QAction::triggered, m_pane,
             &FindPane::open);
     qApp->installEventFilter(this);

@@ -23,6 +23,9 @@ public:
     /// A change of the store.
     void changed() const;
 
+signals:
+    void usesRequested(const orvo::catalogue::Found& found);
+
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 

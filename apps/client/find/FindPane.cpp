@@ -1,6 +1,8 @@
 #include "apps/client/find/FindPane.h"
 
+#include "apps/client/HostApp.h"
 #include "apps/client/Look.h"
+#include "frame/Keys.h"
 #include "frame/Vocabulary.h"
 
 #include <QApplication>
@@ -9,6 +11,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QLocale>
+#include <QMenu>
 #include <QTreeView>
 #include <QVBoxLayout>
 
@@ -64,6 +67,8 @@ FindPane::FindPane(catalogue::LiveCatalogue& live, std::shared_ptr<catalogue::Se
         this->search(); // not the parameter
     });
     connect(m_view, &QTreeView::clicked, this, &FindPane::choose);
+    m_view->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(m_view, &QTreeView::customContextMenuRequested, this, &FindPane::showContextMenu);
     connect(&m_live, &catalogue::LiveCatalogue::loaded, this, &FindPane::outdate);
     connect(&m_live, &catalogue::LiveCatalogue::failed, this, [this](const QString& text) {
         m_note->setText(QStringLiteral("Записи не прочитаны: %1").arg(clipped(text)));
@@ -218,11 +223,43 @@ void FindPane::choose() {
     emit chosen(copy);
 }
 
+void FindPane::askForUses() {
+    const catalogue::Found* found = m_model.at(m_view->currentIndex().row());
+    if (!found || usesEntry(found->table).isEmpty())
+        return;
+    const catalogue::Found copy = *found;
+    dismiss();
+    emit usesRequested(copy);
+}
+
+void FindPane::showContextMenu(const QPoint& point) {
+    const catalogue::Found* found = m_model.at(m_view->indexAt(point).row());
+    if (!found)
+        return;
+    m_view->setCurrentIndex(m_view->indexAt(point));
+    QMenu menu;
+    const auto add = [&](const QString& text, const QKeySequence& key, void (FindPane::*run)()) {
+        QAction* action = menu.addAction(text);
+        action->setShortcut(key);
+        // Queued: the menu is closed before anything else comes up.
+        connect(action, &QAction::triggered, this, run, Qt::QueuedConnection);
+    };
+    add(QStringLiteral("Открыть"), QKeySequence(Qt::Key_Return), &FindPane::choose);
+    if (const QString uses = usesEntry(found->table); !uses.isEmpty())
+        add(uses, keys::sequences(*keys::command(QLatin1String(keys::uses))).first(),
+            &FindPane::askForUses);
+    menu.exec(m_view->viewport()->mapToGlobal(point));
+}
+
 // ---------------------------------------------------------------------------------------------
 // Keys and focus
 
-bool FindPane::takeKey(int key) {
-    switch (key) {
+bool FindPane::takeKey(const QKeyEvent& event) {
+    if (keys::matches(event, *keys::command(QLatin1String(keys::uses)))) {
+        askForUses();
+        return true;
+    }
+    switch (event.key()) {
     case Qt::Key_Escape:
         dismiss();
         return true;
@@ -248,7 +285,7 @@ bool FindPane::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::KeyPress)
         return QFrame::eventFilter(watched, event);
     auto* press = static_cast<QKeyEvent*>(event);
-    if (takeKey(press->key()))
+    if (takeKey(*press))
         return true;
     const bool moves = press->key() == Qt::Key_Up || press->key() == Qt::Key_Down ||
                        press->key() == Qt::Key_PageUp || press->key() == Qt::Key_PageDown;

@@ -39,6 +39,8 @@ public:
 
 signals:
     void chosen(const orvo::catalogue::Found& found);
+    /// Where that is used is wanted.
+    void usesRequested(const orvo::catalogue::Found& found);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -50,7 +52,9 @@ private:
     void note(const catalogue::Findings& findings, bool lost);
     void choose();
     void focusMoved(QWidget* now);
-    bool takeKey(int key);
+    bool takeKey(const QKeyEvent& event);
+    void askForUses();
+    void showContextMenu(const QPoint& point);
 
     catalogue::LiveCatalogue& m_live;
     const std::shared_ptr<catalogue::Search> m_search; ///< used in the thread of the catalogue

@@ -1,4 +1,5 @@
 #include "apps/client/problems/ProblemsPane.h"
+#include "apps/client/HostApp.h"
 
 #include "apps/client/Look.h"
 
@@ -150,7 +151,8 @@ void ProblemsPane::cureSelected() {
 }
 
 void ProblemsPane::showContextMenu(const QPoint& point) {
-    if (!rowAt(m_view->currentIndex()))
+    const ProblemRow* row = rowAt(m_view->currentIndex());
+    if (!row)
         return;
     QMenu menu;
     const auto add = [&](const QPushButton* button, const QKeySequence& key,
@@ -163,6 +165,14 @@ void ProblemsPane::showContextMenu(const QPoint& point) {
     };
     add(m_show, QKeySequence(Qt::Key_Return), &ProblemsPane::showCurrent);
     add(m_cure, QKeySequence(int(Qt::CTRL) + Qt::Key_Return), &ProblemsPane::cureSelected);
+    const QString table = QLatin1String(row->finding.table->name);
+    if (const QString uses = usesEntry(table); !uses.isEmpty() && !row->finding.key.empty())
+        connect(
+            menu.addAction(uses), &QAction::triggered, this,
+            [this, table, key = QString::fromStdString(row->finding.key)] {
+                emit usesRequested(table, key);
+            },
+            Qt::QueuedConnection);
     menu.exec(m_view->viewport()->mapToGlobal(point));
 }
 

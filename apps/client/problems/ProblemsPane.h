@@ -26,6 +26,8 @@ public:
 
 signals:
     void showRequested(const QString& table, const QString& key, const QString& desktop);
+    /// Where that record is used is wanted.
+    void usesRequested(const QString& table, const QString& key);
 
 private:
     void makeView();
