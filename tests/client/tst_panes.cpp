@@ -88,6 +88,30 @@ private slots:
         QCOMPARE(button->text().size(), length);
     }
 
+    void aFailureThatDoesNotFitIsShownWholeByAClick() {
+        MainWindow window("store", "user");
+        window.resize(900, 500);
+        window.show();
+        auto* button = window.findChild<QToolButton*>("failureButton");
+        const auto whole = [&] { return window.findChild<QLabel*>("wholeFailure"); };
+        window.statusLine()->setFailure("short");
+        button->click();
+        QVERIFY(!whole() || !whole()->isVisible());
+
+        const QString text = QString("<b>long</b> ").repeated(60) + "end";
+        window.statusLine()->setFailure(text);
+        QVERIFY(!button->text().contains("end"));
+        button->click();
+        QVERIFY(!button->isVisible());
+        QVERIFY(whole() && whole()->isVisible());
+        QCOMPARE(whole()->text(), text);
+        QCOMPARE(whole()->textFormat(), Qt::PlainText);
+        QVERIFY(window.rect().contains(whole()->geometry()));
+        QVERIFY(whole()->height() >= whole()->heightForWidth(whole()->width()));
+        QTest::mouseClick(whole(), Qt::LeftButton);
+        QVERIFY(!whole()->isVisible());
+    }
+
     void theStatusLineShowsStoreUserAndConnection() {
         StatusLine line("/tmp/<x>.db", "ivanov");
         QVERIFY(line.findChild<QLabel*>("storeLabel")->text().contains("/tmp/<x>.db"));

@@ -1,0 +1,130 @@
+// Where the keyboard goes in the client's window, that one sees where it is, and what small things
+// the window does with room.
+#include "apps/client/FocusMark.h"
+#include "tests/client/RunningClient.h"
+
+#include <QHeaderView>
+#include <QImage>
+#include <QTabWidget>
+#include <QToolButton>
+
+using namespace orvo;
+using namespace orvo::test;
+
+namespace {
+
+struct Fixture : RunningClient {
+    bool show(const char* editor) {
+        client->window()->activateWindow();
+        if (!QTest::qWaitForWindowActive(client->window()))
+            return false;
+        client->window()->showPage(module(editor));
+        return true;
+    }
+    QTreeView* tree(const char* editor, const char* name) const {
+        return module(editor)->findChild<QTreeView*>(QString::fromLatin1(name));
+    }
+    /// A part by its name, a button by its text, a value of a passport by its row.
+    static QString nameOf(const QWidget* focus) {
+        for (const QWidget* up = focus; up; up = up->parentWidget())
+            if (const auto* passport = qobject_cast<const QTreeView*>(up);
+                passport && passport->objectName() == "tvProp")
+                return "tvProp:" + passport->currentIndex().siblingAtColumn(4).data().toString();
+        if (const auto* button = qobject_cast<const QToolButton*>(focus);
+            button && !button->text().isEmpty())
+            return button->text();
+        if (!focus->accessibleName().isEmpty() && !qobject_cast<const QTreeView*>(focus))
+            return focus->accessibleName();
+        return focus->objectName().isEmpty() ? focus->metaObject()->className()
+                                             : focus->objectName();
+    }
+    /// What Tab comes to, until it is back at the first.
+    static QString walk(QWidget* first, Qt::Key key) {
+        first->setFocus(Qt::TabFocusReason);
+        QStringList names;
+        for (int i = 0; i < 40; ++i) {
+            QWidget* focus = QApplication::focusWidget();
+            names << nameOf(focus);
+            QTest::keyClick(focus, key);
+            if (QApplication::focusWidget() == first)
+                break;
+        }
+        return names.join(", ");
+    }
+};
+
+/// How many pixels along the edges of a part have the colour of the frame.
+int framePixels(QWidget* part) {
+    const QImage image = part->grab().toImage();
+    int count = 0;
+    for (int x = 0; x < image.width(); ++x)
+        for (int y : {0, image.height() - 1})
+            count += image.pixelColor(x, y) == QColor(0x2f, 0x6f, 0xb0) ? 1 : 0;
+    return count;
+}
+
+} // namespace
+
+class TestFocus : public QObject {
+    Q_OBJECT
+private slots:
+    void initTestCase() { app::FocusMark::follow(); }
+
+    void tabGoesThroughTheMenuEditorFromLeftToRight() {
+        Fixture fixture;
+        QVERIFY(fixture.show("Menu"));
+        fixture.client->window()->resize(1600, 900);
+        QTreeView* menu = fixture.tree("Menu", "tvMenu");
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г"));
+        menu->setCurrentIndex(menu->model()->index(0, 0, menu->model()->index(0, 0)));
+        QTreeView* first = fixture.tree("Menu", "tvDesck");
+        QCOMPARE(Fixture::walk(first, Qt::Key_Tab),
+                 QString("tvDesck, tvMenu, tvProp:name, tvProp:icon, tvProp:separator, Создать, "
+                         "Новый элемент, qt_tabwidget_tabbar, logPane, QTabBar"));
+        QCOMPARE(Fixture::walk(first, Qt::Key_Backtab),
+                 QString("tvDesck, QTabBar, logPane, qt_tabwidget_tabbar, Новый элемент, Создать, "
+                         "tvProp:separator, tvProp:icon, tvProp:name, tvProp:name, tvMenu"));
+    }
+
+    void tabGoesThroughTheResourceEditorFromLeftToRight() {
+        Fixture fixture;
+        QVERIFY(fixture.show("Resources"));
+        fixture.client->window()->resize(1600, 900);
+        QTreeView* first = fixture.tree("Resources", "tvRes");
+        QCOMPARE(Fixture::walk(first, Qt::Key_Tab),
+                 QString("tvRes, tvProp:caption, Создать, Поиск в каталоге, Следующее найденное, "
+                         "Предыдущее найденное, qt_tabwidget_tabbar, logPane, QTabBar"));
+        QCOMPARE(Fixture::walk(first, Qt::Key_Backtab),
+                 QString("tvRes, QTabBar, logPane, qt_tabwidget_tabbar, Предыдущее найденное, "
+                         "Следующее найденное, Поиск в каталоге, Создать, tvProp:caption"));
+    }
+
+    void aFrameShowsWhichTreeHasTheFocus() {
+        Fixture fixture;
+        QVERIFY(fixture.show("Menu"));
+        const QStringList names{"tvDesck", "tvMenu", "tvProp"};
+        for (const QString& focused : names) {
+            fixture.tree("Menu", qPrintable(focused))->setFocus();
+            for (const QString& name : names) {
+                QTreeView* tree = fixture.tree("Menu", qPrintable(name));
+                QVERIFY2((framePixels(tree) > tree->width()) == (name == focused),
+                         qPrintable(focused + ' ' + name));
+            }
+        }
+    }
+
+    void theColumnsOfTheLockAreSeenAtFirst() {
+        Fixture fixture;
+        QVERIFY(fixture.show("Resources"));
+        const QTreeView* tree = fixture.tree("Resources", "tvRes");
+        const QHeaderView* header = tree->header();
+        QTRY_VERIFY(header->length() <= tree->viewport()->width());
+        for (int column = 0; column < header->count(); ++column)
+            if (!header->isSectionHidden(column))
+                QVERIFY2(header->sectionSize(column) >= header->sectionSizeHint(column),
+                         qPrintable(QString::number(column)));
+    }
+};
+
+QTEST_MAIN(TestFocus)
+#include "tst_focus.moc"
