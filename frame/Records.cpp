@@ -159,7 +159,15 @@ bool isNull(const MDRData* record, MDRField field) {
 }
 
 bool holdsText(const MDRData* record, MDRField field, const QString& text) {
-    return sameText(textOf(record, field), text);
+    // The same letters are the usual case, of a walk over a group, and are seen without a copy.
+    const MDRVar value = valueOf(record, field);
+    const char* bytes = value.type == MDX_TEXT ? value.value.text.pointer : nullptr;
+    const CodePage& page = codePage();
+    int at = 0;
+    for (; bytes && *bytes && at < text.size(); ++bytes, ++at)
+        if (page.toText[static_cast<unsigned char>(*bytes)] != text[at])
+            return sameText(textOf(record, field), text);
+    return at == text.size() && (!bytes || !*bytes);
 }
 
 bool isEmptyText(const MDRData* record, MDRField field) {

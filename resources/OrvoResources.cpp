@@ -161,13 +161,20 @@ bool OrvoResources::fetchUser() {
 
 void OrvoResources::findOrphans() {
     constexpr int form = orvo::Kind::Form;
+    // The forms of a folder follow each other.
+    QByteArray folder;
+    bool isThere = false;
     orvo::walkGroup(m_tabResource, 1, KeyValues().integer(form), [&](const MDRData* record) {
         if (orvo::integerOf(record, orvo::field::type_) != form)
             return false;
-        const bool hasFolder =
-            orvo::isNull(record, orvo::field::MenuResourceFolderKey) ||
-            orvo::seekKey(m_tabResFolder, orvo::textOf(record, orvo::field::MenuResourceFolderKey));
-        if (!hasFolder)
+        if (orvo::isNull(record, orvo::field::MenuResourceFolderKey))
+            return true;
+        const QByteArray key = orvo::bytesOf(record, orvo::field::MenuResourceFolderKey);
+        if (folder.isNull() || key != folder) {
+            folder = key;
+            isThere = orvo::seekKey(m_tabResFolder, orvo::fromRecord(key.constData())) != nullptr;
+        }
+        if (!isThere)
             orvo::RowWriter(m_tabOrphans, MDARecNew(m_tabOrphans.array)).copyAll(record);
         return true;
     });

@@ -160,7 +160,12 @@ private slots:
         QCOMPARE(integerOf(record, "order_"), -7);
         QVERIFY(flagOf(record, "flag"));
         QVERIFY(holdsText(record, "caption", "НАСОС"));
-        QVERIFY(!holdsText(record, "caption", "нос"));
+        QVERIFY(holdsText(record, "caption", "Насос"));
+        for (const char* other : {"нос", "Насо", "Насосы", "насосы", ""})
+            QVERIFY(!holdsText(record, "caption", other));
+        QVERIFY(!holdsText(record, "caption", QString("Насос") + QChar(0)));
+        QVERIFY(holdsText(record, "nothing", QString()));
+        QVERIFY(!holdsText(record, "nothing", "Насос"));
     }
 
     void whatIsNotThereReadsAsEmpty() {
