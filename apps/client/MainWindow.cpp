@@ -12,12 +12,14 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDockWidget>
+#include <QElapsedTimer>
 #include <QMenuBar>
 #include <QScreen>
 #include <QShortcut>
 #include <QShowEvent>
 #include <QThread>
 #include <QTimer>
+#include <QWindow>
 
 #include <algorithm>
 
@@ -150,6 +152,19 @@ void MainWindow::setTitle(QWidget* page, const QString& title) {
         setWindowTitle(QStringLiteral("Orvo — %1").arg(oneLine(title)));
 }
 
+void MainWindow::paintNow() {
+    constexpr int patienceMs = 500;
+    m_isPainting = true;
+    QElapsedTimer waited;
+    waited.start();
+    while (windowHandle() && !windowHandle()->isExposed() && waited.elapsed() < patienceMs) {
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        QThread::msleep(1);
+    }
+    repaint();
+    m_isPainting = false;
+}
+
 void MainWindow::bringForward() {
     if (isMinimized())
         showNormal();
@@ -212,7 +227,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
         return;
     }
     // A module whose slot runs a menu or a dialog cannot go before that slot has returned.
-    if (QThread::currentThread()->loopLevel() > 1) {
+    if (m_isPainting || QThread::currentThread()->loopLevel() > 1) {
         event->ignore();
         if (QWidget* popup = QApplication::activePopupWidget())
             popup->close();

@@ -62,6 +62,9 @@ public:
     QAction* addCommand(const char* id, QMenu* menu, bool always = false);
     /// Of what is in a tab or in the pane of a desktop.
     void setTitle(QWidget* page, const QString& title);
+    /// Has the window painted before this returns, unless the window system takes too long. After
+    /// show: what follows may keep the event loop waiting. Takes no input, and does not close.
+    void paintNow();
     /// In front of other windows, or marked in the task bar where the desktop does not want that.
     void bringForward();
     /// A message over the whole window; returns at once.
@@ -129,6 +132,7 @@ private:
     bool m_closesNow = false;
     bool m_isWorkplace = false;
     bool m_isKiosk = false;
+    bool m_isPainting = false; ///< inside paintNow
     bool m_isPicture = false;
 };
 

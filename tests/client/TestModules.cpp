@@ -6,7 +6,9 @@
 #include <QFile>
 #include <QLabel>
 #include <QMenu>
+#include <QStatusBar>
 #include <QTimer>
+#include <QWindow>
 
 #include <cstdlib>
 #include <cstring>
@@ -30,6 +32,12 @@ public:
     bool ModuleStart() override {
         SetModTitle(QStringLiteral("Проба ") + m_moduleName, {});
         note("start");
+        if (!asked("ORVO_TEST_WINDOW").isEmpty()) {
+            const auto* line = window()->findChild<QStatusBar*>();
+            const QWindow* shown = window()->windowHandle();
+            note(shown && shown->isExposed() ? "in a window on show" : "in a window not shown");
+            note(qPrintable("told: " + line->currentMessage()));
+        }
         if (!asked("ORVO_TEST_FAIL_START").isEmpty()) {
             m_app->m_logModule->LogFile(5, "TestWindow::ModuleStart", "не вышло");
             return false;

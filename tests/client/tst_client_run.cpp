@@ -282,6 +282,18 @@ private slots:
         QVERIFY(QFileInfo::exists(shot));
     }
 
+    void theWindowIsOnShowBeforeAModuleReadsItsTables() {
+        Place place;
+        const QString life = place.dir.path() + "/life";
+        Result result =
+            place.run(place.usual({"--module", "Menu"}),
+                      {"ORVO_TEST_LIFE=" + life, "ORVO_TEST_WINDOW=1", "ORVO_TEST_CLOSE=Menu"});
+        QVERIFY2(result.code == 0, qPrintable(result.errors.join(QChar(10))));
+        QCOMPARE(linesOf(life).mid(0, 3),
+                 QStringList({"Menu start", "Menu in a window on show",
+                              "Menu told: Открываются модули: читаются таблицы…"}));
+    }
+
     void closingTheWindowStopsTheModulesInOrder() {
         Place place;
         const QString life = place.dir.path() + "/life";
