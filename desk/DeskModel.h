@@ -2,7 +2,7 @@
 #ifndef ORVO_DESK_DESKMODEL_H
 #define ORVO_DESK_DESKMODEL_H
 
-#include "models/IconCache.h"
+#include "frame/IconCache.h"
 #include "models/TabRec.h"
 #include "models/TreeModelCore.h"
 

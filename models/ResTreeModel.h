@@ -2,7 +2,7 @@
 #ifndef ORVO_MODELS_RESTREEMODEL_H
 #define ORVO_MODELS_RESTREEMODEL_H
 
-#include "models/IconCache.h"
+#include "frame/IconCache.h"
 #include "models/TabRec.h"
 #include "models/TreeModelCore.h"
 

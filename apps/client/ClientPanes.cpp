@@ -13,6 +13,7 @@
 #include "apps/client/find/UsesCommands.h"
 #include "apps/client/problems/ProblemsPane.h"
 #include "frame/Keys.h"
+#include "frame/Vocabulary.h"
 #include "platform/store/StoreUrl.h"
 
 #include <QDockWidget>
@@ -103,9 +104,12 @@ void Client::makeProblems() {
 
 /// Searching and what is used where. The search hears of the catalogue before that is loaded.
 void Client::makeFind() {
-    m_find = std::make_unique<FindCommands>(*m_catalogue, *m_window, *m_history);
+    const QString icons =
+        m_app.m_workDir + QLatin1String(mirrorPath) + QLatin1String(iconFolder) + QLatin1Char('/');
+    m_find = std::make_unique<FindCommands>(*m_catalogue, *m_window, *m_history, icons);
     connect(m_pump.get(), &client::NotificationPump::changed, m_find.get(), &FindCommands::changed);
-    m_uses = std::make_unique<UsesCommands>(*m_catalogue, *m_window, m_app, m_history->jump());
+    m_uses =
+        std::make_unique<UsesCommands>(*m_catalogue, *m_window, m_app, m_history->jump(), icons);
     connect(m_pump.get(), &client::NotificationPump::changed, m_uses.get(), &UsesCommands::changed);
     connect(m_find.get(), &FindCommands::usesRequested, m_uses.get(),
             [this](const catalogue::Found& found) {

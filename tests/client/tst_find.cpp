@@ -4,8 +4,10 @@
 #include "tests/client/FindFixture.h"
 
 #include <QAbstractItemModelTester>
+#include <QBuffer>
 #include <QComboBox>
 #include <QDockWidget>
+#include <QIcon>
 #include <QLabel>
 #include <QLineEdit>
 
@@ -147,6 +149,37 @@ private slots:
         QTRY_COMPARE(fixture.rows(), QStringList{"Кран шаровой|КС-1"});
         fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "k"}, {"caption", "Кран пробковый"}});
         QTRY_COMPARE(fixture.rows(), QStringList{"Кран пробковый|КС-1"});
+    }
+
+    void anElementIsShownWithItsIcon() {
+        Fixture fixture;
+        fixture.beforeTheStart([&] {
+            QImage red(16, 16, QImage::Format_RGB32);
+            red.fill(Qt::red);
+            QBuffer png;
+            QVERIFY(red.save(&png, "PNG"));
+            fixture.otherWrites(MDX_INSERT,
+                                {{"KeyLink", "gi"}, {"caption", "icons"}, {"type_", "4"}},
+                                "MenuResourceFolder");
+            const std::string_view bytes(png.data().constData(), size_t(png.data().size()));
+            const store::Status put =
+                fixture.host.store().filePut({{"icons", "red.png", bytes, 1000.0}});
+            QVERIFY2(put.ok(), put.text.c_str());
+            fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "c"}, {"ico", "red.png"}});
+        });
+        const auto colour = [&] {
+            const QVariant icon =
+                fixture.list()->model()->index(0, FindModel::Name).data(Qt::DecorationRole);
+            const QImage image = icon.value<QIcon>().pixmap(16, 16).toImage();
+            return image.isNull() ? QColor() : image.pixelColor(8, 8);
+        };
+        fixture.open();
+        fixture.type("кс-1 в");
+        QTRY_COMPARE(fixture.rows(), QStringList{"в|КС-1 / а / б"});
+        QTRY_COMPARE(colour(), QColor(Qt::red));
+        fixture.type("кс-1 г"); // a folder without an icon of its own
+        QTRY_COMPARE(fixture.rows(), QStringList{"г|КС-1"});
+        QVERIFY(colour().isValid() && colour() != QColor(Qt::red));
     }
 
     void enterMeansTheAnswerToWhatWasTyped() {

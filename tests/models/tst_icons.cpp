@@ -2,7 +2,7 @@
 // outside of the folder of icons is opened.
 #include "IconCheck.h"
 
-#include "models/IconCache.h"
+#include "frame/IconCache.h"
 #include "models/MenuTreeModel.h"
 
 #include <QBuffer>

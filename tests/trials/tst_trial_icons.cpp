@@ -4,8 +4,8 @@
 // ORVO_TRIAL_ROUNDS is the number of icons.
 #include "Trial.h"
 
-#include "models/IconFile.h"
 #include "models/MenuTreeModel.h"
+#include "platform/client/IconFile.h"
 
 #include <QBuffer>
 #include <QDir>

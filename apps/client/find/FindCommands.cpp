@@ -13,12 +13,12 @@
 namespace orvo::app {
 
 FindCommands::FindCommands(catalogue::LiveCatalogue& live, MainWindow& window,
-                           HistoryCommands& history)
+                           HistoryCommands& history, const QString& iconsPath)
     : m_history(history)
     , m_key(keys::command(QLatin1String(keys::findAll))) {
     const auto search = std::make_shared<catalogue::Search>();
     live.addListener(search);
-    m_pane = new FindPane(live, search, &window);
+    m_pane = new FindPane(live, search, iconsPath, &window);
     connect(m_pane, &FindPane::chosen, this, &FindCommands::show);
     connect(m_pane, &FindPane::usesRequested, this, &FindCommands::usesRequested);
     connect(window.addCommand(keys::findAll, window.goMenu()), &QAction::triggered, m_pane,

@@ -17,7 +17,8 @@ class FindCommands : public QObject {
     Q_OBJECT
 public:
     /// The catalogue is not started yet. All of these outlive the commands.
-    FindCommands(catalogue::LiveCatalogue& live, MainWindow& window, HistoryCommands& history);
+    FindCommands(catalogue::LiveCatalogue& live, MainWindow& window, HistoryCommands& history,
+                 const QString& iconsPath);
     ~FindCommands() override;
 
     /// A change of the store.

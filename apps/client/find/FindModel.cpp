@@ -5,6 +5,8 @@
 
 #include <QIcon>
 
+#include <utility>
+
 namespace orvo::app {
 
 namespace {
@@ -32,6 +34,17 @@ const char* pictureOf(const catalogue::Found& found) {
 }
 
 } // namespace
+
+FindModel::FindModel(QString iconsPath, QObject* parent)
+    : QAbstractTableModel(parent)
+    , m_iconsPath(std::move(iconsPath)) {}
+
+QVariant FindModel::picture(const catalogue::Found& found) const {
+    const bool isElement = found.table == QLatin1String(table::Menu);
+    if (isElement && !found.icon.isEmpty())
+        return m_icons.file(m_iconsPath, found.icon);
+    return m_icons.resource(QLatin1String(pictureOf(found)));
+}
 
 void FindModel::setFound(const QVector<catalogue::Found>& found) {
     beginResetModel();
@@ -69,8 +82,7 @@ QVariant FindModel::data(const QModelIndex& index, int role) const {
     case Qt::ToolTipRole:
         return plainToolTip(clipped(texts[index.column()]));
     case Qt::DecorationRole:
-        return index.column() == Name ? QVariant(QIcon(QLatin1String(pictureOf(found))))
-                                      : QVariant();
+        return index.column() == Name ? picture(found) : QVariant();
     case Qt::AccessibleTextRole: {
         // A reader of the screen is told the whole row at its first cell.
         if (index.column() != Name)

@@ -1,8 +1,10 @@
-// FindModel.h: what a search has found, a row each.
+// FindModel.h: what a search has found, a row each: with the icon that an element bears, else with
+// the picture of its kind.
 #ifndef ORVO_APPS_CLIENT_FIND_FINDMODEL_H
 #define ORVO_APPS_CLIENT_FIND_FINDMODEL_H
 
 #include "catalogue/Search.h"
+#include "frame/IconCache.h"
 
 #include <QAbstractTableModel>
 
@@ -13,7 +15,8 @@ class FindModel : public QAbstractTableModel {
 public:
     enum Column { Name, Object, Noun, Path, ColumnCount };
 
-    using QAbstractTableModel::QAbstractTableModel;
+    /// `iconsPath`: the folder of icon files, with the separator at its end.
+    explicit FindModel(QString iconsPath, QObject* parent = nullptr);
 
     void setFound(const QVector<catalogue::Found>& found);
     /// The one of that row; null for none.
@@ -27,6 +30,10 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
 private:
+    QVariant picture(const catalogue::Found& found) const;
+
+    const QString m_iconsPath;
+    mutable IconCache m_icons;
     QVector<catalogue::Found> m_found;
 };
 

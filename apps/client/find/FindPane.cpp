@@ -26,10 +26,11 @@ constexpr int againDelayMs = 300; ///< after a change of records
 } // namespace
 
 FindPane::FindPane(catalogue::LiveCatalogue& live, std::shared_ptr<catalogue::Search> search,
-                   QWidget* window)
+                   const QString& iconsPath, QWidget* window)
     : QFrame(window)
     , m_live(live)
     , m_search(std::move(search))
+    , m_model(iconsPath)
     , m_text(new QLineEdit(this))
     , m_view(new QTreeView(this))
     , m_note(new QLabel(this)) {

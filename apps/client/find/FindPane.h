@@ -26,7 +26,7 @@ public:
 
     /// The search listens to the catalogue; the catalogue outlives the pane.
     FindPane(catalogue::LiveCatalogue& live, std::shared_ptr<catalogue::Search> search,
-             QWidget* window);
+             const QString& iconsPath, QWidget* window);
     ~FindPane() override;
 
     /// Shows itself and gets the focus; the words of last time are selected.

@@ -10,10 +10,10 @@
 namespace orvo::app {
 
 UsesCommands::UsesCommands(catalogue::LiveCatalogue& live, MainWindow& window, HostApp& app,
-                           RecordJump& jump)
+                           RecordJump& jump, const QString& iconsPath)
     : m_window(window)
     , m_feed(live)
-    , m_pane(new UsesPane(m_feed)) {
+    , m_pane(new UsesPane(m_feed, iconsPath)) {
     m_window.addPane(m_pane, QStringLiteral("&Где используется"), QStringLiteral("usesDock"))
         ->setWindowTitle(QStringLiteral("Где используется"));
     connect(m_pane, &UsesPane::showRequested, &jump, &RecordJump::show);

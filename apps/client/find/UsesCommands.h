@@ -16,8 +16,8 @@ class UsesCommands : public QObject {
     Q_OBJECT
 public:
     /// All of these outlive the commands.
-    UsesCommands(catalogue::LiveCatalogue& live, MainWindow& window, HostApp& app,
-                 RecordJump& jump);
+    UsesCommands(catalogue::LiveCatalogue& live, MainWindow& window, HostApp& app, RecordJump& jump,
+                 const QString& iconsPath);
     ~UsesCommands() override;
 
     /// Opens the pane on that record.

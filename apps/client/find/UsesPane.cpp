@@ -16,9 +16,10 @@
 
 namespace orvo::app {
 
-UsesPane::UsesPane(UsesFeed& feed, QWidget* parent)
+UsesPane::UsesPane(UsesFeed& feed, const QString& iconsPath, QWidget* parent)
     : QWidget(parent)
     , m_feed(feed)
+    , m_model(iconsPath)
     , m_note(new QLabel(this))
     , m_view(new QTreeView(this))
     , m_show(new QPushButton(QStringLiteral("Показать"), this)) {

@@ -20,7 +20,7 @@ public:
     static constexpr int mostShown = 1000;
 
     /// The feed outlives it.
-    explicit UsesPane(UsesFeed& feed, QWidget* parent = nullptr);
+    UsesPane(UsesFeed& feed, const QString& iconsPath, QWidget* parent = nullptr);
     ~UsesPane() override;
 
     /// Lists where that is used from now on, while it can be seen.

@@ -1,4 +1,4 @@
-#include "models/IconFile.h"
+#include "platform/client/IconFile.h"
 
 #include <QBuffer>
 #include <QFile>

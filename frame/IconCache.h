@@ -1,6 +1,9 @@
-// IconCache.h: the icons of a model's rows, so that painting a row reads and decodes no image.
-#ifndef ORVO_MODELS_ICONCACHE_H
-#define ORVO_MODELS_ICONCACHE_H
+// IconCache.h: the icons of a model's rows, so that painting a row reads and decodes no image. The
+// host has it, for its own lists and for the trees of the modules.
+#ifndef ORVO_FRAME_ICONCACHE_H
+#define ORVO_FRAME_ICONCACHE_H
+
+#include "frame/OrvoClient.h"
 
 #include <QHash>
 #include <QIcon>
@@ -19,7 +22,7 @@ class IconLoader;
 ///
 /// Who takes the pixmap of such an icon instead of painting it cannot be told later; he waits a
 /// moment for the file.
-class IconCache {
+class ORVOCLIENT_EXPORT IconCache {
 public:
     IconCache();
     ~IconCache();

@@ -8,8 +8,8 @@
 //   2 A request is queued at most once; at most `maxQueued` wait, the latest first, since those are
 //     on the screen. One that is dropped is made again by the next paint.
 //   3 The pictures kept take at most `maxBytes`; a picture in use stays alive beyond that.
-#ifndef ORVO_MODELS_ICONLOADER_H
-#define ORVO_MODELS_ICONLOADER_H
+#ifndef ORVO_PLATFORM_CLIENT_ICONLOADER_H
+#define ORVO_PLATFORM_CLIENT_ICONLOADER_H
 
 #include <QCache>
 #include <QIcon>

@@ -1,7 +1,7 @@
-#include "models/IconCache.h"
+#include "frame/IconCache.h"
 
-#include "models/IconFile.h"
-#include "models/IconLoader.h"
+#include "platform/client/IconFile.h"
+#include "platform/client/IconLoader.h"
 
 #include <QIconEngine>
 #include <QPainter>

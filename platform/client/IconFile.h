@@ -10,8 +10,10 @@
 //   3 An SVG file is read once before it is drawn: it must be small, flat and without references
 //     to other pictures or elements.
 // All functions may be called on any thread.
-#ifndef ORVO_MODELS_ICONFILE_H
-#define ORVO_MODELS_ICONFILE_H
+#ifndef ORVO_PLATFORM_CLIENT_ICONFILE_H
+#define ORVO_PLATFORM_CLIENT_ICONFILE_H
+
+#include "frame/OrvoClient.h"
 
 #include <QByteArray>
 #include <QImage>
@@ -40,11 +42,11 @@ struct Stamp {
 /// The bytes of the file `name` below `folder`, which may be a link itself; null if rules 1 and 2
 /// forbid it or it cannot be read. If the file is still the one of `*stamp`, nothing is read and
 /// the result is null; `*stamp` then keeps its value, else it is set to what was found.
-QByteArray read(const QString& folder, const QString& name, Stamp* stamp);
+ORVOCLIENT_EXPORT QByteArray read(const QString& folder, const QString& name, Stamp* stamp);
 
 /// The picture, at most `shownSide` pixels wide and high; null if the bytes are none, or break
 /// rules 2 and 3.
-QImage decode(const QByteArray& bytes);
+ORVOCLIENT_EXPORT QImage decode(const QByteArray& bytes);
 
 } // namespace orvo::iconfile
 

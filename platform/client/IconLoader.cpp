@@ -1,6 +1,6 @@
-#include "models/IconLoader.h"
+#include "platform/client/IconLoader.h"
 
-#include "models/IconFile.h"
+#include "platform/client/IconFile.h"
 
 #include <QImage>
 #include <QPixmap>
