@@ -27,7 +27,7 @@ struct Uses {
     QVector<Found> places; ///< ordered by where they are
     int count = 0;         ///< of all places
     int desktops = 0;      ///< on so many desktops
-    int forms = 0;         ///< locked forms among the places
+    int forms = 0;         ///< resources among the places: locked, or bearing the icon
     bool operator==(const Uses&) const = default;
 };
 
