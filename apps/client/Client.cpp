@@ -156,10 +156,10 @@ void Client::show() {
     QString error;
     if (!m_mirror->start(&error))
         fail(QStringLiteral("Файловая область"), error);
-    m_window->statusLine()->showMessage(QStringLiteral("Открываются модули: читаются таблицы…"));
+    m_window->statusLine()->setBusy(QStringLiteral("Открываются модули: читаются таблицы…"));
     m_window->paintNow();
     openModules();
-    m_window->statusLine()->clearMessage();
+    m_window->statusLine()->setBusy({});
     if (isWorkplace())
         m_workplace->open(m_options.desktop);
     else

@@ -43,6 +43,7 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
     , m_connection(makeLabel({}, this))
     , m_storeLabel(makeLabel(QStringLiteral("Хранилище: %1").arg(store), this))
     , m_userLabel(makeLabel(QStringLiteral("Пользователь: %1").arg(login), this))
+    , m_busy(makeLabel({}, this))
     , m_copying(makeLabel({}, this))
     , m_held(makeLabel({}, this))
     , m_others(makeLabel({}, this))
@@ -75,6 +76,9 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
     m_problems->hide();
     connect(m_problems, &QToolButton::clicked, this, &StatusLine::problemsRequested);
     m_copying->setObjectName(QStringLiteral("copyingLabel"));
+    m_busy->setObjectName(QStringLiteral("busyLabel"));
+    addWidget(m_busy);
+    m_busy->hide();
     addWidget(m_copying);
     m_copying->hide();
     m_held->setObjectName(QStringLiteral("heldLabel"));
@@ -158,6 +162,12 @@ QString StatusLine::connection() const {
     return m_connection->text();
 }
 
+void StatusLine::setBusy(const QString& text) {
+    m_busy->setText(text);
+    m_busy->setVisible(!text.isEmpty());
+    fitFailure();
+}
+
 void StatusLine::setCopying(int done, int all) {
     const QLocale numbers;
     m_copying->setText(QStringLiteral("Копирование файлов: %1 из %2")
@@ -218,7 +228,7 @@ void StatusLine::fitFailure() {
     int taken = margins;
     for (const QWidget* one :
          std::initializer_list<const QWidget*>{m_connection, m_storeLabel, m_userLabel, m_readOnly,
-                                               m_others, m_problems, m_copying, m_held})
+                                               m_others, m_problems, m_busy, m_copying, m_held})
         taken += one->isHidden() ? 0 : one->sizeHint().width();
     const QString count = m_count > 1 ? QStringLiteral(" (всего %1)").arg(m_count) : QString();
     const QFontMetrics metrics = m_failure->fontMetrics();

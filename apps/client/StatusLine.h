@@ -18,6 +18,8 @@ public:
 
     /// Shows the state of the connection; a lost one with the time at which that was first told.
     void setConnected(bool up, const QString& reason);
+    /// Shows what keeps the window from answering; empty: nothing does.
+    void setBusy(const QString& text);
     /// Shows that so many of so many files are copied; 0 of 0: nothing of the kind.
     void setCopying(int done, int all);
     /// Shows that so many changes of others wait, and in the tool tip for what; 0: none do.
@@ -64,6 +66,7 @@ private:
     QLabel* m_connection;
     QLabel* m_storeLabel;
     QLabel* m_userLabel;
+    QLabel* m_busy;
     QLabel* m_copying;
     QLabel* m_held;
     QLabel* m_others;

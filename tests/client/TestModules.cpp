@@ -6,7 +6,6 @@
 #include <QFile>
 #include <QLabel>
 #include <QMenu>
-#include <QStatusBar>
 #include <QTimer>
 #include <QWindow>
 
@@ -33,10 +32,10 @@ public:
         SetModTitle(QStringLiteral("Проба ") + m_moduleName, {});
         note("start");
         if (!asked("ORVO_TEST_WINDOW").isEmpty()) {
-            const auto* line = window()->findChild<QStatusBar*>();
+            const auto* busy = window()->findChild<QLabel*>("busyLabel");
             const QWindow* shown = window()->windowHandle();
             note(shown && shown->isExposed() ? "in a window on show" : "in a window not shown");
-            note(qPrintable("told: " + line->currentMessage()));
+            note(qPrintable("told: " + (busy->isVisible() ? busy->text() : QString())));
         }
         if (!asked("ORVO_TEST_FAIL_START").isEmpty()) {
             m_app->m_logModule->LogFile(5, "TestWindow::ModuleStart", "не вышло");
