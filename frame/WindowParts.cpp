@@ -95,7 +95,7 @@ QToolButton* makeToolButton(QWidget* owner, const char* imageName, const QString
     return button;
 }
 
-QMenu* addInstantMenu(QToolButton* button, std::initializer_list<QAction*> actions) {
+QMenu* addInstantMenu(QToolButton* button, const QList<QAction*>& actions) {
     auto* menu = new QMenu(button);
     for (QAction* action : actions)
         menu->addAction(action);
@@ -146,7 +146,7 @@ void keepFromWriting(QTreeView* view) {
     view->setAcceptDrops(false);
 }
 
-void keepOff(std::initializer_list<QAction*> actions) {
+void keepOff(const QList<QAction*>& actions) {
     for (QAction* action : actions) {
         action->setEnabled(false);
         QObject::connect(action, &QAction::changed, action, [action] {

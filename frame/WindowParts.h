@@ -40,7 +40,7 @@ void arrangeToolBar(QToolBar* bar);
 /// A tool button with text beside its icon, child of `owner`.
 QToolButton* makeToolButton(QWidget* owner, const char* imageName, const QString& text);
 /// Gives a button a pop-up that opens at once and holds these actions. The menu is the button's.
-QMenu* addInstantMenu(QToolButton* button, std::initializer_list<QAction*> actions);
+QMenu* addInstantMenu(QToolButton* button, const QList<QAction*>& actions);
 
 // ---------------------------------------------------------------------------------------------
 // Trees
@@ -56,7 +56,7 @@ void showMarks(QTreeView* view, const COrvoCliMod& module, RowDelegate::RecordOf
 /// For a user who may not write: nothing is typed into a tree, dragged out of it or dropped on it.
 void keepFromWriting(QTreeView* view);
 /// Likewise: the actions stay off, whatever the module's own rules say later on.
-void keepOff(std::initializer_list<QAction*> actions);
+void keepOff(const QList<QAction*>& actions);
 /// Hides the columns from `first` to `last`. The view has its model.
 void hideColumns(QTreeView* view, int first, int last);
 

@@ -24,11 +24,16 @@ void OrvoMenu::on_focus_changed(QWidget* old, QWidget*) {
         setDesckActionsDisabled();
 }
 
+QList<QAction*> OrvoMenu::elementCreators() const {
+    return {m_ui->actNewElemFolder, m_ui->actNewElemModul, m_ui->actNewElemFunction,
+            m_ui->actNewElemFile};
+}
+
 void OrvoMenu::setMenuActionsDisabled() {
     for (QAction* action :
-         {m_ui->actNewElemFile, m_ui->actNewElemFunction, m_ui->actNewElemFolder,
-          m_ui->actNewElemModul, m_ui->actDeleteElem, m_ui->actMoveDown, m_ui->actMoveUp,
-          m_ui->actCopyMenuElement, m_ui->actCutMenuElement, m_ui->actPasteMenuElement})
+         elementCreators() + QList<QAction*>{m_ui->actDeleteElem, m_ui->actMoveDown,
+                                             m_ui->actMoveUp, m_ui->actCopyMenuElement,
+                                             m_ui->actCutMenuElement, m_ui->actPasteMenuElement})
         action->setEnabled(false);
 }
 
@@ -40,11 +45,11 @@ void OrvoMenu::setDesckActionsDisabled() {
 }
 
 void OrvoMenu::setReadOnly() {
-    orvo::keepOff({m_ui->actNewElemFile, m_ui->actNewElemFunction, m_ui->actNewElemFolder,
-                   m_ui->actNewElemModul, m_ui->actDeleteElem, m_ui->actMoveDown, m_ui->actMoveUp,
-                   m_ui->actCutMenuElement, m_ui->actPasteMenuElement, m_ui->actAddDescktop,
-                   m_ui->actAddFoldertvDesck, m_ui->actDeleteFromtvDesck,
-                   m_ui->actChangeDescktopOrFolder, m_ui->actPasteDescktopOrFolder});
+    orvo::keepOff(elementCreators());
+    orvo::keepOff({m_ui->actDeleteElem, m_ui->actMoveDown, m_ui->actMoveUp, m_ui->actCutMenuElement,
+                   m_ui->actPasteMenuElement, m_ui->actAddDescktop, m_ui->actAddFoldertvDesck,
+                   m_ui->actDeleteFromtvDesck, m_ui->actChangeDescktopOrFolder,
+                   m_ui->actPasteDescktopOrFolder});
     for (QTreeView* view : {m_ui->tvDesck, m_ui->tvMenu, m_ui->tvProp})
         orvo::keepFromWriting(view);
     m_btnNewDesck->setEnabled(false);
@@ -57,8 +62,7 @@ void OrvoMenu::setMenuActionsEnabled(const QModelIndex& index) {
     const bool isRoot = m_menuModel->getItemLevel(index) == 0;
     const bool isFolder = isRoot || m_menuModel->itemIsFolder(index);
 
-    for (QAction* action : {m_ui->actNewElemFolder, m_ui->actNewElemModul, m_ui->actNewElemFunction,
-                            m_ui->actNewElemFile})
+    for (QAction* action : elementCreators())
         action->setEnabled(isFolder);
     for (QAction* action : {m_ui->actDeleteElem, m_ui->actCopyMenuElement, m_ui->actCutMenuElement})
         action->setEnabled(!isRoot);
@@ -124,8 +128,7 @@ void OrvoMenu::showContextMenu_tvMenu(const QPoint& point) {
     const QPoint position = m_ui->tvMenu->viewport()->mapToGlobal(point);
     QMenu menu;
     QMenu* create = menu.addMenu(orvo::image("newelem1"), tr("Новый элемент"));
-    create->addActions({m_ui->actNewElemFolder, m_ui->actNewElemModul, m_ui->actNewElemFunction,
-                        m_ui->actNewElemFile});
+    create->addActions(elementCreators());
     menu.addSeparator();
     menu.addActions({m_ui->actCutMenuElement, m_ui->actCopyMenuElement, m_ui->actPasteMenuElement});
     menu.addSeparator();

@@ -24,9 +24,7 @@ OrvoMenu::OrvoMenu(COrvoCliApp* app)
         orvo::addInstantMenu(m_btnNewDesck, {m_ui->actAddFoldertvDesck, m_ui->actAddDescktop});
     makeEditButtons();
     m_btnNewElem = orvo::makeToolButton(this, "newelem1", tr("Новый элемент"));
-    m_menuNewElem =
-        orvo::addInstantMenu(m_btnNewElem, {m_ui->actNewElemFolder, m_ui->actNewElemModul,
-                                            m_ui->actNewElemFunction, m_ui->actNewElemFile});
+    m_menuNewElem = orvo::addInstantMenu(m_btnNewElem, elementCreators());
 
     QToolBar* bar = m_ui->toolBar;
     bar->addWidget(m_btnNewDesck);

@@ -127,6 +127,8 @@ protected:
     void setMenuFocusedItemAfterChanges();
 
     // Actions: nothing happens for an invalid index
+    /// Those that make an element, as menus list them.
+    QList<QAction*> elementCreators() const;
     void setMenuActionsEnabled(const QModelIndex& index);
     void setMenuActionsDisabled();
     void setDesckActionsEnabled(const QModelIndex& index);

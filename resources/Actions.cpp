@@ -17,17 +17,22 @@ using orvo::Kind;
 using orvo::resources::kindOf;
 using orvo::resources::ResColumn;
 
+QList<QAction*> OrvoResources::creators() const {
+    return {m_ui->actAddModule, m_ui->actAddFunction, m_ui->actAddFolder};
+}
+
 void OrvoResources::enableOnly(const QList<QAction*>& actions) {
     for (QAction* action :
-         {m_ui->actAddModule, m_ui->actAddFunction, m_ui->actAddFolder, m_ui->actLoadFiles,
-          m_ui->actExtractFiles, m_ui->actDelete, m_ui->actCut, m_ui->actCopy, m_ui->actPaste,
-          m_ui->actUnBlock, m_ui->actOpenScheme})
+         creators() + QList<QAction*>{m_ui->actLoadFiles, m_ui->actExtractFiles, m_ui->actDelete,
+                                      m_ui->actCut, m_ui->actCopy, m_ui->actPaste, m_ui->actUnBlock,
+                                      m_ui->actOpenScheme})
         action->setEnabled(actions.contains(action));
 }
 
 void OrvoResources::setReadOnly() {
-    orvo::keepOff({m_ui->actAddModule, m_ui->actAddFunction, m_ui->actAddFolder, m_ui->actLoadFiles,
-                   m_ui->actDelete, m_ui->actCut, m_ui->actPaste, m_ui->actUnBlock});
+    orvo::keepOff(creators());
+    orvo::keepOff(
+        {m_ui->actLoadFiles, m_ui->actDelete, m_ui->actCut, m_ui->actPaste, m_ui->actUnBlock});
     for (QTreeView* view : {m_ui->tvRes, m_ui->tvProp})
         orvo::keepFromWriting(view);
     m_btnCreate->setEnabled(false);
@@ -116,7 +121,7 @@ bool OrvoResources::checkClipBoardType(int type) const {
 void OrvoResources::showContextMenu_tvRes(const QPoint& pos) {
     QMenu menu;
     QMenu* create = menu.addMenu(orvo::image("new1"), tr("Создать"));
-    create->addActions({m_ui->actAddModule, m_ui->actAddFunction, m_ui->actAddFolder});
+    create->addActions(creators());
     menu.addActions({m_ui->actLoadFiles, m_ui->actCut, m_ui->actPaste});
     menu.addSeparator();
     menu.addAction(m_ui->actDelete);

@@ -30,8 +30,10 @@ void OrvoResources::enableActions(QTreeView* pane) {
 
 QAction* OrvoResources::creatorHere() const {
     const QModelIndex row = m_ui->tvRes->currentIndex();
-    for (QAction* action : {m_ui->actAddModule, m_ui->actAddFunction, m_ui->actLoadFiles})
-        if (m_app->m_mayWrite && row.isValid() && permits(action, row))
+    if (!m_app->m_mayWrite || !row.isValid())
+        return nullptr;
+    for (QAction* action : creators() + QList<QAction*>{m_ui->actLoadFiles})
+        if (action != m_ui->actAddFolder && permits(action, row))
             return action;
     return nullptr;
 }

@@ -22,8 +22,7 @@ OrvoResources::OrvoResources(COrvoCliApp* app)
     orvo::setupForm([this] { m_ui->setupUi(this); });
 
     m_btnCreate = orvo::makeToolButton(this, "new1", tr("Создать"));
-    m_menuCreate = orvo::addInstantMenu(
-        m_btnCreate, {m_ui->actAddModule, m_ui->actAddFunction, m_ui->actAddFolder});
+    m_menuCreate = orvo::addInstantMenu(m_btnCreate, creators());
     makeEditButtons();
 
     QToolBar* bar = m_ui->toolBar;

@@ -237,6 +237,8 @@ private:
     void makeSearchBar();
 
     // Actions
+    /// Those that make a row by hand, as menus list them.
+    QList<QAction*> creators() const;
     /// Switches all actions off but these.
     void enableOnly(const QList<QAction*>& actions);
     /// What the rules allow on a row, whatever is switched on at the moment; nothing for rows of
