@@ -426,8 +426,8 @@ void TestAdminBackup::anInterruptedBackupLeavesNoFile() {
         QVERIFY((lock = this->lock("MenuResourceFileData")));
     else // something that takes its time
         QVERIFY(
-            m_kind.byHand("INSERT INTO \"MenuResourceFile\" VALUES ('k', 'x', 'f', 0, 500000000, "
-                          "zeroblob(500000000));"));
+            m_kind.byHand("INSERT INTO \"MenuResourceFile\" VALUES ('k', 'x', 'f', 0, 200000000, "
+                          "zeroblob(200000000));"));
     QByteArray words;
     const auto process = start({"backup", file()});
     QVERIFY(process);
@@ -460,8 +460,8 @@ void TestAdminBackup::anInterruptedExportLeavesNoFile() {
 void TestAdminBackup::anInterruptedRestoreChangesNothing() {
     if (!isPostgres())
         QVERIFY(
-            m_kind.byHand("INSERT INTO \"MenuResourceFile\" VALUES ('k', 'x', 'f', 0, 500000000, "
-                          "zeroblob(500000000));"));
+            m_kind.byHand("INSERT INTO \"MenuResourceFile\" VALUES ('k', 'x', 'f', 0, 200000000, "
+                          "zeroblob(200000000));"));
     ORVO_DONE(run({"backup", file()}));
     if (!isPostgres())
         QVERIFY(m_kind.byHand("DELETE FROM \"MenuResourceFile\";"));
