@@ -29,37 +29,6 @@ int64_t integerOf(const store::TableDef& table, const Values& values, const char
     return number ? *number : -1;
 }
 
-struct FieldName {
-    const char* field;
-    const char* word;
-};
-constexpr FieldName fieldNames[] = {
-    {field::caption, "Название"},
-    {field::name_, "Имя"},
-    {field::params, "Параметры"},
-    {field::ico, "Значок"},
-    {field::order_, "Порядок"},
-    {field::separator, "Разделитель"},
-    {field::oneCopy, "Одна копия"},
-    {field::parent, "Папка меню"},
-    {field::ParentKey, "Папка"},
-    {field::FolderKey, "Рабочий стол"},
-    {field::MenuResourceKey, "Ресурс"},
-    {field::MenuResourceFolderKey, "Папка"},
-    {field::UsersKey, "Кем занята"},
-    {field::dateTimeEdit, "Когда занята"},
-    {field::type_, "Вид"},
-    {field::isFolder, "Папка"},
-    {field::login_, "Вход"},
-    {field::lastName, "Фамилия"},
-    {field::firstName, "Имя"},
-    {field::midlName, "Отчество"},
-    {field::program, "Программа"},
-    {field::fileExt, "Расширение"},
-    {field::time, "Время файла"},
-    {field::size, "Размер"},
-};
-
 } // namespace
 
 const store::TableDef* targetOf(const store::TableDef& table, const store::FieldDef& def) {
@@ -136,11 +105,8 @@ QString recordWords(const store::TableDef& table, const Values& values, const st
 }
 
 QString fieldWord(const store::TableDef& table, int field) {
-    const char* name = table.fields[static_cast<size_t>(field)].name;
-    for (const FieldName& known : fieldNames)
-        if (std::strcmp(known.field, name) == 0)
-            return text(known.word);
-    return QString::fromLatin1(name);
+    const store::FieldDef& def = table.fields[static_cast<size_t>(field)];
+    return text(def.word ? def.word : def.name);
 }
 
 QString valueWords(const store::TableDef& table, int field, const store::Value& value,

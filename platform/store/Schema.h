@@ -14,6 +14,8 @@ namespace orvo::store {
 struct FieldDef {
     const char* name;
     MdxType type;
+    /// What people call it wherever a change is told; null: it is told of by its name.
+    const char* word = nullptr;
     bool link = false; ///< holds the key of another record: empty text is stored as NULL
 };
 
