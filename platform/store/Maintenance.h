@@ -134,8 +134,9 @@ public:
     /// Applies writes to several tables in one transaction, which is a new group of the change log
     /// that takes back the groups `undoes`. Refuses what update() refuses with a guard that has
     /// seen the log up to `seen`. Outdated, and nothing is written, if one of the records was
-    /// changed after that, the log no longer reaches back to it, or something is refused and others
-    /// have written since: it may be their doing.
+    /// changed after that, the log no longer reaches back to it, something is refused and others
+    /// have written since (it may be their doing), or groups are taken back and another one was
+    /// since: what a record goes back to depends on which groups still stand.
     virtual Status writeAll(const std::vector<TableWrites>& parts, int64_t seen,
                             const std::vector<int64_t>& undoes) = 0;
     /// How many of the oldest changes were made before that time, and the id of the last of them

@@ -115,6 +115,8 @@ private:
     Status findVersions(const TableWrites& part, std::vector<KeptVersion>* versions);
     Status writeContents(const TableWrites& part, const std::vector<KeptVersion>& versions);
     Status findUser(const std::string& login, std::string* key, std::string* exact);
+    /// Outdated if a group was taken back after `seen`; inside inWrite.
+    Status checkUndoing(int64_t seen);
     /// Outdated if any of these writes meets a record that was changed after `seen`; inside
     /// inWrite.
     Status checkUnchanged(const TableWrites& part, int64_t seen);

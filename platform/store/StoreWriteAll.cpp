@@ -118,6 +118,19 @@ Status StoreCore::checkUnchanged(const TableWrites& part, int64_t seen) {
                           (last.login.empty() ? "вручную" : shown(last.login)) + ")"};
 }
 
+Status StoreCore::checkUndoing(int64_t seen) {
+    ChangeQuery query;
+    query.undoing = true;
+    query.above = seen;
+    std::vector<Change> since;
+    const Status status = selectChanges(query, &since);
+    if (!status.ok() || since.empty())
+        return status;
+    const std::string& who = since.front().login;
+    return {Outdated,
+            "Тем временем отменили другую правку (" + (who.empty() ? "вручную" : shown(who)) + ")"};
+}
+
 Status StoreCore::findVersions(const TableWrites& part, std::vector<KeptVersion>* versions) {
     if (part.bytes.empty())
         return {};
@@ -178,6 +191,8 @@ Status StoreCore::writeAll(const std::vector<TableWrites>& parts, int64_t seen,
             for (const TableWrites& part : parts)
                 if (status.ok())
                     status = checkUnchanged(part, seen);
+            if (status.ok() && !undoes.empty())
+                status = checkUndoing(seen);
             for (const TableWrites& part : parts) {
                 UpdateGuard guard;
                 guard.seen = seen;

@@ -36,6 +36,7 @@ private slots:
     void severalActionsGoInOneTransaction();
     void ofOnesOwnLaterChangesTheNewestStays();
     void aPlanThatIsOutOfDateIsMadeAgain();
+    void whatAnotherTakesBackMeanwhileOutdatesThePlan();
     void whatCameMeanwhileBelowIsNotLost();
     void aFolderThatCameInsideIsNoPlace();
     void aChosenPlaceHasToBeThere();
@@ -299,6 +300,23 @@ void TestHistoryUndo::aPlanThatIsOutOfDateIsMadeAgain() {
     rename(*m_boris, "a", "2");
     ORVO_FAILS(m_anna->writeAll(plan.parts, plan.seen, plan.undoes), Outdated);
     QCOMPARE(caption("a"), QString("2"));
+}
+
+/// Else both actions would be taken back, and the record would keep what one of them had written.
+void TestHistoryUndo::whatAnotherTakesBackMeanwhileOutdatesThePlan() {
+    const QString begin = caption("a");
+    Batch both("Menu");
+    both.update("a", {{"caption", "Б"}}).update("d", {{"caption", "Б"}});
+    ORVO_OK(both.send(*m_boris));
+    const int64_t ofBoris = last(*m_boris);
+    const int64_t ofAnna = rename(*m_anna, "a", "В");
+    Inverse plan, done;
+    ORVO_OK(planInverse(*m_anna, {ofAnna}, {}, &plan));
+    ORVO_OK(undo(*m_boris, {ofBoris}, {}, &done));
+    QCOMPARE(caption("a"), QString("В"));
+    ORVO_FAILS(m_anna->writeAll(plan.parts, plan.seen, plan.undoes), Outdated);
+    ORVO_OK(undo(*m_anna, {ofAnna}, {}, &done));
+    QCOMPARE(caption("a"), begin);
 }
 
 /// Somebody else is quicker than the plan.
