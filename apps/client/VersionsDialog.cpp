@@ -229,19 +229,24 @@ void VersionsDialog::extract() {
     const QString folder = version ? QFileDialog::getExistingDirectory(
                                          this, QStringLiteral("Куда извлечь"), QDir::homePath())
                                    : QString();
-    if (folder.isEmpty())
-        return;
-    const QString file = QDir(folder).filePath(QString::fromStdString(version->name));
-    if (QFile::exists(file))
-        note(QStringLiteral("Не извлечено: %1 уже есть.").arg(file));
-    else
-        extractTo(file);
+    if (!folder.isEmpty())
+        extractInto(folder);
 }
 
-void VersionsDialog::extractTo(const QString& file) {
+void VersionsDialog::extractInto(const QString& folder) {
     const store::KeptVersion* version = current();
     if (!version)
         return;
+    if (!store::isPlainFileName(version->name)) { // written by hand: it may lead anywhere
+        note(QStringLiteral("Не извлечено: «%1» не может быть именем файла.")
+                 .arg(QString::fromStdString(version->name)));
+        return;
+    }
+    const QString file = QDir(folder).filePath(QString::fromStdString(version->name));
+    if (QFile::exists(file)) {
+        note(QStringLiteral("Не извлечено: %1 уже есть.").arg(file));
+        return;
+    }
     m_thread.run(
         this,
         [file, id = version->id](store::MaintainedStore& store) -> store::Status {

@@ -21,8 +21,9 @@ public:
     /// nothing is put back.
     VersionsDialog(StoreThread& thread, const QString& resource, bool mayWrite, QWidget* parent);
 
-    /// Saves the bytes of the current version into a file of the disk.
-    void extractTo(const QString& file);
+    /// Saves the bytes of the current version below its name in a folder of the disk. No file is
+    /// replaced, and none is written elsewhere, whatever the name is.
+    void extractInto(const QString& folder);
 
 signals:
     /// What the user should read; the numbers are those of COrvoCliMod::LogFile.

@@ -452,7 +452,7 @@ private slots:
         QCOMPARE(list->topLevelItem(0)->text(0), QString("план.txt"));
         QCOMPARE(list->topLevelItem(0)->text(4), QString("Петров П."));
         const QString file = fixture.host.dir.filePath("план.txt");
-        dialog->extractTo(file);
+        dialog->extractInto(fixture.host.dir.path());
         QTRY_VERIFY(QFile::exists(file));
         QFile extracted(file);
         QVERIFY(extracted.open(QIODevice::ReadOnly));
@@ -469,6 +469,33 @@ private slots:
         QTRY_VERIFY(fixture.what(0).contains("план.txt"));
         fixture.action("actUndo")->trigger();
         QTRY_COMPARE(size(), 28);
+    }
+
+    void aVersionIsExtractedNowhereButIntoTheFolder() {
+        Fixture fixture;
+        store::Store& store = fixture.host.store();
+        for (const std::string_view bytes : {"старое", "новое"})
+            QVERIFY(store.filePut({{"", "план.txt", bytes, 1000.0}}).ok());
+        QVERIFY(fixture.host.kind->byHand("UPDATE \"NciVersion\" SET \"name_\" = '../план.txt';"));
+        CMDArray rows;
+        QVERIFY(store.fetchWhere("MenuResource", "name_", "план.txt", rows.array).ok());
+        QMenu menu;
+        fixture.module("Resources")
+            ->m_app->addRecordActions(
+                &menu, "MenuResource",
+                textOf(rows.array, mdx::postedRecord(rows.array, 0), "KeyLink"));
+        for (QAction* action : menu.actions())
+            if (action->text().startsWith("Прежние версии"))
+                action->trigger();
+        QTRY_VERIFY(fixture.child<app::VersionsDialog>("versionsDialog"));
+        auto* dialog = fixture.child<app::VersionsDialog>("versionsDialog");
+        auto* list = dialog->findChild<QTreeWidget*>("versionsList");
+        QTRY_COMPARE(list->topLevelItemCount(), 1);
+        QVERIFY(QDir(fixture.host.dir.path()).mkdir("below"));
+        dialog->extractInto(fixture.host.dir.filePath("below"));
+        const auto* note = dialog->findChild<QLabel*>();
+        QTRY_VERIFY(note->text().contains("не может быть именем файла"));
+        QVERIFY(!QFile::exists(fixture.host.dir.filePath("план.txt")));
     }
 
     void aLogThatIsPrunedUnderItSaysSo() {

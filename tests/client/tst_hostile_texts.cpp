@@ -174,7 +174,7 @@ void openDialogs(const Running& running, const QString& text) {
     QTRY_VERIFY(!running.all<app::VersionsDialog*>("versionsDialog").isEmpty());
     auto* versions = running.all<app::VersionsDialog*>("versionsDialog").at(0);
     QTRY_COMPARE(versions->findChild<QTreeWidget*>("versionsList")->topLevelItemCount(), 1);
-    versions->extractTo("/nowhere/" + text);
+    versions->extractInto("/nowhere/" + text);
     const auto* note = versions->findChild<QLabel*>();
     QTRY_VERIFY2(note->text().startsWith("Не извлечено"), qPrintable(note->text().left(1000)));
 }
