@@ -74,6 +74,7 @@ Reader::Reader(store::MaintainedStore& store, Filter filter)
     m_query.login = m_filter.login;
     m_query.since = m_filter.since;
     m_query.until = m_filter.until;
+    m_query.above = m_filter.above;
 }
 
 /// The records of the branch as it is now.

@@ -41,6 +41,7 @@ struct Filter {
     std::optional<std::string> login; ///< by this login; empty: by hand
     std::optional<double> since;      ///< made at that time or later
     std::optional<double> until;      ///< made before that time
+    int64_t above = 0;                ///< with a higher number than this
     std::optional<Branch> branch;     ///< of a record that stands in it, or stood there then
     QString text;                     ///< that holds the text in a value, without regard to case
 };

@@ -324,11 +324,9 @@ void HistoryPane::revertBackTo(const history::Filter& scope, const QString& whos
     Reverter::Request request;
     request.title = QStringLiteral("Вернуть всё с %1, %2").arg(time, whose);
     request.done = QStringLiteral("Возвращено всё с %1, %2").arg(time, whose);
-    history::Filter since = scope;
-    since.since = action->time;
-    request.collect = [since, group = action->group](store::MaintainedStore& store,
+    request.collect = [scope, group = action->group](store::MaintainedStore& store,
                                                      std::vector<int64_t>* groups) {
-        return history::collectBackTo(store, since, group, groups);
+        return history::collectBackTo(store, scope, group, groups);
     };
     request.preview = true;
     emit revertRequested(request);

@@ -323,6 +323,21 @@ private slots:
         QTRY_COMPARE(fixture.menu(), QString("а0(б(в)) г1"));
     }
 
+    void aClockThatWasSetBackKeepsNothingFromGoingBack() {
+        Fixture fixture;
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "a"}, {"caption", "а1"}});
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "d"}, {"caption", "г1"}});
+        QVERIFY(fixture.host.kind->byHand("UPDATE \"NciEvent\" SET \"time\" = \"time\" - 1800 "
+                                          "WHERE \"after\" LIKE '%г1%';"));
+        fixture.open();
+        QTRY_VERIFY(fixture.find("«а1»") >= 0);
+        fixture.choose("«а1»");
+        fixture.revertBack("по нынешнему отбору");
+        QTRY_VERIFY(fixture.isReady());
+        QTest::mouseClick(fixture.dialog()->findChild<QPushButton*>("revertOk"), Qt::LeftButton);
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г"));
+    }
+
     void showGoesToTheDesktopAndTheRow() {
         Fixture fixture;
         fixture.stop();
