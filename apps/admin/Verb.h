@@ -42,6 +42,8 @@ public:
     bool has(const char* option) const;
     /// The value of an option, UTF-8; empty if it is not given.
     std::string value(const char* option) const;
+    /// Those of an option that may be given several times, in their order.
+    std::vector<std::string> values(const char* option) const;
 
     const store::StoreUrl& storeUrl() const { return storeUrl_; }
     bool isDefaultStore() const { return isDefault_; }

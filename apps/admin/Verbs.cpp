@@ -37,6 +37,13 @@ std::string Invocation::value(const char* option) const {
     return parser_.value(QString::fromUtf8(option)).toStdString();
 }
 
+std::vector<std::string> Invocation::values(const char* option) const {
+    std::vector<std::string> all;
+    for (const QString& value : parser_.values(QString::fromUtf8(option)))
+        all.push_back(value.toStdString());
+    return all;
+}
+
 std::unique_ptr<store::MaintainedStore> Invocation::open() const {
     store::Status status;
     auto opened =

@@ -11,6 +11,7 @@ private slots:
     void changesByHandAreTold();
     void anActionIsTakenBack();
     void whatIsLeftIsNamed();
+    void eachFolderThatIsGoneGetsAPlace();
     void badUndoIsRefused();
     void theNewestComesFirst();
     void filtersLeaveWhatIsAskedFor();
@@ -107,6 +108,19 @@ void TestAdminHistory::whatIsLeftIsNamed() {
     QCOMPARE(content(), before);
     QCOMPARE(run({"undo", made, "--with-others"}).code, 0);
     QVERIFY(!content().contains("\"caption\":\"2\""));
+}
+
+void TestAdminHistory::eachFolderThatIsGoneGetsAPlace() {
+    QVERIFY(m_kind.byHand("INSERT INTO \"Menu\" (\"KeyLink\", \"parent\") VALUES ('f', NULL), "
+                          "('g', NULL), ('x', 'f'), ('y', 'g');"));
+    QTest::qWait(5); // another statement
+    QVERIFY(m_kind.byHand("DELETE FROM \"Menu\" WHERE \"parent\" IS NOT NULL;"));
+    const QString number = run({"history", "--limit", "1"}).out.section(' ', 0, 0);
+    QTest::qWait(5);
+    QVERIFY(m_kind.byHand("DELETE FROM \"Menu\";"));
+    QVERIFY(run({"undo", number, "--place", "f="}).err.contains("решите, как быть"));
+    QCOMPARE(run({"undo", number, "--place", "f=", "--place", "g="}).code, 0);
+    QVERIFY(content().contains("\"x\"") && content().contains("\"y\""));
 }
 
 void TestAdminHistory::badUndoIsRefused() {

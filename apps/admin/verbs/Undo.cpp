@@ -31,13 +31,12 @@ history::Choices readChoices(const Invocation& call) {
     history::Choices choices;
     choices.othersWorkToo = call.has("with-others");
     choices.partly = call.has("partly");
-    if (!call.has("place"))
-        return choices;
-    const std::string pair = call.value("place");
-    const size_t middle = pair.find('=');
-    if (middle == std::string::npos || middle == 0)
-        throw Failure(std::string(what) + ": --place «" + pair + "» не вида БЫЛА=СТАЛА");
-    choices.places[store::foldedKey(pair.substr(0, middle))] = pair.substr(middle + 1);
+    for (const std::string& pair : call.values("place")) {
+        const size_t middle = pair.find('=');
+        if (middle == std::string::npos || middle == 0)
+            throw Failure(std::string(what) + ": --place «" + pair + "» не вида БЫЛА=СТАЛА");
+        choices.places[store::foldedKey(pair.substr(0, middle))] = pair.substr(middle + 1);
+    }
     return choices;
 }
 
