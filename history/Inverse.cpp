@@ -40,6 +40,12 @@ store::Status planInverse(store::MaintainedStore& store, const std::vector<int64
     return status;
 }
 
+store::Status writeInverse(store::MaintainedStore& store, Inverse* plan) {
+    const store::Status status = store.writeAll(plan->parts, plan->seen, plan->undoes);
+    plan->written = status.ok();
+    return status;
+}
+
 store::Status undo(store::MaintainedStore& store, const std::vector<int64_t>& groups,
                    const Choices& choices, Inverse* done) {
     constexpr int mostTries = 5;
@@ -48,8 +54,7 @@ store::Status undo(store::MaintainedStore& store, const std::vector<int64_t>& gr
         status = planInverse(store, groups, choices, done);
         if (!status.ok() || done->count == 0 || (done->asks() && !choices.partly))
             return status;
-        status = store.writeAll(done->parts, done->seen, done->undoes);
-        done->written = status.ok();
+        status = writeInverse(store, done);
         if (status.code != store::Outdated)
             return status;
     }

@@ -73,6 +73,9 @@ struct Inverse {
 /// What takes these groups back, together.
 store::Status planInverse(store::MaintainedStore& store, const std::vector<int64_t>& groups,
                           const Choices& choices, Inverse* inverse);
+/// Writes a plan as it is, for instance as it was shown. Outdated, and nothing is written, if the
+/// store is no longer that for which it was made.
+store::Status writeInverse(store::MaintainedStore& store, Inverse* plan);
 /// Plans and writes, unless there is nothing to write or something to be asked that the choices do
 /// not answer. Plans anew if others were quicker. `done` is the last plan.
 store::Status undo(store::MaintainedStore& store, const std::vector<int64_t>& groups,

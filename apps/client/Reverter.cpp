@@ -79,12 +79,11 @@ void Reverter::showDialog() {
                 if (!m_request)
                     return;
                 if (result == QDialog::Accepted)
-                    write();
+                    writeShown();
                 else
                     finish(Outcome::GivenUp);
             },
             Qt::QueuedConnection);
-        connect(m_dialog, &QDialog::accepted, this, [this] { m_choices = m_dialog->choices(); });
         m_dialog->open();
     }
     plan();
@@ -92,6 +91,7 @@ void Reverter::showDialog() {
 
 void Reverter::plan() {
     m_choices = m_dialog->choices();
+    m_shown.reset();
     auto plan = std::make_shared<RevertPlan>();
     auto groups = std::make_shared<std::vector<int64_t>>(m_request->groups);
     m_thread.run(
@@ -110,15 +110,17 @@ void Reverter::plan() {
         [this, plan, groups, round = ++m_round](const store::Status& status) {
             if (m_request && round == m_round)
                 m_request->groups = *groups;
-            planned(round, status, *plan);
+            planned(round, status, plan);
         });
 }
 
-void Reverter::planned(uint64_t round, const store::Status& status, const RevertPlan& plan) {
+void Reverter::planned(uint64_t round, const store::Status& status,
+                       const std::shared_ptr<RevertPlan>& plan) {
     if (!m_request || round != m_round || !m_dialog)
         return;
     if (status.ok()) {
-        m_dialog->setPlan(plan);
+        m_shown = plan;
+        m_dialog->setPlan(*plan);
         return;
     }
     emit told(LogError,
@@ -140,10 +142,29 @@ void Reverter::write() {
         [this, plan](const store::Status& status) { written(status, *plan); });
 }
 
+void Reverter::writeShown() {
+    ++m_round;
+    const std::shared_ptr<RevertPlan> plan = std::move(m_shown);
+    if (!plan) { // nothing stood in the dialog that could have been agreed to
+        finish(Outcome::GivenUp);
+        return;
+    }
+    m_thread.run(
+        this,
+        [plan](store::MaintainedStore& store) {
+            return history::writeInverse(store, &plan->inverse);
+        },
+        [this, plan](const store::Status& status) { written(status, *plan); });
+}
+
 void Reverter::written(const store::Status& status, const RevertPlan& plan) {
     if (!m_request)
         return;
-    if (!status.ok()) {
+    if (status.code == store::Outdated) {
+        emit told(LogWarning, QStringLiteral("%1: %2. Посмотрите ещё раз, что будет записано.")
+                                  .arg(m_request->title, QString::fromStdString(status.text)));
+        showDialog();
+    } else if (!status.ok()) {
         emit told(LogError, QStringLiteral("%1: %2").arg(m_request->title,
                                                          QString::fromStdString(status.text)));
         finish(Outcome::Failed);

@@ -5,7 +5,8 @@
 // What is written comes back to the modules as any change of the store does.
 //
 // Invariants: 1 one request at a time; 2 each that was begun ends with one call of its Finished;
-// 3 the dialog exists only while a request does.
+// 3 the dialog exists only while a request does; 4 of what was shown in it exactly that is written:
+// if others were quicker, it is shown anew.
 #ifndef ORVO_APPS_CLIENT_REVERTER_H
 #define ORVO_APPS_CLIENT_REVERTER_H
 
@@ -66,9 +67,12 @@ private:
     struct Result;
     void begin();
     void plan();
+    /// Without having shown anything: by a plan of that moment.
     void write();
+    void writeShown();
     void showDialog();
-    void planned(uint64_t round, const store::Status& status, const RevertPlan& plan);
+    void planned(uint64_t round, const store::Status& status,
+                 const std::shared_ptr<RevertPlan>& plan);
     void written(const store::Status& status, const RevertPlan& plan);
     void tellWritten(const RevertPlan& plan);
     void finish(Outcome outcome);
@@ -80,8 +84,9 @@ private:
     std::optional<Request> m_request;
     Finished m_finished;
     history::Choices m_choices;
-    QPointer<RevertDialog> m_dialog; ///< deletes itself when closed
-    uint64_t m_round = 0;            ///< of planning: earlier answers are outdated
+    QPointer<RevertDialog> m_dialog;     ///< deletes itself when closed
+    std::shared_ptr<RevertPlan> m_shown; ///< in the dialog; null: none yet
+    uint64_t m_round = 0;                ///< of planning: earlier answers are outdated
     bool m_writing = false;
 };
 

@@ -8,6 +8,7 @@
 #include "tests/menu/WindowHands.h"
 
 #include <QAbstractItemModelTester>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDockWidget>
 #include <QLabel>
@@ -241,6 +242,29 @@ private slots:
                      qPrintable(fixture.undoText()));
         fixture.action("actUndo")->trigger();
         QTRY_COMPARE(fixture.menu(), QString("а1(б(в)) чужое"));
+    }
+
+    void whatIsWrittenIsWhatWasShown() {
+        Fixture fixture;
+        fixture.otherWrites(MDX_INSERT,
+                            {{"KeyLink", "n"}, {"caption", "н"}, {"FolderKey", "desk"}});
+        fixture.open();
+        QTRY_VERIFY(fixture.find("«н»") >= 0);
+        fixture.choose("«н»");
+        fixture.press("historyRevert");
+        QTRY_VERIFY(fixture.isReady());
+        // Behind the dialog somebody else builds on what is about to go.
+        fixture.otherWrites(
+            MDX_INSERT,
+            {{"KeyLink", "o"}, {"caption", "о"}, {"FolderKey", "desk"}, {"parent", "n"}});
+        const QPointer<QDialog> first = fixture.dialog();
+        QTest::mouseClick(fixture.dialog()->findChild<QPushButton*>("revertOk"), Qt::LeftButton);
+        QTRY_VERIFY(!first);
+        // He is asked again, with that in the plan, and both stand until he has agreed.
+        QTRY_VERIFY(fixture.dialog());
+        QTRY_VERIFY(fixture.dialog()->findChild<QCheckBox*>()->isVisible());
+        QTest::keyClick(fixture.dialog(), Qt::Key_Escape);
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г н(о)"));
     }
 
     void everythingBackToAPlaceGoesInOneAction() {
