@@ -78,6 +78,30 @@ private slots:
         QTRY_COMPARE(fixture.currentElement(), QString("в"));
     }
 
+    void aDoubleClickGoesToTheRowAndMeetsNothingBelow() {
+        Fixture fixture;
+        fixture.open();
+        fixture.type("кс-1 в");
+        QTRY_COMPARE(fixture.rows().size(), 1);
+        const QPoint at = fixture.list()->visualRect(fixture.list()->model()->index(0, 0)).center();
+        QTest::mouseClick(fixture.list()->viewport(), Qt::LeftButton, {}, at);
+        QVERIFY(fixture.pane()->isVisible());
+        QTest::mouseDClick(fixture.list()->viewport(), Qt::LeftButton, {}, at);
+        QVERIFY(!fixture.pane()->isVisible());
+        QTRY_COMPARE(fixture.currentElement(), QString("в"));
+    }
+
+    void escGoesBackToTheRowsInWhichAFieldWasOpen() {
+        Fixture fixture;
+        QTreeView* passport = fixture.view("tvProp");
+        fixture.view("tvMenu")->setFocus();
+        QTest::keyClick(fixture.view("tvMenu"), Qt::Key_F2);
+        QTRY_VERIFY(passport->isAncestorOf(QApplication::focusWidget()));
+        fixture.open();
+        QTest::keyClick(fixture.line(), Qt::Key_Escape);
+        QCOMPARE(QApplication::focusWidget(), passport);
+    }
+
     void anElementOfAnotherDesktopOpensThatDesktop() {
         Fixture fixture;
         fixture.beforeTheStart([&] {

@@ -5,6 +5,7 @@
 #include "frame/Keys.h"
 #include "frame/Vocabulary.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -22,6 +23,13 @@ namespace orvo::app {
 namespace {
 
 constexpr int againDelayMs = 300; ///< after a change of records
+
+/// Where the focus is to go back to: a field in a row of a view goes when it loses the focus.
+QWidget* lasting(QWidget* focus) {
+    QWidget* viewport = focus ? focus->parentWidget() : nullptr;
+    auto* view = viewport ? qobject_cast<QAbstractItemView*>(viewport->parentWidget()) : nullptr;
+    return view && view->viewport() == viewport ? view : focus;
+}
 
 } // namespace
 
@@ -67,7 +75,8 @@ FindPane::FindPane(catalogue::LiveCatalogue& live, std::shared_ptr<catalogue::Se
         m_choosesWhenFound = false;
         this->search(); // not the parameter
     });
-    connect(m_view, &QTreeView::clicked, this, &FindPane::choose);
+    // By a single click the second of a double one would meet what is below the pane.
+    connect(m_view, &QTreeView::doubleClicked, this, &FindPane::choose);
     m_view->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(m_view, &QTreeView::customContextMenuRequested, this, &FindPane::showContextMenu);
     connect(&m_live, &catalogue::LiveCatalogue::loaded, this, &FindPane::outdate);
@@ -91,7 +100,7 @@ FindPane::~FindPane() {
 void FindPane::open() {
     m_live.start();
     if (!isVisible()) {
-        m_cameFrom = QApplication::focusWidget();
+        m_cameFrom = lasting(QApplication::focusWidget());
         m_isWhole = false; // of last time
         m_view->setCurrentIndex({});
         place();
