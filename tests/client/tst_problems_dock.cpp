@@ -99,6 +99,21 @@ private slots:
         }
     }
 
+    void pathsOfManyProblemsAreTrueSoonAfterTheLastChange() {
+        Fixture fixture;
+        SOON(fixture.isKnown());
+        for (int i = 0; i < 120; ++i)
+            fixture.otherWrites(MDX_INSERT, {{"KeyLink", "p" + std::to_string(i)},
+                                             {"FolderKey", "desk"},
+                                             {"caption", "проба"},
+                                             {"order_", std::to_string(50000 + i)},
+                                             {"ico", "нет такой.png"}});
+        SOON(fixture.elements().filter("проба»|КС-1|").size() >= 120);
+        for (const char* name : {"КС-2", "КС-3"})
+            fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "desk"}, {"caption", name}}, "MenuFolder");
+        SOON(fixture.elements().filter("проба»|КС-3|").size() >= 120);
+    }
+
     void whatOthersBreakComesAndGoes() {
         Fixture fixture;
         const QAbstractItemModelTester tester(

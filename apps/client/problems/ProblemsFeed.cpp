@@ -46,6 +46,7 @@ struct ProblemsFeed::Update {
     bool all = false; ///< these are all there are
     std::vector<RecordProblems> records;
     size_t errors = 0, warnings = 0;
+    bool isOutdated = false; ///< words may tell of records as they were before
 };
 
 struct ProblemsFeed::Plan {
@@ -103,7 +104,8 @@ public:
         }
         update->errors = m_problems->errors();
         update->warnings = m_problems->warnings();
-        if (update->all || !update->records.empty())
+        update->isOutdated = m_outdated;
+        if (update->all || update->isOutdated || !update->records.empty())
             m_publish(std::move(update));
     }
 
@@ -164,6 +166,14 @@ ProblemsFeed::ProblemsFeed(catalogue::LiveCatalogue& live, StoreThread::Opener o
         live.post(context, [this, update = std::move(update)] { take(*update); });
     });
     live.addListener(m_watcher);
+    m_rewordSoon.setSingleShot(true);
+    m_rewordSoon.setInterval(rewordEvery);
+    connect(&m_rewordSoon, &QTimer::timeout, this, [this] {
+        const auto publish = [watcher = m_watcher](const catalogue::Catalogue&) {
+            watcher->publish();
+        };
+        m_live.run(this, publish, [] {});
+    });
     connect(&live, &catalogue::LiveCatalogue::loaded, this, &ProblemsFeed::readContents);
 }
 
@@ -177,6 +187,8 @@ void ProblemsFeed::take(const Update& update) {
     m_errors = update.errors;
     m_warnings = update.warnings;
     m_known = true;
+    if (update.isOutdated && !m_rewordSoon.isActive())
+        m_rewordSoon.start();
     emit countChanged();
 }
 

@@ -9,6 +9,8 @@
 #include "apps/client/problems/ProblemsModel.h"
 #include "catalogue/LiveCatalogue.h"
 
+#include <QTimer>
+
 #include <memory>
 #include <vector>
 
@@ -55,6 +57,7 @@ private:
     StoreThread m_thread;
     ProblemsModel m_model;
     std::shared_ptr<Watcher> m_watcher; ///< of the catalogue's thread
+    QTimer m_rewordSoon;                ///< where more changes than words were written anew
     int64_t m_seen;
     size_t m_errors = 0, m_warnings = 0;
     bool m_known = false;
