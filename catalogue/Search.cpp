@@ -361,8 +361,8 @@ public:
     bool hasAny() const { return m_count > 0; }
 
 private:
-    static constexpr size_t mostWords = 7; ///< a bit each in m_pathWords, and one
-    static constexpr uint8_t isKnown = 0x80;
+    static constexpr size_t mostWords = 15; ///< a bit each in m_pathWords, and one
+    static constexpr uint16_t isKnown = 0x8000;
     struct Hit {
         uint32_t rank; ///< less is better
         uint32_t number;
@@ -443,7 +443,7 @@ private:
         return above != 0 && (pathWords(above - 1) >> word & 1) != 0;
     }
     /// Which words the names of a record and of what it stands in have, as bits.
-    uint8_t pathWords(uint32_t number, int depth = 0) {
+    uint16_t pathWords(uint32_t number, int depth = 0) {
         constexpr int deepest = 64; // a circle ends here
         if (number >= m_pathWords.size() || depth > deepest)
             return 0;
@@ -452,10 +452,10 @@ private:
         const Block& block = m_search.m_blocks[number / blockSize];
         const size_t record = number % blockSize;
         const std::string_view name = nameOf(number);
-        uint8_t words = isKnown;
+        uint16_t words = isKnown;
         for (size_t i = 0; i < m_words.size(); ++i)
             if (name.find(m_words[i]) != std::string_view::npos)
-                words |= static_cast<uint8_t>(1U << i);
+                words |= static_cast<uint16_t>(1U << i);
         if (block.above[record] != 0)
             words |= pathWords(block.above[record] - 1, depth + 1);
         return m_pathWords[number] = words;
@@ -474,8 +474,8 @@ private:
     std::vector<std::string> m_words;
     std::vector<std::vector<uint32_t>> m_parts; ///< of each word
     std::string m_whole;
-    std::vector<uint8_t> m_pathWords; ///< by number, as far as asked for
-    std::vector<Hit> m_best;          ///< a heap, the worst in front
+    std::vector<uint16_t> m_pathWords; ///< by number, as far as asked for
+    std::vector<Hit> m_best;           ///< a heap, the worst in front
     int m_count = 0;
 };
 

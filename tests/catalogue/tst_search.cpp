@@ -118,6 +118,8 @@ void TestSearch::wordsAreFoundInAnyOrderAndCase_data() {
     row("e-2", {"E-2"});
     row("насос кс-3", {"E-2", "E-1"}); // by what it stands in
     row("цех емк подп", {"E-1"});
+    row("ц е х к с п о д п", {"E-1"});
+    row("ц е х к с п о д п ж", {}); // the tenth counts as the first does
     row("цех кс", {"D"});
     row("нет такого", {});
     row("насос\u4e16", {});
