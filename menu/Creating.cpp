@@ -55,26 +55,26 @@ void OrvoMenu::on_actNewElemFile_triggered() {
     chooseNewElements(CPopObjectList::KindForm);
 }
 
-void OrvoMenu::chooseNewElements(int32_t kind) {
+void OrvoMenu::chooseNewElements(int32_t kind, bool asPalette) {
     if (!m_menuModel)
         return; // the start failed
     CPopObjectList* list = picker();
     list->multipleChoice = true;
     list->objectType = kind;
     list->chosenName = QString();
-    list->setPalette(m_wantsPalette);
+    // A palette that was closed is none any more: the next choice ends with its list.
+    list->setPalette(asPalette || (list->isPalette() && list->isVisible()));
     list->reloadAndShow();
 }
 
 void OrvoMenu::showPalette() {
-    m_wantsPalette = !(m_popList && m_popList->isVisible() && m_popList->isPalette());
-    if (m_wantsPalette)
-        chooseNewElements(m_popList && m_popList->objectType != CPopObjectList::KindFile &&
-                                  m_popList->objectType != 0
-                              ? m_popList->objectType
-                              : int32_t(CPopObjectList::KindModule));
-    else
+    if (m_popList && m_popList->isVisible() && m_popList->isPalette()) {
         m_popList->hide();
+        return;
+    }
+    const bool hasKind = m_popList && m_popList->objectType != CPopObjectList::KindFile &&
+                         m_popList->objectType != 0;
+    chooseNewElements(hasKind ? m_popList->objectType : int32_t(CPopObjectList::KindModule), true);
 }
 
 void OrvoMenu::on_poplist_OK_Pressed() {

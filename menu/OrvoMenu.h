@@ -288,7 +288,7 @@ private:
     void elementInserted(const orvo::Notification& change);
 
     // Creating
-    void chooseNewElements(int32_t kind);
+    void chooseNewElements(int32_t kind, bool asPalette = false);
     void addChosenElements();
     /// Opens the picker as a palette beside the menu, or closes that; from then on new elements are
     /// chosen so, until it is closed.
@@ -301,7 +301,6 @@ private:
     bool addElements(QModelIndex target, const std::vector<Picked>& picked);
     /// Resources dragged out of the picker become elements where they are dropped.
     bool eventFilter(QObject* watched, QEvent* event) override;
-    bool m_wantsPalette = false;
     const QObject* m_menuViewport = nullptr; ///< of tvMenu
     /// Enters the picker's choice. A folder of it is no resource: its choice is refused in a box.
     void takeChosenValue();

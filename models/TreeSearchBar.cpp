@@ -146,7 +146,10 @@ bool TreeSearchBar::takeKey(int key, bool shift) {
     switch (key) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        step(shift ? -1 : 1);
+        if (m_returnChooses && !shift)
+            emit chosen();
+        else
+            step(shift ? -1 : 1);
         return true;
     case Qt::Key_Down:
     case Qt::Key_Up:
@@ -155,6 +158,15 @@ bool TreeSearchBar::takeKey(int key, bool shift) {
     default:
         return false;
     }
+}
+
+bool TreeSearchBar::openOn(const QKeyEvent& key) {
+    const QString text = key.text();
+    if (text.size() != 1 || !text.at(0).isPrint() || text.at(0).isSpace() ||
+        text == QLatin1String("*") || (key.modifiers() & (Qt::ControlModifier | Qt::AltModifier)))
+        return false;
+    open(text);
+    return true;
 }
 
 bool TreeSearchBar::eventFilter(QObject* watched, QEvent* event) {
@@ -177,13 +189,8 @@ bool TreeSearchBar::eventFilter(QObject* watched, QEvent* event) {
     }
     if (watched == m_text)
         return takeKey(key->key(), key->modifiers() & Qt::ShiftModifier);
-    const bool isText = key->text().size() == 1 && key->text().at(0).isPrint() &&
-                        !key->text().at(0).isSpace() && key->text() != QLatin1String("*") &&
-                        !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier));
-    if (watched == &m_view && m_opensOnTyping && isText) {
-        open(key->text());
+    if (watched == &m_view && m_opensOnTyping && openOn(*key))
         return true;
-    }
     return QWidget::eventFilter(watched, event);
 }
 

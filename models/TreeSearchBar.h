@@ -10,6 +10,7 @@
 #include <vector>
 
 class QComboBox;
+class QKeyEvent;
 class QLineEdit;
 class QToolButton;
 
@@ -30,6 +31,10 @@ public:
 
     /// Whether a letter that is typed in the tree opens it.
     void setOpensOnTyping(bool on) { m_opensOnTyping = on; }
+    /// Whether Enter in the field is a choice of the current row, and not the way to the next hit.
+    void setReturnChooses(bool on) { m_returnChooses = on; }
+    /// Opens it with the letter that was typed; false if it is none that begins a search.
+    bool openOn(const QKeyEvent& key);
     /// Shows it with its text selected, or with that text, and gives it the focus.
     void open(const QString& text = {});
     /// Hides it, and gives the focus to the tree if it has it.
@@ -37,6 +42,10 @@ public:
     /// Goes to the next hit (1) or the one before (-1), if there is one; opens it if nothing was
     /// looked for.
     void step(int by);
+
+signals:
+    /// Enter, see setReturnChooses.
+    void chosen();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -58,6 +67,7 @@ private:
     QToolButton* m_up;
     QComboBox* m_column;
     bool m_opensOnTyping = false;
+    bool m_returnChooses = false;
 };
 
 } // namespace orvo

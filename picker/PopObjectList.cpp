@@ -1,5 +1,6 @@
 #include "picker/PopObjectList.h"
 
+#include "frame/Keys.h"
 #include "frame/Kinds.h"
 #include "frame/Records.h"
 #include "frame/RowDelegate.h"
@@ -72,6 +73,8 @@ CPopObjectList::CPopObjectList(QMainWindow* parent)
                                        {{PickColumn::Name, titles[PickColumn::Name]},
                                         {PickColumn::Caption, titles[PickColumn::Caption]}});
     m_search->setOpensOnTyping(true);
+    m_search->setReturnChooses(true);
+    connect(m_search, &orvo::TreeSearchBar::chosen, this, &CPopObjectList::chooseCurrent);
     m_ui->tvObj->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(m_ui->tvObj, &QTreeView::customContextMenuRequested, this,
             &CPopObjectList::showContextMenu);
@@ -277,10 +280,15 @@ void CPopObjectList::startDrag() {
     drag->exec(Qt::CopyAction);
 }
 
-bool CPopObjectList::treeKey(QKeyEvent& event) {
-    QTreeView* tree = m_ui->tvObj;
+bool CPopObjectList::treeKey(const QKeyEvent& event) {
     if (event.key() != Qt::Key_Return && event.key() != Qt::Key_Enter)
         return false;
+    chooseCurrent();
+    return true;
+}
+
+void CPopObjectList::chooseCurrent() {
+    QTreeView* tree = m_ui->tvObj;
     const QModelIndexList selected = tree->selectionModel()->selectedRows();
     const QModelIndex row =
         selected.contains(tree->currentIndex().siblingAtColumn(0)) || selected.isEmpty()
@@ -288,7 +296,6 @@ bool CPopObjectList::treeKey(QKeyEvent& event) {
             : selected.first();
     if (row.isValid() && !choose(row))
         tree->setExpanded(row, !tree->isExpanded(row));
-    return true;
 }
 
 bool CPopObjectList::eventFilter(QObject* watched, QEvent* event) {
@@ -305,6 +312,11 @@ bool CPopObjectList::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::KeyPress)
         return CPopTemplate::eventFilter(watched, event);
     auto& key = *static_cast<QKeyEvent*>(event);
+    if (m_isPalette &&
+        orvo::keys::matches(key, *orvo::keys::command(QLatin1String(orvo::keys::palette)))) {
+        hide();
+        return true;
+    }
     if (watched == tree)
         return treeKey(key);
     switch (key.key()) {
@@ -337,7 +349,7 @@ bool CPopObjectList::eventFilter(QObject* watched, QEvent* event) {
         return true;
     }
     default:
-        return false;
+        return m_search->openOn(key);
     }
 }
 

@@ -107,7 +107,9 @@ private:
     void showContextMenu(const QPoint& point);
     /// OK if the row is a resource. False for a folder.
     bool choose(const QModelIndex& row);
-    bool treeKey(QKeyEvent& event);
+    bool treeKey(const QKeyEvent& event);
+    /// The row that Enter means: chosen, or opened if it is a folder.
+    void chooseCurrent();
     bool treeMouse(QEvent* event);
     /// Fills the tree for the kind that is set.
     void load();

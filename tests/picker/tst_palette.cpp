@@ -159,6 +159,22 @@ private slots:
         QVERIFY(palette->isVisible() && !palette->isPalette());
     }
 
+    void howeverThePaletteIsClosedTheNextListIsNone() {
+        Menu menu;
+        QVERIFY(menu.open());
+        menu.view("tvMenu")->setCurrentIndex(menu->element("glubzhe"));
+        for (const Qt::Key key : {Qt::Key_Escape, Qt::Key_F7}) {
+            menu.press(Qt::Key_F7);
+            CPopObjectList* palette = menu.palette();
+            QVERIFY(palette->isVisible() && palette->isPalette());
+            QTest::keyClick(palette->tvObj(), key);
+            QVERIFY(!palette->isVisible());
+            menu.press(Qt::Key_1, Qt::ControlModifier);
+            QVERIFY(palette->isVisible() && !palette->isPalette());
+            palette->hide();
+        }
+    }
+
     void eachKindHasItsTitleAndWhatWasOpen() {
         Menu menu;
         QVERIFY(menu.open());

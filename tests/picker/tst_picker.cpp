@@ -722,6 +722,18 @@ private slots:
         QCOMPARE(picker->chosenKey, QString("m5"));
     }
 
+    void whoTypesAtOnceFindsAndChoosesByEnter() {
+        Picker picker;
+        picker.show(CPopObjectList::KindModule);
+        QTest::keyClick(picker.button("btnCancel"), 'd');
+        auto* text = picker->tvObj()->findChild<QLineEdit*>("treeSearchText");
+        QVERIFY(text && text->isVisible());
+        QTest::keyClicks(text, "ee");
+        QTest::keyClick(text, Qt::Key_Return);
+        QCOMPARE(picker.picked->size(), 1);
+        QCOMPARE(picker->chosenKey, QString("m5"));
+    }
+
     void enterTakesWhatIsOffered() {
         Picker picker;
         picker.show(CPopObjectList::KindModule, "Trend");
