@@ -77,6 +77,7 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
     connect(m_problems, &QToolButton::clicked, this, &StatusLine::problemsRequested);
     m_copying->setObjectName(QStringLiteral("copyingLabel"));
     m_busy->setObjectName(QStringLiteral("busyLabel"));
+    m_busy->setMinimumWidth(1); // it is gone soon and is to hold no window wide
     addWidget(m_busy);
     m_busy->hide();
     addWidget(m_copying);
