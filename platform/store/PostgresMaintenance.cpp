@@ -97,7 +97,10 @@ std::vector<Change> PostgresStore::changesIn(const PGresult* rows, int column) {
 }
 
 Status PostgresStore::selectChanges(const ChangeQuery& query, std::vector<Change>* changes) {
-    const Status status = ready();
+    // In a transaction what was sent before has to show, and a new connection would be none of it.
+    const bool isWithin =
+        m_connection.usable() && PQtransactionStatus(m_connection.get()) == PQTRANS_INTRANS;
+    const Status status = isWithin ? drainPipeline() : ready();
     if (!status.ok())
         return status;
     const std::string which = changesWhere(query, "public.\"NciEvent\"");
