@@ -34,7 +34,7 @@ public:
 
     QLineEdit* typeInto(const QString& text) {
         view->edit(model.index(0, 0));
-        auto* editor = view->findChild<QLineEdit*>();
+        auto* editor = view->viewport()->findChild<QLineEdit*>();
         editor->setText(text);
         return editor;
     }

@@ -93,9 +93,11 @@ private slots:
 
     void escGoesBackToTheRowsInWhichAFieldWasOpen() {
         Fixture fixture;
-        QTreeView* passport = fixture.view("tvProp");
-        fixture.view("tvMenu")->setFocus();
-        QTest::keyClick(fixture.view("tvMenu"), Qt::Key_F2);
+        auto* passport = fixture.module("Menu")->findChild<QTreeView*>("tvProp");
+        QTreeView* menu = fixture.view("tvMenu");
+        menu->setCurrentIndex(menu->model()->index(0, 0, menu->model()->index(0, 0)));
+        menu->setFocus();
+        QTest::keyClick(menu, Qt::Key_F2);
         QTRY_VERIFY(passport->isAncestorOf(QApplication::focusWidget()));
         fixture.open();
         QTest::keyClick(fixture.line(), Qt::Key_Escape);

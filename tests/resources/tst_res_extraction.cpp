@@ -521,6 +521,7 @@ private slots:
         ResEditor editor(host, "Resources");
         QVERIFY(editor.start());
         editor.view("tvRes")->setCurrentIndex(editor->row("rboiler"));
+        host.calls.clear(); // the passport asks where it is used
         editor.action("actOpenScheme")->trigger();
         QCOMPARE(host.calls.size(), 1);
         QCOMPARE(host.calls.first().code, 64);
@@ -541,7 +542,8 @@ private slots:
             editor.action("actOpenScheme")->setEnabled(true);
             editor.action("actOpenScheme")->trigger();
         }
-        QVERIFY(host.calls.isEmpty());
+        for (const auto& call : host.calls)
+            QVERIFY(call.code != 64);
     }
 };
 
