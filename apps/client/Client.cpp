@@ -3,7 +3,6 @@
 #include "apps/client/CloseGuard.h"
 #include "apps/client/FileMirror.h"
 #include "apps/client/FormViewer.h"
-#include "apps/client/HistoryCommands.h"
 #include "apps/client/Inspector.h"
 #include "apps/client/Installation.h"
 #include "apps/client/Launcher.h"
@@ -20,6 +19,7 @@
 #include "apps/client/Workplace.h"
 #include "apps/client/find/FindCommands.h"
 #include "apps/client/find/UsesCommands.h"
+#include "apps/client/history/HistoryCommands.h"
 #include "apps/client/problems/ProblemsPane.h"
 #include "apps/client/start/StorePage.h"
 

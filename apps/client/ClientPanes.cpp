@@ -1,8 +1,6 @@
 // The panes of the client's window and what its status line tells.
 #include "apps/client/Client.h"
 #include "apps/client/FileMirror.h"
-#include "apps/client/HistoryCommands.h"
-#include "apps/client/HistoryPane.h"
 #include "apps/client/Launcher.h"
 #include "apps/client/LogPane.h"
 #include "apps/client/MainWindow.h"
@@ -11,6 +9,8 @@
 #include "apps/client/UnwrittenPane.h"
 #include "apps/client/find/FindCommands.h"
 #include "apps/client/find/UsesCommands.h"
+#include "apps/client/history/HistoryCommands.h"
+#include "apps/client/history/HistoryPane.h"
 #include "apps/client/problems/ProblemsPane.h"
 #include "frame/Keys.h"
 #include "frame/Vocabulary.h"

@@ -1,6 +1,6 @@
 // "Найти всё": what is typed is found while it is typed, and chosen takes one there.
-#include "apps/client/HistoryPane.h"
 #include "apps/client/find/FindPane.h"
+#include "apps/client/history/HistoryPane.h"
 #include "tests/client/FindFixture.h"
 
 #include <QAbstractItemModelTester>

@@ -1,8 +1,8 @@
 // The pane "История": who changed what, live and by the page; and what takes it back.
-#include "apps/client/HistoryPane.h"
 #include "apps/client/HostApp.h"
-#include "apps/client/RevertDialog.h"
-#include "apps/client/VersionsDialog.h"
+#include "apps/client/history/HistoryPane.h"
+#include "apps/client/history/RevertDialog.h"
+#include "apps/client/history/VersionsDialog.h"
 #include "platform/mdx/MdxBuild.h"
 #include "tests/client/RunningClient.h"
 #include "tests/menu/WindowHands.h"

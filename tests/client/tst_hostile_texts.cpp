@@ -1,11 +1,11 @@
 // The client on a store in which every text looks like markup, or never ends: all of it is shown
 // letter by letter, in one line, and nothing waits for its layout.
 #include "apps/client/Client.h"
-#include "apps/client/HistoryModel.h"
 #include "apps/client/LogPane.h"
 #include "apps/client/MainWindow.h"
 #include "apps/client/StatusLine.h"
-#include "apps/client/VersionsDialog.h"
+#include "apps/client/history/HistoryModel.h"
+#include "apps/client/history/VersionsDialog.h"
 #include "platform/mdx/MdxBuild.h"
 #include "tests/client/HostFixture.h"
 

@@ -1,5 +1,5 @@
 // The own actions are taken back and done again by two keys, and those of others stay.
-#include "apps/client/RevertDialog.h"
+#include "apps/client/history/RevertDialog.h"
 #include "platform/mdx/MdxBuild.h"
 #include "tests/client/RunningClient.h"
 

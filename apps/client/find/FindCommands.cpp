@@ -1,8 +1,8 @@
 #include "apps/client/find/FindCommands.h"
 
-#include "apps/client/HistoryCommands.h"
 #include "apps/client/MainWindow.h"
 #include "apps/client/find/FindPane.h"
+#include "apps/client/history/HistoryCommands.h"
 #include "frame/Keys.h"
 #include "frame/Vocabulary.h"
 

@@ -1,4 +1,4 @@
-#include "apps/client/VersionsDialog.h"
+#include "apps/client/history/VersionsDialog.h"
 
 #include "apps/client/FormViewer.h"
 #include "apps/client/LogPane.h"

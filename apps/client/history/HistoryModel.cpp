@@ -1,4 +1,4 @@
-#include "apps/client/HistoryModel.h"
+#include "apps/client/history/HistoryModel.h"
 
 #include "apps/client/Look.h"
 

@@ -1,7 +1,7 @@
 // VersionsDialog.h: the kept versions of the files of a form or of a file: to be looked at, saved
 // elsewhere, or put back.
-#ifndef ORVO_APPS_CLIENT_VERSIONSDIALOG_H
-#define ORVO_APPS_CLIENT_VERSIONSDIALOG_H
+#ifndef ORVO_APPS_CLIENT_HISTORY_VERSIONSDIALOG_H
+#define ORVO_APPS_CLIENT_HISTORY_VERSIONSDIALOG_H
 
 #include "apps/client/People.h"
 #include "apps/client/StoreThread.h"

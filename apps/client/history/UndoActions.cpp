@@ -1,4 +1,4 @@
-#include "apps/client/UndoActions.h"
+#include "apps/client/history/UndoActions.h"
 
 #include "apps/client/LogPane.h"
 #include "apps/client/Look.h"

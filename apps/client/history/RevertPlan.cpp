@@ -1,4 +1,4 @@
-#include "apps/client/RevertPlan.h"
+#include "apps/client/history/RevertPlan.h"
 
 #include "apps/client/People.h"
 #include "frame/Vocabulary.h"

@@ -1,8 +1,8 @@
-#include "apps/client/Reverter.h"
+#include "apps/client/history/Reverter.h"
 
 #include "apps/client/CloseGuard.h"
 #include "apps/client/LogPane.h"
-#include "apps/client/RevertDialog.h"
+#include "apps/client/history/RevertDialog.h"
 #include "frame/Vocabulary.h"
 #include "history/RecordWords.h"
 

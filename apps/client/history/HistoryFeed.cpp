@@ -1,4 +1,4 @@
-#include "apps/client/HistoryFeed.h"
+#include "apps/client/history/HistoryFeed.h"
 
 #include "apps/client/People.h"
 #include "frame/Vocabulary.h"

@@ -1,4 +1,4 @@
-#include "apps/client/RevertDialog.h"
+#include "apps/client/history/RevertDialog.h"
 
 #include "apps/client/Look.h"
 #include "history/RecordWords.h"

@@ -1,11 +1,11 @@
 // HistoryCommands.h: the history in the client: undo and redo in the menu "Правка", the pane
 // "История", and a thread of its own with a connection of its own for both.
-#ifndef ORVO_APPS_CLIENT_HISTORYCOMMANDS_H
-#define ORVO_APPS_CLIENT_HISTORYCOMMANDS_H
+#ifndef ORVO_APPS_CLIENT_HISTORY_HISTORYCOMMANDS_H
+#define ORVO_APPS_CLIENT_HISTORY_HISTORYCOMMANDS_H
 
 #include "apps/client/RecordJump.h"
-#include "apps/client/Reverter.h"
-#include "apps/client/UndoActions.h"
+#include "apps/client/history/Reverter.h"
+#include "apps/client/history/UndoActions.h"
 #include "platform/client/ModuleRegistry.h"
 #include "platform/client/NotificationPump.h"
 

@@ -1,6 +1,6 @@
 // RevertPlan.h: what taking actions back would do, in the words of a question.
-#ifndef ORVO_APPS_CLIENT_REVERTPLAN_H
-#define ORVO_APPS_CLIENT_REVERTPLAN_H
+#ifndef ORVO_APPS_CLIENT_HISTORY_REVERTPLAN_H
+#define ORVO_APPS_CLIENT_HISTORY_REVERTPLAN_H
 
 #include "history/GroupWords.h"
 #include "history/Inverse.h"

@@ -1,6 +1,6 @@
 // HistoryAction.h: an action of the history as it is shown.
-#ifndef ORVO_APPS_CLIENT_HISTORYACTION_H
-#define ORVO_APPS_CLIENT_HISTORYACTION_H
+#ifndef ORVO_APPS_CLIENT_HISTORY_HISTORYACTION_H
+#define ORVO_APPS_CLIENT_HISTORY_HISTORYACTION_H
 
 #include <QString>
 

@@ -7,10 +7,10 @@
 // 1. Only what the log told after the last known change of the store is offered or taken back.
 // 2. The action in the text of a command is the one that it takes back.
 // 3. One step at a time: the next one begins when the last has been answered.
-#ifndef ORVO_APPS_CLIENT_UNDOACTIONS_H
-#define ORVO_APPS_CLIENT_UNDOACTIONS_H
+#ifndef ORVO_APPS_CLIENT_HISTORY_UNDOACTIONS_H
+#define ORVO_APPS_CLIENT_HISTORY_UNDOACTIONS_H
 
-#include "apps/client/Reverter.h"
+#include "apps/client/history/Reverter.h"
 #include "history/Steps.h"
 
 #include <QAction>

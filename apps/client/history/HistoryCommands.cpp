@@ -1,12 +1,12 @@
-#include "apps/client/HistoryCommands.h"
+#include "apps/client/history/HistoryCommands.h"
 
 #include "apps/client/CloseGuard.h"
-#include "apps/client/HistoryPane.h"
 #include "apps/client/HostApp.h"
 #include "apps/client/LogPane.h"
 #include "apps/client/MainWindow.h"
 #include "apps/client/StatusLine.h"
-#include "apps/client/VersionsDialog.h"
+#include "apps/client/history/HistoryPane.h"
+#include "apps/client/history/VersionsDialog.h"
 #include "frame/Keys.h"
 
 #include <QDockWidget>

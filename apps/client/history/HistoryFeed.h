@@ -1,10 +1,10 @@
 // HistoryFeed.h: brings the history into its model: a page whenever the view scrolls to its end,
 // what is made meanwhile, and what is below a row. Everything is read beside the window.
-#ifndef ORVO_APPS_CLIENT_HISTORYFEED_H
-#define ORVO_APPS_CLIENT_HISTORYFEED_H
+#ifndef ORVO_APPS_CLIENT_HISTORY_HISTORYFEED_H
+#define ORVO_APPS_CLIENT_HISTORY_HISTORYFEED_H
 
-#include "apps/client/HistoryModel.h"
 #include "apps/client/StoreThread.h"
+#include "apps/client/history/HistoryModel.h"
 #include "history/Reading.h"
 
 #include <QTimer>

@@ -5,10 +5,10 @@
 // Invariants, asserted in debug builds:
 // 1. Each group has one row.
 // 2. The number of the row in rows() is that of its node less that of the first.
-#ifndef ORVO_APPS_CLIENT_HISTORYMODEL_H
-#define ORVO_APPS_CLIENT_HISTORYMODEL_H
+#ifndef ORVO_APPS_CLIENT_HISTORY_HISTORYMODEL_H
+#define ORVO_APPS_CLIENT_HISTORY_HISTORYMODEL_H
 
-#include "apps/client/HistoryAction.h"
+#include "apps/client/history/HistoryAction.h"
 #include "history/Inverse.h"
 
 #include <QAbstractItemModel>

@@ -1,9 +1,9 @@
 // HistoryPane.h: the pane "История": who changed what and when, filters, and what takes it back.
-#ifndef ORVO_APPS_CLIENT_HISTORYPANE_H
-#define ORVO_APPS_CLIENT_HISTORYPANE_H
+#ifndef ORVO_APPS_CLIENT_HISTORY_HISTORYPANE_H
+#define ORVO_APPS_CLIENT_HISTORY_HISTORYPANE_H
 
-#include "apps/client/HistoryFeed.h"
-#include "apps/client/Reverter.h"
+#include "apps/client/history/HistoryFeed.h"
+#include "apps/client/history/Reverter.h"
 
 #include <QTimer>
 #include <QWidget>

@@ -1,4 +1,4 @@
-#include "apps/client/HistoryPane.h"
+#include "apps/client/history/HistoryPane.h"
 
 #include "apps/client/HostApp.h"
 #include "apps/client/Look.h"

@@ -1,10 +1,10 @@
 // RevertDialog.h: shows what taking actions back would write and what would be left, and asks what
 // only the user can know: where to put what has no folder any more, and whether to delete what
 // others have built on.
-#ifndef ORVO_APPS_CLIENT_REVERTDIALOG_H
-#define ORVO_APPS_CLIENT_REVERTDIALOG_H
+#ifndef ORVO_APPS_CLIENT_HISTORY_REVERTDIALOG_H
+#define ORVO_APPS_CLIENT_HISTORY_REVERTDIALOG_H
 
-#include "apps/client/RevertPlan.h"
+#include "apps/client/history/RevertPlan.h"
 
 #include <QDialog>
 
