@@ -1,6 +1,7 @@
 #include "history/Reading.h"
 
 #include "frame/Vocabulary.h"
+#include "history/LoggedChange.h"
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/ChangeRecord.h"
 #include "platform/store/Merge.h"
@@ -45,6 +46,68 @@ bool holdsText(const store::Change& change, const QString& text) {
     return false;
 }
 
+/// The change of that kind by which the group made or deleted the record; none if it did not.
+store::Status findIn(store::MaintainedStore& store, const Group& group, int code,
+                     const std::pair<const store::TableDef*, std::string>& record,
+                     std::vector<store::Change>* found) {
+    store::LogQuery query; // by the key: a group may be as long as the log
+    query.table = record.first->name;
+    query.key = record.second;
+    query.above = group.id - 1;
+    query.oldestFirst = true;
+    constexpr int mostLooked = 10; // others may write to it while the group is made
+    std::vector<store::Change> changes;
+    store::Status status = store.history(query, mostLooked, &changes);
+    found->clear();
+    for (store::Change& change : changes)
+        if (found->empty() && change.group == group.id && change.code == code)
+            found->push_back(std::move(change));
+    return status;
+}
+
+/// The change with that id; of a record made or deleted that of the one that holds it, as far as
+/// the group has it.
+store::Status findTop(store::MaintainedStore& store, const Group& group, int64_t id,
+                      std::vector<store::Change>* top) {
+    store::LogQuery query;
+    query.above = id - 1;
+    query.below = id + 1;
+    store::Status status = store.history(query, 1, top);
+    std::set<int64_t> seen; // records may stand in a circle
+    while (status.ok() && !top->empty() && top->front().code != OrvoEventUpdate &&
+           seen.insert(top->front().id).second) {
+        std::vector<store::Change> above;
+        for (const auto& place : placesOf(logged(top->front())))
+            if (status.ok() && above.empty())
+                status = findIn(store, group, top->front().code, place, &above);
+        if (above.empty())
+            break;
+        top->swap(above);
+    }
+    return status;
+}
+
+store::Status countAll(store::MaintainedStore& store, Group* group) {
+    std::vector<store::ChangeCount> counts;
+    store::Status status = store.countChanges(group->id, &counts);
+    if (status.ok())
+        group->count = 0;
+    for (const store::ChangeCount& count : counts) {
+        std::vector<store::Change> top;
+        if (status.ok())
+            status = findTop(store, *group, count.first, &top);
+        if (!status.ok())
+            break;
+        group->count += count.count;
+        group->newest = std::max(group->newest, count.last);
+        if (top.empty())
+            continue; // pruned meanwhile
+        group->counts.push_back(count);
+        group->tops.push_back(std::move(top.front()));
+    }
+    return status;
+}
+
 } // namespace
 
 store::Status readGroup(store::MaintainedStore& store, int64_t id, Group* group, int most) {
@@ -63,7 +126,11 @@ store::Status readGroup(store::MaintainedStore& store, int64_t id, Group* group,
     for (const store::Change& change : group->changes)
         if (!change.undoes.empty())
             group->undoes = change.undoes;
-    return status;
+    group->count = static_cast<int64_t>(group->changes.size());
+    group->newest = group->changes.back().id;
+    group->counts.clear();
+    group->tops.clear();
+    return group->whole || most < Group::mostChanges ? status : countAll(store, group);
 }
 
 Reader::Reader(store::MaintainedStore& store, Filter filter)

@@ -22,7 +22,13 @@ struct Group {
     double time = 0;
     std::vector<store::Change> changes; ///< in the order of the log, at most mostChanges
     bool whole = true;                  ///< false: it has more changes than are here
-    std::vector<int64_t> undoes;        ///< the groups that it takes back
+    int64_t count = 0;                  ///< of its changes, as far as they were counted
+    int64_t newest = 0;                 ///< the last of these
+    /// If it was read in part to be described, all its changes by kinds; and for each kind the
+    /// change that it begins with, of records made or deleted the one that holds that record.
+    std::vector<store::ChangeCount> counts;
+    std::vector<store::Change> tops;
+    std::vector<int64_t> undoes; ///< the groups that it takes back
 
     static constexpr int mostChanges = 2000;
 };
@@ -83,7 +89,9 @@ private:
     std::set<std::pair<std::string, std::string>> m_members;
 };
 
-/// The group with that id, with all its changes; without changes if the log does not tell of it.
+/// The group with that id, with all its changes or the first `most` of them; without changes if the
+/// log does not tell of it. If it has more than Group::mostChanges, and so many were asked for, its
+/// changes are counted as well: what is said of it then holds for all.
 store::Status readGroup(store::MaintainedStore& store, int64_t id, Group* group, int most = -1);
 
 } // namespace orvo::history

@@ -78,6 +78,23 @@ QString counted(size_t count, const Noun& noun) {
            numeralForm(count, noun.one, noun.few, noun.many);
 }
 
+QString andMore(size_t count) {
+    return count == 0 ? QString()
+                      : QStringLiteral(" и ещё %1 %2")
+                            .arg(count)
+                            .arg(numeralForm(count, QStringLiteral("запись"),
+                                             QStringLiteral("записи"), QStringLiteral("записей")));
+}
+
+Noun accusative(Noun noun) {
+    const QString word = noun.one.section(QLatin1Char(' '), 0, 0);
+    if (noun.gender == Noun::Feminine && word.endsWith(QStringLiteral("а")))
+        noun.one.replace(word.size() - 1, 1, QStringLiteral("у"));
+    else if (noun.gender == Noun::Feminine && word.endsWith(QStringLiteral("я")))
+        noun.one.replace(word.size() - 1, 1, QStringLiteral("ю"));
+    return noun;
+}
+
 QString nameOf(const store::TableDef& table, const Values& values) {
     for (const char* name : {field::caption, field::name_, field::login_, field::fileExt}) {
         const auto found = values.find(table.find(name));
@@ -168,6 +185,12 @@ QString deedWord(Deed deed, const Noun& noun, size_t count) {
     };
     const auto& forms = words[static_cast<size_t>(deed)];
     return numeralForm(count, text(forms[noun.gender]), text(forms[3]), text(forms[Noun::Neuter]));
+}
+
+QString infinitive(Deed deed) {
+    static const char* const words[] = {"создать",  "удалить", "переименовать", "переместить",
+                                        "изменить", "занять",  "освободить",    "переставить"};
+    return QString::fromUtf8(words[static_cast<size_t>(deed)]);
 }
 
 } // namespace orvo::history

@@ -18,6 +18,10 @@ struct Noun {
 Noun nounOf(const store::TableDef& table, const Values& values);
 /// "4 элемента меню".
 QString counted(size_t count, const Noun& noun);
+/// " и ещё 4 записи"; empty for none.
+QString andMore(size_t count);
+/// What something is done to: "папку ресурсов".
+Noun accusative(Noun noun);
 /// Which of the three forms goes with a number.
 QString numeralForm(size_t count, const QString& one, const QString& few, const QString& many);
 
@@ -42,6 +46,8 @@ QString placeOf(const store::TableDef& table, Values values, RecordSource* sourc
 enum class Deed { Created, Deleted, Renamed, Moved, Changed, Occupied, Released, Ordered };
 /// To so many records: "Создана" (1 or 21 папка), "Созданы" (2), "Создано" (5).
 QString deedWord(Deed deed, const Noun& noun, size_t count = 1);
+/// "переместить".
+QString infinitive(Deed deed);
 
 } // namespace orvo::history
 

@@ -40,6 +40,18 @@ struct LogQuery {
     bool oldestFirst = false;
 };
 
+/// How many changes of one kind a group of the log has.
+struct ChangeCount {
+    /// What of a record an update changed: any field by which it is placed below another one; the
+    /// order among its siblings alone; anything else. Other for all that are no updates.
+    enum Part { Other, Place, Order };
+    std::string table;
+    int code = 0;
+    Part part = Other;
+    int64_t count = 0;
+    int64_t first = 0, last = 0; ///< ids of the first and the last of them
+};
+
 /// Where a write to contentTable() takes the bytes of its content from.
 struct BytesToWrite {
     int64_t version = 0;              ///< a KeptVersion; 0: none
@@ -121,6 +133,9 @@ public:
     /// The newest changes that the query lets pass, newest first (or the oldest, oldest first), at
     /// most `limit` of them.
     virtual Status history(const LogQuery& query, int limit, std::vector<Change>* changes) = 0;
+    /// Counts the changes of a group by their kinds, in the order of their first ones. Their values
+    /// are not read.
+    virtual Status countChanges(int64_t group, std::vector<ChangeCount>* counts) = 0;
     /// All changes of these records after an id, oldest first. Keys in any case; those that no
     /// record can have are passed over.
     virtual Status changesSince(const TableDef& table, const std::vector<std::string>& keys,

@@ -115,6 +115,28 @@ Status PostgresStore::selectChanges(const ChangeQuery& query, std::vector<Change
     return {};
 }
 
+Status PostgresStore::countChanges(int64_t group, std::vector<ChangeCount>* counts) {
+    return guarded([&]() -> Status {
+        const Status status = ready();
+        if (!status.ok())
+            return status;
+        const Connection::NoTimeoutScope noTimeout(m_connection); // a large group
+        const Result result = m_connection.query(
+            countStatement(group, "public.\"NciEvent\"", "pg_catalog.strpos"), {});
+        if (!succeeded(result.get()))
+            return m_connection.failure(logName, result.get());
+        std::vector<ChangeCount> found;
+        for (int i = 0; i < PQntuples(result.get()); ++i)
+            found.push_back({std::string(textAt(result.get(), i, 0)),
+                             static_cast<int>(integerAt(result.get(), i, 1)),
+                             static_cast<ChangeCount::Part>(integerAt(result.get(), i, 2)),
+                             integerAt(result.get(), i, 3), integerAt(result.get(), i, 4),
+                             integerAt(result.get(), i, 5)});
+        counts->swap(found);
+        return {};
+    });
+}
+
 Status PostgresStore::logBefore(double time, int64_t* id, int64_t* count) {
     return guarded([&]() -> Status {
         const Status status = ready();

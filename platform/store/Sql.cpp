@@ -1,9 +1,12 @@
 #include "platform/store/Sql.h"
 
+#include "frame/Vocabulary.h"
+#include "platform/store/Merge.h"
 #include "platform/store/Names.h"
 
 #include <charconv>
 #include <numeric>
+#include <set>
 
 namespace orvo::store {
 
@@ -129,6 +132,26 @@ std::string changesWhere(const ChangeQuery& query, const std::string& log) {
         also("\"call\" = " + literal(query.call));
     return where + " ORDER BY \"id\"" + (query.oldestFirst ? "" : " DESC") + " LIMIT " +
            std::to_string(query.limit);
+}
+
+std::string countStatement(int64_t group, const std::string& log, const std::string& position) {
+    // A quotation mark inside of a value has a backslash before it: this finds names alone.
+    const auto has = [&](const char* field) {
+        return position + "(\"after\", '\"" + field + "\":') > 0";
+    };
+    std::set<std::string> fields;
+    for (const TableDef& table : tables())
+        for (const ParentField& parent : parentFields(table))
+            fields.insert(parent.field);
+    std::string places;
+    for (const std::string& field : fields)
+        places += (places.empty() ? "" : " OR ") + has(field.c_str());
+    return "SELECT \"tableName\", \"code\", CASE WHEN \"code\" <> " +
+           std::to_string(OrvoEventUpdate) + " THEN 0 WHEN " + places + " THEN 1 WHEN " +
+           has(field::order_) + " AND " + position +
+           "(\"after\", ',') = 0 THEN 2 ELSE 0 END AS \"part\", count(*), min(\"id\"), "
+           "max(\"id\") FROM " +
+           log + " WHERE \"group\" = " + std::to_string(group) + " GROUP BY 1, 2, 3 ORDER BY 5";
 }
 
 } // namespace orvo::store

@@ -46,6 +46,9 @@ inline constexpr char versionColumns[] =
 std::string versionsWhere(const VersionQuery& query);
 /// What follows `log`, the name of the log, in a statement that selects these changes.
 std::string changesWhere(const ChangeQuery& query, const std::string& log);
+/// The statement that counts the changes of a group: a row for each ChangeCount, its columns in the
+/// order of the members. `position` is the function that finds a text in another one.
+std::string countStatement(int64_t group, const std::string& log, const std::string& position);
 
 } // namespace orvo::store
 

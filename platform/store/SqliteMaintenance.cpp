@@ -187,6 +187,25 @@ Status SqliteStore::selectChanges(const ChangeQuery& query, std::vector<Change>*
     return statement ? readChanges(statement, changes) : m_connection.failure(logName);
 }
 
+Status SqliteStore::countChanges(int64_t group, std::vector<ChangeCount>* counts) {
+    return guarded([&]() -> Status {
+        Statement statement = m_connection.prepare(countStatement(group, "\"NciEvent\"", "instr"));
+        if (!statement)
+            return m_connection.failure(logName);
+        std::vector<ChangeCount> found;
+        int step = SQLITE_DONE;
+        while ((step = statement.step()) == SQLITE_ROW)
+            found.push_back({validUtf8(std::string(statement.text(0))),
+                             static_cast<int>(statement.integer(1)),
+                             static_cast<ChangeCount::Part>(statement.integer(2)),
+                             statement.integer(3), statement.integer(4), statement.integer(5)});
+        if (step != SQLITE_DONE)
+            return m_connection.failure(logName);
+        counts->swap(found);
+        return {};
+    });
+}
+
 Status SqliteStore::logBefore(double time, int64_t* id, int64_t* count) {
     return guarded([&]() -> Status {
         Statement* statement =

@@ -70,6 +70,7 @@ public:
     Status integrity(std::vector<std::string>* damages) override;
     Status remakeTriggers(std::vector<std::string>* differences) override;
 
+    Status countChanges(int64_t group, std::vector<ChangeCount>* counts) override;
     Status logBefore(double time, int64_t* id, int64_t* count) override;
     bool livesIn(const std::string& file) const override;
     Status backup(const std::string& file, const Progress& progress) override;

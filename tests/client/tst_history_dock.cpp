@@ -145,6 +145,23 @@ private slots:
         QVERIFY2(fields.filter("«x=1»").size() == 1, qPrintable(fields.join('\n')));
     }
 
+    void aLargeActionIsToldWithAllThatItDid() {
+        Fixture fixture;
+        constexpr int below = 2500; // more than is read of an action
+        std::vector<Fields> records = {
+            {{"KeyLink", "top"}, {"caption", "Агрегаты"}, {"FolderKey", "desk"}}};
+        for (int i = 0; i < below; ++i)
+            records.push_back({{"KeyLink", "k" + std::to_string(i)},
+                               {"caption", std::to_string(i)},
+                               {"parent", "top"},
+                               {"FolderKey", "desk"}});
+        fixture.writes(MDX_INSERT, records);
+        QTRY_COMPARE(fixture.undoText(),
+                     QString("Отменить: создать «Агрегаты» и ещё 2500 записей"));
+        fixture.open();
+        QTRY_COMPARE(fixture.what(0), QString("Создан элемент меню «Агрегаты» и ещё 2500 записей"));
+    }
+
     void aLongHistoryComesInByThePage() {
         Fixture fixture;
         constexpr int count = 300;

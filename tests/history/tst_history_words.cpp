@@ -18,6 +18,12 @@ private slots:
     void aBranchIsToldByItsTop();
     void severalOfAKindAreCounted();
     void differentDeedsAreToldByTheFirst();
+    void aNewElementAmongReorderedOnesHoldsNothing();
+    void aLargeBranchIsToldByItsTopAndCounted();
+    void manyOfAKindAreAllCounted();
+    void aMoveAmongManyReorderedIsStillAMove();
+    void aLargeCutIsAMove();
+    void aLargeMixtureIsCountedByTheFirst();
     void occupyingIsToldAsSuch();
     void recordsThatAreGoneKeepTheirNames();
     void valuesUnfold();
@@ -47,6 +53,25 @@ private:
         LoggedRecords source(*m_anna);
         const Status status = readGroup(*m_anna, id, &group);
         return status.ok() ? commandWords(group, source) : QString::fromStdString(status.text);
+    }
+    /// As the menu, the pane and the command read it.
+    QString lineOf(int64_t id) const {
+        Group group;
+        LoggedRecords source(*m_anna);
+        const Status status = readGroup(*m_anna, id, &group, Group::mostChanges);
+        return status.ok() ? describe(group, source).what + " / " + commandWords(group, source)
+                           : QString::fromStdString(status.text);
+    }
+    /// Adds elements below `parent`, if it has one, in one action.
+    static void addMany(Batch& batch, const char* prefix, int count, const char* parent) {
+        for (int i = 0; i < count; ++i) {
+            const QByteArray key = prefix + QByteArray::number(i);
+            if (parent)
+                batch.insert(key.constData(),
+                             {{"caption", QString::number(i)}, {"parent", parent}});
+            else
+                batch.insert(key.constData(), {{"caption", QString::number(i)}});
+        }
     }
     int count(const Filter& filter) const { return int(linesOf(filter).size()); }
 };
@@ -154,6 +179,100 @@ void TestHistoryWords::differentDeedsAreToldByTheFirst() {
                 .send(*m_anna));
     QCOMPARE(words(last(*m_anna)),
              QString("Переименован элемент меню «Я»: было «А» и ещё 2 записи"));
+}
+
+void TestHistoryWords::aNewElementAmongReorderedOnesHoldsNothing() {
+    ORVO_OK(Batch("Menu").insert("a", {{"caption", "А"}}).send(*m_anna));
+    ORVO_OK(Batch("Menu")
+                .insert("b", {{"caption", "Б"}})
+                .update("a", {{"order_", 2000}})
+                .send(*m_anna));
+    QCOMPARE(command(last(*m_anna)), QString("создать «Б»"));
+}
+
+void TestHistoryWords::aLargeBranchIsToldByItsTopAndCounted() {
+    Batch made("Menu");
+    made.insert("top", {{"caption", "Агрегаты"}});
+    addMany(made, "k", 2500, "top");
+    ORVO_OK(made.send(*m_anna));
+    QCOMPARE(lineOf(last(*m_anna)), QString("Создан элемент меню «Агрегаты» и ещё 2500 записей / "
+                                            "создать «Агрегаты» и ещё 2500 записей"));
+    Batch gone("Menu");
+    for (int i = 0; i < 2500; ++i)
+        gone.remove(qPrintable(QString("k%1").arg(i)));
+    gone.remove("TOP");
+    ORVO_OK(gone.send(*m_anna));
+    QCOMPARE(lineOf(last(*m_anna)), QString("Удалён элемент меню «Агрегаты» и ещё 2500 записей / "
+                                            "удалить «Агрегаты» и ещё 2500 записей"));
+}
+
+void TestHistoryWords::manyOfAKindAreAllCounted() {
+    Batch made("Menu");
+    addMany(made, "k", 2521, nullptr);
+    ORVO_OK(made.send(*m_anna));
+    QCOMPARE(lineOf(last(*m_anna)),
+             QString("Создан 2521 элемент меню: «0», «1», «2» … / создать 2521 элемент меню"));
+    Batch changed("Menu");
+    for (int i = 0; i < 2521; ++i) // the first part alone is renamed
+        changed.update(qPrintable(QString("k%1").arg(i)), {{i < 2100 ? "caption" : "params", "x"}});
+    ORVO_OK(changed.send(*m_anna));
+    const QString line = lineOf(last(*m_anna));
+    QVERIFY2(line.startsWith("Изменён 2521 элемент меню: «x», «x», «x» … / ") &&
+                 line.endsWith(" / изменить 2521 элемент меню"),
+             qPrintable(line));
+    ORVO_OK(Batch("MenuFolder").insert("d", {{"caption", "Стол"}}).send(*m_anna));
+    Batch moved("Menu");
+    for (int i = 0; i < 2002; ++i)
+        moved.update(qPrintable(QString("k%1").arg(i)), {{"FolderKey", "d"}});
+    ORVO_OK(moved.send(*m_anna));
+    QVERIFY2(lineOf(last(*m_anna)).startsWith("Перемещены 2002 элемента меню"),
+             qPrintable(lineOf(last(*m_anna))));
+}
+
+void TestHistoryWords::aMoveAmongManyReorderedIsStillAMove() {
+    Batch made("Menu");
+    made.insert("a", {{"caption", "А"}}).insert("b", {{"caption", "Б"}});
+    addMany(made, "k", 2100, "b");
+    ORVO_OK(made.send(*m_anna));
+    Batch moved("Menu");
+    for (int i = 0; i < 2100; ++i)
+        moved.update(qPrintable(QString("k%1").arg(i)), {{"order_", i}});
+    moved.update("a", {{"parent", "b"}, {"order_", 5000}});
+    ORVO_OK(moved.send(*m_anna));
+    QCOMPARE(lineOf(last(*m_anna)),
+             QString("Перемещён элемент меню «А» из верхнего уровня в «Б» / переместить «А»"));
+}
+
+void TestHistoryWords::aLargeCutIsAMove() {
+    Batch before("Menu");
+    before.insert("a", {{"caption", "А"}}).insert("b", {{"caption", "Б"}});
+    before.insert("x", {{"caption", "ГПА"}, {"parent", "a"}});
+    addMany(before, "x", 1100, "x");
+    ORVO_OK(before.send(*m_anna));
+    Batch made("Menu"), gone("Menu");
+    made.insert("y", {{"caption", "ГПА"}, {"parent", "b"}});
+    addMany(made, "y", 1100, "y");
+    ORVO_OK(made.send(*m_anna));
+    const int64_t cut = last(*m_anna);
+    m_anna->joinGroup(cut);
+    for (int i = 0; i < 1100; ++i)
+        gone.remove(qPrintable(QString("x%1").arg(i)));
+    gone.remove("x");
+    ORVO_OK(gone.send(*m_anna));
+    m_anna->joinGroup(0);
+    QCOMPARE(lineOf(cut), QString("Перемещён элемент меню «ГПА» из «А» в «Б» и ещё 1100 записей / "
+                                  "переместить «ГПА» и ещё 1100 записей"));
+}
+
+void TestHistoryWords::aLargeMixtureIsCountedByTheFirst() {
+    ORVO_OK(Batch("Menu").insert("a", {{"caption", "А"}}).send(*m_anna));
+    Batch mixed("Menu");
+    mixed.update("a", {{"caption", "Я"}});
+    addMany(mixed, "k", 2200, nullptr);
+    ORVO_OK(mixed.send(*m_anna));
+    QCOMPARE(lineOf(last(*m_anna)),
+             QString("Переименован элемент меню «Я»: было «А» и ещё 2200 записей / "
+                     "переименовать «Я» и ещё 2200 записей"));
 }
 
 void TestHistoryWords::occupyingIsToldAsSuch() {

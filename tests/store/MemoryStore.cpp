@@ -359,6 +359,13 @@ Status MemoryStore::selectChanges(const ChangeQuery& query, std::vector<Change>*
     return called();
 }
 
+Status MemoryStore::countChanges(int64_t group, std::vector<ChangeCount>* counts) {
+    for (const Change& change : m_content.log)
+        if (change.group == group)
+            counts->push_back({change.table, change.code, {}, 1, change.id, change.id});
+    return called();
+}
+
 Status MemoryStore::logBefore(double time, int64_t* id, int64_t* count) {
     for (const Change& change : m_content.log)
         if (change.time < time) {

@@ -46,6 +46,7 @@ public:
         differences->clear();
         return {};
     }
+    Status countChanges(int64_t group, std::vector<ChangeCount>* counts) override;
     Status logBefore(double time, int64_t* id, int64_t* count) override;
     bool livesIn(const std::string& /*file*/) const override { return false; }
     Status backup(const std::string& file, const Progress& progress) override;

@@ -109,8 +109,8 @@ void print(const history::Group& group, history::RecordSource& source) {
         if (group.changes[i].code == OrvoEventUpdate)
             printFields(change.fields, "        ");
     }
-    if (group.changes.size() > mostChanges)
-        out("    ... и ещё " + std::to_string(group.changes.size() - mostChanges));
+    if (group.count > static_cast<int64_t>(mostChanges))
+        out("    ... и ещё " + std::to_string(group.count - static_cast<int64_t>(mostChanges)));
 }
 
 void printJson(const store::Change& change, history::RecordSource& source) {

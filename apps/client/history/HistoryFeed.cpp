@@ -47,7 +47,7 @@ HistoryRecord recordOf(const store::Change& change, history::RecordSource& sourc
 HistoryAction actionOf(const history::Group& group, history::RecordSource& source) {
     HistoryAction action;
     action.group = group.id;
-    action.newest = group.changes.back().id;
+    action.newest = group.newest;
     action.time = group.time;
     action.login = group.login;
     action.who =
@@ -314,7 +314,7 @@ void HistoryFeed::refresh() {
             page->isRestart = !page->atEnd && reader.reached() > newest + 1;
             groups.erase(std::remove_if(groups.begin(), groups.end(),
                                         [newest](const history::Group& group) {
-                                            return group.changes.back().id <= newest;
+                                            return group.newest <= newest;
                                         }),
                          groups.end());
             return status.ok() ? page->finish(store, groups, from, names) : status;

@@ -1,0 +1,48 @@
+// LargeGroup.h: the words for a group that was counted instead of read whole (Group::counts).
+//
+// What is said holds for all its changes: how many there are of which kind is counted, and of the
+// records only those are named that were read.
+#ifndef ORVO_HISTORY_LARGEGROUP_H
+#define ORVO_HISTORY_LARGEGROUP_H
+
+#include "history/LoggedChange.h"
+#include "history/Reading.h"
+
+#include <QString>
+
+#include <vector>
+
+namespace orvo::history {
+
+class LargeGroup {
+public:
+    /// Both outlive it.
+    LargeGroup(const Group& group, RecordSource& source);
+
+    /// "Удалён элемент меню «Агрегаты» и ещё 2500 записей".
+    QString line() const;
+    /// "удалить «Агрегаты» и ещё 2500 записей".
+    QString command() const;
+    /// The change that the words begin with.
+    const LoggedChange& first() const { return m_kinds.front().top; }
+
+private:
+    struct Kind {
+        const store::ChangeCount* count = nullptr;
+        LoggedChange top;
+    };
+
+    bool isCut() const;
+    bool isFlat() const;
+    size_t total() const;
+    QString names() const;
+
+    const Group& m_group;
+    RecordSource& m_source;
+    std::vector<Kind> m_kinds; ///< what the words are about; at least one
+    bool m_cut = false;
+};
+
+} // namespace orvo::history
+
+#endif

@@ -1,0 +1,155 @@
+#include "history/LoggedChange.h"
+
+#include "frame/Vocabulary.h"
+#include "platform/store/ChangeRecord.h"
+#include "platform/store/Merge.h"
+#include "platform/store/Names.h"
+
+#include <algorithm>
+
+namespace orvo::history {
+
+namespace {
+
+/// What a change of an existing record was.
+void classify(LoggedChange& read) {
+    const store::TableDef& table = *read.table;
+    if (read.change->code != OrvoEventUpdate) {
+        read.deed = read.change->code == OrvoEventInsert ? Deed::Created : Deed::Deleted;
+        return;
+    }
+    const auto changes = [&](const char* name) {
+        const store::Value* now = valueIn(table, read.after, name);
+        const store::Value* was = valueIn(table, read.before, name);
+        return now && (!was || !(*now == *was));
+    };
+    for (const store::ParentField& parent : store::parentFields(table))
+        if (changes(parent.field)) {
+            read.deed = Deed::Moved;
+            read.above = store::findTable(parent.table);
+            const store::Value* was = valueIn(table, read.before, parent.field);
+            read.from = was ? store::textOf(*was) : std::string();
+            read.to = store::textOf(*valueIn(table, read.after, parent.field));
+            return;
+        }
+    if (changes(field::caption) ||
+        (table.find(field::caption) < 0 && (changes(field::name_) || changes(field::login_))))
+        read.deed = Deed::Renamed;
+    else if (changes(field::UsersKey))
+        read.deed = store::textOf(*valueIn(table, read.after, field::UsersKey)).empty()
+                        ? Deed::Released
+                        : Deed::Occupied;
+    else if (changes(field::order_) && read.after.size() == 1)
+        read.deed = Deed::Ordered;
+}
+
+QString nameOfKey(const store::TableDef* table, const std::string& key, RecordSource& source) {
+    const QString name =
+        table && !key.empty() ? nameOf(*table, source.valuesOf(*table, key)) : QString();
+    return name.isEmpty() ? QString() : quoted(name);
+}
+
+} // namespace
+
+const store::Value* valueIn(const store::TableDef& table, const Values& values, const char* name) {
+    const auto found = values.find(table.find(name));
+    return found == values.end() ? nullptr : &found->second;
+}
+
+Values known(const LoggedChange& read, RecordSource& source) {
+    Values values;
+    if (read.change->code == OrvoEventUpdate)
+        values = source.valuesOf(*read.table, read.change->key);
+    for (const auto& [field, value] : read.before)
+        values[field] = value;
+    for (const auto& [field, value] : read.after)
+        values[field] = value;
+    return values;
+}
+
+LoggedChange logged(const store::Change& change) {
+    LoggedChange read;
+    read.change = &change;
+    read.table = tableOf(change.table);
+    if (!read.table)
+        return read;
+    read.after = store::valuesFromJson(*read.table, change.after);
+    read.before = store::valuesFromJson(*read.table, change.before);
+    classify(read);
+    return read;
+}
+
+std::vector<std::pair<const store::TableDef*, std::string>> placesOf(const LoggedChange& read) {
+    std::vector<std::pair<const store::TableDef*, std::string>> places;
+    if (!read.table)
+        return places;
+    const Values& values = read.deed == Deed::Deleted ? read.before : read.after;
+    for (const store::ParentField& parent : store::parentFields(*read.table))
+        if (const store::Value* link = valueIn(*read.table, values, parent.field);
+            link && !store::textOf(*link).empty())
+            places.emplace_back(store::findTable(parent.table), store::textOf(*link));
+    return places;
+}
+
+bool isPlacedBelow(const LoggedChange& read, const LoggedChange& above) {
+    const auto places = placesOf(read);
+    return std::any_of(places.begin(), places.end(), [&](const auto& place) {
+        return place.first == above.table &&
+               store::foldedKey(place.second) == store::foldedKey(above.change->key);
+    });
+}
+
+LoggedChange movedBy(const LoggedChange& made, const LoggedChange& gone) {
+    LoggedChange read = made;
+    read.deed = Deed::Moved;
+    for (const store::ParentField& parent : store::parentFields(*read.table)) {
+        const store::Value* to = valueIn(*read.table, read.after, parent.field);
+        const store::Value* from = valueIn(*read.table, gone.before, parent.field);
+        if (!to || store::textOf(*to).empty())
+            continue;
+        read.above = store::findTable(parent.table);
+        read.to = store::textOf(*to);
+        read.from = from ? store::textOf(*from) : std::string();
+        break;
+    }
+    return read;
+}
+
+QString fromTo(const LoggedChange& read, RecordSource& source) {
+    const QString top = QStringLiteral("верхнего уровня");
+    const QString from = nameOfKey(read.above, read.from, source);
+    const QString to = nameOfKey(read.above, read.to, source);
+    return QStringLiteral(" из %1 %2")
+        .arg(from.isEmpty() ? top : from,
+             to.isEmpty() ? QStringLiteral("на верхний уровень") : QStringLiteral("в %1").arg(to));
+}
+
+QString sentence(const LoggedChange& read, RecordSource& source) {
+    if (!read.table)
+        return QStringLiteral("Изменена таблица %1")
+            .arg(quoted(QString::fromStdString(read.change->table)));
+    const store::TableDef& table = *read.table;
+    const Values values = known(read, source);
+    QString line = deedWord(read.deed, nounOf(table, values)) + QLatin1Char(' ') +
+                   recordWords(table, values, read.change->key);
+    if (read.deed == Deed::Renamed) {
+        Values was = values;
+        for (const auto& [field, value] : read.before)
+            was[field] = value;
+        if (nameOf(table, was) != nameOf(table, values))
+            line += nameOf(table, was).isEmpty()
+                        ? QStringLiteral(": не было названия")
+                        : QStringLiteral(": было ") + quoted(nameOf(table, was));
+    }
+    return read.deed == Deed::Moved ? line + fromTo(read, source) : line;
+}
+
+QString objectWords(const LoggedChange& read, RecordSource& source) {
+    const Values values = known(read, source);
+    const QString name = nameOf(*read.table, values);
+    return name.isEmpty() ? accusative(nounOf(*read.table, values)).one + QLatin1Char(' ') +
+                                QString::fromStdString(read.change->key)
+                          : quoted(name);
+}
+
+} // namespace orvo::history
