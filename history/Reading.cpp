@@ -133,9 +133,10 @@ store::Status readGroup(store::MaintainedStore& store, int64_t id, Group* group,
     return group->whole || most < Group::mostChanges ? status : countAll(store, group);
 }
 
-Reader::Reader(store::MaintainedStore& store, Filter filter)
+Reader::Reader(store::MaintainedStore& store, Filter filter, BranchMembers* members)
     : m_store(store)
-    , m_filter(std::move(filter)) {
+    , m_filter(std::move(filter))
+    , m_known(members) {
     m_query.table = m_filter.table;
     m_query.key = m_filter.key;
     m_query.login = m_filter.login;
@@ -149,40 +150,11 @@ store::Status Reader::begin() {
     m_begun = true;
     if (!m_filter.branch)
         return {};
-    // As it is spelled: not every field that names a record is compared as keys are.
-    std::vector<std::pair<const store::TableDef*, std::string>> open = {
-        {m_filter.branch->table, m_filter.branch->key}};
-    std::map<std::string, std::vector<store::Value>> top;
-    store::Status found =
-        m_store.storedValues(*m_filter.branch->table, {m_filter.branch->key}, &top);
-    if (!found.ok())
-        return found;
-    if (!top.empty())
-        open.front().second = store::textOf(top.begin()->second.front());
-    while (!open.empty()) {
-        const auto [table, key] = open.back();
-        open.pop_back();
-        if (!m_members.insert({table->name, store::foldedKey(key)}).second)
-            continue;
-        for (const store::TableDef& below : store::tables())
-            for (const store::ParentField& parent : store::parentFields(below)) {
-                if (std::string_view(parent.table) != table->name)
-                    continue;
-                CMDArray rows;
-                store::Status status =
-                    fetchNaming(m_store, below, below.find(parent.field), key, rows.array);
-                if (!status.ok())
-                    return status;
-                for (uint32_t i = 0; i < mdx::postedCount(rows.array); ++i) {
-                    const char* text = nullptr;
-                    uint32_t length = 0;
-                    if (MDRGetTextRef(MDRFldByNum(rows.array, 0), mdx::postedRecord(rows.array, i),
-                                      &length, &text) == MDX_OK)
-                        open.emplace_back(&below, std::string(text, length));
-                }
-            }
-    }
-    return {};
+    BranchMembers own(*m_filter.branch);
+    BranchMembers& members = m_known != nullptr ? *m_known : own;
+    store::Status status = members.update(m_store);
+    m_members = members.records();
+    return status;
 }
 
 /// Going back in time a record joins the branch at the change that took it out, and leaves it at

@@ -2,7 +2,7 @@
 #ifndef ORVO_HISTORY_READING_H
 #define ORVO_HISTORY_READING_H
 
-#include "history/RecordSource.h"
+#include "history/BranchMembers.h"
 
 #include <QString>
 
@@ -33,13 +33,6 @@ struct Group {
     static constexpr int mostChanges = 2000;
 };
 
-/// A record and everything below it: elements below an element, a desktop's elements, what is in
-/// folders.
-struct Branch {
-    const store::TableDef* table = nullptr;
-    std::string key;
-};
-
 /// Which groups are wanted: those with a change that every given condition lets pass.
 struct Filter {
     std::string table;                ///< of this table
@@ -58,7 +51,9 @@ struct Filter {
 /// those leave, a portion a call, so that no call takes long however long the log is.
 class Reader {
 public:
-    Reader(store::MaintainedStore& store, Filter filter);
+    /// `members`: of the filter's branch, if somebody keeps them for several readers; they are
+    /// brought up to date. They outlive the first reading.
+    Reader(store::MaintainedStore& store, Filter filter, BranchMembers* members = nullptr);
 
     /// Adds the next groups, at most `most` of them, in the order of their last changes. May add
     /// fewer, or none, although there are more.
@@ -66,9 +61,6 @@ public:
     /// The same with single changes, newest first.
     store::Status nextChanges(size_t most, std::vector<store::Change>* changes);
     bool atEnd() const { return m_end; }
-    /// Of the changes with this id or a higher one all that pass were handed over; 0: none were
-    /// read.
-    int64_t reached() const { return m_query.below; }
 
 private:
     store::Status begin();
@@ -80,13 +72,14 @@ private:
 
     store::MaintainedStore& m_store;
     const Filter m_filter;
+    BranchMembers* const m_known; ///< null: nobody keeps them
     store::LogQuery m_query;
     bool m_begun = false;
     bool m_end = false;
     std::set<int64_t> m_given; ///< ids of groups
     /// Records of the branch as it was at the place that reading has reached, by table and folded
     /// key.
-    std::set<std::pair<std::string, std::string>> m_members;
+    BranchMembers::Records m_members;
 };
 
 /// The group with that id, with all its changes or the first `most` of them; without changes if the

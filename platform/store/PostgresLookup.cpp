@@ -68,6 +68,19 @@ Status PostgresStore::selectKeys(const TableDef& table, const std::vector<int>& 
                 Parameters().text(list), each);
 }
 
+Status PostgresStore::selectNaming(const TableDef& table, int field,
+                                   const std::vector<std::string>& keys, const EachRow& each) {
+    const FieldDef& def = table.fields[static_cast<size_t>(field)];
+    const std::string value =
+        isKeyOrLink(table, def) ? foldedEquals(table, def, "wanted") : exactlyEquals(def, "wanted");
+    const std::string list = lines(keys);
+    return rows(table, {0},
+                "SELECT \"KeyLink\" FROM unnest(string_to_array($1, E'\\n') COLLATE \"C\") AS "
+                "wanted JOIN " +
+                    qualified(table.name) + " ON " + value,
+                Parameters().text(list), each);
+}
+
 Status PostgresStore::changesOf(const TableDef& table, const std::vector<std::string>& keys,
                                 int64_t since, std::vector<Change>* changes) {
     const Status status = drainPipeline(); // what was sent before has to show

@@ -1,5 +1,6 @@
 #include "platform/store/PostgresSchema.h"
 
+#include "frame/Vocabulary.h"
 #include "platform/store/Names.h"
 #include "platform/store/Sql.h"
 
@@ -31,7 +32,23 @@ Status version(Connection& connection, size_t newest, int64_t* version) {
     return {};
 }
 
+/// Whether a value is found in the index of that text, which holds the beginnings of the values.
+std::string indexed(const std::string& text, const std::string& value) {
+    return "left(" + text + ", 100) = left(" + value + ", 100) AND " + text + " = " + value;
+}
+
 } // namespace
+
+std::string foldedEquals(const TableDef& table, const FieldDef& field, const std::string& value) {
+    const std::string folded = "lower(" + identifier(field.name) + ")";
+    return &field == &table.fields.front() ? folded + " = " + value : indexed(folded, value);
+}
+
+std::string exactlyEquals(const FieldDef& field, const std::string& value) {
+    const std::string name = identifier(field.name);
+    return std::string_view(field.name) == field::FolderKey ? indexed(name, value)
+                                                            : name + " = " + value;
+}
 
 std::string qualified(std::string_view name) {
     return "public." + identifier(name);

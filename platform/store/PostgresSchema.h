@@ -73,6 +73,10 @@ std::string differingDefinitions(const Dictionary& dictionary);
 /// A query for what PUBLIC may do with the database and its schema and is not to, a line each.
 std::string looseRightsQuery();
 
+/// Conditions by which the field's index serves, if it has one. `value` is an expression, folded
+/// already for the first.
+std::string foldedEquals(const TableDef& table, const FieldDef& field, const std::string& value);
+std::string exactlyEquals(const FieldDef& field, const std::string& value);
 /// The expression, over "MenuResource", that gives foldedName() of the name.
 const std::string& foldedNameExpression();
 /// The same behind the folded link to a folder (empty for NULL) and "/".

@@ -39,23 +39,6 @@ void writeRecord(const TableDef& table, const PGresult* result, int row,
     writer.end();
 }
 
-/// Whether a value is found in the index of that text, which holds the beginnings of the values.
-std::string indexed(const std::string& text, const std::string& value) {
-    return "left(" + text + ", 100) = left(" + value + ", 100) AND " + text + " = " + value;
-}
-
-/// Conditions by which the field's index serves, if it has one. `value` is an expression, folded
-/// already for the first.
-std::string foldedEquals(const TableDef& table, const FieldDef& field, const std::string& value) {
-    const std::string folded = "lower(" + identifier(field.name) + ")";
-    return &field == &table.fields.front() ? folded + " = " + value : indexed(folded, value);
-}
-std::string exactlyEquals(const FieldDef& field, const std::string& value) {
-    const std::string name = identifier(field.name);
-    return std::string_view(field.name) == field::FolderKey ? indexed(name, value)
-                                                            : name + " = " + value;
-}
-
 } // namespace
 
 PostgresStore::PostgresStore(Url url, Connection connection, const std::string& login,

@@ -100,6 +100,8 @@ protected:
     Status changeLogin(const std::string& login, const UserChange& change) override;
     Status removeLogin(const std::string& login) override;
     bool hasLogins() const override { return true; }
+    Status selectNaming(const TableDef& table, int field, const std::vector<std::string>& keys,
+                        const EachRow& each) override;
     Status selectKeys(const TableDef& table, const std::vector<int>& fields,
                       const std::vector<std::string>& keys,
                       const std::function<void(const Row& row)>& each) override;

@@ -77,6 +77,19 @@ Status SqliteStore::selectKeys(const TableDef& table, const std::vector<int>& fi
     return rows(*statement, fields.size(), each);
 }
 
+Status SqliteStore::selectNaming(const TableDef& table, int field,
+                                 const std::vector<std::string>& keys, const EachRow& each) {
+    // The field's own collation decides, as its index does.
+    Statement* statement = cached("SELECT \"KeyLink\" FROM " + identifier(table.name) + " WHERE " +
+                                  identifier(table.fields[static_cast<size_t>(field)].name) +
+                                  " IN (SELECT \"value\" FROM json_each(?1))");
+    if (statement == nullptr)
+        return m_connection.failure(inTable(table));
+    const std::string list = jsonList(keys);
+    statement->bind(1, std::string_view(list));
+    return rows(*statement, 1, each);
+}
+
 Status SqliteStore::changesOf(const TableDef& table, const std::vector<std::string>& keys,
                               int64_t since, std::vector<Change>* changes) {
     Statement* statement =

@@ -94,6 +94,8 @@ protected:
                         const EachRow& each) override;
     Status changedSince(const TableDef& table, int64_t since, int64_t* newest,
                         bool* changed) override;
+    Status selectNaming(const TableDef& table, int field, const std::vector<std::string>& keys,
+                        const EachRow& each) override;
     Status selectKeys(const TableDef& table, const std::vector<int>& fields,
                       const std::vector<std::string>& keys,
                       const std::function<void(const Row& row)>& each) override;

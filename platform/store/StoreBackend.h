@@ -69,6 +69,10 @@ public:
     /// Adds the folded keys of those of them that are stored.
     Status storedKeys(const TableDef& table, const std::vector<std::string>& keys,
                       std::set<std::string>* stored);
+    /// Selects the keys of the records whose text field equals one of these keys, folded ones for a
+    /// link, exactly for any other field.
+    virtual Status selectNaming(const TableDef& table, int field,
+                                const std::vector<std::string>& keys, const EachRow& each) = 0;
     /// Applies one write, inside inWrite. An insert of an existing key is Refused; update and
     /// delete of a missing one do nothing. With a resource its contents go too.
     virtual Status apply(const TableDef& table, const Write& write) = 0;

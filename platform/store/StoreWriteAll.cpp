@@ -4,6 +4,8 @@
 #include "platform/store/Sql.h"
 #include "platform/store/StoreCore.h"
 
+#include <algorithm>
+#include <iterator>
 #include <limits>
 #include <numeric>
 #include <set>
@@ -89,6 +91,31 @@ Status StoreCore::storedValues(const TableDef& table, const std::vector<std::str
             return selectKeys(table, fields, folded, [&](const Row& row) {
                 values->insert_or_assign(foldedKey(textOf(row.front())), row);
             });
+        });
+    });
+}
+
+Status StoreCore::keysNaming(const TableDef& table, int field, const std::vector<std::string>& keys,
+                             std::vector<std::string>* found) {
+    return guarded([&]() -> Status {
+        if (field < 0 || static_cast<size_t>(field) >= table.fields.size())
+            return {UnknownName, inTable(table) + ": нет такого поля"};
+        std::vector<std::string> wanted;
+        if (isKeyOrLink(table, table.fields[static_cast<size_t>(field)]))
+            wanted = foldedKeys(keys);
+        else
+            std::copy_if(keys.begin(), keys.end(), std::back_inserter(wanted),
+                         [](const std::string& key) { return isKey(key); });
+        constexpr size_t most = 5000; // a statement
+        return inRead([&]() -> Status {
+            Status status;
+            for (size_t i = 0; i < wanted.size() && status.ok(); i += most)
+                status = selectNaming(
+                    table, field,
+                    {wanted.begin() + static_cast<ptrdiff_t>(i),
+                     wanted.begin() + static_cast<ptrdiff_t>(std::min(i + most, wanted.size()))},
+                    [&](const Row& row) { found->push_back(textOf(row.front())); });
+            return status;
         });
     });
 }

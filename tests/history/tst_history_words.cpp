@@ -30,6 +30,8 @@ private slots:
     void pagesGoBackToTheBeginning();
     void filtersLeaveWhatIsAskedFor();
     void aBranchIsFollowedBackInTime();
+    void aKnownBranchFollowsTheLog();
+    void aKnownBranchOutlivesAPrunedLog();
     void thirdPartyTablesAreNamed();
 
 private:
@@ -364,6 +366,45 @@ void TestHistoryWords::aBranchIsFollowedBackInTime() {
     filter.branch = Branch{findTable("MenuFolder"), "D"};
     const std::vector<QString> lines = linesOf(filter);
     QVERIFY2(lines.size() == 8, qPrintable(QStringList(lines.begin(), lines.end()).join('\n')));
+}
+
+void TestHistoryWords::aKnownBranchFollowsTheLog() {
+    ORVO_OK(Batch("MenuFolder").insert("D", {{"caption", "Стол"}}).send(*m_anna));
+    ORVO_OK(Batch("Menu")
+                .insert("m", {{"FolderKey", "D"}})
+                .insert("out", {{"FolderKey", "other"}})
+                .insert("below", {{"parent", "OUT"}})
+                .send(*m_anna));
+    BranchMembers known({findTable("MenuFolder"), "d"});
+    const auto look = [&] {
+        BranchMembers fresh({findTable("MenuFolder"), "d"});
+        const Status status = known.update(*m_anna);
+        return status.ok() && fresh.update(*m_anna).ok() && known.records() == fresh.records();
+    };
+    QVERIFY(look());
+    ORVO_OK(
+        Batch("Menu").insert("n", {{"parent", "M"}}).insert("o", {{"parent", "n"}}).send(*m_boris));
+    ORVO_OK(Batch("Menu").update("m", {{"caption", "x"}}).send(*m_boris));
+    QVERIFY(look());
+    ORVO_OK(Batch("Menu").update("out", {{"parent", "o"}}).send(*m_boris)); // with what is below
+    QVERIFY(look());
+    QCOMPARE(known.lookUps(), 1);
+    ORVO_OK(Batch("Menu").update("n", {{"parent", "elsewhere"}}).send(*m_boris));
+    QVERIFY(look());
+    QCOMPARE(known.lookUps(), 2);
+}
+
+void TestHistoryWords::aKnownBranchOutlivesAPrunedLog() {
+    ORVO_OK(Batch("MenuFolder").insert("d", {{"caption", "Стол"}}).send(*m_anna));
+    BranchMembers known({findTable("MenuFolder"), "d"});
+    ORVO_OK(known.update(*m_anna));
+    ORVO_OK(Batch("Menu").insert("m", {{"FolderKey", "d"}}).send(*m_boris));
+    ORVO_OK(Batch("Users").insert("u", {{"login_", "x"}}).send(*m_boris));
+    int64_t position = 0;
+    ORVO_OK(m_anna->logPosition(&position));
+    ORVO_OK(m_anna->pruneLog(position - 1));
+    ORVO_OK(known.update(*m_anna));
+    QCOMPARE(known.records().size(), size_t(2));
 }
 
 void TestHistoryWords::thirdPartyTablesAreNamed() {

@@ -161,6 +161,17 @@ Status MemoryStore::selectKeys(const TableDef& table, const std::vector<int>& fi
     return called();
 }
 
+Status MemoryStore::selectNaming(const TableDef& table, int field,
+                                 const std::vector<std::string>& keys, const EachRow& each) {
+    const bool isLink = isKeyOrLink(table, table.fields[static_cast<size_t>(field)]);
+    for (const auto& [key, row] : m_content.tables[table.name]) {
+        const std::string value = textOf(row[static_cast<size_t>(field)]);
+        if (std::find(keys.begin(), keys.end(), isLink ? foldedKey(value) : value) != keys.end())
+            each(picked(row, {0}));
+    }
+    return called();
+}
+
 void MemoryStore::logChange(const TableDef& table, int code, const std::string& key,
                             const Row& after, const Row& before) {
     Change change;

@@ -64,6 +64,8 @@ protected:
                        const Value& value, const EachRow& each) override;
     Status selectInOrder(const TableDef& table,
                          const std::function<Status(const Row& row)>& each) override;
+    Status selectNaming(const TableDef& table, int field, const std::vector<std::string>& keys,
+                        const EachRow& each) override;
     Status selectKeys(const TableDef& table, const std::vector<int>& fields,
                       const std::vector<std::string>& keys, const EachRow& each) override;
     Status apply(const TableDef& table, const Write& write) override;

@@ -110,10 +110,25 @@ QString momentText(double time) {
 } // namespace
 
 struct HistoryFeed::Reading {
-    history::Filter filter;
+    explicit Reading(history::Filter wanted) : filter(std::move(wanted)) {}
+
+    const history::Filter filter;
     std::unique_ptr<history::Reader> reader; ///< null at first
     uint64_t opening = 0;                    ///< on which it reads
-    double reached = 0;                      ///< time of the last change looked at; 0: unknown
+
+    /// The records of the filter's branch; null if it has none.
+    history::BranchMembers* members(const StoreThread& thread) {
+        if (!filter.branch)
+            return nullptr;
+        if (!m_members || m_membersOf != thread.openings())
+            m_members = std::make_unique<history::BranchMembers>(*filter.branch);
+        m_membersOf = thread.openings();
+        return m_members.get();
+    }
+
+private:
+    std::unique_ptr<history::BranchMembers> m_members;
+    uint64_t m_membersOf = 0; ///< the opening
 };
 
 struct HistoryFeed::Page {
@@ -181,8 +196,7 @@ void HistoryFeed::setFilter(const history::Filter& filter) {
 
 void HistoryFeed::reload() {
     ++m_round;
-    m_reading = std::make_shared<Reading>();
-    m_reading->filter = m_filter;
+    m_reading = std::make_shared<Reading>(m_filter);
     m_begun = m_outdated = m_refreshing = false;
     m_newest = 0;
     m_model.clear();
@@ -249,7 +263,8 @@ void HistoryFeed::more() {
                 return status;
             if (!reading->reader || reading->opening != thread->openings()) {
                 page->isRestart = reading->reader != nullptr;
-                reading->reader = std::make_unique<history::Reader>(store, reading->filter);
+                reading->reader = std::make_unique<history::Reader>(store, reading->filter,
+                                                                    reading->members(*thread));
                 reading->opening = thread->openings();
             }
             std::vector<history::Group> groups;
@@ -301,22 +316,19 @@ void HistoryFeed::refresh() {
     auto page = std::make_shared<Page>();
     m_thread.run(
         this,
-        [page, filter = m_filter, newest = m_newest, from = m_model.oldestGroup(),
+        [page, reading = m_reading, thread = &m_thread, newest = m_newest,
+         from = m_model.oldestGroup(),
          names = m_namesAreOld](store::MaintainedStore& store) -> store::Status {
             store::Status status = store.logPosition(&page->position);
             if (!status.ok())
                 return status;
-            history::Reader reader(store, filter);
+            history::Filter newer = reading->filter;
+            newer.above = newest;
+            history::Reader reader(store, newer, reading->members(*thread));
             std::vector<history::Group> groups;
             status = reader.next(pageSize, &groups);
-            page->atEnd = reader.atEnd();
             // So many that they do not meet those on show: from the newest on.
-            page->isRestart = !page->atEnd && reader.reached() > newest + 1;
-            groups.erase(std::remove_if(groups.begin(), groups.end(),
-                                        [newest](const history::Group& group) {
-                                            return group.newest <= newest;
-                                        }),
-                         groups.end());
+            page->isRestart = !reader.atEnd();
             return status.ok() ? page->finish(store, groups, from, names) : status;
         },
         [this, page, round = m_round](const store::Status& status) {
