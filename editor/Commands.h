@@ -35,7 +35,7 @@ inline constexpr char menuProperty[] = "orvoMenu";
 /// And this one: its place among the others.
 inline constexpr char placeProperty[] = "orvoPlace";
 /// An action that a command triggers has this one: the ids of the commands, split by blanks.
-inline constexpr char commandProperty[] = "orvoCommand";
+using keys::commandProperty;
 
 class Commands : public QObject {
     Q_OBJECT

@@ -5,10 +5,10 @@
 #include "frame/Records.h"
 #include "frame/ScratchTable.h"
 #include "frame/ViewRows.h"
-#include "frame/WindowParts.h"
 #include "picker/PopObjectList.h"
 
 #include <QCoreApplication>
+#include <QMenu>
 #include <QTreeView>
 
 namespace orvo::editor {
@@ -83,6 +83,28 @@ void EditorWindow::bindSelection(QTreeView* tree, std::function<SelectedRecords(
     connect(tree->model(), &QAbstractItemModel::dataChanged, &m_showSelected, soon);
     connect(m_propModel.get(), &QAbstractItemModel::rowsInserted, &m_showSelected, soon);
     connect(this, &EditorWindow::editStateChanged, &m_showSelected, soon);
+}
+
+void EditorWindow::bindRecord(QTreeView* pane, const std::function<RecordName()>& record) {
+    for (const char* id : keys::recordCommands)
+        commands().bind(
+            id, pane, nullptr, [this, record, id] { runForRecord(*m_app, record(), id); },
+            [this, record, id] { return offersForRecord(*m_app, record(), id); }, true);
+}
+
+void EditorWindow::bindPassportRecord(const std::function<RecordName()>& record) {
+    QTreeView* view = m_passportView;
+    bindRecord(view, record);
+    view->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(view, &QTreeView::customContextMenuRequested, this,
+            [this, view, record](const QPoint& point) {
+                const RecordName named = record();
+                QMenu menu;
+                if (!named.key.isEmpty())
+                    m_app->addRecordActions(&menu, named.table, named.key);
+                if (!menu.isEmpty())
+                    execMenu(menu, view->viewport()->mapToGlobal(point));
+            });
 }
 
 void EditorWindow::showSelected() {

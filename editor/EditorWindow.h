@@ -27,6 +27,7 @@
 #include "editor/SelectionEdit.h"
 #include "editor/TypedValues.h"
 #include "frame/Launch.h"
+#include "frame/WindowParts.h"
 #include "models/Passport.h"
 #include "models/models.h"
 #include "picker/ObjectListOwner.h"
@@ -116,6 +117,10 @@ protected:
     void noteTyped(const QString& rowName);
     /// Adds what the open edit of that record writes to the other selected ones.
     void writeToSelected(ScratchTable& out, const QString& key, const QModelIndex& row);
+    /// Binds in a pane what the host offers for records; `record`: the one of the current row.
+    void bindRecord(QTreeView* pane, const std::function<RecordName()>& record);
+    /// The same in the passport, which gets a context menu of it: the record that it is of.
+    void bindPassportRecord(const std::function<RecordName()>& record);
     /// Switches the actions of a pane on as a click on its current row does.
     virtual void enableActions(QTreeView* /*pane*/) {}
     /// Shows a context menu. What it offers stays as it is while keys walk through it, although the

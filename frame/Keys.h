@@ -50,6 +50,9 @@ inline constexpr char preview[] = "preview";
 inline constexpr char openForm[] = "openForm";
 inline constexpr char palette[] = "palette";
 inline constexpr char history[] = "history";
+inline constexpr char rowHistory[] = "rowHistory";
+inline constexpr char branchHistory[] = "branchHistory";
+inline constexpr char versions[] = "versions";
 inline constexpr char problems[] = "problems";
 inline constexpr char find[] = "find";
 inline constexpr char findAll[] = "findAll";
@@ -100,6 +103,9 @@ inline constexpr Command commands[] = {
     {openForm, Menu::View, "Ctrl+Return", "Открыть схему", "открыть текущую форму"},
     {palette, Menu::View, "F7", "Выбор ресурсов рядом", "список ресурсов, который остаётся рядом с меню"},
     {history, Menu::View, "F4", "История", "открыть или закрыть историю изменений"},
+    {rowHistory, Menu::View, "Shift+F4", "История строки", "кто и когда менял текущую строку"},
+    {branchHistory, Menu::View, "Ctrl+Shift+F4", "История со всем, что внутри", "то же о строке и всём, что внутри неё"},
+    {versions, Menu::View, "Ctrl+H", "Прежние версии…", "прежнее содержимое текущей формы или файла"},
     {problems, Menu::View, "F8", "Проблемы", "открыть или закрыть список того, что не так"},
     {find, Menu::Go, "Ctrl+F", "Найти", "поле поиска дерева, в котором стоит курсор"},
     {findAll, Menu::Go, "Ctrl+K", "Найти всё", "поиск по столам, элементам, ресурсам, файлам и людям"},
@@ -120,6 +126,11 @@ inline constexpr Command commands[] = {
     {help, Menu::Help, "F1", "Руководство", "руководство на главе о том, где стоит курсор"},
 };
 // clang-format on
+
+/// What the host offers for a record under a command has the id of that as this property.
+inline constexpr char commandProperty[] = "orvoCommand";
+/// Those commands.
+inline constexpr const char* recordCommands[] = {rowHistory, branchHistory, versions};
 
 /// The command of that id; null if the list has none.
 inline const Command* command(const QString& id) {

@@ -1,5 +1,6 @@
 #include "frame/WindowParts.h"
 
+#include "frame/Keys.h"
 #include "frame/RowDelegate.h"
 #include "frame/Vocabulary.h"
 
@@ -67,6 +68,18 @@ protected:
         return true;
     }
 };
+
+/// The action of the host for a record; null if there is none. The menu's.
+QAction* recordAction(QMenu& menu, COrvoCliApp& app, const RecordName& record,
+                      const char* command) {
+    if (record.key.isEmpty())
+        return nullptr;
+    app.addRecordActions(&menu, record.table, record.key);
+    for (QAction* action : menu.actions())
+        if (action->property(keys::commandProperty).toString() == QLatin1String(command))
+            return action;
+    return nullptr;
+}
 
 } // namespace
 
@@ -172,6 +185,17 @@ void arrangePassport(QTreeView* view) {
     view->setHeaderHidden(true);
     hideColumns(view, 2, 5);
     view->setColumnWidth(0, captionWidth);
+}
+
+bool offersForRecord(COrvoCliApp& app, const RecordName& record, const char* command) {
+    QMenu menu;
+    return recordAction(menu, app, record, command) != nullptr;
+}
+
+void runForRecord(COrvoCliApp& app, const RecordName& record, const char* command) {
+    QMenu menu;
+    if (QAction* action = recordAction(menu, app, record, command))
+        action->trigger();
 }
 
 QString iconsPath(const COrvoCliMod& module) {

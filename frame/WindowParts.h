@@ -67,6 +67,19 @@ QStringList passportColumns();
 void arrangePassport(QTreeView* view);
 
 // ---------------------------------------------------------------------------------------------
+// Records
+
+/// A record by the name of its table and its key; an empty key: none.
+struct RecordName {
+    QString table, key;
+};
+/// Whether the host offers a command (of frame/Keys.h) for a record, as in its context menu
+/// (COrvoCliApp::addRecordActions).
+bool offersForRecord(COrvoCliApp& app, const RecordName& record, const char* command);
+/// Does it, if it is offered.
+void runForRecord(COrvoCliApp& app, const RecordName& record, const char* command);
+
+// ---------------------------------------------------------------------------------------------
 // Files
 
 /// The client's folder of icon files, with the separator at its end.

@@ -132,6 +132,19 @@ void OrvoMenu::bindCommands() {
             return recordRow(m_menuModel->getItemKeyLink(menu->currentIndex())).isValid();
         },
         true);
+    const auto element = [this]() -> orvo::RecordName {
+        const QString key = m_menuModel->getItemKeyLink(m_ui->tvMenu->currentIndex());
+        return {QString::fromLatin1(orvo::table::Menu), recordRow(key).isValid() ? key : QString()};
+    };
+    bindRecord(menu, element);
+    bindPassportRecord(element);
+    bindRecord(desck, [desck]() -> orvo::RecordName {
+        return {QString::fromLatin1(orvo::table::MenuFolder),
+                desck->currentIndex()
+                    .siblingAtColumn(orvo::menu::DesckColumn::KeyLink)
+                    .data()
+                    .toString()};
+    });
     m_menuViewport = menu->viewport();
     menu->viewport()->installEventFilter(this);
     desck->setAccessibleName(tr("Рабочие столы"));

@@ -199,16 +199,40 @@ void CPopObjectList::openRemembered() {
         m_ui->tvObj->scrollTo(selected.first(), QAbstractItemView::PositionAtCenter);
 }
 
+/// The resource of a row; without a key for a folder.
+orvo::RecordName CPopObjectList::recordOf(const QModelIndex& row) const {
+    return {QString::fromLatin1(orvo::table::MenuResource),
+            row.isValid() && !m_model->itemIsFolder(row) ? m_model->getItemKeyLink(row)
+                                                         : QString()};
+}
+
 void CPopObjectList::showContextMenu(const QPoint& point) {
-    const QModelIndex row = m_ui->tvObj->indexAt(point);
     const auto* owner = qobject_cast<COrvoCliMod*>(parentWidget());
-    if (!owner || !row.isValid() || m_model->itemIsFolder(row))
-        return;
+    const orvo::RecordName record = recordOf(m_ui->tvObj->indexAt(point));
     QMenu menu;
-    owner->m_app->addRecordActions(&menu, QString::fromLatin1(orvo::table::MenuResource),
-                                   m_model->getItemKeyLink(row));
+    if (owner && !record.key.isEmpty())
+        owner->m_app->addRecordActions(&menu, record.table, record.key);
     if (!menu.isEmpty())
         menu.exec(m_ui->tvObj->viewport()->mapToGlobal(point));
+}
+
+/// What the context menu shows with keys is done by these.
+bool CPopObjectList::runRecordKey(const QKeyEvent& key) {
+    // The window system makes a call for the menu of the other key itself.
+    if (key.key() != Qt::Key_Menu &&
+        orvo::keys::matches(key, *orvo::keys::command(QLatin1String(orvo::keys::contextMenu)))) {
+        const QModelIndex row = m_ui->tvObj->currentIndex();
+        m_ui->tvObj->scrollTo(row);
+        showContextMenu(m_ui->tvObj->visualRect(row).center());
+        return true;
+    }
+    const auto* owner = qobject_cast<COrvoCliMod*>(parentWidget());
+    for (const char* id : orvo::keys::recordCommands)
+        if (owner && orvo::keys::matches(key, *orvo::keys::command(QLatin1String(id)))) {
+            orvo::runForRecord(*owner->m_app, recordOf(m_ui->tvObj->currentIndex()), id);
+            return true;
+        }
+    return false;
 }
 
 bool CPopObjectList::choose(const QModelIndex& row) {
@@ -317,6 +341,8 @@ bool CPopObjectList::eventFilter(QObject* watched, QEvent* event) {
         hide();
         return true;
     }
+    if (runRecordKey(key))
+        return true;
     if (watched == tree)
         return treeKey(key);
     switch (key.key()) {

@@ -12,6 +12,7 @@
 
 #include "frame/OrvoClient.h"
 #include "frame/Vocabulary.h"
+#include "frame/WindowParts.h"
 #include "models/PopTreeModel.h"
 
 #include <QMap>
@@ -104,7 +105,9 @@ protected:
 
 private:
     /// What the host offers for the resource at that place.
+    orvo::RecordName recordOf(const QModelIndex& row) const;
     void showContextMenu(const QPoint& point);
+    bool runRecordKey(const QKeyEvent& key);
     /// OK if the row is a resource. False for a folder.
     bool choose(const QModelIndex& row);
     bool treeKey(const QKeyEvent& event);

@@ -116,6 +116,15 @@ void OrvoResources::bindCommands() {
             return row.isValid() && !orvo::resources::isFolder(row);
         },
         true);
+    const auto record = [tree]() -> orvo::RecordName {
+        const QModelIndex row = tree->currentIndex();
+        if (!row.isValid())
+            return {};
+        return {QString::fromLatin1(orvo::resources::tableOf(row)),
+                orvo::resources::textAt(row, ResColumn::KeyLink)};
+    };
+    bindRecord(tree, record);
+    bindPassportRecord(record);
     tree->setAccessibleName(tr("Каталог ресурсов"));
     nameForReaders(tr("Паспорт ресурса"));
     m_edSearch->setAccessibleName(tr("Поиск в каталоге"));

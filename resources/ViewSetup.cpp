@@ -10,7 +10,6 @@
 
 #include <QHeaderView>
 #include <QItemSelectionModel>
-#include <QMenu>
 #include <QTreeView>
 
 #include <algorithm>
@@ -73,18 +72,6 @@ void OrvoResources::setTreeArrangement() {
 
     m_ui->tvProp->setStyleSheet(passportStyleSheet());
     arrangePassport(m_ui->tvProp);
-    m_ui->tvProp->setContextMenuPolicy(Qt::CustomContextMenu);
-    connect(m_ui->tvProp, &QTreeView::customContextMenuRequested, this,
-            [this](const QPoint& point) {
-                const QModelIndex row = m_ui->tvRes->currentIndex();
-                if (!row.isValid())
-                    return;
-                QMenu menu;
-                m_app->addRecordActions(&menu, QString::fromLatin1(orvo::resources::tableOf(row)),
-                                        orvo::resources::textAt(row, ResColumn::KeyLink));
-                if (!menu.isEmpty())
-                    execMenu(menu, m_ui->tvProp->viewport()->mapToGlobal(point));
-            });
     orvo::followExpansion(tree, m_resModel.get());
 
     connect(tree->selectionModel(), &QItemSelectionModel::currentChanged, this,

@@ -1,5 +1,6 @@
 #include "apps/client/HostApp.h"
 
+#include "frame/Keys.h"
 #include "frame/Vocabulary.h"
 #include "platform/mdx/MdxBuild.h"
 
@@ -56,28 +57,29 @@ void HostApp::addRecordActions(QMenu* menu, const QString& table, const QString&
     if (key.isEmpty() || isFixedKey(key))
         return;
     menu->addSeparator();
-    // Queued: the menu is closed and its loop left before anything is shown.
-    const auto add = [&](const QString& text, bool withContent) {
-        connect(
-            menu->addAction(text), &QAction::triggered, this,
-            [this, table, key, withContent] { emit historyRequested(table, key, withContent); },
-            Qt::QueuedConnection);
+    const auto add = [&](const char* command, const QString& text, const auto& run) {
+        QAction* action = menu->addAction(text);
+        action->setProperty(keys::commandProperty, QLatin1String(command));
+        // Shown only: the key is taken by the tree.
+        action->setShortcutContext(Qt::WidgetShortcut);
+        action->setShortcuts(keys::sequences(*keys::command(QLatin1String(command))));
+        // Queued: the menu is closed and its loop left before anything is shown.
+        connect(action, &QAction::triggered, this, run, Qt::QueuedConnection);
     };
-    add(QStringLiteral("История строки"), false);
+    const auto addOwn = [&](const char* command, const auto& run) {
+        add(command, keys::text(*keys::command(QLatin1String(command))), run);
+    };
+    addOwn(keys::rowHistory, [this, table, key] { emit historyRequested(table, key, false); });
     if (table == QLatin1String(orvo::table::MenuResource))
-        connect(
-            menu->addAction(QStringLiteral("Прежние версии…")), &QAction::triggered, this,
-            [this, key] { emit versionsRequested(key); }, Qt::QueuedConnection);
+        addOwn(keys::versions, [this, key] { emit versionsRequested(key); });
     else
-        add(QStringLiteral("История со всем, что внутри"), true);
+        addOwn(keys::branchHistory,
+               [this, table, key] { emit historyRequested(table, key, true); });
     if (const QString uses = usesEntry(table); !uses.isEmpty())
-        connect(
-            menu->addAction(uses), &QAction::triggered, this,
-            [this, table, key] {
-                ShowUsesRequest request{table, key};
-                emit showUsesRequested(&request);
-            },
-            Qt::QueuedConnection);
+        add(keys::uses, uses, [this, table, key] {
+            ShowUsesRequest request{table, key};
+            emit showUsesRequested(&request);
+        });
 }
 
 QStringList HostApp::markedRecords() const {

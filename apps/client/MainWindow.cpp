@@ -7,6 +7,7 @@
 #include "apps/client/ModuleTabs.h"
 #include "apps/client/StatusLine.h"
 #include "apps/client/WindowMemory.h"
+#include "frame/Keys.h"
 #include "frame/OrvoClient.h"
 
 #include <QApplication>
@@ -19,6 +20,7 @@
 #include <QShowEvent>
 #include <QThread>
 #include <QTimer>
+#include <QTreeView>
 #include <QWindow>
 
 #include <algorithm>
@@ -29,6 +31,22 @@ namespace {
 
 constexpr QSize usualSize(1366, 900);
 constexpr int usefulHeight = 300; ///< of a pane that is called by a key
+
+/// The window system knows one key for it, the editors two.
+void openContextMenuByKeys(QTreeView* view) {
+    for (const QKeySequence& sequence :
+         keys::sequences(*keys::command(QLatin1String(keys::contextMenu))))
+        if (sequence != QKeySequence(Qt::Key_Menu)) {
+            auto* shortcut = new QShortcut(sequence, view);
+            shortcut->setContext(Qt::WidgetShortcut);
+            QObject::connect(shortcut, &QShortcut::activated, view, [view] {
+                if (const QModelIndex row = view->currentIndex(); row.isValid()) {
+                    view->scrollTo(row);
+                    emit view->customContextMenuRequested(view->visualRect(row).center());
+                }
+            });
+        }
+}
 
 } // namespace
 
@@ -119,6 +137,9 @@ QDockWidget* MainWindow::addPane(QWidget* content, const QString& title, const Q
     addDockWidget(Qt::BottomDockWidgetArea, dock);
     tabifyDockWidget(m_logDock, dock);
     dock->hide();
+    for (QTreeView* view : content->findChildren<QTreeView*>())
+        if (view->contextMenuPolicy() == Qt::CustomContextMenu)
+            openContextMenuByKeys(view);
     emit paneAdded(dock);
     if (shortcut.isEmpty()) {
         m_view->addAction(dock->toggleViewAction());
