@@ -145,6 +145,12 @@ Reader::Reader(store::MaintainedStore& store, Filter filter, BranchMembers* memb
     m_query.above = m_filter.above;
 }
 
+void Reader::skip(std::set<int64_t> groups, int64_t from) {
+    m_given = std::move(groups);
+    if (!m_filter.branch) // else each change counts, since it may change what the branch was
+        m_query.below = from;
+}
+
 /// The records of the branch as it is now.
 store::Status Reader::begin() {
     m_begun = true;

@@ -55,6 +55,9 @@ public:
     /// brought up to date. They outlive the first reading.
     Reader(store::MaintainedStore& store, Filter filter, BranchMembers* members = nullptr);
 
+    /// Passes over these groups and, unless the filter has a branch, over all changes from that one
+    /// on (0: none): they are known. To be called before the first reading.
+    void skip(std::set<int64_t> groups, int64_t from);
     /// Adds the next groups, at most `most` of them, in the order of their last changes. May add
     /// fewer, or none, although there are more.
     store::Status next(size_t most, std::vector<Group>* groups);

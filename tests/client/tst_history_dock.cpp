@@ -4,16 +4,19 @@
 #include "apps/client/history/RevertDialog.h"
 #include "apps/client/history/VersionsDialog.h"
 #include "platform/mdx/MdxBuild.h"
+#include "tests/client/ContextMenus.h"
 #include "tests/client/RunningClient.h"
 #include "tests/menu/WindowHands.h"
 
 #include <QAbstractItemModelTester>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDateTimeEdit>
 #include <QDockWidget>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QToolButton>
 #include <QTreeWidget>
 
@@ -231,6 +234,155 @@ private slots:
         since->setCurrentIndex(1);
         emit since->activated(1);
         QTRY_COMPARE(fixture.model()->rowCount(), 9);
+    }
+
+    void changesByHandAreAPersonsToo() {
+        Fixture fixture;
+        QVERIFY(fixture.host.kind->byHand(
+            "UPDATE \"Menu\" SET \"caption\" = 'руками' WHERE \"KeyLink\" = 'd';"));
+        const QString login = QString::fromUtf8(fixture.host.kind->handLogin());
+        fixture.open();
+        QTRY_VERIFY(fixture.what(0).contains("«руками»"));
+        fixture.tree()->setCurrentIndex(fixture.model()->index(0, HistoryModel::What));
+        QVERIFY(chooseInContextMenu(*fixture.tree(), "Только этот человек"));
+        QTRY_COMPARE(fixture.model()->rowCount(), 1);
+        const QString shown = login.isEmpty() ? QString("(вручную)") : login;
+        auto* who = fixture.child<QComboBox>("historyWho");
+        QCOMPARE(who->currentText(), shown);
+        // Another user's name makes the list anew.
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "u1"}, {"lastName", "Сидоров"}}, "Users");
+        QTRY_VERIFY(who->findText("Сидоров П. (petrov)") > 0);
+        QCOMPARE(who->currentText(), shown);
+        QCOMPARE(fixture.model()->rowCount(), 1);
+    }
+
+    void aSearchRestsWhileThePaneIsClosed() {
+        Fixture fixture;
+        fixture.stop();
+        QVERIFY(fixture.host.kind->byHand(
+            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 60000) "
+            "INSERT INTO \"MenuFileExt\" (\"KeyLink\", \"fileExt\") SELECT 'x' || i, 'y' FROM n;"));
+        fixture.start();
+        fixture.open();
+        fixture.child<QLineEdit>("historyText")->setText("такого нет");
+        QTRY_COMPARE(fixture.note(), QString("Ищется дальше…"));
+        fixture.dock()->close();
+        const HistoryModel& model = fixture.pane()->feed().model();
+        QTRY_VERIFY(!model.isAsking());
+        QVERIFY(!model.isAtEnd());
+        fixture.open();
+        QTRY_COMPARE_WITH_TIMEOUT(fixture.note(), QString("Таких действий нет."), 60'000);
+    }
+
+    void aMomentOfOnesOwnIsTypedByKeys() {
+        Fixture fixture;
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "a"}, {"caption", "а0"}});
+        QVERIFY(fixture.host.kind->byHand("UPDATE \"NciEvent\" SET \"time\" = \"time\" - 864000;"));
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "a"}, {"caption", "а1"}});
+        fixture.open();
+        QTRY_COMPARE(fixture.model()->rowCount(), 8);
+        auto* since = fixture.child<QComboBox>("historySince");
+        auto* from = fixture.child<QDateTimeEdit>("historyFrom");
+        QVERIFY(!from->isVisible());
+        since->setFocus();
+        QTest::keyClick(since, Qt::Key_End);
+        QCOMPARE(since->currentText(), QString("с…"));
+        QTRY_VERIFY(from->isVisible());
+        QTRY_COMPARE(fixture.model()->rowCount(), 1); // of today
+        QTRY_VERIFY(from->hasFocus());
+        const QString wanted =
+            QDateTime::currentDateTime().addDays(-11).toString("dd.MM.yyyy HH:mm");
+        from->setSelectedSection(QDateTimeEdit::DaySection); // the next ones follow by themselves
+        QTest::keyClicks(from, QString(wanted).remove(QRegularExpression("[. :]")));
+        QCOMPARE(from->text(), wanted);
+        QTRY_COMPARE(fixture.model()->rowCount(), 8);
+        for (int i = 0; i < 5 && from->hasFocus(); ++i) // the sections are walked through as well
+            QTest::keyClick(from, Qt::Key_Backtab);
+        QTRY_VERIFY(since->hasFocus());
+        QTest::keyClick(since, Qt::Key_Home);
+        QTRY_VERIFY(!from->isVisible());
+    }
+
+    void rowsFarAwayLetGoOfTheirTextsAndGetThemAgain() {
+        Fixture fixture;
+        constexpr int count = 300;
+        for (int i = 0; i < count; ++i)
+            fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "d"}, {"caption", std::to_string(i)}});
+        HistoryModel& rows = fixture.pane()->feed().model(); // a tester would unfold all
+        rows.setLimits({60, 10'000});
+        fixture.open();
+        QTRY_VERIFY(fixture.what(0).contains(QString("«%1»").arg(count - 1)));
+        const QModelIndex first = fixture.model()->index(0, HistoryModel::When);
+        fixture.tree()->expand(first);
+        QTRY_COMPARE(fixture.model()->rowCount(first), 1);
+        while (!rows.isAtEnd()) {
+            QTRY_VERIFY(!rows.isAsking());
+            fixture.tree()->scrollToBottom();
+            QTRY_VERIFY(!rows.isAsking());
+        }
+        QCOMPARE(rows.rowCount({}), count + 6);
+        QVERIFY2(rows.fullCount() <= 75, qPrintable(QString::number(rows.fullCount())));
+        // A row that was unfolded still is, and in the middle the texts come again.
+        QVERIFY(fixture.tree()->isExpanded(first));
+        QCOMPARE(fixture.model()->rowCount(first), 1);
+        const QModelIndex middle = fixture.model()->index(150, HistoryModel::What);
+        fixture.tree()->scrollTo(middle, QAbstractItemView::PositionAtTop);
+        QTRY_VERIFY2(middle.data().toString().contains(QString("«%1»").arg(count - 151)),
+                     qPrintable(middle.data().toString()));
+        QCOMPARE(fixture.tree()->indexAt({1, 1}).row(), 150);
+        fixture.tree()->setCurrentIndex(middle);
+        QVERIFY(fixture.child<QPushButton>("historyRevert")->isEnabled());
+    }
+
+    void theOldestRowsGoWhileItIsLiveAndAreReadAgain() {
+        Fixture fixture;
+        constexpr int count = 150;
+        for (int i = 0; i < count; ++i)
+            fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "d"}, {"caption", std::to_string(i)}});
+        const QAbstractItemModelTester tester(
+            &fixture.pane()->feed().model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
+        HistoryModel& rows = fixture.pane()->feed().model();
+        rows.setLimits({20, 100});
+        fixture.open();
+        QTRY_VERIFY(fixture.what(0).contains(QString("«%1»").arg(count - 1)));
+        const auto readAll = [&] {
+            while (!rows.isAtEnd()) {
+                rows.wantMore();
+                QTRY_VERIFY(!rows.isAsking());
+            }
+        };
+        readAll();
+        QCOMPARE(rows.rowCount({}), count + 6);
+        fixture.tree()->scrollToTop();
+        fixture.tree()->viewport()->repaint();
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "d"}, {"caption", std::to_string(count)}});
+        QTRY_COMPARE(rows.rowCount({}), 75);
+        QVERIFY(!rows.isAtEnd());
+        readAll();
+        QCOMPARE(rows.rowCount({}), count + 7);
+        for (int i = 0; i <= count; ++i)
+            QTRY_VERIFY2(fixture.what(i).contains(QString("«%1»").arg(count - i)),
+                         qPrintable(fixture.what(i)));
+    }
+
+    void whatIsReadStaysInPlaceWhileNewerComeIn() {
+        Fixture fixture;
+        for (int i = 0; i < 60; ++i)
+            fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "d"}, {"caption", std::to_string(i)}});
+        fixture.open();
+        QTRY_VERIFY(fixture.what(0).contains("«59»"));
+        fixture.tree()->scrollTo(fixture.model()->index(20, 0), QAbstractItemView::PositionAtTop);
+        const auto top = [&] { return fixture.what(fixture.tree()->indexAt({1, 1}).row()); };
+        const QString before = top();
+        QVERIFY(before.contains("«39»"));
+        for (int i = 60; i < 65; ++i)
+            fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "d"}, {"caption", std::to_string(i)}});
+        QTRY_VERIFY(fixture.what(0).contains("«64»"));
+        QCOMPARE(top(), before);
+        // At the top the newest is what one sees.
+        fixture.tree()->scrollToTop();
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "d"}, {"caption", "65"}});
+        QTRY_VERIFY(top().contains("«65»"));
     }
 
     void anActionOfAnotherIsTakenBackAfterAPreview() {

@@ -19,6 +19,7 @@ namespace orvo::app {
 namespace {
 
 constexpr int refreshDelayMs = 200; ///< a burst of changes is looked at once
+constexpr size_t mostNewer = 200;   ///< beyond them the history is read from the newest on again
 constexpr int mostDetails = 500;    ///< changes that are shown below an action
 
 std::string textIn(const store::TableDef& table, const history::Values& values, const char* field) {
@@ -28,8 +29,18 @@ std::string textIn(const store::TableDef& table, const history::Values& values, 
 
 HistoryRecord recordOf(const store::Change& change, history::RecordSource& source) {
     const store::TableDef* table = history::tableOf(change.table);
-    if (!table || change.table == table::MenuResourceFile)
+    if (!table)
         return {};
+    if (change.table == table::MenuResourceFile) { // the form or file that it belongs to
+        std::string owner;
+        for (const std::string* values : {&change.after, &change.before})
+            if (owner.empty())
+                owner =
+                    textIn(*table, store::valuesFromJson(*table, *values), field::MenuResourceKey);
+        if (owner.empty())
+            owner = textIn(*table, source.valuesOf(*table, change.key), field::MenuResourceKey);
+        return owner.empty() ? HistoryRecord() : HistoryRecord{table::MenuResource, owner, {}};
+    }
     HistoryRecord record{change.table, change.key, {}};
     if (change.table == table::MenuFolder)
         record.desktop = change.key;
@@ -74,6 +85,15 @@ HistoryAction actionOf(const history::Group& group, history::RecordSource& sourc
     return action;
 }
 
+/// In the place of one that was shown and has been pruned since.
+HistoryAction forgottenAction(int64_t group) {
+    HistoryAction action;
+    action.group = action.newest = group;
+    action.what = QStringLiteral("Журнал изменений этого уже не помнит");
+    action.forgotten = true;
+    return action;
+}
+
 std::vector<HistoryAction::Detail> fieldsOf(const history::ChangeWords& words) {
     std::vector<HistoryAction::Detail> fields;
     for (const history::FieldWords& field : words.fields)
@@ -113,6 +133,9 @@ struct HistoryFeed::Reading {
     explicit Reading(history::Filter wanted) : filter(std::move(wanted)) {}
 
     const history::Filter filter;
+    /// These groups are on show, and those with later changes than this; 0: none are.
+    std::set<int64_t> shown;
+    int64_t below = 0;
     std::unique_ptr<history::Reader> reader; ///< null at first
     uint64_t opening = 0;                    ///< on which it reads
 
@@ -139,6 +162,9 @@ struct HistoryFeed::Page {
     std::set<int64_t> undone;
     bool knowsOldest = false;
     store::Change oldest; ///< of the log; id 0: it is empty
+    int64_t firstOfLog() const {
+        return oldest.id == 0 ? std::numeric_limits<int64_t>::max() : oldest.id;
+    }
     bool hasNames = false;
     history::PersonNames names;
 
@@ -181,6 +207,13 @@ struct HistoryFeed::Page {
 HistoryFeed::HistoryFeed(StoreThread& thread) : m_thread(thread) {
     connect(&m_model, &HistoryModel::moreWanted, this, &HistoryFeed::more);
     connect(&m_model, &HistoryModel::detailsWanted, this, &HistoryFeed::details);
+    connect(&m_model, &HistoryModel::textsWanted, this, &HistoryFeed::texts);
+    connect(&m_model, &HistoryModel::tailRemoved, this, [this] {
+        ++m_round;
+        m_reading = std::make_shared<Reading>(m_filter);
+        m_reading->shown = m_model.groups();
+        m_reading->below = m_model.lastShown();
+    });
     m_refreshSoon.setSingleShot(true);
     m_refreshSoon.setInterval(refreshDelayMs);
     connect(&m_refreshSoon, &QTimer::timeout, this, &HistoryFeed::refresh);
@@ -197,7 +230,7 @@ void HistoryFeed::setFilter(const history::Filter& filter) {
 void HistoryFeed::reload() {
     ++m_round;
     m_reading = std::make_shared<Reading>(m_filter);
-    m_begun = m_outdated = m_refreshing = false;
+    m_begun = m_outdated = m_refreshing = m_searches = false;
     m_newest = 0;
     m_model.clear();
     emit noted(QString());
@@ -215,6 +248,8 @@ void HistoryFeed::setWatched(bool watched) {
         reload();
     else if (m_outdated)
         refresh();
+    if (std::exchange(m_searches, false))
+        m_model.wantMore();
 }
 
 void HistoryFeed::changed(const store::Change& change) {
@@ -235,8 +270,7 @@ void HistoryFeed::take(const Page& page) {
     }
     m_model.setNames(m_names);
     if (page.knowsOldest)
-        m_model.setOldest(page.oldest.id == 0 ? std::numeric_limits<int64_t>::max()
-                                              : page.oldest.id);
+        m_model.setOldest(page.firstOfLog());
 }
 
 void HistoryFeed::note(const Page& page) {
@@ -265,6 +299,8 @@ void HistoryFeed::more() {
                 page->isRestart = reading->reader != nullptr;
                 reading->reader = std::make_unique<history::Reader>(store, reading->filter,
                                                                     reading->members(*thread));
+                if (!page->isRestart)
+                    reading->reader->skip(reading->shown, reading->below);
                 reading->opening = thread->openings();
             }
             std::vector<history::Group> groups;
@@ -296,7 +332,9 @@ void HistoryFeed::moreCame(uint64_t round, const store::Status& status, const Pa
     m_model.setUndone(page.undone);
     if (page.actions.empty() && !page.atEnd) {
         emit noted(QStringLiteral("Ищется дальше…"));
-        m_model.wantMore();
+        m_searches = !m_watched; // goes on when somebody looks again
+        if (m_watched)
+            m_model.wantMore();
         return;
     }
     note(page);
@@ -326,7 +364,7 @@ void HistoryFeed::refresh() {
             newer.above = newest;
             history::Reader reader(store, newer, reading->members(*thread));
             std::vector<history::Group> groups;
-            status = reader.next(pageSize, &groups);
+            status = reader.next(mostNewer, &groups);
             // So many that they do not meet those on show: from the newest on.
             page->isRestart = !reader.atEnd();
             return status.ok() ? page->finish(store, groups, from, names) : status;
@@ -358,7 +396,41 @@ void HistoryFeed::newerCame(uint64_t round, const store::Status& status, const P
         m_refreshSoon.start();
 }
 
-// Below a row ------------------------------------------------------------------------------------
+// Texts of a row, and below it
+// ------------------------------------------------------------------------------------
+
+void HistoryFeed::texts(const std::vector<int64_t>& groups) {
+    auto page = std::make_shared<Page>();
+    m_thread.run(
+        this,
+        [page, groups](store::MaintainedStore& store) {
+            store::Status status;
+            std::vector<history::Group> read;
+            for (const int64_t id : groups) {
+                history::Group group;
+                if (status.ok())
+                    status = history::readGroup(store, id, &group, history::Group::mostChanges);
+                group.id = id;
+                read.push_back(std::move(group));
+            }
+            const int64_t from = *std::min_element(groups.begin(), groups.end());
+            if (status.ok())
+                status = page->finish(store, read, from, false);
+            for (const history::Group& group : read)
+                if (group.changes.empty())
+                    page->actions.push_back(forgottenAction(group.id));
+            return status;
+        },
+        [this, page, round = m_round](const store::Status& status) {
+            if (round != m_round || !status.ok()) {
+                m_model.askAgain();
+                return;
+            }
+            m_model.fill(page->actions);
+            m_model.setNames(m_names);
+            m_model.setOldest(page->firstOfLog());
+        });
+}
 
 void HistoryFeed::details(int64_t group) {
     auto details = std::make_shared<std::vector<HistoryAction::Detail>>();

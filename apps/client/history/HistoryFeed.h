@@ -50,6 +50,7 @@ private:
     void moreCame(uint64_t round, const store::Status& status, const Page& page);
     void refresh();
     void newerCame(uint64_t round, const store::Status& status, const Page& page);
+    void texts(const std::vector<int64_t>& groups);
     void details(int64_t group);
     void take(const Page& page);
     void note(const Page& page);
@@ -66,6 +67,7 @@ private:
     bool m_begun = false;    ///< something was asked for since the filter was set
     bool m_outdated = false; ///< while nobody looked, or while newer ones were looked for
     bool m_refreshing = false;
+    bool m_searches = false; ///< a search has not reached the end, and nobody looks
     bool m_namesAreOld = true;
 };
 

@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
+#include <utility>
 
 namespace orvo::app {
 
@@ -31,15 +33,25 @@ QString timeText(double time) {
 
 struct HistoryModel::Node {
     Node* parent = nullptr;
-    int64_t number = 0;           ///< of a row at the top; else its row
-    HistoryAction action;         ///< at the top
-    HistoryAction::Detail detail; ///< below it, without its fields
+    int64_t number = 0; ///< of a row at the top; else its row
+    // At the top:
+    int64_t group = 0;
+    int64_t newest = 0;                    ///< its last change
+    std::unique_ptr<HistoryAction> action; ///< null: too far away
+    // Below it:
+    std::unique_ptr<HistoryAction::Detail> detail; ///< without its fields
     std::vector<std::unique_ptr<Node>> children;
     bool detailed = false; ///< its children are there
     bool asked = false;    ///< for them
+    bool waits = false;    ///< for its texts
 };
 
-HistoryModel::HistoryModel(QObject* parent) : QAbstractItemModel(parent) {}
+HistoryModel::HistoryModel(QObject* parent) : QAbstractItemModel(parent) {
+    m_askSoon.setSingleShot(true);
+    m_askSoon.setInterval(0);
+    connect(&m_askSoon, &QTimer::timeout, this,
+            [this] { emit textsWanted(std::exchange(m_textless, {})); });
+}
 
 HistoryModel::~HistoryModel() = default;
 
@@ -49,7 +61,9 @@ void HistoryModel::clear() {
     beginResetModel();
     m_rows.clear();
     m_byGroup.clear();
-    m_first = 0;
+    m_textless.clear();
+    m_first = m_lookedAt = 0;
+    m_full = 0;
     m_atEnd = false;
     m_asked = false;
     endResetModel();
@@ -68,13 +82,22 @@ void HistoryModel::append(const std::vector<HistoryAction>& actions, bool atEnd)
     beginInsertRows({}, first, first + static_cast<int>(fresh.size()) - 1);
     for (const HistoryAction* action : fresh) {
         auto node = std::make_unique<Node>();
-        node->action = *action;
         node->number = m_first + count();
+        setAction(node.get(), *action);
         m_byGroup[action->group] = node.get();
         m_rows.push_back(std::move(node));
     }
     endInsertRows();
     Q_ASSERT(m_byGroup.size() == m_rows.size());
+    dropFarTexts();
+}
+
+void HistoryModel::setAction(Node* node, const HistoryAction& action) {
+    m_full += node->action ? 0 : 1;
+    node->group = action.group;
+    node->newest = action.newest;
+    node->action = std::make_unique<HistoryAction>(action);
+    node->waits = false;
 }
 
 void HistoryModel::prepend(const std::vector<HistoryAction>& actions) {
@@ -86,7 +109,7 @@ void HistoryModel::prepend(const std::vector<HistoryAction>& actions) {
             continue;
         }
         Node* node = known->second;
-        if (node->action.newest != action.newest) { // it has grown
+        if (node->newest != action.newest) { // it has grown
             if (!node->children.empty()) {
                 beginRemoveRows(indexOf(node), 0, static_cast<int>(node->children.size()) - 1);
                 node->children.clear();
@@ -94,7 +117,7 @@ void HistoryModel::prepend(const std::vector<HistoryAction>& actions) {
             }
             node->detailed = node->asked = false;
         }
-        node->action = action;
+        setAction(node, action);
         showAgain(node);
     }
     if (fresh.empty())
@@ -102,21 +125,93 @@ void HistoryModel::prepend(const std::vector<HistoryAction>& actions) {
     beginInsertRows({}, 0, static_cast<int>(fresh.size()) - 1);
     for (auto action = fresh.rbegin(); action != fresh.rend(); ++action) {
         auto node = std::make_unique<Node>();
-        node->action = **action;
         node->number = --m_first;
-        m_byGroup[node->action.group] = node.get();
+        setAction(node.get(), **action);
+        m_byGroup[node->group] = node.get();
         m_rows.push_front(std::move(node));
     }
     endInsertRows();
     Q_ASSERT(m_byGroup.size() == m_rows.size() && m_rows.front()->number == m_first);
+    removeTail();
+    dropFarTexts();
 }
+
+// Memory -----------------------------------------------------------------------------------------
+
+void HistoryModel::dropFarTexts() {
+    if (m_full <= m_limits.full + m_limits.full / 4)
+        return;
+    for (const auto& node : m_rows) {
+        if (!node->action || std::abs(node->number - m_lookedAt) <= m_limits.full / 2 ||
+            !node->children.empty() || node->asked) // unfolded, or about to be
+            continue;
+        node->action.reset();
+        node->detailed = false;
+        --m_full;
+    }
+    Q_ASSERT(m_full == std::count_if(m_rows.begin(), m_rows.end(),
+                                     [](const auto& node) { return node->action != nullptr; }));
+}
+
+/// Never those that the view looks at, nor many above them.
+void HistoryModel::removeTail() {
+    const int64_t looked = m_lookedAt - m_first;
+    const int keep = std::max(m_limits.rows * 3 / 4, static_cast<int>(looked) + m_limits.full);
+    if (count() <= m_limits.rows || keep >= count())
+        return;
+    beginRemoveRows({}, keep, count() - 1);
+    while (count() > keep) {
+        m_full -= m_rows.back()->action ? 1 : 0;
+        m_byGroup.erase(m_rows.back()->group);
+        m_rows.pop_back();
+    }
+    m_atEnd = m_asked = false;
+    endRemoveRows();
+    emit tailRemoved();
+}
+
+void HistoryModel::askForTexts(Node* node) const {
+    if (node->waits)
+        return;
+    node->waits = true;
+    m_textless.push_back(node->group);
+    m_askSoon.start();
+}
+
+void HistoryModel::fill(const std::vector<HistoryAction>& actions) {
+    for (const HistoryAction& action : actions)
+        if (const auto known = m_byGroup.find(action.group); known != m_byGroup.end()) {
+            setAction(known->second, action);
+            showAgain(known->second);
+        }
+    dropFarTexts();
+}
+
+void HistoryModel::askAgain() {
+    for (const auto& node : m_rows)
+        node->waits = false;
+}
+
+std::set<int64_t> HistoryModel::groups() const {
+    std::set<int64_t> all;
+    for (const auto& node : m_rows)
+        all.insert(all.end(), node->group);
+    return all;
+}
+
+int64_t HistoryModel::lastShown() const {
+    return m_rows.empty() ? 0 : m_rows.back()->newest;
+}
+
+// Below a row ------------------------------------------------------------------------------------
 
 void HistoryModel::add(Node* parent, const std::vector<HistoryAction::Detail>& details) {
     for (const HistoryAction::Detail& detail : details) {
         auto node = std::make_unique<Node>();
         node->parent = parent;
         node->number = static_cast<int64_t>(parent->children.size());
-        node->detail = {detail.what, detail.before, detail.after, detail.record, {}};
+        node->detail = std::make_unique<HistoryAction::Detail>(
+            HistoryAction::Detail{detail.what, detail.before, detail.after, detail.record, {}});
         node->detailed = true;
         add(node.get(), detail.fields);
         parent->children.push_back(std::move(node));
@@ -137,30 +232,32 @@ void HistoryModel::setDetails(int64_t group, const std::vector<HistoryAction::De
     endInsertRows();
 }
 
+// What is told of all rows: those without texts learn it with them.
+
 void HistoryModel::setUndone(const std::set<int64_t>& groups) {
     for (const auto& node : m_rows) {
-        const bool undone = groups.count(node->action.group) != 0;
-        if (node->action.undone == undone)
+        const bool undone = groups.count(node->group) != 0;
+        if (!node->action || node->action->undone == undone)
             continue;
-        node->action.undone = undone;
+        node->action->undone = undone;
         showAgain(node.get());
     }
 }
 
 void HistoryModel::setOldest(int64_t change) {
-    for (auto node = m_rows.rbegin(); node != m_rows.rend(); ++node)
-        if (!(*node)->action.forgotten && (*node)->action.newest < change) {
-            (*node)->action.forgotten = true;
-            showAgain(node->get());
+    for (const auto& node : m_rows)
+        if (node->action && !node->action->forgotten && node->newest < change) {
+            node->action->forgotten = true;
+            showAgain(node.get());
         }
 }
 
 void HistoryModel::setNames(const history::PersonNames& names) {
     for (const auto& node : m_rows) {
-        const auto name = names.find(node->action.login);
-        if (name == names.end() || name->second == node->action.who)
+        const auto name = node->action ? names.find(node->action->login) : names.end();
+        if (name == names.end() || name->second == node->action->who)
             continue;
-        node->action.who = name->second;
+        node->action->who = name->second;
         showAgain(node.get());
     }
 }
@@ -172,7 +269,7 @@ void HistoryModel::showAgain(Node* node) {
 int64_t HistoryModel::oldestGroup() const {
     int64_t oldest = 0;
     for (const auto& node : m_rows)
-        oldest = oldest == 0 ? node->action.group : std::min(oldest, node->action.group);
+        oldest = oldest == 0 ? node->group : std::min(oldest, node->group);
     return oldest;
 }
 
@@ -191,14 +288,16 @@ const HistoryAction* HistoryModel::actionAt(const QModelIndex& index) const {
     const Node* node = nodeOf(index);
     while (node && node->parent)
         node = node->parent;
-    return node ? &node->action : nullptr;
+    return node ? node->action.get() : nullptr;
 }
 
 HistoryRecord HistoryModel::recordAt(const QModelIndex& index) const {
     for (const Node* node = nodeOf(index); node; node = node->parent) {
-        const HistoryRecord& record = node->parent ? node->detail.record : node->action.record;
-        if (!record.key.empty())
-            return record;
+        const HistoryRecord* record = node->parent   ? &node->detail->record
+                                      : node->action ? &node->action->record
+                                                     : nullptr;
+        if (record && !record->key.empty())
+            return *record;
     }
     return {};
 }
@@ -247,7 +346,7 @@ void HistoryModel::fetchMore(const QModelIndex& parent) {
         return;
     if (Node* node = nodeOf(parent)) {
         node->asked = true;
-        emit detailsWanted(node->action.group);
+        emit detailsWanted(node->group);
     } else {
         wantMore();
     }
@@ -264,11 +363,13 @@ void HistoryModel::wantMore() {
 
 QString HistoryModel::textOf(const Node& node, int column) const {
     if (node.parent)
-        return column == What     ? node.detail.what
-               : column == Before ? node.detail.before
-               : column == After  ? node.detail.after
+        return column == What     ? node.detail->what
+               : column == Before ? node.detail->before
+               : column == After  ? node.detail->after
                                   : QString();
-    const HistoryAction& action = node.action;
+    if (!node.action)
+        return column == What ? QStringLiteral("…") : QString();
+    const HistoryAction& action = *node.action;
     switch (column) {
     case When:
         return timeText(action.time);
@@ -286,16 +387,21 @@ QString HistoryModel::textOf(const Node& node, int column) const {
 }
 
 QVariant HistoryModel::data(const QModelIndex& index, int role) const {
-    const Node* node = nodeOf(index);
+    Node* node = nodeOf(index);
     if (!node)
         return {};
+    if (role == Qt::DisplayRole && !node->parent) {
+        m_lookedAt = node->number;
+        if (!node->action)
+            askForTexts(node);
+    }
     const QString text = textOf(*node, index.column());
     if (role == Qt::DisplayRole)
         return oneLine(text, longestLine);
     if (role == Qt::ToolTipRole) {
-        if (node->parent || text.isEmpty())
+        if (!node->action || text.isEmpty())
             return plainToolTip(clipped(text));
-        const HistoryAction& action = node->action;
+        const HistoryAction& action = *node->action;
         QStringList more;
         if (index.column() == When)
             more << momentOf(action.time).toString(QStringLiteral("dd.MM.yyyy HH:mm:ss"));
@@ -308,10 +414,10 @@ QVariant HistoryModel::data(const QModelIndex& index, int role) const {
         more.removeAll(QString());
         return plainToolTip(clipped(text), more.join(QStringLiteral(", ")));
     }
-    const bool faint = !node->parent && (node->action.undone || node->action.forgotten);
+    const bool faint = node->action && (node->action->undone || node->action->forgotten);
     if (role == Qt::ForegroundRole && faint)
         return QBrush(QColor(0x8a, 0x8a, 0x8a));
-    if (role == Qt::FontRole && faint && node->action.undone) {
+    if (role == Qt::FontRole && faint && node->action->undone) {
         QFont font;
         font.setStrikeOut(true);
         return font;

@@ -2,9 +2,14 @@
 //
 // The model asks for what it lacks and is given it later; it never waits.
 //
+// It may be open for weeks, so its memory is bounded: far from where the view looks a row keeps its
+// place, but neither its texts nor, unless it is unfolded, what is below it, and asks for them when
+// it is looked at again; of the rows that come while it is open the oldest are removed in the end.
+//
 // Invariants, asserted in debug builds:
 // 1. Each group has one row.
 // 2. The number of the row in rows() is that of its node less that of the first.
+// 3. m_full is the number of rows with their texts.
 #ifndef ORVO_APPS_CLIENT_HISTORY_HISTORYMODEL_H
 #define ORVO_APPS_CLIENT_HISTORY_HISTORYMODEL_H
 
@@ -12,10 +17,12 @@
 #include "history/Inverse.h"
 
 #include <QAbstractItemModel>
+#include <QTimer>
 
 #include <deque>
 #include <memory>
 #include <set>
+#include <unordered_map>
 #include <vector>
 
 namespace orvo::app {
@@ -28,6 +35,12 @@ public:
     explicit HistoryModel(QObject* parent = nullptr);
     ~HistoryModel() override;
 
+    struct Limits {
+        int full = 2000;   ///< rows that have their texts, give or take a quarter
+        int rows = 20'000; ///< beyond them the oldest are removed when newer ones are made
+    };
+    void setLimits(const Limits& limits) { m_limits = limits; }
+
     // Filling
     /// No rows; more are wanted.
     void clear();
@@ -35,6 +48,10 @@ public:
     void append(const std::vector<HistoryAction>& actions, bool atEnd);
     /// Newer ones, newest first; those that are there already are shown anew.
     void prepend(const std::vector<HistoryAction>& actions);
+    /// Texts of rows that asked for them.
+    void fill(const std::vector<HistoryAction>& actions);
+    /// They could not be read: whoever looks asks again.
+    void askAgain();
     void setDetails(int64_t group, const std::vector<HistoryAction::Detail>& details);
     /// Which of the actions shown have been taken back.
     void setUndone(const std::set<int64_t>& groups);
@@ -48,10 +65,17 @@ public:
     void wantMore();
 
     int count() const { return static_cast<int>(m_rows.size()); }
+    /// How many of the rows have their texts.
+    int fullCount() const { return m_full; }
     bool isAtEnd() const { return m_atEnd; }
+    /// Whether older actions are on their way.
+    bool isAsking() const { return m_asked; }
+    /// The groups shown, and the last change of the last of them (0: none).
+    std::set<int64_t> groups() const;
+    int64_t lastShown() const;
     /// The smallest id of a group shown; 0: none.
     int64_t oldestGroup() const;
-    /// The action of a row or of what is below it; null for none.
+    /// The action of a row or of what is below it; null for none, or if the row waits for it.
     const HistoryAction* actionAt(const QModelIndex& index) const;
     /// The record that a row is about.
     HistoryRecord recordAt(const QModelIndex& index) const;
@@ -69,20 +93,34 @@ public:
 signals:
     void moreWanted();
     void detailsWanted(qint64 group);
+    /// The texts of these rows are.
+    void textsWanted(const std::vector<int64_t>& groups);
+    /// The oldest rows were removed: what is wanted next is older than those that are left.
+    void tailRemoved();
 
 private:
     struct Node;
     QModelIndex indexOf(const Node* node, int column = 0) const;
     Node* nodeOf(const QModelIndex& index) const;
     void showAgain(Node* node);
+    void setAction(Node* node, const HistoryAction& action);
+    void askForTexts(Node* node) const;
+    void dropFarTexts();
+    void removeTail();
     void add(Node* parent, const std::vector<HistoryAction::Detail>& details);
     QString textOf(const Node& node, int column) const;
 
     std::deque<std::unique_ptr<Node>> m_rows;
     int64_t m_first = 0; ///< number of the first row
     std::unordered_map<int64_t, Node*> m_byGroup;
+    Limits m_limits;
+    int m_full = 0;
     bool m_atEnd = false;
     bool m_asked = false; ///< for more
+    // What the view looks at tells by asking for it.
+    mutable int64_t m_lookedAt = 0;          ///< number of the row that was looked at last
+    mutable std::vector<int64_t> m_textless; ///< looked at, but without texts
+    mutable QTimer m_askSoon;
 };
 
 } // namespace orvo::app

@@ -2,40 +2,25 @@
 
 #include "apps/client/HostApp.h"
 #include "apps/client/Look.h"
+#include "apps/client/history/HistoryFilters.h"
 #include "frame/Vocabulary.h"
 #include "history/BackTo.h"
 #include "history/RecordWords.h"
 
-#include <QComboBox>
 #include <QDateTime>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
-#include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
 #include <QScrollBar>
-#include <QToolButton>
 #include <QTreeView>
 
-#include <algorithm>
+#include <memory>
 
 namespace orvo::app {
 
 namespace {
-
-constexpr int applyDelayMs = 300; ///< while the text is being typed
-constexpr int longestScope = 60;
-
-struct Period {
-    const char* words;
-    int seconds; ///< 0: without a limit
-};
-constexpr Period periods[] = {{"за всё время", 0},
-                              {"за час", 3600},
-                              {"за сутки", 86400},
-                              {"за неделю", 7 * 86400},
-                              {"за месяц", 30 * 86400}};
 
 bool holdsOthers(const std::string& table) {
     return table == table::Menu || table == table::MenuFolder || table == table::MenuResourceFolder;
@@ -53,23 +38,15 @@ QPushButton* addButton(QHBoxLayout* row, const QString& text, const char* name) 
 HistoryPane::HistoryPane(StoreThread& thread, const QString& login, bool mayWrite, QWidget* parent)
     : QWidget(parent)
     , m_thread(thread)
-    , m_login(login)
     , m_mayWrite(mayWrite)
     , m_feed(thread)
-    , m_who(new QComboBox(this))
-    , m_since(new QComboBox(this))
-    , m_text(new QLineEdit(this))
-    , m_scopeButton(new QToolButton(this))
+    , m_filters(new HistoryFilters(thread, login, this))
     , m_view(new QTreeView(this))
     , m_note(new QLabel(this))
     , m_backMenu(new QMenu(this)) {
     setObjectName(QStringLiteral("historyPane"));
     m_view->setObjectName(QStringLiteral("historyTree"));
     m_view->setAccessibleName(QStringLiteral("История изменений"));
-    m_who->setAccessibleName(QStringLiteral("Кто изменил"));
-    m_since->setAccessibleName(QStringLiteral("За какое время"));
-    m_text->setAccessibleName(QStringLiteral("Поиск в истории"));
-    m_scopeButton->setAccessibleName(QStringLiteral("О чём история"));
     m_view->setModel(&m_feed.model());
     m_view->setUniformRowHeights(true);
     m_view->setItemDelegate(new ReadableDelegate(m_view));
@@ -91,7 +68,7 @@ HistoryPane::HistoryPane(StoreThread& thread, const QString& login, bool mayWrit
     auto* all = new QVBoxLayout(this);
     all->setContentsMargins(0, 0, 0, 0);
     all->setSpacing(0);
-    makeFilters();
+    addPaneRow(*all)->addWidget(m_filters, 1);
     all->addWidget(m_view);
     makeActions();
     connect(&m_feed, &HistoryFeed::noted, m_note, &QLabel::setText);
@@ -99,41 +76,32 @@ HistoryPane::HistoryPane(StoreThread& thread, const QString& login, bool mayWrit
         m_note->setText(QStringLiteral("История не прочитана: %1").arg(clipped(text)));
         emit failed(text);
     });
-    connect(&m_feed, &HistoryFeed::namesChanged, this, &HistoryPane::listUsers);
+    connect(&m_feed, &HistoryFeed::namesChanged, this,
+            [this] { m_filters->setNames(m_feed.names()); });
+    connect(m_filters, &HistoryFilters::changed, this, &HistoryPane::applyFilters);
     connect(m_view->verticalScrollBar(), &QScrollBar::valueChanged, this,
             &HistoryPane::readOnAtEnd);
     connect(m_view->verticalScrollBar(), &QScrollBar::rangeChanged, this,
             &HistoryPane::readOnAtEnd);
+    keepPlace();
     updateActions();
 }
 
-void HistoryPane::makeFilters() {
-    m_who->setObjectName(QStringLiteral("historyWho"));
-    m_since->setObjectName(QStringLiteral("historySince"));
-    m_text->setObjectName(QStringLiteral("historyText"));
-    m_scopeButton->setObjectName(QStringLiteral("historyScope"));
-    m_who->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    listUsers();
-    for (const Period& period : periods)
-        m_since->addItem(QString::fromUtf8(period.words), period.seconds);
-    m_text->setPlaceholderText(QStringLiteral("Текст в старом или новом значении"));
-    m_text->setClearButtonEnabled(true);
-    m_text->setMaximumWidth(320);
-    m_scopeButton->setToolTip(QStringLiteral("Показать историю всех строк"));
-    m_scopeButton->setAutoRaise(true);
-    m_scopeButton->hide();
-    QHBoxLayout* row = addPaneRow(*qobject_cast<QVBoxLayout*>(layout()));
-    for (QWidget* widget : std::initializer_list<QWidget*>{m_who, m_since, m_text, m_scopeButton})
-        row->addWidget(widget);
-    row->addStretch();
-    m_applySoon.setSingleShot(true);
-    m_applySoon.setInterval(applyDelayMs);
-    connect(&m_applySoon, &QTimer::timeout, this, &HistoryPane::applyFilters);
-    connect(m_who, qOverload<int>(&QComboBox::activated), this, &HistoryPane::applyFilters);
-    connect(m_since, qOverload<int>(&QComboBox::activated), this, &HistoryPane::applyFilters);
-    connect(m_text, &QLineEdit::textChanged, &m_applySoon, qOverload<>(&QTimer::start));
-    connect(m_text, &QLineEdit::returnPressed, this, &HistoryPane::applyFilters);
-    connect(m_scopeButton, &QToolButton::clicked, this, [this] { setScope({}); });
+/// What is read stays where it is while newer actions come in above it; at the top those show.
+void HistoryPane::keepPlace() {
+    const QAbstractItemModel* model = m_view->model();
+    auto top = std::make_shared<QPersistentModelIndex>();
+    connect(model, &QAbstractItemModel::rowsAboutToBeInserted, this,
+            [this, top](const QModelIndex& parent, int first) {
+                const bool above = !parent.isValid() && first == 0;
+                *top = above && m_view->verticalScrollBar()->value() > 0 ? m_view->indexAt({1, 1})
+                                                                         : QModelIndex();
+            });
+    connect(model, &QAbstractItemModel::rowsInserted, this, [this, top] {
+        if (top->isValid())
+            m_view->scrollTo(*top, QAbstractItemView::PositionAtTop);
+        *top = QModelIndex();
+    });
 }
 
 void HistoryPane::makeActions() {
@@ -159,106 +127,29 @@ void HistoryPane::makeActions() {
 
 // Filters ----------------------------------------------------------------------------------------
 
-history::Filter HistoryPane::filter() const {
-    history::Filter made;
-    if (const QVariant login = m_who->currentData(); login.isValid())
-        made.login = login.toString().toStdString();
-    if (const int seconds = m_since->currentData().toInt(); seconds > 0)
-        made.since = static_cast<double>(QDateTime::currentSecsSinceEpoch() - seconds);
-    made.text = m_text->text().trimmed();
-    if (m_scope.record.key.empty())
-        return made;
-    if (m_scope.withContent) {
-        made.branch = history::Branch{history::tableOf(m_scope.record.table), m_scope.record.key};
-    } else {
-        made.table = m_scope.record.table;
-        made.key = m_scope.record.key;
-    }
-    return made;
-}
-
 void HistoryPane::applyFilters() {
-    m_applySoon.stop();
-    m_feed.setFilter(filter());
+    m_feed.setFilter(m_filters->filter());
 }
 
 void HistoryPane::clearFilters() {
-    m_who->setCurrentIndex(0);
-    m_since->setCurrentIndex(0);
-    m_text->clear();
-    setScope({});
-}
-
-void HistoryPane::showRecord(const QString& table, const QString& key, bool withContent) {
-    m_who->setCurrentIndex(0);
-    m_since->setCurrentIndex(0);
-    m_text->clear();
-    setScope({{table.toStdString(), key.toStdString(), {}}, withContent});
-}
-
-void HistoryPane::showUser(const QString& login) {
-    chooseUser(login, login);
-    m_since->setCurrentIndex(0);
-    m_text->clear();
-    setScope({});
-}
-
-/// Also one whom the list does not have.
-void HistoryPane::chooseUser(const QString& login, const QString& name) {
-    if (m_who->findData(login) < 0)
-        m_who->addItem(oneLine(name), login);
-    m_who->setCurrentIndex(m_who->findData(login));
-}
-
-void HistoryPane::setScope(const Scope& scope) {
-    m_scope = scope;
-    m_scopeButton->setVisible(!scope.record.key.empty());
-    m_scopeButton->setText(QStringLiteral("…"));
-    if (!scope.record.key.empty())
-        nameScope();
+    m_filters->clear();
     applyFilters();
 }
 
-/// The record is named when the store has told its name.
-void HistoryPane::nameScope() {
-    auto words = std::make_shared<QString>();
-    m_thread.run(
-        this,
-        [words, scope = m_scope](store::MaintainedStore& store) -> store::Status {
-            const store::TableDef* table = history::tableOf(scope.record.table);
-            history::LoggedRecords source(store);
-            if (table)
-                *words = history::recordWords(*table, source.valuesOf(*table, scope.record.key),
-                                              scope.record.key);
-            return {};
-        },
-        [this, words, key = m_scope.record.key](const store::Status& status) {
-            if (!status.ok() || key != m_scope.record.key)
-                return;
-            m_scopeButton->setText(
-                QStringLiteral("%1: %2  ✕")
-                    .arg(m_scope.withContent ? QStringLiteral("Внутри") : QStringLiteral("Строка"),
-                         clipped(oneLine(*words), longestScope))
-                    .replace(QLatin1Char('&'), QLatin1String("&&")));
-        });
+void HistoryPane::showRecord(const QString& table, const QString& key, bool withContent) {
+    m_filters->clear();
+    narrowTo({table.toStdString(), key.toStdString(), {}}, withContent);
 }
 
-void HistoryPane::listUsers() {
-    const QVariant chosen = m_who->currentData();
-    m_who->clear();
-    m_who->addItem(QStringLiteral("все"));
-    m_who->addItem(QStringLiteral("только я"), m_login);
-    std::vector<std::pair<QString, QString>> users;
-    for (const auto& [login, name] : m_feed.names())
-        if (const QString text = QString::fromStdString(login); text != m_login)
-            users.emplace_back(name == text ? text : QStringLiteral("%1 (%2)").arg(name, text),
-                               text);
-    std::sort(users.begin(), users.end());
-    for (const auto& [name, login] : users)
-        m_who->addItem(oneLine(name), login);
-    if (!chosen.isValid())
-        return;
-    chooseUser(chosen.toString(), chosen.toString());
+void HistoryPane::showUser(const QString& login) {
+    m_filters->clear();
+    m_filters->chooseUser(login, login);
+    applyFilters();
+}
+
+void HistoryPane::narrowTo(const HistoryRecord& record, bool withContent) {
+    m_filters->setScope(record, withContent);
+    applyFilters();
 }
 
 void HistoryPane::showEvent(QShowEvent* event) {
@@ -386,11 +277,10 @@ void HistoryPane::showContextMenu(const QPoint& point) {
     fillBackMenu(*back);
     menu.addSeparator();
     const HistoryRecord record = m_feed.model().recordAt(index);
-    add(QStringLiteral("История этой строки"), !record.key.empty(), [this, record] {
-        setScope({record, false});
-    });
+    add(QStringLiteral("История этой строки"), !record.key.empty(),
+        [this, record] { narrowTo(record, false); });
     add(QStringLiteral("История этого рабочего стола"), !record.desktop.empty(), [this, record] {
-        setScope({{table::MenuFolder, record.desktop, record.desktop}, true});
+        narrowTo({table::MenuFolder, record.desktop, record.desktop}, true);
     });
     const QString table = QString::fromStdString(record.table);
     if (const QString uses = usesEntry(table); !uses.isEmpty() && !record.key.empty())
@@ -403,7 +293,7 @@ void HistoryPane::showContextMenu(const QPoint& point) {
         });
     add(QStringLiteral("Только этот человек"), true,
         [this, login = QString::fromStdString(action->login), who = action->who] {
-            chooseUser(login, who);
+            m_filters->chooseUser(login, who);
             applyFilters();
         });
     menu.exec(m_view->viewport()->mapToGlobal(point));

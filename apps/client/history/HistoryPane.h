@@ -5,18 +5,16 @@
 #include "apps/client/history/HistoryFeed.h"
 #include "apps/client/history/Reverter.h"
 
-#include <QTimer>
 #include <QWidget>
 
-class QComboBox;
 class QLabel;
-class QLineEdit;
 class QMenu;
 class QPushButton;
-class QToolButton;
 class QTreeView;
 
 namespace orvo::app {
+
+class HistoryFilters;
 
 class HistoryPane : public QWidget {
     Q_OBJECT
@@ -47,20 +45,10 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
-    /// What the history is narrowed to by a record.
-    struct Scope {
-        HistoryRecord record;
-        bool withContent = false;
-    };
-
-    void makeFilters();
+    void keepPlace();
     void makeActions();
     void applyFilters();
-    history::Filter filter() const;
-    void setScope(const Scope& scope);
-    void nameScope();
-    void listUsers();
-    void chooseUser(const QString& login, const QString& name);
+    void narrowTo(const HistoryRecord& record, bool withContent);
     void updateActions();
     void readOnAtEnd();
     void fillBackMenu(QMenu& menu);
@@ -71,15 +59,9 @@ private:
     const HistoryAction* current() const;
 
     StoreThread& m_thread;
-    const QString m_login;
     bool m_mayWrite;
     HistoryFeed m_feed;
-    Scope m_scope;
-    QTimer m_applySoon;
-    QComboBox* m_who; // these: children of the pane
-    QComboBox* m_since;
-    QLineEdit* m_text;
-    QToolButton* m_scopeButton; ///< names the scope; a click lifts it
+    HistoryFilters* m_filters; // these: children of the pane
     QTreeView* m_view;
     QLabel* m_note;
     QPushButton* m_show;
