@@ -100,6 +100,14 @@ void EditorWindow::bindEditCommands(const std::vector<QTreeView*>& trees) {
         m_commands->bind(
             keys::cancel, pane, nullptr, [this] { on_cancel_pressed(); }, isEditing, true);
     PassportKeys* fields = m_passportKeys;
+    // A field that stays open holds back what others write, although nothing is typed any more.
+    connect(this, &EditorWindow::editStateChanged, fields, [this, fields] {
+        if (!m_btnSave->isEnabled())
+            QTimer::singleShot(0, fields, [this, fields] {
+                if (ModEditText().isEmpty())
+                    fields->closeField();
+            });
+    });
     m_commands->bind(
         keys::rename, m_passportView, nullptr, [fields] { fields->editValue(); },
         [fields] { return fields->mayEdit(); }, true);

@@ -59,9 +59,19 @@ PassportKeys::PassportKeys(QTreeView* passport)
             &PassportKeys::getKeysFirst);
 }
 
+QWidget* PassportKeys::openField() const {
+    QWidget* focused = QApplication::focusWidget();
+    return focused && focused->parentWidget() == m_viewport ? focused : nullptr;
+}
+
+void PassportKeys::closeField() {
+    if (openField())
+        m_view->setFocus();
+}
+
 void PassportKeys::getKeysFirst() {
-    QWidget* field = QApplication::focusWidget();
-    if (!field || field->parentWidget() != m_viewport)
+    QWidget* field = openField();
+    if (!field)
         return;
     field->removeEventFilter(this);
     field->installEventFilter(this);
@@ -188,7 +198,10 @@ bool PassportKeys::viewKey(QKeyEvent& event) {
     }
     if (key == Qt::Key_Tab || key == Qt::Key_Backtab)
         return isPlain(event) && step(key == Qt::Key_Tab ? 1 : -1);
-    if (key == Qt::Key_F2 || ((key == Qt::Key_Return || key == Qt::Key_Enter) && isPlain(event))) {
+    const bool isEnter = (key == Qt::Key_Return || key == Qt::Key_Enter) && isPlain(event);
+    if (isEnter && openField()) // it comes from there, and ends it
+        return true;
+    if (key == Qt::Key_F2 || isEnter) {
         editValue();
         return true;
     }

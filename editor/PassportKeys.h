@@ -1,9 +1,10 @@
 // PassportKeys.h: a passport by keys, and its "..." by one click.
 //
 // Up, Down and Tab go from value to value and open its field; F2, Enter and typing open the field
-// of the current row, Alt+Down is its "...". A check box changes by a click or the blank and by no
-// other key: its editor turns the value over as it opens, so that going past it would change the
-// record. Tab behind the last row and before the first leaves the passport.
+// of the current row, Enter takes what was typed and closes it, Alt+Down is its "...". A check box
+// changes by a click or the blank and by no other key: its editor turns the value over as it opens,
+// so that going past it would change the record. Tab behind the last row and before the first
+// leaves the passport.
 #ifndef ORVO_EDITOR_PASSPORTKEYS_H
 #define ORVO_EDITOR_PASSPORTKEYS_H
 
@@ -22,7 +23,10 @@ public:
 
     /// Opens the field of the current row; of a check box, which has none, nothing.
     void editValue();
-    /// The same of the row of that name, which becomes the current one.
+    /// Takes what stands in the field that has the focus and closes it; the passport has the focus
+    /// then. Nothing without one.
+    void closeField();
+    /// editValue() of the row of that name, which becomes the current one.
     void editRow(const QString& rowName);
     /// What the "..." of the current row does.
     void chooseValue();
@@ -38,6 +42,7 @@ private:
     /// The field that has the focus is asked here before the delegate, which would go to the next
     /// row and open it, and so turn a check box over.
     void getKeysFirst();
+    QWidget* openField() const; ///< that has the focus; null: none
     bool viewKey(QKeyEvent& event);
     bool editorKey(QKeyEvent& event);
     void moveCurrent(QKeyEvent& event);

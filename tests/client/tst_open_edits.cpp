@@ -157,7 +157,6 @@ private slots:
         QCOMPARE(fixture.unwritten()->topLevelItemCount(), 1);
         const QString why = fixture.unwritten()->topLevelItem(0)->text(UnwrittenPane::Why);
         QVERIFY2(why.contains("Журнал изменений тем временем сокращён"), qPrintable(why));
-        fixture.view("tvMenu")->setFocus(); // a field that is open holds back what others write
         QTRY_COMPARE(fixture.menu(), QString("а(б(в)) чужое"));
         QTest::mouseClick(fixture.child<QPushButton>("unwrittenRepeat"), Qt::LeftButton);
         QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г2"));

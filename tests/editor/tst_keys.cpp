@@ -327,6 +327,42 @@ private slots:
         QCOMPARE(menu->element("trend").data().toString(), QString("Кривая"));
     }
 
+    void enterTakesAFieldAndClosesIt() {
+        Menu menu;
+        QVERIFY(menu.open());
+        menu.at("trend");
+        QTreeView* passport = menu.view("tvProp");
+        passport->setFocus(Qt::ShortcutFocusReason);
+        const auto field = [&] { return passport->indexWidget(passport->currentIndex()); };
+        QTest::keyClick(passport, Qt::Key_Return);
+        QVERIFY(field());
+        typeText(field(), QStringLiteral("Кривая"));
+        QTest::keyClick(field(), Qt::Key_Return);
+        QTRY_VERIFY(!field());
+        QVERIFY(passport->hasFocus());
+        QCOMPARE(menu->m_editMode, int(MenuProbe::EditElement));
+        // Again it opens.
+        QTest::keyClick(passport, Qt::Key_Return);
+        QVERIFY(field());
+    }
+
+    /// It would hold back what others write as long as the engineer is away.
+    void aSavedFieldDoesNotStayOpen() {
+        Menu menu;
+        QVERIFY(menu.open());
+        menu.at("trend");
+        QTreeView* passport = menu.view("tvProp");
+        passport->setFocus(Qt::ShortcutFocusReason);
+        const auto field = [&] { return passport->indexWidget(passport->currentIndex()); };
+        QTest::keyClick(passport, Qt::Key_F2);
+        typeText(field(), QStringLiteral("Кривая"));
+        QTest::keyClick(field(), Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(menu->m_editMode, 0);
+        QTRY_VERIFY(!field());
+        QVERIFY(passport->hasFocus());
+        QCOMPARE(menu->m_editMode, 0);
+    }
+
     void tabOutOfATypedFieldTurnsNoCheckBoxOver() {
         Menu menu;
         QVERIFY(menu.open());
