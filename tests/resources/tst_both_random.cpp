@@ -9,6 +9,8 @@
 #include "tests/resources/EachStore.h"
 #include "tests/resources/ResRandomActs.h"
 
+#include <QRegularExpression>
+
 using namespace orvo::test;
 
 using BothEditors = RandomClient<MenuPart, ResPart>;
@@ -71,6 +73,12 @@ private:
         eachClient([&](BothEditors& client) { all += client.part<MenuPart>().*figure; });
         return all;
     }
+    /// Whether the last deletion of that key took a module or function; false if nothing did.
+    static bool tookModule(TestStore& store, const QString& key) {
+        const QStringList deletions = changeLines(store).filter(" 603 MenuResource " + key + ' ');
+        return !deletions.isEmpty() &&
+               !deletions.last().contains(QRegularExpression(QStringLiteral("\"type_\":[34]\\b")));
+    }
     /// A module or function that an editor has just deleted though a menu refers to it; empty if
     /// there is none. Forgets the writes.
     static QString deletedInUse(TestStore& store, TestHost& host) {
@@ -82,6 +90,10 @@ private:
                 if (!record.startsWith('-'))
                     continue;
                 const QString key = record.section(' ', 0, 0).mid(1);
+                // Forms and files go though menus refer to them; of two with one name by their
+                // keys.
+                if (!tookModule(store, key))
+                    continue;
                 CMDArray elements;
                 if (!store.connect()
                          ->fetchLinked("Menu", "MenuResourceKey", key.toStdString(), elements.array)
