@@ -246,12 +246,24 @@ void OrvoResources::lookUp(const char* table, int keyNumber, const QString& key,
     use(tool.result);
 }
 
-/// The places are named in the box, and listed where each can be opened.
+/// The places are named in the box, and listed where each can be opened. What becomes of the
+/// deletion is told below its text: forms go all the same.
 void OrvoResources::showReferenceError(const QModelIndex& row) {
     const QString what = describe(row);
     const QString key = keyOf(row);
+    QString details = tr("Не удалено: %1.").arg(what);
+    if (!isRecordOnly(kindOf(row)))
+        details = (m_ui->tvRes->selectionModel()->selectedRows().size() > 1
+                       ? tr("Используется %1. Выделенные формы всё же удаляются, и элементы меню "
+                            "остаются без них.")
+                       : tr("%1 всё же удаляется, и элементы меню остаются без неё."))
+                      .arg(what) +
+                  QLatin1Char(' ') + tr("Вернуть: «Правка» → «Отменить».");
+    details.replace(0, 1, details.at(0).toUpper());
     refuse(tr("Выполнение операции невозможно, так как на ресурс есть ссылки из меню."));
-    if (showUses(orvo::table::MenuResource, key, false))
-        nameUsesInBox(orvo::table::MenuResource, {key},
-                      tr("%1. Каждое место открывается из панели «Где используется».").arg(what));
+    m_popMessageBox->setDetails(details);
+    if (!showUses(orvo::table::MenuResource, key, false))
+        return;
+    details += QLatin1Char('\n') + tr("Каждое место открывается из панели «Где используется».");
+    nameUsesInBox(orvo::table::MenuResource, {key}, details);
 }

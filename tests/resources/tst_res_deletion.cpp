@@ -334,7 +334,7 @@ private slots:
         Deleting live([](TestStore& store) { refer(store, "rlog"); });
         live.makeCurrent("rlog");
         live.confirm();
-        QCOMPARE(live.box(), QString(referenced));
+        QVERIFY(live.box().startsWith(referenced));
         QCOMPARE(live.host.logLines.last().text,
                  QString("модуль «Журнал» (Log): ссылаются элементы меню: «Ссылка»"));
         QCOMPARE(live.written(), QString());
@@ -394,12 +394,16 @@ private slots:
         });
         live.select({"rburner"});
         live.confirm();
-        QCOMPARE(live.box(), QString(referenced));
+        QVERIFY(live.box().startsWith(referenced));
         QCOMPARE(live.jobs().last(), QString("delete forms Burner"));
         QCOMPARE(live.storedForms(), QStringList({"Boiler", "Drum"}));
         live.deliver();
         QVERIFY(!live->row("rburner").isValid());
-        QCOMPARE(live.box(), QString(referenced));
+        QVERIFY(live.box().startsWith(referenced));
+        // The words that it has to have deny what is done: below them stands what is.
+        QVERIFY2(live.box().contains("Форма «Горелка» (Burner) всё же удаляется") &&
+                     live.box().contains("«Отменить»"),
+                 qPrintable(live.box()));
     }
 
     void theFirstReferenceEndsTheSearch() {
@@ -410,7 +414,7 @@ private slots:
         });
         live.select({"rboiler", "rburner", "rpipe"});
         live.confirm();
-        QCOMPARE(live.box(), QString(referenced));
+        QVERIFY(live.box().startsWith(referenced));
         QCOMPARE(live.jobs(), QStringList({"look up Menu MenuResourceKey rboiler",
                                            "look up Menu MenuResourceKey rburner",
                                            "delete forms Boiler Burner Pipe"}));
