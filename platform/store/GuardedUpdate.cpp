@@ -50,7 +50,7 @@ Status GuardedUpdate::apply(UpdateGuard* guard) {
         status = checkParents(&guard->parentDeletion);
     if (status.ok())
         status = refuseCycles();
-    if (status.ok() && guard != nullptr && guard->seen >= 0 && TakenNames::concern(m_table))
+    if (status.ok() && guard != nullptr && guard->seen >= 0 && NamePlaces::concern(m_table))
         status = TakenNames(m_backend, m_table, *guard).check(m_writes);
     if (status.ok() && guard != nullptr)
         status = checkChildren(*guard);

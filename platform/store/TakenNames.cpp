@@ -8,30 +8,11 @@
 
 namespace orvo::store {
 
-namespace {
-
-bool isFolders(const TableDef& table) {
-    return std::strcmp(table.name, table::MenuResourceFolder) == 0;
-}
-
-bool isFile(const Value& type) {
-    const auto* kind = std::get_if<int64_t>(&type);
-    return kind != nullptr && *kind == Kind::File;
-}
-
-} // namespace
-
-bool TakenNames::concern(const TableDef& table) {
-    return isFolders(table) || std::strcmp(table.name, table::MenuResource) == 0;
-}
-
 TakenNames::TakenNames(StoreBackend& backend, const TableDef& table, const UpdateGuard& guard)
     : m_backend(backend)
     , m_table(table)
     , m_guard(guard)
-    , m_name(table.find(isFolders(table) ? field::caption : field::name_))
-    , m_folder(table.find(isFolders(table) ? field::ParentKey : field::MenuResourceFolderKey))
-    , m_type(table.find(field::type_)) {}
+    , m_places(table) {}
 
 Status TakenNames::check(const std::vector<Write>& writes) {
     int64_t newest = 0;
@@ -73,7 +54,8 @@ Status TakenNames::readStored(const std::vector<Write>& writes) {
     if (keys.empty())
         return {};
     return m_backend.selectKeys(
-        m_table, {0, m_name, m_folder, m_type}, keys, [&](const StoreBackend::Row& row) {
+        m_table, {0, m_places.name(), m_places.folder(), m_places.kind()}, keys,
+        [&](const StoreBackend::Row& row) {
             m_stored.insert_or_assign(foldedKey(textOf(row[0])), Named{row[1], row[2], row[3]});
         });
 }
@@ -83,33 +65,20 @@ TakenNames::Named TakenNames::after(const Write& write) const {
     if (const auto stored = m_stored.find(foldedKey(write.key)); stored != m_stored.end())
         named = stored->second;
     for (const auto& [number, value] : write.values) {
-        if (number == m_name)
+        if (number == m_places.name())
             named.name = value;
-        else if (number == m_folder)
+        else if (number == m_places.folder())
             named.folder = value;
-        else if (number == m_type)
+        else if (number == m_places.kind())
             named.type = value;
     }
     return named;
 }
 
-std::string TakenNames::placeOf(const Named& record) const {
-    const bool file = isFile(record.type);
-    const bool inFolder = file || isFolders(m_table);
-    const auto* type = std::get_if<int64_t>(&record.type);
-    std::string folder = inFolder ? foldedKey(textOf(record.folder)) : std::string();
-    if (folder == foldedKey(rowkey::files))
-        folder.clear(); // the top of the file area has two spellings
-    const std::string& name = textOf(record.name);
-    const bool exact = file && !isFolders(m_table);
-    return std::to_string(type != nullptr ? *type : 0) + '/' + folder + '/' +
-           (exact ? name : foldedName(name).value_or(name));
-}
-
 /// A look at all records costs less than it sounds, and only a new name after another's change asks
 /// for it.
 Status TakenNames::findNamesakes() {
-    return m_backend.select(m_table, {0, m_name, m_folder, m_type},
+    return m_backend.select(m_table, {0, m_places.name(), m_places.folder(), m_places.kind()},
                             [&](const StoreBackend::Row& row) {
                                 const std::string key = foldedKey(textOf(row[0]));
                                 const std::string place = placeOf({row[1], row[2], row[3]});
@@ -133,14 +102,15 @@ Status TakenNames::refuseTaken() {
     for (const Change& change : changes) {
         const FieldValues values = valuesFromJson(m_table, change.after);
         if (isOwnChange(m_guard, change.id) ||
-            (values.count(m_name) == 0 && values.count(m_folder) == 0))
+            (values.count(m_places.name()) == 0 && values.count(m_places.folder()) == 0))
             continue;
         const std::string who =
             change.login.empty() ? std::string("другой") : "пользователь " + shown(change.login);
-        return {
-            Refused,
-            "Имя " + shown(m_holders[foldedKey(change.key)]) + " тем временем занял " + who +
-                (isFolders(m_table) ? ": такая папка здесь уже есть" : ": такой ресурс уже есть")};
+        return {Refused, "Имя " + shown(m_holders[foldedKey(change.key)]) + " тем временем занял " +
+                             who +
+                             (std::strcmp(m_table.name, table::MenuResourceFolder) == 0
+                                  ? ": такая папка здесь уже есть"
+                                  : ": такой ресурс уже есть")};
     }
     return {};
 }

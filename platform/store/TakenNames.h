@@ -5,6 +5,7 @@
 #define ORVO_PLATFORM_STORE_TAKENNAMES_H
 
 #include "platform/store/Merge.h"
+#include "platform/store/NamePlaces.h"
 #include "platform/store/StoreBackend.h"
 
 #include <string>
@@ -13,17 +14,12 @@
 
 namespace orvo::store {
 
-/// Looks at the names of resources and their folders in the writes of one update. Names are unique
-/// among the modules, among the functions and among the forms; those of files in their folder, with
-/// regard to case; those of folders among their siblings. What bore the name before the writer
-/// looked is his to know, and his own changes are no other's. Nor does a record hold a name that
-/// the same update takes away from it.
+/// Looks at the names in the writes of one update. What bore the name before the writer looked is
+/// his to know, and his own changes are no other's. Nor does a record hold a name that the same
+/// update takes away from it.
 class TakenNames {
 public:
-    /// Whether names of that table's records are to be unique.
-    static bool concern(const TableDef& table);
-
-    /// All must outlive it.
+    /// All must outlive it. The table is one that NamePlaces concern.
     TakenNames(StoreBackend& backend, const TableDef& table, const UpdateGuard& guard);
 
     /// Refused if another has taken a name that the writes give.
@@ -40,16 +36,15 @@ private:
     Status readStored(const std::vector<Write>& writes);
     Status findNamesakes();
     Status refuseTaken();
-    /// Name and place in one text; equal for two records that must not be.
-    std::string placeOf(const Named& record) const;
+    std::string placeOf(const Named& record) const {
+        return m_places.placeOf(record.name, record.folder, record.type);
+    }
     Named after(const Write& write) const;
 
     StoreBackend& m_backend;
     const TableDef& m_table;
     const UpdateGuard& m_guard;
-    const int m_name;
-    const int m_folder;
-    const int m_type;
+    const NamePlaces m_places;
     std::unordered_map<std::string, Named> m_stored;        ///< by folded key: what is updated
     std::unordered_map<std::string, Wanted> m_wanted;       ///< by place
     std::unordered_map<std::string, std::string> m_goesTo;  ///< folded key to place; empty: deleted
