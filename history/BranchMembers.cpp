@@ -31,12 +31,12 @@ store::Status BranchMembers::addBelow(store::MaintainedStore& store, Level level
         for (const auto& [table, all] : keys)
             for (const store::ParentField& child : store::childFields(*table)) {
                 const store::TableDef* below = store::findTable(child.table);
-                std::vector<std::string> found;
+                std::vector<std::pair<std::string, std::string>> found;
                 store::Status status =
                     store.keysNaming(*below, below->find(child.field), all, &found);
                 if (!status.ok())
                     return status;
-                for (std::string& key : found)
+                for (auto& [key, named] : found)
                     level.emplace_back(below, std::move(key));
             }
     }

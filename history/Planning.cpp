@@ -10,6 +10,7 @@
 #include <cassert>
 #include <climits>
 #include <cstring>
+#include <utility>
 
 namespace orvo::history {
 
@@ -21,14 +22,9 @@ bool is(const char* name, const char* other) {
     return std::strcmp(name, other) == 0;
 }
 
-/// A field by which records of `below` name those of a table.
-struct Link {
-    const store::TableDef* below;
-    int field;
-    bool places; ///< by it they stand below them
-};
+} // namespace
 
-std::vector<Link> linksTo(const store::TableDef& table) {
+std::vector<Planning::Link> Planning::linksTo(const store::TableDef& table) {
     std::vector<Link> links;
     for (const store::TableDef& below : store::tables()) {
         for (const store::ParentField& parent : store::parentFields(below))
@@ -39,20 +35,6 @@ std::vector<Link> linksTo(const store::TableDef& table) {
     }
     return links;
 }
-
-std::vector<std::string> keysIn(const MDArray* rows) {
-    std::vector<std::string> keys;
-    for (uint32_t i = 0; i < mdx::postedCount(rows); ++i) {
-        const char* text = nullptr;
-        uint32_t length = 0;
-        if (MDRGetTextRef(MDRFldByNum(rows, 0), mdx::postedRecord(rows, i), &length, &text) ==
-            MDX_OK)
-            keys.emplace_back(text, length);
-    }
-    return keys;
-}
-
-} // namespace
 
 Planning::Planning(store::MaintainedStore& store, const Standing& standing, const Choices& choices,
                    Inverse& inverse)
@@ -259,77 +241,96 @@ store::Status Planning::decide() {
 
 // What others have built -------------------------------------------------------------------------
 
-store::Status Planning::deleteBelow(const store::TableDef& table, const std::string& key) {
-    Record& record = m_records[&table][store::foldedKey(key)];
-    record.key = key;
-    record.present = true;
-    record.flag = MDX_DELETE;
+store::Status Planning::deleteBelow(const store::TableDef& table,
+                                    const std::vector<std::string>& keys) {
     std::map<std::string, std::vector<store::Value>> stored;
-    store::Status status = m_store.storedValues(table, {key}, &stored);
-    for (const auto& [folded, row] : stored)
-        for (size_t i = 0; i < row.size(); ++i)
-            record.now[static_cast<int>(i)] = row[i];
+    store::Status status = m_store.storedValues(table, keys, &stored);
+    for (const std::string& key : keys) {
+        const std::string folded = store::foldedKey(key);
+        Record& record = m_records[&table][folded];
+        record.key = key;
+        record.present = true;
+        record.flag = MDX_DELETE;
+        if (const auto row = stored.find(folded); row != stored.end())
+            for (size_t i = 0; i < row->second.size(); ++i)
+                record.now[static_cast<int>(i)] = row->second[i];
+    }
+    return status;
+}
+
+/// Deals with the records that name some of those that are to be deleted, by one kind of link.
+store::Status Planning::lookBelow(const store::TableDef& table, const Link& link,
+                                  const std::vector<std::string>& deleted, bool* changed) {
+    std::vector<std::pair<std::string, std::string>> children; // with what they name
+    store::Status status = m_store.keysNaming(*link.below, link.field, deleted, &children);
+    std::vector<std::string> deeper;
+    std::vector<std::pair<Record*, std::string>> kept; // with the child that keeps it
+    for (const auto& [child, named] : children) {
+        Record& record = m_records[&table].at(store::foldedKey(named));
+        const Record* const planned = this->planned(*link.below, store::foldedKey(child));
+        if (record.flag == 0 ||
+            (planned && (planned->flag == MDX_DELETE ||
+                         (planned->flag == MDX_UPDATE && planned->values.count(link.field) != 0))))
+            continue;
+        if (m_choices.othersWorkToo) {
+            if (link.places)
+                deeper.push_back(child);
+            continue;
+        }
+        if (m_kept.count(planned) == 0)
+            kept.emplace_back(&record, child);
+        record.flag = 0;
+        m_kept.insert(&record);
+        *changed = true;
+    }
+    if (status.ok() && !deeper.empty()) {
+        status = deleteBelow(*link.below, deeper);
+        *changed = true;
+    }
+    if (!status.ok() || kept.empty())
+        return status;
+    std::vector<std::string> keys;
+    for (const auto& [record, child] : kept)
+        keys.push_back(child);
+    std::vector<store::Change> changes;
+    status = m_store.changesSince(*link.below, keys, 0, &changes);
+    std::map<std::string, const store::Change*> newest;
+    for (const store::Change& change : changes)
+        newest[store::foldedKey(change.key)] = &change;
+    for (const auto& [record, child] : kept)
+        remark(Remark::BuiltOn, table, *record, -1, newest[store::foldedKey(child)]);
     return status;
 }
 
 store::Status Planning::keepWhatIsBuiltOn() {
     if (m_alone)
         return {}; // nobody has done anything since
-    store::Status uploads = findUploadsInto(m_records[store::findTable(table::MenuResource)]);
-    if (!uploads.ok())
-        return uploads;
-    std::set<const Record*> kept;
+    if (!std::exchange(m_foundUploads, true))
+        if (store::Status uploads =
+                findUploadsInto(m_records[store::findTable(table::MenuResource)]);
+            !uploads.ok())
+            return uploads;
     for (bool again = true; again;) {
         again = false;
         // Deletions that are added join in the next round.
-        std::vector<std::pair<const store::TableDef*, Record*>> deletions;
+        std::map<const store::TableDef*, std::vector<std::string>> deleted;
         for (auto& [table, records] : m_records)
-            for (auto& [key, record] : records)
-                if (record.flag == MDX_DELETE && table != &store::contentTable())
-                    deletions.emplace_back(table, &record);
-        for (const auto& [table, record] : deletions) {
-            if (record->builtOn && !m_choices.othersWorkToo) {
-                remark(Remark::BuiltOn, *table, *record, -1, record->builtOn);
-                record->flag = 0;
-                kept.insert(record);
-                again = true;
-                continue;
-            }
-            for (const Link& link : linksTo(*table)) {
-                CMDArray rows;
-                store::Status status =
-                    fetchNaming(m_store, *link.below, link.field, record->key, rows.array);
-                for (const std::string& child : keysIn(rows.array)) {
-                    if (!status.ok() || record->flag == 0)
-                        break;
-                    Record* planned = nullptr;
-                    if (auto& records = m_records[link.below];
-                        records.count(store::foldedKey(child)) != 0)
-                        planned = &records[store::foldedKey(child)];
-                    if (planned &&
-                        (planned->flag == MDX_DELETE ||
-                         (planned->flag == MDX_UPDATE && planned->values.count(link.field) != 0)))
-                        continue;
-                    if (m_choices.othersWorkToo) {
-                        if (link.places) {
-                            status = deleteBelow(*link.below, child);
-                            again = true;
-                        }
-                        continue;
-                    }
-                    std::vector<store::Change> changes;
-                    status = m_store.changesSince(*link.below, {child}, 0, &changes);
-                    if (!kept.count(planned))
-                        remark(Remark::BuiltOn, *table, *record, -1,
-                               changes.empty() ? nullptr : &changes.back());
-                    record->flag = 0;
-                    kept.insert(record);
+            for (auto& [key, record] : records) {
+                if (record.flag != MDX_DELETE || table == &store::contentTable())
+                    continue;
+                if (record.builtOn && !m_choices.othersWorkToo) {
+                    remark(Remark::BuiltOn, *table, record, -1, record.builtOn);
+                    record.flag = 0;
+                    m_kept.insert(&record);
                     again = true;
+                } else {
+                    deleted[table].push_back(record.key);
                 }
-                if (!status.ok())
-                    return status;
             }
-        }
+        for (const auto& [table, keys] : deleted)
+            for (const Link& link : linksTo(*table))
+                if (store::Status status = lookBelow(*table, link, keys, &again); !status.ok())
+                    return status;
     }
     return {};
 }

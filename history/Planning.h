@@ -110,7 +110,16 @@ private:
     /// Files that others have put into a form that is to be deleted would go with it.
     store::Status findUploadsInto(Records& resources);
 
-    store::Status deleteBelow(const store::TableDef& table, const std::string& key);
+    /// A field by which records of `below` name those of a table.
+    struct Link {
+        const store::TableDef* below;
+        int field;
+        bool places; ///< by it they stand below them
+    };
+    static std::vector<Link> linksTo(const store::TableDef& table);
+    store::Status lookBelow(const store::TableDef& table, const Link& link,
+                            const std::vector<std::string>& deleted, bool* changed);
+    store::Status deleteBelow(const store::TableDef& table, const std::vector<std::string>& keys);
     /// Moves the values into the writes.
     void part(const store::TableDef& table, int flag);
 
@@ -122,7 +131,9 @@ private:
     std::vector<std::vector<store::Change>> m_changes; ///< that the events are about
     std::pmr::monotonic_buffer_resource m_memory;      ///< records in order lie in order there
     std::pmr::map<const store::TableDef*, Records> m_records{&m_memory};
-    bool m_alone = false; ///< nothing was written since the actions but by them
+    bool m_alone = false;           ///< nothing was written since the actions but by them
+    std::set<const Record*> m_kept; ///< deletions that are left out
+    bool m_foundUploads = false;
 
     // Of the places; by table and folded key.
     std::map<const store::TableDef*, std::map<std::string, std::vector<store::Value>>> m_above;

@@ -1,7 +1,7 @@
 // bench_history [RECORDS]: taking back the deletion of RECORDS (100000) elements, planned and
 // written, against the deletion itself as a session writes it for a module, on both databases.
-// Medians of three. Then a page of the
-// history behind as many changes, and of one record in them.
+// Medians of three. The same of their insertion, after which another has written. Then a page of
+// the history behind as many changes, and of one record in them.
 #include "bench/store/Support.h"
 
 #include "history/Inverse.h"
@@ -74,6 +74,17 @@ void run(const char* name, const std::string& url, int count) {
     require(target.logPosition(&seen));
     const auto inserted = elements(count);
     const double insertion = seconds([&] { require(target.writeAll(inserted, seen, {})); });
+    const int64_t made = target.lastWritten().first;
+    require(target.logPosition(&seen));
+    store::TableWrites another{store::findTable("MenuFolder"), {}};
+    another.writes.push_back({MDX_INSERT, "other", {}, {}});
+    require(target.writeAll({another}, seen, {}));
+    history::Inverse removal;
+    const double removalPlan =
+        seconds([&] { require(history::planInverse(target, {made}, {}, &removal)); });
+    check(removal.count == size_t(count) && removal.remarks.empty(), "not planned");
+    std::printf("%s: what takes the insertion of %d elements back is planned in %.2f s\n", name,
+                count, removalPlan);
     CMDArray deleted;
     markDeleted(count, deleted.array);
     std::vector<double> deletions, plans, undos;

@@ -146,11 +146,12 @@ public:
     /// Adds the values of those of these records that are stored, by folded key.
     virtual Status storedValues(const TableDef& table, const std::vector<std::string>& keys,
                                 std::map<std::string, std::vector<Value>>* values) = 0;
-    /// Adds the keys of the records whose field names one of these keys: a link without regard to
-    /// case, any other field exactly.
+    /// Adds, of all records of a table whose field names one of these keys, their keys and what
+    /// they name, both as they are spelled. A link names without regard to case, any other field
+    /// exactly.
     virtual Status keysNaming(const TableDef& table, int field,
                               const std::vector<std::string>& keys,
-                              std::vector<std::string>* found) = 0;
+                              std::vector<std::pair<std::string, std::string>>* found) = 0;
     /// Applies writes to several tables in one transaction, which is a new group of the change log
     /// that takes back the groups `undoes`. Refuses what update() refuses with a guard that has
     /// seen the log up to `seen`. Outdated, and nothing is written, if one of the records was

@@ -74,9 +74,10 @@ Status PostgresStore::selectNaming(const TableDef& table, int field,
     const std::string value =
         isKeyOrLink(table, def) ? foldedEquals(table, def, "wanted") : exactlyEquals(def, "wanted");
     const std::string list = lines(keys);
-    return rows(table, {0},
-                "SELECT \"KeyLink\" FROM unnest(string_to_array($1, E'\\n') COLLATE \"C\") AS "
-                "wanted JOIN " +
+    return rows(table, {0, field},
+                "SELECT \"KeyLink\", " + identifier(def.name) +
+                    " FROM unnest(string_to_array($1, E'\\n') COLLATE \"C\") AS "
+                    "wanted JOIN " +
                     qualified(table.name) + " ON " + value,
                 Parameters().text(list), each);
 }

@@ -80,14 +80,15 @@ Status SqliteStore::selectKeys(const TableDef& table, const std::vector<int>& fi
 Status SqliteStore::selectNaming(const TableDef& table, int field,
                                  const std::vector<std::string>& keys, const EachRow& each) {
     // The field's own collation decides, as its index does.
-    Statement* statement = cached("SELECT \"KeyLink\" FROM " + identifier(table.name) + " WHERE " +
-                                  identifier(table.fields[static_cast<size_t>(field)].name) +
-                                  " IN (SELECT \"value\" FROM json_each(?1))");
+    const std::string link = identifier(table.fields[static_cast<size_t>(field)].name);
+    Statement* statement =
+        cached("SELECT \"KeyLink\", " + link + " FROM " + identifier(table.name) + " WHERE " +
+               link + " IN (SELECT \"value\" FROM json_each(?1))");
     if (statement == nullptr)
         return m_connection.failure(inTable(table));
     const std::string list = jsonList(keys);
     statement->bind(1, std::string_view(list));
-    return rows(*statement, 1, each);
+    return rows(*statement, 2, each);
 }
 
 Status SqliteStore::changesOf(const TableDef& table, const std::vector<std::string>& keys,

@@ -69,8 +69,8 @@ public:
     /// Adds the folded keys of those of them that are stored.
     Status storedKeys(const TableDef& table, const std::vector<std::string>& keys,
                       std::set<std::string>* stored);
-    /// Selects the keys of the records whose text field equals one of these keys, folded ones for a
-    /// link, exactly for any other field.
+    /// Selects key and field of the records whose text field equals one of these keys, folded ones
+    /// for a link, exactly for any other field.
     virtual Status selectNaming(const TableDef& table, int field,
                                 const std::vector<std::string>& keys, const EachRow& each) = 0;
     /// Applies one write, inside inWrite. An insert of an existing key is Refused; update and

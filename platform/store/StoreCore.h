@@ -44,7 +44,7 @@ public:
     Status storedValues(const TableDef& table, const std::vector<std::string>& keys,
                         std::map<std::string, std::vector<Value>>* values) final;
     Status keysNaming(const TableDef& table, int field, const std::vector<std::string>& keys,
-                      std::vector<std::string>* found) final;
+                      std::vector<std::pair<std::string, std::string>>* found) final;
     Status writeAll(const std::vector<TableWrites>& parts, int64_t seen,
                     const std::vector<int64_t>& undoes) final;
 

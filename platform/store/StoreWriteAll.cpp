@@ -96,7 +96,7 @@ Status StoreCore::storedValues(const TableDef& table, const std::vector<std::str
 }
 
 Status StoreCore::keysNaming(const TableDef& table, int field, const std::vector<std::string>& keys,
-                             std::vector<std::string>* found) {
+                             std::vector<std::pair<std::string, std::string>>* found) {
     return guarded([&]() -> Status {
         if (field < 0 || static_cast<size_t>(field) >= table.fields.size())
             return {UnknownName, inTable(table) + ": нет такого поля"};
@@ -114,7 +114,7 @@ Status StoreCore::keysNaming(const TableDef& table, int field, const std::vector
                     table, field,
                     {wanted.begin() + static_cast<ptrdiff_t>(i),
                      wanted.begin() + static_cast<ptrdiff_t>(std::min(i + most, wanted.size()))},
-                    [&](const Row& row) { found->push_back(textOf(row.front())); });
+                    [&](const Row& row) { found->emplace_back(textOf(row[0]), textOf(row[1])); });
             return status;
         });
     });

@@ -167,7 +167,7 @@ Status MemoryStore::selectNaming(const TableDef& table, int field,
     for (const auto& [key, row] : m_content.tables[table.name]) {
         const std::string value = textOf(row[static_cast<size_t>(field)]);
         if (std::find(keys.begin(), keys.end(), isLink ? foldedKey(value) : value) != keys.end())
-            each(picked(row, {0}));
+            each(picked(row, {0, field}));
     }
     return called();
 }
