@@ -29,10 +29,14 @@ store::Status planInverse(store::MaintainedStore& store, const std::vector<int64
     status = planning.collect();
     if (status.ok())
         status = planning.decide();
-    if (status.ok())
+    for (bool again = true; again && status.ok();) {
+        again = false;
         status = planning.placeRestored();
-    if (status.ok())
-        status = planning.keepWhatIsBuiltOn();
+        if (status.ok())
+            status = planning.keepWhatIsBuiltOn();
+        if (status.ok())
+            status = planning.keepNamesApart(&again);
+    }
     if (status.ok())
         status = planning.decideContents();
     if (status.ok())
@@ -63,7 +67,8 @@ store::Status undo(store::MaintainedStore& store, const std::vector<int64_t>& gr
 
 bool Inverse::asks() const {
     return std::any_of(remarks.begin(), remarks.end(), [](const Remark& remark) {
-        return remark.asksForPlace() || remark.why == Remark::BuiltOn;
+        return remark.asksForPlace() || remark.why == Remark::BuiltOn ||
+               remark.why == Remark::NameTaken;
     });
 }
 
@@ -104,6 +109,12 @@ QString remarkWords(const Remark& remark, RecordSource& source, const PersonName
                    : QStringLiteral("Не возвращено: %1: нет места, %2 стоит теперь внутри")
                          .arg(record, place);
     }
+    case Remark::NameTaken:
+        return QStringLiteral("%1: %2: имя %3 уже занято%4")
+            .arg(remark.field < 0 ? QStringLiteral("Не возвращено")
+                                  : QStringLiteral("Оставлено как есть"),
+                 record, quoted(QString::fromStdString(remark.missing)),
+                 remark.group > 0 ? QStringLiteral(" (%1)").arg(who) : QString());
     case Remark::BuiltOn:
         return QStringLiteral("Не удалено: %1: на этом построено другое (%2)").arg(record, who);
     case Remark::DamagedBytes:

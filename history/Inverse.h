@@ -2,7 +2,9 @@
 //
 // Every field gets the value that it has from the last change that still stands; so what somebody
 // else has changed since is left alone, and comes out right when he takes his change back, too.
-// Taking back an action that took others back does those again.
+// Taking back an action that took others back does those again. Who has taken a form into work is
+// no edit: locks are neither taken back nor done again, and a form that another holds is left
+// alone.
 //
 // A plan is made from the log and the records as they are. It is written as one action, in one
 // transaction, and only if none of its records was changed since it was made.
@@ -28,6 +30,7 @@ struct Remark {
         NoPlace,       ///< the record below which it stood was deleted: see Choices::places
         PlaceInside,   ///< or stands below it now: the same
         BuiltOn,       ///< others have built on what would be deleted: see Choices::othersWorkToo
+        NameTaken,     ///< another record has the name by now: see Choices::otherNames
         NoBytes,       ///< the bytes that a form or file had are not kept
         DamagedBytes,  ///< or no longer what they were
         Forgotten,     ///< the log does not tell of the action any more
@@ -37,9 +40,10 @@ struct Remark {
     Why why = ChangedSince;
     const store::TableDef* table = nullptr; ///< null: of a whole action
     std::string key;
-    int field = -1;      ///< ChangedSince, NoPlace and PlaceInside
-    std::string missing; ///< NoPlace and PlaceInside: the key that the field would name
-    std::string login;   ///< ChangedSince, DeletedSince, BuiltOn: whose action it was
+    int field = -1;      ///< ChangedSince, NoPlace, PlaceInside; NameTaken: of a stored record
+    std::string missing; ///< NoPlace, PlaceInside: the key that the field would name; NameTaken:
+                         ///< the name
+    std::string login;   ///< ChangedSince, DeletedSince, BuiltOn, NameTaken: whose action it was
     double time = 0;     ///< and when
     int64_t group = 0;   ///< that action; of a whole action: the one that was asked for
 
@@ -50,7 +54,8 @@ struct Remark {
 /// What a user has decided about remarks of an earlier plan.
 struct Choices {
     bool othersWorkToo = false; ///< delete what others have built on as well, with what is below it
-    bool partly = false;        ///< go on without what has no place, or what others have built on
+    bool otherNames = false;    ///< give what has no name any more a free one: "a (2).png"
+    bool partly = false;        ///< go on without what has no place or name, or others built on
     /// Another parent for each missing one, by its folded key; empty: at the top. One that is not
     /// stored, or stands below what is to be placed there, is none.
     std::map<std::string, std::string> places;

@@ -16,12 +16,17 @@
 #include <utility>
 #include <vector>
 
+namespace orvo::store {
+class NamePlaces;
+}
+
 namespace orvo::history {
 
 /// The table of the records above those of this one, by that field; null for another field.
 const store::TableDef* targetTable(const store::TableDef& table, int field);
 
-/// To be called in the order in which the steps stand here.
+/// To be called in the order in which the steps stand here; those from placeRestored to
+/// keepNamesApart once more while the last one changes anything.
 class Planning {
 public:
     Planning(store::MaintainedStore& store, const Standing& standing, const Choices& choices,
@@ -35,6 +40,8 @@ public:
     store::Status placeRestored();
     /// Leaves out deletions of what others have built on.
     store::Status keepWhatIsBuiltOn();
+    /// Leaves out what would bear a name that another record has, or names it otherwise.
+    store::Status keepNamesApart(bool* changed);
     /// Finds the bytes that contents are to have again.
     store::Status decideContents();
     void compose();
@@ -109,6 +116,14 @@ private:
                  std::optional<store::KeptVersion>* version) const;
     /// Files that others have put into a form that is to be deleted would go with it.
     store::Status findUploadsInto(Records& resources);
+
+    std::map<std::string, Record*> newPlaces(const store::NamePlaces& names, Records& records,
+                                             std::map<std::string, std::string>* goesTo,
+                                             std::vector<std::pair<Record*, std::string>>* holders);
+    store::Status leaveTaken(const store::TableDef& table, const store::NamePlaces& names,
+                             Record& record, const std::string& holder);
+    void giveFreeName(const store::NamePlaces& names, Record& record,
+                      std::unordered_set<std::string>* taken);
 
     /// A field by which records of `below` name those of a table.
     struct Link {

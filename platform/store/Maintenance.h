@@ -152,6 +152,11 @@ public:
     virtual Status keysNaming(const TableDef& table, int field,
                               const std::vector<std::string>& keys,
                               std::vector<std::pair<std::string, std::string>>* found) = 0;
+    /// Hands over the folded key and the place (NamePlaces.h) of each record that has a name, of a
+    /// table whose names are to be unique.
+    virtual Status namePlaces(
+        const TableDef& table,
+        const std::function<void(const std::string& key, const std::string& place)>& each) = 0;
     /// Applies writes to several tables in one transaction, which is a new group of the change log
     /// that takes back the groups `undoes`. Refuses what update() refuses with a guard that has
     /// seen the log up to `seen`. Outdated, and nothing is written, if one of the records was

@@ -45,6 +45,9 @@ public:
                         std::map<std::string, std::vector<Value>>* values) final;
     Status keysNaming(const TableDef& table, int field, const std::vector<std::string>& keys,
                       std::vector<std::pair<std::string, std::string>>* found) final;
+    Status namePlaces(
+        const TableDef& table,
+        const std::function<void(const std::string& key, const std::string& place)>& each) final;
     Status writeAll(const std::vector<TableWrites>& parts, int64_t seen,
                     const std::vector<int64_t>& undoes) final;
 

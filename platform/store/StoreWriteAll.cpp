@@ -1,5 +1,6 @@
 // Reading and writing records of several tables by their keys, for whoever takes changes back.
 #include "platform/store/GuardedUpdate.h"
+#include "platform/store/NamePlaces.h"
 #include "platform/store/Names.h"
 #include "platform/store/Sql.h"
 #include "platform/store/StoreCore.h"
@@ -116,6 +117,22 @@ Status StoreCore::keysNaming(const TableDef& table, int field, const std::vector
                      wanted.begin() + static_cast<ptrdiff_t>(std::min(i + most, wanted.size()))},
                     [&](const Row& row) { found->emplace_back(textOf(row[0]), textOf(row[1])); });
             return status;
+        });
+    });
+}
+
+Status StoreCore::namePlaces(
+    const TableDef& table,
+    const std::function<void(const std::string& key, const std::string& place)>& each) {
+    return guarded([&]() -> Status {
+        const NamePlaces places(table);
+        return inRead([&] {
+            return select(table, {0, places.name(), places.folder(), places.kind()},
+                          [&](const Row& row) {
+                              const std::string place = places.placeOf(row[1], row[2], row[3]);
+                              if (!place.empty())
+                                  each(foldedKey(textOf(row[0])), place);
+                          });
         });
     });
 }

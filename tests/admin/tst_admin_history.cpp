@@ -12,6 +12,7 @@ private slots:
     void anActionIsTakenBack();
     void whatIsLeftIsNamed();
     void eachFolderThatIsGoneGetsAPlace();
+    void aTakenNameIsNamedAndAFreeOneIsOffered();
     void badUndoIsRefused();
     void theNewestComesFirst();
     void filtersLeaveWhatIsAskedFor();
@@ -121,6 +122,21 @@ void TestAdminHistory::eachFolderThatIsGoneGetsAPlace() {
     QVERIFY(run({"undo", number, "--place", "f="}).err.contains("решите, как быть"));
     QCOMPARE(run({"undo", number, "--place", "f=", "--place", "g="}).code, 0);
     QVERIFY(content().contains("\"x\"") && content().contains("\"y\""));
+}
+
+void TestAdminHistory::aTakenNameIsNamedAndAFreeOneIsOffered() {
+    ORVO_DONE(run({"put", "form", m_admin->write("src/a.ui", "first")}));
+    QVERIFY(m_kind.byHand("DELETE FROM \"MenuResource\";"));
+    const QString deletion = run({"history", "--limit", "1"}).out.section(' ', 0, 0);
+    ORVO_DONE(run({"put", "form", m_admin->write("src/a.ui", "second")}));
+    const QByteArray before = content();
+    const AdminResult asking = run({"undo", deletion});
+    QVERIFY2(asking.out.contains("Не возвращено: форма «a.ui»: имя «a.ui» уже занято (admin, "),
+             qPrintable(asking.out));
+    QVERIFY2(asking.err.contains("--other-names"), qPrintable(asking.err));
+    QCOMPARE(content(), before);
+    ORVO_DONE(run({"undo", deletion, "--other-names"}));
+    QVERIFY(content().contains("a (2).ui"));
 }
 
 void TestAdminHistory::badUndoIsRefused() {

@@ -258,6 +258,36 @@ private slots:
         QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г"));
     }
 
+    void whatHasLostItsNameComesBackUnderAFreeOne() {
+        Fixture fixture;
+        const auto names = [&] {
+            CMDArray rows;
+            QStringList found;
+            if (fixture.host.store().fetch("MenuResource", rows.array).ok())
+                for (uint32_t i = 0; i < mdx::postedCount(rows.array); ++i)
+                    found << textOf(rows.array, mdx::postedRecord(rows.array, i), "name_");
+            found.sort();
+            return found;
+        };
+        const QStringList before = names();
+        fixture.writes(MDX_INSERT, {{{"KeyLink", "f1"}, {"name_", "Насос"}, {"type_", "2"}}},
+                       "MenuResource");
+        fixture.writes(MDX_DELETE, {{{"KeyLink", "f1"}}}, "MenuResource");
+        fixture.otherWrites(MDX_INSERT, {{"KeyLink", "f2"}, {"name_", "насос"}, {"type_", "2"}},
+                            "MenuResource");
+        QTRY_COMPARE(fixture.undoText(), QString("Отменить: удалить «Насос»"));
+        fixture.undo();
+        QTRY_VERIFY(fixture.hasPlan());
+        QVERIFY(!fixture.isEnabled("revertOk"));
+        QVERIFY2(fixture.left().join('\n').contains("имя «Насос» уже занято (Петров П."),
+                 qPrintable(fixture.left().join('\n')));
+        fixture.dialog()->findChild<QCheckBox*>("revertOtherNames")->setChecked(true);
+        QTRY_VERIFY(fixture.isEnabled("revertOk"));
+        fixture.press("revertOk");
+        QTRY_COMPARE(names().size(), before.size() + 2);
+        QVERIFY2(names().contains("Насос (2)"), qPrintable(names().join(' ')));
+    }
+
     void stepsOutliveTheModulesAndTheProgram() {
         Fixture fixture;
         fixture.renames("a", "а1");

@@ -18,9 +18,12 @@ void undoOptions(OptionList& options) {
         {QStringLiteral("dry-run"), QString::fromUtf8("Только показать, что было бы записано.")});
     options.append({QStringLiteral("with-others"),
                     QString::fromUtf8("Удалить и то, на чём построили другие, со всем внутри.")});
+    options.append({QStringLiteral("other-names"),
+                    QString::fromUtf8("Вернуть под свободным именем то, чьё имя уже занято: "
+                                      "«а (2).png».")});
     options.append({QStringLiteral("partly"),
-                    QString::fromUtf8("Отменить без того, чему нет места или на чём построили "
-                                      "другие.")});
+                    QString::fromUtf8("Отменить без того, чему нет места, чьё имя занято или на "
+                                      "чём построили другие.")});
     options.append({QStringLiteral("place"),
                     QString::fromUtf8("Вместо удалённой папки вернуть в эту: ключи через «=»; "
                                       "пусто после «=» - на верхний уровень."),
@@ -30,6 +33,7 @@ void undoOptions(OptionList& options) {
 history::Choices readChoices(const Invocation& call) {
     history::Choices choices;
     choices.othersWorkToo = call.has("with-others");
+    choices.otherNames = call.has("other-names");
     choices.partly = call.has("partly");
     for (const std::string& pair : call.values("place")) {
         const size_t middle = pair.find('=');
@@ -87,8 +91,9 @@ int run(const Invocation& call) {
     for (const history::Remark& remark : inverse.remarks)
         out(cell(history::remarkWords(remark, source).toStdString()));
     if (inverse.asks() && !choices.partly && !dry)
-        throw Failure(std::string(what) +
-                      ": решите, как быть (--place, --with-others или без этого --partly)");
+        throw Failure(
+            std::string(what) +
+            ": решите, как быть (--place, --with-others, --other-names или без этого --partly)");
     out((dry ? "записалось бы записей: " : "записано записей: ") + std::to_string(inverse.count));
     return inverse.remarks.empty() ? Done : ErrorsFound;
 }
@@ -97,7 +102,7 @@ int run(const Invocation& call) {
 
 const Verb undoVerb = {
     "undo",
-    "[--dry-run] [--partly] [--with-others] [--place БЫЛА=СТАЛА] ИЗМЕНЕНИЕ...",
+    "[--dry-run] [--partly] [--with-others] [--other-names] [--place БЫЛА=СТАЛА] ИЗМЕНЕНИЕ...",
     "Отменить действия из истории",
     "Номера - из history; отменяется всё действие, которому изменение принадлежит, несколько - "
     "одной\n"

@@ -45,6 +45,8 @@ RevertDialog::RevertDialog(const QString& title, QWidget* parent)
     , m_leftHead(plainLabel(QStringLiteral("Останется как есть:"), this))
     , m_left(new QListWidget(this))
     , m_questions(new QVBoxLayout)
+    , m_otherNames(new QCheckBox(
+          QStringLiteral("Вернуть под свободным именем то, чьё имя уже занято: «Имя (2)»"), this))
     , m_others(new QCheckBox(QStringLiteral("Удалить и это, вместе с тем, что построили другие"),
                              this)) {
     setObjectName(QStringLiteral("revertDialog"));
@@ -53,6 +55,7 @@ RevertDialog::RevertDialog(const QString& title, QWidget* parent)
     m_head->setObjectName(QStringLiteral("revertHead"));
     m_writes->setObjectName(QStringLiteral("revertWrites"));
     m_left->setObjectName(QStringLiteral("revertLeft"));
+    m_otherNames->setObjectName(QStringLiteral("revertOtherNames"));
     m_others->setObjectName(QStringLiteral("revertOthers"));
     m_writes->setHeaderLabels(
         {QStringLiteral("Что"), QStringLiteral("Сейчас"), QStringLiteral("Станет")});
@@ -67,6 +70,7 @@ RevertDialog::RevertDialog(const QString& title, QWidget* parent)
     m_left->setMaximumHeight(130);
     m_leftHead->hide();
     m_left->hide();
+    m_otherNames->hide();
     m_others->hide();
 
     auto* buttons = new QDialogButtonBox(this);
@@ -83,11 +87,13 @@ RevertDialog::RevertDialog(const QString& title, QWidget* parent)
     all->addWidget(m_leftHead);
     all->addWidget(m_left);
     all->addLayout(m_questions);
+    all->addWidget(m_otherNames);
     all->addWidget(m_others);
     all->addWidget(buttons);
     resize(960, 480);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    connect(m_otherNames, &QCheckBox::toggled, this, &RevertDialog::changed);
     connect(m_others, &QCheckBox::toggled, this, &RevertDialog::changed);
 }
 
@@ -140,6 +146,8 @@ void RevertDialog::setPlan(const RevertPlan& plan) {
     showWrites(plan);
     for (const RevertPlan::Place& place : plan.places)
         addPlace(place);
+    if (plan.namesTaken)
+        m_otherNames->show();
     if (!plan.builtOn.isEmpty())
         m_others->show();
     QStringList left = plan.left;
@@ -158,6 +166,7 @@ history::Choices RevertDialog::choices() const {
     history::Choices choices;
     choices.partly = true; // it says what is left
     choices.othersWorkToo = m_others->isChecked();
+    choices.otherNames = m_otherNames->isChecked();
     for (const auto& [missing, box] : m_places)
         if (const QVariant key = box->currentData(); key.isValid())
             choices.places[missing] = key.toByteArray().toStdString();

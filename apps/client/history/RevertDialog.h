@@ -1,6 +1,6 @@
 // RevertDialog.h: shows what taking actions back would write and what would be left, and asks what
-// only the user can know: where to put what has no folder any more, and whether to delete what
-// others have built on.
+// only the user can know: where to put what has no folder any more, how to call what has lost its
+// name to another, and whether to delete what others have built on.
 #ifndef ORVO_APPS_CLIENT_HISTORY_REVERTDIALOG_H
 #define ORVO_APPS_CLIENT_HISTORY_REVERTDIALOG_H
 
@@ -44,6 +44,7 @@ private:
     QLabel* m_leftHead;
     QListWidget* m_left;
     QVBoxLayout* m_questions;
+    QCheckBox* m_otherNames;
     QCheckBox* m_others;
     QPushButton* m_ok;
     std::map<std::string, QComboBox*> m_places; ///< by the folded key of the missing folder

@@ -27,7 +27,8 @@ struct RevertPlan {
         std::vector<std::pair<QString, std::string>> others; ///< caption and key
     };
     std::vector<Place> places;
-    QStringList builtOn; ///< what would be deleted, but others have built on it
+    bool namesTaken = false; ///< some of what is left bears a name that another has by now
+    QStringList builtOn;     ///< what would be deleted, but others have built on it
 };
 
 /// Puts the inverse of the plan into words; the writes only if asked for. In any thread.
