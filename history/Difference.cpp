@@ -1,57 +1,22 @@
 #include "history/Difference.h"
 
 #include "frame/Vocabulary.h"
-#include "history/RecordWords.h"
 #include "platform/store/Merge.h"
+#include "platform/store/NamePlaces.h"
 #include "platform/store/Names.h"
-
-#include <QStringList>
 
 #include <algorithm>
 #include <cstring>
+#include <map>
+#include <set>
 
 namespace orvo::history {
 
 namespace {
 
-const std::string nothing;
-
 std::string textAt(const Values& values, int field) {
     const auto found = values.find(field);
     return found == values.end() ? std::string() : store::textOf(found->second);
-}
-
-std::vector<const store::TableDef*> allTables() {
-    std::vector<const store::TableDef*> all;
-    for (const store::TableDef& table : store::tables())
-        all.push_back(&table);
-    all.push_back(&store::contentTable());
-    return all;
-}
-
-/// The records above a record: its parents, and the form or file of a content.
-std::vector<RecordKey> above(const store::TableDef& table, const Values& values) {
-    std::vector<RecordKey> found;
-    const auto add = [&](const char* target, const char* field) {
-        if (const std::string key = textAt(values, table.find(field)); store::isKey(key))
-            found.emplace_back(store::findTable(target), store::foldedKey(key));
-    };
-    for (const store::ParentField& parent : store::parentFields(table))
-        add(parent.table, parent.field);
-    if (&table == &store::contentTable())
-        add(table::MenuResource, field::MenuResourceKey);
-    return found;
-}
-
-using Children = std::map<RecordKey, std::vector<RecordKey>>;
-
-Children childrenIn(const Installation& installation) {
-    Children children;
-    for (const store::TableDef* table : allTables())
-        for (const auto& [key, values] : installation.records(*table))
-            for (const RecordKey& parent : above(*table, values))
-                children[parent].emplace_back(table, key);
-    return children;
 }
 
 void addBranch(const Installation& installation, const RecordKey& top, std::set<RecordKey>* found) {
@@ -79,7 +44,7 @@ void addNeeded(const Installation& from, const Installation& to, std::set<Record
         const Values* values = to.find(*table, key);
         if (!values)
             continue;
-        std::vector<RecordKey> needed = above(*table, *values);
+        std::vector<RecordKey> needed = recordsAbove(*table, *values);
         if (const int field = table->find(field::MenuResourceKey);
             field >= 0 && store::isKey(textAt(*values, field)))
             needed.emplace_back(store::findTable(table::MenuResource),
@@ -102,126 +67,37 @@ bool isOwn(const store::TableDef& table, int field) {
            (field == table.find(field::UsersKey) || field == table.find(field::dateTimeEdit));
 }
 
-} // namespace
+/// What is not written as the newer installation has it.
+struct Exceptions {
+    std::set<RecordKey> left;   ///< not written at all
+    std::set<RecordKey> placed; ///< keep their name and place
+    std::map<RecordKey, std::string> names;
+};
 
-// Installation -----------------------------------------------------------------------------------
-
-const Installation::Records& Installation::records(const store::TableDef& table) const {
-    static const Records none;
-    const auto found = m_records.find(&table);
-    return found == m_records.end() ? none : found->second;
+/// What the exceptions leave of the values that a record has in the newer installation.
+Values adjusted(const Exceptions& exceptions, const store::TableDef& table, const std::string& key,
+                const Values* old, Values values) {
+    const RecordKey record{&table, key};
+    const auto name = exceptions.names.find(record);
+    const bool placed = old && exceptions.placed.count(record) != 0;
+    if (!placed && name == exceptions.names.end())
+        return values;
+    const store::NamePlaces names(table);
+    if (placed)
+        for (const int field : {names.name(), names.folder(), names.kind()})
+            values[field] = old->at(field);
+    else
+        values[names.name()] = name->second;
+    return values;
 }
-
-const Values* Installation::find(const store::TableDef& table, const std::string& key) const {
-    const Records& all = records(table);
-    const auto found = all.find(store::foldedKey(key));
-    return found == all.end() ? nullptr : &found->second;
-}
-
-const std::string& Installation::checksumOf(const std::string& contentKey) const {
-    const auto found = m_sums.find(store::foldedKey(contentKey));
-    return found == m_sums.end() ? nothing : found->second;
-}
-
-const std::string& Installation::bytesOf(const std::string& contentKey) const {
-    const auto found = m_bytes.find(store::foldedKey(contentKey));
-    return found == m_bytes.end() ? nothing : found->second;
-}
-
-Values Installation::valuesOf(const store::TableDef& table, const std::string& key) {
-    const Values* found = find(table, key);
-    return found ? *found : Values();
-}
-
-store::Status Installation::expect(uint64_t /*records*/, uint64_t /*contents*/,
-                                   uint64_t /*bytes*/) {
-    return {};
-}
-
-store::Status Installation::record(const store::TableDef& table,
-                                   const std::vector<store::Value>& values,
-                                   const std::string& place) {
-    finish();
-    if (values.size() != table.fields.size() || !store::isKey(store::textOf(values.front())))
-        return {store::Refused, (place.empty() ? store::inTable(table) : place) +
-                                    ": запись без ключа или не с теми полями"};
-    Values& own = m_records[&table][store::foldedKey(store::textOf(values.front()))];
-    for (size_t i = 0; i < values.size(); ++i) {
-        const bool none = table.fields[i].link && store::textOf(values[i]).empty();
-        own[static_cast<int>(i)] = none ? store::Value() : values[i];
-    }
-    return {};
-}
-
-store::Status Installation::content(const std::vector<store::Value>& values,
-                                    const std::string& place) {
-    store::Status status = record(store::contentTable(), values, place);
-    if (status.ok())
-        m_open = store::foldedKey(store::textOf(values.front()));
-    return status;
-}
-
-store::Status Installation::bytes(std::string_view piece) {
-    m_sum.add(piece);
-    if (m_known)
-        m_read += piece;
-    return {};
-}
-
-void Installation::finish() {
-    if (m_open.empty())
-        return;
-    const std::string sum = m_sum.text();
-    if (m_known && m_known->checksumOf(m_open) != sum)
-        m_bytes[m_open] = std::move(m_read);
-    m_sums[m_open] = sum;
-    m_open.clear();
-    m_read.clear();
-    m_sum.reset();
-}
-
-// Paths ------------------------------------------------------------------------------------------
-
-std::vector<RecordKey> findPath(const Installation& installation, const std::string& path) {
-    std::vector<RecordKey> found;
-    for (const store::TableDef& table : store::tables())
-        if (std::strcmp(table.name, table::Users) != 0 && installation.find(table, path))
-            found.emplace_back(&table, store::foldedKey(path));
-    if (!found.empty())
-        return found;
-    const QStringList names = QString::fromStdString(path).split('/');
-    const Children children = childrenIn(installation);
-    for (const store::TableDef& table : store::tables())
-        for (const auto& [key, values] : installation.records(table))
-            if (store::parentFields(table).size() > 0 && above(table, values).empty())
-                if (nameOf(table, values) == names.front())
-                    found.emplace_back(&table, key);
-    for (int i = 1; i < names.size(); ++i) {
-        std::vector<RecordKey> next;
-        for (const RecordKey& record : found)
-            if (const auto below = children.find(record); below != children.end())
-                for (const RecordKey& child : below->second) {
-                    const Values& values = *installation.find(*child.first, child.second);
-                    // Elements stand below their desktop and below another element.
-                    const bool atTop =
-                        above(*child.first, values).size() == 1 || record.first == child.first;
-                    if (atTop && nameOf(*child.first, values) == names[i])
-                        next.push_back(child);
-                }
-        found = std::move(next);
-    }
-    return found;
-}
-
-// Difference -------------------------------------------------------------------------------------
-
-namespace {
 
 class Comparing {
 public:
-    Comparing(const Installation& from, const Installation& to, Difference& difference)
+    Comparing(const Installation& from, const Installation& to, const Exceptions& exceptions,
+              Difference& difference)
         : m_from(from)
         , m_to(to)
+        , m_exceptions(exceptions)
         , m_difference(difference) {}
 
     /// Adds the writes of one kind to a table, of those of its records that are wanted.
@@ -230,13 +106,20 @@ public:
         part.table = &table;
         const Installation& named = flag == MDX_DELETE ? m_from : m_to;
         for (const auto& [key, values] : named.records(table)) {
-            if (wanted && wanted->count({&table, key}) == 0)
+            if ((wanted && wanted->count({&table, key}) == 0) ||
+                m_exceptions.left.count({&table, key}) != 0)
                 continue;
             const Values* old = m_from.find(table, key);
             const Values* made = m_to.find(table, key);
             const int needed = !old ? MDX_INSERT : !made ? MDX_DELETE : MDX_UPDATE;
-            if (needed == flag)
+            if (needed != flag)
+                continue;
+            if (made && store::NamePlaces::concern(table)) {
+                const Values written = adjusted(m_exceptions, table, key, old, *made);
+                add(table, flag, key, old, &written, part);
+            } else {
                 add(table, flag, key, old, made, part);
+            }
         }
         if (!part.writes.empty())
             m_difference.parts.push_back(std::move(part));
@@ -292,13 +175,124 @@ private:
 
     const Installation& m_from;
     const Installation& m_to;
+    const Exceptions& m_exceptions;
     Difference& m_difference;
+};
+
+/// Keeps names apart in what an installation will be.
+class Naming {
+public:
+    /// `wanted`: null: all.
+    Naming(const Installation& from, const Installation& to, const std::set<RecordKey>* wanted,
+           SameNames rule, Exceptions& exceptions)
+        : m_from(from)
+        , m_to(to)
+        , m_wanted(wanted)
+        , m_rule(rule)
+        , m_exceptions(exceptions) {}
+
+    /// Adds exceptions until no two records share a name that did not before.
+    void settle(std::vector<TakenName>* leftOut) {
+        for (bool again = true; again;) { // what keeps its place may stand in the way of others
+            again = false;
+            for (const store::TableDef& table : store::tables())
+                if (store::NamePlaces::concern(table))
+                    again = look(table, leftOut) || again;
+        }
+    }
+
+private:
+    bool look(const store::TableDef& table, std::vector<TakenName>* leftOut) {
+        const store::NamePlaces names(table);
+        std::map<std::string, std::string> holders; // place to folded key
+        std::map<std::string, Values> fresh;        // what gets a new place, by folded key
+        for (const auto& [key, values] : m_from.records(table)) {
+            const Values* made = m_to.find(table, key);
+            const std::string place = names.placeOf(values);
+            if (!isWritten({&table, key})) {
+                holders.emplace(place, key);
+            } else if (made) {
+                Values after = adjusted(m_exceptions, table, key, &values, *made);
+                if (names.placeOf(after) == place)
+                    holders.emplace(place, key);
+                else
+                    fresh[key] = std::move(after);
+            }
+        }
+        for (const auto& [key, values] : m_to.records(table))
+            if (!m_from.find(table, key) && isWritten({&table, key}))
+                fresh[key] = adjusted(m_exceptions, table, key, nullptr, values);
+        bool changed = false;
+        for (auto& [key, values] : fresh) {
+            const std::string place = names.placeOf(values);
+            const auto [holder, free] = holders.emplace(place, key);
+            if (free || place.empty())
+                continue;
+            changed = true;
+            const std::string name = textAt(values, names.name());
+            if (m_rule == SameNames::Number) {
+                number(names, {&table, key}, values, &holders);
+                continue;
+            }
+            leftOut->push_back(
+                {{&table, key}, {&table, holder->second}, name, !m_from.find(table, key)});
+            leaveOut({&table, key});
+        }
+        return changed && m_rule == SameNames::LeaveOut;
+    }
+
+    bool isWritten(const RecordKey& record) const {
+        return (!m_wanted || m_wanted->count(record) != 0) && m_exceptions.left.count(record) == 0;
+    }
+
+    void number(const store::NamePlaces& names, const RecordKey& record, Values& values,
+                std::map<std::string, std::string>* holders) {
+        const std::string name = textAt(values, names.name());
+        for (int number = 2;; ++number) {
+            values[names.name()] = names.numbered(name, number);
+            if (holders->emplace(names.placeOf(values), record.second).second)
+                break;
+        }
+        m_exceptions.names[record] = textAt(values, names.name());
+    }
+
+    void leaveOut(const RecordKey& record) {
+        if (const Values* old = m_from.find(*record.first, record.second)) {
+            m_exceptions.placed.insert(record);
+            keepAbove(*record.first, *old);
+            return;
+        }
+        std::set<RecordKey> branch;
+        addBranch(m_to, record, &branch);
+        for (const RecordKey& below : branch) {
+            if (!m_from.find(*below.first, below.second))
+                m_exceptions.left.insert(below);
+            else if (store::NamePlaces::concern(*below.first))
+                leaveOut(below); // it was to be moved there
+        }
+    }
+
+    /// The folders of what keeps its place are not deleted.
+    void keepAbove(const store::TableDef& table, const Values& values) {
+        for (const RecordKey& above : recordsAbove(table, values)) {
+            const Values* folder = m_from.find(*above.first, above.second);
+            if (folder && !m_to.find(*above.first, above.second) &&
+                m_exceptions.left.insert(above).second)
+                keepAbove(*above.first, *folder);
+        }
+    }
+
+    const Installation& m_from;
+    const Installation& m_to;
+    const std::set<RecordKey>* const m_wanted;
+    const SameNames m_rule;
+    Exceptions& m_exceptions;
 };
 
 } // namespace
 
 Difference differenceOf(const Installation& from, const Installation& to,
-                        const std::optional<RecordKey>& top, bool withUsers) {
+                        const std::optional<RecordKey>& top, bool withUsers, SameNames names) {
     Difference difference;
     std::set<RecordKey> wanted;
     if (top) {
@@ -310,7 +304,10 @@ Difference differenceOf(const Installation& from, const Installation& to,
     if (!withUsers)
         tables.erase(std::remove(tables.begin(), tables.end(), store::findTable(table::Users)),
                      tables.end());
-    Comparing comparing(from, to, difference);
+    Exceptions exceptions;
+    if (names != SameNames::Stay)
+        Naming(from, to, top ? &wanted : nullptr, names, exceptions).settle(&difference.leftOut);
+    Comparing comparing(from, to, exceptions, difference);
     for (const int flag : {MDX_INSERT, MDX_UPDATE})
         for (const store::TableDef* table : tables)
             comparing.add(*table, flag, top ? &wanted : nullptr);

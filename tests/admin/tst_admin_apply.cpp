@@ -14,6 +14,8 @@ private slots:
     void anExportIsAppliedAndTakenBack();
     void aPartIsAppliedAlone();
     void whatAPartNeedsComesAlong();
+    void aFormOfATakenNameIsLeftOut();
+    void aFolderOfATakenNameIsLeftOutWithItsFiles();
     void usersAndLocksStay();
     void badArgumentsAreRefused();
     void whatNoStoreCanHoldIsRefused_data();
@@ -108,6 +110,60 @@ void TestAdminApply::whatAPartNeedsComesAlong() {
     QVERIFY(m_kind.byHand("DELETE FROM \"MenuResource\"; DELETE FROM \"Menu\" WHERE \"KeyLink\" <> "
                           "'x'; DELETE FROM \"MenuFolder\" WHERE \"KeyLink\" <> 'o';"));
     ORVO_DONE(run({"apply", file, "--only", "Цех/Стол"}));
+    QCOMPARE(content(), before);
+}
+
+void TestAdminApply::aFormOfATakenNameIsLeftOut() {
+    plant();
+    QVERIFY(m_kind.byHand("UPDATE \"Menu\" SET \"MenuResourceKey\" = (SELECT \"KeyLink\" FROM "
+                          "\"MenuResource\"), \"caption\" = 'Я' WHERE \"KeyLink\" = 'b';"));
+    const QString file = exported();
+    QVERIFY(m_kind.byHand("DELETE FROM \"MenuResource\";"
+                          "UPDATE \"Menu\" SET \"caption\" = 'Б' WHERE \"KeyLink\" = 'b';"));
+    ORVO_DONE(run({"put", "form", m_admin->write("src/a.ui", "another's")}));
+    const QByteArray before = content();
+    const QStringList apply = {"apply", file, "--only", "Цех/Стол"};
+    const AdminResult asking = run(apply);
+    QCOMPARE(asking.code, 2);
+    QVERIFY2(asking.out.startsWith("Не внесено: форма «a.ui»: имя «a.ui» уже занято (ключ "),
+             qPrintable(asking.out));
+    QVERIFY2(asking.err.contains("ничего не изменено: решите, как быть"), qPrintable(asking.err));
+    QCOMPARE(content(), before);
+    QCOMPARE(run(apply + QStringList{"--dry-run"}).code, 1);
+    QCOMPARE(run(apply + QStringList{"--partly"}).code, 1);
+    QByteArray text;
+    const char* const all = "SELECT \"KeyLink\" || \"caption\" FROM \"Menu\" WHERE "
+                            "\"KeyLink\" = 'b' UNION ALL SELECT \"name_\" FROM "
+                            "\"MenuResource\" ORDER BY 1;";
+    QVERIFY(m_kind.byHand(all, &text));
+    QCOMPARE(text.trimmed(), QByteArray("a.ui\nbЯ"));
+    ORVO_DONE(run(apply + QStringList{"--other-names"}));
+    QVERIFY(m_kind.byHand(all, &text));
+    QCOMPARE(text.trimmed(), QByteArray("a (2).ui\na.ui\nbЯ"));
+    QVERIFY(content().contains(QByteArray("text").toBase64()));
+}
+
+void TestAdminApply::aFolderOfATakenNameIsLeftOutWithItsFiles() {
+    const char* const moved = "UPDATE \"MenuResource\" SET \"MenuResourceFolderKey\" = 'new' "
+                              "WHERE \"name_\" = 'b.png';";
+    QVERIFY(m_kind.byHand("INSERT INTO \"MenuResourceFolder\" (\"KeyLink\", \"caption\", "
+                          "\"type_\") VALUES ('old', 'Планы', 4);"));
+    ORVO_DONE(run({"put", "file", m_admin->write("src/b.png", "b"), "--path", "Планы"}));
+    const QByteArray before = content();
+    QVERIFY(m_kind.byHand("INSERT INTO \"MenuResourceFolder\" (\"KeyLink\", \"caption\", "
+                          "\"type_\") VALUES ('new', 'планы', 4);"
+                          "INSERT INTO \"MenuResource\" (\"KeyLink\", \"name_\", \"type_\", "
+                          "\"MenuResourceFolderKey\") VALUES ('c', 'c.png', 4, 'new');"));
+    QVERIFY(m_kind.byHand(moved));
+    const QString file = exported();
+    QVERIFY(m_kind.byHand("DELETE FROM \"MenuResource\" WHERE \"KeyLink\" = 'c';"
+                          "UPDATE \"MenuResource\" SET \"MenuResourceFolderKey\" = 'old';"
+                          "DELETE FROM \"MenuResourceFolder\" WHERE \"KeyLink\" = 'new';"));
+    QCOMPARE(content(), before);
+    const AdminResult partly = run({"apply", file, "--only", "new", "--partly"});
+    QCOMPARE(partly.code, 1);
+    QCOMPARE(partly.lines().first(),
+             QString("Не внесено: папка ресурсов «планы»: имя «планы» уже занято (ключ old)"));
     QCOMPARE(content(), before);
 }
 

@@ -7,6 +7,7 @@
 #include "apps/admin/transfer/Format.h"
 #include "history/Difference.h"
 #include "history/GroupWords.h"
+#include "history/RecordWords.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -146,6 +147,22 @@ void applyOptions(OptionList& options) {
                     QString::fromUtf8("Только это и всё внутри: названия сверху через «/» или "
                                       "ключ записи."),
                     QString::fromUtf8("ПУТЬ")});
+    options.append({QStringLiteral("other-names"),
+                    QString::fromUtf8("Внести под свободным именем то, чьё имя в хранилище уже "
+                                      "занято: «а (2).png».")});
+    options.append(
+        {QStringLiteral("partly"), QString::fromUtf8("Внести без того, чьё имя занято.")});
+}
+
+std::string leftOutWords(const history::TakenName& taken, history::RecordSource& source) {
+    const auto& [table, key] = taken.record;
+    const QString record = history::recordWords(*table, source.valuesOf(*table, key), key);
+    return cell(
+        QStringLiteral("%1: %2: имя %3 уже занято (ключ %4)")
+            .arg(taken.isNew ? QStringLiteral("Не внесено") : QStringLiteral("Оставлено как есть"),
+                 record, history::quoted(QString::fromStdString(taken.name)),
+                 QString::fromStdString(taken.holder.second))
+            .toStdString());
 }
 
 history::RecordKey readPath(const std::string& path, const history::Installation& living,
@@ -179,24 +196,32 @@ int runApply(const Invocation& call) {
     std::optional<history::RecordKey> top;
     if (call.has("only"))
         top = readPath(call.value("only"), living, exported);
-    const history::Difference difference = history::differenceOf(living, exported, top, false);
+    const history::Difference difference = history::differenceOf(
+        living, exported, top, false,
+        call.has("other-names") ? history::SameNames::Number : history::SameNames::LeaveOut);
     const bool dry = call.has("dry-run");
+    Both source(exported, living);
+    for (const history::TakenName& taken : difference.leftOut)
+        out(leftOutWords(taken, source));
+    if (!difference.leftOut.empty() && !dry && !call.has("partly"))
+        throw Failure(std::string(what) +
+                      ": решите, как быть (--other-names или без этого --partly)");
+    const int code = difference.leftOut.empty() ? Done : ErrorsFound;
     if (!dry && !difference.changes.empty()) // what is told has happened
         require(store->writeAll(difference.parts, seen, {}), what);
-    Both source(exported, living);
     print(difference, source);
     const std::string count = std::to_string(difference.changes.size());
     if (difference.changes.empty()) {
         out("различий нет");
-        return Done;
+        return code;
     }
     if (dry) {
         out("записалось бы записей: " + count);
-        return Done;
+        return code;
     }
     out("записано записей: " + count + "; отменить: orvo-admin undo " +
         std::to_string(store->lastWritten().first));
-    return Done;
+    return code;
 }
 
 } // namespace
@@ -216,13 +241,15 @@ const Verb diffVerb = {
 
 const Verb applyVerb = {
     "apply",
-    "[--dry-run] [--only ПУТЬ] ВЫГРУЗКА",
+    "[--dry-run] [--only ПУТЬ] [--other-names] [--partly] ВЫГРУЗКА",
     "Внести в хранилище то, чем выгрузка отличается от него",
     "Меню, опробованное на копии, - в живую установку: одной транзакцией и одним действием\n"
     "истории, которое отменяет undo. С --only - только эту папку, рабочий стол, элемент или форму\n"
     "со всем внутри, с недостающими папками над ними и ресурсами, на которые они ссылаются.\n"
     "Чего в выгрузке нет, там удаляется. Пользователи и занятость ресурсов не меняются. Если\n"
-    "затронутое тем временем изменил кто-то другой, не меняется ничего.",
+    "затронутое тем временем изменил кто-то другой, не меняется ничего. Форма, файл или папка,\n"
+    "чьё имя в хранилище занято другой записью, называется, и пока не решено, как быть, не\n"
+    "меняется ничего; если без неё, код завершения 1.",
     1,
     1,
     applyOptions,

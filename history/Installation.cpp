@@ -1,0 +1,163 @@
+#include "history/Installation.h"
+
+#include "frame/Vocabulary.h"
+#include "history/RecordWords.h"
+#include "platform/store/Merge.h"
+#include "platform/store/Names.h"
+
+#include <QStringList>
+
+#include <cstring>
+
+namespace orvo::history {
+
+namespace {
+
+const std::string nothing;
+
+std::string textAt(const Values& values, int field) {
+    const auto found = values.find(field);
+    return found == values.end() ? std::string() : store::textOf(found->second);
+}
+
+} // namespace
+
+const Installation::Records& Installation::records(const store::TableDef& table) const {
+    static const Records none;
+    const auto found = m_records.find(&table);
+    return found == m_records.end() ? none : found->second;
+}
+
+const Values* Installation::find(const store::TableDef& table, const std::string& key) const {
+    const Records& all = records(table);
+    const auto found = all.find(store::foldedKey(key));
+    return found == all.end() ? nullptr : &found->second;
+}
+
+const std::string& Installation::checksumOf(const std::string& contentKey) const {
+    const auto found = m_sums.find(store::foldedKey(contentKey));
+    return found == m_sums.end() ? nothing : found->second;
+}
+
+const std::string& Installation::bytesOf(const std::string& contentKey) const {
+    const auto found = m_bytes.find(store::foldedKey(contentKey));
+    return found == m_bytes.end() ? nothing : found->second;
+}
+
+Values Installation::valuesOf(const store::TableDef& table, const std::string& key) {
+    const Values* found = find(table, key);
+    return found ? *found : Values();
+}
+
+store::Status Installation::expect(uint64_t /*records*/, uint64_t /*contents*/,
+                                   uint64_t /*bytes*/) {
+    return {};
+}
+
+store::Status Installation::record(const store::TableDef& table,
+                                   const std::vector<store::Value>& values,
+                                   const std::string& place) {
+    finish();
+    if (values.size() != table.fields.size() || !store::isKey(store::textOf(values.front())))
+        return {store::Refused, (place.empty() ? store::inTable(table) : place) +
+                                    ": запись без ключа или не с теми полями"};
+    Values& own = m_records[&table][store::foldedKey(store::textOf(values.front()))];
+    for (size_t i = 0; i < values.size(); ++i) {
+        const bool none = table.fields[i].link && store::textOf(values[i]).empty();
+        own[static_cast<int>(i)] = none ? store::Value() : values[i];
+    }
+    return {};
+}
+
+store::Status Installation::content(const std::vector<store::Value>& values,
+                                    const std::string& place) {
+    store::Status status = record(store::contentTable(), values, place);
+    if (status.ok())
+        m_open = store::foldedKey(store::textOf(values.front()));
+    return status;
+}
+
+store::Status Installation::bytes(std::string_view piece) {
+    m_sum.add(piece);
+    if (m_known)
+        m_read += piece;
+    return {};
+}
+
+void Installation::finish() {
+    if (m_open.empty())
+        return;
+    const std::string sum = m_sum.text();
+    if (m_known && m_known->checksumOf(m_open) != sum)
+        m_bytes[m_open] = std::move(m_read);
+    m_sums[m_open] = sum;
+    m_open.clear();
+    m_read.clear();
+    m_sum.reset();
+}
+
+std::vector<const store::TableDef*> allTables() {
+    std::vector<const store::TableDef*> all;
+    for (const store::TableDef& table : store::tables())
+        all.push_back(&table);
+    all.push_back(&store::contentTable());
+    return all;
+}
+
+/// The records above a record: its parents, and the form or file of a content.
+std::vector<RecordKey> recordsAbove(const store::TableDef& table, const Values& values) {
+    std::vector<RecordKey> found;
+    const auto add = [&](const char* target, const char* field) {
+        if (const std::string key = textAt(values, table.find(field)); store::isKey(key))
+            found.emplace_back(store::findTable(target), store::foldedKey(key));
+    };
+    for (const store::ParentField& parent : store::parentFields(table))
+        add(parent.table, parent.field);
+    if (&table == &store::contentTable())
+        add(table::MenuResource, field::MenuResourceKey);
+    return found;
+}
+
+Children childrenIn(const Installation& installation) {
+    Children children;
+    for (const store::TableDef* table : allTables())
+        for (const auto& [key, values] : installation.records(*table))
+            for (const RecordKey& parent : recordsAbove(*table, values))
+                children[parent].emplace_back(table, key);
+    return children;
+}
+
+// Paths ------------------------------------------------------------------------------------------
+
+std::vector<RecordKey> findPath(const Installation& installation, const std::string& path) {
+    std::vector<RecordKey> found;
+    for (const store::TableDef& table : store::tables())
+        if (std::strcmp(table.name, table::Users) != 0 && installation.find(table, path))
+            found.emplace_back(&table, store::foldedKey(path));
+    if (!found.empty())
+        return found;
+    const QStringList names = QString::fromStdString(path).split('/');
+    const Children children = childrenIn(installation);
+    for (const store::TableDef& table : store::tables())
+        for (const auto& [key, values] : installation.records(table))
+            if (store::parentFields(table).size() > 0 && recordsAbove(table, values).empty())
+                if (nameOf(table, values) == names.front())
+                    found.emplace_back(&table, key);
+    for (int i = 1; i < names.size(); ++i) {
+        std::vector<RecordKey> next;
+        for (const RecordKey& record : found)
+            if (const auto below = children.find(record); below != children.end())
+                for (const RecordKey& child : below->second) {
+                    const Values& values = *installation.find(*child.first, child.second);
+                    // Elements stand below their desktop and below another element.
+                    const bool atTop = recordsAbove(*child.first, values).size() == 1 ||
+                                       record.first == child.first;
+                    if (atTop && nameOf(*child.first, values) == names[i])
+                        next.push_back(child);
+                }
+        found = std::move(next);
+    }
+    return found;
+}
+
+} // namespace orvo::history
