@@ -1,6 +1,7 @@
 #include "history/Difference.h"
 
 #include "frame/Vocabulary.h"
+#include "history/Locks.h"
 #include "platform/store/Merge.h"
 #include "platform/store/NamePlaces.h"
 #include "platform/store/Names.h"
@@ -59,12 +60,6 @@ void addNeeded(const Installation& from, const Installation& to, std::set<Record
                 records->insert(one).second)
                 open.push_back(one);
     }
-}
-
-/// Whether a field belongs to the work with an installation, not to what was built in it.
-bool isOwn(const store::TableDef& table, int field) {
-    return std::strcmp(table.name, table::MenuResource) == 0 &&
-           (field == table.find(field::UsersKey) || field == table.find(field::dateTimeEdit));
 }
 
 /// What is not written as the newer installation has it.
@@ -141,7 +136,7 @@ private:
             for (const auto& [field, value] : *made) {
                 const bool same = old && old->at(field) == value;
                 const bool withBytes = bytes && field == table.find(field::size);
-                if (isOwn(table, field) || (field == 0 && old) || (same && !withBytes))
+                if (isLockField(table, field) || (field == 0 && old) || (same && !withBytes))
                     continue;
                 after[field] = value;
                 if (old)

@@ -29,6 +29,8 @@ store::Status planInverse(store::MaintainedStore& store, const std::vector<int64
     status = planning.collect();
     if (status.ok())
         status = planning.decide();
+    if (status.ok())
+        status = planning.keepLocked();
     for (bool again = true; again && status.ok();) {
         again = false;
         status = planning.placeRestored();
@@ -109,6 +111,10 @@ QString remarkWords(const Remark& remark, RecordSource& source, const PersonName
                    : QStringLiteral("Не возвращено: %1: нет места, %2 стоит теперь внутри")
                          .arg(record, place);
     }
+    case Remark::Locked:
+        return QStringLiteral("Оставлено как есть: %1: занята (%2)").arg(record, who);
+    case Remark::LockStays:
+        return QStringLiteral("Оставлено как есть: %1: занятость отменой не меняется").arg(record);
     case Remark::NameTaken:
         return QStringLiteral("%1: %2: имя %3 уже занято%4")
             .arg(remark.field < 0 ? QStringLiteral("Не возвращено")

@@ -31,6 +31,8 @@ struct Remark {
         PlaceInside,   ///< or stands below it now: the same
         BuiltOn,       ///< others have built on what would be deleted: see Choices::othersWorkToo
         NameTaken,     ///< another record has the name by now: see Choices::otherNames
+        Locked,        ///< another user has taken the form into work
+        LockStays,     ///< the action only took or released the form, which is not taken back
         NoBytes,       ///< the bytes that a form or file had are not kept
         DamagedBytes,  ///< or no longer what they were
         Forgotten,     ///< the log does not tell of the action any more
@@ -43,8 +45,9 @@ struct Remark {
     int field = -1;      ///< ChangedSince, NoPlace, PlaceInside; NameTaken: of a stored record
     std::string missing; ///< NoPlace, PlaceInside: the key that the field would name; NameTaken:
                          ///< the name
-    std::string login;   ///< ChangedSince, DeletedSince, BuiltOn, NameTaken: whose action it was
-    double time = 0;     ///< and when
+    std::string login;   ///< ChangedSince, DeletedSince, BuiltOn, NameTaken: whose action it was;
+                         ///< Locked: who holds it
+    double time = 0;     ///< and when, or since when
     int64_t group = 0;   ///< that action; of a whole action: the one that was asked for
 
     /// Whether Choices::places can help.

@@ -1,6 +1,7 @@
 #include "history/Planning.h"
 
 #include "frame/Vocabulary.h"
+#include "history/Locks.h"
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/ChangeRecord.h"
 #include "platform/store/Merge.h"
@@ -147,6 +148,7 @@ store::Status Planning::collect() {
             std::stable_sort(
                 record.events.begin(), record.events.end(),
                 [](const Event& a, const Event& b) { return a.change->id < b.change->id; });
+    dropLocks();
     return {};
 }
 
@@ -230,7 +232,8 @@ store::Status Planning::decide() {
                 bool made = false;
                 for (const Event& event : record.events) {
                     made = made || isConcerned(event);
-                    if (made && counts(event) && !isConcerned(event) && !event.after.empty())
+                    if (made && counts(event) && !isConcerned(event) && !event.after.empty() &&
+                        !isLockOnly(*event.change))
                         record.builtOn = event.change;
                 }
             }
@@ -378,14 +381,15 @@ void Planning::part(const store::TableDef& table, int flag) {
 void Planning::compose() {
     for (const store::TableDef& table : store::tables())
         part(table, MDX_INSERT);
-    part(store::contentTable(), MDX_INSERT);
     echoResources();
+    part(store::contentTable(), MDX_INSERT);
     for (const store::TableDef& table : store::tables())
         part(table, MDX_UPDATE);
     part(store::contentTable(), MDX_UPDATE);
     part(store::contentTable(), MDX_DELETE);
     for (auto table = store::tables().rbegin(); table != store::tables().rend(); ++table)
         part(*table, MDX_DELETE);
+    forgetLockActions();
 }
 
 } // namespace orvo::history

@@ -36,6 +36,8 @@ public:
     store::Status collect();
     /// What each of them should be.
     store::Status decide();
+    /// Leaves out what is done to forms that another user has taken into work.
+    store::Status keepLocked();
     /// Leaves out restored records without a place.
     store::Status placeRestored();
     /// Leaves out deletions of what others have built on.
@@ -103,6 +105,13 @@ private:
     store::Status place(const Placement& placement, bool* changed);
     store::Status wasDeleted(const store::TableDef& table, const std::string& key, bool* deleted);
 
+    /// Takes locks out of what is to be taken back.
+    void dropLocks();
+    std::string ownerKey(const Record& content) const;
+    bool remarkLocked(const std::string& resource);
+    /// Actions that did nothing but that are not counted as taken back.
+    void forgetLockActions();
+
     /// What will have become of the resource of a content.
     enum class Owner {
         Missing,
@@ -149,6 +158,14 @@ private:
     bool m_alone = false;           ///< nothing was written since the actions but by them
     std::set<const Record*> m_kept; ///< deletions that are left out
     bool m_foundUploads = false;
+    struct Lock {
+        std::string key; ///< of the form
+        std::string login;
+        double since = 0;
+        bool isTold = false;
+    };
+    std::map<std::string, Lock> m_locked; ///< by others; by the folded key of the form
+    std::set<int64_t> m_lockOnly;         ///< of the actions those that only took or released locks
 
     // Of the places; by table and folded key.
     std::map<const store::TableDef*, std::map<std::string, std::vector<store::Value>>> m_above;

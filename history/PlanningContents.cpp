@@ -51,13 +51,9 @@ store::Status Planning::findUploadsInto(Records& resources) {
 store::Status Planning::ownerOf(const Record& content, Owner* owner) {
     *owner = Owner::Missing;
     const store::TableDef& resources = *store::findTable(table::MenuResource);
-    const Values& values = content.present          ? content.now
-                           : content.values.empty() ? content.then
-                                                    : content.values;
-    const auto link = values.find(store::contentTable().find(field::MenuResourceKey));
-    if (link == values.end())
+    const std::string key = ownerKey(content);
+    if (key.empty())
         return {};
-    const std::string key = store::foldedKey(store::textOf(link->second));
     if (const Record* resource = planned(resources, key)) {
         if (resource->flag == MDX_INSERT || (resource->present && resource->flag != MDX_DELETE))
             *owner = resource->present && !resource->presentThen ? Owner::Kept : Owner::There;
@@ -122,7 +118,8 @@ store::Status Planning::decideContents() {
             if (store::Status asked = ownerOf(record, &owner); !asked.ok())
                 return asked;
         if (record.flag == MDX_DELETE) {
-            if (owner != Owner::There) // it goes, or stays, with its resource
+            // It goes, or stays, with its resource.
+            if (owner != Owner::There || remarkLocked(ownerKey(record)))
                 record.flag = 0;
             continue;
         }
@@ -139,6 +136,12 @@ store::Status Planning::decideContents() {
         }
         std::optional<store::KeptVersion> version;
         const bool known = bytesOf(record, kept, &version);
+        if (known && !version && record.flag == 0)
+            continue;
+        if (remarkLocked(ownerKey(record))) {
+            record.flag = 0;
+            continue;
+        }
         if (known && !version)
             continue;
         Remark::Why why = Remark::NoBytes;
@@ -175,11 +178,14 @@ void Planning::echoResources() {
     store::TableWrites part;
     part.table = &resources;
     for (const auto& [key, content] : contents->second) {
-        if (content.version == 0 || content.flag != MDX_UPDATE)
+        if (content.flag == 0)
             continue;
-        const auto link = content.now.find(owner);
+        // Under a lock that is taken meanwhile nothing is to change, either: the echo would meet
+        // it.
+        const Values& values = content.present ? content.now : content.values;
+        const auto link = values.find(owner);
         const std::string resource =
-            link == content.now.end() ? std::string() : store::textOf(link->second);
+            link == values.end() ? std::string() : store::textOf(link->second);
         const Record* other = planned(resources, store::foldedKey(resource));
         if (store::isKey(resource) && (!other || other->flag == 0) &&
             echoed.insert(store::foldedKey(resource)).second)

@@ -1,6 +1,7 @@
 #include "history/Steps.h"
 
 #include "history/GroupWords.h"
+#include "history/Locks.h"
 #include "history/Reading.h"
 #include "history/Standing.h"
 
@@ -30,12 +31,15 @@ private:
         bool known = false; ///< the log tells of it
         std::string login, client;
         std::vector<int64_t> undoes;
+        bool mayBeLock = false; ///< its first change only takes or releases a lock
     };
 
     store::Status head(int64_t group, const Head** head);
     store::Status kindOf(int64_t group, Kind* kind, int64_t* action);
     store::Status visit(int64_t group, const Standing& standing, Steps* steps);
     store::Status words(int64_t group, QString* words);
+    /// Whether the action only takes or releases locks.
+    store::Status isLock(int64_t group, bool* lock);
 
     store::MaintainedStore& m_store;
     const Actor& m_actor;
@@ -54,7 +58,8 @@ store::Status Walk::head(int64_t group, const Head** head) {
     Group read;
     store::Status status = readGroup(m_store, group, &read, 1);
     if (status.ok() && !read.changes.empty())
-        found->second = {true, read.login, read.client, read.undoes};
+        found->second = {true, read.login, read.client, read.undoes,
+                         isLockOnly(read.changes.front())};
     return status;
 }
 
@@ -98,6 +103,11 @@ store::Status Walk::visit(int64_t group, const Standing& standing, Steps* steps)
     if (!status.ok())
         return status;
     const bool counts = standing.stands(group) && m_passed.count(group) == 0;
+    bool lock = false;
+    if (kind == Kind::Action && known->mayBeLock)
+        status = isLock(group, &lock);
+    if (!status.ok() || lock)
+        return status;
     if (kind == Kind::Action) {
         m_redoEnds = true;
         if (counts) {
@@ -109,6 +119,13 @@ store::Status Walk::visit(int64_t group, const Standing& standing, Steps* steps)
         m_redone = action;
     }
     return {};
+}
+
+store::Status Walk::isLock(int64_t group, bool* lock) {
+    Group read;
+    store::Status status = readGroup(m_store, group, &read, Group::mostChanges);
+    *lock = read.whole && std::all_of(read.changes.begin(), read.changes.end(), isLockOnly);
+    return status;
 }
 
 store::Status Walk::words(int64_t group, QString* words) {

@@ -1,0 +1,142 @@
+// What an inverse does about forms that somebody has taken into work.
+#include "history/Planning.h"
+
+#include "frame/Vocabulary.h"
+#include "history/Locks.h"
+#include "platform/store/Names.h"
+
+#include <algorithm>
+
+namespace orvo::history {
+
+namespace {
+
+const store::Value& valueAt(const std::vector<store::Value>& row, const store::TableDef& table,
+                            const char* field) {
+    return row[static_cast<size_t>(table.find(field))];
+}
+
+bool isForm(const store::Value& kind) {
+    const auto* number = std::get_if<int64_t>(&kind);
+    return number && *number == Kind::Form;
+}
+
+} // namespace
+
+void Planning::dropLocks() {
+    const store::TableDef& resources = *store::findTable(table::MenuResource);
+    std::map<int64_t, bool> only; // of these groups
+    for (const std::vector<store::Change>& changes : m_changes)
+        for (const store::Change& change : changes) {
+            const bool lock = isLockOnly(change);
+            const bool says = lock || change.after != change.before; // or it is an echo
+            if (says && m_concerned.count(change.group) != 0) {
+                bool& all = only.try_emplace(change.group, true).first->second;
+                all = all && lock;
+            }
+        }
+    for (const auto& [group, all] : only)
+        if (all)
+            m_lockOnly.insert(group);
+    for (auto& [key, record] : m_records[&resources])
+        for (int field = 0; field < static_cast<int>(resources.fields.size()); ++field)
+            if (isLockField(resources, field))
+                record.fields.reset(static_cast<size_t>(field));
+}
+
+/// The form or file that a content belongs to, folded.
+std::string Planning::ownerKey(const Record& content) const {
+    const Values& values = content.present          ? content.now
+                           : content.values.empty() ? content.then
+                                                    : content.values;
+    const auto link = values.find(store::contentTable().find(field::MenuResourceKey));
+    return link == values.end() ? std::string() : store::foldedKey(store::textOf(link->second));
+}
+
+store::Status Planning::keepLocked() {
+    const store::TableDef& resources = *store::findTable(table::MenuResource);
+    const store::TableDef& users = *store::findTable(table::Users);
+    std::set<std::string> keys;
+    for (auto& [key, record] : m_records[&resources]) {
+        if (record.flag == MDX_INSERT) // what comes back is nobody's
+            for (int field = 0; field < static_cast<int>(resources.fields.size()); ++field)
+                if (isLockField(resources, field))
+                    record.values.erase(field);
+        if (record.present && record.flag != 0)
+            keys.insert(key);
+    }
+    for (const auto& [key, content] : m_records[&store::contentTable()])
+        keys.insert(ownerKey(content));
+    std::map<std::string, std::vector<store::Value>> stored, people;
+    store::Status status = m_store.storedValues(resources, {keys.begin(), keys.end()}, &stored);
+    std::vector<std::string> holders;
+    for (const auto& [key, row] : stored)
+        if (const std::string& holder = store::textOf(valueAt(row, resources, field::UsersKey));
+            !holder.empty() && isForm(valueAt(row, resources, field::type_)))
+            holders.push_back(holder);
+    if (status.ok() && !holders.empty())
+        status = m_store.storedValues(users, holders, &people);
+    if (!status.ok() || people.empty())
+        return status; // a lock of a user who is gone holds nothing
+    for (const auto& [key, row] : stored) {
+        const auto user =
+            people.find(store::foldedKey(store::textOf(valueAt(row, resources, field::UsersKey))));
+        if (user == people.end() || !isForm(valueAt(row, resources, field::type_)))
+            continue;
+        const std::string& login = store::textOf(valueAt(user->second, users, field::login_));
+        if (store::sameText(login, m_store.login()))
+            continue;
+        const auto* since = std::get_if<double>(&valueAt(row, resources, field::dateTimeEdit));
+        m_locked[key] = {store::textOf(row.front()), login, since ? *since : 0, false};
+    }
+    for (const auto& [key, lock] : m_locked)
+        if (const auto record = m_records[&resources].find(key);
+            record != m_records[&resources].end() && record->second.flag != 0) {
+            if (record->second.flag == MDX_DELETE)
+                m_kept.insert(&record->second);
+            record->second.flag = 0;
+            record->second.values = {};
+            remarkLocked(key);
+        }
+    return status;
+}
+
+/// Whether a resource is to be left alone for its lock; says so if it is.
+bool Planning::remarkLocked(const std::string& resource) {
+    const auto lock = m_locked.find(resource);
+    if (lock == m_locked.end())
+        return false;
+    if (std::exchange(lock->second.isTold, true))
+        return true;
+    Remark made;
+    made.why = Remark::Locked;
+    made.table = store::findTable(table::MenuResource);
+    made.key = lock->second.key;
+    made.login = lock->second.login;
+    made.time = lock->second.since;
+    m_inverse.remarks.push_back(std::move(made));
+    return true;
+}
+
+void Planning::forgetLockActions() {
+    std::vector<int64_t>& undoes = m_inverse.undoes;
+    const size_t asked = undoes.size();
+    undoes.erase(std::remove_if(undoes.begin(), undoes.end(),
+                                [&](int64_t group) {
+                                    const std::set<int64_t> all = m_standing.concerned({group});
+                                    return std::all_of(all.begin(), all.end(), [&](int64_t one) {
+                                        return m_lockOnly.count(one) != 0;
+                                    });
+                                }),
+                 undoes.end());
+    if (undoes.size() == asked || m_inverse.count > 0)
+        return;
+    const store::TableDef& resources = *store::findTable(table::MenuResource);
+    for (const auto& [key, record] : m_records[&resources])
+        if (std::any_of(record.events.begin(), record.events.end(), [&](const Event& event) {
+                return m_lockOnly.count(event.change->group) != 0;
+            }))
+            remark(Remark::LockStays, resources, record);
+}
+
+} // namespace orvo::history

@@ -1,0 +1,211 @@
+// Who has taken a form into work is no edit, and what he holds is left alone.
+#include "HistoryTest.h"
+
+#include "history/Steps.h"
+
+using namespace orvo::store;
+using namespace orvo::history;
+using namespace orvo::history::test;
+
+class TestHistoryLocks : public HistoryTest {
+    Q_OBJECT
+public:
+    using HistoryTest::HistoryTest;
+
+private slots:
+    void init() {
+        HistoryTest::init();
+        ORVO_OK(Batch("Users")
+                    .insert("ua", {{"login_", "anna"}})
+                    .insert("ub", {{"login_", "Boris"}}) // logins have no case
+                    .send(*m_anna));
+        ORVO_OK(Batch("MenuResourceFolder")
+                    .insert("forms", {{"type_", 3}, {"caption", "Формы"}})
+                    .send(*m_anna));
+        ORVO_OK(m_anna->formPut("", {{"", "a_", "first", 1.0}}));
+        m_form = key();
+        QVERIFY(!m_form.isEmpty());
+    }
+    void takingALockIsNotTakenBack();
+    void aLockThatIsNoLongerHeldStaysOff();
+    void aFormComesBackFree();
+    void aFormThatAnotherHoldsIsLeftAlone_data();
+    void aFormThatAnotherHoldsIsLeftAlone();
+    void theOwnLockDoesNotHinder();
+    void theLockOfAUserWhoIsGoneDoesNotHinder();
+    void aFolderWithAFormThatAnotherHoldsStays();
+    void aLockThatIsTakenMeanwhileOutdatesThePlan();
+    void aLockIsNoStepOfUndo();
+
+private:
+    /// Of the only form.
+    QString key() const {
+        const QStringList forms = snapshot().filter(QRegularExpression("^MenuResource\\|"));
+        return forms.size() == 1 ? forms.front().split('"').at(1) : QString();
+    }
+    QString form() const {
+        return snapshot().filter(QRegularExpression("^MenuResource(File)?\\|")).join('\n');
+    }
+    Status lock(Store& store, const char* user) const {
+        return Batch("MenuResource")
+            .update(m_form.toUtf8(), {{"UsersKey", user}, {"dateTimeEdit", 1700000000.0}})
+            .send(store);
+    }
+    Status change(Store& store, Batch::Fields values) const {
+        return Batch("MenuResource").update(m_form.toUtf8(), values).send(store);
+    }
+
+    QString m_form;
+};
+
+void TestHistoryLocks::takingALockIsNotTakenBack() {
+    ORVO_OK(lock(*m_anna, "ua"));
+    const int64_t taken = last(*m_anna);
+    const QStringList locked = snapshot();
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {taken}, {}, &done));
+    QVERIFY(!done.written);
+    QCOMPARE(remarks(done),
+             QStringList{"Оставлено как есть: форма «a_»: занятость отменой не меняется"});
+    QCOMPARE(snapshot(), locked);
+    ORVO_OK(change(*m_anna, {{"caption", "Новая"}}));
+    ORVO_OK(undo(*m_anna, {taken, last(*m_anna)}, {}, &done));
+    QVERIFY(done.written);
+    QCOMPARE(remarks(done), QStringList());
+    QCOMPARE(snapshot(), locked);
+    Group group;
+    ORVO_OK(readGroup(*m_anna, last(*m_anna), &group));
+    QCOMPARE(group.undoes.size(), size_t(1)); // not the lock
+}
+
+void TestHistoryLocks::aLockThatIsNoLongerHeldStaysOff() {
+    ORVO_OK(lock(*m_anna, "ua"));
+    ORVO_OK(change(*m_anna, {{"caption", "Новая"}, {"UsersKey", ""}, {"dateTimeEdit", {}}}));
+    const int64_t saved = last(*m_anna);
+    QVERIFY(form().contains(R"("Новая"||||)"));
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {saved}, {}, &done));
+    QVERIFY(done.written);
+    QCOMPARE(remarks(done), QStringList());
+    QVERIFY2(form().contains(R"("a_"|3|"a_"||||)"), qPrintable(form()));
+}
+
+void TestHistoryLocks::aFormComesBackFree() {
+    const QString free = form();
+    ORVO_OK(lock(*m_boris, "ub"));
+    ORVO_OK(m_anna->formDelete({"a_"}));
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    QVERIFY(done.written);
+    QCOMPARE(form(), free);
+}
+
+void TestHistoryLocks::aFormThatAnotherHoldsIsLeftAlone_data() {
+    QTest::addColumn<QString>("what");
+    for (const char* what : {"a field", "its bytes", "a file more", "all of it"})
+        QTest::newRow(what) << what;
+}
+
+void TestHistoryLocks::aFormThatAnotherHoldsIsLeftAlone() {
+    QFETCH(QString, what);
+    if (what == "a field")
+        ORVO_OK(change(*m_anna, {{"params", "x=1"}}));
+    else if (what == "its bytes")
+        ORVO_OK(m_anna->formPut("", {{"", "a_", "second", 2.0}}));
+    else if (what == "a file more")
+        ORVO_OK(m_anna->formPut("", {{"", "a_", "first", 1.0}, {"", "a_.png", "more", 2.0}}));
+    const int64_t action = last(*m_anna); // "all of it": that of init
+    ORVO_OK(lock(*m_boris, "UB"));        // nor have links
+    const QStringList before = snapshot();
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {action}, {}, &done));
+    QVERIFY(!done.written);
+    QCOMPARE(remarks(done).size(), 1);
+    QVERIFY2(remarks(done).front().startsWith(
+                 "Оставлено как есть: форма «a_»: занята (Boris, 14.11.2023 "),
+             qPrintable(remarks(done).front()));
+    QCOMPARE(snapshot(), before);
+    // Once it is free, it goes back.
+    ORVO_OK(Batch("MenuResource").update(m_form.toUtf8(), {{"UsersKey", ""}}).send(*m_boris));
+    ORVO_OK(undo(*m_anna, {action}, {}, &done));
+    QCOMPARE(remarks(done), QStringList());
+    QVERIFY(done.written);
+}
+
+void TestHistoryLocks::theOwnLockDoesNotHinder() {
+    ORVO_OK(m_boris->formPut("", {{"", "a_", "second", 2.0}}));
+    const int64_t upload = last(*m_boris);
+    ORVO_OK(lock(*m_boris, "ub"));
+    Inverse done;
+    ORVO_OK(undo(*m_boris, {upload}, {}, &done));
+    QVERIFY(done.written);
+    QCOMPARE(remarks(done), QStringList());
+    QVERIFY(form().contains("first"));
+    QVERIFY(form().contains("\"ub\""));
+}
+
+void TestHistoryLocks::theLockOfAUserWhoIsGoneDoesNotHinder() {
+    ORVO_OK(m_anna->formPut("", {{"", "a_", "second", 2.0}}));
+    const int64_t upload = last(*m_anna);
+    ORVO_OK(lock(*m_boris, "nobody"));
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {upload}, {}, &done));
+    QVERIFY(done.written);
+}
+
+void TestHistoryLocks::aFolderWithAFormThatAnotherHoldsStays() {
+    ORVO_OK(Batch("MenuResourceFolder")
+                .insert("f", {{"type_", 3}, {"caption", "Новые"}, {"ParentKey", "forms"}})
+                .send(*m_anna));
+    const int64_t folder = last(*m_anna);
+    ORVO_OK(m_anna->formPut("Новые", {{"", "b_", "its", 2.0}}));
+    const int64_t upload = last(*m_anna);
+    const QStringList forms = snapshot().filter("\"b_\"");
+    m_form = forms.front().split('"').at(1);
+    ORVO_OK(lock(*m_boris, "ub"));
+    const QStringList before = snapshot();
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {folder, upload}, {}, &done));
+    QVERIFY(!done.written);
+    QCOMPARE(remarks(done).size(), 1);
+    QVERIFY(remarks(done).front().contains("форма «b_»: занята (Boris"));
+    QCOMPARE(snapshot(), before);
+}
+
+void TestHistoryLocks::aLockThatIsTakenMeanwhileOutdatesThePlan() {
+    for (const bool more : {false, true}) {
+        std::vector<FileToPut> files = {{"", "a_", "second", 2.0}};
+        if (more)
+            files.push_back({"", "a_.png", "more", 2.0});
+        ORVO_OK(m_anna->formPut("", files));
+        Inverse plan;
+        ORVO_OK(planInverse(*m_anna, {last(*m_anna)}, {}, &plan));
+        QVERIFY(plan.count > 0);
+        ORVO_OK(lock(*m_boris, "ub"));
+        const QStringList before = snapshot();
+        ORVO_FAILS(writeInverse(*m_anna, &plan), Outdated);
+        QCOMPARE(snapshot(), before);
+        ORVO_OK(Batch("MenuResource").update(m_form.toUtf8(), {{"UsersKey", ""}}).send(*m_boris));
+    }
+}
+
+void TestHistoryLocks::aLockIsNoStepOfUndo() {
+    ORVO_OK(change(*m_anna, {{"caption", "Новая"}}));
+    const int64_t renamed = last(*m_anna);
+    ORVO_OK(lock(*m_anna, "ua"));
+    Steps steps;
+    ORVO_OK(readSteps(*m_anna, {"anna", "test"}, {}, &steps));
+    QCOMPARE(steps.undo.group, renamed);
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {renamed}, {}, &done));
+    const int64_t undone = last(*m_anna);
+    ORVO_OK(lock(*m_anna, ""));
+    ORVO_OK(readSteps(*m_anna, {"anna", "test"}, {}, &steps));
+    QCOMPARE(steps.redo.group, undone);
+}
+
+int main(int argc, char** argv) {
+    return orvo::store::test::runOnAllKinds<TestHistoryLocks>(argc, argv);
+}
+
+#include "tst_history_locks.moc"
