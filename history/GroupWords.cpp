@@ -190,7 +190,8 @@ GroupWords describe(const Group& group, RecordSource& source) {
             placeBy(*ones.front());
     }
     if (!group.undoes.empty())
-        words.what = QStringLiteral("Отмена: ") + words.what.left(1).toLower() + words.what.mid(1);
+        words.what = (group.redoes ? QStringLiteral("Повтор: ") : QStringLiteral("Отмена: ")) +
+                     words.what.left(1).toLower() + words.what.mid(1);
     return words;
 }
 

@@ -46,6 +46,27 @@ bool holdsText(const store::Change& change, const QString& text) {
     return false;
 }
 
+/// Whether a group that takes back that one does again what it took back.
+store::Status doesAgain(store::MaintainedStore& store, int64_t undone, bool* redoes) {
+    constexpr int deepest = 50; // it was taken back and done again so often
+    store::Status status;
+    *redoes = false;
+    for (int i = 0; i < deepest; ++i) {
+        store::LogQuery query;
+        query.group = undone;
+        query.undoing = true;
+        std::vector<store::Change> first;
+        status = store.history(query, 1, &first);
+        if (!status.ok() || first.empty() || first.front().undoes.empty())
+            break;
+        *redoes = !*redoes;
+        if (first.front().undoes.front() >= undone)
+            break; // only by hand
+        undone = first.front().undoes.front();
+    }
+    return status;
+}
+
 /// The change of that kind by which the group made or deleted the record; none if it did not.
 store::Status findIn(store::MaintainedStore& store, const Group& group, int code,
                      const std::pair<const store::TableDef*, std::string>& record,
@@ -130,7 +151,11 @@ store::Status readGroup(store::MaintainedStore& store, int64_t id, Group* group,
     group->newest = group->changes.back().id;
     group->counts.clear();
     group->tops.clear();
-    return group->whole || most < Group::mostChanges ? status : countAll(store, group);
+    group->redoes = false;
+    if (!group->undoes.empty() && most != 1) // what is read for its head alone is not told
+        status = doesAgain(store, group->undoes.front(), &group->redoes);
+    return !status.ok() || group->whole || most < Group::mostChanges ? status
+                                                                     : countAll(store, group);
 }
 
 Reader::Reader(store::MaintainedStore& store, Filter filter, BranchMembers* members)

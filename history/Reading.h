@@ -29,6 +29,7 @@ struct Group {
     std::vector<store::ChangeCount> counts;
     std::vector<store::Change> tops;
     std::vector<int64_t> undoes; ///< the groups that it takes back
+    bool redoes = false;         ///< what it takes back took something back, so it does that again
 
     static constexpr int mostChanges = 2000;
 };

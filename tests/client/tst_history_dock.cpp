@@ -159,8 +159,9 @@ private slots:
                                {"parent", "top"},
                                {"FolderKey", "desk"}});
         fixture.writes(MDX_INSERT, records);
-        QTRY_COMPARE(fixture.undoText(),
-                     QString("Отменить: создать «Агрегаты» и ещё 2500 записей"));
+        QTRY_COMPARE_WITH_TIMEOUT(fixture.undoText(),
+                                  QString("Отменить: создать «Агрегаты» и ещё 2500 записей"),
+                                  60'000); // its rows go into the tree first
         fixture.open();
         QTRY_COMPARE(fixture.what(0), QString("Создан элемент меню «Агрегаты» и ещё 2500 записей"));
     }

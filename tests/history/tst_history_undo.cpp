@@ -151,7 +151,9 @@ void TestHistoryUndo::undoOfAnUndoIsRedo() {
     ORVO_OK(undo(*m_anna, {undone}, {}, &done));
     QCOMPARE(snapshot(), after);
     const int64_t redone = last(*m_anna);
+    QVERIFY2(words(redone).startsWith("Повтор: "), qPrintable(words(redone)));
     ORVO_OK(undo(*m_anna, {redone}, {}, &done));
+    QVERIFY2(words(last(*m_anna)).startsWith("Отмена: "), qPrintable(words(last(*m_anna))));
     QCOMPARE(snapshot(), before);
     ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
     QCOMPARE(snapshot(), after);
