@@ -5,6 +5,7 @@
 #include "platform/store/Names.h"
 #include "platform/store/PostgresSchema.h"
 #include "platform/store/Sql.h"
+#include "platform/store/WaitPolicy.h"
 
 #include <algorithm>
 
@@ -99,7 +100,15 @@ Status PostgresStore::applyAll(const TableDef& table, const std::vector<Write>& 
     Status status = drainPipeline(); // what failed before is none of these
     if (status.ok())
         status = send("SAVEPOINT batches", {}, inTable(table), true);
+    auto asked = writes.begin();
     for (auto write = writes.begin(); write != writes.end() && status.ok();) {
+        if (write - asked >= recordsBetweenAsking) {
+            asked = write;
+            if (!keepWriting()) {
+                status = {Timeout, "Запись прервана, ничего не записано"};
+                break;
+            }
+        }
         const size_t batch = batchAt(write, writes.end());
         status = batch > 0 ? sendBatch(table, write, batch) : apply(table, *write);
         write += static_cast<std::ptrdiff_t>(std::max<size_t>(batch, 1));

@@ -4,6 +4,7 @@
 #include "platform/store/Names.h"
 #include "platform/store/SqliteDamage.h"
 #include "platform/store/SqliteSchema.h"
+#include "platform/store/WaitPolicy.h"
 
 #include <algorithm>
 #include <cassert>
@@ -414,8 +415,10 @@ Status SqliteStore::insertBatch(const TableDef& table, std::vector<Write>::const
 /// Before a statement with triggers changes a page SQLite puts it aside, to take the statement back
 /// should it fail. Records that are next to each other share their pages.
 Status SqliteStore::applyAll(const TableDef& table, const std::vector<Write>& writes) {
-    constexpr size_t batch = 100;
+    constexpr size_t batch = recordsBetweenAsking;
     for (auto write = writes.begin(); write != writes.end();) {
+        if ((write - writes.begin()) % recordsBetweenAsking == 0 && !keepWriting())
+            return {Timeout, "Запись прервана, ничего не записано"};
         const auto alike = [&](const Write& other) {
             return other.flag == MDX_INSERT &&
                    std::equal(other.values.begin(), other.values.end(), write->values.begin(),

@@ -11,6 +11,7 @@
 namespace orvo::store {
 
 constexpr int waitStepMs = 50;
+constexpr int recordsBetweenAsking = 100;
 
 class WaitPolicy {
 public:
@@ -18,6 +19,9 @@ public:
     /// Called about every waitStepMs while a call of a store waits for its server. False gives the
     /// call up: it fails with Timeout, and the connection is closed. Calls nothing of any store.
     virtual bool keepWaiting() = 0;
+    /// Whether a store in a file is to ask as well, about every recordsBetweenAsking records that
+    /// it writes. False then takes the write back, which fails with Timeout.
+    virtual bool endsWrites() const { return false; }
     /// The call that waited has ended, in whatever way.
     virtual void waitEnded() {}
 };
@@ -76,6 +80,12 @@ inline bool keepWaiting() {
     detail::ThreadWaits& own = detail::threadWaits();
     own.waited = own.policy != nullptr;
     return own.policy == nullptr || own.policy->keepWaiting();
+}
+
+/// For a long write that waits for nobody: whether to go on with it.
+inline bool keepWriting() {
+    const WaitPolicy* policy = detail::threadWaits().policy;
+    return policy == nullptr || !policy->endsWrites() || keepWaiting();
 }
 
 } // namespace orvo::store
