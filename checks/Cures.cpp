@@ -66,6 +66,15 @@ bool standsBelow(const Catalogue& records, Record at, const Record& record) {
     return false;
 }
 
+const char* const distinctOrdersWords = "дать соседним элементам разные места, сохранив порядок";
+
+/// The folder of an element, as a text that no other folder has.
+std::string folderOf(const Record& element) {
+    const Fields& f = fields();
+    return folded(element.cp1251(f.element.desktop)) + '\0' +
+           folded(element.cp1251(f.element.parent));
+}
+
 /// Distinct orders for the elements of one folder, changing as few as the sequence allows.
 std::optional<Cure> distinctOrders(const Catalogue& records, const Record& element) {
     const Fields& f = fields();
@@ -77,9 +86,9 @@ std::optional<Cure> distinctOrders(const Catalogue& records, const Record& eleme
     std::vector<Place> places;
     const std::string parent = element.text(f.element.parent);
     const std::string desktop = element.text(f.element.desktop);
+    const std::string folder = folderOf(element);
     const auto take = [&](const Record& one, int) {
-        if (folded(one.cp1251(f.element.desktop)) == folded(element.cp1251(f.element.desktop)) &&
-            folded(one.cp1251(f.element.parent)) == folded(element.cp1251(f.element.parent)))
+        if (folderOf(one) == folder)
             places.push_back({one.integer(f.element.order), store::foldedKey(one.key()), one});
         return true;
     };
@@ -98,8 +107,8 @@ std::optional<Cure> distinctOrders(const Catalogue& records, const Record& eleme
     if (!orders.empty() && orders.back() > std::numeric_limits<int>::max())
         for (size_t i = 0; i < orders.size(); ++i)
             orders[i] = static_cast<int64_t>(i) * step;
-    Cure cure{QStringLiteral("дать соседним элементам разные места, сохранив порядок"),
-              {&f.elements, {}}};
+    Cure cure{QString::fromUtf8(distinctOrdersWords), {&f.elements, {}}};
+    cure.folder = folder;
     for (size_t i = 0; i < places.size(); ++i)
         if (orders[i] != places[i].order)
             cure.writes.writes.push_back(update(places[i].record, {{f.element.order, orders[i]}}));
@@ -164,6 +173,27 @@ std::optional<Cure> cureOf(const Problems& problems, const Finding& finding) {
     default:
         return std::nullopt;
     }
+}
+
+std::optional<QString> cureWordsOf(const Problems& problems, const Finding& finding) {
+    if (finding.problem == Problem::SameOrder) // certain, wherever two are in one place
+        return QString::fromUtf8(distinctOrdersWords);
+    const auto cure = cureOf(problems, finding);
+    return cure ? std::make_optional(cure->words) : std::nullopt;
+}
+
+std::optional<QString> CureBatch::add(const Problems& problems, const Finding& finding) {
+    if (finding.problem == Problem::SameOrder) {
+        const Record element = problems.records().find(*finding.table, finding.key);
+        if (element && m_folders.count(folderOf(element)) > 0)
+            return QString::fromUtf8(distinctOrdersWords);
+    }
+    const auto cure = cureOf(problems, finding);
+    if (!cure || !add(*cure))
+        return std::nullopt;
+    if (!cure->folder.empty())
+        m_folders.insert(cure->folder);
+    return cure->words;
 }
 
 bool CureBatch::add(const Cure& cure) {

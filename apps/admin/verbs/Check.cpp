@@ -53,14 +53,14 @@ public:
     }
 
     void fixed(const checks::Problems& problems, const checks::Finding& finding,
-               const checks::Cure& cure) {
+               const QString& cure) {
         ++fixed_;
         print(problems, finding, &cure, true);
     }
 
     void found(const checks::Problems& problems) {
         for (const checks::Finding& finding : problems.all()) {
-            const auto cure = checks::cureOf(problems, finding);
+            const auto cure = checks::cureWordsOf(problems, finding);
             curable_ += cure ? 1 : 0;
             print(problems, finding, cure ? &*cure : nullptr, false);
         }
@@ -103,7 +103,7 @@ public:
 
 private:
     void print(const checks::Problems& problems, const checks::Finding& finding,
-               const checks::Cure* cure, bool isFixed) {
+               const QString* cure, bool isFixed) {
         const std::string kind = (isFixed ? "исправлено: " : "") +
                                  std::string(finding.table->name) + ": " +
                                  checks::titleOf(finding.problem).toStdString();
@@ -122,7 +122,7 @@ private:
                                {"path", path},
                                {"what", what}};
             if (cure)
-                object.insert(QStringLiteral("fix"), cure->words);
+                object.insert(QStringLiteral("fix"), *cure);
             if (isFixed)
                 object.insert(QStringLiteral("fixed"), true);
             return outJson(object);
@@ -135,7 +135,7 @@ private:
             line += " (" + cell(path.toStdString()) + ")";
         line += ": " + cell(what.toStdString());
         if (isFixed)
-            line += " - " + cell(cure->words.toStdString());
+            line += " - " + cell(cure->toStdString());
         out(line);
     }
 
@@ -151,10 +151,10 @@ void fix(store::MaintainedStore& store, Report& report) {
         Survey survey;
         survey.read(store);
         checks::CureBatch batch;
-        std::vector<std::pair<checks::Finding, checks::Cure>> cures;
+        std::vector<std::pair<checks::Finding, QString>> cures;
         for (const checks::Finding& finding : survey.problems.all())
-            if (auto cure = checks::cureOf(survey.problems, finding); cure && batch.add(*cure))
-                cures.emplace_back(finding, std::move(*cure));
+            if (const auto cure = batch.add(survey.problems, finding))
+                cures.emplace_back(finding, *cure);
         if (batch.isEmpty())
             return;
         const store::Status status = store.writeAll(batch.parts(), survey.seen, {});
