@@ -209,7 +209,10 @@ QString nameLines(const QStringList& names, int count) {
     QStringList lines;
     for (const QString& name : names.mid(0, shownAtMost)) {
         const QString line = name.simplified();
-        lines << (line.size() > longest ? line.left(longest - 1) + QChar(0x2026) : line);
+        // Two of the same path differ at the end, two of the same kind at the beginning.
+        lines << (line.size() > longest
+                      ? line.left(longest / 2 - 1) + QChar(0x2026) + line.right(longest / 2)
+                      : line);
     }
     if (const int all = std::max(names.size(), count); all > lines.size())
         lines << QCoreApplication::translate("CPopMessageBox", "и ещё %1").arg(all - lines.size());

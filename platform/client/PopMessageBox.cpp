@@ -17,6 +17,7 @@
 #include <algorithm>
 
 using orvo::client::PopOverlay;
+using orvo::client::PopScroll;
 using orvo::client::PopText;
 
 namespace {
@@ -130,6 +131,7 @@ struct CPopMessageBox::Private {
     Sign* sign;
     PopText* title;
     PopText* text;
+    PopScroll* scroll; ///< the words are in it
     QVBoxLayout* words;
     QPointer<PopText> details; ///< made when there are any
     QPushButton* yes;
@@ -149,6 +151,15 @@ struct CPopMessageBox::Private {
         no->setVisible(on);
         ok->setVisible(!on);
     }
+    /// At once, so that no half of it is painted in between.
+    void layOut(PopText* added) const {
+        if (added)
+            added->show();
+        words->activate();
+        scroll->updateGeometry();
+        overlay->column()->activate();
+        overlay->layout()->activate();
+    }
     QPushButton* defaultButton() const { return isQuestion() ? yes : ok; }
 };
 
@@ -156,10 +167,11 @@ CPopMessageBox::CPopMessageBox(QWidget* parent) : QWidget(parent), d(std::make_u
     hide(); // a child of a visible window would appear with it
     d->overlay = new PopOverlay(this);
     QWidget* panel = d->overlay->column()->parentWidget();
-    d->title = new PopText(panel, 1.15, true);
+    d->scroll = new PopScroll(panel);
+    d->title = new PopText(d->scroll->widget(), 1.15, true);
     d->sign = new Sign(panel);
     d->sign->setFixedSize(d->sign->sizeHint());
-    d->text = new PopText(panel, 1.0, false);
+    d->text = new PopText(d->scroll->widget(), 1.0, false);
     d->yes = makeButton(panel, QStringLiteral("Да"), true);
     d->no = makeButton(panel, QStringLiteral("Нет"), false);
     d->ok = makeButton(panel, QStringLiteral("ОК"), true);
@@ -167,12 +179,12 @@ CPopMessageBox::CPopMessageBox(QWidget* parent) : QWidget(parent), d(std::make_u
     auto* body = new QHBoxLayout;
     body->setSpacing(18);
     body->addWidget(d->sign, 0, Qt::AlignTop);
-    d->words = new QVBoxLayout;
+    d->words = d->scroll->column();
     d->words->setSpacing(8);
     d->words->addWidget(d->title);
     d->words->addWidget(d->text);
     d->words->addStretch();
-    body->addLayout(d->words);
+    body->addWidget(d->scroll);
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(10);
     buttons->addStretch();
@@ -229,10 +241,11 @@ void CPopMessageBox::connectSlot(const char* slot) {
 void CPopMessageBox::setDetails(const QString& details) {
     delete d->details;
     if (details.isEmpty())
-        return;
+        return d->layOut(nullptr);
     d->details = new PopText(d->text->parentWidget(), 1.0, false);
     d->details->setPlain(details);
     d->words->insertWidget(d->words->indexOf(d->text) + 1, d->details);
+    d->layOut(d->details);
 }
 
 int CPopMessageBox::ButtonRole(QAbstractButton* button) const {
@@ -283,6 +296,7 @@ void CPopMessageBox::addNote(const QString& line) {
         d->words->insertWidget(d->words->count() - 1, d->notes); // above the stretch
     }
     d->notes->setPlain(lines.join(QLatin1Char('\n')));
+    d->layOut(d->notes);
 }
 
 void CPopMessageBox::withdraw(const QString& line) {
@@ -328,6 +342,7 @@ void CPopMessageBox::keyPressEvent(QKeyEvent* event) {
         (d->isQuestion() ? d->no : d->ok)->click();
         break;
     default:
+        d->scroll->takeKey(event->key());
         break; // nothing under the box hears a key
     }
     event->accept();

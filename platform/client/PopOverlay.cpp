@@ -4,6 +4,7 @@
 #include <QEvent>
 #include <QGridLayout>
 #include <QPainter>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -41,6 +42,7 @@ PopOverlay::PopOverlay(QWidget* owner)
     centre->addWidget(m_panel, 0, 0, Qt::AlignCenter);
     m_column->setContentsMargins(28, 24, 28, 22);
     m_column->setSpacing(10);
+    m_panel->installEventFilter(this);
     if (owner->parentWidget())
         owner->parentWidget()->installEventFilter(this);
 }
@@ -57,6 +59,9 @@ bool PopOverlay::eventFilter(QObject* watched, QEvent* event) {
     if (watched == m_owner->parentWidget() && event->type() == QEvent::Resize &&
         m_owner->isVisible())
         cover();
+    // Its shadow lies outside of it.
+    if (watched == m_panel && (event->type() == QEvent::Resize || event->type() == QEvent::Move))
+        update();
     return false;
 }
 
@@ -75,6 +80,56 @@ void PopOverlay::paintEvent(QPaintEvent*) {
     painter.setPen(QPen(palette().color(QPalette::Mid), 1));
     painter.setBrush(palette().color(QPalette::Base));
     painter.drawRoundedRect(panel.adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+}
+
+PopScroll::PopScroll(QWidget* parent) : QScrollArea(parent) {
+    auto* inside = new QWidget(this);
+    m_column = new QVBoxLayout(inside);
+    m_column->setContentsMargins(0, 0, 0, 0);
+    setFrameShape(QFrame::NoFrame);
+    setFocusPolicy(Qt::NoFocus); // the buttons have it
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setWidgetResizable(true);
+    setWidget(inside);
+    inside->setAutoFillBackground(false); // the sheet has painted the panel
+    viewport()->setAutoFillBackground(false);
+    inside->installEventFilter(this);
+}
+
+QSize PopScroll::sizeHint() const {
+    const QSize inside = widget()->sizeHint();
+    return {inside.width() + verticalScrollBar()->sizeHint().width(), inside.height()};
+}
+
+QSize PopScroll::minimumSizeHint() const {
+    constexpr int lowest = 60;
+    return {sizeHint().width(), std::min(sizeHint().height(), lowest)};
+}
+
+bool PopScroll::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == widget() && event->type() == QEvent::LayoutRequest)
+        updateGeometry();
+    return QScrollArea::eventFilter(watched, event);
+}
+
+bool PopScroll::takeKey(int key) {
+    QScrollBar* bar = verticalScrollBar();
+    switch (key) {
+    case Qt::Key_PageUp:
+        bar->triggerAction(QScrollBar::SliderPageStepSub);
+        return true;
+    case Qt::Key_PageDown:
+        bar->triggerAction(QScrollBar::SliderPageStepAdd);
+        return true;
+    case Qt::Key_Home:
+        bar->triggerAction(QScrollBar::SliderToMinimum);
+        return true;
+    case Qt::Key_End:
+        bar->triggerAction(QScrollBar::SliderToMaximum);
+        return true;
+    default:
+        return false;
+    }
 }
 
 PopText::PopText(QWidget* parent, double scale, bool bold) : QLabel(parent) {

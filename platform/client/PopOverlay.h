@@ -4,6 +4,7 @@
 #define ORVO_PLATFORM_CLIENT_POPOVERLAY_H
 
 #include <QLabel>
+#include <QScrollArea>
 #include <QWidget>
 
 class QVBoxLayout;
@@ -40,6 +41,26 @@ protected:
 private:
     QWidget* m_owner; ///< the parent, which owns this
     PopPanel* m_panel;
+    QVBoxLayout* m_column;
+};
+
+/// As high as what is in it, if the window has the room; else what is in it is scrolled.
+class PopScroll : public QScrollArea {
+    Q_OBJECT
+public:
+    explicit PopScroll(QWidget* parent);
+    /// The layout of what is in it.
+    QVBoxLayout* column() const { return m_column; }
+    /// PgUp, PgDn, Home and End; false for another key.
+    bool takeKey(int key);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
     QVBoxLayout* m_column;
 };
 

@@ -8,6 +8,9 @@
 #include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QToolBar>
 #include <QtTest>
@@ -22,6 +25,16 @@ QPushButton* buttonOf(QWidget* box, const QString& text) {
             return button;
     return nullptr;
 }
+
+/// Counts how often the window was painted.
+struct Painted : QObject {
+    explicit Painted(QWidget* window) { window->installEventFilter(this); }
+    bool eventFilter(QObject*, QEvent* event) override {
+        count += event->type() == QEvent::UpdateRequest;
+        return false;
+    }
+    int count = 0;
+};
 
 struct Fixture {
     App app;
@@ -73,6 +86,57 @@ private slots:
         QPushButton stranger;
         QCOMPARE(box->ButtonRole(&stranger), -1);
         QCOMPARE(box->ButtonRole(nullptr), -1);
+    }
+
+    void detailsOfAnyLengthStayInsideTheWindow() {
+        Fixture fixture;
+        fixture.module.resize(420, 300);
+        CPopMessageBox* box = fixture.ask();
+        QStringList lines;
+        for (int i = 0; i < 40; ++i)
+            lines << QString("элемент меню «Насос подпиточный № %1» на столе «КС-1»").arg(i);
+        lines << "последняя";
+        box->setDetails(lines.join('\n'));
+        const QRect room = fixture.module.rect();
+        const auto inWindow = [&](const QWidget* widget) {
+            return QRect(widget->mapTo(&fixture.module, QPoint()), widget->size());
+        };
+        auto* scroll = box->findChild<QScrollArea*>();
+        QTRY_VERIFY(scroll->verticalScrollBar()->maximum() > 0);
+        for (const char* button : {"Да", "Нет"})
+            QVERIFY(room.contains(inWindow(buttonOf(box, button))));
+        QVERIFY(room.contains(inWindow(scroll)));
+        QLabel* details = nullptr;
+        for (QLabel* label : box->findChildren<QLabel*>())
+            if (label->text().endsWith("последняя"))
+                details = label;
+        QVERIFY(details);
+        QVERIFY(inWindow(details).bottom() > room.bottom()); // and can be read all the same:
+        QTest::keyClick(buttonOf(box, "Да"), Qt::Key_End);
+        QTRY_VERIFY(inWindow(details).bottom() <= inWindow(scroll).bottom());
+        QTest::keyClick(buttonOf(box, "Да"), Qt::Key_Home);
+        QCOMPARE(scroll->verticalScrollBar()->value(), 0);
+    }
+
+    void detailsThatArriveLateLeaveNoTraceOfWhatStoodThere() {
+        Fixture fixture;
+        CPopMessageBox* box = fixture.ask();
+        Painted painted(&fixture.module);
+        const auto pixels = [&] {
+            const int before = painted.count;
+            [[maybe_unused]] const bool is =
+                QTest::qWaitFor([&] { return painted.count > before; });
+            return fixture.module.screen()->grabWindow(fixture.module.winId()).toImage();
+        };
+        QVERIFY(QTest::qWaitForWindowExposed(&fixture.module));
+        box->setDetails("элемент меню «Насос»\nэлемент меню «Клапан»\nэлемент меню «Кран»");
+        const QImage grown = pixels();
+        fixture.module.update();
+        QCOMPARE(grown, pixels());
+        box->setDetails({});
+        const QImage shrunk = pixels();
+        fixture.module.update();
+        QCOMPARE(shrunk, pixels());
     }
 
     void detailsStandBelowTheTextUntilTheNextMessage() {
