@@ -8,6 +8,7 @@
 #include "history/RecordSource.h"
 #include "platform/client/Attention.h"
 
+#include <optional>
 #include <utility>
 
 namespace orvo::app {
@@ -24,49 +25,55 @@ QString RecordJump::whyAnswerFirst() const {
     return {};
 }
 
-/// A row that becomes current under a question or a picker would get the answer. The record may
-/// have gone since, and an element may stand in another menu now.
-void RecordJump::show(const QString& table, const QString& key, const QString& desktop) {
-    if (refuses())
-        return;
-    struct Found {
-        bool stored = false;
-        std::string desktop;
-    };
-    auto found = std::make_shared<Found>();
+/// The record may have gone since, and an element may stand in another menu now.
+void RecordJump::lookUp(const QString& table, const QString& key, const Take& take) {
+    auto desktop = std::make_shared<std::optional<QString>>();
     m_context.thread.run(
         this,
-        [found, name = table.toStdString(),
+        [desktop, name = table.toStdString(),
          wanted = key.toStdString()](store::MaintainedStore& store) {
             const store::TableDef* def = history::tableOf(name);
             std::map<std::string, std::vector<store::Value>> rows;
             store::Status status =
                 def ? store.storedValues(*def, {wanted}, &rows) : store::Status();
-            found->stored = !rows.empty();
-            const int field = def ? def->find(orvo::field::FolderKey) : -1;
-            if (found->stored && field >= 0)
-                found->desktop = store::textOf(rows.begin()->second[static_cast<size_t>(field)]);
+            if (rows.empty())
+                return status;
+            const int field = def->find(orvo::field::FolderKey);
+            *desktop = field < 0 ? QString()
+                                 : QString::fromStdString(store::textOf(
+                                       rows.begin()->second[static_cast<size_t>(field)]));
             return status;
         },
-        [this, found, table, key, desktop](const store::Status& status) {
-            if (!status.ok() || !found->stored) {
+        [this, desktop, take](const store::Status& status) {
+            if (status.ok() && *desktop)
+                take(**desktop);
+            else
                 emit told(LogWarning, status.ok()
                                           ? QStringLiteral("Показать нечего: строки больше нет.")
                                           : QString::fromStdString(status.text));
-                return;
-            }
-            if (refuses())
-                return; // what the guard saves would take the place of a question
-            const QString where =
-                found->desktop.empty() ? desktop : QString::fromStdString(found->desktop);
-            const auto go = [this, table, key, where] {
-                m_context.guard.dropAll();
-                showNow(table, key, where);
-            };
-            if (m_context.guard.mayGo(&m_context.window, QStringLiteral("Показать строку"),
-                                      {go, {}}))
-                go();
         });
+}
+
+void RecordJump::whenStored(const QString& table, const QString& key,
+                            const std::function<void()>& go) {
+    lookUp(table, key, [go](const QString&) { go(); });
+}
+
+/// A row that becomes current under a question or a picker would get the answer.
+void RecordJump::show(const QString& table, const QString& key, const QString& desktop) {
+    if (refuses())
+        return;
+    lookUp(table, key, [this, table, key, desktop](const QString& found) {
+        if (refuses())
+            return; // what the guard saves would take the place of a question
+        const QString where = found.isEmpty() ? desktop : found;
+        const auto go = [this, table, key, where] {
+            m_context.guard.dropAll();
+            showNow(table, key, where);
+        };
+        if (m_context.guard.mayGo(&m_context.window, QStringLiteral("Показать строку"), {go, {}}))
+            go();
+    });
 }
 
 bool RecordJump::refuses() {

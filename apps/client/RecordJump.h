@@ -33,6 +33,8 @@ public:
     /// element may stand in another menu now. `desktop`: of an element, as far as is known. What
     /// keeps it from being shown is told.
     void show(const QString& table, const QString& key, const QString& desktop = {});
+    /// For a record that no editor shows: goes on if it is still there, else that is told.
+    void whenStored(const QString& table, const QString& key, const std::function<void()>& go);
     /// Names the module in which a question or a picker stands; empty if there is none.
     QString whyAnswerFirst() const;
 
@@ -41,6 +43,9 @@ signals:
     void told(int level, const QString& text);
 
 private:
+    /// Is given the desktop of an element; empty for other records.
+    using Take = std::function<void(const QString& desktop)>;
+    void lookUp(const QString& table, const QString& key, const Take& take);
     bool refuses();
     void showNow(const QString& table, const QString& key, const QString& desktop);
 

@@ -249,6 +249,17 @@ private slots:
         QTRY_COMPARE(fixture.failure(), QString("Показать нечего: строки больше нет."));
     }
 
+    void aPersonWhoHasVanishedIsTold() {
+        Fixture fixture;
+        fixture.open();
+        fixture.type("петров");
+        QTRY_COMPARE(fixture.rows().size(), 1);
+        QVERIFY(fixture.host.write("Users", MDX_DELETE, {{"KeyLink", "u1"}}) != 0);
+        QTest::keyClick(fixture.line(), Qt::Key_Return); // no event has told of it
+        QTRY_COMPARE(fixture.failure(), QString("Показать нечего: строки больше нет."));
+        QVERIFY(!fixture.child<QDockWidget>("historyDock")->isVisible());
+    }
+
     void anotherPartOfTheWindowTakesItAway() {
         Fixture fixture;
         fixture.open();

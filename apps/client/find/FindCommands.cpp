@@ -46,7 +46,9 @@ bool FindCommands::eventFilter(QObject* watched, QEvent* event) {
 
 void FindCommands::show(const catalogue::Found& found) {
     if (found.table == QLatin1String(table::Users)) // no editor has people
-        m_history.showActionsOf(found.login);
+        m_history.jump().whenStored(found.table, found.key, [this, login = found.login] {
+            m_history.showActionsOf(login);
+        });
     else
         m_history.jump().show(found.table, found.key);
 }
