@@ -51,10 +51,21 @@ void makeCurrent(QTreeView* view, const QModelIndex& row) {
     view->setCurrentIndex(wanted);
 }
 
+/// A row that is one of several selected ones stays that.
 void reselectRow(QTreeView* view, const QModelIndex& row) {
     const QPersistentModelIndex kept(row);
+    QItemSelectionModel* selection = view->selectionModel();
+    QItemSelection before = selection->selection();
+    const bool isOneOfSeveral =
+        before.contains(row) && (before.size() > 1 || before.first().height() > 1);
     makeCurrent(view, row.parent());
     makeCurrent(view, kept);
+    if (!isOneOfSeveral)
+        return;
+    before.erase(std::remove_if(before.begin(), before.end(),
+                                [](const QItemSelectionRange& range) { return !range.isValid(); }),
+                 before.end());
+    selection->select(before, QItemSelectionModel::Select);
 }
 
 void removeRow(QTreeView* view, const QModelIndex& row) {

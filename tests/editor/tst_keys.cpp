@@ -553,6 +553,9 @@ private slots:
         menu.host.deliver(*menu.module);
         QCOMPARE(value("trend", MenuColumn::Params), QString("7"));
         QCOMPARE(value("calc", MenuColumn::Params), QString("7"));
+        QCOMPARE(view->selectionModel()->selectedRows().size(), 2); // for the next value
+        QCOMPARE(view->currentIndex(), menu->element("calc"));
+        QTRY_COMPARE(menu->m_propModel->selectedCount(), 2);
         // A name is of one row.
         QCOMPARE(value("calc", MenuColumn::Caption), QStringLiteral("Обе"));
         QCOMPARE(value("trend", MenuColumn::Caption), QStringLiteral("Тренд"));
@@ -636,6 +639,7 @@ private slots:
         editor.host.deliver(*editor.module);
         for (const char* key : {"m1", "m2"})
             QCOMPARE(editor->text(key, ResColumn::Params), QString("7"));
+        QCOMPARE(tree->selectionModel()->selectedRows().size(), 2);
         QCOMPARE(editor->text("m1", ResColumn::Caption), QString("Один"));
         QCOMPARE(editor->text("m2", ResColumn::Caption), QString("Второй"));
     }
