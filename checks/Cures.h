@@ -32,12 +32,12 @@ public:
     /// Plans what puts that right and gives the words for it. None, and nothing is added, if there
     /// is nothing certain, or another cure has made a record what this would make another.
     std::optional<QString> add(const Problems& problems, const Finding& finding);
-    /// The same of a cure that was planned.
-    bool add(const Cure& cure);
     bool isEmpty() const { return m_parts.empty(); }
     std::vector<store::TableWrites> parts() const;
 
 private:
+    bool add(const Cure& cure);
+
     std::map<const store::TableDef*, std::map<std::string, store::Write>> m_parts;
     std::set<std::string> m_claims;
     std::set<std::string> m_folders; ///< that have been put right as a whole

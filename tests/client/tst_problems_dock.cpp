@@ -9,6 +9,7 @@
 #include <QRandomGenerator>
 #include <QToolButton>
 
+#include <ctime>
 #include <thread>
 
 using namespace orvo;
@@ -52,9 +53,48 @@ struct Fixture : RunningClient {
         QTest::keyClick(client->window(), Qt::Key_F8);
         QTRY_VERIFY(dock()->isVisible());
     }
+    /// So many elements, on desktops of a hundred, each with an icon that is not there.
+    void fillWithMissingIcons(int count) {
+        stop();
+        const QString numbers = QString("with recursive n(i) as (select 0 union all select i + 1 "
+                                        "from n where i + 1 < %1) ");
+        QVERIFY(host.byHand(numbers.arg((count + 99) / 100) +
+                            R"(insert into "MenuFolder" ("KeyLink", "caption", "order_") )"
+                            R"(select 'q' || i, 'Стол ' || i, '2000' from n)"));
+        QVERIFY(host.byHand(
+            numbers.arg(count) +
+            R"(insert into "Menu" ("KeyLink", "FolderKey", "caption", "order_", "ico") )"
+            R"(select 'p' || i, 'q' || (i / 100), 'Насос ' || i, i, 'нет.png' from n)"));
+        start();
+    }
     const QString sameOrder = "элемент меню «г»|КС-1|место по порядку то же, что у соседнего "
                               "элемента: 1000|дать соседним элементам разные места, сохранив "
                               "порядок";
+};
+
+/// Measures the processor time of this thread between two looks of its event loop at the timers.
+class Heartbeat : public QObject {
+public:
+    Heartbeat() {
+        m_last = now();
+        startTimer(0);
+    }
+    qint64 longestMs() const { return std::max(m_longest, now() - m_last) / 1000000; }
+
+protected:
+    void timerEvent(QTimerEvent*) override {
+        const qint64 time = now();
+        m_longest = std::max(m_longest, time - m_last);
+        m_last = time;
+    }
+
+private:
+    static qint64 now() {
+        timespec time{};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return qint64(time.tv_sec) * 1000000000 + time.tv_nsec;
+    }
+    qint64 m_last = 0, m_longest = 0;
 };
 
 /// A record with so many problems.
@@ -165,7 +205,12 @@ private slots:
                 fixture.host.byHand(R"(update "Menu" set "order_" = 5000 where "KeyLink" = 'd')");
         }).join();
         QVERIFY(isWritten);
-        fixture.pane()->feed().cure({finding});
+        app::ProblemsFeed& feed = fixture.pane()->feed();
+        feed.cure({finding});
+        QElapsedTimer waited; // without letting an event through
+        waited.start();
+        while (feed.cureProgress().contains("готовится") && waited.elapsed() < 20000)
+            std::this_thread::yield();
         QTRY_VERIFY2_WITH_TIMEOUT(
             fixture.failure().contains("тем временем эти записи изменил другой"),
             qPrintable(fixture.failure() + " / " + fixture.elements().join(", ")), 20000);
@@ -196,6 +241,55 @@ private slots:
         QVERIFY(fixture.choose("«г»"));
         QTest::keyClick(fixture.pane()->view(), Qt::Key_Return);
         SOON(fixture.view("tvMenu")->currentIndex().data().toString() == "г");
+    }
+
+    void tenThousandCuresLeaveTheWindowAnswering() {
+        Fixture fixture;
+        fixture.fillWithMissingIcons(10000);
+        fixture.open();
+        QTRY_VERIFY_WITH_TIMEOUT(fixture.model()->rowCount() >= 10000, 120000);
+        fixture.pane()->view()->setFocus();
+        // No step is as long as one for each problem would be; a release build tells the figure.
+        constexpr qint64 mostMs = 1000;
+        Heartbeat heart;
+        QTest::keyClick(fixture.pane()->view(), Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(fixture.pane()->view(), Qt::Key_Return, Qt::ControlModifier);
+        QVERIFY(fixture.pane()->feed().isCuring());
+        QVERIFY(!fixture.child<QPushButton>("problemsCure")->isEnabled());
+        QVERIFY(fixture.child<QPushButton>("problemsStop")->isVisible());
+        QTRY_VERIFY_WITH_TIMEOUT(fixture.logged("Отменяет Ctrl+Z.") == 1, 120000);
+        QTRY_VERIFY_WITH_TIMEOUT(fixture.model()->rowCount() < 10, 120000);
+        qInfo("longest step of the window: %lld ms of processor time", heart.longestMs());
+        QVERIFY2(heart.longestMs() < mostMs, qPrintable(QString::number(heart.longestMs())));
+        QVERIFY(!fixture.child<QPushButton>("problemsStop")->isVisible());
+    }
+
+    void aCureOfManyIsGivenUpWhole() {
+        Fixture fixture;
+        fixture.fillWithMissingIcons(3000);
+        fixture.open();
+        QTRY_VERIFY_WITH_TIMEOUT(fixture.model()->rowCount() >= 3000, 120000);
+        fixture.pane()->view()->selectAll();
+        fixture.child<QPushButton>("problemsCure")->click();
+        QTest::mouseClick(fixture.child<QPushButton>("problemsStop"), Qt::LeftButton);
+        SOON(fixture.failure().contains("Исправление прервано"));
+        QVERIFY(!fixture.pane()->feed().isCuring());
+        QVERIFY(fixture.model()->rowCount() >= 3000);
+        QCOMPARE(fixture.logged("Исправлено"), 0);
+    }
+
+    void theSelectionOutlastsManyChangesOfOthers() {
+        Fixture fixture;
+        fixture.fillWithMissingIcons(200);
+        fixture.open();
+        QTRY_VERIFY_WITH_TIMEOUT(fixture.model()->rowCount() >= 200, 120000);
+        QVERIFY(fixture.choose("«г»"));
+        QVERIFY(fixture.host.byHand(R"(update "Menu" set "ico" = null where "KeyLink" like 'p%')"));
+        SOON(fixture.model()->rowCount() < 10);
+        const QModelIndexList selected = fixture.pane()->view()->selectionModel()->selectedRows();
+        QCOMPARE(selected.size(), 1);
+        QVERIFY(selected.first().data().toString().contains("«г»"));
+        QCOMPARE(fixture.pane()->view()->currentIndex().row(), selected.first().row());
     }
 
     void tenThousandProblemsFollowRandomChanges() {

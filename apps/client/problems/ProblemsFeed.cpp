@@ -6,7 +6,9 @@
 #include "frame/Vocabulary.h"
 #include "history/RecordWords.h"
 #include "platform/store/ChangeRecord.h"
+#include "platform/store/WaitPolicy.h"
 
+#include <atomic>
 #include <chrono>
 #include <optional>
 #include <utility>
@@ -18,6 +20,7 @@ namespace {
 /// Rows whose words name other records are written anew after such a change, not more often.
 constexpr std::chrono::seconds rewordEvery{1};
 constexpr size_t fewRows = 100; ///< these at once
+constexpr std::chrono::milliseconds progressEvery{100};
 
 ProblemRow rowOf(const checks::Problems& problems, const checks::Finding& finding) {
     const checks::Catalogue& records = problems.records();
@@ -25,8 +28,7 @@ ProblemRow rowOf(const checks::Problems& problems, const checks::Finding& findin
     row.finding = finding;
     row.isError = checks::severityOf(finding.problem) == checks::Severity::Error;
     row.words = checks::wordsOf(records, finding);
-    if (const auto cure = checks::cureOf(problems, finding))
-        row.cure = cure->words;
+    row.cure = checks::cureWordsOf(problems, finding).value_or(QString());
     if (const checks::Record record = records.find(*finding.table, finding.key)) {
         row.what = history::recordWords(*finding.table, record.values(), finding.key);
         row.path = checks::pathOf(records, record);
@@ -49,13 +51,49 @@ struct ProblemsFeed::Update {
     bool isOutdated = false; ///< words may tell of records as they were before
 };
 
-struct ProblemsFeed::Plan {
+/// One cure of many findings. The numbers are the thread's that works at it, and read here when
+/// that has answered.
+struct ProblemsFeed::Plan : private store::WaitPolicy {
+    std::vector<checks::Finding> findings;
     checks::CureBatch batch;
-    QStringList words;  ///< what is put right, a line each
-    int gone = 0;       ///< that are no longer so
-    int open = 0;       ///< without a certain cure
+    QString first;      ///< what is put right
+    size_t cured = 0;   ///< how many are
+    size_t gone = 0;    ///< that are no longer so
+    size_t open = 0;    ///< without a certain cure
     bool shows = false; ///< records that no editor has shown
+    bool isWritten = false;
     int64_t seen = 0;
+    size_t total = 0;
+    std::atomic<size_t> looked = 0;
+    std::atomic<bool> stop = false;
+
+    void make(const checks::Problems& problems) {
+        for (const checks::Finding& finding : findings) {
+            if (stop)
+                break;
+            ++looked;
+            if (!problems.holds(finding)) {
+                ++gone;
+            } else if (const auto words = batch.add(problems, finding)) {
+                shows = shows || checks::isHiding(finding.problem);
+                if (++cured == 1)
+                    first = QStringLiteral("%1: %2").arg(rowOf(problems, finding).what, *words);
+            } else {
+                ++open;
+            }
+        }
+        findings = {};
+    }
+    store::Status write(store::MaintainedStore& store) {
+        const store::WaitPolicyScope scope(this);
+        const store::Status status = store.writeAll(std::exchange(batch, {}).parts(), seen, {});
+        isWritten = status.ok();
+        return status;
+    }
+
+private:
+    bool keepWaiting() override { return !stop; }
+    bool endsWrites() const override { return true; }
 };
 
 /// Keeps the findings; in the thread of the catalogue.
@@ -166,6 +204,8 @@ ProblemsFeed::ProblemsFeed(catalogue::LiveCatalogue& live, StoreThread::Opener o
         live.post(context, [this, update = std::move(update)] { take(*update); });
     });
     live.addListener(m_watcher);
+    m_progress.setInterval(progressEvery);
+    connect(&m_progress, &QTimer::timeout, this, &ProblemsFeed::cureChanged);
     m_rewordSoon.setSingleShot(true);
     m_rewordSoon.setInterval(rewordEvery);
     connect(&m_rewordSoon, &QTimer::timeout, this, [this] {
@@ -177,13 +217,15 @@ ProblemsFeed::ProblemsFeed(catalogue::LiveCatalogue& live, StoreThread::Opener o
     connect(&live, &catalogue::LiveCatalogue::loaded, this, &ProblemsFeed::readContents);
 }
 
-ProblemsFeed::~ProblemsFeed() = default;
+ProblemsFeed::~ProblemsFeed() {
+    stopCure();
+}
 
-void ProblemsFeed::take(const Update& update) {
+void ProblemsFeed::take(Update& update) {
     if (update.all)
-        m_model.setAll(update.records);
+        m_model.setAll(std::move(update.records));
     else
-        m_model.update(update.records);
+        m_model.update(std::move(update.records));
     m_errors = update.errors;
     m_warnings = update.warnings;
     m_known = true;
@@ -233,52 +275,69 @@ void ProblemsFeed::changed(const store::Change& change) {
         [] {});
 }
 
-void ProblemsFeed::cure(const std::vector<checks::Finding>& findings) {
-    auto plan = std::make_shared<Plan>();
-    plan->seen = m_seen;
+void ProblemsFeed::cure(std::vector<checks::Finding> findings) {
+    if (isCuring() || findings.empty())
+        return;
+    m_plan = std::make_shared<Plan>();
+    m_plan->total = findings.size();
+    m_plan->findings = std::move(findings);
+    m_plan->seen = m_seen;
+    m_progress.start();
+    emit cureChanged();
     m_live.run(
         this,
-        [plan, findings, watcher = m_watcher](const catalogue::Catalogue&) {
-            const checks::Problems& problems = watcher->problems();
-            for (const checks::Finding& finding : findings) {
-                const auto cure = checks::cureOf(problems, finding);
-                if (!problems.holds(finding)) {
-                    ++plan->gone;
-                } else if (!cure || !plan->batch.add(*cure)) {
-                    ++plan->open;
-                } else {
-                    plan->shows = plan->shows || checks::isHiding(finding.problem);
-                    plan->words << QStringLiteral("%1: %2").arg(rowOf(problems, finding).what,
-                                                                cure->words);
-                }
-            }
+        [plan = m_plan, watcher = m_watcher](const catalogue::Catalogue&) {
+            plan->make(watcher->problems());
         },
-        [this, plan] { write(plan); });
+        [this, plan = m_plan] { write(plan); });
 }
 
 void ProblemsFeed::write(const std::shared_ptr<Plan>& plan) {
-    if (plan->batch.isEmpty())
-        return tellWritten(*plan, {});
+    if (plan->cured == 0 || plan->stop)
+        return finish(*plan, {});
     m_thread.run(
-        this,
-        [plan](store::MaintainedStore& store) {
-            return store.writeAll(plan->batch.parts(), plan->seen, {});
-        },
-        [this, plan](const store::Status& status) { tellWritten(*plan, status); });
+        this, [plan](store::MaintainedStore& store) { return plan->write(store); },
+        [this, plan](const store::Status& status) { finish(*plan, status); });
 }
 
-void ProblemsFeed::tellWritten(const Plan& plan, const store::Status& status) {
+void ProblemsFeed::stopCure() {
+    if (m_plan)
+        m_plan->stop = true;
+}
+
+QString ProblemsFeed::cureProgress() const {
+    if (!m_plan)
+        return {};
+    const size_t looked = m_plan->looked;
+    if (m_plan->stop)
+        return QStringLiteral("Исправление прерывается…");
+    if (looked < m_plan->total)
+        return QStringLiteral("Исправление готовится: %1 из %2…").arg(looked).arg(m_plan->total);
+    return QStringLiteral("Исправления записываются: %1…").arg(m_plan->total);
+}
+
+void ProblemsFeed::finish(const Plan& plan, const store::Status& status) {
+    m_plan.reset(); // the caller has it
+    m_progress.stop();
+    emit cureChanged();
+    if (plan.stop && !plan.isWritten) {
+        emit told(LogWarning, status.ok()
+                                  ? QStringLiteral("Исправление прервано, ничего не записано.")
+                                  : QStringLiteral("Исправление прервано: %1.")
+                                        .arg(QString::fromStdString(status.text)));
+        return;
+    }
     if (status.code == store::Outdated)
         emit told(LogWarning, QStringLiteral("Не исправлено: тем временем эти записи изменил "
                                              "другой. Посмотрите, что осталось."));
     else if (!status.ok())
         emit told(LogError,
                   QStringLiteral("Не исправлено: %1").arg(QString::fromStdString(status.text)));
-    else if (plan.words.size() == 1)
-        emit told(LogInformation, QStringLiteral("Исправлено: %1").arg(plan.words.first()));
-    else if (!plan.words.isEmpty())
+    else if (plan.cured == 1)
+        emit told(LogInformation, QStringLiteral("Исправлено: %1").arg(plan.first));
+    else if (plan.cured > 1)
         emit told(LogInformation,
-                  QStringLiteral("Исправлено: %1. Отменяет Ctrl+Z.").arg(plan.words.size()));
+                  QStringLiteral("Исправлено: %1. Отменяет Ctrl+Z.").arg(plan.cured));
     if (status.ok() && plan.shows)
         emit reopenNeeded();
     if (plan.gone > 0)

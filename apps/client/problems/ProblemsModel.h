@@ -1,6 +1,11 @@
 // ProblemsModel.h: what is wrong with the installation, a row each.
 //
-// Invariant, asserted in debug builds: the rows stand in the order of table, key and kind.
+// It sorts and filters by itself: a proxy asks for the texts of ten thousand rows so often that the
+// window stands still.
+//
+// Invariants, asserted in debug builds:
+// 1. The rows are in the order of sort().
+// 2. Each problem that showOnlyErrors() and showOnlyThoseWith() let pass has one row.
 #ifndef ORVO_APPS_CLIENT_PROBLEMS_PROBLEMSMODEL_H
 #define ORVO_APPS_CLIENT_PROBLEMS_PROBLEMSMODEL_H
 
@@ -8,6 +13,7 @@
 
 #include <QAbstractTableModel>
 
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -41,10 +47,6 @@ class ProblemsModel : public QAbstractTableModel {
     Q_OBJECT
 public:
     enum Column { What, Where, Problem, Cure, ColumnCount };
-    enum Role {
-        SortRole = Qt::UserRole, ///< a text
-        IsErrorRole,
-    };
 
     using QAbstractTableModel::QAbstractTableModel;
 
@@ -52,8 +54,21 @@ public:
     void setAll(std::vector<RecordProblems> records);
     /// These records are different now.
     void update(std::vector<RecordProblems> records);
+    void showOnlyErrors(bool only);
+    /// Only those whose texts have each of these words; none: all.
+    void showOnlyThoseWith(const QString& words);
+    /// By that column, then by place, then by table, key and kind; -1: by these alone.
+    void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
 
-    const ProblemRow& row(int number) const { return m_rows[static_cast<size_t>(number)]; }
+    const ProblemRow& row(int number) const { return *m_shown[static_cast<size_t>(number)].row; }
+    /// The row of that finding; -1 if it is not shown.
+    int rowOf(const checks::Finding& finding) const;
+
+    /// A mark stays with its finding when the model is reset. For a view's selection, which does
+    /// not: put on before the reset, taken off after it.
+    void mark(int first, int last);
+    bool isMarked(int number) const { return m_shown[static_cast<size_t>(number)].isMarked; }
+    void unmarkAll();
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
@@ -61,10 +76,28 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
 private:
+    using Id = std::pair<size_t, std::string>; ///< place of the table, key
+    struct Shown {
+        const ProblemRow* row;
+        bool isMarked = false;
+    };
+    class Before;
+
+    static Id idOf(const store::TableDef* table, const std::string& key);
+    bool isShown(const ProblemRow& row) const;
     void replace(RecordProblems& record);
+    void replaceMany(std::vector<RecordProblems>& records);
+    void move(int number, const ProblemRow& now);
+    void showAnew();
+    std::vector<Shown>::iterator placeOf(const ProblemRow& row);
     void check() const;
 
-    std::vector<ProblemRow> m_rows;
+    std::map<Id, std::vector<ProblemRow>> m_records; ///< the rows of each, by kind
+    std::vector<Shown> m_shown;                      ///< rows of m_records
+    int m_column = -1;
+    Qt::SortOrder m_order = Qt::AscendingOrder;
+    bool m_onlyErrors = false;
+    QStringList m_words; ///< folded
 };
 
 } // namespace orvo::app

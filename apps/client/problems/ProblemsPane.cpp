@@ -7,10 +7,10 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
 #include <QShortcut>
-#include <QSortFilterProxyModel>
 #include <QTreeView>
 #include <QVBoxLayout>
 
@@ -20,16 +20,14 @@ ProblemsPane::ProblemsPane(ProblemsFeed& feed, bool mayWrite, QWidget* parent)
     : QWidget(parent)
     , m_feed(feed)
     , m_mayWrite(mayWrite)
-    , m_sorted(new QSortFilterProxyModel(this))
     , m_which(new QComboBox(this))
+    , m_text(new QLineEdit(this))
     , m_view(new QTreeView(this))
     , m_show(new QPushButton(QStringLiteral("Показать"), this))
     , m_cure(new QPushButton(QStringLiteral("Исправить"), this))
+    , m_stop(new QPushButton(QStringLiteral("Прервать"), this))
     , m_note(new QLabel(this)) {
     setObjectName(QStringLiteral("problemsPane"));
-    m_sorted->setSourceModel(&feed.model());
-    m_sorted->setSortRole(ProblemsModel::SortRole);
-    m_sorted->setFilterRole(ProblemsModel::IsErrorRole);
     auto* all = new QVBoxLayout(this);
     all->setContentsMargins(0, 0, 0, 0);
     all->setSpacing(0);
@@ -37,6 +35,7 @@ ProblemsPane::ProblemsPane(ProblemsFeed& feed, bool mayWrite, QWidget* parent)
     all->addWidget(m_view);
     makeButtons();
     connect(&feed, &ProblemsFeed::countChanged, this, &ProblemsPane::note);
+    connect(&feed, &ProblemsFeed::cureChanged, this, &ProblemsPane::note);
     note();
     updateActions();
 }
@@ -44,7 +43,7 @@ ProblemsPane::ProblemsPane(ProblemsFeed& feed, bool mayWrite, QWidget* parent)
 void ProblemsPane::makeView() {
     m_view->setObjectName(QStringLiteral("problemsTree"));
     m_view->setAccessibleName(QStringLiteral("Проблемы"));
-    m_view->setModel(m_sorted);
+    m_view->setModel(&m_feed.model());
     m_view->setRootIsDecorated(false);
     m_view->setUniformRowHeights(true);
     m_view->setAlternatingRowColors(true);
@@ -66,11 +65,14 @@ void ProblemsPane::makeView() {
             &ProblemsPane::updateActions);
     connect(m_view->selectionModel(), &QItemSelectionModel::currentChanged, this,
             &ProblemsPane::updateActions);
-    connect(m_sorted, &QAbstractItemModel::dataChanged, this, &ProblemsPane::updateActions);
-    connect(m_sorted, &QAbstractItemModel::modelReset, this, &ProblemsPane::updateActions);
+    const QAbstractItemModel* model = m_view->model();
+    connect(model, &QAbstractItemModel::dataChanged, this, &ProblemsPane::updateActions);
+    connect(model, &QAbstractItemModel::modelAboutToBeReset, this, &ProblemsPane::remember);
+    connect(model, &QAbstractItemModel::modelReset, this, &ProblemsPane::restore);
 }
 
 void ProblemsPane::makeButtons() {
+    constexpr int textWidth = 170;
     m_which->setObjectName(QStringLiteral("problemsWhich"));
     m_which->setAccessibleName(QStringLiteral("Какие проблемы показать"));
     m_which->addItem(QStringLiteral("ошибки и замечания"));
@@ -80,18 +82,33 @@ void ProblemsPane::makeButtons() {
     m_cure->setObjectName(QStringLiteral("problemsCure"));
     m_cure->setToolTip(QStringLiteral(
         "Исправить выделенное там, где исправление однозначно (Ctrl+Enter); отменяет Ctrl+Z"));
+    m_stop->setObjectName(QStringLiteral("problemsStop"));
+    m_stop->setToolTip(QStringLiteral("Бросить исправление: не будет записано ничего"));
+    m_text->setObjectName(QStringLiteral("problemsText"));
+    m_text->setAccessibleName(QStringLiteral("Найти среди проблем"));
+    m_text->setPlaceholderText(QStringLiteral("Найти среди проблем"));
+    m_text->setToolTip(QStringLiteral("Слова из любого столбца, в любом порядке (Ctrl+F)"));
+    m_text->setClearButtonEnabled(true);
+    m_text->setMinimumWidth(textWidth);
     m_note->setObjectName(QStringLiteral("problemsNote"));
     m_note->setContentsMargins(8, 0, 0, 0);
     QHBoxLayout* row = addPaneRow(*qobject_cast<QVBoxLayout*>(layout()));
     row->addWidget(m_show);
     row->addWidget(m_cure);
+    row->addWidget(m_stop);
     row->addWidget(m_which);
     row->addWidget(m_note, 1);
+    row->addWidget(m_text);
     connect(m_show, &QPushButton::clicked, this, &ProblemsPane::showCurrent);
     connect(m_cure, &QPushButton::clicked, this, &ProblemsPane::cureSelected);
-    connect(m_which, qOverload<int>(&QComboBox::activated), this, [this](int which) {
-        m_sorted->setFilterFixedString(which == 1 ? QStringLiteral("true") : QString());
+    connect(m_stop, &QPushButton::clicked, this, [this] {
+        m_feed.stopCure();
+        note();
     });
+    connect(m_which, qOverload<int>(&QComboBox::activated), this,
+            [this](int which) { m_feed.model().showOnlyErrors(which == 1); });
+    connect(m_text, &QLineEdit::returnPressed, m_view, qOverload<>(&QWidget::setFocus));
+    connect(m_text, &QLineEdit::textChanged, &m_feed.model(), &ProblemsModel::showOnlyThoseWith);
     for (const int key : {Qt::Key_Return, Qt::Key_Enter}) {
         auto* cure = new QShortcut(QKeySequence(int(Qt::CTRL) + key), m_view);
         cure->setContext(Qt::WidgetShortcut);
@@ -105,29 +122,75 @@ void ProblemsPane::setMayWrite(bool may) {
 }
 
 const ProblemRow* ProblemsPane::rowAt(const QModelIndex& index) const {
-    const QModelIndex source = m_sorted->mapToSource(index);
-    return source.isValid() ? &m_feed.model().row(source.row()) : nullptr;
+    return index.isValid() ? &m_feed.model().row(index.row()) : nullptr;
 }
 
-std::vector<checks::Finding> ProblemsPane::curable() const {
-    std::vector<checks::Finding> findings;
-    QModelIndexList rows = m_view->selectionModel()->selectedRows();
-    if (rows.isEmpty()) // the one with the focus
-        rows << m_view->currentIndex();
-    for (const QModelIndex& index : qAsConst(rows))
-        if (const ProblemRow* row = rowAt(index); row && !row->cure.isEmpty())
-            findings.push_back(row->finding);
-    return findings;
+/// The rows that are selected, or the one with the focus, until `take` gives false. A list of their
+/// indexes would take its time when it is ten thousand.
+template <class Take>
+void ProblemsPane::forEachChosen(const Take& take) const {
+    const QItemSelection selection = m_view->selectionModel()->selection();
+    const ProblemRow* current = rowAt(m_view->currentIndex());
+    if (selection.isEmpty() && current) {
+        take(*current);
+        return;
+    }
+    for (const QItemSelectionRange& range : selection)
+        for (int row = range.top(); row <= range.bottom(); ++row)
+            if (!take(m_feed.model().row(row)))
+                return;
+}
+
+bool ProblemsPane::isAnyCurable() const {
+    bool found = false;
+    forEachChosen([&found](const ProblemRow& row) {
+        found = !row.cure.isEmpty();
+        return !found;
+    });
+    return found;
+}
+
+/// A reset takes the selection away, and what others do is no reason for that.
+void ProblemsPane::remember() {
+    const ProblemRow* current = rowAt(m_view->currentIndex());
+    m_current = current ? current->finding : checks::Finding();
+    for (const QItemSelectionRange& range : m_view->selectionModel()->selection())
+        m_feed.model().mark(range.top(), range.bottom());
+}
+
+void ProblemsPane::restore() {
+    ProblemsModel& model = m_feed.model();
+    QItemSelection selection;
+    const int count = model.rowCount();
+    for (int row = 0; row < count; ++row) {
+        if (!model.isMarked(row))
+            continue;
+        const int first = row;
+        while (row + 1 < count && model.isMarked(row + 1))
+            ++row;
+        selection.append(QItemSelectionRange(model.index(first, 0),
+                                             model.index(row, ProblemsModel::ColumnCount - 1)));
+    }
+    model.unmarkAll();
+    QItemSelectionModel* selected = m_view->selectionModel();
+    selected->select(selection, QItemSelectionModel::ClearAndSelect);
+    if (m_current.table)
+        selected->setCurrentIndex(model.index(model.rowOf(m_current), 0),
+                                  QItemSelectionModel::NoUpdate);
+    updateActions();
 }
 
 void ProblemsPane::updateActions() {
     const ProblemRow* row = rowAt(m_view->currentIndex());
     m_show->setEnabled(row && !row->finding.key.empty());
-    m_cure->setEnabled(m_mayWrite && !curable().empty());
+    m_cure->setEnabled(m_mayWrite && !m_feed.isCuring() && isAnyCurable());
+    m_stop->setVisible(m_feed.isCuring());
 }
 
 void ProblemsPane::note() {
-    if (!m_feed.isKnown())
+    if (m_feed.isCuring())
+        m_note->setText(m_feed.cureProgress());
+    else if (!m_feed.isKnown())
         m_note->setText(QStringLiteral("Установка проверяется…"));
     else if (m_feed.errors() + m_feed.warnings() == 0)
         m_note->setText(QStringLiteral("Проблем нет."));
@@ -146,8 +209,15 @@ void ProblemsPane::showCurrent() {
 }
 
 void ProblemsPane::cureSelected() {
-    if (m_cure->isEnabled())
-        m_feed.cure(curable());
+    if (!m_cure->isEnabled())
+        return;
+    std::vector<checks::Finding> findings;
+    forEachChosen([&findings](const ProblemRow& row) {
+        if (!row.cure.isEmpty())
+            findings.push_back(row.finding);
+        return true;
+    });
+    m_feed.cure(std::move(findings));
 }
 
 void ProblemsPane::showContextMenu(const QPoint& point) {

@@ -8,8 +8,8 @@
 
 class QComboBox;
 class QLabel;
+class QLineEdit;
 class QPushButton;
-class QSortFilterProxyModel;
 class QTreeView;
 
 namespace orvo::app {
@@ -38,15 +38,21 @@ private:
     void cureSelected();
     void showContextMenu(const QPoint& point);
     const ProblemRow* rowAt(const QModelIndex& index) const;
-    std::vector<checks::Finding> curable() const;
+    template <class Take>
+    void forEachChosen(const Take& take) const;
+    bool isAnyCurable() const;
+    void remember();
+    void restore();
 
     ProblemsFeed& m_feed;
     bool m_mayWrite;
-    QSortFilterProxyModel* m_sorted; // these: children of the pane
-    QComboBox* m_which;
+    checks::Finding m_current; ///< of the row with the focus, over a reset
+    QComboBox* m_which;        // these: children of the pane
+    QLineEdit* m_text;
     QTreeView* m_view;
     QPushButton* m_show;
     QPushButton* m_cure;
+    QPushButton* m_stop; ///< seen while something is being cured
     QLabel* m_note;
 };
 
