@@ -1,10 +1,10 @@
 #include "editor/Commands.h"
 
+#include "frame/ContextMenuKey.h"
 #include "frame/RowDelegate.h"
 
 #include <QAction>
 #include <QApplication>
-#include <QContextMenuEvent>
 #include <QHelpEvent>
 #include <QToolBar>
 #include <QToolButton>
@@ -150,39 +150,24 @@ bool Commands::eventFilter(QObject* watched, QEvent* event) {
     auto* pane = qobject_cast<QTreeView*>(watched);
     if (!pane)
         return false;
-    if (event->type() == QEvent::ContextMenu &&
-        static_cast<QContextMenuEvent*>(event)->reason() == QContextMenuEvent::Keyboard) {
-        openContextMenu(pane);
+    if (asksForContextMenu(*event) && pane->contextMenuPolicy() == Qt::CustomContextMenu) {
+        event->accept();
+        if (event->type() != QEvent::ShortcutOverride) {
+            m_rules.enable(pane);
+            openContextMenu(*pane);
+        }
         return true;
     }
     if (event->type() != QEvent::ShortcutOverride && event->type() != QEvent::KeyPress)
         return false;
     const auto& key = *static_cast<QKeyEvent*>(event);
-    const bool opensMenu = keys::matches(key, *keys::command(QLatin1String(keys::contextMenu))) &&
-                           pane->contextMenuPolicy() == Qt::CustomContextMenu;
-    const Binding* binding = opensMenu ? nullptr : find(pane, key);
-    if (!binding && !opensMenu)
+    const Binding* binding = find(pane, key);
+    if (!binding)
         return false;
     event->accept();
-    if (event->type() == QEvent::ShortcutOverride)
-        return true;
-    if (opensMenu)
-        openContextMenu(pane);
-    else if (!key.isAutoRepeat() || repeats(*binding->command))
+    if (event->type() == QEvent::KeyPress && (!key.isAutoRepeat() || repeats(*binding->command)))
         run(*binding);
     return true;
-}
-
-void Commands::openContextMenu(QTreeView* pane) {
-    const QModelIndex current = pane->currentIndex();
-    QPoint at = pane->viewport()->rect().center();
-    if (current.isValid()) {
-        pane->scrollTo(current);
-        const QRect row = pane->visualRect(current) & pane->viewport()->rect();
-        at = row.isValid() ? row.center() : at;
-    }
-    m_rules.enable(pane);
-    emit pane->customContextMenuRequested(at);
 }
 
 // -------------------------------------------------------------------------------------------------

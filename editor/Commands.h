@@ -89,7 +89,6 @@ private:
     static bool mayRun(const Binding& binding);
     void run(const Binding& binding);
     bool showToolTip(QObject* button, QEvent* event);
-    void openContextMenu(QTreeView* pane);
 
     QMainWindow* const m_window;
     const Rules m_rules;

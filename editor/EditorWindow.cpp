@@ -81,6 +81,7 @@ void EditorWindow::bindEditCommands(const std::vector<QTreeView*>& trees) {
     bindSearch(keys::find, [this] { openSearch(); });
     bindSearch(keys::nextHit, [this] { stepToHit(1); });
     bindSearch(keys::previousHit, [this] { stepToHit(-1); });
+    bindSearch(keys::searchBy, [this] { searchByNext(); });
 
     const auto isEditing = [this] { return m_btnCancel->isEnabled(); };
     // Once the edit has ended, and again when its own change has come back: a new row is known to

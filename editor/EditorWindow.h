@@ -218,6 +218,8 @@ protected:
     virtual void openSearch() {}
     /// F3 and Shift+F3: goes to the next hit of that search (1) or to the one before (-1).
     virtual void stepToHit(int /*by*/) {}
+    /// Searches by another column from now on.
+    virtual void searchByNext() {}
 
     /// All notifications that waited have been taken.
     virtual void notificationsTaken() {}

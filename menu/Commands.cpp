@@ -123,15 +123,16 @@ void OrvoMenu::bindCommands() {
         all.bind(
             keys::palette, pane, nullptr, [this] { showPalette(); },
             [this] { return m_app->m_mayWrite && m_menuModel->rowCount() > 0; });
-    all.bind(
-        keys::uses, menu, nullptr,
-        [this, menu] {
-            showUses(orvo::table::Menu, m_menuModel->getItemKeyLink(menu->currentIndex()));
-        },
-        [this, menu] {
-            return recordRow(m_menuModel->getItemKeyLink(menu->currentIndex())).isValid();
-        },
-        true);
+    for (QTreeView* pane : {menu, m_ui->tvProp})
+        all.bind(
+            keys::uses, pane, nullptr,
+            [this, menu] {
+                showUses(orvo::table::Menu, m_menuModel->getItemKeyLink(menu->currentIndex()));
+            },
+            [this, menu] {
+                return recordRow(m_menuModel->getItemKeyLink(menu->currentIndex())).isValid();
+            },
+            true);
     const auto element = [this]() -> orvo::RecordName {
         const QString key = m_menuModel->getItemKeyLink(m_ui->tvMenu->currentIndex());
         return {QString::fromLatin1(orvo::table::Menu), recordRow(key).isValid() ? key : QString()};

@@ -256,6 +256,7 @@ private:
     void notificationsTaken() override;
     void openSearch() override;
     void stepToHit(int by) override;
+    void searchByNext() override;
     /// Of the tree that has the focus; of the menu if none has it.
     orvo::TreeSearchBar* searchBar() const;
     /// What changes of the tables do.

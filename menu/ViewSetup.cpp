@@ -99,6 +99,11 @@ void OrvoMenu::openSearch() {
         bar->open();
 }
 
+void OrvoMenu::searchByNext() {
+    if (orvo::TreeSearchBar* bar = searchBar())
+        bar->searchByNext();
+}
+
 void OrvoMenu::stepToHit(int by) {
     if (orvo::TreeSearchBar* bar = searchBar())
         bar->step(by);

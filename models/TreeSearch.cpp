@@ -2,11 +2,13 @@
 
 #include "frame/Contrast.h"
 #include "frame/Keys.h"
+#include "models/TreeSearchBar.h"
 
 #include <QShortcut>
 #include <QTreeView>
 
 #include <algorithm>
+#include <functional>
 
 namespace orvo {
 
@@ -44,18 +46,18 @@ void TreeSearch::show(int32_t number) {
     m_view.setCurrentIndex(row);
 }
 
-void onSearchKeys(QWidget& window, const std::function<void()>& open,
-                  const std::function<void(int by)>& step) {
-    const auto add = [&window](const char* id, const std::function<void()>& act) {
+void onSearchKeys(QWidget& window, TreeSearchBar& bar) {
+    const auto add = [&](const char* id, const std::function<void()>& act) {
         for (const QKeySequence& keys : keys::sequences(*keys::command(QLatin1String(id)))) {
             auto* shortcut = new QShortcut(keys, &window); // the window's child
             shortcut->setContext(Qt::WidgetWithChildrenShortcut);
-            QObject::connect(shortcut, &QShortcut::activated, &window, act);
+            QObject::connect(shortcut, &QShortcut::activated, &bar, act);
         }
     };
-    add(keys::find, open);
-    add(keys::nextHit, [step] { step(1); });
-    add(keys::previousHit, [step] { step(-1); });
+    add(keys::find, [&bar] { bar.open(); });
+    add(keys::nextHit, [&bar] { bar.step(1); });
+    add(keys::previousHit, [&bar] { bar.step(-1); });
+    add(keys::searchBy, [&bar] { bar.searchByNext(); });
 }
 
 QPalette searchColours(QPalette usual, bool found) {

@@ -7,8 +7,6 @@
 
 #include <QPalette>
 
-#include <functional>
-
 class QTreeView;
 class QWidget;
 
@@ -43,10 +41,10 @@ private:
     int32_t& m_position;
 };
 
-/// For a window without the commands of an editor: calls `open` and `step` (1: next, -1: the one
-/// before) for their keys, wherever in it the focus is.
-void onSearchKeys(QWidget& window, const std::function<void()>& open,
-                  const std::function<void(int by)>& step);
+class TreeSearchBar;
+/// For a window without the commands of an editor: the keys of the search are those of this bar,
+/// wherever in the window the focus is.
+void onSearchKeys(QWidget& window, TreeSearchBar& bar);
 
 /// The colours of a search field whose text was found, or was not: red, as far as that can be read
 /// on its background.

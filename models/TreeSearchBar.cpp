@@ -56,7 +56,7 @@ TreeSearchBar::TreeSearchBar(QTreeView* view, const TreeModelCore<TabRec>& model
     m_down = addButton(this, "down2", tr("Следующее найденное"), keysOf(keys::nextHit));
     m_up = addButton(this, "up2", tr("Предыдущее найденное"), keysOf(keys::previousHit));
     m_column->setAccessibleName(tr("Искать по"));
-    m_column->setToolTip(tr("Искать по"));
+    m_column->setToolTip(QStringLiteral("%1 (%2)").arg(tr("Искать по"), keysOf(keys::searchBy)));
     for (const Column& column : columns)
         m_column->addItem(column.title);
     m_column->setVisible(columns.size() > 1);
@@ -82,6 +82,12 @@ void TreeSearchBar::open(const QString& text) {
         m_text->selectAll();
     else
         m_text->setText(text);
+}
+
+void TreeSearchBar::searchByNext() {
+    if (hasColumns())
+        m_column->setCurrentIndex((m_column->currentIndex() + 1) % m_column->count());
+    open();
 }
 
 void TreeSearchBar::dismiss() {

@@ -37,6 +37,10 @@ public:
     bool openOn(const QKeyEvent& key);
     /// Shows it with its text selected, or with that text, and gives it the focus.
     void open(const QString& text = {});
+    /// Opens it on the next of the columns that it can search, after the last on the first; with
+    /// what was typed there.
+    void searchByNext();
+    bool hasColumns() const { return m_columns.size() > 1; }
     /// Hides it, and gives the focus to the tree if it has it.
     void dismiss();
     /// Goes to the next hit (1) or the one before (-1), if there is one; opens it if nothing was

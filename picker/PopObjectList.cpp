@@ -1,6 +1,6 @@
 #include "picker/PopObjectList.h"
 
-#include "frame/Keys.h"
+#include "frame/ContextMenuKey.h"
 #include "frame/Kinds.h"
 #include "frame/Records.h"
 #include "frame/RowDelegate.h"
@@ -78,8 +78,8 @@ CPopObjectList::CPopObjectList(QMainWindow* parent)
     m_ui->tvObj->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(m_ui->tvObj, &QTreeView::customContextMenuRequested, this,
             &CPopObjectList::showContextMenu);
-    orvo::onSearchKeys(
-        *this, [this] { m_search->open(); }, [this](int by) { m_search->step(by); });
+    new orvo::ContextMenuKey(m_ui->tvObj); // the view's child
+    orvo::onSearchKeys(*this, *m_search);
 }
 
 CPopObjectList::~CPopObjectList() {

@@ -105,17 +105,18 @@ void OrvoResources::bindCommands() {
             return chosen;
         },
         {QString::fromLatin1(orvo::field::caption)}, {QStringLiteral("object")});
-    all.bind(
-        keys::uses, tree, nullptr,
-        [this, tree] {
-            showUses(orvo::table::MenuResource,
-                     orvo::resources::textAt(tree->currentIndex(), ResColumn::KeyLink));
-        },
-        [tree] {
-            const QModelIndex row = tree->currentIndex();
-            return row.isValid() && !orvo::resources::isFolder(row);
-        },
-        true);
+    for (QTreeView* pane : {tree, m_ui->tvProp})
+        all.bind(
+            keys::uses, pane, nullptr,
+            [this, tree] {
+                showUses(orvo::table::MenuResource,
+                         orvo::resources::textAt(tree->currentIndex(), ResColumn::KeyLink));
+            },
+            [tree] {
+                const QModelIndex row = tree->currentIndex();
+                return row.isValid() && !orvo::resources::isFolder(row);
+            },
+            true);
     const auto record = [tree]() -> orvo::RecordName {
         const QModelIndex row = tree->currentIndex();
         if (!row.isValid())
@@ -134,14 +135,5 @@ void OrvoResources::bindCommands() {
     all.addKeys(m_btnCreate, m_btnCreate->text(), keys::newItem);
 
     connect(m_ui->actUnBlock, &QAction::triggered, this, &OrvoResources::explainLock);
-
-    auto* searchBy = new QAction(tr("Искать по другому столбцу"), this);
-    searchBy->setObjectName(QStringLiteral("searchBy"));
-    searchBy->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-    addAction(searchBy);
-    connect(searchBy, &QAction::triggered, this, [this] {
-        m_cmbSearch->setCurrentIndex((m_cmbSearch->currentIndex() + 1) % m_cmbSearch->count());
-    });
-    all.bind(keys::searchBy, nullptr, searchBy);
     all.addKeys(m_cmbSearch, tr("Искать по"), keys::searchBy);
 }

@@ -371,6 +371,7 @@ private:
     void notificationsTaken() override;
     void openSearch() override;
     void stepToHit(int by) override;
+    void searchByNext() override;
     /// What changes of the tables do.
     void followTables();
     enum MoveKind {

@@ -89,6 +89,13 @@ void OrvoResources::openSearch() {
     m_edSearch->selectAll();
 }
 
+void OrvoResources::searchByNext() {
+    if (!m_edSearch->isVisible() && m_treeSearch)
+        m_treeSearch->searchByNext();
+    else
+        m_cmbSearch->setCurrentIndex((m_cmbSearch->currentIndex() + 1) % m_cmbSearch->count());
+}
+
 void OrvoResources::stepToHit(int by) {
     if (!m_edSearch->isVisible() && m_treeSearch)
         m_treeSearch->step(by);

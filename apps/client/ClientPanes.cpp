@@ -128,7 +128,9 @@ void Client::makeFind() {
 /// What is not written has a pane that comes up by itself, now and whenever something is added.
 void Client::showUnwritten() {
     QDockWidget* pane =
-        m_window->addPane(new UnwrittenPane(*m_unwritten), {}, QStringLiteral("unwrittenDock"));
+        m_window->addPane(new UnwrittenPane(*m_unwritten), QStringLiteral("&Не записано"),
+                          QStringLiteral("unwrittenDock"),
+                          keys::sequences(*keys::command(QLatin1String(keys::unwritten))).first());
     const auto setTitle = [this, pane] {
         const QString title = QStringLiteral("Не записано");
         const size_t count = m_unwritten->entries().size();

@@ -9,6 +9,7 @@
 
 #include <QAbstractItemView>
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QMap>
 #include <QMenu>
 #include <QMenuBar>
@@ -94,6 +95,21 @@ void MainWindow::makeGoMenu() {
             [this] { stepTab(1); });
     connect(addCommand(keys::previousTab, m_go, true), &QAction::triggered, this,
             [this] { stepTab(-1); });
+    // Shown only: the lists take the key themselves, fields have their own menu.
+    QAction* contextMenu = addCommand(keys::contextMenu, m_go);
+    contextMenu->setShortcutContext(Qt::WidgetShortcut);
+    // Queued: this menu is closed before another comes up.
+    connect(
+        contextMenu, &QAction::triggered, this,
+        [this] {
+            QWidget* focus = focusWidget();
+            if (!focus)
+                return;
+            const QPoint at = focus->rect().center();
+            QContextMenuEvent asked(QContextMenuEvent::Keyboard, at, focus->mapToGlobal(at));
+            QApplication::sendEvent(focus, &asked);
+        },
+        Qt::QueuedConnection);
 }
 
 void MainWindow::stepTab(int by) {

@@ -5,9 +5,9 @@
 #include "apps/client/LogPane.h"
 #include "apps/client/Look.h"
 #include "apps/client/ModuleTabs.h"
+#include "apps/client/PaneKeys.h"
 #include "apps/client/StatusLine.h"
 #include "apps/client/WindowMemory.h"
-#include "frame/Keys.h"
 #include "frame/OrvoClient.h"
 
 #include <QApplication>
@@ -23,6 +23,7 @@
 #include <QTreeView>
 #include <QWindow>
 
+#include <QTreeView>
 #include <algorithm>
 
 namespace orvo::app {
@@ -31,22 +32,6 @@ namespace {
 
 constexpr QSize usualSize(1366, 900);
 constexpr int usefulHeight = 300; ///< of a pane that is called by a key
-
-/// The window system knows one key for it, the editors two.
-void openContextMenuByKeys(QTreeView* view) {
-    for (const QKeySequence& sequence :
-         keys::sequences(*keys::command(QLatin1String(keys::contextMenu))))
-        if (sequence != QKeySequence(Qt::Key_Menu)) {
-            auto* shortcut = new QShortcut(sequence, view);
-            shortcut->setContext(Qt::WidgetShortcut);
-            QObject::connect(shortcut, &QShortcut::activated, view, [view] {
-                if (const QModelIndex row = view->currentIndex(); row.isValid()) {
-                    view->scrollTo(row);
-                    emit view->customContextMenuRequested(view->visualRect(row).center());
-                }
-            });
-        }
-}
 
 } // namespace
 
@@ -133,13 +118,11 @@ QDockWidget* MainWindow::addPane(QWidget* content, const QString& title, const Q
     auto* dock = new QDockWidget(title, this);
     dock->setObjectName(name);
     dock->setWidget(content);
+    addPaneKeys(*content);
     dock->setFeatures(QDockWidget::DockWidgetClosable | QDockWidget::DockWidgetMovable);
     addDockWidget(Qt::BottomDockWidgetArea, dock);
     tabifyDockWidget(m_logDock, dock);
     dock->hide();
-    for (QTreeView* view : content->findChildren<QTreeView*>())
-        if (view->contextMenuPolicy() == Qt::CustomContextMenu)
-            openContextMenuByKeys(view);
     emit paneAdded(dock);
     if (shortcut.isEmpty()) {
         m_view->addAction(dock->toggleViewAction());
@@ -154,6 +137,15 @@ QDockWidget* MainWindow::addPane(QWidget* content, const QString& title, const Q
             bringUp(dock);
     });
     return dock;
+}
+
+void MainWindow::showCurrentRows() {
+    QWidget* page = m_tabs->currentWidget();
+    if (!page)
+        return;
+    for (QTreeView* tree : page->findChildren<QTreeView*>())
+        if (tree->isVisible() && tree->currentIndex().isValid())
+            tree->scrollTo(tree->currentIndex());
 }
 
 void MainWindow::bringUp(QDockWidget* pane) {

@@ -51,6 +51,8 @@ public:
                          const QKeySequence& shortcut = {});
     /// Opens a pane in front of those beside it, with room to work in, and gives it the focus.
     void bringUp(QDockWidget* pane);
+    /// Scrolls the trees of the module on show to their current rows, as far as these are not seen.
+    void showCurrentRows();
     /// The menu of what changes the store.
     QMenu* editMenu() const { return m_edit; }
     /// The menu of what moves the focus and finds.

@@ -105,6 +105,7 @@ UnwrittenPane::UnwrittenPane(client::UnwrittenList& list, QWidget* parent)
     m_repeatAll->setObjectName(QStringLiteral("unwrittenRepeatAll"));
     m_giveUp->setObjectName(QStringLiteral("unwrittenGiveUp"));
     m_tree->setAccessibleName(QStringLiteral("Не записано"));
+    setFocusProxy(m_tree);
     m_tree->setHeaderLabels({QStringLiteral("Что не записано"), QStringLiteral("Где / было"),
                              QStringLiteral("Почему / набрано"),
                              QStringLiteral("Когда / у другого")});

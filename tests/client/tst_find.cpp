@@ -1,6 +1,7 @@
 // "Найти всё": what is typed is found while it is typed, and chosen takes one there.
 #include "apps/client/find/FindPane.h"
 #include "apps/client/history/HistoryPane.h"
+#include "frame/Keys.h"
 #include "tests/client/FindFixture.h"
 
 #include <QAbstractItemModelTester>
@@ -10,6 +11,8 @@
 #include <QIcon>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
+#include <QSet>
 
 using namespace orvo;
 using namespace orvo::test;
@@ -320,6 +323,53 @@ private slots:
         QVERIFY(!bar->isVisible());
         QCOMPARE(QApplication::focusWidget(), menu);
         QCOMPARE(fixture.currentElement(), QString("нас2"));
+    }
+
+    void theNextColumnIsSearchedByItsKey() {
+        Fixture fixture;
+        fixture.beforeTheStart([&] { fixture.addModules(1); });
+        fixture.otherWrites(MDX_INSERT, {{"KeyLink", "t"},
+                                         {"FolderKey", "desk"},
+                                         {"caption", "Кривые"},
+                                         {"order_", "7000"},
+                                         {"MenuResourceKey", "r1"}});
+        QTRY_VERIFY(fixture.menu().contains("Кривые"));
+        QTreeView* menu = fixture.view("tvMenu");
+        menu->setFocus();
+        QTest::keyClick(menu, Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
+        auto* text = menu->findChild<QLineEdit*>("treeSearchText");
+        QCOMPARE(QApplication::focusWidget(), text);
+        keyClicks(text, "trends1");
+        QCOMPARE(fixture.currentElement(), QString("Кривые"));
+        QTest::keyClick(text, Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(text->palette().color(QPalette::Text), QColor("#DC143C")); // no caption has it
+    }
+
+    void everyCommandStandsInAMenu() {
+        Fixture fixture;
+        QSet<QString> shown;
+        for (const char* name : {"Menu", "Resources"}) {
+            fixture.client->openFurther({name});
+            for (QMenu* menu : fixture.client->window()->findChildren<QMenu*>()) {
+                emit menu->aboutToShow();
+                for (const QAction* action : menu->actions())
+                    for (const QKeySequence& keys : action->shortcuts())
+                        shown << keys.toString(QKeySequence::PortableText);
+            }
+        }
+        for (const keys::Command& command : keys::commands) {
+            const QString keys = keys::sequences(command).first().toString();
+            QVERIFY2(shown.contains(keys), command.id);
+        }
+    }
+
+    void whatIsNotWrittenGetsTheKeyboardByItsKey() {
+        Fixture fixture;
+        QTest::keyClick(fixture.client->window(), Qt::Key_F8, Qt::ShiftModifier);
+        QTRY_VERIFY(fixture.child<QDockWidget>("unwrittenDock")->isVisible());
+        QCOMPARE(QApplication::focusWidget()->objectName(), QString("unwrittenTree"));
+        QTest::keyClick(fixture.client->window(), Qt::Key_F8, Qt::ShiftModifier);
+        QTRY_VERIFY(!fixture.child<QDockWidget>("unwrittenDock")->isVisible());
     }
 
     void desktopsHaveASearchOfTheirOwn() {

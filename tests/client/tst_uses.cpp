@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTimer>
 
 using namespace orvo;
 using namespace orvo::test;
@@ -91,6 +92,37 @@ struct Fixture : FindFixture {
             if (button->text() == text && !button->isHidden())
                 button->click();
     }
+    /// What the menu offers that a key opens in that; the entry about uses is taken, else the
+    /// first.
+    static QStringList menuByKey(QWidget* widget) {
+        QStringList offered;
+        QTimer::singleShot(0, widget, [&offered] {
+            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            if (!menu)
+                return;
+            QAction* taken = nullptr;
+            for (QAction* action : menu->actions()) {
+                offered << action->text();
+                if (!taken || action->text().startsWith("Что") || action->text().startsWith("Где"))
+                    taken = action;
+            }
+            menu->setActiveAction(taken);
+            QTest::keyClick(menu, Qt::Key_Return);
+            menu->close();
+        });
+        QTest::keyClick(widget, Qt::Key_F10, Qt::ShiftModifier);
+        return offered;
+    }
+    void addMoreModules(int last) {
+        for (int i = 3; i <= last; ++i)
+            otherWrites(MDX_INSERT,
+                        {{"KeyLink", "r" + std::to_string(i)},
+                         {"caption", "Тренд " + std::to_string(i)},
+                         {"name_", "Trends" + std::to_string(i)},
+                         {"type_", "1"},
+                         {"MenuResourceFolderKey", "rf"}},
+                        "MenuResource");
+    }
     QString icon() {
         CMDArray rows;
         if (!host.store().fetchWhere("MenuResource", "name_", "pump.png", rows.array).ok())
@@ -158,18 +190,19 @@ private slots:
     void thePassportCountsThem() {
         Fixture fixture;
         fixture.choose("r1");
-        QTRY_COMPARE(fixture.passport("в меню"), QString("1 элемент меню на 1 рабочем столе"));
+        QTRY_COMPARE(fixture.passport("в меню"), QString("1 элемент"));
         fixture.uses("e2", "Агрегат", "r1");
-        QTRY_COMPARE(fixture.passport("в меню"), QString("2 элемента меню на 1 рабочем столе"));
+        QTRY_COMPARE(fixture.passport("в меню"), QString("2 элемента"));
+        QCOMPARE(fixture.passport("рабочих столов"), QString("1"));
         fixture.choose("r2");
-        QTRY_COMPARE(fixture.passport("в меню"), QString("нигде не используется"));
+        QTRY_COMPARE(fixture.passport("в меню"), QString("не используется"));
         QVERIFY(fixture.module("Resources")->ModEditText().isEmpty());
     }
 
     void whoBearsAnIconIsNamedBeforeItIsDeleted() {
         Fixture fixture;
         fixture.choose(fixture.icon());
-        QTRY_COMPARE(fixture.passport("в меню"), QString("1 элемент меню на 1 рабочем столе"));
+        QTRY_COMPARE(fixture.passport("в меню"), QString("1 элемент"));
         QTest::keyClick(fixture.resources(), Qt::Key_Delete);
         QTRY_VERIFY(fixture.box().contains("Используется: 1 элемент меню на 1 рабочем столе\n"
                                            "элемент меню «а» (КС-1)"));
@@ -207,6 +240,97 @@ private slots:
         QTest::keyClick(line, Qt::Key_F9);
         QTRY_COMPARE(fixture.rows(), QStringList{"Тренд 1|модули"});
         QVERIFY2(fixture.note().endsWith("1 ресурс."), qPrintable(fixture.note()));
+    }
+
+    void whatAPersonLocksIsAskedInTheMenuThatAKeyOpens() {
+        Fixture fixture;
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "r1"}, {"UsersKey", "u1"}}, "MenuResource");
+        QTest::keyClick(fixture.client->window(), Qt::Key_K, Qt::ControlModifier);
+        auto* line = fixture.child<QLineEdit>("findText");
+        keyClicks(line, "петров");
+        QTRY_COMPARE(fixture.child<QTreeView>("findList")->model()->rowCount(), 1);
+        QVERIFY(fixture.menuByKey(line).contains("Что заблокировано"));
+        QTRY_COMPARE(fixture.rows(), QStringList{"Тренд 1|модули"});
+        QCOMPARE(fixture.note(), QString("Петров Пётр (petrov): заблокирован 1 ресурс."));
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "r1"}, {"UsersKey", ""}}, "MenuResource");
+        QTRY_COMPARE(fixture.note(), QString("Петров Пётр (petrov): ничего не заблокировано."));
+    }
+
+    void everyListOpensItsMenuByKey() {
+        Fixture fixture;
+        fixture.ask("MenuResource", "r1");
+        QTRY_COMPARE(fixture.rows().size(), 1);
+        fixture.list()->setFocus();
+        QCOMPARE(fixture.menuByKey(fixture.list()), QStringList("Показать"));
+        QTRY_COMPARE(fixture.currentElement(), QString("Насос"));
+
+        const auto openBy = [&](Qt::Key key, const char* dock, const char* tree) {
+            QTest::keyClick(fixture.client->window(), key);
+            [[maybe_unused]] const bool isThere = QTest::qWaitFor([&] {
+                return fixture.child<QDockWidget>(dock)->isVisible() &&
+                       fixture.child<QTreeView>(tree)->model()->rowCount() > 0;
+            });
+            auto* view = fixture.child<QTreeView>(tree);
+            view->setFocus();
+            view->setCurrentIndex(view->model()->index(0, 0));
+            return view;
+        };
+        QTreeView* problems = openBy(Qt::Key_F8, "problemsDock", "problemsTree");
+        const QStringList offered = fixture.menuByKey(problems);
+        QVERIFY2(offered.contains("Показать") && offered.contains("Исправить"),
+                 qPrintable(offered.join(", ")));
+        QTreeView* history = openBy(Qt::Key_F4, "historyDock", "historyTree");
+        QVERIFY(fixture.menuByKey(history).contains("История этой строки"));
+
+        fixture.client->openFurther({"Menu"});
+        fixture.view("tvMenu")->setFocus();
+        QTest::keyClick(fixture.view("tvMenu"), Qt::Key_F7);
+        auto* picker = fixture.module("Menu")->findChild<QTreeView*>("tvObj");
+        QTRY_VERIFY(picker && picker->isVisible() && picker->model()->rowCount() > 0);
+        const QModelIndexList found =
+            picker->model()->match(picker->model()->index(0, 0), Qt::DisplayRole, "Trends1", 1,
+                                   Qt::MatchStartsWith | Qt::MatchRecursive);
+        QVERIFY(!found.isEmpty());
+        picker->setCurrentIndex(found.first());
+        QVERIFY(fixture.menuByKey(picker).contains("Где используется"));
+    }
+
+    void theKeyOfTheSearchGoesToTheFieldOfAList() {
+        Fixture fixture;
+        for (const auto& [key, tree, field] :
+             {std::tuple(Qt::Key_F8, "problemsTree", "problemsText"),
+              std::tuple(Qt::Key_F4, "historyTree", "historyText")}) {
+            QTest::keyClick(fixture.client->window(), key);
+            QTRY_VERIFY(fixture.child<QTreeView>(tree)->isVisible());
+            fixture.child<QTreeView>(tree)->setFocus();
+            QTest::keyClick(fixture.child<QTreeView>(tree), Qt::Key_F, Qt::ControlModifier);
+            QTRY_COMPARE(QApplication::focusWidget()->objectName(), QString(field));
+        }
+    }
+
+    void theKeyAsksFromThePassportToo() {
+        Fixture fixture;
+        fixture.choose("r1");
+        auto* grid = fixture.module("Resources")->findChild<QTreeView*>("tvProp");
+        grid->setFocus();
+        QTest::keyClick(grid, Qt::Key_F9);
+        QTRY_VERIFY(fixture.isListed());
+        QTRY_COMPARE(fixture.rows(), QStringList{"Насос|КС-1 / а"});
+    }
+
+    void theRowThatIsAskedAboutStaysInSight() {
+        Fixture fixture;
+        fixture.beforeTheStart([&] { fixture.addMoreModules(60); });
+        fixture.choose("r60");
+        QTreeView* tree = fixture.resources();
+        const auto isSeen = [&] {
+            return tree->viewport()->rect().contains(tree->visualRect(tree->currentIndex()));
+        };
+        tree->scrollTo(tree->currentIndex(), QAbstractItemView::PositionAtBottom);
+        QVERIFY(isSeen());
+        QTest::keyClick(tree, Qt::Key_F9);
+        QTRY_VERIFY(fixture.isListed());
+        QTRY_VERIFY(isSeen());
     }
 
     void whereNothingIsUsedNothingIsOffered() {

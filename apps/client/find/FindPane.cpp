@@ -2,7 +2,7 @@
 
 #include "apps/client/HostApp.h"
 #include "apps/client/Look.h"
-#include "frame/Keys.h"
+#include "frame/ContextMenuKey.h"
 #include "frame/Vocabulary.h"
 
 #include <QAbstractItemView>
@@ -265,6 +265,10 @@ void FindPane::showContextMenu(const QPoint& point) {
 // Keys and focus
 
 bool FindPane::takeKey(const QKeyEvent& event) {
+    if (asksForContextMenu(event)) {
+        openContextMenu(*m_view);
+        return true;
+    }
     if (keys::matches(event, *keys::command(QLatin1String(keys::uses)))) {
         askForUses();
         return true;
