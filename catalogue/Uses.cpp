@@ -43,6 +43,7 @@ public:
         Uses all;
         all.meant = m_meant;
         all.exists = m_exists;
+        all.isPerson = m_meant.table == QLatin1String(table::Users);
         all.what = m_what;
         all.count = static_cast<int>(m_places.size());
         std::set<std::string> desktops;
@@ -67,7 +68,12 @@ public:
 private:
     void name(const Record& record) {
         m_exists = true;
-        if (m_what.isEmpty())
+        if (!m_what.isEmpty())
+            return;
+        const Found found = record.isIn(table::Users) ? describe(m_catalogue, record) : Found();
+        if (!found.login.isEmpty() && found.name != found.login)
+            m_what = QStringLiteral("%1 (%2)").arg(found.name, found.login);
+        else
             m_what = history::recordWords(record.table(), record.values(), record.key());
     }
 
@@ -138,12 +144,33 @@ Uses usesOf(const Catalogue& catalogue, const std::vector<Subject>& subjects, in
     return collector.uses(most);
 }
 
+namespace {
+
+QString counted(int count, const char* one, const char* few, const char* many) {
+    return QStringLiteral("%1 %2").arg(count).arg(
+        history::numeralForm(static_cast<size_t>(count), QString::fromUtf8(one),
+                             QString::fromUtf8(few), QString::fromUtf8(many)));
+}
+
+} // namespace
+
+QString usesBrief(const Uses& uses) {
+    QStringList parts;
+    if (const int elements = uses.count - uses.forms; elements > 0)
+        parts << counted(elements, "элемент", "элемента", "элементов");
+    if (uses.forms > 0)
+        parts << counted(uses.forms, "ресурс", "ресурса", "ресурсов");
+    return parts.isEmpty() ? QStringLiteral("не используется") : parts.join(QStringLiteral(", "));
+}
+
 QString usesWords(const Uses& uses) {
-    const auto counted = [](int count, const char* one, const char* few, const char* many) {
-        return QStringLiteral("%1 %2").arg(count).arg(
-            history::numeralForm(static_cast<size_t>(count), QString::fromUtf8(one),
-                                 QString::fromUtf8(few), QString::fromUtf8(many)));
-    };
+    if (uses.isPerson && uses.count == 0)
+        return QStringLiteral("ничего не заблокировано");
+    if (uses.isPerson)
+        return QStringLiteral("%1 %2").arg(uses.count % 10 == 1 && uses.count % 100 != 11
+                                               ? QStringLiteral("заблокирован")
+                                               : QStringLiteral("заблокировано"),
+                                           counted(uses.count, "ресурс", "ресурса", "ресурсов"));
     if (uses.count == 0)
         return QStringLiteral("нигде не используется");
     QStringList parts;

@@ -28,13 +28,17 @@ struct Uses {
     int count = 0;         ///< of all places
     int desktops = 0;      ///< on so many desktops
     int forms = 0;         ///< resources among the places: locked, or bearing the icon
+    bool isPerson = false; ///< the places are what he has locked
     bool operator==(const Uses&) const = default;
 };
 
 /// Tells at most `most` places, and counts all. Of a record that is gone: who still names its key.
 Uses usesOf(const Catalogue& catalogue, const std::vector<Subject>& subjects, int most);
-/// "5 элементов меню на 2 рабочих столах", "нигде не используется".
+/// "5 элементов меню на 2 рабочих столах", "нигде не используется"; of a person "заблокирован 1
+/// ресурс".
 QString usesWords(const Uses& uses);
+/// The same where there is little room, without the desktops: "5 элементов", "не используется".
+QString usesBrief(const Uses& uses);
 /// "элемент меню «Насосы» (КС-1 / Схемы)".
 QString placeWords(const Found& place);
 

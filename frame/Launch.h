@@ -104,6 +104,8 @@ struct UsesAnswer {
     int count = 0;        ///< of the places
     QString words; ///< "5 элементов меню на 2 рабочих столах", "нигде не используется"
     QStringList places; ///< the first ones, in words: "элемент меню «Насосы» (КС-1 / Схемы)"
+    QString brief = {}; ///< "5 элементов", "не используется": where there is little room
+    int desktops = 0; ///< on which they are
 };
 
 struct UsesRequest {

@@ -49,12 +49,16 @@ void OrvoResources::addUses(const QModelIndex& index) {
             if (!answer.isKnown || m_propModel->rowCount() == 0 || m_currentKey != key)
                 return;
             const QString row = QStringLiteral("uses");
-            if (m_propModel->findIndexByKey(row).isValid())
-                m_propModel->setRowValue(row, answer.words);
-            else
-                m_ui->tvProp->expand(orvo::addPassportCategory(
-                    *m_propModel, QStringLiteral("usesGroup"), tr("где используется"),
-                    {{row, tr("в меню"), MyEditorLine, true, answer.words}}));
+            const QString desktops = QStringLiteral("usesDesktops");
+            if (m_propModel->findIndexByKey(row).isValid()) {
+                m_propModel->setRowValue(row, answer.brief);
+                m_propModel->setRowValue(desktops, answer.desktops);
+                return;
+            }
+            m_ui->tvProp->expand(orvo::addPassportCategory(
+                *m_propModel, QStringLiteral("usesGroup"), tr("где используется"),
+                {{row, tr("в меню"), MyEditorLine, true, answer.brief},
+                 {desktops, tr("рабочих столов"), MyEditorLine, true, answer.desktops}}));
         });
 }
 

@@ -105,7 +105,7 @@ void TestUses::anElementStandsForItsResourceElseForItsIcon() {
 
 void TestUses::aPersonHoldsLocks() {
     fill();
-    const QString held = "; 1 ресурс; форма «Насосы» (формы отображения)";
+    const QString held = "; заблокирован 1 ресурс; форма «Насосы» (формы отображения)";
     QVERIFY(words(uses("Users", "U")).endsWith(held));
     QVERIFY(words(uses({{"Users", {}, "PETROV"}})).endsWith(held));
 }

@@ -6,6 +6,7 @@
 #include "apps/client/find/UsesPane.h"
 
 #include <QDockWidget>
+#include <QTimer>
 
 namespace orvo::app {
 
@@ -37,6 +38,8 @@ void UsesCommands::show(const catalogue::Subject& subject, bool takeFocus) {
         dock->show();
         dock->raise();
     }
+    // The pane takes room from the trees: the row that was asked about stays in sight.
+    QTimer::singleShot(0, this, [this] { m_window.showCurrentRows(); });
 }
 
 void UsesCommands::answer(UsesRequest* request) {
@@ -52,7 +55,9 @@ void UsesCommands::answer(UsesRequest* request) {
         QMetaObject::invokeMethod(
             request->receiver, [tell] { tell({}); }, Qt::QueuedConnection);
     m_feed.watch(request->receiver, subjects, mostPlaces, [tell](const catalogue::Uses& uses) {
-        UsesAnswer answer{true, uses.count, catalogue::usesWords(uses), {}};
+        UsesAnswer answer{
+            true,         uses.count, catalogue::usesWords(uses), {}, catalogue::usesBrief(uses),
+            uses.desktops};
         for (const catalogue::Found& place : uses.places)
             answer.places << catalogue::placeWords(place);
         tell(answer);
