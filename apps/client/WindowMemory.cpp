@@ -5,6 +5,7 @@
 #include <QDockWidget>
 #include <QHeaderView>
 #include <QMainWindow>
+#include <QScrollBar>
 #include <QSet>
 #include <QSettings>
 #include <QSplitter>
@@ -169,6 +170,12 @@ void fitColumns(QTreeView& tree) {
     QHeaderView& header = *tree.header();
     if (header.isHidden() || header.count() == 0)
         return;
+    // The bar for scrolling comes with the first folders that are opened.
+    const int bar =
+        tree.verticalScrollBar()->isVisible() ? 0 : tree.verticalScrollBar()->sizeHint().width();
+    // As wide as it is wanted, not as wide as there was room.
+    const bool stretches = header.stretchLastSection();
+    header.setStretchLastSection(false);
     for (int step = 0; step < header.count(); ++step) {
         int needed = 0, widest = -1;
         for (int column = 0; column < header.count(); ++column) {
@@ -179,13 +186,14 @@ void fitColumns(QTreeView& tree) {
             if (own && (widest < 0 || header.sectionSize(column) > header.sectionSize(widest)))
                 widest = column;
         }
-        const int excess = needed - tree.viewport()->width();
+        const int excess = needed + bar - tree.viewport()->width();
         if (excess <= 0 || widest < 0 || header.sectionSize(widest) <= least)
-            return;
+            break;
         // The two widest share what is too much.
         header.resizeSection(widest, std::max(least, header.sectionSize(widest) -
                                                          (step == 0 ? (excess + 1) / 2 : excess)));
     }
+    header.setStretchLastSection(stretches);
 }
 
 /// Does so when the tree is first on the screen: its width is known then.
