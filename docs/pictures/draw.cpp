@@ -110,6 +110,36 @@ void drawDesktops(Painter& painter) {
     painter.need(scene.clickRow(painter.client(), "tvMenu", "Крановая обвязка"));
     painter.need(scene.fill(painter.client(), "Наименование", "GPA 1-7"));
     painter.take("operator-preview.png");
+    hands::key("Return");
+    hands::key("F5");
+}
+
+/// What the edit that drawDesktops has left open meets, and the picker in both its shapes.
+void drawEdits(Painter& painter) {
+    Scene& scene = painter.scene();
+    ClientProcess& client = painter.client();
+    painter.writeAs("sorokin", "update Menu set caption = 'Крановая обвязка (ремонт)' where "
+                               "caption = 'Крановая обвязка'");
+    hands::key("ctrl+s");
+    painter.need(scene.waitFor("what is not written is listed",
+                               [&] { return !client.tree("unwrittenTree").rows.empty(); }));
+    painter.take("unwritten.png");
+    painter.need(scene.press(client, "unwrittenGiveUp"));
+    painter.need(scene.waitFor("the list is empty",
+                               [&] { return client.tree("unwrittenTree").rows.empty(); }));
+    const auto listed = [&] {
+        painter.need(scene.waitFor("the resources are listed",
+                                   [&] { return !client.tree("tvObj").rows.empty(); }));
+    };
+    painter.need(scene.clickRow(client, "tvMenu", "Агрегаты"));
+    hands::key("ctrl+1");
+    listed();
+    painter.take("picker.png");
+    hands::key("Escape");
+    painter.need(scene.clickRow(client, "tvMenu", "Агрегаты"));
+    hands::key("F7");
+    listed();
+    painter.take("palette.png");
 }
 
 } // namespace
@@ -188,5 +218,6 @@ int main(int argc, char* argv[]) {
         "its places are listed", [&] { return !painter.client().tree("usesList").rows.empty(); }));
     painter.take("uses.png");
     drawDesktops(painter);
+    drawEdits(painter);
     return 0;
 }
