@@ -110,14 +110,17 @@ void drawDesktops(Painter& painter) {
     painter.need(scene.clickRow(painter.client(), "tvMenu", "Крановая обвязка"));
     painter.need(scene.fill(painter.client(), "Наименование", "GPA 1-7"));
     painter.take("operator-preview.png");
-    hands::key("Return");
-    hands::key("F5");
 }
 
-/// What the edit that drawDesktops has left open meets, and the picker in both its shapes.
+/// An edit that meets another one, and the picker in both its shapes.
 void drawEdits(Painter& painter) {
     Scene& scene = painter.scene();
+    painter.need(scene.startLeft({"Menu"}, "demo", windowPlace));
     ClientProcess& client = painter.client();
+    painter.need(scene.clickRow(client, "tvDesck", "КС-1 «Верхнеозёрск»"));
+    painter.need(scene.clickRow(client, "tvMenu", "Крановая обвязка"));
+    painter.need(scene.fill(client, "Наименование", "GPA 1-7"));
+    hands::key("Return");
     painter.writeAs("sorokin", "update Menu set caption = 'Крановая обвязка (ремонт)' where "
                                "caption = 'Крановая обвязка'");
     hands::key("ctrl+s");
@@ -140,6 +143,8 @@ void drawEdits(Painter& painter) {
     hands::key("F7");
     listed();
     painter.take("palette.png");
+    painter.writeAs("sorokin", "update Menu set caption = 'Крановая обвязка' where caption = "
+                               "'Крановая обвязка (ремонт)'");
 }
 
 } // namespace
@@ -217,7 +222,7 @@ int main(int argc, char* argv[]) {
     painter.need(painter.scene().waitFor(
         "its places are listed", [&] { return !painter.client().tree("usesList").rows.empty(); }));
     painter.take("uses.png");
-    drawDesktops(painter);
     drawEdits(painter);
+    drawDesktops(painter);
     return 0;
 }
