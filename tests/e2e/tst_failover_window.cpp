@@ -46,13 +46,17 @@ private slots:
         DO(m_scene->fill(left(), nameRow, "Lost folder"));
         DO(m_scene->press(left(), save));
         DONE(!element("Lost folder").isNull());
+        const std::optional<QRect> cell = m_scene->reveal(left(), "tvProp", nameRow, 1);
+        QVERIFY(cell);
+        DO(hands::click(cell->center()));
+        SOON(left().ask("windows")["focus"].toObject()["class"].toString() == "QLineEdit");
 
         // Somebody writes first there: the log then looks as if nothing were missing.
         QVERIFY(m_cluster->failOver());
         for (int i = 0; i < 10; ++i)
             QVERIFY(insertElement(QString("first%1").arg(i), QString("First %1").arg(i), {},
                                   91000 + i));
-        // A cell is still open: he is told at once, and nothing is taken from under his hands.
+        // A cell is open: he is told at once, and nothing is taken from under his hands.
         QVERIFY2(
             told("показанное устарело, модули откроются заново, когда вы закончите правку, ваши "
                  "потерянные записи — в «Не записано»."),

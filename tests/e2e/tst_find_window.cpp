@@ -74,6 +74,7 @@ private slots:
         DO(hands::type("lch_krany 0-118"));
         SOON(found().contains("Крановые узлы км 0-118"));
         DO(m_scene->clickRow(left(), "findList", "Крановые узлы км 0-118"));
+        DO(hands::key("Return"));
         SOON(current(left(), "tvRes") == "Крановые узлы км 0-118");
         SOON(left().tree("tvRes").focus);
         DO(hands::key("F9"));
