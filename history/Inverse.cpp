@@ -10,6 +10,32 @@
 
 namespace orvo::history {
 
+namespace {
+
+/// Says of a group that was taken back before by whom and when.
+store::Status remarkDone(store::MaintainedStore& store, const Standing& standing, int64_t group,
+                         std::vector<Remark>* remarks) {
+    Remark made;
+    made.why = Remark::AlreadyDone;
+    made.group = group;
+    store::Status status;
+    if (const int64_t by = standing.undoneBy(group); by != 0) {
+        store::LogQuery query;
+        query.above = by - 1;
+        query.below = by + 1;
+        std::vector<store::Change> found;
+        status = store.history(query, 1, &found);
+        if (!found.empty()) {
+            made.login = found.front().login;
+            made.time = found.front().time;
+        }
+    }
+    remarks->push_back(std::move(made));
+    return status;
+}
+
+} // namespace
+
 store::Status planInverse(store::MaintainedStore& store, const std::vector<int64_t>& groups,
                           const Choices& choices, Inverse* inverse) {
     *inverse = {};
@@ -22,8 +48,8 @@ store::Status planInverse(store::MaintainedStore& store, const std::vector<int64
     for (const int64_t group : groups)
         if (standing.stands(group))
             inverse->undoes.push_back(group);
-        else
-            inverse->remarks.push_back({Remark::AlreadyDone, nullptr, {}, -1, {}, {}, 0, group});
+        else if (status = remarkDone(store, standing, group, &inverse->remarks); !status.ok())
+            return status;
     standing.settle(inverse->undoes);
     Planning planning(store, standing, choices, *inverse);
     status = planning.collect();
@@ -74,24 +100,34 @@ bool Inverse::asks() const {
     });
 }
 
+namespace {
+
+QString whoAndWhen(const Remark& remark, const PersonNames& names) {
+    const auto person = names.find(remark.login);
+    const QString who = remark.login.empty()    ? QStringLiteral("вручную")
+                        : person == names.end() ? QString::fromStdString(remark.login)
+                                                : person->second;
+    return remark.time > 0 ? who + QStringLiteral(", ") +
+                                 QDateTime::fromMSecsSinceEpoch(std::llround(remark.time * 1000.0))
+                                     .toString(QStringLiteral("dd.MM.yyyy HH:mm"))
+                           : who;
+}
+
+} // namespace
+
 QString remarkWords(const Remark& remark, RecordSource& source, const PersonNames& names) {
     const auto number = [&] { return QString::number(remark.group); };
     if (remark.why == Remark::Forgotten)
         return QStringLiteral("Действие %1 журнал уже не помнит").arg(number());
     if (remark.why == Remark::HalfForgotten)
         return QStringLiteral("Действие %1: его начало журнал уже не помнит").arg(number());
+    const QString who = whoAndWhen(remark, names);
     if (remark.why == Remark::AlreadyDone)
-        return QStringLiteral("Действие %1 уже отменено").arg(number());
+        return QStringLiteral("Действие %1 уже отменено (%2)").arg(number(), who);
+    if (remark.why == Remark::NothingDone)
+        return QStringLiteral("Действие %1 ничего не изменило").arg(number());
     const store::TableDef& table = *remark.table;
     const QString record = recordWords(table, source.valuesOf(table, remark.key), remark.key);
-    const auto person = names.find(remark.login);
-    QString who = remark.login.empty()    ? QStringLiteral("вручную")
-                  : person == names.end() ? QString::fromStdString(remark.login)
-                                          : person->second;
-    if (remark.time > 0)
-        who += QStringLiteral(", ") +
-               QDateTime::fromMSecsSinceEpoch(std::llround(remark.time * 1000.0))
-                   .toString(QStringLiteral("dd.MM.yyyy HH:mm"));
     switch (remark.why) {
     case Remark::ChangedSince:
         return QStringLiteral("Оставлено как есть: %1, поле «%2»: с тех пор изменено (%3)")
@@ -115,6 +151,12 @@ QString remarkWords(const Remark& remark, RecordSource& source, const PersonName
         return QStringLiteral("Оставлено как есть: %1: занята (%2)").arg(record, who);
     case Remark::LockStays:
         return QStringLiteral("Оставлено как есть: %1: занятость отменой не меняется").arg(record);
+    case Remark::GoneBefore:
+        return QStringLiteral("Уже удалено: %1 (%2)").arg(record, who);
+    case Remark::MakingUndone:
+        return QStringLiteral("Создание уже отменено: %1 (%2)").arg(record, who);
+    case Remark::SameBefore:
+        return QStringLiteral("Уже как прежде: %1").arg(record);
     case Remark::NameTaken:
         return QStringLiteral("%1: %2: имя %3 уже занято%4")
             .arg(remark.field < 0 ? QStringLiteral("Не возвращено")

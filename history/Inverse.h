@@ -38,6 +38,11 @@ struct Remark {
         Forgotten,     ///< the log does not tell of the action any more
         HalfForgotten, ///< nor of its beginning; the rest is taken back
         AlreadyDone,   ///< the action has been taken back before
+        // If nothing is left to be written for another reason:
+        NothingDone,  ///< the action has changed no value
+        GoneBefore,   ///< what it made was deleted
+        MakingUndone, ///< or went when its making was taken back
+        SameBefore,   ///< the record is as it was before the action
     };
     Why why = ChangedSince;
     const store::TableDef* table = nullptr; ///< null: of a whole action
@@ -45,10 +50,10 @@ struct Remark {
     int field = -1;      ///< ChangedSince, NoPlace, PlaceInside; NameTaken: of a stored record
     std::string missing; ///< NoPlace, PlaceInside: the key that the field would name; NameTaken:
                          ///< the name
-    std::string login;   ///< ChangedSince, DeletedSince, BuiltOn, NameTaken: whose action it was;
-                         ///< Locked: who holds it
-    double time = 0;     ///< and when, or since when
-    int64_t group = 0;   ///< that action; of a whole action: the one that was asked for
+    std::string login; ///< ChangedSince, DeletedSince, BuiltOn, NameTaken, AlreadyDone, GoneBefore,
+                       ///< MakingUndone: whose action it was; Locked: who holds it
+    double time = 0;   ///< and when, or since when
+    int64_t group = 0; ///< that action; of a whole action: the one that was asked for
 
     /// Whether Choices::places can help.
     bool asksForPlace() const { return why == NoPlace || why == PlaceInside; }

@@ -19,23 +19,7 @@ namespace {
 
 constexpr size_t mostPreviewed = 2000;
 
-bool is(const char* name, const char* other) {
-    return std::strcmp(name, other) == 0;
-}
-
 } // namespace
-
-std::vector<Planning::Link> Planning::linksTo(const store::TableDef& table) {
-    std::vector<Link> links;
-    for (const store::TableDef& below : store::tables()) {
-        for (const store::ParentField& parent : store::parentFields(below))
-            if (is(parent.table, table.name))
-                links.push_back({&below, below.find(parent.field), true});
-        if (is(table.name, table::MenuResource) && below.find(field::MenuResourceKey) >= 0)
-            links.push_back({&below, below.find(field::MenuResourceKey), false});
-    }
-    return links;
-}
 
 Planning::Planning(store::MaintainedStore& store, const Standing& standing, const Choices& choices,
                    Inverse& inverse)
@@ -242,102 +226,6 @@ store::Status Planning::decide() {
     return {};
 }
 
-// What others have built -------------------------------------------------------------------------
-
-store::Status Planning::deleteBelow(const store::TableDef& table,
-                                    const std::vector<std::string>& keys) {
-    std::map<std::string, std::vector<store::Value>> stored;
-    store::Status status = m_store.storedValues(table, keys, &stored);
-    for (const std::string& key : keys) {
-        const std::string folded = store::foldedKey(key);
-        Record& record = m_records[&table][folded];
-        record.key = key;
-        record.present = true;
-        record.flag = MDX_DELETE;
-        if (const auto row = stored.find(folded); row != stored.end())
-            for (size_t i = 0; i < row->second.size(); ++i)
-                record.now[static_cast<int>(i)] = row->second[i];
-    }
-    return status;
-}
-
-/// Deals with the records that name some of those that are to be deleted, by one kind of link.
-store::Status Planning::lookBelow(const store::TableDef& table, const Link& link,
-                                  const std::vector<std::string>& deleted, bool* changed) {
-    std::vector<std::pair<std::string, std::string>> children; // with what they name
-    store::Status status = m_store.keysNaming(*link.below, link.field, deleted, &children);
-    std::vector<std::string> deeper;
-    std::vector<std::pair<Record*, std::string>> kept; // with the child that keeps it
-    for (const auto& [child, named] : children) {
-        Record& record = m_records[&table].at(store::foldedKey(named));
-        const Record* const planned = this->planned(*link.below, store::foldedKey(child));
-        if (record.flag == 0 ||
-            (planned && (planned->flag == MDX_DELETE ||
-                         (planned->flag == MDX_UPDATE && planned->values.count(link.field) != 0))))
-            continue;
-        if (m_choices.othersWorkToo) {
-            if (link.places)
-                deeper.push_back(child);
-            continue;
-        }
-        if (m_kept.count(planned) == 0)
-            kept.emplace_back(&record, child);
-        record.flag = 0;
-        m_kept.insert(&record);
-        *changed = true;
-    }
-    if (status.ok() && !deeper.empty()) {
-        status = deleteBelow(*link.below, deeper);
-        *changed = true;
-    }
-    if (!status.ok() || kept.empty())
-        return status;
-    std::vector<std::string> keys;
-    for (const auto& [record, child] : kept)
-        keys.push_back(child);
-    std::vector<store::Change> changes;
-    status = m_store.changesSince(*link.below, keys, 0, &changes);
-    std::map<std::string, const store::Change*> newest;
-    for (const store::Change& change : changes)
-        newest[store::foldedKey(change.key)] = &change;
-    for (const auto& [record, child] : kept)
-        remark(Remark::BuiltOn, table, *record, -1, newest[store::foldedKey(child)]);
-    return status;
-}
-
-store::Status Planning::keepWhatIsBuiltOn() {
-    if (m_alone)
-        return {}; // nobody has done anything since
-    if (!std::exchange(m_foundUploads, true))
-        if (store::Status uploads =
-                findUploadsInto(m_records[store::findTable(table::MenuResource)]);
-            !uploads.ok())
-            return uploads;
-    for (bool again = true; again;) {
-        again = false;
-        // Deletions that are added join in the next round.
-        std::map<const store::TableDef*, std::vector<std::string>> deleted;
-        for (auto& [table, records] : m_records)
-            for (auto& [key, record] : records) {
-                if (record.flag != MDX_DELETE || table == &store::contentTable())
-                    continue;
-                if (record.builtOn && !m_choices.othersWorkToo) {
-                    remark(Remark::BuiltOn, *table, record, -1, record.builtOn);
-                    record.flag = 0;
-                    m_kept.insert(&record);
-                    again = true;
-                } else {
-                    deleted[table].push_back(record.key);
-                }
-            }
-        for (const auto& [table, keys] : deleted)
-            for (const Link& link : linksTo(*table))
-                if (store::Status status = lookBelow(*table, link, keys, &again); !status.ok())
-                    return status;
-    }
-    return {};
-}
-
 // The writes -------------------------------------------------------------------------------------
 
 void Planning::part(const store::TableDef& table, int flag) {
@@ -390,6 +278,43 @@ void Planning::compose() {
     for (auto table = store::tables().rbegin(); table != store::tables().rend(); ++table)
         part(*table, MDX_DELETE);
     forgetLockActions();
+    tellNothingLeft();
+}
+
+void Planning::tellNothingLeft() {
+    constexpr size_t mostTold = 20;
+    if (m_inverse.count > 0 || !m_inverse.remarks.empty())
+        return;
+    const auto tell = [&](const store::TableDef& table, const Record& record) {
+        const bool isMeant =
+            std::any_of(record.events.begin(), record.events.end(), [&](const Event& event) {
+                return isConcerned(event) && event.change->after != event.change->before;
+            });
+        const auto deletion =
+            std::find_if(record.events.rbegin(), record.events.rend(),
+                         [](const Event& event) { return event.change->code == OrvoEventDelete; });
+        if (!isMeant || m_inverse.remarks.size() == mostTold)
+            return;
+        if (record.present)
+            remark(Remark::SameBefore, table, record);
+        else if (deletion != record.events.rend())
+            remark(counts(*deletion) ? Remark::GoneBefore : Remark::MakingUndone, table, record, -1,
+                   deletion->change);
+    };
+    for (const auto& [table, records] : m_records)
+        for (const auto& [key, record] : records)
+            if (table != &store::contentTable())
+                tell(*table, record);
+    if (m_inverse.remarks.empty()) // else their forms and files are told of
+        for (const auto& [key, record] : m_records[&store::contentTable()])
+            tell(store::contentTable(), record);
+    if (m_inverse.remarks.empty())
+        for (const int64_t group : m_inverse.undoes) {
+            Remark made;
+            made.why = Remark::NothingDone;
+            made.group = group;
+            m_inverse.remarks.push_back(std::move(made));
+        }
 }
 
 } // namespace orvo::history

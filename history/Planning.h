@@ -109,6 +109,8 @@ private:
     void dropLocks();
     std::string ownerKey(const Record& content) const;
     bool remarkLocked(const std::string& resource);
+    /// Says why nothing is to be written, if nothing else does.
+    void tellNothingLeft();
     /// Actions that did nothing but that are not counted as taken back.
     void forgetLockActions();
 

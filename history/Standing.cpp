@@ -35,6 +35,14 @@ void Standing::settle(const std::vector<int64_t>& more) {
             m_off.insert(undoing->second.begin(), undoing->second.end());
 }
 
+int64_t Standing::undoneBy(int64_t group) const {
+    for (auto undoing = m_undoes.rbegin(); undoing != m_undoes.rend(); ++undoing)
+        if (stands(undoing->first) && std::find(undoing->second.begin(), undoing->second.end(),
+                                                group) != undoing->second.end())
+            return undoing->first;
+    return 0;
+}
+
 std::set<int64_t> Standing::concerned(const std::vector<int64_t>& groups) const {
     std::set<int64_t> found;
     std::vector<int64_t> open = groups;

@@ -29,6 +29,8 @@ public:
     bool stands(int64_t group) const { return m_off.count(group) == 0; }
     /// The groups that do not stand, of those from begin() on.
     const std::set<int64_t>& undone() const { return m_off; }
+    /// The newest group that stands and takes this one back; 0: none.
+    int64_t undoneBy(int64_t group) const;
     bool isUndoing(int64_t group) const { return m_undoes.count(group) != 0; }
     /// These groups, the ones that they take back, the ones that those take back and so on.
     std::set<int64_t> concerned(const std::vector<int64_t>& groups) const;
