@@ -250,7 +250,15 @@ void TestHistoryRandom::ofEachOnlyHisOwnIsTakenBack() {
     for (const Action& action : m_actions)
         if (action.who == who)
             actions.push_back(action);
+    const size_t made = actions.size();
     undoAll(actions);
+    QVERIFY2(made == 0 || actions.size() < made, "nothing was taken back");
+    for (const Action& action : actions) { // left only for a reason
+        Inverse plan;
+        const Status status = undo(*m_users[who], {action.group}, {}, &plan);
+        QVERIFY2(status.code == Refused || plan.asks() || plan.count == 0,
+                 qPrintable(remarks(plan).join('\n')));
+    }
     // What waits for a choice is left as a whole.
     for (const Change& change : log)
         for (const Action& action : actions)
@@ -262,6 +270,11 @@ void TestHistoryRandom::ofEachOnlyHisOwnIsTakenBack() {
                         othersRecords.insert({change.table, foldedKey(change.key)});
                     }
     const State now = state();
+    for (const auto& [table, rows] : now.tables) // what he alone has made is gone
+        for (const auto& [key, row] : rows)
+            QVERIFY2(before.of(table).count(key) != 0 || hisRecords.count({table, key}) == 0 ||
+                         othersRecords.count({table, key}) != 0,
+                     key.c_str());
     for (const auto& [table, rows] : acted.tables)
         for (const auto& [key, row] : rows)
             if (hisRecords.count({table, key}) == 0) {
@@ -271,10 +284,9 @@ void TestHistoryRandom::ofEachOnlyHisOwnIsTakenBack() {
     for (const auto& [table, rows] : before.tables)
         for (const auto& [key, row] : rows) {
             if (othersRecords.count({table, key}) == 0 && hisRecords.count({table, key}) != 0) {
-                // Unless its place has gone with somebody's deletion.
                 const auto found = now.of(table).find(key);
-                if (found != now.of(table).end())
-                    QVERIFY(found->second == row);
+                QVERIFY2(found != now.of(table).end(), key.c_str());
+                QVERIFY2(found->second == row, key.c_str());
             }
             if (now.of(table).count(key) == 0 || acted.of(table).count(key) == 0)
                 continue;
