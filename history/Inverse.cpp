@@ -57,6 +57,8 @@ store::Status planInverse(store::MaintainedStore& store, const std::vector<int64
         status = planning.decide();
     if (status.ok())
         status = planning.keepLocked();
+    if (status.ok())
+        planning.keepRights();
     for (bool again = true; again && status.ok();) {
         again = false;
         status = planning.placeRestored();
@@ -157,6 +159,13 @@ QString remarkWords(const Remark& remark, RecordSource& source, const PersonName
         return QStringLiteral("Создание уже отменено: %1 (%2)").arg(record, who);
     case Remark::SameBefore:
         return QStringLiteral("Уже как прежде: %1").arg(record);
+    case Remark::NoRights:
+        return QStringLiteral("Без прав на сервере: %1: их даёт orvo-admin user login %2")
+            .arg(record, QString::fromStdString(remark.missing));
+    case Remark::RightsStay:
+        return QStringLiteral("Не удалено: %1: вместе с правами на сервере его убирает orvo-admin "
+                              "user remove %2")
+            .arg(record, QString::fromStdString(remark.missing));
     case Remark::NameTaken:
         return QStringLiteral("%1: %2: имя %3 уже занято%4")
             .arg(remark.field < 0 ? QStringLiteral("Не возвращено")

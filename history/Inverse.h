@@ -33,6 +33,8 @@ struct Remark {
         NameTaken,     ///< another record has the name by now: see Choices::otherNames
         Locked,        ///< another user has taken the form into work
         LockStays,     ///< the action only took or released the form, which is not taken back
+        NoRights,      ///< the user comes back, but the database has taken his rights from him
+        RightsStay,    ///< he does not go: his rights would stay
         NoBytes,       ///< the bytes that a form or file had are not kept
         DamagedBytes,  ///< or no longer what they were
         Forgotten,     ///< the log does not tell of the action any more
@@ -49,7 +51,7 @@ struct Remark {
     std::string key;
     int field = -1;      ///< ChangedSince, NoPlace, PlaceInside; NameTaken: of a stored record
     std::string missing; ///< NoPlace, PlaceInside: the key that the field would name; NameTaken:
-                         ///< the name
+                         ///< the name; NoRights, RightsStay: the login
     std::string login; ///< ChangedSince, DeletedSince, BuiltOn, NameTaken, AlreadyDone, GoneBefore,
                        ///< MakingUndone: whose action it was; Locked: who holds it
     double time = 0;   ///< and when, or since when

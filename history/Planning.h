@@ -38,6 +38,8 @@ public:
     store::Status decide();
     /// Leaves out what is done to forms that another user has taken into work.
     store::Status keepLocked();
+    /// Leaves out the removal of users who would keep their rights, and tells whose are missing.
+    void keepRights();
     /// Leaves out restored records without a place.
     store::Status placeRestored();
     /// Leaves out deletions of what others have built on.

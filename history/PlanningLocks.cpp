@@ -1,4 +1,5 @@
-// What an inverse does about forms that somebody has taken into work.
+// What an inverse does about the people: forms that somebody has taken into work, and users whose
+// rights lie with the database.
 #include "history/Planning.h"
 
 #include "frame/Vocabulary.h"
@@ -137,6 +138,27 @@ void Planning::forgetLockActions() {
                 return m_lockOnly.count(event.change->group) != 0;
             }))
             remark(Remark::LockStays, resources, record);
+}
+
+/// The log knows nothing of rights, and giving them back unasked would open the store to somebody
+/// who was shut out of it.
+void Planning::keepRights() {
+    const store::TableDef& users = *store::findTable(table::Users);
+    const auto records = m_records.find(&users);
+    if (records == m_records.end() || !m_store.givesRights())
+        return;
+    for (auto& [key, record] : records->second) {
+        const bool isMade = record.flag == MDX_INSERT;
+        if (!isMade && record.flag != MDX_DELETE)
+            continue;
+        const Values& values = isMade ? record.values : record.now;
+        const auto login = values.find(users.find(field::login_));
+        remark(isMade ? Remark::NoRights : Remark::RightsStay, users, record);
+        m_inverse.remarks.back().missing =
+            login == values.end() ? std::string() : store::textOf(login->second);
+        if (!isMade)
+            record.flag = 0;
+    }
 }
 
 } // namespace orvo::history

@@ -236,6 +236,8 @@ public:
     /// Gives a user who is in the table Users his login at the database. Refused by a database that
     /// has no logins.
     virtual Status loginAdd(const User& user) = 0;
+    /// Whether the database has logins, with rights that a record in the table Users does not give.
+    virtual bool givesRights() const = 0;
     /// The logins in the table Users that the database does not know; none if it has no logins.
     virtual Status missingLogins(std::vector<std::string>* logins) = 0;
 };

@@ -70,6 +70,7 @@ public:
     Status userChange(const std::string& login, const UserChange& change) final;
     Status userRemove(const std::string& login, int* unlocked) final;
     Status loginAdd(const User& user) final;
+    bool givesRights() const final { return hasLogins(); }
     Status missingLogins(std::vector<std::string>* logins) override;
 
     Status writeOut(Receiver& into) final;

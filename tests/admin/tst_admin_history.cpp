@@ -13,6 +13,7 @@ private slots:
     void whatIsLeftIsNamed();
     void eachFolderThatIsGoneGetsAPlace();
     void aTakenNameIsNamedAndAFreeOneIsOffered();
+    void aUserComesBackWithoutHisRights();
     void badUndoIsRefused();
     void theNewestComesFirst();
     void filtersLeaveWhatIsAskedFor();
@@ -137,6 +138,40 @@ void TestAdminHistory::aTakenNameIsNamedAndAFreeOneIsOffered() {
     QCOMPARE(content(), before);
     ORVO_DONE(run({"undo", deletion, "--other-names"}));
     QVERIFY(content().contains("a (2).ui"));
+}
+
+void TestAdminHistory::aUserComesBackWithoutHisRights() {
+    const auto mayWrite = [&] {
+        QByteArray found;
+        return m_kind.byHand("SELECT pg_has_role('anna_u', 'orvo_engineer', 'MEMBER');", &found) &&
+               found == "t";
+    };
+    const auto newest = [&] { return run({"history", "--limit", "1"}).out.section(' ', 0, 0); };
+    ORVO_DONE(run({"user", "add", "anna_u"}));
+    const QString made = newest();
+    const QString users = run({"user", "list"}).out;
+    ORVO_DONE(run({"user", "remove", "anna_u"}));
+    const AdminResult back = run({"undo", newest()});
+    QCOMPARE(run({"user", "list"}).out, users);
+    QCOMPARE(back.code, isPostgres() ? 1 : 0);
+    if (isPostgres()) {
+        QVERIFY2(back.out.contains("Без прав на сервере: пользователь «anna_u»: их даёт orvo-admin "
+                                   "user login anna_u"),
+                 qPrintable(back.out));
+        QVERIFY(!mayWrite());
+        ORVO_DONE(run({"user", "login", "anna_u"}));
+        QVERIFY(mayWrite());
+    }
+    // Nor does he go without them.
+    const AdminResult gone = run({"undo", made});
+    QCOMPARE(run({"user", "list"}).out, isPostgres() ? users : QString());
+    if (isPostgres()) {
+        QVERIFY2(gone.refused("Не удалено: пользователь «anna_u»: вместе с правами на сервере его "
+                              "убирает orvo-admin user remove anna_u"),
+                 qPrintable(gone.err));
+        ORVO_DONE(run({"user", "remove", "anna_u"}));
+        QVERIFY(m_kind.byHand("DROP ROLE anna_u;"));
+    }
 }
 
 void TestAdminHistory::badUndoIsRefused() {
