@@ -24,6 +24,7 @@ private slots:
     void pruningForgetsOnlyWhatIsOlder();
     void aRowDatedAheadKeepsNothingFromBeingForgotten();
     void pruningForgetsOldBytes();
+    void theTimerPrunesAsTheCommandUnderstands();
     void deletedFormsComeBackWithTheirBytes();
     void aDryRunForgetsNothing();
     void aReaderBehindThePrunedChangesNotices();
@@ -301,6 +302,25 @@ void TestAdminHistory::pruningForgetsOldBytes() {
     QVERIFY(run({"prune", "--versions-limit", "0"}).out.endsWith(": 1, забыты (байт: 2)\n"));
     ORVO_REFUSED(run({"prune", "--versions-limit", "x"}), "--versions-limit «x»");
     ORVO_REFUSED(run({"prune", "--versions-older-than", "2999-01-01"}), "ещё не наступило");
+}
+
+void TestAdminHistory::theTimerPrunesAsTheCommandUnderstands() {
+    const QString directory = qEnvironmentVariable("ORVO_SOURCE_DIR") + "/packaging/systemd/";
+    QVERIFY(AdminRun::read(directory + "orvo-prune.timer").contains("OnCalendar="));
+    const QString service = QString::fromUtf8(AdminRun::read(directory + "orvo-prune.service"));
+    const auto command = QRegularExpression("^ExecStart=/usr/bin/orvo-admin --store "
+                                            "\\$\\{ORVO_STORE\\} (.*)$",
+                                            QRegularExpression::MultilineOption)
+                             .match(service);
+    QVERIFY(command.hasMatch());
+    QVERIFY(m_kind.byHand("INSERT INTO \"Menu\" (\"KeyLink\") VALUES ('a');"));
+    QVERIFY(m_kind.byHand("UPDATE \"NciEvent\" SET \"time\" = \"time\" - 80000000.0;"));
+    QVERIFY(m_kind.byHand("INSERT INTO \"Menu\" (\"KeyLink\") VALUES ('b');"));
+    const QByteArray before = content();
+    ORVO_DONE(run(command.captured(1).split(' ')));
+    QCOMPARE(content(), before);
+    const QString history = run({"history", "--table", "Menu"}).out;
+    QCOMPARE(history.count("Создан элемент меню"), 1);
 }
 
 void TestAdminHistory::deletedFormsComeBackWithTheirBytes() {
