@@ -3,8 +3,8 @@
 // Every field gets the value that it has from the last change that still stands; so what somebody
 // else has changed since is left alone, and comes out right when he takes his change back, too.
 // Taking back an action that took others back does those again. Who has taken a form into work is
-// no edit: locks are neither taken back nor done again, and a form that another holds is left
-// alone.
+// no edit: locks are neither taken back nor done again, and of a form that another holds neither
+// the contents change nor does it go.
 //
 // A plan is made from the log and the records as they are. It is written as one action, in one
 // transaction, and only if none of its records was changed since it was made.

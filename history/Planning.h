@@ -36,7 +36,8 @@ public:
     store::Status collect();
     /// What each of them should be.
     store::Status decide();
-    /// Leaves out what is done to forms that another user has taken into work.
+    /// Leaves out deletions of forms that another user has taken into work; decideContents() what
+    /// is done to their contents.
     store::Status keepLocked();
     /// Leaves out the removal of users who would keep their rights, and tells whose are missing.
     void keepRights();

@@ -90,11 +90,11 @@ store::Status Planning::keepLocked() {
         const auto* since = std::get_if<double>(&valueAt(row, resources, field::dateTimeEdit));
         m_locked[key] = {store::textOf(row.front()), login, since ? *since : 0, false};
     }
+    // Its name and place may be changed, as in an editor; its contents are the holder's.
     for (const auto& [key, lock] : m_locked)
         if (const auto record = m_records[&resources].find(key);
-            record != m_records[&resources].end() && record->second.flag != 0) {
-            if (record->second.flag == MDX_DELETE)
-                m_kept.insert(&record->second);
+            record != m_records[&resources].end() && record->second.flag == MDX_DELETE) {
+            m_kept.insert(&record->second);
             record->second.flag = 0;
             record->second.values = {};
             remarkLocked(key);

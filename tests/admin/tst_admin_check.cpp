@@ -347,7 +347,13 @@ void TestAdminCheck::aCertainCureIsAppliedAndUndone() {
     QCOMPARE(admin.sql(look), cured);
     const QString change = admin.sql("select max(id) from NciEvent");
     QCOMPARE(admin.sql("select login from NciEvent where id = " + change), QString("admin"));
-    QCOMPARE(admin.run({"undo", change}).code, 0);
+    const AdminResult undone = admin.run({"undo", change});
+    if (look.contains("UsersKey")) { // nobody gets a lock by an undo
+        QVERIFY2(undone.err.contains("занятость отменой не меняется"), qPrintable(undone.err));
+        QCOMPARE(admin.sql(look), cured);
+        return;
+    }
+    QVERIFY2(undone.code == 0, qPrintable(undone.err));
     QCOMPARE(admin.sql(look), before);
 }
 

@@ -31,6 +31,7 @@ private slots:
     void aFormComesBackFree();
     void aFormThatAnotherHoldsIsLeftAlone_data();
     void aFormThatAnotherHoldsIsLeftAlone();
+    void theFieldsOfAFormThatAnotherHoldsGoBack();
     void theOwnLockDoesNotHinder();
     void theLockOfAUserWhoIsGoneDoesNotHinder();
     void aFolderWithAFormThatAnotherHoldsStays();
@@ -102,15 +103,13 @@ void TestHistoryLocks::aFormComesBackFree() {
 
 void TestHistoryLocks::aFormThatAnotherHoldsIsLeftAlone_data() {
     QTest::addColumn<QString>("what");
-    for (const char* what : {"a field", "its bytes", "a file more", "all of it"})
+    for (const char* what : {"its bytes", "a file more", "all of it"})
         QTest::newRow(what) << what;
 }
 
 void TestHistoryLocks::aFormThatAnotherHoldsIsLeftAlone() {
     QFETCH(QString, what);
-    if (what == "a field")
-        ORVO_OK(change(*m_anna, {{"params", "x=1"}}));
-    else if (what == "its bytes")
+    if (what == "its bytes")
         ORVO_OK(m_anna->formPut("", {{"", "a_", "second", 2.0}}));
     else if (what == "a file more")
         ORVO_OK(m_anna->formPut("", {{"", "a_", "first", 1.0}, {"", "a_.png", "more", 2.0}}));
@@ -130,6 +129,22 @@ void TestHistoryLocks::aFormThatAnotherHoldsIsLeftAlone() {
     ORVO_OK(undo(*m_anna, {action}, {}, &done));
     QCOMPARE(remarks(done), QStringList());
     QVERIFY(done.written);
+}
+
+/// As in an editor: a lock is about the contents.
+void TestHistoryLocks::theFieldsOfAFormThatAnotherHoldsGoBack() {
+    const QString before = form();
+    ORVO_OK(change(*m_anna, {{"params", "x=1"}}));
+    const int64_t action = last(*m_anna);
+    ORVO_OK(lock(*m_boris, "ub"));
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {action}, {}, &done));
+    QVERIFY(done.written);
+    QCOMPARE(remarks(done), QStringList());
+    QVERIFY(form().contains("\"ub\""));
+    ORVO_OK(lock(*m_boris, ""));
+    ORVO_OK(change(*m_boris, {{"dateTimeEdit", {}}}));
+    QCOMPARE(form(), before);
 }
 
 void TestHistoryLocks::theOwnLockDoesNotHinder() {
