@@ -9,6 +9,7 @@
 // SQL and goes with the program, unless --store names one that is there. The client is the one
 // beside this program. With DISPLAY set it shows real windows. The exit code is 1 if a budget is
 // missed.
+#include "bench/Budget.h"
 #include "bench/Timing.h"
 #include "bench/desk/Site.h"
 #include "tests/store/PostgresCluster.h"
@@ -112,7 +113,7 @@ double emptyWindow() {
     return size;
 }
 
-bool measure(const char* what, const QString& url) {
+void measure(const char* what, const QString& url) {
     QTemporaryDir directory;
     std::vector<double> starts;
     double memory = 0;
@@ -126,11 +127,10 @@ bool measure(const char* what, const QString& url) {
         memory = pss(client.process.processId());
     }
     const double above = memory - emptyWindow();
-    std::printf("%s: start %.0f ms (budget %.0f ms), memory %.1f MiB above an empty window (budget "
-                "%.0f MiB)\n",
-                what, median(starts), startBudget, above, memoryBudget);
-    std::fflush(stdout);
-    return median(starts) <= startBudget && above <= memoryBudget;
+    std::printf("%s: start %.0f ms", what, median(starts));
+    bench::judge(median(starts), bench::Bound::AtMost, startBudget, " ms");
+    std::printf("%s: memory %.1f MiB above an empty window", what, above);
+    bench::judge(above, bench::Bound::AtMost, memoryBudget, " MiB");
 }
 
 } // namespace
@@ -144,21 +144,23 @@ int main(int argc, char* argv[]) {
         window.show();
         return QApplication::exec();
     }
-    if (const int at = arguments.indexOf("--store"); at > 0)
-        return measure("store", arguments.value(at + 1)) ? 0 : 1;
+    if (const int at = arguments.indexOf("--store"); at > 0) {
+        measure("store", arguments.value(at + 1));
+        return bench::exitCode();
+    }
     bench::SiteSize size;
     if (arguments.contains("--small"))
         size.desktops = 100, size.resources = 10000;
-    bool good = true;
     if (!arguments.contains("--postgres")) {
         QTemporaryDir directory;
         const std::string path = directory.filePath("site.db").toStdString();
         bench::makeSqliteSite(path, size);
-        good = measure("SQLite", QString::fromStdString(path));
+        measure("SQLite", QString::fromStdString(path));
     }
     const auto cluster = PostgresCluster::start();
     bench::must(cluster != nullptr, "no PostgreSQL server");
     const std::string url = cluster->url("site");
     bench::makePostgresSite(url, size);
-    return measure("PostgreSQL", QString::fromStdString(url)) && good ? 0 : 1;
+    measure("PostgreSQL", QString::fromStdString(url));
+    return bench::exitCode();
 }

@@ -1,4 +1,5 @@
 #include "bench/resources/Scale.h"
+#include "bench/Budget.h"
 
 #include "bench/Timing.h"
 #include "bench/resources/Catalogue.h"
@@ -164,17 +165,19 @@ public:
     }
 
     void report(const char* what, double value, const char* unit, double budget) {
-        const bool tooMuch = budget > 0 && value > budget;
-        m_missed |= tooMuch;
         std::printf("  %-28s %9.1f %s", what, value, unit);
-        if (budget > 0)
-            std::printf("  (budget %.0f)%s", budget, tooMuch ? "  MISSED" : "");
-        std::puts("");
-        std::fflush(stdout);
+        end(budget > 0, value, budget);
     }
-    bool missed() const { return m_missed; }
 
 private:
+    static void end(bool budgeted, double figure, double budget) {
+        if (budgeted)
+            judge(figure, Bound::AtMost, budget, "");
+        else
+            std::puts("");
+        std::fflush(stdout);
+    }
+
     /// The median and the worst of several, in processor time.
     void each(const char* what, double budget, int times, const std::function<void()>& work) {
         std::vector<double> costs;
@@ -182,11 +185,8 @@ private:
             costs.push_back(processorMicroseconds(work));
         const double worst = *std::max_element(costs.begin(), costs.end());
         const double cost = median(costs);
-        const bool tooMuch = cost > budget;
-        m_missed |= tooMuch;
-        std::printf("  %-28s %9.2f ms, worst %8.2f ms  (budget %.0f)%s\n", what, cost / 1000,
-                    worst / 1000, budget / 1000, tooMuch ? "  MISSED" : "");
-        std::fflush(stdout);
+        std::printf("  %-28s %9.2f ms, worst %8.2f ms", what, cost / 1000, worst / 1000);
+        judge(cost / 1000, Bound::AtMost, budget / 1000, " ms");
     }
 
     void choose(const char* what, const std::function<QByteArray()>& key) {
@@ -218,19 +218,13 @@ private:
             QCoreApplication::processEvents();
         }
         const double cost = median(burst);
-        const bool tooMuch = budgeted && cost > mergeBudget;
-        m_missed |= tooMuch;
         std::printf("  %-28s %9.1f us, alone %9.1f us", what, cost, median(alone));
-        if (budgeted)
-            std::printf("  (budget %.0f)%s", mergeBudget, tooMuch ? "  MISSED" : "");
-        std::puts("");
-        std::fflush(stdout);
+        end(budgeted, cost, mergeBudget);
     }
 
     ResProbe& m_editor;
     Catalogue& m_catalogue;
     QTreeView& m_tree;
-    bool m_missed = false;
     int m_made = 0;
 };
 
@@ -284,7 +278,7 @@ bool measureScale(int rows) {
     scale.merging(false);
     scale.closing();
     scale.report("memory at the end, the most", memory("VmHWM:"), "MiB", 0);
-    return !scale.missed() && host.failures.isEmpty() && host.logLines.isEmpty();
+    return !isMissed() && host.failures.isEmpty() && host.logLines.isEmpty();
 }
 
 } // namespace orvo::bench

@@ -8,6 +8,7 @@
 // The second, in a process of its own too: a catalogue of N (100000) resources in a real store and
 // a real window. Its start and memory; notifications merged, in bursts and alone; a row chosen, up
 // to its passport; frames of scrolling (all these in processor time); folders opened.
+#include "bench/Budget.h"
 #include "bench/resources/Scale.h"
 #include "tests/resources/ResProbe.h"
 
@@ -40,8 +41,6 @@ double peakMiB() {
     return static_cast<double>(usage.ru_maxrss) / 1024;
 }
 
-bool missed = false;
-
 /// Runs the work in a child and reports its peak above what stood there before the work.
 void measure(const char* what, double size, double budget,
              const std::function<void(double& before)>& work) {
@@ -53,17 +52,14 @@ void measure(const char* what, double size, double budget,
         timer.start();
         work(before);
         const double ratio = (peakMiB() - before) / size;
-        const bool ok = ratio <= budget;
-        std::printf(
-            "  %-28s %6.0f MiB above %3.0f, %5.2fx the size   budget <= %.1fx   %s   %5.1f s\n",
-            what, peakMiB() - before, before, ratio, budget, ok ? "met" : "MISSED",
-            static_cast<double>(timer.elapsed()) / 1000);
-        std::fflush(stdout);
-        _exit(ok ? 0 : 1);
+        std::printf("  %-28s %5.1f s, %6.0f MiB above %3.0f, %5.2fx the size", what,
+                    static_cast<double>(timer.elapsed()) / 1000, peakMiB() - before, before, ratio);
+        orvo::bench::judge(ratio, orvo::bench::Bound::AtMost, budget, "x");
+        _exit(orvo::bench::exitCode());
     }
     int status = 0;
     waitpid(child, &status, 0);
-    missed = missed || status != 0;
+    orvo::bench::isMissed() |= status != 0;
 }
 
 void writeFile(const QString& path, int mib) {
@@ -151,6 +147,6 @@ int main(int argc, char** argv) {
     if (!rowsAsked)
         measureFiles(mib);
     if (argc != 2 && !scaleInChild(rows))
-        missed = true;
-    return missed ? 1 : 0;
+        orvo::bench::isMissed() = true;
+    return orvo::bench::exitCode();
 }

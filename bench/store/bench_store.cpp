@@ -7,6 +7,7 @@
 //     reach the disk. Medians of seven rounds of a fifth of a second each, in turns.
 //  3. A stored file of 200 MiB in and out: the peak of the memory beside the file's own size.
 #include "Support.h"
+#include "bench/Budget.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -44,8 +45,9 @@ void benchFetch(const QString& directory, int records) {
     }
     std::printf("write of %d records through update(): %.0f records/s\n", records,
                 records / filled);
-    std::printf("fetch of %d x 9: store %.3f s, Qt SQL driver %.3f s: %.2fx  (budget >= 2x)\n",
-                records, median(own), median(peer), median(peer) / median(own));
+    std::printf("fetch of %d x 9: store %.3f s, Qt SQL driver %.3f s: %.2fx", records, median(own),
+                median(peer), median(peer) / median(own));
+    judge(median(peer) / median(own), Bound::AtLeast, 2, "x");
 }
 
 void benchWrites(const QString& directory) {
@@ -78,8 +80,9 @@ void benchWrites(const QString& directory) {
     }
     ::close(fd);
     std::printf("durable single-record updates: store %.0f/s, overwrite and fdatasync %.0f/s: "
-                "%.0f %%  (budget >= 60 %%)\n",
+                "%.0f %%",
                 median(own), median(peer), 100 * median(own) / median(peer));
+    judge(100 * median(own) / median(peer), Bound::AtLeast, 60, " %");
 }
 
 } // namespace
@@ -96,5 +99,5 @@ int main(int argc, char** argv) {
     benchLargeFile([&] { return openStore(large); });
     benchWrites(directory.path());
     benchFetch(directory.path(), records);
-    return 0;
+    return exitCode();
 }
