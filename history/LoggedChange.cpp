@@ -6,6 +6,7 @@
 #include "platform/store/Names.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace orvo::history {
 
@@ -23,13 +24,21 @@ void classify(LoggedChange& read) {
         const store::Value* was = valueIn(table, read.before, name);
         return now && (!was || !(*now == *was));
     };
+    const auto keyIn = [&](const Values& values, const char* name) {
+        const store::Value* key = valueIn(table, values, name);
+        return key ? store::textOf(*key) : std::string();
+    };
     for (const store::ParentField& parent : store::parentFields(table))
         if (changes(parent.field)) {
             read.deed = Deed::Moved;
             read.above = store::findTable(parent.table);
-            const store::Value* was = valueIn(table, read.before, parent.field);
-            read.from = was ? store::textOf(*was) : std::string();
-            read.to = store::textOf(*valueIn(table, read.after, parent.field));
+            read.from = keyIn(read.before, parent.field);
+            read.to = keyIn(read.after, parent.field);
+            const bool isElement = std::strcmp(parent.field, field::parent) == 0;
+            if (isElement && changes(field::FolderKey)) {
+                read.topFrom = keyIn(read.before, field::FolderKey);
+                read.topTo = keyIn(read.after, field::FolderKey);
+            }
             return;
         }
     if (changes(field::caption) ||
@@ -116,12 +125,17 @@ LoggedChange movedBy(const LoggedChange& made, const LoggedChange& gone) {
 }
 
 QString fromTo(const LoggedChange& read, RecordSource& source) {
-    const QString top = QStringLiteral("верхнего уровня");
+    const store::TableDef* desktops = store::findTable(table::MenuFolder);
+    const auto top = [&](const QString& words, const std::string& desktop) {
+        const QString name = nameOfKey(desktops, desktop, source);
+        return name.isEmpty() ? words : words + QLatin1Char(' ') + name;
+    };
     const QString from = nameOfKey(read.above, read.from, source);
     const QString to = nameOfKey(read.above, read.to, source);
     return QStringLiteral(" из %1 %2")
-        .arg(from.isEmpty() ? top : from,
-             to.isEmpty() ? QStringLiteral("на верхний уровень") : QStringLiteral("в %1").arg(to));
+        .arg(from.isEmpty() ? top(QStringLiteral("верхнего уровня"), read.topFrom) : from,
+             to.isEmpty() ? top(QStringLiteral("на верхний уровень"), read.topTo)
+                          : QStringLiteral("в %1").arg(to));
 }
 
 QString sentence(const LoggedChange& read, RecordSource& source) {

@@ -20,6 +20,7 @@ struct LoggedChange {
     Deed deed = Deed::Changed;
     std::string from, to;                   ///< Moved: keys of the parents
     const store::TableDef* above = nullptr; ///< Moved: their table
+    std::string topFrom, topTo;             ///< Moved: keys of the desktops, if they differ
 };
 
 /// The change outlives what is made of it.
@@ -35,7 +36,8 @@ bool isPlacedBelow(const LoggedChange& read, const LoggedChange& above);
 std::vector<std::pair<const store::TableDef*, std::string>> placesOf(const LoggedChange& read);
 /// A cut writes anew what it takes away: both changes as the move that was meant.
 LoggedChange movedBy(const LoggedChange& made, const LoggedChange& gone);
-/// " из «Агрегаты» в «Крановая обвязка»"; what has no name is the top.
+/// " из «Агрегаты» в «Крановая обвязка»"; what has no name is the top, of the desktop that it
+/// names if that is another one.
 QString fromTo(const LoggedChange& read, RecordSource& source);
 /// "Переименован рабочий стол «КС-3»: было «КС-2»".
 QString sentence(const LoggedChange& read, RecordSource& source);

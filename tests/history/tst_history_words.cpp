@@ -117,6 +117,18 @@ void TestHistoryWords::movesTellFromWhereToWhere() {
     ORVO_OK(Batch("Menu").update("1", {{"parent", ""}}).send(*m_anna));
     QCOMPARE(words(last(*m_anna)),
              QString("Перемещён элемент меню «ГПА 1» из «Крановая обвязка» на верхний уровень"));
+    ORVO_OK(Batch("MenuFolder")
+                .insert("s", {{"caption", "Станция"}})
+                .insert("n", {{"caption", "Насосная"}})
+                .send(*m_anna));
+    ORVO_OK(Batch("Menu").update("1", {{"parent", "k"}, {"FolderKey", "s"}}).send(*m_anna));
+    ORVO_OK(Batch("Menu").update("1", {{"parent", ""}, {"FolderKey", "n"}}).send(*m_anna));
+    QCOMPARE(words(last(*m_anna)),
+             QString("Перемещён элемент меню «ГПА 1» из «Крановая обвязка» на верхний уровень "
+                     "«Насосная»"));
+    ORVO_OK(Batch("Menu").update("1", {{"parent", "k"}, {"FolderKey", "s"}}).send(*m_anna));
+    QCOMPARE(words(last(*m_anna)), QString("Перемещён элемент меню «ГПА 1» из верхнего уровня "
+                                           "«Насосная» в «Крановая обвязка»"));
 }
 
 void TestHistoryWords::aCutIsAMove() {
