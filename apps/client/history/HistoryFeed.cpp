@@ -396,8 +396,7 @@ void HistoryFeed::newerCame(uint64_t round, const store::Status& status, const P
         m_refreshSoon.start();
 }
 
-// Texts of a row, and below it
-// ------------------------------------------------------------------------------------
+// Texts of a row, and below it -------------------------------------------------------------------
 
 void HistoryFeed::texts(const std::vector<int64_t>& groups) {
     auto page = std::make_shared<Page>();
