@@ -1,6 +1,8 @@
 // Who changed what, and how the log forgets.
 #include "AdminTest.h"
 
+#include <QRegularExpression>
+
 class TestAdminHistory : public AdminTest {
     Q_OBJECT
 public:
@@ -89,8 +91,20 @@ void TestAdminHistory::anActionIsTakenBack() {
     QVERIFY(
         run({"history", "--limit", "1"}).out.contains("  admin  Отмена: переименованы 2 элемента"));
     ORVO_REFUSED(run({"undo", number}), "Действие " + number + " уже отменено");
+    const auto told = [&] {
+        return run({"history"}).lines().filter(QRegularExpression('^' + number + ' ')).value(0);
+    };
+    const auto newest = [&] {
+        const AdminResult all = run({"history", "--json", "--table", "Menu", "--key", "a"});
+        return QJsonDocument::fromJson(all.lines().value(1).toUtf8()).object();
+    };
+    QVERIFY2(told().endsWith("Переименованы 2 элемента меню: «Я», «Я» [отменено]"),
+             qPrintable(told()));
+    QCOMPARE(newest()["action"].toString(), QString("Переименованы 2 элемента меню: «Я», «Я»"));
+    QVERIFY(newest()["undone"].toBool());
     ORVO_DONE(run({"undo", run({"history", "--limit", "1"}).out.section(' ', 0, 0)}));
     QCOMPARE(content(), changed);
+    QVERIFY2(told().endsWith("«Я», «Я»"), qPrintable(told()));
 }
 
 void TestAdminHistory::whatIsLeftIsNamed() {

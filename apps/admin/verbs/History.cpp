@@ -5,12 +5,16 @@
 #include "apps/admin/Verb.h"
 #include "frame/Vocabulary.h"
 #include "history/GroupWords.h"
+#include "history/Standing.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
 #include <algorithm>
+#include <map>
+#include <set>
+#include <utility>
 
 namespace orvo::admin {
 
@@ -91,13 +95,22 @@ void printFields(const std::vector<history::FieldWords>& fields, const char* ind
     }
 }
 
+/// Which of these actions have been taken back.
+std::set<int64_t> undoneOf(store::MaintainedStore& store, const std::vector<int64_t>& groups) {
+    history::Standing standing;
+    if (!groups.empty())
+        require(standing.read(store, groups), "история не прочитана");
+    return standing.undone();
+}
+
 /// The number by which undo knows it, when, who, what, where; below it its changes.
-void print(const history::Group& group, history::RecordSource& source) {
+void print(const history::Group& group, bool isUndone, history::RecordSource& source) {
     constexpr size_t mostChanges = 20;
     const history::GroupWords words = history::describe(group, source);
     const std::string time = shownMoment(group.time);
     out(std::to_string(group.id) + "  " + (time.empty() ? "?" : time) + "  " +
         (group.login.empty() ? "(вручную)" : cell(group.login)) + "  " + line(words.what) +
+        (isUndone ? " [отменено]" : "") +
         (words.place.isEmpty() ? std::string() : "  (" + line(words.place) + ")"));
     if (group.changes.size() == 1) {
         printFields(history::describe(group.changes.front(), source).fields, "    ");
@@ -113,7 +126,34 @@ void print(const history::Group& group, history::RecordSource& source) {
         out("    ... и ещё " + std::to_string(group.count - static_cast<int64_t>(mostChanges)));
 }
 
-void printJson(const store::Change& change, history::RecordSource& source) {
+/// What the actions of a page of changes did, and whether they stand.
+class Actions {
+public:
+    Actions(store::MaintainedStore& store, const std::vector<store::Change>& page) {
+        history::LoggedRecords source(store);
+        std::vector<int64_t> groups;
+        for (const store::Change& change : page) {
+            const auto [known, isNew] = m_words.try_emplace(change.group);
+            if (!isNew)
+                continue;
+            groups.push_back(change.group);
+            history::Group group;
+            require(history::readGroup(store, change.group, &group, history::Group::mostChanges),
+                    "история не прочитана");
+            source.prepare(group.changes);
+            known->second = history::describe(group, source).what;
+        }
+        m_undone = undoneOf(store, groups);
+    }
+    QString words(int64_t group) const { return m_words.at(group); }
+    bool isUndone(int64_t group) const { return m_undone.count(group) != 0; }
+
+private:
+    std::map<int64_t, QString> m_words;
+    std::set<int64_t> m_undone;
+};
+
+void printJson(const store::Change& change, const Actions& actions, history::RecordSource& source) {
     QJsonObject object;
     object["id"] = static_cast<double>(change.id);
     object["time"] = change.time;
@@ -129,6 +169,9 @@ void printJson(const store::Change& change, history::RecordSource& source) {
         undoes.append(static_cast<double>(group));
     if (!undoes.isEmpty())
         object["undoes"] = undoes;
+    object["action"] = actions.words(change.group);
+    if (actions.isUndone(change.group))
+        object["undone"] = true;
     object["words"] = history::describe(change, source).what;
     object["before"] = parsed(change.before);
     object["after"] = parsed(change.after);
@@ -169,8 +212,9 @@ int run(const Invocation& call) {
                 "история не прочитана");
             history::LoggedRecords source(*store);
             source.prepare(page);
+            const Actions actions(*store, page);
             for (const store::Change& change : page)
-                printJson(change, source);
+                printJson(change, actions, source);
             left -= static_cast<int64_t>(page.size());
         }
         return Done;
@@ -181,10 +225,14 @@ int run(const Invocation& call) {
         require(reader.next(static_cast<size_t>(std::min<int64_t>(left, groupsAtOnce)), &page),
                 "история не прочитана");
         history::LoggedRecords source(*store);
-        for (const history::Group& group : page)
+        std::vector<int64_t> groups;
+        for (const history::Group& group : page) {
             source.prepare(group.changes);
+            groups.push_back(group.id);
+        }
+        const std::set<int64_t> undone = undoneOf(*store, groups);
         for (const history::Group& group : page)
-            print(group, source);
+            print(group, undone.count(group.id) != 0, source);
         left -= static_cast<int64_t>(page.size());
     }
     return Done;
@@ -200,7 +248,9 @@ const Verb historyVerb = {
     "Действия идут от новых к старым. У каждого строка: номер, время, вход, что сделано, где; под\n"
     "ней с отступом изменения и поля: было -> стало. Номер берёт undo. «(вручную)» - изменено "
     "мимо\n"
-    "программ Orvo в базе, которая не знает входов. Показывается то, что помнит журнал изменений.",
+    "программ Orvo в базе, которая не знает входов; «[отменено]» - действие отменено. С --json "
+    "идут\n"
+    "изменения, у каждого слова его действия. Показывается то, что помнит журнал изменений.",
     0,
     0,
     historyOptions,
