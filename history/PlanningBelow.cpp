@@ -79,6 +79,7 @@ store::Status Planning::lookBelow(const store::TableDef& table, const Link& link
     if (!status.ok() || kept.empty())
         return status;
     std::vector<std::string> keys;
+    keys.reserve(kept.size());
     for (const auto& [record, child] : kept)
         keys.push_back(child);
     std::vector<store::Change> changes;

@@ -117,7 +117,7 @@ Status PostgresStore::selectChanges(const ChangeQuery& query, std::vector<Change
 
 Status PostgresStore::countChanges(int64_t group, std::vector<ChangeCount>* counts) {
     return guarded([&]() -> Status {
-        const Status status = ready();
+        Status status = ready();
         if (!status.ok())
             return status;
         const Connection::NoTimeoutScope noTimeout(m_connection); // a large group
@@ -126,6 +126,7 @@ Status PostgresStore::countChanges(int64_t group, std::vector<ChangeCount>* coun
         if (!succeeded(result.get()))
             return m_connection.failure(logName, result.get());
         std::vector<ChangeCount> found;
+        found.reserve(static_cast<size_t>(PQntuples(result.get())));
         for (int i = 0; i < PQntuples(result.get()); ++i)
             found.push_back({std::string(textAt(result.get(), i, 0)),
                              static_cast<int>(integerAt(result.get(), i, 1)),

@@ -68,7 +68,7 @@ Status PostgresStore::start() {
 Status PostgresStore::connect() {
     if (!m_connection.usable()) {
         m_session.clear();
-        const Status status = m_connection.open(m_url);
+        Status status = m_connection.open(m_url);
         if (!status.ok())
             return status;
     }
@@ -96,7 +96,7 @@ Status PostgresStore::ready() {
 
 Status PostgresStore::identity(std::string* identity) {
     return guarded([&]() -> Status {
-        const Status status = ready();
+        Status status = ready();
         if (!status.ok())
             return status;
         const char what[] = "Хранилище";
@@ -112,7 +112,7 @@ Status PostgresStore::identity(std::string* identity) {
 // Tables -----------------------------------------------------------------------------------------
 
 Status PostgresStore::fetchAll(const TableDef& table, MDArray* into) {
-    const Status status = ready();
+    Status status = ready();
     if (!status.ok())
         return status;
     Status read = records(table, into, [&](mdx::RecordWriter& writer) {
@@ -128,7 +128,7 @@ Status PostgresStore::fetchAll(const TableDef& table, MDArray* into) {
 
 Status PostgresStore::fetchMatching(const TableDef& table, const FieldDef& field, TextMatch match,
                                     std::string_view value, MDArray* into) {
-    const Status status = ready();
+    Status status = ready();
     if (!status.ok())
         return status;
     // The folded comparison finds by the index, the other is exact.
@@ -154,7 +154,7 @@ Status PostgresStore::fetchMatching(const TableDef& table, const FieldDef& field
 Status PostgresStore::rows(const TableDef& table, const std::vector<int>& fields,
                            const std::string& sql, const Parameters& parameters,
                            const EachRow& each) {
-    const Status status = drainPipeline(); // what was sent before has to show
+    Status status = drainPipeline(); // what was sent before has to show
     if (!status.ok())
         return status;
     const Result result = m_connection.query(sql, parameters);

@@ -86,7 +86,7 @@ struct ProblemsFeed::Plan : private store::WaitPolicy {
     }
     store::Status write(store::MaintainedStore& store) {
         const store::WaitPolicyScope scope(this);
-        const store::Status status = store.writeAll(std::exchange(batch, {}).parts(), seen, {});
+        store::Status status = store.writeAll(std::exchange(batch, {}).parts(), seen, {});
         isWritten = status.ok();
         return status;
     }
