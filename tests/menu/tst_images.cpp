@@ -4,16 +4,6 @@
 #include <QLibrary>
 #include <QTest>
 
-class TestImages : public QObject {
-    Q_OBJECT
-private slots:
-    void theCollectionsComeWithTheLibrary();
-    void everyImageHasItsSizes_data();
-    void everyImageHasItsSizes();
-    void thePrintCollectionHasItsImage();
-    void treeLinesTileFromRowToRow();
-};
-
 namespace {
 
 const char* const names[] = {
@@ -72,56 +62,58 @@ int visiblePixels(const QImage& image) {
 
 } // namespace
 
-void TestImages::theCollectionsComeWithTheLibrary() {
-    QVERIFY(!QFile::exists(":/res/up1.png"));
-    QLibrary library(qEnvironmentVariable("ORVO_MODULE_DIR") + "/libOrvoMenu.so");
-    QVERIFY2(library.load(), qPrintable(library.errorString()));
-    QVERIFY(QFile::exists(":/res/up1.png"));
-    QVERIFY(QFile::exists(":/color.png"));
-}
-
-void TestImages::everyImageHasItsSizes_data() {
-    QTest::addColumn<QString>("name");
-    for (const char* name : names)
-        QTest::newRow(name) << QString(name);
-    QCOMPARE(int(std::size(names)), 39);
-}
-
-void TestImages::everyImageHasItsSizes() {
-    QFETCH(QString, name);
-    const QImage image = load(":/res/" + name + ".png");
-    QCOMPARE(image.size(), QSize(16, 16));
-    QVERIFY(visiblePixels(image) >= 8);
-    const QImage twice = load(":/res/" + name + "@2x.png");
-    QCOMPARE(twice.size(), QSize(32, 32));
-    QVERIFY(visiblePixels(twice) >= 32);
-}
-
-void TestImages::thePrintCollectionHasItsImage() {
-    QCOMPARE(load(":/color.png").size(), QSize(48, 48));
-}
-
-// The vertical line must leave a row where it enters the next.
-void TestImages::treeLinesTileFromRowToRow() {
-    const auto lineAt = [](const char* name, int y) {
-        QList<int> columns;
-        const QImage image = load(QString(":/res/%1.png").arg(name));
-        for (int x = 0; x < 16; ++x)
-            if (qAlpha(image.pixel(x, y)) > 127)
-                columns << x;
-        return columns;
-    };
-    const QList<int> line = lineAt("vline", 0);
-    QCOMPARE(line.size(), 1);
-    for (const char* through : {"vline", "branch_more", "node_branch_close", "node_branch_open"}) {
-        QCOMPARE(lineAt(through, 0), line);
-        QCOMPARE(lineAt(through, 15), line);
+class TestImages : public QObject {
+    Q_OBJECT
+private slots:
+    void theCollectionsComeWithTheLibrary() {
+        QVERIFY(!QFile::exists(":/res/up1.png"));
+        QLibrary library(qEnvironmentVariable("ORVO_MODULE_DIR") + "/libOrvoMenu.so");
+        QVERIFY2(library.load(), qPrintable(library.errorString()));
+        QVERIFY(QFile::exists(":/res/up1.png"));
+        QVERIFY(QFile::exists(":/color.png"));
     }
-    for (const char* last : {"branch_end", "node_branch_close1", "node_branch_open1"}) {
-        QCOMPARE(lineAt(last, 0), line);
-        QCOMPARE(lineAt(last, 15), QList<int>());
+
+    void everyImageHasItsSizes_data() {
+        QTest::addColumn<QString>("name");
+        for (const char* name : names)
+            QTest::newRow(name) << QString(name);
+        QCOMPARE(int(std::size(names)), 39);
     }
-}
+
+    void everyImageHasItsSizes() {
+        QFETCH(QString, name);
+        const QImage image = load(":/res/" + name + ".png");
+        QCOMPARE(image.size(), QSize(16, 16));
+        QVERIFY(visiblePixels(image) >= 8);
+        const QImage twice = load(":/res/" + name + "@2x.png");
+        QCOMPARE(twice.size(), QSize(32, 32));
+        QVERIFY(visiblePixels(twice) >= 32);
+    }
+    void thePrintCollectionHasItsImage() { QCOMPARE(load(":/color.png").size(), QSize(48, 48)); }
+
+    // The vertical line must leave a row where it enters the next.
+    void treeLinesTileFromRowToRow() {
+        const auto lineAt = [](const char* name, int y) {
+            QList<int> columns;
+            const QImage image = load(QString(":/res/%1.png").arg(name));
+            for (int x = 0; x < 16; ++x)
+                if (qAlpha(image.pixel(x, y)) > 127)
+                    columns << x;
+            return columns;
+        };
+        const QList<int> line = lineAt("vline", 0);
+        QCOMPARE(line.size(), 1);
+        for (const char* through :
+             {"vline", "branch_more", "node_branch_close", "node_branch_open"}) {
+            QCOMPARE(lineAt(through, 0), line);
+            QCOMPARE(lineAt(through, 15), line);
+        }
+        for (const char* last : {"branch_end", "node_branch_close1", "node_branch_open1"}) {
+            QCOMPARE(lineAt(last, 0), line);
+            QCOMPARE(lineAt(last, 15), QList<int>());
+        }
+    }
+};
 
 QTEST_GUILESS_MAIN(TestImages)
 #include "tst_images.moc"

@@ -147,200 +147,190 @@ void manyDesktops(TestStore& store) {
 class TestMenuBurst : public QObject {
     Q_OBJECT
 private slots:
-    void initTestCase();
-    void aBurstLeavesTheWindowAnswering_data();
-    void aBurstLeavesTheWindowAnswering();
-    void nothingComesInsideASlot();
-    void nothingComesWhileAContextMenuIsOpen_data();
-    void nothingComesWhileAContextMenuIsOpen();
-    void nothingComesWhileADialogIsUp();
-    void nothingComesWhileAnElementIsDragged();
+    /// The plug-in of the display stays loaded to the end, so that the leak checker can name what
+    /// its libraries keep.
+    void initTestCase() {
+        QLibrary plugin(QLibraryInfo::location(QLibraryInfo::PluginsPath) + "/platforms/libq" +
+                        QGuiApplication::platformName());
+        plugin.setLoadHints(QLibrary::PreventUnloadHint);
+        QVERIFY2(plugin.load(), qPrintable(plugin.errorString()));
+    }
+
+    void aBurstLeavesTheWindowAnswering_data() {
+        QTest::addColumn<int>("fill");
+        QTest::addColumn<QString>("sql");
+        QTest::addColumn<QByteArray>("tree");
+        QTest::newRow("elements inserted") << 0 << insertElements() << QByteArray("tvMenu");
+        QTest::newRow("elements changed")
+            << 1
+            << QString("UPDATE \"Menu\" SET \"caption\" = 'Новый ' || \"KeyLink\" "
+                       "WHERE \"KeyLink\" LIKE 'n%'")
+            << QByteArray("tvMenu");
+        QTest::newRow("elements deleted")
+            << 1 << QString("DELETE FROM \"Menu\" WHERE \"KeyLink\" LIKE 'n%'")
+            << QByteArray("tvMenu");
+        QTest::newRow("desktops changed")
+            << 2
+            << QString("UPDATE \"MenuFolder\" SET \"caption\" = \"caption\" "
+                       "WHERE \"KeyLink\" LIKE 'd%'")
+            << QByteArray("tvDesck");
+    }
+
+    void aBurstLeavesTheWindowAnswering() {
+        QFETCH(int, fill);
+        QFETCH(QString, sql);
+        QFETCH(QByteArray, tree);
+        static constexpr Client::Fill fills[] = {manyFolders, manyElements, manyDesktops};
+        Client client(fills[fill]);
+        client.view("tvMenu")->setCurrentIndex(client.editor->element("calc"));
+        client.settle();
+
+        int told = 0;
+        connect(client.pump.get(), &NotificationPump::changed, this, [&] { ++told; });
+        client.store.sql(sql.toUtf8().constData());
+
+        PaintCount paints(client.view(tree)->viewport());
+        QTimer beat;
+        QElapsedTimer sinceBeat;
+        QElapsedTimer total;
+        qint64 longest = 0;
+        double longestWork = 0;
+        double lastWork = processorMs();
+        connect(&beat, &QTimer::timeout, this, [&] {
+            longest = qMax(longest, sinceBeat.restart());
+            const double now = processorMs();
+            longestWork = qMax(longestWork, now - lastWork);
+            lastWork = now;
+        });
+        inMainLoop([] {});
+        QEventLoop loop; // the bare loop of the application
+        QTimer end;
+        connect(&end, &QTimer::timeout, this, [&] {
+            if (told == burst && client.pump->isIdle())
+                loop.quit();
+            if (total.elapsed() > 250000)
+                loop.exit(1);
+        });
+        total.start();
+        sinceBeat.start();
+        beat.start(beatMs);
+        end.start(1);
+        QCOMPARE(loop.exec(), 0);
+        const qint64 elapsed = total.elapsed();
+        qInfo("%d notifications in %lld ms; longest wait for a timer of %d ms: %lld ms, %.0f ms of "
+              "work; "
+              "%d paints in %lld frames",
+              told, elapsed, beatMs, longest, longestWork, paints.count, elapsed / frameMs);
+
+        // One paint may be due from before, and one after the last frame.
+        QVERIFY2(paints.count <= elapsed / frameMs + 2, qPrintable(QString::number(paints.count)));
+        QVERIFY(paints.count > 0);
+        QVERIFY2(longestWork < 100, qPrintable(QString::number(longestWork)));
+        // Everything has arrived.
+        if (tree == "tvDesck")
+            return;
+        const QModelIndex last = client.editor->element("n9999");
+        const QString state = !last.isValid() ? QString("gone") : last.data().toString();
+        QCOMPARE(state, sql.startsWith("DELETE")   ? QString("gone")
+                        : sql.startsWith("UPDATE") ? QString("Новый n9999")
+                                                   : QString("Насос 9999"));
+    }
+
+    void nothingComesInsideASlot() {
+        Client client;
+        holdsBack(client, [](const std::function<void()>& look) {
+            QEventLoop loop; // a slot that waits for something in a loop of its own
+            QTimer::singleShot(0, &loop, [&] {
+                look();
+                loop.quit();
+            });
+            loop.exec();
+        });
+    }
+
+    void nothingComesWhileAContextMenuIsOpen_data() {
+        QTest::addColumn<QByteArray>("tree");
+        QTest::newRow("desktops") << QByteArray("tvDesck");
+        QTest::newRow("elements") << QByteArray("tvMenu");
+    }
+
+    void nothingComesWhileAContextMenuIsOpen() {
+        QFETCH(QByteArray, tree);
+        Client client;
+        holdsBack(client, [&](const std::function<void()>& look) {
+            QTimer::singleShot(0, client.editor, [&] {
+                QWidget* menu = QApplication::activePopupWidget();
+                QVERIFY(menu);
+                look();
+                menu->close();
+            });
+            emit client.view(tree)->customContextMenuRequested(QPoint(5, 5));
+        });
+    }
+
+    void nothingComesWhileADialogIsUp() {
+        Client client;
+        holdsBack(client, [&](const std::function<void()>& look) {
+            QDialog dialog(client.editor);
+            QTimer::singleShot(0, &dialog, [&] {
+                look();
+                dialog.reject();
+            });
+            dialog.exec();
+        });
+    }
+
+    void nothingComesWhileAnElementIsDragged() {
+        Client client;
+        QTreeView* view = client.view("tvMenu");
+        QWidget* viewport = view->viewport();
+        const QPoint from = view->visualRect(client.editor->element("calc")).center();
+        const auto mouse = [&](QEvent::Type type, const QPoint& at, Qt::MouseButton button) {
+            QMouseEvent event(type, at, viewport->mapToGlobal(at), button, Qt::LeftButton,
+                              Qt::NoModifier);
+            QCoreApplication::sendEvent(viewport, &event);
+        };
+        holdsBack(client, [&](const std::function<void()>& look) {
+            bool dragging = false;
+            QTimer::singleShot(0, client.editor, [&] {
+                dragging = true;
+                look();
+                QTest::keyClick(client.editor, Qt::Key_Escape); // gives the drag up
+            });
+            mouse(QEvent::MouseButtonPress, from, Qt::LeftButton);
+            // Returns when the drag has ended.
+            for (int step = 1; step < 4 && !dragging; ++step)
+                mouse(QEvent::MouseMove, from + QPoint(0, step * QApplication::startDragDistance()),
+                      Qt::NoButton);
+            QVERIFY(dragging);
+            mouse(QEvent::MouseButtonRelease, from, Qt::LeftButton);
+        });
+        QCOMPARE(client.host.writes().calls.size(), 0);
+    }
 
 private:
     /// Changes an element in the store, looks that the window keeps the old caption while
     /// `occupied` lasts, and that the new one comes after it.
-    void holdsBack(Client& client, const std::function<void(const std::function<void()>&)>& occupy);
+    void holdsBack(Client& client,
+                   const std::function<void(const std::function<void()>&)>& occupy) {
+        bool looked = false;
+        inMainLoop([&] {
+            occupy([&] {
+                looked = true;
+                client.rename("shema", "Новая");
+                // Long enough for everything that looks again.
+                QElapsedTimer clock;
+                clock.start();
+                while (clock.elapsed() < 200)
+                    QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+                QCOMPARE(client.caption("shema"), QVariant("Схема"));
+                QVERIFY(!client.pump->isIdle());
+            });
+        });
+        QVERIFY(looked);
+        QTRY_COMPARE(client.caption("shema"), QVariant("Новая"));
+    }
 };
-
-/// The plug-in of the display stays loaded to the end, so that the leak checker can name what its
-/// libraries keep.
-void TestMenuBurst::initTestCase() {
-    QLibrary plugin(QLibraryInfo::location(QLibraryInfo::PluginsPath) + "/platforms/libq" +
-                    QGuiApplication::platformName());
-    plugin.setLoadHints(QLibrary::PreventUnloadHint);
-    QVERIFY2(plugin.load(), qPrintable(plugin.errorString()));
-}
-
-void TestMenuBurst::aBurstLeavesTheWindowAnswering_data() {
-    QTest::addColumn<int>("fill");
-    QTest::addColumn<QString>("sql");
-    QTest::addColumn<QByteArray>("tree");
-    QTest::newRow("elements inserted") << 0 << insertElements() << QByteArray("tvMenu");
-    QTest::newRow("elements changed")
-        << 1
-        << QString("UPDATE \"Menu\" SET \"caption\" = 'Новый ' || \"KeyLink\" "
-                   "WHERE \"KeyLink\" LIKE 'n%'")
-        << QByteArray("tvMenu");
-    QTest::newRow("elements deleted")
-        << 1 << QString("DELETE FROM \"Menu\" WHERE \"KeyLink\" LIKE 'n%'") << QByteArray("tvMenu");
-    QTest::newRow("desktops changed")
-        << 2
-        << QString("UPDATE \"MenuFolder\" SET \"caption\" = \"caption\" "
-                   "WHERE \"KeyLink\" LIKE 'd%'")
-        << QByteArray("tvDesck");
-}
-
-void TestMenuBurst::aBurstLeavesTheWindowAnswering() {
-    QFETCH(int, fill);
-    QFETCH(QString, sql);
-    QFETCH(QByteArray, tree);
-    static constexpr Client::Fill fills[] = {manyFolders, manyElements, manyDesktops};
-    Client client(fills[fill]);
-    client.view("tvMenu")->setCurrentIndex(client.editor->element("calc"));
-    client.settle();
-
-    int told = 0;
-    connect(client.pump.get(), &NotificationPump::changed, this, [&] { ++told; });
-    client.store.sql(sql.toUtf8().constData());
-
-    PaintCount paints(client.view(tree)->viewport());
-    QTimer beat;
-    QElapsedTimer sinceBeat;
-    QElapsedTimer total;
-    qint64 longest = 0;
-    double longestWork = 0;
-    double lastWork = processorMs();
-    connect(&beat, &QTimer::timeout, this, [&] {
-        longest = qMax(longest, sinceBeat.restart());
-        const double now = processorMs();
-        longestWork = qMax(longestWork, now - lastWork);
-        lastWork = now;
-    });
-    inMainLoop([] {});
-    QEventLoop loop; // the bare loop of the application
-    QTimer end;
-    connect(&end, &QTimer::timeout, this, [&] {
-        if (told == burst && client.pump->isIdle())
-            loop.quit();
-        if (total.elapsed() > 250000)
-            loop.exit(1);
-    });
-    total.start();
-    sinceBeat.start();
-    beat.start(beatMs);
-    end.start(1);
-    QCOMPARE(loop.exec(), 0);
-    const qint64 elapsed = total.elapsed();
-    qInfo(
-        "%d notifications in %lld ms; longest wait for a timer of %d ms: %lld ms, %.0f ms of work; "
-        "%d paints in %lld frames",
-        told, elapsed, beatMs, longest, longestWork, paints.count, elapsed / frameMs);
-
-    // One paint may be due from before, and one after the last frame.
-    QVERIFY2(paints.count <= elapsed / frameMs + 2, qPrintable(QString::number(paints.count)));
-    QVERIFY(paints.count > 0);
-    QVERIFY2(longestWork < 100, qPrintable(QString::number(longestWork)));
-    // Everything has arrived.
-    if (tree == "tvDesck")
-        return;
-    const QModelIndex last = client.editor->element("n9999");
-    const QString state = !last.isValid() ? QString("gone") : last.data().toString();
-    QCOMPARE(state, sql.startsWith("DELETE")   ? QString("gone")
-                    : sql.startsWith("UPDATE") ? QString("Новый n9999")
-                                               : QString("Насос 9999"));
-}
-
-void TestMenuBurst::holdsBack(Client& client,
-                              const std::function<void(const std::function<void()>&)>& occupy) {
-    bool looked = false;
-    inMainLoop([&] {
-        occupy([&] {
-            looked = true;
-            client.rename("shema", "Новая");
-            // Long enough for everything that looks again.
-            QElapsedTimer clock;
-            clock.start();
-            while (clock.elapsed() < 200)
-                QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-            QCOMPARE(client.caption("shema"), QVariant("Схема"));
-            QVERIFY(!client.pump->isIdle());
-        });
-    });
-    QVERIFY(looked);
-    QTRY_COMPARE(client.caption("shema"), QVariant("Новая"));
-}
-
-void TestMenuBurst::nothingComesInsideASlot() {
-    Client client;
-    holdsBack(client, [](const std::function<void()>& look) {
-        QEventLoop loop; // a slot that waits for something in a loop of its own
-        QTimer::singleShot(0, &loop, [&] {
-            look();
-            loop.quit();
-        });
-        loop.exec();
-    });
-}
-
-void TestMenuBurst::nothingComesWhileAContextMenuIsOpen_data() {
-    QTest::addColumn<QByteArray>("tree");
-    QTest::newRow("desktops") << QByteArray("tvDesck");
-    QTest::newRow("elements") << QByteArray("tvMenu");
-}
-
-void TestMenuBurst::nothingComesWhileAContextMenuIsOpen() {
-    QFETCH(QByteArray, tree);
-    Client client;
-    holdsBack(client, [&](const std::function<void()>& look) {
-        QTimer::singleShot(0, client.editor, [&] {
-            QWidget* menu = QApplication::activePopupWidget();
-            QVERIFY(menu);
-            look();
-            menu->close();
-        });
-        emit client.view(tree)->customContextMenuRequested(QPoint(5, 5));
-    });
-}
-
-void TestMenuBurst::nothingComesWhileADialogIsUp() {
-    Client client;
-    holdsBack(client, [&](const std::function<void()>& look) {
-        QDialog dialog(client.editor);
-        QTimer::singleShot(0, &dialog, [&] {
-            look();
-            dialog.reject();
-        });
-        dialog.exec();
-    });
-}
-
-void TestMenuBurst::nothingComesWhileAnElementIsDragged() {
-    Client client;
-    QTreeView* view = client.view("tvMenu");
-    QWidget* viewport = view->viewport();
-    const QPoint from = view->visualRect(client.editor->element("calc")).center();
-    const auto mouse = [&](QEvent::Type type, const QPoint& at, Qt::MouseButton button) {
-        QMouseEvent event(type, at, viewport->mapToGlobal(at), button, Qt::LeftButton,
-                          Qt::NoModifier);
-        QCoreApplication::sendEvent(viewport, &event);
-    };
-    holdsBack(client, [&](const std::function<void()>& look) {
-        bool dragging = false;
-        QTimer::singleShot(0, client.editor, [&] {
-            dragging = true;
-            look();
-            QTest::keyClick(client.editor, Qt::Key_Escape); // gives the drag up
-        });
-        mouse(QEvent::MouseButtonPress, from, Qt::LeftButton);
-        // Returns when the drag has ended.
-        for (int step = 1; step < 4 && !dragging; ++step)
-            mouse(QEvent::MouseMove, from + QPoint(0, step * QApplication::startDragDistance()),
-                  Qt::NoButton);
-        QVERIFY(dragging);
-        mouse(QEvent::MouseButtonRelease, from, Qt::LeftButton);
-    });
-    QCOMPARE(client.host.writes().calls.size(), 0);
-}
 
 QTEST_MAIN(TestMenuBurst)
 #include "tst_menu_burst.moc"

@@ -116,13 +116,137 @@ private slots:
         m_directory = std::make_unique<QTemporaryDir>();
         QVERIFY(m_directory->isValid());
     }
-    void fileBehindItsLogOpensWhole();
-    void storeWithItsFirstPageInTheLogOnlyOpensWhole();
-    void foreignDatabaseWithALogIsLeftAsItIs_data();
-    void foreignDatabaseWithALogIsLeftAsItIs();
-    void storeOpensWhileAnotherProcessUploads();
-    void killedUploadsLeaveAllThatWasSaved();
-    void fullDiskLeavesAllThatWasSaved();
+
+    void fileBehindItsLogOpensWhole() {
+        makeStoreBehindItsLog(path());
+        writeFirstPageFromLog(path());
+        holds(path(), 1);
+    }
+
+    void storeWithItsFirstPageInTheLogOnlyOpensWhole() {
+        // Power failed while the first page was being written: the log has it still.
+        makeStoreBehindItsLog(path());
+        QFile file(path());
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QCOMPARE(file.write(QByteArray(512, '\xA5')), 512);
+        file.close();
+        holds(path(), 1);
+    }
+
+    void foreignDatabaseWithALogIsLeftAsItIs_data() {
+        QTest::addColumn<bool>("inUse");
+        QTest::newRow("left over") << false;
+        QTest::newRow("in use") << true;
+    }
+
+    void foreignDatabaseWithALogIsLeftAsItIs() {
+        QFETCH(bool, inUse);
+        QProcess holder;
+        holder.start("sqlite3", {"-batch", path("live.db")});
+        holder.write("PRAGMA journal_mode = WAL; CREATE TABLE t (a); SELECT 'held';\n");
+        QByteArray words;
+        while (!words.contains("held") && holder.waitForReadyRead())
+            words += holder.readAll();
+        if (!inUse)
+            for (const char* suffix : {"", "-wal"})
+                QVERIFY(QFile::copy(path("live.db") + suffix, path() + suffix));
+        const QString place = inUse ? path("live.db") : path();
+        const QByteArray file = bytesOf(place), log = bytesOf(place + "-wal");
+        const QStringList entries = QDir(m_directory->path()).entryList(QDir::Files);
+        for (const bool create : {false, true}) {
+            Status status;
+            QVERIFY(!orvo::store::open(place.toStdString(), {"t", create}, &status));
+            QVERIFY2(status.code == NotAStore, status.text.c_str());
+        }
+        QCOMPARE(bytesOf(place), file);
+        QCOMPARE(bytesOf(place + "-wal"), log);
+        QCOMPARE(QDir(m_directory->path()).entryList(QDir::Files), entries);
+        holder.closeWriteChannel();
+        QVERIFY(holder.waitForFinished());
+    }
+
+    void storeOpensWhileAnotherProcessUploads() {
+        int opened = 0;
+        const int wanted = trials(12);
+        while (opened < wanted) {
+            // Anew now and then: a small file grows most.
+            renew();
+            Uploader uploader(path(), 1);
+            QVERIFY(uploader.waitForFirst());
+            QElapsedTimer clock;
+            for (clock.start(); clock.elapsed() < 3000 && opened < wanted; ++opened) {
+                Status status;
+                const auto store = orvo::store::open(path().toStdString(), {"t", false}, &status);
+                QVERIFY2(store, status.text.c_str());
+            }
+            QVERIFY2(uploader.running(), uploader.words());
+        }
+        qInfo("opened %d times while another process was uploading", opened);
+    }
+
+    void killedUploadsLeaveAllThatWasSaved() {
+        const int wanted = trials(3);
+        int saved = 0, behind = 0;
+        for (int round = 0; round < wanted; ++round) {
+            renew();
+            Uploader uploader(path(), 1);
+            QVERIFY(uploader.waitForFirst());
+            QTest::qWait(QRandomGenerator::global()->bounded(2000));
+            uploader.kill();
+            const int last = uploader.last(0);
+            behind += isBehindItsLog(path()) ? 1 : 0;
+            holds(path(), last);
+            if (QTest::currentTestFailed())
+                return;
+            saved += last;
+        }
+        qInfo("killed %d times, %d of them with the header before the file; %d files saved, all "
+              "there",
+              wanted, behind, saved);
+    }
+
+    void fullDiskLeavesAllThatWasSaved() {
+        const int wanted = std::max(1, trials(2) / 10);
+        int saved = 0, behind = 0;
+        for (int round = 0; round < wanted; ++round) {
+            QDir(m_directory->path()).mkdir("disk");
+            // The file is full before its log is, or the other way round.
+            const QByteArray size = "size=" + QByteArray::number(21000 + 3700 * (round % 7)) + "k";
+            const SmallDisk disk(path("disk"), size.constData());
+            if (!disk.mounted())
+                QSKIP("needs the right to mount a file system");
+            const QString place = path("disk/orvo.db");
+            {
+                Status status;
+                QVERIFY2(orvo::store::open(place.toStdString(), {"t", true}, &status),
+                         status.text.c_str());
+            }
+            Uploader uploader(place, 1);
+            QVERIFY(uploader.waitForEnd());
+            const QByteArray words = uploader.words();
+            QVERIFY2(words.contains("не осталось места"), words);
+            const int last = uploader.last(0);
+            behind += isBehindItsLog(place) ? 1 : 0;
+            // A full disk may refuse the opening, but is no damage.
+            Status status;
+            if (!orvo::store::open(place.toStdString(), {"t", false}, &status))
+                QVERIFY2(status.text.find("не осталось места") != std::string::npos,
+                         status.text.c_str());
+            // On a disk with room again.
+            for (const char* suffix : {"", "-wal"}) {
+                QFile::remove(path() + suffix);
+                if (QFile::exists(place + suffix))
+                    QVERIFY(QFile::copy(place + suffix, path() + suffix));
+            }
+            holds(path(), last);
+            if (QTest::currentTestFailed())
+                return;
+            saved += last;
+        }
+        qInfo(
+            "%d full disks, %d of them with the header before the file; %d files saved, all there",
+            wanted, behind, saved);
+    }
 
 private:
     QString path(const char* name = "orvo.db") const { return m_directory->filePath(name); }
@@ -163,135 +287,6 @@ private:
     }
     std::unique_ptr<QTemporaryDir> m_directory;
 };
-
-void TestSqliteCheckpoint::fileBehindItsLogOpensWhole() {
-    makeStoreBehindItsLog(path());
-    writeFirstPageFromLog(path());
-    holds(path(), 1);
-}
-
-void TestSqliteCheckpoint::storeWithItsFirstPageInTheLogOnlyOpensWhole() {
-    // Power failed while the first page was being written: the log has it still.
-    makeStoreBehindItsLog(path());
-    QFile file(path());
-    QVERIFY(file.open(QIODevice::ReadWrite));
-    QCOMPARE(file.write(QByteArray(512, '\xA5')), 512);
-    file.close();
-    holds(path(), 1);
-}
-
-void TestSqliteCheckpoint::foreignDatabaseWithALogIsLeftAsItIs_data() {
-    QTest::addColumn<bool>("inUse");
-    QTest::newRow("left over") << false;
-    QTest::newRow("in use") << true;
-}
-
-void TestSqliteCheckpoint::foreignDatabaseWithALogIsLeftAsItIs() {
-    QFETCH(bool, inUse);
-    QProcess holder;
-    holder.start("sqlite3", {"-batch", path("live.db")});
-    holder.write("PRAGMA journal_mode = WAL; CREATE TABLE t (a); SELECT 'held';\n");
-    QByteArray words;
-    while (!words.contains("held") && holder.waitForReadyRead())
-        words += holder.readAll();
-    if (!inUse)
-        for (const char* suffix : {"", "-wal"})
-            QVERIFY(QFile::copy(path("live.db") + suffix, path() + suffix));
-    const QString place = inUse ? path("live.db") : path();
-    const QByteArray file = bytesOf(place), log = bytesOf(place + "-wal");
-    const QStringList entries = QDir(m_directory->path()).entryList(QDir::Files);
-    for (const bool create : {false, true}) {
-        Status status;
-        QVERIFY(!orvo::store::open(place.toStdString(), {"t", create}, &status));
-        QVERIFY2(status.code == NotAStore, status.text.c_str());
-    }
-    QCOMPARE(bytesOf(place), file);
-    QCOMPARE(bytesOf(place + "-wal"), log);
-    QCOMPARE(QDir(m_directory->path()).entryList(QDir::Files), entries);
-    holder.closeWriteChannel();
-    QVERIFY(holder.waitForFinished());
-}
-
-void TestSqliteCheckpoint::storeOpensWhileAnotherProcessUploads() {
-    int opened = 0;
-    const int wanted = trials(12);
-    while (opened < wanted) {
-        // Anew now and then: a small file grows most.
-        renew();
-        Uploader uploader(path(), 1);
-        QVERIFY(uploader.waitForFirst());
-        QElapsedTimer clock;
-        for (clock.start(); clock.elapsed() < 3000 && opened < wanted; ++opened) {
-            Status status;
-            const auto store = orvo::store::open(path().toStdString(), {"t", false}, &status);
-            QVERIFY2(store, status.text.c_str());
-        }
-        QVERIFY2(uploader.running(), uploader.words());
-    }
-    qInfo("opened %d times while another process was uploading", opened);
-}
-
-void TestSqliteCheckpoint::killedUploadsLeaveAllThatWasSaved() {
-    const int wanted = trials(3);
-    int saved = 0, behind = 0;
-    for (int round = 0; round < wanted; ++round) {
-        renew();
-        Uploader uploader(path(), 1);
-        QVERIFY(uploader.waitForFirst());
-        QTest::qWait(QRandomGenerator::global()->bounded(2000));
-        uploader.kill();
-        const int last = uploader.last(0);
-        behind += isBehindItsLog(path()) ? 1 : 0;
-        holds(path(), last);
-        if (QTest::currentTestFailed())
-            return;
-        saved += last;
-    }
-    qInfo("killed %d times, %d of them with the header before the file; %d files saved, all there",
-          wanted, behind, saved);
-}
-
-void TestSqliteCheckpoint::fullDiskLeavesAllThatWasSaved() {
-    const int wanted = std::max(1, trials(2) / 10);
-    int saved = 0, behind = 0;
-    for (int round = 0; round < wanted; ++round) {
-        QDir(m_directory->path()).mkdir("disk");
-        // The file is full before its log is, or the other way round.
-        const QByteArray size = "size=" + QByteArray::number(21000 + 3700 * (round % 7)) + "k";
-        const SmallDisk disk(path("disk"), size.constData());
-        if (!disk.mounted())
-            QSKIP("needs the right to mount a file system");
-        const QString place = path("disk/orvo.db");
-        {
-            Status status;
-            QVERIFY2(orvo::store::open(place.toStdString(), {"t", true}, &status),
-                     status.text.c_str());
-        }
-        Uploader uploader(place, 1);
-        QVERIFY(uploader.waitForEnd());
-        const QByteArray words = uploader.words();
-        QVERIFY2(words.contains("не осталось места"), words);
-        const int last = uploader.last(0);
-        behind += isBehindItsLog(place) ? 1 : 0;
-        // A full disk may refuse the opening, but is no damage.
-        Status status;
-        if (!orvo::store::open(place.toStdString(), {"t", false}, &status))
-            QVERIFY2(status.text.find("не осталось места") != std::string::npos,
-                     status.text.c_str());
-        // On a disk with room again.
-        for (const char* suffix : {"", "-wal"}) {
-            QFile::remove(path() + suffix);
-            if (QFile::exists(place + suffix))
-                QVERIFY(QFile::copy(place + suffix, path() + suffix));
-        }
-        holds(path(), last);
-        if (QTest::currentTestFailed())
-            return;
-        saved += last;
-    }
-    qInfo("%d full disks, %d of them with the header before the file; %d files saved, all there",
-          wanted, behind, saved);
-}
 
 int main(int argc, char** argv) {
     QCoreApplication application(argc, argv);

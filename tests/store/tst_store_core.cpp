@@ -69,113 +69,112 @@ Status guardedUpdate(MemoryStore& store) {
 class TestStoreCore : public QObject {
     Q_OBJECT
 private slots:
-    void aFailureOfTheDatabaseIsReportedAndNothingIsLeft_data();
-    void aFailureOfTheDatabaseIsReportedAndNothingIsLeft();
-    void aCopyHoldsWhatTheStoreHolds();
-};
-
-void TestStoreCore::aFailureOfTheDatabaseIsReportedAndNothingIsLeft_data() {
-    QTest::addColumn<Operation>("operation");
-    const auto row = [](const char* name, Operation operation) {
-        QTest::newRow(name) << std::move(operation);
-    };
-    row("update", [](MemoryStore& store) {
-        return Batch("Menu").update("valve", {{"parent", "pump"}}).remove("pump").send(store);
-    });
-    row("guarded update", guardedUpdate);
-    row("fetch", [](MemoryStore& store) {
-        CMDArray rows;
-        return store.fetch("Menu", rows.array);
-    });
-    row("fetchWhere", [](MemoryStore& store) {
-        CMDArray rows;
-        return store.fetchWhere("Menu", "FolderKey", "hall", rows.array);
-    });
-    row("fetchLinked", [](MemoryStore& store) {
-        CMDArray rows;
-        return store.fetchLinked("Menu", "parent", "PUMP", rows.array);
-    });
-    row("fetchKeys", [](MemoryStore& store) {
-        CMDArray rows;
-        return store.fetchKeys("Menu", {"pump"}, rows.array);
-    });
-    row("logEnd", [](MemoryStore& store) {
-        LogCursor end;
-        return store.logEnd(&end);
-    });
-    row("outcomeOf", [](MemoryStore& store) {
-        Outcome outcome = Outcome::Unknown;
-        return store.outcomeOf(store.lastWritten(), &outcome);
-    });
-    row("history", [](MemoryStore& store) {
-        std::vector<Change> changes;
-        return store.history({"Menu", {}, {}, {}, {}, 0}, 10, &changes);
-    });
-    row("formGet", [](MemoryStore& store) {
-        std::vector<StoredFile> files;
-        return store.formGet("scheme_", true, &files);
-    });
-    row("formPut", [](MemoryStore& store) {
-        return store.formPut("", {{"", "scheme_", "<ui/>", {}}, {"", "scheme_1", "more", {}}});
-    });
-    row("new form", [](MemoryStore& store) {
-        return store.formPut("", {{"", "other_", "<ui/>", {}}});
-    });
-    row("formDelete", [](MemoryStore& store) { return store.formDelete({"scheme_"}); });
-    row("fileGet", [](MemoryStore& store) {
-        std::vector<StoredFile> files;
-        return store.fileGet("icons", "pump.png", true, &files);
-    });
-    row("filePut", [](MemoryStore& store) {
-        return store.filePut({{"icons", "pump.png", "new", {}}, {"", "plan.txt", "plan", {}}});
-    });
-    row("fileDelete", [](MemoryStore& store) { return store.fileDelete({{"icons", "pump.png"}}); });
-    row("fileArea", [](MemoryStore& store) {
-        return store.fileArea([](const std::string&, const StoredFile&) {});
-    });
-    row("userAdd", [](MemoryStore& store) { return store.userAdd({"petrov", "П", "П", "П"}); });
-    row("writeOut", [](MemoryStore& store) {
-        Sink sink;
-        return store.writeOut(sink);
-    });
-    row("replaceAll", [](MemoryStore& store) {
-        MemoryStore other;
-        const Status filled = fill(other);
-        return filled.ok()
-                   ? store.replaceAll([&](Receiver& receiver) { return other.writeOut(receiver); })
-                   : filled;
-    });
-}
-
-void TestStoreCore::aFailureOfTheDatabaseIsReportedAndNothingIsLeft() {
-    QFETCH(Operation, operation);
-    for (int calls = 0;; ++calls) {
-        QVERIFY(calls < 1000);
-        MemoryStore store;
-        ORVO_OK(fill(store));
-        const MemoryStore::Content before = store.content();
-        store.failAfter(calls);
-        const Status status = operation(store);
-        if (!store.hasFailed()) {
-            ORVO_OK(status);
-            QVERIFY(calls > 0);
-            return;
-        }
-        QVERIFY2(
-            status.code == Failed,
-            qPrintable(QString("call %1: %2").arg(calls).arg(QString::fromStdString(status.text))));
-        QVERIFY2(store.content() == before, qPrintable(QString("call %1").arg(calls)));
-        ORVO_OK(operation(store)); // and it can be done again
+    void aFailureOfTheDatabaseIsReportedAndNothingIsLeft_data() {
+        QTest::addColumn<Operation>("operation");
+        const auto row = [](const char* name, Operation operation) {
+            QTest::newRow(name) << std::move(operation);
+        };
+        row("update", [](MemoryStore& store) {
+            return Batch("Menu").update("valve", {{"parent", "pump"}}).remove("pump").send(store);
+        });
+        row("guarded update", guardedUpdate);
+        row("fetch", [](MemoryStore& store) {
+            CMDArray rows;
+            return store.fetch("Menu", rows.array);
+        });
+        row("fetchWhere", [](MemoryStore& store) {
+            CMDArray rows;
+            return store.fetchWhere("Menu", "FolderKey", "hall", rows.array);
+        });
+        row("fetchLinked", [](MemoryStore& store) {
+            CMDArray rows;
+            return store.fetchLinked("Menu", "parent", "PUMP", rows.array);
+        });
+        row("fetchKeys", [](MemoryStore& store) {
+            CMDArray rows;
+            return store.fetchKeys("Menu", {"pump"}, rows.array);
+        });
+        row("logEnd", [](MemoryStore& store) {
+            LogCursor end;
+            return store.logEnd(&end);
+        });
+        row("outcomeOf", [](MemoryStore& store) {
+            Outcome outcome = Outcome::Unknown;
+            return store.outcomeOf(store.lastWritten(), &outcome);
+        });
+        row("history", [](MemoryStore& store) {
+            std::vector<Change> changes;
+            return store.history({"Menu", {}, {}, {}, {}, 0}, 10, &changes);
+        });
+        row("formGet", [](MemoryStore& store) {
+            std::vector<StoredFile> files;
+            return store.formGet("scheme_", true, &files);
+        });
+        row("formPut", [](MemoryStore& store) {
+            return store.formPut("", {{"", "scheme_", "<ui/>", {}}, {"", "scheme_1", "more", {}}});
+        });
+        row("new form", [](MemoryStore& store) {
+            return store.formPut("", {{"", "other_", "<ui/>", {}}});
+        });
+        row("formDelete", [](MemoryStore& store) { return store.formDelete({"scheme_"}); });
+        row("fileGet", [](MemoryStore& store) {
+            std::vector<StoredFile> files;
+            return store.fileGet("icons", "pump.png", true, &files);
+        });
+        row("filePut", [](MemoryStore& store) {
+            return store.filePut({{"icons", "pump.png", "new", {}}, {"", "plan.txt", "plan", {}}});
+        });
+        row("fileDelete", [](MemoryStore& store) {
+            return store.fileDelete({{"icons", "pump.png"}});
+        });
+        row("fileArea", [](MemoryStore& store) {
+            return store.fileArea([](const std::string&, const StoredFile&) {});
+        });
+        row("userAdd", [](MemoryStore& store) { return store.userAdd({"petrov", "П", "П", "П"}); });
+        row("writeOut", [](MemoryStore& store) {
+            Sink sink;
+            return store.writeOut(sink);
+        });
+        row("replaceAll", [](MemoryStore& store) {
+            MemoryStore other;
+            const Status filled = fill(other);
+            return filled.ok() ? store.replaceAll(
+                                     [&](Receiver& receiver) { return other.writeOut(receiver); })
+                               : filled;
+        });
     }
-}
 
-void TestStoreCore::aCopyHoldsWhatTheStoreHolds() {
-    MemoryStore store, copy;
-    ORVO_OK(fill(store));
-    ORVO_OK(copy.replaceAll([&](Receiver& receiver) { return store.writeOut(receiver); }));
-    QVERIFY(copy.content().tables == store.content().tables);
-    QVERIFY(copy.content().bytes == store.content().bytes);
-}
+    void aFailureOfTheDatabaseIsReportedAndNothingIsLeft() {
+        QFETCH(Operation, operation);
+        for (int calls = 0;; ++calls) {
+            QVERIFY(calls < 1000);
+            MemoryStore store;
+            ORVO_OK(fill(store));
+            const MemoryStore::Content before = store.content();
+            store.failAfter(calls);
+            const Status status = operation(store);
+            if (!store.hasFailed()) {
+                ORVO_OK(status);
+                QVERIFY(calls > 0);
+                return;
+            }
+            QVERIFY2(
+                status.code == Failed,
+                qPrintable(
+                    QString("call %1: %2").arg(calls).arg(QString::fromStdString(status.text))));
+            QVERIFY2(store.content() == before, qPrintable(QString("call %1").arg(calls)));
+            ORVO_OK(operation(store)); // and it can be done again
+        }
+    }
+
+    void aCopyHoldsWhatTheStoreHolds() {
+        MemoryStore store, copy;
+        ORVO_OK(fill(store));
+        ORVO_OK(copy.replaceAll([&](Receiver& receiver) { return store.writeOut(receiver); }));
+        QVERIFY(copy.content().tables == store.content().tables);
+        QVERIFY(copy.content().bytes == store.content().bytes);
+    }
+};
 
 QTEST_GUILESS_MAIN(TestStoreCore)
 #include "tst_store_core.moc"

@@ -197,7 +197,46 @@ private:
 class TestTrialDamage : public QObject {
     Q_OBJECT
 private slots:
-    void programsTellOfDamageAndLeaveItAsItIs();
+    void programsTellOfDamageAndLeaveItAsItIs() {
+        Spoiler spoiler(seed());
+        QVERIFY(spoiler.prepare(m_admin));
+        const int wanted = rounds(2 * Spoiler::kinds);
+        int sound = 0, damaged = 0;
+        QStringList all;
+        for (int round = 0; round < wanted; ++round) {
+            const int kind = round % Spoiler::kinds;
+            const Files files = spoiler.spoiled(kind);
+            const Verdict verdict = judge(files);
+            const QString what = QString("file %1, kind %2 (%3): ")
+                                     .arg(round)
+                                     .arg(kind)
+                                     .arg(verdict.words.left(200));
+            QString wrong;
+            for (const QStringList& command :
+                 {QStringList{"check"}, QStringList{"list", "forms"}, QStringList{"history"},
+                  QStringList{"export", "-"}, QStringList{"user", "list"}}) {
+                lay(files);
+                const QString one = wrongOf(command, files, verdict);
+                if (wrong.isEmpty() && !one.isEmpty())
+                    wrong = command.first() + ' ' + one;
+            }
+            lay(files);
+            if (wrong.isEmpty())
+                wrong = wrongOfClient(files, verdict);
+            if (const QString keep = qEnvironmentVariable("ORVO_TRIAL_KEEP");
+                !wrong.isEmpty() && !keep.isEmpty()) {
+                writeFile(QString("%1/%2.db").arg(keep).arg(round), files.store);
+                writeFile(QString("%1/%2.db-wal").arg(keep).arg(round), files.log);
+            }
+            if (!wrong.isEmpty())
+                all << what + wrong;
+            sound += verdict.sound ? 1 : 0;
+            damaged += verdict.isStore && !verdict.sound ? 1 : 0;
+        }
+        qInfo("%d files: %d sound all the same, %d damaged, %d no stores", wanted, sound, damaged,
+              wanted - sound - damaged);
+        QVERIFY2(all.isEmpty(), qPrintable(all.join('\n')));
+    }
 
 private:
     Files present() const {
@@ -211,112 +250,71 @@ private:
             QVERIFY(writeFile(m_admin.storePath() + "-wal", files.log));
     }
     /// What is wrong with what a command does on these files; empty if nothing is.
-    QString wrongOf(const QStringList& command, const Files& files, const Verdict& verdict) const;
-    QString wrongOfClient(const Files& files, const Verdict& verdict) const;
+    QString wrongOf(const QStringList& command, const Files& files, const Verdict& verdict) const {
+        const AdminResult result = m_admin.run(command);
+        const QString said = result.out.left(400) + result.err;
+        if (result.code < 0 || result.code > 2)
+            return "fell over: " + said;
+        if (result.code == 2 && !result.err.startsWith("orvo-admin: "))
+            return "no words: " + said;
+        const bool saysDamaged = result.err.contains("повреждён (");
+        if (saysDamaged && verdict.sound)
+            return "calls a sound store damaged: " + said;
+        if (saysDamaged &&
+            (!result.err.contains("ничего не удаляйте") || !result.err.contains(".recover")))
+            return "does not tell the way out: " + said;
+        const bool tells = result.code == 2 || result.out.contains("база данных: ");
+        if (command.first() == "check" && verdict.isStore && !verdict.sound && !tells)
+            return "does not see the damage: " + said;
+        const QString change = changeOf(files, verdict, tells);
+        return change.isEmpty() ? QString() : change + ": " + said;
+    }
+
+    QString wrongOfClient(const Files& files, const Verdict& verdict) const {
+        QProcess client;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("QT_QPA_PLATFORM", "offscreen");
+        client.setProcessEnvironment(environment);
+        client.start(qEnvironmentVariable("ORVO_BIN_DIR") + "/orvo-client",
+                     {"--store", m_admin.storePath(), "--login", "engineer", "--work-dir",
+                      m_admin.path("work"), "--screenshot", m_admin.path("window.png")});
+        // With a part of the store it lives on, and waits for the rest.
+        constexpr int patience = 60000, look = 5000;
+        const bool ended = client.waitForFinished(verdict.sound ? patience : look);
+        if (!ended) {
+            client.kill();
+            client.waitForFinished();
+        }
+        const QString words = QString::fromUtf8(client.readAllStandardError());
+        if (!ended)
+            return verdict.sound ? "the client does not open a sound store: " + words : QString();
+        if (client.exitStatus() != QProcess::NormalExit || client.exitCode() > 1)
+            return "the client fell over: " + words;
+        if (client.exitCode() == 1 && words.isEmpty())
+            return "the client says nothing";
+        if (verdict.sound && words.contains("повреждён ("))
+            return "the client calls a sound store damaged: " + words;
+        const QString change = changeOf(files, verdict, words.contains("повреждён ("));
+        return change.isEmpty() ? QString() : "the client " + change + ": " + words;
+    }
+
     /// Whether it has changed them.
-    QString changeOf(const Files& files, const Verdict& verdict, bool told) const;
+    QString changeOf(const Files& files, const Verdict& verdict, bool told) const {
+        const Files now = present();
+        if (verdict.sound) {
+            const Verdict after = judge(now);
+            return after.sound && after.content == verdict.content ? QString()
+                                                                   : "changed a sound one";
+        }
+        // What nobody has noticed is carried over like any other log.
+        const bool same = told || !verdict.isStore
+                              ? now.store == files.store && now.log == files.log
+                              : carriedOver(now) == carriedOver(files);
+        return same ? QString() : "changed what is damaged";
+    }
+
     AdminRun m_admin;
 };
-
-QString TestTrialDamage::changeOf(const Files& files, const Verdict& verdict, bool told) const {
-    const Files now = present();
-    if (verdict.sound) {
-        const Verdict after = judge(now);
-        return after.sound && after.content == verdict.content ? QString() : "changed a sound one";
-    }
-    // What nobody has noticed is carried over like any other log.
-    const bool same = told || !verdict.isStore ? now.store == files.store && now.log == files.log
-                                               : carriedOver(now) == carriedOver(files);
-    return same ? QString() : "changed what is damaged";
-}
-
-QString TestTrialDamage::wrongOf(const QStringList& command, const Files& files,
-                                 const Verdict& verdict) const {
-    const AdminResult result = m_admin.run(command);
-    const QString said = result.out.left(400) + result.err;
-    if (result.code < 0 || result.code > 2)
-        return "fell over: " + said;
-    if (result.code == 2 && !result.err.startsWith("orvo-admin: "))
-        return "no words: " + said;
-    const bool saysDamaged = result.err.contains("повреждён (");
-    if (saysDamaged && verdict.sound)
-        return "calls a sound store damaged: " + said;
-    if (saysDamaged &&
-        (!result.err.contains("ничего не удаляйте") || !result.err.contains(".recover")))
-        return "does not tell the way out: " + said;
-    const bool tells = result.code == 2 || result.out.contains("база данных: ");
-    if (command.first() == "check" && verdict.isStore && !verdict.sound && !tells)
-        return "does not see the damage: " + said;
-    const QString change = changeOf(files, verdict, tells);
-    return change.isEmpty() ? QString() : change + ": " + said;
-}
-
-QString TestTrialDamage::wrongOfClient(const Files& files, const Verdict& verdict) const {
-    QProcess client;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("QT_QPA_PLATFORM", "offscreen");
-    client.setProcessEnvironment(environment);
-    client.start(qEnvironmentVariable("ORVO_BIN_DIR") + "/orvo-client",
-                 {"--store", m_admin.storePath(), "--login", "engineer", "--work-dir",
-                  m_admin.path("work"), "--screenshot", m_admin.path("window.png")});
-    // With a part of the store it lives on, and waits for the rest.
-    constexpr int patience = 60000, look = 5000;
-    const bool ended = client.waitForFinished(verdict.sound ? patience : look);
-    if (!ended) {
-        client.kill();
-        client.waitForFinished();
-    }
-    const QString words = QString::fromUtf8(client.readAllStandardError());
-    if (!ended)
-        return verdict.sound ? "the client does not open a sound store: " + words : QString();
-    if (client.exitStatus() != QProcess::NormalExit || client.exitCode() > 1)
-        return "the client fell over: " + words;
-    if (client.exitCode() == 1 && words.isEmpty())
-        return "the client says nothing";
-    if (verdict.sound && words.contains("повреждён ("))
-        return "the client calls a sound store damaged: " + words;
-    const QString change = changeOf(files, verdict, words.contains("повреждён ("));
-    return change.isEmpty() ? QString() : "the client " + change + ": " + words;
-}
-
-void TestTrialDamage::programsTellOfDamageAndLeaveItAsItIs() {
-    Spoiler spoiler(seed());
-    QVERIFY(spoiler.prepare(m_admin));
-    const int wanted = rounds(2 * Spoiler::kinds);
-    int sound = 0, damaged = 0;
-    QStringList all;
-    for (int round = 0; round < wanted; ++round) {
-        const int kind = round % Spoiler::kinds;
-        const Files files = spoiler.spoiled(kind);
-        const Verdict verdict = judge(files);
-        const QString what =
-            QString("file %1, kind %2 (%3): ").arg(round).arg(kind).arg(verdict.words.left(200));
-        QString wrong;
-        for (const QStringList& command :
-             {QStringList{"check"}, QStringList{"list", "forms"}, QStringList{"history"},
-              QStringList{"export", "-"}, QStringList{"user", "list"}}) {
-            lay(files);
-            const QString one = wrongOf(command, files, verdict);
-            if (wrong.isEmpty() && !one.isEmpty())
-                wrong = command.first() + ' ' + one;
-        }
-        lay(files);
-        if (wrong.isEmpty())
-            wrong = wrongOfClient(files, verdict);
-        if (const QString keep = qEnvironmentVariable("ORVO_TRIAL_KEEP");
-            !wrong.isEmpty() && !keep.isEmpty()) {
-            writeFile(QString("%1/%2.db").arg(keep).arg(round), files.store);
-            writeFile(QString("%1/%2.db-wal").arg(keep).arg(round), files.log);
-        }
-        if (!wrong.isEmpty())
-            all << what + wrong;
-        sound += verdict.sound ? 1 : 0;
-        damaged += verdict.isStore && !verdict.sound ? 1 : 0;
-    }
-    qInfo("%d files: %d sound all the same, %d damaged, %d no stores", wanted, sound, damaged,
-          wanted - sound - damaged);
-    QVERIFY2(all.isEmpty(), qPrintable(all.join('\n')));
-}
 
 QTEST_GUILESS_MAIN(TestTrialDamage)
 #include "tst_trial_damage.moc"

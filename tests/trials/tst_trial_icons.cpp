@@ -244,73 +244,72 @@ bool hasColor(const QTreeView& view, const QColor& color) {
 class TestTrialIcons : public QObject {
     Q_OBJECT
 private slots:
-    void noIconHoldsUpAView();
-};
-
-void TestTrialIcons::noIconHoldsUpAView() {
-    const int wanted = rounds(200);
-    Mutator mutator(seed());
-    const QVector<QByteArray> sound = soundPictures();
-    previousHandler = qInstallMessageHandler(dropWarnings);
-    qInfo("%d sound pictures to begin with", int(sound.size()));
-    QVERIFY(sound.size() > 15);
-    const long before = peakMemoryKiB();
-    int shown = 0;
-    int odd = 0;
-    qint64 longest = 0;
-    for (int done = 0; done < wanted; done += iconsAtOnce) {
-        Folder folder;
-        QStringList names;
-        for (int i = 0; i < iconsAtOnce; ++i) {
-            const QString name = QString("%1.%2").arg(i).arg(mutator.below(2) ? "png" : "svg");
-            if (mutator.below(6) == 0) {
-                names << folder.putOddThing(mutator.below(40), name);
-                ++odd;
-            } else {
-                const QByteArray bytes = mutator.picture(sound);
-                folder.put(name, bytes);
-                names << name;
-                shown += iconfile::decode(bytes).isNull() ? 0 : 1;
+    void noIconHoldsUpAView() {
+        const int wanted = rounds(200);
+        Mutator mutator(seed());
+        const QVector<QByteArray> sound = soundPictures();
+        previousHandler = qInstallMessageHandler(dropWarnings);
+        qInfo("%d sound pictures to begin with", int(sound.size()));
+        QVERIFY(sound.size() > 15);
+        const long before = peakMemoryKiB();
+        int shown = 0;
+        int odd = 0;
+        qint64 longest = 0;
+        for (int done = 0; done < wanted; done += iconsAtOnce) {
+            Folder folder;
+            QStringList names;
+            for (int i = 0; i < iconsAtOnce; ++i) {
+                const QString name = QString("%1.%2").arg(i).arg(mutator.below(2) ? "png" : "svg");
+                if (mutator.below(6) == 0) {
+                    names << folder.putOddThing(mutator.below(40), name);
+                    ++odd;
+                } else {
+                    const QByteArray bytes = mutator.picture(sound);
+                    folder.put(name, bytes);
+                    names << name;
+                    shown += iconfile::decode(bytes).isNull() ? 0 : 1;
+                }
             }
+            names << "good.png";
+            MenuTreeModel model(
+                QStringList{"a", "b", "c", "d", "e", "f", "g", "h", "i", "j", "k", "l", "m"},
+                folder.path(""));
+            model.insertRows(0, 1, {});
+            const QModelIndex top = model.index(0, 0);
+            model.insertRows(0, names.size(), top);
+            for (int row = 0; row < names.size(); ++row) {
+                model.setData(model.index(row, 1, top), "модуль");
+                model.setData(model.index(row, 4, top), names[row]);
+            }
+            QTreeView view;
+            view.setModel(&model);
+            view.expandAll();
+            view.resize(300, 40 * names.size());
+            view.show();
+            QElapsedTimer all;
+            all.start();
+            bool isShown = false;
+            while (!isShown && all.elapsed() < 30'000) {
+                QElapsedTimer turn;
+                turn.start();
+                view.viewport()->repaint();
+                QCoreApplication::processEvents();
+                longest = std::max(longest, turn.elapsed());
+                isShown = hasColor(view, good);
+                QTest::qWait(1);
+            }
+            QVERIFY2(isShown, "a sound picture is not shown after hostile ones");
+            QVERIFY2(!hasColor(view, outside), "a picture outside of the folder is shown");
         }
-        names << "good.png";
-        MenuTreeModel model(
-            QStringList{"a", "b", "c", "d", "e", "f", "g", "h", "i", "j", "k", "l", "m"},
-            folder.path(""));
-        model.insertRows(0, 1, {});
-        const QModelIndex top = model.index(0, 0);
-        model.insertRows(0, names.size(), top);
-        for (int row = 0; row < names.size(); ++row) {
-            model.setData(model.index(row, 1, top), "модуль");
-            model.setData(model.index(row, 4, top), names[row]);
-        }
-        QTreeView view;
-        view.setModel(&model);
-        view.expandAll();
-        view.resize(300, 40 * names.size());
-        view.show();
-        QElapsedTimer all;
-        all.start();
-        bool isShown = false;
-        while (!isShown && all.elapsed() < 30'000) {
-            QElapsedTimer turn;
-            turn.start();
-            view.viewport()->repaint();
-            QCoreApplication::processEvents();
-            longest = std::max(longest, turn.elapsed());
-            isShown = hasColor(view, good);
-            QTest::qWait(1);
-        }
-        QVERIFY2(isShown, "a sound picture is not shown after hostile ones");
-        QVERIFY2(!hasColor(view, outside), "a picture outside of the folder is shown");
+        qInstallMessageHandler(previousHandler);
+        const long taken = peakMemoryKiB() - before;
+        qInfo(
+            "%d icons, %d of them no files, %d still pictures; longest turn %lld ms, %ld MiB more",
+            wanted, odd, shown, longest, taken / 1024);
+        QVERIFY2(longest < longestTurnMs, qPrintable(QString::number(longest)));
+        QVERIFY2(taken < mostMemoryKiB, qPrintable(QString::number(taken)));
     }
-    qInstallMessageHandler(previousHandler);
-    const long taken = peakMemoryKiB() - before;
-    qInfo("%d icons, %d of them no files, %d still pictures; longest turn %lld ms, %ld MiB more",
-          wanted, odd, shown, longest, taken / 1024);
-    QVERIFY2(longest < longestTurnMs, qPrintable(QString::number(longest)));
-    QVERIFY2(taken < mostMemoryKiB, qPrintable(QString::number(taken)));
-}
+};
 
 QTEST_MAIN(TestTrialIcons)
 #include "tst_trial_icons.moc"

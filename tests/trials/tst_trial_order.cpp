@@ -138,55 +138,54 @@ public:
 private slots:
     void init() { StoreTest::init(); }
     void cleanup() { StoreTest::cleanup(); }
-    void overlappingTransactionsAreReadInCommitOrderExactlyOnce();
-};
 
-void TestTrialOrder::overlappingTransactionsAreReadInCommitOrderExactlyOnce() {
-    ORVO_OK(Batch("Menu").insert("counter", {{"order_", 0}}).send(*m_store));
-    LogReplay beginning;
-    QCOMPARE(beginning.follow(*m_store), QStringList());
-    const std::string url = m_kind.url();
-    QElapsedTimer clock;
-    clock.start();
-    std::atomic<bool> stop = false;
-    std::vector<Follower> followers;
-    for (unsigned i = 0; i < readers; ++i) {
-        followers.emplace_back(url, beginning.position(), i + 1);
-        followers.back().replay = beginning;
+    void overlappingTransactionsAreReadInCommitOrderExactlyOnce() {
+        ORVO_OK(Batch("Menu").insert("counter", {{"order_", 0}}).send(*m_store));
+        LogReplay beginning;
+        QCOMPARE(beginning.follow(*m_store), QStringList());
+        const std::string url = m_kind.url();
+        QElapsedTimer clock;
+        clock.start();
+        std::atomic<bool> stop = false;
+        std::vector<Follower> followers;
+        for (unsigned i = 0; i < readers; ++i) {
+            followers.emplace_back(url, beginning.position(), i + 1);
+            followers.back().replay = beginning;
+        }
+        std::vector<QString> problems(readers);
+        std::vector<std::thread> following;
+        for (size_t i = 0; i < readers; ++i)
+            following.emplace_back([&, i] { problems[i] = followers[i].follow(stop); });
+        std::atomic<int> failed = 0;
+        std::vector<std::thread> writing;
+        for (int i = 0; i < writers; ++i)
+            writing.emplace_back([&, i] {
+                const bool done =
+                    i < DirectWriter::ways
+                        ? DirectWriter(url, i, writers, DirectWriter::Way(i)).write(changesEach())
+                        : writeThroughStore(url, i);
+                failed += done ? 0 : 1;
+            });
+        for (std::thread& thread : writing)
+            thread.join();
+        stop = true;
+        for (std::thread& thread : following)
+            thread.join();
+        QCOMPARE(failed.load(), 0);
+        for (const QString& problem : problems)
+            QCOMPARE(problem, QString());
+        Status status;
+        const auto store = openMaintained(url, {"looker", false}, &status);
+        QVERIFY2(store, status.text.c_str());
+        for (const Follower& follower : followers)
+            QCOMPARE(follower.replay.compare(*store), QStringList());
+        std::vector<std::string> damages;
+        ORVO_OK(store->integrity(&damages));
+        QCOMPARE(damages, std::vector<std::string>());
+        qInfo("%zu changes by %d writers, read by %d, in %lld s", followers[0].replay.changes(),
+              writers, readers, clock.elapsed() / 1000);
     }
-    std::vector<QString> problems(readers);
-    std::vector<std::thread> following;
-    for (size_t i = 0; i < readers; ++i)
-        following.emplace_back([&, i] { problems[i] = followers[i].follow(stop); });
-    std::atomic<int> failed = 0;
-    std::vector<std::thread> writing;
-    for (int i = 0; i < writers; ++i)
-        writing.emplace_back([&, i] {
-            const bool done =
-                i < DirectWriter::ways
-                    ? DirectWriter(url, i, writers, DirectWriter::Way(i)).write(changesEach())
-                    : writeThroughStore(url, i);
-            failed += done ? 0 : 1;
-        });
-    for (std::thread& thread : writing)
-        thread.join();
-    stop = true;
-    for (std::thread& thread : following)
-        thread.join();
-    QCOMPARE(failed.load(), 0);
-    for (const QString& problem : problems)
-        QCOMPARE(problem, QString());
-    Status status;
-    const auto store = openMaintained(url, {"looker", false}, &status);
-    QVERIFY2(store, status.text.c_str());
-    for (const Follower& follower : followers)
-        QCOMPARE(follower.replay.compare(*store), QStringList());
-    std::vector<std::string> damages;
-    ORVO_OK(store->integrity(&damages));
-    QCOMPARE(damages, std::vector<std::string>());
-    qInfo("%zu changes by %d writers, read by %d, in %lld s", followers[0].replay.changes(),
-          writers, readers, clock.elapsed() / 1000);
-}
+};
 
 int main(int argc, char** argv) {
     return runOnAllKinds<TestTrialOrder>(argc, argv);

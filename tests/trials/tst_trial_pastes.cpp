@@ -168,169 +168,167 @@ QStringList keysShown(const Model& model) {
 class TestTrialPastes : public QObject {
     Q_OBJECT
 private slots:
-    void menuElements();
-    void resources();
+    void menuElements() {
+        const int wanted = rounds(300);
+        int written = 0;
+        int deleted = 0;
+        for (int done = 0; done < wanted;) {
+            TestStore store;
+            fillPlant(store);
+            TestHost host(store);
+            OperationsEditor editor(host);
+            editor.openDesck("armop");
+            QVector<QByteArray> samples;
+            const auto copy = [&](std::initializer_list<const char*> rows) {
+                editor.selectElements(rows);
+                editor->on_actCopyMenuElement_triggered();
+                samples << onClipboard(menuMime);
+                QByteArray cut = samples.last();
+                samples << cut.replace(0, cut.indexOf('\n'), QByteArray::number(MenuPayload::Cut));
+            };
+            copy({"shema"});
+            copy({"glubzhe"});
+            copy({"grafiki", "propal"});
+            copy({"trend", "calc", "form"});
+            Rows before = rowsOf(host.ownStore(), "Menu");
+            for (int i = 0; i < pastesOfAStore && done < wanted; ++i, ++done) {
+                const QStringList present = before.keys();
+                QStringList keys = present;
+                keys << "armop"
+                     << ""
+                     << "nobody"
+                     << "MenuRootNode" << QString(300, 'k');
+                const QByteArray bytes = m_mutator.payload(samples, keys);
+                editor->m_cutPending = m_mutator.below(2) == 0; // or it is taken off the clipboard
+                putOnClipboard(menuMime, bytes);
+                // The folder may be gone with a cut.
+                const QString target = present[m_mutator.below(present.size())];
+                editor.view("tvMenu")->setCurrentIndex(editor->m_menuModel->findIndexByKey(
+                    m_mutator.below(8) == 0 ? "MenuRootNode" : target));
+                editor->on_actPasteMenuElement_triggered();
+                host.deliver(*editor.module);
+
+                const Rows after = rowsOf(host.ownStore(), "Menu");
+                MenuPayload read;
+                const bool readable = read.read(bytes);
+                QStringList offered; // what a record may have of the payload
+                for (int32_t n = 0; readable && n < recordCount(read.table); ++n) {
+                    const MDRData* record = MDARec(read.table.array, 0, n);
+                    offered << textOf(record, "caption") + '|' + textOf(record, "MenuResourceKey");
+                    // A folder that comes with the one above it bears its caption as `parent`.
+                    if (orvo::menu::isFolderRecord(record))
+                        offered << "|";
+                }
+                int made = 0;
+                for (auto row = after.begin(); row != after.end(); ++row) {
+                    if (before.contains(row.key())) {
+                        QCOMPARE(*row, before[row.key()]); // nothing that was there changes
+                        continue;
+                    }
+                    ++made;
+                    QCOMPARE(row->value("FolderKey"), QString("armop"));
+                    const QString own = row->value("caption") + '|' + row->value("MenuResourceKey");
+                    QVERIFY2(offered.contains(own), qPrintable(own));
+                }
+                QVERIFY2(made <= offered.size(),
+                         qPrintable(QString("%1 of %2").arg(made).arg(offered.size())));
+                const int gone = before.size() + made - after.size();
+                QVERIFY(gone == 0 || (readable && read.cut));
+                written += made;
+                deleted += gone;
+                before = after;
+                if (before.isEmpty())
+                    break;
+            }
+            // What an editor that is opened now shows.
+            TestHost another(store);
+            OperationsEditor fresh(another);
+            fresh.openDesck("armop");
+            QCOMPARE(keysShown(*editor->m_menuModel), keysShown(*fresh->m_menuModel));
+            QCOMPARE(faults(store.url()), QStringList());
+        }
+        qInfo("%d pastes, %d elements written, %d deleted by cuts", wanted, written, deleted);
+    }
+
+    void resources() {
+        const int wanted = rounds(300);
+        int moved = 0;
+        for (int done = 0; done < wanted;) {
+            TestStore store;
+            fillCatalogue(store);
+            TestHost host(store);
+            EditorUnderTest<PasteProbe> editor(host, "Resources");
+            QVERIFY(editor.start());
+            QTreeView* tree = editor.view("tvRes");
+            tree->expandAll();
+            Rows folders = rowsOf(host.ownStore(), "MenuResourceFolder");
+            Rows items = rowsOf(host.ownStore(), "MenuResource");
+            const QStringList keys = folders.keys() + items.keys();
+            const QStringList foreign = {"", "nobody", "MenuRootNode", QString(300, 'k'),
+                                         "mod;fun"};
+            QVector<QByteArray> samples;
+            for (const QString& key : keys) {
+                tree->setCurrentIndex(editor->m_resModel->findIndexByKey(key));
+                editor->on_actCut_triggered();
+                if (const QByteArray cut = onClipboard(resourcesMime); !cut.isEmpty())
+                    samples << cut;
+            }
+            QVERIFY(samples.size() > 5);
+            for (int i = 0; i < pastesOfAStore && done < wanted; ++i, ++done) {
+                const QByteArray bytes = m_mutator.payload(samples, keys + foreign);
+                putOnClipboard(resourcesMime, bytes);
+                tree->setCurrentIndex(
+                    editor->m_resModel->findIndexByKey(keys[m_mutator.below(keys.size())]));
+                editor->on_actPaste_triggered();
+                if (boxStands(*editor.module)) // refused, in words
+                    editor.module->m_popMessageBox->hide();
+                host.deliver(*editor.module);
+
+                const auto compare = [&](const Rows& before, const Rows& after, const char* link) {
+                    if (after.keys() != before.keys())
+                        return QString("records came or went");
+                    for (auto row = after.begin(); row != after.end(); ++row) {
+                        QMap<QString, QString> expected = before[row.key()];
+                        if (*row == expected)
+                            continue;
+                        ++moved;
+                        expected[link] = row->value(link);
+                        if (*row != expected || !bytes.toLower().contains(row.key().toUtf8()))
+                            return row.key() + " is another";
+                    }
+                    return QString();
+                };
+                const Rows foldersNow = rowsOf(host.ownStore(), "MenuResourceFolder");
+                const Rows itemsNow = rowsOf(host.ownStore(), "MenuResource");
+                QCOMPARE(compare(folders, foldersNow, "ParentKey"), QString());
+                QCOMPARE(compare(items, itemsNow, "MenuResourceFolderKey"), QString());
+                folders = foldersNow;
+                items = itemsNow;
+                for (const QString& key : folders.keys()) { // no folder is within itself
+                    QString up = key;
+                    for (int depth = 0; !up.isEmpty(); ++depth) {
+                        QVERIFY2(depth <= folders.size(), qPrintable(key));
+                        up = folders.value(up).value("ParentKey").toLower();
+                    }
+                }
+            }
+            TestHost another(store);
+            EditorUnderTest<PasteProbe> fresh(another, "Resources");
+            QVERIFY(fresh.start());
+            // Rows that are no records are those of every tree, and the one above orphans, which
+            // stays when the last of them has been given a folder.
+            const QStringList now = keysShown(*fresh->m_resModel) << "wrongfolder";
+            for (const QString& key : keysShown(*editor->m_resModel))
+                QVERIFY2(now.contains(key) || folders.contains(key) || items.contains(key),
+                         qPrintable(key));
+            QCOMPARE(faults(store.url()), QStringList());
+        }
+        qInfo("%d pastes, %d resources and folders moved", wanted, moved);
+    }
 
 private:
     Mutator m_mutator{seed()};
 };
-
-void TestTrialPastes::menuElements() {
-    const int wanted = rounds(300);
-    int written = 0;
-    int deleted = 0;
-    for (int done = 0; done < wanted;) {
-        TestStore store;
-        fillPlant(store);
-        TestHost host(store);
-        OperationsEditor editor(host);
-        editor.openDesck("armop");
-        QVector<QByteArray> samples;
-        const auto copy = [&](std::initializer_list<const char*> rows) {
-            editor.selectElements(rows);
-            editor->on_actCopyMenuElement_triggered();
-            samples << onClipboard(menuMime);
-            QByteArray cut = samples.last();
-            samples << cut.replace(0, cut.indexOf('\n'), QByteArray::number(MenuPayload::Cut));
-        };
-        copy({"shema"});
-        copy({"glubzhe"});
-        copy({"grafiki", "propal"});
-        copy({"trend", "calc", "form"});
-        Rows before = rowsOf(host.ownStore(), "Menu");
-        for (int i = 0; i < pastesOfAStore && done < wanted; ++i, ++done) {
-            const QStringList present = before.keys();
-            QStringList keys = present;
-            keys << "armop"
-                 << ""
-                 << "nobody"
-                 << "MenuRootNode" << QString(300, 'k');
-            const QByteArray bytes = m_mutator.payload(samples, keys);
-            editor->m_cutPending = m_mutator.below(2) == 0; // or it is taken off the clipboard
-            putOnClipboard(menuMime, bytes);
-            // The folder may be gone with a cut.
-            const QString target = present[m_mutator.below(present.size())];
-            editor.view("tvMenu")->setCurrentIndex(editor->m_menuModel->findIndexByKey(
-                m_mutator.below(8) == 0 ? "MenuRootNode" : target));
-            editor->on_actPasteMenuElement_triggered();
-            host.deliver(*editor.module);
-
-            const Rows after = rowsOf(host.ownStore(), "Menu");
-            MenuPayload read;
-            const bool readable = read.read(bytes);
-            QStringList offered; // what a record may have of the payload
-            for (int32_t n = 0; readable && n < recordCount(read.table); ++n) {
-                const MDRData* record = MDARec(read.table.array, 0, n);
-                offered << textOf(record, "caption") + '|' + textOf(record, "MenuResourceKey");
-                // A folder that comes with the one above it bears its caption as `parent`.
-                if (orvo::menu::isFolderRecord(record))
-                    offered << "|";
-            }
-            int made = 0;
-            for (auto row = after.begin(); row != after.end(); ++row) {
-                if (before.contains(row.key())) {
-                    QCOMPARE(*row, before[row.key()]); // nothing that was there changes
-                    continue;
-                }
-                ++made;
-                QCOMPARE(row->value("FolderKey"), QString("armop"));
-                const QString own = row->value("caption") + '|' + row->value("MenuResourceKey");
-                QVERIFY2(offered.contains(own), qPrintable(own));
-            }
-            QVERIFY2(made <= offered.size(),
-                     qPrintable(QString("%1 of %2").arg(made).arg(offered.size())));
-            const int gone = before.size() + made - after.size();
-            QVERIFY(gone == 0 || (readable && read.cut));
-            written += made;
-            deleted += gone;
-            before = after;
-            if (before.isEmpty())
-                break;
-        }
-        // What an editor that is opened now shows.
-        TestHost another(store);
-        OperationsEditor fresh(another);
-        fresh.openDesck("armop");
-        QCOMPARE(keysShown(*editor->m_menuModel), keysShown(*fresh->m_menuModel));
-        QCOMPARE(faults(store.url()), QStringList());
-    }
-    qInfo("%d pastes, %d elements written, %d deleted by cuts", wanted, written, deleted);
-}
-
-void TestTrialPastes::resources() {
-    const int wanted = rounds(300);
-    int moved = 0;
-    for (int done = 0; done < wanted;) {
-        TestStore store;
-        fillCatalogue(store);
-        TestHost host(store);
-        EditorUnderTest<PasteProbe> editor(host, "Resources");
-        QVERIFY(editor.start());
-        QTreeView* tree = editor.view("tvRes");
-        tree->expandAll();
-        Rows folders = rowsOf(host.ownStore(), "MenuResourceFolder");
-        Rows items = rowsOf(host.ownStore(), "MenuResource");
-        const QStringList keys = folders.keys() + items.keys();
-        const QStringList foreign = {"", "nobody", "MenuRootNode", QString(300, 'k'), "mod;fun"};
-        QVector<QByteArray> samples;
-        for (const QString& key : keys) {
-            tree->setCurrentIndex(editor->m_resModel->findIndexByKey(key));
-            editor->on_actCut_triggered();
-            if (const QByteArray cut = onClipboard(resourcesMime); !cut.isEmpty())
-                samples << cut;
-        }
-        QVERIFY(samples.size() > 5);
-        for (int i = 0; i < pastesOfAStore && done < wanted; ++i, ++done) {
-            const QByteArray bytes = m_mutator.payload(samples, keys + foreign);
-            putOnClipboard(resourcesMime, bytes);
-            tree->setCurrentIndex(
-                editor->m_resModel->findIndexByKey(keys[m_mutator.below(keys.size())]));
-            editor->on_actPaste_triggered();
-            if (boxStands(*editor.module)) // refused, in words
-                editor.module->m_popMessageBox->hide();
-            host.deliver(*editor.module);
-
-            const auto compare = [&](const Rows& before, const Rows& after, const char* link) {
-                if (after.keys() != before.keys())
-                    return QString("records came or went");
-                for (auto row = after.begin(); row != after.end(); ++row) {
-                    QMap<QString, QString> expected = before[row.key()];
-                    if (*row == expected)
-                        continue;
-                    ++moved;
-                    expected[link] = row->value(link);
-                    if (*row != expected || !bytes.toLower().contains(row.key().toUtf8()))
-                        return row.key() + " is another";
-                }
-                return QString();
-            };
-            const Rows foldersNow = rowsOf(host.ownStore(), "MenuResourceFolder");
-            const Rows itemsNow = rowsOf(host.ownStore(), "MenuResource");
-            QCOMPARE(compare(folders, foldersNow, "ParentKey"), QString());
-            QCOMPARE(compare(items, itemsNow, "MenuResourceFolderKey"), QString());
-            folders = foldersNow;
-            items = itemsNow;
-            for (const QString& key : folders.keys()) { // no folder is within itself
-                QString up = key;
-                for (int depth = 0; !up.isEmpty(); ++depth) {
-                    QVERIFY2(depth <= folders.size(), qPrintable(key));
-                    up = folders.value(up).value("ParentKey").toLower();
-                }
-            }
-        }
-        TestHost another(store);
-        EditorUnderTest<PasteProbe> fresh(another, "Resources");
-        QVERIFY(fresh.start());
-        // Rows that are no records are those of every tree, and the one above orphans, which stays
-        // when the last of them has been given a folder.
-        const QStringList now = keysShown(*fresh->m_resModel) << "wrongfolder";
-        for (const QString& key : keysShown(*editor->m_resModel))
-            QVERIFY2(now.contains(key) || folders.contains(key) || items.contains(key),
-                     qPrintable(key));
-        QCOMPARE(faults(store.url()), QStringList());
-    }
-    qInfo("%d pastes, %d resources and folders moved", wanted, moved);
-}
 
 QTEST_MAIN(TestTrialPastes)
 #include "tst_trial_pastes.moc"

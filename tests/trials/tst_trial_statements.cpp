@@ -274,7 +274,74 @@ private slots:
         QTest::newRow("viewer") << QByteArray("orvo_viewer");
         QTest::newRow("engineer") << QByteArray("orvo_engineer");
     }
-    void neitherHarms();
+
+    void neitherHarms() {
+        QFETCH(QByteArray, role);
+        const bool writes = role == "orvo_engineer";
+        QVERIFY(byHand("REVOKE orvo_engineer, orvo_viewer FROM mallory; GRANT " + role +
+                       " TO mallory; GRANT orvo_engineer TO anna;"
+                       "CREATE SCHEMA mallory AUTHORIZATION mallory;"
+                       // More than the store gives, so that nothing hangs on it.
+                       "DO $$ BEGIN EXECUTE format('GRANT TEMPORARY ON DATABASE %I TO mallory', "
+                       "current_database()); END $$;"));
+        ORVO_OK(m_store->filePut({{"", "x", "bytes", {}}}));
+        const auto anna = opened("anna");
+        QVERIFY(anna);
+        ORVO_OK(Batch("Menu").insert("hers", {{"caption", "a"}}).send(*anna));
+        const QByteArray before = rights();
+        QVERIFY(before.size() > 500);
+
+        postgres::Url url;
+        ORVO_OK(url.parse(m_cluster->url(m_database.toStdString(), "mallory")));
+        Generator generator(seed());
+        std::vector<std::unique_ptr<postgres::Connection>> open;
+        const int wanted = rounds(60);
+        int done = 0;
+        int events = 0;
+        qint64 longest = 0;
+        int64_t end = 0;
+        for (int i = 0; i < wanted; ++i) {
+            ORVO_OK(m_store->logPosition(&end));
+            const QByteArray sql = generator.statement();
+            // Of a viewer each statement stays in an open transaction; an engineer who does that
+            // holds others up until a limit ends it, which is another test's.
+            open.push_back(std::make_unique<postgres::Connection>());
+            ORVO_OK(open.back()->open(url));
+            open.back()->execute("RESET ALL; SET lock_timeout = '1s'");
+            if (!writes)
+                open.back()->execute("BEGIN");
+            done += postgres::succeeded(open.back()->execute(sql.toStdString()).get()) ? 1 : 0;
+            if (writes)
+                open.clear();
+            else if (open.size() > openSessions)
+                open.erase(open.begin());
+
+            std::vector<Change> changes;
+            ORVO_OK(m_store->readLog(end, 100000, &changes));
+            for (const Change& change : changes)
+                QVERIFY2(writes && change.login == "mallory", sql);
+            events += int(changes.size());
+            QElapsedTimer clock;
+            clock.start();
+            const Status status =
+                Batch("MenuFileExt").insert("anna-" + QByteArray::number(i) + "-").send(*anna);
+            QVERIFY2(status.ok(), sql + ": " + status.text.c_str());
+            longest = std::max(longest, clock.elapsed());
+            QVERIFY2(clock.elapsed() < mostWriteMs, sql);
+            if (i % checkEvery != checkEvery - 1 && i != wanted - 1)
+                continue;
+            QCOMPARE(rights(), before);
+            std::vector<std::string> damages;
+            ORVO_OK(m_store->integrity(&damages));
+            for (const std::string& damage : damages) // bytes or their checksum, which he may write
+                QVERIFY2(writes && QByteArray(damage.c_str()).contains("не сходится"),
+                         damage.c_str());
+            QCOMPARE(replayDifferences(m_cluster->url(m_database.toStdString())), QStringList());
+        }
+        qInfo("%d statements, %d of them done, %d events; others wrote within %lld ms", wanted,
+              done, events, longest);
+        open.clear();
+    }
 
 private:
     /// Rights of everybody, and whose the store's objects are.
@@ -293,73 +360,6 @@ private:
         return all;
     }
 };
-
-void TestTrialStatements::neitherHarms() {
-    QFETCH(QByteArray, role);
-    const bool writes = role == "orvo_engineer";
-    QVERIFY(byHand("REVOKE orvo_engineer, orvo_viewer FROM mallory; GRANT " + role +
-                   " TO mallory; GRANT orvo_engineer TO anna;"
-                   "CREATE SCHEMA mallory AUTHORIZATION mallory;"
-                   // More than the store gives, so that nothing hangs on it.
-                   "DO $$ BEGIN EXECUTE format('GRANT TEMPORARY ON DATABASE %I TO mallory', "
-                   "current_database()); END $$;"));
-    ORVO_OK(m_store->filePut({{"", "x", "bytes", {}}}));
-    const auto anna = opened("anna");
-    QVERIFY(anna);
-    ORVO_OK(Batch("Menu").insert("hers", {{"caption", "a"}}).send(*anna));
-    const QByteArray before = rights();
-    QVERIFY(before.size() > 500);
-
-    postgres::Url url;
-    ORVO_OK(url.parse(m_cluster->url(m_database.toStdString(), "mallory")));
-    Generator generator(seed());
-    std::vector<std::unique_ptr<postgres::Connection>> open;
-    const int wanted = rounds(60);
-    int done = 0;
-    int events = 0;
-    qint64 longest = 0;
-    int64_t end = 0;
-    for (int i = 0; i < wanted; ++i) {
-        ORVO_OK(m_store->logPosition(&end));
-        const QByteArray sql = generator.statement();
-        // Of a viewer each statement stays in an open transaction; an engineer who does that holds
-        // others up until a limit ends it, which is another test's.
-        open.push_back(std::make_unique<postgres::Connection>());
-        ORVO_OK(open.back()->open(url));
-        open.back()->execute("RESET ALL; SET lock_timeout = '1s'");
-        if (!writes)
-            open.back()->execute("BEGIN");
-        done += postgres::succeeded(open.back()->execute(sql.toStdString()).get()) ? 1 : 0;
-        if (writes)
-            open.clear();
-        else if (open.size() > openSessions)
-            open.erase(open.begin());
-
-        std::vector<Change> changes;
-        ORVO_OK(m_store->readLog(end, 100000, &changes));
-        for (const Change& change : changes)
-            QVERIFY2(writes && change.login == "mallory", sql);
-        events += int(changes.size());
-        QElapsedTimer clock;
-        clock.start();
-        const Status status =
-            Batch("MenuFileExt").insert("anna-" + QByteArray::number(i) + "-").send(*anna);
-        QVERIFY2(status.ok(), sql + ": " + status.text.c_str());
-        longest = std::max(longest, clock.elapsed());
-        QVERIFY2(clock.elapsed() < mostWriteMs, sql);
-        if (i % checkEvery != checkEvery - 1 && i != wanted - 1)
-            continue;
-        QCOMPARE(rights(), before);
-        std::vector<std::string> damages;
-        ORVO_OK(m_store->integrity(&damages));
-        for (const std::string& damage : damages) // bytes or their checksum, which he may write
-            QVERIFY2(writes && QByteArray(damage.c_str()).contains("не сходится"), damage.c_str());
-        QCOMPARE(replayDifferences(m_cluster->url(m_database.toStdString())), QStringList());
-    }
-    qInfo("%d statements, %d of them done, %d events; others wrote within %lld ms", wanted, done,
-          events, longest);
-    open.clear();
-}
 
 QTEST_GUILESS_MAIN(TestTrialStatements)
 
