@@ -22,9 +22,12 @@ store::Status collectBackTo(store::MaintainedStore& store, const Filter& scope, 
     Reader reader(store, later);
     std::vector<Group> found;
     while (!reader.atEnd()) {
+        const size_t known = found.size();
         store::Status status = reader.next(50, &found);
         if (!status.ok())
             return status;
+        for (size_t i = known; i < found.size(); ++i) // what they wrote is of no matter here
+            found[i].changes = {};
         if (found.size() > mostGroups)
             return {store::Refused,
                     "действий больше " + std::to_string(mostGroups) + ": выберите место ближе"};

@@ -17,7 +17,9 @@ constexpr int mostFollowed = 2000;
 
 } // namespace
 
-BranchMembers::BranchMembers(Branch branch) : m_branch(std::move(branch)) {}
+BranchMembers::BranchMembers(Branch branch)
+    : m_branch(std::move(branch))
+    , m_records(std::make_shared<Records>()) {}
 
 /// Adds these records and all below them.
 store::Status BranchMembers::addBelow(store::MaintainedStore& store, Level level,
@@ -50,9 +52,9 @@ store::Status BranchMembers::lookUp(store::MaintainedStore& store) {
     store::Status status = store.storedValues(*m_branch.table, {key}, &top);
     if (!top.empty())
         key = store::textOf(top.begin()->second.front());
-    Records records;
+    auto records = std::make_shared<Records>();
     if (status.ok())
-        status = addBelow(store, {{m_branch.table, key}}, &records);
+        status = addBelow(store, {{m_branch.table, key}}, records.get());
     if (!status.ok())
         return status;
     m_records.swap(records);
@@ -65,8 +67,8 @@ store::Status BranchMembers::follow(store::MaintainedStore& store,
     Level joined;
     Records fresh;
     const auto isMember = [&](const store::TableDef* table, const std::string& key) {
-        const std::pair<std::string, std::string> record{table->name, store::foldedKey(key)};
-        return m_records.count(record) != 0 || fresh.count(record) != 0;
+        const Record record{table->name, store::foldedKey(key)};
+        return m_records->count(record) != 0 || fresh.count(record) != 0;
     };
     for (const store::Change& change : changes) {
         const LoggedChange read = logged(change);
@@ -88,9 +90,12 @@ store::Status BranchMembers::follow(store::MaintainedStore& store,
     // What is a member has to be entered anew: others may have been below it before it was.
     Records records;
     store::Status status = addBelow(store, std::move(joined), &records);
-    if (status.ok())
-        m_records.insert(records.begin(), records.end());
-    return status;
+    if (!status.ok() || records.empty())
+        return status;
+    if (m_records.use_count() > 1)
+        m_records = std::make_shared<Records>(*m_records);
+    m_records->insert(records.begin(), records.end());
+    return {};
 }
 
 store::Status BranchMembers::update(store::MaintainedStore& store) {

@@ -9,6 +9,7 @@
 #include "history/RecordSource.h"
 
 #include <cstdint>
+#include <memory>
 #include <set>
 #include <string>
 #include <utility>
@@ -26,14 +27,16 @@ struct Branch {
 class BranchMembers {
 public:
     /// Names of tables and folded keys.
-    using Records = std::set<std::pair<std::string, std::string>>;
+    using Record = std::pair<std::string, std::string>;
+    using Records = std::set<Record>;
 
     explicit BranchMembers(Branch branch);
 
     /// Afterwards the records are those that the branch has now, or had a moment ago. After a
     /// failure they are what they were.
     store::Status update(store::MaintainedStore& store);
-    const Records& records() const { return m_records; }
+    /// They stay as they are for who has them, whatever is written later. Not null.
+    std::shared_ptr<const Records> records() const { return m_records; }
     /// How often the whole branch was looked up.
     int lookUps() const { return m_lookUps; }
 
@@ -47,8 +50,8 @@ private:
                          bool* known);
 
     const Branch m_branch;
-    Records m_records;
-    int64_t m_position = -1; ///< of the log, up to which they are known; -1: not at all
+    std::shared_ptr<Records> m_records; ///< others have it as well: no more to be changed
+    int64_t m_position = -1;            ///< of the log, up to which they are known; -1: not at all
     int m_lookUps = 0;
 };
 

@@ -171,6 +171,17 @@ QString lineOf(const std::vector<LoggedChange>& all, RecordSource& source) {
     return line;
 }
 
+/// A group that was read in part and not counted.
+QString beginningOf(const std::vector<LoggedChange>& all, RecordSource& source) {
+    const std::vector<const LoggedChange*> ones = mainOnes(all);
+    const LoggedChange& first = ones.empty() ? all.front() : *ones.front();
+    return sentence(first, source) +
+           QStringLiteral(" и ещё не меньше %1 %2")
+               .arg(all.size())
+               .arg(numeralForm(all.size(), QStringLiteral("записи"), QStringLiteral("записей"),
+                                QStringLiteral("записей")));
+}
+
 } // namespace
 
 GroupWords describe(const Group& group, RecordSource& source) {
@@ -185,7 +196,7 @@ GroupWords describe(const Group& group, RecordSource& source) {
         placeBy(large.first());
     } else {
         const std::vector<LoggedChange> all = allLogged(group);
-        words.what = lineOf(all, source);
+        words.what = group.whole ? lineOf(all, source) : beginningOf(all, source);
         if (const std::vector<const LoggedChange*> ones = mainOnes(all); !ones.empty())
             placeBy(*ones.front());
     }

@@ -108,7 +108,11 @@ store::Status findTop(store::MaintainedStore& store, const Group& group, int64_t
     return status;
 }
 
-store::Status countAll(store::MaintainedStore& store, Group* group) {
+} // namespace
+
+store::Status countGroup(store::MaintainedStore& store, Group* group) {
+    if (group->isCounted())
+        return {};
     std::vector<store::ChangeCount> counts;
     store::Status status = store.countChanges(group->id, &counts);
     if (status.ok())
@@ -129,7 +133,10 @@ store::Status countAll(store::MaintainedStore& store, Group* group) {
     return status;
 }
 
-} // namespace
+store::Status readForWords(store::MaintainedStore& store, int64_t id, Group* group) {
+    store::Status status = readGroup(store, id, group, Group::mostChanges);
+    return status.ok() ? countGroup(store, group) : status;
+}
 
 store::Status readGroup(store::MaintainedStore& store, int64_t id, Group* group, int most) {
     store::LogQuery query;
@@ -154,8 +161,7 @@ store::Status readGroup(store::MaintainedStore& store, int64_t id, Group* group,
     group->redoes = false;
     if (!group->undoes.empty() && most != 1) // what is read for its head alone is not told
         status = doesAgain(store, group->undoes.front(), &group->redoes);
-    return !status.ok() || group->whole || most < Group::mostChanges ? status
-                                                                     : countAll(store, group);
+    return status;
 }
 
 Reader::Reader(store::MaintainedStore& store, Filter filter, BranchMembers* members)
@@ -185,7 +191,13 @@ store::Status Reader::begin() {
     BranchMembers& members = m_known != nullptr ? *m_known : own;
     store::Status status = members.update(m_store);
     m_members = members.records();
+    m_differing.clear();
     return status;
+}
+
+bool Reader::isMember(const BranchMembers::Record& record) const {
+    const auto differing = m_differing.find(record);
+    return differing == m_differing.end() ? m_members->count(record) != 0 : differing->second;
 }
 
 /// Going back in time a record joins the branch at the change that took it out, and leaves it at
@@ -194,28 +206,27 @@ bool Reader::isInBranch(const store::Change& change) {
     const store::TableDef* table = tableOf(change.table);
     if (!table)
         return false;
-    const std::pair<std::string, std::string> record{change.table, store::foldedKey(change.key)};
+    const BranchMembers::Record record{change.table, store::foldedKey(change.key)};
     const auto standsIn = [&](const std::string& json) {
         const Values values = store::valuesFromJson(*table, json);
         for (const store::ParentField& parent : store::parentFields(*table)) {
             const auto found = values.find(table->find(parent.field));
             if (found != values.end() &&
-                m_members.count({parent.table, store::foldedKey(store::textOf(found->second))}) !=
-                    0)
+                isMember({parent.table, store::foldedKey(store::textOf(found->second))}))
                 return true;
         }
         return false;
     };
     const bool root =
         m_filter.branch->table == table && store::foldedKey(m_filter.branch->key) == record.second;
-    const bool after = m_members.count(record) != 0;
+    const bool after = isMember(record);
     const bool wasPlaced = change.before.find('"') != std::string::npos;
     const bool before = root || (wasPlaced && standsIn(change.before));
     const bool movedIn = !root && after && standsIn(change.after) && !before;
     if (before)
-        m_members.insert(record);
+        m_differing[record] = true;
     else if (movedIn)
-        m_members.erase(record);
+        m_differing[record] = false;
     return after || before;
 }
 
@@ -260,6 +271,7 @@ store::Status Reader::next(size_t most, std::vector<Group>* groups) {
                  Group group;
                  store::Status done = readGroup(m_store, change.group, &group, Group::mostChanges);
                  count += group.changes.size();
+                 group.newest = std::max(group.newest, change.id);
                  if (done.ok() && !group.changes.empty())
                      found.push_back(std::move(group));
                  return done;

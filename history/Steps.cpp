@@ -132,7 +132,7 @@ store::Status Walk::words(int64_t group, QString* words) {
     if (group == 0)
         return {};
     Group read;
-    store::Status status = readGroup(m_store, group, &read, Group::mostChanges);
+    store::Status status = readForWords(m_store, group, &read);
     if (!status.ok())
         return status;
     LoggedRecords source(m_store);

@@ -138,8 +138,7 @@ public:
                 continue;
             groups.push_back(change.group);
             history::Group group;
-            require(history::readGroup(store, change.group, &group, history::Group::mostChanges),
-                    "история не прочитана");
+            require(history::readForWords(store, change.group, &group), "история не прочитана");
             source.prepare(group.changes);
             known->second = history::describe(group, source).what;
         }
@@ -226,7 +225,8 @@ int run(const Invocation& call) {
                 "история не прочитана");
         history::LoggedRecords source(*store);
         std::vector<int64_t> groups;
-        for (const history::Group& group : page) {
+        for (history::Group& group : page) {
+            require(history::countGroup(*store, &group), "история не прочитана");
             source.prepare(group.changes);
             groups.push_back(group.id);
         }

@@ -24,6 +24,7 @@ struct HistoryAction {
     QString what, place;
     QString before, after;  ///< if only one value was changed
     HistoryRecord record;   ///< the first that it is about
+    bool isCounted = true;  ///< what holds for all its changes
     bool undone = false;    ///< it has been taken back
     bool forgotten = false; ///< the log does not tell of it any more
 

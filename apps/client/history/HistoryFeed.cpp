@@ -59,6 +59,7 @@ HistoryAction actionOf(const history::Group& group, history::RecordSource& sourc
     HistoryAction action;
     action.group = group.id;
     action.newest = group.newest;
+    action.isCounted = group.isCounted();
     action.time = group.time;
     action.login = group.login;
     action.who =
@@ -273,6 +274,13 @@ void HistoryFeed::take(const Page& page) {
         m_model.setOldest(page.firstOfLog());
 }
 
+/// Large actions are counted behind the page, which need not wait for it.
+void HistoryFeed::count(const Page& page) {
+    for (const HistoryAction& action : page.actions)
+        if (!action.isCounted)
+            texts({action.group});
+}
+
 void HistoryFeed::note(const Page& page) {
     if (!m_model.isAtEnd())
         emit noted(QString());
@@ -329,6 +337,7 @@ void HistoryFeed::moreCame(uint64_t round, const store::Status& status, const Pa
         m_newest = page.position;
     m_model.append(page.actions, page.atEnd);
     take(page);
+    count(page);
     m_model.setUndone(page.undone);
     if (page.actions.empty() && !page.atEnd) {
         emit noted(QStringLiteral("Ищется дальше…"));
@@ -390,6 +399,7 @@ void HistoryFeed::newerCame(uint64_t round, const store::Status& status, const P
     m_newest = page.position;
     m_model.prepend(page.actions);
     take(page);
+    count(page);
     m_model.setUndone(page.undone);
     note(page);
     if (std::exchange(m_outdated, false))
@@ -408,7 +418,7 @@ void HistoryFeed::texts(const std::vector<int64_t>& groups) {
             for (const int64_t id : groups) {
                 history::Group group;
                 if (status.ok())
-                    status = history::readGroup(store, id, &group, history::Group::mostChanges);
+                    status = history::readForWords(store, id, &group);
                 group.id = id;
                 read.push_back(std::move(group));
             }

@@ -53,6 +53,7 @@ private:
     void texts(const std::vector<int64_t>& groups);
     void details(int64_t group);
     void take(const Page& page);
+    void count(const Page& page);
     void note(const Page& page);
 
     StoreThread& m_thread;
