@@ -163,6 +163,7 @@ private:
     bool m_alone = false;           ///< nothing was written since the actions but by them
     std::set<const Record*> m_kept; ///< deletions that are left out
     bool m_foundUploads = false;
+    int64_t m_forgotten = 0; ///< versions of changes up to this one may be missing
     struct Lock {
         std::string key; ///< of the form
         std::string login;

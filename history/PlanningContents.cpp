@@ -70,11 +70,12 @@ bool Planning::bytesOf(const Record& record, const std::map<int64_t, store::Kept
                        std::optional<store::KeptVersion>* version) const {
     const store::TableDef& contents = store::contentTable();
     const auto changesBytes = [&](const Event& event) {
+        if (event.change->code != OrvoEventUpdate || kept.count(event.change->id) != 0)
+            return true;
         // An upload of the same size and time changes no field.
-        return event.change->code != OrvoEventUpdate || event.after.empty() ||
-               event.after.count(contents.find(field::size)) != 0 ||
-               event.after.count(contents.find(field::time)) != 0 ||
-               kept.count(event.change->id) != 0;
+        return event.change->id <= m_forgotten &&
+               (event.after.empty() || event.after.count(contents.find(field::size)) != 0 ||
+                event.after.count(contents.find(field::time)) != 0);
     };
     // What a change has left is what the next one took away.
     const Event* last = nullptr;
@@ -105,6 +106,8 @@ store::Status Planning::decideContents() {
         query.contents->push_back(key);
     std::vector<store::KeptVersion> versions; // the newest first: of an event the first one stays
     store::Status listed = m_store.versions(query, &versions);
+    if (listed.ok())
+        listed = m_store.versionsForgotten(&m_forgotten);
     if (!listed.ok())
         return listed;
     std::map<int64_t, store::KeptVersion> kept;
@@ -125,7 +128,12 @@ store::Status Planning::decideContents() {
         }
         if (!record.presentThen || (!record.present && record.flag != MDX_INSERT))
             continue;
-        // They go with the bytes.
+        // They go with the bytes, unless these stay.
+        const auto touched = record.values.find(time);
+        const std::optional<store::Value> onlyTime =
+            touched != record.values.end() && record.flag == MDX_UPDATE
+                ? std::optional<store::Value>(touched->second)
+                : std::nullopt;
         record.values.erase(size);
         record.values.erase(time);
         if (record.values.empty())
@@ -136,6 +144,10 @@ store::Status Planning::decideContents() {
         }
         std::optional<store::KeptVersion> version;
         const bool known = bytesOf(record, kept, &version);
+        if (known && !version && onlyTime) {
+            record.values[time] = *onlyTime;
+            record.flag = MDX_UPDATE;
+        }
         if (known && !version && record.flag == 0)
             continue;
         if (remarkLocked(ownerKey(record))) {

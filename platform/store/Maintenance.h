@@ -178,6 +178,9 @@ public:
     /// never in memory as a whole. UnknownName if it is kept no more; Failed, naming it, if they
     /// are not the ones that its checksum was made of: then the pieces are not to be used.
     virtual Status versionBytes(int64_t id, const TakePiece& take) = 0;
+    /// Of a later change than this one, every version is kept: if it has none, it took no bytes
+    /// away.
+    virtual Status versionsForgotten(int64_t* change) = 0;
     /// Forgets the versions that were replaced before that time and, of the others, the oldest ones
     /// beyond so many bytes. With `onlyLook` it only tells what would go.
     virtual Status pruneVersions(double before, uint64_t mostBytes, bool onlyLook,

@@ -215,7 +215,7 @@ std::string checkTables() {
     select("\"id\", \"code\", \"tableName\", \"key\", \"login\", \"time\", \"after\", \"before\", "
            "\"call\", \"group\", \"xact\", \"client\", \"place\", \"undoes\"",
            "NciEvent");
-    select("\"id\"", "NciPruned");
+    select("\"id\", \"versions\"", "NciPruned");
     select(versionColumns, "NciVersion");
     select("\"id\", \"part\", \"data\"", "NciVersionData");
     select("\"version\", \"identity\"", "NciStore");

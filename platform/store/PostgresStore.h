@@ -120,6 +120,7 @@ protected:
     Status versionPieces(int64_t id, const EachPiece& each) override;
     Status applyVersion(const Write& write, const KeptVersion& version) override;
     Status deleteVersions(const std::vector<int64_t>& ids) override;
+    Status selectVersionsEnd(int64_t* change) override;
 
 private:
     friend class InvariantScope<PostgresStore>;

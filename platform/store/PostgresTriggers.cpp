@@ -7,6 +7,7 @@
 #include "platform/store/PostgresSchema.h"
 
 #include "frame/Vocabulary.h"
+#include "platform/store/ContentChecksum.h"
 #include "platform/store/Sql.h"
 
 #include <algorithm>
@@ -277,17 +278,9 @@ BEGIN
     FROM public."MenuResourceFileData" WHERE "KeyLink" OPERATOR(pg_catalog.=) OLD."KeyLink";
   RETURN OLD;
 END )";
-std::string keepReplaced() {
-    return R"(  FOR v_file IN SELECT f.* FROM public."MenuResourceFile" AS f
-      WHERE f."KeyLink" OPERATOR(pg_catalog.=) ANY (SELECT "KeyLink" FROM gone) LOOP
-    IF TG_OP OPERATOR(pg_catalog.=) 'UPDATE' THEN
-      CONTINUE WHEN NOT EXISTS (SELECT 1 FROM gone AS g
-        WHERE g."KeyLink" OPERATOR(pg_catalog.=) v_file."KeyLink" AND NOT EXISTS (SELECT 1
-          FROM come AS c WHERE c."KeyLink" OPERATOR(pg_catalog.=) g."KeyLink"
-            AND c."part" OPERATOR(pg_catalog.=) g."part"
-            AND c."data" OPERATOR(pg_catalog.=) g."data"));
-    END IF;
-    v_event := NULL;
+/// Of the content v_file: the change of this transaction that its bytes go with, and the time that
+/// the file had before.
+constexpr const char* findContentEvent = R"(    v_event := NULL;
     v_login := NULL;
     v_before := NULL;
     SELECT "id", "login", "before" INTO v_event, v_login, v_before FROM public."NciEvent"
@@ -299,7 +292,20 @@ std::string keepReplaced() {
       v_file."time" :=
         pg_catalog.jsonb_extract_path_text(v_before::pg_catalog.jsonb, 'time')::pg_catalog.float8;
     END IF;
-    v_id := pg_catalog.nextval('public."NciVersionId"');
+)";
+
+std::string keepReplaced() {
+    return R"sql(  FOR v_file IN SELECT f.* FROM public."MenuResourceFile" AS f
+      WHERE f."KeyLink" OPERATOR(pg_catalog.=) ANY (SELECT "KeyLink" FROM gone) LOOP
+    IF TG_OP OPERATOR(pg_catalog.=) 'UPDATE' THEN
+      CONTINUE WHEN NOT EXISTS (SELECT 1 FROM gone AS g
+        WHERE g."KeyLink" OPERATOR(pg_catalog.=) v_file."KeyLink" AND NOT EXISTS (SELECT 1
+          FROM come AS c WHERE c."KeyLink" OPERATOR(pg_catalog.=) g."KeyLink"
+            AND c."part" OPERATOR(pg_catalog.=) g."part"
+            AND c."data" OPERATOR(pg_catalog.=) g."data"));
+    END IF;
+)sql" + std::string(findContentEvent) +
+           R"sql(    v_id := pg_catalog.nextval('public."NciVersionId"');
     INSERT INTO public."NciVersion" VALUES (v_id, v_event, coalesce(v_login, ''),
       pg_catalog.date_part('epoch', pg_catalog.clock_timestamp()), v_file."KeyLink",
       v_file."MenuResourceKey", v_file."name_", v_file."time", 0,
@@ -318,13 +324,43 @@ std::string keepReplaced() {
         FROM public."MenuResourceFileData"
         WHERE "KeyLink" OPERATOR(pg_catalog.=) v_file."KeyLink";
     END IF;
-    UPDATE public."NciVersion" SET )" +
-           identifier(field::size) + R"( = (SELECT
+    UPDATE public."NciVersion" SET )sql" +
+           identifier(field::size) + R"sql( = (SELECT
         coalesce(pg_catalog.sum(pg_catalog.octet_length("data")), 0)
         FROM public."NciVersionData" AS d WHERE d."id" OPERATOR(pg_catalog.=) v_id)
       WHERE "id" OPERATOR(pg_catalog.=) v_id;
   END LOOP;
-)";
+)sql";
+}
+
+/// A content without a byte has no part that could go: it is replaced when it gets its first ones,
+/// unless it is new, or its bytes went before in this transaction.
+std::string keepEmpty() {
+    return R"sql(  FOR v_file IN SELECT f.* FROM public."MenuResourceFile" AS f
+      WHERE f."KeyLink" OPERATOR(pg_catalog.=) ANY (SELECT "KeyLink" FROM come)
+        AND NOT EXISTS (SELECT 1 FROM public."MenuResourceFileData" AS d
+          WHERE d."KeyLink" OPERATOR(pg_catalog.=) f."KeyLink" AND NOT EXISTS (SELECT 1
+            FROM come AS c WHERE c."KeyLink" OPERATOR(pg_catalog.=) d."KeyLink"
+              AND c."part" OPERATOR(pg_catalog.=) d."part")) LOOP
+    CONTINUE WHEN EXISTS (SELECT 1 FROM public."NciEvent"
+      WHERE pg_catalog.lower("key") OPERATOR(pg_catalog.=) pg_catalog.lower(v_file."KeyLink")
+        AND ("tableName" OPERATOR(pg_catalog.||) '') OPERATOR(pg_catalog.=) 'MenuResourceFile'
+        AND "code" OPERATOR(pg_catalog.=) )sql" +
+           std::to_string(OrvoEventInsert) + R"sql(
+        AND "xact" OPERATOR(pg_catalog.=) pg_catalog.pg_current_xact_id());
+    CONTINUE WHEN EXISTS (SELECT 1 FROM public."NciVersion" AS v
+      LEFT JOIN public."NciEvent" AS e ON e."id" OPERATOR(pg_catalog.=) v."event"
+      WHERE pg_catalog.lower(v."KeyLink") OPERATOR(pg_catalog.=) pg_catalog.lower(v_file."KeyLink")
+        AND (v."event" IS NULL
+          OR e."xact" OPERATOR(pg_catalog.=) pg_catalog.pg_current_xact_id()));
+)sql" + findContentEvent +
+           R"sql(    INSERT INTO public."NciVersion" VALUES (
+      pg_catalog.nextval('public."NciVersionId"'), v_event, coalesce(v_login, ''),
+      pg_catalog.date_part('epoch', pg_catalog.clock_timestamp()), v_file."KeyLink",
+      v_file."MenuResourceKey", v_file."name_", v_file."time", 0, )sql" +
+           literal(Checksum().text()) + R"sql();
+  END LOOP;
+)sql";
 }
 
 /// Bytes that change make an event of their content's row, unless the same transaction wrote that
@@ -346,8 +382,8 @@ void addContentTriggers(Definitions& all, const TableDef& content) {
                              "  v_id pg_catalog.int8;\n  v_event pg_catalog.int8;\n"
                              "  v_login pg_catalog.text;\n  v_before pg_catalog.text;\n"
                              "BEGIN\n  IF TG_OP OPERATOR(pg_catalog.<>) 'INSERT' THEN\n") +
-                     keepReplaced() + "  END IF;\n" + touch("INSERT", "gone") +
-                     touch("DELETE", "come") + "  RETURN NULL;\nEND ",
+                     keepReplaced() + "  ELSE\n" + keepEmpty() + "  END IF;\n" +
+                     touch("INSERT", "gone") + touch("DELETE", "come") + "  RETURN NULL;\nEND ",
                  true, true, true});
     all.push_back(Function{"NciKeep", "trigger", keepDeleted, true});
     all.push_back(Trigger{"keep", content.name, "BEFORE DELETE", "ROW", "NciKeep"});

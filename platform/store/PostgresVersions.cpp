@@ -61,11 +61,26 @@ Status PostgresStore::applyVersion(const Write& write, const KeptVersion& versio
 
 Status PostgresStore::deleteVersions(const std::vector<int64_t>& ids) {
     Status status;
-    for (const int64_t id : ids)
+    for (const int64_t id : ids) {
+        if (status.ok())
+            status = send("UPDATE public.\"NciPruned\" SET \"versions\" = greatest(\"versions\", "
+                          "(SELECT \"event\" FROM public.\"NciVersion\" WHERE \"id\" = $1))",
+                          Parameters().integer(id), contentName, true);
         if (status.ok())
             status = send("DELETE FROM public.\"NciVersion\" WHERE \"id\" = $1",
                           Parameters().integer(id), contentName, true);
+    }
     return status;
+}
+
+Status PostgresStore::selectVersionsEnd(int64_t* change) {
+    if (const Status status = drainPipeline(); !status.ok())
+        return status;
+    const Result result = m_connection.query("SELECT \"versions\" FROM public.\"NciPruned\"", {});
+    if (!succeeded(result.get()) || PQntuples(result.get()) != 1)
+        return m_connection.failure(contentName, result.get());
+    *change = integerAt(result.get(), 0, 0);
+    return {};
 }
 
 } // namespace orvo::store::postgres

@@ -51,16 +51,27 @@ Status SqliteStore::applyVersion(const Write& write, const KeptVersion& version)
 }
 
 Status SqliteStore::deleteVersions(const std::vector<int64_t>& ids) {
-    Statement* statement = cached("DELETE FROM \"NciVersion\" WHERE \"id\" = ?1");
-    if (statement == nullptr)
-        return m_connection.failure(contentName);
-    for (const int64_t id : ids) {
-        const ResetAfter reset(*statement);
-        statement->bind(1, id);
-        if (statement->step() != SQLITE_DONE)
+    for (const char* sql : {"UPDATE \"NciPruned\" SET \"versions\" = max(\"versions\", "
+                            "coalesce((SELECT \"event\" FROM "
+                            "\"NciVersion\" WHERE \"id\" = ?1), 0))",
+                            "DELETE FROM \"NciVersion\" WHERE \"id\" = ?1"}) {
+        Statement* statement = cached(sql);
+        if (statement == nullptr)
             return m_connection.failure(contentName);
+        for (const int64_t id : ids) {
+            const ResetAfter reset(*statement);
+            statement->bind(1, id);
+            if (statement->step() != SQLITE_DONE)
+                return m_connection.failure(contentName);
+        }
     }
     return {};
+}
+
+Status SqliteStore::selectVersionsEnd(int64_t* change) {
+    return m_connection.integer("SELECT \"versions\" FROM \"NciPruned\"", change) == SQLITE_OK
+               ? Status()
+               : m_connection.failure(contentName);
 }
 
 Status SqliteStore::checkVersions(std::vector<std::string>* damages) {

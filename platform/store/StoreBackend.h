@@ -13,6 +13,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <optional>
 #include <set>
 #include <string>
@@ -109,7 +110,13 @@ public:
     virtual Status versionPieces(int64_t /*id*/, const EachPiece& /*each*/) { return {}; }
     /// As applyContent, with the bytes of a version whose checksum is known.
     virtual Status applyVersion(const Write& write, const KeptVersion& version);
+    /// Remembers up to which change they were.
     virtual Status deleteVersions(const std::vector<int64_t>& /*ids*/) { return {}; }
+    /// Up to which change versions may be missing.
+    virtual Status selectVersionsEnd(int64_t* change) {
+        *change = std::numeric_limits<int64_t>::max();
+        return {};
+    }
 
     struct Amount {
         uint64_t records = 0, contents = 0, bytes = 0;

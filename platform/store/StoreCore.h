@@ -53,6 +53,7 @@ public:
 
     Status versions(const VersionQuery& query, std::vector<KeptVersion>* versions) final;
     Status versionBytes(int64_t id, const TakePiece& take) final;
+    Status versionsForgotten(int64_t* change) final;
     Status pruneVersions(double before, uint64_t mostBytes, bool onlyLook,
                          PrunedVersions* pruned) final;
 

@@ -93,6 +93,10 @@ Status StoreCore::versionBytes(int64_t id, const TakePiece& take) {
     });
 }
 
+Status StoreCore::versionsForgotten(int64_t* change) {
+    return guarded([&] { return inRead([&] { return selectVersionsEnd(change); }); });
+}
+
 Status StoreCore::pruneVersions(double before, uint64_t mostBytes, bool onlyLook,
                                 PrunedVersions* pruned) {
     return guarded([&]() -> Status {

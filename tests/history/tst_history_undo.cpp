@@ -45,6 +45,8 @@ private slots:
     void textsThatRecordsCannotHoldComeBackAsTheyWere();
     void anUploadIsTakenBack();
     void bytesComeBack();
+    void anEmptyFileComesBack();
+    void theTimeOfAFileAloneComesBack();
     void bytesOfOthersStay();
     void aFormIntoWhichOthersPutFilesAsksBeforeItGoes();
     void aFormThatStaysKeepsItsBytes();
@@ -479,6 +481,70 @@ void TestHistoryUndo::bytesComeBack() {
     std::vector<std::string> damages;
     ORVO_OK(m_anna->integrity(&damages));
     QCOMPARE(damages, std::vector<std::string>());
+}
+
+void TestHistoryUndo::anEmptyFileComesBack() {
+    ORVO_OK(m_anna->filePut({{"", "a", "", 1.0}}));
+    QList<QStringList> states = {snapshot()};
+    std::vector<int64_t> groups;
+    for (const char* bytes : {"some", "", "more", ""}) {
+        ORVO_OK(m_anna->filePut({{"", "a", bytes, 2.0}}));
+        groups.push_back(last(*m_anna));
+        states << snapshot();
+    }
+    std::vector<KeptVersion> versions;
+    ORVO_OK(m_anna->versions({}, &versions));
+    QCOMPARE(versions.size(), groups.size());
+    QCOMPARE(versions.back().fileTime.value_or(0), 1.0);
+    for (size_t i = groups.size(); i-- > 0;) {
+        Inverse done;
+        ORVO_OK(undo(*m_anna, {groups[i]}, {}, &done));
+        QCOMPARE(remarks(done), QStringList());
+        QCOMPARE(snapshot(), states[int(i)]);
+    }
+    std::vector<std::string> damages;
+    ORVO_OK(m_anna->integrity(&damages));
+    QCOMPARE(damages, std::vector<std::string>());
+    QVERIFY(m_kind.byHand(
+        m_kind.name() == "sqlite"
+            ? "UPDATE \"MenuResourceFile\" SET \"data\" = CAST('by hand' AS BLOB), \"size\" = 7;"
+            : "BEGIN; INSERT INTO \"MenuResourceFileData\" SELECT \"KeyLink\", 0, 'by hand' FROM "
+              "\"MenuResourceFile\"; UPDATE \"MenuResourceFile\" SET \"size\" = 7; COMMIT;"));
+    std::vector<Change> newest;
+    ORVO_OK(m_anna->history({}, 1, &newest));
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {newest.front().group}, {}, &done));
+    QVERIFY(done.written);
+    QCOMPARE(remarks(done), QStringList());
+    QCOMPARE(snapshot(), states.front());
+}
+
+void TestHistoryUndo::theTimeOfAFileAloneComesBack() {
+    ORVO_OK(m_anna->filePut({{"", "a", "some", 1.0}}));
+    const QStringList before = snapshot();
+    Inverse done;
+    for (const bool byHand : {true, false}) {
+        if (byHand)
+            QVERIFY(m_kind.byHand("UPDATE \"MenuResourceFile\" SET \"time\" = 5;"));
+        else
+            ORVO_OK(m_anna->filePut({{"", "a", "some", 5.0}}));
+        std::vector<Change> newest;
+        ORVO_OK(m_anna->history({}, 1, &newest));
+        ORVO_OK(undo(*m_boris, {newest.front().group}, {}, &done));
+        QCOMPARE(remarks(done), QStringList());
+        QVERIFY(done.written);
+        QCOMPARE(snapshot(), before);
+    }
+    // Where versions are forgotten, nobody knows whether bytes went with it.
+    ORVO_OK(m_anna->filePut({{"", "a", "same", 5.0}}));
+    const int64_t upload = last(*m_anna);
+    PrunedVersions pruned;
+    ORVO_OK(m_anna->pruneVersions(0, 0, false, &pruned));
+    const QStringList after = snapshot();
+    ORVO_OK(undo(*m_anna, {upload}, {}, &done));
+    QVERIFY(!done.written);
+    QVERIFY(remarks(done).join('\n').endsWith("прежнее содержимое не хранится"));
+    QCOMPARE(snapshot(), after);
 }
 
 void TestHistoryUndo::bytesOfOthersStay() {

@@ -268,7 +268,7 @@ DO $$ BEGIN
     RAISE EXCEPTION 'no store any more';
   END IF;
 END $$;
-UPDATE public."NciPruned" SET "id" = 0;
+UPDATE public."NciPruned" SET "id" = 0, "versions" = 0;
 UPDATE public."NciStore" SET "identity" = gen_random_uuid();
 SELECT setval('public."NciEventId"', 1, false))";
         return postgres::succeeded(connection.execute(sql).get());
