@@ -102,20 +102,16 @@ bool Inverse::asks() const {
     });
 }
 
-namespace {
-
-QString whoAndWhen(const Remark& remark, const PersonNames& names) {
-    const auto person = names.find(remark.login);
-    const QString who = remark.login.empty()    ? QStringLiteral("вручную")
-                        : person == names.end() ? QString::fromStdString(remark.login)
+QString whoAndWhen(const std::string& login, double time, const PersonNames& names) {
+    const auto person = names.find(login);
+    const QString who = login.empty()           ? QStringLiteral("вручную")
+                        : person == names.end() ? QString::fromStdString(login)
                                                 : person->second;
-    return remark.time > 0 ? who + QStringLiteral(", ") +
-                                 QDateTime::fromMSecsSinceEpoch(std::llround(remark.time * 1000.0))
-                                     .toString(QStringLiteral("dd.MM.yyyy HH:mm"))
-                           : who;
+    return time > 0 ? who + QStringLiteral(", ") +
+                          QDateTime::fromMSecsSinceEpoch(std::llround(time * 1000.0))
+                              .toString(QStringLiteral("dd.MM.yyyy HH:mm"))
+                    : who;
 }
-
-} // namespace
 
 QString remarkWords(const Remark& remark, RecordSource& source, const PersonNames& names) {
     const auto number = [&] { return QString::number(remark.group); };
@@ -123,7 +119,7 @@ QString remarkWords(const Remark& remark, RecordSource& source, const PersonName
         return QStringLiteral("Действие %1 журнал уже не помнит").arg(number());
     if (remark.why == Remark::HalfForgotten)
         return QStringLiteral("Действие %1: его начало журнал уже не помнит").arg(number());
-    const QString who = whoAndWhen(remark, names);
+    const QString who = whoAndWhen(remark.login, remark.time, names);
     if (remark.why == Remark::AlreadyDone)
         return QStringLiteral("Действие %1 уже отменено (%2)").arg(number(), who);
     if (remark.why == Remark::NothingDone)

@@ -99,6 +99,8 @@ store::Status undo(store::MaintainedStore& store, const std::vector<int64_t>& gr
 /// How people are called, by login; whoever is not in it is called by the login.
 using PersonNames = std::unordered_map<std::string, QString>;
 
+/// "Иванов И., 23.11.2026 10:15"; an empty login: by hand, no time: left out.
+QString whoAndWhen(const std::string& login, double time, const PersonNames& names);
 /// A remark as a sentence: what was left, and why.
 QString remarkWords(const Remark& remark, RecordSource& source, const PersonNames& names = {});
 

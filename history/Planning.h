@@ -4,6 +4,7 @@
 #define ORVO_HISTORY_PLANNING_H
 
 #include "history/Inverse.h"
+#include "history/Locks.h"
 #include "history/Standing.h"
 
 #include <bitset>
@@ -163,15 +164,10 @@ private:
     bool m_alone = false;           ///< nothing was written since the actions but by them
     std::set<const Record*> m_kept; ///< deletions that are left out
     bool m_foundUploads = false;
-    int64_t m_forgotten = 0; ///< versions of changes up to this one may be missing
-    struct Lock {
-        std::string key; ///< of the form
-        std::string login;
-        double since = 0;
-        bool isTold = false;
-    };
-    std::map<std::string, Lock> m_locked; ///< by others; by the folded key of the form
-    std::set<int64_t> m_lockOnly;         ///< of the actions those that only took or released locks
+    int64_t m_forgotten = 0;                  ///< versions of changes up to this one may be missing
+    std::map<std::string, FormLock> m_locked; ///< by others; by the folded key of the form
+    std::set<std::string> m_toldLocks;        ///< of these, those that a remark names
+    std::set<int64_t> m_lockOnly; ///< of the actions those that only took or released locks
 
     // Of the places; by table and folded key.
     std::map<const store::TableDef*, std::map<std::string, std::vector<store::Value>>> m_above;

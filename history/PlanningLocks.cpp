@@ -10,20 +10,6 @@
 
 namespace orvo::history {
 
-namespace {
-
-const store::Value& valueAt(const std::vector<store::Value>& row, const store::TableDef& table,
-                            const char* field) {
-    return row[static_cast<size_t>(table.find(field))];
-}
-
-bool isForm(const store::Value& kind) {
-    const auto* number = std::get_if<int64_t>(&kind);
-    return number && *number == Kind::Form;
-}
-
-} // namespace
-
 void Planning::dropLocks() {
     const store::TableDef& resources = *store::findTable(table::MenuResource);
     std::map<int64_t, bool> only; // of these groups
@@ -56,7 +42,6 @@ std::string Planning::ownerKey(const Record& content) const {
 
 store::Status Planning::keepLocked() {
     const store::TableDef& resources = *store::findTable(table::MenuResource);
-    const store::TableDef& users = *store::findTable(table::Users);
     std::set<std::string> keys;
     for (auto& [key, record] : m_records[&resources]) {
         if (record.flag == MDX_INSERT) // what comes back is nobody's
@@ -68,28 +53,7 @@ store::Status Planning::keepLocked() {
     }
     for (const auto& [key, content] : m_records[&store::contentTable()])
         keys.insert(ownerKey(content));
-    std::map<std::string, std::vector<store::Value>> stored, people;
-    store::Status status = m_store.storedValues(resources, {keys.begin(), keys.end()}, &stored);
-    std::vector<std::string> holders;
-    for (const auto& [key, row] : stored)
-        if (const std::string& holder = store::textOf(valueAt(row, resources, field::UsersKey));
-            !holder.empty() && isForm(valueAt(row, resources, field::type_)))
-            holders.push_back(holder);
-    if (status.ok() && !holders.empty())
-        status = m_store.storedValues(users, holders, &people);
-    if (!status.ok() || people.empty())
-        return status; // a lock of a user who is gone holds nothing
-    for (const auto& [key, row] : stored) {
-        const auto user =
-            people.find(store::foldedKey(store::textOf(valueAt(row, resources, field::UsersKey))));
-        if (user == people.end() || !isForm(valueAt(row, resources, field::type_)))
-            continue;
-        const std::string& login = store::textOf(valueAt(user->second, users, field::login_));
-        if (store::sameText(login, m_store.login()))
-            continue;
-        const auto* since = std::get_if<double>(&valueAt(row, resources, field::dateTimeEdit));
-        m_locked[key] = {store::textOf(row.front()), login, since ? *since : 0, false};
-    }
+    store::Status status = heldByOthers(m_store, {keys.begin(), keys.end()}, &m_locked);
     // Its name and place may be changed, as in an editor; its contents are the holder's.
     for (const auto& [key, lock] : m_locked)
         if (const auto record = m_records[&resources].find(key);
@@ -107,7 +71,7 @@ bool Planning::remarkLocked(const std::string& resource) {
     const auto lock = m_locked.find(resource);
     if (lock == m_locked.end())
         return false;
-    if (std::exchange(lock->second.isTold, true))
+    if (!m_toldLocks.insert(resource).second)
         return true;
     Remark made;
     made.why = Remark::Locked;

@@ -79,6 +79,23 @@ struct Fixture : RunningClient {
         return dialog() && dialog()->findChild<QPushButton*>("revertOk")->isEnabled();
     }
     QString note() const { return child<QLabel>("historyNote")->text(); }
+    /// Opens "Прежние версии…" of a form or file.
+    app::VersionsDialog* openVersions(const QString& key) const {
+        QMenu menu;
+        module("Resources")->m_app->addRecordActions(&menu, "MenuResource", key);
+        for (QAction* action : menu.actions())
+            if (action->text().startsWith("Прежние версии"))
+                action->trigger();
+        const auto find = [&] { return child<app::VersionsDialog>("versionsDialog"); };
+        return QTest::qWaitFor([&] { return find() != nullptr; }) ? find() : nullptr;
+    }
+    QString keyOfResource(const char* name) {
+        CMDArray rows;
+        if (!host.store().fetchWhere("MenuResource", "name_", name, rows.array).ok() ||
+            mdx::postedCount(rows.array) == 0)
+            return {};
+        return textOf(rows.array, mdx::postedRecord(rows.array, 0), "KeyLink");
+    }
 };
 
 } // namespace
@@ -622,9 +639,7 @@ private slots:
             const store::Status put = store.filePut({{"docs", "план.txt", bytes, 1000.0}});
             QVERIFY2(put.ok(), put.text.c_str());
         }
-        CMDArray rows;
-        QVERIFY(store.fetchWhere("MenuResource", "name_", "план.txt", rows.array).ok());
-        const QString key = textOf(rows.array, mdx::postedRecord(rows.array, 0), "KeyLink");
+        const QString key = fixture.keyOfResource("план.txt");
         fixture.start();
         QTreeView* resources = fixture.view("tvRes");
         const std::function<QModelIndex(const QModelIndex&)> rowOfFile =
@@ -649,13 +664,8 @@ private slots:
             return found.value(0).siblingAtColumn(1).data().toInt();
         };
         QCOMPARE(size(), 28);
-        QMenu menu;
-        fixture.module("Resources")->m_app->addRecordActions(&menu, "MenuResource", key);
-        for (QAction* action : menu.actions())
-            if (action->text().startsWith("Прежние версии"))
-                action->trigger();
-        QTRY_VERIFY(fixture.child<app::VersionsDialog>("versionsDialog"));
-        auto* dialog = fixture.child<app::VersionsDialog>("versionsDialog");
+        auto* dialog = fixture.openVersions(key);
+        QVERIFY(dialog);
         auto* list = dialog->findChild<QTreeWidget*>("versionsList");
         QTRY_COMPARE(list->topLevelItemCount(), 1);
         QCOMPARE(list->topLevelItem(0)->text(0), QString("план.txt"));
@@ -686,18 +696,8 @@ private slots:
         for (const std::string_view bytes : {"старое", "новое"})
             QVERIFY(store.filePut({{"", "план.txt", bytes, 1000.0}}).ok());
         QVERIFY(fixture.host.kind->byHand("UPDATE \"NciVersion\" SET \"name_\" = '../план.txt';"));
-        CMDArray rows;
-        QVERIFY(store.fetchWhere("MenuResource", "name_", "план.txt", rows.array).ok());
-        QMenu menu;
-        fixture.module("Resources")
-            ->m_app->addRecordActions(
-                &menu, "MenuResource",
-                textOf(rows.array, mdx::postedRecord(rows.array, 0), "KeyLink"));
-        for (QAction* action : menu.actions())
-            if (action->text().startsWith("Прежние версии"))
-                action->trigger();
-        QTRY_VERIFY(fixture.child<app::VersionsDialog>("versionsDialog"));
-        auto* dialog = fixture.child<app::VersionsDialog>("versionsDialog");
+        auto* dialog = fixture.openVersions(fixture.keyOfResource("план.txt"));
+        QVERIFY(dialog);
         auto* list = dialog->findChild<QTreeWidget*>("versionsList");
         QTRY_COMPARE(list->topLevelItemCount(), 1);
         QVERIFY(QDir(fixture.host.dir.path()).mkdir("below"));
@@ -705,6 +705,68 @@ private slots:
         const auto* note = dialog->findChild<QLabel*>();
         QTRY_VERIFY(note->text().contains("не может быть именем файла"));
         QVERIFY(!QFile::exists(fixture.host.dir.filePath("план.txt")));
+    }
+
+    /// Its bytes, its form and its present content may be others than when the list was read.
+    void aVersionThatCannotComeBackIsNamed_data() {
+        QTest::addColumn<QString>("what");
+        QTest::addColumn<QString>("says");
+        QTest::newRow("damaged") << "damaged"
+                                 << "Не возвращено: содержимое файла «план»: прежнее содержимое "
+                                    "повреждено";
+        QTest::newRow("held") << "held"
+                              << "Оставлено как есть: форма «план»: занята (Петров П.)";
+        QTest::newRow("replaced") << "replaced"
+                                  << "Не возвращено: содержимое файла «план»: тем временем "
+                                     "изменено (Петров П., ";
+    }
+    void aVersionThatCannotComeBackIsNamed() {
+        QFETCH(QString, what);
+        QFETCH(QString, says);
+        Fixture fixture;
+        store::Store& store = fixture.host.store();
+        const auto put = [&](std::string_view bytes) {
+            const store::Status status = store.formPut("", {{"", "план", bytes, 1000.0}});
+            QVERIFY2(status.ok(), status.text.c_str());
+        };
+        const auto stored = [&] {
+            std::vector<store::StoredFile> files;
+            return store.formGet("план", true, &files).ok() && !files.empty()
+                       ? QString::fromStdString(files.front().bytes)
+                       : QString();
+        };
+        fixture.otherWrites(MDX_INSERT, {{"KeyLink", "forms"}, {"type_", "3"}, {"caption", "f"}},
+                            "MenuResourceFolder");
+        put("старое");
+        put("новое");
+        auto* dialog = fixture.openVersions(fixture.keyOfResource("план"));
+        QVERIFY(dialog);
+        auto* list = dialog->findChild<QTreeWidget*>("versionsList");
+        QTRY_COMPARE(list->topLevelItemCount(), 1);
+        if (what == "damaged")
+            QVERIFY(fixture.host.kind->byHand(
+                fixture.host.kind->name() == "sqlite"
+                    ? "UPDATE \"NciVersion\" SET \"data\" = x'414141414141414141414141';"
+                    : "UPDATE \"NciVersionData\" SET \"data\" = 'AAAAAAAAAAAA';"));
+        else if (what == "held")
+            fixture.otherWrites(
+                MDX_UPDATE,
+                {{"KeyLink", fixture.keyOfResource("план").toStdString()}, {"UsersKey", "u1"}},
+                "MenuResource");
+        else
+            put("чужое");
+        const QString before = stored();
+        auto* button = dialog->findChild<QPushButton*>("versionReturn");
+        QTest::mouseClick(button, Qt::LeftButton);
+        const auto* note = dialog->findChild<QLabel*>();
+        QTRY_VERIFY2(note->text().startsWith(says), qPrintable(note->text()));
+        QCOMPARE(stored(), before);
+        if (what != "replaced")
+            return;
+        QTRY_COMPARE(list->topLevelItemCount(), 2); // the list has the other one now
+        list->setCurrentItem(list->topLevelItem(1));
+        QTest::mouseClick(button, Qt::LeftButton);
+        QTRY_COMPARE(stored(), QString("старое"));
     }
 
     void aLogThatIsPrunedUnderItSaysSo() {

@@ -4,8 +4,8 @@
 #include "apps/client/LogPane.h"
 #include "apps/client/Look.h"
 #include "apps/formview/Channel.h"
-#include "frame/Vocabulary.h"
 #include "history/RecordWords.h"
+#include "history/ReturnVersion.h"
 #include "platform/store/Names.h"
 
 #include <QDateTime>
@@ -41,60 +41,6 @@ QString timeText(double time) {
 }
 
 } // namespace
-
-store::Status returnVersion(store::MaintainedStore& store, int64_t id) {
-    store::VersionQuery query;
-    query.id = id;
-    std::vector<store::KeptVersion> found;
-    int64_t seen = 0;
-    store::Status status = store.logPosition(&seen);
-    if (status.ok())
-        status = store.versions(query, &found);
-    if (status.ok() && found.empty())
-        status = {store::UnknownName, "версия уже не хранится"};
-    if (!status.ok())
-        return status;
-    const store::KeptVersion& version = found.front();
-    std::map<std::string, std::vector<store::Value>> resources, contents;
-    status =
-        store.storedValues(*store::findTable(table::MenuResource), {version.resource}, &resources);
-    const store::TableDef& table = store::contentTable();
-    if (status.ok())
-        status = store.storedValues(table, {version.key}, &contents);
-    if (status.ok() && resources.empty())
-        status = {store::Refused, "формы или файла больше нет: сначала верните удаление в истории"};
-    if (!status.ok())
-        return status;
-    store::Write write;
-    write.flag = contents.empty() ? MDX_INSERT : MDX_UPDATE;
-    write.key = version.key;
-    for (int i = 1; i < static_cast<int>(table.fields.size()); ++i) {
-        const std::string_view name = table.fields[static_cast<size_t>(i)].name;
-        if (name == field::size)
-            write.values.emplace_back(i, static_cast<int64_t>(version.size));
-        else if (name == field::time) {
-            write.values.emplace_back().first = i;
-            if (version.fileTime)
-                write.values.back().second = *version.fileTime;
-        } else if (!contents.empty())
-            continue;
-        else if (name == field::MenuResourceKey)
-            write.values.emplace_back(i, version.resource);
-        else if (name == field::name_)
-            write.values.emplace_back(i, version.name);
-    }
-    store::TableWrites part;
-    part.table = &table;
-    part.writes.push_back(std::move(write));
-    store::BytesToWrite bytes;
-    bytes.version = id;
-    part.bytes.push_back(std::move(bytes));
-    // Editors do not follow contents: by the echo of its record they show the resource anew.
-    store::TableWrites echo;
-    echo.table = store::findTable(table::MenuResource);
-    echo.writes.push_back({MDX_UPDATE, version.resource, {}});
-    return store.writeAll({part, echo}, seen, {});
-}
 
 VersionsDialog::VersionsDialog(StoreThread& thread, const QString& resource, bool mayWrite,
                                QWidget* parent)
@@ -145,27 +91,37 @@ void VersionsDialog::note(const QString& text) {
     m_note->setText(clipped(text));
 }
 
-void VersionsDialog::load() {
-    auto versions = std::make_shared<std::vector<store::KeptVersion>>();
-    auto names = std::make_shared<history::PersonNames>();
+void VersionsDialog::load(const QString& said) {
+    struct Read {
+        std::vector<store::KeptVersion> versions;
+        history::PersonNames names;
+        int64_t seen = 0;
+    };
+    auto read = std::make_shared<Read>();
     m_thread.run(
         this,
-        [versions, names, key = m_resource.toStdString()](store::MaintainedStore& store) {
+        [read, key = m_resource.toStdString()](store::MaintainedStore& store) {
             store::VersionQuery query;
             query.resource = key;
-            const store::Status status = store.versions(query, versions.get());
-            return status.ok() ? readPeople(store, names.get()) : status;
-        },
-        [this, versions, names](const store::Status& status) {
+            store::Status status = store.logPosition(&read->seen);
             if (status.ok())
-                showVersions(*versions, *names);
-            else
+                status = store.versions(query, &read->versions);
+            return status.ok() ? readPeople(store, &read->names) : status;
+        },
+        [this, read, said](const store::Status& status) {
+            if (!status.ok()) {
                 note(QString::fromStdString(status.text));
+                return;
+            }
+            m_seen = read->seen;
+            m_names = read->names;
+            showVersions(read->versions);
+            if (!said.isEmpty())
+                note(said);
         });
 }
 
-void VersionsDialog::showVersions(const std::vector<store::KeptVersion>& versions,
-                                  const history::PersonNames& names) {
+void VersionsDialog::showVersions(const std::vector<store::KeptVersion>& versions) {
     m_versions = versions;
     m_list->clear();
     for (const store::KeptVersion& version : versions) {
@@ -174,10 +130,10 @@ void VersionsDialog::showVersions(const std::vector<store::KeptVersion>& version
         row->setText(Time, version.fileTime ? timeText(*version.fileTime) : QString());
         row->setText(Size, sizeText(version.size));
         row->setText(Until, timeText(version.time));
-        const auto name = names.find(version.login);
-        row->setText(Who, version.login.empty() ? QStringLiteral("(вручную)")
-                          : name == names.end() ? oneLine(QString::fromStdString(version.login))
-                                                : oneLine(name->second));
+        const auto name = m_names.find(version.login);
+        row->setText(Who, version.login.empty()   ? QStringLiteral("(вручную)")
+                          : name == m_names.end() ? oneLine(QString::fromStdString(version.login))
+                                                  : oneLine(name->second));
     }
     m_list->setCurrentItem(m_list->topLevelItem(0));
     note(versions.empty() ? QStringLiteral("Прежних версий нет.") : QString());
@@ -281,12 +237,17 @@ void VersionsDialog::putBack() {
                              .arg(QString::fromStdString(version->name), timeText(version->time));
     m_thread.run(
         this,
-        [id = version->id](store::MaintainedStore& store) { return returnVersion(store, id); },
+        [id = version->id, seen = m_seen, names = m_names](store::MaintainedStore& store) {
+            return history::returnVersion(store, id, seen, names);
+        },
         [this, what](const store::Status& status) {
-            if (!status.ok()) {
-                note(QStringLiteral("Не возвращено: %1").arg(QString::fromStdString(status.text)));
+            const QString text = QString::fromStdString(status.text);
+            if (status.code == store::Outdated) // the next click is about what shows then
+                load(text);
+            else if (!status.ok())
+                note(text);
+            if (!status.ok())
                 return;
-            }
             emit told(LogInformation, what + QStringLiteral(" возвращена."));
             emit returned();
             load(); // what was replaced is a version now

@@ -31,9 +31,9 @@ signals:
     void returned();
 
 private:
-    void load();
-    void showVersions(const std::vector<store::KeptVersion>& versions,
-                      const history::PersonNames& names);
+    /// Reads the list; `said` is what the note says then.
+    void load(const QString& said = {});
+    void showVersions(const std::vector<store::KeptVersion>& versions);
     void openVersion();
     void extract();
     void putBack();
@@ -45,15 +45,14 @@ private:
     const QString m_resource;
     const bool m_mayWrite;
     std::vector<store::KeptVersion> m_versions;
+    int64_t m_seen = 0; ///< the log had this newest change when they were read
+    history::PersonNames m_names;
     QTreeWidget* m_list; // these: children of the dialog
     QLabel* m_note;
     QPushButton* m_open;
     QPushButton* m_extract;
     QPushButton* m_return;
 };
-
-/// Puts the bytes of a kept version back into their form or file, as one action.
-store::Status returnVersion(store::MaintainedStore& store, int64_t id);
 
 } // namespace orvo::app
 

@@ -1,0 +1,136 @@
+#include "history/ReturnVersion.h"
+
+#include "frame/Vocabulary.h"
+#include "history/Locks.h"
+#include "history/RecordWords.h"
+#include "platform/store/Names.h"
+
+namespace orvo::history {
+
+namespace {
+
+store::Status notReturned(int code, const QString& why) {
+    return {code, (QStringLiteral("Не возвращено: ") + why).toStdString()};
+}
+
+/// As undo says it.
+store::Status left(int code, const Remark& remark, RecordSource& source, const PersonNames& names) {
+    return {code, remarkWords(remark, source, names).toStdString()};
+}
+
+store::Status checkLock(store::MaintainedStore& store, const std::string& resource,
+                        RecordSource& source, const PersonNames& names) {
+    std::map<std::string, FormLock> held;
+    store::Status status = heldByOthers(store, {resource}, &held);
+    if (!status.ok() || held.empty())
+        return status;
+    Remark remark;
+    remark.why = Remark::Locked;
+    remark.table = store::findTable(table::MenuResource);
+    remark.key = held.begin()->second.key;
+    remark.login = held.begin()->second.login;
+    remark.time = held.begin()->second.since;
+    return left(store::Refused, remark, source, names);
+}
+
+store::Status checkBytes(store::MaintainedStore& store, const store::KeptVersion& version,
+                         RecordSource& source) {
+    store::Status read = store.versionBytes(version.id, nullptr);
+    if (read.code != store::Failed && read.code != store::UnknownName)
+        return read;
+    Remark remark;
+    remark.why = read.code == store::Failed ? Remark::DamagedBytes : Remark::NoBytes;
+    remark.table = &store::contentTable();
+    remark.key = version.key;
+    return left(read.code, remark, source, {});
+}
+
+/// Who has changed the content or its form or file since; `status` if the log does not tell.
+store::Status changedBy(store::MaintainedStore& store, const store::KeptVersion& version,
+                        int64_t seen, RecordSource& source, const PersonNames& names,
+                        const store::Status& status) {
+    const store::TableDef& resources = *store::findTable(table::MenuResource);
+    for (const auto& [table, key] : {std::pair(&store::contentTable(), version.key),
+                                     std::pair(&resources, version.resource)}) {
+        std::vector<store::Change> since;
+        if (!store.changesSince(*table, {key}, seen, &since).ok() || since.empty())
+            continue;
+        const QString record = recordWords(*table, source.valuesOf(*table, key), key);
+        return notReturned(status.code, QStringLiteral("%1: тем временем изменено (%2)")
+                                            .arg(record, whoAndWhen(since.back().login,
+                                                                    since.back().time, names)));
+    }
+    return notReturned(status.code, QString::fromStdString(status.text));
+}
+
+store::Write writeOf(const store::KeptVersion& version, bool isStored) {
+    const store::TableDef& table = store::contentTable();
+    store::Write write;
+    write.flag = isStored ? MDX_UPDATE : MDX_INSERT;
+    write.key = version.key;
+    for (int i = 1; i < static_cast<int>(table.fields.size()); ++i) {
+        const std::string_view name = table.fields[static_cast<size_t>(i)].name;
+        if (name == field::size)
+            write.values.emplace_back(i, static_cast<int64_t>(version.size));
+        else if (name == field::time) {
+            write.values.emplace_back().first = i;
+            if (version.fileTime)
+                write.values.back().second = *version.fileTime;
+        } else if (isStored)
+            continue;
+        else if (name == field::MenuResourceKey)
+            write.values.emplace_back(i, version.resource);
+        else if (name == field::name_)
+            write.values.emplace_back(i, version.name);
+    }
+    return write;
+}
+
+} // namespace
+
+store::Status returnVersion(store::MaintainedStore& store, int64_t id, int64_t seen,
+                            const PersonNames& names) {
+    store::VersionQuery query;
+    query.id = id;
+    std::vector<store::KeptVersion> found;
+    store::Status status = store.versions(query, &found);
+    if (!status.ok())
+        return notReturned(status.code, QString::fromStdString(status.text));
+    if (found.empty())
+        return notReturned(store::UnknownName, QStringLiteral("версия уже не хранится"));
+    const store::KeptVersion& version = found.front();
+    const store::TableDef& resources = *store::findTable(table::MenuResource);
+    LoggedRecords source(store);
+    std::map<std::string, std::vector<store::Value>> resource, content;
+    status = store.storedValues(resources, {version.resource}, &resource);
+    if (status.ok())
+        status = store.storedValues(store::contentTable(), {version.key}, &content);
+    if (!status.ok())
+        return notReturned(status.code, QString::fromStdString(status.text));
+    if (resource.empty())
+        return notReturned(
+            store::Refused,
+            QStringLiteral("формы или файла больше нет: сначала верните удаление в истории"));
+    status = checkLock(store, version.resource, source, names);
+    if (status.ok()) // a write would give the bytes a checksum of their own
+        status = checkBytes(store, version, source);
+    if (!status.ok())
+        return status;
+    store::TableWrites part;
+    part.table = &store::contentTable();
+    part.writes.push_back(writeOf(version, !content.empty()));
+    store::BytesToWrite bytes;
+    bytes.version = id;
+    part.bytes.push_back(std::move(bytes));
+    // Editors do not follow contents: by the echo of its record they show the resource anew. A lock
+    // that is taken meanwhile meets it.
+    store::TableWrites echo;
+    echo.table = &resources;
+    echo.writes.push_back({MDX_UPDATE, version.resource, {}});
+    status = store.writeAll({part, echo}, seen, {});
+    if (status.code == store::Outdated)
+        return changedBy(store, version, seen, source, names, status);
+    return status.ok() ? status : notReturned(status.code, QString::fromStdString(status.text));
+}
+
+} // namespace orvo::history
