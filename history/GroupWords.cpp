@@ -242,9 +242,9 @@ ChangeWords describe(const store::Change& change, RecordSource& source) {
         const auto was = read.before.find(field);
         const bool hasNow = now != read.after.end(), hasWas = was != read.before.end();
         const auto nothing = [](const store::Value& value) {
-            return std::holds_alternative<std::monostate>(value);
+            return value == store::Value() || value == store::Value(std::string());
         };
-        if ((!hasNow && !hasWas) || (hasNow && hasWas && now->second == was->second) ||
+        if ((!hasNow && !hasWas) || (hasNow && hasWas && readAlike(now->second, was->second)) ||
             (hasNow != hasWas && nothing(hasNow ? now->second : was->second)))
             continue;
         const auto shown = [&](bool has, const store::Value& value) {

@@ -22,7 +22,7 @@ void classify(LoggedChange& read) {
     const auto changes = [&](const char* name) {
         const store::Value* now = valueIn(table, read.after, name);
         const store::Value* was = valueIn(table, read.before, name);
-        return now && (!was || !(*now == *was));
+        return now && (!was || !readAlike(*now, *was));
     };
     const auto keyIn = [&](const Values& values, const char* name) {
         const store::Value* key = valueIn(table, values, name);

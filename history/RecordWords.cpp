@@ -129,7 +129,8 @@ QString fieldWord(const store::TableDef& table, int field) {
 QString valueWords(const store::TableDef& table, int field, const store::Value& value,
                    RecordSource* source) {
     const store::FieldDef& def = table.fields[static_cast<size_t>(field)];
-    if (std::holds_alternative<std::monostate>(value))
+    const auto* letters = std::get_if<std::string>(&value);
+    if (std::holds_alternative<std::monostate>(value) || (letters && letters->empty()))
         return QStringLiteral("пусто");
     const auto* number = std::get_if<int64_t>(&value);
     if (number && def.type == MDX_BOOLEAN)
@@ -145,6 +146,14 @@ QString valueWords(const store::TableDef& table, int field, const store::Value& 
             return quoted(name);
     }
     return quoted(QString::fromStdString(store::textOf(value)));
+}
+
+bool readAlike(const store::Value& one, const store::Value& other) {
+    const auto reads = [](const store::Value& value, const store::Value& asNothing) {
+        return std::holds_alternative<std::monostate>(value) &&
+               (asNothing == store::Value(std::string()) || asNothing == store::Value(int64_t{0}));
+    };
+    return one == other || reads(one, other) || reads(other, one);
 }
 
 QString placeOf(const store::TableDef& table, Values values, RecordSource* source) {

@@ -39,6 +39,9 @@ QString recordWords(const store::TableDef& table, const Values& values, const st
 QString fieldWord(const store::TableDef& table, int field);
 QString valueWords(const store::TableDef& table, int field, const store::Value& value,
                    RecordSource* source);
+/// Whether the editors show the same for both: they read NULL as an empty text, as 0 and as "no",
+/// and write a record whole, so that a field nobody has touched turns from the one into the other.
+bool readAlike(const store::Value& one, const store::Value& other);
 /// The names of the folders above a record, from the top, with " / " between.
 QString placeOf(const store::TableDef& table, Values values, RecordSource* source);
 

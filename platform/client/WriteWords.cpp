@@ -73,7 +73,9 @@ WriteWords describe(const WriteRequest& request, store::Store* store) {
         for (const auto& [number, value] : record.values) {
             const auto old = before.find(number);
             const bool known = !before.empty();
-            const bool same = old != before.end() && old->second == value;
+            const bool same =
+                !before.empty() &&
+                history::readAlike(old != before.end() ? old->second : Value(), value);
             after[number] = value;
             if (same ||
                 (record.flag == MDX_INSERT && std::holds_alternative<std::monostate>(value)))

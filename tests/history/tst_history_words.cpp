@@ -28,6 +28,7 @@ private slots:
     void occupyingIsToldAsSuch();
     void recordsThatAreGoneKeepTheirNames();
     void valuesUnfold();
+    void whatReadsTheSameAsNothingIsNoChange();
     void pagesGoBackToTheBeginning();
     void filtersLeaveWhatIsAskedFor();
     void aBranchIsFollowedBackInTime();
@@ -78,6 +79,18 @@ private:
             else
                 batch.insert(key.constData(), {{"caption", QString::number(i)}});
         }
+    }
+    /// The fields of the first change, a line each.
+    QString fieldsOf(int64_t id) const {
+        Group group;
+        LoggedRecords source(*m_anna);
+        const Status status = readGroup(*m_anna, id, &group);
+        if (!status.ok())
+            return QString::fromStdString(status.text);
+        QStringList lines;
+        for (const FieldWords& field : describe(group.changes.front(), source).fields)
+            lines << field.name + ": " + field.before + " -> " + field.after;
+        return lines.join('\n');
     }
     int count(const Filter& filter) const { return int(linesOf(filter).size()); }
 };
@@ -337,14 +350,23 @@ void TestHistoryWords::valuesUnfold() {
     ORVO_OK(Batch("Menu")
                 .update("m", {{"oneCopy", true}, {"MenuResourceKey", "R"}, {"caption", "Б"}})
                 .send(*m_anna));
-    Group group;
-    ORVO_OK(readGroup(*m_anna, last(*m_anna), &group));
-    LoggedRecords source(*m_anna);
-    QStringList lines;
-    for (const FieldWords& field : describe(group.changes.front(), source).fields)
-        lines << field.name + ": " + field.before + " -> " + field.after;
-    QCOMPARE(lines.join('\n'),
+    QCOMPARE(fieldsOf(last(*m_anna)),
              QString("Название: «А» -> «Б»\nОдна копия: пусто -> да\nРесурс: пусто -> «Щит»"));
+}
+
+void TestHistoryWords::whatReadsTheSameAsNothingIsNoChange() {
+    ORVO_OK(Batch("Menu").insert("m", {{"caption", "А"}, {"ico", "a.png"}}).send(*m_anna));
+    // As an editor writes the row whose name was changed.
+    ORVO_OK(
+        Batch("Menu")
+            .update(
+                "m",
+                {{"caption", "Б"}, {"params", ""}, {"ico", ""}, {"oneCopy", false}, {"order_", 0}})
+            .send(*m_anna));
+    QCOMPARE(fieldsOf(last(*m_anna)), QString("Название: «А» -> «Б»\nЗначок: «a.png» -> пусто"));
+    ORVO_OK(Batch("MenuResource").insert("r", {{"name_", "Щит"}}).send(*m_anna));
+    ORVO_OK(Batch("MenuResource").update("r", {{"caption", ""}, {"params", "1"}}).send(*m_anna));
+    QCOMPARE(words(last(*m_anna)), QString("Изменён ресурс «Щит»"));
 }
 
 void TestHistoryWords::pagesGoBackToTheBeginning() {
