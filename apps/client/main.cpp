@@ -22,13 +22,17 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 
 namespace {
 
+/// Whatever word of the command line the message repeats may be an address in a wrong place.
+QString withoutPasswords(const QString& text) {
+    return QString::fromStdString(orvo::store::withoutCredentials(text.simplified().toStdString()));
+}
+
 int refuse(int code, const QString& text) {
-    // Whatever word of the command line the message repeats may be an address in a wrong place.
-    const std::string line = orvo::store::withoutCredentials(text.simplified().toStdString());
-    std::fprintf(stderr, "orvo-client: %s\n", line.c_str());
+    std::fprintf(stderr, "orvo-client: %s\n", withoutPasswords(text).toUtf8().constData());
     return code;
 }
 
@@ -50,53 +54,72 @@ QIcon applicationIcon() {
     return QIcon::fromTheme(QLatin1String(orvo::app::applicationId), own);
 }
 
-/// False if the user wants no store.
-bool chooseStore(orvo::app::Options* options, const QString& reason) {
+/// Whether somebody sees a window: nobody does on a platform without one, and whoever wants a
+/// picture or answers through a socket is another program.
+bool isSeen(const orvo::app::Options& options) {
+    const QString platform = QGuiApplication::platformName();
+    return options.screenshot.isEmpty() && options.inspect.isEmpty() &&
+           platform != QLatin1String("offscreen") && platform != QLatin1String("minimal");
+}
+
+/// `failed`: the store that did not open for that reason, or empty. False if the user wants none.
+bool chooseStore(orvo::app::Options* options, const QString& reason, const QString& failed) {
     const QString ownFile = orvo::app::ownStore();
     orvo::app::ChosenStore chosen;
-    if (!orvo::app::askForStore(ownFile, options->login, reason, &chosen))
+    if (!orvo::app::askForStore(ownFile, options->login, reason, failed, &chosen))
         return false;
     options->store = chosen.address;
     options->isDefaultStore = chosen.address == ownFile;
     if (!options->isWorkDirGiven)
         options->workDir = orvo::app::usualWorkDir(chosen.address);
-    orvo::app::offerPassword(chosen.password);
+    // A store that is tried again keeps the password it had.
+    if (chosen.address != failed || !chosen.password.isEmpty())
+        orvo::app::offerPassword(chosen.password);
     return true;
 }
 
-/// Opens the store of the options and runs until the window closes. Whoever names no store and has
-/// none, or one that does not open, is asked which.
+/// Opens the store of the options and runs until the window closes. Null if it does not open, with
+/// the reason.
+std::optional<int> runOn(const orvo::app::Options& options, orvo::app::SchemeKeeper& scheme,
+                         QString* reason) {
+    orvo::app::Instance instance(options);
+    // An operator's desktop is a window of its own beside an engineer's client.
+    const bool isSeparate = options.isSeparate || !options.desktop.isEmpty();
+    if (options.screenshot.isEmpty() && !isSeparate &&
+        instance.take(options.inspect.isEmpty()) == orvo::app::Instance::Role::Further)
+        return 0;
+    orvo::app::Client client(options);
+    QObject::connect(&instance, &orvo::app::Instance::requested, &client,
+                     &orvo::app::Client::openFurther);
+    if (!client.open(reason))
+        return std::nullopt;
+    if (options.screenshot.isEmpty() && options.inspect.isEmpty())
+        orvo::app::rememberStore(options.store);
+    client.show();
+    scheme.addMenu(client.window()->viewMenu());
+    if (!options.screenshot.isEmpty())
+        client.takeScreenshot();
+    return QApplication::exec();
+}
+
+/// Who has no store yet, or one that does not open, is asked which; an operator, whether to try
+/// again.
 int runClient(orvo::app::Options options, orvo::app::SchemeKeeper& scheme) {
-    const bool mayAsk = options.isDefaultStore && options.screenshot.isEmpty() &&
-                        options.inspect.isEmpty() && options.desktop.isEmpty();
-    bool isAsked = mayAsk && !QFileInfo::exists(orvo::app::ownStore());
-    QString reason;
-    if (isAsked)
-        reason = QStringLiteral("Хранилища на этой машине ещё нет. С чего начать?");
+    const bool mayAsk = isSeen(options), isOperator = !options.desktop.isEmpty();
+    if (mayAsk && !isOperator && options.isDefaultStore &&
+        !QFileInfo::exists(orvo::app::ownStore()) &&
+        !chooseStore(&options, QStringLiteral("Хранилища на этой машине ещё нет. С чего начать?"),
+                     {}))
+        return 0;
     while (true) {
-        if (isAsked && !chooseStore(&options, reason))
-            return 0;
-        orvo::app::Instance instance(options);
-        // An operator's desktop is a window of its own beside an engineer's client.
-        const bool isSeparate = options.isSeparate || !options.desktop.isEmpty();
-        if (options.screenshot.isEmpty() && !isSeparate &&
-            instance.take(options.inspect.isEmpty()) == orvo::app::Instance::Role::Further)
-            return 0;
-        orvo::app::Client client(options);
-        QObject::connect(&instance, &orvo::app::Instance::requested, &client,
-                         &orvo::app::Client::openFurther);
-        if (client.open(&reason)) {
-            if (options.screenshot.isEmpty() && options.inspect.isEmpty())
-                orvo::app::rememberStore(options.store);
-            client.show();
-            scheme.addMenu(client.window()->viewMenu());
-            if (!options.screenshot.isEmpty())
-                client.takeScreenshot();
-            return QApplication::exec();
-        }
-        if (!mayAsk)
-            return refuse(1, reason);
-        isAsked = true;
+        QString reason;
+        if (const std::optional<int> code = runOn(options, scheme, &reason))
+            return *code;
+        const int code = refuse(1, reason);
+        reason = withoutPasswords(reason);
+        if (!mayAsk || !(isOperator ? orvo::app::askToRetryDesktop(reason)
+                                    : chooseStore(&options, reason, options.store)))
+            return code;
     }
 }
 

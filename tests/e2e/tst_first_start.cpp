@@ -1,8 +1,11 @@
 // The program on a machine without any store, by the keyboard: from the page that asks for one to
-// the editors on the demonstration, and a further window from there.
+// the editors on the demonstration, and a further window from there; and with a store that does not
+// open.
 #include "tests/e2e/Hands.h"
 
+#include <QClipboard>
 #include <QDir>
+#include <QGuiApplication>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -37,6 +40,24 @@ class TestFirstStart : public QObject {
         ask.waitForFinished();
         QFile file("/proc/" + ask.readAllStandardOutput().trimmed() + '/' + what);
         return file.open(QIODevice::ReadOnly) ? file.readAll().split('\0') : QList<QByteArray>();
+    }
+
+    QByteArray m_said; ///< by the client, on standard error
+
+    QString makeBrokenStore() const {
+        QFile file(m_dir.path() + "/broken.db");
+        if (!file.open(QIODevice::WriteOnly) || file.write("not a database at all") < 0)
+            qFatal("%s is not written", qUtf8Printable(file.fileName()));
+        return file.fileName();
+    }
+    /// Why the page is shown, copied from it by keys.
+    static QString copiedReason() {
+        QGuiApplication::clipboard()->clear();
+        const auto text = [] { return QGuiApplication::clipboard()->text(); };
+        if (!hands::xdotool({"key", "shift+Tab", "shift+Tab", "ctrl+a", "ctrl+c"}) ||
+            !QTest::qWaitFor([&] { return !text().isEmpty(); }))
+            return {};
+        return text();
     }
 
 private slots:
@@ -89,10 +110,10 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(isActive(page), 20000);
         QVERIFY(hands::xdotool({"key", "Tab", "Tab", "Return"}));
         QTRY_VERIFY_WITH_TIMEOUT(isActive("Хранилище на сервере"), 20000);
-        // No server listens there, so the page comes back and asks for another store.
+        // No server listens there, so the page comes back and offers others below it.
         QVERIFY(hands::type("127.0.0.1\t1\torvo\tivanov\ttyped-secret") && hands::key("Return"));
         QTRY_VERIFY_WITH_TIMEOUT(isActive(page), 20000);
-        QVERIFY(hands::key("Return"));
+        QVERIFY(hands::xdotool({"key", "Tab", "Return"}));
         QTRY_VERIFY_WITH_TIMEOUT(isActive(editors), 60000);
 
         QVERIFY(hands::key("ctrl+o"));
@@ -110,11 +131,56 @@ private slots:
         QVERIFY(m_client.waitForFinished(20000));
     }
 
+    void aNamedStoreThatDoesNotOpenIsToldOnThePageThatOffersOthers() {
+        const QString program = qEnvironmentVariable("ORVO_BIN_DIR") + "/orvo-client";
+        const QString store = makeBrokenStore();
+        m_client.setProcessEnvironment(homeIn(m_dir.path()));
+        m_client.setProcessChannelMode(QProcess::SeparateChannels);
+        m_client.start(program, {"--store", store});
+        QTRY_VERIFY_WITH_TIMEOUT(isActive(page), 20000);
+        QCOMPARE(copiedReason(), "Файл не является хранилищем: \"" + store + '"');
+        QVERIFY(hands::key("Escape"));
+        QVERIFY(m_client.waitForFinished(20000));
+        QCOMPARE(m_client.exitCode(), 1);
+        QVERIFY(m_client.readAllStandardError().contains(store.toUtf8()));
+
+        // Whoever has put it right tries again with Enter.
+        m_client.start(program, {"--store", store});
+        QTRY_VERIFY_WITH_TIMEOUT(isActive(page), 20000);
+        QVERIFY(QFile::remove(store));
+        QCOMPARE(QProcess::execute(qEnvironmentVariable("ORVO_BIN_DIR") + "/orvo-admin",
+                                   {"--store", store, "init"}),
+                 0);
+        QVERIFY(hands::key("Return"));
+        QTRY_VERIFY_WITH_TIMEOUT(isActive("broken.db$"), 30000);
+        QVERIFY(hands::key("ctrl+q"));
+        QVERIFY(m_client.waitForFinished(20000));
+        QCOMPARE(m_client.exitCode(), 0);
+    }
+
+    void anOperatorIsToldInAWindowThatHisStoreDoesNotOpen() {
+        m_client.setProcessChannelMode(QProcess::SeparateChannels);
+        m_client.start(qEnvironmentVariable("ORVO_BIN_DIR") + "/orvo-client",
+                       {"--store", makeBrokenStore(), "--desktop", "КС-1"});
+        QTRY_VERIFY_WITH_TIMEOUT(isActive("^Рабочий стол не открыт$"), 20000);
+        QVERIFY(hands::key("Return")); // the same once more
+        QVERIFY(QTest::qWaitFor(
+            [&] {
+                m_said += m_client.readAllStandardError();
+                return m_said.count('\n') == 2;
+            },
+            20000));
+        QTRY_VERIFY_WITH_TIMEOUT(isActive("^Рабочий стол не открыт$"), 20000);
+        QVERIFY(hands::key("Escape"));
+        QVERIFY(m_client.waitForFinished(20000));
+        QCOMPARE(m_client.exitCode(), 1);
+    }
+
     void cleanupTestCase() {
         m_client.kill();
         m_client.waitForFinished();
     }
 };
 
-QTEST_GUILESS_MAIN(TestFirstStart)
+QTEST_MAIN(TestFirstStart)
 #include "tst_first_start.moc"

@@ -15,6 +15,7 @@
 #include <QFileInfo>
 #include <QLabel>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -50,7 +51,8 @@ StorePage::StorePage(const QString& ownFile, const QString& user, QWidget* paren
     , m_progress(textOn(this, "storeProgress"))
     , m_recent(new QListWidget(this))
     , m_recentPart(new QWidget(this))
-    , m_ways(new QWidget(this)) {
+    , m_ways(new QWidget(this))
+    , m_waysColumn(new QVBoxLayout(m_ways)) {
     setObjectName(QStringLiteral("storePage"));
     setWindowTitle(QStringLiteral("Orvo: какое хранилище открыть"));
     auto* page = new QVBoxLayout(this);
@@ -76,29 +78,28 @@ StorePage::StorePage(const QString& ownFile, const QString& user, QWidget* paren
     connect(forget, &QAction::triggered, this, &StorePage::forgetRecent);
     connect(m_recent, &QListWidget::itemActivated, this, &StorePage::openRecent);
 
-    auto* ways = new QVBoxLayout(m_ways);
-    ways->setContentsMargins({});
+    m_waysColumn->setContentsMargins({});
     const QString place = QDir::toNativeSeparators(m_ownFile);
     if (QFileInfo::exists(m_ownFile)) {
-        connect(addWay(ways, "storeOwn", QStringLiteral("Хранилище на этой машине"), place),
+        connect(addWay("storeOwn", QStringLiteral("Хранилище на этой машине"), place),
                 &QAbstractButton::clicked, this, [this] {
                     take({m_ownFile, {}});
                 });
     } else {
         connect(
-            addWay(ways, "storeDemo", QStringLiteral("Попробовать на примере"),
+            addWay("storeDemo", QStringLiteral("Попробовать на примере"),
                    QStringLiteral("Сделать хранилище на этой машине и наполнить его вымышленной "
                                   "установкой: %1")
                        .arg(place)),
             &QAbstractButton::clicked, this, [this] { make(true); });
-        connect(addWay(ways, "storeEmpty", QStringLiteral("Начать с пустого"),
+        connect(addWay("storeEmpty", QStringLiteral("Начать с пустого"),
                        QStringLiteral("Сделать хранилище на этой машине: %1").arg(place)),
                 &QAbstractButton::clicked, this, [this] { make(false); });
     }
-    connect(addWay(ways, "storeServer", QStringLiteral("Подключиться к серверу…"),
+    connect(addWay("storeServer", QStringLiteral("Подключиться к серверу…"),
                    QStringLiteral("База PostgreSQL, в которой работают с нескольких машин")),
             &QAbstractButton::clicked, this, &StorePage::askForServer);
-    connect(addWay(ways, "storeFile", QStringLiteral("Открыть файл…"),
+    connect(addWay("storeFile", QStringLiteral("Открыть файл…"),
                    QStringLiteral("Хранилище SQLite в другом месте")),
             &QAbstractButton::clicked, this, &StorePage::openFile);
 
@@ -116,19 +117,33 @@ StorePage::StorePage(const QString& ownFile, const QString& user, QWidget* paren
     resize(560, sizeHint().height());
 }
 
-QCommandLinkButton* StorePage::addWay(QVBoxLayout* column, const char* name, const QString& title,
-                                      const QString& what) {
+QCommandLinkButton* StorePage::addWay(const char* name, const QString& title, const QString& what) {
     auto* way = new QCommandLinkButton(title, what, m_ways); // owned by its parent
     way->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     way->setObjectName(QLatin1String(name));
     way->setAccessibleDescription(what);
-    column->addWidget(way);
+    m_waysColumn->addWidget(way);
     return way;
 }
 
 void StorePage::setReason(const QString& text) {
     m_reason->setText(text);
     m_reason->setVisible(!text.isEmpty());
+    setAccessibleDescription(text);
+}
+
+void StorePage::offerAgain(const QString& address) {
+    store::StoreUrl url;
+    const QString place = url.parse(address.toStdString()).ok()
+                              ? QString::fromStdString(url.displayName())
+                              : QString();
+    auto* again = addWay("storeAgain", QStringLiteral("Попробовать ещё раз"), place);
+    m_waysColumn->insertWidget(0, again);
+    setTabOrder(m_recent, again);
+    m_reason->setFocusPolicy(Qt::StrongFocus); // so that it can be copied by keys as well
+    connect(again, &QAbstractButton::clicked, this, [this, address] { take({address, {}}); });
+    again->setDefault(true);
+    again->setFocus();
 }
 
 void StorePage::fillRecent() {
@@ -213,13 +228,25 @@ void StorePage::reject() {
 }
 
 bool askForStore(const QString& ownFile, const QString& user, const QString& reason,
-                 ChosenStore* chosen) {
+                 const QString& failed, ChosenStore* chosen) {
     StorePage page(ownFile, user);
     page.setReason(reason);
+    if (!failed.isEmpty())
+        page.offerAgain(failed);
     if (page.exec() != QDialog::Accepted)
         return false;
     *chosen = page.chosen();
     return true;
+}
+
+bool askToRetryDesktop(const QString& reason) {
+    QMessageBox box(QMessageBox::Critical, QStringLiteral("Рабочий стол не открыт"), reason);
+    box.setTextFormat(Qt::PlainText);
+    const QAbstractButton* again =
+        box.addButton(QStringLiteral("Попробовать ещё раз"), QMessageBox::AcceptRole);
+    box.addButton(QStringLiteral("Закрыть"), QMessageBox::RejectRole);
+    box.exec();
+    return box.clickedButton() == again;
 }
 
 void openFurtherStore(const QString& ownFile, const QString& user, QWidget* window,

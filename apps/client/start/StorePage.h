@@ -32,6 +32,8 @@ public:
 
     /// Says above everything else why the page is shown; empty: nothing is said.
     void setReason(const QString& text);
+    /// Offers, before every other way, to try a store again that did not open.
+    void offerAgain(const QString& address);
     /// After accept.
     const ChosenStore& chosen() const { return m_chosen; }
 
@@ -40,8 +42,7 @@ public:
 
 private:
     void fillRecent();
-    QCommandLinkButton* addWay(QVBoxLayout* column, const char* name, const QString& title,
-                               const QString& what);
+    QCommandLinkButton* addWay(const char* name, const QString& title, const QString& what);
     void make(bool withDemonstration);
     void made(const QString& problem);
     void openFile();
@@ -58,12 +59,17 @@ private:
     QListWidget* m_recent;
     QWidget* m_recentPart;
     QWidget* m_ways;
+    QVBoxLayout* m_waysColumn; ///< of its layout
     QPushButton* m_open;
 };
 
-/// The page, in front of everything, in an event loop of its own. False if the user wants none.
+/// The page, in front of everything, in an event loop of its own. `failed`: the store that did not
+/// open for that reason; empty: there was none. False if the user wants none.
 bool askForStore(const QString& ownFile, const QString& user, const QString& reason,
-                 ChosenStore* chosen);
+                 const QString& failed, ChosenStore* chosen);
+/// Tells an operator, who has no other store to choose, that his desktop does not open for that
+/// reason. False if it is not to be tried again.
+bool askToRetryDesktop(const QString& reason);
 
 /// The page in front of a client's window, without a loop of its own. What is chosen is opened in a
 /// window of its own by another process, this program with `arguments` and the address; `fail`
