@@ -9,6 +9,9 @@ namespace orvo::checks {
 
 namespace {
 
+constexpr size_t many = 16; ///< records of one hash, from which on they are a crowd
+constexpr size_t few = 8;   ///< below which a crowd is none any more
+
 uint32_t hashOf(const std::string& identity) {
     const size_t hash = std::hash<std::string>()(identity);
     return static_cast<uint32_t>(hash ^ hash >> 32);
@@ -64,6 +67,7 @@ std::string Namesakes::identityOf(const Record& record) {
 void Namesakes::clear() {
     m_nodes.clear();
     m_chains.clear();
+    m_crowds.clear();
     m_count = 0;
 }
 
@@ -77,14 +81,49 @@ void Namesakes::link(uint32_t number) {
     head = number;
 }
 
+void Namesakes::unlink(uint32_t number) {
+    const Node& node = m_nodes[number];
+    if (node.previous == none)
+        m_chains[node.hash & (m_chains.size() - 1)] = node.next;
+    else
+        m_nodes[node.previous].next = node.next;
+    if (node.next != none)
+        m_nodes[node.next].previous = node.previous;
+}
+
 void Namesakes::grow() {
     m_chains.assign(m_chains.empty() ? 1024 : m_chains.size() * 2, none);
     for (uint32_t number = 0; number < m_nodes.size(); ++number)
-        if (m_nodes[number].used)
+        if (m_nodes[number].used && !m_nodes[number].inCrowd)
             link(number);
 }
 
-void Namesakes::add(const Record& record) {
+/// Makes a crowd of the records of a chain that have that hash, if they are many.
+void Namesakes::gather(const Catalogue& records, uint32_t hash) {
+    std::vector<uint32_t> alike;
+    for (uint32_t at = m_chains[hash & (m_chains.size() - 1)]; at != none; at = m_nodes[at].next)
+        if (m_nodes[at].hash == hash)
+            alike.push_back(at);
+    if (alike.size() < many)
+        return;
+    Crowd& crowd = m_crowds[hash];
+    for (const uint32_t number : alike) {
+        unlink(number);
+        m_nodes[number].inCrowd = true;
+        crowd.emplace(store::foldedKey(records.at(number).key()), number);
+    }
+}
+
+void Namesakes::scatter(uint32_t hash) {
+    const auto crowd = m_crowds.find(hash);
+    for (const auto& [key, number] : crowd->second) {
+        m_nodes[number].inCrowd = false;
+        link(number);
+    }
+    m_crowds.erase(crowd);
+}
+
+void Namesakes::add(const Catalogue& records, const Record& record) {
     const std::string identity = identityOf(record);
     if (identity.empty())
         return;
@@ -94,39 +133,64 @@ void Namesakes::add(const Record& record) {
     assert(!m_nodes[number].used);
     if (m_count >= m_chains.size())
         grow();
-    m_nodes[number].hash = hashOf(identity);
+    const uint32_t hash = hashOf(identity);
+    m_nodes[number].hash = hash;
     m_nodes[number].used = true;
-    link(number);
     ++m_count;
+    if (const auto crowd = m_crowds.find(hash); crowd != m_crowds.end()) {
+        m_nodes[number].inCrowd = true;
+        crowd->second.emplace(store::foldedKey(record.key()), number);
+        return;
+    }
+    link(number);
+    gather(records, hash);
 }
 
-void Namesakes::remove(uint32_t number) {
+void Namesakes::remove(const Record& record) {
+    const uint32_t number = record.number();
     if (number >= m_nodes.size() || !m_nodes[number].used)
         return;
-    Node& node = m_nodes[number];
-    if (node.previous == none)
-        m_chains[node.hash & (m_chains.size() - 1)] = node.next;
-    else
-        m_nodes[node.previous].next = node.next;
-    if (node.next != none)
-        m_nodes[node.next].previous = node.previous;
-    node = {};
+    const Node node = m_nodes[number];
+    if (node.inCrowd) {
+        Crowd& crowd = m_crowds[node.hash];
+        crowd.erase({store::foldedKey(record.key()), number});
+        if (crowd.size() < few)
+            scatter(node.hash);
+    } else {
+        unlink(number);
+    }
+    m_nodes[number] = {};
     --m_count;
 }
 
 void Namesakes::forEach(const Catalogue& records, const std::string& identity,
-                        const std::function<void(const Record&)>& each) const {
+                        const std::function<bool(const Record&)>& each) const {
     if (m_chains.empty() || identity.empty())
         return;
     const uint32_t hash = hashOf(identity);
+    if (const auto crowd = m_crowds.find(hash); crowd != m_crowds.end()) {
+        for (const auto& [key, number] : crowd->second)
+            if (const Record record = records.at(number);
+                identityOf(record) == identity && !each(record))
+                return;
+        return;
+    }
     for (uint32_t at = m_chains[hash & (m_chains.size() - 1)]; at != none; at = m_nodes[at].next)
         if (m_nodes[at].hash == hash)
-            if (const Record record = records.at(at); identityOf(record) == identity)
-                each(record);
+            if (const Record record = records.at(at);
+                identityOf(record) == identity && !each(record))
+                return;
 }
 
 Namesakes::First Namesakes::first(const Catalogue& records, const std::string& identity) const {
     First found;
+    if (!identity.empty() && m_crowds.count(hashOf(identity)) > 0) {
+        forEach(records, identity, [&](const Record& record) { // by their keys
+            (found.owner ? found.next : found.owner) = record;
+            return !found.next;
+        });
+        return found;
+    }
     std::string ownerKey, nextKey;
     forEach(records, identity, [&](const Record& record) {
         std::string key = store::foldedKey(record.key());
@@ -137,6 +201,7 @@ Namesakes::First Namesakes::first(const Catalogue& records, const std::string& i
             found.next = record;
             nextKey = std::move(key);
         }
+        return true;
     });
     return found;
 }

@@ -54,7 +54,7 @@ void Problems::lookAtAll() {
     m_namesakes.clear();
     for (uint32_t number = 0; number < m_records.numberEnd(); ++number)
         if (const Record record = m_records.at(number))
-            m_namesakes.add(record);
+            m_namesakes.add(m_records, record);
     findCircles();
     for (uint32_t number = 0; number < m_records.numberEnd(); ++number)
         if (m_records.at(number))
@@ -202,7 +202,7 @@ struct Problems::Version {
 void Problems::recordChanged(const Catalogue&, const Record& before, const Record& after) {
     const uint32_t number = (after ? after : before).number();
     if (before) {
-        m_namesakes.remove(number);
+        m_namesakes.remove(before);
         if (!after) {
             m_due.erase(number);
             replace(number, &before.table(), before.key(), {});
@@ -211,7 +211,7 @@ void Problems::recordChanged(const Catalogue&, const Record& before, const Recor
         }
     }
     if (after) {
-        m_namesakes.add(after);
+        m_namesakes.add(m_records, after);
         due(after);
     }
     for (const Version& version : {Version{before, after}, Version{after, before}}) {

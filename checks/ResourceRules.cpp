@@ -64,7 +64,10 @@ void lookAtTops(const Scene& scene, Findings& findings) {
             continue;
         bool found = false;
         scene.namesakes.forEach(scene.records, Namesakes::topPlace(kind.number),
-                                [&](const Record&) { found = true; });
+                                [&](const Record&) {
+                                    found = true;
+                                    return false;
+                                });
         if (!found)
             findings.push_back({&fields().folders, {}, Problem::NoTopFolder, kind.topFolder});
     }
