@@ -139,8 +139,8 @@ std::optional<Cure> cureOf(const Problems& problems, const Finding& finding) {
     case Problem::OrderClassOfOther: {
         const bool isFolder = record.integer(f.desktop.isFolder) != 0;
         return single(
-            isFolder ? "записать order_ «1000», как у папки"
-                     : "записать order_ «2000», как у рабочего стола",
+            isFolder ? "записать порядок «1000», как у папки"
+                     : "записать порядок «2000», как у рабочего стола",
             record,
             {{f.desktop.order, std::string(isFolder ? sortclass::folder : sortclass::desktop)}});
     }
@@ -152,7 +152,8 @@ std::optional<Cure> cureOf(const Problems& problems, const Finding& finding) {
                       {{f.element.desktop, desktop.key()}});
     }
     case Problem::NoIcon:
-        return clearing("убрать значок", record, f.element.icon);
+        return clearing("убрать значок", record,
+                        &record.table() == &f.elements ? f.element.icon : f.resource.icon);
     case Problem::SameOrder:
         return distinctOrders(records, record);
     case Problem::ParentOfOtherKind:

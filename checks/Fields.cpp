@@ -53,7 +53,7 @@ Fields makeFields() {
         {folders.find(field::ParentKey), folders.find(field::type_), folders.find(field::caption)},
         {resources.find(field::MenuResourceFolderKey), resources.find(field::name_),
          resources.find(field::type_), resources.find(field::UsersKey),
-         resources.find(field::dateTimeEdit)}};
+         resources.find(field::dateTimeEdit), resources.find(field::ico)}};
 }
 
 } // namespace

@@ -44,7 +44,7 @@ struct Fields {
         int parent, kind, caption;
     } folder;
     struct {
-        int folder, name, kind, holder, since;
+        int folder, name, kind, holder, since, icon;
     } resource;
 };
 const Fields& fields();

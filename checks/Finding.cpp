@@ -15,6 +15,7 @@ enum class Detail {
     DesktopKey,
     FolderKey,
     ResourceKey,
+    Neighbour, ///< a text, behind the record that has the right to it
 };
 
 struct Description {
@@ -38,10 +39,10 @@ const Description& describe(Problem problem) {
         {E, "fixed-key",
          "такой ключ у строки дерева, за которой нет записи; редактор принимает одну за другую"},
         {E, "unknown-kind", "неизвестный тип", Detail::Text, true},
-        {E, "order-class-unknown", "order_ не \"1000\" и не \"2000\":", Detail::Text},
+        {E, "order-class-unknown",
+         "порядок не \"1000\" (папка) и не \"2000\" (рабочий стол):", Detail::Text},
         {E, "order-class-of-other",
-         "order_ не соответствует isFolder (папка - \"1000\", рабочий стол - \"2000\"):",
-         Detail::Text},
+         "порядок не тот, у папки он \"1000\", у рабочего стола \"2000\":", Detail::Text},
         {E, "parent-is-desktop", "родитель - рабочий стол, а не папка:", Detail::ParentKey, true},
         {E, "desktop-unsaid", "не сказано, на каком рабочем столе элемент", Detail::None, true},
         {E, "no-desktop", "нет рабочего стола", Detail::Key, true},
@@ -52,12 +53,12 @@ const Description& describe(Problem problem) {
         {E, "no-resource", "нет ресурса", Detail::Key},
         {W, "not-launched", "ресурс такого типа из меню не запускается:", Detail::ResourceKey},
         {W, "no-icon", "в папке icons нет значка", Detail::Text},
-        {W, "same-order", "место по порядку то же, что у соседнего элемента:", Detail::Text},
+        {W, "same-order", "место по порядку то же, что у соседнего элемента", Detail::Neighbour},
         {E, "folder-twice", "рядом есть папка с таким же названием"},
         {W, "caption-no-path", "название не годится в путь, на диск не переносится"},
         {E, "under-top-row",
-         "сделана под верхней строкой дерева и после перезапуска редактора не видна; ParentKey",
-         Detail::Text, true},
+         "сделана под верхней строкой дерева и после перезапуска редактора не видна:", Detail::Text,
+         true},
         {E, "parent-of-other-kind", "родитель другого типа:", Detail::ParentKey, true},
         {E, "no-top-folder",
          "нет верхней папки, без неё дерево ресурсов не загружается; её сделает init:",
@@ -88,7 +89,7 @@ QString named(const Catalogue& records, const store::TableDef& table, const std:
                : QStringLiteral("%1 (%2)").arg(history::quoted(name), QString::fromStdString(key));
 }
 
-QString detailOf(const Catalogue& records, const Finding& finding) {
+QString detailOf(const Catalogue& records, const Namesakes& namesakes, const Finding& finding) {
     switch (describe(finding.problem).detail) {
     case Detail::None:
         return {};
@@ -101,6 +102,15 @@ QString detailOf(const Catalogue& records, const Finding& finding) {
         return named(records, fields().desktops, finding.value);
     case Detail::FolderKey:
         return named(records, fields().folders, finding.value);
+    case Detail::Neighbour: {
+        const Record record = records.find(*finding.table, finding.key);
+        const Record first =
+            record ? namesakes.first(records, Namesakes::identityOf(record)).owner : Record();
+        const QString place = QString::fromStdString(finding.value);
+        return first ? QStringLiteral("%1: %2").arg(named(records, *finding.table, first.key()),
+                                                    place)
+                     : place;
+    }
     case Detail::ResourceKey: {
         const Record resource = records.find(fields().resources, finding.value);
         return QStringLiteral("%1, тип %2")
@@ -129,9 +139,9 @@ QString titleOf(Problem problem) {
     return QString::fromUtf8(describe(problem).title);
 }
 
-QString wordsOf(const Catalogue& records, const Finding& finding) {
+QString wordsOf(const Catalogue& records, const Namesakes& namesakes, const Finding& finding) {
     QString words = titleOf(finding.problem);
-    if (const QString detail = detailOf(records, finding); !detail.isEmpty())
+    if (const QString detail = detailOf(records, namesakes, finding); !detail.isEmpty())
         words += QLatin1Char(' ') + detail;
     const Record record =
         describe(finding.problem).hides ? records.find(*finding.table, finding.key) : Record();

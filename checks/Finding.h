@@ -2,7 +2,7 @@
 #ifndef ORVO_CHECKS_FINDING_H
 #define ORVO_CHECKS_FINDING_H
 
-#include "checks/Fields.h"
+#include "checks/Namesakes.h"
 
 #include <QString>
 
@@ -80,7 +80,7 @@ bool isHiding(Problem problem);
 /// What is wrong, the same for all findings of a kind.
 QString titleOf(Problem problem);
 /// The same with what it is about: names, with keys beside them.
-QString wordsOf(const Catalogue& records, const Finding& finding);
+QString wordsOf(const Catalogue& records, const Namesakes& namesakes, const Finding& finding);
 
 } // namespace orvo::checks
 

@@ -50,15 +50,18 @@ void lookAtResourceOf(const Scene& scene, const Record& element, Findings& findi
 
 } // namespace
 
-bool isIcon(const Catalogue& records, const std::string& name) {
+void lookAtIcon(const Scene& scene, const Record& record, int field, Findings& findings) {
     const Fields& f = fields();
-    bool found = false;
-    records.forEachWith(table::MenuResource, field::name_, name, [&](const Record& file, int) {
-        found = file.integer(f.resource.kind) == Kind::File &&
-                isIconFolder(records.linked(file, f.resource.folder));
-        return !found;
-    });
-    return found;
+    const std::string name = record.text(field);
+    bool found = name.empty();
+    scene.records.forEachWith(
+        table::MenuResource, field::name_, name, [&](const Record& file, int) {
+            found = file.integer(f.resource.kind) == Kind::File &&
+                    isIconFolder(scene.records.linked(file, f.resource.folder));
+            return !found;
+        });
+    if (!found)
+        add(findings, record, Problem::NoIcon, name);
 }
 
 void lookAtDesktop(const Scene& scene, const Record& record, Findings& findings) {
@@ -88,9 +91,7 @@ void lookAtElement(const Scene& scene, const Record& record, Findings& findings)
     lookAtDesktopOf(scene, record, findings);
     lookAtParentOf(scene, record, findings);
     lookAtResourceOf(scene, record, findings);
-    if (const std::string icon = record.text(f.element.icon);
-        !icon.empty() && !isIcon(scene.records, icon))
-        add(findings, record, Problem::NoIcon, icon);
+    lookAtIcon(scene, record, f.element.icon, findings);
     if (isSecond(scene, record))
         add(findings, record, Problem::SameOrder, std::to_string(record.integer(f.element.order)));
 }

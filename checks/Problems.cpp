@@ -265,9 +265,11 @@ void Problems::touchIcons(const Version& version) {
     const Fields& f = fields();
     const auto touch = [&](const Record& file) {
         const std::string name = file.text(f.resource.name);
-        if (file.integer(f.resource.kind) == Kind::File && !name.empty())
-            m_records.forEachWith(table::Menu, field::ico, name, [&](const Record& element, int) {
-                due(element);
+        if (file.integer(f.resource.kind) != Kind::File || name.empty())
+            return;
+        for (const char* table : {table::Menu, table::MenuResource})
+            m_records.forEachWith(table, field::ico, name, [&](const Record& bearer, int) {
+                due(bearer);
                 return true;
             });
     };

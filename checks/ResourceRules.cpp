@@ -100,6 +100,7 @@ void lookAtResource(const Scene& scene, const Record& record, Findings& findings
         add(findings, record, Problem::NameTwice, name);
     lookAtFolderOf(scene, record, findings);
     lookAtLockOf(scene, record, findings);
+    lookAtIcon(scene, record, f.resource.icon, findings);
     if (kind != Kind::File || name.empty())
         return;
     // Forms may stand without files: their menus can be laid out first.

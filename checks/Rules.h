@@ -33,8 +33,8 @@ void lookAtResource(const Scene& scene, const Record& record, Findings& findings
 void add(Findings& findings, const Record& record, Problem problem, std::string value = {});
 /// Whether another record has the right to what this one should share with nobody.
 bool isSecond(const Scene& scene, const Record& record);
-/// Whether an element's icon is among the files that serve as icons.
-bool isIcon(const Catalogue& records, const std::string& name);
+/// Whether the icon that the field names is among the files that serve as icons.
+void lookAtIcon(const Scene& scene, const Record& record, int field, Findings& findings);
 
 } // namespace orvo::checks
 

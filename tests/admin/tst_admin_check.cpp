@@ -90,11 +90,12 @@ void TestAdminCheck::everyDefectIsFoundAlone_data() {
           "MenuFolder d3 «»: пустое название");
     error("order that no loader seeks",
           "update MenuFolder set order_ = '3000' where KeyLink = 'd3'",
-          "MenuFolder d3 «Второй»: order_ не \"1000\" и не \"2000\": \"3000\"");
+          "MenuFolder d3 «Второй»: порядок не \"1000\" (папка) и не \"2000\" (рабочий стол): "
+          "\"3000\"");
     error("order missing", "update MenuFolder set order_ = null where KeyLink = 'd3'",
-          "MenuFolder d3 «Второй»: order_ не \"1000\" и не \"2000\": \"\"");
+          "MenuFolder d3 «Второй»: порядок не \"1000\" (папка) и не \"2000\" (рабочий стол): \"\"");
     error("order of the other class", "update MenuFolder set order_ = '1000' where KeyLink = 'd3'",
-          "MenuFolder d3 «Второй»: order_ не соответствует isFolder");
+          "MenuFolder d3 «Второй»: порядок не тот, у папки он");
     error("parent of a desktop missing",
           "update MenuFolder set ParentKey = 'gone' where KeyLink = 'd3'",
           "MenuFolder d3 «Второй»: нет родителя gone");
@@ -132,6 +133,9 @@ void TestAdminCheck::everyDefectIsFoundAlone_data() {
             "Menu m3 «Схема»: ресурс такого типа из меню не запускается: «a.png» (");
     warning("icon missing", "update Menu set ico = 'b.png' where KeyLink = 'm2'",
             "Menu m2 «Тренды»: в папке icons нет значка b.png");
+    warning("icon of a resource missing",
+            "update MenuResource set ico = 'b.png' where KeyLink = 'r1'",
+            "MenuResource r1 «Тренды»: в папке icons нет значка b.png");
 
     error("folder without a caption",
           "update MenuResourceFolder set caption = null where KeyLink = 'f1'",
@@ -194,7 +198,7 @@ void TestAdminCheck::everyDefectIsFoundAlone_data() {
           "update MenuResource set MenuResourceFolderKey = 'FileResources' where type_ = 4",
           "MenuResource %FILE% «a.png»: после перезапуска редактора не виден; папка FileResources");
     warning("element where another one is", "update Menu set order_ = 0 where KeyLink = 'm3'",
-            "Menu m3 «Схема»: место по порядку то же, что у соседнего элемента: 0");
+            "Menu m3 «Схема»: место по порядку то же, что у соседнего элемента «Папка меню»: 0");
     warning("file without content",
             "insert into MenuResource(KeyLink, name_, type_) values ('r9', 'x.txt', 4)",
             "MenuResource r9 «x.txt»: содержимого файла в хранилище нет: x.txt");

@@ -72,6 +72,8 @@ private slots:
     void aCircleIsToldOnceAndGoesWhenItIsBroken();
     void theFirstOfTwoNamesakesHasTheRight();
     void anIconIsMissedWhenItsFileGoes();
+    void theIconOfAResourceIsMissedToo();
+    void manyInOnePlaceOfTheOrderAreFollowed();
     void contentsAreFollowed();
     void aCureOutdatedByAnotherWriteIsRefused();
     void distinctOrdersKeepTheSequence();
@@ -148,7 +150,7 @@ void TestProblems::aCircleIsToldOnceAndGoesWhenItIsBroken() {
                           "('x', 'c', 'Ж', '1000', '1')"));
     Watch watch(*m_store);
     QCOMPARE(watch.look(), QStringList("MenuFolder a circle 3"));
-    QCOMPARE(wordsOf(watch.records, watch.problems.all()[0]),
+    QCOMPARE(wordsOf(watch.records, watch.problems.namesakes(), watch.problems.all()[0]),
              QString("круг: стоит внутри самой себя; записей в круге: 3; вместе с этим не видно "
                      "записей: 3"));
     ORVO_OK(Batch("MenuFolder").update("b", {{"ParentKey", ""}}).send(*m_store));
@@ -186,6 +188,53 @@ void TestProblems::anIconIsMissedWhenItsFileGoes() {
     QCOMPARE(watch.look(), QStringList("Menu E no-icon a.png"));
     ORVO_OK(watch.cure());
     QCOMPARE(watch.look(), QStringList());
+}
+
+void TestProblems::theIconOfAResourceIsMissedToo() {
+    fill();
+    Watch watch(*m_store);
+    ORVO_OK(Batch("MenuResource").update("R", {{"ico", "a.png"}}).send(*m_store));
+    QCOMPARE(watch.look(), QStringList());
+    ORVO_OK(Batch("MenuResource").remove("A").send(*m_store));
+    QCOMPARE(watch.look(), (QStringList{"Menu E no-icon a.png", "MenuResource R no-icon a.png"}));
+    for (int i = 0; i < 2; ++i) {
+        ORVO_OK(watch.cure());
+        watch.look();
+    }
+    QCOMPARE(watch.look(), QStringList());
+}
+
+void TestProblems::manyInOnePlaceOfTheOrderAreFollowed() {
+    fill();
+    Watch watch(*m_store);
+    constexpr int all = 40;
+    const auto key = [](int number) { return QByteArray::number(100 + number); };
+    QRandomGenerator random(1);
+    std::map<QByteArray, int> orders;
+    for (int act = 0; act < 300; ++act) {
+        // Filled, emptied, and filled again, so that they become many and few.
+        const bool fills = act / 60 % 2 == 0;
+        const QByteArray one = key(random.bounded(all));
+        Batch batch("Menu");
+        const int order = random.bounded(8) == 0 ? act : 7;
+        if (orders.count(one) && (!fills || random.bounded(4) == 0)) {
+            batch.remove(one.constData());
+            orders.erase(one);
+        } else {
+            batch.add(orders.count(one) ? MDX_UPDATE : MDX_INSERT, one, {});
+            batch.set("caption", QString(one));
+            batch.set("FolderKey", "D");
+            batch.set("order_", order);
+            orders[one] = order;
+        }
+        ORVO_OK(batch.send(*m_store));
+        QStringList expected;
+        std::map<int, QByteArray> owners;
+        for (const auto& [element, place] : orders)
+            if (!owners.emplace(place, element).second)
+                expected << QString("Menu %1 same-order %2").arg(QString(element)).arg(place);
+        QCOMPARE(watch.look(), expected);
+    }
 }
 
 void TestProblems::contentsAreFollowed() {

@@ -112,7 +112,7 @@ private:
         const bool isError = checks::severityOf(finding.problem) == checks::Severity::Error;
         const checks::Record record = problems.records().find(*finding.table, finding.key);
         const QString path = record ? checks::pathOf(problems.records(), record) : QString();
-        const QString what = checks::wordsOf(problems.records(), finding);
+        const QString what = checks::wordsOf(problems.records(), problems.namesakes(), finding);
         if (json_) {
             QJsonObject object{{"severity", isError ? "error" : "warning"},
                                {"kind", checks::identifierOf(finding.problem)},

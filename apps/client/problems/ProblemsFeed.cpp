@@ -27,7 +27,7 @@ ProblemRow rowOf(const checks::Problems& problems, const checks::Finding& findin
     ProblemRow row;
     row.finding = finding;
     row.isError = checks::severityOf(finding.problem) == checks::Severity::Error;
-    row.words = checks::wordsOf(records, finding);
+    row.words = checks::wordsOf(records, problems.namesakes(), finding);
     row.cure = checks::cureWordsOf(problems, finding).value_or(QString());
     if (const checks::Record record = records.find(*finding.table, finding.key)) {
         row.what = history::recordWords(*finding.table, record.values(), finding.key);
