@@ -248,8 +248,12 @@ Status parseUrl(const std::string& url, Location* location) {
                               "sqlite:///путь/orvo.db"};
     std::error_code error;
     location->file = std::filesystem::absolute(path, error).string();
-    location->displayName = "sqlite://" + location->file;
+    location->displayName = urlOf(location->file);
     return {};
+}
+
+std::string urlOf(const std::string& path) {
+    return "sqlite://" + path;
 }
 
 std::unique_ptr<MaintainedStore> openStore(const std::string& url, const OpenOptions& options,

@@ -32,6 +32,8 @@ Status connectTo(const std::string& path, bool allowReadOnly, Connection* connec
 
 /// See Kinds.h.
 Status parseUrl(const std::string& url, Location* location);
+/// The address of the store in the file at that absolute path.
+std::string urlOf(const std::string& path);
 std::unique_ptr<MaintainedStore> openStore(const std::string& url, const OpenOptions& options,
                                            Status* status);
 
@@ -54,7 +56,7 @@ public:
 
     ~SqliteStore() override;
 
-    std::string displayName() const override { return "sqlite://" + m_path; }
+    std::string displayName() const override { return urlOf(m_path); }
     bool mayWrite() const override { return m_mayWrite; }
     Status reopen() override;
 
