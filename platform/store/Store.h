@@ -176,9 +176,9 @@ public:
 
     // Change log ---------------------------------------------------------------------------------
 
-    /// Id of the newest change: the cursor to take before the first fetch.
+    /// Id of the newest change.
     virtual Status logPosition(int64_t* id) = 0;
-    /// The same with proof.
+    /// The place behind it, with proof: the cursor to take before the first fetch.
     virtual Status logEnd(LogCursor* cursor) = 0;
     /// The changes after `cursor`, in commit order, at most `limit` of them. LogPruned if some of
     /// them are gone; LogReplaced if the proof fails, and then it cannot be told what was missed.
@@ -187,7 +187,7 @@ public:
     /// concern other desktops only, or resources that neither the desktop names nor serve as icons.
     /// The cursor moves behind all that was looked through. `more`: the log may hold more.
     virtual Status readDesktopLog(std::string_view desktop, int limit, LogCursor* cursor,
-                                  std::vector<Change>* changes, bool* more);
+                                  std::vector<Change>* changes, bool* more) = 0;
     /// From now on the write calls of this object belong to that group, if it is one of the same
     /// login that the log still tells of; else, and for 0 as in the beginning, each call is a group
     /// of its own. A call's new group has the id lastWritten().first.

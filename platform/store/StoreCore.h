@@ -35,6 +35,9 @@ public:
                   UpdateGuard* guard = nullptr) final;
 
     Status logEnd(LogCursor* cursor) final;
+    /// All changes: for a database that cannot tell cheaply which concern a desktop.
+    Status readDesktopLog(std::string_view desktop, int limit, LogCursor* cursor,
+                          std::vector<Change>* changes, bool* more) override;
     void joinGroup(int64_t group) final { m_origin.group = group; }
     const Written& lastWritten() const final { return m_written; }
     Status outcomeOf(const Written& written, Outcome* outcome) final;

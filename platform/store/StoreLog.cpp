@@ -96,8 +96,8 @@ std::string proofOfHead(const Change& change) {
     return headMark + digest(change, {&change.table, &change.key, &change.login});
 }
 
-Status Store::readDesktopLog(std::string_view /*desktop*/, int limit, LogCursor* cursor,
-                             std::vector<Change>* changes, bool* more) {
+Status StoreCore::readDesktopLog(std::string_view /*desktop*/, int limit, LogCursor* cursor,
+                                 std::vector<Change>* changes, bool* more) {
     std::vector<Change> read;
     Status status = readLog(*cursor, limit, &read);
     if (!status.ok())

@@ -54,6 +54,10 @@ public:
     store::Status logEnd(store::LogCursor* cursor) override;
     store::Status readLog(const store::LogCursor& cursor, int limit,
                           std::vector<store::Change>* changes) override;
+    store::Status readDesktopLog(std::string_view desktop, int limit, store::LogCursor* cursor,
+                                 std::vector<store::Change>* changes, bool* more) override {
+        return m_store->readDesktopLog(desktop, limit, cursor, changes, more);
+    }
     void joinGroup(int64_t group) override { m_store->joinGroup(group); }
     const store::Written& lastWritten() const override;
     store::Status outcomeOf(const store::Written& written, store::Outcome* outcome) override;
