@@ -1,13 +1,12 @@
 #include "platform/client/LogFollower.h"
 
+#include "platform/client/WakeSignal.h"
 #include "platform/store/WaitPolicy.h"
 
 #include <algorithm>
 #include <cassert>
 #include <chrono>
 #include <poll.h>
-#include <sys/eventfd.h>
-#include <unistd.h>
 
 namespace orvo::client {
 
@@ -35,21 +34,12 @@ public:
     Worker(std::unique_ptr<store::Store> store, LogFollower& owner)
         : m_owner(owner)
         , m_store(std::move(store))
-        , m_mayWrite(m_store->mayWrite())
-        , m_signal(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
-    ~Worker() override {
-        if (m_signal >= 0)
-            ::close(m_signal);
-    }
+        , m_mayWrite(m_store->mayWrite()) {}
 
     bool keepWaiting() override { return !stop; }
-    void signal() const {
-        const uint64_t one = 1;
-        if (m_signal >= 0 && ::write(m_signal, &one, sizeof one) < 0)
-            return; // full: it is readable all the same
-    }
     void run();
 
+    WakeSignal signal;
     std::mutex mutex;
     std::atomic<bool> stop = false;
     uint64_t asked = 0;      ///< number of the last look
@@ -69,7 +59,6 @@ private:
     LogFollower& m_owner;
     std::unique_ptr<store::Store> m_store;
     bool m_mayWrite; ///< as it was told of
-    const int m_signal;
     uint64_t m_asked = 0;
     uint64_t m_generation = 0;
     store::LogCursor m_cursor;
@@ -196,18 +185,15 @@ void LogFollower::Worker::rest() {
         return;
     }
     const int usual = wake >= 0 ? pollMs : pollAloneMs;
-    pollfd waits[] = {{m_signal, POLLIN, 0}, {wake, POLLIN, 0}};
+    pollfd waits[] = {{signal.fd(), POLLIN, 0}, {wake, POLLIN, 0}};
     const int timeout = idle   ? pollMs
                         : away ? millisecondsUntil(m_next)
                         : m_relookMs > 0
                             ? m_relookMs
                             : millisecondsUntil(m_looked + std::chrono::milliseconds(usual));
     const int ready = ::poll(waits, 2, timeout);
-    if (waits[0].revents != 0) {
-        uint64_t count = 0;
-        if (::read(m_signal, &count, sizeof count) < 0)
-            count = 0; // taken already
-    }
+    if (waits[0].revents != 0)
+        signal.take();
     if (idle || away || stop)
         return;
     if (waits[1].revents != 0) {
@@ -233,7 +219,7 @@ LogFollower::LogFollower(std::unique_ptr<store::Store> store, QObject* parent)
 
 LogFollower::~LogFollower() {
     m_worker->stop = true;
-    m_worker->signal();
+    m_worker->signal.give();
     m_thread.join();
 }
 
@@ -244,7 +230,7 @@ void LogFollower::begin(store::LogCursor cursor) {
     m_worker->news.changes.clear();
     m_worker->news.pruned = false;
     m_worker->news.replaced = false;
-    m_worker->signal();
+    m_worker->signal.give();
 }
 
 void LogFollower::wantOnly(const QString& desktop) {
@@ -255,7 +241,7 @@ void LogFollower::wantOnly(const QString& desktop) {
 uint64_t LogFollower::look() {
     const std::lock_guard lock(m_worker->mutex);
     ++m_worker->asked;
-    m_worker->signal();
+    m_worker->signal.give();
     return m_worker->asked;
 }
 
@@ -265,7 +251,7 @@ LogFollower::News LogFollower::take() {
     News taken;
     std::swap(taken, waiting);
     waiting.answered = taken.answered;
-    m_worker->signal();
+    m_worker->signal.give();
     return taken;
 }
 

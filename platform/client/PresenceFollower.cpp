@@ -1,13 +1,12 @@
 #include "platform/client/PresenceFollower.h"
 
+#include "platform/client/WakeSignal.h"
 #include "platform/store/WaitPolicy.h"
 
 #include <algorithm>
 #include <atomic>
 #include <mutex>
 #include <poll.h>
-#include <sys/eventfd.h>
-#include <unistd.h>
 #include <utility>
 
 namespace orvo::client {
@@ -24,21 +23,12 @@ class PresenceFollower::Worker : public store::WaitPolicy {
 public:
     Worker(std::unique_ptr<store::Presence> presence, PresenceFollower& owner)
         : m_owner(owner)
-        , m_presence(std::move(presence))
-        , m_signal(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
-    ~Worker() override {
-        if (m_signal >= 0)
-            ::close(m_signal);
-    }
+        , m_presence(std::move(presence)) {}
 
     bool keepWaiting() override { return !stop; }
-    void signal() const {
-        const uint64_t one = 1;
-        if (m_signal >= 0 && ::write(m_signal, &one, sizeof one) < 0)
-            return; // full: it is readable all the same
-    }
     void run();
 
+    WakeSignal signal;
     std::mutex mutex;
     std::atomic<bool> stop = false;
     bool announced = false; ///< `edits` are new
@@ -51,7 +41,6 @@ private:
 
     PresenceFollower& m_owner;
     const std::unique_ptr<store::Presence> m_presence;
-    const int m_signal;
     int m_backOffMs = 0; ///< 0: the last look succeeded
 };
 
@@ -85,11 +74,10 @@ void PresenceFollower::Worker::lookOnce() {
 void PresenceFollower::Worker::rest() const {
     const bool away = m_backOffMs != 0;
     // A descriptor of a lost connection would be readable for ever.
-    pollfd waits[] = {{m_signal, POLLIN, 0}, {away ? -1 : m_presence->wakeFd(), POLLIN, 0}};
+    pollfd waits[] = {{signal.fd(), POLLIN, 0}, {away ? -1 : m_presence->wakeFd(), POLLIN, 0}};
     ::poll(waits, 2, away ? m_backOffMs : m_presence->nextLookMs());
-    uint64_t count = 0;
-    if (waits[0].revents != 0 && ::read(m_signal, &count, sizeof count) < 0)
-        count = 0; // taken already
+    if (waits[0].revents != 0)
+        signal.take();
 }
 
 PresenceFollower::PresenceFollower(std::unique_ptr<store::Presence> presence, QObject* parent)
@@ -99,7 +87,7 @@ PresenceFollower::PresenceFollower(std::unique_ptr<store::Presence> presence, QO
 
 PresenceFollower::~PresenceFollower() {
     m_worker->stop = true;
-    m_worker->signal();
+    m_worker->signal.give();
     m_thread.join();
 }
 
@@ -109,7 +97,7 @@ void PresenceFollower::announce(std::vector<store::OpenEdit> edits) {
         return;
     m_worker->edits = std::move(edits);
     m_worker->announced = true;
-    m_worker->signal();
+    m_worker->signal.give();
 }
 
 void PresenceFollower::take() {
