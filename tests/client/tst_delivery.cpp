@@ -122,7 +122,7 @@ private slots:
 
     void aChangeByHandArrivesAtOnce() {
         Fixture fixture;
-        QTest::qWait(50);
+        QTRY_VERIFY(fixture.pump->isIdle());
         // The log has the moment of the change, so that a slow start of the program does not count.
         double written = 0;
         double arrived = 0;

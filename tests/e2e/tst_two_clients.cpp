@@ -27,6 +27,12 @@ class TestTwoClients : public SceneTest {
     int childrenOf(const QString& caption) const {
         return number("select count(*) from Menu where parent = " + quoted(element(caption)));
     }
+    /// The name of the left one's current desktop can be typed.
+    bool nameIsOpen() {
+        return m_scene->waitFor("the name is open", [&] {
+            return left().ask("windows")["focus"].toObject()["class"].toString() == "QLineEdit";
+        });
+    }
     /// Makes, names and saves a folder at the top of the open menu.
     bool makeFolder(ClientProcess& client, const QString& caption) {
         return m_scene->clickRow(client, "tvMenu", menuTop) &&
@@ -103,7 +109,7 @@ private slots:
         DO(m_scene->clickRow(left(), "tvDesck", secondStation));
         DO(m_scene->clickRow(left(), "tvDesck", secondStation, {}, 3));
         DO(m_scene->press(left(), "actChangeDescktopOrFolder"));
-        QTest::qWait(200);
+        DO(nameIsOpen());
         hands::key("ctrl+a");
         hands::type("Station two");
         DO(m_scene->press(left(), save));
@@ -113,7 +119,7 @@ private slots:
     void aNewDesktopAppearsForBoth() {
         DO(m_scene->clickRow(left(), "tvDesck", QStringLiteral("ЛПУ Кедровый Лог")));
         DO(m_scene->pressAll(left(), {QStringLiteral("Создать"), "actAddDescktop"}));
-        QTest::qWait(200);
+        DO(nameIsOpen());
         hands::key("ctrl+a");
         hands::type("New place");
         DO(m_scene->press(left(), save));
@@ -179,7 +185,7 @@ private slots:
         DO(m_scene->clickRow(left(), "tvMenu", "Events"));
         DO(m_scene->clickRow(left(), "tvMenu", "Events", {}, 3));
         DO(m_scene->press(left(), "actCutMenuElement"));
-        QTest::qWait(500);
+        DO(m_scene->agree());
         QCOMPARE(element("Events"), key); // a cut deletes nothing yet
         // It is for no other client.
         DO(m_scene->clickRow(right(), "tvMenu", "Right folder"));
@@ -267,7 +273,7 @@ private slots:
         DO(m_scene->waitFor("the left one's is stored",
                             [&] { return stored("Of the left") == 1; }));
         // What the right one has typed stays until he has decided.
-        QTest::qWait(300);
+        DO(m_scene->waitFor("the right one is at rest", [&] { return right().settled(); }));
         QVERIFY(right().tree("tvProp").find("Of the right", 1) >= 0);
         QCOMPARE(stored("Of the right"), 0);
         DO(m_scene->press(right(), cancel));

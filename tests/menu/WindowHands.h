@@ -11,6 +11,7 @@
 #include <QLineEdit>
 #include <QTest>
 #include <QTreeView>
+#include <QVariantAnimation>
 
 namespace orvo::test {
 
@@ -21,6 +22,18 @@ namespace orvo::test {
 inline void typeText(QWidget* editor, const QString& text) {
     for (const QChar letter : text)
         QTest::sendKeyEvent(QTest::Click, editor, Qt::Key_unknown, QString(letter), Qt::NoModifier);
+}
+
+/// The button that clears a search field fades, and Qt frees a fade only at its end, even after the
+/// window: a later and longer one ends behind all of them.
+inline void waitForFades() {
+    QVariantAnimation last;
+    last.setDuration(300);
+    last.setStartValue(0);
+    last.setEndValue(1);
+    last.start();
+    QTRY_COMPARE(last.state(), QAbstractAnimation::Stopped);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 /// The open editor of a passport row.

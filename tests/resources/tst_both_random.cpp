@@ -121,8 +121,7 @@ private slots:
         TestStore store(m_stores.renewed());
         BothRun run;
         const QString found = run.over(store);
-        // The buttons in the search line fade, and Qt frees a fade only at its end.
-        QTest::qWait(300);
+        waitForFades();
         tellHistory(store);
         QVERIFY2(found.isEmpty(), qPrintable(found));
         QVERIFY(run.comparedEnough());
@@ -142,7 +141,7 @@ private slots:
             QVERIFY2(found.isEmpty(), qPrintable(found));
             history = changeLines(store);
         }
-        QTest::qWait(300);
+        waitForFades();
         QVERIFY(histories[0].size() > 50);
         QCOMPARE(histories[0], histories[1]);
     }

@@ -590,7 +590,7 @@ private slots:
         QVERIFY(!seen.contains("rmanual"));
         QVERIFY(!seen.contains("rboiler"));
         QVERIFY(seen.contains("rpump"));
-        QTest::qWait(300); // the line's own fading button outlives it by some frames
+        waitForFades();
     }
 
     void theSearchFindsTheNewRow() {
@@ -608,7 +608,7 @@ private slots:
         QMetaObject::invokeMethod(live.editor.module.get(), "on_search_up_pressed");
         QMetaObject::invokeMethod(live.editor.module.get(), "on_search_down_pressed");
         QCOMPARE(live.currentKey(), QString("rtable"));
-        QTest::qWait(300);
+        waitForFades();
     }
 
     // Names

@@ -26,8 +26,7 @@ private slots:
         const QString found =
             run.work([&] { acts.foreignAct(); },
                      [&](auto& client) { acts.ownAct(client.template part<ResPart>()); });
-        // The buttons in the search line fade, and Qt frees a fade only at its end.
-        QTest::qWait(300);
+        waitForFades();
         tellHistory(store);
         QVERIFY2(found.isEmpty(), qPrintable(found));
         QVERIFY(run.comparedEnough());

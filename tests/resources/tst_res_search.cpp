@@ -47,8 +47,7 @@ struct Window : Writing {
 class TestResSearch : public QObject {
     Q_OBJECT
 private slots:
-    // The line edit's own fading button outlives it by some frames.
-    void cleanupTestCase() { QTest::qWait(300); }
+    void cleanupTestCase() { waitForFades(); }
 
     void theFirstHitBecomesCurrent() {
         Window window;
@@ -337,7 +336,7 @@ private slots:
         QCoreApplication::processEvents();
         const QRect before = window.editor->m_btnSearchDown->geometry();
         window.type("тренд"); // the button that clears the field appears
-        QTest::qWait(50);
+        waitForFades();
         QCOMPARE(window.editor->m_btnSearchDown->geometry(), before);
     }
 

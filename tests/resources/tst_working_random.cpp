@@ -106,7 +106,7 @@ private slots:
         TestStore store(std::move(kind));
         WorkingRun run;
         const QString found = run.over(store, faults);
-        QTest::qWait(300); // fades of the search line's buttons
+        waitForFades();
         tellHistory(store);
         QVERIFY2(found.isEmpty(), qPrintable(found));
         QVERIFY(run.comparedEnough());

@@ -28,7 +28,13 @@ private slots:
             if (store)
                 lateStatus = Batch("MenuFileExt").insert("late").send(*store);
         });
-        QTest::qWait(300); // time enough to overtake, if that were possible
+        const auto isHeldUp = [&] {
+            const postgres::Result waiting = early.execute(
+                "SELECT count(*) FROM pg_locks l JOIN pg_database d ON d.oid = l.database "
+                "WHERE NOT granted AND d.datname = current_database()");
+            return postgres::integerAt(waiting.get(), 0, 0) > 0;
+        };
+        QTRY_VERIFY(isHeldUp());
         std::vector<Change> changes;
         ORVO_OK(m_store->readLog(0, 10, &changes));
         QCOMPARE(changes.size(), size_t(0));
