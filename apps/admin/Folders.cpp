@@ -59,14 +59,14 @@ Folders::Folders(store::Store& store) {
 }
 
 void Folders::add(const std::string& key, Folder folder) {
-    byPlace_.emplace(place(folder.kind, folder.parent, folder.caption), key);
-    byKey_.emplace(folded(key), std::move(folder));
+    m_byPlace.emplace(place(folder.kind, folder.parent, folder.caption), key);
+    m_byKey.emplace(folded(key), std::move(folder));
 }
 
 std::optional<std::string> Folders::child(int kind, const std::string& parent,
                                           const std::string& caption) const {
-    const auto found = byPlace_.find(place(kind, parent, caption));
-    return found == byPlace_.end() ? std::nullopt : std::make_optional(found->second);
+    const auto found = m_byPlace.find(place(kind, parent, caption));
+    return found == m_byPlace.end() ? std::nullopt : std::make_optional(found->second);
 }
 
 std::optional<std::string> Folders::find(int kind, const std::string& path) const {
@@ -88,7 +88,7 @@ std::string Folders::need(int kind, const std::string& path, const char* advice)
         throw Failure(std::string("в хранилище нет папки «") + topCaption(kind) +
                       "»; её делает orvo-admin init");
     std::vector<std::string> present;
-    for (const auto& [folderKey, folder] : byKey_)
+    for (const auto& [folderKey, folder] : m_byKey)
         if (folder.kind == kind)
             if (const auto known = pathOf(folderKey); known && !known->empty())
                 present.push_back(*known);
@@ -119,11 +119,11 @@ std::optional<std::string> Folders::pathOf(const std::string& key) const {
     std::string path;
     std::string at = key;
     // A chain longer than there are folders is a cycle.
-    for (size_t steps = 0; steps <= byKey_.size(); ++steps) {
+    for (size_t steps = 0; steps <= m_byKey.size(); ++steps) {
         if (isTopRow(at))
             return path;
-        const auto found = byKey_.find(folded(at));
-        if (found == byKey_.end())
+        const auto found = m_byKey.find(folded(at));
+        if (found == m_byKey.end())
             return std::nullopt;
         const Folder& folder = found->second;
         const char* top = topCaption(folder.kind);

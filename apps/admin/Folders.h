@@ -50,8 +50,8 @@ private:
     std::optional<std::string> child(int kind, const std::string& parent,
                                      const std::string& caption) const;
 
-    std::map<std::string, Folder> byKey_;        ///< folded key
-    std::map<std::string, std::string> byPlace_; ///< kind, parent, caption, folded; to the key
+    std::map<std::string, Folder> m_byKey;        ///< folded key
+    std::map<std::string, std::string> m_byPlace; ///< kind, parent, caption, folded; to the key
 };
 
 } // namespace orvo::admin

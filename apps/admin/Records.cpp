@@ -30,54 +30,55 @@ MDRVar textValue(const std::string& bytes) {
 std::string Row::text(const char* field) const {
     uint32_t length = 0;
     const char* pointer = nullptr;
-    if (!record_ || MDRGetTextRef(MDRFldByName(record_->owner, field), record_, &length, &pointer))
+    if (!m_record ||
+        MDRGetTextRef(MDRFldByName(m_record->owner, field), m_record, &length, &pointer))
         return {};
     return mdx::toUtf8({pointer, length});
 }
 
 int Row::integer(const char* field) const {
     int32_t value = 0;
-    if (record_)
-        MDRGetAsInt32(MDRFldByName(record_->owner, field), record_, &value);
+    if (m_record)
+        MDRGetAsInt32(MDRFldByName(m_record->owner, field), m_record, &value);
     return value;
 }
 
 bool Row::isNull(const char* field) const {
     MDRVar value{};
     value.null = 1;
-    if (record_)
-        MDRGetVal(MDRFldByName(record_->owner, field), record_, &value);
+    if (m_record)
+        MDRGetVal(MDRFldByName(m_record->owner, field), m_record, &value);
     return value.null || value.type == MDX_NONE;
 }
 
-Table::Table(store::Store& store, const char* name) : name_(name) {
-    require(store.fetch(name, records_.array), std::string("таблица ") + name + " не читается");
+Table::Table(store::Store& store, const char* name) : m_name(name) {
+    require(store.fetch(name, m_records.array), std::string("таблица ") + name + " не читается");
 }
 
 int Table::count() const {
-    return static_cast<int>(mdx::postedCount(records_.array));
+    return static_cast<int>(mdx::postedCount(m_records.array));
 }
 
 Row Table::at(int place) const {
-    return Row(mdx::postedRecord(records_.array, static_cast<uint32_t>(place)));
+    return Row(mdx::postedRecord(m_records.array, static_cast<uint32_t>(place)));
 }
 
 Row Table::byKey(const std::string& key) const {
     const std::string bytes = mdx::toCp1251(key);
     const MDRVar value = textValue(bytes);
-    return Row(key.empty() ? nullptr : MDARecSeekV(records_.array, 0, &value, nullptr));
+    return Row(key.empty() ? nullptr : MDARecSeekV(m_records.array, 0, &value, nullptr));
 }
 
 int Table::placeOf(const Row& row) const {
-    if (places_.empty()) {
-        places_.reserve(static_cast<size_t>(count()));
+    if (m_places.empty()) {
+        m_places.reserve(static_cast<size_t>(count()));
         for (int i = 0, end = count(); i < end; ++i)
-            places_.emplace_back(at(i).record_, i);
-        std::sort(places_.begin(), places_.end());
+            m_places.emplace_back(at(i).m_record, i);
+        std::sort(m_places.begin(), m_places.end());
     }
-    const auto found = std::lower_bound(places_.begin(), places_.end(),
-                                        std::pair<const MDRData*, int>(row.record_, 0));
-    return row && found != places_.end() && found->first == row.record_ ? found->second : -1;
+    const auto found = std::lower_bound(m_places.begin(), m_places.end(),
+                                        std::pair<const MDRData*, int>(row.m_record, 0));
+    return row && found != m_places.end() && found->first == row.m_record ? found->second : -1;
 }
 
 std::vector<std::string> Table::texts(const char* field) const {
@@ -94,28 +95,28 @@ Row Table::find(const std::function<bool(const Row&)>& test) const {
     return {};
 }
 
-Batch::Batch(const char* table) : definition_(store::findTable(table)) {
-    if (!definition_)
+Batch::Batch(const char* table) : m_definition(store::findTable(table)) {
+    if (!m_definition)
         throw Failure(std::string("нет таблицы ") + table);
 }
 
 Batch& Batch::begin(std::string_view key, uint32_t flag) {
     post();
-    if (!records_) {
-        records_.emplace();
-        if (store::makeStructure(*definition_, records_->array) != MDX_OK)
-            throw Failure(std::string("не хватает памяти для таблицы ") + definition_->name);
+    if (!m_records) {
+        m_records.emplace();
+        if (store::makeStructure(*m_definition, m_records->array) != MDX_OK)
+            throw Failure(std::string("не хватает памяти для таблицы ") + m_definition->name);
     }
-    open_ = MDARecNew(records_->array);
-    if (!open_ || MDRSetFlags(open_, flag) != MDX_OK)
-        throw Failure(std::string("не хватает памяти для таблицы ") + definition_->name);
+    m_open = MDARecNew(m_records->array);
+    if (!m_open || MDRSetFlags(m_open, flag) != MDX_OK)
+        throw Failure(std::string("не хватает памяти для таблицы ") + m_definition->name);
     return text(field::KeyLink, key);
 }
 
 void Batch::set(const char* field, const MDRVar& value) {
-    const MDRField handle = MDRFldByName(records_->array, field);
-    if (MDRSetVal(handle, open_, &value) != MDX_OK || MDRSetUser(handle, open_, 1) != MDX_OK)
-        throw Failure(std::string("поле ") + definition_->name + "." + field +
+    const MDRField handle = MDRFldByName(m_records->array, field);
+    if (MDRSetVal(handle, m_open, &value) != MDX_OK || MDRSetUser(handle, m_open, 1) != MDX_OK)
+        throw Failure(std::string("поле ") + m_definition->name + "." + field +
                       " не принимает значение");
 }
 
@@ -154,21 +155,21 @@ Batch& Batch::null(const char* field) {
 }
 
 void Batch::post() {
-    if (!open_)
+    if (!m_open)
         return;
-    if (MDARecPost(open_, nullptr) != MDX_OK)
-        throw Failure(std::string("не хватает памяти для таблицы ") + definition_->name);
-    open_ = nullptr;
-    ++count_;
+    if (MDARecPost(m_open, nullptr) != MDX_OK)
+        throw Failure(std::string("не хватает памяти для таблицы ") + m_definition->name);
+    m_open = nullptr;
+    ++m_count;
 }
 
 void Batch::send(store::Store& store, const std::string& what) {
     post();
-    if (count_ == 0)
+    if (m_count == 0)
         return;
-    require(store.update(definition_->name, records_->array), what);
-    records_.reset();
-    count_ = 0;
+    require(store.update(m_definition->name, m_records->array), what);
+    m_records.reset();
+    m_count = 0;
 }
 
 std::string newKey() {

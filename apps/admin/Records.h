@@ -19,8 +19,8 @@ namespace orvo::admin {
 class Row {
 public:
     Row() = default;
-    explicit Row(MDRData* record) : record_(record) {}
-    explicit operator bool() const { return record_ != nullptr; }
+    explicit Row(MDRData* record) : m_record(record) {}
+    explicit operator bool() const { return m_record != nullptr; }
 
     /// A text field as UTF-8; empty for NULL and for no such field.
     std::string text(const char* field) const;
@@ -32,7 +32,7 @@ public:
 
 private:
     friend class Table;
-    MDRData* record_ = nullptr; ///< of the table's array
+    MDRData* m_record = nullptr; ///< of the table's array
 };
 
 /// A table fetched whole.
@@ -41,7 +41,7 @@ public:
     /// Throws Failure if the fetch fails.
     Table(store::Store& store, const char* name);
 
-    const char* name() const { return name_; }
+    const char* name() const { return m_name; }
     int count() const;
     /// The record at that place in the order of its entry.
     Row at(int place) const;
@@ -55,9 +55,9 @@ public:
     Row find(const std::function<bool(const Row&)>& test) const;
 
 private:
-    const char* name_;
-    CMDArray records_;
-    mutable std::vector<std::pair<const MDRData*, int>> places_; ///< sorted; made when first asked
+    const char* m_name;
+    CMDArray m_records;
+    mutable std::vector<std::pair<const MDRData*, int>> m_places; ///< sorted; made when first asked
 };
 
 /// Changes of one table, sent in one transaction.
@@ -75,7 +75,7 @@ public:
     Batch& date(const char* field, double value);
     Batch& null(const char* field);
 
-    int count() const { return count_; }
+    int count() const { return m_count; }
     /// Sends and forgets the changes, if there are any. Throws Failure "<what>: ...".
     void send(store::Store& store, const std::string& what);
 
@@ -84,10 +84,10 @@ private:
     void set(const char* field, const MDRVar& value);
     void post();
 
-    const store::TableDef* definition_;
-    std::optional<CMDArray> records_;
-    MDRData* open_ = nullptr; ///< of records_
-    int count_ = 0;
+    const store::TableDef* m_definition;
+    std::optional<CMDArray> m_records;
+    MDRData* m_open = nullptr; ///< of m_records
+    int m_count = 0;
 };
 
 /// A new unique key.

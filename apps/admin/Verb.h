@@ -36,7 +36,7 @@ public:
     Invocation(store::StoreUrl storeUrl, bool isDefault, const QCommandLineParser& parser);
 
     /// The arguments behind the verb.
-    const QStringList& arguments() const { return arguments_; }
+    const QStringList& arguments() const { return m_arguments; }
     /// The argument at that place, UTF-8.
     std::string argument(int place) const;
     bool has(const char* option) const;
@@ -45,16 +45,16 @@ public:
     /// Those of an option that may be given several times, in their order.
     std::vector<std::string> values(const char* option) const;
 
-    const store::StoreUrl& storeUrl() const { return storeUrl_; }
-    bool isDefaultStore() const { return isDefault_; }
+    const store::StoreUrl& storeUrl() const { return m_storeUrl; }
+    bool isDefaultStore() const { return m_isDefault; }
     /// Opens the store; throws a Failure with the store's own line.
     std::unique_ptr<store::MaintainedStore> open() const;
 
 private:
-    store::StoreUrl storeUrl_;
-    bool isDefault_;
-    const QCommandLineParser& parser_;
-    QStringList arguments_;
+    store::StoreUrl m_storeUrl;
+    bool m_isDefault;
+    const QCommandLineParser& m_parser;
+    QStringList m_arguments;
 };
 
 /// The login under which the command writes: it stands in the change log.

@@ -20,26 +20,26 @@ const std::vector<const Verb*>& verbs() {
 }
 
 Invocation::Invocation(store::StoreUrl storeUrl, bool isDefault, const QCommandLineParser& parser)
-    : storeUrl_(std::move(storeUrl))
-    , isDefault_(isDefault)
-    , parser_(parser)
-    , arguments_(parser.positionalArguments()) {}
+    : m_storeUrl(std::move(storeUrl))
+    , m_isDefault(isDefault)
+    , m_parser(parser)
+    , m_arguments(parser.positionalArguments()) {}
 
 std::string Invocation::argument(int place) const {
-    return arguments_.at(place).toStdString();
+    return m_arguments.at(place).toStdString();
 }
 
 bool Invocation::has(const char* option) const {
-    return parser_.isSet(QString::fromUtf8(option));
+    return m_parser.isSet(QString::fromUtf8(option));
 }
 
 std::string Invocation::value(const char* option) const {
-    return parser_.value(QString::fromUtf8(option)).toStdString();
+    return m_parser.value(QString::fromUtf8(option)).toStdString();
 }
 
 std::vector<std::string> Invocation::values(const char* option) const {
     std::vector<std::string> all;
-    for (const QString& value : parser_.values(QString::fromUtf8(option)))
+    for (const QString& value : m_parser.values(QString::fromUtf8(option)))
         all.push_back(value.toStdString());
     return all;
 }
@@ -47,7 +47,7 @@ std::vector<std::string> Invocation::values(const char* option) const {
 std::unique_ptr<store::MaintainedStore> Invocation::open() const {
     store::Status status;
     auto opened =
-        store::openMaintained(storeUrl_.text(), {adminLogin, false, adminProgram}, &status);
+        store::openMaintained(m_storeUrl.text(), {adminLogin, false, adminProgram}, &status);
     if (!opened)
         throw Failure(status.text);
     return opened;

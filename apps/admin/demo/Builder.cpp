@@ -24,14 +24,14 @@ std::string joined(const std::string& path, const std::string& name) {
 
 } // namespace
 
-DemoBuilder::DemoBuilder(store::Store& store) : store_(store) {}
+DemoBuilder::DemoBuilder(store::Store& store) : m_store(store) {}
 
 void DemoBuilder::build() {
     addUsers();
     addExtensions();
     addCatalogue();
     for (const Outline& sample : demoOutline("menus.txt"))
-        menus_[sample.column(0)] = sample.children;
+        m_menus[sample.column(0)] = sample.children;
     addDesktops(demoOutline("desktops.txt"), {});
     sendAll();
     putContents();
@@ -39,45 +39,47 @@ void DemoBuilder::build() {
 
 void DemoBuilder::sendAll() {
     // A link's target before what links to it.
-    for (Batch* batch : {&users_, &extensions_, &folders_, &resources_, &desktops_, &elements_})
-        batch->send(store_, "образцовая установка не записана");
+    for (Batch* batch :
+         {&m_users, &m_extensions, &m_folders, &m_resources, &m_desktops, &m_elements})
+        batch->send(m_store, "образцовая установка не записана");
 }
 
 void DemoBuilder::addUsers() {
-    const Table present(store_, table::Users);
+    const Table present(m_store, table::Users);
     uint64_t number = 0;
     for (const Outline& user : demoOutline("people.txt")) {
         ++number;
         const std::string& login = user.column(0);
         if (const Row row = present.find(
                 [&](const Row& other) { return sameText(other.text(field::login_), login); })) {
-            userKeys_[login] = row.key();
+            m_userKeys[login] = row.key();
             continue;
         }
-        const std::string key = userKeys_[login] = demoKey(DemoKey::User, number);
-        users_.insert(key)
+        const std::string key = m_userKeys[login] = demoKey(DemoKey::User, number);
+        m_users.insert(key)
             .text(field::login_, login)
             .flag(field::program, user.column(4) == "program");
-        textUnlessEmpty(users_, field::lastName, user.column(1));
-        textUnlessEmpty(users_, field::firstName, user.column(2));
-        textUnlessEmpty(users_, field::midlName, user.column(3));
+        textUnlessEmpty(m_users, field::lastName, user.column(1));
+        textUnlessEmpty(m_users, field::firstName, user.column(2));
+        textUnlessEmpty(m_users, field::midlName, user.column(3));
     }
 }
 
 void DemoBuilder::addExtensions() {
-    const Table present(store_, table::MenuFileExt);
+    const Table present(m_store, table::MenuFileExt);
     uint64_t number = 0;
     for (const Outline& line : demoOutline("extensions.txt")) {
         ++number;
         const std::string& extension = line.column(0);
         if (!present.find(
                 [&](const Row& row) { return sameText(row.text(field::fileExt), extension); }))
-            extensions_.insert(demoKey(DemoKey::Extension, number)).text(field::fileExt, extension);
+            m_extensions.insert(demoKey(DemoKey::Extension, number))
+                .text(field::fileExt, extension);
     }
 }
 
 void DemoBuilder::addCatalogue() {
-    const Folders folders(store_);
+    const Folders folders(m_store);
     int kind = Module;
     for (const Outline& top : demoOutline("catalogue.txt")) {
         addResources(top.children, kind, folders.need(kind, {}), {});
@@ -89,8 +91,8 @@ void DemoBuilder::addCatalogue() {
 
 std::string DemoBuilder::addFolder(int kind, const std::string& parent,
                                    const std::string& caption) {
-    const std::string key = demoKey(DemoKey::ResourceFolder, ++numbers_.resourceFolder);
-    folders_.insert(key)
+    const std::string key = demoKey(DemoKey::ResourceFolder, ++m_numbers.resourceFolder);
+    m_folders.insert(key)
         .text(field::ParentKey, parent)
         .integer(field::type_, kind)
         .text(field::caption, caption);
@@ -114,25 +116,25 @@ void DemoBuilder::addResources(const std::vector<Outline>& nodes, int kind,
 void DemoBuilder::addResource(const Outline& node, int kind, const std::string& folder,
                               const std::string& path) {
     const std::string& name = node.column(0);
-    const std::string key = demoKey(DemoKey::Resource, ++numbers_.resource);
-    resources_.insert(key).text(field::MenuResourceFolderKey, folder).text(field::name_, name);
-    resources_.integer(field::type_, kind).text(field::caption, node.column(1));
-    textUnlessEmpty(resources_, field::ico, node.column(2));
-    textUnlessEmpty(resources_, field::params, node.column(3));
+    const std::string key = demoKey(DemoKey::Resource, ++m_numbers.resource);
+    m_resources.insert(key).text(field::MenuResourceFolderKey, folder).text(field::name_, name);
+    m_resources.integer(field::type_, kind).text(field::caption, node.column(1));
+    textUnlessEmpty(m_resources, field::ico, node.column(2));
+    textUnlessEmpty(m_resources, field::params, node.column(3));
     if (!node.column(5).empty()) {
-        resources_.text(field::UsersKey, userKeys_.at(node.column(5)));
-        resources_.date(field::dateTimeEdit,
-                        demoTime + 977.0 * static_cast<double>(numbers_.resource));
+        m_resources.text(field::UsersKey, m_userKeys.at(node.column(5)));
+        m_resources.date(field::dateTimeEdit,
+                         demoTime + 977.0 * static_cast<double>(m_numbers.resource));
     }
     if (kind != File)
-        byName_[name] = {key, node.column(2), node.column(4), kind};
-    captions_[name] = node.column(1);
+        m_byName[name] = {key, node.column(2), node.column(4), kind};
+    m_captions[name] = node.column(1);
     if (kind >= Form)
-        contents_.push_back({kind, path, name, node.column(4)});
+        m_contents.push_back({kind, path, name, node.column(4)});
 }
 
 void DemoBuilder::addIcons() {
-    const std::string folder = Folders(store_).need(File, iconFolder);
+    const std::string folder = Folders(m_store).need(File, iconFolder);
     for (const QString& name :
          QDir(QStringLiteral(":/demo/icons")).entryList(QDir::Files, QDir::Name)) {
         Outline node;
@@ -145,7 +147,7 @@ void DemoBuilder::addReports() {
     // Daily reports make up the promised number, however many icons there are.
     const std::string folder = addFolder(File, {}, "Сводки");
     const std::string year = addFolder(File, folder, "2024");
-    for (int day = 1; numbers_.resource < demoResources; ++day) {
+    for (int day = 1; m_numbers.resource < demoResources; ++day) {
         const std::string digits = (day < 10 ? "0" : "") + std::to_string(day);
         Outline node;
         node.columns = {"svodka_2024-03-" + digits + ".csv", "Сводка за " + digits + ".03.2024"};
@@ -155,17 +157,18 @@ void DemoBuilder::addReports() {
 
 void DemoBuilder::putContents() {
     std::vector<std::string> bytes; // behind the views of the puts
-    bytes.reserve(contents_.size());
+    bytes.reserve(m_contents.size());
     std::vector<store::FileToPut> files;
     int day = 0;
-    for (const Content& content : contents_) {
+    for (const Content& content : m_contents) {
         if (content.kind == Form) {
             const auto stored =
-                demoFormFiles(content.name, captions_[content.name], content.sample);
+                demoFormFiles(content.name, m_captions[content.name], content.sample);
             std::vector<store::FileToPut> puts;
             for (const auto& [name, text] : stored)
                 puts.push_back({{}, name, text, demoTime});
-            require(store_.formPut(content.path, puts), "форма «" + content.name + "» не записана");
+            require(m_store.formPut(content.path, puts),
+                    "форма «" + content.name + "» не записана");
             continue;
         }
         if (content.path == iconFolder)
@@ -176,20 +179,20 @@ void DemoBuilder::putContents() {
             bytes.push_back(demoFile("files/" + content.name));
         files.push_back({content.path, content.name, bytes.back(), demoTime});
     }
-    require(store_.filePut(files), "файлы образцовой установки не записаны");
+    require(m_store.filePut(files), "файлы образцовой установки не записаны");
 }
 
 void DemoBuilder::addDesktops(const std::vector<Outline>& nodes, const std::string& parent) {
     for (const Outline& node : nodes) {
         const bool isFolder = node.mark == Outline::Folder;
-        const std::string key = demoKey(DemoKey::Desktop, ++numbers_.desktop);
-        desktops_.insert(key).text(field::caption, node.column(0)).flag(field::isFolder, isFolder);
-        desktops_.text(field::ParentKey, parent)
+        const std::string key = demoKey(DemoKey::Desktop, ++m_numbers.desktop);
+        m_desktops.insert(key).text(field::caption, node.column(0)).flag(field::isFolder, isFolder);
+        m_desktops.text(field::ParentKey, parent)
             .text(field::order_, isFolder ? sortclass::folder : sortclass::desktop);
         if (isFolder)
             addDesktops(node.children, key);
         else
-            addMenu(node, menus_.at(node.column(1)), key, {});
+            addMenu(node, m_menus.at(node.column(1)), key, {});
     }
 }
 
@@ -201,24 +204,24 @@ void DemoBuilder::addMenu(const Outline& desktop, const std::vector<Outline>& no
     };
     int order = 0;
     for (const Outline& node : nodes) {
-        const std::string key = demoKey(DemoKey::Element, ++numbers_.element);
-        elements_.insert(key).text(field::parent, parent).text(field::FolderKey, desktopKey);
-        elements_.text(field::caption, filled(0, node)).integer(field::order_, order);
+        const std::string key = demoKey(DemoKey::Element, ++m_numbers.element);
+        m_elements.insert(key).text(field::parent, parent).text(field::FolderKey, desktopKey);
+        m_elements.text(field::caption, filled(0, node)).integer(field::order_, order);
         order += 1000;
         const std::string& marks = node.column(4);
-        elements_.flag(field::separator, marks.find("sep") != marks.npos);
-        elements_.flag(field::oneCopy, marks.find("one") != marks.npos);
+        m_elements.flag(field::separator, marks.find("sep") != marks.npos);
+        m_elements.flag(field::oneCopy, marks.find("one") != marks.npos);
         std::string icon = node.column(2);
         if (const std::string name = filled(1, node); !name.empty()) {
-            const auto resource = byName_.find(name);
-            if (resource == byName_.end())
+            const auto resource = m_byName.find(name);
+            if (resource == m_byName.end())
                 throw Failure("меню называет ресурс «" + name + "», которого нет");
-            elements_.text(field::MenuResourceKey, resource->second.key);
+            m_elements.text(field::MenuResourceKey, resource->second.key);
             if (icon.empty())
                 icon = resource->second.icon;
         }
-        textUnlessEmpty(elements_, field::ico, icon);
-        textUnlessEmpty(elements_, field::params, filled(3, node));
+        textUnlessEmpty(m_elements, field::ico, icon);
+        textUnlessEmpty(m_elements, field::params, filled(3, node));
         addMenu(desktop, node.children, desktopKey, key);
     }
 }

@@ -27,7 +27,7 @@ public:
     explicit DemoBuilder(store::Store& store);
     void build();
     /// The keys used so far: where growth goes on.
-    const DemoNumbers& numbers() const { return numbers_; }
+    const DemoNumbers& numbers() const { return m_numbers; }
 
 private:
     struct Resource {
@@ -55,16 +55,16 @@ private:
         std::string path, name, sample;
     };
 
-    store::Store& store_;
-    DemoNumbers numbers_;
-    Batch users_{table::Users}, extensions_{table::MenuFileExt},
-        folders_{table::MenuResourceFolder}, resources_{table::MenuResource},
-        desktops_{table::MenuFolder}, elements_{table::Menu};
-    std::map<std::string, std::string> userKeys_;       ///< by login
-    std::map<std::string, Resource> byName_;            ///< resources that menus may start
-    std::map<std::string, std::vector<Outline>> menus_; ///< by sample name
-    std::vector<Content> contents_;               ///< forms and files whose bytes are to be put
-    std::map<std::string, std::string> captions_; ///< of forms
+    store::Store& m_store;
+    DemoNumbers m_numbers;
+    Batch m_users{table::Users}, m_extensions{table::MenuFileExt},
+        m_folders{table::MenuResourceFolder}, m_resources{table::MenuResource},
+        m_desktops{table::MenuFolder}, m_elements{table::Menu};
+    std::map<std::string, std::string> m_userKeys;       ///< by login
+    std::map<std::string, Resource> m_byName;            ///< resources that menus may start
+    std::map<std::string, std::vector<Outline>> m_menus; ///< by sample name
+    std::vector<Content> m_contents;               ///< forms and files whose bytes are to be put
+    std::map<std::string, std::string> m_captions; ///< of forms
 };
 
 /// The stored files of a form of the demonstration: name and bytes.

@@ -48,34 +48,34 @@ class Growth {
 public:
     Growth(store::Store& store, const DemoNumbers& from, int64_t resources, int64_t elements,
            const store::Progress& progress)
-        : store_(store)
-        , progress_(progress)
-        , all_(static_cast<uint64_t>(resources + elements))
-        , folders_(store)
-        , numbers_(from)
-        , elementCount_(elements) {
+        : m_store(store)
+        , m_progress(progress)
+        , m_all(static_cast<uint64_t>(resources + elements))
+        , m_folders(store)
+        , m_numbers(from)
+        , m_elementCount(elements) {
         int64_t left = resources;
-        for (size_t i = 0; i < kinds_.size(); ++i) {
-            kinds_[i].count =
-                i + 1 == kinds_.size() ? left : std::min(left, resources * shares[i] / 100);
-            left -= kinds_[i].count;
+        for (size_t i = 0; i < m_kinds.size(); ++i) {
+            m_kinds[i].count =
+                i + 1 == m_kinds.size() ? left : std::min(left, resources * shares[i] / 100);
+            left -= m_kinds[i].count;
         }
         for (const Outline& section : demoOutline("places.txt")) {
             if (section.column(0) == "places")
                 for (const Outline& place : section.children)
-                    places_.push_back(place.column(0));
+                    m_places.push_back(place.column(0));
             else
-                kinds_.at(static_cast<size_t>(std::stoi(section.column(0)) - 1)).subjects =
+                m_kinds.at(static_cast<size_t>(std::stoi(section.column(0)) - 1)).subjects =
                     section.children;
         }
     }
 
     void run() {
-        uint64_t first = numbers_.resource;
-        for (size_t i = 0; i < kinds_.size(); ++i) {
-            kinds_[i].first = first;
+        uint64_t first = m_numbers.resource;
+        for (size_t i = 0; i < m_kinds.size(); ++i) {
+            m_kinds[i].first = first;
             growKind(static_cast<int>(i) + 1);
-            first += static_cast<uint64_t>(kinds_[i].count);
+            first += static_cast<uint64_t>(m_kinds[i].count);
         }
         growDesktops();
     }
@@ -88,17 +88,17 @@ private:
     };
 
     const std::string& place(int64_t at) const {
-        return places_[static_cast<size_t>(at) % places_.size()];
+        return m_places[static_cast<size_t>(at) % m_places.size()];
     }
     const Outline& subject(int kind, int64_t item) const {
-        const auto& subjects = kinds_[static_cast<size_t>(kind - 1)].subjects;
+        const auto& subjects = m_kinds[static_cast<size_t>(kind - 1)].subjects;
         return subjects[static_cast<size_t>(item) % subjects.size()];
     }
     std::string captionOf(int kind, int64_t item) const {
         return subject(kind, item).column(0) + " " + place(item / 7) + "-" + number(item + 1, 1);
     }
     std::string resourceKey(int kind, int64_t item) const {
-        return demoKey(DemoKey::Resource, kinds_[static_cast<size_t>(kind - 1)].first +
+        return demoKey(DemoKey::Resource, m_kinds[static_cast<size_t>(kind - 1)].first +
                                               static_cast<uint64_t>(item) + 1);
     }
     static std::string nameOf(int kind, int64_t item) {
@@ -112,9 +112,9 @@ private:
             send(batch);
     }
     void send(Batch& batch) {
-        done_ += static_cast<uint64_t>(batch.count());
-        batch.send(store_, "рост образцовой установки не записан");
-        progress_(done_, all_);
+        m_done += static_cast<uint64_t>(batch.count());
+        batch.send(m_store, "рост образцовой установки не записан");
+        m_progress(m_done, m_all);
     }
 
     std::string groupCaption(int64_t group) const {
@@ -125,7 +125,7 @@ private:
     }
 
     void growKind(int kind) {
-        const KindGrowth& growth = kinds_[static_cast<size_t>(kind - 1)];
+        const KindGrowth& growth = m_kinds[static_cast<size_t>(kind - 1)];
         if (growth.count == 0)
             return;
         const int64_t parts =
@@ -147,12 +147,12 @@ private:
 
     /// The new folders of a kind, in groups; their keys by number.
     std::vector<std::string> growFolders(int kind, int64_t parts) {
-        const std::string top = folders_.need(kind, {});
+        const std::string top = m_folders.need(kind, {});
         Batch batch(table::MenuResourceFolder);
         std::vector<std::string> keys;
         std::string group;
         const auto add = [&](const std::string& parent, const std::string& caption) {
-            const std::string key = demoKey(DemoKey::ResourceFolder, ++numbers_.resourceFolder);
+            const std::string key = demoKey(DemoKey::ResourceFolder, ++m_numbers.resourceFolder);
             batch.insert(key).text(field::ParentKey, parent).integer(field::type_, kind);
             batch.text(field::caption, caption);
             return key;
@@ -171,7 +171,7 @@ private:
         std::vector<store::FileToPut> files;
         texts.reserve(batchSize); // the puts look into them
         const auto flush = [&] {
-            require(store_.filePut(files), "файлы роста не записаны");
+            require(m_store.filePut(files), "файлы роста не записаны");
             files.clear();
             texts.clear();
         };
@@ -188,14 +188,14 @@ private:
     }
 
     void growDesktops() {
-        if (elementCount_ == 0)
+        if (m_elementCount == 0)
             return;
-        const int64_t desktops = divideUp(elementCount_, elementsOnDesktop);
+        const int64_t desktops = divideUp(m_elementCount, elementsOnDesktop);
         Batch rows(table::MenuFolder);
         std::vector<std::string> keys;
         std::string group;
         const auto add = [&](const std::string& parent, const std::string& caption, bool isFolder) {
-            const std::string key = demoKey(DemoKey::Desktop, ++numbers_.desktop);
+            const std::string key = demoKey(DemoKey::Desktop, ++m_numbers.desktop);
             rows.insert(key).text(field::ParentKey, parent).text(field::caption, caption);
             rows.text(field::order_, isFolder ? sortclass::folder : sortclass::desktop)
                 .flag(field::isFolder, isFolder);
@@ -215,8 +215,8 @@ private:
 
         Batch batch(table::Menu);
         for (int64_t desktop = 0; desktop < desktops; ++desktop) {
-            const int64_t begin = partBegin(desktop, elementCount_, desktops);
-            const int64_t end = partBegin(desktop + 1, elementCount_, desktops);
+            const int64_t begin = partBegin(desktop, m_elementCount, desktops);
+            const int64_t end = partBegin(desktop + 1, m_elementCount, desktops);
             growMenu(batch, keys[static_cast<size_t>(desktop)], begin, end);
         }
         send(batch);
@@ -228,7 +228,7 @@ private:
             const int64_t place = (item - begin) % (elementsInMenuFolder + 1);
             const int64_t block = (item - begin) / (elementsInMenuFolder + 1);
             const std::string key =
-                demoKey(DemoKey::Element, numbers_.element + static_cast<uint64_t>(item) + 1);
+                demoKey(DemoKey::Element, m_numbers.element + static_cast<uint64_t>(item) + 1);
             batch.insert(key).text(field::FolderKey, desktop).flag(field::oneCopy, item % 9 == 0);
             batch.flag(field::separator, item % 8 == 5);
             // A folder, and what stands in it; a folder that would stay empty is an element.
@@ -251,13 +251,13 @@ private:
         int64_t target = 0;
         int64_t startable = 0;
         for (int kind = Module; kind <= Form; ++kind)
-            startable += kinds_[static_cast<size_t>(kind - 1)].count;
+            startable += m_kinds[static_cast<size_t>(kind - 1)].count;
         if (startable > 0)
             target = static_cast<int64_t>(mixed(static_cast<uint64_t>(item)) %
                                           static_cast<uint64_t>(startable));
         int kind = Module;
-        while (kind < Form && target >= kinds_[static_cast<size_t>(kind - 1)].count)
-            target -= kinds_[static_cast<size_t>(kind++ - 1)].count;
+        while (kind < Form && target >= m_kinds[static_cast<size_t>(kind - 1)].count)
+            target -= m_kinds[static_cast<size_t>(kind++ - 1)].count;
         // With no new resources to start, the first module of the demonstration.
         const std::string key =
             startable > 0 ? resourceKey(kind, target) : demoKey(DemoKey::Resource, 1);
@@ -266,15 +266,15 @@ private:
         batch.text(field::params, "Узел=" + std::to_string(target % 1000));
     }
 
-    store::Store& store_;
-    const store::Progress& progress_;
-    const uint64_t all_; ///< records to write, the few folders and desktops aside
-    uint64_t done_ = 0;
-    const Folders folders_;
-    DemoNumbers numbers_;
-    const int64_t elementCount_;
-    std::array<KindGrowth, 4> kinds_;
-    std::vector<std::string> places_;
+    store::Store& m_store;
+    const store::Progress& m_progress;
+    const uint64_t m_all; ///< records to write, the few folders and desktops aside
+    uint64_t m_done = 0;
+    const Folders m_folders;
+    DemoNumbers m_numbers;
+    const int64_t m_elementCount;
+    std::array<KindGrowth, 4> m_kinds;
+    std::vector<std::string> m_places;
 };
 
 } // namespace

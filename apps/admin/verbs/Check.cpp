@@ -44,60 +44,60 @@ struct Survey {
 /// Prints findings as they come, of each kind the first ones.
 class Report {
 public:
-    Report(bool all, bool json) : all_(all), json_(json) {}
+    Report(bool all, bool json) : m_all(all), m_json(json) {}
 
     void damage(const std::string& what) {
-        ++damages_;
-        json_ ? outJson({{"severity", "error"}, {"kind", "damage"}, {"what", jsonText(what)}})
-              : out("ошибка: база данных: " + cell(what));
+        ++m_damages;
+        m_json ? outJson({{"severity", "error"}, {"kind", "damage"}, {"what", jsonText(what)}})
+               : out("ошибка: база данных: " + cell(what));
     }
 
     void fixed(const checks::Problems& problems, const checks::Finding& finding,
                const QString& cure) {
-        ++fixed_;
+        ++m_fixed;
         print(problems, finding, &cure, true);
     }
 
     void found(const checks::Problems& problems) {
         for (const checks::Finding& finding : problems.all()) {
             const auto cure = checks::cureWordsOf(problems, finding);
-            curable_ += cure ? 1 : 0;
+            m_curable += cure ? 1 : 0;
             print(problems, finding, cure ? &*cure : nullptr, false);
         }
-        errors_ = problems.errors();
-        warnings_ = problems.warnings();
-        records_ = problems.records().count();
+        m_errors = problems.errors();
+        m_warnings = problems.warnings();
+        m_records = problems.records().count();
     }
 
-    bool hasErrors() const { return damages_ + errors_ > 0; }
+    bool hasErrors() const { return m_damages + m_errors > 0; }
     /// Prints how many findings were not shown, and the sum of it all.
     void finish(bool withFixes) const {
         qint64 hidden = 0;
-        for (const auto& [kind, count] : perKind_)
-            if (!all_ && count > shownPerKind) {
+        for (const auto& [kind, count] : m_perKind)
+            if (!m_all && count > shownPerKind) {
                 hidden += count - shownPerKind;
-                if (!json_)
+                if (!m_json)
                     out("не показано: " + kind + ": ещё " + std::to_string(count - shownPerKind) +
                         " (все покажет --all)");
             }
         const auto number = [](size_t count) { return static_cast<qint64>(count); };
-        if (json_) {
-            QJsonObject sum{{"records", number(records_)},
-                            {"errors", number(damages_ + errors_)},
-                            {"warnings", number(warnings_)},
+        if (m_json) {
+            QJsonObject sum{{"records", number(m_records)},
+                            {"errors", number(m_damages + m_errors)},
+                            {"warnings", number(m_warnings)},
                             {"notShown", hidden},
-                            {"fixable", number(curable_)}};
+                            {"fixable", number(m_curable)}};
             if (withFixes)
-                sum.insert(QStringLiteral("fixed"), number(fixed_));
+                sum.insert(QStringLiteral("fixed"), number(m_fixed));
             return outJson(sum);
         }
-        std::string sum = "проверено записей: " + std::to_string(records_) +
-                          ", ошибок: " + std::to_string(damages_ + errors_) +
-                          ", замечаний: " + std::to_string(warnings_);
+        std::string sum = "проверено записей: " + std::to_string(m_records) +
+                          ", ошибок: " + std::to_string(m_damages + m_errors) +
+                          ", замечаний: " + std::to_string(m_warnings);
         if (withFixes)
-            sum += ", исправлено: " + std::to_string(fixed_);
-        if (curable_ > 0)
-            sum += ", исправит --fix: " + std::to_string(curable_);
+            sum += ", исправлено: " + std::to_string(m_fixed);
+        if (m_curable > 0)
+            sum += ", исправит --fix: " + std::to_string(m_curable);
         out(sum);
     }
 
@@ -107,13 +107,13 @@ private:
         const std::string kind = (isFixed ? "исправлено: " : "") +
                                  std::string(finding.table->name) + ": " +
                                  checks::titleOf(finding.problem).toStdString();
-        if (++perKind_[kind] > shownPerKind && !all_)
+        if (++m_perKind[kind] > shownPerKind && !m_all)
             return;
         const bool isError = checks::severityOf(finding.problem) == checks::Severity::Error;
         const checks::Record record = problems.records().find(*finding.table, finding.key);
         const QString path = record ? checks::pathOf(problems.records(), record) : QString();
         const QString what = checks::wordsOf(problems.records(), problems.namesakes(), finding);
-        if (json_) {
+        if (m_json) {
             QJsonObject object{{"severity", isError ? "error" : "warning"},
                                {"kind", checks::identifierOf(finding.problem)},
                                {"table", finding.table->name},
@@ -139,9 +139,9 @@ private:
         out(line);
     }
 
-    const bool all_, json_;
-    size_t damages_ = 0, errors_ = 0, warnings_ = 0, curable_ = 0, fixed_ = 0, records_ = 0;
-    std::map<std::string, int> perKind_; ///< table and kind of finding; how many
+    const bool m_all, m_json;
+    size_t m_damages = 0, m_errors = 0, m_warnings = 0, m_curable = 0, m_fixed = 0, m_records = 0;
+    std::map<std::string, int> m_perKind; ///< table and kind of finding; how many
 };
 
 /// Writes the cures of all findings that have one, as one action.
