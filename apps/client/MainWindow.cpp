@@ -166,11 +166,11 @@ void MainWindow::setTitle(QWidget* page, const QString& title) {
 }
 
 void MainWindow::paintNow() {
-    constexpr int patienceMs = 500;
+    constexpr int longestWaitMs = 500;
     m_isPainting = true;
     QElapsedTimer waited;
     waited.start();
-    while (windowHandle() && !windowHandle()->isExposed() && waited.elapsed() < patienceMs) {
+    while (windowHandle() && !windowHandle()->isExposed() && waited.elapsed() < longestWaitMs) {
         QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
         QThread::msleep(1);
     }

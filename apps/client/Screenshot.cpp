@@ -1,7 +1,7 @@
 #include "apps/client/Screenshot.h"
 
 #include "apps/client/MainWindow.h"
-#include "apps/client/Showcase.h"
+#include "apps/client/ScreenshotRows.h"
 #include "apps/client/StatusLine.h"
 #include "frame/OrvoClient.h"
 #include "platform/client/ModuleRegistry.h"

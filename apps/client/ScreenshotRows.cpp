@@ -1,4 +1,4 @@
-#include "apps/client/Showcase.h"
+#include "apps/client/ScreenshotRows.h"
 
 #include <QIcon>
 #include <QTreeView>

@@ -1,6 +1,6 @@
-// Showcase.h: puts something worth seeing into the trees of a window, for a picture of it.
-#ifndef ORVO_APPS_CLIENT_SHOWCASE_H
-#define ORVO_APPS_CLIENT_SHOWCASE_H
+// ScreenshotRows.h: puts something worth seeing into the trees of a window, for a picture of it.
+#ifndef ORVO_APPS_CLIENT_SCREENSHOTROWS_H
+#define ORVO_APPS_CLIENT_SCREENSHOTROWS_H
 
 class QWidget;
 
