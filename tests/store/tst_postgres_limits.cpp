@@ -225,7 +225,7 @@ private slots:
 
     void listenerThatNeverReadsStopsNobody() {
         QVERIFY(byHand("GRANT orvo_viewer TO slow; REVOKE orvo_engineer FROM slow;"));
-        auto deaf =
+        auto listener =
             session("SET idle_in_transaction_session_timeout = 0; LISTEN orvo; BEGIN; SELECT 1");
         for (int i = 0; i < 500; ++i)
             ORVO_OK(Batch("MenuFileExt").insert(qPrintable(QString::number(i))).send(*m_store));
@@ -233,7 +233,7 @@ private slots:
         QVERIFY(byHand("SELECT pg_notification_queue_usage() < 0.001;", &usage));
         QCOMPARE(usage,
                  QByteArray("t")); // some bytes for a commit: the queue holds hundreds of millions
-        QCOMPARE(ask(deaf, "SELECT 1"), QByteArray("1"));
+        QCOMPARE(ask(listener, "SELECT 1"), QByteArray("1"));
     }
 
 private:

@@ -30,14 +30,14 @@ private slots:
 
         store::postgres::Url url;
         QVERIFY(url.parse(cluster->url("orvo", "mallory")).ok());
-        store::postgres::Connection deaf;
+        store::postgres::Connection unread;
         store::postgres::Connection loud;
-        QVERIFY(deaf.open(url).ok() && loud.open(url).ok());
+        QVERIFY(unread.open(url).ok() && loud.open(url).ok());
         // The transaction is a call of its own: it would take in what stands before it, and nobody
         // would be listening yet.
         for (const char* words :
              {"SET idle_in_transaction_session_timeout = 0; LISTEN x", "BEGIN; SELECT 1"})
-            QVERIFY(store::postgres::succeeded(deaf.execute(words).get()));
+            QVERIFY(store::postgres::succeeded(unread.execute(words).get()));
         QVERIFY(store::postgres::succeeded(loud.execute("SET statement_timeout = 0").get()));
         const store::postgres::Connection::NoTimeoutScope noTimeout(loud);
         int sent = 0;
