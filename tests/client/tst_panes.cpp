@@ -72,6 +72,7 @@ private slots:
         MainWindow window("store", "user");
         window.resize(900, 500);
         window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
         auto* button = window.findChild<QToolButton*>("failureButton");
         window.statusLine()->setFailure(QString("long ").repeated(200));
         QTRY_VERIFY(!button->text().isEmpty());
