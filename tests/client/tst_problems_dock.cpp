@@ -1,15 +1,13 @@
 // The pane "Проблемы": what is wrong, live; where it is; and what puts it right.
-#include "apps/client/problems/ProblemsPane.h"
-#include "tests/client/RunningClient.h"
+#include "tests/client/Heartbeat.h"
+#include "tests/client/ProblemsFixture.h"
 
 #include <QAbstractItemModelTester>
 #include <QComboBox>
-#include <QDockWidget>
 #include <QPushButton>
 #include <QRandomGenerator>
 #include <QToolButton>
 
-#include <ctime>
 #include <thread>
 
 using namespace orvo;
@@ -19,83 +17,6 @@ using app::ProblemsModel;
 #define SOON(condition) QTRY_VERIFY_WITH_TIMEOUT(condition, 20000)
 
 namespace {
-
-/// The elements а and г are in one place by their order, and the tops of the resources are missing.
-struct Fixture : RunningClient {
-    app::ProblemsPane* pane() const { return child<app::ProblemsPane>("problemsPane"); }
-    QAbstractItemModel* model() const { return pane()->view()->model(); }
-    QDockWidget* dock() const { return child<QDockWidget>("problemsDock"); }
-    QString counted() const { return client->window()->statusLine()->problems(); }
-    bool isKnown() const { return pane()->feed().isKnown(); }
-    /// The rows about elements of the menu, "what|where|problem|cure".
-    QStringList elements() const {
-        QStringList lines;
-        for (int row = 0; row < model()->rowCount(); ++row) {
-            QStringList cells;
-            for (int column = 0; column < ProblemsModel::ColumnCount; ++column)
-                cells << model()->index(row, column).data().toString();
-            if (cells[0].startsWith("элемент"))
-                lines << cells.join('|');
-        }
-        return lines;
-    }
-    bool choose(const QString& what) const {
-        for (int row = 0; row < model()->rowCount(); ++row)
-            if (model()->index(row, 0).data().toString().contains(what)) {
-                pane()->view()->setCurrentIndex(model()->index(row, 0));
-                return true;
-            }
-        return false;
-    }
-    void open() const {
-        client->window()->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(client->window()));
-        QTest::keyClick(client->window(), Qt::Key_F8);
-        QTRY_VERIFY(dock()->isVisible());
-    }
-    /// So many elements, on desktops of a hundred, each with an icon that is not there.
-    void fillWithMissingIcons(int count) {
-        stop();
-        const QString numbers = QString("with recursive n(i) as (select 0 union all select i + 1 "
-                                        "from n where i + 1 < %1) ");
-        QVERIFY(host.byHand(numbers.arg((count + 99) / 100) +
-                            R"(insert into "MenuFolder" ("KeyLink", "caption", "order_") )"
-                            R"(select 'q' || i, 'Стол ' || i, '2000' from n)"));
-        QVERIFY(host.byHand(
-            numbers.arg(count) +
-            R"(insert into "Menu" ("KeyLink", "FolderKey", "caption", "order_", "ico") )"
-            R"(select 'p' || i, 'q' || (i / 100), 'Насос ' || i, i, 'нет.png' from n)"));
-        start();
-    }
-    const QString sameOrder = "элемент меню «г»|КС-1|место по порядку то же, что у соседнего "
-                              "элемента: 1000|дать соседним элементам разные места, сохранив "
-                              "порядок";
-};
-
-/// Measures the processor time of this thread between two looks of its event loop at the timers.
-class Heartbeat : public QObject {
-public:
-    Heartbeat() {
-        m_last = now();
-        startTimer(0);
-    }
-    qint64 longestMs() const { return std::max(m_longest, now() - m_last) / 1000000; }
-
-protected:
-    void timerEvent(QTimerEvent*) override {
-        const qint64 time = now();
-        m_longest = std::max(m_longest, time - m_last);
-        m_last = time;
-    }
-
-private:
-    static qint64 now() {
-        timespec time{};
-        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-        return qint64(time.tv_sec) * 1000000000 + time.tv_nsec;
-    }
-    qint64 m_last = 0, m_longest = 0;
-};
 
 /// A record with so many problems.
 app::RecordProblems record(const std::string& key, int problems) {
@@ -115,7 +36,7 @@ class TestProblemsDock : public QObject {
     Q_OBJECT
 private slots:
     void problemsAreListedAndCounted() {
-        Fixture fixture;
+        ProblemsFixture fixture;
         QVERIFY(!fixture.dock()->isVisible());
         fixture.open();
         SOON(fixture.isKnown());
@@ -129,7 +50,7 @@ private slots:
     }
 
     void itsButtonsStandApart() {
-        Fixture fixture;
+        ProblemsFixture fixture;
         fixture.open();
         const QWidget* left = nullptr;
         for (const char* name : {"problemsShow", "problemsCure", "problemsWhich"}) {
@@ -140,7 +61,7 @@ private slots:
     }
 
     void pathsOfManyProblemsAreTrueSoonAfterTheLastChange() {
-        Fixture fixture;
+        ProblemsFixture fixture;
         SOON(fixture.isKnown());
         for (int i = 0; i < 120; ++i)
             fixture.otherWrites(MDX_INSERT, {{"KeyLink", "p" + std::to_string(i)},
@@ -155,7 +76,7 @@ private slots:
     }
 
     void whatOthersBreakComesAndGoes() {
-        Fixture fixture;
+        ProblemsFixture fixture;
         const QAbstractItemModelTester tester(
             &fixture.pane()->feed().model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
         SOON(fixture.isKnown());
@@ -169,14 +90,14 @@ private slots:
     }
 
     void namesOfOthersFollowInTheWords() {
-        Fixture fixture;
+        ProblemsFixture fixture;
         SOON(fixture.isKnown());
         fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "desk"}, {"caption", "КС-7"}}, "MenuFolder");
         SOON(fixture.elements().join('\n').contains("элемент меню «г»|КС-7|"));
     }
 
     void aCureIsWrittenAndTakenBackByTheKey() {
-        Fixture fixture;
+        ProblemsFixture fixture;
         fixture.open();
         SOON(fixture.isKnown());
         QVERIFY(fixture.choose("«г»"));
@@ -192,7 +113,7 @@ private slots:
     }
 
     void aCureThatAnotherHasForestalledIsTold() {
-        Fixture fixture;
+        ProblemsFixture fixture;
         SOON(fixture.elements() == QStringList(fixture.sameOrder));
         SOON(fixture.client->settled());
         const checks::Finding finding{&checks::fields().elements, "d", checks::Problem::SameOrder,
@@ -220,7 +141,7 @@ private slots:
     }
 
     void aLostDesktopIsInItsTreeAfterTheCure() {
-        Fixture fixture;
+        ProblemsFixture fixture;
         fixture.otherWrites(
             MDX_INSERT,
             {{"KeyLink", "lost"}, {"caption", "КС-9"}, {"order_", "2000"}, {"ParentKey", "gone"}},
@@ -235,7 +156,7 @@ private slots:
     }
 
     void theRecordIsShownInItsEditor() {
-        Fixture fixture;
+        ProblemsFixture fixture;
         fixture.open();
         SOON(fixture.isKnown());
         QVERIFY(fixture.choose("«г»"));
@@ -244,7 +165,7 @@ private slots:
     }
 
     void tenThousandCuresLeaveTheWindowAnswering() {
-        Fixture fixture;
+        ProblemsFixture fixture;
         fixture.fillWithMissingIcons(10000);
         fixture.open();
         QTRY_VERIFY_WITH_TIMEOUT(fixture.model()->rowCount() >= 10000, 120000);
@@ -265,7 +186,7 @@ private slots:
     }
 
     void aCureOfManyIsGivenUpWhole() {
-        Fixture fixture;
+        ProblemsFixture fixture;
         fixture.fillWithMissingIcons(3000);
         fixture.open();
         QTRY_VERIFY_WITH_TIMEOUT(fixture.model()->rowCount() >= 3000, 120000);
@@ -279,7 +200,7 @@ private slots:
     }
 
     void theSelectionOutlastsManyChangesOfOthers() {
-        Fixture fixture;
+        ProblemsFixture fixture;
         fixture.fillWithMissingIcons(200);
         fixture.open();
         QTRY_VERIFY_WITH_TIMEOUT(fixture.model()->rowCount() >= 200, 120000);
