@@ -50,7 +50,8 @@ void OrvoMenu::setReadOnly() {
                    m_ui->actPasteMenuElement, m_ui->actAddDescktop, m_ui->actAddFoldertvDesck,
                    m_ui->actDeleteFromtvDesck, m_ui->actChangeDescktopOrFolder,
                    m_ui->actPasteDescktopOrFolder});
-    for (QTreeView* view : {m_ui->tvDesck, m_ui->tvMenu, m_ui->tvProp})
+    for (QTreeView* view :
+         std::initializer_list<QTreeView*>{m_ui->tvDesck, m_ui->tvMenu, m_ui->tvProp})
         orvo::keepFromWriting(view);
     m_btnNewDesck->setEnabled(false);
     m_btnNewElem->setEnabled(false);

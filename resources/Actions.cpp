@@ -33,7 +33,7 @@ void OrvoResources::setReadOnly() {
     orvo::keepOff(creators());
     orvo::keepOff(
         {m_ui->actLoadFiles, m_ui->actDelete, m_ui->actCut, m_ui->actPaste, m_ui->actUnBlock});
-    for (QTreeView* view : {m_ui->tvRes, m_ui->tvProp})
+    for (QTreeView* view : std::initializer_list<QTreeView*>{m_ui->tvRes, m_ui->tvProp})
         orvo::keepFromWriting(view);
     m_btnCreate->setEnabled(false);
 }
