@@ -1,5 +1,7 @@
 #include "bench/resources/Catalogue.h"
 
+#include <algorithm>
+
 namespace orvo::bench {
 
 namespace {
@@ -8,10 +10,10 @@ constexpr int foldersInGroup = 20;
 constexpr int formKind = 3;
 constexpr int fileKind = 4;
 
-/// Rows 0 .. count - 1 of "n", before an INSERT ... SELECT.
-QByteArray numbers(int count) {
-    return "WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i + 1 < " +
-           QByteArray::number(count) + ") ";
+/// Rows from .. end - 1 of "n", before an INSERT ... SELECT.
+QByteArray numbers(int end, int from = 0) {
+    return "WITH RECURSIVE n(i) AS (SELECT " + QByteArray::number(from) +
+           " UNION ALL SELECT i + 1 FROM n WHERE i + 1 < " + QByteArray::number(end) + ") ";
 }
 
 } // namespace
@@ -23,6 +25,12 @@ int Catalogue::from(int kind) const {
 
 void Catalogue::fill(test::TestStore& store) const {
     const auto run = [&](const QByteArray& sql) { store.sql(sql.constData()); };
+    // A statement of the shell has its time: many rows take several.
+    const auto insert = [&](int count, const QByteArray& sql) {
+        constexpr int most = 50000;
+        for (int from = 0; from < count; from += most)
+            run(numbers(std::min(count, from + most), from) + sql);
+    };
     const char* const tops[] = {"", "модули", "функции", "формы отображения", "docs"};
     const char* const names[] = {"", "mod_", "fn_", "sh_", "pasport_"};
     for (int kind = 1; kind <= fileKind; ++kind) {
@@ -39,18 +47,26 @@ void Catalogue::fill(test::TestStore& store) const {
         run(numbers(folders(kind)) + "INSERT INTO \"MenuResourceFolder\" SELECT 'folder-" + k +
             "-' || i, 'group-" + k + "-' || (i / " + QByteArray::number(foldersInGroup) + "), " +
             k + ", 'Узел ' || i FROM n");
-        run(numbers(count) +
-            "INSERT INTO \"MenuResource\" (\"KeyLink\", \"MenuResourceFolderKey\", \"name_\", "
-            "\"type_\", \"caption\", \"ico\") SELECT 'res-' || (i + " +
-            QByteArray::number(from(kind)) + "), 'folder-" + k + "-' || (i / " +
-            QByteArray::number(inFolder) + "), '" + names[kind] + "' || (10000000 + i), " + k +
-            ", 'Насосная станция ' || i, 'pump.png' FROM n");
+        insert(count,
+               "INSERT INTO \"MenuResource\" (\"KeyLink\", \"MenuResourceFolderKey\", \"name_\", "
+               "\"type_\", \"caption\", \"ico\") SELECT 'res-' || (i + " +
+                   QByteArray::number(from(kind)) + "), 'folder-" + k + "-' || (i / " +
+                   QByteArray::number(inFolder) + "), '" + names[kind] + "' || (10000000 + i), " +
+                   k + ", 'Насосная станция ' || i, 'pump.png' FROM n");
         if (kind >= formKind)
-            run(numbers(count) + "INSERT INTO \"MenuResourceFile\" SELECT 'content-' || (i + " +
-                QByteArray::number(from(kind)) + "), 'res-' || (i + " +
-                QByteArray::number(from(kind)) + "), '" + names[kind] +
-                "' || (10000000 + i), 1700000000, 1, x'41' FROM n");
+            insert(count, "INSERT INTO \"MenuResourceFile\" SELECT 'content-' || (i + " +
+                              QByteArray::number(from(kind)) + "), 'res-' || (i + " +
+                              QByteArray::number(from(kind)) + "), '" + names[kind] +
+                              "' || (10000000 + i), 1700000000, 1, x'41' FROM n");
     }
+    run("INSERT INTO \"MenuResourceFolder\" VALUES ('large', 'top-1', 1, 'Весь завод'), "
+        "('empty', 'top-1', 1, 'Пустая')");
+    insert(
+        inLarge(),
+        "INSERT INTO \"MenuResource\" (\"KeyLink\", \"MenuResourceFolderKey\", \"name_\", "
+        "\"type_\", \"caption\", \"ico\") SELECT 'large-' || i, 'large', 'large_' || (10000000 + "
+        "i), "
+        "1, 'Насосная станция ' || i, 'pump.png' FROM n");
 }
 
 } // namespace orvo::bench

@@ -11,7 +11,8 @@
 namespace orvo::bench {
 
 /// 30 % modules, 30 % functions, 25 % forms and 15 % files, numbered through; 200 of a kind in a
-/// folder, 20 such folders in another one. Every form and file has its content.
+/// folder, 20 such folders in another one. Every form and file has its content. Beside them a
+/// folder "large" with a tenth as many modules once more, and one "empty".
 class Catalogue {
 public:
     explicit Catalogue(int rows) : m_rows(rows) {}
@@ -19,6 +20,7 @@ public:
     void fill(test::TestStore& store) const;
 
     int rows() const { return m_rows; }
+    int inLarge() const { return m_rows / 10; }
     static QByteArray key(int number) { return "res-" + QByteArray::number(number); }
     /// The key of any resource of that kind.
     QByteArray any(int kind) { return key(from(kind) + below(from(kind + 1) - from(kind))); }

@@ -62,38 +62,41 @@ public:
         , m_tree(*editor.findChild<QTreeView*>(QStringLiteral("tvRes"))) {}
 
     void merging(bool budgeted) {
-        const auto resource = [](Fields fields) { return rawRecordOf("MenuResource", fields); };
-        const auto text = [](const QByteArray& key) { return QString::fromLatin1(key); };
-        merge("update in place", budgeted, [&](int n) {
-            return Notice{602, "MenuResource", m_catalogue.any(),
-                          resource({{"caption", QString("Станция %1").arg(n)}})};
-        });
-        merge("rename, moving the row", budgeted, [&](int n) {
-            return Notice{
-                602, "MenuResource", m_catalogue.any(),
-                resource({{"name_", QString("n_%1_%2").arg(m_catalogue.below(1000)).arg(n)}})};
-        });
-        merge("move to another folder", budgeted, [&](int) {
-            return Notice{602, "MenuResource", m_catalogue.any(1),
-                          resource({{"MenuResourceFolderKey", text(m_catalogue.anyFolder(1))}})};
-        });
-        const int first = m_made;
-        merge("insertion", budgeted, [&](int) {
-            return Notice{601, "MenuResource", "new-" + QByteArray::number(m_made++),
-                          resource({{"MenuResourceFolderKey", text(m_catalogue.anyFolder(2))},
-                                    {"type_", 2},
-                                    {"name_", QString("x%1").arg(m_catalogue.below(100000))},
-                                    {"caption", QString("Новая")},
-                                    {"ico", QString("pump.png")}})};
-        });
-        int gone = first;
-        merge("deletion", budgeted, [&](int) {
-            return Notice{603, "MenuResource", "new-" + QByteArray::number(gone++), {}};
-        });
-        merge("rename of a folder of 200", false, [&](int n) {
-            return Notice{602, "MenuResourceFolder", m_catalogue.anyFolder(1),
-                          rawRecordOf("MenuResourceFolder", {{"caption", QString("У%1").arg(n)}})};
-        });
+        merge("update in place", budgeted, [&](int n) { return update(n); });
+        merge("rename, moving the row", budgeted, [&](int n) { return rename(n); });
+        merge("move to another folder", budgeted, [&](int) { return move(); });
+        merge("insertion", budgeted, [&](int) { return insertion(); });
+        merge("deletion", budgeted, [&](int) { return deletion(); });
+        merge("rename of a folder of 200", false, [&](int n) { return renameFolder(n); });
+    }
+
+    /// Changes of others, taken together, up to the picture. The client hands over up to 64 at
+    /// once.
+    void deliveries() {
+        const auto several = [&](const char* what, int count,
+                                 const std::function<Notice(int)>& next) {
+            int number = 1000000;
+            std::vector<double> costs;
+            for (int i = 0; i < 9; ++i) {
+                for (int k = 0; k < count; ++k)
+                    m_editor.messagePut(next(number++).make());
+                costs.push_back(processorMicroseconds([&] {
+                    m_editor.MessageOn();
+                    QCoreApplication::processEvents();
+                }));
+            }
+            tell(what, costs, frameBudget);
+        };
+        several("one update in place", 1, [&](int n) { return update(n); });
+        several("one rename", 1, [&](int n) { return rename(n); });
+        several("one move", 1, [&](int) { return move(); });
+        several("one insertion", 1, [&](int) { return insertion(); });
+        several("one deletion", 1, [&](int) { return deletion(); });
+        several("one rename of a folder", 1, [&](int n) { return renameFolder(n); });
+        several("64 renames", 64, [&](int n) { return rename(n); });
+        several("64 insertions", 64, [&](int) { return insertion(); });
+        several("64 deletions", 64, [&](int) { return deletion(); });
+        several("1000 insertions", 1000, [&](int) { return insertion(); });
     }
 
     void choosing() {
@@ -164,12 +167,83 @@ public:
         report("one folder opened", median(open) / 1000, "ms", choiceBudget / 1000);
     }
 
+    /// What an engineer does to many rows, all folders open, up to the picture; a write with it.
+    void actions(TestHost& host) {
+        const auto large = [&] { return m_editor.row("large"); };
+        const auto selectRows = [&](int count) {
+            const QModelIndex folder = large();
+            m_tree.selectionModel()->select({m_editor.m_resModel->index(0, 0, folder),
+                                             m_editor.m_resModel->index(count - 1, 0, folder)},
+                                            QItemSelectionModel::ClearAndSelect |
+                                                QItemSelectionModel::Rows);
+            QCoreApplication::processEvents();
+        };
+        const auto trigger = [&](const char* action) {
+            m_editor.findChild<QAction*>(QString::fromLatin1(action))->trigger();
+            QCoreApplication::processEvents();
+        };
+        const int all = m_catalogue.inLarge();
+        const int part = all / 10;
+        const auto name = [](const char* what, int count) {
+            return QString::fromLatin1(what).arg(count).toUtf8();
+        };
+        each(name("select %1 rows", all).constData(), frameBudget, 3, [&] { selectRows(all); });
+        each(name("select %1 rows", part).constData(), frameBudget, 3, [&] { selectRows(part); });
+        each("cut them", frameBudget, 1, [&] { trigger("actCut"); });
+        m_tree.setCurrentIndex(m_editor.row("empty"));
+        each("paste them", frameBudget, 1, [&] { trigger("actPaste"); });
+        each("their return", frameBudget, 1, [&] {
+            host.deliver(m_editor);
+            QCoreApplication::processEvents();
+        });
+        const auto notice = [&](const char* what, const Notice& one) {
+            each(what, frameBudget, 1, [&] {
+                m_editor.messagePut(one.make());
+                m_editor.MessageOn();
+                QCoreApplication::processEvents();
+            });
+        };
+        notice("rename of the large folder",
+               {602, "MenuResourceFolder", "large",
+                rawRecordOf("MenuResourceFolder", {{"caption", QString("А")}})});
+        notice("deletion of the large folder", {603, "MenuResourceFolder", "large", {}});
+    }
+
     void report(const char* what, double value, const char* unit, double budget) {
         std::printf("  %-28s %9.1f %s", what, value, unit);
         end(budget > 0, value, budget);
     }
 
 private:
+    static QByteArray record(Fields fields) { return rawRecordOf("MenuResource", fields); }
+    Notice update(int n) {
+        return {602, "MenuResource", m_catalogue.any(),
+                record({{"caption", QString("Станция %1").arg(n)}})};
+    }
+    Notice rename(int n) {
+        return {602, "MenuResource", m_catalogue.any(),
+                record({{"name_", QString("n_%1_%2").arg(m_catalogue.below(1000)).arg(n)}})};
+    }
+    Notice move() {
+        const QByteArray folder = m_catalogue.anyFolder(1);
+        return {602, "MenuResource", m_catalogue.any(1),
+                record({{"MenuResourceFolderKey", QString::fromLatin1(folder)}})};
+    }
+    Notice insertion() {
+        const QByteArray folder = m_catalogue.anyFolder(2);
+        return {601, "MenuResource", "new-" + QByteArray::number(m_made++),
+                record({{"MenuResourceFolderKey", QString::fromLatin1(folder)},
+                        {"type_", 2},
+                        {"name_", QString("x%1").arg(m_catalogue.below(100000))},
+                        {"caption", QString("Новая")},
+                        {"ico", QString("pump.png")}})};
+    }
+    Notice deletion() { return {603, "MenuResource", "new-" + QByteArray::number(m_gone++), {}}; }
+    Notice renameFolder(int n) {
+        return {602, "MenuResourceFolder", m_catalogue.anyFolder(1),
+                rawRecordOf("MenuResourceFolder", {{"caption", QString("У%1").arg(n)}})};
+    }
+
     static void end(bool budgeted, double figure, double budget) {
         if (budgeted)
             judge(figure, Bound::AtMost, budget, "");
@@ -183,6 +257,9 @@ private:
         std::vector<double> costs;
         for (int i = 0; i < times; ++i)
             costs.push_back(processorMicroseconds(work));
+        tell(what, costs, budget);
+    }
+    static void tell(const char* what, const std::vector<double>& costs, double budget) {
         const double worst = *std::max_element(costs.begin(), costs.end());
         const double cost = median(costs);
         std::printf("  %-28s %9.2f ms, worst %8.2f ms", what, cost / 1000, worst / 1000);
@@ -225,7 +302,8 @@ private:
     ResProbe& m_editor;
     Catalogue& m_catalogue;
     QTreeView& m_tree;
-    int m_made = 0;
+    int m_made = 0; ///< insertions
+    int m_gone = 0; ///< deletions
 };
 
 } // namespace
@@ -276,6 +354,10 @@ bool measureScale(int rows) {
     scale.choosing();
     std::puts("A notification with all folders open:");
     scale.merging(false);
+    std::puts("Changes of others with all folders open, up to the picture:");
+    scale.deliveries();
+    std::puts("Actions on many rows with all folders open, up to the picture:");
+    scale.actions(host);
     scale.closing();
     scale.report("memory at the end, the most", memory("VmHWM:"), "MiB", 0);
     return !isMissed() && host.failures.isEmpty() && host.logLines.isEmpty();
