@@ -95,18 +95,29 @@ void OrvoMenu::addChosenElements() {
         if (chosen.isValid() && !chosen.siblingAtColumn(orvo::PickColumn::IsFolder).data().toBool())
             picked.push_back({chosen.siblingAtColumn(orvo::PickColumn::KeyLink).data().toString(),
                               chosen.siblingAtColumn(orvo::PickColumn::Caption).data().toString()});
-    // A palette may list what is gone.
-    if (m_popList->isPalette())
-        picked.erase(std::remove_if(picked.begin(), picked.end(),
-                                    [this](const Picked& one) {
-                                        return !orvo::seekKey(m_tabResource, one.key);
-                                    }),
-                     picked.end());
-    if (!addElements(elementRow(m_currentMenuKey), picked))
+    if (!addElements(elementRow(m_currentMenuKey), std::move(picked)))
         refusesChosenFolder();
 }
 
-bool OrvoMenu::addElements(QModelIndex target, const std::vector<Picked>& picked) {
+void OrvoMenu::refuseDeleted(std::vector<Picked>& picked) {
+    QStringList names;
+    const auto isDeleted = [&](const Picked& one) {
+        const bool deleted = m_deletedResources.contains(one.key.toCaseFolded());
+        if (deleted)
+            names << one.caption;
+        return deleted;
+    };
+    picked.erase(std::remove_if(picked.begin(), picked.end(), isDeleted), picked.end());
+    if (!names.isEmpty())
+        refuse(tr("Не взято: этого ресурса больше нет, его удалили.\n%1")
+                   .arg(names.join(QLatin1Char('\n'))));
+}
+
+bool OrvoMenu::addElements(QModelIndex target, std::vector<Picked> picked) {
+    const bool isEmpty = picked.empty();
+    refuseDeleted(picked);
+    if (!isEmpty && picked.empty())
+        return true;
     // While the picker stood open another client's element may have become current.
     if (!m_menuModel->itemIsFolder(target))
         target = target.parent();
@@ -161,7 +172,7 @@ bool OrvoMenu::eventFilter(QObject* watched, QEvent* event) {
             if (const MDRData* resource = orvo::seekKey(m_tabResource, QString::fromUtf8(key)))
                 picked.push_back(
                     {QString::fromUtf8(key), orvo::textOf(resource, orvo::field::caption)});
-        addElements(row, picked);
+        addElements(row, std::move(picked));
     }
     return true;
 }
@@ -171,6 +182,11 @@ void OrvoMenu::takeChosenValue() {
         return;
     const QString name = m_popList->chosenName;
     const QString key = m_popList->chosenKey;
+    std::vector<Picked> chosen{{key, name}};
+    if (isRow(m_popTarget, "object"))
+        refuseDeleted(chosen);
+    if (chosen.empty())
+        return;
     if (isIconRow(m_popTarget)) {
         takeChosenIcon();
     } else if (isRow(m_popTarget, "object")) {

@@ -46,7 +46,16 @@ void OrvoMenu::followTables() {
              to(&OrvoMenu::desckDeleted)},
             {orvo::table::Menu, to(&OrvoMenu::elementInserted), to(&OrvoMenu::elementUpdated),
              to(&OrvoMenu::elementDeleted)},
-            {orvo::table::MenuResource, create(m_tabResource), {}, {}},
+            // The table keeps what is deleted; it is no longer to be chosen all the same.
+            {orvo::table::MenuResource,
+             [this](const orvo::Notification& change) {
+                 orvo::createAndMerge(change.event(), &m_tabResource);
+                 m_deletedResources.remove(change.key().toCaseFolded());
+             },
+             {},
+             [this](const orvo::Notification& change) {
+                 m_deletedResources.insert(change.key().toCaseFolded());
+             }},
             {orvo::table::MenuResourceFolder, create(m_tabResFolder), edit(m_tabResFolder),
              to(&OrvoMenu::forgetResourceFolder)}},
            {m_ui->tvDesck, m_ui->tvMenu, m_ui->tvProp});

@@ -29,6 +29,7 @@
 #include <QAbstractItemDelegate>
 #include <QMap>
 #include <QPersistentModelIndex>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <QTimer>
@@ -299,7 +300,10 @@ private:
         QString caption;
     };
     /// New last elements of a folder, or of that in which the row stands. False if there are none.
-    bool addElements(QModelIndex target, const std::vector<Picked>& picked);
+    bool addElements(QModelIndex target, std::vector<Picked> picked);
+    /// Takes out what others have deleted since the picker was filled, and says so in a box.
+    void refuseDeleted(std::vector<Picked>& picked);
+    QSet<QString> m_deletedResources; ///< folded keys; m_tabResource goes on having their records
     /// Resources dragged out of the picker become elements where they are dropped.
     bool eventFilter(QObject* watched, QEvent* event) override;
     const QObject* m_menuViewport = nullptr; ///< of tvMenu

@@ -159,6 +159,24 @@ private slots:
         QVERIFY(palette->isVisible() && !palette->isPalette());
     }
 
+    void whatOthersHaveDeletedIsRefusedInWords() {
+        Menu menu;
+        QVERIFY(menu.open());
+        menu.view("tvMenu")->setCurrentIndex(menu->element("glubzhe"));
+        menu.store.remove("MenuResource", "m2");
+        menu.host.deliver(*menu.module);
+        const int writes = int(menu.host.writes().calls.size());
+        menu.press(Qt::Key_F7);
+        CPopObjectList* palette = menu.palette();
+        palette->tvObj()->setCurrentIndex(palette->treeModel->findIndexByKey("m2"));
+        QTest::keyClick(palette->tvObj(), Qt::Key_Return);
+        menu.host.deliver(*menu.module);
+        QCOMPARE(boxText(*menu.module),
+                 QString("Не взято: этого ресурса больше нет, его удалили.\nВторой"));
+        QCOMPARE(int(menu.host.writes().calls.size()), writes);
+        QCOMPARE(menu.resourcesOf("glubzhe"), QString("rform"));
+    }
+
     void howeverThePaletteIsClosedTheNextListIsNone() {
         Menu menu;
         QVERIFY(menu.open());
