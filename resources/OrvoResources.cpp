@@ -52,6 +52,7 @@ void OrvoResources::makeSearchBar() {
     m_edSearch->addAction(orvo::image("search1"), QLineEdit::LeadingPosition);
     m_edSearch->setPlaceholderText(tr("Поиск..."));
     connect(m_edSearch, &QLineEdit::textChanged, this, &OrvoResources::on_search_textChanged);
+    m_edSearch->installEventFilter(this);
     bar->addWidget(m_edSearch);
 
     m_btnSearchDown = orvo::makeToolButton(this, "down2", QString());

@@ -38,6 +38,7 @@
 class QComboBox;
 class QItemSelection;
 class QLabel;
+class QKeyEvent;
 class QLineEdit;
 class QMenu;
 class QToolButton;
@@ -119,6 +120,7 @@ protected:
     /// For a user who may not write: he looks, opens, takes files out, and nothing else.
     void setReadOnly();
     void setResFocusedItemAfterChanges();
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void changeEvent(QEvent* event) override;
     /// The search field and its choice in colours that suit the palette and what was found.
     void colourSearch();
@@ -352,6 +354,7 @@ private:
     // Search
     orvo::TreeSearch treeSearch();
     /// Goes to the next hit in a direction, which one button stands for and the other against.
+    bool searchKey(const QKeyEvent& event);
     void stepSearch(int step, QToolButton* forth, QToolButton* back);
 
     // Moving rows

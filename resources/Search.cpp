@@ -8,6 +8,7 @@
 #include "resources/Columns.h"
 
 #include <QComboBox>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QToolButton>
 
@@ -87,6 +88,37 @@ void OrvoResources::openSearch() {
     }
     m_edSearch->setFocus(Qt::ShortcutFocusReason);
     m_edSearch->selectAll();
+}
+
+/// By the same keys as the search bars of other trees.
+bool OrvoResources::searchKey(const QKeyEvent& event) {
+    switch (event.key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        stepToHit(event.modifiers() & Qt::ShiftModifier ? -1 : 1);
+        return true;
+    case Qt::Key_Down:
+    case Qt::Key_Up:
+        stepToHit(event.key() == Qt::Key_Down ? 1 : -1);
+        return true;
+    case Qt::Key_Escape:
+        m_ui->tvRes->setFocus(Qt::ShortcutFocusReason);
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool OrvoResources::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == m_edSearch && event->type() == QEvent::ShortcutOverride &&
+        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+        event->accept(); // here it is the field's, whatever it means in the window
+        return true;
+    }
+    if (watched == m_edSearch && event->type() == QEvent::KeyPress &&
+        searchKey(*static_cast<QKeyEvent*>(event)))
+        return true;
+    return EditorWindow::eventFilter(watched, event);
 }
 
 void OrvoResources::searchByNext() {

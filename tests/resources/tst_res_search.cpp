@@ -76,6 +76,25 @@ private slots:
         QCOMPARE(window.hits(), QStringList("rpump"));
     }
 
+    void theFieldIsUsedByTheKeysOfEverySearchBar() {
+        Window window;
+        window.type("тренд");
+        QLineEdit* field = window.editor->m_edSearch;
+        QCOMPARE(window.currentKey(), QString("trends"));
+        QTest::keyClick(field, Qt::Key_Return);
+        QCOMPARE(window.currentKey(), QString("rtrend"));
+        QTest::keyClick(field, Qt::Key_Up);
+        QCOMPARE(window.currentKey(), QString("trends"));
+        QTest::keyClick(field, Qt::Key_Down);
+        QCOMPARE(window.currentKey(), QString("rtrend"));
+        QTest::keyClick(field, Qt::Key_Return, Qt::ShiftModifier);
+        QCOMPARE(window.currentKey(), QString("trends"));
+        window.editor->activateWindow();
+        field->setFocus();
+        QTest::keyClick(field, Qt::Key_Escape);
+        QCOMPARE(window.editor->focusWidget(), window.tree);
+    }
+
     void oneHitLeavesNoSteps() {
         Window window;
         window.type("насос");
