@@ -1,6 +1,7 @@
 // The picker beside the menu editor: as a palette it stays, and what is dragged out of it becomes
 // elements of the menu.
 #include "tests/menu/MenuProbe.h"
+#include "tests/menu/WindowHands.h"
 #include "tests/resources/ResProbe.h"
 
 #include "picker/PopObjectList.h"
@@ -172,7 +173,7 @@ private slots:
         QTest::keyClick(palette->tvObj(), Qt::Key_Return);
         menu.host.deliver(*menu.module);
         QCOMPARE(boxText(*menu.module),
-                 QString("Не взято: этого ресурса больше нет, его удалили.\nВторой"));
+                 QString("Ошибка\nНе взято: этого ресурса больше нет, его удалили.\nВторой"));
         QCOMPARE(int(menu.host.writes().calls.size()), writes);
         QCOMPARE(menu.resourcesOf("glubzhe"), QString("rform"));
     }

@@ -80,6 +80,9 @@ private slots:
         Window window;
         window.type("тренд");
         QLineEdit* field = window.editor->m_edSearch;
+        window.editor->resize(1400, 800); // the field has room on the bar
+        window.editor->show();
+        QTRY_VERIFY(field->isVisible());
         QCOMPARE(window.currentKey(), QString("trends"));
         QTest::keyClick(field, Qt::Key_Return);
         QCOMPARE(window.currentKey(), QString("rtrend"));
