@@ -16,12 +16,29 @@ namespace orvo::history {
 
 namespace {
 
-std::vector<LoggedChange> allLogged(const Group& group) {
+std::vector<LoggedChange> allLogged(const Group& group, bool isTakenBack = false) {
     std::vector<LoggedChange> all;
     all.reserve(group.changes.size());
-    for (const store::Change& change : group.changes)
+    for (const store::Change& change : group.changes) {
         all.push_back(logged(change));
+        all.back().isTakenBack = isTakenBack;
+    }
     return all;
+}
+
+/// Of a group that takes others back what it has taken back: what the others did, as far as that
+/// went back.
+Group takenBackBy(const Group& group) {
+    Group made = group;
+    for (std::vector<store::Change>* changes : {&made.changes, &made.tops})
+        for (store::Change& change : *changes)
+            change = reversed(change);
+    for (store::ChangeCount& count : made.counts)
+        if (count.code != OrvoEventUpdate)
+            count.code = count.code == OrvoEventInsert ? OrvoEventDelete : OrvoEventInsert;
+    std::reverse(made.counts.begin(), made.counts.end());
+    std::reverse(made.tops.begin(), made.tops.end());
+    return made;
 }
 
 bool isContent(const LoggedChange& read) {
@@ -82,7 +99,7 @@ QString together(const std::vector<const LoggedChange*>& reads, RecordSource& so
     const LoggedChange& first = *reads.front();
     const Noun noun = nounOf(*first.table, known(first, source));
     const QString line =
-        deedWord(first.deed, noun, reads.size()) + QLatin1Char(' ') + counted(reads.size(), noun);
+        deedWords(first, noun, reads.size()) + QLatin1Char(' ') + counted(reads.size(), noun);
     const bool sameWay = std::all_of(reads.begin(), reads.end(), [&](const LoggedChange* read) {
         return store::foldedKey(read->from) == store::foldedKey(first.from) &&
                store::foldedKey(read->to) == store::foldedKey(first.to);
@@ -185,24 +202,31 @@ QString beginningOf(const std::vector<LoggedChange>& all, RecordSource& source) 
 } // namespace
 
 GroupWords describe(const Group& group, RecordSource& source) {
+    const bool isTakenBack = !group.undoes.empty() && !group.redoes;
+    const Group told = isTakenBack ? takenBackBy(group) : Group();
+    const Group& about = isTakenBack ? told : group;
     GroupWords words;
     const auto placeBy = [&](const LoggedChange& first) {
         if (first.table)
             words.place = placeOf(*first.table, known(first, source), &source);
     };
-    if (!group.counts.empty()) {
-        const LargeGroup large(group, source);
+    if (!about.counts.empty()) {
+        const LargeGroup large(about, source, isTakenBack);
         words.what = large.line();
         placeBy(large.first());
     } else {
-        const std::vector<LoggedChange> all = allLogged(group);
-        words.what = group.whole ? lineOf(all, source) : beginningOf(all, source);
+        const std::vector<LoggedChange> all = allLogged(about, isTakenBack);
+        words.what = about.whole ? lineOf(all, source) : beginningOf(all, source);
         if (const std::vector<const LoggedChange*> ones = mainOnes(all); !ones.empty())
             placeBy(*ones.front());
     }
-    if (!group.undoes.empty())
-        words.what = (group.redoes ? QStringLiteral("Повтор: ") : QStringLiteral("Отмена: ")) +
-                     words.what.left(1).toLower() + words.what.mid(1);
+    if (group.redoes)
+        words.what = QStringLiteral("Повтор: ") + words.what.left(1).toLower() + words.what.mid(1);
+    if (const size_t count = group.undoes.size(); isTakenBack && count > 1)
+        words.what += QStringLiteral(" (%1 %2)")
+                          .arg(count)
+                          .arg(numeralForm(count, QStringLiteral("действие"),
+                                           QStringLiteral("действия"), QStringLiteral("действий")));
     return words;
 }
 
@@ -255,6 +279,11 @@ ChangeWords describe(const store::Change& change, RecordSource& source) {
                                 shown(hasNow, hasNow ? now->second : store::Value())});
     }
     return words;
+}
+
+QString placeOf(const store::Change& change, RecordSource& source) {
+    const LoggedChange read = logged(change);
+    return read.table ? placeOf(*read.table, known(read, source), &source) : QString();
 }
 
 } // namespace orvo::history

@@ -27,12 +27,15 @@ struct GroupWords {
     QString place; ///< where the record stands that it is about; empty at the top
 };
 
-/// The group in one line. Names that a change does not tell are asked of the source.
+/// The group in one line; of one that takes others back what was taken back: "Отменено удаление:
+/// элемент меню «Котельная»". Names that a change does not tell are asked of the source.
 GroupWords describe(const Group& group, RecordSource& source);
 /// What the user did, as a command names it: "переместить «Котельная»".
 QString commandWords(const Group& group, RecordSource& source);
 /// One of its changes, with old and new values.
 ChangeWords describe(const store::Change& change, RecordSource& source);
+/// Where the record of a change stands, as GroupWords::place.
+QString placeOf(const store::Change& change, RecordSource& source);
 
 } // namespace orvo::history
 

@@ -44,7 +44,7 @@ Deed deedOf(const store::ChangeCount& count) {
 
 } // namespace
 
-LargeGroup::LargeGroup(const Group& group, RecordSource& source)
+LargeGroup::LargeGroup(const Group& group, RecordSource& source, bool isTakenBack)
     : m_group(group)
     , m_source(source) {
     const auto& counts = group.counts;
@@ -56,6 +56,8 @@ LargeGroup::LargeGroup(const Group& group, RecordSource& source)
     for (size_t i = 0; i < counts.size(); ++i)
         if (onlyContents || (!isContent(counts[i]) && (onlyOrder || !isOrder(counts[i]))))
             m_kinds.push_back({&counts[i], logged(group.tops[i])});
+    for (Kind& kind : m_kinds)
+        kind.top.isTakenBack = isTakenBack;
     m_cut = isCut();
     if (!m_cut)
         return;
@@ -132,8 +134,9 @@ QString LargeGroup::line() const {
     if (all == 1 || !isFlat())
         return sentence(first(), m_source) + andMore(all - 1);
     const Noun noun = anyOf(*first().table);
-    return deedWord(deedOf(*m_kinds.front().count), noun, all) + QLatin1Char(' ') +
-           counted(all, noun) + names();
+    LoggedChange whole = first();
+    whole.deed = deedOf(*m_kinds.front().count);
+    return deedWords(whole, noun, all) + QLatin1Char(' ') + counted(all, noun) + names();
 }
 
 QString LargeGroup::command() const {

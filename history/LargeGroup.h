@@ -16,8 +16,8 @@ namespace orvo::history {
 
 class LargeGroup {
 public:
-    /// Both outlive it.
-    LargeGroup(const Group& group, RecordSource& source);
+    /// Both outlive it. `isTakenBack`: the words are to tell that its changes were taken back.
+    LargeGroup(const Group& group, RecordSource& source, bool isTakenBack = false);
 
     /// "Удалён элемент меню «Агрегаты» и ещё 2500 записей".
     QString line() const;

@@ -88,6 +88,14 @@ LoggedChange logged(const store::Change& change) {
     return read;
 }
 
+store::Change reversed(const store::Change& change) {
+    store::Change made = change;
+    made.after.swap(made.before);
+    if (change.code != OrvoEventUpdate)
+        made.code = change.code == OrvoEventInsert ? OrvoEventDelete : OrvoEventInsert;
+    return made;
+}
+
 std::vector<std::pair<const store::TableDef*, std::string>> placesOf(const LoggedChange& read) {
     std::vector<std::pair<const store::TableDef*, std::string>> places;
     if (!read.table)
@@ -132,28 +140,37 @@ QString fromTo(const LoggedChange& read, RecordSource& source) {
     };
     const QString from = nameOfKey(read.above, read.from, source);
     const QString to = nameOfKey(read.above, read.to, source);
-    return QStringLiteral(" из %1 %2")
-        .arg(from.isEmpty() ? top(QStringLiteral("верхнего уровня"), read.topFrom) : from,
-             to.isEmpty() ? top(QStringLiteral("на верхний уровень"), read.topTo)
-                          : QStringLiteral("в %1").arg(to));
+    return QStringLiteral(" %1 %2").arg(
+        from.isEmpty() ? top(QStringLiteral("с верхнего уровня"), read.topFrom)
+                       : QStringLiteral("из %1").arg(from),
+        to.isEmpty() ? top(QStringLiteral("на верхний уровень"), read.topTo)
+                     : QStringLiteral("в %1").arg(to));
+}
+
+QString deedWords(const LoggedChange& read, const Noun& noun, size_t count) {
+    return read.isTakenBack ? takenBackWords(read.deed) : deedWord(read.deed, noun, count);
 }
 
 QString sentence(const LoggedChange& read, RecordSource& source) {
     if (!read.table)
-        return QStringLiteral("Изменена таблица %1")
+        return (read.isTakenBack ? takenBackWords(Deed::Changed) + QStringLiteral(" таблица %1")
+                                 : QStringLiteral("Изменена таблица %1"))
             .arg(quoted(QString::fromStdString(read.change->table)));
     const store::TableDef& table = *read.table;
     const Values values = known(read, source);
-    QString line = deedWord(read.deed, nounOf(table, values)) + QLatin1Char(' ') +
+    QString line = deedWords(read, nounOf(table, values)) + QLatin1Char(' ') +
                    recordWords(table, values, read.change->key);
     if (read.deed == Deed::Renamed) {
         Values was = values;
         for (const auto& [field, value] : read.before)
             was[field] = value;
-        if (nameOf(table, was) != nameOf(table, values))
-            line += nameOf(table, was).isEmpty()
-                        ? QStringLiteral(": не было названия")
-                        : QStringLiteral(": было ") + quoted(nameOf(table, was));
+        const QString name = nameOf(table, was);
+        if (name != nameOf(table, values) && read.isTakenBack)
+            line += name.isEmpty() ? QStringLiteral(", снова без названия")
+                                   : QStringLiteral(", снова ") + quoted(name);
+        else if (name != nameOf(table, values))
+            line += name.isEmpty() ? QStringLiteral(": не было названия")
+                                   : QStringLiteral(": было ") + quoted(name);
     }
     return read.deed == Deed::Moved ? line + fromTo(read, source) : line;
 }

@@ -21,10 +21,13 @@ struct LoggedChange {
     std::string from, to;                   ///< Moved: keys of the parents
     const store::TableDef* above = nullptr; ///< Moved: their table
     std::string topFrom, topTo;             ///< Moved: keys of the desktops, if they differ
+    bool isTakenBack = false;               ///< what is told is that it was
 };
 
 /// The change outlives what is made of it.
 LoggedChange logged(const store::Change& change);
+/// The other way round: from a change that an undo wrote, the one that it takes back.
+store::Change reversed(const store::Change& change);
 
 /// The value of a field by its name; null if there is none.
 const store::Value* valueIn(const store::TableDef& table, const Values& values, const char* name);
@@ -39,7 +42,10 @@ LoggedChange movedBy(const LoggedChange& made, const LoggedChange& gone);
 /// " из «Агрегаты» в «Крановая обвязка»"; what has no name is the top, of the desktop that it
 /// names if that is another one.
 QString fromTo(const LoggedChange& read, RecordSource& source);
-/// "Переименован рабочий стол «КС-3»: было «КС-2»".
+/// "Удалены", or "Отменено удаление:".
+QString deedWords(const LoggedChange& read, const Noun& noun, size_t count = 1);
+/// "Переименован рабочий стол «КС-3»: было «КС-2»"; "Отменено переименование: рабочий стол «КС-3»,
+/// снова «КС-2»".
 QString sentence(const LoggedChange& read, RecordSource& source);
 /// What a command does something to: "«Котельная»", "папку ресурсов k22".
 QString objectWords(const LoggedChange& read, RecordSource& source);

@@ -38,6 +38,19 @@ const store::TableDef* tableOf(const std::string& name) {
     return name == store::contentTable().name ? &store::contentTable() : store::findTable(name);
 }
 
+std::vector<store::ParentField> linksAbove(const store::TableDef& table) {
+    return &table == &store::contentTable()
+               ? std::vector<store::ParentField>{{field::MenuResourceKey, table::MenuResource}}
+               : store::parentFields(table);
+}
+
+std::vector<store::ParentField> linksBelow(const store::TableDef& table) {
+    std::vector<store::ParentField> found = store::childFields(table);
+    if (&table == store::findTable(table::MenuResource))
+        found.push_back({field::MenuResourceKey, store::contentTable().name});
+    return found;
+}
+
 store::Status fetchNaming(store::Store& store, const store::TableDef& table, int field,
                           const std::string& key, MDArray* into) {
     const store::FieldDef& def = table.fields[static_cast<size_t>(field)];

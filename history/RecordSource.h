@@ -4,6 +4,7 @@
 
 #include "platform/store/FieldValues.h"
 #include "platform/store/Maintenance.h"
+#include "platform/store/Merge.h"
 
 #include <map>
 #include <string>
@@ -18,6 +19,12 @@ using Values = store::FieldValues;
 
 /// The table of that name, that of the contents included; null for any other.
 const store::TableDef* tableOf(const std::string& name);
+
+/// The fields by which a record stands below another one, and the tables of those; a content below
+/// its form or file.
+std::vector<store::ParentField> linksAbove(const store::TableDef& table);
+/// The same from above: the fields that place others below a record, and their tables.
+std::vector<store::ParentField> linksBelow(const store::TableDef& table);
 
 /// The values as the change log holds them.
 std::string jsonOf(const store::TableDef& table, const Values& values);

@@ -162,7 +162,7 @@ QString placeOf(const store::TableDef& table, Values values, RecordSource* sourc
     for (int depth = 0; source && depth < deepest; ++depth) {
         std::string above;
         const store::TableDef* where = nullptr;
-        for (const store::ParentField& parent : store::parentFields(*at)) {
+        for (const store::ParentField& parent : linksAbove(*at)) {
             const auto found = values.find(at->find(parent.field));
             if (found == values.end() || store::textOf(found->second).empty())
                 continue;
@@ -175,7 +175,8 @@ QString placeOf(const store::TableDef& table, Values values, RecordSource* sourc
         values = source->valuesOf(*where, above);
         if (values.empty())
             break;
-        path.prepend(nameOf(*where, values));
+        if (at != &store::contentTable())
+            path.prepend(nameOf(*where, values));
         at = where;
     }
     return path.join(QStringLiteral(" / "));
@@ -194,6 +195,15 @@ QString deedWord(Deed deed, const Noun& noun, size_t count) {
     };
     const auto& forms = words[static_cast<size_t>(deed)];
     return numeralForm(count, text(forms[noun.gender]), text(forms[3]), text(forms[Noun::Neuter]));
+}
+
+QString takenBackWords(Deed deed) {
+    static const char* const words[] = {"создание",  "удаление", "переименование", "перемещение",
+                                        "изменение", "занятие",  "освобождение",   "перестановка"};
+    const bool feminine = deed == Deed::Ordered;
+    return QStringLiteral("%1 %2:").arg(feminine ? QStringLiteral("Отменена")
+                                                 : QStringLiteral("Отменено"),
+                                        text(words[static_cast<size_t>(deed)]));
 }
 
 QString infinitive(Deed deed) {

@@ -42,13 +42,16 @@ QString valueWords(const store::TableDef& table, int field, const store::Value& 
 /// Whether the editors show the same for both: they read NULL as an empty text, as 0 and as "no",
 /// and write a record whole, so that a field nobody has touched turns from the one into the other.
 bool readAlike(const store::Value& one, const store::Value& other);
-/// The names of the folders above a record, from the top, with " / " between.
+/// The names of the folders above a record, from the top, with " / " between; of a content those
+/// above its form or file.
 QString placeOf(const store::TableDef& table, Values values, RecordSource* source);
 
 /// What was done, in the past.
 enum class Deed { Created, Deleted, Renamed, Moved, Changed, Occupied, Released, Ordered };
 /// To so many records: "Создана" (1 or 21 папка), "Созданы" (2), "Создано" (5).
 QString deedWord(Deed deed, const Noun& noun, size_t count = 1);
+/// That it was taken back: "Отменено удаление:".
+QString takenBackWords(Deed deed);
 /// "переместить".
 QString infinitive(Deed deed);
 

@@ -88,8 +88,8 @@ void TestAdminHistory::anActionIsTakenBack() {
     // By any of its changes.
     ORVO_DONE(run({"undo", QString::number(number.toInt() + 1)}));
     QCOMPARE(content(), before);
-    QVERIFY(
-        run({"history", "--limit", "1"}).out.contains("  admin  Отмена: переименованы 2 элемента"));
+    QVERIFY(run({"history", "--limit", "1"})
+                .out.contains("  admin  Отменено переименование: 2 элемента меню: «Я», «Я»"));
     ORVO_REFUSED(run({"undo", number}), "Действие " + number + " уже отменено");
     const auto told = [&] {
         return run({"history"}).lines().filter(QRegularExpression('^' + number + ' ')).value(0);

@@ -418,7 +418,7 @@ private slots:
                  QString("Переименован элемент меню «г»: было «чужое»"));
         QTest::mouseClick(fixture.dialog()->findChild<QPushButton*>("revertOk"), Qt::LeftButton);
         QTRY_COMPARE(fixture.menu(), QString("а1(б(в)) г"));
-        QTRY_VERIFY(fixture.what(0).startsWith("Отмена: "));
+        QTRY_VERIFY(fixture.what(0).startsWith("Отменено переименование: "));
         // It shows as taken back, and is not offered again.
         const int row = fixture.all().indexOf("Переименован элемент меню «чужое»: было «г»");
         QTRY_VERIFY(fixture.model()->index(row, 0).data(Qt::FontRole).value<QFont>().strikeOut());

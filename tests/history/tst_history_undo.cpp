@@ -114,7 +114,7 @@ void TestHistoryUndo::fieldsGetTheirValuesBack() {
     QVERIFY(done.written);
     QCOMPARE(remarks(done), QStringList());
     QCOMPARE(snapshot(), before);
-    QCOMPARE(words(last(*m_anna)), QString("Отмена: переименован элемент меню «А»: было «Ю»"));
+    QCOMPARE(words(last(*m_anna)), QString("Отменено переименование: элемент меню «Ю», снова «А»"));
 }
 
 void TestHistoryUndo::fieldsThatOthersChangedSinceStay() {
@@ -156,7 +156,7 @@ void TestHistoryUndo::undoOfAnUndoIsRedo() {
     const int64_t redone = last(*m_anna);
     QVERIFY2(words(redone).startsWith("Повтор: "), qPrintable(words(redone)));
     ORVO_OK(undo(*m_anna, {redone}, {}, &done));
-    QVERIFY2(words(last(*m_anna)).startsWith("Отмена: "), qPrintable(words(last(*m_anna))));
+    QVERIFY2(words(last(*m_anna)).startsWith("Отменено "), qPrintable(words(last(*m_anna))));
     QCOMPARE(snapshot(), before);
     ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
     QCOMPARE(snapshot(), after);

@@ -25,6 +25,8 @@ private slots:
     void aLargeCutIsAMove();
     void aLargeMixtureIsCountedByTheFirst();
     void whatIsNotCountedYetSaysSo();
+    void anUndoTellsWhatWasTakenBack();
+    void anUndoOfALargeActionTellsWhatWasTakenBack();
     void occupyingIsToldAsSuch();
     void recordsThatAreGoneKeepTheirNames();
     void valuesUnfold();
@@ -144,7 +146,7 @@ void TestHistoryWords::movesTellFromWhereToWhere() {
              QString("Перемещён элемент меню «ГПА 1» из «Крановая обвязка» на верхний уровень "
                      "«Насосная»"));
     ORVO_OK(Batch("Menu").update("1", {{"parent", "k"}, {"FolderKey", "s"}}).send(*m_anna));
-    QCOMPARE(words(last(*m_anna)), QString("Перемещён элемент меню «ГПА 1» из верхнего уровня "
+    QCOMPARE(words(last(*m_anna)), QString("Перемещён элемент меню «ГПА 1» с верхнего уровня "
                                            "«Насосная» в «Крановая обвязка»"));
 }
 
@@ -271,7 +273,7 @@ void TestHistoryWords::aMoveAmongManyReorderedIsStillAMove() {
     moved.update("a", {{"parent", "b"}, {"order_", 5000}});
     ORVO_OK(moved.send(*m_anna));
     QCOMPARE(lineOf(last(*m_anna)),
-             QString("Перемещён элемент меню «А» из верхнего уровня в «Б» / переместить «А»"));
+             QString("Перемещён элемент меню «А» с верхнего уровня в «Б» / переместить «А»"));
 }
 
 void TestHistoryWords::aLargeCutIsAMove() {
@@ -323,6 +325,60 @@ void TestHistoryWords::whatIsNotCountedYetSaysSo() {
     QCOMPARE(describe(page[0], source).what, QString("Создан элемент меню «А» и ещё 2500 записей"));
 }
 
+void TestHistoryWords::anUndoTellsWhatWasTakenBack() {
+    ORVO_OK(
+        Batch("MenuFolder").insert("d", {{"caption", "КС-3"}, {"order_", "2000"}}).send(*m_anna));
+    ORVO_OK(Batch("Menu")
+                .insert("a", {{"FolderKey", "d"}, {"caption", "А"}})
+                .insert("b", {{"FolderKey", "d"}, {"caption", "Б"}})
+                .insert("c", {{"FolderKey", "d"}, {"caption", "В"}, {"parent", "a"}})
+                .send(*m_anna));
+    const auto takenBack = [&](const std::vector<int64_t>& groups) {
+        Inverse done;
+        const Status status = undo(*m_anna, groups, {}, &done);
+        return status.ok() ? words(last(*m_anna)) : QString::fromStdString(status.text);
+    };
+    ORVO_OK(Batch("Menu").remove("c").remove("a").send(*m_anna));
+    QCOMPARE(takenBack({last(*m_anna)}),
+             QString("Отменено удаление: элемент меню «А» со всем, что внутри (1 запись)"));
+    const int64_t undone = last(*m_anna);
+    QCOMPARE(takenBack({undone}),
+             QString("Повтор: удалён элемент меню «А» со всем, что внутри (1 запись)"));
+    QCOMPARE(takenBack({last(*m_anna)}),
+             QString("Отменено удаление: элемент меню «А» со всем, что внутри (1 запись)"));
+    ORVO_OK(Batch("Menu").insert("e", {{"FolderKey", "d"}, {"caption", "Новая"}}).send(*m_anna));
+    QCOMPARE(takenBack({last(*m_anna)}), QString("Отменено создание: элемент меню «Новая»"));
+    ORVO_OK(Batch("Menu").update("c", {{"parent", "b"}}).send(*m_anna));
+    QCOMPARE(takenBack({last(*m_anna)}),
+             QString("Отменено перемещение: элемент меню «В» из «А» в «Б»"));
+    ORVO_OK(Batch("Menu").update("a", {{"params", "x"}}).send(*m_anna));
+    const int64_t first = last(*m_anna);
+    ORVO_OK(Batch("Menu").update("b", {{"params", "x"}}).send(*m_anna));
+    QCOMPARE(takenBack({first, last(*m_anna)}),
+             QString("Отменено изменение: 2 элемента меню: «А», «Б» (2 действия)"));
+    ORVO_OK(Batch("Menu")
+                .update("a", {{"order_", 2000}})
+                .update("b", {{"order_", 1000}})
+                .send(*m_anna));
+    QCOMPARE(takenBack({last(*m_anna)}),
+             QString("Отменена перестановка: 2 элемента меню: «А», «Б»"));
+}
+
+void TestHistoryWords::anUndoOfALargeActionTellsWhatWasTakenBack() {
+    Batch many("Menu");
+    many.insert("top", {{"caption", "А"}});
+    for (int i = 0; i < 2500; ++i)
+        many.insert(qPrintable(QString("n%1").arg(i)), {{"parent", "top"}});
+    ORVO_OK(many.send(*m_anna));
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    Group group;
+    ORVO_OK(readForWords(*m_anna, last(*m_anna), &group));
+    LoggedRecords source(*m_anna);
+    QCOMPARE(describe(group, source).what,
+             QString("Отменено создание: элемент меню «А» и ещё 2500 записей"));
+}
+
 void TestHistoryWords::occupyingIsToldAsSuch() {
     ORVO_OK(
         Batch("Users").insert("u", {{"login_", "anna"}, {"lastName", "Иванова"}}).send(*m_anna));
@@ -341,7 +397,7 @@ void TestHistoryWords::recordsThatAreGoneKeepTheirNames() {
     const int64_t moved = last(*m_anna);
     ORVO_OK(Batch("Menu").remove("b").remove("a").send(*m_anna));
     QCOMPARE(words(changed), QString("Изменён элемент меню «Печи»"));
-    QVERIFY2(words(moved).endsWith("верхнего уровня в «Печи»"), qPrintable(words(moved)));
+    QVERIFY2(words(moved).endsWith(" с верхнего уровня в «Печи»"), qPrintable(words(moved)));
 }
 
 void TestHistoryWords::valuesUnfold() {
