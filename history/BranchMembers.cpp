@@ -31,8 +31,8 @@ store::Status BranchMembers::addBelow(store::MaintainedStore& store, Level level
                 keys[table].push_back(key);
         level.clear();
         for (const auto& [table, all] : keys)
-            for (const store::ParentField& child : store::childFields(*table)) {
-                const store::TableDef* below = store::findTable(child.table);
+            for (const store::ParentField& child : linksBelow(*table)) {
+                const store::TableDef* below = tableOf(child.table);
                 std::vector<std::pair<std::string, std::string>> found;
                 store::Status status =
                     store.keysNaming(*below, below->find(child.field), all, &found);
@@ -74,9 +74,10 @@ store::Status BranchMembers::follow(store::MaintainedStore& store,
         const LoggedChange read = logged(change);
         if (!read.table || change.code == OrvoEventDelete)
             continue; // what is stored no more is in nobody's way
-        const auto places = placesOf(read);
-        const bool inside = std::any_of(places.begin(), places.end(), [&](const auto& place) {
-            return isMember(place.first, place.second);
+        const auto links = linksAbove(*read.table);
+        const bool inside = std::any_of(links.begin(), links.end(), [&](const auto& link) {
+            const store::Value* above = valueIn(*read.table, read.after, link.field);
+            return above && isMember(store::findTable(link.table), store::textOf(*above));
         });
         if (inside) {
             joined.emplace_back(read.table, change.key);

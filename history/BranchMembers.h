@@ -18,7 +18,7 @@
 namespace orvo::history {
 
 /// A record and everything below it: elements below an element, a desktop's elements, what is in
-/// folders.
+/// folders, and the contents of forms and files.
 struct Branch {
     const store::TableDef* table = nullptr;
     std::string key;

@@ -2,6 +2,7 @@
 
 #include "frame/Vocabulary.h"
 #include "history/LoggedChange.h"
+#include "history/ResourceContents.h"
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/ChangeRecord.h"
 #include "platform/store/Merge.h"
@@ -182,11 +183,11 @@ void Reader::skip(std::set<int64_t> groups, int64_t from) {
         m_query.below = from;
 }
 
-/// The records of the branch as it is now.
+/// The records of the branch as it is now, or the changes of a row's contents.
 store::Status Reader::begin() {
     m_begun = true;
     if (!m_filter.branch)
-        return {};
+        return readContents();
     BranchMembers own(*m_filter.branch);
     BranchMembers& members = m_known != nullptr ? *m_known : own;
     store::Status status = members.update(m_store);
@@ -209,7 +210,7 @@ bool Reader::isInBranch(const store::Change& change) {
     const BranchMembers::Record record{change.table, store::foldedKey(change.key)};
     const auto standsIn = [&](const std::string& json) {
         const Values values = store::valuesFromJson(*table, json);
-        for (const store::ParentField& parent : store::parentFields(*table)) {
+        for (const store::ParentField& parent : linksAbove(*table)) {
             const auto found = values.find(table->find(parent.field));
             if (found != values.end() &&
                 isMember({parent.table, store::foldedKey(store::textOf(found->second))}))
@@ -237,6 +238,40 @@ bool Reader::passes(const store::Change& change) {
     return m_filter.text.isEmpty() || holdsText(change, m_filter.text);
 }
 
+store::Status Reader::readContents() {
+    m_contents.clear();
+    const bool mayHaveSome =
+        !m_filter.key.empty() && (m_filter.table.empty() || m_filter.table == table::MenuResource);
+    if (!mayHaveSome)
+        return {};
+    store::Status status = contentChanges(m_store, m_filter.key, m_filter.above, &m_contents);
+    m_contents.erase(std::remove_if(m_contents.begin(), m_contents.end(),
+                                    [&](const store::Change& change) {
+                                        return (m_filter.login &&
+                                                change.login != *m_filter.login) ||
+                                               (m_filter.since && change.time < *m_filter.since) ||
+                                               (m_filter.until && change.time >= *m_filter.until);
+                                    }),
+                     m_contents.end());
+    return status;
+}
+
+/// The next portion of what the database finds, with the changes of contents between.
+store::Status Reader::readPage(std::vector<store::Change>* changes, bool* atEnd) {
+    store::Status status = m_store.history(m_query, portion, changes);
+    *atEnd = changes->size() < static_cast<size_t>(portion);
+    if (!status.ok() || m_contents.empty())
+        return status;
+    const int64_t oldest = *atEnd ? 0 : changes->back().id;
+    std::copy_if(m_contents.begin(), m_contents.end(), std::back_inserter(*changes),
+                 [&](const store::Change& change) {
+                     return change.id > oldest && (m_query.below == 0 || change.id < m_query.below);
+                 });
+    std::sort(changes->begin(), changes->end(),
+              [](const store::Change& a, const store::Change& b) { return a.id > b.id; });
+    return status;
+}
+
 store::Status Reader::read(const std::function<bool()>& wantsMore,
                            const std::function<store::Status(store::Change& change)>& take) {
     store::Status status = m_begun ? store::Status() : begin();
@@ -244,8 +279,8 @@ store::Status Reader::read(const std::function<bool()>& wantsMore,
     QElapsedTimer time;
     time.start();
     while (status.ok() && !m_end && wantsMore() && time.elapsed() < longestMs) {
-        status = m_store.history(m_query, portion, &changes);
-        bool all = changes.size() < static_cast<size_t>(portion);
+        bool all = false;
+        status = readPage(&changes, &all);
         for (store::Change& change : changes) {
             if (!status.ok() || !wantsMore()) {
                 all = false;

@@ -41,8 +41,8 @@ struct Group {
 
 /// Which groups are wanted: those with a change that every given condition lets pass.
 struct Filter {
-    std::string table;                ///< of this table
-    std::string key;                  ///< of the record with this key
+    std::string table; ///< of this table
+    std::string key;   ///< of the record with this key; of a form or file its contents as well
     std::optional<std::string> login; ///< by this login; empty: by hand
     std::optional<double> since;      ///< made at that time or later
     std::optional<double> until;      ///< made before that time
@@ -79,6 +79,8 @@ private:
     bool passes(const store::Change& change);
     bool isInBranch(const store::Change& change);
     bool isMember(const BranchMembers::Record& record) const;
+    store::Status readContents();
+    store::Status readPage(std::vector<store::Change>* changes, bool* atEnd);
 
     store::MaintainedStore& m_store;
     const Filter m_filter;
@@ -91,6 +93,8 @@ private:
     /// reading has reached: whether that record was one.
     std::shared_ptr<const BranchMembers::Records> m_members;
     std::map<BranchMembers::Record, bool> m_differing;
+    /// If the filter's key is that of a form or file: those of its contents, the newest first.
+    std::vector<store::Change> m_contents;
 };
 
 /// The group with that id, with all its changes or the first `most` of them; without changes if the

@@ -11,6 +11,10 @@ std::string cell(std::string_view text) {
     return store::withoutControls(text, ' ');
 }
 
+std::string placeInBrackets(std::string_view place) {
+    return place.empty() ? std::string() : "  (" + cell(place) + ")";
+}
+
 void out(std::string_view line) {
     std::fwrite(line.data(), 1, line.size(), stdout);
     std::fputc('\n', stdout);

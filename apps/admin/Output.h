@@ -18,6 +18,9 @@ bool finishOutput();
 bool outputTaken();
 /// The text with control characters replaced by blanks: one cell of a line for people and scripts.
 std::string cell(std::string_view text);
+/// What follows the words for a record to say where it stands: "  (КС-3 / Агрегаты)"; nothing at
+/// the top.
+std::string placeInBrackets(std::string_view place);
 
 } // namespace orvo::admin
 

@@ -19,6 +19,7 @@ private slots:
     void badUndoIsRefused();
     void theNewestComesFirst();
     void filtersLeaveWhatIsAskedFor();
+    void theKeyOfAFileFindsItsContentsToo();
     void jsonIsAnObjectALine();
     void hostileFiltersAreData();
     void badFiltersAreRefused_data();
@@ -237,6 +238,26 @@ void TestAdminHistory::filtersLeaveWhatIsAskedFor() {
     QCOMPARE(count({"--since", moment.addDays(1).date().toString(Qt::ISODate)}), 0);
     QCOMPARE(count({"--until", moment.addDays(1).date().toString(Qt::ISODate)}), 6);
     QCOMPARE(count({"--until", moment.addSecs(2).toUTC().toString(Qt::ISODate)}), 6);
+}
+
+void TestAdminHistory::theKeyOfAFileFindsItsContentsToo() {
+    const QString folder = "Документы";
+    QVERIFY(m_kind.byHand("INSERT INTO \"MenuResourceFolder\" (\"KeyLink\", \"caption\", "
+                          "\"type_\") VALUES ('docs', 'Документы', 4);"));
+    for (const char* text : {"one", "another", "and the third"})
+        ORVO_DONE(run({"put", "file", m_admin->write("src/aaa.txt", text), "--path", folder}));
+    QByteArray key;
+    QVERIFY(m_kind.byHand("SELECT \"KeyLink\" FROM \"MenuResource\";", &key));
+    const QStringList lines = run({"history", "--key", QString::fromUtf8(key.trimmed())})
+                                  .lines()
+                                  .filter(QRegularExpression("^[0-9]"));
+    QCOMPARE(lines.size(), 3);
+    for (const QString& line : {lines[0], lines[1]})
+        QVERIFY2(line.endsWith("  Изменено содержимое файла «aaa.txt»  (Документы)"),
+                 qPrintable(line));
+    QVERIFY2(lines[2].endsWith("  Создан файл «aaa.txt»  (Документы)"), qPrintable(lines[2]));
+    QCOMPARE(run({"history", "--json", "--key", QString::fromUtf8(key.trimmed())}).lines().size(),
+             4);
 }
 
 void TestAdminHistory::jsonIsAnObjectALine() {

@@ -2,6 +2,7 @@
 // tells of each of them.
 #include "HistoryTest.h"
 
+#include "history/BackTo.h"
 #include "history/ReturnVersion.h"
 
 using namespace orvo::store;
@@ -31,6 +32,11 @@ private slots:
     void damagedBytesAreNotPutBack();
     void aFormThatAnotherHoldsIsLeftAlone();
     void whatWasReplacedMeanwhileStays();
+    void theHistoryOfAFormTellsOfItsContents();
+    void contentsThatAreGoneAreStillTold();
+    void aFormGoesBackToAPlaceWithItsContents();
+    void theHistoryOfAFolderTellsOfContents();
+    void aContentIsToldWithItsFolder();
 
 private:
     QString contents() const { return snapshot().filter("MenuResourceFile|").join('\n'); }
@@ -43,6 +49,25 @@ private:
     int64_t position() const {
         int64_t seen = 0;
         return m_anna->logPosition(&seen).ok() ? seen : 0;
+    }
+    /// The lines of what the filter lets pass, the newest first.
+    QStringList history(const Filter& filter) const {
+        QStringList lines;
+        Reader reader(*m_anna, filter);
+        std::vector<Group> groups;
+        while (!reader.atEnd())
+            if (const Status status = reader.next(1, &groups); !status.ok())
+                return {QString::fromStdString(status.text)};
+        LoggedRecords source(*m_anna);
+        for (const Group& group : groups)
+            lines << describe(group, source).what;
+        return lines;
+    }
+    static Filter row(const QString& key) {
+        Filter filter;
+        filter.table = "MenuResource";
+        filter.key = key.toStdString();
+        return filter;
     }
     QString form() const { return QString::fromStdString(version().resource); }
 };
@@ -102,6 +127,86 @@ void TestHistoryVersions::whatWasReplacedMeanwhileStays() {
     QCOMPARE(snapshot(), before);
     ORVO_OK(returnVersion(*m_anna, id, position(), {})); // looked at anew
     QVERIFY(contents().contains("first"));
+}
+
+void TestHistoryVersions::theHistoryOfAFormTellsOfItsContents() {
+    ORVO_OK(m_boris->formPut("", {{"", "a_", "third", 3.0}, {"", "a_.png", "more", 3.0}}));
+    ORVO_OK(m_anna->formPut("", {{"", "other_", "its own", 3.0}}));
+    Filter filter = row(form().toUpper());
+    const QStringList told = history(filter);
+    QCOMPARE(told.size(), 3);
+    QVERIFY2(told[0].contains("содержимое файла «a_"), qPrintable(told[0]));
+    QCOMPARE(told.mid(1), (QStringList{"Изменено содержимое файла «a_»", "Создана форма «a_»"}));
+    filter.table.clear(); // as the command asks for it
+    QCOMPARE(history(filter), told);
+    filter.login = "boris";
+    QCOMPARE(history(filter), told.mid(0, 1));
+    filter = row(form());
+    filter.above = last(*m_boris) - 1; // what is made while it is shown
+    QCOMPARE(history(filter), told.mid(0, 1));
+    std::vector<Change> changes;
+    Reader single(*m_anna, row(form()));
+    while (!single.atEnd())
+        ORVO_OK(single.nextChanges(1, &changes));
+    QCOMPARE(changes.size(), size_t(5)); // the form's, and those of two files
+    QVERIFY(std::is_sorted(changes.begin(), changes.end(),
+                           [](const Change& a, const Change& b) { return a.id > b.id; }));
+}
+
+/// Neither stored nor kept as versions: only the log knows them.
+void TestHistoryVersions::contentsThatAreGoneAreStillTold() {
+    const QString key = form();
+    ORVO_OK(m_anna->formDelete({"a_"}));
+    PrunedVersions pruned;
+    ORVO_OK(m_anna->pruneVersions(0, 0, false, &pruned));
+    QVERIFY(pruned.count > 0);
+    QCOMPARE(history(row(key)), (QStringList{"Удалена форма «a_»", "Изменено содержимое файла «a_»",
+                                             "Создана форма «a_»"}));
+}
+
+void TestHistoryVersions::aFormGoesBackToAPlaceWithItsContents() {
+    const int64_t second = last(*m_anna);
+    ORVO_OK(m_boris->formPut("", {{"", "a_", "third", 3.0}}));
+    const int64_t third = last(*m_boris);
+    ORVO_OK(m_anna->formPut("", {{"", "other_", "its own", 3.0}}));
+    std::vector<int64_t> groups;
+    ORVO_OK(collectBackTo(*m_anna, row(form()), second, &groups));
+    QCOMPARE(groups, (std::vector<int64_t>{third, second}));
+    Inverse done;
+    ORVO_OK(undo(*m_anna, groups, {}, &done));
+    QVERIFY(contents().contains("first"));
+    QVERIFY(contents().contains("its own"));
+}
+
+void TestHistoryVersions::theHistoryOfAFolderTellsOfContents() {
+    ORVO_OK(m_anna->filePut({{"Документы", "план.txt", "1", 1.0}}));
+    Filter filter;
+    filter.branch = Branch{findTable("MenuResourceFolder"), "forms"};
+    QCOMPARE(history(filter).value(0), QString("Изменено содержимое файла «a_»"));
+    QCOMPARE(history(filter).size(), 3);
+    BranchMembers members(*filter.branch);
+    ORVO_OK(members.update(*m_anna));
+    ORVO_OK(m_anna->formPut("", {{"", "new_", "new", 3.0}}));
+    ORVO_OK(members.update(*m_anna)); // follows the log
+    QCOMPARE(members.lookUps(), 1);
+    QCOMPARE(members.records()->size(), size_t(5));
+    ORVO_OK(m_anna->formDelete({"a_"}));
+    QCOMPARE(history(filter), (QStringList{"Удалена форма «a_»", "Создана форма «new_»",
+                                           "Изменено содержимое файла «a_»", "Создана форма «a_»",
+                                           "Созданы 2 папки ресурсов: «Формы», «Документы»"}));
+}
+
+void TestHistoryVersions::aContentIsToldWithItsFolder() {
+    ORVO_OK(Batch("MenuResourceFolder")
+                .insert("new", {{"type_", 3}, {"caption", "Новые"}, {"ParentKey", "forms"}})
+                .send(*m_anna));
+    ORVO_OK(m_anna->formPut("Новые", {{"", "b_", "first", 1.0}}));
+    ORVO_OK(m_anna->formPut("Новые", {{"", "b_", "second", 1.0}}));
+    Group group;
+    ORVO_OK(readGroup(*m_anna, last(*m_anna), &group));
+    LoggedRecords source(*m_anna);
+    QCOMPARE(describe(group, source).place, QString("Формы / Новые"));
+    QCOMPARE(placeOf(group.changes.front(), source), QString("Формы / Новые"));
 }
 
 int main(int argc, char** argv) {

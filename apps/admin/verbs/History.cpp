@@ -29,7 +29,9 @@ void historyOptions(OptionList& options) {
     };
     const QString forms = QString::fromUtf8(momentForms);
     add("table", QString::fromUtf8("Только эта таблица."), "ТАБЛИЦА");
-    add("key", QString::fromUtf8("Только запись с этим ключом."), "КЛЮЧ");
+    add("key",
+        QString::fromUtf8("Только запись с этим ключом; у формы и файла и замены содержимого."),
+        "КЛЮЧ");
     add("user", QString::fromUtf8("Только изменения этого входа; пусто - сделанные вручную."),
         "ВХОД");
     add("since", QString::fromUtf8("Не раньше: ") + forms, "КОГДА");
@@ -110,8 +112,7 @@ void print(const history::Group& group, bool isUndone, history::RecordSource& so
     const std::string time = shownMoment(group.time);
     out(std::to_string(group.id) + "  " + (time.empty() ? "?" : time) + "  " +
         (group.login.empty() ? "(вручную)" : cell(group.login)) + "  " + line(words.what) +
-        (isUndone ? " [отменено]" : "") +
-        (words.place.isEmpty() ? std::string() : "  (" + line(words.place) + ")"));
+        (isUndone ? " [отменено]" : "") + placeInBrackets(words.place.toStdString()));
     if (group.changes.size() == 1) {
         printFields(history::describe(group.changes.front(), source).fields, "    ");
         return;
