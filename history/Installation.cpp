@@ -5,7 +5,7 @@
 #include "platform/store/Merge.h"
 #include "platform/store/Names.h"
 
-#include <QStringList>
+#include <QString>
 
 #include <cstring>
 
@@ -107,14 +107,9 @@ std::vector<const store::TableDef*> allTables() {
 /// The records above a record: its parents, and the form or file of a content.
 std::vector<RecordKey> recordsAbove(const store::TableDef& table, const Values& values) {
     std::vector<RecordKey> found;
-    const auto add = [&](const char* target, const char* field) {
-        if (const std::string key = textAt(values, table.find(field)); store::isKey(key))
-            found.emplace_back(store::findTable(target), store::foldedKey(key));
-    };
-    for (const store::ParentField& parent : store::parentFields(table))
-        add(parent.table, parent.field);
-    if (&table == &store::contentTable())
-        add(table::MenuResource, field::MenuResourceKey);
+    for (const store::ParentField& above : linksAbove(table))
+        if (const std::string key = textAt(values, table.find(above.field)); store::isKey(key))
+            found.emplace_back(store::findTable(above.table), store::foldedKey(key));
     return found;
 }
 
@@ -136,26 +131,38 @@ std::vector<RecordKey> findPath(const Installation& installation, const std::str
             found.emplace_back(&table, store::foldedKey(path));
     if (!found.empty())
         return found;
-    const QStringList names = QString::fromStdString(path).split('/');
+    using Place = std::pair<RecordKey, QString>; // and what of the path leads below it
+    std::vector<Place> places;
+    const auto go = [](std::vector<Place>* to, const RecordKey& record, const QString& name,
+                       const QString& rest) {
+        if (name == rest)
+            to->emplace_back(record, QString());
+        else if (!name.isEmpty() && rest.startsWith(name + QLatin1Char('/'))) // names may hold "/"
+            to->emplace_back(record, rest.mid(name.size() + 1));
+    };
     const Children children = childrenIn(installation);
     for (const store::TableDef& table : store::tables())
         for (const auto& [key, values] : installation.records(table))
             if (store::parentFields(table).size() > 0 && recordsAbove(table, values).empty())
-                if (nameOf(table, values) == names.front())
-                    found.emplace_back(&table, key);
-    for (int i = 1; i < names.size(); ++i) {
-        std::vector<RecordKey> next;
-        for (const RecordKey& record : found)
+                go(&places, {&table, key}, nameOf(table, values), QString::fromStdString(path));
+    while (!places.empty()) {
+        std::vector<Place> next;
+        for (const auto& [record, rest] : places) {
+            if (rest.isEmpty()) {
+                found.push_back(record);
+                continue;
+            }
             if (const auto below = children.find(record); below != children.end())
                 for (const RecordKey& child : below->second) {
                     const Values& values = *installation.find(*child.first, child.second);
                     // Elements stand below their desktop and below another element.
                     const bool atTop = recordsAbove(*child.first, values).size() == 1 ||
                                        record.first == child.first;
-                    if (atTop && nameOf(*child.first, values) == names[i])
-                        next.push_back(child);
+                    if (atTop)
+                        go(&next, child, nameOf(*child.first, values), rest);
                 }
-        found = std::move(next);
+        }
+        places = std::move(next);
     }
     return found;
 }

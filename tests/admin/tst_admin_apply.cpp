@@ -13,6 +13,7 @@ private slots:
     void differencesAreToldInWords();
     void anExportIsAppliedAndTakenBack();
     void aPartIsAppliedAlone();
+    void aNameWithASlashLeadsToItsRecord();
     void whatAPartNeedsComesAlong();
     void aFormOfATakenNameIsLeftOut();
     void aFolderOfATakenNameIsLeftOutWithItsFiles();
@@ -57,9 +58,11 @@ void TestAdminApply::differencesAreToldInWords() {
                           "DELETE FROM \"Menu\" WHERE \"KeyLink\" = 'x';"));
     const AdminResult result = run({"diff", file});
     QCOMPARE(result.code, 1);
-    QVERIFY2(result.out.contains("Переименован элемент меню «А»: было «Я»"),
+    QVERIFY2(result.out.contains("Переименован элемент меню «А»: было «Я»  (Цех / Стол)\n"),
              qPrintable(result.out));
-    QVERIFY2(result.out.contains("Создан элемент меню «Икс»"), qPrintable(result.out));
+    QVERIFY2(result.out.contains("Создан элемент меню «Икс»  (Другой)\n"), qPrintable(result.out));
+    const AdminResult dry = run({"apply", file, "--dry-run"});
+    QVERIFY2(dry.out.contains("Создан элемент меню «Икс»  (Другой)\n"), qPrintable(dry.out));
 }
 
 void TestAdminApply::anExportIsAppliedAndTakenBack() {
@@ -99,6 +102,18 @@ void TestAdminApply::aPartIsAppliedAlone() {
     ORVO_DONE(run({"apply", file, "--only", "X"})); // by its key
     QVERIFY(m_kind.byHand(captions, &text));
     QCOMPARE(text.trimmed(), QByteArray("a|А\nb|Б\nx|Икс"));
+}
+
+void TestAdminApply::aNameWithASlashLeadsToItsRecord() {
+    plant();
+    QVERIFY(m_kind.byHand("UPDATE \"MenuFolder\" SET \"caption\" = 'КС-3 / 4' WHERE "
+                          "\"KeyLink\" = 'd'; UPDATE \"Menu\" SET \"caption\" = 'А/Б' WHERE "
+                          "\"KeyLink\" = 'b';"));
+    const QString file = exported();
+    const QByteArray before = content();
+    QVERIFY(m_kind.byHand("DELETE FROM \"Menu\" WHERE \"KeyLink\" = 'b';"));
+    ORVO_DONE(run({"apply", file, "--only", "Цех/КС-3 / 4/А/А/Б"}));
+    QCOMPARE(content(), before);
 }
 
 void TestAdminApply::whatAPartNeedsComesAlong() {
@@ -183,6 +198,7 @@ void TestAdminApply::badArgumentsAreRefused() {
     const QString file = exported();
     ORVO_REFUSED(run({"apply", m_admin->write("x", "no export")}), "не выгрузка");
     ORVO_REFUSED(run({"apply", file, "--only", "Нет"}), "--only «Нет»: такого нет");
+    ORVO_REFUSED(run({"apply", file, "--only", "Нет"}), "можно назвать и ключом");
     QVERIFY(m_kind.byHand("INSERT INTO \"MenuFolder\" (\"KeyLink\", \"caption\") VALUES ('g', "
                           "'Цех');"));
     ORVO_REFUSED(run({"apply", exported("two.json"), "--only", "Цех"}), "назовите по ключу: ");

@@ -20,6 +20,7 @@ private slots:
     void theNewestComesFirst();
     void filtersLeaveWhatIsAskedFor();
     void theKeyOfAFileFindsItsContentsToo();
+    void aDryRunTellsWhereItsRecordsStand();
     void jsonIsAnObjectALine();
     void hostileFiltersAreData();
     void badFiltersAreRefused_data();
@@ -258,6 +259,18 @@ void TestAdminHistory::theKeyOfAFileFindsItsContentsToo() {
     QVERIFY2(lines[2].endsWith("  Создан файл «aaa.txt»  (Документы)"), qPrintable(lines[2]));
     QCOMPARE(run({"history", "--json", "--key", QString::fromUtf8(key.trimmed())}).lines().size(),
              4);
+}
+
+void TestAdminHistory::aDryRunTellsWhereItsRecordsStand() {
+    QVERIFY(m_kind.byHand(
+        "INSERT INTO \"MenuFolder\" (\"KeyLink\", \"caption\") VALUES ('d', 'Стол');"
+        "INSERT INTO \"Menu\" (\"KeyLink\", \"caption\", \"FolderKey\", \"parent\") VALUES "
+        "('a', 'А', 'd', NULL), ('b', 'Б', 'd', 'a');"));
+    QTest::qWait(5); // another statement
+    QVERIFY(m_kind.byHand("DELETE FROM \"Menu\" WHERE \"KeyLink\" = 'b';"));
+    const QString number = run({"history", "--limit", "1"}).out.section(' ', 0, 0);
+    const AdminResult dry = run({"undo", number, "--dry-run"});
+    QCOMPARE(dry.lines().value(0), QString("  Создан элемент меню «Б»  (Стол / А)"));
 }
 
 void TestAdminHistory::jsonIsAnObjectALine() {

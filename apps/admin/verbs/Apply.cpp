@@ -111,7 +111,8 @@ std::unique_ptr<store::MaintainedStore> openStore(const std::string& place) {
 void print(const history::Difference& difference, history::RecordSource& source) {
     for (const store::Change& change : difference.changes) {
         const history::ChangeWords words = history::describe(change, source);
-        out(cell(words.what.toStdString()));
+        out(cell(words.what.toStdString()) +
+            placeInBrackets(history::placeOf(change, source).toStdString()));
         if (change.before == "{}" || change.after == "{}")
             continue;
         for (const history::FieldWords& field : words.fields)
@@ -172,7 +173,9 @@ history::RecordKey readPath(const std::string& path, const history::Installation
     if (found.empty()) // what the export has no more
         found = history::findPath(living, path);
     if (found.empty())
-        throw Failure(option + ": такого нет ни в выгрузке, ни в хранилище");
+        throw Failure(option +
+                      ": такого нет ни в выгрузке, ни в хранилище; запись можно назвать и ключом "
+                      "(его показывает history --json)");
     if (found.size() > 1)
         throw Failure(option + ": таких " + std::to_string(found.size()) + ", назовите по ключу: " +
                       found[0].second + ", " + found[1].second + (found.size() > 2 ? ", ..." : ""));

@@ -78,8 +78,11 @@ int run(const Invocation& call) {
             what);
     history::LoggedRecords source(*store);
     constexpr size_t mostShown = 50;
-    for (size_t i = 0; i < std::min(inverse.preview.size(), mostShown); ++i)
-        out("  " + cell(history::describe(inverse.preview[i], source).what.toStdString()));
+    for (size_t i = 0; i < std::min(inverse.preview.size(), mostShown); ++i) {
+        const store::Change& change = inverse.preview[i];
+        out("  " + cell(history::describe(change, source).what.toStdString()) +
+            placeInBrackets(history::placeOf(change, source).toStdString()));
+    }
     if (inverse.count > mostShown)
         out("  ... и ещё " + std::to_string(inverse.count - std::min(inverse.count, mostShown)));
     std::string remarks;
