@@ -1,10 +1,13 @@
 #include "apps/client/StatusLine.h"
 
+#include "apps/client/ElidedLabel.h"
 #include "apps/client/Look.h"
 #include "frame/Contrast.h"
 
 #include <QEvent>
+#include <QHash>
 #include <QLabel>
+#include <QLayout>
 #include <QLocale>
 #include <QTime>
 #include <QToolButton>
@@ -15,15 +18,8 @@ namespace orvo::app {
 
 namespace {
 
-constexpr int narrowest = 200;
+constexpr int leastTold = 200; ///< of what went wrong or was done
 constexpr int doneMs = 8000;
-
-QLabel* makeLabel(const QString& text, QWidget* parent) {
-    auto* label = new QLabel(text, parent);
-    label->setTextFormat(Qt::PlainText);
-    label->setContentsMargins(4, 2, 10, 2);
-    return label;
-}
 
 /// "1 правка ждёт", "3 правки ждут", "5 правок ждут"
 QString heldText(int changes) {
@@ -35,27 +31,39 @@ QString heldText(int changes) {
     return (few ? QStringLiteral("%1 правки ждут") : QStringLiteral("%1 правок ждут")).arg(changes);
 }
 
+/// Of a layout in a layout, only the outer one learns by itself that a size has changed.
+void invalidate(QLayoutItem& item) {
+    if (const QLayout* inner = item.layout())
+        for (int i = 0; i < inner->count(); ++i)
+            invalidate(*inner->itemAt(i));
+    item.invalidate();
+}
+
 } // namespace
 
 StatusLine::StatusLine(const QString& store, const QString& login, QWidget* parent)
     : QStatusBar(parent)
     , m_light(new QLabel(this))
-    , m_connection(makeLabel({}, this))
-    , m_storeLabel(makeLabel(QStringLiteral("Хранилище: %1").arg(store), this))
-    , m_userLabel(makeLabel(QStringLiteral("Пользователь: %1").arg(login), this))
-    , m_busy(makeLabel({}, this))
-    , m_copying(makeLabel({}, this))
-    , m_held(makeLabel({}, this))
-    , m_others(makeLabel({}, this))
-    , m_readOnly(makeLabel(QStringLiteral("Только просмотр"), this))
+    , m_connection(new ElidedLabel({}, Qt::ElideMiddle, this))
+    , m_storeLabel(
+          new ElidedLabel(QStringLiteral("Хранилище: %1").arg(store), Qt::ElideMiddle, this))
+    , m_userLabel(
+          new ElidedLabel(QStringLiteral("Пользователь: %1").arg(login), Qt::ElideMiddle, this))
+    , m_busy(new ElidedLabel({}, Qt::ElideRight, this))
+    , m_copying(new ElidedLabel({}, Qt::ElideMiddle, this))
+    , m_held(new ElidedLabel({}, Qt::ElideRight, this))
+    , m_others(new ElidedLabel({}, Qt::ElideMiddle, this))
+    , m_readOnly(new ElidedLabel(QStringLiteral("Только просмотр"), Qt::ElideRight, this))
     , m_problems(new QToolButton(this))
-    , m_done(makeLabel({}, this))
+    , m_done(new ElidedLabel({}, Qt::ElideRight, this))
     , m_failure(new QToolButton(this))
     , m_store(store) {
     m_light->setFixedSize(10, 10);
     m_light->setAccessibleName(QStringLiteral("Связь с хранилищем"));
     m_storeLabel->setObjectName(QStringLiteral("storeLabel"));
+    m_storeLabel->setToolTip(plainToolTip(m_storeLabel->text()));
     m_userLabel->setObjectName(QStringLiteral("userLabel"));
+    m_userLabel->setToolTip(plainToolTip(m_userLabel->text()));
     m_connection->setObjectName(QStringLiteral("connectionLabel"));
     setContentsMargins(8, 0, 4, 0);
     addWidget(m_light);
@@ -77,7 +85,6 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
     connect(m_problems, &QToolButton::clicked, this, &StatusLine::problemsRequested);
     m_copying->setObjectName(QStringLiteral("copyingLabel"));
     m_busy->setObjectName(QStringLiteral("busyLabel"));
-    m_busy->setMinimumWidth(1); // it is gone soon and is to hold no window wide
     addWidget(m_busy);
     m_busy->hide();
     addWidget(m_copying);
@@ -86,16 +93,18 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
     addWidget(m_held);
     m_held->hide();
     m_done->setObjectName(QStringLiteral("doneLabel"));
-    m_done->setMinimumWidth(1); // its text never makes the window wider
-    addWidget(m_done, 1);
+    addWidget(m_done);
     m_done->hide();
     m_doneTime.setSingleShot(true);
     m_doneTime.setInterval(doneMs);
-    connect(&m_doneTime, &QTimer::timeout, m_done, &QLabel::hide);
+    connect(&m_doneTime, &QTimer::timeout, this, [this] {
+        m_done->hide();
+        share();
+    });
 
     m_failure->setObjectName(QStringLiteral("failureButton"));
     m_failure->setCursor(Qt::PointingHandCursor);
-    m_failure->setMinimumWidth(narrowest); // its text never makes the window wider
+    m_failure->setMinimumWidth(leastTold); // its text never makes the window wider
     m_failure->hide();
     addPermanentWidget(m_failure);
     connect(m_failure, &QToolButton::clicked, this, &StatusLine::acknowledge);
@@ -110,7 +119,7 @@ void StatusLine::setProblems(size_t errors, size_t warnings) {
     m_hasErrors = errors > 0;
     colour();
     m_problems->setVisible(errors + warnings > 0);
-    fitFailure();
+    share();
 }
 
 QString StatusLine::problems() const {
@@ -128,7 +137,7 @@ void StatusLine::setConnected(bool up, const QString& reason) {
     colour();
     m_storeLabel->setVisible(up); // the other label names it then
     m_connection->setToolTip(plainToolTip(reason));
-    fitFailure();
+    share();
 }
 
 void StatusLine::colour() {
@@ -165,8 +174,9 @@ QString StatusLine::connection() const {
 
 void StatusLine::setBusy(const QString& text) {
     m_busy->setText(text);
+    m_busy->setToolTip(plainToolTip(text));
     m_busy->setVisible(!text.isEmpty());
-    fitFailure();
+    share();
 }
 
 void StatusLine::setCopying(int done, int all) {
@@ -174,14 +184,14 @@ void StatusLine::setCopying(int done, int all) {
     m_copying->setText(QStringLiteral("Копирование файлов: %1 из %2")
                            .arg(numbers.toString(done), numbers.toString(all)));
     m_copying->setVisible(all > 0);
-    fitFailure();
+    share();
 }
 
 void StatusLine::setHeld(int changes, const QString& why) {
     m_held->setText(changes > 0 ? heldText(changes) : QString());
     m_held->setToolTip(plainToolTip(why));
     m_held->setVisible(changes > 0);
-    fitFailure();
+    share();
 }
 
 QString StatusLine::held() const {
@@ -192,7 +202,7 @@ void StatusLine::setOthers(const QString& names, const QString& details) {
     m_others->setText(names.isEmpty() ? QString() : QStringLiteral("Ещё здесь: %1").arg(names));
     m_others->setToolTip(plainToolTip(details));
     m_others->setVisible(!names.isEmpty());
-    fitFailure();
+    share();
 }
 
 QString StatusLine::others() const {
@@ -202,7 +212,7 @@ QString StatusLine::others() const {
 void StatusLine::setReadOnly(const QString& why) {
     m_readOnly->setToolTip(plainToolTip(why));
     m_readOnly->setVisible(!why.isEmpty());
-    fitFailure();
+    share();
 }
 
 void StatusLine::setDone(const QString& text) {
@@ -210,38 +220,86 @@ void StatusLine::setDone(const QString& text) {
     m_done->setToolTip(plainToolTip(clipped(text)));
     m_done->show();
     m_doneTime.start();
+    share();
 }
 
 void StatusLine::setFailure(const QString& text) {
     ++m_count;
     m_text = clipped(text.simplified());
     m_newest = text;
-    fitFailure();
     m_failure->setToolTip(plainToolTip(
         QTime::currentTime().toString(QStringLiteral("HH:mm:ss")) + QStringLiteral("  ") + text,
         QStringLiteral("Щёлкните, чтобы убрать. Все сообщения — в журнале.")));
     m_failure->show();
+    share();
 }
 
-/// As much of the text as there is room for beside what stands on the left.
-void StatusLine::fitFailure() {
-    constexpr int margins = 140; // of the bar, the button and the size grip
-    int taken = margins;
-    for (const QWidget* one :
-         std::initializer_list<const QWidget*>{m_connection, m_storeLabel, m_userLabel, m_readOnly,
-                                               m_others, m_problems, m_busy, m_copying, m_held})
-        taken += one->isHidden() ? 0 : one->sizeHint().width();
+QString StatusLine::failureText(int room) const {
     const QString count = m_count > 1 ? QStringLiteral(" (всего %1)").arg(m_count) : QString();
     const QFontMetrics metrics = m_failure->fontMetrics();
-    const int room = std::max(narrowest, width() - taken - metrics.horizontalAdvance(count));
-    m_failure->setText(metrics.elidedText(m_text, Qt::ElideRight, room)
-                           .replace(QLatin1Char('&'), QLatin1String("&&")) +
-                       count);
+    const QString text = room < 0 ? m_text
+                                  : metrics.elidedText(m_text, Qt::ElideRight,
+                                                       room - metrics.horizontalAdvance(count));
+    return QString(text).replace(QLatin1Char('&'), QLatin1String("&&")) + count;
+}
+
+/// What names things gives way before what tells of events; each is left something.
+void StatusLine::share() {
+    constexpr int much = 420;
+    const struct {
+        QWidget* part;
+        int least;
+    } steps[] = {{m_failure, much},
+                 {m_done, much},
+                 {m_storeLabel, 240},
+                 {m_others, 140},
+                 {m_userLabel, 140},
+                 {m_storeLabel, 90},
+                 {m_connection, m_isUp ? 1 : 200}, // the light tells it, too
+                 {m_busy, 140},
+                 {m_copying, 140},
+                 {m_failure, leastTold},
+                 {m_done, leastTold},
+                 {m_others, 60},
+                 {m_userLabel, 60},
+                 {m_storeLabel, 60},
+                 {m_readOnly, 50},
+                 {m_held, 50},
+                 {m_connection, 60},
+                 {m_busy, 50},
+                 {m_copying, 50}};
+    const std::initializer_list<ElidedLabel*> labels = {m_connection, m_storeLabel, m_userLabel,
+                                                        m_readOnly,   m_others,     m_busy,
+                                                        m_copying,    m_held,       m_done};
+    for (ElidedLabel* label : labels)
+        label->setRoom(-1);
+    m_failure->setText(failureText(-1));
+    invalidate(*layout());
+    int excess = layout()->totalSizeHint().width() - width();
+    QHash<QWidget*, int> room;
+    for (const auto& [part, least] : steps) {
+        if (excess <= 0)
+            break;
+        if (part->isHidden())
+            continue;
+        const int now = room.value(part, part->sizeHint().width());
+        const int given = std::max(0, std::min(excess, now - least));
+        room[part] = now - given;
+        excess -= given;
+    }
+    for (ElidedLabel* label : labels)
+        label->setRoom(room.value(label, -1));
+    if (!room.contains(m_failure))
+        return;
+    const int frame =
+        m_failure->sizeHint().width() -
+        m_failure->fontMetrics().size(Qt::TextShowMnemonic, m_failure->text()).width();
+    m_failure->setText(failureText(room[m_failure] - frame));
 }
 
 void StatusLine::resizeEvent(QResizeEvent* event) {
     QStatusBar::resizeEvent(event);
-    fitFailure();
+    share();
 }
 
 void StatusLine::acknowledge() {
@@ -252,6 +310,7 @@ void StatusLine::acknowledge() {
     m_failure->hide();
     m_text.clear();
     m_count = 0;
+    share();
 }
 
 void StatusLine::showWhole(const QString& text) {

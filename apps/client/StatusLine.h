@@ -1,4 +1,7 @@
 // StatusLine.h: the status bar: connection, store, user, and the last failure until it is seen.
+//
+// It holds no window wide. Where the room ends, names become shorter (the store's path first); how
+// much is wrong, what failed and what was done are told in any case.
 #ifndef ORVO_APPS_CLIENT_STATUSLINE_H
 #define ORVO_APPS_CLIENT_STATUSLINE_H
 
@@ -10,6 +13,8 @@ class QLabel;
 class QToolButton;
 
 namespace orvo::app {
+
+class ElidedLabel;
 
 class StatusLine : public QStatusBar {
     Q_OBJECT
@@ -55,7 +60,10 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
-    void fitFailure();
+    /// Divides the room among the texts; after each change of one.
+    void share();
+    /// The failure on show and how many there are, as much of it as `room` has; below 0: all of it.
+    QString failureText(int room) const;
     /// Sets the colours that have a meaning, as suits the palette.
     void colour();
     void acknowledge();
@@ -63,16 +71,16 @@ private:
     void showWhole(const QString& text);
 
     QLabel* m_light; // these: children of the bar
-    QLabel* m_connection;
-    QLabel* m_storeLabel;
-    QLabel* m_userLabel;
-    QLabel* m_busy;
-    QLabel* m_copying;
-    QLabel* m_held;
-    QLabel* m_others;
-    QLabel* m_readOnly;
+    ElidedLabel* m_connection;
+    ElidedLabel* m_storeLabel;
+    ElidedLabel* m_userLabel;
+    ElidedLabel* m_busy;
+    ElidedLabel* m_copying;
+    ElidedLabel* m_held;
+    ElidedLabel* m_others;
+    ElidedLabel* m_readOnly;
     QToolButton* m_problems;
-    QLabel* m_done;
+    ElidedLabel* m_done;
     QToolButton* m_failure;
     QPointer<QLabel> m_whole; ///< child of the window, made when first needed
     QTimer m_doneTime;

@@ -111,6 +111,43 @@ private slots:
         QVERIFY(!whole()->isVisible());
     }
 
+    void aNarrowStatusLineShortensNamesAndTellsWhatHappened() {
+        MainWindow window("/srv/dispatcher/installations/compressor-stations/orvo.db", "ivanov");
+        StatusLine& line = *window.statusLine();
+        window.resize(1100, 600);
+        window.show();
+        const auto part = [&](const char* name) { return window.findChild<QWidget*>(name); };
+        const int storeAlone = 400;
+        QTRY_VERIFY(part("storeLabel")->width() > storeAlone);
+        line.setOthers("Ковалёва Мария Петровна, Сидоров Иван Никодимович", "Ковалёва: правит");
+        line.setProblems(2, 14);
+        line.setFailure("Не записано: " + QString("нет места ").repeated(30));
+        line.setDone("Исправлено: 12. Отменить исправления можно Ctrl+Z.");
+        QTRY_VERIFY(part("storeLabel")->width() < storeAlone);
+        QTRY_VERIFY(part("doneLabel")->width() >= 200);
+        QCOMPARE(window.width(), 1100);
+        QVERIFY(window.minimumSizeHint().width() < 1000);
+        for (const char* name : {"problemsButton", "failureButton"})
+            QTRY_VERIFY2(part(name)->width() >= part(name)->sizeHint().width(), name);
+        QTRY_VERIFY(part("failureButton")->width() >= 200);
+        int right = 0;
+        for (const char* name : {"storeLabel", "userLabel", "othersLabel", "problemsButton",
+                                 "doneLabel", "failureButton"}) {
+            QTRY_VERIFY2(part(name)->width() >= 40, name);
+            QVERIFY2(part(name)->x() >= right, name);
+            right = part(name)->geometry().right();
+            QVERIFY2(right < line.width(), name);
+        }
+        // The whole of it can be read.
+        QVERIFY(part("storeLabel")->toolTip().contains("compressor-stations"));
+        QVERIFY(window.findChild<QLabel*>("storeLabel")->text().contains("compressor-stations"));
+        // Room comes back with what is seen.
+        window.findChild<QToolButton*>("failureButton")->click();
+        line.setOthers({}, {});
+        window.resize(2400, 600);
+        QTRY_VERIFY(part("storeLabel")->width() > storeAlone);
+    }
+
     void theStatusLineShowsStoreUserAndConnection() {
         StatusLine line("/tmp/<x>.db", "ivanov");
         QVERIFY(line.findChild<QLabel*>("storeLabel")->text().contains("/tmp/<x>.db"));
