@@ -77,7 +77,8 @@ private:
     void openModule(const QString& name);
     void rememberModules();
     /// `must`: an answer that keeps them open only puts it off.
-    void reopenModules(const QString& why, bool must);
+    /// `title`: of the question about what is not saved; empty: as the menu names it.
+    void reopenModules(const QString& why, bool must, const QString& title = {});
     void reopenNow(const QString& why);
     void reopenWhenClean(const QString& why);
     void addOpenEdits();

@@ -102,18 +102,20 @@ void Client::openFurther(const QStringList& modules) {
         m_window->tabs()->setCurrentModule(modules.first());
 }
 
-void Client::reopenModules(const QString& why, bool must) {
+void Client::reopenModules(const QString& why, bool must, const QString& title) {
     if (!m_pump)
         return;
     // Not while a slot of a module waits in a dialog or a menu.
     if (!m_pump->mayDeliver()) {
-        QTimer::singleShot(100, this, [this, why, must] { reopenModules(why, must); });
+        QTimer::singleShot(100, this,
+                           [this, why, must, title] { reopenModules(why, must, title); });
         return;
     }
     CloseGuard::Answers answers{[this, why] { reopenNow(why); }, {}};
     if (must)
         answers.stay = [this, why] { reopenWhenClean(why); };
-    if (m_guard->mayGo(m_window.get(), QStringLiteral("Открыть модули заново"), answers))
+    if (m_guard->mayGo(m_window.get(),
+                       title.isEmpty() ? QStringLiteral("Открыть модули заново") : title, answers))
         reopenNow(why);
 }
 

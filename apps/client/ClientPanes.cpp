@@ -94,8 +94,13 @@ void Client::makeProblems() {
         else
             m_window->statusLine()->setDone(text);
     });
-    connect(m_problems.get(), &ProblemsFeed::reopenNeeded, m_window.get(),
-            &MainWindow::reopenRequested, Qt::QueuedConnection);
+    connect(
+        m_problems.get(), &ProblemsFeed::reopenNeeded, this,
+        [this] {
+            reopenModules(QStringLiteral("Модули открыты заново: показано исправленное."), false,
+                          QStringLiteral("Чтобы показать исправленное, модули откроются заново"));
+        },
+        Qt::QueuedConnection);
     connect(m_window->statusLine(), &StatusLine::problemsRequested, dock,
             [this, dock] { m_window->bringUp(dock); });
     connect(m_problemsPane, &ProblemsPane::showRequested, &m_history->jump(), &RecordJump::show);

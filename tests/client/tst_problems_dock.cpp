@@ -4,6 +4,8 @@
 
 #include <QAbstractItemModelTester>
 #include <QComboBox>
+#include <QDockWidget>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QRandomGenerator>
 #include <QToolButton>
@@ -152,6 +154,58 @@ private slots:
         QTest::keyClick(fixture.pane()->view(), Qt::Key_Space); // selects
         QTRY_VERIFY(fixture.child<QPushButton>("problemsCure")->isEnabled());
         fixture.child<QPushButton>("problemsCure")->click();
+        SOON(RunningClient::below(*fixture.view("tvDesck")->model(), {}).contains("КС-9"));
+        QVERIFY(fixture.pane()->view()->currentIndex().isValid()); // its place is kept
+    }
+
+    void afterACureTheNextRowIsChosen() {
+        ProblemsFixture fixture;
+        fixture.fillWithMissingIcons(4);
+        fixture.open();
+        SOON(fixture.isKnown());
+        QTreeView* view = fixture.pane()->view();
+        const auto chosen = [&] {
+            QStringList rows;
+            for (const QModelIndex& row : view->selectionModel()->selectedRows())
+                rows << row.data().toString();
+            return rows.join(',') + '|' + view->currentIndex().data().toString();
+        };
+        const auto only = [](int number) {
+            const QString row = QString("элемент меню «Насос %1»").arg(number);
+            return row + '|' + row;
+        };
+        SOON(fixture.choose("Насос 1"));
+        view->setFocus();
+        QTest::keyClick(view, Qt::Key_Return, Qt::ControlModifier);
+        SOON(chosen() == only(2));
+        QTRY_VERIFY(fixture.child<QPushButton>("problemsCure")->isEnabled());
+        QTest::keyClick(view, Qt::Key_Return, Qt::ControlModifier);
+        SOON(chosen() == only(3));
+        // What another puts right moves the place, and chooses nothing for the key.
+        QVERIFY(fixture.host.byHand(R"(update "Menu" set "ico" = null where "KeyLink" = 'p3')"));
+        SOON(!fixture.choose("Насос 3") && chosen().startsWith('|'));
+        QVERIFY(view->currentIndex().isValid());
+        QVERIFY(!fixture.child<QPushButton>("problemsCure")->isEnabled());
+    }
+
+    void theQuestionBeforeTheModulesOpenSaysThatACureNeedsIt() {
+        ProblemsFixture fixture;
+        fixture.otherWrites(
+            MDX_INSERT,
+            {{"KeyLink", "lost"}, {"caption", "КС-9"}, {"order_", "2000"}, {"ParentKey", "gone"}},
+            "MenuFolder");
+        fixture.open();
+        SOON(fixture.isKnown());
+        SOON(fixture.choose("«КС-9»"));
+        fixture.child<QAction>("actChangeDescktopOrFolder")->trigger();
+        QVERIFY(!fixture.module("Menu")->ModEditText().isEmpty());
+        QTRY_VERIFY(fixture.child<QPushButton>("problemsCure")->isEnabled());
+        fixture.child<QPushButton>("problemsCure")->click();
+        QTRY_VERIFY_WITH_TIMEOUT(fixture.child<QMessageBox>("closeQuestion"), 20000);
+        auto* question = fixture.child<QMessageBox>("closeQuestion");
+        QVERIFY2(question->windowTitle().contains("исправленное"),
+                 qPrintable(question->windowTitle()));
+        question->findChild<QPushButton*>("closeDrop")->click();
         SOON(RunningClient::below(*fixture.view("tvDesck")->model(), {}).contains("КС-9"));
     }
 

@@ -14,6 +14,8 @@
 #include <QTreeView>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace orvo::app {
 
 ProblemsPane::ProblemsPane(ProblemsFeed& feed, bool mayWrite, QWidget* parent)
@@ -43,7 +45,12 @@ ProblemsPane::ProblemsPane(ProblemsFeed& feed, bool mayWrite, QWidget* parent)
 void ProblemsPane::makeView() {
     m_view->setObjectName(QStringLiteral("problemsTree"));
     m_view->setAccessibleName(QStringLiteral("Проблемы"));
+    // Before the view hears of it: it would take the row above.
+    connect(&m_feed.model(), &QAbstractItemModel::rowsAboutToBeRemoved, this,
+            &ProblemsPane::aboutToRemove);
     m_view->setModel(&m_feed.model());
+    connect(&m_feed.model(), &QAbstractItemModel::rowsRemoved, this, &ProblemsPane::removed);
+    connect(&m_feed, &ProblemsFeed::countChanged, this, &ProblemsPane::goOn);
     m_view->setRootIsDecorated(false);
     m_view->setUniformRowHeights(true);
     m_view->setAlternatingRowColors(true);
@@ -125,16 +132,11 @@ const ProblemRow* ProblemsPane::rowAt(const QModelIndex& index) const {
     return index.isValid() ? &m_feed.model().row(index.row()) : nullptr;
 }
 
-/// The rows that are selected, or the one with the focus, until `take` gives false. A list of their
-/// indexes would take its time when it is ten thousand.
+/// The rows that are selected, until `take` gives false. A list of their indexes would take its
+/// time when it is ten thousand.
 template <class Take>
 void ProblemsPane::forEachChosen(const Take& take) const {
     const QItemSelection selection = m_view->selectionModel()->selection();
-    const ProblemRow* current = rowAt(m_view->currentIndex());
-    if (selection.isEmpty() && current) {
-        take(*current);
-        return;
-    }
     for (const QItemSelectionRange& range : selection)
         for (int row = range.top(); row <= range.bottom(); ++row)
             if (!take(m_feed.model().row(row)))
@@ -152,8 +154,21 @@ bool ProblemsPane::isAnyCurable() const {
 
 /// A reset takes the selection away, and what others do is no reason for that.
 void ProblemsPane::remember() {
+    const int count = m_feed.model().rowCount();
+    if (count == 0) // between two looks at everything
+        return;
+    const QItemSelectionModel* selected = m_view->selectionModel();
     const ProblemRow* current = rowAt(m_view->currentIndex());
     m_current = current ? current->finding : checks::Finding();
+    m_isSelected = selected->isSelected(m_view->currentIndex());
+    m_next = {};
+    constexpr int farthest = 1000;
+    for (const int by : {1, -1})
+        for (int row = m_view->currentIndex().row() + by, looked = 0;
+             current && !m_next.table && row >= 0 && row < count && looked < farthest;
+             row += by, ++looked)
+            if (!selected->isRowSelected(row, {}))
+                m_next = m_feed.model().row(row).finding;
     for (const QItemSelectionRange& range : m_view->selectionModel()->selection())
         m_feed.model().mark(range.top(), range.bottom());
 }
@@ -174,10 +189,48 @@ void ProblemsPane::restore() {
     model.unmarkAll();
     QItemSelectionModel* selected = m_view->selectionModel();
     selected->select(selection, QItemSelectionModel::ClearAndSelect);
-    if (m_current.table)
-        selected->setCurrentIndex(model.index(model.rowOf(m_current), 0),
-                                  QItemSelectionModel::NoUpdate);
+    if (m_current.table) {
+        int row = model.rowOf(m_current);
+        const bool isGone = row < 0;
+        if (isGone && m_next.table)
+            row = model.rowOf(m_next);
+        const bool selects = selection.isEmpty() && m_isSelected && (!isGone || isCured(m_current));
+        selected->setCurrentIndex(model.index(row, 0), selects
+                                                           ? QItemSelectionModel::ClearAndSelect |
+                                                                 QItemSelectionModel::Rows
+                                                           : QItemSelectionModel::NoUpdate);
+    }
     updateActions();
+}
+
+bool ProblemsPane::isCured(const checks::Finding& finding) const {
+    return std::find(m_cured.begin(), m_cured.end(), finding) != m_cured.end();
+}
+
+void ProblemsPane::aboutToRemove(const QModelIndex& /*parent*/, int first, int last) {
+    const QModelIndex current = m_view->currentIndex();
+    const bool isTaken = current.isValid() && current.row() >= first && current.row() <= last;
+    m_place = isTaken ? first : -1;
+    m_goesOn = m_goesOn || (isTaken && isCured(rowAt(current)->finding));
+}
+
+void ProblemsPane::removed() {
+    const int count = m_feed.model().rowCount();
+    if (m_place < 0 || count == 0)
+        return;
+    m_view->selectionModel()->setCurrentIndex(m_feed.model().index(std::min(m_place, count - 1), 0),
+                                              QItemSelectionModel::NoUpdate);
+    m_place = -1;
+}
+
+/// One who puts right one after the other goes on where he is. What another has put right moves the
+/// focus, but no selection: nothing is cured by a key that was meant for another row.
+void ProblemsPane::goOn() {
+    QItemSelectionModel* selected = m_view->selectionModel();
+    if (m_goesOn && !selected->hasSelection() && m_view->currentIndex().isValid())
+        selected->select(m_view->currentIndex(),
+                         QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    m_goesOn = false;
 }
 
 void ProblemsPane::updateActions() {
@@ -217,6 +270,7 @@ void ProblemsPane::cureSelected() {
             findings.push_back(row.finding);
         return true;
     });
+    m_cured = findings;
     m_feed.cure(std::move(findings));
 }
 

@@ -6,6 +6,8 @@
 
 #include <QWidget>
 
+#include <vector>
+
 class QComboBox;
 class QLabel;
 class QLineEdit;
@@ -43,11 +45,20 @@ private:
     bool isAnyCurable() const;
     void remember();
     void restore();
+    void aboutToRemove(const QModelIndex& parent, int first, int last);
+    void removed();
+    void goOn();
+    bool isCured(const checks::Finding& finding) const;
 
     ProblemsFeed& m_feed;
     bool m_mayWrite;
-    checks::Finding m_current; ///< of the row with the focus, over a reset
-    QComboBox* m_which;        // these: children of the pane
+    checks::Finding m_current;            ///< of the row with the focus, over a reset
+    checks::Finding m_next;               ///< of the row that gets it when that one is gone
+    bool m_isSelected = false;            ///< it was
+    std::vector<checks::Finding> m_cured; ///< what «Исправить» was asked for last
+    int m_place = -1;      ///< of a row with the focus that is being removed; -1: of none
+    bool m_goesOn = false; ///< what was put right here is gone: the next one is to be selected
+    QComboBox* m_which;    // these: children of the pane
     QLineEdit* m_text;
     QTreeView* m_view;
     QPushButton* m_show;
