@@ -60,22 +60,33 @@ bool showsOneRecord(const QTreeView& tree) {
     return tree.editTriggers() & QAbstractItemView::CurrentChanged;
 }
 
+/// The last one that is seen has what the others leave, if the header has it so.
+bool isStretched(const QHeaderView& header, int column) {
+    if (!header.stretchLastSection())
+        return false;
+    for (int place = header.visualIndex(column) + 1; place < header.count(); ++place)
+        if (!header.isSectionHidden(header.logicalIndex(place)))
+            return false;
+    return true;
+}
+
 bool hasOwnWidth(const QHeaderView& header, int column) {
-    const bool stretched =
-        header.stretchLastSection() && header.visualIndex(column) == header.count() - 1;
-    return !header.isSectionHidden(column) && !stretched &&
+    return !header.isSectionHidden(column) && !isStretched(header, column) &&
            header.sectionResizeMode(column) == QHeaderView::Interactive;
 }
 
+/// A column that is hidden has its width when it is shown.
 void setWidths(QHeaderView& header, const QStringList& widths) {
     if (widths.size() != header.count())
         return; // of another version
     for (int column = 0; column < header.count(); ++column)
-        if (const int width = widths[column].toInt(); width > 0 && hasOwnWidth(header, column))
+        if (const int width = widths[column].toInt();
+            width > 0 && (hasOwnWidth(header, column) || header.isSectionHidden(column)))
             header.resizeSection(column, std::clamp(width, leastWidth, greatestWidth));
 }
 
-// The widths of a tree are in the group of its name. A column that is hidden keeps the one it had.
+// The widths of a tree are in the group of its name. A column that is hidden, or has what others
+// leave, keeps the one it had: a list may show fewer columns of one kind than of another.
 
 void saveColumns(QSettings& settings, const QTreeView& tree) {
     const QHeaderView& header = *tree.header();
@@ -83,10 +94,9 @@ void saveColumns(QSettings& settings, const QTreeView& tree) {
     const QStringList before = settings.value(name).toStringList();
     QStringList widths;
     for (int column = 0; column < header.count(); ++column)
-        widths << (hasOwnWidth(header, column) ? QString::number(header.sectionSize(column))
-                   : header.isSectionHidden(column) && before.size() == header.count()
-                       ? before[column]
-                       : QString::number(0));
+        widths << (hasOwnWidth(header, column)       ? QString::number(header.sectionSize(column))
+                   : before.size() == header.count() ? before[column]
+                                                     : QString::number(0));
     settings.setValue(name, widths);
 }
 
@@ -214,8 +224,8 @@ protected:
     }
 };
 
-/// Gives the columns of a pop-up their widths when that is first shown: it is made when it is
-/// needed.
+/// Gives the columns of a pop-up their widths when that is first shown, since it is made when it is
+/// needed, and keeps them whenever it is hidden: the next time it may show others.
 class PopupColumns : public QObject {
 public:
     PopupColumns(QWidget* module, QString group) : QObject(module), m_group(std::move(group)) {
@@ -224,20 +234,33 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
-        if (event->type() != QEvent::ChildPolished || watched != parent())
+        if (watched != parent()) {
+            if (event->type() == QEvent::Hide)
+                save(*qobject_cast<QWidget*>(watched));
             return false;
-        const auto* popup =
-            qobject_cast<const QWidget*>(static_cast<const QChildEvent*>(event)->child());
+        }
+        if (event->type() != QEvent::ChildPolished)
+            return false;
+        auto* popup = qobject_cast<QWidget*>(static_cast<const QChildEvent*>(event)->child());
         if (!popup || !popup->isWindow())
             return false;
         QSettings settings = clientSettings();
         settings.beginGroup(m_group);
         for (const QTreeView* tree : popup->findChildren<QTreeView*>())
             restoreColumns(settings, *tree);
+        popup->installEventFilter(this);
         return false;
     }
 
 private:
+    void save(const QWidget& popup) const {
+        QSettings settings = clientSettings();
+        settings.beginGroup(m_group);
+        for (const QTreeView* tree : popup.findChildren<QTreeView*>())
+            if (tree->model() && !tree->objectName().isEmpty())
+                saveColumns(settings, *tree);
+    }
+
     const QString m_group;
 };
 
@@ -340,7 +363,10 @@ void WindowMemory::saveModule(const QString& name, const QWidget& module) const 
 void WindowMemory::restoreModule(const QString& name, QWidget& module) const {
     QSettings settings = clientSettings();
     settings.beginGroup(m_group);
-    if (!settings.childGroups().contains(name)) {
+    const bool isKnown = settings.childGroups().contains(name);
+    settings.beginGroup(name);
+    new PopupColumns(&module, settings.group()); // the module's child
+    if (!isKnown) {
         for (QTreeView* tree : treesOf(module)) {
             if (tree->isVisible())
                 fitColumns(*tree);
@@ -349,10 +375,8 @@ void WindowMemory::restoreModule(const QString& name, QWidget& module) const {
         }
         return;
     }
-    settings.beginGroup(name);
     for (QSplitter* splitter : module.findChildren<QSplitter*>())
         splitter->restoreState(settings.value(splitter->objectName()).toByteArray());
-    new PopupColumns(&module, settings.group()); // the module's child
     for (QTreeView* tree : treesOf(module)) {
         restoreColumns(settings, *tree);
         if (!showsOneRecord(*tree)) {

@@ -191,6 +191,30 @@ private slots:
         QCOMPARE(popup.tree->columnWidth(0), 300);
     }
 
+    void aListOfOneColumnLeavesTheWidthsOfTheOthers() {
+        const WindowMemory memory("store", "ivanov");
+        {
+            Editor left;
+            memory.restoreModule("Menu", left.module);
+            Popup popup(left);
+            popup.tree->resize(760, 200);
+            popup.tree->header()->resizeSection(0, 333);
+            popup.tree->header()->resizeSection(1, 222);
+            popup.window.hide();
+            for (const int column : {1, 2})
+                popup.tree->setColumnHidden(column, true);
+            popup.window.show();
+            QTRY_VERIFY(popup.tree->columnWidth(0) > 700); // all of the room
+            popup.window.hide();
+            memory.saveModule("Menu", left.module);
+        }
+        Editor found;
+        memory.restoreModule("Menu", found.module);
+        Popup popup(found);
+        QCOMPARE(popup.tree->columnWidth(0), 333);
+        QCOMPARE(popup.tree->columnWidth(1), 222);
+    }
+
     void aPaneHasItsColumnsWheneverItIsMade() {
         const WindowMemory memory("store", "ivanov");
         Editor rows;
