@@ -8,6 +8,7 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QScrollBar>
 #include <QToolButton>
 #include <QTreeView>
 
@@ -70,6 +71,7 @@ TreeSearchBar::TreeSearchBar(QTreeView* view, const TreeModelCore<TabRec>& model
     for (QWidget* part : {static_cast<QWidget*>(m_text), static_cast<QWidget*>(m_column)})
         part->installEventFilter(this);
     m_view.installEventFilter(this);
+    m_view.viewport()->installEventFilter(this); // a scroll bar changes its size alone
     updateButtons();
 }
 
@@ -107,6 +109,7 @@ void TreeSearchBar::step(int by) {
         find(); // the rows may be others since: another menu
     else if (search.mayStep(by))
         search.step(by);
+    uncoverCurrent();
     updateButtons();
 }
 
@@ -116,7 +119,8 @@ void TreeSearchBar::find() {
     if (!text.isEmpty()) {
         m_hits.find(m_columns[static_cast<size_t>(std::max(0, m_column->currentIndex()))].number,
                     text);
-        TreeSearch(m_view, m_hits, m_position).showFirst();
+        if (TreeSearch(m_view, m_hits, m_position).showFirst())
+            uncoverCurrent();
     }
     colour();
     updateButtons();
@@ -140,12 +144,34 @@ void TreeSearchBar::updateButtons() {
     m_up->setEnabled(any && search.mayStep(-1));
 }
 
-/// In the upper right corner of the rows.
+/// In the right corner of the rows, the upper one if nothing is against it.
 void TreeSearchBar::place() {
     constexpr int most = 420;
     const QRect rows = m_view.viewport()->geometry();
     const int width = std::min(most, rows.width());
-    setGeometry(rows.right() + 1 - width, rows.top(), width, sizeHint().height());
+    const int height = sizeHint().height();
+    setGeometry(rows.right() + 1 - width, m_isLow ? rows.bottom() + 1 - height : rows.top(), width,
+                height);
+}
+
+bool TreeSearchBar::isOverCurrent() const {
+    const QRect cell = m_view.visualRect(m_view.currentIndex());
+    const int top = m_view.viewport()->y() + cell.top();
+    return !cell.isEmpty() && top <= geometry().bottom() && top + cell.height() > y();
+}
+
+void TreeSearchBar::uncoverCurrent() {
+    if (!isVisible() || !m_view.currentIndex().isValid())
+        return;
+    m_isLow = false;
+    place();
+    QScrollBar& scroll = *m_view.verticalScrollBar();
+    while (isOverCurrent() && scroll.value() > scroll.minimum())
+        scroll.setValue(scroll.value() - scroll.singleStep());
+    if (!isOverCurrent())
+        return;
+    m_isLow = true;
+    place();
 }
 
 bool TreeSearchBar::takeKey(int key, bool shift) {
@@ -176,8 +202,11 @@ bool TreeSearchBar::openOn(const QKeyEvent& key) {
 }
 
 bool TreeSearchBar::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == &m_view && event->type() == QEvent::Resize && isVisible())
+    const bool isChild = watched == m_text || watched == m_column;
+    if (!isChild && event->type() == QEvent::Resize && isVisible())
         place();
+    if (!isChild && watched != &m_view) // the viewport, which may be on its way out with the view
+        return false;
     const auto* key = event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride
                           ? static_cast<QKeyEvent*>(event)
                           : nullptr;

@@ -1,5 +1,6 @@
 // TreeSearchBar.h: a search field over the corner of a tree, for trees without one in their window.
-// What is typed is found at once; Return and F3 go on, Shift with them back, Esc closes it.
+// What is typed is found at once; Return and F3 go on, Shift with them back, Esc closes it. It
+// never covers the row that was found: that is scrolled, or the bar goes to the lower corner.
 #ifndef ORVO_MODELS_TREESEARCHBAR_H
 #define ORVO_MODELS_TREESEARCHBAR_H
 
@@ -60,6 +61,8 @@ private:
     void colour();
     void updateButtons();
     void place();
+    bool isOverCurrent() const;
+    void uncoverCurrent();
     bool takeKey(int key, bool shift);
 
     QTreeView& m_view;
@@ -70,6 +73,7 @@ private:
     QToolButton* m_down;
     QToolButton* m_up;
     QComboBox* m_column;
+    bool m_isLow = false; ///< in the lower corner
     bool m_opensOnTyping = false;
     bool m_returnChooses = false;
 };

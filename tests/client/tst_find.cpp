@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QScrollBar>
 #include <QSet>
 
 using namespace orvo;
@@ -323,6 +324,38 @@ private slots:
         QVERIFY(!bar->isVisible());
         QCOMPARE(QApplication::focusWidget(), menu);
         QCOMPARE(fixture.currentElement(), QString("нас2"));
+    }
+
+    void theSearchLeavesWhatItFindsInSight() {
+        Fixture fixture;
+        fixture.beforeTheStart([&] {
+            for (int i = 0; i < 60; ++i)
+                fixture.add(QString("s%1").arg(i, 2, 10, QChar('0')).toUtf8(), "участок", nullptr);
+        });
+        fixture.client->openFurther({"Menu"});
+        QTreeView* menu = fixture.view("tvMenu");
+        QTRY_VERIFY(menu->isVisible() && menu->verticalScrollBar()->isVisible());
+        menu->setFocus();
+        QTest::keyClick(menu, Qt::Key_F, Qt::ControlModifier);
+        auto* bar = menu->findChild<QWidget*>("treeSearch");
+        auto* text = menu->findChild<QLineEdit*>("treeSearchText");
+        const auto isInSight = [&] {
+            const QRect row =
+                menu->visualRect(menu->currentIndex()).translated(menu->viewport()->pos());
+            return menu->viewport()->geometry().contains(row.center()) &&
+                   (row.top() > bar->geometry().bottom() || row.bottom() < bar->y());
+        };
+        keyClicks(text, "меню"); // the row at the top, which cannot be scrolled
+        QTRY_VERIFY(isInSight());
+        QTest::keyClick(text, Qt::Key_A, Qt::ControlModifier);
+        keyClicks(text, "участок");
+        for (const auto shift : {Qt::NoModifier, Qt::ShiftModifier})
+            for (int i = 0; i < 59; ++i) {
+                QVERIFY2(isInSight(), qPrintable(QString("%1 %2").arg(shift).arg(i)));
+                QTest::keyClick(text, Qt::Key_F3, shift);
+            }
+        QVERIFY(isInSight());
+        QVERIFY(menu->viewport()->geometry().contains(bar->geometry()));
     }
 
     void theNextColumnIsSearchedByItsKey() {
