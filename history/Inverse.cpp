@@ -36,8 +36,9 @@ store::Status remarkDone(store::MaintainedStore& store, const Standing& standing
 
 } // namespace
 
-store::Status planInverse(store::MaintainedStore& store, const std::vector<int64_t>& groups,
+store::Status planInverse(store::MaintainedStore& store, const Selection& selection,
                           const Choices& choices, Inverse* inverse) {
+    const std::vector<int64_t>& groups = selection.groups;
     *inverse = {};
     store::Status status = store.logPosition(&inverse->seen);
     Standing standing;
@@ -51,10 +52,12 @@ store::Status planInverse(store::MaintainedStore& store, const std::vector<int64
         else if (status = remarkDone(store, standing, group, &inverse->remarks); !status.ok())
             return status;
     standing.settle(inverse->undoes);
-    Planning planning(store, standing, choices, *inverse);
+    Planning planning(store, standing, choices, selection, *inverse);
     status = planning.collect();
     if (status.ok())
         status = planning.decide();
+    if (status.ok())
+        planning.followCuts();
     if (status.ok())
         status = planning.keepLocked();
     if (status.ok())
@@ -80,12 +83,12 @@ store::Status writeInverse(store::MaintainedStore& store, Inverse* plan) {
     return status;
 }
 
-store::Status undo(store::MaintainedStore& store, const std::vector<int64_t>& groups,
+store::Status undo(store::MaintainedStore& store, const Selection& selection,
                    const Choices& choices, Inverse* done) {
     constexpr int mostTries = 5;
     store::Status status;
     for (int i = 0; i < mostTries; ++i) {
-        status = planInverse(store, groups, choices, done);
+        status = planInverse(store, selection, choices, done);
         if (!status.ok() || done->count == 0 || (done->asks() && !choices.partly))
             return status;
         status = writeInverse(store, done);
@@ -124,6 +127,9 @@ QString remarkWords(const Remark& remark, RecordSource& source, const PersonName
         return QStringLiteral("Действие %1 уже отменено (%2)").arg(number(), who);
     if (remark.why == Remark::NothingDone)
         return QStringLiteral("Действие %1 ничего не изменило").arg(number());
+    if (remark.why == Remark::OnlyPart)
+        return QStringLiteral("Из действий, которые изменили и другое, возвращается только то, что "
+                              "относится сюда");
     const store::TableDef& table = *remark.table;
     const QString record = recordWords(table, source.valuesOf(table, remark.key), remark.key);
     switch (remark.why) {
@@ -140,8 +146,8 @@ QString remarkWords(const Remark& remark, RecordSource& source, const PersonName
         const QString place =
             quoted(name.isEmpty() ? QString::fromStdString(remark.missing) : name);
         return remark.why == Remark::NoPlace
-                   ? QStringLiteral("Не возвращено: %1: нет места, удалена запись %2 (%3)")
-                         .arg(record, place, fieldWord(table, remark.field).toLower())
+                   ? QStringLiteral("Не возвращено: %1: нет места, удалена запись %2 (%3; %4)")
+                         .arg(record, place, fieldWord(table, remark.field).toLower(), who)
                    : QStringLiteral("Не возвращено: %1: нет места, %2 стоит теперь внутри")
                          .arg(record, place);
     }

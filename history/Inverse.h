@@ -15,9 +15,13 @@
 
 #include <QString>
 
+#include <initializer_list>
 #include <map>
+#include <optional>
+#include <set>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace orvo::history {
@@ -40,6 +44,7 @@ struct Remark {
         Forgotten,     ///< the log does not tell of the action any more
         HalfForgotten, ///< nor of its beginning; the rest is taken back
         AlreadyDone,   ///< the action has been taken back before
+        OnlyPart,      ///< of some actions only what the selection has of them
         // If nothing is left to be written for another reason:
         NothingDone,  ///< the action has changed no value
         GoneBefore,   ///< what it made was deleted
@@ -52,10 +57,10 @@ struct Remark {
     int field = -1;      ///< ChangedSince, NoPlace, PlaceInside; NameTaken: of a stored record
     std::string missing; ///< NoPlace, PlaceInside: the key that the field would name; NameTaken:
                          ///< the name; NoRights, RightsStay: the login
-    std::string login; ///< ChangedSince, DeletedSince, BuiltOn, NameTaken, AlreadyDone, GoneBefore,
-                       ///< MakingUndone: whose action it was; Locked: who holds it
-    double time = 0;   ///< and when, or since when
-    int64_t group = 0; ///< that action; of a whole action: the one that was asked for
+    std::string login;   ///< ChangedSince, DeletedSince, NoPlace, BuiltOn, NameTaken, AlreadyDone,
+                         ///< GoneBefore, MakingUndone: whose action it was; Locked: who holds it
+    double time = 0;     ///< and when, or since when
+    int64_t group = 0;   ///< that action; of a whole action: the one that was asked for
 
     /// Whether Choices::places can help.
     bool asksForPlace() const { return why == NoPlace || why == PlaceInside; }
@@ -71,13 +76,25 @@ struct Choices {
     std::map<std::string, std::string> places;
 };
 
+/// What is to be taken back.
+struct Selection {
+    std::vector<int64_t> groups;
+    /// Of the groups only what they did to these records: names of tables and folded keys. If they
+    /// wrote others as well, the inverse is an action of its own, which undoes none of them.
+    std::optional<std::set<std::pair<std::string, std::string>>> only;
+
+    Selection() = default;
+    Selection(std::vector<int64_t> all) : groups(std::move(all)) {} // NOLINT: they are whole
+    Selection(std::initializer_list<int64_t> all) : groups(all) {}
+};
+
 struct Inverse {
     std::vector<store::TableWrites> parts; ///< in the order in which they are to be applied
     std::vector<store::Change> preview; ///< as the log would tell of them, the first some thousand
     size_t count = 0;                   ///< records that are written
     std::vector<Remark> remarks;
-    std::vector<int64_t> undoes;
-    int64_t seen = 0; ///< the log had this newest change
+    std::vector<int64_t> undoes; ///< empty as well if only a part of them is taken back
+    int64_t seen = 0;            ///< the log had this newest change
     bool written = false;
 
     /// Whether a remark wants a choice. Without one nothing is to be written: an action counts as
@@ -86,14 +103,14 @@ struct Inverse {
 };
 
 /// What takes these groups back, together.
-store::Status planInverse(store::MaintainedStore& store, const std::vector<int64_t>& groups,
+store::Status planInverse(store::MaintainedStore& store, const Selection& selection,
                           const Choices& choices, Inverse* inverse);
 /// Writes a plan as it is, for instance as it was shown. Outdated, and nothing is written, if the
 /// store is no longer that for which it was made.
 store::Status writeInverse(store::MaintainedStore& store, Inverse* plan);
 /// Plans and writes, unless there is nothing to write or something to be asked that the choices do
 /// not answer. Plans anew if others were quicker. `done` is the last plan.
-store::Status undo(store::MaintainedStore& store, const std::vector<int64_t>& groups,
+store::Status undo(store::MaintainedStore& store, const Selection& selection,
                    const Choices& choices, Inverse* done);
 
 /// How people are called, by login; whoever is not in it is called by the login.

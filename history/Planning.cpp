@@ -22,10 +22,11 @@ constexpr size_t mostPreviewed = 2000;
 } // namespace
 
 Planning::Planning(store::MaintainedStore& store, const Standing& standing, const Choices& choices,
-                   Inverse& inverse)
+                   const Selection& selection, Inverse& inverse)
     : m_store(store)
     , m_standing(standing)
     , m_choices(choices)
+    , m_selection(selection)
     , m_inverse(inverse)
     , m_concerned(standing.concerned(inverse.undoes)) {}
 
@@ -96,7 +97,6 @@ store::Status Planning::collect() {
             m_changes.push_back(std::move(changes));
         }
     }
-    m_alone = nothingElse;
     struct Found {
         const store::TableDef* table;
         std::string key;
@@ -106,8 +106,14 @@ store::Status Planning::collect() {
     for (const std::vector<store::Change>& changes : m_changes)
         for (const store::Change& change : changes)
             if (const store::TableDef* table = tableOf(change.table);
-                table && change.id <= m_inverse.seen)
-                found.push_back({table, store::foldedKey(change.key), &change});
+                table && change.id <= m_inverse.seen) {
+                std::string key = store::foldedKey(change.key);
+                if (isSelected(*table, key))
+                    found.push_back({table, std::move(key), &change});
+                else
+                    m_leftOut = m_leftOut || m_concerned.count(change.group) != 0;
+            }
+    m_alone = nothingElse && !m_leftOut;
     std::stable_sort(found.begin(), found.end(), [](const Found& a, const Found& b) {
         return a.table != b.table ? a.table < b.table : a.key < b.key;
     });
@@ -137,6 +143,10 @@ store::Status Planning::collect() {
 }
 
 // What should be ---------------------------------------------------------------------------------
+
+bool Planning::isSelected(const store::TableDef& table, const std::string& key) const {
+    return !m_selection.only || m_selection.only->count({table.name, key}) != 0;
+}
 
 /// The record as the changes that stand have made it.
 void Planning::work(Record& record) const {
@@ -279,6 +289,14 @@ void Planning::compose() {
         part(*table, MDX_DELETE);
     forgetLockActions();
     tellNothingLeft();
+    if (!m_leftOut)
+        return;
+    m_inverse.undoes.clear();
+    if (m_inverse.count > 0) {
+        Remark part;
+        part.why = Remark::OnlyPart;
+        m_inverse.remarks.push_back(std::move(part));
+    }
 }
 
 void Planning::tellNothingLeft() {

@@ -30,13 +30,16 @@ const store::TableDef* targetTable(const store::TableDef& table, int field);
 /// keepNamesApart once more while the last one changes anything.
 class Planning {
 public:
+    /// All of these outlive it.
     Planning(store::MaintainedStore& store, const Standing& standing, const Choices& choices,
-             Inverse& inverse);
+             const Selection& selection, Inverse& inverse);
 
     /// Finds the records that the actions have changed, and all that happened to them.
     store::Status collect();
     /// What each of them should be.
     store::Status decide();
+    /// Puts what others have changed in a record that a cut made into the one that it took away.
+    void followCuts();
     /// Leaves out deletions of forms that another user has taken into work; decideContents() what
     /// is done to their contents.
     store::Status keepLocked();
@@ -92,6 +95,8 @@ private:
     bool counts(const Event& event) const;
     void work(Record& record) const;
     void update(const store::TableDef& table, Record& record);
+    bool isSelected(const store::TableDef& table, const std::string& key) const;
+    Record* cutFrom(const store::TableDef& table, const Record& made);
     void remark(Remark::Why why, const store::TableDef& table, const Record& record, int field = -1,
                 const store::Change* change = nullptr);
 
@@ -107,7 +112,9 @@ private:
                            std::optional<Remark::Why>* whyNot);
     /// Leaves the link out if the record cannot stand there.
     store::Status place(const Placement& placement, bool* changed);
-    store::Status wasDeleted(const store::TableDef& table, const std::string& key, bool* deleted);
+    /// The change that deleted a record that is missing; null if none did.
+    store::Status deletionOf(const store::TableDef& table, const std::string& key,
+                             const store::Change** deletion);
 
     /// Takes locks out of what is to be taken back.
     void dropLocks();
@@ -156,12 +163,14 @@ private:
     store::MaintainedStore& m_store;
     const Standing& m_standing;
     const Choices& m_choices;
+    const Selection& m_selection;
     Inverse& m_inverse;
     const std::set<int64_t> m_concerned;
     std::vector<std::vector<store::Change>> m_changes; ///< that the events are about
     std::pmr::monotonic_buffer_resource m_memory;      ///< records in order lie in order there
     std::pmr::map<const store::TableDef*, Records> m_records{&m_memory};
     bool m_alone = false;           ///< nothing was written since the actions but by them
+    bool m_leftOut = false;         ///< the actions have changed other records than are selected
     std::set<const Record*> m_kept; ///< deletions that are left out
     bool m_foundUploads = false;
     int64_t m_forgotten = 0;                  ///< versions of changes up to this one may be missing
@@ -171,7 +180,9 @@ private:
 
     // Of the places; by table and folded key.
     std::map<const store::TableDef*, std::map<std::string, std::vector<store::Value>>> m_above;
-    std::map<std::pair<const store::TableDef*, std::string>, bool> m_deleted; ///< of missing ones
+    /// Of missing ones.
+    std::map<std::pair<const store::TableDef*, std::string>, std::optional<store::Change>>
+        m_deletions;
     std::set<std::pair<const store::TableDef*, std::string>> m_unplaced; ///< not restored for that
     /// Links, as they are spelled, that records which are restored can have as they had them.
     std::map<const store::TableDef*, std::unordered_set<std::string>> m_fine;

@@ -84,9 +84,13 @@ store::Status Planning::lookBelow(const store::TableDef& table, const Link& link
         keys.push_back(child);
     std::vector<store::Change> changes;
     status = m_store.changesSince(*link.below, keys, 0, &changes);
+    // Whose it is, is told by the last change that stands: not by whoever took it back or did it
+    // again.
     std::map<std::string, const store::Change*> newest;
-    for (const store::Change& change : changes)
-        newest[store::foldedKey(change.key)] = &change;
+    for (const bool any : {true, false})
+        for (const store::Change& change : changes)
+            if (any || (m_standing.stands(change.group) && !m_standing.isUndoing(change.group)))
+                newest[store::foldedKey(change.key)] = &change;
     for (const auto& [record, child] : kept)
         remark(Remark::BuiltOn, table, *record, -1, newest[store::foldedKey(child)]);
     return status;

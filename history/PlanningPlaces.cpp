@@ -27,18 +27,18 @@ const Planning::Record* Planning::planned(const store::TableDef& table,
     return found == records->second.end() ? nullptr : &found->second;
 }
 
-store::Status Planning::wasDeleted(const store::TableDef& table, const std::string& key,
-                                   bool* deleted) {
-    const auto [known, fresh] = m_deleted.try_emplace({&table, key}, false);
+store::Status Planning::deletionOf(const store::TableDef& table, const std::string& key,
+                                   const store::Change** deletion) {
+    const auto [known, fresh] = m_deletions.try_emplace({&table, key});
     if (fresh) {
         std::vector<store::Change> changes;
         if (store::Status status = m_store.changesSince(table, {key}, 0, &changes); !status.ok())
             return status;
-        known->second =
-            std::any_of(changes.begin(), changes.end(),
-                        [](const store::Change& change) { return change.code == OrvoEventDelete; });
+        for (store::Change& change : changes)
+            if (change.code == OrvoEventDelete)
+                known->second = std::move(change);
     }
-    *deleted = known->second;
+    *deletion = known->second ? &*known->second : nullptr;
     return {};
 }
 
@@ -153,16 +153,16 @@ store::Status Planning::place(const Placement& placement, bool* changed) {
             return {};
         }
     }
+    const store::Change* deletion = nullptr;
     if (whyNot == Remark::NoPlace) {
-        bool deleted = false;
-        status = wasDeleted(*placement.above, key, &deleted);
-        if (status.ok() && !deleted && isRestored && m_choices.places.empty())
+        status = deletionOf(*placement.above, key, &deletion);
+        if (status.ok() && !deletion && isRestored && m_choices.places.empty())
             fine.insert(missing);
-        if (!status.ok() || !deleted) // it has been an orphan before
+        if (!status.ok() || !deletion) // it has been an orphan before
             return status;
     }
     if (!m_unplaced.count({placement.above, key})) {
-        remark(*whyNot, *placement.table, record, placement.field);
+        remark(*whyNot, *placement.table, record, placement.field, deletion);
         m_inverse.remarks.back().missing = missing;
     }
     if (record.flag == MDX_INSERT) {

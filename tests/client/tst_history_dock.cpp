@@ -450,6 +450,7 @@ private slots:
         // He is asked again, with that in the plan, and both stand until he has agreed.
         QTRY_VERIFY(fixture.dialog());
         QTRY_VERIFY(fixture.dialog()->findChild<QCheckBox*>("revertOthers")->isVisible());
+        QVERIFY(fixture.dialog()->findChild<QLabel*>("revertNote")->isVisible());
         QTest::keyClick(fixture.dialog(), Qt::Key_Escape);
         QTRY_COMPARE(fixture.menu(), QString("н(о) а(б(в)) г"));
     }

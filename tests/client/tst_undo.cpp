@@ -1,6 +1,8 @@
 // The own actions are taken back and done again by two keys, and those of others stay.
 #include "apps/client/history/RevertDialog.h"
+#include "history/Inverse.h"
 #include "platform/mdx/MdxBuild.h"
+#include "platform/store/Maintenance.h"
 #include "tests/client/RunningClient.h"
 
 #include <QCheckBox>
@@ -20,6 +22,20 @@ namespace {
 struct Fixture : RunningClient {
     void undo() const { action("actUndo")->trigger(); }
     void redo() const { action("actRedo")->trigger(); }
+    /// The colleague takes back what he did last.
+    void otherUndoes() {
+        store::Status status;
+        const auto store = store::openMaintained(host.url, {"petrov", false, "test"}, &status);
+        store::LogQuery query;
+        query.login = "petrov";
+        std::vector<store::Change> newest;
+        history::Inverse done;
+        if (status.ok())
+            status = store->history(query, 1, &newest);
+        if (status.ok() && !newest.empty())
+            status = history::undo(*store, {newest.front().group}, {}, &done);
+        QVERIFY2(done.written, status.text.c_str());
+    }
     app::RevertDialog* dialog() const { return child<app::RevertDialog>("revertDialog"); }
     /// The dialog, once it shows a plan.
     bool hasPlan() const {
@@ -233,8 +249,32 @@ private slots:
         QTRY_VERIFY(fixture.hasPlan());
         fixture.press("revertCancel");
         QTRY_VERIFY(!fixture.dialog());
-        QTRY_COMPARE(fixture.undoText(), QString("Отменить: удалить «б» со всем, что внутри"));
         QCOMPARE(fixture.menu(), QString("г"));
+        // The next key asks not the same again, until that which it asked about is taken back.
+        QTRY_VERIFY(!fixture.action("actUndo")->isEnabled());
+        QCOMPARE(fixture.logged("Оставлено: удалить «б» со всем, что внутри. Дальше отменяется то, "
+                                "что было раньше; к этому вернёт история."),
+                 1);
+        fixture.otherUndoes();
+        QTRY_COMPARE(fixture.menu(), QString("а г"));
+        QTRY_COMPARE(fixture.undoText(), QString("Отменить: удалить «б» со всем, что внутри"));
+        fixture.undo();
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г"));
+    }
+
+    void whatWasPassedOverComesAgainWhenItsHindranceIsTakenBack() {
+        Fixture fixture;
+        fixture.renames("a", "а1");
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "a"}, {"caption", "а2"}});
+        QTRY_COMPARE(fixture.menu(), QString("а2(б(в)) г"));
+        QTRY_COMPARE(fixture.undoText(), QString("Отменить: переименовать «а1»"));
+        fixture.undo();
+        QTRY_VERIFY(!fixture.action("actUndo")->isEnabled()); // nothing is left of it
+        fixture.otherUndoes();
+        QTRY_COMPARE(fixture.menu(), QString("а1(б(в)) г"));
+        QTRY_COMPARE(fixture.undoText(), QString("Отменить: переименовать «а1»"));
+        fixture.undo();
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г"));
     }
 
     void anInsertOnWhichAnotherHasBuiltAsksBeforeItGoes() {

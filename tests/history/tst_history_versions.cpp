@@ -169,11 +169,11 @@ void TestHistoryVersions::aFormGoesBackToAPlaceWithItsContents() {
     ORVO_OK(m_boris->formPut("", {{"", "a_", "third", 3.0}}));
     const int64_t third = last(*m_boris);
     ORVO_OK(m_anna->formPut("", {{"", "other_", "its own", 3.0}}));
-    std::vector<int64_t> groups;
-    ORVO_OK(collectBackTo(*m_anna, row(form()), second, &groups));
-    QCOMPARE(groups, (std::vector<int64_t>{third, second}));
+    Selection selection;
+    ORVO_OK(collectBackTo(*m_anna, row(form()), second, &selection));
+    QCOMPARE(selection.groups, (std::vector<int64_t>{second, third}));
     Inverse done;
-    ORVO_OK(undo(*m_anna, groups, {}, &done));
+    ORVO_OK(undo(*m_anna, selection, {}, &done));
     QVERIFY(contents().contains("first"));
     QVERIFY(contents().contains("its own"));
 }

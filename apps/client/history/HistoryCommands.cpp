@@ -70,7 +70,7 @@ void HistoryCommands::connectPane() {
     connect(m_pane, &HistoryPane::showRequested, &m_jump, &RecordJump::show);
     connect(&m_jump, &RecordJump::told, this, &HistoryCommands::tell);
     connect(m_pane, &HistoryPane::revertRequested, this, [this](const Reverter::Request& request) {
-        m_reverter.start(request, [this](Reverter::Outcome) { m_undo.outdate(); });
+        m_reverter.start(request, [this](const Reverter::End&) { m_undo.outdate(); });
     });
 }
 

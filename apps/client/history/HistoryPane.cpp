@@ -201,7 +201,7 @@ void HistoryPane::revertCurrent() {
     Reverter::Request request;
     request.title = QStringLiteral("Вернуть эту правку: %1").arg(oneLine(action->what));
     request.done = QStringLiteral("Возвращено: %1").arg(oneLine(action->what));
-    request.groups = {action->group};
+    request.selection = {action->group};
     request.preview = true;
     emit revertRequested(request);
 }
@@ -216,8 +216,8 @@ void HistoryPane::revertBackTo(const history::Filter& scope, const QString& whos
     request.title = QStringLiteral("Вернуть всё с %1, %2").arg(time, whose);
     request.done = QStringLiteral("Возвращено всё с %1, %2").arg(time, whose);
     request.collect = [scope, group = action->group](store::MaintainedStore& store,
-                                                     std::vector<int64_t>* groups) {
-        return history::collectBackTo(store, scope, group, groups);
+                                                     history::Selection* selection) {
+        return history::collectBackTo(store, scope, group, selection);
     };
     request.preview = true;
     emit revertRequested(request);

@@ -38,7 +38,7 @@ QTreeWidgetItem* addLine(QTreeWidgetItem* parent, const QStringList& texts) {
 
 } // namespace
 
-RevertDialog::RevertDialog(const QString& title, QWidget* parent)
+RevertDialog::RevertDialog(const QString& title, const QString& note, QWidget* parent)
     : QDialog(parent)
     , m_head(plainLabel(QStringLiteral("Готовится…"), this))
     , m_writes(new QTreeWidget(this))
@@ -82,6 +82,14 @@ RevertDialog::RevertDialog(const QString& title, QWidget* parent)
     m_ok->setEnabled(false);
     auto* all = new QVBoxLayout(this);
     all->addWidget(plainLabel(title, this));
+    if (!note.isEmpty()) {
+        QLabel* label = plainLabel(note, this);
+        label->setObjectName(QStringLiteral("revertNote"));
+        QFont bold = label->font();
+        bold.setBold(true);
+        label->setFont(bold);
+        all->addWidget(label);
+    }
     all->addWidget(m_head);
     all->addWidget(m_writes, 1);
     all->addWidget(m_leftHead);

@@ -23,7 +23,8 @@ namespace orvo::app {
 class RevertDialog : public QDialog {
     Q_OBJECT
 public:
-    RevertDialog(const QString& title, QWidget* parent);
+    /// `note`: why it is shown, if that is not plain; may be empty.
+    RevertDialog(const QString& title, const QString& note, QWidget* parent);
 
     /// Shows a plan that was made with choices(). What was asked once stays to be chosen.
     void setPlan(const RevertPlan& plan);

@@ -68,9 +68,9 @@ void Reverter::begin() {
         write();
 }
 
-void Reverter::showDialog() {
+void Reverter::showDialog(const QString& note) {
     if (!m_dialog) {
-        m_dialog = new RevertDialog(m_request->title, m_window);
+        m_dialog = new RevertDialog(m_request->title, note, m_window);
         connect(m_dialog, &RevertDialog::choicesChanged, this, &Reverter::plan);
         // Queued: the dialog and its modality are gone before something else is shown.
         connect(
@@ -81,7 +81,7 @@ void Reverter::showDialog() {
                 if (result == QDialog::Accepted)
                     writeShown();
                 else
-                    finish(Outcome::GivenUp);
+                    finish(Outcome::GivenUp, m_shown.get());
             },
             Qt::QueuedConnection);
         m_dialog->open();
@@ -93,23 +93,23 @@ void Reverter::plan() {
     m_choices = m_dialog->choices();
     m_shown.reset();
     auto plan = std::make_shared<RevertPlan>();
-    auto groups = std::make_shared<std::vector<int64_t>>(m_request->groups);
+    auto selection = std::make_shared<history::Selection>(m_request->selection);
     m_thread.run(
         this,
-        [plan, groups, collect = m_request->collect,
+        [plan, selection, collect = m_request->collect,
          choices = m_choices](store::MaintainedStore& store) {
             store::Status status;
-            if (groups->empty() && collect)
-                status = collect(store, groups.get());
+            if (selection->groups.empty() && collect)
+                status = collect(store, selection.get());
             if (status.ok())
-                status = history::planInverse(store, *groups, choices, &plan->inverse);
+                status = history::planInverse(store, *selection, choices, &plan->inverse);
             if (status.ok())
                 describePlan(store, true, plan.get());
             return status;
         },
-        [this, plan, groups, round = ++m_round](const store::Status& status) {
+        [this, plan, selection, round = ++m_round](const store::Status& status) {
             if (m_request && round == m_round)
-                m_request->groups = *groups;
+                m_request->selection = *selection;
             planned(round, status, plan);
         });
 }
@@ -133,8 +133,9 @@ void Reverter::write() {
     auto plan = std::make_shared<RevertPlan>();
     m_thread.run(
         this,
-        [plan, groups = m_request->groups, choices = m_choices](store::MaintainedStore& store) {
-            store::Status status = history::undo(store, groups, choices, &plan->inverse);
+        [plan, selection = m_request->selection,
+         choices = m_choices](store::MaintainedStore& store) {
+            store::Status status = history::undo(store, selection, choices, &plan->inverse);
             if (status.ok())
                 describePlan(store, false, plan.get());
             return status;
@@ -161,9 +162,10 @@ void Reverter::written(const store::Status& status, const RevertPlan& plan) {
     if (!m_request)
         return;
     if (status.code == store::Outdated) {
-        emit told(LogWarning, QStringLiteral("%1: %2. Посмотрите ещё раз, что будет записано.")
-                                  .arg(m_request->title, QString::fromStdString(status.text)));
-        showDialog();
+        const QString note = QStringLiteral(
+            "Пока вы решали, записано другое. Посмотрите ещё раз, что будет записано.");
+        emit told(LogWarning, QStringLiteral("%1: %2").arg(m_request->title, note));
+        showDialog(note);
     } else if (!status.ok()) {
         emit told(LogError, QStringLiteral("%1: %2").arg(m_request->title,
                                                          QString::fromStdString(status.text)));
@@ -183,7 +185,7 @@ void Reverter::written(const store::Status& status, const RevertPlan& plan) {
                                   ? QStringLiteral("%1: возвращать нечего.").arg(m_request->title)
                                   : QStringLiteral("%1: возвращать нечего. %2.")
                                         .arg(m_request->title, why.join(QStringLiteral(". "))));
-        finish(Outcome::NothingLeft);
+        finish(Outcome::NothingLeft, &plan);
     }
 }
 
@@ -204,7 +206,11 @@ void Reverter::tellWritten(const RevertPlan& plan) {
                                   .arg(left.size() - mostLinesTold));
 }
 
-void Reverter::finish(Outcome outcome) {
+void Reverter::finish(Outcome outcome, const RevertPlan* plan) {
+    End end{outcome, {}};
+    if (plan)
+        for (const history::Remark& remark : plan->inverse.remarks)
+            end.because.insert(remark.group);
     const QString title = m_request->title;
     const Finished finished = std::exchange(m_finished, nullptr);
     m_request.reset();
@@ -215,7 +221,7 @@ void Reverter::finish(Outcome outcome) {
     }
     emit busyChanged(false, title);
     if (finished)
-        finished(outcome);
+        finished(end);
 }
 
 } // namespace orvo::app

@@ -18,6 +18,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 
 namespace orvo::app {
 
@@ -33,16 +34,21 @@ public:
         GivenUp,     ///< by the user
         Failed,
     };
-    using Finished = std::function<void(Outcome outcome)>;
-    /// Finds groups, in the thread of the store.
+    struct End {
+        Outcome outcome;
+        /// If nothing was written although there was a plan: the actions that stood in the way.
+        std::set<int64_t> because;
+    };
+    using Finished = std::function<void(const End& end)>;
+    /// Finds what is to be taken back, in the thread of the store.
     using Collect =
-        std::function<store::Status(store::MaintainedStore& store, std::vector<int64_t>* groups)>;
+        std::function<store::Status(store::MaintainedStore& store, history::Selection* selection)>;
 
     struct Request {
         QString title; ///< "Отменить: переместить «Котельная»"
         QString done;  ///< "Отменено: переместить «Котельная»"
-        std::vector<int64_t> groups;
-        Collect collect;      ///< finds them; null: they are known
+        history::Selection selection;
+        Collect collect;      ///< finds it; null: it is known
         bool preview = false; ///< ask in any case
     };
 
@@ -64,18 +70,17 @@ signals:
     void reopenNeeded();
 
 private:
-    struct Result;
     void begin();
     void plan();
     /// Without having shown anything: by a plan of that moment.
     void write();
     void writeShown();
-    void showDialog();
+    void showDialog(const QString& note = {});
     void planned(uint64_t round, const store::Status& status,
                  const std::shared_ptr<RevertPlan>& plan);
     void written(const store::Status& status, const RevertPlan& plan);
     void tellWritten(const RevertPlan& plan);
-    void finish(Outcome outcome);
+    void finish(Outcome outcome, const RevertPlan* plan = nullptr);
 
     StoreThread& m_thread;
     CloseGuard& m_guard;

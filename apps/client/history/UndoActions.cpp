@@ -4,6 +4,8 @@
 #include "apps/client/Look.h"
 #include "frame/Keys.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace orvo::app {
@@ -65,6 +67,12 @@ void UndoActions::setMayWrite(bool may) {
 }
 
 void UndoActions::changed(const store::Change& change) {
+    for (auto passed = m_passed.begin(); passed != m_passed.end();) {
+        const std::set<int64_t>& because = passed->second;
+        const bool isFree = std::any_of(change.undoes.begin(), change.undoes.end(),
+                                        [&](int64_t undone) { return because.count(undone) != 0; });
+        passed = isFree ? m_passed.erase(passed) : std::next(passed);
+    }
     if (change.login == m_actor.login || !change.undoes.empty())
         outdate();
 }
@@ -84,10 +92,13 @@ void UndoActions::read() {
         return;
     m_reading = true;
     m_outdated = false;
+    std::set<int64_t> passed;
+    for (const auto& [group, because] : m_passed)
+        passed.insert(group);
     auto steps = std::make_shared<history::Steps>();
     m_thread.run(
         this,
-        [steps, actor = m_actor, passed = m_passed](store::MaintainedStore& store) {
+        [steps, actor = m_actor, passed](store::MaintainedStore& store) {
             return history::readSteps(store, actor, passed, steps.get());
         },
         [this, steps](const store::Status& status) { answered(status, *steps); });
@@ -151,21 +162,28 @@ void UndoActions::next() {
         withWords(redo ? QStringLiteral("Повторить") : QStringLiteral("Отменить"), step.words);
     request.done =
         withWords(redo ? QStringLiteral("Повторено") : QStringLiteral("Отменено"), step.words);
-    request.groups = {step.group};
+    request.selection = {step.group};
     m_isStepping = true;
-    if (!m_reverter.start(
-            std::move(request),
-            [this, group = step.group](Reverter::Outcome outcome) { finished(group, outcome); })) {
+    if (!m_reverter.start(std::move(request),
+                          [this, step](const Reverter::End& end) { finished(step, end); })) {
         m_isStepping = false;
         m_presses.clear();
     }
 }
 
-void UndoActions::finished(int64_t group, Reverter::Outcome outcome) {
+void UndoActions::finished(const history::Steps::Step& step, const Reverter::End& end) {
+    using Outcome = Reverter::Outcome;
     m_isStepping = false;
-    if (outcome == Reverter::Outcome::NothingLeft)
-        m_passed.insert(group);
-    if (outcome == Reverter::Outcome::GivenUp || outcome == Reverter::Outcome::Failed)
+    // Whatever it asked stays unanswered: the next key would ask the same again.
+    const bool wasAsked = end.outcome == Outcome::GivenUp && !end.because.empty();
+    if (wasAsked)
+        emit told(
+            LogInformation,
+            withWords(QStringLiteral("Оставлено"), step.words) +
+                QStringLiteral(". Дальше отменяется то, что было раньше; к этому вернёт история."));
+    if (wasAsked || end.outcome == Outcome::NothingLeft)
+        m_passed[step.group] = end.because;
+    if (end.outcome == Outcome::GivenUp || end.outcome == Outcome::Failed)
         m_presses.clear();
     outdate();
     next();

@@ -17,6 +17,7 @@
 #include <QTimer>
 
 #include <deque>
+#include <map>
 #include <set>
 
 namespace orvo::app {
@@ -50,7 +51,7 @@ private:
     void show();
     void press(bool redo);
     void next();
-    void finished(int64_t group, Reverter::Outcome outcome);
+    void finished(const history::Steps::Step& step, const Reverter::End& end);
 
     StoreThread& m_thread;
     Reverter& m_reverter;
@@ -60,8 +61,10 @@ private:
     QAction m_redo;
     QTimer m_readSoon;
     history::Steps m_steps;
-    std::set<int64_t> m_passed; ///< groups of which nothing is left to be taken back
-    bool m_fresh = false;       ///< m_steps is what the log says
+    /// Groups of which nothing is left to be taken back, or which the user has left, with the
+    /// actions that stand in the way: once one of those is taken back, the group comes again.
+    std::map<int64_t, std::set<int64_t>> m_passed;
+    bool m_fresh = false; ///< m_steps is what the log says
     bool m_reading = false;
     bool m_outdated = false;    ///< while it was being read
     bool m_isStepping = false;  ///< the reverter works for this object
