@@ -33,20 +33,6 @@ void takeHead(const store::Change& change, Group* group) {
     group->time = change.time;
 }
 
-bool holdsText(const store::Change& change, const QString& text) {
-    for (const std::string* json : {&change.after, &change.before})
-        if (QString::fromStdString(*json).contains(text, Qt::CaseInsensitive)) {
-            const store::TableDef* table = tableOf(change.table);
-            // Names of fields and the marks of JSON are no values.
-            for (const auto& [field, value] :
-                 table ? store::valuesFromJson(*table, *json) : Values())
-                if (QString::fromStdString(store::textOf(value))
-                        .contains(text, Qt::CaseInsensitive))
-                    return true;
-        }
-    return false;
-}
-
 /// Whether a group that takes back that one does again what it took back.
 store::Status doesAgain(store::MaintainedStore& store, int64_t undone, bool* redoes) {
     constexpr int deepest = 50; // it was taken back and done again so often
@@ -175,6 +161,8 @@ Reader::Reader(store::MaintainedStore& store, Filter filter, BranchMembers* memb
     m_query.since = m_filter.since;
     m_query.until = m_filter.until;
     m_query.above = m_filter.above;
+    if (!m_filter.text.isEmpty())
+        m_text.emplace(store, m_filter.text);
 }
 
 void Reader::skip(std::set<int64_t> groups, int64_t from) {
@@ -231,13 +219,6 @@ bool Reader::isInBranch(const store::Change& change) {
     return after || before;
 }
 
-bool Reader::passes(const store::Change& change) {
-    // Every change, since it may change what the branch was before it.
-    if (m_filter.branch && !isInBranch(change))
-        return false;
-    return m_filter.text.isEmpty() || holdsText(change, m_filter.text);
-}
-
 store::Status Reader::readContents() {
     m_contents.clear();
     const bool mayHaveSome =
@@ -281,13 +262,17 @@ store::Status Reader::read(const std::function<bool()>& wantsMore,
     while (status.ok() && !m_end && wantsMore() && time.elapsed() < longestMs) {
         bool all = false;
         status = readPage(&changes, &all);
-        for (store::Change& change : changes) {
+        const std::vector<bool> holdText =
+            m_text ? m_text->among(changes) : std::vector<bool>(changes.size(), true);
+        for (size_t i = 0; i < changes.size(); ++i) {
+            store::Change& change = changes[i];
             if (!status.ok() || !wantsMore()) {
                 all = false;
                 break;
             }
             m_query.below = change.id;
-            if (passes(change))
+            // Every change is asked, since it may change what the branch was before it.
+            if ((!m_filter.branch || isInBranch(change)) && holdText[i])
                 status = take(change);
         }
         m_end = status.ok() && all;

@@ -3,6 +3,7 @@
 #define ORVO_HISTORY_READING_H
 
 #include "history/BranchMembers.h"
+#include "history/TextMatch.h"
 
 #include <QString>
 
@@ -48,7 +49,7 @@ struct Filter {
     std::optional<double> until;      ///< made before that time
     int64_t above = 0;                ///< with a higher number than this
     std::optional<Branch> branch;     ///< of a record that stands in it, or stood there then
-    QString text;                     ///< that holds the text in a value, without regard to case
+    QString text;                     ///< in which the text is to be read: TextMatch.h
 };
 
 /// Reads the history from its newest group back. Groups that are made meanwhile do not show.
@@ -76,7 +77,6 @@ private:
     /// Hands over the next changes that pass, while more are wanted and not for too long.
     store::Status read(const std::function<bool()>& wantsMore,
                        const std::function<store::Status(store::Change& change)>& take);
-    bool passes(const store::Change& change);
     bool isInBranch(const store::Change& change);
     bool isMember(const BranchMembers::Record& record) const;
     store::Status readContents();
@@ -84,6 +84,7 @@ private:
 
     store::MaintainedStore& m_store;
     const Filter m_filter;
+    std::optional<TextMatch> m_text;
     BranchMembers* const m_known; ///< null: nobody keeps them
     store::LogQuery m_query;
     bool m_begun = false;

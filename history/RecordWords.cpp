@@ -104,13 +104,20 @@ QString nameOf(const store::TableDef& table, const Values& values) {
     return {};
 }
 
-QString quoted(const QString& text) {
-    constexpr int longest = 80;
-    QString line = text;
-    for (QChar& letter : line)
+namespace {
+
+QString onOneLine(QString text) {
+    for (QChar& letter : text)
         if (letter.category() == QChar::Other_Control)
             letter = QLatin1Char(' ');
-    line = line.trimmed();
+    return text.trimmed();
+}
+
+} // namespace
+
+QString quoted(const QString& text) {
+    constexpr int longest = 80;
+    const QString line = onOneLine(text);
     return QStringLiteral("«%1»").arg(
         line.size() > longest ? line.left(longest) + QStringLiteral("…") : line);
 }
@@ -145,7 +152,8 @@ QString valueWords(const store::TableDef& table, int field, const store::Value& 
         if (!name.isEmpty())
             return quoted(name);
     }
-    return quoted(QString::fromStdString(store::textOf(value)));
+    // As a whole: old and new value may differ at their ends alone.
+    return QStringLiteral("«%1»").arg(onOneLine(QString::fromStdString(store::textOf(value))));
 }
 
 bool readAlike(const store::Value& one, const store::Value& other) {

@@ -33,6 +33,8 @@ private slots:
     void whatReadsTheSameAsNothingIsNoChange();
     void pagesGoBackToTheBeginning();
     void filtersLeaveWhatIsAskedFor();
+    void longValuesUnfoldAsAWhole();
+    void aTextIsFoundAsItIsShown();
     void aBranchIsFollowedBackInTime();
     void aKnownBranchFollowsTheLog();
     void aKnownBranchOutlivesAPrunedLog();
@@ -455,9 +457,47 @@ void TestHistoryWords::filtersLeaveWhatIsAskedFor() {
     QCOMPARE(count(filter), 1);
     filter = {};
     for (const auto& [text, found] : std::initializer_list<std::pair<const char*, int>>{
-             {"цех", 1}, {"насос", 1}, {"caption", 1}, {"KeyLink", 0}, {"", 3}}) {
+             {"цех", 1}, {"насос", 2}, {"caption", 1}, {"KeyLink", 0}, {"", 3}}) {
         filter.text = text;
         QVERIFY2(count(filter) == found, text);
+    }
+}
+
+void TestHistoryWords::longValuesUnfoldAsAWhole() {
+    const QString start(200, 'x');
+    ORVO_OK(Batch("Menu").insert("a", {{"caption", "А"}, {"params", start + "1"}}).send(*m_anna));
+    ORVO_OK(Batch("Menu").update("a", {{"params", start + "2"}}).send(*m_anna));
+    Group group;
+    ORVO_OK(readGroup(*m_anna, last(*m_anna), &group));
+    LoggedRecords source(*m_anna);
+    const ChangeWords change = describe(group.changes.front(), source);
+    QCOMPARE(change.fields.size(), size_t(1));
+    QCOMPARE(change.fields.front().before, "«" + start + "1»");
+    QCOMPARE(change.fields.front().after, "«" + start + "2»");
+}
+
+void TestHistoryWords::aTextIsFoundAsItIsShown() {
+    const QString odd = R"(Кр "Q" b\c)";
+    ORVO_OK(Batch("MenuFolder").insert("8503a5", {{"caption", "Пульт"}}).send(*m_anna));
+    ORVO_OK(
+        Batch("Menu").insert("10ff", {{"caption", odd}, {"FolderKey", "8503a5"}}).send(*m_anna));
+    ORVO_OK(Batch("Menu").update("10FF", {{"params", "п=1\tq"}}).send(*m_boris));
+    ORVO_OK(Batch("MenuFolder").insert("d", {{"caption", "Шкаф"}}).send(*m_anna));
+    ORVO_OK(Batch("Menu").update("10ff", {{"FolderKey", "d"}}).send(*m_boris));
+    ORVO_OK(Batch("Menu").remove("10ff").send(*m_boris));
+    for (const auto& [text, found] : std::initializer_list<std::pair<QString, int>>{
+             {"\"q\"", 4}, // the record's name, also where something else was changed
+             {R"(b\c)", 4},
+             {"1\tq", 2},  // the value of then and of the deletion
+             {"пульт", 3}, // by its link as well: where it stood, and from where it was moved
+             {"шкаф", 3},
+             {"8503", 0}, // a key
+             {"10ff", 0},
+             {"order_", 0}}) {
+        Filter filter;
+        filter.text = text;
+        QVERIFY2(count(filter) == found,
+                 qPrintable(QString("%1: %2").arg(text).arg(count(filter))));
     }
 }
 

@@ -62,7 +62,7 @@ HistoryFilters::HistoryFilters(StoreThread& thread, const QString& login, QWidge
     m_from->setCalendarPopup(true);
     m_from->setDisplayFormat(QStringLiteral("dd.MM.yyyy HH:mm"));
     m_from->hide();
-    m_text->setPlaceholderText(QStringLiteral("Текст в старом или новом значении"));
+    m_text->setPlaceholderText(QStringLiteral("Текст в названии или значении"));
     m_text->setClearButtonEnabled(true);
     m_text->setMaximumWidth(320);
     m_scopeButton->setToolTip(QStringLiteral("Показать историю всех строк"));
