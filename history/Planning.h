@@ -38,7 +38,8 @@ public:
     store::Status collect();
     /// What each of them should be.
     store::Status decide();
-    /// Puts what others have changed in a record that a cut made into the one that it took away.
+    /// If what others have built on is to go, it goes back with a cut: what they have changed in
+    /// the record that it made is put into the one that it took away.
     void followCuts();
     /// Leaves out deletions of forms that another user has taken into work; decideContents() what
     /// is done to their contents.
@@ -97,6 +98,8 @@ private:
     void update(const store::TableDef& table, Record& record);
     bool isSelected(const store::TableDef& table, const std::string& key) const;
     Record* cutFrom(const store::TableDef& table, const Record& made);
+    /// Leaves a cut as it is if something of what it made stays.
+    void keepCutsWhole(bool* changed);
     void remark(Remark::Why why, const store::TableDef& table, const Record& record, int field = -1,
                 const store::Change* change = nullptr);
 

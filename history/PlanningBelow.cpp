@@ -125,6 +125,8 @@ store::Status Planning::keepWhatIsBuiltOn() {
             for (const Link& link : linksTo(*table))
                 if (store::Status status = lookBelow(*table, link, keys, &again); !status.ok())
                     return status;
+        if (!again && !m_kept.empty())
+            keepCutsWhole(&again);
     }
     return {};
 }

@@ -1,5 +1,5 @@
 // What an inverse does with a cut: it wrote anew what it took away, so others may have gone on with
-// the new record.
+// the new record. A cut goes back as a whole or stays: else there would be two of it.
 #include "history/Planning.h"
 
 #include "frame/Vocabulary.h"
@@ -58,8 +58,8 @@ Planning::Record* Planning::cutFrom(const store::TableDef& table, const Record& 
 }
 
 void Planning::followCuts() {
-    if (m_alone)
-        return; // nobody has gone on with anything
+    if (m_alone || !m_choices.othersWorkToo)
+        return;
     for (auto& [table, records] : m_records)
         for (auto& [key, made] : records) {
             if (made.flag != MDX_DELETE || !made.builtOn)
@@ -72,7 +72,31 @@ void Planning::followCuts() {
                     for (const auto& [field, value] : event.after)
                         if (!isPlace(*table, field))
                             gone->values[field] = value;
-            made.builtOn = nullptr;
+        }
+}
+
+void Planning::keepCutsWhole(bool* changed) {
+    std::set<int64_t> stuck;
+    for (auto& [table, records] : m_records)
+        for (auto& [key, made] : records)
+            if (m_kept.count(&made) != 0 && cutFrom(*table, made))
+                for (const Event& event : made.events)
+                    if (isConcerned(event) && event.change->code == OrvoEventInsert)
+                        stuck.insert(event.change->group);
+    if (stuck.empty())
+        return;
+    for (auto& [table, records] : m_records)
+        for (auto& [key, record] : records) {
+            const bool isOfCut =
+                std::any_of(record.events.begin(), record.events.end(), [&](const Event& event) {
+                    return stuck.count(event.change->group) != 0;
+                });
+            if (!isOfCut || record.flag == 0)
+                continue;
+            if (record.flag == MDX_DELETE)
+                m_kept.insert(&record);
+            record.flag = 0;
+            *changed = true;
         }
 }
 

@@ -88,6 +88,8 @@ private:
     void act(size_t who);
     /// Takes back what of these actions can be, and leaves the rest.
     void undoAll(std::vector<Action>& actions);
+    /// Takes back what that one has done since `begin`, and looks at what became of the rest.
+    void takeBackOf(size_t who, const State& before, int64_t begin);
 
     QRandomGenerator m_random;
     std::vector<std::unique_ptr<MaintainedStore>> m_users;
@@ -103,7 +105,16 @@ void TestHistoryRandom::plant() {
     m_users.clear();
     for (const char* name : {"u1", "u2", "u3", "u4"})
         m_users.push_back(login(name));
-    ORVO_OK(Batch("MenuResourceFolder").insert("forms", {{"type_", 3}}).send(*m_anna));
+    ORVO_OK(Batch("MenuResourceFolder")
+                .insert("forms", {{"type_", 3}})
+                .insert("files", {{"type_", 4}, {"caption", "Документы"}})
+                .insert("rf", {{"type_", 2}, {"caption", "Функции"}})
+                .send(*m_anna));
+    ORVO_OK(Batch("MenuResource")
+                .insert("r1", {{"caption", "Ф 1"}, {"type_", 2}, {"MenuResourceFolderKey", "rf"}})
+                .insert("r2", {{"caption", "Ф 2"}, {"type_", 2}})
+                .send(*m_anna));
+    ORVO_OK(Batch("MenuFileExt").insert("x", {{"ext", ".ui"}}).send(*m_anna));
     ORVO_OK(m_anna->formPut("", {{"", "form0_", "at first", 1.5}}));
     ORVO_OK(Batch("MenuFolder")
                 .insert("f", {{"caption", "Папка"}, {"isFolder", true}})
@@ -126,8 +137,20 @@ void TestHistoryRandom::act(size_t who) {
     const std::string element = anyKey(now, "Menu"), other = anyKey(now, "Menu"),
                       desktop = anyKey(now, "MenuFolder");
     Status status;
+    int64_t group = 0; // of two calls
+    const int64_t writtenBefore = store.lastWritten().first;
     const QString text = QString("т%1").arg(number(1000));
-    switch (number(10)) {
+    const auto withAllBelow = [&](const char* table, const std::string& top, size_t parent) {
+        std::set<std::string> all = {top};
+        for (size_t size = 0; size != all.size();) {
+            size = all.size();
+            for (const auto& [key, row] : now.of(table))
+                if (all.count(foldedKey(textOf(row[parent]))) != 0)
+                    all.insert(key);
+        }
+        return all;
+    };
+    switch (number(16)) {
     case 0:
     case 1: {
         Batch batch("Menu");
@@ -159,15 +182,8 @@ void TestHistoryRandom::act(size_t who) {
     case 5: { // with all below it, as editors do
         if (element.empty())
             break;
-        std::set<std::string> gone = {element};
-        for (size_t size = 0; size != gone.size();) {
-            size = gone.size();
-            for (const auto& [key, row] : now.tables.at("Menu"))
-                if (gone.count(foldedKey(textOf(row[1]))) != 0)
-                    gone.insert(key);
-        }
         Batch batch("Menu");
-        for (const std::string& key : gone)
+        for (const std::string& key : withAllBelow("Menu", element, 1))
             batch.remove(key.c_str());
         status = batch.send(store);
         break;
@@ -185,6 +201,78 @@ void TestHistoryRandom::act(size_t who) {
     case 9:
         status = store.formDelete({"form" + std::to_string(number(3)) + "_"});
         break;
+    case 10: { // a desktop with its elements
+        if (desktop.empty())
+            break;
+        Batch elements("Menu");
+        bool isEmpty = true;
+        const auto folder = size_t(findTable("Menu")->find("FolderKey"));
+        for (const auto& [key, row] : now.of("Menu"))
+            if (foldedKey(textOf(row[folder])) == desktop) {
+                elements.remove(key.c_str());
+                isEmpty = false;
+            }
+        Batch folders("MenuFolder");
+        for (const std::string& key : withAllBelow(
+                 "MenuFolder", desktop, size_t(findTable("MenuFolder")->find("ParentKey"))))
+            folders.remove(key.c_str());
+        if (!isEmpty) {
+            status = elements.send(store);
+            store.joinGroup(group = store.lastWritten().first);
+        }
+        if (status.ok())
+            status = folders.send(store);
+        store.joinGroup(0);
+        break;
+    }
+    case 11: // may be refused: below itself
+        if (!desktop.empty())
+            status = Batch("MenuFolder")
+                         .update(desktop.c_str(), {{"ParentKey", number(2) ? "f" : ""}})
+                         .send(store);
+        break;
+    case 12: { // a cut: what was there is written anew
+        if (element.empty() || withAllBelow("Menu", element, 1).size() > 1)
+            break;
+        const TableDef& table = *findTable("Menu");
+        const std::vector<Value>& row = now.of("Menu").at(element);
+        const auto value = [&](const char* field) {
+            return QString::fromStdString(textOf(row[size_t(table.find(field))]));
+        };
+        status = Batch("Menu")
+                     .insert(qPrintable(QString("c%1").arg(++m_made)),
+                             {{"caption", value("caption")},
+                              {"params", value("params")},
+                              {"FolderKey", QString::fromStdString(desktop)}})
+                     .send(store);
+        store.joinGroup(group = store.lastWritten().first);
+        if (status.ok())
+            status = Batch("Menu").remove(element.c_str()).send(store);
+        store.joinGroup(0);
+        break;
+    }
+    case 13: {
+        const std::string resource = anyKey(now, "MenuResource");
+        if (!resource.empty())
+            status = Batch("MenuResource")
+                         .update(resource.c_str(), {{"caption", text}, {"ico", text}})
+                         .send(store);
+        break;
+    }
+    case 14: {
+        const std::string path = number(2) ? "Документы" : "";
+        const std::string name = "file" + std::to_string(number(3));
+        if (number(3) != 0)
+            status = store.filePut({{path, name, text.toStdString(), {}}});
+        else
+            status = store.fileDelete({{path, name}});
+        break;
+    }
+    case 15:
+        status = number(2)
+                     ? Batch("MenuFileExt").update("x", {{"ext", text}}).send(store)
+                     : Batch("MenuResourceFolder").update("rf", {{"caption", text}}).send(store);
+        break;
     default:
         status = Batch("MenuFolder")
                      .insert(qPrintable(QString("g%1").arg(++m_made)),
@@ -192,9 +280,8 @@ void TestHistoryRandom::act(size_t who) {
                      .update("d1", {{"caption", text}})
                      .send(store);
     }
-    if (status.ok() && store.lastWritten().first > 0 &&
-        (m_actions.empty() || m_actions.back().group < store.lastWritten().first))
-        m_actions.push_back({who, store.lastWritten().first});
+    if (status.ok() && store.lastWritten().first > writtenBefore)
+        m_actions.push_back({who, group > 0 ? group : store.lastWritten().first});
 }
 
 void TestHistoryRandom::undoAll(std::vector<Action>& actions) {
@@ -230,9 +317,16 @@ void TestHistoryRandom::ofEachOnlyHisOwnIsTakenBack() {
     }();
     for (int i = 0; i < 40; ++i)
         act(size_t(number(4)));
+    std::vector<size_t> logins = {0, 1, 2, 3};
+    std::shuffle(logins.begin(), logins.end(), m_random);
+    for (const size_t who : logins)
+        if (!QTest::currentTestFailed())
+            takeBackOf(who, before, begin);
+}
+
+void TestHistoryRandom::takeBackOf(size_t who, const State& before, int64_t begin) {
     std::vector<Change> log;
     ORVO_OK(m_anna->readLog(begin, 100000, &log));
-    const auto who = size_t(number(4));
     const std::string name = m_users[who]->login();
     using Field = std::tuple<std::string, std::string, int>;
     std::set<Field> his, others;
