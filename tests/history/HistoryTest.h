@@ -82,6 +82,14 @@ protected:
         return list;
     }
 
+    /// Renames an element; the id of the group.
+    static int64_t rename(store::Store& store, const char* key, const char* caption) {
+        const store::Status status = Batch("Menu").update(key, {{"caption", caption}}).send(store);
+        if (!status.ok())
+            qWarning("%s", status.text.c_str());
+        return status.ok() ? last(store) : -1;
+    }
+
     StoreKind& m_kind;
     std::unique_ptr<store::MaintainedStore> m_anna, m_boris;
 

@@ -1,8 +1,6 @@
 // Actions are taken back without the work of others.
 #include "HistoryTest.h"
 
-#include "history/BackTo.h"
-
 using namespace orvo::store;
 using namespace orvo::history;
 using namespace orvo::history::test;
@@ -57,40 +55,10 @@ private slots:
     void anActionWithoutItsBeginningIsNamed();
     void whatIsGoneWithItsMakingIsNotCalledDeleted();
     void actionsOfAnOldStoreAreTakenBack();
-    void aRowGoesBackToAPlace();
-    void aBranchGoesBackToAPlace();
-    void ofAnActionOnlyWhatTheScopeHoldsGoesBack();
-    void aPlaceThatTheLogHasForgottenIsTold();
     void aCutGoesBackAsAWholeWithWhatOthersChanged();
     void whoDidItAgainHasNotBuiltOnIt();
-    void aPersonsLastHourGoesBack();
 
 private:
-    int64_t rename(MaintainedStore& store, const char* key, const char* caption) const {
-        const Status status = Batch("Menu").update(key, {{"caption", caption}}).send(store);
-        if (!status.ok())
-            qWarning("%s", status.text.c_str());
-        return last(store);
-    }
-    int64_t rename(Store& store, const char* key, const char* caption) const {
-        const Status status = Batch("Menu").update(key, {{"caption", caption}}).send(store);
-        return status.ok() ? last(store) : -1;
-    }
-    /// Takes back all in that scope down to the group, as one action.
-    void goBack(const Filter& scope, int64_t group) {
-        Selection selection;
-        ORVO_OK(collectBackTo(*m_anna, scope, group, &selection));
-        const int64_t before = last(*m_anna);
-        Inverse done;
-        ORVO_OK(undo(*m_anna, selection, {}, &done));
-        QCOMPARE(remarks(done).filter(QRegularExpression("^(?!Из действий, которые)")),
-                 QStringList());
-        QCOMPARE(done.written, !selection.groups.empty());
-        QVERIFY(selection.groups.empty() || last(*m_anna) > before);
-    }
-    QString captions() const {
-        return orvo::store::test::dump(*m_anna, "Menu", {"caption"}).replace('\n', ' ');
-    }
     QString caption(const char* key) const {
         std::map<std::string, std::vector<Value>> values;
         const TableDef& table = *findTable("Menu");
@@ -733,72 +701,6 @@ void TestHistoryUndo::actionsOfAnOldStoreAreTakenBack() {
     QCOMPARE(elements(), 0);
 }
 
-void TestHistoryUndo::aRowGoesBackToAPlace() {
-    rename(*m_anna, "a", "А0");
-    const int64_t place = rename(*m_boris, "a", "А1");
-    rename(*m_anna, "b", "Б1");
-    rename(*m_anna, "a", "А2");
-    Filter row;
-    row.table = "Menu";
-    row.key = "A";
-    goBack(row, place);
-    QCOMPARE(captions(), QString("А0 Б1 В"));
-}
-
-void TestHistoryUndo::aBranchGoesBackToAPlace() {
-    ORVO_OK(Batch("Menu").insert("x", {{"caption", "Х"}, {"FolderKey", "d"}}).send(*m_anna));
-    const QString before = captions();
-    const int64_t place = rename(*m_boris, "c", "В1");
-    rename(*m_anna, "x", "Х1");
-    rename(*m_anna, "a", "А1");
-    ORVO_OK(Batch("Menu").remove("c").send(*m_boris)); // was in the branch then
-    ORVO_OK(Batch("Menu").insert("e", {{"parent", "b"}, {"FolderKey", "d"}}).send(*m_anna));
-    Filter branch;
-    branch.branch = Branch{findTable("Menu"), "a"};
-    goBack(branch, place);
-    QCOMPARE(captions(), QString(before).replace("Х", "Х1"));
-}
-
-void TestHistoryUndo::ofAnActionOnlyWhatTheScopeHoldsGoesBack() {
-    ORVO_OK(Batch("Menu")
-                .update("a", {{"caption", "А1"}})
-                .update("b", {{"caption", "Б1"}})
-                .insert("n", {{"caption", "Н"}, {"parent", "c"}})
-                .send(*m_anna));
-    const int64_t place = last(*m_anna);
-    rename(*m_boris, "c", "В1");
-    Filter row;
-    row.table = "Menu";
-    row.key = "A";
-    goBack(row, place);
-    QCOMPARE(captions(), QString("А Б1 В1 Н"));
-    Filter branch;
-    branch.branch = Branch{findTable("Menu"), "c"};
-    goBack(branch, place);
-    QCOMPARE(captions(), QString("А Б1 В"));
-    // The action itself still stands, so its rest can be taken back.
-    Inverse done;
-    ORVO_OK(undo(*m_anna, {place}, {}, &done));
-    QVERIFY(done.written);
-    QCOMPARE(captions(), QString("А Б В"));
-}
-
-void TestHistoryUndo::aPlaceThatTheLogHasForgottenIsTold() {
-    const int64_t place = rename(*m_anna, "a", "А1");
-    rename(*m_boris, "a", "А2");
-    rename(*m_anna, "b", "Б1");
-    ORVO_OK(m_anna->pruneLog(place));
-    Filter row;
-    row.table = "Menu";
-    row.key = "a";
-    Selection selection;
-    ORVO_OK(collectBackTo(*m_anna, row, place, &selection));
-    Inverse plan;
-    ORVO_OK(planInverse(*m_anna, selection, {}, &plan));
-    QCOMPARE(remarks(plan).filter("уже не помнит"),
-             QStringList{QString("Действие %1 журнал уже не помнит").arg(place)});
-}
-
 void TestHistoryUndo::aCutGoesBackAsAWholeWithWhatOthersChanged() {
     ORVO_OK(Batch("Menu")
                 .update("c", {{"params", "p"}})
@@ -848,24 +750,6 @@ void TestHistoryUndo::whoDidItAgainHasNotBuiltOnIt() {
     ORVO_OK(undo(*m_anna, {annas}, {}, &done));
     QVERIFY2(remarks(done).join('\n').contains("на этом построено другое (boris, "),
              qPrintable(remarks(done).join('\n')));
-}
-
-void TestHistoryUndo::aPersonsLastHourGoesBack() {
-    rename(*m_boris, "a", "А0");
-    QVERIFY(m_kind.byHand("UPDATE \"NciEvent\" SET \"time\" = \"time\" - 4000;"));
-    const int64_t place = rename(*m_boris, "a", "А1");
-    rename(*m_anna, "b", "Б1");
-    rename(*m_boris, "c", "В1");
-    std::vector<Change> newest;
-    ORVO_OK(m_anna->history({}, 1, &newest));
-    Filter person;
-    person.login = m_boris->login();
-    person.since = newest.front().time - 3600;
-    // Only what the filter lets pass goes back, whatever place is chosen.
-    goBack(person, 1);
-    QCOMPARE(captions(), QString("А0 Б1 В"));
-    goBack(person, place);
-    QCOMPARE(captions(), QString("А0 Б1 В"));
 }
 
 int main(int argc, char** argv) {

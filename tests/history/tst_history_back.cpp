@@ -1,0 +1,137 @@
+// Everything is taken back to a place of the history: of a row, a branch, a person.
+#include "HistoryTest.h"
+
+#include "history/BackTo.h"
+
+using namespace orvo::store;
+using namespace orvo::history;
+using namespace orvo::history::test;
+
+class TestHistoryBack : public HistoryTest {
+    Q_OBJECT
+public:
+    using HistoryTest::HistoryTest;
+
+private slots:
+    void init() {
+        HistoryTest::init();
+        ORVO_OK(Batch("MenuFolder").insert("d", {{"caption", "Стол"}}).send(*m_anna));
+        ORVO_OK(Batch("Menu")
+                    .insert("a", {{"caption", "А"}, {"FolderKey", "d"}})
+                    .insert("b", {{"caption", "Б"}, {"FolderKey", "d"}, {"parent", "a"}})
+                    .insert("c", {{"caption", "В"}, {"FolderKey", "d"}, {"parent", "b"}})
+                    .send(*m_anna));
+    }
+    void aRowGoesBackToAPlace();
+    void aBranchGoesBackToAPlace();
+    void aPersonsLastHourGoesBack();
+    void ofAnActionOnlyWhatTheScopeHoldsGoesBack();
+    void aPlaceThatTheLogHasForgottenIsTold();
+
+private:
+    QString captions() const {
+        return orvo::store::test::dump(*m_anna, "Menu", {"caption"}).replace('\n', ' ');
+    }
+    /// Takes back all in that scope down to the group, as one action.
+    void goBack(const Filter& scope, int64_t group) {
+        Selection selection;
+        ORVO_OK(collectBackTo(*m_anna, scope, group, &selection));
+        const int64_t before = last(*m_anna);
+        Inverse done;
+        ORVO_OK(undo(*m_anna, selection, {}, &done));
+        QCOMPARE(remarks(done).filter(QRegularExpression("^(?!Из действий, которые)")),
+                 QStringList());
+        QCOMPARE(done.written, !selection.groups.empty());
+        QVERIFY(selection.groups.empty() || last(*m_anna) > before);
+    }
+};
+
+void TestHistoryBack::aRowGoesBackToAPlace() {
+    rename(*m_anna, "a", "А0");
+    const int64_t place = rename(*m_boris, "a", "А1");
+    rename(*m_anna, "b", "Б1");
+    rename(*m_anna, "a", "А2");
+    Filter row;
+    row.table = "Menu";
+    row.key = "A";
+    goBack(row, place);
+    QCOMPARE(captions(), QString("А0 Б1 В"));
+}
+
+void TestHistoryBack::aBranchGoesBackToAPlace() {
+    ORVO_OK(Batch("Menu").insert("x", {{"caption", "Х"}, {"FolderKey", "d"}}).send(*m_anna));
+    const QString before = captions();
+    const int64_t place = rename(*m_boris, "c", "В1");
+    rename(*m_anna, "x", "Х1");
+    rename(*m_anna, "a", "А1");
+    ORVO_OK(Batch("Menu").remove("c").send(*m_boris)); // was in the branch then
+    ORVO_OK(Batch("Menu").insert("e", {{"parent", "b"}, {"FolderKey", "d"}}).send(*m_anna));
+    Filter branch;
+    branch.branch = Branch{findTable("Menu"), "a"};
+    goBack(branch, place);
+    QCOMPARE(captions(), QString(before).replace("Х", "Х1"));
+}
+
+void TestHistoryBack::aPersonsLastHourGoesBack() {
+    rename(*m_boris, "a", "А0");
+    QVERIFY(m_kind.byHand("UPDATE \"NciEvent\" SET \"time\" = \"time\" - 4000;"));
+    const int64_t place = rename(*m_boris, "a", "А1");
+    rename(*m_anna, "b", "Б1");
+    rename(*m_boris, "c", "В1");
+    std::vector<Change> newest;
+    ORVO_OK(m_anna->history({}, 1, &newest));
+    Filter person;
+    person.login = m_boris->login();
+    person.since = newest.front().time - 3600;
+    // Only what the filter lets pass goes back, whatever place is chosen.
+    goBack(person, 1);
+    QCOMPARE(captions(), QString("А0 Б1 В"));
+    goBack(person, place);
+    QCOMPARE(captions(), QString("А0 Б1 В"));
+}
+
+void TestHistoryBack::ofAnActionOnlyWhatTheScopeHoldsGoesBack() {
+    ORVO_OK(Batch("Menu")
+                .update("a", {{"caption", "А1"}})
+                .update("b", {{"caption", "Б1"}})
+                .insert("n", {{"caption", "Н"}, {"parent", "c"}})
+                .send(*m_anna));
+    const int64_t place = last(*m_anna);
+    rename(*m_boris, "c", "В1");
+    Filter row;
+    row.table = "Menu";
+    row.key = "A";
+    goBack(row, place);
+    QCOMPARE(captions(), QString("А Б1 В1 Н"));
+    Filter branch;
+    branch.branch = Branch{findTable("Menu"), "c"};
+    goBack(branch, place);
+    QCOMPARE(captions(), QString("А Б1 В"));
+    // The action itself still stands, so its rest can be taken back.
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {place}, {}, &done));
+    QVERIFY(done.written);
+    QCOMPARE(captions(), QString("А Б В"));
+}
+
+void TestHistoryBack::aPlaceThatTheLogHasForgottenIsTold() {
+    const int64_t place = rename(*m_anna, "a", "А1");
+    rename(*m_boris, "a", "А2");
+    rename(*m_anna, "b", "Б1");
+    ORVO_OK(m_anna->pruneLog(place));
+    Filter row;
+    row.table = "Menu";
+    row.key = "a";
+    Selection selection;
+    ORVO_OK(collectBackTo(*m_anna, row, place, &selection));
+    Inverse plan;
+    ORVO_OK(planInverse(*m_anna, selection, {}, &plan));
+    QCOMPARE(remarks(plan).filter("уже не помнит"),
+             QStringList{QString("Действие %1 журнал уже не помнит").arg(place)});
+}
+
+int main(int argc, char** argv) {
+    return orvo::store::test::runOnAllKinds<TestHistoryBack>(argc, argv);
+}
+
+#include "tst_history_back.moc"
