@@ -174,12 +174,22 @@ void TreeSearchBar::uncoverCurrent() {
     place();
 }
 
+/// What is typed and was not found means no row, whichever is still current.
+void TreeSearchBar::choose() {
+    if (!m_text->text().isEmpty() && !TreeSearch(m_view, m_hits, m_position).hasAny())
+        find(); // the rows may be others since
+    if (!m_text->text().isEmpty() && !TreeSearch(m_view, m_hits, m_position).hasAny())
+        return;
+    emit chosen();
+    m_text->selectAll(); // the next word replaces it
+}
+
 bool TreeSearchBar::takeKey(int key, bool shift) {
     switch (key) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
         if (m_returnChooses && !shift)
-            emit chosen();
+            choose();
         else
             step(shift ? -1 : 1);
         return true;

@@ -33,6 +33,7 @@ public:
     /// Whether a letter that is typed in the tree opens it.
     void setOpensOnTyping(bool on) { m_opensOnTyping = on; }
     /// Whether Enter in the field is a choice of the current row, and not the way to the next hit.
+    /// Nothing is chosen by a text that was not found; one that was is selected afterwards.
     void setReturnChooses(bool on) { m_returnChooses = on; }
     /// Opens it with the letter that was typed; false if it is none that begins a search.
     bool openOn(const QKeyEvent& key);
@@ -64,6 +65,7 @@ private:
     bool isOverCurrent() const;
     void uncoverCurrent();
     bool takeKey(int key, bool shift);
+    void choose();
 
     QTreeView& m_view;
     const std::vector<Column> m_columns;

@@ -728,7 +728,10 @@ private slots:
         QTest::keyClick(picker.button("btnCancel"), 'd');
         auto* text = picker->tvObj()->findChild<QLineEdit*>("treeSearchText");
         QVERIFY(text && text->isVisible());
-        QTest::keyClicks(text, "ee");
+        QTest::keyClicks(text, "eex");
+        QTest::keyClick(text, Qt::Key_Return);
+        QCOMPARE(picker.picked->size(), 0); // there is no such row
+        QTest::keyClick(text, Qt::Key_Backspace);
         QTest::keyClick(text, Qt::Key_Return);
         QCOMPARE(picker.picked->size(), 1);
         QCOMPARE(picker->chosenKey, QString("m5"));
