@@ -108,7 +108,9 @@ void PasspDelegate::setEditorData(QWidget* editor, const QModelIndex& index) con
     const QString text = value.toString();
     switch (editorType(index)) {
     case MyEditorLine:
-        if (auto* line = qobject_cast<QLineEdit*>(editor)) {
+        // A field forgets what was typed in it when its text is set, and that comes back from the
+        // model with each letter.
+        if (auto* line = qobject_cast<QLineEdit*>(editor); line && line->text() != text) {
             const QSignalBlocker blocked(line);
             line->setText(text);
         }

@@ -449,6 +449,26 @@ private slots:
         QCOMPARE(menu->m_propModel->getRowValue("params").toString(), QString());
     }
 
+    void inAFieldWhatWasTypedIsTakenBackAndDoneAgain() {
+        Menu menu;
+        QVERIFY(menu.open());
+        QTest::keyClick(menu.at("trend"), Qt::Key_F2);
+        QTreeView* passport = menu.view("tvProp");
+        auto* field = qobject_cast<QLineEdit*>(passport->indexWidget(passport->currentIndex()));
+        QVERIFY(field);
+        const QString before = field->text();
+        const auto shown = [&] { return menu->m_propModel->getRowValue("name").toString(); };
+        typeText(field, QStringLiteral("Новое"));
+        QCOMPARE(shown(), QStringLiteral("Новое"));
+        while (field->isUndoAvailable())
+            QTest::keyClick(field, Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(field->text(), before);
+        QCOMPARE(shown(), before);
+        while (field->isRedoAvailable())
+            QTest::keyClick(field, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(shown(), QStringLiteral("Новое"));
+    }
+
     void altDownAndOneClickOpenThePicker() {
         Menu menu;
         QVERIFY(menu.open());
