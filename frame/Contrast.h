@@ -16,6 +16,8 @@ namespace orvo {
 
 /// Of text and its background, as the accessibility guidelines for the web ask for it.
 constexpr double leastContrast = 4.5;
+/// The same of what is no text and still has to be seen, as the outline of a field.
+constexpr double leastShapeContrast = 3;
 
 /// The relative luminance of the guidelines, 0 (black) to 1 (white).
 inline double luminanceOf(const QColor& color) {
@@ -39,15 +41,16 @@ inline bool isDark(const QPalette& palette) {
 }
 
 /// The colour itself if it can be read on that background, else the nearest of its hue that can.
-inline QColor readable(const QColor& color, const QColor& background) {
-    if (contrastOf(color, background) >= leastContrast)
+inline QColor readable(const QColor& color, const QColor& background,
+                       double least = leastContrast) {
+    if (contrastOf(color, background) >= least)
         return color;
     const QColor hsl = color.toHsl();
     const int step = luminanceOf(background) < 0.18 ? 1 : -1; // away from the background
     QColor result = hsl;
     for (int light = hsl.lightness(); light >= 0 && light <= 255; light += step) {
         result.setHsl(hsl.hslHue(), hsl.hslSaturation(), light);
-        if (contrastOf(result, background) >= leastContrast)
+        if (contrastOf(result, background) >= least)
             break;
     }
     return result.toRgb();

@@ -78,8 +78,6 @@ RecordMark RowDelegate::markOf(const QModelIndex& index) const {
 
 void RowDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
     QStyledItemDelegate::initStyleOption(option, index);
-    if (!isDark(option->palette))
-        return;
     QColor behind = option->palette.color(QPalette::Base);
     if (option->backgroundBrush.style() == Qt::SolidPattern) {
         behind = ground(option->backgroundBrush.color(), option->palette);

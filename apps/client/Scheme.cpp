@@ -12,9 +12,9 @@
 #include <QDBusPendingReply>
 #include <QDBusVariant>
 #include <QMenu>
+#include <QProxyStyle>
 #include <QSettings>
-#include <QStyle>
-#include <QStyleFactory>
+#include <QStyleOptionButton>
 
 namespace orvo::app {
 
@@ -61,6 +61,32 @@ QPalette paletteOf(const Colours& colours) {
     return palette;
 }
 
+/// Fusion draws the outline of a check box a little darker than the window, which on a dark window
+/// is not seen.
+class OutlinedStyle : public QProxyStyle {
+public:
+    OutlinedStyle() : QProxyStyle(QStringLiteral("Fusion")) {
+        setObjectName(QStringLiteral("fusion")); // others ask for it by that name
+    }
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override {
+        const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
+        if (!button || (element != PE_IndicatorCheckBox && element != PE_IndicatorRadioButton)) {
+            QProxyStyle::drawPrimitive(element, option, painter, widget);
+            return;
+        }
+        QStyleOptionButton seen = *button;
+        constexpr double rounding = 0.3;
+        const QColor outline =
+            readable(seen.palette.color(QPalette::Window), seen.palette.color(QPalette::Base),
+                     leastShapeContrast + rounding);
+        // What Fusion makes of the window's colour, in percent.
+        const int darkened = element == PE_IndicatorCheckBox ? 140 * 100 / 110 : 150;
+        seen.palette.setColor(QPalette::Window, outline.lighter(darkened));
+        QProxyStyle::drawPrimitive(element, &seen, painter, widget);
+    }
+};
+
 } // namespace
 
 QPalette lightPalette() {
@@ -83,7 +109,9 @@ SchemeKeeper::SchemeKeeper(QObject* parent) : QObject(parent), m_wasDark(isDark(
             m_scheme = choice.scheme;
     if (!m_isOurs)
         return;
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    // Else a widget with a style sheet keeps the palette that it had when it was polished.
+    QCoreApplication::setAttribute(Qt::AA_UseStyleSheetPropagationInWidgetStyles);
+    QApplication::setStyle(new OutlinedStyle); // the application's
     apply();
     ask();
 }

@@ -55,21 +55,40 @@ bool looksDark() {
     return isDark(qApp->palette());
 }
 
-/// The greatest contrast that a part of the picture has to its most frequent colour.
-double contrastIn(const QImage& picture, const QRect& part) {
+QHash<QRgb, int> coloursIn(const QImage& picture, const QRect& part) {
     QHash<QRgb, int> colours;
     const QRect inside = part & picture.rect();
     for (int y = inside.top(); y <= inside.bottom(); ++y)
         for (int x = inside.left(); x <= inside.right(); ++x)
             ++colours[picture.pixel(x, y)];
+    return colours;
+}
+
+/// The most frequent colour of a part of the picture.
+QColor behindIn(const QImage& picture, const QRect& part) {
+    const QHash<QRgb, int> colours = coloursIn(picture, part);
     QRgb behind = 0;
     for (auto it = colours.cbegin(); it != colours.cend(); ++it)
         if (it.value() > colours.value(behind))
             behind = it.key();
+    return QColor(behind);
+}
+
+/// The greatest contrast that a part of the picture has to its most frequent colour.
+double contrastIn(const QImage& picture, const QRect& part) {
+    const QHash<QRgb, int> colours = coloursIn(picture, part);
+    const QColor behind = behindIn(picture, part);
     double best = 1;
     for (auto it = colours.cbegin(); it != colours.cend(); ++it)
-        best = std::max(best, contrastOf(QColor(it.key()), QColor(behind)));
+        best = std::max(best, contrastOf(QColor(it.key()), behind));
     return best;
+}
+
+/// A part of a widget in the picture of its window.
+QRect partOf(const QImage& picture, const QWidget& widget, const QRect& part) {
+    const double scale = picture.devicePixelRatio();
+    const QPoint corner = widget.mapTo(widget.window(), part.topLeft());
+    return {(QPointF(corner) * scale).toPoint(), part.size() * scale};
 }
 
 /// The places of a window where something is written, with what it is.
@@ -214,6 +233,62 @@ private slots:
             }
         }
         QVERIFY2(looked > 40, qPrintable(QString::number(looked)));
+    }
+
+    void everyTreeAndListTurnsWhileTheProgramRuns() {
+        SchemeKeeper keeper;
+        keeper.choose(Scheme::Light);
+        RunningClient running;
+        app::MainWindow* window = running.client->window();
+        for (const bool dark : {true, false}) {
+            keeper.choose(dark ? Scheme::Dark : Scheme::Light);
+            int looked = 0;
+            for (int page = 0; page < 2; ++page) {
+                window->findChild<QTabWidget*>()->setCurrentIndex(page);
+                QTest::qWait(50); // painted as it will stay
+                const QImage picture = window->grab().toImage();
+                for (const QTreeView* tree : window->findChildren<QTreeView*>()) {
+                    if (!tree->isVisible())
+                        continue;
+                    const QWidget* rows = tree->viewport();
+                    const QColor behind = behindIn(picture, partOf(picture, *rows, rows->rect()));
+                    QVERIFY2((luminanceOf(behind) < 0.18) == dark,
+                             qPrintable(tree->objectName() + ' ' + behind.name()));
+                    ++looked;
+                }
+            }
+            QVERIFY(looked >= 5);
+        }
+    }
+
+    void aCheckBoxThatIsOffIsSeen_data() {
+        QTest::addColumn<bool>("dark");
+        QTest::newRow("light") << false;
+        QTest::newRow("dark") << true;
+    }
+    void aCheckBoxThatIsOffIsSeen() {
+        constexpr double leastOfShapes = 3; // as the guidelines have it for what is no text
+        QFETCH(bool, dark);
+        SchemeKeeper keeper;
+        keeper.choose(dark ? Scheme::Dark : Scheme::Light);
+        RunningClient running;
+        QTreeView* menu = running.view("tvMenu");
+        const QModelIndex top = menu->model()->index(0, 0);
+        QTRY_VERIFY(menu->model()->rowCount(top) > 0);
+        menu->setCurrentIndex(menu->model()->index(0, 0, top));
+        QTest::qWait(50);
+        QTreeView* passport = running.module("Menu")->findChild<QTreeView*>("tvProp");
+        QModelIndex row = passport->model()->index(0, 0);
+        while (row.isValid() && row.data().toString() != QStringLiteral("Разделитель"))
+            row = passport->indexBelow(row);
+        QVERIFY(row.isValid());
+        running.client->window()->resize(1300, 900);
+        passport->scrollTo(row.siblingAtColumn(1));
+        const QImage picture = running.client->window()->grab().toImage();
+        const QRect cell = passport->visualRect(row.siblingAtColumn(1)).adjusted(2, 2, -2, -2);
+        QVERIFY(passport->viewport()->rect().contains(cell));
+        const double contrast = contrastIn(picture, partOf(picture, *passport->viewport(), cell));
+        QVERIFY2(contrast >= leastOfShapes, qPrintable(QString::number(contrast)));
     }
 };
 
