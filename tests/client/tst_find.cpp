@@ -7,6 +7,7 @@
 #include <QAbstractItemModelTester>
 #include <QBuffer>
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QDockWidget>
 #include <QIcon>
 #include <QLabel>
@@ -80,6 +81,29 @@ private slots:
         QTest::keyClick(fixture.line(), Qt::Key_Return);
         QVERIFY(!fixture.pane()->isVisible());
         QTRY_COMPARE(fixture.currentElement(), QString("в"));
+    }
+
+    void theMenuKeyIsThatOfTheRowAlsoWhileOneTypes() {
+        Fixture fixture;
+        fixture.open();
+        fixture.type("кс-1 в");
+        QTRY_COMPARE(fixture.rows().size(), 1);
+        QStringList entries;
+        QTimer poll; // a menu runs a loop of its own, in which this is called
+        connect(&poll, &QTimer::timeout, this, [&] {
+            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            if (!menu)
+                return;
+            for (const QAction* action : menu->actions())
+                entries << action->text();
+            menu->close();
+        });
+        poll.start(0);
+        // As the platform asks for it.
+        QContextMenuEvent asked(QContextMenuEvent::Keyboard, fixture.line()->rect().center());
+        QApplication::sendEvent(fixture.line(), &asked);
+        QTRY_VERIFY(!entries.isEmpty());
+        QCOMPARE(entries.first(), QString("Открыть"));
     }
 
     void aDoubleClickGoesToTheRowAndMeetsNothingBelow() {

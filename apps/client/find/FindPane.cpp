@@ -296,6 +296,11 @@ bool FindPane::eventFilter(QObject* watched, QEvent* event) {
             place();
         return false;
     }
+    // The platform asks before the key comes, and the field has a menu of its own.
+    if (event->type() == QEvent::ContextMenu && asksForContextMenu(*event)) {
+        openContextMenu(*m_view);
+        return true;
+    }
     if (event->type() != QEvent::KeyPress)
         return QFrame::eventFilter(watched, event);
     auto* press = static_cast<QKeyEvent*>(event);
