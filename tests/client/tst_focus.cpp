@@ -1,6 +1,7 @@
 // Where the keyboard goes in the client's window, that one sees where it is, and what small things
 // the window does with room.
 #include "apps/client/FocusMark.h"
+#include "apps/client/history/HistoryModel.h"
 #include "tests/client/RunningClient.h"
 
 #include <QHeaderView>
@@ -134,6 +135,31 @@ private slots:
             if (!header->isSectionHidden(column))
                 QVERIFY2(header->sectionSize(column) >= header->sectionSizeHint(column),
                          qPrintable(QString::number(column)));
+    }
+
+    void placesThatDifferAtTheirEndsLookDifferent() {
+        Fixture fixture;
+        fixture.add("p", "Линейные управления Белого Мыса", nullptr);
+        fixture.add("p1", "первая", "p");
+        fixture.add("p2", "вторая", "p");
+        fixture.add("x1", "узел", "p1");
+        fixture.add("x2", "узел", "p2");
+        QVERIFY(fixture.show("Menu"));
+        QTest::keyClick(fixture.client->window(), Qt::Key_F4);
+        auto* history = fixture.child<QTreeView>("historyTree");
+        const auto place = [&](int row) {
+            return history->model()->index(row, app::HistoryModel::Where);
+        };
+        QTRY_COMPARE(place(0).data().toString(),
+                     QString("КС-1 / Линейные управления Белого Мыса / вторая"));
+        history->setAlternatingRowColors(false);
+        history->setColumnWidth(app::HistoryModel::Where, 150);
+        const auto picture = [&](int row) {
+            history->scrollTo(place(row));
+            return history->viewport()->grab(history->visualRect(place(row))).toImage();
+        };
+        QVERIFY(picture(0).width() > 50);
+        QVERIFY(picture(0) != picture(1));
     }
 };
 

@@ -33,6 +33,18 @@ QPushButton* addButton(QHBoxLayout* row, const QString& text, const char* name) 
     return button;
 }
 
+/// Places of one branch begin alike.
+class PlaceDelegate : public ReadableDelegate {
+public:
+    using ReadableDelegate::ReadableDelegate;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        ReadableDelegate::initStyleOption(option, index);
+        option->textElideMode = Qt::ElideLeft;
+    }
+};
+
 } // namespace
 
 HistoryPane::HistoryPane(StoreThread& thread, const QString& login, bool mayWrite, QWidget* parent)
@@ -50,6 +62,7 @@ HistoryPane::HistoryPane(StoreThread& thread, const QString& login, bool mayWrit
     m_view->setModel(&m_feed.model());
     m_view->setUniformRowHeights(true);
     m_view->setItemDelegate(new ReadableDelegate(m_view));
+    m_view->setItemDelegateForColumn(HistoryModel::Where, new PlaceDelegate(m_view));
     m_view->setAlternatingRowColors(true);
     m_view->setFrameShape(QFrame::NoFrame);
     m_view->setContextMenuPolicy(Qt::CustomContextMenu);
