@@ -165,6 +165,8 @@ void Client::show() {
     else
         m_workplace->openRemembered();
     m_window->tabs()->setCurrentIndex(tab);
+    if (!isWorkplace())
+        m_window->focusPage();
     m_pump->start();
     if (!isWorkplace())
         showPresence();

@@ -117,8 +117,13 @@ void MainWindow::stepTab(int by) {
     if (count == 0)
         return;
     m_tabs->setCurrentIndex((m_tabs->currentIndex() + by + count) % count);
-    // Where the focus was there, or its first tree.
+    focusPage();
+}
+
+void MainWindow::focusPage() {
     QWidget* page = m_tabs->currentWidget();
+    if (!page)
+        return;
     QWidget* part = page->focusWidget();
     if (!part)
         part = page->findChild<QAbstractItemView*>();

@@ -33,6 +33,8 @@ public:
 
     /// Brings the tab to the front.
     void showPage(QWidget* page);
+    /// Gives the focus to the part of the tab on show that had it there, else to its first tree.
+    void focusPage();
     /// Places the menu of a desktop beside the tabs, at the left or the right; the pane can be
     /// closed (deskClosed), and goes with the module. It is `width` wide (0: as is usual) if the
     /// window's own state, as it was restored, does not know the pane.

@@ -27,7 +27,8 @@ constexpr int mostOpenRows = 2000;
 constexpr int mostRowsLookedAt = 200'000;
 constexpr int deepest = 1000;
 constexpr int leastWidth = 16, greatestWidth = 4000;
-constexpr int dockLayout = 1; ///< to be raised when the docks' names change
+constexpr char focusKey[] = "focus"; // of a module: its tree that had the focus there
+constexpr int dockLayout = 1;        ///< to be raised when the docks' names change
 
 QString keyOf(const QModelIndex& row) {
     return row.data(keyRole).toString();
@@ -345,6 +346,10 @@ void WindowMemory::saveModule(const QString& name, const QWidget& module) const 
     QSettings settings = clientSettings();
     settings.beginGroup(m_group);
     settings.beginGroup(name);
+    for (const QTreeView* tree : treesOf(module))
+        if (const QWidget* focus = module.focusWidget();
+            focus == tree || (focus && tree->isAncestorOf(focus)))
+            settings.setValue(QLatin1String(focusKey), tree->objectName());
     for (const QSplitter* splitter : module.findChildren<QSplitter*>())
         settings.setValue(splitter->objectName(), splitter->saveState());
     for (const QTreeView* tree : treesOf(module)) {
@@ -385,6 +390,8 @@ void WindowMemory::restoreModule(const QString& name, QWidget& module) const {
             choose(*tree, settings.value(QStringLiteral("current")).toStringList().mid(0, deepest));
             settings.endGroup();
         }
+        if (settings.value(QLatin1String(focusKey)).toString() == tree->objectName())
+            tree->setFocus(Qt::OtherFocusReason);
     }
 }
 

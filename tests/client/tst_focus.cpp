@@ -101,6 +101,25 @@ private slots:
                          "Следующее найденное, Поиск в каталоге, Создать, tvProp:caption"));
     }
 
+    void theTreeThatOneLeftHasTheFocusAtTheStart() {
+        Fixture fixture;
+        const auto focused = [&] {
+            fixture.client->window()->activateWindow();
+            return QTest::qWaitForWindowActive(fixture.client->window())
+                       ? Fixture::nameOf(QApplication::focusWidget())
+                       : QString("no window");
+        };
+        QCOMPARE(focused(), QString("tvDesck"));
+        fixture.tree("Menu", "tvMenu")->setFocus();
+        fixture.stop();
+        fixture.start();
+        QCOMPARE(focused(), QString("tvMenu"));
+        fixture.client->window()->showPage(fixture.module("Resources"));
+        fixture.stop();
+        fixture.start();
+        QCOMPARE(focused(), QString("tvRes"));
+    }
+
     void aFrameShowsWhichTreeHasTheFocus() {
         Fixture fixture;
         QVERIFY(fixture.show("Menu"));
