@@ -10,6 +10,7 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QContextMenuEvent>
+#include <QDockWidget>
 #include <QMap>
 #include <QMenu>
 #include <QMenuBar>
@@ -201,6 +202,27 @@ void MainWindow::focusPart(int by) {
         if (focus && (parts[i] == focus || parts[i]->isAncestorOf(focus)))
             next = (i + by + count) % count;
     parts[static_cast<size_t>(next)]->setFocus(Qt::ShortcutFocusReason);
+}
+
+bool MainWindow::focusNextPrevChild(bool next) {
+    const auto takesTab = [this](const QWidget& widget) {
+        if (!(widget.focusPolicy() & Qt::TabFocus) || widget.focusProxy() || !widget.isEnabled() ||
+            widget.window() != this || !widget.isVisibleTo(this))
+            return false;
+        for (const QWidget* up = &widget; up != this; up = up->parentWidget())
+            if (qobject_cast<const QDockWidget*>(up) && up->visibleRegion().isEmpty())
+                return false;
+        return true;
+    };
+    QWidget* const from = focusWidget() ? focusWidget() : this;
+    QWidget* to = from;
+    do
+        to = next ? to->nextInFocusChain() : to->previousInFocusChain();
+    while (to != from && !takesTab(*to));
+    if (to == from)
+        return false;
+    to->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    return true;
 }
 
 void MainWindow::makeHelpMenu() {

@@ -103,6 +103,9 @@ signals:
 protected:
     void closeEvent(QCloseEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    /// Tab passes the panes that are behind others: to Qt they are visible, beyond the window's
+    /// edge.
+    bool focusNextPrevChild(bool next) override;
 
 private slots:
     void errorSeen();

@@ -101,6 +101,32 @@ private slots:
                          "Следующее найденное, Поиск в каталоге, Создать, tvProp:caption"));
     }
 
+    void tabPassesThePanesThatAreBehindOthers() {
+        Fixture fixture;
+        QVERIFY(fixture.show("Menu"));
+        fixture.client->window()->resize(1600, 900);
+        const auto isInFront = [&](const char* tree) {
+            return !fixture.child<QTreeView>(tree)->viewport()->visibleRegion().isEmpty();
+        };
+        QTest::keyClick(fixture.client->window(), Qt::Key_F4);
+        QTRY_VERIFY(isInFront("historyTree"));
+        QTest::keyClick(fixture.client->window(), Qt::Key_F8);
+        QTRY_VERIFY(isInFront("problemsTree"));
+        QVERIFY(!isInFront("historyTree"));
+        for (const Qt::Key key : {Qt::Key_Tab, Qt::Key_Backtab}) {
+            fixture.tree("Menu", "tvDesck")->setFocus();
+            bool inFront = false;
+            for (int i = 0; i < 40; ++i) {
+                QTest::keyClick(QApplication::focusWidget(), key);
+                const QWidget* focus = QApplication::focusWidget();
+                const QPoint at = focus->mapTo(focus->window(), focus->rect().center());
+                QVERIFY2(focus->window()->rect().contains(at), qPrintable(Fixture::nameOf(focus)));
+                inFront = inFront || focus->objectName() == "problemsTree";
+            }
+            QVERIFY(inFront);
+        }
+    }
+
     void theTreeThatOneLeftHasTheFocusAtTheStart() {
         Fixture fixture;
         const auto focused = [&] {
