@@ -213,6 +213,20 @@ void MainWindow::showEvent(QShowEvent* event) {
         QTimer::singleShot(200, this, &MainWindow::fitScreen);
 }
 
+/// Back from a dialog or another window the user finds on what he left: a module switches the
+/// actions of its rows off when these lose the focus.
+void MainWindow::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    if (event->type() != QEvent::ActivationChange || !isActiveWindow())
+        return;
+    // The focus comes back after this event.
+    QTimer::singleShot(0, this, [this] {
+        auto* module = qobject_cast<COrvoCliMod*>(m_tabs->currentWidget());
+        if (module && module->isAncestorOf(QApplication::focusWidget()))
+            module->slot_modNotify(QStringLiteral("menus"), {});
+    });
+}
+
 void MainWindow::becomePicture() {
     m_isPicture = true;
     resize(usualSize);

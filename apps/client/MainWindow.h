@@ -103,6 +103,7 @@ signals:
 protected:
     void closeEvent(QCloseEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    void changeEvent(QEvent* event) override;
     /// Tab passes the panes that are behind others: to Qt they are visible, beyond the window's
     /// edge.
     bool focusNextPrevChild(bool next) override;

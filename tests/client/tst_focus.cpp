@@ -146,6 +146,30 @@ private slots:
         QCOMPARE(focused(), QString("tvRes"));
     }
 
+    void theCommandsOfTheRowAreOnAgainAfterADialog() {
+        Fixture fixture;
+        fixture.writes(
+            MDX_INSERT,
+            {{{"KeyLink", "n"}, {"FolderKey", "desk"}, {"caption", "н"}, {"order_", "5000"}}});
+        fixture.add("m", "м", "n"); // so the undo asks
+        QVERIFY(fixture.show("Menu"));
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г н(м)"));
+        QTreeView* menu = fixture.view("tvMenu");
+        menu->setFocus();
+        menu->setCurrentIndex(menu->model()->index(1, 0, menu->model()->index(0, 0)));
+        QAction* remove = fixture.module("Menu")->findChild<QAction*>("actDeleteElem");
+        QVERIFY(remove->isEnabled());
+        QTest::keyClick(menu, Qt::Key_Z, Qt::ControlModifier);
+        const auto dialog = [&] { return fixture.child<QWidget>("revertDialog"); };
+        QTRY_VERIFY(dialog() && dialog()->isVisible());
+        QTRY_VERIFY(!remove->isEnabled());
+        QTest::keyClick(dialog(), Qt::Key_Escape);
+        QTRY_VERIFY(!dialog() || !dialog()->isVisible());
+        fixture.client->window()->activateWindow();
+        QTRY_COMPARE(QApplication::focusWidget(), menu);
+        QTRY_VERIFY(remove->isEnabled());
+    }
+
     void aFrameShowsWhichTreeHasTheFocus() {
         Fixture fixture;
         QVERIFY(fixture.show("Menu"));
