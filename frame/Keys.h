@@ -55,6 +55,7 @@ inline constexpr char branchHistory[] = "branchHistory";
 inline constexpr char versions[] = "versions";
 inline constexpr char problems[] = "problems";
 inline constexpr char unwritten[] = "unwritten";
+inline constexpr char failure[] = "failure";
 inline constexpr char find[] = "find";
 inline constexpr char findAll[] = "findAll";
 inline constexpr char uses[] = "uses";
@@ -109,6 +110,7 @@ inline constexpr Command commands[] = {
     {versions, Menu::View, "Ctrl+H", "Прежние версии…", "прежнее содержимое текущей формы или файла"},
     {problems, Menu::View, "F8", "Проблемы", "открыть или закрыть список того, что не так"},
     {unwritten, Menu::View, "Shift+F8", "Не записано", "открыть или закрыть список того, что не записано"},
+    {failure, Menu::View, "F12", "Сообщение о сбое", "прочесть строку сбоя целиком; ещё раз или Esc — убрать"},
     {find, Menu::Go, "Ctrl+F", "Найти", "поле поиска дерева, в котором стоит курсор"},
     {findAll, Menu::Go, "Ctrl+K", "Найти всё", "поиск по столам, элементам, ресурсам, файлам и людям"},
     {uses, Menu::Go, "F9", "Где используется", "где используется ресурс текущей строки"},

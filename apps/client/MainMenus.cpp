@@ -3,6 +3,7 @@
 #include "apps/client/DeskDock.h"
 #include "apps/client/MainWindow.h"
 #include "apps/client/ModuleTabs.h"
+#include "apps/client/StatusLine.h"
 #include "apps/client/WindowMemory.h"
 #include "frame/Keys.h"
 #include "frame/OrvoClient.h"
@@ -61,6 +62,8 @@ void MainWindow::makeMenus() {
     m_edit = menuBar()->addMenu(QStringLiteral("&Правка"));
     m_view = menuBar()->addMenu(QStringLiteral("&Вид"));
     m_view->addAction(m_logDock->toggleViewAction());
+    connect(addCommand(keys::failure, m_view), &QAction::triggered, m_status,
+            &StatusLine::readFailure);
     m_view->addSeparator();
     m_stay = m_view->addAction(QStringLiteral("&Не переводить меня к правкам других"));
     m_stay->setObjectName(QStringLiteral("actStay"));

@@ -4,11 +4,14 @@
 #include "apps/client/Look.h"
 #include "frame/Contrast.h"
 
+#include <QAccessible>
+#include <QApplication>
 #include <QEvent>
 #include <QHash>
 #include <QLabel>
 #include <QLayout>
 #include <QLocale>
+#include <QShortcut>
 #include <QTime>
 #include <QToolButton>
 
@@ -20,6 +23,7 @@ namespace {
 
 constexpr int leastTold = 200; ///< of what went wrong or was done
 constexpr int doneMs = 8000;
+constexpr int mostListed = 8; ///< failures that are shown whole at once
 
 /// "1 правка ждёт", "3 правки ждут", "5 правок ждут"
 QString heldText(int changes) {
@@ -226,10 +230,11 @@ void StatusLine::setDone(const QString& text) {
 void StatusLine::setFailure(const QString& text) {
     ++m_count;
     m_text = clipped(text.simplified());
-    m_newest = text;
+    m_failures.prepend(text);
+    m_failures = m_failures.mid(0, mostListed);
     m_failure->setToolTip(plainToolTip(
         QTime::currentTime().toString(QStringLiteral("HH:mm:ss")) + QStringLiteral("  ") + text,
-        QStringLiteral("Щёлкните, чтобы убрать. Все сообщения — в журнале.")));
+        QStringLiteral("Щёлкните или F12, чтобы прочесть и убрать. Все сообщения — в журнале.")));
     m_failure->show();
     share();
 }
@@ -237,9 +242,11 @@ void StatusLine::setFailure(const QString& text) {
 QString StatusLine::failureText(int room) const {
     const QString count = m_count > 1 ? QStringLiteral(" (всего %1)").arg(m_count) : QString();
     const QFontMetrics metrics = m_failure->fontMetrics();
-    const QString text = room < 0 ? m_text
-                                  : metrics.elidedText(m_text, Qt::ElideRight,
-                                                       room - metrics.horizontalAdvance(count));
+    const QString text =
+        room < 0
+            ? m_text
+            // What was wanted is at its beginning, why it was not done at its end.
+            : metrics.elidedText(m_text, Qt::ElideMiddle, room - metrics.horizontalAdvance(count));
     return QString(text).replace(QLatin1Char('&'), QLatin1String("&&")) + count;
 }
 
@@ -302,19 +309,41 @@ void StatusLine::resizeEvent(QResizeEvent* event) {
     share();
 }
 
+bool StatusLine::isCut() const {
+    const QString shown = QString(m_text).replace(QLatin1Char('&'), QLatin1String("&&"));
+    return m_text != m_failures.value(0) || !m_failure->text().startsWith(shown);
+}
+
+QString StatusLine::allFailures() const {
+    QStringList all = m_failures;
+    if (m_count > all.size())
+        all << QStringLiteral("Ещё %1 — в журнале.").arg(m_count - all.size());
+    return all.join(QStringLiteral("\n\n"));
+}
+
 void StatusLine::acknowledge() {
-    const bool isCut = m_text != m_newest || !m_failure->text().startsWith(QString(m_text).replace(
-                                                 QLatin1Char('&'), QLatin1String("&&")));
-    if (isCut)
-        showWhole(m_newest);
+    take(m_count > 1 || isCut() ? allFailures() : QString());
+}
+
+void StatusLine::readFailure() {
+    if (m_whole && m_whole->isVisible())
+        m_whole->hide();
+    else if (m_count > 0)
+        take(allFailures());
+}
+
+/// The line goes first: it may have the focus.
+void StatusLine::take(const QString& whole) {
     m_failure->hide();
     m_text.clear();
+    m_failures.clear();
     m_count = 0;
     share();
+    if (!whole.isEmpty())
+        showWhole(whole);
 }
 
 void StatusLine::showWhole(const QString& text) {
-    constexpr int widest = 700, gap = 8;
     if (!m_whole) {
         m_whole = new QLabel(window());
         m_whole->setObjectName(QStringLiteral("wholeFailure"));
@@ -322,21 +351,38 @@ void StatusLine::showWhole(const QString& text) {
         m_whole->setTextFormat(Qt::PlainText);
         m_whole->setWordWrap(true);
         m_whole->setCursor(Qt::PointingHandCursor);
-        m_whole->setToolTip(QStringLiteral("Щёлкните, чтобы убрать"));
+        m_whole->setToolTip(QStringLiteral("Esc, F12 или щелчок — убрать"));
         m_whole->setStyleSheet(QStringLiteral("background:#fbe9e7;color:#9c2a20;padding:8px;"
                                               "border:1px solid #e0a49d;border-radius:4px"));
         m_whole->installEventFilter(this);
+        window()->installEventFilter(this);
+        // Fields and open edits take Esc before it is this one.
+        auto* away = new QShortcut(Qt::Key_Escape, m_whole); // its child, and off when it is hidden
+        connect(away, &QShortcut::activated, m_whole, &QLabel::hide);
+        connect(qApp, &QApplication::focusChanged, m_whole, [this](QWidget*, const QWidget* now) {
+            if (now && now->window() == window())
+                m_whole->hide();
+        });
     }
     m_whole->setText(text);
-    const int width = std::min(widest, window()->width() - 2 * gap);
-    m_whole->resize(width, m_whole->heightForWidth(width));
-    const QPoint corner = mapTo(window(), QPoint(this->width() - gap, -gap));
-    m_whole->move(corner.x() - width, std::max(0, corner.y() - m_whole->height()));
+    placeWhole();
     m_whole->show();
     m_whole->raise();
+    QAccessibleEvent told(m_whole, QAccessible::Alert);
+    QAccessible::updateAccessibility(&told);
+}
+
+void StatusLine::placeWhole() {
+    constexpr int widest = 700, gap = 8;
+    const int width = std::min(widest, window()->width() - 2 * gap);
+    const QPoint corner = mapTo(window(), QPoint(this->width() - gap, -gap));
+    const int height = std::min(m_whole->heightForWidth(width), corner.y());
+    m_whole->setGeometry(corner.x() - width, corner.y() - height, width, height);
 }
 
 bool StatusLine::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == window() && event->type() == QEvent::Resize && m_whole && m_whole->isVisible())
+        QTimer::singleShot(0, this, &StatusLine::placeWhole); // once this line is at its place
     if (watched != m_whole || event->type() != QEvent::MouseButtonPress)
         return QStatusBar::eventFilter(watched, event);
     m_whole->hide();

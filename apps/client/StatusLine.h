@@ -7,6 +7,7 @@
 
 #include <QPointer>
 #include <QStatusBar>
+#include <QStringList>
 #include <QTimer>
 
 class QLabel;
@@ -42,13 +43,17 @@ public:
     void setReadOnly(const QString& why);
     /// Shows for a while what was done.
     void setDone(const QString& text);
-    /// Shows a failure, which stays until the user clicks it; later ones are counted with it. A
-    /// text that did not fit is shown whole then.
+    /// Shows a failure, which stays until the user clicks it or asks for it by key; later ones are
+    /// counted with it. A text that did not fit is shown whole then, and several are listed.
     void setFailure(const QString& text);
     /// The failure on show, without the count; empty if none.
     QString failure() const { return m_text; }
     /// What is shown about the connection.
     QString connection() const;
+
+public slots:
+    /// The key for it: reads the failures on show whole, or puts away what is read.
+    void readFailure();
 
 signals:
     /// The user wants to see what is wrong.
@@ -66,9 +71,16 @@ private:
     QString failureText(int room) const;
     /// Sets the colours that have a meaning, as suits the palette.
     void colour();
+    bool isCut() const;
+    /// The failures on show, the newest first.
+    QString allFailures() const;
     void acknowledge();
-    /// Shows a text that the line has no room for, above the line, until it is clicked.
+    /// They are seen now; shows that text, if it is one.
+    void take(const QString& whole);
+    /// Shows a text above the line, until it is clicked, or put away by key, or the focus goes to
+    /// another part of the window. It takes no focus.
     void showWhole(const QString& text);
+    void placeWhole();
 
     QLabel* m_light; // these: children of the bar
     ElidedLabel* m_connection;
@@ -89,7 +101,7 @@ private:
     bool m_hasErrors = false; ///< among the problems
     QString m_since;          ///< time of the loss; empty: connected
     QString m_text;
-    QString m_newest; ///< the newest failure, whole
+    QStringList m_failures; ///< those on show, whole, the newest first; the oldest may be left out
     int m_count = 0;
 };
 
