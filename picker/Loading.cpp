@@ -10,6 +10,7 @@
 #include "picker/ObjectListOwner.h"
 #include "ui_PopObjectList.h"
 
+#include <QComboBox>
 #include <QFileInfo>
 #include <QItemSelectionModel>
 
@@ -100,6 +101,8 @@ void CPopObjectList::load() {
     orvo::hideColumns(m_ui->tvObj, PickColumn::UserBlock, PickColumn::Blocked);
     treeModel->setObjectType(objectType);
     showTitle();
+    if (m_kinds)
+        m_kinds->setCurrentIndex(m_kinds->findData(objectType));
     if (files) {
         treeModel->setShowFileIcons(
             orvo::sameText(sourceName, QString::fromLatin1(orvo::iconFolder)));

@@ -76,6 +76,7 @@ CPopObjectList::CPopObjectList(QMainWindow* parent)
             &CPopObjectList::showContextMenu);
     new orvo::ContextMenuKey(m_ui->tvObj); // the view's child
     orvo::onSearchKeys(*this, *m_search);
+    addPaletteKeys();
 }
 
 CPopObjectList::~CPopObjectList() {
@@ -215,24 +216,6 @@ bool CPopObjectList::choose(const QModelIndex& row) {
     return true;
 }
 
-void CPopObjectList::setPalette(bool on) {
-    m_isPalette = on;
-    setProperty("orvoPalette", on);
-}
-
-void CPopObjectList::changeEvent(QEvent* event) {
-    CPopTemplate::changeEvent(event);
-    if (event->type() != QEvent::ActivationChange || !m_isPalette || !isActiveWindow() ||
-        m_shown.isEmpty())
-        return;
-    const QString current = treeModel->getItemKeyLink(m_ui->tvObj->currentIndex());
-    rememberOpen();
-    load();
-    const QModelIndex row = treeModel->findIndexByKey(current);
-    if (row.isValid())
-        m_ui->tvObj->setCurrentIndex(row);
-}
-
 bool CPopObjectList::treeMouse(QEvent* event) {
     const auto* mouse = static_cast<QMouseEvent*>(event);
     const QModelIndex row = m_ui->tvObj->indexAt(mouse->pos()).siblingAtColumn(PickColumn::Name);
@@ -306,11 +289,6 @@ bool CPopObjectList::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::KeyPress)
         return CPopTemplate::eventFilter(watched, event);
     auto& key = *static_cast<QKeyEvent*>(event);
-    if (m_isPalette &&
-        orvo::keys::matches(key, *orvo::keys::command(QLatin1String(orvo::keys::palette)))) {
-        hide();
-        return true;
-    }
     if (runRecordKey(key))
         return true;
     if (watched == tree)

@@ -22,6 +22,7 @@
 
 #include <memory>
 
+class QComboBox;
 class QKeyEvent;
 class QMainWindow;
 class QTextCodec;
@@ -73,8 +74,8 @@ public:
     void reloadAndShow();
 
     /// A palette: it stands beside the middle of its window, stays after OK, and holds up no
-    /// changes of others; when the user comes back to it, it lists what there is then. To be set
-    /// before the show.
+    /// changes of others; when the user comes back to it, it lists what there is then. It has a
+    /// selector of the kind, and the keys of the window work in it. To be set before the show.
     void setPalette(bool on);
     bool isPalette() const { return m_isPalette; }
 
@@ -116,6 +117,10 @@ private:
     bool treeMouse(QEvent* event);
     /// Fills the tree for the kind that is set.
     void load();
+    /// Lists another kind, in a palette.
+    void showKind(int32_t kind);
+    void makeKinds();
+    void addPaletteKeys();
     /// Drags the selected resources, for the owner's tree to make elements of.
     void startDrag();
     /// Shows what is listed as the title on the screen. The title that the owner has set is that of
@@ -143,6 +148,7 @@ private:
     bool m_isPalette = false;
     QPoint m_pressed; ///< where the mouse went down on a resource, in the viewport
     bool m_mayDrag = false;
+    QComboBox* m_kinds = nullptr;  ///< child; null until it is a palette
     bool m_isTouched = false;      ///< the user has gone to a button by Tab
     orvo::TreeSearchBar* m_search; ///< child of tvObj; a letter typed there opens it
 };

@@ -26,8 +26,9 @@ namespace orvo::app {
 namespace {
 
 constexpr char stayKey[] = "view/stayAtOwnRow";
-constexpr char entryProperty[] = "orvoMenu";  // of a module's action: in which menu it is shown
-constexpr char placeProperty[] = "orvoPlace"; // of the same: its place among the others
+constexpr char entryProperty[] = "orvoMenu";      // of a module's action: in which menu it is shown
+constexpr char placeProperty[] = "orvoPlace";     // of the same: its place among the others
+constexpr char paletteProperty[] = "orvoPalette"; // of a window that stays beside its module
 
 } // namespace
 
@@ -167,8 +168,8 @@ void MainWindow::showModuleEntries() {
     }
 }
 
-/// Its trees from left to right, or a page without any itself; then the open panes. What has no
-/// way to take the focus is passed.
+/// Its trees from left to right, or a page without any itself; its palette; then the open panes.
+/// What has no way to take the focus is passed.
 void MainWindow::focusPart(int by) {
     std::vector<QWidget*> parts;
     const auto addViews = [&parts](QWidget* part) {
@@ -185,8 +186,12 @@ void MainWindow::focusPart(int by) {
         if (views.empty())
             parts.push_back(part);
     };
-    if (QWidget* page = m_tabs->currentWidget())
+    if (QWidget* page = m_tabs->currentWidget()) {
         addViews(page);
+        for (QWidget* child : page->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly))
+            if (child->isVisible() && child->property(paletteProperty).toBool())
+                addViews(child);
+    }
     for (const QDockWidget* dock :
          findChildren<QDockWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
         if (dock->isHidden() || dock->visibleRegion().isEmpty() || !dock->widget())
@@ -202,9 +207,12 @@ void MainWindow::focusPart(int by) {
     const int count = static_cast<int>(parts.size());
     int next = by > 0 ? 0 : count - 1;
     for (int i = 0; i < count; ++i)
-        if (focus && (parts[i] == focus || parts[i]->isAncestorOf(focus)))
+        if (focus && (parts[i] == focus || parts[i]->isAncestorOf(focus) ||
+                      (focus->window() != this && parts[i]->window() == focus->window())))
             next = (i + by + count) % count;
-    parts[static_cast<size_t>(next)]->setFocus(Qt::ShortcutFocusReason);
+    QWidget* part = parts[static_cast<size_t>(next)];
+    part->activateWindow(); // a palette is one of its own
+    part->setFocus(Qt::ShortcutFocusReason);
 }
 
 bool MainWindow::focusNextPrevChild(bool next) {

@@ -153,6 +153,7 @@ void MainWindow::bringUp(QDockWidget* pane) {
     pane->raise();
     if (pane->height() < usefulHeight)
         resizeDocks({pane}, {usefulHeight}, Qt::Vertical);
+    activateWindow(); // the key may come from a palette
     pane->widget()->setFocus();
 }
 

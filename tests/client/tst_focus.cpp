@@ -170,6 +170,43 @@ private slots:
         QTRY_VERIFY(remove->isEnabled());
     }
 
+    void keysGoBetweenTheEditorAndThePaletteBesideIt() {
+        Fixture fixture;
+        QVERIFY(fixture.show("Menu"));
+        QTreeView* menu = fixture.view("tvMenu");
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г"));
+        menu->setFocus();
+        QTest::keyClick(menu, Qt::Key_F7);
+        auto* palette = fixture.module("Menu")->findChild<QWidget*>("CPopObjectList");
+        QVERIFY(palette);
+        palette->activateWindow();
+        QTRY_COMPARE(QApplication::activeWindow(), palette);
+        const auto press = [](Qt::Key key, Qt::KeyboardModifiers with = Qt::NoModifier) {
+            QTest::keyClick(QApplication::focusWidget(), key, with);
+        };
+        const auto isAt = [](const QWidget* part) {
+            return QTest::qWaitFor([&] { return QApplication::focusWidget() == part; });
+        };
+        auto* list = palette->findChild<QTreeView*>("tvObj");
+        press(Qt::Key_F6, Qt::ShiftModifier);
+        QVERIFY(isAt(fixture.tree("Menu", "tvProp")));
+        press(Qt::Key_F6, Qt::ShiftModifier);
+        QVERIFY(isAt(menu));
+        for (int i = 0; i < 2; ++i) {
+            press(Qt::Key_F6);
+            QTest::qWait(50); // the other window becomes the active one
+        }
+        QVERIFY(isAt(list));
+        QVERIFY(palette->isVisible());
+        // What finds in the whole store is at hand there too, and leads back.
+        press(Qt::Key_K, Qt::ControlModifier);
+        QVERIFY(isAt(fixture.child<QWidget>("findText")));
+        press(Qt::Key_Escape);
+        QVERIFY(isAt(list));
+        press(Qt::Key_F7);
+        QVERIFY(!palette->isVisible());
+    }
+
     void aFrameShowsWhichTreeHasTheFocus() {
         Fixture fixture;
         QVERIFY(fixture.show("Menu"));

@@ -6,8 +6,11 @@
 
 #include "picker/PopObjectList.h"
 
+#include <QComboBox>
 #include <QDropEvent>
+#include <QLineEdit>
 #include <QMimeData>
+#include <QPushButton>
 #include <QWindow>
 
 using namespace orvo::test;
@@ -41,7 +44,13 @@ public:
         return true;
     }
     CPopObjectList* palette() const { return module->findChild<CPopObjectList*>(); }
+    /// It has the keyboard.
+    bool isInPalette() const {
+        palette()->activateWindow();
+        return QTest::qWaitFor([this] { return QApplication::activeWindow() == palette(); });
+    }
     void press(Qt::Key key, Qt::KeyboardModifiers with = Qt::NoModifier) const {
+        module->activateWindow();
         view("tvMenu")->setFocus(Qt::ShortcutFocusReason);
         QTest::keyClick(view("tvMenu"), key, with);
     }
@@ -186,6 +195,7 @@ private slots:
             menu.press(Qt::Key_F7);
             CPopObjectList* palette = menu.palette();
             QVERIFY(palette->isVisible() && palette->isPalette());
+            QVERIFY(menu.isInPalette());
             if (byKey)
                 QTest::keyClick(palette->tvObj(), Qt::Key_F7);
             else
@@ -195,6 +205,64 @@ private slots:
             QVERIFY(palette->isVisible() && !palette->isPalette());
             palette->hide();
         }
+    }
+
+    void enterAddsNothingThatWasNotFound() {
+        Menu menu;
+        QVERIFY(menu.open());
+        menu.view("tvMenu")->setCurrentIndex(menu->element("glubzhe"));
+        menu.press(Qt::Key_F7);
+        CPopObjectList* palette = menu.palette();
+        QTest::keyClick(palette->findChild<QPushButton*>("btnCancel"), 'O');
+        auto* text = palette->findChild<QLineEdit*>("treeSearchText");
+        QTest::keyClicks(text, "ne");
+        QTest::keyClick(text, Qt::Key_Return);
+        menu.host.deliver(*menu.module);
+        QCOMPARE(menu.resourcesOf("glubzhe"), QString("rform m1"));
+        QCOMPARE(text->selectedText(), QString("One")); // the next word replaces it
+        QTest::keyClicks(text, "Onex");
+        QTest::keyClick(text, Qt::Key_Return);
+        menu.host.deliver(*menu.module);
+        QCOMPARE(menu.resourcesOf("glubzhe"), QString("rform m1"));
+        QTest::keyClick(text, Qt::Key_Backspace);
+        QTest::keyClick(text, Qt::Key_Return);
+        menu.host.deliver(*menu.module);
+        QCOMPARE(menu.resourcesOf("glubzhe"), QString("rform m1 m1"));
+    }
+
+    void keysAndASelectorListAnotherKind() {
+        Menu menu;
+        QVERIFY(menu.open());
+        menu.view("tvMenu")->setCurrentIndex(menu->element("glubzhe"));
+        menu.press(Qt::Key_F7);
+        CPopObjectList* palette = menu.palette();
+        auto* kinds = palette->findChild<QComboBox*>("paletteKind");
+        QVERIFY(kinds && kinds->isVisible());
+        const auto lists = [&](const char* key) {
+            return palette->treeModel->findIndexByKey(QString(key)).isValid();
+        };
+        QVERIFY(menu.isInPalette());
+        palette->tvObj()->setFocus();
+        QVERIFY(lists("m2") && kinds->currentText().startsWith("Модули"));
+        QTest::keyClick(palette->tvObj(), Qt::Key_2, Qt::ControlModifier);
+        QVERIFY(lists("f1") && !lists("m2") && kinds->currentText().startsWith("Функции"));
+        QVERIFY(palette->isVisible() && palette->isPalette());
+        QTest::keyClick(palette->tvObj(), 'S'); // and from the field of the search
+        QTest::keyClick(palette->findChild<QLineEdit*>("treeSearchText"), Qt::Key_1,
+                        Qt::ControlModifier);
+        QVERIFY(lists("m2"));
+        kinds->setCurrentIndex(1);
+        emit kinds->activated(1);
+        palette->tvObj()->setCurrentIndex(palette->treeModel->findIndexByKey("f1"));
+        QTest::keyClick(palette->tvObj(), Qt::Key_Return);
+        menu.host.deliver(*menu.module);
+        QCOMPARE(menu.resourcesOf("glubzhe"), QString("rform f1"));
+        // A picker for one choice has neither.
+        palette->hide();
+        menu.press(Qt::Key_1, Qt::ControlModifier);
+        QVERIFY(!kinds->isVisible());
+        QTest::keyClick(palette->tvObj(), Qt::Key_2, Qt::ControlModifier);
+        QVERIFY(lists("m2"));
     }
 
     void eachKindHasItsTitleAndWhatWasOpen() {

@@ -108,6 +108,7 @@ void FindPane::open() {
         search();
     }
     raise();
+    activateWindow(); // the key may come from a palette
     m_text->setFocus(Qt::ShortcutFocusReason);
     m_text->selectAll();
 }
@@ -122,8 +123,10 @@ void FindPane::dismiss() {
     if (m_stop)
         *m_stop = true;
     hide();
-    if (hadFocus && back && back->isVisible())
+    if (hadFocus && back && back->isVisible()) {
+        back->activateWindow();
         back->setFocus(Qt::OtherFocusReason);
+    }
 }
 
 void FindPane::outdate() {

@@ -1,0 +1,81 @@
+// The picker as a palette: a window beside the editor, with a selector of what it lists.
+#include "picker/PopObjectList.h"
+
+#include "frame/Keys.h"
+#include "models/TreeSearchBar.h"
+#include "ui_PopObjectList.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QShortcut>
+
+#include <functional>
+
+void CPopObjectList::setPalette(bool on) {
+    m_isPalette = on;
+    setProperty("orvoPalette", on);
+    // The shortcuts of a window work in its tools.
+    if (const Qt::WindowType type = on ? Qt::Tool : Qt::Dialog; windowType() != type)
+        setWindowFlags((windowFlags() & ~Qt::WindowType_Mask) | type);
+    if (on && !m_kinds)
+        makeKinds();
+    if (m_kinds)
+        m_kinds->setVisible(on);
+}
+
+void CPopObjectList::makeKinds() {
+    m_kinds = new QComboBox(this);
+    m_kinds->setObjectName(QStringLiteral("paletteKind"));
+    m_kinds->setAccessibleName(tr("Что предложить"));
+    const auto add = [this](const QString& text, const char* command, int32_t kind) {
+        const auto& keys = *orvo::keys::command(QLatin1String(command));
+        m_kinds->addItem(QStringLiteral("%1 (%2)").arg(text, orvo::keys::shown(keys)), kind);
+    };
+    add(tr("Модули"), orvo::keys::newModule, KindModule);
+    add(tr("Функции"), orvo::keys::newFunction, KindFunction);
+    add(tr("Формы"), orvo::keys::newFile, KindForm);
+    connect(m_kinds, qOverload<int>(&QComboBox::activated), this,
+            [this](int item) { showKind(m_kinds->itemData(item).toInt()); });
+    m_ui->verticalLayout->insertWidget(0, m_kinds);
+}
+
+void CPopObjectList::addPaletteKeys() {
+    const auto add = [this](const char* command, const std::function<void()>& act) {
+        for (const QKeySequence& keys :
+             orvo::keys::sequences(*orvo::keys::command(QLatin1String(command)))) {
+            auto* shortcut = new QShortcut(keys, this); // the pop-up's child
+            shortcut->setContext(Qt::WidgetWithChildrenShortcut);
+            connect(shortcut, &QShortcut::activated, this, [this, act] {
+                if (m_isPalette)
+                    act();
+            });
+        }
+    };
+    add(orvo::keys::palette, [this] { hide(); });
+    add(orvo::keys::newModule, [this] { showKind(KindModule); });
+    add(orvo::keys::newFunction, [this] { showKind(KindFunction); });
+    add(orvo::keys::newFile, [this] { showKind(KindForm); });
+}
+
+void CPopObjectList::showKind(int32_t kind) {
+    rememberOpen();
+    objectType = kind;
+    chosenName = QString();
+    m_search->dismiss();
+    load();
+    m_ui->tvObj->setFocus(Qt::ShortcutFocusReason);
+}
+
+void CPopObjectList::changeEvent(QEvent* event) {
+    CPopTemplate::changeEvent(event);
+    // A tool counts as active with its window.
+    if (event->type() != QEvent::ActivationChange || !m_isPalette ||
+        QApplication::activeWindow() != this || m_shown.isEmpty())
+        return;
+    const QString current = treeModel->getItemKeyLink(m_ui->tvObj->currentIndex());
+    rememberOpen();
+    load();
+    const QModelIndex row = treeModel->findIndexByKey(current);
+    if (row.isValid())
+        m_ui->tvObj->setCurrentIndex(row);
+}
