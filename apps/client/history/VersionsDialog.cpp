@@ -29,10 +29,18 @@ namespace {
 enum Column { Name, Time, Size, Until, Who };
 
 QString sizeText(uint64_t size) {
-    if (size < 1024) // the library's own word has one form
+    if (size < 1024) // the library's own words are no Russian ones
         return QStringLiteral("%1 %2").arg(size).arg(history::numeralForm(
             size, QStringLiteral("байт"), QStringLiteral("байта"), QStringLiteral("байт")));
-    return QLocale(QLocale::Russian).formattedDataSize(static_cast<qint64>(size));
+    double shown = static_cast<double>(size);
+    QString unit;
+    for (const QString& next :
+         {QStringLiteral("КиБ"), QStringLiteral("МиБ"), QStringLiteral("ГиБ")})
+        if (unit.isEmpty() || shown >= 1024) {
+            shown /= 1024;
+            unit = next;
+        }
+    return QStringLiteral("%1 %2").arg(QLocale(QLocale::Russian).toString(shown, 'f', 2), unit);
 }
 
 QString timeText(double time) {
