@@ -614,6 +614,39 @@ private slots:
         QTRY_COMPARE(fixture.view("tvDesck")->currentIndex().data().toString(), QString("КС-2"));
     }
 
+    /// An action may begin with another record than the one whose history is shown.
+    void showInTheHistoryOfARowGoesToThatRow() {
+        Fixture fixture;
+        fixture.writes(MDX_UPDATE, {{{"KeyLink", "a"}, {"caption", "а1"}},
+                                    {{"KeyLink", "c"}, {"caption", "в1"}}});
+        fixture.writes(MDX_UPDATE, {{{"KeyLink", "a"}, {"caption", "а2"}},
+                                    {{"KeyLink", "d"}, {"caption", "г2"}}});
+        QTRY_COMPARE(fixture.menu(), QString("а2(б(в1)) г2"));
+        auto* host = fixture.module("Menu")->m_app;
+        for (const bool withContent : {false, true}) {
+            QMenu menu;
+            host->addRecordActions(&menu, "Menu", withContent ? "b" : "c");
+            for (QAction* action : menu.actions())
+                if (action->text() ==
+                    (withContent ? "История со всем, что внутри" : "История строки"))
+                    action->trigger();
+            QTRY_VERIFY(fixture.dock()->isVisible());
+            QTRY_COMPARE(fixture.find("Переименованы 2 элемента меню"), 0);
+            QTRY_COMPARE(fixture.model()->rowCount(), withContent ? 3 : 2);
+            fixture.openDesktop("КС-1");
+            fixture.tree()->setCurrentIndex(fixture.model()->index(0, HistoryModel::What));
+            fixture.press("historyShow");
+            QTRY_COMPARE(fixture.view("tvMenu")->currentIndex().data().toString(), QString("в1"));
+            fixture.openDesktop("КС-1");
+        }
+        fixture.revertBack("этой строки");
+        QTRY_VERIFY(fixture.dialog());
+        QTRY_VERIFY(fixture.isReady());
+        QVERIFY(RunningClient::below(*fixture.dialog()->findChild<QTreeView*>()->model(), {})
+                    .contains("«в»"));
+        fixture.dialog()->reject();
+    }
+
     void everyRowOfATreeOffersItsHistory() {
         Fixture fixture;
         QMenu menu;

@@ -6,6 +6,7 @@
 #include "history/Standing.h"
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/ChangeRecord.h"
+#include "platform/store/Names.h"
 
 #include <QDateTime>
 
@@ -55,7 +56,44 @@ HistoryRecord recordOf(const store::Change& change, history::RecordSource& sourc
     return record;
 }
 
-HistoryAction actionOf(const history::Group& group, history::RecordSource& source) {
+/// What a filter is about beside the words of an action.
+struct Scope {
+    history::Filter filter;
+    std::shared_ptr<const history::BranchMembers::Records> members; ///< of its branch; null: none
+};
+
+/// The record that the action is shown for: the one that the filter names, one in its branch, or
+/// the first.
+HistoryRecord recordOf(const history::Group& group, const Scope& scope,
+                       history::RecordSource& source) {
+    const history::Filter& filter = scope.filter;
+    store::Change named; // whatever it did to that record
+    if (!filter.key.empty() && history::tableOf(filter.table)) {
+        named.table = filter.table;
+        named.key = filter.key;
+        return recordOf(named, source); // each action that passes has to do with it
+    }
+    HistoryRecord first, inside;
+    for (const store::Change& change : group.changes) {
+        HistoryRecord record = recordOf(change, source);
+        if (record.key.empty())
+            continue;
+        if (!filter.branch)
+            return record;
+        const std::string key = store::foldedKey(record.key);
+        if (record.table == filter.branch->table->name &&
+            key == store::foldedKey(filter.branch->key))
+            return record;
+        if (inside.key.empty() && scope.members && scope.members->count({record.table, key}) != 0)
+            inside = record;
+        if (first.key.empty())
+            first = std::move(record);
+    }
+    return inside.key.empty() ? first : inside;
+}
+
+HistoryAction actionOf(const history::Group& group, const Scope& scope,
+                       history::RecordSource& source) {
     HistoryAction action;
     action.group = group.id;
     action.newest = group.newest;
@@ -71,11 +109,7 @@ HistoryAction actionOf(const history::Group& group, history::RecordSource& sourc
     const history::GroupWords words = history::describe(group, source);
     action.what = words.what;
     action.place = words.place;
-    for (const store::Change& change : group.changes) {
-        action.record = recordOf(change, source);
-        if (!action.record.key.empty())
-            break;
-    }
+    action.record = recordOf(group, scope, source);
     if (group.changes.size() == 1 && group.changes.front().code == OrvoEventUpdate) {
         const auto fields = history::describe(group.changes.front(), source).fields;
         if (fields.size() == 1) {
@@ -140,6 +174,8 @@ struct HistoryFeed::Reading {
     std::unique_ptr<history::Reader> reader; ///< null at first
     uint64_t opening = 0;                    ///< on which it reads
 
+    /// To be called when the branch was brought up to date.
+    Scope scope() const { return {filter, m_members ? m_members->records() : nullptr}; }
     /// The records of the filter's branch; null if it has none.
     history::BranchMembers* members(const StoreThread& thread) {
         if (!filter.branch)
@@ -171,13 +207,13 @@ struct HistoryFeed::Page {
 
     /// What every page brings beside its actions. `from`: the oldest group that is shown.
     store::Status finish(store::MaintainedStore& store, const std::vector<history::Group>& groups,
-                         int64_t from, bool withNames) {
+                         const Scope& scope, int64_t from, bool withNames) {
         history::LoggedRecords source(store);
         for (const history::Group& group : groups)
             source.prepare(group.changes);
         for (const history::Group& group : groups)
             if (!group.changes.empty()) {
-                actions.push_back(actionOf(group, source));
+                actions.push_back(actionOf(group, scope, source));
                 from = from == 0 ? group.id : std::min(from, group.id);
             }
         store::Status status;
@@ -314,7 +350,8 @@ void HistoryFeed::more() {
             std::vector<history::Group> groups;
             status = reading->reader->next(pageSize, &groups);
             page->atEnd = reading->reader->atEnd();
-            return status.ok() ? page->finish(store, groups, page->isRestart ? 0 : from, names)
+            return status.ok() ? page->finish(store, groups, reading->scope(),
+                                              page->isRestart ? 0 : from, names)
                                : status;
         },
         [this, page, round = m_round](const store::Status& status) {
@@ -376,7 +413,8 @@ void HistoryFeed::refresh() {
             status = reader.next(mostNewer, &groups);
             // So many that they do not meet those on show: from the newest on.
             page->isRestart = !reader.atEnd();
-            return status.ok() ? page->finish(store, groups, from, names) : status;
+            return status.ok() ? page->finish(store, groups, reading->scope(), from, names)
+                               : status;
         },
         [this, page, round = m_round](const store::Status& status) {
             newerCame(round, status, *page);
@@ -412,7 +450,7 @@ void HistoryFeed::texts(const std::vector<int64_t>& groups) {
     auto page = std::make_shared<Page>();
     m_thread.run(
         this,
-        [page, groups](store::MaintainedStore& store) {
+        [page, groups, reading = m_reading](store::MaintainedStore& store) {
             store::Status status;
             std::vector<history::Group> read;
             for (const int64_t id : groups) {
@@ -424,7 +462,7 @@ void HistoryFeed::texts(const std::vector<int64_t>& groups) {
             }
             const int64_t from = *std::min_element(groups.begin(), groups.end());
             if (status.ok())
-                status = page->finish(store, read, from, false);
+                status = page->finish(store, read, reading->scope(), from, false);
             for (const history::Group& group : read)
                 if (group.changes.empty())
                     page->actions.push_back(forgottenAction(group.id));
