@@ -135,16 +135,20 @@ void FindPane::outdate() {
 }
 
 void FindPane::place() {
-    constexpr int most = 900, margin = 24, top = 40;
+    constexpr int most = 1400, margin = 24, top = 40;
     const QSize room = parentWidget()->size();
     const int width = std::min(most, room.width() - 2 * margin);
     const int height = std::min(460, room.height() - 2 * top);
     setGeometry((room.width() - width) / 2, top, width, height);
+    // The path, by which namesakes are told apart, has the rest. What the user has drawn stays.
+    if (std::exchange(m_placedWidth, width) == width)
+        return;
+    constexpr int nameWidth = 340, objectWidth = 160, nounWidth = 130;
     QHeaderView* header = m_view->header();
     header->setStretchLastSection(true);
-    header->resizeSection(FindModel::Name, width * 32 / 100);
-    header->resizeSection(FindModel::Object, width * 15 / 100);
-    header->resizeSection(FindModel::Noun, width * 13 / 100);
+    header->resizeSection(FindModel::Name, std::min(nameWidth, width * 32 / 100));
+    header->resizeSection(FindModel::Object, std::min(objectWidth, width * 15 / 100));
+    header->resizeSection(FindModel::Noun, std::min(nounWidth, width * 13 / 100));
 }
 
 // ---------------------------------------------------------------------------------------------

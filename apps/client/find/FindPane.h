@@ -62,6 +62,7 @@ private:
     QLineEdit* m_text; // these: children
     QTreeView* m_view;
     QLabel* m_note;
+    int m_placedWidth = 0; ///< for which the columns were laid out last
     QTimer m_againSoon;
     QPointer<QWidget> m_cameFrom;              ///< what had the focus
     std::shared_ptr<std::atomic<bool>> m_stop; ///< of the search that runs; null: none was made
