@@ -1,5 +1,6 @@
 // PaneKeys.h: what the keys do in every pane of the client's window: the context menu of its list,
-// and Ctrl+F to the field by which that is searched.
+// Ctrl+F to the field by which that is searched, and Ctrl+S saves the open edit of the editor on
+// show.
 #ifndef ORVO_APPS_CLIENT_PANEKEYS_H
 #define ORVO_APPS_CLIENT_PANEKEYS_H
 

@@ -5,6 +5,7 @@
 #include <QAbstractItemModelTester>
 #include <QComboBox>
 #include <QDockWidget>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRandomGenerator>
@@ -207,6 +208,27 @@ private slots:
                  qPrintable(question->windowTitle()));
         question->findChild<QPushButton*>("closeDrop")->click();
         SOON(RunningClient::below(*fixture.view("tvDesck")->model(), {}).contains("КС-9"));
+    }
+
+    void anOpenEditIsSavedFromTheList() {
+        ProblemsFixture fixture;
+        fixture.open();
+        QVERIFY(fixture.isKnown() || QTest::qWaitFor([&] { return fixture.isKnown(); }));
+        fixture.view("tvMenu")->expandAll();
+        fixture.view("tvMenu")->setCurrentIndex(fixture.view("tvMenu")->model()->index(
+            0, 0, fixture.view("tvMenu")->model()->index(0, 0)));
+        auto* save = fixture.module("Menu")->findChild<QAction*>("saveEdit");
+        QVERIFY(!save->isEnabled());
+        QTest::keyClick(fixture.view("tvMenu"), Qt::Key_F2);
+        QWidget* field = QApplication::focusWidget();
+        QVERIFY(qobject_cast<QLineEdit*>(field));
+        QTest::keyClicks(field, "x");
+        QTest::keyClick(field, Qt::Key_Return);
+        QVERIFY(save->isEnabled());
+        fixture.pane()->view()->setFocus();
+        QTest::keyClick(fixture.pane()->view(), Qt::Key_S, Qt::ControlModifier);
+        SOON(!save->isEnabled());
+        SOON(fixture.menu().startsWith("x"));
     }
 
     void theRecordIsShownInItsEditor() {
