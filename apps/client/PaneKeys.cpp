@@ -6,6 +6,7 @@
 #include <QAction>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QPointer>
 #include <QShortcut>
 
 namespace orvo::app {
@@ -34,26 +35,28 @@ void saveBeside(const QWidget& pane) {
 
 } // namespace
 
+void onPaneKey(QWidget& pane, const char* command, const std::function<void()>& run) {
+    for (const QKeySequence& keys : keys::sequences(*keys::command(QLatin1String(command)))) {
+        auto* shortcut = new QShortcut(keys, &pane); // the pane's child
+        shortcut->setContext(Qt::WidgetWithChildrenShortcut);
+        QObject::connect(shortcut, &QShortcut::activated, &pane, run);
+    }
+}
+
 void addPaneKeys(QWidget& pane) {
     for (QAbstractItemView* view : pane.findChildren<QAbstractItemView*>())
         if (view->contextMenuPolicy() == Qt::CustomContextMenu)
             new ContextMenuKey(view); // the view's child
-    for (const QKeySequence& keys : keys::sequences(*keys::command(QLatin1String(keys::save)))) {
-        auto* save = new QShortcut(keys, &pane); // the pane's child
-        save->setContext(Qt::WidgetWithChildrenShortcut);
-        QObject::connect(save, &QShortcut::activated, &pane, [&pane] { saveBeside(pane); });
-    }
+    onPaneKey(pane, keys::save, [&pane] { saveBeside(pane); });
     QLineEdit* field = fieldOf(pane);
     if (!field)
         return;
-    for (const QKeySequence& keys : keys::sequences(*keys::command(QLatin1String(keys::find)))) {
-        auto* find = new QShortcut(keys, &pane); // the pane's child
-        find->setContext(Qt::WidgetWithChildrenShortcut);
-        QObject::connect(find, &QShortcut::activated, field, [field] {
-            field->setFocus(Qt::ShortcutFocusReason);
-            field->selectAll();
-        });
-    }
+    onPaneKey(pane, keys::find, [field = QPointer<QLineEdit>(field)] {
+        if (!field)
+            return;
+        field->setFocus(Qt::ShortcutFocusReason);
+        field->selectAll();
+    });
 }
 
 } // namespace orvo::app

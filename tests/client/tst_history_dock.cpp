@@ -357,6 +357,18 @@ private slots:
         QTRY_COMPARE(fixture.menu(), QString("а1(б(в)) чужое"));
     }
 
+    void whereTheResourceIsUsedIsShownByItsKey() {
+        Fixture fixture;
+        fixture.renames("b", "Котельная");
+        fixture.open();
+        QTRY_VERIFY(fixture.find("«Котельная»") >= 0);
+        fixture.choose("«Котельная»");
+        fixture.tree()->setFocus();
+        QVERIFY(!fixture.child<QDockWidget>("usesDock")->isVisible());
+        QTest::keyClick(fixture.tree(), Qt::Key_F9);
+        QTRY_VERIFY(fixture.child<QDockWidget>("usesDock")->isVisible());
+    }
+
     void whatIsWrittenIsWhatWasShown() {
         Fixture fixture;
         fixture.otherWrites(MDX_INSERT,

@@ -210,6 +210,21 @@ private slots:
         SOON(RunningClient::below(*fixture.view("tvDesck")->model(), {}).contains("КС-9"));
     }
 
+    void whereTheResourceIsUsedIsShownByItsKey() {
+        ProblemsFixture fixture;
+        fixture.open();
+        QVERIFY(fixture.isKnown() || QTest::qWaitFor([&] { return fixture.isKnown(); }));
+        QVERIFY(!fixture.child<QDockWidget>("usesDock")->isVisible());
+        QTreeView* list = fixture.pane()->view();
+        const QModelIndexList elements = list->model()->match(
+            list->model()->index(0, 0), Qt::DisplayRole, "элемент меню", 1, Qt::MatchStartsWith);
+        QVERIFY(!elements.isEmpty());
+        list->setCurrentIndex(elements.first());
+        list->setFocus();
+        QTest::keyClick(list, Qt::Key_F9);
+        SOON(fixture.child<QDockWidget>("usesDock")->isVisible());
+    }
+
     void anOpenEditIsSavedFromTheList() {
         ProblemsFixture fixture;
         fixture.open();

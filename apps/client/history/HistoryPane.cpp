@@ -2,7 +2,9 @@
 
 #include "apps/client/HostApp.h"
 #include "apps/client/Look.h"
+#include "apps/client/PaneKeys.h"
 #include "apps/client/history/HistoryFilters.h"
+#include "frame/Keys.h"
 #include "frame/Vocabulary.h"
 #include "history/BackTo.h"
 #include "history/RecordWords.h"
@@ -96,6 +98,7 @@ HistoryPane::HistoryPane(StoreThread& thread, const QString& login, bool mayWrit
             &HistoryPane::readOnAtEnd);
     connect(m_view->verticalScrollBar(), &QScrollBar::rangeChanged, this,
             &HistoryPane::readOnAtEnd);
+    onPaneKey(*this, keys::uses, [this] { showUses(); });
     keepPlace();
     updateActions();
 }
@@ -271,6 +274,13 @@ void HistoryPane::fillBackMenu(QMenu& menu) {
     add(QStringLiteral("по нынешнему отбору"), m_feed.filter());
 }
 
+void HistoryPane::showUses() {
+    const HistoryRecord record = m_feed.model().recordAt(m_view->currentIndex());
+    const QString table = QString::fromStdString(record.table);
+    if (!record.key.empty() && !usesEntry(table).isEmpty())
+        emit usesRequested(table, QString::fromStdString(record.key), {});
+}
+
 void HistoryPane::showContextMenu(const QPoint& point) {
     const QModelIndex index = m_view->indexAt(point);
     const HistoryAction* action = m_feed.model().actionAt(index);
@@ -295,11 +305,12 @@ void HistoryPane::showContextMenu(const QPoint& point) {
     add(QStringLiteral("История этого рабочего стола"), !record.desktop.empty(), [this, record] {
         narrowTo({table::MenuFolder, record.desktop, record.desktop}, true);
     });
-    const QString table = QString::fromStdString(record.table);
-    if (const QString uses = usesEntry(table); !uses.isEmpty() && !record.key.empty())
-        add(uses, true, [this, table, key = QString::fromStdString(record.key)] {
-            emit usesRequested(table, key, {});
-        });
+    if (const QString uses = usesEntry(QString::fromStdString(record.table));
+        !uses.isEmpty() && !record.key.empty()) {
+        add(uses, true, [this] { showUses(); });
+        menu.actions().constLast()->setShortcut(
+            keys::sequences(*keys::command(QLatin1String(keys::uses))).first());
+    }
     add(QStringLiteral("Что заблокировано этим человеком"), true,
         [this, login = QString::fromStdString(action->login)] {
             emit usesRequested(QLatin1String(table::Users), {}, login);

@@ -53,6 +53,7 @@ private:
     void readOnAtEnd();
     void fillBackMenu(QMenu& menu);
     void showContextMenu(const QPoint& point);
+    void showUses();
     void showCurrent();
     void revertCurrent();
     void revertBackTo(const history::Filter& scope, const QString& whose);

@@ -2,6 +2,8 @@
 #include "apps/client/HostApp.h"
 
 #include "apps/client/Look.h"
+#include "apps/client/PaneKeys.h"
+#include "frame/Keys.h"
 
 #include <QComboBox>
 #include <QHBoxLayout>
@@ -68,6 +70,7 @@ void ProblemsPane::makeView() {
     header->resizeSection(ProblemsModel::Cure, 260);
     connect(m_view, &QTreeView::activated, this, &ProblemsPane::showCurrent);
     connect(m_view, &QTreeView::customContextMenuRequested, this, &ProblemsPane::showContextMenu);
+    onPaneKey(*this, keys::uses, [this] { showUses(); });
     connect(m_view->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &ProblemsPane::updateActions);
     connect(m_view->selectionModel(), &QItemSelectionModel::currentChanged, this,
@@ -274,6 +277,15 @@ void ProblemsPane::cureSelected() {
     m_feed.cure(std::move(findings));
 }
 
+void ProblemsPane::showUses() {
+    const ProblemRow* row = rowAt(m_view->currentIndex());
+    if (!row || row->finding.key.empty())
+        return;
+    const QString table = QLatin1String(row->finding.table->name);
+    if (!usesEntry(table).isEmpty())
+        emit usesRequested(table, QString::fromStdString(row->finding.key));
+}
+
 void ProblemsPane::showContextMenu(const QPoint& point) {
     const ProblemRow* row = rowAt(m_view->currentIndex());
     if (!row)
@@ -290,13 +302,11 @@ void ProblemsPane::showContextMenu(const QPoint& point) {
     add(m_show, QKeySequence(Qt::Key_Return), &ProblemsPane::showCurrent);
     add(m_cure, QKeySequence(int(Qt::CTRL) + Qt::Key_Return), &ProblemsPane::cureSelected);
     const QString table = QLatin1String(row->finding.table->name);
-    if (const QString uses = usesEntry(table); !uses.isEmpty() && !row->finding.key.empty())
-        connect(
-            menu.addAction(uses), &QAction::triggered, this,
-            [this, table, key = QString::fromStdString(row->finding.key)] {
-                emit usesRequested(table, key);
-            },
-            Qt::QueuedConnection);
+    if (const QString uses = usesEntry(table); !uses.isEmpty() && !row->finding.key.empty()) {
+        QAction* action = menu.addAction(uses);
+        action->setShortcut(keys::sequences(*keys::command(QLatin1String(keys::uses))).first());
+        connect(action, &QAction::triggered, this, &ProblemsPane::showUses, Qt::QueuedConnection);
+    }
     menu.exec(m_view->viewport()->mapToGlobal(point));
 }
 

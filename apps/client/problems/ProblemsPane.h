@@ -39,6 +39,7 @@ private:
     void showCurrent();
     void cureSelected();
     void showContextMenu(const QPoint& point);
+    void showUses();
     const ProblemRow* rowAt(const QModelIndex& index) const;
     template <class Take>
     void forEachChosen(const Take& take) const;
