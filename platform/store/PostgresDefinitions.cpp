@@ -20,8 +20,8 @@ std::string rowOf(const Function& function) {
     return "(" + literal(function.name) + ", " + literal("\n" + function.body) +
            ", ARRAY['search_path=pg_catalog, pg_temp'" +
            (function.exactDates ? ", 'extra_float_digits=1'" : "") +
-           (function.byIndex ? ", 'enable_seqscan=off'" : "") + "], " + boolean(function.asOwner) +
-           ", " + literal(function.returns) + ")";
+           (function.byIndex ? ", 'enable_seqscan=off', 'jit=off'" : "") + "], " +
+           boolean(function.asOwner) + ", " + literal(function.returns) + ")";
 }
 
 std::string rowOf(const Trigger& trigger) {

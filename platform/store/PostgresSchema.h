@@ -49,7 +49,7 @@ struct Function {
     std::string body;        ///< behind the line that opens it
     bool asOwner = false;    ///< runs with the rights of the store's owner
     bool exactDates = false; ///< writes dates to the last bit
-    bool byIndex = false;    ///< looks rows up by an index, however few there were at first
+    bool byIndex = false;    ///< looks rows up by an index; its queries are not worth compiling
 };
 struct Trigger {
     const char* name;

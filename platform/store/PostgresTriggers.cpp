@@ -337,11 +337,11 @@ std::string keepReplaced() {
 /// unless it is new, or its bytes went before in this transaction.
 std::string keepEmpty() {
     return R"sql(  FOR v_file IN SELECT f.* FROM public."MenuResourceFile" AS f
-      WHERE f."KeyLink" OPERATOR(pg_catalog.=) ANY (SELECT "KeyLink" FROM come)
-        AND NOT EXISTS (SELECT 1 FROM public."MenuResourceFileData" AS d
-          WHERE d."KeyLink" OPERATOR(pg_catalog.=) f."KeyLink" AND NOT EXISTS (SELECT 1
-            FROM come AS c WHERE c."KeyLink" OPERATOR(pg_catalog.=) d."KeyLink"
-              AND c."part" OPERATOR(pg_catalog.=) d."part")) LOOP
+      WHERE f."KeyLink" OPERATOR(pg_catalog.=) ANY (SELECT "KeyLink" FROM come) LOOP
+    CONTINUE WHEN EXISTS (SELECT 1 FROM public."MenuResourceFileData" AS d
+      WHERE d."KeyLink" OPERATOR(pg_catalog.=) v_file."KeyLink"
+        AND d."part" OPERATOR(pg_catalog.<>) ALL (SELECT c."part" FROM come AS c
+          WHERE c."KeyLink" OPERATOR(pg_catalog.=) v_file."KeyLink"));
     CONTINUE WHEN EXISTS (SELECT 1 FROM public."NciEvent"
       WHERE pg_catalog.lower("key") OPERATOR(pg_catalog.=) pg_catalog.lower(v_file."KeyLink")
         AND ("tableName" OPERATOR(pg_catalog.||) '') OPERATOR(pg_catalog.=) 'MenuResourceFile'
@@ -349,10 +349,9 @@ std::string keepEmpty() {
            std::to_string(OrvoEventInsert) + R"sql(
         AND "xact" OPERATOR(pg_catalog.=) pg_catalog.pg_current_xact_id());
     CONTINUE WHEN EXISTS (SELECT 1 FROM public."NciVersion" AS v
-      LEFT JOIN public."NciEvent" AS e ON e."id" OPERATOR(pg_catalog.=) v."event"
       WHERE pg_catalog.lower(v."KeyLink") OPERATOR(pg_catalog.=) pg_catalog.lower(v_file."KeyLink")
-        AND (v."event" IS NULL
-          OR e."xact" OPERATOR(pg_catalog.=) pg_catalog.pg_current_xact_id()));
+        AND (v."event" IS NULL OR (SELECT "xact" FROM public."NciEvent" WHERE "id"
+          OPERATOR(pg_catalog.=) v."event") OPERATOR(pg_catalog.=) pg_catalog.pg_current_xact_id()));
 )sql" + findContentEvent +
            R"sql(    INSERT INTO public."NciVersion" VALUES (
       pg_catalog.nextval('public."NciVersionId"'), v_event, coalesce(v_login, ''),
@@ -503,7 +502,7 @@ std::string functionsAndRights(const Dictionary& dictionary) {
             sql += "CREATE FUNCTION " + qualified(function->name) + "() RETURNS " +
                    function->returns + " LANGUAGE plpgsql SET search_path = pg_catalog, pg_temp " +
                    (function->exactDates ? "SET extra_float_digits = 1 " : "") +
-                   (function->byIndex ? "SET enable_seqscan = off " : "") +
+                   (function->byIndex ? "SET enable_seqscan = off SET jit = off " : "") +
                    (function->asOwner ? "SECURITY DEFINER" : "") + " AS $orvo$\n" + function->body +
                    "$orvo$;\n";
         else if (const auto* trigger = std::get_if<Trigger>(&one))

@@ -25,6 +25,7 @@ CREATE FUNCTION public."Menu.log"() RETURNS trigger
     LANGUAGE plpgsql SECURITY DEFINER
     SET search_path TO 'pg_catalog', 'pg_temp'
     SET enable_seqscan TO 'off'
+    SET jit TO 'off'
     AS $_$
 DECLARE
   v_login pg_catalog.text := session_user;
@@ -209,6 +210,7 @@ CREATE FUNCTION public."MenuFileExt.log"() RETURNS trigger
     LANGUAGE plpgsql SECURITY DEFINER
     SET search_path TO 'pg_catalog', 'pg_temp'
     SET enable_seqscan TO 'off'
+    SET jit TO 'off'
     AS $_$
 DECLARE
   v_login pg_catalog.text := session_user;
@@ -377,6 +379,7 @@ CREATE FUNCTION public."MenuFolder.log"() RETURNS trigger
     LANGUAGE plpgsql SECURITY DEFINER
     SET search_path TO 'pg_catalog', 'pg_temp'
     SET enable_seqscan TO 'off'
+    SET jit TO 'off'
     AS $_$
 DECLARE
   v_login pg_catalog.text := session_user;
@@ -552,6 +555,7 @@ CREATE FUNCTION public."MenuResource.log"() RETURNS trigger
     SET search_path TO 'pg_catalog', 'pg_temp'
     SET extra_float_digits TO '1'
     SET enable_seqscan TO 'off'
+    SET jit TO 'off'
     AS $_$
 DECLARE
   v_login pg_catalog.text := session_user;
@@ -742,6 +746,7 @@ CREATE FUNCTION public."MenuResourceFile.log"() RETURNS trigger
     SET search_path TO 'pg_catalog', 'pg_temp'
     SET extra_float_digits TO '1'
     SET enable_seqscan TO 'off'
+    SET jit TO 'off'
     AS $_$
 DECLARE
   v_login pg_catalog.text := session_user;
@@ -926,6 +931,7 @@ CREATE FUNCTION public."MenuResourceFileData.log"() RETURNS trigger
     SET search_path TO 'pg_catalog', 'pg_temp'
     SET extra_float_digits TO '1'
     SET enable_seqscan TO 'off'
+    SET jit TO 'off'
     AS $$
 DECLARE
   v_file public."MenuResourceFile";
@@ -982,21 +988,20 @@ BEGIN
   END LOOP;
   ELSE
   FOR v_file IN SELECT f.* FROM public."MenuResourceFile" AS f
-      WHERE f."KeyLink" OPERATOR(pg_catalog.=) ANY (SELECT "KeyLink" FROM come)
-        AND NOT EXISTS (SELECT 1 FROM public."MenuResourceFileData" AS d
-          WHERE d."KeyLink" OPERATOR(pg_catalog.=) f."KeyLink" AND NOT EXISTS (SELECT 1
-            FROM come AS c WHERE c."KeyLink" OPERATOR(pg_catalog.=) d."KeyLink"
-              AND c."part" OPERATOR(pg_catalog.=) d."part")) LOOP
+      WHERE f."KeyLink" OPERATOR(pg_catalog.=) ANY (SELECT "KeyLink" FROM come) LOOP
+    CONTINUE WHEN EXISTS (SELECT 1 FROM public."MenuResourceFileData" AS d
+      WHERE d."KeyLink" OPERATOR(pg_catalog.=) v_file."KeyLink"
+        AND d."part" OPERATOR(pg_catalog.<>) ALL (SELECT c."part" FROM come AS c
+          WHERE c."KeyLink" OPERATOR(pg_catalog.=) v_file."KeyLink"));
     CONTINUE WHEN EXISTS (SELECT 1 FROM public."NciEvent"
       WHERE pg_catalog.lower("key") OPERATOR(pg_catalog.=) pg_catalog.lower(v_file."KeyLink")
         AND ("tableName" OPERATOR(pg_catalog.||) '') OPERATOR(pg_catalog.=) 'MenuResourceFile'
         AND "code" OPERATOR(pg_catalog.=) 601
         AND "xact" OPERATOR(pg_catalog.=) pg_catalog.pg_current_xact_id());
     CONTINUE WHEN EXISTS (SELECT 1 FROM public."NciVersion" AS v
-      LEFT JOIN public."NciEvent" AS e ON e."id" OPERATOR(pg_catalog.=) v."event"
       WHERE pg_catalog.lower(v."KeyLink") OPERATOR(pg_catalog.=) pg_catalog.lower(v_file."KeyLink")
-        AND (v."event" IS NULL
-          OR e."xact" OPERATOR(pg_catalog.=) pg_catalog.pg_current_xact_id()));
+        AND (v."event" IS NULL OR (SELECT "xact" FROM public."NciEvent" WHERE "id"
+          OPERATOR(pg_catalog.=) v."event") OPERATOR(pg_catalog.=) pg_catalog.pg_current_xact_id()));
     v_event := NULL;
     v_login := NULL;
     v_before := NULL;
@@ -1037,6 +1042,7 @@ CREATE FUNCTION public."MenuResourceFolder.log"() RETURNS trigger
     LANGUAGE plpgsql SECURITY DEFINER
     SET search_path TO 'pg_catalog', 'pg_temp'
     SET enable_seqscan TO 'off'
+    SET jit TO 'off'
     AS $_$
 DECLARE
   v_login pg_catalog.text := session_user;
@@ -1331,6 +1337,7 @@ CREATE FUNCTION public."Users.log"() RETURNS trigger
     LANGUAGE plpgsql SECURITY DEFINER
     SET search_path TO 'pg_catalog', 'pg_temp'
     SET enable_seqscan TO 'off'
+    SET jit TO 'off'
     AS $_$
 DECLARE
   v_login pg_catalog.text := session_user;
