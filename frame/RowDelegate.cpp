@@ -78,6 +78,8 @@ RecordMark RowDelegate::markOf(const QModelIndex& index) const {
 
 void RowDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
     QStyledItemDelegate::initStyleOption(option, index);
+    if (!isDark(option->palette)) // there the colours are what they were asked to be
+        return;
     QColor behind = option->palette.color(QPalette::Base);
     if (option->backgroundBrush.style() == Qt::SolidPattern) {
         behind = ground(option->backgroundBrush.color(), option->palette);
