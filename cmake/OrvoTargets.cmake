@@ -66,8 +66,9 @@ function(orvo_test name)
   set_target_properties(${name} PROPERTIES AUTOMOC ON
     RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
   target_link_libraries(${name} PRIVATE ${ARG_LINK} Qt5::Test)
-  if("${ARG_LINK}" MATCHES "client_parts|scene|Gui|Network")
+  if(NOT ORVO_PRECOMPILE OR "${ARG_LINK}" MATCHES "client_parts|scene|Gui|Network")
     # Qt's test header looks at the definitions of these modules: a set of its own would not pay.
+    target_compile_options(${name} PRIVATE "SHELL:-include ${CMAKE_SOURCE_DIR}/tests/Waits.h")
   elseif("${ARG_LINK}" MATCHES "orvomenu|OrvoClient|host_fixture|Widgets|modules_fixture|test_trees")
     orvo_reuse(${name} orvo_pch_widgets_test)
   else()
