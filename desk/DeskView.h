@@ -4,7 +4,7 @@
 #define ORVO_DESK_DESKVIEW_H
 
 #include "desk/DeskModel.h"
-#include "desk/Press.h"
+#include "desk/Swipe.h"
 
 #include <QElapsedTimer>
 #include <QSet>
@@ -83,7 +83,7 @@ private:
     DeskModel* m_model = nullptr;
     QSet<QString> m_open; ///< keys of the open folders
     bool m_keeps = false;
-    Press m_press;
+    Swipe m_press;
     QElapsedTimer m_sinceClick;
     QPersistentModelIndex m_clicked; ///< when m_sinceClick began
 };

@@ -2,7 +2,7 @@
 #ifndef ORVO_DESK_ELEMENTLIST_H
 #define ORVO_DESK_ELEMENTLIST_H
 
-#include "desk/Press.h"
+#include "desk/Swipe.h"
 #include "desk/Search.h"
 
 #include <QListView>
@@ -34,7 +34,7 @@ protected:
 private:
     const DeskModel& m_menu;
     QStandardItemModel* m_rows; ///< child
-    Press m_press;
+    Swipe m_press;
     bool m_isSwiped = false; ///< the press that ends now
 };
 

@@ -1,5 +1,6 @@
 #include "platform/client/LogFollower.h"
 
+#include "platform/client/BackOff.h"
 #include "platform/client/WakeSignal.h"
 #include "platform/store/WaitPolicy.h"
 
@@ -63,7 +64,7 @@ private:
     uint64_t m_generation = 0;
     store::LogCursor m_cursor;
     bool m_reopen = false; ///< the store is to be opened anew, if it is not there any more
-    int m_backOffMs = 0;   ///< 0: connected
+    BackOff m_backOff{firstBackOffMs};
     int m_relookMs = 0;    ///< 0: none
     Clock::time_point m_next{};
     Clock::time_point m_looked{}; ///< the last slow look
@@ -77,7 +78,7 @@ void LogFollower::Worker::run() {
     const store::WaitPolicyScope scope(this);
     while (!stop) {
         obey();
-        const bool due = m_backOffMs == 0 || Clock::now() >= m_next;
+        const bool due = !m_backOff.isAway() || Clock::now() >= m_next;
         if (m_generation != 0 && m_unread && !m_full && !m_pruned && due)
             readOnce();
         else
@@ -122,13 +123,13 @@ void LogFollower::Worker::readOnce() {
     const bool replaced = status.code == store::LogReplaced;
     const bool answered = status.ok() || status.code == store::LogPruned || replaced;
     if (!answered) {
-        const bool first = m_backOffMs == 0;
-        m_backOffMs = first ? firstBackOffMs : std::min(m_backOffMs * 2, lastBackOffMs);
-        m_next = Clock::now() + std::chrono::milliseconds(m_backOffMs);
+        const bool first = !m_backOff.isAway();
+        m_backOff.failed();
+        m_next = Clock::now() + std::chrono::milliseconds(m_backOff.milliseconds());
         if (first)
             news.turns.push_back(std::move(status));
-    } else if (m_backOffMs != 0) {
-        m_backOffMs = 0;
+    } else if (m_backOff.isAway()) {
+        m_backOff.succeeded();
         news.turns.emplace_back();
     }
     if (answered) {
@@ -177,7 +178,7 @@ void LogFollower::Worker::check() const {
 /// Until there is reason to look again.
 void LogFollower::Worker::rest() {
     const bool idle = m_generation == 0 || m_full || m_pruned;
-    const bool away = m_backOffMs != 0;
+    const bool away = m_backOff.isAway();
     // A descriptor of a lost connection would be readable for ever.
     const int wake = idle || away ? -1 : m_store->wakeFd();
     if (!idle && !away && !std::exchange(m_watches, true)) {

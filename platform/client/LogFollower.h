@@ -26,9 +26,8 @@ namespace orvo::client {
 class ORVOCLIENT_EXPORT LogFollower : public QObject {
     Q_OBJECT
 public:
-    /// After a failure the log is looked at again so much later, and each time twice as late.
+    /// After a failure the log is looked at again so much later, then as BackOff says.
     static constexpr int firstBackOffMs = 250;
-    static constexpr int lastBackOffMs = 15000;
 
     /// What was found since the last take.
     struct News {

@@ -1,9 +1,9 @@
 #include "platform/client/PresenceFollower.h"
 
+#include "platform/client/BackOff.h"
 #include "platform/client/WakeSignal.h"
 #include "platform/store/WaitPolicy.h"
 
-#include <algorithm>
 #include <atomic>
 #include <mutex>
 #include <poll.h>
@@ -14,7 +14,6 @@ namespace orvo::client {
 namespace {
 
 constexpr int firstBackOffMs = 500;
-constexpr int lastBackOffMs = 15000;
 
 } // namespace
 
@@ -41,7 +40,7 @@ private:
 
     PresenceFollower& m_owner;
     const std::unique_ptr<store::Presence> m_presence;
-    int m_backOffMs = 0; ///< 0: the last look succeeded
+    BackOff m_backOff{firstBackOffMs};
 };
 
 void PresenceFollower::Worker::run() {
@@ -60,9 +59,7 @@ void PresenceFollower::Worker::lookOnce() {
     }
     std::vector<store::PresenceEntry> seen;
     const store::Status status = m_presence->look(&seen);
-    m_backOffMs = status.ok()        ? 0
-                  : m_backOffMs == 0 ? firstBackOffMs
-                                     : std::min(m_backOffMs * 2, lastBackOffMs);
+    status.ok() ? m_backOff.succeeded() : m_backOff.failed();
     const std::lock_guard lock(mutex);
     if (stop || seen == others)
         return;
@@ -72,10 +69,10 @@ void PresenceFollower::Worker::lookOnce() {
 
 /// Until there is reason to look again.
 void PresenceFollower::Worker::rest() const {
-    const bool away = m_backOffMs != 0;
+    const bool away = m_backOff.isAway();
     // A descriptor of a lost connection would be readable for ever.
     pollfd waits[] = {{signal.fd(), POLLIN, 0}, {away ? -1 : m_presence->wakeFd(), POLLIN, 0}};
-    ::poll(waits, 2, away ? m_backOffMs : m_presence->nextLookMs());
+    ::poll(waits, 2, away ? m_backOff.milliseconds() : m_presence->nextLookMs());
     if (waits[0].revents != 0)
         signal.take();
 }

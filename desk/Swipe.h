@@ -1,6 +1,6 @@
-// Press.h: tells a press that scrolls a list from one that chooses.
-#ifndef ORVO_DESK_PRESS_H
-#define ORVO_DESK_PRESS_H
+// Swipe.h: tells a press that scrolls a list from one that chooses.
+#ifndef ORVO_DESK_SWIPE_H
+#define ORVO_DESK_SWIPE_H
 
 #include <QAbstractScrollArea>
 #include <QPoint>
@@ -9,7 +9,7 @@
 namespace orvo::desk {
 
 /// The rows move along with a finger, so that the row below it is the same at both ends of a swipe.
-class Press {
+class Swipe {
 public:
     void begin(const QAbstractScrollArea& view, const QPoint& at) {
         m_at = at;
