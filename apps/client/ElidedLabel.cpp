@@ -35,8 +35,8 @@ void ElidedLabel::paintEvent(QPaintEvent* event) {
     }
     QPainter painter(this);
     const QRect room = contentsRect();
-    const int flags = QStyle::visualAlignment(layoutDirection(), alignment()) | Qt::TextSingleLine;
-    style()->drawItemText(&painter, room, flags, palette(), isEnabled(),
+    const auto flags = QStyle::visualAlignment(layoutDirection(), alignment());
+    style()->drawItemText(&painter, room, int(flags) | Qt::TextSingleLine, palette(), isEnabled(),
                           fontMetrics().elidedText(text(), m_mode, room.width()), foregroundRole());
 }
 
