@@ -2,8 +2,8 @@
 #ifndef ORVO_DESK_ELEMENTLIST_H
 #define ORVO_DESK_ELEMENTLIST_H
 
-#include "desk/Swipe.h"
 #include "desk/Search.h"
+#include "desk/Swipe.h"
 
 #include <QListView>
 

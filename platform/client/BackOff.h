@@ -1,5 +1,5 @@
-// BackOff.h: how long to wait before a server that did not answer is asked again: each time twice as
-// long.
+// BackOff.h: how long to wait before a server that did not answer is asked again: each time twice
+// as long.
 //
 // Invariant: 0 while it answers, else between the first pause and the last one.
 #ifndef ORVO_PLATFORM_CLIENT_BACKOFF_H

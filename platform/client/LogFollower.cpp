@@ -65,7 +65,7 @@ private:
     store::LogCursor m_cursor;
     bool m_reopen = false; ///< the store is to be opened anew, if it is not there any more
     BackOff m_backOff{firstBackOffMs};
-    int m_relookMs = 0;    ///< 0: none
+    int m_relookMs = 0; ///< 0: none
     Clock::time_point m_next{};
     Clock::time_point m_looked{}; ///< the last slow look
     bool m_watches = false;       ///< the descriptor was asked for
