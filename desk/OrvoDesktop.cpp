@@ -67,7 +67,7 @@ void OrvoDesktop::makeWidgets() {
     m_edSearch->setPlaceholderText(QStringLiteral("Поиск..."));
     m_edSearch->setMinimumHeight(DeskDelegate::rowHeight);
     m_edSearch->setMaxLength(200);
-    m_edSearch->addAction(orvo::image("search1"), QLineEdit::LeadingPosition);
+    m_edSearch->addAction(orvo::image("search1"), QLineEdit::LeadingPosition)->setText(tr("Поиск"));
     m_edSearch->installEventFilter(this);
     auto* clear = new QToolButton(panel); // the line's own is too small for a finger
     clear->setObjectName(QStringLiteral("deskSearchClear"));

@@ -98,6 +98,7 @@ QIcon image(const char* name) {
 void arrangeToolBar(QToolBar* bar) {
     bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     bar->setIconSize(QSize(imageSize, imageSize));
+    bar->setAccessibleName(QCoreApplication::translate("EditorWindow", "Панель инструментов"));
 }
 
 QToolButton* makeToolButton(QWidget* owner, const char* imageName, const QString& text) {

@@ -48,6 +48,12 @@ QVariant PropModel::data(const QModelIndex& index, int role) const {
     }
 }
 
+QVariant PropModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (role == Qt::AccessibleTextRole && orientation == Qt::Horizontal && section <= Value)
+        return section == Caption ? QStringLiteral("Свойство") : QStringLiteral("Значение");
+    return TreeModelCore::headerData(section, orientation, role);
+}
+
 bool PropModel::setData(const QModelIndex& index, const QVariant& value, int role) {
     if (m_clearing)
         return false;

@@ -24,6 +24,8 @@ public:
     PropModel(const QStringList& headers, const QString& iconsPath, QObject* parent = nullptr);
 
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+    QVariant headerData(int section, Qt::Orientation orientation,
+                        int role = Qt::DisplayRole) const override;
     /// As in the core; emits editorRowValueChanged if the value differs from the old one, whatever
     /// the column.
     bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;

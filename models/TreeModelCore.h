@@ -29,6 +29,15 @@ namespace orvo {
 enum TreeModelRole { KeyRole = Qt::AccessibleDescriptionRole };
 static_assert(KeyRole == 12, "the key role of the system");
 
+/// What a screen reader calls a column. Titles in Latin letters name fields, of columns that no
+/// tree shows; they are offered all the same.
+inline QString spokenTitle(const QString& title) {
+    const bool isField = std::any_of(title.begin(), title.end(), [](QChar letter) {
+        return letter.unicode() < 128 && letter.isLetter();
+    });
+    return isField ? QStringLiteral("Служебный столбец") : title;
+}
+
 /// Record is TabRec or PaspRec. Lives on the GUI thread.
 ///
 /// Whenever control is outside the model, in slots of its signals too, all of this holds; check()
@@ -71,8 +80,11 @@ public:
 
     QVariant headerData(int section, Qt::Orientation orientation,
                         int role = Qt::DisplayRole) const override {
-        return orientation == Qt::Horizontal && role == Qt::DisplayRole ? m_root->data(section)
-                                                                        : QVariant();
+        if (orientation != Qt::Horizontal ||
+            (role != Qt::DisplayRole && role != Qt::AccessibleTextRole))
+            return {};
+        const QVariant title = m_root->data(section);
+        return role == Qt::DisplayRole ? title : QVariant(spokenTitle(title.toString()));
     }
     bool setHeaderData(int section, Qt::Orientation orientation, const QVariant& value,
                        int role = Qt::EditRole) override {

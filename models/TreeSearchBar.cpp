@@ -53,7 +53,7 @@ TreeSearchBar::TreeSearchBar(QTreeView* view, const TreeModelCore<TabRec>& model
     m_text->setObjectName(QStringLiteral("treeSearchText"));
     m_text->setAccessibleName(tr("Поиск в дереве"));
     m_text->setPlaceholderText(tr("Поиск..."));
-    m_text->addAction(orvo::image("search1"), QLineEdit::LeadingPosition);
+    m_text->addAction(orvo::image("search1"), QLineEdit::LeadingPosition)->setText(tr("Поиск"));
     m_down = addButton(this, "down2", tr("Следующее найденное"), keysOf(keys::nextHit));
     m_up = addButton(this, "up2", tr("Предыдущее найденное"), keysOf(keys::previousHit));
     m_column->setAccessibleName(tr("Искать по"));

@@ -47,9 +47,11 @@ void OrvoResources::makeSearchBar() {
     // The clear button comes and goes; what stands beside the edit is not to move under the mouse.
     m_edSearch->setMinimumWidth(30 * m_edSearch->fontMetrics().averageCharWidth());
     m_edSearch->setClearButtonEnabled(true);
-    if (auto* clear = m_edSearch->findChild<QToolButton*>())
+    if (auto* clear = m_edSearch->findChild<QToolButton*>()) {
         clear->setIcon(orvo::image("cancel1"));
-    m_edSearch->addAction(orvo::image("search1"), QLineEdit::LeadingPosition);
+        clear->setAccessibleName(tr("Очистить"));
+    }
+    m_edSearch->addAction(orvo::image("search1"), QLineEdit::LeadingPosition)->setText(tr("Поиск"));
     m_edSearch->setPlaceholderText(tr("Поиск..."));
     connect(m_edSearch, &QLineEdit::textChanged, this, &OrvoResources::on_search_textChanged);
     m_edSearch->installEventFilter(this);

@@ -2,6 +2,7 @@
 #include "frame/OrvoClient.h"
 
 #include "platform/client/Session.h"
+#include "platform/client/WidgetRoles.h"
 #include "platform/mdx/MdxBuild.h"
 
 #include <QCloseEvent>
@@ -78,6 +79,7 @@ COrvoCliMod::COrvoCliMod(COrvoCliApp* app)
     : m_app(app)
     , m_paths(new Paths)
     , d(std::make_unique<Private>()) {
+    orvo::client::tellWidgetRoles();
     if (app)
         m_paths->workDir = app->m_workDir;
     // A main window is a window of its own until the host places it.

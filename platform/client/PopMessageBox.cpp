@@ -1,6 +1,7 @@
 #include "frame/OrvoClient.h"
 
 #include "platform/client/PopOverlay.h"
+#include "platform/client/WidgetRoles.h"
 
 #include <QAction>
 #include <QApplication>
@@ -133,6 +134,7 @@ struct CPopMessageBox::Private {
     PopText* text;
     PopScroll* scroll; ///< the words are in it
     QVBoxLayout* words;
+    QString said;              ///< the text, whole
     QPointer<PopText> details; ///< made when there are any
     QPushButton* yes;
     QPushButton* no;
@@ -164,6 +166,7 @@ struct CPopMessageBox::Private {
 };
 
 CPopMessageBox::CPopMessageBox(QWidget* parent) : QWidget(parent), d(std::make_unique<Private>()) {
+    orvo::client::tellWidgetRoles();
     hide(); // a child of a visible window would appear with it
     d->overlay = new PopOverlay(this);
     QWidget* panel = d->overlay->column()->parentWidget();
@@ -213,6 +216,9 @@ void CPopMessageBox::setMessage(QString title, QString text, TMessageBoxIcon ico
     d->title->setPlain(title);
     d->title->setHidden(title.isEmpty());
     d->text->setPlain(text);
+    setAccessibleName(title.isEmpty() ? text : title);
+    d->said = text;
+    setAccessibleDescription(text);
     delete d->details;
     delete d->notes;
     d->noted.clear();
@@ -240,10 +246,12 @@ void CPopMessageBox::connectSlot(const char* slot) {
 
 void CPopMessageBox::setDetails(const QString& details) {
     delete d->details;
+    setAccessibleDescription(d->said);
     if (details.isEmpty())
         return d->layOut(nullptr);
     d->details = new PopText(d->text->parentWidget(), 1.0, false);
     d->details->setPlain(details);
+    setAccessibleDescription(d->said + QLatin1Char('\n') + details);
     d->words->insertWidget(d->words->indexOf(d->text) + 1, d->details);
     d->layOut(d->details);
 }
@@ -297,6 +305,8 @@ void CPopMessageBox::addNote(const QString& line) {
     }
     d->notes->setPlain(lines.join(QLatin1Char('\n')));
     d->layOut(d->notes);
+    if (isVisible())
+        orvo::client::tellAlert(*this);
 }
 
 void CPopMessageBox::withdraw(const QString& line) {
@@ -315,6 +325,7 @@ void CPopMessageBox::showEvent(QShowEvent* event) {
     if (event->spontaneous())
         return;
     d->overlay->cover();
+    orvo::client::tellAlert(*this);
     QWidget* before = QApplication::focusWidget();
     if (before && parentWidget() && parentWidget()->isAncestorOf(before) && !isAncestorOf(before))
         d->focusBefore = before;

@@ -1,5 +1,7 @@
 #include "frame/OrvoClient.h"
 
+#include "platform/client/WidgetRoles.h"
+
 #include <QGuiApplication>
 #include <QScreen>
 #include <QShortcut>
@@ -9,6 +11,7 @@
 
 CPopTemplate::CPopTemplate(QWidget* parent, int32_t /*reserved*/)
     : QWidget(parent, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint) {
+    orvo::client::tellWidgetRoles();
     connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, this, &QWidget::hide);
 }
 

@@ -1,6 +1,7 @@
 // The pop-ups inside a module's window.
 #include "tests/client/HostFixture.h"
 
+#include <QAccessible>
 #include <QAction>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -64,6 +65,20 @@ struct Fixture {
 class TestPopups : public QObject {
     Q_OBJECT
 private slots:
+    void screenReadersAreToldWhatItIs() {
+        Fixture fixture;
+        CPopMessageBox* box = fixture.ask();
+        const QAccessibleInterface* read = QAccessible::queryAccessibleInterface(box);
+        QCOMPARE(read->role(), QAccessible::AlertMessage);
+        QCOMPARE(read->text(QAccessible::Name), QString("Уведомление"));
+        QVERIFY(read->text(QAccessible::Description).contains("Пульт"));
+        box->setDetails("3 элемента");
+        QVERIFY(read->text(QAccessible::Description).contains("3 элемента"));
+        const CPopTemplate list(&fixture.module, -1);
+        QCOMPARE(QAccessible::queryAccessibleInterface(const_cast<CPopTemplate*>(&list))->role(),
+                 QAccessible::Dialog);
+    }
+
     void showReturnsAtOnceAndCoversTheModule() {
         Fixture fixture;
         CPopMessageBox* box = fixture.ask();

@@ -1,5 +1,6 @@
 // What a screen reader finds: the tree of accessible objects that the running client offers on the
 // bus, walked from its window down. Runs in a bus session of its own.
+#include "tests/e2e/Hands.h"
 #include "tests/e2e/Scene.h"
 
 #include <QDBusArgument>
@@ -8,6 +9,7 @@
 #include <QDBusInterface>
 #include <QDBusMetaType>
 #include <QDBusReply>
+#include <QRegularExpression>
 #include <QSet>
 #include <QtTest>
 
@@ -121,24 +123,8 @@ class TestScreenReader : public QObject {
         return {};
     }
 
-private slots:
-    void initTestCase() {
-        qDBusRegisterMetaType<Reference>();
-        qDBusRegisterMetaType<QList<Reference>>();
-        QDBusInterface launcher("org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus");
-        const QDBusReply<QString> address = launcher.call("GetAddress");
-        QVERIFY2(address.isValid(), qPrintable(address.error().message()));
-        m_bus = std::make_unique<Bus>(address.value());
-        QVERIFY(m_bus->isUp());
-        qputenv("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
-        m_scene = std::make_unique<Scene>();
-        QVERIFY2(m_scene->startLeft({"Menu", "Resources"}), m_scene->why());
-        QVERIFY2(m_scene->waitFor(
-                     "the client is on the bus", [this] { return look(); }, 30000),
-                 m_scene->why());
-    }
-
-    void whatCanBeUsedHasAName() {
+    /// Paths of what is shown, can be used and has no name.
+    QString nameless() const {
         const QSet<QString> wanted{"push button",
                                    "toggle button",
                                    "text",
@@ -158,14 +144,46 @@ private slots:
                                    "table column header",
                                    "button",
                                    "page tab list"};
-        QStringList nameless;
+        QStringList paths;
         for (const Node& node : qAsConst(m_nodes))
             if (wanted.contains(node.role) && node.name.trimmed().isEmpty() && node.isShown &&
                 !node.isInComboBox)
-                nameless << node.path;
-        for (const QString& path : qAsConst(nameless))
-            qWarning().noquote() << path;
-        QCOMPARE(nameless.join('\n'), QString());
+                paths << node.path;
+        return paths.join('\n');
+    }
+
+private slots:
+    void initTestCase() {
+        qDBusRegisterMetaType<Reference>();
+        qDBusRegisterMetaType<QList<Reference>>();
+        QDBusInterface launcher("org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus");
+        const QDBusReply<QString> address = launcher.call("GetAddress");
+        QVERIFY2(address.isValid(), qPrintable(address.error().message()));
+        m_bus = std::make_unique<Bus>(address.value());
+        QVERIFY(m_bus->isUp());
+        qputenv("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
+        m_scene = std::make_unique<Scene>();
+        QVERIFY2(m_scene->startLeft({"Menu", "Resources"}), m_scene->why());
+        QVERIFY2(m_scene->waitFor(
+                     "the client is on the bus", [this] { return look(); }, 30000),
+                 m_scene->why());
+    }
+
+    void whatCanBeUsedHasAName() {
+        QCOMPARE(nameless(), QString());
+        // The other editor.
+        QVERIFY(hands::key("ctrl+Next"));
+        QVERIFY2(m_scene->waitFor(
+                     "the search field of the catalogue is shown",
+                     [this] {
+                         look();
+                         return std::any_of(m_nodes.begin(), m_nodes.end(), [](const Node& node) {
+                             return node.isShown && node.name == "Поиск в каталоге";
+                         });
+                     }),
+                 m_scene->why());
+        QCOMPARE(nameless(), QString());
+        QVERIFY(hands::key("ctrl+Prior"));
     }
 
     void treesHaveTheirNamesAndColumns() {
@@ -178,6 +196,10 @@ private slots:
             QVERIFY2(found.contains(QString::fromUtf8(name)),
                      qPrintable(QString(name) + " is not among: " + found.join(", ")));
         bool hasColumn = false;
+        const QRegularExpression latin("[A-Za-z]");
+        for (const Node& node : qAsConst(m_nodes))
+            QVERIFY2(!node.role.contains("header") || !node.name.contains(latin),
+                     qPrintable(node.path));
         for (const Node& node : qAsConst(m_nodes))
             hasColumn = hasColumn || (node.role.contains("header") &&
                                       node.name == QStringLiteral("Наименование"));
@@ -191,6 +213,32 @@ private slots:
                 found = found || (node.role.startsWith("menu") && node.name == QString(menu));
             QVERIFY2(found, menu);
         }
+    }
+
+    void toolBarsQuestionsAndPickersSayWhatTheyAre() {
+        for (const Node& node : qAsConst(m_nodes))
+            QVERIFY2(node.role != "tool bar" || !node.name.contains("toolBar"),
+                     qPrintable(node.path));
+        ClientProcess& client = m_scene->left();
+        QVERIFY2(m_scene->clickRow(client, "tvDesck", "КС-1 «Верхнеозёрск»"), m_scene->why());
+        QVERIFY2(m_scene->clickRow(client, "tvMenu", "Общая схема КС-1"), m_scene->why());
+        const auto isShown = [this](const char* role, const QString& name) {
+            look();
+            for (const Node& node : qAsConst(m_nodes))
+                if (node.role == role && node.isShown && node.name.contains(name))
+                    return !node.name.isEmpty();
+            return false;
+        };
+        QVERIFY(hands::key("Delete"));
+        QVERIFY2(m_scene->waitFor("the question is an alert",
+                                  [&] { return isShown("alert message", {}); }),
+                 m_scene->why());
+        QVERIFY(hands::key("Escape"));
+        QVERIFY(hands::key("ctrl+1"));
+        QVERIFY2(m_scene->waitFor("the picker is a dialog",
+                                  [&] { return isShown("dialog", "Выбор модулей"); }),
+                 m_scene->why());
+        QVERIFY(hands::key("Escape"));
     }
 
     void cleanupTestCase() {
