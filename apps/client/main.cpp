@@ -11,6 +11,7 @@
 #include "apps/client/Scheme.h"
 #include "apps/client/WaitPane.h"
 #include "apps/client/start/RecentStores.h"
+#include "apps/client/start/SecretService.h"
 #include "apps/client/start/ServerPassword.h"
 #include "apps/client/start/StorePage.h"
 
@@ -63,7 +64,9 @@ bool isSeen(const orvo::app::Options& options) {
 }
 
 /// `failed`: the store that did not open for that reason, or empty. False if the user wants none.
-bool chooseStore(orvo::app::Options* options, const QString& reason, const QString& failed) {
+/// `typed`: the password that was typed for the store of the options.
+bool chooseStore(orvo::app::Options* options, QString* typed, const QString& reason,
+                 const QString& failed) {
     const QString ownFile = orvo::app::ownStore();
     orvo::app::ChosenStore chosen;
     if (!orvo::app::askForStore(ownFile, options->login, reason, failed, &chosen))
@@ -74,7 +77,7 @@ bool chooseStore(orvo::app::Options* options, const QString& reason, const QStri
         options->workDir = orvo::app::usualWorkDir(chosen.address);
     // A store that is tried again keeps the password it had.
     if (chosen.address != failed || !chosen.password.isEmpty())
-        orvo::app::offerPassword(chosen.password);
+        *typed = chosen.password;
     return true;
 }
 
@@ -105,20 +108,24 @@ std::optional<int> runOn(const orvo::app::Options& options, orvo::app::SchemeKee
 /// Who has no store yet, or one that does not open, is asked which; an operator, whether to try
 /// again.
 int runClient(orvo::app::Options options, orvo::app::SchemeKeeper& scheme) {
+    QString typed;
     const bool mayAsk = isSeen(options), isOperator = !options.desktop.isEmpty();
     if (mayAsk && !isOperator && options.isDefaultStore &&
         !QFileInfo::exists(orvo::app::ownStore()) &&
-        !chooseStore(&options, QStringLiteral("Хранилища на этой машине ещё нет. С чего начать?"),
-                     {}))
+        !chooseStore(&options, &typed,
+                     QStringLiteral("Хранилища на этой машине ещё нет. С чего начать?"), {}))
         return 0;
     while (true) {
         QString reason;
+        orvo::app::offerPassword(typed.isEmpty() && !orvo::app::hasOwnPassword()
+                                     ? orvo::app::secrets::passwordOf(options.store)
+                                     : typed);
         if (const std::optional<int> code = runOn(options, scheme, &reason))
             return *code;
         const int code = refuse(1, reason);
         reason = withoutPasswords(reason);
         if (!mayAsk || !(isOperator ? orvo::app::askToRetryDesktop(reason)
-                                    : chooseStore(&options, reason, options.store)))
+                                    : chooseStore(&options, &typed, reason, options.store)))
             return code;
     }
 }

@@ -8,7 +8,7 @@
 #include "tests/client/HostFixture.h"
 
 #include <QAction>
-#include <QCheckBox>
+#include <QComboBox>
 #include <QCommandLinkButton>
 #include <QFileInfo>
 #include <QLabel>
@@ -50,6 +50,11 @@ Widget* part(QWidget& of, const char* name) {
     if (!found)
         qFatal("there is no %s", name);
     return found;
+}
+
+void keepInFile(ServerDialog& dialog) {
+    auto* keep = part<QComboBox>(dialog, "serverKeep");
+    keep->setCurrentIndex(keep->findData(int(ServerDialog::Keep::PasswordFile)));
 }
 
 QString said(QWidget& of, const char* name) {
@@ -157,7 +162,7 @@ private slots:
         ServerDialog dialog("ivanov");
         part<QLineEdit>(dialog, "serverHost")->setText("db1,db2");
         part<QLineEdit>(dialog, "serverPassword")->setText("secret");
-        part<QCheckBox>(dialog, "serverKeep")->setChecked(true);
+        keepInFile(dialog);
         dialog.accept();
         QCOMPARE(dialog.password(), QString());
         QCOMPARE(bytesOf(app::passwordFile()),
@@ -169,7 +174,7 @@ private slots:
         ServerDialog dialog("ivanov");
         dialog.show();
         part<QLineEdit>(dialog, "serverPassword")->setText("secret");
-        part<QCheckBox>(dialog, "serverKeep")->setChecked(true);
+        keepInFile(dialog);
         dialog.accept();
         QVERIFY(dialog.isVisible());
         QVERIFY(said(dialog, "serverResult").contains("missing/pgpass"));

@@ -1,6 +1,8 @@
 #include "apps/client/start/ServerDialog.h"
 
-#include <QCheckBox>
+#include "apps/client/start/SecretService.h"
+
+#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLabel>
@@ -33,8 +35,7 @@ ServerDialog::ServerDialog(const QString& user, QWidget* parent)
     , m_user(new QLineEdit(user, this))
     , m_typed(new QLineEdit(this))
     , m_port(new QSpinBox(this))
-    , m_keep(
-          new QCheckBox(QStringLiteral("&Запомнить пароль в файле %1").arg(passwordFile()), this))
+    , m_keep(new QComboBox(this))
     , m_result(new QLabel(this)) {
     setObjectName(QStringLiteral("serverDialog"));
     setWindowTitle(QStringLiteral("Хранилище на сервере"));
@@ -49,6 +50,12 @@ ServerDialog::ServerDialog(const QString& user, QWidget* parent)
     m_port->setRange(1, 65535);
     m_port->setValue(usualPort);
     m_keep->setObjectName(QStringLiteral("serverKeep"));
+    m_keep->addItem(QStringLiteral("до конца работы"), int(Keep::Nowhere));
+    if (secrets::areHere())
+        m_keep->addItem(QStringLiteral("в хранилище паролей рабочего стола"),
+                        int(Keep::SecretService));
+    m_keep->addItem(QStringLiteral("в файле %1").arg(passwordFile()), int(Keep::PasswordFile));
+    m_keep->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     m_result->setObjectName(QStringLiteral("serverResult"));
     m_result->setWordWrap(true);
     m_result->setTextFormat(Qt::PlainText);
@@ -61,7 +68,7 @@ ServerDialog::ServerDialog(const QString& user, QWidget* parent)
     form->addRow(QStringLiteral("&База данных:"), m_database);
     form->addRow(QStringLiteral("&Пользователь:"), m_user);
     form->addRow(QStringLiteral("П&ароль:"), m_typed);
-    form->addRow(m_keep);
+    form->addRow(QStringLiteral("&Запомнить:"), m_keep);
     form->addRow(m_result);
     auto* buttons = new QDialogButtonBox(this);
     m_test = buttons->addButton(QStringLiteral("Проверит&ь"), QDialogButtonBox::ActionRole);
@@ -166,23 +173,32 @@ void ServerDialog::tested(const store::Status& status, const QString& login, boo
         say(QStringLiteral("Хранилище открыто: пользователь %1 может только читать.").arg(login));
 }
 
+/// Where that is wanted. False, with the reason, if it was not kept.
+bool ServerDialog::keep(QString* error) {
+    const auto where = static_cast<Keep>(m_keep->currentData().toInt());
+    if (where == Keep::Nowhere || !m_keep->isEnabled())
+        return true;
+    if (where == Keep::SecretService)
+        return secrets::keep(address(), m_password, error);
+    ServerLogin one = login();
+    for (const QString& host : m_host->text().split(QLatin1Char(','), Qt::SkipEmptyParts)) {
+        one.host = host.trimmed();
+        if (!one.host.isEmpty() && !keepPassword(one, m_password, error))
+            return false;
+    }
+    m_password.clear();
+    return true;
+}
+
 void ServerDialog::accept() {
     if (!m_open->isEnabled())
         return;
     m_password = m_typed->text();
     QString error;
-    if (m_keep->isChecked() && m_keep->isEnabled()) {
-        ServerLogin one = login();
-        for (const QString& host : m_host->text().split(QLatin1Char(','), Qt::SkipEmptyParts)) {
-            one.host = host.trimmed();
-            if (!one.host.isEmpty() && !keepPassword(one, m_password, &error)) {
-                say(error);
-                return;
-            }
-        }
-        m_password.clear();
-    }
-    QDialog::accept();
+    if (keep(&error))
+        QDialog::accept();
+    else
+        say(error);
 }
 
 } // namespace orvo::app

@@ -7,7 +7,7 @@
 
 #include <QDialog>
 
-class QCheckBox;
+class QComboBox;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -18,12 +18,15 @@ namespace orvo::app {
 class ServerDialog : public QDialog {
     Q_OBJECT
 public:
+    /// Where the password is kept; the data of an entry of the list.
+    enum class Keep { Nowhere, SecretService, PasswordFile };
+
     explicit ServerDialog(const QString& user, QWidget* parent = nullptr);
     ~ServerDialog() override;
 
     /// The address without the password. Names of several hosts are parted by commas.
     QString address() const;
-    /// Empty if none was typed, or it has been kept where libpq finds it.
+    /// What was typed; empty if it has been kept where libpq finds it.
     QString password() const { return m_password; }
 
     /// Keeps the password if that is wanted, then accepts; says what is wrong and stays otherwise.
@@ -36,10 +39,11 @@ private:
     QString hosts(bool withPort) const;
     ServerLogin login() const;
     void say(const QString& text);
+    bool keep(QString* error);
 
     QLineEdit *m_host, *m_database, *m_user, *m_typed; // these: children
     QSpinBox* m_port;
-    QCheckBox* m_keep;
+    QComboBox* m_keep;
     QLabel* m_result;
     QPushButton *m_test, *m_open;
     QString m_password;

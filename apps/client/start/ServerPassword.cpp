@@ -22,6 +22,10 @@ void keepOwnPassword() {
         ownPassword() = qgetenv(variable);
 }
 
+bool hasOwnPassword() {
+    return ownPassword().has_value();
+}
+
 void offerPassword(const QString& typed) {
     if (!typed.isEmpty())
         qputenv(variable, typed.toUtf8()); // no file and no command line shows it

@@ -15,6 +15,8 @@ namespace orvo::app {
 /// other runs: what the environment holds now is the user's own.
 void keepOwnPassword();
 
+/// Whether that was one.
+bool hasOwnPassword();
 /// For the store that this process opens next. Empty: none was typed.
 void offerPassword(const QString& typed);
 /// The environment of another process that opens a store.

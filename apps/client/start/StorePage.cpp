@@ -2,6 +2,7 @@
 
 #include "apps/client/Installation.h"
 #include "apps/client/start/RecentStores.h"
+#include "apps/client/start/SecretService.h"
 #include "apps/client/start/ServerDialog.h"
 #include "apps/client/start/ServerPassword.h"
 #include "platform/store/StoreUrl.h"
@@ -212,8 +213,10 @@ void StorePage::openRecent() {
 
 void StorePage::forgetRecent() {
     if (const QListWidgetItem* item = m_recent->currentItem()) {
-        forgetStore(item->data(Qt::UserRole).toString());
+        const QString address = item->data(Qt::UserRole).toString();
+        forgetStore(address);
         fillRecent();
+        secrets::forget(address);
     }
 }
 
