@@ -79,7 +79,7 @@ public:
     /// catalogue is already as after the change; `before` lives for this call.
     virtual void recordChanged(const Catalogue& catalogue, const Record& before,
                                const Record& after) = 0;
-    /// Everything is different now: loaded for the first time or anew.
+    /// Everything is different now: loaded for the first time, or again.
     virtual void loaded(const Catalogue& catalogue) = 0;
     /// Nothing more waits to be applied at the moment: time for what the next question would have
     /// to wait for. Told by LiveCatalogue only.
@@ -93,7 +93,7 @@ public:
     Catalogue(const Catalogue&) = delete;
     Catalogue& operator=(const Catalogue&) = delete;
 
-    /// Reads everything anew. On failure, and with code Stopped once `stop` is set, it is empty.
+    /// Reads everything again. On failure, and with code Stopped once `stop` is set, it is empty.
     /// Changes that are committed meanwhile may be missed: whoever follows the log takes its cursor
     /// before and applies what comes after it. That may repeat changes which load has seen; when
     /// the last of them is applied all is as stored.

@@ -8,7 +8,7 @@
 // The texts are searched in a copy with the letters made equal, in blocks of records with
 // neighbouring numbers; each knows which three or four letters in a row occur in it, so that a rare
 // word is looked for in few of them. A change drops the block that it falls into; settled() makes
-// it anew, or the next search.
+// it again, or the next search.
 //
 // All of it in the thread of the catalogue. Invariant, looked at by check(): a block that counts as
 // made is what making it now would give.

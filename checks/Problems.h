@@ -28,7 +28,7 @@ public:
     /// for the caller to add it as a listener.
     explicit Problems(const Catalogue& records) : m_records(records) {}
 
-    /// Looks at everything anew.
+    /// Looks at everything again.
     void lookAtAll();
     /// Looks again at what the changes since have touched, until that time. False: not all of it.
     bool settle(std::chrono::steady_clock::time_point until);
@@ -81,7 +81,7 @@ private:
 
     const Catalogue& m_records;
     Namesakes m_namesakes;
-    /// By number. A hash table would be filled anew at times, within one change.
+    /// By number. A hash table would be rebuilt at times, within one change.
     std::map<uint32_t, Findings> m_found;
     Findings m_tops;
     size_t m_errors = 0, m_warnings = 0;

@@ -228,7 +228,8 @@ void DeskRecords::setUnsaved(const QString& key, bool isNew, const QVariantMap& 
 
 QStringList DeskRecords::children(const QString& parent) const {
     QStringList keys;
-    // No parent is NULL, or empty text in a store of other hands, which follows the NULLs.
+    // No parent is NULL, or empty text in a store written by other programs, which follows the
+    // NULLs.
     walkGroup(m_elements, byParent, parent.isEmpty() ? KeyValues() : KeyValues().text(parent),
               [&](const MDRData* record) {
                   if (!holdsText(record, field::parent, parent))

@@ -72,7 +72,7 @@ public:
     bool knowsResource(const QString& key) const {
         return m_resources.contains(key.toCaseFolded());
     }
-    /// The resource has changed or gone, or come: it is asked for anew.
+    /// The resource has changed or gone, or come: it is asked for again.
     void forgetResource(const QString& key) {
         KnownResource& known = m_resources[key.toCaseFolded()];
         known.isRead = false;

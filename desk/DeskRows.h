@@ -14,10 +14,10 @@ class DeskRows {
 public:
     DeskRows(DeskModel& model, DeskRecords& records) : m_model(model), m_records(records) {}
 
-    /// Removes all rows and makes them anew.
+    /// Removes all rows and makes them again.
     void fill();
     /// The element has come, changed, moved or gone: its row follows, with those below it. A row
-    /// that has to move is made anew.
+    /// that has to move is made again.
     void follow(const QString& key);
     /// Texts and icons of the row; its place is not looked at.
     void refresh(const QString& key);

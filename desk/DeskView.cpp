@@ -132,7 +132,7 @@ DeskView::Keep::~Keep() {
     m_view.setUpdatesEnabled(true);
 }
 
-/// Rows that were made anew are closed; only folders that the operator had opened are looked into.
+/// Rows that were made again are closed; only folders that the operator had opened are looked into.
 void DeskView::openKnown(const QModelIndex& parent) {
     std::vector<QPersistentModelIndex> pending{parent};
     while (!pending.empty()) {

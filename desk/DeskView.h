@@ -1,5 +1,5 @@
 // DeskView.h: shows the menu so that a finger hits it, and keeps what the operator has open, where
-// he looks and what he has chosen while rows are made anew.
+// he looks and what he has chosen while rows are made again.
 #ifndef ORVO_DESK_DESKVIEW_H
 #define ORVO_DESK_DESKVIEW_H
 
@@ -35,7 +35,7 @@ protected:
     void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
 };
 
-/// What is open is known by keys, so that a folder whose row is made anew opens again by itself.
+/// What is open is known by keys, so that a folder whose row is made again opens again by itself.
 class DeskView : public QTreeView {
     Q_OBJECT
 public:

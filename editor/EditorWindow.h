@@ -165,7 +165,7 @@ protected:
     using Adjust = std::function<void(const RecordField& field, PassportRow& shown)>;
     QModelIndex addPassport(const QModelIndex& row, const RecordFields& fields, Rows kind,
                             const Adjust& adjust = {});
-    /// Shows the values of a row anew in the passport that stands there, open editors included.
+    /// Shows the values of a row again in the passport that stands there, open editors included.
     void refreshPassport(const QModelIndex& row, const RecordFields& fields);
 
     /// The picker, made when it is first asked for.

@@ -5,7 +5,7 @@
 // Invariants, asserted in debug builds:
 // 1. Idle, there are no typed values and no row.
 // 2. An open edit has a key, that of the record. It keeps it while the row is away, which another
-//    client may have removed or made anew in another place.
+//    client may have removed or recreated in another place.
 #ifndef ORVO_EDITOR_RECORDEDIT_H
 #define ORVO_EDITOR_RECORDEDIT_H
 
@@ -50,11 +50,11 @@ public:
     void begin(const QModelIndex& row, const QString& key);
     /// Another placeholder has become current and is saved in place of the first.
     void takePlaceholder(const QModelIndex& placeholder, const QString& key);
-    /// The row has been made anew in another place.
+    /// The row has been recreated in another place.
     void follow(const QModelIndex& row);
     /// The engineer typed a value, which the row gets.
     void change(QAbstractItemModel& model, int column, const QVariant& value);
-    /// A change of a record has entered the table, and the row has been written anew: what was
+    /// A change of a record has entered the table, and the row has been written again: what was
     /// typed and is not overtaken goes back into it. Nothing for any other record. Gives what was
     /// overtaken.
     std::vector<Replaced> merge(QAbstractItemModel& model, const QModelIndex& row,

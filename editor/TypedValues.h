@@ -41,7 +41,7 @@ public:
     /// Gives what is removed.
     std::vector<Replaced> merge(const Notification& change, const MDRData* record,
                                 const RecordFields& fields);
-    /// Writes the typed values into a row, which a change may have written anew.
+    /// Writes the typed values into a row, which a change may have written again.
     void show(QAbstractItemModel& model, const QModelIndex& row) const;
     void clear() { m_typed.clear(); }
 

@@ -118,7 +118,7 @@ void OrvoMenu::showDesck(const orvo::Notification& change, MDRData* record,
         getDesckElementPosition(key, orvo::textOf(record, orvo::field::ParentKey));
     if (position == -1)
         return;
-    // A row that moves is made anew, with those below it: an edit there is saved first.
+    // A row that moves is made again, with those below it: an edit there is saved first.
     const QModelIndex edited = m_editDesckIndex.sibling(m_editDesckIndex.row(), 0);
     if (m_desckEdit.isOpen() && position != row.row() &&
         (edited == row || standsBelow(edited, row)))

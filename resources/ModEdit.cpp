@@ -1,4 +1,4 @@
-// What the host asks of the editor: its open edit, before it closes the editor or opens it anew,
+// What the host asks of the editor: its open edit, before it closes the editor or reopens it,
 // and to show a record.
 #include "ui_OrvoResources.h"
 

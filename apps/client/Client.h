@@ -5,7 +5,7 @@
 // modules in order), 5 the destructor.
 //
 // Sources: Client.cpp has that order and what is connected, ClientModules.cpp opens the modules and
-// opens them anew, ClientPanes.cpp has the panes of the window and the states it tells of.
+// reopens them, ClientPanes.cpp has the panes of the window and the states it tells of.
 #ifndef ORVO_APPS_CLIENT_CLIENT_H
 #define ORVO_APPS_CLIENT_CLIENT_H
 
@@ -128,7 +128,7 @@ private:
     std::unique_ptr<client::NotificationPump> m_pump;
     std::unique_ptr<Launcher> m_launcher; ///< while the window is shown, as the next
     std::unique_ptr<Workplace> m_workplace;
-    QTimer m_lookForStore; ///< a workplace has nobody who would open its modules anew
+    QTimer m_lookForStore; ///< a workplace has nobody who would open its modules again
     std::unique_ptr<PresenceView> m_presence; ///< while the window is shown
     std::unique_ptr<Screenshot> m_screenshot; ///< looks at those above; null if not asked for
     std::unique_ptr<Inspector> m_inspector;   ///< asks those above; null if not asked for

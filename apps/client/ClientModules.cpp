@@ -1,4 +1,4 @@
-// The modules of the client: opening them, asking for their open edits, opening them anew.
+// The modules of the client: opening them, asking for their open edits, reopening them.
 #include "apps/client/Client.h"
 #include "apps/client/CloseGuard.h"
 #include "apps/client/FileMirror.h"
@@ -153,7 +153,7 @@ void Client::reopenNow(const QString& why) {
     m_app.log(LogWarning, QStringLiteral("Клиент"), why);
 }
 
-/// In a workplace nobody opens the modules anew by hand once a file is back at its place.
+/// In a workplace nobody opens the modules again by hand once a file is back at its place.
 void Client::lookForStore() {
     if (m_pump && m_pump->mayDeliver() && client::sessionStore(*m_session).reopen().ok()) {
         m_lookForStore.stop();

@@ -250,7 +250,7 @@ void Client::connectionChanged(bool up, const QString& text) {
                                                    "заново».")
                            : text);
     else if (m_outdated)
-        // The editors do not look at results. Opening them anew could cost an unfinished edit, so
+        // The editors do not look at results. Opening them again could cost an unfinished edit, so
         // that is left to the user.
         fail(place, QStringLiteral("восстановлена, но выполнено не всё: «Клиент» — «Открыть модули "
                                    "заново» покажет, что сохранено."));

@@ -39,7 +39,7 @@ public:
     explicit CloseGuard(QObject* parent = nullptr);
     ~CloseGuard() override;
 
-    /// Asked each time anew, in the order of adding.
+    /// Asked again each time, in the order of adding.
     void addSource(Source source);
     bool isClean() const;
     /// For a caller whose `go` leaves windows and modules open: gives up what was not saved.

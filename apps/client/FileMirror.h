@@ -32,9 +32,9 @@ public:
     /// A change of the store: looks at the record's file if it has one, and at the whole area only
     /// after a change of a folder of files, or of many records at once.
     void changed(const store::Change& change);
-    /// Compares anew, e.g. after the change log had a gap.
+    /// Compares everything again, e.g. after the change log had a gap.
     void refresh();
-    /// While the store does not answer nothing is asked of it; afterwards all is compared anew.
+    /// While the store does not answer nothing is asked of it; afterwards all is compared again.
     void setConnected(bool up);
     /// Whether all that was asked for is done, or cannot be done now.
     bool isIdle() const;

@@ -10,7 +10,7 @@ class QAbstractScrollArea;
 namespace orvo::app {
 
 /// The selected row has one colour with and without the focus, so the frame alone tells of it.
-/// Lives as a child of the part that has the focus, and is made anew when it goes with that.
+/// Lives as a child of the part that has the focus, and is made again when it goes with that.
 class FocusMark : public QWidget {
 public:
     /// Follows the focus of the application from now on; to be called once.

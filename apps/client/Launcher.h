@@ -66,7 +66,7 @@ public:
     void changed(const store::Change& change);
     /// The user closes a tab: a module is asked for its open edit first.
     void closePage(QWidget* page);
-    /// The modules are about to be stopped; `reopenModules` opens anew those that were open then,
+    /// The modules are about to be stopped; `reopenModules` reopens those that were open then,
     /// and brings nothing to the front.
     void rememberModules();
     void reopenModules();

@@ -47,8 +47,8 @@ public:
     bool write(const PathParts& path, std::string_view bytes, double time);
     /// Removes the file and the folders above it that are empty then.
     bool remove(const PathParts& path);
-    /// The folder of the last file is kept open for the next one. Forgotten, it is looked for anew:
-    /// somebody may have moved it since.
+    /// The folder of the last file is kept open for the next one. Forgotten, it is looked for
+    /// again: somebody may have moved it since.
     void forgetFolder();
 
 private:

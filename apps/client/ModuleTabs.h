@@ -36,7 +36,7 @@ public:
     /// Tabs and their buttons are as large as a finger needs from here on.
     void becomeTouchable();
 
-    /// The tabs as they are; for when modules have been opened anew.
+    /// The tabs as they are; for when modules have been reopened.
     struct Order {
         struct Tab {
             QPointer<QWidget> page;
@@ -48,7 +48,7 @@ public:
     };
     Order order() const;
     /// Puts the tabs into that order again, and the same one to the front of the others; what was
-    /// opened anew is known by its name. A page that was there all the time stands for itself only.
+    /// reopened is known by its name. A page that was there all the time stands for itself only.
     void arrange(const Order& as);
     /// To the front; nothing is changed if there is no editor of that name.
     void setCurrentModule(const QString& name);

@@ -5,7 +5,7 @@
 // 1. Jobs are done one after the other, in the order of run().
 // 2. Each job that was begun is answered once, unless its context or this object goes before; the
 //    answers come in the thread of this object, from its event loop.
-// 3. The store is opened with the first job, and anew after a failure that lost the connection.
+// 3. The store is opened with the first job, and again after a failure that lost the connection.
 #ifndef ORVO_APPS_CLIENT_STORETHREAD_H
 #define ORVO_APPS_CLIENT_STORETHREAD_H
 

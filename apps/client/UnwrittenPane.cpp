@@ -224,7 +224,7 @@ void UnwrittenPane::textChanged(QTreeWidgetItem* row, int column) {
     const std::string key = row->data(Field, keyRole).toString().toStdString();
     const int field = row->data(Field, fieldRole).toInt();
     const QString text = row->text(Mine);
-    // The view is still ending its edit; the list's change fills it anew.
+    // The view is still ending its edit; the list's change fills it again.
     QTimer::singleShot(0, this, [=, this] { m_list.setMine(id, key, field, text); });
 }
 

@@ -89,7 +89,7 @@ void WaitDialogController::closePane() {
     m_pane.reset();
 }
 
-/// What a window manager or another window has wiped away comes back; nothing is painted anew.
+/// What a window manager or another window has wiped away comes back; nothing is painted again.
 void WaitDialogController::showPixels() {
     for (const QWidget* widget : QApplication::topLevelWidgets()) {
         QBackingStore* pixels = widget->isVisible() ? widget->backingStore() : nullptr;

@@ -9,7 +9,7 @@
 namespace orvo::client {
 
 /// The changes that put the rows of a module right which still show these records as they were to
-/// be written: an update that brings no field has it show its own record anew, and a record that
+/// be written: an update that brings no field has it show its own record again, and a record that
 /// was to be made is made and deleted for that module alone, unless the store has one of that key.
 /// None for other requests, and none if the store does not answer. They are no changes of the log:
 /// their id is 0.

@@ -63,7 +63,7 @@ private:
     uint64_t m_asked = 0;
     uint64_t m_generation = 0;
     store::LogCursor m_cursor;
-    bool m_reopen = false; ///< the store is to be opened anew, if it is not there any more
+    bool m_reopen = false; ///< the store is to be reopened, if it is not there any more
     BackOff m_backOff{firstBackOffMs};
     int m_relookMs = 0; ///< 0: none
     Clock::time_point m_next{};

@@ -51,7 +51,8 @@ public:
     /// Waits for no server.
     ~LogFollower() override;
 
-    /// Reads from that place on, also anew; what was found before and not taken is forgotten.
+    /// Reads from that place on, also a second time; what was found before and not taken is
+    /// forgotten.
     void begin(store::LogCursor cursor);
     /// From now on only what concerns that desktop (Store::readDesktopLog) has to be found; all of
     /// it again for none, as at first. What is committed after this call was made and goes beyond

@@ -49,7 +49,7 @@ public:
 
     /// Begins at the session's cursor.
     void start();
-    /// Begins anew at the end of the log, after logLost and before the modules are opened anew.
+    /// Restarts at the end of the log, after logLost and before the modules are reopened.
     /// False if the store does not answer; the pump then goes on from where it was, and as soon as
     /// the store answers, logLost comes once more if it is still due.
     bool restart();
@@ -73,7 +73,7 @@ public:
 signals:
     /// Every change, whatever its table, once, in commit order, just before the modules get it.
     void changed(const orvo::store::Change& change);
-    /// The log no longer reaches back to the cursor: the modules must be opened anew. The pump
+    /// The log no longer reaches back to the cursor: the modules must be reopened. The pump
     /// rests until restart. Not emitted while a module has the engineer's attention. `replaced`:
     /// the store no longer has the last changes that were read.
     void logLost(bool replaced);

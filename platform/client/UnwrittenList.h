@@ -43,7 +43,7 @@ struct UnwrittenEntry {
     enum State {
         Refused = 1,  ///< the store refused it, or it failed: nothing of it was written
         Unknown = 2,  ///< the connection was lost at the commit; asked for when it is back
-        Gone = 3,     ///< the record is not in the store; repeating makes it anew
+        Gone = 3,     ///< the record is not in the store; repeating makes it again
         Conflict = 4, ///< another has changed the same fields; they have not been written
         Lost = 5,     ///< was written, but the store no longer has it
         Waiting = 6,  ///< needs an entry before it
@@ -99,7 +99,7 @@ public:
     std::vector<store::IdRange> takeRepeated(const QString& module);
 
     /// Repeats an entry. Conflicts: mine is written over theirs. False if it is still in the list;
-    /// `why` tells the reason anew.
+    /// `why` tells the reason again.
     bool repeat(const QString& id);
     /// All but conflicts, in order; the number that is left of them.
     int repeatAll();

@@ -178,7 +178,7 @@ private:
         return a.image < b.image;
     }
 
-    // Images too long to be laid out whole: compared anew, from the records.
+    // Images too long to be laid out whole: compared again, from the records.
     int compareRecords(const SortItem& a, const SortItem& b, bool keyOnly) const {
         ImageBuffer image;
         const KeyFields& fields = m_tree.m_fields;

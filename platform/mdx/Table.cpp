@@ -231,7 +231,7 @@ int Table::postAll(std::span<const uint32_t> numbers) {
             discard(0);
             return MDX_E_LIMIT;
         }
-        // A few go in one by one, many are worth building the keys anew.
+        // A few go in one by one, many are worth building the keys again.
         bool oneByOne = numbers.size() < postedCount() / 8;
         if (!oneByOne) {
             std::vector<uint32_t> order;

@@ -1,5 +1,5 @@
 // Whether the functions and triggers of a PostgreSQL store are those that the program makes, and
-// making them anew.
+// making them again.
 #include "platform/store/PostgresStore.h"
 
 #include "platform/store/PostgresSchema.h"

@@ -147,7 +147,7 @@ void PostgresPresence::heard(const PGnotify& announcement) {
     const auto known = m_peers.find(announcement.be_pid);
     if (known == m_peers.end() && m_peers.size() >= mostPresent)
         return;
-    // It is looked at anew: the process may be another's by now, or act under another login.
+    // It is looked at again: the process may be another's by now, or act under another login.
     m_peers[announcement.be_pid].entry = std::move(entry);
     m_peers[announcement.be_pid].verified = false;
     m_unverified = true;

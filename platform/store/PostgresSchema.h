@@ -83,7 +83,7 @@ const std::string& foldedNameExpression();
 const std::string& foldedPlaceExpression();
 
 /// Brings the store to the newest version: all missing steps and then functions, triggers and
-/// rights anew, in one transaction. They become those of the store's owner. NotAStore if the
+/// rights again, in one transaction. They become those of the store's owner. NotAStore if the
 /// database holds none and `create` is false; NewerStore if it is beyond the steps. Nothing is
 /// written if it is there already.
 Status migrate(Connection& connection, const MigrationSteps& steps, const Dictionary& dictionary,

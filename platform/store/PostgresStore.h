@@ -4,7 +4,7 @@
 // Only who owns the store (or is a superuser) may write under OpenOptions::login instead, as the
 // administrator's command does; for anyone else that option has no effect.
 //
-// Connections: a lost one is made anew by the next call, within the time that the URL's
+// Connections: a lost one is made again by the next call, within the time that the URL's
 // connect_timeout allows (3 s). The call that meets the loss fails with ConnectionBroken, and with
 // Timeout if the thread's wait policy ends it. A write
 // that does finds out, when it can reach the server again within a few seconds, whether it was

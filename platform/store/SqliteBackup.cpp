@@ -229,7 +229,7 @@ Status SqliteStore::backup(const std::string& file, const Progress& progress) {
         if (target.open(file.c_str(), SQLITE_OPEN_READWRITE) != SQLITE_OK)
             return target.failure(what);
         // One snapshot held all the time: otherwise every commit of another program would make the
-        // copy begin anew.
+        // copy begin again.
         Status status = inRead([&]() -> Status {
             int64_t newest = 0;
             const Status read = logPosition(&newest);

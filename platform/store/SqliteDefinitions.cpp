@@ -1,5 +1,5 @@
 // Whether tables, indexes and triggers of an SQLite store are those that the program makes, and
-// making the triggers anew.
+// making the triggers again.
 #include "platform/store/SqliteStore.h"
 
 #include "platform/store/Names.h"
@@ -31,7 +31,7 @@ Status differingDefinitions(const Connection& connection, std::vector<std::strin
     int64_t version = 0;
     if (connection.integer("PRAGMA user_version", &version) != SQLITE_OK)
         return connection.failure(what);
-    // The triggers of an earlier version are made anew when it is updated.
+    // The triggers of an earlier version are made again when it is updated.
     const bool newest = version == static_cast<int64_t>(migrations().size());
     Connection fresh;
     int made = fresh.open(":memory:", SQLITE_OPEN_READWRITE);

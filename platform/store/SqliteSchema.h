@@ -34,7 +34,7 @@ constexpr const char* cursorsPruned =
 
 /// The triggers, which write the change log, as SQL.
 std::string triggers(const Dictionary& dictionary);
-/// Makes the triggers of a store of the newest version anew, whatever became of them.
+/// Makes the triggers of a store of the newest version again, whatever became of them.
 Status remakeTriggers(const Connection& connection);
 /// Adds a line in Russian for each table, index and, of the newest version, trigger that is missing
 /// or not as the program makes it. What others added besides may be there.
@@ -50,7 +50,7 @@ constexpr const char* storedRows = "\"type_\" IN (3, 4)";
 int addStepFunctions(const Connection& connection);
 
 /// Brings the store to the newest version (PRAGMA user_version): all missing steps and then the
-/// triggers anew, in one transaction. NewerStore if it is beyond the steps. Nothing is written if
+/// triggers again, in one transaction. NewerStore if it is beyond the steps. Nothing is written if
 /// it is there already.
 Status migrate(const Connection& connection, const MigrationSteps& steps,
                const Dictionary& dictionary);

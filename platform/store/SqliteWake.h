@@ -6,7 +6,7 @@
 
 namespace orvo::store::sqlite {
 
-/// A watch on the "-wal" file, and on its directory for the case that the file is made anew. The
+/// A watch on the "-wal" file, and on its directory for the case that the file is made again. The
 /// system may drop events, so whoever waits looks at the log from time to time all the same. For
 /// one thread at a time.
 class WalWatch {

@@ -114,7 +114,8 @@ Status StoreCore::checkCursor(const LogCursor& cursor, int64_t pruned, int64_t n
     const bool proved = !cursor.proof.empty();
     const std::string place = "события " + std::to_string(cursor.id);
     if (cursor.id < pruned || (cursor.id > newest && !proved))
-        // Beyond the end: the cursor was taken before the store was made anew or restored.
+        // Beyond the end: the cursor was taken before the store was recreated or restored from a
+        // backup.
         return {LogPruned, std::string(logName) + " не достаёт до " + place +
                                ": он начинается после " + std::to_string(pruned)};
     if (!proved)

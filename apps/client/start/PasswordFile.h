@@ -21,8 +21,8 @@ QString passwordFile();
 /// The bytes of the file with the password of that login in the first line, in place of what it had
 /// for the same login; all other lines as they are.
 QByteArray withPassword(const QByteArray& file, const ServerLogin& login, const QString& password);
-/// Writes the file anew, atomically, for its owner's eyes only. False, with one line in `error` and
-/// the file as it was, if that fails or the password holds a line break, which no line can.
+/// Replaces the file, atomically, for its owner's eyes only. False, with one line in `error`
+/// and the file as it was, if that fails or the password holds a line break, which no line can.
 bool keepPassword(const ServerLogin& login, const QString& password, QString* error);
 
 } // namespace orvo::app
