@@ -1,4 +1,4 @@
-// The connection: making it, waiting on it, sending and failing.
+// The connection: making it, waiting on it and sending.
 #include "platform/store/PostgresApi.h"
 
 #include "platform/store/Names.h"
@@ -35,16 +35,6 @@ const char settings[] = "SET search_path = pg_catalog, pg_temp;"
 /// alone then to send on, in which time that does not run full.
 constexpr int longStream = 256 << 10;
 constexpr std::chrono::microseconds gathering(100);
-
-bool startsWith(std::string_view text, std::string_view what) {
-    return text.substr(0, what.size()) == what;
-}
-
-/// The codes of a server that goes away, or no longer takes writes because another one does now.
-bool isBreak(std::string_view state) {
-    return startsWith(state, "08") || startsWith(state, "57P0") || state == "25006" ||
-           state == "25P03";
-}
 
 /// One try to connect. The system's part of it (names, for example) knows no steps, so where
 /// the thread has a wait policy, it runs beside; one that was given up ends by itself.
@@ -123,7 +113,7 @@ Status Connection::open(const Url& url) {
     if (!usable()) {
         const bool noPassword = PQconnectionNeedsPassword(get()) != 0;
         close();
-        if (startsWith(made->state, "28") || noPassword)
+        if (made->state.starts_with("28") || noPassword)
             return {BadLogin,
                     where + "пользователь не найден или неправильный пароль (" + made->why + ")"};
         if (made->state == "3D000")
@@ -338,86 +328,6 @@ Result Connection::query(const std::string& sql, const Parameters& parameters, i
     Result result = run();
     m_silentMs = usual;
     return result;
-}
-
-Status serverFailure(std::string_view what, std::string_view state, const std::string& message) {
-    int code = Failed;
-    std::string why = message;
-    if (state == "23505") {
-        code = Refused;
-        why = "такой ключ уже есть";
-    } else if (state == "42501") {
-        code = Refused;
-        why = "недостаточно прав (" + message + ")";
-    } else if (startsWith(state, "23") || startsWith(state, "22")) {
-        code = Refused;
-        why = "нарушено правило таблицы (" + message + ")";
-    } else if (startsWith(state, "54")) {
-        code = Refused;
-        why = "значение слишком велико (" + message + ")";
-    } else if (state == "55P03" || startsWith(state, "40")) {
-        code = Timeout;
-        why = "база занята другой программой";
-    } else if (state == "57014") {
-        code = Timeout;
-        why = "сервер прервал команду: вышло отведённое ей время, или её отменил администратор";
-    } else if (state == "53100") {
-        why = "на диске сервера не осталось места";
-    } else if (startsWith(state, "53")) {
-        why = "серверу не хватает ресурсов (" + message + ")";
-    } else if (state == "XX001" || state == "XX002") {
-        why = "база повреждена (" + message + ")";
-    } else if (startsWith(state, "XX")) {
-        why = "внутренняя ошибка сервера (" + message + ")";
-    }
-    return {code, std::string(what) + ": " + why};
-}
-
-Status Connection::failure(std::string_view what, const PGresult* result) {
-    const std::string state(stateOf(result));
-    const char* primary = PQresultErrorField(result, PG_DIAG_MESSAGE_PRIMARY);
-    std::string message = primary != nullptr ? primary
-                          : result != nullptr && *PQresultErrorMessage(result)
-                              ? PQresultErrorMessage(result)
-                          : get() != nullptr ? PQerrorMessage(get())
-                                             : "";
-    message = Url().withoutSecrets(std::move(message));
-    int code = Failed;
-    std::string why = message;
-    if (m_end == End::GivenUp) {
-        code = Timeout;
-        why = "ожидание прервано";
-    } else if (m_end == End::Silent) {
-        code = ConnectionBroken;
-        why = "сервер не отвечает";
-    } else if (!usable() || isBreak(state)) {
-        code = ConnectionBroken;
-        why = "соединение с базой потеряно" + (message.empty() ? "" : " (" + message + ")");
-        close();
-    } else {
-        return serverFailure(what, state, message);
-    }
-    return {code, std::string(what) + ": " + why};
-}
-
-std::string Connection::whoHolds(Wanted wanted) {
-    // Nobody knows any more which lock it was. The one of the log explains most; then those that
-    // shut out the most others.
-    const Result result = query(
-        std::string(
-            "SELECT usename::text, l.pid::bigint FROM pg_locks l JOIN pg_stat_activity a ON "
-            "a.pid = l.pid WHERE granted AND l.pid <> pg_backend_pid() AND ") +
-            (wanted == Wanted::Rows ? "mode <> 'AccessShareLock' AND " : "") +
-            "relation IN (SELECT oid FROM pg_class WHERE relnamespace = 'public'::regnamespace) "
-            "AND l.database = (SELECT oid FROM pg_database WHERE datname = current_database()) "
-            "ORDER BY relation = 'public.\"NciLock\"'::regclass DESC, mode = "
-            "'AccessExclusiveLock' DESC, mode = 'ExclusiveLock' DESC, mode = 'AccessShareLock' "
-            "LIMIT 1",
-        {});
-    if (!succeeded(result.get()) || PQntuples(result.get()) == 0)
-        return {};
-    return ": её держит незаконченная транзакция входа " + shown(textAt(result.get(), 0, 0)) +
-           " (процесс сервера " + std::to_string(integerAt(result.get(), 0, 1)) + ")";
 }
 
 } // namespace orvo::store::postgres
