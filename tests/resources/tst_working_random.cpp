@@ -35,8 +35,8 @@ public:
         MenuRandomActs menus(
             *this, store, [&]() -> MenuPart& { return anyClient().part<MenuPart>(); },
             [&] { return oneOf(anyResources().records("MenuResource").keys()); });
-        WorkingActs acts(*this, store, faults, typed, menus, resources,
-                         [&]() -> Client& { return anyClient(); });
+        WorkingActs acts({*this, store, faults, typed, menus, resources,
+                          [&]() -> Client& { return anyClient(); }});
         eachClient([&](Client& client) { acts.follow(client); });
         settle = [&](Client& client) { acts.settle(client); };
         QString found = work(
@@ -48,11 +48,11 @@ public:
             },
             [&](Client& client) {
                 acts.ownAct(client);
-                client.wrong = acts.fault;
+                client.wrong = acts.fault();
             });
         if (found.isEmpty())
             found = end(acts, typed);
-        for (const auto& [what, times] : acts.figures)
+        for (const auto& [what, times] : acts.figures())
             qInfo("%s: %d", qPrintable(what), times);
         qInfo("%d texts typed: %d stored, %d dropped, %d typed over, %d not taken, %d told of, %d "
               "pending",
