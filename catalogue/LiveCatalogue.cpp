@@ -121,6 +121,7 @@ void LiveCatalogue::loop() {
                 listener->settled(m_catalogue);
             lock.lock();
         } else {
+            assert(m_done != 0 && m_done == m_loadings && m_changes.empty()); // 1
             Job job = std::move(m_jobs.front());
             m_jobs.pop_front();
             lock.unlock();

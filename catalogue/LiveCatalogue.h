@@ -7,7 +7,7 @@
 // Threads: the functions of this class and its signals belong to the thread of the object, the
 // catalogue, its listeners and all work to the other one.
 //
-// Invariants:
+// Invariants; 1 is asserted in debug builds:
 //  1. Work and listeners find the catalogue loaded, with all that changed() was told before run().
 //  2. Each work that was begun is answered once, unless its context or this object goes before.
 //  3. Changes told between the beginning of a loading and its end are applied behind it; those told

@@ -206,4 +206,37 @@ Namesakes::First Namesakes::first(const Catalogue& records, const std::string& i
     return found;
 }
 
+const char* Namesakes::check(const Catalogue& records) const {
+    if (m_count > m_chains.size())
+        return "2: there are fewer chains than records";
+    std::vector<uint32_t> places(m_nodes.size(), 0);
+    for (size_t chain = 0; chain < m_chains.size(); ++chain) {
+        uint32_t before = none;
+        for (uint32_t at = m_chains[chain]; at != none; before = at, at = m_nodes[at].next)
+            if (m_nodes[at].previous != before || m_nodes[at].inCrowd || ++places[at] > 1 ||
+                (m_nodes[at].hash & (m_chains.size() - 1)) != chain)
+                return "1: a chain is broken";
+    }
+    for (const auto& [hash, crowd] : m_crowds) {
+        if (crowd.size() < few)
+            return "3: few records are a crowd";
+        for (const auto& [key, number] : crowd)
+            if (number >= m_nodes.size() || m_nodes[number].hash != hash ||
+                !m_nodes[number].inCrowd || ++places[number] > 1 ||
+                key != store::foldedKey(records.at(number).key()))
+                return "3: a crowd has what it must not";
+    }
+    size_t count = 0;
+    for (uint32_t number = 0; number < records.numberEnd(); ++number) {
+        const Record record = records.at(number);
+        const std::string identity = record ? identityOf(record) : std::string();
+        const bool isThere = number < m_nodes.size() && m_nodes[number].used;
+        if (isThere == identity.empty() || (isThere && m_nodes[number].hash != hashOf(identity)) ||
+            (isThere && places[number] != 1))
+            return "1: a record is not in the one place that it belongs to";
+        count += isThere ? 1 : 0;
+    }
+    return count == m_count ? nullptr : "1: the records are not as many as were counted";
+}
+
 } // namespace orvo::checks

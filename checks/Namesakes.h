@@ -1,10 +1,11 @@
 // Namesakes.h: finds records that share what should tell them apart: logins, extensions, places of
 // folders, names of resources, places in the order of a menu.
 //
-// Invariants: 1 each record with an identity that was added is in exactly one chain, that of its
-// hash, or in the crowd of its hash; 2 there are at least as many chains as records; 3 a hash that
-// many records share has a crowd, ordered by their keys, so that the first ones are found without
-// looking at all: thousands of elements in one place of the order are followed one by one.
+// Invariants, looked at by check(): 1 each record with an identity that was added is in exactly one
+// chain, that of its hash, or in the crowd of its hash; 2 there are at least as many chains as
+// records; 3 a hash that many records share has a crowd, ordered by their keys, so that the first
+// ones are found without looking at all: thousands of elements in one place of the order are
+// followed one by one.
 #ifndef ORVO_CHECKS_NAMESAKES_H
 #define ORVO_CHECKS_NAMESAKES_H
 
@@ -46,6 +47,10 @@ public:
         Record owner, next;
     };
     First first(const Catalogue& records, const std::string& identity) const;
+
+    /// The first invariant that does not hold; null if all do. For tests: `records` are those that
+    /// were added, and no others.
+    const char* check(const Catalogue& records) const;
 
 private:
     static constexpr uint32_t none = 0xffffffffU;

@@ -347,6 +347,28 @@ void Problems::contentChanged(const std::string& resource, bool stored) {
     due(file);
 }
 
+const char* Problems::check() const {
+    size_t errors = 0, warnings = 0;
+    for (const Finding& finding : all())
+        ++(severityOf(finding.problem) == Severity::Error ? errors : warnings);
+    if (errors != m_errors || warnings != m_warnings)
+        return "3: the findings are not as many as were counted";
+    for (const auto& [number, findings] : m_found)
+        if (findings.empty() || !m_records.at(number))
+            return "2: a record without findings takes room";
+    if (const char* broken = m_namesakes.check(m_records))
+        return broken;
+    if (!m_due.empty() || m_topsDue)
+        return nullptr;
+    Problems fresh(m_records);
+    fresh.lookAtAll();
+    fresh.m_contents = m_contents;
+    if (m_contents)
+        m_records.forEach(fields().resources,
+                          [&](const Record& record) { fresh.lookAt(record.number()); });
+    return fresh.all() == all() ? nullptr : "1: a fresh look finds others";
+}
+
 store::Status readContents(store::Store& store, std::vector<Problems::FilePlace>* places) {
     return store.fileArea([&](const std::string& path, const store::StoredFile& file) {
         places->push_back({path, file.name});

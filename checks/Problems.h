@@ -3,9 +3,10 @@
 //
 // In the thread of its catalogue.
 //
-// Invariants, which check() looks at:
+// Invariants, looked at by check():
 // 1. When nothing is due, the findings are those that a fresh look gives.
 // 2. A record without findings takes no room here.
+// 3. errors() and warnings() are the numbers of the findings.
 #ifndef ORVO_CHECKS_PROBLEMS_H
 #define ORVO_CHECKS_PROBLEMS_H
 
@@ -52,6 +53,9 @@ public:
     /// The records whose findings have changed since this was asked last: what they are now.
     using Changed = std::map<std::pair<const store::TableDef*, std::string>, Findings>;
     Changed takeChanged() { return std::exchange(m_changed, {}); }
+
+    /// The first invariant that does not hold; null if all do. For tests: it looks at everything.
+    const char* check() const;
 
     const Catalogue& records() const { return m_records; }
     const Namesakes& namesakes() const { return m_namesakes; }

@@ -83,6 +83,11 @@ bool DeskRecords::open(const QString& desktopKey) {
     return true;
 }
 
+void DeskRecords::check([[maybe_unused]] const QString& key) const {
+    Q_ASSERT(!element(key) || holdsText(element(key), field::FolderKey, m_desktop)); // 1
+    Q_ASSERT(!m_unsavedIsOurs || element(m_unsavedKey));                             // 2
+}
+
 /// Those that are not found here are asked for one by one, if they are shown: a failure is met
 /// then.
 void DeskRecords::readResources() {
@@ -224,6 +229,7 @@ void DeskRecords::setUnsaved(const QString& key, bool isNew, const QVariantMap& 
         .textOrNull(field::parent, values.value(QLatin1String(field::parent)).toString())
         .integer(field::order_, values.value(QLatin1String(field::order_)).toInt());
     m_unsavedIsOurs = true;
+    check(key);
 }
 
 QStringList DeskRecords::children(const QString& parent) const {
@@ -331,10 +337,12 @@ bool DeskRecords::take(const Notification& change) {
     }
     if (!known)
         return false;
-    if (holdsText(known, field::FolderKey, m_desktop))
-        return true;
-    m_elements.RecDel(known);
-    return change.action() == OrvoEventUpdate;
+    if (!holdsText(known, field::FolderKey, m_desktop)) {
+        m_elements.RecDel(known);
+        return change.action() == OrvoEventUpdate;
+    }
+    check(key);
+    return true;
 }
 
 } // namespace orvo::desk

@@ -1,7 +1,7 @@
 // DeskRecords.h: the records that one desktop is made of: its elements, and of the resources those
 // that they name. Nothing else of an installation is read, however large it is.
 //
-// Invariants:
+// Invariants; 1 and 2 are asserted in debug builds, of the element that is concerned:
 //  1. The table holds elements of the open desktop only, with the keys 0 `KeyLink` and 1
 //     "parent;order_".
 //  2. Of an element that is edited and new to the store there is a record of ours, until that of
@@ -108,6 +108,7 @@ private:
         bool isRead = false;              ///< false: to be asked for when it is looked at
         std::optional<QString> refusal;   ///< of the check; nullopt: not asked yet
     };
+    void check(const QString& key) const;
     void readResources();
     static Resource resourceIn(const MDRData* record);
     const KnownResource& resource(const QString& key);

@@ -10,6 +10,8 @@
 #include <QToolButton>
 #include <QToolTip>
 
+#include <algorithm>
+
 namespace orvo::editor {
 
 namespace {
@@ -66,7 +68,10 @@ void Commands::bind(const char* id, QTreeView* pane, QAction* shows, const Act& 
 }
 
 void Commands::add(Binding binding) {
-    Q_ASSERT(!find(*binding.command, binding.pane));
+    Q_ASSERT(std::none_of(m_bindings.begin(), m_bindings.end(), [&](const Binding& one) { // 1
+        return one.command == binding.command &&
+               (one.isGlobal ? binding.isGlobal : one.pane && one.pane == binding.pane);
+    }));
     if (binding.pane)
         binding.pane->installEventFilter(this);
     if (!binding.isGlobal)

@@ -9,7 +9,7 @@
 // the open edit is saved, as when another row is made current, and the actions are switched on as
 // by a click on the current row.
 //
-// Invariants:
+// Invariants; 1 is asserted in debug builds:
 // 1. Each command of the list has at most one binding in a pane, and one entry in all.
 // 2. A pane that is deleted takes its bindings out of use; they are found by QPointer.
 #ifndef ORVO_EDITOR_COMMANDS_H

@@ -211,6 +211,7 @@ bool EditorWindow::fetch(const char* table, CMDArray& records, const char* edito
 }
 
 void EditorWindow::follow(std::vector<Followed> tables, std::vector<QTreeView*> views) {
+    Q_ASSERT(m_propModel && m_passpDelegate && m_passportView); // 1
     m_followed = std::move(tables);
     m_views = std::move(views);
 }
@@ -218,6 +219,7 @@ void EditorWindow::follow(std::vector<Followed> tables, std::vector<QTreeView*> 
 void EditorWindow::MessageOn() {
     {
         QuietViews quiet(m_views);
+        Q_ASSERT(!m_quiet); // 3
         const QScopedValueRollback<QuietViews*> whileTaken(m_quiet, &quiet);
         MessageGet();
     }

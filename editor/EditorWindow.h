@@ -13,7 +13,7 @@
 //    given for its table.
 // 4. The editor's destructor calls destroyViews() first: its models die with it, before this base.
 //
-// Invariants:
+// Invariants; 1 and 3 are asserted in debug builds:
 // 1. The models of the passport exist if, and only if, arrangePassport() was called.
 // 2. Nothing is followed before the tables and models are there: after a failed start notifications
 //    are taken and do nothing.

@@ -32,6 +32,10 @@ void SelectionEdit::type(const SelectedRecords& selected, const QString& passpor
                 if (!sameText(one.key, m_key))
                     m_also.emplace_back(one.key, one.kind);
     }
+    Q_ASSERT(m_also.empty() || // 1
+             (!m_key.isEmpty() &&
+              std::none_of(m_also.begin(), m_also.end(),
+                           [&](const auto& other) { return sameText(other.first, m_key); })));
     const RecordField* field = editedField(*selected.fields, passportRow);
     if (field && !m_singular.contains(passportRow, Qt::CaseInsensitive) &&
         std::find(m_typed.begin(), m_typed.end(), field) == m_typed.end())

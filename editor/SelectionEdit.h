@@ -4,7 +4,7 @@
 // What is typed into a field that all of them may share goes into every row that was selected when
 // the edit began; a field that tells records apart, such as a name, stays the current row's.
 //
-// Invariants:
+// Invariants; 1 is asserted in debug builds:
 // 1. Others are known only of the edit that began last, and only if its row was among the selected
 //    ones.
 // 2. What is written to the others are fields that were typed, and no other.

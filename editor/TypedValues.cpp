@@ -5,6 +5,8 @@
 
 #include <QAbstractItemModel>
 
+#include <algorithm>
+
 namespace orvo::editor {
 
 void TypedValues::type(int column, const QVariant& value, const QVariant& shown) {
@@ -27,6 +29,11 @@ std::vector<Replaced> TypedValues::merge(const Notification& change, const MDRDa
         replaced.push_back({field.column, typed->value});
         m_typed.erase(typed);
     }
+    Q_ASSERT(std::none_of(fields.begin(), fields.end(), [&](const RecordField& field) { // 2
+        const auto typed = m_typed.constFind(field.column);
+        return typed != m_typed.cend() && field.name && change.hasValueFor(field.name) &&
+               field.read(record) != typed->base;
+    }));
     return replaced;
 }
 

@@ -2,7 +2,7 @@
 // meets changes of that record which arrive meanwhile: a field that somebody else has changed takes
 // their value, every other one keeps what was typed.
 //
-// Invariants:
+// Invariants; 2 is asserted in debug builds:
 // 1. A column is kept with the value that was typed last and with its base, the value that the row
 //    showed before the first of them.
 // 2. merge() removes a column if, and only if, the change has for its field a value other than the

@@ -175,6 +175,7 @@ void ShownRows::splice() {
     int shift = 0;
     int at = 0;
     for (const Piece& piece : m_pieces) {
+        Q_ASSERT(at <= piece.first && piece.first <= piece.end);
         kept.push_back({at, piece.first, shift});
         shift += piece.more();
         at = piece.end;

@@ -33,6 +33,7 @@ struct TreeView::Private {
         items.swap(qt.viewItems);
         lastViewed = std::exchange(qt.lastViewedItem, 0);
         view.scheduleDelayedItemsLayout();
+        Q_ASSERT(qt.viewItems.isEmpty() && qt.delayedPendingLayout); // 1
         return true;
     }
     void forget() {

@@ -17,6 +17,7 @@ namespace orvo {
 /// another Qt than it was built with, the view is a plain QTreeView; so it is with hidden or
 /// spanning rows, with animations, and where an indentation is not set.
 ///
+/// Invariants; 1 is asserted in debug builds:
 ///  1. While changes are noted the list is kept aside and the view has an empty one, as QTreeView
 ///     after a removal; nobody meets an index of a row that is gone. A layout is then pending.
 ///  2. What is noted leads from the list kept aside to what the model has now: every parent whose

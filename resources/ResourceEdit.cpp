@@ -20,6 +20,9 @@ constexpr size_t mostExpected = 64;
 void ResourceEdit::check() const {
     Q_ASSERT(!row().isValid() || sameText(textAt(row(), ResColumn::KeyLink), key()));    // 1
     Q_ASSERT(QModelIndex(m_newRow) == (isNew() ? QModelIndex(index()) : QModelIndex())); // 2
+    Q_ASSERT(!isTyped(ResColumn::Name) || typed().value(ResColumn::Name).toString() == m_object);
+    Q_ASSERT(!isTyped(ResColumn::Caption) ||
+             typed().value(ResColumn::Caption).toString() == m_caption); // 3
 }
 
 void ResourceEdit::beginNew(const QModelIndex& row, const QString& key, const QString& object,
@@ -33,7 +36,7 @@ void ResourceEdit::beginNew(const QModelIndex& row, const QString& key, const QS
 
 void ResourceEdit::begin(const QModelIndex& row, const QString& key) {
     RecordEdit::begin(row.siblingAtColumn(0), key);
-    m_object.clear();
+    m_object.clear(); // 3
     m_caption.clear();
     check();
 }
@@ -46,6 +49,7 @@ void ResourceEdit::change(QAbstractItemModel& model, int column, const QVariant&
     else if (column == ResColumn::Name)
         m_object = value.toString();
     RecordEdit::change(model, column, value);
+    check();
 }
 
 void ResourceEdit::saved() {

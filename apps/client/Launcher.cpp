@@ -163,6 +163,7 @@ QString Launcher::openFunction(const LaunchRequest& request) {
                 forget(&started);
             });
     m_open.push_back({request, nullptr, std::move(process), {}});
+    checkInvariants();
     started.run(m_context.functions, request.name, request.params, m_isConnected);
     return {};
 }
@@ -251,6 +252,7 @@ void Launcher::showFiles(const LaunchRequest& request, const Files& files) {
     for (store::StoredFile& file : listing)
         std::string().swap(file.bytes);
     m_open.push_back({request, page, nullptr, std::move(listing)});
+    checkInvariants();
     m_context.window.tabs()->addPage(page, request.caption);
     m_context.window.showPage(page);
 }
@@ -308,6 +310,12 @@ void Launcher::forget(const QObject* gone) {
     if (found->process)
         found->process.release()->deleteLater(); // it is the sender
     m_open.erase(found);
+    checkInvariants();
+}
+
+void Launcher::checkInvariants() const {
+    for ([[maybe_unused]] const Opened& one : m_open)
+        Q_ASSERT((one.process != nullptr) != (one.page != nullptr)); // 2
 }
 
 void Launcher::closePage(QWidget* page) {

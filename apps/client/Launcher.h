@@ -6,8 +6,9 @@
 // client, as the editors do: what it throws while it is made and started is told, but its crash is
 // the client's.
 //
-// Invariants: 1 of one element there is at most one entry that is "the first": the oldest that is
-// still open; 2 an entry goes with its tab or process, whoever closes it.
+// Invariants; 2 is asserted in debug builds: 1 of one element there is at most one entry that is
+// "the first": the oldest that is still open; 2 an entry goes with its tab or process, whoever
+// closes it.
 #ifndef ORVO_APPS_CLIENT_LAUNCHER_H
 #define ORVO_APPS_CLIENT_LAUNCHER_H
 
@@ -99,6 +100,7 @@ private:
     Opened* first(const QString& key);
     void bringToFront(const Opened& opened);
     void forget(const QObject* gone);
+    void checkInvariants() const;
     void compareContents();
     void mark(Opened& opened, const QString& why);
 

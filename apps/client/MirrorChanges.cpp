@@ -6,6 +6,7 @@
 #include <QJsonObject>
 
 #include <algorithm>
+#include <cassert>
 
 namespace orvo::app {
 
@@ -37,6 +38,7 @@ MirrorChanges MirrorChanges::everything(Recopy recopy) {
 }
 
 bool MirrorChanges::add(const store::Change& change) {
+    assert(m_resources.size() + m_folders.size() <= (m_whole ? 0 : most)); // 1, 2
     // The file area is the files, the folders that make their paths and the records that name them.
     bool concerned = true;
     if (change.table == table::MenuResourceFile)
@@ -115,6 +117,7 @@ void MirrorChanges::addContent(const store::Change& change) {
 }
 
 void MirrorChanges::merge(const MirrorChanges& later) {
+    assert(later.m_resources.size() + later.m_folders.size() <= (later.m_whole ? 0 : most));
     m_recopy = std::max(m_recopy, later.m_recopy);
     m_newest = std::max(m_newest, later.m_newest);
     for (const auto& [key, after] : later.m_resources) {
@@ -137,10 +140,10 @@ void MirrorChanges::compareWhole() {
 
 void MirrorChanges::limit() {
     m_whole = m_whole || m_resources.size() + m_folders.size() > most;
-    if (!m_whole)
-        return;
-    m_resources.clear();
-    m_folders.clear();
+    if (m_whole) {
+        m_resources.clear();
+        m_folders.clear();
+    }
 }
 
 } // namespace orvo::app

@@ -18,7 +18,7 @@ enum class Recopy { None, Untimed, All };
 /// Gathered from the change log. An update tells what has changed and not of what kind the record
 /// is: whoever looks asks the store for the few records named here, or compares the whole area.
 ///
-/// Invariants:
+/// Invariants; 1 and 2 are asserted in debug builds:
 /// 1. If `whole`, no record is named.
 /// 2. At most `most` records are named: a comparison of everything is cheaper than that.
 /// 3. A record's `Before` is what it was when the first of the gathered changes came.

@@ -5,6 +5,8 @@
 #include <QImage>
 #include <QPixmap>
 
+#include <algorithm>
+#include <cassert>
 #include <chrono>
 #include <condition_variable>
 #include <deque>
@@ -114,11 +116,16 @@ void IconLoader::refresh(const std::shared_ptr<IconPicture>& picture) {
         return;
     picture->isQueued = true;
     const std::lock_guard lock(m_work->mutex);
+    assert(std::find(m_work->queue.begin(), m_work->queue.end(), picture) ==
+           m_work->queue.end()); // 2
     m_work->queue.push_front(std::static_pointer_cast<File>(picture));
     if (m_work->queue.size() > maxQueued) {
         m_work->queue.back()->isQueued = false;
         m_work->queue.pop_back();
     }
+    assert(m_work->queue.size() <= maxQueued); // 2
+    assert(std::all_of(m_work->queue.begin(), m_work->queue.end(),
+                       [](const std::shared_ptr<File>& file) { return file->isQueued; }));
     m_work->wake.notify_one();
 }
 
@@ -159,6 +166,7 @@ void IconLoader::deliver() {
         m_files.insert(key, new std::shared_ptr<File>(result.file),
                        1024 + key.size() * 4 + static_cast<int>(result.image.sizeInBytes()));
     }
+    assert(m_files.totalCost() <= maxBytes); // 3
 }
 
 } // namespace orvo

@@ -3,7 +3,7 @@
 // All trees of the process share one loader, made with the first icon that lies on the disk and
 // ended with the last model that shows one. Its functions are called on the GUI thread.
 //
-// Invariants:
+// Invariants; 2 and 3 are asserted in debug builds:
 //   1 The GUI thread touches no file of an icon and decodes none.
 //   2 A request is queued at most once; at most `maxQueued` wait, the latest first, since those are
 //     on the screen. One that is dropped is made again by the next paint.

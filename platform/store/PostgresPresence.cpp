@@ -4,6 +4,7 @@
 #include "platform/store/StoreCore.h"
 
 #include <algorithm>
+#include <cassert>
 #include <poll.h>
 
 namespace orvo::store::postgres {
@@ -209,8 +210,10 @@ Status PostgresPresence::look(std::vector<PresenceEntry>* others) {
             status = verify();
         if (!status.ok())
             return status;
-        for (const auto& [number, peer] : m_peers)
+        for (const auto& [number, peer] : m_peers) {
+            assert(peer.verified); // 2
             others->push_back(peer.entry);
+        }
         sortPresence(others);
         take(); // what came with the answers above does not wake the descriptor any more
         return status;
@@ -219,6 +222,7 @@ Status PostgresPresence::look(std::vector<PresenceEntry>* others) {
         disconnect();
         others->clear();
     }
+    assert(m_connection.usable() || m_peers.empty()); // 1
     return done;
 }
 

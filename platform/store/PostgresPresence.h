@@ -20,8 +20,8 @@ namespace orvo::store::postgres {
 std::unique_ptr<Presence> openPresence(const std::string& url, const std::string& login,
                                        Status* status);
 
-/// Invariants: 1 without a connection no peer is known; 2 a peer that is shown is verified, by a
-/// look at the server that is no older than checkMs() and a call of look.
+/// Invariants, asserted in debug builds: 1 without a connection no peer is known; 2 a peer that is
+/// shown is verified, by a look at the server that is no older than checkMs() and a call of look.
 class PostgresPresence final : public Presence {
 public:
     PostgresPresence(Url url, const std::string& login);

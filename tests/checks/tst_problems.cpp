@@ -45,6 +45,8 @@ struct Watch {
             seen = change.id;
         }
         problems.settle();
+        if (const char* broken = problems.check())
+            return {broken};
         return textOf(problems).filter(QRegularExpression("^(?!.*no-top-folder)"));
     }
     /// Cures the only finding there is that has a cure.
