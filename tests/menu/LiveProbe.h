@@ -38,8 +38,7 @@ struct Live {
     using Fill = void (*)(TestStore&);
 
     explicit Live(Fill fill = nullptr) : host(prepared(fill)), editor(host, "Menu") {
-        if (!editor.start())
-            qFatal("the editor did not start");
+        editor.startOrFail();
         editor.view("tvDesck")->expandAll();
         openDesck("armop");
     }

@@ -101,6 +101,14 @@ inline void fillPlant(TestStore& store) {
     addElement(store, "armop", "propal", "", "Пропавший", 2000, "nosuch");
 }
 
+/// An editor on that store, started.
+class MenuOn : public HostOnStore, public MenuEditor {
+public:
+    explicit MenuOn(TestStore& store) : HostOnStore(store), MenuEditor(host, "Menu") {
+        startOrFail();
+    }
+};
+
 /// An editor on the plant, not started yet.
 class PlantEditor : public HostOnFilledStore, public MenuEditor {
 public:

@@ -130,6 +130,11 @@ public:
     }
     ~EditorUnderTest() { module->close(); }
 
+    /// For one that cannot but start.
+    void startOrFail() {
+        if (!start())
+            qFatal("the editor did not start");
+    }
     bool start() {
         const bool started = module->ModuleStart();
         module->show();
@@ -166,6 +171,12 @@ private:
         fill(store);
         return store;
     }
+};
+
+/// A host on a store that the test has filled: the first base of an editor that needs no other.
+struct HostOnStore {
+    explicit HostOnStore(TestStore& store) : host(store) {}
+    TestHost host;
 };
 
 /// A row of test data: its name, then its values in the order of the columns.

@@ -43,8 +43,7 @@ public:
 class OperationsEditor : public EditorUnderTest<OperationsProbe> {
 public:
     explicit OperationsEditor(TestHost& host) : EditorUnderTest(host, "Menu") {
-        if (!start())
-            qFatal("the editor did not start");
+        startOrFail();
         view("tvDesck")->expandAll();
     }
 
@@ -74,6 +73,12 @@ public:
 
     static constexpr int Yes = YesRole;
     static constexpr int No = NoRole;
+};
+
+/// The same on that store.
+class OperationsOn : public HostOnStore, public OperationsEditor {
+public:
+    explicit OperationsOn(TestStore& store) : HostOnStore(store), OperationsEditor(host) {}
 };
 
 /// The same on the plant.

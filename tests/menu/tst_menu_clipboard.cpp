@@ -78,8 +78,7 @@ private slots:
                               {"oneCopy", false},
                               {"MenuResourceKey", QString("rcalc")},
                               {"params", QString("-x 1")}});
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         editor.openDesck("armop");
         editor.selectElements({"full", "trend"});
         editor->on_actCopyMenuElement_triggered();
@@ -177,8 +176,7 @@ private slots:
         TestStore store;
         fillPlant(store);
         addElement(store, "armop", "trend;calc", "", "Чужой", 9000, "rcalc");
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         editor.openDesck("armop");
         editor.selectElements({"trend;calc"});
         editor->on_actCutMenuElement_triggered();
@@ -295,8 +293,7 @@ private slots:
         QFETCH(QByteArray, bytes);
         QFETCH(bool, taken);
         TestStore store;
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         putOnClipboard(bytes);
         QCoreApplication::processEvents();
         QCOMPARE(payload(), taken ? QByteArray() : bytes);
@@ -304,8 +301,7 @@ private slots:
 
     void otherFormatsAreLeftAlone() {
         TestStore store;
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         editor->m_cutPending = true;
         QGuiApplication::clipboard()->setText("1\nform;\n");
         QCoreApplication::processEvents();

@@ -107,8 +107,7 @@ private slots:
                               {"separator", true},
                               {"oneCopy", false},
                               {"params", QString("p")}});
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         editor.openDesck("armop");
         editor.selectElements({"grafiki"});
         editor->on_actCopyMenuElement_triggered();
@@ -116,7 +115,7 @@ private slots:
         editor.makeCurrent("MenuRootNode");
         editor->on_actPasteMenuElement_triggered();
         const QString rest = " ico=NULL separator=NULL oneCopy=NULL";
-        QCOMPARE(host.writes().take(),
+        QCOMPARE(editor.host.writes().take(),
                  "Menu\n"
                  "  +#1 parent=NULL FolderKey='armpech' caption='Графики' order_=0 ico='f.png' "
                  "separator=true oneCopy=false params='p'\n"
@@ -131,7 +130,7 @@ private slots:
                      " params=NULL\n"
                      "  +#5 parent='#4' FolderKey='armpech' caption='Котёл' order_=0" +
                      rest + " MenuResourceKey='rform' params=NULL\n");
-        QCOMPARE(host.failures, QStringList());
+        QCOMPARE(editor.host.failures, QStringList());
     }
 
     void subFoldersCarryTheirCaptionAsParent_data() {
@@ -150,42 +149,40 @@ private slots:
         addElement(store, "armop", "dno", "glubzhe", "Дно", 7);
         store.sql(qPrintable("UPDATE \"Menu\" SET \"caption\" = " + caption +
                              " WHERE \"KeyLink\" = 'dno'"));
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         editor.openDesck("armop");
         editor.selectElements({"glubzhe"});
         editor->on_actCopyMenuElement_triggered();
         editor.makeCurrent("MenuRootNode");
         editor->on_actPasteMenuElement_triggered();
-        const QString written = host.writes().take();
+        const QString written = editor.host.writes().take();
         // The chosen folder has both as they should be.
         QVERIFY2(written.contains("+#1 parent=NULL FolderKey='armop' caption='Глубже'"),
                  qPrintable(written));
         QVERIFY2(written.contains("+#3 parent=" + parent + " FolderKey='armop' order_=7"),
                  qPrintable(written));
-        QCOMPARE(host.failures, QStringList());
+        QCOMPARE(editor.host.failures, QStringList());
     }
 
     void elementsWithoutTheirResourceStayOut() {
         TestStore store;
         fillPlant(store);
         addElement(store, "armop", "gone", "glubzhe", "Нет его", 5, "nosuch");
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         editor.openDesck("armop");
         editor.selectElements({"glubzhe", "calc"});
         editor->on_actCopyMenuElement_triggered();
         editor.makeCurrent("MenuRootNode");
         editor->on_actPasteMenuElement_triggered();
-        QCOMPARE(host.writes().calls.size(), 1);
-        QCOMPARE(host.writes().calls[0].records.size(), 3);
-        QVERIFY(!host.writes().take().contains("Нет его"));
+        QCOMPARE(editor.host.writes().calls.size(), 1);
+        QCOMPARE(editor.host.writes().calls[0].records.size(), 3);
+        QVERIFY(!editor.host.writes().take().contains("Нет его"));
         // A chosen one is dropped too, and then nothing is left to write.
         editor.selectElements({"propal"});
         editor->on_actCopyMenuElement_triggered();
         editor.makeCurrent("MenuRootNode");
         editor->on_actPasteMenuElement_triggered();
-        QCOMPARE(host.writes().take(), QString());
+        QCOMPARE(editor.host.writes().take(), QString());
     }
 
     void anElementWithoutACaptionIsPlacedAsChosen() {
@@ -193,29 +190,28 @@ private slots:
         fillPlant(store);
         addElement(store, "armop", "nemoy", "grafiki", "", 9000, "rtrend");
         store.sql("UPDATE \"Menu\" SET \"caption\" = NULL WHERE \"KeyLink\" = 'nemoy'");
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         editor.openDesck("armop");
         editor.selectElements({"nemoy"});
         editor->on_actCopyMenuElement_triggered();
         editor.makeCurrent("glubzhe");
         editor->on_actPasteMenuElement_triggered();
-        QVERIFY(host.writes().take().contains("+#1 parent='glubzhe' FolderKey='armop' caption='' "
-                                              "order_=0"));
+        QVERIFY(editor.host.writes().take().contains(
+            "+#1 parent='glubzhe' FolderKey='armop' caption='' "
+            "order_=0"));
     }
 
     void parentsCompareWithoutCase() {
         TestStore store;
         fillPlant(store);
         addElement(store, "armop", "vnutri", "GLUBZHE", "Внутри", 5, "rtrend");
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         editor.openDesck("armop");
         editor.selectElements({"glubzhe"});
         editor->on_actCopyMenuElement_triggered();
         editor.makeCurrent("MenuRootNode");
         editor->on_actPasteMenuElement_triggered();
-        const QString written = host.writes().take();
+        const QString written = editor.host.writes().take();
         QVERIFY2(written.contains("+#3 parent='#1' FolderKey='armop' caption='Внутри'"),
                  qPrintable(written));
     }
@@ -239,8 +235,7 @@ private slots:
         TestStore store;
         fillPlant(store);
         addElement(store, "armop", "k?", "", "Знак", 9000, "rcalc");
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         editor.openDesck("armop");
         editor.selectElements({"k?"});
         editor->on_actCopyMenuElement_triggered();
@@ -249,7 +244,7 @@ private slots:
         putOnClipboard(bytes.replace("0\nk?;\n", "0\nk\xB7;k\xE2\x86\x92;\n"));
         editor.makeCurrent("grafiki");
         editor->on_actPasteMenuElement_triggered();
-        QCOMPARE(host.writes().take(), QString());
+        QCOMPARE(editor.host.writes().take(), QString());
     }
 
     void aCopyIsPastedInAnotherClient() {

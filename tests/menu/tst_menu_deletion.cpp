@@ -107,40 +107,38 @@ private slots:
         addElement(store, "armop", "dno", "glubzhe", "Дно", 500);
         addElement(store, "armop", "kamen", "dno", "Камень", 0, "rform");
         addElement(store, "armop", "posle", "grafiki", "После", 9000, "rform");
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         editor.openDesck("armop");
         editor.makeCurrent("grafiki");
         editor->on_actDeleteElem_triggered();
         editor.answer(editor.Yes);
         // In depth: a folder before what it holds, all that before the next sibling.
-        QCOMPARE(host.writes().take(), QString("Menu\n"
-                                               "  -grafiki\n"
-                                               "  -trend\n"
-                                               "  -calc\n"
-                                               "  -glubzhe\n"
-                                               "  -form\n"
-                                               "  -dno\n"
-                                               "  -kamen\n"
-                                               "  -posle\n"));
-        host.deliver(*editor.module);
+        QCOMPARE(editor.host.writes().take(), QString("Menu\n"
+                                                      "  -grafiki\n"
+                                                      "  -trend\n"
+                                                      "  -calc\n"
+                                                      "  -glubzhe\n"
+                                                      "  -form\n"
+                                                      "  -dno\n"
+                                                      "  -kamen\n"
+                                                      "  -posle\n"));
+        editor.host.deliver(*editor.module);
         QCOMPARE(treetext::print(*editor->m_menuModel, -1),
                  QString("Меню\n  Схема\n  Пропавший\n"));
         QCOMPARE(orvo::recordCount(editor->m_tabMenu), 2);
-        QCOMPARE(host.failures, QStringList());
+        QCOMPARE(editor.host.failures, QStringList());
     }
 
     void anEmptyFolderIsOneRecord() {
         TestStore store;
         fillPlant(store);
         addElement(store, "armop", "pusto", "", "Пусто", 5000);
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         editor.openDesck("armop");
         editor.makeCurrent("pusto");
         editor->on_actDeleteElem_triggered();
         editor.answer(editor.Yes);
-        QCOMPARE(host.writes().take(), QString("Menu\n  -pusto\n"));
+        QCOMPARE(editor.host.writes().take(), QString("Menu\n  -pusto\n"));
     }
 
     void theAnswerAppliesToWhatIsCurrentThen() {
@@ -195,26 +193,24 @@ private slots:
         TestStore store;
         fillPlant(store);
         addElement(store, "armop", "sirota", "nosuch", "Сирота", 0, "rform");
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         editor.openDesck("armop");
         editor.makeCurrent("grafiki");
         editor->on_actDeleteElem_triggered();
         editor.answer(editor.Yes);
-        QVERIFY(!host.writes().take().contains("sirota"));
+        QVERIFY(!editor.host.writes().take().contains("sirota"));
     }
 
     void childrenAreFoundWithoutCase() {
         TestStore store;
         fillPlant(store);
         addElement(store, "armop", "vnutri", "GlubZHE", "Внутри", 7, "rform");
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         editor.openDesck("armop");
         editor.makeCurrent("glubzhe");
         editor->on_actDeleteElem_triggered();
         editor.answer(editor.Yes);
-        QCOMPARE(host.writes().take(), QString("Menu\n  -glubzhe\n  -form\n  -vnutri\n"));
+        QCOMPARE(editor.host.writes().take(), QString("Menu\n  -glubzhe\n  -form\n  -vnutri\n"));
     }
 
     void aCircleIsDeletedOnce() {
@@ -309,8 +305,7 @@ private slots:
             "\"order_\", \"MenuResourceKey\") "
             "SELECT 'e' || i, CASE WHEN i < 100 THEN 'big' ELSE 'e' || (i % 100) END, 'armpech', "
             "'Элемент ' || i, i * 1000, CASE WHEN i < 100 THEN NULL ELSE 'rtrend' END FROM n");
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
         editor.makeCurrent("big");
         editor->on_actDeleteElem_triggered();
@@ -319,14 +314,14 @@ private slots:
         editor.answer(editor.Yes);
         qInfo("a folder of 10,000 elements deleted in %lld ms", timer.elapsed());
         QVERIFY(timer.elapsed() < 20000);
-        QCOMPARE(host.writes().calls.size(), 1);
-        QCOMPARE(host.writes().calls[0].records.size(), 10000);
+        QCOMPARE(editor.host.writes().calls.size(), 1);
+        QCOMPARE(editor.host.writes().calls[0].records.size(), 10000);
         timer.start();
-        host.deliver(*editor.module);
+        editor.host.deliver(*editor.module);
         qInfo("its notifications taken in %lld ms", timer.elapsed());
         QVERIFY(timer.elapsed() < 60000);
         QCOMPARE(orvo::recordCount(editor->m_tabMenu), 0);
-        QCOMPARE(host.failures, QStringList());
+        QCOMPARE(editor.host.failures, QStringList());
     }
 };
 

@@ -1,9 +1,20 @@
 // Adding, renaming and deleting desktops and their folders.
 #include "tests/menu/MenuDesktopOpsTest.h"
 
+namespace {
+
+/// A click opens one when it is sure to be no double click.
+bool staysWithoutEditor(const QTreeView& view) {
+    QTest::qWait(2 * QApplication::doubleClickInterval());
+    return view.viewport()->findChildren<QLineEdit*>().isEmpty();
+}
+
+} // namespace
+
 class TestMenuDesktopOps : public QObject {
     Q_OBJECT
 private slots:
+    void initTestCase() { QApplication::setDoubleClickInterval(50); }
     void init() { QGuiApplication::clipboard()->clear(); }
 
     // Adding
@@ -60,8 +71,7 @@ private slots:
         TestStore store;
         fillPlant(store);
         addDesck(store, "ugol", "sklad", "Угол", true);
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         editor.openDesck("sklad");
         editor->on_actAddFoldertvDesck_triggered();
         QCOMPARE(editor.view("tvDesck")->currentIndex().parent(), editor->desck("sklad"));
@@ -132,14 +142,13 @@ private slots:
         TestStore store;
         fillPlant(store);
         addDesck(store, "papka1", "sklad", "новая папка1", true);
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         editor.openDesck("sklad");
         for (int i = 0; i < 2; ++i) {
             editor->on_actAddFoldertvDesck_triggered();
             QCOMPARE(editor.view("tvDesck")->currentIndex().data(), QVariant("новая папка1"));
             editor->on_save_pressed();
-            host.deliver(*editor.module);
+            editor.host.deliver(*editor.module);
             editor.openDesck("sklad");
         }
         QCOMPARE(shownDescks(editor).count("новая папка1\n"), 3);
@@ -152,8 +161,7 @@ private slots:
         clickRow(editor.view("tvDesck"), editor->desck("sklad"));
         QCOMPARE(editor.host.writes().calls.size(), 1);
         QCOMPARE(editor.view("tvDesck")->editTriggers(), QAbstractItemView::NoEditTriggers);
-        QTest::qWait(QApplication::doubleClickInterval() + 50);
-        QVERIFY(editor.view("tvDesck")->viewport()->findChildren<QLineEdit*>().isEmpty());
+        QVERIFY(staysWithoutEditor(*editor.view("tvDesck")));
     }
 
     // Renaming
@@ -206,8 +214,7 @@ private slots:
         clickRow(editor.view("tvDesck"), editor->desck("sklad"));
         QCOMPARE(editor.host.writes().take(), QString("MenuFolder\n  ~armop caption='Пульт'\n"));
         QCOMPARE(editor.view("tvDesck")->editTriggers(), QAbstractItemView::NoEditTriggers);
-        QTest::qWait(QApplication::doubleClickInterval() + 50);
-        QVERIFY(editor.view("tvDesck")->viewport()->findChildren<QLineEdit*>().isEmpty());
+        QVERIFY(staysWithoutEditor(*editor.view("tvDesck")));
     }
 
     void renamingWithoutACurrentRowDoesNothing() {
@@ -290,18 +297,18 @@ private slots:
         TestStore store;
         fillPlant(store);
         addElement(store, "armpech", "chuzhoy", "", "Чужой", 0);
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         editor.openDesck("armop");
         // The next fetch fails, so the table still has the elements of the desktop before. Those
         // that go are asked for anew.
         store.sql("ALTER TABLE \"Menu\" RENAME TO \"gone\"");
         editor.openDesck("armpech");
         store.sql("ALTER TABLE \"gone\" RENAME TO \"Menu\"");
-        host.failures.clear();
+        editor.host.failures.clear();
         editor->on_actDeleteFromtvDesck_triggered();
         editor.answer(editor.Yes);
-        QCOMPARE(host.writes().take(), QString("Menu\n  -chuzhoy\nMenuFolder\n  -armpech\n"));
+        QCOMPARE(editor.host.writes().take(),
+                 QString("Menu\n  -chuzhoy\nMenuFolder\n  -armpech\n"));
     }
 
     void theMenuEmptiesBeforeTheServerAnswers() {

@@ -19,8 +19,7 @@ private slots:
                               {"oneCopy", false},
                               {"MenuResourceKey", QString("rcalc")},
                               {"params", QString("-x 1")}});
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         editor.openDesck("armop");
         editor->on_actCopyDescktopOrFolder_triggered();
         editor.openDesck("sklad");
@@ -31,7 +30,7 @@ private slots:
         const QString none = " ico=NULL separator=NULL oneCopy=NULL";
         const QString bare = " params=NULL\n";
         QCOMPARE(
-            host.writes().take(),
+            editor.host.writes().take(),
             "MenuFolder\n"
             "  +#1 ParentKey='sklad' caption='АРМ оператора_копия' order_='2000' isFolder=false\n"
             "Menu\n"
@@ -52,7 +51,7 @@ private slots:
                 "  +#9 parent='#3' FolderKey='#1' caption='Тренд' order_=0" + none +
                 " MenuResourceKey='rtrend'" + bare);
         QVERIFY(!shownDescks(editor).contains("_копия"));
-        host.deliver(*editor.module);
+        editor.host.deliver(*editor.module);
         QVERIFY(shownDescks(editor).contains("  Склад\n    АРМ оператора_копия\n"));
         // The new desktop is current, with its menu.
         QCOMPARE(treetext::print(*editor->m_menuModel, -1), QString("Меню\n"
@@ -64,7 +63,7 @@ private slots:
                                                                     "      Котёл\n"
                                                                     "      Полный\n"
                                                                     "  Пропавший\n"));
-        QCOMPARE(host.failures, QStringList());
+        QCOMPARE(editor.host.failures, QStringList());
     }
 
     void theElementsComeFromTheServer() {
@@ -84,12 +83,11 @@ private slots:
         TestStore store;
         fillPlant(store);
         addElement(store, "armpech", "sirota", "nosuch", "Сирота", 5);
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         editor.openDesck("armpech");
         editor->on_actCopyDescktopOrFolder_triggered();
         editor->on_actPasteDescktopOrFolder_triggered();
-        QVERIFY(host.writes().take().contains("parent='' FolderKey='#1' caption='Сирота'"));
+        QVERIFY(editor.host.writes().take().contains("parent='' FolderKey='#1' caption='Сирота'"));
     }
 
     void parentsCompareWithoutCase() {
@@ -97,12 +95,11 @@ private slots:
         fillPlant(store);
         addElement(store, "armpech", "Papka", "", "Папка", 0);
         addElement(store, "armpech", "vnutri", "pAPKA", "Внутри", 5);
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         editor.openDesck("armpech");
         editor->on_actCopyDescktopOrFolder_triggered();
         editor->on_actPasteDescktopOrFolder_triggered();
-        const QString written = host.writes().take();
+        const QString written = editor.host.writes().take();
         QVERIFY2(written.contains("+#3 parent='#2' FolderKey='#1' caption='Внутри'"),
                  qPrintable(written));
     }
@@ -124,13 +121,12 @@ private slots:
         fillPlant(store);
         addDesck(store, "azot", "ceh", "Азот", false);
         addElement(store, "armpech", "odin", "", "Один", 5, "rtrend");
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         editor.openDesck("ceh");
         editor->on_actCopyDescktopOrFolder_triggered();
         editor.openDesck("sklad");
         editor->on_actPasteDescktopOrFolder_triggered();
-        const QString written = host.writes().take();
+        const QString written = editor.host.writes().take();
         // Folders before desktops, each group by caption; what lies in a folder right behind it.
         QVERIFY2(written.startsWith(
                      "MenuFolder\n"
@@ -143,7 +139,7 @@ private slots:
                      "  +#6 parent=NULL FolderKey='#3' caption='Один' order_=5"),
                  qPrintable(written));
         QCOMPARE(written.count("FolderKey='#5'"), 7);
-        host.deliver(*editor.module);
+        editor.host.deliver(*editor.module);
         QVERIFY2(shownDescks(editor).contains("  Склад\n"
                                               "    Цех 1_копия\n"
                                               "      Печь\n"
@@ -151,20 +147,19 @@ private slots:
                                               "      Азот\n"
                                               "      АРМ оператора\n"),
                  qPrintable(shownDescks(editor)));
-        QCOMPARE(host.failures, QStringList());
+        QCOMPARE(editor.host.failures, QStringList());
     }
 
     void onlyTheTopRowOfAPasteHasTheSuffix() {
         TestStore store;
         fillPlant(store);
         addDesck(store, "bezimeni", "sklad", "", false);
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         editor.openDesck("sklad");
         editor->on_actCopyDescktopOrFolder_triggered();
         editor->on_actPasteDescktopOrFolder_triggered();
         QCOMPARE(
-            host.writes().take(),
+            editor.host.writes().take(),
             QString("MenuFolder\n"
                     "  +#1 ParentKey='sklad' caption='Склад_копия' order_='1000' isFolder=true\n"
                     "  +#2 ParentKey='#1' caption='' order_='2000' isFolder=false\n"));
@@ -173,7 +168,7 @@ private slots:
         editor->on_actCopyDescktopOrFolder_triggered();
         editor.openDesck("ceh");
         editor->on_actPasteDescktopOrFolder_triggered();
-        const QString written = host.writes().take();
+        const QString written = editor.host.writes().take();
         QVERIFY2(written.contains("ParentKey='ceh' caption='_копия'"), qPrintable(written));
     }
 
@@ -199,13 +194,12 @@ private slots:
         TestStore store;
         addDesck(store, "f1", "", "Внешняя", true);
         addDesck(store, "f2", "f1", "Внутренняя", true);
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         putDesckOnClipboard("F1"); // keys compare without regard to case
         editor.openDesck("mainnode");
         editor->on_actPasteDescktopOrFolder_triggered();
         QCOMPARE(
-            host.writes().take(),
+            editor.host.writes().take(),
             QString("MenuFolder\n"
                     "  +#1 ParentKey=NULL caption='Внешняя_копия' order_='1000' isFolder=true\n"
                     "  +#2 ParentKey='#1' caption='Внутренняя' order_='1000' isFolder=true\n"));
@@ -217,19 +211,18 @@ private slots:
         addDesck(store, "krayniy", "", "Крайний", false, "777");
         addDesck(store, "papka", "", "Папка", true, "5");
         addDesck(store, "vnutri", "papka", "Внутри", false, "888");
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         editor.openDesck("sklad");
         putDesckOnClipboard("krayniy");
         editor->on_actPasteDescktopOrFolder_triggered();
         QCOMPARE(
-            host.writes().take(),
+            editor.host.writes().take(),
             QString("MenuFolder\n  +#1 ParentKey='sklad' caption='Крайний_копия' order_='2000' "
                     "isFolder=false\n"));
         putDesckOnClipboard("papka");
         editor->on_actPasteDescktopOrFolder_triggered();
         QCOMPARE(
-            host.writes().take(),
+            editor.host.writes().take(),
             QString("MenuFolder\n"
                     "  +#1 ParentKey='sklad' caption='Папка_копия' order_='1000' isFolder=true\n"
                     "  +#2 ParentKey='#1' caption='Внутри' order_='2000' isFolder=false\n"));
@@ -239,12 +232,11 @@ private slots:
         TestStore store;
         fillPlant(store);
         store.sql("UPDATE \"MenuFolder\" SET \"isFolder\" = NULL WHERE \"KeyLink\" = 'obshiy'");
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         editor.openDesck("sklad");
         putDesckOnClipboard("obshiy");
         editor->on_actPasteDescktopOrFolder_triggered();
-        QCOMPARE(host.writes().take(),
+        QCOMPARE(editor.host.writes().take(),
                  QString("MenuFolder\n  +#1 ParentKey='sklad' caption='Общий_копия' order_='2000' "
                          "isFolder=NULL\n"));
     }
@@ -369,15 +361,14 @@ private slots:
         addDesck(store, "f1", "", "Первая", true);
         addDesck(store, "f2", "f1", "Вторая", true);
         addDesck(store, "d", "f2", "Стол", false);
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         // Another client hangs the upper folder below the lower one; the row stays where it was.
         store.moveBelow("MenuFolder", "ParentKey", "f1", "F2");
-        host.deliver(*editor.module);
+        editor.host.deliver(*editor.module);
         putDesckOnClipboard("f1");
         editor.openDesck("mainnode");
         editor->on_actPasteDescktopOrFolder_triggered();
-        QCOMPARE(host.writes().take(),
+        QCOMPARE(editor.host.writes().take(),
                  QString("MenuFolder\n"
                          "  +#1 ParentKey=NULL caption='Первая_копия' order_='1000' isFolder=true\n"
                          "  +#2 ParentKey='#1' caption='Вторая' order_='1000' isFolder=true\n"
@@ -433,8 +424,7 @@ private slots:
             "\"order_\", \"MenuResourceKey\") "
             "SELECT 'e' || i, CASE WHEN i < 100 THEN NULL ELSE 'e' || (i % 100) END, 'big', "
             "'Элемент ' || i, i * 1000, CASE WHEN i < 100 THEN NULL ELSE 'rtrend' END FROM n");
-        TestHost host(store);
-        OperationsEditor editor(host);
+        OperationsOn editor(store);
         editor.view("tvDesck")->setCurrentIndex(editor->desck("big"));
         editor->on_actCopyDescktopOrFolder_triggered();
         editor.view("tvDesck")->setCurrentIndex(editor->desck("sklad"));
@@ -443,20 +433,20 @@ private slots:
         editor->on_actPasteDescktopOrFolder_triggered();
         qInfo("a desktop with 10,000 elements pasted in %lld ms", timer.elapsed());
         QVERIFY(timer.elapsed() < 20000);
-        QCOMPARE(host.writes().calls.size(), 2);
-        QCOMPARE(host.writes().calls[0].records.size(), 1);
-        QCOMPARE(host.writes().calls[1].records.size(), 10000);
-        host.writes().calls.clear();
-        host.deliver(*editor.module);
+        QCOMPARE(editor.host.writes().calls.size(), 2);
+        QCOMPARE(editor.host.writes().calls[0].records.size(), 1);
+        QCOMPARE(editor.host.writes().calls[1].records.size(), 10000);
+        editor.host.writes().calls.clear();
+        editor.host.deliver(*editor.module);
         editor.view("tvDesck")->setCurrentIndex(editor->desck("big"));
         editor->on_actDeleteFromtvDesck_triggered();
         timer.start();
         editor.answer(editor.Yes);
         qInfo("and deleted in %lld ms", timer.elapsed());
         QVERIFY(timer.elapsed() < 20000);
-        QCOMPARE(host.writes().calls.size(), 2);
-        QCOMPARE(host.writes().calls[0].records.size(), 10000);
-        QCOMPARE(host.writes().calls[1].records, QStringList("-big"));
+        QCOMPARE(editor.host.writes().calls.size(), 2);
+        QCOMPARE(editor.host.writes().calls[0].records.size(), 10000);
+        QCOMPARE(editor.host.writes().calls[1].records, QStringList("-big"));
     }
 };
 

@@ -39,9 +39,7 @@ private slots:
 
     void anEmptyTableGivesTheRootRowAlone() {
         TestStore store;
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         QCOMPARE(shown(editor), QString("Список рабочих столов #mainnode\n"));
         const QModelIndex root = editor->m_desckModel->index(0, 0);
         QVERIFY(editor.view("tvDesck")->isExpanded(root));
@@ -60,9 +58,7 @@ private slots:
         addDesck(store, "f11", "f1", "Южный", true);
         addDesck(store, "f10", "f1", "северный", true);
         addDesck(store, "d4", "f11", "Внутри", false);
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         QCOMPARE(shown(editor), QString("Список рабочих столов #mainnode\n"
                                         "  еда #f0\n"
                                         "  Ёлка #f1\n"
@@ -101,9 +97,7 @@ private slots:
         addDesck(store, "promezh", "", "Промежуточный", true, "1500");
         addDesck(store, "skrytyi", "ceh", "Скрытый", false, "1500");
         addDesck(store, "vnutri", "promezh", "Внутри", false);
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         QCOMPARE(shown(editor, {3}), QString("Список рабочих столов #mainnode\n"
                                              "  Ранний #ranniy 3=0500\n"
                                              "  Склад #sklad 3=1000\n"
@@ -121,9 +115,7 @@ private slots:
         addDesck(store, "Ceh", "", "Цех", true);
         addDesck(store, "d1", "CEH", "Первый", false);
         addDesck(store, "d2", "ceh", "Второй", false);
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         QCOMPARE(shown(editor), QString("Список рабочих столов #mainnode\n"
                                         "  Цех #Ceh\n"
                                         "    Второй #d2\n"
@@ -138,9 +130,7 @@ private slots:
         addDesck(store, "y", "x", "Ниже", false);
         addDesck(store, "d", "", "Стол", false, "1000");
         addDesck(store, "z", "d", "Под столом", false);
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         QCOMPARE(shown(editor, {4}), QString("Список рабочих столов #mainnode 4=true\n"
                                              "  Стол #d 4=false\n"
                                              "  Папка #f 4=true\n"
@@ -152,11 +142,9 @@ private slots:
         addDesck(store, "f", "nosuch", "Потерянная", true);
         addDesck(store, "d", "f", "Потерянный", false);
         addDesck(store, "ok", "", "Стол", false);
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         QCOMPARE(shown(editor), QString("Список рабочих столов #mainnode\n  Стол #ok\n"));
-        QVERIFY(host.logLines.isEmpty());
+        QVERIFY(editor.host.logLines.isEmpty());
     }
 
     void aCircleOfParentsIsNotShownAndDoesNotHang() {
@@ -167,9 +155,7 @@ private slots:
         addDesck(store, "ok", "", "Папка", true);
         store.moveBelow("MenuFolder", "ParentKey", "a", "b");
         store.moveBelow("MenuFolder", "ParentKey", "self", "SELF");
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         QCOMPARE(shown(editor), QString("Список рабочих столов #mainnode\n  Папка #ok\n"));
     }
 
@@ -211,9 +197,7 @@ private slots:
         TestStore store;
         fillPlant(store);
         addDesck(store, "d2", "ceh", "Архив", false);
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         const auto position = [&](const char* key, const char* parent) {
             return editor->getDesckElementPosition(QString::fromUtf8(key),
                                                    QString::fromUtf8(parent));
@@ -248,9 +232,7 @@ private slots:
         QCOMPARE(nothing->getDesckElementPosition("x", ""), -1);
         QCOMPARE(nothing->getDesckElementPosition("x", "y"), -1);
         fillPlant(store);
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         QCOMPARE(editor->getDesckElementPosition("x", "sklad"), -1);
         QCOMPARE(editor->getDesckElementPosition("x", "zzz"), -1);
     }
@@ -264,9 +246,7 @@ private slots:
                                     {"ParentKey", QString("f")},
                                     {"order_", QString("2000")},
                                     {"isFolder", false}});
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         // A caption that is NULL sorts first and is counted, though the loader does not show it.
         QCOMPARE(editor->getDesckElementPosition("n", "f"), 0);
         QCOMPARE(editor->getDesckElementPosition("a", "f"), 1);
@@ -280,9 +260,7 @@ private slots:
         TestStore store;
         fillPlant(store);
         addDesck(store, "d2", "ceh", "Архив", false);
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         const QModelIndex row = editor->desck("d2");
         QCOMPARE(row.row(), 2);
         editor->m_desckModel->setData(row, "не сохранено", Qt::DisplayRole);
@@ -327,9 +305,7 @@ private slots:
         TestStore store;
         fillPlant(store);
         addDesck(store, "odd", "MAINNODE", "Азбука", false);
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         QVERIFY(!editor->desck("odd").isValid());
         QCOMPARE(editor->getDesckElementPosition("odd", "mainnode"), 0);
         editor->insertElementToDesckTree(orvo::seekKey(editor->m_tabFolder, "odd"));
@@ -342,9 +318,7 @@ private slots:
         TestStore store;
         fillPlant(store);
         addDesck(store, "lost", "nosuch", "Потерянный", false);
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         const QString before = shown(editor);
         editor->insertElementToDesckTree(orvo::seekKey(editor->m_tabFolder, "lost"));
         QCOMPARE(shown(editor), before);

@@ -72,9 +72,7 @@ private slots:
                               {"oneCopy", true},
                               {"MenuResourceKey", QString("rcalc")},
                               {"params", QString("-x 1")}});
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         const auto row = [&](const char* key) {
             QVariantList values;
@@ -129,9 +127,7 @@ private slots:
         TestStore store;
         fillPlant(store);
         addElement(store, "armop", "unten", "GRAFIKI", "Внизу", 5000, "RForm");
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         editor.view("tvDesck")->setCurrentIndex(editor->desck("ARMOP"));
         const QModelIndex row = editor->element("UNTEN");
         QVERIFY(row.isValid());
@@ -164,9 +160,7 @@ private slots:
         // The parent exists, but belongs to another desktop.
         addElement(store, "obshiy", "other", "", "Чужая папка", 0);
         addElement(store, "armop", "stray", "other", "Чужой", 0, "rform");
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         for (const char* key : {"lost", "lostbelow", "other", "stray"})
             QVERIFY(!editor->element(key).isValid());
@@ -178,9 +172,7 @@ private slots:
         TestStore store;
         fillPlant(store);
         addElement(store, "obshiy", "lost", "nosuch", "Потерянный", 0);
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         editor.view("tvDesck")->setCurrentIndex(editor->desck("obshiy"));
         QCOMPARE(shown(editor), QString("Меню #MenuRootNode\n"));
     }
@@ -193,9 +185,7 @@ private slots:
         addElement(store, "armop", "self", "", "Сам", 0);
         store.moveBelow("Menu", "parent", "a", "b");
         store.moveBelow("Menu", "parent", "self", "SELF");
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         for (const char* key : {"a", "b", "self"})
             QVERIFY(!editor->element(key).isValid());
@@ -234,9 +224,7 @@ private slots:
         addElement(store, "armop", "stored", "", "Файл", 4000, "rfile");
         addElement(store, "armop", "belowfile", "stored", "Под файлом", 0, "rform");
         addElement(store, "armop", "belowlost", "propal", "Под пропавшим", 0, "rform");
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         // The word in column 1 decides.
         const QModelIndex zero = editor->element("zero");
@@ -279,9 +267,7 @@ private slots:
         addDesck(store, "other", "", "Другой", false);
         addElement(store, key, "e1", "", "Свой", 0);
         addElement(store, "other", "e2", "", "Чужой", 0);
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         editor.view("tvDesck")->setCurrentIndex(editor->desck(key));
         QCOMPARE(shown(editor), QString("Меню #MenuRootNode\n  Свой #e1\n"));
     }
@@ -303,9 +289,7 @@ private slots:
         // Equal places are told apart by the key.
         addElement(store, "armop", "b", "glubzhe", "Второй", 0, "rform");
         addElement(store, "armop", "a", "glubzhe", "Первый", 0, "rform");
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         const auto position = [&](const char* key, const char* parent) {
             return editor->getMenuElementPosition(QString::fromUtf8(key),
@@ -354,9 +338,7 @@ private slots:
         store.update(
             "Menu",
             {{"KeyLink", QString("grafiki")}, {"ico", QString("trend.png")}, {"separator", true}});
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));
         QCOMPARE(passport(editor),
@@ -384,9 +366,7 @@ private slots:
                               {"params", QString("/p")},
                               {"ico", QString("pump.png")},
                               {"oneCopy", true}});
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         editor.view("tvMenu")->setCurrentIndex(editor->element("calc"));
         QCOMPARE(

@@ -215,9 +215,7 @@ private slots:
 
     void thePanesShareTheWidth() {
         TestStore store;
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         const QList<int> sizes = editor.child<QSplitter>("splitter")->sizes();
         QCOMPARE(sizes.size(), 2);
         const double ratio = double(sizes[0]) / sizes[1];
@@ -298,9 +296,7 @@ private slots:
 
     void startArrangesTheDesktops() {
         TestStore store;
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         const QTreeView* view = editor.view("tvDesck");
         QCOMPARE(view->styleSheet(), orvo::treeStyleSheet());
         QCOMPARE(view->editTriggers(), QAbstractItemView::NoEditTriggers);
@@ -321,9 +317,7 @@ private slots:
 
     void startArrangesTheMenu() {
         TestStore store;
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         const QTreeView* view = editor.view("tvMenu");
         QCOMPARE(view->styleSheet(), orvo::treeStyleSheet());
         QCOMPARE(view->editTriggers(), QAbstractItemView::NoEditTriggers);
@@ -345,9 +339,7 @@ private slots:
 
     void startArrangesThePassport() {
         TestStore store;
-        TestHost host(store);
-        MenuEditor editor(host, "Menu");
-        QVERIFY(editor.start());
+        MenuOn editor(store);
         const QTreeView* view = editor.view("tvProp");
         QCOMPARE(view->editTriggers(), QAbstractItemView::AllEditTriggers);
         QVERIFY(view->isHeaderHidden());

@@ -120,6 +120,14 @@ inline void fillCatalogue(TestStore& store) {
     addUser(store, "uother", "petrova", "Петрова", "Анна");
 }
 
+/// An editor on that store, started.
+class ResourcesOn : public HostOnStore, public ResEditor {
+public:
+    explicit ResourcesOn(TestStore& store) : HostOnStore(store), ResEditor(host, "Resources") {
+        startOrFail();
+    }
+};
+
 /// An editor on that catalogue, not started yet.
 class CatalogueEditor : public HostOnFilledStore, public ResEditor {
 public:

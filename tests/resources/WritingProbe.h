@@ -66,8 +66,7 @@ struct Writing {
     using Fill = void (*)(TestStore&);
 
     explicit Writing(Fill fill = nullptr) : host(prepared(fill)), editor(host, "Resources") {
-        if (!editor.start())
-            qFatal("the editor did not start");
+        editor.startOrFail();
     }
 
     WritingProbe* operator->() { return editor.module.get(); }

@@ -126,9 +126,7 @@ private slots:
                      {{"KeyLink", QString("mod")}, {"caption", QString("программы")}});
         store.update("MenuResourceFolder",
                      {{"KeyLink", QString("fun")}, {"caption", QString("ФУНКЦИИ")}});
-        TestHost host(store);
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        ResourcesOn editor(store);
         editor.view("tvRes")->setCurrentIndex(editor->row("mod"));
         QCOMPARE(enabledActions(*editor.module), QString());
         editor.view("tvRes")->setCurrentIndex(editor->row("fun"));
@@ -161,9 +159,7 @@ private slots:
                      {{"KeyLink", QString("rboiler")}, {"UsersKey", QString("ueng")}});
         store.update("MenuResource",
                      {{"KeyLink", QString("rburner")}, {"UsersKey", QString("uother")}});
-        TestHost host(store);
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        ResourcesOn editor(store);
         for (const auto& [key, on] :
              {std::pair{"rboiler", true}, std::pair{"rburner", true}, std::pair{"rdrum", false}}) {
             editor.view("tvRes")->setCurrentIndex(editor->row(key));
@@ -199,16 +195,14 @@ private slots:
         fillCatalogue(store);
         store.update("MenuResource",
                      {{"KeyLink", QString("rboiler")}, {"UsersKey", QString("ueng")}});
-        TestHost host(store);
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        ResourcesOn editor(store);
         QApplication::clipboard()->setText("before");
         editor.view("tvRes")->setCurrentIndex(editor->row("rboiler"));
         for (const char* name : {"actCopy", "actUnBlock"}) {
             editor.action(name)->setEnabled(true);
             editor.action(name)->trigger();
         }
-        host.deliver(*editor.module);
+        editor.host.deliver(*editor.module);
         QCOMPARE(editor->row("rboiler", ResColumn::Blocked).data(), QVariant(1));
         QCOMPARE(QApplication::clipboard()->text(), QString("before"));
     }

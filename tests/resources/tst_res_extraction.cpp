@@ -135,9 +135,7 @@ private slots:
         TestStore store;
         fillCatalogue(store);
         addItem(store, "rdeep", 4, "deep", "deep.txt", "Глубоко");
-        TestHost host(store);
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        ResourcesOn editor(store);
         QTEST(editor->getFilePath(editor->row(QTest::currentDataTag())), "path");
     }
 
@@ -150,9 +148,7 @@ private slots:
         addItem(store, "rlow", 4, "inbare", "y.txt", "Y");
         addFolder(store, "bareform", 3, "frm", "");
         addFolder(store, "inbareform", 3, "bareform", "low");
-        TestHost host(store);
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        ResourcesOn editor(store);
         // A folder without a caption leaves no slash of its own in a path of files.
         QCOMPARE(editor->getFilePath(editor->row("bare")), QString());
         QCOMPARE(editor->getFilePath(editor->row("rinbare")), QString());
@@ -169,12 +165,10 @@ private slots:
     void formsLandFlatInTheDirectory() {
         TestStore store;
         fillCatalogue(store);
-        TestHost host(store);
-        put(host.ownStore().formPut("Котлы", {file("", "Boiler", std::string_view("a\0b", 3)),
-                                              file("", "Boiler.png", "png")}));
-        put(host.ownStore().formPut("Котлы", {file("", "Burner", "burn")}));
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        put(store.connect()->formPut("Котлы", {file("", "Boiler", std::string_view("a\0b", 3)),
+                                               file("", "Boiler.png", "png")}));
+        put(store.connect()->formPut("Котлы", {file("", "Burner", "burn")}));
+        ResourcesOn editor(store);
         QTemporaryDir target;
         select(editor, {"rboiler", "rburner"});
         QVERIFY(extract(editor, target.path()));
@@ -188,11 +182,9 @@ private slots:
     void filesAreWritten() {
         TestStore store;
         fillCatalogue(store);
-        TestHost host(store);
-        put(host.ownStore().filePut(
+        put(store.connect()->filePut(
             {file("docs", "manual.txt", "read me"), file("", "readme.txt", "top")}));
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        ResourcesOn editor(store);
         QTemporaryDir target;
         select(editor, {"rmanual"});
         QVERIFY(extract(editor, target.path()));
@@ -208,12 +200,10 @@ private slots:
         fillCatalogue(store);
         addItem(store, "rsame", 4, "deep", "manual.txt", "Руководство");
         addItem(store, "rnote", 4, "deep", "note.txt", "Заметка");
-        TestHost host(store);
-        put(host.ownStore().filePut({file("docs", "manual.txt", "of docs"),
-                                     file("docs/deep", "manual.txt", "of deep"),
-                                     file("docs/deep", "note.txt", "note")}));
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        put(store.connect()->filePut({file("docs", "manual.txt", "of docs"),
+                                      file("docs/deep", "manual.txt", "of deep"),
+                                      file("docs/deep", "note.txt", "note")}));
+        ResourcesOn editor(store);
         QTemporaryDir target;
         select(editor, {"rsame", "rnote"});
         QVERIFY(extract(editor, target.path()));
@@ -227,15 +217,13 @@ private slots:
     void theLaterFormOverwritesTheEarlier() {
         TestStore store;
         fillCatalogue(store);
-        TestHost host(store);
-        put(host.ownStore().formPut("Котлы",
-                                    {file("", "Boiler", "1"), file("", "Boiler.png", "x")}));
-        put(host.ownStore().formPut("Котлы",
-                                    {file("", "Burner", "2"), file("", "Burner.png", "y")}));
+        put(store.connect()->formPut("Котлы",
+                                     {file("", "Boiler", "1"), file("", "Boiler.png", "x")}));
+        put(store.connect()->formPut("Котлы",
+                                     {file("", "Burner", "2"), file("", "Burner.png", "y")}));
         store.sql("UPDATE \"MenuResourceFile\" SET \"name_\" = 'common.png' WHERE \"name_\" LIKE "
                   "'%.png'");
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        ResourcesOn editor(store);
         for (const auto& [first, second, last] :
              {std::tuple{"rboiler", "rburner", "y"}, std::tuple{"rburner", "rboiler", "x"}}) {
             QTemporaryDir target;
@@ -250,27 +238,24 @@ private slots:
     void emptyFilesAreNotCreated() {
         TestStore store;
         fillCatalogue(store);
-        TestHost host(store);
-        put(host.ownStore().formPut("Котлы",
-                                    {file("", "Boiler", ""), file("", "Boiler.txt", "text")}));
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        put(store.connect()->formPut("Котлы",
+                                     {file("", "Boiler", ""), file("", "Boiler.txt", "text")}));
+        ResourcesOn editor(store);
         QTemporaryDir target;
         select(editor, {"rboiler"});
         QVERIFY(extract(editor, target.path()));
         QCOMPARE(QDir(target.path()).entryList(QDir::Files), QStringList("Boiler.txt"));
-        QCOMPARE(host.logLines.size(), 1);
-        QCOMPARE(host.logLines.first().text, QString("Файл «Boiler» не извлечён: файл пуст"));
+        QCOMPARE(editor.host.logLines.size(), 1);
+        QCOMPARE(editor.host.logLines.first().text,
+                 QString("Файл «Boiler» не извлечён: файл пуст"));
     }
 
     void equalNamesOverwriteEachOther() {
         TestStore store;
         fillCatalogue(store);
         addItem(store, "rother", 4, "docs", "note.txt", "Другое");
-        TestHost host(store);
-        put(host.ownStore().filePut({file("docs", "note.txt", "new")}));
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        put(store.connect()->filePut({file("docs", "note.txt", "new")}));
+        ResourcesOn editor(store);
         QTemporaryDir target;
         QFile old(target.filePath("note.txt"));
         QVERIFY(old.open(QIODevice::WriteOnly));
@@ -284,10 +269,8 @@ private slots:
     void aCancelledDialogWritesNothing() {
         TestStore store;
         fillCatalogue(store);
-        TestHost host(store);
-        put(host.ownStore().formPut("Котлы", {file("", "Boiler", "1")}));
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        put(store.connect()->formPut("Котлы", {file("", "Boiler", "1")}));
+        ResourcesOn editor(store);
         select(editor, {"rboiler"});
         QVERIFY(extract(editor, QString()));
         QVERIFY(!editor.view("tvRes")->selectionModel()->hasSelection());
@@ -324,15 +307,13 @@ private slots:
         QFETCH(QString, name);
         TestStore store;
         fillCatalogue(store);
-        TestHost host(store);
-        put(host.ownStore().formPut("Котлы",
-                                    {file("", "Boiler", "good"), file("", "Boiler.bad", "evil")}));
+        put(store.connect()->formPut("Котлы",
+                                     {file("", "Boiler", "good"), file("", "Boiler.bad", "evil")}));
         store.sql(qPrintable(
             QString(
                 "UPDATE \"MenuResourceFile\" SET \"name_\" = '%1' WHERE \"name_\" = 'Boiler.bad'")
                 .arg(name)));
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        ResourcesOn editor(store);
         QTemporaryDir outer;
         QDir(outer.path()).mkpath("target/sub");
         select(editor, {"rboiler"});
@@ -348,11 +329,9 @@ private slots:
     void whatCannotBeWrittenIsPassedOver() {
         TestStore store;
         fillCatalogue(store);
-        TestHost host(store);
-        put(host.ownStore().formPut("Котлы",
-                                    {file("", "Boiler", "one"), file("", "Boiler.txt", "two")}));
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        put(store.connect()->formPut("Котлы",
+                                     {file("", "Boiler", "one"), file("", "Boiler.txt", "two")}));
+        ResourcesOn editor(store);
         QTemporaryDir target;
         // A directory stands in the way of the first file.
         QDir(target.path()).mkpath("Boiler/inner");
@@ -360,11 +339,11 @@ private slots:
         QVERIFY(extract(editor, target.path()));
         QVERIFY(QDir(target.filePath("Boiler/inner")).exists());
         QCOMPARE(content(target.filePath("Boiler.txt")), QByteArray("two"));
-        QCOMPARE(host.logLines.size(), 1);
-        QCOMPARE(host.logLines.first().level, 5);
-        QCOMPARE(host.logLines.first().place,
+        QCOMPARE(editor.host.logLines.size(), 1);
+        QCOMPARE(editor.host.logLines.first().level, 5);
+        QCOMPARE(editor.host.logLines.first().place,
                  QString("OrvoResources::on_actExtractFiles_triggered"));
-        QVERIFY(host.logLines.first().text.contains(target.filePath("Boiler")));
+        QVERIFY(editor.host.logLines.first().text.contains(target.filePath("Boiler")));
         QVERIFY(!editor->m_popMessageBox);
     }
 
@@ -375,12 +354,10 @@ private slots:
             QSKIP("a small file system can be mounted by the administrator only");
         TestStore store;
         fillCatalogue(store);
-        TestHost host(store);
         const std::string large(200 << 10, 'x');
-        put(host.ownStore().formPut("Котлы",
-                                    {file("", "Boiler", large), file("", "Boiler.txt", "two")}));
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        put(store.connect()->formPut("Котлы",
+                                     {file("", "Boiler", large), file("", "Boiler.txt", "two")}));
+        ResourcesOn editor(store);
         QFile old(target.filePath("Boiler"));
         QVERIFY(old.open(QIODevice::WriteOnly) && old.write("old") == 3);
         old.close();
@@ -390,9 +367,9 @@ private slots:
         QCOMPARE(content(target.filePath("Boiler.txt")), QByteArray("two"));
         QCOMPARE(QDir(target.path()).entryList(QDir::Files | QDir::Hidden),
                  QStringList({"Boiler", "Boiler.txt"}));
-        QCOMPARE(host.logLines.size(), 1);
-        QVERIFY2(host.logLines.first().text.contains(qt_error_string(ENOSPC)),
-                 qPrintable(host.logLines.first().text));
+        QCOMPARE(editor.host.logLines.size(), 1);
+        QVERIFY2(editor.host.logLines.first().text.contains(qt_error_string(ENOSPC)),
+                 qPrintable(editor.host.logLines.first().text));
         QVERIFY(!editor->m_popMessageBox);
         QVERIFY(!editor.view("tvRes")->selectionModel()->hasSelection());
     }
@@ -406,19 +383,17 @@ private slots:
             QSKIP("no directory is unwritable here");
         TestStore store;
         fillCatalogue(store);
-        TestHost host(store);
-        put(host.ownStore().formPut("Котлы",
-                                    {file("", "Boiler", "1"), file("", "Boiler.txt", "2")}));
-        put(host.ownStore().filePut({file("docs", "manual.txt", "3")}));
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        put(store.connect()->formPut("Котлы",
+                                     {file("", "Boiler", "1"), file("", "Boiler.txt", "2")}));
+        put(store.connect()->filePut({file("docs", "manual.txt", "3")}));
+        ResourcesOn editor(store);
         select(editor, {"rboiler"});
         QVERIFY(extract(editor, target.path()));
-        QCOMPARE(host.logLines.size(), 2);
+        QCOMPARE(editor.host.logLines.size(), 2);
         select(editor, {"rmanual"});
         QVERIFY(extract(editor, target.path()));
-        QCOMPARE(host.logLines.size(), 3);
-        QVERIFY(host.logLines.last().text.contains("manual.txt"));
+        QCOMPARE(editor.host.logLines.size(), 3);
+        QVERIFY(editor.host.logLines.last().text.contains("manual.txt"));
         QVERIFY(QDir(target.path()).isEmpty());
         QVERIFY(!editor->m_popMessageBox);
         QFile::setPermissions(target.path(),
@@ -428,17 +403,15 @@ private slots:
     void aDirectoryThatVanishedIsNamedInTheLog() {
         TestStore store;
         fillCatalogue(store);
-        TestHost host(store);
-        put(host.ownStore().formPut("Котлы", {file("", "Boiler", "1")}));
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        put(store.connect()->formPut("Котлы", {file("", "Boiler", "1")}));
+        ResourcesOn editor(store);
         QTemporaryDir outer;
         const QString target = outer.filePath("target");
         QVERIFY(QDir().mkpath(target));
         select(editor, {"rboiler"});
         QVERIFY(extract(editor, target, [&] { QVERIFY(QDir().rmdir(target)); }));
-        QCOMPARE(host.logLines.size(), 1);
-        QVERIFY(host.logLines.first().text.contains("Boiler"));
+        QCOMPARE(editor.host.logLines.size(), 1);
+        QVERIFY(editor.host.logLines.first().text.contains("Boiler"));
         QVERIFY(QDir(outer.path()).isEmpty());
     }
 
@@ -460,26 +433,22 @@ private slots:
         QFETCH(QByteArray, key);
         TestStore store;
         fillCatalogue(store);
-        TestHost host(store);
-        put(host.ownStore().formPut("Котлы", {file("", "Boiler", "1")}));
-        put(host.ownStore().filePut({file("docs", "manual.txt", "3")}));
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        put(store.connect()->formPut("Котлы", {file("", "Boiler", "1")}));
+        put(store.connect()->filePut({file("docs", "manual.txt", "3")}));
+        ResourcesOn editor(store);
         QTemporaryDir target;
         select(editor, {key.constData()});
         QVERIFY(extract(editor, target.path(), [&] { store.sql(qPrintable(sql)); }));
         QVERIFY(QDir(target.path()).isEmpty());
-        QCOMPARE(host.failures.size(), 1);
+        QCOMPARE(editor.host.failures.size(), 1);
         QVERIFY(!editor->m_popMessageBox);
     }
 
     void extractionLeavesEditAndTreeAsTheyAre() {
         TestStore store;
         fillCatalogue(store);
-        TestHost host(store);
-        put(host.ownStore().formPut("Котлы", {file("", "Boiler", "1")}));
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        put(store.connect()->formPut("Котлы", {file("", "Boiler", "1")}));
+        ResourcesOn editor(store);
         const QString before = editor->tableText("MenuResource");
         QTemporaryDir target;
         editor.view("tvRes")->setCurrentIndex(editor->row("rboiler"));
@@ -488,7 +457,7 @@ private slots:
         QCOMPARE(editor->m_editState, uint32_t(ResProbe::EditRow));
         QCOMPARE(editor->tableText("MenuResource"), before);
         QVERIFY(editor->row("rboiler").isValid());
-        QCOMPARE(host.writes().take(), QString());
+        QCOMPARE(editor.host.writes().take(), QString());
     }
 
     void aFailedJobWritesNothing() {

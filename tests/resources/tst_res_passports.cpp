@@ -80,9 +80,7 @@ private slots:
         store.update("MenuResource", {{"KeyLink", QString("rlog")},
                                       {"ico", QString("pump.png")},
                                       {"params", QString("/x")}});
-        TestHost host(store);
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        ResourcesOn editor(store);
         editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));
         QCOMPARE(
             rowsOf(*editor->m_propModel),

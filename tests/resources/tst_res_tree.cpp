@@ -57,9 +57,7 @@ private slots:
         store.update("MenuResource", {{"KeyLink", QString("rtrend")},
                                       {"params", QString("/fast")},
                                       {"ico", QString("pump.png")}});
-        TestHost host(store);
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        ResourcesOn editor(store);
         const auto columns = [&](const char* key) {
             QVariantList values;
             for (int column = 0; column < ResColumn::Count; ++column)
@@ -94,9 +92,7 @@ private slots:
         TestStore store;
         fillCatalogue(store);
         store.remove("MenuResourceFolder", qPrintable(key));
-        TestHost host(store);
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        ResourcesOn editor(store);
         const QModelIndex root = editor->row("MenuResources");
         QStringList shown;
         for (int row = 0; row < editor->m_resModel->rowCount(root); ++row)
@@ -111,9 +107,7 @@ private slots:
         TestStore store;
         fillCatalogue(store);
         store.remove("MenuResource", "rlost");
-        TestHost host(store);
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        ResourcesOn editor(store);
         QCOMPARE(orvo::recordCount(editor->m_tabOrphans), 0);
         QVERIFY(!editor->row("WrongFolder").isValid());
         QCOMPARE(editor->m_resModel->rowCount(editor->row("FileResources")), 3);
@@ -126,9 +120,7 @@ private slots:
                                       {"ico", QString("pump.png")},
                                       {"params", QString("p")},
                                       {"UsersKey", QString("uother")}});
-        TestHost host(store);
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        ResourcesOn editor(store);
         QCOMPARE(orvo::recordCount(editor->m_tabOrphans), 1);
         QCOMPARE(editor->text("rlost", ResColumn::Name), QString("Lost"));
         QCOMPARE(editor->text("rlost", ResColumn::Params), QString("p"));
@@ -146,9 +138,7 @@ private slots:
         TestStore store;
         fillCatalogue(store);
         addItem(store, "ralso", 3, "nowhere", "Also", "Тоже");
-        TestHost host(store);
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        ResourcesOn editor(store);
         QCOMPARE(orvo::recordCount(editor->m_tabOrphans), 2);
         // By key, not by name.
         QCOMPARE(editor->row("ralso").row(), 0);
@@ -171,9 +161,7 @@ private slots:
         addItem(store, "rastray", 1, "nofolder", "Stray", "Модуль");
         addItem(store, "rbstray", 2, "nofolder", "Stray", "Функция");
         addItem(store, "rcstray", 4, "nofolder", "stray.txt", "Файл");
-        TestHost host(store);
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        ResourcesOn editor(store);
         QCOMPARE(orvo::recordCount(editor->m_tabOrphans), 0);
         QVERIFY(!editor->row("WrongFolder").isValid());
         for (const char* key : {"rastray", "rbstray", "rcstray"})
@@ -209,9 +197,7 @@ private slots:
         fillCatalogue(store);
         addItem(store, "same2", 1, "alarms", "Same", "Второй");
         addItem(store, "same1", 1, "alarms", "same", "Первый");
-        TestHost host(store);
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        ResourcesOn editor(store);
         QCOMPARE(editor->row("same1").row(), editor->getResItemPosition("same1", "alarms", 1));
         QCOMPARE(editor->row("same2").row(), editor->getResItemPosition("same2", "alarms", 1));
         QCOMPARE(editor->row("same1").row(), 0);
@@ -229,9 +215,7 @@ private slots:
         TestStore store;
         fillCatalogue(store);
         addFolder(store, "literal", 4, "FileResources", "literal");
-        TestHost host(store);
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        ResourcesOn editor(store);
         QVERIFY(!editor->row("literal").isValid());
     }
 
@@ -243,9 +227,7 @@ private slots:
         addFolder(store, "self", 1, "", "Self");
         store.moveBelow("MenuResourceFolder", "ParentKey", "a", "b");
         store.moveBelow("MenuResourceFolder", "ParentKey", "self", "self");
-        TestHost host(store);
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        ResourcesOn editor(store);
         QVERIFY(!editor->row("a").isValid());
         QVERIFY(!editor->row("self").isValid());
     }
@@ -266,9 +248,7 @@ private slots:
         store.sql(
             "UPDATE \"MenuResource\" SET \"dateTimeEdit\" = 86400 WHERE \"KeyLink\" = 'rboiler'");
         store.update("MenuResource", {{"KeyLink", QString("rtrend")}, {"UsersKey", user}});
-        TestHost host(store);
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        ResourcesOn editor(store);
         QTEST(editor->text("rboiler", ResColumn::Lock), "caption");
         QCOMPARE(editor->text("rboiler", ResColumn::LockTime),
                  QDateTime::fromSecsSinceEpoch(86400).toString("dd.MM.yyyy hh:mm:ss"));
@@ -286,14 +266,12 @@ private slots:
                      {{"KeyLink", QString("rboiler")}, {"UsersKey", QString("ueng")}});
         store.sql(
             "UPDATE \"MenuResource\" SET \"dateTimeEdit\" = 86400 WHERE \"KeyLink\" = 'rboiler'");
-        TestHost host(store);
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        ResourcesOn editor(store);
         const QString time = editor->text("rboiler", ResColumn::LockTime);
         QVERIFY(!time.isEmpty());
         store.sql("UPDATE \"MenuResource\" SET \"UsersKey\" = NULL, \"dateTimeEdit\" = NULL "
                   "WHERE \"KeyLink\" = 'rboiler'");
-        host.deliver(*editor.module);
+        editor.host.deliver(*editor.module);
         QCOMPARE(editor->row("rboiler", ResColumn::Blocked).data(), QVariant(0));
         QVERIFY(editor->row("rboiler", ResColumn::Lock).data(Qt::DecorationRole).isNull());
         QCOMPARE(editor->text("rboiler", ResColumn::Lock), QString("Иванов П."));
@@ -305,9 +283,7 @@ private slots:
         fillCatalogue(store);
         store.update("MenuResource",
                      {{"KeyLink", QString("rboiler")}, {"UsersKey", QString("nobody")}});
-        TestHost host(store);
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        ResourcesOn editor(store);
         QVERIFY(editor->text("rboiler", ResColumn::Lock).isEmpty());
         QCOMPARE(editor->row("rboiler", ResColumn::Blocked).data(), QVariant(0));
     }
@@ -320,9 +296,7 @@ private slots:
                      {{"KeyLink", QString("rboiler")}, {"UsersKey", QString("unameless")}});
         store.sql(
             "UPDATE \"MenuResource\" SET \"dateTimeEdit\" = 86400 WHERE \"KeyLink\" = 'rboiler'");
-        TestHost host(store);
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        ResourcesOn editor(store);
         QVERIFY(editor->text("rboiler", ResColumn::Lock).isEmpty());
         QVERIFY(!editor->row("rboiler", ResColumn::LockTime).data().isValid());
         QCOMPARE(editor->row("rboiler", ResColumn::Blocked).data(), QVariant(0));
@@ -333,9 +307,7 @@ private slots:
         fillCatalogue(store);
         store.update("MenuResource",
                      {{"KeyLink", QString("rboiler")}, {"UsersKey", QString("uother")}});
-        TestHost host(store);
-        ResEditor editor(host, "Resources");
-        QVERIFY(editor.start());
+        ResourcesOn editor(store);
         QCOMPARE(editor->text("rboiler", ResColumn::Lock), QString("Петрова А."));
         QVERIFY(!editor->row("rboiler", ResColumn::LockTime).data().isValid());
         QCOMPARE(editor->row("rboiler", ResColumn::Blocked).data(), QVariant(2));
