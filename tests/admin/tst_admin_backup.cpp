@@ -416,7 +416,7 @@ private slots:
         const auto process = start({"restore", "--replace", file()});
         QVERIFY(process);
         if (isPostgres()) {
-            QTest::qWait(2000); // it has reached the lock by then
+            QTRY_VERIFY_WITH_TIMEOUT(somebodyWaits(), 20000);
         } else {
             const QString journal = QString::fromStdString(m_kind.url()).mid(9) + "-wal";
             QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(journal).size() > 8 << 20, 60000);
@@ -481,6 +481,12 @@ private:
         shell->write("BEGIN; LOCK TABLE \"" + table +
                      "\" IN ACCESS EXCLUSIVE MODE; \\echo locked\n");
         return shell->waitForReadyRead(20000) ? std::move(shell) : nullptr;
+    }
+    /// Whether a session waits for such a lock.
+    bool somebodyWaits() const {
+        QByteArray count;
+        return m_kind.byHand("SELECT count(*) FROM pg_locks WHERE NOT granted;", &count) &&
+               count.trimmed().toInt() > 0;
     }
     /// A backup of the store as it is, made by other means than the command.
     bool copy() const {

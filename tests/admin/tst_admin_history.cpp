@@ -112,10 +112,8 @@ void TestAdminHistory::anActionIsTakenBack() {
 void TestAdminHistory::whatIsLeftIsNamed() {
     QVERIFY(m_kind.byHand("INSERT INTO \"Menu\" (\"KeyLink\", \"caption\") VALUES ('a', 'А');"));
     const QString made = run({"history", "--limit", "1"}).out.section(' ', 0, 0);
-    QTest::qWait(5); // another statement
     QVERIFY(m_kind.byHand("UPDATE \"Menu\" SET \"caption\" = '1', \"params\" = '1';"));
     const QString first = run({"history", "--limit", "1"}).out.section(' ', 0, 0);
-    QTest::qWait(5);
     QVERIFY(m_kind.byHand("UPDATE \"Menu\" SET \"caption\" = '2';"));
     const AdminResult result = run({"undo", first});
     QCOMPARE(result.code, 1);
@@ -132,10 +130,8 @@ void TestAdminHistory::whatIsLeftIsNamed() {
 void TestAdminHistory::eachFolderThatIsGoneGetsAPlace() {
     QVERIFY(m_kind.byHand("INSERT INTO \"Menu\" (\"KeyLink\", \"parent\") VALUES ('f', NULL), "
                           "('g', NULL), ('x', 'f'), ('y', 'g');"));
-    QTest::qWait(5); // another statement
     QVERIFY(m_kind.byHand("DELETE FROM \"Menu\" WHERE \"parent\" IS NOT NULL;"));
     const QString number = run({"history", "--limit", "1"}).out.section(' ', 0, 0);
-    QTest::qWait(5);
     QVERIFY(m_kind.byHand("DELETE FROM \"Menu\";"));
     QVERIFY(run({"undo", number, "--place", "f="}).err.contains("решите, как быть"));
     QCOMPARE(run({"undo", number, "--place", "f=", "--place", "g="}).code, 0);
@@ -266,7 +262,6 @@ void TestAdminHistory::aDryRunTellsWhereItsRecordsStand() {
         "INSERT INTO \"MenuFolder\" (\"KeyLink\", \"caption\") VALUES ('d', 'Стол');"
         "INSERT INTO \"Menu\" (\"KeyLink\", \"caption\", \"FolderKey\", \"parent\") VALUES "
         "('a', 'А', 'd', NULL), ('b', 'Б', 'd', 'a');"));
-    QTest::qWait(5); // another statement
     QVERIFY(m_kind.byHand("DELETE FROM \"Menu\" WHERE \"KeyLink\" = 'b';"));
     const QString number = run({"history", "--limit", "1"}).out.section(' ', 0, 0);
     const AdminResult dry = run({"undo", number, "--dry-run"});

@@ -641,7 +641,6 @@ private slots:
         QTRY_VERIFY(mirror.isIdle());
         QCOMPARE(int(opened), 1);
         const auto opensAgain = [&] {
-            QTest::qWait(100);
             mirror.refresh();
             return QTest::qWaitFor([&] { return mirror.isIdle(); }) && opened > 1;
         };

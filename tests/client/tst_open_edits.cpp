@@ -114,7 +114,7 @@ private slots:
         for (int i = 0; i < row->childCount(); ++i)
             if (row->child(i)->text(UnwrittenPane::Mine) == "Mid")
                 row->child(i)->setText(UnwrittenPane::Mine, "Middle");
-        QTest::qWait(50);
+        QCoreApplication::processEvents();
         QTest::mouseClick(fixture.child<QPushButton>("unwrittenRepeat"), Qt::LeftButton);
         QTRY_COMPARE(fixture.unwritten()->topLevelItemCount(), 0);
         QCOMPARE(fixture.count("MenuResource", "name_", "Middle"), 1);

@@ -180,8 +180,7 @@ private slots:
         for (const char* text : {"the first", "the second", "the third"})
             QVERIFY2(whole()->text().contains(text), qPrintable(whole()->text()));
         window.resize(700, 400);
-        QTest::qWait(50);
-        QVERIFY(window.rect().contains(whole()->geometry()));
+        QTRY_VERIFY(window.rect().contains(whole()->geometry()));
         press(Qt::Key_Escape);
         QVERIFY(!whole()->isVisible());
         QCOMPARE(QApplication::focusWidget(), window.logPane());

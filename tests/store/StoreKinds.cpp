@@ -10,6 +10,8 @@
 #include <QTemporaryDir>
 #include <QUuid>
 
+#include <chrono>
+#include <thread>
 #include <unistd.h>
 
 namespace orvo::store::test {
@@ -59,6 +61,8 @@ public:
     std::string url() const override { return "sqlite://" + file().toStdString(); }
 
     bool byHand(const QByteArray& sql, QByteArray* output) override {
+        // By its millisecond the log tells a statement from the one before.
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
         QProcess shell;
         shell.setProcessChannelMode(QProcess::MergedChannels);
         shell.start("sqlite3", {"-batch", "-bail", file()});

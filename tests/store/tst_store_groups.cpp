@@ -70,7 +70,6 @@ private slots:
     void aStatementByHandIsAGroup() {
         QVERIFY(m_kind.byHand(
             "INSERT INTO \"MenuFileExt\" VALUES ('a', '1'), ('b', '2'), ('c', '3');"));
-        QTest::qWait(5);
         QVERIFY(m_kind.byHand("DELETE FROM \"MenuFileExt\";"));
         QCOMPARE(groups(), QString("111222"));
     }
