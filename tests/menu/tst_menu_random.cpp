@@ -1,5 +1,5 @@
 // Thousands of changes in random order, by two menu editors and a foreign hand on one store. What
-// may differ between an editor that has followed them and a new one: tests/menu/MenuRandomActs.h.
+// may differ between an editor that has followed them and a new one: tests/menu/MenuPart.h.
 // The seed and the number of steps: tests/menu/RandomRun.h.
 #include "tests/menu/MenuRandomActs.h"
 

@@ -3,7 +3,7 @@
 // moved and deleted in one meet the menu elements that are made of them in the other.
 //
 // What may differ between an editor that has followed them and a new one:
-// tests/menu/MenuRandomActs.h and tests/resources/ResRandomActs.h. The seed and the number of
+// tests/menu/MenuPart.h and tests/resources/ResPart.h. The seed and the number of
 // steps: tests/menu/RandomRun.h; ORVO_STORE_KIND sets the store.
 #include "tests/menu/MenuRandomActs.h"
 #include "tests/resources/EachStore.h"

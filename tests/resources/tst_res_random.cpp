@@ -1,6 +1,6 @@
 // Thousands of changes in random order, by two resource editors and a foreign hand on one store of
 // each kind. What may differ between an editor that has followed them and a new one:
-// tests/resources/ResRandomActs.h. The seed and the number of steps: tests/menu/RandomRun.h;
+// tests/resources/ResPart.h. The seed and the number of steps: tests/menu/RandomRun.h;
 // ORVO_STORE_KIND sets the store.
 #include "tests/resources/EachStore.h"
 #include "tests/resources/ResRandomActs.h"

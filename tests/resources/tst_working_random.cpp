@@ -4,7 +4,7 @@
 // editors opened then.
 //
 // What may differ between an editor that has followed and a new one:
-// tests/menu/MenuRandomActs.h and tests/resources/ResRandomActs.h. The seed and the number of
+// tests/menu/MenuPart.h and tests/resources/ResPart.h. The seed and the number of
 // steps: tests/menu/RandomRun.h; ORVO_STORE_KIND sets the store.
 #include "tests/resources/EachStore.h"
 #include "tests/resources/WorkingActs.h"
