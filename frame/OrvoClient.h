@@ -14,6 +14,7 @@
 #define ORVO_FRAME_ORVOCLIENT_H
 
 #include "frame/OrvoMdx.h"
+#include "frame/UserCaption.h"
 
 #include <QBitArray>
 #include <QByteArray>
@@ -212,19 +213,6 @@ private:
     std::unique_ptr<Private> d;
 };
 
-/// How a user is shown: family name and initials; the login for programs and for users without a
-/// family name.
-inline QString userCaption(const QString& login, const QString& lastName, const QString& firstName,
-                           const QString& midlName, bool program) {
-    if (lastName.isEmpty() || program)
-        return login;
-    if (firstName.isEmpty())
-        return lastName;
-    QString caption = lastName + QLatin1Char(' ') + firstName.at(0) + QLatin1Char('.');
-    if (!midlName.isEmpty())
-        caption += QString(midlName.at(0)) + QLatin1Char('.');
-    return caption;
-}
 /// A new unique identifier: 32 hexadecimal digits.
 ORVOCLIENT_EXPORT QByteArray GenGuid32();
 /// Server time of a date.

@@ -1,12 +1,11 @@
 #include "history/Inverse.h"
 
+#include "frame/Vocabulary.h"
+#include "history/Overtaken.h"
 #include "history/Planning.h"
 #include "history/RecordWords.h"
 
-#include <QDateTime>
-
 #include <algorithm>
-#include <cmath>
 
 namespace orvo::history {
 
@@ -35,6 +34,16 @@ store::Status remarkDone(store::MaintainedStore& store, const Standing& standing
 }
 
 } // namespace
+
+Remark lockRemark(const FormLock& lock) {
+    Remark made;
+    made.why = Remark::Locked;
+    made.table = store::findTable(table::MenuResource);
+    made.key = lock.key;
+    made.login = lock.login;
+    made.time = lock.since;
+    return made;
+}
 
 store::Status planInverse(store::MaintainedStore& store, const Selection& selection,
                           const Choices& choices, Inverse* inverse) {
@@ -80,7 +89,7 @@ store::Status planInverse(store::MaintainedStore& store, const Selection& select
 store::Status writeInverse(store::MaintainedStore& store, Inverse* plan) {
     const store::Status status = store.writeAll(plan->parts, plan->seen, plan->undoes);
     plan->written = status.ok();
-    return status;
+    return tellWhoOvertook(store, plan->parts, plan->seen, status);
 }
 
 store::Status undo(store::MaintainedStore& store, const Selection& selection,
@@ -103,17 +112,6 @@ bool Inverse::asks() const {
         return remark.asksForPlace() || remark.why == Remark::BuiltOn ||
                remark.why == Remark::NameTaken;
     });
-}
-
-QString whoAndWhen(const std::string& login, double time, const PersonNames& names) {
-    const auto person = names.find(login);
-    const QString who = login.empty()           ? QStringLiteral("вручную")
-                        : person == names.end() ? QString::fromStdString(login)
-                                                : person->second;
-    return time > 0 ? who + QStringLiteral(", ") +
-                          QDateTime::fromMSecsSinceEpoch(std::llround(time * 1000.0))
-                              .toString(QStringLiteral("dd.MM.yyyy HH:mm"))
-                    : who;
 }
 
 QString remarkWords(const Remark& remark, RecordSource& source, const PersonNames& names) {

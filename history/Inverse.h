@@ -11,6 +11,8 @@
 #ifndef ORVO_HISTORY_INVERSE_H
 #define ORVO_HISTORY_INVERSE_H
 
+#include "history/Locks.h"
+#include "history/People.h"
 #include "history/Reading.h"
 
 #include <QString>
@@ -20,7 +22,6 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -76,6 +77,9 @@ struct Choices {
     std::map<std::string, std::string> places;
 };
 
+/// That the form is held.
+Remark lockRemark(const FormLock& lock);
+
 /// What is to be taken back.
 struct Selection {
     std::vector<int64_t> groups;
@@ -106,18 +110,13 @@ struct Inverse {
 store::Status planInverse(store::MaintainedStore& store, const Selection& selection,
                           const Choices& choices, Inverse* inverse);
 /// Writes a plan as it is, for instance as it was shown. Outdated, and nothing is written, if the
-/// store is no longer that for which it was made.
+/// store is no longer that for which it was made; the text says who has changed what.
 store::Status writeInverse(store::MaintainedStore& store, Inverse* plan);
 /// Plans and writes, unless there is nothing to write or something to be asked that the choices do
 /// not answer. Plans anew if others were quicker. `done` is the last plan.
 store::Status undo(store::MaintainedStore& store, const Selection& selection,
                    const Choices& choices, Inverse* done);
 
-/// How people are called, by login; whoever is not in it is called by the login.
-using PersonNames = std::unordered_map<std::string, QString>;
-
-/// "Иванов И., 23.11.2026 10:15"; an empty login: by hand, no time: left out.
-QString whoAndWhen(const std::string& login, double time, const PersonNames& names);
 /// A remark as a sentence: what was left, and why.
 QString remarkWords(const Remark& remark, RecordSource& source, const PersonNames& names = {});
 

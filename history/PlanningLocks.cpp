@@ -73,13 +73,7 @@ bool Planning::remarkLocked(const std::string& resource) {
         return false;
     if (!m_toldLocks.insert(resource).second)
         return true;
-    Remark made;
-    made.why = Remark::Locked;
-    made.table = store::findTable(table::MenuResource);
-    made.key = lock->second.key;
-    made.login = lock->second.login;
-    made.time = lock->second.since;
-    m_inverse.remarks.push_back(std::move(made));
+    m_inverse.remarks.push_back(lockRemark(lock->second));
     return true;
 }
 

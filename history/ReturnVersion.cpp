@@ -2,6 +2,7 @@
 
 #include "frame/Vocabulary.h"
 #include "history/Locks.h"
+#include "history/Overtaken.h"
 #include "history/RecordWords.h"
 #include "platform/store/Names.h"
 
@@ -24,13 +25,7 @@ store::Status checkLock(store::MaintainedStore& store, const std::string& resour
     store::Status status = heldByOthers(store, {resource}, &held);
     if (!status.ok() || held.empty())
         return status;
-    Remark remark;
-    remark.why = Remark::Locked;
-    remark.table = store::findTable(table::MenuResource);
-    remark.key = held.begin()->second.key;
-    remark.login = held.begin()->second.login;
-    remark.time = held.begin()->second.since;
-    return left(store::Refused, remark, source, names);
+    return left(store::Refused, lockRemark(held.begin()->second), source, names);
 }
 
 store::Status checkBytes(store::MaintainedStore& store, const store::KeptVersion& version,
@@ -43,24 +38,6 @@ store::Status checkBytes(store::MaintainedStore& store, const store::KeptVersion
     remark.table = &store::contentTable();
     remark.key = version.key;
     return left(read.code, remark, source, {});
-}
-
-/// Who has changed the content or its form or file since; `status` if the log does not tell.
-store::Status changedBy(store::MaintainedStore& store, const store::KeptVersion& version,
-                        int64_t seen, RecordSource& source, const PersonNames& names,
-                        const store::Status& status) {
-    const store::TableDef& resources = *store::findTable(table::MenuResource);
-    for (const auto& [table, key] : {std::pair(&store::contentTable(), version.key),
-                                     std::pair(&resources, version.resource)}) {
-        std::vector<store::Change> since;
-        if (!store.changesSince(*table, {key}, seen, &since).ok() || since.empty())
-            continue;
-        const QString record = recordWords(*table, source.valuesOf(*table, key), key);
-        return notReturned(status.code, QStringLiteral("%1: тем временем изменено (%2)")
-                                            .arg(record, whoAndWhen(since.back().login,
-                                                                    since.back().time, names)));
-    }
-    return notReturned(status.code, QString::fromStdString(status.text));
 }
 
 store::Write writeOf(const store::KeptVersion& version, bool isStored) {
@@ -128,8 +105,7 @@ store::Status returnVersion(store::MaintainedStore& store, int64_t id, int64_t s
     echo.table = &resources;
     echo.writes.push_back({MDX_UPDATE, version.resource, {}});
     status = store.writeAll({part, echo}, seen, {});
-    if (status.code == store::Outdated)
-        return changedBy(store, version, seen, source, names, status);
+    status = tellWhoOvertook(store, {part, echo}, seen, names, status);
     return status.ok() ? status : notReturned(status.code, QString::fromStdString(status.text));
 }
 

@@ -388,7 +388,11 @@ private slots:
         // He is asked again, with that in the plan, and both stand until he has agreed.
         QTRY_VERIFY(fixture.dialog());
         QTRY_VERIFY(fixture.dialog()->findChild<QCheckBox*>("revertOthers")->isVisible());
-        QVERIFY(fixture.dialog()->findChild<QLabel*>("revertNote")->isVisible());
+        const auto* note = fixture.dialog()->findChild<QLabel*>("revertNote");
+        QVERIFY(note->isVisible());
+        QVERIFY2(note->text().startsWith("Пока вы решали, записано другое: элемент меню «о»: тем "
+                                         "временем создано (Петров П., "),
+                 qPrintable(note->text()));
         QTest::keyClick(fixture.dialog(), Qt::Key_Escape);
         QTRY_COMPARE(fixture.menu(), QString("н(о) а(б(в)) г"));
     }

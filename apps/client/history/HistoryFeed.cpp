@@ -1,6 +1,5 @@
 #include "apps/client/history/HistoryFeed.h"
 
-#include "apps/client/People.h"
 #include "frame/Vocabulary.h"
 #include "history/GroupWords.h"
 #include "history/Standing.h"
@@ -232,7 +231,7 @@ struct HistoryFeed::Page {
         if (!first.empty())
             oldest = first.front();
         if (status.ok() && withNames) {
-            status = readPeople(store, &names);
+            status = history::readPeople(store, &names);
             hasNames = status.ok();
         }
         for (HistoryAction& action : actions)

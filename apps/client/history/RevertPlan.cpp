@@ -1,6 +1,5 @@
 #include "apps/client/history/RevertPlan.h"
 
-#include "apps/client/People.h"
 #include "frame/Vocabulary.h"
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/Merge.h"
@@ -101,7 +100,7 @@ void describePlan(store::MaintainedStore& store, bool withWrites, RevertPlan* pl
             plan->writes.push_back(history::describe(plan->inverse.preview[i], source));
     }
     history::PersonNames names;
-    if (!plan->inverse.remarks.empty() && !readPeople(store, &names).ok())
+    if (!plan->inverse.remarks.empty() && !history::readPeople(store, &names).ok())
         names.clear(); // the logins serve
     std::set<std::string> missing;
     for (const history::Remark& remark : plan->inverse.remarks) {

@@ -162,8 +162,9 @@ void Reverter::written(const store::Status& status, const RevertPlan& plan) {
     if (!m_request)
         return;
     if (status.code == store::Outdated) {
-        const QString note = QStringLiteral(
-            "Пока вы решали, записано другое. Посмотрите ещё раз, что будет записано.");
+        const QString note = QStringLiteral("Пока вы решали, записано другое: %1. Посмотрите ещё "
+                                            "раз, что будет записано.")
+                                 .arg(QString::fromStdString(status.text));
         emit told(LogWarning, QStringLiteral("%1: %2").arg(m_request->title, note));
         showDialog(note);
     } else if (!status.ok()) {

@@ -114,7 +114,7 @@ void VersionsDialog::load(const QString& said) {
             store::Status status = store.logPosition(&read->seen);
             if (status.ok())
                 status = store.versions(query, &read->versions);
-            return status.ok() ? readPeople(store, &read->names) : status;
+            return status.ok() ? history::readPeople(store, &read->names) : status;
         },
         [this, read, said](const store::Status& status) {
             if (!status.ok()) {
@@ -138,10 +138,7 @@ void VersionsDialog::showVersions(const std::vector<store::KeptVersion>& version
         row->setText(Time, version.fileTime ? timeText(*version.fileTime) : QString());
         row->setText(Size, sizeText(version.size));
         row->setText(Until, timeText(version.time));
-        const auto name = m_names.find(version.login);
-        row->setText(Who, version.login.empty()   ? QStringLiteral("(вручную)")
-                          : name == m_names.end() ? oneLine(QString::fromStdString(version.login))
-                                                  : oneLine(name->second));
+        row->setText(Who, oneLine(history::personName(version.login, m_names)));
     }
     m_list->setCurrentItem(m_list->topLevelItem(0));
     note(versions.empty() ? QStringLiteral("Прежних версий нет.") : QString());

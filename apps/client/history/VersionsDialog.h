@@ -3,8 +3,8 @@
 #ifndef ORVO_APPS_CLIENT_HISTORY_VERSIONSDIALOG_H
 #define ORVO_APPS_CLIENT_HISTORY_VERSIONSDIALOG_H
 
-#include "apps/client/People.h"
 #include "apps/client/StoreThread.h"
+#include "history/People.h"
 
 #include <QDialog>
 

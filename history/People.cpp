@@ -1,18 +1,22 @@
-#include "apps/client/People.h"
+#include "history/People.h"
 
-#include "frame/OrvoClient.h"
+#include "frame/UserCaption.h"
 #include "frame/Vocabulary.h"
 #include "history/RecordSource.h"
 #include "platform/mdx/MdxBuild.h"
 
-namespace orvo::app {
+#include <QDateTime>
 
-store::Status readPeople(store::Store& store, history::PersonNames* names) {
+#include <cmath>
+
+namespace orvo::history {
+
+store::Status readPeople(store::Store& store, PersonNames* names) {
     CMDArray rows;
     store::Status status = store.fetch(table::Users, rows.array);
     const store::TableDef& users = *store::findTable(table::Users);
     for (uint32_t i = 0; status.ok() && i < mdx::postedCount(rows.array); ++i) {
-        const history::Values values = history::valuesIn(rows.array, i);
+        const Values values = valuesIn(rows.array, i);
         const auto valueOf = [&](const char* field) {
             const auto found = values.find(users.find(field));
             return found == values.end() ? store::Value() : found->second;
@@ -30,4 +34,19 @@ store::Status readPeople(store::Store& store, history::PersonNames* names) {
     return status;
 }
 
-} // namespace orvo::app
+QString personName(const std::string& login, const PersonNames& names) {
+    if (login.empty())
+        return QStringLiteral("(вручную)");
+    const auto person = names.find(login);
+    return person == names.end() ? QString::fromStdString(login) : person->second;
+}
+
+QString whoAndWhen(const std::string& login, double time, const PersonNames& names) {
+    const QString who = login.empty() ? QStringLiteral("вручную") : personName(login, names);
+    return time > 0 ? who + QStringLiteral(", ") +
+                          QDateTime::fromMSecsSinceEpoch(std::llround(time * 1000.0))
+                              .toString(QStringLiteral("dd.MM.yyyy HH:mm"))
+                    : who;
+}
+
+} // namespace orvo::history
