@@ -21,6 +21,8 @@ private slots:
     void filtersLeaveWhatIsAskedFor();
     void theKeyOfAFileFindsItsContentsToo();
     void aDryRunTellsWhereItsRecordsStand();
+    void aDryRunTellsTheValuesOfEachField();
+    void peopleAreCalledByTheirNames();
     void jsonIsAnObjectALine();
     void hostileFiltersAreData();
     void badFiltersAreRefused_data();
@@ -266,6 +268,42 @@ void TestAdminHistory::aDryRunTellsWhereItsRecordsStand() {
     const QString number = run({"history", "--limit", "1"}).out.section(' ', 0, 0);
     const AdminResult dry = run({"undo", number, "--dry-run"});
     QCOMPARE(dry.lines().value(0), QString("  Создан элемент меню «Б»  (Стол / А)"));
+}
+
+void TestAdminHistory::aDryRunTellsTheValuesOfEachField() {
+    QVERIFY(m_kind.byHand("INSERT INTO \"Menu\" (\"KeyLink\", \"caption\", \"params\") VALUES "
+                          "('a', 'А', 'x=1');"));
+    QTest::qWait(5); // another statement
+    QVERIFY(m_kind.byHand("UPDATE \"Menu\" SET \"params\" = 'x=2';"));
+    const QString number = run({"history", "--limit", "1"}).out.section(' ', 0, 0);
+    const QStringList told = {"  Изменён элемент меню «А»", "      Параметры: «x=2» -> «x=1»"};
+    QCOMPARE(run({"undo", number, "--dry-run"}).lines().mid(0, 2), told);
+    QCOMPARE(run({"undo", number}).lines().mid(0, 2), told);
+}
+
+void TestAdminHistory::peopleAreCalledByTheirNames() {
+    ORVO_DONE(run({"user", "add", "anna_n", "--last", "Иванова", "--first", "Анна"}));
+    orvo::store::Status status;
+    const auto anna = orvo::store::openMaintained(m_kind.url(), {"anna_n", false}, &status);
+    QVERIFY2(anna, status.text.c_str());
+    using orvo::store::test::Batch;
+    QVERIFY(Batch("Menu").insert("a", {{"caption", "А"}}).send(*anna).ok());
+    const auto newest = [&] { return run({"history", "--limit", "1"}).out; };
+    const QString made = newest().section(' ', 0, 0);
+    QVERIFY2(newest().section('\n', 0, 0).endsWith("  Иванова А.  Создан элемент меню «А»"),
+             qPrintable(newest()));
+    const QJsonObject change =
+        QJsonDocument::fromJson(run({"history", "--json", "--limit", "1"}).out.toUtf8()).object();
+    QCOMPARE(change["login"].toString(), QString("anna_n"));
+    QCOMPARE(change["name"].toString(), QString("Иванова А."));
+    // So are those whose work is left.
+    ORVO_DONE(run({"undo", made}));
+    const QString undone = newest().section(' ', 0, 0);
+    ORVO_DONE(run({"undo", undone}));
+    QVERIFY(Batch("Menu").insert("b", {{"caption", "Б"}, {"parent", "a"}}).send(*anna).ok());
+    const AdminResult asking = run({"undo", made, "--dry-run"});
+    QVERIFY2(asking.out.contains("на этом построено другое (Иванова А., "),
+             qPrintable(asking.out + asking.err));
 }
 
 void TestAdminHistory::jsonIsAnObjectALine() {

@@ -1,3 +1,4 @@
+#include "apps/admin/ChangeLines.h"
 #include "apps/admin/Failure.h"
 #include "apps/admin/Json.h"
 #include "apps/admin/Output.h"
@@ -5,6 +6,7 @@
 #include "apps/admin/Verb.h"
 #include "frame/Vocabulary.h"
 #include "history/GroupWords.h"
+#include "history/People.h"
 #include "history/Standing.h"
 
 #include <QJsonArray>
@@ -83,20 +85,6 @@ QJsonObject parsed(const std::string& json) {
         .object();
 }
 
-std::string line(const QString& text) {
-    return cell(text.toStdString());
-}
-
-void printFields(const std::vector<history::FieldWords>& fields, const char* indent) {
-    for (const history::FieldWords& field : fields) {
-        QString values = field.before.isEmpty() ? field.after
-                         : field.after.isEmpty()
-                             ? field.before
-                             : field.before + QStringLiteral(" -> ") + field.after;
-        out(indent + line(field.name + QStringLiteral(": ") + values));
-    }
-}
-
 /// Which of these actions have been taken back.
 std::set<int64_t> undoneOf(store::MaintainedStore& store, const std::vector<int64_t>& groups) {
     history::Standing standing;
@@ -106,12 +94,13 @@ std::set<int64_t> undoneOf(store::MaintainedStore& store, const std::vector<int6
 }
 
 /// The number by which undo knows it, when, who, what, where; below it its changes.
-void print(const history::Group& group, bool isUndone, history::RecordSource& source) {
+void print(const history::Group& group, bool isUndone, const history::PersonNames& people,
+           history::RecordSource& source) {
     constexpr size_t mostChanges = 20;
     const history::GroupWords words = history::describe(group, source);
     const std::string time = shownMoment(group.time);
     out(std::to_string(group.id) + "  " + (time.empty() ? "?" : time) + "  " +
-        (group.login.empty() ? "(вручную)" : cell(group.login)) + "  " + line(words.what) +
+        line(history::personName(group.login, people)) + "  " + line(words.what) +
         (isUndone ? " [отменено]" : "") + placeInBrackets(words.place.toStdString()));
     if (group.changes.size() == 1) {
         printFields(history::describe(group.changes.front(), source).fields, "    ");
@@ -153,7 +142,8 @@ private:
     std::set<int64_t> m_undone;
 };
 
-void printJson(const store::Change& change, const Actions& actions, history::RecordSource& source) {
+void printJson(const store::Change& change, const Actions& actions,
+               const history::PersonNames& people, history::RecordSource& source) {
     QJsonObject object;
     object["id"] = static_cast<double>(change.id);
     object["time"] = change.time;
@@ -161,6 +151,8 @@ void printJson(const store::Change& change, const Actions& actions, history::Rec
     object["table"] = QString::fromStdString(change.table);
     object["key"] = QString::fromStdString(change.key);
     object["login"] = QString::fromStdString(change.login);
+    if (!change.login.empty())
+        object["name"] = history::personName(change.login, people);
     object["group"] = static_cast<double>(change.group);
     object["client"] = QString::fromStdString(change.client);
     object["place"] = QString::fromStdString(change.place);
@@ -202,6 +194,9 @@ int run(const Invocation& call) {
     if (call.has("within"))
         filter.branch = readBranch(*store, call.value("within"));
     const bool json = call.has("json");
+    history::PersonNames people;
+    if (!history::readPeople(*store, &people).ok())
+        people.clear(); // the logins serve
     history::Reader reader(*store, filter);
     if (json) {
         std::vector<store::Change> page;
@@ -214,7 +209,7 @@ int run(const Invocation& call) {
             source.prepare(page);
             const Actions actions(*store, page);
             for (const store::Change& change : page)
-                printJson(change, actions, source);
+                printJson(change, actions, people, source);
             left -= static_cast<int64_t>(page.size());
         }
         return Done;
@@ -233,7 +228,7 @@ int run(const Invocation& call) {
         }
         const std::set<int64_t> undone = undoneOf(*store, groups);
         for (const history::Group& group : page)
-            print(group, undone.count(group.id) != 0, source);
+            print(group, undone.count(group.id) != 0, people, source);
         left -= static_cast<int64_t>(page.size());
     }
     return Done;
@@ -246,12 +241,12 @@ const Verb historyVerb = {
     "[--table ТАБЛИЦА] [--key КЛЮЧ] [--within КЛЮЧ] [--user ВХОД] [--since КОГДА] [--until КОГДА] "
     "[--text ТЕКСТ] [--limit N] [--json]",
     "Показать, кто, когда и что изменил",
-    "Действия идут от новых к старым. У каждого строка: номер, время, вход, что сделано, где; под\n"
+    "Действия идут от новых к старым. У каждого строка: номер, время, кто, что сделано, где; под\n"
     "ней с отступом изменения и поля: было -> стало. Номер берёт undo. «(вручную)» - изменено "
     "мимо\n"
     "программ Orvo в базе, которая не знает входов; «[отменено]» - действие отменено. С --json "
     "идут\n"
-    "изменения, у каждого слова его действия. Показывается то, что помнит журнал изменений.",
+    "изменения, у каждого вход и слова его действия. Показывается то, что помнит журнал изменений.",
     0,
     0,
     historyOptions,

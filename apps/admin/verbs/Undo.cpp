@@ -1,7 +1,7 @@
+#include "apps/admin/ChangeLines.h"
 #include "apps/admin/Failure.h"
 #include "apps/admin/Output.h"
 #include "apps/admin/Verb.h"
-#include "history/GroupWords.h"
 #include "history/Inverse.h"
 #include "platform/store/Names.h"
 
@@ -77,22 +77,22 @@ int run(const Invocation& call) {
                 : history::undo(*store, groups, choices, &inverse),
             what);
     history::LoggedRecords source(*store);
+    history::PersonNames people;
+    if (!inverse.remarks.empty() && !history::readPeople(*store, &people).ok())
+        people.clear(); // the logins serve
     constexpr size_t mostShown = 50;
-    for (size_t i = 0; i < std::min(inverse.preview.size(), mostShown); ++i) {
-        const store::Change& change = inverse.preview[i];
-        out("  " + cell(history::describe(change, source).what.toStdString()) +
-            placeInBrackets(history::placeOf(change, source).toStdString()));
-    }
+    for (size_t i = 0; i < std::min(inverse.preview.size(), mostShown); ++i)
+        printChange(inverse.preview[i], source, "  ");
     if (inverse.count > mostShown)
         out("  ... и ещё " + std::to_string(inverse.count - std::min(inverse.count, mostShown)));
     std::string remarks;
     for (const history::Remark& remark : inverse.remarks)
-        remarks += (remarks.empty() ? "" : "; ") +
-                   cell(history::remarkWords(remark, source).toStdString());
+        remarks +=
+            (remarks.empty() ? "" : "; ") + line(history::remarkWords(remark, source, people));
     if (inverse.count == 0 && !inverse.asks())
         throw Failure(std::string(what) + ": " + (remarks.empty() ? "возвращать нечего" : remarks));
     for (const history::Remark& remark : inverse.remarks)
-        out(cell(history::remarkWords(remark, source).toStdString()));
+        out(line(history::remarkWords(remark, source, people)));
     if (inverse.asks() && !choices.partly && !dry)
         throw Failure(
             std::string(what) +
