@@ -341,7 +341,7 @@ private slots:
         auto* writes = fixture.dialog()->findChild<QTreeWidget*>("revertWrites");
         QCOMPARE(writes->topLevelItemCount(), 1);
         QCOMPARE(writes->topLevelItem(0)->text(0),
-                 QString("Переименован элемент меню «г»: было «чужое»"));
+                 QString("Переименован элемент меню «г»: было «чужое»  (КС-1)"));
         QTest::mouseClick(fixture.dialog()->findChild<QPushButton*>("revertOk"), Qt::LeftButton);
         QTRY_COMPARE(fixture.menu(), QString("а1(б(в)) г"));
         QTRY_VERIFY(fixture.what(0).startsWith("Отменено переименование: "));

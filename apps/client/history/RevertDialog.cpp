@@ -130,10 +130,12 @@ void RevertDialog::addPlace(const RevertPlan::Place& place) {
 
 void RevertDialog::showWrites(const RevertPlan& plan) {
     m_writes->clear();
-    for (const history::ChangeWords& write : plan.writes) {
-        QTreeWidgetItem* row = addLine(m_writes->invisibleRootItem(), {write.what});
+    for (const RevertPlan::Write& write : plan.writes) {
+        const QString place =
+            write.place.isEmpty() ? QString() : QStringLiteral("  (%1)").arg(write.place);
+        QTreeWidgetItem* row = addLine(m_writes->invisibleRootItem(), {write.words.what + place});
         row->setFirstColumnSpanned(true);
-        for (const history::FieldWords& field : write.fields)
+        for (const history::FieldWords& field : write.words.fields)
             addLine(row, {field.name, field.before, field.after});
     }
     if (plan.inverse.count > plan.writes.size())

@@ -96,8 +96,11 @@ void describePlan(store::MaintainedStore& store, bool withWrites, RevertPlan* pl
     if (withWrites) {
         source.prepare(plan->inverse.preview);
         const size_t count = std::min(plan->inverse.preview.size(), mostWrites);
-        for (size_t i = 0; i < count; ++i)
-            plan->writes.push_back(history::describe(plan->inverse.preview[i], source));
+        for (size_t i = 0; i < count; ++i) {
+            const store::Change& change = plan->inverse.preview[i];
+            plan->writes.push_back(
+                {history::describe(change, source), history::placeOf(change, source)});
+        }
     }
     history::PersonNames names;
     if (!plan->inverse.remarks.empty() && !history::readPeople(store, &names).ok())

@@ -17,8 +17,12 @@ namespace orvo::app {
 struct RevertPlan {
     history::Inverse inverse;
 
-    std::vector<history::ChangeWords> writes; ///< the first of those in the inverse
-    QStringList left;                         ///< what stays as it is, and why
+    struct Write {
+        history::ChangeWords words;
+        QString place; ///< where its record stands
+    };
+    std::vector<Write> writes; ///< the first of those in the inverse
+    QStringList left;          ///< what stays as it is, and why
     /// A record whose folder is gone, and where it could go instead.
     struct Place {
         std::string missing; ///< folded key of the folder
