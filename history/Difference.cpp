@@ -86,13 +86,40 @@ Values adjusted(const Exceptions& exceptions, const store::TableDef& table, cons
     return values;
 }
 
+/// The folders of what is not deleted, or keeps its place, are not deleted.
+void keepAbove(const Installation& from, const Installation& to, const store::TableDef& table,
+               const Values& values, Exceptions& exceptions) {
+    for (const RecordKey& above : recordsAbove(table, values)) {
+        const Values* folder = from.find(*above.first, above.second);
+        if (folder && !to.find(*above.first, above.second) && exceptions.left.insert(above).second)
+            keepAbove(from, to, *above.first, *folder, exceptions);
+    }
+}
+
+/// Leaves out the deletion of held forms.
+void keepHeld(const Installation& from, const Installation& to, const std::set<RecordKey>* wanted,
+              const std::set<std::string>& held, Exceptions& exceptions,
+              std::set<std::string>* heldBack) {
+    const store::TableDef& forms = *store::findTable(table::MenuResource);
+    for (const std::string& key : held) {
+        const RecordKey form{&forms, key};
+        const Values* old = from.find(forms, key);
+        if (!old || to.find(forms, key) || (wanted && wanted->count(form) == 0))
+            continue;
+        heldBack->insert(key);
+        exceptions.left.insert(form);
+        keepAbove(from, to, forms, *old, exceptions);
+    }
+}
+
 class Comparing {
 public:
     Comparing(const Installation& from, const Installation& to, const Exceptions& exceptions,
-              Difference& difference)
+              const std::set<std::string>& held, Difference& difference)
         : m_from(from)
         , m_to(to)
         , m_exceptions(exceptions)
+        , m_held(held)
         , m_difference(difference) {}
 
     /// Adds the writes of one kind to a table, of those of its records that are wanted.
@@ -118,6 +145,23 @@ public:
         }
         if (!part.writes.empty())
             m_difference.parts.push_back(std::move(part));
+    }
+
+    /// Adds writes without a value to the forms and files whose contents alone are written: by
+    /// these editors show them anew, and a lock that is taken meanwhile meets them.
+    void addEchoes() {
+        const store::TableDef& resources = *store::findTable(table::MenuResource);
+        for (const store::TableWrites& part : m_difference.parts)
+            if (part.table == &resources)
+                for (const store::Write& write : part.writes)
+                    m_owners.erase(store::foldedKey(write.key));
+        store::TableWrites echo;
+        echo.table = &resources;
+        for (const std::string& owner : m_owners)
+            if (m_from.find(resources, owner))
+                echo.writes.push_back({MDX_UPDATE, owner, {}});
+        if (!echo.writes.empty())
+            m_difference.parts.push_back(std::move(echo));
     }
 
 private:
@@ -149,6 +193,8 @@ private:
         // Contents go with their form or file.
         if (flag == MDX_DELETE && content && !owner(*old))
             return;
+        if (content && (isHeld(old) || isHeld(made)))
+            return;
         store::Change change;
         change.code = flag == MDX_INSERT   ? OrvoEventInsert
                       : flag == MDX_DELETE ? OrvoEventDelete
@@ -159,19 +205,33 @@ private:
         change.before = jsonOf(table, before);
         m_difference.changes.push_back(std::move(change));
         part.writes.push_back(std::move(write));
-        if (content)
-            part.bytes.push_back(
-                {0, bytes ? std::optional<std::string>(m_to.bytesOf(key)) : std::nullopt});
+        if (!content)
+            return;
+        part.bytes.push_back(
+            {0, bytes ? std::optional<std::string_view>(m_to.bytesOf(key)) : std::nullopt});
+        m_owners.insert(store::foldedKey(ownerKey(made ? *made : *old)));
+    }
+    static std::string ownerKey(const Values& content) {
+        return textAt(content, store::contentTable().find(field::MenuResourceKey));
+    }
+    /// Whether a content's form is held; notes it.
+    bool isHeld(const Values* content) {
+        const std::string key = content ? store::foldedKey(ownerKey(*content)) : std::string();
+        const bool held = m_held.count(key) != 0;
+        if (held)
+            m_difference.heldBack.insert(key);
+        return held;
     }
     bool owner(const Values& content) const {
-        const std::string key = textAt(content, store::contentTable().find(field::MenuResourceKey));
-        return m_to.find(*store::findTable(table::MenuResource), key) != nullptr;
+        return m_to.find(*store::findTable(table::MenuResource), ownerKey(content)) != nullptr;
     }
 
     const Installation& m_from;
     const Installation& m_to;
     const Exceptions& m_exceptions;
+    const std::set<std::string>& m_held;
     Difference& m_difference;
+    std::set<std::string> m_owners; ///< of the contents that are written; folded
 };
 
 /// Keeps names apart in what an installation will be.
@@ -254,7 +314,7 @@ private:
     void leaveOut(const RecordKey& record) {
         if (const Values* old = m_from.find(*record.first, record.second)) {
             m_exceptions.placed.insert(record);
-            keepAbove(*record.first, *old);
+            keepAbove(m_from, m_to, *record.first, *old, m_exceptions);
             return;
         }
         std::set<RecordKey> branch;
@@ -264,16 +324,6 @@ private:
                 m_exceptions.left.insert(below);
             else if (store::NamePlaces::concern(*below.first))
                 leaveOut(below); // it was to be moved there
-        }
-    }
-
-    /// The folders of what keeps its place are not deleted.
-    void keepAbove(const store::TableDef& table, const Values& values) {
-        for (const RecordKey& above : recordsAbove(table, values)) {
-            const Values* folder = m_from.find(*above.first, above.second);
-            if (folder && !m_to.find(*above.first, above.second) &&
-                m_exceptions.left.insert(above).second)
-                keepAbove(*above.first, *folder);
         }
     }
 
@@ -287,7 +337,8 @@ private:
 } // namespace
 
 Difference differenceOf(const Installation& from, const Installation& to,
-                        const std::optional<RecordKey>& top, bool withUsers, SameNames names) {
+                        const std::optional<RecordKey>& top, bool withUsers, SameNames names,
+                        const std::set<std::string>& held) {
     Difference difference;
     std::set<RecordKey> wanted;
     if (top) {
@@ -300,14 +351,16 @@ Difference differenceOf(const Installation& from, const Installation& to,
         tables.erase(std::remove(tables.begin(), tables.end(), store::findTable(table::Users)),
                      tables.end());
     Exceptions exceptions;
+    keepHeld(from, to, top ? &wanted : nullptr, held, exceptions, &difference.heldBack);
     if (names != SameNames::Stay)
         Naming(from, to, top ? &wanted : nullptr, names, exceptions).settle(&difference.leftOut);
-    Comparing comparing(from, to, exceptions, difference);
+    Comparing comparing(from, to, exceptions, held, difference);
     for (const int flag : {MDX_INSERT, MDX_UPDATE})
         for (const store::TableDef* table : tables)
             comparing.add(*table, flag, top ? &wanted : nullptr);
     for (auto table = tables.rbegin(); table != tables.rend(); ++table)
         comparing.add(**table, MDX_DELETE, top ? &wanted : nullptr);
+    comparing.addEchoes();
     return difference;
 }
 

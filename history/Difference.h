@@ -6,6 +6,7 @@
 #include "history/Installation.h"
 
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -25,17 +26,20 @@ struct TakenName {
 };
 
 struct Difference {
-    std::vector<store::TableWrites> parts; ///< make the one like the other
-    std::vector<store::Change> changes;    ///< as the log would tell of them
+    /// Make the one like the other; their bytes are those of the newer installation.
+    std::vector<store::TableWrites> parts;
+    std::vector<store::Change> changes; ///< as the log would tell of them
     std::vector<TakenName> leftOut;
+    std::set<std::string> heldBack; ///< of the held forms those that would have been changed
 };
 
 /// What makes `from` like `to`: everything, or what is at and below `top` in either of them, with
 /// the folders above and the resources that its elements need, if `from` lacks these. Users and
-/// locks of resources are the installation's own: they stay, unless `withUsers`.
+/// locks of resources are the installation's own: they stay, unless `withUsers`. The forms in
+/// `held`, by folded key, keep their contents, and are not deleted.
 Difference differenceOf(const Installation& from, const Installation& to,
                         const std::optional<RecordKey>& top, bool withUsers,
-                        SameNames names = SameNames::Stay);
+                        SameNames names = SameNames::Stay, const std::set<std::string>& held = {});
 
 } // namespace orvo::history
 

@@ -14,6 +14,8 @@ namespace orvo::history {
 namespace {
 
 const std::string nothing;
+/// So many bytes are believed to come when they are announced.
+constexpr int64_t mostReserved = int64_t(1) << 30;
 
 std::string textAt(const Values& values, int field) {
     const auto found = values.find(field);
@@ -72,9 +74,15 @@ store::Status Installation::record(const store::TableDef& table,
 store::Status Installation::content(const std::vector<store::Value>& values,
                                     const std::string& place) {
     store::Status status = record(store::contentTable(), values, place);
-    if (status.ok())
-        m_open = store::foldedKey(store::textOf(values.front()));
-    return status;
+    if (!status.ok())
+        return status;
+    m_open = store::foldedKey(store::textOf(values.front()));
+    const store::Value& promised =
+        values[static_cast<size_t>(store::contentTable().find(field::size))];
+    const auto* size = std::get_if<int64_t>(&promised);
+    if (m_known && size && *size > 0 && *size <= mostReserved) // else it grows, and is copied
+        m_read.reserve(static_cast<size_t>(*size));
+    return {};
 }
 
 store::Status Installation::bytes(std::string_view piece) {

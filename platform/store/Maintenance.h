@@ -54,8 +54,9 @@ struct ChangeCount {
 
 /// Where a write to contentTable() takes the bytes of its content from.
 struct BytesToWrite {
-    int64_t version = 0;              ///< a KeptVersion; 0: none
-    std::optional<std::string> bytes; ///< these; none and no version: the bytes stay
+    int64_t version = 0; ///< a KeptVersion; 0: none
+    /// These, which the caller keeps until they are written; none and no version: the bytes stay.
+    std::optional<std::string_view> bytes;
 };
 
 /// Writes to one table, to be applied in their order.

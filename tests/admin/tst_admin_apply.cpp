@@ -18,6 +18,9 @@ private slots:
     void aFormOfATakenNameIsLeftOut();
     void aFolderOfATakenNameIsLeftOutWithItsFiles();
     void usersAndLocksStay();
+    void aFormThatAnotherHoldsKeepsItsContents();
+    void aFormThatAnotherHoldsIsNotDeleted();
+    void editorsAreToldOfNewContents();
     void badArgumentsAreRefused();
     void whatNoStoreCanHoldIsRefused_data();
     void whatNoStoreCanHoldIsRefused();
@@ -191,6 +194,61 @@ void TestAdminApply::usersAndLocksStay() {
     QCOMPARE(run({"apply", file}).out, QString("различий нет\n"));
     QCOMPARE(content(), before);
     QCOMPARE(run({"diff", file}).code, 1);
+}
+
+void TestAdminApply::aFormThatAnotherHoldsKeepsItsContents() {
+    plant();
+    const QString file = exported();
+    ORVO_DONE(run({"put", "form", m_admin->write("src/a.ui", "changed text")}));
+    QVERIFY(m_kind.byHand("UPDATE \"Menu\" SET \"caption\" = 'Я' WHERE \"KeyLink\" = 'a';"));
+    ORVO_DONE(run({"user", "add", "anna_a", "--last", "Иванова", "--first", "Анна"}));
+    ORVO_DONE(run({"lock", "a.ui", "--login", "anna_a"}));
+    const QString told = "Оставлено как есть: форма «a.ui»: занята (Иванова А., ";
+    const AdminResult dry = run({"apply", file, "--dry-run"});
+    QCOMPARE(dry.code, 1);
+    QVERIFY2(dry.out.contains(told), qPrintable(dry.out));
+    const AdminResult done = run({"apply", file});
+    QCOMPARE(done.code, 1);
+    QVERIFY2(done.out.startsWith(told), qPrintable(done.out));
+    const QByteArray changed = QByteArray("changed text").toBase64();
+    QVERIFY(content().contains(changed));
+    QVERIFY(!content().contains("\"caption\":\"Я\"")); // the rest is applied
+    QCOMPARE(run({"apply", file}).out.section('\n', 1), QString("записывать нечего\n"));
+    ORVO_DONE(run({"unlock", "a.ui"}));
+    ORVO_DONE(run({"apply", file}));
+    QVERIFY(!content().contains(changed));
+}
+
+void TestAdminApply::aFormThatAnotherHoldsIsNotDeleted() {
+    const QString file = exported();
+    plant();
+    ORVO_DONE(run({"user", "add", "anna_a", "--last", "Иванова"}));
+    ORVO_DONE(run({"lock", "a.ui", "--login", "anna_a"}));
+    // Nor are the folders in which it stands.
+    QVERIFY(m_kind.byHand(
+        "INSERT INTO \"MenuResourceFolder\" (\"KeyLink\", \"caption\", \"type_\", \"ParentKey\") "
+        "SELECT 'plans', 'Планы', \"type_\", \"MenuResourceFolderKey\" FROM \"MenuResource\";"
+        "UPDATE \"MenuResource\" SET \"MenuResourceFolderKey\" = 'plans';"));
+    const AdminResult done = run({"apply", file});
+    QCOMPARE(done.code, 1);
+    QVERIFY2(done.out.startsWith("Оставлено как есть: форма «a.ui»: занята (Иванова, "),
+             qPrintable(done.out));
+    QVERIFY(content().contains("\"Планы\"") && content().contains("\"a.ui\""));
+    QVERIFY(!content().contains("\"Икс\""));
+    ORVO_DONE(run({"unlock", "a.ui"}));
+    ORVO_DONE(run({"apply", file}));
+    QVERIFY(!content().contains("\"Планы\"") && !content().contains("\"a.ui\""));
+}
+
+void TestAdminApply::editorsAreToldOfNewContents() {
+    plant();
+    const QString file = exported();
+    ORVO_DONE(run({"put", "form", m_admin->write("src/a.ui", "changed text")}));
+    ORVO_DONE(run({"apply", file}));
+    // They follow the resources, not the contents.
+    const QJsonObject newest =
+        QJsonDocument::fromJson(run({"history", "--json", "--limit", "1"}).out.toUtf8()).object();
+    QCOMPARE(newest["table"].toString(), QString("MenuResource"));
 }
 
 void TestAdminApply::badArgumentsAreRefused() {

@@ -1,18 +1,24 @@
 // What differs between installations, and bringing it from one into another.
+#include "apps/admin/ChangeLines.h"
 #include "apps/admin/Failure.h"
 #include "apps/admin/Interrupt.h"
 #include "apps/admin/Output.h"
 #include "apps/admin/ProgressLine.h"
 #include "apps/admin/Verb.h"
 #include "apps/admin/transfer/Format.h"
+#include "frame/Vocabulary.h"
 #include "history/Difference.h"
-#include "history/GroupWords.h"
+#include "history/Inverse.h"
+#include "history/Locks.h"
+#include "history/Overtaken.h"
 #include "history/RecordWords.h"
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <map>
 #include <memory>
+#include <set>
 
 namespace orvo::admin {
 
@@ -109,17 +115,8 @@ std::unique_ptr<store::MaintainedStore> openStore(const std::string& place) {
 }
 
 void print(const history::Difference& difference, history::RecordSource& source) {
-    for (const store::Change& change : difference.changes) {
-        const history::ChangeWords words = history::describe(change, source);
-        out(cell(words.what.toStdString()) +
-            placeInBrackets(history::placeOf(change, source).toStdString()));
-        if (change.before == "{}" || change.after == "{}")
-            continue;
-        for (const history::FieldWords& field : words.fields)
-            out("    " + cell((field.name + QStringLiteral(": ") + field.before +
-                               QStringLiteral(" -> ") + field.after)
-                                  .toStdString()));
-    }
+    for (const store::Change& change : difference.changes)
+        printChange(change, source);
 }
 
 int runDiff(const Invocation& call) {
@@ -166,6 +163,27 @@ std::string leftOutWords(const history::TakenName& taken, history::RecordSource&
             .toStdString());
 }
 
+/// Resources that somebody has taken into work.
+std::vector<std::string> lockedIn(const history::Installation& installation) {
+    const store::TableDef& resources = *store::findTable(table::MenuResource);
+    std::vector<std::string> keys;
+    for (const auto& [key, values] : installation.records(resources))
+        if (!store::textOf(values.at(resources.find(field::UsersKey))).empty())
+            keys.push_back(key);
+    return keys;
+}
+
+/// As undo says it.
+void printHeldBack(store::MaintainedStore& store, const history::Difference& difference,
+                   const std::map<std::string, history::FormLock>& held,
+                   history::RecordSource& source) {
+    history::PersonNames people;
+    if (!difference.heldBack.empty() && !history::readPeople(store, &people).ok())
+        people.clear(); // the logins serve
+    for (const std::string& key : difference.heldBack)
+        out(line(history::remarkWords(history::lockRemark(held.at(key)), source, people)));
+}
+
 history::RecordKey readPath(const std::string& path, const history::Installation& living,
                             const history::Installation& exported) {
     const std::string option = "ничего не изменено: --only «" + path + "»";
@@ -199,23 +217,33 @@ int runApply(const Invocation& call) {
     std::optional<history::RecordKey> top;
     if (call.has("only"))
         top = readPath(call.value("only"), living, exported);
+    std::map<std::string, history::FormLock> held;
+    require(history::heldByOthers(*store, lockedIn(living), &held), what);
+    std::set<std::string> heldKeys;
+    for (const auto& [key, lock] : held)
+        heldKeys.insert(key);
     const history::Difference difference = history::differenceOf(
         living, exported, top, false,
-        call.has("other-names") ? history::SameNames::Number : history::SameNames::LeaveOut);
+        call.has("other-names") ? history::SameNames::Number : history::SameNames::LeaveOut,
+        heldKeys);
     const bool dry = call.has("dry-run");
     Both source(exported, living);
+    printHeldBack(*store, difference, held, source);
     for (const history::TakenName& taken : difference.leftOut)
         out(leftOutWords(taken, source));
     if (!difference.leftOut.empty() && !dry && !call.has("partly"))
         throw Failure(std::string(what) +
                       ": решите, как быть (--other-names или без этого --partly)");
-    const int code = difference.leftOut.empty() ? Done : ErrorsFound;
+    const bool all = difference.leftOut.empty() && difference.heldBack.empty();
+    const int code = all ? Done : ErrorsFound;
     if (!dry && !difference.changes.empty()) // what is told has happened
-        require(store->writeAll(difference.parts, seen, {}), what);
+        require(history::tellWhoOvertook(*store, difference.parts, seen,
+                                         store->writeAll(difference.parts, seen, {})),
+                what);
     print(difference, source);
     const std::string count = std::to_string(difference.changes.size());
     if (difference.changes.empty()) {
-        out("различий нет");
+        out(all ? "различий нет" : "записывать нечего");
         return code;
     }
     if (dry) {
