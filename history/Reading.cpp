@@ -175,7 +175,7 @@ void Reader::skip(std::set<int64_t> groups, int64_t from) {
 store::Status Reader::begin() {
     m_begun = true;
     if (!m_filter.branch)
-        return readContents();
+        return contentChanges(m_store, m_query, &m_contents);
     BranchMembers own(*m_filter.branch);
     BranchMembers& members = m_known != nullptr ? *m_known : own;
     store::Status status = members.update(m_store);
@@ -219,63 +219,40 @@ bool Reader::isInBranch(const store::Change& change) {
     return after || before;
 }
 
-store::Status Reader::readContents() {
-    m_contents.clear();
-    const bool mayHaveSome =
-        !m_filter.key.empty() && (m_filter.table.empty() || m_filter.table == table::MenuResource);
-    if (!mayHaveSome)
-        return {};
-    store::Status status = contentChanges(m_store, m_filter.key, m_filter.above, &m_contents);
-    m_contents.erase(std::remove_if(m_contents.begin(), m_contents.end(),
-                                    [&](const store::Change& change) {
-                                        return (m_filter.login &&
-                                                change.login != *m_filter.login) ||
-                                               (m_filter.since && change.time < *m_filter.since) ||
-                                               (m_filter.until && change.time >= *m_filter.until);
-                                    }),
-                     m_contents.end());
-    return status;
-}
-
-/// The next portion of what the database finds, with the changes of contents between.
-store::Status Reader::readPage(std::vector<store::Change>* changes, bool* atEnd) {
-    store::Status status = m_store.history(m_query, portion, changes);
-    *atEnd = changes->size() < static_cast<size_t>(portion);
-    if (!status.ok() || m_contents.empty())
+/// The next portion of what the database finds, with the changes of contents between, and which of
+/// them pass.
+store::Status Reader::readPage() {
+    m_page = {};
+    store::Status status = m_store.history(m_query, portion, &m_page.changes);
+    if (!status.ok())
         return status;
-    const int64_t oldest = *atEnd ? 0 : changes->back().id;
-    std::copy_if(m_contents.begin(), m_contents.end(), std::back_inserter(*changes),
-                 [&](const store::Change& change) {
-                     return change.id > oldest && (m_query.below == 0 || change.id < m_query.below);
-                 });
-    std::sort(changes->begin(), changes->end(),
-              [](const store::Change& a, const store::Change& b) { return a.id > b.id; });
+    m_page.isLast = m_page.changes.size() < static_cast<size_t>(portion);
+    mergeContents(m_contents, m_query.below, m_page.isLast, &m_page.changes);
+    if (!m_page.changes.empty())
+        m_query.below = m_page.changes.back().id;
+    m_page.passes.assign(m_page.changes.size(), true);
+    if (m_filter.branch) // each is asked: it may change what the branch was before it
+        for (size_t i = 0; i < m_page.changes.size(); ++i)
+            m_page.passes[i] = isInBranch(m_page.changes[i]);
+    if (m_text)
+        m_text->keep(m_page.changes, &m_page.passes);
     return status;
 }
 
 store::Status Reader::read(const std::function<bool()>& wantsMore,
                            const std::function<store::Status(store::Change& change)>& take) {
     store::Status status = m_begun ? store::Status() : begin();
-    std::vector<store::Change> changes;
     QElapsedTimer time;
     time.start();
     while (status.ok() && !m_end && wantsMore() && time.elapsed() < longestMs) {
-        bool all = false;
-        status = readPage(&changes, &all);
-        const std::vector<bool> holdText =
-            m_text ? m_text->among(changes) : std::vector<bool>(changes.size(), true);
-        for (size_t i = 0; i < changes.size(); ++i) {
-            store::Change& change = changes[i];
-            if (!status.ok() || !wantsMore()) {
-                all = false;
-                break;
-            }
-            m_query.below = change.id;
-            // Every change is asked, since it may change what the branch was before it.
-            if ((!m_filter.branch || isInBranch(change)) && holdText[i])
-                status = take(change);
+        if (m_page.next == m_page.changes.size())
+            status = readPage();
+        while (status.ok() && m_page.next < m_page.changes.size() && wantsMore()) {
+            const size_t at = m_page.next++;
+            if (m_page.passes[at])
+                status = take(m_page.changes[at]);
         }
-        m_end = status.ok() && all;
+        m_end = status.ok() && m_page.isLast && m_page.next == m_page.changes.size();
     }
     return status;
 }

@@ -79,8 +79,7 @@ private:
                        const std::function<store::Status(store::Change& change)>& take);
     bool isInBranch(const store::Change& change);
     bool isMember(const BranchMembers::Record& record) const;
-    store::Status readContents();
-    store::Status readPage(std::vector<store::Change>* changes, bool* atEnd);
+    store::Status readPage();
 
     store::MaintainedStore& m_store;
     const Filter m_filter;
@@ -96,6 +95,14 @@ private:
     std::map<BranchMembers::Record, bool> m_differing;
     /// If the filter's key is that of a form or file: those of its contents, the newest first.
     std::vector<store::Change> m_contents;
+    /// What was read and judged last, some of which may be left for the next call.
+    struct Page {
+        std::vector<store::Change> changes;
+        std::vector<bool> passes; ///< the filter; for each change
+        size_t next = 0;          ///< the first that was not handed over
+        bool isLast = false;
+    };
+    Page m_page;
 };
 
 /// The group with that id, with all its changes or the first `most` of them; without changes if the

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <iterator>
 #include <set>
 
 namespace orvo::history {
@@ -53,29 +54,52 @@ store::Status addLogged(store::MaintainedStore& store, const std::string& resour
 
 } // namespace
 
-store::Status contentChanges(store::MaintainedStore& store, const std::string& resource,
-                             int64_t above, std::vector<store::Change>* changes) {
-    const store::TableDef& contents = store::contentTable();
+store::Status contentChanges(store::MaintainedStore& store, const store::LogQuery& query,
+                             std::vector<store::Change>* changes) {
     changes->clear();
+    const std::string& resource = query.key;
+    if (resource.empty() || (!query.table.empty() && query.table != table::MenuResource))
+        return {};
+    const store::TableDef& contents = store::contentTable();
     std::set<std::string> keys;
     std::vector<std::pair<std::string, std::string>> stored;
     store::Status status =
         store.keysNaming(contents, contents.find(field::MenuResourceKey), {resource}, &stored);
     for (const auto& [key, owner] : stored)
         keys.insert(store::foldedKey(key));
-    store::VersionQuery query;
-    query.resource = resource;
+    store::VersionQuery ofResource;
+    ofResource.resource = resource;
     std::vector<store::KeptVersion> versions;
     if (status.ok())
-        status = store.versions(query, &versions);
+        status = store.versions(ofResource, &versions);
     for (const store::KeptVersion& version : versions)
         keys.insert(store::foldedKey(version.key));
     if (status.ok())
         status = addLogged(store, resource, &keys);
     if (status.ok() && !keys.empty())
-        status = store.changesSince(contents, {keys.begin(), keys.end()}, above, changes);
+        status = store.changesSince(contents, {keys.begin(), keys.end()}, query.above, changes);
     std::reverse(changes->begin(), changes->end());
+    changes->erase(std::remove_if(changes->begin(), changes->end(),
+                                  [&](const store::Change& change) {
+                                      return (query.login && change.login != *query.login) ||
+                                             (query.since && change.time < *query.since) ||
+                                             (query.until && change.time >= *query.until);
+                                  }),
+                   changes->end());
     return status;
+}
+
+void mergeContents(const std::vector<store::Change>& contents, int64_t below, bool isLast,
+                   std::vector<store::Change>* page) {
+    if (contents.empty())
+        return;
+    const int64_t oldest = isLast || page->empty() ? 0 : page->back().id;
+    std::copy_if(contents.begin(), contents.end(), std::back_inserter(*page),
+                 [&](const store::Change& change) {
+                     return change.id > oldest && (below == 0 || change.id < below);
+                 });
+    std::sort(page->begin(), page->end(),
+              [](const store::Change& a, const store::Change& b) { return a.id > b.id; });
 }
 
 } // namespace orvo::history

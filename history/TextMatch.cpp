@@ -73,19 +73,16 @@ void TextMatch::readNames(const std::vector<Candidate>& candidates) {
     }
 }
 
-std::vector<bool> TextMatch::among(const std::vector<store::Change>& changes) {
-    std::vector<Candidate> candidates;
-    candidates.reserve(changes.size());
-    for (const store::Change& change : changes)
-        candidates.push_back(look(change));
+void TextMatch::keep(const std::vector<store::Change>& changes, std::vector<bool>* pass) {
+    std::vector<Candidate> candidates(changes.size());
+    for (size_t i = 0; i < changes.size(); ++i)
+        if ((*pass)[i])
+            candidates[i] = look(changes[i]);
     readNames(candidates);
-    std::vector<bool> found;
-    found.reserve(candidates.size());
-    for (const Candidate& candidate : candidates)
-        found.push_back(candidate.holds ||
-                        std::any_of(candidate.named.begin(), candidate.named.end(),
-                                    [&](const Record& record) { return m_names.at(record); }));
-    return found;
+    for (size_t i = 0; i < changes.size(); ++i)
+        (*pass)[i] = candidates[i].holds ||
+                     std::any_of(candidates[i].named.begin(), candidates[i].named.end(),
+                                 [&](const Record& record) { return m_names.at(record); });
 }
 
 } // namespace orvo::history

@@ -23,8 +23,9 @@ public:
     /// `text` is found without regard to case; not empty. The store outlives the object.
     TextMatch(store::MaintainedStore& store, QString text);
 
-    /// Which of the changes hold the text, in their order.
-    std::vector<bool> among(const std::vector<store::Change>& changes);
+    /// Of the changes that pass so far, those pass that hold the text. Names are looked up for no
+    /// others.
+    void keep(const std::vector<store::Change>& changes, std::vector<bool>* pass);
 
 private:
     using Record = std::pair<const store::TableDef*, std::string>; ///< with the folded key
