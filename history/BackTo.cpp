@@ -4,7 +4,6 @@
 #include "platform/store/Names.h"
 
 #include <algorithm>
-#include <map>
 #include <set>
 #include <string>
 #include <utility>
@@ -16,24 +15,22 @@ namespace {
 constexpr size_t mostGroups = 1000;
 constexpr size_t portion = 500;
 
-using Found = std::map<int64_t, std::vector<int64_t>>; ///< groups, and which they take back
-
-store::Status addGroups(Reader& reader, Found* found) {
+store::Status addGroups(Reader& reader, std::set<int64_t>* found) {
     std::vector<Group> groups;
     store::Status status = reader.next(50, &groups);
-    for (Group& group : groups)
-        (*found)[group.id] = std::move(group.undoes);
+    for (const Group& group : groups)
+        found->insert(group.id);
     return status;
 }
 
 /// With the records that the scope lets pass.
-store::Status addChanges(Reader& reader, Selection* selection, Found* found) {
+store::Status addChanges(Reader& reader, Selection* selection, std::set<int64_t>* found) {
     std::vector<store::Change> changes;
     store::Status status = reader.nextChanges(portion, &changes);
     if (!selection->only)
         selection->only.emplace();
     for (const store::Change& change : changes) {
-        found->try_emplace(change.group);
+        found->insert(change.group);
         selection->only->insert({change.table, store::foldedKey(change.key)});
     }
     return status;
@@ -57,7 +54,7 @@ store::Status collectBackTo(store::MaintainedStore& store, const Filter& scope, 
     later.above = std::max(scope.above, group - 1);
     Reader reader(store, later);
     const bool isPart = scope.branch || !scope.key.empty();
-    Found found;
+    std::set<int64_t> found;
     while (!reader.atEnd()) {
         if (store::Status status =
                 isPart ? addChanges(reader, selection, &found) : addGroups(reader, &found);
@@ -67,29 +64,22 @@ store::Status collectBackTo(store::MaintainedStore& store, const Filter& scope, 
             return {store::Refused,
                     "действий больше " + std::to_string(mostGroups) + ": выберите место ближе"};
     }
-    if (isPart) // the first change of a group tells what it takes back, and may stand elsewhere
-        for (auto& [id, undoes] : found) {
-            Group head;
-            if (store::Status status = readGroup(store, id, &head, 1); !status.ok())
-                return status;
-            undoes = std::move(head.undoes);
-        }
     const auto begin = found.lower_bound(group);
-    if (begin == found.end() || begin->first != group)
+    if (begin == found.end() || *begin != group)
         if (store::Status status = addForgotten(store, group, selection); !status.ok())
             return status;
     if (begin == found.end())
         return {};
     Standing standing;
-    store::Status status = standing.read(store, {begin->first});
+    store::Status status = standing.read(store, {*begin});
     for (auto one = begin; one != found.end(); ++one) {
-        const auto& [id, undoes] = *one;
+        const std::vector<int64_t> undoes = standing.undoesOf(*one);
         const bool onlySuch =
             !undoes.empty() && std::all_of(undoes.begin(), undoes.end(), [&](int64_t undone) {
                 return undone >= group && found.count(undone) != 0;
             });
-        if (standing.stands(id) && !onlySuch)
-            selection->groups.push_back(id);
+        if (standing.stands(*one) && !onlySuch)
+            selection->groups.push_back(*one);
     }
     return status;
 }

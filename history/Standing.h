@@ -32,6 +32,11 @@ public:
     /// The newest group that stands and takes this one back; 0: none.
     int64_t undoneBy(int64_t group) const;
     bool isUndoing(int64_t group) const { return m_undoes.count(group) != 0; }
+    /// The groups that it takes back; of those from begin() on.
+    std::vector<int64_t> undoesOf(int64_t group) const {
+        const auto undoing = m_undoes.find(group);
+        return undoing == m_undoes.end() ? std::vector<int64_t>() : undoing->second;
+    }
     /// These groups, the ones that they take back, the ones that those take back and so on.
     std::set<int64_t> concerned(const std::vector<int64_t>& groups) const;
 
