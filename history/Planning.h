@@ -97,7 +97,8 @@ private:
     void work(Record& record) const;
     void update(const store::TableDef& table, Record& record);
     bool isSelected(const store::TableDef& table, const std::string& key) const;
-    Record* cutFrom(const store::TableDef& table, const Record& made);
+    class Cuts;
+    const Event* makingOf(const Record& record) const;
     /// Leaves a cut as it is if something of what it made stays.
     void keepCutsWhole(bool* changed);
     void remark(Remark::Why why, const store::TableDef& table, const Record& record, int field = -1,

@@ -7,6 +7,10 @@
 
 #include <algorithm>
 #include <cstring>
+#include <map>
+#include <string>
+#include <utility>
+#include <variant>
 
 namespace orvo::history {
 
@@ -21,50 +25,57 @@ bool isPlace(const store::TableDef& table, int field) {
            targetTable(table, field) != nullptr;
 }
 
-/// Without one it is NULL.
-store::Value valueOf(const Values& values, int field) {
-    const auto found = values.find(field);
-    return found == values.end() ? store::Value() : found->second;
-}
-
 } // namespace
 
-/// The record that is to come back and that the same action has written anew as `made`; null: none.
-Planning::Record* Planning::cutFrom(const store::TableDef& table, const Record& made) {
+/// Finds the record that is to come back and that the same action has written anew.
+class Planning::Cuts {
+public:
+    Cuts(const store::TableDef& table, Records& records) : m_table(table) {
+        for (auto& [key, gone] : records)
+            if (gone.flag == MDX_INSERT)
+                for (const Event& event : gone.events)
+                    if (event.change->code == OrvoEventDelete)
+                        m_gone.try_emplace({event.change->group, contentOf(gone.values)}, &gone);
+    }
+    /// Null: none. `making` wrote it anew.
+    Record* from(const Event& making) const {
+        const auto found = m_gone.find({making.change->group, contentOf(making.after)});
+        return found == m_gone.end() ? nullptr : found->second;
+    }
+
+private:
+    /// What a cut leaves as it is.
+    std::string contentOf(const Values& values) const {
+        Values content;
+        for (const auto& [field, value] : values)
+            if (!isPlace(m_table, field) && !std::holds_alternative<std::monostate>(value))
+                content[field] = value;
+        return jsonOf(m_table, content);
+    }
+
+    const store::TableDef& m_table;
+    std::map<std::pair<int64_t, std::string>, Record*>
+        m_gone; ///< the first of those that are alike
+};
+
+/// The event by which the actions made the record; null if they did not.
+const Planning::Event* Planning::makingOf(const Record& record) const {
     const auto making =
-        std::find_if(made.events.begin(), made.events.end(), [&](const Event& event) {
+        std::find_if(record.events.begin(), record.events.end(), [&](const Event& event) {
             return isConcerned(event) && event.change->code == OrvoEventInsert;
         });
-    if (making == made.events.end())
-        return nullptr;
-    const auto isTheSame = [&](Record& gone) {
-        const bool together =
-            std::any_of(gone.events.begin(), gone.events.end(), [&](const Event& event) {
-                return event.change->group == making->change->group &&
-                       event.change->code == OrvoEventDelete;
-            });
-        if (gone.flag != MDX_INSERT || !together)
-            return false;
-        for (int field = 0; field < static_cast<int>(table.fields.size()); ++field)
-            if (!isPlace(table, field) &&
-                !(valueOf(gone.values, field) == valueOf(making->after, field)))
-                return false;
-        return true;
-    };
-    for (auto& [key, gone] : m_records[&table])
-        if (isTheSame(gone))
-            return &gone;
-    return nullptr;
+    return making == record.events.end() ? nullptr : &*making;
 }
 
 void Planning::followCuts() {
     if (m_alone || !m_choices.othersWorkToo)
         return;
-    for (auto& [table, records] : m_records)
+    for (auto& [table, records] : m_records) {
+        const Cuts cuts(*table, records);
         for (auto& [key, made] : records) {
-            if (made.flag != MDX_DELETE || !made.builtOn)
-                continue;
-            Record* gone = cutFrom(*table, made);
+            const Event* making =
+                made.flag == MDX_DELETE && made.builtOn ? makingOf(made) : nullptr;
+            Record* gone = making ? cuts.from(*making) : nullptr;
             if (!gone)
                 continue;
             for (const Event& event : made.events)
@@ -73,16 +84,22 @@ void Planning::followCuts() {
                         if (!isPlace(*table, field))
                             gone->values[field] = value;
         }
+    }
 }
 
 void Planning::keepCutsWhole(bool* changed) {
     std::set<int64_t> stuck;
-    for (auto& [table, records] : m_records)
+    if (m_kept.empty())
+        return;
+    for (auto& [table, records] : m_records) {
+        const Cuts cuts(*table, records);
         for (auto& [key, made] : records)
-            if (m_kept.count(&made) != 0 && cutFrom(*table, made))
+            if (const Event* making = m_kept.count(&made) != 0 ? makingOf(made) : nullptr;
+                making && cuts.from(*making))
                 for (const Event& event : made.events)
                     if (isConcerned(event) && event.change->code == OrvoEventInsert)
                         stuck.insert(event.change->group);
+    }
     if (stuck.empty())
         return;
     for (auto& [table, records] : m_records)
