@@ -34,8 +34,11 @@ void DesckDelegate::setEditorData(QWidget* editor, const QModelIndex& index) con
     auto* line = qobject_cast<QLineEdit*>(editor);
     if (!isNameCell(index) || !line)
         return;
+    const QString text = m_model->data(index, Qt::EditRole).toString();
+    if (line->text() == text) // else the field would forget what was typed, with each letter
+        return;
     const QSignalBlocker blocked(line);
-    line->setText(m_model->data(index, Qt::EditRole).toString());
+    line->setText(text);
 }
 
 void DesckDelegate::setModelData(QWidget* editor, QAbstractItemModel* model,

@@ -75,6 +75,19 @@ private slots:
         QCOMPARE(editor->cursorPosition(), 3);
     }
 
+    void whatWasTypedIsTakenBackAndDoneAgain() {
+        Fixture fixture;
+        QLineEdit* editor = fixture.openEditor();
+        editor->end(false);
+        QTest::keyClicks(editor, "xyz");
+        while (editor->isUndoAvailable())
+            QTest::keyClick(editor, Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(fixture.name().data().toString(), QString("alpha"));
+        while (editor->isRedoAvailable())
+            QTest::keyClick(editor, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(fixture.name().data().toString(), QString("alphaxyz"));
+    }
+
     void theModelsAnswerDoesNotEcho() {
         Fixture fixture;
         QLineEdit* editor = fixture.openEditor();
