@@ -175,7 +175,9 @@ QString remarkWords(const Remark& remark, RecordSource& source, const PersonName
     case Remark::BuiltOn:
         return QStringLiteral("Не удалено: %1: на этом построено другое (%2)").arg(record, who);
     case Remark::DamagedBytes:
-        return QStringLiteral("Не возвращено: %1: прежнее содержимое повреждено").arg(record);
+        return QStringLiteral("Не возвращено: %1: прежнее содержимое повреждено или "
+                              "изменено мимо программы")
+            .arg(record);
     default:
         return QStringLiteral("Не возвращено: %1: прежнее содержимое не хранится").arg(record);
     }

@@ -184,7 +184,8 @@ Status PostgresStore::integrity(std::vector<std::string>* damages) {
             "public.\"MenuResourceFile\" f WHERE NOT EXISTS (SELECT 1 FROM "
             "public.\"MenuResourceFileSum\" s WHERE s.\"KeyLink\" = f.\"KeyLink\")",
             "SELECT 'Прежнее содержимое файла \"' || coalesce(v.\"name_\", '') || '\" (версия ' || "
-            "v.\"id\" || ') повреждено: не сходится с контрольной суммой' FROM "
+            "v.\"id\" || ') повреждено или изменено мимо программы: не сходится с "
+            "контрольной суммой' FROM "
             "public.\"NciVersion\" v WHERE v.\"sha256\" <> encode(sha256(coalesce((SELECT "
             "string_agg(d.\"data\", '' ORDER BY d.\"part\") FROM public.\"NciVersionData\" d WHERE "
             "d.\"id\" = v.\"id\"), '')), 'hex') ORDER BY v.\"id\"",

@@ -77,7 +77,8 @@ Status StoreCore::readVersion(const KeptVersion& version, const TakePiece& take,
         return {status.code, nameOf(version) + ": " + status.text};
     const std::string found = sum.text();
     if (size != version.size || (!version.sha256.empty() && found != version.sha256))
-        return {Failed, nameOf(version) + " повреждено: не сходится с контрольной суммой"};
+        return {Failed, nameOf(version) + " повреждено или изменено мимо программы: не "
+                                          "сходится с контрольной суммой"};
     if (sha256 != nullptr)
         *sha256 = found;
     return {};

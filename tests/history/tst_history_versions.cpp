@@ -91,7 +91,8 @@ void TestHistoryVersions::damagedBytesAreNotPutBack() {
     const Status status = returnVersion(*m_anna, id, seen, {});
     QCOMPARE(status.code, int(Failed));
     QCOMPARE(QString::fromStdString(status.text),
-             QString("Не возвращено: содержимое файла «a_»: прежнее содержимое повреждено"));
+             QString("Не возвращено: содержимое файла «a_»: прежнее содержимое повреждено или "
+                     "изменено мимо программы"));
     QCOMPARE(snapshot(), before);
     QCOMPARE(position(), seen);
 }

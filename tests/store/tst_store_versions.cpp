@@ -152,7 +152,8 @@ private slots:
         QCOMPARE(status.code, int(Failed));
         const std::string words = "Прежнее содержимое файла \"a_\" (версия " +
                                   std::to_string(version.id) +
-                                  ") повреждено: не сходится с контрольной суммой";
+                                  ") повреждено или изменено мимо программы: не сходится с "
+                                  "контрольной суммой";
         QCOMPARE(status.text, words);
         ORVO_FAILS(m_boss->versionBytes(version.id, nullptr), Failed);
         std::vector<std::string> damages;
