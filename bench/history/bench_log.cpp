@@ -2,7 +2,7 @@
 // (10000000) changes, on both databases, without a filter and with each; the budget of a page is
 // 100 ms. The slowest of the pages, of which each filter reads five. Rows that are far between are
 // looked for in portions, of which each is a page here; how many it takes to the first of them is
-// told.
+// told. A text that is nowhere is looked for through all of the log.
 //
 // The log is filled by the databases themselves: 20 changes an action, 20 people, 200000 elements;
 // one of them and one person at the very beginning alone. With URLs the stores there are read
@@ -159,6 +159,32 @@ void measure(const char* name, store::MaintainedStore& target, const char* what,
     judge(slowest * 1000, Bound::AtMost, 100, " ms");
 }
 
+/// A text that nobody wrote is looked for through all of the log, a portion a call: between them
+/// the pane is alive, and the text can be changed.
+void measureThrough(const char* name, store::MaintainedStore& target, double rows) {
+    constexpr double mostSeconds = 6; // for a million changes
+    history::Filter filter;
+    filter.text = "чего никто не писал";
+    history::Reader reader(target, filter);
+    double slowest = 0;
+    double sum = 0;
+    int calls = 0;
+    while (!reader.atEnd()) {
+        std::vector<history::Group> groups;
+        const double taken = seconds([&] { require(reader.next(50, &groups)); });
+        check(groups.empty(), "found what is not there");
+        ++calls;
+        sum += taken;
+        slowest = std::max(slowest, taken);
+    }
+    std::printf("%s: a text that is nowhere: all %.0f changes in %.1f s, %d portions, the slowest",
+                name, rows, sum, calls);
+    std::printf(" %.0f ms", slowest * 1000);
+    judge(slowest * 1000, Bound::AtMost, 100, " ms");
+    std::printf("%s: a million changes for a text", name);
+    judge(sum / rows * 1e6, Bound::AtMost, mostSeconds, " s");
+}
+
 void measureAll(const char* name, const std::string& url, double rows) {
     store::Status status;
     const auto target = store::openMaintained(url, {"bench", true, "bench"}, &status);
@@ -191,6 +217,7 @@ void measureAll(const char* name, const std::string& url, double rows) {
          [&](auto& one) { one.text = QString::number(static_cast<qint64>(rows) - 20000); });
     with("a text of a person", [](auto& one) { one.text = "777", one.login = "user7"; });
     with("a text of the beginning", [](auto& one) { one.text = "Белый Мыс"; });
+    measureThrough(name, *target, rows);
 }
 
 } // namespace
