@@ -257,6 +257,19 @@ private slots:
         QVERIFY(!page.isVisible());
     }
 
+    void theWaysAreAsHighAsTheirWords() {
+        app::StorePage page(m_dir->path() + "/orvo.db", "ivanov");
+        page.setReason("С чего начать?");
+        page.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&page));
+        const auto heightOf = [&](const char* way) {
+            return part<QCommandLinkButton>(page, way)->height();
+        };
+        QCOMPARE(heightOf("storeServer"), heightOf("storeFile"));
+        QVERIFY(heightOf("storeServer") < heightOf("storeDemo")); // whose words take two lines
+        QVERIFY(part<QLabel>(page, "storeReason")->height() < heightOf("storeFile"));
+    }
+
     void aRecentStoreIsOpenedByEnterAndForgottenByDelete() {
         const QString own = m_dir->path() + "/orvo.db";
         write(own, "x");

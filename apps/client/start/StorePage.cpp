@@ -61,6 +61,7 @@ StorePage::StorePage(const QString& ownFile, const QString& user, QWidget* paren
     page->addWidget(m_recentPart, 1);
     page->addWidget(m_ways);
     page->addWidget(m_progress);
+    page->addStretch();
 
     auto* recent = new QVBoxLayout(m_recentPart);
     recent->setContentsMargins({});
@@ -115,12 +116,22 @@ StorePage::StorePage(const QString& ownFile, const QString& user, QWidget* paren
             [this](int row) { m_open->setEnabled(row >= 0); });
     connect(&m_maker, &StoreMaker::made, this, &StorePage::made);
     fillRecent();
-    resize(560, sizeHint().height());
+    fit();
+}
+
+/// As high as all texts are at the width of the page.
+void StorePage::fit() {
+    constexpr int usualWidth = 560;
+    resize(usualWidth, layout()->totalHeightForWidth(usualWidth));
 }
 
 QCommandLinkButton* StorePage::addWay(const char* name, const QString& title, const QString& what) {
     auto* way = new QCommandLinkButton(title, what, m_ways); // owned by its parent
-    way->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    // Its size hint is that of a button as narrow as its title: too high for one as wide as the
+    // page.
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Maximum);
+    policy.setHeightForWidth(true);
+    way->setSizePolicy(policy);
     way->setObjectName(QLatin1String(name));
     way->setAccessibleDescription(what);
     m_waysColumn->addWidget(way);
@@ -131,6 +142,7 @@ void StorePage::setReason(const QString& text) {
     m_reason->setText(text);
     m_reason->setVisible(!text.isEmpty());
     setAccessibleDescription(text);
+    fit();
 }
 
 void StorePage::offerAgain(const QString& address) {
@@ -145,6 +157,7 @@ void StorePage::offerAgain(const QString& address) {
     connect(again, &QAbstractButton::clicked, this, [this, address] { take({address, {}}); });
     again->setDefault(true);
     again->setFocus();
+    fit();
 }
 
 void StorePage::fillRecent() {

@@ -41,6 +41,7 @@ public:
     void reject() override;
 
 private:
+    void fit();
     void fillRecent();
     QCommandLinkButton* addWay(const char* name, const QString& title, const QString& what);
     void make(bool withDemonstration);
