@@ -15,6 +15,7 @@ namespace {
 constexpr int valueColumn = 1;
 constexpr int editorColumn = 2;
 constexpr int readOnlyColumn = 3;
+constexpr int nameColumn = 4;
 
 bool movesTheCurrentRow(int key) {
     switch (key) {
@@ -57,6 +58,33 @@ PassportKeys::PassportKeys(QTreeView* passport)
     // A view that has taken a field's text makes its delegate the first to get the keys again.
     connect(passport->itemDelegate(), &QAbstractItemDelegate::commitData, this,
             &PassportKeys::getKeysFirst);
+    connect(passport->model(), &QAbstractItemModel::rowsAboutToBeRemoved, this,
+            &PassportKeys::rememberRow);
+    // Queued: the rows have their values and are expanded then.
+    connect(passport->model(), &QAbstractItemModel::rowsInserted, this, &PassportKeys::returnToRow,
+            Qt::QueuedConnection);
+}
+
+bool PassportKeys::hasFocus() const {
+    return m_view->hasFocus() || openField();
+}
+
+void PassportKeys::rememberRow() {
+    const QModelIndex value = currentValue();
+    if (hasFocus() && hasEditor(value))
+        m_row = value.siblingAtColumn(nameColumn).data().toString();
+    else if (!hasFocus())
+        m_row.clear();
+}
+
+void PassportKeys::returnToRow() {
+    const auto* model = qobject_cast<const PropModel*>(m_view->model());
+    if (m_row.isEmpty() || !model || !m_view->hasFocus() || hasEditor(currentValue()))
+        return;
+    const QModelIndex row = model->findIndexByKey(m_row);
+    if (row.isValid())
+        goTo(row.siblingAtColumn(valueColumn), false);
+    m_row.clear();
 }
 
 QWidget* PassportKeys::openField() const {

@@ -4,7 +4,8 @@
 // of the current row, Enter takes what was typed and closes it, Alt+Down is its "...". A check box
 // changes by a click or the blank and by no other key: its editor turns the value over as it opens,
 // so that going past it would change the record. Tab behind the last row and before the first
-// leaves the passport.
+// leaves the passport. Rows that are made anew while it has the focus, as after a save, leave the
+// row of that name current.
 #ifndef ORVO_EDITOR_PASSPORTKEYS_H
 #define ORVO_EDITOR_PASSPORTKEYS_H
 
@@ -42,6 +43,10 @@ private:
     /// The field that has the focus is asked here before the delegate, which would go to the next
     /// row and open it, and so turn a check box over.
     void getKeysFirst();
+    /// Before rows go, and when others have come.
+    void rememberRow();
+    void returnToRow();
+    bool hasFocus() const;      ///< the passport, or a field of it
     QWidget* openField() const; ///< that has the focus; null: none
     bool viewKey(QKeyEvent& event);
     bool editorKey(QKeyEvent& event);
@@ -56,6 +61,7 @@ private:
 
     QTreeView* const m_view;
     const QObject* const m_viewport; ///< the view's; outlives the view's own part while both go
+    QString m_row;                   ///< name of the row that was current, to be so again; or empty
     QPersistentModelIndex m_pressed; ///< the value whose "..." the mouse went down on
 };
 

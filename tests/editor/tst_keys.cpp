@@ -52,6 +52,17 @@ public:
         menu->setCurrentIndex(module->element(row));
         return menu;
     }
+    /// The passport of a row, with the focus as F6 gives it.
+    QTreeView* passportOf(const char* row) {
+        at(row);
+        view("tvProp")->setFocus(Qt::ShortcutFocusReason);
+        return view("tvProp");
+    }
+    /// The open field of the passport's current row, or null.
+    QWidget* field() const {
+        const QTreeView* passport = view("tvProp");
+        return passport->indexWidget(passport->currentIndex());
+    }
     QString parentOf(const char* row) {
         return module->m_menuModel->getItemKeyLink(module->element(row).parent());
     }
@@ -325,6 +336,26 @@ private slots:
         QCOMPARE(menu->m_editMode, 0);
         menu.host.deliver(*menu.module);
         QCOMPARE(menu->element("trend").data().toString(), QString("Кривая"));
+    }
+
+    void theRowOfThePassportIsCurrentAfterASave() {
+        Menu menu;
+        QVERIFY(menu.open());
+        QTreeView* passport = menu.passportOf("trend");
+        passport->setCurrentIndex(menu->m_propModel->findIndexByKey("params").siblingAtColumn(1));
+        QVERIFY(menu.field());
+        typeText(menu.field(), QStringLiteral("7"));
+        QTest::keyClick(menu.field(), Qt::Key_Return);
+        QTRY_VERIFY(!menu.field());
+        QCOMPARE(menu->m_editMode, int(MenuProbe::EditElement));
+        QTest::keyClick(passport, Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(menu->m_editMode, 0);
+        const QPersistentModelIndex before = passport->currentIndex();
+        menu.host.deliver(*menu.module);
+        QVERIFY(!before.isValid()); // the rows are others
+        QTRY_COMPARE(passport->currentIndex().siblingAtColumn(4).data().toString(),
+                     QString("params"));
+        QVERIFY(passport->hasFocus());
     }
 
     void enterTakesAFieldAndClosesIt() {
