@@ -114,6 +114,11 @@ class PlantEditor : public HostOnFilledStore, public MenuEditor {
 public:
     PlantEditor() : HostOnFilledStore(fillPlant), MenuEditor(host, "Menu") {}
 };
+/// The same, started.
+class StartedPlant : public PlantEditor {
+public:
+    StartedPlant() { startOrFail(); }
+};
 
 } // namespace orvo::test
 

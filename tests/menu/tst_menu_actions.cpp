@@ -115,8 +115,7 @@ private slots:
 
     void desktopRowsSwitchTheirActions() {
         QFETCH(QString, expected);
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         // By a change of the current row, from a row with everything else.
         for (const char* before : {"armop", "sklad"}) {
             editor.view("tvDesck")->setCurrentIndex(editor->desck(before));
@@ -150,8 +149,7 @@ private slots:
 
     void menuRowsSwitchTheirActions() {
         QFETCH(QString, expected);
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         editor.view("tvMenu")->expandAll();
         for (const char* before : {"MenuRootNode", "grafiki", "form"}) {
@@ -165,8 +163,7 @@ private slots:
     }
 
     void pasteFollowsTheClipboardOnFolders() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         offer("OrvoMenu/descktop");
         for (const char* key : {"ceh", "mainnode", "sklad"}) {
             editor.view("tvDesck")->setCurrentIndex(editor->desck(key));
@@ -187,8 +184,7 @@ private slots:
     }
 
     void pasteKeepsItsStateOnOtherRows() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         offer("OrvoMenu/menu");
         editor.view("tvMenu")->setCurrentIndex(editor->element("shema"));
@@ -200,8 +196,7 @@ private slots:
     }
 
     void desktopPasteKeepsItsStateOnDesktops() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         editor.view("tvDesck")->setCurrentIndex(editor->desck("ceh"));
         offer("OrvoMenu/descktop");
         for (const char* key : {"armop", "obshiy"}) {
@@ -217,8 +212,7 @@ private slots:
     }
 
     void anInvalidRowChangesNothing() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         editor.view("tvMenu")->setCurrentIndex(editor->element("trend"));
         const QString desck = enabled(editor, desckActions);
@@ -230,8 +224,7 @@ private slots:
     }
 
     void losingTheFocusSwitchesElementActionsOff() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         editor->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(editor.module.get()));
         editor.view("tvDesck")->setFocus();
@@ -250,8 +243,7 @@ private slots:
     }
 
     void losingTheFocusSwitchesDesktopActionsOff() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         editor->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(editor.module.get()));
         editor.view("tvDesck")->setFocus();
@@ -272,8 +264,7 @@ private slots:
     }
 
     void whereTheFocusGoesMakesNoDifference() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         QTreeView* const desck = editor.view("tvDesck");
         QTreeView* const menu = editor.view("tvMenu");
         QWidget elsewhere;
@@ -301,8 +292,7 @@ private slots:
     }
 
     void aClickSwitchesThemOnAgain() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         editor->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(editor.module.get()));
         clickRow(editor.view("tvDesck"), editor->desck("ceh"));
@@ -325,8 +315,7 @@ private slots:
     }
 
     void clicksDoNothingWhileSomethingIsEdited() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));
         const auto click = [&](const char* view, const QModelIndex& row) {
@@ -357,8 +346,7 @@ private slots:
     }
 
     void desktopContextMenu() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         editor.action("actAddDescktop")->setEnabled(false);
         bool hasIcon = false;
@@ -378,8 +366,7 @@ private slots:
     }
 
     void menuContextMenuLeavesTheActionsAsTheyAre() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));
         editor.action("actDeleteElem")->setEnabled(false);

@@ -25,8 +25,7 @@ class TestMenuDesktops : public QObject {
 private slots:
     /// What is acted on is highlighted.
     void theCurrentDesktopCannotBeDeselected() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         QTreeView* view = editor.view("tvDesck");
         view->expandAll();
         clickRow(view, editor->desck("armop"));
@@ -72,8 +71,7 @@ private slots:
     }
 
     void columnsAreFilledByLevel() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         const auto row = [&](const char* key) {
             QVariantList values;
             const QModelIndex index = editor->desck(key);
@@ -181,8 +179,7 @@ private slots:
     }
 
     void theRootRowIsExpandedCurrentAndSelected() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         const QTreeView* view = editor.view("tvDesck");
         const QModelIndex root = editor->desck("mainnode");
         QVERIFY(view->isExpanded(root));
@@ -215,8 +212,7 @@ private slots:
     }
 
     void aKeyThatIsNoSiblingGetsTheLastPlace() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         QCOMPARE(editor->getDesckElementPosition("nosuch", "ceh"), 1);
         QCOMPARE(editor->getDesckElementPosition("nosuch", ""), 2);
         // Known, but of another folder.
@@ -280,8 +276,7 @@ private slots:
     }
 
     void insertingAnElementPlacesItAndReturnsToTheCurrentRow() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         // Rows that other clients have made, and that this one knows from its table alone.
         for (const char* key : {"pech", "obshiy"}) {
@@ -325,8 +320,7 @@ private slots:
     }
 
     void foldersAndDesktopsOfARowAreLoadedApart() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         const auto empty = [&] {
             const QModelIndex ceh = editor->desck("ceh");
             editor->m_desckModel->removeRows(0, editor->m_desckModel->rowCount(ceh), ceh);

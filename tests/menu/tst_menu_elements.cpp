@@ -42,8 +42,7 @@ class TestMenuElements : public QObject {
     Q_OBJECT
 private slots:
     void aDesktopShowsItsMenuToTheFirstLevel() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         QCOMPARE(shown(editor, {1, 2}), QString("Меню #MenuRootNode\n"
                                                 "  Схема #shema 1=файл 2=Boiler\n"
@@ -95,8 +94,7 @@ private slots:
     }
 
     void theRootRowHasNothingButCaptionAndKey() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         const QModelIndex root = editor->element("MenuRootNode");
         for (int column = 0; column < MenuColumn::Count; ++column)
@@ -105,16 +103,14 @@ private slots:
     }
 
     void anEmptyDesktopShowsACollapsedRoot() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
         QCOMPARE(shown(editor), QString("Меню #MenuRootNode\n"));
         QVERIFY(!editor.view("tvMenu")->isExpanded(editor->element("MenuRootNode")));
     }
 
     void aFolderOfDesktopsShowsNoMenuAtAll() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         editor.view("tvMenu")->setCurrentIndex(editor->element("shema"));
         QVERIFY(!passport(editor).isEmpty());
@@ -138,8 +134,7 @@ private slots:
     }
 
     void aFolderIsLoadedByItsKey() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         const QString before = shown(editor, {1, 2, 10});
         const QModelIndex folder = editor->element("grafiki");
@@ -240,8 +235,7 @@ private slots:
     }
 
     void aFailedFetchShowsTheOldRowsAgain() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         const QString before = shown(editor, {1, 2, 8});
         editor.store.sql("ALTER TABLE \"Menu\" RENAME TO \"gone\"");
@@ -253,8 +247,7 @@ private slots:
     }
 
     void aFailedFirstFetchShowsTheRootAlone() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         editor.store.sql("ALTER TABLE \"Menu\" RENAME TO \"gone\"");
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         QCOMPARE(shown(editor), QString("Меню #MenuRootNode\n"));
@@ -273,8 +266,7 @@ private slots:
     }
 
     void comingBackFetchesAgain() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
         addElement(editor.store, "armpech", "late", "", "Позже", 0);
         QVERIFY(!editor->element("late").isValid());
@@ -306,8 +298,7 @@ private slots:
     }
 
     void aKeyThatIsNoSiblingGetsTheLastPlace() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         QCOMPARE(editor->getMenuElementPosition("trend", ""), -1);
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         QCOMPARE(editor->getMenuElementPosition("nosuch", ""), 2);
@@ -319,8 +310,7 @@ private slots:
     }
 
     void anElementWithoutItsResourceKeepsItsWords() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         const QModelIndex row = editor->element("propal");
         editor->m_menuModel->setData(row.sibling(row.row(), MenuColumn::Type), "слово");
@@ -349,8 +339,7 @@ private slots:
 
     // Nothing in it can be edited: no record stands behind the root row.
     void theRootRowShowsTheFolderPassport() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         editor.view("tvMenu")->setCurrentIndex(editor->element("MenuRootNode"));
         QCOMPARE(passport(editor),
@@ -384,8 +373,7 @@ private slots:
     }
 
     void fillingAPassportIsNoEdit() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         QSignalSpy edits(editor->m_propModel.get(), &PropModel::editorRowValueChanged);
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         for (const char* key : {"MenuRootNode", "grafiki", "shema", "propal"})
@@ -395,8 +383,7 @@ private slots:
     }
 
     void theCategoryIsOpenAndTheFlagsToggleInPlace() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));
         QTreeView* view = editor.view("tvProp");

@@ -241,8 +241,7 @@ private slots:
     void everyTextCanBeTranslated() {
         Marking marking;
         QVERIFY(qApp->installTranslator(&marking));
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
         QStringList texts = editor.host.titles.mid(0, 1);
         for (const QAction* action : editor->findChildren<QAction*>(QRegularExpression("^act")))
@@ -355,8 +354,7 @@ private slots:
     }
 
     void expandingAFolderOpensItsIcon() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         const auto iconOf = [](const QModelIndex& row) {
             return row.data(Qt::DecorationRole).value<QIcon>().pixmap(16, 16).toImage();
         };
@@ -425,8 +423,7 @@ private slots:
     }
 
     void theLastTableKeepsTheKeysItCameWith() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         QCOMPARE(editor->m_tabResource.array->keyCount, 2u);
         QCOMPARE(editor->m_tabFolder.array->keyCount, 4u);
         QCOMPARE(editor->m_tabFolder.array->recordCount, 6u);
@@ -437,8 +434,7 @@ private slots:
     }
 
     void theFocusKeyWaitsForItsRow() {
-        PlantEditor editor;
-        QVERIFY(editor.start());
+        StartedPlant editor;
         editor->m_focusKey = "TREND";
         editor->MessageOn();
         QCOMPARE(editor->m_focusKey, QString("TREND"));

@@ -133,6 +133,11 @@ class CatalogueEditor : public HostOnFilledStore, public ResEditor {
 public:
     CatalogueEditor() : HostOnFilledStore(fillCatalogue), ResEditor(host, "Resources") {}
 };
+/// The same, started.
+class StartedCatalogue : public CatalogueEditor {
+public:
+    StartedCatalogue() { startOrFail(); }
+};
 
 } // namespace orvo::test
 

@@ -80,8 +80,7 @@ private slots:
     }
 
     void rowsOfferTheirActions() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         const bool isLog = qstrcmp(QTest::currentDataTag(), "rlog") == 0;
         editor.view("tvRes")->setCurrentIndex(editor->row(isLog ? "rtable" : "rlog"));
         for (QAction* action : editor->findChildren<QAction*>(QRegularExpression("^act")))
@@ -109,8 +108,7 @@ private slots:
     void pasteFollowsTheClipboard() {
         QFETCH(QByteArray, key);
         QFETCH(int, kind);
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         for (int held = 0; held <= 5; ++held) {
             putOnClipboard(QByteArray::number(held) + "\nkey;\n");
             editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));
@@ -134,16 +132,14 @@ private slots:
     }
 
     void aRowOfAnUnknownKindOffersNothing() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         editor->m_resModel->setData(editor->row("rlog", ResColumn::Type), 5);
         editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));
         QCOMPARE(enabledActions(*editor.module), QString());
     }
 
     void aTopRowOfFilesOffersWhatTheFileAreaDoes() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         editor.store.update("MenuResource", {{"KeyLink", QString("rmanual")},
                                              {"MenuResourceFolderKey", QString("nosuch")}});
         editor.host.deliver(*editor.module);
@@ -208,8 +204,7 @@ private slots:
     }
 
     void theContextMenuShowsAllButCopying() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         editor.view("tvRes")->setCurrentIndex(editor->row("rtrend"));
         QStringList shown;
         QStringList made;
@@ -251,8 +246,7 @@ private slots:
     void aSelectionHoldsRowsThatAreAlike() {
         QFETCH(QStringList, select);
         QFETCH(QStringList, remain);
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         QItemSelectionModel* selection = editor.view("tvRes")->selectionModel();
         for (const QString& key : select)
             selection->select(editor->row(qPrintable(key)),
@@ -266,8 +260,7 @@ private slots:
     }
 
     void ofRowsSelectedAtOnceThoseLikeTheFirstRemain() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         QItemSelectionModel* selection = editor.view("tvRes")->selectionModel();
         const auto keys = [&] {
             QStringList list;
@@ -292,8 +285,7 @@ private slots:
     }
 
     void actionsFollowTheCurrentRowOnly() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         QTreeView* view = editor.view("tvRes");
         view->setCurrentIndex(editor->row("trends"));
         view->selectionModel()->setCurrentIndex(
@@ -303,8 +295,7 @@ private slots:
     }
 
     void inAnEditTheActionsStay() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         editor.view("tvRes")->setCurrentIndex(editor->row("rcalc"));
         editor->on_editor_valueChanged("caption", QString("Иное"));
         editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));

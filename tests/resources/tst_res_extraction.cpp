@@ -116,8 +116,7 @@ private slots:
     }
 
     void pathsOfForms() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         QTEST(editor->getFormPath(editor->row(QTest::currentDataTag())), "path");
     }
 
@@ -284,8 +283,7 @@ private slots:
     }
 
     void foldersAndModulesAskNothing() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         select(editor, {QTest::currentDataTag()});
         QVERIFY(!extract(editor, QString()));
         QTEST(editor.view("tvRes")->selectionModel()->hasSelection(), "staysSelected");
@@ -461,8 +459,7 @@ private slots:
     }
 
     void aFailedJobWritesNothing() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         editor.store.sql("ALTER TABLE \"MenuResourceFile\" RENAME TO \"Away\"");
         QTemporaryDir target;
         select(editor, {"rboiler"});

@@ -44,8 +44,7 @@ class TestResPassports : public QObject {
     Q_OBJECT
 private slots:
     void aFolderHasThreeRows() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         editor.view("tvRes")->setCurrentIndex(editor->row("trends"));
         QCOMPARE(rowsOf(*editor->m_propModel),
                  QStringList({"properties: Свойства", "keylink Идентификатор=trends",
@@ -55,8 +54,7 @@ private slots:
     }
 
     void aNewFolderOpensItsCaption() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         editor->m_resModel->setData(editor->row("trends", ResColumn::IsNew), true);
         editor.view("tvRes")->setCurrentIndex(editor->row("trends"));
         const auto* line = editor.view("tvProp")->findChild<QLineEdit*>();
@@ -65,8 +63,7 @@ private slots:
     }
 
     void aNewModuleOpensNothing() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         editor->m_resModel->setData(editor->row("rlog", ResColumn::IsNew), true);
         editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));
         QVERIFY(editor.view("tvProp")->findChildren<QLineEdit*>().isEmpty());
@@ -96,8 +93,7 @@ private slots:
     }
 
     void theTypeOfAFileIsEmpty() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         editor.view("tvRes")->setCurrentIndex(editor->row("rmanual"));
         QCOMPARE(editor->passport("type").toString(), QString());
         editor.view("tvRes")->setCurrentIndex(editor->row("rboiler"));
@@ -125,8 +121,7 @@ private slots:
     }
 
     void aFormWithoutFilesShowsTheCommonRows() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         editor.view("tvRes")->setCurrentIndex(editor->row("rdrum"));
         QCOMPARE(rowsOf(*editor->m_propModel).size(), 7);
         QVERIFY(editor.view("tvProp")->isExpanded(editor->m_propModel->index(0, 0)));
@@ -192,8 +187,7 @@ private slots:
     }
 
     void theFixedRowsHaveFolderPassports() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         for (const char* key : {"MenuResources", "FileResources", "WrongFolder"}) {
             editor.view("tvRes")->setCurrentIndex(editor->row(key));
             QCOMPARE(rowsOf(*editor->m_propModel).size(), 4);
@@ -202,8 +196,7 @@ private slots:
     }
 
     void aRowOfAnUnknownKindIsNotExpanded() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         editor->m_resModel->setData(editor->row("rlog", ResColumn::Type), 7);
         editor.view("tvRes")->setCurrentIndex(editor->row("rlog"));
         QCOMPARE(rowsOf(*editor->m_propModel).size(), 7);
@@ -212,8 +205,7 @@ private slots:
     }
 
     void aFileWithoutContentShowsTheCommonRows() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         editor.view("tvRes")->setCurrentIndex(editor->row("rmanual"));
         QCOMPARE(rowsOf(*editor->m_propModel).size(), 7);
         QVERIFY(editor.view("tvProp")->isExpanded(editor->m_propModel->index(0, 0)));

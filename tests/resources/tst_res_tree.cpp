@@ -11,8 +11,7 @@ class TestResTree : public QObject {
     Q_OBJECT
 private slots:
     void theCatalogueIsShownInTableOrder() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         QCOMPARE(editor.watchedModels(), 2);
         QCOMPARE(treetext::print(*editor->m_resModel, ResColumn::KeyLink),
                  QString("Ресурсы меню #MenuResources\n"
@@ -43,8 +42,7 @@ private slots:
     }
 
     void bothAreasAreExpanded() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         QTreeView* view = editor.view("tvRes");
         QVERIFY(view->isExpanded(editor->row("MenuResources")));
         QVERIFY(view->isExpanded(editor->row("FileResources")));
@@ -182,8 +180,7 @@ private slots:
     }
 
     void anOpenFolderShowsIt() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         QVERIFY(showsImage(editor->row("MenuResources"), ":/res/openfolder1.png"));
         QVERIFY(showsImage(editor->row("mod"), ":/res/closedfolder1.png"));
         editor.view("tvRes")->expand(editor->row("mod"));
@@ -205,8 +202,7 @@ private slots:
     }
 
     void aFileInAFolderOfAnotherKindHasNoRow() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         QVERIFY(!editor->row("rstray").isValid());
         QVERIFY(orvo::seekKey(editor->m_tabResource, "rstray"));
     }
@@ -314,8 +310,7 @@ private slots:
     }
 
     void foldersHavePositions() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         QCOMPARE(editor->getResFolderPosition("alarms", "mod", 1), 0);
         QCOMPARE(editor->getResFolderPosition("TRENDS", "MOD", 1), 1);
         QCOMPARE(editor->getResFolderPosition("docs", "", 4), 0);
@@ -327,8 +322,7 @@ private slots:
     }
 
     void resourcesHavePositions() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         QCOMPARE(editor->getResItemPosition("rlog", "mod", 1), 0);
         QCOMPARE(editor->getResItemPosition("rtable", "mod", 1), 1);
         QCOMPARE(editor->getResItemPosition("rreadme", "", 4), 0);
@@ -338,8 +332,7 @@ private slots:
     }
 
     void foldersBeforeResourcesAreCounted() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         QCOMPARE(editor->getFolderCount("mod"), 2);
         QCOMPARE(editor->getFolderCount("trends"), 0);
         QCOMPARE(editor->getFolderCount(""), 2);

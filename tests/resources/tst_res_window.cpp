@@ -220,8 +220,7 @@ private slots:
     }
 
     void startSetsTheTitleAndSwitchesEverythingOff() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         QCOMPARE(editor.host.titles, QStringList({"Редактор ресурсов", ""}));
         QVERIFY(editor.host.logLines.isEmpty());
         for (const QAction* action : editor->findChildren<QAction*>(QRegularExpression("^act")))
@@ -233,14 +232,12 @@ private slots:
     }
 
     void startKnowsTheUser() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         QCOMPARE(editor->m_userLogin, QString("engineer"));
     }
 
     void startGivesTheTablesTheirKeys() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         QCOMPARE(editor->m_tabResource.array->keyCount, 4u);
         QCOMPARE(editor->m_tabResFolder.array->keyCount, 4u);
         QCOMPARE(editor->m_tabUsers.array->keyCount, 2u);
@@ -256,8 +253,7 @@ private slots:
     }
 
     void startArrangesTheTree() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         const QTreeView* view = editor.view("tvRes");
         const QList<int> sizes = editor.child<QSplitter>("splitter")->sizes();
         const double share = sizes[0] / double(sizes[0] + sizes[1]);
@@ -298,8 +294,7 @@ private slots:
     }
 
     void startArrangesThePassport() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         const QTreeView* view = editor.view("tvProp");
         for (int column = 0; column < 6; ++column)
             QCOMPARE(view->isColumnHidden(column), column >= 2);
@@ -374,8 +369,7 @@ private slots:
     }
 
     void theFocusKeyWaitsForItsRow() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         editor->m_focusKey = "later";
         editor.host.deliver(*editor.module);
         QCOMPARE(editor->m_focusKey, QString("later"));
@@ -387,8 +381,7 @@ private slots:
     }
 
     void anErrorBoxIsHidden() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         editor->on_common_error_message(nullptr);
         editor->refuse("Нет");
         QVERIFY(editor->m_popMessageBox->isVisible());
@@ -401,8 +394,7 @@ private slots:
     }
 
     void theWindowMayGoWithACurrentRow() {
-        CatalogueEditor editor;
-        QVERIFY(editor.start());
+        StartedCatalogue editor;
         editor.view("tvRes")->setCurrentIndex(editor->row("rtrend"));
         editor.view("tvProp")->setFocus();
         editor->close();
