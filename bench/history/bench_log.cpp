@@ -162,7 +162,7 @@ void measure(const char* name, store::MaintainedStore& target, const char* what,
 /// A text that nobody wrote is looked for through all of the log, a portion a call: between them
 /// the pane is alive, and the text can be changed.
 void measureThrough(const char* name, store::MaintainedStore& target, double rows) {
-    constexpr double mostSeconds = 6; // for a million changes
+    constexpr double mostSeconds = 15; // a million changes; 2.5 minutes for ten
     history::Filter filter;
     filter.text = "чего никто не писал";
     history::Reader reader(target, filter);
