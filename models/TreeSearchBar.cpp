@@ -9,6 +9,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QScrollBar>
+#include <QSignalBlocker>
 #include <QToolButton>
 #include <QTreeView>
 
@@ -114,16 +115,34 @@ void TreeSearchBar::step(int by) {
 }
 
 void TreeSearchBar::find() {
-    const QString text = m_text->text();
     m_position = 0;
-    if (!text.isEmpty()) {
-        m_hits.find(m_columns[static_cast<size_t>(std::max(0, m_column->currentIndex()))].number,
-                    text);
-        if (TreeSearch(m_view, m_hits, m_position).showFirst())
+    if (!m_text->text().isEmpty()) {
+        const int wanted = std::max(0, m_column->currentIndex());
+        bool found = findIn(wanted);
+        // That the user has just chosen another column is no reason to leave it.
+        const bool tries = m_triesAllColumns && sender() != m_column;
+        for (int column = 0; tries && !found && column < m_column->count(); ++column)
+            if (column != wanted &&
+                !m_view.isColumnHidden(m_columns[static_cast<size_t>(column)].number))
+                found = findIn(column);
+        if (!found && tries)
+            findIn(wanted);
+        if (found)
             uncoverCurrent();
     }
     colour();
     updateButtons();
+}
+
+/// The column is then the one in use.
+bool TreeSearchBar::findIn(int column) {
+    {
+        const QSignalBlocker blocked(m_column);
+        m_column->setCurrentIndex(column);
+    }
+    m_position = 0;
+    m_hits.find(m_columns[static_cast<size_t>(column)].number, m_text->text());
+    return TreeSearch(m_view, m_hits, m_position).showFirst();
 }
 
 void TreeSearchBar::colour() {

@@ -35,6 +35,9 @@ public:
     /// Whether Enter in the field is a choice of the current row, and not the way to the next hit.
     /// Nothing is chosen by a text that was not found; one that was is selected afterwards.
     void setReturnChooses(bool on) { m_returnChooses = on; }
+    /// Whether a text that the column in use does not hold is looked for in the others that are
+    /// shown; the one that holds it is in use then.
+    void setTriesAllColumns(bool on) { m_triesAllColumns = on; }
     /// Opens it with the letter that was typed; false if it is none that begins a search.
     bool openOn(const QKeyEvent& key);
     /// Shows it with its text selected, or with that text, and gives it the focus.
@@ -59,6 +62,7 @@ protected:
 
 private:
     void find();
+    bool findIn(int column);
     void colour();
     void updateButtons();
     void place();
@@ -78,6 +82,7 @@ private:
     bool m_isLow = false; ///< in the lower corner
     bool m_opensOnTyping = false;
     bool m_returnChooses = false;
+    bool m_triesAllColumns = false;
 };
 
 } // namespace orvo

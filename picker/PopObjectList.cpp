@@ -70,6 +70,7 @@ CPopObjectList::CPopObjectList(QMainWindow* parent)
                                         {PickColumn::Caption, titles[PickColumn::Caption]}});
     m_search->setOpensOnTyping(true);
     m_search->setReturnChooses(true);
+    m_search->setTriesAllColumns(true);
     connect(m_search, &orvo::TreeSearchBar::chosen, this, &CPopObjectList::chooseCurrent);
     m_ui->tvObj->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(m_ui->tvObj, &QTreeView::customContextMenuRequested, this,

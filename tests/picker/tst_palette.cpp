@@ -107,6 +107,28 @@ private slots:
         QCOMPARE(int(menu.host.writes().calls.size()), writes + 1);
     }
 
+    void aTextIsFoundInTheNameAndInTheCaption() {
+        Menu menu;
+        QVERIFY(menu.open());
+        menu.press(Qt::Key_F7);
+        QVERIFY(menu.isInPalette());
+        QTreeView* list = menu.palette()->tvObj();
+        list->setFocus();
+        typeText(list, QStringLiteral("П"));
+        auto* text = list->findChild<QLineEdit*>("treeSearchText");
+        const auto* column = text->parentWidget()->findChild<QComboBox*>();
+        QVERIFY(text->isVisible());
+        typeText(text, QStringLiteral("ерв"));
+        QCOMPARE(list->currentIndex().siblingAtColumn(0).data().toString(), QString("One"));
+        text->setText("Tw"); // and back
+        QCOMPARE(list->currentIndex().siblingAtColumn(0).data().toString(), QString("Two"));
+        QCOMPARE(column->currentIndex(), 0);
+        QTest::keyClick(text, Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(column->currentIndex(), 1); // what is chosen stays, though nothing is there
+        text->setText("none");
+        QCOMPARE(column->currentIndex(), 1);
+    }
+
     void onARowThatIsNoFolderItGoesIntoItsFolder() {
         Menu menu;
         QVERIFY(menu.open());
