@@ -117,7 +117,14 @@ public:
 /// The same, started.
 class StartedPlant : public PlantEditor {
 public:
-    StartedPlant() { startOrFail(); }
+    /// With that desktop and that element current, if they are told.
+    explicit StartedPlant(const char* desck = nullptr, const char* element = nullptr) {
+        startOrFail();
+        if (desck)
+            view("tvDesck")->setCurrentIndex(module->desck(desck));
+        if (element)
+            view("tvMenu")->setCurrentIndex(module->element(element));
+    }
 };
 
 } // namespace orvo::test

@@ -42,9 +42,16 @@ public:
 /// The editor, started, with all desktops in sight.
 class OperationsEditor : public EditorUnderTest<OperationsProbe> {
 public:
-    explicit OperationsEditor(TestHost& host) : EditorUnderTest(host, "Menu") {
+    /// With that desktop open and that element current, if they are told.
+    explicit OperationsEditor(TestHost& host, const char* desck = nullptr,
+                              const char* element = nullptr)
+        : EditorUnderTest(host, "Menu") {
         startOrFail();
         view("tvDesck")->expandAll();
+        if (desck)
+            openDesck(desck);
+        if (element)
+            makeCurrent(element);
     }
 
     /// Makes a row of `tvDesck` current, and so opens the menu of a desktop, down to its last
@@ -78,13 +85,18 @@ public:
 /// The same on that store.
 class OperationsOn : public HostOnStore, public OperationsEditor {
 public:
-    explicit OperationsOn(TestStore& store) : HostOnStore(store), OperationsEditor(host) {}
+    explicit OperationsOn(TestStore& store, const char* desck = nullptr,
+                          const char* element = nullptr)
+        : HostOnStore(store)
+        , OperationsEditor(host, desck, element) {}
 };
 
 /// The same on the plant.
 class PlantOperations : public HostOnFilledStore, public OperationsEditor {
 public:
-    PlantOperations() : HostOnFilledStore(fillPlant), OperationsEditor(host) {}
+    explicit PlantOperations(const char* desck = nullptr, const char* element = nullptr)
+        : HostOnFilledStore(fillPlant)
+        , OperationsEditor(host, desck, element) {}
 };
 
 } // namespace orvo::test

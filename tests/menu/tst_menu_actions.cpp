@@ -149,8 +149,7 @@ private slots:
 
     void menuRowsSwitchTheirActions() {
         QFETCH(QString, expected);
-        StartedPlant editor;
-        editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
+        StartedPlant editor("armop");
         editor.view("tvMenu")->expandAll();
         for (const char* before : {"MenuRootNode", "grafiki", "form"}) {
             editor.view("tvMenu")->setCurrentIndex(editor->element(before));
@@ -184,8 +183,7 @@ private slots:
     }
 
     void pasteKeepsItsStateOnOtherRows() {
-        StartedPlant editor;
-        editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
+        StartedPlant editor("armop");
         offer("OrvoMenu/menu");
         editor.view("tvMenu")->setCurrentIndex(editor->element("shema"));
         QVERIFY(!editor.action("actPasteMenuElement")->isEnabled());
@@ -196,8 +194,7 @@ private slots:
     }
 
     void desktopPasteKeepsItsStateOnDesktops() {
-        StartedPlant editor;
-        editor.view("tvDesck")->setCurrentIndex(editor->desck("ceh"));
+        StartedPlant editor("ceh");
         offer("OrvoMenu/descktop");
         for (const char* key : {"armop", "obshiy"}) {
             editor.view("tvDesck")->setCurrentIndex(editor->desck(key));
@@ -212,9 +209,7 @@ private slots:
     }
 
     void anInvalidRowChangesNothing() {
-        StartedPlant editor;
-        editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
-        editor.view("tvMenu")->setCurrentIndex(editor->element("trend"));
+        StartedPlant editor("armop", "trend");
         const QString desck = enabled(editor, desckActions);
         const QString menu = enabled(editor, menuActions);
         editor.view("tvMenu")->setCurrentIndex(QModelIndex());
@@ -315,9 +310,7 @@ private slots:
     }
 
     void clicksDoNothingWhileSomethingIsEdited() {
-        StartedPlant editor;
-        editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
-        editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));
+        StartedPlant editor("armop", "grafiki");
         const auto click = [&](const char* view, const QModelIndex& row) {
             emit editor.view(view)->clicked(row);
         };
@@ -346,8 +339,7 @@ private slots:
     }
 
     void desktopContextMenu() {
-        StartedPlant editor;
-        editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
+        StartedPlant editor("armop");
         editor.action("actAddDescktop")->setEnabled(false);
         bool hasIcon = false;
         QCOMPARE(
@@ -366,9 +358,7 @@ private slots:
     }
 
     void menuContextMenuLeavesTheActionsAsTheyAre() {
-        StartedPlant editor;
-        editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
-        editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));
+        StartedPlant editor("armop", "grafiki");
         editor.action("actDeleteElem")->setEnabled(false);
         bool hasIcon = false;
         QCOMPARE(shownMenu(editor, "tvMenu", "Новый элемент", &hasIcon),

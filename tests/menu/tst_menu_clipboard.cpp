@@ -11,8 +11,7 @@ private slots:
     // Copying
 
     void theCopiedBytes() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor.selectElements({"calc", "trend", "glubzhe"});
         editor.action("actCopyMenuElement")->trigger();
         QCOMPARE(QGuiApplication::clipboard()->mimeData()->formats(), QStringList(menuMime));
@@ -32,16 +31,14 @@ private slots:
     }
 
     void theCutBytes() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor.selectElements({"form"});
         editor.action("actCutMenuElement")->trigger();
         QVERIFY(payload().startsWith("1\nform;\n"));
     }
 
     void thePackedTableHasTheRecordsWithTwoKeys() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor.selectElements({"grafiki", "shema"});
         editor->on_actCopyMenuElement_triggered();
         const QByteArray image = payload().mid(payload().indexOf('\n', 2) + 1);
@@ -78,8 +75,7 @@ private slots:
                               {"oneCopy", false},
                               {"MenuResourceKey", QString("rcalc")},
                               {"params", QString("-x 1")}});
-        OperationsOn editor(store);
-        editor.openDesck("armop");
+        OperationsOn editor(store, "armop");
         editor.selectElements({"full", "trend"});
         editor->on_actCopyMenuElement_triggered();
         MenuPayload read;
@@ -101,8 +97,7 @@ private slots:
     }
 
     void aFolderBringsAllBelowIt() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor.selectElements({"grafiki"});
         editor->on_actCopyMenuElement_triggered();
         MenuPayload read;
@@ -116,8 +111,7 @@ private slots:
     }
 
     void copyingTheRootRowLeavesTheClipboard() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         QGuiApplication::clipboard()->setText("before");
         editor.selectElements({"MenuRootNode"});
         editor->on_actCopyMenuElement_triggered();
@@ -127,8 +121,7 @@ private slots:
     }
 
     void withoutASelectionTheClipboardStays() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         QGuiApplication::clipboard()->setText("before");
         editor.selectElements({});
         editor->on_actCutMenuElement_triggered();
@@ -137,8 +130,7 @@ private slots:
     }
 
     void aRowWithoutARecordGivesItsKeyAlone() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor->m_tabMenu.RecDel(orvo::seekKey(editor->m_tabMenu, "calc"));
         QGuiApplication::clipboard()->setText("before");
         editor.selectElements({"calc"});
@@ -157,8 +149,7 @@ private slots:
     }
 
     void aFolderWithoutARecordGivesWhatLiesBelowAlone() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor->m_tabMenu.RecDel(orvo::seekKey(editor->m_tabMenu, "glubzhe"));
         editor.selectElements({"glubzhe"});
         editor->on_actCutMenuElement_triggered();
@@ -176,8 +167,7 @@ private slots:
         TestStore store;
         fillPlant(store);
         addElement(store, "armop", "trend;calc", "", "Чужой", 9000, "rcalc");
-        OperationsOn editor(store);
-        editor.openDesck("armop");
+        OperationsOn editor(store, "armop");
         editor.selectElements({"trend;calc"});
         editor->on_actCutMenuElement_triggered();
         QCOMPARE(payload(), QByteArray());
@@ -190,8 +180,7 @@ private slots:
     }
 
     void aCircleInTheTableIsCopiedOnce() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         // Known to the table before the tree: the upper folder now hangs below the lower one.
         MDRData* record = editor->m_tabMenu.RecEdit(orvo::seekKey(editor->m_tabMenu, "grafiki"));
         editor->m_tabMenu.SetValF(record, "parent", orvo::textVar("glubzhe"));
@@ -210,8 +199,7 @@ private slots:
     }
 
     void aCutChangesNothing() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         const QString before = shownMenu(editor);
         editor.selectElements({"grafiki"});
         editor->on_actCutMenuElement_triggered();
@@ -223,8 +211,7 @@ private slots:
     // A cut on the clipboard
 
     void theFirstCutSurvivesInItsEditor() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         QVERIFY(!editor->m_cutPending);
         editor.selectElements({"form"});
         editor->on_actCutMenuElement_triggered();
@@ -235,8 +222,7 @@ private slots:
     }
 
     void theNextCutSurvivesToo() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         for (const char* key : {"form", "trend", "form"}) {
             editor.selectElements({key});
             editor->on_actCutMenuElement_triggered();
@@ -310,8 +296,7 @@ private slots:
     }
 
     void anotherContentLosesTheCut() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor.selectElements({"form"});
         editor->on_actCutMenuElement_triggered();
         QGuiApplication::clipboard()->setText("else");

@@ -7,8 +7,7 @@ private slots:
     void init() { QGuiApplication::clipboard()->clear(); }
 
     void aPastedElementIsTheLastInItsFolder() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor.selectElements({"shema"});
         editor->on_actCopyMenuElement_triggered();
         editor.makeCurrent("grafiki");
@@ -26,8 +25,7 @@ private slots:
     }
 
     void pastingAtTheTop() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor.selectElements({"calc", "glubzhe"});
         editor->on_actCopyMenuElement_triggered();
         editor.makeCurrent("MenuRootNode");
@@ -52,8 +50,7 @@ private slots:
     }
 
     void pastingIntoAnotherDesktop() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor.selectElements({"glubzhe"});
         editor->on_actCopyMenuElement_triggered();
         editor.openDesck("armpech");
@@ -72,8 +69,7 @@ private slots:
     }
 
     void everyPasteMakesNewKeys() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor.selectElements({"glubzhe"});
         editor->on_actCopyMenuElement_triggered();
         editor.makeCurrent("grafiki");
@@ -88,8 +84,7 @@ private slots:
     }
 
     void allChosenElementsGetTheOrderOfTheLastChild() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor.selectElements({"trend", "calc"});
         editor->on_actCopyMenuElement_triggered();
         editor.makeCurrent("glubzhe"); // its last child has the order 0
@@ -107,8 +102,7 @@ private slots:
                               {"separator", true},
                               {"oneCopy", false},
                               {"params", QString("p")}});
-        OperationsOn editor(store);
-        editor.openDesck("armop");
+        OperationsOn editor(store, "armop");
         editor.selectElements({"grafiki"});
         editor->on_actCopyMenuElement_triggered();
         editor.openDesck("armpech");
@@ -149,8 +143,7 @@ private slots:
         addElement(store, "armop", "dno", "glubzhe", "Дно", 7);
         store.sql(qPrintable("UPDATE \"Menu\" SET \"caption\" = " + caption +
                              " WHERE \"KeyLink\" = 'dno'"));
-        OperationsOn editor(store);
-        editor.openDesck("armop");
+        OperationsOn editor(store, "armop");
         editor.selectElements({"glubzhe"});
         editor->on_actCopyMenuElement_triggered();
         editor.makeCurrent("MenuRootNode");
@@ -168,8 +161,7 @@ private slots:
         TestStore store;
         fillPlant(store);
         addElement(store, "armop", "gone", "glubzhe", "Нет его", 5, "nosuch");
-        OperationsOn editor(store);
-        editor.openDesck("armop");
+        OperationsOn editor(store, "armop");
         editor.selectElements({"glubzhe", "calc"});
         editor->on_actCopyMenuElement_triggered();
         editor.makeCurrent("MenuRootNode");
@@ -190,8 +182,7 @@ private slots:
         fillPlant(store);
         addElement(store, "armop", "nemoy", "grafiki", "", 9000, "rtrend");
         store.sql("UPDATE \"Menu\" SET \"caption\" = NULL WHERE \"KeyLink\" = 'nemoy'");
-        OperationsOn editor(store);
-        editor.openDesck("armop");
+        OperationsOn editor(store, "armop");
         editor.selectElements({"nemoy"});
         editor->on_actCopyMenuElement_triggered();
         editor.makeCurrent("glubzhe");
@@ -205,8 +196,7 @@ private slots:
         TestStore store;
         fillPlant(store);
         addElement(store, "armop", "vnutri", "GLUBZHE", "Внутри", 5, "rtrend");
-        OperationsOn editor(store);
-        editor.openDesck("armop");
+        OperationsOn editor(store, "armop");
         editor.selectElements({"glubzhe"});
         editor->on_actCopyMenuElement_triggered();
         editor.makeCurrent("MenuRootNode");
@@ -217,8 +207,7 @@ private slots:
     }
 
     void keysWithoutARecordAreSkipped() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor.selectElements({"shema"});
         editor->on_actCopyMenuElement_triggered();
         QByteArray bytes = payload();
@@ -235,8 +224,7 @@ private slots:
         TestStore store;
         fillPlant(store);
         addElement(store, "armop", "k?", "", "Знак", 9000, "rcalc");
-        OperationsOn editor(store);
-        editor.openDesck("armop");
+        OperationsOn editor(store, "armop");
         editor.selectElements({"k?"});
         editor->on_actCopyMenuElement_triggered();
         QByteArray bytes = payload();
@@ -274,8 +262,7 @@ private slots:
     }
 
     void withoutATargetNothingIsPasted() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor.selectElements({"shema"});
         editor->on_actCopyMenuElement_triggered();
         editor->m_currentMenuKey = "nosuch";
@@ -287,8 +274,7 @@ private slots:
     }
 
     void theClipboardStaysAfterAPaste() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor.selectElements({"shema"});
         editor->on_actCutMenuElement_triggered();
         const QByteArray before = payload();
@@ -299,8 +285,7 @@ private slots:
     }
 
     void thePastedRowBecomesCurrent() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor.selectElements({"shema"});
         editor->on_actCopyMenuElement_triggered();
         editor.makeCurrent("glubzhe");
@@ -315,8 +300,7 @@ private slots:
     // Cutting
 
     void aPastedCutDeletesItsSource() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor.selectElements({"trend", "calc"});
         editor->on_actCutMenuElement_triggered();
         editor.makeCurrent("MenuRootNode");
@@ -333,8 +317,7 @@ private slots:
     }
 
     void aCutFolderIsDeletedWhole() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor.selectElements({"grafiki"});
         editor->on_actCutMenuElement_triggered();
         editor.makeCurrent("MenuRootNode");
@@ -345,8 +328,7 @@ private slots:
     }
 
     void aCutOfAnotherDesktopIsDeleted() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor.selectElements({"glubzhe"});
         editor->on_actCutMenuElement_triggered();
         editor.openDesck("armpech");
@@ -361,8 +343,7 @@ private slots:
     }
 
     void aCutElementWithoutItsResourceIsDeletedAllTheSame() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor.selectElements({"propal"});
         editor->on_actCutMenuElement_triggered();
         editor.makeCurrent("grafiki");
@@ -371,8 +352,7 @@ private slots:
     }
 
     void aCutKeyWithoutARecordIsNotDeleted() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor.selectElements({"trend", "calc"});
         editor->m_tabMenu.RecDel(orvo::seekKey(editor->m_tabMenu, "calc"));
         editor->on_actCutMenuElement_triggered();
@@ -384,8 +364,7 @@ private slots:
     }
 
     void aSecondPasteOfACutDeletesNothingMore() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor.selectElements({"trend"});
         editor->on_actCutMenuElement_triggered();
         editor.makeCurrent("MenuRootNode");
@@ -414,8 +393,7 @@ private slots:
     void aCutThatAnotherChangedMeanwhileIsRefused() {
         QFETCH(QByteArray, cut);
         QFETCH(int, act);
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor.selectElements({cut.constData()});
         editor->on_actCutMenuElement_triggered();
         if (act == 0)
@@ -449,8 +427,7 @@ private slots:
 
     /// The place of a chosen element among its siblings is another one after the paste.
     void aCutWhoseElementWasMovedUpIsPasted() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor.selectElements({"calc"});
         editor->on_actCutMenuElement_triggered();
         editor.store.update("Menu", {{"KeyLink", QString("calc")}, {"order_", 7000}});
@@ -462,8 +439,7 @@ private slots:
     }
 
     void aRefusedPasteStillDeletesTheCut() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor.selectElements({"trend"});
         editor->on_actCutMenuElement_triggered();
         editor.makeCurrent("MenuRootNode");

@@ -35,8 +35,7 @@ private slots:
     void theQuestion() {
         QFETCH(QString, key);
         QFETCH(QString, text);
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor.makeCurrent(qPrintable(key));
         editor.action("actDeleteElem")->trigger();
         QVERIFY(editor.isAsking());
@@ -45,8 +44,7 @@ private slots:
     }
 
     void theQuestionWithoutItsElement() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor->m_currentMenuKey = "nosuch";
         editor->on_actDeleteElem_triggered();
         QVERIFY(editor.isAsking());
@@ -57,9 +55,7 @@ private slots:
     }
 
     void theQuestionWithoutItsDesktop() {
-        PlantOperations editor;
-        editor.openDesck("armop");
-        editor.makeCurrent("form");
+        PlantOperations editor("armop", "form");
         editor->m_currentDesckKey = "nosuch";
         editor->on_actDeleteElem_triggered();
         QCOMPARE(editor.question(), QString("Уведомление\nВы действительно хотите удалить файл "
@@ -75,9 +71,7 @@ private slots:
     }
 
     void aNegativeAnswerChangesNothing() {
-        PlantOperations editor;
-        editor.openDesck("armop");
-        editor.makeCurrent("grafiki");
+        PlantOperations editor("armop", "grafiki");
         editor->on_actDeleteElem_triggered();
         editor.answer(editor.No);
         QVERIFY(!editor.isAsking());
@@ -87,9 +81,7 @@ private slots:
     }
 
     void anElementIsDeleted() {
-        PlantOperations editor;
-        editor.openDesck("armop");
-        editor.makeCurrent("calc");
+        PlantOperations editor("armop", "calc");
         editor->on_actDeleteElem_triggered();
         editor.answer(editor.Yes);
         QVERIFY(!editor.isAsking());
@@ -107,9 +99,7 @@ private slots:
         addElement(store, "armop", "dno", "glubzhe", "Дно", 500);
         addElement(store, "armop", "kamen", "dno", "Камень", 0, "rform");
         addElement(store, "armop", "posle", "grafiki", "После", 9000, "rform");
-        OperationsOn editor(store);
-        editor.openDesck("armop");
-        editor.makeCurrent("grafiki");
+        OperationsOn editor(store, "armop", "grafiki");
         editor->on_actDeleteElem_triggered();
         editor.answer(editor.Yes);
         // In depth: a folder before what it holds, all that before the next sibling.
@@ -133,18 +123,14 @@ private slots:
         TestStore store;
         fillPlant(store);
         addElement(store, "armop", "pusto", "", "Пусто", 5000);
-        OperationsOn editor(store);
-        editor.openDesck("armop");
-        editor.makeCurrent("pusto");
+        OperationsOn editor(store, "armop", "pusto");
         editor->on_actDeleteElem_triggered();
         editor.answer(editor.Yes);
         QCOMPARE(editor.host.writes().take(), QString("Menu\n  -pusto\n"));
     }
 
     void theAnswerAppliesToWhatIsCurrentThen() {
-        PlantOperations editor;
-        editor.openDesck("armop");
-        editor.makeCurrent("calc");
+        PlantOperations editor("armop", "calc");
         editor->on_actDeleteElem_triggered();
         // Another client's deletion makes the next sibling current while the question stands.
         editor.store.remove("Menu", "calc");
@@ -155,9 +141,7 @@ private slots:
     }
 
     void anElementGoneMeanwhileIsLeft() {
-        PlantOperations editor;
-        editor.openDesck("armop");
-        editor.makeCurrent("calc");
+        PlantOperations editor("armop", "calc");
         editor->on_actDeleteElem_triggered();
         editor->m_currentMenuKey = "nosuch";
         editor.answer(editor.Yes);
@@ -165,9 +149,7 @@ private slots:
     }
 
     void anElementGoneFromTheTreeIsLeft() {
-        PlantOperations editor;
-        editor.openDesck("armop");
-        editor.makeCurrent("calc");
+        PlantOperations editor("armop", "calc");
         editor->on_actDeleteElem_triggered();
         editor.store.remove("MenuFolder", "armop");
         editor.host.deliver(*editor.module);
@@ -176,9 +158,7 @@ private slots:
     }
 
     void aNewRowBelowIsNoRecord() {
-        PlantOperations editor;
-        editor.openDesck("armop");
-        editor.makeCurrent("glubzhe");
+        PlantOperations editor("armop", "glubzhe");
         editor->on_actNewElemFolder_triggered();
         QCOMPARE(editor->m_editMode, int32_t(MenuProbe::NewElement));
         const QString placeholder = editor->m_currentMenuKey;
@@ -193,9 +173,7 @@ private slots:
         TestStore store;
         fillPlant(store);
         addElement(store, "armop", "sirota", "nosuch", "Сирота", 0, "rform");
-        OperationsOn editor(store);
-        editor.openDesck("armop");
-        editor.makeCurrent("grafiki");
+        OperationsOn editor(store, "armop", "grafiki");
         editor->on_actDeleteElem_triggered();
         editor.answer(editor.Yes);
         QVERIFY(!editor.host.writes().take().contains("sirota"));
@@ -205,18 +183,14 @@ private slots:
         TestStore store;
         fillPlant(store);
         addElement(store, "armop", "vnutri", "GlubZHE", "Внутри", 7, "rform");
-        OperationsOn editor(store);
-        editor.openDesck("armop");
-        editor.makeCurrent("glubzhe");
+        OperationsOn editor(store, "armop", "glubzhe");
         editor->on_actDeleteElem_triggered();
         editor.answer(editor.Yes);
         QCOMPARE(editor.host.writes().take(), QString("Menu\n  -glubzhe\n  -form\n  -vnutri\n"));
     }
 
     void aCircleIsDeletedOnce() {
-        PlantOperations editor;
-        editor.openDesck("armop");
-        editor.makeCurrent("grafiki");
+        PlantOperations editor("armop", "grafiki");
         MDRData* record = editor->m_tabMenu.RecEdit(orvo::seekKey(editor->m_tabMenu, "grafiki"));
         editor->m_tabMenu.SetValF(record, "parent", orvo::textVar("GLUBZHE"));
         editor->m_tabMenu.RecPost(record);
@@ -231,8 +205,7 @@ private slots:
     }
 
     void theRootRowDeletesNothing() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         // Before any element was chosen nothing goes out; the root row's key is no record's.
         editor->on_actDeleteElem_triggered();
         editor.answer(editor.Yes);
@@ -248,9 +221,7 @@ private slots:
     }
 
     void aRefusalLeavesTheRows() {
-        PlantOperations editor;
-        editor.openDesck("armop");
-        editor.makeCurrent("grafiki");
+        PlantOperations editor("armop", "grafiki");
         editor.host.writes().refusedTable = "Menu";
         editor->on_actDeleteElem_triggered();
         editor.answer(editor.Yes);
@@ -260,9 +231,7 @@ private slots:
     }
 
     void anOpenEditStays() {
-        PlantOperations editor;
-        editor.openDesck("armop");
-        editor.makeCurrent("calc");
+        PlantOperations editor("armop", "calc");
         orvo::editPassportValue(*editor->m_propModel, "name", "Иное");
         editor->on_actDeleteElem_triggered();
         editor.answer(editor.Yes);
@@ -271,9 +240,7 @@ private slots:
 
     void aVeryDeepFolderIsDeleted() {
         constexpr int depth = 100000;
-        PlantOperations editor;
-        editor.openDesck("armop");
-        editor.makeCurrent("glubzhe");
+        PlantOperations editor("armop", "glubzhe");
         // Only the table is so deep: what comes by notification need not be in the tree.
         MDArray* table = editor->m_tabMenu.array;
         for (int i = 0; i < depth; ++i) {

@@ -20,8 +20,7 @@ private slots:
     // Adding
 
     void aNewDesktopStandsAtTheEndOfItsFolder() {
-        PlantOperations editor;
-        editor.openDesck("ceh");
+        PlantOperations editor("ceh");
         editor->on_actAddDescktop_triggered();
         const QModelIndex row = editor.view("tvDesck")->currentIndex();
         QCOMPARE(row.parent(), editor->desck("ceh"));
@@ -35,8 +34,7 @@ private slots:
     }
 
     void addingOnADesktopPlacesTheNewRowBesideIt() {
-        PlantOperations editor;
-        editor.openDesck("armpech");
+        PlantOperations editor("armpech");
         editor->on_actAddDescktop_triggered();
         const QModelIndex row = editor.view("tvDesck")->currentIndex();
         QCOMPARE(row.parent(), editor->desck("pech"));
@@ -45,8 +43,7 @@ private slots:
     }
 
     void aNewFolderAtTheTopGoesToTheEnd() {
-        PlantOperations editor;
-        editor.openDesck("mainnode");
+        PlantOperations editor("mainnode");
         editor->on_actAddFoldertvDesck_triggered();
         const QModelIndex row = editor.view("tvDesck")->currentIndex();
         QCOMPARE(row.parent(), editor->desck("mainnode"));
@@ -71,16 +68,14 @@ private slots:
         TestStore store;
         fillPlant(store);
         addDesck(store, "ugol", "sklad", "Угол", true);
-        OperationsOn editor(store);
-        editor.openDesck("sklad");
+        OperationsOn editor(store, "sklad");
         editor->on_actAddFoldertvDesck_triggered();
         QCOMPARE(editor.view("tvDesck")->currentIndex().parent(), editor->desck("sklad"));
         QCOMPARE(editor.view("tvDesck")->currentIndex().row(), 1);
     }
 
     void addingOpensAnEditByNoEditor() {
-        PlantOperations editor;
-        editor.openDesck("ceh");
+        PlantOperations editor("ceh");
         editor->on_actAddDescktop_triggered();
         const QModelIndex row = editor.view("tvDesck")->currentIndex();
         QCOMPARE(editor->m_editMode, int32_t(MenuProbe::NewDesck));
@@ -105,8 +100,7 @@ private slots:
     }
 
     void aNewRowIsWrittenOnSaveAndComesBack() {
-        PlantOperations editor;
-        editor.openDesck("ceh");
+        PlantOperations editor("ceh");
         editor->on_actAddFoldertvDesck_triggered();
         const QString key = editor->m_currentDesckKey;
         editor->on_save_pressed();
@@ -120,8 +114,7 @@ private slots:
     }
 
     void aSecondNewRowSavesTheFirst() {
-        PlantOperations editor;
-        editor.openDesck("sklad");
+        PlantOperations editor("sklad");
         editor->on_actAddDescktop_triggered();
         const QString first = editor->m_currentDesckKey;
         editor->on_actAddDescktop_triggered();
@@ -142,8 +135,7 @@ private slots:
         TestStore store;
         fillPlant(store);
         addDesck(store, "papka1", "sklad", "новая папка1", true);
-        OperationsOn editor(store);
-        editor.openDesck("sklad");
+        OperationsOn editor(store, "sklad");
         for (int i = 0; i < 2; ++i) {
             editor->on_actAddFoldertvDesck_triggered();
             QCOMPARE(editor.view("tvDesck")->currentIndex().data(), QVariant("новая папка1"));
@@ -155,8 +147,7 @@ private slots:
     }
 
     void leavingANewRowOpensNoEditorElsewhere() {
-        PlantOperations editor;
-        editor.openDesck("ceh");
+        PlantOperations editor("ceh");
         editor->on_actAddDescktop_triggered();
         clickRow(editor.view("tvDesck"), editor->desck("sklad"));
         QCOMPARE(editor.host.writes().calls.size(), 1);
@@ -167,8 +158,7 @@ private slots:
     // Renaming
 
     void renamingOpensAnEditor() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         QVERIFY(editor.action("actChangeDescktopOrFolder")->isEnabled());
         editor->on_actChangeDescktopOrFolder_triggered();
         QCOMPARE(editor->m_editMode, int32_t(MenuProbe::RenameDesck));
@@ -184,8 +174,7 @@ private slots:
     }
 
     void renamingWritesTheCaptionAlone() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor->on_actChangeDescktopOrFolder_triggered();
         editor.view("tvDesck")->viewport()->findChild<QLineEdit*>()->setText("Пульт");
         editor->on_save_pressed();
@@ -194,8 +183,7 @@ private slots:
     }
 
     void renamingSavesAPendingEdit() {
-        PlantOperations editor;
-        editor.openDesck("sklad");
+        PlantOperations editor("sklad");
         editor->on_actAddDescktop_triggered();
         editor->on_actChangeDescktopOrFolder_triggered();
         QCOMPARE(editor.host.writes().calls.size(), 1);
@@ -207,8 +195,7 @@ private slots:
     }
 
     void leavingARenamedRowOpensNoEditorElsewhere() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor->on_actChangeDescktopOrFolder_triggered();
         editor.view("tvDesck")->viewport()->findChild<QLineEdit*>()->setText("Пульт");
         clickRow(editor.view("tvDesck"), editor->desck("sklad"));
@@ -228,8 +215,7 @@ private slots:
     // Deleting
 
     void anEmptyFolderIsDeletedWithoutAQuestion() {
-        PlantOperations editor;
-        editor.openDesck("sklad");
+        PlantOperations editor("sklad");
         editor.action("actDeleteFromtvDesck")->trigger();
         QVERIFY(!editor.isAsking());
         QCOMPARE(editor.host.writes().take(), QString("MenuFolder\n  -sklad\n"));
@@ -239,8 +225,7 @@ private slots:
     }
 
     void aDesktopIsAskedAbout() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor.action("actDeleteFromtvDesck")->trigger();
         QVERIFY(editor.isAsking());
         QCOMPARE(editor.question(),
@@ -250,8 +235,7 @@ private slots:
     }
 
     void aNegativeAnswerChangesNothing() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor->on_actDeleteFromtvDesck_triggered();
         editor.answer(editor.No);
         QVERIFY(!editor.isAsking());
@@ -263,9 +247,7 @@ private slots:
     }
 
     void aDeletedDesktopTakesItsElementsAlong() {
-        PlantOperations editor;
-        editor.openDesck("armop");
-        editor.makeCurrent("calc");
+        PlantOperations editor("armop", "calc");
         editor->on_actDeleteFromtvDesck_triggered();
         editor.answer(editor.Yes);
         QVERIFY(!editor.isAsking());
@@ -286,8 +268,7 @@ private slots:
     }
 
     void aDesktopWithoutElementsIsDeletedInOneCall() {
-        PlantOperations editor;
-        editor.openDesck("armpech");
+        PlantOperations editor("armpech");
         editor->on_actDeleteFromtvDesck_triggered();
         editor.answer(editor.Yes);
         QCOMPARE(editor.host.writes().take(), QString("MenuFolder\n  -armpech\n"));
@@ -297,8 +278,7 @@ private slots:
         TestStore store;
         fillPlant(store);
         addElement(store, "armpech", "chuzhoy", "", "Чужой", 0);
-        OperationsOn editor(store);
-        editor.openDesck("armop");
+        OperationsOn editor(store, "armop");
         // The next fetch fails, so the table still has the elements of the desktop before. Those
         // that go are asked for anew.
         store.sql("ALTER TABLE \"Menu\" RENAME TO \"gone\"");
@@ -312,9 +292,7 @@ private slots:
     }
 
     void theMenuEmptiesBeforeTheServerAnswers() {
-        PlantOperations editor;
-        editor.openDesck("armop");
-        editor.makeCurrent("calc");
+        PlantOperations editor("armop", "calc");
         editor->on_actDeleteFromtvDesck_triggered();
         QVERIFY(editor->m_propModel->rowCount() > 0);
         editor.answer(editor.Yes);
@@ -324,8 +302,7 @@ private slots:
     }
 
     void aRefusedDeletionOfElementsLetsTheDesktopGo() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor->on_actDeleteFromtvDesck_triggered();
         editor.host.writes().refusedTable = "Menu";
         editor.answer(editor.Yes);
@@ -346,8 +323,7 @@ private slots:
     // Copying and pasting
 
     void copyingPutsTheBareKeyOnTheClipboard() {
-        PlantOperations editor;
-        editor.openDesck("armop");
+        PlantOperations editor("armop");
         editor.action("actCopyDescktopOrFolder")->trigger();
         QCOMPARE(QGuiApplication::clipboard()->mimeData()->formats(), QStringList(desckMime));
         QCOMPARE(desckOnClipboard(), QByteArray("armop"));

@@ -19,8 +19,7 @@ private slots:
                               {"oneCopy", false},
                               {"MenuResourceKey", QString("rcalc")},
                               {"params", QString("-x 1")}});
-        OperationsOn editor(store);
-        editor.openDesck("armop");
+        OperationsOn editor(store, "armop");
         editor->on_actCopyDescktopOrFolder_triggered();
         editor.openDesck("sklad");
         QVERIFY(editor.action("actPasteDescktopOrFolder")->isEnabled());
@@ -67,8 +66,7 @@ private slots:
     }
 
     void theElementsComeFromTheServer() {
-        PlantOperations editor;
-        editor.openDesck("armpech");
+        PlantOperations editor("armpech");
         editor->on_actCopyDescktopOrFolder_triggered();
         // Another desktop is open at the time of the paste, and the copied one gets an element.
         editor.openDesck("armop");
@@ -83,8 +81,7 @@ private slots:
         TestStore store;
         fillPlant(store);
         addElement(store, "armpech", "sirota", "nosuch", "Сирота", 5);
-        OperationsOn editor(store);
-        editor.openDesck("armpech");
+        OperationsOn editor(store, "armpech");
         editor->on_actCopyDescktopOrFolder_triggered();
         editor->on_actPasteDescktopOrFolder_triggered();
         QVERIFY(editor.host.writes().take().contains("parent='' FolderKey='#1' caption='Сирота'"));
@@ -95,8 +92,7 @@ private slots:
         fillPlant(store);
         addElement(store, "armpech", "Papka", "", "Папка", 0);
         addElement(store, "armpech", "vnutri", "pAPKA", "Внутри", 5);
-        OperationsOn editor(store);
-        editor.openDesck("armpech");
+        OperationsOn editor(store, "armpech");
         editor->on_actCopyDescktopOrFolder_triggered();
         editor->on_actPasteDescktopOrFolder_triggered();
         const QString written = editor.host.writes().take();
@@ -105,8 +101,7 @@ private slots:
     }
 
     void aDesktopWithoutElementsIsPastedInOneCall() {
-        PlantOperations editor;
-        editor.openDesck("armpech");
+        PlantOperations editor("armpech");
         editor->on_actCopyDescktopOrFolder_triggered();
         editor.openDesck("sklad");
         editor->on_actPasteDescktopOrFolder_triggered();
@@ -121,8 +116,7 @@ private slots:
         fillPlant(store);
         addDesck(store, "azot", "ceh", "Азот", false);
         addElement(store, "armpech", "odin", "", "Один", 5, "rtrend");
-        OperationsOn editor(store);
-        editor.openDesck("ceh");
+        OperationsOn editor(store, "ceh");
         editor->on_actCopyDescktopOrFolder_triggered();
         editor.openDesck("sklad");
         editor->on_actPasteDescktopOrFolder_triggered();
@@ -154,8 +148,7 @@ private slots:
         TestStore store;
         fillPlant(store);
         addDesck(store, "bezimeni", "sklad", "", false);
-        OperationsOn editor(store);
-        editor.openDesck("sklad");
+        OperationsOn editor(store, "sklad");
         editor->on_actCopyDescktopOrFolder_triggered();
         editor->on_actPasteDescktopOrFolder_triggered();
         QCOMPARE(
@@ -211,8 +204,7 @@ private slots:
         addDesck(store, "krayniy", "", "Крайний", false, "777");
         addDesck(store, "papka", "", "Папка", true, "5");
         addDesck(store, "vnutri", "papka", "Внутри", false, "888");
-        OperationsOn editor(store);
-        editor.openDesck("sklad");
+        OperationsOn editor(store, "sklad");
         putDesckOnClipboard("krayniy");
         editor->on_actPasteDescktopOrFolder_triggered();
         QCOMPARE(
@@ -232,8 +224,7 @@ private slots:
         TestStore store;
         fillPlant(store);
         store.sql("UPDATE \"MenuFolder\" SET \"isFolder\" = NULL WHERE \"KeyLink\" = 'obshiy'");
-        OperationsOn editor(store);
-        editor.openDesck("sklad");
+        OperationsOn editor(store, "sklad");
         putDesckOnClipboard("obshiy");
         editor->on_actPasteDescktopOrFolder_triggered();
         QCOMPARE(editor.host.writes().take(),
@@ -290,8 +281,7 @@ private slots:
     }
 
     void aSourceDeletedMeanwhilePastesNothing() {
-        PlantOperations editor;
-        editor.openDesck("armpech");
+        PlantOperations editor("armpech");
         editor->on_actCopyDescktopOrFolder_triggered();
         editor.openDesck("sklad");
         editor.store.remove("MenuFolder", "armpech");

@@ -42,8 +42,7 @@ class TestMenuElements : public QObject {
     Q_OBJECT
 private slots:
     void aDesktopShowsItsMenuToTheFirstLevel() {
-        StartedPlant editor;
-        editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
+        StartedPlant editor("armop");
         QCOMPARE(shown(editor, {1, 2}), QString("Меню #MenuRootNode\n"
                                                 "  Схема #shema 1=файл 2=Boiler\n"
                                                 "  Графики #grafiki 1=папка\n"
@@ -94,8 +93,7 @@ private slots:
     }
 
     void theRootRowHasNothingButCaptionAndKey() {
-        StartedPlant editor;
-        editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
+        StartedPlant editor("armop");
         const QModelIndex root = editor->element("MenuRootNode");
         for (int column = 0; column < MenuColumn::Count; ++column)
             QCOMPARE(root.sibling(0, column).data().isValid(),
@@ -103,16 +101,13 @@ private slots:
     }
 
     void anEmptyDesktopShowsACollapsedRoot() {
-        StartedPlant editor;
-        editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
+        StartedPlant editor("armpech");
         QCOMPARE(shown(editor), QString("Меню #MenuRootNode\n"));
         QVERIFY(!editor.view("tvMenu")->isExpanded(editor->element("MenuRootNode")));
     }
 
     void aFolderOfDesktopsShowsNoMenuAtAll() {
-        StartedPlant editor;
-        editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
-        editor.view("tvMenu")->setCurrentIndex(editor->element("shema"));
+        StartedPlant editor("armop", "shema");
         QVERIFY(!passport(editor).isEmpty());
         editor.view("tvDesck")->setCurrentIndex(editor->desck("ceh"));
         QCOMPARE(shown(editor), QString());
@@ -134,8 +129,7 @@ private slots:
     }
 
     void aFolderIsLoadedByItsKey() {
-        StartedPlant editor;
-        editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
+        StartedPlant editor("armop");
         const QString before = shown(editor, {1, 2, 10});
         const QModelIndex folder = editor->element("grafiki");
         editor->m_menuModel->removeRows(0, editor->m_menuModel->rowCount(folder), folder);
@@ -235,8 +229,7 @@ private slots:
     }
 
     void aFailedFetchShowsTheOldRowsAgain() {
-        StartedPlant editor;
-        editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
+        StartedPlant editor("armop");
         const QString before = shown(editor, {1, 2, 8});
         editor.store.sql("ALTER TABLE \"Menu\" RENAME TO \"gone\"");
         editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
@@ -266,8 +259,7 @@ private slots:
     }
 
     void comingBackFetchesAgain() {
-        StartedPlant editor;
-        editor.view("tvDesck")->setCurrentIndex(editor->desck("armpech"));
+        StartedPlant editor("armpech");
         addElement(editor.store, "armpech", "late", "", "Позже", 0);
         QVERIFY(!editor->element("late").isValid());
         editor.view("tvDesck")->setCurrentIndex(editor->desck("ceh"));
@@ -310,8 +302,7 @@ private slots:
     }
 
     void anElementWithoutItsResourceKeepsItsWords() {
-        StartedPlant editor;
-        editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
+        StartedPlant editor("armop");
         const QModelIndex row = editor->element("propal");
         editor->m_menuModel->setData(row.sibling(row.row(), MenuColumn::Type), "слово");
         editor->m_menuModel->setData(row.sibling(row.row(), MenuColumn::Command), "имя");
@@ -339,9 +330,7 @@ private slots:
 
     // Nothing in it can be edited: no record stands behind the root row.
     void theRootRowShowsTheFolderPassport() {
-        StartedPlant editor;
-        editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
-        editor.view("tvMenu")->setCurrentIndex(editor->element("MenuRootNode"));
+        StartedPlant editor("armop", "MenuRootNode");
         QCOMPARE(passport(editor),
                  QStringList({"[properties|Свойства]", "type|Тип|0|true|папка",
                               "name|Наименование|0|true|Меню", "icon|Иконка|3|true|",
@@ -383,9 +372,7 @@ private slots:
     }
 
     void theCategoryIsOpenAndTheFlagsToggleInPlace() {
-        StartedPlant editor;
-        editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
-        editor.view("tvMenu")->setCurrentIndex(editor->element("grafiki"));
+        StartedPlant editor("armop", "grafiki");
         QTreeView* view = editor.view("tvProp");
         QVERIFY(view->isExpanded(view->model()->index(0, 0)));
         QSignalSpy edits(editor->m_propModel.get(), &PropModel::editorRowValueChanged);

@@ -241,8 +241,7 @@ private slots:
     void everyTextCanBeTranslated() {
         Marking marking;
         QVERIFY(qApp->installTranslator(&marking));
-        StartedPlant editor;
-        editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
+        StartedPlant editor("armop");
         QStringList texts = editor.host.titles.mid(0, 1);
         for (const QAction* action : editor->findChildren<QAction*>(QRegularExpression("^act")))
             texts << action->text() << action->toolTip();

@@ -65,9 +65,15 @@ inline QByteArray onClipboard() {
 struct Writing {
     using Fill = void (*)(TestStore&);
 
-    explicit Writing(Fill fill = nullptr) : host(prepared(fill)), editor(host, "Resources") {
+    /// With that row current, if it is told.
+    explicit Writing(Fill fill = nullptr, const char* current = nullptr)
+        : host(prepared(fill))
+        , editor(host, "Resources") {
         editor.startOrFail();
+        if (current)
+            makeCurrent(current);
     }
+    explicit Writing(const char* current) : Writing(nullptr, current) {}
 
     WritingProbe* operator->() { return editor.module.get(); }
 

@@ -57,8 +57,7 @@ private slots:
     }
 
     void aNewRowBesideAResource() {
-        Writing live;
-        live.makeCurrent("rlog");
+        Writing live("rlog");
         live.editor.action("actAddModule")->trigger();
         QCOMPARE(live.current().parent(), live->row("mod"));
         QCOMPARE(live.current().row(), 4);
@@ -125,8 +124,7 @@ private slots:
     }
 
     void aFolderOfTheFileRootBearsTheKeyOfItsRow() {
-        Writing live;
-        live.makeCurrent("FileResources");
+        Writing live("FileResources");
         live.editor.action("actAddFolder")->trigger();
         QCOMPARE(live.current().parent(), live->row("FileResources"));
         QCOMPARE(live.current().row(), 0);
@@ -159,8 +157,7 @@ private slots:
     }
 
     void aNewFolderIsNamedAtOnce() {
-        Writing live;
-        live.makeCurrent("trends");
+        Writing live("trends");
         live.editor.action("actAddFolder")->trigger();
         const QModelIndex value = live->m_propModel->findIndexByKey("caption").siblingAtColumn(1);
         auto* line = qobject_cast<QLineEdit*>(live.propView()->indexWidget(value));
@@ -173,8 +170,7 @@ private slots:
     }
 
     void aNewResourceIsNamedWhenItsRowIsChosen() {
-        Writing live;
-        live.makeCurrent("trends");
+        Writing live("trends");
         live.editor.action("actAddModule")->trigger();
         QVERIFY(live.propView()->findChildren<QLineEdit*>().isEmpty());
         live.type("object", "Fresh");
@@ -183,16 +179,14 @@ private slots:
     }
 
     void aNewRowSwitchesAllActionsOff() {
-        Writing live;
-        live.makeCurrent("trends");
+        Writing live("trends");
         QVERIFY(!live.enabledActions().isEmpty());
         live.editor.action("actAddModule")->trigger();
         QCOMPARE(live.enabledActions(), QStringList());
     }
 
     void nothingIsWrittenYet() {
-        Writing live;
-        live.makeCurrent("trends");
+        Writing live("trends");
         live.editor.action("actAddModule")->trigger();
         live.type("object", "Fresh");
         live.cancel();
@@ -202,8 +196,7 @@ private slots:
     }
 
     void withoutACurrentRowNothingIsAdded() {
-        Writing live;
-        live.makeCurrent("mod");
+        Writing live("mod");
         const QString before = treetext::print(*live->m_resModel, ResColumn::KeyLink);
         live->m_currentKey = "nosuch";
         live->on_actAddModule_triggered();
@@ -229,8 +222,7 @@ private slots:
     }
 
     void anOpenEditIsSavedFirst() {
-        Writing live;
-        live.makeCurrent("rlog");
+        Writing live("rlog");
         live.type("caption", "Дневник");
         QVERIFY(live.editor.action("actAddModule")->isEnabled());
         live.editor.action("actAddModule")->trigger();
@@ -245,8 +237,7 @@ private slots:
     }
 
     void anOpenEditThatIsRefusedComesFirst() {
-        Writing live;
-        live.makeCurrent("trends");
+        Writing live("trends");
         live.type("caption", "");
         live.editor.action("actAddModule")->trigger();
         QCOMPARE(live.box(),
@@ -259,8 +250,7 @@ private slots:
     }
 
     void anOpenEditWithoutAStructureComesFirst() {
-        Writing live;
-        live.makeCurrent("rlog");
+        Writing live("rlog");
         live.type("caption", "Дневник");
         const StructureOutage outage;
         live.editor.action("actAddModule")->trigger();
@@ -269,8 +259,7 @@ private slots:
     }
 
     void aNewRowThatIsRefusedComesFirst() {
-        Writing live;
-        live.makeCurrent("mod");
+        Writing live("mod");
         live.editor.action("actAddModule")->trigger();
         const QString key = live.currentKey();
         live->on_actAddModule_triggered();
@@ -281,8 +270,7 @@ private slots:
     }
 
     void anOpenEditWhoseRowIsGoneIsInNobodysWay() {
-        Writing live;
-        live.makeCurrent("trends");
+        Writing live("trends");
         live.type("caption", "");
         live.makeCurrent("alarms"); // refused, and still open
         QCOMPARE(live.state(), EditRow);
@@ -315,8 +303,7 @@ private slots:
         QFETCH(int, column);
         QFETCH(QString, caption);
         QFETCH(QString, object);
-        Writing live;
-        live.makeCurrent("rlog");
+        Writing live("rlog");
         const QModelIndex index = live->row("rlog");
         QVariantList before;
         for (int i = 0; i < ResColumn::Count; ++i)
@@ -331,8 +318,7 @@ private slots:
     }
 
     void anEditOpensOnce() {
-        Writing live;
-        live.makeCurrent("rlog");
+        Writing live("rlog");
         QVERIFY(!live.buttonsEnabled());
         live.type("params", "-x");
         QCOMPARE(live.state(), EditRow);
@@ -347,8 +333,7 @@ private slots:
     }
 
     void anUnknownRowOpensAnEditToo() {
-        Writing live;
-        live.makeCurrent("rlog");
+        Writing live("rlog");
         const QString before = treetext::print(*live->m_resModel, ResColumn::KeyLink, {1, 2, 7});
         live->on_editor_valueChanged("keylink", QString("Новое"));
         QCOMPARE(live.state(), EditRow);
@@ -358,8 +343,7 @@ private slots:
     }
 
     void withoutACurrentRowNoEditOpens() {
-        Writing live;
-        live.makeCurrent("rlog");
+        Writing live("rlog");
         live->m_currentKey = "nosuch";
         live->on_editor_valueChanged("caption", QString("Новое"));
         QCOMPARE(live.state(), Idle);
@@ -369,8 +353,7 @@ private slots:
     }
 
     void thePassportOfANewRowWritesThatRow() {
-        Writing live;
-        live.makeCurrent("mod");
+        Writing live("mod");
         live.editor.action("actAddModule")->trigger();
         live.type("caption", "Отчёты");
         live.type("object", "Report");
@@ -383,8 +366,7 @@ private slots:
     }
 
     void whatWasTypedIsKept() {
-        Writing live;
-        live.makeCurrent("trends");
+        Writing live("trends");
         live.type("caption", "Новое");
         live.store.update("MenuResourceFolder",
                           {{"KeyLink", QString("trends")}, {"caption", QString("Чужое")}});
@@ -394,8 +376,7 @@ private slots:
     }
 
     void keysEnterTheTreeOneByOne() {
-        Writing live;
-        live.makeCurrent("rlog");
+        Writing live("rlog");
         QLineEdit* line = passportLine(live.propView(), *live->m_propModel, "caption");
         line->selectAll();
         for (int i = 1; i <= 4; ++i) {
@@ -406,8 +387,7 @@ private slots:
     }
 
     void aFixedRowIsEditedLikeAFolder() {
-        Writing live;
-        live.makeCurrent("FileResources");
+        Writing live("FileResources");
         live.type("caption", "Файлы");
         QCOMPARE(live.state(), EditRow);
         QCOMPARE(live.cell("FileResources", ResColumn::Caption), QVariant("Файлы"));
@@ -425,16 +405,14 @@ private slots:
     // The picker
 
     void anotherRowsButtonOpensNoPicker() {
-        Writing live;
-        live.makeCurrent("rlog");
+        Writing live("rlog");
         live->on_passp_buttonpressed("object");
         QCOMPARE(live->m_popTarget, QString("object"));
         QVERIFY(!live->m_popList);
     }
 
     void theIconsButtonOpensThePicker() {
-        Writing live;
-        live.makeCurrent("rlog");
+        Writing live("rlog");
         emit live->m_passpDelegate->buttonPressed("Icon");
         QCOMPARE(live->m_popTarget, QString("Icon"));
         CPopObjectList* list = live->m_popList;
@@ -458,8 +436,7 @@ private slots:
     }
 
     void thePickerIsMadeOnce() {
-        Writing live;
-        live.makeCurrent("rlog");
+        Writing live("rlog");
         live->on_passp_buttonpressed("icon");
         CPopObjectList* list = live->m_popList;
         list->on_btnCancel_clicked();
@@ -501,8 +478,7 @@ private slots:
     }
 
     void aChosenIconEntersTheTree() {
-        Writing live;
-        live.makeCurrent("rlog");
+        Writing live("rlog");
         live->on_passp_buttonpressed("icon");
         CPopObjectList* list = live->m_popList;
         list->tvObj()->setCurrentIndex(findRow(*list->treeModel, "pump.png"));
@@ -532,8 +508,7 @@ private slots:
     }
 
     void aChosenIconGoesToTheRowThatIsCurrentThen() {
-        Writing live;
-        live.makeCurrent("rlog");
+        Writing live("rlog");
         live->on_passp_buttonpressed("icon");
         CPopObjectList* list = live->m_popList;
         list->tvObj()->setCurrentIndex(findRow(*list->treeModel, "pump.png"));
@@ -564,8 +539,7 @@ private slots:
     }
 
     void okForAnotherRowChangesNothing() {
-        Writing live;
-        live.makeCurrent("rlog");
+        Writing live("rlog");
         live->on_passp_buttonpressed("icon");
         live->on_passp_buttonpressed("object");
         live->m_popList->chosenName = "pump.png";
@@ -575,8 +549,7 @@ private slots:
     }
 
     void okWithoutAPickerChangesNothing() {
-        Writing live;
-        live.makeCurrent("rlog");
+        Writing live("rlog");
         live->m_popTarget = "icon";
         live->on_poplist_OK_Pressed();
         QCOMPARE(live.state(), Idle);

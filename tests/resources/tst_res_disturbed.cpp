@@ -32,8 +32,7 @@ private slots:
     // An edit
 
     void anEditedResourceThatIsDeleted() {
-        Writing live;
-        live.makeCurrent("rlog");
+        Writing live("rlog");
         live.type("caption", "Дневник");
         live.store.remove("MenuResource", "rlog");
         live.deliver();
@@ -50,8 +49,7 @@ private slots:
     }
 
     void anEditedFolderThatIsDeleted() {
-        Writing live;
-        live.makeCurrent("alarms");
+        Writing live("alarms");
         live.type("caption", "Тревоги");
         live.store.remove("MenuResourceFolder", "alarms");
         live.deliver();
@@ -62,8 +60,7 @@ private slots:
     }
 
     void aRefusedEditThatIsDeletedIsInNoOtherEditsWay() {
-        Writing live;
-        live.makeCurrent("alarms");
+        Writing live("alarms");
         live.type("caption", "Тренды"); // taken
         live.store.remove("MenuResourceFolder", "alarms");
         live.deliver();
@@ -128,8 +125,7 @@ private slots:
     }
 
     void aNewRowAmongForeignOnes() {
-        Writing live;
-        live.makeCurrent("alarms");
+        Writing live("alarms");
         live.editor.action("actAddModule")->trigger();
         const QString key = live.currentKey();
         live.type("object", "Mid");
@@ -147,8 +143,7 @@ private slots:
     }
 
     void anOpenLineOutlivesABurst() {
-        Writing live;
-        live.makeCurrent("rlog");
+        Writing live("rlog");
         QLineEdit* line = passportLine(live.propView(), *live->m_propModel, "caption");
         line->selectAll();
         typeText(line, "Днев");
@@ -175,8 +170,7 @@ private slots:
     }
 
     void twoEditsInARowAreTwoWrites() {
-        Writing live;
-        live.makeCurrent("rlog");
+        Writing live("rlog");
         live.type("caption", "Дневник");
         live.save();
         live.type("params", "-x");
@@ -195,8 +189,7 @@ private slots:
 
     void aSecondCancelChangesNothing() {
         for (const bool isNew : {true, false}) {
-            Writing live;
-            live.makeCurrent("mod");
+            Writing live("mod");
             if (isNew)
                 live.editor.action("actAddModule")->trigger();
             else
@@ -216,8 +209,7 @@ private slots:
     }
 
     void aCancelAfterTheRecordIsGone() {
-        Writing live;
-        live.makeCurrent("trends");
+        Writing live("trends");
         live.type("caption", "");
         live.makeCurrent("rlog"); // refused
         live->on_common_error_message(nullptr);
@@ -239,8 +231,7 @@ private slots:
     }
 
     void aMovedRowIsSavedWhereItStands() {
-        Writing live;
-        live.makeCurrent("trends");
+        Writing live("trends");
         live.type("caption", "");
         live.makeCurrent("rlog"); // refused
         live->on_common_error_message(nullptr);
@@ -306,8 +297,7 @@ private slots:
     }
 
     void anEditorThatClosesWithItsRowWritesNoOther() {
-        Writing live;
-        live.makeCurrent("trends");
+        Writing live("trends");
         live->on_actAddModule_triggered();
         // Open on a value that was never set, and so shown as another one than it is.
         QVERIFY(passportLine(live.propView(), *live->m_propModel, "object"));
@@ -331,8 +321,7 @@ private slots:
     void aNewRowOutlivesTheMoveOfItsFolder() {
         QFETCH(QString, field);
         QFETCH(QString, value);
-        Writing live;
-        live.makeCurrent("alarms");
+        Writing live("alarms");
         live.editor.action("actAddModule")->trigger();
         const QString key = live.currentKey();
         live.type("object", "Mid");
@@ -350,8 +339,7 @@ private slots:
     }
 
     void aRenamedFolderKeepsTheNewRowInIt() {
-        Writing live;
-        live.makeCurrent("alarms");
+        Writing live("alarms");
         live.type("caption", "Яркие");
         live.editor.action("actAddModule")->trigger(); // saves the new caption first
         const QString key = live.currentKey();
@@ -366,8 +354,7 @@ private slots:
     }
 
     void belowAFolderWhoseNameWasRefusedNothingIsDone() {
-        Writing live;
-        live.makeCurrent("docs");
+        Writing live("docs");
         live.type("caption", "icons"); // another folder's
         QCOMPARE(live->getFilePath(live->row("rmanual")), QString("icons"));
         live.makeCurrent("rmanual");
@@ -386,8 +373,7 @@ private slots:
     }
 
     void theCurrentRowStaysCurrentWhenItsFolderMoves() {
-        Writing live;
-        live.makeCurrent("trends");
+        Writing live("trends");
         live.type("caption", "А");
         live.makeCurrent("rtrend"); // saves the new caption
         live.deliver();
@@ -397,8 +383,7 @@ private slots:
     }
 
     void anOpenLineOutlivesTheMoveOfItsFolder() {
-        Writing live;
-        live.makeCurrent("rtrend");
+        Writing live("rtrend");
         QLineEdit* line = passportLine(live.propView(), *live->m_propModel, "caption");
         line->selectAll();
         typeText(line, "Граф");
@@ -420,8 +405,7 @@ private slots:
     // A question
 
     void theRowOfTheQuestionIsDeleted() {
-        Writing live;
-        live.makeCurrent("rcalc");
+        Writing live("rcalc");
         live.editor.action("actDelete")->trigger();
         QVERIFY(!live.box().isEmpty());
         live.store.remove("MenuResource", "rcalc");
@@ -451,8 +435,7 @@ private slots:
     }
 
     void theFolderOfTheQuestionIsDeleted() {
-        Writing live;
-        live.makeCurrent("rtrend");
+        Writing live("rtrend");
         live.editor.action("actDelete")->trigger();
         live.store.remove("MenuResourceFolder", "trends"); // with a row in it still
         live.deliver();
@@ -464,8 +447,7 @@ private slots:
     }
 
     void aChosenFileIsMovedDuringTheQuestion() {
-        Writing live;
-        live.makeCurrent("rmanual");
+        Writing live("rmanual");
         live.editor.action("actDelete")->trigger();
         live.store.update("MenuResource", {{"KeyLink", QString("rmanual")},
                                            {"MenuResourceFolderKey", QString("deep")}});
@@ -484,8 +466,7 @@ private slots:
     // The picker
 
     void theRowOfThePickerIsDeleted() {
-        Writing live;
-        live.makeCurrent("rlog");
+        Writing live("rlog");
         live->on_passp_buttonpressed("icon");
         CPopObjectList* list = live->m_popList;
         list->tvObj()->setCurrentIndex(findRow(*list->treeModel, "pump.png"));
@@ -538,8 +519,7 @@ private slots:
     }
 
     void aDragIntoAFolderThatIsNotYetSaved() {
-        Writing live;
-        live.makeCurrent("mod");
+        Writing live("mod");
         live.editor.action("actAddFolder")->trigger();
         live.type("caption", "Тренды"); // taken
         const QString key = live.currentKey();
@@ -594,8 +574,7 @@ private slots:
     }
 
     void theSearchFindsTheNewRow() {
-        Writing live;
-        live.makeCurrent("mod");
+        Writing live("mod");
         live.editor.action("actAddModule")->trigger();
         const QString key = live.currentKey();
         auto* line = live.editor.module->findChild<QToolBar*>()->findChild<QLineEdit*>();

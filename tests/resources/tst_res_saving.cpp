@@ -442,8 +442,7 @@ private slots:
     // The end of an edit
 
     void withoutAnEditNothingIsSaved() {
-        Writing live;
-        live.makeCurrent("rlog");
+        Writing live("rlog");
         live->on_save_pressed();
         QCOMPARE(live.state(), Idle);
         live->on_cancel_pressed();

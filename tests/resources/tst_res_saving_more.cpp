@@ -119,8 +119,7 @@ private slots:
 
     void anEditEndsWhenItsRowIsGone() {
         QFETCH(bool, isNew);
-        Writing live;
-        live.makeCurrent("deep");
+        Writing live("deep");
         if (isNew)
             live.editor.action("actAddFolder")->trigger();
         live.type("caption", "");
@@ -201,8 +200,7 @@ private slots:
     // Cancel
 
     void withoutAnEditCancelDisablesTheButtonsOnly() {
-        Writing live;
-        live.makeCurrent("rlog");
+        Writing live("rlog");
         live->m_btnSave->setEnabled(true);
         live->m_btnCancel->setEnabled(true);
         live.cancel();

@@ -7,8 +7,7 @@ class TestResTyped : public QObject {
     Q_OBJECT
 private slots:
     void theEchoOfTheFirstEditComesDuringTheSecond() {
-        Writing live;
-        live.makeCurrent("rlog");
+        Writing live("rlog");
         live.type("caption", "Дневник");
         live.save();
         live.type("params", "-x");
@@ -28,8 +27,7 @@ private slots:
     }
 
     void severalEchoesComeDuringAnEdit() {
-        Writing live;
-        live.makeCurrent("rlog");
+        Writing live("rlog");
         for (const char* caption : {"Раз", "Два", "Три"}) {
             live.type("caption", caption);
             live.save();
@@ -53,8 +51,7 @@ private slots:
     void whatIsTypedOutlivesAChangeOfAnotherField() {
         QFETCH(QString, field);
         QFETCH(QString, value);
-        Writing live;
-        live.makeCurrent("rboiler");
+        Writing live("rboiler");
         live.type("caption", "Котёл № 2");
         live.store.update("MenuResource",
                           {{"KeyLink", QString("rboiler")}, {field.toLatin1().constData(), value}});
@@ -73,8 +70,7 @@ private slots:
     }
 
     void whatIsTypedGivesWayToAnotherInItsField() {
-        Writing live;
-        live.makeCurrent("rlog");
+        Writing live("rlog");
         live.type("caption", "Дневник");
         live.type("params", "-x");
         live.store.update("MenuResource",
@@ -91,8 +87,7 @@ private slots:
     }
 
     void whatIsTypedOutlivesAnOwnDrag() {
-        Writing live;
-        live.makeCurrent("rlog");
+        Writing live("rlog");
         live.type("caption", "Дневник");
         live->on_res_dragdrop(live->row("trends"), {"rlog"});
         live.written();
@@ -116,8 +111,7 @@ private slots:
 
     void whatIsTypedBetweenTheSaveOfANewRowAndItsEcho() {
         QFETCH(QString, action);
-        Writing live;
-        live.makeCurrent("mod");
+        Writing live("mod");
         live.editor.action(qPrintable(action))->trigger();
         const QString key = live.currentKey();
         if (action == "actAddModule")
@@ -137,8 +131,7 @@ private slots:
     }
 
     void aChangeOfTheCurrentRowSavesNoEditElsewhere() {
-        Writing live;
-        live.makeCurrent("trends");
+        Writing live("trends");
         live.type("caption", "");
         live.makeCurrent("rlog"); // refused
         live->on_common_error_message(nullptr);
@@ -152,8 +145,7 @@ private slots:
     }
 
     void aRefusedDropMakesNoRowCurrentLater() {
-        Writing live;
-        live.makeCurrent("rcalc");
+        Writing live("rcalc");
         live.host.writes().refusedTable = "MenuResource";
         live->on_res_dragdrop(live->row("alarms"), {"rlog"});
         live.host.writes().refusedTable.clear();
