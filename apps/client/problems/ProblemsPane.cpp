@@ -1,6 +1,7 @@
 #include "apps/client/problems/ProblemsPane.h"
-#include "apps/client/HostApp.h"
 
+#include "apps/client/ElidedLabel.h"
+#include "apps/client/HostApp.h"
 #include "apps/client/Look.h"
 #include "apps/client/PaneKeys.h"
 #include "frame/Keys.h"
@@ -30,7 +31,7 @@ ProblemsPane::ProblemsPane(ProblemsFeed& feed, bool mayWrite, QWidget* parent)
     , m_show(new QPushButton(QStringLiteral("Показать"), this))
     , m_cure(new QPushButton(QStringLiteral("Исправить"), this))
     , m_stop(new QPushButton(QStringLiteral("Прервать"), this))
-    , m_note(new QLabel(this)) {
+    , m_note(new ElidedLabel({}, Qt::ElideRight, this)) {
     setObjectName(QStringLiteral("problemsPane"));
     auto* all = new QVBoxLayout(this);
     all->setContentsMargins(0, 0, 0, 0);
@@ -100,6 +101,7 @@ void ProblemsPane::makeButtons() {
     m_text->setToolTip(QStringLiteral("Слова из любого столбца, в любом порядке (Ctrl+F)"));
     m_text->setClearButtonEnabled(true);
     m_text->setMinimumWidth(textWidth);
+    m_which->setMinimumWidth(textWidth); // else no narrower than its longest entry
     m_note->setObjectName(QStringLiteral("problemsNote"));
     m_note->setContentsMargins(8, 0, 0, 0);
     QHBoxLayout* row = addPaneRow(*qobject_cast<QVBoxLayout*>(layout()));
