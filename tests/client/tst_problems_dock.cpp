@@ -52,6 +52,40 @@ private slots:
         QCOMPARE(fixture.pane()->view()->accessibleName(), QString("Проблемы"));
     }
 
+    void placesThatDifferAtTheirEndsLookDifferent() {
+        ProblemsFixture fixture;
+        for (const char* branch : {"1", "2"}) {
+            const QString key = QString("p") + branch;
+            QVERIFY(fixture.host.byHand(
+                QString(R"(insert into "MenuFolder" ("KeyLink", "caption", "order_") values )"
+                        R"(('%1', 'Линейные управления Белого Мыса, %2', '2000'))")
+                    .arg(key, branch)));
+            QVERIFY(fixture.host.byHand(
+                QString(R"(insert into "Menu" ("KeyLink", "FolderKey", "caption", "order_", )"
+                        R"("ico") values ('x%1', '%1', 'Узел', 1, 'нет.png'))")
+                    .arg(key)));
+        }
+        fixture.open();
+        QTreeView* view = fixture.pane()->view();
+        const auto places = [&] {
+            QVector<QModelIndex> found;
+            for (int row = 0; row < fixture.model()->rowCount(); ++row)
+                if (fixture.model()->index(row, 0).data().toString().contains("Узел"))
+                    found << fixture.model()->index(row, ProblemsModel::Where);
+            return found;
+        };
+        SOON(places().size() == 2);
+        QVERIFY(places()[0].data() != places()[1].data());
+        view->setAlternatingRowColors(false);
+        view->setColumnWidth(ProblemsModel::Where, 150);
+        const auto picture = [&](const QModelIndex& place) {
+            view->scrollTo(place);
+            return view->viewport()->grab(view->visualRect(place)).toImage();
+        };
+        QVERIFY(picture(places()[0]).width() > 50);
+        QVERIFY(picture(places()[0]) != picture(places()[1]));
+    }
+
     void itsButtonsStandApart() {
         ProblemsFixture fixture;
         fixture.open();

@@ -3,6 +3,7 @@
 #include "apps/client/HostApp.h"
 #include "apps/client/Look.h"
 #include "apps/client/PaneKeys.h"
+#include "apps/client/PlaceDelegate.h"
 #include "apps/client/history/HistoryFilters.h"
 #include "frame/Keys.h"
 #include "frame/Vocabulary.h"
@@ -34,18 +35,6 @@ QPushButton* addButton(QHBoxLayout* row, const QString& text, const char* name) 
     row->addWidget(button);
     return button;
 }
-
-/// Places of one branch begin alike.
-class PlaceDelegate : public ReadableDelegate {
-public:
-    using ReadableDelegate::ReadableDelegate;
-
-protected:
-    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
-        ReadableDelegate::initStyleOption(option, index);
-        option->textElideMode = Qt::ElideLeft;
-    }
-};
 
 } // namespace
 

@@ -4,6 +4,7 @@
 #include "apps/client/HostApp.h"
 #include "apps/client/Look.h"
 #include "apps/client/PaneKeys.h"
+#include "apps/client/PlaceDelegate.h"
 #include "frame/Keys.h"
 
 #include <QComboBox>
@@ -54,6 +55,7 @@ void ProblemsPane::makeView() {
     m_view->setModel(&m_feed.model());
     connect(&m_feed.model(), &QAbstractItemModel::rowsRemoved, this, &ProblemsPane::removed);
     connect(&m_feed, &ProblemsFeed::countChanged, this, &ProblemsPane::goOn);
+    m_view->setItemDelegateForColumn(ProblemsModel::Where, new PlaceDelegate(m_view)); // its child
     m_view->setRootIsDecorated(false);
     m_view->setUniformRowHeights(true);
     m_view->setAlternatingRowColors(true);
