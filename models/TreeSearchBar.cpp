@@ -3,6 +3,7 @@
 #include "frame/Keys.h"
 #include "frame/WindowParts.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QComboBox>
 #include <QHBoxLayout>
