@@ -18,6 +18,7 @@
 #include "apps/client/WindowMemory.h"
 #include "apps/client/Workplace.h"
 #include "apps/client/find/FindCommands.h"
+#include "apps/client/find/FindPane.h"
 #include "apps/client/find/UsesCommands.h"
 #include "apps/client/history/HistoryCommands.h"
 #include "apps/client/problems/ProblemsPane.h"
@@ -271,6 +272,8 @@ void Client::connectAll() {
         rememberModules();
         if (m_memory)
             m_memory->saveWindow(*m_window, m_window->tabs()->currentIndex());
+        if (m_memory && m_find)
+            m_memory->savePane(m_find->pane());
         stop();
     });
     m_window->setCloseCheck([this] {

@@ -7,7 +7,9 @@
 #include "apps/client/PresenceView.h"
 #include "apps/client/StatusLine.h"
 #include "apps/client/UnwrittenPane.h"
+#include "apps/client/WindowMemory.h"
 #include "apps/client/find/FindCommands.h"
+#include "apps/client/find/FindPane.h"
 #include "apps/client/find/UsesCommands.h"
 #include "apps/client/history/HistoryCommands.h"
 #include "apps/client/history/HistoryPane.h"
@@ -112,6 +114,8 @@ void Client::makeFind() {
     const QString icons =
         m_app.m_workDir + QLatin1String(mirrorPath) + QLatin1String(iconFolder) + QLatin1Char('/');
     m_find = std::make_unique<FindCommands>(*m_catalogue, *m_window, *m_history, icons);
+    if (m_memory)
+        m_memory->restorePane(m_find->pane());
     connect(m_pump.get(), &client::NotificationPump::changed, m_find.get(), &FindCommands::changed);
     m_uses =
         std::make_unique<UsesCommands>(*m_catalogue, *m_window, m_app, m_history->jump(), icons);

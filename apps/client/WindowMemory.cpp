@@ -265,8 +265,8 @@ private:
     const QString m_group;
 };
 
-QString paneGroup(const QDockWidget& pane) {
-    return QLatin1String("pane-") + pane.objectName();
+QString paneGroup(const QString& window, const QWidget& pane) {
+    return window + QLatin1String("/pane-") + pane.objectName();
 }
 
 } // namespace
@@ -289,12 +289,8 @@ void WindowMemory::saveWindow(const QMainWindow& window, int tab) const {
     settings.setValue(QStringLiteral("geometry"), window.saveGeometry());
     settings.setValue(QStringLiteral("docks"), window.saveState(dockLayout));
     settings.setValue(QStringLiteral("tab"), tab);
-    for (const QDockWidget* pane : window.findChildren<QDockWidget*>()) {
-        settings.beginGroup(paneGroup(*pane));
-        for (const QTreeView* tree : pane->findChildren<QTreeView*>())
-            saveColumns(settings, *tree);
-        settings.endGroup();
-    }
+    for (const QDockWidget* pane : window.findChildren<QDockWidget*>())
+        savePane(*pane);
 }
 
 int WindowMemory::restoreWindow(QMainWindow& window) const {
@@ -307,10 +303,16 @@ int WindowMemory::restoreWindow(QMainWindow& window) const {
     return settings.value(QStringLiteral("tab")).toInt();
 }
 
-void WindowMemory::restorePane(const QDockWidget& pane) const {
+void WindowMemory::savePane(const QWidget& pane) const {
     QSettings settings = clientSettings();
-    settings.beginGroup(m_group);
-    settings.beginGroup(paneGroup(pane));
+    settings.beginGroup(paneGroup(m_group, pane));
+    for (const QTreeView* tree : pane.findChildren<QTreeView*>())
+        saveColumns(settings, *tree);
+}
+
+void WindowMemory::restorePane(const QWidget& pane) const {
+    QSettings settings = clientSettings();
+    settings.beginGroup(paneGroup(m_group, pane));
     for (const QTreeView* tree : pane.findChildren<QTreeView*>())
         restoreColumns(settings, *tree);
 }

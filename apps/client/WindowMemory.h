@@ -10,7 +10,6 @@
 
 #include <QString>
 
-class QDockWidget;
 class QMainWindow;
 class QSettings;
 class QWidget;
@@ -28,8 +27,10 @@ public:
     void saveWindow(const QMainWindow& window, int tab) const;
     /// Leaves the window as it is where nothing is known; gives the tab, 0 if none is known.
     int restoreWindow(QMainWindow& window) const;
-    /// The column widths of a pane that the window was given after that.
-    void restorePane(const QDockWidget& pane) const;
+    /// The column widths of a pane, known by its object name. Those of docks are saved with the
+    /// window, and restored for those that it has then.
+    void savePane(const QWidget& pane) const;
+    void restorePane(const QWidget& pane) const;
 
     /// The desktop that the user has chosen to see beside the editors: its key; empty: none.
     void saveDesktop(const QString& key) const;

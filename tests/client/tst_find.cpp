@@ -9,9 +9,11 @@
 #include <QComboBox>
 #include <QContextMenuEvent>
 #include <QDockWidget>
+#include <QHeaderView>
 #include <QIcon>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMainWindow>
 #include <QMenu>
 #include <QScrollBar>
 #include <QSet>
@@ -104,6 +106,36 @@ private slots:
         QApplication::sendEvent(fixture.line(), &asked);
         QTRY_VERIFY(!entries.isEmpty());
         QCOMPARE(entries.first(), QString("Открыть"));
+    }
+
+    void theColumnsStayAsTheyWereDrawnAlsoAfterARestart() {
+        Fixture fixture;
+        fixture.client->window()->resize(1200, 800);
+        fixture.open();
+        fixture.list()->header()->resizeSection(FindModel::Name, 411);
+        fixture.list()->header()->resizeSection(FindModel::Object, 97);
+        fixture.client->window()->resize(1100, 800);
+        QTRY_VERIFY(fixture.pane()->width() < 1100);
+        QCOMPARE(fixture.list()->columnWidth(FindModel::Name), 411);
+        fixture.stop();
+        fixture.start();
+        fixture.activate();
+        fixture.open();
+        QCOMPARE(fixture.list()->columnWidth(FindModel::Name), 411);
+        QCOMPARE(fixture.list()->columnWidth(FindModel::Object), 97);
+    }
+
+    void drawnColumnsGiveWayToThePathInASmallWindow() {
+        Fixture fixture;
+        QMainWindow* window = fixture.client->window();
+        window->resize(1400, 800);
+        fixture.open();
+        fixture.list()->header()->resizeSection(FindModel::Name, 700);
+        window->resize(window->minimumSizeHint().expandedTo({1000, 700}));
+        QTRY_VERIFY(fixture.list()->columnWidth(FindModel::Path) >= 100);
+        QVERIFY(fixture.list()->header()->length() <= fixture.list()->width());
+        window->resize(1400, 800);
+        QTRY_COMPARE(fixture.list()->columnWidth(FindModel::Name), 700);
     }
 
     void aDoubleClickGoesToTheRowAndMeetsNothingBelow() {

@@ -23,6 +23,7 @@ public:
 
     /// A change of the store.
     void changed() const;
+    FindPane& pane() const { return *m_pane; }
 
 signals:
     void usesRequested(const orvo::catalogue::Found& found);

@@ -17,6 +17,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <numeric>
 
 namespace orvo::app {
 
@@ -60,6 +61,9 @@ FindPane::FindPane(catalogue::LiveCatalogue& live, std::shared_ptr<catalogue::Se
     m_view->setFrameShape(QFrame::NoFrame);
     m_view->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_view->setTextElideMode(Qt::ElideMiddle);
+    m_view->header()->setStretchLastSection(true);
+    connect(m_view->header(), &QHeaderView::sectionResized, this,
+            [this](int column, int, int width) { takeWidth(column, width); });
     m_note->setObjectName(QStringLiteral("findNote"));
     m_note->setTextFormat(Qt::PlainText);
     auto* all = new QVBoxLayout(this);
@@ -140,15 +144,28 @@ void FindPane::place() {
     const int width = std::min(most, room.width() - 2 * margin);
     const int height = std::min(460, room.height() - 2 * top);
     setGeometry((room.width() - width) / 2, top, width, height);
-    // The path, by which namesakes are told apart, has the rest. What the user has drawn stays.
-    if (std::exchange(m_placedWidth, width) == width)
+    if (std::exchange(m_placedWidth, width) != width)
+        placeColumns(width);
+}
+
+/// The path, by which namesakes are told apart, has what the columns before it leave, and never
+/// nothing.
+void FindPane::placeColumns(int width) {
+    constexpr int leastPath = 160;
+    const int room = m_isDrawn ? width - leastPath : width * 60 / 100;
+    const int wanted = std::accumulate(m_widths.begin(), m_widths.end(), 0);
+    m_isPlacing = true;
+    for (int column = 0; column < FindModel::Path; ++column)
+        m_view->header()->resizeSection(column, wanted > room ? m_widths[column] * room / wanted
+                                                              : m_widths[column]);
+    m_isPlacing = false;
+}
+
+void FindPane::takeWidth(int column, int width) {
+    if (m_isPlacing || column >= FindModel::Path)
         return;
-    constexpr int nameWidth = 340, objectWidth = 160, nounWidth = 130;
-    QHeaderView* header = m_view->header();
-    header->setStretchLastSection(true);
-    header->resizeSection(FindModel::Name, std::min(nameWidth, width * 32 / 100));
-    header->resizeSection(FindModel::Object, std::min(objectWidth, width * 15 / 100));
-    header->resizeSection(FindModel::Noun, std::min(nounWidth, width * 13 / 100));
+    m_widths[column] = width;
+    m_isDrawn = true;
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -13,6 +13,8 @@
 #include <QPointer>
 #include <QTimer>
 
+#include <array>
+
 class QLabel;
 class QLineEdit;
 class QTreeView;
@@ -47,6 +49,8 @@ protected:
 
 private:
     void place();
+    void placeColumns(int width);
+    void takeWidth(int column, int width);
     void search();
     void take(const catalogue::Findings& findings);
     void note(const catalogue::Findings& findings, bool lost);
@@ -63,6 +67,10 @@ private:
     QTreeView* m_view;
     QLabel* m_note;
     int m_placedWidth = 0; ///< for which the columns were laid out last
+    /// Wanted for those before the path; less is shown where there is no room.
+    std::array<int, FindModel::Path> m_widths{340, 160, 130};
+    bool m_isDrawn = false; ///< they are the user's, of now or of last time
+    bool m_isPlacing = false;
     QTimer m_againSoon;
     QPointer<QWidget> m_cameFrom;              ///< what had the focus
     std::shared_ptr<std::atomic<bool>> m_stop; ///< of the search that runs; null: none was made
