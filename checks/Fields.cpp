@@ -87,9 +87,17 @@ Record above(const Catalogue& records, const Record& record) {
 QString pathOf(const Catalogue& records, const Record& record) {
     QStringList path;
     std::unordered_set<uint32_t> passed{record.number()}; // the data may hold circles
-    for (Record at = above(records, record); at && passed.insert(at.number()).second;
-         at = above(records, at))
-        path.prepend(at.name());
+    Record top = record;
+    const auto climb = [&](Record at) {
+        for (; at && passed.insert(at.number()).second; at = above(records, at)) {
+            path.prepend(at.name());
+            top = at;
+        }
+    };
+    climb(above(records, record));
+    // Folders of a menu that hang on nothing, or in a circle, still belong to a desktop.
+    if (&top.table() == &fields().elements)
+        climb(records.linked(record, fields().element.desktop));
     return path.join(QStringLiteral(" / "));
 }
 

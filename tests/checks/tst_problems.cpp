@@ -2,6 +2,7 @@
 #include "tests/store/StoreTest.h"
 
 #include "checks/Cures.h"
+#include "checks/Fields.h"
 #include "checks/Problems.h"
 #include "frame/Vocabulary.h"
 
@@ -72,6 +73,7 @@ private slots:
     void aFindingComesAndGoesWithItsCause();
     void whatNamesARecordIsLookedAtWithIt();
     void aCircleIsToldOnceAndGoesWhenItIsBroken();
+    void anElementInACircleOrBelowNothingIsOnItsDesktop();
     void theFirstOfTwoNamesakesHasTheRight();
     void anIconIsMissedWhenItsFileGoes();
     void theIconOfAResourceIsMissedToo();
@@ -161,6 +163,22 @@ void TestProblems::aCircleIsToldOnceAndGoesWhenItIsBroken() {
     QCOMPARE(watch.look(), QStringList("MenuFolder b circle 3"));
     ORVO_OK(Batch("MenuFolder").remove("x").send(*m_store));
     QCOMPARE(watch.look(), QStringList("MenuFolder b no-parent x"));
+}
+
+void TestProblems::anElementInACircleOrBelowNothingIsOnItsDesktop() {
+    fill();
+    Watch watch(*m_store);
+    const auto pathOfElement = [&] {
+        watch.look();
+        return pathOf(watch.records, watch.records.find(*findTable("Menu"), "E"));
+    };
+    QCOMPARE(pathOfElement(), QString("Стол / Папка"));
+    QVERIFY(m_kind.byHand("UPDATE \"Menu\" SET parent = 'E' WHERE \"KeyLink\" = 'P'"));
+    QCOMPARE(pathOfElement(), QString("Стол / Папка"));
+    QVERIFY(m_kind.byHand("UPDATE \"Menu\" SET parent = 'E' WHERE \"KeyLink\" = 'E'"));
+    QCOMPARE(pathOfElement(), QString("Стол"));
+    QVERIFY(m_kind.byHand("UPDATE \"Menu\" SET parent = 'gone' WHERE \"KeyLink\" = 'E'"));
+    QCOMPARE(pathOfElement(), QString("Стол"));
 }
 
 void TestProblems::theFirstOfTwoNamesakesHasTheRight() {
