@@ -15,6 +15,7 @@
 #include <QSettings>
 #include <QTabBar>
 #include <QTabWidget>
+#include <QToolButton>
 
 using namespace orvo;
 using namespace orvo::test;
@@ -91,6 +92,12 @@ QRect partOf(const QImage& picture, const QWidget& widget, const QRect& part) {
     return {(QPointF(corner) * scale).toPoint(), part.size() * scale};
 }
 
+/// A picture alone, whose words are for screen readers.
+bool showsPictureOnly(const QAbstractButton& button) {
+    const auto* tool = qobject_cast<const QToolButton*>(&button);
+    return tool && tool->toolButtonStyle() == Qt::ToolButtonIconOnly && !tool->icon().isNull();
+}
+
 /// The places of a window where something is written, with what it is.
 std::vector<std::pair<QRect, QString>> textsOn(QWidget& window) {
     std::vector<std::pair<QRect, QString>> all;
@@ -107,7 +114,7 @@ std::vector<std::pair<QRect, QString>> textsOn(QWidget& window) {
         if (const auto* label = qobject_cast<QLabel*>(widget))
             add(label, label->rect(), label->text());
         else if (const auto* button = qobject_cast<QAbstractButton*>(widget))
-            add(button, button->rect(), button->text());
+            add(button, button->rect(), showsPictureOnly(*button) ? QString() : button->text());
         else if (const auto* tabs = qobject_cast<QTabBar*>(widget))
             for (int i = 0; i < tabs->count(); ++i)
                 add(tabs, tabs->tabRect(i).adjusted(6, 4, -6, -4), tabs->tabText(i));
