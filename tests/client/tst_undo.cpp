@@ -209,6 +209,29 @@ private slots:
         QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г"));
     }
 
+    void aFolderOfResourcesIsInTheTreeAgain() {
+        Fixture fixture;
+        fixture.stop();
+        for (const char* kind : {"1", "2", "3"}) // a kind without a folder ends the tree
+            fixture.otherWrites(MDX_INSERT,
+                                {{"KeyLink", kind}, {"type_", kind}, {"caption", kind}},
+                                "MenuResourceFolder");
+        fixture.otherWrites(MDX_INSERT,
+                            {{"KeyLink", "docs"}, {"type_", "4"}, {"caption", "Документы"}},
+                            "MenuResourceFolder");
+        fixture.start();
+        const auto resources = [&] {
+            return RunningClient::below(*fixture.view("tvRes")->model(), {});
+        };
+        const QString before = resources();
+        QVERIFY2(before.contains("Документы"), qPrintable(before));
+        fixture.writes(MDX_DELETE, {{{"KeyLink", "docs"}}}, "MenuResourceFolder");
+        QTRY_VERIFY(!resources().contains("Документы"));
+        QTRY_COMPARE(fixture.undoText(), QString("Отменить: удалить «Документы»"));
+        fixture.undo();
+        QTRY_COMPARE(resources(), before);
+    }
+
     void aBranchWhoseParentIsGoneAsksWhereToGo() {
         Fixture fixture;
         fixture.writes(MDX_DELETE, {{{"KeyLink", "b"}}, {{"KeyLink", "c"}}});

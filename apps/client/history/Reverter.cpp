@@ -15,15 +15,24 @@ namespace {
 
 constexpr int mostLinesTold = 20;
 
-/// The menu editor gives a desktop without a folder, which it has not made itself, no row.
-bool restoresTopDesktop(const history::Inverse& inverse) {
+bool hasText(const store::TableDef& table, const store::Write& write, const char* field) {
+    const int number = table.find(field);
+    return std::any_of(write.values.begin(), write.values.end(), [&](const auto& value) {
+        return value.first == number && !store::textOf(value.second).empty();
+    });
+}
+
+/// The editors give no row to some of what they have not made themselves: a desktop without a
+/// folder, a folder of resources, a file at the top of the file area.
+bool staysOutOfTrees(const history::Inverse& inverse) {
     for (const store::TableWrites& part : inverse.parts)
         for (const store::Write& write : part.writes) {
-            const int parent = part.table->find(field::ParentKey);
-            if (write.flag == MDX_INSERT && part.table == store::findTable(table::MenuFolder) &&
-                std::none_of(write.values.begin(), write.values.end(), [&](const auto& value) {
-                    return value.first == parent && !store::textOf(value.second).empty();
-                }))
+            const std::string_view name = part.table->name;
+            if (write.flag == MDX_INSERT &&
+                (name == table::MenuResourceFolder ||
+                 (name == table::MenuFolder && !hasText(*part.table, write, field::ParentKey)) ||
+                 (name == table::MenuResource &&
+                  !hasText(*part.table, write, field::MenuResourceFolderKey))))
                 return true;
         }
     return false;
@@ -173,7 +182,7 @@ void Reverter::written(const store::Status& status, const RevertPlan& plan) {
         finish(Outcome::Failed);
     } else if (plan.inverse.written) {
         tellWritten(plan);
-        const bool reopen = restoresTopDesktop(plan.inverse);
+        const bool reopen = staysOutOfTrees(plan.inverse);
         finish(Outcome::Written);
         if (reopen)
             emit reopenNeeded();
