@@ -654,6 +654,7 @@ private slots:
         QCOMPARE(QString::fromUtf8(extracted.readAll()), QString("старое"));
         QTest::mouseClick(dialog->findChild<QPushButton*>("versionReturn"), Qt::LeftButton);
         QTRY_COMPARE(list->topLevelItemCount(), 2);
+        QCOMPARE(list->currentItem(), list->topLevelItem(1)); // the one that was chosen
         std::vector<store::StoredFile> files;
         QVERIFY(store.fileGet("docs", "план.txt", true, &files).ok());
         QCOMPARE(QString::fromStdString(files.at(0).bytes), QString("старое"));

@@ -20,6 +20,7 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <cmath>
 
 namespace orvo::app {
@@ -130,6 +131,8 @@ void VersionsDialog::load(const QString& said) {
 }
 
 void VersionsDialog::showVersions(const std::vector<store::KeptVersion>& versions) {
+    const store::KeptVersion* chosen = current();
+    const int64_t chosenId = chosen ? chosen->id : 0;
     m_versions = versions;
     m_list->clear();
     for (const store::KeptVersion& version : versions) {
@@ -140,7 +143,10 @@ void VersionsDialog::showVersions(const std::vector<store::KeptVersion>& version
         row->setText(Until, timeText(version.time));
         row->setText(Who, oneLine(history::personName(version.login, m_names)));
     }
-    m_list->setCurrentItem(m_list->topLevelItem(0));
+    const auto same = std::find_if(versions.begin(), versions.end(),
+                                   [&](const auto& version) { return version.id == chosenId; });
+    const auto row = same == versions.end() ? 0 : same - versions.begin();
+    m_list->setCurrentItem(m_list->topLevelItem(static_cast<int>(row)));
     note(versions.empty() ? QStringLiteral("Прежних версий нет.") : QString());
     for (QPushButton* button : {m_open, m_extract})
         button->setEnabled(!versions.empty());
