@@ -225,7 +225,7 @@ history::Values CatalogueRecords::valuesOf(const store::TableDef& table, const s
 uint32_t* Catalogue::neighbours(Node node) const {
     char* block = m_blocks[node / 8 - 1].get();
     return Layout::slots(block) + std::popcount(uint32_t(Layout::head(block).present)) +
-           2 * (node % 8);
+           size_t(2) * (node % 8);
 }
 
 void Catalogue::link(uint32_t number) {

@@ -10,6 +10,7 @@
 #include "frame/Vocabulary.h"
 #include "frame/WindowParts.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QKeyEvent>
 #include <QLabel>

@@ -192,6 +192,7 @@ void TestAdminHistory::aUserComesBackWithoutHisRights() {
 void TestAdminHistory::badUndoIsRefused() {
     ORVO_REFUSED(run({"undo", "x"}), "«x» не номер изменения");
     ORVO_REFUSED(run({"undo", "0"}), "не номер изменения");
+    ORVO_REFUSED(run({"undo", "9223372036854775807"}), "не номер изменения");
     ORVO_REFUSED(run({"undo", "999999"}), "изменения 999999 в журнале нет");
     ORVO_REFUSED(run({"undo", "1", "--place", "x"}), "--place «x»");
 }

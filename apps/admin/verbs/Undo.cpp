@@ -6,6 +6,7 @@
 #include "platform/store/Names.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace orvo::admin {
 
@@ -50,7 +51,7 @@ std::vector<int64_t> readGroups(const Invocation& call, store::MaintainedStore& 
     for (const QString& argument : call.arguments()) {
         bool good = false;
         const qlonglong id = argument.toLongLong(&good);
-        if (!good || id < 1)
+        if (!good || id < 1 || id == std::numeric_limits<qlonglong>::max())
             throw Failure(std::string(what) + ": «" + argument.toStdString() +
                           "» не номер изменения");
         store::LogQuery query;
