@@ -213,8 +213,7 @@ private slots:
         Fixture fixture;
         fixture.stop();
         for (const char* kind : {"1", "2", "3"}) // a kind without a folder ends the tree
-            fixture.otherWrites(MDX_INSERT,
-                                {{"KeyLink", kind}, {"type_", kind}, {"caption", kind}},
+            fixture.otherWrites(MDX_INSERT, {{"KeyLink", kind}, {"type_", kind}, {"caption", kind}},
                                 "MenuResourceFolder");
         fixture.otherWrites(MDX_INSERT,
                             {{"KeyLink", "docs"}, {"type_", "4"}, {"caption", "Документы"}},
