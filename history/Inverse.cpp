@@ -65,6 +65,10 @@ store::Status planInverse(store::MaintainedStore& store, const Selection& select
     status = planning.collect();
     if (status.ok())
         status = planning.decide();
+    if (status.ok()) {
+        planning.findCuts();
+        status = planning.keepCutsThatWentOn();
+    }
     if (status.ok())
         planning.followCuts();
     if (status.ok())
@@ -136,6 +140,8 @@ QString remarkWords(const Remark& remark, RecordSource& source, const PersonName
             .arg(record, fieldWord(table, remark.field), who);
     case Remark::DeletedSince:
         return QStringLiteral("Не возвращено: %1: с тех пор удалено (%2)").arg(record, who);
+    case Remark::MovedSince:
+        return QStringLiteral("Не возвращено: %1: с тех пор перемещено (%2)").arg(record, who);
     case Remark::NoPlace:
     case Remark::PlaceInside: {
         const store::TableDef* above = targetTable(table, remark.field);

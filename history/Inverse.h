@@ -32,6 +32,7 @@ struct Remark {
     enum Why {
         ChangedSince,  ///< another action has changed the field since
         DeletedSince,  ///< another action has deleted the record since
+        MovedSince,    ///< or cut it: it is another record now
         NoPlace,       ///< the record below which it stood was deleted: see Choices::places
         PlaceInside,   ///< or stands below it now: the same
         BuiltOn,       ///< others have built on what would be deleted: see Choices::othersWorkToo
@@ -58,10 +59,11 @@ struct Remark {
     int field = -1;      ///< ChangedSince, NoPlace, PlaceInside; NameTaken: of a stored record
     std::string missing; ///< NoPlace, PlaceInside: the key that the field would name; NameTaken:
                          ///< the name; NoRights, RightsStay: the login
-    std::string login;   ///< ChangedSince, DeletedSince, NoPlace, BuiltOn, NameTaken, AlreadyDone,
-                         ///< GoneBefore, MakingUndone: whose action it was; Locked: who holds it
-    double time = 0;     ///< and when, or since when
-    int64_t group = 0;   ///< that action; of a whole action: the one that was asked for
+    std::string
+        login; ///< ChangedSince, DeletedSince, MovedSince, NoPlace, BuiltOn, NameTaken,
+               ///< AlreadyDone, GoneBefore, MakingUndone: whose action it was; Locked: who holds it
+    double time = 0;   ///< and when, or since when
+    int64_t group = 0; ///< that action; of a whole action: the one that was asked for
 
     /// Whether Choices::places can help.
     bool asksForPlace() const { return why == NoPlace || why == PlaceInside; }

@@ -216,8 +216,9 @@ store::Status Planning::decide() {
                 update(*table, record);
             } else if (!record.present && !record.wasMadeOrDeleted) {
                 if (deletion || !wasTakenBack)
-                    remark(Remark::DeletedSince, *table, record, -1,
-                           deletion ? deletion->change : nullptr);
+                    status = tellGone(*table, record, deletion ? deletion->change : nullptr);
+                if (!status.ok())
+                    return status;
             } else if (record.presentThen) {
                 record.flag = MDX_INSERT;
                 record.values = std::move(record.then);

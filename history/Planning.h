@@ -38,6 +38,10 @@ public:
     store::Status collect();
     /// What each of them should be.
     store::Status decide();
+    /// Finds which records were written again by a cut, and from which.
+    void findCuts();
+    /// Leaves cuts as they are whose records others have deleted or cut again since.
+    store::Status keepCutsThatWentOn();
     /// If what others have built on is to go, it goes back with a cut: what they have changed in
     /// the record that it made is put into the one that it took away.
     void followCuts();
@@ -97,8 +101,15 @@ private:
     void work(Record& record) const;
     void update(const store::TableDef& table, Record& record);
     bool isSelected(const store::TableDef& table, const std::string& key) const;
-    class Cuts;
-    const Event* makingOf(const Record& record) const;
+    void addMakings(const Record& record, std::set<int64_t>* groups) const;
+    /// Leaves out what those actions have done.
+    void leaveOut(const std::set<int64_t>& stuck, bool* changed);
+    Record* cutFrom(const Record& made) const;
+    /// Whether the deletion is half of a cut.
+    store::Status isCut(const store::TableDef& table, const store::Change& deletion, bool* isOne);
+    /// Says that the record is not there any more. `deletion`: may be null.
+    store::Status tellGone(const store::TableDef& table, const Record& record,
+                           const store::Change* deletion);
     /// Leaves a cut as it is if something of what it made stays.
     void keepCutsWhole(bool* changed);
     void remark(Remark::Why why, const store::TableDef& table, const Record& record, int field = -1,
@@ -176,6 +187,9 @@ private:
     bool m_alone = false;           ///< nothing was written since the actions but by them
     bool m_leftOut = false;         ///< the actions have changed other records than are selected
     std::set<const Record*> m_kept; ///< deletions that are left out
+    std::map<const Record*, Record*> m_cutFrom; ///< what a cut has written; what it deleted for it
+    /// What actions have made, for isCut.
+    std::map<int64_t, std::set<std::pair<const store::TableDef*, std::string>>> m_made;
     bool m_foundUploads = false;
     int64_t m_forgotten = 0;                  ///< versions of changes up to this one may be missing
     std::map<std::string, FormLock> m_locked; ///< by others; by the folded key of the form

@@ -1,13 +1,16 @@
 // What an inverse does with a cut: it wrote anew what it took away, so others may have gone on with
-// the new record. A cut goes back as a whole or stays: else there would be two of it.
+// the new record, or have taken it away. A cut goes back as a whole or stays: else there would be
+// two of it, or somebody's deletion would be taken back unasked.
 #include "history/Planning.h"
 
 #include "frame/Vocabulary.h"
-#include "platform/store/Names.h"
+#include "platform/store/ChangeRecord.h"
 
 #include <algorithm>
 #include <cstring>
+#include <deque>
 #include <map>
+#include <set>
 #include <string>
 #include <utility>
 #include <variant>
@@ -25,57 +28,153 @@ bool isPlace(const store::TableDef& table, int field) {
            targetTable(table, field) != nullptr;
 }
 
+/// Whether the value is none: what is pasted may have an empty text or 0 in place of NULL.
+bool isNone(const store::Value& value) {
+    const auto* text = std::get_if<std::string>(&value);
+    const auto* number = std::get_if<int64_t>(&value);
+    return std::holds_alternative<std::monostate>(value) || (text && text->empty()) ||
+           (number && *number == 0);
+}
+
+/// What a cut leaves as it is.
+std::string contentOf(const store::TableDef& table, const Values& values) {
+    Values content;
+    for (const auto& [field, value] : values)
+        if (!isPlace(table, field) && !isNone(value))
+            content[field] = value;
+    return jsonOf(table, content);
+}
+
+/// The same of what an action has deleted.
+std::string deletedContent(const store::TableDef& table, const store::Change& deletion) {
+    return contentOf(table, store::valuesFromJson(table, deletion.before));
+}
+
 } // namespace
 
-/// Finds the record that is to come back and that the same action has written anew.
-class Planning::Cuts {
-public:
-    Cuts(const store::TableDef& table, Records& records) : m_table(table) {
-        for (auto& [key, gone] : records)
-            if (gone.flag == MDX_INSERT)
-                for (const Event& event : gone.events)
-                    if (event.change->code == OrvoEventDelete)
-                        m_gone.try_emplace({event.change->group, contentOf(gone.values)}, &gone);
+/// A cut is known by what its action has deleted and written again with the same content, however
+/// the two have been changed since; of those that are alike the first belongs to the first.
+void Planning::findCuts() {
+    struct Half {
+        const Event* event;
+        Record* record;
+    };
+    const auto byTime = [](const Half& a, const Half& b) {
+        return a.event->change->id < b.event->change->id;
+    };
+    for (auto& [table, records] : m_records) {
+        if (table == &store::contentTable())
+            continue;
+        std::set<int64_t> making;
+        std::vector<Half> made, gone;
+        for (auto& [key, record] : records)
+            for (const Event& event : record.events)
+                if (isConcerned(event) && event.change->code == OrvoEventInsert) {
+                    making.insert(event.change->group);
+                    made.push_back({&event, &record});
+                }
+        if (made.empty())
+            continue;
+        for (auto& [key, record] : records)
+            for (const Event& event : record.events)
+                if (event.change->code == OrvoEventDelete && making.count(event.change->group) != 0)
+                    gone.push_back({&event, &record});
+        if (gone.empty())
+            continue;
+        std::sort(made.begin(), made.end(), byTime);
+        std::sort(gone.begin(), gone.end(), byTime);
+        std::map<std::pair<int64_t, std::string>, std::deque<Record*>> byContent;
+        for (const Half& half : gone)
+            byContent[{half.event->change->group, deletedContent(*table, *half.event->change)}]
+                .push_back(half.record);
+        for (const Half& half : made) {
+            const auto found =
+                byContent.find({half.event->change->group, contentOf(*table, half.event->after)});
+            if (found == byContent.end() || found->second.empty())
+                continue;
+            m_cutFrom[half.record] = found->second.front();
+            found->second.pop_front();
+        }
     }
-    /// Null: none. `making` wrote it anew.
-    Record* from(const Event& making) const {
-        const auto found = m_gone.find({making.change->group, contentOf(making.after)});
-        return found == m_gone.end() ? nullptr : found->second;
+}
+
+/// The record that is to come back in place of this one, through all the cuts in between; null:
+/// none.
+Planning::Record* Planning::cutFrom(const Record& made) const {
+    Record* origin = nullptr;
+    std::set<const Record*> seen; // a cut that was done again leads back
+    for (const Record* at = &made; seen.insert(at).second; at = origin) {
+        const auto found = m_cutFrom.find(at);
+        if (found == m_cutFrom.end())
+            return nullptr;
+        origin = found->second;
+        if (origin->flag == MDX_INSERT)
+            return origin;
     }
+    return nullptr;
+}
 
-private:
-    /// What a cut leaves as it is.
-    std::string contentOf(const Values& values) const {
-        Values content;
-        for (const auto& [field, value] : values)
-            if (!isPlace(m_table, field) && !std::holds_alternative<std::monostate>(value))
-                content[field] = value;
-        return jsonOf(m_table, content);
+store::Status Planning::isCut(const store::TableDef& table, const store::Change& deletion,
+                              bool* isOne) {
+    constexpr int mostRead = 2000;
+    auto found = m_made.find(deletion.group);
+    if (found == m_made.end()) {
+        found = m_made.try_emplace(deletion.group).first;
+        store::LogQuery query;
+        query.group = deletion.group;
+        std::vector<store::Change> changes;
+        if (store::Status status = m_store.history(query, mostRead, &changes); !status.ok())
+            return status;
+        for (const store::Change& change : changes)
+            if (const store::TableDef* of = tableOf(change.table);
+                of && change.code == OrvoEventInsert)
+                found->second.insert(
+                    {of, contentOf(*of, store::valuesFromJson(*of, change.after))});
     }
+    *isOne = !found->second.empty() &&
+             found->second.count({&table, deletedContent(table, deletion)}) != 0;
+    return {};
+}
 
-    const store::TableDef& m_table;
-    std::map<std::pair<int64_t, std::string>, Record*>
-        m_gone; ///< the first of those that are alike
-};
+store::Status Planning::tellGone(const store::TableDef& table, const Record& record,
+                                 const store::Change* deletion) {
+    bool isMoved = false;
+    store::Status status = deletion ? isCut(table, *deletion, &isMoved) : store::Status();
+    remark(isMoved ? Remark::MovedSince : Remark::DeletedSince, table, record, -1, deletion);
+    return status;
+}
 
-/// The event by which the actions made the record; null if they did not.
-const Planning::Event* Planning::makingOf(const Record& record) const {
-    const auto making =
-        std::find_if(record.events.begin(), record.events.end(), [&](const Event& event) {
-            return isConcerned(event) && event.change->code == OrvoEventInsert;
-        });
-    return making == record.events.end() ? nullptr : &*making;
+/// Restoring what others have taken away since would write it twice, or take their deletion back.
+store::Status Planning::keepCutsThatWentOn() {
+    std::set<int64_t> stuck;
+    for (auto& [table, records] : m_records)
+        for (auto& [key, made] : records) {
+            const auto cut = m_cutFrom.find(&made);
+            if (cut == m_cutFrom.end() || cut->second->flag != MDX_INSERT || made.present ||
+                made.flag != 0)
+                continue;
+            const auto deletion =
+                std::find_if(made.events.rbegin(), made.events.rend(), [&](const Event& event) {
+                    return event.change->code == OrvoEventDelete && counts(event) &&
+                           !isConcerned(event);
+                });
+            if (deletion == made.events.rend())
+                continue;
+            addMakings(made, &stuck);
+            if (store::Status status = tellGone(*table, made, deletion->change); !status.ok())
+                return status;
+        }
+    bool changed = false;
+    leaveOut(stuck, &changed);
+    return {};
 }
 
 void Planning::followCuts() {
     if (m_alone || !m_choices.othersWorkToo)
         return;
-    for (auto& [table, records] : m_records) {
-        const Cuts cuts(*table, records);
+    for (auto& [table, records] : m_records)
         for (auto& [key, made] : records) {
-            const Event* making =
-                made.flag == MDX_DELETE && made.builtOn ? makingOf(made) : nullptr;
-            Record* gone = making ? cuts.from(*making) : nullptr;
+            Record* gone = made.flag == MDX_DELETE && made.builtOn ? cutFrom(made) : nullptr;
             if (!gone)
                 continue;
             for (const Event& event : made.events)
@@ -84,22 +183,24 @@ void Planning::followCuts() {
                         if (!isPlace(*table, field))
                             gone->values[field] = value;
         }
-    }
 }
 
 void Planning::keepCutsWhole(bool* changed) {
     std::set<int64_t> stuck;
-    if (m_kept.empty())
-        return;
-    for (auto& [table, records] : m_records) {
-        const Cuts cuts(*table, records);
-        for (auto& [key, made] : records)
-            if (const Event* making = m_kept.count(&made) != 0 ? makingOf(made) : nullptr;
-                making && cuts.from(*making))
-                for (const Event& event : made.events)
-                    if (isConcerned(event) && event.change->code == OrvoEventInsert)
-                        stuck.insert(event.change->group);
-    }
+    for (const Record* kept : m_kept)
+        if (cutFrom(*kept))
+            addMakings(*kept, &stuck);
+    leaveOut(stuck, changed);
+}
+
+/// The actions that have made the record.
+void Planning::addMakings(const Record& record, std::set<int64_t>* groups) const {
+    for (const Event& event : record.events)
+        if (isConcerned(event) && event.change->code == OrvoEventInsert)
+            groups->insert(event.change->group);
+}
+
+void Planning::leaveOut(const std::set<int64_t>& stuck, bool* changed) {
     if (stuck.empty())
         return;
     for (auto& [table, records] : m_records)

@@ -55,7 +55,6 @@ private slots:
     void anActionWithoutItsBeginningIsNamed();
     void whatIsGoneWithItsMakingIsNotCalledDeleted();
     void actionsOfAnOldStoreAreTakenBack();
-    void aCutGoesBackAsAWholeWithWhatOthersChanged();
     void whoDidItAgainHasNotBuiltOnIt();
 
 private:
@@ -700,43 +699,6 @@ void TestHistoryUndo::actionsOfAnOldStoreAreTakenBack() {
     ORVO_OK(undo(*m_anna, groups, {}, &done));
     QVERIFY(done.written);
     QCOMPARE(elements(), 0);
-}
-
-void TestHistoryUndo::aCutGoesBackAsAWholeWithWhatOthersChanged() {
-    ORVO_OK(Batch("Menu")
-                .update("c", {{"params", "p"}})
-                .insert("e", {{"caption", "Г"}, {"parent", "b"}})
-                .send(*m_anna));
-    const QStringList before = snapshot();
-    ORVO_OK(Batch("Menu")
-                .insert("c2", {{"caption", "В"}, {"params", "p"}, {"parent", "a"}})
-                .insert("e2", {{"caption", "Г"}, {"parent", "a"}})
-                .send(*m_anna));
-    const int64_t cut = last(*m_anna);
-    m_anna->joinGroup(cut);
-    ORVO_OK(Batch("Menu").remove("c").remove("e").send(*m_anna));
-    m_anna->joinGroup(0);
-    rename(*m_boris, "c2", "Борисова");
-    const QStringList after = snapshot();
-    Inverse done;
-    Choices partly;
-    partly.partly = true;
-    ORVO_OK(undo(*m_anna, {cut}, partly, &done)); // no second one comes to be
-    QVERIFY(!done.written && done.asks());
-    QVERIFY2(remarks(done).join('\n').contains("«Борисова»: на этом построено другое (boris, "),
-             qPrintable(remarks(done).join('\n')));
-    QCOMPARE(snapshot(), after);
-    Choices choices;
-    choices.othersWorkToo = true;
-    ORVO_OK(undo(*m_anna, {cut}, choices, &done));
-    QVERIFY(done.written);
-    QCOMPARE(snapshot(), QStringList(before).replaceInStrings("В", "Борисова"));
-    rename(*m_boris, "c", "Б3");
-    const int64_t undone = last(*m_anna);
-    ORVO_OK(undo(*m_anna, {undone}, {}, &done)); // again
-    QVERIFY(!done.written);
-    ORVO_OK(undo(*m_anna, {undone}, choices, &done));
-    QCOMPARE(snapshot(), QStringList(after).replaceInStrings("Борисова", "Б3"));
 }
 
 void TestHistoryUndo::whoDidItAgainHasNotBuiltOnIt() {
