@@ -6,8 +6,13 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QHeaderView>
+#include <QKeyEvent>
+#include <QLineEdit>
 #include <QScrollBar>
 #include <QTime>
+#include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace orvo::app {
 
@@ -46,10 +51,30 @@ void LogPane::add(int level, const QString& place, const QString& text) {
     else if (level >= LogWarning)
         line->setForeground(2, QColor(0x8a, 0x5a, 0x00));
     addTopLevelItem(line);
+    line->setHidden(!hasWords(*line));
     while (topLevelItemCount() > mostLines)
         delete takeTopLevelItem(0);
     if (atEnd)
         scrollToBottom();
+}
+
+void LogPane::showOnlyThoseWith(const QString& words) {
+    m_words = alike(words).simplified().split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    for (int i = 0; i < topLevelItemCount(); ++i)
+        topLevelItem(i)->setHidden(!hasWords(*topLevelItem(i)));
+    if (currentItem())
+        scrollToItem(currentItem());
+    else
+        scrollToBottom();
+}
+
+bool LogPane::hasWords(const QTreeWidgetItem& line) const {
+    if (m_words.isEmpty())
+        return true;
+    const QString text =
+        alike(line.text(0) + QLatin1Char('\n') + line.text(1) + QLatin1Char('\n') + line.text(2));
+    return std::all_of(m_words.begin(), m_words.end(),
+                       [&](const QString& word) { return text.contains(word); });
 }
 
 void LogPane::copySelected() const {
@@ -58,6 +83,35 @@ void LogPane::copySelected() const {
         lines << line->text(0) + QLatin1Char('\t') + line->text(1) + QLatin1Char('\t') +
                      line->text(2);
     QGuiApplication::clipboard()->setText(lines.join(QLatin1Char('\n')));
+}
+
+LogSearch::LogSearch(LogPane* log) : m_log(log), m_text(new QLineEdit(this)) {
+    auto* all = new QVBoxLayout(this);
+    all->setContentsMargins(0, 0, 0, 0);
+    all->setSpacing(0);
+    all->addWidget(log);
+    all->addWidget(m_text);
+    setFocusProxy(log);
+    m_text->setObjectName(QStringLiteral("logText"));
+    m_text->setAccessibleName(QStringLiteral("Найти в журнале"));
+    m_text->setPlaceholderText(QStringLiteral("Найти в журнале"));
+    m_text->setToolTip(QStringLiteral("Слова из любого столбца, в любом порядке (Ctrl+F)"));
+    m_text->setClearButtonEnabled(true);
+    m_text->hide();
+    m_text->installEventFilter(this);
+    connect(m_text, &QLineEdit::returnPressed, log, qOverload<>(&QWidget::setFocus));
+    connect(m_text, &QLineEdit::textChanged, log, &LogPane::showOnlyThoseWith);
+}
+
+bool LogSearch::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress &&
+        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+        m_text->clear();
+        m_log->setFocus();
+        m_text->hide();
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 } // namespace orvo::app

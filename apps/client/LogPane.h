@@ -1,8 +1,10 @@
-// LogPane.h: the list of messages at the foot of the window.
+// LogPane.h: the list of messages at the foot of the window, and the field by which it is searched.
 #ifndef ORVO_APPS_CLIENT_LOGPANE_H
 #define ORVO_APPS_CLIENT_LOGPANE_H
 
 #include <QTreeWidget>
+
+class QLineEdit;
 
 namespace orvo::app {
 
@@ -18,9 +20,30 @@ public:
     explicit LogPane(QWidget* parent = nullptr);
     /// Adds a line. A text of several lines is shown as one.
     void add(int level, const QString& place, const QString& text);
+    /// Hides the lines, also those that are added later, that lack one of the words; none: shows
+    /// all.
+    void showOnlyThoseWith(const QString& words);
 
 private:
+    bool hasWords(const QTreeWidgetItem& line) const;
     void copySelected() const;
+
+    QStringList m_words;
+};
+
+/// The log with a field below it, which comes by the key of the search (addPaneKeys()) and goes by
+/// Esc, and with it what it hid.
+class LogSearch : public QWidget {
+    Q_OBJECT
+public:
+    explicit LogSearch(LogPane* log); // becomes the parent
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    LogPane* m_log;
+    QLineEdit* m_text; ///< child
 };
 
 } // namespace orvo::app

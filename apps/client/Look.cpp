@@ -38,6 +38,10 @@ QString plainToolTip(const QString& text, const QString& hint) {
     return tip;
 }
 
+QString alike(const QString& text) {
+    return text.toCaseFolded().replace(QChar(0x451), QChar(0x435)); // ё, е
+}
+
 QString oneLine(QString text, int longest) {
     text = clipped(text, longest);
     for (QChar& letter : text)

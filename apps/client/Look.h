@@ -21,6 +21,9 @@ QString clipped(const QString& text, int longest = 2000);
 /// of a long one as "…".
 QString oneLine(QString text, int longest = 120);
 
+/// With the letters made equal that a search in a pane takes for the same.
+QString alike(const QString& text);
+
 /// A further row of a pane, for controls: apart from each other and from the pane's edges, while
 /// the pane's rows touch. The layout owns it.
 QHBoxLayout* addPaneRow(QVBoxLayout& pane);

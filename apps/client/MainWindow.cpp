@@ -47,7 +47,9 @@ MainWindow::MainWindow(const QString& store, const QString& login)
     setCentralWidget(m_tabs);
     setStatusBar(m_status);
     m_logDock->setObjectName(QStringLiteral("logDock"));
-    m_logDock->setWidget(m_log);
+    auto* search = new LogSearch(m_log); // the dock's child
+    addPaneKeys(*search);
+    m_logDock->setWidget(search);
     m_logDock->setFeatures(QDockWidget::DockWidgetClosable | QDockWidget::DockWidgetMovable);
     addDockWidget(Qt::BottomDockWidgetArea, m_logDock);
     makeMenus();

@@ -54,6 +54,7 @@ void addPaneKeys(QWidget& pane) {
     onPaneKey(pane, keys::find, [field = QPointer<QLineEdit>(field)] {
         if (!field)
             return;
+        field->show(); // one that comes when it is wanted
         field->setFocus(Qt::ShortcutFocusReason);
         field->selectAll();
     });

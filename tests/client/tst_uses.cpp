@@ -308,6 +308,26 @@ private slots:
         }
     }
 
+    void theLogIsSearchedByTheKeyUntilEsc() {
+        Fixture fixture;
+        app::LogPane* log = fixture.client->window()->logPane();
+        log->clear();
+        log->add(app::LogInformation, "Учёт", "Насос");
+        log->add(app::LogError, "Запись", "Кран");
+        log->setFocus();
+        QTest::keyClick(log, Qt::Key_F, Qt::ControlModifier);
+        QTRY_COMPARE(QApplication::focusWidget()->objectName(), QString("logText"));
+        keyClicks(QApplication::focusWidget(), "насос учет");
+        QVERIFY(!log->topLevelItem(0)->isHidden());
+        QVERIFY(log->topLevelItem(1)->isHidden());
+        log->add(app::LogError, "Запись", "Кран");
+        QVERIFY(log->topLevelItem(2)->isHidden());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        QCOMPARE(QApplication::focusWidget(), log);
+        QVERIFY(!log->topLevelItem(1)->isHidden());
+        QVERIFY(!fixture.child<QWidget>("logText")->isVisible());
+    }
+
     void theKeyAsksFromThePassportToo() {
         Fixture fixture;
         fixture.choose("r1");

@@ -45,11 +45,6 @@ const QString& textOf(const ProblemRow& row, int column) {
     }
 }
 
-/// With the letters made equal that a search takes for the same.
-QString alike(const QString& text) {
-    return text.toCaseFolded().replace(QChar(0x451), QChar(0x435)); // ё, е
-}
-
 /// What rows are compared by in a column: errors first, whichever it is.
 QString keyOf(const ProblemRow& row, int column) {
     if (column < 0)
