@@ -5,6 +5,7 @@
 #include <QAbstractItemModelTester>
 #include <QComboBox>
 #include <QDockWidget>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -84,6 +85,18 @@ private slots:
         };
         QVERIFY(picture(places()[0]).width() > 50);
         QVERIFY(picture(places()[0]) != picture(places()[1]));
+    }
+
+    void aSearchThatHidesAllSaysSo() {
+        ProblemsFixture fixture;
+        fixture.open();
+        SOON(fixture.isKnown() && fixture.model()->rowCount() > 0);
+        const auto* note = fixture.child<QLabel>("problemsNote");
+        const QString before = note->text();
+        fixture.child<QLineEdit>("problemsText")->setText("такого нет");
+        QCOMPARE(note->text(), "Не показано ни одной. " + before);
+        fixture.child<QLineEdit>("problemsText")->clear();
+        QCOMPARE(note->text(), before);
     }
 
     void itsButtonsStandApart() {

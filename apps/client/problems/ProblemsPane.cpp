@@ -82,6 +82,7 @@ void ProblemsPane::makeView() {
     connect(model, &QAbstractItemModel::dataChanged, this, &ProblemsPane::updateActions);
     connect(model, &QAbstractItemModel::modelAboutToBeReset, this, &ProblemsPane::remember);
     connect(model, &QAbstractItemModel::modelReset, this, &ProblemsPane::restore);
+    connect(model, &QAbstractItemModel::modelReset, this, &ProblemsPane::note); // of what is hidden
 }
 
 void ProblemsPane::makeButtons() {
@@ -255,7 +256,10 @@ void ProblemsPane::note() {
     else if (m_feed.errors() + m_feed.warnings() == 0)
         m_note->setText(QStringLiteral("Проблем нет."));
     else
-        m_note->setText(QStringLiteral("Ошибок: %1, замечаний: %2")
+        m_note->setText(QStringLiteral("%1Ошибок: %2, замечаний: %3")
+                            .arg(m_feed.model().rowCount() == 0
+                                     ? QStringLiteral("Не показано ни одной. ")
+                                     : QString())
                             .arg(m_feed.errors())
                             .arg(m_feed.warnings()));
     updateActions();
