@@ -132,7 +132,7 @@ private slots:
         SOON(fixture.isKnown());
         fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "c"}, {"parent", "gone"}});
         SOON(fixture.elements().join('\n').contains(
-            "элемент меню «в»||нет родителя gone|перенести на верхний уровень"));
+            "элемент меню «в»|КС-1|нет родителя gone|перенести на верхний уровень"));
         fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "c"}, {"parent", "b"}});
         fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "d"}, {"order_", "2000"}});
         SOON(fixture.elements().isEmpty());
