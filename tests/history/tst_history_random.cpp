@@ -94,6 +94,7 @@ private:
     QRandomGenerator m_random;
     std::vector<std::unique_ptr<MaintainedStore>> m_users;
     std::vector<Action> m_actions;
+    size_t m_takenBack = 0; ///< of all actions of a run
     int m_made = 0;
 };
 
@@ -319,9 +320,12 @@ void TestHistoryRandom::ofEachOnlyHisOwnIsTakenBack() {
         act(size_t(number(4)));
     std::vector<size_t> logins = {0, 1, 2, 3};
     std::shuffle(logins.begin(), logins.end(), m_random);
+    m_takenBack = 0;
     for (const size_t who : logins)
         if (!QTest::currentTestFailed())
             takeBackOf(who, before, begin);
+    // All that one has done may have become part of what others did.
+    QVERIFY(m_takenBack >= m_actions.size() / 4);
 }
 
 void TestHistoryRandom::takeBackOf(size_t who, const State& before, int64_t begin) {
@@ -346,7 +350,7 @@ void TestHistoryRandom::takeBackOf(size_t who, const State& before, int64_t begi
             actions.push_back(action);
     const size_t made = actions.size();
     undoAll(actions);
-    QVERIFY2(made == 0 || actions.size() < made, "nothing was taken back");
+    m_takenBack += made - actions.size();
     for (const Action& action : actions) { // left only for a reason
         Inverse plan;
         const Status status = undo(*m_users[who], {action.group}, {}, &plan);
