@@ -56,6 +56,8 @@ inline constexpr char versions[] = "versions";
 inline constexpr char problems[] = "problems";
 inline constexpr char unwritten[] = "unwritten";
 inline constexpr char failure[] = "failure";
+inline constexpr char beside[] = "beside";
+inline constexpr char ownWindow[] = "ownWindow";
 inline constexpr char find[] = "find";
 inline constexpr char findAll[] = "findAll";
 inline constexpr char uses[] = "uses";
@@ -111,6 +113,8 @@ inline constexpr Command commands[] = {
     {problems, Menu::View, "F8", "Проблемы", "открыть или закрыть список того, что не так"},
     {unwritten, Menu::View, "Shift+F8", "Не записано", "открыть или закрыть список того, что не записано"},
     {failure, Menu::View, "F12", "Сообщение о сбое", "прочесть строку сбоя целиком; ещё раз или Esc — убрать"},
+    {beside, Menu::View, "F11", "Рядом с вкладками", "вынуть редактор или форму из вкладок и поставить рядом; ещё раз — вернуть"},
+    {ownWindow, Menu::View, "Shift+F11", "В отдельном окне", "то же в своём окне, например на втором мониторе; ещё раз — вернуть"},
     {find, Menu::Go, "Ctrl+F", "Найти", "поле поиска дерева, в котором стоит курсор"},
     {findAll, Menu::Go, "Ctrl+K", "Найти всё", "поиск по столам, элементам, ресурсам, файлам и людям"},
     {uses, Menu::Go, "F9", "Где используется", "где используется ресурс текущей строки"},

@@ -10,6 +10,7 @@
 #include "apps/client/LogReading.h"
 #include "apps/client/MainWindow.h"
 #include "apps/client/ModuleTabs.h"
+#include "apps/client/PageDocks.h"
 #include "apps/client/PresenceView.h"
 #include "apps/client/Screenshot.h"
 #include "apps/client/StatusLine.h"
@@ -165,6 +166,8 @@ void Client::show() {
         m_workplace->open(m_options.desktop);
     else
         m_workplace->openRemembered();
+    if (m_memory)
+        m_window->pageDocks().restore(m_memory->editorsOut());
     m_window->tabs()->setCurrentIndex(tab);
     if (!isWorkplace())
         m_window->focusPage();
@@ -271,7 +274,8 @@ void Client::connectAll() {
     connect(m_window.get(), &MainWindow::closing, this, [this] {
         rememberModules();
         if (m_memory)
-            m_memory->saveWindow(*m_window, m_window->tabs()->currentIndex());
+            m_memory->saveWindow(*m_window, m_window->tabs()->currentIndex(),
+                                 m_window->pageDocks().editors());
         if (m_memory && m_find)
             m_memory->savePane(m_find->pane());
         stop();

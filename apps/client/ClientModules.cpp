@@ -6,6 +6,7 @@
 #include "apps/client/LogPane.h"
 #include "apps/client/MainWindow.h"
 #include "apps/client/ModuleTabs.h"
+#include "apps/client/PageDocks.h"
 #include "apps/client/WaitCursor.h"
 #include "apps/client/WindowMemory.h"
 #include "apps/client/Workplace.h"
@@ -99,7 +100,7 @@ void Client::openFurther(const QStringList& modules) {
             openModule(name);
         }
     if (!modules.isEmpty())
-        m_window->tabs()->setCurrentModule(modules.first());
+        m_window->showEditor(modules.first());
 }
 
 void Client::reopenModules(const QString& why, bool must, const QString& title) {
@@ -139,6 +140,7 @@ void Client::reopenNow(const QString& why) {
     }
     m_outdated = false;
     const ModuleTabs::Order tabs = m_window->tabs()->order();
+    m_window->pageDocks().keepPlaces();
     rememberModules();
     m_launcher->rememberModules();
     m_launcher->setConnected(true);
@@ -148,6 +150,7 @@ void Client::reopenNow(const QString& why) {
     openModules();
     m_workplace->reopen();
     m_launcher->reopenModules();
+    m_window->pageDocks().fill();
     m_window->tabs()->arrange(tabs);
     m_mirror->refresh();
     m_app.log(LogWarning, QStringLiteral("Клиент"), why);

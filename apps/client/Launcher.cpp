@@ -396,7 +396,7 @@ void Launcher::mark(Opened& opened, const QString& why) {
     if (!opened.page)
         return;
     opened.isMarked = true;
-    m_context.window.tabs()->markPage(opened.page, why);
+    m_context.window.markPage(opened.page, why);
 }
 
 } // namespace orvo::app

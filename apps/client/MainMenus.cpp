@@ -3,6 +3,7 @@
 #include "apps/client/DeskDock.h"
 #include "apps/client/MainWindow.h"
 #include "apps/client/ModuleTabs.h"
+#include "apps/client/PageDocks.h"
 #include "apps/client/StatusLine.h"
 #include "apps/client/WindowMemory.h"
 #include "frame/Keys.h"
@@ -16,6 +17,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QSettings>
+#include <QTabBar>
 
 #include <algorithm>
 #include <utility>
@@ -55,8 +57,10 @@ void MainWindow::makeMenus() {
     store->setObjectName(QStringLiteral("actStore"));
     store->setShortcuts(keys::sequences(*keys::command(QLatin1String(keys::openStore))));
     connect(store, &QAction::triggered, this, &MainWindow::storeRequested, Qt::QueuedConnection);
-    connect(addCommand(keys::closeTab, client, true), &QAction::triggered, m_tabs,
-            &ModuleTabs::closeCurrent);
+    connect(addCommand(keys::closeTab, client, true), &QAction::triggered, this, [this] {
+        if (QWidget* page = m_pageDocks->current())
+            m_pageDocks->close(page);
+    });
     client->addSeparator();
     connect(addCommand(keys::quit, client), &QAction::triggered, this, &QWidget::close,
             Qt::QueuedConnection);
@@ -65,6 +69,7 @@ void MainWindow::makeMenus() {
     m_view->addAction(m_logDock->toggleViewAction());
     connect(addCommand(keys::failure, m_view), &QAction::triggered, m_status,
             &StatusLine::readFailure);
+    makePlaceCommands();
     m_view->addSeparator();
     m_stay = m_view->addAction(QStringLiteral("&Не переводить меня к правкам других"));
     m_stay->setObjectName(QStringLiteral("actStay"));
@@ -79,10 +84,53 @@ void MainWindow::makeMenus() {
     for (QMenu* menu : {m_edit, m_view, m_go, m_help})
         connect(menu, &QMenu::aboutToShow, this, [this] {
             showModuleEntries(); // a module may have made more of them since
-            if (auto* module = qobject_cast<COrvoCliMod*>(m_tabs->currentWidget()))
+            if (auto* module = qobject_cast<COrvoCliMod*>(m_pageDocks->current()))
                 module->slot_modNotify(QStringLiteral("menus"), {});
         });
-    connect(m_tabs, &QTabWidget::currentChanged, this, &MainWindow::showModuleEntries);
+    connect(m_pageDocks.get(), &PageDocks::currentChanged, this, &MainWindow::showModuleEntries);
+}
+
+/// The page on show beside the others or in a window of its own, and back: in the menu and at its
+/// tab.
+void MainWindow::makePlaceCommands() {
+    m_view->addSeparator();
+    QAction* beside = addCommand(keys::beside, m_view);
+    QAction* window = addCommand(keys::ownWindow, m_view);
+    const auto add = [this](QAction* action, PageDocks::Place place) {
+        action->setCheckable(true);
+        connect(action, &QAction::triggered, this, [this, place] {
+            QWidget* page = m_pageDocks->current();
+            if (!page)
+                return;
+            if (m_pageDocks->placeOf(page) == place)
+                m_pageDocks->putBack(page);
+            else
+                m_pageDocks->takeOut(page, place);
+        });
+    };
+    add(beside, PageDocks::Place::Beside);
+    add(window, PageDocks::Place::OwnWindow);
+    connect(m_pageDocks.get(), &PageDocks::currentChanged, this, [this, beside, window] {
+        const QWidget* page = m_pageDocks->current();
+        for (QAction* action : {beside, window})
+            action->setEnabled(page != nullptr);
+        beside->setChecked(m_pageDocks->placeOf(page) == PageDocks::Place::Beside);
+        window->setChecked(m_pageDocks->placeOf(page) == PageDocks::Place::OwnWindow);
+    });
+    QTabBar* bar = m_tabs->tabBar();
+    bar->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(bar, &QWidget::customContextMenuRequested, this,
+            [this, bar, beside, window](QPoint at) {
+                const int index = bar->tabAt(at);
+                if (index < 0 || m_isWorkplace)
+                    return;
+                m_tabs->setCurrentIndex(index);
+                focusPage();
+                auto* menu = new QMenu(this);
+                menu->setAttribute(Qt::WA_DeleteOnClose);
+                menu->addActions({beside, window});
+                menu->popup(bar->mapToGlobal(at));
+            });
 }
 
 /// What the mouse does at the tabs and between the parts of the window.
@@ -126,7 +174,7 @@ void MainWindow::stepTab(int by) {
 }
 
 void MainWindow::focusPage() {
-    QWidget* page = m_tabs->currentWidget();
+    QWidget* page = m_pageDocks->current();
     if (!page)
         return;
     QWidget* part = page->focusWidget();
@@ -143,7 +191,7 @@ void MainWindow::showModuleEntries() {
         for (QAction* action : menu->actions())
             if (action->property(entryProperty).isValid())
                 menu->removeAction(action);
-    const QWidget* page = m_tabs->currentWidget();
+    const QWidget* page = m_pageDocks->current();
     if (!page)
         return;
     QMap<int, QMenu*> menus{{int(keys::Menu::Edit), m_edit},
@@ -186,7 +234,7 @@ void MainWindow::focusPart(int by) {
         if (views.empty())
             parts.push_back(part);
     };
-    if (QWidget* page = m_tabs->currentWidget()) {
+    for (QWidget* page : m_pageDocks->shown()) {
         addViews(page);
         for (QWidget* child : page->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly))
             if (child->isVisible() && child->property(paletteProperty).toBool())
@@ -194,7 +242,8 @@ void MainWindow::focusPart(int by) {
     }
     for (const QDockWidget* dock :
          findChildren<QDockWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
-        if (dock->isHidden() || dock->visibleRegion().isEmpty() || !dock->widget())
+        if (dock->isHidden() || dock->visibleRegion().isEmpty() || !dock->widget() ||
+            m_pageDocks->placeOf(dock->widget()))
             continue;
         if (dynamic_cast<const DeskDock*>(dock) != nullptr)
             parts.push_back(dock->widget());
@@ -206,10 +255,19 @@ void MainWindow::focusPart(int by) {
     const QWidget* focus = QApplication::focusWidget();
     const int count = static_cast<int>(parts.size());
     int next = by > 0 ? 0 : count - 1;
-    for (int i = 0; i < count; ++i)
-        if (focus && (parts[i] == focus || parts[i]->isAncestorOf(focus) ||
-                      (focus->window() != this && parts[i]->window() == focus->window())))
-            next = (i + by + count) % count;
+    const auto holds = [focus](const QWidget* part) {
+        return part == focus || part->isAncestorOf(focus);
+    };
+    const auto isInWindow = [this, focus](const QWidget* part) {
+        return focus->window() != this && part->window() == focus->window();
+    };
+    if (focus) {
+        auto at = std::find_if(parts.begin(), parts.end(), holds);
+        if (at == parts.end()) // in a field of a palette, say
+            at = std::find_if(parts.begin(), parts.end(), isInWindow);
+        if (at != parts.end())
+            next = (static_cast<int>(at - parts.begin()) + by + count) % count;
+    }
     QWidget* part = parts[static_cast<size_t>(next)];
     part->activateWindow(); // a palette is one of its own
     part->setFocus(Qt::ShortcutFocusReason);

@@ -5,6 +5,7 @@
 #include "apps/client/LogPane.h"
 #include "apps/client/Look.h"
 #include "apps/client/ModuleTabs.h"
+#include "apps/client/PageDocks.h"
 #include "apps/client/PaneKeys.h"
 #include "apps/client/StatusLine.h"
 #include "apps/client/WindowMemory.h"
@@ -39,7 +40,8 @@ MainWindow::MainWindow(const QString& store, const QString& login)
     : m_tabs(new ModuleTabs(this))
     , m_log(new LogPane(this))
     , m_status(new StatusLine(store, login, this))
-    , m_logDock(new QDockWidget(QStringLiteral("Журнал"), this)) {
+    , m_logDock(new QDockWidget(QStringLiteral("Журнал"), this))
+    , m_pageDocks(std::make_unique<PageDocks>(*this, *m_tabs)) {
     setObjectName(QStringLiteral("clientWindow"));
     setWindowTitle(QStringLiteral("Orvo — %1").arg(store));
     connect(m_tabs, &ModuleTabs::pageCloseRequested, this, &MainWindow::pageCloseRequested);
@@ -58,6 +60,8 @@ MainWindow::MainWindow(const QString& store, const QString& login)
     resize(QSize(area.width() - borders, area.height() - titleBar).boundedTo(usualSize));
     resizeDocks({m_logDock}, {130}, Qt::Vertical);
 }
+
+MainWindow::~MainWindow() = default;
 
 void MainWindow::showHelp() {
     const QWidget* focus = QApplication::focusWidget();
@@ -79,9 +83,21 @@ bool MainWindow::followsOthers() const {
 }
 
 void MainWindow::showPage(QWidget* page) {
-    m_tabs->setCurrentWidget(page);
     bringForward();
+    if (m_pageDocks->bringUp(page))
+        return;
+    m_tabs->setCurrentWidget(page);
     page->setFocus();
+}
+
+void MainWindow::showEditor(const QString& name) {
+    if (QWidget* editor = m_pageDocks->editor(name))
+        showPage(editor);
+}
+
+void MainWindow::markPage(QWidget* page, const QString& why) {
+    m_tabs->markPage(page, why);
+    m_pageDocks->setTitle(page);
 }
 
 QDockWidget* MainWindow::addDesk(COrvoCliMod* desk, Qt::DockWidgetArea area, const QString& name,
@@ -142,12 +158,10 @@ QDockWidget* MainWindow::addPane(QWidget* content, const QString& title, const Q
 }
 
 void MainWindow::showCurrentRows() {
-    QWidget* page = m_tabs->currentWidget();
-    if (!page)
-        return;
-    for (QTreeView* tree : page->findChildren<QTreeView*>())
-        if (tree->isVisible() && tree->currentIndex().isValid())
-            tree->scrollTo(tree->currentIndex());
+    for (const QWidget* page : m_pageDocks->shown())
+        for (QTreeView* tree : page->findChildren<QTreeView*>())
+            if (tree->isVisible() && tree->currentIndex().isValid())
+                tree->scrollTo(tree->currentIndex());
 }
 
 void MainWindow::bringUp(QDockWidget* pane) {
@@ -160,7 +174,7 @@ void MainWindow::bringUp(QDockWidget* pane) {
 }
 
 void MainWindow::setTitle(QWidget* page, const QString& title) {
-    if (m_tabs->setTitle(page, title))
+    if (m_tabs->setTitle(page, title) || m_pageDocks->setTitle(page))
         return;
     if (QDockWidget* dock = DeskDock::of(page))
         dock->setWindowTitle(oneLine(title));
@@ -224,7 +238,7 @@ void MainWindow::changeEvent(QEvent* event) {
         return;
     // The focus comes back after this event.
     QTimer::singleShot(0, this, [this] {
-        auto* module = qobject_cast<COrvoCliMod*>(m_tabs->currentWidget());
+        auto* module = qobject_cast<COrvoCliMod*>(m_pageDocks->current());
         if (module && module->isAncestorOf(QApplication::focusWidget()))
             module->slot_modNotify(QStringLiteral("menus"), {});
     });

@@ -1,4 +1,5 @@
-// MainWindow.h: the client's window: modules as tabs, the log below, the status line.
+// MainWindow.h: the client's window: modules as tabs, beside them or in windows of their own; the
+// log below, the status line.
 #ifndef ORVO_APPS_CLIENT_MAINWINDOW_H
 #define ORVO_APPS_CLIENT_MAINWINDOW_H
 
@@ -7,6 +8,7 @@
 #include <QPointer>
 
 #include <functional>
+#include <memory>
 
 class COrvoCliMod;
 class CPopMessageBox;
@@ -19,22 +21,31 @@ namespace orvo::app {
 class Handbook;
 class LogPane;
 class ModuleTabs;
+class PageDocks;
 class StatusLine;
 
 class MainWindow : public QMainWindow {
     Q_OBJECT
 public:
     MainWindow(const QString& store, const QString& login);
+    ~MainWindow() override;
 
     LogPane* logPane() const { return m_log; }
     StatusLine* statusLine() const { return m_status; }
 
     ModuleTabs* tabs() const { return m_tabs; }
 
-    /// Brings the tab to the front.
+    /// The pages that are not in the tabs.
+    PageDocks& pageDocks() const { return *m_pageDocks; }
+
+    /// Brings the page to the front, in a tab or out.
     void showPage(QWidget* page);
-    /// Gives the focus to the part of the tab on show that had it there, else to its first tree.
+    /// Nothing is changed if there is no editor of that name.
+    void showEditor(const QString& name);
+    /// Gives the focus to the part of the page on show that had it there, else to its first tree.
     void focusPage();
+    /// What the page shows is no longer as it was; `why` in words.
+    void markPage(QWidget* page, const QString& why);
     /// Places the menu of a desktop beside the tabs, at the left or the right; the pane can be
     /// closed (deskClosed), and goes with the module. It is `width` wide (0: as is usual) if the
     /// window's own state, as it was restored, does not know the pane.
@@ -116,6 +127,7 @@ private:
     void fitScreen();
     void makeMenus();
     void makeGoMenu();
+    void makePlaceCommands();
     /// Puts the entries of the module on show into the menus, behind the window's own.
     void showModuleEntries();
     void stepTab(int by);
@@ -128,6 +140,7 @@ private:
     LogPane* m_log;
     StatusLine* m_status;
     QDockWidget* m_logDock;
+    std::unique_ptr<PageDocks> m_pageDocks; ///< goes before what it looks at
     QMenu* m_edit = nullptr;
     QMenu* m_view = nullptr;
     QMenu* m_go = nullptr;

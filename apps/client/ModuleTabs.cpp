@@ -26,11 +26,17 @@ ModuleTabs::ModuleTabs(QWidget* parent) : QTabWidget(parent) {
 }
 
 void ModuleTabs::addModule(COrvoCliMod* module, const QString& name) {
-    const int index = addTab(module, QString());
+    if (!m_moduleNames.contains(name))
+        m_moduleNames << name;
+    insertModule(count(), module, name);
+    setTitle(module, module->windowTitle().isEmpty() ? name : module->windowTitle());
+}
+
+void ModuleTabs::insertModule(int index, QWidget* module, const QString& name) {
+    insertTab(index, module, QString());
     tabBar()->setTabData(index, name);
     for (const QTabBar::ButtonPosition side : {QTabBar::LeftSide, QTabBar::RightSide})
         tabBar()->setTabButton(index, side, nullptr); // an editor stays
-    setTitle(module, module->windowTitle().isEmpty() ? name : module->windowTitle());
 }
 
 void ModuleTabs::addPage(QWidget* page, const QString& title) {
@@ -65,21 +71,25 @@ void ModuleTabs::markPage(QWidget* page, const QString& why) {
 }
 
 bool ModuleTabs::setTitle(QWidget* page, const QString& title) {
+    page->setWindowTitle(title);
+    page->setAccessibleName(title);
     const int index = indexOf(page);
     if (index < 0)
         return false;
-    const QString changed = page->property(changedProperty).toString();
-    page->setWindowTitle(title);
-    page->setAccessibleName(title);
-    setTabText(index, oneLine(title).replace(QLatin1Char('&'), QLatin1String("&&")) +
-                          (changed.isEmpty() ? QString() : QStringLiteral(" ●")));
-    setTabToolTip(index, plainToolTip(changed));
+    setTabText(index, titleOf(page).replace(QLatin1Char('&'), QLatin1String("&&")));
+    setTabToolTip(index, plainToolTip(page->property(changedProperty).toString()));
     return true;
 }
 
-void ModuleTabs::closeCurrent() {
-    if (currentIndex() >= 0 && !tab(currentIndex()).isModule)
-        emit pageCloseRequested(currentWidget());
+QString ModuleTabs::titleOf(const QWidget* page) {
+    return oneLine(page->windowTitle()) + (page->property(changedProperty).toString().isEmpty()
+                                               ? QString()
+                                               : QStringLiteral(" ●"));
+}
+
+bool ModuleTabs::isModule(QWidget* page) const {
+    const int index = indexOf(page);
+    return index >= 0 && tab(index).isModule;
 }
 
 void ModuleTabs::becomeTouchable() {
@@ -99,6 +109,31 @@ ModuleTabs::Order ModuleTabs::order() const {
     for (int i = 0; i < count(); ++i)
         order.tabs.push_back(tab(i));
     return order;
+}
+
+QWidget* ModuleTabs::find(const QString& name, bool isModule) const {
+    for (int i = 0; i < count(); ++i)
+        if (const Order::Tab one = tab(i); one.isModule == isModule && one.name == name)
+            return one.page;
+    return nullptr;
+}
+
+ModuleTabs::Order::Tab ModuleTabs::takePage(QWidget* page) {
+    const int index = indexOf(page);
+    Order::Tab taken = tab(index);
+    removeTab(index);
+    return taken;
+}
+
+void ModuleTabs::putPage(const Order::Tab& page) {
+    if (!page.isModule)
+        return addPage(page.page, page.page->windowTitle());
+    int index = 0;
+    while (index < count() && tab(index).isModule &&
+           m_moduleNames.indexOf(tab(index).name) < m_moduleNames.indexOf(page.name))
+        ++index;
+    insertModule(index, page.page, page.name);
+    setTitle(page.page, page.page->windowTitle());
 }
 
 void ModuleTabs::arrange(const Order& as) {
@@ -125,12 +160,6 @@ void ModuleTabs::arrange(const Order& as) {
     }
     if (current)
         setCurrentWidget(current);
-}
-
-void ModuleTabs::setCurrentModule(const QString& name) {
-    for (int i = 0; i < count(); ++i)
-        if (tab(i).isModule && tab(i).name == name)
-            setCurrentIndex(i);
 }
 
 } // namespace orvo::app

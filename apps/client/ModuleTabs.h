@@ -29,10 +29,11 @@ public:
     void addPage(QWidget* page, const QString& title);
     /// Marks the tab: what it shows is no longer as it was; `why` in words.
     void markPage(QWidget* page, const QString& why);
-    /// False if it is in none of the tabs.
+    /// Gives the page its title, and its tab, if it is in one; false if it is in none of them.
     bool setTitle(QWidget* page, const QString& title);
-    /// Asks for the end of the current page; an editor stays.
-    void closeCurrent();
+    /// As the tab shows it, with the mark; also of a page that is in none.
+    static QString titleOf(const QWidget* page);
+    bool isModule(QWidget* page) const;
     /// Tabs and their buttons are as large as a finger needs from here on.
     void becomeTouchable();
 
@@ -47,20 +48,26 @@ public:
         int current = -1;
     };
     Order order() const;
+    /// The first of that name; null if there is none.
+    QWidget* find(const QString& name, bool isModule) const;
+    /// Takes a page of a tab out; it is the caller's to place.
+    Order::Tab takePage(QWidget* page);
+    /// Puts it back, an editor among those that are there in the order in which they came.
+    void putPage(const Order::Tab& page);
     /// Puts the tabs into that order again, and the same one to the front of the others; what was
     /// reopened is known by its name. A page that was there all the time stands for itself only.
     void arrange(const Order& as);
-    /// To the front; nothing is changed if there is no editor of that name.
-    void setCurrentModule(const QString& name);
 
 signals:
     void pageCloseRequested(QWidget* page);
 
 private:
+    void insertModule(int index, QWidget* module, const QString& name);
     void addCloseButton(QWidget* page, int index);
     Order::Tab tab(int index) const;
 
     bool m_isTouchable = false;
+    QStringList m_moduleNames; ///< as they were added first
 };
 
 } // namespace orvo::app

@@ -283,12 +283,14 @@ WindowMemory::WindowMemory(const QString& store, const QString& login)
                                       .toHex()
                                       .left(16))) {}
 
-void WindowMemory::saveWindow(const QMainWindow& window, int tab) const {
+void WindowMemory::saveWindow(const QMainWindow& window, int tab,
+                              const QStringList& editorsOut) const {
     QSettings settings = clientSettings();
     settings.beginGroup(m_group);
     settings.setValue(QStringLiteral("geometry"), window.saveGeometry());
     settings.setValue(QStringLiteral("docks"), window.saveState(dockLayout));
     settings.setValue(QStringLiteral("tab"), tab);
+    settings.setValue(QStringLiteral("editorsOut"), editorsOut);
     for (const QDockWidget* pane : window.findChildren<QDockWidget*>())
         savePane(*pane);
 }
@@ -301,6 +303,12 @@ int WindowMemory::restoreWindow(QMainWindow& window) const {
     for (const QDockWidget* pane : window.findChildren<QDockWidget*>())
         restorePane(*pane);
     return settings.value(QStringLiteral("tab")).toInt();
+}
+
+QStringList WindowMemory::editorsOut() const {
+    QSettings settings = clientSettings();
+    settings.beginGroup(m_group);
+    return settings.value(QStringLiteral("editorsOut")).toStringList();
 }
 
 void WindowMemory::savePane(const QWidget& pane) const {

@@ -9,6 +9,7 @@
 #define ORVO_APPS_CLIENT_WINDOWMEMORY_H
 
 #include <QString>
+#include <QStringList>
 
 class QMainWindow;
 class QSettings;
@@ -24,9 +25,11 @@ public:
     /// `store` is its display name.
     WindowMemory(const QString& store, const QString& login);
 
-    void saveWindow(const QMainWindow& window, int tab) const;
+    /// `editorsOut`: those that are not in the tabs.
+    void saveWindow(const QMainWindow& window, int tab, const QStringList& editorsOut = {}) const;
     /// Leaves the window as it is where nothing is known; gives the tab, 0 if none is known.
     int restoreWindow(QMainWindow& window) const;
+    QStringList editorsOut() const;
     /// The column widths of a pane, known by its object name. Those of docks are saved with the
     /// window, and restored for those that it has then.
     void savePane(const QWidget& pane) const;

@@ -1,0 +1,189 @@
+// Editors and forms that were taken out of the tabs of the client's window.
+#include "apps/client/ModuleTabs.h"
+#include "apps/client/PageDocks.h"
+#include "tests/client/RunningClient.h"
+
+#include <QDockWidget>
+#include <QMenuBar>
+
+using namespace orvo;
+using namespace orvo::test;
+using app::PageDocks;
+
+namespace {
+
+struct Fixture : RunningClient {
+    Fixture() { activate(); }
+    void activate() const {
+        client->window()->resize(1300, 800);
+        client->window()->activateWindow();
+        if (!QTest::qWaitForWindowActive(client->window()))
+            qFatal("not active");
+    }
+    app::ModuleTabs& tabs() const { return *client->window()->tabs(); }
+    PageDocks& docks() const { return client->window()->pageDocks(); }
+    QDockWidget* dock(const char* editor) const {
+        return child<QDockWidget>(QByteArray("page ") + editor);
+    }
+    QAction* beside() const { return child<QAction>("client_beside"); }
+    QAction* ownWindow() const { return child<QAction>("client_ownWindow"); }
+    void takeOut(const char* editor, PageDocks::Place place) const {
+        docks().takeOut(module(editor), place);
+        QTRY_VERIFY(module(editor)->isVisible());
+    }
+    template <class T>
+    T* child(const QByteArray& name) const {
+        return client->window()->findChild<T*>(QString::fromLatin1(name));
+    }
+    QString tabNames() const {
+        QStringList names;
+        for (int i = 0; i < tabs().count(); ++i)
+            names << tabs().tabText(i);
+        return names.join(", ");
+    }
+};
+
+} // namespace
+
+class TestPageDocks : public QObject {
+    Q_OBJECT
+private slots:
+    void aKeyPutsAnEditorBesideTheOtherAndBack() {
+        Fixture fixture;
+        fixture.view("tvMenu")->setFocus();
+        QTest::keyClick(fixture.view("tvMenu"), Qt::Key_F11);
+        QTRY_VERIFY(fixture.dock("Menu") && fixture.dock("Menu")->isVisible());
+        QCOMPARE(fixture.tabNames(), QString("Редактор ресурсов"));
+        QVERIFY(fixture.module("Menu")->isVisible() && fixture.module("Resources")->isVisible());
+        QVERIFY(!fixture.dock("Menu")->isFloating());
+        QCOMPARE(fixture.dock("Menu")->windowTitle(), QString("Редактор меню"));
+        QVERIFY(fixture.module("Menu")->isAncestorOf(QApplication::focusWidget()));
+        QVERIFY(fixture.beside()->isChecked());
+        QVERIFY(!fixture.ownWindow()->isChecked());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_F11);
+        QTRY_COMPARE(fixture.tabNames(), QString("Редактор меню, Редактор ресурсов"));
+        QTRY_VERIFY(!fixture.dock("Menu"));
+        QVERIFY(fixture.module("Menu")->isVisible());
+        QVERIFY(fixture.module("Menu")->isAncestorOf(QApplication::focusWidget()));
+        QVERIFY(!fixture.beside()->isChecked());
+    }
+
+    void theCrossOfItsWindowPutsAnEditorBackIntoTheTabs() {
+        Fixture fixture;
+        fixture.takeOut("Resources", PageDocks::Place::OwnWindow);
+        QVERIFY(fixture.dock("Resources")->isWindow());
+        QVERIFY(fixture.ownWindow()->isChecked());
+        fixture.takeOut("Resources", PageDocks::Place::Beside);
+        QVERIFY(!fixture.dock("Resources")->isWindow());
+        fixture.takeOut("Resources", PageDocks::Place::OwnWindow);
+        fixture.dock("Resources")->close();
+        QTRY_COMPARE(fixture.tabNames(), QString("Редактор меню, Редактор ресурсов"));
+        QCOMPARE(fixture.client->modules().modules(client::ModuleState::Running).size(), size_t(2));
+    }
+
+    void theTabsHideWhileAllPagesAreOut() {
+        Fixture fixture;
+        fixture.takeOut("Menu", PageDocks::Place::Beside);
+        fixture.takeOut("Resources", PageDocks::Place::Beside);
+        QVERIFY(fixture.tabs().isHidden());
+        fixture.tabs().addPage(new QTreeView, "Схема");
+        QTRY_VERIFY(fixture.tabs().isVisible());
+        QWidget* page = fixture.tabs().currentWidget();
+        fixture.docks().takeOut(page, PageDocks::Place::OwnWindow);
+        QVERIFY(fixture.tabs().isHidden());
+        // A page that is no editor is asked to close.
+        QSignalSpy asked(&fixture.tabs(), &app::ModuleTabs::pageCloseRequested);
+        page->window()->close();
+        QCOMPARE(asked.count(), 1);
+        delete page;
+        QTRY_COMPARE(fixture.client->window()->findChildren<QDockWidget*>("page #1").size(), 0);
+        fixture.docks().putBack(fixture.module("Menu"));
+        QVERIFY(fixture.tabs().isVisible());
+    }
+
+    void theMenusShowWhatTheEditorWithTheKeyboardOffers() {
+        Fixture fixture;
+        fixture.takeOut("Resources", PageDocks::Place::Beside);
+        const auto offers = [&](const char* editor) {
+            const QList<QAction*> entries = fixture.client->window()->editMenu()->actions();
+            const QList<QAction*> own = fixture.module(editor)->findChildren<QAction*>();
+            return std::any_of(entries.begin(), entries.end(),
+                               [&](QAction* entry) { return own.contains(entry); });
+        };
+        QVERIFY(offers("Resources") && !offers("Menu"));
+        fixture.view("tvMenu")->setFocus();
+        QTRY_VERIFY(offers("Menu"));
+        QVERIFY(!offers("Resources"));
+        // In a pane that belongs to both the keyboard leaves the menus as they are.
+        QTest::keyClick(fixture.client->window(), Qt::Key_F4);
+        QTRY_VERIFY(fixture.child<QTreeView>("historyTree")->isVisible());
+        QVERIFY(offers("Menu"));
+        fixture.view("tvRes")->setFocus();
+        QTRY_VERIFY(offers("Resources"));
+    }
+
+    void f6GoesThroughAllThatIsShown() {
+        Fixture fixture;
+        fixture.takeOut("Resources", PageDocks::Place::OwnWindow);
+        fixture.client->window()->showPage(fixture.module("Menu"));
+        fixture.view("tvDesck")->setFocus();
+        QStringList passed;
+        for (int i = 0; i < 6; ++i) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_F6);
+            QTest::qWait(1);
+            passed << QApplication::focusWidget()->objectName();
+        }
+        QCOMPARE(passed.mid(0, 4).join(' '), QString("tvMenu tvProp tvRes tvProp"));
+        QVERIFY2(passed.contains("tvDesck"), qPrintable(passed.join(' ')));
+    }
+
+    void whatIsToBeShownComesToTheFrontWhereItIs() {
+        Fixture fixture;
+        fixture.takeOut("Resources", PageDocks::Place::OwnWindow);
+        fixture.view("tvMenu")->setFocus();
+        fixture.client->window()->showEditor("Resources");
+        QTRY_VERIFY(fixture.module("Resources")->isAncestorOf(QApplication::focusWidget()));
+        QCOMPARE(fixture.tabNames(), QString("Редактор меню"));
+        fixture.client->window()->showEditor("Menu");
+        QTRY_VERIFY(fixture.module("Menu")->isAncestorOf(QApplication::focusWidget()));
+    }
+
+    void modulesThatAreOpenedAnewStandWhereTheyStood() {
+        Fixture fixture;
+        fixture.takeOut("Menu", PageDocks::Place::Beside);
+        fixture.takeOut("Resources", PageDocks::Place::OwnWindow);
+        const QPointer<COrvoCliMod> before = fixture.module("Menu");
+        QTRY_COMPARE(before->width(), fixture.client->window()->width()); // nothing is beside it
+        fixture.child<QAction>("client_reopen")->trigger();
+        QTRY_VERIFY(!before);
+        QTRY_VERIFY(fixture.dock("Menu")->widget() == fixture.module("Menu"));
+        QTRY_VERIFY(fixture.module("Menu")->isVisible());
+        QTRY_COMPARE(fixture.module("Menu")->width(), fixture.client->window()->width());
+        QVERIFY(fixture.dock("Resources")->isFloating());
+        QCOMPARE(fixture.dock("Resources")->widget(), fixture.module("Resources"));
+        QVERIFY(fixture.tabs().isHidden());
+        QCOMPARE(fixture.dock("Menu")->windowTitle(), QString("Редактор меню"));
+    }
+
+    void theNextStartFindsThemWhereTheyWere() {
+        Fixture fixture;
+        fixture.takeOut("Resources", PageDocks::Place::Beside);
+        fixture.stop();
+        fixture.start();
+        QTRY_VERIFY(fixture.dock("Resources") && fixture.dock("Resources")->isVisible());
+        QVERIFY(!fixture.dock("Resources")->isFloating());
+        fixture.takeOut("Resources", PageDocks::Place::OwnWindow);
+        fixture.stop();
+        fixture.start();
+        QTRY_VERIFY(fixture.dock("Resources") && fixture.dock("Resources")->isVisible());
+        QVERIFY(fixture.dock("Resources")->isFloating());
+        QCOMPARE(fixture.tabNames(), QString("Редактор меню"));
+        fixture.docks().putBack(fixture.module("Resources"));
+        fixture.stop();
+        fixture.start();
+        QCOMPARE(fixture.tabNames(), QString("Редактор меню, Редактор ресурсов"));
+    }
+};
+
+QTEST_MAIN(TestPageDocks)
+#include "tst_page_docks.moc"
