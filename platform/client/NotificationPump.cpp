@@ -96,13 +96,21 @@ void NotificationPump::request() {
         m_asked = m_follower.look();
 }
 
-/// The module on show is the one that wrote: no other has the mouse or the keyboard.
+/// The module that the engineer works in wrote. Where that cannot be told, since the keyboard is in
+/// a pane of the window, each module on show may have.
 void NotificationPump::written() {
     request();
     followModules();
     const int64_t last = sessionStore(m_session).lastWritten().last.id;
+    const auto hasFocus = [](const Reader& reader) {
+        const QWidget* part = QApplication::focusWidget();
+        while (part && part != reader.module)
+            part = part->parentWidget(); // also out of a window that it has opened
+        return part != nullptr;
+    };
+    const bool isKnown = std::any_of(m_readers.begin(), m_readers.end(), hasFocus);
     for (Reader& reader : m_readers)
-        if (reader.module && reader.module->isVisible())
+        if (reader.module && (isKnown ? hasFocus(reader) : reader.module->isVisible()))
             reader.echo = std::max(reader.echo, last);
 }
 

@@ -1,5 +1,6 @@
 // An open edit in the running client: what others write meanwhile waits, and counts all the same
 // when the edit is saved; closing a tab asks about what is open in it.
+#include "apps/client/PageDocks.h"
 #include "apps/client/UnwrittenPane.h"
 #include "frame/Launch.h"
 #include "frame/Vocabulary.h"
@@ -175,6 +176,37 @@ private slots:
         QVERIFY(QMetaObject::invokeMethod(fixture.module("Menu"), "on_cancel_pressed"));
         QTRY_COMPARE(line->held(), QString());
         QTRY_COMPARE(fixture.menu(), QString("5(б(в)) г"));
+    }
+
+    void anEditWaitsWhileTheEditorBesideItWrites() {
+        Fixture fixture;
+        fixture.client->window()->pageDocks().takeOut(fixture.module("Menu"),
+                                                      app::PageDocks::Place::Beside);
+        fixture.view("tvMenu")->setCurrentIndex(Fixture::find(fixture.view("tvMenu"), "г"));
+        Fixture::type(fixture.module("Menu"), "Наименование", "г2");
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "a"}, {"caption", "чужое"}});
+        auto* line = fixture.client->window()->statusLine();
+        QTRY_COMPARE(line->held(), QString("1 правка ждёт"));
+        fixture.view("tvRes")->setFocus();
+        QTRY_COMPARE(QApplication::focusWidget(), fixture.view("tvRes"));
+        fixture.view("tvRes")->setCurrentIndex(
+            Fixture::find(fixture.view("tvRes"), "plans").parent());
+        fixture.action("actAddFolder")->trigger();
+        Fixture::type(fixture.module("Resources"), "Наименование", "Общее");
+        fixture.view("tvRes")->setFocus();
+        fixture.save();
+        QCOMPARE(fixture.count("MenuResourceFolder", "caption", "Общее"), 1);
+        QTRY_VERIFY(fixture.module("Resources")->ModEditText().isEmpty());
+        const auto resources = [&] {
+            return RunningClient::below(*fixture.view("tvRes")->model(), {});
+        };
+        QTRY_VERIFY(resources().contains("Общее"));
+        fixture.otherWrites(MDX_DELETE, {{"KeyLink", "docs"}}, "MenuResourceFolder");
+        QTRY_VERIFY(!resources().contains("docs")); // all that may come has come
+        QVERIFY(line->held().contains("жд"));
+        QCOMPARE(fixture.menu(), QString("а(б(в)) г2"));
+        QVERIFY(QMetaObject::invokeMethod(fixture.module("Menu"), "on_cancel_pressed"));
+        QTRY_COMPARE(fixture.menu(), QString("чужое(б(в)) г"));
     }
 
     void whatAModuleCouldNotDoShowsInTheStatusBar() {
