@@ -12,6 +12,7 @@
 #include "frame/ViewRows.h"
 #include "frame/Vocabulary.h"
 #include "menu/Columns.h"
+#include "models/DragKeys.h"
 #include "models/Passport.h"
 #include "picker/PopObjectList.h"
 
@@ -39,6 +40,19 @@ int nextOrder(const MenuTreeModel& model, const QModelIndex& parent) {
     return children == 0 ? 0
                          : nextOrderAfter(
                                model.index(children - 1, MenuColumn::Order, parent).data().toInt());
+}
+
+/// The keys of what is dragged out of the palette, or out of a resource editor beside: of its kinds
+/// those that stand in a menu.
+QStringList draggedResources(const QMimeData& dragged) {
+    const auto keysOf = [&](const char* format) {
+        return orvo::dragkeys::keys(orvo::dragkeys::payload(&dragged, QLatin1String(format)));
+    };
+    QStringList keys = keysOf(pickedMime);
+    for (const orvo::ResourceKind& kind : orvo::resourceKinds)
+        if (kind.attribute)
+            keys += keysOf(kind.dragFormat);
+    return keys;
 }
 
 } // namespace
@@ -158,22 +172,24 @@ bool OrvoMenu::eventFilter(QObject* watched, QEvent* event) {
          event->type() != QEvent::Drop))
         return EditorWindow::eventFilter(watched, event);
     auto* drop = static_cast<QDropEvent*>(event);
-    const QByteArray keys = drop->mimeData()->data(QLatin1String(pickedMime));
+    const QStringList keys = draggedResources(*drop->mimeData());
     if (keys.isEmpty())
         return EditorWindow::eventFilter(watched, event);
+    std::vector<Picked> picked;
+    for (const QString& key : keys)
+        if (const MDRData* resource = orvo::seekKey(m_tabResource, key)) // a folder is none
+            picked.push_back({key, orvo::textOf(resource, orvo::field::caption)});
     const QModelIndex target = m_ui->tvMenu->indexAt(drop->pos()).siblingAtColumn(0);
-    const bool isGood = m_app->m_mayWrite && target.isValid();
-    drop->setDropAction(isGood ? Qt::CopyAction : Qt::IgnoreAction);
-    drop->setAccepted(isGood || event->type() == QEvent::DragEnter);
+    const bool isGood = m_app->m_mayWrite && target.isValid() && !picked.empty();
+    const bool isDrop = event->type() == QEvent::Drop;
+    // The tree of the resource editor offers its rows for moving only, and would take those out
+    // whose drop is accepted.
+    const bool mayCopy = drop->possibleActions().testFlag(Qt::CopyAction);
+    drop->setDropAction(!isGood ? Qt::IgnoreAction : mayCopy ? Qt::CopyAction : Qt::MoveAction);
+    drop->setAccepted((isGood && (mayCopy || !isDrop)) || event->type() == QEvent::DragEnter);
     const QPersistentModelIndex row(target);
-    if (isGood && event->type() == QEvent::Drop && finishEdit() && row.isValid()) {
-        std::vector<Picked> picked;
-        for (const QByteArray& key : keys.split(';'))
-            if (const MDRData* resource = orvo::seekKey(m_tabResource, QString::fromUtf8(key)))
-                picked.push_back(
-                    {QString::fromUtf8(key), orvo::textOf(resource, orvo::field::caption)});
+    if (isGood && isDrop && finishEdit() && row.isValid())
         addElements(row, std::move(picked));
-    }
     return true;
 }
 

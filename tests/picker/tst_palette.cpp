@@ -55,25 +55,34 @@ public:
         QTest::keyClick(view("tvMenu"), key, with);
     }
     /// Lets go over a row what a drag out of the palette bears; whether it was taken.
-    bool drop(const char* row, const QByteArray& keys) {
-        return drop(view("tvMenu")->visualRect(module->element(row)).center(), keys);
+    bool drop(const char* row, const QByteArray& keys, const char* format = pickedMime,
+              Qt::DropAction action = Qt::CopyAction) {
+        return drop(view("tvMenu")->visualRect(module->element(row)).center(), keys, format,
+                    action);
     }
-    bool drop(const QPoint& at, const QByteArray& keys) {
+    /// The same out of the tree of the resource editor; whether it could be dropped there.
+    bool dropResources(const char* row, const QByteArray& keys, const char* format) {
+        const QString before = resourcesOf(row);
+        // A drop that was accepted would take the rows out of the tree that they come from.
+        return !drop(row, keys, format, Qt::MoveAction) && resourcesOf(row) != before;
+    }
+    bool drop(const QPoint& at, const QByteArray& keys, const char* format = pickedMime,
+              Qt::DropAction action = Qt::CopyAction) {
         QTreeView* menu = view("tvMenu");
         QMimeData dragged;
-        dragged.setData(QLatin1String(pickedMime), keys);
-        QDragEnterEvent enter(at, Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
+        dragged.setData(QLatin1String(format), keys);
+        QDragEnterEvent enter(at, action, &dragged, Qt::LeftButton, Qt::NoModifier);
         QApplication::sendEvent(menu->viewport(), &enter);
         if (!enter.isAccepted())
             return false;
-        QDragMoveEvent move(at, Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
+        QDragMoveEvent move(at, action, &dragged, Qt::LeftButton, Qt::NoModifier);
         QApplication::sendEvent(menu->viewport(), &move);
         if (!move.isAccepted()) {
             QDragLeaveEvent leave;
             QApplication::sendEvent(menu->viewport(), &leave);
             return false;
         }
-        QDropEvent drop(at, Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
+        QDropEvent drop(at, action, &dragged, Qt::LeftButton, Qt::NoModifier);
         QApplication::sendEvent(menu->viewport(), &drop);
         host.deliver(*module);
         return drop.isAccepted();
@@ -105,6 +114,20 @@ private slots:
         QVERIFY(menu.drop("glubzhe", "m2;m1;"));
         QCOMPARE(menu.resourcesOf("glubzhe"), QString("rform m2 m1"));
         QCOMPARE(int(menu.host.writes().calls.size()), writes + 1);
+    }
+
+    /// The two editors can stand side by side.
+    void whatIsDraggedOutOfTheResourceEditorBecomesElements() {
+        Menu menu;
+        QVERIFY(menu.open());
+        QVERIFY(menu.dropResources("glubzhe", "m2;m1", "OrvoResources/modres/dragdrop"));
+        QCOMPARE(menu.resourcesOf("glubzhe"), QString("rform m2 m1"));
+        QVERIFY(menu.dropResources("glubzhe", "rform", "OrvoResources/menures/dragdrop"));
+        QCOMPARE(menu.resourcesOf("glubzhe"), QString("rform m2 m1 rform"));
+        // A folder and a stored file stand in no menu.
+        QVERIFY(!menu.dropResources("glubzhe", "mod", "OrvoResources/modres/dragdrop"));
+        QVERIFY(!menu.dropResources("glubzhe", "m1", "OrvoResources/sysres/dragdrop"));
+        QCOMPARE(menu.resourcesOf("glubzhe"), QString("rform m2 m1 rform"));
     }
 
     void aTextIsFoundInTheNameAndInTheCaption() {
