@@ -88,6 +88,7 @@ void MainWindow::makeMenus() {
                 module->slot_modNotify(QStringLiteral("menus"), {});
         });
     connect(m_pageDocks.get(), &PageDocks::currentChanged, this, &MainWindow::showModuleEntries);
+    connect(m_pageDocks.get(), &PageDocks::currentChanged, this, &MainWindow::refreshActions);
 }
 
 /// The page on show beside the others or in a window of its own, and back: in the menu and at its
@@ -269,7 +270,8 @@ void MainWindow::focusPart(int by) {
             next = (static_cast<int>(at - parts.begin()) + by + count) % count;
     }
     QWidget* part = parts[static_cast<size_t>(next)];
-    part->activateWindow(); // a palette is one of its own
+    part->window()->raise(); // a palette is one of its own
+    part->activateWindow();
     part->setFocus(Qt::ShortcutFocusReason);
 }
 

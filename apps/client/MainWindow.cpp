@@ -169,7 +169,8 @@ void MainWindow::bringUp(QDockWidget* pane) {
     pane->raise();
     if (pane->height() < usefulHeight)
         resizeDocks({pane}, {usefulHeight}, Qt::Vertical);
-    activateWindow(); // the key may come from a palette
+    raise(); // the key may come from another window
+    activateWindow();
     pane->widget()->setFocus();
 }
 
@@ -216,6 +217,10 @@ void MainWindow::showBox(const QString& title, const QString& text, int icon) {
         m_box = new CPopMessageBox(this); // owned by its parent
     m_box->setMessage(title, text, static_cast<TMessageBoxIcon>(icon), MessageBoxTypeOk,
                       SLOT(errorSeen()));
+    if (QApplication::activeWindow() && !isActiveWindow()) { // another of the client's
+        raise();
+        activateWindow();
+    }
     m_box->show();
 }
 
@@ -230,13 +235,14 @@ void MainWindow::showEvent(QShowEvent* event) {
         QTimer::singleShot(200, this, &MainWindow::fitScreen);
 }
 
-/// Back from a dialog or another window the user finds on what he left: a module switches the
-/// actions of its rows off when these lose the focus.
 void MainWindow::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
-    if (event->type() != QEvent::ActivationChange || !isActiveWindow())
-        return;
-    // The focus comes back after this event.
+    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+        refreshActions();
+}
+
+void MainWindow::refreshActions() {
+    // The focus comes back after what calls this.
     QTimer::singleShot(0, this, [this] {
         auto* module = qobject_cast<COrvoCliMod*>(m_pageDocks->current());
         if (module && module->isAncestorOf(QApplication::focusWidget()))

@@ -128,6 +128,9 @@ private:
     void makeMenus();
     void makeGoMenu();
     void makePlaceCommands();
+    /// Back from a dialog or another window the user finds on what he left: a module switches the
+    /// actions of its rows off when these lose the focus.
+    void refreshActions();
     /// Puts the entries of the module on show into the menus, behind the window's own.
     void showModuleEntries();
     void stepTab(int by);

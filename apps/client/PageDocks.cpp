@@ -6,6 +6,8 @@
 #include <QCloseEvent>
 #include <QDockWidget>
 #include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
 
 #include <algorithm>
 #include <functional>
@@ -16,11 +18,28 @@ namespace orvo::app {
 class PageDock : public QDockWidget {
 public:
     PageDock(const ModuleTabs::Order::Tab& page, std::function<void(QWidget* page)> closed,
-             QWidget* parent)
+             std::function<void()> activated, QWidget* parent)
         : QDockWidget(parent)
         , m_page(page)
-        , m_closed(std::move(closed)) {
+        , m_closed(std::move(closed))
+        , m_activated(std::move(activated)) {
         setWidget(page.page);
+        setFeatures(DockWidgetClosable | DockWidgetMovable);
+    }
+
+    /// A window like any other, with the frame of the desktop: a tool window, which Qt makes of a
+    /// pane, would stand over the search and the messages of the main window.
+    void becomeWindow() {
+        setTitleBarWidget(new QWidget(this)); // none
+        setFloating(true);
+        setWindowFlags(Qt::Window);
+        setAttribute(Qt::WA_QuitOnClose, false);
+    }
+    void becomePane() {
+        setFloating(false);
+        QWidget* none = titleBarWidget();
+        setTitleBarWidget(nullptr);
+        delete none;
     }
 
     QWidget* page() const { return m_page.page; }
@@ -32,6 +51,11 @@ public:
     }
 
 protected:
+    void changeEvent(QEvent* event) override {
+        QDockWidget::changeEvent(event);
+        if (event->type() == QEvent::ActivationChange && isActiveWindow() && isFloating())
+            m_activated();
+    }
     void closeEvent(QCloseEvent* event) override {
         event->ignore(); // whoever hears of it decides what becomes of the page
         m_closed(page());
@@ -40,6 +64,7 @@ protected:
 private:
     ModuleTabs::Order::Tab m_page;
     std::function<void(QWidget* page)> m_closed;
+    std::function<void()> m_activated;
 };
 
 namespace {
@@ -94,7 +119,14 @@ std::optional<PageDocks::Place> PageDocks::placeOf(const QWidget* page) const {
 PageDock* PageDocks::makeDock(const ModuleTabs::Order::Tab& page) {
     static int numbered = 0;
     auto* dock = new PageDock( // the window's child
-        page, [this](QWidget* shown) { close(shown); }, &m_window);
+        page, [this](QWidget* shown) { close(shown); }, [this] { emit currentChanged(); },
+        &m_window);
+    // The keys of the window's menus work in a window of its own, too; those of the page are its
+    // own matter.
+    for (const QAction* menu : m_window.menuBar()->actions())
+        for (QAction* action : menu->menu()->actions())
+            if (!belongsTo(qobject_cast<QWidget*>(action->parent()), *page.page))
+                dock->addAction(action);
     // By this name the window knows the place of an editor's pane again.
     dock->setObjectName(page.isModule ? QStringLiteral("page ") + page.name
                                       : QStringLiteral("page #%1").arg(++numbered));
@@ -126,21 +158,25 @@ void PageDocks::takeOut(QWidget* page, Place place) {
     if (!dock && m_tabs.indexOf(page) < 0)
         return;
     const QSize size = page->size();
+    const QPointer<QWidget> part = page->focusWidget();
     if (!dock) {
         dock = makeDock(m_tabs.takePage(page));
         m_window.addDockWidget(Qt::RightDockWidgetArea, dock);
     }
-    dock->setFloating(place == Place::OwnWindow);
     if (place == Place::OwnWindow) {
+        dock->becomeWindow();
         dock->resize(size);
         dock->move(m_window.geometry().center() - dock->rect().center());
     } else {
+        dock->becomePane();
         m_window.resizeDocks({dock}, {m_window.width() / 2}, Qt::Horizontal);
     }
     dock->show();
     page->show();
     settle();
     bringUp(page);
+    if (part)
+        part->setFocus();
 }
 
 void PageDocks::putBack(QWidget* page) {
@@ -148,10 +184,12 @@ void PageDocks::putBack(QWidget* page) {
     if (!dock)
         return;
     disconnect(page, &QObject::destroyed, dock, nullptr);
+    const QPointer<QWidget> part = page->focusWidget();
     m_tabs.putPage(dock->tab());
     drop(dock);
     m_tabs.setCurrentWidget(page);
-    page->setFocus();
+    m_window.activateWindow();
+    (part ? part.data() : page)->setFocus();
 }
 
 bool PageDocks::bringUp(const QWidget* page) {
@@ -208,6 +246,8 @@ void PageDocks::restore(const QStringList& editors) {
             m_window.addDockWidget(Qt::RightDockWidgetArea, dock);
             m_window.resizeDocks({dock}, {m_window.width() / 2}, Qt::Horizontal);
         }
+        if (dock->isFloating())
+            dock->becomeWindow();
         dock->show();
         page->show();
     }

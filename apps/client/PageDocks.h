@@ -60,7 +60,8 @@ public:
     void fill();
 
 signals:
-    /// Another page has become the current one, or it was taken elsewhere.
+    /// Another page has become the current one, it was taken elsewhere, or its window has become
+    /// active.
     void currentChanged();
 
 private:

@@ -81,6 +81,27 @@ private slots:
         QCOMPARE(fixture.client->modules().modules(client::ModuleState::Running).size(), size_t(2));
     }
 
+    void theKeysOfTheWindowWorkInAWindowOfItsOwn() {
+        Fixture fixture;
+        fixture.renames("d", "д");
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) д"));
+        QTreeView* menu = fixture.view("tvMenu");
+        menu->setFocus();
+        menu->setCurrentIndex(menu->model()->index(1, 0, menu->model()->index(0, 0)));
+        QAction* remove = fixture.module("Menu")->findChild<QAction*>("actDeleteElem");
+        QTRY_VERIFY(remove->isEnabled());
+        QTest::keyClick(menu, Qt::Key_F11, Qt::ShiftModifier);
+        QTRY_VERIFY(fixture.dock("Menu") && fixture.dock("Menu")->isActiveWindow());
+        QCOMPARE(QApplication::focusWidget(), menu);
+        QCOMPARE(fixture.dock("Menu")->windowType(), Qt::Window);
+        QTRY_VERIFY(remove->isEnabled());
+        QTest::keyClick(menu, Qt::Key_Z, Qt::ControlModifier);
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г"));
+        QTest::keyClick(menu, Qt::Key_F11, Qt::ShiftModifier);
+        QTRY_COMPARE(fixture.tabNames(), QString("Редактор меню, Редактор ресурсов"));
+        QTRY_COMPARE(QApplication::focusWidget(), menu);
+    }
+
     void theTabsHideWhileAllPagesAreOut() {
         Fixture fixture;
         fixture.takeOut("Menu", PageDocks::Place::Beside);

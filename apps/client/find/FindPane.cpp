@@ -112,7 +112,8 @@ void FindPane::open() {
         search();
     }
     raise();
-    activateWindow(); // the key may come from a palette
+    window()->raise(); // the key may come from another window
+    activateWindow();
     m_text->setFocus(Qt::ShortcutFocusReason);
     m_text->selectAll();
 }
@@ -128,6 +129,7 @@ void FindPane::dismiss() {
         *m_stop = true;
     hide();
     if (hadFocus && back && back->isVisible()) {
+        back->window()->raise();
         back->activateWindow();
         back->setFocus(Qt::OtherFocusReason);
     }
