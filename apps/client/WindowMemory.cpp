@@ -175,10 +175,14 @@ void choose(QTreeView& tree, const QStringList& path) {
     tree.scrollTo(found);
 }
 
-/// All columns with a title become visible at once: the widest give way.
+/// All columns with a title become visible at once: the widest give way. In a narrow view the names
+/// stay readable rather, and the last columns are beyond its edge.
 void fitColumns(QTreeView& tree) {
-    constexpr int least = 140;
     QHeaderView& header = *tree.header();
+    const auto leastOf = [&header](int column) {
+        constexpr int name = 220, other = 140;
+        return header.visualIndex(column) == 0 ? name : other;
+    };
     if (header.isHidden() || header.count() == 0)
         return;
     // The bar for scrolling comes with the first folders that are opened.
@@ -194,15 +198,17 @@ void fitColumns(QTreeView& tree) {
                 continue;
             const bool own = hasOwnWidth(header, column);
             needed += own ? header.sectionSize(column) : header.sectionSizeHint(column);
-            if (own && (widest < 0 || header.sectionSize(column) > header.sectionSize(widest)))
+            if (own && header.sectionSize(column) > leastOf(column) &&
+                (widest < 0 || header.sectionSize(column) > header.sectionSize(widest)))
                 widest = column;
         }
         const int excess = needed + bar - tree.viewport()->width();
-        if (excess <= 0 || widest < 0 || header.sectionSize(widest) <= least)
+        if (excess <= 0 || widest < 0)
             break;
         // The two widest share what is too much.
-        header.resizeSection(widest, std::max(least, header.sectionSize(widest) -
-                                                         (step == 0 ? (excess + 1) / 2 : excess)));
+        header.resizeSection(
+            widest, std::max(leastOf(widest),
+                             header.sectionSize(widest) - (step == 0 ? (excess + 1) / 2 : excess)));
     }
     header.setStretchLastSection(stretches);
 }

@@ -68,6 +68,13 @@ private slots:
         QVERIFY(!fixture.beside()->isChecked());
     }
 
+    void namesCanBeReadInANarrowEditorTheFirstTime() {
+        Fixture fixture;
+        fixture.takeOut("Menu", PageDocks::Place::Beside);
+        QTRY_VERIFY(fixture.view("tvRes")->viewport()->width() < 600);
+        QTRY_COMPARE(fixture.view("tvRes")->columnWidth(0), 220);
+    }
+
     void theCrossOfItsWindowPutsAnEditorBackIntoTheTabs() {
         Fixture fixture;
         fixture.takeOut("Resources", PageDocks::Place::OwnWindow);
