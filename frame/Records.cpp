@@ -2,7 +2,6 @@
 
 #include <QTextCodec>
 
-#include <array>
 #include <cstring>
 #include <optional>
 
@@ -14,68 +13,6 @@ namespace orvo {
 QTextCodec* recordCodec() {
     static QTextCodec* const codec = QTextCodec::codecForName("Windows-1251");
     return codec;
-}
-
-namespace {
-
-/// The code page both ways, asked of the codec once: it sets up a converter for each text.
-struct CodePage {
-    std::array<QChar, 256> toText;
-    std::array<char, 0x10000> toByte{}; ///< 0: not in the code page, or U+0000
-
-    CodePage() {
-        for (int byte = 0; byte < 256; ++byte) {
-            const char c = static_cast<char>(byte);
-            const QString text = recordCodec()->toUnicode(&c, 1);
-            toText[static_cast<size_t>(byte)] =
-                text.size() == 1 ? text[0] : QChar::ReplacementCharacter;
-            if (text.size() == 1 && recordCodec()->fromUnicode(text) == QByteArray(&c, 1))
-                toByte[text[0].unicode()] = c;
-        }
-    }
-};
-
-const CodePage& codePage() {
-    static const CodePage page;
-    return page;
-}
-
-} // namespace
-
-QString fromRecord(const char* bytes) {
-    if (!bytes || !*bytes)
-        return {};
-    const CodePage& page = codePage();
-    const size_t length = std::strlen(bytes);
-    QString text(static_cast<int>(length), Qt::Uninitialized);
-    QChar* out = text.data();
-    for (size_t i = 0; i < length; ++i)
-        out[i] = page.toText[static_cast<unsigned char>(bytes[i])];
-    return text;
-}
-
-namespace {
-
-/// Nothing if the code page lacks a letter of the text, or U+0000 is one.
-std::optional<QByteArray> exactly(const QString& text) {
-    const CodePage& page = codePage();
-    QByteArray bytes(text.size(), Qt::Uninitialized);
-    char* out = bytes.data();
-    for (const QChar letter : text) {
-        const char byte = page.toByte[letter.unicode()];
-        if (byte == 0)
-            return {};
-        *out++ = byte;
-    }
-    return bytes;
-}
-
-} // namespace
-
-QByteArray toRecord(const QString& text) {
-    const std::optional<QByteArray> bytes = exactly(text);
-    // What the code page lacks is the codec's to replace.
-    return bytes ? *bytes : recordCodec()->fromUnicode(text);
 }
 
 bool sameText(const QString& a, const QString& b) {
@@ -162,10 +99,9 @@ bool holdsText(const MDRData* record, MDRField field, const QString& text) {
     // The same letters are the usual case, of a walk over a group, and are seen without a copy.
     const MDRVar value = valueOf(record, field);
     const char* bytes = value.type == MDX_TEXT ? value.value.text.pointer : nullptr;
-    const CodePage& page = codePage();
     int at = 0;
     for (; bytes && *bytes && at < text.size(); ++bytes, ++at)
-        if (page.toText[static_cast<unsigned char>(*bytes)] != text[at])
+        if (codepage::letterOf(*bytes) != text[at].unicode())
             return sameText(textOf(record, field), text);
     return at == text.size() && (!bytes || !*bytes);
 }
@@ -226,7 +162,7 @@ MDRData* seek(const CMDArray& table, int key, const KeyValues& values) {
 
 MDRData* seekKey(const CMDArray& table, const QString& keyLink) {
     // With its letters replaced it would be another key, which a record may have.
-    const std::optional<QByteArray> bytes = exactly(keyLink);
+    const std::optional<QByteArray> bytes = toRecordExactly(keyLink);
     return bytes ? seek(table, 0, KeyValues().bytes(*bytes)) : nullptr;
 }
 

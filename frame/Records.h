@@ -9,6 +9,7 @@
 #define ORVO_FRAME_RECORDS_H
 
 #include "frame/OrvoMdx.h"
+#include "frame/RecordText.h"
 #include "frame/Vocabulary.h"
 
 #include <QByteArray>
@@ -26,13 +27,9 @@ namespace orvo {
 // ---------------------------------------------------------------------------------------------
 // Text
 
-/// The codec of all record texts, Windows-1251. Never null, not owned.
+/// Windows-1251 for the members of the published interface; texts are converted by
+/// frame/RecordText.h. Never null, not owned.
 QTextCodec* recordCodec();
-/// Record bytes (NUL-terminated) as a QString. NULL and empty text both give the null string: the
-/// models take a null string for "no icon".
-QString fromRecord(const char* bytes);
-/// A QString as record bytes. A null string gives empty bytes.
-QByteArray toRecord(const QString& text);
 /// The one comparison without regard to case: keys, row names, table names, words. Null and empty
 /// are the same text.
 bool sameText(const QString& a, const QString& b);

@@ -1,8 +1,7 @@
 #include "models/RowSearch.h"
 
+#include "frame/CodePage.h"
 #include "frame/FindBytes.h"
-
-#include <QTextCodec>
 
 #include <algorithm>
 #include <array>
@@ -22,13 +21,10 @@ constexpr char noCode = 0;
 class LetterCodes {
 public:
     LetterCodes() {
-        QByteArray bytes(256, '\0');
-        for (int i = 0; i < bytes.size(); ++i)
-            bytes[i] = static_cast<char>(i);
-        const QString letters = QTextCodec::codecForName("Windows-1251")->toUnicode(bytes);
         std::array<char, units> ofFolded{};
         char last = noCode;
-        for (const QChar letter : letters) {
+        for (int byte = 0; byte < 256; ++byte) {
+            const QChar letter(codepage::letterOf(static_cast<char>(byte)));
             char& code = ofFolded[letter.toCaseFolded().unicode()];
             if (code == noCode)
                 code = ++last;

@@ -4,9 +4,9 @@
 #include "apps/admin/Failure.h"
 #include "apps/admin/Output.h"
 #include "apps/admin/Verb.h"
+#include "frame/QtCompat.h"
 
 #include <QCoreApplication>
-#include <QTextCodec>
 
 #include <csignal>
 #include <exception>
@@ -15,7 +15,7 @@
 int main(int argc, char** argv) {
     using namespace orvo::admin;
     // Names and captions are Russian; a locale without them must not turn them into question marks.
-    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+    orvo::qt::speakUtf8();
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("orvo-admin"));
     QCoreApplication::setApplicationVersion(QStringLiteral(ORVO_VERSION));

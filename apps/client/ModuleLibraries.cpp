@@ -1,12 +1,12 @@
 #include "apps/client/ModuleLibraries.h"
 
 #include "frame/OrvoClient.h"
+#include "frame/RecordText.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLibrary>
-#include <QTextCodec>
 
 #include <exception>
 #include <memory>
@@ -16,10 +16,6 @@
 namespace orvo::app {
 
 namespace {
-
-QByteArray inCodePage(const QString& text) {
-    return QTextCodec::codecForName("Windows-1251")->fromUnicode(text);
-}
 
 /// Why a file or directory could be another's work; empty if it could not.
 QString whyUnsafe(const QString& path) {
@@ -105,7 +101,7 @@ void ModuleLibraries::loadLibrary(const QString& file) {
 }
 
 COrvoCliMod* ModuleLibraries::create(COrvoCliApp* app, const QString& name) const {
-    const QByteArray bytes = inCodePage(name);
+    const QByteArray bytes = toRecord(name);
     for (const Library& library : m_libraries) {
         if (!library.makeModule)
             continue;
@@ -142,8 +138,8 @@ bool ModuleLibraries::hasFunctions() const {
 
 OrvoFunctionResult ModuleLibraries::call(COrvoCliApp* app, const QString& name,
                                          const QString& params) const {
-    const QByteArray nameBytes = inCodePage(name);
-    const QByteArray paramBytes = inCodePage(params);
+    const QByteArray nameBytes = toRecord(name);
+    const QByteArray paramBytes = toRecord(params);
     for (const Library& library : m_libraries) {
         if (!library.callFunction)
             continue;

@@ -4,6 +4,7 @@
 #include "apps/formview/FormFilter.h"
 #include "apps/formview/FormMark.h"
 #include "apps/formview/PdfView.h"
+#include "frame/RecordText.h"
 
 #include <QBuffer>
 #include <QDir>
@@ -16,7 +17,6 @@
 #include <QPlainTextEdit>
 #include <QScrollArea>
 #include <QTextBrowser>
-#include <QTextCodec>
 #include <QUiLoader>
 
 #include <algorithm>
@@ -163,14 +163,26 @@ std::unique_ptr<QWidget> asPdf(const Document& document, Content* content) {
     return nullptr;
 }
 
+/// Bytes at the end that begin a letter of UTF-8 without ending it.
+int unfinished(const QByteArray& utf8) {
+    for (int count = 1; count <= 3 && count <= utf8.size(); ++count) {
+        const auto byte = static_cast<unsigned char>(utf8[utf8.size() - count]);
+        if (byte < 0x80 || byte >= 0xC0) {
+            const int length = byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : byte >= 0xC0 ? 2 : 1;
+            return length > count ? count : 0;
+        }
+    }
+    return 0;
+}
+
 /// `isCut`: the last letter may not be whole.
 QString decode(const QByteArray& bytes, bool isCut) {
-    QTextCodec::ConverterState state;
-    const QString text =
-        QTextCodec::codecForName("UTF-8")->toUnicode(bytes.constData(), bytes.size(), &state);
-    if (state.invalidChars == 0 && (state.remainingChars == 0 || isCut))
-        return text;
-    return QTextCodec::codecForName("windows-1251")->toUnicode(bytes);
+    QByteArray utf8 = bytes.startsWith("\xEF\xBB\xBF") ? bytes.mid(3) : bytes;
+    if (isCut)
+        utf8.chop(unfinished(utf8));
+    const QString text = QString::fromUtf8(utf8);
+    return text.toUtf8() == utf8 ? text
+                                 : fromCodePage(bytes.constData(), static_cast<int>(bytes.size()));
 }
 
 /// The layout of a line takes time and memory for each letter of it, seen or not, and so does each
@@ -204,7 +216,7 @@ std::unique_ptr<QWidget> asText(const Document& document) {
     QString text;
     if (bytes.contains('\0')) {
         text = QStringLiteral("Двоичный файл, %1 байт\n\n").arg(document.size);
-        for (int row = 0; row < std::min(bytes.size(), dumped); row += 16)
+        for (int row = 0; row < std::min<int>(bytes.size(), dumped); row += 16)
             text += QString::fromLatin1(bytes.mid(row, 16).toHex(' ')) + QLatin1Char('\n');
     } else {
         bool isWhole = document.size <= most;

@@ -123,6 +123,33 @@ private slots:
         QCOMPARE(fromRecord("\xa8\xe6"), QString("Ёж"));
     }
 
+    void everyByteReadsAsTheCodecReadsIt() {
+        for (int code = 0; code < 256; ++code) {
+            const char byte = static_cast<char>(code);
+            QCOMPARE(fromCodePage(&byte, 1), recordCodec()->toUnicode(&byte, 1));
+        }
+    }
+
+    void everyLetterIsWrittenAsTheCodecWritesIt() {
+        const auto compare = [](const QString& text) {
+            const QByteArray bytes = recordCodec()->fromUnicode(text);
+            QVERIFY2(toRecord(text) == bytes, qPrintable(QString::number(text[0].unicode(), 16)));
+            // Between others as well: a half of a letter is no whole one.
+            const QString inside = 'a' + text + QString::fromUtf8("я");
+            QCOMPARE(toRecord(inside), recordCodec()->fromUnicode(inside));
+            QCOMPARE(toRecordExactly(text).has_value(),
+                     !text.contains(QChar(0)) && fromRecord(bytes) == text);
+        };
+        for (char32_t code = 0; code <= 0x10FFFF; code += code < 0x20000 ? 1 : 0x35) {
+            if (code < 0x10000)
+                compare(QString(QChar(static_cast<ushort>(code))));
+            else
+                compare(QString::fromUcs4(&code, 1));
+            if (QTest::currentTestFailed())
+                return;
+        }
+    }
+
     void emptyAndNullTextsReadAsTheNullString() {
         QVERIFY(fromRecord(nullptr).isNull());
         QVERIFY(fromRecord("").isNull());
