@@ -224,7 +224,7 @@ history::Values CatalogueRecords::valuesOf(const store::TableDef& table, const s
 
 uint32_t* Catalogue::neighbours(Node node) const {
     char* block = m_blocks[node / 8 - 1].get();
-    return Layout::slots(block) + std::popcount(uint32_t(Layout::head(block).present)) +
+    return Layout::slotsOf(block) + std::popcount(uint32_t(Layout::head(block).present)) +
            size_t(2) * (node % 8);
 }
 

@@ -186,7 +186,7 @@ Catalogue::Block Catalogue::pack(const Draft& draft) {
     }
     Block block(new char[size + rest]);
     *reinterpret_cast<Head*>(block.get()) = {layout.number, 0, present};
-    uint32_t* slot = Layout::slots(block.get());
+    uint32_t* slot = Layout::slotsOf(block.get());
     char* end = block.get() + size;
     for (const bool dates : {true, false}) { // their slots stay in the order of the fields
         uint32_t* at = slot;

@@ -40,12 +40,12 @@ struct Catalogue::Layout {
     static const Head& head(const char* block) { return *reinterpret_cast<const Head*>(block); }
     static bool has(const char* block, int field) { return head(block).present >> field & 1; }
     static int rank(uint32_t bits, int field) { return std::popcount(bits & ((1U << field) - 1)); }
-    static uint32_t* slots(char* block) { return reinterpret_cast<uint32_t*>(block) + 1; }
-    static const uint32_t* slots(const char* block) {
+    static uint32_t* slotsOf(char* block) { return reinterpret_cast<uint32_t*>(block) + 1; }
+    static const uint32_t* slotsOf(const char* block) {
         return reinterpret_cast<const uint32_t*>(block) + 1;
     }
     static uint32_t slot(const char* block, int field) {
-        return slots(block)[rank(head(block).present, field)];
+        return slotsOf(block)[rank(head(block).present, field)];
     }
     /// The values of indexed fields that a block has, as bits.
     uint32_t links(const char* block) const { return head(block).present & indexed; }

@@ -26,10 +26,10 @@ if(ORVO_PRECOMPILE)
     <QMainWindow> <QMenu> <QMimeData> <QPointer> <QProcess> <QPushButton> <QRegularExpression>
     <QSet> <QStandardItemModel> <QStringList> <QTemporaryDir> <QThread> <QTimer> <QToolBar>
     <QToolButton> <QTreeView> <QVBoxLayout> <QVariant> <QVector>)
-  orvo_precompiled(orvo_pch_widgets HEADERS ${widgets} LINK Qt5::Widgets)
+  orvo_precompiled(orvo_pch_widgets HEADERS ${widgets} LINK Qt::Widgets)
   if(ORVO_TESTS)
     set(waits "${CMAKE_SOURCE_DIR}/tests/Waits.h") # QtTest, and what hardly ever changes
-    orvo_precompiled(orvo_pch_test HEADERS ${standard} ${waits} LINK Qt5::Test)
-    orvo_precompiled(orvo_pch_widgets_test HEADERS ${widgets} ${waits} LINK Qt5::Widgets Qt5::Test)
+    orvo_precompiled(orvo_pch_test HEADERS ${standard} ${waits} LINK Qt::Test)
+    orvo_precompiled(orvo_pch_widgets_test HEADERS ${widgets} ${waits} LINK Qt::Widgets Qt::Test)
   endif()
 endif()

@@ -20,7 +20,7 @@ qint64 ageOf(const QString& text) {
         if (!text.endsWith(QLatin1Char(unit.letter)))
             continue;
         bool good = false;
-        const qint64 number = text.leftRef(text.size() - 1).toLongLong(&good);
+        const qint64 number = text.left(text.size() - 1).toLongLong(&good);
         if (good && number > 0 && number <= mostDays * 86400 / unit.seconds)
             return number * unit.seconds;
     }

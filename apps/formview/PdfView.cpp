@@ -4,7 +4,7 @@
 #include <QScrollBar>
 #include <QWheelEvent>
 
-#include <poppler-qt5.h>
+#include ORVO_POPPLER_HEADER
 
 #include <algorithm>
 #include <cmath>
@@ -35,7 +35,7 @@ PdfView::~PdfView() = default;
 
 bool PdfView::open(const QByteArray& bytes, QString* error) {
     Poppler::setDebugErrorFunction([](const QString&, const QVariant&) {}, {});
-    m_document.reset(Poppler::Document::loadFromData(bytes));
+    m_document = std::unique_ptr<Poppler::Document>(Poppler::Document::loadFromData(bytes));
     if (!m_document) {
         *error = QStringLiteral("это не PDF");
         return false;

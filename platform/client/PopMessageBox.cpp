@@ -296,7 +296,7 @@ QStringList CPopMessageBox::subjectBelow() const {
 void CPopMessageBox::addNote(const QString& line) {
     constexpr int mostLines = 4;
     d->noted << line;
-    QStringList lines = d->noted.mid(std::max(0, d->noted.size() - mostLines));
+    QStringList lines = d->noted.mid(std::max<int>(0, d->noted.size() - mostLines));
     if (d->noted.size() > mostLines)
         lines.prepend(QStringLiteral("… и ещё %1").arg(d->noted.size() - mostLines));
     if (!d->notes) {

@@ -96,7 +96,7 @@ bool ClientProcess::waitUp() {
     }
     while (timer.elapsed() < 60000 && m_socket.state() == QLocalSocket::ConnectedState) {
         const QJsonObject state = ask("state");
-        if (state["running"].toInt() >= std::max(1, modules.size())) {
+        if (state["running"].toInt() >= std::max<int>(1, modules.size())) {
             const char* first = modules.isEmpty()          ? "deskTree"
                                 : modules.last() == "Menu" ? "tvDesck"
                                                            : "tvRes";

@@ -86,7 +86,7 @@ public:
 private:
     void change(QByteArray& bytes, const QVector<QByteArray>& sound) {
         const int at = below(bytes.size());
-        const int early = below(std::min(bytes.size(), 64)); // where sizes stand
+        const int early = below(std::min<int>(bytes.size(), 64)); // where sizes stand
         switch (below(8)) {
         case 0:
             if (!bytes.isEmpty())

@@ -8,7 +8,7 @@
 #include <QDBusReply>
 #include <QEventLoop>
 
-#include <qt5keychain/keychain.h>
+#include <keychain.h>
 
 namespace orvo::app::secrets {
 
