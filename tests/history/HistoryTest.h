@@ -10,7 +10,10 @@
 
 #include <QTextStream>
 
+#include <map>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace orvo::history::test {
 
@@ -82,6 +85,26 @@ protected:
         return list;
     }
 
+    /// A field of an element.
+    QString fieldOf(const char* key, const char* field) const {
+        std::map<std::string, std::vector<store::Value>> values;
+        const store::TableDef& table = *store::findTable("Menu");
+        const store::Status status = m_anna->storedValues(table, {key}, &values);
+        return values.empty() ? QString::fromStdString(status.text)
+                              : QString::fromStdString(store::textOf(
+                                    values.begin()->second[size_t(table.find(field))]));
+    }
+    QString caption(const char* key) const { return fieldOf(key, "caption"); }
+
+    /// A desktop "d" with the elements "a" > "b" > "c".
+    void plantElements() {
+        ORVO_OK(Batch("MenuFolder").insert("d", {{"caption", "Стол"}}).send(*m_anna));
+        ORVO_OK(Batch("Menu")
+                    .insert("a", {{"caption", "А"}, {"FolderKey", "d"}})
+                    .insert("b", {{"caption", "Б"}, {"FolderKey", "d"}, {"parent", "a"}})
+                    .insert("c", {{"caption", "В"}, {"FolderKey", "d"}, {"parent", "b"}})
+                    .send(*m_anna));
+    }
     /// Renames an element; the id of the group.
     static int64_t rename(store::Store& store, const char* key, const char* caption) {
         const store::Status status = Batch("Menu").update(key, {{"caption", caption}}).send(store);

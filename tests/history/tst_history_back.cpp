@@ -15,12 +15,7 @@ public:
 private slots:
     void init() {
         HistoryTest::init();
-        ORVO_OK(Batch("MenuFolder").insert("d", {{"caption", "Стол"}}).send(*m_anna));
-        ORVO_OK(Batch("Menu")
-                    .insert("a", {{"caption", "А"}, {"FolderKey", "d"}})
-                    .insert("b", {{"caption", "Б"}, {"FolderKey", "d"}, {"parent", "a"}})
-                    .insert("c", {{"caption", "В"}, {"FolderKey", "d"}, {"parent", "b"}})
-                    .send(*m_anna));
+        plantElements();
     }
     void aRowGoesBackToAPlace();
     void aBranchGoesBackToAPlace();

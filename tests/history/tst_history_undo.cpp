@@ -13,12 +13,7 @@ public:
 private slots:
     void init() {
         HistoryTest::init();
-        ORVO_OK(Batch("MenuFolder").insert("d", {{"caption", "Стол"}}).send(*m_anna));
-        ORVO_OK(Batch("Menu")
-                    .insert("a", {{"caption", "А"}, {"FolderKey", "d"}})
-                    .insert("b", {{"caption", "Б"}, {"FolderKey", "d"}, {"parent", "a"}})
-                    .insert("c", {{"caption", "В"}, {"FolderKey", "d"}, {"parent", "b"}})
-                    .send(*m_anna));
+        plantElements();
     }
     void fieldsGetTheirValuesBack();
     void fieldsThatOthersChangedSinceStay();
@@ -56,16 +51,6 @@ private slots:
     void whatIsGoneWithItsMakingIsNotCalledDeleted();
     void actionsOfAnOldStoreAreTakenBack();
     void whoDidItAgainHasNotBuiltOnIt();
-
-private:
-    QString caption(const char* key) const {
-        std::map<std::string, std::vector<Value>> values;
-        const TableDef& table = *findTable("Menu");
-        const Status status = m_anna->storedValues(table, {key}, &values);
-        return values.empty() ? QString::fromStdString(status.text)
-                              : QString::fromStdString(
-                                    textOf(values.begin()->second[size_t(table.find("caption"))]));
-    }
 };
 
 void TestHistoryUndo::fieldsGetTheirValuesBack() {
