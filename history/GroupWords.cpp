@@ -45,6 +45,36 @@ bool isContent(const LoggedChange& read) {
     return read.table == &store::contentTable();
 }
 
+using RecordKeys = std::set<std::pair<std::string, std::string>>; ///< tables and folded keys
+
+/// The changes that only follow a cut, or the taking back of one: of what it has written anew they
+/// are about what was in it.
+std::vector<const LoggedChange*> followersOf(const std::vector<LoggedChange>& all) {
+    RecordKeys created, deleted;
+    for (const LoggedChange& read : all)
+        if (read.deed == Deed::Created || read.deed == Deed::Deleted)
+            (read.deed == Deed::Created ? created : deleted)
+                .insert({read.change->table, store::foldedKey(read.change->key)});
+    const auto has = [](const RecordKeys& keys, const LoggedChange& read, const std::string& key) {
+        return keys.count({read.above->name, store::foldedKey(key)}) != 0;
+    };
+    std::vector<const LoggedChange*> found;
+    if (created.empty() || deleted.empty())
+        return found;
+    for (const LoggedChange& read : all)
+        if (read.deed == Deed::Moved && has(deleted, read, read.from) &&
+            has(created, read, read.to))
+            found.push_back(&read);
+    RecordKeys desktops; // what is within them changes only that
+    for (const LoggedChange* read : found)
+        desktops.insert({store::foldedKey(read->topFrom), store::foldedKey(read->topTo)});
+    for (const LoggedChange& read : all)
+        if (read.deed == Deed::Moved && read.topFrom.empty() &&
+            desktops.count({store::foldedKey(read.from), store::foldedKey(read.to)}) != 0)
+            found.push_back(&read);
+    return found;
+}
+
 /// The changes that the line is about: not what goes with others.
 std::vector<const LoggedChange*> mainOnes(const std::vector<LoggedChange>& all) {
     const bool onlyContents = std::all_of(all.begin(), all.end(), isContent);
@@ -52,7 +82,9 @@ std::vector<const LoggedChange*> mainOnes(const std::vector<LoggedChange>& all) 
     const bool onlyOrder = std::all_of(all.begin(), all.end(), [&](const LoggedChange& read) {
         return isOrder(read) || isContent(read);
     });
-    std::set<std::pair<std::string, std::string>> deleted, created;
+    const std::vector<const LoggedChange*> followers = followersOf(all);
+    const std::set<const LoggedChange*> following(followers.begin(), followers.end());
+    RecordKeys deleted, created;
     for (const LoggedChange& read : all) {
         const std::pair<std::string, std::string> record{read.change->table,
                                                          store::foldedKey(read.change->key)};
@@ -64,6 +96,8 @@ std::vector<const LoggedChange*> mainOnes(const std::vector<LoggedChange>& all) 
     std::vector<const LoggedChange*> found;
     for (const LoggedChange& read : all) {
         if (read.table && ((isContent(read) && !onlyContents) || (isOrder(read) && !onlyOrder)))
+            continue;
+        if (following.count(&read) != 0)
             continue;
         const auto* records = read.deed == Deed::Deleted   ? &deleted
                               : read.deed == Deed::Created ? &created
@@ -173,10 +207,14 @@ QString lineOf(const std::vector<LoggedChange>& all, RecordSource& source) {
         return together(ones, source);
     if (ones.size() > 1) {
         const std::vector<LoggedChange> moved = cutAsMoves(ones, source);
+        const std::vector<const LoggedChange*> followers = followersOf(all);
+        const QString along = followers.empty() ? QString()
+                                                : QStringLiteral(" вместе с тем, что внутри") +
+                                                      names(followers, source);
         if (moved.size() == 1)
-            return sentence(moved.front(), source);
+            return sentence(moved.front(), source) + along;
         if (!moved.empty())
-            return together(pointersTo(moved), source);
+            return together(pointersTo(moved), source) + along;
         return sentence(first, source) + andMore(ones.size() - 1);
     }
     QString line = sentence(first, source);

@@ -78,10 +78,12 @@ store::Status planInverse(store::MaintainedStore& store, const Selection& select
     for (bool again = true; again && status.ok();) {
         again = false;
         status = planning.placeRestored();
+        bool taken = false;
         if (status.ok())
-            status = planning.keepWhatIsBuiltOn();
+            status = planning.keepWhatIsBuiltOn(&again);
         if (status.ok())
-            status = planning.keepNamesApart(&again);
+            status = planning.keepNamesApart(&taken);
+        again = again || taken;
     }
     if (status.ok())
         status = planning.decideContents();

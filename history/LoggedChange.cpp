@@ -58,6 +58,14 @@ QString nameOfKey(const store::TableDef* table, const std::string& key, RecordSo
     return name.isEmpty() ? QString() : quoted(name);
 }
 
+/// «Станция / Агрегаты»
+QString pathOfKey(const store::TableDef& table, const std::string& key, RecordSource& source) {
+    const Values values = source.valuesOf(table, key);
+    const QString above = placeOf(table, values, &source);
+    const QString name = nameOf(table, values);
+    return quoted(above.isEmpty() ? name : above + QStringLiteral(" / ") + name);
+}
+
 } // namespace
 
 const store::Value* valueIn(const store::TableDef& table, const Values& values, const char* name) {
@@ -119,14 +127,25 @@ bool isPlacedBelow(const LoggedChange& read, const LoggedChange& above) {
 LoggedChange movedBy(const LoggedChange& made, const LoggedChange& gone) {
     LoggedChange read = made;
     read.deed = Deed::Moved;
+    const auto keyIn = [&](const Values& values, const char* name) {
+        const store::Value* key = valueIn(*read.table, values, name);
+        return key ? store::textOf(*key) : std::string();
+    };
     for (const store::ParentField& parent : store::parentFields(*read.table)) {
-        const store::Value* to = valueIn(*read.table, read.after, parent.field);
-        const store::Value* from = valueIn(*read.table, gone.before, parent.field);
-        if (!to || store::textOf(*to).empty())
+        const std::string to = keyIn(read.after, parent.field);
+        const std::string from = keyIn(gone.before, parent.field);
+        if (to.empty() && from.empty())
             continue;
         read.above = store::findTable(parent.table);
-        read.to = store::textOf(*to);
-        read.from = from ? store::textOf(*from) : std::string();
+        read.to = to;
+        read.from = from;
+        const bool isElement = std::strcmp(parent.field, field::parent) == 0;
+        const std::string topFrom = keyIn(gone.before, field::FolderKey);
+        const std::string topTo = keyIn(read.after, field::FolderKey);
+        if (isElement && store::foldedKey(topFrom) != store::foldedKey(topTo)) {
+            read.topFrom = topFrom;
+            read.topTo = topTo;
+        }
         break;
     }
     return read;
@@ -138,8 +157,12 @@ QString fromTo(const LoggedChange& read, RecordSource& source) {
         const QString name = nameOfKey(desktops, desktop, source);
         return name.isEmpty() ? words : words + QLatin1Char(' ') + name;
     };
-    const QString from = nameOfKey(read.above, read.from, source);
-    const QString to = nameOfKey(read.above, read.to, source);
+    QString from = nameOfKey(read.above, read.from, source);
+    QString to = nameOfKey(read.above, read.to, source);
+    if (!from.isEmpty() && from == to) { // another one of the same name: its place tells which
+        from = pathOfKey(*read.above, read.from, source);
+        to = pathOfKey(*read.above, read.to, source);
+    }
     return QStringLiteral(" %1 %2").arg(
         from.isEmpty() ? top(QStringLiteral("с верхнего уровня"), read.topFrom)
                        : QStringLiteral("из %1").arg(from),

@@ -8,6 +8,7 @@
 #include "history/Standing.h"
 
 #include <bitset>
+#include <functional>
 #include <map>
 #include <memory_resource>
 #include <optional>
@@ -27,7 +28,7 @@ namespace orvo::history {
 const store::TableDef* targetTable(const store::TableDef& table, int field);
 
 /// To be called in the order in which the steps stand here; those from placeRestored to
-/// keepNamesApart once more while the last one changes anything.
+/// keepNamesApart once more while one of the last two changes anything.
 class Planning {
 public:
     /// All of these outlive it.
@@ -52,8 +53,9 @@ public:
     void keepRights();
     /// Leaves out restored records without a place.
     store::Status placeRestored();
-    /// Leaves out deletions of what others have built on.
-    store::Status keepWhatIsBuiltOn();
+    /// Leaves out deletions of what others have built on. What stands below a record that a cut has
+    /// made goes back with the cut.
+    store::Status keepWhatIsBuiltOn(bool* changed);
     /// Leaves out what would bear a name that another record has, or names it otherwise.
     store::Status keepNamesApart(bool* changed);
     /// Finds the bytes that contents are to have again.
@@ -104,13 +106,25 @@ private:
     void addMakings(const Record& record, std::set<int64_t>* groups) const;
     /// Leaves out what those actions have done.
     void leaveOut(const std::set<int64_t>& stuck, bool* changed);
+    /// The record that is to come back in place of this one, through all the cuts in between; null:
+    /// none.
     Record* cutFrom(const Record& made) const;
-    /// Whether the deletion is half of a cut.
-    store::Status isCut(const store::TableDef& table, const store::Change& deletion, bool* isOne);
+    /// The first of those from which it was cut, and of which that is true.
+    Record* cutFrom(const Record& made, const std::function<bool(const Record&)>& isMeant) const;
+    /// What an action has deleted, and written, with the same content; in the same order.
+    struct Halves {
+        std::vector<std::string> gone, made; ///< folded keys
+    };
+    /// Of the action that has deleted a record those alike; null: it was no cut.
+    store::Status halvesOf(const store::TableDef& table, const store::Change& deletion,
+                           const Halves** halves);
     /// Says that the record is not there any more. `deletion`: may be null.
     store::Status tellGone(const store::TableDef& table, const Record& record,
                            const store::Change* deletion);
-    /// Leaves a cut as it is if something of what it made stays.
+    /// Where that record is to be found, if a cut or the taking back of one has written it again;
+    /// else empty. The keys are folded.
+    store::Status whereCutTo(const store::TableDef& table, std::string key, std::string* found);
+    /// Leaves a cut as it is if something of what it made stays, or what it took away has no place.
     void keepCutsWhole(bool* changed);
     void remark(Remark::Why why, const store::TableDef& table, const Record& record, int field = -1,
                 const store::Change* change = nullptr);
@@ -125,6 +139,8 @@ private:
     /// Whether the record can stand below that one; `isChosen`: by the user.
     store::Status canStand(const Placement& placement, const std::string& key, bool isChosen,
                            std::optional<Remark::Why>* whyNot);
+    store::Status placeAfterCut(const Placement& placement, const std::string& missing,
+                                std::string* cutTo);
     /// Leaves the link out if the record cannot stand there.
     store::Status place(const Placement& placement, bool* changed);
     /// The change that deleted a record that is missing; null if none did.
@@ -171,7 +187,23 @@ private:
     static std::vector<Link> linksTo(const store::TableDef& table);
     store::Status lookBelow(const store::TableDef& table, const Link& link,
                             const std::vector<std::string>& deleted, bool* changed);
+    /// What stands below, or names, what a cut has made.
+    struct Follower {
+        std::string key; ///< as it is spelled
+        Record* made;
+        Record* origin;
+    };
     store::Status deleteBelow(const store::TableDef& table, const std::vector<std::string>& keys);
+    /// The plan's record, read from the store.
+    store::Status planStored(const store::TableDef& table, const std::vector<std::string>& keys,
+                             std::vector<Record*>* records);
+    /// Lets them go back with the cut; those that cannot are in m_stayingBelow then.
+    store::Status moveAlong(const Link& link, const std::vector<Follower>& followers,
+                            bool* changed);
+    store::Status changeDesktop(const std::vector<std::string>& tops, const Follower& of);
+    void moveAlong(Record& record, int field, store::Value value);
+    /// Until it is found anew what goes back with which cut.
+    void forgetMovedAlong();
     /// Moves the values into the writes.
     void part(const store::TableDef& table, int flag);
 
@@ -188,8 +220,10 @@ private:
     bool m_leftOut = false;         ///< the actions have changed other records than are selected
     std::set<const Record*> m_kept; ///< deletions that are left out
     std::map<const Record*, Record*> m_cutFrom; ///< what a cut has written; what it deleted for it
-    /// What actions have made, for isCut.
-    std::map<int64_t, std::set<std::pair<const store::TableDef*, std::string>>> m_made;
+    /// Of actions, by table and content.
+    std::map<int64_t, std::map<std::pair<const store::TableDef*, std::string>, Halves>> m_halves;
+    std::vector<std::pair<Record*, int>> m_movedAlong; ///< with cuts, and by which field
+    std::set<const Record*> m_stayingBelow;            ///< what a cut has made; or what is above it
     bool m_foundUploads = false;
     int64_t m_forgotten = 0;                  ///< versions of changes up to this one may be missing
     std::map<std::string, FormLock> m_locked; ///< by others; by the folded key of the form
@@ -201,7 +235,7 @@ private:
     /// Of missing ones.
     std::map<std::pair<const store::TableDef*, std::string>, std::optional<store::Change>>
         m_deletions;
-    std::set<std::pair<const store::TableDef*, std::string>> m_unplaced; ///< not restored for that
+    std::set<const Record*> m_unplaced; ///< not restored for that
     /// Links, as they are spelled, that records which are restored can have as they had them.
     std::map<const store::TableDef*, std::unordered_set<std::string>> m_fine;
 };

@@ -6,6 +6,8 @@
 #include "platform/store/Names.h"
 
 #include <cstring>
+#include <optional>
+#include <set>
 #include <utility>
 
 namespace orvo::history {
@@ -30,8 +32,9 @@ std::vector<Planning::Link> Planning::linksTo(const store::TableDef& table) {
     return links;
 }
 
-store::Status Planning::deleteBelow(const store::TableDef& table,
-                                    const std::vector<std::string>& keys) {
+store::Status Planning::planStored(const store::TableDef& table,
+                                   const std::vector<std::string>& keys,
+                                   std::vector<Record*>* records) {
     std::map<std::string, std::vector<store::Value>> stored;
     store::Status status = m_store.storedValues(table, keys, &stored);
     for (const std::string& key : keys) {
@@ -39,12 +42,102 @@ store::Status Planning::deleteBelow(const store::TableDef& table,
         Record& record = m_records[&table][folded];
         record.key = key;
         record.present = true;
-        record.flag = MDX_DELETE;
         if (const auto row = stored.find(folded); row != stored.end())
             for (size_t i = 0; i < row->second.size(); ++i)
                 record.now[static_cast<int>(i)] = row->second[i];
+        records->push_back(&record);
     }
     return status;
+}
+
+store::Status Planning::deleteBelow(const store::TableDef& table,
+                                    const std::vector<std::string>& keys) {
+    std::vector<Record*> records;
+    store::Status status = planStored(table, keys, &records);
+    for (Record* record : records) {
+        record->flag = MDX_DELETE;
+        record->values = {};
+    }
+    return status;
+}
+
+void Planning::moveAlong(Record& record, int field, store::Value value) {
+    record.flag = MDX_UPDATE;
+    record.values[field] = std::move(value);
+    m_movedAlong.emplace_back(&record, field);
+}
+
+void Planning::forgetMovedAlong() {
+    for (const auto& [record, field] : m_movedAlong) {
+        record->values.erase(field);
+        if (record->flag == MDX_UPDATE && record->values.empty())
+            record->flag = 0;
+    }
+    m_movedAlong.clear();
+}
+
+store::Status Planning::moveAlong(const Link& link, const std::vector<Follower>& followers,
+                                  bool* changed) {
+    std::vector<std::string> keys;
+    keys.reserve(followers.size());
+    for (const Follower& one : followers)
+        keys.push_back(one.key);
+    std::vector<Record*> records;
+    store::Status status = planStored(*link.below, keys, &records);
+    for (size_t i = 0; i < records.size() && status.ok(); ++i)
+        moveAlong(*records[i], link.field, store::Value(followers[i].origin->key));
+    const store::TableDef* const above = targetTable(*link.below, link.field);
+    for (size_t i = 0; above == link.below && i < records.size() && status.ok(); ++i) {
+        std::optional<Remark::Why> whyNot;
+        status = canStand({link.below, records[i], link.field, above},
+                          store::foldedKey(followers[i].origin->key), true, &whyNot);
+        if (whyNot) {
+            m_stayingBelow.insert(records[i]);
+            *changed = true;
+        } else if (status.ok() && is(above->name, table::Menu)) {
+            status = changeDesktop({followers[i].key}, followers[i]);
+        }
+    }
+    return status;
+}
+
+/// Elements bear the desktop on which they stand, those within others too.
+store::Status Planning::changeDesktop(const std::vector<std::string>& tops, const Follower& of) {
+    const store::TableDef& elements = *store::findTable(table::Menu);
+    const int desktop = elements.find(field::FolderKey);
+    const auto keyIn = [&](const Values& values) {
+        const auto found = values.find(desktop);
+        return found == values.end() ? std::string()
+                                     : store::foldedKey(store::textOf(found->second));
+    };
+    const std::string from = keyIn(of.made->now);
+    if (from.empty() || keyIn(of.origin->values) == from)
+        return {};
+    std::vector<std::string> level = tops;
+    std::set<std::string> seen;
+    while (!level.empty()) {
+        std::vector<std::string> fresh;
+        for (const std::string& key : level)
+            if (const Record* record = planned(elements, store::foldedKey(key));
+                seen.insert(store::foldedKey(key)).second &&
+                (!record || record->flag != MDX_DELETE))
+                fresh.push_back(key);
+        std::vector<Record*> records;
+        if (store::Status status = planStored(elements, fresh, &records); !status.ok())
+            return status;
+        for (Record* record : records)
+            if (keyIn(record->now) == from && record->values.count(desktop) == 0)
+                moveAlong(*record, desktop, of.origin->values[desktop]);
+        std::vector<std::pair<std::string, std::string>> below;
+        if (store::Status status =
+                m_store.keysNaming(elements, elements.find(field::parent), fresh, &below);
+            !status.ok())
+            return status;
+        level.clear();
+        for (auto& [key, named] : below)
+            level.push_back(std::move(key));
+    }
+    return {};
 }
 
 /// Deals with the records that name some of those that are to be deleted, by one kind of link.
@@ -53,6 +146,7 @@ store::Status Planning::lookBelow(const store::TableDef& table, const Link& link
     std::vector<std::pair<std::string, std::string>> children; // with what they name
     store::Status status = m_store.keysNaming(*link.below, link.field, deleted, &children);
     std::vector<std::string> deeper;
+    std::vector<Follower> followers;
     std::vector<std::pair<Record*, std::string>> kept; // with the child that keeps it
     for (const auto& [child, named] : children) {
         Record& record = m_records[&table].at(store::foldedKey(named));
@@ -61,7 +155,12 @@ store::Status Planning::lookBelow(const store::TableDef& table, const Link& link
             (planned && (planned->flag == MDX_DELETE ||
                          (planned->flag == MDX_UPDATE && planned->values.count(link.field) != 0))))
             continue;
-        if (m_choices.othersWorkToo) {
+        const bool stays = m_stayingBelow.count(planned) != 0;
+        if (Record* const origin = stays ? nullptr : cutFrom(record)) {
+            followers.push_back({child, &record, origin});
+            continue;
+        }
+        if (m_choices.othersWorkToo && !stays) {
             if (link.places)
                 deeper.push_back(child);
             continue;
@@ -76,6 +175,8 @@ store::Status Planning::lookBelow(const store::TableDef& table, const Link& link
         status = deleteBelow(*link.below, deeper);
         *changed = true;
     }
+    if (status.ok() && !followers.empty())
+        status = moveAlong(link, followers, changed);
     if (!status.ok() || kept.empty())
         return status;
     std::vector<std::string> keys;
@@ -96,7 +197,7 @@ store::Status Planning::lookBelow(const store::TableDef& table, const Link& link
     return status;
 }
 
-store::Status Planning::keepWhatIsBuiltOn() {
+store::Status Planning::keepWhatIsBuiltOn(bool* changed) {
     if (m_alone)
         return {}; // nobody has done anything since
     if (!std::exchange(m_foundUploads, true))
@@ -106,6 +207,7 @@ store::Status Planning::keepWhatIsBuiltOn() {
             return uploads;
     for (bool again = true; again;) {
         again = false;
+        forgetMovedAlong();
         // Deletions that are added join in the next round.
         std::map<const store::TableDef*, std::vector<std::string>> deleted;
         for (auto& [table, records] : m_records)
@@ -125,8 +227,10 @@ store::Status Planning::keepWhatIsBuiltOn() {
             for (const Link& link : linksTo(*table))
                 if (store::Status status = lookBelow(*table, link, keys, &again); !status.ok())
                     return status;
-        if (!again && !m_kept.empty())
-            keepCutsWhole(&again);
+        if (again || m_cutFrom.empty())
+            continue;
+        keepCutsWhole(&again);
+        *changed = *changed || again; // what would have stood in them is placed anew
     }
     return {};
 }

@@ -5,6 +5,7 @@
 
 #include "frame/Vocabulary.h"
 #include "platform/store/ChangeRecord.h"
+#include "platform/store/Names.h"
 
 #include <algorithm>
 #include <cstring>
@@ -98,9 +99,8 @@ void Planning::findCuts() {
     }
 }
 
-/// The record that is to come back in place of this one, through all the cuts in between; null:
-/// none.
-Planning::Record* Planning::cutFrom(const Record& made) const {
+Planning::Record* Planning::cutFrom(const Record& made,
+                                    const std::function<bool(const Record&)>& isMeant) const {
     Record* origin = nullptr;
     std::set<const Record*> seen; // a cut that was done again leads back
     for (const Record* at = &made; seen.insert(at).second; at = origin) {
@@ -108,44 +108,88 @@ Planning::Record* Planning::cutFrom(const Record& made) const {
         if (found == m_cutFrom.end())
             return nullptr;
         origin = found->second;
-        if (origin->flag == MDX_INSERT)
+        if (isMeant(*origin))
             return origin;
     }
     return nullptr;
 }
 
-store::Status Planning::isCut(const store::TableDef& table, const store::Change& deletion,
-                              bool* isOne) {
+Planning::Record* Planning::cutFrom(const Record& made) const {
+    return cutFrom(made, [](const Record& origin) { return origin.flag == MDX_INSERT; });
+}
+
+store::Status Planning::halvesOf(const store::TableDef& table, const store::Change& deletion,
+                                 const Halves** halves) {
     constexpr int mostRead = 2000;
-    auto found = m_made.find(deletion.group);
-    if (found == m_made.end()) {
-        found = m_made.try_emplace(deletion.group).first;
+    *halves = nullptr;
+    auto found = m_halves.find(deletion.group);
+    if (found == m_halves.end()) {
+        found = m_halves.try_emplace(deletion.group).first;
         store::LogQuery query;
         query.group = deletion.group;
         std::vector<store::Change> changes;
         if (store::Status status = m_store.history(query, mostRead, &changes); !status.ok())
             return status;
-        for (const store::Change& change : changes)
-            if (const store::TableDef* of = tableOf(change.table);
-                of && change.code == OrvoEventInsert)
-                found->second.insert(
-                    {of, contentOf(*of, store::valuesFromJson(*of, change.after))});
+        for (const store::Change& change : changes) {
+            const store::TableDef* of = tableOf(change.table);
+            if (of && change.code == OrvoEventInsert)
+                found->second[{of, contentOf(*of, store::valuesFromJson(*of, change.after))}]
+                    .made.push_back(store::foldedKey(change.key));
+            if (of && change.code == OrvoEventDelete)
+                found->second[{of, deletedContent(*of, change)}].gone.push_back(
+                    store::foldedKey(change.key));
+        }
     }
-    *isOne = !found->second.empty() &&
-             found->second.count({&table, deletedContent(table, deletion)}) != 0;
+    if (const auto alike = found->second.find({&table, deletedContent(table, deletion)});
+        alike != found->second.end() && !alike->second.made.empty())
+        *halves = &alike->second;
+    return {};
+}
+
+store::Status Planning::whereCutTo(const store::TableDef& table, std::string key,
+                                   std::string* found) {
+    found->clear();
+    std::set<std::string> seen;
+    while (seen.insert(key).second) {
+        const Record* const record = planned(table, key);
+        if (record && record->flag == MDX_DELETE) {
+            if (const Record* origin = cutFrom(*record))
+                *found = store::foldedKey(origin->key);
+            return {};
+        }
+        auto& stored = m_above[&table];
+        if (store::Status status = m_store.storedValues(table, {key}, &stored); !status.ok())
+            return status;
+        if ((record && record->flag == MDX_INSERT) || stored.count(key) != 0) {
+            *found = key;
+            return {};
+        }
+        const store::Change* deletion = nullptr;
+        const Halves* halves = nullptr;
+        store::Status status = deletionOf(table, key, &deletion);
+        if (status.ok() && deletion)
+            status = halvesOf(table, *deletion, &halves);
+        if (!status.ok() || !halves || halves->made.size() != halves->gone.size())
+            return status;
+        const auto at = std::find(halves->gone.begin(), halves->gone.end(), key);
+        if (at != halves->gone.end())
+            key = halves->made[static_cast<size_t>(at - halves->gone.begin())];
+    }
     return {};
 }
 
 store::Status Planning::tellGone(const store::TableDef& table, const Record& record,
                                  const store::Change* deletion) {
-    bool isMoved = false;
-    store::Status status = deletion ? isCut(table, *deletion, &isMoved) : store::Status();
-    remark(isMoved ? Remark::MovedSince : Remark::DeletedSince, table, record, -1, deletion);
+    const Halves* halves = nullptr;
+    store::Status status = deletion ? halvesOf(table, *deletion, &halves) : store::Status();
+    remark(halves ? Remark::MovedSince : Remark::DeletedSince, table, record, -1, deletion);
     return status;
 }
 
 /// Restoring what others have taken away since would write it twice, or take their deletion back.
 store::Status Planning::keepCutsThatWentOn() {
+    if (m_cutFrom.empty())
+        return {};
     std::set<int64_t> stuck;
     for (auto& [table, records] : m_records)
         for (auto& [key, made] : records) {
@@ -190,6 +234,10 @@ void Planning::keepCutsWhole(bool* changed) {
     for (const Record* kept : m_kept)
         if (cutFrom(*kept))
             addMakings(*kept, &stuck);
+    const auto hasNoPlace = [&](const Record& origin) { return m_unplaced.count(&origin) != 0; };
+    for (const auto& [made, origin] : m_cutFrom) // or there would be none of it
+        if (made->flag == MDX_DELETE && cutFrom(*made, hasNoPlace))
+            addMakings(*made, &stuck);
     leaveOut(stuck, changed);
 }
 

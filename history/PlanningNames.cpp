@@ -55,8 +55,11 @@ store::Status Planning::leaveTaken(const store::TableDef& table, const store::Na
     m_inverse.remarks.back().missing = name;
     if (record.flag == MDX_INSERT) {
         record.flag = 0;
-        m_unplaced.insert({&table, store::foldedKey(record.key)});
+        m_unplaced.insert(&record);
     } else {
+        for (const auto& [moved, field] : m_movedAlong)
+            if (moved == &record && field == names.folder())
+                m_stayingBelow.insert(&record);
         for (const int field : {names.name(), names.folder(), names.kind()})
             record.values.erase(field);
         if (record.values.empty())

@@ -125,6 +125,43 @@ store::Status Planning::canStand(const Placement& placement, const std::string& 
     return {};
 }
 
+/// Below what a cut has written in place of the record that is missing, if it can stand there
+/// without another desktop for all below it; else `cutTo` is empty.
+store::Status Planning::placeAfterCut(const Placement& placement, const std::string& missing,
+                                      std::string* cutTo) {
+    store::Status status = whereCutTo(*placement.above, missing, cutTo);
+    if (!status.ok() || cutTo->empty())
+        return status;
+    Record& record = *placement.record;
+    const int desktop = placement.table->find(field::FolderKey);
+    const Record* const written = planned(*placement.above, *cutTo);
+    std::optional<Remark::Why> whyNot;
+    status = canStand(placement, *cutTo, true, &whyNot);
+    const auto valueOf = [&](const Values& values) {
+        const auto found = values.find(desktop);
+        return found == values.end() ? std::string()
+                                     : store::foldedKey(store::textOf(found->second));
+    };
+    if (status.ok() && !whyNot && placement.above == placement.table && desktop >= 0) {
+        const std::string own =
+            valueOf(record.values.count(desktop) != 0 ? record.values : record.now);
+        const auto& stored = m_above[placement.above];
+        const auto row = stored.find(*cutTo);
+        const std::string there =
+            written && written->flag == MDX_INSERT
+                ? valueOf(written->values)
+                : store::foldedKey(store::textOf(row->second[static_cast<size_t>(desktop)]));
+        if (own != there && !own.empty())
+            whyNot = Remark::NoPlace;
+    }
+    if (!status.ok() || whyNot)
+        cutTo->clear();
+    else
+        record.values[placement.field] = store::Value(
+            written ? written->key : store::textOf(m_above[placement.above].at(*cutTo).front()));
+    return status;
+}
+
 store::Status Planning::place(const Placement& placement, bool* changed) {
     Record& record = *placement.record;
     const auto link = record.values.find(placement.field);
@@ -153,6 +190,12 @@ store::Status Planning::place(const Placement& placement, bool* changed) {
             return {};
         }
     }
+    if (whyNot == Remark::NoPlace) {
+        std::string cutTo;
+        status = placeAfterCut(placement, key, &cutTo);
+        if (!status.ok() || !cutTo.empty())
+            return status;
+    }
     const store::Change* deletion = nullptr;
     if (whyNot == Remark::NoPlace) {
         status = deletionOf(*placement.above, key, &deletion);
@@ -161,13 +204,13 @@ store::Status Planning::place(const Placement& placement, bool* changed) {
         if (!status.ok() || !deletion) // it has been an orphan before
             return status;
     }
-    if (!m_unplaced.count({placement.above, key})) {
+    if (m_unplaced.count(planned(*placement.above, key)) == 0) {
         remark(*whyNot, *placement.table, record, placement.field, deletion);
         m_inverse.remarks.back().missing = missing;
     }
     if (record.flag == MDX_INSERT) {
         record.flag = 0;
-        m_unplaced.insert({placement.table, store::foldedKey(record.key)});
+        m_unplaced.insert(&record);
     } else {
         record.values.erase(link);
         if (record.values.empty())
@@ -179,6 +222,7 @@ store::Status Planning::place(const Placement& placement, bool* changed) {
 }
 
 store::Status Planning::placeRestored() {
+    forgetMovedAlong();
     const std::vector<Placement> all = placements();
     store::Status status = readAbove(all);
     for (bool again = true; again;) { // what has no place is no place for others
