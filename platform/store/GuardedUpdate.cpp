@@ -48,6 +48,8 @@ Status GuardedUpdate::apply(UpdateGuard* guard) {
         status = merge(*guard);
     if (status.ok() && guard != nullptr)
         status = checkParents(&guard->parentDeletion);
+    if (status.ok() && guard != nullptr)
+        status = checkResources(*guard);
     if (status.ok())
         status = refuseCycles();
     if (status.ok() && guard != nullptr && guard->seen >= 0 && NamePlaces::concern(m_table))
@@ -158,6 +160,52 @@ Status GuardedUpdate::checkParent(const Write& write, int field, const TableDef&
     *deletedParent = std::move(deletion);
     return {ParentDeleted, "Папка " + shown(name.empty() ? key : name) +
                                ", в которой должна быть запись, удалена " + who};
+}
+
+Status GuardedUpdate::checkResources(const UpdateGuard& guard) {
+    if (guard.seen < 0 || &m_table != findTable(table::Menu))
+        return {};
+    const int link = m_table.find(field::MenuResourceKey);
+    const auto chosenBy = [&](const Write& write) {
+        const Value* value = write.flag == MDX_DELETE ? nullptr : valueOf(write, link);
+        return value != nullptr && isKey(textOf(*value)) ? foldedKey(textOf(*value))
+                                                         : std::string();
+    };
+    std::set<std::string> chosen;
+    for (const Write& write : m_writes)
+        if (std::string key = chosenBy(write); !key.empty())
+            chosen.insert(std::move(key));
+    if (chosen.empty())
+        return {};
+    const TableDef& resources = *findTable(table::MenuResource);
+    std::set<std::string> stored;
+    Status status = m_backend.storedKeys(resources, listOf(chosen), &stored);
+    for (const std::string& key : stored)
+        chosen.erase(key);
+    std::vector<Change> changes;
+    if (status.ok() && !chosen.empty())
+        status = m_backend.changesOf(resources, listOf(chosen), guard.seen, &changes);
+    for (const Change& change : changes)
+        for (const Write& write : m_writes) {
+            if (change.code != OrvoEventDelete || chosenBy(write) != foldedKey(change.key))
+                continue;
+            bool isNew = true; // what named it before is its writer's to change
+            const auto compare = [&](const StoreBackend::Row& row) {
+                isNew = foldedKey(textOf(row.front())) != foldedKey(change.key);
+            };
+            if (write.flag == MDX_UPDATE)
+                status = m_backend.selectWhere(m_table, {link}, 0, write.key, compare);
+            if (!status.ok())
+                return status;
+            if (!isNew)
+                continue;
+            const std::string name = nameIn(resources, change.before);
+            const std::string who = change.login.empty() ? std::string("вручную")
+                                                         : "пользователем " + shown(change.login);
+            return {Refused, "Ресурс " + shown(name.empty() ? change.key : name) +
+                                 " тем временем удалён " + who + "; выберите другой"};
+        }
+    return status;
 }
 
 Status GuardedUpdate::checkChildren(const UpdateGuard& guard) {

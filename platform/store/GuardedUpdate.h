@@ -39,6 +39,9 @@ private:
     Status checkParents(std::optional<Change>* deletedParent);
     Status checkParent(const Write& write, int field, const TableDef& above, const std::string& key,
                        std::optional<Change>* deletedParent);
+    /// Refuses to let an element name a resource that was deleted since the writer last looked: he
+    /// chose it from a list in which it still was. What named it before may be written.
+    Status checkResources(const UpdateGuard& guard);
     /// Refuses to delete what others have put something into since the writer last looked.
     Status checkChildren(const UpdateGuard& guard);
     /// Refuses an update that would put a record below itself.

@@ -216,6 +216,43 @@ private slots:
         QCOMPARE(position(), before);
     }
 
+    void elementOfAResourceThatIsDeletedMeanwhileIsRefused() {
+        ORVO_OK(Batch("MenuResource")
+                    .insert("mod", {{"caption", "Тренды"}, {"name_", "Trends"}})
+                    .insert("old", {{"caption", "Старый"}})
+                    .send(*m_store));
+        ORVO_OK(Batch("Menu")
+                    .insert("has", {{"MenuResourceKey", "mod"}})
+                    .insert("other", {{"MenuResourceKey", "old"}})
+                    .send(*m_store));
+        ORVO_OK(Batch("MenuResource").remove("old").send(*m_store));
+        m_seen = position();
+        ORVO_OK(Batch("MenuResource").remove("mod").send(*m_other));
+        const int64_t before = position();
+        UpdateGuard mine = guard();
+        const Status status =
+            Batch("Menu").insert("new", {{"MenuResourceKey", "MOD"}}).send(*m_store, &mine);
+        ORVO_FAILS(status, Refused);
+        QVERIFY2(status.text.find("Тренды") != std::string::npos, status.text.c_str());
+        QVERIFY(status.text.find(m_other->login()) != std::string::npos);
+        QCOMPARE(position(), before);
+        mine = guard();
+        ORVO_FAILS(
+            Batch("Menu").update("other", {{"MenuResourceKey", "mod"}}).send(*m_store, &mine),
+            Refused);
+        // An element that named it before stays its writer's, as does what he knew to be gone and
+        // what is there again.
+        mine = guard();
+        ORVO_OK(Batch("Menu")
+                    .update("has", {{"MenuResourceKey", "mod"}, {"params", "x"}})
+                    .send(*m_store, &mine));
+        mine = guard();
+        ORVO_OK(Batch("Menu").insert("known", {{"MenuResourceKey", "old"}}).send(*m_store, &mine));
+        ORVO_OK(Batch("MenuResource").insert("mod", {{"caption", "Тренды"}}).send(*m_other));
+        mine = guard();
+        ORVO_OK(Batch("Menu").insert("new", {{"MenuResourceKey", "mod"}}).send(*m_store, &mine));
+    }
+
     void movingBelowADeletedFolderIsRefused() {
         ORVO_OK(Batch("MenuFolder").remove("hall").send(*m_other));
         UpdateGuard mine = guard();
