@@ -295,6 +295,11 @@ void EditorWindow::refuse(const QString& reason) {
             SLOT(on_common_error_message(QAbstractButton*)));
 }
 
+void EditorWindow::tell(const QString& title, const QString& text) {
+    showBox(title, text, MessageBoxIconNone, MessageBoxTypeOk,
+            SLOT(on_common_error_message(QAbstractButton*)));
+}
+
 std::unique_ptr<QObject>
 EditorWindow::watchUses(const char* table, const QStringList& keys,
                         const std::function<void(const UsesAnswer&)>& tell) {

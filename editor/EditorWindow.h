@@ -197,6 +197,8 @@ protected:
     bool answeredYes(QAbstractButton* button);
     /// Says in a box why something is not done.
     void refuse(const QString& reason);
+    /// Says something in a box; nothing has gone wrong.
+    void tell(const QString& title, const QString& text);
     /// Adds the places where records are used to the details of the box that stands, as soon as the
     /// host knows them, and as long as it stands.
     void nameUsesInBox(const char* table, const QStringList& keys, const QString& details);

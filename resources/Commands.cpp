@@ -3,7 +3,6 @@
 
 #include "resources/OrvoResources.h"
 
-#include "frame/RowDelegate.h"
 #include "frame/Vocabulary.h"
 #include "resources/Columns.h"
 #include "resources/Fields.h"
@@ -11,7 +10,6 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QToolButton>
-#include <QToolTip>
 #include <QTreeView>
 
 using orvo::resources::ResColumn;
@@ -46,9 +44,7 @@ void OrvoResources::explainLock() {
            "командой orvo-admin unlock %2.")
             .arg(who.isEmpty() ? tr("тот, кто её поставил,") : who,
                  orvo::resources::textAt(row, ResColumn::Name));
-    const QRect place = m_ui->tvRes->visualRect(row);
-    QToolTip::showText(m_ui->tvRes->viewport()->mapToGlobal(place.bottomLeft()),
-                       orvo::plainToolTip(text), m_ui->tvRes);
+    tell(tr("Снять блокировку"), text);
 }
 
 void OrvoResources::bindCommands() {

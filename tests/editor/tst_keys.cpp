@@ -707,10 +707,11 @@ private slots:
         tree->setCurrentIndex(editor->row("form"));
         const int writes = int(editor.host.writes().calls.size());
         QTest::keyClick(tree, Qt::Key_U, Qt::ControlModifier);
-        QVERIFY(QToolTip::text().contains("Петрова"));
-        QVERIFY(QToolTip::text().contains("orvo-admin unlock Boiler"));
+        QVERIFY(boxStands(*editor.module));
+        QVERIFY(boxText(*editor.module).contains("Петрова"));
+        QVERIFY(boxText(*editor.module).contains("orvo-admin unlock Boiler"));
+        QVERIFY(!editor.module->m_popMessageBox->isQuestion());
         QCOMPARE(int(editor.host.writes().calls.size()), writes);
-        QToolTip::hideText();
     }
 };
 
