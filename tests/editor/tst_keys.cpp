@@ -10,11 +10,12 @@
 
 #include <QCheckBox>
 #include <QFile>
+#include <QLibraryInfo>
 #include <QMenu>
 #include <QSet>
 #include <QTimer>
 #include <QToolButton>
-#include <QToolTip>
+#include <QTranslator>
 #include <QWindow>
 
 using namespace orvo::test;
@@ -108,7 +109,7 @@ QString guidesTable() {
     for (const keys::Command& one : keys::commands) {
         QStringList shown;
         for (const QString& key : QString(one.keys).split(' '))
-            shown << QKeySequence::fromString(key).toString(QKeySequence::PortableText);
+            shown << QKeySequence::fromString(key).toString(QKeySequence::NativeText);
         table += QStringLiteral("| %1 | %2 | %3 |\n")
                      .arg(shown.join(", "), keys::text(one), QString::fromUtf8(one.use));
     }
@@ -153,6 +154,9 @@ private slots:
     }
 
     void theGuideListsThem() {
+        QTranslator russian; // the client's menus show the keys by it
+        QVERIFY(russian.load("qtbase_ru", QLibraryInfo::location(QLibraryInfo::TranslationsPath)));
+        QVERIFY(QCoreApplication::installTranslator(&russian));
         QFile guide(qEnvironmentVariable("ORVO_SOURCE_DIR") + "/docs/user-guide.md");
         QVERIFY(guide.open(QIODevice::ReadWrite));
         QString text = QString::fromUtf8(guide.readAll());
