@@ -159,7 +159,9 @@ public:
         : m_search(search)
         , m_catalogue(catalogue)
         , m_most(most) {
-        for (const QString& word : text.simplified().split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
+        const QStringList words = text.simplified().split(QLatin1Char(' '), Qt::SkipEmptyParts);
+        m_unread = std::max(0, words.size() - mostWords);
+        for (const QString& word : words.mid(0, mostWords)) {
             const std::string utf8 = word.toStdString();
             if (!store::isShowable(utf8)) {
                 m_words.clear(); // no record can have it
@@ -168,8 +170,6 @@ public:
             std::string codes;
             append(codes, mdx::toCp1251(utf8));
             m_words.push_back(std::move(codes));
-            if (m_words.size() == mostWords)
-                break;
         }
         // A longer word is rarer; each is looked for by itself, and of a record the first counts.
         std::stable_sort(m_words.begin(), m_words.end(),
@@ -214,6 +214,7 @@ public:
         Findings found;
         found.count = m_count;
         found.whole = whole;
+        found.unread = m_unread;
         found.best.reserve(static_cast<int>(hits.size()));
         for (const Hit& hit : hits)
             found.best.append(describe(m_catalogue, m_catalogue.at(hit.number)));
@@ -222,8 +223,8 @@ public:
     bool hasAny() const { return m_count > 0; }
 
 private:
-    static constexpr size_t mostWords = 15; ///< a bit each in m_pathWords, and one
-    static constexpr uint16_t isKnown = 0x8000;
+    static constexpr uint16_t isKnown = 0x8000; ///< in m_pathWords, above a bit for each word
+    static_assert(mostWords < 16);
     struct Hit {
         uint32_t rank; ///< less is better
         uint32_t number;
@@ -338,6 +339,7 @@ private:
     std::vector<uint16_t> m_pathWords; ///< by number, as far as asked for
     std::vector<Hit> m_best;           ///< a heap, the worst in front
     int m_count = 0;
+    int m_unread = 0;
 };
 
 Findings Search::find(const Catalogue& catalogue, const QString& text, int most,

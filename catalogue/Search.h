@@ -46,6 +46,7 @@ Found describe(const Catalogue& catalogue, const Record& record);
 struct Findings {
     QVector<Found> best; ///< those that are shown, the best first
     int count = 0;       ///< of all that were found
+    int unread = 0;      ///< words behind Search::mostWords, which were not looked for
     bool whole = false;  ///< nothing more is to come
 };
 
@@ -55,6 +56,8 @@ public:
     using Progress = std::function<void(const Findings& sofar)>;
     /// When to tell of progress: once, so soon that the first ones show within a frame.
     static constexpr int progressAfterMs = 6;
+    /// So many words of a text are looked for.
+    static constexpr int mostWords = 15;
 
     /// Finds at most `most` to show, and counts all. `stop` ends it early (then not `whole`).
     Findings find(const Catalogue& catalogue, const QString& text, int most,

@@ -268,6 +268,16 @@ private slots:
         QVERIFY(colour().isValid() && colour() != QColor(Qt::red));
     }
 
+    void wordsThatAreNotLookedForAreTold() {
+        Fixture fixture;
+        fixture.open();
+        const QString fifteen = "г" + QString(" к").repeated(14);
+        fixture.type(fifteen);
+        QTRY_COMPARE(fixture.note(), QString("Найдено 1."));
+        fixture.type(fifteen + " нетакого");
+        QTRY_COMPARE(fixture.note(), QString("Найдено 1. Искались первые 15 слов."));
+    }
+
     void enterMeansTheAnswerToWhatWasTyped() {
         Fixture fixture;
         fixture.open();

@@ -248,6 +248,10 @@ void FindPane::note(const catalogue::Findings& findings, bool lost) {
                             .arg(count, locale.toString(findings.best.size())));
     else
         m_note->setText(QStringLiteral("Найдено %1.").arg(count));
+    if (findings.unread > 0)
+        m_note->setText(
+            m_note->text() +
+            QStringLiteral(" Искались первые %1 слов.").arg(catalogue::Search::mostWords));
 }
 
 void FindPane::choose() {
