@@ -33,6 +33,8 @@ public:
     QIcon resource(const QString& path);
     /// The image file `name` in `folder`; `name` comes from a record and is not trusted.
     QIcon file(const QString& folder, const QString& name);
+    /// The same with a picture that is shown once it is known that the file has none.
+    QIcon file(const QString& folder, const QString& name, const QIcon& instead);
 
 private:
     QHash<QString, QIcon> m_resources;

@@ -14,32 +14,39 @@ namespace {
 
 class FileIconEngine : public QIconEngine {
 public:
-    FileIconEngine(std::shared_ptr<IconLoader> loader, std::shared_ptr<IconPicture> picture)
+    FileIconEngine(std::shared_ptr<IconLoader> loader, std::shared_ptr<IconPicture> picture,
+                   QIcon instead)
         : m_loader(std::move(loader))
-        , m_picture(std::move(picture)) {}
+        , m_picture(std::move(picture))
+        , m_instead(std::move(instead)) {}
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode,
                QIcon::State state) override {
         noteWidget(painter->device());
         m_loader->refresh(m_picture);
-        m_picture->icon.paint(painter, rect, Qt::AlignCenter, mode, state);
+        shown().paint(painter, rect, Qt::AlignCenter, mode, state);
     }
 
     QSize actualSize(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
         // The room is kept, so that a row does not jump when its picture comes.
-        return m_picture->isKnown ? m_picture->icon.actualSize(size, mode, state) : size;
+        return m_picture->isKnown ? shown().actualSize(size, mode, state) : size;
     }
 
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
         constexpr int timeoutMs = 250;
         m_loader->refresh(m_picture);
         m_loader->wait(m_picture, timeoutMs);
-        return m_picture->icon.pixmap(size, mode, state);
+        return shown().pixmap(size, mode, state);
     }
 
-    QIconEngine* clone() const override { return new FileIconEngine(m_loader, m_picture); }
+    QIconEngine* clone() const override {
+        return new FileIconEngine(m_loader, m_picture, m_instead);
+    }
 
 private:
+    const QIcon& shown() const {
+        return m_picture->isKnown && m_picture->icon.isNull() ? m_instead : m_picture->icon;
+    }
     void noteWidget(QPaintDevice* device) {
         if (!device || device->devType() != QInternal::Widget)
             return;
@@ -51,6 +58,7 @@ private:
 
     const std::shared_ptr<IconLoader> m_loader;
     const std::shared_ptr<IconPicture> m_picture;
+    const QIcon m_instead;
 };
 
 } // namespace
@@ -64,11 +72,15 @@ QIcon IconCache::resource(const QString& path) {
 }
 
 QIcon IconCache::file(const QString& folder, const QString& name) {
+    return file(folder, name, {});
+}
+
+QIcon IconCache::file(const QString& folder, const QString& name, const QIcon& instead) {
     if (name.size() > iconfile::maxNameSize)
-        return {};
+        return instead;
     if (!m_loader)
         m_loader = IconLoader::shared();
-    return QIcon(new FileIconEngine(m_loader, m_loader->picture(folder, name)));
+    return QIcon(new FileIconEngine(m_loader, m_loader->picture(folder, name), instead));
 }
 
 } // namespace orvo

@@ -268,6 +268,24 @@ private slots:
         QVERIFY(colour().isValid() && colour() != QColor(Qt::red));
     }
 
+    void anIconThatIsNotThereLeavesThePictureOfTheKind() {
+        Fixture fixture;
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "c"}, {"ico", "nope.png"}});
+        const auto picture = [&] {
+            const QVariant icon =
+                fixture.list()->model()->index(0, FindModel::Name).data(Qt::DecorationRole);
+            return icon.value<QIcon>().pixmap(16, 16).toImage();
+        };
+        fixture.open();
+        fixture.type("кс-1 г");
+        QTRY_COMPARE(fixture.rows(), QStringList{"г|КС-1"});
+        const QImage kind = picture();
+        QVERIFY(!kind.isNull());
+        fixture.type("кс-1 в");
+        QTRY_COMPARE(fixture.rows(), QStringList{"в|КС-1 / а / б"});
+        QTRY_COMPARE(picture(), kind);
+    }
+
     void wordsThatAreNotLookedForAreTold() {
         Fixture fixture;
         fixture.open();

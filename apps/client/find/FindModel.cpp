@@ -41,9 +41,8 @@ FindModel::FindModel(QString iconsPath, QObject* parent)
 
 QVariant FindModel::picture(const catalogue::Found& found) const {
     const bool isElement = found.table == QLatin1String(table::Menu);
-    if (isElement && !found.icon.isEmpty())
-        return m_icons.file(m_iconsPath, found.icon);
-    return m_icons.resource(QLatin1String(pictureOf(found)));
+    const QIcon kind = m_icons.resource(QLatin1String(pictureOf(found)));
+    return isElement && !found.icon.isEmpty() ? m_icons.file(m_iconsPath, found.icon, kind) : kind;
 }
 
 void FindModel::setFound(const QVector<catalogue::Found>& found) {
