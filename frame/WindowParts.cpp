@@ -206,7 +206,7 @@ QString iconsPath(const COrvoCliMod& module) {
 
 QString nameLines(const QStringList& names, int count) {
     constexpr int shownAtMost = 10;
-    constexpr int longest = 80;
+    constexpr int longest = 300;
     QStringList lines;
     for (const QString& name : names.mid(0, shownAtMost)) {
         const QString line = name.simplified();

@@ -88,8 +88,9 @@ QString iconsPath(const COrvoCliMod& module);
 // ---------------------------------------------------------------------------------------------
 // Boxes
 
-/// Names for the details of a question, a line each, long ones without their middle: the first ten,
-/// then how many there are more, of `count` in all if these are not all of them.
+/// Names for the details of a question, a line each, which the box wraps; endless ones without
+/// their middle: the first ten, then how many there are more, of `count` in all if these are not
+/// all of them.
 QString nameLines(const QStringList& names, int count = 0);
 
 } // namespace orvo
