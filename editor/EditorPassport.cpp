@@ -98,10 +98,8 @@ void EditorWindow::bindPassportRecord(const std::function<RecordName()>& record)
     view->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(view, &QTreeView::customContextMenuRequested, this,
             [this, view, record](const QPoint& point) {
-                const RecordName named = record();
                 QMenu menu;
-                if (!named.key.isEmpty())
-                    m_app->addRecordActions(&menu, named.table, named.key);
+                addRecordActions(*m_app, menu, record());
                 if (!menu.isEmpty())
                     execMenu(menu, view->viewport()->mapToGlobal(point));
             });

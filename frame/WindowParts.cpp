@@ -69,16 +69,18 @@ protected:
     }
 };
 
-/// The action of the host for a record; null if there is none. The menu's.
-QAction* recordAction(QMenu& menu, COrvoCliApp& app, const RecordName& record,
-                      const char* command) {
-    if (record.key.isEmpty())
-        return nullptr;
-    app.addRecordActions(&menu, record.table, record.key);
+QAction* actionOf(const QMenu& menu, const char* command) {
     for (QAction* action : menu.actions())
         if (action->property(keys::commandProperty).toString() == QLatin1String(command))
             return action;
     return nullptr;
+}
+
+/// The action of the host for a record; null if there is none. The menu's.
+QAction* recordAction(QMenu& menu, COrvoCliApp& app, const RecordName& record,
+                      const char* command) {
+    addRecordActions(app, menu, record);
+    return actionOf(menu, command);
 }
 
 } // namespace
@@ -188,9 +190,19 @@ void arrangePassport(QTreeView* view) {
     view->setColumnWidth(0, captionWidth);
 }
 
+void addRecordActions(COrvoCliApp& app, QMenu& menu, const RecordName& record) {
+    if (record.key.isEmpty())
+        return;
+    app.addRecordActions(&menu, record.table, record.key);
+    // The host knows no kinds.
+    if (QAction* versions = actionOf(menu, keys::versions))
+        versions->setEnabled(record.hasContents);
+}
+
 bool offersForRecord(COrvoCliApp& app, const RecordName& record, const char* command) {
     QMenu menu;
-    return recordAction(menu, app, record, command) != nullptr;
+    const QAction* action = recordAction(menu, app, record, command);
+    return action && action->isEnabled();
 }
 
 void runForRecord(COrvoCliApp& app, const RecordName& record, const char* command) {

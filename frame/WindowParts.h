@@ -72,9 +72,12 @@ void arrangePassport(QTreeView* view);
 /// A record by the name of its table and its key; an empty key: none.
 struct RecordName {
     QString table, key;
+    bool hasContents = false; ///< a form or file, of which versions are kept
 };
-/// Whether the host offers a command (of frame/Keys.h) for a record, as in its context menu
-/// (COrvoCliApp::addRecordActions).
+/// Puts what the host offers for a record (COrvoCliApp::addRecordActions) into its context menu;
+/// nothing for none.
+void addRecordActions(COrvoCliApp& app, QMenu& menu, const RecordName& record);
+/// Whether the host offers a command (of frame/Keys.h) for a record, as in its context menu.
 bool offersForRecord(COrvoCliApp& app, const RecordName& record, const char* command);
 /// Does it, if it is offered.
 void runForRecord(COrvoCliApp& app, const RecordName& record, const char* command);

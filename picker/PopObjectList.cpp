@@ -174,16 +174,16 @@ void CPopObjectList::openRemembered() {
 /// The resource of a row; without a key for a folder.
 orvo::RecordName CPopObjectList::recordOf(const QModelIndex& row) const {
     return {QString::fromLatin1(orvo::table::MenuResource),
-            row.isValid() && !m_model->itemIsFolder(row) ? m_model->getItemKeyLink(row)
-                                                         : QString()};
+            row.isValid() && !m_model->itemIsFolder(row) ? m_model->getItemKeyLink(row) : QString(),
+            objectType == KindForm || objectType == KindFile};
 }
 
 void CPopObjectList::showContextMenu(const QPoint& point) {
     const auto* owner = qobject_cast<COrvoCliMod*>(parentWidget());
     const orvo::RecordName record = recordOf(m_ui->tvObj->indexAt(point));
     QMenu menu;
-    if (owner && !record.key.isEmpty())
-        owner->m_app->addRecordActions(&menu, record.table, record.key);
+    if (owner)
+        orvo::addRecordActions(*owner->m_app, menu, record);
     if (!menu.isEmpty())
         menu.exec(m_ui->tvObj->viewport()->mapToGlobal(point));
 }

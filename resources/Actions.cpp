@@ -131,8 +131,6 @@ void OrvoResources::showContextMenu_tvRes(const QPoint& pos) {
     menu.addAction(m_ui->actUnBlock);
     menu.addSeparator();
     menu.addAction(m_ui->actOpenScheme);
-    if (const QModelIndex row = m_ui->tvRes->indexAt(pos); row.isValid())
-        m_app->addRecordActions(&menu, QString::fromLatin1(orvo::resources::tableOf(row)),
-                                orvo::resources::textAt(row, ResColumn::KeyLink));
+    orvo::addRecordActions(*m_app, menu, orvo::resources::recordOf(m_ui->tvRes->indexAt(pos)));
     execMenu(menu, m_ui->tvRes->viewport()->mapToGlobal(pos));
 }

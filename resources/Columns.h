@@ -2,8 +2,10 @@
 #ifndef ORVO_RESOURCES_COLUMNS_H
 #define ORVO_RESOURCES_COLUMNS_H
 
+#include "frame/Kinds.h"
 #include "frame/Records.h"
 #include "frame/Vocabulary.h"
+#include "frame/WindowParts.h"
 
 #include <QModelIndex>
 #include <QVariant>
@@ -51,6 +53,15 @@ inline bool isFolder(const QModelIndex& row) {
 /// The table of a row's record.
 inline const char* tableOf(const QModelIndex& row) {
     return isFolder(row) ? table::MenuResourceFolder : table::MenuResource;
+}
+
+/// The record of a row; none for an invalid index.
+inline RecordName recordOf(const QModelIndex& row) {
+    if (!row.isValid())
+        return {};
+    const bool hasContents = kindOf(row) == Kind::Form || kindOf(row) == Kind::File;
+    return {QString::fromLatin1(tableOf(row)), textAt(row, ResColumn::KeyLink),
+            hasContents && !isFolder(row)};
 }
 
 /// Whether a row's key is that of a row without a record.

@@ -113,13 +113,7 @@ void OrvoResources::bindCommands() {
                 return row.isValid() && !orvo::resources::isFolder(row);
             },
             true);
-    const auto record = [tree]() -> orvo::RecordName {
-        const QModelIndex row = tree->currentIndex();
-        if (!row.isValid())
-            return {};
-        return {QString::fromLatin1(orvo::resources::tableOf(row)),
-                orvo::resources::textAt(row, ResColumn::KeyLink)};
-    };
+    const auto record = [tree] { return orvo::resources::recordOf(tree->currentIndex()); };
     bindRecord(tree, record);
     bindPassportRecord(record);
     tree->setAccessibleName(tr("Каталог ресурсов"));

@@ -187,6 +187,28 @@ private slots:
         QTRY_COMPARE(list->topLevelItemCount(), 1);
     }
 
+    void whatHasNoContentsHasNoVersions() {
+        Fixture fixture;
+        fixture.showModule("Resources");
+        const auto isOffered = [&](QTreeView* view) {
+            bool on = false;
+            if (!openContextMenu(*view, [&](QMenu& menu) {
+                    for (const QAction* action : entriesOf(menu))
+                        on = on || (action->text() == "Прежние версии…" && action->isEnabled());
+                }))
+                qFatal("no menu");
+            return on;
+        };
+        QTreeView* tree = fixture.at("tvRes", "Первый"); // a module
+        QVERIFY(!isOffered(tree));
+        QTest::keyClick(tree, Qt::Key_H, Qt::ControlModifier);
+        QVERIFY(!fixture.child<app::VersionsDialog>("versionsDialog"));
+        const QModelIndex folder = Fixture::find(*tree, "docs");
+        QTRY_VERIFY(tree->model()->rowCount(folder) > 0);
+        tree->setCurrentIndex(tree->model()->index(0, 0, folder));
+        QVERIFY(isOffered(tree));
+    }
+
     void whateverTheyOfferHasAKeyAndAnEntry_data() {
         QTest::addColumn<QString>("module");
         QTest::addColumn<QString>("tree");
