@@ -135,7 +135,7 @@ store::Status COrvoCliSes::Private::write(WriteRequest request) {
         for (UnwrittenEntry& entry : conflictEntries(*table, guarded, *store))
             met.push_back(std::move(entry));
         for (UnwrittenEntry& entry : met) {
-            entry.words = describe(entry.request, store);
+            entry.words = describe(entry.request, store, entry.deletedRecord);
             report(operationOf(entry.words),
                    {store::Refused, "не записано: " + entry.why.toStdString()});
             keep(std::move(entry), true);

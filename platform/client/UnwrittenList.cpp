@@ -77,7 +77,7 @@ bool UnwrittenList::keepIn(const QString& directory, QString* error) {
     m_files = std::move(files);
     QStringList problems;
     for (UnwrittenEntry& left : m_files->takeOver(&problems)) {
-        left.words = describe(left.request, &m_store);
+        left.words = describe(left.request, &m_store, left.deletedRecord);
         m_entries.push_back(std::move(left));
     }
     if (!problems.isEmpty())
@@ -198,7 +198,7 @@ void UnwrittenList::add(UnwrittenEntry entry, bool canAsk) {
         }
     }
     if (entry.words.what.isEmpty())
-        entry.words = describe(entry.request, canAsk ? &m_store : nullptr);
+        entry.words = describe(entry.request, canAsk ? &m_store : nullptr, entry.deletedRecord);
     save(entry);
     const QString id = entry.id;
     m_entries.push_back(std::move(entry));
@@ -254,7 +254,7 @@ void UnwrittenList::superseded(const WriteRequest& request) {
             continue;
         }
         entry.request = requestOf(*table, left);
-        entry.words = describe(entry.request, &m_store);
+        entry.words = describe(entry.request, &m_store, entry.deletedRecord);
         save(entry);
         ++i;
     }
@@ -353,7 +353,7 @@ void UnwrittenList::setMine(const QString& id, const std::string& key, int field
                 value = int64_t(integer);
         }
     which->request = requestOf(*table, records);
-    which->words = describe(which->request, &m_store);
+    which->words = describe(which->request, &m_store, which->deletedRecord);
     save(*which);
     emit changed();
 }

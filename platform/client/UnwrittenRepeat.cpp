@@ -170,7 +170,7 @@ void UnwrittenList::connectionReturned() {
         UnwrittenEntry& entry = m_entries[i];
         ++i;
         if (entry.words.fields.empty() || entry.words.place.isEmpty()) {
-            entry.words = describe(entry.request, &m_store);
+            entry.words = describe(entry.request, &m_store, entry.deletedRecord);
             any = true;
         }
         if (entry.state != UnwrittenEntry::Unknown)

@@ -2,6 +2,7 @@
 
 #include "frame/Vocabulary.h"
 #include "history/RecordWords.h"
+#include "platform/store/ChangeRecord.h"
 
 #include <QStringList>
 
@@ -46,7 +47,7 @@ WriteWords describeFiles(const WriteRequest& request) {
 
 } // namespace
 
-WriteWords describe(const WriteRequest& request, store::Store* store) {
+WriteWords describe(const WriteRequest& request, store::Store* store, const std::string& deleted) {
     if (request.kind != WriteRequest::Records)
         return describeFiles(request);
     WriteWords words;
@@ -68,7 +69,8 @@ WriteWords describe(const WriteRequest& request, store::Store* store) {
         // What is stored under the key of an insert is another record, the one in its way.
         const Values before =
             record.flag == MDX_INSERT ? Values() : source.valuesOf(*table, record.key);
-        Values after = before;
+        Values after =
+            before.empty() && !deleted.empty() ? store::valuesFromJson(*table, deleted) : before;
         bool renamed = false;
         for (const auto& [number, value] : record.values) {
             const auto old = before.find(number);

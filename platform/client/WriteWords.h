@@ -28,8 +28,10 @@ struct WriteWords {
 };
 
 /// Describes a request. Names, places and old values are looked up in the store; null: it cannot be
-/// asked, and only what the request tells is said.
-ORVOCLIENT_EXPORT WriteWords describe(const WriteRequest& request, store::Store* store);
+/// asked, and only what the request tells is said. `deleted`: what the change log says of its only
+/// record, which the store no longer has, as JSON.
+ORVOCLIENT_EXPORT WriteWords describe(const WriteRequest& request, store::Store* store,
+                                      const std::string& deleted = {});
 
 } // namespace orvo::client
 

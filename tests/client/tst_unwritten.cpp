@@ -240,6 +240,31 @@ private slots:
         QCOMPARE(desk.value("Menu", "k", "params"), QString("x"));
     }
 
+    void elementOfAResourceThatAnotherDeletedIsRefusedByItsName() {
+        Desk desk;
+        desk.elsewhere("MenuResource", 1,
+                       {{"KeyLink", "mod"}, {"caption", "Тренды"}, {"name_", "Trends"}});
+        Module& module = desk.open();
+        desk.elsewhere("MenuResource", 4, {{"KeyLink", "mod"}});
+        QVERIFY(!Desk::write(
+            module, "Menu", 1,
+            {{"KeyLink", "new"}, {"caption", "Тренды АВО"}, {"MenuResourceKey", "mod"}}));
+        QVERIFY2(desk.only().why.contains("\"Тренды\" тем временем удалён"),
+                 qPrintable(desk.only().why));
+        QVERIFY(desk.only().words.what.contains("Тренды АВО"));
+        QCOMPARE(desk.value("Menu", "new", "caption"), QString("no record"));
+    }
+
+    void updateOfADeletedRecordNamesItAsItWas() {
+        Desk desk;
+        desk.elsewhere("Menu", 1, {{"KeyLink", "k"}, {"caption", "Насос"}});
+        Module& module = desk.open();
+        desk.elsewhere("Menu", 4, {{"KeyLink", "k"}});
+        QVERIFY(Desk::write(module, "Menu", 2, {{"KeyLink", "k"}, {"params", "x"}}));
+        QVERIFY2(desk.only().words.what.contains("«Насос»"), qPrintable(desk.only().words.what));
+        QVERIFY(desk.host.failures.join(' ').contains("«Насос»"));
+    }
+
     void childOfADeletedFolderCanBeMadeAgainWithTheFolder() {
         Desk desk;
         desk.elsewhere("MenuFolder", 1, {{"KeyLink", "top"}, {"caption", "Верх"}});
