@@ -78,6 +78,9 @@ RecordMark RowDelegate::markOf(const QModelIndex& index) const {
 
 void RowDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
     QStyledItemDelegate::initStyleOption(option, index);
+    // The trees cut texts off without a sign, and what follows would read as their end.
+    if (option->textElideMode == Qt::ElideNone)
+        option->textElideMode = Qt::ElideRight;
     if (!isDark(option->palette)) // there the colours are what they were asked to be
         return;
     QColor behind = option->palette.color(QPalette::Base);

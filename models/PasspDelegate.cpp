@@ -225,9 +225,9 @@ void PasspDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     const int type = isValueCell(index) ? editorType(index) : MyEditorLine;
     if (type == MyEditorCheck)
         paintCheck(painter, option, index);
-    else
+    else if (type != MyEditorButton)
         RowDelegate::paint(painter, option, index);
-    if (type == MyEditorButton)
+    else
         paintButton(painter, option, index);
 }
 
@@ -245,11 +245,15 @@ void PasspDelegate::paintCheck(QPainter* painter, const QStyleOptionViewItem& op
 }
 
 void PasspDelegate::paintButton(QPainter* painter, const QStyleOptionViewItem& option,
-                                const QModelIndex&) const {
+                                const QModelIndex& index) const {
     QStyleOptionButton button;
     button.rect = option.rect;
     // As wide as the cell is high, plus one pixel, at the right end.
     button.rect.setLeft(option.rect.right() - button.rect.bottom() + button.rect.top() - 1);
+    drawStyleSheet(painter, option, index);
+    QStyleOptionViewItem beside(option); // the text ends before the button
+    beside.rect.setRight(button.rect.left() - 1);
+    RowDelegate::paint(painter, beside, index);
     button.state = QStyle::State_Enabled;
     button.text = QStringLiteral("...");
     QApplication::style()->drawControl(QStyle::CE_PushButton, &button, painter, nullptr);

@@ -67,6 +67,25 @@ private slots:
                  QStyledItemDelegate().displayText(1.5, locale));
     }
 
+    void whatDoesNotFitEndsInAnEllipsis() {
+        QStandardItemModel model(1, 1);
+        model.setItem(0, 0, new QStandardItem("Нормальный останов агрегата"));
+        const auto painted = [&](const QStyledItemDelegate& delegate, Qt::TextElideMode mode) {
+            QImage image(100, 20, QImage::Format_ARGB32_Premultiplied);
+            image.fill(Qt::white);
+            QPainter painter(&image);
+            QStyleOptionViewItem option;
+            option.rect = image.rect();
+            option.textElideMode = mode;
+            delegate.paint(&painter, option, model.index(0, 0));
+            return image;
+        };
+        const QStyledItemDelegate plain;
+        QVERIFY(painted(plain, Qt::ElideNone) != painted(plain, Qt::ElideRight));
+        QCOMPARE(painted(RowDelegate(), Qt::ElideNone), painted(plain, Qt::ElideRight));
+        QCOMPARE(painted(RowDelegate(), Qt::ElideMiddle), painted(plain, Qt::ElideMiddle));
+    }
+
     void aMillionLettersArePaintedAtOnce() {
         QStandardItemModel model(1, 1);
         model.setItem(0, 0, new QStandardItem(QString(1'000'000, 'W')));

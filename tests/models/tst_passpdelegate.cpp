@@ -560,6 +560,26 @@ private slots:
     // ---------------------------------------------------------------------------------------------
     // Painting
 
+    void theTextOfAButtonCellEndsBeforeTheButton() {
+        Fixture fixture;
+        fixture.model.setRowValue("icon", "Однолинейная схема 10 кВ.png");
+        const QRect cell(7, 3, 121, 25);
+        const auto beside = [&](const QImage& image) {
+            return image.copy(0, 0, cell.right() - cell.height() - 1, 32);
+        };
+        QStyleOptionViewItem option = fixture.option(cell);
+        option.textElideMode = Qt::ElideNone; // as in both windows
+        const QImage shown = painted({140, 32}, [&](QPainter& painter) {
+            fixture.delegate.paint(&painter, option, fixture.cell("icon"));
+        });
+        const QImage expected = painted({140, 32}, [&](QPainter& painter) {
+            option.rect.setRight(cell.right() - cell.height() - 1);
+            option.textElideMode = Qt::ElideRight;
+            QStyledItemDelegate().paint(&painter, option, fixture.cell("icon"));
+        });
+        QCOMPARE(beside(shown), beside(expected));
+    }
+
     void aCheckCellPaintsItsIndicatorWithoutText_data() {
         QTest::addColumn<QVariant>("value");
         QTest::addColumn<bool>("on");
