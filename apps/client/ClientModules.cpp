@@ -140,6 +140,12 @@ void Client::reopenNow(const QString& why) {
     }
     m_outdated = false;
     const ModuleTabs::Order tabs = m_window->tabs()->order();
+    const QPointer<QWidget> focus =
+        QApplication::focusWidget() ? QApplication::focusWidget() : m_window->focusWidget();
+    const auto isIn = [&focus](const QWidget* page) { return page && page->isAncestorOf(focus); };
+    const auto* working = qobject_cast<COrvoCliMod*>(m_window->pageDocks().current());
+    const bool isInPage = !focus || isIn(m_window->tabs()) || isIn(working);
+    const QString editor = working ? working->m_moduleName : QString();
     m_window->pageDocks().keepPlaces();
     rememberModules();
     m_launcher->rememberModules();
@@ -150,8 +156,17 @@ void Client::reopenNow(const QString& why) {
     openModules();
     m_workplace->reopen();
     m_launcher->reopenModules();
+    // All are in tabs now, and each has given the focus to a tree of its own.
+    const QWidget* page = m_window->tabs()->find(editor, true);
+    const QPointer<QWidget> part = page ? page->focusWidget() : nullptr;
     m_window->pageDocks().fill();
     m_window->tabs()->arrange(tabs);
+    if (!isInPage && focus)
+        focus->setFocus(Qt::OtherFocusReason);
+    else if (part)
+        part->setFocus(Qt::OtherFocusReason);
+    else
+        m_window->focusPage();
     m_mirror->refresh();
     m_app.log(LogWarning, QStringLiteral("Клиент"), why);
 }

@@ -179,8 +179,14 @@ void MainWindow::focusPage() {
     if (!page)
         return;
     QWidget* part = page->focusWidget();
-    if (!part)
-        part = page->findChild<QAbstractItemView*>();
+    // The first tree by the order of Tab; one that edits whatever becomes current shows one record.
+    for (QWidget* next = page->nextInFocusChain(); !part && next != page;
+         next = next->nextInFocusChain()) {
+        const auto* view = qobject_cast<QAbstractItemView*>(next);
+        if (view && page->isAncestorOf(view) && (view->focusPolicy() & Qt::TabFocus) &&
+            !(view->editTriggers() & QAbstractItemView::CurrentChanged))
+            part = next;
+    }
     (part ? part : page)->setFocus(Qt::ShortcutFocusReason);
 }
 

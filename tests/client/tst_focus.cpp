@@ -1,6 +1,7 @@
 // Where the keyboard goes in the client's window, that one sees where it is, and what small things
 // the window does with room.
 #include "apps/client/FocusMark.h"
+#include "apps/client/PageDocks.h"
 #include "apps/client/history/HistoryModel.h"
 #include "tests/client/RunningClient.h"
 
@@ -144,6 +145,50 @@ private slots:
         fixture.stop();
         fixture.start();
         QCOMPARE(focused(), QString("tvRes"));
+    }
+
+    void whatHadTheFocusHasItAfterTheModulesAreReopened_data() {
+        QTest::addColumn<QString>("editor");
+        QTest::addColumn<QString>("part");
+        QTest::newRow("desktops") << "Menu"
+                                  << "tvDesck";
+        QTest::newRow("elements") << "Menu"
+                                  << "tvMenu";
+        QTest::newRow("passport") << "Menu"
+                                  << "tvProp";
+        QTest::newRow("resources") << "Resources"
+                                   << "tvRes";
+        QTest::newRow("history") << "Menu"
+                                 << "historyTree";
+        QTest::newRow("elements beside the resources") << "Menu"
+                                                       << "tvMenu";
+    }
+    void whatHadTheFocusHasItAfterTheModulesAreReopened() {
+        QFETCH(QString, editor);
+        QFETCH(QString, part);
+        Fixture fixture;
+        QVERIFY(fixture.show(qPrintable(editor)));
+        QTreeView* menu = fixture.tree("Menu", "tvMenu");
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г"));
+        menu->setCurrentIndex(menu->model()->index(1, 0, menu->model()->index(0, 0)));
+        if (QByteArray(QTest::currentDataTag()).contains("beside"))
+            fixture.client->window()->pageDocks().takeOut(fixture.module("Menu"),
+                                                          app::PageDocks::Place::Beside);
+        if (part == "historyTree")
+            QTest::keyClick(fixture.client->window(), Qt::Key_F4);
+        else
+            fixture.tree(qPrintable(editor), qPrintable(part))->setFocus();
+        const auto focused = [] {
+            const QWidget* focus = QApplication::focusWidget();
+            return focus ? focus->objectName() : QString("none");
+        };
+        QTRY_COMPARE(focused(), part);
+        const QPointer<COrvoCliMod> before(fixture.module("Menu"));
+        QTest::keyClick(fixture.client->window(), Qt::Key_R, Qt::ControlModifier);
+        QTRY_VERIFY(!before);
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г"));
+        QTRY_COMPARE(focused(), part);
+        QCOMPARE(fixture.view("tvMenu")->currentIndex().data().toString(), QString("г"));
     }
 
     void theCommandsOfTheRowAreOnAgainAfterADialog() {
