@@ -152,6 +152,23 @@ class TestScreenReader : public QObject {
         return paths.join('\n');
     }
 
+    /// Paths of what is shown and is called as in the program.
+    QString internalNames() const {
+        static const QRegularExpression identifier("^[a-z]+([A-Z][a-z]*)+$");
+        QStringList paths;
+        for (const Node& node : qAsConst(m_nodes))
+            if (node.isShown && identifier.match(node.name).hasMatch())
+                paths << node.path;
+        return paths.join('\n');
+    }
+    bool isShown(const QString& role, const QString& name) {
+        look();
+        return std::any_of(m_nodes.begin(), m_nodes.end(), [&](const Node& node) {
+            return node.role.startsWith(role) && node.isShown && !node.name.isEmpty() &&
+                   node.name.contains(name);
+        });
+    }
+
 private slots:
     void initTestCase() {
         qDBusRegisterMetaType<Reference>();
@@ -222,23 +239,53 @@ private slots:
         ClientProcess& client = m_scene->left();
         QVERIFY2(m_scene->clickRow(client, "tvDesck", "КС-1 «Верхнеозёрск»"), m_scene->why());
         QVERIFY2(m_scene->clickRow(client, "tvMenu", "Общая схема КС-1"), m_scene->why());
-        const auto isShown = [this](const char* role, const QString& name) {
-            look();
-            for (const Node& node : qAsConst(m_nodes))
-                if (node.role == role && node.isShown && node.name.contains(name))
-                    return !node.name.isEmpty();
-            return false;
-        };
         QVERIFY(hands::key("Delete"));
         QVERIFY2(m_scene->waitFor("the question is an alert",
                                   [&] { return isShown("alert message", {}); }),
                  m_scene->why());
+        QCOMPARE(nameless(), QString());
         QVERIFY(hands::key("Escape"));
         QVERIFY(hands::key("ctrl+1"));
         QVERIFY2(m_scene->waitFor("the picker is a dialog",
                                   [&] { return isShown("dialog", "Выбор модулей"); }),
                  m_scene->why());
+        QCOMPARE(nameless(), QString());
+        QCOMPARE(internalNames(), QString());
         QVERIFY(hands::key("Escape"));
+    }
+
+    void panesHaveNamesForWhatTheyShow_data() {
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("role");
+        QTest::addColumn<QString>("name");
+        QTest::newRow("history") << "F4"
+                                 << "tree"
+                                 << "История";
+        QTest::newRow("problems") << "F8"
+                                  << "tree"
+                                  << "Проблемы";
+        QTest::newRow("where it is used") << "F9"
+                                          << "tree"
+                                          << "Где используется";
+        QTest::newRow("what was not written") << "shift+F8"
+                                              << "tree"
+                                              << "Не записано";
+        QTest::newRow("preview") << "F5"
+                                 << "text"
+                                 << "Поиск в меню";
+        QTest::newRow("all of it") << "ctrl+k"
+                                   << "text"
+                                   << "Что найти";
+    }
+    void panesHaveNamesForWhatTheyShow() {
+        QFETCH(QString, key);
+        QFETCH(QString, role);
+        QFETCH(QString, name);
+        QVERIFY(hands::key(key));
+        QVERIFY2(m_scene->waitFor("the pane is shown", [&] { return isShown(role, name); }),
+                 m_scene->why());
+        QCOMPARE(nameless(), QString());
+        QCOMPARE(internalNames(), QString());
     }
 
     void cleanupTestCase() {
