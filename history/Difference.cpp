@@ -99,14 +99,14 @@ void keepAbove(const Installation& from, const Installation& to, const store::Ta
 /// Leaves out the deletion of held forms.
 void keepHeld(const Installation& from, const Installation& to, const std::set<RecordKey>* wanted,
               const std::set<std::string>& held, Exceptions& exceptions,
-              std::set<std::string>* heldBack) {
+              std::map<std::string, bool>* heldBack) {
     const store::TableDef& forms = *store::findTable(table::MenuResource);
     for (const std::string& key : held) {
         const RecordKey form{&forms, key};
         const Values* old = from.find(forms, key);
         if (!old || to.find(forms, key) || (wanted && wanted->count(form) == 0))
             continue;
-        heldBack->insert(key);
+        (*heldBack)[key] = true;
         exceptions.left.insert(form);
         keepAbove(from, to, forms, *old, exceptions);
     }
@@ -219,7 +219,7 @@ private:
         const std::string key = content ? store::foldedKey(ownerKey(*content)) : std::string();
         const bool held = m_held.count(key) != 0;
         if (held)
-            m_difference.heldBack.insert(key);
+            m_difference.heldBack.emplace(key, false);
         return held;
     }
     bool owner(const Values& content) const {

@@ -5,6 +5,7 @@
 
 #include "history/Installation.h"
 
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -30,7 +31,8 @@ struct Difference {
     std::vector<store::TableWrites> parts;
     std::vector<store::Change> changes; ///< as the log would tell of them
     std::vector<TakenName> leftOut;
-    std::set<std::string> heldBack; ///< of the held forms those that would have been changed
+    /// Of the held forms those that would have been deleted (true), or whose contents changed.
+    std::map<std::string, bool> heldBack;
 };
 
 /// What makes `from` like `to`: everything, or what is at and below `top` in either of them, with

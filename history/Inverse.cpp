@@ -4,6 +4,7 @@
 #include "history/Overtaken.h"
 #include "history/Planning.h"
 #include "history/RecordWords.h"
+#include "platform/store/Names.h"
 
 #include <algorithm>
 
@@ -33,11 +34,17 @@ store::Status remarkDone(store::MaintainedStore& store, const Standing& standing
     return status;
 }
 
+/// The name, or the key of what has none.
+QString nameInQuotes(const store::TableDef& table, RecordSource& source, const std::string& key) {
+    const QString name = nameOf(table, source.valuesOf(table, key));
+    return quoted(name.isEmpty() ? QString::fromStdString(key) : name);
+}
+
 } // namespace
 
-Remark lockRemark(const FormLock& lock) {
+Remark lockRemark(const FormLock& lock, Remark::Why why) {
     Remark made;
-    made.why = Remark::Locked;
+    made.why = why;
     made.table = store::findTable(table::MenuResource);
     made.key = lock.key;
     made.login = lock.login;
@@ -116,8 +123,15 @@ store::Status undo(store::MaintainedStore& store, const Selection& selection,
 bool Inverse::asks() const {
     return std::any_of(remarks.begin(), remarks.end(), [](const Remark& remark) {
         return remark.asksForPlace() || remark.why == Remark::BuiltOn ||
-               remark.why == Remark::NameTaken;
+               remark.why == Remark::CutChanged || remark.why == Remark::NameTaken;
     });
+}
+
+QString freeNameWords(const Inverse& plan, const store::Change& change) {
+    const auto found = plan.freeNames.find({change.table, store::foldedKey(change.key)});
+    return found == plan.freeNames.end()
+               ? QString()
+               : QStringLiteral(" под именем ") + quoted(QString::fromStdString(found->second));
 }
 
 QString remarkWords(const Remark& remark, RecordSource& source, const PersonNames& names) {
@@ -159,6 +173,9 @@ QString remarkWords(const Remark& remark, RecordSource& source, const PersonName
     }
     case Remark::Locked:
         return QStringLiteral("Оставлено как есть: %1: занята (%2)").arg(record, who);
+    case Remark::ContentLocked:
+        return QStringLiteral("Оставлено как есть: содержимое формы %1: она занята (%2)")
+            .arg(nameInQuotes(table, source, remark.key), who);
     case Remark::LockStays:
         return QStringLiteral("Оставлено как есть: %1: занятость отменой не меняется").arg(record);
     case Remark::GoneBefore:
@@ -182,6 +199,10 @@ QString remarkWords(const Remark& remark, RecordSource& source, const PersonName
                  remark.group > 0 ? QStringLiteral(" (%1)").arg(who) : QString());
     case Remark::BuiltOn:
         return QStringLiteral("Не удалено: %1: на этом построено другое (%2)").arg(record, who);
+    case Remark::CutChanged:
+        return QStringLiteral("Не перенесено назад: %1 и всё, что перемещено вместе с ним: с тех "
+                              "пор изменено (%2)")
+            .arg(record, who);
     case Remark::DamagedBytes:
         return QStringLiteral("Не возвращено: %1: прежнее содержимое повреждено или "
                               "изменено мимо программы")

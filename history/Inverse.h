@@ -37,7 +37,9 @@ struct Remark {
         PlaceInside,   ///< or stands below it now: the same
         BuiltOn,       ///< others have built on what would be deleted: see Choices::othersWorkToo
         NameTaken,     ///< another record has the name by now: see Choices::otherNames
+        CutChanged,    ///< others have changed what a cut has made: the same
         Locked,        ///< another user has taken the form into work
+        ContentLocked, ///< the same: only what the form holds is left
         LockStays,     ///< the action only took or released the form, which is not taken back
         NoRights,      ///< the user comes back, but the database has taken his rights from him
         RightsStay,    ///< he does not go: his rights would stay
@@ -59,11 +61,11 @@ struct Remark {
     int field = -1;      ///< ChangedSince, NoPlace, PlaceInside; NameTaken: of a stored record
     std::string missing; ///< NoPlace, PlaceInside: the key that the field would name; NameTaken:
                          ///< the name; NoRights, RightsStay: the login
-    std::string
-        login; ///< ChangedSince, DeletedSince, MovedSince, NoPlace, BuiltOn, NameTaken,
-               ///< AlreadyDone, GoneBefore, MakingUndone: whose action it was; Locked: who holds it
-    double time = 0;   ///< and when, or since when
-    int64_t group = 0; ///< that action; of a whole action: the one that was asked for
+    std::string login;   ///< ChangedSince, DeletedSince, MovedSince, NoPlace, BuiltOn, CutChanged,
+                         ///< NameTaken, AlreadyDone, GoneBefore, MakingUndone: whose action it was;
+                         ///< Locked, ContentLocked: who holds it
+    double time = 0;     ///< and when, or since when
+    int64_t group = 0;   ///< that action; of a whole action: the one that was asked for
 
     /// Whether Choices::places can help.
     bool asksForPlace() const { return why == NoPlace || why == PlaceInside; }
@@ -71,7 +73,8 @@ struct Remark {
 
 /// What a user has decided about remarks of an earlier plan.
 struct Choices {
-    bool othersWorkToo = false; ///< delete what others have built on as well, with what is below it
+    bool othersWorkToo = false; ///< delete what others have built on as well, with what is below
+                                ///< it; of a cut, take back with it what they have changed
     bool otherNames = false;    ///< give what has no name any more a free one: "a (2).png"
     bool partly = false;        ///< go on without what has no place or name, or others built on
     /// Another parent for each missing one, by its folded key; empty: at the top. One that is not
@@ -79,8 +82,8 @@ struct Choices {
     std::map<std::string, std::string> places;
 };
 
-/// That the form is held.
-Remark lockRemark(const FormLock& lock);
+/// That the form is held, and why it, or only what it holds, is left.
+Remark lockRemark(const FormLock& lock, Remark::Why why = Remark::ContentLocked);
 
 /// What is to be taken back.
 struct Selection {
@@ -98,6 +101,8 @@ struct Inverse {
     std::vector<store::TableWrites> parts; ///< in the order in which they are to be applied
     std::vector<store::Change> preview; ///< as the log would tell of them, the first some thousand
     size_t count = 0;                   ///< records that are written
+    /// What gets a free name in place of one that is taken: by table and folded key.
+    std::map<std::pair<std::string, std::string>, std::string> freeNames;
     std::vector<Remark> remarks;
     std::vector<int64_t> undoes; ///< empty as well if only a part of them is taken back
     int64_t seen = 0;            ///< the log had this newest change
@@ -119,6 +124,8 @@ store::Status writeInverse(store::MaintainedStore& store, Inverse* plan);
 store::Status undo(store::MaintainedStore& store, const Selection& selection,
                    const Choices& choices, Inverse* done);
 
+/// " под именем «a (2).png»" for a change of the preview that gives a free name; else empty.
+QString freeNameWords(const Inverse& plan, const store::Change& change);
 /// A remark as a sentence: what was left, and why.
 QString remarkWords(const Remark& remark, RecordSource& source, const PersonNames& names = {});
 

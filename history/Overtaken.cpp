@@ -4,9 +4,12 @@
 #include "history/RecordWords.h"
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/Merge.h"
+#include "platform/store/NamePlaces.h"
+#include "platform/store/Names.h"
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -62,6 +65,48 @@ QString words(const store::TableDef& table, const store::Change& change, RecordS
              whoAndWhen(change.login, change.time, names));
 }
 
+/// Who has taken a name since that one of the writes gives.
+QString nameTaken(store::MaintainedStore& store, const store::TableWrites& part, int64_t seen,
+                  RecordSource& source, const PersonNames& people) {
+    if (!store::NamePlaces::concern(*part.table))
+        return {};
+    const store::NamePlaces places(*part.table);
+    std::vector<std::string> written;
+    for (const store::Write& write : part.writes)
+        written.push_back(write.key);
+    std::map<std::string, std::vector<store::Value>> stored;
+    if (!store.storedValues(*part.table, written, &stored).ok())
+        return {};
+    std::set<std::string> own, wanted;
+    for (const store::Write& write : part.writes) {
+        own.insert(store::foldedKey(write.key));
+        if (write.flag == MDX_DELETE)
+            continue;
+        Values values;
+        if (const auto row = stored.find(store::foldedKey(write.key)); row != stored.end())
+            for (size_t i = 0; i < row->second.size(); ++i)
+                values[static_cast<int>(i)] = row->second[i];
+        for (const auto& [field, value] : write.values)
+            values[field] = value;
+        wanted.insert(places.placeOf(values));
+    }
+    std::vector<std::string> holders;
+    std::vector<store::Change> since;
+    if (!store
+             .namePlaces(*part.table,
+                         [&](const std::string& key, const std::string& place) {
+                             if (wanted.count(place) != 0 && own.count(key) == 0)
+                                 holders.push_back(key);
+                         })
+             .ok() ||
+        !store.changesSince(*part.table, holders, seen, &since).ok() || since.empty())
+        return {};
+    const store::Change& change = since.back();
+    return QStringLiteral("%1: имя тем временем занято (%2)")
+        .arg(recordWords(*part.table, source.valuesOf(*part.table, change.key), change.key),
+             whoAndWhen(change.login, change.time, people));
+}
+
 QString overtaken(store::MaintainedStore& store, const std::vector<store::TableWrites>& parts,
                   int64_t seen, const PersonNames& names) {
     LoggedRecords source(store);
@@ -90,6 +135,9 @@ QString overtaken(store::MaintainedStore& store, const std::vector<store::TableW
         if (store.changesSince(*table, keys, seen, &since).ok() && !since.empty())
             return words(*table, since.back(), source, names);
     }
+    for (const store::TableWrites& part : parts)
+        if (const QString text = nameTaken(store, part, seen, source, names); !text.isEmpty())
+            return text;
     store::LogQuery query;
     query.undoing = true;
     query.above = seen;

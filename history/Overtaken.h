@@ -11,8 +11,8 @@ namespace orvo::history {
 
 /// The status of writing `parts`, which were made when the newest change was `seen`; of one that is
 /// Outdated the text tells which of the records, or of those above and below them, was changed
-/// since, or that another action was taken back: by whom and when. As it was if the log tells
-/// nothing of it.
+/// since, that a name was taken, or that another action was taken back: by whom and when. As it was
+/// if the log tells nothing of it.
 store::Status tellWhoOvertook(store::MaintainedStore& store,
                               const std::vector<store::TableWrites>& parts, int64_t seen,
                               const PersonNames& names, const store::Status& status);

@@ -150,7 +150,7 @@ private:
     /// Takes locks out of what is to be taken back.
     void dropLocks();
     std::string ownerKey(const Record& content) const;
-    bool remarkLocked(const std::string& resource);
+    bool remarkLocked(const std::string& resource, Remark::Why why = Remark::ContentLocked);
     /// Says why nothing is to be written, if nothing else does.
     void tellNothingLeft();
     /// Actions that did nothing but that are not counted as taken back.
@@ -175,7 +175,7 @@ private:
                                              std::vector<std::pair<Record*, std::string>>* holders);
     store::Status leaveTaken(const store::TableDef& table, const store::NamePlaces& names,
                              Record& record, const std::string& holder);
-    void giveFreeName(const store::NamePlaces& names, Record& record,
+    void giveFreeName(const store::TableDef& table, const store::NamePlaces& names, Record& record,
                       std::unordered_set<std::string>* taken);
 
     /// A field by which records of `below` name those of a table.

@@ -215,7 +215,8 @@ store::Status Planning::keepWhatIsBuiltOn(bool* changed) {
                 if (record.flag != MDX_DELETE || table == &store::contentTable())
                     continue;
                 if (record.builtOn && !m_choices.othersWorkToo) {
-                    remark(Remark::BuiltOn, *table, record, -1, record.builtOn);
+                    remark(cutFrom(record) ? Remark::CutChanged : Remark::BuiltOn, *table, record,
+                           -1, record.builtOn);
                     record.flag = 0;
                     m_kept.insert(&record);
                     again = true;

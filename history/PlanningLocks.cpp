@@ -61,19 +61,19 @@ store::Status Planning::keepLocked() {
             m_kept.insert(&record->second);
             record->second.flag = 0;
             record->second.values = {};
-            remarkLocked(key);
+            remarkLocked(key, Remark::Locked);
         }
     return status;
 }
 
 /// Whether a resource is to be left alone for its lock; says so if it is.
-bool Planning::remarkLocked(const std::string& resource) {
+bool Planning::remarkLocked(const std::string& resource, Remark::Why why) {
     const auto lock = m_locked.find(resource);
     if (lock == m_locked.end())
         return false;
     if (!m_toldLocks.insert(resource).second)
         return true;
-    m_inverse.remarks.push_back(lockRemark(lock->second));
+    m_inverse.remarks.push_back(lockRemark(lock->second, why));
     return true;
 }
 

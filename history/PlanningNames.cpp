@@ -101,7 +101,7 @@ store::Status Planning::keepNamesApart(bool* changed) {
             if (!status.ok())
                 return status;
             if (m_choices.otherNames)
-                giveFreeName(names, *record, &all);
+                giveFreeName(*table, names, *record, &all);
             else
                 status = leaveTaken(*table, names, *record, holder);
             *changed = true;
@@ -114,8 +114,8 @@ store::Status Planning::keepNamesApart(bool* changed) {
     return {};
 }
 
-void Planning::giveFreeName(const store::NamePlaces& names, Record& record,
-                            std::unordered_set<std::string>* taken) {
+void Planning::giveFreeName(const store::TableDef& table, const store::NamePlaces& names,
+                            Record& record, std::unordered_set<std::string>* taken) {
     Values after = record.flag == MDX_UPDATE ? record.now : Values();
     for (const auto& [field, value] : record.values)
         after[field] = value;
@@ -126,6 +126,8 @@ void Planning::giveFreeName(const store::NamePlaces& names, Record& record,
             break;
     }
     record.values[names.name()] = after[names.name()];
+    m_inverse.freeNames[{table.name, store::foldedKey(record.key)}] =
+        store::textOf(after[names.name()]);
 }
 
 } // namespace orvo::history

@@ -106,9 +106,21 @@ QString nameOf(const store::TableDef& table, const Values& values) {
 
 namespace {
 
+bool breaksLine(QChar letter) {
+    return letter.category() == QChar::Separator_Line ||
+           letter.category() == QChar::Separator_Paragraph;
+}
+
+/// Whether what follows would be shown in another direction.
+bool turnsText(QChar letter) {
+    const ushort code = letter.unicode();
+    return code == 0x61C || code == 0x200E || code == 0x200F ||
+           (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+}
+
 QString onOneLine(QString text) {
     for (QChar& letter : text)
-        if (letter.category() == QChar::Other_Control)
+        if (letter.category() == QChar::Other_Control || breaksLine(letter) || turnsText(letter))
             letter = QLatin1Char(' ');
     return text.trimmed();
 }

@@ -20,9 +20,9 @@ void printFields(const std::vector<history::FieldWords>& fields, const std::stri
 }
 
 void printChange(const store::Change& change, history::RecordSource& source,
-                 const std::string& indent) {
+                 const std::string& indent, const QString& more) {
     const history::ChangeWords words = history::describe(change, source);
-    out(indent + line(words.what) +
+    out(indent + line(words.what + more) +
         placeInBrackets(history::placeOf(change, source).toStdString()));
     if (change.code == OrvoEventUpdate)
         printFields(words.fields, indent + "    ");

@@ -15,9 +15,10 @@ namespace orvo::admin {
 std::string line(const QString& text);
 /// "Название: «А» -> «Б»" for each; of a record made or deleted the one value that it has.
 void printFields(const std::vector<history::FieldWords>& fields, const std::string& indent);
-/// What is done to a record and where it stands; below, of one that is only changed, its fields.
+/// What is done to a record, `more` about it, and where it stands; below, of one that is only
+/// changed, its fields.
 void printChange(const store::Change& change, history::RecordSource& source,
-                 const std::string& indent = {});
+                 const std::string& indent = {}, const QString& more = {});
 
 } // namespace orvo::admin
 

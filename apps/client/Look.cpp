@@ -45,7 +45,8 @@ QString alike(const QString& text) {
 QString oneLine(QString text, int longest) {
     text = clipped(text, longest);
     for (QChar& letter : text)
-        if (!letter.isPrint())
+        if (!letter.isPrint() || letter.category() == QChar::Separator_Line ||
+            letter.category() == QChar::Separator_Paragraph)
             letter = QLatin1Char(' ');
     return text;
 }

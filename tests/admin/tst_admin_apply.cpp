@@ -203,7 +203,7 @@ void TestAdminApply::aFormThatAnotherHoldsKeepsItsContents() {
     QVERIFY(m_kind.byHand("UPDATE \"Menu\" SET \"caption\" = 'Я' WHERE \"KeyLink\" = 'a';"));
     ORVO_DONE(run({"user", "add", "anna_a", "--last", "Иванова", "--first", "Анна"}));
     ORVO_DONE(run({"lock", "a.ui", "--login", "anna_a"}));
-    const QString told = "Оставлено как есть: форма «a.ui»: занята (Иванова А., ";
+    const QString told = "Оставлено как есть: содержимое формы «a.ui»: она занята (Иванова А., ";
     const AdminResult dry = run({"apply", file, "--dry-run"});
     QCOMPARE(dry.code, 1);
     QVERIFY2(dry.out.contains(told), qPrintable(dry.out));

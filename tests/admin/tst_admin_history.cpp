@@ -333,6 +333,7 @@ void TestAdminHistory::badFiltersAreRefused_data() {
     QTest::addColumn<QStringList>("filter");
     QTest::addColumn<QString>("message");
     QTest::newRow("table") << QStringList{"--table", "menu"} << "таблицы «menu» нет";
+    QTest::newRow("no key") << QStringList{"--key", ""} << "--key «»";
     QTest::newRow("since") << QStringList{"--since", "вчера"} << "--since «вчера»";
     QTest::newRow("month 13") << QStringList{"--until", "2026-13-01"} << "--until";
     QTest::newRow("no age") << QStringList{"--since", "-5d"} << "--since";

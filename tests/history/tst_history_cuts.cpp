@@ -85,7 +85,8 @@ void TestHistoryCuts::aCutGoesBackAsAWholeWithWhatOthersChanged() {
     partly.partly = true;
     ORVO_OK(undo(*m_anna, {cut}, partly, &done)); // no second one comes to be
     QVERIFY(!done.written && done.asks());
-    QVERIFY2(remarks(done).join('\n').contains("«Борисова»: на этом построено другое (boris, "),
+    QVERIFY2(remarks(done).join('\n').contains(
+                 "«Борисова» и всё, что перемещено вместе с ним: с тех пор изменено (boris, "),
              qPrintable(remarks(done).join('\n')));
     QCOMPARE(snapshot(), after);
     Choices choices;

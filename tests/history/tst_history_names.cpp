@@ -19,6 +19,7 @@ private slots:
                     .send(*m_anna));
     }
     void aFormWhoseNameIsTakenStaysAway();
+    void whoTookANameMeanwhileIsNamed();
     void itComesBackUnderAFreeName();
     void aNameThatWasGivenUpIsNotTakenFromAnother();
     void aFolderWhoseNameIsTakenStaysAwayWithItsFiles();
@@ -73,6 +74,19 @@ void TestHistoryNames::aFormWhoseNameIsTakenStaysAway() {
     QCOMPARE(snapshot(), before);
 }
 
+void TestHistoryNames::whoTookANameMeanwhileIsNamed() {
+    ORVO_OK(m_anna->filePut({{"Планы", "aaa.txt", "anna's", 1.0}}));
+    ORVO_OK(m_anna->fileDelete({{"Планы", "aaa.txt"}}));
+    Inverse plan;
+    ORVO_OK(planInverse(*m_anna, {last(*m_anna)}, {}, &plan));
+    QVERIFY(plan.count > 0);
+    ORVO_OK(m_boris->filePut({{"Планы", "aaa.txt", "boris's", 1.0}}));
+    const Status status = writeInverse(*m_anna, &plan);
+    QCOMPARE(status.code, int(Outdated));
+    const QString text = QString::fromStdString(status.text);
+    QVERIFY2(text.startsWith("файл «aaa.txt»: имя тем временем занято (boris, "), qPrintable(text));
+}
+
 void TestHistoryNames::itComesBackUnderAFreeName() {
     const int64_t deletion = replaceForm();
     ORVO_OK(Batch("MenuResource")
@@ -84,6 +98,11 @@ void TestHistoryNames::itComesBackUnderAFreeName() {
     ORVO_OK(undo(*m_anna, {deletion}, choices, &done));
     QVERIFY(done.written);
     QCOMPARE(remarks(done), QStringList());
+    QStringList told;
+    for (const Change& change : done.preview)
+        told << freeNameWords(done, change);
+    told.removeAll({});
+    QCOMPARE(told, QStringList(" под именем «a_ (3)»"));
     QCOMPARE(names(), QStringList({"A_ (2)", "a_", "a_ (3)", "Планы/", "Формы/"}));
     QCOMPARE(snapshot().filter("anna's").size(), 1);
     // And goes again as it came.

@@ -106,7 +106,8 @@ void TestHistoryVersions::aFormThatAnotherHoldsIsLeftAlone() {
     const Status status = returnVersion(*m_anna, version().id, seen, {{"boris", "Борисов Б."}});
     QCOMPARE(status.code, int(Refused));
     const QString text = QString::fromStdString(status.text);
-    QVERIFY2(text.startsWith("Оставлено как есть: форма «a_»: занята (Борисов Б., 14.11.2023 "),
+    QVERIFY2(text.startsWith(
+                 "Оставлено как есть: содержимое формы «a_»: она занята (Борисов Б., 14.11.2023 "),
              qPrintable(text));
     QCOMPARE(snapshot(), before);
     QCOMPARE(position(), seen);

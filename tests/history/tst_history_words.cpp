@@ -1,6 +1,8 @@
 // What actions did, in words, and how they are found.
 #include "HistoryTest.h"
 
+#include "history/RecordWords.h"
+
 using namespace orvo::store;
 using namespace orvo::history;
 using namespace orvo::history::test;
@@ -39,6 +41,7 @@ private slots:
     void aKnownBranchFollowsTheLog();
     void aKnownBranchOutlivesAPrunedLog();
     void thirdPartyTablesAreNamed();
+    void aNameStaysOnItsLineAndInItsDirection();
 
 private:
     std::vector<QString> linesOf(const Filter& filter, size_t page = 50) const {
@@ -564,6 +567,13 @@ void TestHistoryWords::thirdPartyTablesAreNamed() {
     QCOMPARE(words(last(*m_anna)), QString("Создана форма «щит.ui»"));
     ORVO_OK(m_anna->formPut("", {{"", "щит.ui", "other", {}}}));
     QCOMPARE(words(last(*m_anna)), QString("Изменено содержимое файла «щит.ui»"));
+}
+
+void TestHistoryWords::aNameStaysOnItsLineAndInItsDirection() {
+    QCOMPARE(quoted(QString("а\u2028б\u202Eв\u2067г")), QString("«а б в г»"));
+    const QString shown = valueWords(*findTable("Menu"), findTable("Menu")->find("params"),
+                                     Value(std::string("x\u2029y\u200Fz")), nullptr);
+    QCOMPARE(shown, QString("«x y z»"));
 }
 
 int main(int argc, char** argv) {

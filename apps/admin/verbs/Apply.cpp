@@ -180,8 +180,10 @@ void printHeldBack(store::MaintainedStore& store, const history::Difference& dif
     history::PersonNames people;
     if (!difference.heldBack.empty() && !history::readPeople(store, &people).ok())
         people.clear(); // the logins serve
-    for (const std::string& key : difference.heldBack)
-        out(line(history::remarkWords(history::lockRemark(held.at(key)), source, people)));
+    for (const auto& [key, isWhole] : difference.heldBack) {
+        const auto why = isWhole ? history::Remark::Locked : history::Remark::ContentLocked;
+        out(line(history::remarkWords(history::lockRemark(held.at(key), why), source, people)));
+    }
 }
 
 history::RecordKey readPath(const std::string& path, const history::Installation& living,

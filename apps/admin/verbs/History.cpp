@@ -60,6 +60,8 @@ store::LogQuery readQuery(const Invocation& call) {
         }
     }
     query.key = call.value("key");
+    if (call.has("key") && query.key.empty())
+        throw Failure("--key «»: ключ пуст");
     if (call.has("user"))
         query.login = call.value("user");
     if (call.has("since"))

@@ -17,8 +17,10 @@ constexpr const char* what = "ничего не отменено";
 void undoOptions(OptionList& options) {
     options.append(
         {QStringLiteral("dry-run"), QString::fromUtf8("Только показать, что было бы записано.")});
-    options.append({QStringLiteral("with-others"),
-                    QString::fromUtf8("Удалить и то, на чём построили другие, со всем внутри.")});
+    options.append(
+        {QStringLiteral("with-others"),
+         QString::fromUtf8("Удалить и то, на чём построили другие, со всем внутри; вырезанное "
+                           "перенести назад с тем, что в нём изменили.")});
     options.append({QStringLiteral("other-names"),
                     QString::fromUtf8("Вернуть под свободным именем то, чьё имя уже занято: "
                                       "«а (2).png».")});
@@ -83,7 +85,8 @@ int run(const Invocation& call) {
         people.clear(); // the logins serve
     constexpr size_t mostShown = 50;
     for (size_t i = 0; i < std::min(inverse.preview.size(), mostShown); ++i)
-        printChange(inverse.preview[i], source, "  ");
+        printChange(inverse.preview[i], source, "  ",
+                    history::freeNameWords(inverse, inverse.preview[i]));
     if (inverse.count > mostShown)
         out("  ... и ещё " + std::to_string(inverse.count - std::min(inverse.count, mostShown)));
     std::string remarks;

@@ -27,6 +27,15 @@ QLabel* plainLabel(const QString& text, QWidget* parent) {
     return label;
 }
 
+QString othersWords(const RevertPlan& plan) {
+    if (!plan.asksToMove)
+        return QStringLiteral("Удалить и это, вместе с тем, что построили другие");
+    return plan.asksToDelete
+               ? QStringLiteral(
+                     "Удалить или перенести назад и это, вместе с тем, что сделали другие")
+               : QStringLiteral("Перенести назад и это, вместе с тем, что изменили другие");
+}
+
 QTreeWidgetItem* addLine(QTreeWidgetItem* parent, const QStringList& texts) {
     auto* line = new QTreeWidgetItem(parent);
     for (int column = 0; column < texts.size(); ++column) {
@@ -47,8 +56,7 @@ RevertDialog::RevertDialog(const QString& title, const QString& note, QWidget* p
     , m_questions(new QVBoxLayout)
     , m_otherNames(new QCheckBox(
           QStringLiteral("Вернуть под свободным именем то, чьё имя уже занято: «Имя (2)»"), this))
-    , m_others(new QCheckBox(QStringLiteral("Удалить и это, вместе с тем, что построили другие"),
-                             this)) {
+    , m_others(new QCheckBox(this)) {
     setObjectName(QStringLiteral("revertDialog"));
     setWindowTitle(QStringLiteral("Вернуть"));
     setAttribute(Qt::WA_DeleteOnClose);
@@ -158,8 +166,10 @@ void RevertDialog::setPlan(const RevertPlan& plan) {
         addPlace(place);
     if (plan.namesTaken)
         m_otherNames->show();
-    if (!plan.builtOn.isEmpty())
+    if (!plan.builtOn.isEmpty()) {
+        m_others->setText(othersWords(plan));
         m_others->show();
+    }
     QStringList left = plan.left;
     left << plan.builtOn;
     for (const RevertPlan::Place& place : plan.places)

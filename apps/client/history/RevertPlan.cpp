@@ -100,6 +100,7 @@ void describePlan(store::MaintainedStore& store, bool withWrites, RevertPlan* pl
             const store::Change& change = plan->inverse.preview[i];
             plan->writes.push_back(
                 {history::describe(change, source), history::placeOf(change, source)});
+            plan->writes.back().words.what += history::freeNameWords(plan->inverse, change);
         }
     }
     history::PersonNames names;
@@ -110,7 +111,10 @@ void describePlan(store::MaintainedStore& store, bool withWrites, RevertPlan* pl
         if (remark.asksForPlace() && withWrites) {
             if (missing.insert(store::foldedKey(remark.missing)).second)
                 plan->places.push_back(placeOf(store, source, names, remark));
-        } else if (remark.why == history::Remark::BuiltOn) {
+        } else if (remark.why == history::Remark::BuiltOn ||
+                   remark.why == history::Remark::CutChanged) {
+            const bool isCut = remark.why == history::Remark::CutChanged;
+            (isCut ? plan->asksToMove : plan->asksToDelete) = true;
             plan->builtOn << history::remarkWords(remark, source, names);
         } else {
             plan->left << history::remarkWords(remark, source, names);

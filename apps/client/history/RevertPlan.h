@@ -31,8 +31,10 @@ struct RevertPlan {
         std::vector<std::pair<QString, std::string>> others; ///< caption and key
     };
     std::vector<Place> places;
-    bool namesTaken = false; ///< some of what is left bears a name that another has by now
-    QStringList builtOn;     ///< what would be deleted, but others have built on it
+    bool namesTaken = false;   ///< some of what is left bears a name that another has by now
+    bool asksToDelete = false; ///< of what others have built on, and
+    bool asksToMove = false;   ///< to take a cut back with what others have changed in it
+    QStringList builtOn;       ///< what would be deleted, but others have built on it
 };
 
 /// Puts the inverse of the plan into words; the writes only if asked for. In any thread.
