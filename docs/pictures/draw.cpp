@@ -161,6 +161,11 @@ int main(int argc, char* argv[]) {
     painter.choose("КС-1: агрегаты");
     painter.take("resources.png");
 
+    // So that a menu below the row has room in the window.
+    for (const char* folder : {"КС-1 Верхнеозёрск", "модули"}) {
+        painter.choose(folder);
+        hands::key("Left");
+    }
     painter.open("Энергоснабжение и связь");
     painter.choose("Однолинейная схема 10 кВ");
     painter.take("locked-form.png");
