@@ -82,6 +82,11 @@ private slots:
             return done.visible && done.text.contains("renamed");
         }));
 
+        QVERIFY(scene.waitFor("the problems are counted", [&] {
+            const std::vector<Control> found = client.controls("problemsButton");
+            return found.size() == 1 && found.front().visible && client.settled();
+        }));
+
         const QRect screen = QGuiApplication::primaryScreen()->geometry();
         const QRect window = placeOf(client);
         QVERIFY2(screen.left() <= window.left() && window.right() <= screen.right(),
