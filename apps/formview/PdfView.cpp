@@ -4,7 +4,11 @@
 #include <QScrollBar>
 #include <QWheelEvent>
 
-#include ORVO_POPPLER_HEADER
+#if __has_include(<poppler-qt6.h>) // the folder of one of them is searched
+#include <poppler-qt6.h>
+#else
+#include <poppler-qt5.h>
+#endif
 
 #include <algorithm>
 #include <cmath>
