@@ -136,7 +136,7 @@ QString overtaken(store::MaintainedStore& store, const std::vector<store::TableW
             return words(*table, since.back(), source, names);
     }
     for (const store::TableWrites& part : parts)
-        if (const QString text = nameTaken(store, part, seen, source, names); !text.isEmpty())
+        if (QString text = nameTaken(store, part, seen, source, names); !text.isEmpty())
             return text;
     store::LogQuery query;
     query.undoing = true;
