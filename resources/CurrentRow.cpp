@@ -34,12 +34,11 @@ void OrvoResources::on_tvRes_currentChanged(const QModelIndex& current, const QM
 void OrvoResources::on_tvRes_selectionChanged(const QItemSelection& selected,
                                               const QItemSelection&) {
     // The kind of a row tells its area as well.
-    orvo::restrictSelectionToSimilarRows(*m_ui->tvRes->selectionModel(), selected,
-                                         [this](const QModelIndex& a, const QModelIndex& b) {
-                                             return a.parent() == b.parent() &&
-                                                    a.siblingAtColumn(ResColumn::Type).data() ==
-                                                        b.siblingAtColumn(ResColumn::Type).data() &&
-                                                    orvo::resources::isFolder(a) ==
-                                                        orvo::resources::isFolder(b);
-                                         });
+    orvo::restrictSelectionToSimilarRows(
+        *m_ui->tvRes->selectionModel(), selected, [](const QModelIndex& a, const QModelIndex& b) {
+            return a.parent() == b.parent() &&
+                   a.siblingAtColumn(ResColumn::Type).data() ==
+                       b.siblingAtColumn(ResColumn::Type).data() &&
+                   orvo::resources::isFolder(a) == orvo::resources::isFolder(b);
+        });
 }
