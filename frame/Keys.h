@@ -5,6 +5,8 @@
 #ifndef ORVO_FRAME_KEYS_H
 #define ORVO_FRAME_KEYS_H
 
+#include "frame/QtCompat.h"
+
 #include <QKeyEvent>
 #include <QKeySequence>
 #include <QList>
@@ -168,7 +170,7 @@ inline QList<QKeySequence> sequences(const QString& keys) {
     for (const QString& one : keys.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
         const QKeySequence sequence = QKeySequence::fromString(one, QKeySequence::PortableText);
         all << sequence;
-        const int combined = sequence.count() == 1 ? sequence[0] : 0;
+        const int combined = qt::onlyKey(sequence);
         const int key = combined & ~int(Qt::KeyboardModifierMask);
         for (const QChar letter : cyrillic)
             if (letter.unicode() != key && latinKey(letter.unicode()) == key)
@@ -191,7 +193,7 @@ inline bool matches(const QKeyEvent& event, const Command& command) {
     const int pressed =
         int(event.modifiers() & ~Qt::KeyboardModifiers(Qt::KeypadModifier)) | latinKey(event.key());
     for (const QKeySequence& sequence : sequences(command))
-        if (sequence.count() == 1 && sequence[0] == pressed)
+        if (qt::onlyKey(sequence) == pressed)
             return true;
     return false;
 }

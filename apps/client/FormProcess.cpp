@@ -35,7 +35,7 @@ qint64 memoryOf(qint64 process) {
 } // namespace
 
 FormProcess::FormProcess(const ProcessLimits& limits, QObject* parent)
-    : QProcess(parent)
+    : SetUpProcess(parent)
     , m_limits(limits) {
     setProcessChannelMode(QProcess::SeparateChannels);
     setStandardInputFile(nullDevice());
@@ -89,8 +89,7 @@ void FormProcess::show(const QString& program, const formview::Document& documen
     m_look.start(std::min(250, m_limits.answerMs / 4));
 }
 
-void FormProcess::setupChildProcess() {
-    // In the child, between fork and exec: system calls only.
+void FormProcess::setUpChild() {
     ::fcntl(m_childSocket, F_SETFD, 0); // stays open in the program
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     limit(RLIMIT_CORE, 0);

@@ -10,9 +10,9 @@
 #define ORVO_APPS_CLIENT_FORMPROCESS_H
 
 #include "apps/formview/Channel.h"
+#include "frame/QtCompat.h"
 
 #include <QElapsedTimer>
-#include <QProcess>
 #include <QTimer>
 
 #include <memory>
@@ -24,7 +24,7 @@ struct ProcessLimits {
     int answerMs = 10'000;
 };
 
-class FormProcess : public QProcess {
+class FormProcess : public qt::SetUpProcess {
     Q_OBJECT
 public:
     explicit FormProcess(const ProcessLimits& limits, QObject* parent = nullptr);
@@ -43,7 +43,7 @@ signals:
     void ended(const QString& why);
 
 protected:
-    void setupChildProcess() override;
+    void setUpChild() override;
 
 private:
     void received(formview::Message message, const QByteArray& body);

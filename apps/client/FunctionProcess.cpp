@@ -19,7 +19,7 @@ constexpr qint64 longestLine = 1 << 16;
 
 } // namespace
 
-FunctionProcess::FunctionProcess(QObject* parent) : QProcess(parent) {
+FunctionProcess::FunctionProcess(QObject* parent) : SetUpProcess(parent) {
     setProcessChannelMode(QProcess::ForwardedErrorChannel);
     connect(this, &QProcess::readyReadStandardOutput, this, &FunctionProcess::readLog);
     connect(this, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this, [this] {
@@ -62,8 +62,7 @@ void FunctionProcess::raiseWindows() {
         write("raise\n");
 }
 
-void FunctionProcess::setupChildProcess() {
-    // In the child, between fork and exec: system calls only.
+void FunctionProcess::setUpChild() {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     const rlimit none = {0, 0};
     setrlimit(RLIMIT_CORE, &none);

@@ -8,7 +8,8 @@
 #ifndef ORVO_APPS_CLIENT_FUNCTIONPROCESS_H
 #define ORVO_APPS_CLIENT_FUNCTIONPROCESS_H
 
-#include <QProcess>
+#include "frame/QtCompat.h"
+
 #include <QStringList>
 
 namespace orvo::app {
@@ -29,7 +30,7 @@ enum FunctionExit : int {
     FunctionExitUnknown = 3 ///< no library knows the function
 };
 
-class FunctionProcess : public QProcess {
+class FunctionProcess : public qt::SetUpProcess {
     Q_OBJECT
 public:
     explicit FunctionProcess(QObject* parent = nullptr);
@@ -53,7 +54,7 @@ signals:
     void ended(const QString& failure);
 
 protected:
-    void setupChildProcess() override;
+    void setUpChild() override;
 
 private:
     void readLog();

@@ -15,6 +15,7 @@
 #include "apps/client/start/ServerPassword.h"
 #include "apps/client/start/StorePage.h"
 
+#include "frame/QtCompat.h"
 #include "platform/store/StoreUrl.h"
 
 #include <QApplication>
@@ -156,8 +157,7 @@ int main(int argc, char* argv[]) {
     // The command line is read; Qt is to see the program's name alone.
     int qtArgc = 1;
     char* qtArgv[] = {argv[0], nullptr};
-    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
-    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    orvo::qt::followScreenScale();
     const QtMessageHandler usual = qInstallMessageHandler(onStartMessage);
     QApplication application(qtArgc, qtArgv);
     qInstallMessageHandler(usual);

@@ -2,6 +2,7 @@
 // number of an open socket (Channel.h) and the most memory that it may have. Of no use by itself.
 #include "apps/formview/ExitCodes.h"
 #include "apps/formview/Stage.h"
+#include "frame/QtCompat.h"
 
 #include <QApplication>
 
@@ -35,8 +36,7 @@ int main(int argc, char* argv[]) {
     }
     limitMemory(std::strtoull(argv[2], nullptr, 10));
     std::set_new_handler([] { std::_Exit(orvo::formview::exitOutOfMemory); });
-    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
-    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    orvo::qt::followScreenScale();
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     orvo::formview::Channel channel(socket, orvo::formview::largestFile + (1 << 20));
