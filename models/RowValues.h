@@ -5,6 +5,7 @@
 #include <QVariant>
 #include <QVector>
 
+#include <memory>
 #include <utility>
 
 struct MDRData;
@@ -52,7 +53,7 @@ public:
     }
     ~RowValues() {
         if (!m_source)
-            m_own.~QVector();
+            std::destroy_at(&m_own);
     }
 
     int size() const { return m_source ? m_source->columnCount() : m_own.size(); }
