@@ -160,7 +160,7 @@ public:
         , m_catalogue(catalogue)
         , m_most(most) {
         const QStringList words = text.simplified().split(QLatin1Char(' '), Qt::SkipEmptyParts);
-        m_unread = std::max(0, words.size() - mostWords);
+        m_unread = std::max<int>(0, words.size() - mostWords);
         for (const QString& word : words.mid(0, mostWords)) {
             const std::string utf8 = word.toStdString();
             if (!store::isShowable(utf8)) {

@@ -180,8 +180,9 @@ void ShownRows::splice() {
         shift += piece.more();
         at = piece.end;
     }
-    kept.push_back({at, m_items.size(), shift});
-    const int size = m_items.size() + shift;
+    const int before = m_items.size();
+    kept.push_back({at, before, shift});
+    const int size = before + shift;
     if (shift > 0)
         m_items.resize(size);
     QTreeViewItem* const items = m_items.data();

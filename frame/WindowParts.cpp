@@ -227,7 +227,7 @@ QString nameLines(const QStringList& names, int count) {
                       ? line.left(longest / 2 - 1) + QChar(0x2026) + line.right(longest / 2)
                       : line);
     }
-    if (const int all = std::max(names.size(), count); all > lines.size())
+    if (const int all = std::max<int>(names.size(), count); all > lines.size())
         lines << QCoreApplication::translate("CPopMessageBox", "и ещё %1").arg(all - lines.size());
     return lines.join(QLatin1Char('\n'));
 }

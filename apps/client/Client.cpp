@@ -334,9 +334,9 @@ bool Client::settled() const {
 }
 
 void Client::takeScreenshot() {
-    m_screenshot = std::make_unique<Screenshot>(
-        Screenshot::Context{*m_window, m_modules, m_options.modules.size(), m_options.screenshot,
-                            [this] { return settled(); }});
+    const int asked = m_options.modules.size();
+    m_screenshot = std::make_unique<Screenshot>(Screenshot::Context{
+        *m_window, m_modules, asked, m_options.screenshot, [this] { return settled(); }});
 }
 
 } // namespace orvo::app

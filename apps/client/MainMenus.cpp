@@ -234,7 +234,7 @@ void MainWindow::focusPart(int by) {
                 view->window() == part->window() && !view->inherits("QHeaderView"))
                 views.push_back(view);
         std::sort(views.begin(), views.end(), [](const QWidget* one, const QWidget* other) {
-            const QPoint a = one->mapToGlobal({}), b = other->mapToGlobal({});
+            const QPoint a = one->mapToGlobal(QPoint()), b = other->mapToGlobal(QPoint());
             return std::pair(a.x(), a.y()) < std::pair(b.x(), b.y());
         });
         parts.insert(parts.end(), views.begin(), views.end());

@@ -85,7 +85,7 @@ QValidator::State RecordTextValidator::validate(QString& text, int& cursor) cons
     if (holds(composed)) {
         const QString before = text.left(cursor).normalized(QString::NormalizationForm_C);
         text = composed;
-        cursor = std::min(before.size(), text.size());
+        cursor = std::min<int>(before.size(), text.size());
         return Acceptable;
     }
     emit refused(missingLetters(text));

@@ -176,7 +176,7 @@ void CToolRecByKey::run(COrvoCliSes& session) {
         return;
     }
     const QList<QByteArray> fields = QByteArray(key).split(';');
-    const int most = std::min<int>({fields.size(), keyValues.size(), keyBits.size()});
+    const auto most = static_cast<int>(std::min({fields.size(), keyValues.size(), keyBits.size()}));
     // The store seeks by one key or link; the other values are compared here.
     const int seek = seekField(tableName, fields, most, keyValues, keyBits);
     CMDArray rows;

@@ -60,7 +60,7 @@ QByteArray carriedOver(const Files& files) {
     orvo::store::test::shell(copy, "PRAGMA wal_checkpoint(TRUNCATE)");
     QByteArray all = bytesOf(copy) + bytesOf(copy + "-wal");
     for (const auto& [from, to] : {std::pair(18, 20), {24, 28}, {92, 100}})
-        for (int i = from; i < std::min(to, all.size()); ++i)
+        for (int i = from; i < std::min<int>(to, all.size()); ++i)
             all[i] = '\0';
     return all;
 }
