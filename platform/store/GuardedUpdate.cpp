@@ -8,6 +8,9 @@
 #include "frame/Vocabulary.h"
 
 #include <algorithm>
+#include <iterator>
+#include <limits>
+#include <map>
 #include <set>
 #include <string_view>
 #include <unordered_set>
@@ -25,6 +28,10 @@ const Value* valueOf(const Write& write, int field) {
         if (number == field)
             return &value;
     return nullptr;
+}
+
+std::string byWhom(const Change& change) {
+    return change.login.empty() ? "вручную" : "пользователем " + shown(change.login);
 }
 
 /// What people call the record: its caption or name, as far as a change of the log tells.
@@ -50,6 +57,8 @@ Status GuardedUpdate::apply(UpdateGuard* guard) {
         status = checkParents(&guard->parentDeletion);
     if (status.ok() && guard != nullptr)
         status = checkResources(*guard);
+    if (status.ok() && guard != nullptr)
+        status = checkIcons(*guard);
     if (status.ok())
         status = refuseCycles();
     if (status.ok() && guard != nullptr && guard->seen >= 0 && NamePlaces::concern(m_table))
@@ -155,8 +164,7 @@ Status GuardedUpdate::checkParent(const Write& write, int field, const TableDef&
     if (const Status status = lastDeletion(above, key, &deletion); !status.ok() || !deletion)
         return status;
     const std::string name = nameIn(above, deletion->before);
-    const std::string who = deletion->login.empty() ? std::string("вручную")
-                                                    : "пользователем " + shown(deletion->login);
+    const std::string who = byWhom(*deletion);
     *deletedParent = std::move(deletion);
     return {ParentDeleted, "Папка " + shown(name.empty() ? key : name) +
                                ", в которой должна быть запись, удалена " + who};
@@ -200,11 +208,93 @@ Status GuardedUpdate::checkResources(const UpdateGuard& guard) {
             if (!isNew)
                 continue;
             const std::string name = nameIn(resources, change.before);
-            const std::string who = change.login.empty() ? std::string("вручную")
-                                                         : "пользователем " + shown(change.login);
             return {Refused, "Ресурс " + shown(name.empty() ? change.key : name) +
-                                 " тем временем удалён " + who + "; выберите другой"};
+                                 " тем временем удалён " + byWhom(change) + "; выберите другой"};
         }
+    return status;
+}
+
+Status GuardedUpdate::checkIcons(const UpdateGuard& guard) {
+    const int icon = m_table.find(field::ico);
+    const TableDef& resources = *findTable(table::MenuResource);
+    if (guard.seen < 0 || icon < 0)
+        return {};
+    const auto chosenBy = [&](const Write& write) {
+        const Value* value = write.flag == MDX_DELETE ? nullptr : valueOf(write, icon);
+        return value != nullptr ? textOf(*value) : std::string();
+    };
+    std::set<std::string> chosen;
+    for (const Write& write : m_writes)
+        if (std::string name = chosenBy(write); !name.empty())
+            chosen.insert(std::move(name));
+    int64_t newest = 0;
+    bool changed = false; // usually nobody has written since
+    Status status;
+    if (!chosen.empty())
+        status = m_backend.changedSince(resources, guard.seen, &newest, &changed);
+    std::map<std::string, Change> gone;
+    if (status.ok() && changed)
+        status = findGoneIcons(guard.seen, std::move(chosen), &gone);
+    for (const Write& write : m_writes) {
+        const auto found = gone.find(chosenBy(write));
+        if (!status.ok() || found == gone.end())
+            continue;
+        bool isNew = true; // what named it before is its writer's to change
+        const auto compare = [&](const StoreBackend::Row& row) {
+            isNew = textOf(row.front()) != found->first;
+        };
+        if (write.flag == MDX_UPDATE)
+            status = m_backend.selectWhere(m_table, {icon}, 0, write.key, compare);
+        if (status.ok() && isNew)
+            return {Refused,
+                    "Иконки " + shown(found->first) + " больше нет: тем временем её файл " +
+                        (found->second.code == OrvoEventDelete ? "удалён " : "переименован ") +
+                        byWhom(found->second) + "; выберите другую"};
+    }
+    return status;
+}
+
+/// Of these names those that no icon has, but that one had after `seen`, with the change that took
+/// it away.
+Status GuardedUpdate::findGoneIcons(int64_t seen, std::set<std::string> names,
+                                    std::map<std::string, Change>* gone) {
+    const TableDef& resources = *findTable(table::MenuResource);
+    const TableDef& folders = *findTable(table::MenuResourceFolder);
+    Status status;
+    for (auto name = names.begin(); name != names.end() && status.ok();) {
+        std::vector<Value> places;
+        if (const auto folded = foldedName(*name))
+            status = m_backend.selectStored(Kind::File, *folded, std::nullopt,
+                                            [&](const StoreBackend::Row& row) {
+                                                if (textOf(row[2]) == *name)
+                                                    places.push_back(row[1]);
+                                            });
+        bool isStored = false;
+        for (const Value& place : places)
+            if (status.ok())
+                status = m_backend.selectWhere(
+                    folders, {folders.find(field::caption), folders.find(field::ParentKey)}, 0,
+                    place, [&](const StoreBackend::Row& row) {
+                        isStored = isStored || (textOf(row[1]).empty() &&
+                                                foldedName(textOf(row[0])) == iconFolder);
+                    });
+        name = isStored ? names.erase(name) : std::next(name);
+    }
+    if (!status.ok() || names.empty())
+        return status;
+    ChangeQuery query;
+    query.table = resources.name;
+    query.above = seen;
+    query.limit = std::numeric_limits<int>::max();
+    std::vector<Change> changes;
+    status = m_backend.selectChanges(query, &changes);
+    for (Change& change : changes) {
+        const FieldValues before = valuesFromJson(resources, change.before);
+        const auto name = before.find(resources.find(field::name_));
+        if (change.code != OrvoEventInsert && name != before.end() &&
+            names.count(textOf(name->second)) != 0)
+            gone->emplace(textOf(name->second), std::move(change));
+    }
     return status;
 }
 

@@ -6,7 +6,9 @@
 #include "platform/store/Merge.h"
 #include "platform/store/StoreBackend.h"
 
+#include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -42,6 +44,10 @@ private:
     /// Refuses to let an element name a resource that was deleted since the writer last looked: he
     /// chose it from a list in which it still was. What named it before may be written.
     Status checkResources(const UpdateGuard& guard);
+    /// The same of an icon, which is named by its file: deleted or renamed since.
+    Status checkIcons(const UpdateGuard& guard);
+    Status findGoneIcons(int64_t seen, std::set<std::string> names,
+                         std::map<std::string, Change>* gone);
     /// Refuses to delete what others have put something into since the writer last looked.
     Status checkChildren(const UpdateGuard& guard);
     /// Refuses an update that would put a record below itself.

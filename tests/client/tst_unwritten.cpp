@@ -255,6 +255,24 @@ private slots:
         QCOMPARE(desk.value("Menu", "new", "caption"), QString("no record"));
     }
 
+    void iconThatAnotherDeletedIsRefusedByItsName() {
+        Desk desk;
+        desk.elsewhere("MenuResourceFolder", 1,
+                       {{"KeyLink", "icons"}, {"caption", "icons"}, {"type_", "4"}});
+        desk.elsewhere("MenuResource", 1,
+                       {{"KeyLink", "file"},
+                        {"name_", "pump.png"},
+                        {"type_", "4"},
+                        {"MenuResourceFolderKey", "icons"}});
+        desk.elsewhere("Menu", 1, {{"KeyLink", "k"}, {"caption", "Насос"}});
+        Module& module = desk.open();
+        desk.elsewhere("MenuResource", 4, {{"KeyLink", "file"}});
+        QVERIFY(!Desk::write(module, "Menu", 2, {{"KeyLink", "k"}, {"ico", "pump.png"}}));
+        QVERIFY2(desk.only().why.contains("\"pump.png\" больше нет"), qPrintable(desk.only().why));
+        QVERIFY(desk.only().words.what.contains("Насос"));
+        QCOMPARE(desk.value("Menu", "k", "ico"), QString());
+    }
+
     void updateOfADeletedRecordNamesItAsItWas() {
         Desk desk;
         desk.elsewhere("Menu", 1, {{"KeyLink", "k"}, {"caption", "Насос"}});

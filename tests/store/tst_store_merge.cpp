@@ -253,6 +253,54 @@ private slots:
         ORVO_OK(Batch("Menu").insert("new", {{"MenuResourceKey", "mod"}}).send(*m_store, &mine));
     }
 
+    void anIconThatIsDeletedOrRenamedMeanwhileIsRefused() {
+        const auto file = [](Store& store, const char* key, const char* name, const char* folder) {
+            return Batch("MenuResource")
+                .insert(key, {{"name_", name}, {"type_", 4}, {"MenuResourceFolderKey", folder}})
+                .send(store);
+        };
+        ORVO_OK(Batch("MenuResourceFolder")
+                    .insert("icons", {{"caption", "Icons"}, {"type_", 4}})
+                    .insert("docs", {{"caption", "docs"}, {"type_", 4}})
+                    .send(*m_store));
+        for (const char* name : {"pump.png", "fan.png", "tank.png", "old.png"})
+            ORVO_OK(file(*m_store, name, name, "icons"));
+        ORVO_OK(file(*m_store, "other", "fan.png", "docs"));
+        ORVO_OK(Batch("MenuResource").remove("old.png").send(*m_store));
+        m_seen = position();
+        ORVO_OK(Batch("MenuResource")
+                    .remove("pump.png")
+                    .remove("fan.png")
+                    .update("tank.png", {{"name_", "tank2.png"}})
+                    .send(*m_other));
+        const auto puts = [&](const char* table, const char* icon) {
+            UpdateGuard mine = guard();
+            return Batch(table).insert(icon, {{"ico", icon}}).send(*m_store, &mine);
+        };
+        for (const char* table : {"Menu", "MenuResource"}) {
+            const int64_t before = position();
+            const Status status = puts(table, "fan.png");
+            ORVO_FAILS(status, Refused);
+            QVERIFY2(status.text.find("fan.png") != std::string::npos, status.text.c_str());
+            QVERIFY(status.text.find("удалён") != std::string::npos);
+            QVERIFY(status.text.find(m_other->login()) != std::string::npos);
+            const Status renamed = puts(table, "tank.png");
+            ORVO_FAILS(renamed, Refused);
+            QVERIFY(renamed.text.find("переименован") != std::string::npos);
+            QCOMPARE(position(), before);
+        }
+        // What had it before stays its writer's, as does a name that he knew to be none; and an
+        // icon that is there again is one.
+        UpdateGuard mine = guard();
+        ORVO_OK(Batch("Menu")
+                    .update("pump", {{"ico", "pump.png"}, {"params", "x"}})
+                    .send(*m_store, &mine));
+        ORVO_OK(puts("Menu", "old.png"));
+        ORVO_OK(puts("Menu", "tank2.png"));
+        ORVO_OK(file(*m_other, "fan2", "fan.png", "icons"));
+        ORVO_OK(puts("Menu", "fan.png"));
+    }
+
     void movingBelowADeletedFolderIsRefused() {
         ORVO_OK(Batch("MenuFolder").remove("hall").send(*m_other));
         UpdateGuard mine = guard();
