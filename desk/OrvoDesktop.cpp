@@ -3,6 +3,7 @@
 #include "desk/Columns.h"
 #include "desk/DeskView.h"
 #include "desk/ElementList.h"
+#include "frame/EscapeKey.h"
 #include "frame/Launch.h"
 #include "frame/Notification.h"
 #include "frame/Records.h"
@@ -70,6 +71,7 @@ void OrvoDesktop::makeWidgets() {
     m_edSearch->setMaxLength(200);
     m_edSearch->addAction(orvo::image("search1"), QLineEdit::LeadingPosition)->setText(tr("Поиск"));
     m_edSearch->installEventFilter(this);
+    new orvo::EscapeKey(m_edSearch, [this] { leaveSearch(); }); // the field's child
     auto* clear = new QToolButton(panel); // the line's own is too small for a finger
     clear->setObjectName(QStringLiteral("deskSearchClear"));
     clear->setAccessibleName(QStringLiteral("Очистить поиск"));
@@ -336,9 +338,6 @@ bool OrvoDesktop::eventFilter(QObject* watched, QEvent* event) {
         return COrvoCliMod::eventFilter(watched, event);
     auto* key = static_cast<QKeyEvent*>(event);
     switch (key->key()) {
-    case Qt::Key_Escape:
-        leaveSearch();
-        return true;
     case Qt::Key_Up:
     case Qt::Key_Down:
     case Qt::Key_PageUp:

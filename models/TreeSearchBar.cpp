@@ -1,5 +1,6 @@
 #include "models/TreeSearchBar.h"
 
+#include "frame/EscapeKey.h"
 #include "frame/Keys.h"
 #include "frame/WindowParts.h"
 
@@ -70,8 +71,9 @@ TreeSearchBar::TreeSearchBar(QTreeView* view, const TreeModelCore<TabRec>& model
     connect(m_up, &QToolButton::clicked, this, [this] { step(-1); });
     connect(m_text, &QLineEdit::textChanged, this, &TreeSearchBar::find);
     connect(m_column, qOverload<int>(&QComboBox::currentIndexChanged), this, &TreeSearchBar::find);
+    m_text->installEventFilter(this);
     for (QWidget* part : {static_cast<QWidget*>(m_text), static_cast<QWidget*>(m_column)})
-        part->installEventFilter(this);
+        new EscapeKey(part, [this] { dismiss(); }); // the part's child
     m_view.installEventFilter(this);
     m_view.viewport()->installEventFilter(this); // a scroll bar changes its size alone
     updateButtons();
@@ -232,29 +234,17 @@ bool TreeSearchBar::openOn(const QKeyEvent& key) {
 }
 
 bool TreeSearchBar::eventFilter(QObject* watched, QEvent* event) {
-    const bool isChild = watched == m_text || watched == m_column;
-    if (!isChild && event->type() == QEvent::Resize && isVisible())
+    const bool isText = watched == m_text;
+    if (!isText && event->type() == QEvent::Resize && isVisible())
         place();
-    if (!isChild && watched != &m_view) // the viewport, which may be on its way out with the view
+    if (!isText && watched != &m_view) // the viewport, which may be on its way out with the view
         return false;
-    const auto* key = event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride
-                          ? static_cast<QKeyEvent*>(event)
-                          : nullptr;
-    if (!key)
+    if (event->type() != QEvent::KeyPress)
         return QWidget::eventFilter(watched, event);
-    const bool isEscape = watched != &m_view && key->key() == Qt::Key_Escape;
-    if (event->type() == QEvent::ShortcutOverride) {
-        if (isEscape)
-            event->accept(); // here it is the field's, whatever it means in the window
-        return isEscape;
-    }
-    if (isEscape) {
-        dismiss();
-        return true;
-    }
-    if (watched == m_text)
-        return takeKey(key->key(), key->modifiers() & Qt::ShiftModifier);
-    if (watched == &m_view && m_opensOnTyping && openOn(*key))
+    const auto& key = *static_cast<QKeyEvent*>(event);
+    if (isText)
+        return takeKey(key.key(), key.modifiers() & Qt::ShiftModifier);
+    if (m_opensOnTyping && openOn(key))
         return true;
     return QWidget::eventFilter(watched, event);
 }

@@ -3,6 +3,7 @@
 #include "resources/OrvoResources.h"
 
 #include "frame/CommonFunctions.h"
+#include "frame/EscapeKey.h"
 #include "frame/ScratchTable.h"
 #include "frame/ViewRows.h"
 #include "frame/WindowParts.h"
@@ -55,6 +56,8 @@ void OrvoResources::makeSearchBar() {
     m_edSearch->setPlaceholderText(tr("Поиск..."));
     connect(m_edSearch, &QLineEdit::textChanged, this, &OrvoResources::on_search_textChanged);
     m_edSearch->installEventFilter(this);
+    new orvo::EscapeKey(m_edSearch, // the field's child
+                        [this] { m_ui->tvRes->setFocus(Qt::ShortcutFocusReason); });
     bar->addWidget(m_edSearch);
 
     m_btnSearchDown = orvo::makeToolButton(this, "down2", QString());

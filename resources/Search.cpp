@@ -101,20 +101,12 @@ bool OrvoResources::searchKey(const QKeyEvent& event) {
     case Qt::Key_Up:
         stepToHit(event.key() == Qt::Key_Down ? 1 : -1);
         return true;
-    case Qt::Key_Escape:
-        m_ui->tvRes->setFocus(Qt::ShortcutFocusReason);
-        return true;
     default:
         return false;
     }
 }
 
 bool OrvoResources::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == m_edSearch && event->type() == QEvent::ShortcutOverride &&
-        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
-        event->accept(); // here it is the field's, whatever it means in the window
-        return true;
-    }
     if (watched == m_edSearch && event->type() == QEvent::KeyPress &&
         searchKey(*static_cast<QKeyEvent*>(event)))
         return true;

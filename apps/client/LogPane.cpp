@@ -6,7 +6,6 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QHeaderView>
-#include <QKeyEvent>
 #include <QLineEdit>
 #include <QScrollBar>
 #include <QTime>
@@ -85,33 +84,22 @@ void LogPane::copySelected() const {
     QGuiApplication::clipboard()->setText(lines.join(QLatin1Char('\n')));
 }
 
-LogSearch::LogSearch(LogPane* log) : m_log(log), m_text(new QLineEdit(this)) {
+LogSearch::LogSearch(LogPane* log) {
+    auto* text = new QLineEdit(this);
     auto* all = new QVBoxLayout(this);
     all->setContentsMargins(0, 0, 0, 0);
     all->setSpacing(0);
     all->addWidget(log);
-    all->addWidget(m_text);
+    all->addWidget(text);
     setFocusProxy(log);
-    m_text->setObjectName(QStringLiteral("logText"));
-    m_text->setAccessibleName(QStringLiteral("Найти в журнале"));
-    m_text->setPlaceholderText(QStringLiteral("Найти в журнале"));
-    m_text->setToolTip(QStringLiteral("Слова из любого столбца, в любом порядке (Ctrl+F)"));
-    m_text->setClearButtonEnabled(true);
-    m_text->hide();
-    m_text->installEventFilter(this);
-    connect(m_text, &QLineEdit::returnPressed, log, qOverload<>(&QWidget::setFocus));
-    connect(m_text, &QLineEdit::textChanged, log, &LogPane::showOnlyThoseWith);
-}
-
-bool LogSearch::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::KeyPress &&
-        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
-        m_text->clear();
-        m_log->setFocus();
-        m_text->hide();
-        return true;
-    }
-    return QWidget::eventFilter(watched, event);
+    text->setObjectName(QStringLiteral("logText"));
+    text->setAccessibleName(QStringLiteral("Найти в журнале"));
+    text->setPlaceholderText(QStringLiteral("Найти в журнале"));
+    text->setToolTip(QStringLiteral("Слова из любого столбца, в любом порядке (Ctrl+F)"));
+    text->setClearButtonEnabled(true);
+    text->hide();
+    connect(text, &QLineEdit::returnPressed, log, qOverload<>(&QWidget::setFocus));
+    connect(text, &QLineEdit::textChanged, log, &LogPane::showOnlyThoseWith);
 }
 
 } // namespace orvo::app

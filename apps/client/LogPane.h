@@ -31,19 +31,11 @@ private:
     QStringList m_words;
 };
 
-/// The log with a field below it, which comes by the key of the search (addPaneKeys()) and goes by
-/// Esc, and with it what it hid.
+/// The log with a field below it, hidden until the key of the search (addPaneKeys()).
 class LogSearch : public QWidget {
     Q_OBJECT
 public:
     explicit LogSearch(LogPane* log); // becomes the parent
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
-private:
-    LogPane* m_log;
-    QLineEdit* m_text; ///< child
 };
 
 } // namespace orvo::app

@@ -1,6 +1,7 @@
 #include "apps/client/PaneKeys.h"
 
 #include "frame/ContextMenuKey.h"
+#include "frame/EscapeKey.h"
 
 #include <QAbstractSpinBox>
 #include <QAction>
@@ -57,6 +58,12 @@ void addPaneKeys(QWidget& pane) {
         field->show(); // one that comes when it is wanted
         field->setFocus(Qt::ShortcutFocusReason);
         field->selectAll();
+    });
+    const bool isHidden = field->isHidden();
+    new EscapeKey(field, [&pane, field, isHidden] { // the field's child
+        field->clear();
+        pane.setFocus(Qt::ShortcutFocusReason);
+        field->setHidden(isHidden);
     });
 }
 

@@ -7,6 +7,8 @@
 
 #include <QHeaderView>
 #include <QImage>
+#include <QLineEdit>
+#include <QPointer>
 #include <QScrollBar>
 #include <QTabWidget>
 #include <QToolButton>
@@ -249,6 +251,49 @@ private slots:
         QVERIFY(isAt(list));
         press(Qt::Key_F7);
         QVERIFY(!palette->isVisible());
+    }
+
+    void escLeavesTheFieldByWhichAListIsSearched_data() {
+        QTest::addColumn<QString>("list");
+        QTest::addColumn<int>("opens");
+        QTest::addColumn<bool>("hidesRows");
+        QTest::newRow("desktops") << "tvDesck" << 0 << false;
+        QTest::newRow("elements") << "tvMenu" << 0 << false;
+        QTest::newRow("resources") << "tvRes" << 0 << false;
+        QTest::newRow("palette") << "tvObj" << int(Qt::Key_F7) << false;
+        QTest::newRow("log") << "logPane" << 0 << true;
+        QTest::newRow("history") << "historyTree" << int(Qt::Key_F4) << true;
+        QTest::newRow("problems") << "problemsTree" << int(Qt::Key_F8) << true;
+    }
+    /// One press, whatever was typed: rows that were hidden are shown again, and what was searched
+    /// is still there for F3. The window of the list goes by the next press only.
+    void escLeavesTheFieldByWhichAListIsSearched() {
+        QFETCH(QString, list);
+        QFETCH(int, opens);
+        QFETCH(bool, hidesRows);
+        Fixture fixture;
+        QVERIFY(fixture.show(list == "tvRes" ? "Resources" : "Menu"));
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г"));
+        if (opens != 0) {
+            fixture.view("tvMenu")->setFocus();
+            QTest::keyClick(fixture.view("tvMenu"), Qt::Key(opens));
+        }
+        auto* view = fixture.child<QAbstractItemView>(qPrintable(list));
+        QVERIFY(view);
+        QTRY_VERIFY(view->isVisible());
+        view->activateWindow();
+        QTRY_COMPARE(QApplication::activeWindow(), view->window());
+        view->setFocus(Qt::ShortcutFocusReason);
+        QTest::keyClick(view, Qt::Key_F, Qt::ControlModifier);
+        const QPointer<QLineEdit> field = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+        QVERIFY(field);
+        QTest::keyClicks(field, "zz");
+        QTest::keyClick(field, Qt::Key_Escape);
+        QCOMPARE(QApplication::focusWidget(), view);
+        QVERIFY(view->isVisible());
+        QCOMPARE(field->text(), hidesRows ? QString() : QString("zz"));
+        QTest::keyClick(view, Qt::Key_Escape);
+        QCOMPARE(view->isVisible(), list != "tvObj");
     }
 
     void aFrameShowsWhichTreeHasTheFocus() {
