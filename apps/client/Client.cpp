@@ -260,8 +260,9 @@ void Client::connectAll() {
              lossWords(replaced, QStringLiteral("показанное устарело, модули откроются заново, "
                                                 "когда вы закончите правку")));
     });
-    connect(m_window.get(), &MainWindow::reopenRequested, this,
-            [this] { reopenModules(QStringLiteral("Модули открыты заново."), false); });
+    connect(m_window.get(), &MainWindow::reopenRequested, this, [this](const QString& command) {
+        reopenModules(QStringLiteral("Модули открыты заново."), false, command);
+    });
     connect(m_window.get(), &MainWindow::storeRequested, this, [this] {
         QStringList arguments{QStringLiteral("--login"), m_options.login};
         for (const QString& dir : m_options.moduleDirs)

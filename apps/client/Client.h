@@ -77,8 +77,9 @@ private:
     void openModule(const QString& name);
     void rememberModules();
     /// `must`: an answer that keeps them open only puts it off.
-    /// `title`: of the question about what is not saved; empty: as the menu names it.
-    void reopenModules(const QString& why, bool must, const QString& title = {});
+    /// `command`: what asks for it, for the title of the question about what is not saved; empty:
+    /// the menu's own.
+    void reopenModules(const QString& why, bool must, const QString& command = {});
     void reopenNow(const QString& why);
     void reopenWhenClean(const QString& why);
     void addOpenEdits();

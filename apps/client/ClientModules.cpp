@@ -103,20 +103,22 @@ void Client::openFurther(const QStringList& modules) {
         m_window->showEditor(modules.first());
 }
 
-void Client::reopenModules(const QString& why, bool must, const QString& title) {
+void Client::reopenModules(const QString& why, bool must, const QString& command) {
     if (!m_pump)
         return;
     // Not while a slot of a module waits in a dialog or a menu.
     if (!m_pump->mayDeliver()) {
         QTimer::singleShot(100, this,
-                           [this, why, must, title] { reopenModules(why, must, title); });
+                           [this, why, must, command] { reopenModules(why, must, command); });
         return;
     }
     CloseGuard::Answers answers{[this, why] { reopenNow(why); }, {}};
     if (must)
         answers.stay = [this, why] { reopenWhenClean(why); };
-    if (m_guard->mayGo(m_window.get(),
-                       title.isEmpty() ? QStringLiteral("Открыть модули заново") : title, answers))
+    const QString title = command.isEmpty()
+                              ? QStringLiteral("Открыть модули заново")
+                              : QStringLiteral("%1 — модули откроются заново").arg(command);
+    if (m_guard->mayGo(m_window.get(), title, answers))
         reopenNow(why);
 }
 

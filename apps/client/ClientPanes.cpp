@@ -98,9 +98,9 @@ void Client::makeProblems() {
     });
     connect(
         m_problems.get(), &ProblemsFeed::reopenNeeded, this,
-        [this] {
+        [this](const QString& command) {
             reopenModules(QStringLiteral("Модули открыты заново: показано исправленное."), false,
-                          QStringLiteral("Чтобы показать исправленное, модули откроются заново"));
+                          command);
         },
         Qt::QueuedConnection);
     connect(m_window->statusLine(), &StatusLine::problemsRequested, dock,

@@ -47,8 +47,9 @@ QAction* MainWindow::addCommand(const char* id, QMenu* menu, bool always) {
 void MainWindow::makeMenus() {
     QMenu* client = menuBar()->addMenu(QStringLiteral("&Клиент"));
     // Queued: the menu is closed and its loop left before modules go.
-    connect(addCommand(keys::reopen, client), &QAction::triggered, this,
-            &MainWindow::reopenRequested, Qt::QueuedConnection);
+    connect(
+        addCommand(keys::reopen, client), &QAction::triggered, this, [this] { reopenRequested(); },
+        Qt::QueuedConnection);
     QAction* desktop = client->addAction(QStringLiteral("&Рабочий стол…"));
     desktop->setObjectName(QStringLiteral("actDesktop"));
     connect(desktop, &QAction::triggered, this, &MainWindow::desktopRequested,

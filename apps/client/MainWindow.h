@@ -96,7 +96,8 @@ public:
     bool followsOthers() const;
 
 signals:
-    void reopenRequested();
+    /// `command`: in the user's words what asks for it; empty: he himself.
+    void reopenRequested(const QString& command = {});
     void followsOthersChanged(bool on);
     /// The user wants to choose a desktop.
     void desktopRequested();

@@ -251,7 +251,7 @@ private slots:
         fixture.child<QPushButton>("problemsCure")->click();
         QTRY_VERIFY_WITH_TIMEOUT(fixture.child<QMessageBox>("closeQuestion"), 20000);
         auto* question = fixture.child<QMessageBox>("closeQuestion");
-        QVERIFY2(question->windowTitle().contains("исправленное"),
+        QVERIFY2(question->windowTitle().startsWith("Исправить: рабочий стол «КС-9»"),
                  qPrintable(question->windowTitle()));
         question->findChild<QPushButton*>("closeDrop")->click();
         SOON(RunningClient::below(*fixture.view("tvDesck")->model(), {}).contains("КС-9"));

@@ -391,6 +391,20 @@ private slots:
         QVERIFY(fixture.module("Menu")->ModEditText().isEmpty());
     }
 
+    /// Its name is the title of the question about an edit that is open then.
+    void anUndoThatOpensTheModulesAnewSaysThatItDoes() {
+        Fixture fixture;
+        const Fields desktop{{"KeyLink", "top"}, {"caption", "КС-9"}, {"order_", "2000"}};
+        fixture.writes(MDX_INSERT, {desktop}, "MenuFolder");
+        fixture.writes(MDX_DELETE, {desktop}, "MenuFolder");
+        QTRY_COMPARE(fixture.undoText(), QString("Отменить: удалить «КС-9»"));
+        const QSignalSpy asked(fixture.client->window(), &app::MainWindow::reopenRequested);
+        fixture.undo();
+        QTRY_COMPARE(asked.size(), 1);
+        QCOMPARE(asked.first().first().toString(), QString("Отменить: удалить «КС-9»"));
+        QTRY_VERIFY(RunningClient::below(*fixture.view("tvDesck")->model(), {}).contains("КС-9"));
+    }
+
     void textThatIsTypedHasItsOwnUndo() {
         Fixture fixture;
         fixture.renames("a", "а1");

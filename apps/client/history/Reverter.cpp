@@ -182,10 +182,10 @@ void Reverter::written(const store::Status& status, const RevertPlan& plan) {
         finish(Outcome::Failed);
     } else if (plan.inverse.written) {
         tellWritten(plan);
-        const bool reopen = staysOutOfTrees(plan.inverse);
+        const QString command = m_request->title;
         finish(Outcome::Written);
-        if (reopen)
-            emit reopenNeeded();
+        if (staysOutOfTrees(plan.inverse))
+            emit reopenNeeded(command);
     } else if (plan.inverse.asks() && !m_choices.partly) {
         showDialog();
     } else {

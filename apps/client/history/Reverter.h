@@ -67,7 +67,7 @@ signals:
     void told(int level, const QString& text);
     void busyChanged(bool busy, const QString& title);
     /// What was written has a place in the trees only after the modules are opened anew.
-    void reopenNeeded();
+    void reopenNeeded(const QString& command);
 
 private:
     void begin();

@@ -339,7 +339,8 @@ void ProblemsFeed::finish(const Plan& plan, const store::Status& status) {
         emit told(LogInformation,
                   QStringLiteral("Исправлено: %1. Отменяет Ctrl+Z.").arg(plan.cured));
     if (status.ok() && plan.shows)
-        emit reopenNeeded();
+        emit reopenNeeded(QStringLiteral("Исправить: %1")
+                              .arg(plan.cured == 1 ? plan.first : QString::number(plan.cured)));
     if (plan.gone > 0)
         emit told(LogWarning, QStringLiteral("Уже исправлено без вас: %1.").arg(plan.gone));
     if (plan.open > 0)

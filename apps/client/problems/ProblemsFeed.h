@@ -51,7 +51,7 @@ signals:
     /// What the user should read; the numbers are those of COrvoCliMod::LogFile.
     void told(int level, const QString& text);
     /// What was put right has a place in the trees only after the modules are opened again.
-    void reopenNeeded();
+    void reopenNeeded(const QString& command);
 
 private:
     class Watcher;
