@@ -3,17 +3,24 @@
 
 #include "frame/Keys.h"
 #include "models/TreeSearchBar.h"
+#include "picker/AddButton.h"
 #include "ui_PopObjectList.h"
 
 #include <QApplication>
 #include <QComboBox>
+#include <QScreen>
+#include <QScrollBar>
 #include <QShortcut>
 
 #include <functional>
+#include <utility>
 
 void CPopObjectList::setPalette(bool on) {
     m_isPalette = on;
     setProperty("orvoPalette", on);
+    m_addButton->setShown(on);
+    if (!on && m_wholeSize.isValid())
+        resize(std::exchange(m_wholeSize, QSize()));
     // The shortcuts of a window work in its tools.
     if (const Qt::WindowType type = on ? Qt::Tool : Qt::Dialog; windowType() != type)
         setWindowFlags((windowFlags() & ~Qt::WindowType_Mask) | type);
@@ -21,6 +28,21 @@ void CPopObjectList::setPalette(bool on) {
         makeKinds();
     if (m_kinds)
         m_kinds->setVisible(on);
+}
+
+/// On a small screen it leaves the menu in sight, and its own buttons.
+void CPopObjectList::placePalette() {
+    constexpr int titleBar = 40;
+    const QWidget* owner = parentWidget();
+    if (!owner)
+        return;
+    const QPoint corner = owner->mapToGlobal(owner->rect().topRight());
+    const QRect screen = owner->window()->screen()->availableGeometry();
+    const QSize most(owner->width() / 2, screen.bottom() - corner.y() - titleBar);
+    if (!m_wholeSize.isValid())
+        m_wholeSize = size();
+    resize(m_wholeSize.boundedTo(most));
+    move(corner.x() - width(), corner.y());
 }
 
 void CPopObjectList::makeKinds() {
@@ -73,9 +95,13 @@ void CPopObjectList::changeEvent(QEvent* event) {
         QApplication::activeWindow() != this || m_shown.isEmpty())
         return;
     const QString current = treeModel->getItemKeyLink(m_ui->tvObj->currentIndex());
+    QScrollBar& scroll = *m_ui->tvObj->verticalScrollBar();
+    const int place = scroll.value(); // a click on a row may be what brings the user here
     rememberOpen();
     load();
     const QModelIndex row = treeModel->findIndexByKey(current);
     if (row.isValid())
         m_ui->tvObj->setCurrentIndex(row);
+    m_ui->tvObj->doItemsLayout();
+    scroll.setValue(place);
 }

@@ -2,10 +2,10 @@
 
 #include "frame/ContextMenuKey.h"
 #include "frame/Records.h"
-#include "frame/RowDelegate.h"
 #include "frame/Vocabulary.h"
 #include "frame/WindowParts.h"
 #include "models/TreeSearchBar.h"
+#include "picker/AddButton.h"
 #include "ui_PopObjectList.h"
 
 #include <QAbstractButton>
@@ -55,7 +55,8 @@ CPopObjectList::CPopObjectList(QMainWindow* parent)
     m_ui->tvObj->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_ui->tvObj->setAccessibleName(tr("Список ресурсов"));
     m_ui->tvObj->setUniformRowHeights(true);
-    m_ui->tvObj->setItemDelegate(new orvo::RowDelegate(m_ui->tvObj)); // the view's child
+    m_addButton = new orvo::AddButton(m_ui->tvObj);
+    m_ui->tvObj->setItemDelegate(m_addButton);
     m_model = std::make_unique<PopTreeModel>(columnTitles(), filesPath(parent), this);
     treeModel = m_model.get();
     m_ui->tvObj->setModel(treeModel);
@@ -105,11 +106,8 @@ void CPopObjectList::showEvent(QShowEvent* event) {
     m_search->dismiss();
     m_ui->btnCancel->setFocus(Qt::OtherFocusReason);
     load();
-    const QWidget* owner = parentWidget();
-    if (m_isPalette && owner) {
-        const QPoint corner = owner->mapToGlobal(owner->rect().topRight());
-        move(corner.x() - width(), corner.y());
-    }
+    if (m_isPalette)
+        placePalette();
 }
 
 void CPopObjectList::hideEvent(QHideEvent* event) {
@@ -228,6 +226,10 @@ bool CPopObjectList::treeMouse(QEvent* event) {
         m_mayDrag = mouse->button() == Qt::LeftButton && mouse->modifiers() == Qt::NoModifier &&
                     row.isValid() && !treeModel->itemIsFolder(row) && objectType != KindFile;
         m_pressed = mouse->pos();
+        if (m_mayDrag && m_addButton->placeOn(row).contains(mouse->pos())) {
+            m_mayDrag = false;
+            return choose(row);
+        }
         // What is selected already is dragged together.
         return m_mayDrag && m_ui->tvObj->selectionModel()->isSelected(row) &&
                m_ui->tvObj->selectionModel()->selectedRows().size() > 1;

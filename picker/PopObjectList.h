@@ -18,6 +18,7 @@
 #include <QMap>
 #include <QPoint>
 #include <QSet>
+#include <QSize>
 #include <QString>
 
 #include <memory>
@@ -29,8 +30,9 @@ class QTextCodec;
 class QTreeView;
 
 namespace orvo {
+class AddButton;
 class TreeSearchBar;
-}
+} // namespace orvo
 
 QT_BEGIN_NAMESPACE
 class Ui_CPopObjectList;
@@ -75,7 +77,8 @@ public:
 
     /// A palette: it stands beside the middle of its window, stays after OK, and holds up no
     /// changes of others; when the user comes back to it, it lists what there is then. It has a
-    /// selector of the kind, and the keys of the window work in it. To be set before the show.
+    /// selector of the kind and a button that adds the row under the mouse, and the keys of the
+    /// window work in it. To be set before the show.
     void setPalette(bool on);
     bool isPalette() const { return m_isPalette; }
 
@@ -119,6 +122,7 @@ private:
     void load();
     /// Lists another kind, in a palette.
     void showKind(int32_t kind);
+    void placePalette();
     void makeKinds();
     void addPaletteKeys();
     /// Drags the selected resources, for the owner's tree to make elements of.
@@ -146,10 +150,12 @@ private:
     QMap<QString, QSet<QString>> m_open; ///< by list: keys of the folders that were open
     QString m_shown;                     ///< list that the tree has; empty: none
     bool m_isPalette = false;
-    QPoint m_pressed; ///< where the mouse went down on a resource, in the viewport
+    QSize m_wholeSize; ///< before it became a palette
+    QPoint m_pressed;  ///< where the mouse went down on a resource, in the viewport
     bool m_mayDrag = false;
     QComboBox* m_kinds = nullptr;  ///< child; null until it is a palette
     bool m_isTouched = false;      ///< the user has gone to a button by Tab
+    orvo::AddButton* m_addButton;  ///< child of tvObj
     orvo::TreeSearchBar* m_search; ///< child of tvObj; a letter typed there opens it
 };
 

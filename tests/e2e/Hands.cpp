@@ -45,6 +45,10 @@ bool click(const QPoint& at, int button, const QString& modifier) {
     return done;
 }
 
+bool moveTo(const QPoint& at) {
+    return xdotool(move(at));
+}
+
 bool doubleClick(const QPoint& at) {
     clickCount += 2;
     return xdotool(move(at) + QStringList{"click", "--repeat", "2", "--delay", "60", "1"});

@@ -12,6 +12,7 @@ namespace orvo::test::hands {
 bool xdotool(const QStringList& commands);
 
 bool click(const QPoint& at, int button = 1, const QString& modifier = {});
+bool moveTo(const QPoint& at);
 bool doubleClick(const QPoint& at);
 /// Presses of a mouse button since the start; two for a double click, one for a drag.
 int clicks();

@@ -11,6 +11,7 @@
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScreen>
 #include <QWindow>
 
 using namespace orvo::test;
@@ -128,6 +129,52 @@ private slots:
         QVERIFY(!menu.dropResources("glubzhe", "mod", "OrvoResources/modres/dragdrop"));
         QVERIFY(!menu.dropResources("glubzhe", "m1", "OrvoResources/sysres/dragdrop"));
         QCOMPARE(menu.resourcesOf("glubzhe"), QString("rform m2 m1 rform"));
+    }
+
+    void inASmallWindowItLeavesTheMenuInSight() {
+        Menu menu;
+        QVERIFY(menu.open());
+        menu.module->resize(1000, 600);
+        menu.press(Qt::Key_F7);
+        QVERIFY(menu.isInPalette());
+        CPopObjectList* palette = menu.palette();
+        const QTreeView* tree = menu.view("tvMenu");
+        const QRect rows(tree->mapToGlobal({0, 0}), tree->size());
+        QVERIFY(palette->geometry().left() > rows.center().x());
+        QVERIFY(palette->geometry().bottom() <= palette->screen()->availableGeometry().bottom());
+        // A list for one choice has its size again.
+        palette->hide();
+        menu.press(Qt::Key_1, Qt::ControlModifier);
+        QCOMPARE(palette->size(), QSize(784, 656));
+    }
+
+    void oneClickOnThePlusOfARowAddsIt() {
+        Menu menu;
+        QVERIFY(menu.open());
+        menu.view("tvMenu")->setCurrentIndex(menu->element("glubzhe"));
+        menu.press(Qt::Key_F7);
+        QVERIFY(menu.isInPalette());
+        CPopObjectList* palette = menu.palette();
+        const auto clickAtEnd = [&](const char* key) {
+            const QRect cell =
+                palette->tvObj()->visualRect(palette->treeModel->findIndexByKey(QString(key)));
+            QTest::mouseClick(palette->tvObj()->viewport(), Qt::LeftButton, Qt::NoModifier,
+                              {cell.right() - cell.height() / 2, cell.center().y()});
+            menu.host.deliver(*menu.module);
+        };
+        clickAtEnd("m2");
+        QCOMPARE(menu.resourcesOf("glubzhe"), QString("rform m2"));
+        clickAtEnd("m1");
+        QCOMPARE(menu.resourcesOf("glubzhe"), QString("rform m2 m1"));
+        clickAtEnd("fsub"); // a folder has none
+        QCOMPARE(menu.resourcesOf("glubzhe"), QString("rform m2 m1"));
+        QVERIFY(palette->isVisible());
+        // Nor has a list for one choice.
+        palette->hide();
+        menu.press(Qt::Key_1, Qt::ControlModifier);
+        clickAtEnd("m2");
+        QVERIFY(palette->isVisible());
+        QCOMPARE(menu.resourcesOf("glubzhe"), QString("rform m2 m1"));
     }
 
     void aTextIsFoundInTheNameAndInTheCaption() {
