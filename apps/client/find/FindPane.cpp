@@ -284,7 +284,7 @@ void FindPane::showContextMenu(const QPoint& point) {
         // Queued: the menu is closed before anything else comes up.
         connect(action, &QAction::triggered, this, run, Qt::QueuedConnection);
     };
-    add(QStringLiteral("Открыть"), QKeySequence(Qt::Key_Return), &FindPane::choose);
+    add(QStringLiteral("Открыть"), QKeySequence(Qt::Key_Enter), &FindPane::choose);
     if (const QString uses = usesEntry(found->table); !uses.isEmpty())
         add(uses, keys::sequences(*keys::command(QLatin1String(keys::uses))).first(),
             &FindPane::askForUses);

@@ -135,7 +135,7 @@ void UsesPane::showContextMenu(const QPoint& point) {
         return;
     QMenu menu;
     QAction* show = menu.addAction(m_show->text());
-    show->setShortcut(QKeySequence(Qt::Key_Return));
+    show->setShortcut(QKeySequence(Qt::Key_Enter));
     // Queued: the menu is closed before anything else comes up.
     connect(show, &QAction::triggered, this, &UsesPane::showCurrent, Qt::QueuedConnection);
     menu.exec(m_view->viewport()->mapToGlobal(point));

@@ -307,8 +307,8 @@ void ProblemsPane::showContextMenu(const QPoint& point) {
         // Queued: the menu is closed before anything else comes up.
         connect(action, &QAction::triggered, this, run, Qt::QueuedConnection);
     };
-    add(m_show, QKeySequence(Qt::Key_Return), &ProblemsPane::showCurrent);
-    add(m_cure, QKeySequence(int(Qt::CTRL) + Qt::Key_Return), &ProblemsPane::cureSelected);
+    add(m_show, QKeySequence(Qt::Key_Enter), &ProblemsPane::showCurrent);
+    add(m_cure, QKeySequence(int(Qt::CTRL) + Qt::Key_Enter), &ProblemsPane::cureSelected);
     const QString table = QLatin1String(row->finding.table->name);
     if (const QString uses = usesEntry(table); !uses.isEmpty() && !row->finding.key.empty()) {
         QAction* action = menu.addAction(uses);
