@@ -6,6 +6,7 @@
 #include <QAbstractSpinBox>
 #include <QAction>
 #include <QComboBox>
+#include <QFocusEvent>
 #include <QLineEdit>
 #include <QPointer>
 #include <QShortcut>
@@ -34,6 +35,26 @@ void saveBeside(const QWidget& pane) {
             save->trigger();
 }
 
+/// Whoever comes to a list by key finds a row chosen: the commands of the row are on. The view
+/// itself would make the first one current only.
+class FirstRow : public QObject {
+public:
+    explicit FirstRow(QAbstractItemView* view) : QObject(view), m_view(*view) {
+        view->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::FocusIn && !m_view.currentIndex().isValid() &&
+            static_cast<QFocusEvent*>(event)->reason() != Qt::MouseFocusReason)
+            m_view.setCurrentIndex(m_view.model()->index(0, 0));
+        return false;
+    }
+
+private:
+    QAbstractItemView& m_view;
+};
+
 } // namespace
 
 void onPaneKey(QWidget& pane, const char* command, const std::function<void()>& run) {
@@ -46,8 +67,10 @@ void onPaneKey(QWidget& pane, const char* command, const std::function<void()>& 
 
 void addPaneKeys(QWidget& pane) {
     for (QAbstractItemView* view : pane.findChildren<QAbstractItemView*>())
-        if (view->contextMenuPolicy() == Qt::CustomContextMenu)
-            new ContextMenuKey(view); // the view's child
+        if (view->contextMenuPolicy() == Qt::CustomContextMenu) {
+            new ContextMenuKey(view); // these: the view's children
+            new FirstRow(view);
+        }
     onPaneKey(pane, keys::save, [&pane] { saveBeside(pane); });
     QLineEdit* field = fieldOf(pane);
     if (!field)

@@ -257,6 +257,15 @@ private slots:
         SOON(RunningClient::below(*fixture.view("tvDesck")->model(), {}).contains("КС-9"));
     }
 
+    void theFirstRowIsChosenWhenOneComesToTheListByKey() {
+        ProblemsFixture fixture;
+        SOON(fixture.isKnown() && fixture.model()->rowCount() > 0);
+        fixture.open();
+        const QTreeView* list = fixture.pane()->view();
+        QTRY_COMPARE(QApplication::focusWidget(), list);
+        QCOMPARE(list->selectionModel()->selectedRows(0), {fixture.model()->index(0, 0)});
+    }
+
     void whereTheResourceIsUsedIsShownByItsKey() {
         ProblemsFixture fixture;
         fixture.open();
