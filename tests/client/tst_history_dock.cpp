@@ -512,7 +512,8 @@ private slots:
         QCOMPARE(fixture.view("tvDesck")->currentIndex().data().toString(), QString("КС-1"));
         QTRY_VERIFY(fixture.find("Удалён элемент меню «г»") >= 0);
         fixture.choose("Удалён элемент меню «г»");
-        fixture.press("historyShow");
+        fixture.view("historyTree")->setFocus();
+        QTest::keyClick(fixture.view("historyTree"), Qt::Key_Return);
         QTRY_VERIFY(fixture.failure().contains("строки больше нет"));
     }
 

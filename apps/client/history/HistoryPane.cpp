@@ -17,6 +17,7 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QShortcut>
 #include <QTreeView>
 
 #include <memory>
@@ -112,6 +113,7 @@ void HistoryPane::keepPlace() {
 void HistoryPane::makeActions() {
     QHBoxLayout* row = addPaneRow(*qobject_cast<QVBoxLayout*>(layout()));
     m_show = addButton(row, QStringLiteral("Показать"), "historyShow");
+    m_show->setToolTip(QStringLiteral("Открыть редактор на этой записи (Enter)"));
     m_revert = addButton(row, QStringLiteral("Вернуть эту правку…"), "historyRevert");
     m_revertBack =
         addButton(row, QStringLiteral("Вернуть всё до этого места"), "historyRevertBack");
@@ -122,6 +124,12 @@ void HistoryPane::makeActions() {
         fillBackMenu(*m_backMenu);
     });
     connect(m_show, &QPushButton::clicked, this, &HistoryPane::showCurrent);
+    // Not by a double click, which opens an action.
+    for (const int key : {Qt::Key_Return, Qt::Key_Enter}) {
+        auto* show = new QShortcut(QKeySequence(key), m_view);
+        show->setContext(Qt::WidgetShortcut);
+        connect(show, &QShortcut::activated, this, &HistoryPane::showCurrent);
+    }
     connect(m_revert, &QPushButton::clicked, this, &HistoryPane::revertCurrent);
     connect(m_view, &QTreeView::customContextMenuRequested, this, &HistoryPane::showContextMenu);
     connect(m_view->selectionModel(), &QItemSelectionModel::currentChanged, this,
@@ -283,6 +291,7 @@ void HistoryPane::showContextMenu(const QPoint& point) {
         connect(made, &QAction::triggered, this, run, Qt::QueuedConnection);
     };
     add(m_show->text(), m_show->isEnabled(), [this] { showCurrent(); });
+    menu.actions().constLast()->setShortcut(QKeySequence(Qt::Key_Enter));
     add(m_revert->text(), m_revert->isEnabled(), [this] { revertCurrent(); });
     QMenu* back = menu.addMenu(m_revertBack->text());
     back->setEnabled(m_revertBack->isEnabled());
