@@ -6,6 +6,7 @@
 
 #include <QAction>
 #include <QCoreApplication>
+#include <QHeaderView>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QToolBar>
@@ -82,6 +83,31 @@ QAction* recordAction(QMenu& menu, COrvoCliApp& app, const RecordName& record,
     addRecordActions(app, menu, record);
     return actionOf(menu, command);
 }
+
+/// The header of a passport is hidden, and a hidden widget is not told when it is resized: the last
+/// column would stay as wide as at first, and a bar for scrolling with it.
+class StretchedHeader : public QObject {
+public:
+    explicit StretchedHeader(QTreeView* view) : QObject(view), m_view(*view) {
+        view->viewport()->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Resize && m_view.header()->isHidden())
+            QMetaObject::invokeMethod( // the view places its header after this
+                this,
+                [this] {
+                    m_view.header()->setStretchLastSection(false);
+                    m_view.header()->setStretchLastSection(true);
+                },
+                Qt::QueuedConnection);
+        return false;
+    }
+
+private:
+    QTreeView& m_view;
+};
 
 } // namespace
 
@@ -188,6 +214,7 @@ void arrangePassport(QTreeView* view) {
     view->setHeaderHidden(true);
     hideColumns(view, 2, 5);
     view->setColumnWidth(0, captionWidth);
+    new StretchedHeader(view); // the view's child
 }
 
 void addRecordActions(COrvoCliApp& app, QMenu& menu, const RecordName& record) {

@@ -183,8 +183,14 @@ void fitColumns(QTreeView& tree) {
         constexpr int name = 220, other = 140;
         return header.visualIndex(column) == 0 ? name : other;
     };
-    if (header.isHidden() || header.count() == 0)
+    if (header.count() == 0)
         return;
+    if (header.isHidden()) { // a passport: the captions leave room for the values
+        constexpr int leastCaption = 165;
+        header.resizeSection(0, std::min(header.sectionSize(0),
+                                         std::max(leastCaption, tree.viewport()->width() / 2)));
+        return;
+    }
     // The bar for scrolling comes with the first folders that are opened.
     const int bar =
         tree.verticalScrollBar()->isVisible() ? 0 : tree.verticalScrollBar()->sizeHint().width();

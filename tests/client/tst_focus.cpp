@@ -333,6 +333,17 @@ private slots:
                          qPrintable(QString::number(column)));
     }
 
+    void aNarrowPassportLeavesRoomForItsValues() {
+        Fixture fixture;
+        fixture.client->window()->resize(1024, 700);
+        for (const char* editor : {"Menu", "Resources"}) {
+            QVERIFY(fixture.show(editor));
+            const QTreeView* passport = fixture.tree(editor, "tvProp");
+            QTRY_VERIFY(passport->header()->sectionSize(1) >= passport->viewport()->width() / 3);
+            QTRY_VERIFY(!passport->horizontalScrollBar()->isVisible());
+        }
+    }
+
     void placesThatDifferAtTheirEndsLookDifferent() {
         Fixture fixture;
         fixture.add("p", "Линейные управления Белого Мыса", nullptr);

@@ -3,6 +3,8 @@
 #include "frame/WindowParts.h"
 
 #include <QAbstractItemModelTester>
+#include <QHeaderView>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QStandardItemModel>
 #include <QTreeView>
@@ -59,6 +61,20 @@ private slots:
         const QString elided = orvo::nameLines({"начало" + QString(500, 'x') + "конец"});
         QCOMPARE(elided.size(), 300);
         QVERIFY(elided.startsWith("начало") && elided.endsWith("конец"));
+    }
+
+    void thePassportHasTheWidthThatItsWindowHas() {
+        QStandardItemModel model(3, 6);
+        QTreeView view;
+        view.setModel(&model);
+        orvo::arrangePassport(&view);
+        for (const int width : {700, 320, 500}) {
+            view.resize(width, 300);
+            view.show();
+            QTRY_COMPARE(view.viewport()->width(), width - 2 * view.frameWidth());
+            QTRY_COMPARE(view.header()->length(), view.viewport()->width());
+            QTRY_VERIFY(!view.horizontalScrollBar()->isVisible());
+        }
     }
 
     void starOpensAllFoldersBelowTheCurrentRow_data() {
