@@ -2,18 +2,19 @@
 #ifndef ORVO_TESTS_CLIENT_CONTEXTMENUS_H
 #define ORVO_TESTS_CLIENT_CONTEXTMENUS_H
 
-#include <QAbstractItemView>
 #include <QApplication>
 #include <QMenu>
 #include <QTimer>
+#include <QWidget>
 #include <QtTest>
 
 #include <functional>
 
 namespace orvo::test {
 
-/// Opens the context menu of the current row by its key and hands it over. False if none opens.
-inline bool openContextMenu(QAbstractItemView& view, const std::function<void(QMenu&)>& look) {
+/// Opens the context menu of a list's current row by its key, in the list or in a field that walks
+/// in it, and hands it over. False if none opens.
+inline bool openContextMenu(QWidget& view, const std::function<void(QMenu&)>& look) {
     view.window()->activateWindow();
     view.setFocus(Qt::ShortcutFocusReason);
     if (!QTest::qWaitFor([&] { return view.hasFocus(); }))
@@ -46,7 +47,7 @@ inline QList<QAction*> entriesOf(const QMenu& menu) {
 }
 
 /// Chooses the entry that begins with that text. False if there is none that is on.
-inline bool chooseInContextMenu(QAbstractItemView& view, const QString& text) {
+inline bool chooseInContextMenu(QWidget& view, const QString& text) {
     bool chosen = false;
     return openContextMenu(view,
                            [&](QMenu& menu) {

@@ -1,5 +1,5 @@
-// The context menus of all trees, opened by their key: the history of a row is in each of them, and
-// whatever they offer has a key and an entry in the menus of the window.
+// The context menus of all lists, opened by their key: the history of a row is in each of those of
+// the editors, and whatever they offer has a key and an entry in the menus of the window.
 #include "apps/client/history/HistoryPane.h"
 #include "apps/client/history/VersionsDialog.h"
 #include "frame/Keys.h"
@@ -84,7 +84,7 @@ struct Fixture : RunningClient {
 class TestContextMenus : public QObject {
     Q_OBJECT
 private slots:
-    void everyTreeOffersTheHistoryOfItsRow_data() {
+    void everyTreeOffersWhatHasAKeyAndTheHistoryOfItsRow_data() {
         QTest::addColumn<QString>("module");
         QTest::addColumn<QString>("tree");
         QTest::addColumn<QString>("row");
@@ -109,7 +109,7 @@ private slots:
                                                 << "tvRes"
                                                 << "Первый" << true << "«Первый»";
     }
-    void everyTreeOffersTheHistoryOfItsRow() {
+    void everyTreeOffersWhatHasAKeyAndTheHistoryOfItsRow() {
         QFETCH(QString, module);
         QFETCH(QString, tree);
         QFETCH(QString, row);
@@ -123,6 +123,15 @@ private slots:
             QTRY_VERIFY(view->model()->rowCount() > 0);
             view->setCurrentIndex(view->model()->index(0, 0));
         }
+        const QStringList inMenus = fixture.keysInMenus();
+        QStringList bare;
+        QVERIFY(openContextMenu(*view, [&](QMenu& menu) {
+            for (const QAction* action : entriesOf(menu))
+                if (action->shortcut().isEmpty() ||
+                    !inMenus.contains(action->shortcut().toString()))
+                    bare << action->text();
+        }));
+        QCOMPARE(bare, QStringList());
         QVERIFY(chooseInContextMenu(*view, "История строки"));
         QTRY_VERIFY(fixture.dock()->isVisible());
         QTRY_VERIFY2(fixture.scope().contains(named), qPrintable(fixture.scope()));
@@ -149,6 +158,8 @@ private slots:
         auto* list = picker->findChild<QTreeView*>("tvObj");
         QTRY_VERIFY(Fixture::find(*list, "One").isValid());
         list->setCurrentIndex(Fixture::find(*list, "One"));
+        QVERIFY(chooseInContextMenu(*list, "Где используется"));
+        QTRY_VERIFY(fixture.child<QDockWidget>("usesDock")->isVisible());
         QVERIFY(chooseInContextMenu(*list, "История строки"));
         QTRY_VERIFY2(fixture.scope().contains("«Первый»"), qPrintable(fixture.scope()));
         fixture.dock()->close();
@@ -209,63 +220,26 @@ private slots:
         QVERIFY(isOffered(tree));
     }
 
-    void whateverTheyOfferHasAKeyAndAnEntry_data() {
-        QTest::addColumn<QString>("module");
-        QTest::addColumn<QString>("tree");
-        QTest::addColumn<QString>("row");
-        QTest::addColumn<bool>("byPassport");
-        QTest::newRow("desktops") << "Menu"
-                                  << "tvDesck"
-                                  << "КС-1" << false;
-        QTest::newRow("elements") << "Menu"
-                                  << "tvMenu"
-                                  << "в" << false;
-        QTest::newRow("passport of an element") << "Menu"
-                                                << "tvMenu"
-                                                << "в" << true;
-        QTest::newRow("resources") << "Resources"
-                                   << "tvRes"
-                                   << "Первый" << false;
-        QTest::newRow("passport of a resource") << "Resources"
-                                                << "tvRes"
-                                                << "Первый" << true;
-    }
-    void whateverTheyOfferHasAKeyAndAnEntry() {
-        QFETCH(QString, module);
-        QFETCH(QString, tree);
-        QFETCH(QString, row);
-        QFETCH(bool, byPassport);
-        Fixture fixture;
-        fixture.showModule(qPrintable(module));
-        QTreeView* view = fixture.at(qPrintable(tree), row);
-        if (byPassport) {
-            view = fixture.passport(qPrintable(module));
-            QTRY_VERIFY(view->model()->rowCount() > 0);
-            view->setCurrentIndex(view->model()->index(0, 0));
-        }
-        const QStringList inMenus = fixture.keysInMenus();
-        QStringList bare, all;
-        QVERIFY(openContextMenu(*view, [&](QMenu& menu) {
-            for (const QAction* action : entriesOf(menu)) {
-                all << action->text();
-                if (action->shortcut().isEmpty() ||
-                    !inMenus.contains(action->shortcut().toString()))
-                    bare << action->text();
-            }
-        }));
-        QVERIFY(all.contains("История строки"));
-        QCOMPARE(bare, QStringList());
-    }
-
     void thePanesOpenTheirsByTheKeyToo() {
         Fixture fixture;
-        fixture.client->window()->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(fixture.client->window()));
-        QTest::keyClick(fixture.client->window(), Qt::Key_F4);
-        auto* pane = fixture.child<app::HistoryPane>("historyPane");
-        QTRY_VERIFY(pane->view()->model()->rowCount() > 0);
-        pane->view()->setCurrentIndex(pane->view()->model()->index(0, 0));
-        QVERIFY(chooseInContextMenu(*pane->view(), "История этой строки"));
+        const auto open = [&](const char* dock, const char* tree) {
+            auto* view = fixture.child<QTreeView>(tree);
+            fixture.client->window()->bringUp(fixture.child<QDockWidget>(dock));
+            const auto isUp = [&] { return view->isVisible() && view->model()->rowCount() > 0; };
+            if (!QTest::qWaitFor(isUp, 30000))
+                qFatal("no rows");
+            view->setCurrentIndex(view->model()->index(0, 0));
+            return view;
+        };
+        QTreeView* problems = open("problemsDock", "problemsTree");
+        QStringList offered;
+        QVERIFY(openContextMenu(*problems, [&](QMenu& menu) {
+            for (const QAction* action : entriesOf(menu))
+                offered << action->text();
+        }));
+        QVERIFY2(offered.contains("Показать") && offered.contains("Исправить"),
+                 qPrintable(offered.join(", ")));
+        QVERIFY(chooseInContextMenu(*open("historyDock", "historyTree"), "История этой строки"));
         QTRY_VERIFY2(fixture.scope().startsWith("Строка"), qPrintable(fixture.scope()));
     }
 };

@@ -1,6 +1,7 @@
 // "Где используется": who opens a resource or bears an icon is listed where one asks, told in the
 // passport, and named before something is deleted.
 #include "apps/client/find/FindModel.h"
+#include "tests/client/ContextMenus.h"
 #include "tests/client/FindFixture.h"
 
 #include "platform/mdx/MdxBuild.h"
@@ -10,7 +11,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QTimer>
 
 using namespace orvo;
 using namespace orvo::test;
@@ -92,27 +92,6 @@ struct Fixture : FindFixture {
             if (button->text() == text && !button->isHidden())
                 button->click();
     }
-    /// What the menu offers that a key opens in that; the entry about uses is taken, else the
-    /// first.
-    static QStringList menuByKey(QWidget* widget) {
-        QStringList offered;
-        QTimer::singleShot(0, widget, [&offered] {
-            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-            if (!menu)
-                return;
-            QAction* taken = nullptr;
-            for (QAction* action : menu->actions()) {
-                offered << action->text();
-                if (!taken || action->text().startsWith("Что") || action->text().startsWith("Где"))
-                    taken = action;
-            }
-            menu->setActiveAction(taken);
-            QTest::keyClick(menu, Qt::Key_Return);
-            menu->close();
-        });
-        QTest::keyClick(widget, Qt::Key_F10, Qt::ShiftModifier);
-        return offered;
-    }
     void addMoreModules(int last) {
         for (int i = 3; i <= last; ++i)
             otherWrites(MDX_INSERT,
@@ -146,6 +125,12 @@ private slots:
         QCOMPARE(QApplication::focusWidget(), fixture.list());
         QTest::keyClick(fixture.list(), Qt::Key_Return);
         QTRY_COMPARE(fixture.currentElement(), QString("Насос"));
+        QStringList offered;
+        QVERIFY(openContextMenu(*fixture.list(), [&](QMenu& menu) {
+            for (const QAction* action : entriesOf(menu))
+                offered << action->text();
+        }));
+        QCOMPARE(offered, QStringList("Показать"));
         fixture.ask("MenuResource", "r2");
         QTRY_COMPARE(fixture.note(), QString("Модуль «Тренд 2»: нигде не используется."));
         QCOMPARE(fixture.rows(), QStringList());
@@ -249,63 +234,11 @@ private slots:
         auto* line = fixture.child<QLineEdit>("findText");
         keyClicks(line, "петров");
         QTRY_COMPARE(fixture.child<QTreeView>("findList")->model()->rowCount(), 1);
-        QVERIFY(fixture.menuByKey(line).contains("Что заблокировано"));
+        QVERIFY(chooseInContextMenu(*line, "Что заблокировано"));
         QTRY_COMPARE(fixture.rows(), QStringList{"Тренд 1|модули"});
         QCOMPARE(fixture.note(), QString("Петров Пётр (petrov): заблокирован 1 ресурс."));
         fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "r1"}, {"UsersKey", ""}}, "MenuResource");
         QTRY_COMPARE(fixture.note(), QString("Петров Пётр (petrov): ничего не заблокировано."));
-    }
-
-    void everyListOpensItsMenuByKey() {
-        Fixture fixture;
-        fixture.ask("MenuResource", "r1");
-        QTRY_COMPARE(fixture.rows().size(), 1);
-        fixture.list()->setFocus();
-        QCOMPARE(fixture.menuByKey(fixture.list()), QStringList("Показать"));
-        QTRY_COMPARE(fixture.currentElement(), QString("Насос"));
-
-        const auto openBy = [&](Qt::Key key, const char* dock, const char* tree) {
-            QTest::keyClick(fixture.client->window(), key);
-            [[maybe_unused]] const bool isThere = QTest::qWaitFor([&] {
-                return fixture.child<QDockWidget>(dock)->isVisible() &&
-                       fixture.child<QTreeView>(tree)->model()->rowCount() > 0;
-            });
-            auto* view = fixture.child<QTreeView>(tree);
-            view->setFocus();
-            view->setCurrentIndex(view->model()->index(0, 0));
-            return view;
-        };
-        QTreeView* problems = openBy(Qt::Key_F8, "problemsDock", "problemsTree");
-        const QStringList offered = fixture.menuByKey(problems);
-        QVERIFY2(offered.contains("Показать") && offered.contains("Исправить"),
-                 qPrintable(offered.join(", ")));
-        QTreeView* history = openBy(Qt::Key_F4, "historyDock", "historyTree");
-        QVERIFY(fixture.menuByKey(history).contains("История этой строки"));
-
-        fixture.client->openFurther({"Menu"});
-        fixture.view("tvMenu")->setFocus();
-        QTest::keyClick(fixture.view("tvMenu"), Qt::Key_F7);
-        auto* picker = fixture.module("Menu")->findChild<QTreeView*>("tvObj");
-        QTRY_VERIFY(picker && picker->isVisible() && picker->model()->rowCount() > 0);
-        const QModelIndexList found =
-            picker->model()->match(picker->model()->index(0, 0), Qt::DisplayRole, "Trends1", 1,
-                                   Qt::MatchStartsWith | Qt::MatchRecursive);
-        QVERIFY(!found.isEmpty());
-        picker->setCurrentIndex(found.first());
-        QVERIFY(fixture.menuByKey(picker).contains("Где используется"));
-    }
-
-    void theKeyOfTheSearchGoesToTheFieldOfAList() {
-        Fixture fixture;
-        for (const auto& [key, tree, field] :
-             {std::tuple(Qt::Key_F8, "problemsTree", "problemsText"),
-              std::tuple(Qt::Key_F4, "historyTree", "historyText")}) {
-            QTest::keyClick(fixture.client->window(), key);
-            QTRY_VERIFY(fixture.child<QTreeView>(tree)->isVisible());
-            fixture.child<QTreeView>(tree)->setFocus();
-            QTest::keyClick(fixture.child<QTreeView>(tree), Qt::Key_F, Qt::ControlModifier);
-            QTRY_COMPARE(QApplication::focusWidget()->objectName(), QString(field));
-        }
     }
 
     void theLogIsSearchedByTheKeyUntilEsc() {
