@@ -1,21 +1,13 @@
 #include "frame/ViewRows.h"
 
 #include "frame/Notification.h"
+#include "frame/Values.h"
 
 #include <QGuiApplication>
 
 #include <algorithm>
 
 namespace orvo {
-
-namespace {
-
-/// Not only equal: a number and its text, or no text and an empty one, are two values.
-bool isSame(const QVariant& a, const QVariant& b) {
-    return a.userType() == b.userType() && a.isNull() == b.isNull() && a == b;
-}
-
-} // namespace
 
 void setRow(QAbstractItemModel& model, const QModelIndex& row,
             std::initializer_list<std::pair<int, QVariant>> values) {

@@ -54,12 +54,11 @@ QVariant MenuTreeModel::headerData(int section, Qt::Orientation orientation, int
 QVariant MenuTreeModel::decoration(const TabRec& row) const {
     if (row.level() == 0)
         return m_icons.resource(QStringLiteral(":/res/menu1.png"));
-    const QVariant icon = row.data(Icon);
+    const QString icon = row.data(Icon).toString();
     if (isFolderRow(row) && icon.isNull())
         return m_icons.resource(row.isExpanded() ? QStringLiteral(":/res/openfolder1.png")
                                                  : QStringLiteral(":/res/closedfolder1.png"));
-    return typeOf(row) >= 0 && !icon.isNull() ? m_icons.file(m_iconsPath, icon.toString())
-                                              : QVariant();
+    return typeOf(row) >= 0 && !icon.isNull() ? m_icons.file(m_iconsPath, icon) : QVariant();
 }
 
 bool MenuTreeModel::moveRows(const QModelIndex& sourceParent, int sourceRow, int count,

@@ -1,6 +1,7 @@
 #include "models/PasspDelegate.h"
 
 #include "frame/RecordTextValidator.h"
+#include "frame/Values.h"
 #include "models/EditorCommit.h"
 #include "models/MyButtonEdit.h"
 #include "models/PropModel.h"
@@ -126,7 +127,7 @@ void PasspDelegate::setEditorData(QWidget* editor, const QModelIndex& index) con
         break;
     case MyEditorCheck:
         if (auto* check = qobject_cast<QCheckBox*>(editor)) {
-            if (value.isNull())
+            if (orvo::isNull(value))
                 check->setCheckState(Qt::PartiallyChecked);
             else
                 check->setChecked(value.toBool());

@@ -2,6 +2,7 @@
 
 #include "frame/ClipboardRows.h"
 #include "frame/Kinds.h"
+#include "frame/Values.h"
 #include "models/DragKeys.h"
 
 #include <QColor>
@@ -71,7 +72,7 @@ QVariant ResTreeModel::decoration(const TabRec& row, int column) const {
         return {};
     case Lock: {
         const QVariant blocked = row.data(Blocked);
-        if (type != Kind::Form || blocked.isNull())
+        if (type != Kind::Form || orvo::isNull(blocked))
             return {};
         if (blocked.toInt() == 1)
             return m_icons.resource(QStringLiteral(":/res/blocked1.png"));
@@ -80,8 +81,8 @@ QVariant ResTreeModel::decoration(const TabRec& row, int column) const {
         return {};
     }
     case Icon: {
-        const QVariant icon = row.data(Icon);
-        return icon.isNull() ? QVariant() : m_icons.file(m_iconsPath, icon.toString());
+        const QString icon = row.data(Icon).toString();
+        return icon.isNull() ? QVariant() : m_icons.file(m_iconsPath, icon);
     }
     default:
         return {};

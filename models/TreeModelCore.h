@@ -11,6 +11,7 @@
 #define ORVO_MODELS_TREEMODELCORE_H
 
 #include "frame/OrvoMdx.h"
+#include "frame/Values.h"
 #include "models/KeyIndex.h"
 #include "models/RecordOps.h"
 #include "models/RowBatch.h"
@@ -224,9 +225,7 @@ public:
             return;
         Record* row = item(index);
         for (int column = 0; column < columnCount(); ++column) {
-            const QVariant own = row->data(column);
-            const QVariant read = source.value(record, column);
-            if (own.userType() != read.userType() || own.isNull() != read.isNull() || own != read)
+            if (!isSame(row->data(column), source.value(record, column)))
                 return;
         }
         if (!row->data(m_keyColumn).toString().isEmpty()) // 4

@@ -98,8 +98,8 @@ void ModuleTabs::becomeTouchable() {
 }
 
 ModuleTabs::Order::Tab ModuleTabs::tab(int index) const {
-    const QVariant module = tabBar()->tabData(index);
-    return {widget(index), module.isNull() ? widget(index)->windowTitle() : module.toString(),
+    const QString module = tabBar()->tabData(index).toString();
+    return {widget(index), module.isNull() ? widget(index)->windowTitle() : module,
             !module.isNull()};
 }
 
