@@ -52,7 +52,6 @@ function(orvo_sample_library)
     add_library(Orvo::${library} ALIAS ${library})
   endforeach()
   add_subdirectory(examples/modules)
-  target_link_libraries(OrvoSample PRIVATE orvo_qt_codec)
   set_target_properties(OrvoSample PROPERTIES
     LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/examples/modules")
   install(DIRECTORY examples/modules DESTINATION "${CMAKE_INSTALL_DATADIR}/orvo/examples" COMPONENT dev)

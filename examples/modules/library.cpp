@@ -4,9 +4,8 @@
 #include "Functions.h"
 #include "JournalEvents.h"
 
+#include <frame/RecordText.h>
 #include <frame/modules.h>
-
-#include <QTextCodec>
 
 #include <strings.h>
 
@@ -20,7 +19,7 @@ extern "C" void* CppCliModule(COrvoCliApp* app, const char* name) {
 }
 
 extern "C" int CppCliFunction(COrvoCliApp* app, const char* name, const char* params) {
-    const QString parameters = QTextCodec::codecForName("Windows-1251")->toUnicode(params);
+    const QString parameters = orvo::fromRecord(params);
     if (strcasecmp(name, "HelpOpen") == 0)
         return openHelp(*app, parameters);
     if (strcasecmp(name, "CallDispatcher") == 0)
