@@ -7,6 +7,8 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
 #include <QThread>
 
 #include <cstdio>
@@ -112,12 +114,35 @@ void drawDesktops(Painter& painter) {
     painter.take("operator-preview.png");
 }
 
-/// An edit that meets another one, and the picker in both its shapes.
+/// The earlier contents of the file that is chosen, which another has replaced.
+void drawVersions(Painter& painter) {
+    const QTemporaryDir folder;
+    QFile file(folder.filePath("instr_grs.txt"));
+    if (!file.open(QIODevice::WriteOnly) || file.write("Инструкция оператора ГРС\n") <= 0)
+        give(file.errorString());
+    file.close();
+    if (painter.scene().admin({"put", "file", "--path", "Документы/Инструкции", file.fileName()}) !=
+        0)
+        give("no new contents");
+    hands::key("ctrl+h");
+    painter.need(painter.scene().waitFor("the versions are listed", [&] {
+        return !painter.client().tree("versionsList").rows.empty();
+    }));
+    painter.take("versions.png");
+    hands::key("Escape");
+}
+
+/// An edit that meets another one, the field of a search, and the picker in both its shapes.
 void drawEdits(Painter& painter) {
     Scene& scene = painter.scene();
     painter.need(scene.startLeft({"Menu"}, "demo", windowPlace));
     ClientProcess& client = painter.client();
     painter.need(scene.clickRow(client, "tvDesck", "КС-1 «Верхнеозёрск»"));
+    painter.need(scene.clickRow(client, "tvMenu", "Агрегаты"));
+    hands::key("ctrl+f");
+    hands::xdotool({"type", "--delay", "100", "кран"}); // each letter is given a key first
+    painter.take("search.png");
+    hands::key("Escape");
     painter.need(scene.clickRow(client, "tvMenu", "Крановая обвязка"));
     painter.need(scene.fill(client, "Наименование", "GPA 1-7"));
     hands::key("Return");
@@ -177,6 +202,8 @@ int main(int argc, char* argv[]) {
 
     painter.choose("Инструкция оператора ГРС");
     painter.take("file-passport.png");
+
+    drawVersions(painter);
 
     hands::key("ctrl+k");
     painter.need(painter.scene().waitFor("there is something to find", [&] {
