@@ -150,11 +150,11 @@ Status PostgresStore::integrity(std::vector<std::string>* damages) {
             return status;
         const Connection::NoTimeoutScope noTimeout(m_connection); // all there is gets read
         std::vector<std::string> found;
-        const auto lines = [&](const std::string& sql) -> Status {
+        const auto texts = [&](const std::string& sql, const auto& take) -> Status {
             const Result result = m_connection.execute(sql);
             if (succeeded(result.get())) {
                 for (int row = 0; row < PQntuples(result.get()); ++row)
-                    found.emplace_back(textAt(result.get(), row, 0));
+                    take(std::string(textAt(result.get(), row, 0)));
                 return {};
             }
             const bool damage = stateOf(result.get()).substr(0, 2) == "XX";
@@ -164,25 +164,30 @@ Status PostgresStore::integrity(std::vector<std::string>* damages) {
             found.push_back(failed.text);
             return {};
         };
-        std::vector<std::string> checks = {
+        const auto lines = [&](const std::string& sql) {
+            return texts(sql, [&](std::string line) { found.push_back(std::move(line)); });
+        };
+        const std::vector<std::string> definitions = {
             "SELECT 'Счётчик повреждённых страниц базы: ' || checksum_failures FROM "
             "pg_stat_database WHERE datname = current_database() AND checksum_failures > 0",
             "SELECT 'Недействительный индекс ' || indexrelid::regclass FROM pg_index JOIN pg_class "
             "c ON c.oid = indrelid WHERE c.relnamespace = 'public'::regnamespace AND NOT "
             "indisvalid",
-            differingDefinitions(dictionary()),
-            looseRightsQuery(),
-            "SELECT 'Размер содержимого ' || f.\"KeyLink\" || ' не сходится с записанным' FROM "
-            "public.\"MenuResourceFile\" f WHERE f.\"size\" IS DISTINCT FROM (SELECT "
-            "coalesce(sum(octet_length(\"data\")), 0) FROM public.\"MenuResourceFileData\" d WHERE "
-            "d.\"KeyLink\" = f.\"KeyLink\")",
-            "SELECT 'Содержимое ' || s.\"KeyLink\" || ' не сходится с контрольной суммой' FROM "
-            "public.\"MenuResourceFileSum\" s WHERE s.\"sha256\" <> encode(sha256(coalesce((SELECT "
-            "string_agg(d.\"data\", '' ORDER BY d.\"part\") FROM public.\"MenuResourceFileData\" d "
-            "WHERE d.\"KeyLink\" = s.\"KeyLink\"), '')), 'hex')",
-            "SELECT 'Содержимое ' || f.\"KeyLink\" || ' без контрольной суммы' FROM "
-            "public.\"MenuResourceFile\" f WHERE NOT EXISTS (SELECT 1 FROM "
-            "public.\"MenuResourceFileSum\" s WHERE s.\"KeyLink\" = f.\"KeyLink\")",
+            differingDefinitions(dictionary()), looseRightsQuery()};
+        const std::pair<ContentFault, const char*> contents[] = {
+            {ContentFault::OtherSize,
+             "SELECT f.\"KeyLink\" FROM public.\"MenuResourceFile\" f WHERE f.\"size\" IS DISTINCT "
+             "FROM (SELECT coalesce(sum(octet_length(\"data\")), 0) FROM "
+             "public.\"MenuResourceFileData\" d WHERE d.\"KeyLink\" = f.\"KeyLink\")"},
+            {ContentFault::OtherBytes,
+             "SELECT s.\"KeyLink\" FROM public.\"MenuResourceFileSum\" s WHERE s.\"sha256\" <> "
+             "encode(sha256(coalesce((SELECT string_agg(d.\"data\", '' ORDER BY d.\"part\") FROM "
+             "public.\"MenuResourceFileData\" d WHERE d.\"KeyLink\" = s.\"KeyLink\"), '')), "
+             "'hex')"},
+            {ContentFault::NoChecksum,
+             "SELECT f.\"KeyLink\" FROM public.\"MenuResourceFile\" f WHERE NOT EXISTS (SELECT 1 "
+             "FROM public.\"MenuResourceFileSum\" s WHERE s.\"KeyLink\" = f.\"KeyLink\")"}};
+        std::vector<std::string> checks = {
             "SELECT 'Прежнее содержимое файла \"' || coalesce(v.\"name_\", '') || '\" (версия ' || "
             "v.\"id\" || ') повреждено или изменено мимо программы: не сходится с "
             "контрольной суммой' FROM "
@@ -200,6 +205,27 @@ Status PostgresStore::integrity(std::vector<std::string>* damages) {
         for (const std::string& name : names) // every value is read once
             checks.push_back("SELECT s::text FROM (SELECT sum(length(t::text)) AS s FROM " +
                              qualified(name) + " t) x WHERE s < 0");
+        for (const std::string& check : definitions) {
+            const Status done = lines(check);
+            if (!done.ok())
+                return done;
+        }
+        ContentFaults faults;
+        for (const auto& [fault, keys] : contents) {
+            const Status done = texts(keys, [&faults, fault = fault](std::string key) {
+                faults.emplace_back(fault, std::move(key));
+            });
+            if (!done.ok())
+                return done;
+        }
+        if (!faults.empty()) {
+            const Status done = inRead([&]() -> Status {
+                tellFaults(faults, &found);
+                return {};
+            });
+            if (!done.ok())
+                return done;
+        }
         for (const std::string& check : checks) {
             const Status done = lines(check);
             if (!done.ok())

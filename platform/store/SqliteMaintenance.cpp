@@ -91,11 +91,12 @@ Status SqliteStore::checkContents(std::vector<std::string>* damages) {
         if (sums == nullptr)
             return m_connection.failure(contentName);
         const ResetAfter reset(*sums);
+        ContentFaults faults;
         int step = SQLITE_DONE;
         while ((step = sums->step()) == SQLITE_ROW) {
             const std::string key(sums->text(0));
             if (sums->text(1).empty()) {
-                damages->push_back("Содержимое " + key + " без контрольной суммы");
+                faults.emplace_back(ContentFault::NoChecksum, key);
                 continue;
             }
             Checksum sum;
@@ -106,9 +107,12 @@ Status SqliteStore::checkContents(std::vector<std::string>* damages) {
             if (!status.ok())
                 return status;
             if (sum.text() != sums->text(1))
-                damages->push_back("Содержимое " + key + " не сходится с контрольной суммой");
+                faults.emplace_back(ContentFault::OtherBytes, key);
         }
-        return step == SQLITE_DONE ? Status() : m_connection.failure(contentName);
+        if (step != SQLITE_DONE)
+            return m_connection.failure(contentName);
+        tellFaults(faults, damages);
+        return {};
     });
 }
 

@@ -96,6 +96,27 @@ Status StoreCore::records(const TableDef& table, MDArray* into,
     return status;
 }
 
+void StoreCore::tellFaults(const ContentFaults& faults, std::vector<std::string>* lines) {
+    std::vector<std::string> keys;
+    for (const auto& [fault, key] : faults)
+        keys.push_back(key);
+    // A store whose records cannot be read tells the keys.
+    std::map<std::string, std::string> names;
+    const Status named = keys.empty() ? Status() : m_files.contentNames(keys, &names);
+    for (const auto& [fault, key] : faults) {
+        const auto found = named.ok() ? names.find(foldedKey(key)) : names.end();
+        const std::string what =
+            found == names.end() ? " содержимого " + key
+                                 : " содержимого файла " + found->second + " (ключ " + key + ")";
+        lines->push_back(
+            fault == ContentFault::OtherSize ? "Размер" + what + " не сходится с записанным"
+            : fault == ContentFault::NoChecksum ? "Нет контрольной суммы" + what
+                                                : "Байты" + what +
+                                                      " повреждены или изменены мимо программы: не "
+                                                      "сходятся с контрольной суммой");
+    }
+}
+
 std::string StoreCore::placeOf(const TableDef& table, const Write& write) {
     return write.place.empty() ? inTable(table) + ", запись " + shown(write.key) : write.place;
 }

@@ -113,6 +113,11 @@ protected:
     /// may be null.
     Status readVersion(const KeptVersion& version, const TakePiece& take,
                        std::string* sha256 = nullptr);
+    /// What integrity finds of a content that is stored.
+    enum class ContentFault { OtherSize, OtherBytes, NoChecksum };
+    using ContentFaults = std::vector<std::pair<ContentFault, std::string>>; ///< with the keys
+    /// Adds a line for each. Inside inRead.
+    void tellFaults(const ContentFaults& faults, std::vector<std::string>* lines);
     /// Names a write in messages.
     static std::string placeOf(const TableDef& table, const Write& write);
 

@@ -6,6 +6,7 @@
 #include "platform/mdx/MdxBuild.h"
 
 #include <algorithm>
+#include <iterator>
 #include <set>
 #include <unordered_map>
 
@@ -213,6 +214,49 @@ Status StoredFiles::removeResource(const std::string& key) {
 }
 
 // ---------------------------------------------------------------------------------------------
+
+Status StoredFiles::contentNames(const std::vector<std::string>& keys,
+                                 std::map<std::string, std::string>* names) {
+    const Fields& f = fields();
+    std::vector<std::string> folded;
+    std::transform(keys.begin(), keys.end(), std::back_inserter(folded), foldedKey);
+    std::map<std::string, std::pair<std::string, std::string>> owners; // by content: key and name
+    Status status = m_backend.selectKeys(
+        f.content, {0, f.contentResource, f.contentName}, folded, [&](const Row& row) {
+            owners[foldedKey(textOf(row[0]))] = {foldedKey(textOf(row[1])), textOf(row[2])};
+        });
+    std::set<std::string> wanted;
+    for (const auto& [content, owner] : owners)
+        wanted.insert(owner.first);
+    std::map<std::string, Row> resources;
+    if (status.ok())
+        status =
+            m_backend.selectKeys(f.resource, {0, f.resourceFolder, f.resourceName, f.resourceType},
+                                 {wanted.begin(), wanted.end()}, [&](const Row& row) {
+                                     resources[foldedKey(textOf(row[0]))] = row;
+                                 });
+    std::shared_ptr<const FolderTree> forms, files;
+    if (status.ok())
+        status = folders(Area::Forms, Within::Read, &forms);
+    if (status.ok())
+        status = folders(Area::Files, Within::Read, &files);
+    if (!status.ok())
+        return status;
+    for (const auto& [content, owner] : owners) {
+        const auto found = resources.find(owner.first);
+        if (found == resources.end())
+            continue;
+        const Row& resource = found->second;
+        const bool isForm = resource[3] == Value(int64_t(Kind::Form));
+        const std::string path = (isForm ? forms : files)->path(textOf(resource[1])).value_or("");
+        const auto placed = [&](const std::string& name) {
+            return shown(path.empty() ? name : path + "/" + name);
+        };
+        (*names)[content] = isForm ? shown(owner.second) + " формы " + placed(textOf(resource[2]))
+                                   : placed(owner.second);
+    }
+    return {};
+}
 
 Status StoredFiles::formGet(std::string_view name, bool withBytes, std::vector<StoredFile>* files) {
     std::vector<StoredFile> result;

@@ -11,6 +11,7 @@
 #include "platform/store/StoreBackend.h"
 
 #include <array>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -37,6 +38,10 @@ public:
     Status fileDelete(const std::vector<std::pair<std::string, std::string>>& files);
     Status
     fileArea(const std::function<void(const std::string& path, const StoredFile& file)>& each);
+
+    /// Adds how these contents are called: the file with its path, by folded key. Inside a read.
+    Status contentNames(const std::vector<std::string>& keys,
+                        std::map<std::string, std::string>* names);
 
     /// Nothing that was read before says anything about the store that is open now.
     void forget() { m_folders = {}; }

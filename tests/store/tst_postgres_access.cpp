@@ -400,7 +400,7 @@ private slots:
         QCOMPARE(damages.size(), size_t(3));
         QVERIFY(damages[0].find("Menu") != std::string::npos);
         QVERIFY(damages[1].find("не сходится с записанным") != std::string::npos);
-        QVERIFY(damages[2].find("не сходится с контрольной суммой") != std::string::npos);
+        QVERIFY(damages[2].find("не сходятся с контрольной суммой") != std::string::npos);
     }
 
     /// "tuple concurrently updated", for example.

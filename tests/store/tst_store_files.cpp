@@ -35,8 +35,10 @@ private slots:
         QCOMPARE(changes[0].table, std::string("MenuResourceFile"));
         ORVO_OK(m_store->integrity(&damages));
         QCOMPARE(damages.size(), size_t(1));
-        QVERIFY2(damages[0] == "Содержимое " + changes[0].key + " не сходится с контрольной суммой",
-                 damages[0].c_str());
+        QCOMPARE(QString::fromStdString(damages[0]),
+                 QString("Байты содержимого файла \"x\" (ключ %1) повреждены или изменены мимо "
+                         "программы: не сходятся с контрольной суммой")
+                     .arg(QString::fromStdString(changes[0].key)));
         ORVO_OK(m_store->filePut({{"", "x", "again", {}}}));
         ORVO_OK(m_store->integrity(&damages)); // what was replaced is kept as it was
         QCOMPARE(damages.size(), size_t(1));
@@ -80,7 +82,8 @@ private slots:
         // Nobody could say any more whether the bytes are those that were put.
         QVERIFY(m_kind.byHand("DELETE FROM \"MenuResourceFileSum\";"));
         ORVO_OK(m_store->integrity(&damages));
-        QCOMPARE(damages, std::vector<std::string>{"Содержимое new без контрольной суммы"});
+        QCOMPARE(damages, std::vector<std::string>{
+                              "Нет контрольной суммы содержимого файла \"large\" (ключ new)"});
     }
 
     void init() {
@@ -116,6 +119,25 @@ private slots:
         QVERIFY(dump(*m_store, "MenuResource", {"MenuResourceFolderKey", "name_"})
                     .split("\n")
                     .contains("forms|top"));
+    }
+
+    void aContentChangedByHandIsToldWithItsPath() {
+        ORVO_OK(m_store->filePut({{"icons/16x16", "x.png", "bytes", {}}}));
+        ORVO_OK(m_store->formPut("Цех/Печь 1", {{"", "печь_", "1", 5.0}}));
+        const bool isSqlite = m_kind.name() == "sqlite";
+        QVERIFY(m_kind.byHand(
+            isSqlite ? "UPDATE \"MenuResourceFile\" SET \"data\" = x'41', \"size\" = 1;"
+                     : "UPDATE \"MenuResourceFileData\" SET \"data\" = 'A'; UPDATE "
+                       "\"MenuResourceFile\" SET \"size\" = 1;"));
+        std::vector<std::string> damages;
+        ORVO_OK(m_store->integrity(&damages));
+        std::sort(damages.begin(), damages.end());
+        QCOMPARE(damages.size(), size_t(2));
+        QVERIFY2(damages[0].find("Байты содержимого файла \"icons/16x16/x.png\" (ключ ") == 0,
+                 damages[0].c_str());
+        QVERIFY2(damages[1].find("Байты содержимого файла \"печь_\" формы \"Цех/Печь 1/печь_\" "
+                                 "(ключ ") == 0,
+                 damages[1].c_str());
     }
 
     void nameOfAFormIsTheNameWithTheUnderscoreElseTheShortest() {
