@@ -2,6 +2,8 @@
 // share its name. The records behind them come back as notifications.
 #include "resources/OrvoResources.h"
 
+#include "ui_OrvoResources.h"
+
 #include "frame/ScratchTable.h"
 #include "resources/Columns.h"
 
@@ -9,6 +11,7 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QTreeView>
 
 #include <limits>
 #include <optional>
@@ -120,6 +123,12 @@ void OrvoResources::on_actLoadFiles_triggered() {
     } else {
         uploadAll(this, tr("Загрузка файлов в БД"), dialog.selectedFiles(),
                   [&](const QString& file) { loadFileToDB(file, path); });
+    }
+    // No notification tells of contents.
+    const QModelIndex current = m_ui->tvRes->currentIndex();
+    if (current.isValid() && !orvo::resources::isFolder(current)) {
+        m_propModel->clearRows();
+        showPassport(current);
     }
 }
 

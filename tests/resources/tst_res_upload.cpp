@@ -548,6 +548,29 @@ private slots:
         QCOMPARE(window.resource("manual.txt"), QString("rmanual"));
     }
 
+    void thePassportShowsWhatIsStoredThen() {
+        Window window;
+        window.put("manual.txt", "old", 1);
+        window.upload("docs", {"manual.txt"});
+        window.deliver();
+        const auto stored = [&] {
+            return window.editor->passport("filename0").toString() + ' ' +
+                   window.editor->passport("filesize0").toString() + ' ' +
+                   window.editor->passport("filedate0").toString();
+        };
+        window.editor.view("tvRes")->setCurrentIndex(window.editor->row("rmanual"));
+        const QString before = stored();
+        QVERIFY2(before.startsWith("manual.txt 3 "), qPrintable(before));
+        window.editor->on_editor_valueChanged("caption", QString("Иное"));
+        window.put("manual.txt", "longer", 3600);
+        window.upload("rmanual", {"manual.txt"});
+        QVERIFY2(stored().startsWith("manual.txt 6 "), qPrintable(stored()));
+        QVERIFY(stored().section(' ', 2) != before.section(' ', 2));
+        // What was typed is there still, and is saved.
+        QCOMPARE(window.editor->passport("caption"), QVariant("Иное"));
+        QCOMPARE(window.editor->m_editState, UploadProbe::EditRow);
+    }
+
     void emptyFilesAreStored() {
         Window window;
         window.put("empty.txt", "", 7);
