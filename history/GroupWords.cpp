@@ -2,6 +2,7 @@
 
 #include "frame/Vocabulary.h"
 #include "history/LargeGroup.h"
+#include "history/SharedPlace.h"
 #include "platform/store/Merge.h"
 #include "platform/store/Names.h"
 
@@ -38,6 +39,7 @@ Group takenBackBy(const Group& group) {
             count.code = count.code == OrvoEventInsert ? OrvoEventDelete : OrvoEventInsert;
     std::reverse(made.counts.begin(), made.counts.end());
     std::reverse(made.tops.begin(), made.tops.end());
+    std::reverse(made.follows.begin(), made.follows.end());
     return made;
 }
 
@@ -244,19 +246,17 @@ GroupWords describe(const Group& group, RecordSource& source) {
     const Group told = isTakenBack ? takenBackBy(group) : Group();
     const Group& about = isTakenBack ? told : group;
     GroupWords words;
-    const auto placeBy = [&](const LoggedChange& first) {
-        if (first.table)
-            words.place = placeOf(*first.table, known(first, source), &source);
-    };
+    source.prepareUpdated(about.changes);
     if (!about.counts.empty()) {
         const LargeGroup large(about, source, isTakenBack);
         words.what = large.line();
-        placeBy(large.first());
+        words.place = large.place();
     } else {
         const std::vector<LoggedChange> all = allLogged(about, isTakenBack);
         words.what = about.whole ? lineOf(all, source) : beginningOf(all, source);
-        if (const std::vector<const LoggedChange*> ones = mainOnes(all); !ones.empty())
-            placeBy(*ones.front());
+        const std::vector<const LoggedChange*> ones = mainOnes(all);
+        const std::vector<LoggedChange> moved = cutAsMoves(ones, source);
+        words.place = sharedPlace(moved.empty() ? ones : pointersTo(moved), source);
     }
     if (group.redoes)
         words.what = QStringLiteral("Повтор: ") + words.what.left(1).toLower() + words.what.mid(1);
@@ -271,6 +271,7 @@ GroupWords describe(const Group& group, RecordSource& source) {
 QString commandWords(const Group& group, RecordSource& source) {
     if (!group.counts.empty())
         return LargeGroup(group, source).command();
+    source.prepareUpdated(group.changes);
     const std::vector<LoggedChange> all = allLogged(group);
     std::vector<const LoggedChange*> ones = mainOnes(all);
     if (ones.empty() || !ones.front()->table)

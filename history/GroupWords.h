@@ -24,7 +24,7 @@ struct ChangeWords {
 
 struct GroupWords {
     QString what; ///< "Перемещены 4 элемента меню из «Агрегаты» в «Крановая обвязка»"
-    QString place; ///< where the record stands that it is about; empty at the top
+    QString place; ///< where the records stand that it is about (SharedPlace.h)
 };
 
 /// The group in one line; of one that takes others back what was taken back: "Отменено удаление:
@@ -34,7 +34,7 @@ GroupWords describe(const Group& group, RecordSource& source);
 QString commandWords(const Group& group, RecordSource& source);
 /// One of its changes, with old and new values.
 ChangeWords describe(const store::Change& change, RecordSource& source);
-/// Where the record of a change stands, as GroupWords::place.
+/// Where the record of a change stands: "Документы / Инструкции".
 QString placeOf(const store::Change& change, RecordSource& source);
 
 } // namespace orvo::history

@@ -1,6 +1,7 @@
 #include "history/LargeGroup.h"
 
 #include "frame/Vocabulary.h"
+#include "history/SharedPlace.h"
 #include "platform/store/Merge.h"
 #include "platform/store/Names.h"
 
@@ -55,7 +56,7 @@ LargeGroup::LargeGroup(const Group& group, RecordSource& source, bool isTakenBac
         });
     for (size_t i = 0; i < counts.size(); ++i)
         if (onlyContents || (!isContent(counts[i]) && (onlyOrder || !isOrder(counts[i]))))
-            m_kinds.push_back({&counts[i], logged(group.tops[i])});
+            m_kinds.push_back({&counts[i], logged(group.tops[i]), group.follows[i]});
     for (Kind& kind : m_kinds)
         kind.top.isTakenBack = isTakenBack;
     m_cut = isCut();
@@ -70,10 +71,13 @@ LargeGroup::LargeGroup(const Group& group, RecordSource& source, bool isTakenBac
 }
 
 /// A cut writes anew what it takes away: as many records of each table, with the same one on top.
+/// What others have put into it moves along.
 bool LargeGroup::isCut() const {
     std::map<std::string, int64_t> surplus;
     const Kind* gone = nullptr;
     for (const Kind& kind : m_kinds) {
+        if (kind.follows)
+            continue;
         if (kind.count->code == OrvoEventUpdate || !kind.top.table)
             return false;
         const bool deleted = kind.count->code == OrvoEventDelete;
@@ -129,10 +133,38 @@ QString LargeGroup::names() const {
                           : QStringLiteral(": %1 …").arg(list.join(QStringLiteral(", ")));
 }
 
+QString LargeGroup::along() const {
+    if (!m_cut)
+        return {};
+    for (const Kind& kind : m_kinds)
+        if (kind.follows)
+            return QStringLiteral(" вместе с тем, что внутри: ") +
+                   quoted(nameOf(*kind.top.table, known(kind.top, m_source))) +
+                   (kind.count->count > 1 ? QStringLiteral(" …") : QString());
+    return {};
+}
+
+QString LargeGroup::place() const {
+    const LoggedChange& top = first();
+    if (!top.table)
+        return {};
+    if (total() == 1 || !isFlat())
+        return sharedPlace({&top}, m_source);
+    std::vector<LoggedChange> reads;
+    for (const store::Change& change : m_group.changes)
+        if (change.table == top.change->table && change.code == top.change->code)
+            reads.push_back(logged(change));
+    std::vector<const LoggedChange*> some;
+    some.reserve(reads.size());
+    for (const LoggedChange& read : reads)
+        some.push_back(&read);
+    return sharedPlaceOfSome(some, m_source);
+}
+
 QString LargeGroup::line() const {
     const size_t all = total();
     if (all == 1 || !isFlat())
-        return sentence(first(), m_source) + andMore(all - 1);
+        return sentence(first(), m_source) + andMore(all - 1) + along();
     const Noun noun = anyOf(*first().table);
     LoggedChange whole = first();
     whole.deed = deedOf(*m_kinds.front().count);

@@ -23,19 +23,24 @@ public:
     QString line() const;
     /// "удалить «Агрегаты» и ещё 2500 записей".
     QString command() const;
-    /// The change that the words begin with.
-    const LoggedChange& first() const { return m_kinds.front().top; }
+    /// Where the records stand, as far as that is known of all.
+    QString place() const;
 
 private:
     struct Kind {
         const store::ChangeCount* count = nullptr;
         LoggedChange top;
+        bool follows = false;
     };
 
+    /// The change that the words begin with.
+    const LoggedChange& first() const { return m_kinds.front().top; }
     bool isCut() const;
     bool isFlat() const;
     size_t total() const;
     QString names() const;
+    /// " вместе с тем, что внутри: «a» …"; empty if nothing moved along with what was cut.
+    QString along() const;
 
     const Group& m_group;
     RecordSource& m_source;

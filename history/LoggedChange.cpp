@@ -127,6 +127,7 @@ bool isPlacedBelow(const LoggedChange& read, const LoggedChange& above) {
 LoggedChange movedBy(const LoggedChange& made, const LoggedChange& gone) {
     LoggedChange read = made;
     read.deed = Deed::Moved;
+    read.before = gone.before;
     const auto keyIn = [&](const Values& values, const char* name) {
         const store::Value* key = valueIn(*read.table, values, name);
         return key ? store::textOf(*key) : std::string();

@@ -95,6 +95,50 @@ store::Status findTop(store::MaintainedStore& store, const Group& group, int64_t
     return status;
 }
 
+/// Whether that change moves a record from one that the group deletes to one that it makes.
+store::Status isFollower(store::MaintainedStore& store, const Group& group,
+                         const store::Change& change, bool* follows) {
+    const LoggedChange read = logged(change);
+    *follows = read.deed == Deed::Moved && !read.from.empty() && !read.to.empty();
+    store::Status status;
+    for (const bool isFrom : {true, false}) {
+        std::vector<store::Change> found;
+        if (*follows && status.ok())
+            status = findIn(store, group, isFrom ? OrvoEventDelete : OrvoEventInsert,
+                            {read.above, isFrom ? read.from : read.to}, &found);
+        *follows = *follows && status.ok() && !found.empty();
+    }
+    return status;
+}
+
+/// The same of a kind of changes: its first one, and the last, which may stand deeper within what
+/// was moved to another desktop.
+store::Status isFollower(store::MaintainedStore& store, const Group& group,
+                         const store::ChangeCount& count, const store::Change& first,
+                         bool* follows) {
+    *follows = false;
+    if (count.code != OrvoEventUpdate || count.part != store::ChangeCount::Place)
+        return {};
+    store::Status status = isFollower(store, group, first, follows);
+    if (!status.ok() || !*follows || count.last == count.first)
+        return status;
+    store::LogQuery query;
+    query.above = count.last - 1;
+    query.below = count.last + 1;
+    std::vector<store::Change> last;
+    status = store.history(query, 1, &last);
+    if (!status.ok() || last.empty())
+        return status;
+    const LoggedChange top = logged(first), read = logged(last.front());
+    const auto same = [](const std::string& one, const std::string& other) {
+        return store::foldedKey(one) == store::foldedKey(other);
+    };
+    if (read.deed == Deed::Moved && !top.topFrom.empty() && same(read.from, top.topFrom) &&
+        same(read.to, top.topTo))
+        return status;
+    return isFollower(store, group, last.front(), follows);
+}
+
 } // namespace
 
 store::Status countGroup(store::MaintainedStore& store, Group* group) {
@@ -114,8 +158,11 @@ store::Status countGroup(store::MaintainedStore& store, Group* group) {
         group->newest = std::max(group->newest, count.last);
         if (top.empty())
             continue; // pruned meanwhile
+        bool follows = false;
+        status = isFollower(store, *group, count, top.front(), &follows);
         group->counts.push_back(count);
         group->tops.push_back(std::move(top.front()));
+        group->follows.push_back(follows);
     }
     return status;
 }
@@ -145,6 +192,7 @@ store::Status readGroup(store::MaintainedStore& store, int64_t id, Group* group,
     group->newest = group->changes.back().id;
     group->counts.clear();
     group->tops.clear();
+    group->follows.clear();
     group->redoes = false;
     if (!group->undoes.empty() && most != 1) // what is read for its head alone is not told
         status = doesAgain(store, group->undoes.front(), &group->redoes);

@@ -31,6 +31,9 @@ struct Group {
     /// that it begins with, of records made or deleted the one that holds that record.
     std::vector<store::ChangeCount> counts;
     std::vector<store::Change> tops;
+    /// For each kind whether it moves records from what the group deletes to what it makes, as far
+    /// as the first and the last of that kind tell: those in a branch that was cut.
+    std::vector<bool> follows;
     std::vector<int64_t> undoes; ///< the groups that it takes back
     bool redoes = false;         ///< what it takes back took something back, so it does that again
 

@@ -77,6 +77,18 @@ Values valuesIn(const MDArray* rows, uint32_t number) {
     return values;
 }
 
+void RecordSource::prepare(const store::TableDef&, const std::vector<std::string>&) {}
+
+void RecordSource::prepareUpdated(const std::vector<store::Change>& changes) {
+    std::map<const store::TableDef*, std::vector<std::string>> keys;
+    for (const store::Change& change : changes)
+        if (const store::TableDef* table = tableOf(change.table);
+            table && change.code == OrvoEventUpdate)
+            keys[table].push_back(change.key);
+    for (const auto& [table, all] : keys)
+        prepare(*table, all);
+}
+
 Values StoredRecords::valuesOf(const store::TableDef& table, const std::string& key) {
     CMDArray rows;
     if (!m_store || key.empty() ||
@@ -87,8 +99,12 @@ Values StoredRecords::valuesOf(const store::TableDef& table, const std::string& 
 }
 
 void LoggedRecords::prepare(const store::TableDef& table, const std::vector<std::string>& keys) {
+    std::vector<std::string> unknown;
+    for (const std::string& key : keys)
+        if (m_known.count({table.name, store::foldedKey(key)}) == 0)
+            unknown.push_back(key);
     std::map<std::string, std::vector<store::Value>> stored;
-    if (!m_store.storedValues(table, keys, &stored).ok())
+    if (unknown.empty() || !m_store.storedValues(table, unknown, &stored).ok())
         return;
     for (const auto& [key, row] : stored) {
         Values& values = m_known[{table.name, key}];
@@ -97,24 +113,15 @@ void LoggedRecords::prepare(const store::TableDef& table, const std::vector<std:
     }
 }
 
-void LoggedRecords::prepare(const std::vector<store::Change>& changes) {
-    std::map<const store::TableDef*, std::vector<std::string>> keys;
-    for (const store::Change& change : changes)
-        if (const store::TableDef* table = tableOf(change.table);
-            table && change.code == OrvoEventUpdate)
-            keys[table].push_back(change.key);
-    for (const auto& [table, all] : keys)
-        prepare(*table, all);
-}
-
 Values LoggedRecords::valuesOf(const store::TableDef& table, const std::string& key) {
     if (!store::isKey(key))
         return {};
-    const auto [known, fresh] = m_known.try_emplace({table.name, store::foldedKey(key)});
-    if (!fresh)
+    const std::pair<std::string, std::string> record{table.name, store::foldedKey(key)};
+    if (const auto known = m_known.find(record); known != m_known.end())
         return known->second;
     prepare(table, {key});
-    if (!known->second.empty())
+    const auto [known, fresh] = m_known.try_emplace(record);
+    if (!fresh)
         return known->second;
     store::LogQuery query;
     query.table = table.name;

@@ -41,6 +41,10 @@ public:
     virtual ~RecordSource() = default;
     /// The values of the record; none if nothing is known of it.
     virtual Values valuesOf(const store::TableDef& table, const std::string& key) = 0;
+    /// These records are asked for next; a source may look them up at once.
+    virtual void prepare(const store::TableDef& table, const std::vector<std::string>& keys);
+    /// The records that these changes have updated are.
+    void prepareUpdated(const std::vector<store::Change>& changes);
 };
 
 /// Asks a store of any kind for one record at a time. Null: nothing is known of any.
@@ -59,10 +63,7 @@ class LoggedRecords : public RecordSource {
 public:
     explicit LoggedRecords(store::MaintainedStore& store) : m_store(store) {}
     Values valuesOf(const store::TableDef& table, const std::string& key) override;
-    /// Looks up at once the records that these changes have updated.
-    void prepare(const std::vector<store::Change>& changes);
-    /// Looks these records up at once.
-    void prepare(const store::TableDef& table, const std::vector<std::string>& keys);
+    void prepare(const store::TableDef& table, const std::vector<std::string>& keys) override;
 
 private:
     store::MaintainedStore& m_store;

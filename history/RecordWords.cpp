@@ -6,8 +6,10 @@
 #include <QDateTime>
 #include <QStringList>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 namespace orvo::history {
 
@@ -176,30 +178,45 @@ bool readAlike(const store::Value& one, const store::Value& other) {
     return one == other || reads(one, other) || reads(other, one);
 }
 
-QString placeOf(const store::TableDef& table, Values values, RecordSource* source) {
-    QStringList path;
+Above directlyAbove(const store::TableDef& table, const Values& values) {
+    for (const store::ParentField& parent : linksAbove(table)) {
+        const auto found = values.find(table.find(parent.field));
+        if (found != values.end() && !store::textOf(found->second).empty())
+            return {store::findTable(parent.table), store::textOf(found->second), {}};
+    }
+    return {};
+}
+
+std::vector<Above> allAbove(const store::TableDef& table, Values values, RecordSource* source) {
+    std::vector<Above> path;
     const store::TableDef* at = &table;
     for (int depth = 0; source && depth < deepest; ++depth) {
-        std::string above;
-        const store::TableDef* where = nullptr;
-        for (const store::ParentField& parent : linksAbove(*at)) {
-            const auto found = values.find(at->find(parent.field));
-            if (found == values.end() || store::textOf(found->second).empty())
-                continue;
-            above = store::textOf(found->second);
-            where = store::findTable(parent.table);
+        Above next = directlyAbove(*at, values);
+        if (!next.table)
             break;
-        }
-        if (!where)
-            break;
-        values = source->valuesOf(*where, above);
+        values = source->valuesOf(*next.table, next.key);
         if (values.empty())
             break;
-        if (at != &store::contentTable())
-            path.prepend(nameOf(*where, values));
-        at = where;
+        const bool isOfContent = at == &store::contentTable();
+        at = next.table;
+        if (isOfContent)
+            continue;
+        next.name = nameOf(*at, values);
+        path.push_back(std::move(next));
     }
-    return path.join(QStringLiteral(" / "));
+    std::reverse(path.begin(), path.end());
+    return path;
+}
+
+QString joined(const std::vector<Above>& above) {
+    QStringList names;
+    for (const Above& one : above)
+        names << one.name;
+    return names.join(QStringLiteral(" / "));
+}
+
+QString placeOf(const store::TableDef& table, Values values, RecordSource* source) {
+    return joined(allAbove(table, std::move(values), source));
 }
 
 QString deedWord(Deed deed, const Noun& noun, size_t count) {

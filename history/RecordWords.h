@@ -7,6 +7,9 @@
 
 #include <QString>
 
+#include <string>
+#include <vector>
+
 namespace orvo::history {
 
 struct Noun {
@@ -42,8 +45,20 @@ QString valueWords(const store::TableDef& table, int field, const store::Value& 
 /// Whether the editors show the same for both: they read NULL as an empty text, as 0 and as "no",
 /// and write a record whole, so that a field nobody has touched turns from the one into the other.
 bool readAlike(const store::Value& one, const store::Value& other);
-/// The names of the folders above a record, from the top, with " / " between; of a content those
-/// above its form or file.
+/// A folder, desktop or element that a record stands below.
+struct Above {
+    const store::TableDef* table = nullptr;
+    std::string key;
+    QString name;
+};
+/// What a record stands right below, by its values; no table: nothing.
+Above directlyAbove(const store::TableDef& table, const Values& values);
+/// All of these as far as the source knows them, from the top; of a content those of its form or
+/// file.
+std::vector<Above> allAbove(const store::TableDef& table, Values values, RecordSource* source);
+/// Their names with " / " between.
+QString joined(const std::vector<Above>& above);
+/// The place of a record in these words.
 QString placeOf(const store::TableDef& table, Values values, RecordSource* source);
 
 /// What was done, in the past.

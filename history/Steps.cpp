@@ -136,7 +136,6 @@ store::Status Walk::words(int64_t group, QString* words) {
     if (!status.ok())
         return status;
     LoggedRecords source(m_store);
-    source.prepare(read.changes);
     *words = commandWords(read, source);
     return {};
 }

@@ -137,10 +137,8 @@ void measure(const char* name, store::MaintainedStore& target, const char* what,
         const double taken = seconds([&] {
             require(reader.next(50, &groups));
             history::LoggedRecords source(target);
-            for (const history::Group& group : groups) {
-                source.prepare(group.changes);
+            for (const history::Group& group : groups)
                 history::describe(group, source);
-            }
         });
         ++calls;
         sum += taken;

@@ -25,6 +25,9 @@ private slots:
     void manyOfAKindAreAllCounted();
     void aMoveAmongManyReorderedIsStillAMove();
     void aLargeCutIsAMove();
+    void whatMovedAlongWithALargeCutIsTold();
+    void severalPlacesAreToldByWhatTheyShare();
+    void manyOfAKindAreToldToStandInDifferentPlaces();
     void aLargeMixtureIsCountedByTheFirst();
     void whatIsNotCountedYetSaysSo();
     void anUndoTellsWhatWasTakenBack();
@@ -75,6 +78,12 @@ private:
         const Status status = readForWords(*m_anna, id, &group);
         return status.ok() ? describe(group, source).what + " / " + commandWords(group, source)
                            : QString::fromStdString(status.text);
+    }
+    QString placeOfLast() const {
+        Group group;
+        LoggedRecords source(*m_anna);
+        const Status status = readForWords(*m_anna, last(*m_anna), &group);
+        return status.ok() ? describe(group, source).place : QString::fromStdString(status.text);
     }
     /// Adds elements below `parent`, if it has one, in one action.
     static void addMany(Batch& batch, const char* prefix, int count, const char* parent) {
@@ -300,6 +309,136 @@ void TestHistoryWords::aLargeCutIsAMove() {
     m_anna->joinGroup(0);
     QCOMPARE(lineOf(cut), QString("Перемещён элемент меню «ГПА» из «А» в «Б» и ещё 1100 записей / "
                                   "переместить «ГПА» и ещё 1100 записей"));
+}
+
+void TestHistoryWords::whatMovedAlongWithALargeCutIsTold() {
+    Batch before("Menu");
+    before.insert("a", {{"caption", "А"}}).insert("b", {{"caption", "Б"}});
+    before.insert("y", {{"caption", "ГПА"}, {"parent", "b"}});
+    before.insert("own", {{"caption", "Работа"}, {"parent", "y"}});
+    addMany(before, "y", 1100, "y");
+    ORVO_OK(before.send(*m_anna));
+    Batch made("Menu"), gone("Menu");
+    made.insert("x", {{"caption", "ГПА"}, {"parent", "a"}});
+    addMany(made, "x", 1100, "x");
+    ORVO_OK(made.send(*m_anna));
+    const int64_t cut = last(*m_anna);
+    m_anna->joinGroup(cut);
+    ORVO_OK(Batch("Menu").update("own", {{"parent", "x"}}).send(*m_anna));
+    for (int i = 0; i < 1100; ++i)
+        gone.remove(qPrintable(QString("y%1").arg(i)));
+    gone.remove("y");
+    ORVO_OK(gone.send(*m_anna));
+    m_anna->joinGroup(0);
+    QCOMPARE(lineOf(cut), QString("Перемещён элемент меню «ГПА» из «Б» в «А» и ещё 1100 записей "
+                                  "вместе с тем, что внутри: «Работа» / "
+                                  "переместить «ГПА» и ещё 1100 записей"));
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {cut}, {}, &done));
+    QVERIFY2(done.written, qPrintable(remarks(done).join('\n')));
+    QVERIFY2(lineOf(last(*m_anna))
+                 .startsWith("Отменено перемещение: элемент меню «ГПА» из «Б» в «А» и ещё 1100 "
+                             "записей вместе с тем, что внутри: «Работа» / "),
+             qPrintable(lineOf(last(*m_anna))));
+    // A move of something else is none of the cut.
+    ORVO_OK(Batch("Menu").insert("z", {{"caption", "Я"}}).send(*m_anna));
+    Batch again("Menu"), away("Menu");
+    again.insert("w", {{"caption", "ГПА"}, {"parent", "a"}});
+    addMany(again, "w", 1100, "w");
+    ORVO_OK(again.send(*m_anna));
+    const int64_t other = last(*m_anna);
+    m_anna->joinGroup(other);
+    ORVO_OK(Batch("Menu").update("z", {{"parent", "b"}}).send(*m_anna));
+    for (int i = 0; i < 1100; ++i)
+        away.remove(qPrintable(QString("y%1").arg(i)));
+    ORVO_OK(away.send(*m_anna));
+    m_anna->joinGroup(0);
+    QVERIFY2(lineOf(other).startsWith("Создан элемент меню «ГПА» и ещё "),
+             qPrintable(lineOf(other)));
+}
+
+void TestHistoryWords::severalPlacesAreToldByWhatTheyShare() {
+    ORVO_OK(Batch("MenuFolder")
+                .insert("d", {{"caption", "Стол"}, {"isFolder", false}})
+                .insert("e", {{"caption", "Другой"}, {"isFolder", false}})
+                .send(*m_anna));
+    QCOMPARE(placeOfLast(), QString());
+    const auto element = [](Batch& batch, const char* key, const char* desktop,
+                            const char* parent) {
+        batch.insert(key, {{"caption", key}, {"FolderKey", desktop}, {"parent", parent}});
+    };
+    Batch first("Menu");
+    for (const char* key : {"a", "b"})
+        element(first, key, "d", "");
+    ORVO_OK(first.send(*m_anna));
+    QCOMPARE(placeOfLast(), QString("Стол"));
+    Batch shared("Menu");
+    element(shared, "a1", "d", "a");
+    element(shared, "b1", "d", "b");
+    element(shared, "c", "d", "");
+    ORVO_OK(shared.send(*m_anna));
+    QCOMPARE(placeOfLast(), QString("Стол"));
+    ORVO_OK(Batch("Menu")
+                .update("a1", {{"params", "x"}})
+                .update("b1", {{"params", "x"}})
+                .send(*m_boris));
+    QCOMPARE(placeOfLast(), QString("Стол"));
+    Batch apart("Menu");
+    element(apart, "f", "e", "");
+    element(apart, "a2", "d", "a");
+    element(apart, "a3", "d", "a");
+    element(apart, "b2", "d", "b");
+    ORVO_OK(apart.send(*m_anna));
+    QCOMPARE(placeOfLast(), QString("в 3 местах"));
+    ORVO_OK(Batch("Menu").remove("a2").remove("a3").send(*m_anna));
+    QCOMPARE(placeOfLast(), QString("Стол / a"));
+    // What was moved back stands where it was.
+    ORVO_OK(Batch("Menu").update("a1", {{"parent", "b"}}).send(*m_anna));
+    QCOMPARE(placeOfLast(), QString("Стол / b"));
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    QCOMPARE(placeOfLast(), QString("Стол / a"));
+    ORVO_OK(Batch("Menu")
+                .insert("c2", {{"caption", "c"}, {"FolderKey", "d"}, {"parent", "b"}})
+                .send(*m_anna));
+    const int64_t cut = last(*m_anna);
+    m_anna->joinGroup(cut);
+    ORVO_OK(Batch("Menu").remove("c").send(*m_anna));
+    m_anna->joinGroup(0);
+    QCOMPARE(words(cut), QString("Перемещён элемент меню «c» с верхнего уровня в «b»"));
+    ORVO_OK(undo(*m_anna, {cut}, {}, &done));
+    QCOMPARE(placeOfLast(), QString("Стол"));
+    // Two folders of one name are two places.
+    ORVO_OK(Batch("MenuResourceFolder")
+                .insert("p", {{"caption", "Папка"}, {"type_", 4}})
+                .insert("q", {{"caption", "Папка"}, {"type_", 4}})
+                .send(*m_anna));
+    ORVO_OK(Batch("MenuResource")
+                .insert("r", {{"name_", "r"}, {"type_", 4}, {"MenuResourceFolderKey", "p"}})
+                .insert("s", {{"name_", "s"}, {"type_", 4}, {"MenuResourceFolderKey", "q"}})
+                .send(*m_anna));
+    QCOMPARE(placeOfLast(), QString("в 2 местах"));
+    ORVO_OK(Batch("MenuResource")
+                .update("r", {{"MenuResourceFolderKey", "p"}})
+                .update("s", {{"MenuResourceFolderKey", "p"}})
+                .send(*m_anna));
+    QCOMPARE(placeOfLast(), QString("Папка"));
+}
+
+void TestHistoryWords::manyOfAKindAreToldToStandInDifferentPlaces() {
+    ORVO_OK(Batch("Menu")
+                .insert("a", {{"caption", "А"}})
+                .insert("b", {{"caption", "Б"}})
+                .send(*m_anna));
+    Batch made("Menu");
+    addMany(made, "k", 2100, "a");
+    ORVO_OK(made.send(*m_anna));
+    QCOMPARE(placeOfLast(), QString("А"));
+    Batch both("Menu");
+    addMany(both, "m", 1500, "a");
+    addMany(both, "n", 1500, "b");
+    ORVO_OK(both.send(*m_anna));
+    QCOMPARE(placeOfLast(), QString("в разных местах"));
 }
 
 void TestHistoryWords::aLargeMixtureIsCountedByTheFirst() {

@@ -131,7 +131,6 @@ public:
             groups.push_back(change.group);
             history::Group group;
             require(history::readForWords(store, change.group, &group), "история не прочитана");
-            source.prepare(group.changes);
             known->second = history::describe(group, source).what;
         }
         m_undone = undoneOf(store, groups);
@@ -208,7 +207,7 @@ int run(const Invocation& call) {
                 reader.nextChanges(static_cast<size_t>(std::min<int64_t>(left, pageSize)), &page),
                 "история не прочитана");
             history::LoggedRecords source(*store);
-            source.prepare(page);
+            source.prepareUpdated(page);
             const Actions actions(*store, page);
             for (const store::Change& change : page)
                 printJson(change, actions, people, source);
@@ -225,7 +224,6 @@ int run(const Invocation& call) {
         std::vector<int64_t> groups;
         for (history::Group& group : page) {
             require(history::countGroup(*store, &group), "история не прочитана");
-            source.prepare(group.changes);
             groups.push_back(group.id);
         }
         const std::set<int64_t> undone = undoneOf(*store, groups);

@@ -209,8 +209,6 @@ struct HistoryFeed::Page {
                          const Scope& scope, int64_t from, bool withNames) {
         history::LoggedRecords source(store);
         for (const history::Group& group : groups)
-            source.prepare(group.changes);
-        for (const history::Group& group : groups)
             if (!group.changes.empty()) {
                 actions.push_back(actionOf(group, scope, source));
                 from = from == 0 ? group.id : std::min(from, group.id);
@@ -486,7 +484,7 @@ void HistoryFeed::details(int64_t group) {
             history::Group read;
             store::Status status = history::readGroup(store, group, &read, mostDetails);
             history::LoggedRecords source(store);
-            source.prepare(read.changes);
+            source.prepareUpdated(read.changes);
             if (status.ok())
                 *details = detailsOf(read, source);
             return status;

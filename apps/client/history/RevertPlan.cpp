@@ -94,7 +94,7 @@ RevertPlan::Place placeOf(store::MaintainedStore& store, history::LoggedRecords&
 void describePlan(store::MaintainedStore& store, bool withWrites, RevertPlan* plan) {
     history::LoggedRecords source(store);
     if (withWrites) {
-        source.prepare(plan->inverse.preview);
+        source.prepareUpdated(plan->inverse.preview);
         const size_t count = std::min(plan->inverse.preview.size(), mostWrites);
         for (size_t i = 0; i < count; ++i) {
             const store::Change& change = plan->inverse.preview[i];
