@@ -25,7 +25,6 @@
 #include "apps/client/problems/ProblemsPane.h"
 #include "apps/client/start/StorePage.h"
 
-#include <QAbstractScrollArea>
 #include <QApplication>
 #include <QDir>
 #include <QDockWidget>
@@ -236,11 +235,7 @@ void Client::connectAll() {
             [this](const QString& text) { fail(QStringLiteral("Файловая область"), text); });
     connect(m_mirror.get(), &FileMirror::progress, m_window->statusLine(), &StatusLine::setCopying);
     // The editors paint icons from their files, which have just changed.
-    connect(m_mirror.get(), &FileMirror::updated, this, [this] {
-        for (const auto& module : m_modules.modules(client::ModuleState::Running))
-            for (QAbstractScrollArea* area : module->findChildren<QAbstractScrollArea*>())
-                area->viewport()->update();
-    });
+    connect(m_mirror.get(), &FileMirror::updated, this, &Client::repaintModules);
     connect(m_pump.get(), &client::NotificationPump::changed, m_mirror.get(), &FileMirror::changed);
     connect(m_pump.get(), &client::NotificationPump::connectionChanged, this,
             &Client::connectionChanged);

@@ -84,6 +84,8 @@ private:
     void reopenWhenClean(const QString& why);
     void addOpenEdits();
     void showHeld();
+    void markUnwritten();
+    void repaintModules();
     void openForm(const QString& request);
     void openForOperators();
     void lookForStore();

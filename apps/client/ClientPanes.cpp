@@ -18,6 +18,7 @@
 #include "frame/Vocabulary.h"
 #include "platform/store/StoreUrl.h"
 
+#include <QAbstractScrollArea>
 #include <QDockWidget>
 
 #include <algorithm>
@@ -152,7 +153,9 @@ void Client::showUnwritten() {
         pane->raise();
     };
     setTitle();
+    markUnwritten();
     connect(m_unwritten.get(), &client::UnwrittenList::changed, pane, setTitle);
+    connect(m_unwritten.get(), &client::UnwrittenList::changed, this, &Client::markUnwritten);
     connect(m_unwritten.get(), &client::UnwrittenList::added, pane, raise);
     connect(m_unwritten.get(), &client::UnwrittenList::dropped, m_pump.get(),
             &client::NotificationPump::correct);
@@ -166,6 +169,23 @@ void Client::showUnwritten() {
         raise();
         fail(QStringLiteral("С прошлого раза"), m_unwritten->summary());
     }
+}
+
+/// A row goes on showing what was typed into it, whether that was written or not.
+void Client::markUnwritten() {
+    QHash<QString, QString> records;
+    for (const client::UnwrittenEntry& entry : m_unwritten->entries())
+        for (const client::RecordWrite& record : client::recordsOf(entry.request))
+            records[HostApp::markKey(QString::fromStdString(entry.request.table),
+                                     QString::fromStdString(record.key))] = entry.words.what;
+    m_app.setUnwritten(std::move(records));
+    repaintModules();
+}
+
+void Client::repaintModules() {
+    for (const auto& module : m_modules.modules(client::ModuleState::Running))
+        for (QAbstractScrollArea* area : module->findChildren<QAbstractScrollArea*>())
+            area->viewport()->update();
 }
 
 void Client::showHeld() {

@@ -50,7 +50,16 @@ QString HostApp::markKey(const QString& table, const QString& key) {
 }
 
 RecordMark HostApp::recordMark(const QString& table, const QString& key) const {
-    return m_marks.value(markKey(table, key));
+    const QString record = markKey(table, key);
+    RecordMark mark = m_marks.value(record);
+    if (const QString what = m_unwritten.value(record); !what.isEmpty()) {
+        const auto put = [](QString& text, const QString& first, const char* between) {
+            text = text.isEmpty() ? first : first + QLatin1String(between) + text;
+        };
+        put(mark.label, QStringLiteral("не записано"), ", ");
+        put(mark.tip, QStringLiteral("Не записано: %1 (Shift+F8)").arg(what), "\n");
+    }
+    return mark;
 }
 
 void HostApp::addRecordActions(QMenu* menu, const QString& table, const QString& key) {

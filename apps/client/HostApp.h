@@ -21,7 +21,7 @@ public:
     void log(int level, const QString& place, const QString& text) override;
     void moduleTitle(COrvoCliMod* module, const QString& title, const QString& second) override;
     void moduleCall(COrvoCliMod* module, int code, void* data) override;
-    bool hasRecordMarks() const override { return !m_marks.isEmpty(); }
+    bool hasRecordMarks() const override { return !m_marks.isEmpty() || !m_unwritten.isEmpty(); }
     RecordMark recordMark(const QString& table, const QString& key) const override;
 
     void addRecordActions(QMenu* menu, const QString& table, const QString& key) override;
@@ -30,6 +30,9 @@ public:
     using Marks = QHash<QString, RecordMark>;
     static QString markKey(const QString& table, const QString& key);
     void setMarks(Marks marks) { m_marks = std::move(marks); }
+    /// Records whose rows may show what was typed here and is not in the store: by markKey what it
+    /// is, in words.
+    void setUnwritten(QHash<QString, QString> records) { m_unwritten = std::move(records); }
     /// "table/key: label" of each mark, in order.
     QStringList markedRecords() const;
 
@@ -53,7 +56,8 @@ signals:
     void showUsesRequested(orvo::ShowUsesRequest* request);
 
 private:
-    Marks m_marks;
+    Marks m_marks; ///< of others
+    QHash<QString, QString> m_unwritten;
 };
 
 } // namespace orvo::app

@@ -86,6 +86,26 @@ struct Fixture : RunningClient {
 class TestOpenEdits : public QObject {
     Q_OBJECT
 private slots:
+    void aRowThatShowsWhatIsNotWrittenSaysSo() {
+        Fixture fixture;
+        const auto mark = [&](const char* key) {
+            return fixture.module("Menu")->m_app->recordMark("Menu", key);
+        };
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г"));
+        QVERIFY(fixture.host.write("Menu", MDX_UPDATE, {{"KeyLink", "d"}, {"caption", "чужое"}}));
+        fixture.renames("d", "своё"); // before that has been heard of
+        QCOMPARE(mark("d").label, QString("не записано"));
+        QVERIFY2(mark("d").tip.contains("Shift+F8"), qPrintable(mark("d").tip));
+        QVERIFY(mark("a").label.isEmpty());
+        QVERIFY(fixture.module("Menu")->m_app->hasRecordMarks());
+        auto* giveUp = fixture.child<QPushButton>("unwrittenGiveUp");
+        QTRY_VERIFY(giveUp->isEnabled());
+        giveUp->click();
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) чужое"));
+        QVERIFY(mark("d").label.isEmpty());
+        QVERIFY(!fixture.module("Menu")->m_app->hasRecordMarks());
+    }
+
     /// The editor's own look finds nothing: the other's record waits until the edit ends.
     void aNameThatAnotherTookMeanwhileIsRefused() {
         Fixture fixture;
