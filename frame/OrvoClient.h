@@ -141,6 +141,8 @@ public:
     /// Makes the record's row the current one; `desktop`: of an element of a menu, the key of its
     /// desktop. False if this module does not show the record. Called while no edit is open.
     virtual bool ModShowRecord(const QString& table, const QString& key, const QString& desktop);
+    /// Whether one of its trees has a row of that record, seen or not.
+    virtual bool ModHasRow(const QString& table, const QString& key) const;
 
     void SetModTitle(QString title, QString second);
     /// Takes the notifications that wait for this module and calls MessageData once for each, in

@@ -44,3 +44,9 @@ bool OrvoResources::ModShowRecord(const QString& table, const QString& key, cons
     m_ui->tvRes->setFocus();
     return true;
 }
+
+bool OrvoResources::ModHasRow(const QString& table, const QString& key) const {
+    const QModelIndex row =
+        m_resModel && !key.isEmpty() ? m_resModel->findIndexByKey(key) : QModelIndex();
+    return row.isValid() && table == QLatin1String(orvo::resources::tableOf(row));
+}

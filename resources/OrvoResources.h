@@ -64,6 +64,7 @@ public:
     void ModEditCancel() override;
     QPair<QString, QString> ModEditRecord() const override;
     bool ModShowRecord(const QString& table, const QString& key, const QString& desktop) override;
+    bool ModHasRow(const QString& table, const QString& key) const override;
 
     /// The records that this editor holds of `MenuResource` or `MenuResourceFolder`, as
     /// orvo::tableText shows them. A null string for any other table.

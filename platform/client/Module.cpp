@@ -186,6 +186,10 @@ bool COrvoCliMod::ModShowRecord(const QString&, const QString&, const QString&) 
     return false;
 }
 
+bool COrvoCliMod::ModHasRow(const QString&, const QString&) const {
+    return false;
+}
+
 void COrvoCliMod::SetModTitle(QString title, QString second) {
     setWindowTitle(second.isEmpty() ? title : QStringLiteral("%1 — %2").arg(title, second));
     if (m_app)

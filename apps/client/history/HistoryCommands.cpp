@@ -21,6 +21,7 @@ HistoryCommands::HistoryCommands(Context context)
     , m_thread(m_context.open)
     , m_jump({m_thread, m_context.window, m_context.guard, m_context.pump, m_context.modules,
               m_context.openModule})
+    , m_unseen(m_thread, m_context.modules)
     , m_reverter(m_thread, m_context.guard, &m_context.window)
     , m_undo(m_thread, m_reverter, m_context.actor, m_context.mayWrite)
     , m_pane(new HistoryPane(m_thread, QString::fromStdString(m_context.actor.login),
@@ -28,6 +29,11 @@ HistoryCommands::HistoryCommands(Context context)
     m_reverter.setCheck([this] { return whyNot(); });
     connectUndo();
     connectPane();
+    connect(&m_context.pump, &client::NotificationPump::changed, &m_unseen, &UnseenPlaces::changed);
+    connect(&m_unseen, &UnseenPlaces::told, this, [this](const QString& text) {
+        m_context.window.logPane()->add(LogWarning, QStringLiteral("Ресурсы"), text);
+        m_context.window.statusLine()->setFailure(text);
+    });
 }
 
 HistoryCommands::~HistoryCommands() {

@@ -4,6 +4,7 @@
 #define ORVO_APPS_CLIENT_HISTORY_HISTORYCOMMANDS_H
 
 #include "apps/client/RecordJump.h"
+#include "apps/client/UnseenPlaces.h"
 #include "apps/client/history/Reverter.h"
 #include "apps/client/history/UndoActions.h"
 #include "platform/client/ModuleRegistry.h"
@@ -60,6 +61,7 @@ private:
     Context m_context;
     StoreThread m_thread;
     RecordJump m_jump;
+    UnseenPlaces m_unseen;
     Reverter m_reverter;
     UndoActions m_undo;
     HistoryPane* m_pane; ///< child of the window
