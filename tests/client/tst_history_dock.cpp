@@ -647,6 +647,9 @@ private slots:
         QTRY_COMPARE(list->topLevelItemCount(), 1);
         QCOMPARE(list->topLevelItem(0)->text(0), QString("план.txt"));
         QCOMPARE(list->topLevelItem(0)->text(4), QString("Петров П."));
+        QCOMPARE(dialog->windowTitle(), QString("Прежние версии: файл «план.txt»"));
+        const QString itsTime = list->topLevelItem(0)->text(1);
+        QVERIFY(!itsTime.isEmpty());
         const QString file = fixture.host.dir.filePath("план.txt");
         dialog->extractInto(fixture.host.dir.path());
         QTRY_VERIFY(QFile::exists(file));
@@ -656,6 +659,7 @@ private slots:
         QTest::mouseClick(dialog->findChild<QPushButton*>("versionReturn"), Qt::LeftButton);
         QTRY_COMPARE(list->topLevelItemCount(), 2);
         QCOMPARE(list->currentItem(), list->topLevelItem(1)); // the one that was chosen
+        QCOMPARE(fixture.logged("Версия файла «план.txt» от " + itsTime + " возвращена."), 1);
         std::vector<store::StoredFile> files;
         QVERIFY(store.fileGet("docs", "план.txt", true, &files).ok());
         QCOMPARE(QString::fromStdString(files.at(0).bytes), QString("старое"));

@@ -4,6 +4,7 @@
 #include "apps/client/LogPane.h"
 #include "apps/client/Look.h"
 #include "apps/formview/Channel.h"
+#include "frame/Vocabulary.h"
 #include "history/RecordWords.h"
 #include "history/ReturnVersion.h"
 #include "platform/store/Names.h"
@@ -104,6 +105,7 @@ void VersionsDialog::load(const QString& said) {
     struct Read {
         std::vector<store::KeptVersion> versions;
         history::PersonNames names;
+        QString of; ///< whose they are
         int64_t seen = 0;
     };
     auto read = std::make_shared<Read>();
@@ -115,6 +117,10 @@ void VersionsDialog::load(const QString& said) {
             store::Status status = store.logPosition(&read->seen);
             if (status.ok())
                 status = store.versions(query, &read->versions);
+            history::LoggedRecords source(store);
+            const store::TableDef& table = *store::findTable(table::MenuResource);
+            if (const history::Values values = source.valuesOf(table, key); !values.empty())
+                read->of = history::recordWords(table, values, key);
             return status.ok() ? history::readPeople(store, &read->names) : status;
         },
         [this, read, said](const store::Status& status) {
@@ -123,6 +129,8 @@ void VersionsDialog::load(const QString& said) {
                 return;
             }
             m_seen = read->seen;
+            if (!read->of.isEmpty())
+                setWindowTitle(QStringLiteral("Прежние версии: %1").arg(read->of));
             m_names = read->names;
             showVersions(read->versions);
             if (!said.isEmpty())
@@ -244,8 +252,10 @@ void VersionsDialog::putBack() {
     const store::KeptVersion* version = current();
     if (!version)
         return;
-    const QString what = QStringLiteral("Версия файла «%1» от %2")
-                             .arg(QString::fromStdString(version->name), timeText(version->time));
+    const QString what = (version->fileTime ? QStringLiteral("Версия файла «%1» от %2")
+                                            : QStringLiteral("Версия файла «%1», заменённая %2,"))
+                             .arg(QString::fromStdString(version->name),
+                                  timeText(version->fileTime ? *version->fileTime : version->time));
     m_thread.run(
         this,
         [id = version->id, seen = m_seen, names = m_names](store::MaintainedStore& store) {
