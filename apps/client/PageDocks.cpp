@@ -10,6 +10,7 @@
 #include <QMenuBar>
 
 #include <algorithm>
+#include <cassert>
 #include <functional>
 
 namespace orvo::app {
@@ -30,7 +31,9 @@ public:
     /// A window like any other, with the frame of the desktop: a tool window, which Qt makes of a
     /// pane, would stand over the search and the messages of the main window.
     void becomeWindow() {
+        QWidget* before = titleBarWidget();
         setTitleBarWidget(new QWidget(this)); // none
+        delete before;
         setFloating(true);
         setWindowFlags(Qt::Window);
         setAttribute(Qt::WA_QuitOnClose, false);
@@ -177,6 +180,7 @@ void PageDocks::takeOut(QWidget* page, Place place) {
     bringUp(page);
     if (part)
         part->setFocus();
+    assert(invariantsHold());
 }
 
 void PageDocks::putBack(QWidget* page) {
@@ -190,6 +194,7 @@ void PageDocks::putBack(QWidget* page) {
     m_tabs.setCurrentWidget(page);
     m_window.activateWindow();
     (part ? part.data() : page)->setFocus();
+    assert(invariantsHold());
 }
 
 bool PageDocks::bringUp(const QWidget* page) {
@@ -252,6 +257,7 @@ void PageDocks::restore(const QStringList& editors) {
         page->show();
     }
     settle();
+    assert(invariantsHold());
 }
 
 void PageDocks::keepPlaces() {
@@ -272,6 +278,7 @@ void PageDocks::fill() {
         }
     }
     settle();
+    assert(invariantsHold());
 }
 
 void PageDocks::followFocus(QWidget* now) {
@@ -290,6 +297,17 @@ void PageDocks::settle() {
     if (!m_keepsPlaces)
         m_tabs.setHidden(m_tabs.count() == 0 && !m_docks.empty());
     emit currentChanged();
+}
+
+bool PageDocks::invariantsHold() const {
+    if (m_keepsPlaces)
+        return true;
+    if (m_current && std::find(m_docks.begin(), m_docks.end(), m_current) == m_docks.end())
+        return false;
+    for (const PageDock* dock : m_docks)
+        if (!dock->page() || m_tabs.indexOf(dock->page()) >= 0 || dockOf(dock->page()) != dock)
+            return false;
+    return m_tabs.isHidden() == (m_tabs.count() == 0 && !m_docks.empty());
 }
 
 } // namespace orvo::app

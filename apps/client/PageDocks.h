@@ -3,7 +3,7 @@
 //
 //  1. A page is in one pane here or in a tab, never in both. It belongs to whoever made it, and
 //     takes the pane with it when it goes.
-//  2. A pane is empty only between keepPlaces and fill.
+//  2. A pane is empty only between keepPlaces and the end of fill.
 //  3. The tabs are hidden exactly while all pages are out.
 #ifndef ORVO_APPS_CLIENT_PAGEDOCKS_H
 #define ORVO_APPS_CLIENT_PAGEDOCKS_H
@@ -71,6 +71,7 @@ private:
     void drop(PageDock* dock);
     void followFocus(QWidget* now);
     void settle();
+    bool invariantsHold() const;
 
     QMainWindow& m_window;
     ModuleTabs& m_tabs;

@@ -7,6 +7,7 @@
 #include "history/RecordWords.h"
 
 #include <algorithm>
+#include <cassert>
 #include <utility>
 
 namespace orvo::app {
@@ -58,6 +59,7 @@ bool Reverter::start(Request request, Finished finished) {
         emit told(LogWarning, QStringLiteral("%1: %2.").arg(request.title, reason));
         return false;
     }
+    assert(!m_finished);
     m_request = std::move(request);
     m_finished = std::move(finished);
     m_choices = {};
@@ -217,6 +219,7 @@ void Reverter::tellWritten(const RevertPlan& plan) {
 }
 
 void Reverter::finish(Outcome outcome, const RevertPlan* plan) {
+    assert(m_request);
     End end{outcome, {}};
     if (plan)
         for (const history::Remark& remark : plan->inverse.remarks)
