@@ -5,6 +5,7 @@
 #include "frame/Keys.h"
 
 #include <algorithm>
+#include <cassert>
 #include <iterator>
 #include <utility>
 
@@ -12,7 +13,7 @@ namespace orvo::app {
 
 namespace {
 
-constexpr int readDelayMs = 50; ///< a burst of changes is one reason to read
+constexpr int readDelayMs = 50; ///< since the last change: a burst of them is one reason to read
 constexpr size_t mostPresses = 30;
 constexpr int longestWords = 70;
 
@@ -53,17 +54,17 @@ UndoActions::UndoActions(StoreThread& thread, Reverter& reverter, history::Actor
 }
 
 void UndoActions::outdate() {
-    m_fresh = false;
+    const bool wasFresh = std::exchange(m_fresh, false);
     m_outdated = m_reading;
-    show();
-    if (!m_readSoon.isActive())
-        m_readSoon.start();
+    if (wasFresh)
+        show();
+    m_readSoon.start();
 }
 
 void UndoActions::setMayWrite(bool may) {
     m_mayWrite = may;
-    show();
     outdate();
+    show();
 }
 
 void UndoActions::changed(const store::Change& change) {
@@ -113,7 +114,10 @@ void UndoActions::answered(const store::Status& status, const history::Steps& st
         return; // the next change or key reads anew
     }
     if (m_outdated) {
-        read();
+        if (!m_presses.empty())
+            read();
+        else
+            m_readSoon.start(); // once no more changes come
         return;
     }
     m_steps = steps;
@@ -173,6 +177,7 @@ void UndoActions::next() {
 
 void UndoActions::finished(const history::Steps::Step& step, const Reverter::End& end) {
     using Outcome = Reverter::Outcome;
+    assert(m_isStepping);
     m_isStepping = false;
     // Whatever it asked stays unanswered: the next key would ask the same again.
     const bool wasAsked = end.outcome == Outcome::GivenUp && !end.because.empty();
