@@ -139,7 +139,7 @@ private slots:
         QVERIFY(menu.isInPalette());
         CPopObjectList* palette = menu.palette();
         const QTreeView* tree = menu.view("tvMenu");
-        const QRect rows(tree->mapToGlobal({0, 0}), tree->size());
+        const QRect rows(tree->mapToGlobal(QPoint()), tree->size());
         QVERIFY(palette->geometry().left() > rows.center().x());
         QVERIFY(palette->geometry().bottom() <= palette->screen()->availableGeometry().bottom());
         // A list for one choice has its size again.
