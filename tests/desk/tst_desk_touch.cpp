@@ -13,8 +13,8 @@ namespace {
 
 constexpr int fingertip = 44;
 
-QTouchDevice* touchScreen() {
-    static QTouchDevice* const screen = QTest::createTouchDevice();
+auto* touchScreen() {
+    static auto* const screen = QTest::createTouchDevice();
     return screen;
 }
 
