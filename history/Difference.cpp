@@ -136,7 +136,7 @@ public:
             const int needed = !old ? MDX_INSERT : !made ? MDX_DELETE : MDX_UPDATE;
             if (needed != flag)
                 continue;
-            if (made && store::NamePlaces::concern(table)) {
+            if (made && store::NamePlaces::letRename(table)) {
                 const Values written = adjusted(m_exceptions, table, key, old, *made);
                 add(table, flag, key, old, &written, part);
             } else {
@@ -251,7 +251,7 @@ public:
         for (bool again = true; again;) { // what keeps its place may stand in the way of others
             again = false;
             for (const store::TableDef& table : store::tables())
-                if (store::NamePlaces::concern(table))
+                if (store::NamePlaces::letRename(table))
                     again = look(table, leftOut) || again;
         }
     }
@@ -322,7 +322,7 @@ private:
         for (const RecordKey& below : branch) {
             if (!m_from.find(*below.first, below.second))
                 m_exceptions.left.insert(below);
-            else if (store::NamePlaces::concern(*below.first))
+            else if (store::NamePlaces::letRename(*below.first))
                 leaveOut(below); // it was to be moved there
         }
     }

@@ -4,6 +4,7 @@
 #include "history/Overtaken.h"
 #include "history/Planning.h"
 #include "history/RecordWords.h"
+#include "platform/store/NamePlaces.h"
 #include "platform/store/Names.h"
 
 #include <algorithm>
@@ -41,6 +42,10 @@ QString nameInQuotes(const store::TableDef& table, RecordSource& source, const s
 }
 
 } // namespace
+
+bool Remark::asksForName() const {
+    return why == NameTaken && store::NamePlaces::letRename(*table);
+}
 
 Remark lockRemark(const FormLock& lock, Remark::Why why) {
     Remark made;

@@ -69,6 +69,8 @@ struct Remark {
 
     /// Whether Choices::places can help.
     bool asksForPlace() const { return why == NoPlace || why == PlaceInside; }
+    /// Whether Choices::otherNames can.
+    bool asksForName() const;
 };
 
 /// What a user has decided about remarks of an earlier plan.

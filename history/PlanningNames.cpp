@@ -100,7 +100,7 @@ store::Status Planning::keepNamesApart(bool* changed) {
         for (const auto& [record, holder] : taken) {
             if (!status.ok())
                 return status;
-            if (m_choices.otherNames)
+            if (m_choices.otherNames && store::NamePlaces::letRename(*table))
                 giveFreeName(*table, names, *record, &all);
             else
                 status = leaveTaken(*table, names, *record, holder);

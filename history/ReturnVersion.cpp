@@ -40,11 +40,40 @@ store::Status checkBytes(store::MaintainedStore& store, const store::KeptVersion
     return left(read.code, remark, source, {});
 }
 
-store::Write writeOf(const store::KeptVersion& version, bool isStored) {
+/// The key of the content that is to have the bytes: the version's, or of the one that stands in
+/// its place by now; empty: there is none.
+store::Status findContent(store::MaintainedStore& store, const store::KeptVersion& version,
+                          bool isFile, std::string* key) {
     const store::TableDef& table = store::contentTable();
+    std::vector<std::pair<std::string, std::string>> found;
+    store::Status status =
+        store.keysNaming(table, table.find(field::MenuResourceKey), {version.resource}, &found);
+    std::vector<std::string> keys;
+    for (auto& [content, resource] : found)
+        keys.push_back(std::move(content));
+    std::map<std::string, std::vector<store::Value>> stored;
+    if (status.ok())
+        status = store.storedValues(table, keys, &stored);
+    const auto name = static_cast<size_t>(table.find(field::name_));
+    key->clear();
+    for (const auto& [folded, row] : stored) {
+        if (folded == store::foldedKey(version.key)) {
+            *key = store::textOf(row.front());
+            break;
+        }
+        if (key->empty() && (isFile || store::textOf(row[name]) == version.name))
+            *key = store::textOf(row.front());
+    }
+    return status;
+}
+
+/// `stored`: the key of the content that is there; empty: it is to be made.
+store::Write writeOf(const store::KeptVersion& version, const std::string& stored) {
+    const store::TableDef& table = store::contentTable();
+    const bool isStored = !stored.empty();
     store::Write write;
     write.flag = isStored ? MDX_UPDATE : MDX_INSERT;
-    write.key = version.key;
+    write.key = isStored ? stored : version.key;
     for (int i = 1; i < static_cast<int>(table.fields.size()); ++i) {
         const std::string_view name = table.fields[static_cast<size_t>(i)].name;
         if (name == field::size)
@@ -78,10 +107,8 @@ store::Status returnVersion(store::MaintainedStore& store, int64_t id, int64_t s
     const store::KeptVersion& version = found.front();
     const store::TableDef& resources = *store::findTable(table::MenuResource);
     LoggedRecords source(store);
-    std::map<std::string, std::vector<store::Value>> resource, content;
+    std::map<std::string, std::vector<store::Value>> resource;
     status = store.storedValues(resources, {version.resource}, &resource);
-    if (status.ok())
-        status = store.storedValues(store::contentTable(), {version.key}, &content);
     if (!status.ok())
         return notReturned(status.code, QString::fromStdString(status.text));
     if (resource.empty())
@@ -93,9 +120,15 @@ store::Status returnVersion(store::MaintainedStore& store, int64_t id, int64_t s
         status = checkBytes(store, version, source);
     if (!status.ok())
         return status;
+    const store::Value& kind =
+        resource.begin()->second[static_cast<size_t>(resources.find(field::type_))];
+    std::string stored;
+    status = findContent(store, version, kind == store::Value(int64_t{Kind::File}), &stored);
+    if (!status.ok())
+        return notReturned(status.code, QString::fromStdString(status.text));
     store::TableWrites part;
     part.table = &store::contentTable();
-    part.writes.push_back(writeOf(version, !content.empty()));
+    part.writes.push_back(writeOf(version, stored));
     store::BytesToWrite bytes;
     bytes.version = id;
     part.bytes.push_back(std::move(bytes));

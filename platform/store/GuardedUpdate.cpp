@@ -61,7 +61,7 @@ Status GuardedUpdate::apply(UpdateGuard* guard) {
         status = checkIcons(*guard);
     if (status.ok())
         status = refuseCycles();
-    if (status.ok() && guard != nullptr && guard->seen >= 0 && NamePlaces::concern(m_table))
+    if (status.ok() && guard != nullptr && guard->seen >= 0 && NamePlaces::letRename(m_table))
         status = TakenNames(m_backend, m_table, *guard).check(m_writes);
     if (status.ok() && guard != nullptr)
         status = checkChildren(*guard);

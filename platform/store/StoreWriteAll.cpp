@@ -4,6 +4,7 @@
 #include "platform/store/Names.h"
 #include "platform/store/Sql.h"
 #include "platform/store/StoreCore.h"
+#include "platform/store/TakenNames.h"
 
 #include <algorithm>
 #include <iterator>
@@ -241,6 +242,9 @@ Status StoreCore::writeAll(const std::vector<TableWrites>& parts, int64_t seen,
                 UpdateGuard guard;
                 guard.seen = seen;
                 guard.own = {{newest + 1, std::numeric_limits<int64_t>::max()}};
+                if (status.ok() && NamePlaces::concern(*part.table) &&
+                    !NamePlaces::letRename(*part.table)) // those every update looks at
+                    status = TakenNames(*this, *part.table, guard).check(part.writes);
                 if (status.ok() && part.table != &contentTable())
                     status = GuardedUpdate(*this, *part.table, part.writes).apply(&guard);
                 else if (status.ok())

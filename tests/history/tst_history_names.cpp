@@ -28,6 +28,10 @@ private slots:
     void ofTwoOfOneNameTheLaterComesBack();
     void aNameThatIsFreedByTheSamePlanIsFree();
     void aNameThatIsTakenMeanwhileOutdatesThePlan();
+    void aFormGetsNoTwoFilesOfOneName();
+    void ofTwoFilesOfOneNameInAFormTheLaterComesBack();
+    void noTwoUsersShareALoginAfterAnUndo();
+    void noFileExtensionComesBackTwice();
 
 private:
     /// anna's form "a_" is deleted, and boris has put one of his own there.
@@ -232,6 +236,69 @@ void TestHistoryNames::aNameThatIsTakenMeanwhileOutdatesThePlan() {
     ORVO_OK(m_boris->formPut("", {{"", "a_", "boris'", {}}}));
     const QStringList before = snapshot();
     ORVO_FAILS(writeInverse(*m_anna, &plan), Outdated);
+    QCOMPARE(snapshot(), before);
+}
+
+void TestHistoryNames::aFormGetsNoTwoFilesOfOneName() {
+    ORVO_OK(m_anna->formPut("", {{"", "a_", "form", {}}}));
+    ORVO_OK(m_anna->formPut("", {{"", "a_", "form", {}}, {"", "b.png", "anna's", {}}}));
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    const int64_t removal = last(*m_anna);
+    ORVO_OK(m_boris->formPut("", {{"", "a_", "form", {}}, {"", "b.png", "boris'", {}}}));
+    const QStringList before = snapshot();
+    ORVO_OK(undo(*m_anna, {removal}, {}, &done));
+    QVERIFY(!done.written && done.asks());
+    QVERIFY(onlyRemark(done, "Не возвращено: содержимое файла «b\\.png»: имя «b\\.png» уже занято "
+                             "\\(boris, [^)]*\\)"));
+    Choices choices; // under another name it would be another file
+    choices.otherNames = choices.partly = true;
+    ORVO_OK(undo(*m_anna, {removal}, choices, &done));
+    QCOMPARE(snapshot(), before);
+}
+
+void TestHistoryNames::ofTwoFilesOfOneNameInAFormTheLaterComesBack() {
+    std::vector<int64_t> removals;
+    ORVO_OK(m_anna->formPut("", {{"", "a_", "form", {}}}));
+    Inverse done;
+    for (const char* bytes : {"first", "second"}) {
+        ORVO_OK(m_anna->formPut("", {{"", "a_", "form", {}}, {"", "b.png", bytes, {}}}));
+        ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+        removals.push_back(last(*m_anna));
+    }
+    ORVO_OK(Batch("MenuResourceFolder").update("plans", {{"caption", "x"}}).send(*m_boris));
+    Choices choices;
+    choices.partly = true;
+    ORVO_OK(undo(*m_anna, removals, choices, &done));
+    QVERIFY(done.written);
+    QCOMPARE(snapshot().filter("b.png").size(), 1);
+    QCOMPARE(snapshot().filter("second").size(), 1);
+}
+
+void TestHistoryNames::noTwoUsersShareALoginAfterAnUndo() {
+    ORVO_OK(Batch("Users").insert("u1", {{"login_", "kuz"}}).send(*m_anna));
+    ORVO_OK(Batch("Users").remove("u1").send(*m_anna));
+    const int64_t removal = last(*m_anna);
+    ORVO_OK(Batch("Users").insert("u2", {{"login_", "KUZ"}}).send(*m_boris));
+    const QStringList before = snapshot();
+    Choices choices; // a login is not to be made up
+    choices.otherNames = choices.partly = true;
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {removal}, choices, &done));
+    QVERIFY(remarks(done).join('\n').contains(
+        QRegularExpression("Не возвращено: пользователь «kuz»: имя «kuz» уже занято \\(boris, ")));
+    QCOMPARE(snapshot(), before);
+}
+
+void TestHistoryNames::noFileExtensionComesBackTwice() {
+    ORVO_OK(Batch("MenuFileExt").insert("e1", {{"fileExt", ".ui"}}).send(*m_anna));
+    ORVO_OK(Batch("MenuFileExt").remove("e1").send(*m_anna));
+    const int64_t removal = last(*m_anna);
+    ORVO_OK(Batch("MenuFileExt").insert("e2", {{"fileExt", ".ui"}}).send(*m_boris));
+    const QStringList before = snapshot();
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {removal}, {}, &done));
+    QVERIFY(done.asks());
     QCOMPARE(snapshot(), before);
 }
 

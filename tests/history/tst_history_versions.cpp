@@ -5,6 +5,8 @@
 #include "history/BackTo.h"
 #include "history/ReturnVersion.h"
 
+#include <algorithm>
+
 using namespace orvo::store;
 using namespace orvo::history;
 using namespace orvo::history::test;
@@ -29,6 +31,7 @@ private slots:
         ORVO_OK(m_anna->formPut("", {{"", "a_", "second", 2.0}}));
     }
     void aVersionComesBackAsOneAction();
+    void aVersionComesBackIntoTheFileOfItsName();
     void damagedBytesAreNotPutBack();
     void aFormThatAnotherHoldsIsLeftAlone();
     void whatWasReplacedMeanwhileStays();
@@ -79,6 +82,25 @@ void TestHistoryVersions::aVersionComesBackAsOneAction() {
     Inverse done;
     ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
     QVERIFY(contents().contains("second"));
+}
+
+void TestHistoryVersions::aVersionComesBackIntoTheFileOfItsName() {
+    ORVO_OK(m_anna->formPut("", {{"", "a_", "form", {}}, {"", "b.png", "old", {}}}));
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    VersionQuery query;
+    std::vector<KeptVersion> versions;
+    ORVO_OK(m_anna->versions(query, &versions));
+    const auto old = std::find_if(versions.begin(), versions.end(),
+                                  [](const KeptVersion& one) { return one.name == "b.png"; });
+    QVERIFY(old != versions.end());
+    ORVO_OK(m_boris->formPut("", {{"", "a_", "form", {}}, {"", "b.png", "new", {}}}));
+    ORVO_OK(returnVersion(*m_anna, old->id, position(), {}));
+    const QStringList pictures = snapshot().filter("b.png");
+    QCOMPARE(pictures.size(), 1);
+    QVERIFY2(pictures.first().endsWith("old"), qPrintable(pictures.first()));
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    QVERIFY(snapshot().filter("b.png").join('\n').endsWith("new"));
 }
 
 void TestHistoryVersions::damagedBytesAreNotPutBack() {

@@ -118,7 +118,7 @@ void describePlan(store::MaintainedStore& store, bool withWrites, RevertPlan* pl
             plan->builtOn << history::remarkWords(remark, source, names);
         } else {
             plan->left << history::remarkWords(remark, source, names);
-            plan->namesTaken = plan->namesTaken || remark.why == history::Remark::NameTaken;
+            plan->namesTaken = plan->namesTaken || remark.asksForName();
         }
     }
 }
