@@ -70,7 +70,7 @@ Values valuesIn(const MDArray* rows, uint32_t number) {
         else if (var.type == MDX_TEXT)
             values[i] = mdx::toUtf8({var.value.text.pointer, var.value.text.length});
         else if (var.type == MDX_DATE)
-            values[i] = var.value.date;
+            values[i] = double(var.value.date); // a copy: the member is not aligned
         else
             values[i] = int64_t(var.type == MDX_BOOLEAN ? var.value.boolean : var.value.integer);
     }

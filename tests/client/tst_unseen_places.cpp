@@ -75,6 +75,15 @@ private slots:
         QCOMPARE(fixture.logged(remedy), 1);
     }
 
+    void aFileThatSomebodyHoldsIsTold() {
+        Fixture fixture;
+        QVERIFY(fixture.host.byHand("UPDATE MenuResource SET UsersKey='u1', "
+                                    "dateTimeEdit=1700000000.5 WHERE KeyLink='a'"));
+        fixture.otherFolder("new", "4", "docs", "Новые");
+        fixture.otherMoves("a", "new");
+        QTRY_COMPARE(fixture.logged("Не на своём месте в дереве ресурсов: файл «a.txt»"), 1);
+    }
+
     void whatIsNewInSuchAFolderIsToldOnce() {
         Fixture fixture;
         fixture.otherFolder("new", "4", "docs", "Новые");
