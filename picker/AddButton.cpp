@@ -13,6 +13,8 @@ AddButton::AddButton(QTreeView* view) : RowDelegate(view), m_view(*view) {}
 
 void AddButton::setShown(bool on) {
     m_isShown = on;
+    // Without it no style tells which row is under the mouse, if it shows nothing there itself.
+    m_view.viewport()->setAttribute(Qt::WA_Hover, on);
     m_view.viewport()->update();
 }
 

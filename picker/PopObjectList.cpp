@@ -221,13 +221,16 @@ bool CPopObjectList::treeMouse(QEvent* event) {
     switch (event->type()) {
     case QEvent::MouseButtonDblClick:
         m_mayDrag = false;
-        return mouse->button() == Qt::LeftButton && choose(row);
+        // The first click on the button has added it.
+        return mouse->button() == Qt::LeftButton &&
+               (m_addButton->placeOn(row).contains(mouse->pos()) || choose(row));
     case QEvent::MouseButtonPress:
         m_mayDrag = mouse->button() == Qt::LeftButton && mouse->modifiers() == Qt::NoModifier &&
                     row.isValid() && !treeModel->itemIsFolder(row) && objectType != KindFile;
         m_pressed = mouse->pos();
         if (m_mayDrag && m_addButton->placeOn(row).contains(mouse->pos())) {
             m_mayDrag = false;
+            m_ui->tvObj->setCurrentIndex(row); // alone, whatever else was selected
             return choose(row);
         }
         // What is selected already is dragged together.

@@ -50,6 +50,13 @@ public:
         palette()->activateWindow();
         return QTest::qWaitFor([this] { return QApplication::activeWindow() == palette(); });
     }
+    /// Where a row of the palette has its button.
+    QRect plusOf(const char* key) const {
+        QRect cell = palette()->tvObj()->visualRect(
+            palette()->treeModel->findIndexByKey(QString::fromLatin1(key)));
+        cell.setLeft(cell.right() - cell.height());
+        return cell;
+    }
     void press(Qt::Key key, Qt::KeyboardModifiers with = Qt::NoModifier) const {
         module->activateWindow();
         view("tvMenu")->setFocus(Qt::ShortcutFocusReason);
@@ -156,10 +163,8 @@ private slots:
         QVERIFY(menu.isInPalette());
         CPopObjectList* palette = menu.palette();
         const auto clickAtEnd = [&](const char* key) {
-            const QRect cell =
-                palette->tvObj()->visualRect(palette->treeModel->findIndexByKey(QString(key)));
             QTest::mouseClick(palette->tvObj()->viewport(), Qt::LeftButton, Qt::NoModifier,
-                              {cell.right() - cell.height() / 2, cell.center().y()});
+                              menu.plusOf(key).center());
             menu.host.deliver(*menu.module);
         };
         clickAtEnd("m2");
@@ -175,6 +180,72 @@ private slots:
         clickAtEnd("m2");
         QVERIFY(palette->isVisible());
         QCOMPARE(menu.resourcesOf("glubzhe"), QString("rform m2 m1"));
+    }
+
+    void thePlusIsDrawnOnTheRowUnderTheMouse() {
+        Menu menu;
+        QVERIFY(menu.open());
+        menu.press(Qt::Key_F7);
+        QVERIFY(menu.isInPalette());
+        QWidget* rows = menu.palette()->tvObj()->viewport();
+        const auto picture = [&](const char* key) { // without the button of that row
+            return rows->grab(menu.plusOf(key)).toImage();
+        };
+        // To this window, whichever others have that point, too.
+        const auto moveTo = [&](const QPoint& at) {
+            QTest::mouseMove(menu.palette()->windowHandle(), rows->mapTo(menu.palette(), at));
+        };
+        const QPoint beside = rows->rect().bottomRight() - QPoint(5, 5);
+        moveTo(beside);
+        const QImage one = picture("m1"), two = picture("m2");
+        for (const auto& [over, on, off] : {std::tuple("m1", "m1", "m2"), {"m2", "m2", "m1"}}) {
+            moveTo(menu.plusOf(over).center() - QPoint(60, 0));
+            QTRY_VERIFY(picture(on) != (on == QByteArray("m1") ? one : two));
+            QVERIFY(picture(off) == (off == QByteArray("m1") ? one : two));
+        }
+        moveTo(beside);
+        QTRY_VERIFY(picture("m2") == two);
+        // A list for one choice has none.
+        menu.palette()->hide();
+        menu.press(Qt::Key_1, Qt::ControlModifier);
+        QVERIFY(menu.isInPalette());
+        moveTo(beside);
+        const QImage without = picture("m2");
+        moveTo(menu.plusOf("m2").center() - QPoint(60, 0));
+        QTest::qWait(1);
+        QVERIFY(picture("m2") == without);
+    }
+
+    void aDoubleClickOnThePlusAddsOnce() {
+        Menu menu;
+        QVERIFY(menu.open());
+        menu.view("tvMenu")->setCurrentIndex(menu->element("glubzhe"));
+        menu.press(Qt::Key_F7);
+        QVERIFY(menu.isInPalette());
+        QWidget* rows = menu.palette()->tvObj()->viewport();
+        const QPoint plus = menu.plusOf("m2").center();
+        QTest::mouseClick(rows, Qt::LeftButton, Qt::NoModifier, plus);
+        QTest::mouseDClick(rows, Qt::LeftButton, Qt::NoModifier, plus);
+        menu.host.deliver(*menu.module);
+        QCOMPARE(menu.resourcesOf("glubzhe"), QString("rform m2"));
+    }
+
+    void thePlusAddsOneOfSeveralSelectedRows() {
+        Menu menu;
+        QVERIFY(menu.open());
+        menu.view("tvMenu")->setCurrentIndex(menu->element("glubzhe"));
+        menu.press(Qt::Key_F7);
+        QVERIFY(menu.isInPalette());
+        QTreeView* list = menu.palette()->tvObj();
+        for (const char* key : {"m1", "m2"})
+            QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::ControlModifier,
+                              menu.plusOf(key).center() - QPoint(60, 0));
+        QCOMPARE(list->selectionModel()->selectedRows().size(), 2);
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::NoModifier,
+                          menu.plusOf("m1").center());
+        menu.host.deliver(*menu.module);
+        QCOMPARE(menu.resourcesOf("glubzhe"), QString("rform m1"));
+        QCOMPARE(list->selectionModel()->selectedRows().size(), 1);
     }
 
     void aTextIsFoundInTheNameAndInTheCaption() {
