@@ -109,7 +109,12 @@ void OrvoMenu::addChosenElements() {
         if (chosen.isValid() && !chosen.siblingAtColumn(orvo::PickColumn::IsFolder).data().toBool())
             picked.push_back({chosen.siblingAtColumn(orvo::PickColumn::KeyLink).data().toString(),
                               chosen.siblingAtColumn(orvo::PickColumn::Caption).data().toString()});
-    if (!addElements(elementRow(m_currentMenuKey), std::move(picked)))
+    // A new folder is written before what is put into it.
+    const bool isPalette = m_popList->isPalette();
+    if (isPalette && !finishEdit())
+        return;
+    const QModelIndex entered = isPalette ? elementRow(m_paletteTarget) : QModelIndex();
+    if (!addElements(entered.isValid() ? entered : elementRow(m_currentMenuKey), std::move(picked)))
         refusesChosenFolder();
 }
 

@@ -6,7 +6,9 @@
 
 #include "menu/Columns.h"
 #include "models/SimilarRows.h"
+#include "picker/PopObjectList.h"
 
+#include <QApplication>
 #include <QItemSelectionModel>
 #include <QTreeView>
 
@@ -55,6 +57,9 @@ void OrvoMenu::on_tvDesck_currentChanged(const QModelIndex& current, const QMode
 
 void OrvoMenu::on_tvMenu_currentChanged(const QModelIndex& current, const QModelIndex&) {
     m_currentMenuKey = m_menuModel->getItemKeyLink(current);
+    // Who works in the palette has chosen no other row: what others add becomes current.
+    if (!m_popList || QApplication::activeWindow() != m_popList)
+        m_paletteTarget = m_currentMenuKey;
     m_propModel->clearRows();
     // An edit of a row that moves is no edit that the engineer leaves.
     switch (m_movesRows && m_editMode == EditElement ? int32_t(NoEdit) : m_editMode) {

@@ -110,6 +110,7 @@ protected:
     QString m_openDesckKey;    ///< of the desktop whose elements m_tabMenu holds; null: the current
     QString m_currentDesckKey; ///< key of the current row of tvDesck
     QString m_currentMenuKey;  ///< key of the current row of tvMenu
+    QString m_paletteTarget;   ///< the row of tvMenu that was current when the palette was entered
     bool m_cutPending = false; ///< the clipboard holds a cut of this editor
     QByteArray m_ownCut;       ///< the last cut, as long as nothing else has been offered since
     bool m_skipDesckChange = false;  ///< the next on_tvDesck_currentChanged only clears this

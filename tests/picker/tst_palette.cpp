@@ -332,6 +332,53 @@ private slots:
         QVERIFY(palette->isVisible() && !palette->isPalette());
     }
 
+    void aNewFolderIsWrittenBeforeWhatThePaletteAddsToIt() {
+        Menu menu;
+        QVERIFY(menu.open());
+        menu.view("tvMenu")->setCurrentIndex(menu->element("glubzhe"));
+        menu.press(Qt::Key_F7);
+        menu.press(Qt::Key_Insert, Qt::ShiftModifier);
+        QCOMPARE(menu->m_editMode, int(MenuProbe::NewElement));
+        const QByteArray folder = menu->m_editMenuKey.toLatin1();
+        QVERIFY(menu.isInPalette());
+        CPopObjectList* palette = menu.palette();
+        palette->tvObj()->setCurrentIndex(palette->treeModel->findIndexByKey("m1"));
+        QTest::keyClick(palette->tvObj(), Qt::Key_Return);
+        QCOMPARE(menu->m_editMode, 0);
+        menu.host.deliver(*menu.module);
+        QCOMPARE(menu.resourcesOf(folder), QString("m1"));
+        const auto& calls = menu.host.writes().calls;
+        QCOMPARE(calls[calls.size() - 2].records.value(0).section(QChar(32), 0, 0),
+                 QString("+" + folder));
+    }
+
+    void whatOthersAddMovesNoTargetOfThePalette() {
+        Menu menu;
+        QVERIFY(menu.open());
+        menu.view("tvMenu")->setCurrentIndex(menu->element("glubzhe"));
+        menu.press(Qt::Key_F7);
+        QVERIFY(menu.isInPalette());
+        addElement(menu.store, "armop", "new", "grafiki", "Чужой", 3000, "rcalc");
+        menu.host.deliver(*menu.module);
+        QCOMPARE(menu.view("tvMenu")->currentIndex().siblingAtColumn(0), menu->element("new"));
+        CPopObjectList* palette = menu.palette();
+        for (const char* key : {"m1", "m2"}) {
+            palette->tvObj()->setCurrentIndex(palette->treeModel->findIndexByKey(QString(key)));
+            QTest::keyClick(palette->tvObj(), Qt::Key_Return);
+            menu.host.deliver(*menu.module);
+        }
+        QCOMPARE(menu.resourcesOf("glubzhe"), QString("rform m1 m2"));
+        // Back in the menu the user chooses another one.
+        menu.module->activateWindow();
+        QVERIFY(QTest::qWaitFor([&] { return QApplication::activeWindow() == menu.module.get(); }));
+        menu.view("tvMenu")->setCurrentIndex(menu->element("grafiki"));
+        QVERIFY(menu.isInPalette());
+        palette->tvObj()->setCurrentIndex(palette->treeModel->findIndexByKey("m1"));
+        QTest::keyClick(palette->tvObj(), Qt::Key_Return);
+        menu.host.deliver(*menu.module);
+        QCOMPARE(menu.resourcesOf("grafiki"), QString("rtrend rcalc rcalc m1"));
+    }
+
     void whatOthersHaveDeletedIsRefusedInWords() {
         Menu menu;
         QVERIFY(menu.open());
