@@ -79,10 +79,14 @@ std::vector<const LoggedChange*> followersOf(const std::vector<LoggedChange>& al
 
 /// The changes that the line is about: not what goes with others.
 std::vector<const LoggedChange*> mainOnes(const std::vector<LoggedChange>& all) {
-    const bool onlyContents = std::all_of(all.begin(), all.end(), isContent);
+    const auto saysNothing = [](const LoggedChange& read) { return changesNothing(*read.change); };
+    const bool nothingSaid = std::all_of(all.begin(), all.end(), saysNothing);
+    const bool onlyContents = std::all_of(all.begin(), all.end(), [&](const LoggedChange& read) {
+        return isContent(read) || saysNothing(read);
+    });
     const auto isOrder = [](const LoggedChange& read) { return read.deed == Deed::Ordered; };
     const bool onlyOrder = std::all_of(all.begin(), all.end(), [&](const LoggedChange& read) {
-        return isOrder(read) || isContent(read);
+        return isOrder(read) || isContent(read) || saysNothing(read);
     });
     const std::vector<const LoggedChange*> followers = followersOf(all);
     const std::set<const LoggedChange*> following(followers.begin(), followers.end());
@@ -99,7 +103,7 @@ std::vector<const LoggedChange*> mainOnes(const std::vector<LoggedChange>& all) 
     for (const LoggedChange& read : all) {
         if (read.table && ((isContent(read) && !onlyContents) || (isOrder(read) && !onlyOrder)))
             continue;
-        if (following.count(&read) != 0)
+        if (following.count(&read) != 0 || (saysNothing(read) && !nothingSaid))
             continue;
         const auto* records = read.deed == Deed::Deleted   ? &deleted
                               : read.deed == Deed::Created ? &created

@@ -141,6 +141,11 @@ store::Status isFollower(store::MaintainedStore& store, const Group& group,
 
 } // namespace
 
+bool changesNothing(const store::Change& change) {
+    return change.code == OrvoEventUpdate && change.after == change.before &&
+           change.table != store::contentTable().name;
+}
+
 store::Status countGroup(store::MaintainedStore& store, Group* group) {
     if (group->isCounted())
         return {};
@@ -317,7 +322,10 @@ store::Status Reader::next(size_t most, std::vector<Group>* groups) {
                  store::Status done = readGroup(m_store, change.group, &group, Group::mostChanges);
                  count += group.changes.size();
                  group.newest = std::max(group.newest, change.id);
-                 if (done.ok() && !group.changes.empty())
+                 const bool saysNothing =
+                     group.whole &&
+                     std::all_of(group.changes.begin(), group.changes.end(), changesNothing);
+                 if (done.ok() && !saysNothing)
                      found.push_back(std::move(group));
                  return done;
              });

@@ -18,6 +18,10 @@
 
 namespace orvo::history {
 
+/// Whether the change left the values of its record as they were: the echo of a content, or a write
+/// whose fields others had changed first. One of a content has put bytes there even then.
+bool changesNothing(const store::Change& change);
+
 /// What one action wrote.
 struct Group {
     int64_t id = 0; ///< of its first change
@@ -55,7 +59,8 @@ struct Filter {
     QString text;                     ///< in which the text is to be read: TextMatch.h
 };
 
-/// Reads the history from its newest group back. Groups that are made meanwhile do not show.
+/// Reads the history from its newest group back. Groups that are made meanwhile do not show, nor do
+/// those that changed nothing.
 ///
 /// Table, key, login and times are found by the database. Branch and text are looked for in what
 /// those leave, a portion a call, so that no call takes long however long the log is.

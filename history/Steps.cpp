@@ -16,6 +16,10 @@ namespace {
 
 constexpr int portion = 100;
 
+bool isNoEdit(const store::Change& change) {
+    return isLockOnly(change) || changesNothing(change);
+}
+
 class Walk {
 public:
     Walk(store::MaintainedStore& store, const Actor& actor, const std::set<int64_t>& passed)
@@ -31,15 +35,15 @@ private:
         bool known = false; ///< the log tells of it
         std::string login, client;
         std::vector<int64_t> undoes;
-        bool mayBeLock = false; ///< its first change only takes or releases a lock
+        bool mayBeNoEdit = false; ///< as far as its first change tells
     };
 
     store::Status head(int64_t group, const Head** head);
     store::Status kindOf(int64_t group, Kind* kind, int64_t* action);
     store::Status visit(int64_t group, const Standing& standing, Steps* steps);
     store::Status words(int64_t group, QString* words);
-    /// Whether the action only takes or releases locks.
-    store::Status isLock(int64_t group, bool* lock);
+    /// Whether the action only takes or releases locks, or changes nothing at all.
+    store::Status areNoEdits(int64_t group, bool* all);
 
     store::MaintainedStore& m_store;
     const Actor& m_actor;
@@ -59,7 +63,7 @@ store::Status Walk::head(int64_t group, const Head** head) {
     store::Status status = readGroup(m_store, group, &read, 1);
     if (status.ok() && !read.changes.empty())
         found->second = {true, read.login, read.client, read.undoes,
-                         isLockOnly(read.changes.front())};
+                         isNoEdit(read.changes.front())};
     return status;
 }
 
@@ -103,10 +107,10 @@ store::Status Walk::visit(int64_t group, const Standing& standing, Steps* steps)
     if (!status.ok())
         return status;
     const bool counts = standing.stands(group) && m_passed.count(group) == 0;
-    bool lock = false;
-    if (kind == Kind::Action && known->mayBeLock)
-        status = isLock(group, &lock);
-    if (!status.ok() || lock)
+    bool noEdit = false;
+    if (kind == Kind::Action && known->mayBeNoEdit)
+        status = areNoEdits(group, &noEdit);
+    if (!status.ok() || noEdit)
         return status;
     if (kind == Kind::Action) {
         m_redoEnds = true;
@@ -121,10 +125,10 @@ store::Status Walk::visit(int64_t group, const Standing& standing, Steps* steps)
     return {};
 }
 
-store::Status Walk::isLock(int64_t group, bool* lock) {
+store::Status Walk::areNoEdits(int64_t group, bool* all) {
     Group read;
     store::Status status = readGroup(m_store, group, &read, Group::mostChanges);
-    *lock = read.whole && std::all_of(read.changes.begin(), read.changes.end(), isLockOnly);
+    *all = read.whole && std::all_of(read.changes.begin(), read.changes.end(), isNoEdit);
     return status;
 }
 

@@ -3,7 +3,8 @@
 //
 // A group of the login that takes back just one other group of the same login is a step: of undo if
 // that was an action, of redo if that was a step of undo. Every other group is an action, one that
-// takes back what others did included.
+// takes back what others did included; but what only took or released locks, or changed nothing, is
+// none.
 #ifndef ORVO_HISTORY_STEPS_H
 #define ORVO_HISTORY_STEPS_H
 

@@ -37,6 +37,7 @@ private slots:
     void aFolderWithAFormThatAnotherHoldsStays();
     void aLockThatIsTakenMeanwhileOutdatesThePlan();
     void aLockIsNoStepOfUndo();
+    void whatChangedNothingIsNoStepOfUndo();
 
 private:
     /// Of the only form.
@@ -222,6 +223,27 @@ void TestHistoryLocks::aLockIsNoStepOfUndo() {
     ORVO_OK(lock(*m_anna, ""));
     ORVO_OK(readSteps(*m_anna, {"anna", "test"}, {}, &steps));
     QCOMPARE(steps.redo.group, undone);
+}
+
+void TestHistoryLocks::whatChangedNothingIsNoStepOfUndo() {
+    ORVO_OK(change(*m_anna, {{"caption", "Новая"}}));
+    const int64_t renamed = last(*m_anna);
+    ORVO_OK(change(*m_anna, {{"caption", "Новая"}}));
+    QVERIFY(last(*m_anna) > renamed);
+    Steps steps;
+    ORVO_OK(readSteps(*m_anna, {"anna", "test"}, {}, &steps));
+    QCOMPARE(steps.undo.group, renamed);
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {renamed}, {}, &done));
+    const int64_t undone = last(*m_anna);
+    ORVO_OK(change(*m_anna, {{"caption", "a_"}}));
+    QVERIFY(last(*m_anna) > undone);
+    ORVO_OK(readSteps(*m_anna, {"anna", "test"}, {}, &steps));
+    QCOMPARE(steps.redo.group, undone);
+    // An upload of the same size and time changes no field either, but bytes.
+    ORVO_OK(m_anna->formPut("", {{"", "a_", "other", 1.0}}));
+    ORVO_OK(readSteps(*m_anna, {"anna", "test"}, {}, &steps));
+    QCOMPARE(steps.undo.group, last(*m_anna));
 }
 
 int main(int argc, char** argv) {

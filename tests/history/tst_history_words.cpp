@@ -44,6 +44,7 @@ private slots:
     void aKnownBranchFollowsTheLog();
     void aKnownBranchOutlivesAPrunedLog();
     void thirdPartyTablesAreNamed();
+    void whatChangedNothingIsNotTold();
     void aNameStaysOnItsLineAndInItsDirection();
 
 private:
@@ -706,6 +707,25 @@ void TestHistoryWords::thirdPartyTablesAreNamed() {
     QCOMPARE(words(last(*m_anna)), QString("Создана форма «щит.ui»"));
     ORVO_OK(m_anna->formPut("", {{"", "щит.ui", "other", {}}}));
     QCOMPARE(words(last(*m_anna)), QString("Изменено содержимое файла «щит.ui»"));
+}
+
+void TestHistoryWords::whatChangedNothingIsNotTold() {
+    ORVO_OK(Batch("MenuResourceFolder").insert("forms", {{"type_", 3}}).send(*m_anna));
+    ORVO_OK(m_anna->formPut("", {{"", "щит.ui", "bytes", {}}}));
+    ORVO_OK(m_anna->formPut("", {{"", "щит.ui", "other", {}}}));
+    const size_t before = linesOf({}).size();
+    ORVO_OK(Batch("MenuResourceFolder").update("forms", {{"type_", 3}}).send(*m_anna));
+    QVERIFY(linesOf({}).size() == before);
+    // Nor does the echo of the form hide what became of its content.
+    Inverse done;
+    Reader reader(*m_anna, {});
+    std::vector<Group> groups;
+    ORVO_OK(reader.next(1, &groups));
+    ORVO_OK(undo(*m_anna, {groups.at(0).id}, {}, &done));
+    QVERIFY(done.written);
+    QCOMPARE(words(last(*m_anna)), QString("Отменено изменение: содержимое файла «щит.ui»"));
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    QCOMPARE(words(last(*m_anna)), QString("Повтор: изменено содержимое файла «щит.ui»"));
 }
 
 void TestHistoryWords::aNameStaysOnItsLineAndInItsDirection() {
