@@ -198,8 +198,8 @@ store::Status Planning::lookBelow(const store::TableDef& table, const Link& link
 }
 
 store::Status Planning::keepWhatIsBuiltOn(bool* changed) {
-    if (m_alone)
-        return {}; // nobody has done anything since
+    if (m_alone && m_kept.empty())
+        return {}; // nobody has done anything since, and all of it goes
     if (!std::exchange(m_foundUploads, true))
         if (store::Status uploads =
                 findUploadsInto(m_records[store::findTable(table::MenuResource)]);

@@ -70,7 +70,7 @@ store::Status Planning::leaveTaken(const store::TableDef& table, const store::Na
 
 store::Status Planning::keepNamesApart(bool* changed) {
     *changed = false;
-    if (m_alone)
+    if (m_alone && m_kept.empty())
         return {}; // they were apart, or not, before
     for (auto& [table, records] : m_records) {
         if (!store::NamePlaces::concern(*table))

@@ -35,6 +35,7 @@ private slots:
     void theOwnLockDoesNotHinder();
     void theLockOfAUserWhoIsGoneDoesNotHinder();
     void aFolderWithAFormThatAnotherHoldsStays();
+    void soItDoesIfTheLockIsTakenBackToo();
     void aLockThatIsTakenMeanwhileOutdatesThePlan();
     void aLockIsNoStepOfUndo();
     void whatChangedNothingIsNoStepOfUndo();
@@ -187,6 +188,24 @@ void TestHistoryLocks::aFolderWithAFormThatAnotherHoldsStays() {
     QVERIFY(!done.written);
     QCOMPARE(remarks(done).size(), 1);
     QVERIFY(remarks(done).front().contains("форма «b_»: занята (Boris"));
+    QCOMPARE(snapshot(), before);
+}
+
+void TestHistoryLocks::soItDoesIfTheLockIsTakenBackToo() {
+    ORVO_OK(Batch("MenuResourceFolder")
+                .insert("f", {{"type_", 3}, {"caption", "Новые"}, {"ParentKey", "forms"}})
+                .send(*m_anna));
+    const int64_t folder = last(*m_anna);
+    ORVO_OK(m_anna->formPut("Новые", {{"", "b_", "its", 2.0}}));
+    const int64_t upload = last(*m_anna);
+    m_form = snapshot().filter("\"b_\"").front().split('"').at(1);
+    ORVO_OK(lock(*m_boris, "ub"));
+    const QStringList before = snapshot();
+    Choices choices;
+    choices.partly = true;
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {folder, upload, last(*m_boris)}, choices, &done));
+    QVERIFY(remarks(done).join('\n').contains("форма «b_»: занята (Boris"));
     QCOMPARE(snapshot(), before);
 }
 
