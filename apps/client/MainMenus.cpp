@@ -28,8 +28,7 @@ namespace orvo::app {
 namespace {
 
 constexpr char stayKey[] = "view/stayAtOwnRow";
-constexpr char entryProperty[] = "orvoMenu";      // of a module's action: in which menu it is shown
-constexpr char placeProperty[] = "orvoPlace";     // of the same: its place among the others
+constexpr char placeProperty[] = "orvoPlace";     // of a module's entry: its place among the others
 constexpr char paletteProperty[] = "orvoPalette"; // of a window that stays beside its module
 
 } // namespace

@@ -17,6 +17,8 @@ namespace orvo::app {
 
 /// The least that a finger hits, in pixels.
 constexpr int fingerSize = 44;
+/// The property of an editor's action that stands in a menu of the window: in which one.
+constexpr char entryProperty[] = "orvoMenu";
 
 class ModuleTabs : public QTabWidget {
     Q_OBJECT

@@ -124,11 +124,11 @@ PageDock* PageDocks::makeDock(const ModuleTabs::Order::Tab& page) {
     auto* dock = new PageDock( // the window's child
         page, [this](QWidget* shown) { close(shown); }, [this] { emit currentChanged(); },
         &m_window);
-    // The keys of the window's menus work in a window of its own, too; those of the page are its
-    // own matter.
+    // The window's own keys work in a window of the page, too. What a module has in the menus is
+    // that module's: the same key of two editors would be ambiguous, and neither would get it.
     for (const QAction* menu : m_window.menuBar()->actions())
         for (QAction* action : menu->menu()->actions())
-            if (!belongsTo(qobject_cast<QWidget*>(action->parent()), *page.page))
+            if (!action->property(entryProperty).isValid())
                 dock->addAction(action);
     // By this name the window knows the place of an editor's pane again.
     dock->setObjectName(page.isModule ? QStringLiteral("page ") + page.name

@@ -2,8 +2,11 @@
 #include "apps/client/ModuleTabs.h"
 #include "apps/client/PageDocks.h"
 #include "tests/client/RunningClient.h"
+#include "tests/menu/WindowHands.h"
 
+#include <QComboBox>
 #include <QDockWidget>
+#include <QLineEdit>
 #include <QMenuBar>
 
 using namespace orvo;
@@ -34,6 +37,35 @@ struct Fixture : RunningClient {
     template <class T>
     T* child(const QByteArray& name) const {
         return client->window()->findChild<T*>(QString::fromLatin1(name));
+    }
+    /// An open edit in both editors: another name for the current row.
+    void editInBoth() const {
+        for (const char* editor : {"Menu", "Resources"}) {
+            QTreeView* tree = view(editor == QByteArray("Menu") ? "tvMenu" : "tvRes");
+            tree->setCurrentIndex(rowOf(tree, editor == QByteArray("Menu") ? "г" : "Узлы"));
+            focus(tree);
+            QTest::keyClick(tree, Qt::Key_F2);
+            auto* line = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+            if (!line)
+                qFatal("no line to type into");
+            line->selectAll();
+            typeText(line, "новое");
+            QTest::keyClick(line, Qt::Key_Return);
+            if (!isEdited(editor))
+                qFatal("no open edit");
+        }
+    }
+    static void focus(QWidget* part) {
+        part->window()->activateWindow();
+        part->setFocus();
+        QTRY_COMPARE(QApplication::focusWidget(), part);
+    }
+    bool isEdited(const char* editor) const { return !module(editor)->ModEditText().isEmpty(); }
+    static QModelIndex rowOf(const QTreeView* tree, const QString& text) {
+        const QModelIndexList found =
+            tree->model()->match(tree->model()->index(0, 0), Qt::DisplayRole, text, 1,
+                                 Qt::MatchExactly | Qt::MatchRecursive);
+        return found.value(0);
     }
     QString tabNames() const {
         QStringList names;
@@ -107,6 +139,58 @@ private slots:
         QTest::keyClick(menu, Qt::Key_F11, Qt::ShiftModifier);
         QTRY_COMPARE(fixture.tabNames(), QString("Редактор меню, Редактор ресурсов"));
         QTRY_COMPARE(QApplication::focusWidget(), menu);
+    }
+
+    void theKeysOfAnEditorWorkWhereverItIs_data() {
+        QTest::addColumn<bool>("inItsWindow");
+        QTest::newRow("beside the other") << false;
+        QTest::newRow("in its own window") << true;
+    }
+    void theKeysOfAnEditorWorkWhereverItIs() {
+        QFETCH(bool, inItsWindow);
+        Fixture fixture;
+        fixture.stop();
+        for (const char* kind : {"1", "2", "3", "4"})
+            fixture.otherWrites(
+                MDX_INSERT,
+                {{"KeyLink", kind}, {"type_", kind}, {"caption", *kind == '1' ? "Узлы" : kind}},
+                "MenuResourceFolder");
+        fixture.add("e", "новая", {});
+        fixture.start();
+        fixture.activate();
+        // With the other one in front the menus have its entries while the pane is made.
+        fixture.takeOut("Menu",
+                        inItsWindow ? PageDocks::Place::OwnWindow : PageDocks::Place::Beside);
+        fixture.editInBoth();
+        QTreeView* menu = fixture.view("tvMenu");
+        QTreeView* resources = fixture.view("tvRes");
+        Fixture::focus(menu);
+        QTest::keyClick(menu, Qt::Key_S, Qt::ControlModifier);
+        QTRY_VERIFY(!fixture.isEdited("Menu"));
+        QVERIFY(fixture.isEdited("Resources"));
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) новое новая"));
+
+        QTest::keyClick(menu, Qt::Key_F, Qt::ControlModifier);
+        auto* text = menu->findChild<QLineEdit*>("treeSearchText");
+        QVERIFY(text && text->isVisible());
+        QTRY_COMPARE(QApplication::focusWidget(), text);
+        auto* column = text->parentWidget()->findChild<QComboBox*>();
+        const int before = column->currentIndex();
+        QTest::keyClick(text, Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
+        QVERIFY(column->currentIndex() != before);
+        column->setCurrentIndex(before);
+        typeText(text, "нов");
+        const QModelIndex found = menu->currentIndex();
+        QTest::keyClick(text, Qt::Key_F3);
+        QVERIFY(menu->currentIndex() != found);
+
+        Fixture::focus(resources);
+        QTest::keyClick(resources, Qt::Key_S, Qt::ControlModifier);
+        QTRY_VERIFY(!fixture.isEdited("Resources"));
+        Fixture::focus(resources);
+        QTest::keyClick(resources, Qt::Key_F, Qt::ControlModifier);
+        auto* search = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+        QVERIFY(search && fixture.module("Resources")->isAncestorOf(search));
     }
 
     void theTabsHideWhileAllPagesAreOut() {
