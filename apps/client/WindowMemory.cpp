@@ -101,9 +101,11 @@ void saveColumns(QSettings& settings, const QTreeView& tree) {
     settings.setValue(name, widths);
 }
 
-void restoreColumns(const QSettings& settings, const QTreeView& tree) {
+/// False if none are known.
+bool restoreColumns(const QSettings& settings, const QTreeView& tree) {
     const QString name = tree.objectName() + QLatin1String("/columns");
     setWidths(*tree.header(), settings.value(name).toStringList());
+    return settings.contains(name);
 }
 
 /// Visits the rows that stand open below each other; `open` tells whether a row does.
@@ -219,10 +221,19 @@ void fitColumns(QTreeView& tree) {
     header.setStretchLastSection(stretches);
 }
 
-/// Does so when the tree is first on the screen: its width is known then.
+/// A tree that has not been on the screen since it was made. It is fitted to its width when it is:
+/// until then that is not known, and its widths are nobody's wish.
 class FitWhenShown : public QObject {
 public:
+    /// It is the tree's child, for as long as the tree waits.
     explicit FitWhenShown(QTreeView* tree) : QObject(tree) { tree->installEventFilter(this); }
+
+    static bool waits(const QTreeView& tree) {
+        const QObjectList& children = tree.children();
+        return std::any_of(children.begin(), children.end(), [](const QObject* child) {
+            return dynamic_cast<const FitWhenShown*>(child) != nullptr;
+        });
+    }
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
@@ -375,7 +386,8 @@ void WindowMemory::saveModule(const QString& name, const QWidget& module) const 
     for (const QSplitter* splitter : module.findChildren<QSplitter*>())
         settings.setValue(splitter->objectName(), splitter->saveState());
     for (const QTreeView* tree : treesOf(module)) {
-        saveColumns(settings, *tree);
+        if (!FitWhenShown::waits(*tree))
+            saveColumns(settings, *tree);
         if (!showsOneRecord(*tree)) {
             settings.beginGroup(tree->objectName());
             settings.setValue(QStringLiteral("open"), openRows(*tree));
@@ -390,22 +402,17 @@ void WindowMemory::saveModule(const QString& name, const QWidget& module) const 
 void WindowMemory::restoreModule(const QString& name, QWidget& module) const {
     QSettings settings = clientSettings();
     settings.beginGroup(m_group);
-    const bool isKnown = settings.childGroups().contains(name);
     settings.beginGroup(name);
     new PopupColumns(&module, settings.group()); // the module's child
-    if (!isKnown) {
-        for (QTreeView* tree : treesOf(module)) {
+    for (QSplitter* splitter : module.findChildren<QSplitter*>())
+        splitter->restoreState(settings.value(splitter->objectName()).toByteArray());
+    for (QTreeView* tree : treesOf(module)) {
+        if (!restoreColumns(settings, *tree)) {
             if (tree->isVisible())
                 fitColumns(*tree);
             else
                 new FitWhenShown(tree); // the tree's child
         }
-        return;
-    }
-    for (QSplitter* splitter : module.findChildren<QSplitter*>())
-        splitter->restoreState(settings.value(splitter->objectName()).toByteArray());
-    for (QTreeView* tree : treesOf(module)) {
-        restoreColumns(settings, *tree);
         if (!showsOneRecord(*tree)) {
             settings.beginGroup(tree->objectName());
             open(*tree, settings.value(QStringLiteral("open")).toStringList().mid(0, mostOpenRows));

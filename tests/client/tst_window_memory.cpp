@@ -167,6 +167,30 @@ private slots:
         QCOMPARE(found.size(), QSize(700, 500));
     }
 
+    void whatWasNeverShownIsFittedWhenItIs() {
+        const WindowMemory memory("store", "ivanov");
+        const auto start = [&](bool isShown, int* width) {
+            Editor editor;
+            editor.module.hide(); // the tab of another is in front
+            editor.tree->header()->resizeSection(0, 900);
+            memory.restoreModule("Menu", editor.module);
+            if (isShown) {
+                editor.module.show();
+                QTRY_VERIFY(editor.tree->columnWidth(0) < 600);
+            }
+            *width = editor.tree->columnWidth(0);
+            memory.saveModule("Menu", editor.module);
+        };
+        int before = 0, fitted = 0;
+        start(false, &before);
+        QCOMPARE(before, 900);
+        start(true, &fitted);
+        // From then on the widths are the user's.
+        Editor next;
+        memory.restoreModule("Menu", next.module);
+        QCOMPARE(next.tree->columnWidth(0), fitted);
+    }
+
     void thePopUpOfAModuleHasItsColumnsWhenItIsFirstShown() {
         const WindowMemory memory("store", "ivanov");
         {
