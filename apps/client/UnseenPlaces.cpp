@@ -111,22 +111,28 @@ void UnseenPlaces::tell(std::shared_ptr<const Unseen> unseen) {
     auto text = std::make_shared<QString>();
     const auto look = [unseen, text](store::MaintainedStore& store) {
         history::StoredRecords source(&store);
+        bool isReopened = false, isCured = false; // what helps
         const auto all = [&](const std::vector<Placed>& records, const char* before) {
             for (const Placed& placed : records)
                 if (const history::Values values = source.valuesOf(*placed.table, placed.key);
-                    !values.empty()) // it is there still
+                    !values.empty()) { // it is there still
+                    const QString place = history::placeOf(*placed.table, values, &source);
+                    const bool isTop = placed.folder.empty();
+                    // Opened anew, the editor would not show it at all.
+                    (!isTop && place.isEmpty() ? isCured : isReopened) = true;
                     return QString::fromUtf8(before) +
                            history::recordWords(*placed.table, values, placed.key) +
-                           whereWords(history::placeOf(*placed.table, values, &source),
-                                      placed.folder.empty()) +
-                           history::andMore(records.size() - 1);
+                           whereWords(place, isTop) + history::andMore(records.size() - 1);
+                }
             return QString();
         };
         QStringList sentences{all(unseen->misplaced, "Не на своём месте в дереве ресурсов: "),
                               all(unseen->hidden, "Не видно в дереве ресурсов: ")};
         sentences.removeAll(QString());
-        if (!sentences.isEmpty())
+        if (isReopened)
             sentences << QStringLiteral("На место ставит «Открыть модули заново» (Ctrl+R)");
+        if (isCured)
+            sentences << QStringLiteral("Место дают «Проблемы» (F8)");
         *text = sentences.join(QStringLiteral(". "));
         return store::Status();
     };

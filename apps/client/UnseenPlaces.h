@@ -1,7 +1,8 @@
 // UnseenPlaces.h: tells the user of changes that put a record where the open resource editor shows
 // no row for it, or shows its row in a wrong place: below a folder that another client has made
-// since the editor was opened, or a folder at the top of its area. The editor puts such rows right
-// when it is opened anew, and not before.
+// since the editor was opened, a folder at the top of its area, or below a folder that is gone. The
+// editor puts such rows right when it is opened anew, and not before; those without a folder it
+// leaves out then, and what cures them is named instead.
 //
 // Invariants: 1 what is told was so in the editor's tree after it had taken the change; 2 of the
 // records without a row only the first ones of a folder are told, once for each opening of the

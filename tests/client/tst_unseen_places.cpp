@@ -106,6 +106,16 @@ private slots:
         QTRY_COMPARE(fixture.files(), QString("Документы(a.txt) Иконки Старые"));
     }
 
+    void whatHasNoFolderAnyMoreIsToldWithItsCure() {
+        Fixture fixture;
+        fixture.otherWrites(MDX_UPDATE, {{"KeyLink", "old"}, {"ParentKey", "gone"}},
+                            "MenuResourceFolder");
+        QTRY_COMPARE(fixture.logged("Не на своём месте в дереве ресурсов: папка ресурсов «Старые» "
+                                    "(папки больше нет). Место дают «Проблемы» (F8)."),
+                     1);
+        QCOMPARE(fixture.logged(remedy), 0);
+    }
+
     void whatStandsWhereItIsShownIsNotTold() {
         Fixture fixture;
         fixture.otherMoves("a", "icons");
