@@ -128,7 +128,8 @@ store::Status undo(store::MaintainedStore& store, const Selection& selection,
 bool Inverse::asks() const {
     return std::any_of(remarks.begin(), remarks.end(), [](const Remark& remark) {
         return remark.asksForPlace() || remark.why == Remark::BuiltOn ||
-               remark.why == Remark::CutChanged || remark.why == Remark::NameTaken;
+               remark.why == Remark::CutChanged || remark.why == Remark::NameTaken ||
+               remark.why == Remark::NoResource;
     });
 }
 
@@ -176,6 +177,10 @@ QString remarkWords(const Remark& remark, RecordSource& source, const PersonName
                    : QStringLiteral("Не возвращено: %1: нет места, %2 стоит теперь внутри")
                          .arg(record, place);
     }
+    case Remark::NoResource:
+        return QStringLiteral("Не возвращено: %1: ресурс %2 удалён (%3)")
+            .arg(record,
+                 nameInQuotes(*store::findTable(table::MenuResource), source, remark.missing), who);
     case Remark::Locked:
         return QStringLiteral("Оставлено как есть: %1: занята (%2)").arg(record, who);
     case Remark::ContentLocked:

@@ -35,6 +35,7 @@ struct Remark {
         MovedSince,    ///< or cut it: it is another record now
         NoPlace,       ///< the record below which it stood was deleted: see Choices::places
         PlaceInside,   ///< or stands below it now: the same
+        NoResource,    ///< the resource that the element opens was deleted since
         BuiltOn,       ///< others have built on what would be deleted: see Choices::othersWorkToo
         NameTaken,     ///< another record has the name by now: see Choices::otherNames
         CutChanged,    ///< others have changed what a cut has made: the same
@@ -58,14 +59,15 @@ struct Remark {
     Why why = ChangedSince;
     const store::TableDef* table = nullptr; ///< null: of a whole action
     std::string key;
-    int field = -1;      ///< ChangedSince, NoPlace, PlaceInside; NameTaken: of a stored record
-    std::string missing; ///< NoPlace, PlaceInside: the key that the field would name; NameTaken:
-                         ///< the name; NoRights, RightsStay: the login
-    std::string login;   ///< ChangedSince, DeletedSince, MovedSince, NoPlace, BuiltOn, CutChanged,
-                         ///< NameTaken, AlreadyDone, GoneBefore, MakingUndone: whose action it was;
-                         ///< Locked, ContentLocked: who holds it
-    double time = 0;     ///< and when, or since when
-    int64_t group = 0;   ///< that action; of a whole action: the one that was asked for
+    int field =
+        -1; ///< ChangedSince, NoPlace, PlaceInside, NoResource; NameTaken: of a stored record
+    std::string missing; ///< NoPlace, PlaceInside, NoResource: the key that the field would name;
+                         ///< NameTaken: the name; NoRights, RightsStay: the login
+    std::string login; ///< ChangedSince, DeletedSince, MovedSince, NoPlace, NoResource, BuiltOn,
+                       ///< CutChanged, NameTaken, AlreadyDone, GoneBefore, MakingUndone: whose
+                       ///< action it was; Locked, ContentLocked: who holds it
+    double time = 0;   ///< and when, or since when
+    int64_t group = 0; ///< that action; of a whole action: the one that was asked for
 
     /// Whether Choices::places can help.
     bool asksForPlace() const { return why == NoPlace || why == PlaceInside; }
@@ -78,7 +80,7 @@ struct Choices {
     bool othersWorkToo = false; ///< delete what others have built on as well, with what is below
                                 ///< it; of a cut, take back with it what they have changed
     bool otherNames = false;    ///< give what has no name any more a free one: "a (2).png"
-    bool partly = false;        ///< go on without what has no place or name, or others built on
+    bool partly = false; ///< go on without what has no place, resource or name, or others built on
     /// Another parent for each missing one, by its folded key; empty: at the top. One that is not
     /// stored, or stands below what is to be placed there, is none.
     std::map<std::string, std::string> places;

@@ -51,7 +51,7 @@ public:
     store::Status keepLocked();
     /// Leaves out the removal of users who would keep their rights, and tells whose are missing.
     void keepRights();
-    /// Leaves out restored records without a place.
+    /// Leaves out restored records without a place, and elements without their resource.
     store::Status placeRestored();
     /// Leaves out deletions of what others have built on. What stands below a record that a cut has
     /// made goes back with the cut.
@@ -141,6 +141,7 @@ private:
                            std::optional<Remark::Why>* whyNot);
     store::Status placeAfterCut(const Placement& placement, const std::string& missing,
                                 std::string* cutTo);
+    store::Status keepResources(bool* changed);
     /// Leaves the link out if the record cannot stand there.
     store::Status place(const Placement& placement, bool* changed);
     /// The change that deleted a record that is missing; null if none did.

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <unordered_map>
 
 namespace orvo::history {
 
@@ -221,11 +222,77 @@ store::Status Planning::place(const Placement& placement, bool* changed) {
     return {};
 }
 
+/// Leaves out the elements, or the links of elements, whose resource others have deleted since.
+store::Status Planning::keepResources(bool* changed) {
+    if (m_alone && m_kept.empty() && m_unplaced.empty())
+        return {}; // what they name comes back as they do
+    const store::TableDef& elements = *store::findTable(table::Menu);
+    const store::TableDef& resources = *store::findTable(table::MenuResource);
+    const int link = elements.find(field::MenuResourceKey);
+    std::map<std::string, std::vector<Record*>> naming; // by folded key of the resource
+    std::unordered_map<std::string_view, std::vector<Record*>*> spelled; // many name one
+    for (auto& [key, record] : m_records[&elements]) {
+        const auto value = record.values.find(link);
+        if ((record.flag != MDX_INSERT && record.flag != MDX_UPDATE) ||
+            value == record.values.end() || !store::isKey(store::textOf(value->second)))
+            continue;
+        const auto [found, fresh] = spelled.try_emplace(store::textOf(value->second), nullptr);
+        if (fresh)
+            found->second = &naming[store::foldedKey(store::textOf(value->second))];
+        found->second->push_back(&record);
+    }
+    std::set<std::string> keys;
+    for (const auto& [key, records] : naming)
+        keys.insert(key);
+    std::map<std::string, std::vector<store::Value>> stored;
+    store::Status status;
+    if (!keys.empty())
+        status = m_store.storedValues(resources, {keys.begin(), keys.end()}, &stored);
+    for (auto& [key, records] : naming) {
+        const Record* const resource = planned(resources, key);
+        const store::Change* deletion = nullptr;
+        if (stored.count(key) != 0 || (resource && resource->flag == MDX_INSERT))
+            continue;
+        if (status.ok())
+            status = deletionOf(resources, key, &deletion);
+        if (!status.ok())
+            return status;
+        for (Record* record : records) {
+            const auto first = std::find_if(record->events.begin(), record->events.end(),
+                                            [&](const Event& event) { return isConcerned(event); });
+            const bool wasSo =
+                !deletion || first == record->events.end() ||
+                (deletion->id < first->change->id && m_concerned.count(deletion->group) == 0);
+            if (wasSo)
+                continue;
+            if (m_unplaced.count(resource) == 0) {
+                remark(Remark::NoResource, elements, *record, link, deletion);
+                m_inverse.remarks.back().missing = store::textOf(record->values[link]);
+            }
+            if (record->flag == MDX_INSERT) {
+                m_unplaced.insert(record);
+                record->flag = 0;
+            } else {
+                record->values.erase(link);
+                if (record->values.empty())
+                    record->flag = 0;
+            }
+            *changed = true;
+        }
+    }
+    return status;
+}
+
 store::Status Planning::placeRestored() {
     forgetMovedAlong();
+    bool changed = false;
+    store::Status status = keepResources(&changed);
     const std::vector<Placement> all = placements();
-    store::Status status = readAbove(all);
-    for (bool again = true; again;) { // what has no place is no place for others
+    if (status.ok())
+        status = readAbove(all);
+    if (changed)
+        m_fine.clear();
+    for (bool again = true; again && status.ok();) { // what has no place is no place for others
         again = false;
         for (const Placement& one : all)
             if (status.ok())

@@ -24,6 +24,8 @@ private slots:
     void thatNothingIsLeftIsExplained();
     void aDeletedBranchComesBackWhole();
     void aBranchWithoutItsParentAsksForAPlace();
+    void anElementWhoseResourceIsGoneStaysAway();
+    void anElementKeepsItsResourceIfTheOldOneIsGone();
     void anInsertAsksIfOthersHaveBuiltOnIt();
     void anInsertGoesIfNobodyHasBuiltOnIt();
     void aChangeOfWhatOthersDeletedIsReported();
@@ -201,6 +203,65 @@ void TestHistoryUndo::aBranchWithoutItsParentAsksForAPlace() {
     ORVO_OK(undo(*m_anna, {annas}, {}, &done));
     QVERIFY(done.written);
     QVERIFY(snapshot().contains(R"(Menu|"b"|"a"|"d"|"Б"||||||)"));
+}
+
+void TestHistoryUndo::anElementWhoseResourceIsGoneStaysAway() {
+    const auto plant = [&](const char* element, const char* resource) {
+        return Batch("Menu")
+            .insert(element,
+                    {{"caption", element}, {"FolderKey", "d"}, {"MenuResourceKey", resource}})
+            .send(*m_anna);
+    };
+    for (const char* key : {"m", "n"})
+        ORVO_OK(Batch("MenuResource").insert(key, {{"type_", 1}, {"name_", key}}).send(*m_anna));
+    ORVO_OK(plant("x", "M"));
+    ORVO_OK(plant("y", "n"));
+    ORVO_OK(Batch("Menu").remove("x").remove("y").send(*m_anna));
+    const int64_t deletion = last(*m_anna);
+    ORVO_OK(Batch("MenuResource").remove("m").send(*m_boris));
+    const int64_t his = last(*m_boris);
+    const QStringList before = snapshot();
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {deletion}, {}, &done));
+    QVERIFY(!done.written && done.asks());
+    QVERIFY2(QRegularExpression("^Не возвращено: элемент меню «x»: ресурс «m» удалён \\(boris, "
+                                "[^)]*\\)$")
+                 .match(remarks(done).join('\n'))
+                 .hasMatch(),
+             qPrintable(remarks(done).join('\n')));
+    QCOMPARE(snapshot(), before);
+    ORVO_OK(planInverse(*m_anna, {deletion, his}, {}, &done)); // together they come back
+    QCOMPARE(remarks(done), QStringList());
+    Choices choices;
+    choices.partly = true;
+    ORVO_OK(undo(*m_anna, {deletion}, choices, &done));
+    QVERIFY(done.written);
+    QCOMPARE(caption("y"), QString("y"));
+    QCOMPARE(caption("x"), QString());
+    // What has opened nothing before is no reason to ask.
+    ORVO_OK(plant("z", "m"));
+    ORVO_OK(Batch("Menu").remove("z").send(*m_anna));
+    const int64_t opensNothing = last(*m_anna);
+    rename(*m_boris, "a", "1");
+    ORVO_OK(undo(*m_anna, {opensNothing}, {}, &done));
+    QCOMPARE(remarks(done), QStringList());
+    QCOMPARE(caption("z"), QString("z"));
+}
+
+void TestHistoryUndo::anElementKeepsItsResourceIfTheOldOneIsGone() {
+    for (const char* key : {"m", "n"})
+        ORVO_OK(Batch("MenuResource").insert(key, {{"type_", 1}, {"name_", key}}).send(*m_anna));
+    ORVO_OK(Batch("Menu").update("c", {{"MenuResourceKey", "m"}}).send(*m_anna));
+    ORVO_OK(Batch("Menu").update("c", {{"MenuResourceKey", "n"}, {"caption", "1"}}).send(*m_anna));
+    const int64_t chosen = last(*m_anna);
+    ORVO_OK(Batch("MenuResource").remove("m").send(*m_boris));
+    Choices choices;
+    choices.partly = true;
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {chosen}, choices, &done));
+    QVERIFY(done.written && done.asks());
+    QCOMPARE(fieldOf("c", "MenuResourceKey"), QString("n"));
+    QCOMPARE(caption("c"), QString("В"));
 }
 
 void TestHistoryUndo::anInsertAsksIfOthersHaveBuiltOnIt() {

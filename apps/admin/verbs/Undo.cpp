@@ -25,8 +25,8 @@ void undoOptions(OptionList& options) {
                     QString::fromUtf8("Вернуть под свободным именем то, чьё имя уже занято: "
                                       "«а (2).png».")});
     options.append({QStringLiteral("partly"),
-                    QString::fromUtf8("Отменить без того, чему нет места, чьё имя занято или на "
-                                      "чём построили другие.")});
+                    QString::fromUtf8("Отменить без того, чему нет места, чьё имя занято, чей "
+                                      "ресурс удалён или на чём построили другие.")});
     options.append({QStringLiteral("place"),
                     QString::fromUtf8("Вместо удалённой папки вернуть в эту: ключи через «=»; "
                                       "пусто после «=» - на верхний уровень."),
