@@ -98,6 +98,8 @@ store::Status planInverse(store::MaintainedStore& store, const Selection& select
         again = again || taken;
     }
     if (status.ok())
+        status = planning.releaseForms();
+    if (status.ok())
         status = planning.decideContents();
     if (status.ok())
         planning.compose();

@@ -4,7 +4,7 @@
 // else has changed since is left alone, and comes out right when he takes his change back, too.
 // Taking back an action that took others back does those again. Who has taken a form into work is
 // no edit: locks are neither taken back nor done again, and of a form that another holds neither
-// the contents change nor does it go.
+// the contents change nor does it go. Only a user who goes leaves none behind.
 //
 // A plan is made from the log and the records as they are. It is written as one action, in one
 // transaction, and only if none of its records was changed since it was made.
@@ -63,11 +63,11 @@ struct Remark {
         -1; ///< ChangedSince, NoPlace, PlaceInside, NoResource; NameTaken: of a stored record
     std::string missing; ///< NoPlace, PlaceInside, NoResource: the key that the field would name;
                          ///< NameTaken: the name; NoRights, RightsStay: the login
-    std::string login; ///< ChangedSince, DeletedSince, MovedSince, NoPlace, NoResource, BuiltOn,
-                       ///< CutChanged, NameTaken, AlreadyDone, GoneBefore, MakingUndone: whose
-                       ///< action it was; Locked, ContentLocked: who holds it
-    double time = 0;   ///< and when, or since when
-    int64_t group = 0; ///< that action; of a whole action: the one that was asked for
+    std::string login;   ///< ChangedSince, DeletedSince, MovedSince, NoPlace, NoResource, BuiltOn,
+                         ///< CutChanged, NameTaken, AlreadyDone, GoneBefore, MakingUndone: whose
+                         ///< action it was; Locked, ContentLocked: who holds it
+    double time = 0;     ///< and when, or since when
+    int64_t group = 0;   ///< that action; of a whole action: the one that was asked for
 
     /// Whether Choices::places can help.
     bool asksForPlace() const { return why == NoPlace || why == PlaceInside; }

@@ -58,6 +58,8 @@ public:
     store::Status keepWhatIsBuiltOn(bool* changed);
     /// Leaves out what would bear a name that another record has, or names it otherwise.
     store::Status keepNamesApart(bool* changed);
+    /// Releases the forms that users hold who go: nobody else would.
+    store::Status releaseForms();
     /// Finds the bytes that contents are to have again.
     store::Status decideContents();
     void compose();

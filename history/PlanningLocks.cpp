@@ -66,6 +66,36 @@ store::Status Planning::keepLocked() {
     return status;
 }
 
+store::Status Planning::releaseForms() {
+    const store::TableDef& users = *store::findTable(table::Users);
+    const store::TableDef& resources = *store::findTable(table::MenuResource);
+    std::vector<std::string> gone;
+    if (const auto records = m_records.find(&users); records != m_records.end())
+        for (const auto& [key, record] : records->second)
+            if (record.flag == MDX_DELETE)
+                gone.push_back(key);
+    if (gone.empty())
+        return {};
+    std::vector<std::pair<std::string, std::string>> held; // with whose they are
+    store::Status status =
+        m_store.keysNaming(resources, resources.find(field::UsersKey), gone, &held);
+    std::vector<std::string> keys;
+    for (auto& [key, user] : held)
+        keys.push_back(std::move(key));
+    std::vector<Record*> forms;
+    if (status.ok())
+        status = planStored(resources, keys, &forms);
+    for (Record* form : forms) {
+        if (form->flag == MDX_DELETE)
+            continue;
+        form->flag = MDX_UPDATE;
+        for (int field = 0; field < static_cast<int>(resources.fields.size()); ++field)
+            if (isLockField(resources, field))
+                form->values[field] = store::Value();
+    }
+    return status;
+}
+
 /// Whether a resource is to be left alone for its lock; says so if it is.
 bool Planning::remarkLocked(const std::string& resource, Remark::Why why) {
     const auto lock = m_locked.find(resource);

@@ -37,6 +37,7 @@ private slots:
     void aFolderWithAFormThatAnotherHoldsStays();
     void soItDoesIfTheLockIsTakenBackToo();
     void aLockThatIsTakenMeanwhileOutdatesThePlan();
+    void aUserWhoGoesHoldsNoForm();
     void aLockIsNoStepOfUndo();
     void whatChangedNothingIsNoStepOfUndo();
 
@@ -226,6 +227,27 @@ void TestHistoryLocks::aLockThatIsTakenMeanwhileOutdatesThePlan() {
         QVERIFY2(text.startsWith("форма «a_»: тем временем изменено (boris, "), qPrintable(text));
         QCOMPARE(snapshot(), before);
         ORVO_OK(Batch("MenuResource").update(m_form.toUtf8(), {{"UsersKey", ""}}).send(*m_boris));
+    }
+}
+
+void TestHistoryLocks::aUserWhoGoesHoldsNoForm() {
+    const bool stays = m_anna->givesRights(); // with them, and with what he holds
+    const QString free = form();
+    for (const char* user : {"u1", "u2"}) {
+        ORVO_OK(Batch("Users").insert(user, {{"login_", user}}).send(*m_anna));
+        std::vector<int64_t> actions = {last(*m_anna)};
+        ORVO_OK(lock(*m_boris, user));
+        if (strcmp(user, "u2") == 0) // the newest ones of the log, all of them
+            actions.push_back(last(*m_boris));
+        Inverse done;
+        ORVO_OK(undo(*m_anna, actions, {}, &done));
+        QCOMPARE(done.written, !stays);
+        QCOMPARE(form() == free, !stays);
+        ORVO_OK(lock(*m_boris, ""));
+        ORVO_OK(Batch("MenuResource")
+                    .update(m_form.toUtf8(), {{"UsersKey", {}}, {"dateTimeEdit", {}}})
+                    .send(*m_boris));
+        QCOMPARE(form(), free);
     }
 }
 
