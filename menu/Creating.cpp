@@ -127,9 +127,14 @@ void OrvoMenu::refuseDeleted(std::vector<Picked>& picked) {
         return deleted;
     };
     picked.erase(std::remove_if(picked.begin(), picked.end(), isDeleted), picked.end());
-    if (!names.isEmpty())
-        refuse(tr("Не взято: этого ресурса больше нет, его удалили.\n%1")
-                   .arg(names.join(QLatin1Char('\n'))));
+    if (names.isEmpty())
+        return;
+    if (m_popList && m_popList->isPalette() && m_popList->isVisible()) {
+        m_popList->hide(); // it would cover the box, and take keys meant for it
+        activateWindow();
+    }
+    refuse(tr("Не взято: этого ресурса больше нет, его удалили.\n%1")
+               .arg(names.join(QLatin1Char('\n'))));
 }
 
 bool OrvoMenu::addElements(QModelIndex target, std::vector<Picked> picked) {

@@ -393,6 +393,11 @@ private slots:
         menu.host.deliver(*menu.module);
         QCOMPARE(boxText(*menu.module),
                  QString("Ошибка\nНе взято: этого ресурса больше нет, его удалили.\nВторой"));
+        // The palette would cover the box, which has the keyboard.
+        QVERIFY(!palette->isVisible());
+        QTRY_VERIFY(menu.module->m_popMessageBox->isAncestorOf(QApplication::focusWidget()));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        QTRY_COMPARE(QApplication::focusWidget(), menu.view("tvMenu"));
         QCOMPARE(int(menu.host.writes().calls.size()), writes);
         QCOMPARE(menu.resourcesOf("glubzhe"), QString("rform"));
     }
