@@ -23,7 +23,7 @@ struct Description {
     const char* identifier;
     const char* title;
     Detail detail = Detail::None;
-    bool hides = false; ///< neither the record nor what stands below it is shown anywhere
+    bool hides = false; ///< the record, or what stands below it, is shown nowhere
 };
 
 const Description& describe(Problem problem) {
@@ -40,9 +40,9 @@ const Description& describe(Problem problem) {
          "такой ключ у строки дерева, за которой нет записи; редактор принимает одну за другую"},
         {E, "unknown-kind", "неизвестный тип", Detail::Text, true},
         {E, "order-class-unknown",
-         "порядок не \"1000\" (папка) и не \"2000\" (рабочий стол):", Detail::Text},
+         "порядок не \"1000\" (папка) и не \"2000\" (рабочий стол):", Detail::Text, true},
         {E, "order-class-of-other",
-         "порядок не тот, у папки он \"1000\", у рабочего стола \"2000\":", Detail::Text},
+         "порядок не тот, у папки он \"1000\", у рабочего стола \"2000\":", Detail::Text, true},
         {E, "parent-is-desktop", "родитель - рабочий стол, а не папка:", Detail::ParentKey, true},
         {E, "desktop-unsaid", "не сказано, на каком рабочем столе элемент", Detail::None, true},
         {E, "no-desktop", "нет рабочего стола", Detail::Key, true},
@@ -70,7 +70,7 @@ const Description& describe(Problem problem) {
         {E, "no-folder", "нет папки", Detail::Key, true},
         {W, "orphan-form", "папки нет, форма стоит среди непривязанных объектов; папка",
          Detail::Key},
-        {E, "folder-of-other-kind", "папка другого типа:", Detail::FolderKey},
+        {E, "folder-of-other-kind", "папка другого типа:", Detail::FolderKey, true},
         {E, "lock-holder-gone", "нет пользователя, который держит блокировку:", Detail::Key},
         {W, "lock-on-no-form", "блокировка не на форме"},
         {W, "name-no-file", "имя не годится для файла, на диск не переносится"},
@@ -131,8 +131,13 @@ const char* identifierOf(Problem problem) {
     return describe(problem).identifier;
 }
 
-bool isHiding(Problem problem) {
-    return describe(problem).hides;
+bool isHiding(const Catalogue& records, const Finding& finding) {
+    if (finding.problem != Problem::OrderClassUnknown &&
+        finding.problem != Problem::OrderClassOfOther)
+        return describe(finding.problem).hides;
+    // At the top all are shown, whatever their order.
+    const Record record = records.find(*finding.table, finding.key);
+    return record && !record.cp1251(fields().desktop.parent).empty();
 }
 
 QString titleOf(Problem problem) {
@@ -144,7 +149,7 @@ QString wordsOf(const Catalogue& records, const Namesakes& namesakes, const Find
     if (const QString detail = detailOf(records, namesakes, finding); !detail.isEmpty())
         words += QLatin1Char(' ') + detail;
     const Record record =
-        describe(finding.problem).hides ? records.find(*finding.table, finding.key) : Record();
+        isHiding(records, finding) ? records.find(*finding.table, finding.key) : Record();
     if (!record)
         return words;
     constexpr size_t most = 1000;

@@ -75,8 +75,8 @@ struct Finding {
 Severity severityOf(Problem problem);
 /// A word of ASCII that names the kind for programs; never changed.
 const char* identifierOf(Problem problem);
-/// Whether no editor shows the record, nor what stands below it.
-bool isHiding(Problem problem);
+/// Whether the editors lack the record because of it, or what stands below it.
+bool isHiding(const Catalogue& records, const Finding& finding);
 /// What is wrong, the same for all findings of a kind.
 QString titleOf(Problem problem);
 /// The same with what it is about: names, with keys beside them.

@@ -73,6 +73,7 @@ private slots:
     void aFindingComesAndGoesWithItsCause();
     void whatNamesARecordIsLookedAtWithIt();
     void aCircleIsToldOnceAndGoesWhenItIsBroken();
+    void whatTheOrderOfAFolderHidesIsCounted();
     void anElementInACircleOrBelowNothingIsOnItsDesktop();
     void theFirstOfTwoNamesakesHasTheRight();
     void anIconIsMissedWhenItsFileGoes();
@@ -163,6 +164,21 @@ void TestProblems::aCircleIsToldOnceAndGoesWhenItIsBroken() {
     QCOMPARE(watch.look(), QStringList("MenuFolder b circle 3"));
     ORVO_OK(Batch("MenuFolder").remove("x").send(*m_store));
     QCOMPARE(watch.look(), QStringList("MenuFolder b no-parent x"));
+}
+
+void TestProblems::whatTheOrderOfAFolderHidesIsCounted() {
+    fill();
+    QVERIFY(m_kind.byHand("INSERT INTO \"MenuFolder\" VALUES ('a', NULL, 'А', '5', '1'), "
+                          "('b', 'a', 'Б', '2000', '1'), ('c', 'b', 'В', '2000', '0')"));
+    Watch watch(*m_store);
+    QCOMPARE(watch.look(), (QStringList{"MenuFolder a order-class-unknown \"5\"",
+                                        "MenuFolder b order-class-of-other \"2000\""}));
+    QStringList words;
+    for (const Finding& finding : watch.problems.all())
+        if (finding.table == findTable("MenuFolder"))
+            words << wordsOf(watch.records, watch.problems.namesakes(), finding).section(": ", 1);
+    // At the top a folder is shown with all that is in it.
+    QCOMPARE(words, (QStringList{"\"5\"", "\"2000\"; вместе с этим не видно записей: 1"}));
 }
 
 void TestProblems::anElementInACircleOrBelowNothingIsOnItsDesktop() {

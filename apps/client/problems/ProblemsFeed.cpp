@@ -75,7 +75,7 @@ struct ProblemsFeed::Plan : private store::WaitPolicy {
             if (!problems.holds(finding)) {
                 ++gone;
             } else if (const auto words = batch.add(problems, finding)) {
-                shows = shows || checks::isHiding(finding.problem);
+                shows = shows || checks::isHiding(problems.records(), finding);
                 if (++cured == 1)
                     first = QStringLiteral("%1: %2").arg(rowOf(problems, finding).what, *words);
             } else {
