@@ -57,9 +57,10 @@ public:
 
     /// The window with whatever is open above it.
     void take(const char* name) { take(name, client()); }
-    void take(const char* name, ClientProcess& client) {
+    /// The mouse stands beside the window as a rule: no tool tip, no lit button.
+    void take(const char* name, ClientProcess& client, const QPoint& mouse = {1390, 990}) {
         need(m_scene.waitFor("the client rests", [&] { return client.settled(); }));
-        hands::xdotool({"mousemove", "1390", "990"}); // no tool tip, no lit button
+        hands::moveTo(mouse);
         QThread::msleep(700);
         const QString crop = QString("%1x%2+%3+%4")
                                  .arg(windowPlace.width())
@@ -167,7 +168,9 @@ void drawEdits(Painter& painter) {
     painter.need(scene.clickRow(client, "tvMenu", "Агрегаты"));
     hands::key("F7");
     listed();
-    painter.take("palette.png");
+    const auto row = scene.reveal(client, "tvObj", "Trends");
+    painter.need(row.has_value());
+    painter.take("palette.png", client, {row->left() + 20, row->center().y()});
     painter.writeAs("sorokin", "update Menu set caption = 'Крановая обвязка' where caption = "
                                "'Крановая обвязка (ремонт)'");
 }

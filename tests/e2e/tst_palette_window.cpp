@@ -34,6 +34,8 @@ private slots:
     void f7OpensItBesideTheEditor() {
         QVERIFY(hands::key("F7"));
         SOON(isActive(left(), "CPopObjectList"));
+        const auto row = m_scene->reveal(left(), "tvObj", QStringLiteral("Trends"));
+        QVERIFY(row && hands::moveTo({row->left() + 20, row->center().y()}));
         take("palette");
     }
 
