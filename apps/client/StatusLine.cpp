@@ -227,6 +227,14 @@ void StatusLine::setDone(const QString& text) {
     share();
 }
 
+void StatusLine::dropDone(const QString& text) {
+    if (m_done->isHidden() || m_done->toolTip() != plainToolTip(clipped(text)))
+        return;
+    m_doneTime.stop();
+    m_done->hide();
+    share();
+}
+
 void StatusLine::setFailure(const QString& text) {
     ++m_count;
     m_text = clipped(text.simplified());

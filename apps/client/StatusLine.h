@@ -43,6 +43,8 @@ public:
     void setReadOnly(const QString& why);
     /// Shows for a while what was done.
     void setDone(const QString& text);
+    /// Takes back that text, if it is still on show.
+    void dropDone(const QString& text);
     /// Shows a failure, which stays until the user clicks it or asks for it by key; later ones are
     /// counted with it. A text that did not fit is shown whole then, and several are listed.
     void setFailure(const QString& text);

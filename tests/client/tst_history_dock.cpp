@@ -587,7 +587,12 @@ private slots:
         QTRY_VERIFY(fixture.isReady());
         QVERIFY(RunningClient::below(*fixture.dialog()->findChild<QTreeView*>()->model(), {})
                     .contains("«в»"));
+        // What was given up is not told as if it were being done.
+        const auto* done = fixture.child<QLabel>("doneLabel");
+        QVERIFY2(done->toolTip().contains("…"), qPrintable(done->toolTip()));
         fixture.dialog()->reject();
+        QCoreApplication::processEvents();
+        QVERIFY(done->isHidden());
     }
 
     void everyRowOfATreeOffersItsHistory() {

@@ -57,8 +57,11 @@ void HistoryCommands::connectUndo() {
     connect(&m_reverter, &Reverter::reopenNeeded, &m_context.window, &MainWindow::reopenRequested,
             Qt::QueuedConnection);
     connect(&m_reverter, &Reverter::busyChanged, this, [this](bool busy, const QString& title) {
+        const QString text = title + QStringLiteral("…");
         if (busy)
-            m_context.window.statusLine()->setDone(title + QStringLiteral("…"));
+            m_context.window.statusLine()->setDone(text);
+        else
+            m_context.window.statusLine()->dropDone(text); // unless it was told how it ended
     });
 }
 
