@@ -107,7 +107,7 @@ void UnseenPlaces::look() {
         tell(unseen);
 }
 
-void UnseenPlaces::tell(std::shared_ptr<const Unseen> unseen) {
+void UnseenPlaces::tell(const std::shared_ptr<const Unseen>& unseen) {
     auto text = std::make_shared<QString>();
     const auto look = [unseen, text](store::MaintainedStore& store) {
         history::StoredRecords source(&store);

@@ -57,7 +57,7 @@ private:
 
     COrvoCliMod* editor() const;
     void look();
-    void tell(std::shared_ptr<const Unseen> unseen);
+    void tell(const std::shared_ptr<const Unseen>& unseen);
 
     StoreThread& m_thread;
     const client::ModuleRegistry& m_modules;

@@ -77,8 +77,8 @@ private slots:
 
     void aFileThatSomebodyHoldsIsTold() {
         Fixture fixture;
-        QVERIFY(fixture.host.byHand("UPDATE MenuResource SET UsersKey='u1', "
-                                    "dateTimeEdit=1700000000.5 WHERE KeyLink='a'"));
+        QVERIFY(fixture.host.byHand(R"(UPDATE "MenuResource" SET "UsersKey" = 'u1', )"
+                                    R"("dateTimeEdit" = 1700000000.5 WHERE "KeyLink" = 'a')"));
         fixture.otherFolder("new", "4", "docs", "Новые");
         fixture.otherMoves("a", "new");
         QTRY_COMPARE(fixture.logged("Не на своём месте в дереве ресурсов: файл «a.txt»"), 1);
