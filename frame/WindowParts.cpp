@@ -84,28 +84,30 @@ QAction* recordAction(QMenu& menu, COrvoCliApp& app, const RecordName& record,
     return actionOf(menu, command);
 }
 
-/// The header of a passport is hidden, and a hidden widget is not told when it is resized: the last
-/// column would stay as wide as at first, and a bar for scrolling with it.
-class StretchedHeader : public QObject {
+/// The values of a passport have what its captions leave. Its header is hidden, and does not learn
+/// itself when it is resized.
+class ValueColumn : public QObject {
 public:
-    explicit StretchedHeader(QTreeView* view) : QObject(view), m_view(*view) {
+    explicit ValueColumn(QTreeView* view) : QObject(view), m_view(*view) {
         view->viewport()->installEventFilter(this);
+        connect(view->header(), &QHeaderView::sectionResized, this, [this](int column) {
+            if (column == 0)
+                fit();
+        });
+        fit();
     }
 
 protected:
     bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == QEvent::Resize && m_view.header()->isHidden())
-            QMetaObject::invokeMethod( // the view places its header after this
-                this,
-                [this] {
-                    m_view.header()->setStretchLastSection(false);
-                    m_view.header()->setStretchLastSection(true);
-                },
-                Qt::QueuedConnection);
+        if (event->type() == QEvent::Resize) // the view places its header after this
+            QMetaObject::invokeMethod(
+                this, [this] { fit(); }, Qt::QueuedConnection);
         return false;
     }
 
 private:
+    void fit() { m_view.setColumnWidth(1, m_view.viewport()->width() - m_view.columnWidth(0)); }
+
     QTreeView& m_view;
 };
 
@@ -212,9 +214,10 @@ void arrangePassport(QTreeView* view) {
     constexpr int captionWidth = 200;
     view->setEditTriggers(QAbstractItemView::AllEditTriggers);
     view->setHeaderHidden(true);
+    view->header()->setStretchLastSection(false); // before it counts what is hidden
     hideColumns(view, 2, 5);
     view->setColumnWidth(0, captionWidth);
-    new StretchedHeader(view); // the view's child
+    new ValueColumn(view); // the view's child
 }
 
 void addRecordActions(COrvoCliApp& app, QMenu& menu, const RecordName& record) {

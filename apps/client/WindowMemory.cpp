@@ -187,12 +187,6 @@ void fitColumns(QTreeView& tree) {
     };
     if (header.count() == 0)
         return;
-    if (header.isHidden()) { // a passport: the captions leave room for the values
-        constexpr int leastCaption = 165;
-        header.resizeSection(0, std::min(header.sectionSize(0),
-                                         std::max(leastCaption, tree.viewport()->width() / 2)));
-        return;
-    }
     // The bar for scrolling comes with the first folders that are opened.
     const int bar =
         tree.verticalScrollBar()->isVisible() ? 0 : tree.verticalScrollBar()->sizeHint().width();
@@ -220,6 +214,33 @@ void fitColumns(QTreeView& tree) {
     }
     header.setStretchLastSection(stretches);
 }
+
+/// The captions of a passport leave half of its width to the values, however narrow it becomes.
+class NarrowCaptions : public QObject {
+public:
+    explicit NarrowCaptions(QTreeView* passport)
+        : QObject(passport)
+        , m_passport(*passport)
+        , m_wanted(passport->columnWidth(0)) {
+        passport->viewport()->installEventFilter(this);
+        fit();
+    }
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Resize)
+            fit();
+        return false;
+    }
+
+private:
+    void fit() {
+        m_passport.setColumnWidth(0, std::min(m_wanted, m_passport.viewport()->width() / 2));
+    }
+
+    QTreeView& m_passport;
+    const int m_wanted;
+};
 
 /// A tree that has not been on the screen since it was made. It is fitted to its width when it is:
 /// until then that is not known, and its widths are nobody's wish.
@@ -386,7 +407,7 @@ void WindowMemory::saveModule(const QString& name, const QWidget& module) const 
     for (const QSplitter* splitter : module.findChildren<QSplitter*>())
         settings.setValue(splitter->objectName(), splitter->saveState());
     for (const QTreeView* tree : treesOf(module)) {
-        if (!FitWhenShown::waits(*tree))
+        if (!tree->isHeaderHidden() && !FitWhenShown::waits(*tree))
             saveColumns(settings, *tree);
         if (!showsOneRecord(*tree)) {
             settings.beginGroup(tree->objectName());
@@ -407,7 +428,10 @@ void WindowMemory::restoreModule(const QString& name, QWidget& module) const {
     for (QSplitter* splitter : module.findChildren<QSplitter*>())
         splitter->restoreState(settings.value(splitter->objectName()).toByteArray());
     for (QTreeView* tree : treesOf(module)) {
-        if (!restoreColumns(settings, *tree)) {
+        if (tree->isHeaderHidden()) { // nobody can draw its columns
+            if (showsOneRecord(*tree))
+                new NarrowCaptions(tree); // the tree's child
+        } else if (!restoreColumns(settings, *tree)) {
             if (tree->isVisible())
                 fitColumns(*tree);
             else

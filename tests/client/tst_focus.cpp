@@ -312,6 +312,7 @@ private slots:
 
     void theColumnsOfTheLockAreSeenAtFirst() {
         Fixture fixture;
+        fixture.client->window()->becomePicture(); // as wide as is said, whatever the screen
         fixture.client->window()->resize(1366, 900);
         QVERIFY(fixture.show("Resources"));
         const QTreeView* tree = fixture.tree("Resources", "tvRes");
@@ -342,6 +343,32 @@ private slots:
             QTRY_VERIFY(passport->header()->sectionSize(1) >= passport->viewport()->width() / 3);
             QTRY_VERIFY(!passport->horizontalScrollBar()->isVisible());
         }
+    }
+
+    void thePassportsOfEditorsBesideEachOtherShowTheirValues() {
+        Fixture fixture;
+        fixture.client->window()->becomePicture();
+        fixture.client->window()->resize(1600, 768);
+        const auto fits = [](const QTreeView* passport) {
+            return passport->header()->length() == passport->viewport()->width();
+        };
+        std::vector<QTreeView*> passports;
+        for (const char* editor : {"Resources", "Menu"}) {
+            QVERIFY(fixture.show(editor));
+            passports.push_back(fixture.tree(editor, "tvProp"));
+            QTRY_VERIFY(fits(passports.back()));
+        }
+        fixture.client->window()->resize(1366, 768);
+        app::PageDocks& docks = fixture.client->window()->pageDocks();
+        docks.takeOut(fixture.module("Menu"), app::PageDocks::Place::Beside);
+        for (const QTreeView* passport : passports) {
+            QTRY_VERIFY(passport->viewport()->width() < 300);
+            QTRY_VERIFY(fits(passport));
+            QVERIFY(passport->columnWidth(1) >= passport->viewport()->width() / 2);
+        }
+        docks.putBack(fixture.module("Menu"));
+        fixture.client->window()->resize(1600, 768);
+        QTRY_VERIFY(passports[1]->columnWidth(0) > 165); // the longest caption is whole again
     }
 
     void placesThatDifferAtTheirEndsLookDifferent() {
