@@ -296,6 +296,8 @@ void Client::openForm(const QString& request) {
     if (form) {
         connect(form, &FormWindow::problem, this,
                 [this](const QString& text) { fail(QStringLiteral("Форма"), text); });
+        m_window->tabs()->addPage(form, form->windowTitle());
+        m_window->showPage(form);
     } else {
         m_window->logPane()->add(LogError, QStringLiteral("Клиент"), error);
         m_window->showError(error);

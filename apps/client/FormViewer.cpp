@@ -112,11 +112,7 @@ FormWindow* openForm(store::Store& store, const QString& request, QWidget* paren
         return nullptr;
     }
     const LaunchParameters parameters = parseLaunchParameters(request.mid(name.size() + 1));
-    auto* window =
-        new FormWindow(program, name, files, {parameters.pairs.toVector()}, limits, parent);
-    window->setAttribute(Qt::WA_DeleteOnClose);
-    window->show();
-    return window;
+    return new FormWindow(program, name, files, {parameters.pairs.toVector()}, limits, parent);
 }
 
 } // namespace orvo::app

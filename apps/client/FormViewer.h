@@ -49,10 +49,10 @@ private:
     bool m_isFitted = false;
 };
 
-/// Opens a window on the stored files of the form that `request` names: the form's name, or the
+/// Makes a window of the stored files of the form that `request` names: the form's name, or the
 /// name, ";" and parameters (frame/Launch.h); a name may hold ";" itself, so the longest one
-/// that exists is meant. The window deletes itself when closed, and belongs to `parent`. Null, with
-/// one line in `error`, if there is no such form or it has no files.
+/// that exists is meant. It belongs to `parent`, and is the caller's to show. Null, with one line
+/// in `error`, if there is no such form or it has no files.
 FormWindow* openForm(store::Store& store, const QString& request, QWidget* parent, QString* error,
                      const QString& program = installation::formViewProgram(),
                      const ProcessLimits& limits = {});

@@ -83,9 +83,13 @@ void serve(HostApp& app, std::unique_ptr<Handbook>& handbook) {
     });
     QObject::connect(&app, &HostApp::formRequested, &app, [&](const QString& request) {
         QString error = QStringLiteral("нет связи с хранилищем");
-        if (!app.m_session ||
-            !openForm(client::sessionStore(*app.m_session), request, nullptr, &error))
-            app.log(logError, request, error);
+        FormWindow* form =
+            app.m_session ? openForm(client::sessionStore(*app.m_session), request, nullptr, &error)
+                          : nullptr;
+        if (!form)
+            return app.log(logError, request, error);
+        form->setAttribute(Qt::WA_DeleteOnClose);
+        form->show();
     });
 }
 

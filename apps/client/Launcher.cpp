@@ -11,6 +11,7 @@
 #include "frame/OrvoClient.h"
 #include "platform/client/ModuleRegistry.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
@@ -321,6 +322,10 @@ void Launcher::checkInvariants() const {
 void Launcher::closePage(QWidget* page) {
     auto* module = qobject_cast<COrvoCliMod*>(page);
     if (!module) {
+        // To where it was opened, by keys: a widget that goes gives its focus to none.
+        if (page->isAncestorOf(QApplication::focusWidget()))
+            connect(page, &QObject::destroyed, &m_context.window, &MainWindow::returnToPage,
+                    Qt::QueuedConnection);
         page->deleteLater();
         return;
     }

@@ -190,6 +190,11 @@ void MainWindow::focusPage() {
     (part ? part : page)->setFocus(Qt::ShortcutFocusReason);
 }
 
+void MainWindow::returnToPage() {
+    activateWindow(); // the page that is gone may have had one of its own
+    focusPage();
+}
+
 void MainWindow::showModuleEntries() {
     for (QAction* separator : qAsConst(m_moduleSeparators))
         delete separator;

@@ -21,6 +21,7 @@ ModuleTabs::ModuleTabs(QWidget* parent) : QTabWidget(parent) {
     setObjectName(QStringLiteral("modules"));
     setDocumentMode(true);
     setTabsClosable(true);
+    tabBar()->setSelectionBehaviorOnRemove(QTabBar::SelectPreviousTab);
     connect(this, &QTabWidget::tabCloseRequested, this,
             [this](int index) { emit pageCloseRequested(widget(index)); });
 }

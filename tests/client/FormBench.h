@@ -35,7 +35,7 @@ struct FormBench : Host {
         std::unique_ptr<app::FormWindow> window(
             app::openForm(store(), request, nullptr, error ? error : &ignored, program, limits));
         if (window)
-            window->setAttribute(Qt::WA_DeleteOnClose, false);
+            window->show();
         return window;
     }
 };

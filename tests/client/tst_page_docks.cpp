@@ -55,6 +55,20 @@ struct Fixture : RunningClient {
                 qFatal("no open edit");
         }
     }
+    /// A form with one file, which anybody has stored.
+    void putForm(const char* name) {
+        int kind = 0;
+        for (const char* top : {"модули", "функции", "формы отображения"})
+            otherWrites(MDX_INSERT,
+                        {{"KeyLink", "top" + std::to_string(++kind)},
+                         {"type_", std::to_string(kind)},
+                         {"caption", top}},
+                        "MenuResourceFolder");
+        Module uploader(&host.app);
+        CToolFormPut tool(&uploader);
+        tool.AddFile(name, "text", 4, 1);
+        tool.Perform(false);
+    }
     static void focus(QWidget* part) {
         part->window()->activateWindow();
         part->setFocus();
@@ -191,6 +205,53 @@ private slots:
         QTest::keyClick(resources, Qt::Key_F, Qt::ControlModifier);
         auto* search = qobject_cast<QLineEdit*>(QApplication::focusWidget());
         QVERIFY(search && fixture.module("Resources")->isAncestorOf(search));
+    }
+
+    void aFormThatIsOpenedHasTheKeysOfTheWindow() {
+        Fixture fixture;
+        fixture.stop();
+        fixture.putForm("form");
+        fixture.start();
+        fixture.activate();
+        QTreeView* tree = fixture.view("tvRes");
+        fixture.client->window()->showEditor("Resources");
+        const QModelIndex folder = fixture.rowOf(tree, "формы отображения");
+        QVERIFY(folder.isValid());
+        tree->setCurrentIndex(tree->model()->index(0, 0, folder));
+        fixture.focus(tree);
+        QTest::keyClick(tree, Qt::Key_Return, Qt::ControlModifier);
+        QTRY_COMPARE(fixture.tabNames(), QString("Редактор меню, Редактор ресурсов, Форма — form"));
+        QWidget* page = fixture.tabs().currentWidget();
+        QTRY_VERIFY(page->isAncestorOf(QApplication::focusWidget()));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_W, Qt::ControlModifier);
+        QTRY_COMPARE(fixture.tabNames(), QString("Редактор меню, Редактор ресурсов"));
+        QTRY_COMPARE(QApplication::focusWidget(), tree);
+    }
+
+    void whoClosesAFormComesBackToTheEditorThatOpenedIt_data() {
+        QTest::addColumn<bool>("inAWindow");
+        QTest::newRow("in a tab") << false;
+        QTest::newRow("in a window of its own") << true;
+    }
+    void whoClosesAFormComesBackToTheEditorThatOpenedIt() {
+        QFETCH(bool, inAWindow);
+        Fixture fixture;
+        fixture.putForm("form");
+        fixture.client->window()->showEditor("Menu");
+        fixture.focus(fixture.view("tvMenu"));
+        const void* block[3] = {nullptr, "RUN_FILE", "form"};
+        constexpr int runFile = 64;
+        fixture.module("Menu")->doCall(runFile, block);
+        QPointer<QWidget> form = fixture.tabs().currentWidget();
+        QTRY_VERIFY(form->isAncestorOf(QApplication::focusWidget()));
+        if (inAWindow) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_F11, Qt::ShiftModifier);
+            QTRY_VERIFY(form->window() != fixture.client->window());
+            QTRY_VERIFY(form->isAncestorOf(QApplication::focusWidget()));
+        }
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_W, Qt::ControlModifier);
+        QTRY_VERIFY(!form);
+        QTRY_COMPARE(QApplication::focusWidget(), fixture.view("tvMenu"));
     }
 
     void theTabsHideWhileAllPagesAreOut() {
