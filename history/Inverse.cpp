@@ -167,12 +167,24 @@ QString remarkWords(const Remark& remark, RecordSource& source, const PersonName
     case Remark::MovedSince:
         return QStringLiteral("Не возвращено: %1: с тех пор перемещено (%2)").arg(record, who);
     case Remark::NoPlace:
-    case Remark::PlaceInside: {
+    case Remark::PlaceInside:
+    case Remark::PlaceNoFolder:
+    case Remark::PlaceElsewhere: {
         const store::TableDef* above = targetTable(table, remark.field);
         const QString name =
             above ? nameOf(*above, source.valuesOf(*above, remark.missing)) : QString();
         const QString place =
             quoted(name.isEmpty() ? QString::fromStdString(remark.missing) : name);
+        if (remark.why == Remark::PlaceNoFolder)
+            return QStringLiteral("Не возвращено: %1: нет места, %2 больше не %3 (%4)")
+                .arg(record, place, fieldWord(table, remark.field).toLower(), who);
+        if (remark.why == Remark::PlaceElsewhere)
+            return (bondField(table, remark.field) == table.find(field::FolderKey)
+                        ? QStringLiteral("Не возвращено: %1: нет места, %2 теперь на другом "
+                                         "рабочем столе (%3)")
+                        : QStringLiteral("Не возвращено: %1: нет места, %2 теперь для ресурсов "
+                                         "другого вида (%3)"))
+                .arg(record, place, who);
         return remark.why == Remark::NoPlace
                    ? QStringLiteral("Не возвращено: %1: нет места, удалена запись %2 (%3; %4)")
                          .arg(record, place, fieldWord(table, remark.field).toLower(), who)
@@ -210,6 +222,9 @@ QString remarkWords(const Remark& remark, RecordSource& source, const PersonName
                  record, quoted(QString::fromStdString(remark.missing)),
                  remark.group > 0 ? QStringLiteral(" (%1)").arg(who) : QString());
     case Remark::BuiltOn:
+        if (remark.field >= 0)
+            return QStringLiteral("Оставлено как есть: %1, поле «%2»: внутри стоит другое (%3)")
+                .arg(record, fieldWord(table, remark.field), who);
         return QStringLiteral("Не удалено: %1: на этом построено другое (%2)").arg(record, who);
     case Remark::CutChanged:
         return QStringLiteral("Не перенесено назад: %1 и всё, что перемещено вместе с ним: с тех "

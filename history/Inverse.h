@@ -30,26 +30,29 @@ namespace orvo::history {
 /// Something that is left as it is, and why.
 struct Remark {
     enum Why {
-        ChangedSince,  ///< another action has changed the field since
-        DeletedSince,  ///< another action has deleted the record since
-        MovedSince,    ///< or cut it: it is another record now
-        NoPlace,       ///< the record below which it stood was deleted: see Choices::places
-        PlaceInside,   ///< or stands below it now: the same
-        NoResource,    ///< the resource that the element opens was deleted since
-        BuiltOn,       ///< others have built on what would be deleted: see Choices::othersWorkToo
-        NameTaken,     ///< another record has the name by now: see Choices::otherNames
-        CutChanged,    ///< others have changed what a cut has made: the same
-        Locked,        ///< another user has taken the form into work
-        ContentLocked, ///< the same: only what the form holds is left
-        LockStays,     ///< the action only took or released the form, which is not taken back
-        NoRights,      ///< the user comes back, but the database has taken his rights from him
-        RightsStay,    ///< he does not go: his rights would stay
-        NoBytes,       ///< the bytes that a form or file had are not kept
-        DamagedBytes,  ///< or no longer what they were
-        Forgotten,     ///< the log does not tell of the action any more
-        HalfForgotten, ///< nor of its beginning; the rest is taken back
-        AlreadyDone,   ///< the action has been taken back before
-        OnlyPart,      ///< of some actions only what the selection has of them
+        ChangedSince,   ///< another action has changed the field since
+        DeletedSince,   ///< another action has deleted the record since
+        MovedSince,     ///< or cut it: it is another record now
+        NoPlace,        ///< the record below which it stood was deleted: see Choices::places
+        PlaceInside,    ///< or stands below it now: the same
+        PlaceNoFolder,  ///< or holds nothing any more: the same
+        PlaceElsewhere, ///< or is on another desktop, for resources of another kind: the same
+        NoResource,     ///< the resource that the element opens was deleted since
+        BuiltOn,        ///< others have built on what would be deleted, or put something into what
+                        ///< would open a resource: see Choices::othersWorkToo
+        NameTaken,      ///< another record has the name by now: see Choices::otherNames
+        CutChanged,     ///< others have changed what a cut has made: the same
+        Locked,         ///< another user has taken the form into work
+        ContentLocked,  ///< the same: only what the form holds is left
+        LockStays,      ///< the action only took or released the form, which is not taken back
+        NoRights,       ///< the user comes back, but the database has taken his rights from him
+        RightsStay,     ///< he does not go: his rights would stay
+        NoBytes,        ///< the bytes that a form or file had are not kept
+        DamagedBytes,   ///< or no longer what they were
+        Forgotten,      ///< the log does not tell of the action any more
+        HalfForgotten,  ///< nor of its beginning; the rest is taken back
+        AlreadyDone,    ///< the action has been taken back before
+        OnlyPart,       ///< of some actions only what the selection has of them
         // If nothing is left to be written for another reason:
         NothingDone,  ///< the action has changed no value
         GoneBefore,   ///< what it made was deleted
@@ -60,17 +63,19 @@ struct Remark {
     const store::TableDef* table = nullptr; ///< null: of a whole action
     std::string key;
     int field =
-        -1; ///< ChangedSince, NoPlace, PlaceInside, NoResource; NameTaken: of a stored record
-    std::string missing; ///< NoPlace, PlaceInside, NoResource: the key that the field would name;
+        -1; ///< ChangedSince, asksForPlace(), NoResource; NameTaken, BuiltOn: of a stored record
+    std::string missing; ///< asksForPlace(), NoResource: the key that the field would name;
                          ///< NameTaken: the name; NoRights, RightsStay: the login
-    std::string login;   ///< ChangedSince, DeletedSince, MovedSince, NoPlace, NoResource, BuiltOn,
-                         ///< CutChanged, NameTaken, AlreadyDone, GoneBefore, MakingUndone: whose
-                         ///< action it was; Locked, ContentLocked: who holds it
+    std::string login;   ///< Locked, ContentLocked: who holds it; else whose action it was, if
+                         ///< another one is the reason
     double time = 0;     ///< and when, or since when
     int64_t group = 0;   ///< that action; of a whole action: the one that was asked for
 
     /// Whether Choices::places can help.
-    bool asksForPlace() const { return why == NoPlace || why == PlaceInside; }
+    bool asksForPlace() const {
+        return why == NoPlace || why == PlaceInside || why == PlaceNoFolder ||
+               why == PlaceElsewhere;
+    }
     /// Whether Choices::otherNames can.
     bool asksForName() const;
 };

@@ -3,6 +3,7 @@
 #ifndef ORVO_HISTORY_PLANNING_H
 #define ORVO_HISTORY_PLANNING_H
 
+#include "history/Fitting.h"
 #include "history/Inverse.h"
 #include "history/Locks.h"
 #include "history/Standing.h"
@@ -14,6 +15,8 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <tuple>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 #include <vector>
@@ -23,9 +26,6 @@ class NamePlaces;
 }
 
 namespace orvo::history {
-
-/// The table of the records above those of this one, by that field; null for another field.
-const store::TableDef* targetTable(const store::TableDef& table, int field);
 
 /// To be called in the order in which the steps stand here; those from placeRestored to
 /// keepNamesApart once more while one of the last two changes anything.
@@ -53,8 +53,8 @@ public:
     void keepRights();
     /// Leaves out restored records without a place, and elements without their resource.
     store::Status placeRestored();
-    /// Leaves out deletions of what others have built on. What stands below a record that a cut has
-    /// made goes back with the cut.
+    /// Leaves out deletions of what others have built on, and resources of elements into which they
+    /// have put others. What stands below a record that a cut has made goes back with the cut.
     store::Status keepWhatIsBuiltOn(bool* changed);
     /// Leaves out what would bear a name that another record has, or names it otherwise.
     store::Status keepNamesApart(bool* changed);
@@ -96,6 +96,7 @@ private:
         Record* record; ///< in m_records
         int field;
         const store::TableDef* above;
+        int bond = -1; ///< bondField()
     };
 
     bool isConcerned(const Event& event) const {
@@ -141,6 +142,16 @@ private:
     /// Whether the record can stand below that one; `isChosen`: by the user.
     store::Status canStand(const Placement& placement, const std::string& key, bool isChosen,
                            std::optional<Remark::Why>* whyNot);
+    /// The same of what the one has become, which is there: a folder, on another desktop. `since`:
+    /// the change that made it so; of a place that is not chosen, it is one of the last ones.
+    store::Status canHold(const Placement& placement, const std::string& key, bool isChosen,
+                          std::optional<Remark::Why>* whyNot, const store::Change** since);
+    store::Status misfitSince(const Placement& placement, const std::string& key, Misfit misfit,
+                              const store::Change** since);
+    /// The values that a record will have.
+    static Values valuesThen(const Record& record);
+    Values valuesThen(const store::TableDef& table, const std::string& key);
+    static const store::Value& bondOf(const Placement& placement);
     store::Status placeAfterCut(const Placement& placement, const std::string& missing,
                                 std::string* cutTo);
     store::Status keepResources(bool* changed);
@@ -196,6 +207,7 @@ private:
         Record* made;
         Record* origin;
     };
+    store::Status keepFolders(bool* changed);
     store::Status deleteBelow(const store::TableDef& table, const std::vector<std::string>& keys);
     /// The plan's record, read from the store.
     store::Status planStored(const store::TableDef& table, const std::vector<std::string>& keys,
@@ -239,8 +251,13 @@ private:
     std::map<std::pair<const store::TableDef*, std::string>, std::optional<store::Change>>
         m_deletions;
     std::set<const Record*> m_unplaced; ///< not restored for that
-    /// Links, as they are spelled, that records which are restored can have as they had them.
-    std::map<const store::TableDef*, std::unordered_set<std::string>> m_fine;
+    /// By table and field of the link, and the key above. The last changes of a decisive field.
+    std::map<std::tuple<const store::TableDef*, int, std::string>, std::optional<store::Change>>
+        m_decisive;
+    /// Links, as they are spelled, that records which are restored can have as they had them, by
+    /// table and field; with the bond that they have then.
+    std::map<std::pair<const store::TableDef*, int>, std::unordered_map<std::string, store::Value>>
+        m_fine;
 };
 
 } // namespace orvo::history

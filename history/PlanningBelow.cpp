@@ -2,6 +2,7 @@
 #include "history/Planning.h"
 
 #include "frame/Vocabulary.h"
+#include "platform/store/ChangeRecord.h"
 #include "platform/store/Merge.h"
 #include "platform/store/Names.h"
 
@@ -165,6 +166,12 @@ store::Status Planning::lookBelow(const store::TableDef& table, const Link& link
                 deeper.push_back(child);
             continue;
         }
+        if (m_alone) { // it was without that record before; if somebody had deleted it, knowingly
+            const store::Change* deletion = nullptr;
+            status = deletionOf(table, store::foldedKey(record.key), &deletion);
+            if (!status.ok() || deletion)
+                continue;
+        }
         if (m_kept.count(planned) == 0)
             kept.emplace_back(&record, child);
         record.flag = 0;
@@ -197,10 +204,68 @@ store::Status Planning::lookBelow(const store::TableDef& table, const Link& link
     return status;
 }
 
+/// Leaves elements folders into which others have put elements.
+store::Status Planning::keepFolders(bool* changed) {
+    const store::TableDef& elements = *store::findTable(table::Menu);
+    const auto planned = m_records.find(&elements);
+    if (planned == m_records.end() || (m_alone && m_kept.empty()))
+        return {};
+    const int resource = elements.find(field::MenuResourceKey);
+    const int parent = elements.find(field::parent);
+    const auto textAt = [](const Values& values, int field) {
+        const auto found = values.find(field);
+        return found == values.end() ? std::string() : store::textOf(found->second);
+    };
+    std::vector<std::string> leaves;
+    for (const auto& [key, record] : planned->second)
+        if (record.flag == MDX_UPDATE && !textAt(record.values, resource).empty() &&
+            textAt(record.now, resource).empty())
+            leaves.push_back(key);
+    std::vector<std::pair<std::string, std::string>> inside, staying; // with the key above
+    store::Status status;
+    if (!leaves.empty())
+        status = m_store.keysNaming(elements, parent, leaves, &inside);
+    std::vector<std::string> keys;
+    for (const auto& [child, named] : inside) {
+        const Record* const record = this->planned(elements, store::foldedKey(child));
+        if (record && (record->flag == MDX_DELETE ||
+                       (record->flag == MDX_UPDATE && record->values.count(parent) != 0)))
+            continue;
+        staying.emplace_back(store::foldedKey(child), store::foldedKey(named));
+        keys.push_back(child);
+    }
+    std::vector<store::Change> changes;
+    if (status.ok() && !keys.empty())
+        status = m_store.changesSince(elements, keys, m_standing.begin() - 1, &changes);
+    std::map<std::string, const store::Change*> placing; // what was there before may stay
+    for (const store::Change& change : changes)
+        if (m_concerned.count(change.group) == 0 &&
+            store::valuesFromJson(elements, change.after).count(parent) != 0)
+            placing[store::foldedKey(change.key)] = &change;
+    std::vector<std::string> deleted;
+    for (const auto& [child, key] : staying) {
+        const auto since = placing.find(child);
+        Record& record = planned->second.at(key);
+        if (!status.ok() || since == placing.end() || record.values.count(resource) == 0)
+            continue;
+        *changed = true;
+        if (m_choices.othersWorkToo) {
+            deleted.push_back(child);
+            continue;
+        }
+        remark(Remark::BuiltOn, elements, record, resource, since->second);
+        record.values.erase(resource);
+        if (record.values.empty())
+            record.flag = 0;
+    }
+    if (status.ok() && !deleted.empty())
+        status = deleteBelow(elements, deleted);
+    return status;
+}
+
 store::Status Planning::keepWhatIsBuiltOn(bool* changed) {
-    if (m_alone && m_kept.empty())
-        return {}; // nobody has done anything since, and all of it goes
-    if (!std::exchange(m_foundUploads, true))
+    const bool isAlone = m_alone && m_kept.empty();
+    if (!isAlone && !std::exchange(m_foundUploads, true))
         if (store::Status uploads =
                 findUploadsInto(m_records[store::findTable(table::MenuResource)]);
             !uploads.ok())
@@ -228,6 +293,8 @@ store::Status Planning::keepWhatIsBuiltOn(bool* changed) {
             for (const Link& link : linksTo(*table))
                 if (store::Status status = lookBelow(*table, link, keys, &again); !status.ok())
                     return status;
+        if (store::Status status = keepFolders(&again); !status.ok())
+            return status;
         if (again || m_cutFrom.empty())
             continue;
         keepCutsWhole(&again);

@@ -2,6 +2,7 @@
 #include "history/Planning.h"
 
 #include "frame/Vocabulary.h"
+#include "platform/store/ChangeRecord.h"
 #include "platform/store/LinkCycles.h"
 #include "platform/store/Merge.h"
 #include "platform/store/Names.h"
@@ -11,13 +12,6 @@
 #include <unordered_map>
 
 namespace orvo::history {
-
-const store::TableDef* targetTable(const store::TableDef& table, int field) {
-    for (const store::ParentField& parent : store::parentFields(table))
-        if (table.find(parent.field) == field)
-            return store::findTable(parent.table);
-    return nullptr;
-}
 
 const Planning::Record* Planning::planned(const store::TableDef& table,
                                           const std::string& key) const {
@@ -48,8 +42,9 @@ std::vector<Planning::Placement> Planning::placements() {
     for (auto& [table, records] : m_records) {
         std::vector<Placement> links;
         for (const store::ParentField& parent : store::parentFields(*table))
-            links.push_back(
-                {table, nullptr, table->find(parent.field), store::findTable(parent.table)});
+            links.push_back({table, nullptr, table->find(parent.field),
+                             store::findTable(parent.table),
+                             bondField(*table, table->find(parent.field))});
         for (auto& [key, record] : records)
             if (record.flag == MDX_INSERT || record.flag == MDX_UPDATE)
                 for (Placement& link : links)
@@ -126,6 +121,76 @@ store::Status Planning::canStand(const Placement& placement, const std::string& 
     return {};
 }
 
+Values Planning::valuesThen(const Record& record) {
+    if (record.flag == MDX_INSERT)
+        return record.values;
+    Values values = record.now;
+    for (const auto& [field, value] : record.values)
+        values[field] = value;
+    return values;
+}
+
+Values Planning::valuesThen(const store::TableDef& table, const std::string& key) {
+    if (const Record* record = planned(table, key);
+        record && (record->present || record->flag == MDX_INSERT))
+        return valuesThen(*record);
+    Values values;
+    const auto& stored = m_above[&table];
+    if (const auto row = stored.find(key); row != stored.end())
+        for (size_t i = 0; i < row->second.size(); ++i)
+            values[static_cast<int>(i)] = row->second[i];
+    return values;
+}
+
+const store::Value& Planning::bondOf(const Placement& placement) {
+    static const store::Value none;
+    for (const Values* values : {&placement.record->values, &placement.record->now})
+        if (const auto found = values->find(placement.bond); found != values->end())
+            return found->second;
+    return none;
+}
+
+/// The last change that the plan leaves and that has made the one unfit for the other; null: it was
+/// so before.
+store::Status Planning::misfitSince(const Placement& placement, const std::string& key,
+                                    Misfit misfit, const store::Change** since) {
+    const int field = decisiveField(*placement.above, misfit);
+    const auto [known, fresh] = m_decisive.try_emplace({placement.above, field, key});
+    if (fresh) {
+        std::vector<store::Change> changes;
+        if (store::Status status =
+                m_store.changesSince(*placement.above, {key}, m_standing.begin() - 1, &changes);
+            !status.ok())
+            return status;
+        for (store::Change& change : changes)
+            if (m_concerned.count(change.group) == 0 &&
+                store::valuesFromJson(*placement.above, change.after).count(field) != 0)
+                known->second = std::move(change);
+    }
+    *since = known->second ? &*known->second : nullptr;
+    if (misfit == Misfit::Elsewhere)
+        for (const Event& event : placement.record->events)
+            if (counts(event) && !isConcerned(event) && event.after.count(placement.bond) != 0 &&
+                (!*since || (*since)->id < event.change->id))
+                *since = event.change;
+    return {};
+}
+
+store::Status Planning::canHold(const Placement& placement, const std::string& key, bool isChosen,
+                                std::optional<Remark::Why>* whyNot, const store::Change** since) {
+    *since = nullptr;
+    if (m_alone && m_kept.empty() && m_unplaced.empty())
+        return {}; // all of it is as it was
+    const Misfit misfit = misfitOf(*placement.table, placement.field, bondOf(placement),
+                                   valuesThen(*placement.above, key));
+    store::Status status;
+    if (misfit != Misfit::None && !isChosen)
+        status = misfitSince(placement, key, misfit, since);
+    if (status.ok() && misfit != Misfit::None && (isChosen || *since))
+        *whyNot = misfit == Misfit::NoFolder ? Remark::PlaceNoFolder : Remark::PlaceElsewhere;
+    return status;
+}
+
 /// Below what a cut has written in place of the record that is missing, if it can stand there
 /// without another desktop for all below it; else `cutTo` is empty.
 store::Status Planning::placeAfterCut(const Placement& placement, const std::string& missing,
@@ -134,28 +199,12 @@ store::Status Planning::placeAfterCut(const Placement& placement, const std::str
     if (!status.ok() || cutTo->empty())
         return status;
     Record& record = *placement.record;
-    const int desktop = placement.table->find(field::FolderKey);
     const Record* const written = planned(*placement.above, *cutTo);
     std::optional<Remark::Why> whyNot;
     status = canStand(placement, *cutTo, true, &whyNot);
-    const auto valueOf = [&](const Values& values) {
-        const auto found = values.find(desktop);
-        return found == values.end() ? std::string()
-                                     : store::foldedKey(store::textOf(found->second));
-    };
-    if (status.ok() && !whyNot && placement.above == placement.table && desktop >= 0) {
-        const std::string own =
-            valueOf(record.values.count(desktop) != 0 ? record.values : record.now);
-        const auto& stored = m_above[placement.above];
-        const auto row = stored.find(*cutTo);
-        const std::string there =
-            written && written->flag == MDX_INSERT
-                ? valueOf(written->values)
-                : store::foldedKey(store::textOf(row->second[static_cast<size_t>(desktop)]));
-        if (own != there && !own.empty())
-            whyNot = Remark::NoPlace;
-    }
-    if (!status.ok() || whyNot)
+    const Misfit misfit = misfitOf(*placement.table, placement.field, bondOf(placement),
+                                   valuesThen(*placement.above, *cutTo));
+    if (!status.ok() || whyNot || misfit != Misfit::None)
         cutTo->clear();
     else
         record.values[placement.field] = store::Value(
@@ -170,20 +219,28 @@ store::Status Planning::place(const Placement& placement, bool* changed) {
         return {};
     // Of a record that is restored where it was the key alone decides.
     const bool isRestored = record.flag == MDX_INSERT;
-    auto& fine = m_fine[placement.above];
+    auto& fine = m_fine[{placement.table, placement.field}];
     const std::string missing = store::textOf(link->second);
-    if ((isRestored && fine.count(missing) != 0) || !store::isKey(missing))
+    const auto asBefore = isRestored ? fine.find(missing) : fine.end();
+    if ((asBefore != fine.end() && asBefore->second == bondOf(placement)) || !store::isKey(missing))
         return {};
     const std::string key = store::foldedKey(missing);
     std::optional<Remark::Why> whyNot, whyNotChosen;
     store::Status status = canStand(placement, key, false, &whyNot);
+    const store::Change* culprit = nullptr;
+    if (status.ok() && !whyNot)
+        status = canHold(placement, key, false, &whyNot, &culprit);
     if (status.ok() && !whyNot && isRestored)
-        fine.insert(missing);
+        fine[missing] = bondOf(placement);
     if (!status.ok() || !whyNot)
         return status;
     if (const auto chosen = m_choices.places.find(key); chosen != m_choices.places.end()) {
         if (!chosen->second.empty())
             status = canStand(placement, store::foldedKey(chosen->second), true, &whyNotChosen);
+        const store::Change* none = nullptr;
+        if (status.ok() && !whyNotChosen && !chosen->second.empty())
+            status =
+                canHold(placement, store::foldedKey(chosen->second), true, &whyNotChosen, &none);
         if (!status.ok())
             return status;
         if (!whyNotChosen) {
@@ -197,16 +254,15 @@ store::Status Planning::place(const Placement& placement, bool* changed) {
         if (!status.ok() || !cutTo.empty())
             return status;
     }
-    const store::Change* deletion = nullptr;
     if (whyNot == Remark::NoPlace) {
-        status = deletionOf(*placement.above, key, &deletion);
-        if (status.ok() && !deletion && isRestored && m_choices.places.empty())
-            fine.insert(missing);
-        if (!status.ok() || !deletion) // it has been an orphan before
+        status = deletionOf(*placement.above, key, &culprit);
+        if (status.ok() && !culprit && isRestored && m_choices.places.empty())
+            fine[missing] = bondOf(placement);
+        if (!status.ok() || !culprit) // it has been an orphan before
             return status;
     }
     if (m_unplaced.count(planned(*placement.above, key)) == 0) {
-        remark(*whyNot, *placement.table, record, placement.field, deletion);
+        remark(*whyNot, *placement.table, record, placement.field, culprit);
         m_inverse.remarks.back().missing = missing;
     }
     if (record.flag == MDX_INSERT) {

@@ -1,6 +1,7 @@
 // Four users act at random and take their actions back at random.
 #include "HistoryTest.h"
 
+#include "checks/Problems.h"
 #include "platform/store/ChangeRecord.h"
 #include "platform/store/Names.h"
 
@@ -103,6 +104,8 @@ private:
     }
     void plant();
     void act(size_t who);
+    std::set<QString> errors() const;
+    void lookForNewErrors(const Inverse& done, int64_t group);
     /// Takes back what of these actions can be, and leaves the rest.
     void undoAll(std::vector<Action>& actions);
     /// Takes back what that one has done since `begin`, and looks at what became of the rest.
@@ -113,7 +116,36 @@ private:
     std::vector<Action> m_actions;
     size_t m_takenBack = 0; ///< of all actions of a run
     int m_made = 0;
+    std::set<QString> m_errors; ///< that `check` has found at any time before
 };
+
+/// What `check` calls errors, but for the top folders, which the test does not plant.
+std::set<QString> TestHistoryRandom::errors() const {
+    orvo::catalogue::Catalogue records;
+    orvo::checks::Problems problems(records);
+    const Status status = records.load(*m_anna);
+    if (!status.ok())
+        qWarning("%s", status.text.c_str());
+    problems.lookAtAll();
+    std::set<QString> found;
+    for (const orvo::checks::Finding& finding : problems.all())
+        if (severityOf(finding.problem) == orvo::checks::Severity::Error)
+            found.insert(QString("%1 %2 %3")
+                             .arg(finding.table->name, QString::fromStdString(finding.key),
+                                  identifierOf(finding.problem)));
+    return found;
+}
+
+/// No undo makes an error that the actions did not.
+void TestHistoryRandom::lookForNewErrors(const Inverse& done, int64_t group) {
+    const std::set<QString> before = m_errors, now = errors();
+    m_errors.insert(now.begin(), now.end());
+    for (const QString& error : now)
+        if (before.count(error) == 0)
+            QVERIFY2(false, qPrintable(QString("%1, by undoing %2 (%3)\n%4")
+                                           .arg(error, QString::number(group), words(group),
+                                                remarks(done).join('\n'))));
+}
 
 void TestHistoryRandom::plant() {
     QFETCH(int, seed);
@@ -147,6 +179,7 @@ void TestHistoryRandom::plant() {
                          {"parent", i < 4 ? QVariant() : QString("e%1").arg(i % 4)},
                          {"order_", i * 1000}});
     ORVO_OK(elements.send(*m_anna));
+    m_errors = errors();
 }
 
 void TestHistoryRandom::act(size_t who) {
@@ -168,7 +201,7 @@ void TestHistoryRandom::act(size_t who) {
         }
         return all;
     };
-    switch (number(16)) {
+    switch (number(18)) {
     case 0:
     case 1: {
         Batch batch("Menu");
@@ -300,6 +333,12 @@ void TestHistoryRandom::act(size_t who) {
                      ? Batch("MenuFileExt").update("x", {{"ext", text}}).send(store)
                      : Batch("MenuResourceFolder").update("rf", {{"caption", text}}).send(store);
         break;
+    case 16: // an element that opens something, or is a folder again
+        if (!element.empty())
+            status = Batch("Menu")
+                         .update(element.c_str(), {{"MenuResourceKey", number(2) ? "r1" : ""}})
+                         .send(store);
+        break;
     default:
         status = Batch("MenuFolder")
                      .insert(qPrintable(QString("g%1").arg(++m_made)),
@@ -307,6 +346,8 @@ void TestHistoryRandom::act(size_t who) {
                      .update("d1", {{"caption", text}})
                      .send(store);
     }
+    const std::set<QString> found = errors();
+    m_errors.insert(found.begin(), found.end());
     if (status.ok() && store.lastWritten().first > writtenBefore)
         m_actions.push_back({who, group > 0 ? group : store.lastWritten().first});
 }
@@ -318,6 +359,8 @@ void TestHistoryRandom::undoAll(std::vector<Action>& actions) {
         for (auto action = actions.begin(); action != actions.end();) {
             Inverse done;
             const Status status = undo(*m_users[action->who], {action->group}, {}, &done);
+            if (done.written)
+                lookForNewErrors(done, action->group);
             // A circle of parents ends when others are taken back.
             if (!status.ok() && status.code != Refused) {
                 qWarning("%s", status.text.c_str());

@@ -1,6 +1,7 @@
 #include "apps/client/history/RevertPlan.h"
 
 #include "frame/Vocabulary.h"
+#include "history/Fitting.h"
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/Merge.h"
 #include "platform/store/Names.h"
@@ -32,21 +33,6 @@ int64_t numberIn(const store::TableDef& table, const history::Values& values, co
     return number ? *number : 0;
 }
 
-/// Whether a record of `table` with these values may stand below a record of `above` with those, by
-/// the link `field`.
-bool fits(const store::TableDef& table, const history::Values& values, const char* field,
-          const store::TableDef& above, const history::Values& those) {
-    if (is(above, table::MenuFolder)) {
-        const bool wantsDesktop = std::strcmp(field, field::FolderKey) == 0;
-        return (numberIn(above, those, field::isFolder) == 1) != wantsDesktop;
-    }
-    if (is(above, table::Menu)) {
-        const store::Value* resource = valueIn(above, those, field::MenuResourceKey);
-        return !resource || store::textOf(*resource).empty();
-    }
-    return numberIn(above, those, field::type_) == numberIn(table, values, field::type_);
-}
-
 RevertPlan::Place placeOf(store::MaintainedStore& store, history::LoggedRecords& source,
                           const history::PersonNames& names, const history::Remark& remark) {
     const store::TableDef& table = *remark.table;
@@ -65,6 +51,7 @@ RevertPlan::Place placeOf(store::MaintainedStore& store, history::LoggedRecords&
     place.top = is(*above, table::MenuResourceFolder)
                     ? numberIn(table, values, field::type_) == Kind::File
                     : std::strcmp(field, field::FolderKey) != 0;
+    const auto bond = values.find(history::bondField(table, remark.field));
     CMDArray rows;
     store::Status status;
     if (is(*above, table::Menu)) {
@@ -78,7 +65,9 @@ RevertPlan::Place placeOf(store::MaintainedStore& store, history::LoggedRecords&
     const uint32_t count = status.ok() ? mdx::postedCount(rows.array) : 0;
     for (uint32_t i = 0; i < count && place.others.size() < mostPlaces; ++i) {
         const history::Values those = history::valuesIn(rows.array, i);
-        if (!fits(table, values, field, *above, those))
+        if (history::misfitOf(table, remark.field,
+                              bond == values.end() ? store::Value() : bond->second,
+                              those) != history::Misfit::None)
             continue;
         const QString path = history::placeOf(*above, those, &source);
         const QString name = history::nameOf(*above, those);
