@@ -22,17 +22,19 @@ std::string textAt(const Values& values, int field) {
 
 void addBranch(const Installation& installation, const RecordKey& top, std::set<RecordKey>* found) {
     const Children children = childrenIn(installation);
+    std::set<RecordKey> seen; // below what was found in the other installation there may be more
     std::vector<RecordKey> open;
     if (installation.find(*top.first, top.second))
         open.push_back(top);
     while (!open.empty()) {
         const RecordKey record = open.back();
         open.pop_back();
-        if (!found->insert(record).second)
+        if (!seen.insert(record).second)
             continue;
         if (const auto below = children.find(record); below != children.end())
             open.insert(open.end(), below->second.begin(), below->second.end());
     }
+    found->insert(seen.begin(), seen.end());
 }
 
 /// Adds what the records need and `from` lacks: what is above them, and the resources of elements.
@@ -353,7 +355,16 @@ Difference differenceOf(const Installation& from, const Installation& to,
     Exceptions exceptions;
     keepHeld(from, to, top ? &wanted : nullptr, held, exceptions, &difference.heldBack);
     if (names != SameNames::Stay)
-        Naming(from, to, top ? &wanted : nullptr, names, exceptions).settle(&difference.leftOut);
+        for (size_t left = 0; left == 0 || left != exceptions.left.size();) {
+            Naming(from, to, top ? &wanted : nullptr, names, exceptions)
+                .settle(&difference.leftOut);
+            left = exceptions.left.size();
+            std::vector<Unfit> unfit =
+                leaveUnfit(from, to, top ? &wanted : nullptr, exceptions.placed, &exceptions.left);
+            difference.unfit.insert(difference.unfit.end(), unfit.begin(), unfit.end());
+            if (unfit.empty())
+                break;
+        }
     Comparing comparing(from, to, exceptions, held, difference);
     for (const int flag : {MDX_INSERT, MDX_UPDATE})
         for (const store::TableDef* table : tables)

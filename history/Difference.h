@@ -4,6 +4,7 @@
 #define ORVO_HISTORY_DIFFERENCE_H
 
 #include "history/Installation.h"
+#include "history/Unfit.h"
 
 #include <map>
 #include <optional>
@@ -31,6 +32,7 @@ struct Difference {
     std::vector<store::TableWrites> parts;
     std::vector<store::Change> changes; ///< as the log would tell of them
     std::vector<TakenName> leftOut;
+    std::vector<Unfit> unfit; ///< left as well
     /// Of the held forms those that would have been deleted (true), or whose contents changed.
     std::map<std::string, bool> heldBack;
 };

@@ -13,10 +13,13 @@ private slots:
     void differencesAreToldInWords();
     void anExportIsAppliedAndTakenBack();
     void aPartIsAppliedAlone();
+    void whatIsNewInAPartThatIsThereComesToo();
     void aNameWithASlashLeadsToItsRecord();
     void whatAPartNeedsComesAlong();
     void aFormOfATakenNameIsLeftOut();
     void aFolderOfATakenNameIsLeftOutWithItsFiles();
+    void aResourceThatWhatStaysOpensIsNotDeleted();
+    void whatHasNoPlaceInTheStoreIsLeftOut();
     void usersAndLocksStay();
     void aFormThatAnotherHoldsKeepsItsContents();
     void aFormThatAnotherHoldsIsNotDeleted();
@@ -107,6 +110,15 @@ void TestAdminApply::aPartIsAppliedAlone() {
     QCOMPARE(text.trimmed(), QByteArray("a|А\nb|Б\nx|Икс"));
 }
 
+void TestAdminApply::whatIsNewInAPartThatIsThereComesToo() {
+    plant();
+    const QString file = exported();
+    const QByteArray before = content();
+    QVERIFY(m_kind.byHand("DELETE FROM \"Menu\" WHERE \"KeyLink\" = 'b';"));
+    ORVO_DONE(run({"apply", file, "--only", "Цех/Стол"}));
+    QCOMPARE(content(), before);
+}
+
 void TestAdminApply::aNameWithASlashLeadsToItsRecord() {
     plant();
     QVERIFY(m_kind.byHand("UPDATE \"MenuFolder\" SET \"caption\" = 'КС-3 / 4' WHERE "
@@ -183,6 +195,46 @@ void TestAdminApply::aFolderOfATakenNameIsLeftOutWithItsFiles() {
     QCOMPARE(partly.lines().first(),
              QString("Не внесено: папка ресурсов «планы»: имя «планы» уже занято (ключ old)"));
     QCOMPARE(content(), before);
+}
+
+void TestAdminApply::aResourceThatWhatStaysOpensIsNotDeleted() {
+    plant();
+    const QString without = exported();
+    QVERIFY(m_kind.byHand(
+        "INSERT INTO \"MenuResource\" (\"KeyLink\", \"name_\", \"type_\") VALUES ('r', 'arm', '1');"
+        "UPDATE \"Menu\" SET \"MenuResourceKey\" = 'R' WHERE \"KeyLink\" = 'x';"));
+    const QByteArray before = content();
+    const AdminResult result = run({"apply", without, "--only", "r"});
+    QCOMPARE(result.code, 2);
+    QCOMPARE(result.out,
+             QString("Не удалено: модуль «arm»: на это ссылается элемент меню «Икс»\n"));
+    QVERIFY2(result.err.contains("решите, как быть (без этого --partly)"), qPrintable(result.err));
+    QCOMPARE(run({"apply", without, "--only", "r", "--partly"}).code, 1);
+    QCOMPARE(content(), before);
+}
+
+void TestAdminApply::whatHasNoPlaceInTheStoreIsLeftOut() {
+    plant();
+    QVERIFY(m_kind.byHand("INSERT INTO \"Menu\" (\"KeyLink\", \"caption\", \"FolderKey\", "
+                          "\"parent\") VALUES ('c', 'В', 'd', 'b'), ('e', 'Г', 'd', 'c');"));
+    const QString file = exported();
+    QVERIFY(m_kind.byHand("DELETE FROM \"Menu\" WHERE \"KeyLink\" IN ('c', 'e');"
+                          "UPDATE \"Menu\" SET \"MenuResourceKey\" = (SELECT \"KeyLink\" FROM "
+                          "\"MenuResource\" WHERE \"name_\" = 'a.ui') WHERE \"KeyLink\" = 'b';"));
+    const QByteArray before = content();
+    const AdminResult result = run({"apply", file, "--only", "c"});
+    QCOMPARE(result.code, 2);
+    QCOMPARE(result.out, QString("Не внесено: элемент меню «В»: «Б» в хранилище не папка меню\n"));
+    QCOMPARE(run({"apply", file, "--only", "c", "--partly"}).code, 1);
+    QCOMPARE(content(), before);
+    QVERIFY(m_kind.byHand("UPDATE \"Menu\" SET \"MenuResourceKey\" = NULL, \"FolderKey\" = 'o', "
+                          "\"parent\" = NULL WHERE \"KeyLink\" = 'b';"));
+    QCOMPARE(run({"apply", file, "--only", "c"}).out,
+             QString("Не внесено: элемент меню «В»: «Б» в хранилище на другом рабочем столе\n"));
+    ORVO_DONE(run({"apply", file, "--only", "b"})); // all of it fits
+    QByteArray text;
+    QVERIFY(m_kind.byHand("SELECT \"caption\" FROM \"Menu\" WHERE \"KeyLink\" = 'e';", &text));
+    QCOMPARE(text.trimmed(), QByteArray("Г"));
 }
 
 void TestAdminApply::usersAndLocksStay() {

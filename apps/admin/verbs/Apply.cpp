@@ -149,7 +149,8 @@ void applyOptions(OptionList& options) {
                     QString::fromUtf8("Внести под свободным именем то, чьё имя в хранилище уже "
                                       "занято: «а (2).png».")});
     options.append(
-        {QStringLiteral("partly"), QString::fromUtf8("Внести без того, чьё имя занято.")});
+        {QStringLiteral("partly"),
+         QString::fromUtf8("Внести без того, чьё имя занято или что здесь не на месте.")});
 }
 
 std::string leftOutWords(const history::TakenName& taken, history::RecordSource& source) {
@@ -161,6 +162,31 @@ std::string leftOutWords(const history::TakenName& taken, history::RecordSource&
                  record, history::quoted(QString::fromStdString(taken.name)),
                  QString::fromStdString(taken.holder.second))
             .toStdString());
+}
+
+std::string unfitWords(const history::Unfit& unfit, history::RecordSource& source) {
+    const auto& [table, key] = unfit.record;
+    const auto& [above, other] = unfit.other;
+    const QString record = history::recordWords(*table, source.valuesOf(*table, key), key);
+    const history::Values values = source.valuesOf(*above, other);
+    if (unfit.why == history::Unfit::StillNamed)
+        return line(QStringLiteral("Не удалено: %1: на это ссылается %2")
+                        .arg(record, history::recordWords(*above, values, other)));
+    const QString name = history::nameOf(*above, values);
+    QString why = history::quoted(name.isEmpty() ? QString::fromStdString(other) : name);
+    if (unfit.why == history::Unfit::NoFolder)
+        why +=
+            QStringLiteral(" в хранилище не ") + history::fieldWord(*table, unfit.field).toLower();
+    else if (unfit.why == history::Unfit::NoResource)
+        why = QStringLiteral("ресурс %1 не внесён").arg(why);
+    else
+        why += std::strcmp(above->name, table::Menu) == 0
+                   ? QStringLiteral(" в хранилище на другом рабочем столе")
+                   : QStringLiteral(" в хранилище для ресурсов другого вида");
+    return line(
+        QStringLiteral("%1: %2: %3")
+            .arg(unfit.isNew ? QStringLiteral("Не внесено") : QStringLiteral("Оставлено как есть"),
+                 record, why));
 }
 
 /// Resources that somebody has taken into work.
@@ -233,10 +259,14 @@ int runApply(const Invocation& call) {
     printHeldBack(*store, difference, held, source);
     for (const history::TakenName& taken : difference.leftOut)
         out(leftOutWords(taken, source));
-    if (!difference.leftOut.empty() && !dry && !call.has("partly"))
-        throw Failure(std::string(what) +
-                      ": решите, как быть (--other-names или без этого --partly)");
-    const bool all = difference.leftOut.empty() && difference.heldBack.empty();
+    for (const history::Unfit& unfit : difference.unfit)
+        out(unfitWords(unfit, source));
+    const bool asks = !difference.leftOut.empty() || !difference.unfit.empty();
+    if (asks && !dry && !call.has("partly"))
+        throw Failure(std::string(what) + ": решите, как быть (" +
+                      (difference.leftOut.empty() ? "" : "--other-names или ") +
+                      "без этого --partly)");
+    const bool all = !asks && difference.heldBack.empty();
     const int code = all ? Done : ErrorsFound;
     if (!dry && !difference.changes.empty()) // what is told has happened
         require(history::tellWhoOvertook(*store, difference.parts, seen,
@@ -282,7 +312,9 @@ const Verb applyVerb = {
     "Чего в выгрузке нет, там удаляется. Пользователи и занятость ресурсов не меняются. Если\n"
     "затронутое тем временем изменил кто-то другой, не меняется ничего. Форма, файл или папка,\n"
     "чьё имя в хранилище занято другой записью, называется, и пока не решено, как быть, не\n"
-    "меняется ничего; если без неё, код завершения 1.",
+    "меняется ничего; если без неё, код завершения 1. То же с тем, чему в хранилище нет места, и "
+    "с\n"
+    "удалением того, на что ссылается остающееся.",
     1,
     1,
     applyOptions,
