@@ -100,6 +100,8 @@ store::Status planInverse(store::MaintainedStore& store, const Selection& select
     if (status.ok())
         status = planning.releaseForms();
     if (status.ok())
+        status = planning.keepIcons();
+    if (status.ok())
         status = planning.decideContents();
     if (status.ok())
         planning.compose();
@@ -195,6 +197,16 @@ QString remarkWords(const Remark& remark, RecordSource& source, const PersonName
         return QStringLiteral("Не возвращено: %1: ресурс %2 удалён (%3)")
             .arg(record,
                  nameInQuotes(*store::findTable(table::MenuResource), source, remark.missing), who);
+    case Remark::NoIcon: {
+        const QString file = quoted(QString::fromStdString(remark.missing));
+        return remark.field < 0
+                   ? QStringLiteral("Возвращено без картинки: %1: файла значка %2 больше нет (%3)")
+                         .arg(record, file, who)
+                   : QStringLiteral("Оставлено как есть: %1, поле «%2»: файла %3 больше нет (%4)")
+                         .arg(record, fieldWord(table, remark.field), file, who);
+    }
+    case Remark::TopFolder:
+        return QStringLiteral("Не удалено: %1: без неё дерево ресурсов не загружается").arg(record);
     case Remark::Locked:
         return QStringLiteral("Оставлено как есть: %1: занята (%2)").arg(record, who);
     case Remark::ContentLocked:

@@ -38,6 +38,9 @@ struct Remark {
         PlaceNoFolder,  ///< or holds nothing any more: the same
         PlaceElsewhere, ///< or is on another desktop, for resources of another kind: the same
         NoResource,     ///< the resource that the element opens was deleted since
+        NoIcon,         ///< the file of its icon is gone: what comes back has no picture; a stored
+                        ///< record keeps the icon that it has
+        TopFolder,      ///< without that folder no editor loads the tree of resources
         BuiltOn,        ///< others have built on what would be deleted, or put something into what
                         ///< would open a resource: see Choices::othersWorkToo
         NameTaken,      ///< another record has the name by now: see Choices::otherNames
@@ -62,10 +65,10 @@ struct Remark {
     Why why = ChangedSince;
     const store::TableDef* table = nullptr; ///< null: of a whole action
     std::string key;
-    int field =
-        -1; ///< ChangedSince, asksForPlace(), NoResource; NameTaken, BuiltOn: of a stored record
+    int field = -1; ///< ChangedSince, asksForPlace(), NoResource; NameTaken, NoIcon, BuiltOn: of a
+                    ///< stored one
     std::string missing; ///< asksForPlace(), NoResource: the key that the field would name;
-                         ///< NameTaken: the name; NoRights, RightsStay: the login
+                         ///< NameTaken, NoIcon: the name; NoRights, RightsStay: the login
     std::string login;   ///< Locked, ContentLocked: who holds it; else whose action it was, if
                          ///< another one is the reason
     double time = 0;     ///< and when, or since when

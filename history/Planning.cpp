@@ -138,8 +138,32 @@ store::Status Planning::collect() {
             std::stable_sort(
                 record.events.begin(), record.events.end(),
                 [](const Event& a, const Event& b) { return a.change->id < b.change->id; });
+    findBranches();
     dropLocks();
     return {};
+}
+
+/// An element that went to another desktop with what it stood in, when that was taken back, comes
+/// from there as well.
+void Planning::findBranches() {
+    const store::TableDef& elements = *store::findTable(table::Menu);
+    const auto parent = static_cast<size_t>(elements.find(field::parent));
+    const auto desktop = static_cast<size_t>(elements.find(field::FolderKey));
+    const auto found = m_records.find(&elements);
+    if (found == m_records.end() || m_alone)
+        return;
+    for (auto& [key, record] : found->second) {
+        const bool went =
+            std::any_of(record.events.begin(), record.events.end(), [&](const Event& event) {
+                return m_standing.isUndoing(event.change->group) &&
+                       event.change->code == OrvoEventUpdate &&
+                       event.after.count(static_cast<int>(desktop)) != 0;
+            });
+        if (!went || !record.fields.test(parent) || record.fields.test(desktop))
+            continue;
+        record.fields.set(desktop);
+        m_branches.push_back(&record);
+    }
 }
 
 // What should be ---------------------------------------------------------------------------------

@@ -60,6 +60,8 @@ public:
     store::Status keepNamesApart(bool* changed);
     /// Releases the forms that users hold who go: nobody else would.
     store::Status releaseForms();
+    /// Leaves icons as they are whose former files are gone, and tells of those that come back so.
+    store::Status keepIcons();
     /// Finds the bytes that contents are to have again.
     store::Status decideContents();
     void compose();
@@ -68,6 +70,7 @@ private:
     /// Editors do not follow contents: by the echo of its record they show a resource anew whose
     /// bytes come back.
     void echoResources();
+    void findBranches();
 
     static constexpr size_t mostFields = 64;
     using Fields = std::bitset<mostFields>; ///< by their numbers in the table
@@ -208,6 +211,10 @@ private:
         Record* origin;
     };
     store::Status keepFolders(bool* changed);
+    /// What stands below what goes back to another desktop with its place goes there as well.
+    store::Status moveBranches();
+    /// Of these names those that no icon will have.
+    store::Status withoutIcon(std::set<std::string>* names);
     store::Status deleteBelow(const store::TableDef& table, const std::vector<std::string>& keys);
     /// The plan's record, read from the store.
     store::Status planStored(const store::TableDef& table, const std::vector<std::string>& keys,
@@ -231,9 +238,10 @@ private:
     std::vector<std::vector<store::Change>> m_changes; ///< that the events are about
     std::pmr::monotonic_buffer_resource m_memory;      ///< records in order lie in order there
     std::pmr::map<const store::TableDef*, Records> m_records{&m_memory};
-    bool m_alone = false;           ///< nothing was written since the actions but by them
-    bool m_leftOut = false;         ///< the actions have changed other records than are selected
-    std::set<const Record*> m_kept; ///< deletions that are left out
+    bool m_alone = false;            ///< nothing was written since the actions but by them
+    bool m_leftOut = false;          ///< the actions have changed other records than are selected
+    std::set<const Record*> m_kept;  ///< deletions that are left out
+    std::vector<Record*> m_branches; ///< whose desktop changed with the place, by an undo
     std::map<const Record*, Record*> m_cutFrom; ///< what a cut has written; what it deleted for it
     /// Of actions, by table and content.
     std::map<int64_t, std::map<std::pair<const store::TableDef*, std::string>, Halves>> m_halves;

@@ -1,12 +1,16 @@
 // What an inverse does about what others have put below, or built on, what it would delete.
 #include "history/Planning.h"
 
+#include "frame/Kinds.h"
 #include "frame/Vocabulary.h"
 #include "platform/store/ChangeRecord.h"
 #include "platform/store/Merge.h"
+#include "platform/store/NamePlaces.h"
 #include "platform/store/Names.h"
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <optional>
 #include <set>
 #include <utility>
@@ -17,6 +21,19 @@ namespace {
 
 bool is(const char* name, const char* other) {
     return std::strcmp(name, other) == 0;
+}
+
+/// Whether the folder holds all resources of a kind.
+bool isTopFolder(const store::TableDef& table, const Values& values) {
+    if (!is(table.name, table::MenuResourceFolder))
+        return false;
+    const store::NamePlaces names(table);
+    const std::string place = names.placeOf(values);
+    return std::any_of(
+        std::begin(resourceKinds), std::end(resourceKinds), [&](const ResourceKind& kind) {
+            return kind.topFolder &&
+                   place == names.placeOf(std::string(kind.topFolder), {}, int64_t(kind.number));
+        });
 }
 
 } // namespace
@@ -204,6 +221,15 @@ store::Status Planning::lookBelow(const store::TableDef& table, const Link& link
     return status;
 }
 
+store::Status Planning::moveBranches() {
+    const int desktop = store::findTable(table::Menu)->find(field::FolderKey);
+    store::Status status;
+    for (Record* record : m_branches)
+        if (status.ok() && record->flag == MDX_UPDATE && record->values.count(desktop) != 0)
+            status = changeDesktop({record->key}, {record->key, record, record});
+    return status;
+}
+
 /// Leaves elements folders into which others have put elements.
 store::Status Planning::keepFolders(bool* changed) {
     const store::TableDef& elements = *store::findTable(table::Menu);
@@ -279,7 +305,12 @@ store::Status Planning::keepWhatIsBuiltOn(bool* changed) {
             for (auto& [key, record] : records) {
                 if (record.flag != MDX_DELETE || table == &store::contentTable())
                     continue;
-                if (record.builtOn && !m_choices.othersWorkToo) {
+                if (isTopFolder(*table, record.now)) {
+                    remark(Remark::TopFolder, *table, record);
+                    record.flag = 0;
+                    m_kept.insert(&record);
+                    again = true;
+                } else if (record.builtOn && !m_choices.othersWorkToo) {
                     remark(cutFrom(record) ? Remark::CutChanged : Remark::BuiltOn, *table, record,
                            -1, record.builtOn);
                     record.flag = 0;
@@ -293,8 +324,11 @@ store::Status Planning::keepWhatIsBuiltOn(bool* changed) {
             for (const Link& link : linksTo(*table))
                 if (store::Status status = lookBelow(*table, link, keys, &again); !status.ok())
                     return status;
-        if (store::Status status = keepFolders(&again); !status.ok())
-            return status;
+        store::Status moved = moveBranches();
+        if (moved.ok())
+            moved = keepFolders(&again);
+        if (!moved.ok())
+            return moved;
         if (again || m_cutFrom.empty())
             continue;
         keepCutsWhole(&again);

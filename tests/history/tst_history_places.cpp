@@ -23,6 +23,9 @@ private slots:
     void whatHeldNothingBeforeIsNoReasonToAsk();
     void whatOthersPutIntoKeepsTheElementAFolder();
     void whatWaitedForAFolderKeepsIt();
+    void theTopFoldersStay();
+    void anIconWhoseFileIsGoneIsTold();
+    void whatWentAlongToADesktopComesBackFromIt();
 
 private:
     QString told(const Inverse& inverse) const { return remarks(inverse).join('\n'); }
@@ -136,6 +139,73 @@ void TestHistoryPlaces::whatWaitedForAFolderKeepsIt() {
     ORVO_OK(undo(*m_anna, {made}, {}, &done));
     QVERIFY(!done.written && done.asks());
     isTold(done, "^Не удалено: элемент меню «Новая»: на этом построено другое \\(anna, [^)]*\\)$");
+    QCOMPARE(snapshot(), before);
+}
+
+/// Without one of them no editor loads the tree.
+void TestHistoryPlaces::theTopFoldersStay() {
+    ORVO_OK(Batch("MenuResourceFolder")
+                .insert("t1", {{"type_", 1}, {"caption", "модули"}})
+                .insert("t2", {{"type_", 1}, {"caption", "модули"}, {"ParentKey", "t1"}})
+                .insert("t4", {{"type_", 4}, {"caption", "icons"}})
+                .send(*m_anna));
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    QVERIFY(done.written);
+    QCOMPARE(told(done), QString("Не удалено: папка ресурсов «модули»: без неё дерево ресурсов не "
+                                 "загружается"));
+    QCOMPARE(snapshot().filter("MenuResourceFolder|").size(), 1);
+}
+
+void TestHistoryPlaces::anIconWhoseFileIsGoneIsTold() {
+    ORVO_OK(Batch("MenuResourceFolder")
+                .insert("i", {{"type_", 4}, {"caption", "icons"}})
+                .send(*m_anna));
+    for (const char* name : {"a.png", "b.png", "c.png"})
+        ORVO_OK(Batch("MenuResource")
+                    .insert(name, {{"type_", 4}, {"name_", name}, {"MenuResourceFolderKey", "i"}})
+                    .send(*m_anna));
+    ORVO_OK(Batch("Menu")
+                .update("b", {{"ico", "a.png"}})
+                .update("c", {{"ico", "b.png"}})
+                .send(*m_anna));
+    ORVO_OK(Batch("Menu").remove("c").update("b", {{"ico", "c.png"}}).send(*m_anna));
+    const int64_t hers = last(*m_anna);
+    ORVO_OK(Batch("MenuResource").remove("b.png").send(*m_boris));
+    ORVO_OK(Batch("MenuResource").update("a.png", {{"name_", "z.png"}}).send(*m_boris));
+    const int64_t his = last(*m_boris);
+    Inverse done;
+    ORVO_OK(planInverse(*m_anna, {hers, his}, {}, &done));
+    QCOMPARE(remarks(done).size(), 1); // a.png comes back as well
+    ORVO_OK(undo(*m_anna, {hers}, {}, &done));
+    QVERIFY(done.written && !done.asks());
+    isTold(done, "(^|\n)Возвращено без картинки: элемент меню «В»: файла значка «b.png» больше нет "
+                 "\\(boris, [^)]*\\)");
+    QCOMPARE(fieldOf("c", "ico"), QString("b.png"));
+    QCOMPARE(fieldOf("b", "ico"), QString("c.png"));
+    QVERIFY(told(done).contains("Оставлено как есть: элемент меню «Б», поле «Значок»: файла "
+                                "«a.png» больше нет (boris, "));
+}
+
+void TestHistoryPlaces::whatWentAlongToADesktopComesBackFromIt() {
+    ORVO_OK(Batch("MenuFolder").insert("d2", {{"caption", "Стол 2"}}).send(*m_anna));
+    ORVO_OK(Batch("Menu")
+                .insert("t", {{"caption", "Там"}, {"FolderKey", "d2"}})
+                .insert("u", {{"caption", "У"}, {"FolderKey", "d2"}, {"parent", "t"}})
+                .send(*m_anna));
+    const QStringList before = snapshot();
+    ORVO_OK(Batch("Menu").insert("u2", {{"caption", "У"}, {"FolderKey", "d"}}).send(*m_anna));
+    const int64_t cut = last(*m_anna);
+    m_anna->joinGroup(cut);
+    ORVO_OK(Batch("Menu").remove("u").send(*m_anna));
+    m_anna->joinGroup(0);
+    ORVO_OK(Batch("Menu").update("b", {{"parent", "u2"}}).send(*m_boris));
+    const int64_t move = last(*m_boris);
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {cut}, {}, &done));
+    QCOMPARE(fieldOf("c", "FolderKey"), QString("d2"));
+    ORVO_OK(undo(*m_boris, {move}, {}, &done));
+    QCOMPARE(told(done), QString());
     QCOMPARE(snapshot(), before);
 }
 
