@@ -4,54 +4,18 @@
 #include "history/Planning.h"
 
 #include "frame/Vocabulary.h"
+#include "history/Cuts.h"
 #include "platform/store/ChangeRecord.h"
 #include "platform/store/Names.h"
 
 #include <algorithm>
-#include <cstring>
 #include <deque>
 #include <map>
 #include <set>
 #include <string>
 #include <utility>
-#include <variant>
 
 namespace orvo::history {
-
-namespace {
-
-/// Where a record stands, which a cut changes.
-bool isPlace(const store::TableDef& table, int field) {
-    const auto is = [&](const char* name) {
-        return std::strcmp(table.fields[static_cast<size_t>(field)].name, name) == 0;
-    };
-    return field == 0 || is(field::order_) || is(field::FolderKey) ||
-           targetTable(table, field) != nullptr;
-}
-
-/// Whether the value is none: what is pasted may have an empty text or 0 in place of NULL.
-bool isNone(const store::Value& value) {
-    const auto* text = std::get_if<std::string>(&value);
-    const auto* number = std::get_if<int64_t>(&value);
-    return std::holds_alternative<std::monostate>(value) || (text && text->empty()) ||
-           (number && *number == 0);
-}
-
-/// What a cut leaves as it is.
-std::string contentOf(const store::TableDef& table, const Values& values) {
-    Values content;
-    for (const auto& [field, value] : values)
-        if (!isPlace(table, field) && !isNone(value))
-            content[field] = value;
-    return jsonOf(table, content);
-}
-
-/// The same of what an action has deleted.
-std::string deletedContent(const store::TableDef& table, const store::Change& deletion) {
-    return contentOf(table, store::valuesFromJson(table, deletion.before));
-}
-
-} // namespace
 
 /// A cut is known by what its action has deleted and written again with the same content, however
 /// the two have been changed since; of those that are alike the first belongs to the first.

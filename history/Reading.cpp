@@ -1,6 +1,7 @@
 #include "history/Reading.h"
 
 #include "frame/Vocabulary.h"
+#include "history/Cuts.h"
 #include "history/LoggedChange.h"
 #include "history/ResourceContents.h"
 #include "platform/mdx/MdxBuild.h"
@@ -221,7 +222,7 @@ Reader::Reader(store::MaintainedStore& store, Filter filter, BranchMembers* memb
 void Reader::skip(std::set<int64_t> groups, int64_t from) {
     m_given = std::move(groups);
     if (!m_filter.branch) // else each change counts, since it may change what the branch was
-        m_query.below = from;
+        m_query.below = m_from = from;
 }
 
 /// The records of the branch as it is now, or the changes of a row's contents.
@@ -289,6 +290,29 @@ store::Status Reader::readPage() {
             m_page.passes[i] = isInBranch(m_page.changes[i]);
     if (m_text)
         m_text->keep(m_page.changes, &m_page.passes);
+    if (status.ok() && m_page.isLast && !m_filter.branch && !m_query.key.empty())
+        status = followCut();
+    return status;
+}
+
+store::Status Reader::followCut() {
+    store::LogQuery query; // whoever has made it, and when
+    query.table = m_query.table;
+    query.key = m_query.key;
+    query.oldestFirst = true;
+    std::vector<store::Change> first;
+    store::Status status = m_store.history(query, 1, &first);
+    std::optional<store::Change> deletion;
+    if (status.ok() && !first.empty() && first.front().id > m_query.above &&
+        m_followed.insert(store::foldedKey(m_query.key)).second)
+        status = deletionByCut(m_store, first.front(), &deletion);
+    if (!status.ok() || !deletion || m_followed.count(store::foldedKey(deletion->key)) != 0)
+        return status;
+    m_contents.clear();
+    m_query.table = deletion->table;
+    m_query.key = deletion->key;
+    m_query.below = m_from > 0 ? std::min(m_from, deletion->id + 1) : deletion->id + 1;
+    m_page.isLast = false;
     return status;
 }
 

@@ -50,7 +50,8 @@ struct Group {
 /// Which groups are wanted: those with a change that every given condition lets pass.
 struct Filter {
     std::string table; ///< of this table
-    std::string key;   ///< of the record with this key; of a form or file its contents as well
+    std::string key;   ///< of the record with this key, and of those from which it was cut; of a
+                       ///< form or file its contents as well
     std::optional<std::string> login; ///< by this login; empty: by hand
     std::optional<double> since;      ///< made at that time or later
     std::optional<double> until;      ///< made before that time
@@ -88,6 +89,8 @@ private:
     bool isInBranch(const store::Change& change);
     bool isMember(const BranchMembers::Record& record) const;
     store::Status readPage();
+    /// Goes on with the record from which that one was cut whose changes have ended.
+    store::Status followCut();
 
     store::MaintainedStore& m_store;
     const Filter m_filter;
@@ -103,6 +106,8 @@ private:
     std::map<BranchMembers::Record, bool> m_differing;
     /// If the filter's key is that of a form or file: those of its contents, the newest first.
     std::vector<store::Change> m_contents;
+    int64_t m_from = 0;               ///< all changes from that one on are known; 0: none
+    std::set<std::string> m_followed; ///< folded keys of the record, through all cuts
     /// What was read and judged last, some of which may be left for the next call.
     struct Page {
         std::vector<store::Change> changes;

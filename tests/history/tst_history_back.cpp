@@ -18,6 +18,7 @@ private slots:
         plantElements();
     }
     void aRowGoesBackToAPlace();
+    void aRowThatWasCutGoesBackToAPlaceBefore();
     void aBranchGoesBackToAPlace();
     void aPersonsLastHourGoesBack();
     void ofAnActionOnlyWhatTheScopeHoldsGoesBack();
@@ -51,6 +52,51 @@ void TestHistoryBack::aRowGoesBackToAPlace() {
     row.key = "A";
     goBack(row, place);
     QCOMPARE(captions(), QString("А0 Б1 В"));
+}
+
+void TestHistoryBack::aRowThatWasCutGoesBackToAPlaceBefore() {
+    const QStringList before = snapshot();
+    const int64_t place = rename(*m_anna, "c", "В1");
+    rename(*m_boris, "a", "А1");
+    const QStringList after = snapshot();
+    const auto cut = [&](const char* from, const char* to) {
+        ORVO_OK(Batch("Menu")
+                    .insert("twin", {{"caption", "Т"}, {"FolderKey", "d"}})
+                    .insert(to, {{"caption", caption(from)}, {"FolderKey", "d"}})
+                    .send(*m_boris));
+        m_boris->joinGroup(last(*m_boris));
+        ORVO_OK(Batch("Menu").remove(from).remove("twin").send(*m_boris));
+        m_boris->joinGroup(0);
+    };
+    cut("c", "c2");
+    cut("c2", "c3");
+    rename(*m_anna, "c3", "В3");
+    Filter row;
+    row.table = "Menu";
+    row.key = "C3";
+    const auto told = [&](Reader& reader, size_t most) {
+        std::vector<Group> groups;
+        while (!reader.atEnd() && groups.size() < most)
+            if (!reader.next(most - groups.size(), &groups).ok())
+                break;
+        return groups;
+    };
+    Reader reader(*m_anna, row);
+    const std::vector<Group> groups = told(reader, 100);
+    QCOMPARE(groups.size(), size_t(5)); // its name, two cuts, its name, its making
+    QCOMPARE(groups[3].id, place);
+    Filter hers = row;
+    hers.login = "anna";
+    Reader ofHer(*m_anna, hers);
+    QCOMPARE(told(ofHer, 100).size(), size_t(3));
+    Reader rest(*m_anna, row); // what is known is not read again
+    rest.skip({groups[0].id, groups[1].id, groups[2].id}, groups[2].id);
+    QCOMPARE(told(rest, 100).size(), size_t(2));
+    goBack(row, place);
+    QCOMPARE(caption("c"), QString("В"));
+    QCOMPARE(caption("c2") + caption("c3"), QString());
+    QCOMPARE(caption("a"), QString("А1"));
+    QCOMPARE(snapshot().size(), before.size());
 }
 
 void TestHistoryBack::aBranchGoesBackToAPlace() {
