@@ -19,6 +19,7 @@
 #include "platform/store/StoreUrl.h"
 
 #include <QAbstractScrollArea>
+#include <QApplication>
 #include <QDockWidget>
 
 #include <algorithm>
@@ -145,8 +146,11 @@ void Client::showUnwritten() {
         const QString title = QStringLiteral("Не записано");
         const size_t count = m_unwritten->entries().size();
         pane->setWindowTitle(count > 0 ? QStringLiteral("%1 (%2)").arg(title).arg(count) : title);
-        if (count == 0)
-            pane->hide();
+        if (count > 0)
+            return;
+        if (pane->isAncestorOf(QApplication::focusWidget()))
+            m_window->returnToPage();
+        pane->hide();
     };
     const auto raise = [pane] {
         pane->show();

@@ -44,7 +44,7 @@ public:
     void showEditor(const QString& name);
     /// Gives the focus to the part of the page on show that had it there, else to its first tree.
     void focusPage();
-    /// The same once a page is closed, maybe in a window of its own.
+    /// The same once what had the focus is closed, maybe in a window of its own.
     void returnToPage();
     /// What the page shows is no longer as it was; `why` in words.
     void markPage(QWidget* page, const QString& why);

@@ -97,8 +97,8 @@ UnwrittenPane::UnwrittenPane(client::UnwrittenList& list, QWidget* parent)
     , m_list(list)
     , m_tree(new QTreeWidget(this))
     , m_repeat(new QPushButton(this))
-    , m_repeatAll(new QPushButton(QStringLiteral("Повторить всё"), this))
-    , m_giveUp(new QPushButton(this)) {
+    , m_giveUp(new QPushButton(this))
+    , m_repeatAll(new QPushButton(QStringLiteral("Повторить всё"), this)) {
     setObjectName(QStringLiteral("unwrittenPane"));
     m_tree->setObjectName(QStringLiteral("unwrittenTree"));
     m_repeat->setObjectName(QStringLiteral("unwrittenRepeat"));
@@ -212,9 +212,14 @@ void UnwrittenPane::updateActions() {
                       : again  ? QStringLiteral("Создать заново")
                                : QStringLiteral("Повторить"));
     m_giveUp->setText(conflict ? QStringLiteral("Взять чужое") : QStringLiteral("Отказаться"));
-    m_repeat->setEnabled(entry && entry->state != UnwrittenEntry::Unknown);
-    m_giveUp->setEnabled(entry != nullptr);
-    m_repeatAll->setEnabled(!m_list.isEmpty());
+    const auto enable = [this](QPushButton* button, bool on) {
+        if (!on && button->hasFocus())
+            m_tree->setFocus(); // Qt would give it to whatever is next in the window
+        button->setEnabled(on);
+    };
+    enable(m_repeat, entry && entry->state != UnwrittenEntry::Unknown);
+    enable(m_giveUp, entry != nullptr);
+    enable(m_repeatAll, !m_list.isEmpty());
 }
 
 void UnwrittenPane::textChanged(QTreeWidgetItem* row, int column) {

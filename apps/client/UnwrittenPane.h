@@ -38,8 +38,8 @@ private:
     client::UnwrittenList& m_list;
     QTreeWidget* m_tree; // these: children of the pane
     QPushButton* m_repeat;
-    QPushButton* m_repeatAll;
     QPushButton* m_giveUp;
+    QPushButton* m_repeatAll;
     bool m_filling = false;
     bool m_outdated = false; ///< to be filled when the open cell is left
 };

@@ -7,6 +7,7 @@
 #include "tests/client/RunningClient.h"
 #include "tests/menu/WindowHands.h"
 
+#include <QDockWidget>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -104,6 +105,26 @@ private slots:
         QTRY_COMPARE(fixture.menu(), QString("а(б(в)) чужое"));
         QVERIFY(mark("d").label.isEmpty());
         QVERIFY(!fixture.module("Menu")->m_app->hasRecordMarks());
+    }
+
+    void theLastOneGivenUpByKeysLeadsBackToTheEditor() {
+        Fixture fixture;
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г"));
+        fixture.client->window()->activateWindow();
+        QTRY_COMPARE(QApplication::activeWindow(), fixture.client->window());
+        QTreeView* menu = fixture.view("tvMenu");
+        menu->setFocus();
+        QVERIFY(fixture.host.write("Menu", MDX_UPDATE, {{"KeyLink", "d"}, {"caption", "чужое"}}));
+        fixture.renames("d", "своё"); // before that has been heard of
+        QTRY_VERIFY(fixture.child<QPushButton>("unwrittenGiveUp")->isEnabled());
+        fixture.unwritten()->setFocus();
+        for (const char* next : {"unwrittenRepeat", "unwrittenGiveUp"}) { // as they stand
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            QCOMPARE(QApplication::focusWidget()->objectName(), QString(next));
+        }
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+        QTRY_VERIFY(!fixture.child<QDockWidget>("unwrittenDock")->isVisible());
+        QTRY_COMPARE(QApplication::focusWidget(), menu);
     }
 
     /// The editor's own look finds nothing: the other's record waits until the edit ends.
