@@ -16,6 +16,7 @@
 #include <QDockWidget>
 #include <QElapsedTimer>
 #include <QMenuBar>
+#include <QPointer>
 #include <QScreen>
 #include <QShortcut>
 #include <QShowEvent>
@@ -26,6 +27,7 @@
 
 #include <QTreeView>
 #include <algorithm>
+#include <memory>
 
 namespace orvo::app {
 
@@ -148,11 +150,20 @@ QDockWidget* MainWindow::addPane(QWidget* content, const QString& title, const Q
     }
     QAction* toggle = m_view->addAction(title);
     toggle->setShortcut(shortcut);
-    connect(toggle, &QAction::triggered, dock, [this, dock] {
-        if (!dock->isHidden() && !dock->visibleRegion().isEmpty())
-            dock->hide();
-        else
-            bringUp(dock);
+    const auto cameFrom = std::make_shared<QPointer<QWidget>>();
+    connect(toggle, &QAction::triggered, dock, [this, dock, cameFrom] {
+        QWidget* focus = QApplication::focusWidget();
+        const bool hasFocus = dock->isAncestorOf(focus);
+        if (dock->isHidden() || dock->visibleRegion().isEmpty()) {
+            if (!hasFocus)
+                *cameFrom = focus;
+            return bringUp(dock);
+        }
+        if (hasFocus && *cameFrom && (*cameFrom)->isVisible()) {
+            (*cameFrom)->activateWindow(); // maybe another one
+            (*cameFrom)->setFocus();
+        }
+        dock->hide();
     });
     return dock;
 }
