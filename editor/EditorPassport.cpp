@@ -180,16 +180,16 @@ bool EditorWindow::isIconRow(const QString& rowName) {
     return sameText(rowName, QString::fromLatin1(iconRow));
 }
 
-bool EditorWindow::refusesChosenFolder() {
-    const QModelIndexList rows = m_popList->tvObj()->selectionModel()->selectedRows(0);
+bool EditorWindow::refusesChosenFolder(const CPopObjectList& list) {
+    const QModelIndexList rows = list.tvObj()->selectionModel()->selectedRows(0);
     if (rows.isEmpty() || !rows.first().siblingAtColumn(PickColumn::IsFolder).data().toBool())
         return false;
-    refuse(translated("Выбрана папка \"%1\", а нужно то, что в ней.").arg(m_popList->chosenName));
+    refuse(translated("Выбрана папка \"%1\", а нужно то, что в ней.").arg(list.chosenName));
     return true;
 }
 
 void EditorWindow::takeChosenIcon() {
-    if (refusesChosenFolder())
+    if (refusesChosenFolder(*m_popList))
         return;
     editPassportValue(*m_propModel, QString::fromLatin1(iconRow), m_popList->chosenName);
 }

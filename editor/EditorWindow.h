@@ -173,8 +173,8 @@ protected:
     /// The picker, ready to offer the icons.
     CPopObjectList* iconPicker();
     static bool isIconRow(const QString& rowName);
-    /// Whether a folder is chosen in the picker, where a resource is wanted; says so in a box.
-    bool refusesChosenFolder();
+    /// Whether a folder is chosen in a picker, where a resource is wanted; says so in a box.
+    bool refusesChosenFolder(const CPopObjectList& list);
     /// Enters the icon that was chosen into the passport as the engineer's own edit does.
     void takeChosenIcon();
 

@@ -69,53 +69,62 @@ void OrvoMenu::on_actNewElemFile_triggered() {
     chooseNewElements(CPopObjectList::KindForm);
 }
 
-void OrvoMenu::chooseNewElements(int32_t kind, bool asPalette) {
+void OrvoMenu::chooseNewElements(int32_t kind) {
     if (!m_menuModel)
         return; // the start failed
-    CPopObjectList* list = picker();
+    CPopObjectList* list = m_palette && m_palette->isVisible() ? m_palette : picker();
     list->multipleChoice = true;
     list->objectType = kind;
     list->chosenName = QString();
-    // A palette that was closed is none any more: the next choice ends with its list.
-    list->setPalette(asPalette || (list->isPalette() && list->isVisible()));
     list->reloadAndShow();
 }
 
 void OrvoMenu::showPalette() {
-    if (m_popList && m_popList->isVisible() && m_popList->isPalette()) {
-        m_popList->hide();
+    if (!m_menuModel)
+        return; // the start failed
+    if (m_palette && m_palette->isVisible()) {
+        m_palette->hide();
         return;
     }
-    const bool hasKind = m_popList && m_popList->objectType != CPopObjectList::KindFile &&
-                         m_popList->objectType != 0;
-    chooseNewElements(hasKind ? m_popList->objectType : int32_t(CPopObjectList::KindModule), true);
+    if (!m_palette) {
+        m_palette = new CPopObjectList(this); // the window's child
+        m_palette->becomePalette();
+        m_palette->multipleChoice = true;
+        m_palette->objectType = CPopObjectList::KindModule;
+        connect(m_palette, &CPopObjectList::btnOK_pressed, this,
+                [this] { addChosenElements(*m_palette); });
+    }
+    m_palette->chosenName = QString();
+    m_palette->reloadAndShow();
 }
 
 void OrvoMenu::on_poplist_OK_Pressed() {
     if (!m_popList)
         return;
     if (m_popList->multipleChoice)
-        addChosenElements();
+        addChosenElements(*m_popList);
     else
         takeChosenValue();
 }
 
-void OrvoMenu::addChosenElements() {
-    const orvo::ResourceKind* kind = orvo::resourceKind(m_popList->objectType);
+void OrvoMenu::addChosenElements(CPopObjectList& list) {
+    const orvo::ResourceKind* kind = orvo::resourceKind(list.objectType);
     if (!kind || !kind->attribute) // stands in no menu
         return;
     std::vector<Picked> picked;
-    for (const QModelIndex& chosen : m_popList->tvObj()->selectionModel()->selectedRows(0))
+    for (const QModelIndex& chosen : list.tvObj()->selectionModel()->selectedRows(0))
         if (chosen.isValid() && !chosen.siblingAtColumn(orvo::PickColumn::IsFolder).data().toBool())
             picked.push_back({chosen.siblingAtColumn(orvo::PickColumn::KeyLink).data().toString(),
                               chosen.siblingAtColumn(orvo::PickColumn::Caption).data().toString()});
     // A new folder is written before what is put into it.
-    const bool isPalette = m_popList->isPalette();
-    if (isPalette && !finishEdit())
+    if (list.isPalette() && !finishEdit())
         return;
-    const QModelIndex entered = isPalette ? elementRow(m_paletteTarget) : QModelIndex();
-    if (!addElements(entered.isValid() ? entered : elementRow(m_currentMenuKey), std::move(picked)))
-        refusesChosenFolder();
+    const QModelIndex entered = list.isPalette() ? elementRow(m_paletteTarget) : QModelIndex();
+    const QModelIndex target = entered.isValid() ? entered : elementRow(m_currentMenuKey);
+    if (list.isPalette() && !target.isValid())
+        refuse(tr("Добавить некуда: сначала выберите рабочий стол, в меню которого это нужно."));
+    else if (!addElements(target, std::move(picked)))
+        refusesChosenFolder(list);
 }
 
 void OrvoMenu::refuseDeleted(std::vector<Picked>& picked) {
@@ -129,10 +138,6 @@ void OrvoMenu::refuseDeleted(std::vector<Picked>& picked) {
     picked.erase(std::remove_if(picked.begin(), picked.end(), isDeleted), picked.end());
     if (names.isEmpty())
         return;
-    if (m_popList && m_popList->isPalette() && m_popList->isVisible()) {
-        m_popList->hide(); // it would cover the box, and take keys meant for it
-        activateWindow();
-    }
     refuse(tr("Не взято: этого ресурса больше нет, его удалили.\n%1")
                .arg(names.join(QLatin1Char('\n'))));
 }
@@ -204,7 +209,7 @@ bool OrvoMenu::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void OrvoMenu::takeChosenValue() {
-    if (refusesChosenFolder())
+    if (refusesChosenFolder(*m_popList))
         return;
     const QString name = m_popList->chosenName;
     const QString key = m_popList->chosenKey;
@@ -231,8 +236,6 @@ void OrvoMenu::on_passp_buttonpressed(const QString& rowName) {
         refuse(tr("Это не элемент меню: выбрать для него ничего нельзя."));
         return;
     }
-    if (m_popList)
-        m_popList->setPalette(false);
     if (isIconRow(rowName)) {
         CPopObjectList* list = iconPicker();
         list->chosenName = valueOf("icon");

@@ -58,7 +58,7 @@ void OrvoMenu::on_tvDesck_currentChanged(const QModelIndex& current, const QMode
 void OrvoMenu::on_tvMenu_currentChanged(const QModelIndex& current, const QModelIndex&) {
     m_currentMenuKey = m_menuModel->getItemKeyLink(current);
     // Who works in the palette has chosen no other row: what others add becomes current.
-    if (!m_popList || QApplication::activeWindow() != m_popList)
+    if (!m_palette || QApplication::activeWindow() != m_palette)
         m_paletteTarget = m_currentMenuKey;
     m_propModel->clearRows();
     // An edit of a row that moves is no edit that the engineer leaves.

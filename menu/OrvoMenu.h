@@ -110,6 +110,7 @@ protected:
     QString m_openDesckKey;    ///< of the desktop whose elements m_tabMenu holds; null: the current
     QString m_currentDesckKey; ///< key of the current row of tvDesck
     QString m_currentMenuKey;  ///< key of the current row of tvMenu
+    CPopObjectList* m_palette = nullptr; ///< child, made on first use; m_popList is another
     QString m_paletteTarget;   ///< the row of tvMenu that was current when the palette was entered
     bool m_cutPending = false; ///< the clipboard holds a cut of this editor
     QByteArray m_ownCut;       ///< the last cut, as long as nothing else has been offered since
@@ -291,10 +292,10 @@ private:
     void elementInserted(const orvo::Notification& change);
 
     // Creating
-    void chooseNewElements(int32_t kind, bool asPalette = false);
-    void addChosenElements();
-    /// Opens the picker as a palette beside the menu, or closes that; from then on new elements are
-    /// chosen so, until it is closed.
+    void chooseNewElements(int32_t kind);
+    void addChosenElements(CPopObjectList& list);
+    /// Opens the palette beside the menu, or closes it; while it is open new elements are chosen
+    /// in it.
     void showPalette();
     struct Picked {
         QString key; ///< of the resource

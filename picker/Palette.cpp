@@ -13,21 +13,38 @@
 #include <QShortcut>
 
 #include <functional>
-#include <utility>
 
-void CPopObjectList::setPalette(bool on) {
-    m_isPalette = on;
-    setProperty("orvoPalette", on);
-    m_addButton->setShown(on);
-    if (!on && m_wholeSize.isValid())
-        resize(std::exchange(m_wholeSize, QSize()));
+void CPopObjectList::becomePalette() {
+    m_isPalette = true;
+    setProperty("orvoPalette", true);
+    m_addButton->setShown(true);
+    m_ui->btnCancel->setText(tr("Закрыть")); // what was chosen is written already
     // The shortcuts of a window work in its tools.
-    if (const Qt::WindowType type = on ? Qt::Tool : Qt::Dialog; windowType() != type)
-        setWindowFlags((windowFlags() & ~Qt::WindowType_Mask) | type);
-    if (on && !m_kinds)
-        makeKinds();
-    if (m_kinds)
-        m_kinds->setVisible(on);
+    setWindowFlags((windowFlags() & ~Qt::WindowType_Mask) | Qt::Tool);
+    makeKinds();
+}
+
+void CPopObjectList::giveWay(bool on) {
+    if (on) {
+        if (m_coverings++ > 0)
+            return;
+        m_hadKeys = isActiveWindow();
+        hide();
+        if (m_hadKeys)
+            parentWidget()->activateWindow();
+        return;
+    }
+    if (m_coverings == 0 || --m_coverings > 0)
+        return;
+    const QPoint place = pos();
+    setAttribute(Qt::WA_ShowWithoutActivating, !m_hadKeys);
+    m_comesBack = true;
+    show();
+    m_comesBack = false;
+    setAttribute(Qt::WA_ShowWithoutActivating, false);
+    move(place);
+    if (m_hadKeys)
+        activateWindow();
 }
 
 /// On a small screen it leaves the menu in sight, and its own buttons.

@@ -98,10 +98,13 @@ void CPopObjectList::reloadAndShow() {
 }
 
 void CPopObjectList::showEvent(QShowEvent* event) {
+    if (m_comesBack)
+        return QWidget::showEvent(event);
     CPopTemplate::showEvent(event);
     // A window that the desktop brings back keeps what it shows.
     if (event->spontaneous())
         return;
+    giveWayToThis(true);
     m_isTouched = false;
     m_search->dismiss();
     m_ui->btnCancel->setFocus(Qt::OtherFocusReason);
@@ -111,9 +114,22 @@ void CPopObjectList::showEvent(QShowEvent* event) {
 }
 
 void CPopObjectList::hideEvent(QHideEvent* event) {
-    if (!event->spontaneous())
+    if (!event->spontaneous()) {
         rememberOpen();
+        giveWayToThis(false);
+    }
     CPopTemplate::hideEvent(event);
+}
+
+/// The palette beside a picker, which is for one answer.
+void CPopObjectList::giveWayToThis(bool on) {
+    if (m_isPalette || !parentWidget() || on == m_covers)
+        return;
+    m_covers = on;
+    for (CPopObjectList* other :
+         parentWidget()->findChildren<CPopObjectList*>(QString(), Qt::FindDirectChildrenOnly))
+        if (other->isPalette() && (on ? other->isVisible() : other->m_coverings > 0))
+            other->giveWay(on);
 }
 
 void CPopObjectList::showTitle() {

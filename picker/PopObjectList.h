@@ -75,11 +75,11 @@ public:
     /// Reloads the list and shows the pop-up in front of its window, also if it is open already.
     void reloadAndShow();
 
-    /// A palette: it stands beside the middle of its window, stays after OK, and holds up no
-    /// changes of others; when the user comes back to it, it lists what there is then. It has a
-    /// selector of the kind and a button that adds the row under the mouse, and the keys of the
-    /// window work in it. To be set before the show.
-    void setPalette(bool on);
+    /// A palette from then on: it stands beside the middle of its window, stays after OK, and holds
+    /// up no changes of others; when the user comes back to it, it lists what there is then. It has
+    /// a selector of the kind and a button that adds the row under the mouse, and the keys of the
+    /// window work in it. To be called before the first show.
+    void becomePalette();
     bool isPalette() const { return m_isPalette; }
 
     void refreshTables();
@@ -100,6 +100,9 @@ public slots:
     /// Hides the pop-up, unless it is a palette.
     void on_btnOK_clicked();
     void on_btnCancel_clicked();
+    /// A palette: hides while something is shown over its window, and comes back as it was, with
+    /// the keyboard if it had that. Calls with true and with false come in pairs.
+    void giveWay(bool on);
 
 protected:
     void showEvent(QShowEvent* event) override;
@@ -124,6 +127,7 @@ private:
     void showKind(int32_t kind);
     void placePalette();
     void makeKinds();
+    void giveWayToThis(bool on);
     void addPaletteKeys();
     /// Drags the selected resources, for the owner's tree to make elements of.
     void startDrag();
@@ -150,8 +154,12 @@ private:
     QMap<QString, QSet<QString>> m_open; ///< by list: keys of the folders that were open
     QString m_shown;                     ///< list that the tree has; empty: none
     bool m_isPalette = false;
-    QSize m_wholeSize; ///< before it became a palette
-    QPoint m_pressed;  ///< where the mouse went down on a resource, in the viewport
+    QSize m_wholeSize;        ///< of a palette on a screen that has the room
+    int m_coverings = 0;      ///< for which it has given way
+    bool m_hadKeys = false;   ///< before that
+    bool m_comesBack = false; ///< it is being shown as it was
+    bool m_covers = false;    ///< a palette has given way to this
+    QPoint m_pressed;         ///< where the mouse went down on a resource, in the viewport
     bool m_mayDrag = false;
     QComboBox* m_kinds = nullptr;  ///< child; null until it is a palette
     bool m_isTouched = false;      ///< the user has gone to a button by Tab

@@ -326,7 +326,8 @@ void CPopMessageBox::showEvent(QShowEvent* event) {
         return;
     d->overlay->cover();
     orvo::client::tellAlert(*this);
-    QWidget* before = QApplication::focusWidget();
+    // Of its own window, if another has the keyboard.
+    QWidget* before = window()->focusWidget();
     if (before && parentWidget() && parentWidget()->isAncestorOf(before) && !isAncestorOf(before))
         d->focusBefore = before;
     d->defaultButton()->setFocus(Qt::OtherFocusReason);

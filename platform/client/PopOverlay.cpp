@@ -50,9 +50,17 @@ PopOverlay::PopOverlay(QWidget* owner)
 PopOverlay::~PopOverlay() = default;
 
 void PopOverlay::cover() {
-    if (QWidget* window = m_owner->parentWidget())
+    if (QWidget* window = m_owner->parentWidget()) {
         m_owner->setGeometry(window->rect());
+        m_palettes.cover(*window);
+    }
     m_owner->raise();
+}
+
+void PopOverlay::hideEvent(QHideEvent* event) {
+    QWidget::hideEvent(event);
+    if (m_owner->isHidden()) // not only with its tab
+        m_palettes.uncover();
 }
 
 bool PopOverlay::eventFilter(QObject* watched, QEvent* event) {

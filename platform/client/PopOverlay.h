@@ -3,6 +3,8 @@
 #ifndef ORVO_PLATFORM_CLIENT_POPOVERLAY_H
 #define ORVO_PLATFORM_CLIENT_POPOVERLAY_H
 
+#include "platform/client/PaletteCover.h"
+
 #include <QLabel>
 #include <QScrollArea>
 #include <QWidget>
@@ -31,15 +33,18 @@ public:
 
     /// The panel's column, to be filled.
     QVBoxLayout* column() const { return m_column; }
-    /// Lays the pop-up over its whole parent, above everything there. For the pop-up's showEvent.
+    /// Lays the pop-up over its whole parent, above everything there; palettes give way until it is
+    /// hidden. For the pop-up's showEvent.
     void cover();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     QWidget* m_owner; ///< the parent, which owns this
+    PaletteCover m_palettes;
     PopPanel* m_panel;
     QVBoxLayout* m_column;
 };

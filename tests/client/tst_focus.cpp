@@ -247,10 +247,29 @@ private slots:
         // What finds in the whole store is at hand there too, and leads back.
         press(Qt::Key_K, Qt::ControlModifier);
         QVERIFY(isAt(fixture.child<QWidget>("findText")));
+        QVERIFY(!palette->isVisible()); // what is found can be seen
         press(Qt::Key_Escape);
         QVERIFY(isAt(list));
         press(Qt::Key_F7);
         QVERIFY(!palette->isVisible());
+        fixture.client->window()->activateWindow();    // as a window manager does
+        QVERIFY(isAt(fixture.tree("Menu", "tvProp"))); // from where one went to the palette
+    }
+
+    void aPaneThatIsClosedByItsKeyLeadsBackToWhereOneWas() {
+        Fixture fixture;
+        QVERIFY(fixture.show("Menu"));
+        app::PageDocks& docks = fixture.client->window()->pageDocks();
+        docks.takeOut(fixture.module("Menu"), app::PageDocks::Place::OwnWindow);
+        QTreeView* menu = fixture.tree("Menu", "tvMenu");
+        menu->window()->activateWindow();
+        menu->setFocus();
+        QTRY_COMPARE(QApplication::focusWidget(), menu);
+        QTest::keyClick(menu, Qt::Key_F4);
+        auto* history = fixture.child<QTreeView>("historyTree");
+        QTRY_COMPARE(QApplication::focusWidget(), history);
+        QTest::keyClick(history, Qt::Key_F4);
+        QTRY_COMPARE(QApplication::focusWidget(), menu);
     }
 
     void escLeavesTheFieldByWhichAListIsSearched_data() {

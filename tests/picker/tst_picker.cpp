@@ -783,7 +783,7 @@ private slots:
 
     void aPaletteStaysAndListsWhatIsNew() {
         Picker picker;
-        picker->setPalette(true);
+        picker->becomePalette();
         picker.show(CPopObjectList::KindModule);
         picker.click("m1");
         picker.ok();

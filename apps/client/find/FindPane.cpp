@@ -105,9 +105,11 @@ void FindPane::open() {
     m_live.start();
     if (!isVisible()) {
         m_cameFrom = lasting(QApplication::focusWidget());
+        m_below = lasting(window()->focusWidget());
         m_isWhole = false; // of last time
         m_view->setCurrentIndex({});
         place();
+        m_palettes.cover(*window());
         show();
         search();
     }
@@ -128,6 +130,9 @@ void FindPane::dismiss() {
     if (m_stop)
         *m_stop = true;
     hide();
+    if (hadFocus && m_below && m_below->isVisible())
+        m_below->setFocus(Qt::OtherFocusReason);
+    m_palettes.uncover();
     if (hadFocus && back && back->isVisible()) {
         back->window()->raise();
         back->activateWindow();

@@ -8,6 +8,7 @@
 
 #include "apps/client/find/FindModel.h"
 #include "catalogue/LiveCatalogue.h"
+#include "platform/client/PaletteCover.h"
 
 #include <QFrame>
 #include <QPointer>
@@ -73,6 +74,8 @@ private:
     bool m_isPlacing = false;
     QTimer m_againSoon;
     QPointer<QWidget> m_cameFrom;              ///< what had the focus
+    QPointer<QWidget> m_below;                 ///< what had it in this window
+    client::PaletteCover m_palettes;           ///< for as long as the pane is shown
     std::shared_ptr<std::atomic<bool>> m_stop; ///< of the search that runs; null: none was made
     bool m_isWhole = false;                    ///< all that was found for the text is shown
     bool m_choosesWhenFound = false;           ///< Enter came before that
