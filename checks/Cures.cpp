@@ -115,12 +115,48 @@ std::optional<Cure> distinctOrders(const Catalogue& records, const Record& eleme
     return cure.writes.writes.empty() ? std::nullopt : std::make_optional(cure);
 }
 
+const char* const toTopWords = "перенести на верхний уровень";
+constexpr int64_t orderStep = 1000;
+
+/// Whether it is below what there is not, and shown nowhere.
+bool isLost(const Catalogue& records, const Record& element) {
+    const int parent = fields().element.parent;
+    return !element.text(parent).empty() && !records.linked(element, parent);
+}
+
+/// The last place at the top of a menu; one before the first if there is none.
+int64_t lastAtTop(const Catalogue& records, const Record& element) {
+    const Fields& f = fields();
+    int64_t last = -orderStep;
+    const std::string desktop = element.text(f.element.desktop);
+    records.forEachWith(table::Menu, field::FolderKey, desktop, [&](const Record& one, int) {
+        if (one.text(f.element.parent).empty())
+            last = std::max<int64_t>(last, one.integer(f.element.order));
+        return true;
+    });
+    return last;
+}
+
+/// To the end of its menu, where no other has its place.
+Cure toTopOfMenu(const Record& element, int64_t order) {
+    const Fields& f = fields();
+    if (order > std::numeric_limits<int>::max())
+        return clearing(toTopWords, element, f.element.parent);
+    return single(toTopWords, element, {{f.element.parent, null}, {f.element.order, order}});
+}
+
 /// A desktop, or a folder of them, whose link names nothing is shown at the top.
 std::optional<Cure> withoutParent(const Problems& problems, const Record& record) {
     const Fields& f = fields();
     if (&record.table() == &f.folders)
         return toTop(problems, record, record.integer(f.folder.kind), f.folder.parent);
-    return clearing("перенести на верхний уровень", record, parentFieldOf(record.table()));
+    if (&record.table() == &f.elements)
+        return toTopOfMenu(record, lastAtTop(problems.records(), record) + orderStep);
+    return clearing(toTopWords, record, parentFieldOf(record.table()));
+}
+
+bool isWithoutParent(const Finding& finding) {
+    return finding.problem == Problem::NoParent || finding.problem == Problem::UnderTopRow;
 }
 
 } // namespace
@@ -179,15 +215,33 @@ std::optional<Cure> cureOf(const Problems& problems, const Finding& finding) {
 std::optional<QString> cureWordsOf(const Problems& problems, const Finding& finding) {
     if (finding.problem == Problem::SameOrder) // certain, wherever two are in one place
         return QString::fromUtf8(distinctOrdersWords);
+    if (isWithoutParent(finding) && finding.table == &fields().elements) // the same
+        return QString::fromUtf8(toTopWords);
     const auto cure = cureOf(problems, finding);
     return cure ? std::make_optional(cure->words) : std::nullopt;
 }
 
+void CureBatch::addToTopOfMenu(const Catalogue& records, const Record& element) {
+    const std::string menu = folded(element.cp1251(fields().element.desktop));
+    auto last = m_lastAtTop.find(menu);
+    if (last == m_lastAtTop.end())
+        last = m_lastAtTop.emplace(menu, lastAtTop(records, element)).first;
+    last->second += orderStep;
+    add(toTopOfMenu(element, last->second));
+}
+
 std::optional<QString> CureBatch::add(const Problems& problems, const Finding& finding) {
-    if (finding.problem == Problem::SameOrder) {
-        const Record element = problems.records().find(*finding.table, finding.key);
-        if (element && m_folders.count(folderOf(element)) > 0)
+    const Catalogue& records = problems.records();
+    if (finding.table == &fields().elements) {
+        const Record element = records.find(*finding.table, finding.key);
+        const bool sameOrder = element && finding.problem == Problem::SameOrder;
+        if (sameOrder && m_folders.count(folderOf(element)) > 0)
             return QString::fromUtf8(distinctOrdersWords);
+        // Where it goes it has a place of its own.
+        if (element && (isWithoutParent(finding) || (sameOrder && isLost(records, element)))) {
+            addToTopOfMenu(records, element);
+            return QString::fromUtf8(sameOrder ? distinctOrdersWords : toTopWords);
+        }
     }
     const auto cure = cureOf(problems, finding);
     if (!cure || !add(*cure))

@@ -37,10 +37,12 @@ public:
 
 private:
     bool add(const Cure& cure);
+    void addToTopOfMenu(const Catalogue& records, const Record& element);
 
     std::map<const store::TableDef*, std::map<std::string, store::Write>> m_parts;
     std::set<std::string> m_claims;
-    std::set<std::string> m_folders; ///< that have been put right as a whole
+    std::set<std::string> m_folders;            ///< that have been put right as a whole
+    std::map<std::string, int64_t> m_lastAtTop; ///< by menu: the last place, with what was added
 };
 
 } // namespace orvo::checks

@@ -82,6 +82,7 @@ private slots:
     void contentsAreFollowed();
     void aCureOutdatedByAnotherWriteIsRefused();
     void distinctOrdersKeepTheSequence();
+    void whatComesToTheTopHasAPlaceOfItsOwn();
     void randomChangesLeaveWhatAFreshLookGives_data();
     void randomChangesLeaveWhatAFreshLookGives();
 
@@ -294,6 +295,15 @@ void TestProblems::aCureOutdatedByAnotherWriteIsRefused() {
     CMDArray rows;
     ORVO_OK(m_store->fetchWhere("Menu", "ico", "a.png", rows.array));
     QCOMPARE(rows.array->recordCount, 1U);
+}
+
+void TestProblems::whatComesToTheTopHasAPlaceOfItsOwn() {
+    fill();
+    ORVO_OK(Batch("Menu").update("E", {{"parent", "gone"}, {"order_", 0}}).send(*m_store));
+    Watch watch(*m_store);
+    QCOMPARE(watch.look(), QStringList("Menu E no-parent gone"));
+    ORVO_OK(watch.cure());
+    QCOMPARE(watch.look(), QStringList());
 }
 
 void TestProblems::distinctOrdersKeepTheSequence() {
