@@ -72,6 +72,12 @@ Status PostgresStore::sendInserts(const TableDef& table, Iterator first, size_t 
     std::vector<int> fields{0};
     std::string arrays = "$1";
     for (size_t i = 0; i < first->values.size(); ++i) {
+        const bool isNull =
+            std::all_of(first, first + static_cast<std::ptrdiff_t>(count), [&](const Write& write) {
+                return std::holds_alternative<std::monostate>(write.values[i].second);
+            });
+        if (isNull) // as it is without being named
+            continue;
         fields.push_back(first->values[i].first);
         arrays += ", $" + std::to_string(fields.size());
         for (size_t row = 0; row < count; ++row)

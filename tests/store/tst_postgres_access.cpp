@@ -2,6 +2,7 @@
 #include "PostgresTest.h"
 
 #include "platform/store/Maintenance.h"
+#include "platform/store/Merge.h"
 #include "platform/store/PostgresSchema.h"
 #include "platform/store/PostgresUrl.h"
 
@@ -317,6 +318,47 @@ private slots:
                        &plan));
             QVERIFY2(plan.contains("Index Scan") && plan.contains("Index Cond"), plan);
         }
+    }
+
+    void linksAreFoundByIndexesOfThoseThatAreThere() {
+        QByteArray text;
+        QVERIFY(
+            byHand("SELECT count(*) FROM pg_indexes WHERE \"indexname\" LIKE '%\\_left\\_%' AND "
+                   "\"indexdef\" LIKE '%IS NOT NULL)';",
+                   &text));
+        QCOMPARE(text.trimmed(), QByteArray("6"));
+        for (const TableDef& table : tables())
+            for (const ParentField& parent : parentFields(table)) {
+                const FieldDef& field = table.fields[size_t(table.find(parent.field))];
+                // One record's, and those of many at once.
+                const std::string select = "SELECT * FROM \"" + std::string(table.name) + "\"";
+                for (const std::string& query :
+                     {select + " WHERE " + postgres::foldedEquals(table, field, "'x'"),
+                      select + " JOIN unnest(ARRAY['x', 'y'] COLLATE \"C\") AS wanted ON " +
+                          postgres::foldedEquals(table, field, "wanted")}) {
+                    if (std::string_view(field.name) == "FolderKey")
+                        continue; // by its exact text
+                    QByteArray plan;
+                    QVERIFY(byHand("SET enable_seqscan = off; SET enable_bitmapscan = off; SET "
+                                   "enable_hashjoin = off; SET enable_mergejoin = off; EXPLAIN " +
+                                       QByteArray::fromStdString(query) + ";",
+                                   &plan));
+                    QVERIFY2(plan.contains("_left_idx") && plan.contains("Index Cond"), plan);
+                }
+            }
+        QVERIFY(
+            byHand("SET enable_seqscan = off; SET enable_bitmapscan = off; EXPLAIN SELECT * FROM "
+                   "\"Menu\" WHERE " +
+                       QByteArray::fromStdString(postgres::exactlyEquals(
+                           *std::find_if(findTable("Menu")->fields.begin(),
+                                         findTable("Menu")->fields.end(),
+                                         [](const FieldDef& field) {
+                                             return std::string_view(field.name) == "FolderKey";
+                                         }),
+                           "'x'")) +
+                       ";",
+                   &text));
+        QVERIFY2(text.contains("Menu_left_idx"), text);
     }
 
     void storeWithoutATableIsRefused() {
