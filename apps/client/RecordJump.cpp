@@ -8,6 +8,8 @@
 #include "history/RecordSource.h"
 #include "platform/client/Attention.h"
 
+#include <QApplication>
+
 #include <optional>
 #include <utility>
 
@@ -94,12 +96,17 @@ void RecordJump::showNow(const QString& table, const QString& key, const QString
     }
     const bool isMenu = table == QLatin1String(orvo::table::Menu) ||
                         table == QLatin1String(orvo::table::MenuFolder);
+    const QPointer<QWidget> from(QApplication::focusWidget());
     const QString name = isMenu ? knownModules().first() : knownModules().last();
     m_context.openModule(name);
     for (const QPointer<COrvoCliMod>& module :
          m_context.modules.modules(client::ModuleState::Running))
         if (module->m_moduleName == name && module->ModShowRecord(table, key, desktop))
             return;
+    if (from && from->isVisible()) { // where the next one is chosen
+        from->activateWindow();
+        from->setFocus();
+    }
     emit told(LogWarning, QStringLiteral("Строка есть в хранилище, но в редакторе не видна."));
 }
 

@@ -302,6 +302,20 @@ private slots:
         SOON(fixture.menu().startsWith("x"));
     }
 
+    void whereNoRowIsShownTheListKeepsTheKeyboard() {
+        ProblemsFixture fixture;
+        QTRY_VERIFY(fixture.isKnown());
+        fixture.open();
+        fixture.add("x", "потерянный", "gone");
+        QTRY_VERIFY(fixture.choose("потерянный"));
+        QTreeView* list = fixture.pane()->view();
+        list->setFocus();
+        QTest::keyClick(list, Qt::Key_Return);
+        QTRY_COMPARE(fixture.logged("Строка есть в хранилище, но в редакторе не видна."), 1);
+        QTRY_COMPARE(QApplication::focusWidget(), list);
+        QVERIFY(!fixture.pane()->view()->selectionModel()->selectedRows().isEmpty());
+    }
+
     void theRecordIsShownInItsEditor() {
         ProblemsFixture fixture;
         fixture.open();
