@@ -1,6 +1,7 @@
 #include "apps/client/UnseenPlaces.h"
 
 #include "apps/client/Options.h"
+#include "frame/Kinds.h"
 #include "frame/Vocabulary.h"
 #include "history/RecordWords.h"
 #include "platform/store/ChangeRecord.h"
@@ -22,6 +23,12 @@ const char* linkOf(const store::TableDef& table) {
                                                                  : nullptr;
 }
 
+/// Whether it is of the area that shows records without a folder.
+bool isFile(const store::TableDef& table, const store::FieldValues& values) {
+    const auto kind = values.find(table.find(field::type_));
+    return kind != values.end() && kind->second == store::Value(int64_t(Kind::File));
+}
+
 QString whereWords(const QString& place, bool isTop) {
     return isTop             ? QStringLiteral(" (теперь наверху)")
            : place.isEmpty() ? QStringLiteral(" (папки больше нет)")
@@ -35,6 +42,10 @@ UnseenPlaces::UnseenPlaces(StoreThread& thread, const client::ModuleRegistry& mo
     , m_modules(modules) {
     m_look.setInterval(lookMs);
     connect(&m_look, &QTimer::timeout, this, &UnseenPlaces::look);
+}
+
+std::string UnseenPlaces::Placed::missed() const {
+    return store::foldedKey(table == &folders() || folder.empty() ? key : folder);
 }
 
 COrvoCliMod* UnseenPlaces::editor() const {
@@ -58,8 +69,12 @@ void UnseenPlaces::changed(const store::Change& change) {
     const auto found = values.find(table->find(link));
     if (found == values.end())
         return;
-    m_placed[record] = {change.id, table, change.key, store::textOf(found->second),
-                        change.code == OrvoEventInsert};
+    m_placed[record] = {change.id,
+                        table,
+                        change.key,
+                        store::textOf(found->second),
+                        change.code == OrvoEventInsert,
+                        isFile(*table, values)};
     if (!m_look.isActive())
         m_look.start();
 }
@@ -92,15 +107,18 @@ void UnseenPlaces::look() {
         // A folder that moves to the top of its area gets beside the areas.
         const bool isPlaced = placed.folder.empty() ? placed.isNew || placed.table != &folders()
                                                     : isShown(placed.folder);
-        if (!isPlaced && hasRow(*placed.table, placed.key))
-            unseen->misplaced.push_back(placed);
-        else if (!isPlaced && !placed.folder.empty() &&
-                 m_toldFolders.count(store::foldedKey(placed.folder)) == 0)
+        const bool isToBeShown = placed.folder.empty()
+                                     ? placed.isFile
+                                     : m_toldFolders.count(store::foldedKey(placed.folder)) == 0;
+        if (hasRow(*placed.table, placed.key)) {
+            if (!isPlaced)
+                unseen->misplaced.push_back(placed);
+        } else if (isToBeShown) { // folders come first: nothing within them is told
             unseen->hidden.push_back(placed);
+            m_toldFolders.insert(placed.missed());
+        }
         at = m_placed.erase(at);
     }
-    for (const Placed& placed : unseen->hidden)
-        m_toldFolders.insert(store::foldedKey(placed.folder));
     if (m_placed.empty())
         m_look.stop();
     if (!unseen->misplaced.empty() || !unseen->hidden.empty())
@@ -136,7 +154,10 @@ void UnseenPlaces::tell(const std::shared_ptr<const Unseen>& unseen) {
         *text = sentences.join(QStringLiteral(". "));
         return store::Status();
     };
-    m_thread.run(this, look, [this, text, module = m_toldOf](const store::Status& status) {
+    m_thread.run(this, look, [this, unseen, text, module = m_toldOf](const store::Status& status) {
+        if (text->isEmpty()) // the next one is told then
+            for (const Placed& placed : unseen->hidden)
+                m_toldFolders.erase(placed.missed());
         // Opened anew meanwhile, the editor shows it.
         if (status.ok() && !text->isEmpty() && module && module == editor())
             emit told(*text + QLatin1Char('.'));

@@ -1,8 +1,8 @@
 // UnseenPlaces.h: tells the user of changes that put a record where the open resource editor shows
-// no row for it, or shows its row in a wrong place: below a folder that another client has made
-// since the editor was opened, a folder at the top of its area, or below a folder that is gone. The
-// editor puts such rows right when it is opened anew, and not before; those without a folder it
-// leaves out then, and what cures them is named instead.
+// no row for it, or shows its row in a wrong place: a folder that another client has made since the
+// editor was opened and what is below it, a file or folder at the top of its area, or what is below
+// a folder that is gone. The editor puts such rows right when it is opened anew, and not before;
+// those without a folder it leaves out then, and what cures them is named instead.
 //
 // Invariants: 1 what is told was so in the editor's tree after it had taken the change; 2 of the
 // records without a row only the first ones of a folder are told, once for each opening of the
@@ -49,6 +49,10 @@ private:
         std::string key;
         std::string folder; ///< empty: the top
         bool isNew = false; ///< not moved
+        bool isFile = false;
+
+        /// The folded key of what the editor lacks: its folder, or the record itself.
+        std::string missed() const;
     };
     /// What the user is to be told of.
     struct Unseen {
@@ -64,7 +68,7 @@ private:
     QTimer m_look;
     /// Where the editor may not have put them yet, by table and folded key.
     std::map<std::pair<const store::TableDef*, std::string>, Placed> m_placed;
-    std::set<std::string> m_toldFolders; ///< folded keys
+    std::set<std::string> m_toldFolders; ///< Placed::missed()
     QPointer<COrvoCliMod> m_toldOf;      ///< the editor that lacks them
 };
 
