@@ -30,6 +30,8 @@ store::Status addChanges(Reader& reader, Selection* selection, std::set<int64_t>
     if (!selection->only)
         selection->only.emplace();
     for (const store::Change& change : changes) {
+        if (changesNothing(change)) // its action may have changed other records
+            continue;
         found->insert(change.group);
         selection->only->insert({change.table, store::foldedKey(change.key)});
     }

@@ -20,6 +20,7 @@ private slots:
     void aRowGoesBackToAPlace();
     void aRowThatWasCutGoesBackToAPlaceBefore();
     void aBranchGoesBackToAPlace();
+    void whatChangedNothingOfARowIsNoPartOfIt();
     void aPersonsLastHourGoesBack();
     void ofAnActionOnlyWhatTheScopeHoldsGoesBack();
     void aPlaceThatTheLogHasForgottenIsTold();
@@ -111,6 +112,25 @@ void TestHistoryBack::aBranchGoesBackToAPlace() {
     branch.branch = Branch{findTable("Menu"), "a"};
     goBack(branch, place);
     QCOMPARE(captions(), QString(before).replace("Х", "Х1"));
+}
+
+void TestHistoryBack::whatChangedNothingOfARowIsNoPartOfIt() {
+    const int64_t place = rename(*m_anna, "a", "А1");
+    ORVO_OK(Batch("Menu")
+                .update("a", {{"caption", "А1"}})
+                .update("b", {{"caption", "Б1"}})
+                .send(*m_boris));
+    Filter row;
+    row.table = "Menu";
+    row.key = "a";
+    Selection selection;
+    ORVO_OK(collectBackTo(*m_anna, row, place, &selection));
+    QCOMPARE(selection.groups, std::vector<int64_t>{place});
+    goBack(row, place);
+    QCOMPARE(captions(), QString("А Б1 В"));
+    Group group;
+    ORVO_OK(readGroup(*m_anna, last(*m_anna), &group));
+    QCOMPARE(group.undoes, std::vector<int64_t>{place});
 }
 
 void TestHistoryBack::aPersonsLastHourGoesBack() {
