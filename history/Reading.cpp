@@ -346,10 +346,16 @@ store::Status Reader::next(size_t most, std::vector<Group>* groups) {
                  store::Status done = readGroup(m_store, change.group, &group, Group::mostChanges);
                  count += group.changes.size();
                  group.newest = std::max(group.newest, change.id);
-                 const bool saysNothing =
-                     group.whole &&
-                     std::all_of(group.changes.begin(), group.changes.end(), changesNothing);
-                 if (done.ok() && !saysNothing)
+                 const auto saysNothing = [](const Group& all) {
+                     return std::all_of(all.changes.begin(), all.changes.end(), changesNothing);
+                 };
+                 bool isTold = !saysNothing(group);
+                 if (done.ok() && !isTold && !group.whole) {
+                     Group all;
+                     done = readGroup(m_store, change.group, &all);
+                     isTold = !saysNothing(all);
+                 }
+                 if (done.ok() && isTold)
                      found.push_back(std::move(group));
                  return done;
              });

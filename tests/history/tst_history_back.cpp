@@ -21,6 +21,7 @@ private slots:
     void aRowThatWasCutGoesBackToAPlaceBefore();
     void aBranchGoesBackToAPlace();
     void whatChangedNothingOfARowIsNoPartOfIt();
+    void aLargeActionThatChangedNothingIsNotTold();
     void aPersonsLastHourGoesBack();
     void ofAnActionOnlyWhatTheScopeHoldsGoesBack();
     void aPlaceThatTheLogHasForgottenIsTold();
@@ -131,6 +132,35 @@ void TestHistoryBack::whatChangedNothingOfARowIsNoPartOfIt() {
     Group group;
     ORVO_OK(readGroup(*m_anna, last(*m_anna), &group));
     QCOMPARE(group.undoes, std::vector<int64_t>{place});
+}
+
+void TestHistoryBack::aLargeActionThatChangedNothingIsNotTold() {
+    constexpr int count = Group::mostChanges + 10;
+    const auto write = [&](bool isNew, const QString& ofLast) {
+        Batch batch("Menu");
+        for (int i = 0; i < count; ++i) {
+            const QByteArray key = "k" + QByteArray::number(i);
+            const QString text = i + 1 < count ? QString("Э") : ofLast;
+            if (isNew)
+                batch.insert(key.constData(), {{"caption", text}, {"FolderKey", "d"}});
+            else
+                batch.update(key.constData(), {{"caption", text}});
+        }
+        return batch.send(*m_anna);
+    };
+    const auto told = [&] {
+        Reader reader(*m_anna, {});
+        std::vector<Group> groups;
+        const Status status = reader.next(1, &groups);
+        return status.ok() && !groups.empty() ? groups.front().id : 0;
+    };
+    ORVO_OK(write(true, "Э"));
+    const int64_t made = last(*m_anna);
+    ORVO_OK(write(false, "Э"));
+    QVERIFY(last(*m_anna) > made);
+    QCOMPARE(told(), made);
+    ORVO_OK(write(false, "Я"));
+    QCOMPARE(told(), last(*m_anna));
 }
 
 void TestHistoryBack::aPersonsLastHourGoesBack() {
