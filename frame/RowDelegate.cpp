@@ -5,8 +5,10 @@
 #include "frame/OrvoClient.h"
 
 #include <QAbstractItemView>
+#include <QApplication>
 #include <QHelpEvent>
 #include <QPainter>
+#include <QStyle>
 #include <QToolTip>
 
 #include <algorithm>
@@ -81,6 +83,15 @@ void RowDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelInde
     // The trees cut texts off without a sign, and what follows would read as their end.
     if (option->textElideMode == Qt::ElideNone)
         option->textElideMode = Qt::ElideRight;
+    // The mark at the end of the cell leaves the text the rest of it.
+    if (const RecordMark mark = markOf(index); !mark.label.isEmpty()) {
+        const QWidget* view = option->widget;
+        const QStyle* style = view ? view->style() : QApplication::style();
+        const QRect text = style->subElementRect(QStyle::SE_ItemViewItemText, option, view);
+        const int room = markPlace(*option, markLabel(mark)).left() - markGap - text.left() -
+                         style->pixelMetric(QStyle::PM_FocusFrameHMargin, option, view) - 1;
+        option->text = option->fontMetrics.elidedText(option->text, Qt::ElideRight, room);
+    }
     if (!isDark(option->palette)) // there the colours are what they were asked to be
         return;
     QColor behind = option->palette.color(QPalette::Base);

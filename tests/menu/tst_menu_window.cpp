@@ -64,6 +64,37 @@ private slots:
                  QString());
     }
 
+    void aNameEndsInAnEllipsisBeforeTheMark() {
+        struct Access : orvo::RowDelegate {
+            /// As it is drawn in a cell of that width.
+            static QString drawn(QTreeView* view, const QModelIndex& row, int width) {
+                QStyleOptionViewItem option;
+                option.initFrom(view);
+                option.widget = view;
+                option.rect = QRect(0, 0, width, 20);
+                const auto init = &Access::initStyleOption;
+                (static_cast<orvo::RowDelegate*>(view->itemDelegate())->*init)(&option, row);
+                return option.text;
+            }
+        };
+        TestStore store;
+        fillPlant(store);
+        MarkingHost host(store);
+        MenuEditor editor(host, "Menu");
+        QVERIFY(editor.start());
+        editor.view("tvDesck")->setCurrentIndex(editor->desck("armop"));
+        QTreeView* menu = editor.view("tvMenu");
+        const QModelIndex row = editor->element("trend");
+        const QString name = row.data().toString();
+        const int narrow = menu->fontMetrics().horizontalAdvance(name) + 50;
+        host.table = "Menu";
+        host.key = "calc";
+        QCOMPARE(Access::drawn(menu, row, narrow), name);
+        host.key = "trend";
+        QVERIFY(Access::drawn(menu, row, narrow).endsWith(QChar(0x2026)));
+        QCOMPARE(Access::drawn(menu, row, narrow + 300), name);
+    }
+
     void actionsHaveTheirTexts_data() {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("toolTip");
