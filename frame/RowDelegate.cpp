@@ -78,6 +78,11 @@ RecordMark RowDelegate::markOf(const QModelIndex& index) const {
     return record.second.isEmpty() ? RecordMark() : host->recordMark(record.first, record.second);
 }
 
+QString RowDelegate::spokenMark(const QModelIndex& index) const {
+    const RecordMark mark = markOf(index);
+    return (mark.tip.isEmpty() ? mark.label : mark.tip).simplified();
+}
+
 void RowDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
     QStyledItemDelegate::initStyleOption(option, index);
     // The trees cut texts off without a sign, and what follows would read as their end.

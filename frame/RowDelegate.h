@@ -36,6 +36,9 @@ public:
     /// of its first cell, and more about it in a tool tip there. The module outlives the delegate.
     void showMarks(const COrvoCliMod& module, RecordOf recordOf);
 
+    /// The mark of a row in words, for screen readers; empty: it has none.
+    QString spokenMark(const QModelIndex& index) const;
+
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override;
     /// Colours that the model tells of a row are for a light window; on a dark one they become such

@@ -9,6 +9,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QPointer>
 #include <QToolBar>
 #include <QToolButton>
 #include <QTreeView>
@@ -182,6 +183,13 @@ void arrangeTree(QTreeView* view, bool styled) {
 void showMarks(QTreeView* view, const COrvoCliMod& module, RowDelegate::RecordOf recordOf) {
     if (auto* delegate = qobject_cast<RowDelegate*>(view->itemDelegate()))
         delegate->showMarks(module, std::move(recordOf));
+}
+
+std::function<QString(const QModelIndex&)> spokenMarks(const QTreeView& view) {
+    const QPointer<const RowDelegate> delegate(qobject_cast<RowDelegate*>(view.itemDelegate()));
+    return [delegate](const QModelIndex& row) {
+        return delegate ? delegate->spokenMark(row) : QString();
+    };
 }
 
 void keepFromWriting(QTreeView* view) {

@@ -53,6 +53,8 @@ const QString& treeStyleSheet();
 void arrangeTree(QTreeView* view, bool styled = true);
 /// Shows the host's marks in a tree that arrangeTree has arranged; see RowDelegate::showMarks.
 void showMarks(QTreeView* view, const COrvoCliMod& module, RowDelegate::RecordOf recordOf);
+/// For the model of such a view, which may outlive it: the mark of a row in words.
+std::function<QString(const QModelIndex&)> spokenMarks(const QTreeView& view);
 /// For a user who may not write: nothing is typed into a tree, dragged out of it or dropped on it.
 void keepFromWriting(QTreeView* view);
 /// Likewise: the actions stay off, whatever the module's own rules say later on.

@@ -33,6 +33,7 @@ void OrvoMenu::setTreeArrangement() {
                          row.siblingAtColumn(DesckColumn::KeyLink).data().toString());
     });
     desck->setItemDelegate(m_desckDelegate.get());
+    m_desckModel->setSpokenNote(orvo::spokenMarks(*desck));
     orvo::followExpansion(desck, m_desckModel.get());
     m_desckSearch = new orvo::TreeSearchBar(desck, *m_desckModel, DesckColumn::KeyLink,
                                             {{DesckColumn::Name, tr("Имя")}});
@@ -65,6 +66,7 @@ void OrvoMenu::setTreeArrangement() {
         title = tr(title.toUtf8().constData());
     m_menuModel = std::make_unique<MenuTreeModel>(titles, orvo::iconsPath(*this), this);
     menu->setModel(m_menuModel.get());
+    m_menuModel->setSpokenNote(orvo::spokenMarks(*menu));
     orvo::hideColumns(menu, MenuColumn::FolderKey, m_elementFields.columnCount() - 1);
     menu->setColumnWidth(MenuColumn::Caption, 300);
     orvo::followExpansion(menu, m_menuModel.get());

@@ -28,6 +28,8 @@ QVariant DesckTreeModel::data(const QModelIndex& index, int role) const {
         return row.data(index.column());
     case Qt::DecorationRole:
         return index.column() == Name ? m_icons.resource(iconPath(row)) : QVariant();
+    case Qt::AccessibleTextRole:
+        return spoken(index);
     case orvo::KeyRole:
         return row.data(KeyLink);
     default:

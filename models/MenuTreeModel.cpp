@@ -38,6 +38,8 @@ QVariant MenuTreeModel::data(const QModelIndex& index, int role) const {
         return row.data(index.column());
     case Qt::DecorationRole:
         return index.column() == Caption ? decoration(row) : QVariant();
+    case Qt::AccessibleTextRole:
+        return spoken(index);
     case orvo::KeyRole:
         return row.data(KeyLink);
     default:

@@ -49,6 +49,8 @@ QVariant ResTreeModel::data(const QModelIndex& index, int role) const {
     case Qt::ForegroundRole:
         return index.column() == Name && row.data(Type).toInt() == Kind::Orphans ? QColor(Qt::red)
                                                                                  : QVariant();
+    case Qt::AccessibleTextRole:
+        return spoken(index);
     case orvo::KeyRole:
         return row.data(KeyLink);
     case NameRole:

@@ -20,6 +20,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -267,7 +268,18 @@ public:
         return m_keys.check();
     }
 
+    /// What screen readers are told of a row behind the text of its first cell; empty: nothing.
+    using SpokenNote = std::function<QString(const QModelIndex& row)>;
+    void setSpokenNote(SpokenNote note) { m_spokenNote = std::move(note); }
+
 protected:
+    /// A cell as it is spoken, if that is not its text alone.
+    QVariant spoken(const QModelIndex& index) const {
+        const QString note = m_spokenNote && index.column() == 0 ? m_spokenNote(index) : QString();
+        return note.isEmpty() ? QVariant()
+                              : QVariant(index.data().toString() + QStringLiteral(", ") + note);
+    }
+
     using Ops = RecordOps<Record>;
 
     /// `keyColumn` is what the key role answers; `flags` are those beyond the base class's.
@@ -443,6 +455,7 @@ private:
     KeyIndex m_keys;
     const int m_keyColumn;
     const Qt::ItemFlags m_flags;
+    SpokenNote m_spokenNote; ///< may be null
 };
 
 } // namespace orvo

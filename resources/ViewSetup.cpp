@@ -56,6 +56,7 @@ void OrvoResources::setTreeArrangement() {
     m_resModel = std::make_unique<ResTreeModel>(columnTitles(), orvo::iconsPath(*this), this);
     m_searchHits = std::make_unique<orvo::RowSearch>(*m_resModel, ResColumn::KeyLink);
     tree->setModel(m_resModel.get());
+    m_resModel->setSpokenNote(orvo::spokenMarks(*tree));
     m_treeSearch = new orvo::TreeSearchBar(tree, *m_resModel, ResColumn::KeyLink,
                                            {{ResColumn::Caption, m_cmbSearch->itemText(0)},
                                             {ResColumn::Name, m_cmbSearch->itemText(1)}});

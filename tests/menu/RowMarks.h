@@ -4,6 +4,7 @@
 
 #include "tests/menu/ModuleFixture.h"
 
+#include <QAccessible>
 #include <QHelpEvent>
 #include <QToolTip>
 
@@ -44,6 +45,16 @@ inline ShownRow shownRow(QTreeView* view, const QModelIndex& row) {
     return shown;
 }
 
+/// How many cells of the view a screen reader reads with the mark.
+inline int spokenMarks(QTreeView* view) {
+    QAccessibleInterface* tree = QAccessible::queryAccessibleInterface(view);
+    int count = 0;
+    for (int i = 0; i < tree->childCount(); ++i)
+        if (const QAccessibleInterface* cell = tree->child(i))
+            count += cell->text(QAccessible::Name).contains("Правит Петров") ? 1 : 0;
+    return count;
+}
+
 /// The first thing that is not as it should be when another begins and ends to edit the record of a
 /// row; `other` is a row without a mark.
 inline QString wrongMark(MarkingHost& host, QTreeView* view, const char* table,
@@ -55,11 +66,14 @@ inline QString wrongMark(MarkingHost& host, QTreeView* view, const char* table,
     host.key = key;
     const ShownRow marked = shownRow(view, row);
     const ShownRow unmarked = shownRow(view, other);
+    const int spoken = spokenMarks(view);
     host.key.clear();
     if (marked.picture == before)
         return "the row looks as without an edit";
     if (!marked.toolTip.contains("Правит Петров"))
         return "no tool tip tells of the edit";
+    if (spoken != 1)
+        return QString("a screen reader is told of %1 marks").arg(spoken);
     if (unmarked.picture != otherBefore || !unmarked.toolTip.isEmpty())
         return "another row is marked";
     return shownRow(view, row).picture == before ? QString() : "the mark stays";
