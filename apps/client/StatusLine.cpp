@@ -220,6 +220,7 @@ void StatusLine::setReadOnly(const QString& why) {
 }
 
 void StatusLine::setDone(const QString& text) {
+    m_doneText = text;
     m_done->setText(oneLine(text));
     m_done->setToolTip(plainToolTip(clipped(text)));
     m_done->show();
@@ -228,7 +229,7 @@ void StatusLine::setDone(const QString& text) {
 }
 
 void StatusLine::dropDone(const QString& text) {
-    if (m_done->isHidden() || m_done->toolTip() != plainToolTip(clipped(text)))
+    if (m_done->isHidden() || m_doneText != text)
         return;
     m_doneTime.stop();
     m_done->hide();

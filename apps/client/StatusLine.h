@@ -97,6 +97,7 @@ private:
     ElidedLabel* m_done;
     QToolButton* m_failure;
     QPointer<QLabel> m_whole; ///< child of the window, made when first needed
+    QString m_doneText;       ///< what m_done was told, whole
     QTimer m_doneTime;
     const QString m_store;
     bool m_isUp = true;
