@@ -1,6 +1,7 @@
 #include "catalogue/Catalogue.h"
 
 #include "catalogue/Layout.h"
+#include "frame/StdText.h"
 #include "frame/Vocabulary.h"
 #include "history/RecordWords.h"
 #include "platform/mdx/MdxBuild.h"
@@ -237,7 +238,7 @@ store::Status Catalogue::load(store::Store& store, const std::atomic<bool>* stop
         for (uint32_t i = 0; i < count; ++i) {
             if (stop && *stop) {
                 clear();
-                return {store::Stopped, "Чтение прервано."};
+                return {store::Stopped, StdText::tr("Чтение прервано.")};
             }
             draft.take(mdx::postedRecord(rows.array, i), false);
             Block block = pack(draft);

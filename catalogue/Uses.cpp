@@ -1,5 +1,6 @@
 #include "catalogue/Uses.h"
 
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "history/RecordWords.h"
 #include "platform/store/Names.h"
@@ -107,7 +108,7 @@ private:
 
     void addIcon(const std::string& icon) {
         m_exists = true;
-        m_what = QStringLiteral("иконка %1").arg(history::quoted(QString::fromStdString(icon)));
+        m_what = Text::tr("иконка %1").arg(history::quoted(QString::fromStdString(icon)));
         addWithIcon(icon);
     }
 
@@ -147,9 +148,8 @@ Uses usesOf(const Catalogue& catalogue, const std::vector<Subject>& subjects, in
 namespace {
 
 QString counted(int count, const char* one, const char* few, const char* many) {
-    return QStringLiteral("%1 %2").arg(count).arg(
-        history::numeralForm(static_cast<size_t>(count), QString::fromUtf8(one),
-                             QString::fromUtf8(few), QString::fromUtf8(many)));
+    return QStringLiteral("%1 %2").arg(count).arg(history::numeralForm(
+        static_cast<size_t>(count), Text::tr(one), Text::tr(few), Text::tr(many)));
 }
 
 } // namespace
@@ -157,32 +157,43 @@ QString counted(int count, const char* one, const char* few, const char* many) {
 QString usesBrief(const Uses& uses) {
     QStringList parts;
     if (const int elements = uses.count - uses.forms; elements > 0)
-        parts << counted(elements, "элемент", "элемента", "элементов");
+        parts << counted(elements, QT_TRANSLATE_NOOP("orvo", "элемент"),
+                         QT_TRANSLATE_NOOP("orvo", "элемента"),
+                         QT_TRANSLATE_NOOP("orvo", "элементов"));
     if (uses.forms > 0)
-        parts << counted(uses.forms, "ресурс", "ресурса", "ресурсов");
-    return parts.isEmpty() ? QStringLiteral("не используется") : parts.join(QStringLiteral(", "));
+        parts << counted(uses.forms, QT_TRANSLATE_NOOP("orvo", "ресурс"),
+                         QT_TRANSLATE_NOOP("orvo", "ресурса"),
+                         QT_TRANSLATE_NOOP("orvo", "ресурсов"));
+    return parts.isEmpty() ? Text::tr("не используется") : parts.join(QStringLiteral(", "));
 }
 
 QString usesWords(const Uses& uses) {
     if (uses.isPerson && uses.count == 0)
-        return QStringLiteral("ничего не заблокировано");
+        return Text::tr("ничего не заблокировано");
     if (uses.isPerson)
-        return QStringLiteral("%1 %2").arg(uses.count % 10 == 1 && uses.count % 100 != 11
-                                               ? QStringLiteral("заблокирован")
-                                               : QStringLiteral("заблокировано"),
-                                           counted(uses.count, "ресурс", "ресурса", "ресурсов"));
+        return QStringLiteral("%1 %2").arg(
+            uses.count % 10 == 1 && uses.count % 100 != 11 ? Text::tr("заблокирован")
+                                                           : Text::tr("заблокировано"),
+            counted(uses.count, QT_TRANSLATE_NOOP("orvo", "ресурс"),
+                    QT_TRANSLATE_NOOP("orvo", "ресурса"), QT_TRANSLATE_NOOP("orvo", "ресурсов")));
     if (uses.count == 0)
-        return QStringLiteral("нигде не используется");
+        return Text::tr("нигде не используется");
     QStringList parts;
     if (const int elements = uses.count - uses.forms; elements > 0) {
-        QString part = counted(elements, "элемент меню", "элемента меню", "элементов меню");
+        QString part = counted(elements, QT_TRANSLATE_NOOP("orvo", "элемент меню"),
+                               QT_TRANSLATE_NOOP("orvo", "элемента меню"),
+                               QT_TRANSLATE_NOOP("orvo", "элементов меню"));
         if (uses.desktops > 0)
-            part += QStringLiteral(" на ") +
-                    counted(uses.desktops, "рабочем столе", "рабочих столах", "рабочих столах");
+            part += Text::tr(" на ") + counted(uses.desktops,
+                                               QT_TRANSLATE_NOOP("orvo", "рабочем столе"),
+                                               QT_TRANSLATE_NOOP("orvo", "рабочих столах"),
+                                               QT_TRANSLATE_NOOP("orvo", "рабочих столах"));
         parts << part;
     }
     if (uses.forms > 0)
-        parts << counted(uses.forms, "ресурс", "ресурса", "ресурсов");
+        parts << counted(uses.forms, QT_TRANSLATE_NOOP("orvo", "ресурс"),
+                         QT_TRANSLATE_NOOP("orvo", "ресурса"),
+                         QT_TRANSLATE_NOOP("orvo", "ресурсов"));
     return parts.join(QStringLiteral(", "));
 }
 

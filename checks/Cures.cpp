@@ -1,6 +1,7 @@
 #include "checks/Cures.h"
 
 #include "frame/Kinds.h"
+#include "frame/Text.h"
 #include "history/RecordWords.h"
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/Names.h"
@@ -27,7 +28,7 @@ store::Write update(const Record& record, std::vector<std::pair<int, Value>> val
 }
 
 Cure single(const char* words, const Record& record, std::vector<std::pair<int, Value>> values) {
-    return {QString::fromUtf8(words), {&record.table(), {update(record, std::move(values))}}};
+    return {Text::tr(words), {&record.table(), {update(record, std::move(values))}}};
 }
 
 Cure clearing(const char* words, const Record& record, int field) {
@@ -50,10 +51,10 @@ std::optional<Cure> toTop(const Problems& problems, const Record& record, int ki
         identity = Namesakes::filePlace({}, record.cp1251(f.resource.name));
     if (!identity.empty() && problems.namesakes().first(problems.records(), identity).owner)
         return std::nullopt;
-    Cure cure =
-        single("перенести на верхний уровень", record, {{link, key.empty() ? null : Value(key)}});
+    Cure cure = single(QT_TRANSLATE_NOOP("orvo", "перенести на верхний уровень"), record,
+                       {{link, key.empty() ? null : Value(key)}});
     if (!key.empty())
-        cure.words = QStringLiteral("перенести в папку %1").arg(history::quoted(top.name()));
+        cure.words = Text::tr("перенести в папку %1").arg(history::quoted(top.name()));
     cure.claims = identity;
     return cure;
 }
@@ -66,7 +67,8 @@ bool standsBelow(const Catalogue& records, Record at, const Record& record) {
     return false;
 }
 
-const char* const distinctOrdersWords = "дать соседним элементам разные места, сохранив порядок";
+const char* const distinctOrdersWords =
+    QT_TRANSLATE_NOOP("orvo", "дать соседним элементам разные места, сохранив порядок");
 
 /// The folder of an element, as a text that no other folder has.
 std::string folderOf(const Record& element) {
@@ -107,7 +109,7 @@ std::optional<Cure> distinctOrders(const Catalogue& records, const Record& eleme
     if (!orders.empty() && orders.back() > std::numeric_limits<int>::max())
         for (size_t i = 0; i < orders.size(); ++i)
             orders[i] = static_cast<int64_t>(i) * step;
-    Cure cure{QString::fromUtf8(distinctOrdersWords), {&f.elements, {}}};
+    Cure cure{Text::tr(distinctOrdersWords), {&f.elements, {}}};
     cure.folder = folder;
     for (size_t i = 0; i < places.size(); ++i)
         if (orders[i] != places[i].order)
@@ -115,7 +117,7 @@ std::optional<Cure> distinctOrders(const Catalogue& records, const Record& eleme
     return cure.writes.writes.empty() ? std::nullopt : std::make_optional(cure);
 }
 
-const char* const toTopWords = "перенести на верхний уровень";
+const char* const toTopWords = QT_TRANSLATE_NOOP("orvo", "перенести на верхний уровень");
 constexpr int64_t orderStep = 1000;
 
 /// Whether it is below what there is not, and shown nowhere.
@@ -175,8 +177,8 @@ std::optional<Cure> cureOf(const Problems& problems, const Finding& finding) {
     case Problem::OrderClassOfOther: {
         const bool isFolder = record.integer(f.desktop.isFolder) != 0;
         return single(
-            isFolder ? "записать порядок «1000», как у папки"
-                     : "записать порядок «2000», как у рабочего стола",
+            isFolder ? QT_TRANSLATE_NOOP("orvo", "записать порядок «1000», как у папки")
+                     : QT_TRANSLATE_NOOP("orvo", "записать порядок «2000», как у рабочего стола"),
             record,
             {{f.desktop.order, std::string(isFolder ? sortclass::folder : sortclass::desktop)}});
     }
@@ -184,11 +186,11 @@ std::optional<Cure> cureOf(const Problems& problems, const Finding& finding) {
         const Record desktop = records.linked(record, f.element.desktop);
         if (!desktop)
             return std::nullopt;
-        return single("записать ключ рабочего стола так, как он есть", record,
-                      {{f.element.desktop, desktop.key()}});
+        return single(QT_TRANSLATE_NOOP("orvo", "записать ключ рабочего стола так, как он есть"),
+                      record, {{f.element.desktop, desktop.key()}});
     }
     case Problem::NoIcon:
-        return clearing("убрать значок", record,
+        return clearing(QT_TRANSLATE_NOOP("orvo", "убрать значок"), record,
                         &record.table() == &f.elements ? f.element.icon : f.resource.icon);
     case Problem::SameOrder:
         return distinctOrders(records, record);
@@ -205,7 +207,7 @@ std::optional<Cure> cureOf(const Problems& problems, const Finding& finding) {
         return toTop(problems, record, record.integer(f.resource.kind), f.resource.folder);
     case Problem::LockHolderGone:
     case Problem::LockOnNoForm:
-        return single("снять блокировку", record,
+        return single(QT_TRANSLATE_NOOP("orvo", "снять блокировку"), record,
                       {{f.resource.holder, null}, {f.resource.since, null}});
     default:
         return std::nullopt;
@@ -214,9 +216,9 @@ std::optional<Cure> cureOf(const Problems& problems, const Finding& finding) {
 
 std::optional<QString> cureWordsOf(const Problems& problems, const Finding& finding) {
     if (finding.problem == Problem::SameOrder) // certain, wherever two are in one place
-        return QString::fromUtf8(distinctOrdersWords);
+        return Text::tr(distinctOrdersWords);
     if (isWithoutParent(finding) && finding.table == &fields().elements) // the same
-        return QString::fromUtf8(toTopWords);
+        return Text::tr(toTopWords);
     const auto cure = cureOf(problems, finding);
     return cure ? std::make_optional(cure->words) : std::nullopt;
 }
@@ -236,11 +238,11 @@ std::optional<QString> CureBatch::add(const Problems& problems, const Finding& f
         const Record element = records.find(*finding.table, finding.key);
         const bool sameOrder = element && finding.problem == Problem::SameOrder;
         if (sameOrder && m_folders.count(folderOf(element)) > 0)
-            return QString::fromUtf8(distinctOrdersWords);
+            return Text::tr(distinctOrdersWords);
         // Where it goes it has a place of its own.
         if (element && (isWithoutParent(finding) || (sameOrder && isLost(records, element)))) {
             addToTopOfMenu(records, element);
-            return QString::fromUtf8(sameOrder ? distinctOrdersWords : toTopWords);
+            return Text::tr(sameOrder ? distinctOrdersWords : toTopWords);
         }
     }
     const auto cure = cureOf(problems, finding);

@@ -1,5 +1,6 @@
 #include "checks/Finding.h"
 
+#include "frame/Text.h"
 #include "history/RecordWords.h"
 
 namespace orvo::checks {
@@ -29,52 +30,79 @@ struct Description {
 const Description& describe(Problem problem) {
     constexpr Severity E = Severity::Error, W = Severity::Warning;
     static const Description all[] = {
-        {E, "login-empty", "пустое имя входа"},
-        {E, "login-twice", "имя входа уже есть у другого пользователя"},
-        {E, "extension-empty", "пустое расширение"},
-        {W, "extension-twice", "расширение повторяется"},
-        {E, "no-caption", "пустое название"},
-        {E, "no-parent", "нет родителя", Detail::Key, true},
-        {E, "circle", "круг: стоит внутри самой себя; записей в круге:", Detail::Text, true},
+        {E, "login-empty", QT_TRANSLATE_NOOP("orvo", "пустое имя входа")},
+        {E, "login-twice", QT_TRANSLATE_NOOP("orvo", "имя входа уже есть у другого пользователя")},
+        {E, "extension-empty", QT_TRANSLATE_NOOP("orvo", "пустое расширение")},
+        {W, "extension-twice", QT_TRANSLATE_NOOP("orvo", "расширение повторяется")},
+        {E, "no-caption", QT_TRANSLATE_NOOP("orvo", "пустое название")},
+        {E, "no-parent", QT_TRANSLATE_NOOP("orvo", "нет родителя"), Detail::Key, true},
+        {E, "circle", QT_TRANSLATE_NOOP("orvo", "круг: стоит внутри самой себя; записей в круге:"),
+         Detail::Text, true},
         {E, "fixed-key",
-         "такой ключ у строки дерева, за которой нет записи; редактор принимает одну за другую"},
-        {E, "unknown-kind", "неизвестный тип", Detail::Text, true},
+         QT_TRANSLATE_NOOP("orvo", "такой ключ у строки дерева, за которой нет записи; редактор "
+                                   "принимает одну за другую")},
+        {E, "unknown-kind", QT_TRANSLATE_NOOP("orvo", "неизвестный тип"), Detail::Text, true},
         {E, "order-class-unknown",
-         "порядок не \"1000\" (папка) и не \"2000\" (рабочий стол):", Detail::Text, true},
+         QT_TRANSLATE_NOOP("orvo", "порядок не \"1000\" (папка) и не \"2000\" (рабочий стол):"),
+         Detail::Text, true},
         {E, "order-class-of-other",
-         "порядок не тот, у папки он \"1000\", у рабочего стола \"2000\":", Detail::Text, true},
-        {E, "parent-is-desktop", "родитель - рабочий стол, а не папка:", Detail::ParentKey, true},
-        {E, "desktop-unsaid", "не сказано, на каком рабочем столе элемент", Detail::None, true},
-        {E, "no-desktop", "нет рабочего стола", Detail::Key, true},
-        {E, "desktop-is-folder", "вместо рабочего стола папка столов:", Detail::DesktopKey, true},
-        {E, "desktop-spelling", "ключ рабочего стола записан другими буквами:", Detail::Text, true},
-        {E, "parent-elsewhere", "родитель на другом рабочем столе:", Detail::ParentKey, true},
-        {E, "parent-no-folder", "родитель - не папка меню:", Detail::ParentKey, true},
-        {E, "no-resource", "нет ресурса", Detail::Key},
-        {W, "not-launched", "ресурс такого типа из меню не запускается:", Detail::ResourceKey},
-        {W, "no-icon", "в папке icons нет значка", Detail::Text},
-        {W, "same-order", "место по порядку то же, что у соседнего элемента", Detail::Neighbour},
-        {E, "folder-twice", "рядом есть папка с таким же названием"},
-        {W, "caption-no-path", "название не годится в путь, на диск не переносится"},
-        {E, "under-top-row",
-         "сделана под верхней строкой дерева и после перезапуска редактора не видна:", Detail::Text,
+         QT_TRANSLATE_NOOP("orvo",
+                           "порядок не тот, у папки он \"1000\", у рабочего стола \"2000\":"),
+         Detail::Text, true},
+        {E, "parent-is-desktop", QT_TRANSLATE_NOOP("orvo", "родитель - рабочий стол, а не папка:"),
+         Detail::ParentKey, true},
+        {E, "desktop-unsaid",
+         QT_TRANSLATE_NOOP("orvo", "не сказано, на каком рабочем столе элемент"), Detail::None,
          true},
-        {E, "parent-of-other-kind", "родитель другого типа:", Detail::ParentKey, true},
+        {E, "no-desktop", QT_TRANSLATE_NOOP("orvo", "нет рабочего стола"), Detail::Key, true},
+        {E, "desktop-is-folder", QT_TRANSLATE_NOOP("orvo", "вместо рабочего стола папка столов:"),
+         Detail::DesktopKey, true},
+        {E, "desktop-spelling",
+         QT_TRANSLATE_NOOP("orvo", "ключ рабочего стола записан другими буквами:"), Detail::Text,
+         true},
+        {E, "parent-elsewhere", QT_TRANSLATE_NOOP("orvo", "родитель на другом рабочем столе:"),
+         Detail::ParentKey, true},
+        {E, "parent-no-folder", QT_TRANSLATE_NOOP("orvo", "родитель - не папка меню:"),
+         Detail::ParentKey, true},
+        {E, "no-resource", QT_TRANSLATE_NOOP("orvo", "нет ресурса"), Detail::Key},
+        {W, "not-launched", QT_TRANSLATE_NOOP("orvo", "ресурс такого типа из меню не запускается:"),
+         Detail::ResourceKey},
+        {W, "no-icon", QT_TRANSLATE_NOOP("orvo", "в папке icons нет значка"), Detail::Text},
+        {W, "same-order",
+         QT_TRANSLATE_NOOP("orvo", "место по порядку то же, что у соседнего элемента"),
+         Detail::Neighbour},
+        {E, "folder-twice", QT_TRANSLATE_NOOP("orvo", "рядом есть папка с таким же названием")},
+        {W, "caption-no-path",
+         QT_TRANSLATE_NOOP("orvo", "название не годится в путь, на диск не переносится")},
+        {E, "under-top-row",
+         QT_TRANSLATE_NOOP(
+             "orvo", "сделана под верхней строкой дерева и после перезапуска редактора не видна:"),
+         Detail::Text, true},
+        {E, "parent-of-other-kind", QT_TRANSLATE_NOOP("orvo", "родитель другого типа:"),
+         Detail::ParentKey, true},
         {E, "no-top-folder",
-         "нет верхней папки, без неё дерево ресурсов не загружается; её сделает init:",
+         QT_TRANSLATE_NOOP(
+             "orvo", "нет верхней папки, без неё дерево ресурсов не загружается; её сделает init:"),
          Detail::Text},
-        {E, "name-empty", "пустое имя ресурса"},
-        {E, "name-twice", "имя ресурса повторяется:", Detail::Text},
-        {E, "folder-unsaid", "ресурс вне папок, в дереве не виден", Detail::None, true},
-        {E, "in-top-row", "после перезапуска редактора не виден; папка", Detail::Text, true},
-        {E, "no-folder", "нет папки", Detail::Key, true},
-        {W, "orphan-form", "папки нет, форма стоит среди непривязанных объектов; папка",
+        {E, "name-empty", QT_TRANSLATE_NOOP("orvo", "пустое имя ресурса")},
+        {E, "name-twice", QT_TRANSLATE_NOOP("orvo", "имя ресурса повторяется:"), Detail::Text},
+        {E, "folder-unsaid", QT_TRANSLATE_NOOP("orvo", "ресурс вне папок, в дереве не виден"),
+         Detail::None, true},
+        {E, "in-top-row", QT_TRANSLATE_NOOP("orvo", "после перезапуска редактора не виден; папка"),
+         Detail::Text, true},
+        {E, "no-folder", QT_TRANSLATE_NOOP("orvo", "нет папки"), Detail::Key, true},
+        {W, "orphan-form",
+         QT_TRANSLATE_NOOP("orvo", "папки нет, форма стоит среди непривязанных объектов; папка"),
          Detail::Key},
-        {E, "folder-of-other-kind", "папка другого типа:", Detail::FolderKey, true},
-        {E, "lock-holder-gone", "нет пользователя, который держит блокировку:", Detail::Key},
-        {W, "lock-on-no-form", "блокировка не на форме"},
-        {W, "name-no-file", "имя не годится для файла, на диск не переносится"},
-        {W, "no-content", "содержимого файла в хранилище нет:", Detail::Text},
+        {E, "folder-of-other-kind", QT_TRANSLATE_NOOP("orvo", "папка другого типа:"),
+         Detail::FolderKey, true},
+        {E, "lock-holder-gone",
+         QT_TRANSLATE_NOOP("orvo", "нет пользователя, который держит блокировку:"), Detail::Key},
+        {W, "lock-on-no-form", QT_TRANSLATE_NOOP("orvo", "блокировка не на форме")},
+        {W, "name-no-file",
+         QT_TRANSLATE_NOOP("orvo", "имя не годится для файла, на диск не переносится")},
+        {W, "no-content", QT_TRANSLATE_NOOP("orvo", "содержимого файла в хранилище нет:"),
+         Detail::Text},
     };
     static_assert(std::size(all) == static_cast<size_t>(Problem::NoContent) + 1);
     return all[static_cast<size_t>(problem)];
@@ -113,7 +141,7 @@ QString detailOf(const Catalogue& records, const Namesakes& namesakes, const Fin
     }
     case Detail::ResourceKey: {
         const Record resource = records.find(fields().resources, finding.value);
-        return QStringLiteral("%1, тип %2")
+        return Text::tr("%1, тип %2")
             .arg(named(records, fields().resources, finding.value))
             .arg(resource ? resource.integer(fields().resource.kind) : 0);
     }
@@ -141,7 +169,7 @@ bool isHiding(const Catalogue& records, const Finding& finding) {
 }
 
 QString titleOf(Problem problem) {
-    return QString::fromUtf8(describe(problem).title);
+    return Text::tr(describe(problem).title);
 }
 
 QString wordsOf(const Catalogue& records, const Namesakes& namesakes, const Finding& finding) {
@@ -154,8 +182,8 @@ QString wordsOf(const Catalogue& records, const Namesakes& namesakes, const Find
         return words;
     constexpr size_t most = 1000;
     if (const size_t below = countBelow(records, record, most); below > 0)
-        words += QStringLiteral("; вместе с этим не видно записей: %1%2")
-                     .arg(below >= most ? QStringLiteral("не меньше ") : QString())
+        words += Text::tr("; вместе с этим не видно записей: %1%2")
+                     .arg(below >= most ? Text::tr("не меньше ") : QString())
                      .arg(below);
     return words;
 }

@@ -50,7 +50,7 @@ endfunction()
 # orvo_install_contract(): the headers that modules are written against, and find_package(Orvo).
 function(orvo_install_contract)
   include(CMakePackageConfigHelpers)
-  install(FILES frame/OrvoMdx.h frame/OrvoClient.h frame/CodePage.h frame/EventParameters.h frame/Launch.h frame/RecordText.h frame/RecordTextValidator.h frame/UserCaption.h frame/Vocabulary.h frame/modules.h
+  install(FILES frame/OrvoMdx.h frame/OrvoClient.h frame/CodePage.h frame/EventParameters.h frame/Launch.h frame/RecordText.h frame/RecordTextValidator.h frame/Text.h frame/UserCaption.h frame/Vocabulary.h frame/modules.h
     DESTINATION "${ORVO_HEADER_DIR}/frame" COMPONENT dev)
   install(EXPORT OrvoTargets NAMESPACE Orvo:: DESTINATION "${ORVO_PACKAGE_DIR}" COMPONENT dev)
   configure_package_config_file(cmake/OrvoConfig.cmake.in "${CMAKE_BINARY_DIR}/OrvoConfig.cmake"

@@ -3,6 +3,7 @@
 #include "desk/Columns.h"
 #include "frame/Kinds.h"
 #include "frame/RowDelegate.h"
+#include "frame/Text.h"
 
 #include <QFont>
 
@@ -20,9 +21,9 @@ const char* imageOf(int kind, bool open) {
 QString shownCaption(const TabRec& row) {
     QString caption = row.data(DeskColumn::Caption).toString();
     if (caption.isEmpty())
-        caption = QStringLiteral("(без названия)");
+        caption = Text::tr("(без названия)");
     if (row.data(DeskColumn::Unsaved).toBool())
-        caption += QStringLiteral(" (не сохранено)");
+        caption += Text::tr(" (не сохранено)");
     return caption;
 }
 

@@ -6,6 +6,7 @@
 #include "frame/Records.h"
 #include "frame/ScratchTable.h"
 #include "frame/Siblings.h"
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 
 #include <QSet>
@@ -177,8 +178,8 @@ QVector<QVariant> DeskRecords::values(const MDRData* element) {
     values[DeskColumn::Kind] = own ? own->kind : missingResource;
     if (!own) {
         values[DeskColumn::Note] =
-            known.isRead ? QStringLiteral("Ресурс этого элемента удалён.")
-                         : QStringLiteral("Ресурс этого элемента ещё не прочитан: нет связи.");
+            known.isRead ? Text::tr("Ресурс этого элемента удалён.")
+                         : Text::tr("Ресурс этого элемента ещё не прочитан: нет связи.");
         return values;
     }
     values[DeskColumn::Name] = own->name;
@@ -203,7 +204,7 @@ QString DeskRecords::refusal(const QString& resourceKey) {
     if (request.kind == Kind::File)
         request.path = pathOf(resourceKey);
     const QString why = m_check(request);
-    QString note = why.isEmpty() ? why : QStringLiteral("Не откроется: %1.").arg(why);
+    QString note = why.isEmpty() ? why : Text::tr("Не откроется: %1.").arg(why);
     m_resources[resourceKey.toCaseFolded()].refusal = note;
     return note;
 }

@@ -1,6 +1,7 @@
 #include "desk/DeskView.h"
 
 #include "frame/RowDelegate.h"
+#include "frame/Text.h"
 
 #include <QApplication>
 #include <QHeaderView>
@@ -70,7 +71,7 @@ bool DeskDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,
 
 DeskView::DeskView(QWidget* parent) : QTreeView(parent) {
     setObjectName(QStringLiteral("deskTree"));
-    setAccessibleName(QStringLiteral("Меню рабочего стола"));
+    setAccessibleName(Text::tr("Меню рабочего стола"));
     setHeaderHidden(true);
     setEditTriggers(NoEditTriggers);
     setSelectionMode(SingleSelection);

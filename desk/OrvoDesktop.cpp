@@ -8,6 +8,7 @@
 #include "frame/Notification.h"
 #include "frame/Records.h"
 #include "frame/RowDelegate.h"
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "frame/WindowParts.h"
 
@@ -29,7 +30,7 @@ constexpr int logError = 5;
 constexpr size_t mostHits = 100;
 
 QString quoted(const QString& text) {
-    return QStringLiteral("«%1»").arg(orvo::displayLine(text));
+    return orvo::Text::tr("«%1»").arg(orvo::displayLine(text));
 }
 
 /// A text of any origin in a label that wraps and shows it as it stands.
@@ -65,8 +66,8 @@ void OrvoDesktop::makeWidgets() {
     m_notice->setFrameShape(QFrame::StyledPanel);
     m_edSearch = new QLineEdit(panel);
     m_edSearch->setObjectName(QStringLiteral("deskSearch"));
-    m_edSearch->setAccessibleName(QStringLiteral("Поиск в меню"));
-    m_edSearch->setPlaceholderText(QStringLiteral("Поиск..."));
+    m_edSearch->setAccessibleName(orvo::Text::tr("Поиск в меню"));
+    m_edSearch->setPlaceholderText(orvo::Text::tr("Поиск..."));
     m_edSearch->setMinimumHeight(DeskDelegate::rowHeight);
     m_edSearch->setMaxLength(200);
     m_edSearch->addAction(orvo::image("search1"), QLineEdit::LeadingPosition)->setText(tr("Поиск"));
@@ -74,8 +75,8 @@ void OrvoDesktop::makeWidgets() {
     new orvo::EscapeKey(m_edSearch, [this] { leaveSearch(); }); // the field's child
     auto* clear = new QToolButton(panel); // the line's own is too small for a finger
     clear->setObjectName(QStringLiteral("deskSearchClear"));
-    clear->setAccessibleName(QStringLiteral("Очистить поиск"));
-    clear->setToolTip(QStringLiteral("Очистить (Esc)"));
+    clear->setAccessibleName(orvo::Text::tr("Очистить поиск"));
+    clear->setToolTip(orvo::Text::tr("Очистить (Esc)"));
     clear->setIcon(style()->standardIcon(QStyle::SP_LineEditClearButton));
     clear->setAutoRaise(true);
     clear->setFocusPolicy(Qt::NoFocus);
@@ -87,18 +88,18 @@ void OrvoDesktop::makeWidgets() {
     m_view = new DeskView(panel);
     m_view->setDeskModel(m_model.get());
     m_hits = new ElementList(*m_model, QStringLiteral("deskHits"), panel);
-    m_hits->setAccessibleName(QStringLiteral("Найдено"));
+    m_hits->setAccessibleName(orvo::Text::tr("Найдено"));
     m_nothing = makeNotice(panel, "deskNothing");
     m_nothing->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
     m_pages = new QStackedWidget(panel);
     for (QWidget* page : {static_cast<QWidget*>(m_view), static_cast<QWidget*>(m_hits),
                           static_cast<QWidget*>(m_nothing)})
         m_pages->addWidget(page);
-    m_recentTitle = new QLabel(QStringLiteral("Последние"), panel);
+    m_recentTitle = new QLabel(orvo::Text::tr("Последние"), panel);
     m_recentTitle->setObjectName(QStringLiteral("deskRecentTitle"));
     m_recentTitle->hide();
     m_recentList = new ElementList(*m_model, QStringLiteral("deskRecent"), panel);
-    m_recentList->setAccessibleName(QStringLiteral("Последние"));
+    m_recentList->setAccessibleName(orvo::Text::tr("Последние"));
     m_recentList->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     m_recentList->setFocusPolicy(Qt::TabFocus);
 
@@ -144,10 +145,10 @@ bool OrvoDesktop::ModuleStart() {
     if (!m_records.find(m_wanted, &found, &error))
         return refuseStart(error);
     if (found.count == 0)
-        return refuseStart(QStringLiteral("Рабочего стола %1 нет.").arg(quoted(m_wanted)));
+        return refuseStart(orvo::Text::tr("Рабочего стола %1 нет.").arg(quoted(m_wanted)));
     if (found.count > 1)
         return refuseStart(
-            QStringLiteral("Рабочих столов с названием %1 несколько; назовите путь или ключ.")
+            orvo::Text::tr("Рабочих столов с названием %1 несколько; назовите путь или ключ.")
                 .arg(quoted(m_wanted)));
     if (m_isPreview)
         m_records.setCheck([this](const orvo::LaunchRequest& wanted) {
@@ -158,7 +159,7 @@ bool OrvoDesktop::ModuleStart() {
         });
     if (!open(found.key, found.caption))
         return refuseStart(
-            QStringLiteral("Меню рабочего стола %1 не прочитано.").arg(quoted(found.caption)));
+            orvo::Text::tr("Меню рабочего стола %1 не прочитано.").arg(quoted(found.caption)));
     if (!m_isPreview) // what an engineer edits may name anything
         setOnlyDesktop(found.key);
     return true;
@@ -177,7 +178,7 @@ bool OrvoDesktop::open(const QString& key, const QString& caption) {
 }
 
 void OrvoDesktop::showTitle(const QString& caption) {
-    SetModTitle(m_isPreview ? QStringLiteral("Как у оператора: %1").arg(caption) : caption, {});
+    SetModTitle(m_isPreview ? orvo::Text::tr("Как у оператора: %1").arg(caption) : caption, {});
 }
 
 void OrvoDesktop::slot_modNotify(QString name, QVariant value) {
@@ -195,7 +196,7 @@ void OrvoDesktop::slot_modNotify(QString name, QVariant value) {
         tell({});
         if (!m_records.find(value.toString(), &found, &error) || found.count != 1 ||
             !open(found.key, found.caption))
-            tell(QStringLiteral("Этот рабочий стол ещё не сохранён или не прочитан."));
+            tell(orvo::Text::tr("Этот рабочий стол ещё не сохранён или не прочитан."));
     }
 }
 
@@ -270,7 +271,7 @@ void OrvoDesktop::resourceChanged(const QString& key) {
 
 void OrvoDesktop::desktopChanged(const orvo::Notification& change) {
     if (change.action() == OrvoEventDelete) {
-        m_standing = QStringLiteral("Этот рабочий стол удалён. Показано его последнее состояние.");
+        m_standing = orvo::Text::tr("Этот рабочий стол удалён. Показано его последнее состояние.");
         tell({});
         return;
     }
@@ -288,9 +289,9 @@ void OrvoDesktop::desktopChanged(const orvo::Notification& change) {
     if (change.action() != OrvoEventUpdate)
         tell({});
     else if (isRenamed)
-        tell(QStringLiteral("Рабочий стол теперь называется %1.").arg(quoted(found.caption)));
+        tell(orvo::Text::tr("Рабочий стол теперь называется %1.").arg(quoted(found.caption)));
     else if (change.hasValueFor(orvo::field::ParentKey))
-        tell(QStringLiteral("Рабочий стол теперь в другой папке."));
+        tell(orvo::Text::tr("Рабочий стол теперь в другой папке."));
 }
 
 void OrvoDesktop::rowsChanged() {
@@ -324,7 +325,7 @@ void OrvoDesktop::searchChanged(const QString& text) {
     const std::vector<Hit> hits = m_search->find(text, mostHits);
     m_hits->show(hits, true);
     if (hits.empty())
-        m_nothing->setText(QStringLiteral("Ничего не найдено."));
+        m_nothing->setText(orvo::Text::tr("Ничего не найдено."));
     m_pages->setCurrentWidget(hits.empty() ? static_cast<QWidget*>(m_nothing) : m_hits);
 }
 
@@ -360,7 +361,7 @@ bool OrvoDesktop::eventFilter(QObject* watched, QEvent* event) {
 void OrvoDesktop::launch(const QString& key) {
     const QModelIndex row = m_model->findIndexByKey(key);
     if (!row.isValid()) {
-        tell(QStringLiteral("Этого элемента в меню больше нет."));
+        tell(orvo::Text::tr("Этого элемента в меню больше нет."));
         return;
     }
     if (DeskModel::isFolder(row)) {

@@ -51,8 +51,8 @@ QModelIndex EditorWindow::addPassport(const QModelIndex& row, const RecordFields
             adjust(*field, shown);
         rows.push_back(std::move(shown));
     }
-    return addPassportCategory(*m_propModel, QStringLiteral("properties"), translated("Свойства"),
-                               rows);
+    return addPassportCategory(*m_propModel, QStringLiteral("properties"),
+                               translated(QT_TRANSLATE_NOOP("orvo", "Свойства")), rows);
 }
 
 void EditorWindow::refreshPassport(const QModelIndex& row, const RecordFields& fields) {
@@ -169,7 +169,7 @@ CPopObjectList* EditorWindow::picker() {
 
 CPopObjectList* EditorWindow::iconPicker() {
     CPopObjectList* list = picker();
-    list->setWindowTitle(translated("Выбор иконок АРМ"));
+    list->setWindowTitle(translated(QT_TRANSLATE_NOOP("orvo", "Выбор иконок АРМ")));
     list->objectType = CPopObjectList::KindFile;
     list->multipleChoice = false;
     list->sourceName = QString::fromLatin1(iconFolder);
@@ -184,7 +184,8 @@ bool EditorWindow::refusesChosenFolder(const CPopObjectList& list) {
     const QModelIndexList rows = list.tvObj()->selectionModel()->selectedRows(0);
     if (rows.isEmpty() || !rows.first().siblingAtColumn(PickColumn::IsFolder).data().toBool())
         return false;
-    refuse(translated("Выбрана папка \"%1\", а нужно то, что в ней.").arg(list.chosenName));
+    refuse(translated(QT_TRANSLATE_NOOP("orvo", "Выбрана папка \"%1\", а нужно то, что в ней."))
+               .arg(list.chosenName));
     return true;
 }
 

@@ -49,18 +49,21 @@ void EditorWindow::destroyViews() {
 }
 
 void EditorWindow::makeEditButtons() {
-    m_btnSave = makeToolButton(this, "checkin1", translated("Сохранить"));
+    m_btnSave =
+        makeToolButton(this, "checkin1", translated(QT_TRANSLATE_NOOP("orvo", "Сохранить")));
     m_btnSave->setObjectName(QStringLiteral("saveButton"));
     Commands::addKeys(m_btnSave, m_btnSave->text(), keys::save);
     connect(m_btnSave, &QToolButton::pressed, this, &EditorWindow::on_save_pressed);
-    m_btnCancel = makeToolButton(this, "cancel1", translated("Не сохранять"));
+    m_btnCancel =
+        makeToolButton(this, "cancel1", translated(QT_TRANSLATE_NOOP("orvo", "Не сохранять")));
     m_btnCancel->setObjectName(QStringLiteral("cancelButton"));
     Commands::addKeys(m_btnCancel, m_btnCancel->text(), keys::cancel);
     connect(m_btnCancel, &QToolButton::pressed, this, &EditorWindow::on_cancel_pressed);
 }
 
 void EditorWindow::bindEditCommands(const std::vector<QTreeView*>& trees) {
-    auto* save = new QAction(image("checkin1"), translated("Сохранить"), this);
+    auto* save =
+        new QAction(image("checkin1"), translated(QT_TRANSLATE_NOOP("orvo", "Сохранить")), this);
     save->setObjectName(QStringLiteral("saveEdit"));
     save->setShortcutContext(Qt::WidgetWithChildrenShortcut);
     addAction(save);
@@ -124,12 +127,12 @@ void EditorWindow::bindEditCommands(const std::vector<QTreeView*>& trees) {
 void EditorWindow::nameForReaders(const QString& passport) {
     m_passportView->setAccessibleName(passport);
     for (QToolBar* bar : findChildren<QToolBar*>()) {
-        bar->setAccessibleName(translated("Панель инструментов"));
+        bar->setAccessibleName(translated(QT_TRANSLATE_NOOP("orvo", "Панель инструментов")));
         for (QToolButton* button : bar->findChildren<QToolButton*>()) {
             if (button->text().isEmpty())
                 button->setAccessibleName(button->toolTip());
             if (button->objectName() == QLatin1String("qt_toolbar_ext_button"))
-                button->setAccessibleName(translated("Ещё"));
+                button->setAccessibleName(translated(QT_TRANSLATE_NOOP("orvo", "Ещё")));
         }
     }
 }
@@ -191,10 +194,12 @@ void EditorWindow::tellReplaced(const QString& what, const RecordFields& fields,
             if (field.column != one.column)
                 continue;
             // What is typed outside of the passport is a name in a tree.
-            const char* title = field.passport.caption ? field.passport.caption : "Имя";
+            const char* title =
+                field.passport.caption ? field.passport.caption : QT_TRANSLATE_NOOP("orvo", "Имя");
             m_app->m_logModule->LogFile(
                 5, place,
-                translated("%1: «%2» изменено другим, набранное «%3» не сохранено")
+                translated(QT_TRANSLATE_NOOP(
+                               "orvo", "%1: «%2» изменено другим, набранное «%3» не сохранено"))
                     .arg(what, translated(title), one.typed.toString()));
         }
 }
@@ -278,8 +283,8 @@ void EditorWindow::showBox(const QString& title, const QString& text, TMessageBo
 }
 
 void EditorWindow::ask(const Question& question) {
-    showBox(translated("Уведомление"), question.text, MessageBoxIconQuestion, MessageBoxTypeYesNo,
-            question.slot, question.details);
+    showBox(translated(QT_TRANSLATE_NOOP("orvo", "Уведомление")), question.text,
+            MessageBoxIconQuestion, MessageBoxTypeYesNo, question.slot, question.details);
     m_popMessageBox->setSubject(QString::fromLatin1(question.table), question.keys, question.below);
 }
 
@@ -291,8 +296,8 @@ bool EditorWindow::answeredYes(QAbstractButton* button) {
 }
 
 void EditorWindow::refuse(const QString& reason) {
-    showBox(translated("Ошибка"), reason, MessageBoxIconError, MessageBoxTypeOk,
-            SLOT(on_common_error_message(QAbstractButton*)));
+    showBox(translated(QT_TRANSLATE_NOOP("orvo", "Ошибка")), reason, MessageBoxIconError,
+            MessageBoxTypeOk, SLOT(on_common_error_message(QAbstractButton*)));
 }
 
 void EditorWindow::tell(const QString& title, const QString& text) {
@@ -333,11 +338,11 @@ void EditorWindow::nameUsesInBox(const char* table, const QStringList& keys,
         if (!details.isEmpty())
             lines << details;
         if (!answer.isKnown)
-            lines << translated("Где это используется, ещё выясняется…");
+            lines << translated(QT_TRANSLATE_NOOP("orvo", "Где это используется, ещё выясняется…"));
         else if (answer.count == 0)
-            lines << translated("В меню не используется.");
+            lines << translated(QT_TRANSLATE_NOOP("orvo", "В меню не используется."));
         else
-            lines << translated("Используется: %1").arg(answer.words)
+            lines << translated(QT_TRANSLATE_NOOP("orvo", "Используется: %1")).arg(answer.words)
                   << nameLines(answer.places, answer.count);
         m_popMessageBox->setDetails(lines.join(QLatin1Char('\n')));
     });

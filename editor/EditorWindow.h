@@ -240,7 +240,7 @@ protected slots:
     void on_common_error_message(QAbstractButton* button);
 
 private:
-    /// A text in the words of the editor's own class.
+    /// A text in the words of the editor's own class, which may have its own for it.
     QString translated(const char* text) const;
     void showBox(const QString& title, const QString& text, TMessageBoxIcon icon,
                  TMessageBoxType type, const char* slot, const QString& details = {});

@@ -1,6 +1,7 @@
 #include "editor/RecordFields.h"
 
 #include "frame/ScratchTable.h"
+#include "frame/Text.h"
 
 #include <algorithm>
 
@@ -40,7 +41,7 @@ int RecordFields::columnCount() const {
 QStringList RecordFields::titles() const {
     QVector<QString> titles(columnCount());
     for (const RecordField& field : m_fields)
-        titles[field.column] = QString::fromUtf8(field.title);
+        titles[field.column] = Text::tr(field.title);
     return titles.toList();
 }
 

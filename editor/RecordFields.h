@@ -40,7 +40,7 @@ enum class Copied {
 /// The row of a passport that shows a column.
 struct PassportCell {
     const char* row = nullptr;     ///< name of the row, without regard to case; null: not shown
-    const char* caption = nullptr; ///< to be translated in the context of the editor's class
+    const char* caption = nullptr; ///< translated in the context of the editor's class
     MyEditorType editor = MyEditorLine;
     bool readOnly = false;
     int position = 0; ///< among the rows of the passport, ascending

@@ -2,6 +2,7 @@
 
 #include "frame/Kinds.h"
 #include "frame/Records.h"
+#include "frame/Text.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -22,12 +23,7 @@ private:
     std::function<void()> m_atExit;
 };
 
-QString tr(const char* text) {
-    return QCoreApplication::translate("CommonFunctions", text);
-}
-
-const char* const noResult =
-    QT_TRANSLATE_NOOP("CommonFunctions", "Операция на сервере не вернула результат.");
+const char* const noResult = QT_TRANSLATE_NOOP("orvo", "Операция на сервере не вернула результат.");
 
 int32_t resultCode(const MDXCliParam* reply) {
     return orvo::integerOf(reply->record, 0);
@@ -40,7 +36,7 @@ const char* packedTable(const MDXCliParam* reply) {
 }
 
 QString codeText(int32_t code) {
-    return QStringLiteral("Ошибка -> %1").arg(getServerErrorText(code));
+    return orvo::Text::tr("Ошибка -> %1").arg(getServerErrorText(code));
 }
 
 /// What the server adds to a failure, in UTF-8; empty if it says nothing.
@@ -49,7 +45,7 @@ QString furtherText(const MDXCliParam* reply) {
     const char* text = nullptr;
     if (MDRGetTextRef(MDRFldByNum(reply->array, 2), reply->record, &length, &text) != 0)
         return QString();
-    return QStringLiteral(" Доп. инф: %1").arg(QString(text));
+    return orvo::Text::tr(" Доп. инф: %1").arg(QString(text));
 }
 
 enum class Wanted { Records, Structure };
@@ -66,12 +62,12 @@ int fetchTable(COrvoCliSes* session, const std::string& tableName, CMDArray& tab
         wanted == Wanted::Records ? orvo::request::TableRecords : orvo::request::TableStructure;
     const int length = static_cast<int>(tableName.size());
     if (session->PacketExec(request, tableName.data(), length, &prm) == 0) {
-        error->append(tr(noResult));
+        error->append(orvo::Text::tr(noResult));
         return 0;
     }
     const int waited = session->WaitResult(&prm, -1);
     if (waited == 0 || !prm) {
-        error->append(tr(noResult));
+        error->append(orvo::Text::tr(noResult));
         return 0;
     }
     const int32_t code = resultCode(prm);
@@ -83,9 +79,9 @@ int fetchTable(COrvoCliSes* session, const std::string& tableName, CMDArray& tab
     table.status = MDXArrayUnPack(table.array, packedTable(prm), 1);
     // The request itself has succeeded, but an empty table must not pass for what the server holds.
     if (wanted == Wanted::Records && table.status != MDX_OK)
-        error->append(tr("Ответ сервера не читается."));
+        error->append(orvo::Text::tr("Ответ сервера не читается."));
     if (wanted == Wanted::Structure && (!table.array || table.array->fieldCount == 0)) {
-        error->append(tr("Отсутствуют поля."));
+        error->append(orvo::Text::tr("Отсутствуют поля."));
         return 0;
     }
     return waited;
@@ -95,9 +91,9 @@ int fetchTable(COrvoCliSes* session, const std::string& tableName, CMDArray& tab
 /// A null string for a code that no element of a menu has.
 QString attributeWord(int code) {
     if (code == orvo::Kind::None)
-        return QStringLiteral("папка");
+        return orvo::Text::tr("папка");
     const orvo::ResourceKind* kind = orvo::resourceKind(code);
-    return kind ? QString::fromUtf8(kind->attribute) : QString();
+    return kind && kind->attribute ? orvo::Text::tr(kind->attribute) : QString();
 }
 
 } // namespace
@@ -119,12 +115,12 @@ int getUserInfo(COrvoCliSes* session, CMDArray& table, QString& error) {
             session->PrmFree(prm);
     });
     if (session->PacketExec(orvo::request::UserProp, nullptr, 0, &prm) == 0) {
-        error = QString::fromUtf8(noResult);
+        error = orvo::Text::tr(noResult);
         return 0;
     }
     const int waited = session->WaitResult(&prm, -1);
     if (waited == 0 || !prm) {
-        error = QString::fromUtf8(noResult);
+        error = orvo::Text::tr(noResult);
         return 0;
     }
     const int32_t code = resultCode(prm);
@@ -136,7 +132,7 @@ int getUserInfo(COrvoCliSes* session, CMDArray& table, QString& error) {
     table.status = MDXArrayUnPack(table.array, packedTable(prm), 1);
     error.clear();
     if (!table.array || table.array->fieldCount == 0) {
-        error = QStringLiteral("Отсутствуют поля");
+        error = orvo::Text::tr("Отсутствуют поля");
         return 0;
     }
     return waited;
@@ -145,33 +141,33 @@ int getUserInfo(COrvoCliSes* session, CMDArray& table, QString& error) {
 QString getServerErrorText(int32_t code) {
     switch (code) {
     case -4:
-        return tr("Нарушение структуры данных");
+        return orvo::Text::tr("Нарушение структуры данных");
     case -3:
-        return tr("Ошибка операции с сокетом");
+        return orvo::Text::tr("Ошибка операции с сокетом");
     case -2:
-        return tr("Неверные параметры");
+        return orvo::Text::tr("Неверные параметры");
     case -1:
-        return tr("Недостаточно ОП");
+        return orvo::Text::tr("Недостаточно ОП");
     case 1:
-        return tr("Модуль не инициализирован");
+        return orvo::Text::tr("Модуль не инициализирован");
     case 2:
-        return tr("Сессия не активна");
+        return orvo::Text::tr("Сессия не активна");
     case 3:
-        return tr("Подключение к серверу не удалось");
+        return orvo::Text::tr("Подключение к серверу не удалось");
     case 4:
-        return tr("Пользователь не найден или неправильный пароль");
+        return orvo::Text::tr("Пользователь не найден или неправильный пароль");
     case 5:
-        return tr("Имя не найдено");
+        return orvo::Text::tr("Имя не найдено");
     case 6:
-        return tr("Нарушен порядок блочных операций");
+        return orvo::Text::tr("Нарушен порядок блочных операций");
     case 7:
-        return tr("Истек таймаут");
+        return orvo::Text::tr("Истек таймаут");
     case 9:
-        return tr("Превышено количество неверных попыток ввода пароля");
+        return orvo::Text::tr("Превышено количество неверных попыток ввода пароля");
     case 10:
-        return tr("Подключение с недопустимого IP-адреса");
+        return orvo::Text::tr("Подключение с недопустимого IP-адреса");
     default:
-        return tr("Описание ошибки отсутствует");
+        return orvo::Text::tr("Описание ошибки отсутствует");
     }
 }
 
@@ -183,7 +179,7 @@ int getMenuAttributes(const QString& word) {
     if (orvo::sameText(word, attributeWord(orvo::Kind::None)))
         return orvo::Kind::None;
     for (const orvo::ResourceKind& kind : orvo::resourceKinds)
-        if (kind.attribute && orvo::sameText(word, QString::fromUtf8(kind.attribute)))
+        if (kind.attribute && orvo::sameText(word, orvo::Text::tr(kind.attribute)))
             return kind.number;
     return -1;
 }

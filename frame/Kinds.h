@@ -3,6 +3,7 @@
 #ifndef ORVO_FRAME_KINDS_H
 #define ORVO_FRAME_KINDS_H
 
+#include "frame/StdText.h"
 #include "frame/Vocabulary.h"
 
 namespace orvo {
@@ -23,15 +24,19 @@ struct ResourceKind {
 
 /// In the order of the trees.
 inline constexpr ResourceKind resourceKinds[] = {
-    {Kind::Module, topfolder::modules, "модуль", "модуля", "модулей", false, "модуль", false,
-     Kind::Module, "OrvoResources/modres/dragdrop", ":/res/modul1.png", ":/res/modul1@2x.png"},
-    {Kind::Function, topfolder::functions, "функция", "функции", "функций", true, "функция", false,
-     Kind::Function, "OrvoResources/funcres/dragdrop", ":/res/function1.png",
+    {Kind::Module, topfolder::modules, ORVO_TEXT("orvo", "модуль"), ORVO_TEXT("orvo", "модуля"),
+     ORVO_TEXT("orvo", "модулей"), false, ORVO_TEXT("orvo", "модуль"), false, Kind::Module,
+     "OrvoResources/modres/dragdrop", ":/res/modul1.png", ":/res/modul1@2x.png"},
+    {Kind::Function, topfolder::functions, ORVO_TEXT("orvo", "функция"),
+     ORVO_TEXT("orvo", "функции"), ORVO_TEXT("orvo", "функций"), true, ORVO_TEXT("orvo", "функция"),
+     false, Kind::Function, "OrvoResources/funcres/dragdrop", ":/res/function1.png",
      ":/res/function1@2x.png"},
-    {Kind::Form, topfolder::forms, "форма", "формы", "форм", true, "файл", true, Kind::Form,
+    {Kind::Form, topfolder::forms, ORVO_TEXT("orvo", "форма"), ORVO_TEXT("orvo", "формы"),
+     ORVO_TEXT("orvo", "форм"), true, ORVO_TEXT("orvo", "файл"), true, Kind::Form,
      "OrvoResources/menures/dragdrop", ":/res/file1.png", ":/res/showscheme1@2x.png"},
-    {Kind::File, nullptr, "файл", "файла", "файлов", false, nullptr, true, Kind::File,
-     "OrvoResources/sysres/dragdrop", ":/res/file1.png", ":/res/file1@2x.png"},
+    {Kind::File, nullptr, ORVO_TEXT("orvo", "файл"), ORVO_TEXT("orvo", "файла"),
+     ORVO_TEXT("orvo", "файлов"), false, nullptr, true, Kind::File, "OrvoResources/sysres/dragdrop",
+     ":/res/file1.png", ":/res/file1@2x.png"},
 };
 
 /// Null for a number that is none of a stored kind.

@@ -6,6 +6,7 @@
 #define ORVO_FRAME_LAUNCH_H
 
 #include "frame/OrvoClient.h"
+#include "frame/Text.h"
 
 #include <QDateTime>
 #include <QList>
@@ -50,7 +51,7 @@ struct LaunchRequest {
     QString path;         ///< of a file: captions of its folders joined by "/"
     QString params;       ///< as parseLaunchParameters takes them
     bool oneCopy = false; ///< bring one that is open to the front instead of opening another
-    QString refusal = QStringLiteral("Приложение не умеет открывать элементы меню.");
+    QString refusal = Text::tr("Приложение не умеет открывать элементы меню.");
 };
 
 /// The parameters of an element: "name=value" pairs and other words, ";" between them. Blanks
@@ -83,12 +84,12 @@ struct LogRequest {
     int most = 1000;           ///< that many at most
     QVector<LogEntry> entries; ///< in their order
     qint64 last = -1;          ///< the one to go on behind next time
-    QString refusal = QStringLiteral("Приложение не умеет читать журнал изменений.");
+    QString refusal = Text::tr("Приложение не умеет читать журнал изменений.");
 };
 
 struct PreviewRequest {
     QString desktop; ///< key
-    QString refusal = QStringLiteral("Приложение не умеет показывать рабочие столы.");
+    QString refusal = Text::tr("Приложение не умеет показывать рабочие столы.");
 };
 
 struct PreviewEdit {
@@ -115,19 +116,19 @@ struct UsesRequest {
     /// Called from the event loop, never before the call has returned; after the first known answer
     /// only with others.
     std::function<void(const UsesAnswer& answer)> tell;
-    QString refusal = QStringLiteral("Приложение не знает, где что используется.");
+    QString refusal = Text::tr("Приложение не знает, где что используется.");
 };
 
 struct ShowUsesRequest {
     QString table, key;    ///< of an element of a menu: the resource that it opens
     bool takeFocus = true; ///< false: the module keeps the keyboard
-    QString refusal = QStringLiteral("Приложение не знает, где что используется.");
+    QString refusal = Text::tr("Приложение не знает, где что используется.");
 };
 
 struct HandbookRequest {
     QString page;    ///< "operator-guide", "user-guide", "administrator"; empty: the operator's
     QString chapter; ///< name of a heading; empty: the beginning
-    QString refusal = QStringLiteral("Приложение не умеет показывать руководство.");
+    QString refusal = Text::tr("Приложение не умеет показывать руководство.");
 };
 
 } // namespace orvo

@@ -20,7 +20,7 @@ class ORVOCLIENT_EXPORT RecordTextValidator : public QValidator {
     Q_OBJECT
 public:
     /// Letters that a field takes. What it is filled with may be longer and stays whole, too.
-    static constexpr int longest = 1'000'000;
+    static constexpr int longest = 1000000;
 
     /// Watches what is typed into the field and becomes its child.
     static void install(QLineEdit* field);

@@ -2,6 +2,7 @@
 
 #include "frame/Keys.h"
 #include "frame/RowDelegate.h"
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 
 #include <QAction>
@@ -129,7 +130,7 @@ QIcon image(const char* name) {
 void arrangeToolBar(QToolBar* bar) {
     bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     bar->setIconSize(QSize(imageSize, imageSize));
-    bar->setAccessibleName(QCoreApplication::translate("EditorWindow", "Панель инструментов"));
+    bar->setAccessibleName(Text::tr("Панель инструментов"));
 }
 
 QToolButton* makeToolButton(QWidget* owner, const char* imageName, const QString& text) {
@@ -266,7 +267,7 @@ QString nameLines(const QStringList& names, int count) {
                       : line);
     }
     if (const int all = std::max<int>(names.size(), count); all > lines.size())
-        lines << QCoreApplication::translate("CPopMessageBox", "и ещё %1").arg(all - lines.size());
+        lines << Text::tr("и ещё %1").arg(all - lines.size());
     return lines.join(QLatin1Char('\n'));
 }
 

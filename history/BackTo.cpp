@@ -1,5 +1,6 @@
 #include "history/BackTo.h"
 
+#include "frame/StdText.h"
 #include "history/Standing.h"
 #include "platform/store/Names.h"
 
@@ -63,8 +64,8 @@ store::Status collectBackTo(store::MaintainedStore& store, const Filter& scope, 
             !status.ok())
             return status;
         if (found.size() > mostGroups)
-            return {store::Refused,
-                    "действий больше " + std::to_string(mostGroups) + ": выберите место ближе"};
+            return {store::Refused, StdText::tr("действий больше ") + std::to_string(mostGroups) +
+                                        StdText::tr(": выберите место ближе")};
     }
     const auto begin = found.lower_bound(group);
     if (begin == found.end() || *begin != group)

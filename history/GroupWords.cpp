@@ -1,5 +1,6 @@
 #include "history/GroupWords.h"
 
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "history/LargeGroup.h"
 #include "history/SharedPlace.h"
@@ -207,16 +208,16 @@ std::vector<LoggedChange> cutAsMoves(const std::vector<const LoggedChange*>& one
 QString lineOf(const std::vector<LoggedChange>& all, RecordSource& source) {
     const std::vector<const LoggedChange*> ones = mainOnes(all);
     if (ones.empty())
-        return all.empty() ? QStringLiteral("Нет изменений") : sentence(all.front(), source);
+        return all.empty() ? Text::tr("Нет изменений") : sentence(all.front(), source);
     const LoggedChange& first = *ones.front();
     if (ones.size() > 1 && allAlike(ones, source))
         return together(ones, source);
     if (ones.size() > 1) {
         const std::vector<LoggedChange> moved = cutAsMoves(ones, source);
         const std::vector<const LoggedChange*> followers = followersOf(all);
-        const QString along = followers.empty() ? QString()
-                                                : QStringLiteral(" вместе с тем, что внутри") +
-                                                      names(followers, source);
+        const QString along =
+            followers.empty() ? QString()
+                              : Text::tr(" вместе с тем, что внутри") + names(followers, source);
         if (moved.size() == 1)
             return sentence(moved.front(), source) + along;
         if (!moved.empty())
@@ -225,10 +226,10 @@ QString lineOf(const std::vector<LoggedChange>& all, RecordSource& source) {
     }
     QString line = sentence(first, source);
     if (const size_t inside = countInside(all, first); inside > 0)
-        line += QStringLiteral(" со всем, что внутри (%1 %2)")
+        line += Text::tr(" со всем, что внутри (%1 %2)")
                     .arg(inside)
-                    .arg(numeralForm(inside, QStringLiteral("запись"), QStringLiteral("записи"),
-                                     QStringLiteral("записей")));
+                    .arg(numeralForm(inside, Text::tr("запись"), Text::tr("записи"),
+                                     Text::tr("записей")));
     return line;
 }
 
@@ -237,10 +238,10 @@ QString beginningOf(const std::vector<LoggedChange>& all, RecordSource& source) 
     const std::vector<const LoggedChange*> ones = mainOnes(all);
     const LoggedChange& first = ones.empty() ? all.front() : *ones.front();
     return sentence(first, source) +
-           QStringLiteral(" и ещё не меньше %1 %2")
+           Text::tr(" и ещё не меньше %1 %2")
                .arg(all.size())
-               .arg(numeralForm(all.size(), QStringLiteral("записи"), QStringLiteral("записей"),
-                                QStringLiteral("записей")));
+               .arg(numeralForm(all.size(), Text::tr("записи", "не меньше одной"),
+                                Text::tr("записей"), Text::tr("записей")));
 }
 
 } // namespace
@@ -263,12 +264,12 @@ GroupWords describe(const Group& group, RecordSource& source) {
         words.place = sharedPlace(moved.empty() ? ones : pointersTo(moved), source);
     }
     if (group.redoes)
-        words.what = QStringLiteral("Повтор: ") + words.what.left(1).toLower() + words.what.mid(1);
+        words.what = Text::tr("Повтор: ") + words.what.left(1).toLower() + words.what.mid(1);
     if (const size_t count = group.undoes.size(); isTakenBack && count > 1)
         words.what += QStringLiteral(" (%1 %2)")
                           .arg(count)
-                          .arg(numeralForm(count, QStringLiteral("действие"),
-                                           QStringLiteral("действия"), QStringLiteral("действий")));
+                          .arg(numeralForm(count, Text::tr("действие"), Text::tr("действия"),
+                                           Text::tr("действий")));
     return words;
 }
 
@@ -279,18 +280,17 @@ QString commandWords(const Group& group, RecordSource& source) {
     const std::vector<LoggedChange> all = allLogged(group);
     std::vector<const LoggedChange*> ones = mainOnes(all);
     if (ones.empty() || !ones.front()->table)
-        return QStringLiteral("изменить записи");
+        return Text::tr("изменить записи");
     const std::vector<LoggedChange> moved = cutAsMoves(ones, source);
     if (!moved.empty())
         ones = pointersTo(moved);
     const LoggedChange& first = *ones.front();
-    const QString verb = group.undoes.empty() ? infinitive(first.deed) : QStringLiteral("вернуть");
+    const QString verb = group.undoes.empty() ? infinitive(first.deed) : Text::tr("вернуть");
     const QString object = objectWords(first, source);
     if (ones.size() == 1)
         return verb + QLatin1Char(' ') + object +
-               (moved.empty() && countInside(all, first) > 0
-                    ? QStringLiteral(" со всем, что внутри")
-                    : QString());
+               (moved.empty() && countInside(all, first) > 0 ? Text::tr(" со всем, что внутри")
+                                                             : QString());
     if (allAlike(ones, source))
         return verb + QLatin1Char(' ') +
                counted(ones.size(), accusative(nounOf(*first.table, known(first, source))));

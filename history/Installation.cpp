@@ -1,5 +1,6 @@
 #include "history/Installation.h"
 
+#include "frame/StdText.h"
 #include "frame/Vocabulary.h"
 #include "history/RecordWords.h"
 #include "platform/store/Merge.h"
@@ -62,7 +63,7 @@ store::Status Installation::record(const store::TableDef& table,
     finish();
     if (values.size() != table.fields.size() || !store::isKey(store::textOf(values.front())))
         return {store::Refused, (place.empty() ? store::inTable(table) : place) +
-                                    ": запись без ключа или не с теми полями"};
+                                    StdText::tr(": запись без ключа или не с теми полями")};
     Values& own = m_records[&table][store::foldedKey(store::textOf(values.front()))];
     for (size_t i = 0; i < values.size(); ++i) {
         const bool none = table.fields[i].link && store::textOf(values[i]).empty();

@@ -1,5 +1,6 @@
 #include "history/Inverse.h"
 
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "history/Overtaken.h"
 #include "history/Planning.h"
@@ -141,33 +142,33 @@ QString freeNameWords(const Inverse& plan, const store::Change& change) {
     const auto found = plan.freeNames.find({change.table, store::foldedKey(change.key)});
     return found == plan.freeNames.end()
                ? QString()
-               : QStringLiteral(" под именем ") + quoted(QString::fromStdString(found->second));
+               : Text::tr(" под именем ") + quoted(QString::fromStdString(found->second));
 }
 
 QString remarkWords(const Remark& remark, RecordSource& source, const PersonNames& names) {
     const auto number = [&] { return QString::number(remark.group); };
     if (remark.why == Remark::Forgotten)
-        return QStringLiteral("Действие %1 журнал уже не помнит").arg(number());
+        return Text::tr("Действие %1 журнал уже не помнит").arg(number());
     if (remark.why == Remark::HalfForgotten)
-        return QStringLiteral("Действие %1: его начало журнал уже не помнит").arg(number());
+        return Text::tr("Действие %1: его начало журнал уже не помнит").arg(number());
     const QString who = whoAndWhen(remark.login, remark.time, names);
     if (remark.why == Remark::AlreadyDone)
-        return QStringLiteral("Действие %1 уже отменено (%2)").arg(number(), who);
+        return Text::tr("Действие %1 уже отменено (%2)").arg(number(), who);
     if (remark.why == Remark::NothingDone)
-        return QStringLiteral("Действие %1 ничего не изменило").arg(number());
+        return Text::tr("Действие %1 ничего не изменило").arg(number());
     if (remark.why == Remark::OnlyPart)
-        return QStringLiteral("Из действий, которые изменили и другое, возвращается только то, что "
-                              "относится сюда");
+        return Text::tr("Из действий, которые изменили и другое, возвращается только то, что "
+                        "относится сюда");
     const store::TableDef& table = *remark.table;
     const QString record = recordWords(table, source.valuesOf(table, remark.key), remark.key);
     switch (remark.why) {
     case Remark::ChangedSince:
-        return QStringLiteral("Оставлено как есть: %1, поле «%2»: с тех пор изменено (%3)")
+        return Text::tr("Оставлено как есть: %1, поле «%2»: с тех пор изменено (%3)")
             .arg(record, fieldWord(table, remark.field), who);
     case Remark::DeletedSince:
-        return QStringLiteral("Не возвращено: %1: с тех пор удалено (%2)").arg(record, who);
+        return Text::tr("Не возвращено: %1: с тех пор удалено (%2)").arg(record, who);
     case Remark::MovedSince:
-        return QStringLiteral("Не возвращено: %1: с тех пор перемещено (%2)").arg(record, who);
+        return Text::tr("Не возвращено: %1: с тех пор перемещено (%2)").arg(record, who);
     case Remark::NoPlace:
     case Remark::PlaceInside:
     case Remark::PlaceNoFolder:
@@ -178,76 +179,75 @@ QString remarkWords(const Remark& remark, RecordSource& source, const PersonName
         const QString place =
             quoted(name.isEmpty() ? QString::fromStdString(remark.missing) : name);
         if (remark.why == Remark::PlaceNoFolder)
-            return QStringLiteral("Не возвращено: %1: нет места, %2 больше не %3 (%4)")
+            return Text::tr("Не возвращено: %1: нет места, %2 больше не %3 (%4)")
                 .arg(record, place, fieldWord(table, remark.field).toLower(), who);
         if (remark.why == Remark::PlaceElsewhere)
             return (bondField(table, remark.field) == table.find(field::FolderKey)
-                        ? QStringLiteral("Не возвращено: %1: нет места, %2 теперь на другом "
-                                         "рабочем столе (%3)")
-                        : QStringLiteral("Не возвращено: %1: нет места, %2 теперь для ресурсов "
-                                         "другого вида (%3)"))
+                        ? Text::tr("Не возвращено: %1: нет места, %2 теперь на другом "
+                                   "рабочем столе (%3)")
+                        : Text::tr("Не возвращено: %1: нет места, %2 теперь для ресурсов "
+                                   "другого вида (%3)"))
                 .arg(record, place, who);
         return remark.why == Remark::NoPlace
-                   ? QStringLiteral("Не возвращено: %1: нет места, удалена запись %2 (%3; %4)")
+                   ? Text::tr("Не возвращено: %1: нет места, удалена запись %2 (%3; %4)")
                          .arg(record, place, fieldWord(table, remark.field).toLower(), who)
-                   : QStringLiteral("Не возвращено: %1: нет места, %2 стоит теперь внутри")
+                   : Text::tr("Не возвращено: %1: нет места, %2 стоит теперь внутри")
                          .arg(record, place);
     }
     case Remark::NoResource:
-        return QStringLiteral("Не возвращено: %1: ресурс %2 удалён (%3)")
+        return Text::tr("Не возвращено: %1: ресурс %2 удалён (%3)")
             .arg(record,
                  nameInQuotes(*store::findTable(table::MenuResource), source, remark.missing), who);
     case Remark::NoIcon: {
         const QString file = quoted(QString::fromStdString(remark.missing));
         return remark.field < 0
-                   ? QStringLiteral("Возвращено без картинки: %1: файла значка %2 больше нет (%3)")
+                   ? Text::tr("Возвращено без картинки: %1: файла значка %2 больше нет (%3)")
                          .arg(record, file, who)
-                   : QStringLiteral("Оставлено как есть: %1, поле «%2»: файла %3 больше нет (%4)")
+                   : Text::tr("Оставлено как есть: %1, поле «%2»: файла %3 больше нет (%4)")
                          .arg(record, fieldWord(table, remark.field), file, who);
     }
     case Remark::TopFolder:
-        return QStringLiteral("Не удалено: %1: без неё дерево ресурсов не загружается").arg(record);
+        return Text::tr("Не удалено: %1: без неё дерево ресурсов не загружается").arg(record);
     case Remark::Locked:
-        return QStringLiteral("Оставлено как есть: %1: занята (%2)").arg(record, who);
+        return Text::tr("Оставлено как есть: %1: занята (%2)").arg(record, who);
     case Remark::ContentLocked:
-        return QStringLiteral("Оставлено как есть: содержимое формы %1: она занята (%2)")
+        return Text::tr("Оставлено как есть: содержимое формы %1: она занята (%2)")
             .arg(nameInQuotes(table, source, remark.key), who);
     case Remark::LockStays:
-        return QStringLiteral("Оставлено как есть: %1: занятость отменой не меняется").arg(record);
+        return Text::tr("Оставлено как есть: %1: занятость отменой не меняется").arg(record);
     case Remark::GoneBefore:
-        return QStringLiteral("Уже удалено: %1 (%2)").arg(record, who);
+        return Text::tr("Уже удалено: %1 (%2)").arg(record, who);
     case Remark::MakingUndone:
-        return QStringLiteral("Создание уже отменено: %1 (%2)").arg(record, who);
+        return Text::tr("Создание уже отменено: %1 (%2)").arg(record, who);
     case Remark::SameBefore:
-        return QStringLiteral("Уже как прежде: %1").arg(record);
+        return Text::tr("Уже как прежде: %1").arg(record);
     case Remark::NoRights:
-        return QStringLiteral("Без прав на сервере: %1: их даёт orvo-admin user login %2")
+        return Text::tr("Без прав на сервере: %1: их даёт orvo-admin user login %2")
             .arg(record, QString::fromStdString(remark.missing));
     case Remark::RightsStay:
-        return QStringLiteral("Не удалено: %1: вместе с правами на сервере его убирает orvo-admin "
-                              "user remove %2")
+        return Text::tr("Не удалено: %1: вместе с правами на сервере его убирает orvo-admin "
+                        "user remove %2")
             .arg(record, QString::fromStdString(remark.missing));
     case Remark::NameTaken:
-        return QStringLiteral("%1: %2: имя %3 уже занято%4")
-            .arg(remark.field < 0 ? QStringLiteral("Не возвращено")
-                                  : QStringLiteral("Оставлено как есть"),
+        return Text::tr("%1: %2: имя %3 уже занято%4")
+            .arg(remark.field < 0 ? Text::tr("Не возвращено") : Text::tr("Оставлено как есть"),
                  record, quoted(QString::fromStdString(remark.missing)),
                  remark.group > 0 ? QStringLiteral(" (%1)").arg(who) : QString());
     case Remark::BuiltOn:
         if (remark.field >= 0)
-            return QStringLiteral("Оставлено как есть: %1, поле «%2»: внутри стоит другое (%3)")
+            return Text::tr("Оставлено как есть: %1, поле «%2»: внутри стоит другое (%3)")
                 .arg(record, fieldWord(table, remark.field), who);
-        return QStringLiteral("Не удалено: %1: на этом построено другое (%2)").arg(record, who);
+        return Text::tr("Не удалено: %1: на этом построено другое (%2)").arg(record, who);
     case Remark::CutChanged:
-        return QStringLiteral("Не перенесено назад: %1 и всё, что перемещено вместе с ним: с тех "
-                              "пор изменено (%2)")
+        return Text::tr("Не перенесено назад: %1 и всё, что перемещено вместе с ним: с тех "
+                        "пор изменено (%2)")
             .arg(record, who);
     case Remark::DamagedBytes:
-        return QStringLiteral("Не возвращено: %1: прежнее содержимое повреждено или "
-                              "изменено мимо программы")
+        return Text::tr("Не возвращено: %1: прежнее содержимое повреждено или "
+                        "изменено мимо программы")
             .arg(record);
     default:
-        return QStringLiteral("Не возвращено: %1: прежнее содержимое не хранится").arg(record);
+        return Text::tr("Не возвращено: %1: прежнее содержимое не хранится").arg(record);
     }
 }
 

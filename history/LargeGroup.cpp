@@ -1,5 +1,6 @@
 #include "history/LargeGroup.h"
 
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "history/SharedPlace.h"
 #include "platform/store/Merge.h"
@@ -25,8 +26,7 @@ bool isOrder(const store::ChangeCount& count) {
 /// What records of a table are called that were not all read.
 Noun anyOf(const store::TableDef& table) {
     if (std::string_view(table.name) == table::MenuFolder) // a folder or a desktop
-        return {QStringLiteral("запись"), QStringLiteral("записи"), QStringLiteral("записей"),
-                Noun::Feminine};
+        return {Text::tr("запись"), Text::tr("записи"), Text::tr("записей"), Noun::Feminine};
     return nounOf(table, {});
 }
 
@@ -138,7 +138,7 @@ QString LargeGroup::along() const {
         return {};
     for (const Kind& kind : m_kinds)
         if (kind.follows)
-            return QStringLiteral(" вместе с тем, что внутри: ") +
+            return Text::tr(" вместе с тем, что внутри: ") +
                    quoted(nameOf(*kind.top.table, known(kind.top, m_source))) +
                    (kind.count->count > 1 ? QStringLiteral(" …") : QString());
     return {};
@@ -175,11 +175,11 @@ QString LargeGroup::command() const {
     const size_t all = total();
     const LoggedChange& top = first();
     if (!top.table)
-        return QStringLiteral("изменить записи");
+        return Text::tr("изменить записи");
     const bool flat = all > 1 && isFlat();
     const Deed deed = flat ? deedOf(*m_kinds.front().count) : top.deed;
     const QString verb =
-        (m_group.undoes.empty() ? infinitive(deed) : QStringLiteral("вернуть")) + QLatin1Char(' ');
+        (m_group.undoes.empty() ? infinitive(deed) : Text::tr("вернуть")) + QLatin1Char(' ');
     return flat ? verb + counted(all, accusative(anyOf(*top.table)))
                 : verb + objectWords(top, m_source) + andMore(all - 1);
 }

@@ -1,5 +1,6 @@
 #include "history/LoggedChange.h"
 
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "platform/store/ChangeRecord.h"
 #include "platform/store/Merge.h"
@@ -165,10 +166,9 @@ QString fromTo(const LoggedChange& read, RecordSource& source) {
         to = pathOfKey(*read.above, read.to, source);
     }
     return QStringLiteral(" %1 %2").arg(
-        from.isEmpty() ? top(QStringLiteral("с верхнего уровня"), read.topFrom)
-                       : QStringLiteral("из %1").arg(from),
-        to.isEmpty() ? top(QStringLiteral("на верхний уровень"), read.topTo)
-                     : QStringLiteral("в %1").arg(to));
+        from.isEmpty() ? top(Text::tr("с верхнего уровня"), read.topFrom)
+                       : Text::tr("из %1").arg(from),
+        to.isEmpty() ? top(Text::tr("на верхний уровень"), read.topTo) : Text::tr("в %1").arg(to));
 }
 
 QString deedWords(const LoggedChange& read, const Noun& noun, size_t count) {
@@ -177,8 +177,8 @@ QString deedWords(const LoggedChange& read, const Noun& noun, size_t count) {
 
 QString sentence(const LoggedChange& read, RecordSource& source) {
     if (!read.table)
-        return (read.isTakenBack ? takenBackWords(Deed::Changed) + QStringLiteral(" таблица %1")
-                                 : QStringLiteral("Изменена таблица %1"))
+        return (read.isTakenBack ? takenBackWords(Deed::Changed) + Text::tr(" таблица %1")
+                                 : Text::tr("Изменена таблица %1"))
             .arg(quoted(QString::fromStdString(read.change->table)));
     const store::TableDef& table = *read.table;
     const Values values = known(read, source);
@@ -190,11 +190,11 @@ QString sentence(const LoggedChange& read, RecordSource& source) {
             was[field] = value;
         const QString name = nameOf(table, was);
         if (name != nameOf(table, values) && read.isTakenBack)
-            line += name.isEmpty() ? QStringLiteral(", снова без названия")
-                                   : QStringLiteral(", снова ") + quoted(name);
+            line += name.isEmpty() ? Text::tr(", снова без названия")
+                                   : Text::tr(", снова ") + quoted(name);
         else if (name != nameOf(table, values))
-            line += name.isEmpty() ? QStringLiteral(": не было названия")
-                                   : QStringLiteral(": было ") + quoted(name);
+            line += name.isEmpty() ? Text::tr(": не было названия")
+                                   : Text::tr(": было ") + quoted(name);
     }
     return read.deed == Deed::Moved ? line + fromTo(read, source) : line;
 }

@@ -1,5 +1,6 @@
 #include "history/Overtaken.h"
 
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "history/RecordWords.h"
 #include "platform/mdx/MdxBuild.h"
@@ -57,11 +58,11 @@ Keys keysBelow(store::MaintainedStore& store, const std::vector<store::TableWrit
 
 QString words(const store::TableDef& table, const store::Change& change, RecordSource& source,
               const PersonNames& names) {
-    return QStringLiteral("%1: тем временем %2 (%3)")
+    return Text::tr("%1: тем временем %2 (%3)")
         .arg(recordWords(table, source.valuesOf(table, change.key), change.key),
-             change.code == OrvoEventDelete   ? QStringLiteral("удалено")
-             : change.code == OrvoEventInsert ? QStringLiteral("создано")
-                                              : QStringLiteral("изменено"),
+             change.code == OrvoEventDelete   ? Text::tr("удалено")
+             : change.code == OrvoEventInsert ? Text::tr("создано")
+                                              : Text::tr("изменено"),
              whoAndWhen(change.login, change.time, names));
 }
 
@@ -102,7 +103,7 @@ QString nameTaken(store::MaintainedStore& store, const store::TableWrites& part,
         !store.changesSince(*part.table, holders, seen, &since).ok() || since.empty())
         return {};
     const store::Change& change = since.back();
-    return QStringLiteral("%1: имя тем временем занято (%2)")
+    return Text::tr("%1: имя тем временем занято (%2)")
         .arg(recordWords(*part.table, source.valuesOf(*part.table, change.key), change.key),
              whoAndWhen(change.login, change.time, people));
 }
@@ -143,7 +144,7 @@ QString overtaken(store::MaintainedStore& store, const std::vector<store::TableW
     query.above = seen;
     since.clear();
     if (store.history(query, 1, &since).ok() && !since.empty())
-        return QStringLiteral("тем временем отменили другую правку (%1)")
+        return Text::tr("тем временем отменили другую правку (%1)")
             .arg(whoAndWhen(since.front().login, since.front().time, names));
     return {};
 }

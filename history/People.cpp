@@ -1,5 +1,6 @@
 #include "history/People.h"
 
+#include "frame/Text.h"
 #include "frame/UserCaption.h"
 #include "frame/Vocabulary.h"
 #include "history/RecordSource.h"
@@ -36,16 +37,16 @@ store::Status readPeople(store::Store& store, PersonNames* names) {
 
 QString personName(const std::string& login, const PersonNames& names) {
     if (login.empty())
-        return QStringLiteral("(вручную)");
+        return Text::tr("(вручную)");
     const auto person = names.find(login);
     return person == names.end() ? QString::fromStdString(login) : person->second;
 }
 
 QString whoAndWhen(const std::string& login, double time, const PersonNames& names) {
-    const QString who = login.empty() ? QStringLiteral("вручную") : personName(login, names);
+    const QString who = login.empty() ? Text::tr("вручную") : personName(login, names);
     return time > 0 ? who + QStringLiteral(", ") +
                           QDateTime::fromMSecsSinceEpoch(std::llround(time * 1000.0))
-                              .toString(QStringLiteral("dd.MM.yyyy HH:mm"))
+                              .toString(Text::tr("dd.MM.yyyy HH:mm"))
                     : who;
 }
 

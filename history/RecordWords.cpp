@@ -1,6 +1,7 @@
 #include "history/RecordWords.h"
 
 #include "frame/Kinds.h"
+#include "frame/Text.h"
 #include "platform/store/Merge.h"
 
 #include <QDateTime>
@@ -17,12 +18,8 @@ namespace {
 
 constexpr int deepest = 32; ///< folders of a place; data may hold circles
 
-QString text(const char* utf8) {
-    return QString::fromUtf8(utf8);
-}
-
-Noun noun(const char* one, const char* few, const char* many, Noun::Gender gender) {
-    return {text(one), text(few), text(many), gender};
+Noun noun(const QString& one, const QString& few, const QString& many, Noun::Gender gender) {
+    return {one, few, many, gender};
 }
 
 int64_t integerOf(const store::TableDef& table, const Values& values, const char* name) {
@@ -46,28 +43,36 @@ const store::TableDef* targetOf(const store::TableDef& table, const store::Field
 Noun nounOf(const store::TableDef& table, const Values& values) {
     const auto is = [&](const char* name) { return std::strcmp(table.name, name) == 0; };
     if (is(table::Menu))
-        return noun("элемент меню", "элемента меню", "элементов меню", Noun::Masculine);
+        return noun(Text::tr("элемент меню"), Text::tr("элемента меню"), Text::tr("элементов меню"),
+                    Noun::Masculine);
     if (is(table::MenuFolder))
         return integerOf(table, values, field::isFolder) == 1
-                   ? noun("папка рабочих столов", "папки рабочих столов", "папок рабочих столов",
-                          Noun::Feminine)
-                   : noun("рабочий стол", "рабочих стола", "рабочих столов", Noun::Masculine);
+                   ? noun(Text::tr("папка рабочих столов"), Text::tr("папки рабочих столов"),
+                          Text::tr("папок рабочих столов"), Noun::Feminine)
+                   : noun(Text::tr("рабочий стол"), Text::tr("рабочих стола"),
+                          Text::tr("рабочих столов"), Noun::Masculine);
     if (is(table::MenuResourceFolder))
-        return noun("папка ресурсов", "папки ресурсов", "папок ресурсов", Noun::Feminine);
+        return noun(Text::tr("папка ресурсов"), Text::tr("папки ресурсов"),
+                    Text::tr("папок ресурсов"), Noun::Feminine);
     if (is(table::Users))
-        return noun("пользователь", "пользователя", "пользователей", Noun::Masculine);
+        return noun(Text::tr("пользователь"), Text::tr("пользователя"), Text::tr("пользователей"),
+                    Noun::Masculine);
     if (is(table::MenuFileExt))
-        return noun("расширение файлов", "расширения файлов", "расширений файлов", Noun::Neuter);
+        return noun(Text::tr("расширение файлов"), Text::tr("расширения файлов"),
+                    Text::tr("расширений файлов"), Noun::Neuter);
     if (is(table::MenuResourceFile))
-        return noun("содержимое файла", "файла с содержимым", "файлов с содержимым", Noun::Neuter);
+        return noun(Text::tr("содержимое файла"), Text::tr("файла с содержимым"),
+                    Text::tr("файлов с содержимым"), Noun::Neuter);
     const auto number = static_cast<int32_t>(integerOf(table, values, field::type_));
     if (const ResourceKind* kind = resourceKind(number))
-        return noun(kind->one, kind->few, kind->many,
+        return noun(Text::tr(kind->one), Text::tr(kind->few), Text::tr(kind->many),
                     kind->isFeminine ? Noun::Feminine : Noun::Masculine);
-    return noun("ресурс", "ресурса", "ресурсов", Noun::Masculine);
+    return noun(Text::tr("ресурс"), Text::tr("ресурса"), Text::tr("ресурсов"), Noun::Masculine);
 }
 
 QString numeralForm(size_t count, const QString& one, const QString& few, const QString& many) {
+    if (textLocale().language() == QLocale::English)
+        return count == 1 ? one : many;
     const size_t tens = count / 10 % 10;
     const size_t units = count % 10;
     if (tens == 1 || units == 0 || units > 4)
@@ -82,18 +87,18 @@ QString counted(size_t count, const Noun& noun) {
 
 QString andMore(size_t count) {
     return count == 0 ? QString()
-                      : QStringLiteral(" и ещё %1 %2")
+                      : Text::tr(" и ещё %1 %2")
                             .arg(count)
-                            .arg(numeralForm(count, QStringLiteral("запись"),
-                                             QStringLiteral("записи"), QStringLiteral("записей")));
+                            .arg(numeralForm(count, Text::tr("запись"), Text::tr("записи"),
+                                             Text::tr("записей")));
 }
 
 Noun accusative(Noun noun) {
     const QString word = noun.one.section(QLatin1Char(' '), 0, 0);
-    if (noun.gender == Noun::Feminine && word.endsWith(QStringLiteral("а")))
-        noun.one.replace(word.size() - 1, 1, QStringLiteral("у"));
-    else if (noun.gender == Noun::Feminine && word.endsWith(QStringLiteral("я")))
-        noun.one.replace(word.size() - 1, 1, QStringLiteral("ю"));
+    if (noun.gender == Noun::Feminine && word.endsWith(QChar(u'а')))
+        noun.one.replace(word.size() - 1, 1, QChar(u'у'));
+    else if (noun.gender == Noun::Feminine && word.endsWith(QChar(u'я')))
+        noun.one.replace(word.size() - 1, 1, QChar(u'ю'));
     return noun;
 }
 
@@ -132,8 +137,8 @@ QString onOneLine(QString text) {
 QString quoted(const QString& text) {
     constexpr int longest = 80;
     const QString line = onOneLine(text);
-    return QStringLiteral("«%1»").arg(
-        line.size() > longest ? line.left(longest) + QStringLiteral("…") : line);
+    return Text::tr("«%1»").arg(line.size() > longest ? line.left(longest) + QStringLiteral("…")
+                                                      : line);
 }
 
 QString recordWords(const store::TableDef& table, const Values& values, const std::string& key) {
@@ -144,7 +149,7 @@ QString recordWords(const store::TableDef& table, const Values& values, const st
 
 QString fieldWord(const store::TableDef& table, int field) {
     const store::FieldDef& def = table.fields[static_cast<size_t>(field)];
-    return text(def.word ? def.word : def.name);
+    return def.word ? Text::tr(def.word) : QString::fromLatin1(def.name);
 }
 
 QString valueWords(const store::TableDef& table, int field, const store::Value& value,
@@ -152,22 +157,22 @@ QString valueWords(const store::TableDef& table, int field, const store::Value& 
     const store::FieldDef& def = table.fields[static_cast<size_t>(field)];
     const auto* letters = std::get_if<std::string>(&value);
     if (std::holds_alternative<std::monostate>(value) || (letters && letters->empty()))
-        return QStringLiteral("пусто");
+        return Text::tr("пусто");
     const auto* number = std::get_if<int64_t>(&value);
     if (number && def.type == MDX_BOOLEAN)
-        return *number != 0 ? QStringLiteral("да") : QStringLiteral("нет");
+        return *number != 0 ? Text::tr("да") : Text::tr("нет");
     if (number)
         return QString::number(*number);
     if (const auto* date = std::get_if<double>(&value))
         return QDateTime::fromMSecsSinceEpoch(std::llround(*date * 1000.0))
-            .toString(QStringLiteral("dd.MM.yyyy HH:mm:ss"));
+            .toString(Text::tr("dd.MM.yyyy HH:mm:ss"));
     if (const store::TableDef* target = source ? targetOf(table, def) : nullptr) {
         const QString name = nameOf(*target, source->valuesOf(*target, store::textOf(value)));
         if (!name.isEmpty())
             return quoted(name);
     }
     // As a whole: old and new value may differ at their ends alone.
-    return QStringLiteral("«%1»").arg(onOneLine(QString::fromStdString(store::textOf(value))));
+    return Text::tr("«%1»").arg(onOneLine(QString::fromStdString(store::textOf(value))));
 }
 
 bool readAlike(const store::Value& one, const store::Value& other) {
@@ -221,32 +226,46 @@ QString placeOf(const store::TableDef& table, Values values, RecordSource* sourc
 
 QString deedWord(Deed deed, const Noun& noun, size_t count) {
     static const char* const words[][4] = {
-        {"Создан", "Создана", "Создано", "Созданы"},
-        {"Удалён", "Удалена", "Удалено", "Удалены"},
-        {"Переименован", "Переименована", "Переименовано", "Переименованы"},
-        {"Перемещён", "Перемещена", "Перемещено", "Перемещены"},
-        {"Изменён", "Изменена", "Изменено", "Изменены"},
-        {"Занят", "Занята", "Занято", "Заняты"},
-        {"Освобождён", "Освобождена", "Освобождено", "Освобождены"},
-        {"Переставлен", "Переставлена", "Переставлено", "Переставлены"},
+        {QT_TRANSLATE_NOOP("orvo", "Создан"), QT_TRANSLATE_NOOP("orvo", "Создана"),
+         QT_TRANSLATE_NOOP("orvo", "Создано"), QT_TRANSLATE_NOOP("orvo", "Созданы")},
+        {QT_TRANSLATE_NOOP("orvo", "Удалён"), QT_TRANSLATE_NOOP("orvo", "Удалена"),
+         QT_TRANSLATE_NOOP("orvo", "Удалено"), QT_TRANSLATE_NOOP("orvo", "Удалены")},
+        {QT_TRANSLATE_NOOP("orvo", "Переименован"), QT_TRANSLATE_NOOP("orvo", "Переименована"),
+         QT_TRANSLATE_NOOP("orvo", "Переименовано"), QT_TRANSLATE_NOOP("orvo", "Переименованы")},
+        {QT_TRANSLATE_NOOP("orvo", "Перемещён"), QT_TRANSLATE_NOOP("orvo", "Перемещена"),
+         QT_TRANSLATE_NOOP("orvo", "Перемещено"), QT_TRANSLATE_NOOP("orvo", "Перемещены")},
+        {QT_TRANSLATE_NOOP("orvo", "Изменён"), QT_TRANSLATE_NOOP("orvo", "Изменена"),
+         QT_TRANSLATE_NOOP("orvo", "Изменено"), QT_TRANSLATE_NOOP("orvo", "Изменены")},
+        {QT_TRANSLATE_NOOP("orvo", "Занят"), QT_TRANSLATE_NOOP("orvo", "Занята"),
+         QT_TRANSLATE_NOOP("orvo", "Занято"), QT_TRANSLATE_NOOP("orvo", "Заняты")},
+        {QT_TRANSLATE_NOOP("orvo", "Освобождён"), QT_TRANSLATE_NOOP("orvo", "Освобождена"),
+         QT_TRANSLATE_NOOP("orvo", "Освобождено"), QT_TRANSLATE_NOOP("orvo", "Освобождены")},
+        {QT_TRANSLATE_NOOP("orvo", "Переставлен"), QT_TRANSLATE_NOOP("orvo", "Переставлена"),
+         QT_TRANSLATE_NOOP("orvo", "Переставлено"), QT_TRANSLATE_NOOP("orvo", "Переставлены")},
     };
     const auto& forms = words[static_cast<size_t>(deed)];
-    return numeralForm(count, text(forms[noun.gender]), text(forms[3]), text(forms[Noun::Neuter]));
+    return numeralForm(count, Text::tr(forms[noun.gender]), Text::tr(forms[3]),
+                       Text::tr(forms[Noun::Neuter]));
 }
 
 QString takenBackWords(Deed deed) {
-    static const char* const words[] = {"создание",  "удаление", "переименование", "перемещение",
-                                        "изменение", "занятие",  "освобождение",   "перестановка"};
+    static const char* const words[] = {
+        QT_TRANSLATE_NOOP("orvo", "создание"),       QT_TRANSLATE_NOOP("orvo", "удаление"),
+        QT_TRANSLATE_NOOP("orvo", "переименование"), QT_TRANSLATE_NOOP("orvo", "перемещение"),
+        QT_TRANSLATE_NOOP("orvo", "изменение"),      QT_TRANSLATE_NOOP("orvo", "занятие"),
+        QT_TRANSLATE_NOOP("orvo", "освобождение"),   QT_TRANSLATE_NOOP("orvo", "перестановка")};
     const bool feminine = deed == Deed::Ordered;
-    return QStringLiteral("%1 %2:").arg(feminine ? QStringLiteral("Отменена")
-                                                 : QStringLiteral("Отменено"),
-                                        text(words[static_cast<size_t>(deed)]));
+    return QStringLiteral("%1 %2:").arg(feminine ? Text::tr("Отменена") : Text::tr("Отменено"),
+                                        Text::tr(words[static_cast<size_t>(deed)]));
 }
 
 QString infinitive(Deed deed) {
-    static const char* const words[] = {"создать",  "удалить", "переименовать", "переместить",
-                                        "изменить", "занять",  "освободить",    "переставить"};
-    return QString::fromUtf8(words[static_cast<size_t>(deed)]);
+    static const char* const words[] = {
+        QT_TRANSLATE_NOOP("orvo", "создать"),       QT_TRANSLATE_NOOP("orvo", "удалить"),
+        QT_TRANSLATE_NOOP("orvo", "переименовать"), QT_TRANSLATE_NOOP("orvo", "переместить"),
+        QT_TRANSLATE_NOOP("orvo", "изменить"),      QT_TRANSLATE_NOOP("orvo", "занять"),
+        QT_TRANSLATE_NOOP("orvo", "освободить"),    QT_TRANSLATE_NOOP("orvo", "переставить")};
+    return Text::tr(words[static_cast<size_t>(deed)]);
 }
 
 } // namespace orvo::history

@@ -1,5 +1,6 @@
 #include "history/ReturnVersion.h"
 
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "history/Locks.h"
 #include "history/Overtaken.h"
@@ -11,7 +12,7 @@ namespace orvo::history {
 namespace {
 
 store::Status notReturned(int code, const QString& why) {
-    return {code, (QStringLiteral("Не возвращено: ") + why).toStdString()};
+    return {code, (Text::tr("Не возвращено: ") + why).toStdString()};
 }
 
 /// As undo says it.
@@ -103,7 +104,7 @@ store::Status returnVersion(store::MaintainedStore& store, int64_t id, int64_t s
     if (!status.ok())
         return notReturned(status.code, QString::fromStdString(status.text));
     if (found.empty())
-        return notReturned(store::UnknownName, QStringLiteral("версия уже не хранится"));
+        return notReturned(store::UnknownName, Text::tr("версия уже не хранится"));
     const store::KeptVersion& version = found.front();
     const store::TableDef& resources = *store::findTable(table::MenuResource);
     LoggedRecords source(store);
@@ -114,7 +115,7 @@ store::Status returnVersion(store::MaintainedStore& store, int64_t id, int64_t s
     if (resource.empty())
         return notReturned(
             store::Refused,
-            QStringLiteral("формы или файла больше нет: сначала верните удаление в истории"));
+            Text::tr("формы или файла больше нет: сначала верните удаление в истории"));
     status = checkLock(store, version.resource, source, names);
     if (status.ok()) // a write would give the bytes a checksum of their own
         status = checkBytes(store, version, source);

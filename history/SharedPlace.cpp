@@ -1,5 +1,6 @@
 #include "history/SharedPlace.h"
 
+#include "frame/Text.h"
 #include "platform/store/Merge.h"
 #include "platform/store/Names.h"
 
@@ -71,15 +72,15 @@ QString sharedPlace(const std::vector<const LoggedChange*>& reads, RecordSource&
     const Places places = placesOf(reads, source);
     return places.count < 2 || !places.shared.empty()
                ? joined(places.shared)
-               : QStringLiteral("в %1 %2")
+               : Text::tr("в %1 %2")
                      .arg(places.count)
-                     .arg(numeralForm(places.count, QStringLiteral("месте"),
-                                      QStringLiteral("местах"), QStringLiteral("местах")));
+                     .arg(numeralForm(places.count, Text::tr("месте"), Text::tr("местах"),
+                                      Text::tr("местах")));
 }
 
 QString sharedPlaceOfSome(const std::vector<const LoggedChange*>& reads, RecordSource& source) {
     const Places places = placesOf(reads, source);
-    return places.count < 2 ? joined(places.shared) : QStringLiteral("в разных местах");
+    return places.count < 2 ? joined(places.shared) : Text::tr("в разных местах");
 }
 
 } // namespace orvo::history

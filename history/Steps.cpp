@@ -72,7 +72,7 @@ store::Status Walk::kindOf(int64_t group, Kind* kind, int64_t* action) {
     *kind = Kind::Action;
     *action = group;
     // A step is newer than what it takes back, so this ends; in a log by hand it need not.
-    constexpr int longest = 100'000;
+    constexpr int longest = 100000;
     bool undoing = false;
     for (int i = 0; i < longest; ++i) {
         const Head* step = nullptr;

@@ -13,7 +13,7 @@ namespace orvo::history {
 namespace {
 
 /// Beyond so many names they are looked up anew.
-constexpr size_t mostNames = 200'000;
+constexpr size_t mostNames = 200000;
 
 } // namespace
 

@@ -1,4 +1,5 @@
 #include "menu/Fields.h"
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 
 #include "menu/Columns.h"
@@ -15,7 +16,6 @@ using editor::ItemRows;
 using editor::RecordFields;
 
 // Titles and captions are translated where they are shown.
-#define ORVO_TEXT(text) QT_TRANSLATE_NOOP("OrvoMenu", text)
 
 const RecordFields& elementFields() {
     static const RecordFields fields{
@@ -34,7 +34,9 @@ const RecordFields& elementFields() {
          .name = orvo::field::caption,
          .saved = AllRows,
          .copied = Copied::Place,
-         .passport = {.row = "name", .caption = ORVO_TEXT("Наименование"), .position = 3}},
+         .passport = {.row = "name",
+                      .caption = QT_TRANSLATE_NOOP("orvo", "Наименование"),
+                      .position = 3}},
         {.column = MenuColumn::Order,
          .title = "order",
          .name = orvo::field::order_,
@@ -47,7 +49,7 @@ const RecordFields& elementFields() {
          .saved = AllRows,
          .copied = Copied::Value,
          .passport = {.row = "icon",
-                      .caption = ORVO_TEXT("Иконка"),
+                      .caption = QT_TRANSLATE_NOOP("orvo", "Иконка"),
                       .editor = MyEditorButton,
                       .position = 7}},
         {.column = MenuColumn::Separator,
@@ -57,7 +59,7 @@ const RecordFields& elementFields() {
          .saved = AllRows,
          .copied = Copied::Value,
          .passport = {.row = "separator",
-                      .caption = ORVO_TEXT("Разделитель"),
+                      .caption = QT_TRANSLATE_NOOP("orvo", "Разделитель"),
                       .editor = MyEditorCheck,
                       .position = 8}},
         {.column = MenuColumn::OneCopy,
@@ -67,7 +69,7 @@ const RecordFields& elementFields() {
          .saved = AllRows,
          .copied = Copied::Value,
          .passport = {.row = "onecopy",
-                      .caption = ORVO_TEXT("Один эжкземпляр"),
+                      .caption = QT_TRANSLATE_NOOP("orvo", "Один эжкземпляр"),
                       .editor = MyEditorCheck,
                       .position = 6,
                       .on = ItemRows}},
@@ -79,7 +81,7 @@ const RecordFields& elementFields() {
          .copied = Copied::Value,
          .copiedOn = ItemRows,
          .passport = {.row = "keylink",
-                      .caption = ORVO_TEXT("Идентификатор"),
+                      .caption = QT_TRANSLATE_NOOP("orvo", "Идентификатор"),
                       .readOnly = true,
                       .position = 1,
                       .on = ItemRows}},
@@ -88,16 +90,21 @@ const RecordFields& elementFields() {
          .name = orvo::field::params,
          .saved = ItemRows,
          .copied = Copied::Value,
-         .passport =
-             {.row = "params", .caption = ORVO_TEXT("Параметры"), .position = 5, .on = ItemRows}},
+         .passport = {.row = "params",
+                      .caption = QT_TRANSLATE_NOOP("orvo", "Параметры"),
+                      .position = 5,
+                      .on = ItemRows}},
         // Told by the element's resource.
         {.column = MenuColumn::Type,
-         .title = ORVO_TEXT("тип"),
-         .passport = {.row = "type", .caption = ORVO_TEXT("Тип"), .readOnly = true, .position = 2}},
+         .title = QT_TRANSLATE_NOOP("orvo", "тип"),
+         .passport = {.row = "type",
+                      .caption = QT_TRANSLATE_NOOP("orvo", "Тип"),
+                      .readOnly = true,
+                      .position = 2}},
         {.column = MenuColumn::Command,
-         .title = ORVO_TEXT("команда"),
+         .title = QT_TRANSLATE_NOOP("orvo", "команда"),
          .passport = {.row = "object",
-                      .caption = ORVO_TEXT("Объект"),
+                      .caption = QT_TRANSLATE_NOOP("orvo", "Объект"),
                       .editor = MyEditorButton,
                       .position = 4,
                       .on = ItemRows}},
@@ -132,7 +139,5 @@ const RecordFields& desckFields() {
     };
     return fields;
 }
-
-#undef ORVO_TEXT
 
 } // namespace orvo::menu

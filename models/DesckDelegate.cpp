@@ -1,6 +1,7 @@
 #include "models/DesckDelegate.h"
 
 #include "frame/RecordTextValidator.h"
+#include "frame/Text.h"
 #include "models/DesckTreeModel.h"
 #include "models/EditorCommit.h"
 
@@ -24,7 +25,7 @@ QWidget* DesckDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem
     if (!isNameCell(index))
         return nullptr;
     auto* editor = new QLineEdit(parent);
-    editor->setAccessibleName(QStringLiteral("Имя"));
+    editor->setAccessibleName(orvo::Text::tr("Имя"));
     orvo::RecordTextValidator::install(editor);
     connect(editor, &QLineEdit::textChanged, this, &DesckDelegate::commitEditorData);
     return editor;

@@ -2,6 +2,7 @@
 
 #include "frame/ClipboardRows.h"
 #include "frame/CommonFunctions.h"
+#include "frame/Text.h"
 #include "models/DragKeys.h"
 
 #include <QMimeData>
@@ -49,7 +50,7 @@ QVariant MenuTreeModel::data(const QModelIndex& index, int role) const {
 
 QVariant MenuTreeModel::headerData(int section, Qt::Orientation orientation, int role) const {
     if (role == Qt::AccessibleTextRole && orientation == Qt::Horizontal && section == Caption)
-        return QStringLiteral("Наименование");
+        return orvo::Text::tr("Наименование");
     return TreeModelCore::headerData(section, orientation, role);
 }
 

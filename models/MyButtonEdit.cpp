@@ -1,5 +1,7 @@
 #include "models/MyButtonEdit.h"
 
+#include "frame/Text.h"
+
 #include <QToolButton>
 
 MyButtonEdit::MyButtonEdit(const QModelIndex& index, QWidget* parent)
@@ -8,7 +10,7 @@ MyButtonEdit::MyButtonEdit(const QModelIndex& index, QWidget* parent)
     , m_index(index) {
     setWindowFlags(Qt::WindowFlags());
     m_button->setText(QStringLiteral("..."));
-    m_button->setAccessibleName(QStringLiteral("Выбрать"));
+    m_button->setAccessibleName(orvo::Text::tr("Выбрать"));
     connect(m_button, &QToolButton::clicked, this, &MyButtonEdit::pressButton);
     connect(this, &QLineEdit::textEdited, this, &MyButtonEdit::OnTextEdited);
     connect(this, &QLineEdit::returnPressed, this, &MyButtonEdit::OnReturnPressed);

@@ -1,5 +1,7 @@
 #include "models/PropModel.h"
 
+#include "frame/Text.h"
+
 #include <QBrush>
 #include <QColor>
 #include <QScopedValueRollback>
@@ -37,10 +39,10 @@ QVariant PropModel::data(const QModelIndex& index, int role) const {
                                                                       : QVariant();
     case Qt::AccessibleTextRole:
         if (index.column() == Value && isMixed(index))
-            return QStringLiteral("разные значения");
+            return orvo::Text::tr("разные значения");
         if (index.column() != Value || row.data(Editor).toInt() != MyEditorCheck || !isEditRow(row))
             return {};
-        return row.data(Value).toBool() ? QStringLiteral("да") : QStringLiteral("нет");
+        return row.data(Value).toBool() ? orvo::Text::tr("да") : orvo::Text::tr("нет");
     case orvo::KeyRole:
         return row.data(Name);
     default:
@@ -50,7 +52,7 @@ QVariant PropModel::data(const QModelIndex& index, int role) const {
 
 QVariant PropModel::headerData(int section, Qt::Orientation orientation, int role) const {
     if (role == Qt::AccessibleTextRole && orientation == Qt::Horizontal && section <= Value)
-        return section == Caption ? QStringLiteral("Свойство") : QStringLiteral("Значение");
+        return section == Caption ? orvo::Text::tr("Свойство") : orvo::Text::tr("Значение");
     return TreeModelCore::headerData(section, orientation, role);
 }
 

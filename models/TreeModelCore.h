@@ -11,6 +11,7 @@
 #define ORVO_MODELS_TREEMODELCORE_H
 
 #include "frame/OrvoMdx.h"
+#include "frame/Text.h"
 #include "frame/Values.h"
 #include "models/KeyIndex.h"
 #include "models/RecordOps.h"
@@ -32,12 +33,13 @@ enum TreeModelRole { KeyRole = Qt::AccessibleDescriptionRole };
 static_assert(KeyRole == 12, "the key role of the system");
 
 /// What a screen reader calls a column. Titles in Latin letters name fields, of columns that no
-/// tree shows; they are offered all the same.
+/// tree shows; they are offered all the same. In English a title cannot be told from them.
 inline QString spokenTitle(const QString& title) {
     const bool isField = std::any_of(title.begin(), title.end(), [](QChar letter) {
         return letter.unicode() < 128 && letter.isLetter();
     });
-    return isField ? QStringLiteral("Служебный столбец") : title;
+    return isField && textLocale().language() != QLocale::English ? Text::tr("Служебный столбец")
+                                                                  : title;
 }
 
 /// Record is TabRec or PaspRec. Lives on the GUI thread.

@@ -2,6 +2,7 @@
 
 #include "frame/ContextMenuKey.h"
 #include "frame/Records.h"
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "frame/WindowParts.h"
 #include "models/TreeSearchBar.h"
@@ -26,8 +27,8 @@ using orvo::PickColumn;
 namespace {
 
 const QStringList& columnTitles() {
-    static const QStringList titles{QStringLiteral("Имя"),
-                                    QStringLiteral("Описание"),
+    static const QStringList titles{orvo::Text::tr("Имя"),
+                                    orvo::Text::tr("Описание"),
                                     QStringLiteral("UserBlock"),
                                     QStringLiteral("DateBlock"),
                                     QString::fromLatin1(orvo::field::KeyLink),

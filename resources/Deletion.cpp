@@ -2,6 +2,7 @@
 // notification of the deletion comes; where the server refuses, they stay.
 #include "resources/OrvoResources.h"
 
+#include "frame/Text.h"
 #include "ui_OrvoResources.h"
 
 #include "frame/Kinds.h"
@@ -215,7 +216,7 @@ bool OrvoResources::isInMenus(const QModelIndex& row) {
     QStringList elements;
     lookUp(orvo::table::Menu, menuResourceKey, keyOf(row), [&](const CMDArray& found) {
         orvo::walkAll(found, 0, [&](const MDRData* record) {
-            elements << QStringLiteral("«%1»").arg(orvo::textOf(record, orvo::field::caption));
+            elements << orvo::Text::tr("«%1»").arg(orvo::textOf(record, orvo::field::caption));
             return true;
         });
     });

@@ -1,5 +1,6 @@
 #include "resources/Fields.h"
 
+#include "frame/Text.h"
 #include "resources/Columns.h"
 
 namespace orvo::resources {
@@ -19,20 +20,20 @@ const RecordFields& itemFields() {
     // clang-format off
     static const RecordFields fields{
         {ResColumn::KeyLink, "KeyLink", field::KeyLink, text, items, never, all,
-         {"keylink", "Идентификатор", MyEditorLine, true, 0}},
+         {"keylink", QT_TRANSLATE_NOOP("orvo", "Идентификатор"), MyEditorLine, true, 0}},
         {ResColumn::FolderKey, "FolderKey", field::MenuResourceFolderKey, text, items},
-        {ResColumn::Name, "Ресурс", field::name_, text, items, never, all,
-         {"object", "Объект", MyEditorLine, false, 3}},
+        {ResColumn::Name, QT_TRANSLATE_NOOP("orvo", "Ресурс"), field::name_, text, items, never, all,
+         {"object", QT_TRANSLATE_NOOP("orvo", "Объект"), MyEditorLine, false, 3}},
         {ResColumn::Type, "type", field::type_, integer, items, never, all,
-         {"type", "Тип", MyEditorLine, true, 1}},
-        {ResColumn::Caption, "Наименование", field::caption, text, items, never, all,
-         {"caption", "Наименование", MyEditorLine, false, 2}},
+         {"type", QT_TRANSLATE_NOOP("orvo", "Тип"), MyEditorLine, true, 1}},
+        {ResColumn::Caption, QT_TRANSLATE_NOOP("orvo", "Наименование"), field::caption, text, items, never, all,
+         {"caption", QT_TRANSLATE_NOOP("orvo", "Наименование"), MyEditorLine, false, 2}},
         {ResColumn::Params, "params", field::params, text, items, never, all,
-         {"params", "Параметры", MyEditorLine, false, 5}},
-        {ResColumn::Icon, "Иконка", field::ico, text, items, never, all,
-         {"icon", "Иконка", MyEditorButton, false, 4}},
-        {ResColumn::Lock, "Заблокировано"},
-        {ResColumn::LockTime, "Дата блокировки"},
+         {"params", QT_TRANSLATE_NOOP("orvo", "Параметры"), MyEditorLine, false, 5}},
+        {ResColumn::Icon, QT_TRANSLATE_NOOP("orvo", "Иконка"), field::ico, text, items, never, all,
+         {"icon", QT_TRANSLATE_NOOP("orvo", "Иконка"), MyEditorButton, false, 4}},
+        {ResColumn::Lock, QT_TRANSLATE_NOOP("orvo", "Заблокировано")},
+        {ResColumn::LockTime, QT_TRANSLATE_NOOP("orvo", "Дата блокировки")},
         {ResColumn::IsFolder, "IsFolder"},
         {ResColumn::Date, "Date"},
         {ResColumn::Size, "Size"},
@@ -47,12 +48,12 @@ const RecordFields& folderFields() {
     // clang-format off
     static const RecordFields fields{
         {ResColumn::KeyLink, "KeyLink", field::KeyLink, text, folders, never, all,
-         {"keylink", "Идентификатор", MyEditorLine, true, 0}},
+         {"keylink", QT_TRANSLATE_NOOP("orvo", "Идентификатор"), MyEditorLine, true, 0}},
         {ResColumn::FolderKey, "FolderKey", field::ParentKey, text, folders},
         {ResColumn::Type, "type", field::type_, integer, folders, never, all,
-         {"type", "Тип", MyEditorLine, true, 1}},
-        {ResColumn::Caption, "Наименование", field::caption, text, folders, never, all,
-         {"caption", "Наименование", MyEditorLine, false, 2}},
+         {"type", QT_TRANSLATE_NOOP("orvo", "Тип"), MyEditorLine, true, 1}},
+        {ResColumn::Caption, QT_TRANSLATE_NOOP("orvo", "Наименование"), field::caption, text, folders, never, all,
+         {"caption", QT_TRANSLATE_NOOP("orvo", "Наименование"), MyEditorLine, false, 2}},
     };
     // clang-format on
     return fields;

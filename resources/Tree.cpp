@@ -2,6 +2,7 @@
 // tables, so that each level is one run of records.
 #include "resources/OrvoResources.h"
 
+#include "frame/Text.h"
 #include "ui_OrvoResources.h"
 
 #include "frame/CommonFunctions.h"
@@ -226,7 +227,7 @@ QString OrvoResources::describe(const QModelIndex& row) const {
         const orvo::ResourceKind* kind = orvo::resourceKind(orvo::resources::kindOf(row));
         return kind ? tr(kind->one) : tr("ресурс");
     };
-    const QString text = word() + QStringLiteral(" «%1»").arg(caption.isEmpty() ? name : caption);
+    const QString text = word() + orvo::Text::tr(" «%1»").arg(caption.isEmpty() ? name : caption);
     return name.isEmpty() || caption.isEmpty() || orvo::sameText(name, caption)
                ? text
                : text + QStringLiteral(" (%1)").arg(name);

@@ -3,6 +3,7 @@
 #ifndef ORVO_ADMIN_FAILURE_H
 #define ORVO_ADMIN_FAILURE_H
 
+#include "frame/StdText.h"
 #include "platform/store/Maintenance.h"
 
 #include <stdexcept>
@@ -26,7 +27,7 @@ public:
 /// the work was stopped.
 inline void require(const store::Status& status, const std::string& what) {
     if (status.code == store::Stopped)
-        throw Interruption(what + ": прервано");
+        throw Interruption(what + StdText::tr(": прервано"));
     if (!status.ok())
         throw Failure(what + ": " + status.text);
 }

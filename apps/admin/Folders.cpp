@@ -3,6 +3,7 @@
 #include "apps/admin/Failure.h"
 #include "apps/admin/Suggestion.h"
 #include "frame/Kinds.h"
+#include "frame/StdText.h"
 
 namespace orvo::admin {
 
@@ -39,9 +40,9 @@ std::vector<std::string> splitPath(const std::string& path) {
         const size_t end = std::min(path.find('/', begin), path.size());
         captions.push_back(path.substr(begin, end - begin));
         if (!store::isPlainFileName(captions.back()))
-            throw Failure("путь «" + path + "» не годится: «" + captions.back() +
-                          "» не может быть именем папки");
-        requireStorable(captions.back(), "имя папки");
+            throw Failure(StdText::tr("путь «") + path + StdText::tr("» не годится: «") +
+                          captions.back() + StdText::tr("» не может быть именем папки"));
+        requireStorable(captions.back(), StdText::tr("имя папки"));
         if (end == path.size())
             break;
         begin = end + 1;
@@ -81,18 +82,19 @@ std::optional<std::string> Folders::find(int kind, const std::string& path) cons
     return key;
 }
 
-std::string Folders::need(int kind, const std::string& path, const char* advice) const {
+std::string Folders::need(int kind, const std::string& path, const std::string& advice) const {
     if (const auto key = find(kind, path))
         return *key;
     if (path.empty())
-        throw Failure(std::string("в хранилище нет папки «") + topCaption(kind) +
-                      "»; её делает orvo-admin init");
+        throw Failure(StdText::tr("в хранилище нет папки «") + topCaption(kind) +
+                      StdText::tr("»; её делает orvo-admin init"));
     std::vector<std::string> present;
     for (const auto& [folderKey, folder] : m_byKey)
         if (folder.kind == kind)
             if (const auto known = pathOf(folderKey); known && !known->empty())
                 present.push_back(*known);
-    throw Failure("папки «" + path + "» нет" + suggestion(path, present) + advice);
+    throw Failure(StdText::tr("папки «") + path + StdText::tr("» нет") + suggestion(path, present) +
+                  advice);
 }
 
 void Folders::make(store::Store& store, int kind, const std::string& path) {
@@ -112,7 +114,7 @@ void Folders::make(store::Store& store, int kind, const std::string& path) {
         }
         parent = key;
     }
-    batch.send(store, "папка «" + path + "» не сделана");
+    batch.send(store, StdText::tr("папка «") + path + StdText::tr("» не сделана"));
 }
 
 std::optional<std::string> Folders::pathOf(const std::string& key) const {

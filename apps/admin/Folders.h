@@ -35,7 +35,7 @@ public:
     /// record). None if there is no such folder.
     std::optional<std::string> find(int kind, const std::string& path) const;
     /// find, or a Failure; `advice` ends its text.
-    std::string need(int kind, const std::string& path, const char* advice = "") const;
+    std::string need(int kind, const std::string& path, const std::string& advice = {}) const;
     /// Makes what is missing of the path, the top folder included, in one transaction.
     void make(store::Store& store, int kind, const std::string& path);
     /// Path of the folder of that key; none if it is missing, or hangs nowhere.

@@ -2,9 +2,11 @@
 
 #include "apps/admin/Failure.h"
 #include "apps/admin/Verb.h"
+#include "frame/StdText.h"
 
 #include <atomic>
 #include <csignal>
+#include <cstdio>
 #include <cstring>
 #include <string_view>
 #include <unistd.h>
@@ -19,12 +21,13 @@ constexpr unsigned graceSeconds = 3;
 std::atomic<bool> interrupted = false;
 char fileToRemove[4096] = "";
 std::atomic<bool> hasFile = false;
+char farewell[256] = ""; ///< in the user's language, since a handler may not translate
 
 void endAtOnce() {
     if (hasFile)
         ::unlink(fileToRemove);
-    static constexpr std::string_view line = "orvo-admin: прервано\n";
-    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, line.data(), line.size());
+    [[maybe_unused]] const ssize_t written =
+        ::write(STDERR_FILENO, farewell, std::strlen(farewell));
     ::_exit(Interrupted);
 }
 
@@ -54,6 +57,7 @@ void take(int signal, void (*handler)(int)) {
 } // namespace
 
 Interruptible::Interruptible() {
+    std::snprintf(farewell, sizeof farewell, "%s", StdText::tr("orvo-admin: прервано\n").c_str());
     interrupted = false;
     take(SIGALRM, onAlarm);
     take(SIGINT, onSignal);
@@ -78,7 +82,7 @@ void removeAtSuddenEnd(const std::string& path) {
     if (path.empty())
         return;
     if (path.size() >= sizeof fileToRemove)
-        throw Failure("путь слишком длинный");
+        throw Failure(StdText::tr("путь слишком длинный"));
     std::memcpy(fileToRemove, path.c_str(), path.size() + 1);
     hasFile = true;
 }

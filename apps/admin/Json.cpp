@@ -1,14 +1,14 @@
 #include "apps/admin/Json.h"
 
 #include "apps/admin/Output.h"
+#include "frame/Text.h"
 
 #include <QJsonDocument>
 
 namespace orvo::admin {
 
 void jsonOption(OptionList& options) {
-    options.append(
-        {QStringLiteral("json"), QString::fromUtf8("Каждая строка вывода - объект JSON.")});
+    options.append({QStringLiteral("json"), Text::tr("Каждая строка вывода - объект JSON.")});
 }
 
 void outJson(const QJsonObject& object) {

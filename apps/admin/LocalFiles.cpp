@@ -2,6 +2,7 @@
 
 #include "apps/admin/Failure.h"
 #include "apps/admin/Records.h"
+#include "frame/StdText.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -20,7 +21,7 @@ namespace orvo::admin {
 namespace {
 
 // The stores hold a file as one value; beyond this their databases refuse it anyway.
-constexpr qint64 largestFile = 900'000'000;
+constexpr qint64 largestFile = 900000000;
 
 mode_t currentMask() {
     const mode_t mask = umask(0);
@@ -35,19 +36,20 @@ mode_t currentMask() {
 } // namespace
 
 LocalFile readLocalFile(const std::string& path) {
-    const std::string what = "файл «" + path + "» не прочитан";
+    const std::string what = StdText::tr("файл «") + path + StdText::tr("» не прочитан");
     const QFileInfo info(QString::fromStdString(path));
     if (path.empty() || !info.exists())
-        refuse(what, "его нет");
+        refuse(what, StdText::tr("его нет"));
     // A pipe or a device would block or never end.
     if (!info.isFile())
-        refuse(what, info.isDir() ? "это каталог" : "это не обычный файл");
+        refuse(what,
+               info.isDir() ? StdText::tr("это каталог") : StdText::tr("это не обычный файл"));
     if (info.size() > largestFile)
-        refuse(what, "он больше 900 МБ");
+        refuse(what, StdText::tr("он больше 900 МБ"));
     LocalFile file{info.fileName().toStdString(), {}, 0};
     if (!store::isPlainFileName(file.name))
-        refuse(what, "хранилище не принимает такое имя");
-    requireStorable(file.name, "имя файла");
+        refuse(what, StdText::tr("хранилище не принимает такое имя"));
+    requireStorable(file.name, StdText::tr("имя файла"));
     QFile source(info.filePath());
     if (!source.open(QIODevice::ReadOnly))
         refuse(what, source.errorString().toStdString());
@@ -62,17 +64,18 @@ LocalFile readLocalFile(const std::string& path) {
 void requireDirectory(const std::string& directory) {
     const QFileInfo info(QString::fromStdString(directory));
     if (directory.empty() || !info.exists())
-        throw Failure("каталога «" + directory + "» нет");
+        throw Failure(StdText::tr("каталога «") + directory + StdText::tr("» нет"));
     if (!info.isDir())
-        throw Failure("«" + directory + "» не каталог");
+        throw Failure(StdText::tr("«") + directory + StdText::tr("» не каталог"));
 }
 
 void writeLocalFile(const std::string& directory, const std::string& name, std::string_view bytes,
                     const std::optional<double>& time) {
     const std::string path = directory + "/" + name;
-    const std::string what = "файл «" + path + "» не записан";
+    const std::string what = StdText::tr("файл «") + path + StdText::tr("» не записан");
     if (!store::isPlainFileName(name))
-        throw Failure("файл «" + name + "» не записан: такое имя выводит из каталога");
+        throw Failure(StdText::tr("файл «") + name +
+                      StdText::tr("» не записан: такое имя выводит из каталога"));
     const auto system = [&] { refuse(what, std::strerror(errno)); };
     QTemporaryFile file(QString::fromStdString(directory) + QStringLiteral("/.orvo-XXXXXX"));
     if (!file.open())

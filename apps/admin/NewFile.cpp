@@ -2,6 +2,7 @@
 
 #include "apps/admin/Failure.h"
 #include "apps/admin/Interrupt.h"
+#include "frame/StdText.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -15,8 +16,8 @@ namespace orvo::admin {
 
 namespace {
 
-[[noreturn]] void refuse(const std::string& place, const char* why) {
-    throw Failure("файл «" + place + "» не записан: " + why);
+[[noreturn]] void refuse(const std::string& place, const std::string& why) {
+    throw Failure(StdText::tr("файл «") + place + StdText::tr("» не записан: ") + why);
 }
 
 int flushed(const std::string& path, int flags) {
@@ -35,11 +36,12 @@ NewFile::NewFile(std::string place, const store::MaintainedStore& store)
     : m_place(std::move(place)) {
     struct stat info {};
     if (m_place.empty())
-        refuse(m_place, "имя пустое");
+        refuse(m_place, StdText::tr("имя пустое"));
     if (::stat(m_place.c_str(), &info) == 0 && !S_ISREG(info.st_mode))
-        refuse(m_place, S_ISDIR(info.st_mode) ? "это каталог" : "это не обычный файл");
+        refuse(m_place, S_ISDIR(info.st_mode) ? StdText::tr("это каталог")
+                                              : StdText::tr("это не обычный файл"));
     if (store.livesIn(m_place))
-        refuse(m_place, "это сам файл хранилища");
+        refuse(m_place, StdText::tr("это сам файл хранилища"));
     std::string name = m_place + ".new-XXXXXX";
     const int file = ::mkostemp(name.data(), O_CLOEXEC); // mode 0600
     if (file < 0)

@@ -1,6 +1,8 @@
 #include "apps/admin/ProgressLine.h"
 
 #include "apps/admin/Interrupt.h"
+#include "frame/StdText.h"
+#include "frame/Text.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -9,10 +11,9 @@
 namespace orvo::admin {
 
 void progressOption(OptionList& options) {
-    options.append(
-        {QStringLiteral("progress"),
-         QString::fromUtf8("Показывать ход работы каждую секунду, а не каждые десять, если поток "
-                           "ошибок не терминал.")});
+    options.append({QStringLiteral("progress"),
+                    Text::tr("Показывать ход работы каждую секунду, а не каждые десять, если поток "
+                             "ошибок не терминал.")});
 }
 
 ProgressLine::ProgressLine(const Invocation& call, std::string what)
@@ -39,7 +40,7 @@ bool ProgressLine::operator()(uint64_t done, uint64_t all) {
     m_next = now + m_every;
     write(m_what + ": " +
           (all > 0 ? std::to_string(std::min(done, all) * 100 / all) + " %"
-                   : std::to_string(done >> 20) + " МБ"));
+                   : std::to_string(done >> 20) + StdText::tr(" МБ")));
     return true;
 }
 

@@ -1,6 +1,7 @@
 #include "apps/admin/Records.h"
 
 #include "apps/admin/Failure.h"
+#include "frame/StdText.h"
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/Names.h"
 
@@ -52,7 +53,8 @@ bool Row::isNull(const char* field) const {
 }
 
 Table::Table(store::Store& store, const char* name) : m_name(name) {
-    require(store.fetch(name, m_records.array), std::string("таблица ") + name + " не читается");
+    require(store.fetch(name, m_records.array),
+            StdText::tr("таблица ") + name + StdText::tr(" не читается"));
 }
 
 int Table::count() const {
@@ -97,7 +99,7 @@ Row Table::find(const std::function<bool(const Row&)>& test) const {
 
 Batch::Batch(const char* table) : m_definition(store::findTable(table)) {
     if (!m_definition)
-        throw Failure(std::string("нет таблицы ") + table);
+        throw Failure(StdText::tr("нет таблицы ") + table);
 }
 
 Batch& Batch::begin(std::string_view key, uint32_t flag) {
@@ -105,19 +107,19 @@ Batch& Batch::begin(std::string_view key, uint32_t flag) {
     if (!m_records) {
         m_records.emplace();
         if (store::makeStructure(*m_definition, m_records->array) != MDX_OK)
-            throw Failure(std::string("не хватает памяти для таблицы ") + m_definition->name);
+            throw Failure(StdText::tr("не хватает памяти для таблицы ") + m_definition->name);
     }
     m_open = MDARecNew(m_records->array);
     if (!m_open || MDRSetFlags(m_open, flag) != MDX_OK)
-        throw Failure(std::string("не хватает памяти для таблицы ") + m_definition->name);
+        throw Failure(StdText::tr("не хватает памяти для таблицы ") + m_definition->name);
     return text(field::KeyLink, key);
 }
 
 void Batch::set(const char* field, const MDRVar& value) {
     const MDRField handle = MDRFldByName(m_records->array, field);
     if (MDRSetVal(handle, m_open, &value) != MDX_OK || MDRSetUser(handle, m_open, 1) != MDX_OK)
-        throw Failure(std::string("поле ") + m_definition->name + "." + field +
-                      " не принимает значение");
+        throw Failure(StdText::tr("поле ") + m_definition->name + "." + field +
+                      StdText::tr(" не принимает значение"));
 }
 
 Batch& Batch::text(const char* field, std::string_view utf8) {
@@ -158,7 +160,7 @@ void Batch::post() {
     if (!m_open)
         return;
     if (MDARecPost(m_open, nullptr) != MDX_OK)
-        throw Failure(std::string("не хватает памяти для таблицы ") + m_definition->name);
+        throw Failure(StdText::tr("не хватает памяти для таблицы ") + m_definition->name);
     m_open = nullptr;
     ++m_count;
 }
@@ -179,10 +181,10 @@ std::string newKey() {
 void requireStorable(std::string_view utf8, const std::string& what) {
     for (size_t i = 0; i < utf8.size(); ++i)
         if (store::controlLength(utf8.substr(i)) > 0)
-            throw Failure(what + " содержит управляющий знак");
+            throw Failure(what + StdText::tr(" содержит управляющий знак"));
     if (mdx::toUtf8(mdx::toCp1251(utf8)) != utf8)
-        throw Failure(what + " «" + std::string(utf8) +
-                      "» содержит знаки, которых нет в кодировке Windows-1251");
+        throw Failure(what + StdText::tr(" «") + std::string(utf8) +
+                      StdText::tr("» содержит знаки, которых нет в кодировке Windows-1251"));
 }
 
 std::string folded(const std::string& text) {

@@ -1,6 +1,7 @@
 #include "apps/admin/Suggestion.h"
 
 #include "apps/admin/Output.h"
+#include "frame/StdText.h"
 
 #include <QString>
 
@@ -50,7 +51,8 @@ std::string suggestion(const std::string& word, const std::vector<std::string>& 
             found = &one;
         }
     }
-    return found ? "; может быть, «" + cell(*found) + "»?" : std::string();
+    return found ? StdText::tr("; может быть, «") + cell(*found) + StdText::tr("»?")
+                 : std::string();
 }
 
 } // namespace orvo::admin

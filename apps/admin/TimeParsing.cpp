@@ -1,6 +1,8 @@
 #include "apps/admin/TimeParsing.h"
 
 #include "apps/admin/Failure.h"
+#include "frame/StdText.h"
+#include "frame/Text.h"
 
 #include <QDateTime>
 
@@ -29,6 +31,12 @@ qint64 ageOf(const QString& text) {
 
 } // namespace
 
+QString momentForms() {
+    return Text::tr(
+        "дата 2026-03-31, время 2026-03-31T14:00 (местное; с Z или +03:00 - того пояса) "
+        "или давность: 90d, 12h, 30m");
+}
+
 double parseMoment(const std::string& text, const std::string& option) {
     const QString given = QString::fromStdString(text).trimmed();
     if (const qint64 age = ageOf(given))
@@ -40,7 +48,8 @@ double parseMoment(const std::string& text, const std::string& option) {
                                  ? QDateTime::fromString(iso, Qt::ISODate)
                                  : QDate::fromString(iso, Qt::ISODate).startOfDay();
     if (!moment.isValid())
-        throw Failure(option + " «" + text + "»: нужна " + momentForms);
+        throw Failure(option + StdText::tr(" «") + text + StdText::tr("»: нужна ") +
+                      momentForms().toStdString());
     return static_cast<double>(moment.toMSecsSinceEpoch()) / 1000.0;
 }
 

@@ -24,6 +24,7 @@
 #include "apps/client/history/HistoryCommands.h"
 #include "apps/client/problems/ProblemsPane.h"
 #include "apps/client/start/StorePage.h"
+#include "frame/Text.h"
 
 #include <QApplication>
 #include <QDir>
@@ -43,8 +44,7 @@ bool Client::openWorkDir(QString* error) {
     const QFileInfo directory(m_options.workDir);
     if (QDir().mkpath(m_options.workDir) && directory.isDir() && directory.isWritable())
         return true;
-    *error = QStringLiteral("Рабочий каталог %1 не создан или закрыт для записи.")
-                 .arg(m_options.workDir);
+    *error = Text::tr("Рабочий каталог %1 не создан или закрыт для записи.").arg(m_options.workDir);
     return false;
 }
 
@@ -153,11 +153,11 @@ void Client::show() {
     }
     m_window->show();
     for (const QString& problem : m_libraries.problems())
-        fail(QStringLiteral("Модули"), problem);
+        fail(Text::tr("Модули"), problem);
     QString error;
     if (!m_mirror->start(&error))
-        fail(QStringLiteral("Файловая область"), error);
-    m_window->statusLine()->setBusy(QStringLiteral("Открываются модули: читаются таблицы…"));
+        fail(Text::tr("Файловая область"), error);
+    m_window->statusLine()->setBusy(Text::tr("Открываются модули: читаются таблицы…"));
     m_window->paintNow();
     openModules();
     m_window->statusLine()->setBusy({});
@@ -228,11 +228,11 @@ void Client::connectAll() {
                 m_outdated = m_outdated || failure.code == store::ConnectionBroken ||
                              failure.code == store::CannotConnect || failure.code == store::Timeout;
                 fail(failure.operation, failure.text.isEmpty()
-                                            ? QStringLiteral("Ошибка %1").arg(failure.code)
+                                            ? Text::tr("Ошибка %1").arg(failure.code)
                                             : failure.text);
             });
     connect(m_mirror.get(), &FileMirror::problem, this,
-            [this](const QString& text) { fail(QStringLiteral("Файловая область"), text); });
+            [this](const QString& text) { fail(Text::tr("Файловая область"), text); });
     connect(m_mirror.get(), &FileMirror::progress, m_window->statusLine(), &StatusLine::setCopying);
     // The editors paint icons from their files, which have just changed.
     connect(m_mirror.get(), &FileMirror::updated, this, &Client::repaintModules);
@@ -244,28 +244,28 @@ void Client::connectAll() {
     connect(
         m_pump.get(), &client::NotificationPump::logLost, this,
         [this](bool replaced) {
-            const QString what = lossWords(replaced, QStringLiteral("модули открыты заново"));
+            const QString what = lossWords(replaced, Text::tr("модули открыты заново"));
             if (replaced)
-                fail(QStringLiteral("Хранилище"), what);
+                fail(Text::tr("Хранилище"), what);
             reopenModules(what, true);
         },
         Qt::QueuedConnection); // outside of the pump's step
     connect(m_pump.get(), &client::NotificationPump::logLossHeld, this, [this](bool replaced) {
-        fail(QStringLiteral("Хранилище"),
-             lossWords(replaced, QStringLiteral("показанное устарело, модули откроются заново, "
-                                                "когда вы закончите правку")));
+        fail(Text::tr("Хранилище"),
+             lossWords(replaced, Text::tr("показанное устарело, модули откроются заново, "
+                                          "когда вы закончите правку")));
     });
     connect(m_window.get(), &MainWindow::reopenRequested, this, [this](const QString& command) {
-        reopenModules(QStringLiteral("Модули открыты заново."), false, command);
+        reopenModules(Text::tr("Модули открыты заново."), false, command);
     });
     connect(m_window.get(), &MainWindow::storeRequested, this, [this] {
         QStringList arguments{QStringLiteral("--login"), m_options.login};
         for (const QString& dir : m_options.moduleDirs)
             arguments << QStringLiteral("--modules") << dir;
-        openFurtherStore(
-            ownStore(), m_options.login, m_window.get(), arguments, [this](const QString& why) {
-                fail(QStringLiteral("Хранилище"), QStringLiteral("Окно не открыто: %1").arg(why));
-            });
+        openFurtherStore(ownStore(), m_options.login, m_window.get(), arguments,
+                         [this](const QString& why) {
+                             fail(Text::tr("Хранилище"), Text::tr("Окно не открыто: %1").arg(why));
+                         });
     });
     connect(m_window.get(), &MainWindow::closing, this, [this] {
         rememberModules();
@@ -278,7 +278,7 @@ void Client::connectAll() {
     });
     m_window->setCloseCheck([this] {
         m_leaving = true;
-        return m_guard->mayGo(m_window.get(), QStringLiteral("Выход"),
+        return m_guard->mayGo(m_window.get(), Text::tr("Выход"),
                               {[this] { m_window->closeNow(); }, [this] { m_leaving = false; }});
     });
     connect(m_pump.get(), &client::NotificationPump::heldChanged, this, &Client::showHeld);
@@ -295,11 +295,11 @@ void Client::openForm(const QString& request) {
         app::openForm(client::sessionStore(*m_session), request, m_window.get(), &error);
     if (form) {
         connect(form, &FormWindow::problem, this,
-                [this](const QString& text) { fail(QStringLiteral("Форма"), text); });
+                [this](const QString& text) { fail(Text::tr("Форма"), text); });
         m_window->tabs()->addPage(form, form->windowTitle());
         m_window->showPage(form);
     } else {
-        m_window->logPane()->add(LogError, QStringLiteral("Клиент"), error);
+        m_window->logPane()->add(LogError, Text::tr("Клиент"), error);
         m_window->showError(error);
     }
 }

@@ -10,6 +10,7 @@
 #include "apps/client/WaitCursor.h"
 #include "apps/client/WindowMemory.h"
 #include "apps/client/Workplace.h"
+#include "frame/Text.h"
 
 namespace orvo::app {
 
@@ -61,15 +62,15 @@ void Client::openModule(const QString& name) {
     const WaitCursor wait;
     COrvoCliMod* module = m_libraries.create(&m_app, name);
     if (!module) {
-        fail(name, QStringLiteral("Ни одна библиотека модулей не знает модуля «%1».").arg(name));
+        fail(name, Text::tr("Ни одна библиотека модулей не знает модуля «%1».").arg(name));
         return;
     }
     m_modules.add(module, name);
     module->setFollowsOthers(m_window->followsOthers());
     m_window->tabs()->addModule(module, name);
     if (!m_modules.start(module))
-        fail(name, QStringLiteral("Модуль не запущен; причина в журнале. «Клиент» — "
-                                  "«Открыть модули заново» повторит попытку."));
+        fail(name, Text::tr("Модуль не запущен; причина в журнале. «Клиент» — "
+                            "«Открыть модули заново» повторит попытку."));
     else if (m_memory)
         m_memory->restoreModule(name, *module);
 }
@@ -115,9 +116,8 @@ void Client::reopenModules(const QString& why, bool must, const QString& command
     CloseGuard::Answers answers{[this, why] { reopenNow(why); }, {}};
     if (must)
         answers.stay = [this, why] { reopenWhenClean(why); };
-    const QString title = command.isEmpty()
-                              ? QStringLiteral("Открыть модули заново")
-                              : QStringLiteral("%1 — модули откроются заново").arg(command);
+    const QString title = command.isEmpty() ? Text::tr("Открыть модули заново")
+                                            : Text::tr("%1 — модули откроются заново").arg(command);
     if (m_guard->mayGo(m_window.get(), title, answers))
         reopenNow(why);
 }
@@ -137,7 +137,7 @@ void Client::reopenNow(const QString& why) {
     // A store that is not there any more is not to take the modules with it: what they show is what
     // is left of it.
     if (const store::Status status = client::sessionStore(*m_session).reopen(); !status.ok()) {
-        fail(QStringLiteral("Связь"), QString::fromStdString(status.text));
+        fail(Text::tr("Связь"), QString::fromStdString(status.text));
         return;
     }
     m_outdated = false;
@@ -170,14 +170,14 @@ void Client::reopenNow(const QString& why) {
     else
         m_window->focusPage();
     m_mirror->refresh();
-    m_app.log(LogWarning, QStringLiteral("Клиент"), why);
+    m_app.log(LogWarning, Text::tr("Клиент"), why);
 }
 
 /// In a workplace nobody opens the modules again by hand once a file is back at its place.
 void Client::lookForStore() {
     if (m_pump && m_pump->mayDeliver() && client::sessionStore(*m_session).reopen().ok()) {
         m_lookForStore.stop();
-        reopenModules(QStringLiteral("Хранилище снова на месте."), false);
+        reopenModules(Text::tr("Хранилище снова на месте."), false);
     }
 }
 

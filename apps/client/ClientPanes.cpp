@@ -15,6 +15,7 @@
 #include "apps/client/history/HistoryPane.h"
 #include "apps/client/problems/ProblemsPane.h"
 #include "frame/Keys.h"
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "platform/store/StoreUrl.h"
 
@@ -61,7 +62,7 @@ int64_t Client::logPosition() {
     int64_t position = 0;
     const store::Status status = client::sessionStore(*m_session).logPosition(&position);
     if (!status.ok())
-        m_app.log(LogWarning, QStringLiteral("Проблемы"), QString::fromStdString(status.text));
+        m_app.log(LogWarning, Text::tr("Проблемы"), QString::fromStdString(status.text));
     return position;
 }
 
@@ -81,10 +82,10 @@ void Client::makeProblems() {
             &catalogue::LiveCatalogue::changed);
     m_problems = std::make_unique<ProblemsFeed>(*m_catalogue, m_openMaintained, logPosition());
     m_problemsPane = new ProblemsPane(*m_problems, m_app.m_mayWrite);
-    QDockWidget* dock = m_window->addPane(
-        m_problemsPane, QStringLiteral("&Проблемы"), QStringLiteral("problemsDock"),
-        keys::sequences(*keys::command(QLatin1String(keys::problems))).first());
-    dock->setWindowTitle(QStringLiteral("Проблемы"));
+    QDockWidget* dock =
+        m_window->addPane(m_problemsPane, Text::tr("&Проблемы"), QStringLiteral("problemsDock"),
+                          keys::sequences(*keys::command(QLatin1String(keys::problems))).first());
+    dock->setWindowTitle(Text::tr("Проблемы"));
     m_window->restoreDockWidget(dock); // as the user left it
     connect(m_pump.get(), &client::NotificationPump::changed, m_problems.get(),
             &ProblemsFeed::changed);
@@ -92,7 +93,7 @@ void Client::makeProblems() {
         m_window->statusLine()->setProblems(m_problems->errors(), m_problems->warnings());
     });
     connect(m_problems.get(), &ProblemsFeed::told, this, [this](int level, const QString& text) {
-        m_window->logPane()->add(level, QStringLiteral("Проблемы"), text);
+        m_window->logPane()->add(level, Text::tr("Проблемы"), text);
         if (level > LogInformation)
             m_window->statusLine()->setFailure(text);
         else
@@ -101,7 +102,7 @@ void Client::makeProblems() {
     connect(
         m_problems.get(), &ProblemsFeed::reopenNeeded, this,
         [this](const QString& command) {
-            reopenModules(QStringLiteral("Модули открыты заново: показано исправленное."), false,
+            reopenModules(Text::tr("Модули открыты заново: показано исправленное."), false,
                           command);
         },
         Qt::QueuedConnection);
@@ -138,12 +139,11 @@ void Client::makeFind() {
 
 /// What is not written has a pane that comes up by itself, now and whenever something is added.
 void Client::showUnwritten() {
-    QDockWidget* pane =
-        m_window->addPane(new UnwrittenPane(*m_unwritten), QStringLiteral("&Не записано"),
-                          QStringLiteral("unwrittenDock"),
-                          keys::sequences(*keys::command(QLatin1String(keys::unwritten))).first());
+    QDockWidget* pane = m_window->addPane(
+        new UnwrittenPane(*m_unwritten), Text::tr("&Не записано"), QStringLiteral("unwrittenDock"),
+        keys::sequences(*keys::command(QLatin1String(keys::unwritten))).first());
     const auto setTitle = [this, pane] {
-        const QString title = QStringLiteral("Не записано");
+        const QString title = Text::tr("Не записано");
         const size_t count = m_unwritten->entries().size();
         pane->setWindowTitle(count > 0 ? QStringLiteral("%1 (%2)").arg(title).arg(count) : title);
         if (count > 0)
@@ -164,14 +164,14 @@ void Client::showUnwritten() {
     connect(m_unwritten.get(), &client::UnwrittenList::dropped, m_pump.get(),
             &client::NotificationPump::correct);
     connect(m_unwritten.get(), &client::UnwrittenList::told, this, [this](const QString& text) {
-        m_window->logPane()->add(LogInformation, QStringLiteral("Не записано"), text);
+        m_window->logPane()->add(LogInformation, Text::tr("Не записано"), text);
     });
     QString error;
     if (!m_unwritten->keepIn(m_options.workDir + QStringLiteral("unwritten"), &error))
-        fail(QStringLiteral("Не записано"), error);
+        fail(Text::tr("Не записано"), error);
     if (!m_unwritten->isEmpty()) {
         raise();
-        fail(QStringLiteral("С прошлого раза"), m_unwritten->summary());
+        fail(Text::tr("С прошлого раза"), m_unwritten->summary());
     }
 }
 
@@ -197,28 +197,29 @@ void Client::showHeld() {
     QStringList lines;
     for (const client::NotificationPump::Held& one : m_pump->held()) {
         most = std::max(most, one.changes);
-        const char* why = one.why == client::Attention::Question ? "стоит вопрос"
-                          : one.why == client::Attention::Picker ? "открыт выбор"
-                          : one.why == client::Attention::Cell
-                              ? "открыта ячейка"
-                              : "правка не сохранена и не отменена";
-        lines << QStringLiteral("%1: %2").arg(one.module->windowTitle(), QString::fromUtf8(why));
+        const char* why =
+            one.why == client::Attention::Question ? QT_TRANSLATE_NOOP("orvo", "стоит вопрос")
+            : one.why == client::Attention::Picker ? QT_TRANSLATE_NOOP("orvo", "открыт выбор")
+            : one.why == client::Attention::Cell
+                ? QT_TRANSLATE_NOOP("orvo", "открыта ячейка")
+                : QT_TRANSLATE_NOOP("orvo", "правка не сохранена и не отменена");
+        lines << QStringLiteral("%1: %2").arg(one.module->windowTitle(), Text::tr(why));
     }
     if (most > 0)
-        lines << QStringLiteral("Изменения других покажутся, когда вы закончите.");
+        lines << Text::tr("Изменения других покажутся, когда вы закончите.");
     m_window->statusLine()->setHeld(most, lines.join('\n'));
 }
 
 /// Whoever may only look is not to find out with each write.
 void Client::tellReadOnly() {
     const QString text =
-        QStringLiteral("Пользователь %1 может здесь только смотреть: изменить ничего нельзя, "
-                       "команды, которые меняют хранилище, выключены. Право менять даёт "
-                       "администратор; на реплике не меняет никто, пока она не станет главным "
-                       "сервером.")
+        Text::tr("Пользователь %1 может здесь только смотреть: изменить ничего нельзя, "
+                 "команды, которые меняют хранилище, выключены. Право менять даёт "
+                 "администратор; на реплике не меняет никто, пока она не станет главным "
+                 "сервером.")
             .arg(QString::fromStdString(client::sessionStore(*m_session).login()));
     m_window->statusLine()->setReadOnly(text);
-    m_window->logPane()->add(LogInformation, QStringLiteral("Клиент"), text);
+    m_window->logPane()->add(LogInformation, Text::tr("Клиент"), text);
     // An operator is not there to change anything.
     if (m_options.screenshot.isEmpty() && !isWorkplace())
         m_window->showNotice(text);
@@ -236,32 +237,31 @@ void Client::mayWriteChanged(bool may) {
         return;
     }
     m_window->statusLine()->setReadOnly({});
-    const QString text = QStringLiteral("Сервер теперь принимает изменения.");
+    const QString text = Text::tr("Сервер теперь принимает изменения.");
     if (isWorkplace()) // nothing is edited there
-        m_app.log(LogInformation, QStringLiteral("Клиент"), text);
+        m_app.log(LogInformation, Text::tr("Клиент"), text);
     else // the editors learn at their start what they may
-        reopenModules(text + QStringLiteral(" Модули открыты заново."), false);
+        reopenModules(text + Text::tr(" Модули открыты заново."), false);
 }
 
 QString Client::lossWords(bool replaced, const QString& outcome) {
     client::listLostWrites(*m_session);
     if (!replaced)
-        return QStringLiteral("Журнал изменений очищен раньше, чем прочитан: %1.").arg(outcome);
+        return Text::tr("Журнал изменений очищен раньше, чем прочитан: %1.").arg(outcome);
     const auto& entries = m_unwritten->entries();
     const bool own = std::any_of(entries.begin(), entries.end(), [](const auto& entry) {
         return entry.state == client::UnwrittenEntry::Lost;
     });
-    return QStringLiteral("Хранилище вернулось к более раннему состоянию, последние изменения "
-                          "потеряны: %1%2.")
-        .arg(outcome,
-             own ? QStringLiteral(", ваши потерянные записи — в «Не записано»") : QString());
+    return Text::tr("Хранилище вернулось к более раннему состоянию, последние изменения "
+                    "потеряны: %1%2.")
+        .arg(outcome, own ? Text::tr(", ваши потерянные записи — в «Не записано»") : QString());
 }
 
 void Client::connectionChanged(bool up, const QString& text) {
     m_window->statusLine()->setConnected(up, text);
     m_mirror->setConnected(up);
     m_launcher->setConnected(up);
-    const QString place = QStringLiteral("Связь");
+    const QString place = Text::tr("Связь");
     if (up) {
         m_unwritten->connectionReturned();
         client::listLostWrites(*m_session);
@@ -273,17 +273,17 @@ void Client::connectionChanged(bool up, const QString& text) {
         m_lookForStore.start(lookMs);
     if (!up)
         // A server is looked for again by itself; what stands at a path may be another store.
-        fail(place, isFile ? text + QStringLiteral("; запись остановлена. Когда хранилище будет на "
-                                                   "месте, его откроет «Клиент» — «Открыть модули "
-                                                   "заново».")
+        fail(place, isFile ? text + Text::tr("; запись остановлена. Когда хранилище будет на "
+                                             "месте, его откроет «Клиент» — «Открыть модули "
+                                             "заново».")
                            : text);
     else if (m_outdated)
         // The editors do not look at results. Opening them again could cost an unfinished edit, so
         // that is left to the user.
-        fail(place, QStringLiteral("восстановлена, но выполнено не всё: «Клиент» — «Открыть модули "
-                                   "заново» покажет, что сохранено."));
+        fail(place, Text::tr("восстановлена, но выполнено не всё: «Клиент» — «Открыть модули "
+                             "заново» покажет, что сохранено."));
     else
-        m_app.log(LogInformation, place, QStringLiteral("Связь с хранилищем восстановлена."));
+        m_app.log(LogInformation, place, Text::tr("Связь с хранилищем восстановлена."));
 }
 
 } // namespace orvo::app

@@ -1,5 +1,7 @@
 #include "apps/client/CloseGuard.h"
 
+#include "frame/Text.h"
+
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -47,7 +49,7 @@ bool CloseGuard::mayGo(QWidget* window, const QString& title, const Answers& ans
     for (size_t i = 0; i < std::min(all.size(), mostLines); ++i)
         lines << QStringLiteral("•  ") + all[i].what;
     if (all.size() > mostLines)
-        lines << QStringLiteral("… и ещё %1").arg(all.size() - mostLines);
+        lines << Text::tr("… и ещё %1").arg(all.size() - mostLines);
 
     auto* box = new QMessageBox(window);
     box->setObjectName(QStringLiteral("closeQuestion"));
@@ -55,11 +57,10 @@ bool CloseGuard::mayGo(QWidget* window, const QString& title, const Answers& ans
     box->setIcon(QMessageBox::Question);
     box->setTextFormat(Qt::PlainText);
     box->setWindowTitle(title);
-    box->setText(QStringLiteral("Не сохранено:\n\n%1\n\nСохранить?").arg(lines.join('\n')));
-    QPushButton* save = box->addButton(QStringLiteral("Сохранить"), QMessageBox::AcceptRole);
-    QPushButton* drop =
-        box->addButton(QStringLiteral("Не сохранять"), QMessageBox::DestructiveRole);
-    QPushButton* stay = box->addButton(QStringLiteral("Остаться"), QMessageBox::RejectRole);
+    box->setText(Text::tr("Не сохранено:\n\n%1\n\nСохранить?").arg(lines.join('\n')));
+    QPushButton* save = box->addButton(Text::tr("Сохранить"), QMessageBox::AcceptRole);
+    QPushButton* drop = box->addButton(Text::tr("Не сохранять"), QMessageBox::DestructiveRole);
+    QPushButton* stay = box->addButton(Text::tr("Остаться"), QMessageBox::RejectRole);
     save->setObjectName(QStringLiteral("closeSave"));
     drop->setObjectName(QStringLiteral("closeDrop"));
     stay->setObjectName(QStringLiteral("closeStay"));

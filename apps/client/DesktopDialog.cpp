@@ -1,6 +1,7 @@
 #include "apps/client/DesktopDialog.h"
 
 #include "apps/client/Look.h"
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "platform/mdx/MdxBuild.h"
 
@@ -48,16 +49,16 @@ DesktopDialog::DesktopDialog(QWidget* parent)
     , m_list(new QListWidget(this))
     , m_buttons(new QDialogButtonBox(this)) {
     setObjectName(QStringLiteral("desktopDialog"));
-    setWindowTitle(QStringLiteral("Рабочий стол"));
+    setWindowTitle(Text::tr("Рабочий стол"));
     m_search->setObjectName(QStringLiteral("desktopSearch"));
-    m_search->setPlaceholderText(QStringLiteral("Поиск..."));
-    m_search->setAccessibleName(QStringLiteral("Поиск рабочего стола"));
-    m_list->setAccessibleName(QStringLiteral("Рабочие столы"));
+    m_search->setPlaceholderText(Text::tr("Поиск..."));
+    m_search->setAccessibleName(Text::tr("Поиск рабочего стола"));
+    m_list->setAccessibleName(Text::tr("Рабочие столы"));
     m_search->setClearButtonEnabled(true);
     m_list->setObjectName(QStringLiteral("desktopList"));
     m_list->setUniformItemSizes(true);
-    m_buttons->addButton(QStringLiteral("Открыть"), QDialogButtonBox::AcceptRole)->setDefault(true);
-    m_buttons->addButton(QStringLiteral("Отмена"), QDialogButtonBox::RejectRole);
+    m_buttons->addButton(Text::tr("Открыть"), QDialogButtonBox::AcceptRole)->setDefault(true);
+    m_buttons->addButton(Text::tr("Отмена"), QDialogButtonBox::RejectRole);
     auto* column = new QVBoxLayout(this);
     for (QWidget* one : {static_cast<QWidget*>(m_search), static_cast<QWidget*>(m_list),
                          static_cast<QWidget*>(m_buttons)})

@@ -1,5 +1,7 @@
 #include "apps/client/FileMirror.h"
 
+#include "frame/Text.h"
+
 #include <QFile>
 
 #include <cerrno>
@@ -27,7 +29,7 @@ bool FileMirror::start(QString* error) {
     const QString root = m_workDir + QStringLiteral("files");
     MirrorDirectory directory;
     if (!directory.open(QFile::encodeName(root).toStdString())) {
-        *error = QStringLiteral("Каталог %1 недоступен: %2")
+        *error = Text::tr("Каталог %1 недоступен: %2")
                      .arg(root, QString::fromLocal8Bit(std::strerror(errno)));
         return false;
     }

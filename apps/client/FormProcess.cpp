@@ -1,6 +1,7 @@
 #include "apps/client/FormProcess.h"
 
 #include "apps/formview/ExitCodes.h"
+#include "frame/Text.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -45,7 +46,7 @@ FormProcess::FormProcess(const ProcessLimits& limits, QObject* parent)
             [this] { end(whyFinished()); });
     connect(this, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart)
-            end(QStringLiteral("программа просмотра %1 не запускается: %2")
+            end(Text::tr("программа просмотра %1 не запускается: %2")
                     .arg(QFileInfo(program()).fileName(), errorString()));
     });
     connect(&m_look, &QTimer::timeout, this, &FormProcess::look);
@@ -112,9 +113,9 @@ void FormProcess::look() {
     if (state() != QProcess::Running || !m_channel)
         return;
     if (memoryOf(processId()) > m_limits.memory)
-        return end(QStringLiteral("просмотру не хватило %1 МиБ памяти").arg(m_limits.memory >> 20));
+        return end(Text::tr("просмотру не хватило %1 МиБ памяти").arg(m_limits.memory >> 20));
     if (m_answered.elapsed() > m_limits.answerMs)
-        return end(QStringLiteral("просмотр не отвечает дольше %1 с")
+        return end(Text::tr("просмотр не отвечает дольше %1 с")
                        .arg(m_limits.answerMs / 1000.0, 0, 'g', 3));
     if (m_got == m_asked)
         m_channel->send(formview::Message::Ping, ++m_asked);
@@ -122,11 +123,11 @@ void FormProcess::look() {
 
 QString FormProcess::whyFinished() const {
     if (exitStatus() == QProcess::NormalExit && exitCode() == formview::exitOutOfMemory)
-        return QStringLiteral("просмотру не хватило %1 МиБ памяти").arg(m_limits.memory >> 20);
+        return Text::tr("просмотру не хватило %1 МиБ памяти").arg(m_limits.memory >> 20);
     if (exitStatus() == QProcess::CrashExit)
-        return exitCode() == SIGXCPU ? QStringLiteral("просмотр слишком долго занимает процессор")
-                                     : QStringLiteral("просмотр завершился аварийно");
-    return QStringLiteral("просмотр завершился с кодом %1").arg(exitCode());
+        return exitCode() == SIGXCPU ? Text::tr("просмотр слишком долго занимает процессор")
+                                     : Text::tr("просмотр завершился аварийно");
+    return Text::tr("просмотр завершился с кодом %1").arg(exitCode());
 }
 
 void FormProcess::end(const QString& why) {

@@ -21,7 +21,7 @@ namespace orvo::app {
 
 struct ProcessLimits {
     qint64 memory = qint64{768} << 20;
-    int answerMs = 10'000;
+    int answerMs = 10000;
 };
 
 class FormProcess : public qt::SetUpProcess {

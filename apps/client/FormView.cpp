@@ -1,5 +1,7 @@
 #include "apps/client/FormView.h"
 
+#include "frame/Text.h"
+
 #include <QApplication>
 #include <QClipboard>
 #include <QKeyEvent>
@@ -165,7 +167,7 @@ FormView::FormView(QString program, formview::Document document, const ProcessLi
     , m_limits(limits)
     , m_notice(makeNotice("damageLabel", this))
     , m_failure(makeNotice("failureLabel", this))
-    , m_again(new QPushButton(QStringLiteral("Показать снова"), this))
+    , m_again(new QPushButton(Text::tr("Показать снова"), this))
     , m_canvas(new FormCanvas(this)) {
     for (QLabel* label : {m_notice, m_failure})
         label->setStyleSheet(QStringLiteral("background:#fbe9e7;color:#9c2a20"));
@@ -257,7 +259,7 @@ void FormView::received(Message message, const QByteArray& body) {
         isGood = false;
     }
     if (!isGood)
-        fail(QStringLiteral("просмотр прислал негодный ответ"));
+        fail(Text::tr("просмотр прислал негодный ответ"));
 }
 
 void FormView::fail(const QString& why) {
@@ -271,7 +273,7 @@ void FormView::fail(const QString& why) {
         m_process->kill();
         m_process.release()->deleteLater(); // it may be the sender
     }
-    const QString text = QStringLiteral("Файл «%1» показать нельзя: %2.").arg(m_document.name, why);
+    const QString text = Text::tr("Файл «%1» показать нельзя: %2.").arg(m_document.name, why);
     m_failure->setText(text);
     m_failure->show();
     m_again->show();

@@ -4,6 +4,7 @@
 #include "apps/client/Look.h"
 #include "apps/formview/FormMark.h"
 #include "frame/Launch.h"
+#include "frame/Text.h"
 
 #include <QFile>
 #include <QTabWidget>
@@ -50,7 +51,7 @@ FormWindow::FormWindow(const QString& program, const QString& name,
     : QWidget(parent, Qt::Window)
     , m_tabs(new QTabWidget(this)) {
     setObjectName(QStringLiteral("formWindow"));
-    setWindowTitle(QStringLiteral("Форма — %1").arg(oneLine(name)));
+    setWindowTitle(Text::tr("Форма — %1").arg(oneLine(name)));
     m_tabs->setDocumentMode(true);
     m_tabs->setTabBarAutoHide(true);
     m_tabs->setElideMode(Qt::ElideMiddle);
@@ -103,12 +104,12 @@ FormWindow* openForm(store::Store& store, const QString& request, QWidget* paren
     std::vector<store::StoredFile> files;
     const store::Status status = find(store, request, &name, &files);
     if (!status.ok()) {
-        *error = QStringLiteral("Форма «%1» не получена: %2")
-                     .arg(name, QString::fromStdString(status.text));
+        *error =
+            Text::tr("Форма «%1» не получена: %2").arg(name, QString::fromStdString(status.text));
         return nullptr;
     }
     if (files.empty()) {
-        *error = QStringLiteral("Форма «%1» не найдена или не имеет файлов.").arg(name);
+        *error = Text::tr("Форма «%1» не найдена или не имеет файлов.").arg(name);
         return nullptr;
     }
     const LaunchParameters parameters = parseLaunchParameters(request.mid(name.size() + 1));

@@ -7,6 +7,7 @@
 #include "apps/client/Installation.h"
 #include "apps/client/LogReading.h"
 #include "apps/client/ModuleLibraries.h"
+#include "frame/Text.h"
 #include "platform/client/Session.h"
 #include "platform/store/Store.h"
 
@@ -77,12 +78,12 @@ void serve(HostApp& app, std::unique_ptr<Handbook>& handbook) {
         handbook->open(request->page, request->chapter, &request->refusal);
     });
     QObject::connect(&app, &HostApp::logRequested, &app, [&](LogRequest* request) {
-        request->refusal = QStringLiteral("Нет связи с хранилищем.");
+        request->refusal = Text::tr("Нет связи с хранилищем.");
         if (app.m_session)
             readLastChanges(client::sessionStore(*app.m_session), request);
     });
     QObject::connect(&app, &HostApp::formRequested, &app, [&](const QString& request) {
-        QString error = QStringLiteral("нет связи с хранилищем");
+        QString error = Text::tr("нет связи с хранилищем");
         FormWindow* form =
             app.m_session ? openForm(client::sessionStore(*app.m_session), request, nullptr, &error)
                           : nullptr;

@@ -1,6 +1,7 @@
 #include "apps/client/FunctionProcess.h"
 
 #include "apps/client/FunctionHost.h"
+#include "frame/Text.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -28,7 +29,7 @@ FunctionProcess::FunctionProcess(QObject* parent) : SetUpProcess(parent) {
     });
     connect(this, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart)
-            end(QStringLiteral("Функция «%1» не запущена: %2").arg(m_name, errorString()));
+            end(Text::tr("Функция «%1» не запущена: %2").arg(m_name, errorString()));
     });
 }
 
@@ -81,19 +82,19 @@ void FunctionProcess::readLog() {
 
 QString FunctionProcess::failure() const {
     if (exitStatus() == QProcess::CrashExit)
-        return QStringLiteral("Функция «%1» завершилась аварийно (сигнал %2).")
+        return Text::tr("Функция «%1» завершилась аварийно (сигнал %2).")
             .arg(m_name)
             .arg(exitCode());
     switch (exitCode()) {
     case FunctionExitDone:
         return {};
     case FunctionExitUnknown:
-        return QStringLiteral("Функции «%1» здесь нет: её не знает ни одна библиотека модулей.")
+        return Text::tr("Функции «%1» здесь нет: её не знает ни одна библиотека модулей.")
             .arg(m_name);
     case FunctionExitFailed:
-        return QStringLiteral("Функция «%1» не выполнена; причина в журнале.").arg(m_name);
+        return Text::tr("Функция «%1» не выполнена; причина в журнале.").arg(m_name);
     default:
-        return QStringLiteral("Функция «%1» завершилась с кодом %2.").arg(m_name).arg(exitCode());
+        return Text::tr("Функция «%1» завершилась с кодом %2.").arg(m_name).arg(exitCode());
     }
 }
 

@@ -1,6 +1,7 @@
 #include "apps/client/Handbook.h"
 
 #include "apps/client/Installation.h"
+#include "frame/Text.h"
 
 #include <QAction>
 #include <QFileInfo>
@@ -50,23 +51,24 @@ Handbook::Handbook(QWidget* parent)
     : QWidget(parent, Qt::Window)
     , m_browser(new QTextBrowser(this)) {
     setObjectName(QStringLiteral("handbook"));
-    setWindowTitle(QStringLiteral("Руководство"));
+    setWindowTitle(Text::tr("Руководство"));
     m_browser->setObjectName(QStringLiteral("handbookText"));
-    m_browser->setAccessibleName(QStringLiteral("Текст руководства"));
+    m_browser->setAccessibleName(Text::tr("Текст руководства"));
     auto* bar = new QToolBar(this);
-    QAction* back = bar->addAction(QStringLiteral("Назад"), m_browser, &QTextBrowser::backward);
-    QAction* forward = bar->addAction(QStringLiteral("Вперёд"), m_browser, &QTextBrowser::forward);
+    QAction* back = bar->addAction(Text::tr("Назад"), m_browser, &QTextBrowser::backward);
+    QAction* forward = bar->addAction(Text::tr("Вперёд"), m_browser, &QTextBrowser::forward);
     back->setShortcut(QKeySequence::Back);
     forward->setShortcut(QKeySequence::Forward);
     back->setEnabled(false);
     forward->setEnabled(false);
     connect(m_browser, &QTextBrowser::backwardAvailable, back, &QAction::setEnabled);
     connect(m_browser, &QTextBrowser::forwardAvailable, forward, &QAction::setEnabled);
-    for (const auto& [page, title] : {std::pair(handbookpage::operators, "Оператору"),
-                                      std::pair(handbookpage::engineers, "Инженеру"),
-                                      std::pair(handbookpage::administrators, "Администратору"),
-                                      std::pair(handbookpage::authors, "Автору модулей")})
-        bar->addAction(QString::fromUtf8(title), this, [this, name = QString::fromLatin1(page)] {
+    for (const auto& [page, title] :
+         {std::pair(handbookpage::operators, QT_TRANSLATE_NOOP("orvo", "Оператору")),
+          std::pair(handbookpage::engineers, QT_TRANSLATE_NOOP("orvo", "Инженеру")),
+          std::pair(handbookpage::administrators, QT_TRANSLATE_NOOP("orvo", "Администратору")),
+          std::pair(handbookpage::authors, QT_TRANSLATE_NOOP("orvo", "Автору модулей"))})
+        bar->addAction(Text::tr(title), this, [this, name = QString::fromLatin1(page)] {
             QString ignored;
             open(name, {}, &ignored);
         });
@@ -84,12 +86,12 @@ bool Handbook::open(const QString& page, const QString& chapter, QString* error)
         QLatin1String(handbookpage::administrators), QLatin1String(handbookpage::authors)};
     const QString name = page.isEmpty() ? pages.first() : page;
     if (!pages.contains(name)) {
-        *error = QStringLiteral("В руководстве нет страницы «%1».").arg(name);
+        *error = Text::tr("В руководстве нет страницы «%1».").arg(name);
         return false;
     }
     const QString file = installation::handbookPage(name + QStringLiteral(".html"));
     if (!QFileInfo(file).isReadable()) {
-        *error = QStringLiteral("Руководство не установлено: файла %1 нет.").arg(file);
+        *error = Text::tr("Руководство не установлено: файла %1 нет.").arg(file);
         return false;
     }
     show(); // before the place is looked for: it depends on the width

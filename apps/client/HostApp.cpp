@@ -1,6 +1,7 @@
 #include "apps/client/HostApp.h"
 
 #include "frame/Keys.h"
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "platform/mdx/MdxBuild.h"
 
@@ -35,10 +36,10 @@ bool isFixedKey(const QString& key) {
 
 QString usesEntry(const QString& table) {
     if (table == QLatin1String(table::MenuResource))
-        return QStringLiteral("Где используется");
+        return Text::tr("Где используется");
     if (table == QLatin1String(table::Menu))
-        return QStringLiteral("Где используется ресурс");
-    return table == QLatin1String(table::Users) ? QStringLiteral("Что заблокировано") : QString();
+        return Text::tr("Где используется ресурс");
+    return table == QLatin1String(table::Users) ? Text::tr("Что заблокировано") : QString();
 }
 
 void HostApp::log(int level, const QString& place, const QString& text) {
@@ -56,8 +57,8 @@ RecordMark HostApp::recordMark(const QString& table, const QString& key) const {
         const auto put = [](QString& text, const QString& first, const char* between) {
             text = text.isEmpty() ? first : first + QLatin1String(between) + text;
         };
-        put(mark.label, QStringLiteral("не записано"), ", ");
-        put(mark.tip, QStringLiteral("Не записано: %1 (Shift+F8)").arg(what), "\n");
+        put(mark.label, Text::tr("не записано"), ", ");
+        put(mark.tip, Text::tr("Не записано: %1 (Shift+F8)").arg(what), "\n");
     }
     return mark;
 }
@@ -128,7 +129,7 @@ void HostApp::moduleCall(COrvoCliMod* module, int code, void* data) {
         return;
     }
     emit logged(5, module ? module->m_moduleName : QString(),
-                QStringLiteral("Неизвестная команда приложению, код %1.").arg(code));
+                Text::tr("Неизвестная команда приложению, код %1.").arg(code));
 }
 
 } // namespace orvo::app

@@ -1,6 +1,7 @@
 #include "apps/client/Inspector.h"
 
 #include "apps/client/WidgetReport.h"
+#include "frame/Text.h"
 
 #include <QDir>
 #include <QFile>
@@ -31,11 +32,10 @@ QString inTheWay(const QString& name) {
     if (::lstat(QFile::encodeName(path).constData(), &found) != 0)
         return {};
     if (!S_ISSOCK(found.st_mode))
-        return QStringLiteral("уже есть файл с таким именем");
+        return Text::tr("уже есть файл с таким именем");
     QLocalSocket other;
     other.connectToServer(name);
-    return other.waitForConnected(answerMs) ? QStringLiteral("он занят другой программой")
-                                            : QString();
+    return other.waitForConnected(answerMs) ? Text::tr("он занят другой программой") : QString();
 }
 
 } // namespace
@@ -54,7 +54,7 @@ bool Inspector::listen(const QString& name, QString* error) {
             return true;
         hindrance = m_server.errorString();
     }
-    *error = QStringLiteral("Сокет %1 не открыт: %2").arg(name, hindrance);
+    *error = Text::tr("Сокет %1 не открыт: %2").arg(name, hindrance);
     return false;
 }
 

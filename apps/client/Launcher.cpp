@@ -9,6 +9,7 @@
 #include "apps/client/ModuleTabs.h"
 #include "frame/Kinds.h"
 #include "frame/OrvoClient.h"
+#include "frame/Text.h"
 #include "platform/client/ModuleRegistry.h"
 
 #include <QApplication>
@@ -36,8 +37,8 @@ bool isAway(const store::Status& status) {
 
 QString noFiles(const LaunchRequest& request) {
     return request.kind == Kind::Form
-               ? QStringLiteral("формы «%1» нет, или у неё нет файлов").arg(oneLine(request.name))
-               : QStringLiteral("файла «%1» нет").arg(oneLine(request.name));
+               ? Text::tr("формы «%1» нет, или у неё нет файлов").arg(oneLine(request.name))
+               : Text::tr("файла «%1» нет").arg(oneLine(request.name));
 }
 
 /// Kind::None for a number that is no kind.
@@ -85,7 +86,7 @@ void Launcher::launch(LaunchRequest* request) {
         request->refusal = openFile(*request);
         break;
     default:
-        request->refusal = QStringLiteral("ресурс неизвестного вида %1").arg(request->kind);
+        request->refusal = Text::tr("ресурс неизвестного вида %1").arg(request->kind);
     }
 }
 
@@ -96,11 +97,11 @@ void Launcher::check(LaunchRequest* request) {
     switch (openedAs(request->kind)) {
     case Kind::Module:
         if (!m_context.libraries.knows(&m_context.app, request->name))
-            request->refusal = QStringLiteral("модуля «%1» здесь нет").arg(oneLine(request->name));
+            request->refusal = Text::tr("модуля «%1» здесь нет").arg(oneLine(request->name));
         return;
     case Kind::Function: // which ones a library has, only a call would tell
         if (!m_context.libraries.hasFunctions())
-            request->refusal = QStringLiteral("функции «%1» здесь нет").arg(oneLine(request->name));
+            request->refusal = Text::tr("функции «%1» здесь нет").arg(oneLine(request->name));
         return;
     case Kind::Form:
         status = m_context.store.formGet(request->name.toStdString(), false, &files);
@@ -122,7 +123,7 @@ void Launcher::check(LaunchRequest* request) {
 QString Launcher::openModule(const LaunchRequest& request) {
     const QPointer<COrvoCliMod> module = m_context.libraries.create(&m_context.app, request.name);
     if (!module)
-        return QStringLiteral("модуля «%1» здесь нет: его не знает ни одна библиотека модулей")
+        return Text::tr("модуля «%1» здесь нет: его не знает ни одна библиотека модулей")
             .arg(oneLine(request.name));
     m_context.modules.add(module, request.name);
     QString why;
@@ -135,10 +136,9 @@ QString Launcher::openModule(const LaunchRequest& request) {
         module->setFollowsOthers(m_context.window.followsOthers());
         m_context.window.tabs()->addPage(module, request.caption);
         if (!m_context.modules.start(module))
-            why = QStringLiteral("модуль «%1» не запущен; причина в журнале")
-                      .arg(oneLine(request.name));
+            why = Text::tr("модуль «%1» не запущен; причина в журнале").arg(oneLine(request.name));
     } catch (const std::exception& failure) {
-        why = QStringLiteral("модуль «%1» не запущен: %2")
+        why = Text::tr("модуль «%1» не запущен: %2")
                   .arg(oneLine(request.name), QString::fromLocal8Bit(failure.what()));
     }
     if (!why.isEmpty()) {
@@ -152,7 +152,7 @@ QString Launcher::openModule(const LaunchRequest& request) {
 
 QString Launcher::openFunction(const LaunchRequest& request) {
     if (!m_context.libraries.hasFunctions())
-        return QStringLiteral("функции «%1» здесь нет: ни у одной библиотеки модулей нет функций")
+        return Text::tr("функции «%1» здесь нет: ни у одной библиотеки модулей нет функций")
             .arg(oneLine(request.name));
     auto process = std::make_unique<FunctionProcess>();
     FunctionProcess& started = *process;
@@ -175,7 +175,7 @@ QString Launcher::openFunction(const LaunchRequest& request) {
 /// While the store is away: what was read before.
 store::Status Launcher::readContents(const LaunchRequest& request, Files* files) {
     const std::string name = request.name.toStdString();
-    store::Status status{store::ConnectionBroken, "Нет связи с хранилищем."};
+    store::Status status{store::ConnectionBroken, StdText::tr("Нет связи с хранилищем.")};
     if (m_isConnected)
         status = request.kind == Kind::Form
                      ? m_context.store.formGet(name, true, files)
@@ -261,7 +261,7 @@ void Launcher::showFiles(const LaunchRequest& request, const Files& files) {
 /// What cannot be shown the user may have as a file. Nothing waits for his answer.
 void Launcher::saveFile(const store::StoredFile& file) {
     const QString name = QString::fromStdString(file.name);
-    auto* dialog = new QFileDialog(&m_context.window, QStringLiteral("Сохранить файл"));
+    auto* dialog = new QFileDialog(&m_context.window, Text::tr("Сохранить файл"));
     dialog->setObjectName(QStringLiteral("saveFileDialog"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
@@ -275,10 +275,9 @@ void Launcher::saveFile(const store::StoredFile& file) {
         const auto size = static_cast<qint64>(file.bytes.size());
         if (!out.open(QIODevice::WriteOnly) || out.write(file.bytes.data(), size) != size ||
             !out.commit())
-            emit problem(name,
-                         QStringLiteral("Файл %1 не записан: %2").arg(place, out.errorString()));
+            emit problem(name, Text::tr("Файл %1 не записан: %2").arg(place, out.errorString()));
         else
-            emit logged(0, name, QStringLiteral("Файл сохранён: %1").arg(place));
+            emit logged(0, name, Text::tr("Файл сохранён: %1").arg(place));
     });
     dialog->open();
 }
@@ -335,7 +334,7 @@ void Launcher::closePage(QWidget* page) {
             m_context.modules.stop(alive);
     };
     if (module->ModEditText().isEmpty() ||
-        m_context.guard.mayGo(&m_context.window, QStringLiteral("Закрыть"), {go, {}}, module))
+        m_context.guard.mayGo(&m_context.window, Text::tr("Закрыть"), {go, {}}, module))
         go();
 }
 
@@ -367,11 +366,11 @@ void Launcher::changed(const store::Change& change) {
             continue;
         const bool isGone = change.code == OrvoEventDelete;
         if (isElement && isSame(one.request.key, change.key))
-            mark(one, isGone ? QStringLiteral("Этого элемента в меню больше нет.")
-                             : QStringLiteral("Элемент меню изменён после открытия."));
+            mark(one, isGone ? Text::tr("Этого элемента в меню больше нет.")
+                             : Text::tr("Элемент меню изменён после открытия."));
         else if (isResource && isSame(one.request.resource, change.key))
-            mark(one, isGone ? QStringLiteral("Этот ресурс удалён.")
-                             : QStringLiteral("Ресурс изменён после открытия."));
+            mark(one, isGone ? Text::tr("Этот ресурс удалён.")
+                             : Text::tr("Ресурс изменён после открытия."));
     }
 }
 
@@ -392,8 +391,8 @@ void Launcher::compareContents() {
                         [](const store::StoredFile& a, const store::StoredFile& b) {
                             return a.name == b.name && a.size == b.size && a.time == b.time;
                         }))
-            mark(one, QStringLiteral("Содержимое изменено после открытия: откройте заново, чтобы "
-                                     "увидеть новое."));
+            mark(one, Text::tr("Содержимое изменено после открытия: откройте заново, чтобы "
+                               "увидеть новое."));
     }
 }
 

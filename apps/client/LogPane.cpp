@@ -1,6 +1,7 @@
 #include "apps/client/LogPane.h"
 
 #include "apps/client/Look.h"
+#include "frame/Text.h"
 
 #include <QAction>
 #include <QClipboard>
@@ -17,9 +18,8 @@ namespace orvo::app {
 
 LogPane::LogPane(QWidget* parent) : QTreeWidget(parent) {
     setObjectName(QStringLiteral("logPane"));
-    setAccessibleName(QStringLiteral("Журнал"));
-    setHeaderLabels(
-        {QStringLiteral("Время"), QStringLiteral("Место"), QStringLiteral("Сообщение")});
+    setAccessibleName(Text::tr("Журнал"));
+    setHeaderLabels({Text::tr("Время"), Text::tr("Место"), Text::tr("Сообщение")});
     setRootIsDecorated(false);
     setUniformRowHeights(true);
     setItemDelegate(new ReadableDelegate(this));
@@ -30,11 +30,11 @@ LogPane::LogPane(QWidget* parent) : QTreeWidget(parent) {
     header()->resizeSection(0, 90);
     header()->resizeSection(1, 320);
 
-    auto* copy = new QAction(QStringLiteral("Копировать"), this);
+    auto* copy = new QAction(Text::tr("Копировать"), this);
     copy->setShortcut(QKeySequence::Copy);
     copy->setShortcutContext(Qt::WidgetShortcut);
     connect(copy, &QAction::triggered, this, &LogPane::copySelected);
-    auto* empty = new QAction(QStringLiteral("Очистить"), this);
+    auto* empty = new QAction(Text::tr("Очистить"), this);
     connect(empty, &QAction::triggered, this, &QTreeWidget::clear);
     addActions({copy, empty});
     setContextMenuPolicy(Qt::ActionsContextMenu);
@@ -93,9 +93,9 @@ LogSearch::LogSearch(LogPane* log) {
     all->addWidget(text);
     setFocusProxy(log);
     text->setObjectName(QStringLiteral("logText"));
-    text->setAccessibleName(QStringLiteral("Найти в журнале"));
-    text->setPlaceholderText(QStringLiteral("Найти в журнале"));
-    text->setToolTip(QStringLiteral("Слова из любого столбца, в любом порядке (Ctrl+F)"));
+    text->setAccessibleName(Text::tr("Найти в журнале"));
+    text->setPlaceholderText(Text::tr("Найти в журнале"));
+    text->setToolTip(Text::tr("Слова из любого столбца, в любом порядке (Ctrl+F)"));
     text->setClearButtonEnabled(true);
     text->hide();
     connect(text, &QLineEdit::returnPressed, log, qOverload<>(&QWidget::setFocus));

@@ -23,7 +23,7 @@ int64_t firstPlace(store::Store& store, int64_t from, int64_t end) {
 } // namespace
 
 void readLastChanges(store::Store& store, LogRequest* request) {
-    constexpr int atMost = 100'000;
+    constexpr int atMost = 100000;
     const int most = std::clamp(request->most, 0, atMost);
     request->entries.clear();
     int64_t end = 0;

@@ -8,6 +8,7 @@
 #include "apps/client/WindowMemory.h"
 #include "frame/Keys.h"
 #include "frame/OrvoClient.h"
+#include "frame/Text.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
@@ -44,16 +45,16 @@ QAction* MainWindow::addCommand(const char* id, QMenu* menu, bool always) {
 }
 
 void MainWindow::makeMenus() {
-    QMenu* client = menuBar()->addMenu(QStringLiteral("&Клиент"));
+    QMenu* client = menuBar()->addMenu(Text::tr("&Клиент"));
     // Queued: the menu is closed and its loop left before modules go.
     connect(
         addCommand(keys::reopen, client), &QAction::triggered, this, [this] { reopenRequested(); },
         Qt::QueuedConnection);
-    QAction* desktop = client->addAction(QStringLiteral("&Рабочий стол…"));
+    QAction* desktop = client->addAction(Text::tr("&Рабочий стол…"));
     desktop->setObjectName(QStringLiteral("actDesktop"));
     connect(desktop, &QAction::triggered, this, &MainWindow::desktopRequested,
             Qt::QueuedConnection);
-    QAction* store = client->addAction(QStringLiteral("Открыть &хранилище…"));
+    QAction* store = client->addAction(Text::tr("Открыть &хранилище…"));
     store->setObjectName(QStringLiteral("actStore"));
     store->setShortcuts(keys::sequences(*keys::command(QLatin1String(keys::openStore))));
     connect(store, &QAction::triggered, this, &MainWindow::storeRequested, Qt::QueuedConnection);
@@ -64,14 +65,14 @@ void MainWindow::makeMenus() {
     client->addSeparator();
     connect(addCommand(keys::quit, client), &QAction::triggered, this, &QWidget::close,
             Qt::QueuedConnection);
-    m_edit = menuBar()->addMenu(QStringLiteral("&Правка"));
-    m_view = menuBar()->addMenu(QStringLiteral("&Вид"));
+    m_edit = menuBar()->addMenu(Text::tr("&Правка"));
+    m_view = menuBar()->addMenu(Text::tr("&Вид"));
     m_view->addAction(m_logDock->toggleViewAction());
     connect(addCommand(keys::failure, m_view), &QAction::triggered, m_status,
             &StatusLine::readFailure);
     makePlaceCommands();
     m_view->addSeparator();
-    m_stay = m_view->addAction(QStringLiteral("&Не переводить меня к правкам других"));
+    m_stay = m_view->addAction(Text::tr("&Не переводить меня к правкам других"));
     m_stay->setObjectName(QStringLiteral("actStay"));
     m_stay->setCheckable(true);
     m_stay->setChecked(clientSettings().value(QLatin1String(stayKey), false).toBool());
@@ -136,7 +137,7 @@ void MainWindow::makePlaceCommands() {
 
 /// What the mouse does at the tabs and between the parts of the window.
 void MainWindow::makeGoMenu() {
-    m_go = menuBar()->addMenu(QStringLiteral("П&ереход"));
+    m_go = menuBar()->addMenu(Text::tr("П&ереход"));
     connect(addCommand(keys::menuBar, m_go), &QAction::triggered, this, [this] {
         menuBar()->setFocus(Qt::MenuBarFocusReason);
         menuBar()->setActiveAction(menuBar()->actions().first());
@@ -308,15 +309,15 @@ bool MainWindow::focusNextPrevChild(bool next) {
 }
 
 void MainWindow::makeHelpMenu() {
-    m_help = menuBar()->addMenu(QStringLiteral("&Справка"));
+    m_help = menuBar()->addMenu(Text::tr("&Справка"));
     QAction* guide = addCommand(keys::help, m_help, true);
     guide->setObjectName(QStringLiteral("actHandbook"));
     connect(guide, &QAction::triggered, this, &MainWindow::showHelp);
-    QAction* about = m_help->addAction(QStringLiteral("&О программе"));
+    QAction* about = m_help->addAction(Text::tr("&О программе"));
     connect(about, &QAction::triggered, this, [this] {
-        showBox(QStringLiteral("О программе"),
-                QStringLiteral("Orvo " ORVO_VERSION "\nКлиент инженера: редактор меню и "
-                               "редактор ресурсов."),
+        showBox(Text::tr("О программе"),
+                QStringLiteral("Orvo " ORVO_VERSION "\n") +
+                    Text::tr("Клиент инженера: редактор меню и редактор ресурсов."),
                 MessageBoxIconNone);
     });
 }

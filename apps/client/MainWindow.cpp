@@ -10,6 +10,7 @@
 #include "apps/client/StatusLine.h"
 #include "apps/client/WindowMemory.h"
 #include "frame/OrvoClient.h"
+#include "frame/Text.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -42,12 +43,12 @@ MainWindow::MainWindow(const QString& store, const QString& login)
     : m_tabs(new ModuleTabs(this))
     , m_log(new LogPane(this))
     , m_status(new StatusLine(store, login, this))
-    , m_logDock(new QDockWidget(QStringLiteral("Журнал"), this))
+    , m_logDock(new QDockWidget(Text::tr("Журнал"), this))
     , m_pageDocks(std::make_unique<PageDocks>(*this, *m_tabs)) {
     setObjectName(QStringLiteral("clientWindow"));
     setWindowTitle(QStringLiteral("Orvo — %1").arg(store));
     connect(m_tabs, &ModuleTabs::pageCloseRequested, this, &MainWindow::pageCloseRequested);
-    m_tabs->setAccessibleName(QStringLiteral("Редакторы и открытые формы"));
+    m_tabs->setAccessibleName(Text::tr("Редакторы и открытые формы"));
     setCentralWidget(m_tabs);
     setStatusBar(m_status);
     m_logDock->setObjectName(QStringLiteral("logDock"));
@@ -216,11 +217,11 @@ void MainWindow::bringForward() {
 }
 
 void MainWindow::showError(const QString& text) {
-    showBox(QStringLiteral("Ошибка"), text, MessageBoxIconError);
+    showBox(Text::tr("Ошибка"), text, MessageBoxIconError);
 }
 
 void MainWindow::showNotice(const QString& text) {
-    showBox(QStringLiteral("Уведомление"), text, MessageBoxIconNone);
+    showBox(Text::tr("Уведомление"), text, MessageBoxIconNone);
 }
 
 void MainWindow::showBox(const QString& title, const QString& text, int icon) {

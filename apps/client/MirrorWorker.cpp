@@ -1,5 +1,6 @@
 #include "apps/client/MirrorWorker.h"
 
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "platform/client/WholeFile.h"
 #include "platform/mdx/MdxBuild.h"
@@ -146,7 +147,7 @@ bool MirrorWorker::openStore() {
     store::Status status;
     m_store = m_open(&status);
     if (!m_store && keepWaiting())
-        tell(QStringLiteral("Файловая область не открыта: %1").arg(textOf(status.text)));
+        tell(Text::tr("Файловая область не открыта: %1").arg(textOf(status.text)));
     return m_store != nullptr;
 }
 
@@ -161,7 +162,7 @@ MirrorWorker::End MirrorWorker::pass(uint64_t number, MirrorChanges& changes) {
     if (status.ok() && !changes.isWhole())
         status = look(&changes, &queue, &changed);
     if (!status.ok() && keepWaiting())
-        tell(QStringLiteral("Файловая область не прочитана: %1").arg(textOf(status.text)));
+        tell(Text::tr("Файловая область не прочитана: %1").arg(textOf(status.text)));
     if (!status.ok() || !keepWaiting())
         return End::Failed;
     if (changes.isWhole()) {
@@ -216,7 +217,7 @@ bool MirrorWorker::list(Recopy recopy, std::vector<Wanted>* queue) {
     if (status.ok() && keepWaiting())
         status = m_extent == MirrorExtent::All ? m_store->fileArea(each) : listIcons(each);
     if (!status.ok() && keepWaiting())
-        tell(QStringLiteral("Список файловой области не получен: %1").arg(textOf(status.text)));
+        tell(Text::tr("Список файловой области не получен: %1").arg(textOf(status.text)));
     std::stable_partition(queue->begin(), queue->end(),
                           [](const Wanted& wanted) { return isIcon(wanted.folder); });
     return status.ok() && keepWaiting();
@@ -271,8 +272,8 @@ void MirrorWorker::consider(const std::string& folder, const store::StoredFile& 
 bool MirrorWorker::hasPlace(const std::string& folder, const std::string& name) {
     if (m_folders.isPlain(folder) && store::isPlainFileName(name))
         return true;
-    tell(QStringLiteral("«%1» не копируется на диск: в пути есть имя, которое не может быть именем "
-                        "папки или файла.")
+    tell(Text::tr("«%1» не копируется на диск: в пути есть имя, которое не может быть именем "
+                  "папки или файла.")
              .arg(textOf(join(folder, name))));
     return false;
 }
@@ -396,7 +397,7 @@ bool MirrorWorker::fetch(const Wanted& wanted) {
     const std::string path = join(wanted.folder, wanted.name);
     if (!status.ok()) {
         if (keepWaiting())
-            tell(QStringLiteral("Файл «%1» не получен: %2").arg(textOf(path), textOf(status.text)));
+            tell(Text::tr("Файл «%1» не получен: %2").arg(textOf(path), textOf(status.text)));
         return status.code != store::ConnectionBroken && status.code != store::CannotConnect &&
                status.code != store::Timeout;
     }
@@ -406,8 +407,7 @@ bool MirrorWorker::fetch(const Wanted& wanted) {
     const double time = timeOnDisk(files.front()).value_or(0);
     if (!m_directory.write(split(path), files.front().bytes, time)) {
         m_full = m_full || errno == ENOSPC || errno == EDQUOT;
-        tell(QStringLiteral("Файл «%1» не записан в %2files: %3")
-                 .arg(textOf(path), m_workDir, reason()));
+        tell(Text::tr("Файл «%1» не записан в %2files: %3").arg(textOf(path), m_workDir, reason()));
         return true;
     }
     m_manifest[path] = m_listing;
@@ -439,8 +439,7 @@ void MirrorWorker::writeManifest() {
     if (client::openWhole(file) && client::saveWhole(file, QByteArray::fromStdString(lines)))
         m_touched = false;
     else
-        tell(
-            QStringLiteral("Список копии файловой области не записан: %1").arg(file.errorString()));
+        tell(Text::tr("Список копии файловой области не записан: %1").arg(file.errorString()));
 }
 
 } // namespace orvo::app

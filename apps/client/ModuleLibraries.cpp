@@ -2,6 +2,7 @@
 
 #include "frame/OrvoClient.h"
 #include "frame/RecordText.h"
+#include "frame/Text.h"
 
 #include <QDir>
 #include <QFile>
@@ -21,13 +22,13 @@ namespace {
 QString whyUnsafe(const QString& path) {
     struct stat found {};
     if (::stat(QFile::encodeName(path).constData(), &found) != 0)
-        return QStringLiteral("%1 нет").arg(path);
+        return Text::tr("%1 нет").arg(path);
     if (found.st_uid != 0 && found.st_uid != ::geteuid())
-        return QStringLiteral("%1 принадлежит другому пользователю").arg(path);
+        return Text::tr("%1 принадлежит другому пользователю").arg(path);
     const bool isOthers = (found.st_mode & (S_IWGRP | S_IWOTH)) != 0;
     const bool isSticky = S_ISDIR(found.st_mode) && (found.st_mode & S_ISVTX) != 0;
     if (isOthers && !isSticky)
-        return QStringLiteral("в %1 могут писать другие пользователи").arg(path);
+        return Text::tr("в %1 могут писать другие пользователи").arg(path);
     return {};
 }
 
@@ -35,7 +36,7 @@ QString whyUnsafe(const QString& path) {
 QString whyUnsafeDirectory(const QString& directory) {
     QString path = QFileInfo(directory).canonicalFilePath();
     if (path.isEmpty())
-        return QStringLiteral("%1 нет").arg(directory);
+        return Text::tr("%1 нет").arg(directory);
     for (;;) {
         QString why = whyUnsafe(path);
         if (!why.isEmpty() || path == QLatin1String("/"))
@@ -51,13 +52,13 @@ void ModuleLibraries::load(const QString& own, const QStringList& further) {
     for (const QString& directory : further)
         loadDirectory(directory, false);
     if (isEmpty() && m_problems.isEmpty())
-        m_problems << QStringLiteral("Библиотек модулей нет: в каталоге %1 ни одной libOrvo*.so.")
-                          .arg(own);
+        m_problems
+            << Text::tr("Библиотек модулей нет: в каталоге %1 ни одной libOrvo*.so.").arg(own);
 }
 
 void ModuleLibraries::loadDirectory(const QString& directory, bool isTrusted) {
     const auto refuse = [&](const QString& why) {
-        m_problems << QStringLiteral("Каталог модулей %1 не взят: %2.").arg(directory, why);
+        m_problems << Text::tr("Каталог модулей %1 не взят: %2.").arg(directory, why);
     };
     if (!isTrusted)
         if (const QString why = whyUnsafeDirectory(directory); !why.isEmpty())
@@ -75,7 +76,7 @@ void ModuleLibraries::loadDirectory(const QString& directory, bool isTrusted) {
         if (why.isEmpty())
             loadLibrary(file.absoluteFilePath());
         else
-            m_problems << QStringLiteral("Библиотека модулей %1 не взята: %2.")
+            m_problems << Text::tr("Библиотека модулей %1 не взята: %2.")
                               .arg(file.absoluteFilePath(), why);
     }
 }
@@ -85,7 +86,7 @@ void ModuleLibraries::loadLibrary(const QString& file) {
     // Symbols missing in a library are told now, not by a crash later.
     library.setLoadHints(QLibrary::ResolveAllSymbolsHint | QLibrary::PreventUnloadHint);
     if (!library.load()) {
-        m_problems << QStringLiteral("Библиотека модулей не загружена: %1")
+        m_problems << Text::tr("Библиотека модулей не загружена: %1")
                           .arg(library.errorString().simplified());
         return;
     }
@@ -95,7 +96,7 @@ void ModuleLibraries::loadLibrary(const QString& file) {
     if (loaded.makeModule || loaded.callFunction)
         m_libraries.push_back(loaded);
     else
-        m_problems << QStringLiteral(
+        m_problems << Text::tr(
                           "В библиотеке модулей %1 нет ни функции CppCliModule, ни CppCliFunction.")
                           .arg(file);
 }
@@ -110,10 +111,10 @@ COrvoCliMod* ModuleLibraries::create(COrvoCliApp* app, const QString& name) cons
                 return static_cast<COrvoCliMod*>(made);
         } catch (const std::exception& failure) {
             app->log(5, library.file,
-                     QStringLiteral("Модуль «%1» не создан: %2")
+                     Text::tr("Модуль «%1» не создан: %2")
                          .arg(name, QString::fromLocal8Bit(failure.what())));
         } catch (...) {
-            app->log(5, library.file, QStringLiteral("Модуль «%1» не создан.").arg(name));
+            app->log(5, library.file, Text::tr("Модуль «%1» не создан.").arg(name));
         }
     }
     return nullptr;
@@ -152,7 +153,7 @@ OrvoFunctionResult ModuleLibraries::call(COrvoCliApp* app, const QString& name,
             app->log(5, library.file, QString::fromLocal8Bit(failure.what()));
             return OrvoFunctionFailed;
         } catch (...) {
-            app->log(5, library.file, QStringLiteral("Неизвестное исключение."));
+            app->log(5, library.file, Text::tr("Неизвестное исключение."));
             return OrvoFunctionFailed;
         }
     }

@@ -2,6 +2,7 @@
 
 #include "apps/client/Look.h"
 #include "frame/OrvoClient.h"
+#include "frame/Text.h"
 
 #include <QStyle>
 #include <QTabBar>
@@ -51,8 +52,8 @@ void ModuleTabs::addPage(QWidget* page, const QString& title) {
 void ModuleTabs::addCloseButton(QWidget* page, int index) {
     auto* button = new QToolButton(tabBar());
     button->setObjectName(QStringLiteral("closePage"));
-    button->setAccessibleName(QStringLiteral("Закрыть"));
-    button->setToolTip(QStringLiteral("Закрыть (Ctrl+W)"));
+    button->setAccessibleName(Text::tr("Закрыть"));
+    button->setToolTip(Text::tr("Закрыть (Ctrl+W)"));
     button->setIcon(style()->standardIcon(QStyle::SP_DockWidgetCloseButton));
     button->setAutoRaise(true);
     button->setFocusPolicy(Qt::NoFocus);

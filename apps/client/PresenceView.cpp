@@ -2,6 +2,7 @@
 
 #include "apps/client/Look.h"
 #include "apps/client/StatusLine.h"
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "platform/mdx/MdxBuild.h"
 
@@ -23,8 +24,8 @@ constexpr int longestName = 30;
 QString sinceText(double time) {
     const QDateTime moment = QDateTime::fromSecsSinceEpoch(static_cast<qint64>(time));
     const bool today = moment.date() == QDate::currentDate();
-    return QStringLiteral("с ") +
-           moment.toString(today ? QStringLiteral("HH:mm") : QStringLiteral("dd.MM.yyyy HH:mm"));
+    return Text::tr("с ") +
+           moment.toString(today ? QStringLiteral("HH:mm") : Text::tr("dd.MM.yyyy HH:mm"));
 }
 
 QString fromUtf8(const std::string& text) {
@@ -124,19 +125,18 @@ void PresenceView::show() {
             shown << clipped(name, longestName);
         lines << who + sinceText(one.since);
         for (const store::OpenEdit& edit : one.edits) {
-            lines << QStringLiteral("    правит: %1, %2")
-                         .arg(fromUtf8(edit.what), sinceText(edit.since));
+            lines << Text::tr("    правит: %1, %2").arg(fromUtf8(edit.what), sinceText(edit.since));
             if (edit.key.empty())
                 continue;
             RecordMark& mark = marks[HostApp::markKey(fromUtf8(edit.table), fromUtf8(edit.key))];
             mark.label += (mark.label.isEmpty() ? QString() : QStringLiteral(", ")) + name;
             mark.tip += (mark.tip.isEmpty() ? QString() : QStringLiteral("\n")) +
-                        QStringLiteral("Правит ") + who + sinceText(edit.since);
+                        Text::tr("Правит ") + who + sinceText(edit.since);
         }
     }
     QString names = shown.mid(0, shownNames).join(QStringLiteral(", "));
     if (shown.size() > shownNames)
-        names += QStringLiteral(" и ещё %1").arg(shown.size() - shownNames);
+        names += Text::tr(" и ещё %1").arg(shown.size() - shownNames);
     m_line.setOthers(names, lines.join(QLatin1Char('\n')));
     m_app.setMarks(std::move(marks));
     for (const QPointer<COrvoCliMod>& module : m_modules.modules(client::ModuleState::Running))

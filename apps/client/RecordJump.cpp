@@ -4,6 +4,7 @@
 #include "apps/client/LogPane.h"
 #include "apps/client/MainWindow.h"
 #include "apps/client/Options.h"
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "history/RecordSource.h"
 #include "platform/client/Attention.h"
@@ -22,7 +23,7 @@ QString RecordJump::whyAnswerFirst() const {
          m_context.modules.modules(client::ModuleState::Running)) {
         const client::Attention attention = client::attentionIn(*module);
         if (attention == client::Attention::Question || attention == client::Attention::Picker)
-            return QStringLiteral("сначала ответьте на вопрос: %1").arg(module->windowTitle());
+            return Text::tr("сначала ответьте на вопрос: %1").arg(module->windowTitle());
     }
     return {};
 }
@@ -50,9 +51,8 @@ void RecordJump::lookUp(const QString& table, const QString& key, const Take& ta
             if (status.ok() && *desktop)
                 take(**desktop);
             else
-                emit told(LogWarning, status.ok()
-                                          ? QStringLiteral("Показать нечего: строки больше нет.")
-                                          : QString::fromStdString(status.text));
+                emit told(LogWarning, status.ok() ? Text::tr("Показать нечего: строки больше нет.")
+                                                  : QString::fromStdString(status.text));
         });
 }
 
@@ -73,7 +73,7 @@ void RecordJump::show(const QString& table, const QString& key, const QString& d
             m_context.guard.dropAll();
             showNow(table, key, where);
         };
-        if (m_context.guard.mayGo(&m_context.window, QStringLiteral("Показать строку"), {go, {}}))
+        if (m_context.guard.mayGo(&m_context.window, Text::tr("Показать строку"), {go, {}}))
             go();
     });
 }
@@ -81,7 +81,7 @@ void RecordJump::show(const QString& table, const QString& key, const QString& d
 bool RecordJump::refuses() {
     const QString why = whyAnswerFirst();
     if (!why.isEmpty())
-        emit told(LogWarning, QStringLiteral("Строка не показана: ") + why);
+        emit told(LogWarning, Text::tr("Строка не показана: ") + why);
     return !why.isEmpty();
 }
 
@@ -107,7 +107,7 @@ void RecordJump::showNow(const QString& table, const QString& key, const QString
         from->activateWindow();
         from->setFocus();
     }
-    emit told(LogWarning, QStringLiteral("Строка есть в хранилище, но в редакторе не видна."));
+    emit told(LogWarning, Text::tr("Строка есть в хранилище, но в редакторе не видна."));
 }
 
 } // namespace orvo::app

@@ -2,6 +2,7 @@
 
 #include "apps/client/WindowMemory.h"
 #include "frame/Contrast.h"
+#include "frame/Text.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -32,9 +33,10 @@ struct Choice {
     const char* word; ///< in the settings
     const char* title;
 };
-constexpr Choice choices[] = {{Scheme::Desktop, "desktop", "&Как на рабочем столе"},
-                              {Scheme::Light, "light", "&Светлые"},
-                              {Scheme::Dark, "dark", "&Тёмные"}};
+constexpr Choice choices[] = {
+    {Scheme::Desktop, "desktop", QT_TRANSLATE_NOOP("orvo", "&Как на рабочем столе")},
+    {Scheme::Light, "light", QT_TRANSLATE_NOOP("orvo", "&Светлые")},
+    {Scheme::Dark, "dark", QT_TRANSLATE_NOOP("orvo", "&Тёмные")}};
 
 /// A scheme in colours. Highlight is one with and without the focus: the branches of a styled tree
 /// know only the first, and a row of two colours looks broken.
@@ -172,10 +174,10 @@ void SchemeKeeper::apply() {
 void SchemeKeeper::addMenu(QMenu* view) {
     if (!m_isOurs)
         return;
-    QMenu* menu = view->addMenu(QStringLiteral("&Цвета"));
+    QMenu* menu = view->addMenu(Text::tr("&Цвета"));
     auto* schemes = new QActionGroup(menu); // exclusive
     for (const Choice& choice : choices) {
-        QAction* action = menu->addAction(QString::fromUtf8(choice.title));
+        QAction* action = menu->addAction(Text::tr(choice.title));
         action->setObjectName(QStringLiteral("actScheme-") + QLatin1String(choice.word));
         action->setCheckable(true);
         action->setChecked(choice.scheme == m_scheme);

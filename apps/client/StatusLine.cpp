@@ -3,6 +3,8 @@
 #include "apps/client/ElidedLabel.h"
 #include "apps/client/Look.h"
 #include "frame/Contrast.h"
+#include "frame/Text.h"
+#include "history/RecordWords.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -27,12 +29,9 @@ constexpr int mostListed = 8; ///< failures that are shown whole at once
 
 /// "1 правка ждёт", "3 правки ждут", "5 правок ждут"
 QString heldText(int changes) {
-    const int tens = changes / 10 % 10;
-    const int ones = changes % 10;
-    const bool few = tens != 1 && ones >= 2 && ones <= 4;
-    if (tens != 1 && ones == 1)
-        return QStringLiteral("%1 правка ждёт").arg(changes);
-    return (few ? QStringLiteral("%1 правки ждут") : QStringLiteral("%1 правок ждут")).arg(changes);
+    return history::numeralForm(static_cast<size_t>(changes), Text::tr("%1 правка ждёт"),
+                                Text::tr("%1 правки ждут"), Text::tr("%1 правок ждут"))
+        .arg(changes);
 }
 
 /// Of a layout in a layout, only the outer one learns by itself that a size has changed.
@@ -49,21 +48,19 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
     : QStatusBar(parent)
     , m_light(new QLabel(this))
     , m_connection(new ElidedLabel({}, Qt::ElideMiddle, this))
-    , m_storeLabel(
-          new ElidedLabel(QStringLiteral("Хранилище: %1").arg(store), Qt::ElideMiddle, this))
-    , m_userLabel(
-          new ElidedLabel(QStringLiteral("Пользователь: %1").arg(login), Qt::ElideMiddle, this))
+    , m_storeLabel(new ElidedLabel(Text::tr("Хранилище: %1").arg(store), Qt::ElideMiddle, this))
+    , m_userLabel(new ElidedLabel(Text::tr("Пользователь: %1").arg(login), Qt::ElideMiddle, this))
     , m_busy(new ElidedLabel({}, Qt::ElideRight, this))
     , m_copying(new ElidedLabel({}, Qt::ElideMiddle, this))
     , m_held(new ElidedLabel({}, Qt::ElideRight, this))
     , m_others(new ElidedLabel({}, Qt::ElideMiddle, this))
-    , m_readOnly(new ElidedLabel(QStringLiteral("Только просмотр"), Qt::ElideRight, this))
+    , m_readOnly(new ElidedLabel(Text::tr("Только просмотр"), Qt::ElideRight, this))
     , m_problems(new QToolButton(this))
     , m_done(new ElidedLabel({}, Qt::ElideRight, this))
     , m_failure(new QToolButton(this))
     , m_store(store) {
     m_light->setFixedSize(10, 10);
-    m_light->setAccessibleName(QStringLiteral("Связь с хранилищем"));
+    m_light->setAccessibleName(Text::tr("Связь с хранилищем"));
     m_storeLabel->setObjectName(QStringLiteral("storeLabel"));
     m_storeLabel->setToolTip(plainToolTip(m_storeLabel->text()));
     m_userLabel->setObjectName(QStringLiteral("userLabel"));
@@ -83,7 +80,7 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
     m_problems->setObjectName(QStringLiteral("problemsButton"));
     m_problems->setAutoRaise(true);
     m_problems->setCursor(Qt::PointingHandCursor);
-    m_problems->setToolTip(QStringLiteral("Показать, что не так с установкой (F8)"));
+    m_problems->setToolTip(Text::tr("Показать, что не так с установкой (F8)"));
     addWidget(m_problems);
     m_problems->hide();
     connect(m_problems, &QToolButton::clicked, this, &StatusLine::problemsRequested);
@@ -117,9 +114,8 @@ StatusLine::StatusLine(const QString& store, const QString& login, QWidget* pare
 
 void StatusLine::setProblems(size_t errors, size_t warnings) {
     m_problems->setText(
-        errors > 0
-            ? QStringLiteral("Проблемы: %1, из них ошибок %2").arg(errors + warnings).arg(errors)
-            : QStringLiteral("Проблемы: %1").arg(warnings));
+        errors > 0 ? Text::tr("Проблемы: %1, из них ошибок %2").arg(errors + warnings).arg(errors)
+                   : Text::tr("Проблемы: %1").arg(warnings));
     m_hasErrors = errors > 0;
     colour();
     m_problems->setVisible(errors + warnings > 0);
@@ -136,8 +132,8 @@ void StatusLine::setConnected(bool up, const QString& reason) {
         m_since.clear();
     else if (m_since.isEmpty())
         m_since = QTime::currentTime().toString(QStringLiteral("HH:mm:ss"));
-    m_connection->setText(up ? QStringLiteral("Подключено")
-                             : QStringLiteral("Нет связи с %1 с %2").arg(m_store, m_since));
+    m_connection->setText(up ? Text::tr("Подключено")
+                             : Text::tr("Нет связи с %1 с %2").arg(m_store, m_since));
     colour();
     m_storeLabel->setVisible(up); // the other label names it then
     m_connection->setToolTip(plainToolTip(reason));
@@ -185,7 +181,7 @@ void StatusLine::setBusy(const QString& text) {
 
 void StatusLine::setCopying(int done, int all) {
     const QLocale numbers;
-    m_copying->setText(QStringLiteral("Копирование файлов: %1 из %2")
+    m_copying->setText(Text::tr("Копирование файлов: %1 из %2")
                            .arg(numbers.toString(done), numbers.toString(all)));
     m_copying->setVisible(all > 0);
     share();
@@ -203,7 +199,7 @@ QString StatusLine::held() const {
 }
 
 void StatusLine::setOthers(const QString& names, const QString& details) {
-    m_others->setText(names.isEmpty() ? QString() : QStringLiteral("Ещё здесь: %1").arg(names));
+    m_others->setText(names.isEmpty() ? QString() : Text::tr("Ещё здесь: %1").arg(names));
     m_others->setToolTip(plainToolTip(details));
     m_others->setVisible(!names.isEmpty());
     share();
@@ -243,13 +239,13 @@ void StatusLine::setFailure(const QString& text) {
     m_failures = m_failures.mid(0, mostListed);
     m_failure->setToolTip(plainToolTip(
         QTime::currentTime().toString(QStringLiteral("HH:mm:ss")) + QStringLiteral("  ") + text,
-        QStringLiteral("Щёлкните или F12, чтобы прочесть и убрать. Все сообщения — в журнале.")));
+        Text::tr("Щёлкните или F12, чтобы прочесть и убрать. Все сообщения — в журнале.")));
     m_failure->show();
     share();
 }
 
 QString StatusLine::failureText(int room) const {
-    const QString count = m_count > 1 ? QStringLiteral(" (всего %1)").arg(m_count) : QString();
+    const QString count = m_count > 1 ? Text::tr(" (всего %1)").arg(m_count) : QString();
     const QFontMetrics metrics = m_failure->fontMetrics();
     const QString text =
         room < 0
@@ -326,7 +322,7 @@ bool StatusLine::isCut() const {
 QString StatusLine::allFailures() const {
     QStringList all = m_failures;
     if (m_count > all.size())
-        all << QStringLiteral("Ещё %1 — в журнале.").arg(m_count - all.size());
+        all << Text::tr("Ещё %1 — в журнале.").arg(m_count - all.size());
     return all.join(QStringLiteral("\n\n"));
 }
 
@@ -356,11 +352,11 @@ void StatusLine::showWhole(const QString& text) {
     if (!m_whole) {
         m_whole = new QLabel(window());
         m_whole->setObjectName(QStringLiteral("wholeFailure"));
-        m_whole->setAccessibleName(QStringLiteral("Сообщение о сбое"));
+        m_whole->setAccessibleName(Text::tr("Сообщение о сбое"));
         m_whole->setTextFormat(Qt::PlainText);
         m_whole->setWordWrap(true);
         m_whole->setCursor(Qt::PointingHandCursor);
-        m_whole->setToolTip(QStringLiteral("Esc, F12 или щелчок — убрать"));
+        m_whole->setToolTip(Text::tr("Esc, F12 или щелчок — убрать"));
         m_whole->setStyleSheet(QStringLiteral("background:#fbe9e7;color:#9c2a20;padding:8px;"
                                               "border:1px solid #e0a49d;border-radius:4px"));
         m_whole->installEventFilter(this);

@@ -2,6 +2,7 @@
 
 #include "apps/client/Options.h"
 #include "frame/Kinds.h"
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "history/RecordWords.h"
 #include "platform/store/ChangeRecord.h"
@@ -30,9 +31,9 @@ bool isFile(const store::TableDef& table, const store::FieldValues& values) {
 }
 
 QString whereWords(const QString& place, bool isTop) {
-    return isTop             ? QStringLiteral(" (теперь наверху)")
-           : place.isEmpty() ? QStringLiteral(" (папки больше нет)")
-                             : QStringLiteral(" (теперь в «%1»)").arg(place);
+    return isTop             ? Text::tr(" (теперь наверху)")
+           : place.isEmpty() ? Text::tr(" (папки больше нет)")
+                             : Text::tr(" (теперь в «%1»)").arg(place);
 }
 
 } // namespace
@@ -130,7 +131,7 @@ void UnseenPlaces::tell(const std::shared_ptr<const Unseen>& unseen) {
     const auto look = [unseen, text](store::MaintainedStore& store) {
         history::StoredRecords source(&store);
         bool isReopened = false, isCured = false; // what helps
-        const auto all = [&](const std::vector<Placed>& records, const char* before) {
+        const auto all = [&](const std::vector<Placed>& records, const QString& before) {
             for (const Placed& placed : records)
                 if (const history::Values values = source.valuesOf(*placed.table, placed.key);
                     !values.empty()) { // it is there still
@@ -138,19 +139,19 @@ void UnseenPlaces::tell(const std::shared_ptr<const Unseen>& unseen) {
                     const bool isTop = placed.folder.empty();
                     // Opened anew, the editor would not show it at all.
                     (!isTop && place.isEmpty() ? isCured : isReopened) = true;
-                    return QString::fromUtf8(before) +
-                           history::recordWords(*placed.table, values, placed.key) +
+                    return before + history::recordWords(*placed.table, values, placed.key) +
                            whereWords(place, isTop) + history::andMore(records.size() - 1);
                 }
             return QString();
         };
-        QStringList sentences{all(unseen->misplaced, "Не на своём месте в дереве ресурсов: "),
-                              all(unseen->hidden, "Не видно в дереве ресурсов: ")};
+        QStringList sentences{
+            all(unseen->misplaced, Text::tr("Не на своём месте в дереве ресурсов: ")),
+            all(unseen->hidden, Text::tr("Не видно в дереве ресурсов: "))};
         sentences.removeAll(QString());
         if (isReopened)
-            sentences << QStringLiteral("На место ставит «Открыть модули заново» (Ctrl+R)");
+            sentences << Text::tr("На место ставит «Открыть модули заново» (Ctrl+R)");
         if (isCured)
-            sentences << QStringLiteral("Место дают «Проблемы» (F8)");
+            sentences << Text::tr("Место дают «Проблемы» (F8)");
         *text = sentences.join(QStringLiteral(". "));
         return store::Status();
     };

@@ -2,6 +2,7 @@
 
 #include "apps/client/Look.h"
 #include "frame/RecordTextValidator.h"
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "platform/store/Schema.h"
 
@@ -36,17 +37,17 @@ QString stamp(const QDateTime& time) {
 QString stateWord(const UnwrittenEntry& entry) {
     switch (entry.state) {
     case UnwrittenEntry::Unknown:
-        return QStringLiteral("Исход неизвестен");
+        return Text::tr("Исход неизвестен");
     case UnwrittenEntry::Gone:
-        return QStringLiteral("Записи больше нет");
+        return Text::tr("Записи больше нет");
     case UnwrittenEntry::Conflict:
-        return QStringLiteral("Изменил и другой");
+        return Text::tr("Изменил и другой");
     case UnwrittenEntry::Lost:
-        return QStringLiteral("Потеряно сервером");
+        return Text::tr("Потеряно сервером");
     case UnwrittenEntry::Waiting:
-        return QStringLiteral("Ждёт очереди");
+        return Text::tr("Ждёт очереди");
     default:
-        return QStringLiteral("Отказано");
+        return Text::tr("Отказано");
     }
 }
 
@@ -98,17 +99,16 @@ UnwrittenPane::UnwrittenPane(client::UnwrittenList& list, QWidget* parent)
     , m_tree(new QTreeWidget(this))
     , m_repeat(new QPushButton(this))
     , m_giveUp(new QPushButton(this))
-    , m_repeatAll(new QPushButton(QStringLiteral("Повторить всё"), this)) {
+    , m_repeatAll(new QPushButton(Text::tr("Повторить всё", "запись"), this)) {
     setObjectName(QStringLiteral("unwrittenPane"));
     m_tree->setObjectName(QStringLiteral("unwrittenTree"));
     m_repeat->setObjectName(QStringLiteral("unwrittenRepeat"));
     m_repeatAll->setObjectName(QStringLiteral("unwrittenRepeatAll"));
     m_giveUp->setObjectName(QStringLiteral("unwrittenGiveUp"));
-    m_tree->setAccessibleName(QStringLiteral("Не записано"));
+    m_tree->setAccessibleName(Text::tr("Не записано"));
     setFocusProxy(m_tree);
-    m_tree->setHeaderLabels({QStringLiteral("Что не записано"), QStringLiteral("Где / было"),
-                             QStringLiteral("Почему / набрано"),
-                             QStringLiteral("Когда / у другого")});
+    m_tree->setHeaderLabels({Text::tr("Что не записано"), Text::tr("Где / было"),
+                             Text::tr("Почему / набрано"), Text::tr("Когда / у другого")});
     m_tree->setFrameShape(QFrame::NoFrame);
     m_tree->setAlternatingRowColors(true);
     m_tree->setItemDelegate(new FieldDelegate(m_tree));
@@ -152,8 +152,7 @@ void UnwrittenPane::addFields(QTreeWidgetItem* row, const UnwrittenEntry& entry)
     for (const client::FieldWords& field : entry.words.fields) {
         auto* line = new QTreeWidgetItem(row);
         line->setText(Field, field.name);
-        line->setText(Before,
-                      field.known ? QStringLiteral("в хранилище: ") + field.before : QString());
+        line->setText(Before, field.known ? Text::tr("в хранилище: ") + field.before : QString());
         line->setText(Mine, field.mine);
         line->setData(Field, keyRole, QString::fromStdString(field.key));
         line->setData(Field, fieldRole, field.field);
@@ -208,10 +207,10 @@ void UnwrittenPane::updateActions() {
     const bool conflict = entry && entry->state == UnwrittenEntry::Conflict;
     const bool again =
         entry && (entry->state == UnwrittenEntry::Gone || !entry->deletedParentTable.empty());
-    m_repeat->setText(conflict ? QStringLiteral("Взять моё")
-                      : again  ? QStringLiteral("Создать заново")
-                               : QStringLiteral("Повторить"));
-    m_giveUp->setText(conflict ? QStringLiteral("Взять чужое") : QStringLiteral("Отказаться"));
+    m_repeat->setText(conflict ? Text::tr("Взять моё")
+                      : again  ? Text::tr("Создать заново")
+                               : Text::tr("Повторить", "запись"));
+    m_giveUp->setText(conflict ? Text::tr("Взять чужое") : Text::tr("Отказаться"));
     const auto enable = [this](QPushButton* button, bool on) {
         if (!on && button->hasFocus())
             m_tree->setFocus(); // Qt would give it to whatever is next in the window

@@ -1,5 +1,7 @@
 #include "apps/client/WaitPane.h"
 
+#include "frame/Text.h"
+
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QLabel>
@@ -35,12 +37,12 @@ private:
 Pane::Pane(const QString& store)
     : QWidget(nullptr, Qt::Dialog | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint)
     , m_elapsed(new QLabel(this))
-    , m_button(new QPushButton(QStringLiteral("Не ждать"), this)) {
-    setWindowTitle(QStringLiteral("Orvo — ожидание сервера"));
+    , m_button(new QPushButton(Text::tr("Не ждать"), this)) {
+    setWindowTitle(Text::tr("Orvo — ожидание сервера"));
     setObjectName(QStringLiteral("waitPane"));
     setStyleSheet(QStringLiteral("#waitPane{background:palette(window);border:1px solid #8a8f98}"));
     setAttribute(Qt::WA_StyledBackground);
-    auto* heading = new QLabel(QStringLiteral("<b>Хранилище не отвечает</b>"), this);
+    auto* heading = new QLabel(Text::tr("<b>Хранилище не отвечает</b>"), this);
     auto* name = new QLabel(store, this);
     name->setTextFormat(Qt::PlainText);
     auto* column = new QVBoxLayout(this);
@@ -50,7 +52,7 @@ Pane::Pane(const QString& store)
     column->addWidget(m_elapsed);
     column->addSpacing(6);
     column->addWidget(m_button, 0, Qt::AlignRight);
-    m_button->setToolTip(QStringLiteral("Прервать операцию (Esc)"));
+    m_button->setToolTip(Text::tr("Прервать операцию (Esc)"));
     m_button->setDefault(true);
     connect(m_button, &QPushButton::clicked, this, &Pane::giveUp);
     auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
@@ -63,12 +65,12 @@ Pane::Pane(const QString& store)
 }
 
 void Pane::tick() {
-    m_elapsed->setText(QStringLiteral("Ожидание: %1 с").arg(1 + m_clock.elapsed() / 1000));
+    m_elapsed->setText(Text::tr("Ожидание: %1 с").arg(1 + m_clock.elapsed() / 1000));
 }
 
 void Pane::giveUp() {
     m_button->setEnabled(false);
-    m_button->setText(QStringLiteral("Прерывается…"));
+    m_button->setText(Text::tr("Прерывается…"));
     std::puts("give up");
     std::fflush(stdout);
 }

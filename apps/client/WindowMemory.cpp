@@ -24,7 +24,7 @@ namespace {
 constexpr int keyRole = Qt::AccessibleDescriptionRole;
 /// More is not written, or not believed.
 constexpr int mostOpenRows = 2000;
-constexpr int mostRowsLookedAt = 200'000;
+constexpr int mostRowsLookedAt = 200000;
 constexpr int deepest = 1000;
 constexpr int leastWidth = 16, greatestWidth = 4000;
 constexpr char focusKey[] = "focus"; // of a module: its tree that had the focus there

@@ -6,6 +6,7 @@
 #include "apps/client/ModuleLibraries.h"
 #include "apps/client/WindowMemory.h"
 #include "frame/OrvoClient.h"
+#include "frame/Text.h"
 #include "platform/client/ModuleRegistry.h"
 
 #include <QDockWidget>
@@ -34,8 +35,8 @@ COrvoCliMod* Workplace::makeDesk(const QString& desktop, Qt::DockWidgetArea area
     const QString module = QLatin1String(moduleName);
     COrvoCliMod* desk = m_context.libraries.create(&m_context.app, module);
     if (!desk) {
-        emit problem(module, QStringLiteral("Ни одна библиотека модулей не умеет показывать "
-                                            "рабочий стол."));
+        emit problem(module, Text::tr("Ни одна библиотека модулей не умеет показывать "
+                                      "рабочий стол."));
         return nullptr;
     }
     m_context.modules.add(desk, module);
@@ -79,7 +80,7 @@ void Workplace::openPreview(PreviewRequest* request) {
     m_previewed = request->desktop;
     m_preview = makeDesk(m_previewed, Qt::RightDockWidgetArea, QStringLiteral("previewDock"));
     if (!m_preview) {
-        request->refusal = QStringLiteral("Показать рабочий стол нечем.");
+        request->refusal = Text::tr("Показать рабочий стол нечем.");
         return;
     }
     m_preview->SetParamMod(QStringLiteral("preview"), QStringLiteral("1"));
@@ -168,14 +169,14 @@ void Workplace::askEndOfKiosk() {
     auto* question = new QInputDialog(&m_context.window);
     question->setObjectName(QStringLiteral("kioskEnd"));
     question->setAttribute(Qt::WA_DeleteOnClose);
-    question->setWindowTitle(QStringLiteral("Закрыть рабочий стол"));
-    question->setLabelText(QStringLiteral("Имя пользователя (вход):"));
-    question->setOkButtonText(QStringLiteral("Закрыть"));
-    question->setCancelButtonText(QStringLiteral("Остаться"));
+    question->setWindowTitle(Text::tr("Закрыть рабочий стол"));
+    question->setLabelText(Text::tr("Имя пользователя (вход):"));
+    question->setOkButtonText(Text::tr("Закрыть"));
+    question->setCancelButtonText(Text::tr("Остаться"));
     question->resize(400, question->sizeHint().height()); // room for its title
     connect(question, &QInputDialog::textValueSelected, this, [this](const QString& login) {
         if (login.trimmed() != QString::fromStdString(m_context.store.login())) {
-            m_context.window.showError(QStringLiteral("Это имя другого пользователя."));
+            m_context.window.showError(Text::tr("Это имя другого пользователя."));
             return;
         }
         m_context.window.endKiosk();

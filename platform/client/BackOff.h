@@ -11,7 +11,7 @@ namespace orvo::client {
 
 class BackOff {
 public:
-    static constexpr int lastMs = 15'000;
+    static constexpr int lastMs = 15000;
 
     explicit BackOff(int firstMs) : m_firstMs(firstMs) {}
     /// Whether the last attempt failed.

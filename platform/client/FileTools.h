@@ -3,6 +3,7 @@
 #ifndef ORVO_PLATFORM_CLIENT_FILETOOLS_H
 #define ORVO_PLATFORM_CLIENT_FILETOOLS_H
 
+#include "frame/StdText.h"
 #include "platform/client/SessionPrivate.h"
 #include "platform/mdx/Body.h"
 #include "platform/store/Names.h"
@@ -14,10 +15,11 @@ namespace orvo::client {
 inline store::Status checkCarried(const std::string& name, uint64_t size) {
     if (size <= mdx::maxText)
         return {};
-    return {store::Refused, "Файл " + store::shown(name) + " не меньше " +
-                                std::to_string((mdx::maxText + 1) >> 20) +
-                                " МиБ: редакторы таких не переносят, это делает orvo-admin (put, "
-                                "get)."};
+    return {store::Refused,
+            StdText::tr("Файл ") + store::shown(name) + StdText::tr(" не меньше ") +
+                std::to_string((mdx::maxText + 1) >> 20) +
+                StdText::tr(" МиБ: редакторы таких не переносят, это делает orvo-admin (put, "
+                            "get).")};
 }
 
 /// Folder path and name as one text for messages.

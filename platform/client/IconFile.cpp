@@ -47,7 +47,7 @@ bool isInside(const QByteArray& path, const QByteArray& folder) {
 }
 
 int64_t nanoseconds(const timespec& time) {
-    return int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+    return int64_t{time.tv_sec} * 1000000000 + time.tv_nsec;
 }
 
 bool isAllowedSize(const QSize& size) {

@@ -278,7 +278,7 @@ void NotificationPump::deliverSlice() {
         if (most == 0)
             break;
         // A quarter of the slice at once is few enough to end in time.
-        m_chunk.took(static_cast<int>(most), cost.nsecsElapsed(), sliceBudgetMs * 250'000LL);
+        m_chunk.took(static_cast<int>(most), cost.nsecsElapsed(), sliceBudgetMs * 250000LL);
         if (m_sliceBegin.elapsed() >= sliceBudgetMs)
             break;
     }

@@ -1,5 +1,6 @@
 #include "frame/OrvoClient.h"
 
+#include "frame/Text.h"
 #include "platform/client/PopOverlay.h"
 #include "platform/client/WidgetRoles.h"
 
@@ -175,9 +176,9 @@ CPopMessageBox::CPopMessageBox(QWidget* parent) : QWidget(parent), d(std::make_u
     d->sign = new Sign(panel);
     d->sign->setFixedSize(d->sign->sizeHint());
     d->text = new PopText(d->scroll->widget(), 1.0, false);
-    d->yes = makeButton(panel, QStringLiteral("Да"), true);
-    d->no = makeButton(panel, QStringLiteral("Нет"), false);
-    d->ok = makeButton(panel, QStringLiteral("ОК"), true);
+    d->yes = makeButton(panel, orvo::Text::tr("Да"), true);
+    d->no = makeButton(panel, orvo::Text::tr("Нет"), false);
+    d->ok = makeButton(panel, orvo::Text::tr("ОК"), true);
 
     auto* body = new QHBoxLayout;
     body->setSpacing(18);
@@ -298,7 +299,7 @@ void CPopMessageBox::addNote(const QString& line) {
     d->noted << line;
     QStringList lines = d->noted.mid(std::max<int>(0, d->noted.size() - mostLines));
     if (d->noted.size() > mostLines)
-        lines.prepend(QStringLiteral("… и ещё %1").arg(d->noted.size() - mostLines));
+        lines.prepend(orvo::Text::tr("… и ещё %1").arg(d->noted.size() - mostLines));
     if (!d->notes) {
         d->notes = new PopText(d->text->parentWidget(), 1.0, true);
         d->words->insertWidget(d->words->count() - 1, d->notes); // above the stretch

@@ -1,5 +1,6 @@
 #include "platform/client/QuestionNotes.h"
 
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "platform/store/Merge.h"
 #include "platform/store/Schema.h"
@@ -47,13 +48,13 @@ bool isIn(const QJsonObject& values, const QStringList& links, const QStringList
 QString whoAndWhen(const store::Change& change) {
     const QString time = QDateTime::fromMSecsSinceEpoch(std::llround(change.time * 1000))
                              .toString(QStringLiteral("HH:mm:ss"));
-    return QStringLiteral("%1, %2").arg(change.login.empty() ? QStringLiteral("мимо клиента")
+    return QStringLiteral("%1, %2").arg(change.login.empty() ? Text::tr("мимо клиента")
                                                              : QString::fromStdString(change.login),
                                         time);
 }
 
 QString named(const QString& name) {
-    return name.isEmpty() ? QString() : QStringLiteral(" «%1»").arg(name);
+    return name.isEmpty() ? QString() : Text::tr(" «%1»").arg(name);
 }
 
 } // namespace
@@ -72,8 +73,8 @@ void noteInQuestion(COrvoCliMod& module, const store::Change& change) {
     if (table == box->subjectTable() && keys.contains(key, Qt::CaseInsensitive)) {
         if (change.code != OrvoEventDelete) {
             const QString name = captionIn(after);
-            box->addNote(QStringLiteral("Изменено: %1").arg(who) +
-                         (name.isEmpty() ? QString() : QStringLiteral("; теперь") + named(name)));
+            box->addNote(Text::tr("Изменено: %1").arg(who) +
+                         (name.isEmpty() ? QString() : Text::tr("; теперь") + named(name)));
             return;
         }
         keys.erase(std::remove_if(keys.begin(), keys.end(),
@@ -81,9 +82,9 @@ void noteInQuestion(COrvoCliMod& module, const store::Change& change) {
                                       return one.compare(key, Qt::CaseInsensitive) == 0;
                                   }),
                    keys.end());
-        const QString line = QStringLiteral("Уже удалено%1: %2").arg(named(captionIn(before)), who);
+        const QString line = Text::tr("Уже удалено%1: %2").arg(named(captionIn(before)), who);
         if (keys.isEmpty()) {
-            box->withdraw(line + QStringLiteral(". Вопрос снят."));
+            box->withdraw(line + Text::tr(". Вопрос снят."));
         } else {
             box->setSubject(table, keys, box->subjectBelow());
             box->addNote(line);
@@ -97,13 +98,12 @@ void noteInQuestion(COrvoCliMod& module, const store::Change& change) {
     const bool isInside = isIn(after, links, keys + below);
     const bool wasInside = isBelow || isIn(before, links, keys + below);
     if (isInside && (change.code == OrvoEventInsert || !wasInside))
-        box->withdraw(
-            QStringLiteral("Внутри появилось%1: %2. Вопрос снят: посмотрите и решите заново.")
-                .arg(named(captionIn(after)), who));
+        box->withdraw(Text::tr("Внутри появилось%1: %2. Вопрос снят: посмотрите и решите заново.")
+                          .arg(named(captionIn(after)), who));
     else if (wasInside && change.code == OrvoEventDelete)
-        box->addNote(QStringLiteral("Внутри удалено%1: %2").arg(named(captionIn(before)), who));
+        box->addNote(Text::tr("Внутри удалено%1: %2").arg(named(captionIn(before)), who));
     else if (wasInside)
-        box->addNote(QStringLiteral("Внутри изменено: %1").arg(who));
+        box->addNote(Text::tr("Внутри изменено: %1").arg(who));
 }
 
 } // namespace orvo::client

@@ -1,5 +1,6 @@
 #include "frame/RecordTextValidator.h"
 
+#include "frame/Text.h"
 #include "platform/mdx/MdxBuild.h"
 
 #include <QCoreApplication>
@@ -30,16 +31,12 @@ QString refusal(const QStringList& letters) {
     constexpr int shownAtMost = 10;
     QStringList shown;
     for (const QString& letter : letters.mid(0, shownAtMost))
-        shown << QStringLiteral("«%1»").arg(letter);
+        shown << Text::tr("«%1»").arg(letter);
     QString text = shown.join(QStringLiteral(", "));
     if (letters.size() > shownAtMost)
-        text += QCoreApplication::translate("RecordTextValidator", " и ещё %1")
-                    .arg(letters.size() - shownAtMost);
-    return (letters.size() == 1
-                ? QCoreApplication::translate("RecordTextValidator",
-                                              "Не введено: знака %1 нет в кодировке Windows-1251.")
-                : QCoreApplication::translate(
-                      "RecordTextValidator", "Не введено: знаков %1 нет в кодировке Windows-1251."))
+        text += Text::tr(" и ещё %1").arg(letters.size() - shownAtMost);
+    return (letters.size() == 1 ? Text::tr("Не введено: знака %1 нет в кодировке Windows-1251.")
+                                : Text::tr("Не введено: знаков %1 нет в кодировке Windows-1251."))
         .arg(text);
 }
 
@@ -52,9 +49,7 @@ void RecordTextValidator::install(QLineEdit* field) {
     });
     connect(validator, &RecordTextValidator::tooLong, field, [field] {
         QToolTip::showText(field->mapToGlobal(field->rect().bottomLeft()),
-                           QCoreApplication::translate(
-                               "RecordTextValidator", "Не введено: больше %1 знаков поле не берёт.")
-                               .arg(longest),
+                           Text::tr("Не введено: больше %1 знаков поле не берёт.").arg(longest),
                            field);
     });
     // A line edit of itself cuts what it is filled with, and what is pasted, without a word.

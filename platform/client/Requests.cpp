@@ -1,4 +1,6 @@
 // The named requests: "TableRecords", "TableStructure", "UserProp".
+#include "frame/StdText.h"
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "platform/client/Blocks.h"
 #include "platform/client/SessionPrivate.h"
@@ -12,8 +14,8 @@ MDXCliParam* tableRecords(COrvoCliSes::Private& session, const std::string& tabl
     CMDArray rows;
     store::Status status = session.store->fetch(table, rows.array);
     if (status.ok() && !ensureKeyLink(rows.array, MDX_KEY_UNIQUE))
-        status = {store::NoMemory, "Недостаточно памяти."};
-    session.report(onTable("Чтение таблицы", table), status);
+        status = {store::NoMemory, StdText::tr("Недостаточно памяти.")};
+    session.report(onTable(StdText::tr("Чтение таблицы"), table), status);
     return status.ok() ? makeReply(rows.array) : makeReply(status);
 }
 
@@ -23,13 +25,13 @@ MDXCliParam* tableStructure(COrvoCliSes::Private& session, const std::string& ta
     store::Status status;
     // An unknown table is an array without fields, not an error: the reader has words for that.
     if (!definition)
-        session.report(onTable("Чтение структуры таблицы", table),
-                       {store::UnknownName, "Нет такой таблицы."});
+        session.report(onTable(StdText::tr("Чтение структуры таблицы"), table),
+                       {store::UnknownName, StdText::tr("Нет такой таблицы.")});
     // Several records for one key may stand in a table of changes, so its key takes them all.
     else if (store::makeStructure(*definition, structure.array) != MDX_OK ||
              !ensureKeyLink(structure.array, MDX_KEY_MULTI))
-        status = {store::NoMemory, "Недостаточно памяти."};
-    session.report(onTable("Чтение структуры таблицы", table), status);
+        status = {store::NoMemory, StdText::tr("Недостаточно памяти.")};
+    session.report(onTable(StdText::tr("Чтение структуры таблицы"), table), status);
     return status.ok() ? makeReply(structure.array) : makeReply(status);
 }
 
@@ -57,7 +59,7 @@ MDXCliParam* userProp(COrvoCliSes::Private& session) {
     const std::string login = session.store->login();
     const store::Status status =
         session.store->fetchWhere(table::Users, field::login_, login, users.array);
-    session.report(QStringLiteral("Чтение сведений о пользователе"), status);
+    session.report(Text::tr("Чтение сведений о пользователе"), status);
     if (!status.ok())
         return makeReply(status);
 
@@ -77,7 +79,7 @@ MDXCliParam* userProp(COrvoCliSes::Private& session) {
     writer.text1251(2, login1251.data(), login1251.size());
     writer.end();
     if (writer.finish() != MDX_OK || !ensureKeyLink(properties.array, MDX_KEY_UNIQUE))
-        return makeReply({store::NoMemory, "Недостаточно памяти."});
+        return makeReply({store::NoMemory, StdText::tr("Недостаточно памяти.")});
     return makeReply(properties.array);
 }
 
@@ -90,9 +92,8 @@ MDXCliParam* answer(COrvoCliSes::Private& session, const Request& request) {
         return tableStructure(session, request.data);
     if (request.name == request::UserProp)
         return userProp(session);
-    const store::Status unknown{store::UnknownName, "Неизвестный запрос."};
-    session.report(QStringLiteral("Запрос «%1»").arg(QString::fromStdString(request.name)),
-                   unknown);
+    const store::Status unknown{store::UnknownName, StdText::tr("Неизвестный запрос.")};
+    session.report(Text::tr("Запрос «%1»").arg(QString::fromStdString(request.name)), unknown);
     return makeReply(unknown);
 }
 

@@ -1,5 +1,7 @@
 #include "platform/client/SessionPrivate.h"
 
+#include "frame/StdText.h"
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "platform/client/Blocks.h"
 #include "platform/mdx/MdxBuild.h"
@@ -17,7 +19,7 @@ namespace orvo::client {
 std::unique_ptr<COrvoCliSes> makeSession(std::unique_ptr<store::Store> store,
                                          store::Status* status) {
     if (!store) {
-        *status = {store::BadArguments, "Хранилище не открыто."};
+        *status = {store::BadArguments, StdText::tr("Хранилище не открыто.")};
         return nullptr;
     }
     auto core = std::make_shared<SessionCore>();
@@ -76,9 +78,9 @@ CallScope::~CallScope() {
         QGuiApplication::restoreOverrideCursor();
 }
 
-QString onTable(const char* doing, std::string_view table) {
-    return QStringLiteral("%1 «%2»").arg(
-        QString::fromUtf8(doing),
+QString onTable(const std::string& doing, std::string_view table) {
+    return Text::tr("%1 «%2»").arg(
+        QString::fromStdString(doing),
         QString::fromUtf8(table.data(), static_cast<int>(std::min<size_t>(table.size(), 80))));
 }
 
@@ -144,10 +146,10 @@ void COrvoCliSes::PrmFree(MDXCliParam* prm) {
 
 MDArray* COrvoCliSes::SqlRequest(const char* sql) {
     static constexpr std::string_view head = "select * from Menu where FolderKey = '";
-    const QString operation = QStringLiteral("Выборка элементов меню");
+    const QString operation = Text::tr("Выборка элементов меню");
     const std::string_view text(sql ? sql : "");
     if (text.size() <= head.size() || text.substr(0, head.size()) != head || text.back() != '\'') {
-        d->report(operation, {store::Refused, "Такой запрос не поддерживается."});
+        d->report(operation, {store::Refused, StdText::tr("Такой запрос не поддерживается.")});
         return nullptr;
     }
     const std::string_view literal = text.substr(head.size(), text.size() - head.size() - 1);
@@ -157,9 +159,9 @@ MDArray* COrvoCliSes::SqlRequest(const char* sql) {
     store::Status status =
         d->store->fetchWhere(table::Menu, field::FolderKey, mdx::toUtf8(literal), rows.array);
     if (status.ok() && !ensureKeyLink(rows.array, MDX_KEY_UNIQUE))
-        status = {store::NoMemory, "Недостаточно памяти."};
+        status = {store::NoMemory, StdText::tr("Недостаточно памяти.")};
     if (!status.ok()) // the editor keeps what it shows
-        status.text += "; на экране прежнее меню";
+        status.text += StdText::tr("; на экране прежнее меню");
     d->report(operation, status);
     return status.ok() ? std::exchange(rows.array, nullptr) : nullptr;
 }
@@ -167,11 +169,11 @@ MDArray* COrvoCliSes::SqlRequest(const char* sql) {
 int COrvoCliSes::SqlUpdate(const char* table, MDArray* records, bool /*always*/,
                            MDXCliParam** prm) {
     const CallScope scope(*d);
-    store::Status status{store::BadArguments, "Нет таблицы или записей для неё."};
+    store::Status status{store::BadArguments, StdText::tr("Нет таблицы или записей для неё.")};
     if (table && records)
         status = d->write(WriteRequest::ofRecords(table, records));
     else
-        d->report(onTable("Запись в таблицу", table ? table : ""), status);
+        d->report(onTable(StdText::tr("Запись в таблицу"), table ? table : ""), status);
     if (prm)
         *prm = makeReply(status);
     return status.ok() ? 1 : 0;

@@ -91,7 +91,7 @@ private:
 MDXCliParam* answer(COrvoCliSes::Private& session, const Request& request);
 
 /// What to do with a table in the words of a message: "Запись в таблицу «Menu»".
-QString onTable(const char* doing, std::string_view table);
+QString onTable(const std::string& doing, std::string_view table);
 
 } // namespace orvo::client
 

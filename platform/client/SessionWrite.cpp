@@ -1,4 +1,6 @@
 // The one way of a write, and what is remembered of it.
+#include "frame/StdText.h"
+#include "frame/Text.h"
 #include "platform/client/SessionPrivate.h"
 #include "platform/client/WriteWords.h"
 
@@ -13,7 +15,7 @@ namespace {
 
 /// What a server that failed over may have lost is remembered within these bounds.
 constexpr int rememberedSeconds = 15 * 60;
-constexpr size_t mostRememberedChanges = 10'000;
+constexpr size_t mostRememberedChanges = 10000;
 constexpr size_t mostRememberedBytes = 64u << 20;
 
 /// Whether a failure leaves the store able to answer questions.
@@ -94,7 +96,7 @@ store::Status COrvoCliSes::Private::write(WriteRequest request) {
             UnwrittenEntry entry;
             entry.state = UnwrittenEntry::Waiting;
             entry.words = describe(request, nullptr);
-            entry.why = QStringLiteral("ждёт: %1").arg(what);
+            entry.why = Text::tr("ждёт: %1").arg(what);
             const store::Status status{store::Refused, entry.why.toStdString()};
             report(operationOf(entry.words), status);
             entry.request = std::move(request);
@@ -137,7 +139,7 @@ store::Status COrvoCliSes::Private::write(WriteRequest request) {
         for (UnwrittenEntry& entry : met) {
             entry.words = describe(entry.request, store, entry.deletedRecord);
             report(operationOf(entry.words),
-                   {store::Refused, "не записано: " + entry.why.toStdString()});
+                   {store::Refused, StdText::tr("не записано: ") + entry.why.toStdString()});
             keep(std::move(entry), true);
         }
     }
@@ -199,8 +201,8 @@ int listLostWrites(COrvoCliSes& session) {
         entry.module = own->module;
         entry.written = own->written;
         entry.seen = seen; // what was written there instead is another's
-        entry.why = QStringLiteral("было записано, но сервер, который работает теперь, этого не "
-                                   "имеет");
+        entry.why = Text::tr("было записано, но сервер, который работает теперь, этого не "
+                             "имеет");
         core.unwritten->add(std::move(entry), true);
     }
     core.ownWrites.erase(first, core.ownWrites.end());

@@ -1,6 +1,8 @@
 // The base of the tools, and those that read or delete.
 #include "platform/client/SessionPrivate.h"
 
+#include "frame/StdText.h"
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "platform/client/FileTools.h"
 #include "platform/mdx/MdxBuild.h"
@@ -33,7 +35,7 @@ void COrvoToolObject::Perform(bool /*background*/) {
 
 namespace {
 
-const store::Status noMemory{store::NoMemory, "Недостаточно памяти."};
+const store::Status noMemory{store::NoMemory, StdText::tr("Недостаточно памяти.")};
 
 /// Rows of stored files as the editors read them. A fifth field keeps the order of the reply. The
 /// files' bytes are gone then: large ones should not be in memory more often than they must.
@@ -86,7 +88,7 @@ void finishFiles(COrvoCliSes& session, const QString& operation, store::Status s
 
 /// Content that is asked for by its name and is not there is a failure: a list may be empty.
 store::Status wanted(store::Status status, const std::vector<store::StoredFile>& files,
-                     const char* what) {
+                     const std::string& what) {
     if (status.ok() && files.empty())
         return {store::UnknownName, what};
     return status;
@@ -169,10 +171,11 @@ CToolRecByKey::~CToolRecByKey() = default;
 
 void CToolRecByKey::run(COrvoCliSes& session) {
     clear(result);
-    const QString operation = onTable("Поиск записей в таблице", tableName);
+    const QString operation = onTable(StdText::tr("Поиск записей в таблице"), tableName);
     const char* key = serverKey(tableName, keyNumber);
     if (!key) {
-        session.data()->report(operation, {store::UnknownName, "Нет такой таблицы или ключа."});
+        session.data()->report(operation,
+                               {store::UnknownName, StdText::tr("Нет такой таблицы или ключа.")});
         return;
     }
     const QList<QByteArray> fields = QByteArray(key).split(';');
@@ -221,7 +224,7 @@ void CToolRecByKeys::run(COrvoCliSes& session) {
     const store::Status status = session.data()->store->fetchKeys(tableName, wanted, rows.array);
     if (status.ok())
         result.Attach(std::exchange(rows.array, nullptr));
-    session.data()->report(onTable("Поиск записей в таблице", tableName), status);
+    session.data()->report(onTable(StdText::tr("Поиск записей в таблице"), tableName), status);
 }
 
 CToolFormGet::CToolFormGet(COrvoCliMod* module) : COrvoToolObject(module) {
@@ -235,8 +238,9 @@ void CToolFormGet::run(COrvoCliSes& session) {
     std::vector<store::StoredFile> files;
     store::Status status = session.data()->store->formGet(formName.toStdString(), withData, &files);
     if (withData)
-        status = wanted(std::move(status), files, "В хранилище нет файлов этой формы.");
-    finishFiles(session, QStringLiteral("Чтение формы «%1»").arg(formName), status, files, result);
+        status =
+            wanted(std::move(status), files, StdText::tr("В хранилище нет файлов этой формы."));
+    finishFiles(session, Text::tr("Чтение формы «%1»").arg(formName), status, files, result);
 }
 
 CToolFileList::CToolFileList(COrvoCliMod* module) : COrvoToolObject(module) {
@@ -261,8 +265,7 @@ void CToolFileList::run(COrvoCliSes& session) {
         std::sort(files.begin(), files.end(),
                   [](const auto& a, const auto& b) { return a.name < b.name; });
     }
-    finishFiles(session, QStringLiteral("Список файлов папки «%1»").arg(path), status, files,
-                result);
+    finishFiles(session, Text::tr("Список файлов папки «%1»").arg(path), status, files, result);
 }
 
 CToolFileGet::CToolFileGet(COrvoCliMod* module) : COrvoToolObject(module) {
@@ -276,8 +279,9 @@ void CToolFileGet::run(COrvoCliSes& session) {
     std::vector<store::StoredFile> files;
     store::Status status =
         session.data()->store->fileGet(path.toStdString(), name.toStdString(), true, &files);
-    finishFiles(session, QStringLiteral("Чтение файла «%1»").arg(storedPath(path, name)),
-                wanted(std::move(status), files, "В хранилище нет этого файла."), files, result);
+    finishFiles(session, Text::tr("Чтение файла «%1»").arg(storedPath(path, name)),
+                wanted(std::move(status), files, StdText::tr("В хранилище нет этого файла.")),
+                files, result);
 }
 
 CToolFormDel::CToolFormDel(COrvoCliMod* module) : COrvoToolObject(module) {

@@ -1,4 +1,5 @@
 // The tools that bring files into the stores.
+#include "frame/StdText.h"
 #include "platform/client/FileTools.h"
 #include "platform/client/WriteWords.h"
 
@@ -14,7 +15,7 @@ namespace {
 store::Status addFile(WriteRequest& request, const QString& path, const QString& name,
                       const void* data, qint64 size, double time) {
     if (size < 0 || (size > 0 && !data))
-        return {store::BadArguments, "Неверный размер или содержимое файла."};
+        return {store::BadArguments, StdText::tr("Неверный размер или содержимое файла.")};
     const store::Status status = checkCarried(name.toStdString(), static_cast<uint64_t>(size));
     WriteRequest::File file{path, name, {}, {}};
     if (status.ok())

@@ -1,5 +1,6 @@
 #include "platform/client/UnwrittenFiles.h"
 
+#include "frame/Text.h"
 #include "platform/client/WholeFile.h"
 
 #include <QCborArray>
@@ -216,7 +217,7 @@ bool UnwrittenFiles::open(const QString& directory, QString* error) {
     m_lock = made ? lockFile(m_own) : -1;
     if (m_lock >= 0)
         return true;
-    *error = QStringLiteral("Каталог %1 не создан: %2. Несохранённое останется только в памяти.")
+    *error = Text::tr("Каталог %1 не создан: %2. Несохранённое останется только в памяти.")
                  .arg(m_own, QString::fromLocal8Bit(std::strerror(errno)));
     return false;
 }
@@ -268,7 +269,7 @@ bool UnwrittenFiles::save(const UnwrittenEntry& entry, QString* error) {
     if (openWhole(file) && file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner) &&
         saveWhole(file, packEntry(entry, m_owner)))
         return true;
-    *error = QStringLiteral("%1 не записан: %2").arg(file.fileName(), file.errorString());
+    *error = Text::tr("%1 не записан: %2").arg(file.fileName(), file.errorString());
     return false;
 }
 

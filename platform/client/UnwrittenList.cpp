@@ -1,5 +1,6 @@
 #include "platform/client/UnwrittenList.h"
 
+#include "frame/Text.h"
 #include "history/RecordWords.h"
 #include "platform/client/Corrections.h"
 #include "platform/client/UnwrittenFiles.h"
@@ -81,7 +82,7 @@ bool UnwrittenList::keepIn(const QString& directory, QString* error) {
         m_entries.push_back(std::move(left));
     }
     if (!problems.isEmpty())
-        emit told(QStringLiteral("Несохранённое не прочитано, файлы оставлены на месте: %1")
+        emit told(Text::tr("Несохранённое не прочитано, файлы оставлены на месте: %1")
                       .arg(problems.join(QStringLiteral(", "))));
     connectionReturned();
     emit changed();
@@ -112,9 +113,9 @@ void UnwrittenList::check() const {
 QString UnwrittenList::summary() const {
     if (m_entries.empty())
         return {};
-    QString text = QStringLiteral("Не записано: ") + m_entries.front().words.what;
+    QString text = Text::tr("Не записано: ") + m_entries.front().words.what;
     if (m_entries.size() > 1)
-        text += QStringLiteral(" и ещё %1").arg(m_entries.size() - 1);
+        text += Text::tr(" и ещё %1").arg(m_entries.size() - 1);
     return text;
 }
 
@@ -148,7 +149,7 @@ void UnwrittenList::saveRest() {
         m_unsaved.erase(m_unsaved.begin());
     }
     m_retry.stop();
-    emit told(QStringLiteral("Список «Не записано» снова хранится на диске весь"));
+    emit told(Text::tr("Список «Не записано» снова хранится на диске весь"));
 }
 
 /// The id is a copy: it may be that of the very entry that goes.

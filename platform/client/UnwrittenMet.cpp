@@ -1,6 +1,7 @@
 // Entries for what an update met: fields that another changed, records that are gone.
 #include "platform/client/UnwrittenList.h"
 
+#include "frame/Text.h"
 #include "history/RecordWords.h"
 #include "platform/store/Names.h"
 
@@ -24,7 +25,7 @@ std::vector<UnwrittenEntry> conflictEntries(const store::TableDef& table,
         QStringList who;
         for (const store::Conflict* conflict : conflicts) {
             record.values.emplace_back(conflict->field, conflict->mine);
-            const QString login = conflict->login.empty() ? QStringLiteral("(вручную)")
+            const QString login = conflict->login.empty() ? Text::tr("(вручную)")
                                                           : QString::fromStdString(conflict->login);
             entry.theirs.push_back(
                 {conflict->key, conflict->field,
@@ -35,8 +36,7 @@ std::vector<UnwrittenEntry> conflictEntries(const store::TableDef& table,
         }
         who.removeDuplicates();
         entry.request = requestOf(table, {record});
-        entry.why =
-            QStringLiteral("эти же поля изменил другой: %1").arg(who.join(QStringLiteral(", ")));
+        entry.why = Text::tr("эти же поля изменил другой: %1").arg(who.join(QStringLiteral(", ")));
         entries.push_back(std::move(entry));
     }
     return entries;
@@ -58,15 +58,15 @@ std::vector<UnwrittenEntry> missingEntries(const WriteRequest& request,
         UnwrittenEntry entry;
         entry.state = UnwrittenEntry::Gone;
         entry.request = requestOf(*table, {wanted});
-        entry.why = QStringLiteral("записи нет в хранилище");
+        entry.why = Text::tr("записи нет в хранилище");
         if (missing.deletion) {
             entry.deletedRecord = missing.deletion->before;
             const QString login = QString::fromStdString(missing.deletion->login);
             entry.why =
-                QStringLiteral("запись удалена: %1, %2")
-                    .arg(login.isEmpty() ? QStringLiteral("вручную") : login,
+                Text::tr("запись удалена: %1, %2")
+                    .arg(login.isEmpty() ? Text::tr("вручную") : login,
                          QDateTime::fromMSecsSinceEpoch(std::llround(missing.deletion->time * 1000))
-                             .toString(QStringLiteral("dd.MM.yyyy HH:mm:ss")));
+                             .toString(Text::tr("dd.MM.yyyy HH:mm:ss")));
         }
         entries.push_back(std::move(entry));
     }

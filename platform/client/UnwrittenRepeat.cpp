@@ -1,6 +1,8 @@
 // Repeating what was not written.
 #include "platform/client/UnwrittenList.h"
 
+#include "frame/StdText.h"
+#include "frame/Text.h"
 #include "platform/store/ChangeRecord.h"
 
 #include <utility>
@@ -56,7 +58,7 @@ store::Status UnwrittenList::write(UnwrittenEntry& entry, store::UpdateGuard* gu
     const store::TableDef* table = store::findTable(entry.request.table);
     const std::vector<RecordWrite> records = recordsOf(entry.request);
     if (!table || records.empty())
-        return {store::BadStructure, "Записи не читаются."};
+        return {store::BadStructure, StdText::tr("Записи не читаются.")};
     return perform(requestOf(*table, {remade(*table, entry.deletedRecord, records.front())}),
                    m_store, guard, unknown);
 }
@@ -107,7 +109,7 @@ bool UnwrittenList::repeat(const QString& id) {
         check();
         emit changed();
         emit written();
-        emit told(QStringLiteral("Записано: %1").arg(done.words.what));
+        emit told(Text::tr("Записано: %1").arg(done.words.what));
         free();
         return true;
     }
@@ -186,16 +188,16 @@ void UnwrittenList::connectionReturned() {
         } else {
             entry.state = UnwrittenEntry::Refused;
             entry.why = outcome == store::Outcome::NotSaved
-                            ? QStringLiteral("связь потеряна при записи; в хранилище этого нет")
-                            : QStringLiteral("связь потеряна при записи; журнал изменений очищен, "
-                                             "и узнать исход уже нельзя");
+                            ? Text::tr("связь потеряна при записи; в хранилище этого нет")
+                            : Text::tr("связь потеряна при записи; журнал изменений очищен, "
+                                       "и узнать исход уже нельзя");
             save(entry);
         }
     }
     if (any)
         emit changed();
     for (const QString& what : saved)
-        emit told(QStringLiteral("Связь терялась при записи, но записано: %1").arg(what));
+        emit told(Text::tr("Связь терялась при записи, но записано: %1").arg(what));
     if (!saved.isEmpty())
         free();
 }

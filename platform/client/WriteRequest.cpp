@@ -1,5 +1,6 @@
 #include "platform/client/WriteRequest.h"
 
+#include "frame/StdText.h"
 #include "platform/mdx/MdxBuild.h"
 
 #include <memory>
@@ -132,7 +133,7 @@ store::Status call(const WriteRequest& request, store::Store& store, store::Upda
             return store.update(request.table, request.callersRecords, guard);
         const std::unique_ptr<CMDArray> array = unpacked(request);
         if (!array)
-            return {store::BadStructure, "Записи не читаются."};
+            return {store::BadStructure, StdText::tr("Записи не читаются.")};
         return store.update(request.table, array->array, guard);
     }
     case WriteRequest::FormPut:
@@ -152,7 +153,7 @@ store::Status call(const WriteRequest& request, store::Store& store, store::Upda
         return store.fileDelete(names);
     }
     }
-    return {store::BadArguments, "Неизвестная операция."};
+    return {store::BadArguments, StdText::tr("Неизвестная операция.")};
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "platform/client/WriteWords.h"
 
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "history/RecordWords.h"
 #include "platform/store/ChangeRecord.h"
@@ -25,22 +26,22 @@ WriteWords describeFiles(const WriteRequest& request) {
     const int more = names.size() - most;
     QString list = QStringList(names.mid(0, most)).join(QStringLiteral(", "));
     if (more > 0)
-        list += QStringLiteral(" и ещё %1").arg(more);
+        list += Text::tr(" и ещё %1").arg(more);
     switch (request.kind) {
     case WriteRequest::FormPut:
-        words.what = QStringLiteral("Загрузка формы %1")
-                         .arg(quoted(names.isEmpty() ? QString() : names.first()));
+        words.what =
+            Text::tr("Загрузка формы %1").arg(quoted(names.isEmpty() ? QString() : names.first()));
         words.place = request.formPath;
         break;
     case WriteRequest::FilePut:
-        words.what = names.size() == 1 ? QStringLiteral("Загрузка файла ") + quoted(names.first())
-                                       : QStringLiteral("Загрузка файлов: %1").arg(list);
+        words.what = names.size() == 1 ? Text::tr("Загрузка файла ") + quoted(names.first())
+                                       : Text::tr("Загрузка файлов: %1").arg(list);
         break;
     case WriteRequest::FormDelete:
-        words.what = QStringLiteral("Удаление форм: %1").arg(list);
+        words.what = Text::tr("Удаление форм: %1").arg(list);
         break;
     default:
-        words.what = QStringLiteral("Удаление файлов: %1").arg(list);
+        words.what = Text::tr("Удаление файлов: %1").arg(list);
     }
     return words;
 }
@@ -54,8 +55,8 @@ WriteWords describe(const WriteRequest& request, store::Store* store, const std:
     const store::TableDef* table = store::findTable(request.table);
     const std::vector<RecordWrite> records = recordsOf(request);
     if (!table || records.empty()) {
-        words.what = QStringLiteral("Запись в таблицу %1")
-                         .arg(quoted(QString::fromStdString(request.table)));
+        words.what =
+            Text::tr("Запись в таблицу %1").arg(quoted(QString::fromStdString(request.table)));
         return words;
     }
     history::StoredRecords source(store);
@@ -102,11 +103,11 @@ WriteWords describe(const WriteRequest& request, store::Store* store, const std:
         words.what = history::deedWord(deed, history::nounOf(*table, after)) + QLatin1Char(' ') +
                      history::recordWords(*table, after, record.key);
         if (renamed && history::nameOf(*table, before) != name)
-            words.what += QStringLiteral(": было ") + quoted(history::nameOf(*table, before));
+            words.what += Text::tr(": было ") + quoted(history::nameOf(*table, before));
         words.place = history::placeOf(*table, after, &source);
     }
     if (records.size() > 1)
-        words.what += QStringLiteral(" и ещё %1").arg(records.size() - 1);
+        words.what += Text::tr(" и ещё %1").arg(records.size() - 1);
     return words;
 }
 

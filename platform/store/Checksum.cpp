@@ -1,5 +1,6 @@
 #include "platform/store/Checksum.h"
 
+#include "frame/StdText.h"
 #include "platform/store/Names.h"
 
 #include <QCryptographicHash>
@@ -32,7 +33,7 @@ std::string checksumLine(const std::string& sum, const std::string& name) {
 }
 
 Status sumOf(const std::string& file, const Progress& progress, std::string* sum) {
-    const std::string what = "Контрольная сумма файла " + shown(file);
+    const std::string what = StdText::tr("Контрольная сумма файла ") + shown(file);
     QFile source(nameOf(file));
     if (!source.open(QIODevice::ReadOnly))
         return {Failed, what + ": " + source.errorString().toStdString()};
@@ -46,7 +47,7 @@ Status sumOf(const std::string& file, const Progress& progress, std::string* sum
         hash.addData(piece);
         done += static_cast<uint64_t>(piece.size());
         if (progress && !progress(done, all))
-            return {Stopped, what + ": прервано"};
+            return {Stopped, what + StdText::tr(": прервано")};
     }
     if (source.error() != QFileDevice::NoError)
         return {Failed, what + ": " + source.errorString().toStdString()};
@@ -61,10 +62,10 @@ bool hasChecksum(const std::string& backup) {
 Status verifyChecksum(const std::string& backup, const Progress& progress) {
     if (!hasChecksum(backup))
         return {};
-    const std::string what = "Резервная копия " + shown(backup);
+    const std::string what = StdText::tr("Резервная копия ") + shown(backup);
     QFile beside(nameOf(checksumFile(backup)));
     if (!beside.open(QIODevice::ReadOnly))
-        return {Refused, what + ": контрольная сумма рядом с ней не читается (" +
+        return {Refused, what + StdText::tr(": контрольная сумма рядом с ней не читается (") +
                              beside.errorString().toStdString() + ")"};
     QByteArray expected = beside.read(digits + 1);
     if (expected.startsWith('\\'))
@@ -74,8 +75,9 @@ Status verifyChecksum(const std::string& backup, const Progress& progress) {
     if (!status.ok())
         return status;
     if (expected.left(digits).toLower().toStdString() != sum)
-        return {Refused, what + " изменена или повреждена: её контрольная сумма не та, что в " +
-                             shown(checksumFile(backup))};
+        return {Refused,
+                what + StdText::tr(" изменена или повреждена: её контрольная сумма не та, что в ") +
+                    shown(checksumFile(backup))};
     return {};
 }
 

@@ -1,5 +1,6 @@
 #include "platform/store/GuardedUpdate.h"
 
+#include "frame/StdText.h"
 #include "platform/store/ChangeRecord.h"
 #include "platform/store/LinkCycles.h"
 #include "platform/store/Names.h"
@@ -31,7 +32,8 @@ const Value* valueOf(const Write& write, int field) {
 }
 
 std::string byWhom(const Change& change) {
-    return change.login.empty() ? "вручную" : "пользователем " + shown(change.login);
+    return change.login.empty() ? StdText::tr("вручную")
+                                : StdText::tr("пользователем ") + shown(change.login);
 }
 
 /// What people call the record: its caption or name, as far as a change of the log tells.
@@ -72,8 +74,8 @@ Status GuardedUpdate::checkReach(const UpdateGuard& guard) {
     StoreBackend::Gap gap = StoreBackend::Gap::None;
     const Status status = guard.seen < 0 ? Status() : m_backend.gapSince(guard.seen, &gap);
     return status.ok() && gap != StoreBackend::Gap::None
-               ? Status{Outdated,
-                        StoreBackend::gapWords(gap) + ", и уже не видно, что меняли другие"}
+               ? Status{Outdated, StoreBackend::gapWords(gap) +
+                                      StdText::tr(", и уже не видно, что меняли другие")}
                : status;
 }
 
@@ -166,8 +168,8 @@ Status GuardedUpdate::checkParent(const Write& write, int field, const TableDef&
     const std::string name = nameIn(above, deletion->before);
     const std::string who = byWhom(*deletion);
     *deletedParent = std::move(deletion);
-    return {ParentDeleted, "Папка " + shown(name.empty() ? key : name) +
-                               ", в которой должна быть запись, удалена " + who};
+    return {ParentDeleted, StdText::tr("Папка ") + shown(name.empty() ? key : name) +
+                               StdText::tr(", в которой должна быть запись, удалена ") + who};
 }
 
 Status GuardedUpdate::checkResources(const UpdateGuard& guard) {
@@ -208,8 +210,9 @@ Status GuardedUpdate::checkResources(const UpdateGuard& guard) {
             if (!isNew)
                 continue;
             const std::string name = nameIn(resources, change.before);
-            return {Refused, "Ресурс " + shown(name.empty() ? change.key : name) +
-                                 " тем временем удалён " + byWhom(change) + "; выберите другой"};
+            return {Refused, StdText::tr("Ресурс ") + shown(name.empty() ? change.key : name) +
+                                 StdText::tr(" тем временем удалён ") + byWhom(change) +
+                                 StdText::tr("; выберите другой")};
         }
     return status;
 }
@@ -247,9 +250,11 @@ Status GuardedUpdate::checkIcons(const UpdateGuard& guard) {
             status = m_backend.selectWhere(m_table, {icon}, 0, write.key, compare);
         if (status.ok() && isNew)
             return {Refused,
-                    "Иконки " + shown(found->first) + " больше нет: тем временем её файл " +
-                        (found->second.code == OrvoEventDelete ? "удалён " : "переименован ") +
-                        byWhom(found->second) + "; выберите другую"};
+                    StdText::tr("Иконки ") + shown(found->first) +
+                        StdText::tr(" больше нет: тем временем её файл ") +
+                        (found->second.code == OrvoEventDelete ? StdText::tr("удалён ")
+                                                               : StdText::tr("переименован ")) +
+                        byWhom(found->second) + StdText::tr("; выберите другую")};
     }
     return status;
 }
@@ -337,11 +342,13 @@ Status GuardedUpdate::checkChildren(const UpdateGuard& guard) {
             if (isOwnChange(guard, change.id) || after.find(field) == after.end())
                 continue;
             const std::string name = nameIn(below, change.after);
-            const std::string who = change.login.empty() ? std::string("другой")
-                                                         : "пользователь " + shown(change.login);
-            return {Refused, "Не удалено: " + who + " тем временем поместил внутрь " +
+            const std::string who = change.login.empty()
+                                        ? StdText::tr("другой")
+                                        : StdText::tr("пользователь ") + shown(change.login);
+            return {Refused, StdText::tr("Не удалено: ") + who +
+                                 StdText::tr(" тем временем поместил внутрь ") +
                                  shown(name.empty() ? change.key : name) +
-                                 "; посмотрите и удалите ещё раз"};
+                                 StdText::tr("; посмотрите и удалите ещё раз")};
         }
     }
     return {};

@@ -1,5 +1,6 @@
 #include "platform/store/LinkCycles.h"
 
+#include "frame/StdText.h"
 #include "platform/store/Merge.h"
 #include "platform/store/Names.h"
 
@@ -52,8 +53,9 @@ Status LinkCycles::checkOne(const std::string& key, const ParentOf& parentOf, So
     std::string at = own.parent;
     while (!at.empty() && known.count(at) == 0) {
         if (at == key)
-            return {Refused, "Таблица " + shown(m_table.name) + ", запись " + shown(own.key) +
-                                 ": папка оказалась бы внутри самой себя"};
+            return {Refused, StdText::tr("Таблица ") + shown(m_table.name) +
+                                 StdText::tr(", запись ") + shown(own.key) +
+                                 StdText::tr(": папка оказалась бы внутри самой себя")};
         if (!seen.insert(at).second)
             return {}; // a circle above, which this record is no part of
         const auto written = m_links.find(at);

@@ -1,6 +1,7 @@
 // The connection: making it, waiting on it and sending.
 #include "platform/store/PostgresApi.h"
 
+#include "frame/StdText.h"
 #include "platform/store/Names.h"
 #include "platform/store/WaitPolicy.h"
 
@@ -100,26 +101,27 @@ Status Connection::open(const Url& url) {
     close();
     m_end = End::None;
     m_silentMs = std::atoi(url.get("tcp_user_timeout").c_str());
-    const std::string what = "Нет подключения к " + shown(url.displayName());
+    const std::string what = StdText::tr("Нет подключения к ") + shown(url.displayName());
     const std::string where = what + ": ";
     const std::shared_ptr<Attempt> made = attempt(url);
     if (!made) {
         m_end = End::GivenUp;
-        return {Timeout, where + "ожидание прервано"};
+        return {Timeout, where + StdText::tr("ожидание прервано")};
     }
     m_connection = std::move(made->connection);
     if (!m_connection)
-        return {NoMemory, "Не хватает памяти"};
+        return {NoMemory, StdText::tr("Не хватает памяти")};
     if (!usable()) {
         const bool noPassword = PQconnectionNeedsPassword(get()) != 0;
         close();
         if (made->state.starts_with("28") || noPassword)
-            return {BadLogin,
-                    where + "пользователь не найден или неправильный пароль (" + made->why + ")"};
+            return {BadLogin, where +
+                                  StdText::tr("пользователь не найден или неправильный пароль (") +
+                                  made->why + ")"};
         if (made->state == "3D000")
-            return {UnknownName, where + "нет базы " + shown(url.get("dbname"))};
+            return {UnknownName, where + StdText::tr("нет базы ") + shown(url.get("dbname"))};
         if (made->state == "42501")
-            return {Refused, where + "недостаточно прав (" + made->why + ")"};
+            return {Refused, where + StdText::tr("недостаточно прав (") + made->why + ")"};
         return {CannotConnect, where + made->why};
     }
     PQsetNoticeProcessor(

@@ -2,6 +2,7 @@
 // while others write, carry the log along, and can be read by any administrator of the server
 // without this program. Only the schema of the store is copied and restored: what else is in the
 // database belongs to others.
+#include "frame/StdText.h"
 #include "platform/store/PostgresSchema.h"
 #include "platform/store/PostgresStore.h"
 
@@ -64,10 +65,12 @@ public:
     Status start(const QStringList& arguments) {
         const QString path = QStandardPaths::findExecutable(QString::fromUtf8(m_name));
         if (path.isEmpty())
-            return {Failed, m_what + ": нет программы " + m_name + " (пакет postgresql-client)"};
+            return {Failed, m_what + StdText::tr(": нет программы ") + m_name +
+                                StdText::tr(" (пакет postgresql-client)")};
         process.start(path, arguments);
         if (!process.waitForStarted())
-            return {Failed, m_what + ": программа " + std::string(m_name) + " не запускается (" +
+            return {Failed, m_what + StdText::tr(": программа ") + std::string(m_name) +
+                                StdText::tr(" не запускается (") +
                                 process.errorString().toStdString() + ")"};
         return {};
     }
@@ -92,11 +95,12 @@ public:
             return serverFailure(
                 m_what, state,
                 m_url.withoutSecrets(validUtf8(line.substr(line.find(state + ": ") + 7))));
-        return {Failed, m_what + ": " +
-                            (line.empty() ? std::string(m_name) + " не закончила работу"
-                                          : m_url.withoutSecrets(validUtf8(line)))};
+        return {Failed,
+                m_what + ": " +
+                    (line.empty() ? std::string(m_name) + StdText::tr(" не закончила работу")
+                                  : m_url.withoutSecrets(validUtf8(line)))};
     }
-    Status stopped() const { return {Stopped, m_what + ": прервано"}; }
+    Status stopped() const { return {Stopped, m_what + StdText::tr(": прервано")}; }
 
     QProcess process;
     QByteArray words; ///< all that a program said that failed
@@ -154,14 +158,14 @@ bool isOwn(const QString& entry) {
 
 /// Refuses an archive that holds no store, or a newer one.
 Status checkArchive(const Url& url, const std::string& file, QByteArray* entries, int* version) {
-    const std::string what = "Резервная копия " + shown(file);
+    const std::string what = StdText::tr("Резервная копия ") + shown(file);
     const QString path = QString::fromStdString(file);
     QByteArray list;
     Status status = output(url, "pg_restore", {"--list", path}, what, &list);
     if (!status.ok())
         return {status.code == Failed ? int(NotAStore) : status.code, status.text};
     if (!list.contains(" TABLE public NciStore ") || !list.contains(" TABLE public NciEvent "))
-        return {NotAStore, what + ": в ней нет хранилища"};
+        return {NotAStore, what + StdText::tr(": в ней нет хранилища")};
     for (const QByteArray& entry : list.split('\n'))
         if (isOwn(QString::fromUtf8(entry)))
             *entries += entry + '\n';
@@ -175,10 +179,10 @@ Status checkArchive(const Url& url, const std::string& file, QByteArray* entries
     const int line = copy < 0 ? -1 : data.indexOf('\n', copy + 1);
     *version = line < 0 ? 0 : data.mid(line + 1, 12).simplified().split(' ').first().toInt();
     if (*version < 1)
-        return {NotAStore, what + ": в ней нет хранилища"};
+        return {NotAStore, what + StdText::tr(": в ней нет хранилища")};
     if (*version > static_cast<int>(migrations().size()))
-        return {NewerStore, what + " сделана более новой версией программы (версия " +
-                                std::to_string(*version) + ", известна " +
+        return {NewerStore, what + StdText::tr(" сделана более новой версией программы (версия ") +
+                                std::to_string(*version) + StdText::tr(", известна ") +
                                 std::to_string(migrations().size()) + ")"};
     return {};
 }
@@ -228,20 +232,24 @@ std::string checkRows() {
     return std::string(R"(DO $orvo$ BEGIN
 IF EXISTS (SELECT 1 FROM public."MenuResourceFile" AS f WHERE NOT EXISTS (SELECT 1 FROM
     public."MenuResource" AS r WHERE lower(r."KeyLink") = lower(f."MenuResourceKey"))) THEN
-  RAISE EXCEPTION 'копия изменена: содержимое файла без его ресурса';
+  RAISE EXCEPTION )" + literal(StdText::tr("копия изменена: содержимое файла без его ресурса")) +
+                       R"(;
 END IF;
 IF EXISTS (SELECT 1 FROM public."MenuResourceFile" AS f WHERE coalesce(f."size", 0) <>
     (SELECT coalesce(sum(length(d."data")), 0) FROM public."MenuResourceFileData" AS d
      WHERE d."KeyLink" = f."KeyLink")) THEN
-  RAISE EXCEPTION 'копия изменена: содержимое файла не той длины';
+  RAISE EXCEPTION )" + literal(StdText::tr("копия изменена: содержимое файла не той длины")) +
+                       R"(;
 END IF;
 IF EXISTS (SELECT 1 FROM public."NciEvent" WHERE "id" < 1 OR "code" NOT IN ()") +
            std::to_string(OrvoEventInsert) + ", " + std::to_string(OrvoEventUpdate) + ", " +
            std::to_string(OrvoEventDelete) + R"()) THEN
-  RAISE EXCEPTION 'копия изменена: невозможная строка журнала изменений';
+  RAISE EXCEPTION )" +
+           literal(StdText::tr("копия изменена: невозможная строка журнала изменений")) + R"(;
 END IF;
 IF (SELECT count(*) FROM public."NciPruned") <> 1 THEN
-  RAISE EXCEPTION 'копия изменена: не одна строка в таблице NciPruned';
+  RAISE EXCEPTION )" +
+           literal(StdText::tr("копия изменена: не одна строка в таблице NciPruned")) + R"(;
 END IF;
 END $orvo$;
 )";
@@ -269,7 +277,7 @@ QByteArray ending(int version, bool vouchedFor) {
 
 Status PostgresStore::backup(const std::string& file, const Progress& progress) {
     return guarded([&]() -> Status {
-        const char what[] = "Резервная копия";
+        const std::string what = StdText::tr("Резервная копия");
         const QString path = QString::fromStdString(file);
         Status status = ready();
         if (!status.ok())
@@ -312,7 +320,7 @@ Status PostgresStore::backup(const std::string& file, const Progress& progress) 
 
 Status PostgresStore::restore(const std::string& file, const Progress& progress) {
     return guarded([&]() -> Status {
-        const std::string what = "Восстановление";
+        const std::string what = StdText::tr("Восстановление");
         const bool vouchedFor = hasChecksum(file);
         QByteArray entries;
         int version = 0;
@@ -323,8 +331,8 @@ Status PostgresStore::restore(const std::string& file, const Progress& progress)
             return status;
         QTemporaryFile list;
         if (!list.open() || list.write(entries) != entries.size() || !list.flush())
-            return {Failed,
-                    what + ": нет места для списка (" + list.errorString().toStdString() + ")"};
+            return {Failed, what + StdText::tr(": нет места для списка (") +
+                                list.errorString().toStdString() + ")"};
         Program reader(m_url, "pg_restore", what);
         Program writer(m_url, "psql", what);
         writer.process.setStandardOutputFile(QProcess::nullDevice());

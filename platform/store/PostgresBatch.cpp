@@ -2,6 +2,7 @@
 // statement inserts or deletes many of them.
 #include "platform/store/PostgresStore.h"
 
+#include "frame/StdText.h"
 #include "platform/store/Names.h"
 #include "platform/store/PostgresSchema.h"
 #include "platform/store/Sql.h"
@@ -111,7 +112,7 @@ Status PostgresStore::applyAll(const TableDef& table, const std::vector<Write>& 
         if (write - asked >= recordsBetweenAsking) {
             asked = write;
             if (!keepWriting()) {
-                status = {Timeout, "Запись прервана, ничего не записано"};
+                status = {Timeout, StdText::tr("Запись прервана, ничего не записано")};
                 break;
             }
         }

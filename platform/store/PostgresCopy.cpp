@@ -1,5 +1,7 @@
 #include "platform/store/PostgresCopy.h"
 
+#include "frame/StdText.h"
+
 #include <bit>
 #include <cstring>
 
@@ -72,7 +74,8 @@ Status finish(Connection& connection, std::string_view what) {
 template <typename Each>
 Status messages(Connection& connection, const std::string& sql, std::string_view what,
                 const Each& each) {
-    const Status broken = {BadStructure, std::string(what) + ": сервер прислал непонятные данные"};
+    const Status broken = {BadStructure,
+                           std::string(what) + StdText::tr(": сервер прислал непонятные данные")};
     {
         const Result begun = connection.execute(sql);
         if (PQresultStatus(begun.get()) != PGRES_COPY_OUT)

@@ -2,6 +2,7 @@
 // making them again.
 #include "platform/store/PostgresStore.h"
 
+#include "frame/StdText.h"
 #include "platform/store/PostgresSchema.h"
 #include "platform/store/Sql.h"
 
@@ -61,7 +62,9 @@ std::string differingDefinitions(const Dictionary& dictionary) {
     return "WITH f (name, body, config, definer, returns) AS (VALUES " + functions +
            "), t (name, tab, type, columns, condition, function, oldrows, newrows) AS (VALUES " +
            triggers + R"()
-SELECT CASE WHEN p.oid IS NULL THEN 'Нет функции ' ELSE 'Изменена функция ' END || f.name
+SELECT CASE WHEN p.oid IS NULL THEN )" +
+           literal(StdText::tr("Нет функции ")) + R"( ELSE )" +
+           literal(StdText::tr("Изменена функция ")) + R"( END || f.name
 FROM f LEFT JOIN pg_proc p ON p.proname = f.name AND p.pronamespace = 'public'::regnamespace
   AND p.pronargs = 0
 WHERE p.oid IS NULL OR p.prosrc <> f.body OR p.proconfig IS DISTINCT FROM f.config
@@ -69,8 +72,11 @@ WHERE p.oid IS NULL OR p.prosrc <> f.body OR p.proconfig IS DISTINCT FROM f.conf
   OR p.prolang <> (SELECT oid FROM pg_language WHERE lanname = 'plpgsql')
   OR p.proowner <> (SELECT relowner FROM pg_class WHERE oid = 'public."NciEvent"'::regclass)
 UNION ALL
-SELECT CASE WHEN g.oid IS NULL THEN 'Нет триггера ' WHEN g.tgenabled NOT IN ('O', 'A')
-  THEN 'Отключён триггер ' ELSE 'Изменён триггер ' END || t.name || ' таблицы ' || t.tab
+SELECT CASE WHEN g.oid IS NULL THEN )" +
+           literal(StdText::tr("Нет триггера ")) + R"( WHEN g.tgenabled NOT IN ('O', 'A')
+  THEN )" + literal(StdText::tr("Отключён триггер ")) +
+           R"( ELSE )" + literal(StdText::tr("Изменён триггер ")) + R"( END || t.name || )" +
+           literal(StdText::tr(" таблицы ")) + R"( || t.tab
 FROM t LEFT JOIN pg_trigger g ON g.tgname = t.name
   AND g.tgrelid = to_regclass(format('public.%I', t.tab))
 WHERE g.oid IS NULL OR g.tgenabled NOT IN ('O', 'A') OR g.tgtype <> t.type
@@ -81,14 +87,19 @@ ORDER BY 1)";
 }
 
 std::string looseRightsQuery() {
-    return R"(SELECT format('К базе может подключиться любой вход сервера: владелец базы закроет '
-  'её командой REVOKE ALL ON DATABASE %I FROM PUBLIC', datname)
+    return "SELECT format(" +
+           literal(StdText::tr("К базе может подключиться любой вход сервера: владелец базы "
+                               "закроет её командой REVOKE ALL ON DATABASE %I FROM PUBLIC")) +
+           R"(, datname)
 FROM pg_database WHERE datname = current_database() AND EXISTS (SELECT 1
   FROM aclexplode(coalesce(datacl, acldefault('d', datdba))) WHERE grantee = 0
     AND privilege_type = 'CONNECT')
 UNION ALL
-SELECT 'В схеме хранилища любой вход может создавать таблицы и функции: её владелец закроет это '
-  'командой REVOKE CREATE ON SCHEMA public FROM PUBLIC'
+SELECT )" +
+           literal(StdText::tr(
+               "В схеме хранилища любой вход может создавать таблицы и функции: её владелец "
+               "закроет это командой REVOKE CREATE ON SCHEMA public FROM PUBLIC")) +
+           R"(
 FROM pg_namespace WHERE nspname = 'public' AND EXISTS (SELECT 1
   FROM aclexplode(coalesce(nspacl, acldefault('n', nspowner))) WHERE grantee = 0
     AND privilege_type = 'CREATE'))";
@@ -101,7 +112,7 @@ Status PostgresStore::looseRights(std::vector<std::string>* lines) {
             return status;
         const Result found = m_connection.execute(looseRightsQuery());
         if (!succeeded(found.get()))
-            return m_connection.failure("Права", found.get());
+            return m_connection.failure(StdText::tr("Права"), found.get());
         lines->clear();
         for (int row = 0; row < PQntuples(found.get()); ++row)
             lines->emplace_back(textAt(found.get(), row, 0));
@@ -111,7 +122,7 @@ Status PostgresStore::looseRights(std::vector<std::string>* lines) {
 
 Status PostgresStore::remakeTriggers(std::vector<std::string>* differences) {
     return guarded([&]() -> Status {
-        const char what[] = "Триггеры и функции";
+        const std::string what = StdText::tr("Триггеры и функции");
         differences->clear();
         Status status = ready();
         if (!status.ok())

@@ -115,7 +115,7 @@ Status PostgresStore::readDesktopLog(std::string_view desktop, int limit, LogCur
                            .execute("SET plan_cache_mode = force_generic_plan; SET enable_seqscan "
                                     "= off; SET jit = off")
                            .get()))
-            return m_connection.failure(logName, nullptr);
+            return m_connection.failure(logName(), nullptr);
         const bool proved = !cursor->proof.empty();
         const std::string folded = foldedKey(desktop);
         const std::string values = inValues(folded);
@@ -136,7 +136,7 @@ Status PostgresStore::readDesktopLog(std::string_view desktop, int limit, LogCur
                 break;
             }
         if (!succeeded(result.get()))
-            return m_connection.failure(logName, result.get());
+            return m_connection.failure(logName(), result.get());
         const PGresult* rows = result.get();
         const int64_t newest = integerAt(rows, 0, 1);
         m_known = newest;

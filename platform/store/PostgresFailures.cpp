@@ -1,6 +1,7 @@
 // What a failure of the connection or the server means, in words and as a status.
 #include "platform/store/PostgresApi.h"
 
+#include "frame/StdText.h"
 #include "platform/store/Names.h"
 
 namespace orvo::store::postgres {
@@ -20,30 +21,31 @@ Status serverFailure(std::string_view what, std::string_view state, const std::s
     std::string why = message;
     if (state == "23505") {
         code = Refused;
-        why = "такой ключ уже есть";
+        why = StdText::tr("такой ключ уже есть");
     } else if (state == "42501") {
         code = Refused;
-        why = "недостаточно прав (" + message + ")";
+        why = StdText::tr("недостаточно прав (") + message + ")";
     } else if (state.starts_with("23") || state.starts_with("22")) {
         code = Refused;
-        why = "нарушено правило таблицы (" + message + ")";
+        why = StdText::tr("нарушено правило таблицы (") + message + ")";
     } else if (state.starts_with("54")) {
         code = Refused;
-        why = "значение слишком велико (" + message + ")";
+        why = StdText::tr("значение слишком велико (") + message + ")";
     } else if (state == "55P03" || state.starts_with("40")) {
         code = Timeout;
-        why = "база занята другой программой";
+        why = StdText::tr("база занята другой программой");
     } else if (state == "57014") {
         code = Timeout;
-        why = "сервер прервал команду: вышло отведённое ей время, или её отменил администратор";
+        why = StdText::tr(
+            "сервер прервал команду: вышло отведённое ей время, или её отменил администратор");
     } else if (state == "53100") {
-        why = "на диске сервера не осталось места";
+        why = StdText::tr("на диске сервера не осталось места");
     } else if (state.starts_with("53")) {
-        why = "серверу не хватает ресурсов (" + message + ")";
+        why = StdText::tr("серверу не хватает ресурсов (") + message + ")";
     } else if (state == "XX001" || state == "XX002") {
-        why = "база повреждена (" + message + ")";
+        why = StdText::tr("база повреждена (") + message + ")";
     } else if (state.starts_with("XX")) {
-        why = "внутренняя ошибка сервера (" + message + ")";
+        why = StdText::tr("внутренняя ошибка сервера (") + message + ")";
     }
     return {code, std::string(what) + ": " + why};
 }
@@ -61,13 +63,14 @@ Status Connection::failure(std::string_view what, const PGresult* result) {
     std::string why = message;
     if (m_end == End::GivenUp) {
         code = Timeout;
-        why = "ожидание прервано";
+        why = StdText::tr("ожидание прервано");
     } else if (m_end == End::Silent) {
         code = ConnectionBroken;
-        why = "сервер не отвечает";
+        why = StdText::tr("сервер не отвечает");
     } else if (!usable() || isBreak(state)) {
         code = ConnectionBroken;
-        why = "соединение с базой потеряно" + (message.empty() ? "" : " (" + message + ")");
+        why = StdText::tr("соединение с базой потеряно") +
+              (message.empty() ? "" : " (" + message + ")");
         close();
     } else {
         return serverFailure(what, state, message);
@@ -91,8 +94,9 @@ std::string Connection::whoHolds(Wanted wanted) {
         {});
     if (!succeeded(result.get()) || PQntuples(result.get()) == 0)
         return {};
-    return ": её держит незаконченная транзакция входа " + shown(textAt(result.get(), 0, 0)) +
-           " (процесс сервера " + std::to_string(integerAt(result.get(), 0, 1)) + ")";
+    return StdText::tr(": её держит незаконченная транзакция входа ") +
+           shown(textAt(result.get(), 0, 0)) + StdText::tr(" (процесс сервера ") +
+           std::to_string(integerAt(result.get(), 0, 1)) + ")";
 }
 
 } // namespace orvo::store::postgres

@@ -1,6 +1,7 @@
 // The change log of a PostgreSQL store, and its health.
 #include "platform/store/PostgresStore.h"
 
+#include "frame/StdText.h"
 #include "platform/store/Names.h"
 #include "platform/store/PostgresSchema.h"
 #include "platform/store/Sql.h"
@@ -26,7 +27,7 @@ const char PostgresStore::newestIdSql[] =
 Status PostgresStore::newest(int64_t* id, int milliseconds) {
     const Result result = m_connection.query(newestIdSql, {}, milliseconds);
     if (!succeeded(result.get()))
-        return m_connection.failure(logName, result.get());
+        return m_connection.failure(logName(), result.get());
     *id = integerAt(result.get(), 0, 0);
     m_known = *id;
     return {};
@@ -62,7 +63,7 @@ Status PostgresStore::readLog(const LogCursor& cursor, int limit, std::vector<Ch
                 .integer(proved ? cursor.id : cursor.id + 1)
                 .integer(int64_t(std::max(limit, 0)) + (proved ? 1 : 0)));
         if (!succeeded(result.get()))
-            return m_connection.failure(logName, result.get());
+            return m_connection.failure(logName(), result.get());
         const PGresult* row = result.get();
         const int64_t pruned = isNull(row, 0, 0) ? 0 : integerAt(row, 0, 0);
         const int64_t newest = integerAt(row, 0, 1);
@@ -84,7 +85,7 @@ Status PostgresStore::pruneLog(int64_t id) {
         const Connection::NoTimeoutScope noTimeout(m_connection);
         return inWrite([&] {
             return send("DELETE FROM public.\"NciEvent\" WHERE \"id\" <= $1",
-                        Parameters().integer(id), logName, true);
+                        Parameters().integer(id), logName(), true);
         });
     });
 }
@@ -158,7 +159,7 @@ Status PostgresStore::integrity(std::vector<std::string>* damages) {
                 return {};
             }
             const bool damage = stateOf(result.get()).substr(0, 2) == "XX";
-            const Status failed = m_connection.failure("Проверка базы", result.get());
+            const Status failed = m_connection.failure(StdText::tr("Проверка базы"), result.get());
             if (!damage)
                 return failed;
             found.push_back(failed.text);
@@ -168,11 +169,12 @@ Status PostgresStore::integrity(std::vector<std::string>* damages) {
             return texts(sql, [&](std::string line) { found.push_back(std::move(line)); });
         };
         const std::vector<std::string> definitions = {
-            "SELECT 'Счётчик повреждённых страниц базы: ' || checksum_failures FROM "
-            "pg_stat_database WHERE datname = current_database() AND checksum_failures > 0",
-            "SELECT 'Недействительный индекс ' || indexrelid::regclass FROM pg_index JOIN pg_class "
-            "c ON c.oid = indrelid WHERE c.relnamespace = 'public'::regnamespace AND NOT "
-            "indisvalid",
+            "SELECT " + literal(StdText::tr("Счётчик повреждённых страниц базы: ")) +
+                " || checksum_failures FROM pg_stat_database WHERE datname = current_database() "
+                "AND checksum_failures > 0",
+            "SELECT " + literal(StdText::tr("Недействительный индекс ")) +
+                " || indexrelid::regclass FROM pg_index JOIN pg_class c ON c.oid = indrelid "
+                "WHERE c.relnamespace = 'public'::regnamespace AND NOT indisvalid",
             differingDefinitions(dictionary()), looseRightsQuery()};
         const std::pair<ContentFault, const char*> contents[] = {
             {ContentFault::OtherSize,
@@ -188,16 +190,20 @@ Status PostgresStore::integrity(std::vector<std::string>* damages) {
              "SELECT f.\"KeyLink\" FROM public.\"MenuResourceFile\" f WHERE NOT EXISTS (SELECT 1 "
              "FROM public.\"MenuResourceFileSum\" s WHERE s.\"KeyLink\" = f.\"KeyLink\")"}};
         std::vector<std::string> checks = {
-            "SELECT 'Прежнее содержимое файла \"' || coalesce(v.\"name_\", '') || '\" (версия ' || "
-            "v.\"id\" || ') повреждено или изменено мимо программы: не сходится с "
-            "контрольной суммой' FROM "
-            "public.\"NciVersion\" v WHERE v.\"sha256\" <> encode(sha256(coalesce((SELECT "
-            "string_agg(d.\"data\", '' ORDER BY d.\"part\") FROM public.\"NciVersionData\" d WHERE "
-            "d.\"id\" = v.\"id\"), '')), 'hex') ORDER BY v.\"id\"",
-            "SELECT 'В журнале изменений строка ' || \"id\" || ' с номером, которого хранилище не "
-            "давало: более новые изменения за ней не видны' FROM public.\"NciEvent\" WHERE \"id\" "
-            "> "
-            "(SELECT last_value FROM public.\"NciEventId\")"};
+            "SELECT " + literal(StdText::tr("Прежнее содержимое файла \"")) +
+                " || coalesce(v.\"name_\", '') || " + literal(StdText::tr("\" (версия ")) +
+                " || v.\"id\" || " +
+                literal(StdText::tr(") повреждено или изменено мимо программы: не сходится с "
+                                    "контрольной суммой")) +
+                " FROM public.\"NciVersion\" v WHERE v.\"sha256\" <> "
+                "encode(sha256(coalesce((SELECT "
+                "string_agg(d.\"data\", '' ORDER BY d.\"part\") FROM public.\"NciVersionData\" d "
+                "WHERE d.\"id\" = v.\"id\"), '')), 'hex') ORDER BY v.\"id\"",
+            "SELECT " + literal(StdText::tr("В журнале изменений строка ")) + " || \"id\" || " +
+                literal(StdText::tr(" с номером, которого хранилище не давало: более новые "
+                                    "изменения за ней не видны")) +
+                " FROM public.\"NciEvent\" WHERE \"id\" > (SELECT last_value FROM "
+                "public.\"NciEventId\")"};
         std::vector<std::string> names = {contentTable().name, "MenuResourceFileData", "NciVersion",
                                           "NciVersionData", "NciEvent"};
         for (const TableDef& table : tables())

@@ -1,4 +1,5 @@
 // The logins of users at a PostgreSQL server.
+#include "frame/StdText.h"
 #include "platform/store/Names.h"
 #include "platform/store/PostgresSchema.h"
 #include "platform/store/PostgresStore.h"
@@ -9,7 +10,7 @@ namespace orvo::store::postgres {
 namespace {
 
 std::string named(const std::string& login) {
-    return "Пользователь " + shown(login);
+    return StdText::tr("Пользователь ") + shown(login);
 }
 
 } // namespace
@@ -24,7 +25,7 @@ Status PostgresStore::passwordClause(const std::string& login, const std::string
     const std::unique_ptr<char, Free> scrambled(PQencryptPasswordConn(
         m_connection.get(), password.c_str(), login.c_str(), "scram-sha-256"));
     if (!scrambled)
-        return {Failed, named(login) + ": пароль не принят"};
+        return {Failed, named(login) + StdText::tr(": пароль не принят")};
     *clause = " PASSWORD " + literal(scrambled.get());
     return {};
 }
@@ -42,7 +43,7 @@ Status PostgresStore::makeLogin(const User& user) {
     const std::string what = named(user.login);
     // Longer names would be cut.
     if (user.login.size() > 63 || !isText(user.login) || user.login.starts_with("pg_"))
-        return {Refused, what + ": такое имя не годится для входа на сервер"};
+        return {Refused, what + StdText::tr(": такое имя не годится для входа на сервер")};
     bool exists = false;
     Status status = drainPipeline();
     if (status.ok())
@@ -50,7 +51,8 @@ Status PostgresStore::makeLogin(const User& user) {
     if (!status.ok())
         return status;
     if (exists && !user.password.empty())
-        return {Refused, what + ": такой вход на сервере уже есть, его пароль не меняется"};
+        return {Refused,
+                what + StdText::tr(": такой вход на сервере уже есть, его пароль не меняется")};
     const std::string role = identifier(user.login);
     std::string sql = exists ? "" : "CREATE ROLE " + role + " LOGIN";
     if (!user.password.empty()) {
@@ -73,7 +75,8 @@ Status PostgresStore::changeLogin(const std::string& login, const UserChange& ch
     if (!status.ok())
         return status;
     if (!exists)
-        return {Refused, named(login) + ": входа на этом сервере нет; его даёт user login"};
+        return {Refused,
+                named(login) + StdText::tr(": входа на этом сервере нет; его даёт user login")};
     const std::string role = identifier(login);
     std::string sql;
     if (!change.password.empty()) {
@@ -89,7 +92,7 @@ Status PostgresStore::changeLogin(const std::string& login, const UserChange& ch
         if (!status.ok())
             return status;
         if (owns)
-            return {Refused, named(login) + " владеет хранилищем: его прав не меняют"};
+            return {Refused, named(login) + StdText::tr(" владеет хранилищем: его прав не меняют")};
         sql += std::string("GRANT ") + (*change.viewer ? viewerRole : engineerRole) + " TO " + role;
     }
     const Result made = m_connection.execute(sql);
@@ -137,7 +140,7 @@ Status PostgresStore::missingLogins(std::vector<std::string>* logins) {
             "FROM pg_catalog.pg_roles WHERE rolname = u.\"login_\" AND rolcanlogin) ORDER BY 1",
             {});
         if (!succeeded(result.get()))
-            return m_connection.failure("Входы на сервер", result.get());
+            return m_connection.failure(StdText::tr("Входы на сервер"), result.get());
         logins->clear();
         for (int row = 0; row < PQntuples(result.get()); ++row)
             logins->emplace_back(textAt(result.get(), row, 0));

@@ -51,7 +51,7 @@ Status PostgresStore::changedSince(const TableDef& table, int64_t since, int64_t
         "AS pruned) AS ends",
         Parameters().integer(since).text(table.name));
     if (!succeeded(result.get()))
-        return m_connection.failure(logName, result.get());
+        return m_connection.failure(logName(), result.get());
     *newest = integerAt(result.get(), 0, 0);
     // A lower newest id: `since` was taken before the store was recreated or restored.
     *changed = booleanAt(result.get(), 0, 1) || *newest < since;
@@ -94,7 +94,7 @@ Status PostgresStore::changesOf(const TableDef& table, const std::vector<std::st
             " = $2 AND lower(\"key\") = ANY (string_to_array($3, E'\\n')) ORDER BY \"id\"",
         Parameters().integer(since).text(table.name).text(list));
     if (!succeeded(result.get()))
-        return m_connection.failure(logName, result.get());
+        return m_connection.failure(logName(), result.get());
     *changes = changesIn(result.get(), 0);
     return {};
 }

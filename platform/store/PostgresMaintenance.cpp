@@ -1,4 +1,5 @@
 // A PostgreSQL store's whole content on its way out and in, and questions to its log.
+#include "frame/StdText.h"
 #include "platform/store/Names.h"
 #include "platform/store/PostgresCopy.h"
 #include "platform/store/PostgresSchema.h"
@@ -18,7 +19,7 @@ Status PostgresStore::measure(Amount* amount) {
                   "coalesce(sum(\"size\"), 0)::bigint FROM public.\"MenuResourceFile\")",
         {});
     if (!succeeded(result.get()))
-        return m_connection.failure("Чтение", result.get());
+        return m_connection.failure(StdText::tr("Чтение"), result.get());
     amount->records = static_cast<uint64_t>(integerAt(result.get(), 0, 0));
     amount->contents = static_cast<uint64_t>(integerAt(result.get(), 0, 1));
     amount->bytes = static_cast<uint64_t>(integerAt(result.get(), 0, 2));
@@ -39,12 +40,12 @@ Status PostgresStore::contentPieces(const std::string& key, const EachPiece& eac
         m_connection,
         "COPY (SELECT \"data\" FROM public.\"MenuResourceFileData\" WHERE \"KeyLink\" = " +
             literal(key) + " ORDER BY \"part\") TO STDOUT (FORMAT binary)",
-        contentName, each);
+        contentName(), each);
 }
 
 Status PostgresStore::clearAll() {
     const Connection::NoTimeoutScope noTimeout(m_connection); // each row writes the log
-    Status status = send("DELETE FROM public.\"MenuResourceFile\"", {}, contentName, true);
+    Status status = send("DELETE FROM public.\"MenuResourceFile\"", {}, contentName(), true);
     for (auto table = tables().rbegin(); status.ok() && table != tables().rend(); ++table)
         status = send("DELETE FROM " + qualified(table->name), {}, inTable(*table), true);
     return status.ok() ? drainPipeline() : status;
@@ -58,7 +59,7 @@ Status PostgresStore::beginContent(const Write& write, uint64_t /*size*/) {
         return status;
     m_contentKey = write.key;
     m_contentSum.reset();
-    m_content.emplace(m_connection, write.place.empty() ? contentName : write.place, write.key);
+    m_content.emplace(m_connection, write.place.empty() ? contentName() : write.place, write.key);
     return m_content->begin(copyContentIn);
 }
 
@@ -105,12 +106,13 @@ Status PostgresStore::selectChanges(const ChangeQuery& query, std::vector<Change
         return status;
     const std::string which = changesWhere(query, "public.\"NciEvent\"");
     if (!isText(which))
-        return {BadArguments, std::string(logName) + ": недопустимый знак в условии"};
+        return {BadArguments,
+                std::string(logName()) + StdText::tr(": недопустимый знак в условии")};
     const Connection::NoTimeoutScope noTimeout(m_connection); // a long log
     const Result result = m_connection.query(
         std::string("SELECT ") + changeColumns + " FROM public.\"NciEvent\"" + which, {});
     if (!succeeded(result.get()))
-        return m_connection.failure(logName, result.get());
+        return m_connection.failure(logName(), result.get());
     *changes = changesIn(result.get(), 0);
     return {};
 }
@@ -124,7 +126,7 @@ Status PostgresStore::countChanges(int64_t group, std::vector<ChangeCount>* coun
         const Result result = m_connection.query(
             countStatement(group, "public.\"NciEvent\"", "pg_catalog.strpos"), {});
         if (!succeeded(result.get()))
-            return m_connection.failure(logName, result.get());
+            return m_connection.failure(logName(), result.get());
         std::vector<ChangeCount> found;
         found.reserve(static_cast<size_t>(PQntuples(result.get())));
         for (int i = 0; i < PQntuples(result.get()); ++i)
@@ -151,7 +153,7 @@ Status PostgresStore::logBefore(double time, int64_t* id, int64_t* count) {
             "\"time\" <= date_part('epoch', clock_timestamp())), 9223372036854775807))",
             Parameters().field(MDX_DATE, Value(time)));
         if (!succeeded(result.get()))
-            return m_connection.failure(logName, result.get());
+            return m_connection.failure(logName(), result.get());
         *id = integerAt(result.get(), 0, 0);
         *count = integerAt(result.get(), 0, 1);
         return {};

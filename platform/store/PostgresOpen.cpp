@@ -1,6 +1,7 @@
 // Opening and making a store in a PostgreSQL database.
 #include "platform/store/PostgresStore.h"
 
+#include "frame/StdText.h"
 #include "platform/store/Names.h"
 #include "platform/store/PostgresSchema.h"
 #include "platform/store/Sql.h"
@@ -21,7 +22,9 @@ Status createDatabase(const Url& url) {
                                            " TEMPLATE template0 ENCODING 'UTF8' LOCALE 'C'");
     // Another process may have made it in the meantime.
     if (!succeeded(made.get()) && stateOf(made.get()) != "42P04")
-        return connection.failure("База " + shown(url.get("dbname")) + " не создана", made.get());
+        return connection.failure(StdText::tr("База ") + shown(url.get("dbname")) +
+                                      StdText::tr(" не создана"),
+                                  made.get());
     return {};
 }
 
@@ -52,7 +55,7 @@ std::unique_ptr<MaintainedStore> openStore(const std::string& location, const Op
         status->code = CannotConnect;
     if (!status->ok())
         return nullptr;
-    const std::string what = "Хранилище " + shown(url.displayName());
+    const std::string what = StdText::tr("Хранилище ") + shown(url.displayName());
     *status = migrate(connection, options.create);
     if (!status->ok()) {
         if (status->code == Timeout)

@@ -1,5 +1,6 @@
 #include "platform/store/PostgresPresence.h"
 
+#include "frame/StdText.h"
 #include "platform/store/Names.h"
 #include "platform/store/StoreCore.h"
 
@@ -94,7 +95,7 @@ Status PostgresPresence::connect() {
             break;
         const Result result = m_connection.execute(sql);
         if (!succeeded(result.get()))
-            status = m_connection.failure("Подключение", result.get());
+            status = m_connection.failure(StdText::tr("Подключение"), result.get());
     }
     if (status.ok())
         status = say(hello);
@@ -115,7 +116,7 @@ Status PostgresPresence::say(const char* verb) {
     const Result result =
         m_connection.query("SELECT pg_notify('orvo_presence', $1)", Parameters().text(text));
     if (!succeeded(result.get()))
-        return m_connection.failure("Присутствие", result.get());
+        return m_connection.failure(StdText::tr("Присутствие"), result.get());
     m_changed = m_asked = false;
     m_said = Clock::now();
     return {};
@@ -173,7 +174,7 @@ Status PostgresPresence::verify() {
         "ANY ($1::text::integer[])",
         Parameters().text(numbers));
     if (!succeeded(result.get()))
-        return m_connection.failure("Присутствие", result.get());
+        return m_connection.failure(StdText::tr("Присутствие"), result.get());
     std::map<int, Peer> alive;
     for (int row = 0; row < PQntuples(result.get()); ++row) {
         const auto number = static_cast<int>(integerAt(result.get(), row, 0));

@@ -1,5 +1,6 @@
 #include "platform/store/PostgresSchema.h"
 
+#include "frame/StdText.h"
 #include "frame/Vocabulary.h"
 #include "platform/store/Names.h"
 #include "platform/store/Sql.h"
@@ -12,7 +13,7 @@ namespace {
 
 /// -1: the database holds no store.
 Status version(Connection& connection, size_t newest, int64_t* version) {
-    const char what[] = "Версия хранилища";
+    const std::string what = StdText::tr("Версия хранилища");
     *version = -1;
     Result result =
         connection.query("SELECT pg_catalog.to_regclass('public.\"NciStore\"') IS NOT NULL", {});
@@ -25,9 +26,10 @@ Status version(Connection& connection, size_t newest, int64_t* version) {
         return connection.failure(what, result.get());
     *version = isNull(result.get(), 0, 0) ? -1 : integerAt(result.get(), 0, 0);
     if (*version > static_cast<int64_t>(newest)) {
-        return {NewerStore, "Хранилище создано более новой версией программы (версия " +
-                                std::to_string(*version) + ", известна " + std::to_string(newest) +
-                                ")"};
+        return {NewerStore,
+                StdText::tr("Хранилище создано более новой версией программы (версия ") +
+                    std::to_string(*version) + StdText::tr(", известна ") + std::to_string(newest) +
+                    ")"};
     }
     return {};
 }
@@ -83,15 +85,15 @@ Status migrate(Connection& connection, const MigrationSteps& steps, const Dictio
     const auto look = [&]() -> Status {
         Status status = version(connection, steps.size(), &present);
         if (status.ok() && present < 0 && !create)
-            status = {NotAStore, "База не является хранилищем"};
+            status = {NotAStore, StdText::tr("База не является хранилищем")};
         return status;
     };
     Status status = look();
     if (!status.ok() || present == newest)
         return status;
-    const char what[] = "Обновление хранилища";
+    const std::string what = StdText::tr("Обновление хранилища");
     if (std::string_view(PQparameterStatus(connection.get(), "server_encoding")) != "UTF8")
-        return {Refused, "Кодировка базы не UTF8"};
+        return {Refused, StdText::tr("Кодировка базы не UTF8")};
     const Connection::NoTimeoutScope noTimeout(connection);
     const auto run = [&](const std::string& sql) {
         if (!status.ok())

@@ -1,5 +1,6 @@
 #include "platform/store/PostgresStore.h"
 
+#include "frame/StdText.h"
 #include "frame/Vocabulary.h"
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/Names.h"
@@ -57,8 +58,9 @@ Status PostgresStore::start() {
             const Result result = m_connection.query(
                 "SELECT " + fieldList(*table) + " FROM " + qualified(table->name) + " LIMIT 0", {});
             if (!succeeded(result.get()))
-                return m_connection.failure(
-                    "Хранилище " + shown(displayName()) + ", " + inTable(*table), result.get());
+                return m_connection.failure(StdText::tr("Хранилище ") + shown(displayName()) +
+                                                ", " + inTable(*table),
+                                            result.get());
         }
         return connect();
     });
@@ -79,7 +81,7 @@ Status PostgresStore::connect() {
         "pg_is_in_recovery() FROM pg_stat_activity WHERE pid = pg_backend_pid()",
         {});
     if (!succeeded(session.get()) || PQntuples(session.get()) != 1)
-        return m_connection.failure("Подключение", session.get());
+        return m_connection.failure(StdText::tr("Подключение"), session.get());
     m_session = textAt(session.get(), 0, 0);
     m_mayWrite = booleanAt(session.get(), 0, 1);
     m_isStandby = booleanAt(session.get(), 0, 2);
@@ -99,7 +101,7 @@ Status PostgresStore::identity(std::string* identity) {
         Status status = ready();
         if (!status.ok())
             return status;
-        const char what[] = "Хранилище";
+        const std::string what = StdText::tr("Хранилище");
         const Result result =
             m_connection.query("SELECT \"identity\" FROM public.\"NciStore\"", {});
         if (!succeeded(result.get()) || PQntuples(result.get()) == 0)
@@ -203,7 +205,7 @@ Status PostgresStore::inRead(const Work& work) {
         return status;
     const Result begun = m_connection.execute("BEGIN ISOLATION LEVEL REPEATABLE READ, READ ONLY");
     if (!succeeded(begun.get()))
-        return m_connection.failure("Чтение", begun.get());
+        return m_connection.failure(StdText::tr("Чтение"), begun.get());
     try {
         status = work();
     } catch (...) {
@@ -224,12 +226,12 @@ Status PostgresStore::contentBytes(const std::string& key, std::string* bytes) {
     const Result size =
         m_connection.execute("SELECT coalesce(sum(octet_length(\"data\")), 0)" + from);
     if (!succeeded(size.get()))
-        return m_connection.failure(contentName, size.get());
+        return m_connection.failure(contentName(), size.get());
     bytes->clear();
     bytes->reserve(std::strtoull(PQgetvalue(size.get(), 0, 0), nullptr, 10));
     return copyOut(m_connection,
                    "COPY (SELECT \"data\"" + from + " ORDER BY \"part\") TO STDOUT (FORMAT binary)",
-                   contentName, [&](std::string_view piece) -> Status {
+                   contentName(), [&](std::string_view piece) -> Status {
                        bytes->append(piece);
                        return {};
                    });

@@ -1,5 +1,6 @@
 #include "platform/store/PostgresUrl.h"
 
+#include "frame/StdText.h"
 #include "platform/store/Names.h"
 
 #include <algorithm>
@@ -80,9 +81,10 @@ std::vector<std::string> parts(const std::string& list) {
 
 Status Url::parse(const std::string& url) {
     // libpq's own words would quote the address, and with it the password.
-    const Status bad = {BadArguments, "Непонятный адрес хранилища PostgreSQL; он имеет вид "
-                                      "postgresql://ПОЛЬЗОВАТЕЛЬ@УЗЕЛ/БАЗА; особые знаки пишутся "
-                                      "в нём кодом: @ как %40, / как %2F"};
+    const Status bad = {BadArguments,
+                        StdText::tr("Непонятный адрес хранилища PostgreSQL; он имеет вид "
+                                    "postgresql://ПОЛЬЗОВАТЕЛЬ@УЗЕЛ/БАЗА; особые знаки пишутся "
+                                    "в нём кодом: @ как %40, / как %2F")};
     if (url.find('\0') != std::string::npos ||
         (!url.starts_with("postgresql://") && !url.starts_with("postgres://")) ||
         !isUnambiguous(url))

@@ -14,7 +14,7 @@ Status PostgresStore::selectVersions(const VersionQuery& query,
                                versionsWhere(query),
                            {});
     if (!succeeded(result.get()))
-        return m_connection.failure(contentName, result.get());
+        return m_connection.failure(contentName(), result.get());
     for (int row = 0; row < PQntuples(result.get()); ++row) {
         const auto text = [&](int column) {
             return std::string(textAt(result.get(), row, column));
@@ -40,7 +40,7 @@ Status PostgresStore::versionPieces(int64_t id, const EachPiece& each) {
     return copyOut(m_connection,
                    "COPY (SELECT \"data\" FROM public.\"NciVersionData\" WHERE \"id\" = " +
                        std::to_string(id) + " ORDER BY \"part\") TO STDOUT (FORMAT binary)",
-                   contentName, each);
+                   contentName(), each);
 }
 
 Status PostgresStore::applyVersion(const Write& write, const KeptVersion& version) {
@@ -48,12 +48,12 @@ Status PostgresStore::applyVersion(const Write& write, const KeptVersion& versio
     Status status = apply(contentTable(), write);
     if (status.ok() && write.flag == MDX_UPDATE)
         status = send("DELETE FROM public.\"MenuResourceFileData\" WHERE \"KeyLink\" = $1",
-                      Parameters().text(write.key), contentName, true);
+                      Parameters().text(write.key), contentName(), true);
     if (status.ok())
         status = send("INSERT INTO public.\"MenuResourceFileData\" SELECT \"KeyLink\", \"part\", "
                       "\"data\" FROM public.\"MenuResourceFile\", public.\"NciVersionData\" WHERE "
                       "\"KeyLink\" = $1 AND \"id\" = $2",
-                      Parameters().text(write.key).integer(version.id), contentName, true);
+                      Parameters().text(write.key).integer(version.id), contentName(), true);
     if (status.ok())
         status = putChecksum(write.key, version.sha256);
     return status;
@@ -65,10 +65,10 @@ Status PostgresStore::deleteVersions(const std::vector<int64_t>& ids) {
         if (status.ok())
             status = send("UPDATE public.\"NciPruned\" SET \"versions\" = greatest(\"versions\", "
                           "(SELECT \"event\" FROM public.\"NciVersion\" WHERE \"id\" = $1))",
-                          Parameters().integer(id), contentName, true);
+                          Parameters().integer(id), contentName(), true);
         if (status.ok())
             status = send("DELETE FROM public.\"NciVersion\" WHERE \"id\" = $1",
-                          Parameters().integer(id), contentName, true);
+                          Parameters().integer(id), contentName(), true);
     }
     return status;
 }
@@ -78,7 +78,7 @@ Status PostgresStore::selectVersionsEnd(int64_t* change) {
         return status;
     const Result result = m_connection.query("SELECT \"versions\" FROM public.\"NciPruned\"", {});
     if (!succeeded(result.get()) || PQntuples(result.get()) != 1)
-        return m_connection.failure(contentName, result.get());
+        return m_connection.failure(contentName(), result.get());
     *change = integerAt(result.get(), 0, 0);
     return {};
 }

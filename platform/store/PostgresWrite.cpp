@@ -2,6 +2,7 @@
 // for their results.
 #include "platform/store/PostgresStore.h"
 
+#include "frame/StdText.h"
 #include "platform/store/Names.h"
 #include "platform/store/PostgresCopy.h"
 #include "platform/store/PostgresSchema.h"
@@ -23,7 +24,9 @@ constexpr size_t mostOutstanding = 512;
 /// How long the outcome of a commit is looked for after the connection broke.
 constexpr std::chrono::seconds outcomeTimeout(5);
 
-const char unknownOutcome[] = ": неизвестно, сохранено ли изменение";
+std::string unknownOutcome() {
+    return StdText::tr(": неизвестно, сохранено ли изменение");
+}
 
 /// The last change that a call left in the log, and the id of its first.
 const std::string& writtenOfCall() {
@@ -66,7 +69,7 @@ Status PostgresStore::send(const std::string& sql, const Parameters& parameters,
     m_sent.push_back({{}, std::move(what), writes});
     if (m_sent.size() > mostOutstanding) {
         if (PQsendFlushRequest(m_connection.get()) == 0)
-            return m_failure = m_connection.failure("Запись", nullptr);
+            return m_failure = m_connection.failure(StdText::tr("Запись"), nullptr);
         receive(mostOutstanding / 2);
     }
     return m_failure;
@@ -86,8 +89,9 @@ void PostgresStore::receiveOne() {
         if (PQresultStatus(result.get()) == PGRES_PIPELINE_ABORTED || !m_failure.ok())
             continue;
         if (stateOf(result.get()) == "42501" && sent.writes)
-            m_failure = {Refused, sent.what + ": у пользователя " +
-                                      shown(PQuser(m_connection.get())) + " нет права на запись"};
+            m_failure = {Refused, sent.what + StdText::tr(": у пользователя ") +
+                                      shown(PQuser(m_connection.get())) +
+                                      StdText::tr(" нет права на запись")};
         else
             m_failure = m_connection.failure(sent.what, result.get());
         if (!m_connection.usable())
@@ -105,7 +109,7 @@ void PostgresStore::receive(size_t left) {
 Status PostgresStore::drainPipeline() {
     if (m_connection.usable() && PQpipelineStatus(m_connection.get()) != PQ_PIPELINE_OFF) {
         if (PQpipelineSync(m_connection.get()) == 0 && m_failure.ok())
-            m_failure = m_connection.failure("Запись", nullptr);
+            m_failure = m_connection.failure(StdText::tr("Запись"), nullptr);
         receive(0);
         while (m_connection.usable()) { // up to the mark itself
             const Result mark = m_connection.next();
@@ -113,10 +117,10 @@ Status PostgresStore::drainPipeline() {
                 break;
         }
         if (m_connection.usable() && PQexitPipelineMode(m_connection.get()) == 0 && m_failure.ok())
-            m_failure = m_connection.failure("Запись", nullptr);
+            m_failure = m_connection.failure(StdText::tr("Запись"), nullptr);
     }
     if (!m_connection.usable() && m_failure.ok())
-        m_failure = m_connection.failure("Запись", nullptr);
+        m_failure = m_connection.failure(StdText::tr("Запись"), nullptr);
     return m_failure;
 }
 
@@ -124,7 +128,7 @@ Status PostgresStore::begin(const std::string& call) {
     m_sent.clear();
     m_failure = {};
     m_commitSent = false;
-    const char what[] = "Запись";
+    const std::string what = StdText::tr("Запись");
     const std::string group = origin().group > 0 ? std::to_string(origin().group) : std::string();
     const std::string undoes = listText(origin().undoes);
     const Status begun = send("BEGIN", {}, what, false);
@@ -147,14 +151,14 @@ Status PostgresStore::begin(const std::string& call) {
 
 Status PostgresStore::commit() {
     const Status asked =
-        send(writtenOfCall(), Parameters().integer(m_written.since).text(m_written.call), "Запись",
-             false);
+        send(writtenOfCall(), Parameters().integer(m_written.since).text(m_written.call),
+             StdText::tr("Запись"), false);
     if (!asked.ok())
         return asked; // before the commit: nothing is saved
     if (!m_sent.empty())
         m_sent.back().tells = true;
     m_commitSent = true; // even a failed send may have put it on its way
-    const Status sent = send("COMMIT", {}, "Запись", false);
+    const Status sent = send("COMMIT", {}, StdText::tr("Запись"), false);
     const Status finished = drainPipeline();
     return sent.ok() ? finished : sent;
 }
@@ -193,7 +197,8 @@ void PostgresStore::rollback() {
 
 Status PostgresStore::inWrite(const Work& work) {
     const InvariantScope<PostgresStore> invariants(*this);
-    const char notSaved[] = "изменения не сохранены: "; // first: the rest may be long
+    const std::string notSaved =
+        StdText::tr("изменения не сохранены: "); // first: the rest may be long
     m_written = {};
     Status status = ready();
     if (!status.ok())
@@ -233,14 +238,14 @@ Status PostgresStore::inWrite(const Work& work) {
     m_written.last = {};
     m_written.unknown = true;
     if (m_connection.givenUp()) // and so is the search for the outcome
-        return {Timeout, status.text + unknownOutcome};
+        return {Timeout, status.text + unknownOutcome()};
     return resolveCommitOutcome(call, since, session);
 }
 
 Status PostgresStore::resolveCommitOutcome(const std::string& call, int64_t since,
                                            const std::string& session) {
-    const std::string lost = "Соединение с базой потеряно при записи";
-    const Status unknown = {ConnectionBroken, lost + unknownOutcome};
+    const std::string lost = StdText::tr("Соединение с базой потеряно при записи");
+    const Status unknown = {ConnectionBroken, lost + unknownOutcome()};
     const auto end = std::chrono::steady_clock::now() + outcomeTimeout;
     while (!connect().ok()) {
         if (m_connection.givenUp() || std::chrono::steady_clock::now() > end)
@@ -276,7 +281,7 @@ Status PostgresStore::resolveCommitOutcome(const std::string& call, int64_t sinc
     if (booleanAt(found.get(), 0, 1))
         return unknown; // the log was pruned in the meantime
     m_written.unknown = false;
-    return {ConnectionBroken, lost + ": изменения не сохранены"};
+    return {ConnectionBroken, lost + StdText::tr(": изменения не сохранены")};
 }
 
 // The writes -------------------------------------------------------------------------------------
@@ -293,7 +298,7 @@ Status PostgresStore::apply(const TableDef& table, const Write& write) {
         const FieldDef& field = table.fields[static_cast<size_t>(number)];
         const auto* text = std::get_if<std::string>(&value);
         if (text != nullptr && !isText(*text))
-            return {Refused, what + ": недопустимый знак в поле " + shown(field.name)};
+            return {Refused, what + StdText::tr(": недопустимый знак в поле ") + shown(field.name)};
         parameters.field(field.type, value);
     }
     return send(statement(table, write), parameters, std::move(what), true);
@@ -304,7 +309,7 @@ Status PostgresStore::applyContent(const Write& write, std::string_view bytes) {
     Status status = apply(table, write);
     if (status.ok() && write.flag == MDX_UPDATE)
         status = send(std::string("DELETE FROM ") + dataTable + " WHERE \"KeyLink\" = $1",
-                      Parameters().text(write.key), contentName, true);
+                      Parameters().text(write.key), contentName(), true);
     if (status.ok())
         status = putChecksum(write.key, checksum(bytes));
     if (status.ok())
@@ -312,7 +317,7 @@ Status PostgresStore::applyContent(const Write& write, std::string_view bytes) {
     if (!status.ok() || bytes.empty())
         return status;
     const Connection::NoTimeoutScope noTimeout(m_connection); // a large file, a slow disk
-    return copyIn(m_connection, copyContentIn, contentName, write.key, bytes);
+    return copyIn(m_connection, copyContentIn, contentName(), write.key, bytes);
 }
 
 Status PostgresStore::putChecksum(const std::string& key, const std::string& sum) {
@@ -321,7 +326,7 @@ Status PostgresStore::putChecksum(const std::string& key, const std::string& sum
         "INSERT INTO public.\"MenuResourceFileSum\" SELECT \"KeyLink\", $2 FROM "
         "public.\"MenuResourceFile\" WHERE \"KeyLink\" = $1 ON CONFLICT (\"KeyLink\") DO UPDATE "
         "SET \"sha256\" = excluded.\"sha256\"",
-        Parameters().text(key).text(sum), contentName, true);
+        Parameters().text(key).text(sum), contentName(), true);
 }
 
 } // namespace orvo::store::postgres

@@ -1,5 +1,6 @@
 #include "platform/store/Schema.h"
 
+#include "frame/StdText.h"
 #include "frame/Vocabulary.h"
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/Names.h"
@@ -22,52 +23,53 @@ const Dictionary& dictionary() {
         {
             {table::Users,
              {{field::KeyLink, MDX_TEXT},
-              {field::login_, MDX_TEXT, "Вход"},
-              {field::lastName, MDX_TEXT, "Фамилия"},
-              {field::firstName, MDX_TEXT, "Имя"},
-              {field::midlName, MDX_TEXT, "Отчество"},
-              {field::program, MDX_BOOLEAN, "Программа"}}},
+              {field::login_, MDX_TEXT, ORVO_TEXT("orvo", "Вход")},
+              {field::lastName, MDX_TEXT, ORVO_TEXT("orvo", "Фамилия")},
+              {field::firstName, MDX_TEXT, ORVO_TEXT("orvo", "Имя")},
+              {field::midlName, MDX_TEXT, ORVO_TEXT("orvo", "Отчество")},
+              {field::program, MDX_BOOLEAN, ORVO_TEXT("orvo", "Программа")}}},
             {table::MenuFileExt,
-             {{field::KeyLink, MDX_TEXT}, {field::fileExt, MDX_TEXT, "Расширение"}}},
+             {{field::KeyLink, MDX_TEXT},
+              {field::fileExt, MDX_TEXT, ORVO_TEXT("orvo", "Расширение")}}},
             {table::MenuResourceFolder,
              {{field::KeyLink, MDX_TEXT},
-              {field::ParentKey, MDX_TEXT, "Папка", true},
-              {field::type_, MDX_INTEGER, "Вид"},
-              {field::caption, MDX_TEXT, "Название"}}},
+              {field::ParentKey, MDX_TEXT, ORVO_TEXT("orvo", "Папка"), true},
+              {field::type_, MDX_INTEGER, ORVO_TEXT("orvo", "Вид")},
+              {field::caption, MDX_TEXT, ORVO_TEXT("orvo", "Название")}}},
             {table::MenuResource,
              {{field::KeyLink, MDX_TEXT},
-              {field::MenuResourceFolderKey, MDX_TEXT, "Папка", true},
-              {field::name_, MDX_TEXT, "Имя"},
-              {field::type_, MDX_INTEGER, "Вид"},
-              {field::caption, MDX_TEXT, "Название"},
-              {field::params, MDX_TEXT, "Параметры"},
-              {field::ico, MDX_TEXT, "Значок"},
-              {field::UsersKey, MDX_TEXT, "Кем занята", true},
-              {field::dateTimeEdit, MDX_DATE, "Когда занята"}}},
+              {field::MenuResourceFolderKey, MDX_TEXT, ORVO_TEXT("orvo", "Папка"), true},
+              {field::name_, MDX_TEXT, ORVO_TEXT("orvo", "Имя")},
+              {field::type_, MDX_INTEGER, ORVO_TEXT("orvo", "Вид")},
+              {field::caption, MDX_TEXT, ORVO_TEXT("orvo", "Название")},
+              {field::params, MDX_TEXT, ORVO_TEXT("orvo", "Параметры")},
+              {field::ico, MDX_TEXT, ORVO_TEXT("orvo", "Значок")},
+              {field::UsersKey, MDX_TEXT, ORVO_TEXT("orvo", "Кем занята"), true},
+              {field::dateTimeEdit, MDX_DATE, ORVO_TEXT("orvo", "Когда занята")}}},
             {table::MenuFolder,
              {{field::KeyLink, MDX_TEXT},
-              {field::ParentKey, MDX_TEXT, "Папка", true},
-              {field::caption, MDX_TEXT, "Название"},
-              {field::order_, MDX_TEXT, "Порядок"},
-              {field::isFolder, MDX_BOOLEAN, "Папка"}}},
+              {field::ParentKey, MDX_TEXT, ORVO_TEXT("orvo", "Папка"), true},
+              {field::caption, MDX_TEXT, ORVO_TEXT("orvo", "Название")},
+              {field::order_, MDX_TEXT, ORVO_TEXT("orvo", "Порядок")},
+              {field::isFolder, MDX_BOOLEAN, ORVO_TEXT("orvo", "Папка")}}},
             {table::Menu,
              {{field::KeyLink, MDX_TEXT},
-              {field::parent, MDX_TEXT, "Папка меню", true},
-              {field::FolderKey, MDX_TEXT, "Рабочий стол"},
-              {field::caption, MDX_TEXT, "Название"},
-              {field::order_, MDX_INTEGER, "Порядок"},
-              {field::ico, MDX_TEXT, "Значок"},
-              {field::separator, MDX_BOOLEAN, "Разделитель"},
-              {field::oneCopy, MDX_BOOLEAN, "Одна копия"},
-              {field::MenuResourceKey, MDX_TEXT, "Ресурс", true},
-              {field::params, MDX_TEXT, "Параметры"}}},
+              {field::parent, MDX_TEXT, ORVO_TEXT("orvo", "Папка меню"), true},
+              {field::FolderKey, MDX_TEXT, ORVO_TEXT("orvo", "Рабочий стол")},
+              {field::caption, MDX_TEXT, ORVO_TEXT("orvo", "Название")},
+              {field::order_, MDX_INTEGER, ORVO_TEXT("orvo", "Порядок")},
+              {field::ico, MDX_TEXT, ORVO_TEXT("orvo", "Значок")},
+              {field::separator, MDX_BOOLEAN, ORVO_TEXT("orvo", "Разделитель")},
+              {field::oneCopy, MDX_BOOLEAN, ORVO_TEXT("orvo", "Одна копия")},
+              {field::MenuResourceKey, MDX_TEXT, ORVO_TEXT("orvo", "Ресурс"), true},
+              {field::params, MDX_TEXT, ORVO_TEXT("orvo", "Параметры")}}},
         },
         {table::MenuResourceFile,
          {{field::KeyLink, MDX_TEXT},
-          {field::MenuResourceKey, MDX_TEXT, "Ресурс", true},
-          {field::name_, MDX_TEXT, "Имя"},
-          {field::time, MDX_DATE, "Время файла"},
-          {field::size, MDX_INTEGER, "Размер"}}}};
+          {field::MenuResourceKey, MDX_TEXT, ORVO_TEXT("orvo", "Ресурс"), true},
+          {field::name_, MDX_TEXT, ORVO_TEXT("orvo", "Имя")},
+          {field::time, MDX_DATE, ORVO_TEXT("orvo", "Время файла")},
+          {field::size, MDX_INTEGER, ORVO_TEXT("orvo", "Размер")}}}};
     return all;
 }
 
@@ -84,7 +86,7 @@ bool isKeyOrLink(const TableDef& table, const FieldDef& field) {
 }
 
 std::string inTable(const TableDef& table) {
-    return "Таблица " + shown(table.name);
+    return ORVO_TEXT("orvo", "Таблица ") + shown(table.name);
 }
 
 int makeStructure(const TableDef& table, MDArray* array) {

@@ -1,5 +1,6 @@
 #include "platform/store/SqliteApi.h"
 
+#include "frame/StdText.h"
 #include "platform/store/SqliteDamage.h"
 
 #include <cassert>
@@ -45,13 +46,15 @@ constexpr int64_t checkMilliseconds = 3000;
 std::string damageWords(sqlite3* connection, const std::string& message) {
     const auto damages = findDamages(connection, 1, checkMilliseconds);
     if (!damages)
-        return "база не читается (" + message + "); повреждена ли она, скажет orvo-admin check";
+        return StdText::tr("база не читается (") + message +
+               StdText::tr("); повреждена ли она, скажет orvo-admin check");
     if (damages->empty())
-        return "база не читалась (" + message +
-               "), но её проверка повреждений не нашла; повторите попытку";
-    return "файл базы повреждён (" + damages->front() +
-           "); ничего не удаляйте: данные извлекает sqlite3 ФАЙЛ .recover, см. руководство "
-           "администратора, «Повреждённый файл SQLite»";
+        return StdText::tr("база не читалась (") + message +
+               StdText::tr("), но её проверка повреждений не нашла; повторите попытку");
+    return StdText::tr("файл базы повреждён (") + damages->front() +
+           StdText::tr(
+               "); ничего не удаляйте: данные извлекает sqlite3 ФАЙЛ .recover, см. руководство "
+               "администратора, «Повреждённый файл SQLite»");
 }
 
 } // namespace
@@ -179,13 +182,13 @@ Status Connection::failure(std::string_view what) const {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
         code = Timeout;
-        why = "база занята другой программой";
+        why = StdText::tr("база занята другой программой");
         break;
     case SQLITE_FULL:
-        why = "на диске не осталось места";
+        why = StdText::tr("на диске не осталось места");
         break;
     case SQLITE_READONLY:
-        why = "база доступна только для чтения";
+        why = StdText::tr("база доступна только для чтения");
         break;
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
@@ -193,31 +196,31 @@ Status Connection::failure(std::string_view what) const {
         break;
     case SQLITE_IOERR:
         if (system == ENOSPC || system == EDQUOT || system == EFBIG)
-            why = "на диске не осталось места";
+            why = StdText::tr("на диске не осталось места");
         else
-            why = "файл базы не читается или не пишется";
+            why = StdText::tr("файл базы не читается или не пишется");
         if (system != 0)
             why += std::string(" (") + std::strerror(system) + ")";
         break;
     case SQLITE_CONSTRAINT:
         code = Refused;
         why = extended == SQLITE_CONSTRAINT_PRIMARYKEY || extended == SQLITE_CONSTRAINT_UNIQUE
-                  ? "такой ключ уже есть"
-                  : "нарушено правило таблицы (" + message + ")";
+                  ? StdText::tr("такой ключ уже есть")
+                  : StdText::tr("нарушено правило таблицы (") + message + ")";
         break;
     case SQLITE_NOMEM:
         code = NoMemory;
-        why = "не хватает памяти";
+        why = StdText::tr("не хватает памяти");
         break;
     case SQLITE_CANTOPEN:
         code = CannotConnect;
-        why = "файл базы не открывается";
+        why = StdText::tr("файл базы не открывается");
         if (system != 0)
             why += std::string(" (") + std::strerror(system) + ")";
         break;
     case SQLITE_TOOBIG:
         code = Refused;
-        why = "значение слишком велико";
+        why = StdText::tr("значение слишком велико");
         break;
     default:
         why = message;

@@ -1,4 +1,5 @@
 // Copies of an SQLite store, page by page. A backup is a store itself, complete in one file.
+#include "frame/StdText.h"
 #include "frame/Vocabulary.h"
 #include "platform/store/Checksum.h"
 #include "platform/store/Names.h"
@@ -25,7 +26,7 @@ struct FinishBackup {
 };
 
 /// Copies one database over another. A copy that is not finished leaves the target as it was.
-Status copyPages(const Connection& from, const Connection& into, const char* what,
+Status copyPages(const Connection& from, const Connection& into, const std::string& what,
                  const Progress& progress) {
     using Clock = std::chrono::steady_clock;
     std::unique_ptr<sqlite3_backup, FinishBackup> backup(
@@ -47,7 +48,7 @@ Status copyPages(const Connection& from, const Connection& into, const char* wha
         else
             deadline = Clock::now() + std::chrono::milliseconds(busyMilliseconds);
         if (step != SQLITE_DONE && progress && !progress((all - left) * 4096, all * 4096))
-            return {Stopped, std::string(what) + ": прервано"};
+            return {Stopped, std::string(what) + StdText::tr(": прервано")};
     }
     const int finished = sqlite3_backup_finish(backup.release());
     if (step == SQLITE_DONE && finished == SQLITE_OK)
@@ -69,15 +70,15 @@ Status checkTables(const Connection& backup, const std::string& what) {
                     "NciEvent") &&
             selects("\"login\"", "NciWriter") && selects("\"id\"", "NciPruned") &&
             selects("\"tableName\", \"key\", \"before\"", "NciReplaced");
-    return whole ? Status() : backup.failure(what + " неполная");
+    return whole ? Status() : backup.failure(what + StdText::tr(" неполная"));
 }
 
 /// Opens a backup for reading, if it is one. Nothing is made beside it.
 Status openBackup(const std::string& file, const std::string& what, Connection* connection) {
     struct stat info {};
     if (::stat((file + "-wal").c_str(), &info) == 0 && info.st_size > 0)
-        return {Refused, what + ": рядом лежит журнал " + shown(file + "-wal") +
-                             "; это хранилище в работе, а не копия"};
+        return {Refused, what + StdText::tr(": рядом лежит журнал ") + shown(file + "-wal") +
+                             StdText::tr("; это хранилище в работе, а не копия")};
     if (connection->open(immutableUri(file).c_str(), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI) !=
         SQLITE_OK)
         return connection->failure(what);
@@ -87,12 +88,12 @@ Status openBackup(const std::string& file, const std::string& what, Connection* 
     if (read != SQLITE_OK && (read & 0xFF) != SQLITE_NOTADB)
         return connection->failure(what);
     if (read != SQLITE_OK || mark != applicationId)
-        return {NotAStore, what + ": это не копия хранилища SQLite"};
+        return {NotAStore, what + StdText::tr(": это не копия хранилища SQLite")};
     if (connection->integer("PRAGMA user_version", &version) != SQLITE_OK)
         return connection->failure(what);
     if (version < 1 || version > static_cast<int64_t>(migrations().size()))
-        return {NewerStore, what + " сделана более новой версией программы (версия " +
-                                std::to_string(version) + ", известна " +
+        return {NewerStore, what + StdText::tr(" сделана более новой версией программы (версия ") +
+                                std::to_string(version) + StdText::tr(", известна ") +
                                 std::to_string(migrations().size()) + ")"};
     return {};
 }
@@ -102,34 +103,35 @@ Status checkDefinitions(const Connection& backup, const std::string& what) {
     const Status status = differingDefinitions(backup, &lines);
     if (!status.ok() || lines.empty())
         return status;
-    return {Refused, what + " изменена: " + lines.front()};
+    return {Refused, what + StdText::tr(" изменена: ") + lines.front()};
 }
 
 /// What the editors cannot bring about: stored content without its resource, a log without order.
 Status checkRows(const Connection& backup, const std::string& what) {
     const struct {
-        const char* words;
-        std::string count; ///< of the rows that must not be
+        std::string words, count; ///< of the rows that must not be
     } rules[] = {
-        {"содержимое файла без его ресурса",
+        {StdText::tr("содержимое файла без его ресурса"),
          "SELECT count(*) FROM \"MenuResourceFile\" AS f WHERE NOT EXISTS (SELECT 1 FROM "
          "\"MenuResource\" AS r WHERE r.\"KeyLink\" = f.\"MenuResourceKey\")"},
-        {"невозможная строка журнала изменений",
+        {StdText::tr("невозможная строка журнала изменений"),
          "SELECT count(*) FROM \"NciEvent\" WHERE \"id\" < 1 OR \"code\" NOT IN (" +
              std::to_string(OrvoEventInsert) + ", " + std::to_string(OrvoEventUpdate) + ", " +
              std::to_string(OrvoEventDelete) + ")"},
-        {"счётчик журнала изменений отстаёт от журнала",
+        {StdText::tr("счётчик журнала изменений отстаёт от журнала"),
          "SELECT coalesce((SELECT max(\"id\") FROM \"NciEvent\"), 0) > coalesce((SELECT max(seq) "
          "FROM sqlite_sequence WHERE name = 'NciEvent'), 0)"},
-        {"не одна строка в таблице NciPruned", "SELECT count(*) <> 1 FROM \"NciPruned\""},
-        {"не одна строка в таблице NciWriter", "SELECT count(*) <> 1 FROM \"NciWriter\""},
+        {StdText::tr("не одна строка в таблице NciPruned"),
+         "SELECT count(*) <> 1 FROM \"NciPruned\""},
+        {StdText::tr("не одна строка в таблице NciWriter"),
+         "SELECT count(*) <> 1 FROM \"NciWriter\""},
     };
     for (const auto& rule : rules) {
         int64_t count = 0;
         if (backup.integer(rule.count.c_str(), &count) != SQLITE_OK)
             return backup.failure(what);
         if (count != 0)
-            return {Refused, what + " изменена: " + rule.words};
+            return {Refused, what + StdText::tr(" изменена: ") + rule.words};
     }
     return {};
 }
@@ -141,7 +143,7 @@ Status checkContent(const Connection& backup, const std::string& what, bool vouc
     if (!damages)
         return backup.failure(what);
     if (!damages->empty())
-        return {Failed, what + " повреждена: " + shown(damages->front())};
+        return {Failed, what + StdText::tr(" повреждена: ") + shown(damages->front())};
     Status status = checkTables(backup, what);
     if (status.ok() && !vouchedFor)
         status = checkDefinitions(backup, what);
@@ -159,7 +161,9 @@ Status checkBytes(const Connection& backup, const std::string& what) {
                        &count) != SQLITE_OK)
         return backup.failure(what);
     if (count != 0)
-        return {Refused, what + " изменена: содержимое файла не сходится с его контрольной суммой"};
+        return {
+            Refused,
+            what + StdText::tr(" изменена: содержимое файла не сходится с его контрольной суммой")};
     return {};
 }
 
@@ -168,7 +172,7 @@ Status checkBytes(const Connection& backup, const std::string& what) {
 Status startNewLog(const Connection& copy, int64_t position) {
     constexpr int64_t meanwhile = 1000000;
     int64_t newest = 0;
-    const char* const what = logName;
+    const std::string what = logName();
     if (copy.integer("SELECT max(coalesce((SELECT max(\"id\") FROM \"NciEvent\"), 0), "
                      "coalesce((SELECT \"id\" FROM \"NciPruned\"), 0))",
                      &newest) != SQLITE_OK)
@@ -177,9 +181,11 @@ Status startNewLog(const Connection& copy, int64_t position) {
     if (copy.integer("SELECT count(*) FROM \"NciStore\"", &stores) != SQLITE_OK)
         return copy.failure(what);
     if (stores != 1)
-        return {Refused, "Резервная копия изменена: не одна строка в таблице NciStore"};
+        return {Refused,
+                StdText::tr("Резервная копия изменена: не одна строка в таблице NciStore")};
     if (newest > std::numeric_limits<int64_t>::max() / 2)
-        return {Refused, std::string(what) + " в копии испорчен: невозможный номер изменения"};
+        return {Refused,
+                std::string(what) + StdText::tr(" в копии испорчен: невозможный номер изменения")};
     const std::string next = std::to_string(std::max(position, newest) + meanwhile);
     return copy.execute(std::string(newIdentity) + "UPDATE \"NciPruned\" SET \"id\" = " + next +
                         "; DELETE FROM sqlite_sequence WHERE name = 'NciEvent'; INSERT INTO "
@@ -222,9 +228,9 @@ bool SqliteStore::livesIn(const std::string& file) const {
 
 Status SqliteStore::backup(const std::string& file, const Progress& progress) {
     return guarded([&]() -> Status {
-        const char what[] = "Резервная копия";
+        const std::string what = StdText::tr("Резервная копия");
         if (livesIn(file))
-            return {Refused, "Резервная копия: это сам файл хранилища"};
+            return {Refused, StdText::tr("Резервная копия: это сам файл хранилища")};
         Connection target;
         if (target.open(file.c_str(), SQLITE_OPEN_READWRITE) != SQLITE_OK)
             return target.failure(what);
@@ -244,10 +250,10 @@ Status SqliteStore::backup(const std::string& file, const Progress& progress) {
 
 Status SqliteStore::restore(const std::string& file, const Progress& progress) {
     return guarded([&]() -> Status {
-        const char what[] = "Восстановление";
-        const std::string backup = "Резервная копия " + shown(file);
+        const std::string what = StdText::tr("Восстановление");
+        const std::string backup = StdText::tr("Резервная копия ") + shown(file);
         if (livesIn(file))
-            return {Refused, "Восстановление: это сам файл хранилища"};
+            return {Refused, StdText::tr("Восстановление: это сам файл хранилища")};
         Connection source;
         Status status = openBackup(file, backup, &source);
         const bool vouchedFor = hasChecksum(file);

@@ -1,5 +1,6 @@
 #include "platform/store/SqliteDamage.h"
 
+#include "frame/StdText.h"
 #include "platform/store/Names.h"
 #include "platform/store/Sql.h"
 
@@ -93,7 +94,7 @@ void addTables(sqlite3* connection, std::vector<std::string>* damages) {
     }
     for (std::string& damage : *damages)
         if (const auto owner = owners.find(damage); owner != owners.end())
-            damage = "таблица " + validUtf8(owner->second) + ": " + damage;
+            damage = StdText::tr("таблица ") + validUtf8(owner->second) + ": " + damage;
 }
 
 /// What integrity_check could not begin with: the head of the file or its list of tables.
@@ -108,10 +109,10 @@ std::string damagedHead(sqlite3* connection, const std::string& message) {
         const int64_t pageSize = int64_t(head[16]) << 8 | head[17];
         const int64_t pages = int64_t(head[28]) << 24 | head[29] << 16 | head[30] << 8 | head[31];
         if (pageSize > 1 && pages * pageSize > size)
-            return "файл обрезан: страниц " + std::to_string(size / pageSize) + " из " +
-                   std::to_string(pages);
+            return StdText::tr("файл обрезан: страниц ") + std::to_string(size / pageSize) +
+                   StdText::tr(" из ") + std::to_string(pages);
     }
-    return "заголовок файла или оглавление базы не читается (" + message + ")";
+    return StdText::tr("заголовок файла или оглавление базы не читается (") + message + ")";
 }
 
 } // namespace

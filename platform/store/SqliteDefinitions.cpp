@@ -2,6 +2,7 @@
 // making the triggers again.
 #include "platform/store/SqliteStore.h"
 
+#include "frame/StdText.h"
 #include "platform/store/Names.h"
 #include "platform/store/SqliteSchema.h"
 
@@ -13,11 +14,10 @@ namespace {
 std::string difference(std::string_view type, std::string_view name, bool missing) {
     const struct {
         const char* type;
-        const char* missing;
-        const char* altered;
-    } words[] = {{"table", "Нет таблицы ", "Изменена таблица "},
-                 {"index", "Нет индекса ", "Изменён индекс "},
-                 {"trigger", "Нет триггера ", "Изменён триггер "}};
+        std::string missing, altered;
+    } words[] = {{"table", StdText::tr("Нет таблицы "), StdText::tr("Изменена таблица ")},
+                 {"index", StdText::tr("Нет индекса "), StdText::tr("Изменён индекс ")},
+                 {"trigger", StdText::tr("Нет триггера "), StdText::tr("Изменён триггер ")}};
     for (const auto& word : words)
         if (type == word.type)
             return (missing ? word.missing : word.altered) + std::string(name);
@@ -27,7 +27,7 @@ std::string difference(std::string_view type, std::string_view name, bool missin
 } // namespace
 
 Status differingDefinitions(const Connection& connection, std::vector<std::string>* lines) {
-    const char what[] = "Устройство хранилища";
+    const std::string what = StdText::tr("Устройство хранилища");
     int64_t version = 0;
     if (connection.integer("PRAGMA user_version", &version) != SQLITE_OK)
         return connection.failure(what);
@@ -74,7 +74,7 @@ Status SqliteStore::remakeTriggers(std::vector<std::string>* differences) {
             const Status made = sqlite::remakeTriggers(m_connection);
             if (!made.ok() || m_connection.execute(cursorsPruned) == SQLITE_OK)
                 return made;
-            return m_connection.failure("Журнал изменений");
+            return m_connection.failure(StdText::tr("Журнал изменений"));
         });
         if (status.ok())
             differences->swap(lines);

@@ -1,4 +1,5 @@
 // What stored forms and files are found by in an SQLite store.
+#include "frame/StdText.h"
 #include "platform/store/Names.h"
 #include "platform/store/Sql.h"
 #include "platform/store/SqliteSchema.h"
@@ -36,7 +37,7 @@ Status SqliteStore::selectStored(int type, std::string_view folded,
     constexpr size_t columns = 3;
     Statement* statement = cached(folder ? inFolder : anywhere);
     if (statement == nullptr)
-        return m_connection.failure("Поиск " + shown(folded));
+        return m_connection.failure(StdText::tr("Поиск ") + shown(folded));
     statement->bind(1, int64_t(type));
     statement->bind(2, folded);
     if (folder)
@@ -52,12 +53,12 @@ Status SqliteStore::changedSince(const TableDef& table, int64_t since, int64_t* 
                "\"tableName\" = ?2) FROM (SELECT coalesce((SELECT \"id\" FROM \"NciPruned\"), 0) "
                "AS pruned)");
     if (statement == nullptr)
-        return m_connection.failure(logName);
+        return m_connection.failure(logName());
     const ResetAfter reset(*statement);
     statement->bind(1, since);
     statement->bind(2, std::string_view(table.name));
     if (statement->step() != SQLITE_ROW)
-        return m_connection.failure(logName);
+        return m_connection.failure(logName());
     *newest = statement->integer(0);
     // A lower newest id: `since` was taken before the store was recreated or restored.
     *changed = statement->integer(1) != 0 || *newest < since;
@@ -98,7 +99,7 @@ Status SqliteStore::changesOf(const TableDef& table, const std::vector<std::stri
                " FROM \"NciEvent\" WHERE \"id\" > ?1 AND " + anyTable +
                " = ?2 AND lower(\"key\") IN (SELECT \"value\" FROM json_each(?3)) ORDER BY \"id\"");
     if (statement == nullptr)
-        return m_connection.failure(logName);
+        return m_connection.failure(logName());
     const ResetAfter reset(*statement);
     const std::string list = jsonList(keys);
     statement->bind(1, since);

@@ -1,4 +1,5 @@
 // An SQLite store's whole content on its way out and in, and questions to its log.
+#include "frame/StdText.h"
 #include "frame/Vocabulary.h"
 #include "platform/store/Names.h"
 #include "platform/store/SqliteSchema.h"
@@ -18,10 +19,10 @@ Status SqliteStore::measure(Amount* amount) {
         cached(records + ", (SELECT count(*) FROM \"MenuResourceFile\"), "
                          "(SELECT coalesce(sum(\"size\"), 0) FROM \"MenuResourceFile\")");
     if (statement == nullptr)
-        return m_connection.failure("Чтение");
+        return m_connection.failure(StdText::tr("Чтение"));
     const ResetAfter reset(*statement);
     if (statement->step() != SQLITE_ROW)
-        return m_connection.failure("Чтение");
+        return m_connection.failure(StdText::tr("Чтение"));
     amount->records = static_cast<uint64_t>(statement->integer(0));
     amount->contents = static_cast<uint64_t>(statement->integer(1));
     amount->bytes = static_cast<uint64_t>(statement->integer(2));
@@ -50,16 +51,16 @@ Status SqliteStore::selectInOrder(const TableDef& table,
 Status SqliteStore::openContent(const std::string& key, bool write, Blob* blob) {
     Statement* find = cached("SELECT rowid FROM \"MenuResourceFile\" WHERE \"KeyLink\" = ?1");
     if (find == nullptr)
-        return m_connection.failure(contentName);
+        return m_connection.failure(contentName());
     const ResetAfter reset(*find);
     find->bind(1, std::string_view(key));
     if (find->step() != SQLITE_ROW)
-        return m_connection.failure(contentName);
+        return m_connection.failure(contentName());
     sqlite3_blob* raw = nullptr;
     const int opened = sqlite3_blob_open(m_connection.get(), "main", table::MenuResourceFile,
                                          "data", find->integer(0), write ? 1 : 0, &raw);
     blob->reset(raw);
-    return opened == SQLITE_OK ? Status() : m_connection.failure(contentName);
+    return opened == SQLITE_OK ? Status() : m_connection.failure(contentName());
 }
 
 Status SqliteStore::contentPieces(const std::string& key, const EachPiece& each) {
@@ -77,7 +78,7 @@ Status SqliteStore::blobPieces(const Blob& blob, const EachPiece& each) {
         piece.resize(static_cast<size_t>(std::min(pieceSize, size - at)));
         if (sqlite3_blob_read(blob.get(), piece.data(), static_cast<int>(piece.size()), at) !=
             SQLITE_OK)
-            return m_connection.failure(contentName);
+            return m_connection.failure(contentName());
         status = each(piece);
     }
     return status;
@@ -89,7 +90,7 @@ Status SqliteStore::checkContents(std::vector<std::string>* damages) {
                                  "\"MenuResourceFile\" LEFT JOIN \"MenuResourceFileSum\" USING "
                                  "(\"KeyLink\") ORDER BY 1");
         if (sums == nullptr)
-            return m_connection.failure(contentName);
+            return m_connection.failure(contentName());
         const ResetAfter reset(*sums);
         ContentFaults faults;
         int step = SQLITE_DONE;
@@ -110,7 +111,7 @@ Status SqliteStore::checkContents(std::vector<std::string>* damages) {
                 faults.emplace_back(ContentFault::OtherBytes, key);
         }
         if (step != SQLITE_DONE)
-            return m_connection.failure(contentName);
+            return m_connection.failure(contentName());
         tellFaults(faults, damages);
         return {};
     });
@@ -121,7 +122,8 @@ Status SqliteStore::clearAll() {
     std::string sql = "DELETE FROM \"MenuResourceFile\";";
     for (auto table = tables().rbegin(); table != tables().rend(); ++table)
         sql += "DELETE FROM " + identifier(table->name) + ";";
-    return m_connection.execute(sql) == SQLITE_OK ? Status() : m_connection.failure("Запись");
+    return m_connection.execute(sql) == SQLITE_OK ? Status()
+                                                  : m_connection.failure(StdText::tr("Запись"));
 }
 
 Status SqliteStore::beginContent(const Write& write, uint64_t size) {
@@ -138,7 +140,7 @@ Status SqliteStore::beginContent(const Write& write, uint64_t size) {
 Status SqliteStore::contentPiece(std::string_view piece) {
     if (!m_content || sqlite3_blob_write(m_content.get(), piece.data(),
                                          static_cast<int>(piece.size()), m_contentAt) != SQLITE_OK)
-        return m_connection.failure(contentName);
+        return m_connection.failure(contentName());
     m_contentAt += static_cast<int>(piece.size());
     m_contentSum.add(piece);
     return {};
@@ -148,18 +150,18 @@ Status SqliteStore::endContent() {
     // Closed by hand: this is where a late error shows.
     sqlite3_blob* blob = m_content.release();
     if (sqlite3_blob_close(blob) != SQLITE_OK)
-        return m_connection.failure(contentName);
+        return m_connection.failure(contentName());
     // For the row that there is: an update of a missing key has written nothing.
     Statement* statement =
         cached("INSERT OR REPLACE INTO \"MenuResourceFileSum\" SELECT \"KeyLink\", "
                "?2 FROM \"MenuResourceFile\" WHERE \"KeyLink\" = ?1");
     if (statement == nullptr)
-        return m_connection.failure(contentName);
+        return m_connection.failure(contentName());
     const ResetAfter reset(*statement);
     const std::string sum = m_contentSum.text();
     statement->bind(1, std::string_view(m_contentKey));
     statement->bind(2, std::string_view(sum));
-    return statement->step() == SQLITE_DONE ? Status() : m_connection.failure(contentName);
+    return statement->step() == SQLITE_DONE ? Status() : m_connection.failure(contentName());
 }
 
 Status SqliteStore::readChanges(Statement& statement, std::vector<Change>* changes) {
@@ -181,21 +183,21 @@ Status SqliteStore::readChanges(Statement& statement, std::vector<Change>* chang
         change.undoes = groupsIn(statement.text(11));
         changes->push_back(std::move(change));
     }
-    return step == SQLITE_DONE ? Status() : m_connection.failure(logName);
+    return step == SQLITE_DONE ? Status() : m_connection.failure(logName());
 }
 
 Status SqliteStore::selectChanges(const ChangeQuery& query, std::vector<Change>* changes) {
     Statement statement =
         m_connection.prepare(std::string("SELECT ") + changeColumns + " FROM \"NciEvent\"" +
                              changesWhere(query, "\"NciEvent\""));
-    return statement ? readChanges(statement, changes) : m_connection.failure(logName);
+    return statement ? readChanges(statement, changes) : m_connection.failure(logName());
 }
 
 Status SqliteStore::countChanges(int64_t group, std::vector<ChangeCount>* counts) {
     return guarded([&]() -> Status {
         Statement statement = m_connection.prepare(countStatement(group, "\"NciEvent\"", "instr"));
         if (!statement)
-            return m_connection.failure(logName);
+            return m_connection.failure(logName());
         std::vector<ChangeCount> found;
         int step = SQLITE_DONE;
         while ((step = statement.step()) == SQLITE_ROW)
@@ -204,7 +206,7 @@ Status SqliteStore::countChanges(int64_t group, std::vector<ChangeCount>* counts
                              static_cast<ChangeCount::Part>(statement.integer(2)),
                              statement.integer(3), statement.integer(4), statement.integer(5)});
         if (step != SQLITE_DONE)
-            return m_connection.failure(logName);
+            return m_connection.failure(logName());
         counts->swap(found);
         return {};
     });
@@ -219,11 +221,11 @@ Status SqliteStore::logBefore(double time, int64_t* id, int64_t* count) {
                    "\"time\" <= (julianday('now') - 2440587.5) * 86400.0), "
                    "9223372036854775807))");
         if (statement == nullptr)
-            return m_connection.failure(logName);
+            return m_connection.failure(logName());
         const ResetAfter reset(*statement);
         statement->bind(1, Value(time));
         if (statement->step() != SQLITE_ROW)
-            return m_connection.failure(logName);
+            return m_connection.failure(logName());
         *id = statement->integer(0);
         *count = statement->integer(1);
         return {};

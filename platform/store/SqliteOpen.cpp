@@ -1,6 +1,7 @@
 // Opening and making an SQLite store. A file that is no store is only ever looked at.
 #include "platform/store/SqliteStore.h"
 
+#include "frame/StdText.h"
 #include "platform/store/Names.h"
 #include "platform/store/SqliteSchema.h"
 
@@ -52,7 +53,7 @@ Status markInHeader(const std::string& path, const std::string& what, int64_t* m
     const int read =
         file != nullptr ? file->pMethods->xRead(file, head, sizeof head, 0) : SQLITE_IOERR;
     if (read != SQLITE_OK && read != SQLITE_IOERR_SHORT_READ)
-        return systemError(CannotConnect, what + ": файл базы не читается", errno);
+        return systemError(CannotConnect, what + StdText::tr(": файл базы не читается"), errno);
     *mark = 0;
     if (std::memcmp(head, magic, sizeof magic) == 0)
         for (size_t i = markAt; i < size; ++i)
@@ -84,13 +85,13 @@ int64_t markWithLog(const std::string& path) {
 Status look(const std::string& path, const std::string& name) {
     struct stat info {};
     if (::stat(path.c_str(), &info) != 0)
-        return systemError(CannotConnect, "Нет доступа к файлу базы " + name, errno);
+        return systemError(CannotConnect, StdText::tr("Нет доступа к файлу базы ") + name, errno);
     if (S_ISDIR(info.st_mode))
-        return {NotAStore, "Это не хранилище, а каталог: " + name};
+        return {NotAStore, StdText::tr("Это не хранилище, а каталог: ") + name};
     if (!S_ISREG(info.st_mode))
-        return {NotAStore, "Это не хранилище: " + name};
+        return {NotAStore, StdText::tr("Это не хранилище: ") + name};
     int64_t mark = 0;
-    const Status status = markInHeader(path, "Хранилище " + name, &mark);
+    const Status status = markInHeader(path, StdText::tr("Хранилище ") + name, &mark);
     if (!status.ok() || mark == applicationId)
         return status;
     // To SQLite a log belongs to no empty file: it would delete it.
@@ -98,8 +99,8 @@ Status look(const std::string& path, const std::string& name) {
     const bool hasLog = ::stat((path + "-wal").c_str(), &log) == 0 && log.st_size > 0;
     if (info.st_size > 0 && hasLog && markWithLog(path) == applicationId)
         return {};
-    return {NotAStore, "Файл не является хранилищем: " + name +
-                           (hasLog ? "; рядом лежит журнал, не удаляйте его" : "")};
+    return {NotAStore, StdText::tr("Файл не является хранилищем: ") + name +
+                           (hasLog ? StdText::tr("; рядом лежит журнал, не удаляйте его") : "")};
 }
 
 /// A new file under a passing name, deleted unless it got its own.
@@ -139,12 +140,12 @@ private:
 
 /// Makes a store, complete before anyone can see it under its name.
 Status create(const std::string& path, const std::string& name) {
-    const std::string what = "Хранилище " + name + " не создано";
+    const std::string what = StdText::tr("Хранилище ") + name + StdText::tr(" не создано");
     for (const char* suffix : {"-wal", "-journal"}) {
         // It would be taken for the new file's and spoil it; and it may hold somebody's data.
         if (::access((path + suffix).c_str(), F_OK) == 0)
-            return {CannotConnect,
-                    what + ": рядом остался журнал прежней базы " + shown(path + suffix)};
+            return {CannotConnect, what + StdText::tr(": рядом остался журнал прежней базы ") +
+                                       shown(path + suffix)};
     }
     const NewFile file(path);
     if (const int error = file.create(); error != 0)
@@ -181,14 +182,16 @@ bool isClosedForWriting(const std::string& path) {
 
 /// Log and index are made by those who write: without them nothing can be read.
 Status connectToRead(const std::string& path, const std::string& name, Connection* connection) {
-    const std::string what = "Хранилище " + name;
+    const std::string what = StdText::tr("Хранилище ") + name;
     int64_t any = 0;
     if (connection->open(path.c_str(), SQLITE_OPEN_READONLY) != SQLITE_OK)
         return connection->failure(what);
     sqlite3_busy_timeout(connection->get(), busyMilliseconds);
     if (connection->integer("PRAGMA schema_version", &any) == SQLITE_CANTOPEN)
-        return {Failed, what + ": доступно только для чтения, а читать его можно, лишь пока оно "
-                               "открыто у того, кто может писать"};
+        return {Failed,
+                what +
+                    StdText::tr(": доступно только для чтения, а читать его можно, лишь пока оно "
+                                "открыто у того, кто может писать")};
     if (connection->execute(settings) != SQLITE_OK)
         return connection->failure(what);
     const Status status = migrate(*connection);
@@ -196,14 +199,15 @@ Status connectToRead(const std::string& path, const std::string& name, Connectio
 }
 
 Status connect(const std::string& path, const std::string& name, Connection* connection) {
-    const std::string what = "Хранилище " + name;
+    const std::string what = StdText::tr("Хранилище ") + name;
     if (::faccessat(AT_FDCWD, directoryOf(path).c_str(), W_OK | X_OK, AT_EACCESS) != 0)
         return systemError(
-            Failed, what + ": в каталог базы нельзя писать, а её журнал лежит там же", errno);
+            Failed, what + StdText::tr(": в каталог базы нельзя писать, а её журнал лежит там же"),
+            errno);
     if (connection->open(path.c_str(), SQLITE_OPEN_READWRITE) != SQLITE_OK)
         return connection->failure(what);
     if (sqlite3_db_readonly(connection->get(), "main") == 1)
-        return {Failed, what + ": файл базы доступен только для чтения"};
+        return {Failed, what + StdText::tr(": файл базы доступен только для чтения")};
     sqlite3_busy_timeout(connection->get(), busyMilliseconds);
     if (connection->execute("PRAGMA journal_mode = WAL") != SQLITE_OK ||
         connection->execute(settings) != SQLITE_OK)
@@ -244,8 +248,9 @@ Status parseUrl(const std::string& url, Location* location) {
         path.erase(0, 2);
     // "sqlite://name/..." would name a machine.
     if (!isPathText(path) || (full && path.front() != '/'))
-        return {BadArguments, "В адресе хранилища вида sqlite нет пути к файлу; он имеет вид "
-                              "sqlite:///путь/orvo.db"};
+        return {BadArguments,
+                StdText::tr("В адресе хранилища вида sqlite нет пути к файлу; он имеет вид "
+                            "sqlite:///путь/orvo.db")};
     std::error_code error;
     location->file = std::filesystem::absolute(path, error).string();
     location->displayName = urlOf(location->file);
@@ -273,9 +278,10 @@ std::unique_ptr<MaintainedStore> openStore(const std::string& url, const OpenOpt
     struct stat info {};
     if (::lstat(path.c_str(), &info) != 0) {
         if (errno != ENOENT && errno != ENOTDIR)
-            *status = systemError(CannotConnect, "Нет доступа к файлу базы " + name, errno);
+            *status =
+                systemError(CannotConnect, StdText::tr("Нет доступа к файлу базы ") + name, errno);
         else if (!options.create)
-            *status = {CannotConnect, "Нет файла базы " + name};
+            *status = {CannotConnect, StdText::tr("Нет файла базы ") + name};
         else
             *status = create(path, name);
         if (const auto made = std::filesystem::canonical(path, error); !error)

@@ -1,5 +1,6 @@
 #include "platform/store/SqlitePlace.h"
 
+#include "frame/StdText.h"
 #include "platform/store/Names.h"
 #include "platform/store/SqliteApi.h"
 #include "platform/store/SqliteSchema.h"
@@ -146,22 +147,24 @@ Place::State Place::look() {
     return m_last;
 }
 
-const char* Place::words(State state) {
+std::string Place::words(State state) {
     switch (state) {
     case There:
-        return "на месте";
+        return StdText::tr("на месте");
     case Gone:
-        return "файл базы удалён или перемещён";
+        return StdText::tr("файл базы удалён или перемещён");
     case Replaced:
-        return "на месте файла базы теперь другой файл";
+        return StdText::tr("на месте файла базы теперь другой файл");
     case JournalGone:
-        return "журнал базы (-wal или -shm) удалён или заменён; закройте все программы, которые "
-               "открыли хранилище, и откройте его снова";
+        return StdText::tr(
+            "журнал базы (-wal или -shm) удалён или заменён; закройте все программы, которые "
+            "открыли хранилище, и откройте его снова");
     case Overwritten:
-        return "файл базы переписан мимо программы; закройте все программы, которые его открыли, "
-               "и восстановите хранилище из копии";
+        return StdText::tr(
+            "файл базы переписан мимо программы; закройте все программы, которые его открыли, "
+            "и восстановите хранилище из копии");
     }
-    return "";
+    return {};
 }
 
 bool Place::hasNoOtherLog() const {

@@ -41,7 +41,7 @@ public:
     /// Cheap: for every write. What was Gone or Replaced may come back, the rest stays as found.
     State look();
     /// The state in words, for the end of a sentence.
-    static const char* words(State state);
+    static std::string words(State state);
 
     /// Whether nobody can have opened the store with another log than the one of then.
     bool hasNoOtherLog() const;

@@ -1,5 +1,6 @@
 #include "platform/store/SqlitePresence.h"
 
+#include "frame/StdText.h"
 #include "platform/store/Kinds.h"
 #include "platform/store/Names.h"
 #include "platform/store/SqliteStore.h"
@@ -107,7 +108,7 @@ int SqlitePresence::nextLookMs() const {
     return m_relookMs > 0 ? m_relookMs : lookMs;
 }
 
-Status SqlitePresence::failed(const char* what) const {
+Status SqlitePresence::failed(const std::string& what) const {
     return {Failed, std::string(what) + ' ' + shown(m_folderPath) + ": " + std::strerror(errno)};
 }
 
@@ -121,7 +122,7 @@ bool SqlitePresence::isFolderInPlace() const {
 Status SqlitePresence::openFolder() {
     // A store that is gone is not followed by a new folder at its place.
     if (::stat(m_path.c_str(), &m_store) != 0)
-        return {ConnectionBroken, "Нет файла базы " + shown(m_path)};
+        return {ConnectionBroken, StdText::tr("Нет файла базы ") + shown(m_path)};
     if (m_folder.isOpen() && isFolderInPlace())
         return {};
     m_file.close();
@@ -130,14 +131,14 @@ Status SqlitePresence::openFolder() {
         if (::chown(m_folderPath.c_str(), static_cast<uid_t>(-1), m_store.st_gid) != 0)
             errno = 0;
         if (::chmod(m_folderPath.c_str(), folderMode(m_store)) != 0)
-            return failed("Каталог");
+            return failed(StdText::tr("Каталог"));
     } else if (errno != EEXIST) {
-        return failed("Каталог");
+        return failed(StdText::tr("Каталог"));
     }
     m_folder =
         Descriptor(::open(m_folderPath.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     if (!m_folder.isOpen())
-        return failed("Каталог");
+        return failed(StdText::tr("Каталог"));
     if (m_watch.isOpen())
         inotify_add_watch(m_watch.get(), m_folderPath.c_str(),
                           IN_CLOSE_WRITE | IN_MOVED_TO | IN_DELETE | IN_ONLYDIR | IN_DONT_FOLLOW);
@@ -166,7 +167,7 @@ Status SqlitePresence::publish() {
                ::renameat(m_folder.get(), passing.c_str(), m_folder.get(), m_name.c_str()) == 0;
     };
     if (!made()) {
-        const Status status = failed("Файл в каталоге");
+        const Status status = failed(StdText::tr("Файл в каталоге"));
         ::unlinkat(m_folder.get(), passing.c_str(), 0);
         return status;
     }
@@ -216,7 +217,7 @@ Status SqlitePresence::look(std::vector<PresenceEntry>* others) {
         const std::unique_ptr<DIR, CloseFolder> folder(
             ::fdopendir(::openat(m_folder.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)));
         if (!folder)
-            return failed("Каталог");
+            return failed(StdText::tr("Каталог"));
         while (const dirent* file = ::readdir(folder.get())) {
             const std::string name = file->d_name;
             const bool isNew = name.starts_with(unfinished);

@@ -62,7 +62,7 @@ private:
     bool read(const std::string& name, PresenceEntry* entry) const;
     /// Takes the waiting events of the watch.
     bool takeWake() const;
-    Status failed(const char* what) const;
+    Status failed(const std::string& what) const;
 
     const std::string m_path; ///< of the store
     const std::string m_folderPath;

@@ -1,5 +1,6 @@
 #include "platform/store/SqliteSchema.h"
 
+#include "frame/StdText.h"
 #include "platform/store/ContentChecksum.h"
 #include "platform/store/Names.h"
 #include "platform/store/Sql.h"
@@ -45,11 +46,12 @@ void sha256(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
 Status version(const Connection& connection, size_t newest, int64_t* version) {
     *version = 0;
     if (connection.integer("PRAGMA user_version", version) != SQLITE_OK)
-        return connection.failure("Версия хранилища");
+        return connection.failure(StdText::tr("Версия хранилища"));
     if (*version < 0 || *version > static_cast<int64_t>(newest)) {
-        return {NewerStore, "Хранилище создано более новой версией программы (версия " +
-                                std::to_string(*version) + ", известна " + std::to_string(newest) +
-                                ")"};
+        return {NewerStore,
+                StdText::tr("Хранилище создано более новой версией программы (версия ") +
+                    std::to_string(*version) + StdText::tr(", известна ") + std::to_string(newest) +
+                    ")"};
     }
     return {};
 }
@@ -72,7 +74,7 @@ Status remakeTriggers(const Connection& connection) {
     int done = dropTriggers(connection);
     if (done == SQLITE_OK)
         done = connection.execute(triggers(dictionary()));
-    return done == SQLITE_OK ? Status() : connection.failure("Триггеры");
+    return done == SQLITE_OK ? Status() : connection.failure(StdText::tr("Триггеры"));
 }
 
 Status migrate(const Connection& connection, const MigrationSteps& steps,
@@ -81,7 +83,7 @@ Status migrate(const Connection& connection, const MigrationSteps& steps,
     Status status = version(connection, steps.size(), &present);
     if (!status.ok() || present == static_cast<int64_t>(steps.size()))
         return status;
-    const char what[] = "Обновление хранилища";
+    const std::string what = StdText::tr("Обновление хранилища");
     Transaction transaction(connection, Transaction::Write);
     if (transaction.begun() != SQLITE_OK)
         return connection.failure(what);

@@ -1,5 +1,6 @@
 #include "platform/store/SqliteStore.h"
 
+#include "frame/StdText.h"
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/Names.h"
 #include "platform/store/SqliteDamage.h"
@@ -73,7 +74,8 @@ Status SqliteStore::start() {
             known.push_back(&table);
         for (const TableDef* table : known) {
             if (cached(selectAll(*table)) == nullptr)
-                return m_connection.failure("Хранилище " + shown(m_path) + ", " + inTable(*table));
+                return m_connection.failure(StdText::tr("Хранилище ") + shown(m_path) + ", " +
+                                            inTable(*table));
         }
         int64_t position = 0;
         const Status status = logPosition(&position);
@@ -111,7 +113,8 @@ Status SqliteStore::present() {
     const Place::State state = m_place ? m_place->look() : Place::There;
     if (state == Place::There)
         return {};
-    return {ConnectionBroken, "Хранилище " + shown(m_path) + ": " + Place::words(state)};
+    return {ConnectionBroken,
+            StdText::tr("Хранилище ") + shown(m_path) + ": " + Place::words(state)};
 }
 
 void SqliteStore::letGo() {
@@ -128,7 +131,7 @@ Status SqliteStore::reopen() {
             return status;
         const Place::State state = m_place->look();
         if (state == Place::Gone)
-            return {CannotConnect, "Нет файла базы " + shown(m_path)};
+            return {CannotConnect, StdText::tr("Нет файла базы ") + shown(m_path)};
         // All connections of this process share the index that is gone: another one would join
         // them. What the removed log holds is brought into the file while that harms nobody.
         if (state == Place::JournalGone && m_place->hasNoOtherLog())
@@ -136,8 +139,9 @@ Status SqliteStore::reopen() {
         if (state != Place::Replaced)
             return status;
         if (const int error = m_place->putLogAside(); error != 0)
-            return {CannotConnect, "Журнал прежней базы " + shown(m_path + "-wal") +
-                                       " не переименован (" + std::strerror(error) + ")"};
+            return {CannotConnect, StdText::tr("Журнал прежней базы ") + shown(m_path + "-wal") +
+                                       StdText::tr(" не переименован (") + std::strerror(error) +
+                                       ")"};
         Connection fresh;
         status = connectTo(m_path, !m_mayWrite, &fresh);
         if (!status.ok())
@@ -165,7 +169,7 @@ Statement* SqliteStore::cached(const std::string& sql) {
 
 Status SqliteStore::identity(std::string* identity) {
     return guarded([&]() -> Status {
-        const char what[] = "Хранилище";
+        const std::string what = StdText::tr("Хранилище");
         Statement* statement = cached("SELECT \"identity\" FROM \"NciStore\"");
         if (statement == nullptr)
             return m_connection.failure(what);
@@ -224,7 +228,7 @@ Status SqliteStore::rows(Statement& statement, size_t columns, const EachRow& ea
             row[i] = statement.value(static_cast<int>(i));
         each(row);
     }
-    return step == SQLITE_DONE ? Status() : m_connection.failure("Чтение");
+    return step == SQLITE_DONE ? Status() : m_connection.failure(StdText::tr("Чтение"));
 }
 
 Status SqliteStore::select(const TableDef& table, const std::vector<int>& fields,
@@ -274,10 +278,10 @@ Status SqliteStore::logPosition(int64_t* id) {
         Statement* statement = cached("SELECT max(coalesce((SELECT max(\"id\") FROM \"NciEvent\"), "
                                       "0), coalesce((SELECT \"id\" FROM \"NciPruned\"), 0))");
         if (statement == nullptr)
-            return m_connection.failure(logName);
+            return m_connection.failure(logName());
         const ResetAfter reset(*statement);
         if (statement->step() != SQLITE_ROW)
-            return m_connection.failure(logName);
+            return m_connection.failure(logName());
         *id = statement->integer(0);
         return {};
     });
@@ -296,14 +300,14 @@ Status SqliteStore::readLog(const LogCursor& cursor, int limit, std::vector<Chan
             Status done = logPosition(&newest);
             if (done.ok() &&
                 m_connection.integer("SELECT \"id\" FROM \"NciPruned\"", &pruned) != SQLITE_OK)
-                done = m_connection.failure(logName);
+                done = m_connection.failure(logName());
             if (!done.ok())
                 return done;
             Statement* statement =
                 cached(std::string("SELECT ") + changeColumns +
                        " FROM \"NciEvent\" WHERE \"id\" >= ?1 ORDER BY \"id\" LIMIT ?2");
             if (statement == nullptr)
-                return m_connection.failure(logName);
+                return m_connection.failure(logName());
             const ResetAfter reset(*statement);
             const bool proved = !cursor.proof.empty(); // by the cursor's own change
             statement->bind(1, proved ? cursor.id : cursor.id + 1);
@@ -327,10 +331,10 @@ Status SqliteStore::pruneLog(int64_t id) {
         return inWrite([&]() -> Status {
             Statement* statement = cached("DELETE FROM \"NciEvent\" WHERE \"id\" <= ?1");
             if (statement == nullptr)
-                return m_connection.failure(logName);
+                return m_connection.failure(logName());
             const ResetAfter reset(*statement);
             statement->bind(1, id);
-            return statement->step() == SQLITE_DONE ? Status() : m_connection.failure(logName);
+            return statement->step() == SQLITE_DONE ? Status() : m_connection.failure(logName());
         });
     });
 }
@@ -339,7 +343,7 @@ Status SqliteStore::integrity(std::vector<std::string>* damages) {
     return guarded([&]() -> Status {
         auto found = findDamages(m_connection.get(), 0);
         if (!found)
-            return m_connection.failure("Проверка базы");
+            return m_connection.failure(StdText::tr("Проверка базы"));
         Status status;
         if (found->empty()) { // what is damaged may not be readable
             status = differingDefinitions(m_connection, &*found);

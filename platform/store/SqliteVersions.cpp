@@ -10,7 +10,7 @@ Status SqliteStore::selectVersions(const VersionQuery& query, std::vector<KeptVe
     Statement statement = m_connection.prepare(std::string("SELECT ") + versionColumns +
                                                " FROM \"NciVersion\"" + versionsWhere(query));
     if (!statement)
-        return m_connection.failure(contentName);
+        return m_connection.failure(contentName());
     const auto text = [&](int column) { return validUtf8(std::string(statement.text(column))); };
     int step = SQLITE_DONE;
     while ((step = statement.step()) == SQLITE_ROW) {
@@ -28,7 +28,7 @@ Status SqliteStore::selectVersions(const VersionQuery& query, std::vector<KeptVe
         version.sha256 = text(9);
         versions->push_back(std::move(version));
     }
-    return step == SQLITE_DONE ? Status() : m_connection.failure(contentName);
+    return step == SQLITE_DONE ? Status() : m_connection.failure(contentName());
 }
 
 Status SqliteStore::versionPieces(int64_t id, const EachPiece& each) {
@@ -37,7 +37,7 @@ Status SqliteStore::versionPieces(int64_t id, const EachPiece& each) {
         sqlite3_blob_open(m_connection.get(), "main", "NciVersion", "data", id, 0, &raw);
     const Blob blob(raw);
     if (opened != SQLITE_OK)
-        return m_connection.failure(contentName);
+        return m_connection.failure(contentName());
     return blobPieces(blob, each);
 }
 
@@ -57,12 +57,12 @@ Status SqliteStore::deleteVersions(const std::vector<int64_t>& ids) {
                             "DELETE FROM \"NciVersion\" WHERE \"id\" = ?1"}) {
         Statement* statement = cached(sql);
         if (statement == nullptr)
-            return m_connection.failure(contentName);
+            return m_connection.failure(contentName());
         for (const int64_t id : ids) {
             const ResetAfter reset(*statement);
             statement->bind(1, id);
             if (statement->step() != SQLITE_DONE)
-                return m_connection.failure(contentName);
+                return m_connection.failure(contentName());
         }
     }
     return {};
@@ -71,7 +71,7 @@ Status SqliteStore::deleteVersions(const std::vector<int64_t>& ids) {
 Status SqliteStore::selectVersionsEnd(int64_t* change) {
     return m_connection.integer("SELECT \"versions\" FROM \"NciPruned\"", change) == SQLITE_OK
                ? Status()
-               : m_connection.failure(contentName);
+               : m_connection.failure(contentName());
 }
 
 Status SqliteStore::checkVersions(std::vector<std::string>* damages) {

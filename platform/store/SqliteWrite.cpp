@@ -1,6 +1,7 @@
 // Transactions, and the writing of records and contents.
 #include "platform/store/SqliteStore.h"
 
+#include "frame/StdText.h"
 #include "platform/store/Names.h"
 #include "platform/store/WaitPolicy.h"
 
@@ -13,7 +14,7 @@ Status SqliteStore::inRead(const Work& work) {
     const InvariantScope<SqliteStore> invariants(*this);
     Transaction transaction(m_connection, Transaction::Read);
     if (transaction.begun() != SQLITE_OK)
-        return m_connection.failure("Чтение");
+        return m_connection.failure(StdText::tr("Чтение"));
     return work();
 }
 
@@ -25,23 +26,25 @@ Status SqliteStore::setWriter() {
         "\"login\" = ?1), 1 + max(coalesce((SELECT max(\"id\") FROM \"NciEvent\"), 0), "
         "coalesce((SELECT seq FROM sqlite_sequence WHERE name = 'NciEvent'), 0)))");
     if (statement == nullptr)
-        return m_connection.failure("Запись");
+        return m_connection.failure(StdText::tr("Запись"));
     const ResetAfter reset(*statement);
     const std::string writer = login();
     statement->bind(1, std::string_view(writer));
     statement->bind(2, std::string_view(origin().client));
     statement->bind(3, std::string_view(origin().place));
     statement->bind(4, origin().group);
-    return statement->step() == SQLITE_DONE ? Status() : m_connection.failure("Запись");
+    return statement->step() == SQLITE_DONE ? Status()
+                                            : m_connection.failure(StdText::tr("Запись"));
 }
 
 Status SqliteStore::clearWriter() {
     Statement* statement = cached("UPDATE \"NciWriter\" SET \"login\" = '', \"client\" = '', "
                                   "\"place\" = '', \"group\" = NULL");
     if (statement == nullptr)
-        return m_connection.failure("Запись");
+        return m_connection.failure(StdText::tr("Запись"));
     const ResetAfter reset(*statement);
-    return statement->step() == SQLITE_DONE ? Status() : m_connection.failure("Запись");
+    return statement->step() == SQLITE_DONE ? Status()
+                                            : m_connection.failure(StdText::tr("Запись"));
 }
 
 Status SqliteStore::noteUndone(int64_t before) {
@@ -50,12 +53,13 @@ Status SqliteStore::noteUndone(int64_t before) {
     Statement* statement = cached("UPDATE \"NciEvent\" SET \"undoes\" = ?1 WHERE \"id\" > ?2 AND "
                                   "\"id\" = \"group\"");
     if (statement == nullptr)
-        return m_connection.failure("Запись");
+        return m_connection.failure(StdText::tr("Запись"));
     const ResetAfter reset(*statement);
     const std::string list = listText(origin().undoes);
     statement->bind(1, std::string_view(list));
     statement->bind(2, before);
-    return statement->step() == SQLITE_DONE ? Status() : m_connection.failure("Запись");
+    return statement->step() == SQLITE_DONE ? Status()
+                                            : m_connection.failure(StdText::tr("Запись"));
 }
 
 /// Within one transaction the log grows by its own changes only, without gaps.
@@ -67,7 +71,7 @@ Status SqliteStore::lastChange(int64_t before, Written* written) {
     Statement* statement =
         cached(std::string("SELECT ") + changeColumns + " FROM \"NciEvent\" WHERE \"id\" = ?1");
     if (statement == nullptr)
-        return m_connection.failure(logName);
+        return m_connection.failure(logName());
     const ResetAfter reset(*statement);
     statement->bind(1, newest);
     std::vector<Change> last;
@@ -86,7 +90,7 @@ Status SqliteStore::inWrite(const Work& work) {
         return status;
     Transaction transaction(m_connection, Transaction::Write);
     if (transaction.begun() != SQLITE_OK)
-        return m_connection.failure("Запись");
+        return m_connection.failure(StdText::tr("Запись"));
     m_written = {};
     struct CloseContent { // however the work ends
         Blob& content;
@@ -112,7 +116,7 @@ Status SqliteStore::inWrite(const Work& work) {
     if (status = lastChange(before, &written); !status.ok())
         return status;
     if (transaction.commit() != SQLITE_OK)
-        return m_connection.failure("Запись");
+        return m_connection.failure(StdText::tr("Запись"));
     m_place->look(); // the commit may have carried the log over
     m_written = std::move(written);
     m_grown = true;
@@ -178,7 +182,7 @@ Status SqliteStore::applyAll(const TableDef& table, const std::vector<Write>& wr
     constexpr size_t batch = recordsBetweenAsking;
     for (auto write = writes.begin(); write != writes.end();) {
         if ((write - writes.begin()) % recordsBetweenAsking == 0 && !keepWriting())
-            return {Timeout, "Запись прервана, ничего не записано"};
+            return {Timeout, StdText::tr("Запись прервана, ничего не записано")};
         const auto alike = [&](const Write& other) {
             return other.flag == MDX_INSERT &&
                    std::equal(other.values.begin(), other.values.end(), write->values.begin(),
@@ -222,7 +226,7 @@ Status SqliteStore::contentBytes(const std::string& key, std::string* bytes) {
     const int size = sqlite3_blob_bytes(blob.get());
     bytes->resize(static_cast<size_t>(size));
     if (size > 0 && sqlite3_blob_read(blob.get(), bytes->data(), size, 0) != SQLITE_OK)
-        return m_connection.failure(contentName);
+        return m_connection.failure(contentName());
     return {};
 }
 

@@ -1,5 +1,6 @@
 #include "platform/store/StoreCore.h"
 
+#include "frame/StdText.h"
 #include "platform/store/GuardedUpdate.h"
 #include "platform/store/Names.h"
 #include "platform/store/Sql.h"
@@ -26,7 +27,7 @@ void clear(MDArray* array) {
 /// Refuses an array that holds something already.
 Status checkEmpty(const TableDef& table, const MDArray* into) {
     if (into == nullptr || into->fieldCount != 0)
-        return {BadArguments, inTable(table) + ": массив для записей не пуст"};
+        return {BadArguments, inTable(table) + StdText::tr(": массив для записей не пуст")};
     return {};
 }
 
@@ -49,7 +50,7 @@ void writeRow(const TableDef& table, const std::vector<Value>& row, mdx::RecordW
 }
 
 Status unknownTable(std::string_view name) {
-    return {UnknownName, "Неизвестная таблица " + shown(name)};
+    return {UnknownName, StdText::tr("Неизвестная таблица ") + shown(name)};
 }
 
 } // namespace
@@ -61,12 +62,12 @@ Status statusOfException() noexcept {
             throw;
         } catch (const std::bad_alloc&) {
             code = NoMemory;
-            return {code, "Не хватает памяти"};
+            return {code, StdText::tr("Не хватает памяти")};
         } catch (const std::length_error&) {
             code = NoMemory;
-            return {code, "Не хватает памяти"};
+            return {code, StdText::tr("Не хватает памяти")};
         } catch (const std::exception& error) {
-            return {code, std::string("Внутренняя ошибка: ") + error.what()};
+            return {code, StdText::tr("Внутренняя ошибка: ") + error.what()};
         }
     } catch (...) { // no memory even for the text
         return {code, {}};
@@ -87,9 +88,10 @@ Status StoreCore::records(const TableDef& table, MDArray* into,
         result = writer.finish();
     }
     if (status.ok() && result == MDX_E_MEMORY)
-        status = {NoMemory, inTable(table) + ": не хватает памяти"};
+        status = {NoMemory, inTable(table) + StdText::tr(": не хватает памяти")};
     else if (status.ok() && result != MDX_OK)
-        status = {BadStructure, inTable(table) + ": записи не складываются в таблицу (код " +
+        status = {BadStructure, inTable(table) +
+                                    StdText::tr(": записи не складываются в таблицу (код ") +
                                     std::to_string(result) + ")"};
     if (!status.ok())
         clear(into);
@@ -105,20 +107,24 @@ void StoreCore::tellFaults(const ContentFaults& faults, std::vector<std::string>
     const Status named = keys.empty() ? Status() : m_files.contentNames(keys, &names);
     for (const auto& [fault, key] : faults) {
         const auto found = named.ok() ? names.find(foldedKey(key)) : names.end();
-        const std::string what =
-            found == names.end() ? " содержимого " + key
-                                 : " содержимого файла " + found->second + " (ключ " + key + ")";
-        lines->push_back(
-            fault == ContentFault::OtherSize ? "Размер" + what + " не сходится с записанным"
-            : fault == ContentFault::NoChecksum ? "Нет контрольной суммы" + what
-                                                : "Байты" + what +
-                                                      " повреждены или изменены мимо программы: не "
-                                                      "сходятся с контрольной суммой");
+        const std::string what = found == names.end()
+                                     ? StdText::tr(" содержимого ") + key
+                                     : StdText::tr(" содержимого файла ") + found->second +
+                                           StdText::tr(" (ключ ") + key + ")";
+        lines->push_back(fault == ContentFault::OtherSize
+                             ? StdText::tr("Размер") + what +
+                                   StdText::tr(" не сходится с записанным")
+                         : fault == ContentFault::NoChecksum
+                             ? StdText::tr("Нет контрольной суммы") + what
+                             : StdText::tr("Байты") + what +
+                                   StdText::tr(" повреждены или изменены мимо программы: не "
+                                               "сходятся с контрольной суммой"));
     }
 }
 
 std::string StoreCore::placeOf(const TableDef& table, const Write& write) {
-    return write.place.empty() ? inTable(table) + ", запись " + shown(write.key) : write.place;
+    return write.place.empty() ? inTable(table) + StdText::tr(", запись ") + shown(write.key)
+                               : write.place;
 }
 
 Status StoreCore::fetch(std::string_view name, MDArray* into) {
@@ -150,9 +156,11 @@ Status StoreCore::fetchField(std::string_view name, std::string_view field, Text
         const int number = table->find(field);
         const FieldDef* which = number < 0 ? nullptr : &table->fields[static_cast<size_t>(number)];
         if (which == nullptr || which->type != MDX_TEXT)
-            return {UnknownName, inTable(*table) + ": нет текстового поля " + shown(field)};
+            return {UnknownName,
+                    inTable(*table) + StdText::tr(": нет текстового поля ") + shown(field)};
         if (match == TextMatch::Key && !isKeyOrLink(*table, *which))
-            return {UnknownName, inTable(*table) + ": поле " + shown(field) + " не хранит ключей"};
+            return {UnknownName, inTable(*table) + StdText::tr(": поле ") + shown(field) +
+                                     StdText::tr(" не хранит ключей")};
         const Status empty = checkEmpty(*table, into);
         return empty.ok() ? fetchMatching(*table, *which, match, value, into) : empty;
     });
@@ -187,9 +195,9 @@ Status StoreCore::update(std::string_view tableName, const MDArray* records, Upd
     return guarded([&]() -> Status {
         const TableDef* table = findTable(tableName);
         if (table == nullptr)
-            return {Refused, "Неизвестная таблица " + shown(tableName)};
+            return {Refused, StdText::tr("Неизвестная таблица ") + shown(tableName)};
         if (records == nullptr)
-            return {BadArguments, "Нет записей для таблицы " + shown(tableName)};
+            return {BadArguments, StdText::tr("Нет записей для таблицы ") + shown(tableName)};
         const WritePlan plan(*table, records);
         if (plan.count() == 0)
             return {};

@@ -7,6 +7,7 @@
 #ifndef ORVO_PLATFORM_STORE_STORECORE_H
 #define ORVO_PLATFORM_STORE_STORECORE_H
 
+#include "frame/StdText.h"
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/Guarded.h"
 #include "platform/store/Maintenance.h"
@@ -144,8 +145,12 @@ private:
 };
 
 /// How messages name the change log and a stored file's bytes.
-inline constexpr char logName[] = "Журнал изменений";
-inline constexpr char contentName[] = "Содержимое файла";
+inline std::string logName() {
+    return StdText::tr("Журнал изменений");
+}
+inline std::string contentName() {
+    return StdText::tr("Содержимое файла");
+}
 
 } // namespace orvo::store
 

@@ -1,6 +1,7 @@
 // Places in the change log and their proof, alike in every kind of store.
 #include "platform/store/StoreCore.h"
 
+#include "frame/StdText.h"
 #include "platform/store/Names.h"
 
 #include <QCryptographicHash>
@@ -112,12 +113,12 @@ Status StoreCore::readDesktopLog(std::string_view /*desktop*/, int limit, LogCur
 Status StoreCore::checkCursor(const LogCursor& cursor, int64_t pruned, int64_t newest,
                               std::vector<Change>* changes) {
     const bool proved = !cursor.proof.empty();
-    const std::string place = "события " + std::to_string(cursor.id);
+    const std::string place = StdText::tr("события ") + std::to_string(cursor.id);
     if (cursor.id < pruned || (cursor.id > newest && !proved))
         // Beyond the end: the cursor was taken before the store was recreated or restored from a
         // backup.
-        return {LogPruned, std::string(logName) + " не достаёт до " + place +
-                               ": он начинается после " + std::to_string(pruned)};
+        return {LogPruned, std::string(logName()) + StdText::tr(" не достаёт до ") + place +
+                               StdText::tr(": он начинается после ") + std::to_string(pruned)};
     if (!proved)
         return {};
     if (!changes->empty() && changes->front().id == cursor.id) {
@@ -129,9 +130,11 @@ Status StoreCore::checkCursor(const LogCursor& cursor, int64_t pruned, int64_t n
     } else if (cursor.id == pruned) {
         return {}; // pruned exactly up to it
     }
-    return {LogReplaced,
-            std::string(logName) + " не содержит прочитанного " + place +
-                ": хранилище вернулось к более раннему состоянию, последние изменения потеряны"};
+    return {
+        LogReplaced,
+        std::string(logName()) + StdText::tr(" не содержит прочитанного ") + place +
+            StdText::tr(
+                ": хранилище вернулось к более раннему состоянию, последние изменения потеряны")};
 }
 
 Status StoreCore::logEnd(LogCursor* cursor) {
@@ -194,7 +197,8 @@ Status StoreCore::history(const LogQuery& query, int limit, std::vector<Change>*
     return guarded([&]() -> Status {
         for (const std::string* text : {&query.table, &query.key})
             if (text->find('\0') != std::string::npos)
-                return {BadArguments, std::string(logName) + ": нулевой знак в условии"};
+                return {BadArguments,
+                        std::string(logName()) + StdText::tr(": нулевой знак в условии")};
         ChangeQuery wanted;
         static_cast<LogQuery&>(wanted) = query;
         wanted.limit = std::max(limit, 0);

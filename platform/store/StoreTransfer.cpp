@@ -1,4 +1,5 @@
 // A store's whole content on its way out and in.
+#include "frame/StdText.h"
 #include "platform/store/Maintenance.h"
 #include "platform/store/Names.h"
 #include "platform/store/Sql.h"
@@ -15,7 +16,8 @@ namespace {
 
 std::string placeInWords(const TableDef& table, const std::vector<Value>& values,
                          const std::string& place) {
-    return place.empty() ? inTable(table) + ", запись " + shown(textOf(values.front())) : place;
+    return place.empty() ? inTable(table) + StdText::tr(", запись ") + shown(textOf(values.front()))
+                         : place;
 }
 
 /// Whether a value is one that the field can hold.
@@ -70,9 +72,10 @@ public:
 
     Status bytes(std::string_view piece) override {
         if (!m_open)
-            return {BadArguments, "Содержимое без записи"};
+            return {BadArguments, StdText::tr("Содержимое без записи")};
         if (piece.size() > m_left)
-            return {Refused, m_write.place + ": содержимое длиннее, чем сказано в записи"};
+            return {Refused,
+                    m_write.place + StdText::tr(": содержимое длиннее, чем сказано в записи")};
         m_left -= piece.size();
         return piece.empty() ? Status() : m_store.contentPiece(piece);
     }
@@ -83,7 +86,8 @@ public:
             return {};
         m_open = false;
         if (m_left != 0)
-            return {Refused, m_write.place + ": содержимое короче, чем сказано в записи"};
+            return {Refused,
+                    m_write.place + StdText::tr(": содержимое короче, чем сказано в записи")};
         return m_store.endContent();
     }
 
@@ -114,23 +118,25 @@ private:
 Status checkRecord(const TableDef& table, const std::vector<Value>& values,
                    const std::string& place) {
     if (values.size() != table.fields.size())
-        return {BadArguments, inTable(table) + ": запись с другим числом полей"};
+        return {BadArguments, inTable(table) + StdText::tr(": запись с другим числом полей")};
     const auto refused = [&](const std::string& why) -> Status {
         return {Refused, placeInWords(table, values, place) + ": " + why};
     };
     if (!isKey(textOf(values.front())))
-        return refused("в ключе KeyLink допустимы только печатные знаки ASCII, хотя бы один");
+        return refused(
+            StdText::tr("в ключе KeyLink допустимы только печатные знаки ASCII, хотя бы один"));
     for (size_t i = 1; i < values.size(); ++i)
         if (!fits(values[i], table.fields[i]))
-            return refused("значение не подходит полю " + shown(table.fields[i].name));
+            return refused(StdText::tr("значение не подходит полю ") + shown(table.fields[i].name));
     if (&table != &contentTable())
         return {};
     const auto* size = std::get_if<int64_t>(&values[static_cast<size_t>(table.find(field::size))]);
     if (size == nullptr || *size < 0 || static_cast<uint64_t>(*size) > largestFile)
-        return refused("размер содержимого не от 0 до " + std::to_string(largestFile >> 20) +
-                       " МиБ");
+        return refused(StdText::tr("размер содержимого не от 0 до ") +
+                       std::to_string(largestFile >> 20) + StdText::tr(" МиБ"));
     const std::string name = textOf(values[static_cast<size_t>(table.find(field::name_))]);
-    return isPlainFileName(name) ? Status() : refused("недопустимое имя файла " + shown(name));
+    return isPlainFileName(name) ? Status()
+                                 : refused(StdText::tr("недопустимое имя файла ") + shown(name));
 }
 
 // Out --------------------------------------------------------------------------------------------

@@ -1,5 +1,6 @@
 #include "platform/store/StoreUrl.h"
 
+#include "frame/StdText.h"
 #include "platform/store/Kinds.h"
 
 #include <algorithm>
@@ -30,9 +31,10 @@ Status notUnderstood(const std::string& text) {
     for (const DatabaseKind& kind : kinds())
         schemes += (schemes.empty() ? "" : ", ") + std::string(kind.schemes.front());
     const std::string scheme = schemeOf(text);
-    return {BadArguments, "Непонятный адрес хранилища" +
-                              (scheme.empty() ? std::string() : " вида " + scheme) +
-                              "; он начинается с " + schemes + " или это путь к файлу"};
+    return {BadArguments, StdText::tr("Непонятный адрес хранилища") +
+                              (scheme.empty() ? std::string() : StdText::tr(" вида ") + scheme) +
+                              StdText::tr("; он начинается с ") + schemes +
+                              StdText::tr(" или это путь к файлу")};
 }
 
 } // namespace
@@ -72,8 +74,9 @@ bool isBlank(char c) {
 
 /// The end of what one message quotes or says in one word, from `begin` on.
 size_t wordEnd(const std::string& text, size_t begin) {
-    for (const auto& [open, close] : {std::pair{"«", "»"}, std::pair{"\"", "\""}})
-        if (text.compare(begin, std::string_view(open).size(), open) == 0)
+    for (const auto& [open, close] : {std::pair{StdText::tr("«"), StdText::tr("»")},
+                                      std::pair{std::string("\""), std::string("\"")}})
+        if (text.compare(begin, open.size(), open) == 0)
             return std::min(text.find(close, begin + 1), text.size());
     while (begin < text.size() && !isBlank(text[begin]))
         ++begin;

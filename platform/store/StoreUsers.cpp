@@ -1,4 +1,5 @@
 // Users, and their logins at databases that have such.
+#include "frame/StdText.h"
 #include "platform/store/Names.h"
 #include "platform/store/StoreCore.h"
 
@@ -13,11 +14,11 @@ namespace {
 Status refuseText(const std::string& text) {
     if (isShowable(text))
         return {};
-    return {Refused, "Знаки вне кодировки Windows-1251 недопустимы: " + shown(text)};
+    return {Refused, StdText::tr("Знаки вне кодировки Windows-1251 недопустимы: ") + shown(text)};
 }
 
 Status refuseRights() {
-    return {Refused, "Это хранилище не знает паролей и прав"};
+    return {Refused, StdText::tr("Это хранилище не знает паролей и прав")};
 }
 
 } // namespace
@@ -36,7 +37,7 @@ Status StoreCore::findUser(const std::string& login, std::string* key, std::stri
             *exact = text;
         });
     if (status.ok() && !known)
-        return {Refused, "Пользователя " + shown(login) + " нет"};
+        return {Refused, StdText::tr("Пользователя ") + shown(login) + StdText::tr(" нет")};
     return status;
 }
 
@@ -45,7 +46,7 @@ Status StoreCore::userAdd(const User& user) {
         const TableDef& users = *findTable(table::Users);
         const auto number = [&](const char* name) { return users.find(name); };
         if (user.login.empty())
-            return {Refused, "Имя пользователя пусто"};
+            return {Refused, StdText::tr("Имя пользователя пусто")};
         for (const std::string* text :
              {&user.login, &user.lastName, &user.firstName, &user.midlName})
             if (const Status status = refuseText(*text); !status.ok())
@@ -58,7 +59,8 @@ Status StoreCore::userAdd(const User& user) {
             if (!status.ok())
                 return status;
             if (taken)
-                return {Refused, "Пользователь " + shown(user.login) + " уже есть"};
+                return {Refused, StdText::tr("Пользователь ") + shown(user.login) +
+                                     StdText::tr(" уже есть")};
             if (hasLogins())
                 status = makeLogin(user);
             else if (user.viewer || !user.password.empty())
@@ -149,8 +151,9 @@ Status StoreCore::userRemove(const std::string& login, int* unlocked) {
 Status StoreCore::loginAdd(const User& user) {
     return guarded([&]() -> Status {
         if (!hasLogins())
-            return {Refused, "У этого хранилища нет входов: его файл открывает тот, кому это "
-                             "позволяют права на файл"};
+            return {Refused,
+                    StdText::tr("У этого хранилища нет входов: его файл открывает тот, кому это "
+                                "позволяют права на файл")};
         return inWrite([&]() -> Status {
             User exact = user;
             std::string key;

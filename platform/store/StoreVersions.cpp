@@ -1,4 +1,5 @@
 // What is kept of stored bytes that were replaced or deleted.
+#include "frame/StdText.h"
 #include "platform/store/ContentChecksum.h"
 #include "platform/store/Names.h"
 #include "platform/store/Sql.h"
@@ -8,11 +9,13 @@ namespace orvo::store {
 
 namespace {
 
-const char versionName[] = "Прежнее содержимое";
+std::string versionName() {
+    return StdText::tr("Прежнее содержимое");
+}
 
 std::string nameOf(const KeptVersion& version) {
-    return "Прежнее содержимое файла " + shown(version.name) + " (версия " +
-           std::to_string(version.id) + ")";
+    return StdText::tr("Прежнее содержимое файла ") + shown(version.name) +
+           StdText::tr(" (версия ") + std::to_string(version.id) + ")";
 }
 
 } // namespace
@@ -37,7 +40,7 @@ std::string versionsWhere(const VersionQuery& query) {
 }
 
 Status StoreBackend::applyVersion(const Write& /*write*/, const KeptVersion& version) {
-    return {Failed, nameOf(version) + " не хранится"};
+    return {Failed, nameOf(version) + StdText::tr(" не хранится")};
 }
 
 Status StoreCore::versions(const VersionQuery& query, std::vector<KeptVersion>* versions) {
@@ -58,8 +61,9 @@ Status StoreCore::findVersion(int64_t id, KeptVersion* version) {
     if (!status.ok())
         return status;
     if (id < 1 || found.empty())
-        return {UnknownName, std::string(versionName) + ": версии " + std::to_string(id) +
-                                 " нет, её могло забыть сокращение (prune)"};
+        return {UnknownName, std::string(versionName()) + StdText::tr(": версии ") +
+                                 std::to_string(id) +
+                                 StdText::tr(" нет, её могло забыть сокращение (prune)")};
     *version = std::move(found.front());
     return {};
 }
@@ -77,8 +81,8 @@ Status StoreCore::readVersion(const KeptVersion& version, const TakePiece& take,
         return {status.code, nameOf(version) + ": " + status.text};
     const std::string found = sum.text();
     if (size != version.size || (!version.sha256.empty() && found != version.sha256))
-        return {Failed, nameOf(version) + " повреждено или изменено мимо программы: не "
-                                          "сходится с контрольной суммой"};
+        return {Failed, nameOf(version) + StdText::tr(" повреждено или изменено мимо программы: не "
+                                                      "сходится с контрольной суммой")};
     if (sha256 != nullptr)
         *sha256 = found;
     return {};

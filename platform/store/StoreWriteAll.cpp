@@ -1,4 +1,5 @@
 // Reading and writing records of several tables by their keys, for whoever takes changes back.
+#include "frame/StdText.h"
 #include "platform/store/GuardedUpdate.h"
 #include "platform/store/NamePlaces.h"
 #include "platform/store/Names.h"
@@ -48,9 +49,9 @@ Status StoreBackend::gapSince(int64_t since, Gap* gap) {
 }
 
 std::string StoreBackend::gapWords(Gap gap) {
-    return gap == Gap::Shortened ? "Журнал изменений тем временем сокращён"
-                                 : "Журнал изменений тем временем заменён (хранилище "
-                                   "восстановлено из копии или создано заново)";
+    return gap == Gap::Shortened ? StdText::tr("Журнал изменений тем временем сокращён")
+                                 : StdText::tr("Журнал изменений тем временем заменён (хранилище "
+                                               "восстановлено из копии или создано заново)");
 }
 
 Status StoreBackend::storedKeys(const TableDef& table, const std::vector<std::string>& keys,
@@ -101,7 +102,7 @@ Status StoreCore::keysNaming(const TableDef& table, int field, const std::vector
                              std::vector<std::pair<std::string, std::string>>* found) {
     return guarded([&]() -> Status {
         if (field < 0 || static_cast<size_t>(field) >= table.fields.size())
-            return {UnknownName, inTable(table) + ": нет такого поля"};
+            return {UnknownName, inTable(table) + StdText::tr(": нет такого поля")};
         std::vector<std::string> wanted;
         if (isKeyOrLink(table, table.fields[static_cast<size_t>(field)]))
             wanted = foldedKeys(keys);
@@ -158,9 +159,9 @@ Status StoreCore::checkUnchanged(const TableWrites& part, int64_t seen) {
     if (!status.ok() || since.empty())
         return status;
     const Change& last = since.back();
-    return {Outdated, inTable(*part.table) + ", запись " + shown(last.key) +
-                          ": её тем временем изменили (" +
-                          (last.login.empty() ? "вручную" : shown(last.login)) + ")"};
+    return {Outdated, inTable(*part.table) + StdText::tr(", запись ") + shown(last.key) +
+                          StdText::tr(": её тем временем изменили (") +
+                          (last.login.empty() ? StdText::tr("вручную") : shown(last.login)) + ")"};
 }
 
 Status StoreCore::checkUndoing(int64_t seen) {
@@ -172,15 +173,15 @@ Status StoreCore::checkUndoing(int64_t seen) {
     if (!status.ok() || since.empty())
         return status;
     const std::string& who = since.front().login;
-    return {Outdated,
-            "Тем временем отменили другую правку (" + (who.empty() ? "вручную" : shown(who)) + ")"};
+    return {Outdated, StdText::tr("Тем временем отменили другую правку (") +
+                          (who.empty() ? StdText::tr("вручную") : shown(who)) + ")"};
 }
 
 Status StoreCore::findVersions(const TableWrites& part, std::vector<KeptVersion>* versions) {
     if (part.bytes.empty())
         return {};
     if (part.table != &contentTable() || part.bytes.size() != part.writes.size())
-        return {BadArguments, "Не у каждой записи содержимого его байты"};
+        return {BadArguments, StdText::tr("Не у каждой записи содержимого его байты")};
     versions->resize(part.bytes.size());
     for (size_t i = 0; i < part.bytes.size(); ++i) {
         if (part.bytes[i].version == 0)

@@ -1,5 +1,6 @@
 #include "platform/store/StoredFiles.h"
 
+#include "frame/StdText.h"
 #include "platform/store/Names.h"
 
 #include "frame/Vocabulary.h"
@@ -49,13 +50,13 @@ StoredFile storedFile(const std::string& name, const Value& time, const Value& s
 
 Status checkFile(const FileToPut& file) {
     if (!isPlainFileName(file.name))
-        return {Refused, "Недопустимое имя файла " + shown(file.name)};
+        return {Refused, StdText::tr("Недопустимое имя файла ") + shown(file.name)};
     if (!isShowable(file.name))
-        return {Refused,
-                "В имени файла " + shown(file.name) + " есть знаки вне кодировки Windows-1251"};
+        return {Refused, StdText::tr("В имени файла ") + shown(file.name) +
+                             StdText::tr(" есть знаки вне кодировки Windows-1251")};
     if (file.bytes.size() > largestFile)
-        return {Refused, "Файл " + shown(file.name) + " больше " +
-                             std::to_string(largestFile >> 20) + " МиБ"};
+        return {Refused, StdText::tr("Файл ") + shown(file.name) + StdText::tr(" больше ") +
+                             std::to_string(largestFile >> 20) + StdText::tr(" МиБ")};
     return {};
 }
 
@@ -69,7 +70,7 @@ bool better(const Resource& a, const Resource& b, std::string_view name) {
 }
 
 Status noFolder(std::string_view path) {
-    return {Refused, "Нет папки с путём " + shown(path)};
+    return {Refused, StdText::tr("Нет папки с путём ") + shown(path)};
 }
 
 } // namespace
@@ -252,8 +253,9 @@ Status StoredFiles::contentNames(const std::vector<std::string>& keys,
         const auto placed = [&](const std::string& name) {
             return shown(path.empty() ? name : path + "/" + name);
         };
-        (*names)[content] = isForm ? shown(owner.second) + " формы " + placed(textOf(resource[2]))
-                                   : placed(owner.second);
+        (*names)[content] =
+            isForm ? shown(owner.second) + StdText::tr(" формы ") + placed(textOf(resource[2]))
+                   : placed(owner.second);
     }
     return {};
 }
@@ -292,9 +294,9 @@ Status StoredFiles::formPut(std::string_view path, const std::vector<FileToPut>&
         names.push_back(file.name);
     }
     if (names.empty())
-        return {Refused, "Форма без файлов"};
+        return {Refused, StdText::tr("Форма без файлов")};
     if (std::set<std::string_view>(names.begin(), names.end()).size() != names.size())
-        return {Refused, "Два файла формы с одним именем"};
+        return {Refused, StdText::tr("Два файла формы с одним именем")};
     const std::string name = formName(names);
 
     return m_backend.inWrite([&]() -> Status {
@@ -340,7 +342,7 @@ Status StoredFiles::formDelete(const std::vector<std::string>& forms) {
 Status StoredFiles::fileGet(std::string_view path, std::string_view name, bool withBytes,
                             std::vector<StoredFile>* files) {
     if (!isPlainFileName(name))
-        return {Refused, "Недопустимое имя файла " + shown(name)};
+        return {Refused, StdText::tr("Недопустимое имя файла ") + shown(name)};
     std::vector<StoredFile> result;
     const Status status = m_backend.inRead([&]() -> Status {
         std::shared_ptr<const FolderTree> tree;

@@ -1,5 +1,6 @@
 #include "platform/store/TakenNames.h"
 
+#include "frame/StdText.h"
 #include "frame/Vocabulary.h"
 #include "platform/store/ChangeRecord.h"
 #include "platform/store/Names.h"
@@ -104,13 +105,14 @@ Status TakenNames::refuseTaken() {
         if (isOwnChange(m_guard, change.id) ||
             (values.count(m_places.name()) == 0 && values.count(m_places.folder()) == 0))
             continue;
-        const std::string who =
-            change.login.empty() ? std::string("другой") : "пользователь " + shown(change.login);
-        return {Refused, "Имя " + shown(m_holders[foldedKey(change.key)]) + " тем временем занял " +
-                             who +
+        const std::string who = change.login.empty()
+                                    ? StdText::tr("другой")
+                                    : StdText::tr("пользователь ") + shown(change.login);
+        return {Refused, StdText::tr("Имя ") + shown(m_holders[foldedKey(change.key)]) +
+                             StdText::tr(" тем временем занял ") + who +
                              (std::strcmp(m_table.name, table::MenuResourceFolder) == 0
-                                  ? ": такая папка здесь уже есть"
-                                  : ": такой ресурс уже есть")};
+                                  ? StdText::tr(": такая папка здесь уже есть")
+                                  : StdText::tr(": такой ресурс уже есть"))};
     }
     return {};
 }

@@ -1,5 +1,6 @@
 #include "platform/store/WritePlan.h"
 
+#include "frame/StdText.h"
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/Names.h"
 
@@ -90,7 +91,7 @@ uint32_t WritePlan::count() const {
 
 Status WritePlan::write(uint32_t entry, Write* into) const {
     const MDRData* record = mdx::postedRecord(m_records, entry);
-    const auto where = [&] { return "Таблица " + shown(m_table.name); };
+    const auto where = [&] { return StdText::tr("Таблица ") + shown(m_table.name); };
     *into = {};
 
     MDRVar var{};
@@ -102,13 +103,14 @@ Status WritePlan::write(uint32_t entry, Write* into) const {
     if (into->key.empty() && (into->flag == MDX_UPDATE || into->flag == MDX_DELETE))
         return {};
     if (into->key.empty())
-        return refused(where() + ": запись без ключа KeyLink");
+        return refused(where() + StdText::tr(": запись без ключа KeyLink"));
 
-    const auto whose = [&] { return where() + ", запись " + shown(into->key); };
+    const auto whose = [&] { return where() + StdText::tr(", запись ") + shown(into->key); };
     if (into->flag != MDX_INSERT && into->flag != MDX_UPDATE && into->flag != MDX_DELETE)
-        return refused(whose() + ": недопустимый признак операции " + std::to_string(into->flag));
+        return refused(whose() + StdText::tr(": недопустимый признак операции ") +
+                       std::to_string(into->flag));
     if (into->flag == MDX_INSERT && !isKey(into->key))
-        return refused(whose() + ": в ключе допустимы только печатные знаки ASCII");
+        return refused(whose() + StdText::tr(": в ключе допустимы только печатные знаки ASCII"));
     if (into->flag == MDX_DELETE)
         return {};
 
@@ -117,11 +119,13 @@ Status WritePlan::write(uint32_t entry, Write* into) const {
         if (MDRIsUser(column.field, record, &user) != MDX_OK || user == 0)
             continue;
         if (column.number < 0)
-            return refused(whose() + ": в таблице нет поля " + shown(mdx::fieldName(column.field)));
+            return refused(whose() + StdText::tr(": в таблице нет поля ") +
+                           shown(mdx::fieldName(column.field)));
         const FieldDef& field = m_table.fields[static_cast<size_t>(column.number)];
         Value value;
         if (MDRGetVal(column.field, record, &var) != MDX_OK || !convert(var, field, &value))
-            return refused(whose() + ": значение не подходит полю " + shown(field.name));
+            return refused(whose() + StdText::tr(": значение не подходит полю ") +
+                           shown(field.name));
         into->values.emplace_back(column.number, std::move(value));
     }
     return {};

@@ -336,7 +336,7 @@ private slots:
         QCOMPARE(error, QString("Отсутствуют поля"));
     }
 
-    void onlyTheTablesErrorsAreTranslated() {
+    void everyErrorIsTranslated() {
         const Signs signs;
         Server server;
         CMDArray table;
@@ -346,20 +346,20 @@ private slots:
         QCOMPARE(error, QString("*Отсутствуют поля."));
         server.answer(success(nullptr, 0));
         getUserInfo(server.session.get(), table, error);
-        QCOMPARE(error, QString("Отсутствуют поля"));
+        QCOMPARE(error, QString("*Отсутствуют поля"));
         server.script.sent = false;
         for (const Fetch fetch : {Fetch(GetTableRecords), Fetch(GetTableStructure)}) {
             fetch(server.session.get(), "Menu", table, &error);
             QCOMPARE(error, '*' + noResult);
         }
         getUserInfo(server.session.get(), table, error);
-        QCOMPARE(error, noResult);
+        QCOMPARE(error, '*' + noResult);
         server.script.sent = true;
         server.script.waited = 0;
         GetTableRecords(server.session.get(), "Menu", table, &error);
         QCOMPARE(error, '*' + noResult);
         getUserInfo(server.session.get(), table, error);
-        QCOMPARE(error, noResult);
+        QCOMPARE(error, '*' + noResult);
     }
 
     void errorTexts_data() {

@@ -32,11 +32,12 @@ struct Receivers : QTreeView {
 
 namespace {
 
-/// Marks every text that is asked for under one context.
+/// Marks every text of ours that is asked for.
 class Marking : public QTranslator {
 public:
     QString translate(const char* context, const char* text, const char*, int) const override {
-        return qstrcmp(context, "OrvoMenu") == 0 ? "<" + QString::fromUtf8(text) + ">" : QString();
+        const bool ours = qstrcmp(context, "OrvoMenu") == 0 || qstrcmp(context, "orvo") == 0;
+        return ours ? "<" + QString::fromUtf8(text) + ">" : QString();
     }
     bool isEmpty() const override { return false; }
 };

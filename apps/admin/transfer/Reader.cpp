@@ -1,5 +1,6 @@
 #include "apps/admin/transfer/Format.h"
 
+#include "frame/StdText.h"
 #include "frame/Vocabulary.h"
 #include "platform/store/Names.h"
 
@@ -74,8 +75,9 @@ public:
         return take(std::monostate());
     }
     bool boolean(bool on) override {
-        return m_at == At::Field && field().type == MDX_BOOLEAN ? take(int64_t(on ? 1 : 0))
-                                                                : wrong("логическое значение");
+        return m_at == At::Field && field().type == MDX_BOOLEAN
+                   ? take(int64_t(on ? 1 : 0))
+                   : wrong(StdText::tr("логическое значение"));
     }
     bool number_integer(int64_t number) override { return integer(number, number); }
     bool number_unsigned(uint64_t number) override {
@@ -84,17 +86,19 @@ public:
     }
     bool number_float(double number, const std::string& /*text*/) override {
         return m_at == At::Field && field().type == MDX_DATE ? take(number)
-                                                             : wrong("дробное число");
+                                                             : wrong(StdText::tr("дробное число"));
     }
     bool string(std::string& text) override {
         if (m_at == At::Format)
-            return text == exportFormat ? back(At::Top) : fail("это не выгрузка Orvo");
+            return text == exportFormat ? back(At::Top) : fail(StdText::tr("это не выгрузка Orvo"));
         if (m_at == At::Data)
             return piece(text);
         return m_at == At::Field && field().type == MDX_TEXT ? take(std::move(text))
-                                                             : wrong("текст");
+                                                             : wrong(StdText::tr("текст"));
     }
-    bool binary(json::binary_t& /*bytes*/) override { return wrong("двоичные данные"); }
+    bool binary(json::binary_t& /*bytes*/) override {
+        return wrong(StdText::tr("двоичные данные"));
+    }
 
     bool start_object(size_t /*elements*/) override {
         switch (m_at) {
@@ -105,7 +109,7 @@ public:
         case At::Records:
             return openRecord();
         default:
-            return wrong("объект {}");
+            return wrong(StdText::tr("объект {}"));
         }
     }
     bool key(std::string& name) override {
@@ -122,11 +126,12 @@ public:
         case At::Tables:
             for (size_t i = 0; i < m_seen.size(); ++i)
                 if (!m_seen[i])
-                    return fail(std::string("нет таблицы \"") + store::tables()[i].name + "\"");
+                    return fail(StdText::tr("нет таблицы \"") + store::tables()[i].name + "\"");
             return back(At::Top);
         default:
             if (!m_sawTables || !m_sawFiles)
-                return fail(m_sawTables ? "нет списка \"files\"" : "нет таблиц \"tables\"");
+                return fail(m_sawTables ? StdText::tr("нет списка \"files\"")
+                                        : StdText::tr("нет таблиц \"tables\""));
             return back(At::End);
         }
     }
@@ -136,15 +141,15 @@ public:
             return openContent();
         }
         if (m_at != At::Table && m_at != At::FilesValue)
-            return wrong("список []");
+            return wrong(StdText::tr("список []"));
         m_number = 0;
         return back(At::Records);
     }
     bool end_array() override {
         if (m_at == At::Data) {
             if (m_taken != m_promised)
-                return fail("в \"data\" байт " + std::to_string(m_taken) +
-                            ", а в \"size\" сказано " + std::to_string(m_promised));
+                return fail(StdText::tr("в \"data\" байт ") + std::to_string(m_taken) +
+                            StdText::tr(", а в \"size\" сказано ") + std::to_string(m_promised));
             return back(At::Record);
         }
         m_number = 0;
@@ -155,11 +160,11 @@ public:
     bool parse_error(size_t /*position*/, const std::string& token,
                      const json::exception& /*error*/) override {
         if (m_source.broken())
-            return fail(std::string("файл не читается (") + std::strerror(errno) + ")");
+            return fail(StdText::tr("файл не читается (") + std::strerror(errno) + ")");
         if (m_source.ended())
-            return fail("файл оборван: JSON не закончен");
-        return fail("это не JSON" +
-                    (token.empty() ? std::string() : " возле " + store::shown(token)));
+            return fail(StdText::tr("файл оборван: JSON не закончен"));
+        return fail(StdText::tr("это не JSON") +
+                    (token.empty() ? std::string() : StdText::tr(" возле ") + store::shown(token)));
     }
 
 private:
@@ -189,14 +194,16 @@ private:
     }
 
     std::string place() {
-        std::string text = "строка " + std::to_string(m_inRecord ? m_line : m_source.line());
+        std::string text =
+            StdText::tr("строка ") + std::to_string(m_inRecord ? m_line : m_source.line());
         if (m_table != nullptr)
-            text += m_table == &store::contentTable() ? std::string(", файлы")
-                                                      : std::string(", таблица ") + m_table->name;
+            text += m_table == &store::contentTable() ? StdText::tr(", файлы")
+                                                      : StdText::tr(", таблица ") + m_table->name;
         if (m_inRecord) {
-            text += ", запись " + std::to_string(m_number);
+            text += StdText::tr(", запись ") + std::to_string(m_number);
             if (!store::textOf(m_values.front()).empty())
-                text += " (ключ " + store::shown(store::textOf(m_values.front())) + ")";
+                text +=
+                    StdText::tr(" (ключ ") + store::shown(store::textOf(m_values.front())) + ")";
         }
         return text;
     }
@@ -215,26 +222,26 @@ private:
         return m_field == dataField ? data : m_table->fields[static_cast<size_t>(m_field)];
     }
 
-    bool wrong(const char* what) {
+    bool wrong(const std::string& what) {
         if (m_at != At::Field)
-            return fail(std::string("здесь не ждали: ") + what);
-        const char* expected = "список кусков Base64";
+            return fail(StdText::tr("здесь не ждали: ") + what);
+        std::string expected = StdText::tr("список кусков Base64");
         if (m_field != dataField)
             switch (field().type) {
             case MDX_BOOLEAN:
-                expected = "true или false";
+                expected = StdText::tr("true или false");
                 break;
             case MDX_INTEGER:
-                expected = "целое число";
+                expected = StdText::tr("целое число");
                 break;
             case MDX_DATE:
-                expected = "число";
+                expected = StdText::tr("число");
                 break;
             default:
-                expected = "текст";
+                expected = StdText::tr("текст");
             }
-        return fail(std::string("поле \"") + field().name + "\": нужно " + expected + ", а стоит " +
-                    what);
+        return fail(StdText::tr("поле \"") + field().name + StdText::tr("\": нужно ") + expected +
+                    StdText::tr(", а стоит ") + what);
     }
 
     template <typename Given>
@@ -247,38 +254,39 @@ private:
     bool integer(int64_t number, Real real) {
         if (m_at == At::Version) {
             if (number != exportVersion)
-                return fail("выгрузка версии " + std::to_string(number) + ", известна " +
-                            std::to_string(exportVersion));
+                return fail(StdText::tr("выгрузка версии ") + std::to_string(number) +
+                            StdText::tr(", известна ") + std::to_string(exportVersion));
             return back(At::Top);
         }
         if (m_at != At::Field)
-            return wrong("число");
+            return wrong(StdText::tr("число"));
         if (field().type == MDX_DATE)
             return take(static_cast<double>(real));
         if (field().type != MDX_INTEGER)
-            return wrong("число");
+            return wrong(StdText::tr("число"));
         if (number < std::numeric_limits<int32_t>::min() ||
             number > std::numeric_limits<int32_t>::max())
-            return fail(std::string("поле \"") + field().name + "\": число слишком велико");
+            return fail(StdText::tr("поле \"") + field().name +
+                        StdText::tr("\": число слишком велико"));
         return take(number);
     }
 
     bool topKey(const std::string& name) {
         if (!m_sawFormat) {
             m_sawFormat = true;
-            return name == "format" ? back(At::Format) : fail("это не выгрузка Orvo");
+            return name == "format" ? back(At::Format) : fail(StdText::tr("это не выгрузка Orvo"));
         }
         if (!m_sawVersion) {
             m_sawVersion = true;
-            return name == "version" ? back(At::Version) : fail("нет версии выгрузки");
+            return name == "version" ? back(At::Version) : fail(StdText::tr("нет версии выгрузки"));
         }
         bool* const seen = name == "tables"  ? &m_sawTables
                            : name == "files" ? &m_sawFiles
                                              : nullptr;
         if (seen == nullptr)
-            return fail("неизвестное имя " + store::shown(name));
+            return fail(StdText::tr("неизвестное имя ") + store::shown(name));
         if (*seen)
-            return fail(store::shown(name) + " дано дважды");
+            return fail(store::shown(name) + StdText::tr(" дано дважды"));
         *seen = true;
         if (name == "tables")
             return back(At::TablesValue);
@@ -289,10 +297,10 @@ private:
     bool tableKey(const std::string& name) {
         const store::TableDef* table = store::findTable(name);
         if (table == nullptr)
-            return fail("неизвестная таблица " + store::shown(name));
+            return fail(StdText::tr("неизвестная таблица ") + store::shown(name));
         const auto number = static_cast<size_t>(table - store::tables().data());
         if (m_seen[number])
-            return fail("таблица " + store::shown(name) + " дана дважды");
+            return fail(StdText::tr("таблица ") + store::shown(name) + StdText::tr(" дана дважды"));
         m_seen[number] = true;
         m_table = table;
         return back(At::Table);
@@ -306,13 +314,13 @@ private:
         m_inRecord = true;
         m_hasData = false;
         if (m_progress && !m_progress(m_source.position(), m_size))
-            return passed({store::Stopped, "прервано"});
+            return passed({store::Stopped, StdText::tr("прервано")});
         return back(At::Record);
     }
 
     bool fieldKey(const std::string& name) {
         if (m_hasData)
-            return fail("после \"data\" полей быть не может");
+            return fail(StdText::tr("после \"data\" полей быть не может"));
         m_field = -1;
         for (size_t i = 0; i < m_table->fields.size(); ++i)
             if (name == m_table->fields[i].name)
@@ -320,11 +328,12 @@ private:
         if (m_field < 0 && m_table == &store::contentTable() && name == "data")
             m_field = dataField;
         if (m_field == -1)
-            return fail("неизвестное поле " + store::shown(name));
+            return fail(StdText::tr("неизвестное поле ") + store::shown(name));
         if (m_field >= 0) {
             const uint64_t bit = uint64_t(1) << m_field;
             if ((m_given & bit) != 0)
-                return fail("поле " + store::shown(name) + " дано дважды");
+                return fail(StdText::tr("поле ") + store::shown(name) +
+                            StdText::tr(" дано дважды"));
             m_given |= bit;
         }
         return back(At::Field);
@@ -334,7 +343,7 @@ private:
         static const auto sizeField = static_cast<size_t>(store::contentTable().find(field::size));
         const auto* size = std::get_if<int64_t>(&m_values[sizeField]);
         if (size == nullptr)
-            return fail("перед \"data\" нет размера \"size\"");
+            return fail(StdText::tr("перед \"data\" нет размера \"size\""));
         m_promised = *size;
         m_taken = 0;
         m_hasData = true;
@@ -344,26 +353,27 @@ private:
 
     bool piece(const std::string& text) {
         if (text.size() > largestPiece)
-            return fail("кусок в \"data\" длиннее " + std::to_string(largestPiece >> 20) + " МиБ");
+            return fail(StdText::tr("кусок в \"data\" длиннее ") +
+                        std::to_string(largestPiece >> 20) + StdText::tr(" МиБ"));
         const auto decoded = QByteArray::fromBase64Encoding(
             QByteArray::fromRawData(text.data(), static_cast<int>(text.size())),
             QByteArray::Base64Encoding | QByteArray::AbortOnBase64DecodingErrors);
         if (!decoded || text.size() % 4 != 0)
-            return fail("в \"data\" не Base64");
+            return fail(StdText::tr("в \"data\" не Base64"));
         const QByteArray& bytes = *decoded;
         m_taken += bytes.size();
         m_count->bytes += static_cast<uint64_t>(bytes.size());
         if (m_taken > m_promised)
-            return fail("в \"data\" больше байт, чем сказано в \"size\"");
+            return fail(StdText::tr("в \"data\" больше байт, чем сказано в \"size\""));
         if (m_progress && !m_progress(m_source.position(), m_size))
-            return passed({store::Stopped, "прервано"});
+            return passed({store::Stopped, StdText::tr("прервано")});
         return passed(m_into.bytes({bytes.constData(), static_cast<size_t>(bytes.size())}));
     }
 
     bool closeRecord() {
         const bool content = m_table == &store::contentTable();
         if (content && !m_hasData)
-            return fail("нет содержимого \"data\"");
+            return fail(StdText::tr("нет содержимого \"data\""));
         if (!content) {
             ++m_count->records;
             if (!passed(m_into.record(*m_table, m_values, place())))
@@ -402,7 +412,7 @@ store::Status readExport(std::FILE* file, uint64_t size, store::Receiver& into,
     const bool read = json::sax_parse(stream, &handler);
     if (!handler.status.ok() || read)
         return handler.status;
-    return {store::Refused, "файл не прочитан"};
+    return {store::Refused, StdText::tr("файл не прочитан")};
 }
 
 } // namespace orvo::admin

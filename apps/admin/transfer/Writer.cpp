@@ -1,5 +1,6 @@
 #include "apps/admin/transfer/Format.h"
 
+#include "frame/StdText.h"
 #include "platform/store/Names.h"
 #include "platform/store/Sql.h"
 
@@ -151,10 +152,10 @@ private:
             m_line += "\":";
             if (const auto* text = std::get_if<std::string>(&values[i])) {
                 if (store::validUtf8(*text) != *text)
-                    return {store::Refused, store::inTable(table) + ", запись " +
+                    return {store::Refused, store::inTable(table) + StdText::tr(", запись ") +
                                                 store::shown(store::textOf(values.front())) +
-                                                ", поле " + store::shown(field.name) +
-                                                ": текст не в кодировке UTF-8"};
+                                                StdText::tr(", поле ") + store::shown(field.name) +
+                                                StdText::tr(": текст не в кодировке UTF-8")};
                 appendText(&m_line, *text);
             } else if (const auto* number = std::get_if<int64_t>(&values[i])) {
                 if (field.type == MDX_BOOLEAN)
@@ -199,12 +200,12 @@ private:
         m_line.clear();
         const uint64_t done = (m_count->records + m_count->files) * recordWeight + m_count->bytes;
         if (m_progress && !m_progress(done, std::max<uint64_t>(m_all, 1)))
-            return {store::Stopped, "прервано"};
+            return {store::Stopped, StdText::tr("прервано")};
         return {};
     }
 
     static store::Status failed() {
-        return {store::Failed, std::string("файл не пишется (") + std::strerror(errno) + ")"};
+        return {store::Failed, StdText::tr("файл не пишется (") + std::strerror(errno) + ")"};
     }
 
     std::FILE* const m_file;

@@ -6,6 +6,8 @@
 #include "apps/admin/ProgressLine.h"
 #include "apps/admin/Verb.h"
 #include "apps/admin/transfer/Format.h"
+#include "frame/StdText.h"
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "history/Difference.h"
 #include "history/Inverse.h"
@@ -46,7 +48,7 @@ private:
 };
 
 void load(store::MaintainedStore& store, history::Installation& into) {
-    require(store.writeOut(into), "хранилище не прочитано");
+    require(store.writeOut(into), StdText::tr("хранилище не прочитано"));
     into.finish();
 }
 
@@ -86,7 +88,7 @@ private:
                         const std::string& place) const {
         store::Status status = store::checkRecord(table, values, place);
         if (status.ok() && into_.find(table, store::textOf(values.front())))
-            status = {store::Refused, place + ": такой ключ уже есть"};
+            status = {store::Refused, place + StdText::tr(": такой ключ уже есть")};
         return status;
     }
 
@@ -99,7 +101,7 @@ void loadExport(std::FILE* file, history::Installation& into) {
     require(readExport(
                 file, 0, checked, [](uint64_t, uint64_t) { return !Interruptible::requested(); },
                 &count),
-            "выгрузка не прочитана");
+            StdText::tr("выгрузка не прочитана"));
     into.finish();
 }
 
@@ -134,34 +136,31 @@ int runDiff(const Invocation& call) {
     Both source(to, from);
     print(difference, source);
     if (difference.changes.empty())
-        out("различий нет");
+        out(StdText::tr("различий нет"));
     return difference.changes.empty() ? Done : ErrorsFound;
 }
 
 void applyOptions(OptionList& options) {
-    options.append(
-        {QStringLiteral("dry-run"), QString::fromUtf8("Только показать, что было бы записано.")});
+    options.append({QStringLiteral("dry-run"), Text::tr("Только показать, что было бы записано.")});
     options.append({QStringLiteral("only"),
-                    QString::fromUtf8("Только это и всё внутри: названия сверху через «/» или "
-                                      "ключ записи."),
-                    QString::fromUtf8("ПУТЬ")});
+                    Text::tr("Только это и всё внутри: названия сверху через «/» или "
+                             "ключ записи."),
+                    Text::tr("ПУТЬ")});
     options.append({QStringLiteral("other-names"),
-                    QString::fromUtf8("Внести под свободным именем то, чьё имя в хранилище уже "
-                                      "занято: «а (2).png».")});
-    options.append(
-        {QStringLiteral("partly"),
-         QString::fromUtf8("Внести без того, чьё имя занято или что здесь не на месте.")});
+                    Text::tr("Внести под свободным именем то, чьё имя в хранилище уже "
+                             "занято: «а (2).png».")});
+    options.append({QStringLiteral("partly"),
+                    Text::tr("Внести без того, чьё имя занято или что здесь не на месте.")});
 }
 
 std::string leftOutWords(const history::TakenName& taken, history::RecordSource& source) {
     const auto& [table, key] = taken.record;
     const QString record = history::recordWords(*table, source.valuesOf(*table, key), key);
-    return cell(
-        QStringLiteral("%1: %2: имя %3 уже занято (ключ %4)")
-            .arg(taken.isNew ? QStringLiteral("Не внесено") : QStringLiteral("Оставлено как есть"),
-                 record, history::quoted(QString::fromStdString(taken.name)),
-                 QString::fromStdString(taken.holder.second))
-            .toStdString());
+    return cell(Text::tr("%1: %2: имя %3 уже занято (ключ %4)")
+                    .arg(taken.isNew ? Text::tr("Не внесено") : Text::tr("Оставлено как есть"),
+                         record, history::quoted(QString::fromStdString(taken.name)),
+                         QString::fromStdString(taken.holder.second))
+                    .toStdString());
 }
 
 std::string unfitWords(const history::Unfit& unfit, history::RecordSource& source) {
@@ -170,23 +169,21 @@ std::string unfitWords(const history::Unfit& unfit, history::RecordSource& sourc
     const QString record = history::recordWords(*table, source.valuesOf(*table, key), key);
     const history::Values values = source.valuesOf(*above, other);
     if (unfit.why == history::Unfit::StillNamed)
-        return line(QStringLiteral("Не удалено: %1: на это ссылается %2")
+        return line(Text::tr("Не удалено: %1: на это ссылается %2")
                         .arg(record, history::recordWords(*above, values, other)));
     const QString name = history::nameOf(*above, values);
     QString why = history::quoted(name.isEmpty() ? QString::fromStdString(other) : name);
     if (unfit.why == history::Unfit::NoFolder)
-        why +=
-            QStringLiteral(" в хранилище не ") + history::fieldWord(*table, unfit.field).toLower();
+        why += Text::tr(" в хранилище не ") + history::fieldWord(*table, unfit.field).toLower();
     else if (unfit.why == history::Unfit::NoResource)
-        why = QStringLiteral("ресурс %1 не внесён").arg(why);
+        why = Text::tr("ресурс %1 не внесён").arg(why);
     else
         why += std::strcmp(above->name, table::Menu) == 0
-                   ? QStringLiteral(" в хранилище на другом рабочем столе")
-                   : QStringLiteral(" в хранилище для ресурсов другого вида");
-    return line(
-        QStringLiteral("%1: %2: %3")
-            .arg(unfit.isNew ? QStringLiteral("Не внесено") : QStringLiteral("Оставлено как есть"),
-                 record, why));
+                   ? Text::tr(" в хранилище на другом рабочем столе")
+                   : Text::tr(" в хранилище для ресурсов другого вида");
+    return line(QStringLiteral("%1: %2: %3")
+                    .arg(unfit.isNew ? Text::tr("Не внесено") : Text::tr("Оставлено как есть"),
+                         record, why));
 }
 
 /// Resources that somebody has taken into work.
@@ -214,27 +211,31 @@ void printHeldBack(store::MaintainedStore& store, const history::Difference& dif
 
 history::RecordKey readPath(const std::string& path, const history::Installation& living,
                             const history::Installation& exported) {
-    const std::string option = "ничего не изменено: --only «" + path + "»";
+    const std::string option =
+        StdText::tr("ничего не изменено: --only «") + path + StdText::tr("»");
     std::vector<history::RecordKey> found = history::findPath(exported, path);
     if (found.empty()) // what the export has no more
         found = history::findPath(living, path);
     if (found.empty())
-        throw Failure(option +
-                      ": такого нет ни в выгрузке, ни в хранилище; запись можно назвать и ключом "
-                      "(его показывает history --json)");
+        throw Failure(
+            option +
+            StdText::tr(": такого нет ни в выгрузке, ни в хранилище; запись можно назвать и ключом "
+                        "(его показывает history --json)"));
     if (found.size() > 1)
-        throw Failure(option + ": таких " + std::to_string(found.size()) + ", назовите по ключу: " +
-                      found[0].second + ", " + found[1].second + (found.size() > 2 ? ", ..." : ""));
+        throw Failure(option + StdText::tr(": таких ") + std::to_string(found.size()) +
+                      StdText::tr(", назовите по ключу: ") + found[0].second + ", " +
+                      found[1].second + (found.size() > 2 ? ", ..." : ""));
     return found.front();
 }
 
 int runApply(const Invocation& call) {
-    const char what[] = "ничего не изменено";
+    const std::string what = StdText::tr("ничего не изменено");
     const Interruptible stoppable;
     const std::string place = call.argument(0);
     const Stream stream = openExport(place);
     if (!stream)
-        throw Failure(std::string(what) + ": «" + place + "» не выгрузка (её делает export)");
+        throw Failure(what + StdText::tr(": «") + place +
+                      StdText::tr("» не выгрузка (её делает export)"));
     const auto store = call.open();
     int64_t seen = 0;
     require(store->logPosition(&seen), what);
@@ -263,9 +264,10 @@ int runApply(const Invocation& call) {
         out(unfitWords(unfit, source));
     const bool asks = !difference.leftOut.empty() || !difference.unfit.empty();
     if (asks && !dry && !call.has("partly"))
-        throw Failure(std::string(what) + ": решите, как быть (" +
-                      (difference.leftOut.empty() ? "" : "--other-names или ") +
-                      "без этого --partly)");
+        throw Failure(
+            what + StdText::tr(": решите, как быть (") +
+            (difference.leftOut.empty() ? std::string() : StdText::tr("--other-names или ")) +
+            StdText::tr("без этого --partly)"));
     const bool all = !asks && difference.heldBack.empty();
     const int code = all ? Done : ErrorsFound;
     if (!dry && !difference.changes.empty()) // what is told has happened
@@ -275,14 +277,14 @@ int runApply(const Invocation& call) {
     print(difference, source);
     const std::string count = std::to_string(difference.changes.size());
     if (difference.changes.empty()) {
-        out(all ? "различий нет" : "записывать нечего");
+        out(all ? StdText::tr("различий нет") : StdText::tr("записывать нечего"));
         return code;
     }
     if (dry) {
-        out("записалось бы записей: " + count);
+        out(StdText::tr("записалось бы записей: ") + count);
         return code;
     }
-    out("записано записей: " + count + "; отменить: orvo-admin undo " +
+    out(StdText::tr("записано записей: ") + count + StdText::tr("; отменить: orvo-admin undo ") +
         std::to_string(store->lastWritten().first));
     return code;
 }
@@ -291,11 +293,13 @@ int runApply(const Invocation& call) {
 
 const Verb diffVerb = {
     "diff",
-    "[ХРАНИЛИЩЕ] ХРАНИЛИЩЕ|ВЫГРУЗКА",
-    "Показать словами, чем одна установка отличается от другой",
-    "Что надо сделать с первой (без неё - с хранилищем из --store), чтобы она стала такой, как\n"
-    "вторая. Записи сравниваются по ключам, формы и файлы - и по содержимому. Код завершения 1,\n"
-    "если различия есть.",
+    QT_TRANSLATE_NOOP("orvo", "[ХРАНИЛИЩЕ] ХРАНИЛИЩЕ|ВЫГРУЗКА"),
+    QT_TRANSLATE_NOOP("orvo", "Показать словами, чем одна установка отличается от другой"),
+    QT_TRANSLATE_NOOP("orvo", "Что надо сделать с первой (без неё - с хранилищем из --store), "
+                              "чтобы она стала такой, как\n"
+                              "вторая. Записи сравниваются по ключам, формы и файлы - и по "
+                              "содержимому. Код завершения 1,\n"
+                              "если различия есть."),
     1,
     2,
     nullptr,
@@ -304,17 +308,22 @@ const Verb diffVerb = {
 
 const Verb applyVerb = {
     "apply",
-    "[--dry-run] [--only ПУТЬ] [--other-names] [--partly] ВЫГРУЗКА",
-    "Внести в хранилище то, чем выгрузка отличается от него",
-    "Меню, опробованное на копии, - в живую установку: одной транзакцией и одним действием\n"
-    "истории, которое отменяет undo. С --only - только эту папку, рабочий стол, элемент или форму\n"
-    "со всем внутри, с недостающими папками над ними и ресурсами, на которые они ссылаются.\n"
-    "Чего в выгрузке нет, там удаляется. Пользователи и занятость ресурсов не меняются. Если\n"
-    "затронутое тем временем изменил кто-то другой, не меняется ничего. Форма, файл или папка,\n"
-    "чьё имя в хранилище занято другой записью, называется, и пока не решено, как быть, не\n"
-    "меняется ничего; если без неё, код завершения 1. То же с тем, чему в хранилище нет места, и "
-    "с\n"
-    "удалением того, на что ссылается остающееся.",
+    QT_TRANSLATE_NOOP("orvo", "[--dry-run] [--only ПУТЬ] [--other-names] [--partly] ВЫГРУЗКА"),
+    QT_TRANSLATE_NOOP("orvo", "Внести в хранилище то, чем выгрузка отличается от него"),
+    QT_TRANSLATE_NOOP(
+        "orvo",
+        "Меню, опробованное на копии, - в живую установку: одной транзакцией и одним действием\n"
+        "истории, которое отменяет undo. С --only - только эту папку, рабочий стол, элемент или "
+        "форму\n"
+        "со всем внутри, с недостающими папками над ними и ресурсами, на которые они ссылаются.\n"
+        "Чего в выгрузке нет, там удаляется. Пользователи и занятость ресурсов не меняются. Если\n"
+        "затронутое тем временем изменил кто-то другой, не меняется ничего. Форма, файл или "
+        "папка,\n"
+        "чьё имя в хранилище занято другой записью, называется, и пока не решено, как быть, не\n"
+        "меняется ничего; если без неё, код завершения 1. То же с тем, чему в хранилище нет места, "
+        "и "
+        "с\n"
+        "удалением того, на что ссылается остающееся."),
     1,
     1,
     applyOptions,

@@ -6,6 +6,8 @@
 #include "apps/admin/Records.h"
 #include "apps/admin/Verb.h"
 #include "apps/admin/verbs/BaseFolders.h"
+#include "frame/StdText.h"
+#include "frame/Text.h"
 #include "platform/store/Checksum.h"
 
 #include <QFile>
@@ -29,8 +31,8 @@ void putChecksum(const std::string& place, const std::string& sum, const std::st
         writer.write(line.data(), static_cast<qint64>(line.size())) !=
             static_cast<qint64>(line.size()) ||
         !writer.flush())
-        throw Failure("контрольная сумма «" + place +
-                      "» не записана: " + writer.errorString().toStdString());
+        throw Failure(StdText::tr("контрольная сумма «") + place + StdText::tr("» не записана: ") +
+                      writer.errorString().toStdString());
     file.put();
 }
 
@@ -39,48 +41,50 @@ int backup(const Invocation& call) {
     const Interruptible stoppable;
     NewFile file(call.argument(0), *store);
     {
-        ProgressLine progress(call, "резервная копия");
-        require(store->backup(file.path(), std::ref(progress)), "резервная копия не сделана");
+        ProgressLine progress(call, StdText::tr("резервная копия"));
+        require(store->backup(file.path(), std::ref(progress)),
+                StdText::tr("резервная копия не сделана"));
     }
     // Before the file moves: a checksum of what was written, never of what stood there before.
     std::string sum;
-    require(store::sumOf(file.path(), {}, &sum), "резервная копия не сделана");
+    require(store::sumOf(file.path(), {}, &sum), StdText::tr("резервная копия не сделана"));
     const std::string sumFile = store::checksumFile(call.argument(0));
     if (std::remove(sumFile.c_str()) != 0 && errno != ENOENT)
-        throw Failure("резервная копия не сделана: прежний файл «" + sumFile +
-                      "» не удаляется: " + std::strerror(errno));
+        throw Failure(StdText::tr("резервная копия не сделана: прежний файл «") + sumFile +
+                      StdText::tr("» не удаляется: ") + std::strerror(errno));
     file.put();
     putChecksum(sumFile, sum, call.argument(0), *store);
-    out("резервная копия сделана: " + call.argument(0) +
-        ", байт: " + std::to_string(QFileInfo(QString::fromStdString(call.argument(0))).size()));
+    out(StdText::tr("резервная копия сделана: ") + call.argument(0) + StdText::tr(", байт: ") +
+        std::to_string(QFileInfo(QString::fromStdString(call.argument(0))).size()));
     return Done;
 }
 
 void restoreOptions(OptionList& options) {
     progressOption(options);
     options.append({QStringLiteral("replace"),
-                    QString::fromUtf8("Хранилище не пустое: всё, что в нём есть, пропадёт.")});
+                    Text::tr("Хранилище не пустое: всё, что в нём есть, пропадёт.")});
 }
 
 int restore(const Invocation& call) {
     const QFileInfo file(QString::fromStdString(call.argument(0)));
     if (!file.isFile() || !file.isReadable())
-        throw Failure("хранилище не восстановлено: файла «" + call.argument(0) +
-                      "» нет, или он не читается");
+        throw Failure(StdText::tr("хранилище не восстановлено: файла «") + call.argument(0) +
+                      StdText::tr("» нет, или он не читается"));
     const auto store = call.open();
     if (!call.has("replace"))
         if (const std::string work = findWork(*store, true); !work.empty())
-            throw Failure("хранилище не восстановлено: оно не пустое (" + work +
-                          "); заменить его - ключ --replace");
+            throw Failure(StdText::tr("хранилище не восстановлено: оно не пустое (") + work +
+                          StdText::tr("); заменить его - ключ --replace"));
     const Interruptible stoppable;
     {
-        ProgressLine progress(call, "восстановление");
+        ProgressLine progress(call, StdText::tr("восстановление"));
         require(store->restore(file.absoluteFilePath().toStdString(), std::ref(progress)),
-                "хранилище не восстановлено");
+                StdText::tr("хранилище не восстановлено"));
     }
-    out("хранилище восстановлено: " + store->displayName());
+    out(StdText::tr("хранилище восстановлено: ") + store->displayName());
     if (!store::hasChecksum(file.absoluteFilePath().toStdString()))
-        out("контрольной суммы рядом с копией нет: проверено её устройство, но не каждый байт");
+        out(StdText::tr(
+            "контрольной суммы рядом с копией нет: проверено её устройство, но не каждый байт"));
     return Done;
 }
 
@@ -88,14 +92,17 @@ int restore(const Invocation& call) {
 
 const Verb backupVerb = {
     "backup",
-    "[--progress] ФАЙЛ",
-    "Сделать резервную копию хранилища",
-    "Копия снимает один момент, в который остальные продолжают работать, и содержит всё, с "
-    "журналом\n"
-    "изменений. Файл появляется целиком или никак; прежний файл с этим именем заменяется. Рядом\n"
-    "ложится его контрольная сумма, ФАЙЛ.sha256: её проверяют restore и sha256sum -c. Копия\n"
-    "хранилища SQLite сама хранилище; копию хранилища PostgreSQL делает pg_dump, и читает её\n"
-    "pg_restore.",
+    QT_TRANSLATE_NOOP("orvo", "[--progress] ФАЙЛ"),
+    QT_TRANSLATE_NOOP("orvo", "Сделать резервную копию хранилища"),
+    QT_TRANSLATE_NOOP(
+        "orvo",
+        "Копия снимает один момент, в который остальные продолжают работать, и содержит всё, с "
+        "журналом\n"
+        "изменений. Файл появляется целиком или никак; прежний файл с этим именем заменяется. "
+        "Рядом\n"
+        "ложится его контрольная сумма, ФАЙЛ.sha256: её проверяют restore и sha256sum -c. Копия\n"
+        "хранилища SQLite сама хранилище; копию хранилища PostgreSQL делает pg_dump, и читает её\n"
+        "pg_restore."),
     1,
     1,
     progressOption,
@@ -104,14 +111,17 @@ const Verb backupVerb = {
 
 const Verb restoreVerb = {
     "restore",
-    "[--replace] [--progress] ФАЙЛ",
-    "Восстановить хранилище из резервной копии",
-    "Хранилище должно быть (init) и быть того же вида, что и копия. Одной транзакцией: удаётся "
-    "всё\n"
-    "или ничего не меняется. Копия проверяется целиком и по контрольной сумме рядом с ней; без "
-    "суммы\n"
-    "строже проверяется её устройство. Открытые клиенты замечают замену и открывают свои модули\n"
-    "заново.",
+    QT_TRANSLATE_NOOP("orvo", "[--replace] [--progress] ФАЙЛ"),
+    QT_TRANSLATE_NOOP("orvo", "Восстановить хранилище из резервной копии"),
+    QT_TRANSLATE_NOOP(
+        "orvo",
+        "Хранилище должно быть (init) и быть того же вида, что и копия. Одной транзакцией: удаётся "
+        "всё\n"
+        "или ничего не меняется. Копия проверяется целиком и по контрольной сумме рядом с ней; без "
+        "суммы\n"
+        "строже проверяется её устройство. Открытые клиенты замечают замену и открывают свои "
+        "модули\n"
+        "заново."),
     1,
     1,
     restoreOptions,

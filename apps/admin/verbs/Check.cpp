@@ -4,6 +4,8 @@
 #include "apps/admin/Verb.h"
 #include "checks/Cures.h"
 #include "checks/Problems.h"
+#include "frame/StdText.h"
+#include "frame/Text.h"
 
 #include <map>
 
@@ -12,15 +14,16 @@ namespace orvo::admin {
 namespace {
 
 constexpr int shownPerKind = 50;
-constexpr const char* notCured = "ничего не исправлено";
+std::string notCured() {
+    return StdText::tr("ничего не исправлено");
+}
 
 void checkOptions(OptionList& options) {
-    options.append({QStringLiteral("all"),
-                    QString::fromUtf8("Показать все находки, а не первые %1 каждого вида.")
-                        .arg(shownPerKind)});
     options.append(
-        {QStringLiteral("fix"),
-         QString::fromUtf8("Исправить то, что исправляется однозначно; отменяет undo.")});
+        {QStringLiteral("all"),
+         Text::tr("Показать все находки, а не первые %1 каждого вида.").arg(shownPerKind)});
+    options.append({QStringLiteral("fix"),
+                    Text::tr("Исправить то, что исправляется однозначно; отменяет undo.")});
     jsonOption(options);
 }
 
@@ -31,11 +34,11 @@ struct Survey {
     checks::Problems problems{records};
 
     void read(store::Store& store) {
-        require(store.logPosition(&seen), "журнал не читается");
-        require(records.load(store), "записи не читаются");
+        require(store.logPosition(&seen), StdText::tr("журнал не читается"));
+        require(records.load(store), StdText::tr("записи не читаются"));
         problems.lookAtAll();
         std::vector<checks::Problems::FilePlace> places;
-        require(checks::readContents(store, &places), "файлы не перечислены");
+        require(checks::readContents(store, &places), StdText::tr("файлы не перечислены"));
         problems.setContents(places);
         problems.settle();
     }
@@ -49,7 +52,7 @@ public:
     void damage(const std::string& what) {
         ++m_damages;
         m_json ? outJson({{"severity", "error"}, {"kind", "damage"}, {"what", jsonText(what)}})
-               : out("ошибка: база данных: " + cell(what));
+               : out(StdText::tr("ошибка: база данных: ") + cell(what));
     }
 
     void fixed(const checks::Problems& problems, const checks::Finding& finding,
@@ -77,8 +80,8 @@ public:
             if (!m_all && count > shownPerKind) {
                 hidden += count - shownPerKind;
                 if (!m_json)
-                    out("не показано: " + kind + ": ещё " + std::to_string(count - shownPerKind) +
-                        " (все покажет --all)");
+                    out(StdText::tr("не показано: ") + kind + StdText::tr(": ещё ") +
+                        std::to_string(count - shownPerKind) + StdText::tr(" (все покажет --all)"));
             }
         const auto number = [](size_t count) { return static_cast<qint64>(count); };
         if (m_json) {
@@ -91,20 +94,20 @@ public:
                 sum.insert(QStringLiteral("fixed"), number(m_fixed));
             return outJson(sum);
         }
-        std::string sum = "проверено записей: " + std::to_string(m_records) +
-                          ", ошибок: " + std::to_string(m_damages + m_errors) +
-                          ", замечаний: " + std::to_string(m_warnings);
+        std::string sum = StdText::tr("проверено записей: ") + std::to_string(m_records) +
+                          StdText::tr(", ошибок: ") + std::to_string(m_damages + m_errors) +
+                          StdText::tr(", замечаний: ") + std::to_string(m_warnings);
         if (withFixes)
-            sum += ", исправлено: " + std::to_string(m_fixed);
+            sum += StdText::tr(", исправлено: ") + std::to_string(m_fixed);
         if (m_curable > 0)
-            sum += ", исправит --fix: " + std::to_string(m_curable);
+            sum += StdText::tr(", исправит --fix: ") + std::to_string(m_curable);
         out(sum);
     }
 
 private:
     void print(const checks::Problems& problems, const checks::Finding& finding,
                const QString* cure, bool isFixed) {
-        const std::string kind = (isFixed ? "исправлено: " : "") +
+        const std::string kind = (isFixed ? StdText::tr("исправлено: ") : "") +
                                  std::string(finding.table->name) + ": " +
                                  checks::titleOf(finding.problem).toStdString();
         if (++m_perKind[kind] > shownPerKind && !m_all)
@@ -127,10 +130,13 @@ private:
                 object.insert(QStringLiteral("fixed"), true);
             return outJson(object);
         }
-        std::string line = isFixed ? "исправлено: " : isError ? "ошибка: " : "замечание: ";
+        std::string line = isFixed   ? StdText::tr("исправлено: ")
+                           : isError ? StdText::tr("ошибка: ")
+                                     : StdText::tr("замечание: ");
         line += finding.table->name;
         if (record)
-            line += " " + cell(finding.key) + " «" + cell(record.name().toStdString()) + "»";
+            line += " " + cell(finding.key) + StdText::tr(" «") +
+                    cell(record.name().toStdString()) + StdText::tr("»");
         if (!path.isEmpty())
             line += " (" + cell(path.toStdString()) + ")";
         line += ": " + cell(what.toStdString());
@@ -160,7 +166,7 @@ void fix(store::MaintainedStore& store, Report& report) {
         const store::Status status = store.writeAll(batch.parts(), survey.seen, {});
         if (status.code == store::Outdated && tried < mostTries)
             continue;
-        require(status, notCured);
+        require(status, notCured());
         for (const auto& [finding, cure] : cures)
             report.fixed(survey.problems, finding, cure);
         return;
@@ -172,14 +178,15 @@ int run(const Invocation& call) {
     Report report(call.has("all"), call.has("json"));
     // The database first: what is damaged may not be readable below.
     std::vector<std::string> damages;
-    require(store->integrity(&damages), "база данных не проверена");
+    require(store->integrity(&damages), StdText::tr("база данных не проверена"));
     for (const std::string& damage : damages)
         report.damage(damage);
     if (call.has("fix")) {
         std::vector<std::string> loose; // rights that others have do no harm to what is written
-        require(store->looseRights(&loose), notCured);
+        require(store->looseRights(&loose), notCured());
         if (damages.size() > loose.size())
-            throw Failure(std::string(notCured) + ": база данных повреждена, см. check без --fix");
+            throw Failure(std::string(notCured()) +
+                          StdText::tr(": база данных повреждена, см. check без --fix"));
         fix(*store, report);
     }
     Survey survey;
@@ -201,12 +208,17 @@ int run(const Invocation& call) {
 const Verb checkVerb = {
     "check",
     "[--all] [--fix] [--json]",
-    "Проверить хранилище",
-    "Называет каждую находку на своей строке: таблица, ключ, название, где стоит, что не так.\n"
-    "Ошибка - то, что потеряно, не видно в редакторах или двусмысленно; замечание - то, на что\n"
-    "стоит взглянуть (например, форма без папки). С --fix сначала исправляет то, что исправляется\n"
-    "однозначно, одним действием истории, которое отменяет undo. Код завершения 1, если остались\n"
-    "ошибки; замечания его не меняют.",
+    QT_TRANSLATE_NOOP("orvo", "Проверить хранилище"),
+    QT_TRANSLATE_NOOP(
+        "orvo",
+        "Называет каждую находку на своей строке: таблица, ключ, название, где стоит, что не так.\n"
+        "Ошибка - то, что потеряно, не видно в редакторах или двусмысленно; замечание - то, на "
+        "что\n"
+        "стоит взглянуть (например, форма без папки). С --fix сначала исправляет то, что "
+        "исправляется\n"
+        "однозначно, одним действием истории, которое отменяет undo. Код завершения 1, если "
+        "остались\n"
+        "ошибки; замечания его не меняют."),
     0,
     0,
     checkOptions,

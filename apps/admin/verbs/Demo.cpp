@@ -4,17 +4,19 @@
 #include "apps/admin/ProgressLine.h"
 #include "apps/admin/Verb.h"
 #include "apps/admin/verbs/BaseFolders.h"
+#include "frame/StdText.h"
+#include "frame/Text.h"
 
 namespace orvo::admin {
 
 namespace {
 
-constexpr int64_t largestScale = 10'000'000;
+constexpr int64_t largestScale = 10000000;
 
 void demoOptions(OptionList& options) {
     progressOption(options);
     options.append({QStringLiteral("scale"),
-                    QString::fromUtf8("Вырастить до N ресурсов и N элементов меню (от %1 до %2).")
+                    Text::tr("Вырастить до N ресурсов и N элементов меню (от %1 до %2).")
                         .arg(demoElements)
                         .arg(largestScale),
                     QStringLiteral("N")});
@@ -25,8 +27,9 @@ int64_t readScale(const Invocation& call) {
     bool good = false;
     const qlonglong scale = QString::fromStdString(text).toLongLong(&good);
     if (!good || scale < demoElements || scale > largestScale)
-        throw Failure("--scale «" + text + "» не число от " + std::to_string(demoElements) +
-                      " до " + std::to_string(largestScale));
+        throw Failure(StdText::tr("--scale «") + text + StdText::tr("» не число от ") +
+                      std::to_string(demoElements) + StdText::tr(" до ") +
+                      std::to_string(largestScale));
     return scale;
 }
 
@@ -34,8 +37,9 @@ int64_t readScale(const Invocation& call) {
 void requireUnused(store::MaintainedStore& store) {
     const std::string work = findWork(store, false);
     if (!work.empty())
-        throw Failure("образцовая установка не записана: в хранилище уже есть данные (" + work +
-                      ")");
+        throw Failure(
+            StdText::tr("образцовая установка не записана: в хранилище уже есть данные (") + work +
+            ")");
 }
 
 int run(const Invocation& call) {
@@ -46,12 +50,13 @@ int run(const Invocation& call) {
     DemoBuilder builder(*store);
     builder.build();
     if (scale) {
-        ProgressLine progress(call, "заполнение");
+        ProgressLine progress(call, StdText::tr("заполнение"));
         growDemo(*store, builder.numbers(), scale - demoResources, scale - demoElements,
                  std::ref(progress));
     }
-    out("образцовая установка записана: ресурсов " + std::to_string(scale ? scale : demoResources) +
-        ", элементов меню " + std::to_string(scale ? scale : demoElements));
+    out(StdText::tr("образцовая установка записана: ресурсов ") +
+        std::to_string(scale ? scale : demoResources) + StdText::tr(", элементов меню ") +
+        std::to_string(scale ? scale : demoElements));
     return Done;
 }
 
@@ -60,11 +65,14 @@ int run(const Invocation& call) {
 const Verb demoVerb = {
     "demo",
     "[--scale N] [--progress]",
-    "Заполнить новое хранилище образцовой установкой",
-    "Придуманный газопровод: рабочие столы в папках, меню, ресурсы всех видов, формы с файлами,\n"
-    "значки, пользователи, две блокировки каждого из двух пользователей и одна форма без папки.\n"
-    "Хранилище, в котором уже есть данные, не меняется. Прерванное заполнение не продолжается:\n"
-    "его начинают заново на новом хранилище.",
+    QT_TRANSLATE_NOOP("orvo", "Заполнить новое хранилище образцовой установкой"),
+    QT_TRANSLATE_NOOP("orvo", "Придуманный газопровод: рабочие столы в папках, меню, ресурсы всех "
+                              "видов, формы с файлами,\n"
+                              "значки, пользователи, две блокировки каждого из двух пользователей "
+                              "и одна форма без папки.\n"
+                              "Хранилище, в котором уже есть данные, не меняется. Прерванное "
+                              "заполнение не продолжается:\n"
+                              "его начинают заново на новом хранилище."),
     0,
     0,
     demoOptions,

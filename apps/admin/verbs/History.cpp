@@ -4,6 +4,8 @@
 #include "apps/admin/Output.h"
 #include "apps/admin/TimeParsing.h"
 #include "apps/admin/Verb.h"
+#include "frame/StdText.h"
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "history/GroupWords.h"
 #include "history/People.h"
@@ -26,25 +28,25 @@ constexpr int pageSize = 2000;
 constexpr int groupsAtOnce = 100;
 
 void historyOptions(OptionList& options) {
-    const auto add = [&](const char* name, const QString& text, const char* value) {
-        options.append({QString::fromUtf8(name), text, QString::fromUtf8(value)});
+    const auto add = [&](const char* name, const QString& text, const QString& value) {
+        options.append({QString::fromUtf8(name), text, value});
     };
-    const QString forms = QString::fromUtf8(momentForms);
-    add("table", QString::fromUtf8("Только эта таблица."), "ТАБЛИЦА");
-    add("key",
-        QString::fromUtf8("Только запись с этим ключом; у формы и файла и замены содержимого."),
-        "КЛЮЧ");
-    add("user", QString::fromUtf8("Только изменения этого входа; пусто - сделанные вручную."),
-        "ВХОД");
-    add("since", QString::fromUtf8("Не раньше: ") + forms, "КОГДА");
-    add("until", QString::fromUtf8("Раньше, чем: ") + forms, "КОГДА");
-    add("text", QString::fromUtf8("Только действия с этим текстом в старом или новом значении."),
-        "ТЕКСТ");
+    const QString forms = momentForms();
+    add("table", Text::tr("Только эта таблица."), Text::tr("ТАБЛИЦА"));
+    add("key", Text::tr("Только запись с этим ключом; у формы и файла и замены содержимого."),
+        Text::tr("КЛЮЧ"));
+    add("user", Text::tr("Только изменения этого входа; пусто - сделанные вручную."),
+        Text::tr("ВХОД"));
+    add("since", Text::tr("Не раньше: ") + forms, Text::tr("КОГДА"));
+    add("until", Text::tr("Раньше, чем: ") + forms, Text::tr("КОГДА"));
+    add("text", Text::tr("Только действия с этим текстом в старом или новом значении."),
+        Text::tr("ТЕКСТ"));
     add("within",
-        QString::fromUtf8("Только то, что внутри рабочего стола, папки или элемента меню с этим "
-                          "ключом, или было внутри."),
-        "КЛЮЧ");
-    add("limit", QString::fromUtf8("Не больше N действий (с --json изменений), самых новых."), "N");
+        Text::tr("Только то, что внутри рабочего стола, папки или элемента меню с этим "
+                 "ключом, или было внутри."),
+        Text::tr("КЛЮЧ"));
+    add("limit", Text::tr("Не больше N действий (с --json изменений), самых новых."),
+        QStringLiteral("N"));
     jsonOption(options);
 }
 
@@ -56,12 +58,13 @@ store::LogQuery readQuery(const Invocation& call) {
             std::string names = store::contentTable().name;
             for (const store::TableDef& table : store::tables())
                 names += std::string(", ") + table.name;
-            throw Failure("таблицы «" + query.table + "» нет; есть: " + names);
+            throw Failure(StdText::tr("таблицы «") + query.table + StdText::tr("» нет; есть: ") +
+                          names);
         }
     }
     query.key = call.value("key");
     if (call.has("key") && query.key.empty())
-        throw Failure("--key «»: ключ пуст");
+        throw Failure(StdText::tr("--key «»: ключ пуст"));
     if (call.has("user"))
         query.login = call.value("user");
     if (call.has("since"))
@@ -77,7 +80,8 @@ int64_t readLimit(const Invocation& call) {
     bool good = false;
     const qlonglong limit = QString::fromStdString(call.value("limit")).toLongLong(&good);
     if (!good || limit < 1)
-        throw Failure("--limit «" + call.value("limit") + "» не число от 1");
+        throw Failure(StdText::tr("--limit «") + call.value("limit") +
+                      StdText::tr("» не число от 1"));
     return limit;
 }
 
@@ -91,7 +95,7 @@ QJsonObject parsed(const std::string& json) {
 std::set<int64_t> undoneOf(store::MaintainedStore& store, const std::vector<int64_t>& groups) {
     history::Standing standing;
     if (!groups.empty())
-        require(standing.read(store, groups), "история не прочитана");
+        require(standing.read(store, groups), StdText::tr("история не прочитана"));
     return standing.undone();
 }
 
@@ -103,7 +107,7 @@ void print(const history::Group& group, bool isUndone, const history::PersonName
     const std::string time = shownMoment(group.time);
     out(std::to_string(group.id) + "  " + (time.empty() ? "?" : time) + "  " +
         line(history::personName(group.login, people)) + "  " + line(words.what) +
-        (isUndone ? " [отменено]" : "") + placeInBrackets(words.place.toStdString()));
+        (isUndone ? StdText::tr(" [отменено]") : "") + placeInBrackets(words.place.toStdString()));
     if (group.changes.size() == 1) {
         printFields(history::describe(group.changes.front(), source).fields, "    ");
         return;
@@ -115,7 +119,8 @@ void print(const history::Group& group, bool isUndone, const history::PersonName
             printFields(change.fields, "        ");
     }
     if (group.count > static_cast<int64_t>(mostChanges))
-        out("    ... и ещё " + std::to_string(group.count - static_cast<int64_t>(mostChanges)));
+        out(StdText::tr("    ... и ещё ") +
+            std::to_string(group.count - static_cast<int64_t>(mostChanges)));
 }
 
 /// What the actions of a page of changes did, and whether they stand.
@@ -130,7 +135,8 @@ public:
                 continue;
             groups.push_back(change.group);
             history::Group group;
-            require(history::readForWords(store, change.group, &group), "история не прочитана");
+            require(history::readForWords(store, change.group, &group),
+                    StdText::tr("история не прочитана"));
             known->second = history::describe(group, source).what;
         }
         m_undone = undoneOf(store, groups);
@@ -178,7 +184,8 @@ history::Branch readBranch(store::MaintainedStore& store, const std::string& key
         if (const store::TableDef& table = *store::findTable(name);
             !records.valuesOf(table, key).empty())
             return {&table, key};
-    throw Failure("--within «" + key + "»: такого рабочего стола, папки или элемента меню нет");
+    throw Failure(StdText::tr("--within «") + key +
+                  StdText::tr("»: такого рабочего стола, папки или элемента меню нет"));
 }
 
 int run(const Invocation& call) {
@@ -205,7 +212,7 @@ int run(const Invocation& call) {
             page.clear();
             require(
                 reader.nextChanges(static_cast<size_t>(std::min<int64_t>(left, pageSize)), &page),
-                "история не прочитана");
+                StdText::tr("история не прочитана"));
             history::LoggedRecords source(*store);
             source.prepareUpdated(page);
             const Actions actions(*store, page);
@@ -219,11 +226,11 @@ int run(const Invocation& call) {
     while (!reader.atEnd() && left > 0 && outputTaken()) {
         page.clear();
         require(reader.next(static_cast<size_t>(std::min<int64_t>(left, groupsAtOnce)), &page),
-                "история не прочитана");
+                StdText::tr("история не прочитана"));
         history::LoggedRecords source(*store);
         std::vector<int64_t> groups;
         for (history::Group& group : page) {
-            require(history::countGroup(*store, &group), "история не прочитана");
+            require(history::countGroup(*store, &group), StdText::tr("история не прочитана"));
             groups.push_back(group.id);
         }
         const std::set<int64_t> undone = undoneOf(*store, groups);
@@ -238,15 +245,20 @@ int run(const Invocation& call) {
 
 const Verb historyVerb = {
     "history",
-    "[--table ТАБЛИЦА] [--key КЛЮЧ] [--within КЛЮЧ] [--user ВХОД] [--since КОГДА] [--until КОГДА] "
-    "[--text ТЕКСТ] [--limit N] [--json]",
-    "Показать, кто, когда и что изменил",
-    "Действия идут от новых к старым. У каждого строка: номер, время, кто, что сделано, где; под\n"
-    "ней с отступом изменения и поля: было -> стало. Номер берёт undo. «(вручную)» - изменено "
-    "мимо\n"
-    "программ Orvo в базе, которая не знает входов; «[отменено]» - действие отменено. С --json "
-    "идут\n"
-    "изменения, у каждого вход и слова его действия. Показывается то, что помнит журнал изменений.",
+    QT_TRANSLATE_NOOP("orvo", "[--table ТАБЛИЦА] [--key КЛЮЧ] [--within КЛЮЧ] [--user ВХОД] "
+                              "[--since КОГДА] [--until КОГДА] "
+                              "[--text ТЕКСТ] [--limit N] [--json]"),
+    QT_TRANSLATE_NOOP("orvo", "Показать, кто, когда и что изменил"),
+    QT_TRANSLATE_NOOP(
+        "orvo",
+        "Действия идут от новых к старым. У каждого строка: номер, время, кто, что сделано, где; "
+        "под\n"
+        "ней с отступом изменения и поля: было -> стало. Номер берёт undo. «(вручную)» - изменено "
+        "мимо\n"
+        "программ Orvo в базе, которая не знает входов; «[отменено]» - действие отменено. С --json "
+        "идут\n"
+        "изменения, у каждого вход и слова его действия. Показывается то, что помнит журнал "
+        "изменений."),
     0,
     0,
     historyOptions,

@@ -5,6 +5,7 @@
 #include "apps/admin/Verb.h"
 #include "apps/admin/verbs/BaseFolders.h"
 #include "frame/Kinds.h"
+#include "frame/StdText.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -21,7 +22,7 @@ void makeBaseFolders(store::Store& store) {
                 .text(field::caption, kind.topFolder);
     if (!folders.find(File, iconFolder))
         batch.insert(iconFolderKey()).integer(field::type_, File).text(field::caption, iconFolder);
-    batch.send(store, "начальные папки не сделаны");
+    batch.send(store, StdText::tr("начальные папки не сделаны"));
 }
 
 namespace {
@@ -54,15 +55,15 @@ std::string findWork(store::MaintainedStore& store, bool peopleToo) {
     Counter counter;
     const store::Status counted = store.writeOut(counter);
     if (counted.code != store::Stopped)
-        require(counted, "записи не сосчитаны");
+        require(counted, StdText::tr("записи не сосчитаны"));
     if (peopleToo && counter.records > 1000)
-        return "записей: " + std::to_string(counter.records);
+        return StdText::tr("записей: ") + std::to_string(counter.records);
     std::vector<const char*> names = {table::Menu, table::MenuFolder, table::MenuResource};
     if (peopleToo)
         names.insert(names.end(), {table::Users, table::MenuFileExt});
     for (const char* name : names)
         if (const int count = Table(store, name).count())
-            return std::string(name) + ", записей: " + std::to_string(count);
+            return std::string(name) + StdText::tr(", записей: ") + std::to_string(count);
     const Table folders(store, table::MenuResourceFolder);
     for (int i = 0; i < folders.count(); ++i) {
         const Row row = folders.at(i);
@@ -70,7 +71,7 @@ std::string findWork(store::MaintainedStore& store, bool peopleToo) {
         const char* base = type == File ? iconFolder : topCaption(type);
         if (!row.text(field::ParentKey).empty() || !base ||
             !sameText(row.text(field::caption), base))
-            return "папка «" + row.text(field::caption) + "»";
+            return StdText::tr("папка «") + row.text(field::caption) + StdText::tr("»");
     }
     return {};
 }
@@ -92,8 +93,9 @@ void requireFolderAbove(const Invocation& call) {
     std::vector<std::string> present;
     for (const QString& name : above.entryList(QDir::Dirs | QDir::NoDotAndDotDot))
         present.push_back(name.toStdString());
-    throw Failure("хранилище не сделано: каталога «" + above.filePath(missing).toStdString() +
-                  "» нет" + suggestion(missing.toStdString(), present));
+    throw Failure(StdText::tr("хранилище не сделано: каталога «") +
+                  above.filePath(missing).toStdString() + StdText::tr("» нет") +
+                  suggestion(missing.toStdString(), present));
 }
 
 int run(const Invocation& call) {
@@ -103,18 +105,19 @@ int run(const Invocation& call) {
     const bool present = store::open(url, {adminLogin, false, adminProgram}, &status) != nullptr;
     const auto store = store::openMaintained(url, {adminLogin, true, adminProgram}, &status);
     if (!store)
-        throw Failure("хранилище не сделано: " + status.text);
+        throw Failure(StdText::tr("хранилище не сделано: ") + status.text);
     // First: what is written before is not logged.
     std::vector<std::string> differences;
-    require(store->remakeTriggers(&differences), "триггеры не сделаны заново");
+    require(store->remakeTriggers(&differences), StdText::tr("триггеры не сделаны заново"));
     makeBaseFolders(*store);
-    out((present ? "хранилище уже есть: " : "хранилище сделано: ") + store->displayName());
+    out((present ? StdText::tr("хранилище уже есть: ") : StdText::tr("хранилище сделано: ")) +
+        store->displayName());
     for (const std::string& difference : differences)
-        out("исправлено: " + difference);
+        out(StdText::tr("исправлено: ") + difference);
     std::vector<std::string> loose;
-    require(store->looseRights(&loose), "права не проверены");
+    require(store->looseRights(&loose), StdText::tr("права не проверены"));
     for (const std::string& line : loose)
-        complain("внимание: " + line);
+        complain(StdText::tr("внимание: ") + line);
     return Done;
 }
 
@@ -123,13 +126,19 @@ int run(const Invocation& call) {
 const Verb initVerb = {
     "init",
     "",
-    "Сделать хранилище с начальными папками",
-    "Делает таблицы, журнал изменений и папки, которых ждут редакторы: «модули», «функции»,\n"
-    "«формы отображения» и папку значков «icons». Хранилище, которое уже есть, остаётся как было;\n"
-    "недостающие начальные папки добавляются. Каталог для файла должен быть; сам собой делается\n"
-    "только каталог хранилища по умолчанию. Триггеры, которые ведут журнал, делаются заново, если\n"
-    "каких-то нет или они не такие, как у программы (их называет check): открытые клиенты тогда\n"
-    "открывают модули заново, потому что в журнале могли остаться пропуски.",
+    QT_TRANSLATE_NOOP("orvo", "Сделать хранилище с начальными папками"),
+    QT_TRANSLATE_NOOP(
+        "orvo",
+        "Делает таблицы, журнал изменений и папки, которых ждут редакторы: «модули», «функции»,\n"
+        "«формы отображения» и папку значков «icons». Хранилище, которое уже есть, остаётся как "
+        "было;\n"
+        "недостающие начальные папки добавляются. Каталог для файла должен быть; сам собой "
+        "делается\n"
+        "только каталог хранилища по умолчанию. Триггеры, которые ведут журнал, делаются заново, "
+        "если\n"
+        "каких-то нет или они не такие, как у программы (их называет check): открытые клиенты "
+        "тогда\n"
+        "открывают модули заново, потому что в журнале могли остаться пропуски."),
     0,
     0,
     nullptr,

@@ -3,6 +3,8 @@
 #include "apps/admin/Json.h"
 #include "apps/admin/Output.h"
 #include "apps/admin/Verb.h"
+#include "frame/StdText.h"
+#include "frame/Text.h"
 
 #include <QDateTime>
 
@@ -13,8 +15,8 @@ namespace orvo::admin {
 namespace {
 
 void listOptions(OptionList& options) {
-    options.append({QStringLiteral("path"), QString::fromUtf8("Только эта папка и всё, что в ней."),
-                    QString::fromUtf8("ПУТЬ")});
+    options.append(
+        {QStringLiteral("path"), Text::tr("Только эта папка и всё, что в ней."), Text::tr("ПУТЬ")});
     jsonOption(options);
 }
 
@@ -94,7 +96,7 @@ int listFiles(const Invocation& call) {
                               {field::size, static_cast<double>(file.size)},
                               {field::time, file.time ? QJsonValue(*file.time) : QJsonValue()}}});
     }),
-            "файлы не перечислены");
+            StdText::tr("файлы не перечислены"));
     outSorted(lines, call.has("json"));
     return Done;
 }
@@ -103,10 +105,12 @@ int listFiles(const Invocation& call) {
 
 const Verb listFormsVerb = {
     "list forms",
-    "[--path ПУТЬ] [--json]",
-    "Перечислить формы",
-    "На каждой строке через табуляцию: путь и имя формы, название, кто держит блокировку.\n"
-    "Форма, папки которой нет, стоит под «?/».",
+    QT_TRANSLATE_NOOP("orvo", "[--path ПУТЬ] [--json]"),
+    QT_TRANSLATE_NOOP("orvo", "Перечислить формы"),
+    QT_TRANSLATE_NOOP(
+        "orvo",
+        "На каждой строке через табуляцию: путь и имя формы, название, кто держит блокировку.\n"
+        "Форма, папки которой нет, стоит под «?/»."),
     0,
     0,
     listOptions,
@@ -115,9 +119,11 @@ const Verb listFormsVerb = {
 
 const Verb listFilesVerb = {
     "list files",
-    "[--path ПУТЬ] [--json]",
-    "Перечислить файлы файловых ресурсов",
-    "На каждой строке через табуляцию: путь и имя файла, размер в байтах, время (UTC).",
+    QT_TRANSLATE_NOOP("orvo", "[--path ПУТЬ] [--json]"),
+    QT_TRANSLATE_NOOP("orvo", "Перечислить файлы файловых ресурсов"),
+    QT_TRANSLATE_NOOP(
+        "orvo",
+        "На каждой строке через табуляцию: путь и имя файла, размер в байтах, время (UTC)."),
     0,
     0,
     listOptions,

@@ -2,6 +2,8 @@
 #include "apps/admin/Output.h"
 #include "apps/admin/TimeParsing.h"
 #include "apps/admin/Verb.h"
+#include "frame/StdText.h"
+#include "frame/Text.h"
 
 #include <QDateTime>
 
@@ -13,24 +15,23 @@ constexpr double keptDays = 90;
 constexpr uint64_t keptMebibytes = 1024;
 
 void pruneOptions(OptionList& options) {
-    const auto add = [&](const char* name, const QString& text, const char* value) {
-        options.append({QString::fromUtf8(name), text, QString::fromUtf8(value)});
+    const auto add = [&](const char* name, const QString& text, const QString& value) {
+        options.append({QString::fromUtf8(name), text, value});
     };
-    const QString forms = QString::fromUtf8(momentForms);
-    add("older-than", QString::fromUtf8("Забыть и изменения журнала старше: ") + forms, "КОГДА");
-    add("versions-older-than",
-        QString::fromUtf8("Какое прежнее содержимое старо, если не 90d: ") + forms, "КОГДА");
-    add("versions-limit",
-        QString::fromUtf8("Сколько мебибайт прежнего содержимого оставить, если не 1024."), "МИБ");
-    options.append(
-        {QStringLiteral("dry-run"), QString::fromUtf8("Только сказать, сколько забылось бы.")});
+    const QString forms = momentForms();
+    add("older-than", Text::tr("Забыть и изменения журнала старше: ") + forms, Text::tr("КОГДА"));
+    add("versions-older-than", Text::tr("Какое прежнее содержимое старо, если не 90d: ") + forms,
+        Text::tr("КОГДА"));
+    add("versions-limit", Text::tr("Сколько мебибайт прежнего содержимого оставить, если не 1024."),
+        Text::tr("МИБ"));
+    options.append({QStringLiteral("dry-run"), Text::tr("Только сказать, сколько забылось бы.")});
 }
 
 double readMoment(const Invocation& call, const char* option) {
     const double moment = parseMoment(call.value(option), std::string("--") + option);
     if (moment > static_cast<double>(QDateTime::currentMSecsSinceEpoch()) / 1000.0)
-        throw Failure(std::string("ничего не забыто: --") + option +
-                      ": это время ещё не наступило");
+        throw Failure(StdText::tr("ничего не забыто: --") + option +
+                      StdText::tr(": это время ещё не наступило"));
     return moment;
 }
 
@@ -40,14 +41,15 @@ uint64_t readLimit(const Invocation& call) {
     bool good = false;
     const uint limit = QString::fromStdString(call.value("versions-limit")).toUInt(&good);
     if (!good)
-        throw Failure("--versions-limit «" + call.value("versions-limit") + "» не число от 0");
+        throw Failure(StdText::tr("--versions-limit «") + call.value("versions-limit") +
+                      StdText::tr("» не число от 0"));
     return uint64_t(limit) << 20;
 }
 
 std::string ending(const Invocation& call, int64_t count) {
     return std::to_string(count) + (call.has("dry-run") ? ""
-                                    : count > 0         ? ", забыты"
-                                                        : ", забывать нечего");
+                                    : count > 0         ? StdText::tr(", забыты")
+                                                : StdText::tr(", забывать нечего"));
 }
 
 int run(const Invocation& call) {
@@ -60,17 +62,20 @@ int run(const Invocation& call) {
     const double oldChanges = call.has("older-than") ? readMoment(call, "older-than") : 0;
     const auto store = call.open();
     store::PrunedVersions pruned;
-    require(store->pruneVersions(oldVersions, limit, dry, &pruned), "прежнее содержимое не забыто");
-    out("прежних содержимых старше " + shownMoment(oldVersions) + " и сверх " +
-        std::to_string(limit >> 20) + " МиБ: " + ending(call, pruned.count) +
-        (pruned.count > 0 ? " (байт: " + std::to_string(pruned.bytes) + ")" : std::string()));
+    require(store->pruneVersions(oldVersions, limit, dry, &pruned),
+            StdText::tr("прежнее содержимое не забыто"));
+    out(StdText::tr("прежних содержимых старше ") + shownMoment(oldVersions) +
+        StdText::tr(" и сверх ") + std::to_string(limit >> 20) + StdText::tr(" МиБ: ") +
+        ending(call, pruned.count) +
+        (pruned.count > 0 ? StdText::tr(" (байт: ") + std::to_string(pruned.bytes) + ")"
+                          : std::string()));
     if (!call.has("older-than"))
         return Done;
     int64_t id = 0, count = 0;
-    require(store->logBefore(oldChanges, &id, &count), "журнал не сокращён");
+    require(store->logBefore(oldChanges, &id, &count), StdText::tr("журнал не сокращён"));
     if (count > 0 && !dry)
-        require(store->pruneLog(id), "журнал не сокращён");
-    out("изменений старше " + shownMoment(oldChanges) + ": " + ending(call, count));
+        require(store->pruneLog(id), StdText::tr("журнал не сокращён"));
+    out(StdText::tr("изменений старше ") + shownMoment(oldChanges) + ": " + ending(call, count));
     return Done;
 }
 
@@ -78,13 +83,19 @@ int run(const Invocation& call) {
 
 const Verb pruneVerb = {
     "prune",
-    "[--older-than КОГДА] [--versions-older-than КОГДА] [--versions-limit МИБ] [--dry-run]",
-    "Забыть прежнее содержимое форм и файлов и старые изменения в журнале",
-    "Что лежит в хранилище, не меняется. Прежнее содержимое замещённых и удалённых форм и файлов\n"
-    "хранится 90 дней и до 1024 МиБ: что старше или сверх того, забывается. Журнал изменений\n"
-    "становится короче, только если сказано --older-than. Клиент, который был отключён дольше, "
-    "чем\n"
-    "помнит журнал, замечает это и открывает свои модули заново.",
+    QT_TRANSLATE_NOOP(
+        "orvo",
+        "[--older-than КОГДА] [--versions-older-than КОГДА] [--versions-limit МИБ] [--dry-run]"),
+    QT_TRANSLATE_NOOP("orvo",
+                      "Забыть прежнее содержимое форм и файлов и старые изменения в журнале"),
+    QT_TRANSLATE_NOOP(
+        "orvo",
+        "Что лежит в хранилище, не меняется. Прежнее содержимое замещённых и удалённых форм и "
+        "файлов\n"
+        "хранится 90 дней и до 1024 МиБ: что старше или сверх того, забывается. Журнал изменений\n"
+        "становится короче, только если сказано --older-than. Клиент, который был отключён дольше, "
+        "чем\n"
+        "помнит журнал, замечает это и открывает свои модули заново."),
     0,
     0,
     pruneOptions,

@@ -3,6 +3,8 @@
 #include "apps/admin/LocalFiles.h"
 #include "apps/admin/Output.h"
 #include "apps/admin/Verb.h"
+#include "frame/StdText.h"
+#include "frame/Text.h"
 
 namespace orvo::admin {
 
@@ -10,10 +12,8 @@ namespace {
 
 void putOptions(OptionList& options) {
     options.append({QStringLiteral("path"),
-                    QString::fromUtf8("Папка: имена через «/»; без ключа - верхняя."),
-                    QString::fromUtf8("ПУТЬ")});
-    options.append(
-        {QStringLiteral("make-folders"), QString::fromUtf8("Сделать папки пути, которых нет.")});
+                    Text::tr("Папка: имена через «/»; без ключа - верхняя."), Text::tr("ПУТЬ")});
+    options.append({QStringLiteral("make-folders"), Text::tr("Сделать папки пути, которых нет.")});
 }
 
 /// Reads all files before anything is sent: an unreadable one leaves the store as it was.
@@ -23,7 +23,8 @@ std::vector<LocalFile> readAll(const Invocation& call) {
         files.push_back(readLocalFile(call.argument(i)));
         for (size_t earlier = 0; earlier + 1 < files.size(); ++earlier)
             if (sameText(files[earlier].name, files.back().name))
-                throw Failure("ничего не загружено: имя «" + files.back().name + "» дано дважды");
+                throw Failure(StdText::tr("ничего не загружено: имя «") + files.back().name +
+                              StdText::tr("» дано дважды"));
     }
     return files;
 }
@@ -34,7 +35,7 @@ void prepareFolder(const Invocation& call, store::Store& store, int kind) {
     if (call.has("make-folders"))
         folders.make(store, kind, call.value("path"));
     else
-        folders.need(kind, call.value("path"), "; сделать её - ключ --make-folders");
+        folders.need(kind, call.value("path"), StdText::tr("; сделать её - ключ --make-folders"));
 }
 
 std::vector<store::FileToPut> asPuts(const std::vector<LocalFile>& files, const std::string& path) {
@@ -50,8 +51,8 @@ int putForm(const Invocation& call) {
     const std::vector<LocalFile> files = readAll(call);
     const auto store = call.open();
     prepareFolder(call, *store, Form);
-    require(store->formPut(path, asPuts(files, path)), "форма не загружена");
-    out("форма загружена, файлов: " + std::to_string(files.size()));
+    require(store->formPut(path, asPuts(files, path)), StdText::tr("форма не загружена"));
+    out(StdText::tr("форма загружена, файлов: ") + std::to_string(files.size()));
     return Done;
 }
 
@@ -61,8 +62,8 @@ int putFile(const Invocation& call) {
     const std::vector<LocalFile> files = readAll(call);
     const auto store = call.open();
     prepareFolder(call, *store, File);
-    require(store->filePut(asPuts(files, path)), "файлы не загружены");
-    out("файлов загружено: " + std::to_string(files.size()));
+    require(store->filePut(asPuts(files, path)), StdText::tr("файлы не загружены"));
+    out(StdText::tr("файлов загружено: ") + std::to_string(files.size()));
     return Done;
 }
 
@@ -70,11 +71,14 @@ int putFile(const Invocation& call) {
 
 const Verb putFormVerb = {
     "put form",
-    "[--path ПУТЬ] [--make-folders] ФАЙЛ...",
-    "Загрузить форму из её файлов",
-    "Все названные файлы составляют одну форму. Её имя - имя файла, который оканчивается на «_»,\n"
-    "а если такого нет, самое короткое. Файлы формы с другими именами остаются в хранилище.\n"
-    "Путь считается от папки «формы отображения».",
+    QT_TRANSLATE_NOOP("orvo", "[--path ПУТЬ] [--make-folders] ФАЙЛ..."),
+    QT_TRANSLATE_NOOP("orvo", "Загрузить форму из её файлов"),
+    QT_TRANSLATE_NOOP(
+        "orvo",
+        "Все названные файлы составляют одну форму. Её имя - имя файла, который оканчивается на "
+        "«_»,\n"
+        "а если такого нет, самое короткое. Файлы формы с другими именами остаются в хранилище.\n"
+        "Путь считается от папки «формы отображения»."),
     1,
     -1,
     putOptions,
@@ -83,9 +87,11 @@ const Verb putFormVerb = {
 
 const Verb putFileVerb = {
     "put file",
-    "[--path ПУТЬ] [--make-folders] ФАЙЛ...",
-    "Загрузить файлы в файловые ресурсы",
-    "Файл с тем же именем в той же папке заменяется. Загружаются все файлы или ни один.",
+    QT_TRANSLATE_NOOP("orvo", "[--path ПУТЬ] [--make-folders] ФАЙЛ..."),
+    QT_TRANSLATE_NOOP("orvo", "Загрузить файлы в файловые ресурсы"),
+    QT_TRANSLATE_NOOP(
+        "orvo",
+        "Файл с тем же именем в той же папке заменяется. Загружаются все файлы или ни один."),
     1,
     -1,
     putOptions,

@@ -2,6 +2,8 @@
 #include "apps/admin/Failure.h"
 #include "apps/admin/Output.h"
 #include "apps/admin/Verb.h"
+#include "frame/StdText.h"
+#include "frame/Text.h"
 #include "history/Inverse.h"
 #include "platform/store/Names.h"
 
@@ -12,25 +14,25 @@ namespace orvo::admin {
 
 namespace {
 
-constexpr const char* what = "ничего не отменено";
+std::string what() {
+    return StdText::tr("ничего не отменено");
+}
 
 void undoOptions(OptionList& options) {
-    options.append(
-        {QStringLiteral("dry-run"), QString::fromUtf8("Только показать, что было бы записано.")});
-    options.append(
-        {QStringLiteral("with-others"),
-         QString::fromUtf8("Удалить и то, на чём построили другие, со всем внутри; вырезанное "
-                           "перенести назад с тем, что в нём изменили.")});
+    options.append({QStringLiteral("dry-run"), Text::tr("Только показать, что было бы записано.")});
+    options.append({QStringLiteral("with-others"),
+                    Text::tr("Удалить и то, на чём построили другие, со всем внутри; вырезанное "
+                             "перенести назад с тем, что в нём изменили.")});
     options.append({QStringLiteral("other-names"),
-                    QString::fromUtf8("Вернуть под свободным именем то, чьё имя уже занято: "
-                                      "«а (2).png».")});
+                    Text::tr("Вернуть под свободным именем то, чьё имя уже занято: "
+                             "«а (2).png».")});
     options.append({QStringLiteral("partly"),
-                    QString::fromUtf8("Отменить без того, чему нет места, чьё имя занято, чей "
-                                      "ресурс удалён или на чём построили другие.")});
+                    Text::tr("Отменить без того, чему нет места, чьё имя занято, чей "
+                             "ресурс удалён или на чём построили другие.")});
     options.append({QStringLiteral("place"),
-                    QString::fromUtf8("Вместо удалённой папки вернуть в эту: ключи через «=»; "
-                                      "пусто после «=» - на верхний уровень."),
-                    QString::fromUtf8("БЫЛА=СТАЛА")});
+                    Text::tr("Вместо удалённой папки вернуть в эту: ключи через «=»; "
+                             "пусто после «=» - на верхний уровень."),
+                    Text::tr("БЫЛА=СТАЛА")});
 }
 
 history::Choices readChoices(const Invocation& call) {
@@ -41,7 +43,8 @@ history::Choices readChoices(const Invocation& call) {
     for (const std::string& pair : call.values("place")) {
         const size_t middle = pair.find('=');
         if (middle == std::string::npos || middle == 0)
-            throw Failure(std::string(what) + ": --place «" + pair + "» не вида БЫЛА=СТАЛА");
+            throw Failure(what() + StdText::tr(": --place «") + pair +
+                          StdText::tr("» не вида БЫЛА=СТАЛА"));
         choices.places[store::foldedKey(pair.substr(0, middle))] = pair.substr(middle + 1);
     }
     return choices;
@@ -54,16 +57,16 @@ std::vector<int64_t> readGroups(const Invocation& call, store::MaintainedStore& 
         bool good = false;
         const qlonglong id = argument.toLongLong(&good);
         if (!good || id < 1 || id == std::numeric_limits<qlonglong>::max())
-            throw Failure(std::string(what) + ": «" + argument.toStdString() +
-                          "» не номер изменения");
+            throw Failure(what() + StdText::tr(": «") + argument.toStdString() +
+                          StdText::tr("» не номер изменения"));
         store::LogQuery query;
         query.above = id - 1;
         query.below = id + 1;
         std::vector<store::Change> found;
-        require(store.history(query, 1, &found), what);
+        require(store.history(query, 1, &found), what());
         if (found.empty())
-            throw Failure(std::string(what) + ": изменения " + std::to_string(id) +
-                          " в журнале нет");
+            throw Failure(what() + StdText::tr(": изменения ") + std::to_string(id) +
+                          StdText::tr(" в журнале нет"));
         if (std::find(groups.begin(), groups.end(), found.front().group) == groups.end())
             groups.push_back(found.front().group);
     }
@@ -78,7 +81,7 @@ int run(const Invocation& call) {
     const bool dry = call.has("dry-run");
     require(dry ? history::planInverse(*store, groups, choices, &inverse)
                 : history::undo(*store, groups, choices, &inverse),
-            what);
+            what());
     history::LoggedRecords source(*store);
     history::PersonNames people;
     if (!inverse.remarks.empty() && !history::readPeople(*store, &people).ok())
@@ -88,20 +91,22 @@ int run(const Invocation& call) {
         printChange(inverse.preview[i], source, "  ",
                     history::freeNameWords(inverse, inverse.preview[i]));
     if (inverse.count > mostShown)
-        out("  ... и ещё " + std::to_string(inverse.count - std::min(inverse.count, mostShown)));
+        out(StdText::tr("  ... и ещё ") +
+            std::to_string(inverse.count - std::min(inverse.count, mostShown)));
     std::string remarks;
     for (const history::Remark& remark : inverse.remarks)
         remarks +=
             (remarks.empty() ? "" : "; ") + line(history::remarkWords(remark, source, people));
     if (inverse.count == 0 && !inverse.asks())
-        throw Failure(std::string(what) + ": " + (remarks.empty() ? "возвращать нечего" : remarks));
+        throw Failure(what() + ": " +
+                      (remarks.empty() ? StdText::tr("возвращать нечего") : remarks));
     for (const history::Remark& remark : inverse.remarks)
         out(line(history::remarkWords(remark, source, people)));
     if (inverse.asks() && !choices.partly && !dry)
-        throw Failure(
-            std::string(what) +
-            ": решите, как быть (--place, --with-others, --other-names или без этого --partly)");
-    out((dry ? "записалось бы записей: " : "записано записей: ") + std::to_string(inverse.count));
+        throw Failure(what() + StdText::tr(": решите, как быть (--place, --with-others, "
+                                           "--other-names или без этого --partly)"));
+    out((dry ? StdText::tr("записалось бы записей: ") : StdText::tr("записано записей: ")) +
+        std::to_string(inverse.count));
     return inverse.remarks.empty() ? Done : ErrorsFound;
 }
 
@@ -109,12 +114,16 @@ int run(const Invocation& call) {
 
 const Verb undoVerb = {
     "undo",
-    "[--dry-run] [--partly] [--with-others] [--other-names] [--place БЫЛА=СТАЛА] ИЗМЕНЕНИЕ...",
-    "Отменить действия из истории",
-    "Номера - из history; отменяется всё действие, которому изменение принадлежит, несколько - "
-    "одной\n"
-    "транзакцией. Что с тех пор изменили другие, остаётся как есть и называется; тогда код\n"
-    "завершения 1. Отмена - тоже действие: отменить её - значит повторить отменённое.",
+    QT_TRANSLATE_NOOP(
+        "orvo",
+        "[--dry-run] [--partly] [--with-others] [--other-names] [--place БЫЛА=СТАЛА] ИЗМЕНЕНИЕ..."),
+    QT_TRANSLATE_NOOP("orvo", "Отменить действия из истории"),
+    QT_TRANSLATE_NOOP(
+        "orvo",
+        "Номера - из history; отменяется всё действие, которому изменение принадлежит, несколько - "
+        "одной\n"
+        "транзакцией. Что с тех пор изменили другие, остаётся как есть и называется; тогда код\n"
+        "завершения 1. Отмена - тоже действие: отменить её - значит повторить отменённое."),
     1,
     -1,
     undoOptions,

@@ -1,6 +1,7 @@
 #include "apps/client/find/FindModel.h"
 
 #include "apps/client/Look.h"
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 
 #include <QIcon>
@@ -99,8 +100,10 @@ QVariant FindModel::data(const QModelIndex& index, int role) const {
 QVariant FindModel::headerData(int section, Qt::Orientation orientation, int role) const {
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
         return {};
-    const char* const titles[ColumnCount] = {"Название", "Объект", "Что это", "Где"};
-    return section >= 0 && section < ColumnCount ? QString::fromUtf8(titles[section]) : QString();
+    const char* const titles[ColumnCount] = {
+        QT_TRANSLATE_NOOP("orvo", "Название"), QT_TRANSLATE_NOOP("orvo", "Объект"),
+        QT_TRANSLATE_NOOP("orvo", "Что это"), QT_TRANSLATE_NOOP("orvo", "Где")};
+    return section >= 0 && section < ColumnCount ? Text::tr(titles[section]) : QString();
 }
 
 } // namespace orvo::app

@@ -3,6 +3,7 @@
 #include "apps/client/HostApp.h"
 #include "apps/client/Look.h"
 #include "frame/ContextMenuKey.h"
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 
 #include <QAbstractItemView>
@@ -11,7 +12,6 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QLocale>
 #include <QMenu>
 #include <QTreeView>
 #include <QVBoxLayout>
@@ -44,16 +44,15 @@ FindPane::FindPane(catalogue::LiveCatalogue& live, std::shared_ptr<catalogue::Se
     , m_view(new QTreeView(this))
     , m_note(new QLabel(this)) {
     setObjectName(QStringLiteral("findPane"));
-    setAccessibleName(QStringLiteral("Найти всё"));
+    setAccessibleName(Text::tr("Найти всё"));
     setFrameShape(QFrame::StyledPanel);
     setAutoFillBackground(true);
     hide();
     m_text->setObjectName(QStringLiteral("findText"));
-    m_text->setAccessibleName(QStringLiteral("Что найти"));
-    m_text->setPlaceholderText(
-        QStringLiteral("Слова из названия, объекта, параметров, ключа или пути"));
+    m_text->setAccessibleName(Text::tr("Что найти"));
+    m_text->setPlaceholderText(Text::tr("Слова из названия, объекта, параметров, ключа или пути"));
     m_view->setObjectName(QStringLiteral("findList"));
-    m_view->setAccessibleName(QStringLiteral("Найденное"));
+    m_view->setAccessibleName(Text::tr("Найденное"));
     m_view->setModel(&m_model);
     m_view->setRootIsDecorated(false);
     m_view->setUniformRowHeights(true);
@@ -85,7 +84,7 @@ FindPane::FindPane(catalogue::LiveCatalogue& live, std::shared_ptr<catalogue::Se
     connect(m_view, &QTreeView::customContextMenuRequested, this, &FindPane::showContextMenu);
     connect(&m_live, &catalogue::LiveCatalogue::loaded, this, &FindPane::outdate);
     connect(&m_live, &catalogue::LiveCatalogue::failed, this, [this](const QString& text) {
-        m_note->setText(QStringLiteral("Записи не прочитаны: %1").arg(clipped(text)));
+        m_note->setText(Text::tr("Записи не прочитаны: %1").arg(clipped(text)));
     });
     connect(qApp, &QApplication::focusChanged, this,
             [this](QWidget*, QWidget* now) { focusMoved(now); });
@@ -186,7 +185,7 @@ void FindPane::search() {
         *m_stop = true; // the one before
     m_stop = std::make_shared<std::atomic<bool>>(false);
     if (!m_live.isLoaded())
-        m_note->setText(QStringLiteral("Записи читаются…"));
+        m_note->setText(Text::tr("Записи читаются…"));
     const auto findings = std::make_shared<catalogue::Findings>();
     const QPointer<QObject> context(this);
     m_live.run(
@@ -236,27 +235,26 @@ void FindPane::take(const catalogue::Findings& findings) {
 }
 
 void FindPane::note(const catalogue::Findings& findings, bool lost) {
-    const QLocale locale(QLocale::Russian);
+    const QLocale locale = textLocale();
     const QString count = locale.toString(findings.count);
     if (m_text->text().trimmed().isEmpty())
-        m_note->setText(QStringLiteral("Рабочие столы, элементы меню, ресурсы, файлы и люди. Слова "
-                                       "в любом порядке."));
+        m_note->setText(Text::tr("Рабочие столы, элементы меню, ресурсы, файлы и люди. Слова "
+                                 "в любом порядке."));
     else if (lost)
         m_note->setText(
-            QStringLiteral("Выбранной строки среди найденного больше нет. Найдено %1.").arg(count));
+            Text::tr("Выбранной строки среди найденного больше нет. Найдено %1.").arg(count));
     else if (!findings.whole)
-        m_note->setText(QStringLiteral("Найдено %1, поиск идёт…").arg(count));
+        m_note->setText(Text::tr("Найдено %1, поиск идёт…").arg(count));
     else if (findings.count == 0)
-        m_note->setText(QStringLiteral("Ничего не найдено."));
+        m_note->setText(Text::tr("Ничего не найдено."));
     else if (findings.count > findings.best.size())
-        m_note->setText(QStringLiteral("Найдено %1, показаны первые %2: уточните слова.")
+        m_note->setText(Text::tr("Найдено %1, показаны первые %2: уточните слова.")
                             .arg(count, locale.toString(findings.best.size())));
     else
-        m_note->setText(QStringLiteral("Найдено %1.").arg(count));
+        m_note->setText(Text::tr("Найдено %1.").arg(count));
     if (findings.unread > 0)
-        m_note->setText(
-            m_note->text() +
-            QStringLiteral(" Искались первые %1 слов.").arg(catalogue::Search::mostWords));
+        m_note->setText(m_note->text() +
+                        Text::tr(" Искались первые %1 слов.").arg(catalogue::Search::mostWords));
 }
 
 void FindPane::choose() {
@@ -289,7 +287,7 @@ void FindPane::showContextMenu(const QPoint& point) {
         // Queued: the menu is closed before anything else comes up.
         connect(action, &QAction::triggered, this, run, Qt::QueuedConnection);
     };
-    add(QStringLiteral("Открыть"), QKeySequence(Qt::Key_Enter), &FindPane::choose);
+    add(Text::tr("Открыть"), QKeySequence(Qt::Key_Enter), &FindPane::choose);
     if (const QString uses = usesEntry(found->table); !uses.isEmpty())
         add(uses, keys::sequences(*keys::command(QLatin1String(keys::uses))).first(),
             &FindPane::askForUses);

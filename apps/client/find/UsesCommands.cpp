@@ -4,6 +4,7 @@
 #include "apps/client/MainWindow.h"
 #include "apps/client/RecordJump.h"
 #include "apps/client/find/UsesPane.h"
+#include "frame/Text.h"
 
 #include <QDockWidget>
 #include <QTimer>
@@ -15,8 +16,8 @@ UsesCommands::UsesCommands(catalogue::LiveCatalogue& live, MainWindow& window, H
     : m_window(window)
     , m_feed(live)
     , m_pane(new UsesPane(m_feed, iconsPath)) {
-    m_window.addPane(m_pane, QStringLiteral("&Где используется"), QStringLiteral("usesDock"))
-        ->setWindowTitle(QStringLiteral("Где используется"));
+    m_window.addPane(m_pane, Text::tr("&Где используется"), QStringLiteral("usesDock"))
+        ->setWindowTitle(Text::tr("Где используется"));
     connect(m_pane, &UsesPane::showRequested, &jump, &RecordJump::show);
     connect(&app, &HostApp::usesRequested, this, &UsesCommands::answer);
     connect(&app, &HostApp::showUsesRequested, this, [this](ShowUsesRequest* request) {

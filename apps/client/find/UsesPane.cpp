@@ -1,6 +1,7 @@
 #include "apps/client/find/UsesPane.h"
 
 #include "apps/client/Look.h"
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 
 #include <QHBoxLayout>
@@ -22,15 +23,15 @@ UsesPane::UsesPane(UsesFeed& feed, const QString& iconsPath, QWidget* parent)
     , m_model(iconsPath)
     , m_note(new QLabel(this))
     , m_view(new QTreeView(this))
-    , m_show(new QPushButton(QStringLiteral("Показать"), this)) {
+    , m_show(new QPushButton(Text::tr("Показать"), this)) {
     setObjectName(QStringLiteral("usesPane"));
     m_note->setObjectName(QStringLiteral("usesNote"));
     m_note->setTextFormat(Qt::PlainText);
     m_note->setWordWrap(true);
-    m_note->setText(QStringLiteral("Выберите «Где используется» в контекстном меню ресурса, формы, "
-                                   "файла или элемента меню."));
+    m_note->setText(Text::tr("Выберите «Где используется» в контекстном меню ресурса, формы, "
+                             "файла или элемента меню."));
     m_view->setObjectName(QStringLiteral("usesList"));
-    m_view->setAccessibleName(QStringLiteral("Где используется"));
+    m_view->setAccessibleName(Text::tr("Где используется"));
     m_view->setModel(&m_model);
     m_view->setRootIsDecorated(false);
     m_view->setUniformRowHeights(true);
@@ -42,7 +43,7 @@ UsesPane::UsesPane(UsesFeed& feed, const QString& iconsPath, QWidget* parent)
     m_view->header()->resizeSection(FindModel::Object, 150);
     m_view->header()->resizeSection(FindModel::Noun, 130);
     m_show->setObjectName(QStringLiteral("usesShow"));
-    m_show->setToolTip(QStringLiteral("Открыть редактор на этой строке (Enter)"));
+    m_show->setToolTip(Text::tr("Открыть редактор на этой строке (Enter)"));
     auto* all = new QVBoxLayout(this);
     all->setContentsMargins(0, 0, 0, 0);
     all->setSpacing(0);
@@ -67,7 +68,7 @@ void UsesPane::showUses(const catalogue::Subject& subject) {
     m_subjects = {subject};
     m_what.clear();
     m_model.setFound({});
-    m_note->setText(QStringLiteral("Записи читаются…"));
+    m_note->setText(Text::tr("Записи читаются…"));
     updateActions();
     if (isVisible())
         watch();
@@ -111,13 +112,13 @@ void UsesPane::take(const catalogue::Uses& uses) {
 void UsesPane::note(const catalogue::Uses& uses) {
     if (!uses.what.isEmpty())
         m_what = uses.what;
-    QString text = oneLine(m_what.isEmpty() ? QStringLiteral("запись") : m_what);
+    QString text = oneLine(m_what.isEmpty() ? Text::tr("запись") : m_what);
     text[0] = text[0].toUpper();
     if (!uses.exists)
-        text += QStringLiteral(" — записи больше нет");
+        text += Text::tr(" — записи больше нет");
     text += QStringLiteral(": ") + catalogue::usesWords(uses);
     if (uses.count > uses.places.size())
-        text += QStringLiteral("; показаны первые %1").arg(uses.places.size());
+        text += Text::tr("; показаны первые %1").arg(uses.places.size());
     m_note->setText(text + QLatin1Char('.'));
 }
 

@@ -8,6 +8,7 @@
 #include "apps/client/history/HistoryPane.h"
 #include "apps/client/history/VersionsDialog.h"
 #include "frame/Keys.h"
+#include "frame/Text.h"
 
 #include <QDockWidget>
 #include <QMenu>
@@ -31,7 +32,7 @@ HistoryCommands::HistoryCommands(Context context)
     connectPane();
     connect(&m_context.pump, &client::NotificationPump::changed, &m_unseen, &UnseenPlaces::changed);
     connect(&m_unseen, &UnseenPlaces::told, this, [this](const QString& text) {
-        m_context.window.logPane()->add(LogWarning, QStringLiteral("Ресурсы"), text);
+        m_context.window.logPane()->add(LogWarning, Text::tr("Ресурсы"), text);
         m_context.window.statusLine()->setFailure(text);
     });
 }
@@ -67,9 +68,9 @@ void HistoryCommands::connectUndo() {
 
 void HistoryCommands::connectPane() {
     QDockWidget* dock = m_context.window.addPane(
-        m_pane, QStringLiteral("&История"), QStringLiteral("historyDock"),
+        m_pane, Text::tr("&История"), QStringLiteral("historyDock"),
         keys::sequences(*keys::command(QLatin1String(keys::history))).first());
-    dock->setWindowTitle(QStringLiteral("История"));
+    dock->setWindowTitle(Text::tr("История"));
     m_context.window.restoreDockWidget(dock); // as the user left it
     HistoryFeed& feed = m_pane->feed();
     connect(&m_context.pump, &client::NotificationPump::changed, &feed, &HistoryFeed::changed);
@@ -90,12 +91,12 @@ bool HistoryCommands::isIdle() const {
 /// What is taken back is not to come between a question and its answer.
 QString HistoryCommands::whyNot() const {
     if (!m_context.pump.mayDeliver())
-        return QStringLiteral("сначала закончите начатое");
+        return Text::tr("сначала закончите начатое");
     return m_jump.whyAnswerFirst();
 }
 
 void HistoryCommands::tell(int level, const QString& text) {
-    m_context.window.logPane()->add(level, QStringLiteral("Правка"), text);
+    m_context.window.logPane()->add(level, Text::tr("Правка"), text);
     if (level > LogInformation)
         m_context.window.statusLine()->setFailure(text);
     else

@@ -1,5 +1,6 @@
 #include "apps/client/history/HistoryFeed.h"
 
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "history/GroupWords.h"
 #include "history/Standing.h"
@@ -99,8 +100,7 @@ HistoryAction actionOf(const history::Group& group, const Scope& scope,
     action.isCounted = group.isCounted();
     action.time = group.time;
     action.login = group.login;
-    action.who =
-        group.login.empty() ? QStringLiteral("(вручную)") : QString::fromStdString(group.login);
+    action.who = group.login.empty() ? Text::tr("(вручную)") : QString::fromStdString(group.login);
     action.machine = QString::fromStdString(group.place);
     if (!group.client.empty())
         action.machine += (action.machine.isEmpty() ? QString() : QStringLiteral(", ")) +
@@ -123,7 +123,7 @@ HistoryAction actionOf(const history::Group& group, const Scope& scope,
 HistoryAction forgottenAction(int64_t group) {
     HistoryAction action;
     action.group = action.newest = group;
-    action.what = QStringLiteral("Журнал изменений этого уже не помнит");
+    action.what = Text::tr("Журнал изменений этого уже не помнит");
     action.forgotten = true;
     return action;
 }
@@ -138,11 +138,11 @@ std::vector<HistoryAction::Detail> fieldsOf(const history::ChangeWords& words) {
 std::vector<HistoryAction::Detail> detailsOf(const history::Group& group,
                                              history::RecordSource& source) {
     if (group.changes.empty())
-        return {{QStringLiteral("Журнал изменений этого действия уже не помнит"), {}, {}, {}, {}}};
+        return {{Text::tr("Журнал изменений этого действия уже не помнит"), {}, {}, {}, {}}};
     if (group.changes.size() == 1) {
         auto fields = fieldsOf(history::describe(group.changes.front(), source));
         if (fields.empty())
-            fields.push_back({QStringLiteral("Значения не изменились"), {}, {}, {}, {}});
+            fields.push_back({Text::tr("Значения не изменились"), {}, {}, {}, {}});
         return fields;
     }
     std::vector<HistoryAction::Detail> details;
@@ -152,13 +152,13 @@ std::vector<HistoryAction::Detail> detailsOf(const history::Group& group,
     }
     if (!group.whole)
         details.push_back(
-            {QStringLiteral("… и другие: показаны первые %1").arg(mostDetails), {}, {}, {}, {}});
+            {Text::tr("… и другие: показаны первые %1").arg(mostDetails), {}, {}, {}, {}});
     return details;
 }
 
 QString momentText(double time) {
     return QDateTime::fromMSecsSinceEpoch(std::llround(time * 1000.0))
-        .toString(QStringLiteral("dd.MM.yyyy HH:mm"));
+        .toString(Text::tr("dd.MM.yyyy HH:mm"));
 }
 
 } // namespace
@@ -318,10 +318,10 @@ void HistoryFeed::note(const Page& page) {
     if (!m_model.isAtEnd())
         emit noted(QString());
     else if (page.oldest.id > 1)
-        emit noted(QStringLiteral("Журнал изменений начинается %1: более раннее очищено.")
+        emit noted(Text::tr("Журнал изменений начинается %1: более раннее очищено.")
                        .arg(momentText(page.oldest.time)));
     else
-        emit noted(m_model.count() == 0 ? QStringLiteral("Таких действий нет.") : QString());
+        emit noted(m_model.count() == 0 ? Text::tr("Таких действий нет.") : QString());
 }
 
 // Older ones -------------------------------------------------------------------------------------
@@ -374,7 +374,7 @@ void HistoryFeed::moreCame(uint64_t round, const store::Status& status, const Pa
     count(page);
     m_model.setUndone(page.undone);
     if (page.actions.empty() && !page.atEnd) {
-        emit noted(QStringLiteral("Ищется дальше…"));
+        emit noted(Text::tr("Ищется дальше…"));
         m_searches = !m_watched; // goes on when somebody looks again
         if (m_watched)
             m_model.wantMore();

@@ -1,6 +1,7 @@
 #include "apps/client/history/HistoryFilters.h"
 
 #include "apps/client/Look.h"
+#include "frame/Text.h"
 #include "history/RecordWords.h"
 
 #include <QComboBox>
@@ -26,12 +27,15 @@ struct Period {
     const char* words;
     int seconds; ///< 0: without a limit
 };
-constexpr Period periods[] = {{"за всё время", 0},      {"за час", 3600},
-                              {"за сутки", 86400},      {"за неделю", 7 * 86400},
-                              {"за месяц", 30 * 86400}, {"с…", ownMoment}};
+constexpr Period periods[] = {{QT_TRANSLATE_NOOP("orvo", "за всё время"), 0},
+                              {QT_TRANSLATE_NOOP("orvo", "за час"), 3600},
+                              {QT_TRANSLATE_NOOP("orvo", "за сутки"), 86400},
+                              {QT_TRANSLATE_NOOP("orvo", "за неделю"), 7 * 86400},
+                              {QT_TRANSLATE_NOOP("orvo", "за месяц"), 30 * 86400},
+                              {QT_TRANSLATE_NOOP("orvo", "с…"), ownMoment}};
 
 QString byHand() {
-    return QStringLiteral("(вручную)");
+    return Text::tr("(вручную)");
 }
 
 } // namespace
@@ -50,22 +54,22 @@ HistoryFilters::HistoryFilters(StoreThread& thread, const QString& login, QWidge
     m_from->setObjectName(QStringLiteral("historyFrom"));
     m_text->setObjectName(QStringLiteral("historyText"));
     m_scopeButton->setObjectName(QStringLiteral("historyScope"));
-    m_who->setAccessibleName(QStringLiteral("Кто изменил"));
-    m_since->setAccessibleName(QStringLiteral("За какое время"));
-    m_from->setAccessibleName(QStringLiteral("С какого времени"));
-    m_text->setAccessibleName(QStringLiteral("Поиск в истории"));
-    m_scopeButton->setAccessibleName(QStringLiteral("О чём история"));
+    m_who->setAccessibleName(Text::tr("Кто изменил"));
+    m_since->setAccessibleName(Text::tr("За какое время"));
+    m_from->setAccessibleName(Text::tr("С какого времени"));
+    m_text->setAccessibleName(Text::tr("Поиск в истории"));
+    m_scopeButton->setAccessibleName(Text::tr("О чём история"));
     m_who->setSizeAdjustPolicy(QComboBox::AdjustToContents);
     setNames({});
     for (const Period& period : periods)
-        m_since->addItem(QString::fromUtf8(period.words), period.seconds);
+        m_since->addItem(Text::tr(period.words), period.seconds);
     m_from->setCalendarPopup(true);
-    m_from->setDisplayFormat(QStringLiteral("dd.MM.yyyy HH:mm"));
+    m_from->setDisplayFormat(Text::tr("dd.MM.yyyy HH:mm"));
     m_from->hide();
-    m_text->setPlaceholderText(QStringLiteral("Текст в названии или значении"));
+    m_text->setPlaceholderText(Text::tr("Текст в названии или значении"));
     m_text->setClearButtonEnabled(true);
     m_text->setMaximumWidth(320);
-    m_scopeButton->setToolTip(QStringLiteral("Показать историю всех строк"));
+    m_scopeButton->setToolTip(Text::tr("Показать историю всех строк"));
     m_scopeButton->setAutoRaise(true);
     m_scopeButton->hide();
     auto* row = new QHBoxLayout(this);
@@ -160,11 +164,10 @@ void HistoryFilters::nameScope() {
         [this, words, key = m_record.key](const store::Status& status) {
             if (!status.ok() || key != m_record.key)
                 return;
-            m_scopeButton->setText(
-                QStringLiteral("%1: %2  ✕")
-                    .arg(m_withContent ? QStringLiteral("Внутри") : QStringLiteral("Строка"),
-                         clipped(oneLine(*words), longestScope))
-                    .replace(QLatin1Char('&'), QLatin1String("&&")));
+            m_scopeButton->setText(QStringLiteral("%1: %2  ✕")
+                                       .arg(m_withContent ? Text::tr("Внутри") : Text::tr("Строка"),
+                                            clipped(oneLine(*words), longestScope))
+                                       .replace(QLatin1Char('&'), QLatin1String("&&")));
         });
 }
 
@@ -183,8 +186,8 @@ void HistoryFilters::chooseUser(const QString& login, const QString& name) {
 void HistoryFilters::setNames(const history::PersonNames& names) {
     const QVariant chosen = m_who->currentData();
     m_who->clear();
-    m_who->addItem(QStringLiteral("все"));
-    m_who->addItem(QStringLiteral("только я"), m_login);
+    m_who->addItem(Text::tr("все"));
+    m_who->addItem(Text::tr("только я"), m_login);
     std::vector<std::pair<QString, QString>> users;
     for (const auto& [login, name] : names)
         if (const QString text = QString::fromStdString(login); text != m_login)

@@ -1,6 +1,7 @@
 #include "apps/client/history/HistoryModel.h"
 
 #include "apps/client/Look.h"
+#include "frame/Text.h"
 
 #include <QBrush>
 #include <QColor>
@@ -24,9 +25,8 @@ QDateTime momentOf(double time) {
 
 QString timeText(double time) {
     const QDateTime moment = momentOf(time);
-    return moment.toString(moment.date() == QDate::currentDate()
-                               ? QStringLiteral("HH:mm:ss")
-                               : QStringLiteral("dd.MM.yyyy HH:mm:ss"));
+    return moment.toString(moment.date() == QDate::currentDate() ? QStringLiteral("HH:mm:ss")
+                                                                 : Text::tr("dd.MM.yyyy HH:mm:ss"));
 }
 
 } // namespace
@@ -404,13 +404,13 @@ QVariant HistoryModel::data(const QModelIndex& index, int role) const {
         const HistoryAction& action = *node->action;
         QStringList more;
         if (index.column() == When)
-            more << momentOf(action.time).toString(QStringLiteral("dd.MM.yyyy HH:mm:ss"));
+            more << momentOf(action.time).toString(Text::tr("dd.MM.yyyy HH:mm:ss"));
         if (index.column() == Who)
             more << QString::fromStdString(action.login) << action.machine;
         if (action.undone)
-            more << QStringLiteral("Отменено");
+            more << Text::tr("Отменено");
         if (action.forgotten)
-            more << QStringLiteral("Журнал изменений этого уже не помнит");
+            more << Text::tr("Журнал изменений этого уже не помнит");
         more.removeAll(QString());
         return plainToolTip(clipped(text), more.join(QStringLiteral(", ")));
     }
@@ -426,11 +426,14 @@ QVariant HistoryModel::data(const QModelIndex& index, int role) const {
 }
 
 QVariant HistoryModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    static const char* const titles[] = {"Когда", "Кто", "Что сделано", "Было", "Стало", "Где"};
+    static const char* const titles[] = {
+        QT_TRANSLATE_NOOP("orvo", "Когда"),       QT_TRANSLATE_NOOP("orvo", "Кто"),
+        QT_TRANSLATE_NOOP("orvo", "Что сделано"), QT_TRANSLATE_NOOP("orvo", "Было"),
+        QT_TRANSLATE_NOOP("orvo", "Стало"),       QT_TRANSLATE_NOOP("orvo", "Где")};
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 ||
         section >= ColumnCount)
         return {};
-    return QString::fromUtf8(titles[section]);
+    return Text::tr(titles[section]);
 }
 
 } // namespace orvo::app

@@ -36,8 +36,8 @@ public:
     ~HistoryModel() override;
 
     struct Limits {
-        int full = 2000;   ///< rows that have their texts, give or take a quarter
-        int rows = 20'000; ///< beyond them the oldest are removed when newer ones are made
+        int full = 2000;  ///< rows that have their texts, give or take a quarter
+        int rows = 20000; ///< beyond them the oldest are removed when newer ones are made
     };
     void setLimits(const Limits& limits) { m_limits = limits; }
 

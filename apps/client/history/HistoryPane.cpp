@@ -6,6 +6,7 @@
 #include "apps/client/PlaceDelegate.h"
 #include "apps/client/history/HistoryFilters.h"
 #include "frame/Keys.h"
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "history/BackTo.h"
 #include "history/RecordWords.h"
@@ -50,7 +51,7 @@ HistoryPane::HistoryPane(StoreThread& thread, const QString& login, bool mayWrit
     , m_backMenu(new QMenu(this)) {
     setObjectName(QStringLiteral("historyPane"));
     m_view->setObjectName(QStringLiteral("historyTree"));
-    m_view->setAccessibleName(QStringLiteral("История изменений"));
+    m_view->setAccessibleName(Text::tr("История изменений"));
     m_view->setModel(&m_feed.model());
     m_view->setUniformRowHeights(true);
     m_view->setItemDelegate(new ReadableDelegate(m_view));
@@ -78,7 +79,7 @@ HistoryPane::HistoryPane(StoreThread& thread, const QString& login, bool mayWrit
     makeActions();
     connect(&m_feed, &HistoryFeed::noted, m_note, &QLabel::setText);
     connect(&m_feed, &HistoryFeed::failed, this, [this](const QString& text) {
-        m_note->setText(QStringLiteral("История не прочитана: %1").arg(clipped(text)));
+        m_note->setText(Text::tr("История не прочитана: %1").arg(clipped(text)));
         emit failed(text);
     });
     connect(&m_feed, &HistoryFeed::namesChanged, this,
@@ -112,11 +113,10 @@ void HistoryPane::keepPlace() {
 
 void HistoryPane::makeActions() {
     QHBoxLayout* row = addPaneRow(*qobject_cast<QVBoxLayout*>(layout()));
-    m_show = addButton(row, QStringLiteral("Показать"), "historyShow");
-    m_show->setToolTip(QStringLiteral("Открыть редактор на этой записи (Enter)"));
-    m_revert = addButton(row, QStringLiteral("Вернуть эту правку…"), "historyRevert");
-    m_revertBack =
-        addButton(row, QStringLiteral("Вернуть всё до этого места"), "historyRevertBack");
+    m_show = addButton(row, Text::tr("Показать"), "historyShow");
+    m_show->setToolTip(Text::tr("Открыть редактор на этой записи (Enter)"));
+    m_revert = addButton(row, Text::tr("Вернуть эту правку…"), "historyRevert");
+    m_revertBack = addButton(row, Text::tr("Вернуть всё до этого места"), "historyRevertBack");
     m_revertBack->setMenu(m_backMenu);
     row->addWidget(m_note, 1);
     connect(m_backMenu, &QMenu::aboutToShow, this, [this] {
@@ -212,8 +212,8 @@ void HistoryPane::revertCurrent() {
     if (!action)
         return;
     Reverter::Request request;
-    request.title = QStringLiteral("Вернуть эту правку: %1").arg(oneLine(action->what));
-    request.done = QStringLiteral("Возвращено: %1").arg(oneLine(action->what));
+    request.title = Text::tr("Вернуть эту правку: %1").arg(oneLine(action->what));
+    request.done = Text::tr("Возвращено: %1").arg(oneLine(action->what));
     request.selection = {action->group};
     request.preview = true;
     emit revertRequested(request);
@@ -224,10 +224,10 @@ void HistoryPane::revertBackTo(const history::Filter& scope, const QString& whos
     if (!action)
         return;
     const QString time = QDateTime::fromMSecsSinceEpoch(qRound64(action->time * 1000.0))
-                             .toString(QStringLiteral("dd.MM.yyyy HH:mm:ss"));
+                             .toString(Text::tr("dd.MM.yyyy HH:mm:ss"));
     Reverter::Request request;
-    request.title = QStringLiteral("Вернуть всё с %1, %2").arg(time, whose);
-    request.done = QStringLiteral("Возвращено всё с %1, %2").arg(time, whose);
+    request.title = Text::tr("Вернуть всё с %1, %2").arg(time, whose);
+    request.done = Text::tr("Возвращено всё с %1, %2").arg(time, whose);
     request.collect = [scope, group = action->group](store::MaintainedStore& store,
                                                      history::Selection* selection) {
         return history::collectBackTo(store, scope, group, selection);
@@ -251,24 +251,24 @@ void HistoryPane::fillBackMenu(QMenu& menu) {
     if (!record.key.empty()) {
         scope.table = record.table;
         scope.key = record.key;
-        add(QStringLiteral("этой строки"), scope);
+        add(Text::tr("этой строки"), scope);
         scope = {};
         if (holdsOthers(record.table)) {
             scope.branch = history::Branch{history::tableOf(record.table), record.key};
-            add(QStringLiteral("этой строки и всего внутри неё"), scope);
+            add(Text::tr("этой строки и всего внутри неё"), scope);
         }
     }
     if (!record.desktop.empty() && record.table == table::Menu) {
         scope = {};
         scope.branch = history::Branch{store::findTable(table::MenuFolder), record.desktop};
-        add(QStringLiteral("всего рабочего стола"), scope);
+        add(Text::tr("всего рабочего стола"), scope);
     }
     scope = {};
     scope.login = action->login;
-    add(QStringLiteral("того же человека: %1")
+    add(Text::tr("того же человека: %1")
             .arg(oneLine(action->who).replace(QLatin1Char('&'), QLatin1String("&&"))),
         scope);
-    add(QStringLiteral("по нынешнему отбору"), m_feed.filter());
+    add(Text::tr("по нынешнему отбору"), m_feed.filter());
 }
 
 void HistoryPane::showUses() {
@@ -298,9 +298,9 @@ void HistoryPane::showContextMenu(const QPoint& point) {
     fillBackMenu(*back);
     menu.addSeparator();
     const HistoryRecord record = m_feed.model().recordAt(index);
-    add(QStringLiteral("История этой строки"), !record.key.empty(),
+    add(Text::tr("История этой строки"), !record.key.empty(),
         [this, record] { narrowTo(record, false); });
-    add(QStringLiteral("История этого рабочего стола"), !record.desktop.empty(), [this, record] {
+    add(Text::tr("История этого рабочего стола"), !record.desktop.empty(), [this, record] {
         narrowTo({table::MenuFolder, record.desktop, record.desktop}, true);
     });
     if (const QString uses = usesEntry(QString::fromStdString(record.table));
@@ -309,11 +309,11 @@ void HistoryPane::showContextMenu(const QPoint& point) {
         menu.actions().constLast()->setShortcut(
             keys::sequences(*keys::command(QLatin1String(keys::uses))).first());
     }
-    add(QStringLiteral("Что заблокировано этим человеком"), true,
+    add(Text::tr("Что заблокировано этим человеком"), true,
         [this, login = QString::fromStdString(action->login)] {
             emit usesRequested(QLatin1String(table::Users), {}, login);
         });
-    add(QStringLiteral("Только этот человек"), true,
+    add(Text::tr("Только этот человек"), true,
         [this, login = QString::fromStdString(action->login), who = action->who] {
             m_filters->chooseUser(login, who);
             applyFilters();

@@ -1,6 +1,7 @@
 #include "apps/client/history/RevertDialog.h"
 
 #include "apps/client/Look.h"
+#include "frame/Text.h"
 #include "history/RecordWords.h"
 
 #include <QCheckBox>
@@ -29,11 +30,10 @@ QLabel* plainLabel(const QString& text, QWidget* parent) {
 
 QString othersWords(const RevertPlan& plan) {
     if (!plan.asksToMove)
-        return QStringLiteral("Удалить и это, вместе с тем, что построили другие");
+        return Text::tr("Удалить и это, вместе с тем, что построили другие");
     return plan.asksToDelete
-               ? QStringLiteral(
-                     "Удалить или перенести назад и это, вместе с тем, что сделали другие")
-               : QStringLiteral("Перенести назад и это, вместе с тем, что изменили другие");
+               ? Text::tr("Удалить или перенести назад и это, вместе с тем, что сделали другие")
+               : Text::tr("Перенести назад и это, вместе с тем, что изменили другие");
 }
 
 QTreeWidgetItem* addLine(QTreeWidgetItem* parent, const QStringList& texts) {
@@ -49,26 +49,25 @@ QTreeWidgetItem* addLine(QTreeWidgetItem* parent, const QStringList& texts) {
 
 RevertDialog::RevertDialog(const QString& title, const QString& note, QWidget* parent)
     : QDialog(parent)
-    , m_head(plainLabel(QStringLiteral("Готовится…"), this))
+    , m_head(plainLabel(Text::tr("Готовится…"), this))
     , m_writes(new QTreeWidget(this))
-    , m_leftHead(plainLabel(QStringLiteral("Останется как есть:"), this))
+    , m_leftHead(plainLabel(Text::tr("Останется как есть:"), this))
     , m_left(new QListWidget(this))
     , m_questions(new QVBoxLayout)
     , m_otherNames(new QCheckBox(
-          QStringLiteral("Вернуть под свободным именем то, чьё имя уже занято: «Имя (2)»"), this))
+          Text::tr("Вернуть под свободным именем то, чьё имя уже занято: «Имя (2)»"), this))
     , m_others(new QCheckBox(this)) {
     setObjectName(QStringLiteral("revertDialog"));
-    setWindowTitle(QStringLiteral("Вернуть"));
+    setWindowTitle(Text::tr("Вернуть"));
     setAttribute(Qt::WA_DeleteOnClose);
     m_head->setObjectName(QStringLiteral("revertHead"));
     m_writes->setObjectName(QStringLiteral("revertWrites"));
     m_left->setObjectName(QStringLiteral("revertLeft"));
     m_otherNames->setObjectName(QStringLiteral("revertOtherNames"));
     m_others->setObjectName(QStringLiteral("revertOthers"));
-    m_writes->setHeaderLabels(
-        {QStringLiteral("Что"), QStringLiteral("Сейчас"), QStringLiteral("Станет")});
-    m_writes->setAccessibleName(QStringLiteral("Что изменится"));
-    m_left->setAccessibleName(QStringLiteral("Останется как есть"));
+    m_writes->setHeaderLabels({Text::tr("Что"), Text::tr("Сейчас"), Text::tr("Станет")});
+    m_writes->setAccessibleName(Text::tr("Что изменится"));
+    m_left->setAccessibleName(Text::tr("Останется как есть"));
     m_writes->setAlternatingRowColors(true);
     m_writes->header()->setStretchLastSection(false);
     m_writes->header()->setSectionResizeMode(What, QHeaderView::Stretch);
@@ -82,9 +81,9 @@ RevertDialog::RevertDialog(const QString& title, const QString& note, QWidget* p
     m_others->hide();
 
     auto* buttons = new QDialogButtonBox(this);
-    m_ok = buttons->addButton(QStringLiteral("Вернуть"), QDialogButtonBox::AcceptRole);
+    m_ok = buttons->addButton(Text::tr("Вернуть"), QDialogButtonBox::AcceptRole);
     QPushButton* cancel =
-        buttons->addButton(QStringLiteral("Ничего не делать"), QDialogButtonBox::RejectRole);
+        buttons->addButton(Text::tr("Ничего не делать"), QDialogButtonBox::RejectRole);
     m_ok->setObjectName(QStringLiteral("revertOk"));
     cancel->setObjectName(QStringLiteral("revertCancel"));
     m_ok->setEnabled(false);
@@ -123,15 +122,15 @@ void RevertDialog::addPlace(const RevertPlan::Place& place) {
         return;
     auto* box = new QComboBox(this);
     box->setObjectName(QStringLiteral("revertPlace%1").arg(m_places.size()));
-    box->setAccessibleName(QStringLiteral("Куда вернуть"));
+    box->setAccessibleName(Text::tr("Куда вернуть"));
     box->setMaxVisibleItems(20);
-    box->addItem(QStringLiteral("не возвращать"));
+    box->addItem(Text::tr("не возвращать"));
     if (place.top)
-        box->addItem(QStringLiteral("на верхний уровень"), QByteArray());
+        box->addItem(Text::tr("на верхний уровень"), QByteArray());
     for (const auto& [caption, key] : place.others)
         box->addItem(oneLine(caption), QByteArray::fromStdString(key));
     m_places[place.missing] = box;
-    m_questions->addWidget(plainLabel(place.what + QStringLiteral(". Куда вернуть?"), this));
+    m_questions->addWidget(plainLabel(place.what + Text::tr(". Куда вернуть?"), this));
     m_questions->addWidget(box);
     connect(box, qOverload<int>(&QComboBox::currentIndexChanged), this, &RevertDialog::changed);
 }
@@ -148,19 +147,19 @@ void RevertDialog::showWrites(const RevertPlan& plan) {
     }
     if (plan.inverse.count > plan.writes.size())
         addLine(m_writes->invisibleRootItem(),
-                {QStringLiteral("… и ещё %1").arg(plan.inverse.count - plan.writes.size())});
+                {Text::tr("… и ещё %1").arg(plan.inverse.count - plan.writes.size())});
     if (m_writes->topLevelItemCount() == 1)
         m_writes->expandAll();
 }
 
 void RevertDialog::setPlan(const RevertPlan& plan) {
     const size_t count = plan.inverse.count;
-    m_head->setText(count == 0 ? QStringLiteral("Записывать нечего.")
-                               : QStringLiteral("Будет записано одним действием: %1 %2.")
-                                     .arg(count)
-                                     .arg(history::numeralForm(count, QStringLiteral("запись"),
-                                                               QStringLiteral("записи"),
-                                                               QStringLiteral("записей"))));
+    m_head->setText(count == 0
+                        ? Text::tr("Записывать нечего.")
+                        : Text::tr("Будет записано одним действием: %1 %2.")
+                              .arg(count)
+                              .arg(history::numeralForm(count, Text::tr("запись"),
+                                                        Text::tr("записи"), Text::tr("записей"))));
     showWrites(plan);
     for (const RevertPlan::Place& place : plan.places)
         addPlace(place);

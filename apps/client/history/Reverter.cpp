@@ -3,6 +3,7 @@
 #include "apps/client/CloseGuard.h"
 #include "apps/client/LogPane.h"
 #include "apps/client/history/RevertDialog.h"
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "history/RecordWords.h"
 
@@ -51,10 +52,10 @@ Reverter::~Reverter() {
 }
 
 bool Reverter::start(Request request, Finished finished) {
-    const QString reason = m_request ? QStringLiteral("прежняя отмена ещё не закончена")
-                           : m_guard.isAsking() ? QStringLiteral("сначала ответьте на вопрос")
-                           : m_check ? m_check()
-                                     : QString();
+    const QString reason = m_request ? Text::tr("прежняя отмена ещё не закончена")
+                           : m_guard.isAsking() ? Text::tr("сначала ответьте на вопрос")
+                           : m_check            ? m_check()
+                                                : QString();
     if (!reason.isEmpty()) {
         emit told(LogWarning, QStringLiteral("%1: %2.").arg(request.title, reason));
         return false;
@@ -173,8 +174,8 @@ void Reverter::written(const store::Status& status, const RevertPlan& plan) {
     if (!m_request)
         return;
     if (status.code == store::Outdated) {
-        const QString note = QStringLiteral("Пока вы решали, записано другое: %1. Посмотрите ещё "
-                                            "раз, что будет записано.")
+        const QString note = Text::tr("Пока вы решали, записано другое: %1. Посмотрите ещё "
+                                      "раз, что будет записано.")
                                  .arg(QString::fromStdString(status.text));
         emit told(LogWarning, QStringLiteral("%1: %2").arg(m_request->title, note));
         showDialog(note);
@@ -194,8 +195,8 @@ void Reverter::written(const store::Status& status, const RevertPlan& plan) {
         QStringList why = plan.left;
         why << plan.builtOn;
         emit told(LogWarning, why.isEmpty()
-                                  ? QStringLiteral("%1: возвращать нечего.").arg(m_request->title)
-                                  : QStringLiteral("%1: возвращать нечего. %2.")
+                                  ? Text::tr("%1: возвращать нечего.").arg(m_request->title)
+                                  : Text::tr("%1: возвращать нечего. %2.")
                                         .arg(m_request->title, why.join(QStringLiteral(". "))));
         finish(Outcome::NothingLeft, &plan);
     }
@@ -207,15 +208,16 @@ void Reverter::tellWritten(const RevertPlan& plan) {
               QStringLiteral("%1 (%2 %3)")
                   .arg(m_request->done)
                   .arg(count)
-                  .arg(history::numeralForm(count, QStringLiteral("запись"),
-                                            QStringLiteral("записи"), QStringLiteral("записей"))));
+                  .arg(history::numeralForm(count, Text::tr("запись"), Text::tr("записи"),
+                                            Text::tr("записей"))));
     QStringList left = plan.left;
     left << plan.builtOn;
     for (int i = 0; i < left.size() && i < mostLinesTold; ++i)
         emit told(LogWarning, left[i] + QLatin1Char('.'));
     if (left.size() > mostLinesTold)
-        emit told(LogWarning, QStringLiteral("Не возвращено ещё %1: смотрите историю.")
-                                  .arg(left.size() - mostLinesTold));
+        emit told(
+            LogWarning,
+            Text::tr("Не возвращено ещё %1: смотрите историю.").arg(left.size() - mostLinesTold));
 }
 
 void Reverter::finish(Outcome outcome, const RevertPlan* plan) {

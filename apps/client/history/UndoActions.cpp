@@ -3,6 +3,7 @@
 #include "apps/client/LogPane.h"
 #include "apps/client/Look.h"
 #include "frame/Keys.h"
+#include "frame/Text.h"
 
 #include <algorithm>
 #include <cassert>
@@ -109,7 +110,7 @@ void UndoActions::answered(const store::Status& status, const history::Steps& st
     m_reading = false;
     if (!status.ok()) {
         if (!std::exchange(m_presses, {}).empty())
-            emit told(LogError, QStringLiteral("Отмена: история не прочитана: %1")
+            emit told(LogError, Text::tr("Отмена: история не прочитана: %1")
                                     .arg(QString::fromStdString(status.text)));
         return; // the next change or key reads anew
     }
@@ -134,8 +135,8 @@ void UndoActions::show() {
         action.setToolTip(plainToolTip(words));
         action.setEnabled(m_mayWrite && (!m_fresh || step.group != 0));
     };
-    showOne(m_undo, QStringLiteral("Отменить"), m_steps.undo);
-    showOne(m_redo, QStringLiteral("Повторить"), m_steps.redo);
+    showOne(m_undo, Text::tr("Отменить"), m_steps.undo);
+    showOne(m_redo, Text::tr("Повторить"), m_steps.redo);
 }
 
 void UndoActions::press(bool redo) {
@@ -158,14 +159,12 @@ void UndoActions::next() {
     if (step.group == 0) {
         m_presses.clear();
         emit told(LogInformation,
-                  redo ? QStringLiteral("Повторять нечего.") : QStringLiteral("Отменять нечего."));
+                  redo ? Text::tr("Повторять нечего.") : Text::tr("Отменять нечего."));
         return;
     }
     Reverter::Request request;
-    request.title =
-        withWords(redo ? QStringLiteral("Повторить") : QStringLiteral("Отменить"), step.words);
-    request.done =
-        withWords(redo ? QStringLiteral("Повторено") : QStringLiteral("Отменено"), step.words);
+    request.title = withWords(redo ? Text::tr("Повторить") : Text::tr("Отменить"), step.words);
+    request.done = withWords(redo ? Text::tr("Повторено") : Text::tr("Отменено"), step.words);
     request.selection = {step.group};
     m_isStepping = true;
     if (!m_reverter.start(std::move(request),
@@ -182,10 +181,9 @@ void UndoActions::finished(const history::Steps::Step& step, const Reverter::End
     // Whatever it asked stays unanswered: the next key would ask the same again.
     const bool wasAsked = end.outcome == Outcome::GivenUp && !end.because.empty();
     if (wasAsked)
-        emit told(
-            LogInformation,
-            withWords(QStringLiteral("Оставлено"), step.words) +
-                QStringLiteral(". Дальше отменяется то, что было раньше; к этому вернёт история."));
+        emit told(LogInformation,
+                  withWords(Text::tr("Оставлено"), step.words) +
+                      Text::tr(". Дальше отменяется то, что было раньше; к этому вернёт история."));
     if (wasAsked || end.outcome == Outcome::NothingLeft)
         m_passed[step.group] = end.because;
     if (end.outcome == Outcome::GivenUp || end.outcome == Outcome::Failed)

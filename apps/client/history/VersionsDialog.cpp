@@ -4,6 +4,7 @@
 #include "apps/client/LogPane.h"
 #include "apps/client/Look.h"
 #include "apps/formview/Channel.h"
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "history/RecordWords.h"
 #include "history/ReturnVersion.h"
@@ -15,7 +16,6 @@
 #include <QFileDialog>
 #include <QHeaderView>
 #include <QLabel>
-#include <QLocale>
 #include <QPushButton>
 #include <QSaveFile>
 #include <QTreeWidget>
@@ -32,22 +32,21 @@ enum Column { Name, Time, Size, Until, Who };
 
 QString sizeText(uint64_t size) {
     if (size < 1024) // the library's own words are no Russian ones
-        return QStringLiteral("%1 %2").arg(size).arg(history::numeralForm(
-            size, QStringLiteral("байт"), QStringLiteral("байта"), QStringLiteral("байт")));
+        return QStringLiteral("%1 %2").arg(size).arg(
+            history::numeralForm(size, Text::tr("байт"), Text::tr("байта"), Text::tr("байт")));
     double shown = static_cast<double>(size);
     QString unit;
-    for (const QString& next :
-         {QStringLiteral("КиБ"), QStringLiteral("МиБ"), QStringLiteral("ГиБ")})
+    for (const QString& next : {Text::tr("КиБ"), Text::tr("МиБ"), Text::tr("ГиБ")})
         if (unit.isEmpty() || shown >= 1024) {
             shown /= 1024;
             unit = next;
         }
-    return QStringLiteral("%1 %2").arg(QLocale(QLocale::Russian).toString(shown, 'f', 2), unit);
+    return QStringLiteral("%1 %2").arg(textLocale().toString(shown, 'f', 2), unit);
 }
 
 QString timeText(double time) {
     return QDateTime::fromMSecsSinceEpoch(std::llround(time * 1000.0))
-        .toString(QStringLiteral("dd.MM.yyyy HH:mm:ss"));
+        .toString(Text::tr("dd.MM.yyyy HH:mm:ss"));
 }
 
 } // namespace
@@ -59,28 +58,27 @@ VersionsDialog::VersionsDialog(StoreThread& thread, const QString& resource, boo
     , m_resource(resource)
     , m_mayWrite(mayWrite)
     , m_list(new QTreeWidget(this))
-    , m_note(new QLabel(QStringLiteral("Читается…"), this)) {
+    , m_note(new QLabel(Text::tr("Читается…"), this)) {
     setObjectName(QStringLiteral("versionsDialog"));
-    setWindowTitle(QStringLiteral("Прежние версии"));
+    setWindowTitle(Text::tr("Прежние версии"));
     setAttribute(Qt::WA_DeleteOnClose);
     m_list->setObjectName(QStringLiteral("versionsList"));
-    m_list->setAccessibleName(QStringLiteral("Прежние версии"));
+    m_list->setAccessibleName(Text::tr("Прежние версии"));
     m_list->setRootIsDecorated(false);
     m_list->setAlternatingRowColors(true);
-    m_list->setHeaderLabels({QStringLiteral("Файл"), QStringLiteral("Дата файла"),
-                             QStringLiteral("Размер"), QStringLiteral("Заменена или удалена"),
-                             QStringLiteral("Кем")});
+    m_list->setHeaderLabels({Text::tr("Файл"), Text::tr("Дата файла"), Text::tr("Размер"),
+                             Text::tr("Заменена или удалена"), Text::tr("Кем")});
     m_list->header()->resizeSection(Name, 260);
     m_list->header()->resizeSection(Time, 150);
     m_list->header()->resizeSection(Until, 170);
     m_note->setTextFormat(Qt::PlainText);
     m_note->setWordWrap(true);
     auto* buttons = new QDialogButtonBox(this);
-    m_open = buttons->addButton(QStringLiteral("Открыть"), QDialogButtonBox::ActionRole);
-    m_extract = buttons->addButton(QStringLiteral("Извлечь…"), QDialogButtonBox::ActionRole);
-    m_return = buttons->addButton(QStringLiteral("Вернуть"), QDialogButtonBox::ActionRole);
-    QPushButton* close =
-        buttons->addButton(QStringLiteral("Закрыть"), QDialogButtonBox::RejectRole);
+    m_open = buttons->addButton(Text::tr("Открыть"), QDialogButtonBox::ActionRole);
+    m_extract = buttons->addButton(Text::tr("Извлечь…"), QDialogButtonBox::ActionRole);
+    m_return =
+        buttons->addButton(Text::tr("Вернуть", "прежнее содержимое"), QDialogButtonBox::ActionRole);
+    QPushButton* close = buttons->addButton(Text::tr("Закрыть"), QDialogButtonBox::RejectRole);
     m_open->setObjectName(QStringLiteral("versionOpen"));
     m_extract->setObjectName(QStringLiteral("versionExtract"));
     m_return->setObjectName(QStringLiteral("versionReturn"));
@@ -130,7 +128,7 @@ void VersionsDialog::load(const QString& said) {
             }
             m_seen = read->seen;
             if (!read->of.isEmpty())
-                setWindowTitle(QStringLiteral("Прежние версии: %1").arg(read->of));
+                setWindowTitle(Text::tr("Прежние версии: %1").arg(read->of));
             m_names = read->names;
             showVersions(read->versions);
             if (!said.isEmpty())
@@ -155,7 +153,7 @@ void VersionsDialog::showVersions(const std::vector<store::KeptVersion>& version
                                    [&](const auto& version) { return version.id == chosenId; });
     const auto row = same == versions.end() ? 0 : same - versions.begin();
     m_list->setCurrentItem(m_list->topLevelItem(static_cast<int>(row)));
-    note(versions.empty() ? QStringLiteral("Прежних версий нет.") : QString());
+    note(versions.empty() ? Text::tr("Прежних версий нет.") : QString());
     for (QPushButton* button : {m_open, m_extract})
         button->setEnabled(!versions.empty());
     m_return->setEnabled(!versions.empty() && m_mayWrite);
@@ -171,8 +169,8 @@ void VersionsDialog::openVersion() {
     if (!version)
         return;
     if (version->size > formview::largestFile) {
-        note(QStringLiteral("Не открыто: больше %1, можно извлечь.")
-                 .arg(sizeText(formview::largestFile)));
+        note(
+            Text::tr("Не открыто: больше %1, можно извлечь.").arg(sizeText(formview::largestFile)));
         return;
     }
     auto bytes = std::make_shared<std::string>();
@@ -201,9 +199,10 @@ void VersionsDialog::openVersion() {
 
 void VersionsDialog::extract() {
     const store::KeptVersion* version = current();
-    const QString folder = version ? QFileDialog::getExistingDirectory(
-                                         this, QStringLiteral("Куда извлечь"), QDir::homePath())
-                                   : QString();
+    const QString folder =
+        version
+            ? QFileDialog::getExistingDirectory(this, Text::tr("Куда извлечь"), QDir::homePath())
+            : QString();
     if (!folder.isEmpty())
         extractInto(folder);
 }
@@ -213,13 +212,13 @@ void VersionsDialog::extractInto(const QString& folder) {
     if (!version)
         return;
     if (!store::isPlainFileName(version->name)) { // written by hand: it may lead anywhere
-        note(QStringLiteral("Не извлечено: «%1» не может быть именем файла.")
+        note(Text::tr("Не извлечено: «%1» не может быть именем файла.")
                  .arg(QString::fromStdString(version->name)));
         return;
     }
     const QString file = QDir(folder).filePath(QString::fromStdString(version->name));
     if (QFile::exists(file)) {
-        note(QStringLiteral("Не извлечено: %1 уже есть.").arg(file));
+        note(Text::tr("Не извлечено: %1 уже есть.").arg(file));
         return;
     }
     m_thread.run(
@@ -243,8 +242,8 @@ void VersionsDialog::extractInto(const QString& folder) {
         },
         [this, file](const store::Status& status) {
             note(status.ok()
-                     ? QStringLiteral("Извлечено: %1").arg(file)
-                     : QStringLiteral("Не извлечено: %1").arg(QString::fromStdString(status.text)));
+                     ? Text::tr("Извлечено: %1").arg(file)
+                     : Text::tr("Не извлечено: %1").arg(QString::fromStdString(status.text)));
         });
 }
 
@@ -252,8 +251,8 @@ void VersionsDialog::putBack() {
     const store::KeptVersion* version = current();
     if (!version)
         return;
-    const QString what = (version->fileTime ? QStringLiteral("Версия файла «%1» от %2")
-                                            : QStringLiteral("Версия файла «%1», заменённая %2,"))
+    const QString what = (version->fileTime ? Text::tr("Версия файла «%1» от %2")
+                                            : Text::tr("Версия файла «%1», заменённая %2,"))
                              .arg(QString::fromStdString(version->name),
                                   timeText(version->fileTime ? *version->fileTime : version->time));
     m_thread.run(
@@ -269,7 +268,7 @@ void VersionsDialog::putBack() {
                 note(text);
             if (!status.ok())
                 return;
-            emit told(LogInformation, what + QStringLiteral(" возвращена."));
+            emit told(LogInformation, what + Text::tr(" возвращена."));
             emit returned();
             load(); // what was replaced is a version now
         });

@@ -3,6 +3,7 @@
 #include "apps/client/LogPane.h"
 #include "checks/Cures.h"
 #include "checks/Problems.h"
+#include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "history/RecordWords.h"
 #include "platform/store/ChangeRecord.h"
@@ -35,7 +36,7 @@ ProblemRow rowOf(const checks::Problems& problems, const checks::Finding& findin
         if (finding.table == &checks::fields().elements)
             row.desktop = QString::fromStdString(record.text(checks::fields().element.desktop));
     } else {
-        row.what = QStringLiteral("дерево ресурсов");
+        row.what = Text::tr("дерево ресурсов");
     }
     row.sortKey = (row.isError ? QLatin1Char('0') : QLatin1Char('1')) +
                   (row.path + QLatin1Char('\n') + row.what).toCaseFolded();
@@ -310,10 +311,10 @@ QString ProblemsFeed::cureProgress() const {
         return {};
     const size_t looked = m_plan->looked;
     if (m_plan->stop)
-        return QStringLiteral("Исправление прерывается…");
+        return Text::tr("Исправление прерывается…");
     if (looked < m_plan->total)
-        return QStringLiteral("Исправление готовится: %1 из %2…").arg(looked).arg(m_plan->total);
-    return QStringLiteral("Исправления записываются: %1…").arg(m_plan->total);
+        return Text::tr("Исправление готовится: %1 из %2…").arg(looked).arg(m_plan->total);
+    return Text::tr("Исправления записываются: %1…").arg(m_plan->total);
 }
 
 void ProblemsFeed::finish(const Plan& plan, const store::Status& status) {
@@ -321,31 +322,30 @@ void ProblemsFeed::finish(const Plan& plan, const store::Status& status) {
     m_progress.stop();
     emit cureChanged();
     if (plan.stop && !plan.isWritten) {
-        emit told(LogWarning, status.ok()
-                                  ? QStringLiteral("Исправление прервано, ничего не записано.")
-                                  : QStringLiteral("Исправление прервано: %1.")
-                                        .arg(QString::fromStdString(status.text)));
+        emit told(
+            LogWarning,
+            status.ok()
+                ? Text::tr("Исправление прервано, ничего не записано.")
+                : Text::tr("Исправление прервано: %1.").arg(QString::fromStdString(status.text)));
         return;
     }
     if (status.code == store::Outdated)
-        emit told(LogWarning, QStringLiteral("Не исправлено: тем временем эти записи изменил "
-                                             "другой. Посмотрите, что осталось."));
+        emit told(LogWarning, Text::tr("Не исправлено: тем временем эти записи изменил "
+                                       "другой. Посмотрите, что осталось."));
     else if (!status.ok())
-        emit told(LogError,
-                  QStringLiteral("Не исправлено: %1").arg(QString::fromStdString(status.text)));
+        emit told(LogError, Text::tr("Не исправлено: %1").arg(QString::fromStdString(status.text)));
     else if (plan.cured == 1)
-        emit told(LogInformation, QStringLiteral("Исправлено: %1").arg(plan.first));
+        emit told(LogInformation, Text::tr("Исправлено: %1").arg(plan.first));
     else if (plan.cured > 1)
-        emit told(LogInformation,
-                  QStringLiteral("Исправлено: %1. Отменяет Ctrl+Z.").arg(plan.cured));
+        emit told(LogInformation, Text::tr("Исправлено: %1. Отменяет Ctrl+Z.").arg(plan.cured));
     if (status.ok() && plan.shows)
-        emit reopenNeeded(QStringLiteral("Исправить: %1")
+        emit reopenNeeded(Text::tr("Исправить: %1")
                               .arg(plan.cured == 1 ? plan.first : QString::number(plan.cured)));
     if (plan.gone > 0)
-        emit told(LogWarning, QStringLiteral("Уже исправлено без вас: %1.").arg(plan.gone));
+        emit told(LogWarning, Text::tr("Уже исправлено без вас: %1.").arg(plan.gone));
     if (plan.open > 0)
         emit told(LogWarning,
-                  QStringLiteral("Однозначно не исправляется, решать вам: %1.").arg(plan.open));
+                  Text::tr("Однозначно не исправляется, решать вам: %1.").arg(plan.open));
 }
 
 } // namespace orvo::app

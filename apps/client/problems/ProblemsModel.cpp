@@ -1,6 +1,7 @@
 #include "apps/client/problems/ProblemsModel.h"
 
 #include "apps/client/Look.h"
+#include "frame/Text.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -29,7 +30,7 @@ bool isBefore(const ProblemRow& a, const ProblemRow& b) {
 }
 
 const char* severityWord(bool isError) {
-    return isError ? "Ошибка" : "Замечание";
+    return isError ? QT_TRANSLATE_NOOP("orvo", "Ошибка") : QT_TRANSLATE_NOOP("orvo", "Замечание");
 }
 
 const QString& textOf(const ProblemRow& row, int column) {
@@ -344,7 +345,7 @@ QVariant ProblemsModel::data(const QModelIndex& index, int role) const {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid))
         return {};
     const ProblemRow& row = this->row(index.row());
-    const QString severity = QString::fromUtf8(severityWord(row.isError));
+    const QString severity = Text::tr(severityWord(row.isError));
     switch (role) {
     case Qt::DisplayRole:
         return index.column() == Cure ? row.cure : oneLine(textOf(row, index.column()));
@@ -371,13 +372,13 @@ QVariant ProblemsModel::headerData(int section, Qt::Orientation orientation, int
         return {};
     switch (section) {
     case What:
-        return QStringLiteral("Запись");
+        return Text::tr("Запись", "столбец");
     case Where:
-        return QStringLiteral("Где");
+        return Text::tr("Где");
     case Problem:
-        return QStringLiteral("Что не так");
+        return Text::tr("Что не так");
     case Cure:
-        return QStringLiteral("Исправление");
+        return Text::tr("Исправление");
     default:
         return {};
     }

@@ -6,6 +6,7 @@
 #include "apps/client/PaneKeys.h"
 #include "apps/client/PlaceDelegate.h"
 #include "frame/Keys.h"
+#include "frame/Text.h"
 
 #include <QComboBox>
 #include <QHBoxLayout>
@@ -29,9 +30,9 @@ ProblemsPane::ProblemsPane(ProblemsFeed& feed, bool mayWrite, QWidget* parent)
     , m_which(new QComboBox(this))
     , m_text(new QLineEdit(this))
     , m_view(new QTreeView(this))
-    , m_show(new QPushButton(QStringLiteral("Показать"), this))
-    , m_cure(new QPushButton(QStringLiteral("Исправить"), this))
-    , m_stop(new QPushButton(QStringLiteral("Прервать"), this))
+    , m_show(new QPushButton(Text::tr("Показать"), this))
+    , m_cure(new QPushButton(Text::tr("Исправить"), this))
+    , m_stop(new QPushButton(Text::tr("Прервать"), this))
     , m_note(new ElidedLabel({}, Qt::ElideRight, this)) {
     setObjectName(QStringLiteral("problemsPane"));
     auto* all = new QVBoxLayout(this);
@@ -48,7 +49,7 @@ ProblemsPane::ProblemsPane(ProblemsFeed& feed, bool mayWrite, QWidget* parent)
 
 void ProblemsPane::makeView() {
     m_view->setObjectName(QStringLiteral("problemsTree"));
-    m_view->setAccessibleName(QStringLiteral("Проблемы"));
+    m_view->setAccessibleName(Text::tr("Проблемы"));
     // Before the view hears of it: it would take the row above.
     connect(&m_feed.model(), &QAbstractItemModel::rowsAboutToBeRemoved, this,
             &ProblemsPane::aboutToRemove);
@@ -88,20 +89,20 @@ void ProblemsPane::makeView() {
 void ProblemsPane::makeButtons() {
     constexpr int textWidth = 170;
     m_which->setObjectName(QStringLiteral("problemsWhich"));
-    m_which->setAccessibleName(QStringLiteral("Какие проблемы показать"));
-    m_which->addItem(QStringLiteral("ошибки и замечания"));
-    m_which->addItem(QStringLiteral("только ошибки"));
+    m_which->setAccessibleName(Text::tr("Какие проблемы показать"));
+    m_which->addItem(Text::tr("ошибки и замечания"));
+    m_which->addItem(Text::tr("только ошибки"));
     m_show->setObjectName(QStringLiteral("problemsShow"));
-    m_show->setToolTip(QStringLiteral("Открыть редактор на этой записи (Enter)"));
+    m_show->setToolTip(Text::tr("Открыть редактор на этой записи (Enter)"));
     m_cure->setObjectName(QStringLiteral("problemsCure"));
-    m_cure->setToolTip(QStringLiteral(
+    m_cure->setToolTip(Text::tr(
         "Исправить выделенное там, где исправление однозначно (Ctrl+Enter); отменяет Ctrl+Z"));
     m_stop->setObjectName(QStringLiteral("problemsStop"));
-    m_stop->setToolTip(QStringLiteral("Бросить исправление: не будет записано ничего"));
+    m_stop->setToolTip(Text::tr("Бросить исправление: не будет записано ничего"));
     m_text->setObjectName(QStringLiteral("problemsText"));
-    m_text->setAccessibleName(QStringLiteral("Найти среди проблем"));
-    m_text->setPlaceholderText(QStringLiteral("Найти среди проблем"));
-    m_text->setToolTip(QStringLiteral("Слова из любого столбца, в любом порядке (Ctrl+F)"));
+    m_text->setAccessibleName(Text::tr("Найти среди проблем"));
+    m_text->setPlaceholderText(Text::tr("Найти среди проблем"));
+    m_text->setToolTip(Text::tr("Слова из любого столбца, в любом порядке (Ctrl+F)"));
     m_text->setClearButtonEnabled(true);
     m_text->setMinimumWidth(textWidth);
     m_which->setMinimumWidth(textWidth); // else no narrower than its longest entry
@@ -252,14 +253,13 @@ void ProblemsPane::note() {
     if (m_feed.isCuring())
         m_note->setText(m_feed.cureProgress());
     else if (!m_feed.isKnown())
-        m_note->setText(QStringLiteral("Установка проверяется…"));
+        m_note->setText(Text::tr("Установка проверяется…"));
     else if (m_feed.errors() + m_feed.warnings() == 0)
-        m_note->setText(QStringLiteral("Проблем нет."));
+        m_note->setText(Text::tr("Проблем нет."));
     else
-        m_note->setText(QStringLiteral("%1Ошибок: %2, замечаний: %3")
-                            .arg(m_feed.model().rowCount() == 0
-                                     ? QStringLiteral("Не показано ни одной. ")
-                                     : QString())
+        m_note->setText(Text::tr("%1Ошибок: %2, замечаний: %3")
+                            .arg(m_feed.model().rowCount() == 0 ? Text::tr("Не показано ни одной. ")
+                                                                : QString())
                             .arg(m_feed.errors())
                             .arg(m_feed.warnings()));
     updateActions();

@@ -1,5 +1,7 @@
 #include "apps/client/start/PasswordFile.h"
 
+#include "frame/Text.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -46,14 +48,14 @@ QByteArray withPassword(const QByteArray& file, const ServerLogin& login, const 
 bool keepPassword(const ServerLogin& login, const QString& password, QString* error) {
     const QString path = passwordFile();
     if (password.contains(QLatin1Char('\n')) || password.contains(QLatin1Char('\r'))) {
-        *error = QStringLiteral("Пароль с переводом строки в файл %1 не записать.").arg(path);
+        *error = Text::tr("Пароль с переводом строки в файл %1 не записать.").arg(path);
         return false;
     }
     QFile old(path);
     QByteArray bytes;
     if (old.exists()) {
         if (!old.open(QIODevice::ReadOnly)) {
-            *error = QStringLiteral("Файл паролей %1 не прочитан: %2").arg(path, old.errorString());
+            *error = Text::tr("Файл паролей %1 не прочитан: %2").arg(path, old.errorString());
             return false;
         }
         bytes = old.readAll();
@@ -63,7 +65,7 @@ bool keepPassword(const ServerLogin& login, const QString& password, QString* er
     if (!file.open(QIODevice::WriteOnly) ||
         !file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) ||
         file.write(withPassword(bytes, login, password)) < 0 || !file.commit()) {
-        *error = QStringLiteral("Пароль не записан в %1: %2").arg(path, file.errorString());
+        *error = Text::tr("Пароль не записан в %1: %2").arg(path, file.errorString());
         return false;
     }
     return true;

@@ -1,6 +1,7 @@
 #include "apps/client/start/SecretService.h"
 
 #include "apps/client/Look.h"
+#include "frame/Text.h"
 #include "platform/store/StoreUrl.h"
 
 #include <QDBusConnection>
@@ -38,11 +39,11 @@ QString wordsOf(const QKeychain::Job& job) {
     switch (job.error()) {
     case QKeychain::AccessDeniedByUser:
     case QKeychain::AccessDenied:
-        return QStringLiteral("Хранилище паролей рабочего стола не открыто.");
+        return Text::tr("Хранилище паролей рабочего стола не открыто.");
     case QKeychain::NoBackendAvailable:
-        return QStringLiteral("Хранилища паролей в этом сеансе нет.");
+        return Text::tr("Хранилища паролей в этом сеансе нет.");
     default:
-        return QStringLiteral("Хранилище паролей рабочего стола не приняло пароль: %1")
+        return Text::tr("Хранилище паролей рабочего стола не приняло пароль: %1")
             .arg(oneLine(job.errorString()));
     }
 }
@@ -74,7 +75,7 @@ QString passwordOf(const QString& address) {
 bool keep(const QString& address, const QString& password, QString* error) {
     const QString entry = entryOf(address);
     if (entry.isEmpty()) {
-        *error = QStringLiteral("Это не адрес сервера: %1").arg(address);
+        *error = Text::tr("Это не адрес сервера: %1").arg(address);
         return false;
     }
     QKeychain::WritePasswordJob job(owner);

@@ -1,6 +1,7 @@
 #include "apps/client/start/ServerDialog.h"
 
 #include "apps/client/start/SecretService.h"
+#include "frame/Text.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>
@@ -38,10 +39,10 @@ ServerDialog::ServerDialog(const QString& user, QWidget* parent)
     , m_keep(new QComboBox(this))
     , m_result(new QLabel(this)) {
     setObjectName(QStringLiteral("serverDialog"));
-    setWindowTitle(QStringLiteral("Хранилище на сервере"));
+    setWindowTitle(Text::tr("Хранилище на сервере"));
     m_host->setObjectName(QStringLiteral("serverHost"));
-    m_host->setToolTip(QStringLiteral("Имя или адрес; несколько, через запятую: подходит первый, "
-                                      "который принимает запись"));
+    m_host->setToolTip(Text::tr("Имя или адрес; несколько, через запятую: подходит первый, "
+                                "который принимает запись"));
     m_database->setObjectName(QStringLiteral("serverDatabase"));
     m_user->setObjectName(QStringLiteral("serverUser"));
     m_typed->setObjectName(QStringLiteral("serverPassword"));
@@ -50,11 +51,10 @@ ServerDialog::ServerDialog(const QString& user, QWidget* parent)
     m_port->setRange(1, 65535);
     m_port->setValue(usualPort);
     m_keep->setObjectName(QStringLiteral("serverKeep"));
-    m_keep->addItem(QStringLiteral("до конца работы"), int(Keep::Nowhere));
+    m_keep->addItem(Text::tr("до конца работы"), int(Keep::Nowhere));
     if (secrets::areHere())
-        m_keep->addItem(QStringLiteral("в хранилище паролей рабочего стола"),
-                        int(Keep::SecretService));
-    m_keep->addItem(QStringLiteral("в файле %1").arg(passwordFile()), int(Keep::PasswordFile));
+        m_keep->addItem(Text::tr("в хранилище паролей рабочего стола"), int(Keep::SecretService));
+    m_keep->addItem(Text::tr("в файле %1").arg(passwordFile()), int(Keep::PasswordFile));
     m_keep->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     m_result->setObjectName(QStringLiteral("serverResult"));
     m_result->setWordWrap(true);
@@ -63,20 +63,20 @@ ServerDialog::ServerDialog(const QString& user, QWidget* parent)
     m_result->setMinimumHeight(3 * fontMetrics().lineSpacing());
     m_result->setAlignment(Qt::AlignTop | Qt::AlignLeft);
     auto* form = new QFormLayout(this);
-    form->addRow(QStringLiteral("&Сервер:"), m_host);
-    form->addRow(QStringLiteral("По&рт:"), m_port);
-    form->addRow(QStringLiteral("&База данных:"), m_database);
-    form->addRow(QStringLiteral("&Пользователь:"), m_user);
-    form->addRow(QStringLiteral("П&ароль:"), m_typed);
-    form->addRow(QStringLiteral("&Запомнить:"), m_keep);
+    form->addRow(Text::tr("&Сервер:"), m_host);
+    form->addRow(Text::tr("По&рт:"), m_port);
+    form->addRow(Text::tr("&База данных:"), m_database);
+    form->addRow(Text::tr("&Пользователь:"), m_user);
+    form->addRow(Text::tr("П&ароль:"), m_typed);
+    form->addRow(Text::tr("&Запомнить:"), m_keep);
     form->addRow(m_result);
     auto* buttons = new QDialogButtonBox(this);
-    m_test = buttons->addButton(QStringLiteral("Проверит&ь"), QDialogButtonBox::ActionRole);
+    m_test = buttons->addButton(Text::tr("Проверит&ь"), QDialogButtonBox::ActionRole);
     m_test->setObjectName(QStringLiteral("serverTest"));
-    m_open = buttons->addButton(QStringLiteral("&Открыть"), QDialogButtonBox::AcceptRole);
+    m_open = buttons->addButton(Text::tr("&Открыть"), QDialogButtonBox::AcceptRole);
     m_open->setObjectName(QStringLiteral("serverOpen"));
     m_open->setDefault(true);
-    buttons->addButton(QStringLiteral("Отмена"), QDialogButtonBox::RejectRole);
+    buttons->addButton(Text::tr("Отмена"), QDialogButtonBox::RejectRole);
     form->addRow(buttons);
     connect(m_test, &QPushButton::clicked, this, &ServerDialog::test);
     connect(buttons, &QDialogButtonBox::accepted, this, &ServerDialog::accept);
@@ -140,7 +140,7 @@ void ServerDialog::test() {
     if (!m_typed->text().isEmpty())
         url += "&password=" + encoded(m_typed->text()).toStdString();
     m_test->setEnabled(false);
-    say(QStringLiteral("Проверяется…"));
+    say(Text::tr("Проверяется…"));
     struct Found {
         QString login;
         bool mayWrite = false;
@@ -168,9 +168,9 @@ void ServerDialog::tested(const store::Status& status, const QString& login, boo
     if (!status.ok())
         say(QString::fromStdString(status.text));
     else if (mayWrite)
-        say(QStringLiteral("Хранилище открыто: пользователь %1 может читать и писать.").arg(login));
+        say(Text::tr("Хранилище открыто: пользователь %1 может читать и писать.").arg(login));
     else
-        say(QStringLiteral("Хранилище открыто: пользователь %1 может только читать.").arg(login));
+        say(Text::tr("Хранилище открыто: пользователь %1 может только читать.").arg(login));
 }
 
 /// Where that is wanted. False, with the reason, if it was not kept.

@@ -1,5 +1,7 @@
 #include "apps/client/start/StoreMaker.h"
 
+#include "frame/Text.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QTimer>
@@ -15,8 +17,7 @@ StoreMaker::StoreMaker(QString program, QObject* parent)
     m_process.setStandardOutputFile(QProcess::nullDevice());
     connect(&m_process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart)
-            ended(QStringLiteral("Программа %1 не запущена: %2")
-                      .arg(m_program, m_process.errorString()));
+            ended(Text::tr("Программа %1 не запущена: %2").arg(m_program, m_process.errorString()));
     });
     connect(&m_process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this,
             [this](int code, QProcess::ExitStatus status) {
@@ -26,8 +27,8 @@ StoreMaker::StoreMaker(QString program, QObject* parent)
                     return;
                 }
                 const QString said = QString::fromUtf8(m_process.readAllStandardError()).trimmed();
-                ended(said.isEmpty() ? QStringLiteral("Хранилище не сделано: команда %1 %2 "
-                                                      "прервана.")
+                ended(said.isEmpty() ? Text::tr("Хранилище не сделано: команда %1 %2 "
+                                                "прервана.")
                                            .arg(m_program, m_steps.first())
                                      : said.section(QLatin1Char('\n'), -1));
             });
@@ -48,10 +49,10 @@ void StoreMaker::make(const QString& file, bool withDemonstration) {
     const QString folder = QFileInfo(file).absolutePath();
     QString problem;
     if (!QFileInfo::exists(m_program))
-        problem = QStringLiteral("Рядом с клиентом нет команды orvo-admin, которая делает "
-                                 "хранилища: установите пакет orvo-admin.");
+        problem = Text::tr("Рядом с клиентом нет команды orvo-admin, которая делает "
+                           "хранилища: установите пакет orvo-admin.");
     else if (!QDir().mkpath(folder))
-        problem = QStringLiteral("Каталог %1 не создан.").arg(folder);
+        problem = Text::tr("Каталог %1 не создан.").arg(folder);
     if (problem.isEmpty())
         next();
     else

@@ -5,6 +5,7 @@
 #include "apps/client/start/SecretService.h"
 #include "apps/client/start/ServerDialog.h"
 #include "apps/client/start/ServerPassword.h"
+#include "frame/Text.h"
 #include "platform/store/StoreUrl.h"
 
 #include <QAction>
@@ -55,7 +56,7 @@ StorePage::StorePage(const QString& ownFile, const QString& user, QWidget* paren
     , m_ways(new QWidget(this))
     , m_waysColumn(new QVBoxLayout(m_ways)) {
     setObjectName(QStringLiteral("storePage"));
-    setWindowTitle(QStringLiteral("Orvo: какое хранилище открыть"));
+    setWindowTitle(Text::tr("Orvo: какое хранилище открыть"));
     auto* page = new QVBoxLayout(this);
     page->addWidget(m_reason);
     page->addWidget(m_recentPart, 1);
@@ -65,12 +66,12 @@ StorePage::StorePage(const QString& ownFile, const QString& user, QWidget* paren
 
     auto* recent = new QVBoxLayout(m_recentPart);
     recent->setContentsMargins({});
-    auto* title = new QLabel(QStringLiteral("&Недавние"), m_recentPart);
+    auto* title = new QLabel(Text::tr("&Недавние"), m_recentPart);
     title->setBuddy(m_recent);
     m_recent->setObjectName(QStringLiteral("storeRecent"));
-    m_recent->setAccessibleName(QStringLiteral("Недавние хранилища"));
+    m_recent->setAccessibleName(Text::tr("Недавние хранилища"));
     m_recent->setTextElideMode(Qt::ElideMiddle);
-    auto* forget = new QAction(QStringLiteral("Убрать из списка"), m_recent);
+    auto* forget = new QAction(Text::tr("Убрать из списка"), m_recent);
     forget->setShortcut(QKeySequence::Delete);
     forget->setShortcutContext(Qt::WidgetShortcut);
     m_recent->addAction(forget);
@@ -83,32 +84,31 @@ StorePage::StorePage(const QString& ownFile, const QString& user, QWidget* paren
     m_waysColumn->setContentsMargins({});
     const QString place = QDir::toNativeSeparators(m_ownFile);
     if (QFileInfo::exists(m_ownFile)) {
-        connect(addWay("storeOwn", QStringLiteral("Хранилище на этой машине"), place),
+        connect(addWay("storeOwn", Text::tr("Хранилище на этой машине"), place),
                 &QAbstractButton::clicked, this, [this] {
                     take({m_ownFile, {}});
                 });
     } else {
-        connect(
-            addWay("storeDemo", QStringLiteral("Попробовать на примере"),
-                   QStringLiteral("Сделать хранилище на этой машине и наполнить его вымышленной "
-                                  "установкой: %1")
-                       .arg(place)),
-            &QAbstractButton::clicked, this, [this] { make(true); });
-        connect(addWay("storeEmpty", QStringLiteral("Начать с пустого"),
-                       QStringLiteral("Сделать хранилище на этой машине: %1").arg(place)),
+        connect(addWay("storeDemo", Text::tr("Попробовать на примере"),
+                       Text::tr("Сделать хранилище на этой машине и наполнить его вымышленной "
+                                "установкой: %1")
+                           .arg(place)),
+                &QAbstractButton::clicked, this, [this] { make(true); });
+        connect(addWay("storeEmpty", Text::tr("Начать с пустого"),
+                       Text::tr("Сделать хранилище на этой машине: %1").arg(place)),
                 &QAbstractButton::clicked, this, [this] { make(false); });
     }
-    connect(addWay("storeServer", QStringLiteral("Подключиться к серверу…"),
-                   QStringLiteral("База PostgreSQL, в которой работают с нескольких машин")),
+    connect(addWay("storeServer", Text::tr("Подключиться к серверу…"),
+                   Text::tr("База PostgreSQL, в которой работают с нескольких машин")),
             &QAbstractButton::clicked, this, &StorePage::askForServer);
-    connect(addWay("storeFile", QStringLiteral("Открыть файл…"),
-                   QStringLiteral("Хранилище SQLite в другом месте")),
-            &QAbstractButton::clicked, this, &StorePage::openFile);
+    connect(
+        addWay("storeFile", Text::tr("Открыть файл…"), Text::tr("Хранилище SQLite в другом месте")),
+        &QAbstractButton::clicked, this, &StorePage::openFile);
 
     auto* buttons = new QDialogButtonBox(this);
-    m_open = buttons->addButton(QStringLiteral("&Открыть"), QDialogButtonBox::AcceptRole);
+    m_open = buttons->addButton(Text::tr("&Открыть"), QDialogButtonBox::AcceptRole);
     m_open->setObjectName(QStringLiteral("storeOpen"));
-    buttons->addButton(QStringLiteral("Отмена"), QDialogButtonBox::RejectRole);
+    buttons->addButton(Text::tr("Отмена"), QDialogButtonBox::RejectRole);
     page->addWidget(buttons);
     connect(buttons, &QDialogButtonBox::accepted, this, &StorePage::openRecent);
     connect(buttons, &QDialogButtonBox::rejected, this, &StorePage::reject);
@@ -150,7 +150,7 @@ void StorePage::offerAgain(const QString& address) {
     const QString place = url.parse(address.toStdString()).ok()
                               ? QString::fromStdString(url.displayName())
                               : QString();
-    auto* again = addWay("storeAgain", QStringLiteral("Попробовать ещё раз"), place);
+    auto* again = addWay("storeAgain", Text::tr("Попробовать ещё раз"), place);
     m_waysColumn->insertWidget(0, again);
     setTabOrder(m_recent, again);
     m_reason->setFocusPolicy(Qt::StrongFocus); // so that it can be copied by keys as well
@@ -165,9 +165,8 @@ void StorePage::fillRecent() {
     for (const QString& address : recentStores()) {
         const QString file = fileOf(address);
         const bool isMissing = !file.isEmpty() && !QFileInfo::exists(file);
-        auto* item =
-            new QListWidgetItem(isMissing ? address + QStringLiteral(" (файла нет)") : address,
-                                m_recent); // owned by the list
+        auto* item = new QListWidgetItem(isMissing ? address + Text::tr(" (файла нет)") : address,
+                                         m_recent); // owned by the list
         item->setData(Qt::UserRole, address);
         item->setToolTip(address);
     }
@@ -181,9 +180,8 @@ void StorePage::fillRecent() {
 void StorePage::make(bool withDemonstration) {
     for (QWidget* part : {m_recentPart, m_ways})
         part->setEnabled(false);
-    m_progress->setText(withDemonstration
-                            ? QStringLiteral("Хранилище делается и наполняется примером…")
-                            : QStringLiteral("Хранилище делается…"));
+    m_progress->setText(withDemonstration ? Text::tr("Хранилище делается и наполняется примером…")
+                                          : Text::tr("Хранилище делается…"));
     m_progress->show();
     m_maker.make(m_ownFile, withDemonstration);
 }
@@ -200,8 +198,8 @@ void StorePage::made(const QString& problem) {
 
 void StorePage::openFile() {
     auto* dialog =
-        new QFileDialog(this, QStringLiteral("Файл хранилища"), QFileInfo(m_ownFile).absolutePath(),
-                        QStringLiteral("Хранилища (*.db);;Все файлы (*)"));
+        new QFileDialog(this, Text::tr("Файл хранилища"), QFileInfo(m_ownFile).absolutePath(),
+                        Text::tr("Хранилища (*.db);;Все файлы (*)"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::ExistingFile);
     connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& file) {
@@ -256,11 +254,11 @@ bool askForStore(const QString& ownFile, const QString& user, const QString& rea
 }
 
 bool askToRetryDesktop(const QString& reason) {
-    QMessageBox box(QMessageBox::Critical, QStringLiteral("Рабочий стол не открыт"), reason);
+    QMessageBox box(QMessageBox::Critical, Text::tr("Рабочий стол не открыт"), reason);
     box.setTextFormat(Qt::PlainText);
     const QAbstractButton* again =
-        box.addButton(QStringLiteral("Попробовать ещё раз"), QMessageBox::AcceptRole);
-    box.addButton(QStringLiteral("Закрыть"), QMessageBox::RejectRole);
+        box.addButton(Text::tr("Попробовать ещё раз"), QMessageBox::AcceptRole);
+    box.addButton(Text::tr("Закрыть"), QMessageBox::RejectRole);
     box.exec();
     return box.clickedButton() == again;
 }
