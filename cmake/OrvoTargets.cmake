@@ -119,5 +119,6 @@ function(orvo_run name target xvfb timeout labels)
     "ORVO_LIB_DIR=${CMAKE_LIBRARY_OUTPUT_DIRECTORY}"
     "ORVO_MODULE_DIR=${CMAKE_BINARY_DIR}/${ORVO_MODULE_DIR}"
     "ORVO_PROGRAM_DIR=${CMAKE_BINARY_DIR}/${ORVO_PROGRAM_DIR}"
-    "ORVO_SOURCE_DIR=${CMAKE_SOURCE_DIR}")
+    "ORVO_SOURCE_DIR=${CMAKE_SOURCE_DIR}"
+    "ORVO_LANG=ru") # whatever the developer's desktop speaks
 endfunction()

@@ -5,6 +5,9 @@
 #include "apps/admin/Suggestion.h"
 #include "apps/admin/Verb.h"
 #include "apps/completion/Completion.h"
+#include "apps/language/Language.h"
+#include "frame/StdText.h"
+#include "frame/Text.h"
 
 #include <QCoreApplication>
 #include <QStandardPaths>
@@ -45,12 +48,13 @@ public:
 
 /// What stands before every verb, and behind it too.
 OptionList commonOptions() {
-    return {{QStringLiteral("store"),
-             QString::fromUtf8(
-                 "Хранилище: путь к файлу, sqlite:///путь/orvo.db или postgresql://узел/база."),
-             QStringLiteral("URL")},
-            {{QStringLiteral("h"), QStringLiteral("help")},
-             QString::fromUtf8("Показать справку и закончить.")}};
+    return {
+        {QStringLiteral("store"),
+         Text::tr("Хранилище: путь к файлу, sqlite:///путь/orvo.db или postgresql://узел/база."),
+         QStringLiteral("URL")},
+        {QStringLiteral("lang"), Text::tr("Язык сообщений (иначе - язык системы)."),
+         QStringLiteral("ru|en")},
+        {{QStringLiteral("h"), QStringLiteral("help")}, Text::tr("Показать справку и закончить.")}};
 }
 
 OptionList optionsOf(const Verb& verb) {
@@ -62,21 +66,21 @@ OptionList optionsOf(const Verb& verb) {
 
 OptionList generalOptions() {
     return commonOptions() +
-           OptionList{
-               {QStringLiteral("version"), QString::fromUtf8("Показать версию и закончить.")},
-               {QStringLiteral("completion"),
-                QString::fromUtf8("Напечатать дополнение команд для оболочки."),
-                completion::shells().join(QLatin1Char('|'))}};
+           OptionList{{QStringLiteral("version"), Text::tr("Показать версию и закончить.")},
+                      {QStringLiteral("completion"),
+                       Text::tr("Напечатать дополнение команд для оболочки."),
+                       completion::shells().join(QLatin1Char('|'))}};
 }
 
 void printCompletion(const QString& shell) {
     completion::Command command{QStringLiteral("orvo-admin"), generalOptions(), {}};
     for (const Verb* verb : verbs())
-        command.verbs.append({QString::fromUtf8(verb->name), QString::fromUtf8(verb->summary),
-                              QString::fromUtf8(verb->arguments), optionsOf(*verb)});
+        command.verbs.append({QString::fromUtf8(verb->name), Text::tr(verb->summary),
+                              Text::tr(verb->arguments), optionsOf(*verb)});
     const QString script = completion::script(shell, command);
     if (script.isEmpty())
-        throw Failure("оболочки «" + shell.toStdString() + "» нет среди " +
+        throw Failure(StdText::tr("оболочки «") + shell.toStdString() +
+                      StdText::tr("» нет среди ") +
                       completion::shells().join(QStringLiteral(", ")).toStdString());
     out(script.chopped(1).toStdString()); // its last line feed is added again
 }
@@ -94,22 +98,24 @@ std::string complaint(const QCommandLineParser& parser, const OptionList& option
 /// Qt's list of options under our own usage line.
 void printHelp(const std::string& usage, const std::string& text, QCommandLineParser& parser) {
     const QString all = parser.helpText();
-    const int options = all.indexOf(QString::fromUtf8("Ключи:"));
-    out("Вызов: orvo-admin " + usage + "\n\n" + text + "\n\n" +
+    const char heading[] = "Options:"; // as the parser calls them, in its own words
+    const int options = all.indexOf(QCoreApplication::translate("QCommandLineParser", heading));
+    out(StdText::tr("Вызов: orvo-admin ") + usage + "\n\n" + text + "\n\n" +
         (options < 0 ? QString() : all.mid(options)).toStdString());
 }
 
 void printGeneralHelp(QCommandLineParser& parser) {
-    std::string text = "Ведение хранилища Orvo.\n\nДействия:\n";
+    std::string text = StdText::tr("Ведение хранилища Orvo.\n\nДействия:\n");
     for (const Verb* verb : verbs()) {
         std::string line = std::string("  ") + verb->name;
         line.resize(std::max<size_t>(line.size() + 2, 16), ' ');
-        text += line + verb->summary + "\n";
+        text += line + StdText::tr(verb->summary) + "\n";
     }
-    text += "\nСправка о действии: orvo-admin ДЕЙСТВИЕ --help\n"
-            "Коды завершения: 0 сделано, 1 проверка нашла ошибки, 2 сбой или неверный вызов,\n"
-            "130 прервано.";
-    printHelp("[--store URL] ДЕЙСТВИЕ ...", text, parser);
+    text += StdText::tr(
+        "\nСправка о действии: orvo-admin ДЕЙСТВИЕ --help\n"
+        "Коды завершения: 0 сделано, 1 проверка нашла ошибки, 2 сбой или неверный вызов,\n"
+        "130 прервано.");
+    printHelp(StdText::tr("[--store URL] ДЕЙСТВИЕ ..."), text, parser);
 }
 
 /// The verb that the words begin with, and how many of them are its name; null if none.
@@ -146,13 +152,14 @@ std::string secondWords(const QString& first) {
         for (const Verb* verb : verbs())
             present.push_back(
                 QString::fromUtf8(verb->name).section(QLatin1Char(' '), 0, 0).toStdString());
-        throw Failure("неизвестное действие «" + first + "»" + suggestion(first, present) +
-                      "; список: orvo-admin --help");
+        throw Failure(StdText::tr("неизвестное действие «") + first + StdText::tr("»") +
+                      suggestion(first, present) + StdText::tr("; список: orvo-admin --help"));
     }
     if (words.size() > 1 && !words[1].startsWith(QLatin1Char('-')))
-        throw Failure("неизвестное действие «" + first + " " + words[1].toStdString() +
-                      "»; после «" + first + "» бывает: " + second);
-    throw Failure("действие «" + first + "» не закончено; дальше бывает: " + second);
+        throw Failure(StdText::tr("неизвестное действие «") + first + " " + words[1].toStdString() +
+                      StdText::tr("»; после «") + first + StdText::tr("» бывает: ") + second);
+    throw Failure(StdText::tr("действие «") + first +
+                  StdText::tr("» не закончено; дальше бывает: ") + second);
 }
 
 std::string defaultStore() {
@@ -167,7 +174,7 @@ bool namedStore(const QCommandLineParser& general, const QCommandLineParser& own
     for (const QCommandLineParser* parser : {&own, &general})
         if (parser->isSet(option)) {
             if (parser->value(option).isEmpty())
-                throw Failure("адрес хранилища после --store пуст");
+                throw Failure(StdText::tr("адрес хранилища после --store пуст"));
             const store::Status status = url->parse(parser->value(option).toStdString());
             if (!status.ok())
                 throw Failure(status.text);
@@ -184,23 +191,25 @@ int runVerb(const Verb& verb, const QStringList& words, const QCommandLineParser
     const OptionList options = optionsOf(verb);
     parser.addOptions(options);
     const std::string usage =
-        std::string(verb.name) + (*verb.arguments ? " " : "") + verb.arguments;
+        std::string(verb.name) + (*verb.arguments ? " " + StdText::tr(verb.arguments) : "");
     const bool good = parser.parse(words);
     if (parser.isSet(QStringLiteral("help"))) {
         printHelp("[--store URL] " + usage,
-                  std::string(verb.summary) + "." + (*verb.help ? "\n" : "") + verb.help, parser);
+                  StdText::tr(verb.summary) + "." +
+                      (*verb.help ? "\n" + StdText::tr(verb.help) : ""),
+                  parser);
         return Done;
     }
     if (!good)
         throw Failure(std::string(verb.name) + ": " + complaint(parser, options));
     const int count = parser.positionalArguments().size();
     if (count < verb.least)
-        throw Failure(std::string(verb.name) + ": не хватает аргументов; вызов: orvo-admin " +
-                      usage);
+        throw Failure(std::string(verb.name) +
+                      StdText::tr(": не хватает аргументов; вызов: orvo-admin ") + usage);
     if (verb.most >= 0 && count > verb.most)
-        throw Failure(std::string(verb.name) + ": лишний аргумент «" +
+        throw Failure(std::string(verb.name) + StdText::tr(": лишний аргумент «") +
                       parser.positionalArguments().at(verb.most).toStdString() +
-                      "»; вызов: orvo-admin " + usage);
+                      StdText::tr("»; вызов: orvo-admin ") + usage);
     store::StoreUrl url;
     const bool isNamed = namedStore(general, parser, &url);
     return verb.run(Invocation(std::move(url), !isNamed, parser));
@@ -210,7 +219,13 @@ int runVerb(const Verb& verb, const QStringList& words, const QCommandLineParser
 
 int runCommandLine(const QStringList& arguments) {
     ParserTexts texts;
-    QCoreApplication::installTranslator(&texts);
+    if (textLocale().language() == QLocale::Russian)
+        QCoreApplication::installTranslator(&texts);
+    const QString language = language::given(arguments);
+    if (!language.isEmpty() && !language::codes().contains(language))
+        throw Failure(StdText::tr("языка «") + language.toStdString() +
+                      StdText::tr("» нет среди ") +
+                      language::codes().join(QStringLiteral(", ")).toStdString());
 
     QCommandLineParser general;
     general.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
@@ -233,7 +248,7 @@ int runCommandLine(const QStringList& arguments) {
     }
     const QStringList words = general.positionalArguments();
     if (words.isEmpty())
-        throw Failure("не сказано, что делать; список действий: orvo-admin --help");
+        throw Failure(StdText::tr("не сказано, что делать; список действий: orvo-admin --help"));
     int used = 0;
     const Verb* verb = findVerb(words, &used);
     if (!verb)

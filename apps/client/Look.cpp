@@ -4,9 +4,6 @@
 
 #include <QApplication>
 #include <QHBoxLayout>
-#include <QLibraryInfo>
-#include <QLocale>
-#include <QTranslator>
 #include <QVBoxLayout>
 
 namespace orvo::app {
@@ -58,15 +55,6 @@ QHBoxLayout* addPaneRow(QVBoxLayout& pane) {
     row->setSpacing(apart);
     pane.addLayout(row);
     return row;
-}
-
-void speakRussian() {
-    // File dialogs and standard menus speak Russian as the modules do.
-    auto* translator = new QTranslator(qApp); // owned by the application
-    if (translator->load(QLocale(QLocale::Russian), QStringLiteral("qtbase"), QStringLiteral("_"),
-                         QLibraryInfo::location(QLibraryInfo::TranslationsPath)))
-        QApplication::installTranslator(translator);
-    QLocale::setDefault(QLocale(QLocale::Russian));
 }
 
 } // namespace orvo::app

@@ -31,10 +31,6 @@ QHBoxLayout* addPaneRow(QVBoxLayout& pane);
 /// The name of the desktop entry, the icon and the metadata, and the class of the windows.
 inline constexpr char applicationId[] = "org.orvo.Client";
 
-/// Qt's own dialogs and menus in the language of ours. To be called once, after the QApplication is
-/// made and before the first window.
-void speakRussian();
-
 /// Shows the colours that items have for a light window as such that can be read on the view's own.
 class ReadableDelegate : public QStyledItemDelegate {
     Q_OBJECT

@@ -1,6 +1,8 @@
 #include "apps/client/Options.h"
 
 #include "apps/completion/Completion.h"
+#include "apps/language/Language.h"
+#include "frame/Text.h"
 #include "platform/store/StoreUrl.h"
 
 #include <QCommandLineParser>
@@ -45,32 +47,49 @@ struct OptionText {
 /// made of it.
 constexpr OptionText optionTexts[] = {
     {"store", nullptr, "URL",
-     "хранилище: sqlite:///путь/orvo.db, просто путь или postgresql://… (иначе "
-     "$XDG_DATA_HOME/orvo/orvo.db)"},
-    {"login", nullptr, "NAME", "пользователь, от имени которого идёт запись (иначе $USER)"},
+     QT_TRANSLATE_NOOP("orvo",
+                       "хранилище: sqlite:///путь/orvo.db, просто путь или postgresql://… (иначе "
+                       "$XDG_DATA_HOME/orvo/orvo.db)")},
+    {"login", nullptr, "NAME",
+     QT_TRANSLATE_NOOP("orvo", "пользователь, от имени которого идёт запись (иначе $USER)")},
     {"work-dir", nullptr, "DIR",
-     "рабочий каталог с копией файловой области в files/ (иначе $XDG_DATA_HOME/orvo/work)"},
+     QT_TRANSLATE_NOOP(
+         "orvo",
+         "рабочий каталог с копией файловой области в files/ (иначе $XDG_DATA_HOME/orvo/work)")},
+    {"lang", nullptr, "ru|en",
+     QT_TRANSLATE_NOOP("orvo", "язык окон и сообщений (иначе - язык рабочего стола)")},
     {"module", nullptr, "Menu|Resources",
-     "открыть этот модуль; можно повторять (иначе открываются оба)"},
+     QT_TRANSLATE_NOOP("orvo", "открыть этот модуль; можно повторять (иначе открываются оба)")},
     {"modules", nullptr, "DIR",
-     "каталог с библиотеками модулей, кроме собственного; можно повторять (писать в него и в "
-     "каталоги над ним может только хозяин)"},
+     QT_TRANSLATE_NOOP(
+         "orvo",
+         "каталог с библиотеками модулей, кроме собственного; можно повторять (писать в него и в "
+         "каталоги над ним может только хозяин)")},
     {"desktop", nullptr, "NAME",
-     "открыть только этот рабочий стол, как его видит оператор: название, путь «папка/стол» или "
-     "ключ"},
+     QT_TRANSLATE_NOOP("orvo", "открыть только этот рабочий стол, как его видит оператор: "
+                               "название, путь «папка/стол» или "
+                               "ключ")},
     {"kiosk", nullptr, nullptr,
-     "рабочий стол на весь экран, без рамки; закрывается по Ctrl+Alt+Q, после вопроса об имени "
-     "пользователя"},
+     QT_TRANSLATE_NOOP(
+         "orvo",
+         "рабочий стол на весь экран, без рамки; закрывается по Ctrl+Alt+Q, после вопроса об имени "
+         "пользователя")},
     {"separate", nullptr, nullptr,
-     "открыть ещё одно окно, даже если клиент с тем же хранилищем, пользователем и рабочим "
-     "каталогом уже работает (иначе модуль откроет он)"},
-    {"screenshot", nullptr, "FILE", "открыть модули, записать снимок окна в PNG и завершиться"},
+     QT_TRANSLATE_NOOP(
+         "orvo",
+         "открыть ещё одно окно, даже если клиент с тем же хранилищем, пользователем и рабочим "
+         "каталогом уже работает (иначе модуль откроет он)")},
+    {"screenshot", nullptr, "FILE",
+     QT_TRANSLATE_NOOP("orvo", "открыть модули, записать снимок окна в PNG и завершиться")},
     {"inspect", nullptr, "SOCKET",
-     "отвечать через локальный сокет, что стоит в окнах и таблицах (для поддержки и проверок; "
-     "только чтение, только этому пользователю)"},
-    {"completion", nullptr, "bash|fish|zsh", "напечатать дополнение команд для оболочки"},
-    {"help", "h", nullptr, "эта справка"},
-    {"version", "v", nullptr, "версия"},
+     QT_TRANSLATE_NOOP(
+         "orvo",
+         "отвечать через локальный сокет, что стоит в окнах и таблицах (для поддержки и проверок; "
+         "только чтение, только этому пользователю)")},
+    {"completion", nullptr, "bash|fish|zsh",
+     QT_TRANSLATE_NOOP("orvo", "напечатать дополнение команд для оболочки")},
+    {"help", "h", nullptr, QT_TRANSLATE_NOOP("orvo", "эта справка")},
+    {"version", "v", nullptr, QT_TRANSLATE_NOOP("orvo", "версия")},
 };
 
 QList<QCommandLineOption> allOptions() {
@@ -79,8 +98,8 @@ QList<QCommandLineOption> allOptions() {
         QStringList names{QString::fromUtf8(one.name)};
         if (one.shortName)
             names.prepend(QString::fromUtf8(one.shortName));
-        options.append({names, QString::fromUtf8(one.text),
-                        one.value ? QString::fromUtf8(one.value) : QString()});
+        options.append(
+            {names, Text::tr(one.text), one.value ? QString::fromUtf8(one.value) : QString()});
     }
     return options;
 }
@@ -111,16 +130,15 @@ bool parseOptions(const QStringList& arguments, Options* options, QString* error
     const auto value = [&](const char* name) { return parser.value(QLatin1String(name)); };
     if (!parser.parse(arguments)) {
         const QStringList unknown = parser.unknownOptionNames();
-        *error =
-            unknown.isEmpty()
-                ? QStringLiteral("У параметра в конце командной строки нет значения, или оно "
-                                 "лишнее; см. --help.")
-                : QStringLiteral("Неизвестный параметр «%1»; см. --help.").arg(unknown.first());
+        *error = unknown.isEmpty()
+                     ? Text::tr("У параметра в конце командной строки нет значения, или оно "
+                                "лишнее; см. --help.")
+                     : Text::tr("Неизвестный параметр «%1»; см. --help.").arg(unknown.first());
         return false;
     }
     if (!parser.positionalArguments().isEmpty()) {
-        *error = QStringLiteral("Лишний аргумент «%1»; см. --help.")
-                     .arg(parser.positionalArguments().first());
+        *error =
+            Text::tr("Лишний аргумент «%1»; см. --help.").arg(parser.positionalArguments().first());
         return false;
     }
     options->help = isSet("help");
@@ -128,13 +146,17 @@ bool parseOptions(const QStringList& arguments, Options* options, QString* error
     options->isSeparate = isSet("separate");
     for (const OptionText& option : optionTexts)
         if (option.value && isSet(option.name) && value(option.name).isEmpty()) {
-            *error =
-                QStringLiteral("Пустое значение параметра --%1.").arg(QLatin1String(option.name));
+            *error = Text::tr("Пустое значение параметра --%1.").arg(QLatin1String(option.name));
             return false;
         }
+    if (isSet("lang") && !language::codes().contains(value("lang"))) {
+        *error = Text::tr("Языка «%1» нет среди %2.")
+                     .arg(value("lang"), language::codes().join(QLatin1String(", ")));
+        return false;
+    }
     options->completion = value("completion");
     if (isSet("completion") && !completion::shells().contains(options->completion)) {
-        *error = QStringLiteral("Оболочки «%1» нет среди %2.")
+        *error = Text::tr("Оболочки «%1» нет среди %2.")
                      .arg(options->completion, completion::shells().join(QLatin1String(", ")));
         return false;
     }
@@ -151,7 +173,7 @@ bool parseOptions(const QStringList& arguments, Options* options, QString* error
         options->store = absolute(QString::fromStdString(url.file()));
     options->login = isSet("login") ? value("login") : systemLogin();
     if (options->login.isEmpty()) {
-        *error = QStringLiteral("Имя пользователя неизвестно; задайте --login NAME.");
+        *error = Text::tr("Имя пользователя неизвестно; задайте --login NAME.");
         return false;
     }
     options->isWorkDirGiven = isSet("work-dir");
@@ -168,12 +190,12 @@ bool parseOptions(const QStringList& arguments, Options* options, QString* error
     options->desktop = value("desktop");
     options->isKiosk = isSet("kiosk");
     if (options->isKiosk && options->desktop.isEmpty()) {
-        *error = QStringLiteral("Параметр --kiosk требует --desktop.");
+        *error = Text::tr("Параметр --kiosk требует --desktop.");
         return false;
     }
     if (!options->desktop.isEmpty() && isSet("module")) {
-        *error = QStringLiteral("Рабочий стол открывается без редакторов: --desktop и --module "
-                                "вместе не даются.");
+        *error = Text::tr("Рабочий стол открывается без редакторов: --desktop и --module "
+                          "вместе не даются.");
         return false;
     }
 
@@ -182,7 +204,7 @@ bool parseOptions(const QStringList& arguments, Options* options, QString* error
         if (name.isEmpty() && isSet("modules"))
             name = asked; // of a library that is not loaded yet
         if (name.isEmpty()) {
-            *error = QStringLiteral("Неизвестный модуль «%1»; есть Menu и Resources.").arg(asked);
+            *error = Text::tr("Неизвестный модуль «%1»; есть Menu и Resources.").arg(asked);
             return false;
         }
         if (!options->modules.contains(name))
@@ -233,7 +255,7 @@ QString helpText() {
             line += blank + value;
         line = line.leftJustified(column - 1);
         const QString text =
-            (isChoice ? value + QLatin1String(": ") : QString()) + QString::fromUtf8(option.text);
+            (isChoice ? value + QLatin1String(": ") : QString()) + Text::tr(option.text);
         for (const QString& word : text.split(blank)) {
             if (line.size() + word.size() > width) {
                 table += line + QLatin1Char('\n');
@@ -243,8 +265,7 @@ QString helpText() {
         }
         table += line + QLatin1Char('\n');
     }
-    return QStringLiteral(
-               "orvo-client: редактор меню, редактор ресурсов и рабочий стол оператора.\n\n") +
+    return Text::tr("orvo-client: редактор меню, редактор ресурсов и рабочий стол оператора.\n\n") +
            usage + QStringLiteral("\n\n") + table;
 }
 
@@ -260,8 +281,8 @@ QString displayProblem() {
     for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
         if (!qEnvironmentVariableIsEmpty(name))
             return {};
-    return QStringLiteral("Нет дисплея: переменные DISPLAY и WAYLAND_DISPLAY пусты; запустите в "
-                          "графическом сеансе, через ssh -X или под Xvfb.");
+    return Text::tr("Нет дисплея: переменные DISPLAY и WAYLAND_DISPLAY пусты; запустите в "
+                    "графическом сеансе, через ssh -X или под Xvfb.");
 }
 
 QString adviceOnMissingStore(const Options& options) {
@@ -272,14 +293,14 @@ QString adviceOnMissingStore(const Options& options) {
     if (file.exists())
         return {};
     if (options.isDefaultStore)
-        return QStringLiteral("; новое хранилище делает orvo-admin init");
+        return Text::tr("; новое хранилище делает orvo-admin init");
     if (!file.dir().exists())
-        return QStringLiteral("; каталога %1 нет").arg(file.path());
+        return Text::tr("; каталога %1 нет").arg(file.path());
     QString place = QString::fromStdString(url.isPath() ? url.file() : url.displayName());
     if (place.contains(QRegularExpression(QStringLiteral("[^\\w./:@%+=-]"))))
         place = QLatin1Char('\'') + place.replace(QLatin1Char('\''), QLatin1String("'\\''")) +
                 QLatin1Char('\'');
-    return QStringLiteral("; новое хранилище делает orvo-admin --store %1 init").arg(place);
+    return Text::tr("; новое хранилище делает orvo-admin --store %1 init").arg(place);
 }
 
 } // namespace orvo::app

@@ -14,8 +14,10 @@
 #include "apps/client/start/SecretService.h"
 #include "apps/client/start/ServerPassword.h"
 #include "apps/client/start/StorePage.h"
+#include "apps/language/Language.h"
 
 #include "frame/QtCompat.h"
+#include "frame/Text.h"
 #include "platform/store/StoreUrl.h"
 
 #include <QApplication>
@@ -38,13 +40,14 @@ int refuse(int code, const QString& text) {
     return code;
 }
 
+QString noWindows; ///< in the user's language, which cannot be asked while the QApplication is made
+
 /// While the QApplication is made, Qt gives up by aborting and explains itself over many lines.
 /// The user gets one line and an exit code instead.
 void onStartMessage(QtMsgType type, const QMessageLogContext&, const QString& text) {
     if (type != QtFatalMsg)
         return;
-    refuse(1, QStringLiteral("Окна показать нельзя (дисплей «%1»): %2")
-                  .arg(qEnvironmentVariable("DISPLAY"), text));
+    refuse(1, noWindows.arg(qEnvironmentVariable("DISPLAY"), text));
     std::_Exit(1);
 }
 
@@ -114,7 +117,7 @@ int runClient(orvo::app::Options options, orvo::app::SchemeKeeper& scheme) {
     if (mayAsk && !isOperator && options.isDefaultStore &&
         !QFileInfo::exists(orvo::app::ownStore()) &&
         !chooseStore(&options, &typed,
-                     QStringLiteral("Хранилища на этой машине ещё нет. С чего начать?"), {}))
+                     orvo::Text::tr("Хранилища на этой машине ещё нет. С чего начать?"), {}))
         return 0;
     while (true) {
         QString reason;
@@ -131,6 +134,26 @@ int runClient(orvo::app::Options options, orvo::app::SchemeKeeper& scheme) {
     }
 }
 
+/// What is said and done before there is an application of windows: help, a wrong command line, a
+/// display that is missing. No value: the program goes on.
+std::optional<int> beforeWindows(const QStringList& arguments, bool isOfOurs,
+                                 orvo::app::Options* options) {
+    QString error;
+    if (!isOfOurs && !orvo::app::parseOptions(arguments, options, &error))
+        return refuse(2, error);
+    if (options->help || options->version || !options->completion.isEmpty()) {
+        const QString text = options->help      ? orvo::app::helpText()
+                             : options->version ? orvo::app::versionText()
+                                                : orvo::app::completionText(options->completion);
+        return std::fputs(text.toUtf8().constData(), stdout) < 0 ? 1 : 0;
+    }
+    error = orvo::app::displayProblem();
+    if (!error.isEmpty())
+        return refuse(1, error);
+    noWindows = orvo::Text::tr("Окна показать нельзя (дисплей «%1»): %2");
+    return {};
+}
+
 } // namespace
 
 int main(int argc, char* argv[]) {
@@ -138,25 +161,20 @@ int main(int argc, char* argv[]) {
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments << QString::fromUtf8(argv[i]);
-    orvo::app::Options options;
-    QString error;
+    const QString language = orvo::language::choose(orvo::language::given(arguments));
     const bool pane = orvo::app::isWaitPane(argc, argv);
     const bool function = orvo::app::isFunctionHost(argc, argv);
-    if (!pane && !function && !orvo::app::parseOptions(arguments, &options, &error))
-        return refuse(2, error);
-    if (options.help || options.version || !options.completion.isEmpty()) {
-        const QString text = options.help      ? orvo::app::helpText()
-                             : options.version ? orvo::app::versionText()
-                                               : orvo::app::completionText(options.completion);
-        return std::fputs(text.toUtf8().constData(), stdout) < 0 ? 1 : 0;
-    }
-    error = orvo::app::displayProblem();
-    if (!error.isEmpty())
-        return refuse(1, error);
-
-    // The command line is read; Qt is to see the program's name alone.
+    // We read the command line; Qt is to see the program's name alone.
     int qtArgc = 1;
     char* qtArgv[] = {argv[0], nullptr};
+    orvo::app::Options options;
+    {
+        const QCoreApplication early(qtArgc, qtArgv);
+        const orvo::language::Speaker speaker(language);
+        if (const auto code = beforeWindows(arguments, pane || function, &options))
+            return *code;
+    }
+
     orvo::qt::followScreenScale();
     const QtMessageHandler usual = qInstallMessageHandler(onStartMessage);
     QApplication application(qtArgc, qtArgv);
@@ -166,7 +184,7 @@ int main(int argc, char* argv[]) {
     QGuiApplication::setDesktopFileName(QLatin1String(orvo::app::applicationId));
     QApplication::setWindowIcon(applicationIcon());
     orvo::app::SchemeKeeper scheme;
-    orvo::app::speakRussian();
+    const orvo::language::Speaker speaker(language);
     orvo::app::FocusMark::follow();
     orvo::app::LatinKeys::install();
     if (pane)

@@ -5,6 +5,7 @@
 #include "apps/formview/FormMark.h"
 #include "apps/formview/PdfView.h"
 #include "frame/RecordText.h"
+#include "frame/Text.h"
 
 #include <QBuffer>
 #include <QDir>
@@ -111,7 +112,7 @@ std::unique_ptr<QWidget> asForm(const Document& document, Content* content) {
         browser->setOpenLinks(false); // they lead to files
     if (!filtered.notes.isEmpty())
         content->notice =
-            QStringLiteral("Показано не всё: %1.").arg(filtered.notes.join(QStringLiteral("; ")));
+            Text::tr("Показано не всё: %1.").arg(filtered.notes.join(QStringLiteral("; ")));
     const QSize size = form->size();
     form->setWindowFlags(Qt::Widget);
     setParameters(*form, document);
@@ -135,7 +136,7 @@ std::unique_ptr<QWidget> asPicture(const Document& document, Content* content) {
     const QSize size = reader.size();
     if (!isBearable(size, largestPictureSide) || document.size > document.bytes.size()) {
         content->notice =
-            QStringLiteral("рисунок %1 × %2 слишком велик").arg(size.width()).arg(size.height());
+            Text::tr("рисунок %1 × %2 слишком велик").arg(size.width()).arg(size.height());
         return nullptr;
     }
     const QImage image = reader.read();
@@ -159,7 +160,7 @@ std::unique_ptr<QWidget> asPdf(const Document& document, Content* content) {
     if (document.size <= document.bytes.size() && view->open(document.bytes, &content->notice))
         return view;
     if (content->notice.isEmpty())
-        content->notice = QStringLiteral("файл слишком велик");
+        content->notice = Text::tr("файл слишком велик");
     return nullptr;
 }
 
@@ -189,7 +190,7 @@ QString decode(const QByteArray& bytes, bool isCut) {
 /// line of a text. False in `isWhole` if there were too many.
 QString inShortLines(const QString& text, bool* isWhole) {
     constexpr int longest = 2000;
-    constexpr int mostLines = 50'000;
+    constexpr int mostLines = 50000;
     int lines = 0;
     QString result;
     result.reserve(text.size() + text.size() / longest);
@@ -215,14 +216,14 @@ std::unique_ptr<QWidget> asText(const Document& document) {
     const QByteArray& bytes = document.bytes;
     QString text;
     if (bytes.contains('\0')) {
-        text = QStringLiteral("Двоичный файл, %1 байт\n\n").arg(document.size);
+        text = Text::tr("Двоичный файл, %1 байт\n\n").arg(document.size);
         for (int row = 0; row < std::min<int>(bytes.size(), dumped); row += 16)
             text += QString::fromLatin1(bytes.mid(row, 16).toHex(' ')) + QLatin1Char('\n');
     } else {
         bool isWhole = document.size <= most;
         text = inShortLines(decode(bytes.left(most), bytes.size() > most), &isWhole);
         if (!isWhole)
-            text += QStringLiteral("\n… показано только начало");
+            text += Text::tr("\n… показано только начало");
     }
     auto view = std::make_unique<QPlainTextEdit>();
     view->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
@@ -245,7 +246,7 @@ Content makeContent(const Document& document) {
     if (!content.widget) {
         content.isDamaged = !content.notice.isEmpty();
         if (content.isDamaged)
-            content.notice = QStringLiteral("Файл «%1» повреждён и показан как есть: %2")
+            content.notice = Text::tr("Файл «%1» повреждён и показан как есть: %2")
                                  .arg(document.name, content.notice);
         content.widget = asText(document);
     }

@@ -1,6 +1,7 @@
 #include "apps/formview/FormFilter.h"
 
 #include "apps/formview/FormProperty.h"
+#include "frame/Text.h"
 
 #include <QHash>
 #include <QSet>
@@ -34,7 +35,7 @@ public:
         while (m_survey.refusal.isEmpty() && !m_xml.atEnd())
             take(m_xml.readNext());
         if (m_survey.refusal.isEmpty() && m_xml.hasError())
-            refuse(QStringLiteral("ошибка в строке %1: %2")
+            refuse(Text::tr("ошибка в строке %1: %2")
                        .arg(m_xml.lineNumber())
                        .arg(m_xml.errorString().left(200)));
         return m_survey;
@@ -44,13 +45,13 @@ private:
     void refuse(const QString& why) { m_survey.refusal = why; }
     void limit(int value, int most, const char* what) {
         if (value > most && m_survey.refusal.isEmpty())
-            refuse(QStringLiteral("%1 больше %2").arg(QString::fromUtf8(what)).arg(most));
+            refuse(Text::tr("%1 больше %2").arg(Text::tr(what)).arg(most));
     }
 
     void take(QXmlStreamReader::TokenType token) {
         switch (token) {
         case QXmlStreamReader::DTD:
-            refuse(QStringLiteral("форма с объявлением типа документа"));
+            refuse(Text::tr("форма с объявлением типа документа"));
             break;
         case QXmlStreamReader::StartElement:
             begin();
@@ -74,31 +75,33 @@ private:
 
     void begin() {
         if (m_path.isEmpty() && !is(m_xml, "ui"))
-            return refuse(QStringLiteral("это не форма"));
+            return refuse(Text::tr("это не форма"));
         m_path << m_xml.name().toString();
-        limit(m_path.size(), m_limits.xmlDepth, "вложенность");
-        limit(++m_elements, m_limits.elements, "число элементов");
+        limit(m_path.size(), m_limits.xmlDepth, QT_TRANSLATE_NOOP("orvo", "вложенность"));
+        limit(++m_elements, m_limits.elements, QT_TRANSLATE_NOOP("orvo", "число элементов"));
         if (is(m_xml, "widget")) {
-            limit(++m_widgets, m_limits.widgets, "число виджетов");
-            limit(++m_widgetDepth, m_limits.widgetDepth, "вложенность виджетов");
+            limit(++m_widgets, m_limits.widgets, QT_TRANSLATE_NOOP("orvo", "число виджетов"));
+            limit(++m_widgetDepth, m_limits.widgetDepth,
+                  QT_TRANSLATE_NOOP("orvo", "вложенность виджетов"));
         } else if (is(m_xml, "item")) {
-            limit(++m_items, m_limits.items, "число строк и ячеек");
+            limit(++m_items, m_limits.items, QT_TRANSLATE_NOOP("orvo", "число строк и ячеек"));
         } else if (is(m_xml, "row")) {
-            limit(++m_rows, m_limits.lines, "число строк таблиц");
+            limit(++m_rows, m_limits.lines, QT_TRANSLATE_NOOP("orvo", "число строк таблиц"));
         } else if (is(m_xml, "column")) {
-            limit(++m_columns, m_limits.lines, "число столбцов таблиц");
+            limit(++m_columns, m_limits.lines, QT_TRANSLATE_NOOP("orvo", "число столбцов таблиц"));
         } else if (is(m_xml, "connection")) {
-            limit(++m_connections, m_limits.connections, "число связей");
+            limit(++m_connections, m_limits.connections, QT_TRANSLATE_NOOP("orvo", "число связей"));
         } else if (is(m_xml, "customwidget")) {
             m_custom.clear();
         }
         for (const QXmlStreamAttribute& attribute : m_xml.attributes())
-            limit(attribute.value().size(), m_limits.attribute, "длина атрибута");
+            limit(attribute.value().size(), m_limits.attribute,
+                  QT_TRANSLATE_NOOP("orvo", "длина атрибута"));
     }
 
     void text() {
         m_texts += m_xml.text().size();
-        limit(m_texts, m_limits.texts, "объём текста");
+        limit(m_texts, m_limits.texts, QT_TRANSLATE_NOOP("orvo", "объём текста"));
         const int depth = m_path.size();
         if (depth >= 2 && m_path[depth - 2] == QLatin1String("customwidget"))
             m_custom[m_path.last()] += m_xml.text().toString();
@@ -162,7 +165,7 @@ private:
         constexpr int most = 3;
         if (m_notes.contains(text) || m_notes.size() > most)
             return;
-        m_notes << (m_notes.size() < most ? text : QStringLiteral("и другое"));
+        m_notes << (m_notes.size() < most ? text : Text::tr("и другое"));
     }
 
     void begin() {
@@ -181,7 +184,7 @@ private:
         for (const char* place : {"row", "column", "rowspan", "colspan"}) {
             const QString name = QLatin1String(place);
             if (attributes.hasAttribute(name) && !isLine(attributes.value(name).toInt())) {
-                note(QStringLiteral("место в сетке за пределом %1").arg(m_limits.lines));
+                note(Text::tr("место в сетке за пределом %1").arg(m_limits.lines));
                 attributes = with(attributes, name, QString::number(m_limits.lines - 1));
             }
         }
@@ -213,7 +216,7 @@ private:
     void property() {
         Node node;
         if (!readNode(m_xml, &node)) {
-            note(QStringLiteral("слишком сложное свойство"));
+            note(Text::tr("слишком сложное свойство"));
             return;
         }
         if (m_judge.accept(&node, m_classes.isEmpty() ? QString() : m_classes.last()))
@@ -227,7 +230,7 @@ private:
         const QString slot = node.child(QStringLiteral("slot")).text.trimmed();
         for (const char* destroyer : {"deleteLater", "close", "destroyed"})
             if (slot.startsWith(QLatin1String(destroyer)))
-                return note(QStringLiteral("связь со слотом «%1»").arg(slot.left(40)));
+                return note(Text::tr("связь со слотом «%1»").arg(slot.left(40)));
         writeNode(m_out, node);
     }
 
@@ -240,7 +243,7 @@ private:
             name = m_bases.value(name);
         if (own.contains(name))
             return name;
-        note(QStringLiteral("виджет неизвестного класса «%1»").arg(asked.left(60)));
+        note(Text::tr("виджет неизвестного класса «%1»").arg(asked.left(60)));
         return QStringLiteral("QWidget");
     }
 
@@ -271,7 +274,7 @@ FilteredForm filterForm(const QByteArray& bytes,
                         const FormLimits& limits) {
     FilteredForm result;
     if (bytes.size() > limits.bytes) {
-        result.refusal = QStringLiteral("форма больше %1 МиБ").arg(limits.bytes >> 20);
+        result.refusal = Text::tr("форма больше %1 МиБ").arg(limits.bytes >> 20);
         return result;
     }
     const Survey survey = Counter(bytes, limits).run();

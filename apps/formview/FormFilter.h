@@ -27,11 +27,11 @@ namespace orvo::formview {
 struct FormLimits {
     int bytes = 4 << 20;
     int xmlDepth = 200;
-    int elements = 200'000;
+    int elements = 200000;
     int widgets = 5000;
     int widgetDepth = 40;
-    int items = 20'000; ///< of lists, trees, tables and layouts
-    int lines = 1000;   ///< rows and columns of a table or a grid, each
+    int items = 20000; ///< of lists, trees, tables and layouts
+    int lines = 1000;  ///< rows and columns of a table or a grid, each
     int connections = 500;
     int attribute = 1024; ///< characters
     int text = 1 << 16;   ///< characters of one text; longer ones are cut

@@ -1,5 +1,7 @@
 #include "apps/formview/FormProperty.h"
 
+#include "frame/Text.h"
+
 #include <QRegularExpression>
 #include <QTextDocument>
 #include <QXmlStreamReader>
@@ -75,7 +77,7 @@ bool PropertyJudge::accept(Node* property, const QString& widgetClass) const {
     const QString name = property->attributes.value(QStringLiteral("name")).toString();
     // They open what a text names: files, and addresses in other programs.
     if (isOneOf(name, {"source", "searchPaths", "openLinks", "openExternalLinks"})) {
-        m_note(QStringLiteral("свойство «%1»").arg(name));
+        m_note(Text::tr("свойство «%1»").arg(name));
         return false;
     }
     for (Node& value : property->children)
@@ -91,18 +93,18 @@ bool PropertyJudge::acceptValue(Node* node, const QString& property,
                      "activeoff", "activeon", "selectedoff", "selectedon", "texture"});
     const QString file = node->text.trimmed();
     if (isPicture && !file.isEmpty() && !m_isPicture(file)) {
-        m_note(QStringLiteral("рисунок «%1»: его нет среди файлов формы, или он велик")
-                   .arg(file.left(80)));
+        m_note(
+            Text::tr("рисунок «%1»: его нет среди файлов формы, или он велик").arg(file.left(80)));
         return false;
     }
     if (node->name == QLatin1String("url")) {
-        m_note(QStringLiteral("адрес в свойстве «%1»").arg(property));
+        m_note(Text::tr("адрес в свойстве «%1»").arg(property));
         return false;
     }
     if (isOneOf(node->name, {"string", "cstring"}) && !acceptText(&node->text, property))
         return false;
     if (!isReasonable(*node, property, widgetClass)) {
-        m_note(QStringLiteral("чрезмерное значение свойства «%1»").arg(property));
+        m_note(Text::tr("чрезмерное значение свойства «%1»").arg(property));
         return false;
     }
     return std::all_of(node->children.begin(), node->children.end(),
@@ -113,14 +115,14 @@ bool PropertyJudge::acceptText(QString* text, const QString& property) const {
     if (text->size() > m_limits.text) {
         text->truncate(m_limits.text);
         *text += QChar(0x2026);
-        m_note(QStringLiteral("конец длинного текста"));
+        m_note(Text::tr("конец длинного текста"));
     }
     if (property == QLatin1String("styleSheet")) {
         static const QRegularExpression suspicious(
             QStringLiteral("\\\\|@import|(?<![#\\d])\\d{6,}"));
         if (text->contains(suspicious) || !refersToStoredOnly(*text)) {
-            m_note(QStringLiteral("таблица стилей, которая ссылается на другие файлы или "
-                                  "чрезмерна"));
+            m_note(Text::tr("таблица стилей, которая ссылается на другие файлы или "
+                            "чрезмерна"));
             return false;
         }
         return true;
@@ -133,7 +135,7 @@ bool PropertyJudge::acceptText(QString* text, const QString& property) const {
         QRegularExpression::CaseInsensitiveOption);
     if (text->contains(suspicious) || !refersToStoredOnly(*text)) {
         *text = text->toHtmlEscaped();
-        m_note(QStringLiteral("разметка текста, которая ссылается на другие файлы или чрезмерна"));
+        m_note(Text::tr("разметка текста, которая ссылается на другие файлы или чрезмерна"));
     }
     return true;
 }
@@ -175,10 +177,10 @@ bool PropertyJudge::isReasonable(const Node& node, const QString& property,
     const bool isRange = isOneOf(property, {"minimum", "maximum", "value", "sliderPosition"});
     // A tick is painted for each value.
     if (isRange && isOneOf(widgetClass, {"QSlider", "QDial"}))
-        return number <= 100'000;
+        return number <= 100000;
     if (isRange || isOneOf(property, {"singleStep", "pageStep", "maxLength", "intValue"}))
         return true;
-    return std::isfinite(number) && number <= 1'000'000;
+    return std::isfinite(number) && number <= 1000000;
 }
 
 } // namespace orvo::formview

@@ -1,5 +1,7 @@
 #include "apps/formview/PdfView.h"
 
+#include "frame/Text.h"
+
 #include <QPainter>
 #include <QScrollBar>
 #include <QWheelEvent>
@@ -17,9 +19,9 @@ namespace orvo::formview {
 
 namespace {
 
-constexpr int gap = 8;                 // between pages
-constexpr int mostPages = 5000;        // more take too long to measure
-constexpr int mostPixels = 16'000'000; // of a page; a larger one is drawn coarser
+constexpr int gap = 8;               // between pages
+constexpr int mostPages = 5000;      // more take too long to measure
+constexpr int mostPixels = 16000000; // of a page; a larger one is drawn coarser
 constexpr qreal pointsPerInch = 72;
 
 } // namespace
@@ -41,11 +43,11 @@ bool PdfView::open(const QByteArray& bytes, QString* error) {
     Poppler::setDebugErrorFunction([](const QString&, const QVariant&) {}, {});
     m_document = std::unique_ptr<Poppler::Document>(Poppler::Document::loadFromData(bytes));
     if (!m_document) {
-        *error = QStringLiteral("это не PDF");
+        *error = Text::tr("это не PDF");
         return false;
     }
     if (m_document->isLocked()) {
-        *error = QStringLiteral("PDF закрыт паролем");
+        *error = Text::tr("PDF закрыт паролем");
         return false;
     }
     m_document->setRenderHint(Poppler::Document::Antialiasing);
@@ -59,7 +61,7 @@ bool PdfView::open(const QByteArray& bytes, QString* error) {
         m_pages.push_back({isSound ? size : QSizeF(595, 842), {}});
     }
     if (m_pages.empty())
-        *error = QStringLiteral("в PDF нет страниц");
+        *error = Text::tr("в PDF нет страниц");
     return !m_pages.empty();
 }
 
@@ -80,8 +82,8 @@ void PdfView::arrange() {
         const qreal height = std::min(page.size.height() * width / page.size.width(), 1e5);
         page.place = QRect(gap, top, width, std::max(1, static_cast<int>(height)));
         top = page.place.bottom() + 1 + gap;
-        if (top > 1'000'000'000)
-            top = 1'000'000'000; // a number of pixels; nobody scrolls so far
+        if (top > 1000000000)
+            top = 1000000000; // a number of pixels; nobody scrolls so far
     }
     vertical.setPageStep(viewport()->height());
     vertical.setSingleStep(40);

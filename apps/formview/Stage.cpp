@@ -6,13 +6,11 @@
 #include <QBackingStore>
 #include <QClipboard>
 #include <QKeyEvent>
-#include <QLibraryInfo>
 #include <QLocale>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScreen>
 #include <QStyleFactory>
-#include <QTranslator>
 #include <QVBoxLayout>
 #include <QWheelEvent>
 #include <QWindow>
@@ -135,11 +133,9 @@ void Stage::take(Message message, const QByteArray& body) {
 }
 
 void Stage::show(const Document& document) {
-    QLocale::setDefault(QLocale(document.locale));
-    auto* translator = new QTranslator(qApp); // owned by the application
-    if (translator->load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"),
-                         QLibraryInfo::location(QLibraryInfo::TranslationsPath)))
-        QApplication::installTranslator(translator);
+    const QLocale locale(document.locale);
+    m_speaker.emplace(language::codeOf(locale));
+    QLocale::setDefault(locale);
     if (QStyle* style = QStyleFactory::create(document.style))
         QApplication::setStyle(style);
     QApplication::setPalette(document.palette);

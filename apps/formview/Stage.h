@@ -7,6 +7,7 @@
 #define ORVO_APPS_FORMVIEW_STAGE_H
 
 #include "apps/formview/Channel.h"
+#include "apps/language/Language.h"
 
 #include <QElapsedTimer>
 #include <QImage>
@@ -14,6 +15,7 @@
 #include <QWidget>
 
 #include <memory>
+#include <optional>
 
 namespace orvo::formview {
 
@@ -39,10 +41,11 @@ private:
     QImage compose() const;
 
     Channel& m_channel;
-    std::unique_ptr<QWidget> m_window; ///< null before show
-    QElapsedTimer m_clock;             ///< tells double clicks
-    QTimer m_frame;                    ///< several paints are one frame
-    QImage m_sent;                     ///< what the client shows
+    std::optional<language::Speaker> m_speaker; ///< none before show
+    std::unique_ptr<QWidget> m_window;          ///< null before show
+    QElapsedTimer m_clock;                      ///< tells double clicks
+    QTimer m_frame;                             ///< several paints are one frame
+    QImage m_sent;                              ///< what the client shows
     int m_cursor = -1;
 };
 
