@@ -53,7 +53,9 @@ void lookAtResourceOf(const Scene& scene, const Record& element, Findings& findi
 void lookAtIcon(const Scene& scene, const Record& record, int field, Findings& findings) {
     const Fields& f = fields();
     const std::string name = record.text(field);
-    bool found = name.empty();
+    if (name.empty())
+        return;
+    bool found = false;
     scene.records.forEachWith(
         table::MenuResource, field::name_, name, [&](const Record& file, int) {
             found = file.integer(f.resource.kind) == Kind::File &&

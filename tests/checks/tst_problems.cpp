@@ -78,6 +78,7 @@ private slots:
     void theFirstOfTwoNamesakesHasTheRight();
     void anIconIsMissedWhenItsFileGoes();
     void theIconOfAResourceIsMissedToo();
+    void aResourceWithoutANameMakesNoIconMissed();
     void manyInOnePlaceOfTheOrderAreFollowed();
     void contentsAreFollowed();
     void aCureOutdatedByAnotherWriteIsRefused();
@@ -225,6 +226,15 @@ void TestProblems::anIconIsMissedWhenItsFileGoes() {
     QCOMPARE(watch.look(), QStringList("Menu E no-icon a.png"));
     ORVO_OK(watch.cure());
     QCOMPARE(watch.look(), QStringList());
+}
+
+void TestProblems::aResourceWithoutANameMakesNoIconMissed() {
+    fill();
+    Watch watch(*m_store);
+    ORVO_OK(Batch("MenuResource").update("R", {{"name_", ""}}).send(*m_store));
+    watch.look();
+    ORVO_OK(Batch("MenuResource").update("S", {{"caption", "S1"}}).send(*m_store));
+    QCOMPARE(watch.look().filter("no-icon"), QStringList());
 }
 
 void TestProblems::theIconOfAResourceIsMissedToo() {
