@@ -225,7 +225,7 @@ QString OrvoResources::describe(const QModelIndex& row) const {
         if (orvo::resources::isFolder(row))
             return tr("папка");
         const orvo::ResourceKind* kind = orvo::resourceKind(orvo::resources::kindOf(row));
-        return kind ? tr(kind->one) : tr("ресурс");
+        return kind ? orvo::Text::tr(kind->one) : tr("ресурс");
     };
     const QString text = word() + orvo::Text::tr(" «%1»").arg(caption.isEmpty() ? name : caption);
     return name.isEmpty() || caption.isEmpty() || orvo::sameText(name, caption)
