@@ -262,6 +262,10 @@ GroupWords describe(const Group& group, RecordSource& source) {
         const std::vector<const LoggedChange*> ones = mainOnes(all);
         const std::vector<LoggedChange> moved = cutAsMoves(ones, source);
         words.place = sharedPlace(moved.empty() ? ones : pointersTo(moved), source);
+        if (!ones.empty()) {
+            const store::Change& first = *(moved.empty() ? *ones.front() : moved.front()).change;
+            words.first = {first.table, first.key};
+        }
     }
     if (group.redoes)
         words.what = Text::tr("Повтор: ") + words.what.left(1).toLower() + words.what.mid(1);

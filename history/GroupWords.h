@@ -25,6 +25,8 @@ struct ChangeWords {
 struct GroupWords {
     QString what; ///< "Перемещены 4 элемента меню из «Агрегаты» в «Крановая обвязка»"
     QString place; ///< where the records stand that it is about (SharedPlace.h)
+    /// Table and key of the first of these; empty where the group was counted.
+    std::pair<std::string, std::string> first;
 };
 
 /// The group in one line; of one that takes others back what was taken back: "Отменено удаление:

@@ -517,6 +517,18 @@ private slots:
         QTRY_VERIFY(fixture.failure().contains("строки больше нет"));
     }
 
+    void showGoesToTheRowThatTheLineNames() {
+        Fixture fixture;
+        // Moved to the top by an engineer: its new neighbour, written first, gives way.
+        fixture.writes(MDX_UPDATE, {{{"KeyLink", "d"}, {"order_", "3000"}},
+                                    {{"KeyLink", "c"}, {"parent", ""}, {"order_", "2000"}}});
+        fixture.open();
+        QTRY_VERIFY(fixture.find("Перемещён элемент меню «в»") >= 0);
+        fixture.choose("Перемещён элемент меню «в»");
+        fixture.press("historyShow");
+        QTRY_COMPARE(fixture.view("tvMenu")->currentIndex().data().toString(), QString("в"));
+    }
+
     /// The pane stands beside the editors and takes input while one of them asks.
     void showLeavesTheRowOfAQuestionCurrent_data() {
         QTest::addColumn<bool>("askedMeanwhile");

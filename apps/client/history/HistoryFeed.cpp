@@ -63,9 +63,9 @@ struct Scope {
 };
 
 /// The record that the action is shown for: the one that the filter names, one in its branch, or
-/// the first.
-HistoryRecord recordOf(const history::Group& group, const Scope& scope,
-                       history::RecordSource& source) {
+/// the first of those that its line is about.
+HistoryRecord recordOf(const history::Group& group, const history::GroupWords& words,
+                       const Scope& scope, history::RecordSource& source) {
     const history::Filter& filter = scope.filter;
     store::Change named; // whatever it did to that record
     if (!filter.key.empty() && history::tableOf(filter.table)) {
@@ -73,8 +73,11 @@ HistoryRecord recordOf(const history::Group& group, const Scope& scope,
         named.key = filter.key;
         return recordOf(named, source); // each action that passes has to do with it
     }
+    const bool isNamed = !filter.branch && !words.first.second.empty();
     HistoryRecord first, inside;
     for (const store::Change& change : group.changes) {
+        if (isNamed && words.first != std::pair{change.table, change.key})
+            continue;
         HistoryRecord record = recordOf(change, source);
         if (record.key.empty())
             continue;
@@ -108,7 +111,7 @@ HistoryAction actionOf(const history::Group& group, const Scope& scope,
     const history::GroupWords words = history::describe(group, source);
     action.what = words.what;
     action.place = words.place;
-    action.record = recordOf(group, scope, source);
+    action.record = recordOf(group, words, scope, source);
     if (group.changes.size() == 1 && group.changes.front().code == OrvoEventUpdate) {
         const auto fields = history::describe(group.changes.front(), source).fields;
         if (fields.size() == 1) {
