@@ -3,6 +3,7 @@
 #include "frame/Vocabulary.h"
 #include "history/Cuts.h"
 #include "history/LoggedChange.h"
+#include "history/RecordWords.h"
 #include "history/ResourceContents.h"
 #include "platform/mdx/MdxBuild.h"
 #include "platform/store/ChangeRecord.h"
@@ -143,8 +144,23 @@ store::Status isFollower(store::MaintainedStore& store, const Group& group,
 } // namespace
 
 bool changesNothing(const store::Change& change) {
-    return change.code == OrvoEventUpdate && change.after == change.before &&
-           change.table != store::contentTable().name;
+    if (change.code != OrvoEventUpdate || change.table == store::contentTable().name)
+        return false;
+    if (change.after == change.before)
+        return true;
+    const store::TableDef* table = tableOf(change.table);
+    if (!table)
+        return false;
+    // An editor may write an empty text where there was none, which nobody sees.
+    const Values after = store::valuesFromJson(*table, change.after);
+    const Values before = store::valuesFromJson(*table, change.before);
+    const auto isIn = [](const Values& values, const Values& others) {
+        return std::all_of(values.begin(), values.end(), [&](const auto& one) {
+            const auto other = others.find(one.first);
+            return readAlike(one.second, other == others.end() ? store::Value() : other->second);
+        });
+    };
+    return !(after.empty() && before.empty()) && isIn(after, before) && isIn(before, after);
 }
 
 store::Status countGroup(store::MaintainedStore& store, Group* group) {

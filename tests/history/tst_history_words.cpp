@@ -716,6 +716,16 @@ void TestHistoryWords::whatChangedNothingIsNotTold() {
     const size_t before = linesOf({}).size();
     ORVO_OK(Batch("MenuResourceFolder").update("forms", {{"type_", 3}}).send(*m_anna));
     QVERIFY(linesOf({}).size() == before);
+    // Editors write an empty text over none, and nobody sees a change.
+    ORVO_OK(Batch("MenuFolder").insert("desk9", {{"caption", "Стол"}}).send(*m_anna));
+    ORVO_OK(Batch("Menu").insert("e9", {{"caption", "Э"}, {"FolderKey", "desk9"}}).send(*m_anna));
+    const size_t shown = linesOf({}).size();
+    ORVO_OK(Batch("Menu").update("e9", {{"params", ""}, {"ico", ""}}).send(*m_anna));
+    QVERIFY(linesOf({}).size() == shown);
+    ORVO_OK(Batch("Menu").update("e9", {{"params", "а=1"}}).send(*m_anna));
+    QVERIFY(linesOf({}).size() == shown + 1);
+    ORVO_OK(Batch("MenuFolder").remove("desk9").send(*m_anna));
+    ORVO_OK(m_anna->formPut("", {{"", "щит.ui", "third", {}}}));
     // Nor does the echo of the form hide what became of its content.
     Inverse done;
     Reader reader(*m_anna, {});
