@@ -215,6 +215,7 @@ private:
     store::Status moveBranches();
     /// Of these names those that no icon will have.
     store::Status withoutIcon(std::set<std::string>* names);
+    /// Forms that another user has taken into work stay.
     store::Status deleteBelow(const store::TableDef& table, const std::vector<std::string>& keys);
     /// The plan's record, read from the store.
     store::Status planStored(const store::TableDef& table, const std::vector<std::string>& keys,

@@ -72,7 +72,14 @@ store::Status Planning::deleteBelow(const store::TableDef& table,
                                     const std::vector<std::string>& keys) {
     std::vector<Record*> records;
     store::Status status = planStored(table, keys, &records);
+    const bool areForms = is(table.name, table::MenuResource);
+    if (status.ok() && areForms)
+        status = heldByOthers(m_store, keys, &m_locked);
     for (Record* record : records) {
+        if (areForms && remarkLocked(store::foldedKey(record->key), Remark::Locked)) {
+            m_kept.insert(record);
+            continue;
+        }
         record->flag = MDX_DELETE;
         record->values = {};
     }
@@ -178,7 +185,7 @@ store::Status Planning::lookBelow(const store::TableDef& table, const Link& link
             followers.push_back({child, &record, origin});
             continue;
         }
-        if (m_choices.othersWorkToo && !stays) {
+        if (m_choices.othersWorkToo && !stays && m_kept.count(planned) == 0) {
             if (link.places)
                 deeper.push_back(child);
             continue;
@@ -275,7 +282,7 @@ store::Status Planning::keepFolders(bool* changed) {
         if (!status.ok() || since == placing.end() || record.values.count(resource) == 0)
             continue;
         *changed = true;
-        if (m_choices.othersWorkToo) {
+        if (m_choices.othersWorkToo && m_kept.count(this->planned(elements, child)) == 0) {
             deleted.push_back(child);
             continue;
         }

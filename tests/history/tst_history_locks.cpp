@@ -36,6 +36,7 @@ private slots:
     void theLockOfAUserWhoIsGoneDoesNotHinder();
     void aFolderWithAFormThatAnotherHoldsStays();
     void soItDoesIfTheLockIsTakenBackToo();
+    void nobodysWorkTakesAFormAlongThatAnotherHolds();
     void aLockThatIsTakenMeanwhileOutdatesThePlan();
     void aUserWhoGoesHoldsNoForm();
     void aLockIsNoStepOfUndo();
@@ -207,6 +208,35 @@ void TestHistoryLocks::soItDoesIfTheLockIsTakenBackToo() {
     Inverse done;
     ORVO_OK(undo(*m_anna, {folder, upload, last(*m_boris)}, choices, &done));
     QVERIFY(remarks(done).join('\n').contains("форма «b_»: занята (Boris"));
+    QCOMPARE(snapshot(), before);
+}
+
+void TestHistoryLocks::nobodysWorkTakesAFormAlongThatAnotherHolds() {
+    const auto folder = [&](const char* key, const char* parent) {
+        ORVO_OK(Batch("MenuResourceFolder")
+                    .insert(key, {{"type_", 3}, {"caption", key}, {"ParentKey", parent}})
+                    .send(*m_anna));
+    };
+    folder("f", "forms");
+    const int64_t made = last(*m_anna);
+    folder("g", "f");
+    ORVO_OK(m_anna->formPut("f", {{"", "b_", "its", 2.0}}));
+    ORVO_OK(m_anna->formPut("f/g", {{"", "c_", "its", 2.0}}));
+    ORVO_OK(change(*m_boris, {{"MenuResourceFolderKey", "g"}}));
+    ORVO_OK(lock(*m_boris, "ub"));
+    const QStringList before = snapshot();
+    Choices choices;
+    choices.othersWorkToo = true;
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {made}, choices, &done));
+    QVERIFY(done.written);
+    QCOMPARE(remarks(done).size(), 1);
+    QVERIFY2(remarks(done).front().startsWith("Оставлено как есть: форма «a_»: занята (Boris, "),
+             qPrintable(remarks(done).front()));
+    QCOMPARE(snapshot().filter("\"a_\"").filter("|\"ub\"|").size(), 1);
+    QCOMPARE(snapshot().filter("MenuResourceFolder|"), before.filter("MenuResourceFolder|"));
+    QCOMPARE(snapshot().filter("\"b_\"") + snapshot().filter("\"c_\""), QStringList());
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
     QCOMPARE(snapshot(), before);
 }
 
