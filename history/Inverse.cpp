@@ -238,6 +238,12 @@ QString remarkWords(const Remark& remark, RecordSource& source, const PersonName
             return Text::tr("Оставлено как есть: %1, поле «%2»: внутри стоит другое (%3)")
                 .arg(record, fieldWord(table, remark.field), who);
         return Text::tr("Не удалено: %1: на этом построено другое (%2)").arg(record, who);
+    case Remark::StillNamed: {
+        const store::TableDef& elements = *store::findTable(table::Menu);
+        return Text::tr("Не удалено: %1: на это ссылается %2")
+            .arg(record,
+                 recordWords(elements, source.valuesOf(elements, remark.missing), remark.missing));
+    }
     case Remark::CutChanged:
         return Text::tr("Не перенесено назад: %1 и всё, что перемещено вместе с ним: с тех "
                         "пор изменено (%2)")

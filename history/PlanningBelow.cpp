@@ -173,6 +173,7 @@ store::Status Planning::lookBelow(const store::TableDef& table, const Link& link
     std::vector<std::string> deeper;
     std::vector<Follower> followers;
     std::vector<std::pair<Record*, std::string>> kept; // with the child that keeps it
+    const bool deletes = m_choices.othersWorkToo && link.places;
     for (const auto& [child, named] : children) {
         Record& record = m_records[&table].at(store::foldedKey(named));
         const Record* const planned = this->planned(*link.below, store::foldedKey(child));
@@ -185,9 +186,8 @@ store::Status Planning::lookBelow(const store::TableDef& table, const Link& link
             followers.push_back({child, &record, origin});
             continue;
         }
-        if (m_choices.othersWorkToo && !stays && m_kept.count(planned) == 0) {
-            if (link.places)
-                deeper.push_back(child);
+        if (deletes && !stays && m_kept.count(planned) == 0) {
+            deeper.push_back(child);
             continue;
         }
         if (m_alone) { // it was without that record before; if somebody had deleted it, knowingly
@@ -196,8 +196,12 @@ store::Status Planning::lookBelow(const store::TableDef& table, const Link& link
             if (!status.ok() || deletion)
                 continue;
         }
-        if (m_kept.count(planned) == 0)
+        if (m_choices.othersWorkToo && !link.places) {
+            remark(Remark::StillNamed, table, record, link.field);
+            m_inverse.remarks.back().missing = child;
+        } else if (m_kept.count(planned) == 0) {
             kept.emplace_back(&record, child);
+        }
         record.flag = 0;
         m_kept.insert(&record);
         *changed = true;
@@ -327,15 +331,23 @@ store::Status Planning::keepWhatIsBuiltOn(bool* changed) {
                     deleted[table].push_back(record.key);
                 }
             }
-        for (const auto& [table, keys] : deleted)
-            for (const Link& link : linksTo(*table))
-                if (store::Status status = lookBelow(*table, link, keys, &again); !status.ok())
-                    return status;
-        store::Status moved = moveBranches();
-        if (moved.ok())
-            moved = keepFolders(&again);
-        if (!moved.ok())
-            return moved;
+        const auto look = [&](bool placing) {
+            store::Status status;
+            for (const auto& [table, keys] : deleted)
+                for (const Link& link : linksTo(*table))
+                    if (status.ok() && link.places == placing)
+                        status = lookBelow(*table, link, keys, &again);
+            return status;
+        };
+        store::Status status = look(true);
+        if (status.ok())
+            status = moveBranches();
+        if (status.ok())
+            status = keepFolders(&again);
+        if (status.ok() && !again) // what names a resource may go as well
+            status = look(false);
+        if (!status.ok())
+            return status;
         if (again || m_cutFrom.empty())
             continue;
         keepCutsWhole(&again);

@@ -26,6 +26,7 @@ private slots:
     void theTopFoldersStay();
     void anIconWhoseFileIsGoneIsTold();
     void whatWentAlongToADesktopComesBackFromIt();
+    void whatElementsStillOpenStays();
 
 private:
     QString told(const Inverse& inverse) const { return remarks(inverse).join('\n'); }
@@ -207,6 +208,42 @@ void TestHistoryPlaces::whatWentAlongToADesktopComesBackFromIt() {
     ORVO_OK(undo(*m_boris, {move}, {}, &done));
     QCOMPARE(told(done), QString());
     QCOMPARE(snapshot(), before);
+}
+
+void TestHistoryPlaces::whatElementsStillOpenStays() {
+    ORVO_OK(Batch("MenuResource").insert("r", {{"type_", 1}, {"name_", "r"}}).send(*m_anna));
+    const int64_t made = last(*m_anna);
+    ORVO_OK(Batch("Menu").update("c", {{"MenuResourceKey", "R"}}).send(*m_boris));
+    QStringList before = snapshot();
+    Choices choices;
+    choices.othersWorkToo = true;
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {made}, choices, &done));
+    QVERIFY(!done.written);
+    isTold(done, "^Не удалено: [^\n]* «r»: на это ссылается элемент меню «В»$");
+    QCOMPARE(snapshot(), before);
+
+    // What is only moved into what goes, and is older.
+    ORVO_OK(Batch("Menu").update("a", {{"MenuResourceKey", "n"}}).send(*m_anna));
+    ORVO_OK(Batch("MenuResourceFolder").insert("g", {{"type_", 1}}).send(*m_anna));
+    const int64_t folder = last(*m_anna);
+    for (const char* key : {"m", "n"})
+        ORVO_OK(Batch("MenuResource").update(key, {{"MenuResourceFolderKey", "g"}}).send(*m_boris));
+    ORVO_OK(undo(*m_anna, {folder}, choices, &done));
+    isTold(done, "^Не удалено: [^\n]* «n»: на это ссылается элемент меню «А»$");
+    QCOMPARE(snapshot().filter("MenuResource|\"m\"").size(), 0);
+    QCOMPARE(snapshot().filter("\"g\"").size(), 2); // the folder, and what is in it
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+
+    // Elements that go as well need nothing.
+    ORVO_OK(Batch("Menu").update("c", {{"MenuResourceKey", ""}}).send(*m_boris));
+    ORVO_OK(Batch("MenuFolder").insert("d2", {{"caption", "Стол 2"}}).send(*m_anna));
+    const int64_t desktop = last(*m_anna);
+    ORVO_OK(
+        Batch("Menu").insert("e", {{"FolderKey", "d2"}, {"MenuResourceKey", "r"}}).send(*m_boris));
+    ORVO_OK(undo(*m_anna, {made, desktop}, choices, &done));
+    QCOMPARE(told(done), QString());
+    QCOMPARE(snapshot().filter("\"r\"") + snapshot().filter("\"d2\""), QStringList());
 }
 
 int main(int argc, char** argv) {
