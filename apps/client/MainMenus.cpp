@@ -139,7 +139,7 @@ void MainWindow::makePlaceCommands() {
 void MainWindow::makeGoMenu() {
     m_go = menuBar()->addMenu(Text::tr("П&ереход"));
     connect(addCommand(keys::menuBar, m_go), &QAction::triggered, this, [this] {
-        menuBar()->setFocus(Qt::MenuBarFocusReason);
+        // The bar takes the focus itself once the menu is left, and gives back what it has taken.
         menuBar()->setActiveAction(menuBar()->actions().first());
     });
     connect(addCommand(keys::nextPane, m_go, true), &QAction::triggered, this,

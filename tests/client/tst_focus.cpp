@@ -272,6 +272,30 @@ private slots:
         QTRY_COMPARE(QApplication::focusWidget(), menu);
     }
 
+    void theMenuBarLeavesTheFocusWhereItIs() {
+        Fixture fixture;
+        QVERIFY(fixture.show("Menu"));
+        QTreeView* menu = fixture.tree("Menu", "tvMenu");
+        menu->setFocus();
+        QTest::keyClick(menu, Qt::Key_F10);
+        auto* open = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        QVERIFY(open);
+        QCOMPARE(fixture.client->window()->focusWidget(), menu);
+        auto* stay = fixture.child<QAction>("actStay");
+        while (open && !open->actions().contains(stay)) {
+            QTest::keyClick(open, Qt::Key_Right);
+            open = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        }
+        QVERIFY(open);
+        const bool wasOn = stay->isChecked();
+        open->setActiveAction(stay);
+        QTest::keyClick(open, Qt::Key_Return);
+        QVERIFY(stay->isChecked() != wasOn);
+        stay->setChecked(wasOn);
+        QVERIFY(!QApplication::activePopupWidget());
+        QCOMPARE(fixture.client->window()->focusWidget(), menu);
+    }
+
     void escLeavesTheFieldByWhichAListIsSearched_data() {
         QTest::addColumn<QString>("list");
         QTest::addColumn<int>("opens");
