@@ -208,7 +208,7 @@ void Client::openForOperators() {
     m_workplace = std::make_unique<Workplace>(
         Workplace::Context{store, m_libraries, m_app, m_modules, *m_window, m_memory.get()});
     connect(m_workplace.get(), &Workplace::problem, this, &Client::fail);
-    connect(&m_app, &HostApp::previewRequested, m_workplace.get(), &Workplace::openPreview);
+    connect(&m_app, &HostApp::previewRequested, m_workplace.get(), &Workplace::togglePreview);
     connect(&m_app, &HostApp::previewEdited, m_workplace.get(), &Workplace::followPreview);
     connect(&m_lookForStore, &QTimer::timeout, this, &Client::lookForStore);
 }

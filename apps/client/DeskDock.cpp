@@ -1,7 +1,12 @@
 #include "apps/client/DeskDock.h"
 
+#include "frame/Keys.h"
+
 #include <QCloseEvent>
+#include <QKeyEvent>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace orvo::app {
 
@@ -42,6 +47,26 @@ QDockWidget* DeskDock::of(const QWidget* desk) {
     while (above && !qobject_cast<QDockWidget*>(above))
         above = above->parentWidget();
     return qobject_cast<QDockWidget*>(above);
+}
+
+void DeskDock::closeBy(std::initializer_list<const char*> commands) {
+    for (const char* command : commands)
+        m_closing.push_back(keys::command(QLatin1String(command)));
+}
+
+/// What a part of the pane has no use for comes here, before the window's own shortcuts are asked.
+bool DeskDock::event(QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride || event->type() == QEvent::KeyPress) {
+        const auto& key = *static_cast<QKeyEvent*>(event);
+        if (std::any_of(m_closing.begin(), m_closing.end(),
+                        [&key](const keys::Command* one) { return keys::matches(key, *one); })) {
+            event->accept();
+            if (event->type() == QEvent::KeyPress)
+                close();
+            return true;
+        }
+    }
+    return QDockWidget::event(event);
 }
 
 void DeskDock::closeEvent(QCloseEvent* event) {

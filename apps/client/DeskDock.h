@@ -5,6 +5,12 @@
 #include <QDockWidget>
 
 #include <functional>
+#include <initializer_list>
+#include <vector>
+
+namespace orvo::keys {
+struct Command;
+}
 
 namespace orvo::app {
 
@@ -16,14 +22,19 @@ public:
 
     /// For an operator: it has no title and cannot be closed or moved.
     void fix();
+    /// The keys of these commands of the list close it while it has the focus, whatever they do in
+    /// the rest of the window.
+    void closeBy(std::initializer_list<const char*> commands);
     /// The pane in which a menu is; null if it is in none.
     static QDockWidget* of(const QWidget* desk);
 
 protected:
+    bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
 private:
     std::function<void()> m_closed;
+    std::vector<const keys::Command*> m_closing;
 };
 
 } // namespace orvo::app

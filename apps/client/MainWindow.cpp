@@ -103,14 +103,22 @@ void MainWindow::markPage(QWidget* page, const QString& why) {
     m_pageDocks->setTitle(page);
 }
 
-QDockWidget* MainWindow::addDesk(COrvoCliMod* desk, Qt::DockWidgetArea area, const QString& name,
-                                 int width) {
+DeskDock* MainWindow::addDesk(COrvoCliMod* desk, Qt::DockWidgetArea area, const QString& name,
+                              int width) {
     constexpr int usualWidth = 340;
     auto* dock = new DeskDock(
-        desk, width > 0 ? width : usualWidth, [this, desk] { emit deskClosed(desk); }, this);
+        desk, width > 0 ? width : usualWidth,
+        [this, desk] {
+            if (desk->isAncestorOf(QApplication::focusWidget()) || desk->hasFocus())
+                focusPage();
+            emit deskClosed(desk);
+        },
+        this);
     dock->setObjectName(name);
     if (m_isWorkplace)
         dock->fix();
+    else // goes with the dock
+        m_view->insertAction(m_logDock->toggleViewAction(), dock->toggleViewAction());
     addDockWidget(area, dock);
     restoreDockWidget(dock);
     dock->show();

@@ -18,6 +18,7 @@ class QMenu;
 
 namespace orvo::app {
 
+class DeskDock;
 class Handbook;
 class LogPane;
 class ModuleTabs;
@@ -49,10 +50,10 @@ public:
     /// What the page shows is no longer as it was; `why` in words.
     void markPage(QWidget* page, const QString& why);
     /// Places the menu of a desktop beside the tabs, at the left or the right; the pane can be
-    /// closed (deskClosed), and goes with the module. It is `width` wide (0: as is usual) if the
-    /// window's own state, as it was restored, does not know the pane.
-    QDockWidget* addDesk(COrvoCliMod* desk, Qt::DockWidgetArea area, const QString& name,
-                         int width = 0);
+    /// closed (deskClosed), by the menu of views too, and goes with the module. It is `width` wide
+    /// (0: as is usual) if the window's own state, as it was restored, does not know the pane.
+    DeskDock* addDesk(COrvoCliMod* desk, Qt::DockWidgetArea area, const QString& name,
+                      int width = 0);
     /// For an operator: no menus and no log, the desktop's menu always there. Before show.
     void becomeWorkplace();
     /// Full screen, without a frame, and it stays until endKiosk.

@@ -5,6 +5,7 @@
 #include "apps/client/MainWindow.h"
 #include "apps/client/ModuleLibraries.h"
 #include "apps/client/WindowMemory.h"
+#include "frame/Keys.h"
 #include "frame/OrvoClient.h"
 #include "frame/Text.h"
 #include "platform/client/ModuleRegistry.h"
@@ -17,6 +18,7 @@ namespace orvo::app {
 namespace {
 
 constexpr char moduleName[] = "Desktop";
+constexpr char previewName[] = "previewDock";
 
 } // namespace
 
@@ -41,8 +43,10 @@ COrvoCliMod* Workplace::makeDesk(const QString& desktop, Qt::DockWidgetArea area
     }
     m_context.modules.add(desk, module);
     desk->SetParamMod(QStringLiteral("desktop"), desktop);
-    m_context.window.addDesk(desk, area, name,
-                             m_context.memory ? m_context.memory->paneWidth(name) : 0);
+    DeskDock* dock = m_context.window.addDesk(
+        desk, area, name, m_context.memory ? m_context.memory->paneWidth(name) : 0);
+    if (name == QLatin1String(previewName))
+        dock->closeBy({keys::preview, keys::closeTab});
     return desk;
 }
 
@@ -73,18 +77,25 @@ void Workplace::open(const QString& name) {
         m_desk->setFocus();
 }
 
-void Workplace::openPreview(PreviewRequest* request) {
+void Workplace::togglePreview(PreviewRequest* request) {
     request->refusal.clear();
+    QDockWidget* dock = DeskDock::of(m_preview);
+    if (dock && m_previewed == request->desktop)
+        dock->close();
+    else if (!openPreview(request->desktop))
+        request->refusal = Text::tr("Показать рабочий стол нечем.");
+}
+
+bool Workplace::openPreview(const QString& desktop) {
     if (m_preview)
         stopDesk(m_preview);
-    m_previewed = request->desktop;
-    m_preview = makeDesk(m_previewed, Qt::RightDockWidgetArea, QStringLiteral("previewDock"));
-    if (!m_preview) {
-        request->refusal = Text::tr("Показать рабочий стол нечем.");
-        return;
-    }
+    m_previewed = desktop;
+    m_preview = makeDesk(desktop, Qt::RightDockWidgetArea, QLatin1String(previewName));
+    if (!m_preview)
+        return false;
     m_preview->SetParamMod(QStringLiteral("preview"), QStringLiteral("1"));
     m_context.modules.start(m_preview); // why not, it has told itself
+    return true;
 }
 
 void Workplace::followPreview(const PreviewEdit& edit) {
@@ -123,8 +134,7 @@ void Workplace::reopen() {
     if (!m_name.isEmpty())
         open(m_name);
     if (!m_previewed.isEmpty()) {
-        PreviewRequest again{m_previewed, {}};
-        openPreview(&again);
+        openPreview(m_previewed);
         // The editor that is to be followed is another now, and has not asked for it.
         for (const auto& module : m_context.modules.modules(client::ModuleState::Running))
             if (module && module != m_preview)

@@ -52,8 +52,8 @@ public:
     void rememberDesk() const;
     void reopen();
     /// Shows a desktop at the right, for the engineer who edits it: with what is not saved yet, and
-    /// with marks at what operators could not open.
-    void openPreview(PreviewRequest* request);
+    /// with marks at what operators could not open. If that one is on show, closes it.
+    void togglePreview(PreviewRequest* request);
     /// The preview, if there is one, follows what the editor shows.
     void followPreview(const PreviewEdit& edit);
     /// Shows a text below the menu, in nobody's way.
@@ -65,6 +65,8 @@ signals:
     void problem(const QString& place, const QString& text);
 
 private:
+    /// False if no module can show a desktop.
+    bool openPreview(const QString& desktop);
     void choose();
     void closed(COrvoCliMod* desk);
     COrvoCliMod* makeDesk(const QString& desktop, Qt::DockWidgetArea area, const QString& name);

@@ -5,6 +5,7 @@
 #include "apps/client/history/HistoryModel.h"
 #include "tests/client/RunningClient.h"
 
+#include <QDockWidget>
 #include <QHeaderView>
 #include <QImage>
 #include <QLineEdit>
@@ -12,6 +13,9 @@
 #include <QScrollBar>
 #include <QTabWidget>
 #include <QToolButton>
+
+#include <algorithm>
+#include <utility>
 
 using namespace orvo;
 using namespace orvo::test;
@@ -294,6 +298,43 @@ private slots:
         stay->setChecked(wasOn);
         QVERIFY(!QApplication::activePopupWidget());
         QCOMPARE(fixture.client->window()->focusWidget(), menu);
+    }
+
+    void thePreviewOpensAndClosesByKeys() {
+        Fixture fixture;
+        QVERIFY(fixture.show("Menu"));
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г"));
+        QTreeView* menu = fixture.tree("Menu", "tvMenu");
+        menu->setFocus();
+        const auto pane = [&] { return fixture.child<QDockWidget>("previewDock"); };
+        const auto open = [&] {
+            QTest::keyClick(menu, Qt::Key_F5);
+            return QTest::qWaitFor([&] { return pane() && pane()->isVisible(); });
+        };
+        QVERIFY(open());
+        const auto isInView = [&] {
+            const QList<QAction*> entries = fixture.client->window()->viewMenu()->actions();
+            return std::any_of(entries.begin(), entries.end(), [](const QAction* entry) {
+                return entry->text().startsWith("Как у оператора") && entry->isChecked();
+            });
+        };
+        QVERIFY(isInView());
+        QTest::keyClick(menu, Qt::Key_F5);
+        QTRY_VERIFY(!pane());
+        QVERIFY(!isInView());
+        QCOMPARE(QApplication::focusWidget(), menu);
+        for (const auto& [key, with] :
+             {std::pair(Qt::Key_F5, Qt::KeyboardModifiers()),
+              std::pair(Qt::Key_W, Qt::KeyboardModifiers(Qt::ControlModifier))}) {
+            QVERIFY(open());
+            auto* list = pane()->findChild<QAbstractItemView*>("deskTree");
+            QVERIFY(list);
+            list->setFocus();
+            QTRY_COMPARE(QApplication::focusWidget(), list);
+            QTest::keyClick(list, key, with);
+            QTRY_VERIFY(!pane());
+            QTRY_COMPARE(QApplication::focusWidget(), menu);
+        }
     }
 
     void escLeavesTheFieldByWhichAListIsSearched_data() {

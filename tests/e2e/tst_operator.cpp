@@ -136,6 +136,8 @@ private slots:
         const int wider = left().tree(menu).rect.width();
         DO(m_scene->clickRow(left(), "tvDesck", secondStation));
         QVERIFY(hands::key("F5"));
+        SOON(left().tree(menu).rows.empty());
+        QVERIFY(hands::key("F5"));
         SOON(left().tree(menu).rect.width() == wider);
     }
 
