@@ -68,7 +68,7 @@ void MainWindow::makeMenus() {
     m_edit = menuBar()->addMenu(Text::tr("&Правка"));
     m_view = menuBar()->addMenu(Text::tr("&Вид"));
     m_view->addAction(m_logDock->toggleViewAction());
-    connect(addCommand(keys::failure, m_view), &QAction::triggered, m_status,
+    connect(addCommand(keys::failure, m_view, true), &QAction::triggered, m_status,
             &StatusLine::readFailure);
     makePlaceCommands();
     m_view->addSeparator();

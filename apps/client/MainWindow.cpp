@@ -129,6 +129,7 @@ void MainWindow::becomeWorkplace() {
     m_isWorkplace = true;
     menuBar()->hide();
     m_logDock->hide();
+    m_status->leaveOutLog();
     setContextMenuPolicy(Qt::NoContextMenu); // which would show the log
     m_tabs->becomeTouchable();
 }

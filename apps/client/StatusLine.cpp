@@ -239,7 +239,8 @@ void StatusLine::setFailure(const QString& text) {
     m_failures = m_failures.mid(0, mostListed);
     m_failure->setToolTip(plainToolTip(
         QTime::currentTime().toString(QStringLiteral("HH:mm:ss")) + QStringLiteral("  ") + text,
-        Text::tr("Щёлкните или F12, чтобы прочесть и убрать. Все сообщения — в журнале.")));
+        m_hasLog ? Text::tr("Щёлкните или F12, чтобы прочесть и убрать. Все сообщения — в журнале.")
+                 : Text::tr("Щёлкните или F12, чтобы прочесть и убрать.")));
     m_failure->show();
     share();
 }

@@ -48,6 +48,8 @@ public:
     /// Shows a failure, which stays until the user clicks it or asks for it by key; later ones are
     /// counted with it. A text that did not fit is shown whole then, and several are listed.
     void setFailure(const QString& text);
+    /// Nobody is sent to the log from here on: the window has none.
+    void leaveOutLog() { m_hasLog = false; }
     /// The failure on show, without the count; empty if none.
     QString failure() const { return m_text; }
     /// What is shown about the connection.
@@ -101,6 +103,7 @@ private:
     QTimer m_doneTime;
     const QString m_store;
     bool m_isUp = true;
+    bool m_hasLog = true;
     bool m_hasErrors = false; ///< among the problems
     QString m_since;          ///< time of the loss; empty: connected
     QString m_text;

@@ -7445,6 +7445,10 @@ place in the store, and for deleting what others that stay refer to.</translatio
         <source>Оставлено как есть: %1, поле «%2»: внутри стоит другое (%3)</source>
         <translation>Left as is: %1, field “%2”: something else stands inside (%3)</translation>
     </message>
+    <message>
+        <source>Щёлкните или F12, чтобы прочесть и убрать.</source>
+        <translation>Click or press F12 to read and dismiss it.</translation>
+    </message>
 </context>
 <context>
     <name>orvo::AddButton</name>

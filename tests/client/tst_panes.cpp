@@ -199,6 +199,22 @@ private slots:
         QVERIFY(!whole()->isVisible());
     }
 
+    void anOperatorReadsAFailureByKeyAndIsNotSentToALog() {
+        MainWindow window("store", "user");
+        window.becomeWorkplace();
+        auto* page = new QTreeView;
+        window.tabs()->addPage(page, "page");
+        window.show();
+        window.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        page->setFocus();
+        window.statusLine()->setFailure("the module is missing");
+        const QString tip = window.findChild<QToolButton*>("failureButton")->toolTip();
+        QVERIFY2(tip.contains("F12") && !tip.contains("журнал"), qPrintable(tip));
+        QTest::keyClick(page, Qt::Key_F12);
+        QVERIFY(window.statusLine()->failure().isEmpty());
+    }
+
     void theStatusLineShowsStoreUserAndConnection() {
         StatusLine line("/tmp/<x>.db", "ivanov");
         QVERIFY(line.findChild<QLabel*>("storeLabel")->text().contains("/tmp/<x>.db"));
