@@ -57,6 +57,13 @@ Misfit misfitOf(const store::TableDef& table, int field, const store::Value& bon
                : Misfit::Elsewhere;
 }
 
+bool canBeAtTop(const store::TableDef& table, int field, const store::Value& bond) {
+    const store::TableDef& holder = *targetTable(table, field);
+    if (is(holder, table::MenuResourceFolder)) // of its kind
+        return numberOf(bond) == Kind::File;
+    return is(table, table::MenuFolder) || !is(holder, table::MenuFolder);
+}
+
 int decisiveField(const store::TableDef& above, Misfit misfit) {
     if (is(above, table::MenuFolder))
         return above.find(field::isFolder);

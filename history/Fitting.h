@@ -23,6 +23,8 @@ int bondField(const store::TableDef& table, int field);
 /// fields are known, by that link.
 Misfit misfitOf(const store::TableDef& table, int field, const store::Value& bond,
                 const Values& above);
+/// Whether a record of `table`, with that bond, can be without a record above it by the link.
+bool canBeAtTop(const store::TableDef& table, int field, const store::Value& bond);
 /// The field of a record of `above` that decides on this.
 int decisiveField(const store::TableDef& above, Misfit misfit);
 

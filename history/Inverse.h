@@ -94,7 +94,8 @@ struct Choices {
     bool otherNames = false;    ///< give what has no name any more a free one: "a (2).png"
     bool partly = false; ///< go on without what has no place, resource or name, or others built on
     /// Another parent for each missing one, by its folded key; empty: at the top. One that is not
-    /// stored, or stands below what is to be placed there, is none.
+    /// stored, or stands below what is to be placed there, is none; nor is the top one for what
+    /// cannot be there: a form, an element without its desktop.
     std::map<std::string, std::string> places;
 };
 

@@ -237,6 +237,8 @@ store::Status Planning::place(const Placement& placement, bool* changed) {
     if (const auto chosen = m_choices.places.find(key); chosen != m_choices.places.end()) {
         if (!chosen->second.empty())
             status = canStand(placement, store::foldedKey(chosen->second), true, &whyNotChosen);
+        else if (!canBeAtTop(*placement.table, placement.field, bondOf(placement)))
+            whyNotChosen = Remark::NoPlace;
         const store::Change* none = nullptr;
         if (status.ok() && !whyNotChosen && !chosen->second.empty())
             status =

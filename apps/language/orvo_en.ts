@@ -1233,10 +1233,6 @@ command names those who have none. “-” means standard input.</translation>
         <translation>Undo without what has no place, what has a name already taken, what had its resource deleted or what others have built on.</translation>
     </message>
     <message>
-        <source>Вместо удалённой папки вернуть в эту: ключи через «=»; пусто после «=» - на верхний уровень.</source>
-        <translation>Restore into this folder instead of the deleted one: keys separated by “=”; nothing after “=” means the top level.</translation>
-    </message>
-    <message>
         <source>БЫЛА=СТАЛА</source>
         <translation>OLD=NEW</translation>
     </message>
@@ -7448,6 +7444,10 @@ place in the store, and for deleting what others that stay refer to.</translatio
     <message>
         <source>Щёлкните или F12, чтобы прочесть и убрать.</source>
         <translation>Click or press F12 to read and dismiss it.</translation>
+    </message>
+    <message>
+        <source>Вместо удалённой папки вернуть в эту: ключи через «=»; пусто после «=» - на верхний уровень (элемент меню, стол, файл).</source>
+        <translation>Restore into this folder instead of the deleted one: keys separated by “=”; nothing after “=” means the top level (menu item, desktop, file).</translation>
     </message>
 </context>
 <context>

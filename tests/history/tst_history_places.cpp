@@ -27,6 +27,7 @@ private slots:
     void anIconWhoseFileIsGoneIsTold();
     void whatWentAlongToADesktopComesBackFromIt();
     void whatElementsStillOpenStays();
+    void thereIsNoTopWhereNothingCanStand();
 
 private:
     QString told(const Inverse& inverse) const { return remarks(inverse).join('\n'); }
@@ -244,6 +245,37 @@ void TestHistoryPlaces::whatElementsStillOpenStays() {
     ORVO_OK(undo(*m_anna, {made, desktop}, choices, &done));
     QCOMPARE(told(done), QString());
     QCOMPARE(snapshot().filter("\"r\"") + snapshot().filter("\"d2\""), QStringList());
+}
+
+void TestHistoryPlaces::thereIsNoTopWhereNothingCanStand() {
+    const auto restoreAtTop = [&](int64_t action, const char* above, Inverse* done) {
+        Choices choices;
+        choices.places[above] = "";
+        ORVO_OK(undo(*m_anna, {action}, choices, done));
+    };
+    Inverse done;
+    for (const int type : {3, 4}) {
+        ORVO_OK(Batch("MenuResourceFolder")
+                    .insert("f", {{"type_", type}, {"caption", "Папка"}})
+                    .send(*m_anna));
+        ORVO_OK(Batch("MenuResource")
+                    .insert("x", {{"type_", type}, {"name_", "x"}, {"MenuResourceFolderKey", "f"}})
+                    .send(*m_anna));
+        ORVO_OK(Batch("MenuResource").remove("x").send(*m_anna));
+        const int64_t deletion = last(*m_anna);
+        ORVO_OK(Batch("MenuResourceFolder").remove("f").send(*m_boris));
+        restoreAtTop(deletion, "f", &done);
+        QCOMPARE(done.written, type == 4); // files alone stand outside of folders
+        QCOMPARE(done.asks(), type != 4);
+    }
+    ORVO_OK(Batch("Menu").remove("c").remove("b").remove("a").send(*m_anna));
+    const int64_t deletion = last(*m_anna);
+    ORVO_OK(Batch("MenuFolder").remove("d").send(*m_boris));
+    const QStringList before = snapshot();
+    restoreAtTop(deletion, "d", &done);
+    QVERIFY(!done.written && done.asks());
+    isTold(done, "«А»: нет места, удалена запись «Стол»");
+    QCOMPARE(snapshot(), before);
 }
 
 int main(int argc, char** argv) {
