@@ -194,10 +194,14 @@ QString remarkWords(const Remark& remark, RecordSource& source, const PersonName
                    : Text::tr("Не возвращено: %1: нет места, %2 стоит теперь внутри")
                          .arg(record, place);
     }
-    case Remark::NoResource:
-        return Text::tr("Не возвращено: %1: ресурс %2 удалён (%3)")
-            .arg(record,
-                 nameInQuotes(*store::findTable(table::MenuResource), source, remark.missing), who);
+    case Remark::NoResource: {
+        const QString resource =
+            nameInQuotes(*store::findTable(table::MenuResource), source, remark.missing);
+        return remark.field < 0
+                   ? Text::tr("Не возвращено: %1: ресурс %2 удалён (%3)").arg(record, resource, who)
+                   : Text::tr("Оставлено как есть: %1, поле «%2»: ресурс %3 удалён (%4)")
+                         .arg(record, fieldWord(table, remark.field), resource, who);
+    }
     case Remark::NoIcon: {
         const QString file = quoted(QString::fromStdString(remark.missing));
         return remark.field < 0

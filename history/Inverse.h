@@ -67,7 +67,7 @@ struct Remark {
     Why why = ChangedSince;
     const store::TableDef* table = nullptr; ///< null: of a whole action
     std::string key;
-    int field = -1; ///< ChangedSince, asksForPlace(), NoResource, StillNamed; NameTaken, NoIcon,
+    int field = -1; ///< ChangedSince, asksForPlace(), StillNamed; NoResource, NameTaken, NoIcon,
                     ///< BuiltOn: of a stored one
     std::string missing; ///< asksForPlace(), NoResource: the key that the field would name;
                          ///< StillNamed: that of the element; NameTaken, NoIcon: the name;

@@ -324,7 +324,8 @@ store::Status Planning::keepResources(bool* changed) {
             if (wasSo)
                 continue;
             if (m_unplaced.count(resource) == 0) {
-                remark(Remark::NoResource, elements, *record, link, deletion);
+                const bool isStored = record->flag == MDX_UPDATE;
+                remark(Remark::NoResource, elements, *record, isStored ? link : -1, deletion);
                 m_inverse.remarks.back().missing = store::textOf(record->values[link]);
             }
             if (record->flag == MDX_INSERT) {

@@ -7449,6 +7449,10 @@ place in the store, and for deleting what others that stay refer to.</translatio
         <source>Вместо удалённой папки вернуть в эту: ключи через «=»; пусто после «=» - на верхний уровень (элемент меню, стол, файл).</source>
         <translation>Restore into this folder instead of the deleted one: keys separated by “=”; nothing after “=” means the top level (menu item, desktop, file).</translation>
     </message>
+    <message>
+        <source>Оставлено как есть: %1, поле «%2»: ресурс %3 удалён (%4)</source>
+        <translation>Left as is: %1, field “%2”: resource %3 was deleted (%4)</translation>
+    </message>
 </context>
 <context>
     <name>orvo::AddButton</name>

@@ -28,6 +28,7 @@ private slots:
     void whatWentAlongToADesktopComesBackFromIt();
     void whatElementsStillOpenStays();
     void thereIsNoTopWhereNothingCanStand();
+    void aLinkToADeletedResourceIsNotTheWholeElement();
 
 private:
     QString told(const Inverse& inverse) const { return remarks(inverse).join('\n'); }
@@ -276,6 +277,20 @@ void TestHistoryPlaces::thereIsNoTopWhereNothingCanStand() {
     QVERIFY(!done.written && done.asks());
     isTold(done, "«А»: нет места, удалена запись «Стол»");
     QCOMPARE(snapshot(), before);
+}
+
+void TestHistoryPlaces::aLinkToADeletedResourceIsNotTheWholeElement() {
+    ORVO_OK(Batch("Menu").update("c", {{"MenuResourceKey", "m"}}).send(*m_anna));
+    ORVO_OK(Batch("Menu").update("c", {{"MenuResourceKey", "n"}, {"caption", "1"}}).send(*m_anna));
+    const int64_t changed = last(*m_anna);
+    ORVO_OK(Batch("MenuResource").remove("m").send(*m_boris));
+    Choices choices;
+    choices.partly = true;
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {changed}, choices, &done));
+    QCOMPARE(caption("c"), QString("В"));
+    isTold(done, "^Оставлено как есть: элемент меню «[1В]», поле «Ресурс»: ресурс «m» удалён "
+                 "\\(boris, [^)]*\\)$");
 }
 
 int main(int argc, char** argv) {
