@@ -156,7 +156,7 @@ private:
     Values valuesThen(const store::TableDef& table, const std::string& key);
     static const store::Value& bondOf(const Placement& placement);
     store::Status placeAfterCut(const Placement& placement, const std::string& missing,
-                                std::string* cutTo);
+                                std::string* cutTo, Misfit* misfit);
     store::Status keepResources(bool* changed);
     /// Leaves the link out if the record cannot stand there.
     store::Status place(const Placement& placement, bool* changed);

@@ -192,9 +192,10 @@ store::Status Planning::canHold(const Placement& placement, const std::string& k
 }
 
 /// Below what a cut has written in place of the record that is missing, if it can stand there
-/// without another desktop for all below it; else `cutTo` is empty.
+/// without another desktop for all below it; else `cutTo` is empty, and `misfit` says what that has
+/// become.
 store::Status Planning::placeAfterCut(const Placement& placement, const std::string& missing,
-                                      std::string* cutTo) {
+                                      std::string* cutTo, Misfit* misfit) {
     store::Status status = whereCutTo(*placement.above, missing, cutTo);
     if (!status.ok() || cutTo->empty())
         return status;
@@ -202,9 +203,10 @@ store::Status Planning::placeAfterCut(const Placement& placement, const std::str
     const Record* const written = planned(*placement.above, *cutTo);
     std::optional<Remark::Why> whyNot;
     status = canStand(placement, *cutTo, true, &whyNot);
-    const Misfit misfit = misfitOf(*placement.table, placement.field, bondOf(placement),
-                                   valuesThen(*placement.above, *cutTo));
-    if (!status.ok() || whyNot || misfit != Misfit::None)
+    if (status.ok() && !whyNot)
+        *misfit = misfitOf(*placement.table, placement.field, bondOf(placement),
+                           valuesThen(*placement.above, *cutTo));
+    if (!status.ok() || whyNot || *misfit != Misfit::None)
         cutTo->clear();
     else
         record.values[placement.field] = store::Value(
@@ -250,9 +252,10 @@ store::Status Planning::place(const Placement& placement, bool* changed) {
             return {};
         }
     }
+    Misfit misfit = Misfit::None;
     if (whyNot == Remark::NoPlace) {
         std::string cutTo;
-        status = placeAfterCut(placement, key, &cutTo);
+        status = placeAfterCut(placement, key, &cutTo, &misfit);
         if (!status.ok() || !cutTo.empty())
             return status;
     }
@@ -262,6 +265,8 @@ store::Status Planning::place(const Placement& placement, bool* changed) {
             fine[missing] = bondOf(placement);
         if (!status.ok() || !culprit) // it has been an orphan before
             return status;
+        if (misfit == Misfit::Elsewhere)
+            whyNot = Remark::PlaceElsewhere;
     }
     if (m_unplaced.count(planned(*placement.above, key)) == 0) {
         remark(*whyNot, *placement.table, record, placement.field, culprit);

@@ -28,6 +28,7 @@ private slots:
     void whatWentAlongToADesktopComesBackFromIt();
     void whatElementsStillOpenStays();
     void thereIsNoTopWhereNothingCanStand();
+    void aFolderOnAnotherDesktopIsNotCalledDeleted();
     void aLinkToADeletedResourceIsNotTheWholeElement();
 
 private:
@@ -277,6 +278,21 @@ void TestHistoryPlaces::thereIsNoTopWhereNothingCanStand() {
     QVERIFY(!done.written && done.asks());
     isTold(done, "«А»: нет места, удалена запись «Стол»");
     QCOMPARE(snapshot(), before);
+}
+
+void TestHistoryPlaces::aFolderOnAnotherDesktopIsNotCalledDeleted() {
+    ORVO_OK(Batch("MenuFolder").insert("d2", {{"caption", "Стол 2"}}).send(*m_anna));
+    ORVO_OK(Batch("Menu").remove("c").send(*m_anna));
+    const int64_t deletion = last(*m_anna);
+    ORVO_OK(Batch("Menu").insert("b2", {{"caption", "Б"}, {"FolderKey", "d2"}}).send(*m_boris));
+    m_boris->joinGroup(last(*m_boris));
+    ORVO_OK(Batch("Menu").remove("b").send(*m_boris));
+    m_boris->joinGroup(0);
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {deletion}, {}, &done));
+    QVERIFY(!done.written && done.asks());
+    isTold(done, "^Не возвращено: элемент меню «В»: нет места, «Б» теперь на другом рабочем столе "
+                 "\\(boris, [^)]*\\)$");
 }
 
 void TestHistoryPlaces::aLinkToADeletedResourceIsNotTheWholeElement() {
