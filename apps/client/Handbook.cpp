@@ -1,6 +1,7 @@
 #include "apps/client/Handbook.h"
 
 #include "apps/client/Installation.h"
+#include "frame/Keys.h"
 #include "frame/Text.h"
 
 #include <QAction>
@@ -72,12 +73,31 @@ Handbook::Handbook(QWidget* parent)
             QString ignored;
             open(name, {}, &ignored);
         });
+    m_browser->installEventFilter(this);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(bar);
     layout->addWidget(m_browser);
     resize(900, 760);
+}
+
+/// Keys are taken at the text, which has the focus.
+bool Handbook::eventFilter(QObject* watched, QEvent* event) {
+    const bool isOverride = event->type() == QEvent::ShortcutOverride;
+    if (isOverride || event->type() == QEvent::KeyPress) {
+        const auto& key = *static_cast<QKeyEvent*>(event);
+        if (key.key() == Qt::Key_Escape ||
+            keys::matches(key, *keys::command(QLatin1String(keys::closeTab)))) {
+            event->accept();
+            if (!isOverride) {
+                close();
+                parentWidget()->activateWindow();
+            }
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 bool Handbook::open(const QString& page, const QString& chapter, QString* error) {

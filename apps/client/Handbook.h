@@ -39,8 +39,12 @@ public:
     /// Shows a page (handbookpage; empty: the operator's) from that heading on, an empty
     /// one from its beginning. False, with one line in `error` and nothing shown, if there is no
     /// such page, or the handbook is not installed.
+    /// Esc and Ctrl+W close it.
     bool open(const QString& page, const QString& chapter, QString* error);
     const QTextBrowser* browser() const { return m_browser; }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     QTextBrowser* m_browser; ///< child

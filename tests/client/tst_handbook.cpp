@@ -102,6 +102,26 @@ private slots:
         const QTextCursor top = handbook->browser()->cursorForPosition({40, 12});
         QVERIFY2(top.block().text().contains("Порядок"), qPrintable(top.block().text()));
     }
+
+    void keysCloseTheHandbook() {
+        MainWindow window("store", "engineer");
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        QString error;
+        for (const auto& [key, with] :
+             {std::pair(Qt::Key_Escape, Qt::KeyboardModifiers()),
+              std::pair(Qt::Key_W, Qt::KeyboardModifiers(Qt::ControlModifier))}) {
+            QVERIFY2(window.showHandbook("user-guide", "order", &error), qPrintable(error));
+            auto* handbook = window.findChild<Handbook*>();
+            QVERIFY(QTest::qWaitForWindowActive(handbook));
+            auto* text = handbook->findChild<QTextBrowser*>("handbookText");
+            text->setFocus();
+            QTest::keyClick(text, key, with);
+            QVERIFY2(!handbook->isVisible(), qPrintable(QKeySequence(key).toString()));
+            QVERIFY(window.isVisible());
+            QTRY_VERIFY(window.isActiveWindow());
+        }
+    }
 };
 
 QTEST_MAIN(TestHandbook)
