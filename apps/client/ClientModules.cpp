@@ -73,6 +73,8 @@ void Client::openModule(const QString& name) {
                             "«Открыть модули заново» повторит попытку."));
     else if (m_memory)
         m_memory->restoreModule(name, *module);
+    else
+        arrangeAsAtFirst(*module);
 }
 
 /// How the user left the modules, for when they are opened again.

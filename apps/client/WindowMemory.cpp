@@ -269,6 +269,18 @@ protected:
     }
 };
 
+void arrangeTree(QTreeView& tree, bool areWidthsKnown) {
+    if (tree.isHeaderHidden()) { // nobody can draw its columns
+        if (showsOneRecord(tree))
+            new NarrowCaptions(&tree); // the tree's child
+    } else if (!areWidthsKnown) {
+        if (tree.isVisible())
+            fitColumns(tree);
+        else
+            new FitWhenShown(&tree); // the tree's child
+    }
+}
+
 /// Gives the columns of a pop-up their widths when that is first shown, since it is made when it is
 /// needed, and keeps them whenever it is hidden: the next time it may show others.
 class PopupColumns : public QObject {
@@ -318,6 +330,11 @@ QString paneGroup(const QString& window, const QWidget& pane) {
 QSettings clientSettings() {
     return {QSettings::IniFormat, QSettings::UserScope, QStringLiteral("Orvo"),
             QStringLiteral("orvo-client")};
+}
+
+void arrangeAsAtFirst(QWidget& module) {
+    for (QTreeView* tree : treesOf(module))
+        arrangeTree(*tree, false);
 }
 
 WindowMemory::WindowMemory(const QString& store, const QString& login)
@@ -428,15 +445,7 @@ void WindowMemory::restoreModule(const QString& name, QWidget& module) const {
     for (QSplitter* splitter : module.findChildren<QSplitter*>())
         splitter->restoreState(settings.value(splitter->objectName()).toByteArray());
     for (QTreeView* tree : treesOf(module)) {
-        if (tree->isHeaderHidden()) { // nobody can draw its columns
-            if (showsOneRecord(*tree))
-                new NarrowCaptions(tree); // the tree's child
-        } else if (!restoreColumns(settings, *tree)) {
-            if (tree->isVisible())
-                fitColumns(*tree);
-            else
-                new FitWhenShown(tree); // the tree's child
-        }
+        arrangeTree(*tree, !tree->isHeaderHidden() && restoreColumns(settings, *tree));
         if (!showsOneRecord(*tree)) {
             settings.beginGroup(tree->objectName());
             open(*tree, settings.value(QStringLiteral("open")).toStringList().mid(0, mostOpenRows));

@@ -20,6 +20,10 @@ namespace orvo::app {
 /// The user's settings of the client. Written atomically; several clients may have them open.
 QSettings clientSettings();
 
+/// The columns of a module's trees as on the first day, where nothing is to be remembered. To be
+/// called when its trees stand.
+void arrangeAsAtFirst(QWidget& module);
+
 class WindowMemory {
 public:
     /// `store` is its display name.

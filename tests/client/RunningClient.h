@@ -24,7 +24,8 @@ struct RunningClient {
     Host host{"petrov"};
     std::unique_ptr<app::Client> client;
 
-    RunningClient() {
+    /// `picture`: the file for a picture of the window (--screenshot); empty: none is taken.
+    explicit RunningClient(const QString& picture = {}) {
         otherWrites(MDX_INSERT,
                     {{"KeyLink", "u1"},
                      {"login_", "petrov"},
@@ -37,12 +38,13 @@ struct RunningClient {
         add("b", "б", "a");
         add("c", "в", "b");
         add("d", "г", {});
-        start();
+        start(picture);
     }
     ~RunningClient() { stop(); }
 
-    void start() {
+    void start(const QString& picture = {}) {
         app::Options options;
+        options.screenshot = picture;
         options.store = QString::fromStdString(host.url);
         options.login = "engineer";
         options.workDir = host.dir.path() + "/workdir/";
