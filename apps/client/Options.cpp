@@ -128,7 +128,12 @@ bool parseOptions(const QStringList& arguments, Options* options, QString* error
     parser.addOptions(allOptions());
     const auto isSet = [&](const char* name) { return parser.isSet(QLatin1String(name)); };
     const auto value = [&](const char* name) { return parser.value(QLatin1String(name)); };
-    if (!parser.parse(arguments)) {
+    const bool isUnderstood = parser.parse(arguments);
+    // Whoever wants these reads standard error himself, also for what is wrong below.
+    if (isSet("screenshot"))
+        options->screenshot = absolute(value("screenshot"));
+    options->inspect = value("inspect");
+    if (!isUnderstood) {
         const QStringList unknown = parser.unknownOptionNames();
         *error = unknown.isEmpty()
                      ? Text::tr("У параметра в конце командной строки нет значения, или оно "
@@ -181,10 +186,6 @@ bool parseOptions(const QStringList& arguments, Options* options, QString* error
         isSet("work-dir") ? absolute(value("work-dir")) : usualWorkDir(options->store);
     if (!options->workDir.endsWith(QLatin1Char('/')))
         options->workDir += QLatin1Char('/');
-    if (isSet("screenshot"))
-        options->screenshot = absolute(value("screenshot"));
-    options->inspect = value("inspect");
-
     for (const QString& directory : parser.values(QStringLiteral("modules")))
         options->moduleDirs << absolute(directory);
     options->desktop = value("desktop");

@@ -39,7 +39,8 @@ QString ownStore();
 QString usualWorkDir(const QString& store);
 
 /// Reads the arguments (the first is the program's name) and fills in the defaults from the
-/// environment. False, with one line in `error`, for what cannot be meant.
+/// environment. False, with one line in `error`, for what cannot be meant; `screenshot` and
+/// `inspect` are read all the same.
 bool parseOptions(const QStringList& arguments, Options* options, QString* error);
 
 /// The text of --help, lines ended.

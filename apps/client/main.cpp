@@ -23,10 +23,12 @@
 #include <QApplication>
 #include <QFileInfo>
 #include <QIcon>
+#include <QMessageBox>
 
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
+#include <unistd.h>
 
 namespace {
 
@@ -41,12 +43,15 @@ int refuse(int code, const QString& text) {
 }
 
 QString noWindows; ///< in the user's language, which cannot be asked while the QApplication is made
+QString wrongCommandLine; ///< what is wrong with it, in words that were said already; else empty
 
 /// While the QApplication is made, Qt gives up by aborting and explains itself over many lines.
 /// The user gets one line and an exit code instead.
 void onStartMessage(QtMsgType type, const QMessageLogContext&, const QString& text) {
     if (type != QtFatalMsg)
         return;
+    if (!wrongCommandLine.isEmpty())
+        std::_Exit(2);
     refuse(1, noWindows.arg(qEnvironmentVariable("DISPLAY"), text));
     std::_Exit(1);
 }
@@ -134,13 +139,36 @@ int runClient(orvo::app::Options options, orvo::app::SchemeKeeper& scheme) {
     }
 }
 
+/// Whether nobody reads standard error, as of a program that the desktop has started from an icon.
+bool isStartedByDesktop() {
+    return isatty(STDERR_FILENO) == 0 && orvo::app::displayProblem().isEmpty();
+}
+
+/// What is wrong with the command line, in a window.
+int showWrongCommandLine(const orvo::app::Options& options) {
+    if (isSeen(options)) {
+        QMessageBox box(QMessageBox::Critical, orvo::Text::tr("Клиент не запущен"),
+                        withoutPasswords(wrongCommandLine));
+        box.setTextFormat(Qt::PlainText);
+        box.addButton(orvo::Text::tr("Закрыть"), QMessageBox::RejectRole);
+        box.exec();
+    }
+    return 2;
+}
+
 /// What is said and done before there is an application of windows: help, a wrong command line, a
-/// display that is missing. No value: the program goes on.
+/// display that is missing. No value: the program goes on, to a window that says what is wrong with
+/// the command line if nobody reads standard error.
 std::optional<int> beforeWindows(const QStringList& arguments, bool isOfOurs,
                                  orvo::app::Options* options) {
     QString error;
-    if (!isOfOurs && !orvo::app::parseOptions(arguments, options, &error))
-        return refuse(2, error);
+    if (!isOfOurs && !orvo::app::parseOptions(arguments, options, &error)) {
+        refuse(2, error);
+        if (!isStartedByDesktop())
+            return 2;
+        wrongCommandLine = error;
+        return {};
+    }
     if (options->help || options->version || !options->completion.isEmpty()) {
         const QString text = options->help      ? orvo::app::helpText()
                              : options->version ? orvo::app::versionText()
@@ -185,6 +213,8 @@ int main(int argc, char* argv[]) {
     QApplication::setWindowIcon(applicationIcon());
     orvo::app::SchemeKeeper scheme;
     const orvo::language::Speaker speaker(language);
+    if (!wrongCommandLine.isEmpty())
+        return showWrongCommandLine(options);
     orvo::app::FocusMark::follow();
     orvo::app::LatinKeys::install();
     if (pane)

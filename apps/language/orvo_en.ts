@@ -7453,6 +7453,10 @@ place in the store, and for deleting what others that stay refer to.</translatio
         <source>Оставлено как есть: %1, поле «%2»: ресурс %3 удалён (%4)</source>
         <translation>Left as is: %1, field “%2”: resource %3 was deleted (%4)</translation>
     </message>
+    <message>
+        <source>Клиент не запущен</source>
+        <translation>The client was not started</translation>
+    </message>
 </context>
 <context>
     <name>orvo::AddButton</name>

@@ -1,6 +1,6 @@
 // The program on a machine without any store, by the keyboard: from the page that asks for one to
-// the editors on the demonstration, and a further window from there; and with a store that does not
-// open.
+// the editors on the demonstration, and a further window from there; with a store that does not
+// open, and with a wrong command line.
 #include "tests/e2e/Hands.h"
 
 #include <QClipboard>
@@ -174,6 +174,33 @@ private slots:
         QVERIFY(hands::key("Escape"));
         QVERIFY(m_client.waitForFinished(20000));
         QCOMPARE(m_client.exitCode(), 1);
+    }
+
+    void aWrongCommandLineIsToldInAWindowWhereNobodyReadsStandardError() {
+        m_client.setProcessChannelMode(QProcess::SeparateChannels);
+        m_client.start(qEnvironmentVariable("ORVO_BIN_DIR") + "/orvo-client", {"--colour"});
+        QTRY_VERIFY_WITH_TIMEOUT(isActive("^Клиент не запущен$"), 20000);
+        QVERIFY(hands::key("Escape"));
+        QVERIFY(m_client.waitForFinished(20000));
+        QCOMPARE(m_client.exitCode(), 2);
+        const QByteArray said = m_client.readAllStandardError();
+        QVERIFY2(said.count('\n') == 1 && said.contains("colour"), said.constData());
+    }
+
+    void aWrongCommandLineInATerminalShowsNoWindow() {
+        m_client.start("script", {"--quiet", "--return", "--command",
+                                  qEnvironmentVariable("ORVO_BIN_DIR") + "/orvo-client --colour",
+                                  "/dev/null"});
+        QVERIFY(m_client.waitForFinished(20000));
+        QCOMPARE(m_client.exitCode(), 2);
+        QVERIFY(m_client.readAllStandardOutput().contains("colour"));
+    }
+
+    void whoeverTakesAPictureIsToldOnStandardErrorAlone() {
+        m_client.start(qEnvironmentVariable("ORVO_BIN_DIR") + "/orvo-client",
+                       {"--colour", "--screenshot", m_dir.path() + "/a.png"});
+        QVERIFY(m_client.waitForFinished(20000));
+        QCOMPARE(m_client.exitCode(), 2);
     }
 
     void cleanupTestCase() {
