@@ -244,7 +244,7 @@ inline void tellHistory(const TestStore& store) {
     const QStringList lines = changeLines(store);
     const QByteArray digest =
         QCryptographicHash::hash(lines.join('\n').toUtf8(), QCryptographicHash::Sha256);
-    qInfo("%d changes, digest %s", lines.size(), digest.toHex().left(16).constData());
+    qInfo("%d changes, digest %s", int(lines.size()), digest.toHex().left(16).constData());
 }
 
 template <class Client>

@@ -121,8 +121,8 @@ private:
         QVERIFY(!there.intersects((stream).notSaved));                                             \
         QVERIFY((QSet<QString>(there) - (stream).saved - (stream).unknown).isEmpty());             \
         QCOMPARE((stream).read_, present); /* each once, in order */                               \
-        qInfo("%d saved, %d not saved, %d unknown", (stream).saved.size(),                         \
-              (stream).notSaved.size(), (stream).unknown.size());                                  \
+        qInfo("%d saved, %d not saved, %d unknown", int((stream).saved.size()),                    \
+              int((stream).notSaved.size()), int((stream).unknown.size()));                        \
     } while (false)
 
 class TestBreaks : public PostgresTest {
