@@ -101,10 +101,13 @@ private slots:
             QUiLoader loader;
             const std::unique_ptr<QWidget> widget(loader.load(&file));
             QVERIFY2(widget, qPrintable(form + (": " + loader.errorString())));
-            const QString title = widget->findChild<QLabel*>("title")->text();
-            QCOMPARE(title,
+            const auto* title = widget->findChild<QLabel*>("title");
+            QCOMPARE(title->text(),
                      demo_.sql(
                          QString("select caption from MenuResource where name_ = '%1'").arg(form)));
+            // Light letters of dark colours are not to be on a light ground of the form's own.
+            const QString style = title->styleSheet();
+            QVERIFY2(!style.contains("background") || style.contains("; color:"), form);
         }
         QVERIFY(!QImage(work.path("gts_obzor.png")).isNull());
     }
