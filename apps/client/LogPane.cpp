@@ -1,5 +1,6 @@
 #include "apps/client/LogPane.h"
 
+#include "apps/client/ColumnWidth.h"
 #include "apps/client/Look.h"
 #include "frame/Text.h"
 
@@ -27,7 +28,7 @@ LogPane::LogPane(QWidget* parent) : QTreeWidget(parent) {
     setAlternatingRowColors(true);
     setSelectionMode(ExtendedSelection);
     header()->setStretchLastSection(true);
-    header()->resizeSection(0, 90);
+    header()->resizeSection(0, widthFor(*this, QStringLiteral("00:00:00"), 90));
     header()->resizeSection(1, 320);
 
     auto* copy = new QAction(Text::tr("Копировать"), this);

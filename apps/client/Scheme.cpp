@@ -54,6 +54,8 @@ QPalette paletteOf(const Colours& colours) {
     }
     palette.setColor(QPalette::Base, QColor(colours.base));
     palette.setColor(QPalette::AlternateBase, QColor(colours.alternate));
+    // The style draws a shadow of this colour below entries that are disabled.
+    palette.setColor(QPalette::Disabled, QPalette::Light, QColor(colours.base));
     palette.setColor(QPalette::Highlight, QColor(colours.highlight));
     palette.setColor(QPalette::Mid, QColor(colours.mid));
     palette.setColor(QPalette::ToolTipBase, QColor(colours.tip));
@@ -86,6 +88,12 @@ public:
         const int darkened = element == PE_IndicatorCheckBox ? 140 * 100 / 110 : 150;
         seen.palette.setColor(QPalette::Window, outline.lighter(darkened));
         QProxyStyle::drawPrimitive(element, &seen, painter, widget);
+    }
+    /// A menu that is higher than the screen scrolls; in a second column its keys would be beyond
+    /// the edge.
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* more) const override {
+        return hint == SH_Menu_Scrollable ? 1 : QProxyStyle::styleHint(hint, option, widget, more);
     }
 };
 

@@ -1,5 +1,5 @@
 // The window with letters of 20 points, as somebody sets them who sees little: it fits a small
-// screen all the same.
+// screen all the same, and its columns have room for what they are for.
 #include "tests/client/RunningClient.h"
 
 #include <QDockWidget>
@@ -29,10 +29,23 @@ QString wideParts(const QWidget& of, int width) {
 class TestLargeFont : public QObject {
     Q_OBJECT
 private slots:
-    void theWindowFitsASmallScreen() {
+    void initTestCase() {
         QFont large = QApplication::font();
         large.setPointSize(20);
         QApplication::setFont(large);
+    }
+
+    void timesAreShownWhole() {
+        const RunningClient running;
+        for (const char* name : {"logPane", "historyTree"}) {
+            const QTreeView* tree = running.view(name);
+            QVERIFY2(tree, name);
+            QVERIFY2(tree->columnWidth(0) > tree->fontMetrics().horizontalAdvance("00:00:00"),
+                     name);
+        }
+    }
+
+    void theWindowFitsASmallScreen() {
         RunningClient running;
         QWidget& window = *running.client->window();
         for (QDockWidget* dock : window.findChildren<QDockWidget*>()) {

@@ -10,8 +10,10 @@
 #include <QDBusVariant>
 #include <QHeaderView>
 #include <QLabel>
+#include <QMenu>
 #include <QMenuBar>
 #include <QProcess>
+#include <QScreen>
 #include <QSettings>
 #include <QTabBar>
 #include <QTabWidget>
@@ -270,6 +272,44 @@ private slots:
             }
             QVERIFY(looked >= 5);
         }
+    }
+
+    void anEntryThatIsOffIsWrittenOnce_data() {
+        QTest::addColumn<bool>("dark");
+        QTest::newRow("light") << false;
+        QTest::newRow("dark") << true;
+    }
+    void anEntryThatIsOffIsWrittenOnce() {
+        QFETCH(bool, dark);
+        SchemeKeeper keeper;
+        keeper.choose(dark ? Scheme::Dark : Scheme::Light);
+        QMenu menu;
+        QAction* off = menu.addAction("Вставить");
+        off->setEnabled(false);
+        menu.popup(QPoint(20, 20));
+        QVERIFY(QTest::qWaitForWindowExposed(&menu));
+        const QImage picture = menu.grab().toImage();
+        const QRect place = partOf(picture, menu, menu.actionGeometry(off));
+        const QColor behind = behindIn(picture, place);
+        const QRgb letters = menu.palette().color(QPalette::Disabled, QPalette::Text).rgb();
+        QVERIFY(coloursIn(picture, place).contains(letters));
+        constexpr double hardlySeen = 1.15;
+        const double shadow =
+            contrastOf(menu.palette().color(QPalette::Disabled, QPalette::Light), behind);
+        QVERIFY2(shadow < hardlySeen, qPrintable(QString::number(shadow)));
+    }
+
+    void aMenuHigherThanTheScreenHasOneColumn() {
+        const SchemeKeeper keeper;
+        QMenu menu;
+        for (int i = 0; i < 100; ++i)
+            menu.addAction(QString("Строка %1").arg(i));
+        menu.popup(QPoint(20, 20));
+        QVERIFY(QTest::qWaitForWindowExposed(&menu));
+        QVERIFY(menu.height() <= QGuiApplication::primaryScreen()->geometry().height());
+        for (QAction* action : menu.actions())
+            QCOMPARE(menu.actionGeometry(action).left(),
+                     menu.actionGeometry(menu.actions().first()).left());
     }
 
     void aCheckBoxThatIsOffIsSeen_data() {

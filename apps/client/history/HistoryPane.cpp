@@ -1,5 +1,6 @@
 #include "apps/client/history/HistoryPane.h"
 
+#include "apps/client/ColumnWidth.h"
 #include "apps/client/HostApp.h"
 #include "apps/client/Look.h"
 #include "apps/client/PaneKeys.h"
@@ -63,7 +64,7 @@ HistoryPane::HistoryPane(StoreThread& thread, const QString& login, bool mayWrit
     m_view->setTreePosition(HistoryModel::What);
     QHeaderView* header = m_view->header();
     header->setStretchLastSection(false);
-    header->resizeSection(HistoryModel::When, 130);
+    header->resizeSection(HistoryModel::When, widthFor(*m_view, QStringLiteral("00:00:00"), 130));
     header->resizeSection(HistoryModel::Who, 130);
     header->setSectionResizeMode(HistoryModel::What, QHeaderView::Stretch);
     header->resizeSection(HistoryModel::Before, 150);

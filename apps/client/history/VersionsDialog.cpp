@@ -1,5 +1,6 @@
 #include "apps/client/history/VersionsDialog.h"
 
+#include "apps/client/ColumnWidth.h"
 #include "apps/client/FormViewer.h"
 #include "apps/client/LogPane.h"
 #include "apps/client/Look.h"
@@ -69,8 +70,9 @@ VersionsDialog::VersionsDialog(StoreThread& thread, const QString& resource, boo
     m_list->setHeaderLabels({Text::tr("Файл"), Text::tr("Дата файла"), Text::tr("Размер"),
                              Text::tr("Заменена или удалена"), Text::tr("Кем")});
     m_list->header()->resizeSection(Name, 260);
-    m_list->header()->resizeSection(Time, 150);
-    m_list->header()->resizeSection(Until, 170);
+    const QString moment = QStringLiteral("00.00.0000 00:00:00");
+    m_list->header()->resizeSection(Time, widthFor(*m_list, moment, 150));
+    m_list->header()->resizeSection(Until, widthFor(*m_list, moment, 170));
     m_note->setTextFormat(Qt::PlainText);
     m_note->setWordWrap(true);
     auto* buttons = new QDialogButtonBox(this);
