@@ -248,6 +248,14 @@ QString remarkWords(const Remark& remark, RecordSource& source, const PersonName
             .arg(record,
                  recordWords(elements, source.valuesOf(elements, remark.missing), remark.missing));
     }
+    case Remark::MovedBack:
+        return Text::tr("Не удалено, а возвращено туда, где было: %1 (%2)").arg(record, who);
+    case Remark::OlderInside: {
+        const store::TableDef& above = *targetTable(table, remark.field);
+        return Text::tr("Оставлено как есть: %1: внутри стоит %2, прежнего места больше нет")
+            .arg(recordWords(above, source.valuesOf(above, remark.missing), remark.missing),
+                 record);
+    }
     case Remark::CutChanged:
         return Text::tr("Не перенесено назад: %1 и всё, что перемещено вместе с ним: с тех "
                         "пор изменено (%2)")

@@ -45,6 +45,9 @@ struct Remark {
                         ///< would open a resource: see Choices::othersWorkToo
         StillNamed,     ///< what stays opens the resource that would be deleted with the work of
                         ///< others
+        MovedBack,      ///< what is older than what goes with the work of others, and was only
+                        ///< moved into it, goes back to where it stood
+        OlderInside,    ///< the same, but it has no place any more: what it stands in stays
         NameTaken,      ///< another record has the name by now: see Choices::otherNames
         CutChanged,     ///< others have changed what a cut has made: the same
         Locked,         ///< another user has taken the form into work
@@ -67,9 +70,10 @@ struct Remark {
     Why why = ChangedSince;
     const store::TableDef* table = nullptr; ///< null: of a whole action
     std::string key;
-    int field = -1; ///< ChangedSince, asksForPlace(), StillNamed; NoResource, NameTaken, NoIcon,
-                    ///< BuiltOn: of a stored one
+    int field = -1;      ///< ChangedSince, asksForPlace(), StillNamed, OlderInside; NoResource,
+                         ///< NameTaken, NoIcon, BuiltOn: of a stored one
     std::string missing; ///< asksForPlace(), NoResource: the key that the field would name;
+                         ///< OlderInside: the one that it names;
                          ///< StillNamed: that of the element; NameTaken, NoIcon: the name;
                          ///< NoRights, RightsStay: the login
     std::string login;   ///< Locked, ContentLocked: who holds it; else whose action it was, if
@@ -89,8 +93,9 @@ struct Remark {
 /// What a user has decided about remarks of an earlier plan.
 struct Choices {
     bool othersWorkToo = false; ///< delete what others have built on as well, with what is below
-                                ///< it, but no resource that an element opens which stays; of a
-                                ///< cut, take back with it what they have changed
+                                ///< it, but no resource that an element opens which stays, nor
+                                ///< what was there before; of a cut, take back with it what they
+                                ///< have changed
     bool otherNames = false;    ///< give what has no name any more a free one: "a (2).png"
     bool partly = false; ///< go on without what has no place, resource or name, or others built on
     /// Another parent for each missing one, by its folded key; empty: at the top. One that is not

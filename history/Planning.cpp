@@ -302,6 +302,7 @@ void Planning::part(const store::TableDef& table, int flag) {
 }
 
 void Planning::compose() {
+    tellMovedBack();
     for (const store::TableDef& table : store::tables())
         part(table, MDX_INSERT);
     echoResources();

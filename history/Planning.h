@@ -215,6 +215,29 @@ private:
     store::Status moveBranches();
     /// Of these names those that no icon will have.
     store::Status withoutIcon(std::set<std::string>* names);
+    /// Where a record stood before, the last one first; of all fields by which records stand
+    /// somewhere.
+    struct Former {
+        bool isOlder = false; ///< than what it stands in now
+        std::vector<Values> places;
+        std::optional<store::Change> moving; ///< the last change of these
+    };
+    store::Status formerPlaces(const store::TableDef& table, const Record& record, int64_t since,
+                               Former* former);
+    store::Status fits(const store::TableDef& table, Record& record, const Values& place,
+                       bool* can);
+    store::Status moveBack(const store::TableDef& table, Record& record, const Former& former,
+                           bool* moved);
+    /// What stands in a record that is to go, or to hold nothing any more.
+    struct Inside {
+        std::string key; ///< as it is spelled
+        Record* above;
+        Record* inside = nullptr; ///< of what is `staying`
+    };
+    /// Deletes that, but for what is older: this goes back to where it stood, or is `staying`.
+    store::Status clear(const store::TableDef& table, const std::vector<Inside>& inside,
+                        std::vector<Inside>* staying, bool* changed);
+    void tellMovedBack();
     /// Forms that another user has taken into work stay.
     store::Status deleteBelow(const store::TableDef& table, const std::vector<std::string>& keys);
     /// The plan's record, read from the store.
@@ -247,7 +270,13 @@ private:
     /// Of actions, by table and content.
     std::map<int64_t, std::map<std::pair<const store::TableDef*, std::string>, Halves>> m_halves;
     std::vector<std::pair<Record*, int>> m_movedAlong; ///< with cuts, and by which field
-    std::set<const Record*> m_stayingBelow;            ///< what a cut has made; or what is above it
+    struct MovedBack {
+        const store::TableDef* table;
+        Record* record;
+        store::Change moving; ///< what is made up for
+    };
+    std::vector<MovedBack> m_movedBack;     ///< of m_movedAlong
+    std::set<const Record*> m_stayingBelow; ///< what a cut has made; or what is above it
     bool m_foundUploads = false;
     int64_t m_forgotten = 0;                  ///< versions of changes up to this one may be missing
     std::map<std::string, FormLock> m_locked; ///< by others; by the folded key of the form

@@ -99,6 +99,7 @@ void Planning::forgetMovedAlong() {
             record->flag = 0;
     }
     m_movedAlong.clear();
+    m_movedBack.clear();
 }
 
 store::Status Planning::moveAlong(const Link& link, const std::vector<Follower>& followers,
@@ -170,7 +171,7 @@ store::Status Planning::lookBelow(const store::TableDef& table, const Link& link
                                   const std::vector<std::string>& deleted, bool* changed) {
     std::vector<std::pair<std::string, std::string>> children; // with what they name
     store::Status status = m_store.keysNaming(*link.below, link.field, deleted, &children);
-    std::vector<std::string> deeper;
+    std::vector<Inside> deeper, older;
     std::vector<Follower> followers;
     std::vector<std::pair<Record*, std::string>> kept; // with the child that keeps it
     const bool deletes = m_choices.othersWorkToo && link.places;
@@ -187,7 +188,7 @@ store::Status Planning::lookBelow(const store::TableDef& table, const Link& link
             continue;
         }
         if (deletes && !stays && m_kept.count(planned) == 0) {
-            deeper.push_back(child);
+            deeper.push_back({child, &record});
             continue;
         }
         if (m_alone) { // it was without that record before; if somebody had deleted it, knowingly
@@ -206,8 +207,21 @@ store::Status Planning::lookBelow(const store::TableDef& table, const Link& link
         m_kept.insert(&record);
         *changed = true;
     }
-    if (status.ok() && !deeper.empty()) {
-        status = deleteBelow(*link.below, deeper);
+    if (status.ok() && !deeper.empty())
+        status = clear(*link.below, deeper, &older, changed);
+    for (const Inside& one : older) {
+        if (one.above->flag == 0)
+            continue;
+        if (m_alone) {
+            const store::Change* deletion = nullptr;
+            status = deletionOf(table, store::foldedKey(one.above->key), &deletion);
+            if (!status.ok() || deletion)
+                continue;
+        }
+        remark(Remark::OlderInside, *link.below, *one.inside, link.field);
+        m_inverse.remarks.back().missing = one.above->key;
+        one.above->flag = 0;
+        m_kept.insert(one.above);
         *changed = true;
     }
     if (status.ok() && !followers.empty())
@@ -279,24 +293,34 @@ store::Status Planning::keepFolders(bool* changed) {
         if (m_concerned.count(change.group) == 0 &&
             store::valuesFromJson(elements, change.after).count(parent) != 0)
             placing[store::foldedKey(change.key)] = &change;
-    std::vector<std::string> deleted;
+    std::vector<Inside> inFolders, older;
     for (const auto& [child, key] : staying) {
         const auto since = placing.find(child);
         Record& record = planned->second.at(key);
         if (!status.ok() || since == placing.end() || record.values.count(resource) == 0)
             continue;
-        *changed = true;
         if (m_choices.othersWorkToo && m_kept.count(this->planned(elements, child)) == 0) {
-            deleted.push_back(child);
+            inFolders.push_back({child, &record});
             continue;
         }
+        *changed = true;
         remark(Remark::BuiltOn, elements, record, resource, since->second);
         record.values.erase(resource);
         if (record.values.empty())
             record.flag = 0;
     }
-    if (status.ok() && !deleted.empty())
-        status = deleteBelow(elements, deleted);
+    if (status.ok() && !inFolders.empty())
+        status = clear(elements, inFolders, &older, changed);
+    for (const Inside& one : older) {
+        if (one.above->values.count(resource) == 0)
+            continue;
+        one.above->values.erase(resource);
+        remark(Remark::OlderInside, elements, *one.inside, parent);
+        m_inverse.remarks.back().missing = one.above->key;
+        if (one.above->values.empty())
+            one.above->flag = 0;
+        *changed = true;
+    }
     return status;
 }
 

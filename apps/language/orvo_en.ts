@@ -1221,10 +1221,6 @@ as they were: check names them. Users are imported without server logins; the
 command names those who have none. “-” means standard input.</translation>
     </message>
     <message>
-        <source>Удалить и то, на чём построили другие, со всем внутри; вырезанное перенести назад с тем, что в нём изменили.</source>
-        <translation>Also delete what others have built on, with everything inside; move back what was cut, with what has been changed in it.</translation>
-    </message>
-    <message>
         <source>Вернуть под свободным именем то, чьё имя уже занято: «а (2).png».</source>
         <translation>Restore under a free name what has a name already taken: “a (2).png”.</translation>
     </message>
@@ -7456,6 +7452,18 @@ place in the store, and for deleting what others that stay refer to.</translatio
     <message>
         <source>Клиент не запущен</source>
         <translation>The client was not started</translation>
+    </message>
+    <message>
+        <source>Удалить и то, на чём построили другие, со всем внутри; что было раньше и только перенесено туда, вернуть на место; вырезанное перенести назад с тем, что в нём изменили.</source>
+        <translation>Also delete what others have built on, with everything in it; put back what was there before and was only moved into it; move back what was cut, with what was changed in it.</translation>
+    </message>
+    <message>
+        <source>Не удалено, а возвращено туда, где было: %1 (%2)</source>
+        <translation>Not deleted but put back where it was: %1 (%2)</translation>
+    </message>
+    <message>
+        <source>Оставлено как есть: %1: внутри стоит %2, прежнего места больше нет</source>
+        <translation>Left as it is: %1: it holds %2, whose former place is gone</translation>
     </message>
 </context>
 <context>

@@ -27,6 +27,9 @@ private slots:
     void anIconWhoseFileIsGoneIsTold();
     void whatWentAlongToADesktopComesBackFromIt();
     void whatElementsStillOpenStays();
+    void whatIsOlderGoesBackToWhereItStood();
+    void whatIsOlderAndHasNoWayBackStays();
+    void whatIsOlderLeavesALeafAgain();
     void thereIsNoTopWhereNothingCanStand();
     void aFolderOnAnotherDesktopIsNotCalledDeleted();
     void aLinkToADeletedResourceIsNotTheWholeElement();
@@ -226,15 +229,16 @@ void TestHistoryPlaces::whatElementsStillOpenStays() {
     isTold(done, "^Не удалено: [^\n]* «r»: на это ссылается элемент меню «В»$");
     QCOMPARE(snapshot(), before);
 
-    // What is only moved into what goes, and is older.
-    ORVO_OK(Batch("Menu").update("a", {{"MenuResourceKey", "n"}}).send(*m_anna));
     ORVO_OK(Batch("MenuResourceFolder").insert("g", {{"type_", 1}}).send(*m_anna));
     const int64_t folder = last(*m_anna);
-    for (const char* key : {"m", "n"})
-        ORVO_OK(Batch("MenuResource").update(key, {{"MenuResourceFolderKey", "g"}}).send(*m_boris));
+    for (const char* key : {"m2", "n2"})
+        ORVO_OK(Batch("MenuResource")
+                    .insert(key, {{"type_", 1}, {"name_", key}, {"MenuResourceFolderKey", "g"}})
+                    .send(*m_boris));
+    ORVO_OK(Batch("Menu").update("a", {{"MenuResourceKey", "n2"}}).send(*m_anna));
     ORVO_OK(undo(*m_anna, {folder}, choices, &done));
-    isTold(done, "^Не удалено: [^\n]* «n»: на это ссылается элемент меню «А»$");
-    QCOMPARE(snapshot().filter("MenuResource|\"m\"").size(), 0);
+    isTold(done, "^Не удалено: [^\n]* «n2»: на это ссылается элемент меню «А»$");
+    QCOMPARE(snapshot().filter("MenuResource|\"m2\"").size(), 0);
     QCOMPARE(snapshot().filter("\"g\"").size(), 2); // the folder, and what is in it
     ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
 
@@ -247,6 +251,72 @@ void TestHistoryPlaces::whatElementsStillOpenStays() {
     ORVO_OK(undo(*m_anna, {made, desktop}, choices, &done));
     QCOMPARE(told(done), QString());
     QCOMPARE(snapshot().filter("\"r\"") + snapshot().filter("\"d2\""), QStringList());
+}
+
+void TestHistoryPlaces::whatIsOlderGoesBackToWhereItStood() {
+    ORVO_OK(Batch("MenuFolder").insert("d2", {{"caption", "Стол 2"}}).send(*m_anna));
+    const QStringList before = snapshot();
+    ORVO_OK(Batch("Menu").insert("x", {{"caption", "Икс"}, {"FolderKey", "d2"}}).send(*m_anna));
+    const int64_t made = last(*m_anna);
+    ORVO_OK(Batch("Menu")
+                .update("b", {{"FolderKey", "d2"}, {"parent", "X"}})
+                .update("c", {{"FolderKey", "d2"}})
+                .insert("o", {{"caption", "Чужая"}, {"parent", "x"}, {"FolderKey", "d2"}})
+                .send(*m_boris));
+    Choices choices;
+    choices.othersWorkToo = true;
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {made}, choices, &done));
+    QVERIFY(done.written);
+    isTold(done, "^Не удалено, а возвращено туда, где было: элемент меню «Б» "
+                 "\\(boris, [^)]*\\)$");
+    QCOMPARE(snapshot(), before);
+
+    // So does what was moved there by a cut, which is another record by now.
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    ORVO_OK(Batch("Menu")
+                .update("b", {{"FolderKey", "d"}, {"parent", "a"}})
+                .update("c", {{"FolderKey", "d"}})
+                .send(*m_boris));
+    ORVO_OK(Batch("Menu")
+                .insert("c2", {{"caption", "В"}, {"parent", "x"}, {"FolderKey", "d2"}})
+                .send(*m_boris));
+    m_boris->joinGroup(last(*m_boris));
+    ORVO_OK(Batch("Menu").remove("c").send(*m_boris));
+    m_boris->joinGroup(0);
+    ORVO_OK(undo(*m_anna, {made}, choices, &done));
+    QCOMPARE(fieldOf("c2", "parent") + fieldOf("c2", "FolderKey"), QString("bd"));
+}
+
+void TestHistoryPlaces::whatIsOlderAndHasNoWayBackStays() {
+    ORVO_OK(Batch("Menu").insert("x", {{"caption", "Икс"}, {"FolderKey", "d"}}).send(*m_anna));
+    const int64_t made = last(*m_anna);
+    ORVO_OK(Batch("Menu").update("c", {{"parent", "x"}}).send(*m_boris));
+    ORVO_OK(Batch("Menu").remove("b").send(*m_boris));
+    const QStringList before = snapshot();
+    Choices choices;
+    choices.othersWorkToo = true;
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {made}, choices, &done));
+    QVERIFY(!done.written);
+    isTold(done, "^Оставлено как есть: элемент меню «Икс»: внутри стоит элемент меню «В», "
+                 "прежнего места больше нет$");
+    QCOMPARE(snapshot(), before);
+}
+
+void TestHistoryPlaces::whatIsOlderLeavesALeafAgain() {
+    ORVO_OK(
+        Batch("Menu").insert("l", {{"FolderKey", "d"}, {"MenuResourceKey", "m"}}).send(*m_anna));
+    const QStringList before = snapshot();
+    ORVO_OK(Batch("Menu").update("l", {{"MenuResourceKey", ""}}).send(*m_anna));
+    const int64_t emptied = last(*m_anna);
+    ORVO_OK(Batch("Menu").update("b", {{"parent", "l"}}).send(*m_boris));
+    Choices choices;
+    choices.othersWorkToo = true;
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {emptied}, choices, &done));
+    isTold(done, "^Не удалено, а возвращено туда, где было: элемент меню «Б» ");
+    QCOMPARE(snapshot(), before);
 }
 
 void TestHistoryPlaces::thereIsNoTopWhereNothingCanStand() {

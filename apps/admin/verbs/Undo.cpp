@@ -21,7 +21,8 @@ std::string what() {
 void undoOptions(OptionList& options) {
     options.append({QStringLiteral("dry-run"), Text::tr("Только показать, что было бы записано.")});
     options.append({QStringLiteral("with-others"),
-                    Text::tr("Удалить и то, на чём построили другие, со всем внутри; вырезанное "
+                    Text::tr("Удалить и то, на чём построили другие, со всем внутри; что было "
+                             "раньше и только перенесено туда, вернуть на место; вырезанное "
                              "перенести назад с тем, что в нём изменили.")});
     options.append({QStringLiteral("other-names"),
                     Text::tr("Вернуть под свободным именем то, чьё имя уже занято: "
