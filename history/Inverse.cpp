@@ -145,7 +145,10 @@ QString freeNameWords(const Inverse& plan, const store::Change& change) {
                : Text::tr(" под именем ") + quoted(QString::fromStdString(found->second));
 }
 
-QString remarkWords(const Remark& remark, RecordSource& source, const PersonNames& names) {
+namespace {
+
+/// Why it is not as it should have been.
+QString mainWords(const Remark& remark, RecordSource& source, const PersonNames& names) {
     const auto number = [&] { return QString::number(remark.group); };
     if (remark.why == Remark::Forgotten)
         return Text::tr("Действие %1 журнал уже не помнит").arg(number());
@@ -267,6 +270,36 @@ QString remarkWords(const Remark& remark, RecordSource& source, const PersonName
     default:
         return Text::tr("Не возвращено: %1: прежнее содержимое не хранится").arg(record);
     }
+}
+
+QString chosenWords(const Remark& remark, RecordSource& source) {
+    const store::TableDef& above = *targetTable(*remark.table, remark.field);
+    const QString place = nameInQuotes(above, source, remark.chosen);
+    const QString word = fieldWord(*remark.table, remark.field).toLower();
+    if (remark.chosen.empty())
+        return Text::tr("верхний уровень");
+    switch (*remark.whyNotChosen) {
+    case Remark::PlaceInside:
+        return Text::tr("%1 стоит теперь внутри").arg(place);
+    case Remark::PlaceNoFolder:
+        return Text::tr("%1 не %2").arg(place, word);
+    case Remark::PlaceElsewhere:
+        return (bondField(*remark.table, remark.field) == remark.table->find(field::FolderKey)
+                    ? Text::tr("%1 на другом рабочем столе")
+                    : Text::tr("%1 для ресурсов другого вида"))
+            .arg(place);
+    default:
+        return Text::tr("записи %1 нет (%2)").arg(place, word);
+    }
+}
+
+} // namespace
+
+QString remarkWords(const Remark& remark, RecordSource& source, const PersonNames& names) {
+    const QString words = mainWords(remark, source, names);
+    return remark.whyNotChosen ? Text::tr("%1; выбранное место не годится: %2")
+                                     .arg(words, chosenWords(remark, source))
+                               : words;
 }
 
 } // namespace orvo::history

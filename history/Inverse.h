@@ -80,6 +80,9 @@ struct Remark {
                          ///< another one is the reason
     double time = 0;     ///< and when, or since when
     int64_t group = 0;   ///< that action; of a whole action: the one that was asked for
+    /// asksForPlace(): why the place that was chosen is none either, and its key; empty: the top.
+    std::optional<Why> whyNotChosen;
+    std::string chosen;
 
     /// Whether Choices::places can help.
     bool asksForPlace() const {

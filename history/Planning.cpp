@@ -63,16 +63,12 @@ store::Status Planning::collect() {
         store::Status status = m_store.history(query, INT_MAX, &changes);
         if (!status.ok())
             return status;
-        if (changes.empty() || changes.front().id != group)
-            m_inverse.remarks.push_back(
-                {changes.empty() ? Remark::Forgotten : Remark::HalfForgotten,
-                 nullptr,
-                 {},
-                 -1,
-                 {},
-                 {},
-                 0,
-                 group});
+        if (changes.empty() || changes.front().id != group) {
+            Remark made;
+            made.why = changes.empty() ? Remark::Forgotten : Remark::HalfForgotten;
+            made.group = group;
+            m_inverse.remarks.push_back(std::move(made));
+        }
         for (const store::Change& change : changes)
             last = std::max(last, change.id);
         count += changes.size();

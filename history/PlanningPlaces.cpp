@@ -271,6 +271,9 @@ store::Status Planning::place(const Placement& placement, bool* changed) {
     if (m_unplaced.count(planned(*placement.above, key)) == 0) {
         remark(*whyNot, *placement.table, record, placement.field, culprit);
         m_inverse.remarks.back().missing = missing;
+        m_inverse.remarks.back().whyNotChosen = whyNotChosen;
+        if (whyNotChosen)
+            m_inverse.remarks.back().chosen = m_choices.places.at(key);
     }
     if (record.flag == MDX_INSERT) {
         record.flag = 0;

@@ -7465,6 +7465,34 @@ place in the store, and for deleting what others that stay refer to.</translatio
         <source>Оставлено как есть: %1: внутри стоит %2, прежнего места больше нет</source>
         <translation>Left as it is: %1: it holds %2, whose former place is gone</translation>
     </message>
+    <message>
+        <source>верхний уровень</source>
+        <translation>the top level</translation>
+    </message>
+    <message>
+        <source>%1 стоит теперь внутри</source>
+        <translation>%1 is inside by now</translation>
+    </message>
+    <message>
+        <source>%1 не %2</source>
+        <translation>%1 is no %2</translation>
+    </message>
+    <message>
+        <source>%1 на другом рабочем столе</source>
+        <translation>%1 is on another desktop</translation>
+    </message>
+    <message>
+        <source>%1 для ресурсов другого вида</source>
+        <translation>%1 is for resources of another kind</translation>
+    </message>
+    <message>
+        <source>записи %1 нет (%2)</source>
+        <translation>there is no record %1 (%2)</translation>
+    </message>
+    <message>
+        <source>%1; выбранное место не годится: %2</source>
+        <translation>%1; the chosen place will not do: %2</translation>
+    </message>
 </context>
 <context>
     <name>orvo::AddButton</name>

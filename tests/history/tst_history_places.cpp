@@ -31,6 +31,7 @@ private slots:
     void whatIsOlderAndHasNoWayBackStays();
     void whatIsOlderLeavesALeafAgain();
     void thereIsNoTopWhereNothingCanStand();
+    void aChosenPlaceThatDoesNotFitIsNamed();
     void aFolderOnAnotherDesktopIsNotCalledDeleted();
     void aLinkToADeletedResourceIsNotTheWholeElement();
 
@@ -348,6 +349,39 @@ void TestHistoryPlaces::thereIsNoTopWhereNothingCanStand() {
     QVERIFY(!done.written && done.asks());
     isTold(done, "«А»: нет места, удалена запись «Стол»");
     QCOMPARE(snapshot(), before);
+}
+
+void TestHistoryPlaces::aChosenPlaceThatDoesNotFitIsNamed() {
+    ORVO_OK(Batch("MenuFolder")
+                .insert("d2", {{"caption", "Стол 2"}})
+                .insert("g", {{"caption", "Папка"}, {"isFolder", true}})
+                .send(*m_anna));
+    ORVO_OK(Batch("Menu")
+                .insert("e", {{"caption", "Лист"}, {"FolderKey", "d"}, {"MenuResourceKey", "m"}})
+                .insert("far", {{"caption", "Там"}, {"FolderKey", "d2"}})
+                .send(*m_anna));
+    ORVO_OK(Batch("Menu").remove("c").remove("b").send(*m_anna));
+    const int64_t deletion = last(*m_anna);
+    ORVO_OK(Batch("Menu").remove("a").send(*m_boris));
+    const auto isRefused = [&](int64_t action, const char* above, const char* chosen,
+                               const char* why) {
+        Choices choices;
+        choices.places[above] = chosen;
+        Inverse done;
+        ORVO_OK(undo(*m_anna, {action}, choices, &done));
+        QVERIFY(!done.written && done.asks());
+        isTold(done, why);
+    };
+    isRefused(deletion, "a", "e",
+              "«Б»: нет места, удалена запись «А» .*; выбранное место не годится: «Лист» не папка "
+              "меню$");
+    isRefused(deletion, "a", "far", "выбранное место не годится: «Там» на другом рабочем столе$");
+    isRefused(deletion, "a", "d", "выбранное место не годится: записи «d» нет \\(папка меню\\)$");
+    ORVO_OK(Batch("Menu").remove("e").send(*m_anna));
+    const int64_t leaf = last(*m_anna);
+    ORVO_OK(Batch("MenuFolder").remove("d").send(*m_boris));
+    isRefused(leaf, "d", "g", "выбранное место не годится: «Папка» не рабочий стол$");
+    isRefused(leaf, "d", "", "выбранное место не годится: верхний уровень$");
 }
 
 void TestHistoryPlaces::aFolderOnAnotherDesktopIsNotCalledDeleted() {

@@ -27,31 +27,19 @@ const store::Value* valueIn(const store::TableDef& table, const history::Values&
     return found == values.end() ? nullptr : &found->second;
 }
 
-int64_t numberIn(const store::TableDef& table, const history::Values& values, const char* field) {
-    const store::Value* value = valueIn(table, values, field);
-    const auto* number = value ? std::get_if<int64_t>(value) : nullptr;
-    return number ? *number : 0;
-}
-
 RevertPlan::Place placeOf(store::MaintainedStore& store, history::LoggedRecords& source,
                           const history::PersonNames& names, const history::Remark& remark) {
     const store::TableDef& table = *remark.table;
-    const char* field = table.fields[static_cast<size_t>(remark.field)].name;
     RevertPlan::Place place;
     place.missing = store::foldedKey(remark.missing);
     place.what = history::remarkWords(remark, source, names);
     const history::Values values = source.valuesOf(table, remark.key);
-    const store::TableDef* above = nullptr;
-    for (const store::ParentField& parent : store::parentFields(table))
-        if (std::strcmp(parent.field, field) == 0)
-            above = store::findTable(parent.table);
+    const store::TableDef* above = history::targetTable(table, remark.field);
     if (!above)
         return place;
-    // What is no file hangs below the folder of its kind; an element has a desktop.
-    place.top = is(*above, table::MenuResourceFolder)
-                    ? numberIn(table, values, field::type_) == Kind::File
-                    : std::strcmp(field, field::FolderKey) != 0;
-    const auto bond = values.find(history::bondField(table, remark.field));
+    const auto bondValue = values.find(history::bondField(table, remark.field));
+    const store::Value bond = bondValue == values.end() ? store::Value() : bondValue->second;
+    place.top = history::canBeAtTop(table, remark.field, bond);
     CMDArray rows;
     store::Status status;
     if (is(*above, table::Menu)) {
@@ -65,9 +53,7 @@ RevertPlan::Place placeOf(store::MaintainedStore& store, history::LoggedRecords&
     const uint32_t count = status.ok() ? mdx::postedCount(rows.array) : 0;
     for (uint32_t i = 0; i < count && place.others.size() < mostPlaces; ++i) {
         const history::Values those = history::valuesIn(rows.array, i);
-        if (history::misfitOf(table, remark.field,
-                              bond == values.end() ? store::Value() : bond->second,
-                              those) != history::Misfit::None)
+        if (history::misfitOf(table, remark.field, bond, those) != history::Misfit::None)
             continue;
         const QString path = history::placeOf(*above, those, &source);
         const QString name = history::nameOf(*above, those);
