@@ -1,9 +1,13 @@
 #include "history/Fitting.h"
 
+#include "frame/Kinds.h"
 #include "frame/Vocabulary.h"
+#include "platform/store/NamePlaces.h"
 #include "platform/store/Names.h"
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace orvo::history {
 
@@ -62,6 +66,18 @@ bool canBeAtTop(const store::TableDef& table, int field, const store::Value& bon
     if (is(holder, table::MenuResourceFolder)) // of its kind
         return numberOf(bond) == Kind::File;
     return is(table, table::MenuFolder) || !is(holder, table::MenuFolder);
+}
+
+bool isTopFolder(const store::TableDef& table, const Values& values) {
+    if (!is(table, table::MenuResourceFolder))
+        return false;
+    const store::NamePlaces names(table);
+    const std::string place = names.placeOf(values);
+    return std::any_of(
+        std::begin(resourceKinds), std::end(resourceKinds), [&](const ResourceKind& kind) {
+            return kind.topFolder &&
+                   place == names.placeOf(std::string(kind.topFolder), {}, int64_t(kind.number));
+        });
 }
 
 int decisiveField(const store::TableDef& above, Misfit misfit) {

@@ -25,6 +25,8 @@ Misfit misfitOf(const store::TableDef& table, int field, const store::Value& bon
                 const Values& above);
 /// Whether a record of `table`, with that bond, can be without a record above it by the link.
 bool canBeAtTop(const store::TableDef& table, int field, const store::Value& bond);
+/// Whether the folder holds all resources of a kind: without it no editor loads their tree.
+bool isTopFolder(const store::TableDef& table, const Values& values);
 /// The field of a record of `above` that decides on this.
 int decisiveField(const store::TableDef& above, Misfit misfit);
 

@@ -88,6 +88,8 @@ store::Status planInverse(store::MaintainedStore& store, const Selection& select
         status = planning.keepLocked();
     if (status.ok())
         planning.keepRights();
+    if (status.ok())
+        planning.keepTopFolders();
     for (bool again = true; again && status.ok();) {
         again = false;
         status = planning.placeRestored();
@@ -214,6 +216,10 @@ QString mainWords(const Remark& remark, RecordSource& source, const PersonNames&
                          .arg(record, fieldWord(table, remark.field), file, who);
     }
     case Remark::TopFolder:
+        if (remark.field >= 0)
+            return Text::tr("Оставлено как есть: %1, поле «%2»: без неё дерево ресурсов не "
+                            "загружается")
+                .arg(record, fieldWord(table, remark.field));
         return Text::tr("Не удалено: %1: без неё дерево ресурсов не загружается").arg(record);
     case Remark::Locked:
         return Text::tr("Оставлено как есть: %1: занята (%2)").arg(record, who);

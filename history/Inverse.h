@@ -71,7 +71,7 @@ struct Remark {
     const store::TableDef* table = nullptr; ///< null: of a whole action
     std::string key;
     int field = -1;      ///< ChangedSince, asksForPlace(), StillNamed, OlderInside; NoResource,
-                         ///< NameTaken, NoIcon, BuiltOn: of a stored one
+                         ///< NameTaken, NoIcon, BuiltOn, TopFolder: of a stored one
     std::string missing; ///< asksForPlace(), NoResource: the key that the field would name;
                          ///< OlderInside: the one that it names;
                          ///< StillNamed: that of the element; NameTaken, NoIcon: the name;

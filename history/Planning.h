@@ -51,6 +51,8 @@ public:
     store::Status keepLocked();
     /// Leaves out the removal of users who would keep their rights, and tells whose are missing.
     void keepRights();
+    /// Leaves the folders at the top of the resources their names and places.
+    void keepTopFolders();
     /// Leaves out restored records without a place, and elements without their resource.
     store::Status placeRestored();
     /// Leaves out deletions of what others have built on, and resources of elements into which they

@@ -1,11 +1,9 @@
 // What an inverse does about what others have put below, or built on, what it would delete.
 #include "history/Planning.h"
 
-#include "frame/Kinds.h"
 #include "frame/Vocabulary.h"
 #include "platform/store/ChangeRecord.h"
 #include "platform/store/Merge.h"
-#include "platform/store/NamePlaces.h"
 #include "platform/store/Names.h"
 
 #include <algorithm>
@@ -21,19 +19,6 @@ namespace {
 
 bool is(const char* name, const char* other) {
     return std::strcmp(name, other) == 0;
-}
-
-/// Whether the folder holds all resources of a kind.
-bool isTopFolder(const store::TableDef& table, const Values& values) {
-    if (!is(table.name, table::MenuResourceFolder))
-        return false;
-    const store::NamePlaces names(table);
-    const std::string place = names.placeOf(values);
-    return std::any_of(
-        std::begin(resourceKinds), std::end(resourceKinds), [&](const ResourceKind& kind) {
-            return kind.topFolder &&
-                   place == names.placeOf(std::string(kind.topFolder), {}, int64_t(kind.number));
-        });
 }
 
 } // namespace

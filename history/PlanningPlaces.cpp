@@ -5,6 +5,7 @@
 #include "platform/store/ChangeRecord.h"
 #include "platform/store/LinkCycles.h"
 #include "platform/store/Merge.h"
+#include "platform/store/NamePlaces.h"
 #include "platform/store/Names.h"
 
 #include <algorithm>
@@ -348,6 +349,24 @@ store::Status Planning::keepResources(bool* changed) {
         }
     }
     return status;
+}
+
+void Planning::keepTopFolders() {
+    const store::TableDef& folders = *store::findTable(table::MenuResourceFolder);
+    const store::NamePlaces names(folders);
+    for (auto& [key, record] : m_records[&folders]) {
+        if (record.flag != MDX_UPDATE || !isTopFolder(folders, record.now) ||
+            isTopFolder(folders, valuesThen(record)))
+            continue;
+        for (const int field : {names.name(), names.folder(), names.kind()}) {
+            if (record.values.count(field) == 0)
+                continue;
+            remark(Remark::TopFolder, folders, record, field);
+            record.values.erase(field);
+        }
+        if (record.values.empty())
+            record.flag = 0;
+    }
 }
 
 store::Status Planning::placeRestored() {

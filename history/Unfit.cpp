@@ -2,6 +2,7 @@
 
 #include "frame/Vocabulary.h"
 #include "history/Fitting.h"
+#include "platform/store/NamePlaces.h"
 #include "platform/store/Names.h"
 
 #include <cstring>
@@ -22,6 +23,7 @@ public:
         , m_left(left) {}
 
     std::vector<Unfit> leave() {
+        keepTopFolders();
         for (bool again = true; again;) { // what is left may be named, or be missed by others
             again = false;
             for (const store::TableDef& table : store::tables())
@@ -92,6 +94,23 @@ private:
         return above
                    ? misfit != Misfit::None && misfitOf(*record.first, link, *old, *above) == misfit
                    : misfit == Misfit::None;
+    }
+
+    /// Keeps those that would be deleted or renamed, unless another record becomes what they are.
+    void keepTopFolders() {
+        const store::TableDef& folders = *store::findTable(table::MenuResourceFolder);
+        const store::NamePlaces names(folders);
+        std::set<std::string> places;
+        forEach(folders, [&](const std::string&, const Values& values) {
+            places.insert(names.placeOf(values));
+        });
+        for (const auto& [key, values] : m_from.records(folders)) {
+            if (!isTopFolder(folders, values) || places.count(names.placeOf(values)) != 0)
+                continue;
+            const RecordKey folder{&folders, key};
+            m_left.insert(folder);
+            m_unfit.push_back({folder, Unfit::TopFolder, folder, -1, false});
+        }
     }
 
     /// Keeps what the record names and would be deleted.

@@ -16,6 +16,7 @@ struct Unfit {
         NoFolder,   ///< `other` can hold nothing (Fitting.h)
         Elsewhere,  ///< or nothing of that desktop or kind
         NoResource, ///< it would open `other`, which is left out
+        TopFolder,  ///< without it no editor loads the tree of resources; `other` is the same
     };
     RecordKey record;
     Why why = StillNamed;

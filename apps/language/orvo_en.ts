@@ -7493,6 +7493,14 @@ place in the store, and for deleting what others that stay refer to.</translatio
         <source>%1; выбранное место не годится: %2</source>
         <translation>%1; the chosen place will not do: %2</translation>
     </message>
+    <message>
+        <source>Оставлено как есть: %1: без неё дерево ресурсов не загружается</source>
+        <translation>Left as it is: %1: without it the tree of resources is not loaded</translation>
+    </message>
+    <message>
+        <source>Оставлено как есть: %1, поле «%2»: без неё дерево ресурсов не загружается</source>
+        <translation>Left as it is: %1, field “%2”: without it the tree of resources is not loaded</translation>
+    </message>
 </context>
 <context>
     <name>orvo::AddButton</name>

@@ -20,6 +20,7 @@ private slots:
     void aFolderOfATakenNameIsLeftOutWithItsFiles();
     void aResourceThatWhatStaysOpensIsNotDeleted();
     void whatHasNoPlaceInTheStoreIsLeftOut();
+    void theFoldersAtTheTopStay();
     void usersAndLocksStay();
     void aFormThatAnotherHoldsKeepsItsContents();
     void aFormThatAnotherHoldsIsNotDeleted();
@@ -235,6 +236,25 @@ void TestAdminApply::whatHasNoPlaceInTheStoreIsLeftOut() {
     QByteArray text;
     QVERIFY(m_kind.byHand("SELECT \"caption\" FROM \"Menu\" WHERE \"KeyLink\" = 'e';", &text));
     QCOMPARE(text.trimmed(), QByteArray("Г"));
+}
+
+void TestAdminApply::theFoldersAtTheTopStay() {
+    plant();
+    const auto rename = [&](const char* from, const char* to) {
+        return m_kind.byHand(QByteArray("UPDATE \"MenuResourceFolder\" SET \"caption\" = '") + to +
+                             "' WHERE \"caption\" = '" + from + "';");
+    };
+    QVERIFY(rename("формы отображения", "схемы"));
+    const QString file = exported();
+    QVERIFY(rename("схемы", "формы отображения"));
+    QCOMPARE(run({"apply", file}).code, 2);
+    const QByteArray before = content();
+    const AdminResult partly = run({"apply", file, "--partly"});
+    QCOMPARE(partly.code, 1);
+    QVERIFY2(partly.out.contains("Оставлено как есть: папка ресурсов «формы отображения»: без "
+                                 "неё дерево ресурсов не загружается"),
+             qPrintable(partly.out));
+    QCOMPARE(content(), before);
 }
 
 void TestAdminApply::usersAndLocksStay() {

@@ -24,6 +24,7 @@ private slots:
     void whatOthersPutIntoKeepsTheElementAFolder();
     void whatWaitedForAFolderKeepsIt();
     void theTopFoldersStay();
+    void theTopFoldersKeepTheirNames();
     void anIconWhoseFileIsGoneIsTold();
     void whatWentAlongToADesktopComesBackFromIt();
     void whatElementsStillOpenStays();
@@ -163,6 +164,33 @@ void TestHistoryPlaces::theTopFoldersStay() {
     QCOMPARE(told(done), QString("Не удалено: папка ресурсов «модули»: без неё дерево ресурсов не "
                                  "загружается"));
     QCOMPARE(snapshot().filter("MenuResourceFolder|").size(), 1);
+}
+
+void TestHistoryPlaces::theTopFoldersKeepTheirNames() {
+    ORVO_OK(Batch("MenuResourceFolder")
+                .insert("t1", {{"type_", 1}, {"caption", "Старое"}})
+                .insert("t2", {{"type_", 2}, {"caption", "функции"}})
+                .send(*m_anna));
+    ORVO_OK(Batch("MenuResourceFolder").update("t1", {{"caption", "модули"}}).send(*m_anna));
+    const QStringList before = snapshot();
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    QVERIFY(!done.written);
+    QCOMPARE(told(done),
+             QString("Оставлено как есть: папка ресурсов «модули», поле «Название»: без "
+                     "неё дерево ресурсов не загружается"));
+    QCOMPARE(snapshot(), before);
+
+    // Neither is it done again that somebody has taken back.
+    ORVO_OK(Batch("MenuResourceFolder")
+                .update("t2", {{"caption", "Прочее"}, {"ParentKey", "t1"}})
+                .send(*m_anna));
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    QVERIFY(done.written);
+    QCOMPARE(snapshot(), before);
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    QVERIFY(!done.written);
+    QCOMPARE(snapshot(), before);
 }
 
 void TestHistoryPlaces::anIconWhoseFileIsGoneIsTold() {

@@ -171,6 +171,9 @@ std::string unfitWords(const history::Unfit& unfit, history::RecordSource& sourc
     if (unfit.why == history::Unfit::StillNamed)
         return line(Text::tr("Не удалено: %1: на это ссылается %2")
                         .arg(record, history::recordWords(*above, values, other)));
+    if (unfit.why == history::Unfit::TopFolder)
+        return line(
+            Text::tr("Оставлено как есть: %1: без неё дерево ресурсов не загружается").arg(record));
     const QString name = history::nameOf(*above, values);
     QString why = history::quoted(name.isEmpty() ? QString::fromStdString(other) : name);
     if (unfit.why == history::Unfit::NoFolder)
@@ -260,8 +263,10 @@ int runApply(const Invocation& call) {
     printHeldBack(*store, difference, held, source);
     for (const history::TakenName& taken : difference.leftOut)
         out(leftOutWords(taken, source));
-    for (const history::Unfit& unfit : difference.unfit)
-        out(unfitWords(unfit, source));
+    for (const history::Unfit& unfit : difference.unfit) {
+        const bool keepsItsName = unfit.why == history::Unfit::TopFolder;
+        out(unfitWords(unfit, keepsItsName ? static_cast<history::RecordSource&>(living) : source));
+    }
     const bool asks = !difference.leftOut.empty() || !difference.unfit.empty();
     if (asks && !dry && !call.has("partly"))
         throw Failure(
