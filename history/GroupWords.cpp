@@ -189,19 +189,18 @@ std::vector<LoggedChange> cutAsMoves(const std::vector<const LoggedChange*>& one
         if (read->deed == Deed::Deleted)
             gone.push_back(read);
     }
-    const auto captions = [&](const std::vector<const LoggedChange*>& reads) {
-        std::multiset<QString> found;
-        for (const LoggedChange* read : reads)
-            found.insert(QString::fromLatin1(read->table->name) +
-                         nameOf(*read->table, known(*read, source)));
-        return found;
-    };
     std::vector<LoggedChange> moved;
-    if (made.empty() || made.size() + gone.size() != ones.size() ||
-        captions(made) != captions(gone))
+    if (made.empty() || made.size() != gone.size() || made.size() + gone.size() != ones.size())
         return moved;
-    for (size_t i = 0; i < made.size(); ++i)
-        moved.push_back(movedBy(*made[i], *gone[i]));
+    for (const LoggedChange* one : made) { // of those alike the first belongs to the first
+        const auto from = std::find_if(gone.begin(), gone.end(), [&](const LoggedChange* read) {
+            return isCutOf(*one, *read, source);
+        });
+        if (from == gone.end())
+            return {};
+        moved.push_back(movedBy(*one, **from));
+        gone.erase(from);
+    }
     return moved;
 }
 
@@ -220,8 +219,10 @@ QString lineOf(const std::vector<LoggedChange>& all, RecordSource& source) {
                               : Text::tr(" вместе с тем, что внутри") + names(followers, source);
         if (moved.size() == 1)
             return sentence(moved.front(), source) + along;
-        if (!moved.empty())
+        if (!moved.empty() && allAlike(pointersTo(moved), source))
             return together(pointersTo(moved), source) + along;
+        if (!moved.empty())
+            return sentence(moved.front(), source) + andMore(moved.size() - 1) + along;
         return sentence(first, source) + andMore(ones.size() - 1);
     }
     QString line = sentence(first, source);

@@ -86,9 +86,7 @@ bool LargeGroup::isCut() const {
             gone = &kind;
     }
     const Kind& made = m_kinds.front();
-    return made.count->code == OrvoEventInsert && gone && gone->top.table == made.top.table &&
-           nameOf(*made.top.table, known(made.top, m_source)) ==
-               nameOf(*gone->top.table, known(gone->top, m_source)) &&
+    return made.count->code == OrvoEventInsert && gone && isCutOf(made.top, gone->top, m_source) &&
            std::all_of(surplus.begin(), surplus.end(),
                        [](const auto& table) { return table.second == 0; });
 }

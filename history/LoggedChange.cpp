@@ -125,6 +125,21 @@ bool isPlacedBelow(const LoggedChange& read, const LoggedChange& above) {
     });
 }
 
+bool isCutOf(const LoggedChange& made, const LoggedChange& gone, RecordSource& source) {
+    if (!made.table || made.table != gone.table ||
+        store::foldedKey(made.change->key) == store::foldedKey(gone.change->key) ||
+        nameOf(*made.table, known(made, source)) != nameOf(*gone.table, known(gone, source)))
+        return false;
+    const auto keyIn = [&](const Values& values, const char* name) {
+        const store::Value* key = valueIn(*made.table, values, name);
+        return key ? store::foldedKey(store::textOf(*key)) : std::string();
+    };
+    const std::vector<store::ParentField> parents = store::parentFields(*made.table);
+    return std::any_of(parents.begin(), parents.end(), [&](const store::ParentField& parent) {
+        return keyIn(made.after, parent.field) != keyIn(gone.before, parent.field);
+    });
+}
+
 LoggedChange movedBy(const LoggedChange& made, const LoggedChange& gone) {
     LoggedChange read = made;
     read.deed = Deed::Moved;

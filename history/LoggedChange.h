@@ -37,6 +37,9 @@ Values known(const LoggedChange& read, RecordSource& source);
 bool isPlacedBelow(const LoggedChange& read, const LoggedChange& above);
 /// The records right below which it did: their tables and keys.
 std::vector<std::pair<const store::TableDef*, std::string>> placesOf(const LoggedChange& read);
+/// Whether a cut can have written the one in place of the other: with the same name, under another
+/// key, in another place.
+bool isCutOf(const LoggedChange& made, const LoggedChange& gone, RecordSource& source);
 /// A cut writes anew what it takes away: both changes as the move that was meant.
 LoggedChange movedBy(const LoggedChange& made, const LoggedChange& gone);
 /// " из «Агрегаты» в «Крановая обвязка»"; what has no name is the top, of the desktop that it

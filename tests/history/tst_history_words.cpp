@@ -17,6 +17,7 @@ private slots:
     void aChangeOfAnotherFieldNamesItsRecord();
     void movesTellFromWhereToWhere();
     void aCutIsAMove();
+    void whatIsWrittenAnewInItsPlaceIsNoMove();
     void aBranchIsToldByItsTop();
     void severalOfAKindAreCounted();
     void differentDeedsAreToldByTheFirst();
@@ -177,6 +178,42 @@ void TestHistoryWords::aCutIsAMove() {
     ORVO_OK(Batch("Menu").remove("x").send(*m_anna));
     m_anna->joinGroup(0);
     QCOMPARE(words(cut), QString("Перемещён элемент меню «ГПА» из «Агрегаты» в «Краны»"));
+}
+
+void TestHistoryWords::whatIsWrittenAnewInItsPlaceIsNoMove() {
+    const auto makes = [&](const char* key, const char* folder) {
+        return Batch("MenuResource")
+            .insert(key, {{"type_", 3}, {"name_", "x.ui"}, {"MenuResourceFolderKey", folder}})
+            .send(*m_anna);
+    };
+    const auto replaces = [&](const char* gone, const char* key, const char* folder) {
+        const Status made = makes(key, folder);
+        const int64_t group = last(*m_anna);
+        m_anna->joinGroup(group);
+        const Status deleted = Batch("MenuResource").remove(gone).send(*m_anna);
+        m_anna->joinGroup(0);
+        return made.ok() && deleted.ok() ? group : -1;
+    };
+    ORVO_OK(Batch("MenuResourceFolder")
+                .insert("f", {{"type_", 3}, {"caption", "Формы"}})
+                .insert("g", {{"type_", 3}, {"caption", "Схемы"}})
+                .send(*m_anna));
+    ORVO_OK(makes("x", "f"));
+    QCOMPARE(words(replaces("x", "y", "F")), QString("Создана форма «x.ui» и ещё 1 запись"));
+    QCOMPARE(words(replaces("y", "z", "g")),
+             QString("Перемещена форма «x.ui» из «Формы» в «Схемы»"));
+
+    // Another table counts by itself.
+    ORVO_OK(Batch("Menu")
+                .insert("a", {{"caption", "А"}})
+                .insert("b", {{"caption", "Б"}})
+                .send(*m_anna));
+    const int64_t both = replaces("z", "w", "f");
+    m_anna->joinGroup(both);
+    ORVO_OK(Batch("Menu").insert("b2", {{"caption", "Б"}, {"parent", "a"}}).send(*m_anna));
+    ORVO_OK(Batch("Menu").remove("b").send(*m_anna));
+    m_anna->joinGroup(0);
+    QCOMPARE(words(both), QString("Перемещена форма «x.ui» из «Схемы» в «Формы» и ещё 1 запись"));
 }
 
 void TestHistoryWords::aBranchIsToldByItsTop() {
