@@ -252,10 +252,9 @@ QString mainWords(const Remark& remark, RecordSource& source, const PersonNames&
                 .arg(record, fieldWord(table, remark.field), who);
         return Text::tr("Не удалено: %1: на этом построено другое (%2)").arg(record, who);
     case Remark::StillNamed: {
-        const store::TableDef& elements = *store::findTable(table::Menu);
+        const store::TableDef& by = *remark.namedBy;
         return Text::tr("Не удалено: %1: на это ссылается %2")
-            .arg(record,
-                 recordWords(elements, source.valuesOf(elements, remark.missing), remark.missing));
+            .arg(record, recordWords(by, source.valuesOf(by, remark.missing), remark.missing));
     }
     case Remark::MovedBack:
         return Text::tr("Не удалено, а возвращено туда, где было: %1 (%2)").arg(record, who);

@@ -43,8 +43,8 @@ struct Remark {
         TopFolder,      ///< without that folder no editor loads the tree of resources
         BuiltOn,        ///< others have built on what would be deleted, or put something into what
                         ///< would open a resource: see Choices::othersWorkToo
-        StillNamed,     ///< what stays opens the resource that would be deleted with the work of
-                        ///< others
+        StillNamed,     ///< what stays opens the resource, or bears the icon, that would be deleted
+                        ///< with the work of others
         MovedBack,      ///< what is older than what goes with the work of others, and was only
                         ///< moved into it, goes back to where it stood
         OlderInside,    ///< the same, but it has no place any more: what it stands in stays
@@ -74,12 +74,13 @@ struct Remark {
                          ///< NameTaken, NoIcon, BuiltOn, TopFolder: of a stored one
     std::string missing; ///< asksForPlace(), NoResource: the key that the field would name;
                          ///< OlderInside: the one that it names;
-                         ///< StillNamed: that of the element; NameTaken, NoIcon: the name;
+                         ///< StillNamed: that of what names it; NameTaken, NoIcon: the name;
                          ///< NoRights, RightsStay: the login
     std::string login;   ///< Locked, ContentLocked: who holds it; else whose action it was, if
                          ///< another one is the reason
     double time = 0;     ///< and when, or since when
     int64_t group = 0;   ///< that action; of a whole action: the one that was asked for
+    const store::TableDef* namedBy = nullptr; ///< StillNamed: the table of `missing`
     /// asksForPlace(): why the place that was chosen is none either, and its key; empty: the top.
     std::optional<Why> whyNotChosen;
     std::string chosen;

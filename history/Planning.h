@@ -215,6 +215,8 @@ private:
     store::Status keepFolders(bool* changed);
     /// What stands below what goes back to another desktop with its place goes there as well.
     store::Status moveBranches();
+    /// Icons that others have given to something stay.
+    store::Status keepUsedIcons(bool* changed);
     /// Of these names those that no icon will have.
     store::Status withoutIcon(std::set<std::string>* names);
     /// Where a record stood before, the last one first; of all fields by which records stand

@@ -185,6 +185,7 @@ store::Status Planning::lookBelow(const store::TableDef& table, const Link& link
         if (m_choices.othersWorkToo && !link.places) {
             remark(Remark::StillNamed, table, record, link.field);
             m_inverse.remarks.back().missing = child;
+            m_inverse.remarks.back().namedBy = link.below;
         } else if (m_kept.count(planned) == 0) {
             kept.emplace_back(&record, child);
         }
@@ -355,6 +356,8 @@ store::Status Planning::keepWhatIsBuiltOn(bool* changed) {
             status = keepFolders(&again);
         if (status.ok() && !again) // what names a resource may go as well
             status = look(false);
+        if (status.ok() && !again && !isAlone)
+            status = keepUsedIcons(&again);
         if (!status.ok())
             return status;
         if (again || m_cutFrom.empty())

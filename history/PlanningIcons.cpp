@@ -11,6 +11,18 @@
 
 namespace orvo::history {
 
+namespace {
+
+bool isIconFolder(const store::TableDef& folders, const Values& values) {
+    const auto caption = values.find(folders.find(field::caption));
+    const auto parent = values.find(folders.find(field::ParentKey));
+    return caption != values.end() && parent != values.end() &&
+           store::textOf(parent->second).empty() &&
+           store::foldedName(store::textOf(caption->second)) == iconFolder;
+}
+
+} // namespace
+
 store::Status Planning::withoutIcon(std::set<std::string>* names) {
     const store::TableDef& files = *store::findTable(table::MenuResource);
     const store::TableDef& folders = *store::findTable(table::MenuResourceFolder);
@@ -42,14 +54,66 @@ store::Status Planning::withoutIcon(std::set<std::string>* names) {
     }
     if (status.ok())
         status = m_store.storedValues(folders, {above.begin(), above.end()}, &m_above[&folders]);
-    for (const auto& [text, key] : found) {
-        const Values folder = valuesThen(folders, key);
-        const auto caption = folder.find(folders.find(field::caption));
-        const auto parent = folder.find(folders.find(field::ParentKey));
-        if (caption != folder.end() && parent != folder.end() &&
-            store::textOf(parent->second).empty() &&
-            store::foldedName(store::textOf(caption->second)) == iconFolder)
+    for (const auto& [text, key] : found)
+        if (isIconFolder(folders, valuesThen(folders, key)))
             names->erase(text);
+    return status;
+}
+
+store::Status Planning::keepUsedIcons(bool* changed) {
+    const store::TableDef& files = *store::findTable(table::MenuResource);
+    const store::TableDef& folders = *store::findTable(table::MenuResourceFolder);
+    std::map<std::string, std::vector<Record*>> going; // by name
+    std::set<std::string> names;
+    store::Status status;
+    for (auto& [key, file] : m_records[&files]) {
+        if (file.flag != MDX_DELETE ||
+            !(file.now[files.find(field::type_)] == store::Value(int64_t(Kind::File))))
+            continue;
+        const std::string folder =
+            store::foldedKey(store::textOf(file.now[files.find(field::MenuResourceFolderKey)]));
+        if (status.ok())
+            status = m_store.storedValues(folders, {folder}, &m_above[&folders]);
+        if (!isIconFolder(folders, valuesThen(folders, folder)))
+            continue;
+        const std::string name = store::textOf(file.now[files.find(field::name_)]);
+        names.insert(name);
+        going[name].push_back(&file);
+    }
+    if (status.ok() && !names.empty())
+        status = withoutIcon(&names);
+    if (!status.ok() || names.empty())
+        return status;
+    for (const store::TableDef& table : store::tables()) {
+        const int ico = table.find(field::ico);
+        std::vector<std::pair<std::string, std::string>> bearers; // with the name
+        std::vector<store::Change> changes;
+        std::vector<std::string> keys;
+        if (ico >= 0 && status.ok())
+            status = m_store.keysNaming(table, ico, {names.begin(), names.end()}, &bearers);
+        for (const auto& [key, name] : bearers)
+            if (const Record* bearer = planned(table, store::foldedKey(key));
+                !bearer || (bearer->flag != MDX_DELETE && bearer->values.count(ico) == 0))
+                keys.push_back(key);
+        if (status.ok() && !keys.empty())
+            status = m_store.changesSince(table, keys, m_standing.begin() - 1, &changes);
+        std::map<std::string, const store::Change*> naming; // else it waited for the icon
+        for (const store::Change& change : changes)
+            if (const Values after = store::valuesFromJson(table, change.after);
+                m_concerned.count(change.group) == 0 && after.count(ico) != 0)
+                naming[store::textOf(after.find(ico)->second)] = &change;
+        for (const auto& [name, change] : naming)
+            for (Record* file : going[name]) {
+                if (names.count(name) == 0 || file->flag == 0)
+                    continue;
+                remark(m_choices.othersWorkToo ? Remark::StillNamed : Remark::BuiltOn, files, *file,
+                       -1, change);
+                m_inverse.remarks.back().missing = change->key;
+                m_inverse.remarks.back().namedBy = &table;
+                file->flag = 0;
+                m_kept.insert(file);
+                *changed = true;
+            }
     }
     return status;
 }

@@ -27,6 +27,7 @@ private slots:
     void anElementWhoseResourceIsGoneStaysAway();
     void anElementKeepsItsResourceIfTheOldOneIsGone();
     void anInsertAsksIfOthersHaveBuiltOnIt();
+    void anIconThatOthersHaveGivenAsksBeforeItGoes();
     void anInsertGoesIfNobodyHasBuiltOnIt();
     void aChangeOfWhatOthersDeletedIsReported();
     void severalActionsGoInOneTransaction();
@@ -281,6 +282,35 @@ void TestHistoryUndo::anInsertAsksIfOthersHaveBuiltOnIt() {
     QCOMPARE(snapshot(), before);
     ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
     QVERIFY(snapshot().contains(R"(Menu|"o"|"N"||"Чужая"||||||)"));
+}
+
+void TestHistoryUndo::anIconThatOthersHaveGivenAsksBeforeItGoes() {
+    ORVO_OK(Batch("MenuResourceFolder")
+                .insert("i", {{"type_", 4}, {"caption", "icons"}})
+                .send(*m_anna));
+    ORVO_OK(Batch("Menu").update("b", {{"ico", "nova.png"}}).send(*m_boris)); // waits for it
+    ORVO_OK(Batch("MenuResource")
+                .insert("n", {{"type_", 4}, {"name_", "nova.png"}, {"MenuResourceFolderKey", "i"}})
+                .send(*m_anna));
+    const int64_t annas = last(*m_anna);
+    Inverse done;
+    rename(*m_boris, "b", "другое");
+    ORVO_OK(planInverse(*m_anna, {annas}, {}, &done));
+    QCOMPARE(remarks(done), QStringList());
+    ORVO_OK(Batch("Menu").update("c", {{"ico", "nova.png"}}).send(*m_boris));
+    const QStringList before = snapshot();
+    ORVO_OK(undo(*m_anna, {annas}, {}, &done));
+    QVERIFY(!done.written && done.asks());
+    QVERIFY2(remarks(done).join('\n').startsWith(
+                 "Не удалено: файл «nova.png»: на этом построено другое (boris, "),
+             qPrintable(remarks(done).join('\n')));
+    Choices choices;
+    choices.othersWorkToo = true;
+    ORVO_OK(undo(*m_anna, {annas}, choices, &done));
+    QVERIFY(!done.written);
+    QCOMPARE(remarks(done), QStringList("Не удалено: файл «nova.png»: на это ссылается элемент "
+                                        "меню «В»"));
+    QCOMPARE(snapshot(), before);
 }
 
 void TestHistoryUndo::anInsertGoesIfNobodyHasBuiltOnIt() {
