@@ -165,7 +165,8 @@ QString mainWords(const Remark& remark, RecordSource& source, const PersonNames&
         return Text::tr("Из действий, которые изменили и другое, возвращается только то, что "
                         "относится сюда");
     const store::TableDef& table = *remark.table;
-    const QString record = recordWords(table, source.valuesOf(table, remark.key), remark.key);
+    const QString record = recordWords(
+        table, toldValues(table, source.valuesOf(table, remark.key), source), remark.key);
     switch (remark.why) {
     case Remark::ChangedSince:
         return Text::tr("Оставлено как есть: %1, поле «%2»: с тех пор изменено (%3)")

@@ -82,7 +82,7 @@ Values known(const LoggedChange& read, RecordSource& source) {
         values[field] = value;
     for (const auto& [field, value] : read.after)
         values[field] = value;
-    return values;
+    return toldValues(*read.table, std::move(values), source);
 }
 
 LoggedChange logged(const store::Change& change) {

@@ -111,6 +111,20 @@ QString nameOf(const store::TableDef& table, const Values& values) {
     return {};
 }
 
+Values toldValues(const store::TableDef& table, Values values, RecordSource& source) {
+    if (&table != &store::contentTable())
+        return values;
+    const auto owner = values.find(table.find(field::MenuResourceKey));
+    if (owner == values.end())
+        return values;
+    const store::TableDef& resources = *store::findTable(table::MenuResource);
+    const Values file = source.valuesOf(resources, store::textOf(owner->second));
+    const auto name = file.find(resources.find(field::name_));
+    if (integerOf(resources, file, field::type_) == Kind::File && name != file.end())
+        values[table.find(field::name_)] = name->second;
+    return values;
+}
+
 namespace {
 
 bool breaksLine(QChar letter) {

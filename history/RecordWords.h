@@ -33,6 +33,9 @@ const store::TableDef* targetOf(const store::TableDef& table, const store::Field
 
 /// The caption or name of a record; empty if it has none.
 QString nameOf(const store::TableDef& table, const Values& values);
+/// The values as they are told: the one content of a file is called by its name, which may have
+/// changed since.
+Values toldValues(const store::TableDef& table, Values values, RecordSource& source);
 /// In quotation marks, on one line and not too long.
 QString quoted(const QString& text);
 /// "рабочий стол «КС-3»"; the key if the record has no name.

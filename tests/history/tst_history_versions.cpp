@@ -37,6 +37,7 @@ private slots:
     void whatWasReplacedMeanwhileStays();
     void theHistoryOfAFormTellsOfItsContents();
     void contentsThatAreGoneAreStillTold();
+    void theContentOfARenamedFileHasItsName();
     void aFormGoesBackToAPlaceWithItsContents();
     void theHistoryOfAFolderTellsOfContents();
     void aContentIsToldWithItsFolder();
@@ -186,6 +187,22 @@ void TestHistoryVersions::contentsThatAreGoneAreStillTold() {
     QVERIFY(pruned.count > 0);
     QCOMPARE(history(row(key)), (QStringList{"Удалена форма «a_»", "Изменено содержимое файла «a_»",
                                              "Создана форма «a_»"}));
+}
+
+void TestHistoryVersions::theContentOfARenamedFileHasItsName() {
+    ORVO_OK(m_anna->filePut({{"", "r.txt", "first", 1.0}}));
+    const QString key =
+        snapshot().filter("MenuResource|").filter("\"r.txt\"").front().split('"')[1];
+    ORVO_OK(Batch("MenuResource").update(key.toUtf8(), {{"name_", "r2.txt"}}).send(*m_anna));
+    ORVO_OK(m_anna->filePut({{"", "r2.txt", "second", 2.0}}));
+    QCOMPARE(words(last(*m_anna)), QString("Изменено содержимое файла «r2.txt»"));
+    Inverse plan;
+    ORVO_OK(planInverse(*m_anna, {last(*m_anna)}, {}, &plan));
+    LoggedRecords source(*m_anna);
+    QStringList told;
+    for (const Change& change : plan.preview)
+        told << describe(change, source).what;
+    QVERIFY2(told.contains("Изменено содержимое файла «r2.txt»"), qPrintable(told.join('\n')));
 }
 
 void TestHistoryVersions::aFormGoesBackToAPlaceWithItsContents() {
