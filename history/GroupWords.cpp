@@ -100,8 +100,19 @@ std::vector<const LoggedChange*> mainOnes(const std::vector<LoggedChange>& all) 
         if (read.deed == Deed::Created)
             created.insert(record);
     }
+    const auto goesWithUser = [&](const LoggedChange& read) { // a form that he holds
+        if (read.deed != Deed::Occupied && read.deed != Deed::Released)
+            return false;
+        const store::Value* user = valueIn(
+            *read.table, read.deed == Deed::Occupied ? read.after : read.before, field::UsersKey);
+        const std::pair<std::string, std::string> record{
+            table::Users, user ? store::foldedKey(store::textOf(*user)) : std::string()};
+        return (read.deed == Deed::Occupied ? created : deleted).count(record) != 0;
+    };
     std::vector<const LoggedChange*> found;
     for (const LoggedChange& read : all) {
+        if (goesWithUser(read))
+            continue;
         if (read.table && ((isContent(read) && !onlyContents) || (isOrder(read) && !onlyOrder)))
             continue;
         if (following.count(&read) != 0 || (saysNothing(read) && !nothingSaid))

@@ -273,6 +273,8 @@ void TestHistoryLocks::aUserWhoGoesHoldsNoForm() {
         ORVO_OK(undo(*m_anna, actions, {}, &done));
         QCOMPARE(done.written, !stays);
         QCOMPARE(form() == free, !stays);
+        if (!stays && actions.size() == 1)
+            QCOMPARE(words(last(*m_anna)), QString("Отменено создание: пользователь «u1»"));
         ORVO_OK(lock(*m_boris, ""));
         ORVO_OK(Batch("MenuResource")
                     .update(m_form.toUtf8(), {{"UsersKey", {}}, {"dateTimeEdit", {}}})
