@@ -6042,10 +6042,6 @@ Exit codes: 0 done, 1 the check found errors, 2 failure or wrong usage,
         <translation>nothing to restore</translation>
     </message>
     <message>
-        <source>: решите, как быть (--place, --with-others, --other-names или без этого --partly)</source>
-        <translation>: decide what to do (--place, --with-others, --other-names, or --partly to go without it)</translation>
-    </message>
-    <message>
         <source>: стандартный ввод закрыт</source>
         <translation>: standard input is closed</translation>
     </message>
@@ -7500,6 +7496,10 @@ place in the store, and for deleting what others that stay refer to.</translatio
     <message>
         <source>Оставлено как есть: %1, поле «%2»: без неё дерево ресурсов не загружается</source>
         <translation>Left as it is: %1, field “%2”: without it the tree of resources is not loaded</translation>
+    </message>
+    <message>
+        <source>или без этого --partly</source>
+        <translation>or --partly to go without it</translation>
     </message>
 </context>
 <context>

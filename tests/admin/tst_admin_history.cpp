@@ -123,7 +123,8 @@ void TestAdminHistory::whatIsLeftIsNamed() {
              qPrintable(result.out));
     const QByteArray before = content();
     const AdminResult asking = run({"undo", made});
-    QVERIFY2(asking.err.contains("решите, как быть"), qPrintable(asking.err));
+    QVERIFY2(asking.err.contains("решите, как быть (--with-others или без этого --partly)"),
+             qPrintable(asking.err));
     QCOMPARE(content(), before);
     QCOMPARE(run({"undo", made, "--with-others"}).code, 0);
     QVERIFY(!content().contains("\"caption\":\"2\""));
@@ -149,10 +150,20 @@ void TestAdminHistory::aTakenNameIsNamedAndAFreeOneIsOffered() {
     const AdminResult asking = run({"undo", deletion});
     QVERIFY2(asking.out.contains("Не возвращено: форма «a.ui»: имя «a.ui» уже занято (admin, "),
              qPrintable(asking.out));
-    QVERIFY2(asking.err.contains("--other-names"), qPrintable(asking.err));
+    QVERIFY2(asking.err.contains("(--other-names или без этого --partly)"), qPrintable(asking.err));
     QCOMPARE(content(), before);
     ORVO_DONE(run({"undo", deletion, "--other-names"}));
     QVERIFY(content().contains("a (2).ui"));
+
+    // Nothing helps with what gets no other name.
+    QVERIFY(m_kind.byHand("INSERT INTO \"MenuFileExt\" (\"KeyLink\", \"fileExt\") VALUES ('e', "
+                          "'.svg');"));
+    QVERIFY(m_kind.byHand("DELETE FROM \"MenuFileExt\" WHERE \"KeyLink\" = 'e';"));
+    const QString extension = run({"history", "--limit", "1"}).out.section(' ', 0, 0);
+    QVERIFY(m_kind.byHand("INSERT INTO \"MenuFileExt\" (\"KeyLink\", \"fileExt\") VALUES ('f', "
+                          "'.svg');"));
+    const AdminResult taken = run({"undo", extension});
+    QVERIFY2(taken.err.contains("решите, как быть (--partly)"), qPrintable(taken.err));
 }
 
 void TestAdminHistory::aUserComesBackWithoutHisRights() {

@@ -74,6 +74,26 @@ std::vector<int64_t> readGroups(const Invocation& call, store::MaintainedStore& 
     return groups;
 }
 
+/// The options that help with what is asked.
+std::string waysOut(const history::Inverse& inverse) {
+    const auto asks = [&](const auto& isAbout) {
+        return std::any_of(inverse.remarks.begin(), inverse.remarks.end(), isAbout);
+    };
+    QStringList ways;
+    if (asks([](const history::Remark& remark) { return remark.asksForPlace(); }))
+        ways << QStringLiteral("--place");
+    if (asks([](const history::Remark& remark) {
+            return remark.why == history::Remark::BuiltOn ||
+                   remark.why == history::Remark::CutChanged;
+        }))
+        ways << QStringLiteral("--with-others");
+    if (asks([](const history::Remark& remark) { return remark.asksForName(); }))
+        ways << QStringLiteral("--other-names");
+    return ways.isEmpty() ? std::string("--partly")
+                          : ways.join(QStringLiteral(", ")).toStdString() + ' ' +
+                                StdText::tr("или без этого --partly");
+}
+
 int run(const Invocation& call) {
     const history::Choices choices = readChoices(call);
     const auto store = call.open();
@@ -104,8 +124,7 @@ int run(const Invocation& call) {
     for (const history::Remark& remark : inverse.remarks)
         out(line(history::remarkWords(remark, source, people)));
     if (inverse.asks() && !choices.partly && !dry)
-        throw Failure(what() + StdText::tr(": решите, как быть (--place, --with-others, "
-                                           "--other-names или без этого --partly)"));
+        throw Failure(what() + StdText::tr(": решите, как быть (") + waysOut(inverse) + ")");
     out((dry ? StdText::tr("записалось бы записей: ") : StdText::tr("записано записей: ")) +
         std::to_string(inverse.count));
     return inverse.remarks.empty() ? Done : ErrorsFound;
