@@ -1,5 +1,6 @@
 #include "frame/WindowParts.h"
 
+#include "frame/FirstRow.h"
 #include "frame/Keys.h"
 #include "frame/RowDelegate.h"
 #include "frame/Text.h"
@@ -179,6 +180,7 @@ void arrangeTree(QTreeView* view, bool styled) {
     view->setIndentation(imageSize);
     view->installEventFilter(new ExpandAllKeyFilter(view)); // the view's child
     view->setItemDelegate(new RowDelegate(view));           // likewise
+    new FirstRow(view);                                     // likewise
 }
 
 void showMarks(QTreeView* view, const COrvoCliMod& module, RowDelegate::RecordOf recordOf) {

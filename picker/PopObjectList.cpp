@@ -1,6 +1,7 @@
 #include "picker/PopObjectList.h"
 
 #include "frame/ContextMenuKey.h"
+#include "frame/FirstRow.h"
 #include "frame/Records.h"
 #include "frame/Text.h"
 #include "frame/Vocabulary.h"
@@ -77,7 +78,8 @@ CPopObjectList::CPopObjectList(QMainWindow* parent)
     m_ui->tvObj->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(m_ui->tvObj, &QTreeView::customContextMenuRequested, this,
             &CPopObjectList::showContextMenu);
-    new orvo::ContextMenuKey(m_ui->tvObj); // the view's child
+    new orvo::ContextMenuKey(m_ui->tvObj); // these: the view's children
+    new orvo::FirstRow(m_ui->tvObj);
     orvo::onSearchKeys(*this, *m_search);
     addPaletteKeys();
 }
@@ -336,12 +338,10 @@ bool CPopObjectList::eventFilter(QObject* watched, QEvent* event) {
     case Qt::Key_PageDown:
     case Qt::Key_Home:
     case Qt::Key_End: {
-        // A tree that gets the focus makes its first row current by itself.
-        const bool isFirst = !tree->currentIndex().isValid();
-        tree->setFocus(Qt::OtherFocusReason);
-        if (isFirst)
-            tree->setCurrentIndex(treeModel->index(0, 0));
-        else
+        const bool isFirst =
+            !tree->currentIndex().isValid(); // it takes its first row with the focus
+        tree->setFocus(Qt::ShortcutFocusReason);
+        if (!isFirst)
             QCoreApplication::sendEvent(tree, event);
         return true;
     }

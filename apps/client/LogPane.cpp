@@ -99,7 +99,8 @@ LogSearch::LogSearch(LogPane* log) {
     text->setToolTip(Text::tr("Слова из любого столбца, в любом порядке (Ctrl+F)"));
     text->setClearButtonEnabled(true);
     text->hide();
-    connect(text, &QLineEdit::returnPressed, log, qOverload<>(&QWidget::setFocus));
+    connect(text, &QLineEdit::returnPressed, log,
+            [log] { log->setFocus(Qt::ShortcutFocusReason); });
     connect(text, &QLineEdit::textChanged, log, &LogPane::showOnlyThoseWith);
 }
 

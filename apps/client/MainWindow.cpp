@@ -192,7 +192,7 @@ void MainWindow::bringUp(QDockWidget* pane) {
         resizeDocks({pane}, {usefulHeight}, Qt::Vertical);
     raise(); // the key may come from another window
     activateWindow();
-    pane->widget()->setFocus();
+    pane->widget()->setFocus(Qt::ShortcutFocusReason);
 }
 
 void MainWindow::setTitle(QWidget* page, const QString& title) {

@@ -2,11 +2,11 @@
 
 #include "frame/ContextMenuKey.h"
 #include "frame/EscapeKey.h"
+#include "frame/FirstRow.h"
 
 #include <QAbstractSpinBox>
 #include <QAction>
 #include <QComboBox>
-#include <QFocusEvent>
 #include <QLineEdit>
 #include <QPointer>
 #include <QShortcut>
@@ -34,26 +34,6 @@ void saveBeside(const QWidget& pane) {
             editor && editor->isVisible())
             save->trigger();
 }
-
-/// Whoever comes to a list by key finds a row chosen: the commands of the row are on. The view
-/// itself would make the first one current only.
-class FirstRow : public QObject {
-public:
-    explicit FirstRow(QAbstractItemView* view) : QObject(view), m_view(*view) {
-        view->installEventFilter(this);
-    }
-
-protected:
-    bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == QEvent::FocusIn && !m_view.currentIndex().isValid() &&
-            static_cast<QFocusEvent*>(event)->reason() != Qt::MouseFocusReason)
-            m_view.setCurrentIndex(m_view.model()->index(0, 0));
-        return false;
-    }
-
-private:
-    QAbstractItemView& m_view;
-};
 
 } // namespace
 

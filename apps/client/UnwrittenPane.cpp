@@ -213,7 +213,8 @@ void UnwrittenPane::updateActions() {
     m_giveUp->setText(conflict ? Text::tr("Взять чужое") : Text::tr("Отказаться"));
     const auto enable = [this](QPushButton* button, bool on) {
         if (!on && button->hasFocus())
-            m_tree->setFocus(); // Qt would give it to whatever is next in the window
+            m_tree->setFocus(
+                Qt::ShortcutFocusReason); // Qt would give it to whatever is next in the window
         button->setEnabled(on);
     };
     enable(m_repeat, entry && entry->state != UnwrittenEntry::Unknown);

@@ -260,6 +260,29 @@ private slots:
         QVERIFY(isAt(fixture.tree("Menu", "tvProp"))); // from where one went to the palette
     }
 
+    void aTreeWithoutACurrentRowTakesItsFirst() {
+        Fixture fixture;
+        QVERIFY(fixture.show("Menu"));
+        QTreeView* desktops = fixture.tree("Menu", "tvDesck");
+        QTreeView* menu = fixture.tree("Menu", "tvMenu");
+        const auto isAtFirst = [](const QTreeView* tree) {
+            const QModelIndex first = tree->model()->index(0, 0);
+            return QApplication::focusWidget() == tree && first.isValid() &&
+                   tree->currentIndex() == first && tree->selectionModel()->isSelected(first);
+        };
+        for (int round = 0; round < 2; ++round) { // Qt's view looks for a row once only
+            desktops->setFocus();
+            desktops->setCurrentIndex(desktops->model()->index(0, 0));
+            fixture.openDesktop("КС-1");
+            QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г"));
+            QVERIFY(!menu->currentIndex().isValid());
+            QTest::keyClick(desktops, Qt::Key_F6);
+            QVERIFY(isAtFirst(menu));
+        }
+        QTest::keyClick(menu, Qt::Key_Insert, Qt::ShiftModifier);
+        QTRY_COMPARE(fixture.menu(), QString("а(б(в)) г Новая папка"));
+    }
+
     void aPaneThatIsClosedByItsKeyLeadsBackToWhereOneWas() {
         Fixture fixture;
         QVERIFY(fixture.show("Menu"));

@@ -489,6 +489,23 @@ private slots:
         QVERIFY(picker->treeModel->findIndexByKey("m2").isValid());
     }
 
+    void whoComesToTheListByKeyFindsARowChosen() {
+        Menu menu;
+        QVERIFY(menu.open());
+        menu.view("tvMenu")->setCurrentIndex(menu->element("glubzhe"));
+        for (int round = 0; round < 2; ++round) { // Qt's view looks for a row once only
+            menu.press(Qt::Key_F7);
+            QVERIFY(menu.isInPalette());
+            const QTreeView* list = menu.palette()->tvObj();
+            QVERIFY(!list->currentIndex().isValid());
+            menu.palette()->tvObj()->setFocus(Qt::ShortcutFocusReason);
+            QCOMPARE(list->currentIndex(), list->model()->index(0, 0));
+            QVERIFY(list->selectionModel()->isSelected(list->currentIndex()));
+            menu.press(Qt::Key_F7);
+            menu.palette()->hide();
+        }
+    }
+
     void aBoxOfTheEditorHidesThePaletteUntilItIsAnswered() {
         Menu menu;
         QVERIFY(menu.open());

@@ -123,7 +123,8 @@ void ProblemsPane::makeButtons() {
     });
     connect(m_which, qOverload<int>(&QComboBox::activated), this,
             [this](int which) { m_feed.model().showOnlyErrors(which == 1); });
-    connect(m_text, &QLineEdit::returnPressed, m_view, qOverload<>(&QWidget::setFocus));
+    connect(m_text, &QLineEdit::returnPressed, m_view,
+            [this] { m_view->setFocus(Qt::ShortcutFocusReason); });
     connect(m_text, &QLineEdit::textChanged, &m_feed.model(), &ProblemsModel::showOnlyThoseWith);
     for (const int key : {Qt::Key_Return, Qt::Key_Enter}) {
         auto* cure = new QShortcut(QKeySequence(int(Qt::CTRL) + key), m_view);
