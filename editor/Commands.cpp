@@ -22,6 +22,13 @@ bool repeats(const keys::Command& command) {
     return id == QLatin1String(keys::moveUp) || id == QLatin1String(keys::moveDown);
 }
 
+/// Those whose keys the view would take for a step to another row, where nothing can be moved.
+bool keepsItsKey(const keys::Command& command) {
+    const QLatin1String id(command.id);
+    return repeats(command) || id == QLatin1String(keys::moveIn) ||
+           id == QLatin1String(keys::moveOut);
+}
+
 void addCommand(QAction& action, const keys::Command& command) {
     const QString before = action.property(commandProperty).toString();
     const QString id = QLatin1String(command.id);
@@ -111,7 +118,7 @@ const Commands::Binding* Commands::find(const keys::Command& command, const QTre
 const Commands::Binding* Commands::find(const QTreeView* pane, const QKeyEvent& event) const {
     for (const Binding& binding : m_bindings)
         if (binding.pane && binding.pane == pane && keys::matches(event, *binding.command) &&
-            (binding.action || mayRun(binding)))
+            (binding.action || keepsItsKey(*binding.command) || mayRun(binding)))
             return &binding;
     return nullptr;
 }

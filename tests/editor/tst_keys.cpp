@@ -50,8 +50,8 @@ public:
     /// The focus as F6 gives it, and a row.
     QTreeView* at(const char* row) {
         QTreeView* menu = view("tvMenu");
+        menu->setCurrentIndex(module->element(row)); // before the focus chooses the first one
         menu->setFocus(Qt::ShortcutFocusReason);
-        menu->setCurrentIndex(module->element(row));
         return menu;
     }
     /// The passport of a row, with the focus as F6 gives it.
@@ -258,11 +258,30 @@ private slots:
         press("form", Qt::Key_Left);
         QCOMPARE(menu.parentOf("form"), QString("grafiki"));
         QCOMPARE(menu->element("form").row(), menu->element("glubzhe").row() + 1);
-        // At the top there is nothing to leave, and above the first no folder.
-        const int writes = menu.host.writes().calls.size();
-        press("shema", Qt::Key_Left);
-        press("shema", Qt::Key_Right);
-        QCOMPARE(int(menu.host.writes().calls.size()), writes);
+    }
+
+    void anElementThatCannotBeMovedStaysCurrent() {
+        Menu menu;
+        QVERIFY(menu.open());
+        const QModelIndex top = menu.view("tvMenu")->model()->index(0, 0);
+        const QModelIndex first = top.model()->index(0, 0, top);
+        const int last = first.model()->rowCount(top) - 1;
+        const auto stays = [&](const QModelIndex& row, Qt::Key key) {
+            QTreeView* view = menu.view("tvMenu");
+            view->setFocus();
+            view->setCurrentIndex(row);
+            QTest::keyClick(view, key, Qt::AltModifier);
+            menu.host.deliver(*menu.module);
+            return view->currentIndex() == row;
+        };
+        QVERIFY(stays(menu->element("shema"), Qt::Key_Left)); // no folder, which closes first
+        QVERIFY(stays(first, Qt::Key_Left));
+        QVERIFY(stays(first, Qt::Key_Right));
+        QVERIFY(stays(first, Qt::Key_Up));
+        QVERIFY(stays(first.siblingAtRow(last), Qt::Key_Down));
+        for (const Qt::Key key : {Qt::Key_Up, Qt::Key_Down, Qt::Key_Left, Qt::Key_Right})
+            QVERIFY(stays(top, key));
+        QVERIFY(menu.host.writes().calls.isEmpty());
     }
 
     void aMenuOpenedByKeyKeepsItsActions() {
