@@ -32,6 +32,12 @@ constexpr char stayKey[] = "view/stayAtOwnRow";
 constexpr char placeProperty[] = "orvoPlace";     // of a module's entry: its place among the others
 constexpr char paletteProperty[] = "orvoPalette"; // of a window that stays beside its module
 
+/// Whether it is a passport, which shows one record.
+bool editsWhatIsCurrent(const QWidget* part) {
+    const auto* view = qobject_cast<const QAbstractItemView*>(part);
+    return view && (view->editTriggers() & QAbstractItemView::CurrentChanged);
+}
+
 } // namespace
 
 QAction* MainWindow::addCommand(const char* id, QMenu* menu, bool always) {
@@ -185,7 +191,7 @@ void MainWindow::focusPage() {
          next = next->nextInFocusChain()) {
         const auto* view = qobject_cast<QAbstractItemView*>(next);
         if (view && page->isAncestorOf(view) && (view->focusPolicy() & Qt::TabFocus) &&
-            !(view->editTriggers() & QAbstractItemView::CurrentChanged))
+            !editsWhatIsCurrent(view))
             part = next;
     }
     (part ? part : page)->setFocus(Qt::ShortcutFocusReason);
@@ -229,30 +235,55 @@ void MainWindow::showModuleEntries() {
     }
 }
 
-/// Its trees from left to right, or a page without any itself; its palette; then the open panes.
-/// What has no way to take the focus is passed.
+namespace {
+
+/// The trees of a part from left to right, or itself if it has none.
+std::vector<QWidget*> viewsOf(QWidget* part) {
+    std::vector<QWidget*> views;
+    for (QAbstractItemView* view : part->findChildren<QAbstractItemView*>())
+        if (view->isVisible() && view->focusPolicy() != Qt::NoFocus &&
+            view->window() == part->window() && !view->inherits("QHeaderView"))
+            views.push_back(view);
+    std::sort(views.begin(), views.end(), [](const QWidget* one, const QWidget* other) {
+        const QPoint a = one->mapToGlobal(QPoint()), b = other->mapToGlobal(QPoint());
+        return std::pair(a.x(), a.y()) < std::pair(b.x(), b.y());
+    });
+    if (views.empty())
+        views.push_back(part);
+    return views;
+}
+
+/// The trees of a page, and of its palette before the passport: it is the tree that one adds to.
+/// A passport that the palette covers is passed.
+std::vector<QWidget*> partsOf(QWidget* page) {
+    std::vector<QWidget*> parts = viewsOf(page);
+    for (QWidget* palette : page->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
+        if (!palette->isVisible() || !palette->property(paletteProperty).toBool())
+            continue;
+        parts.erase(std::remove_if(parts.begin(), parts.end(),
+                                   [palette](const QWidget* part) {
+                                       return editsWhatIsCurrent(part) &&
+                                              palette->geometry().contains(
+                                                  part->mapToGlobal(part->rect().center()));
+                                   }),
+                    parts.end());
+        const auto passport = std::find_if(parts.begin(), parts.end(), editsWhatIsCurrent);
+        const std::vector<QWidget*> views = viewsOf(palette);
+        parts.insert(passport, views.begin(), views.end());
+    }
+    return parts;
+}
+
+} // namespace
+
+/// Each page, then the open panes. What has no way to take the focus is passed.
 void MainWindow::focusPart(int by) {
     std::vector<QWidget*> parts;
-    const auto addViews = [&parts](QWidget* part) {
-        std::vector<QWidget*> views;
-        for (QAbstractItemView* view : part->findChildren<QAbstractItemView*>())
-            if (view->isVisible() && view->focusPolicy() != Qt::NoFocus &&
-                view->window() == part->window() && !view->inherits("QHeaderView"))
-                views.push_back(view);
-        std::sort(views.begin(), views.end(), [](const QWidget* one, const QWidget* other) {
-            const QPoint a = one->mapToGlobal(QPoint()), b = other->mapToGlobal(QPoint());
-            return std::pair(a.x(), a.y()) < std::pair(b.x(), b.y());
-        });
-        parts.insert(parts.end(), views.begin(), views.end());
-        if (views.empty())
-            parts.push_back(part);
+    const auto add = [&parts](const std::vector<QWidget*>& more) {
+        parts.insert(parts.end(), more.begin(), more.end());
     };
-    for (QWidget* page : m_pageDocks->shown()) {
-        addViews(page);
-        for (QWidget* child : page->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly))
-            if (child->isVisible() && child->property(paletteProperty).toBool())
-                addViews(child);
-    }
+    for (QWidget* page : m_pageDocks->shown())
+        add(partsOf(page));
     for (const QDockWidget* dock :
          findChildren<QDockWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
         if (dock->isHidden() || dock->visibleRegion().isEmpty() || !dock->widget() ||
@@ -261,7 +292,7 @@ void MainWindow::focusPart(int by) {
         if (dynamic_cast<const DeskDock*>(dock) != nullptr)
             parts.push_back(dock->widget());
         else if (!m_isWorkplace)
-            addViews(dock->widget());
+            add(viewsOf(dock->widget()));
     }
     if (parts.empty())
         return;

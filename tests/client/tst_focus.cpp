@@ -239,14 +239,20 @@ private slots:
             return QTest::qWaitFor([&] { return QApplication::focusWidget() == part; });
         };
         auto* list = palette->findChild<QTreeView*>("tvObj");
-        press(Qt::Key_F6, Qt::ShiftModifier);
-        QVERIFY(isAt(fixture.tree("Menu", "tvProp")));
-        press(Qt::Key_F6, Qt::ShiftModifier);
-        QVERIFY(isAt(menu));
-        press(Qt::Key_F6);
-        QVERIFY(isAt(fixture.tree("Menu", "tvProp")));
-        press(Qt::Key_F6); // the other window becomes the active one
-        QVERIFY(isAt(list));
+        QTreeView* passport = fixture.tree("Menu", "tvProp");
+        for (const bool covers : {false, true}) { // the passport
+            palette->move(covers ? passport->mapToGlobal(QPoint())
+                                 : menu->window()->frameGeometry().topRight());
+            palette->resize(passport->size().expandedTo(palette->minimumSize()));
+            press(Qt::Key_F6, Qt::ShiftModifier);
+            QVERIFY(isAt(menu));
+            press(Qt::Key_F6); // the other window becomes the active one
+            QVERIFY(isAt(list));
+            press(Qt::Key_F6);
+            QVERIFY(isAt(covers ? fixture.child<QWidget>("logPane") : passport));
+            press(Qt::Key_F6, Qt::ShiftModifier);
+            QVERIFY(isAt(list));
+        }
         QVERIFY(palette->isVisible());
         // What finds in the whole store is at hand there too, and leads back.
         press(Qt::Key_K, Qt::ControlModifier);
@@ -256,8 +262,8 @@ private slots:
         QVERIFY(isAt(list));
         press(Qt::Key_F7);
         QVERIFY(!palette->isVisible());
-        fixture.client->window()->activateWindow();    // as a window manager does
-        QVERIFY(isAt(fixture.tree("Menu", "tvProp"))); // from where one went to the palette
+        fixture.client->window()->activateWindow();       // as a window manager does
+        QVERIFY(isAt(fixture.child<QWidget>("logPane"))); // from where one went to the palette
     }
 
     void aTreeWithoutACurrentRowTakesItsFirst() {
