@@ -8,6 +8,7 @@
 #include "frame/FolderWalk.h"
 #include "frame/Kinds.h"
 #include "frame/ScratchTable.h"
+#include "frame/WindowParts.h"
 #include "resources/Columns.h"
 
 #include <QClipboard>
@@ -58,8 +59,13 @@ void OrvoResources::on_actCut_triggered() {
         else
             copyResItemToClipboard(key, resources);
     }
-    if (!resources.isEmpty() || !folders.isEmpty())
-        orvo::offerOnClipboard(*m_clipboard, resourcesMime, cut.bytes());
+    if (resources.isEmpty() && folders.isEmpty())
+        return;
+    m_cutNames.clear();
+    for (const QModelIndex& row : rows)
+        m_cutNames.push_back({m_resModel->getItemKeyLink(row), describe(row)});
+    m_cutBytes = cut.bytes();
+    orvo::offerOnClipboard(*m_clipboard, resourcesMime, m_cutBytes);
 }
 
 void OrvoResources::copyResItemToClipboard(const QString& key, ScratchTable& resources) const {
@@ -105,6 +111,7 @@ void OrvoResources::on_actPaste_triggered() {
         return;
     }
     // From here on the cut is gone, whatever becomes of it.
+    const QStringList gone = bytes == m_cutBytes ? namesGoneSinceCut() : QStringList();
     m_clipboard->clear(QClipboard::Clipboard);
     if (!intoFolder)
         return;
@@ -112,6 +119,19 @@ void OrvoResources::on_actPaste_triggered() {
     if (orvo::sameText(folder, QString::fromLatin1(orvo::rowkey::files)))
         folder.clear();
     sendToFolder(rows->keys, folder, &orvo::RowWriter::textOrNull);
+    if (!gone.isEmpty())
+        refuse((size_t(gone.size()) < m_cutNames.size()
+                    ? tr("Вставлено не всё. После вырезания удалено: %1.")
+                    : tr("Не вставлено. После вырезания удалено: %1."))
+                   .arg(orvo::nameLines(gone).replace(QLatin1Char('\n'), QLatin1String(", "))));
+}
+
+QStringList OrvoResources::namesGoneSinceCut() const {
+    QStringList gone;
+    for (const auto& [key, name] : m_cutNames)
+        if (!m_resModel->findIndexByKey(key).isValid())
+            gone << name;
+    return gone;
 }
 
 void OrvoResources::on_res_dragdrop(const QModelIndex& destindex, QStringList srcList) {

@@ -33,6 +33,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 class QComboBox;
@@ -270,6 +271,8 @@ private:
     /// The fields behind a row.
     const orvo::editor::RecordFields& fieldsOf(const QModelIndex& row) const;
     /// A row in words: what it is, its caption, and the resource if that is another word.
+    /// What was cut here and has been deleted since, in words.
+    QStringList namesGoneSinceCut() const;
     QString describe(const QModelIndex& row) const;
     /// Keys by which the records of a folder name it; the top of the file area has two.
     QStringList folderLinks(const QString& folderKey, int type) const;
@@ -389,6 +392,8 @@ private:
     template <class Move>
     void moveRow(Move move, MoveKind kind);
     bool m_following = false; ///< the current row is made current again in its new place
+    QByteArray m_cutBytes;    ///< what was cut here last, as it went to the clipboard
+    std::vector<std::pair<QString, QString>> m_cutNames; ///< its keys, and what they name
     bool m_focusCame = false; ///< a change of m_focusKey has come since it was set
     /// What was typed into the row of a change goes back into it; what somebody else has replaced
     /// is named in the log.

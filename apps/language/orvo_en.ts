@@ -726,6 +726,14 @@
         <source>Файл «%1» не загружен: %2</source>
         <translation>File “%1” was not uploaded: %2</translation>
     </message>
+    <message>
+        <source>Вставлено не всё. После вырезания удалено: %1.</source>
+        <translation>Not everything was pasted. Deleted since they were cut: %1.</translation>
+    </message>
+    <message>
+        <source>Не вставлено. После вырезания удалено: %1.</source>
+        <translation>Nothing was pasted. Deleted since they were cut: %1.</translation>
+    </message>
 </context>
 <context>
     <name>PasspDelegate</name>

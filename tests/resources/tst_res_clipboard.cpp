@@ -238,6 +238,27 @@ private slots:
         QCOMPARE(window.editor->m_focusKey, QString("rtable"));
     }
 
+    void whatAnotherHasDeletedSinceTheCutIsNamed() {
+        for (const bool all : {false, true}) {
+            Window window;
+            window.select({"rlog", "rtable"});
+            window.editor->on_actCut_triggered();
+            for (const char* key : all ? std::vector{"rlog", "rtable"} : std::vector{"rlog"})
+                window.store.remove("MenuResource", key);
+            window.deliver();
+            window.makeCurrent("alarms");
+            window.editor->on_actPaste_triggered();
+            QCOMPARE(window.written(),
+                     all ? QString()
+                         : QString("MenuResource\n  ~rtable MenuResourceFolderKey='alarms'\n"));
+            QCOMPARE(window.box(),
+                     all ? QString("Ошибка\nНе вставлено. После вырезания удалено: модуль «Журнал» "
+                                   "(Log), модуль «Архив» (Table).")
+                         : QString("Ошибка\nВставлено не всё. После вырезания удалено: модуль "
+                                   "«Журнал» (Log)."));
+        }
+    }
+
     void withoutAnyRowNothingGoesOut() {
         Window window;
         window.paste("1\ngone;\n", "alarms");
