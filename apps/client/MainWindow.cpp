@@ -160,6 +160,8 @@ QDockWidget* MainWindow::addPane(QWidget* content, const QString& title, const Q
     }
     QAction* toggle = m_view->addAction(title);
     toggle->setShortcut(shortcut);
+    toggle->setCheckable(true);
+    connect(dock->toggleViewAction(), &QAction::toggled, toggle, &QAction::setChecked);
     const auto cameFrom = std::make_shared<QPointer<QWidget>>();
     connect(toggle, &QAction::triggered, dock, [this, dock, cameFrom] {
         QWidget* focus = QApplication::focusWidget();
@@ -175,6 +177,9 @@ QDockWidget* MainWindow::addPane(QWidget* content, const QString& title, const Q
         }
         dock->hide();
     });
+    // One that is behind others comes to the front and stays open.
+    connect(toggle, &QAction::triggered, dock,
+            [dock, toggle] { toggle->setChecked(!dock->isHidden()); });
     return dock;
 }
 

@@ -329,6 +329,31 @@ private slots:
         QCOMPARE(fixture.client->window()->focusWidget(), menu);
     }
 
+    void theMenuTellsWhichPanesAreOpen() {
+        Fixture fixture;
+        QVERIFY(fixture.show("Menu"));
+        app::MainWindow* window = fixture.client->window();
+        const auto isChecked = [&](Qt::Key key) {
+            for (const QAction* entry : window->viewMenu()->actions())
+                if (entry->shortcut() == QKeySequence(key))
+                    return entry->isCheckable() && entry->isChecked();
+            return false;
+        };
+        for (const Qt::Key key : {Qt::Key_F4, Qt::Key_F8}) {
+            QVERIFY(!isChecked(key));
+            QTest::keyClick(window, key);
+            QTRY_VERIFY(isChecked(key));
+        }
+        // Behind the other: the key brings it to the front.
+        const QWidget* history = fixture.child<QTreeView>("historyTree")->viewport();
+        QTRY_VERIFY(history->visibleRegion().isEmpty());
+        QTest::keyClick(window, Qt::Key_F4);
+        QTRY_VERIFY(!history->visibleRegion().isEmpty());
+        QVERIFY(isChecked(Qt::Key_F4));
+        QTest::keyClick(window, Qt::Key_F4);
+        QTRY_VERIFY(!isChecked(Qt::Key_F4));
+    }
+
     void thePreviewOpensAndClosesByKeys() {
         Fixture fixture;
         QVERIFY(fixture.show("Menu"));
