@@ -107,8 +107,9 @@ UnwrittenPane::UnwrittenPane(client::UnwrittenList& list, QWidget* parent)
     m_giveUp->setObjectName(QStringLiteral("unwrittenGiveUp"));
     m_tree->setAccessibleName(Text::tr("Не записано"));
     setFocusProxy(m_tree);
-    m_tree->setHeaderLabels({Text::tr("Что не записано"), Text::tr("Где / было"),
-                             Text::tr("Почему / набрано"), Text::tr("Когда / у другого")});
+    m_tree->setHeaderLabels({Text::tr("Что не записано"), Text::tr("Где (поле: было)"),
+                             Text::tr("Почему (поле: набрано)"),
+                             Text::tr("Когда (поле: у другого)")});
     m_tree->setFrameShape(QFrame::NoFrame);
     m_tree->setAlternatingRowColors(true);
     m_tree->setItemDelegate(new FieldDelegate(m_tree));

@@ -462,7 +462,7 @@
     </message>
     <message>
         <source>Здесь блокировка не снимается: её снимает %1 там, где поставил, или администратор командой orvo-admin unlock %2.</source>
-        <translation>The lock cannot be removed here: %1 removes it where it was set, or an administrator does with the command orvo-admin unlock %2.</translation>
+        <translation>The lock cannot be removed here: only %1 can remove it, where it was set, or an administrator by the command orvo-admin unlock %2.</translation>
     </message>
     <message>
         <source>тот, кто её поставил,</source>
@@ -1224,7 +1224,7 @@ appears whole or not at all.</translation>
         <translation>Into a store of any kind, in one transaction: at the first bad record nothing
 changes, and the message names the line, the table and the number of the record.
 Everything the store held is replaced; if that is more than the initial folders,
---replace is needed. Links that lead nowhere and circles of parents are imported
+--replace is needed. Links that lead nowhere and loops of parents are imported
 as they were: check names them. Users are imported without server logins; the
 command names those who have none. “-” means standard input.</translation>
     </message>
@@ -2290,16 +2290,16 @@ Save?</translation>
         <translation>What was not written</translation>
     </message>
     <message>
-        <source>Где / было</source>
-        <translation>Where / before</translation>
+        <source>Где (поле: было)</source>
+        <translation>Where (field: before)</translation>
     </message>
     <message>
-        <source>Почему / набрано</source>
-        <translation>Why / typed</translation>
+        <source>Почему (поле: набрано)</source>
+        <translation>Why (field: typed)</translation>
     </message>
     <message>
-        <source>Когда / у другого</source>
-        <translation>When / other user&apos;s</translation>
+        <source>Когда (поле: у другого)</source>
+        <translation>When (field: other user&apos;s)</translation>
     </message>
     <message>
         <source>в хранилище: </source>
@@ -2678,8 +2678,8 @@ Save?</translation>
         <translation>History of this desktop</translation>
     </message>
     <message>
-        <source>Что заблокировано этим человеком</source>
-        <translation>What this person has locked</translation>
+        <source>Что заблокировано автором правки (%1)</source>
+        <translation>What the author of the edit has locked (%1)</translation>
     </message>
     <message>
         <source>Только этот человек</source>
@@ -3509,7 +3509,7 @@ Save?</translation>
     </message>
     <message>
         <source>круг: стоит внутри самой себя; записей в круге:</source>
-        <translation>circle: stands inside itself; records in the circle:</translation>
+        <translation>loop: stands inside itself; records in the loop:</translation>
     </message>
     <message>
         <source>такой ключ у строки дерева, за которой нет записи; редактор принимает одну за другую</source>
@@ -4733,7 +4733,7 @@ Save?</translation>
     </message>
     <message>
         <source>мимо клиента</source>
-        <translation>outside the client</translation>
+        <translation>another program</translation>
     </message>
     <message>
         <source> «%1»</source>
@@ -4741,7 +4741,7 @@ Save?</translation>
     </message>
     <message>
         <source>Изменено: %1</source>
-        <translation>Changed: %1</translation>
+        <translation>Changed by %1</translation>
     </message>
     <message>
         <source>; теперь</source>
@@ -4749,23 +4749,23 @@ Save?</translation>
     </message>
     <message>
         <source>Уже удалено%1: %2</source>
-        <translation>Already deleted%1: %2</translation>
+        <translation>Already deleted%1 by %2</translation>
     </message>
     <message>
         <source>. Вопрос снят.</source>
-        <translation>. Question withdrawn.</translation>
+        <translation>. There is nothing left to decide.</translation>
     </message>
     <message>
         <source>Внутри появилось%1: %2. Вопрос снят: посмотрите и решите заново.</source>
-        <translation>Inside, added%1: %2. Question withdrawn: look and decide again.</translation>
+        <translation>Inside, added%1 by %2. The question is withdrawn: look and decide again.</translation>
     </message>
     <message>
         <source>Внутри удалено%1: %2</source>
-        <translation>Inside, deleted%1: %2</translation>
+        <translation>Inside, deleted%1 by %2</translation>
     </message>
     <message>
         <source>Внутри изменено: %1</source>
-        <translation>Inside, changed: %1</translation>
+        <translation>Inside, changed by %1</translation>
     </message>
     <message>
         <source>Не введено: знака %1 нет в кодировке Windows-1251.</source>
@@ -4837,7 +4837,7 @@ Save?</translation>
     </message>
     <message>
         <source>эти же поля изменил другой: %1</source>
-        <translation>the same fields were changed by someone else: %1</translation>
+        <translation>the same fields were changed by %1</translation>
     </message>
     <message>
         <source>записи нет в хранилище</source>

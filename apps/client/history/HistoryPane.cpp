@@ -310,7 +310,7 @@ void HistoryPane::showContextMenu(const QPoint& point) {
         menu.actions().constLast()->setShortcut(
             keys::sequences(*keys::command(QLatin1String(keys::uses))).first());
     }
-    add(Text::tr("Что заблокировано этим человеком"), true,
+    add(Text::tr("Что заблокировано автором правки (%1)").arg(action->who), true,
         [this, login = QString::fromStdString(action->login)] {
             emit usesRequested(QLatin1String(table::Users), {}, login);
         });
