@@ -43,15 +43,14 @@ const QStringList& codes() {
 
 QString given(const QStringList& arguments) {
     const QString option = QStringLiteral("--lang");
-    for (int i = 1; i < arguments.size(); ++i) {
-        if (arguments[i] == QLatin1String("--"))
-            break;
+    QString last;
+    for (int i = 1; i < arguments.size() && arguments[i] != QLatin1String("--"); ++i) {
         if (arguments[i] == option)
-            return arguments.value(i + 1);
-        if (arguments[i].startsWith(option + QLatin1Char('=')))
-            return arguments[i].mid(option.size() + 1);
+            last = arguments.value(++i);
+        else if (arguments[i].startsWith(option + QLatin1Char('=')))
+            last = arguments[i].mid(option.size() + 1);
     }
-    return {};
+    return last;
 }
 
 QString choose(const QString& wanted) {

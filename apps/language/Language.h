@@ -15,8 +15,9 @@ namespace orvo::language {
 /// first.
 const QStringList& codes();
 
-/// What `--lang` says in the arguments of a program, "--lang en" or "--lang=en", empty if nothing:
-/// for what is said before a command line is read, and about it. It may be none of codes().
+/// What the last `--lang` says in the arguments of a program, "--lang en" or "--lang=en", empty if
+/// nothing: for what is said before a command line is read, and about it. It may be none of
+/// codes().
 QString given(const QStringList& arguments);
 
 /// `wanted` if it is one of codes(); else $ORVO_LANG, by which a program tells those that it

@@ -1,5 +1,6 @@
 // The command line and its defaults.
 #include "apps/client/Options.h"
+#include "apps/language/Language.h"
 
 #include <QDir>
 #include <QtTest>
@@ -55,6 +56,15 @@ private slots:
         QVERIFY(parse({"-v"}, &options, &error) && options.version);
         for (const char* name : {"--store", "--login", "--work-dir", "--module", "--screenshot"})
             QVERIFY(helpText().contains(name));
+    }
+
+    void theLastLanguageCounts() {
+        const auto given = [](const QStringList& options) {
+            return orvo::language::given(QStringList("orvo-admin") + options);
+        };
+        QCOMPARE(given({"--lang", "en", "check", "--lang=de"}), QString("de"));
+        QCOMPARE(given({"--lang=de", "--lang", "en", "--", "--lang", "ru"}), QString("en"));
+        QCOMPARE(given({"check", "en"}), QString());
     }
 
     void eachStoreHasAWorkDirectoryOfItsOwn() {
