@@ -312,7 +312,7 @@ public:
         for (auto& client : m_clients) {
             int at = 0;
             client->each([&](auto& part) {
-                rows.resize(std::max(rows.size(), at + 1));
+                rows.resize(std::max(int(rows.size()), at + 1));
                 families.resize(rows.size());
                 rows[at] += part.comparedRows();
                 families[at++] += part.comparedFamilies();
