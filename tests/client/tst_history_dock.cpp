@@ -548,7 +548,7 @@ private slots:
         QTRY_VERIFY(fixture.find("«КС-2»") >= 0);
         fixture.choose("«КС-2»");
         const COrvoCliMod& menu = *fixture.module("Menu");
-        const auto ask = [&] { fixture.action("actDeleteFromtvDesck")->trigger(); };
+        const auto ask = [&] { emit fixture.action("actDeleteFromtvDesck")->triggered(); };
         if (!askedMeanwhile)
             ask();
         fixture.press("historyShow");

@@ -245,7 +245,7 @@ private slots:
         fixture.open();
         SOON(fixture.isKnown());
         SOON(fixture.choose("«КС-9»"));
-        fixture.child<QAction>("actChangeDescktopOrFolder")->trigger();
+        emit fixture.child<QAction>("actChangeDescktopOrFolder")->triggered();
         QVERIFY(!fixture.module("Menu")->ModEditText().isEmpty());
         QTRY_VERIFY(fixture.child<QPushButton>("problemsCure")->isEnabled());
         fixture.child<QPushButton>("problemsCure")->click();

@@ -374,7 +374,7 @@ private slots:
         fixture.renames("a", "а1");
         QTRY_COMPARE(fixture.undoText(), QString("Отменить: переименовать «а1»"));
         QTRY_COMPARE(fixture.menu(), QString("а1(б(в)) г"));
-        fixture.child<QAction>("actChangeDescktopOrFolder")->trigger();
+        emit fixture.child<QAction>("actChangeDescktopOrFolder")->triggered();
         QVERIFY(!fixture.module("Menu")->ModEditText().isEmpty());
         fixture.undo();
         QTRY_VERIFY(fixture.child<QMessageBox>("closeQuestion"));
