@@ -2,6 +2,7 @@
 
 #include <QAbstractScrollArea>
 #include <QApplication>
+#include <QCommandLinkButton>
 #include <QEvent>
 #include <QPainter>
 
@@ -12,11 +13,11 @@ namespace {
 constexpr int thickness = 2;
 
 /// The part that has the focus, itself or in one of its fields; null for buttons and the like,
-/// which show it themselves.
-QAbstractScrollArea* partOf(QWidget* focus) {
+/// which show it themselves. A button with a description does not in every style.
+QWidget* partOf(QWidget* focus) {
     for (QWidget* up = focus; up && !up->isWindow(); up = up->parentWidget())
-        if (auto* part = qobject_cast<QAbstractScrollArea*>(up))
-            return part;
+        if (qobject_cast<QAbstractScrollArea*>(up) || qobject_cast<QCommandLinkButton*>(up))
+            return up;
     return nullptr;
 }
 
@@ -27,7 +28,7 @@ void FocusMark::follow() {
     QObject::connect(qApp, &QApplication::focusChanged, qApp, [](QWidget*, QWidget* now) {
         if (!now || now->windowType() == Qt::Popup)
             return; // the window or its menu; the focus comes back
-        QAbstractScrollArea* part = partOf(now);
+        QWidget* part = partOf(now);
         if (mark && mark->parentWidget() == part)
             return;
         delete mark;
@@ -36,7 +37,7 @@ void FocusMark::follow() {
     });
 }
 
-FocusMark::FocusMark(QAbstractScrollArea* part) : QWidget(part) {
+FocusMark::FocusMark(QWidget* part) : QWidget(part) {
     setObjectName(QStringLiteral("focusMark"));
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setFocusPolicy(Qt::NoFocus);

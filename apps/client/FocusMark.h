@@ -1,11 +1,10 @@
-// FocusMark.h: shows which list, tree or text has the keyboard: a frame around it.
+// FocusMark.h: shows which list, tree or text has the keyboard, or which of the large buttons: a
+// frame around it.
 #ifndef ORVO_APPS_CLIENT_FOCUSMARK_H
 #define ORVO_APPS_CLIENT_FOCUSMARK_H
 
 #include <QPointer>
 #include <QWidget>
-
-class QAbstractScrollArea;
 
 namespace orvo::app {
 
@@ -21,7 +20,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    explicit FocusMark(QAbstractScrollArea* part);
+    explicit FocusMark(QWidget* part);
 };
 
 } // namespace orvo::app

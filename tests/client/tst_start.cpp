@@ -1,4 +1,5 @@
 // Choosing a store: the page, the dialog for a server, what is remembered and what is not.
+#include "apps/client/FocusMark.h"
 #include "apps/client/start/PasswordFile.h"
 #include "apps/client/start/RecentStores.h"
 #include "apps/client/start/ServerDialog.h"
@@ -11,6 +12,7 @@
 #include <QComboBox>
 #include <QCommandLinkButton>
 #include <QFileInfo>
+#include <QImage>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -66,6 +68,7 @@ QString said(QWidget& of, const char* name) {
 class TestStart : public QObject {
     Q_OBJECT
 private slots:
+    void initTestCase() { app::FocusMark::follow(); }
     void init() {
         m_dir = std::make_unique<QTemporaryDir>();
         qputenv("PGPASSFILE", (m_dir->path() + "/pgpass").toUtf8());
@@ -268,6 +271,29 @@ private slots:
         QCOMPARE(heightOf("storeServer"), heightOf("storeFile"));
         QVERIFY(heightOf("storeServer") < heightOf("storeDemo")); // whose words take two lines
         QVERIFY(part<QLabel>(page, "storeReason")->height() < heightOf("storeFile"));
+    }
+
+    void theWayThatHasTheKeyboardIsSeen() {
+        StorePage page(m_dir->path() + "/orvo.db", "ivanov");
+        page.show();
+        QVERIFY(QTest::qWaitForWindowActive(&page));
+        const auto edge = [](QCommandLinkButton* way) {
+            const QImage image = way->grab().toImage();
+            std::vector<QRgb> colours;
+            for (int x = image.width() / 4; x < image.width() * 3 / 4; ++x)
+                colours.push_back(image.pixel(x, 0));
+            return colours;
+        };
+        const auto ways = page.findChildren<QCommandLinkButton*>();
+        for (int i = 0; i < ways.size(); ++i) {
+            ways[(i + 1) % ways.size()]->setFocus(Qt::TabFocusReason);
+            const auto before = edge(ways[i]);
+            ways[i]->setFocus(Qt::TabFocusReason);
+            QVERIFY(ways[i]->hasFocus());
+            const auto now = edge(ways[i]);
+            for (size_t x = 0; x < now.size(); ++x)
+                QVERIFY2(now[x] != before[x], qPrintable(ways[i]->text()));
+        }
     }
 
     void aRecentStoreIsOpenedByEnterAndForgottenByDelete() {
