@@ -81,6 +81,16 @@ protected:
             return isActive(left(), "closeQuestion");
         }) && m_scene->press(left(), button);
     }
+    /// Closes something by a key and answers the question. The key is pressed again if nothing is
+    /// asked: just after a wait for the server a window drops what was pressed.
+    bool closeBy(const char* key, const char* button) {
+        constexpr int soonMs = 5000;
+        const auto isAsked = [&] { return isActive(left(), "closeQuestion"); };
+        hands::key(key);
+        if (!m_scene->waitFor("the question is asked", isAsked, soonMs))
+            hands::key(key);
+        return answerClosing(button);
+    }
     /// How many lines of a client's log have that text.
     static int logged(ClientProcess& client, const QString& text) {
         int count = 0;

@@ -196,15 +196,13 @@ private slots:
             QVERIFY(left().tree("tvProp").find("Typed before closing", 1) >= 0);
         }
         QCOMPARE(element("Typed before closing"), QString());
-        hands::key("ctrl+r");
-        DO(answerClosing("closeSave"));
+        DO(closeBy("ctrl+r", "closeSave"));
         SOON(element("Typed before closing") == "att4");
         DO(m_scene->openDesktop(station));
 
         DO(m_scene->clickRow(left(), "tvMenu", "Typed before closing"));
         DO(m_scene->fill(left(), nameRow, "Typed and dropped"));
-        hands::key("ctrl+q");
-        DO(answerClosing("closeDrop"));
+        DO(closeBy("ctrl+q", "closeDrop"));
         DO(leftEnds());
         QCOMPARE(element("Typed and dropped"), QString());
         DO(m_scene->startLeft());

@@ -103,8 +103,7 @@ private slots:
         DO(m_scene->press(left(), save));
         SOON(unwritten().size() == 1);
         DO(acknowledge());
-        hands::key("ctrl+q");
-        DO(answerClosing("closeSave"));
+        DO(closeBy("ctrl+q", "closeSave"));
         SOON(!isUp("closeSave"));
         QVERIFY(another("update Menu set params = 'later' where KeyLink = 'un2'"));
         SOON(left().table("Menu").join('\n').contains("later")); // it goes on, without a question
@@ -134,8 +133,7 @@ private slots:
         SOON(unwritten().size() == 2);
         take("waiting");
         m_faults->end();
-        hands::key("ctrl+q");
-        DO(answerClosing("closeStay"));
+        DO(closeBy("ctrl+q", "closeStay"));
         SOON(!isUp("closeStay"));
         DO(acknowledge());
         DO(m_scene->press(left(), "unwrittenRepeatAll"));
@@ -160,8 +158,7 @@ private slots:
     void aSaveThatIsRefusedKeepsTheEditorsOpen() {
         DO(rename("Pump", "Refused at the end"));
         QVERIFY(m_faults->begin(EngineersKind::NoRight));
-        hands::key("ctrl+r");
-        DO(answerClosing("closeSave"));
+        DO(closeBy("ctrl+r", "closeSave"));
         SOON(unwritten().size() == 1);
         m_faults->end();
         DO(acknowledge());
@@ -194,8 +191,7 @@ private slots:
         DO(m_scene->press(left(), save));
         SOON(unwritten().size() == 1);
         m_faults->end();
-        hands::key("alt+F4");
-        DO(answerClosing("closeDrop"));
+        DO(closeBy("alt+F4", "closeDrop"));
         DO(leftEnds());
         QCOMPARE(captionOf("un1"), QString("Pump"));
         DO(m_scene->startLeft());
