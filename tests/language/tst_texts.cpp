@@ -154,8 +154,10 @@ private slots:
         for (const Message& one : qAsConst(m_collected))
             texts << one.source << one.comment; // which says what is meant, in Russian too
         int looked = 0;
-        for (const char* folder : {"frame", "models", "picker", "editor", "menu", "resources",
-                                   "desk", "platform", "history", "catalogue", "checks", "apps"}) {
+        QProcess folders;
+        folders.start(root() + "scripts/folders", QStringList());
+        QVERIFY(folders.waitForFinished());
+        for (const QByteArray& folder : folders.readAllStandardOutput().trimmed().split('\n')) {
             QDirIterator files(root() + folder, {"*.cpp", "*.h"}, QDir::Files,
                                QDirIterator::Subdirectories);
             while (files.hasNext()) {
