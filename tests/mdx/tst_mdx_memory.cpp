@@ -95,6 +95,16 @@ struct Operation {
 
 using Prepare = std::function<void(Operation&)>;
 
+struct ParamDeleter {
+    void operator()(MDXCliParam* param) const { orvo::mdx::paramFree(param); }
+};
+using ParamPtr = std::unique_ptr<MDXCliParam, ParamDeleter>;
+
+ParamPtr oneBlock() {
+    const MdxType types[] = {MDX_BLOCK};
+    return ParamPtr(orvo::mdx::paramCreate(types, 1));
+}
+
 } // namespace
 
 Q_DECLARE_METATYPE(Prepare)
@@ -164,6 +174,24 @@ private slots:
             MDARecPost(op.record, nullptr);
             op.run = [&op] { return setText(op.record, 0, longerText); };
         });
+        row("a block is set", [](Operation& op) {
+            op.run = [&op] { return set(op.record, 4, blockValue(longText)); };
+        });
+        row("a reply takes the content", [](Operation& op) {
+            op.run = [&op] {
+                const ParamPtr reply = oneBlock();
+                return reply ? orvo::mdx::paramSetContent(reply.get(), 0, op.array.get())
+                             : int(MDX_E_MEMORY);
+            };
+        });
+        row("a reply gets a text", [](Operation& op) {
+            op.run = [&op] {
+                const ParamPtr reply = oneBlock();
+                return reply ? orvo::mdx::paramSetBlock(reply.get(), 0, longText.data(),
+                                                        longText.size())
+                             : int(MDX_E_MEMORY);
+            };
+        });
     }
     void aFailedAllocationChangesNothing() {
         QFETCH(Prepare, prepare);
@@ -226,6 +254,74 @@ private slots:
             QCOMPARE(status, int(MDX_E_MEMORY));
             QCOMPARE(int(array->fieldCount), 0);
             QCOMPARE(array->keyCount, 0u);
+        }
+    }
+
+    void aReplyThatCannotBeUnpackedLeavesTheArrayEmpty() {
+        const ArrayPtr source = table();
+        void* image = nullptr;
+        const uint32_t length = orvo::mdx::packReply(source.get(), true, &image);
+        const std::unique_ptr<void, BlockDeleter> freed(image);
+        const ParamPtr reply = oneBlock();
+        QCOMPARE(orvo::mdx::paramSetBlock(reply.get(), 0, image, length), 0);
+        const char* block = nullptr;
+        QCOMPARE(MDRGetTextPtr(MDRFldByNum(reply->array, 0), reply->record, &block), 0);
+        for (long allocations = 0;; ++allocations) {
+            const ArrayPtr array = makeArray({{"old", MDX_TEXT}});
+            post(array.get(), {"content"});
+            allocationsUntilFailure = allocations;
+            const int status = MDXArrayUnPack(array.get(), block, 1);
+            allocationsUntilFailure = never;
+            QCOMPARE(orvo::mdx::check(array.get()), std::string());
+            if (status == MDX_OK) {
+                QVERIFY(allocations > 0);
+                QCOMPARE(orvo::mdx::postedCount(array.get()), 130u);
+                return;
+            }
+            QCOMPARE(status, int(MDX_E_MEMORY));
+            QCOMPARE(int(array->fieldCount), 0);
+        }
+    }
+
+    void anArrayThatCannotBeCreatedIsNone() {
+        for (long allocations = 0;; ++allocations) {
+            MDArray* array = nullptr;
+            allocationsUntilFailure = allocations;
+            const int status = MDACreate(&array, 0);
+            allocationsUntilFailure = never;
+            const ArrayPtr freed(array);
+            if (status == MDX_OK) {
+                QVERIFY(allocations > 0);
+                return;
+            }
+            QCOMPARE(status, int(MDX_E_MEMORY));
+            QVERIFY(!array);
+        }
+    }
+
+    void aWriterThatRunsOutOfMemorySaysSoAndLeavesTheArraySound() {
+        for (long allocations = 0;; ++allocations) {
+            const ArrayPtr array = table();
+            int status = MDX_OK;
+            {
+                allocationsUntilFailure = allocations;
+                orvo::mdx::RecordWriter writer(array.get());
+                for (int i = 0; i < 130; ++i) {
+                    const std::string name = "written " + std::to_string(i);
+                    writer.begin();
+                    writer.text1251(0, name.data(), name.size());
+                    writer.end();
+                }
+                status = writer.finish();
+                allocationsUntilFailure = never;
+            }
+            QCOMPARE(orvo::mdx::check(array.get()), std::string());
+            if (status == MDX_OK) {
+                QVERIFY(allocations > 0);
+                QCOMPARE(orvo::mdx::postedCount(array.get()), 260u);
+                return;
+            }
+            QCOMPARE(status, int(MDX_E_MEMORY));
         }
     }
 
