@@ -81,7 +81,7 @@ void lookAtFolder(const Scene& scene, const Record& record, Findings& findings) 
         add(findings, record, Problem::UnknownKind, std::to_string(kind));
     if (caption.empty())
         add(findings, record, Problem::NoCaption);
-    else if (kind >= Kind::Form && !store::isPlainFileName(caption))
+    else if (hasContents(kind) && !store::isPlainFileName(caption))
         add(findings, record, Problem::CaptionNoPath);
     if (isSecond(scene, record))
         add(findings, record, Problem::FolderTwice);

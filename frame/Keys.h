@@ -7,6 +7,7 @@
 
 #include "frame/QtCompat.h"
 #include "frame/Text.h"
+#include "frame/Vocabulary.h"
 
 #include <QKeyEvent>
 #include <QKeySequence>
@@ -142,6 +143,11 @@ inline constexpr Command commands[] = {
 inline constexpr char commandProperty[] = "orvoCommand";
 /// Those commands.
 inline constexpr const char* recordCommands[] = {rowHistory, branchHistory, versions};
+
+/// What makes a new resource of that kind, and shows those that there are in the palette.
+constexpr const char* newOf(int32_t kind) {
+    return kind == Kind::Module ? newModule : kind == Kind::Function ? newFunction : newFile;
+}
 
 /// The command of that id; null if the list has none.
 inline const Command* command(const QString& id) {

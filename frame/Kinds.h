@@ -15,6 +15,8 @@ struct ResourceKind {
     const char *one, *few, *many;
     bool isFeminine;       ///< the noun
     const char* attribute; ///< the word for it in a menu; null: it stands in no menu
+    const char* choice;    ///< title of the list it is chosen from; null: said by what is chosen
+    const char* palette;   ///< its name in the palette; null: it is not offered there
     bool hasContents;      ///< stored files belong to its records, which are deleted with them
     int32_t opensAs;       ///< Kind: how the client opens it for an operator
     const char* dragFormat;
@@ -25,18 +27,20 @@ struct ResourceKind {
 /// In the order of the trees.
 inline constexpr ResourceKind resourceKinds[] = {
     {Kind::Module, topfolder::modules, ORVO_TEXT("orvo", "модуль"), ORVO_TEXT("orvo", "модуля"),
-     ORVO_TEXT("orvo", "модулей"), false, ORVO_TEXT("orvo", "модуль"), false, Kind::Module,
+     ORVO_TEXT("orvo", "модулей"), false, ORVO_TEXT("orvo", "модуль"),
+     ORVO_TEXT("orvo", "Выбор модулей АРМ"), ORVO_TEXT("orvo", "Модули"), false, Kind::Module,
      "OrvoResources/modres/dragdrop", ":/res/modul1.png", ":/res/modul1@2x.png"},
     {Kind::Function, topfolder::functions, ORVO_TEXT("orvo", "функция"),
      ORVO_TEXT("orvo", "функции"), ORVO_TEXT("orvo", "функций"), true, ORVO_TEXT("orvo", "функция"),
-     false, Kind::Function, "OrvoResources/funcres/dragdrop", ":/res/function1.png",
-     ":/res/function1@2x.png"},
+     ORVO_TEXT("orvo", "Выбор функций АРМ"), ORVO_TEXT("orvo", "Функции"), false, Kind::Function,
+     "OrvoResources/funcres/dragdrop", ":/res/function1.png", ":/res/function1@2x.png"},
     {Kind::Form, topfolder::forms, ORVO_TEXT("orvo", "форма"), ORVO_TEXT("orvo", "формы"),
-     ORVO_TEXT("orvo", "форм"), true, ORVO_TEXT("orvo", "файл"), true, Kind::Form,
+     ORVO_TEXT("orvo", "форм"), true, ORVO_TEXT("orvo", "файл"),
+     ORVO_TEXT("orvo", "Выбор форм отображения АРМ"), ORVO_TEXT("orvo", "Формы"), true, Kind::Form,
      "OrvoResources/menures/dragdrop", ":/res/file1.png", ":/res/showscheme1@2x.png"},
     {Kind::File, nullptr, ORVO_TEXT("orvo", "файл"), ORVO_TEXT("orvo", "файла"),
-     ORVO_TEXT("orvo", "файлов"), false, nullptr, true, Kind::File, "OrvoResources/sysres/dragdrop",
-     ":/res/file1.png", ":/res/file1@2x.png"},
+     ORVO_TEXT("orvo", "файлов"), false, nullptr, nullptr, nullptr, true, Kind::File,
+     "OrvoResources/sysres/dragdrop", ":/res/file1.png", ":/res/file1@2x.png"},
 };
 
 /// Null for a number that is none of a stored kind.
@@ -45,6 +49,12 @@ constexpr const ResourceKind* resourceKind(int32_t number) {
         if (kind.number == number)
             return &kind;
     return nullptr;
+}
+
+/// Whether stored files belong to records of that kind.
+constexpr bool hasContents(int32_t number) {
+    const ResourceKind* kind = resourceKind(number);
+    return kind && kind->hasContents;
 }
 
 } // namespace orvo

@@ -2,6 +2,8 @@
 #include "picker/PopObjectList.h"
 
 #include "frame/Keys.h"
+#include "frame/Kinds.h"
+#include "frame/Text.h"
 #include "models/TreeSearchBar.h"
 #include "picker/AddButton.h"
 #include "ui_PopObjectList.h"
@@ -70,9 +72,9 @@ void CPopObjectList::makeKinds() {
         const auto& keys = *orvo::keys::command(QLatin1String(command));
         m_kinds->addItem(QStringLiteral("%1 (%2)").arg(text, orvo::keys::shown(keys)), kind);
     };
-    add(tr("Модули"), orvo::keys::newModule, KindModule);
-    add(tr("Функции"), orvo::keys::newFunction, KindFunction);
-    add(tr("Формы"), orvo::keys::newFile, KindForm);
+    for (const orvo::ResourceKind& kind : orvo::resourceKinds)
+        if (kind.palette)
+            add(orvo::Text::tr(kind.palette), orvo::keys::newOf(kind.number), kind.number);
     connect(m_kinds, qOverload<int>(&QComboBox::activated), this,
             [this](int item) { showKind(m_kinds->itemData(item).toInt()); });
     m_ui->verticalLayout->insertWidget(0, m_kinds);
@@ -91,9 +93,9 @@ void CPopObjectList::addPaletteKeys() {
         }
     };
     add(orvo::keys::palette, [this] { hide(); });
-    add(orvo::keys::newModule, [this] { showKind(KindModule); });
-    add(orvo::keys::newFunction, [this] { showKind(KindFunction); });
-    add(orvo::keys::newFile, [this] { showKind(KindForm); });
+    for (const orvo::ResourceKind& kind : orvo::resourceKinds)
+        if (kind.palette)
+            add(orvo::keys::newOf(kind.number), [this, number = kind.number] { showKind(number); });
 }
 
 void CPopObjectList::showKind(int32_t kind) {

@@ -2,6 +2,7 @@
 
 #include "frame/ContextMenuKey.h"
 #include "frame/FirstRow.h"
+#include "frame/Kinds.h"
 #include "frame/Records.h"
 #include "frame/Text.h"
 #include "frame/Vocabulary.h"
@@ -137,11 +138,10 @@ void CPopObjectList::giveWayToThis(bool on) {
 
 void CPopObjectList::showTitle() {
     const bool icons = orvo::sameText(sourceName, QString::fromLatin1(orvo::iconFolder));
-    const QString title = objectType == KindModule     ? tr("Выбор модулей АРМ")
-                          : objectType == KindFunction ? tr("Выбор функций АРМ")
-                          : objectType == KindForm ? tr("Выбор форм отображения АРМ")
-                          : icons                  ? tr("Выбор иконок АРМ")
-                                                   : tr("Выбор файлов");
+    const orvo::ResourceKind* kind = orvo::resourceKind(objectType);
+    const QString title = kind && kind->choice ? orvo::Text::tr(kind->choice)
+                          : icons              ? tr("Выбор иконок АРМ")
+                                               : tr("Выбор файлов");
     setAccessibleName(title);
     if (QWindow* window = windowHandle())
         window->setTitle(title);

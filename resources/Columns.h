@@ -59,9 +59,9 @@ inline const char* tableOf(const QModelIndex& row) {
 inline RecordName recordOf(const QModelIndex& row) {
     if (!row.isValid())
         return {};
-    const bool hasContents = kindOf(row) == Kind::Form || kindOf(row) == Kind::File;
+    const bool bearsFiles = hasContents(kindOf(row));
     return {QString::fromLatin1(tableOf(row)), textAt(row, ResColumn::KeyLink),
-            hasContents && !isFolder(row)};
+            bearsFiles && !isFolder(row)};
 }
 
 /// Whether a row's key is that of a row without a record.

@@ -40,32 +40,8 @@
         <translation>What to offer</translation>
     </message>
     <message>
-        <source>Модули</source>
-        <translation>Modules</translation>
-    </message>
-    <message>
-        <source>Функции</source>
-        <translation>Functions</translation>
-    </message>
-    <message>
-        <source>Формы</source>
-        <translation>Forms</translation>
-    </message>
-    <message>
         <source>Список ресурсов</source>
         <translation>List of resources</translation>
-    </message>
-    <message>
-        <source>Выбор модулей АРМ</source>
-        <translation>Choose workstation modules</translation>
-    </message>
-    <message>
-        <source>Выбор функций АРМ</source>
-        <translation>Choose workstation functions</translation>
-    </message>
-    <message>
-        <source>Выбор форм отображения АРМ</source>
-        <translation>Choose workstation display forms</translation>
     </message>
     <message>
         <source>Выбор иконок АРМ</source>
@@ -7508,6 +7484,26 @@ place in the store, and for deleting what others that stay refer to.</translatio
     <message>
         <source>или без этого --partly</source>
         <translation>or --partly to go without it</translation>
+    </message>
+    <message>
+        <source>Выбор модулей АРМ</source>
+        <translation>Choose workstation modules</translation>
+    </message>
+    <message>
+        <source>Выбор функций АРМ</source>
+        <translation>Choose workstation functions</translation>
+    </message>
+    <message>
+        <source>Функции</source>
+        <translation>Functions</translation>
+    </message>
+    <message>
+        <source>Выбор форм отображения АРМ</source>
+        <translation>Choose workstation display forms</translation>
+    </message>
+    <message>
+        <source>Формы</source>
+        <translation>Forms</translation>
     </message>
 </context>
 <context>

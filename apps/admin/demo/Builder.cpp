@@ -1,6 +1,7 @@
 #include "apps/admin/demo/Demo.h"
 
 #include "apps/admin/Failure.h"
+#include "frame/Kinds.h"
 
 #include <QDir>
 
@@ -129,7 +130,7 @@ void DemoBuilder::addResource(const Outline& node, int kind, const std::string& 
     if (kind != File)
         m_byName[name] = {key, node.column(2), node.column(4), kind};
     m_captions[name] = node.column(1);
-    if (kind >= Form)
+    if (hasContents(kind))
         m_contents.push_back({kind, path, name, node.column(4)});
 }
 

@@ -1,6 +1,7 @@
 #include "apps/client/find/FindModel.h"
 
 #include "apps/client/Look.h"
+#include "frame/Kinds.h"
 #include "frame/Text.h"
 #include "frame/Vocabulary.h"
 
@@ -20,18 +21,8 @@ const char* pictureOf(const catalogue::Found& found) {
         return found.isFolder ? ":/res/closedfolder1.png" : ":/res/descktop1.png";
     if (found.isFolder)
         return found.isSeparator ? "" : ":/res/closedfolder1.png";
-    switch (found.kind) {
-    case Kind::Module:
-        return ":/res/modul1.png";
-    case Kind::Function:
-        return ":/res/function1.png";
-    case Kind::Form:
-        return ":/res/showscheme1.png";
-    case Kind::File:
-        return ":/res/file1.png";
-    default:
-        return "";
-    }
+    const ResourceKind* kind = resourceKind(found.kind);
+    return kind ? kind->image : "";
 }
 
 } // namespace
