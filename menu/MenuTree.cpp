@@ -11,6 +11,8 @@
 #include "frame/Vocabulary.h"
 #include "menu/Columns.h"
 
+#include <limits>
+
 using orvo::KeyValues;
 using orvo::menu::MenuColumn;
 using orvo::menu::menuRootKey;
@@ -119,4 +121,27 @@ int32_t OrvoMenu::getMenuElementPosition(const QString& key, const QString& pare
                                  [&](const MDRData* record) {
                                      return orvo::holdsText(record, orvo::field::parent, parentKey);
                                  });
+}
+
+int32_t OrvoMenu::getLastMenuOrder(const QString& parent) const {
+    KeyValues end;
+    if (parent.isNull())
+        end.null();
+    else
+        end.text(parent);
+    end.integer(std::numeric_limits<int32_t>::max());
+    const auto isChild = [&](const MDRData* record) {
+        return parent.isNull() ? orvo::isNull(record, orvo::field::parent)
+                               : orvo::holdsText(record, orvo::field::parent, parent);
+    };
+    // The key ends in `order_`: the last child stands before the first record behind the group.
+    const int32_t behind = orvo::seekPosition(m_tabMenu, 1, end);
+    int32_t last = (behind < 0 ? orvo::recordCount(m_tabMenu) : behind) - 1;
+    orvo::walkFrom(m_tabMenu, 1, behind, [&](const MDRData* record) {
+        const bool child = isChild(record); // of the highest order there is
+        last += child ? 1 : 0;
+        return child;
+    });
+    const MDRData* record = last < 0 ? nullptr : MDARec(m_tabMenu.array, 1, last);
+    return record && isChild(record) ? orvo::integerOf(record, orvo::field::order_) : 0;
 }

@@ -174,6 +174,9 @@ protected:
     void loadMenuRow(const QModelIndex& parent, int row, MDRData* record);
     /// As getDesckElementPosition, for elements.
     int32_t getMenuElementPosition(const QString& key, const QString& parentKey) const;
+    /// The `order_` of the last child of a row of the open desktop; the null string is the top of
+    /// the menu. 0 without children.
+    int32_t getLastMenuOrder(const QString& parent) const;
     void loadFolderPassport(const QModelIndex& index);
     void loadItemPassport(const QModelIndex& index);
 
@@ -202,10 +205,7 @@ protected:
     void deleteAfterCutFromMenu(const CMDArray& source, const QStringList& keys);
     void addMenuFolderToCut(const QString& key, const CMDArray& source, orvo::ScratchTable& target);
 
-    // Order and deletion
-    /// The `order_` of the last child of a row of the open desktop; the null string is the top of
-    /// the menu. 0 without children.
-    int32_t getLastMenuOrder(const QString& parent) const;
+    // Deletion
     /// Adds the delete records of all that lies below an element, each folder before its contents.
     void deleteMenuFolder(const QString& key, orvo::ScratchTable& out);
 

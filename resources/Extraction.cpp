@@ -1,5 +1,4 @@
-// From the server's stores to the disk: the paths in the stores, extraction, and opening a form in
-// the host.
+// From the server's stores to the disk: extraction, and opening a form in the host.
 #include "resources/OrvoResources.h"
 
 #include "ui_OrvoResources.h"
@@ -25,10 +24,6 @@ constexpr int sizeField = 2;
 constexpr int contentField = 3;
 
 constexpr int callRun = 64;
-
-QString captionOf(const QModelIndex& index) {
-    return orvo::resources::textAt(index, ResColumn::Caption);
-}
 
 QString nameOf(const QModelIndex& index) {
     return orvo::resources::textAt(index, ResColumn::Name);
@@ -95,31 +90,6 @@ void writeFiles(const COrvoCliMod& module, const CMDArray& files, const QString&
 }
 
 } // namespace
-
-QString OrvoResources::getFormPath(const QModelIndex& index) const {
-    if (m_resModel->getItemLevel(index) == 1)
-        return {};
-    QString path = captionOf(index);
-    for (QModelIndex at = index; m_resModel->getItemLevel(at) >= 3;) {
-        at = at.parent();
-        path.prepend(captionOf(at) + QLatin1Char('/'));
-    }
-    return path;
-}
-
-QString OrvoResources::getFilePath(const QModelIndex& index) const {
-    QString path;
-    const auto join = [](const QString& above, const QString& below) {
-        return below.isEmpty() ? above : above + QLatin1Char('/') + below;
-    };
-    for (QModelIndex at = index; m_resModel->getItemLevel(at) > 1;) {
-        at = at.parent();
-        path = join(captionOf(at), path);
-    }
-    if (orvo::resources::isFolder(index) && m_resModel->getItemLevel(index) > 0)
-        path = path.isEmpty() ? captionOf(index) : path + QLatin1Char('/') + captionOf(index);
-    return path;
-}
 
 void OrvoResources::on_actExtractFiles_triggered() {
     QItemSelectionModel* selection = m_ui->tvRes->selectionModel();

@@ -303,9 +303,9 @@ private:
     // Passports
     void showPassport(const QModelIndex& index);
     void addPassportRows(const QModelIndex& index);
-    /// A category for each stored file of a tool's reply.
     /// Adds where the resource of the row is used, and keeps that as it is.
     void addUses(const QModelIndex& index);
+    /// A category for each stored file of a tool's reply.
     void addFileRows(const CMDArray& files, const QString& timeFormat);
     /// A time of the server, in local time; a null string for NULL.
     QString timeText(const MDRData* record, MDRField field, const QString& format) const;

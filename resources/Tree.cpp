@@ -1,5 +1,5 @@
 // The tree of folders and resources. Its order is not computed here: it comes from key 1 of the two
-// tables, so that each level is one run of records.
+// tables, so that each level is one run of records. A row's path in the stores is read off it.
 #include "resources/OrvoResources.h"
 
 #include "frame/Text.h"
@@ -24,6 +24,10 @@ namespace {
 
 constexpr auto& folderParent = orvo::field::ParentKey;
 constexpr auto& resourceParent = orvo::field::MenuResourceFolderKey;
+
+QString captionOf(const QModelIndex& index) {
+    return orvo::resources::textAt(index, ResColumn::Caption);
+}
 
 QString keyOf(const TabRec* row) {
     return row->data(ResColumn::KeyLink).toString();
@@ -272,4 +276,29 @@ int OrvoResources::getFolderCount(const QString& key) const {
     while (count < rows && orvo::resources::isFolder(m_resModel->index(count, 0, parent)))
         ++count;
     return count;
+}
+
+QString OrvoResources::getFormPath(const QModelIndex& index) const {
+    if (m_resModel->getItemLevel(index) == 1)
+        return {};
+    QString path = captionOf(index);
+    for (QModelIndex at = index; m_resModel->getItemLevel(at) >= 3;) {
+        at = at.parent();
+        path.prepend(captionOf(at) + QLatin1Char('/'));
+    }
+    return path;
+}
+
+QString OrvoResources::getFilePath(const QModelIndex& index) const {
+    QString path;
+    const auto join = [](const QString& above, const QString& below) {
+        return below.isEmpty() ? above : above + QLatin1Char('/') + below;
+    };
+    for (QModelIndex at = index; m_resModel->getItemLevel(at) > 1;) {
+        at = at.parent();
+        path = join(captionOf(at), path);
+    }
+    if (orvo::resources::isFolder(index) && m_resModel->getItemLevel(index) > 0)
+        path = path.isEmpty() ? captionOf(index) : path + QLatin1Char('/') + captionOf(index);
+    return path;
 }
