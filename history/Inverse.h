@@ -146,7 +146,7 @@ store::Status planInverse(store::MaintainedStore& store, const Selection& select
 /// store is no longer that for which it was made; the text says who has changed what.
 store::Status writeInverse(store::MaintainedStore& store, Inverse* plan);
 /// Plans and writes, unless there is nothing to write or something to be asked that the choices do
-/// not answer. Plans anew if others were quicker. `done` is the last plan.
+/// not answer. Plans again if others have written meanwhile. `done` is the last plan.
 store::Status undo(store::MaintainedStore& store, const Selection& selection,
                    const Choices& choices, Inverse* done);
 

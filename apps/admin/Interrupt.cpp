@@ -21,13 +21,13 @@ constexpr unsigned graceSeconds = 3;
 std::atomic<bool> interrupted = false;
 char fileToRemove[4096] = "";
 std::atomic<bool> hasFile = false;
-char farewell[256] = ""; ///< in the user's language, since a handler may not translate
+char interruptText[256] = ""; ///< in the user's language, since a handler may not translate
 
 void endAtOnce() {
     if (hasFile)
         ::unlink(fileToRemove);
     [[maybe_unused]] const ssize_t written =
-        ::write(STDERR_FILENO, farewell, std::strlen(farewell));
+        ::write(STDERR_FILENO, interruptText, std::strlen(interruptText));
     ::_exit(Interrupted);
 }
 
@@ -57,7 +57,7 @@ void take(int signal, void (*handler)(int)) {
 } // namespace
 
 Interruptible::Interruptible() {
-    std::snprintf(farewell, sizeof farewell, "%s", StdText::tr("orvo-admin: прервано\n").c_str());
+    std::snprintf(interruptText, sizeof interruptText, "%s", StdText::tr("orvo-admin: прервано\n").c_str());
     interrupted = false;
     take(SIGALRM, onAlarm);
     take(SIGINT, onSignal);

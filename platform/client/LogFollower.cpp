@@ -104,6 +104,7 @@ void LogFollower::Worker::obey() {
 }
 
 void LogFollower::Worker::readOnce() {
+    assert(!m_backOff.isAway() || Clock::now() >= m_next);
     std::vector<store::Change> rows;
     store::LogCursor cursor = m_cursor;
     bool more = false;

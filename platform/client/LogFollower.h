@@ -1,7 +1,7 @@
 // LogFollower.h: reads the change log past a cursor, in a thread and over a connection of its own,
 // so that a server that is slow, frozen or gone never holds up a window.
 //
-// Invariants, asserted in debug builds after each read:
+// Invariants, asserted in debug builds at each read:
 // 1. What waits to be taken is past the place that reading began at, in rising order and without
 //    doubles; the cursor is at the last change of it, or behind it if only one desktop is wanted.
 // 2. A look that was answered had been asked for.

@@ -6,7 +6,7 @@
 //
 // Invariants: 1 one request at a time; 2 each that was begun ends with one call of its Finished;
 // 3 the dialog exists only while a request does; 4 of what was shown in it exactly that is written:
-// if others were quicker, it is shown anew.
+// if others have written meanwhile, the new plan is shown.
 #ifndef ORVO_APPS_CLIENT_HISTORY_REVERTER_H
 #define ORVO_APPS_CLIENT_HISTORY_REVERTER_H
 

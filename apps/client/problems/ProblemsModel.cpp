@@ -108,13 +108,13 @@ void ProblemsModel::setAll(std::vector<RecordProblems> records) {
         std::move(record.rows.begin(), record.rows.end(), std::back_inserter(rows));
         std::sort(rows.begin(), rows.end(), isBefore);
     }
-    showAnew();
+    resetRows();
     endResetModel();
     check();
 }
 
 /// All rows from the records, in their order. Inside of a reset.
-void ProblemsModel::showAnew() {
+void ProblemsModel::resetRows() {
     const Before before(*this);
     std::unordered_set<const ProblemRow*> marked;
     for (const Shown& one : m_shown)
@@ -137,7 +137,7 @@ void ProblemsModel::showOnlyErrors(bool only) {
         return;
     beginResetModel();
     m_onlyErrors = only;
-    showAnew();
+    resetRows();
     endResetModel();
     check();
 }
@@ -149,7 +149,7 @@ void ProblemsModel::showOnlyThoseWith(const QString& words) {
         return;
     beginResetModel();
     m_words = wanted;
-    showAnew();
+    resetRows();
     endResetModel();
     check();
 }
@@ -171,7 +171,7 @@ void ProblemsModel::sort(int column, Qt::SortOrder order) {
     beginResetModel();
     m_column = column;
     m_order = order;
-    showAnew();
+    resetRows();
     endResetModel();
     check();
 }

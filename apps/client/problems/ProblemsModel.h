@@ -88,7 +88,7 @@ private:
     void replace(RecordProblems& record);
     void replaceMany(std::vector<RecordProblems>& records);
     void move(int number, const ProblemRow& now);
-    void showAnew();
+    void resetRows();
     std::vector<Shown>::iterator placeOf(const ProblemRow& row);
     void check() const;
 

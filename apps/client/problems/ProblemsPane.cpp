@@ -55,7 +55,7 @@ void ProblemsPane::makeView() {
             &ProblemsPane::aboutToRemove);
     m_view->setModel(&m_feed.model());
     connect(&m_feed.model(), &QAbstractItemModel::rowsRemoved, this, &ProblemsPane::removed);
-    connect(&m_feed, &ProblemsFeed::countChanged, this, &ProblemsPane::goOn);
+    connect(&m_feed, &ProblemsFeed::countChanged, this, &ProblemsPane::continueCures);
     m_view->setItemDelegateForColumn(ProblemsModel::Where, new PlaceDelegate(m_view)); // its child
     m_view->setRootIsDecorated(false);
     m_view->setUniformRowHeights(true);
@@ -235,7 +235,7 @@ void ProblemsPane::removed() {
 
 /// One who puts right one after the other goes on where he is. What another has put right moves the
 /// focus, but no selection: nothing is cured by a key that was meant for another row.
-void ProblemsPane::goOn() {
+void ProblemsPane::continueCures() {
     QItemSelectionModel* selected = m_view->selectionModel();
     if (m_goesOn && !selected->hasSelection() && m_view->currentIndex().isValid())
         selected->select(m_view->currentIndex(),

@@ -48,7 +48,7 @@ private:
     void restore();
     void aboutToRemove(const QModelIndex& parent, int first, int last);
     void removed();
-    void goOn();
+    void continueCures();
     bool isCured(const checks::Finding& finding) const;
 
     ProblemsFeed& m_feed;
