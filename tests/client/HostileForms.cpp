@@ -1,6 +1,6 @@
 #include "tests/client/HostileForms.h"
 
-#include "tests/client/FormBench.h"
+#include "tests/client/FormFixture.h"
 
 namespace orvo::test {
 

@@ -3,7 +3,7 @@
 #include "apps/client/FormViewer.h"
 #include "apps/client/HostApp.h"
 #include "apps/formview/Content.h"
-#include "tests/client/FormBench.h"
+#include "tests/client/FormFixture.h"
 
 #include <QClipboard>
 #include <QLabel>
@@ -43,9 +43,9 @@ class TestForms : public QObject {
     Q_OBJECT
 private slots:
     void aDesignerFormIsLive() {
-        FormBench bench;
-        bench.put({{"котёл_", designerForm}, {"котёл.png", png(20, 10)}, {"котёл.txt", "текст"}});
-        auto window = bench.open("котёл_");
+        FormFixture forms;
+        forms.put({{"котёл_", designerForm}, {"котёл.png", png(20, 10)}, {"котёл.txt", "текст"}});
+        auto window = forms.open("котёл_");
         QVERIFY(window);
         QVERIFY(window->isVisible());
         QVERIFY(window->windowTitle().contains("котёл_"));
@@ -62,9 +62,9 @@ private slots:
     }
 
     void keysReachTheForm() {
-        FormBench bench;
-        bench.put({{"a.ui", designerForm}});
-        auto window = bench.open("a.ui");
+        FormFixture forms;
+        forms.put({{"a.ui", designerForm}});
+        auto window = forms.open("a.ui");
         FormView* view = currentView(*window);
         QTRY_VERIFY_WITH_TIMEOUT(!view->canvas()->image().isNull(), timeoutMs);
         QTest::mouseClick(canvasOf(*view), Qt::LeftButton, {}, {20, 25});
@@ -74,9 +74,9 @@ private slots:
     }
 
     void whatIsCopiedInAFormIsOnTheClipboard() {
-        FormBench bench;
-        bench.put({{"a.ui", designerForm}});
-        auto window = bench.open("a.ui");
+        FormFixture forms;
+        forms.put({{"a.ui", designerForm}});
+        auto window = forms.open("a.ui");
         FormView* view = currentView(*window);
         QTRY_VERIFY_WITH_TIMEOUT(!view->canvas()->image().isNull(), timeoutMs);
         QGuiApplication::clipboard()->setText("before");
@@ -98,9 +98,9 @@ private slots:
     }
 
     void aListOpensOverTheForm() {
-        FormBench bench;
-        bench.put({{"a.ui", designerForm}});
-        auto window = bench.open("a.ui");
+        FormFixture forms;
+        forms.put({{"a.ui", designerForm}});
+        auto window = forms.open("a.ui");
         FormView* view = currentView(*window);
         QTRY_VERIFY_WITH_TIMEOUT(!view->canvas()->image().isNull(), timeoutMs);
         QVERIFY(!hasColor(*view, Qt::cyan));
@@ -111,9 +111,9 @@ private slots:
     }
 
     void theFormFollowsTheSizeOfTheWindow() {
-        FormBench bench;
-        bench.put({{"a.ui", designerForm}});
-        auto window = bench.open("a.ui");
+        FormFixture forms;
+        forms.put({{"a.ui", designerForm}});
+        auto window = forms.open("a.ui");
         FormView* view = currentView(*window);
         QTRY_VERIFY_WITH_TIMEOUT(!view->canvas()->image().isNull(), timeoutMs);
         window->resize(1000, 850);
@@ -136,9 +136,9 @@ private slots:
         document.bytes = file.readAll();
         document.name = name;
         document.directory = QDir::currentPath();
-        FormBench bench;
-        bench.put({{name, document.bytes}});
-        auto window = bench.open(name);
+        FormFixture forms;
+        forms.put({{name, document.bytes}});
+        auto window = forms.open(name);
         FormView* view = currentView(*window);
         QTRY_VERIFY_WITH_TIMEOUT(!view->canvas()->image().isNull(), timeoutMs);
         const formview::Content content = formview::makeContent(document);
@@ -156,19 +156,19 @@ private slots:
     }
 
     void aPictureIsShown() {
-        FormBench bench;
-        bench.put({{"a.png", png(33, 22)}});
-        auto window = bench.open("a.png");
+        FormFixture forms;
+        forms.put({{"a.png", png(33, 22)}});
+        auto window = forms.open("a.png");
         FormView* view = currentView(*window);
         QTRY_VERIFY_WITH_TIMEOUT(hasColor(*view, Qt::darkGreen), timeoutMs);
     }
 
     void aFormShowsThePicturesStoredBesideIt() {
-        FormBench bench;
+        FormFixture forms;
         const QByteArray form = R"(<ui version="4.0"><widget class="QLabel" name="Form">
             <property name="pixmap"><pixmap>котёл.png</pixmap></property></widget></ui>)";
-        bench.put({{"котёл_", form}, {"котёл.png", png(20, 10)}});
-        auto window = bench.open("котёл_");
+        forms.put({{"котёл_", form}, {"котёл.png", png(20, 10)}});
+        auto window = forms.open("котёл_");
         FormView* view = currentView(*window);
         QTRY_VERIFY_WITH_TIMEOUT(hasColor(*view, Qt::darkGreen), timeoutMs);
         QVERIFY(view->findChild<QLabel*>("damageLabel")->isHidden());
@@ -196,9 +196,9 @@ private slots:
         QFETCH(QString, name);
         QFETCH(QByteArray, bytes);
         QFETCH(bool, isDamaged);
-        FormBench bench;
-        bench.put({{name, bytes}, {name + ".second", "whole"}});
-        auto window = bench.open(name);
+        FormFixture forms;
+        forms.put({{name, bytes}, {name + ".second", "whole"}});
+        auto window = forms.open(name);
         QVERIFY(window);
         QCOMPARE(window->tabs()->count(), 2);
         QSignalSpy problems(window.get(), &app::FormWindow::problem);
@@ -216,9 +216,9 @@ private slots:
     }
 
     void aViewerThatEndsIsSaidAndMayBeStartedAgain() {
-        FormBench bench;
-        bench.put({{"a.ui", designerForm}});
-        auto window = bench.open("a.ui");
+        FormFixture forms;
+        forms.put({{"a.ui", designerForm}});
+        auto window = forms.open("a.ui");
         QSignalSpy problems(window.get(), &app::FormWindow::problem);
         FormView* view = currentView(*window);
         QTRY_COMPARE_WITH_TIMEOUT(view->state(), FormView::State::Shown, timeoutMs);
@@ -235,10 +235,10 @@ private slots:
     }
 
     void aViewerThatStopsIsEnded() {
-        FormBench bench;
-        bench.limits.answerMs = 1000;
-        bench.put({{"a.txt", "text"}});
-        auto window = bench.open("a.txt");
+        FormFixture forms;
+        forms.limits.answerMs = 1000;
+        forms.put({{"a.txt", "text"}});
+        auto window = forms.open("a.txt");
         FormView* view = currentView(*window);
         QTRY_COMPARE_WITH_TIMEOUT(view->state(), FormView::State::Shown, timeoutMs);
         ::kill(static_cast<pid_t>(view->processId()), SIGSTOP);
@@ -247,10 +247,10 @@ private slots:
     }
 
     void aViewerThatTakesTooMuchMemoryIsEnded() {
-        FormBench bench;
-        bench.limits.memory = 4 << 20; // less than any needs
-        bench.put({{"a.txt", "text"}});
-        auto window = bench.open("a.txt");
+        FormFixture forms;
+        forms.limits.memory = 4 << 20; // less than any needs
+        forms.put({{"a.txt", "text"}});
+        auto window = forms.open("a.txt");
         FormView* view = currentView(*window);
         QTRY_COMPARE_WITH_TIMEOUT(view->state(), FormView::State::Failed, timeoutMs);
         const QString text = view->findChild<QLabel*>("failureLabel")->text();
@@ -259,19 +259,19 @@ private slots:
     }
 
     void aMissingViewerIsSaid() {
-        FormBench bench;
-        bench.program = "/nowhere/orvo-form-view";
-        bench.put({{"a.txt", "text"}});
-        auto window = bench.open("a.txt");
+        FormFixture forms;
+        forms.program = "/nowhere/orvo-form-view";
+        forms.put({{"a.txt", "text"}});
+        auto window = forms.open("a.txt");
         FormView* view = currentView(*window);
         QTRY_COMPARE(view->state(), FormView::State::Failed);
         QVERIFY(view->findChild<QLabel*>("failureLabel")->text().contains("не запускается"));
     }
 
     void theViewerEndsWithItsWindow() {
-        FormBench bench;
-        bench.put({{"a.txt", "text"}});
-        auto window = bench.open("a.txt");
+        FormFixture forms;
+        forms.put({{"a.txt", "text"}});
+        auto window = forms.open("a.txt");
         QTRY_COMPARE_WITH_TIMEOUT(currentView(*window)->state(), FormView::State::Shown, timeoutMs);
         const auto process = static_cast<pid_t>(currentView(*window)->processId());
         QCOMPARE(::kill(process, 0), 0);
@@ -280,12 +280,12 @@ private slots:
     }
 
     void titlesAreShownLetterByLetterInOneLine() {
-        FormBench bench;
+        FormFixture forms;
         const QString name = "<b>&a;" + QString(5000, 'x');
         store::StoredFile file;
         file.name = name.toStdString();
         file.bytes = "text";
-        const app::FormWindow window(bench.program, "a\nb" + name, {file}, {}, bench.limits,
+        const app::FormWindow window(forms.program, "a\nb" + name, {file}, {}, forms.limits,
                                      nullptr);
         QVERIFY(window.tabs()->tabText(0).startsWith("<b>&&a;"));
         QVERIFY(window.tabs()->tabText(0).size() < 200);
@@ -294,19 +294,19 @@ private slots:
     }
 
     void parametersAreCutFromTheName() {
-        FormBench bench;
-        bench.put({{"a", "one"}});
-        bench.put({{"a;b", "two"}});
-        QVERIFY(bench.open("a;x=1;y=2")->windowTitle().endsWith("— a"));
-        QVERIFY(bench.open("a;b;x=1")->windowTitle().endsWith("— a;b"));
+        FormFixture forms;
+        forms.put({{"a", "one"}});
+        forms.put({{"a;b", "two"}});
+        QVERIFY(forms.open("a;x=1;y=2")->windowTitle().endsWith("— a"));
+        QVERIFY(forms.open("a;b;x=1")->windowTitle().endsWith("— a;b"));
     }
 
     void aMissingFormIsAClearMessage() {
-        FormBench bench;
+        FormFixture forms;
         QString error;
-        QVERIFY(!bench.open("нет такой;параметр", &error));
+        QVERIFY(!forms.open("нет такой;параметр", &error));
         QVERIFY(error.contains("«нет такой»"));
-        QVERIFY(!bench.open("", &error));
+        QVERIFY(!forms.open("", &error));
         QVERIFY(!error.isEmpty());
     }
 

@@ -2,7 +2,7 @@
 // not. Every run takes one form of a kind; with ORVO_ALL_FORMS=1 all of them.
 #include "apps/client/FormView.h"
 #include "apps/client/FormViewer.h"
-#include "tests/client/FormBench.h"
+#include "tests/client/FormFixture.h"
 #include "tests/client/HostileForms.h"
 
 #include <QElapsedTimer>

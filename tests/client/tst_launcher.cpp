@@ -9,7 +9,7 @@
 #include "apps/client/ModuleTabs.h"
 #include "frame/Vocabulary.h"
 #include "platform/client/ModuleRegistry.h"
-#include "tests/client/FormBench.h"
+#include "tests/client/FormFixture.h"
 
 #include <QDir>
 #include <QFileDialog>
@@ -47,7 +47,7 @@ QByteArray pdf() {
     return bytes;
 }
 
-struct Fixture : FormBench {
+struct Fixture : FormFixture {
     QString libraryDir = dir.path() + "/modules";
     ModuleLibraries libraries;
     client::ModuleRegistry modules;

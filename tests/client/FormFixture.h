@@ -1,6 +1,6 @@
-// FormBench.h: stored forms, and the window that shows them. For the tests of the form viewer.
-#ifndef ORVO_TESTS_CLIENT_FORMBENCH_H
-#define ORVO_TESTS_CLIENT_FORMBENCH_H
+// FormFixture.h: stored forms, and the window that shows them. For the tests of the form viewer.
+#ifndef ORVO_TESTS_CLIENT_FORMFIXTURE_H
+#define ORVO_TESTS_CLIENT_FORMFIXTURE_H
 
 #include "apps/client/FormView.h"
 #include "apps/client/FormViewer.h"
@@ -16,11 +16,11 @@ namespace orvo::test {
 
 constexpr int timeoutMs = 20'000; ///< a process starts slowly on a busy machine
 
-struct FormBench : Host {
+struct FormFixture : Host {
     Module module{&app};
     QString program = qEnvironmentVariable("ORVO_PROGRAM_DIR") + "/orvo-form-view";
     app::ProcessLimits limits;
-    FormBench() {
+    FormFixture() {
         write("MenuResourceFolder", 1,
               {{"KeyLink", "f"}, {"type_", "3"}, {"caption", "формы отображения"}});
     }
