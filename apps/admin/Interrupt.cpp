@@ -57,7 +57,8 @@ void take(int signal, void (*handler)(int)) {
 } // namespace
 
 Interruptible::Interruptible() {
-    std::snprintf(interruptText, sizeof interruptText, "%s", StdText::tr("orvo-admin: прервано\n").c_str());
+    std::snprintf(interruptText, sizeof interruptText, "%s",
+                  StdText::tr("orvo-admin: прервано\n").c_str());
     interrupted = false;
     take(SIGALRM, onAlarm);
     take(SIGINT, onSignal);
