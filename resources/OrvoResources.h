@@ -270,9 +270,9 @@ private:
                             int type);
     /// The fields behind a row.
     const orvo::editor::RecordFields& fieldsOf(const QModelIndex& row) const;
-    /// A row in words: what it is, its caption, and the resource if that is another word.
     /// What was cut here and has been deleted since, in words.
     QStringList namesGoneSinceCut() const;
+    /// A row in words: what it is, its caption, and the resource if that is another word.
     QString describe(const QModelIndex& row) const;
     /// Keys by which the records of a folder name it; the top of the file area has two.
     QStringList folderLinks(const QString& folderKey, int type) const;
