@@ -327,9 +327,9 @@ void CPopMessageBox::showEvent(QShowEvent* event) {
         return;
     d->overlay->cover();
     orvo::client::tellAlert(*this);
-    // Of its own window, if another has the keyboard.
+    // Of its own window, if another has the keyboard; in a pane beside the module as well.
     QWidget* before = window()->focusWidget();
-    if (before && parentWidget() && parentWidget()->isAncestorOf(before) && !isAncestorOf(before))
+    if (before && before != this && !isAncestorOf(before))
         d->focusBefore = before;
     d->defaultButton()->setFocus(Qt::OtherFocusReason);
     qApp->removeEventFilter(this);

@@ -127,6 +127,25 @@ private slots:
         QTRY_COMPARE(QApplication::focusWidget(), menu);
     }
 
+    void afterARefusalThePaneHasTheKeyboardAgain() {
+        Fixture fixture;
+        COrvoCliMod* editor = fixture.module("Resources");
+        fixture.client->window()->showPage(editor);
+        fixture.view("tvRes")->setCurrentIndex(Fixture::find(fixture.view("tvRes"), "Аварии"));
+        fixture.action("actAddModule")->trigger(); // its object is missing
+        fixture.view("tvRes")->setFocus();
+        QTest::keyClick(fixture.client->window(), Qt::Key_F8);
+        auto* problems = fixture.child<QTreeView>("problemsTree");
+        QTRY_COMPARE(QApplication::focusWidget(), problems);
+        QTest::keyClick(problems, Qt::Key_S, Qt::ControlModifier);
+        const CPopMessageBox* box = nullptr;
+        QTRY_VERIFY((box = editor->findChild<CPopMessageBox*>()) && box->isVisible());
+        QTRY_VERIFY(box->isAncestorOf(QApplication::focusWidget()));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        QTRY_VERIFY(!box->isVisible());
+        QTRY_COMPARE(QApplication::focusWidget(), problems);
+    }
+
     /// The editor's own look finds nothing: the other's record waits until the edit ends.
     void aNameThatAnotherTookMeanwhileIsRefused() {
         Fixture fixture;
