@@ -121,6 +121,15 @@ void OrvoMenu::addChosenElements(CPopObjectList& list) {
         return;
     const QModelIndex entered = list.isPalette() ? elementRow(m_paletteTarget) : QModelIndex();
     const QModelIndex target = entered.isValid() ? entered : elementRow(m_currentMenuKey);
+    if (list.isPalette() && target.isValid() && target != entered && !m_paletteTarget.isEmpty()) {
+        // What became current in its place was chosen by nobody.
+        m_paletteTarget = m_currentMenuKey;
+        const QModelIndex folder = m_menuModel->itemIsFolder(target) ? target : target.parent();
+        refuse(tr("Не добавлено: строки, к которой вы добавляли, в этом меню больше нет.\n"
+                  "Ещё раз — добавить в «%1».")
+                   .arg(folder.siblingAtColumn(orvo::menu::MenuColumn::Caption).data().toString()));
+        return;
+    }
     if (list.isPalette() && !target.isValid())
         refuse(tr("Добавить некуда: сначала выберите рабочий стол, в меню которого это нужно."));
     else if (!addElements(target, std::move(picked)))

@@ -331,6 +331,12 @@
         <source>Добавить некуда: сначала выберите рабочий стол, в меню которого это нужно.</source>
         <translation>There is nothing to add to: first choose the desktop in whose menu it belongs.</translation>
     </message>
+    <message>
+        <source>Не добавлено: строки, к которой вы добавляли, в этом меню больше нет.
+Ещё раз — добавить в «%1».</source>
+        <translation>Not added: the row you were adding to is no longer in this menu.
+Once more adds to “%1”.</translation>
+    </message>
 </context>
 <context>
     <name>OrvoResources</name>

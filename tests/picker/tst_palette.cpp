@@ -565,6 +565,29 @@ private slots:
         QVERIFY(boxText(*menu.module).contains("Добавить некуда"));
     }
 
+    void aFolderThatAnotherDeletesWhileOneAddsToItIsNotReplacedUnasked() {
+        Menu menu;
+        QVERIFY(menu.open());
+        menu.view("tvMenu")->setCurrentIndex(menu->element("glubzhe"));
+        menu.press(Qt::Key_F7);
+        CPopObjectList* palette = menu.palette();
+        QVERIFY(menu.isInPalette());
+        palette->tvObj()->setCurrentIndex(palette->treeModel->findIndexByKey("m2"));
+        menu.store.sql("DELETE FROM \"Menu\" WHERE \"parent\" = 'glubzhe'");
+        menu.store.sql("DELETE FROM \"Menu\" WHERE \"KeyLink\" = 'glubzhe'");
+        menu.host.deliver(*menu.module);
+        QVERIFY(!menu->element("glubzhe").isValid());
+        menu.host.writes().take();
+        QTest::keyClick(palette->tvObj(), Qt::Key_Return);
+        QVERIFY(menu.module->m_popMessageBox && menu.module->m_popMessageBox->isVisible());
+        QVERIFY2(boxText(*menu.module).contains("больше нет"), qPrintable(boxText(*menu.module)));
+        QCOMPARE(menu.host.writes().take(), QString());
+        // The box has named where it goes now.
+        QTest::keyClick(menu.module->m_popMessageBox, Qt::Key_Return);
+        QTest::keyClick(palette->tvObj(), Qt::Key_Return);
+        QVERIFY(menu.host.writes().take().contains("MenuResourceKey='m2'"));
+    }
+
     void eachKindHasItsTitleAndWhatWasOpen() {
         Menu menu;
         QVERIFY(menu.open());
