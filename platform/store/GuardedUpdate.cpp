@@ -36,6 +36,21 @@ std::string byWhom(const Change& change) {
                                 : StdText::tr("пользователем ") + shown(change.login);
 }
 
+bool isEmptyText(const Value& value) {
+    const auto* text = std::get_if<std::string>(&value);
+    return text != nullptr && text->empty();
+}
+
+/// An editor writes an empty text for NULL, since its rows show both alike: nobody has typed it.
+void leaveNull(Write& write, const std::set<int>& nulls) {
+    write.values.erase(std::remove_if(write.values.begin(), write.values.end(),
+                                      [&](const std::pair<int, Value>& value) {
+                                          return isEmptyText(value.second) &&
+                                                 nulls.count(value.first) != 0;
+                                      }),
+                       write.values.end());
+}
+
 /// What people call the record: its caption or name, as far as a change of the log tells.
 std::string nameIn(const TableDef& table, const std::string& json) {
     const FieldValues values = valuesFromJson(table, json);
@@ -81,22 +96,41 @@ Status GuardedUpdate::checkReach(const UpdateGuard& guard) {
 
 Status GuardedUpdate::merge(UpdateGuard& guard) {
     std::set<std::string> updated;
-    for (const Write& write : m_writes)
-        if (write.flag == MDX_UPDATE && isKey(write.key))
-            updated.insert(foldedKey(write.key));
+    std::set<int> emptied;
+    for (const Write& write : m_writes) {
+        if (write.flag != MDX_UPDATE || !isKey(write.key))
+            continue;
+        updated.insert(foldedKey(write.key));
+        for (const auto& [field, value] : write.values)
+            if (isEmptyText(value))
+                emptied.insert(field);
+    }
     if (updated.empty())
         return {};
+    std::vector<int> fields{0};
+    if (guard.seen >= 0)
+        fields.insert(fields.end(), emptied.begin(), emptied.end());
     std::vector<Change> changes;
     std::set<std::string> stored;
-    Status status = m_backend.storedKeys(m_table, listOf(updated), &stored);
+    std::map<std::string, std::set<int>> nulls;
+    const auto note = [&](const StoreBackend::Row& row) {
+        const std::string key = foldedKey(textOf(row.front()));
+        for (size_t i = 1; i < fields.size(); ++i)
+            if (std::holds_alternative<std::monostate>(row[i]))
+                nulls[key].insert(fields[i]);
+        stored.insert(key);
+    };
+    Status status = m_backend.selectKeys(m_table, fields, listOf(updated), note);
     if (status.ok() && guard.seen >= 0)
         status = m_backend.changesOf(m_table, listOf(updated), guard.seen, &changes);
     if (!status.ok())
         return status;
     const Merge merge(m_table, changes, guard);
     for (Write& write : *m_merged) {
-        merge.reduce(write);
         const std::string key = foldedKey(write.key);
+        if (const auto found = nulls.find(key); found != nulls.end() && write.flag == MDX_UPDATE)
+            leaveNull(write, found->second);
+        merge.reduce(write);
         if (write.flag == MDX_INSERT)
             stored.insert(key);
         if (write.flag != MDX_UPDATE || stored.count(key) != 0 || write.key.empty())

@@ -14,14 +14,20 @@ namespace orvo::store {
 
 namespace {
 
+/// The text that a record shows; none for another type.
+std::optional<std::string> shownText(const Value& value) {
+    if (std::holds_alternative<std::monostate>(value))
+        return std::string();
+    const auto* text = std::get_if<std::string>(&value);
+    return text != nullptr ? std::optional(mdx::toCp1251(*text)) : std::nullopt;
+}
+
 /// Whether two values read alike in a record. Another's text may hold letters that a record has a
-/// question mark for; a writer that gives back what it read has not changed them.
+/// question mark for, and editors write an empty text for NULL: a writer that gives back what it
+/// read has not changed it.
 bool sameInRecords(const Value& a, const Value& b) {
-    const auto* one = std::get_if<std::string>(&a);
-    const auto* other = std::get_if<std::string>(&b);
-    if (one != nullptr && other != nullptr)
-        return mdx::toCp1251(*one) == mdx::toCp1251(*other);
-    return a == b;
+    const std::optional<std::string> one = shownText(a);
+    return one ? one == shownText(b) : a == b;
 }
 
 /// What became of one field after the writer last saw it.

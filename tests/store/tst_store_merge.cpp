@@ -129,6 +129,28 @@ private slots:
         QCOMPARE(record("pump"), QString("Мой|pump.png|1000|false|box"));
     }
 
+    void anEmptyTextOverNullIsNoChange() {
+        UpdateGuard first = guard();
+        ORVO_OK(Batch("Menu")
+                    .update("pump", {{"caption", "Насос 2"}, {"params", ""}})
+                    .send(*m_store, &first));
+        std::vector<Change> changes;
+        ORVO_OK(m_store->readLog(m_seen, 10, &changes));
+        QCOMPARE(changes.size(), size_t(1));
+        QVERIFY2(changes[0].after.find("params") == std::string::npos, changes[0].after.c_str());
+        const int64_t own = position();
+        ORVO_OK(Batch("Menu").update("pump", {{"params", "важно"}}).send(*m_other));
+        UpdateGuard mine = guard();
+        mine.own = {{own, own}};
+        ORVO_OK(Batch("Menu")
+                    .update("pump", {{"caption", "Насос 3"}, {"params", ""}})
+                    .send(*m_store, &mine));
+        QVERIFY(mine.conflicts.empty());
+        ORVO_OK(m_store->readLog(own + 1, 10, &changes));
+        QVERIFY2(changes.back().after.find("params") == std::string::npos,
+                 changes.back().after.c_str());
+    }
+
     void everyTypeIsCompared() {
         ORVO_OK(Batch("MenuResource")
                     .insert("form", {{"name_", "Pump_"}, {"type_", 3}, {"dateTimeEdit", 1.1e9 / 3}})
