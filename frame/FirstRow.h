@@ -6,32 +6,43 @@
 
 #include <QAbstractItemView>
 #include <QFocusEvent>
+#include <QItemSelectionModel>
 
 namespace orvo {
 
-/// Makes the first row current and selects it when the view gets the focus by a key, or its window
-/// becomes active, and it has no current row. A child of the view.
+/// Makes the first row current and selects it when the view gets the focus by a key and has neither
+/// a current row nor a selected one. A child of the view.
 class FirstRow : public QObject {
 public:
-    explicit FirstRow(QAbstractItemView* view) : QObject(view), m_view(*view) {
+    /// Whether the focus that comes with its window counts too: not where a selection has effects
+    /// that nobody who only turned to the window has asked for.
+    enum With { KeysAlone, WindowsToo };
+
+    explicit FirstRow(QAbstractItemView* view, With with = WindowsToo)
+        : QObject(view)
+        , m_view(*view)
+        , m_withWindow(with == WindowsToo) {
         view->installEventFilter(this);
     }
 
 protected:
     bool eventFilter(QObject*, QEvent* event) override {
         if (event->type() == QEvent::FocusIn && m_view.model() &&
-            !m_view.currentIndex().isValid() && isByKey(static_cast<QFocusEvent*>(event)->reason()))
+            !m_view.currentIndex().isValid() && !m_view.selectionModel()->hasSelection() &&
+            counts(static_cast<QFocusEvent*>(event)->reason()))
             m_view.setCurrentIndex(m_view.model()->index(0, 0));
         return false;
     }
 
 private:
-    static bool isByKey(Qt::FocusReason reason) {
+    bool counts(Qt::FocusReason reason) const {
         return reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
-               reason == Qt::ShortcutFocusReason || reason == Qt::ActiveWindowFocusReason;
+               reason == Qt::ShortcutFocusReason ||
+               (m_withWindow && reason == Qt::ActiveWindowFocusReason);
     }
 
     QAbstractItemView& m_view;
+    const bool m_withWindow;
 };
 
 } // namespace orvo

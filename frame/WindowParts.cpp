@@ -180,7 +180,7 @@ void arrangeTree(QTreeView* view, bool styled) {
     view->setIndentation(imageSize);
     view->installEventFilter(new ExpandAllKeyFilter(view)); // the view's child
     view->setItemDelegate(new RowDelegate(view));           // likewise
-    new FirstRow(view);                                     // likewise
+    new FirstRow(view, FirstRow::KeysAlone);                // likewise
 }
 
 void showMarks(QTreeView* view, const COrvoCliMod& module, RowDelegate::RecordOf recordOf) {
