@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <limits>
 
-using orvo::KeyValues;
 using orvo::ScratchTable;
 using orvo::menu::MenuColumn;
 using orvo::menu::menuRootKey;

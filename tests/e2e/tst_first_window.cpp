@@ -91,16 +91,23 @@ private slots:
         const QRect window = placeOf(client);
         QVERIFY2(screen.left() <= window.left() && window.right() <= screen.right(),
                  qPrintable(QString("%1 wide at %2").arg(window.width()).arg(window.x())));
-        int right = window.left();
-        for (const char* name : {"storeLabel", "userLabel", "othersLabel", "problemsButton",
-                                 "doneLabel", "failureButton"}) {
-            const std::vector<Control> found = client.controls(name);
-            QVERIFY2(found.size() == 1 && found.front().visible, name);
-            const QRect rect = found.front().rect;
-            QVERIFY2(rect.left() >= right && rect.right() <= window.right(), name);
-            QVERIFY2(rect.width() >= 40, name);
-            right = rect.right();
-        }
+        // Asked one after the other, while parts may still come: until nothing moves.
+        QByteArray wrong;
+        const bool inOrder = scene.waitFor("the status line is in order", [&] {
+            wrong.clear();
+            int right = window.left();
+            for (const char* name : {"storeLabel", "userLabel", "othersLabel", "problemsButton",
+                                     "doneLabel", "failureButton"}) {
+                const std::vector<Control> found = client.controls(name);
+                const QRect rect = found.empty() ? QRect() : found.front().rect;
+                if (found.size() != 1 || !found.front().visible || rect.left() < right ||
+                    rect.right() > window.right() || rect.width() < 40)
+                    wrong = name;
+                right = rect.right();
+            }
+            return wrong.isEmpty();
+        });
+        QVERIFY2(inOrder, wrong.constData());
         QVERIFY2(done.rect.width() >= 200, qPrintable(QString::number(done.rect.width())));
     }
 };
