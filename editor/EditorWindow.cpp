@@ -6,6 +6,7 @@
 #include "frame/ScratchTable.h"
 #include "frame/ViewRows.h"
 #include "frame/WindowParts.h"
+#include "models/TreeSearchBar.h"
 
 #include <QAction>
 #include <QApplication>
@@ -293,6 +294,21 @@ bool EditorWindow::answeredYes(QAbstractButton* button) {
         return false;
     m_popMessageBox->hide();
     return m_popMessageBox->ButtonRole(button) == QMessageBox::YesRole;
+}
+
+void EditorWindow::openSearch() {
+    if (TreeSearchBar* bar = searchBar())
+        bar->open();
+}
+
+void EditorWindow::stepToHit(int by) {
+    if (TreeSearchBar* bar = searchBar())
+        bar->step(by);
+}
+
+void EditorWindow::searchByNext() {
+    if (TreeSearchBar* bar = searchBar())
+        bar->searchByNext();
 }
 
 void EditorWindow::refuse(const QString& reason) {

@@ -53,6 +53,7 @@ namespace orvo {
 class Notification;
 class QuietViews;
 class ScratchTable;
+class TreeSearchBar;
 } // namespace orvo
 
 namespace orvo::editor {
@@ -72,6 +73,15 @@ public:
     // An editor that opens the picker gives it the catalogue.
     const CMDArray* resourceTable() const override { return nullptr; }
     const CMDArray* resourceFolderTable() const override { return nullptr; }
+
+    // For the parts of an editor, which are classes of their own.
+
+    /// Says in a box why something is not done. Returns at once.
+    void refuse(const QString& reason);
+    /// The picker, made when it is first asked for.
+    CPopObjectList* picker();
+    /// Whether a folder is chosen in a picker, where a resource is wanted; says so in a box.
+    bool refusesChosenFolder(const CPopObjectList& list);
 
 protected:
     explicit EditorWindow(COrvoCliApp* app);
@@ -168,18 +178,14 @@ protected:
     /// Shows the values of a row again in the passport that stands there, open editors included.
     void refreshPassport(const QModelIndex& row, const RecordFields& fields);
 
-    /// The picker, made when it is first asked for.
-    CPopObjectList* picker();
     /// The picker, ready to offer the icons.
     CPopObjectList* iconPicker();
     static bool isIconRow(const QString& rowName);
-    /// Whether a folder is chosen in a picker, where a resource is wanted; says so in a box.
-    bool refusesChosenFolder(const CPopObjectList& list);
     /// Enters the icon that was chosen into the passport as the engineer's own edit does.
     void takeChosenIcon();
 
     // ---------------------------------------------------------------------------------------------
-    // Boxes: both return at once.
+    // Boxes, which return at once.
 
     /// A question with Yes and No about records of a table; `below` are those that lie below them.
     /// The flow goes on in `slot`, a slot of the editor as SLOT() spells it, which takes the
@@ -195,8 +201,6 @@ protected:
     void ask(const Question& question);
     /// Hides the box and tells whether the button was its Yes. False without a box.
     bool answeredYes(QAbstractButton* button);
-    /// Says in a box why something is not done.
-    void refuse(const QString& reason);
     /// Says something in a box; nothing has gone wrong.
     void tell(const QString& title, const QString& text);
     /// Adds the places where records are used to the details of the box that stands, as soon as the
@@ -216,12 +220,15 @@ protected:
     /// no longer reaches the window, and its models outlive their views.
     void destroyViews();
 
-    /// Ctrl+F: shows the search field of the tree that has the focus, or of the window's main one.
-    virtual void openSearch() {}
+    /// The search field of the tree that has the focus, or of the window's main one; null: there is
+    /// none.
+    virtual TreeSearchBar* searchBar() const { return nullptr; }
+    /// Ctrl+F: shows that search field.
+    virtual void openSearch();
     /// F3 and Shift+F3: goes to the next hit of that search (1) or to the one before (-1).
-    virtual void stepToHit(int /*by*/) {}
+    virtual void stepToHit(int by);
     /// Searches by another column from now on.
-    virtual void searchByNext() {}
+    virtual void searchByNext();
 
     /// All notifications that waited have been taken.
     virtual void notificationsTaken() {}

@@ -100,7 +100,7 @@ bool OrvoMenu::checkMimeType(const QString& format) const {
         return false;
     const QMimeData* offered = m_clipboard->mimeData();
     return (offered && offered->hasFormat(format)) ||
-           (format == QLatin1String(orvo::menu::menuMime) && ownCutIsGood());
+           (format == QLatin1String(orvo::menu::menuMime) && m_menuClipboard.ownCutIsGood());
 }
 
 void OrvoMenu::showContextMenu_tvDesck(const QPoint& point) {

@@ -77,7 +77,8 @@ void OrvoMenu::bindCommands() {
         mayAdd);
     all.bind(
         keys::rename, menu, nullptr, [this] { passportKeys().editRow(QStringLiteral("name")); },
-        [this] { return m_app->m_mayWrite && recordRow(m_currentMenuKey).isValid(); }, true);
+        [this] { return m_app->m_mayWrite && m_openMenu.recordRow(m_currentMenuKey).isValid(); },
+        true);
     all.bind(keys::cut, menu, m_ui->actCutMenuElement);
     all.bind(keys::copy, menu, m_ui->actCopyMenuElement);
     all.bind(
@@ -101,16 +102,17 @@ void OrvoMenu::bindCommands() {
     all.bind(keys::moveUp, menu, m_ui->actMoveUp);
     all.bind(keys::moveDown, menu, m_ui->actMoveDown);
     all.bind(
-        keys::moveIn, menu, nullptr, [this] { moveIntoFolder(); }, [this] { return mayMoveIn(); });
+        keys::moveIn, menu, nullptr, [this] { m_order.moveIn(); },
+        [this] { return m_order.mayMoveIn(); });
     all.bind(
-        keys::moveOut, menu, nullptr, [this] { moveOutOfFolder(); },
-        [this] { return mayMoveOut(); });
+        keys::moveOut, menu, nullptr, [this] { m_order.moveOut(); },
+        [this] { return m_order.mayMoveOut(); });
     bindSelection(menu,
                   [this, menu] {
                       orvo::editor::SelectedRecords chosen{orvo::table::Menu, &m_elementFields,
                                                            m_currentMenuKey};
                       for (const QModelIndex& row : menu->selectionModel()->selectedRows(0))
-                          if (recordRow(m_menuModel->getItemKeyLink(row)).isValid())
+                          if (m_openMenu.recordRow(m_menuModel->getItemKeyLink(row)).isValid())
                               chosen.rows.push_back({m_menuModel->getItemKeyLink(row),
                                                      m_menuModel->itemIsFolder(row)
                                                          ? orvo::editor::FolderRows
@@ -121,7 +123,7 @@ void OrvoMenu::bindCommands() {
                   {QStringLiteral("name")}, {});
     for (QTreeView* pane : {desck, menu, m_ui->tvProp})
         all.bind(
-            keys::palette, pane, nullptr, [this] { showPalette(); },
+            keys::palette, pane, nullptr, [this] { m_newElements.togglePalette(); },
             [this] { return m_app->m_mayWrite && m_menuModel->rowCount() > 0; });
     for (QTreeView* pane : {menu, m_ui->tvProp})
         all.bind(
@@ -130,12 +132,14 @@ void OrvoMenu::bindCommands() {
                 showUses(orvo::table::Menu, m_menuModel->getItemKeyLink(menu->currentIndex()));
             },
             [this, menu] {
-                return recordRow(m_menuModel->getItemKeyLink(menu->currentIndex())).isValid();
+                return m_openMenu.recordRow(m_menuModel->getItemKeyLink(menu->currentIndex()))
+                    .isValid();
             },
             true);
     const auto element = [this]() -> orvo::RecordName {
         const QString key = m_menuModel->getItemKeyLink(m_ui->tvMenu->currentIndex());
-        return {QString::fromLatin1(orvo::table::Menu), recordRow(key).isValid() ? key : QString()};
+        return {QString::fromLatin1(orvo::table::Menu),
+                m_openMenu.recordRow(key).isValid() ? key : QString()};
     };
     bindRecord(menu, element);
     bindPassportRecord(element);
@@ -146,8 +150,7 @@ void OrvoMenu::bindCommands() {
                     .data()
                     .toString()};
     });
-    m_menuViewport = menu->viewport();
-    menu->viewport()->installEventFilter(this);
+    m_newElements.takeDrops(*menu);
     desck->setAccessibleName(tr("Рабочие столы"));
     menu->setAccessibleName(tr("Меню рабочего стола"));
     nameForReaders(tr("Паспорт элемента"));

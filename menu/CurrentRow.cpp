@@ -6,9 +6,7 @@
 
 #include "menu/Columns.h"
 #include "models/SimilarRows.h"
-#include "picker/PopObjectList.h"
 
-#include <QApplication>
 #include <QItemSelectionModel>
 #include <QTreeView>
 
@@ -52,17 +50,15 @@ void OrvoMenu::on_tvDesck_currentChanged(const QModelIndex& current, const QMode
     if (!m_desckModel->isItemFolder(current))
         loadMenuTree(m_currentDesckKey);
     else
-        m_openDesckKey.clear();
+        m_openMenu.forgetDesck();
 }
 
 void OrvoMenu::on_tvMenu_currentChanged(const QModelIndex& current, const QModelIndex&) {
     m_currentMenuKey = m_menuModel->getItemKeyLink(current);
-    // Who works in the palette has chosen no other row: what others add becomes current.
-    if (!m_palette || QApplication::activeWindow() != m_palette)
-        m_paletteTarget = m_currentMenuKey;
+    m_newElements.noteCurrent();
     m_propModel->clearRows();
     // An edit of a row that moves is no edit that the engineer leaves.
-    switch (m_movesRows && m_editMode == EditElement ? int32_t(NoEdit) : m_editMode) {
+    switch (m_moves.isMoving() && m_editMode == EditElement ? int32_t(NoEdit) : m_editMode) {
     case NoEdit:
         showMenuPassport(current);
         setMenuActionsEnabled(current);

@@ -21,7 +21,7 @@ using orvo::menu::MenuColumn;
 void OrvoMenu::on_actDeleteElem_triggered() {
     if (!m_menuModel)
         return;
-    const QModelIndex element = elementRow(m_currentMenuKey);
+    const QModelIndex element = m_openMenu.elementRow(m_currentMenuKey);
     const QModelIndex desktop = m_desckModel->findIndexByKey(m_currentDesckKey);
     if (!element.isValid() && !desktop.isValid())
         return;
@@ -63,7 +63,7 @@ void OrvoMenu::removeMenuMessage(QAbstractButton* button) {
     if (!out.fetch())
         return;
     // A notification may have removed it while the question stood.
-    const QModelIndex element = elementRow(m_currentMenuKey);
+    const QModelIndex element = m_openMenu.elementRow(m_currentMenuKey);
     if (!element.isValid())
         return;
     out.add(MDX_DELETE).text(orvo::field::KeyLink, m_currentMenuKey);

@@ -31,6 +31,32 @@ using orvo::menu::desktopClass;
 using orvo::menu::folderClass;
 using orvo::menu::newKeyOf;
 
+namespace {
+
+/// The record of a pasted row; gives its new key.
+QString addPasted(const orvo::editor::RecordFields& fields, const QString& parent,
+                  const MDRData* source, const QString& name, const char* orderClass,
+                  ScratchTable& desktops) {
+    const QString key = QString::fromLatin1(GenGuid32());
+    orvo::RowWriter row = desktops.add(MDX_INSERT);
+    row.text(orvo::field::KeyLink, key);
+    if (orvo::sameText(parent, QString::fromLatin1(desckRootKey)))
+        row.null(orvo::field::ParentKey);
+    else
+        row.text(orvo::field::ParentKey, parent);
+    row.text(orvo::field::order_, QString::fromLatin1(orderClass));
+    for (const RecordField& field : fields)
+        if (field.copied == Copied::Value)
+            row.copy(field.name, source);
+    if (name.isNull())
+        row.copy(orvo::field::caption, source);
+    else
+        row.text(orvo::field::caption, name);
+    return key;
+}
+
+} // namespace
+
 void OrvoMenu::on_actAddDescktop_triggered() {
     addDesckRow(false);
 }
@@ -141,9 +167,9 @@ void OrvoMenu::removeDesckTopMessage(QAbstractButton* button) {
         return;
     // The table has its elements, unless it could not be opened when it became current.
     CMDArray fetched;
-    const bool isOpen = orvo::sameText(openDesckKey(), m_currentDesckKey);
+    const bool isOpen = orvo::sameText(m_openMenu.desckKey(), m_currentDesckKey);
     if (!isOpen)
-        fetched.Attach(requestMenu(m_currentDesckKey));
+        fetched.Attach(m_openMenu.request(m_currentDesckKey));
     if (!isOpen && !fetched.array)
         return;
     if (!isOpen)
@@ -198,26 +224,6 @@ void OrvoMenu::on_actPasteDescktopOrFolder_triggered() {
     elements.send();
 }
 
-QString OrvoMenu::pasteDesckRow(const QString& parent, const MDRData* source, const QString& name,
-                                const char* orderClass, ScratchTable& desktops) {
-    const QString key = QString::fromLatin1(GenGuid32());
-    orvo::RowWriter row = desktops.add(MDX_INSERT);
-    row.text(orvo::field::KeyLink, key);
-    if (orvo::sameText(parent, QString::fromLatin1(desckRootKey)))
-        row.null(orvo::field::ParentKey);
-    else
-        row.text(orvo::field::ParentKey, parent);
-    row.text(orvo::field::order_, QString::fromLatin1(orderClass));
-    for (const RecordField& field : m_desckFields)
-        if (field.copied == Copied::Value)
-            row.copy(field.name, source);
-    if (name.isNull())
-        row.copy(orvo::field::caption, source);
-    else
-        row.text(orvo::field::caption, name);
-    return key;
-}
-
 void OrvoMenu::pasteDesckFolderToDB(const QString& parent, const QString& source,
                                     const QString& name, ScratchTable& elements,
                                     ScratchTable& desktops) {
@@ -236,7 +242,7 @@ void OrvoMenu::pasteDesckFolderToDB(const QString& parent, const QString& source
             if (!record)
                 return {};
             const QString key =
-                pasteDesckRow(item.parent, record, item.name, folderClass, desktops);
+                addPasted(m_desckFields, item.parent, record, item.name, folderClass, desktops);
             std::vector<Item> below;
             orvo::walkGroup(
                 m_tabFolder, 3, KeyValues().text(item.source), [&](const MDRData* child) {
@@ -256,12 +262,12 @@ void OrvoMenu::pasteDesckItemToDB(const QString& parent, const QString& source, 
     const MDRData* record = orvo::seekKey(m_tabFolder, source);
     if (!record)
         return;
-    const QString desktop = pasteDesckRow(parent, record, name, desktopClass, desktops);
+    const QString desktop = addPasted(m_desckFields, parent, record, name, desktopClass, desktops);
 
     // From the server: m_tabMenu has the open desktop only. Without an answer the desktop is pasted
     // without elements.
     CMDArray menu;
-    menu.Attach(requestMenu(source));
+    menu.Attach(m_openMenu.request(source));
     orvo::setKeys(menu);
     const QMap<QString, QString> newKeys = orvo::menu::newKeysFor(menu);
     orvo::walkAll(menu, 0, [&](const MDRData* element) {

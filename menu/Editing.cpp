@@ -30,7 +30,8 @@ void OrvoMenu::on_editor_valueChanged(const QString& rowName, const QVariant& va
     // top row, which no record stands behind.
     const bool isOpenHere = m_elementEdit.isOpen() && sameText(key, m_editMenuKey);
     if (m_menuModel->getItemLevel(row) == 0 || (!isOpenHere && !finishEdit())) {
-        refuseTyping(row);
+        m_propModel->clearRows();
+        showMenuPassport(row);
         return;
     }
     if (!row.isValid())
@@ -45,11 +46,6 @@ void OrvoMenu::on_editor_valueChanged(const QString& rowName, const QVariant& va
     const int column = m_elementFields.editedColumn(rowName);
     if (column >= 0)
         m_elementEdit.change(*m_menuModel, row, column, value);
-}
-
-void OrvoMenu::refuseTyping(const QModelIndex& row) {
-    m_propModel->clearRows();
-    showMenuPassport(row);
 }
 
 bool OrvoMenu::finishEdit() {
@@ -202,7 +198,7 @@ void OrvoMenu::cancelElement() {
     if (!record)
         return;
     loadMenuRow(row.parent(), row.row(), record);
-    const QModelIndex current = elementRow(m_currentMenuKey);
+    const QModelIndex current = m_openMenu.elementRow(m_currentMenuKey);
     if (current.isValid())
         orvo::reselectRow(m_ui->tvMenu, current);
 }

@@ -8,6 +8,7 @@
 #include "frame/ViewRows.h"
 #include "frame/Vocabulary.h"
 #include "menu/Columns.h"
+#include "menu/DesckRows.h"
 
 using orvo::menu::DesckColumn;
 using orvo::menu::MenuColumn;
@@ -63,16 +64,17 @@ bool OrvoMenu::ModShowRecord(const QString& table, const QString& key, const QSt
     if (!m_desckModel || (!isElement && table != QLatin1String(orvo::table::MenuFolder)))
         return false;
     const QString desckKey = isElement ? desktop : key;
-    const QModelIndex desck = desckKey.isEmpty() ? QModelIndex() : desckRow(desckKey);
+    const QModelIndex desck =
+        desckKey.isEmpty() ? QModelIndex() : orvo::menu::desckRow(*m_desckModel, desckKey);
     if (!desck.isValid())
         return false;
     orvo::makeCurrent(m_ui->tvDesck, desck);
     // The current desktop need not be the one whose menu is open.
-    if (isElement && !orvo::sameText(openDesckKey(), desckKey)) {
+    if (isElement && !orvo::sameText(m_openMenu.desckKey(), desckKey)) {
         clearMenuModel();
         loadMenuTree(desckKey);
     }
-    const QModelIndex element = isElement ? recordRow(key) : QModelIndex();
+    const QModelIndex element = isElement ? m_openMenu.recordRow(key) : QModelIndex();
     if (isElement && !element.isValid())
         return false;
     QTreeView* view = isElement ? m_ui->tvMenu : m_ui->tvDesck;

@@ -9,9 +9,9 @@
 #include "frame/ViewRows.h"
 #include "frame/Vocabulary.h"
 #include "menu/Columns.h"
+#include "menu/DesckRows.h"
 
 #include <QAction>
-#include <QScopedValueRollback>
 #include <QTreeView>
 
 using orvo::menu::MenuColumn;
@@ -43,53 +43,34 @@ void OrvoMenu::followTables() {
         };
     };
     follow({{orvo::table::MenuFolder, to(&OrvoMenu::desckInserted), to(&OrvoMenu::desckUpdated),
-             to(&OrvoMenu::desckDeleted)},
+             [this](const orvo::Notification& change) {
+                 orvo::removeRecord(change, m_tabFolder, m_ui->tvDesck,
+                                    orvo::menu::desckRow(*m_desckModel, change.key()));
+             }},
             {orvo::table::Menu, to(&OrvoMenu::elementInserted), to(&OrvoMenu::elementUpdated),
              to(&OrvoMenu::elementDeleted)},
             // The table keeps what is deleted; it is no longer to be chosen all the same.
             {orvo::table::MenuResource,
              [this](const orvo::Notification& change) {
                  orvo::createAndMerge(change.event(), &m_tabResource);
-                 m_deletedResources.remove(change.key().toCaseFolded());
+                 m_newElements.noteStored(change.key());
              },
              {},
-             [this](const orvo::Notification& change) {
-                 m_deletedResources.insert(change.key().toCaseFolded());
-             }},
+             [this](const orvo::Notification& change) { m_newElements.noteDeleted(change.key()); }},
             {orvo::table::MenuResourceFolder, create(m_tabResFolder), edit(m_tabResFolder),
-             to(&OrvoMenu::forgetResourceFolder)}},
+             [this](const orvo::Notification& change) {
+                 // The picker lists by the folders of resources; no tree shows them.
+                 if (MDRData* record = orvo::findRecord(change.event(), &m_tabResFolder))
+                     m_tabResFolder.RecDel(record);
+             }}},
            {m_ui->tvDesck, m_ui->tvMenu, m_ui->tvProp});
-}
-
-QModelIndex OrvoMenu::elementRow(const QString& key) const {
-    // The model answers an empty key with the root row, and with it the whole menu would go.
-    return key.isEmpty() ? QModelIndex() : m_menuModel->findIndexByKey(key);
-}
-
-QModelIndex OrvoMenu::recordRow(const QString& key) const {
-    return orvo::sameText(key, QString::fromLatin1(menuRootKey)) ? QModelIndex() : elementRow(key);
-}
-
-QModelIndex OrvoMenu::desckRow(const QString& key) const {
-    return orvo::sameText(key, QString::fromLatin1(orvo::menu::desckRootKey))
-               ? QModelIndex()
-               : m_desckModel->findIndexByKey(key);
-}
-
-void OrvoMenu::forgetResourceFolder(const orvo::Notification& change) {
-    if (MDRData* record = orvo::findRecord(change.event(), &m_tabResFolder))
-        m_tabResFolder.RecDel(record);
 }
 
 void OrvoMenu::desckUpdated(const orvo::Notification& change) {
     MDRData* record = orvo::editAndMerge(change.event(), &m_tabFolder);
-    const QModelIndex row = desckRow(change.key());
+    const QModelIndex row = orvo::menu::desckRow(*m_desckModel, change.key());
     if (record && row.isValid())
         showDesck(change, record, row);
-}
-
-void OrvoMenu::desckDeleted(const orvo::Notification& change) {
-    orvo::removeRecord(change, m_tabFolder, m_ui->tvDesck, desckRow(change.key()));
 }
 
 void OrvoMenu::desckInserted(const orvo::Notification& change) {
@@ -97,7 +78,7 @@ void OrvoMenu::desckInserted(const orvo::Notification& change) {
     if (!record)
         return;
     const QString key = change.key();
-    QModelIndex row = desckRow(key);
+    QModelIndex row = orvo::menu::desckRow(*m_desckModel, key);
     if (!row.isValid()) {
         // Somebody else's row. Without a parent key it has no place in this tree until the next
         // start.
@@ -146,7 +127,7 @@ void OrvoMenu::mergeElement(const orvo::Notification& change, const MDRData* rec
 void OrvoMenu::elementUpdated(const orvo::Notification& change) {
     MDRData* record = orvo::editAndMerge(change.event(), &m_tabMenu);
     const QString key = change.key();
-    const QModelIndex row = recordRow(key);
+    const QModelIndex row = m_openMenu.recordRow(key);
     if (!record || !row.isValid())
         return;
     const QModelIndex parent = row.parent();
@@ -162,7 +143,7 @@ void OrvoMenu::elementUpdated(const orvo::Notification& change) {
         // Without a row for the new parent the element waits where it stands.
         if (!target.isValid())
             return;
-        moveElement(row, position, target);
+        m_moves.move(*m_ui->tvMenu, row, position, target);
         limitMoves();
         return;
     }
@@ -183,13 +164,13 @@ void OrvoMenu::elementInserted(const orvo::Notification& change) {
     MDRData* record = orvo::createAndMerge(change.event(), &m_tabMenu);
     if (!record)
         return;
-    if (!orvo::holdsText(record, orvo::field::FolderKey, openDesckKey())) {
+    if (!orvo::holdsText(record, orvo::field::FolderKey, m_openMenu.desckKey())) {
         // The table holds the open desktop only.
         m_tabMenu.RecDel(record);
         return;
     }
     const QString key = change.key();
-    const QModelIndex own = recordRow(key);
+    const QModelIndex own = m_openMenu.recordRow(key);
     if (own.isValid()) {
         loadMenuRow(own.parent(), own.row(), record);
         // What was typed since the save is not in the record.
@@ -202,53 +183,13 @@ void OrvoMenu::elementInserted(const orvo::Notification& change) {
     if (position < 0 || !parent.isValid() || !m_menuModel->insertRows(position, 1, parent))
         return;
     loadMenuRow(parent, position, record);
-    gatherChildren(key);
+    m_moves.gather(*m_ui->tvMenu, key);
     if (mayMoveCurrent())
-        orvo::makeCurrent(m_ui->tvMenu, elementRow(key));
-}
-
-void OrvoMenu::gatherChildren(const QString& key) {
-    QStringList folders{key};
-    while (!folders.isEmpty()) {
-        const QString folderKey = folders.takeFirst();
-        QStringList children;
-        orvo::walkGroup(m_tabMenu, 1, orvo::KeyValues().text(folderKey),
-                        [&](const MDRData* record) {
-                            if (!orvo::holdsText(record, orvo::field::parent, folderKey))
-                                return false;
-                            children << orvo::textOf(record, orvo::field::KeyLink);
-                            return true;
-                        });
-        for (const QString& child : children) {
-            const QModelIndex folder = elementRow(folderKey);
-            const QModelIndex row = recordRow(child);
-            const int place = m_menuModel->rowCount(folder);
-            if (row.isValid()) {
-                if (row.parent() != folder)
-                    moveElement(row, place, folder);
-            } else if (m_menuModel->insertRows(place, 1, folder)) {
-                loadMenuRow(folder, place, orvo::seekKey(m_tabMenu, child));
-                folders << child;
-            }
-        }
-    }
-}
-
-void OrvoMenu::moveElement(const QModelIndex& row, int32_t position, const QModelIndex& target) {
-    // A row moves as a copy: the view leaves the old one for a sibling, or forgets a current row
-    // below it.
-    QTreeView* view = m_ui->tvMenu;
-    const QModelIndex current = view->currentIndex();
-    const bool goesAlong = orvo::currentStandsIn(view, row);
-    const QString key = m_menuModel->getItemKeyLink(current);
-    const QScopedValueRollback<bool> moving(m_movesRows, true);
-    m_menuModel->moveItem(row.row(), position, row.parent(), target);
-    if (current.isValid() && goesAlong)
-        orvo::makeCurrent(view, elementRow(key));
+        orvo::makeCurrent(m_ui->tvMenu, m_openMenu.elementRow(key));
 }
 
 void OrvoMenu::elementDeleted(const orvo::Notification& change) {
-    orvo::removeRecord(change, m_tabMenu, m_ui->tvMenu, recordRow(change.key()));
+    orvo::removeRecord(change, m_tabMenu, m_ui->tvMenu, m_openMenu.recordRow(change.key()));
     limitMoves();
 }
 

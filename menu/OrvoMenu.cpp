@@ -46,10 +46,7 @@ OrvoMenu::OrvoMenu(COrvoCliApp* app)
     m_actPreview->setShortcutContext(Qt::WindowShortcut); // from any pane beside the shown editor
     addAction(m_actPreview);
     commands().bind(orvo::keys::preview, nullptr, m_actPreview);
-    connect(m_actPreview, &QAction::triggered, this, &OrvoMenu::showPreview);
-    m_previewTimer.setSingleShot(true);
-    m_previewTimer.setInterval(0);
-    connect(&m_previewTimer, &QTimer::timeout, this, &OrvoMenu::updatePreview);
+    connect(m_actPreview, &QAction::triggered, this, [this] { m_preview.show(); });
     // All three columns of the menu beside the two of the passport.
     m_ui->splitter_2->setSizes({600, 400});
 }

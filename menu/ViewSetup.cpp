@@ -95,18 +95,3 @@ orvo::TreeSearchBar* OrvoMenu::searchBar() const {
     return focus && (focus == m_ui->tvDesck || m_ui->tvDesck->isAncestorOf(focus)) ? m_desckSearch
                                                                                    : m_menuSearch;
 }
-
-void OrvoMenu::openSearch() {
-    if (orvo::TreeSearchBar* bar = searchBar())
-        bar->open();
-}
-
-void OrvoMenu::searchByNext() {
-    if (orvo::TreeSearchBar* bar = searchBar())
-        bar->searchByNext();
-}
-
-void OrvoMenu::stepToHit(int by) {
-    if (orvo::TreeSearchBar* bar = searchBar())
-        bar->step(by);
-}

@@ -79,9 +79,9 @@ public:
         putOnClipboard(bytes);
         editor->on_actPasteMenuElement_triggered();
     }
-    /// As paste, with a cut that the editor takes for its own.
+    /// As paste, before the editor is told of the cut and takes it off the clipboard.
     void pasteCut(const QByteArray& bytes) {
-        editor->m_cutPending = true;
+        const QSignalBlocker untold(QGuiApplication::clipboard());
         paste(bytes);
     }
     int recordsWritten() const {

@@ -199,8 +199,13 @@ private slots:
                      << "nobody"
                      << "MenuRootNode" << QString(300, 'k');
                 const QByteArray bytes = m_mutator.payload(samples, keys);
-                editor->m_cutPending = m_mutator.below(2) == 0; // or it is taken off the clipboard
-                putOnClipboard(menuMime, bytes);
+                {
+                    // Pasted before the editor is told of it, or a cut is taken off the clipboard.
+                    QSignalBlocker untold(QGuiApplication::clipboard());
+                    if (m_mutator.below(2) != 0)
+                        untold.unblock();
+                    putOnClipboard(menuMime, bytes);
+                }
                 // The folder may be gone with a cut.
                 const QString target = present[m_mutator.below(present.size())];
                 editor.view("tvMenu")->setCurrentIndex(editor->m_menuModel->findIndexByKey(
