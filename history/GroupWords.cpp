@@ -3,6 +3,7 @@
 #include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "history/LargeGroup.h"
+#include "history/NetChanges.h"
 #include "history/SharedPlace.h"
 #include "platform/store/Merge.h"
 #include "platform/store/Names.h"
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 #include <set>
 #include <utility>
 
@@ -117,6 +119,9 @@ std::vector<const LoggedChange*> mainOnes(const std::vector<LoggedChange>& all) 
             continue;
         if (following.count(&read) != 0 || (saysNothing(read) && !nothingSaid))
             continue;
+        if (read.isTakenBack && read.deed == Deed::Moved &&
+            created.count({read.above->name, store::foldedKey(read.to)}) != 0)
+            continue; // others had put it there, and it went back
         const auto* records = read.deed == Deed::Deleted   ? &deleted
                               : read.deed == Deed::Created ? &created
                                                            : nullptr;
@@ -218,7 +223,7 @@ std::vector<LoggedChange> cutAsMoves(const std::vector<const LoggedChange*>& one
 QString lineOf(const std::vector<LoggedChange>& all, RecordSource& source) {
     const std::vector<const LoggedChange*> ones = mainOnes(all);
     if (ones.empty())
-        return all.empty() ? Text::tr("Нет изменений") : sentence(all.front(), source);
+        return all.empty() ? Text::tr("Записано то же, что было") : sentence(all.front(), source);
     const LoggedChange& first = *ones.front();
     if (ones.size() > 1 && allAlike(ones, source))
         return together(ones, source);
@@ -260,8 +265,10 @@ QString beginningOf(const std::vector<LoggedChange>& all, RecordSource& source) 
 
 GroupWords describe(const Group& group, RecordSource& source) {
     const bool isTakenBack = !group.undoes.empty() && !group.redoes;
-    const Group told = isTakenBack ? takenBackBy(group) : Group();
-    const Group& about = isTakenBack ? told : group;
+    const std::optional<Group> net = netChanges(group);
+    const Group& whole = net ? *net : group;
+    const Group told = isTakenBack ? takenBackBy(whole) : Group();
+    const Group& about = isTakenBack ? told : whole;
     GroupWords words;
     source.prepareUpdated(about.changes);
     if (!about.counts.empty()) {
@@ -281,7 +288,7 @@ GroupWords describe(const Group& group, RecordSource& source) {
     }
     if (group.redoes)
         words.what = Text::tr("Повтор: ") + words.what.left(1).toLower() + words.what.mid(1);
-    if (const size_t count = group.undoes.size(); isTakenBack && count > 1)
+    if (const size_t count = group.undoes.size(); count > 1)
         words.what += QStringLiteral(" (%1 %2)")
                           .arg(count)
                           .arg(numeralForm(count, Text::tr("действие"), Text::tr("действия"),
@@ -292,8 +299,10 @@ GroupWords describe(const Group& group, RecordSource& source) {
 QString commandWords(const Group& group, RecordSource& source) {
     if (!group.counts.empty())
         return LargeGroup(group, source).command();
-    source.prepareUpdated(group.changes);
-    const std::vector<LoggedChange> all = allLogged(group);
+    const std::optional<Group> net = netChanges(group);
+    const Group& about = net ? *net : group;
+    source.prepareUpdated(about.changes);
+    const std::vector<LoggedChange> all = allLogged(about);
     std::vector<const LoggedChange*> ones = mainOnes(all);
     if (ones.empty() || !ones.front()->table)
         return Text::tr("изменить записи");

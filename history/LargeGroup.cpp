@@ -47,7 +47,8 @@ Deed deedOf(const store::ChangeCount& count) {
 
 LargeGroup::LargeGroup(const Group& group, RecordSource& source, bool isTakenBack)
     : m_group(group)
-    , m_source(source) {
+    , m_source(source)
+    , m_isTakenBack(isTakenBack) {
     const auto& counts = group.counts;
     const bool onlyContents = std::all_of(counts.begin(), counts.end(), isContent);
     const bool onlyOrder =
@@ -59,7 +60,8 @@ LargeGroup::LargeGroup(const Group& group, RecordSource& source, bool isTakenBac
             m_kinds.push_back({&counts[i], logged(group.tops[i]), group.follows[i]});
     for (Kind& kind : m_kinds)
         kind.top.isTakenBack = isTakenBack;
-    m_cut = isCut();
+    m_replaced = isReplaced();
+    m_cut = !m_replaced && isCut();
     if (!m_cut)
         return;
     // As the move that was meant: what was made, from where the other one was deleted.
@@ -91,6 +93,18 @@ bool LargeGroup::isCut() const {
                        [](const auto& table) { return table.second == 0; });
 }
 
+bool LargeGroup::isReplaced() const {
+    const auto isSame = [](const Kind& one, const Kind& other) {
+        return one.count->code == OrvoEventDelete && other.count->code == OrvoEventInsert &&
+               one.count->table == other.count->table &&
+               store::foldedKey(one.top.change->key) == store::foldedKey(other.top.change->key);
+    };
+    return std::any_of(m_kinds.begin(), m_kinds.end(), [&](const Kind& one) {
+        return std::any_of(m_kinds.begin(), m_kinds.end(),
+                           [&](const Kind& other) { return isSame(one, other); });
+    });
+}
+
 /// Whether all are of one kind and, as far as they were read, none holds the others.
 bool LargeGroup::isFlat() const {
     const LoggedChange& top = first();
@@ -104,6 +118,17 @@ bool LargeGroup::isFlat() const {
 
 size_t LargeGroup::total() const {
     int64_t all = 0;
+    if (m_replaced) {
+        std::map<std::string, std::map<int, int64_t>> records; // of a table, by what was done
+        for (const Kind& kind : m_kinds)
+            if (kind.count->code != OrvoEventUpdate)
+                records[kind.count->table][kind.count->code] += kind.count->count;
+        for (const auto& [table, byCode] : records)
+            all += std::max_element(byCode.begin(), byCode.end(), [](const auto& a, const auto& b) {
+                       return a.second < b.second;
+                   })->second;
+        return static_cast<size_t>(all);
+    }
     for (const Kind& kind : m_kinds)
         if (!m_cut || kind.count->code == OrvoEventInsert)
             all += kind.count->count;
@@ -161,6 +186,9 @@ QString LargeGroup::place() const {
 
 QString LargeGroup::line() const {
     const size_t all = total();
+    if (const LoggedChange& top = first(); m_replaced && top.table)
+        return (m_isTakenBack ? Text::tr("Снова как прежде: ") : Text::tr("Записаны заново: ")) +
+               recordWords(*top.table, known(top, m_source), top.change->key) + andMore(all - 1);
     if (all == 1 || !isFlat())
         return sentence(first(), m_source) + andMore(all - 1) + along();
     const Noun noun = anyOf(*first().table);
@@ -174,6 +202,8 @@ QString LargeGroup::command() const {
     const LoggedChange& top = first();
     if (!top.table)
         return Text::tr("изменить записи");
+    if (m_replaced && m_group.undoes.empty())
+        return Text::tr("записать заново ") + objectWords(top, m_source) + andMore(all - 1);
     const bool flat = all > 1 && isFlat();
     const Deed deed = flat ? deedOf(*m_kinds.front().count) : top.deed;
     const QString verb =

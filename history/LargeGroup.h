@@ -36,6 +36,8 @@ private:
     /// The change that the words begin with.
     const LoggedChange& first() const { return m_kinds.front().top; }
     bool isCut() const;
+    /// Whether what it deletes is written again under the same keys.
+    bool isReplaced() const;
     bool isFlat() const;
     size_t total() const;
     QString names() const;
@@ -46,6 +48,8 @@ private:
     RecordSource& m_source;
     std::vector<Kind> m_kinds; ///< what the words are about; at least one
     bool m_cut = false;
+    const bool m_isTakenBack;
+    bool m_replaced = false;
 };
 
 } // namespace orvo::history

@@ -215,9 +215,9 @@ store::Status readGroup(store::MaintainedStore& store, int64_t id, Group* group,
     group->counts.clear();
     group->tops.clear();
     group->follows.clear();
-    group->redoes = false;
-    if (!group->undoes.empty() && most != 1) // what is read for its head alone is not told
-        status = doesAgain(store, group->undoes.front(), &group->redoes);
+    group->redoes = !group->undoes.empty() && most != 1; // what is read for its head is not told
+    for (size_t i = 0; i < group->undoes.size() && group->redoes && status.ok(); ++i)
+        status = doesAgain(store, group->undoes[i], &group->redoes);
     return status;
 }
 

@@ -39,7 +39,7 @@ struct Group {
     /// as the first and the last of that kind tell: those in a branch that was cut.
     std::vector<bool> follows;
     std::vector<int64_t> undoes; ///< the groups that it takes back
-    bool redoes = false;         ///< what it takes back took something back, so it does that again
+    bool redoes = false; ///< all that it takes back took something back, so it does that again
 
     /// Whether the words for it hold for all its changes.
     bool isCounted() const { return whole || !counts.empty(); }

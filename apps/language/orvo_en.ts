@@ -1156,14 +1156,6 @@ and reopens its modules.</translation>
         <translation>Upload a form from its files</translation>
     </message>
     <message>
-        <source>Все названные файлы составляют одну форму. Её имя - имя файла, который оканчивается на «_»,
-а если такого нет, самое короткое. Файлы формы с другими именами остаются в хранилище.
-Путь считается от папки «формы отображения».</source>
-        <translation>All files given make up one form. Its name is the name of the file that ends in
-“_” or, if there is none, the shortest. Files of the form with other names stay
-in the store. The path is counted from the folder “формы отображения”.</translation>
-    </message>
-    <message>
         <source>Загрузить файлы в файловые ресурсы</source>
         <translation>Upload files into the file resources</translation>
     </message>
@@ -4128,10 +4120,6 @@ Save?</translation>
     <message>
         <source>и ещё %1</source>
         <translation>and %1 more</translation>
-    </message>
-    <message>
-        <source>Нет изменений</source>
-        <translation>No changes</translation>
     </message>
     <message>
         <source> вместе с тем, что внутри</source>
@@ -7510,6 +7498,52 @@ place in the store, and for deleting what others that stay refer to.</translatio
     <message>
         <source>Формы</source>
         <translation>Forms</translation>
+    </message>
+    <message>
+        <source>более старое журнал уже не помнит</source>
+        <translation>the log no longer knows of anything older</translation>
+    </message>
+    <message>
+        <source>форма не загружена: «</source>
+        <translation>form not uploaded: “</translation>
+    </message>
+    <message>
+        <source>» занята (</source>
+        <translation>” is taken (</translation>
+    </message>
+    <message>
+        <source>); освободить её: orvo-admin unlock </source>
+        <translation>); to release it: orvo-admin unlock </translation>
+    </message>
+    <message>
+        <source>Все названные файлы составляют одну форму. Её имя - имя файла, который оканчивается на «_»,
+а если такого нет, самое короткое. Файлы формы с другими именами остаются в хранилище.
+Путь считается от папки «формы отображения». Форма, которую другой взял в работу, не
+заменяется: её освобождает он сам или unlock.</source>
+        <translation>All files given make up one form. Its name is the name of the file that ends in
+“_” or, if there is none, the shortest. Files of the form with other names stay
+in the store. The path is counted from the folder “формы отображения”. A form
+that somebody else has taken is not replaced: they release it, or unlock does.</translation>
+    </message>
+    <message>
+        <source> журнал уже не помнит</source>
+        <translation> is no longer in the log</translation>
+    </message>
+    <message>
+        <source>Записано то же, что было</source>
+        <translation>Written as it was before</translation>
+    </message>
+    <message>
+        <source>Снова как прежде: </source>
+        <translation>As before again: </translation>
+    </message>
+    <message>
+        <source>Записаны заново: </source>
+        <translation>Written anew: </translation>
+    </message>
+    <message>
+        <source>записать заново </source>
+        <translation>write anew </translation>
     </message>
 </context>
 <context>
