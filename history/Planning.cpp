@@ -183,6 +183,27 @@ void Planning::work(Record& record) const {
     }
 }
 
+const Planning::Event* Planning::builtOnSince(const Record& record) const {
+    const Event* since = nullptr;
+    for (const Event& event : record.events)
+        if (isConcerned(event) && (!since || (m_standing.stands(event.change->group) &&
+                                              event.change->code == OrvoEventDelete)))
+            since = &event;
+    return since;
+}
+
+bool Planning::wentAlong(const Record* below, int link) const {
+    bool went = false;
+    for (const Event& event : below ? below->events : std::vector<Event>())
+        if (!isConcerned(event))
+            went = went && (!counts(event) || isLockOnly(*event.change));
+        else if (m_standing.isUndoing(event.change->group) &&
+                 m_standing.stands(event.change->group))
+            went = went || event.change->code == OrvoEventDelete ||
+                   (event.change->code == OrvoEventUpdate && event.after.count(link) != 0);
+    return went;
+}
+
 void Planning::update(const store::TableDef& table, Record& record) {
     for (int field = 1; field < static_cast<int>(table.fields.size()); ++field) {
         const auto wanted = record.then.find(field);
@@ -244,13 +265,11 @@ store::Status Planning::decide() {
                 record.values = std::move(record.then);
             } else if (record.present && record.wasMadeOrDeleted) {
                 record.flag = MDX_DELETE;
-                bool made = false;
-                for (const Event& event : record.events) {
-                    made = made || isConcerned(event);
-                    if (made && counts(event) && !isConcerned(event) && !event.after.empty() &&
-                        !isLockOnly(*event.change))
+                const Event* const since = builtOnSince(record);
+                for (const Event& event : record.events)
+                    if (since && event.change->id > since->change->id && counts(event) &&
+                        !isConcerned(event) && !event.after.empty() && !isLockOnly(*event.change))
                         record.builtOn = event.change;
-                }
             }
         }
     }

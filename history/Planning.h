@@ -109,6 +109,13 @@ private:
     }
     bool counts(const Event& event) const;
     void work(Record& record) const;
+    /// After which change others have built on a record that is to be deleted: the first of the
+    /// actions, or their last deletion of it that stands, with which went what there was. Null:
+    /// none of them changed it.
+    const Event* builtOnSince(const Record& record) const;
+    /// Whether an undo that is to hold again has deleted that, or taken it out of what it deleted,
+    /// with the work of others, and nobody has changed it since: who had it done was asked then.
+    bool wentAlong(const Record* below, int link) const;
     void update(const store::TableDef& table, Record& record);
     bool isSelected(const store::TableDef& table, const std::string& key) const;
     void addMakings(const Record& record, std::set<int64_t>* groups) const;

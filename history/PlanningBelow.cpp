@@ -159,7 +159,6 @@ store::Status Planning::lookBelow(const store::TableDef& table, const Link& link
     std::vector<Inside> deeper, older;
     std::vector<Follower> followers;
     std::vector<std::pair<Record*, std::string>> kept; // with the child that keeps it
-    const bool deletes = m_choices.othersWorkToo && link.places;
     for (const auto& [child, named] : children) {
         Record& record = m_records[&table].at(store::foldedKey(named));
         const Record* const planned = this->planned(*link.below, store::foldedKey(child));
@@ -172,7 +171,8 @@ store::Status Planning::lookBelow(const store::TableDef& table, const Link& link
             followers.push_back({child, &record, origin});
             continue;
         }
-        if (deletes && !stays && m_kept.count(planned) == 0) {
+        const bool goes = m_choices.othersWorkToo || wentAlong(planned, link.field);
+        if (goes && link.places && !stays && m_kept.count(planned) == 0) {
             deeper.push_back({child, &record});
             continue;
         }
@@ -285,7 +285,8 @@ store::Status Planning::keepFolders(bool* changed) {
         Record& record = planned->second.at(key);
         if (!status.ok() || since == placing.end() || record.values.count(resource) == 0)
             continue;
-        if (m_choices.othersWorkToo && m_kept.count(this->planned(elements, child)) == 0) {
+        const Record* const element = this->planned(elements, child);
+        if ((m_choices.othersWorkToo || wentAlong(element, parent)) && m_kept.count(element) == 0) {
             inFolders.push_back({child, &record});
             continue;
         }

@@ -38,11 +38,8 @@ store::Status Planning::findUploadsInto(Records& resources) {
             resources.find(store::foldedKey(store::textOf(content->second[owner])));
         if (resource == resources.end() || resource->second.flag != MDX_DELETE)
             continue;
-        // As with every record: what came after the first of the actions.
-        const std::vector<Event>& events = resource->second.events;
-        const auto first = std::find_if(events.begin(), events.end(),
-                                        [&](const Event& its) { return isConcerned(its); });
-        if (first != events.end() && first->change->id < change.id)
+        if (const Event* since = builtOnSince(resource->second);
+            since && since->change->id < change.id)
             resource->second.builtOn = &change;
     }
     return status;

@@ -31,6 +31,7 @@ private slots:
     void whatIsOlderGoesBackToWhereItStood();
     void whatIsOlderAndHasNoWayBackStays();
     void whatIsOlderLeavesALeafAgain();
+    void whatWentAlongOnceGoesAgainWithoutAQuestion();
     void thereIsNoTopWhereNothingCanStand();
     void aChosenPlaceThatDoesNotFitIsNamed();
     void aFolderOnAnotherDesktopIsNotCalledDeleted();
@@ -346,6 +347,29 @@ void TestHistoryPlaces::whatIsOlderLeavesALeafAgain() {
     ORVO_OK(undo(*m_anna, {emptied}, choices, &done));
     isTold(done, "^Не удалено, а возвращено туда, где было: элемент меню «Б» ");
     QCOMPARE(snapshot(), before);
+}
+
+/// Whoever takes his own undo back has answered already, unless others have built on it since.
+void TestHistoryPlaces::whatWentAlongOnceGoesAgainWithoutAQuestion() {
+    ORVO_OK(Batch("Menu").insert("o", {{"caption", "Новая"}, {"parent", "a"}}).send(*m_anna));
+    const int64_t making = last(*m_anna);
+    ORVO_OK(Batch("Menu").update("o", {{"params", "его"}}).send(*m_boris));
+    ORVO_OK(Batch("Menu").insert("p", {{"caption", "Чужая"}, {"parent", "o"}}).send(*m_boris));
+    Choices choices;
+    choices.othersWorkToo = true;
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {making}, choices, &done));
+    const QStringList without = snapshot();
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    QCOMPARE(told(done), QString());
+    QCOMPARE(snapshot(), without);
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    const int64_t back = last(*m_anna);
+    ORVO_OK(Batch("Menu").update("p", {{"params", "снова"}}).send(*m_boris));
+    ORVO_OK(undo(*m_anna, {back}, {}, &done));
+    QVERIFY(!done.written && done.asks());
+    isTold(done, "\nНе удалено: элемент меню «Новая»: на этом построено другое \\(boris, [^)]*\\)");
 }
 
 void TestHistoryPlaces::thereIsNoTopWhereNothingCanStand() {
