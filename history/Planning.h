@@ -193,6 +193,7 @@ private:
     /// is no version; false if nobody knows them any more.
     bool bytesOf(const Record& record, const std::map<int64_t, store::KeptVersion>& kept,
                  std::optional<store::KeptVersion>* version) const;
+    store::Status forgetSameBytes(const Record& record, std::optional<store::KeptVersion>* version);
     /// Files that others have put into a form that is to be deleted would go with it.
     store::Status findUploadsInto(Records& resources);
 

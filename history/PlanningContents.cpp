@@ -92,6 +92,23 @@ bool Planning::bytesOf(const Record& record, const std::map<int64_t, store::Kept
     return record.present;
 }
 
+/// A version of what is stored already is not written again: it would be kept once more, and a form
+/// that is held be named for nothing.
+store::Status Planning::forgetSameBytes(const Record& record,
+                                        std::optional<store::KeptVersion>* version) {
+    const auto size = record.now.find(store::contentTable().find(field::size));
+    if (!*version || !record.present || size == record.now.end() ||
+        size->second != store::Value(static_cast<int64_t>((*version)->size)))
+        return {};
+    bool same = false;
+    store::Status status = m_store.hasBytesOf(record.key, (*version)->id, &same);
+    if (status.code == store::Failed || status.code == store::UnknownName)
+        return {}; // damaged, or pruned meanwhile: told where it is read
+    if (same)
+        version->reset();
+    return status;
+}
+
 store::Status Planning::decideContents() {
     const store::TableDef& contents = store::contentTable();
     Records& records = m_records[&contents];
@@ -141,6 +158,8 @@ store::Status Planning::decideContents() {
         }
         std::optional<store::KeptVersion> version;
         const bool known = bytesOf(record, kept, &version);
+        if (store::Status asked = forgetSameBytes(record, &version); !asked.ok())
+            return asked;
         if (known && !version && onlyTime) {
             record.values[time] = *onlyTime;
             record.flag = MDX_UPDATE;

@@ -179,6 +179,10 @@ public:
     /// never in memory as a whole. UnknownName if it is kept no more; Failed, naming it, if they
     /// are not the ones that its checksum was made of: then the pieces are not to be used.
     virtual Status versionBytes(int64_t id, const TakePiece& take) = 0;
+    /// Whether the stored content of this key has the bytes of the version, whose checksum must
+    /// tell: both that of what is stored and its size are taken from the bytes. False as well if
+    /// there is no such content. Fails as versionBytes() does.
+    virtual Status hasBytesOf(const std::string& content, int64_t version, bool* has) = 0;
     /// Of a later change than this one, every version is kept: if it has none, it took no bytes
     /// away.
     virtual Status versionsForgotten(int64_t* change) = 0;

@@ -57,6 +57,7 @@ public:
 
     Status versions(const VersionQuery& query, std::vector<KeptVersion>* versions) final;
     Status versionBytes(int64_t id, const TakePiece& take) final;
+    Status hasBytesOf(const std::string& content, int64_t version, bool* has) final;
     Status versionsForgotten(int64_t* change) final;
     Status pruneVersions(double before, uint64_t mostBytes, bool onlyLook,
                          PrunedVersions* pruned) final;

@@ -88,6 +88,34 @@ Status StoreCore::readVersion(const KeptVersion& version, const TakePiece& take,
     return {};
 }
 
+Status StoreCore::hasBytesOf(const std::string& content, int64_t id, bool* has) {
+    *has = false;
+    return guarded([&]() -> Status {
+        return inRead([&]() -> Status {
+            KeptVersion version;
+            Status status = findVersion(id, &version);
+            std::string key; // as it is spelled
+            if (status.ok())
+                status = selectKeys(contentTable(), {0}, {foldedKey(content)},
+                                    [&](const Row& row) { key = textOf(row.front()); });
+            if (!status.ok() || key.empty())
+                return status;
+            if (version.sha256.empty())
+                status = readVersion(version, nullptr, &version.sha256);
+            uint64_t size = 0;
+            Checksum sum;
+            if (status.ok())
+                status = contentPieces(key, [&](std::string_view piece) -> Status {
+                    size += piece.size();
+                    sum.add(piece);
+                    return {};
+                });
+            *has = status.ok() && size == version.size && sum.text() == version.sha256;
+            return status;
+        });
+    });
+}
+
 Status StoreCore::versionBytes(int64_t id, const TakePiece& take) {
     return guarded([&]() -> Status {
         return inRead([&]() -> Status {

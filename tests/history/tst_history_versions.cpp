@@ -31,6 +31,7 @@ private slots:
         ORVO_OK(m_anna->formPut("", {{"", "a_", "second", 2.0}}));
     }
     void aVersionComesBackAsOneAction();
+    void bytesThatAreThereAlreadyAreNotWrittenAgain();
     void aVersionComesBackIntoTheFileOfItsName();
     void damagedBytesAreNotPutBack();
     void aFormThatAnotherHoldsIsLeftAlone();
@@ -83,6 +84,24 @@ void TestHistoryVersions::aVersionComesBackAsOneAction() {
     Inverse done;
     ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
     QVERIFY(contents().contains("second"));
+}
+
+/// A form that another holds is not named, either, if nothing would be done to it.
+void TestHistoryVersions::bytesThatAreThereAlreadyAreNotWrittenAgain() {
+    const QStringList before = snapshot();
+    ORVO_OK(m_anna->replaceAll([&](Receiver& into) { return m_boris->writeOut(into); }));
+    std::vector<Group> groups;
+    ORVO_OK(Reader(*m_anna, {}).next(1, &groups));
+    const auto kept = [&] {
+        std::vector<KeptVersion> versions;
+        return m_anna->versions({}, &versions).ok() ? versions.size() : 0;
+    };
+    const size_t count = kept();
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {groups.front().id}, {}, &done));
+    QCOMPARE(done.count, size_t(0));
+    QCOMPARE(kept(), count);
+    QCOMPARE(snapshot(), before);
 }
 
 void TestHistoryVersions::aVersionComesBackIntoTheFileOfItsName() {
