@@ -149,6 +149,12 @@ QString freeNameWords(const Inverse& plan, const store::Change& change) {
 
 namespace {
 
+QString namedWords(const Remark& remark, const QString& record, RecordSource& source) {
+    const store::TableDef& by = *remark.namedBy;
+    return Text::tr("Не удалено: %1: на это ссылается %2")
+        .arg(record, recordWords(by, source.valuesOf(by, remark.missing), remark.missing));
+}
+
 /// Why it is not as it should have been.
 QString mainWords(const Remark& remark, RecordSource& source, const PersonNames& names) {
     const auto number = [&] { return QString::number(remark.group); };
@@ -251,12 +257,11 @@ QString mainWords(const Remark& remark, RecordSource& source, const PersonNames&
         if (remark.field >= 0)
             return Text::tr("Оставлено как есть: %1, поле «%2»: внутри стоит другое (%3)")
                 .arg(record, fieldWord(table, remark.field), who);
+        if (remark.namedBy)
+            return namedWords(remark, record, source) + QStringLiteral(" (%1)").arg(who);
         return Text::tr("Не удалено: %1: на этом построено другое (%2)").arg(record, who);
-    case Remark::StillNamed: {
-        const store::TableDef& by = *remark.namedBy;
-        return Text::tr("Не удалено: %1: на это ссылается %2")
-            .arg(record, recordWords(by, source.valuesOf(by, remark.missing), remark.missing));
-    }
+    case Remark::StillNamed:
+        return namedWords(remark, record, source);
     case Remark::MovedBack:
         return Text::tr("Не удалено, а возвращено туда, где было: %1 (%2)").arg(record, who);
     case Remark::OlderInside: {

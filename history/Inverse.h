@@ -74,13 +74,15 @@ struct Remark {
                          ///< NameTaken, NoIcon, BuiltOn, TopFolder: of a stored one
     std::string missing; ///< asksForPlace(), NoResource: the key that the field would name;
                          ///< OlderInside: the one that it names;
-                         ///< StillNamed: that of what names it; NameTaken, NoIcon: the name;
+                         ///< StillNamed, BuiltOn: that of what names it; NameTaken, NoIcon: the
+                         ///< name;
                          ///< NoRights, RightsStay: the login
     std::string login;   ///< Locked, ContentLocked: who holds it; else whose action it was, if
                          ///< another one is the reason
     double time = 0;     ///< and when, or since when
     int64_t group = 0;   ///< that action; of a whole action: the one that was asked for
-    const store::TableDef* namedBy = nullptr; ///< StillNamed: the table of `missing`
+    /// StillNamed; BuiltOn, if it opens the resource or bears the icon: the table of `missing`.
+    const store::TableDef* namedBy = nullptr;
     /// asksForPlace(): why the place that was chosen is none either, and its key; empty: the top.
     std::optional<Why> whyNotChosen;
     std::string chosen;
@@ -90,6 +92,8 @@ struct Remark {
         return why == NoPlace || why == PlaceInside || why == PlaceNoFolder ||
                why == PlaceElsewhere;
     }
+    /// Whether Choices::othersWorkToo can.
+    bool asksForOthers() const { return why == CutChanged || (why == BuiltOn && !namedBy); }
     /// Whether Choices::otherNames can.
     bool asksForName() const;
 };

@@ -227,8 +227,13 @@ store::Status Planning::lookBelow(const store::TableDef& table, const Link& link
         for (const store::Change& change : changes)
             if (any || (m_standing.stands(change.group) && !m_standing.isUndoing(change.group)))
                 newest[store::foldedKey(change.key)] = &change;
-    for (const auto& [record, child] : kept)
+    for (const auto& [record, child] : kept) {
         remark(Remark::BuiltOn, table, *record, -1, newest[store::foldedKey(child)]);
+        if (link.places)
+            continue;
+        m_inverse.remarks.back().missing = child;
+        m_inverse.remarks.back().namedBy = link.below;
+    }
     return status;
 }
 

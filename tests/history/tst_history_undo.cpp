@@ -302,8 +302,9 @@ void TestHistoryUndo::anIconThatOthersHaveGivenAsksBeforeItGoes() {
     ORVO_OK(undo(*m_anna, {annas}, {}, &done));
     QVERIFY(!done.written && done.asks());
     QVERIFY2(remarks(done).join('\n').startsWith(
-                 "Не удалено: файл «nova.png»: на этом построено другое (boris, "),
+                 "Не удалено: файл «nova.png»: на это ссылается элемент меню «В» (boris, "),
              qPrintable(remarks(done).join('\n')));
+    QVERIFY(!done.remarks.front().asksForOthers());
     Choices choices;
     choices.othersWorkToo = true;
     ORVO_OK(undo(*m_anna, {annas}, choices, &done));

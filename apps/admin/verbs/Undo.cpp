@@ -75,19 +75,18 @@ std::vector<int64_t> readGroups(const Invocation& call, store::MaintainedStore& 
 }
 
 /// The options that help with what is asked.
-std::string waysOut(const history::Inverse& inverse) {
+std::string waysOut(const history::Inverse& inverse, const history::Choices& choices) {
     const auto asks = [&](const auto& isAbout) {
         return std::any_of(inverse.remarks.begin(), inverse.remarks.end(), isAbout);
     };
     QStringList ways;
     if (asks([](const history::Remark& remark) { return remark.asksForPlace(); }))
         ways << QStringLiteral("--place");
-    if (asks([](const history::Remark& remark) {
-            return remark.why == history::Remark::BuiltOn ||
-                   remark.why == history::Remark::CutChanged;
-        }))
+    if (!choices.othersWorkToo &&
+        asks([](const history::Remark& remark) { return remark.asksForOthers(); }))
         ways << QStringLiteral("--with-others");
-    if (asks([](const history::Remark& remark) { return remark.asksForName(); }))
+    if (!choices.otherNames &&
+        asks([](const history::Remark& remark) { return remark.asksForName(); }))
         ways << QStringLiteral("--other-names");
     return ways.isEmpty() ? std::string("--partly")
                           : ways.join(QStringLiteral(", ")).toStdString() + ' ' +
@@ -124,7 +123,8 @@ int run(const Invocation& call) {
     for (const history::Remark& remark : inverse.remarks)
         out(line(history::remarkWords(remark, source, people)));
     if (inverse.asks() && !choices.partly && !dry)
-        throw Failure(what() + StdText::tr(": решите, как быть (") + waysOut(inverse) + ")");
+        throw Failure(what() + StdText::tr(": решите, как быть (") + waysOut(inverse, choices) +
+                      ")");
     out((dry ? StdText::tr("записалось бы записей: ") : StdText::tr("записано записей: ")) +
         std::to_string(inverse.count));
     return inverse.remarks.empty() ? Done : ErrorsFound;

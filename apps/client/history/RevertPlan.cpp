@@ -86,8 +86,7 @@ void describePlan(store::MaintainedStore& store, bool withWrites, RevertPlan* pl
         if (remark.asksForPlace() && withWrites) {
             if (missing.insert(store::foldedKey(remark.missing)).second)
                 plan->places.push_back(placeOf(store, source, names, remark));
-        } else if (remark.why == history::Remark::BuiltOn ||
-                   remark.why == history::Remark::CutChanged) {
+        } else if (remark.asksForOthers()) {
             const bool isCut = remark.why == history::Remark::CutChanged;
             (isCut ? plan->asksToMove : plan->asksToDelete) = true;
             plan->builtOn << history::remarkWords(remark, source, names);
