@@ -1,6 +1,7 @@
 // What an inverse does about names that must be the only ones in their place.
 #include "history/Planning.h"
 
+#include "frame/Vocabulary.h"
 #include "platform/store/ChangeRecord.h"
 #include "platform/store/NamePlaces.h"
 #include "platform/store/Names.h"
@@ -125,6 +126,9 @@ void Planning::giveFreeName(const store::TableDef& table, const store::NamePlace
         if (taken->insert(names.placeOf(after)).second)
             break;
     }
+    const int caption = table.find(field::caption);
+    if (caption >= 0 && caption != names.name() && store::textOf(after[caption]) == name)
+        record.values[caption] = after[names.name()]; // else two are told by the same name
     record.values[names.name()] = after[names.name()];
     m_inverse.freeNames[{table.name, store::foldedKey(record.key)}] =
         store::textOf(after[names.name()]);

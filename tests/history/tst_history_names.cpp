@@ -109,6 +109,8 @@ void TestHistoryNames::itComesBackUnderAFreeName() {
     QCOMPARE(told, QStringList(" под именем «a_ (3)»"));
     QCOMPARE(names(), QStringList({"A_ (2)", "a_", "a_ (3)", "Планы/", "Формы/"}));
     QCOMPARE(snapshot().filter("anna's").size(), 1);
+    const QString form = snapshot().filter("a_ (3)").join('\n'); // its caption too
+    QVERIFY2(form.count("a_ (3)") == 2 && !form.contains("\"a_\""), qPrintable(form));
     // And goes again as it came.
     ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
     QCOMPARE(names(), QStringList({"A_ (2)", "a_", "Планы/", "Формы/"}));
