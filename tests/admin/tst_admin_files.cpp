@@ -46,6 +46,23 @@ private slots:
         QCOMPARE(admin.sql("select name_ from MenuResource"), QString("b_"));
     }
 
+    void aFormThatAnotherHoldsIsNotReplaced() {
+        const AdminRun admin;
+        QVERIFY(admin.init());
+        QVERIFY(admin.run({"user", "add", "petrov", "--last", "Петров"}).code == 0);
+        QCOMPARE(admin.run({"put", "form", admin.write("src/a.ui", "first")}).code, 0);
+        QCOMPARE(admin.run({"lock", "a.ui", "--login", "petrov"}).code, 0);
+        const QString second = admin.write("src/a.ui", "second");
+        const AdminResult held = admin.run({"put", "form", second});
+        QVERIFY2(held.refused("форма не загружена: «a.ui» занята (Петров"), qPrintable(held.err));
+        QVERIFY2(held.err.contains("orvo-admin unlock a.ui"), qPrintable(held.err));
+        QDir(admin.path()).mkdir("dst");
+        QCOMPARE(admin.run({"get", "form", "a.ui", admin.path("dst")}).code, 0);
+        QCOMPARE(AdminRun::read(admin.path("dst/a.ui")), QByteArray("first"));
+        QCOMPARE(admin.run({"unlock", "a.ui"}).code, 0);
+        QCOMPARE(admin.run({"put", "form", second}).code, 0);
+    }
+
     void aFormGoesIntoTheFolderOfThePath() {
         const AdminRun admin;
         QVERIFY(admin.init());

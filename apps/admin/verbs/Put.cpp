@@ -5,6 +5,9 @@
 #include "apps/admin/Verb.h"
 #include "frame/StdText.h"
 #include "frame/Text.h"
+#include "history/Locks.h"
+#include "history/People.h"
+#include "platform/store/Names.h"
 
 namespace orvo::admin {
 
@@ -45,11 +48,39 @@ std::vector<store::FileToPut> asPuts(const std::vector<LocalFile>& files, const 
     return puts;
 }
 
+/// A form that another has taken into work is his: what he saves would hide what was put there.
+void refuseHeld(store::MaintainedStore& store, const std::vector<LocalFile>& files) {
+    std::vector<std::string_view> names;
+    names.reserve(files.size());
+    for (const LocalFile& file : files)
+        names.emplace_back(file.name);
+    const std::string name = store::formName(names);
+    const Table resources(store, table::MenuResource);
+    const Row form = resources.find([&](const Row& row) {
+        return row.integer(field::type_) == Form && sameText(row.text(field::name_), name);
+    });
+    std::map<std::string, history::FormLock> held;
+    if (form)
+        require(history::heldByOthers(store, {form.key()}, &held),
+                StdText::tr("форма не загружена"));
+    if (held.empty())
+        return;
+    history::PersonNames people;
+    if (!history::readPeople(store, &people).ok())
+        people.clear(); // the login serves
+    const history::FormLock& lock = held.begin()->second;
+    throw Failure(StdText::tr("форма не загружена: «") + form.text(field::name_) +
+                  StdText::tr("» занята (") +
+                  history::whoAndWhen(lock.login, lock.since, people).toStdString() +
+                  StdText::tr("); освободить её: orvo-admin unlock ") + form.text(field::name_));
+}
+
 int putForm(const Invocation& call) {
     const std::string path = call.value("path");
     splitPath(path);
     const std::vector<LocalFile> files = readAll(call);
     const auto store = call.open();
+    refuseHeld(*store, files);
     prepareFolder(call, *store, Form);
     require(store->formPut(path, asPuts(files, path)), StdText::tr("форма не загружена"));
     out(StdText::tr("форма загружена, файлов: ") + std::to_string(files.size()));
@@ -78,7 +109,8 @@ const Verb putFormVerb = {
         "Все названные файлы составляют одну форму. Её имя - имя файла, который оканчивается на "
         "«_»,\n"
         "а если такого нет, самое короткое. Файлы формы с другими именами остаются в хранилище.\n"
-        "Путь считается от папки «формы отображения»."),
+        "Путь считается от папки «формы отображения». Форма, которую другой взял в работу, не\n"
+        "заменяется: её освобождает он сам или unlock."),
     1,
     -1,
     putOptions,
