@@ -437,7 +437,11 @@ void TestAdminHistory::aReaderBehindThePrunedChangesNotices() {
     const auto reader = open();
     QVERIFY(reader);
     QVERIFY(m_kind.byHand("UPDATE \"NciEvent\" SET \"time\" = \"time\" - 864000;"));
+    QVERIFY(!run({"history"}).out.contains("журнал уже не помнит"));
+    const QString number = run({"history", "--limit", "1"}).out.section(' ', 0, 0);
     QCOMPARE(run({"prune", "--older-than", "9d"}).code, 0);
+    QCOMPARE(run({"history"}).out, QString("более старое журнал уже не помнит\n"));
+    ORVO_REFUSED(run({"undo", number}), "изменения " + number + " журнал уже не помнит");
     std::vector<orvo::store::Change> changes;
     QCOMPARE(reader->readLog(2, 10, &changes).code, int(orvo::store::LogPruned));
     QCOMPARE(reader->readLog(4, 10, &changes).code, int(orvo::store::Ok));

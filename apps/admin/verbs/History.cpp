@@ -238,6 +238,9 @@ int run(const Invocation& call) {
             print(group, undone.count(group.id) != 0, people, source);
         left -= static_cast<int64_t>(page.size());
     }
+    std::vector<store::Change> oldest;
+    if (reader.atEnd() && left > 0 && store->readLog({}, 1, &oldest).code == store::LogPruned)
+        out(StdText::tr("более старое журнал уже не помнит"));
     return Done;
 }
 

@@ -51,6 +51,14 @@ history::Choices readChoices(const Invocation& call) {
     return choices;
 }
 
+/// Whether the log was pruned up to that change or further.
+bool isForgotten(store::MaintainedStore& store, int64_t id) {
+    int64_t newest = 0;
+    std::vector<store::Change> changes;
+    return store.logPosition(&newest).ok() && id <= newest &&
+           store.readLog({id - 1, {}}, 1, &changes).code == store::LogPruned;
+}
+
 /// The actions to which the changes belong.
 std::vector<int64_t> readGroups(const Invocation& call, store::MaintainedStore& store) {
     std::vector<int64_t> groups;
@@ -67,7 +75,8 @@ std::vector<int64_t> readGroups(const Invocation& call, store::MaintainedStore& 
         require(store.history(query, 1, &found), what());
         if (found.empty())
             throw Failure(what() + StdText::tr(": изменения ") + std::to_string(id) +
-                          StdText::tr(" в журнале нет"));
+                          (isForgotten(store, id) ? StdText::tr(" журнал уже не помнит")
+                                                  : StdText::tr(" в журнале нет")));
         if (std::find(groups.begin(), groups.end(), found.front().group) == groups.end())
             groups.push_back(found.front().group);
     }
