@@ -25,8 +25,9 @@ std::optional<ClipboardRows> ClipboardRows::read(const QByteArray& bytes) {
     const int keysEnd = numberEnd < 0 ? -1 : bytes.indexOf(lineFeed, numberEnd + 1);
     if (keysEnd < 0)
         return {};
+    const QByteArray keys = bytes.mid(numberEnd + 1, keysEnd - numberEnd - 1);
     return ClipboardRows{numberOf(bytes).value_or(0),
-                         QString::fromUtf8(bytes.mid(numberEnd + 1, keysEnd - numberEnd - 1))
+                         QString::fromUtf8(keys.constData()) // up to a NUL
                              .split(QLatin1Char(separator), Qt::SkipEmptyParts),
                          bytes.mid(keysEnd + 1)};
 }

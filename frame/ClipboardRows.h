@@ -38,8 +38,8 @@ struct ClipboardRows {
     /// The number before the first line feed, or of all bytes if there is none; nothing if they are
     /// no number.
     static std::optional<int> numberOf(const QByteArray& bytes);
-    /// Nothing unless both line feeds are there. A number that is none reads as 0, and bytes that
-    /// are no UTF-8 make keys that name no row.
+    /// Nothing unless both line feeds are there. A number that is none reads as 0, bytes that are
+    /// no UTF-8 make keys that name no row, and a NUL ends the keys.
     static std::optional<ClipboardRows> read(const QByteArray& bytes);
 };
 
