@@ -3,6 +3,7 @@
 #include "tests/models/TreeText.h"
 
 #include "frame/Records.h"
+#include "frame/Values.h"
 
 #include <QRegularExpression>
 #include <QSignalSpy>
@@ -84,7 +85,7 @@ private slots:
                                true, 7000, "-x 1", "grafiki", true, false}));
         const QVariantList bare = row("glubzhe");
         QCOMPARE(bare[MenuColumn::Command], QVariant());
-        QVERIFY(bare[MenuColumn::Icon].isNull());
+        QVERIFY(orvo::isNull(bare[MenuColumn::Icon]));
         QVERIFY(bare[MenuColumn::MenuResKey].toString().isEmpty());
         QCOMPARE(bare[MenuColumn::OneCopy], QVariant(false));
         QCOMPARE(bare[MenuColumn::Separator], QVariant(false));

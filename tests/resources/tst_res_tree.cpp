@@ -2,6 +2,7 @@
 #include "tests/resources/ResProbe.h"
 
 #include "frame/Records.h"
+#include "frame/Values.h"
 #include "tests/models/IconCheck.h"
 #include "tests/models/TreeText.h"
 
@@ -72,7 +73,7 @@ private slots:
                  (QVariantList{"Ресурсы меню", none, none, none, none, "MenuResources", 0, none,
                                none, true, none, none, none, none}));
         QCOMPARE(columns("FileResources").at(ResColumn::Type), QVariant(4));
-        QVERIFY(editor->row("rlog", ResColumn::Icon).data().isNull());
+        QVERIFY(orvo::isNull(editor->row("rlog", ResColumn::Icon).data()));
         QVERIFY(editor->text("mod", ResColumn::FolderKey).isEmpty());
     }
 
