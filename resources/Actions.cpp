@@ -4,7 +4,6 @@
 
 #include "resources/OrvoResources.h"
 
-#include "frame/ClipboardRows.h"
 #include "frame/Kinds.h"
 #include "frame/WindowParts.h"
 #include "resources/Columns.h"
@@ -111,11 +110,6 @@ bool OrvoResources::permits(QAction* action, const QModelIndex& row) const {
         return systemActions(row).contains(action);
     const auto actions = menuActions(row);
     return actions && actions->contains(action);
-}
-
-bool OrvoResources::checkClipBoardType(int type) const {
-    const QByteArray bytes = orvo::clipboardBytes(m_clipboard, orvo::resources::resourcesMime);
-    return bytes.contains('\n') && orvo::ClipboardRows::numberOf(bytes) == type;
 }
 
 void OrvoResources::showContextMenu_tvRes(const QPoint& pos) {

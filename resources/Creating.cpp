@@ -39,7 +39,7 @@ void OrvoResources::addRow(QAction* action, const QString& caption) {
     // No record stands behind the folder of the orphans, and none is known of a resource at the
     // top: what is made there would be shown by no start.
     if (!parent.isValid() || orphans || !permits(action, current)) {
-        refuse(tr("Здесь этого создать нельзя: %1.").arg(describe(current)));
+        refuse(tr("Здесь этого создать нельзя: %1.").arg(m_names.describe(current)));
         return;
     }
     // There is one edit at a time.
@@ -81,7 +81,7 @@ void OrvoResources::on_editor_valueChanged(const QString& rowName, const QVarian
     if (m_edit.isOpen() && !m_edit.isOf(m_currentKey)) {
         // It waits because its name was refused. What is typed here would show, and be stored with
         // neither row.
-        const QString edited = describe(m_edit.row());
+        const QString edited = m_names.describe(m_edit.row());
         const QString reason = saveEdit();
         if (m_edit.isOpen()) {
             m_propModel->clearRows();

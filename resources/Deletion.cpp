@@ -2,7 +2,6 @@
 // notification of the deletion comes; where the server refuses, they stay.
 #include "resources/OrvoResources.h"
 
-#include "frame/Text.h"
 #include "ui_OrvoResources.h"
 
 #include "frame/Kinds.h"
@@ -14,18 +13,12 @@
 
 #include <algorithm>
 
-using orvo::KeyValues;
 using orvo::Kind;
 using orvo::resources::kindOf;
 using orvo::resources::ResColumn;
 using orvo::resources::textAt;
 
 namespace {
-
-// Keys of the server
-constexpr int menuResourceKey = 2;   ///< of `Menu` by `MenuResourceKey`
-constexpr int resourceFolderKey = 3; ///< of `MenuResource` by `MenuResourceFolderKey`
-constexpr int folderParentKey = 3;   ///< of `MenuResourceFolder` by `ParentKey`
 
 QString nameOf(const QModelIndex& row) {
     return textAt(row, ResColumn::Name);
@@ -93,38 +86,22 @@ void OrvoResources::agreeOnSelection() {
 
 QString OrvoResources::questionDetails(const QModelIndex& current) const {
     if (isRecordOnly(kindOf(current)))
-        return tr("Будет удалено: %1.").arg(describe(current));
+        return tr("Будет удалено: %1.").arg(m_names.describe(current));
     QStringList names;
     for (const QModelIndex& row : m_ui->tvRes->selectionModel()->selectedRows())
-        names << describe(row);
+        names << m_names.describe(row);
     return orvo::nameLines(names);
 }
 
 void OrvoResources::deleteFolder(const QModelIndex& folder) {
-    if (isTopFolder(folder) || orvo::resources::isFixedKey(keyOf(folder)))
-        refuse(tr("Не удалено: %1 держит все ресурсы своего вида.").arg(describe(folder)));
-    else if (!isEmptyFolder(folder))
+    if (m_moves.isTopFolder(folder) || orvo::resources::isFixedKey(keyOf(folder)))
+        refuse(tr("Не удалено: %1 держит все ресурсы своего вида.").arg(m_names.describe(folder)));
+    else if (!m_checks.isEmptyFolder(folder))
         refuse(tr("Не удалено: %1 не пуста. Сначала удалите или переместите то, что в ней. Папки, "
                   "созданные другими, видны после повторного открытия редактора.")
-                   .arg(describe(folder)));
+                   .arg(m_names.describe(folder)));
     else
         deleteRecords(orvo::table::MenuResourceFolder, {keyOf(folder)});
-}
-
-bool OrvoResources::isEmptyFolder(const QModelIndex& folder) {
-    const QString key = keyOf(folder);
-    const auto holds = [&](const CMDArray& table, const char* link) {
-        bool found = false;
-        orvo::walkGroup(table, 3, KeyValues().text(key), [&](const MDRData* record) {
-            found = orvo::holdsText(record, link, key);
-            return false;
-        });
-        return found;
-    };
-    return m_resModel->rowCount(folder) == 0 && !holds(m_tabResFolder, orvo::field::ParentKey) &&
-           !holds(m_tabResource, orvo::field::MenuResourceFolderKey) &&
-           !hasRecords(orvo::table::MenuResourceFolder, folderParentKey, key) &&
-           !hasRecords(orvo::table::MenuResource, resourceFolderKey, key);
 }
 
 void OrvoResources::removeResourceMessage(QAbstractButton* button) {
@@ -146,31 +123,11 @@ void OrvoResources::removeResourceMessage(QAbstractButton* button) {
     default:
         if (!isRecordOnly(kindOf(row)))
             break;
-        if (isInMenus(row))
+        if (m_checks.isInMenus(row))
             showReferenceError(row);
         else
             deleteRecords(orvo::table::MenuResource, {m_currentKey});
     }
-}
-
-bool OrvoResources::isAmbiguous(const QModelIndex& row) const {
-    const int kind = kindOf(row);
-    const QString name = nameOf(row);
-    int namesakes = 0;
-    orvo::walkGroup(m_tabResource, 2, KeyValues().integer(kind).text(name),
-                    [&](const MDRData* record) {
-                        if (orvo::integerOf(record, orvo::field::type_) != kind ||
-                            !orvo::holdsText(record, orvo::field::name_, name))
-                            return false;
-                        // Files are found by their folder, too.
-                        if (kind != Kind::File ||
-                            folderLinks(textAt(row, ResColumn::FolderKey), kind)
-                                .contains(orvo::textOf(record, orvo::field::MenuResourceFolderKey),
-                                          Qt::CaseInsensitive))
-                            ++namesakes;
-                        return namesakes < 2;
-                    });
-    return namesakes > 1;
 }
 
 void OrvoResources::deleteForms() {
@@ -178,8 +135,9 @@ void OrvoResources::deleteForms() {
     if (rows.isEmpty())
         return;
     // A menu that refers to a form keeps nothing from being deleted: the engineer is told of it.
-    const auto used = std::find_if(rows.begin(), rows.end(),
-                                   [this](const QModelIndex& row) { return isInMenus(row); });
+    const auto used = std::find_if(rows.begin(), rows.end(), [this](const QModelIndex& row) {
+        return m_checks.isInMenus(row);
+    });
     if (used != rows.end())
         showReferenceError(*used);
     // The tool knows forms by their names. Of two with one name it would take either; the record
@@ -187,7 +145,7 @@ void OrvoResources::deleteForms() {
     QStringList keys;
     CToolFormDel tool(this);
     for (const QModelIndex& row : rows)
-        if (isAmbiguous(row))
+        if (m_names.isAmbiguous(row))
             keys.append(keyOf(row));
         else
             tool.names.append(nameOf(row));
@@ -203,7 +161,7 @@ void OrvoResources::deleteFiles() {
     QStringList keys;
     CToolFileDel tool(this);
     for (const QModelIndex& row : rows)
-        if (isAmbiguous(row))
+        if (m_names.isAmbiguous(row))
             keys.append(keyOf(row));
         else
             tool.files.append({getFilePath(row.parent()), nameOf(row)});
@@ -212,45 +170,10 @@ void OrvoResources::deleteFiles() {
     deleteRecords(orvo::table::MenuResource, keys);
 }
 
-bool OrvoResources::isInMenus(const QModelIndex& row) {
-    QStringList elements;
-    lookUp(orvo::table::Menu, menuResourceKey, keyOf(row), [&](const CMDArray& found) {
-        orvo::walkAll(found, 0, [&](const MDRData* record) {
-            elements << orvo::Text::tr("«%1»").arg(orvo::textOf(record, orvo::field::caption));
-            return true;
-        });
-    });
-    if (!elements.isEmpty())
-        m_app->m_logModule->LogFile(
-            5, QStringLiteral("OrvoResources::removeResourceMessage"),
-            tr("%1: ссылаются элементы меню: %2")
-                .arg(describe(row), orvo::nameLines(elements).replace('\n', ", ")));
-    return !elements.isEmpty();
-}
-
-bool OrvoResources::hasRecords(const char* table, int keyNumber, const QString& key) {
-    bool found = false;
-    lookUp(table, keyNumber, key,
-           [&](const CMDArray& records) { found = orvo::recordCount(records) > 0; });
-    return found;
-}
-
-void OrvoResources::lookUp(const char* table, int keyNumber, const QString& key,
-                           const std::function<void(const CMDArray& found)>& use) {
-    const QByteArray bytes = orvo::toRecord(key); // outlives the tool's run
-    CToolRecByKey tool(this);
-    tool.tableName = table;
-    tool.keyNumber = keyNumber;
-    tool.keyValues.append(orvo::textVar(bytes));
-    tool.keyBits.setBit(0);
-    tool.Perform(false);
-    use(tool.result);
-}
-
 /// The places are named in the box, and listed where each can be opened. What becomes of the
 /// deletion is told below its text: forms go all the same.
 void OrvoResources::showReferenceError(const QModelIndex& row) {
-    const QString what = describe(row);
+    const QString what = m_names.describe(row);
     const QString key = keyOf(row);
     QString details = tr("Не удалено: %1.").arg(what);
     if (!isRecordOnly(kindOf(row)))

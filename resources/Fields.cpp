@@ -59,6 +59,10 @@ const RecordFields& folderFields() {
     return fields;
 }
 
+const editor::RecordFields& fieldsOf(const QModelIndex& row) {
+    return isFolder(row) ? folderFields() : itemFields();
+}
+
 const editor::RecordRows& itemRows() {
     static const editor::RecordRows rows(
         itemFields(), ResColumn::Count,

@@ -11,6 +11,8 @@ namespace orvo::resources {
 const editor::RecordFields& itemFields();
 /// Of `MenuResourceFolder`.
 const editor::RecordFields& folderFields();
+/// Those behind a row.
+const editor::RecordFields& fieldsOf(const QModelIndex& row);
 
 /// What the row of a resource shows that nobody has locked, and that of a folder.
 const editor::RecordRows& itemRows();

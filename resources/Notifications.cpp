@@ -7,6 +7,7 @@
 #include "frame/Notification.h"
 #include "frame/ViewRows.h"
 #include "resources/Columns.h"
+#include "resources/Fields.h"
 
 #include <QTreeView>
 
@@ -63,9 +64,10 @@ void OrvoResources::moveRow(Move move, MoveKind kind) {
 
 void OrvoResources::mergeEdit(const orvo::Notification& change, const MDRData* record,
                               const QModelIndex& row) {
-    const auto replaced = m_edit.merge(*m_resModel, row, change, record, fieldsOf(row));
+    const auto replaced =
+        m_edit.merge(*m_resModel, row, change, record, orvo::resources::fieldsOf(row));
     if (!replaced.empty())
-        tellReplaced(describe(row), fieldsOf(row), replaced);
+        tellReplaced(m_names.describe(row), orvo::resources::fieldsOf(row), replaced);
 }
 
 void OrvoResources::followTables() {
@@ -86,13 +88,13 @@ void OrvoResources::followTables() {
 
 void OrvoResources::folderDeleted(const orvo::Notification& change) {
     m_edit.forget(change.key());
-    keepFolderRows(change);
+    m_rows.keepFolders(change);
     orvo::removeRecord(change, m_tabResFolder, m_ui->tvRes, rowOfRecord(*m_resModel, change.key()));
 }
 
 void OrvoResources::resourceDeleted(const orvo::Notification& change) {
     m_edit.forget(change.key());
-    keepItemRows(change);
+    m_rows.keepItems(change);
     orvo::removeRecord(change, m_tabResource, m_ui->tvRes, rowOfRecord(*m_resModel, change.key()));
 }
 
@@ -102,14 +104,14 @@ void OrvoResources::selectAgain(const QString& key) {
         return;
     // Leaving the row would save what is being typed, here or elsewhere, before its time.
     if (m_edit.isOpen())
-        refreshPassport(row, fieldsOf(row));
+        refreshPassport(row, orvo::resources::fieldsOf(row));
     else
         orvo::reselectRow(m_ui->tvRes, row);
     showRow(m_ui->tvRes, row);
 }
 
 void OrvoResources::folderUpdated(const orvo::Notification& change) {
-    keepFolderRows(change);
+    m_rows.keepFolders(change);
     MDRData* record = orvo::editAndMerge(change.event(), &m_tabResFolder);
     const QString key = change.key();
     const QModelIndex row = rowOfRecord(*m_resModel, key);
@@ -142,7 +144,7 @@ void OrvoResources::folderUpdated(const orvo::Notification& change) {
 }
 
 void OrvoResources::resourceUpdated(const orvo::Notification& change) {
-    keepItemRows(change);
+    m_rows.keepItems(change);
     MDRData* record = orvo::editAndMerge(change.event(), &m_tabResource);
     const QString key = change.key();
     const QModelIndex row = rowOfRecord(*m_resModel, key);
@@ -162,7 +164,8 @@ void OrvoResources::resourceUpdated(const orvo::Notification& change) {
         if (position != -1)
             moveRow(
                 [&] {
-                    m_resModel->moveItem(number, count + position, parent, folderRow(newFolder));
+                    m_resModel->moveItem(number, count + position, parent,
+                                         m_rows.folderRow(newFolder));
                 },
                 ToAnotherParent);
         return;
@@ -223,8 +226,6 @@ void OrvoResources::resourceInserted(const orvo::Notification& change) {
     const int newRow = count + position;
     if (position == -1 || !target.isValid())
         return;
-    auto rows = m_resModel->newRows(target);
-    addItemRow(rows, record, nullptr);
-    if (m_resModel->insertFilledRows(newRow, std::move(rows), target) && mayMoveCurrent())
+    if (m_rows.insertItem(record, newRow, target) && mayMoveCurrent())
         showRow(m_ui->tvRes, m_resModel->index(newRow, 0, target));
 }

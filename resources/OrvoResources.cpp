@@ -17,6 +17,32 @@
 
 using orvo::KeyValues;
 
+namespace {
+
+/// Copies the forms whose folder does not exist.
+void findOrphans(const CMDArray& resources, const CMDArray& folders, CMDArray& orphans) {
+    constexpr int form = orvo::Kind::Form;
+    // The forms of a folder follow each other.
+    QByteArray folder;
+    bool isThere = false;
+    orvo::walkGroup(resources, 1, KeyValues().integer(form), [&](const MDRData* record) {
+        if (orvo::integerOf(record, orvo::field::type_) != form)
+            return false;
+        if (orvo::isNull(record, orvo::field::MenuResourceFolderKey))
+            return true;
+        const QByteArray key = orvo::bytesOf(record, orvo::field::MenuResourceFolderKey);
+        if (folder.isNull() || key != folder) {
+            folder = key;
+            isThere = orvo::seekKey(folders, orvo::fromRecord(key.constData())) != nullptr;
+        }
+        if (!isThere)
+            orvo::RowWriter(orphans, MDARecNew(orphans.array)).copyAll(record);
+        return true;
+    });
+}
+
+} // namespace
+
 OrvoResources::OrvoResources(COrvoCliApp* app)
     : EditorWindow(app)
     , m_ui(std::make_unique<Ui_OrvoResources>()) {
@@ -55,7 +81,7 @@ void OrvoResources::makeSearchBar() {
     m_edSearch->addAction(orvo::image("search1"), QLineEdit::LeadingPosition)->setText(tr("Поиск"));
     m_edSearch->setPlaceholderText(tr("Поиск..."));
     connect(m_edSearch, &QLineEdit::textChanged, this, &OrvoResources::on_search_textChanged);
-    m_edSearch->installEventFilter(this);
+    m_edSearch->installEventFilter(&m_search);
     new orvo::EscapeKey(m_edSearch, // the field's child
                         [this] { m_ui->tvRes->setFocus(Qt::ShortcutFocusReason); });
     bar->addWidget(m_edSearch);
@@ -74,7 +100,7 @@ void OrvoResources::makeSearchBar() {
     bar->addWidget(m_lblSearch);
 
     m_cmbSearch = new QComboBox(this);
-    colourSearchChoice();
+    m_search.setWidgets({m_edSearch, m_cmbSearch, m_btnSearchDown, m_btnSearchUp});
     m_cmbSearch->setFocusPolicy(Qt::NoFocus);
     m_cmbSearch->addItems({tr("Наименование"), tr("Ресурс")});
     m_cmbSearch->setCurrentIndex(0);
@@ -146,7 +172,7 @@ bool OrvoResources::loadTables() {
     if (!orvo::fetchOrLog(*this, "OrvoResources::loadTables->MenuResource", structure))
         return false;
     orvo::setKeys(m_tabOrphans);
-    findOrphans();
+    findOrphans(m_tabResource, m_tabResFolder, m_tabOrphans);
     return true;
 }
 
@@ -162,25 +188,4 @@ bool OrvoResources::fetchUser() {
     m_userProp1 = orvo::textOf(record, 1);
     m_userLogin = orvo::textOf(record, 2);
     return true;
-}
-
-void OrvoResources::findOrphans() {
-    constexpr int form = orvo::Kind::Form;
-    // The forms of a folder follow each other.
-    QByteArray folder;
-    bool isThere = false;
-    orvo::walkGroup(m_tabResource, 1, KeyValues().integer(form), [&](const MDRData* record) {
-        if (orvo::integerOf(record, orvo::field::type_) != form)
-            return false;
-        if (orvo::isNull(record, orvo::field::MenuResourceFolderKey))
-            return true;
-        const QByteArray key = orvo::bytesOf(record, orvo::field::MenuResourceFolderKey);
-        if (folder.isNull() || key != folder) {
-            folder = key;
-            isThere = orvo::seekKey(m_tabResFolder, orvo::fromRecord(key.constData())) != nullptr;
-        }
-        if (!isThere)
-            orvo::RowWriter(m_tabOrphans, MDARecNew(m_tabOrphans.array)).copyAll(record);
-        return true;
-    });
 }

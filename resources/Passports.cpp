@@ -72,8 +72,8 @@ void OrvoResources::addPassportRows(const QModelIndex& index) {
         else if (field.column == ResColumn::Name && !isNew)
             shown.readOnly = true;
     };
-    addPassport(index, fieldsOf(index), folder ? orvo::editor::FolderRows : orvo::editor::ItemRows,
-                adjust);
+    addPassport(index, orvo::resources::fieldsOf(index),
+                folder ? orvo::editor::FolderRows : orvo::editor::ItemRows, adjust);
 }
 
 void OrvoResources::loadFolderPassport(const QModelIndex& index) {
@@ -129,7 +129,7 @@ void OrvoResources::addFileRows(const CMDArray& files, const QString& timeFormat
         const int32_t size = orvo::integerOf(record, sizeField);
         if (size == 0)
             return true;
-        const QString time = timeText(record, orvo::fieldOf(record, timeField), timeFormat);
+        const QString time = m_rows.timeText(record, orvo::fieldOf(record, timeField), timeFormat);
         orvo::addPassportCategory(
             *m_propModel, QStringLiteral("file%1").arg(number), tr("файл"),
             {{QStringLiteral("filename%1").arg(number), tr("имя файла"), MyEditorLine, true,
@@ -139,12 +139,4 @@ void OrvoResources::addFileRows(const CMDArray& files, const QString& timeFormat
              {QStringLiteral("filesize%1").arg(number), tr("размер"), MyEditorLine, true, size}});
         return true;
     });
-}
-
-QString OrvoResources::timeText(const MDRData* record, MDRField field,
-                                const QString& format) const {
-    const MDRVar time = orvo::valueOf(record, field);
-    return time.type == MDX_DATE && !time.null
-               ? m_app->m_session->MdxTimeToSesTime(time.value.date).toString(format)
-               : QString();
 }

@@ -12,7 +12,6 @@
 
 #include <QToolButton>
 
-using orvo::KeyValues;
 using orvo::resources::isFolder;
 using orvo::resources::kindOf;
 using orvo::resources::ResColumn;
@@ -20,74 +19,18 @@ using orvo::resources::textAt;
 
 bool OrvoResources::checkResourceName(const QString& name, const QModelIndex& index,
                                       QString* message) {
-    if (name.isEmpty()) {
-        *message = tr("Свойство Объект не может быть пустым. Данные не сохранены.");
-        return false;
-    }
-    // Unique among all of its kind, in whatever folder. What this window has saved a moment ago is
-    // in its rows before it is in the table.
-    const int type = kindOf(index);
-    bool taken = orvo::seek(m_tabResource, 2, KeyValues().integer(type).text(name)) != nullptr;
-    for (const QString& key : m_edit.expected()) {
-        const QModelIndex row = m_resModel->findIndexByKey(key);
-        taken = taken || (row.isValid() && !isFolder(row) && kindOf(row) == type &&
-                          row != index.siblingAtColumn(0) &&
-                          orvo::sameText(textAt(row, ResColumn::Name), name));
-    }
-    if (taken)
-        *message = tr("Такой ресурс уже существует. Данные не сохранены.");
-    return !taken;
+    const QString refusal = m_names.resourceRefusal(name, index);
+    if (!refusal.isEmpty())
+        *message = refusal;
+    return refusal.isEmpty();
 }
 
 bool OrvoResources::checkResFolderName(const QString& caption, const QModelIndex& index,
                                        QString* message) {
-    if (caption.isEmpty()) {
-        *message = tr("Свойство \"Имя папки\" не может быть пустым. Данные не сохранены.");
-        return false;
-    }
-    // A folder that is saved again is among these itself: its old name is taken.
-    const QString parentKey = textAt(index, ResColumn::FolderKey);
-    const bool taken = hasFolderRow(index.parent(), caption, textAt(index, ResColumn::KeyLink)) ||
-                       hasFolderRecord(folderLinks(parentKey, kindOf(index)), caption, QString());
-    if (taken)
-        *message =
-            tr("Папка с таким именем уже существует у данного родителя. Данные не сохранены.");
-    return !taken;
-}
-
-QStringList OrvoResources::folderLinks(const QString& folderKey, int type) const {
-    const QString files = QString::fromLatin1(orvo::rowkey::files);
-    const bool top = folderKey.isEmpty() || orvo::sameText(folderKey, files);
-    return type == orvo::Kind::File && top ? QStringList{QString(), files} : QStringList{folderKey};
-}
-
-bool OrvoResources::hasFolderRow(const QModelIndex& parent, const QString& caption,
-                                 const QString& exceptKey) const {
-    // What this window has just named is in its rows before it is in the table.
-    for (int number = 0; number < m_resModel->rowCount(parent); ++number) {
-        const QModelIndex row = m_resModel->index(number, 0, parent);
-        if (!isFolder(row))
-            break; // folders come first
-        if (orvo::sameText(textAt(row, ResColumn::Caption), caption) &&
-            !orvo::sameText(textAt(row, ResColumn::KeyLink), exceptKey))
-            return true;
-    }
-    return false;
-}
-
-bool OrvoResources::hasFolderRecord(const QStringList& links, const QString& caption,
-                                    const QString& exceptKey) const {
-    bool found = false;
-    for (const QString& link : links)
-        orvo::walkGroup(m_tabResFolder, 3, KeyValues().textOrNull(link),
-                        [&](const MDRData* record) {
-                            if (!orvo::holdsText(record, orvo::field::ParentKey, link))
-                                return false;
-                            found = orvo::holdsText(record, orvo::field::caption, caption) &&
-                                    !orvo::holdsText(record, orvo::field::KeyLink, exceptKey);
-                            return !found;
-                        });
-    return found;
+    const QString refusal = m_names.folderRefusal(caption, index);
+    if (!refusal.isEmpty())
+        *message = refusal;
+    return refusal.isEmpty();
 }
 
 void OrvoResources::loadResFolderToTable(const QModelIndex& index, orvo::ScratchTable& out,
@@ -121,12 +64,10 @@ void OrvoResources::on_save_pressed() {
 }
 
 QString OrvoResources::nameRefusal(const QModelIndex& row) {
-    QString message;
     if (isFolder(row))
-        checkResFolderName(m_editCaption, row, &message);
-    else if (m_editState == NewRow) // the name of an existing resource is not the user's to change
-        checkResourceName(m_editObject, row, &message);
-    return message;
+        return m_names.folderRefusal(m_editCaption, row);
+    // The name of an existing resource is not the user's to change.
+    return m_editState == NewRow ? m_names.resourceRefusal(m_editObject, row) : QString();
 }
 
 QString OrvoResources::saveEdit() {

@@ -87,6 +87,45 @@ void uploadAll(COrvoCliMod* module, const QString& title, const QStringList& fil
     bar.close();
 }
 
+/// The name filter of the dialog that asks for forms.
+QString formFilter(const CMDArray& extensions) {
+    QString filter = OrvoResources::tr("Все файлы (");
+    orvo::walkAll(extensions, 0, [&](const MDRData* record) {
+        filter += QLatin1Char('*') + orvo::textOf(record, orvo::field::fileExt) + QLatin1Char(' ');
+        return true;
+    });
+    return filter + QLatin1Char(')');
+}
+
+void logUnread(const COrvoCliMod& module, const char* place, const QString& file,
+               const QString& reason) {
+    module.m_app->m_logModule->LogFile(
+        5, QString::fromLatin1(place),
+        OrvoResources::tr("Файл «%1» не загружен: %2").arg(file, reason));
+}
+
+/// Asks the server to have the forms of those names in that folder. A form without a record yet
+/// stands there already, where the upload put it.
+void moveForms(COrvoCliSes& session, const CMDArray& resources, const QStringList& names,
+               const QString& folderKey) {
+    ScratchTable moved(session, orvo::table::MenuResource);
+    if (!moved.fetch())
+        return;
+    for (const QString& name : names) {
+        const MDRData* record =
+            name.isEmpty() ? nullptr
+                           : orvo::seek(resources, 2, KeyValues().integer(Kind::Form).text(name));
+        // A name with letters that no record can hold was refused, and is sought with them
+        // replaced: what is found then is another form.
+        if (record && orvo::holdsText(record, orvo::field::name_, name) &&
+            !orvo::holdsText(record, orvo::field::MenuResourceFolderKey, folderKey))
+            moved.add(MDX_UPDATE)
+                .copy(orvo::field::KeyLink, record)
+                .text(orvo::field::MenuResourceFolderKey, folderKey);
+    }
+    moved.send();
+}
+
 } // namespace
 
 void OrvoResources::on_actLoadFiles_triggered() {
@@ -99,7 +138,7 @@ void OrvoResources::on_actLoadFiles_triggered() {
         return;
     const int type = orvo::resources::kindOf(folder);
     if (type != Kind::Form && type != Kind::File) {
-        refuse(tr("Здесь нет места загруженным файлам: %1.").arg(describe(folder)));
+        refuse(tr("Здесь нет места загруженным файлам: %1.").arg(m_names.describe(folder)));
         return;
     }
     if (!finishEditOnPath(folder))
@@ -112,14 +151,14 @@ void OrvoResources::on_actLoadFiles_triggered() {
     QFileDialog dialog(this);
     dialog.setFileMode(QFileDialog::ExistingFiles);
     if (isForm)
-        dialog.setNameFilter(formFilter());
+        dialog.setNameFilter(formFilter(m_tabFileExt));
     if (dialog.exec() != QDialog::Accepted)
         return;
     if (isForm) {
         QStringList names;
         uploadAll(this, tr("Загрузка форм в БД"), dialog.selectedFiles(),
                   [&](const QString& file) { names.append(loadFormToDB(file, path)); });
-        moveForms(names, folderKey);
+        moveForms(*m_app->m_session, m_tabResource, names, folderKey);
     } else {
         uploadAll(this, tr("Загрузка файлов в БД"), dialog.selectedFiles(),
                   [&](const QString& file) { loadFileToDB(file, path); });
@@ -132,20 +171,11 @@ void OrvoResources::on_actLoadFiles_triggered() {
     }
 }
 
-QString OrvoResources::formFilter() const {
-    QString filter = tr("Все файлы (");
-    orvo::walkAll(m_tabFileExt, 0, [&](const MDRData* record) {
-        filter += QLatin1Char('*') + orvo::textOf(record, orvo::field::fileExt) + QLatin1Char(' ');
-        return true;
-    });
-    return filter + QLatin1Char(')');
-}
-
 void OrvoResources::loadFileToDB(const QString& file, const QString& path) {
     QString error;
     const std::optional<LocalFile> read = readFile(file, error);
     if (!read) {
-        logUnread("OrvoResources::loadFileToDB", file, error);
+        logUnread(*this, "OrvoResources::loadFileToDB", file, error);
         return;
     }
     CToolFilePut tool(this);
@@ -158,7 +188,7 @@ QString OrvoResources::loadFormToDB(const QString& file, const QString& path) {
     const QFileInfo chosen(file);
     QFile handle(file);
     if (!chosen.isFile() || !handle.open(QIODevice::ReadOnly)) {
-        logUnread(place, file, chosen.isFile() ? handle.errorString() : tr("это не файл"));
+        logUnread(*this, place, file, chosen.isFile() ? handle.errorString() : tr("это не файл"));
         return {};
     }
     handle.close();
@@ -175,7 +205,7 @@ QString OrvoResources::loadFormToDB(const QString& file, const QString& path) {
         if (std::optional<LocalFile> read = readFile(member.absoluteFilePath(), error))
             files.push_back(std::move(*read));
         else
-            logUnread(place, member.absoluteFilePath(), error);
+            logUnread(*this, place, member.absoluteFilePath(), error);
     }
     CToolFormPut tool(this);
     tool.formPath = path;
@@ -183,29 +213,4 @@ QString OrvoResources::loadFormToDB(const QString& file, const QString& path) {
         tool.AddFile(read.name, read.bytes.constData(), read.bytes.size(), read.time);
     tool.Perform(false);
     return name;
-}
-
-void OrvoResources::logUnread(const char* place, const QString& file, const QString& reason) {
-    m_app->m_logModule->LogFile(5, QString::fromLatin1(place),
-                                tr("Файл «%1» не загружен: %2").arg(file, reason));
-}
-
-void OrvoResources::moveForms(const QStringList& names, const QString& folderKey) {
-    ScratchTable moved(*m_app->m_session, orvo::table::MenuResource);
-    if (!moved.fetch())
-        return;
-    for (const QString& name : names) {
-        const MDRData* record =
-            name.isEmpty()
-                ? nullptr
-                : orvo::seek(m_tabResource, 2, KeyValues().integer(Kind::Form).text(name));
-        // A name with letters that no record can hold was refused, and is sought with them
-        // replaced: what is found then is another form.
-        if (record && orvo::holdsText(record, orvo::field::name_, name) &&
-            !orvo::holdsText(record, orvo::field::MenuResourceFolderKey, folderKey))
-            moved.add(MDX_UPDATE)
-                .copy(orvo::field::KeyLink, record)
-                .text(orvo::field::MenuResourceFolderKey, folderKey);
-    }
-    moved.send();
 }

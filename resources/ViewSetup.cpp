@@ -54,12 +54,10 @@ void OrvoResources::setTreeArrangement() {
     tree->setAcceptDrops(true);
     tree->setDropIndicatorShown(true);
     m_resModel = std::make_unique<ResTreeModel>(columnTitles(), orvo::iconsPath(*this), this);
-    m_searchHits = std::make_unique<orvo::RowSearch>(*m_resModel, ResColumn::KeyLink);
+    m_search.setTree(*tree, *m_resModel);
     tree->setModel(m_resModel.get());
     m_resModel->setSpokenNote(orvo::spokenMarks(*tree));
-    m_treeSearch = new orvo::TreeSearchBar(tree, *m_resModel, ResColumn::KeyLink,
-                                           {{ResColumn::Caption, m_cmbSearch->itemText(0)},
-                                            {ResColumn::Name, m_cmbSearch->itemText(1)}});
+    m_search.addBar(*m_resModel);
     orvo::hideColumns(tree, ResColumn::KeyLink, ResColumn::IsNew);
     tree->setColumnWidth(ResColumn::Caption, textWidth);
     tree->setColumnWidth(ResColumn::Name, textWidth);
