@@ -130,6 +130,7 @@ void SchemeKeeper::ask() {
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected())
         return;
+    qRegisterMetaType<QDBusVariant>(); // else Qt 6 finds no such slot
     bus.connect(QLatin1String(service), QLatin1String(object), QLatin1String(interface),
                 QStringLiteral("SettingChanged"), this,
                 SLOT(settingChanged(QString, QString, QDBusVariant)));
