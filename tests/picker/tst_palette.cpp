@@ -64,6 +64,12 @@ public:
         palette()->activateWindow();
         return QTest::qWaitFor([this] { return QApplication::activeWindow() == palette(); });
     }
+    /// The palette, for that row; it has the keyboard.
+    bool enterPalette(const char* row) {
+        view("tvMenu")->setCurrentIndex(module->element(row));
+        press(Qt::Key_F7);
+        return isInPalette();
+    }
     /// Where a row of the palette has its button.
     QRect plusOf(const char* key) const { return plusOf(key, palette()); }
     static QRect plusOf(const char* key, const CPopObjectList* list) {
@@ -169,9 +175,7 @@ private slots:
     void oneClickOnThePlusOfARowAddsIt() {
         Menu menu;
         QVERIFY(menu.open());
-        menu.view("tvMenu")->setCurrentIndex(menu->element("glubzhe"));
-        menu.press(Qt::Key_F7);
-        QVERIFY(menu.isInPalette());
+        QVERIFY(menu.enterPalette("glubzhe"));
         CPopObjectList* palette = menu.palette();
         const auto clickAtEnd = [&](const char* key) {
             QTest::mouseClick(palette->tvObj()->viewport(), Qt::LeftButton, Qt::NoModifier,
@@ -222,9 +226,7 @@ private slots:
     void aDoubleClickOnThePlusAddsOnce() {
         Menu menu;
         QVERIFY(menu.open());
-        menu.view("tvMenu")->setCurrentIndex(menu->element("glubzhe"));
-        menu.press(Qt::Key_F7);
-        QVERIFY(menu.isInPalette());
+        QVERIFY(menu.enterPalette("glubzhe"));
         QWidget* rows = menu.palette()->tvObj()->viewport();
         const QPoint plus = menu.plusOf("m2").center();
         QTest::mouseClick(rows, Qt::LeftButton, Qt::NoModifier, plus);
@@ -236,9 +238,7 @@ private slots:
     void thePlusAddsOneOfSeveralSelectedRows() {
         Menu menu;
         QVERIFY(menu.open());
-        menu.view("tvMenu")->setCurrentIndex(menu->element("glubzhe"));
-        menu.press(Qt::Key_F7);
-        QVERIFY(menu.isInPalette());
+        QVERIFY(menu.enterPalette("glubzhe"));
         QTreeView* list = menu.palette()->tvObj();
         for (const char* key : {"m1", "m2"})
             QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::ControlModifier,
@@ -359,9 +359,7 @@ private slots:
     void whatOthersAddMovesNoTargetOfThePalette() {
         Menu menu;
         QVERIFY(menu.open());
-        menu.view("tvMenu")->setCurrentIndex(menu->element("glubzhe"));
-        menu.press(Qt::Key_F7);
-        QVERIFY(menu.isInPalette());
+        QVERIFY(menu.enterPalette("glubzhe"));
         addElement(menu.store, "armop", "new", "grafiki", "Чужой", 3000, "rcalc");
         menu.host.deliver(*menu.module);
         QCOMPARE(menu.view("tvMenu")->currentIndex().siblingAtColumn(0), menu->element("new"));
