@@ -6,6 +6,7 @@
 
 #include <QComboBox>
 #include <QLineEdit>
+#include <QScrollBar>
 #include <QToolButton>
 
 using namespace orvo::test;
@@ -240,10 +241,18 @@ private slots:
     void aHitThatIsCurrentAlreadyComesIntoView() {
         Window window;
         window.type("насос");
+        window.tree->expandAll();
+        window.tree->setFixedHeight(4 *
+                                    window.tree->visualRect(window.tree->currentIndex()).height());
         window.tree->collapse(window.editor->row("FileResources"));
+        window.tree->scrollToTop();
         window.type("насо");
         QCOMPARE(window.currentKey(), QString("rpump"));
         QVERIFY(window.tree->isExpanded(window.editor->row("FileResources")));
+        const QRect row = window.tree->visualRect(window.tree->currentIndex());
+        QVERIFY(row.isValid() && window.tree->viewport()->rect().contains(row.center()));
+        // There is more above it than is seen.
+        QVERIFY(window.tree->verticalScrollBar()->value() > 0);
     }
 
     void orphansAreFound() {
