@@ -1,5 +1,6 @@
 #include "apps/client/history/HistoryFeed.h"
 
+#include "apps/client/history/HistoryActions.h"
 #include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "history/GroupWords.h"
@@ -11,6 +12,7 @@
 #include <QDateTime>
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -21,143 +23,6 @@ namespace {
 
 constexpr int refreshDelayMs = 200; ///< a burst of changes is looked at once
 constexpr size_t mostNewer = 200;   ///< beyond them the history is read from the newest on again
-constexpr int mostDetails = 500;    ///< changes that are shown below an action
-
-std::string textIn(const store::TableDef& table, const history::Values& values, const char* field) {
-    const auto found = values.find(table.find(field));
-    return found == values.end() ? std::string() : store::textOf(found->second);
-}
-
-HistoryRecord recordOf(const store::Change& change, history::RecordSource& source) {
-    const store::TableDef* table = history::tableOf(change.table);
-    if (!table)
-        return {};
-    if (change.table == table::MenuResourceFile) { // the form or file that it belongs to
-        std::string owner;
-        for (const std::string* values : {&change.after, &change.before})
-            if (owner.empty())
-                owner =
-                    textIn(*table, store::valuesFromJson(*table, *values), field::MenuResourceKey);
-        if (owner.empty())
-            owner = textIn(*table, source.valuesOf(*table, change.key), field::MenuResourceKey);
-        return owner.empty() ? HistoryRecord() : HistoryRecord{table::MenuResource, owner, {}};
-    }
-    HistoryRecord record{change.table, change.key, {}};
-    if (change.table == table::MenuFolder)
-        record.desktop = change.key;
-    if (change.table == table::Menu) {
-        for (const std::string* values : {&change.after, &change.before})
-            if (record.desktop.empty())
-                record.desktop =
-                    textIn(*table, store::valuesFromJson(*table, *values), field::FolderKey);
-        if (record.desktop.empty())
-            record.desktop = textIn(*table, source.valuesOf(*table, change.key), field::FolderKey);
-    }
-    return record;
-}
-
-/// What a filter is about beside the words of an action.
-struct Scope {
-    history::Filter filter;
-    std::shared_ptr<const history::BranchMembers::Records> members; ///< of its branch; null: none
-};
-
-/// The record that the action is shown for: the one that the filter names, one in its branch, or
-/// the first of those that its line is about.
-HistoryRecord recordOf(const history::Group& group, const history::GroupWords& words,
-                       const Scope& scope, history::RecordSource& source) {
-    const history::Filter& filter = scope.filter;
-    store::Change named; // whatever it did to that record
-    if (!filter.key.empty() && history::tableOf(filter.table)) {
-        named.table = filter.table;
-        named.key = filter.key;
-        return recordOf(named, source); // each action that passes has to do with it
-    }
-    const bool isNamed = !filter.branch && !words.first.second.empty();
-    HistoryRecord first, inside;
-    for (const store::Change& change : group.changes) {
-        if (isNamed && words.first != std::pair{change.table, change.key})
-            continue;
-        HistoryRecord record = recordOf(change, source);
-        if (record.key.empty())
-            continue;
-        if (!filter.branch)
-            return record;
-        const std::string key = store::foldedKey(record.key);
-        if (record.table == filter.branch->table->name &&
-            key == store::foldedKey(filter.branch->key))
-            return record;
-        if (inside.key.empty() && scope.members && scope.members->count({record.table, key}) != 0)
-            inside = record;
-        if (first.key.empty())
-            first = std::move(record);
-    }
-    return inside.key.empty() ? first : inside;
-}
-
-HistoryAction actionOf(const history::Group& group, const Scope& scope,
-                       history::RecordSource& source) {
-    HistoryAction action;
-    action.group = group.id;
-    action.newest = group.newest;
-    action.isCounted = group.isCounted();
-    action.time = group.time;
-    action.login = group.login;
-    action.who = group.login.empty() ? Text::tr("(вручную)") : QString::fromStdString(group.login);
-    action.machine = QString::fromStdString(group.place);
-    if (!group.client.empty())
-        action.machine += (action.machine.isEmpty() ? QString() : QStringLiteral(", ")) +
-                          QString::fromStdString(group.client);
-    const history::GroupWords words = history::describe(group, source);
-    action.what = words.what;
-    action.place = words.place;
-    action.record = recordOf(group, words, scope, source);
-    if (group.changes.size() == 1 && group.changes.front().code == OrvoEventUpdate) {
-        const auto fields = history::describe(group.changes.front(), source).fields;
-        if (fields.size() == 1) {
-            action.before = fields.front().before;
-            action.after = fields.front().after;
-        }
-    }
-    return action;
-}
-
-/// In the place of one that was shown and has been pruned since.
-HistoryAction forgottenAction(int64_t group) {
-    HistoryAction action;
-    action.group = action.newest = group;
-    action.what = Text::tr("Журнал изменений этого уже не помнит");
-    action.forgotten = true;
-    return action;
-}
-
-std::vector<HistoryAction::Detail> fieldsOf(const history::ChangeWords& words) {
-    std::vector<HistoryAction::Detail> fields;
-    for (const history::FieldWords& field : words.fields)
-        fields.push_back({field.name, field.before, field.after, {}, {}});
-    return fields;
-}
-
-std::vector<HistoryAction::Detail> detailsOf(const history::Group& group,
-                                             history::RecordSource& source) {
-    if (group.changes.empty())
-        return {{Text::tr("Журнал изменений этого действия уже не помнит"), {}, {}, {}, {}}};
-    if (group.changes.size() == 1) {
-        auto fields = fieldsOf(history::describe(group.changes.front(), source));
-        if (fields.empty())
-            fields.push_back({Text::tr("Значения не изменились"), {}, {}, {}, {}});
-        return fields;
-    }
-    std::vector<HistoryAction::Detail> details;
-    for (const store::Change& change : group.changes) {
-        const history::ChangeWords words = history::describe(change, source);
-        details.push_back({words.what, {}, {}, recordOf(change, source), fieldsOf(words)});
-    }
-    if (!group.whole)
-        details.push_back(
-            {Text::tr("… и другие: показаны первые %1").arg(mostDetails), {}, {}, {}, {}});
-    return details;
-}
 
 QString momentText(double time) {
     return QDateTime::fromMSecsSinceEpoch(std::llround(time * 1000.0))
@@ -177,7 +42,7 @@ struct HistoryFeed::Reading {
     uint64_t opening = 0;                    ///< on which it reads
 
     /// To be called when the branch was brought up to date.
-    Scope scope() const { return {filter, m_members ? m_members->records() : nullptr}; }
+    HistoryScope scope() const { return {filter, m_members ? m_members->records() : nullptr}; }
     /// The records of the filter's branch; null if it has none.
     history::BranchMembers* members(const StoreThread& thread) {
         if (!filter.branch)
@@ -209,7 +74,7 @@ struct HistoryFeed::Page {
 
     /// What every page brings beside its actions. `from`: the oldest group that is shown.
     store::Status finish(store::MaintainedStore& store, const std::vector<history::Group>& groups,
-                         const Scope& scope, int64_t from, bool withNames) {
+                         const HistoryScope& scope, int64_t from, bool withNames) {
         history::LoggedRecords source(store);
         for (const history::Group& group : groups)
             if (!group.changes.empty()) {
@@ -330,6 +195,7 @@ void HistoryFeed::note(const Page& page) {
 // Older ones -------------------------------------------------------------------------------------
 
 void HistoryFeed::more() {
+    assert(m_reading);
     m_begun = true;
     auto page = std::make_shared<Page>();
     m_thread.run(
@@ -396,6 +262,7 @@ void HistoryFeed::refresh() {
         return;
     }
     m_outdated = false;
+    assert(m_reading && m_watched && !m_refreshing);
     m_refreshing = true;
     auto page = std::make_shared<Page>();
     m_thread.run(

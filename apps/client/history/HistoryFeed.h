@@ -1,5 +1,11 @@
 // HistoryFeed.h: brings the history into its model: a page whenever the view scrolls to its end,
 // what is made meanwhile, and what is below a row. Everything is read beside the window.
+//
+// Invariants; 1 and 2 are asserted in debug builds:
+// 1. There is a reader of the filter that is set; nothing is read before it was asked for.
+// 2. Newer ones are looked for once at a time, while somebody looks.
+// 3. An answer to what was asked before the filter was set, or the log was read anew, is dropped.
+// 4. While nobody looks nothing newer is read: what has changed is remembered.
 #ifndef ORVO_APPS_CLIENT_HISTORY_HISTORYFEED_H
 #define ORVO_APPS_CLIENT_HISTORY_HISTORYFEED_H
 
