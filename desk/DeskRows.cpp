@@ -7,6 +7,7 @@
 #include "frame/Vocabulary.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace orvo::desk {
 
@@ -104,6 +105,7 @@ void DeskRows::follow(const QString& key) {
     if (row.isValid())
         m_model.removeRows(row.row(), 1, row.parent());
     insert(place, position, key);
+    assert(m_model.findIndexByKey(key).parent() == place);
 }
 
 } // namespace orvo::desk

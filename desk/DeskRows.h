@@ -7,9 +7,11 @@
 
 namespace orvo::desk {
 
-/// Invariant: whenever no function here runs, the tree shows every element that hangs below the top
-/// of the desktop through folders, in the order of the records, and nothing else. An element whose
-/// folder is missing, is no folder, or is part of a circle is not shown.
+/// Invariants; 2 is asserted in debug builds:
+/// 1. Whenever no function here runs, the tree shows every element that hangs below the top of the
+///    desktop through folders, in the order of the records, and nothing else. An element whose
+///    folder is missing, is no folder, or is part of a circle is not shown.
+/// 2. An element that was followed is shown below its folder, or not at all if it has no record.
 class DeskRows {
 public:
     DeskRows(DeskModel& model, DeskRecords& records) : m_model(model), m_records(records) {}

@@ -14,9 +14,11 @@
 #include <QScrollBar>
 #include <QShortcut>
 
+#include <cassert>
 #include <functional>
 
 void CPopObjectList::becomePalette() {
+    assert(m_shown.isEmpty() && !isVisible());
     m_isPalette = true;
     setProperty("orvoPalette", true);
     m_addButton->setShown(true);
@@ -27,6 +29,7 @@ void CPopObjectList::becomePalette() {
 }
 
 void CPopObjectList::giveWay(bool on) {
+    assert(m_isPalette && m_coverings >= 0);
     if (on) {
         if (m_coverings++ > 0)
             return;

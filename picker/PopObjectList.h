@@ -7,6 +7,11 @@
 // stands, and the pop-up hides. A double click or Enter on a resource is OK; on a folder it opens
 // that. Keys that walk through a list go to the tree, whichever button has the focus. The folders
 // that were open are opened again when the same kind is shown next; at first all, if they are few.
+//
+// Invariants; 1 and 2 are asserted in debug builds:
+// 1. It is a palette or none from the first show on.
+// 2. Only a palette gives way, and is hidden as long as anything covers it.
+// 3. Of one window one list at most covers its palette: the picker for one answer.
 #ifndef ORVO_PICKER_POPOBJECTLIST_H
 #define ORVO_PICKER_POPOBJECTLIST_H
 

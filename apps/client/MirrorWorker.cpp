@@ -8,6 +8,7 @@
 #include <QFile>
 
 #include <algorithm>
+#include <cassert>
 #include <cerrno>
 #include <cmath>
 #include <cstring>
@@ -130,6 +131,7 @@ void MirrorWorker::run() {
                 changes.merge(m_changes);
                 m_changes = std::move(changes);
             }
+            assert(done <= m_asked);
             if (end == End::Failed)
                 m_due = Clock::now() + m_pace.retry;
             if (end != End::Restart)
@@ -176,6 +178,7 @@ MirrorWorker::End MirrorWorker::pass(uint64_t number, MirrorChanges& changes) {
 
 MirrorWorker::End MirrorWorker::copy(uint64_t number, const std::vector<Wanted>& queue,
                                      bool mayBreakOff, bool changed) {
+    assert(m_store);
     Clock::time_point told = m_begun + m_pace.firstProgressAfter - m_pace.progressInterval;
     Clock::time_point staged = Clock::now();
     const int all = static_cast<int>(queue.size());
@@ -377,6 +380,7 @@ bool MirrorWorker::remove(const std::string& path) {
 bool MirrorWorker::removeStale() {
     bool changed = false;
     for (auto known = m_manifest.begin(); known != m_manifest.end();) {
+        assert(known->second <= m_listing);
         // What this one does not copy another client of the same user may.
         const size_t slash = known->first.rfind('/');
         if (known->second == m_listing ||

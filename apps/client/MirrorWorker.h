@@ -1,5 +1,13 @@
 // MirrorWorker.h: the thread in which the file area is compared and copied. However many files
 // there are, and however slow the server, the window does not wait for it.
+//
+// Invariants; 1 to 3 are asserted in debug builds:
+// 1. There is a store while a pass runs; it is opened and closed between passes only.
+// 2. No file of the manifest was named by a comparison that has not begun yet.
+// 3. Answered is what was asked for, and nothing later.
+// 4. What was asked for since the pass that began last waits in one place; a pass that fails puts
+//    what it was to do back there.
+// 5. A file is in the manifest only after all of it was on the disk.
 #ifndef ORVO_APPS_CLIENT_MIRRORWORKER_H
 #define ORVO_APPS_CLIENT_MIRRORWORKER_H
 

@@ -8,6 +8,8 @@
 #include "platform/store/ChangeRecord.h"
 #include "platform/store/Names.h"
 
+#include <cassert>
+
 namespace orvo::app {
 
 namespace {
@@ -122,6 +124,7 @@ void UnseenPlaces::look() {
     }
     if (m_placed.empty())
         m_look.stop();
+    assert(m_placed.empty() || m_look.isActive());
     if (!unseen->misplaced.empty() || !unseen->hidden.empty())
         tell(unseen);
 }

@@ -4,9 +4,11 @@
 // a folder that is gone. The editor puts such rows right when it is opened anew, and not before;
 // those without a folder it leaves out then, and what cures them is named instead.
 //
-// Invariants: 1 what is told was so in the editor's tree after it had taken the change; 2 of the
-// records without a row only the first ones of a folder are told, once for each opening of the
-// editor: their folder is what is missed.
+// Invariants; 1 is asserted in debug builds:
+// 1. The editor is looked at as long as a record waits for it.
+// 2. What is told was so in the editor's tree after it had taken the change.
+// 3. Of the records without a row only the first ones of a folder are told, once for each opening
+//    of the editor: their folder is what is missed.
 //
 // Lives on the GUI thread; names are looked up on the thread of the store.
 #ifndef ORVO_APPS_CLIENT_UNSEENPLACES_H

@@ -6,6 +6,7 @@
 #include "platform/store/SqliteStore.h"
 #include "platform/store/StoreCore.h"
 
+#include <cassert>
 #include <cerrno>
 #include <cstring>
 #include <dirent.h>
@@ -211,6 +212,7 @@ Status SqlitePresence::look(std::vector<PresenceEntry>* others) {
             return status;
         // Whoever may not be in the folder can still see who is.
         const Status own = m_changed || !isOwnInPlace() ? publish() : Status();
+        assert(!own.ok() || (m_file.isOpen() && !m_changed));
         struct CloseFolder {
             void operator()(DIR* folder) const { ::closedir(folder); }
         };

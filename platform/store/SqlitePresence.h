@@ -38,8 +38,11 @@ private:
     int m_fd;
 };
 
-/// Invariants: 1 a file under its final name is locked as long as its client lives: it is locked
-/// before it is renamed; 2 what is announced changes by renaming only, so that nobody reads half.
+/// Invariants; 1 is asserted in debug builds:
+/// 1. A look that went well leaves what is announced in a file that is open, and so locked.
+/// 2. A file under its final name is locked as long as its client lives: it is locked before it is
+///    renamed.
+/// 3. What is announced changes by renaming only, so that nobody reads half.
 class SqlitePresence final : public Presence {
 public:
     /// Of the store in the file at that path, which has no links.

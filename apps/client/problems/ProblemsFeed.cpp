@@ -10,6 +10,7 @@
 #include "platform/store/WaitPolicy.h"
 
 #include <atomic>
+#include <cassert>
 #include <chrono>
 #include <optional>
 #include <utility>
@@ -294,6 +295,7 @@ void ProblemsFeed::cure(std::vector<checks::Finding> findings) {
 }
 
 void ProblemsFeed::write(const std::shared_ptr<Plan>& plan) {
+    assert(plan == m_plan && m_progress.isActive());
     if (plan->cured == 0 || plan->stop)
         return finish(*plan, {});
     m_thread.run(
@@ -318,6 +320,7 @@ QString ProblemsFeed::cureProgress() const {
 }
 
 void ProblemsFeed::finish(const Plan& plan, const store::Status& status) {
+    assert(m_plan.get() == &plan && m_progress.isActive());
     m_plan.reset(); // the caller has it
     m_progress.stop();
     emit cureChanged();

@@ -4,6 +4,12 @@
 // planned in that thread and written in one of the store, in one transaction: the window waits for
 // neither. While that is committed, a write of the window to a store in a file waits for it, as for
 // any other writer. What a cure writes comes back as any change does.
+//
+// Invariants; 1 and 2 are asserted in debug builds:
+// 1. One cure is made at a time, and ends with the plan that it began with.
+// 2. Its progress is told as long as it is made, and at no other time.
+// 3. What concerns the rules is the catalogue's thread's alone; model and counts are this one's,
+//    and are those of one update.
 #ifndef ORVO_APPS_CLIENT_PROBLEMS_PROBLEMSFEED_H
 #define ORVO_APPS_CLIENT_PROBLEMS_PROBLEMSFEED_H
 
