@@ -3,6 +3,8 @@
 #include "frame/Vocabulary.h"
 #include "platform/mdx/MdxBuild.h"
 
+#include <algorithm>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -20,6 +22,27 @@ int32_t fieldNumber(const MDArray* array, const char* field, const MDRData* reco
     int32_t value = 0;
     MDRGetAsInt32(MDRFldByName(array, field), record, &value);
     return value;
+}
+
+std::string joinPath(const std::string& folder, const std::string& name) {
+    return folder.empty() ? name : folder + "/" + name;
+}
+
+std::vector<std::string> partsOf(const std::string& path) {
+    std::vector<std::string> parts;
+    size_t from = 0;
+    while (from <= path.size()) {
+        const size_t to = std::min(path.find('/', from), path.size());
+        parts.push_back(path.substr(from, to - from));
+        from = to + 1;
+    }
+    return parts;
+}
+
+bool isIcon(const std::string& folder) {
+    constexpr std::string_view icons = iconFolder;
+    return folder.starts_with(icons) &&
+           (folder.size() == icons.size() || folder[icons.size()] == '/');
 }
 
 store::Status MirrorPaths::read(store::Store& store) {

@@ -1,4 +1,4 @@
-// MirrorPaths.h: which folders of the file area have a place on the disk.
+// MirrorPaths.h: paths of the file area, and which of its folders have a place on the disk.
 #ifndef ORVO_APPS_CLIENT_MIRRORPATHS_H
 #define ORVO_APPS_CLIENT_MIRRORPATHS_H
 
@@ -18,6 +18,13 @@ namespace orvo::app {
 std::string fieldText(const MDArray* array, const char* field, const MDRData* record);
 /// 0 for NULL.
 int32_t fieldNumber(const MDArray* array, const char* field, const MDRData* record);
+
+/// A path as a folder of the file area and a name in it, joined; the empty folder is the root.
+std::string joinPath(const std::string& folder, const std::string& name);
+/// The names of which a path is made.
+std::vector<std::string> partsOf(const std::string& path);
+/// Whether a folder is that of the icons, which the editors show at once, or within it.
+bool isIcon(const std::string& folder);
 
 /// The folders of the file area as they were when they were read.
 class MirrorPaths {

@@ -2,10 +2,7 @@
 
 #include "frame/Text.h"
 #include "frame/Vocabulary.h"
-#include "platform/client/WholeFile.h"
 #include "platform/mdx/MdxBuild.h"
-
-#include <QFile>
 
 #include <algorithm>
 #include <cassert>
@@ -19,28 +16,6 @@ namespace {
 
 constexpr double sameTime = 0.001;
 constexpr double latestTime = 4294967296.0;
-/// What the editors show at once.
-constexpr std::string_view iconFolder = orvo::iconFolder;
-
-PathParts split(const std::string& path) {
-    PathParts parts;
-    size_t from = 0;
-    while (from <= path.size()) {
-        const size_t to = std::min(path.find('/', from), path.size());
-        parts.push_back(path.substr(from, to - from));
-        from = to + 1;
-    }
-    return parts;
-}
-
-std::string join(const std::string& folder, const std::string& name) {
-    return folder.empty() ? name : folder + "/" + name;
-}
-
-bool isIcon(const std::string& folder) {
-    return folder.starts_with(iconFolder) &&
-           (folder.size() == iconFolder.size() || folder[iconFolder.size()] == '/');
-}
 
 /// No disk holds every time that a store does, and what it makes of another would look changed each
 /// time.
@@ -66,6 +41,7 @@ MirrorWorker::MirrorWorker(StoreOpener open, MirrorDirectory directory, const QS
     , m_workDir(workDir)
     , m_extent(extent)
     , m_pace(pace)
+    , m_manifest(workDir)
     , m_thread([this] { run(); }) {}
 
 MirrorWorker::~MirrorWorker() {
@@ -104,7 +80,7 @@ void MirrorWorker::post(Signal signal) {
 
 void MirrorWorker::run() {
     const store::WaitPolicyScope scope(this);
-    readManifest();
+    m_manifest.read();
     uint64_t done = 0;
     bool retry = false;
     std::unique_lock lock(m_mutex);
@@ -139,7 +115,7 @@ void MirrorWorker::run() {
         }
     }
     lock.unlock();
-    if (m_touched)
+    if (m_manifest.isTouched())
         writeManifest();
 }
 
@@ -202,7 +178,7 @@ MirrorWorker::End MirrorWorker::copy(uint64_t number, const std::vector<Wanted>&
                 end = End::Restart;
         }
     }
-    if (m_touched)
+    if (m_manifest.isTouched())
         writeManifest();
     if (changed)
         post([this] { emit updated(); });
@@ -257,12 +233,10 @@ bool MirrorWorker::isCopied(const std::string& folder) const {
 void MirrorWorker::consider(const std::string& folder, const store::StoredFile& file, Recopy recopy,
                             std::vector<Wanted>* queue) {
     const std::optional<double> time = timeOnDisk(file);
-    const std::string path = join(folder, file.name);
-    const auto known = m_manifest.find(path);
-    bool same = known != m_manifest.end();
+    const std::string path = joinPath(folder, file.name);
+    bool same = m_manifest.mark(path, m_listing);
     if (same) {
-        known->second = m_listing;
-        const auto local = m_directory.info(split(path));
+        const auto local = m_directory.info(partsOf(path));
         // Without a time of its own only the notification tells that the content is another.
         same = local && local->size == file.size &&
                std::fabs(local->time - time.value_or(0)) < sameTime &&
@@ -277,7 +251,7 @@ bool MirrorWorker::hasPlace(const std::string& folder, const std::string& name) 
         return true;
     tell(Text::tr("«%1» не копируется на диск: в пути есть имя, которое не может быть именем "
                   "папки или файла.")
-             .arg(textOf(join(folder, name))));
+             .arg(textOf(joinPath(folder, name))));
     return false;
 }
 
@@ -346,7 +320,7 @@ store::Status MirrorWorker::look(MirrorChanges* changes, std::vector<Wanted>* qu
         const auto path = m_folders.path(folder);
         const bool hasMoved = !isFile || former != path || formerName != name;
         if (status.ok() && hasMoved && former && isCopied(*former) &&
-            m_manifest.count(join(*former, formerName)) != 0)
+            m_manifest.has(joinPath(*former, formerName)))
             status = lookAt(*former, formerName, false, queue, changed);
         if (status.ok() && isFile && path && isCopied(*path) && hasPlace(*path, name))
             status = lookAt(*path, name, before.content, queue, changed);
@@ -365,32 +339,24 @@ store::Status MirrorWorker::lookAt(const std::string& folder, const std::string&
         consider(folder, file, copy ? Recopy::All : Recopy::None, queue);
         isThere = isThere || file.name == name;
     }
-    const std::string path = join(folder, name);
-    if (!isThere && m_manifest.count(path) != 0)
+    const std::string path = joinPath(folder, name);
+    if (!isThere && m_manifest.has(path))
         *changed = remove(path) || *changed;
     return {};
 }
 
 bool MirrorWorker::remove(const std::string& path) {
-    m_manifest.erase(path);
-    m_touched = true;
-    return m_directory.remove(split(path));
+    m_manifest.remove(path);
+    return m_directory.remove(partsOf(path));
 }
 
 bool MirrorWorker::removeStale() {
     bool changed = false;
-    for (auto known = m_manifest.begin(); known != m_manifest.end();) {
-        assert(known->second <= m_listing);
+    for (const std::string& path : m_manifest.notIn(m_listing)) {
         // What this one does not copy another client of the same user may.
-        const size_t slash = known->first.rfind('/');
-        if (known->second == m_listing ||
-            !isCopied(slash == std::string::npos ? std::string() : known->first.substr(0, slash))) {
-            ++known;
-            continue;
-        }
-        changed = m_directory.remove(split(known->first)) || changed;
-        known = m_manifest.erase(known);
-        m_touched = true;
+        const size_t slash = path.rfind('/');
+        if (isCopied(slash == std::string::npos ? std::string() : path.substr(0, slash)))
+            changed = remove(path) || changed;
     }
     return changed;
 }
@@ -398,7 +364,7 @@ bool MirrorWorker::removeStale() {
 bool MirrorWorker::fetch(const Wanted& wanted) {
     std::vector<store::StoredFile> files;
     const store::Status status = m_store->fileGet(wanted.folder, wanted.name, true, &files);
-    const std::string path = join(wanted.folder, wanted.name);
+    const std::string path = joinPath(wanted.folder, wanted.name);
     if (!status.ok()) {
         if (keepWaiting())
             tell(Text::tr("Файл «%1» не получен: %2").arg(textOf(path), textOf(status.text)));
@@ -409,13 +375,12 @@ bool MirrorWorker::fetch(const Wanted& wanted) {
         return true; // gone since the listing; its notification follows
     // Time and bytes of one file: another may stand there since the comparison.
     const double time = timeOnDisk(files.front()).value_or(0);
-    if (!m_directory.write(split(path), files.front().bytes, time)) {
+    if (!m_directory.write(partsOf(path), files.front().bytes, time)) {
         m_full = m_full || errno == ENOSPC || errno == EDQUOT;
         tell(Text::tr("Файл «%1» не записан в %2files: %3").arg(textOf(path), m_workDir, reason()));
         return true;
     }
-    m_manifest[path] = m_listing;
-    m_touched = true;
+    m_manifest.add(path, m_listing);
     return true;
 }
 
@@ -426,24 +391,10 @@ void MirrorWorker::tell(const QString& text) {
     post([this, text] { emit problem(text); });
 }
 
-void MirrorWorker::readManifest() {
-    QFile file(m_workDir + QStringLiteral("mirror.list"));
-    if (!file.open(QIODevice::ReadOnly))
-        return;
-    for (const QByteArray& line : file.readAll().split('\n'))
-        if (!line.isEmpty())
-            m_manifest.emplace_hint(m_manifest.end(), line.toStdString(), 0);
-}
-
 void MirrorWorker::writeManifest() {
-    QSaveFile file(m_workDir + QStringLiteral("mirror.list"));
-    std::string lines;
-    for (const auto& known : m_manifest)
-        lines += known.first + '\n';
-    if (client::openWhole(file) && client::saveWhole(file, QByteArray::fromStdString(lines)))
-        m_touched = false;
-    else
-        tell(Text::tr("Список копии файловой области не записан: %1").arg(file.errorString()));
+    const QString error = m_manifest.write();
+    if (!error.isNull())
+        tell(Text::tr("Список копии файловой области не записан: %1").arg(error));
 }
 
 } // namespace orvo::app

@@ -1,18 +1,18 @@
 // MirrorWorker.h: the thread in which the file area is compared and copied. However many files
 // there are, and however slow the server, the window does not wait for it.
 //
-// Invariants; 1 to 3 are asserted in debug builds:
+// Invariants; 1 and 2 are asserted in debug builds:
 // 1. There is a store while a pass runs; it is opened and closed between passes only.
-// 2. No file of the manifest was named by a comparison that has not begun yet.
-// 3. Answered is what was asked for, and nothing later.
-// 4. What was asked for since the pass that began last waits in one place; a pass that fails puts
+// 2. Answered is what was asked for, and nothing later.
+// 3. What was asked for since the pass that began last waits in one place; a pass that fails puts
 //    what it was to do back there.
-// 5. A file is in the manifest only after all of it was on the disk.
+// 4. A file is in the manifest only after all of it was on the disk.
 #ifndef ORVO_APPS_CLIENT_MIRRORWORKER_H
 #define ORVO_APPS_CLIENT_MIRRORWORKER_H
 
 #include "apps/client/MirrorChanges.h"
 #include "apps/client/MirrorDirectory.h"
+#include "apps/client/MirrorManifest.h"
 #include "apps/client/MirrorPaths.h"
 #include "platform/store/Store.h"
 #include "platform/store/WaitPolicy.h"
@@ -25,7 +25,6 @@
 #include <chrono>
 #include <condition_variable>
 #include <functional>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -115,7 +114,6 @@ private:
     /// False if the store does not answer.
     bool fetch(const Wanted& wanted);
     void tell(const QString& text);
-    void readManifest();
     void writeManifest();
     /// Emits in the thread of this object.
     template <class Signal>
@@ -138,12 +136,11 @@ private:
 
     // The thread's alone.
     std::unique_ptr<store::Store> m_store;
-    std::map<std::string, uint64_t> m_manifest; ///< path: the listing that named it last
+    MirrorManifest m_manifest;   ///< named by m_listing
     MirrorPaths m_folders;       ///< as of the last listing: a change of one makes a new listing
     Clock::time_point m_begun{}; ///< of the present pass
     QSet<QString> m_told;
-    bool m_touched = false; ///< the manifest has changed since it was written
-    bool m_full = false;    ///< the disk took not all of what the comparison found
+    bool m_full = false; ///< the disk took not all of what the comparison found
 
     std::thread m_thread; ///< last: it begins when everything else is there
 };
