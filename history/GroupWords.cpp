@@ -223,7 +223,8 @@ std::vector<LoggedChange> cutAsMoves(const std::vector<const LoggedChange*>& one
 QString lineOf(const std::vector<LoggedChange>& all, RecordSource& source) {
     const std::vector<const LoggedChange*> ones = mainOnes(all);
     if (ones.empty())
-        return all.empty() ? Text::tr("Записано то же, что было") : sentence(all.front(), source);
+        return all.empty() ? Text::tr("Записаны заново те же значения")
+                           : sentence(all.front(), source);
     const LoggedChange& first = *ones.front();
     if (ones.size() > 1 && allAlike(ones, source))
         return together(ones, source);

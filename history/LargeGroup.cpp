@@ -99,10 +99,26 @@ bool LargeGroup::isReplaced() const {
                one.count->table == other.count->table &&
                store::foldedKey(one.top.change->key) == store::foldedKey(other.top.change->key);
     };
-    return std::any_of(m_kinds.begin(), m_kinds.end(), [&](const Kind& one) {
+    const bool hasSame = std::any_of(m_kinds.begin(), m_kinds.end(), [&](const Kind& one) {
         return std::any_of(m_kinds.begin(), m_kinds.end(),
                            [&](const Kind& other) { return isSame(one, other); });
     });
+    int64_t deleted = 0;
+    for (const Kind& kind : m_kinds)
+        deleted += kind.count->code == OrvoEventDelete ? kind.count->count : 0;
+    return hasSame && gone() * 2 <= deleted; // else it is a deletion before all
+}
+
+int64_t LargeGroup::gone() const {
+    std::map<std::string, int64_t> surplus;
+    for (const Kind& kind : m_kinds)
+        if (kind.count->code != OrvoEventUpdate)
+            surplus[kind.count->table] +=
+                kind.count->code == OrvoEventDelete ? kind.count->count : -kind.count->count;
+    int64_t all = 0;
+    for (const auto& [table, count] : surplus)
+        all += std::max<int64_t>(count, 0);
+    return all;
 }
 
 /// Whether all are of one kind and, as far as they were read, none holds the others.
@@ -118,17 +134,11 @@ bool LargeGroup::isFlat() const {
 
 size_t LargeGroup::total() const {
     int64_t all = 0;
-    if (m_replaced) {
-        std::map<std::string, std::map<int, int64_t>> records; // of a table, by what was done
-        for (const Kind& kind : m_kinds)
-            if (kind.count->code != OrvoEventUpdate)
-                records[kind.count->table][kind.count->code] += kind.count->count;
-        for (const auto& [table, byCode] : records)
-            all += std::max_element(byCode.begin(), byCode.end(), [](const auto& a, const auto& b) {
-                       return a.second < b.second;
-                   })->second;
+    for (const Kind& kind : m_kinds)
+        if (m_replaced && kind.count->code == OrvoEventInsert)
+            all += kind.count->count;
+    if (m_replaced)
         return static_cast<size_t>(all);
-    }
     for (const Kind& kind : m_kinds)
         if (!m_cut || kind.count->code == OrvoEventInsert)
             all += kind.count->count;
@@ -188,7 +198,11 @@ QString LargeGroup::line() const {
     const size_t all = total();
     if (const LoggedChange& top = first(); m_replaced && top.table)
         return (m_isTakenBack ? Text::tr("Снова как прежде: ") : Text::tr("Записаны заново: ")) +
-               recordWords(*top.table, known(top, m_source), top.change->key) + andMore(all - 1);
+               recordWords(*top.table, known(top, m_source), top.change->key) + andMore(all - 1) +
+               (gone() > 0
+                    ? (m_isTakenBack ? Text::tr("; возвращено ещё %1") : Text::tr("; удалено %1"))
+                          .arg(gone())
+                    : QString());
     if (all == 1 || !isFlat())
         return sentence(first(), m_source) + andMore(all - 1) + along();
     const Noun noun = anyOf(*first().table);

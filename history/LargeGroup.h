@@ -38,6 +38,8 @@ private:
     bool isCut() const;
     /// Whether what it deletes is written again under the same keys.
     bool isReplaced() const;
+    /// Of these, how many records at least are not.
+    int64_t gone() const;
     bool isFlat() const;
     size_t total() const;
     QString names() const;

@@ -35,23 +35,25 @@ void takeHead(const store::Change& change, Group* group) {
     group->time = change.time;
 }
 
-/// Whether a group that takes back that one does again what it took back.
-store::Status doesAgain(store::MaintainedStore& store, int64_t undone, bool* redoes) {
-    constexpr int deepest = 50; // it was taken back and done again so often
+/// Whether a group that takes back these does again what they took back. `left`: so many groups
+/// may still be asked for.
+store::Status doAgain(store::MaintainedStore& store, int64_t group,
+                      const std::vector<int64_t>& undone, int* left, bool* again) {
     store::Status status;
-    *redoes = false;
-    for (int i = 0; i < deepest; ++i) {
+    *again = !undone.empty();
+    for (size_t i = 0; i < undone.size() && *again && status.ok(); ++i) {
+        *again = undone[i] < group && --*left >= 0; // else it is by hand
         store::LogQuery query;
-        query.group = undone;
+        query.group = undone[i];
         query.undoing = true;
         std::vector<store::Change> first;
-        status = store.history(query, 1, &first);
-        if (!status.ok() || first.empty() || first.front().undoes.empty())
-            break;
-        *redoes = !*redoes;
-        if (first.front().undoes.front() >= undone)
-            break; // only by hand
-        undone = first.front().undoes.front();
+        if (*again)
+            status = store.history(query, 1, &first);
+        *again = *again && status.ok() && !first.empty();
+        bool below = false;
+        if (*again)
+            status = doAgain(store, undone[i], first.front().undoes, left, &below);
+        *again = *again && !below;
     }
     return status;
 }
@@ -215,9 +217,10 @@ store::Status readGroup(store::MaintainedStore& store, int64_t id, Group* group,
     group->counts.clear();
     group->tops.clear();
     group->follows.clear();
-    group->redoes = !group->undoes.empty() && most != 1; // what is read for its head is not told
-    for (size_t i = 0; i < group->undoes.size() && group->redoes && status.ok(); ++i)
-        status = doesAgain(store, group->undoes[i], &group->redoes);
+    group->redoes = false;
+    int left = 200; // it was taken back and done again so often
+    if (most != 1)  // what is read for its head alone is not told
+        status = doAgain(store, group->id, group->undoes, &left, &group->redoes);
     return status;
 }
 

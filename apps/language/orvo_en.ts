@@ -7530,10 +7530,6 @@ that somebody else has taken is not replaced: they release it, or unlock does.</
         <translation> is no longer in the log</translation>
     </message>
     <message>
-        <source>Записано то же, что было</source>
-        <translation>Written as it was before</translation>
-    </message>
-    <message>
         <source>Снова как прежде: </source>
         <translation>As before again: </translation>
     </message>
@@ -7544,6 +7540,18 @@ that somebody else has taken is not replaced: they release it, or unlock does.</
     <message>
         <source>записать заново </source>
         <translation>write anew </translation>
+    </message>
+    <message>
+        <source>Записаны заново те же значения</source>
+        <translation>The same values written anew</translation>
+    </message>
+    <message>
+        <source>; возвращено ещё %1</source>
+        <translation>; %1 more restored</translation>
+    </message>
+    <message>
+        <source>; удалено %1</source>
+        <translation>; %1 deleted</translation>
     </message>
 </context>
 <context>
