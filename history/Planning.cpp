@@ -329,6 +329,7 @@ void Planning::compose() {
     for (auto table = store::tables().rbegin(); table != store::tables().rend(); ++table)
         part(*table, MDX_DELETE);
     forgetLockActions();
+    forgetWhatStays();
     tellNothingLeft();
     if (!m_leftOut)
         return;
@@ -338,6 +339,34 @@ void Planning::compose() {
         part.why = Remark::OnlyPart;
         m_inverse.remarks.push_back(std::move(part));
     }
+}
+
+/// An action that stays as a whole is not taken back: else nobody could do so later.
+void Planning::forgetWhatStays() {
+    if (m_inverse.count == 0)
+        return;
+    std::map<int64_t, std::pair<bool, bool>> groups; // whether something goes, or stays
+    for (const auto& [table, records] : m_records)
+        for (const auto& [key, record] : records)
+            for (const Event& event : record.events) {
+                auto& [goes, stays] = groups[event.change->group];
+                goes = goes || record.flag != 0;
+                stays = stays || (record.flag == 0 && record.present != record.presentThen &&
+                                  table != &store::contentTable());
+            }
+    std::vector<int64_t> undoes;
+    for (const int64_t group : m_inverse.undoes) {
+        bool goes = false, stays = false;
+        for (const int64_t one : m_standing.concerned({group}))
+            if (const auto found = groups.find(one); found != groups.end()) {
+                goes = goes || found->second.first;
+                stays = stays || found->second.second;
+            }
+        if (goes || !stays)
+            undoes.push_back(group);
+    }
+    if (!undoes.empty()) // else they are taken back in what went along
+        m_inverse.undoes = std::move(undoes);
 }
 
 void Planning::tellNothingLeft() {

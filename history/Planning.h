@@ -181,6 +181,7 @@ private:
     void tellNothingLeft();
     /// Actions that did nothing but that are not counted as taken back.
     void forgetLockActions();
+    void forgetWhatStays();
 
     /// What will have become of the resource of a content.
     enum class Owner {
