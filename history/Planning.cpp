@@ -19,6 +19,16 @@ namespace {
 
 constexpr size_t mostPreviewed = 2000;
 
+/// What was taken back before and done again has all happened by the same user's wish.
+std::set<int64_t> concernedBy(const Standing& standing, std::vector<int64_t> groups,
+                              int64_t answered) {
+    if (answered != 0)
+        groups.push_back(answered);
+    if (const int64_t again = standing.undoneBy(answered); again != 0)
+        groups.push_back(again);
+    return standing.concerned(groups);
+}
+
 } // namespace
 
 Planning::Planning(store::MaintainedStore& store, const Standing& standing, const Choices& choices,
@@ -28,7 +38,8 @@ Planning::Planning(store::MaintainedStore& store, const Standing& standing, cons
     , m_choices(choices)
     , m_selection(selection)
     , m_inverse(inverse)
-    , m_concerned(standing.concerned(inverse.undoes)) {}
+    , m_answered(selection.only ? 0 : standing.lastAnswer(inverse.undoes))
+    , m_concerned(concernedBy(standing, inverse.undoes, m_answered)) {}
 
 /// Whether a change has a say in what its record should be.
 bool Planning::counts(const Event& event) const {
@@ -181,27 +192,6 @@ void Planning::work(Record& record) const {
         for (const auto& [field, value] : event.after)
             record.then[field] = value;
     }
-}
-
-const Planning::Event* Planning::builtOnSince(const Record& record) const {
-    const Event* since = nullptr;
-    for (const Event& event : record.events)
-        if (isConcerned(event) && (!since || (m_standing.stands(event.change->group) &&
-                                              event.change->code == OrvoEventDelete)))
-            since = &event;
-    return since;
-}
-
-bool Planning::wentAlong(const Record* below, int link) const {
-    bool went = false;
-    for (const Event& event : below ? below->events : std::vector<Event>())
-        if (!isConcerned(event))
-            went = went && (!counts(event) || isLockOnly(*event.change));
-        else if (m_standing.isUndoing(event.change->group) &&
-                 m_standing.stands(event.change->group))
-            went = went || event.change->code == OrvoEventDelete ||
-                   (event.change->code == OrvoEventUpdate && event.after.count(link) != 0);
-    return went;
 }
 
 void Planning::update(const store::TableDef& table, Record& record) {

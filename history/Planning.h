@@ -113,9 +113,15 @@ private:
     /// actions, or their last deletion of it that stands, with which went what there was. Null:
     /// none of them changed it.
     const Event* builtOnSince(const Record& record) const;
-    /// Whether an undo that is to hold again has deleted that, or taken it out of what it deleted,
-    /// with the work of others, and nobody has changed it since: who had it done was asked then.
-    bool wentAlong(const Record* below, int link) const;
+    /// Whether it is of an undo of this user's that is to hold again: what it took along was asked
+    /// for then.
+    bool holdsAgain(const Event& event) const;
+    /// The change by which such an undo has deleted that, or taken it out of what it deleted, with
+    /// the work of others; 0: none did, or somebody has changed it since.
+    int64_t wentAlong(const Record* below, int link) const;
+    /// Adds of these forms and files, by folded key, the last change of others to what they hold.
+    store::Status uploadsInto(const std::vector<std::string>& keys,
+                              std::map<std::string, int64_t>* last);
     void update(const store::TableDef& table, Record& record);
     bool isSelected(const store::TableDef& table, const std::string& key) const;
     void addMakings(const Record& record, std::set<int64_t>* groups) const;
@@ -213,6 +219,12 @@ private:
         bool places; ///< by it they stand below them
     };
     static std::vector<Link> linksTo(const store::TableDef& table);
+    static bool comesBelow(const Record& record, int link, const std::string& key);
+    void addPlanned(const Link& link, const std::vector<std::string>& deleted,
+                    std::vector<std::pair<std::string, std::string>>* children);
+    std::vector<std::string>
+    wentAlong(const Link& link,
+              const std::vector<std::pair<std::string, std::string>>& children) const;
     store::Status lookBelow(const store::TableDef& table, const Link& link,
                             const std::vector<std::string>& deleted, bool* changed);
     /// What stands below, or names, what a cut has made.
@@ -271,6 +283,7 @@ private:
     const Choices& m_choices;
     const Selection& m_selection;
     Inverse& m_inverse;
+    const int64_t m_answered; ///< what took them back before and was itself taken back; 0: nothing
     const std::set<int64_t> m_concerned;
     std::vector<std::vector<store::Change>> m_changes; ///< that the events are about
     std::pmr::monotonic_buffer_resource m_memory;      ///< records in order lie in order there

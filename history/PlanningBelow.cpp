@@ -156,22 +156,38 @@ store::Status Planning::lookBelow(const store::TableDef& table, const Link& link
                                   const std::vector<std::string>& deleted, bool* changed) {
     std::vector<std::pair<std::string, std::string>> children; // with what they name
     store::Status status = m_store.keysNaming(*link.below, link.field, deleted, &children);
+    addPlanned(link, deleted, &children);
+    std::map<std::string, int64_t> uploads;
+    if (status.ok() && is(link.below->name, table::MenuResource))
+        status = uploadsInto(wentAlong(link, children), &uploads);
     std::vector<Inside> deeper, older;
     std::vector<Follower> followers;
     std::vector<std::pair<Record*, std::string>> kept; // with the child that keeps it
     for (const auto& [child, named] : children) {
         Record& record = m_records[&table].at(store::foldedKey(named));
         const Record* const planned = this->planned(*link.below, store::foldedKey(child));
+        const bool comes = planned && comesBelow(*planned, link.field, named);
         if (record.flag == 0 ||
-            (planned && (planned->flag == MDX_DELETE ||
-                         (planned->flag == MDX_UPDATE && planned->values.count(link.field) != 0))))
+            (planned && !comes &&
+             (planned->flag == MDX_DELETE ||
+              (planned->flag == MDX_UPDATE && planned->values.count(link.field) != 0))))
             continue;
+        if (comes) { // taken back together they would leave it nowhere
+            kept.emplace_back(&record, child);
+            record.flag = 0;
+            m_kept.insert(&record);
+            *changed = true;
+            continue;
+        }
         const bool stays = m_stayingBelow.count(planned) != 0;
         if (Record* const origin = stays ? nullptr : cutFrom(record)) {
             followers.push_back({child, &record, origin});
             continue;
         }
-        const bool goes = m_choices.othersWorkToo || wentAlong(planned, link.field);
+        const int64_t went = wentAlong(planned, link.field);
+        const auto upload = uploads.find(store::foldedKey(child));
+        const bool goes = m_choices.othersWorkToo ||
+                          (went > 0 && (upload == uploads.end() || upload->second < went));
         if (goes && link.places && !stays && m_kept.count(planned) == 0) {
             deeper.push_back({child, &record});
             continue;
@@ -291,7 +307,8 @@ store::Status Planning::keepFolders(bool* changed) {
         if (!status.ok() || since == placing.end() || record.values.count(resource) == 0)
             continue;
         const Record* const element = this->planned(elements, child);
-        if ((m_choices.othersWorkToo || wentAlong(element, parent)) && m_kept.count(element) == 0) {
+        if ((m_choices.othersWorkToo || wentAlong(element, parent) > 0) &&
+            m_kept.count(element) == 0) {
             inFolders.push_back({child, &record});
             continue;
         }
@@ -362,7 +379,7 @@ store::Status Planning::keepWhatIsBuiltOn(bool* changed) {
             status = keepFolders(&again);
         if (status.ok() && !again) // what names a resource may go as well
             status = look(false);
-        if (status.ok() && !again && !isAlone)
+        if (status.ok() && !again)
             status = keepUsedIcons(&again);
         if (!status.ok())
             return status;

@@ -102,6 +102,11 @@ store::Status Planning::keepUsedIcons(bool* changed) {
             if (const Values after = store::valuesFromJson(table, change.after);
                 m_concerned.count(change.group) == 0 && after.count(ico) != 0)
                 naming[store::textOf(after.find(ico)->second)] = &change;
+        for (const auto& [key, record] : m_records[&table]) // what comes back with it
+            if (const auto name = record.values.find(ico);
+                ico >= 0 && (record.flag == MDX_INSERT || record.flag == MDX_UPDATE) &&
+                name != record.values.end() && !record.events.empty())
+                naming[store::textOf(name->second)] = record.events.back().change;
         for (const auto& [name, change] : naming)
             for (Record* file : going[name]) {
                 if (names.count(name) == 0 || file->flag == 0)

@@ -126,9 +126,9 @@ store::Status Planning::clear(const store::TableDef& table, const std::vector<In
     std::vector<Record*> records;
     store::Status status = planStored(table, keys, &records);
     for (size_t i = 0; i < records.size() && status.ok(); ++i) {
-        int64_t since = m_standing.begin();
+        int64_t since = m_standing.begin(); // of what only goes along as well
         for (const Event& event : inside[i].above->events)
-            if (isConcerned(event)) {
+            if (isConcerned(event) && !m_standing.isUndoing(event.change->group)) {
                 since = event.change->id;
                 break;
             }

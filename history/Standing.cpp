@@ -43,6 +43,15 @@ int64_t Standing::undoneBy(int64_t group) const {
     return 0;
 }
 
+int64_t Standing::lastAnswer(const std::vector<int64_t>& groups) const {
+    const std::set<int64_t> asked(groups.begin(), groups.end());
+    for (auto undoing = m_undoes.rbegin(); undoing != m_undoes.rend(); ++undoing)
+        if (!stands(undoing->first) &&
+            std::set<int64_t>(undoing->second.begin(), undoing->second.end()) == asked)
+            return undoing->first;
+    return 0;
+}
+
 std::set<int64_t> Standing::concerned(const std::vector<int64_t>& groups) const {
     std::set<int64_t> found;
     std::vector<int64_t> open = groups;

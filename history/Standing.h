@@ -37,6 +37,8 @@ public:
         const auto undoing = m_undoes.find(group);
         return undoing == m_undoes.end() ? std::vector<int64_t>() : undoing->second;
     }
+    /// The newest group that took back these and no others, and does not stand; 0: none.
+    int64_t lastAnswer(const std::vector<int64_t>& groups) const;
     /// These groups, the ones that they take back, the ones that those take back and so on.
     std::set<int64_t> concerned(const std::vector<int64_t>& groups) const;
 

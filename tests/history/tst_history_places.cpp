@@ -32,6 +32,10 @@ private slots:
     void whatIsOlderAndHasNoWayBackStays();
     void whatIsOlderLeavesALeafAgain();
     void whatWentAlongOnceGoesAgainWithoutAQuestion();
+    void whatWentAlongSeveralLevelsDeepGoesAgain();
+    void aFormIntoWhichOthersPutFilesSinceDoesNotGoAgain();
+    void whatComesBackIsNotLeftNowhere();
+    void anActionThatStaysAsAWholeIsNotTakenBack();
     void thereIsNoTopWhereNothingCanStand();
     void aChosenPlaceThatDoesNotFitIsNamed();
     void aFolderOnAnotherDesktopIsNotCalledDeleted();
@@ -365,11 +369,134 @@ void TestHistoryPlaces::whatWentAlongOnceGoesAgainWithoutAQuestion() {
     QCOMPARE(told(done), QString());
     QCOMPARE(snapshot(), without);
     ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    ORVO_OK(undo(*m_anna, {making}, {}, &done)); // as Ctrl+Z asks for it
+    QCOMPARE(told(done), QString());
+    QCOMPARE(snapshot(), without);
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
     const int64_t back = last(*m_anna);
+    ORVO_OK(planInverse(*m_boris, {making}, {}, &done)); // nobody has asked him
+    QVERIFY(done.asks());
     ORVO_OK(Batch("Menu").update("p", {{"params", "снова"}}).send(*m_boris));
     ORVO_OK(undo(*m_anna, {back}, {}, &done));
     QVERIFY(!done.written && done.asks());
     isTold(done, "\nНе удалено: элемент меню «Новая»: на этом построено другое \\(boris, [^)]*\\)");
+}
+
+void TestHistoryPlaces::whatWentAlongSeveralLevelsDeepGoesAgain() {
+    ORVO_OK(Batch("MenuFolder").insert("f", {{"caption", "Папка"}}).send(*m_anna));
+    const int64_t making = last(*m_anna);
+    ORVO_OK(Batch("MenuFolder")
+                .insert("t", {{"caption", "Его"}, {"parent", "f"}, {"order_", "1"}})
+                .send(*m_boris));
+    ORVO_OK(Batch("Menu").insert("x", {{"FolderKey", "t"}}).send(*m_boris));
+    ORVO_OK(Batch("Menu").insert("y", {{"FolderKey", "t"}, {"parent", "x"}}).send(*m_boris));
+    Choices choices;
+    choices.othersWorkToo = true;
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {making}, choices, &done));
+    const QStringList without = snapshot();
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    const QStringList with = snapshot();
+    QVERIFY(with != without);
+    for (int i = 0; i < 2; ++i) {
+        ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+        QCOMPARE(told(done), QString());
+        QCOMPARE(snapshot(), without);
+        ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+        QCOMPARE(snapshot(), with);
+    }
+}
+
+void TestHistoryPlaces::aFormIntoWhichOthersPutFilesSinceDoesNotGoAgain() {
+    ORVO_OK(Batch("MenuResourceFolder")
+                .insert("forms", {{"type_", 3}, {"caption", "Формы"}})
+                .send(*m_boris));
+    ORVO_OK(Batch("MenuResourceFolder")
+                .insert("p", {{"type_", 3}, {"caption", "П"}, {"ParentKey", "forms"}})
+                .send(*m_anna));
+    const int64_t making = last(*m_anna);
+    ORVO_OK(m_boris->formPut("П", {{"П", "x_", "first", {}}}));
+    Choices choices;
+    choices.othersWorkToo = true;
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {making}, choices, &done));
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    const int64_t back = last(*m_anna);
+    ORVO_OK(planInverse(*m_anna, {back}, {}, &done));
+    QVERIFY(!done.asks());
+    const std::vector<std::vector<FileToPut>> uploads = {
+        {{"П", "x_", "second", {}}},
+        {{"П", "x_", "first", {}}, {"П", "x_.js", "added", {}}},
+    };
+    for (const std::vector<FileToPut>& files : uploads) {
+        ORVO_OK(m_boris->formPut("П", files));
+        const QStringList before = snapshot();
+        ORVO_OK(undo(*m_anna, {back}, {}, &done));
+        QVERIFY2(!done.written && done.asks(), qPrintable(told(done)));
+        isTold(done, "Не удалено: папка ресурсов «П»: на этом построено другое \\(boris, [^)]*\\)");
+        QCOMPARE(snapshot(), before);
+        ORVO_OK(undo(*m_boris, {last(*m_boris)}, {}, &done));
+    }
+}
+
+/// Two actions of which the one takes away what the other, done again, stands in or names.
+void TestHistoryPlaces::whatComesBackIsNotLeftNowhere() {
+    ORVO_OK(Batch("MenuResourceFolder")
+                .insert("i", {{"type_", 4}, {"caption", "icons"}})
+                .send(*m_anna));
+    const Batch::Fields icon = {
+        {"type_", 4}, {"name_", "nova.png"}, {"MenuResourceFolderKey", "i"}};
+    struct Case {
+        const char* table;
+        const char* key;
+        Batch::Fields made;
+        const char* below;
+        Batch::Fields on;
+    };
+    const Case cases[] = {
+        {"Menu", "p", {{"FolderKey", "d"}}, "k", {{"FolderKey", "d"}, {"parent", "p"}}},
+        {"MenuResource",
+         "r",
+         {{"type_", 1}, {"name_", "r"}},
+         "k2",
+         {{"FolderKey", "d"}, {"MenuResourceKey", "R"}}},
+        {"MenuResource", "f", icon, "k3", {{"FolderKey", "d"}, {"ico", "nova.png"}}},
+    };
+    for (const Case& one : cases) {
+        ORVO_OK(Batch(one.table).insert(one.key, one.made).send(*m_anna));
+        const int64_t hers = last(*m_anna);
+        ORVO_OK(Batch("Menu").insert(one.below, one.on).send(*m_boris));
+        const QStringList whole = snapshot();
+        Inverse done;
+        ORVO_OK(undo(*m_boris, {last(*m_boris)}, {}, &done));
+        const int64_t his = last(*m_boris);
+        const QStringList before = snapshot();
+        ORVO_OK(undo(*m_boris, {hers, his}, {}, &done));
+        QVERIFY2(!done.written && done.asks(), qPrintable(told(done)));
+        isTold(done, "^Не удалено: ");
+        QCOMPARE(snapshot(), before);
+        Choices choices;
+        choices.partly = true;
+        ORVO_OK(undo(*m_boris, {hers, his}, choices, &done));
+        QCOMPARE(snapshot(), whole);
+    }
+}
+
+void TestHistoryPlaces::anActionThatStaysAsAWholeIsNotTakenBack() {
+    ORVO_OK(Batch("Menu").insert("p", {{"FolderKey", "d"}, {"caption", "П"}}).send(*m_anna));
+    const int64_t making = last(*m_anna);
+    ORVO_OK(Batch("Menu").insert("k", {{"FolderKey", "d"}, {"parent", "p"}}).send(*m_boris));
+    const int64_t renaming = rename(*m_anna, "c", "Г");
+    Choices choices;
+    choices.partly = true;
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {making, renaming}, choices, &done));
+    QVERIFY(done.written);
+    QCOMPARE(done.undoes, std::vector<int64_t>{renaming});
+    ORVO_OK(Batch("Menu").remove("k").send(*m_boris));
+    ORVO_OK(undo(*m_anna, {making}, {}, &done));
+    QVERIFY2(done.written, qPrintable(told(done)));
+    QCOMPARE(snapshot().filter("\"p\"").size(), 0);
 }
 
 void TestHistoryPlaces::thereIsNoTopWhereNothingCanStand() {

@@ -787,7 +787,7 @@ void TestHistoryUndo::whoDidItAgainHasNotBuiltOnIt() {
     Inverse done;
     ORVO_OK(undo(*m_anna, {annas}, choices, &done));
     ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
-    ORVO_OK(undo(*m_anna, {annas}, {}, &done));
+    ORVO_OK(undo(*m_boris, {annas}, {}, &done)); // who was not asked yet
     QVERIFY2(remarks(done).join('\n').contains("на этом построено другое (boris, "),
              qPrintable(remarks(done).join('\n')));
 }
