@@ -38,7 +38,7 @@ Planning::Planning(store::MaintainedStore& store, const Standing& standing, cons
     , m_choices(choices)
     , m_selection(selection)
     , m_inverse(inverse)
-    , m_answered(selection.only ? 0 : standing.lastAnswer(inverse.undoes))
+    , m_answered(selection.only ? 0 : standing.lastAnswer(inverse.undoes, store.login()))
     , m_concerned(concernedBy(standing, inverse.undoes, m_answered)) {}
 
 /// Whether a change has a say in what its record should be.
@@ -256,11 +256,14 @@ store::Status Planning::decide() {
             } else if (record.present && record.wasMadeOrDeleted) {
                 record.flag = MDX_DELETE;
                 const Event* const since = builtOnSince(record);
+                const bool isAnswered = since && holdsAgain(*since);
                 for (const Event& event : record.events)
-                    if (since && event.change->id > since->change->id && counts(event) &&
-                        !isConcerned(event) && !event.after.empty() && !isLockOnly(*event.change))
+                    if (since && event.change->id > since->change->id && isLaterWork(event) &&
+                        (isAnswered || counts(event)) && !event.after.empty() &&
+                        !isLockOnly(*event.change))
                         record.builtOn = event.change;
             }
+            record.isWanted = record.flag != 0;
         }
     }
     return {};
@@ -320,6 +323,7 @@ void Planning::compose() {
         part(*table, MDX_DELETE);
     forgetLockActions();
     forgetWhatStays();
+    forgetRemarksOfDeleted();
     tellNothingLeft();
     if (!m_leftOut)
         return;
@@ -335,28 +339,39 @@ void Planning::compose() {
 void Planning::forgetWhatStays() {
     if (m_inverse.count == 0)
         return;
-    std::map<int64_t, std::pair<bool, bool>> groups; // whether something goes, or stays
+    std::map<int64_t, std::pair<bool, bool>> groups; // whether something goes, or was left out
     for (const auto& [table, records] : m_records)
         for (const auto& [key, record] : records)
             for (const Event& event : record.events) {
                 auto& [goes, stays] = groups[event.change->group];
                 goes = goes || record.flag != 0;
-                stays = stays || (record.flag == 0 && record.present != record.presentThen &&
-                                  table != &store::contentTable());
+                stays = stays || (record.flag == 0 && record.isWanted);
             }
-    std::vector<int64_t> undoes;
-    for (const int64_t group : m_inverse.undoes) {
+    const auto staysWhole = [&](int64_t group) {
         bool goes = false, stays = false;
         for (const int64_t one : m_standing.concerned({group}))
             if (const auto found = groups.find(one); found != groups.end()) {
                 goes = goes || found->second.first;
                 stays = stays || found->second.second;
             }
-        if (goes || !stays)
-            undoes.push_back(group);
-    }
-    if (!undoes.empty()) // else they are taken back in what went along
-        m_inverse.undoes = std::move(undoes);
+        return stays && !goes;
+    };
+    std::vector<int64_t>& undoes = m_inverse.undoes;
+    undoes.erase(std::remove_if(undoes.begin(), undoes.end(), staysWhole), undoes.end());
+}
+
+/// Of what goes nothing is left as it is.
+void Planning::forgetRemarksOfDeleted() {
+    std::vector<Remark>& remarks = m_inverse.remarks;
+    remarks.erase(std::remove_if(remarks.begin(), remarks.end(),
+                                 [&](const Remark& one) {
+                                     const Record* const record =
+                                         one.why == Remark::ChangedSince
+                                             ? planned(*one.table, store::foldedKey(one.key))
+                                             : nullptr;
+                                     return record && record->flag == MDX_DELETE;
+                                 }),
+                  remarks.end());
 }
 
 void Planning::tellNothingLeft() {

@@ -90,6 +90,7 @@ private:
         Values now;
         Values then;                            ///< until they are in `values`
         int flag = 0;                           ///< what is to be done; 0: nothing
+        bool isWanted = false;                  ///< there was a flag before any was left out
         int64_t version = 0;                    ///< of a content: whose bytes it is to have
         Values values;                          ///< to be written
         const store::Change* builtOn = nullptr; ///< somebody's change of what is to be deleted
@@ -119,6 +120,7 @@ private:
     /// The change by which such an undo has deleted that, or taken it out of what it deleted, with
     /// the work of others; 0: none did, or somebody has changed it since.
     int64_t wentAlong(const Record* below, int link) const;
+    bool isLaterWork(const Event& event) const;
     /// Adds of these forms and files, by folded key, the last change of others to what they hold.
     store::Status uploadsInto(const std::vector<std::string>& keys,
                               std::map<std::string, int64_t>* last);
@@ -188,6 +190,7 @@ private:
     /// Actions that did nothing but that are not counted as taken back.
     void forgetLockActions();
     void forgetWhatStays();
+    void forgetRemarksOfDeleted();
 
     /// What will have become of the resource of a content.
     enum class Owner {
@@ -275,6 +278,7 @@ private:
     void moveAlong(Record& record, int field, store::Value value);
     /// Until it is found anew what goes back with which cut.
     void forgetMovedAlong();
+    bool keepAlong();
     /// Moves the values into the writes.
     void part(const store::TableDef& table, int flag);
 
@@ -301,7 +305,9 @@ private:
         Record* record;
         store::Change moving; ///< what is made up for
     };
-    std::vector<MovedBack> m_movedBack;     ///< of m_movedAlong
+    std::vector<MovedBack> m_movedBack; ///< of m_movedAlong
+    /// What others have put there, and goes only with that record, which has this flag then.
+    std::map<Record*, std::pair<const Record*, int>> m_along;
     std::set<const Record*> m_stayingBelow; ///< what a cut has made; or what is above it
     bool m_foundUploads = false;
     int64_t m_forgotten = 0;                  ///< versions of changes up to this one may be missing

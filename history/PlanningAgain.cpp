@@ -23,11 +23,16 @@ bool Planning::holdsAgain(const Event& event) const {
            event.change->login == m_store.login();
 }
 
+/// Of others an undo or a lock as well: they have it in hand.
+bool Planning::isLaterWork(const Event& event) const {
+    return !isConcerned(event) && (counts(event) || event.change->login != m_store.login());
+}
+
 int64_t Planning::wentAlong(const Record* below, int link) const {
     int64_t went = 0;
     for (const Event& event : below ? below->events : std::vector<Event>())
-        if (!isConcerned(event))
-            went = counts(event) && !isLockOnly(*event.change) ? 0 : went;
+        if (isLaterWork(event))
+            went = 0;
         else if (holdsAgain(event) &&
                  (event.change->code == OrvoEventDelete ||
                   (event.change->code == OrvoEventUpdate && event.after.count(link) != 0)))
@@ -61,7 +66,7 @@ store::Status Planning::uploadsInto(const std::vector<std::string>& keys,
     if (status.ok() && !all.empty())
         status = m_store.changesSince(contents, all, m_standing.begin() - 1, &changes);
     for (const store::Change& change : changes)
-        if (const Event event{&change, {}, {}}; !isConcerned(event) && counts(event))
+        if (const Event event{&change, {}, {}}; isLaterWork(event))
             (*last)[owners[store::foldedKey(change.key)]] = change.id;
     return status;
 }

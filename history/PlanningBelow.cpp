@@ -209,6 +209,9 @@ store::Status Planning::lookBelow(const store::TableDef& table, const Link& link
         m_kept.insert(&record);
         *changed = true;
     }
+    deeper.erase(std::remove_if(deeper.begin(), deeper.end(),
+                                [](const Inside& one) { return one.above->flag == 0; }),
+                 deeper.end()); // it stays, so what is in it does
     if (status.ok() && !deeper.empty())
         status = clear(*link.below, deeper, &older, changed);
     for (const Inside& one : older) {
@@ -333,6 +336,23 @@ store::Status Planning::keepFolders(bool* changed) {
     return status;
 }
 
+/// What goes only because of what it stands in stays with that. Whether there was any.
+bool Planning::keepAlong() {
+    const store::TableDef& elements = *store::findTable(table::Menu);
+    const int resource = elements.find(field::MenuResourceKey);
+    bool any = false;
+    for (const auto& [record, cause] : m_along) {
+        const auto& [above, flag] = cause;
+        const bool goes =
+            above->flag == flag && (flag == MDX_DELETE || above->values.count(resource) != 0);
+        if (goes || record->flag != MDX_DELETE)
+            continue;
+        record->flag = 0;
+        any = true;
+    }
+    return any;
+}
+
 store::Status Planning::keepWhatIsBuiltOn(bool* changed) {
     const bool isAlone = m_alone && m_kept.empty();
     if (!isAlone && !std::exchange(m_foundUploads, true))
@@ -341,7 +361,7 @@ store::Status Planning::keepWhatIsBuiltOn(bool* changed) {
             !uploads.ok())
             return uploads;
     for (bool again = true; again;) {
-        again = false;
+        again = keepAlong();
         forgetMovedAlong();
         // Deletions that are added join in the next round.
         std::map<const store::TableDef*, std::vector<std::string>> deleted;

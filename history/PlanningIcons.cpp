@@ -163,6 +163,11 @@ store::Status Planning::keepIcons() {
             name != before.end() && names.count(store::textOf(name->second)) != 0)
             taking[store::textOf(name->second)] = &change;
     }
+    for (const auto& [key, file] : m_records[&files]) // or goes back to another name itself
+        if (const auto name = file.now.find(files.find(field::name_));
+            file.flag == MDX_UPDATE && name != file.now.end() && !file.events.empty() &&
+            names.count(store::textOf(name->second)) != 0)
+            taking[store::textOf(name->second)] = file.events.back().change;
     for (const auto& [name, change] : taking)
         for (const Wanted& one : wanted[name]) {
             const bool isStored = one.record->flag == MDX_UPDATE;

@@ -135,9 +135,11 @@ store::Status Planning::clear(const store::TableDef& table, const std::vector<In
         Former former;
         status = formerPlaces(table, *records[i], since, &former);
         bool moved = false;
-        if (status.ok() && !former.isOlder)
+        if (status.ok() && !former.isOlder) {
             deleted.push_back(keys[i]);
-        else if (status.ok())
+            m_along[records[i]] = {inside[i].above, inside[i].above->flag};
+        }
+        if (status.ok() && former.isOlder)
             status = moveBack(table, *records[i], former, &moved);
         if (status.ok() && former.isOlder && !moved)
             staying->push_back({keys[i], inside[i].above, records[i]});

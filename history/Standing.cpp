@@ -7,6 +7,7 @@ namespace orvo::history {
 
 store::Status Standing::read(store::MaintainedStore& store, const std::vector<int64_t>& groups) {
     m_undoes.clear();
+    m_logins.clear();
     m_begin = groups.empty() ? 0 : *std::min_element(groups.begin(), groups.end());
     for (int64_t before = 0; before != m_begin;) {
         before = m_begin;
@@ -19,6 +20,7 @@ store::Status Standing::read(store::MaintainedStore& store, const std::vector<in
             return status;
         for (const store::Change& change : changes) {
             m_undoes[change.group] = change.undoes;
+            m_logins[change.group] = change.login;
             for (const int64_t group : change.undoes)
                 m_begin = std::min(m_begin, group);
         }
@@ -43,12 +45,16 @@ int64_t Standing::undoneBy(int64_t group) const {
     return 0;
 }
 
-int64_t Standing::lastAnswer(const std::vector<int64_t>& groups) const {
+int64_t Standing::lastAnswer(const std::vector<int64_t>& groups, const std::string& login) const {
     const std::set<int64_t> asked(groups.begin(), groups.end());
-    for (auto undoing = m_undoes.rbegin(); undoing != m_undoes.rend(); ++undoing)
-        if (!stands(undoing->first) &&
-            std::set<int64_t>(undoing->second.begin(), undoing->second.end()) == asked)
-            return undoing->first;
+    for (auto undoing = m_undoes.rbegin(); undoing != m_undoes.rend(); ++undoing) {
+        const int64_t group = undoing->first;
+        if (stands(group) ||
+            std::set<int64_t>(undoing->second.begin(), undoing->second.end()) != asked)
+            continue;
+        const int64_t by = undoneBy(group);
+        return by != 0 && m_logins.at(group) == login && m_logins.at(by) == login ? group : 0;
+    }
     return 0;
 }
 

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <map>
 #include <set>
+#include <string>
 #include <vector>
 
 namespace orvo::history {
@@ -37,14 +38,16 @@ public:
         const auto undoing = m_undoes.find(group);
         return undoing == m_undoes.end() ? std::vector<int64_t>() : undoing->second;
     }
-    /// The newest group that took back these and no others, and does not stand; 0: none.
-    int64_t lastAnswer(const std::vector<int64_t>& groups) const;
+    /// The newest group of that login that took back these and no others, and that the same login
+    /// has taken back; 0: none.
+    int64_t lastAnswer(const std::vector<int64_t>& groups, const std::string& login) const;
     /// These groups, the ones that they take back, the ones that those take back and so on.
     std::set<int64_t> concerned(const std::vector<int64_t>& groups) const;
 
 private:
     int64_t m_begin = 0;
     std::map<int64_t, std::vector<int64_t>> m_undoes; ///< by the group that takes back
+    std::map<int64_t, std::string> m_logins;          ///< of the same groups
     std::set<int64_t> m_off;
 };
 

@@ -229,15 +229,11 @@ void TestHistoryLocks::nobodysWorkTakesAFormAlongThatAnotherHolds() {
     choices.othersWorkToo = true;
     Inverse done;
     ORVO_OK(undo(*m_anna, {made}, choices, &done));
-    QVERIFY(done.written);
+    QVERIFY(!done.written);
     QCOMPARE(remarks(done).size(), 1);
     QVERIFY2(remarks(done).front().startsWith("Оставлено как есть: форма «c_»: занята (Boris, "),
              qPrintable(remarks(done).front()));
-    QCOMPARE(snapshot().filter("\"c_\"").filter("|\"ub\"|").size(), 1);
-    QCOMPARE(snapshot().filter("MenuResourceFolder|"), before.filter("MenuResourceFolder|"));
-    QCOMPARE(snapshot().filter("\"b_\""), QStringList());
-    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
-    QCOMPARE(snapshot(), before);
+    QCOMPARE(snapshot(), before); // what stands in the same folder stays with it
 }
 
 void TestHistoryLocks::aLockThatIsTakenMeanwhileOutdatesThePlan() {

@@ -36,6 +36,7 @@ private slots:
     void aFormIntoWhichOthersPutFilesSinceDoesNotGoAgain();
     void whatComesBackIsNotLeftNowhere();
     void anActionThatStaysAsAWholeIsNotTakenBack();
+    void whatStandsInWhatStaysStays();
     void thereIsNoTopWhereNothingCanStand();
     void aChosenPlaceThatDoesNotFitIsNamed();
     void aFolderOnAnotherDesktopIsNotCalledDeleted();
@@ -272,9 +273,7 @@ void TestHistoryPlaces::whatElementsStillOpenStays() {
     ORVO_OK(Batch("Menu").update("a", {{"MenuResourceKey", "n2"}}).send(*m_anna));
     ORVO_OK(undo(*m_anna, {folder}, choices, &done));
     isTold(done, "^Не удалено: [^\n]* «n2»: на это ссылается элемент меню «А»$");
-    QCOMPARE(snapshot().filter("MenuResource|\"m2\"").size(), 0);
-    QCOMPARE(snapshot().filter("\"g\"").size(), 2); // the folder, and what is in it
-    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    QVERIFY(!done.written); // the other one stays with the folder
 
     // Elements that go as well need nothing.
     ORVO_OK(Batch("Menu").update("c", {{"MenuResourceKey", ""}}).send(*m_boris));
@@ -376,6 +375,10 @@ void TestHistoryPlaces::whatWentAlongOnceGoesAgainWithoutAQuestion() {
     const int64_t back = last(*m_anna);
     ORVO_OK(planInverse(*m_boris, {making}, {}, &done)); // nobody has asked him
     QVERIFY(done.asks());
+    ORVO_OK(undo(*m_anna, {back}, {}, &done));
+    ORVO_OK(undo(*m_boris, {last(*m_anna)}, {}, &done)); // he wants his work
+    ORVO_OK(planInverse(*m_anna, {making}, {}, &done));
+    QVERIFY(done.asks());
     ORVO_OK(Batch("Menu").update("p", {{"params", "снова"}}).send(*m_boris));
     ORVO_OK(undo(*m_anna, {back}, {}, &done));
     QVERIFY(!done.written && done.asks());
@@ -437,6 +440,20 @@ void TestHistoryPlaces::aFormIntoWhichOthersPutFilesSinceDoesNotGoAgain() {
         QCOMPARE(snapshot(), before);
         ORVO_OK(undo(*m_boris, {last(*m_boris)}, {}, &done));
     }
+    ORVO_OK(Batch("Users").insert("ub", {{"login_", "boris"}}).send(*m_anna));
+    const QByteArray form = snapshot().filter("MenuResource|").first().split('"').at(1).toUtf8();
+    ORVO_OK(Batch("MenuResource")
+                .update(form, {{"UsersKey", "ub"}, {"dateTimeEdit", 1700000000.0}})
+                .send(*m_boris));
+    const QStringList held = snapshot();
+    ORVO_OK(undo(*m_anna, {back}, {}, &done));
+    QVERIFY2(!done.written && done.asks(), qPrintable(told(done)));
+    QCOMPARE(snapshot(), held);
+    ORVO_OK(m_boris->formPut("П", {{"П", "y_", "first", {}}})); // which stays with the one held
+    const QStringList both = snapshot();
+    ORVO_OK(undo(*m_anna, {making}, choices, &done));
+    QVERIFY2(!done.written, qPrintable(told(done)));
+    QCOMPARE(snapshot(), both);
 }
 
 /// Two actions of which the one takes away what the other, done again, stands in or names.
@@ -497,6 +514,51 @@ void TestHistoryPlaces::anActionThatStaysAsAWholeIsNotTakenBack() {
     ORVO_OK(undo(*m_anna, {making}, {}, &done));
     QVERIFY2(done.written, qPrintable(told(done)));
     QCOMPARE(snapshot().filter("\"p\"").size(), 0);
+
+    // Nor one whose former place is gone.
+    ORVO_OK(Batch("Menu").update("b", {{"parent", ""}}).send(*m_anna));
+    const int64_t moving = last(*m_anna);
+    const int64_t again = rename(*m_anna, "c", "Д");
+    ORVO_OK(Batch("Menu").remove("a").send(*m_boris));
+    ORVO_OK(undo(*m_anna, {moving, again}, choices, &done));
+    QCOMPARE(done.undoes, std::vector<int64_t>{again});
+    ORVO_OK(undo(*m_boris, {last(*m_boris)}, {}, &done));
+    ORVO_OK(undo(*m_anna, {moving}, {}, &done));
+    QVERIFY2(done.written, qPrintable(told(done)));
+    QCOMPARE(fieldOf("b", "parent"), QString("a"));
+}
+
+/// The work of others that would go with it stays with what it stands in.
+void TestHistoryPlaces::whatStandsInWhatStaysStays() {
+    ORVO_OK(Batch("Menu").insert("p", {{"FolderKey", "d"}, {"caption", "П"}}).send(*m_anna));
+    const int64_t making = last(*m_anna);
+    ORVO_OK(Batch("Menu").insert("k", {{"FolderKey", "d"}, {"parent", "p"}}).send(*m_boris));
+    ORVO_OK(Batch("Menu").insert("l", {{"FolderKey", "d"}, {"parent", "p"}}).send(*m_boris));
+    Choices choices;
+    choices.othersWorkToo = true;
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {making}, choices, &done));
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    const int64_t back = last(*m_anna);
+    ORVO_OK(Batch("Menu").update("l", {{"params", "1"}}).send(*m_boris));
+    ORVO_OK(undo(*m_boris, {last(*m_boris)}, {}, &done)); // has it in hand all the same
+    const QStringList before = snapshot();
+    ORVO_OK(planInverse(*m_anna, {back}, {}, &done));
+    QVERIFY2(done.asks() && done.count == 0, qPrintable(told(done)));
+
+    // Nor does another's go if what comes back keeps that.
+    ORVO_OK(Batch("Menu").insert("q", {{"FolderKey", "d"}}).send(*m_anna));
+    const int64_t other = last(*m_anna);
+    ORVO_OK(Batch("Menu")
+                .insert("r", {{"FolderKey", "d"}, {"parent", "q"}})
+                .insert("i", {{"FolderKey", "d"}, {"parent", "r"}})
+                .send(*m_boris));
+    ORVO_OK(Batch("Menu").insert("m", {{"FolderKey", "d"}, {"parent", "q"}}).send(*m_boris));
+    const QStringList whole = snapshot();
+    ORVO_OK(undo(*m_boris, {last(*m_boris)}, {}, &done));
+    choices.partly = true;
+    ORVO_OK(undo(*m_boris, {other, last(*m_boris)}, choices, &done));
+    QCOMPARE(snapshot(), whole);
 }
 
 void TestHistoryPlaces::thereIsNoTopWhereNothingCanStand() {
