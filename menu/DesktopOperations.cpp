@@ -37,7 +37,7 @@ namespace {
 QString addPasted(const orvo::editor::RecordFields& fields, const QString& parent,
                   const MDRData* source, const QString& name, const char* orderClass,
                   ScratchTable& desktops) {
-    const QString key = QString::fromLatin1(GenGuid32());
+    QString key = QString::fromLatin1(GenGuid32());
     orvo::RowWriter row = desktops.add(MDX_INSERT);
     row.text(orvo::field::KeyLink, key);
     if (orvo::sameText(parent, QString::fromLatin1(desckRootKey)))

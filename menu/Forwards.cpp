@@ -67,6 +67,7 @@ void OrvoMenu::on_actMoveDown_triggered() {
     m_order.swapWithNeighbour(1);
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the published interface has it so
 void OrvoMenu::on_menu_dragdrop(const QModelIndex& destindex, QStringList srcList, int option) {
     m_order.drop(destindex, srcList, option);
 }

@@ -164,7 +164,7 @@ bool FolderMoves::isTopFolder(const QModelIndex& row) const {
 QString FolderMoves::refusal(const QStringList& keys, const QModelIndex& target) const {
     for (const QString& key : keys) {
         const QModelIndex row = m_parts.tree->findIndexByKey(key);
-        const QString reason = row.isValid() ? refusal(row, target) : QString();
+        QString reason = row.isValid() ? refusal(row, target) : QString();
         if (!reason.isEmpty())
             return reason;
     }

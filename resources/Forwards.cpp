@@ -22,6 +22,7 @@ void OrvoResources::on_actPaste_triggered() {
     m_moves.paste(m_ui->tvRes->currentIndex());
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the published interface has it so
 void OrvoResources::on_res_dragdrop(const QModelIndex& destindex, QStringList srcList) {
     m_moves.drop(destindex, srcList);
 }
