@@ -124,8 +124,8 @@ store::Status Planning::keepUsedIcons(bool* changed) {
 }
 
 store::Status Planning::keepIcons() {
-    if (m_alone && m_kept.empty() && m_unplaced.empty())
-        return {};
+    if (m_alone && m_kept.empty() && m_unplaced.empty() && m_inverse.undoes.size() < 2)
+        return {}; // of several one may take the name away that another brings back
     struct Wanted {
         const store::TableDef* table;
         Record* record;

@@ -35,6 +35,7 @@ private slots:
     void whatWentAlongSeveralLevelsDeepGoesAgain();
     void aFormIntoWhichOthersPutFilesSinceDoesNotGoAgain();
     void whatComesBackIsNotLeftNowhere();
+    void anIconThatGoesBackToAnotherNameIsTold();
     void anActionThatStaysAsAWholeIsNotTakenBack();
     void whatStandsInWhatStaysStays();
     void thereIsNoTopWhereNothingCanStand();
@@ -497,6 +498,23 @@ void TestHistoryPlaces::whatComesBackIsNotLeftNowhere() {
         ORVO_OK(undo(*m_boris, {hers, his}, choices, &done));
         QCOMPARE(snapshot(), whole);
     }
+}
+
+void TestHistoryPlaces::anIconThatGoesBackToAnotherNameIsTold() {
+    ORVO_OK(Batch("MenuResourceFolder")
+                .insert("i", {{"type_", 4}, {"caption", "icons"}})
+                .send(*m_anna));
+    ORVO_OK(Batch("MenuResource")
+                .insert("f", {{"type_", 4}, {"name_", "a.png"}, {"MenuResourceFolderKey", "i"}})
+                .send(*m_anna));
+    ORVO_OK(Batch("MenuResource").update("f", {{"name_", "b.png"}}).send(*m_anna));
+    const int64_t renaming = last(*m_anna);
+    ORVO_OK(Batch("Menu").insert("k", {{"FolderKey", "d"}, {"ico", "b.png"}}).send(*m_boris));
+    Inverse done;
+    ORVO_OK(undo(*m_boris, {last(*m_boris)}, {}, &done));
+    ORVO_OK(undo(*m_anna, {renaming, last(*m_boris)}, {}, &done));
+    QVERIFY(done.written);
+    isTold(done, "^Возвращено без картинки: [^\n]*: файла значка «b.png» больше нет");
 }
 
 void TestHistoryPlaces::anActionThatStaysAsAWholeIsNotTakenBack() {
