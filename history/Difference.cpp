@@ -15,11 +15,6 @@ namespace orvo::history {
 
 namespace {
 
-std::string textAt(const Values& values, int field) {
-    const auto found = values.find(field);
-    return found == values.end() ? std::string() : store::textOf(found->second);
-}
-
 void addBranch(const Installation& installation, const RecordKey& top, std::set<RecordKey>* found) {
     const Children children = childrenIn(installation);
     std::set<RecordKey> seen; // below what was found in the other installation there may be more

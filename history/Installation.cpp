@@ -18,11 +18,6 @@ const std::string nothing;
 /// So many bytes are believed to come when they are announced.
 constexpr int64_t mostReserved = int64_t(1) << 30;
 
-std::string textAt(const Values& values, int field) {
-    const auto found = values.find(field);
-    return found == values.end() ? std::string() : store::textOf(found->second);
-}
-
 } // namespace
 
 const Installation::Records& Installation::records(const store::TableDef& table) const {

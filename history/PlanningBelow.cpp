@@ -117,9 +117,7 @@ store::Status Planning::changeDesktop(const std::vector<std::string>& tops, cons
     const store::TableDef& elements = *store::findTable(table::Menu);
     const int desktop = elements.find(field::FolderKey);
     const auto keyIn = [&](const Values& values) {
-        const auto found = values.find(desktop);
-        return found == values.end() ? std::string()
-                                     : store::foldedKey(store::textOf(found->second));
+        return store::foldedKey(textAt(values, desktop));
     };
     const std::string from = keyIn(of.made->now);
     if (from.empty() || keyIn(of.origin->values) == from)
@@ -273,10 +271,6 @@ store::Status Planning::keepFolders(bool* changed) {
         return {};
     const int resource = elements.find(field::MenuResourceKey);
     const int parent = elements.find(field::parent);
-    const auto textAt = [](const Values& values, int field) {
-        const auto found = values.find(field);
-        return found == values.end() ? std::string() : store::textOf(found->second);
-    };
     std::vector<std::string> leaves;
     for (const auto& [key, record] : planned->second)
         if (record.flag == MDX_UPDATE && !textAt(record.values, resource).empty() &&

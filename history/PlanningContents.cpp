@@ -211,9 +211,7 @@ void Planning::echoResources() {
         // Under a lock that is taken meanwhile nothing is to change, either: the echo would meet
         // it.
         const Values& values = content.present ? content.now : content.values;
-        const auto link = values.find(owner);
-        const std::string resource =
-            link == values.end() ? std::string() : store::textOf(link->second);
+        const std::string resource = textAt(values, owner);
         const Record* other = planned(resources, store::foldedKey(resource));
         if (store::isKey(resource) && (!other || other->flag == 0) &&
             echoed.insert(store::foldedKey(resource)).second)

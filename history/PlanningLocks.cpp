@@ -36,8 +36,7 @@ std::string Planning::ownerKey(const Record& content) const {
     const Values& values = content.present          ? content.now
                            : content.values.empty() ? content.then
                                                     : content.values;
-    const auto link = values.find(store::contentTable().find(field::MenuResourceKey));
-    return link == values.end() ? std::string() : store::foldedKey(store::textOf(link->second));
+    return store::foldedKey(textAt(values, store::contentTable().find(field::MenuResourceKey)));
 }
 
 store::Status Planning::keepLocked() {
@@ -140,10 +139,8 @@ void Planning::keepRights() {
         if (!isMade && record.flag != MDX_DELETE)
             continue;
         const Values& values = isMade ? record.values : record.now;
-        const auto login = values.find(users.find(field::login_));
         remark(isMade ? Remark::NoRights : Remark::RightsStay, users, record);
-        m_inverse.remarks.back().missing =
-            login == values.end() ? std::string() : store::textOf(login->second);
+        m_inverse.remarks.back().missing = textAt(values, users.find(field::login_));
         if (!isMade)
             record.flag = 0;
     }

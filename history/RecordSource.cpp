@@ -34,6 +34,11 @@ std::string jsonOf(const store::TableDef& table, const Values& values) {
     return QJsonDocument(object).toJson(QJsonDocument::Compact).toStdString();
 }
 
+std::string textAt(const Values& values, int field) {
+    const auto found = values.find(field);
+    return found == values.end() ? std::string() : store::textOf(found->second);
+}
+
 const store::TableDef* tableOf(const std::string& name) {
     return name == store::contentTable().name ? &store::contentTable() : store::findTable(name);
 }

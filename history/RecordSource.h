@@ -26,6 +26,9 @@ std::vector<store::ParentField> linksAbove(const store::TableDef& table);
 /// The same from above: the fields that place others below a record, and their tables.
 std::vector<store::ParentField> linksBelow(const store::TableDef& table);
 
+/// The text of that field; empty if it is NULL or missing.
+std::string textAt(const Values& values, int field);
+
 /// The values as the change log holds them.
 std::string jsonOf(const store::TableDef& table, const Values& values);
 

@@ -14,8 +14,7 @@ namespace orvo::app {
 namespace {
 
 std::string textIn(const store::TableDef& table, const history::Values& values, const char* field) {
-    const auto found = values.find(table.find(field));
-    return found == values.end() ? std::string() : store::textOf(found->second);
+    return history::textAt(values, table.find(field));
 }
 
 HistoryRecord recordOf(const store::Change& change, history::RecordSource& source) {
