@@ -15,8 +15,6 @@ namespace orvo::editor {
 namespace {
 
 constexpr char iconRow[] = "icon";
-constexpr int valueColumn = 1;
-constexpr int nameColumn = 4;
 
 } // namespace
 
@@ -60,7 +58,8 @@ void EditorWindow::refreshPassport(const QModelIndex& row, const RecordFields& f
         if (!field.isEditable())
             continue;
         const QString name = QString::fromLatin1(field.passport.row);
-        const QModelIndex cell = m_propModel->findIndexByKey(name).siblingAtColumn(valueColumn);
+        const QModelIndex cell =
+            m_propModel->findIndexByKey(name).siblingAtColumn(PropColumn::Value);
         const QVariant value = row.siblingAtColumn(field.column).data();
         if (cell.data() == value || !m_propModel->setRowValue(name, value))
             continue;
@@ -127,7 +126,7 @@ void EditorWindow::writeToSelected(ScratchTable& out, const QString& key, const 
 
 void EditorWindow::bindApplyToAll(const QStringList& singular) {
     const auto rowName = [this] {
-        return m_passportView->currentIndex().siblingAtColumn(nameColumn).data().toString();
+        return m_passportView->currentIndex().siblingAtColumn(PropColumn::Name).data().toString();
     };
     const auto may = [this, singular, rowName] {
         const SelectedRecords all = m_selected();

@@ -12,11 +12,6 @@
 namespace orvo::editor {
 namespace {
 
-constexpr int valueColumn = 1;
-constexpr int editorColumn = 2;
-constexpr int readOnlyColumn = 3;
-constexpr int nameColumn = 4;
-
 bool movesTheCurrentRow(int key) {
     switch (key) {
     case Qt::Key_Up:
@@ -43,7 +38,7 @@ bool isByKey(const QFocusEvent& event) {
 }
 
 bool hasEditor(const QModelIndex& value) {
-    return value.isValid() && value.siblingAtColumn(editorColumn).data().isValid();
+    return value.isValid() && value.siblingAtColumn(PropColumn::Editor).data().isValid();
 }
 
 } // namespace
@@ -72,7 +67,7 @@ bool PassportKeys::hasFocus() const {
 void PassportKeys::rememberRow() {
     const QModelIndex value = currentValue();
     if (hasFocus() && hasEditor(value))
-        m_row = value.siblingAtColumn(nameColumn).data().toString();
+        m_row = value.siblingAtColumn(PropColumn::Name).data().toString();
     else if (!hasFocus())
         m_row.clear();
 }
@@ -83,7 +78,7 @@ void PassportKeys::returnToRow() {
         return;
     const QModelIndex row = model->findIndexByKey(m_row);
     if (row.isValid())
-        goTo(row.siblingAtColumn(valueColumn), false);
+        goTo(row.siblingAtColumn(PropColumn::Value), false);
     m_row.clear();
 }
 
@@ -106,7 +101,7 @@ void PassportKeys::getKeysFirst() {
 }
 
 bool PassportKeys::isOfType(const QModelIndex& value, int type) {
-    return hasEditor(value) && value.siblingAtColumn(editorColumn).data().toInt() == type;
+    return hasEditor(value) && value.siblingAtColumn(PropColumn::Editor).data().toInt() == type;
 }
 
 bool PassportKeys::mayWrite() const {
@@ -114,7 +109,7 @@ bool PassportKeys::mayWrite() const {
 }
 
 QModelIndex PassportKeys::currentValue() const {
-    return m_view->currentIndex().siblingAtColumn(valueColumn);
+    return m_view->currentIndex().siblingAtColumn(PropColumn::Value);
 }
 
 bool PassportKeys::mayEdit() const {
@@ -123,16 +118,16 @@ bool PassportKeys::mayEdit() const {
 
 QModelIndex PassportKeys::nextValue(const QModelIndex& from, int by) const {
     const auto isWanted = [](const QModelIndex& value) {
-        return hasEditor(value) && !value.siblingAtColumn(readOnlyColumn).data().toBool();
+        return hasEditor(value) && !value.siblingAtColumn(PropColumn::ReadOnly).data().toBool();
     };
     QModelIndex row = from.siblingAtColumn(0);
     if (!row.isValid() && m_view->model())
         row = m_view->model()->index(0, 0);
     else
         row = by > 0 ? m_view->indexBelow(row) : m_view->indexAbove(row);
-    while (row.isValid() && !isWanted(row.siblingAtColumn(valueColumn)))
+    while (row.isValid() && !isWanted(row.siblingAtColumn(PropColumn::Value)))
         row = by > 0 ? m_view->indexBelow(row) : m_view->indexAbove(row);
-    return row.siblingAtColumn(valueColumn);
+    return row.siblingAtColumn(PropColumn::Value);
 }
 
 bool PassportKeys::step(int by) {
@@ -163,7 +158,7 @@ void PassportKeys::editRow(const QString& rowName) {
     const auto* model = qobject_cast<const PropModel*>(m_view->model());
     const QModelIndex row = model ? model->findIndexByKey(rowName) : QModelIndex();
     if (row.isValid() && mayWrite())
-        goTo(row.siblingAtColumn(valueColumn), true);
+        goTo(row.siblingAtColumn(PropColumn::Value), true);
 }
 
 void PassportKeys::chooseValue() {
@@ -199,7 +194,8 @@ bool PassportKeys::eventFilter(QObject* watched, QEvent* event) {
             const auto* press = static_cast<QMouseEvent*>(event);
             const QModelIndex at = m_view->indexAt(press->pos());
             const QRect cell = m_view->visualRect(at);
-            const bool onButton = at.column() == valueColumn && isOfType(at, MyEditorButton) &&
+            const bool onButton = at.column() == PropColumn::Value &&
+                                  isOfType(at, MyEditorButton) &&
                                   press->button() == Qt::LeftButton && mayWrite() &&
                                   press->pos().x() >= cell.right() - cell.height();
             m_pressed = onButton ? at : QModelIndex();
@@ -236,7 +232,7 @@ bool PassportKeys::viewKey(QKeyEvent& event) {
     if (!isPlain(event) || event.text().isEmpty() || !event.text().at(0).isPrint())
         return false;
     // A letter opens the field and is its first one, wherever in the row the cursor is.
-    if (mayEdit() && m_view->currentIndex().column() != valueColumn)
+    if (mayEdit() && m_view->currentIndex().column() != PropColumn::Value)
         goTo(currentValue(), false);
     return !mayEdit();
 }
@@ -248,7 +244,7 @@ void PassportKeys::moveCurrent(QKeyEvent& event) {
     static_cast<QObject*>(m_view)->event(&event);
     m_view->setEditTriggers(triggers);
     const QModelIndex now = m_view->currentIndex();
-    if (now != before && now.column() == valueColumn && mayEdit())
+    if (now != before && now.column() == PropColumn::Value && mayEdit())
         m_view->edit(now);
 }
 

@@ -23,11 +23,11 @@ QVariant cell(const QModelIndex& index, int column) {
 }
 
 int editorType(const QModelIndex& index) {
-    return cell(index, 2).toInt();
+    return cell(index, PropColumn::Editor).toInt();
 }
 
 QString rowName(const QModelIndex& index) {
-    return cell(index, 4).toString();
+    return cell(index, PropColumn::Name).toString();
 }
 
 /// Left edge of a check indicator in the middle of a cell.
@@ -55,12 +55,12 @@ QWidget* PasspDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem
     if (!isValueCell(index))
         return nullptr;
     // A screen reader names a field by the row's caption.
-    const QString caption = cell(index, 0).toString();
+    const QString caption = cell(index, PropColumn::Caption).toString();
     switch (editorType(index)) {
     case MyEditorLine: {
         auto* line = new QLineEdit(parent);
         line->setAccessibleName(caption);
-        line->setReadOnly(cell(index, 3).toBool());
+        line->setReadOnly(cell(index, PropColumn::ReadOnly).toBool());
         orvo::RecordTextValidator::install(line);
         connect(line, &QLineEdit::textChanged, this, &PasspDelegate::commitEditorData);
         return line;

@@ -14,10 +14,9 @@ QModelIndex addPassportCategory(PropModel& model, const QString& name, const QSt
 }
 
 void editPassportValue(PropModel& model, const QString& rowName, const QVariant& value) {
-    constexpr int valueColumn = 1;
     const QModelIndex row = model.findIndexByKey(rowName);
     if (row.isValid())
-        model.setData(row.siblingAtColumn(valueColumn), value, Qt::EditRole);
+        model.setData(row.siblingAtColumn(PropColumn::Value), value, Qt::EditRole);
 }
 
 } // namespace orvo

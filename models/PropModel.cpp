@@ -8,20 +8,18 @@
 
 namespace {
 
-enum Column { Caption = 0, Value = 1, Editor = 2, ReadOnly = 3, Name = 4, IsEditRow = 5 };
-
 bool isEditRow(const PaspRec& row) {
-    return row.data(IsEditRow).toBool();
+    return row.data(PropColumn::IsEditRow).toBool();
 }
 
 bool isCombo(const PaspRec& row) {
-    return row.data(Editor).toInt() == MyEditorCombo;
+    return row.data(PropColumn::Editor).toInt() == MyEditorCombo;
 }
 
 } // namespace
 
 PropModel::PropModel(const QStringList& headers, const QString& iconsPath, QObject*)
-    : TreeModelCore(headers, Name, Qt::ItemIsEditable)
+    : TreeModelCore(headers, PropColumn::Name, Qt::ItemIsEditable)
     , m_iconsPath(iconsPath) {}
 
 QVariant PropModel::data(const QModelIndex& index, int role) const {
@@ -35,24 +33,28 @@ QVariant PropModel::data(const QModelIndex& index, int role) const {
     case Qt::BackgroundRole:
         return isEditRow(row) ? QVariant() : QBrush(QColor(235, 235, 235));
     case Qt::ForegroundRole:
-        return index.column() == Value && row.data(ReadOnly).toBool() ? QColor(0x80, 0x80, 0x80)
-                                                                      : QVariant();
+        return index.column() == PropColumn::Value && row.data(PropColumn::ReadOnly).toBool()
+                   ? QColor(0x80, 0x80, 0x80)
+                   : QVariant();
     case Qt::AccessibleTextRole:
-        if (index.column() == Value && isMixed(index))
+        if (index.column() == PropColumn::Value && isMixed(index))
             return orvo::Text::tr("разные значения");
-        if (index.column() != Value || row.data(Editor).toInt() != MyEditorCheck || !isEditRow(row))
+        if (index.column() != PropColumn::Value ||
+            row.data(PropColumn::Editor).toInt() != MyEditorCheck || !isEditRow(row))
             return {};
-        return row.data(Value).toBool() ? orvo::Text::tr("да") : orvo::Text::tr("нет");
+        return row.data(PropColumn::Value).toBool() ? orvo::Text::tr("да") : orvo::Text::tr("нет");
     case orvo::KeyRole:
-        return row.data(Name);
+        return row.data(PropColumn::Name);
     default:
         return {};
     }
 }
 
 QVariant PropModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (role == Qt::AccessibleTextRole && orientation == Qt::Horizontal && section <= Value)
-        return section == Caption ? orvo::Text::tr("Свойство") : orvo::Text::tr("Значение");
+    if (role == Qt::AccessibleTextRole && orientation == Qt::Horizontal &&
+        section <= PropColumn::Value)
+        return section == PropColumn::Caption ? orvo::Text::tr("Свойство")
+                                              : orvo::Text::tr("Значение");
     return TreeModelCore::headerData(section, orientation, role);
 }
 
@@ -61,8 +63,8 @@ bool PropModel::setData(const QModelIndex& index, const QVariant& value, int rol
         return false;
     const QVariant old = getItem(index)->data(index.column());
     // Taken first: a slot of dataChanged may remove the row.
-    const QString name = getItem(index)->data(Name).toString();
-    const bool setsName = index.column() == Name;
+    const QString name = getItem(index)->data(PropColumn::Name).toString();
+    const bool setsName = index.column() == PropColumn::Name;
     if (!TreeModelCore::setData(index, value, role))
         return false;
     if (value != old)
@@ -95,12 +97,12 @@ PaspRec* PropModel::editorRow(const QString& name) const {
 
 bool PropModel::setRowValue(const QString& name, const QVariant& value) {
     PaspRec* row = editorRow(name);
-    return row && store(row, Value, value);
+    return row && store(row, PropColumn::Value, value);
 }
 
 QVariant PropModel::getRowValue(const QString& name) const {
     const PaspRec* row = editorRow(name);
-    return row ? row->data(Value) : QVariant();
+    return row ? row->data(PropColumn::Value) : QVariant();
 }
 
 bool PropModel::isEditorRow(const QModelIndex& index) const {
@@ -122,7 +124,7 @@ bool PropModel::setSelected(int count, const QSet<QString>& mixed) {
 
 bool PropModel::isMixed(const QModelIndex& index) const {
     return !m_mixed.isEmpty() && isEditorRow(index) &&
-           m_mixed.contains(getItem(index)->data(Name).toString().toLower());
+           m_mixed.contains(getItem(index)->data(PropColumn::Name).toString().toLower());
 }
 
 void PropModel::setComboBox(const QString& name, QComboBox* comboBox) {

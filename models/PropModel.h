@@ -15,8 +15,12 @@ enum MyEditorType {
     MyEditorButton = 3, ///< a text with a "..." button, not typed
 };
 
-/// Columns: 0 caption, 1 value, 2 MyEditorType, 3 read-only, 4 row name (the key), 5 whether it is
-/// an editor row; a category row is none. Row names compare without regard to case.
+/// Columns of the passport. A category row is no editor row.
+struct PropColumn {
+    enum { Caption, Value, Editor /**< MyEditorType */, ReadOnly, Name /**< the key */, IsEditRow };
+};
+
+/// Row names compare without regard to case.
 class PropModel : public orvo::TreeModelCore<PaspRec> {
     Q_OBJECT
 public:
