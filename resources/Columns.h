@@ -55,6 +55,11 @@ inline const char* tableOf(const QModelIndex& row) {
     return isFolder(row) ? table::MenuResourceFolder : table::MenuResource;
 }
 
+/// `name_` of a row's resource.
+inline QString nameOf(const QModelIndex& row) {
+    return textAt(row, ResColumn::Name);
+}
+
 /// The record of a row; none for an invalid index.
 inline RecordName recordOf(const QModelIndex& row) {
     if (!row.isValid())

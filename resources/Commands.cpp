@@ -42,8 +42,7 @@ void OrvoResources::explainLock() {
     const QString text =
         tr("Здесь блокировка не снимается: её снимает %1 там, где поставил, или администратор "
            "командой orvo-admin unlock %2.")
-            .arg(who.isEmpty() ? tr("тот, кто её поставил,") : who,
-                 orvo::resources::textAt(row, ResColumn::Name));
+            .arg(who.isEmpty() ? tr("тот, кто её поставил,") : who, orvo::resources::nameOf(row));
     tell(tr("Снять блокировку"), text);
 }
 

@@ -15,14 +15,11 @@
 
 using orvo::Kind;
 using orvo::resources::kindOf;
+using orvo::resources::nameOf;
 using orvo::resources::ResColumn;
 using orvo::resources::textAt;
 
 namespace {
-
-QString nameOf(const QModelIndex& row) {
-    return textAt(row, ResColumn::Name);
-}
 
 /// Whether nothing but the record is deleted with a resource of that kind.
 bool isRecordOnly(int kind) {

@@ -15,6 +15,7 @@
 #include <array>
 
 using orvo::resources::kindOf;
+using orvo::resources::nameOf;
 using orvo::resources::ResColumn;
 
 namespace {
@@ -24,10 +25,6 @@ constexpr int sizeField = 2;
 constexpr int contentField = 3;
 
 constexpr int callRun = 64;
-
-QString nameOf(const QModelIndex& index) {
-    return orvo::resources::textAt(index, ResColumn::Name);
-}
 
 /// Whether the name means a file in the directory it is put behind, and nothing else.
 bool isPlainFileName(const QString& name) {

@@ -11,26 +11,26 @@ using editor::RecordFields;
 
 constexpr auto text = FieldType::Text;
 constexpr auto integer = FieldType::Integer;
-constexpr auto items = editor::ItemRows;
-constexpr auto folders = editor::FolderRows;
+constexpr auto ofItems = editor::ItemRows;
+constexpr auto ofFolders = editor::FolderRows;
 constexpr auto never = Copied::Never; // rows of this tree move, none is copied
 constexpr auto all = editor::AllRows;
 
 const RecordFields& itemFields() {
     // clang-format off
     static const RecordFields fields{
-        {ResColumn::KeyLink, "KeyLink", field::KeyLink, text, items, never, all,
+        {ResColumn::KeyLink, "KeyLink", field::KeyLink, text, ofItems, never, all,
          {"keylink", QT_TRANSLATE_NOOP("orvo", "Идентификатор"), MyEditorLine, true, 0}},
-        {ResColumn::FolderKey, "FolderKey", field::MenuResourceFolderKey, text, items},
-        {ResColumn::Name, QT_TRANSLATE_NOOP("orvo", "Ресурс"), field::name_, text, items, never, all,
+        {ResColumn::FolderKey, "FolderKey", field::MenuResourceFolderKey, text, ofItems},
+        {ResColumn::Name, QT_TRANSLATE_NOOP("orvo", "Ресурс"), field::name_, text, ofItems, never, all,
          {"object", QT_TRANSLATE_NOOP("orvo", "Объект"), MyEditorLine, false, 3}},
-        {ResColumn::Type, "type", field::type_, integer, items, never, all,
+        {ResColumn::Type, "type", field::type_, integer, ofItems, never, all,
          {"type", QT_TRANSLATE_NOOP("orvo", "Тип"), MyEditorLine, true, 1}},
-        {ResColumn::Caption, QT_TRANSLATE_NOOP("orvo", "Наименование"), field::caption, text, items, never, all,
+        {ResColumn::Caption, QT_TRANSLATE_NOOP("orvo", "Наименование"), field::caption, text, ofItems, never, all,
          {"caption", QT_TRANSLATE_NOOP("orvo", "Наименование"), MyEditorLine, false, 2}},
-        {ResColumn::Params, "params", field::params, text, items, never, all,
+        {ResColumn::Params, "params", field::params, text, ofItems, never, all,
          {"params", QT_TRANSLATE_NOOP("orvo", "Параметры"), MyEditorLine, false, 5}},
-        {ResColumn::Icon, QT_TRANSLATE_NOOP("orvo", "Иконка"), field::ico, text, items, never, all,
+        {ResColumn::Icon, QT_TRANSLATE_NOOP("orvo", "Иконка"), field::ico, text, ofItems, never, all,
          {"icon", QT_TRANSLATE_NOOP("orvo", "Иконка"), MyEditorButton, false, 4}},
         {ResColumn::Lock, QT_TRANSLATE_NOOP("orvo", "Заблокировано")},
         {ResColumn::LockTime, QT_TRANSLATE_NOOP("orvo", "Дата блокировки")},
@@ -47,12 +47,12 @@ const RecordFields& itemFields() {
 const RecordFields& folderFields() {
     // clang-format off
     static const RecordFields fields{
-        {ResColumn::KeyLink, "KeyLink", field::KeyLink, text, folders, never, all,
+        {ResColumn::KeyLink, "KeyLink", field::KeyLink, text, ofFolders, never, all,
          {"keylink", QT_TRANSLATE_NOOP("orvo", "Идентификатор"), MyEditorLine, true, 0}},
-        {ResColumn::FolderKey, "FolderKey", field::ParentKey, text, folders},
-        {ResColumn::Type, "type", field::type_, integer, folders, never, all,
+        {ResColumn::FolderKey, "FolderKey", field::ParentKey, text, ofFolders},
+        {ResColumn::Type, "type", field::type_, integer, ofFolders, never, all,
          {"type", QT_TRANSLATE_NOOP("orvo", "Тип"), MyEditorLine, true, 1}},
-        {ResColumn::Caption, QT_TRANSLATE_NOOP("orvo", "Наименование"), field::caption, text, folders, never, all,
+        {ResColumn::Caption, QT_TRANSLATE_NOOP("orvo", "Наименование"), field::caption, text, ofFolders, never, all,
          {"caption", QT_TRANSLATE_NOOP("orvo", "Наименование"), MyEditorLine, false, 2}},
     };
     // clang-format on

@@ -20,7 +20,6 @@ constexpr int nameField = 0;
 constexpr int timeField = 1;
 constexpr int sizeField = 2;
 constexpr int captionRow = 2;
-constexpr int valueColumn = 1;
 
 void expandTopRows(QTreeView* view) {
     for (int row = 0; row < view->model()->rowCount(); ++row)
@@ -84,7 +83,7 @@ void OrvoResources::loadFolderPassport(const QModelIndex& index) {
     m_ui->tvProp->expand(category);
     // A new folder can be named at once.
     if (index.siblingAtColumn(ResColumn::IsNew).data().toBool())
-        m_ui->tvProp->edit(m_propModel->index(captionRow, valueColumn, category));
+        m_ui->tvProp->edit(m_propModel->index(captionRow, PropColumn::Value, category));
 }
 
 void OrvoResources::loadItemPassport(const QModelIndex& index) {
@@ -92,7 +91,7 @@ void OrvoResources::loadItemPassport(const QModelIndex& index) {
         return;
     addPassportRows(index);
     const QModelIndex category = m_propModel->index(m_propModel->rowCount() - 1, 0);
-    const QString name = orvo::resources::textAt(index, ResColumn::Name);
+    const QString name = orvo::resources::nameOf(index);
     switch (orvo::resources::kindOf(index)) {
     case orvo::Kind::Form: {
         CToolFormGet tool(this);

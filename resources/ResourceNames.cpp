@@ -25,7 +25,7 @@ ResTreeModel& ResourceNames::tree() const {
 
 QString ResourceNames::describe(const QModelIndex& row) const {
     QString caption = textAt(row, ResColumn::Caption);
-    const QString name = textAt(row, ResColumn::Name);
+    const QString name = nameOf(row);
     if (caption.isEmpty() && name.isEmpty()) // typed away: it is known by what it was
         caption = textOf(seekKey(m_folders, tree().getItemKeyLink(row)), field::caption);
     const auto word = [&] {
@@ -49,9 +49,8 @@ QString ResourceNames::resourceRefusal(const QString& name, const QModelIndex& r
     bool taken = seek(m_resources, 2, KeyValues().integer(type).text(name)) != nullptr;
     for (const QString& key : m_edit.expected()) {
         const QModelIndex saved = tree().findIndexByKey(key);
-        taken = taken ||
-                (saved.isValid() && !isFolder(saved) && kindOf(saved) == type &&
-                 saved != row.siblingAtColumn(0) && sameText(textAt(saved, ResColumn::Name), name));
+        taken = taken || (saved.isValid() && !isFolder(saved) && kindOf(saved) == type &&
+                          saved != row.siblingAtColumn(0) && sameText(nameOf(saved), name));
     }
     return taken ? tr("Такой ресурс уже существует. Данные не сохранены.") : QString();
 }
@@ -125,7 +124,7 @@ bool ResourceNames::hasNamesake(const QModelIndex& folder, bool isFolder, const 
 
 bool ResourceNames::isAmbiguous(const QModelIndex& row) const {
     const int kind = kindOf(row);
-    const QString name = textAt(row, ResColumn::Name);
+    const QString name = nameOf(row);
     int namesakes = 0;
     walkGroup(m_resources, 2, KeyValues().integer(kind).text(name), [&](const MDRData* record) {
         if (integerOf(record, field::type_) != kind || !holdsText(record, field::name_, name))
