@@ -31,5 +31,7 @@ if(ORVO_PRECOMPILE)
     set(waits "${CMAKE_SOURCE_DIR}/tests/Waits.h") # QtTest, and what hardly ever changes
     orvo_precompiled(orvo_pch_test HEADERS ${standard} ${waits} LINK Qt::Test)
     orvo_precompiled(orvo_pch_widgets_test HEADERS ${widgets} ${waits} LINK Qt::Widgets Qt::Test)
+    # Qt's test header includes more where QT_NETWORK_LIB is defined.
+    orvo_precompiled(orvo_pch_client_test HEADERS ${widgets} ${waits} LINK Qt::Network Qt::Widgets Qt::Test)
   endif()
 endif()
