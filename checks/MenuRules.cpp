@@ -21,7 +21,7 @@ void lookAtDesktopOf(const Scene& scene, const Record& element, Findings& findin
         add(findings, element, Problem::DesktopSpelling, key);
 }
 
-void lookAtParentOf(const Scene& scene, const Record& element, Findings& findings) {
+void lookAtParentOfElement(const Scene& scene, const Record& element, Findings& findings) {
     const Fields& f = fields();
     const std::string key = element.text(f.element.parent);
     const Record parent = scene.records.linked(element, f.element.parent);
@@ -91,7 +91,7 @@ void lookAtElement(const Scene& scene, const Record& record, Findings& findings)
     if (record.cp1251(f.element.caption).empty())
         add(findings, record, Problem::NoCaption);
     lookAtDesktopOf(scene, record, findings);
-    lookAtParentOf(scene, record, findings);
+    lookAtParentOfElement(scene, record, findings);
     lookAtResourceOf(scene, record, findings);
     lookAtIcon(scene, record, f.element.icon, findings);
     if (isSecond(scene, record))

@@ -12,7 +12,7 @@ bool isKind(int kind) {
     return resourceKind(kind) != nullptr;
 }
 
-void lookAtParentOf(const Scene& scene, const Record& folder, Findings& findings) {
+void lookAtParentOfFolder(const Scene& scene, const Record& folder, Findings& findings) {
     const Fields& f = fields();
     const std::string key = folder.text(f.folder.parent);
     const Record parent = scene.records.linked(folder, f.folder.parent);
@@ -85,7 +85,7 @@ void lookAtFolder(const Scene& scene, const Record& record, Findings& findings) 
         add(findings, record, Problem::CaptionNoPath);
     if (isSecond(scene, record))
         add(findings, record, Problem::FolderTwice);
-    lookAtParentOf(scene, record, findings);
+    lookAtParentOfFolder(scene, record, findings);
 }
 
 void lookAtResource(const Scene& scene, const Record& record, Findings& findings) {

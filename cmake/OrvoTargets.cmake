@@ -52,7 +52,7 @@ function(orvo_sample_library)
     add_library(Orvo::${library} ALIAS ${library})
   endforeach()
   add_subdirectory(examples/modules)
-  set_target_properties(OrvoSample PROPERTIES
+  set_target_properties(OrvoSample PROPERTIES UNITY_BUILD OFF
     LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/examples/modules")
   install(DIRECTORY examples/modules DESTINATION "${CMAKE_INSTALL_DATADIR}/orvo/examples" COMPONENT dev)
 endfunction()
@@ -90,8 +90,10 @@ function(orvo_test name)
     RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
   target_link_libraries(${name} PRIVATE ${ARG_LINK} Qt::Test)
   orvo_moc(${name} ${ARG_SOURCES})
-  if(NOT ORVO_PRECOMPILE OR "${ARG_LINK}" MATCHES "client_parts|scene|Gui|Network")
-    # Qt's test header looks at the definitions of these modules: a set of its own would not pay.
+  if(ORVO_PRECOMPILE AND "${ARG_LINK}" MATCHES "client_parts|scene")
+    orvo_reuse(${name} orvo_pch_client_test)
+  elseif(NOT ORVO_PRECOMPILE OR "${ARG_LINK}" MATCHES "Gui|Network")
+    # Qt's test header looks at the definitions of these modules: a set for two tests would not pay.
     target_compile_options(${name} PRIVATE "SHELL:-include ${CMAKE_SOURCE_DIR}/tests/Waits.h")
   elseif("${ARG_LINK}" MATCHES "orvomenu|OrvoClient|host_fixture|Widgets|modules_fixture|test_trees")
     orvo_reuse(${name} orvo_pch_widgets_test)

@@ -15,7 +15,7 @@ namespace orvo::history {
 
 namespace {
 
-bool isContent(const store::ChangeCount& count) {
+bool countsContents(const store::ChangeCount& count) {
     return count.table == store::contentTable().name;
 }
 
@@ -50,13 +50,13 @@ LargeGroup::LargeGroup(const Group& group, RecordSource& source, bool isTakenBac
     , m_source(source)
     , m_isTakenBack(isTakenBack) {
     const auto& counts = group.counts;
-    const bool onlyContents = std::all_of(counts.begin(), counts.end(), isContent);
+    const bool onlyContents = std::all_of(counts.begin(), counts.end(), countsContents);
     const bool onlyOrder =
         std::all_of(counts.begin(), counts.end(), [](const store::ChangeCount& count) {
-            return isContent(count) || isOrder(count);
+            return countsContents(count) || isOrder(count);
         });
     for (size_t i = 0; i < counts.size(); ++i)
-        if (onlyContents || (!isContent(counts[i]) && (onlyOrder || !isOrder(counts[i]))))
+        if (onlyContents || (!countsContents(counts[i]) && (onlyOrder || !isOrder(counts[i]))))
             m_kinds.push_back({&counts[i], logged(group.tops[i]), group.follows[i]});
     for (Kind& kind : m_kinds)
         kind.top.isTakenBack = isTakenBack;

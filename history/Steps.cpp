@@ -14,7 +14,7 @@ namespace orvo::history {
 
 namespace {
 
-constexpr int portion = 100;
+constexpr int portionOfSteps = 100;
 
 bool isNoEdit(const store::Change& change) {
     return isLockOnly(change) || changesNothing(change);
@@ -150,7 +150,7 @@ store::Status Walk::walk(Steps* steps) {
     std::set<int64_t> seen;
     while (!m_done) {
         std::vector<store::Change> changes;
-        store::Status status = m_store.history(query, portion, &changes);
+        store::Status status = m_store.history(query, portionOfSteps, &changes);
         if (!status.ok())
             return status;
         std::vector<int64_t> groups;
@@ -165,7 +165,7 @@ store::Status Walk::walk(Steps* steps) {
                 status = visit(group, standing, steps);
         if (!status.ok())
             return status;
-        if (changes.size() < static_cast<size_t>(portion))
+        if (changes.size() < static_cast<size_t>(portionOfSteps))
             break;
         // A long action is not read to its beginning.
         query.below = changes.front().group == changes.back().group

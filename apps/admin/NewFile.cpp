@@ -16,7 +16,7 @@ namespace orvo::admin {
 
 namespace {
 
-[[noreturn]] void refuse(const std::string& place, const std::string& why) {
+[[noreturn]] void refuseToWrite(const std::string& place, const std::string& why) {
     throw Failure(StdText::tr("файл «") + place + StdText::tr("» не записан: ") + why);
 }
 
@@ -36,16 +36,16 @@ NewFile::NewFile(std::string place, const store::MaintainedStore& store)
     : m_place(std::move(place)) {
     struct stat info {};
     if (m_place.empty())
-        refuse(m_place, StdText::tr("имя пустое"));
+        refuseToWrite(m_place, StdText::tr("имя пустое"));
     if (::stat(m_place.c_str(), &info) == 0 && !S_ISREG(info.st_mode))
-        refuse(m_place, S_ISDIR(info.st_mode) ? StdText::tr("это каталог")
-                                              : StdText::tr("это не обычный файл"));
+        refuseToWrite(m_place, S_ISDIR(info.st_mode) ? StdText::tr("это каталог")
+                                                     : StdText::tr("это не обычный файл"));
     if (store.livesIn(m_place))
-        refuse(m_place, StdText::tr("это сам файл хранилища"));
+        refuseToWrite(m_place, StdText::tr("это сам файл хранилища"));
     std::string name = m_place + ".new-XXXXXX";
     const int file = ::mkostemp(name.data(), O_CLOEXEC); // mode 0600
     if (file < 0)
-        refuse(m_place, std::strerror(errno));
+        refuseToWrite(m_place, std::strerror(errno));
     ::close(file);
     m_path = name;
     removeAtSuddenEnd(m_path);
@@ -61,7 +61,7 @@ NewFile::~NewFile() {
 
 void NewFile::put() {
     if (flushed(m_path, O_RDONLY) != 0 || std::rename(m_path.c_str(), m_place.c_str()) != 0)
-        refuse(m_place, std::strerror(errno));
+        refuseToWrite(m_place, std::strerror(errno));
     m_path.clear();
     removeAtSuddenEnd({});
     const size_t slash = m_place.rfind('/');

@@ -26,7 +26,7 @@ namespace {
 using client::UnwrittenEntry;
 
 constexpr int idRole = Qt::UserRole;
-constexpr int keyRole = Qt::UserRole + 1;
+constexpr int fieldKeyRole = Qt::UserRole + 1;
 constexpr int fieldRole = Qt::UserRole + 2;
 
 QString stamp(const QDateTime& time) {
@@ -155,7 +155,7 @@ void UnwrittenPane::addFields(QTreeWidgetItem* row, const UnwrittenEntry& entry)
         line->setText(Field, field.name);
         line->setText(Before, field.known ? Text::tr("в хранилище: ") + field.before : QString());
         line->setText(Mine, field.mine);
-        line->setData(Field, keyRole, QString::fromStdString(field.key));
+        line->setData(Field, fieldKeyRole, QString::fromStdString(field.key));
         line->setData(Field, fieldRole, field.field);
         for (const client::Theirs& theirs : entry.theirs)
             if (theirs.field == field.field && theirs.key == field.key)
@@ -227,7 +227,7 @@ void UnwrittenPane::textChanged(QTreeWidgetItem* row, int column) {
     if (m_filling || column != Mine || !row->parent())
         return;
     const QString id = row->parent()->data(0, idRole).toString();
-    const std::string key = row->data(Field, keyRole).toString().toStdString();
+    const std::string key = row->data(Field, fieldKeyRole).toString().toStdString();
     const int field = row->data(Field, fieldRole).toInt();
     const QString text = row->text(Mine);
     // The view is still ending its edit; the list's change fills it again.

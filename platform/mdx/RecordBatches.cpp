@@ -98,7 +98,7 @@ void RecordBatches::compose(const Batch& batch) noexcept {
             break;
         case Kind::Utf8:
         case Kind::Cp1251:
-        case Kind::Block: {
+        case Kind::Bytes: {
             const auto length = load<uint32_t>(at);
             const auto* text = reinterpret_cast<const char*>(at + 4);
             if (kind == Kind::Utf8)

@@ -31,7 +31,7 @@ public:
     RecordBatches(const RecordBatches&) = delete;
     RecordBatches& operator=(const RecordBatches&) = delete;
 
-    enum class Kind : uint8_t { Begin, End, Boolean, Integer, Date, Utf8, Cp1251, Block };
+    enum class Kind : uint8_t { Begin, End, Boolean, Integer, Date, Utf8, Cp1251, Bytes };
 
     void mark(Kind kind) noexcept { head(kind, 0, 0); }
     template <class Number>

@@ -97,7 +97,7 @@ void RecordWriter::text1251(int field, const char* text, size_t length) {
 
 void RecordWriter::block(int field, const void* bytes, size_t length) {
     if (d && d->batches)
-        d->batches->bytes(Kind::Block, field, bytes, length);
+        d->batches->bytes(Kind::Bytes, field, bytes, length);
     else if (d)
         d->composer.block(field, bytes, length);
 }

@@ -23,7 +23,7 @@ QDateTime momentOf(double time) {
     return QDateTime::fromMSecsSinceEpoch(std::llround(time * 1000.0));
 }
 
-QString timeText(double time) {
+QString shortTime(double time) {
     const QDateTime moment = momentOf(time);
     return moment.toString(moment.date() == QDate::currentDate() ? QStringLiteral("HH:mm:ss")
                                                                  : Text::tr("dd.MM.yyyy HH:mm:ss"));
@@ -372,7 +372,7 @@ QString HistoryModel::textOf(const Node& node, int column) const {
     const HistoryAction& action = *node.action;
     switch (column) {
     case When:
-        return timeText(action.time);
+        return shortTime(action.time);
     case Who:
         return action.who;
     case What:

@@ -18,7 +18,7 @@ namespace orvo::app {
 
 namespace {
 
-enum Column { What, Before, After };
+enum RevertColumn { What, Before, After };
 
 QLabel* plainLabel(const QString& text, QWidget* parent) {
     auto* label = new QLabel(parent);

@@ -29,7 +29,7 @@ namespace orvo::app {
 
 namespace {
 
-enum Column { Name, Time, Size, Until, Who };
+enum VersionColumn { Name, Time, Size, Until, Who };
 
 QString sizeText(uint64_t size) {
     if (size < 1024) // the library's own words are no Russian ones
@@ -45,7 +45,7 @@ QString sizeText(uint64_t size) {
     return QStringLiteral("%1 %2").arg(textLocale().toString(shown, 'f', 2), unit);
 }
 
-QString timeText(double time) {
+QString fullTime(double time) {
     return QDateTime::fromMSecsSinceEpoch(std::llround(time * 1000.0))
         .toString(Text::tr("dd.MM.yyyy HH:mm:ss"));
 }
@@ -146,9 +146,9 @@ void VersionsDialog::showVersions(const std::vector<store::KeptVersion>& version
     for (const store::KeptVersion& version : versions) {
         auto* row = new QTreeWidgetItem(m_list);
         row->setText(Name, oneLine(QString::fromStdString(version.name)));
-        row->setText(Time, version.fileTime ? timeText(*version.fileTime) : QString());
+        row->setText(Time, version.fileTime ? fullTime(*version.fileTime) : QString());
         row->setText(Size, sizeText(version.size));
-        row->setText(Until, timeText(version.time));
+        row->setText(Until, fullTime(version.time));
         row->setText(Who, oneLine(history::personName(version.login, m_names)));
     }
     const auto same = std::find_if(versions.begin(), versions.end(),
@@ -256,7 +256,7 @@ void VersionsDialog::putBack() {
     const QString what = (version->fileTime ? Text::tr("Версия файла «%1» от %2")
                                             : Text::tr("Версия файла «%1», заменённая %2,"))
                              .arg(QString::fromStdString(version->name),
-                                  timeText(version->fileTime ? *version->fileTime : version->time));
+                                  fullTime(version->fileTime ? *version->fileTime : version->time));
     m_thread.run(
         this,
         [id = version->id, seen = m_seen, names = m_names](store::MaintainedStore& store) {
