@@ -277,6 +277,17 @@ Result Connection::execute(const std::string& sql) {
     return last ? std::move(last) : Result(PQmakeEmptyPGresult(nullptr, PGRES_FATAL_ERROR));
 }
 
+bool Connection::sendText(const std::string& sql) {
+    return PQsendQuery(get(), sql.c_str()) != 0 && flush();
+}
+
+Result Connection::answer() {
+    Result first = next();
+    while (first && usable() && next())
+        continue;
+    return first;
+}
+
 bool Connection::sendPrepare(const std::string& sql, const Parameters& parameters) {
     std::vector<Oid> types;
     for (const auto& parameter : parameters.m_values)
@@ -307,12 +318,6 @@ Result Connection::query(const std::string& sql, const Parameters& parameters, i
     const int usual = m_silentMs;
     if (milliseconds >= 0)
         m_silentMs = milliseconds;
-    const auto answer = [&]() -> Result {
-        Result last = next();
-        while (last && usable() && next())
-            continue;
-        return last;
-    };
     const auto run = [&]() -> Result {
         if (!isPrepared(sql)) {
             if (!sendPrepare(sql, parameters))

@@ -89,6 +89,11 @@ public:
     /// the time limit (-1: none) the connection is closed.
     Result query(const std::string& sql, const Parameters& parameters, int milliseconds = -1);
 
+    /// The two halves of execute() for one statement, the connection being idle. False if it broke.
+    bool sendText(const std::string& sql);
+    /// Null if the connection broke or the wait was given up.
+    Result answer();
+
     // For pipelines: sends without waiting. False if the connection broke.
     bool isPrepared(const std::string& sql) const { return m_prepared.count(sql) != 0; }
     bool sendPrepare(const std::string& sql, const Parameters& parameters);

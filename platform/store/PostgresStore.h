@@ -145,6 +145,10 @@ private:
     static const char newestIdSql[];
     /// The changes in a result, from that column on, up to a row without one.
     static std::vector<Change> changesIn(const PGresult* rows, int column);
+    /// The same behind those that are there.
+    static void takeChanges(const PGresult* rows, int column, std::vector<Change>* changes);
+    Status selectManyChanges(const std::string& select, bool isWithin,
+                             std::vector<Change>* changes);
 
     // Writing: statements go out in one stream, and their results are met later.
     Status begin(const std::string& call);

@@ -6,6 +6,9 @@
 
 #include <QSysInfo>
 
+#include <algorithm>
+#include <climits>
+
 using namespace orvo::store;
 using namespace orvo::store::test;
 
@@ -257,6 +260,43 @@ private slots:
         ORVO_OK(Batch("MenuFileExt").insert("a1").insert("b1").send(*m_store));
         QCOMPARE(groups(last), QString("11"));
         QVERIFY(changes(last).front().group > last);
+    }
+
+    void aGroupOfAnySizeIsReadWhole_data() {
+        QTest::addColumn<int>("size");
+        for (const int size : {1, 499, 500, 501, 1000, 1234})
+            QTest::newRow(qPrintable(QString::number(size))) << size;
+    }
+
+    void aGroupOfAnySizeIsReadWhole() {
+        QFETCH(int, size);
+        ORVO_OK(Batch("MenuFileExt").insert("before").send(*m_store));
+        Batch batch("MenuFileExt");
+        for (int i = 0; i < size; ++i)
+            batch.insert(qPrintable("k" + QString::number(i)), {{"fileExt", i % 2 ? "a" : "б"}});
+        ORVO_OK(batch.send(*m_store));
+        const int64_t first = m_store->lastWritten().first;
+        ORVO_OK(Batch("MenuFileExt").insert("after").send(*m_store));
+        const auto store = maintained();
+        QVERIFY(store);
+        LogQuery query;
+        query.group = first;
+        std::vector<Change> found;
+        for (const bool oldestFirst : {true, false}) {
+            query.oldestFirst = oldestFirst;
+            ORVO_OK(store->history(query, INT_MAX, &found));
+            QCOMPARE(found.size(), size_t(size));
+            for (int i = 0; i < size; ++i) {
+                const Change& change = found[size_t(oldestFirst ? i : size - 1 - i)];
+                QCOMPARE(change.id, first + i);
+                QCOMPARE(change.group, first);
+                QCOMPARE(change.key, "k" + std::to_string(i));
+                QVERIFY(change.after.find(i % 2 ? "\"a\"" : "\"б\"") != std::string::npos);
+            }
+        }
+        ORVO_OK(store->history(query, 700, &found));
+        QCOMPARE(found.size(), size_t(std::min(size, 700)));
+        ORVO_OK(Batch("MenuFileExt").insert("later").send(*store)); // the connection is idle
     }
 
     void rowsOfTheLogAreFoundByIndexes_data() {
