@@ -112,8 +112,10 @@ store::Status Planning::canStand(const Placement& placement, const std::string& 
     const bool wasSo = placement.record->flag == MDX_INSERT && !isChosen;
     if (placement.above != placement.table || wasSo)
         return {};
+    const store::Write write{
+        MDX_UPDATE, placement.record->key, {{placement.field, store::Value(key)}}};
     store::LinkCycles cycles(*placement.table);
-    cycles.add({MDX_UPDATE, placement.record->key, {{placement.field, store::Value(key)}}});
+    cycles.add(write);
     store::Status status = cycles.check(
         [&](const std::string& at, std::string* above) { return parentOf(placement, at, above); });
     if (status.code != store::Refused)

@@ -4,6 +4,7 @@
 #include "platform/store/Merge.h"
 #include "platform/store/Names.h"
 
+#include <string_view>
 #include <unordered_set>
 
 namespace orvo::store {
@@ -16,14 +17,35 @@ int LinkCycles::parentField(const TableDef& table) {
 }
 
 void LinkCycles::add(const Write& write) {
+    static const std::string none;
     if (write.flag == MDX_DELETE)
-        m_links[foldedKey(write.key)] = {{}, write.key, write.flag};
+        m_writes.emplace_back(&write, &none);
     for (const auto& [number, value] : write.values)
         if (number == m_field)
-            m_links[foldedKey(write.key)] = {foldedKey(textOf(value)), write.key, write.flag};
+            m_writes.emplace_back(&write, &textOf(value));
 }
 
-Status LinkCycles::check(const ParentOf& parentOf) const {
+/// Where all records are new, only those that others of them name can lie in a circle: often none
+/// of a hundred thousand but a few folders. The way up from a stored one may lead to any of them.
+void LinkCycles::takeLinks() {
+    std::unordered_set<std::string_view> spelled; // many name the same
+    std::unordered_set<std::string> named;
+    bool areNew = true;
+    for (const auto& [write, parent] : m_writes) {
+        areNew = areNew && write->flag == MDX_INSERT;
+        if (spelled.insert(*parent).second)
+            named.insert(foldedKey(*parent));
+    }
+    for (const auto& [write, parent] : m_writes) {
+        std::string key = foldedKey(write->key);
+        if (!areNew || named.count(key) != 0)
+            m_links[std::move(key)] = {foldedKey(*parent), write->key, write->flag};
+    }
+    m_writes.clear();
+}
+
+Status LinkCycles::check(const ParentOf& parentOf) {
+    takeLinks();
     Sound sound;
     for (const auto& [key, link] : m_links) {
         if (link.parent.empty())

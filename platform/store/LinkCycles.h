@@ -9,6 +9,8 @@
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
+#include <vector>
 
 namespace orvo::store {
 
@@ -29,12 +31,13 @@ public:
 
     /// The number of the link to the parent.
     int field() const { return m_field; }
+    /// The write outlives the next check().
     void add(const Write& write);
     /// Gives the parent of the record of a key as the database has it, empty for none and for no
     /// record.
     using ParentOf = std::function<Status(const std::string& key, std::string* parent)>;
     /// Refused, or what `parentOf` failed with. Asks for nothing that the writes tell themselves.
-    Status check(const ParentOf& parentOf) const;
+    Status check(const ParentOf& parentOf);
 
 private:
     static int parentField(const TableDef& table);
@@ -50,9 +53,12 @@ private:
         std::string key;    ///< as it was given
         int flag;
     };
+    void takeLinks();
+
     const TableDef& m_table;
     int m_field;
-    std::unordered_map<std::string, Link> m_links; ///< by folded key
+    std::vector<std::pair<const Write*, const std::string*>> m_writes; ///< and their links
+    std::unordered_map<std::string, Link> m_links;                     ///< by folded key
 };
 
 } // namespace orvo::store

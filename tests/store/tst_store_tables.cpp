@@ -630,6 +630,18 @@ private slots:
         QCOMPARE(dump(*m_store, table, {"KeyLink", QString(link)}), "a|c\nb|-\nc|B\nd|a");
     }
 
+    void aNewRecordClosesNoCircleThroughAStoredOne() {
+        ORVO_OK(Batch("Menu").insert("top").insert("orphan", {{"parent", "new"}}).send(*m_store));
+        Batch made("Menu");
+        made.insert("new", {{"parent", "top"}}).insert("other");
+        Batch closing("Menu");
+        closing.insert("new", {{"parent", "top"}}).update("top", {{"parent", "orphan"}});
+        QCOMPARE(closing.send(*m_store).code, Refused);
+        ORVO_OK(made.send(*m_store));
+        QCOMPARE(dump(*m_store, "Menu", {"KeyLink", "parent"}),
+                 "new|top\norphan|new\nother|-\ntop|-");
+    }
+
     void aCircleThatIsThereCanBeMended() {
         ORVO_OK(Batch("Menu").insert("a", {{"parent", "b"}}).insert("x").send(*m_store));
         // A record that comes back to one that names it closes a circle, as a foreign hand does.
