@@ -3,6 +3,7 @@
 #include "frame/Vocabulary.h"
 #include "history/Locks.h"
 #include "platform/mdx/MdxBuild.h"
+#include "platform/mdx/RunInParallel.h"
 #include "platform/store/ChangeRecord.h"
 #include "platform/store/Merge.h"
 #include "platform/store/Names.h"
@@ -18,6 +19,8 @@ namespace orvo::history {
 namespace {
 
 constexpr size_t mostPreviewed = 2000;
+/// Reading the values of so many takes longer than making a thread.
+constexpr size_t manyChanges = 1000;
 
 /// What was taken back before and done again has all happened by the same user's wish.
 std::set<int64_t> concernedBy(const Standing& standing, std::vector<int64_t> groups,
@@ -108,6 +111,7 @@ store::Status Planning::collect() {
         const store::TableDef* table;
         std::string key;
         const store::Change* change;
+        Values after, before;
     };
     std::vector<Found> found;
     for (const std::vector<store::Change>& changes : m_changes)
@@ -116,7 +120,7 @@ store::Status Planning::collect() {
                 table && change.id <= m_inverse.seen) {
                 std::string key = store::foldedKey(change.key);
                 if (isSelected(*table, key))
-                    found.push_back({table, std::move(key), &change});
+                    found.push_back({table, std::move(key), &change, {}, {}});
                 else
                     m_leftOut = m_leftOut || m_concerned.count(change.group) != 0;
             }
@@ -124,12 +128,22 @@ store::Status Planning::collect() {
     std::stable_sort(found.begin(), found.end(), [](const Found& a, const Found& b) {
         return a.table != b.table ? a.table < b.table : a.key < b.key;
     });
+    const auto read = [&](size_t from, size_t to) {
+        for (size_t i = from; i < to; ++i) {
+            Found& one = found[i];
+            one.after = store::valuesFromJson(*one.table, one.change->after);
+            one.before = store::valuesFromJson(*one.table, one.change->before);
+        }
+    };
+    if (const size_t half = found.size() / 2; half >= manyChanges)
+        mdx::runInParallel([&] { read(0, half); }, [&] { read(half, found.size()); });
+    else
+        read(0, found.size());
     for (Found& one : found) {
         const store::Change& change = *one.change;
         Records& records = m_records[one.table];
         Record& record = records.try_emplace(records.end(), std::move(one.key))->second;
-        Event event{&change, store::valuesFromJson(*one.table, change.after),
-                    store::valuesFromJson(*one.table, change.before)};
+        Event event{&change, std::move(one.after), std::move(one.before)};
         record.key = change.key;
         if (isConcerned(event)) {
             assert(one.table->fields.size() <= mostFields);
