@@ -38,7 +38,7 @@ MirrorChanges MirrorChanges::everything(Recopy recopy) {
 }
 
 bool MirrorChanges::add(const store::Change& change) {
-    assert(m_resources.size() + m_folders.size() <= (m_whole ? 0 : most)); // 1, 2
+    assert(isLimited());
     // The file area is the files, the folders that make their paths and the records that name them.
     bool concerned = true;
     if (change.table == table::MenuResourceFile)
@@ -49,8 +49,8 @@ bool MirrorChanges::add(const store::Change& change) {
         concerned = addResource(change);
     else
         return false;
-    if (concerned)
-        m_newest = std::max(m_newest, change.id);
+    if (concerned && m_since == 0)
+        m_since = change.id;
     limit();
     return concerned;
 }
@@ -82,22 +82,20 @@ bool MirrorChanges::addResource(const store::Change& change) {
     } else if (!isOfFiles(change.code == OrvoEventDelete ? before : after)) {
         return false;
     }
-    keepFormer(change, &m_resources[change.key]);
+    m_resources[change.key];
     return true;
-}
-
-void MirrorChanges::keepFormer(const store::Change& change, Before* record) {
-    const QJsonObject before = fieldsOf(change.before);
-    if (!record->name)
-        record->name = textAt(before, field::name_);
-    if (!record->folder)
-        record->folder = textAt(before, field::MenuResourceFolderKey);
 }
 
 void MirrorChanges::learn(const store::Change& change) {
     const auto known = m_resources.find(change.key);
-    if (change.table == table::MenuResource && known != m_resources.end())
-        keepFormer(change, &known->second);
+    if (change.table != table::MenuResource || known == m_resources.end())
+        return;
+    const QJsonObject before = fieldsOf(change.before);
+    if (const auto name = textAt(before, field::name_))
+        known->second.names.insert(*name);
+    if (const auto folder = textAt(before, field::MenuResourceFolderKey))
+        known->second.folders.insert(*folder);
+    limit();
 }
 
 void MirrorChanges::addContent(const store::Change& change) {
@@ -117,15 +115,14 @@ void MirrorChanges::addContent(const store::Change& change) {
 }
 
 void MirrorChanges::merge(const MirrorChanges& later) {
-    assert(later.m_resources.size() + later.m_folders.size() <= (later.m_whole ? 0 : most));
+    assert(later.isLimited());
     m_recopy = std::max(m_recopy, later.m_recopy);
-    m_newest = std::max(m_newest, later.m_newest);
+    if (m_since == 0)
+        m_since = later.m_since;
     for (const auto& [key, after] : later.m_resources) {
         Before& record = m_resources[key];
-        if (!record.name)
-            record.name = after.name;
-        if (!record.folder)
-            record.folder = after.folder;
+        record.names.insert(after.names.begin(), after.names.end());
+        record.folders.insert(after.folders.begin(), after.folders.end());
         record.content = record.content || after.content;
     }
     m_folders.insert(later.m_folders.begin(), later.m_folders.end());
@@ -138,8 +135,15 @@ void MirrorChanges::compareWhole() {
     limit();
 }
 
+bool MirrorChanges::isLimited() const {
+    return m_resources.size() + m_folders.size() <= (m_whole ? 0 : most) && // 1, 2
+           std::all_of(m_resources.begin(), m_resources.end(), [](const auto& entry) {
+               return (entry.second.names.size() + 1) * (entry.second.folders.size() + 1) <= most;
+           });
+}
+
 void MirrorChanges::limit() {
-    m_whole = m_whole || m_resources.size() + m_folders.size() > most;
+    m_whole = m_whole || !isLimited();
     if (m_whole) {
         m_resources.clear();
         m_folders.clear();

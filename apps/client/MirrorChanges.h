@@ -20,22 +20,26 @@ enum class Recopy { None, Untimed, All };
 ///
 /// Invariants; 1 and 2 are asserted in debug builds:
 /// 1. If `whole`, no record is named.
-/// 2. At most `most` records are named: a comparison of everything is cheaper than that.
-/// 3. A record's `Before` is what it was when the first of the gathered changes came.
+/// 2. At most `most` records are named, and of each at most as many places: a comparison of
+///    everything is cheaper than that.
+/// 3. Once learn() was given all changes from since() on, a record's `Before` has every name and
+///    folder that it had meanwhile: a comparison of everything may have copied it from any place on
+///    its way, and not every change of a place is one of a file.
 class MirrorChanges {
 public:
     static constexpr size_t most = 100;
 
     /// What of a resource's place has changed, as it was.
     struct Before {
-        std::optional<std::string> name, folder;
+        std::set<std::string> names, folders;
         bool content = false; ///< its bytes are to be copied, whatever size and time say
     };
 
     static MirrorChanges everything(Recopy recopy = Recopy::None);
     /// False: the change has nothing to do with files, and nothing was gathered.
     bool add(const store::Change& change);
-    /// Of a change after those here: tells where the resources named here were, and names no more.
+    /// Of a change since the first one here: tells where the resources named here were, and names
+    /// no more.
     void learn(const store::Change& change);
     /// Adds those that came after the ones here.
     void merge(const MirrorChanges& later);
@@ -44,7 +48,7 @@ public:
     bool isWhole() const { return m_whole; }
     Recopy recopy() const { return m_recopy; } ///< for a comparison of everything
     const std::map<std::string, Before>& resources() const { return m_resources; } ///< by key
-    int64_t newest() const { return m_newest; } ///< id of the last change added
+    int64_t since() const { return m_since; } ///< id of the first change added; 0: none was
     /// Keys of MenuResourceFolder whose kind is not told.
     const std::set<std::string>& folders() const { return m_folders; }
 
@@ -52,12 +56,12 @@ private:
     bool addFolder(const store::Change& change);
     bool addResource(const store::Change& change);
     void addContent(const store::Change& change);
-    static void keepFormer(const store::Change& change, Before* record);
     void limit();
+    bool isLimited() const;
 
     bool m_whole = false;
     Recopy m_recopy = Recopy::None;
-    int64_t m_newest = 0;
+    int64_t m_since = 0;
     std::map<std::string, Before> m_resources;
     std::set<std::string> m_folders;
 };

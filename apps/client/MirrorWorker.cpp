@@ -272,18 +272,18 @@ store::Status MirrorWorker::resolve(MirrorChanges* changes) {
     return {};
 }
 
-/// A change that was made after those gathered may have moved a resource before it was read: its
-/// notification is still on the way, but the log has it.
+/// The log has those changes as well that were made before a resource was read, but whose
+/// notifications are still on the way.
 store::Status MirrorWorker::learnFormerPlaces(MirrorChanges* changes) {
-    constexpr int mostLater = 1000;
-    std::vector<store::Change> later;
-    store::Status status = m_store->readLog(changes->newest(), mostLater, &later);
+    constexpr int most = 1000;
+    std::vector<store::Change> since;
+    store::Status status = m_store->readLog(changes->since() - 1, most, &since);
     if (status.code == store::LogPruned || status.code == store::LogReplaced ||
-        later.size() == mostLater) {
+        since.size() == most) {
         changes->compareWhole();
         return {};
     }
-    for (const store::Change& change : later)
+    for (const store::Change& change : since)
         changes->learn(change);
     return status;
 }
@@ -314,14 +314,20 @@ store::Status MirrorWorker::look(MirrorChanges* changes, std::vector<Wanted>* qu
     // If all is compared now, nothing is named any more.
     for (const auto& [key, before] : changes->resources()) {
         const auto& [name, folder, isFile] = resources[key];
-        // Where it was there may be another's file now: the store tells.
-        const std::string formerName = before.name.value_or(name);
-        const auto former = m_folders.path(before.folder.value_or(folder));
         const auto path = m_folders.path(folder);
-        const bool hasMoved = !isFile || former != path || formerName != name;
-        if (status.ok() && hasMoved && former && isCopied(*former) &&
-            m_manifest.has(joinPath(*former, formerName)))
-            status = lookAt(*former, formerName, false, queue, changed);
+        std::set<std::string> names = before.names, folders = before.folders;
+        names.insert(name);
+        folders.insert(folder);
+        for (const std::string& formerFolder : folders) {
+            const auto former = m_folders.path(formerFolder);
+            if (!former || !isCopied(*former))
+                continue;
+            // Where it was there may be another's file now: the store tells.
+            for (const std::string& formerName : names)
+                if (status.ok() && (!isFile || former != path || formerName != name) &&
+                    m_manifest.has(joinPath(*former, formerName)))
+                    status = lookAt(*former, formerName, false, queue, changed);
+        }
         if (status.ok() && isFile && path && isCopied(*path) && hasPlace(*path, name))
             status = lookAt(*path, name, before.content, queue, changed);
     }
