@@ -206,6 +206,8 @@ private:
     store::Status forgetSameBytes(const Record& record, std::optional<store::KeptVersion>* version);
     /// Files that others have put into a form that is to be deleted would go with it.
     store::Status findUploadsInto(Records& resources);
+    /// An upload that is done again would have nowhere to go.
+    void keepOwnersOfUploads(bool* changed);
 
     std::map<std::string, Record*> newPlaces(const store::NamePlaces& names, Records& records,
                                              std::map<std::string, std::string>* goesTo,

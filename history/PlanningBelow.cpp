@@ -356,6 +356,7 @@ store::Status Planning::keepWhatIsBuiltOn(bool* changed) {
             return uploads;
     for (bool again = true; again;) {
         again = keepAlong();
+        keepOwnersOfUploads(&again);
         forgetMovedAlong();
         // Deletions that are added join in the next round.
         std::map<const store::TableDef*, std::vector<std::string>> deleted;

@@ -45,6 +45,28 @@ store::Status Planning::findUploadsInto(Records& resources) {
     return status;
 }
 
+void Planning::keepOwnersOfUploads(bool* changed) {
+    const store::TableDef& table = *store::findTable(table::MenuResource);
+    Records& resources = m_records[&table];
+    for (auto& [key, content] : m_records[&store::contentTable()]) {
+        const auto upload =
+            std::find_if(content.events.rbegin(), content.events.rend(), [&](const Event& event) {
+                return isConcerned(event) && counts(event) && event.change->code != OrvoEventDelete;
+            });
+        const auto owner = resources.find(ownerKey(content));
+        if (upload == content.events.rend() || owner == resources.end() ||
+            owner->second.flag != MDX_DELETE)
+            continue;
+        remark(Remark::BuiltOn, table, owner->second, -1, upload->change);
+        owner->second.flag = 0;
+        m_kept.insert(&owner->second);
+        content.presentThen = true; // what the action has made, it has put other bytes into
+        if (content.flag == MDX_DELETE)
+            content.flag = 0;
+        *changed = true;
+    }
+}
+
 store::Status Planning::ownerOf(const Record& content, Owner* owner) {
     *owner = Owner::Missing;
     const store::TableDef& resources = *store::findTable(table::MenuResource);

@@ -35,6 +35,7 @@ private slots:
     void whatWentAlongSeveralLevelsDeepGoesAgain();
     void aFormIntoWhichOthersPutFilesSinceDoesNotGoAgain();
     void whatComesBackIsNotLeftNowhere();
+    void anUploadThatComesBackKeepsItsForm();
     void anIconThatGoesBackToAnotherNameIsTold();
     void anActionThatStaysAsAWholeIsNotTakenBack();
     void whatStandsInWhatStaysStays();
@@ -497,6 +498,38 @@ void TestHistoryPlaces::whatComesBackIsNotLeftNowhere() {
         choices.partly = true;
         ORVO_OK(undo(*m_boris, {hers, his}, choices, &done));
         QCOMPARE(snapshot(), whole);
+    }
+}
+
+void TestHistoryPlaces::anUploadThatComesBackKeepsItsForm() {
+    ORVO_OK(Batch("MenuResourceFolder")
+                .insert("forms", {{"type_", 3}, {"caption", "Формы"}})
+                .send(*m_anna));
+    const std::vector<std::vector<FileToPut>> uploads = {
+        {{"", "a_", "boris'", {}}},                              // replaced
+        {{"", "a_", "anna's", {}}, {"", "a.png", "boris'", {}}}, // and added
+    };
+    for (const std::vector<FileToPut>& files : uploads) {
+        ORVO_OK(m_anna->formPut("", {{"", "a_", "anna's", {}}}));
+        const int64_t hers = last(*m_anna);
+        ORVO_OK(m_boris->formPut("", files));
+        const QStringList whole = snapshot();
+        Inverse done;
+        ORVO_OK(undo(*m_boris, {last(*m_boris)}, {}, &done));
+        const int64_t his = last(*m_boris);
+        const QStringList before = snapshot();
+        Choices choices;
+        choices.othersWorkToo = true;
+        for (const Choices& given : {Choices(), choices}) {
+            ORVO_OK(undo(*m_anna, {hers, his}, given, &done));
+            QVERIFY2(!done.written && done.asks(), qPrintable(told(done)));
+            isTold(done, "^Не удалено: форма «a_»: на этом построено другое \\(boris, [^)]*\\)$");
+            QCOMPARE(snapshot(), before);
+        }
+        choices.partly = true;
+        ORVO_OK(undo(*m_anna, {hers, his}, choices, &done));
+        QCOMPARE(snapshot(), whole);
+        ORVO_OK(m_anna->formDelete({"a_"}));
     }
 }
 
