@@ -23,13 +23,12 @@ constexpr size_t mostPreviewed = 2000;
 constexpr size_t manyChanges = 1000;
 
 /// What was taken back before and done again has all happened by the same user's wish.
-std::set<int64_t> concernedBy(const Standing& standing, std::vector<int64_t> groups,
-                              int64_t answered) {
+std::set<int64_t> withAnswer(const Standing& standing, std::set<int64_t> groups, int64_t answered) {
     if (answered != 0)
-        groups.push_back(answered);
+        groups.insert(answered);
     if (const int64_t again = standing.undoneBy(answered); again != 0)
-        groups.push_back(again);
-    return standing.concerned(groups);
+        groups.insert(again);
+    return groups;
 }
 
 } // namespace
@@ -42,7 +41,17 @@ Planning::Planning(store::MaintainedStore& store, const Standing& standing, cons
     , m_selection(selection)
     , m_inverse(inverse)
     , m_answered(selection.only ? 0 : standing.lastAnswer(inverse.undoes, store.login()))
-    , m_concerned(concernedBy(standing, inverse.undoes, m_answered)) {}
+    , m_asked(standing.concerned(inverse.undoes))
+    , m_concerned(withAnswer(standing, m_asked, m_answered))
+    , m_beside(standing.concerned(standing.undoesOf(m_answered))) {
+    for (const int64_t group : m_asked)
+        m_beside.erase(group);
+}
+
+bool Planning::isAsked(const Record& record) const {
+    return std::any_of(record.events.begin(), record.events.end(),
+                       [&](const Event& event) { return m_asked.count(event.change->group) != 0; });
+}
 
 /// Whether a change has a say in what its record should be.
 bool Planning::counts(const Event& event) const {
@@ -249,6 +258,10 @@ store::Status Planning::decide() {
                 for (size_t i = 0; i < row->second.size(); ++i)
                     record.now[static_cast<int>(i)] = row->second[i];
             }
+            if (!isAsked(record)) {
+                record.presentThen = record.present;
+                continue;
+            }
             work(record);
             const Event* deletion = nullptr;
             bool wasTakenBack = false; // the making of it
@@ -395,7 +408,8 @@ void Planning::tellNothingLeft() {
     const auto tell = [&](const store::TableDef& table, const Record& record) {
         const bool isMeant =
             std::any_of(record.events.begin(), record.events.end(), [&](const Event& event) {
-                return isConcerned(event) && event.change->after != event.change->before;
+                return m_asked.count(event.change->group) != 0 &&
+                       event.change->after != event.change->before;
             });
         const auto deletion =
             std::find_if(record.events.rbegin(), record.events.rend(),

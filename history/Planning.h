@@ -108,6 +108,9 @@ private:
     bool isConcerned(const Event& event) const {
         return m_concerned.count(event.change->group) != 0;
     }
+    /// Whether what is asked for has to do with the record; else it went with the answer, or is
+    /// what m_beside changed.
+    bool isAsked(const Record& record) const;
     bool counts(const Event& event) const;
     void work(Record& record) const;
     /// After which change others have built on a record that is to be deleted: the first of the
@@ -117,6 +120,7 @@ private:
     /// Whether it is of an undo of this user's that is to hold again: what it took along was asked
     /// for then.
     bool holdsAgain(const Event& event) const;
+    bool wasTakenBackBeside(const Record& record) const;
     /// The change by which such an undo has deleted that, or taken it out of what it deleted, with
     /// the work of others; 0: none did, or somebody has changed it since.
     int64_t wentAlong(const Record* below, int link) const;
@@ -290,7 +294,10 @@ private:
     const Selection& m_selection;
     Inverse& m_inverse;
     const int64_t m_answered; ///< what took them back before and was itself taken back; 0: nothing
-    const std::set<int64_t> m_concerned;
+    const std::set<int64_t> m_asked;     ///< the actions, and what they take back
+    const std::set<int64_t> m_concerned; ///< these, and the answer with what took it back
+    std::set<int64_t> m_beside; ///< what the answer took back beside the actions; nobody was asked
+                                ///< whether that goes with them
     std::vector<std::vector<store::Change>> m_changes; ///< that the events are about
     std::pmr::monotonic_buffer_resource m_memory;      ///< records in order lie in order there
     std::pmr::map<const store::TableDef*, Records> m_records{&m_memory};

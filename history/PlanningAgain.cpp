@@ -5,13 +5,16 @@
 #include "frame/Vocabulary.h"
 #include "platform/store/Names.h"
 
+#include <algorithm>
+
 namespace orvo::history {
 
 const Planning::Event* Planning::builtOnSince(const Record& record) const {
     const Event* since = nullptr;
+    const bool wasAnswered = !wasTakenBackBeside(record);
     for (const Event& event : record.events)
         if (isConcerned(event) &&
-            (!since || (holdsAgain(event) && event.change->code == OrvoEventDelete)))
+            (!since || (wasAnswered && holdsAgain(event) && event.change->code == OrvoEventDelete)))
             since = &event;
     return since;
 }
@@ -23,6 +26,12 @@ bool Planning::holdsAgain(const Event& event) const {
            event.change->login == m_store.login();
 }
 
+bool Planning::wasTakenBackBeside(const Record& record) const {
+    return std::any_of(record.events.begin(), record.events.end(), [&](const Event& event) {
+        return m_beside.count(event.change->group) != 0;
+    });
+}
+
 /// Of others an undo or a lock as well: they have it in hand.
 bool Planning::isLaterWork(const Event& event) const {
     return !isConcerned(event) && (counts(event) || event.change->login != m_store.login());
@@ -30,7 +39,9 @@ bool Planning::isLaterWork(const Event& event) const {
 
 int64_t Planning::wentAlong(const Record* below, int link) const {
     int64_t went = 0;
-    for (const Event& event : below ? below->events : std::vector<Event>())
+    if (!below || wasTakenBackBeside(*below))
+        return went;
+    for (const Event& event : below->events)
         if (isLaterWork(event))
             went = 0;
         else if (holdsAgain(event) &&

@@ -49,8 +49,9 @@ int64_t Standing::lastAnswer(const std::vector<int64_t>& groups, const std::stri
     const std::set<int64_t> asked(groups.begin(), groups.end());
     for (auto undoing = m_undoes.rbegin(); undoing != m_undoes.rend(); ++undoing) {
         const int64_t group = undoing->first;
-        if (stands(group) ||
-            std::set<int64_t>(undoing->second.begin(), undoing->second.end()) != asked)
+        const std::set<int64_t> answered(undoing->second.begin(), undoing->second.end());
+        if (stands(group) || asked.empty() ||
+            !std::includes(answered.begin(), answered.end(), asked.begin(), asked.end()))
             continue;
         const int64_t by = undoneBy(group);
         return by != 0 && m_logins.at(group) == login && m_logins.at(by) == login ? group : 0;

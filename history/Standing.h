@@ -38,8 +38,8 @@ public:
         const auto undoing = m_undoes.find(group);
         return undoing == m_undoes.end() ? std::vector<int64_t>() : undoing->second;
     }
-    /// The newest group of that login that took back these and no others, and that the same login
-    /// has taken back; 0: none.
+    /// The newest group that took back these, or these and others: if it was of that login, and the
+    /// same login has taken it back; else 0.
     int64_t lastAnswer(const std::vector<int64_t>& groups, const std::string& login) const;
     /// These groups, the ones that they take back, the ones that those take back and so on.
     std::set<int64_t> concerned(const std::vector<int64_t>& groups) const;

@@ -32,6 +32,7 @@ private slots:
     void whatIsOlderAndHasNoWayBackStays();
     void whatIsOlderLeavesALeafAgain();
     void whatWentAlongOnceGoesAgainWithoutAQuestion();
+    void whatWentAlongWithSeveralGoesAgainWithOne();
     void whatWentAlongSeveralLevelsDeepGoesAgain();
     void aFormIntoWhichOthersPutFilesSinceDoesNotGoAgain();
     void whatComesBackIsNotLeftNowhere();
@@ -385,6 +386,45 @@ void TestHistoryPlaces::whatWentAlongOnceGoesAgainWithoutAQuestion() {
     ORVO_OK(undo(*m_anna, {back}, {}, &done));
     QVERIFY(!done.written && done.asks());
     isTold(done, "\nНе удалено: элемент меню «Новая»: на этом построено другое \\(boris, [^)]*\\)");
+}
+
+void TestHistoryPlaces::whatWentAlongWithSeveralGoesAgainWithOne() {
+    ORVO_OK(Batch("Menu").insert("o", {{"caption", "Новая"}, {"parent", "a"}}).send(*m_anna));
+    const int64_t making = last(*m_anna);
+    ORVO_OK(Batch("Menu").insert("p", {{"caption", "Чужая"}, {"parent", "o"}}).send(*m_boris));
+    const int64_t other = rename(*m_anna, "c", "Другая");
+    rename(*m_boris, "b", "Его");
+    const QStringList with = snapshot();
+    Choices choices;
+    choices.othersWorkToo = true;
+    Inverse done;
+    ORVO_OK(undo(*m_anna, {making, other}, choices, &done));
+    ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+    QCOMPARE(snapshot(), with);
+    rename(*m_boris, "c", "Снова его"); // has nothing to do with the one
+    ORVO_OK(undo(*m_anna, {making}, {}, &done));
+    QCOMPARE(told(done), QString());
+    QVERIFY(done.written);
+    QCOMPARE(done.count, size_t(2));
+    QVERIFY(snapshot().filter("Чужая").isEmpty());
+    QCOMPARE(caption("c"), QString("Снова его"));
+
+    // What was taken back beside it did not go along, and nobody was asked about it.
+    for (const bool inside : {true, false}) {
+        const char* const key = inside ? "q" : "r";
+        ORVO_OK(Batch("Menu").insert(key, {{"caption", "Ещё"}, {"parent", "a"}}).send(*m_anna));
+        const int64_t again = last(*m_anna);
+        ORVO_OK(inside ? Batch("Menu").insert("s", {{"parent", key}}).send(*m_boris)
+                       : Batch("Menu").update(key, {{"params", "его"}}).send(*m_boris));
+        const QStringList built = snapshot();
+        ORVO_OK(undo(*m_anna, {again, last(*m_boris)}, {}, &done));
+        QVERIFY(done.written);
+        ORVO_OK(undo(*m_anna, {last(*m_anna)}, {}, &done));
+        QCOMPARE(snapshot(), built);
+        ORVO_OK(undo(*m_anna, {again}, {}, &done));
+        QVERIFY2(!done.written && done.asks(), qPrintable(told(done)));
+        QCOMPARE(snapshot(), built);
+    }
 }
 
 void TestHistoryPlaces::whatWentAlongSeveralLevelsDeepGoesAgain() {
