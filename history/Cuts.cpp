@@ -6,6 +6,7 @@
 #include "platform/store/Names.h"
 
 #include <cstring>
+#include <set>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -44,32 +45,67 @@ std::string deletedContent(const store::TableDef& table, const store::Change& de
     return contentOf(table, store::valuesFromJson(table, deletion.before));
 }
 
-store::Status deletionByCut(store::MaintainedStore& store, const store::Change& insertion,
-                            std::optional<store::Change>* deletion) {
+namespace {
+
+/// What a cut has done besides with the content of a record that it has inserted or deleted.
+store::Status otherHalf(store::MaintainedStore& store, const store::Change& half,
+                        std::optional<store::Change>* other) {
     constexpr int mostRead = 2000;
-    deletion->reset();
-    const store::TableDef* table = tableOf(insertion.table);
-    if (!table || insertion.code != OrvoEventInsert)
+    other->reset();
+    const store::TableDef* table = tableOf(half.table);
+    if (!table || half.code == OrvoEventUpdate)
         return {};
     store::LogQuery query;
-    query.group = insertion.group;
-    query.table = insertion.table;
+    query.group = half.group;
+    query.table = half.table;
     query.oldestFirst = true;
     std::vector<store::Change> changes;
     store::Status status = store.history(query, mostRead, &changes);
-    const std::string content = contentOf(*table, store::valuesFromJson(*table, insertion.after));
-    size_t number = 0; // among what the action has made alike
+    const auto contentIn = [&](const store::Change& change) {
+        return change.code == OrvoEventDelete
+                   ? deletedContent(*table, change)
+                   : contentOf(*table, store::valuesFromJson(*table, change.after));
+    };
+    const std::string content = contentIn(half);
+    size_t number = 0; // among those alike
     for (const store::Change& change : changes)
-        if (change.code == OrvoEventInsert && change.id < insertion.id &&
-            contentOf(*table, store::valuesFromJson(*table, change.after)) == content)
+        if (change.code == half.code && change.id < half.id && contentIn(change) == content)
             ++number;
     for (store::Change& change : changes)
-        if (change.code == OrvoEventDelete && deletedContent(*table, change) == content &&
-            number-- == 0) {
-            *deletion = std::move(change);
+        if (change.code != half.code && change.code != OrvoEventUpdate &&
+            contentIn(change) == content && number-- == 0) {
+            *other = std::move(change);
             break;
         }
     return status;
+}
+
+} // namespace
+
+store::Status deletionByCut(store::MaintainedStore& store, const store::Change& insertion,
+                            std::optional<store::Change>* deletion) {
+    deletion->reset();
+    return insertion.code == OrvoEventInsert ? otherHalf(store, insertion, deletion)
+                                             : store::Status();
+}
+
+store::Status keyAfterCuts(store::MaintainedStore& store, const std::string& table,
+                           std::string* key) {
+    std::set<std::string> seen;
+    while (seen.insert(store::foldedKey(*key)).second) {
+        store::LogQuery query;
+        query.table = table;
+        query.key = *key;
+        std::vector<store::Change> last;
+        std::optional<store::Change> insertion;
+        store::Status status = store.history(query, 1, &last);
+        if (status.ok() && !last.empty() && last.front().code == OrvoEventDelete)
+            status = otherHalf(store, last.front(), &insertion);
+        if (!status.ok() || !insertion)
+            return status;
+        *key = insertion->key;
+    }
+    return {};
 }
 
 } // namespace orvo::history

@@ -22,6 +22,10 @@ std::string deletedContent(const store::TableDef& table, const store::Change& de
 /// was made in no cut, or in one of several thousand records.
 store::Status deletionByCut(store::MaintainedStore& store, const store::Change& insertion,
                             std::optional<store::Change>* deletion);
+/// The key under which the record is stored that the key named, or was stored last: a cut may have
+/// given it another one.
+store::Status keyAfterCuts(store::MaintainedStore& store, const std::string& table,
+                           std::string* key);
 
 } // namespace orvo::history
 

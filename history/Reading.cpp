@@ -244,11 +244,18 @@ void Reader::skip(std::set<int64_t> groups, int64_t from) {
         m_query.below = m_from = from;
 }
 
-/// The records of the branch as it is now, or the changes of a row's contents.
+/// The records of the branch as it is now, or what the row is now and the changes of its contents.
 store::Status Reader::begin() {
+    if (!m_filter.branch) {
+        store::Status status;
+        if (!m_query.key.empty())
+            status = keyAfterCuts(m_store, m_query.table, &m_query.key);
+        if (status.ok())
+            status = contentChanges(m_store, m_query, &m_contents);
+        m_begun = true;
+        return status;
+    }
     m_begun = true;
-    if (!m_filter.branch)
-        return contentChanges(m_store, m_query, &m_contents);
     BranchMembers own(*m_filter.branch);
     BranchMembers& members = m_known != nullptr ? *m_known : own;
     store::Status status = members.update(m_store);

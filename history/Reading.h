@@ -50,8 +50,8 @@ struct Group {
 /// Which groups are wanted: those with a change that every given condition lets pass.
 struct Filter {
     std::string table; ///< of this table
-    std::string key;   ///< of the record with this key, and of those from which it was cut; of a
-                       ///< form or file its contents as well
+    std::string key;   ///< of the record with this key, of those from which it was cut, and of
+                       ///< what it was cut to; of a form or file its contents as well
     std::optional<std::string> login; ///< by this login; empty: by hand
     std::optional<double> since;      ///< made at that time or later
     std::optional<double> until;      ///< made before that time

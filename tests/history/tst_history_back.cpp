@@ -87,6 +87,18 @@ void TestHistoryBack::aRowThatWasCutGoesBackToAPlaceBefore() {
     const std::vector<Group> groups = told(reader, 100);
     QCOMPARE(groups.size(), size_t(5)); // its name, two cuts, its name, its making
     QCOMPARE(groups[3].id, place);
+    for (const char* former : {"c", "c2"}) { // however it was called
+        Filter then = row;
+        then.key = former;
+        Reader all(*m_anna, then);
+        const std::vector<Group> same = told(all, 100);
+        QCOMPARE(same.size(), groups.size());
+        for (size_t i = 0; i < groups.size(); ++i)
+            QCOMPARE(same[i].id, groups[i].id);
+        then.above = groups[1].newest; // what came since is the new one's
+        Reader newer(*m_anna, then);
+        QCOMPARE(told(newer, 100).size(), size_t(1));
+    }
     Filter hers = row;
     hers.login = "anna";
     Reader ofHer(*m_anna, hers);
