@@ -57,11 +57,14 @@ LargeGroup::LargeGroup(const Group& group, RecordSource& source, bool isTakenBac
         });
     for (size_t i = 0; i < counts.size(); ++i)
         if (onlyContents || (!countsContents(counts[i]) && (onlyOrder || !isOrder(counts[i]))))
-            m_kinds.push_back({&counts[i], logged(group.tops[i]), group.follows[i]});
+            m_kinds.push_back(
+                {&counts[i], logged(group.tops[i]), group.follows[i], counts[i].count});
     for (Kind& kind : m_kinds)
         kind.top.isTakenBack = isTakenBack;
-    m_replaced = isReplaced();
-    m_cut = !m_replaced && isCut();
+    m_replaced = group.rewrites && !isMostlyGone(group);
+    if (group.rewrites && !m_replaced)
+        leaveOutWrittenAgain();
+    m_cut = !group.rewrites && isCut();
     if (!m_cut)
         return;
     // As the move that was meant: what was made, from where the other one was deleted.
@@ -93,30 +96,23 @@ bool LargeGroup::isCut() const {
                        [](const auto& table) { return table.second == 0; });
 }
 
-bool LargeGroup::isReplaced() const {
-    const auto isSame = [](const Kind& one, const Kind& other) {
-        return one.count->code == OrvoEventDelete && other.count->code == OrvoEventInsert &&
-               one.count->table == other.count->table &&
-               store::foldedKey(one.top.change->key) == store::foldedKey(other.top.change->key);
-    };
-    const bool hasSame = std::any_of(m_kinds.begin(), m_kinds.end(), [&](const Kind& one) {
-        return std::any_of(m_kinds.begin(), m_kinds.end(),
-                           [&](const Kind& other) { return isSame(one, other); });
-    });
-    int64_t deleted = 0;
-    for (const Kind& kind : m_kinds)
-        deleted += kind.count->code == OrvoEventDelete ? kind.count->count : 0;
-    return hasSame && gone() * 2 <= deleted; // else it is a deletion before all
+void LargeGroup::leaveOutWrittenAgain() {
+    const std::map<std::string, int64_t> gone = goneByTable(m_group);
+    std::vector<Kind> left;
+    for (Kind kind : m_kinds) {
+        if (kind.count->code != OrvoEventUpdate)
+            kind.number =
+                (kind.count->code == OrvoEventDelete ? 1 : -1) * gone.at(kind.count->table);
+        if (kind.number > 0)
+            left.push_back(std::move(kind));
+    }
+    if (!left.empty())
+        m_kinds = std::move(left);
 }
 
 int64_t LargeGroup::gone() const {
-    std::map<std::string, int64_t> surplus;
-    for (const Kind& kind : m_kinds)
-        if (kind.count->code != OrvoEventUpdate)
-            surplus[kind.count->table] +=
-                kind.count->code == OrvoEventDelete ? kind.count->count : -kind.count->count;
     int64_t all = 0;
-    for (const auto& [table, count] : surplus)
+    for (const auto& [table, count] : goneByTable(m_group))
         all += std::max<int64_t>(count, 0);
     return all;
 }
@@ -124,7 +120,7 @@ int64_t LargeGroup::gone() const {
 /// Whether all are of one kind and, as far as they were read, none holds the others.
 bool LargeGroup::isFlat() const {
     const LoggedChange& top = first();
-    if (m_kinds.size() > 1 || !top.table)
+    if (m_kinds.size() > 1 || !top.table || m_group.rewrites)
         return false;
     return std::none_of(
         m_group.changes.begin(), m_group.changes.end(), [&](const store::Change& change) {
@@ -141,7 +137,7 @@ size_t LargeGroup::total() const {
         return static_cast<size_t>(all);
     for (const Kind& kind : m_kinds)
         if (!m_cut || kind.count->code == OrvoEventInsert)
-            all += kind.count->count;
+            all += kind.number;
     return static_cast<size_t>(all);
 }
 

@@ -31,13 +31,14 @@ private:
         const store::ChangeCount* count = nullptr;
         LoggedChange top;
         bool follows = false;
+        int64_t number = 0; ///< of its records, less those that the group has written again
     };
 
     /// The change that the words begin with.
     const LoggedChange& first() const { return m_kinds.front().top; }
     bool isCut() const;
-    /// Whether what it deletes is written again under the same keys.
-    bool isReplaced() const;
+    /// Of a deletion of most leaves out what was written again.
+    void leaveOutWrittenAgain();
     /// Of these, how many records at least are not.
     int64_t gone() const;
     bool isFlat() const;

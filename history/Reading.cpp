@@ -77,9 +77,20 @@ store::Status findIn(store::MaintainedStore& store, const Group& group, int code
     return status;
 }
 
+/// Whether the group writes again what that change of it deletes.
+store::Status isWrittenAgain(store::MaintainedStore& store, const Group& group,
+                             const store::Change& deletion, bool* again) {
+    std::vector<store::Change> found;
+    store::Status status;
+    if (const store::TableDef* table = tableOf(deletion.table))
+        status = findIn(store, group, OrvoEventInsert, {table, deletion.key}, &found);
+    *again = !found.empty();
+    return status;
+}
+
 /// The change with that id; of a record made or deleted that of the one that holds it, as far as
-/// the group has it.
-store::Status findTop(store::MaintainedStore& store, const Group& group, int64_t id,
+/// the group has it. `gone`: and has not written it again.
+store::Status findTop(store::MaintainedStore& store, const Group& group, int64_t id, bool gone,
                       std::vector<store::Change>* top) {
     store::LogQuery query;
     query.above = id - 1;
@@ -92,11 +103,46 @@ store::Status findTop(store::MaintainedStore& store, const Group& group, int64_t
         for (const auto& place : placesOf(logged(top->front())))
             if (status.ok() && above.empty())
                 status = findIn(store, group, top->front().code, place, &above);
-        if (above.empty())
+        bool again = false;
+        if (status.ok() && gone && !above.empty())
+            status = isWrittenAgain(store, group, above.front(), &again);
+        if (above.empty() || again)
             break;
         top->swap(above);
     }
     return status;
+}
+
+/// Of a group that rewrites: a deletion of that kind which is one; none if the first ones are not.
+store::Status findGone(store::MaintainedStore& store, const Group& group,
+                       const store::ChangeCount& kind, std::vector<store::Change>* top) {
+    constexpr int mostLooked = 50;
+    store::Status status;
+    int looked = 0;
+    top->clear();
+    for (const store::Change& change : group.changes) {
+        if (change.table != kind.table || change.code != kind.code)
+            continue;
+        bool again = false;
+        status = isWrittenAgain(store, group, change, &again);
+        if (status.ok() && !again)
+            return findTop(store, group, change.id, true, top);
+        if (!status.ok() || ++looked == mostLooked)
+            break;
+    }
+    return status;
+}
+
+/// Whether the tops of a kind of deletions and one of inserts are the same record.
+bool isRewriting(const Group& group) {
+    for (size_t i = 0; i < group.counts.size(); ++i)
+        for (size_t k = 0; k < group.counts.size(); ++k)
+            if (group.counts[i].code == OrvoEventDelete &&
+                group.counts[k].code == OrvoEventInsert &&
+                group.counts[i].table == group.counts[k].table &&
+                store::foldedKey(group.tops[i].key) == store::foldedKey(group.tops[k].key))
+                return true;
+    return false;
 }
 
 /// Whether that change moves a record from one that the group deletes to one that it makes.
@@ -165,6 +211,23 @@ bool changesNothing(const store::Change& change) {
     return !(after.empty() && before.empty()) && isIn(after, before) && isIn(before, after);
 }
 
+std::map<std::string, int64_t> goneByTable(const Group& group) {
+    std::map<std::string, int64_t> gone;
+    for (const store::ChangeCount& count : group.counts)
+        if (count.code != OrvoEventUpdate)
+            gone[count.table] += count.code == OrvoEventDelete ? count.count : -count.count;
+    return gone;
+}
+
+bool isMostlyGone(const Group& group) {
+    int64_t deleted = 0, gone = 0;
+    for (const store::ChangeCount& count : group.counts)
+        deleted += count.code == OrvoEventDelete ? count.count : 0;
+    for (const auto& [table, count] : goneByTable(group))
+        gone += std::max<int64_t>(count, 0);
+    return gone * 2 > deleted;
+}
+
 store::Status countGroup(store::MaintainedStore& store, Group* group) {
     if (group->isCounted())
         return {};
@@ -175,7 +238,7 @@ store::Status countGroup(store::MaintainedStore& store, Group* group) {
     for (const store::ChangeCount& count : counts) {
         std::vector<store::Change> top;
         if (status.ok())
-            status = findTop(store, *group, count.first, &top);
+            status = findTop(store, *group, count.first, false, &top);
         if (!status.ok())
             break;
         group->count += count.count;
@@ -187,6 +250,15 @@ store::Status countGroup(store::MaintainedStore& store, Group* group) {
         group->counts.push_back(count);
         group->tops.push_back(std::move(top.front()));
         group->follows.push_back(follows);
+    }
+    group->rewrites = isRewriting(*group);
+    for (size_t i = 0; i < group->counts.size() && group->rewrites && status.ok(); ++i) {
+        if (group->counts[i].code != OrvoEventDelete || !isMostlyGone(*group))
+            continue;
+        std::vector<store::Change> top;
+        status = findGone(store, *group, group->counts[i], &top);
+        if (!top.empty())
+            group->tops[i] = std::move(top.front());
     }
     return status;
 }

@@ -32,12 +32,15 @@ struct Group {
     int64_t count = 0;                  ///< of its changes, as far as they were counted
     int64_t newest = 0;                 ///< the last of these
     /// If it was read in part and counted, all its changes by kinds; and for each kind the change
-    /// that it begins with, of records made or deleted the one that holds that record.
+    /// that it begins with, of records made or deleted the one that holds that record. If most of
+    /// what it deletes is gone, so are those that stand here for it, as far as some of them tell.
     std::vector<store::ChangeCount> counts;
     std::vector<store::Change> tops;
     /// For each kind whether it moves records from what the group deletes to what it makes, as far
     /// as the first and the last of that kind tell: those in a branch that was cut.
     std::vector<bool> follows;
+    /// Whether it writes again what it deletes, as far as the tops tell: a load with --replace.
+    bool rewrites = false;
     std::vector<int64_t> undoes; ///< the groups that it takes back
     bool redoes = false; ///< all that it takes back took something back, so it does that again
 
@@ -117,6 +120,12 @@ private:
     };
     Page m_page;
 };
+
+/// Of a group that was counted and rewrites: how many records of each table are gone at least;
+/// below 0: so many more are there.
+std::map<std::string, int64_t> goneByTable(const Group& group);
+/// Whether more than half of what it deletes is gone.
+bool isMostlyGone(const Group& group);
 
 /// The group with that id, with all its changes or the first `most` of them; without changes if the
 /// log does not tell of it.
