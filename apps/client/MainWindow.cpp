@@ -7,6 +7,7 @@
 #include "apps/client/ModuleTabs.h"
 #include "apps/client/PageDocks.h"
 #include "apps/client/PaneKeys.h"
+#include "apps/client/PaneRoom.h"
 #include "apps/client/StatusLine.h"
 #include "apps/client/WindowMemory.h"
 #include "frame/OrvoClient.h"
@@ -35,7 +36,6 @@ namespace orvo::app {
 namespace {
 
 constexpr QSize usualSize(1366, 900);
-constexpr int usefulHeight = 300; ///< of a pane that is called by a key
 
 } // namespace
 
@@ -57,6 +57,7 @@ MainWindow::MainWindow(const QString& store, const QString& login)
     m_logDock->setWidget(search);
     m_logDock->setFeatures(QDockWidget::DockWidgetClosable | QDockWidget::DockWidgetMovable);
     addDockWidget(Qt::BottomDockWidgetArea, m_logDock);
+    m_paneRoom = std::make_unique<PaneRoom>(*this, *m_logDock);
     makeMenus();
     constexpr int titleBar = 40, borders = 8; // of the frame, not known yet
     const QRect area = screen()->availableGeometry();
@@ -153,6 +154,7 @@ QDockWidget* MainWindow::addPane(QWidget* content, const QString& title, const Q
     addDockWidget(Qt::BottomDockWidgetArea, dock);
     tabifyDockWidget(m_logDock, dock);
     dock->hide();
+    m_paneRoom->add(dock);
     emit paneAdded(dock);
     if (shortcut.isEmpty()) {
         m_view->addAction(dock->toggleViewAction());
@@ -191,10 +193,7 @@ void MainWindow::showCurrentRows() {
 }
 
 void MainWindow::bringUp(QDockWidget* pane) {
-    pane->show();
-    pane->raise();
-    if (pane->height() < usefulHeight)
-        resizeDocks({pane}, {usefulHeight}, Qt::Vertical);
+    m_paneRoom->open(pane);
     raise(); // the key may come from another window
     activateWindow();
     pane->widget()->setFocus(Qt::ShortcutFocusReason);

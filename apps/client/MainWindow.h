@@ -23,6 +23,7 @@ class Handbook;
 class LogPane;
 class ModuleTabs;
 class PageDocks;
+class PaneRoom;
 class StatusLine;
 
 class MainWindow : public QMainWindow {
@@ -147,6 +148,7 @@ private:
     LogPane* m_log;
     StatusLine* m_status;
     QDockWidget* m_logDock;
+    std::unique_ptr<PaneRoom> m_paneRoom;
     std::unique_ptr<PageDocks> m_pageDocks; ///< goes before what it looks at
     QMenu* m_edit = nullptr;
     QMenu* m_view = nullptr;

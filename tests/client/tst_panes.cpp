@@ -6,6 +6,7 @@
 #include "tests/client/HostFixture.h"
 
 #include <QAbstractItemModelTester>
+#include <QDockWidget>
 #include <QLabel>
 #include <QPushButton>
 #include <QTabWidget>
@@ -259,6 +260,25 @@ private slots:
         QCOMPARE(tabs->tabText(0), QString("Редактор && меню"));
         delete module;
         QCOMPARE(tabs->count(), 0);
+    }
+
+    void aClosedPaneGivesTheEditorsTheirHeightBack() {
+        MainWindow window("/tmp/orvo.db", "ivanov");
+        window.resize(760, 700); // the screen of tests without a display is 800 high
+        const auto* log = window.findChild<QDockWidget*>("logDock");
+        QDockWidget* first = window.addPane(new QTreeView, "Проблемы", "problems", Qt::Key_F8);
+        QDockWidget* second = window.addPane(new QTreeView, "История", "history", Qt::Key_F4);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        const int editors = window.centralWidget()->height();
+        const int logHeight = log->height();
+        QTest::keyClick(&window, Qt::Key_F8);
+        QTest::keyClick(&window, Qt::Key_F4);
+        QTRY_VERIFY(second->height() > 250 && window.centralWidget()->height() < editors);
+        second->close();
+        first->close();
+        QTRY_COMPARE(log->height(), logHeight);
+        QTRY_COMPARE(window.centralWidget()->height(), editors);
     }
 
     void anErrorIsABoxOverTheWindow() {
