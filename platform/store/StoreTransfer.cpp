@@ -7,6 +7,7 @@
 
 #include "frame/Vocabulary.h"
 
+#include <cassert>
 #include <cmath>
 #include <limits>
 
@@ -40,7 +41,12 @@ bool fits(const Value& value, const FieldDef& field) {
     }
 }
 
-/// Checks what comes and writes it.
+/// Checks what comes and writes it, records of one table by the thousand: each call of a database
+/// costs more than the row.
+///
+/// Invariants:
+/// 1. What is gathered belongs to m_table, in the order in which it came.
+/// 2. Nothing is gathered while a content is open: its key refers to a record before it.
 class Filler : public Receiver {
 public:
     explicit Filler(StoreBackend& store) : m_store(store) {}
@@ -52,20 +58,32 @@ public:
     Status record(const TableDef& table, const std::vector<Value>& values,
                   const std::string& place) override {
         Status status = endContent();
+        if (status.ok() && m_table != &table)
+            status = writeGathered();
+        Write write;
         if (status.ok())
-            status = plan(table, values, place);
-        return status.ok() ? m_store.apply(table, m_write) : status;
+            status = plan(table, values, place, &write);
+        if (!status.ok()) { // what came before it may be wrong too, and is to be told first
+            const Status before = writeGathered();
+            return before.ok() ? status : before;
+        }
+        m_table = &table;
+        for (const auto& [field, value] : write.values)
+            m_size += sizeof value + textOf(value).size();
+        m_gathered.push_back(std::move(write));
+        const bool isEnough = m_gathered.size() >= mostGathered || m_size >= mostBytes;
+        return isEnough ? writeGathered() : status;
     }
 
     Status content(const std::vector<Value>& values, const std::string& place) override {
         static const auto sizeField = static_cast<size_t>(contentTable().find(field::size));
-        Status status = endContent();
+        Status status = finish();
         if (status.ok())
-            status = plan(contentTable(), values, place);
+            status = plan(contentTable(), values, place, &m_content);
         if (!status.ok())
             return status;
         m_left = static_cast<uint64_t>(std::get<int64_t>(values[sizeField]));
-        status = m_store.beginContent(m_write, m_left);
+        status = m_store.beginContent(m_content, m_left);
         m_open = status.ok();
         return status;
     }
@@ -75,40 +93,62 @@ public:
             return {BadArguments, StdText::tr("Содержимое без записи")};
         if (piece.size() > m_left)
             return {Refused,
-                    m_write.place + StdText::tr(": содержимое длиннее, чем сказано в записи")};
+                    m_content.place + StdText::tr(": содержимое длиннее, чем сказано в записи")};
         m_left -= piece.size();
         return piece.empty() ? Status() : m_store.contentPiece(piece);
     }
 
-    /// To be called at the end of it all.
-    Status endContent() {
-        if (!m_open)
-            return {};
-        m_open = false;
-        if (m_left != 0)
-            return {Refused,
-                    m_write.place + StdText::tr(": содержимое короче, чем сказано в записи")};
-        return m_store.endContent();
+    /// Writes what is gathered; to be called at the end of it all.
+    Status finish() {
+        const Status status = endContent();
+        return status.ok() ? writeGathered() : status;
     }
 
 private:
-    Status plan(const TableDef& table, const std::vector<Value>& values, const std::string& place) {
+    static constexpr size_t mostGathered = 2000;
+    static constexpr size_t mostBytes = 1 << 20;
+
+    Status endContent() {
+        if (!m_open)
+            return {};
+        assert(m_gathered.empty());
+        m_open = false;
+        if (m_left != 0)
+            return {Refused,
+                    m_content.place + StdText::tr(": содержимое короче, чем сказано в записи")};
+        return m_store.endContent();
+    }
+
+    Status writeGathered() {
+        if (m_gathered.empty())
+            return {};
+        const Status status = m_store.applyAll(*m_table, m_gathered);
+        m_gathered.clear();
+        m_size = 0;
+        return status;
+    }
+
+    static Status plan(const TableDef& table, const std::vector<Value>& values,
+                       const std::string& place, Write* write) {
         if (const Status checked = checkRecord(table, values, place); !checked.ok())
             return checked;
-        m_write.flag = MDX_INSERT;
-        m_write.key = textOf(values.front());
-        m_write.place = placeInWords(table, values, place);
-        m_write.values.clear();
+        write->flag = MDX_INSERT;
+        write->key = textOf(values.front());
+        write->place = placeInWords(table, values, place);
+        write->values.clear();
         for (size_t i = 1; i < values.size(); ++i) {
             // All fields, so that one statement serves all records of a table.
             const bool none = table.fields[i].link && textOf(values[i]).empty();
-            m_write.values.emplace_back(static_cast<int>(i), none ? Value() : values[i]);
+            write->values.emplace_back(static_cast<int>(i), none ? Value() : values[i]);
         }
         return {};
     }
 
     StoreBackend& m_store;
-    Write m_write;
+    const TableDef* m_table = nullptr;
+    std::vector<Write> m_gathered;
+    size_t m_size = 0; ///< of its values, in bytes
+    Write m_content;   ///< the open one
     bool m_open = false;
     uint64_t m_left = 0; ///< of the open content
 };
@@ -186,7 +226,7 @@ Status StoreCore::replaceAll(const std::function<Status(Receiver& store)>& work)
             if (status.ok())
                 status = work(filler);
             if (status.ok())
-                status = filler.endContent();
+                status = filler.finish();
             return status;
         });
     });
