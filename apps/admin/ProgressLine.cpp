@@ -34,14 +34,17 @@ ProgressLine::~ProgressLine() {
 bool ProgressLine::operator()(uint64_t done, uint64_t all) {
     if (Interruptible::requested())
         return false;
+    show(all > 0 ? std::to_string(std::min(done, all) * 100 / all) + " %"
+                 : std::to_string(done >> 20) + StdText::tr(" МБ"));
+    return true;
+}
+
+void ProgressLine::show(const std::string& state) {
     const auto now = std::chrono::steady_clock::now();
     if (now < m_next)
-        return true;
+        return;
     m_next = now + m_every;
-    write(m_what + ": " +
-          (all > 0 ? std::to_string(std::min(done, all) * 100 / all) + " %"
-                   : std::to_string(done >> 20) + StdText::tr(" МБ")));
-    return true;
+    write(m_what + ": " + state);
 }
 
 void ProgressLine::write(const std::string& text) {
@@ -53,6 +56,29 @@ void ProgressLine::write(const std::string& text) {
     std::fprintf(stderr, "\r%s%s%s", text.c_str(), blanks.c_str(), text.empty() ? "\r" : "");
     std::fflush(stderr);
     m_width = text.size();
+}
+
+WaitingLine::WaitingLine(const Invocation& call, std::string what)
+    : m_line(call, std::move(what))
+    , m_thread([this] { run(); }) {}
+
+WaitingLine::~WaitingLine() {
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_ends = true;
+    }
+    m_ended.notify_one();
+    m_thread.join();
+}
+
+void WaitingLine::run() {
+    std::unique_lock<std::mutex> lock(m_mutex);
+    while (!m_ended.wait_for(lock, std::chrono::seconds(1), [this] { return m_ends; })) {
+        const auto lasted = std::chrono::steady_clock::now() - m_begin;
+        m_line.show(
+            std::to_string(std::chrono::duration_cast<std::chrono::seconds>(lasted).count()) +
+            StdText::tr(" с"));
+    }
 }
 
 } // namespace orvo::admin

@@ -1125,10 +1125,6 @@ time (UTC).</translation>
         <translation>Only say how much would be forgotten.</translation>
     </message>
     <message>
-        <source>[--older-than КОГДА] [--versions-older-than КОГДА] [--versions-limit МИБ] [--dry-run]</source>
-        <translation>[--older-than WHEN] [--versions-older-than WHEN] [--versions-limit MIB] [--dry-run]</translation>
-    </message>
-    <message>
         <source>Забыть прежнее содержимое форм и файлов и старые изменения в журнале</source>
         <translation>Forget earlier content of forms and files and old changes in the log</translation>
     </message>
@@ -1213,10 +1209,6 @@ command names those who have none. “-” means standard input.</translation>
     <message>
         <source>БЫЛА=СТАЛА</source>
         <translation>OLD=NEW</translation>
-    </message>
-    <message>
-        <source>[--dry-run] [--partly] [--with-others] [--other-names] [--place БЫЛА=СТАЛА] ИЗМЕНЕНИЕ...</source>
-        <translation>[--dry-run] [--partly] [--with-others] [--other-names] [--place OLD=NEW] CHANGE...</translation>
     </message>
     <message>
         <source>Отменить действия из истории</source>
@@ -7552,6 +7544,42 @@ that somebody else has taken is not replaced: they release it, or unlock does.</
     <message>
         <source>; удалено %1</source>
         <translation>; %1 deleted</translation>
+    </message>
+    <message>
+        <source> с</source>
+        <translation> s</translation>
+    </message>
+    <message>
+        <source>проверка записей</source>
+        <translation>checking records</translation>
+    </message>
+    <message>
+        <source>проверка базы данных</source>
+        <translation>checking the database</translation>
+    </message>
+    <message>
+        <source>подготовка хранилища</source>
+        <translation>preparing the store</translation>
+    </message>
+    <message>
+        <source>прежнее содержимое</source>
+        <translation>former contents</translation>
+    </message>
+    <message>
+        <source>журнал изменений</source>
+        <translation>change log</translation>
+    </message>
+    <message>
+        <source>[--older-than КОГДА] [--versions-older-than КОГДА] [--versions-limit МИБ] [--dry-run] [--progress]</source>
+        <translation>[--older-than WHEN] [--versions-older-than WHEN] [--versions-limit MIB] [--dry-run] [--progress]</translation>
+    </message>
+    <message>
+        <source>отмена</source>
+        <translation>undo</translation>
+    </message>
+    <message>
+        <source>[--dry-run] [--partly] [--with-others] [--other-names] [--progress] [--place БЫЛА=СТАЛА] ИЗМЕНЕНИЕ...</source>
+        <translation>[--dry-run] [--partly] [--with-others] [--other-names] [--progress] [--place OLD=NEW] CHANGE...</translation>
     </message>
 </context>
 <context>

@@ -1,7 +1,10 @@
 // Who changed what, and how the log forgets.
 #include "AdminTest.h"
 
+#include <QProcess>
 #include <QRegularExpression>
+
+#include <cstring>
 
 class TestAdminHistory : public AdminTest {
     Q_OBJECT
@@ -17,6 +20,7 @@ private slots:
     void aTakenNameIsNamedAndAFreeOneIsOffered();
     void aUserComesBackWithoutHisRights();
     void badUndoIsRefused();
+    void undoTellsHowLongItLasts();
     void theNewestComesFirst();
     void filtersLeaveWhatIsAskedFor();
     void theKeyOfAFileFindsItsContentsToo();
@@ -36,6 +40,19 @@ private slots:
     void aReaderBehindThePrunedChangesNotices();
 
 private:
+    /// A program that lets nobody else write until it is killed.
+    std::unique_ptr<QProcess> holdWrites() const {
+        const QString url = QString::fromStdString(m_kind.url());
+        auto shell = std::make_unique<QProcess>();
+        if (isPostgres()) {
+            shell->start("psql", {"-X", "-q", "-d", url, "-f", "-"});
+            shell->write("BEGIN; LOCK TABLE \"MenuResource\" IN EXCLUSIVE MODE; \\echo held\n");
+        } else {
+            shell->start("sqlite3", {url.mid(int(strlen("sqlite://")))});
+            shell->write("BEGIN IMMEDIATE; SELECT 'held';\n");
+        }
+        return shell->waitForReadyRead(20000) ? std::move(shell) : nullptr;
+    }
     void makeUser(const char* login) const {
         QCOMPARE(run({"user", "add", login, "--last", "Иванов"}).code, 0);
     }
@@ -206,6 +223,24 @@ void TestAdminHistory::badUndoIsRefused() {
     ORVO_REFUSED(run({"undo", "9223372036854775807"}), "не номер изменения");
     ORVO_REFUSED(run({"undo", "999999"}), "изменения 999999 в журнале нет");
     ORVO_REFUSED(run({"undo", "1", "--place", "x"}), "--place «x»");
+}
+
+void TestAdminHistory::undoTellsHowLongItLasts() {
+    ORVO_DONE(run({"put", "form", m_admin->write("src/a.ui", "text")}));
+    const QString number = run({"history", "--limit", "1"}).out.section(' ', 0, 0);
+    const std::unique_ptr<QProcess> other = holdWrites();
+    QVERIFY(other);
+    QProcess undo;
+    undo.start(qEnvironmentVariable("ORVO_BIN_DIR") + "/orvo-admin",
+               onStore(m_kind, {"undo", "--progress", number}));
+    QByteArray told;
+    QTRY_VERIFY2((undo.waitForReadyRead(100), told += undo.readAllStandardError()).contains(" с\n"),
+                 told);
+    QVERIFY2(told.startsWith("отмена: 1 с\n"), told);
+    other->kill();
+    QVERIFY(other->waitForFinished());
+    QVERIFY(undo.waitForFinished());
+    QCOMPARE(undo.exitCode(), 0);
 }
 
 void TestAdminHistory::theNewestComesFirst() {

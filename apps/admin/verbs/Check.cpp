@@ -1,6 +1,7 @@
 #include "apps/admin/Failure.h"
 #include "apps/admin/Json.h"
 #include "apps/admin/Output.h"
+#include "apps/admin/ProgressLine.h"
 #include "apps/admin/Verb.h"
 #include "checks/Cures.h"
 #include "checks/Problems.h"
@@ -25,6 +26,7 @@ void checkOptions(OptionList& options) {
     options.append({QStringLiteral("fix"),
                     Text::tr("Исправить то, что исправляется однозначно; отменяет undo.")});
     jsonOption(options);
+    progressOption(options);
 }
 
 /// The records of the store as they are, and what is wrong with them.
@@ -33,7 +35,8 @@ struct Survey {
     checks::Catalogue records;
     checks::Problems problems{records};
 
-    void read(store::Store& store) {
+    void read(const Invocation& call, store::Store& store) {
+        const WaitingLine line(call, StdText::tr("проверка записей"));
         require(store.logPosition(&seen), StdText::tr("журнал не читается"));
         require(records.load(store), StdText::tr("записи не читаются"));
         problems.lookAtAll();
@@ -151,11 +154,11 @@ private:
 };
 
 /// Writes the cures of all findings that have one, as one action.
-void fix(store::MaintainedStore& store, Report& report) {
+void fix(const Invocation& call, store::MaintainedStore& store, Report& report) {
     constexpr int mostTries = 5; // others write as well
     for (int tried = 1;; ++tried) {
         Survey survey;
-        survey.read(store);
+        survey.read(call, store);
         checks::CureBatch batch;
         std::vector<std::pair<checks::Finding, QString>> cures;
         for (const checks::Finding& finding : survey.problems.all())
@@ -178,7 +181,10 @@ int run(const Invocation& call) {
     Report report(call.has("all"), call.has("json"));
     // The database first: what is damaged may not be readable below.
     std::vector<std::string> damages;
-    require(store->integrity(&damages), StdText::tr("база данных не проверена"));
+    {
+        const WaitingLine line(call, StdText::tr("проверка базы данных"));
+        require(store->integrity(&damages), StdText::tr("база данных не проверена"));
+    }
     for (const std::string& damage : damages)
         report.damage(damage);
     if (call.has("fix")) {
@@ -187,11 +193,11 @@ int run(const Invocation& call) {
         if (damages.size() > loose.size())
             throw Failure(std::string(notCured()) +
                           StdText::tr(": база данных повреждена, см. check без --fix"));
-        fix(*store, report);
+        fix(call, *store, report);
     }
     Survey survey;
     try {
-        survey.read(*store);
+        survey.read(call, *store);
         report.found(survey.problems);
     } catch (const Failure& failure) {
         // Of a damaged database some tables may not be readable: one finding more.
@@ -207,7 +213,7 @@ int run(const Invocation& call) {
 
 const Verb checkVerb = {
     "check",
-    "[--all] [--fix] [--json]",
+    "[--all] [--fix] [--json] [--progress]",
     QT_TRANSLATE_NOOP("orvo", "Проверить хранилище"),
     QT_TRANSLATE_NOOP(
         "orvo",

@@ -1,6 +1,7 @@
 #include "apps/admin/Failure.h"
 #include "apps/admin/Folders.h"
 #include "apps/admin/Output.h"
+#include "apps/admin/ProgressLine.h"
 #include "apps/admin/Suggestion.h"
 #include "apps/admin/Verb.h"
 #include "apps/admin/verbs/BaseFolders.h"
@@ -103,12 +104,16 @@ int run(const Invocation& call) {
     store::Status status;
     const std::string& url = call.storeUrl().text();
     const bool present = store::open(url, {adminLogin, false, adminProgram}, &status) != nullptr;
-    const auto store = store::openMaintained(url, {adminLogin, true, adminProgram}, &status);
-    if (!store)
-        throw Failure(StdText::tr("хранилище не сделано: ") + status.text);
-    // First: what is written before is not logged.
+    std::unique_ptr<store::MaintainedStore> store;
     std::vector<std::string> differences;
-    require(store->remakeTriggers(&differences), StdText::tr("триггеры не сделаны заново"));
+    {
+        const WaitingLine line(call, StdText::tr("подготовка хранилища"));
+        store = store::openMaintained(url, {adminLogin, true, adminProgram}, &status);
+        if (!store)
+            throw Failure(StdText::tr("хранилище не сделано: ") + status.text);
+        // First: what is written before is not logged.
+        require(store->remakeTriggers(&differences), StdText::tr("триггеры не сделаны заново"));
+    }
     makeBaseFolders(*store);
     out((present ? StdText::tr("хранилище уже есть: ") : StdText::tr("хранилище сделано: ")) +
         store->displayName());
@@ -125,7 +130,7 @@ int run(const Invocation& call) {
 
 const Verb initVerb = {
     "init",
-    "",
+    "[--progress]",
     QT_TRANSLATE_NOOP("orvo", "Сделать хранилище с начальными папками"),
     QT_TRANSLATE_NOOP(
         "orvo",
@@ -141,7 +146,7 @@ const Verb initVerb = {
         "открывают модули заново, потому что в журнале могли остаться пропуски."),
     0,
     0,
-    nullptr,
+    progressOption,
     run,
 };
 

@@ -1,5 +1,6 @@
 #include "apps/admin/Failure.h"
 #include "apps/admin/Output.h"
+#include "apps/admin/ProgressLine.h"
 #include "apps/admin/TimeParsing.h"
 #include "apps/admin/Verb.h"
 #include "frame/StdText.h"
@@ -25,6 +26,7 @@ void pruneOptions(OptionList& options) {
     add("versions-limit", Text::tr("Сколько мебибайт прежнего содержимого оставить, если не 1024."),
         Text::tr("МИБ"));
     options.append({QStringLiteral("dry-run"), Text::tr("Только сказать, сколько забылось бы.")});
+    progressOption(options);
 }
 
 double readMoment(const Invocation& call, const char* option) {
@@ -62,8 +64,11 @@ int run(const Invocation& call) {
     const double oldChanges = call.has("older-than") ? readMoment(call, "older-than") : 0;
     const auto store = call.open();
     store::PrunedVersions pruned;
-    require(store->pruneVersions(oldVersions, limit, dry, &pruned),
-            StdText::tr("прежнее содержимое не забыто"));
+    {
+        const WaitingLine line(call, StdText::tr("прежнее содержимое"));
+        require(store->pruneVersions(oldVersions, limit, dry, &pruned),
+                StdText::tr("прежнее содержимое не забыто"));
+    }
     out(StdText::tr("прежних содержимых старше ") + shownMoment(oldVersions) +
         StdText::tr(" и сверх ") + std::to_string(limit >> 20) + StdText::tr(" МиБ: ") +
         ending(call, pruned.count) +
@@ -72,9 +77,12 @@ int run(const Invocation& call) {
     if (!call.has("older-than"))
         return Done;
     int64_t id = 0, count = 0;
-    require(store->logBefore(oldChanges, &id, &count), StdText::tr("журнал не сокращён"));
-    if (count > 0 && !dry)
-        require(store->pruneLog(id), StdText::tr("журнал не сокращён"));
+    {
+        const WaitingLine line(call, StdText::tr("журнал изменений"));
+        require(store->logBefore(oldChanges, &id, &count), StdText::tr("журнал не сокращён"));
+        if (count > 0 && !dry)
+            require(store->pruneLog(id), StdText::tr("журнал не сокращён"));
+    }
     out(StdText::tr("изменений старше ") + shownMoment(oldChanges) + ": " + ending(call, count));
     return Done;
 }
@@ -83,9 +91,8 @@ int run(const Invocation& call) {
 
 const Verb pruneVerb = {
     "prune",
-    QT_TRANSLATE_NOOP(
-        "orvo",
-        "[--older-than КОГДА] [--versions-older-than КОГДА] [--versions-limit МИБ] [--dry-run]"),
+    QT_TRANSLATE_NOOP("orvo", "[--older-than КОГДА] [--versions-older-than КОГДА] "
+                              "[--versions-limit МИБ] [--dry-run] [--progress]"),
     QT_TRANSLATE_NOOP("orvo",
                       "Забыть прежнее содержимое форм и файлов и старые изменения в журнале"),
     QT_TRANSLATE_NOOP(

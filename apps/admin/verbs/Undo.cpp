@@ -1,6 +1,7 @@
 #include "apps/admin/ChangeLines.h"
 #include "apps/admin/Failure.h"
 #include "apps/admin/Output.h"
+#include "apps/admin/ProgressLine.h"
 #include "apps/admin/Verb.h"
 #include "frame/StdText.h"
 #include "frame/Text.h"
@@ -34,6 +35,7 @@ void undoOptions(OptionList& options) {
                     Text::tr("Вместо удалённой папки вернуть в эту: ключи через «=»; "
                              "пусто после «=» - на верхний уровень (элемент меню, стол, файл)."),
                     Text::tr("БЫЛА=СТАЛА")});
+    progressOption(options);
 }
 
 history::Choices readChoices(const Invocation& call) {
@@ -108,9 +110,12 @@ int run(const Invocation& call) {
     const std::vector<int64_t> groups = readGroups(call, *store);
     history::Inverse inverse;
     const bool dry = call.has("dry-run");
-    require(dry ? history::planInverse(*store, groups, choices, &inverse)
-                : history::undo(*store, groups, choices, &inverse),
-            what());
+    {
+        const WaitingLine line(call, StdText::tr("отмена"));
+        require(dry ? history::planInverse(*store, groups, choices, &inverse)
+                    : history::undo(*store, groups, choices, &inverse),
+                what());
+    }
     history::LoggedRecords source(*store);
     history::PersonNames people;
     if (!inverse.remarks.empty() && !history::readPeople(*store, &people).ok())
@@ -143,9 +148,8 @@ int run(const Invocation& call) {
 
 const Verb undoVerb = {
     "undo",
-    QT_TRANSLATE_NOOP(
-        "orvo",
-        "[--dry-run] [--partly] [--with-others] [--other-names] [--place БЫЛА=СТАЛА] ИЗМЕНЕНИЕ..."),
+    QT_TRANSLATE_NOOP("orvo", "[--dry-run] [--partly] [--with-others] [--other-names] [--progress] "
+                              "[--place БЫЛА=СТАЛА] ИЗМЕНЕНИЕ..."),
     QT_TRANSLATE_NOOP("orvo", "Отменить действия из истории"),
     QT_TRANSLATE_NOOP(
         "orvo",
