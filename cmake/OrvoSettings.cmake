@@ -46,7 +46,7 @@ endif()
 # The sources of a folder are compiled a dozen at a time: what they include is most of the work.
 option(ORVO_UNITY "Compile the sources of a target together" ON)
 set(CMAKE_UNITY_BUILD ${ORVO_UNITY})
-set(CMAKE_UNITY_BUILD_BATCH_SIZE 12)
+set(CMAKE_UNITY_BUILD_BATCH_SIZE 12 CACHE STRING "Sources compiled together; 0: all of a folder")
 if(ORVO_UNITY AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # A class of one source may hold a type of that source's anonymous namespace; GCC takes the source
   # for a header when another includes it.

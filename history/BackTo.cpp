@@ -14,7 +14,7 @@ namespace orvo::history {
 namespace {
 
 constexpr size_t mostGroups = 1000;
-constexpr size_t portion = 500;
+constexpr size_t portionBack = 500;
 
 store::Status addGroups(Reader& reader, std::set<int64_t>* found) {
     std::vector<Group> groups;
@@ -27,7 +27,7 @@ store::Status addGroups(Reader& reader, std::set<int64_t>* found) {
 /// With the records that the scope lets pass.
 store::Status addChanges(Reader& reader, Selection* selection, std::set<int64_t>* found) {
     std::vector<store::Change> changes;
-    store::Status status = reader.nextChanges(portion, &changes);
+    store::Status status = reader.nextChanges(portionBack, &changes);
     if (!selection->only)
         selection->only.emplace();
     for (const store::Change& change : changes) {

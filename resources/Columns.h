@@ -77,6 +77,11 @@ inline bool isFixedKey(const QString& key) {
     return false;
 }
 
+/// The fields of the host's lists of stored files.
+struct FileField {
+    enum { Name, Time, Size, Content };
+};
+
 /// The clipboard format.
 inline constexpr char resourcesMime[] = "OrvoResources/resources";
 

@@ -14,15 +14,12 @@
 #include <algorithm>
 #include <array>
 
+using orvo::resources::FileField;
 using orvo::resources::kindOf;
 using orvo::resources::nameOf;
 using orvo::resources::ResColumn;
 
 namespace {
-
-constexpr int nameField = 0;
-constexpr int sizeField = 2;
-constexpr int contentField = 3;
 
 constexpr int callRun = 64;
 
@@ -60,8 +57,8 @@ bool writeWhole(QSaveFile& file, const char* content, qint64 length) {
 /// log names it.
 void writeFiles(const COrvoCliMod& module, const CMDArray& files, const QString& directory) {
     orvo::walkAll(files, 0, [&](const MDRData* record) {
-        const QString name = orvo::textOf(record, nameField);
-        if (orvo::integerOf(record, sizeField) == 0) {
+        const QString name = orvo::textOf(record, FileField::Name);
+        if (orvo::integerOf(record, FileField::Size) == 0) {
             logUnwritten(module, name, OrvoResources::tr("файл пуст"));
             return true;
         }
@@ -71,7 +68,7 @@ void writeFiles(const COrvoCliMod& module, const CMDArray& files, const QString&
         }
         uint32_t length = 0;
         const char* content = nullptr;
-        if (MDRGetTextRef(orvo::fieldOf(record, contentField), record, &length, &content) !=
+        if (MDRGetTextRef(orvo::fieldOf(record, FileField::Content), record, &length, &content) !=
             MDX_OK) {
             logUnwritten(module, name, OrvoResources::tr("содержимое не получено"));
             return true;

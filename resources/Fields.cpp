@@ -9,7 +9,7 @@ using editor::Copied;
 using editor::FieldType;
 using editor::RecordFields;
 
-constexpr auto text = FieldType::Text;
+constexpr auto asText = FieldType::Text;
 constexpr auto integer = FieldType::Integer;
 constexpr auto ofItems = editor::ItemRows;
 constexpr auto ofFolders = editor::FolderRows;
@@ -19,18 +19,18 @@ constexpr auto all = editor::AllRows;
 const RecordFields& itemFields() {
     // clang-format off
     static const RecordFields fields{
-        {ResColumn::KeyLink, "KeyLink", field::KeyLink, text, ofItems, never, all,
+        {ResColumn::KeyLink, "KeyLink", field::KeyLink, asText, ofItems, never, all,
          {"keylink", QT_TRANSLATE_NOOP("orvo", "Идентификатор"), MyEditorLine, true, 0}},
-        {ResColumn::FolderKey, "FolderKey", field::MenuResourceFolderKey, text, ofItems},
-        {ResColumn::Name, QT_TRANSLATE_NOOP("orvo", "Ресурс"), field::name_, text, ofItems, never, all,
+        {ResColumn::FolderKey, "FolderKey", field::MenuResourceFolderKey, asText, ofItems},
+        {ResColumn::Name, QT_TRANSLATE_NOOP("orvo", "Ресурс"), field::name_, asText, ofItems, never, all,
          {"object", QT_TRANSLATE_NOOP("orvo", "Объект"), MyEditorLine, false, 3}},
         {ResColumn::Type, "type", field::type_, integer, ofItems, never, all,
          {"type", QT_TRANSLATE_NOOP("orvo", "Тип"), MyEditorLine, true, 1}},
-        {ResColumn::Caption, QT_TRANSLATE_NOOP("orvo", "Наименование"), field::caption, text, ofItems, never, all,
+        {ResColumn::Caption, QT_TRANSLATE_NOOP("orvo", "Наименование"), field::caption, asText, ofItems, never, all,
          {"caption", QT_TRANSLATE_NOOP("orvo", "Наименование"), MyEditorLine, false, 2}},
-        {ResColumn::Params, "params", field::params, text, ofItems, never, all,
+        {ResColumn::Params, "params", field::params, asText, ofItems, never, all,
          {"params", QT_TRANSLATE_NOOP("orvo", "Параметры"), MyEditorLine, false, 5}},
-        {ResColumn::Icon, QT_TRANSLATE_NOOP("orvo", "Иконка"), field::ico, text, ofItems, never, all,
+        {ResColumn::Icon, QT_TRANSLATE_NOOP("orvo", "Иконка"), field::ico, asText, ofItems, never, all,
          {"icon", QT_TRANSLATE_NOOP("orvo", "Иконка"), MyEditorButton, false, 4}},
         {ResColumn::Lock, QT_TRANSLATE_NOOP("orvo", "Заблокировано")},
         {ResColumn::LockTime, QT_TRANSLATE_NOOP("orvo", "Дата блокировки")},
@@ -47,12 +47,12 @@ const RecordFields& itemFields() {
 const RecordFields& folderFields() {
     // clang-format off
     static const RecordFields fields{
-        {ResColumn::KeyLink, "KeyLink", field::KeyLink, text, ofFolders, never, all,
+        {ResColumn::KeyLink, "KeyLink", field::KeyLink, asText, ofFolders, never, all,
          {"keylink", QT_TRANSLATE_NOOP("orvo", "Идентификатор"), MyEditorLine, true, 0}},
-        {ResColumn::FolderKey, "FolderKey", field::ParentKey, text, ofFolders},
+        {ResColumn::FolderKey, "FolderKey", field::ParentKey, asText, ofFolders},
         {ResColumn::Type, "type", field::type_, integer, ofFolders, never, all,
          {"type", QT_TRANSLATE_NOOP("orvo", "Тип"), MyEditorLine, true, 1}},
-        {ResColumn::Caption, QT_TRANSLATE_NOOP("orvo", "Наименование"), field::caption, text, ofFolders, never, all,
+        {ResColumn::Caption, QT_TRANSLATE_NOOP("orvo", "Наименование"), field::caption, asText, ofFolders, never, all,
          {"caption", QT_TRANSLATE_NOOP("orvo", "Наименование"), MyEditorLine, false, 2}},
     };
     // clang-format on

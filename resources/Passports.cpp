@@ -12,13 +12,11 @@
 
 #include <QTreeView>
 
+using orvo::resources::FileField;
 using orvo::resources::ResColumn;
 
 namespace {
 
-constexpr int nameField = 0;
-constexpr int timeField = 1;
-constexpr int sizeField = 2;
 constexpr int captionRow = 2;
 
 void expandTopRows(QTreeView* view) {
@@ -125,14 +123,15 @@ void OrvoResources::addFileRows(const CMDArray& files, const QString& timeFormat
     orvo::walkAll(files, 0, [&](const MDRData* record) {
         // Empty files are counted but not shown.
         ++number;
-        const int32_t size = orvo::integerOf(record, sizeField);
+        const int32_t size = orvo::integerOf(record, FileField::Size);
         if (size == 0)
             return true;
-        const QString time = m_rows.timeText(record, orvo::fieldOf(record, timeField), timeFormat);
+        const QString time =
+            m_rows.timeText(record, orvo::fieldOf(record, FileField::Time), timeFormat);
         orvo::addPassportCategory(
             *m_propModel, QStringLiteral("file%1").arg(number), tr("файл"),
             {{QStringLiteral("filename%1").arg(number), tr("имя файла"), MyEditorLine, true,
-              orvo::textOf(record, nameField)},
+              orvo::textOf(record, FileField::Name)},
              {QStringLiteral("filedate%1").arg(number), tr("дата изменения"), MyEditorLine, true,
               time.isNull() ? QVariant() : QVariant(time)},
              {QStringLiteral("filesize%1").arg(number), tr("размер"), MyEditorLine, true, size}});

@@ -27,7 +27,7 @@ namespace orvo::app {
 namespace {
 
 constexpr int keptContents = 32 << 10; // KiB
-constexpr int gatherMs = 500;          // contents that change together are one comparison
+constexpr int gatherContentsMs = 500;  // contents that change together are one comparison
 
 /// Whether the store could not be asked: what was read before may then be shown.
 bool isAway(const store::Status& status) {
@@ -58,7 +58,7 @@ Launcher::Launcher(Context context, QObject* parent)
     , m_context(std::move(context))
     , m_contents(keptContents) {
     m_compare.setSingleShot(true);
-    m_compare.setInterval(gatherMs);
+    m_compare.setInterval(gatherContentsMs);
     connect(&m_compare, &QTimer::timeout, this, &Launcher::compareContents);
     connect(&m_context.window, &MainWindow::pageCloseRequested, this, &Launcher::closePage);
 }

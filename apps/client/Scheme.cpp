@@ -25,8 +25,8 @@ constexpr char settingsKey[] = "look/scheme";
 constexpr char service[] = "org.freedesktop.portal.Desktop";
 constexpr char object[] = "/org/freedesktop/portal/desktop";
 constexpr char interface[] = "org.freedesktop.portal.Settings";
-constexpr char group[] = "org.freedesktop.appearance";
-constexpr char name[] = "color-scheme";
+constexpr char portalGroup[] = "org.freedesktop.appearance";
+constexpr char portalName[] = "color-scheme";
 
 struct Choice {
     Scheme scheme;
@@ -137,7 +137,7 @@ void SchemeKeeper::ask() {
     QDBusMessage read =
         QDBusMessage::createMethodCall(QLatin1String(service), QLatin1String(object),
                                        QLatin1String(interface), QStringLiteral("Read"));
-    read << QLatin1String(group) << QLatin1String(name);
+    read << QLatin1String(portalGroup) << QLatin1String(portalName);
     auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(read), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
         watcher->deleteLater();
@@ -154,7 +154,7 @@ void SchemeKeeper::ask() {
 
 void SchemeKeeper::settingChanged(const QString& of, const QString& what,
                                   const QDBusVariant& value) {
-    if (of == QLatin1String(group) && what == QLatin1String(name))
+    if (of == QLatin1String(portalGroup) && what == QLatin1String(portalName))
         desktopWants(value.variant().toUInt());
 }
 

@@ -8,10 +8,6 @@ namespace orvo::client {
 
 namespace {
 
-/// Frees what the record library allocated.
-struct MemFree {
-    void operator()(void* block) const { MDMemFree(block); }
-};
 using Memory = std::unique_ptr<void, MemFree>;
 
 /// The row's key says which record changed: values that name another one must not move it there.

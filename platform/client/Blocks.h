@@ -33,6 +33,11 @@
 
 namespace orvo::client {
 
+/// Frees what the record library allocated.
+struct MemFree {
+    void operator()(void* block) const { MDMemFree(block); }
+};
+
 /// Gives the array a key over KeyLink as key 0 if it has no key yet. False if that failed.
 bool ensureKeyLink(MDArray* array, uint32_t flags);
 

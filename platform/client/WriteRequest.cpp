@@ -1,6 +1,7 @@
 #include "platform/client/WriteRequest.h"
 
 #include "frame/StdText.h"
+#include "platform/client/Blocks.h"
 #include "platform/mdx/MdxBuild.h"
 
 #include <memory>
@@ -8,10 +9,6 @@
 namespace orvo::client {
 
 namespace {
-
-struct MemFree {
-    void operator()(void* block) const { MDMemFree(block); }
-};
 
 /// Sets a field and marks it.
 void setValue(MDRData* record, int number, const store::FieldDef& field,

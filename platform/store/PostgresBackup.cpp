@@ -24,7 +24,7 @@ namespace orvo::store::postgres {
 
 namespace {
 
-constexpr int lookMilliseconds = 100; ///< between two looks at the progress
+constexpr int progressMilliseconds = 100; ///< between two looks at the progress
 constexpr qint64 mostUnsent = 4 << 20;
 constexpr int lockMilliseconds = 10000; ///< of waiting for a table that somebody holds
 
@@ -78,7 +78,7 @@ public:
     /// Waits for the end; `look` is asked now and then whether to go on.
     Status finish(const std::function<bool()>& look) {
         while (process.state() != QProcess::NotRunning &&
-               !process.waitForFinished(lookMilliseconds))
+               !process.waitForFinished(progressMilliseconds))
             if (!look())
                 return stopped();
         return result();
@@ -354,14 +354,14 @@ Status PostgresStore::restore(const std::string& file, const Progress& progress)
         for (bool more = true; more;) {
             if (progress && !progress(done, 0))
                 return writer.stopped();
-            more = reader.process.waitForReadyRead(lookMilliseconds) ||
+            more = reader.process.waitForReadyRead(progressMilliseconds) ||
                    reader.process.state() != QProcess::NotRunning;
             const QByteArray piece = reader.process.readAllStandardOutput();
             done += static_cast<uint64_t>(piece.size());
             writer.process.write(piece);
             while (writer.process.state() == QProcess::Running &&
                    writer.process.bytesToWrite() > mostUnsent) {
-                writer.process.waitForBytesWritten(lookMilliseconds);
+                writer.process.waitForBytesWritten(progressMilliseconds);
                 if (progress && !progress(done, 0))
                     return writer.stopped();
             }

@@ -106,7 +106,7 @@ std::string logEvents(const TableDef& table, OrvoEvent code, const std::string& 
 /// function runs, may write under another one: the administrator's command, for example. "call"
 /// tells a writer that lost its connection whether its transaction is in the log. Program and
 /// machine are what the writer says of itself, or what the server knows of whoever says nothing.
-constexpr const char* writer = R"(DECLARE
+constexpr const char* logWriter = R"(DECLARE
   v_login pg_catalog.text := session_user;
   v_other pg_catalog.text := pg_catalog.current_setting('orvo.login', true);
   v_call pg_catalog.text := coalesce(pg_catalog.current_setting('orvo.call', true), '');
@@ -167,7 +167,7 @@ void addLogTriggers(Definitions& all, const TableDef& table, const std::string& 
                takeGroup;
     };
     std::string sql =
-        std::string(writer) + "  IF TG_LEVEL" + equals + "'ROW' THEN\n" + takeNumber + takeGroup;
+        std::string(logWriter) + "  IF TG_LEVEL" + equals + "'ROW' THEN\n" + takeNumber + takeGroup;
     sql += log(logEvents(table, OrvoEventDelete, "OLD.\"KeyLink\"", "'{}'", whole(table, "OLD.")));
     sql += std::string(takeNumber) + "    v_undoes := '';\n    " +
            logEvents(table, OrvoEventInsert, "NEW.\"KeyLink\"", whole(table, "NEW."), "'{}'") +

@@ -13,14 +13,12 @@ namespace orvo::store::sqlite {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 /// Ends what the connection is doing when the time is over.
 class TimeLimit {
 public:
     TimeLimit(sqlite3* connection, int64_t milliseconds)
         : m_connection(connection)
-        , m_end(Clock::now() + std::chrono::milliseconds(milliseconds)) {
+        , m_end(std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds)) {
         constexpr int steps = 10000; // of SQLite's machine between two looks at the clock
         if (milliseconds > 0)
             sqlite3_progress_handler(m_connection, steps, &TimeLimit::isOver, this);
@@ -31,10 +29,10 @@ public:
 
 private:
     static int isOver(void* self) {
-        return Clock::now() >= static_cast<TimeLimit*>(self)->m_end ? 1 : 0;
+        return std::chrono::steady_clock::now() >= static_cast<TimeLimit*>(self)->m_end ? 1 : 0;
     }
     sqlite3* const m_connection;
-    const Clock::time_point m_end;
+    const std::chrono::steady_clock::time_point m_end;
 };
 
 struct Finalize {

@@ -17,7 +17,7 @@ namespace orvo::app {
 
 namespace {
 
-constexpr int longestLine = 500;
+constexpr int longestActionLine = 500;
 
 QDateTime momentOf(double time) {
     return QDateTime::fromMSecsSinceEpoch(std::llround(time * 1000.0));
@@ -397,7 +397,7 @@ QVariant HistoryModel::data(const QModelIndex& index, int role) const {
     }
     const QString text = textOf(*node, index.column());
     if (role == Qt::DisplayRole)
-        return oneLine(text, longestLine);
+        return oneLine(text, longestActionLine);
     if (role == Qt::ToolTipRole) {
         if (!node->action || text.isEmpty())
             return plainToolTip(clipped(text));

@@ -9,7 +9,7 @@ namespace orvo::app {
 
 namespace {
 
-constexpr char settingsKey[] = "stores/recent";
+constexpr char recentKey[] = "stores/recent";
 
 /// Without any password; empty if it is no address.
 QString readable(const QString& address) {
@@ -22,7 +22,7 @@ QString readable(const QString& address) {
 
 QStringList recentStores() {
     QStringList all;
-    for (const QString& entry : clientSettings().value(QLatin1String(settingsKey)).toStringList()) {
+    for (const QString& entry : clientSettings().value(QLatin1String(recentKey)).toStringList()) {
         const QString address = readable(entry);
         if (!address.isEmpty() && !all.contains(address) && all.size() < mostRecentStores)
             all << address;
@@ -37,14 +37,13 @@ void rememberStore(const QString& address) {
     QStringList all = recentStores();
     all.removeAll(entry);
     all.prepend(entry);
-    clientSettings().setValue(QLatin1String(settingsKey),
-                              QStringList(all.mid(0, mostRecentStores)));
+    clientSettings().setValue(QLatin1String(recentKey), QStringList(all.mid(0, mostRecentStores)));
 }
 
 void forgetStore(const QString& address) {
     QStringList all = recentStores();
     if (all.removeAll(readable(address)) > 0)
-        clientSettings().setValue(QLatin1String(settingsKey), all);
+        clientSettings().setValue(QLatin1String(recentKey), all);
 }
 
 } // namespace orvo::app
