@@ -93,7 +93,7 @@ public:
     COrvoCliApp* m_app;                        ///< not owned
     Paths* m_paths;                            ///< owned by the base class, never null
     CPopMessageBox* m_popMessageBox = nullptr; ///< child of the module, made when first needed
-    QString m_moduleName;                      ///< "Menu" or "Resources"; the host fills it
+    QString m_moduleName;                      ///< the name that it was made by; the host fills it
 
     // The order of the virtual operations is part of the contract.
     virtual void LogFile(int level, QString place, QString text);

@@ -1,6 +1,7 @@
 #include "apps/client/Handbook.h"
 
 #include "apps/client/Installation.h"
+#include "apps/client/KnownModules.h"
 #include "frame/Keys.h"
 #include "frame/Text.h"
 
@@ -13,25 +14,28 @@
 namespace orvo::app {
 
 const std::vector<PaneChapter>& paneChapters() {
-    static const std::vector<PaneChapter> all = {
-        {"", "treeSearch", "search"},
-        {"", "findPane", "find"},
-        {"", "usesPane", "uses"},
-        {"OrvoMenu", "CPopObjectList", "desktop"},
-        {"OrvoMenu", "tvDesck", "desktop"},
-        {"OrvoMenu", "tvMenu", "order"},
-        {"OrvoMenu", "tvProp", "passport"},
-        {"OrvoResources", "tvRes", "resources"},
-        {"OrvoResources", "tvProp", "modules"},
-        {"OrvoResources", "toolBar", "search"},
-        {"", "OrvoMenu", "menu"},
-        {"", "OrvoResources", "resources"},
-        {"", "formWindow", "forms"},
-        {"", "unwrittenPane", "unwritten"},
-        {"", "historyPane", "history"},
-        {"", "problemsPane", "problems"},
-        {"", "logPane", "trouble"},
-    };
+    static const std::vector<PaneChapter> all = [] {
+        std::vector<PaneChapter> panes = {
+            {"", "treeSearch", "search"},
+            {"", "findPane", "find"},
+            {"", "usesPane", "uses"},
+            {"OrvoMenu", "CPopObjectList", "desktop"},
+            {"OrvoMenu", "tvDesck", "desktop"},
+            {"OrvoMenu", "tvMenu", "order"},
+            {"OrvoMenu", "tvProp", "passport"},
+            {"OrvoResources", "tvRes", "resources"},
+            {"OrvoResources", "tvProp", "modules"},
+            {"OrvoResources", "toolBar", "search"},
+            {"", "formWindow", "forms"},
+            {"", "unwrittenPane", "unwritten"},
+            {"", "historyPane", "history"},
+            {"", "problemsPane", "problems"},
+            {"", "logPane", "trouble"},
+        };
+        for (const KnownModule& module : knownModules()) // behind their panes
+            panes.push_back({"", module.window, module.chapter});
+        return panes;
+    }();
     return all;
 }
 

@@ -1,5 +1,6 @@
 #include "apps/client/Instance.h"
 
+#include "apps/client/KnownModules.h"
 #include "platform/store/StoreUrl.h"
 
 #include <QCryptographicHash>

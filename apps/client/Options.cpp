@@ -1,5 +1,6 @@
 #include "apps/client/Options.h"
 
+#include "apps/client/KnownModules.h"
 #include "apps/completion/Completion.h"
 #include "apps/language/Language.h"
 #include "frame/Text.h"
@@ -39,9 +40,18 @@ QString absolute(const QString& path) {
 struct OptionText {
     const char* name;
     const char* shortName; ///< or null
-    const char* value;     ///< the word for it; null: takes none
+    const char* value;     ///< the word for it; null: takes none, or one of the choices
     const char* text;
+    QStringList (*choices)() = nullptr;
 };
+
+QStringList languageWords() {
+    return language::codes();
+}
+
+QStringList moduleWords() {
+    return moduleNames();
+}
 
 /// Everything that the command line may hold: the parser, --help and the shells' completion are
 /// made of it.
@@ -56,10 +66,12 @@ constexpr OptionText optionTexts[] = {
      QT_TRANSLATE_NOOP(
          "orvo",
          "рабочий каталог с копией файловой области в files/ (иначе $XDG_DATA_HOME/orvo/work)")},
-    {"lang", nullptr, "ru|en",
-     QT_TRANSLATE_NOOP("orvo", "язык окон и сообщений (иначе - язык рабочего стола)")},
-    {"module", nullptr, "Menu|Resources",
-     QT_TRANSLATE_NOOP("orvo", "открыть этот модуль; можно повторять (иначе открываются оба)")},
+    {"lang", nullptr, nullptr,
+     QT_TRANSLATE_NOOP("orvo", "язык окон и сообщений (иначе - язык рабочего стола)"),
+     languageWords},
+    {"module", nullptr, nullptr,
+     QT_TRANSLATE_NOOP("orvo", "открыть этот модуль; можно повторять (иначе открываются все)"),
+     moduleWords},
     {"modules", nullptr, "DIR",
      QT_TRANSLATE_NOOP(
          "orvo",
@@ -86,11 +98,17 @@ constexpr OptionText optionTexts[] = {
          "orvo",
          "отвечать через локальный сокет, что стоит в окнах и таблицах (для поддержки и проверок; "
          "только чтение, только этому пользователю)")},
-    {"completion", nullptr, "bash|fish|zsh",
-     QT_TRANSLATE_NOOP("orvo", "напечатать дополнение команд для оболочки")},
+    {"completion", nullptr, nullptr,
+     QT_TRANSLATE_NOOP("orvo", "напечатать дополнение команд для оболочки"), completion::shells},
     {"help", "h", nullptr, QT_TRANSLATE_NOOP("orvo", "эта справка")},
     {"version", "v", nullptr, QT_TRANSLATE_NOOP("orvo", "версия")},
 };
+
+/// What is to stand behind it, as the help shows that; empty if nothing is.
+QString valueOf(const OptionText& option) {
+    return option.choices ? option.choices().join(QLatin1Char('|'))
+                          : QString::fromUtf8(option.value);
+}
 
 QList<QCommandLineOption> allOptions() {
     QList<QCommandLineOption> options;
@@ -98,8 +116,7 @@ QList<QCommandLineOption> allOptions() {
         QStringList names{QString::fromUtf8(one.name)};
         if (one.shortName)
             names.prepend(QString::fromUtf8(one.shortName));
-        options.append(
-            {names, Text::tr(one.text), one.value ? QString::fromUtf8(one.value) : QString()});
+        options.append({names, Text::tr(one.text), valueOf(one)});
     }
     return options;
 }
@@ -150,7 +167,7 @@ bool parseOptions(const QStringList& arguments, Options* options, QString* error
     options->version = isSet("version");
     options->isSeparate = isSet("separate");
     for (const OptionText& option : optionTexts)
-        if (option.value && isSet(option.name) && value(option.name).isEmpty()) {
+        if (isSet(option.name) && !valueOf(option).isEmpty() && value(option.name).isEmpty()) {
             *error = Text::tr("Пустое значение параметра --%1.").arg(QLatin1String(option.name));
             return false;
         }
@@ -205,7 +222,8 @@ bool parseOptions(const QStringList& arguments, Options* options, QString* error
         if (name.isEmpty() && isSet("modules"))
             name = asked; // of a library that is not loaded yet
         if (name.isEmpty()) {
-            *error = Text::tr("Неизвестный модуль «%1»; есть Menu и Resources.").arg(asked);
+            *error = Text::tr("Модуля «%1» нет среди %2.")
+                         .arg(asked, moduleNames().join(QLatin1String(", ")));
             return false;
         }
         if (!options->modules.contains(name))
@@ -213,20 +231,8 @@ bool parseOptions(const QStringList& arguments, Options* options, QString* error
     }
     options->askedModules = options->modules;
     if (options->modules.isEmpty() && options->desktop.isEmpty())
-        options->modules = knownModules();
+        options->modules = moduleNames();
     return true;
-}
-
-const QStringList& knownModules() {
-    static const QStringList names{QStringLiteral("Menu"), QStringLiteral("Resources")};
-    return names;
-}
-
-QString moduleNamed(const QString& asked) {
-    for (const QString& name : knownModules())
-        if (name.compare(asked, Qt::CaseInsensitive) == 0)
-            return name;
-    return {};
 }
 
 QString helpText() {
@@ -236,8 +242,7 @@ QString helpText() {
     int filled = usage.size();
     for (const OptionText& option : optionTexts) {
         const QString name = QLatin1String("--") + QLatin1String(option.name);
-        const QString value = QLatin1String(option.value ? option.value : "");
-        const bool isChoice = value.contains(QLatin1Char('|'));
+        const QString value = valueOf(option);
         const QString inUsage =
             QLatin1String(" [") + (value.isEmpty() ? name : name + blank + value) +
             QLatin1String(qstrncmp(option.name, "module", 6) == 0 ? "]..." : "]");
@@ -252,11 +257,11 @@ QString helpText() {
         if (option.shortName)
             line.insert(2,
                         QLatin1Char('-') + QLatin1String(option.shortName) + QLatin1String(", "));
-        if (!isChoice && !value.isEmpty())
+        if (option.value)
             line += blank + value;
         line = line.leftJustified(column - 1);
         const QString text =
-            (isChoice ? value + QLatin1String(": ") : QString()) + Text::tr(option.text);
+            (option.choices ? value + QLatin1String(": ") : QString()) + Text::tr(option.text);
         for (const QString& word : text.split(blank)) {
             if (line.size() + word.size() > width) {
                 table += line + QLatin1Char('\n');

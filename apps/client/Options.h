@@ -14,8 +14,8 @@ struct Options {
     QString workDir;             ///< absolute, with the separator at its end
     bool isWorkDirGiven = false; ///< somebody named it
     QStringList askedModules;    ///< those that the command line names
-    QStringList modules;     ///< in the order asked for; "Menu" and "Resources" if none was, none
-                             ///< beside a desktop
+    QStringList modules;     ///< in the order asked for; all known ones if none was, none beside a
+                             ///< desktop
     QStringList moduleDirs;  ///< further directories of module libraries, absolute
     QString desktop;         ///< the operator's desktop that is shown alone; empty: none
     bool isKiosk = false;    ///< it fills the screen
@@ -26,11 +26,6 @@ struct Options {
     bool version = false;
     QString completion; ///< the shell that asks for its script; empty: none
 };
-
-/// The names of the modules that can be asked for.
-const QStringList& knownModules();
-/// The one of them that equals the word without regard to case; empty if none does.
-QString moduleNamed(const QString& asked);
 
 /// The file of the embedded store, which is opened where nobody names one.
 QString ownStore();

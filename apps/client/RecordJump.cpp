@@ -1,9 +1,9 @@
 #include "apps/client/RecordJump.h"
 
 #include "apps/client/CloseGuard.h"
+#include "apps/client/KnownModules.h"
 #include "apps/client/LogPane.h"
 #include "apps/client/MainWindow.h"
-#include "apps/client/Options.h"
 #include "frame/Text.h"
 #include "frame/Vocabulary.h"
 #include "history/RecordSource.h"
@@ -94,11 +94,10 @@ void RecordJump::showNow(const QString& table, const QString& key, const QString
                            [this, table, key, desktop] { showNow(table, key, desktop); });
         return;
     }
-    const bool isMenu = table == QLatin1String(orvo::table::Menu) ||
-                        table == QLatin1String(orvo::table::MenuFolder);
     const QPointer<QWidget> from(QApplication::focusWidget());
-    const QString name = isMenu ? knownModules().first() : knownModules().last();
-    m_context.openModule(name);
+    const QString name = moduleShowing(table);
+    if (!name.isEmpty())
+        m_context.openModule(name);
     for (const QPointer<COrvoCliMod>& module :
          m_context.modules.modules(client::ModuleState::Running))
         if (module->m_moduleName == name && module->ModShowRecord(table, key, desktop))

@@ -1,6 +1,6 @@
 #include "apps/client/UnseenPlaces.h"
 
-#include "apps/client/Options.h"
+#include "apps/client/KnownModules.h"
 #include "frame/Kinds.h"
 #include "frame/Text.h"
 #include "frame/Vocabulary.h"
@@ -52,8 +52,9 @@ std::string UnseenPlaces::Placed::missed() const {
 }
 
 COrvoCliMod* UnseenPlaces::editor() const {
+    const QString name = moduleShowing(QLatin1String(folders().name));
     for (const QPointer<COrvoCliMod>& module : m_modules.modules(client::ModuleState::Running))
-        if (module->m_moduleName == knownModules().last())
+        if (module->m_moduleName == name)
             return module;
     return nullptr;
 }

@@ -1964,10 +1964,6 @@ Save?</translation>
         <translation>language of windows and messages (otherwise the system language)</translation>
     </message>
     <message>
-        <source>открыть этот модуль; можно повторять (иначе открываются оба)</source>
-        <translation>open this module; can be repeated (otherwise both are opened)</translation>
-    </message>
-    <message>
         <source>каталог с библиотеками модулей, кроме собственного; можно повторять (писать в него и в каталоги над ним может только хозяин)</source>
         <translation>directory with module libraries, besides the program&apos;s own; can be repeated (only the owner may be able to write to it and to the directories above it)</translation>
     </message>
@@ -2038,10 +2034,6 @@ Save?</translation>
     <message>
         <source>Рабочий стол открывается без редакторов: --desktop и --module вместе не даются.</source>
         <translation>A desktop opens without editors: --desktop and --module cannot be used together.</translation>
-    </message>
-    <message>
-        <source>Неизвестный модуль «%1»; есть Menu и Resources.</source>
-        <translation>Unknown module “%1”; there are Menu and Resources.</translation>
     </message>
     <message>
         <source>orvo-client: редактор меню, редактор ресурсов и рабочий стол оператора.
@@ -7580,6 +7572,14 @@ that somebody else has taken is not replaced: they release it, or unlock does.</
     <message>
         <source>[--dry-run] [--partly] [--with-others] [--other-names] [--progress] [--place БЫЛА=СТАЛА] ИЗМЕНЕНИЕ...</source>
         <translation>[--dry-run] [--partly] [--with-others] [--other-names] [--progress] [--place OLD=NEW] CHANGE...</translation>
+    </message>
+    <message>
+        <source>открыть этот модуль; можно повторять (иначе открываются все)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Модуля «%1» нет среди %2.</source>
+        <translation>Module “%1” is not one of %2.</translation>
     </message>
 </context>
 <context>

@@ -1,6 +1,9 @@
 // The command line and its defaults.
+#include "apps/client/KnownModules.h"
 #include "apps/client/Options.h"
 #include "apps/language/Language.h"
+#include "frame/Vocabulary.h"
+#include "platform/store/Schema.h"
 
 #include <QDir>
 #include <QtTest>
@@ -56,6 +59,36 @@ private slots:
         QVERIFY(parse({"-v"}, &options, &error) && options.version);
         for (const char* name : {"--store", "--login", "--work-dir", "--module", "--screenshot"})
             QVERIFY(helpText().contains(name));
+    }
+
+    void theModulesThereAreAreNamedByHelpAndError() {
+        Options options;
+        QString error;
+        const QString all = moduleNames().join('|');
+        QVERIFY(helpText().contains("--module " + all + ']'));
+        QVERIFY(helpText().contains(all + ": открыть этот модуль"));
+        QVERIFY(!parse({"--module", "Меню"}, &options, &error));
+        QCOMPARE(error, "Модуля «Меню» нет среди " + moduleNames().join(", ") + '.');
+        for (const char* shell : {"bash", "fish", "zsh"})
+            for (const QString& name : moduleNames())
+                QVERIFY2(completionText(shell).contains(name), shell);
+    }
+
+    void everyTableThatIsEditedHasItsEditorAlsoBesideAThird() {
+        KnownModules more = knownModules();
+        more.insert(more.begin(), {"Before", "", "", {}});
+        more.push_back({"Users", "", "", {orvo::table::Users}});
+        QCOMPARE(moduleShowing("Users"), QString());
+        QCOMPARE(moduleShowing("Users", more), QString("Users"));
+        for (const orvo::store::TableDef& table : orvo::store::tables()) {
+            const QString name = table.name;
+            if (name == "Users" || name == "MenuFileExt" || name == "MenuResourceFile")
+                continue; // no editor has rows of these
+            QVERIFY2(!moduleShowing(name).isEmpty(), table.name);
+            QCOMPARE(moduleShowing(name, more), moduleShowing(name));
+        }
+        QCOMPARE(moduleShowing("Menu"), QString("Menu"));
+        QCOMPARE(moduleShowing("MenuResourceFolder"), QString("Resources"));
     }
 
     void theLastLanguageCounts() {
