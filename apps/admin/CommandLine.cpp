@@ -53,7 +53,7 @@ OptionList commonOptions() {
          Text::tr("Хранилище: путь к файлу, sqlite:///путь/orvo.db или postgresql://узел/база."),
          QStringLiteral("URL")},
         {QStringLiteral("lang"), Text::tr("Язык сообщений (иначе - язык системы)."),
-         QStringLiteral("ru|en")},
+         language::codes().join(QLatin1Char('|'))},
         {{QStringLiteral("h"), QStringLiteral("help")}, Text::tr("Показать справку и закончить.")}};
 }
 
