@@ -169,7 +169,7 @@ CPopObjectList* EditorWindow::picker() {
 CPopObjectList* EditorWindow::iconPicker() {
     CPopObjectList* list = picker();
     list->setWindowTitle(translated(QT_TRANSLATE_NOOP("orvo", "Выбор иконок АРМ")));
-    list->objectType = CPopObjectList::KindFile;
+    list->objectType = Kind::File;
     list->multipleChoice = false;
     list->sourceName = QString::fromLatin1(iconFolder);
     return list;

@@ -5,7 +5,9 @@
 #include "ui_OrvoMenu.h"
 
 #include "frame/CommonFunctions.h"
+#include "frame/Kinds.h"
 #include "frame/Records.h"
+#include "frame/Text.h"
 #include "frame/ViewRows.h"
 #include "frame/Vocabulary.h"
 #include "menu/Columns.h"
@@ -29,15 +31,15 @@ bool isRow(const QString& rowName, const char* name) {
 } // namespace
 
 void OrvoMenu::on_actNewElemModul_triggered() {
-    m_newElements.choose(CPopObjectList::KindModule);
+    m_newElements.choose(orvo::Kind::Module);
 }
 
 void OrvoMenu::on_actNewElemFunction_triggered() {
-    m_newElements.choose(CPopObjectList::KindFunction);
+    m_newElements.choose(orvo::Kind::Function);
 }
 
 void OrvoMenu::on_actNewElemFile_triggered() {
-    m_newElements.choose(CPopObjectList::KindForm);
+    m_newElements.choose(orvo::Kind::Form);
 }
 
 void OrvoMenu::on_poplist_OK_Pressed() {
@@ -85,16 +87,11 @@ void OrvoMenu::on_passp_buttonpressed(const QString& rowName) {
         CPopObjectList* list = picker();
         list->multipleChoice = false;
         list->chosenName = valueOf("object");
-        const int kind = getMenuAttributes(valueOf("type"));
-        if (kind == CPopObjectList::KindFunction)
-            list->setWindowTitle(tr("Выбор функций АРМ"));
-        else if (kind == CPopObjectList::KindForm)
-            list->setWindowTitle(tr("Выбор форм отображения АРМ"));
-        else if (kind == CPopObjectList::KindModule)
-            list->setWindowTitle(tr("Выбор модулей АРМ"));
-        else
+        const orvo::ResourceKind* kind = orvo::resourceKind(getMenuAttributes(valueOf("type")));
+        if (!kind || !kind->choice)
             return;
-        list->objectType = kind;
+        list->setWindowTitle(orvo::Text::tr(kind->choice));
+        list->objectType = kind->number;
         list->sourceName = QString();
         list->reloadAndShow();
     }

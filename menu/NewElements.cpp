@@ -86,7 +86,7 @@ void NewElements::togglePalette() {
         m_palette = new CPopObjectList(&m_window);
         m_palette->becomePalette();
         m_palette->multipleChoice = true;
-        m_palette->objectType = CPopObjectList::KindModule;
+        m_palette->objectType = Kind::Module;
         connect(m_palette, &CPopObjectList::btnOK_pressed, this, [this] { addChosen(*m_palette); });
     }
     m_palette->chosenName = QString();

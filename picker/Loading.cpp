@@ -17,6 +17,7 @@
 #include <vector>
 
 using orvo::KeyValues;
+using orvo::Kind;
 using orvo::PickColumn;
 
 namespace {
@@ -68,7 +69,7 @@ void CPopObjectList::loadFoldersOf(int type, const QString& key) {
             treeModel->insertFilledRows(treeModel->rowCount(parent), std::move(rows), parent);
             // The resources of the folder asked for are the caller's to load.
             if (folder != key)
-                loadItemsOf(type, folder, type != KindFile);
+                loadItemsOf(type, folder, type != Kind::File);
             return below;
         });
 }
@@ -142,15 +143,15 @@ void CPopObjectList::clearModel() {
 }
 
 void CPopObjectList::loadModules() {
-    loadTop(KindModule);
+    loadTop(Kind::Module);
 }
 
 void CPopObjectList::loadFunctions() {
-    loadTop(KindFunction);
+    loadTop(Kind::Function);
 }
 
 void CPopObjectList::loadForms() {
-    loadTop(KindForm);
+    loadTop(Kind::Form);
 }
 
 void CPopObjectList::loadTop(int32_t kind) {
@@ -166,11 +167,11 @@ void CPopObjectList::loadItems(const QString& key) {
 }
 
 void CPopObjectList::loadSysFolders(const QString& key) {
-    loadFoldersOf(KindFile, key);
+    loadFoldersOf(Kind::File, key);
 }
 
 void CPopObjectList::loadSysItems(const QString& key) {
-    loadItemsOf(KindFile, key, false);
+    loadItemsOf(Kind::File, key, false);
 }
 
 void CPopObjectList::loadSysFiles() {
@@ -179,7 +180,7 @@ void CPopObjectList::loadSysFiles() {
         loadSysItems(QString());
     }
     bool found = false;
-    const QString key = rootFolder(KindFile, sourceName, &found);
+    const QString key = rootFolder(Kind::File, sourceName, &found);
     if (!found)
         return;
     if (!key.isNull()) {
@@ -193,7 +194,7 @@ void CPopObjectList::loadSysFiles() {
     if (chosenName.isEmpty())
         return;
     chosenKey = QString();
-    preselect(KindFile);
+    preselect(Kind::File);
 }
 
 void CPopObjectList::loadRoot(int type, const QString& caption) {

@@ -24,6 +24,7 @@
 
 #include <functional>
 
+using orvo::Kind;
 using orvo::PickColumn;
 
 namespace {
@@ -192,7 +193,7 @@ void CPopObjectList::openRemembered() {
 orvo::RecordName CPopObjectList::recordOf(const QModelIndex& row) const {
     return {QString::fromLatin1(orvo::table::MenuResource),
             row.isValid() && !m_model->itemIsFolder(row) ? m_model->getItemKeyLink(row) : QString(),
-            objectType == KindForm || objectType == KindFile};
+            orvo::hasContents(objectType)};
 }
 
 void CPopObjectList::showContextMenu(const QPoint& point) {
@@ -245,7 +246,7 @@ bool CPopObjectList::treeMouse(QEvent* event) {
                (m_addButton->placeOn(row).contains(mouse->pos()) || choose(row));
     case QEvent::MouseButtonPress:
         m_mayDrag = mouse->button() == Qt::LeftButton && mouse->modifiers() == Qt::NoModifier &&
-                    row.isValid() && !treeModel->itemIsFolder(row) && objectType != KindFile;
+                    row.isValid() && !treeModel->itemIsFolder(row) && objectType != Kind::File;
         m_pressed = mouse->pos();
         if (m_mayDrag && m_addButton->placeOn(row).contains(mouse->pos())) {
             m_mayDrag = false;

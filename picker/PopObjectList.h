@@ -49,13 +49,6 @@ inline constexpr char pickedMime[] = "OrvoMenu/resources/picked";
 class CPopObjectList : public CPopTemplate {
     Q_OBJECT
 public:
-    enum Kind : int32_t {
-        KindModule = orvo::Kind::Module,
-        KindFunction = orvo::Kind::Function,
-        KindForm = orvo::Kind::Form,
-        KindFile = orvo::Kind::File
-    };
-
     /// `parent` is the editor's window: a COrvoCliMod that is an orvo::ObjectListOwner.
     explicit CPopObjectList(QMainWindow* parent);
     ~CPopObjectList() override;
@@ -69,7 +62,7 @@ public:
     PopTreeModel* treeModel;     ///< model of tvObj; owned
     CMDArray resourceTable;      ///< own copy of `MenuResource`
     CMDArray folderTable;        ///< own copy of `MenuResourceFolder`
-    int32_t objectType = 0;      ///< kind to list: 1 module, 2 function, 3 form, 4 file
+    int32_t objectType = 0;      ///< orvo::Kind to list
     QString sourceName;          ///< kind 4: top folder of the file area to list; empty: all of it
     bool multipleChoice = false; ///< kinds 1 to 3: several rows may be selected
     QString chosenKey;           ///< result: `KeyLink` of the chosen row

@@ -204,18 +204,6 @@
         <translation>This is not a menu item: nothing can be chosen for it.</translation>
     </message>
     <message>
-        <source>Выбор функций АРМ</source>
-        <translation>Choose workstation functions</translation>
-    </message>
-    <message>
-        <source>Выбор форм отображения АРМ</source>
-        <translation>Choose workstation display forms</translation>
-    </message>
-    <message>
-        <source>Выбор модулей АРМ</source>
-        <translation>Choose workstation modules</translation>
-    </message>
-    <message>
         <source>Вы действительно хотите удалить папку &quot;</source>
         <translation>Delete folder &quot;</translation>
     </message>

@@ -82,7 +82,7 @@ struct Picker {
     }
     void showFiles(const char* source, const char* name = nullptr, bool multiple = false) {
         list->sourceName = source ? QString(source) : QString();
-        show(CPopObjectList::KindFile, name, multiple);
+        show(orvo::Kind::File, name, multiple);
     }
     /// The tree as text: names and captions.
     QString text() { return treetext::print(*list->treeModel, 4, {1}).replace(" 1=\n", "\n"); }
@@ -654,7 +654,7 @@ private slots:
 
     void aLetterTypedInTheListSearchesIt() {
         Picker picker;
-        picker.show(CPopObjectList::KindModule);
+        picker.show(orvo::Kind::Module);
         QTreeView* list = picker->tvObj();
         list->setFocus();
         QTest::keyClick(list, 'd');
@@ -666,7 +666,7 @@ private slots:
         QVERIFY(!text->isVisible() && picker->isVisible());
         QTest::keyClick(list, Qt::Key_F, Qt::ControlModifier);
         QVERIFY(text->isVisible());
-        picker.show(CPopObjectList::KindModule);
+        picker.show(orvo::Kind::Module);
         QVERIFY(!text->isVisible());
     }
 
@@ -688,7 +688,7 @@ private slots:
 
     void aDoubleClickChooses() {
         Picker picker;
-        picker.show(CPopObjectList::KindModule);
+        picker.show(orvo::Kind::Module);
         QTreeView* tree = picker->tvObj();
         const auto doubleClick = [&](const char* key) {
             const QModelIndex row = picker->treeModel->findIndexByKey(QString(key));
@@ -708,7 +708,7 @@ private slots:
 
     void keysWalkFromTheButtonIntoTheListAndChoose() {
         Picker picker;
-        picker.show(CPopObjectList::KindModule);
+        picker.show(orvo::Kind::Module);
         QPushButton* cancel = picker.button("btnCancel");
         QTest::keyClick(cancel, Qt::Key_Down);
         QTreeView* tree = picker->tvObj();
@@ -724,7 +724,7 @@ private slots:
 
     void whoTypesAtOnceFindsAndChoosesByEnter() {
         Picker picker;
-        picker.show(CPopObjectList::KindModule);
+        picker.show(orvo::Kind::Module);
         QTest::keyClick(picker.button("btnCancel"), 'd');
         auto* text = picker->tvObj()->findChild<QLineEdit*>("treeSearchText");
         QVERIFY(text && text->isVisible());
@@ -739,12 +739,12 @@ private slots:
 
     void enterTakesWhatIsOffered() {
         Picker picker;
-        picker.show(CPopObjectList::KindModule, "Trend");
+        picker.show(orvo::Kind::Module, "Trend");
         QTest::keyClick(picker.button("btnCancel"), Qt::Key_Return);
         QCOMPARE(picker->chosenKey, QString("m1"));
         QCOMPARE(picker.picked->size(), 1);
         // Who has gone to a button by Tab means that button.
-        picker.show(CPopObjectList::KindModule, "Trend");
+        picker.show(orvo::Kind::Module, "Trend");
         QTest::keyClick(picker.button("btnOK"), Qt::Key_Tab);
         QTest::keyClick(picker.button("btnCancel"), Qt::Key_Return);
         QCOMPARE(picker.picked->size(), 1);
@@ -753,7 +753,7 @@ private slots:
 
     void foldersThatWereOpenAreOpenAgain() {
         Picker picker;
-        picker.show(CPopObjectList::KindModule);
+        picker.show(orvo::Kind::Module);
         const auto open = [&] {
             QStringList keys;
             for (const char* key : {"farch", "fdeep", "fzeta"})
@@ -763,17 +763,17 @@ private slots:
         };
         QCOMPARE(open(), QString("farch fdeep fzeta")); // few rows: all at first
         picker->tvObj()->collapse(picker->treeModel->findIndexByKey("fzeta"));
-        picker.show(CPopObjectList::KindFunction);
-        picker.show(CPopObjectList::KindModule);
+        picker.show(orvo::Kind::Function);
+        picker.show(orvo::Kind::Module);
         QCOMPARE(open(), QString("farch fdeep"));
     }
 
     void theTitleOnTheScreenIsThatOfTheKind() {
         Picker picker;
         const std::pair<int, const char*> kinds[] = {
-            {CPopObjectList::KindModule, "Выбор модулей АРМ"},
-            {CPopObjectList::KindFunction, "Выбор функций АРМ"},
-            {CPopObjectList::KindForm, "Выбор форм отображения АРМ"}};
+            {orvo::Kind::Module, "Выбор модулей АРМ"},
+            {orvo::Kind::Function, "Выбор функций АРМ"},
+            {orvo::Kind::Form, "Выбор форм отображения АРМ"}};
         for (const auto& [kind, title] : kinds) {
             picker.show(kind);
             QCOMPARE(picker->windowHandle()->title(), QString(title));
@@ -784,7 +784,7 @@ private slots:
     void aPaletteStaysAndListsWhatIsNew() {
         Picker picker;
         picker->becomePalette();
-        picker.show(CPopObjectList::KindModule);
+        picker.show(orvo::Kind::Module);
         picker.click("m1");
         picker.ok();
         QCOMPARE(picker.picked->size(), 1);
