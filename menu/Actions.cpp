@@ -4,6 +4,7 @@
 
 #include "menu/OrvoMenu.h"
 
+#include "frame/Kinds.h"
 #include "frame/Vocabulary.h"
 #include "frame/WindowParts.h"
 #include "menu/Columns.h"
@@ -14,6 +15,7 @@
 #include <QToolButton>
 #include <QTreeView>
 
+using orvo::Kind;
 using orvo::menu::DesckColumn;
 using orvo::menu::MenuColumn;
 
@@ -24,9 +26,19 @@ void OrvoMenu::on_focus_changed(QWidget* old, QWidget*) {
         setDesckActionsDisabled();
 }
 
+QAction* OrvoMenu::creator(int kind) const {
+    return kind == Kind::Module     ? m_ui->actNewElemModul
+           : kind == Kind::Function ? m_ui->actNewElemFunction
+           : kind == Kind::Form     ? m_ui->actNewElemFile
+                                    : nullptr;
+}
+
 QList<QAction*> OrvoMenu::elementCreators() const {
-    return {m_ui->actNewElemFolder, m_ui->actNewElemModul, m_ui->actNewElemFunction,
-            m_ui->actNewElemFile};
+    QList<QAction*> all{m_ui->actNewElemFolder};
+    for (const orvo::ResourceKind& kind : orvo::resourceKinds)
+        if (QAction* action = creator(kind.number))
+            all << action;
+    return all;
 }
 
 void OrvoMenu::setMenuActionsDisabled() {

@@ -4,6 +4,7 @@
 
 #include "menu/OrvoMenu.h"
 
+#include "frame/Kinds.h"
 #include "frame/Vocabulary.h"
 #include "menu/Columns.h"
 
@@ -63,15 +64,11 @@ void OrvoMenu::bindCommands() {
     };
     all.bind(
         keys::newItem, menu, nullptr, [this] { on_actNewElemModul_triggered(); }, mayAdd);
-    all.bind(
-        keys::newModule, menu, m_ui->actNewElemModul, [this] { on_actNewElemModul_triggered(); },
-        mayAdd);
-    all.bind(
-        keys::newFunction, menu, m_ui->actNewElemFunction,
-        [this] { on_actNewElemFunction_triggered(); }, mayAdd);
-    all.bind(
-        keys::newFile, menu, m_ui->actNewElemFile, [this] { on_actNewElemFile_triggered(); },
-        mayAdd);
+    for (const orvo::ResourceKind& kind : orvo::resourceKinds)
+        if (QAction* action = creator(kind.number))
+            all.bind(
+                keys::newOf(kind.number), menu, action,
+                [this, number = kind.number] { m_newElements.choose(number); }, mayAdd);
     all.bind(
         keys::newFolder, menu, m_ui->actNewElemFolder, [this] { on_actNewElemFolder_triggered(); },
         mayAdd);

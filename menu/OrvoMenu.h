@@ -135,6 +135,8 @@ protected:
     void setMenuFocusedItemAfterChanges();
 
     // Actions: nothing happens for an invalid index
+    /// What makes an element of a resource of that kind; null for a kind that stands in no menu.
+    QAction* creator(int kind) const;
     /// Those that make an element, as menus list them.
     QList<QAction*> elementCreators() const;
     void setMenuActionsEnabled(const QModelIndex& index);

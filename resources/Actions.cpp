@@ -16,8 +16,18 @@ using orvo::Kind;
 using orvo::resources::kindOf;
 using orvo::resources::ResColumn;
 
+QAction* OrvoResources::creator(int kind) const {
+    return kind == Kind::Module     ? m_ui->actAddModule
+           : kind == Kind::Function ? m_ui->actAddFunction
+                                    : m_ui->actLoadFiles;
+}
+
 QList<QAction*> OrvoResources::creators() const {
-    return {m_ui->actAddModule, m_ui->actAddFunction, m_ui->actAddFolder};
+    QList<QAction*> all;
+    for (const orvo::ResourceKind& kind : orvo::resourceKinds)
+        if (!kind.hasContents)
+            all << creator(kind.number);
+    return all << m_ui->actAddFolder;
 }
 
 void OrvoResources::enableOnly(const QList<QAction*>& actions) {
@@ -42,11 +52,6 @@ void OrvoResources::setActionsDisabled() {
 }
 
 std::optional<QList<QAction*>> OrvoResources::menuActions(const QModelIndex& row) const {
-    const auto creator = [this](int kind) {
-        return kind == Kind::Module     ? m_ui->actAddModule
-               : kind == Kind::Function ? m_ui->actAddFunction
-                                        : m_ui->actLoadFiles;
-    };
     const int level = m_resModel->getItemLevel(row);
     if (level == 0)
         return QList<QAction*>();

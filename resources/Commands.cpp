@@ -3,6 +3,7 @@
 
 #include "resources/OrvoResources.h"
 
+#include "frame/Kinds.h"
 #include "frame/Vocabulary.h"
 #include "resources/Columns.h"
 #include "resources/Fields.h"
@@ -54,17 +55,15 @@ void OrvoResources::bindCommands() {
     all.bind(
         keys::newItem, tree, nullptr, [this] { creatorHere()->trigger(); },
         [this] { return creatorHere() != nullptr; });
-    const std::pair<const char*, QAction*> actions[] = {{keys::newFolder, m_ui->actAddFolder},
-                                                        {keys::newModule, m_ui->actAddModule},
-                                                        {keys::newFunction, m_ui->actAddFunction},
-                                                        {keys::newFile, m_ui->actLoadFiles},
-                                                        {keys::cut, m_ui->actCut},
-                                                        {keys::paste, m_ui->actPaste},
-                                                        {keys::extract, m_ui->actExtractFiles},
-                                                        {keys::unlock, m_ui->actUnBlock},
-                                                        {keys::openForm, m_ui->actOpenScheme}};
+    const std::pair<const char*, QAction*> actions[] = {
+        {keys::newFolder, m_ui->actAddFolder}, {keys::cut, m_ui->actCut},
+        {keys::paste, m_ui->actPaste},         {keys::extract, m_ui->actExtractFiles},
+        {keys::unlock, m_ui->actUnBlock},      {keys::openForm, m_ui->actOpenScheme}};
     for (const auto& [id, action] : actions)
         all.bind(id, tree, action);
+    for (const orvo::ResourceKind& kind : orvo::resourceKinds)
+        if (kind.topFolder) // the file area has the same action as the forms
+            all.bind(keys::newOf(kind.number), tree, creator(kind.number));
     all.bind(
         keys::rename, tree, nullptr,
         [this] { passportKeys().editRow(QString::fromLatin1(orvo::field::caption)); },

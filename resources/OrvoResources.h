@@ -234,6 +234,8 @@ private:
     void makeSearchBar();
 
     // Actions
+    /// What makes a resource of that kind: by hand, or by the upload of its contents.
+    QAction* creator(int kind) const;
     /// Those that make a row by hand, as menus list them.
     QList<QAction*> creators() const;
     /// Switches all actions off but these.

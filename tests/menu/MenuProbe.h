@@ -13,6 +13,7 @@ public:
     using OrvoMenu::OrvoMenu;
 
     using OrvoMenu::checkMimeType;
+    using OrvoMenu::creator;
     using enum menu::EditMode;
     using EditMode = menu::EditMode;
     using OrvoMenu::getDesckElementPosition;

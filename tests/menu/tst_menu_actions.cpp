@@ -1,4 +1,6 @@
 // When the actions of the menu editor are switched on and off, and what the context menus hold.
+#include "frame/Keys.h"
+#include "frame/Kinds.h"
 #include "models/Passport.h"
 #include "tests/menu/MenuProbe.h"
 
@@ -6,6 +8,7 @@
 #include <QGuiApplication>
 #include <QMenu>
 #include <QMimeData>
+#include <QSet>
 #include <QTimer>
 
 #include <utility>
@@ -56,6 +59,23 @@ class TestMenuActions : public QObject {
     Q_OBJECT
 private slots:
     void init() { QGuiApplication::clipboard()->clear(); }
+
+    void everyKindThatStandsInAMenuHasAnActionAndAKeyOfItsOwn() {
+        StartedPlant editor;
+        QSet<const QAction*> actions;
+        QSet<QString> keys;
+        int expected = 0;
+        for (const orvo::ResourceKind& kind : orvo::resourceKinds) {
+            QCOMPARE(editor->creator(kind.number) != nullptr, kind.attribute != nullptr);
+            if (!kind.attribute)
+                continue;
+            actions << editor->creator(kind.number);
+            keys << orvo::keys::newOf(kind.number);
+            ++expected;
+        }
+        QCOMPARE(actions.size(), expected);
+        QCOMPARE(keys.size(), expected);
+    }
 
     void whoMayOnlyReadCopiesAndNoMore() {
         PlantEditor editor;

@@ -29,6 +29,7 @@ public:
     using OrvoResources::m_currentKey;
     using OrvoResources::m_editState;
     using OrvoResources::m_focusKey;
+    using OrvoResources::m_menuCreate;
     using OrvoResources::m_newItemIndex;
     using OrvoResources::m_propModel;
     using OrvoResources::m_resModel;

@@ -1,5 +1,6 @@
 // What the resource editor offers for a row, and what a move of the current row or the selection
 // does.
+#include "frame/Kinds.h"
 #include "tests/resources/ResProbe.h"
 
 #include <QApplication>
@@ -8,6 +9,7 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QRegularExpression>
+#include <QSet>
 #include <QTimer>
 
 using namespace orvo::test;
@@ -50,6 +52,19 @@ private slots:
         QCOMPARE(enabledActions(*editor.module), QString("actExtractFiles actOpenScheme"));
         QVERIFY(!editor.view("tvRes")->acceptDrops());
         QVERIFY(editor.view("tvProp")->editTriggers() == QAbstractItemView::NoEditTriggers);
+    }
+
+    void everyKindWithoutContentsIsMadeByAnActionOfItsOwn() {
+        CatalogueEditor editor;
+        QVERIFY(editor.start());
+        QSet<QString> names;
+        for (const QAction* action : editor->m_menuCreate->actions())
+            names << action->objectName();
+        int expected = 1; // the folder
+        for (const orvo::ResourceKind& kind : orvo::resourceKinds)
+            expected += kind.hasContents ? 0 : 1;
+        QCOMPARE(names.size(), expected);
+        QVERIFY(!names.contains("actLoadFiles"));
     }
 
     void rowsOfferTheirActions_data() {
