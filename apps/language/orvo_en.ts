@@ -1097,14 +1097,6 @@ time (UTC).</translation>
         <translation>Also forget changes in the log older than: </translation>
     </message>
     <message>
-        <source>Какое прежнее содержимое старо, если не 90d: </source>
-        <translation>Which earlier content is old, if not 90d: </translation>
-    </message>
-    <message>
-        <source>Сколько мебибайт прежнего содержимого оставить, если не 1024.</source>
-        <translation>How many mebibytes of earlier content to keep, if not 1024.</translation>
-    </message>
-    <message>
         <source>МИБ</source>
         <translation>MIB</translation>
     </message>
@@ -1115,17 +1107,6 @@ time (UTC).</translation>
     <message>
         <source>Забыть прежнее содержимое форм и файлов и старые изменения в журнале</source>
         <translation>Forget earlier content of forms and files and old changes in the log</translation>
-    </message>
-    <message>
-        <source>Что лежит в хранилище, не меняется. Прежнее содержимое замещённых и удалённых форм и файлов
-хранится 90 дней и до 1024 МиБ: что старше или сверх того, забывается. Журнал изменений
-становится короче, только если сказано --older-than. Клиент, который был отключён дольше, чем
-помнит журнал, замечает это и открывает свои модули заново.</source>
-        <translation>What is in the store does not change. Earlier content of replaced and deleted
-forms and files is kept for 90 days and up to 1024 MiB: what is older or beyond
-that is forgotten. The change log becomes shorter only if --older-than is given.
-A client that was disconnected for longer than the log remembers notices this
-and reopens its modules.</translation>
     </message>
     <message>
         <source>Сделать папки пути, которых нет.</source>
@@ -7563,11 +7544,30 @@ that somebody else has taken is not replaced: they release it, or unlock does.</
     </message>
     <message>
         <source>открыть этот модуль; можно повторять (иначе открываются все)</source>
-        <translation type="unfinished"></translation>
+        <translation>open this module; can be repeated (otherwise all are opened)</translation>
     </message>
     <message>
         <source>Модуля «%1» нет среди %2.</source>
         <translation>Module “%1” is not one of %2.</translation>
+    </message>
+    <message>
+        <source>Какое прежнее содержимое старо, если не %1d: </source>
+        <translation>Which former contents are old, if not %1d: </translation>
+    </message>
+    <message>
+        <source>Сколько мебибайт прежнего содержимого оставить, если не %1.</source>
+        <translation>How many mebibytes of earlier content to keep, if not %1.</translation>
+    </message>
+    <message>
+        <source>Что лежит в хранилище, не меняется. Из прежнего содержимого замещённых и удалённых форм и
+файлов забывается то, что старше --versions-older-than или не умещается в --versions-limit.
+Журнал изменений становится короче, только если сказано --older-than. Клиент, который был
+отключён дольше, чем помнит журнал, замечает это и открывает свои модули заново.</source>
+        <translation>What is in the store does not change. Of the earlier content of replaced and
+deleted forms and files, what is older than --versions-older-than or does not
+fit into --versions-limit is forgotten. The change log becomes shorter only if
+--older-than is given. A client that was disconnected for longer than the log
+remembers notices this and reopens its modules.</translation>
     </message>
 </context>
 <context>

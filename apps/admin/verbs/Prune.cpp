@@ -12,7 +12,7 @@ namespace orvo::admin {
 
 namespace {
 
-constexpr double keptDays = 90;
+constexpr int keptDays = 90;
 constexpr uint64_t keptMebibytes = 1024;
 
 void pruneOptions(OptionList& options) {
@@ -21,9 +21,11 @@ void pruneOptions(OptionList& options) {
     };
     const QString forms = momentForms();
     add("older-than", Text::tr("Забыть и изменения журнала старше: ") + forms, Text::tr("КОГДА"));
-    add("versions-older-than", Text::tr("Какое прежнее содержимое старо, если не 90d: ") + forms,
+    add("versions-older-than",
+        Text::tr("Какое прежнее содержимое старо, если не %1d: ").arg(keptDays) + forms,
         Text::tr("КОГДА"));
-    add("versions-limit", Text::tr("Сколько мебибайт прежнего содержимого оставить, если не 1024."),
+    add("versions-limit",
+        Text::tr("Сколько мебибайт прежнего содержимого оставить, если не %1.").arg(keptMebibytes),
         Text::tr("МИБ"));
     options.append({QStringLiteral("dry-run"), Text::tr("Только сказать, сколько забылось бы.")});
     progressOption(options);
@@ -59,7 +61,7 @@ int run(const Invocation& call) {
     const double oldVersions =
         call.has("versions-older-than")
             ? readMoment(call, "versions-older-than")
-            : static_cast<double>(QDateTime::currentSecsSinceEpoch()) - keptDays * 86400;
+            : static_cast<double>(QDateTime::currentSecsSinceEpoch()) - keptDays * 86400.0;
     const uint64_t limit = readLimit(call);
     const double oldChanges = call.has("older-than") ? readMoment(call, "older-than") : 0;
     const auto store = call.open();
@@ -97,12 +99,13 @@ const Verb pruneVerb = {
                       "Забыть прежнее содержимое форм и файлов и старые изменения в журнале"),
     QT_TRANSLATE_NOOP(
         "orvo",
-        "Что лежит в хранилище, не меняется. Прежнее содержимое замещённых и удалённых форм и "
-        "файлов\n"
-        "хранится 90 дней и до 1024 МиБ: что старше или сверх того, забывается. Журнал изменений\n"
-        "становится короче, только если сказано --older-than. Клиент, который был отключён дольше, "
-        "чем\n"
-        "помнит журнал, замечает это и открывает свои модули заново."),
+        "Что лежит в хранилище, не меняется. Из прежнего содержимого замещённых и удалённых форм "
+        "и\n"
+        "файлов забывается то, что старше --versions-older-than или не умещается в "
+        "--versions-limit.\n"
+        "Журнал изменений становится короче, только если сказано --older-than. Клиент, который "
+        "был\n"
+        "отключён дольше, чем помнит журнал, замечает это и открывает свои модули заново."),
     0,
     0,
     pruneOptions,
