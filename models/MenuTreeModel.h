@@ -6,9 +6,8 @@
 #include "models/TabRec.h"
 #include "models/TreeModelCore.h"
 
-/// Columns: 0 caption, 1 type as a word, 2 name of the resource, 3 FolderKey, 4 icon file name,
-/// 5 KeyLink (the key), 6 MenuResourceKey, 7 oneCopy, 8 order_, 9 params, 10 ParentKey,
-/// 11 separator, 12 whether it is new.
+/// Its columns are in menu/Columns.h. The model itself looks at 0 caption, 1 type as a word, 4 icon
+/// file name and 5 KeyLink (the key).
 ///
 /// A drag carries "OrvoMenu/menu/dragdrop": the key of each dragged row in UTF-8, each followed by
 /// ";". A drop changes no row; it emits dragdropOperation.

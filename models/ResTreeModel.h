@@ -8,10 +8,9 @@
 
 #include <QSet>
 
-/// Columns: 0 name, 1 resource, 2 icon file name, 3 lock, 4 date of the lock, 5 KeyLink (the key),
-/// 6 type (0 menu root, 1 module, 2 function, 3 form, 4 file, 5 orphan folder), 7 params,
-/// 8 FolderKey, 9 whether it is a folder, 10 date, 11 size, 12 blocked (1 by this user, 2 by
-/// another), 13 whether it is new. Roles 257 and 258 answer columns 0 and 1 for the search.
+/// Its columns are in resources/Columns.h. The model itself looks at 0 name, 1 resource, 2 icon
+/// file name, 3 lock, 5 KeyLink (the key), 6 type (orvo::Kind), 9 whether it is a folder and 12
+/// blocked (1 by this user, 2 by another). Roles 257 and 258 answer columns 0 and 1 for the search.
 ///
 /// A drag carries rows of one type; the MIME type tells which: "OrvoResources/" followed by modres,
 /// funcres, menures, sysres for 1 to 4 and "/dragdrop". The payload is the rows' keys in UTF-8,
