@@ -1,5 +1,5 @@
 // Verb.h: what a verb of orvo-admin is, and the table of them. A new verb is one file in verbs/
-// that defines a Verb, one declaration here and one line in Verbs.cpp.
+// that defines a Verb, its name in CMakeLists.txt, one declaration here and one line in Verbs.cpp.
 #ifndef ORVO_ADMIN_VERB_H
 #define ORVO_ADMIN_VERB_H
 

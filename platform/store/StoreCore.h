@@ -1,7 +1,8 @@
 // StoreCore.h: what every kind of store does alike, over what its database provides.
 //
-// The subjects: records and updates (StoreCore.cpp, GuardedUpdate.h), the change log
-// (StoreLog.cpp), users (StoreUsers.cpp), stored forms and files (StoredFiles.h), the whole content
+// The subjects: records and updates (StoreCore.cpp, GuardedUpdate.h), several tables in one
+// transaction (StoreWriteAll.cpp), the change log (StoreLog.cpp), users (StoreUsers.cpp), stored
+// forms and files (StoredFiles.h) and their former contents (StoreVersions.cpp), the whole content
 // on its way out and in (StoreTransfer.cpp). All checks of arguments are made here, before a
 // database is asked.
 #ifndef ORVO_PLATFORM_STORE_STORECORE_H
