@@ -5,6 +5,7 @@
 #include "platform/store/Names.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace orvo::store {
 
@@ -74,6 +75,25 @@ FolderTree::FolderTree(std::vector<FolderRow> folders, Area area) : m_area(area)
             open.emplace_back(child, level + 1);
         }
     }
+    assert(isSound());
+}
+
+bool FolderTree::isSound() const {
+    std::vector<bool> isBelow(m_nodes.size());
+    for (const size_t root : m_roots)
+        isBelow[root] = true;
+    for (size_t number = 0; number < m_nodes.size(); ++number) {
+        const auto placed = m_placed.find(foldedKey(m_nodes[number].key));
+        if (!m_nodes[number].children.empty() &&
+            (placed == m_placed.end() || placed->second != number))
+            return false; // 2
+        for (const size_t child : m_nodes[number].children) {
+            if (isBelow[child])
+                return false; // 1
+            isBelow[child] = true;
+        }
+    }
+    return true;
 }
 
 std::vector<std::string> FolderTree::find(std::string_view path) const {

@@ -24,6 +24,10 @@ enum class Area {
 
 /// A snapshot of one area's folders. Folders that hang on nothing, or on each other in a circle,
 /// are in no place of it.
+///
+/// Invariants, asserted in debug builds:
+///  1. A folder is below one other at most, and no root is below any: each walk from a root ends.
+///  2. Only folders that have a place have others below them.
 class FolderTree {
 public:
     FolderTree(std::vector<FolderRow> folders, Area area);
@@ -42,6 +46,8 @@ private:
         std::string key, caption, caption1251, path;
         std::vector<size_t> children; ///< in (caption, KeyLink) order
     };
+    /// 1 and 2.
+    bool isSound() const;
     void collect(size_t node, std::string_view rest, std::vector<std::string>* found) const;
     void collectBelow(const std::vector<size_t>& children, std::string_view rest,
                       std::vector<std::string>* found) const;

@@ -7,6 +7,7 @@
 #include "platform/mdx/MdxBuild.h"
 
 #include <algorithm>
+#include <cassert>
 #include <iterator>
 #include <set>
 #include <unordered_map>
@@ -79,6 +80,7 @@ Status StoredFiles::folders(Area area, Within transaction,
                             std::shared_ptr<const FolderTree>* tree) {
     const Fields& f = fields();
     KnownFolders& known = m_folders.at(static_cast<size_t>(area));
+    assert(known.tree || known.position == 0); // 2
     int64_t newest = 0;
     bool changed = true;
     Status status = m_backend.changedSince(f.folder, known.position, &newest, &changed);
@@ -95,12 +97,14 @@ Status StoredFiles::folders(Area area, Within transaction,
             return status;
         *tree = std::make_shared<const FolderTree>(std::move(rows), area);
     } else {
+        assert(newest >= known.position); // 3
         *tree = known.tree;
     }
     // What a transaction has written may never be, and its numbers may come again for other
     // changes.
     if (transaction == Within::Read)
         known = {*tree, newest};
+    assert(transaction == Within::Read || !changed || known.tree != *tree); // 1
     return {};
 }
 

@@ -1,9 +1,11 @@
 // StoredFiles.h: stored forms and files (resources of kind Form and File, and their contents) over
 // what a database provides. What each operation does is told in Store.h.
 //
-// Invariants:
+// Invariants, asserted in debug builds:
 //  1. A known tree of folders is what a read transaction saw up to the id of the log beside it; one
 //     made inside a write is never kept, since that may be rolled back and its ids given again.
+//  2. Beside no tree the id is 0.
+//  3. A known tree is used again only where the log reaches at least to its id.
 #ifndef ORVO_PLATFORM_STORE_STOREDFILES_H
 #define ORVO_PLATFORM_STORE_STOREDFILES_H
 
