@@ -85,7 +85,7 @@ Status PostgresStore::sendInserts(const TableDef& table, Iterator first, size_t 
             column[row] = &first[static_cast<std::ptrdiff_t>(row)].values[i].second;
         parameters.fields(table.fields[static_cast<size_t>(fields.back())].type, column);
     }
-    const Status sent =
+    Status sent =
         send("INSERT INTO " + qualified(table.name) + " (" + fieldList(table, fields) +
                  ") SELECT * FROM unnest(" + arrays + ")",
              parameters, inTable(table), true);

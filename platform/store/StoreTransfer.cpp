@@ -122,7 +122,7 @@ private:
     Status writeGathered() {
         if (m_gathered.empty())
             return {};
-        const Status status = m_store.applyAll(*m_table, m_gathered);
+        Status status = m_store.applyAll(*m_table, m_gathered);
         m_gathered.clear();
         m_size = 0;
         return status;
