@@ -85,10 +85,9 @@ Status PostgresStore::sendInserts(const TableDef& table, Iterator first, size_t 
             column[row] = &first[static_cast<std::ptrdiff_t>(row)].values[i].second;
         parameters.fields(table.fields[static_cast<size_t>(fields.back())].type, column);
     }
-    Status sent =
-        send("INSERT INTO " + qualified(table.name) + " (" + fieldList(table, fields) +
-                 ") SELECT * FROM unnest(" + arrays + ")",
-             parameters, inTable(table), true);
+    Status sent = send("INSERT INTO " + qualified(table.name) + " (" + fieldList(table, fields) +
+                           ") SELECT * FROM unnest(" + arrays + ")",
+                       parameters, inTable(table), true);
     // Megabytes that lie here would be moved to the front with each piece that the server takes,
     // while it waits for the next one.
     if (sent.ok() && !m_connection.flush())
