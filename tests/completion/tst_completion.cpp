@@ -144,7 +144,7 @@ private slots:
                  QStringList({"add", "change", "list", "login", "remove"}));
         QCOMPARE(offers("orvo-admin user add --pr"), QStringList("--program"));
         QCOMPARE(offers("orvo-admin check --a"), QStringList("--all"));
-        QVERIFY(!offers("orvo-admin check --").contains("--progress"));
+        QVERIFY(!offers("orvo-admin history --").contains("--progress"));
     }
 
     void anUnknownShellIsRefused() {
